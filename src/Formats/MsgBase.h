@@ -1,0 +1,125 @@
+#pragma once
+
+#include "Platform/Text.h"
+#include "Utils/Element.h"
+#include "Utils/KeyedTable.h"
+
+#include <deque>
+#include <functional>
+
+class MsgBase;
+
+/// What the program says of an importer before there is one: its names, its default base path, the page that follows
+/// the choice of it, and how to make one.
+class MsgUIDescriptor
+{
+public:
+    MsgUIDescriptor(const CString& basePath, unsigned int nameId, unsigned int descriptionId, MsgBase* (*factory)(),
+                    long nextPage);
+
+    /// Name and description come from the string table on first request.
+    CString& getName();
+    CString& getDescription();
+    long queryNextPage() const { return nextPage; }
+    CString& getBasePath() { return basePath; }
+
+    /// A new importer, owned by the caller.
+    MsgBase* create() const { return factory(); }
+
+private:
+    CString name;
+    CString description;
+    CString basePath;
+    unsigned int nameId;        // 0 once loaded
+    unsigned int descriptionId; // 0 once loaded
+    long nextPage;
+    MsgBase* (*factory)();
+};
+
+/// The importers in display order, ended by null.
+extern MsgUIDescriptor* g_amud[];
+
+/// The base of every importer and the container of one import. An importer implements parse() and declares in it what
+/// it finds, by addElement() and addAttribute(); afterwards usages that occurred more than once become tables, and the
+/// types can be enumerated, component types before the types that use them.
+class MsgBase
+{
+public:
+    /// 1 merges by name: a name seen twice is one element. 0: every addElement() makes a new one.
+    explicit MsgBase(int mergeByName);
+    virtual ~MsgBase();
+    MsgBase(const MsgBase&) = delete;
+    MsgBase& operator=(const MsgBase&) = delete;
+
+    /// Declares the elements of a source. `source` is the file's contents, or its name when isFileMode() is nonzero, or
+    /// the text given to parseData(); `basePath` the folder under which the types are placed; `fileName` the file's
+    /// name, "" for parseData(). Nonzero on success; a failure has been shown by the importer itself.
+    virtual int parse(const CString& source, const CString& basePath, const CString& fileName) = 0;
+
+    /// Nonzero when parse() wants the file's name rather than its contents.
+    virtual int isFileMode() const { return 0; }
+
+    /// The name of the root element of the document that getXML() writes.
+    virtual CString queryMainTypeName() const = 0;
+
+    virtual MsgUIDescriptor* queryDescriptor() const = 0;
+
+    /// Clears the model and imports a file. 0 when it can't be opened (message 2210), else what parse() answered.
+    int parseFile(const CString& fileName, const CString& basePath);
+
+    /// Clears the model and imports `data`; answers what parse() answered.
+    int parseData(const CString& data, const CString& basePath);
+
+    /// Replaces `out` with the message document: header, main element, the documents of all types.
+    void getXML(CString& out);
+
+    /// The message document in pieces, in order, so that it never has to be in memory whole.
+    void writeXML(const std::function<void(std::string_view)>& write);
+
+    /// Puts the cursor before the first type and answers how many types there are.
+    int beginEnum();
+
+    /// The next type, or null at the end and from then on.
+    Element* enumNext();
+
+    /// Declares one occurrence of an element under `parent` (null at the top) and returns the element. A usage key that
+    /// occurs again says that the element repeats inside its parent.
+    Element* addElement(const CString& usageKey, const CString& path, const CString& name, const CString& description,
+                        Element::ElementTypes type, Element* parent);
+
+    /// The same for an attribute of `parent`, which must not be null: the element's name is the parent's name, "_" and
+    /// `name`, and it never becomes a table.
+    Element* addAttribute(const CString& usageKey, const CString& path, const CString& name, const CString& description,
+                          Element::ElementTypes type, Element* parent);
+
+    long queryNextPage() const { return queryDescriptor()->queryNextPage(); }
+    CString& getBasePath() { return queryDescriptor()->getBasePath(); }
+
+protected:
+    /// Empties the model.
+    void clear();
+
+    /// Makes tables of repeated usages and orders the types.
+    void onAfterParse();
+
+    /// Null when nothing merges by name, for an empty name, and for a name that there is not.
+    Element* findElement(const CString& name) const;
+
+    /// Null for an empty key and for one that there is not.
+    ChildElement* findUsage(const CString& usageKey) const;
+
+    /// Shows `text` under the title "Typeforge Error" and answers 0, the result of an import that failed.
+    static int fail(const CString& text);
+
+private:
+    void makeTable(ChildElement& usage);
+
+    std::deque<Element> ownedElements; // also the ones that another has replaced under their key
+    std::deque<ChildElement> ownedUsages;
+    KeyedTable<Element, &Element::queryName> elements;
+    KeyedTable<ChildElement, &ChildElement::queryUsageKey> usages;
+    std::deque<Element*> orderedList;
+    std::size_t enumPosition = 0;
+    int mergeByName;
+    int typeCount = 0;
+};

@@ -1,0 +1,17 @@
+#include "Platform/MainWindow.h"
+
+namespace {
+
+MainWindow* current = nullptr;
+
+}
+
+MainWindow* mainWindow()
+{
+    return current;
+}
+
+void setMainWindow(MainWindow* window)
+{
+    current = window;
+}

@@ -1,0 +1,157 @@
+#include "Platform/Text.h"
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr char32_t kInvalid = 0xFFFFFFFF;
+constexpr char32_t kReplacement = 0xFFFD;
+
+// Windows-1252 for 0x80 to 0x9F; the five bytes it leaves open are the C1 controls of the same value.
+constexpr std::array<char16_t, 32> kWindows1252 = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                   0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                                   0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                   0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+// Decodes one character at `at` and moves past it. kInvalid, and no move, where the bytes are no UTF-8 (overlong forms
+// and surrogates included, as in RFC 3629).
+char32_t decodeUtf8(std::string_view text, std::size_t& at)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(at);
+    if (lead < 0x80)
+        return static_cast<unsigned char>(text[at++]);
+    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || text.size() - at < length)
+        return kInvalid;
+    char32_t code = lead & (0x7F >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(at + i) & 0xC0) != 0x80)
+            return kInvalid;
+        code = code << 6 | (byte(at + i) & 0x3F);
+    }
+    const bool overlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
+    if (overlong || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
+        return kInvalid;
+    at += length;
+    return code;
+}
+
+void appendUtf8(CString& out, char32_t code)
+{
+    if (code < 0x80) {
+        out += static_cast<char>(code);
+    } else if (code < 0x800) {
+        out += static_cast<char>(0xC0 | code >> 6);
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        out += static_cast<char>(0xE0 | code >> 12);
+        out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | code >> 18);
+        out += static_cast<char>(0x80 | (code >> 12 & 0x3F));
+        out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    }
+}
+
+bool isXmlChar(char32_t code)
+{
+    if (code < 0x20)
+        return code == '\t' || code == '\n' || code == '\r';
+    return code != 0xFFFE && code != 0xFFFF;
+}
+
+bool isUtf8(std::string_view bytes)
+{
+    for (std::size_t at = 0; at < bytes.size();)
+        if (decodeUtf8(bytes, at) == kInvalid)
+            return false;
+    return true;
+}
+
+} // namespace
+
+std::string_view trimmed(std::string_view text, std::string_view set)
+{
+    const std::size_t first = text.find_first_not_of(set);
+    if (first == std::string_view::npos)
+        return text.substr(0, 0);
+    return text.substr(first, text.find_last_not_of(set) - first + 1);
+}
+
+CString formatText(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    CString out(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    if (length > 0)
+        std::vsnprintf(out.data(), out.size() + 1, format, again);
+    va_end(again);
+    return out;
+}
+
+void fillText(CString& out, std::string_view format, std::string_view value)
+{
+    const std::size_t place = format.find("%s");
+    out.assign(format.substr(0, place));
+    if (place == std::string_view::npos)
+        return;
+    out.append(value);
+    out.append(format.substr(place + 2));
+}
+
+CString fillText(std::string_view format, std::string_view value)
+{
+    CString out;
+    fillText(out, format, value);
+    return out;
+}
+
+bool isXmlText(std::string_view bytes)
+{
+    for (std::size_t at = 0; at < bytes.size();) {
+        std::uint64_t eight; // nearly every text is plain ASCII: eight bytes at a time while it is
+        if (bytes.size() - at >= sizeof eight) {
+            std::memcpy(&eight, bytes.data() + at, sizeof eight);
+            constexpr std::uint64_t high = 0x8080808080808080, space = 0x2020202020202020;
+            if (((eight | (eight - space)) & high) == 0) {
+                at += sizeof eight;
+                continue;
+            }
+        }
+        const char32_t code = decodeUtf8(bytes, at);
+        if (code == kInvalid || !isXmlChar(code))
+            return false;
+    }
+    return true;
+}
+
+CString toXmlText(std::string_view bytes)
+{
+    if (isXmlText(bytes))
+        return CString(bytes);
+    CString out;
+    out.reserve(bytes.size() + bytes.size() / 2);
+    const bool utf8 = isUtf8(bytes);
+    for (std::size_t at = 0; at < bytes.size();) {
+        char32_t code;
+        if (utf8) {
+            code = decodeUtf8(bytes, at);
+        } else {
+            code = static_cast<unsigned char>(bytes[at++]);
+            if (code >= 0x80 && code < 0xA0)
+                code = kWindows1252[code - 0x80];
+        }
+        appendUtf8(out, isXmlChar(code) ? code : kReplacement);
+    }
+    return out;
+}

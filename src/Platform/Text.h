@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <list>
+#include <string>
+#include <string_view>
+
+// The platform's plain types, as far as signatures name them.
+using CString = std::string; ///< 8-bit text; its code page is UTF-8
+using CStringList = std::list<CString>;
+using UINT = unsigned int;
+using BOOL = int;
+using LONG = std::int32_t;
+using DWORD = std::uint32_t;
+using LRESULT = long;
+
+/// White space as importers trim it: space, tab, line feed, carriage return, vertical tab, form feed.
+inline constexpr std::string_view kWhitespace = " \t\n\r\v\f";
+
+/// `text` without the characters of `set` at either end; a view into `text`.
+std::string_view trimmed(std::string_view text, std::string_view set = kWhitespace);
+
+/// printf into a text of any length.
+[[gnu::format(printf, 1, 2)]] CString formatText(const char* format, ...);
+
+/// `format` with its first "%s" replaced by `value`; a format without one comes back unchanged.
+CString fillText(std::string_view format, std::string_view value);
+
+/// The same, written into `out`, whose storage is kept: for loops that fill one format many times.
+void fillText(CString& out, std::string_view format, std::string_view value);
+
+/// Makes any bytes fit for an XML document: UTF-8 stays, a text that isn't valid UTF-8 is read whole as Windows-1252,
+/// and a character outside of XML 1.0's Char production (https://www.w3.org/TR/xml/#charsets) becomes U+FFFD.
+CString toXmlText(std::string_view bytes);
+
+/// True when toXmlText() would change nothing, so that the text can be used where it stands.
+bool isXmlText(std::string_view bytes);

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "Resources/StringIds.h"
+
+/// The text of `id`, a literal that lives for the whole run; "" for an id that is not in the table. A text that holds a
+/// conversion (%s, %d, %u, %ld) is a format, which the caller fills.
+const char* loadText(unsigned id);

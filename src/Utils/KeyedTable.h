@@ -1,0 +1,103 @@
+#pragma once
+
+#include "Platform/Text.h"
+
+#include <cstddef>
+#include <functional>
+#include <utility>
+#include <vector>
+
+/// The hash under which KeyedTable stores a key. A caller that looks the same key up in several tables computes it
+/// once.
+inline std::size_t keyHash(std::string_view key)
+{
+    return std::hash<std::string_view>()(key);
+}
+
+/// A string-keyed table of pointers that iterates in the order in which the keys were first stored. The key is not
+/// stored: `KeyOf(value)` reads it from the value, so it must not change while the value is in the table. Owns nothing.
+template <class T, auto KeyOf>
+class KeyedTable
+{
+public:
+    /// The value under `key`, or null.
+    T* find(std::string_view key) const { return find(key, keyHash(key)); }
+
+    T* find(std::string_view key, std::size_t hash) const
+    {
+        if (slots.empty())
+            return nullptr;
+        const std::size_t at = slotOf(key, hash);
+        return slots[at].entry == kFree ? nullptr : entries[slots[at].entry];
+    }
+
+    /// Stores `value` under its key, in the place of the value that was there before.
+    void store(T* value) { store(value, keyHash(keyOf(*value))); }
+
+    void store(T* value, std::size_t hash)
+    {
+        if ((entries.size() + 1) * 4 > slots.size() * 3)
+            grow();
+        const std::size_t at = slotOf(keyOf(*value), hash);
+        if (slots[at].entry != kFree) {
+            entries[slots[at].entry] = value;
+            return;
+        }
+        slots[at] = {static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(entries.size())};
+        entries.push_back(value);
+    }
+
+    void clear()
+    {
+        entries.clear();
+        slots.clear();
+    }
+
+    std::size_t size() const { return entries.size(); }
+    bool empty() const { return entries.empty(); }
+
+    /// The value stored under the index-th key. Valid while values are added, so a walk by index sees the new ones too.
+    T* operator[](std::size_t index) const { return entries[index]; }
+    auto begin() const { return entries.begin(); }
+    auto end() const { return entries.end(); }
+
+private:
+    static constexpr std::uint32_t kFree = 0xFFFFFFFF;
+
+    // Open addressing, linear probing. The low half of the hash stands beside the index, so that a probe seldom has to
+    // follow the pointer, and growing never does.
+    struct Slot
+    {
+        std::uint32_t hash = 0;
+        std::uint32_t entry = kFree;
+    };
+
+    static std::string_view keyOf(const T& value) { return std::invoke(KeyOf, value); }
+
+    std::size_t slotOf(std::string_view key, std::size_t hash) const
+    {
+        const auto mark = static_cast<std::uint32_t>(hash);
+        for (std::size_t at = mark & (slots.size() - 1);; at = (at + 1) & (slots.size() - 1)) {
+            const Slot& slot = slots[at];
+            if (slot.entry == kFree || (slot.hash == mark && keyOf(*entries[slot.entry]) == key))
+                return at;
+        }
+    }
+
+    void grow()
+    {
+        std::vector<Slot> larger(slots.empty() ? 16 : slots.size() * 2);
+        for (const Slot& slot : slots) {
+            if (slot.entry == kFree)
+                continue;
+            std::size_t at = slot.hash & (larger.size() - 1);
+            while (larger[at].entry != kFree)
+                at = (at + 1) & (larger.size() - 1);
+            larger[at] = slot;
+        }
+        slots = std::move(larger);
+    }
+
+    std::vector<T*> entries;
+    std::vector<Slot> slots; // a power of two
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Platform/Text.h"
+
+/// The application object. One exists for the whole process, `theApp`, with or without a window.
+class CQELApp
+{
+public:
+    /// Runs the wizard from start to end; answers 0, so that the process ends. Defined with the wizard: a program
+    /// without a window never calls it and links without it.
+    BOOL InitInstance();
+
+    /// Shows the text `textId` of the string table under the title `titleId` and returns when the user has closed it.
+    void Error(UINT textId, UINT titleId);
+
+    /// Shows a finished text under the title `titleId`.
+    void Error(const CString& text, UINT titleId);
+
+    /// Opens the help topic of the page whose dialog id is in the low 16 bits of `data`, the default topic for a
+    /// dialog without one. Acts only when `command` is the context-help command, 1. Defined with the wizard.
+    void WinHelp(DWORD data, UINT command);
+};
+
+extern CQELApp theApp;

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Platform/MessageBox.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
+
+/// Records the message boxes of a test. A box that nobody took by the end fails the test, so none goes unseen.
+class Boxes
+{
+public:
+    Boxes()
+    {
+        before = setMessageBoxHandler([this](const CString& text, const CString& title) {
+            EXPECT_EQ(title, "Typeforge Error");
+            texts.push_back(text);
+        });
+    }
+
+    ~Boxes()
+    {
+        setMessageBoxHandler(before);
+        for (const CString& text : texts)
+            ADD_FAILURE() << "a box that nobody expected: " << text;
+    }
+
+    Boxes(const Boxes&) = delete;
+    Boxes& operator=(const Boxes&) = delete;
+
+    /// The boxes since the last call, oldest first.
+    std::vector<CString> take() { return std::exchange(texts, {}); }
+
+private:
+    MessageBoxHandler before;
+    std::vector<CString> texts;
+};
