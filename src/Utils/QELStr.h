@@ -1,0 +1,159 @@
+#pragma once
+
+#include <list>
+
+// One virtual operation without a virtual destructor is the class's layout: a string is never deleted through a
+// pointer to a base, and a destructor in the table would add two entries to it.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
+/// An 8-bit text. Up to 19 characters lie inside the object, longer ones on the heap; storage never shrinks. All
+/// operations work byte by byte, letters are those of ASCII, and every argument may be the string itself or point
+/// into it. A text of 2 GB or more is refused with std::length_error, since indices are int.
+class QELString
+{
+public:
+    QELString();
+    QELString(const QELString& other);
+    QELString(const char* s);                 ///< null gives the empty text
+    QELString(const char* s, unsigned int n); ///< the first n characters, fewer when `s` is shorter
+    QELString(char ch);                       ///< NUL gives the empty text
+    ~QELString();
+
+    QELString& operator=(const QELString& other);
+    QELString& operator=(const char* s); ///< null gives the empty text
+
+    /// Replaces the text by the first n characters of `s`, fewer when `s` is shorter; null gives the empty text.
+    QELString& assign(const char* s, unsigned int n);
+
+    /// Makes the text empty, with room for at least n characters.
+    void clear(unsigned int n);
+
+    operator const char*() const { return text; }
+
+    /// 1 when the text is empty, else 0.
+    virtual int isNull() const;
+
+    /// The size in bytes of the storage in use, terminator included.
+    unsigned int queryCapacity() const { return capacity; }
+
+    char operator[](unsigned int i) const; ///< at or past the end, NUL
+    char& operator[](unsigned int i);      ///< at or past the end, the terminating NUL, which must stay NUL
+
+    /// The text from index `from` on, at most `count` characters of it. A negative index or count is taken from the
+    /// end: the length is added, and what is still negative is 0.
+    QELString operator()(int from) const;
+    QELString operator()(int from, int count) const;
+
+    /// Replaces the text by the formatted output and returns its length. A failure of the formatter (a wide character
+    /// that the locale can't hold) gives the empty text.
+    [[gnu::format(printf, 2, 3)]] unsigned int sprintf(const char* format, ...);
+
+    QELString& operator+=(const QELString& other);
+    QELString& operator+=(char ch);
+
+    // As unsigned bytes; a text that the other one starts with is the smaller.
+    int operator==(const QELString& other) const;
+    int operator!=(const QELString& other) const;
+    int operator<(const QELString& other) const;
+    int operator>(const QELString& other) const;
+    int operator<=(const QELString& other) const;
+    int operator>=(const QELString& other) const;
+
+    int beginsWith(const QELString& s) const; ///< 1 or 0; always 1 for an empty `s`
+    int endsWith(const QELString& s) const;   ///< 1 or 0; always 1 for an empty `s`
+    unsigned int count(char ch) const;        ///< how many times `ch` occurs
+
+    void trim();                     ///< removes spaces at both ends; other white space stays
+    void trim(const QELString& set); ///< removes characters that occur in `set` at both ends
+    void ltrim(unsigned int width);  ///< removes leading spaces, then pads with spaces on the right up to `width`
+    void rtrim(unsigned int width);  ///< removes trailing spaces, then pads with spaces on the left up to `width`
+
+    /// Keeps the first n characters and answers 1; 0, and no change, when the text is shorter than n.
+    int truncate(unsigned int n);
+
+    void cutl(unsigned int n); ///< removes the first n characters, at most all
+    void cutr(unsigned int n); ///< removes the last n characters, at most all
+
+    void lowerCase();
+    void upperCase();
+    void initial(); ///< behind leading spaces, the first character upper case and the rest lower case
+
+    /// Cuts at the first `sep`: 1 and the texts before and after it; without one 0, the whole text and an empty one.
+    int splitl(char sep, QELString& left, QELString& right) const;
+
+    /// The same at the last `sep`.
+    int splitr(char sep, QELString& left, QELString& right) const;
+
+    /// Cuts at the last `sep` as splitr() does; without one `path` is empty and `name` the whole text.
+    void splitName(char sep, QELString& path, QELString& name) const;
+
+    /// Field n, from 0, of the text cut at every `sep`, without the spaces at its ends; empty when there is none.
+    QELString queryField(char sep, unsigned int n) const;
+
+private:
+    static constexpr unsigned int kInline = 20;
+
+    unsigned int length() const;
+    void reserve(unsigned long newLength, unsigned long size);
+    void reallocate(unsigned long size);
+    void setText(const char* s, unsigned int n);
+    void insertSpaces(unsigned int at, unsigned int width);
+    int splitAt(int separator, QELString& left, QELString& right) const;
+
+    char buffer[kInline];
+    unsigned int capacity = kInline;
+    char* text = buffer; // `buffer`, or a heap block that is owned
+};
+
+#pragma GCC diagnostic pop
+
+unsigned int len(const QELString& s);
+
+QELString operator+(const QELString& left, const QELString& right);
+
+// Each answers the index of the match, or -1; an empty `sub` is never found.
+int find(const QELString& s, const QELString& sub);
+int find(const QELString& s, char ch);
+int findr(const QELString& s, const QELString& sub); ///< the last occurrence
+int findr(const QELString& s, char ch);              ///< the last occurrence
+int findAny(const QELString& s, const char* set);    ///< the first character that occurs in `set`
+int findAny(const QELString& s, const QELString& set);
+
+// Changed copies.
+QELString upperCase(const QELString& s);
+QELString lowerCase(const QELString& s);
+QELString trim(const QELString& s);
+QELString ltrim(const QELString& s);
+QELString rtrim(const QELString& s);
+
+// A number in decimal.
+QELString nstr(short v);
+QELString nstr(unsigned short v);
+QELString nstr(int v);
+QELString nstr(unsigned int v);
+QELString nstr(long v);
+QELString nstr(unsigned long v);
+
+/// Cuts a copy of a string at a separator and hands the parts out one by one, without the spaces at their ends. A text
+/// with k separators has k + 1 parts, empty ones included.
+class QELStringIterator
+{
+public:
+    explicit QELStringIterator(const QELString& s);
+    QELStringIterator(const QELStringIterator&) = delete;
+    QELStringIterator& operator=(const QELStringIterator&) = delete;
+
+    /// Starts anew, with `sep`, which must not be NUL.
+    void beginEnum(char sep);
+
+    /// Copies the next part into `out` and answers 1 when a further one follows. 0 with the last part; 0 also, and
+    /// `out` left alone, when there is none left or beginEnum() was not called.
+    int enumNext(QELString& out);
+
+private:
+    QELString source;
+    char separator = '\0';
+    std::list<QELString> parts;
+    std::list<QELString>::const_iterator position;
+};

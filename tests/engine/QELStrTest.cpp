@@ -1,0 +1,301 @@
+#include "Utils/QELStr.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using Text = std::string;
+
+const char* in(const QELString& s, int from = 0)
+{
+    return static_cast<const char*>(s) + from;
+}
+
+const Text k19(19, 'x');
+const Text k20(20, 'x');
+const Text k40(40, 'x');
+
+QELString withRoom(const char* text, unsigned int room)
+{
+    QELString s;
+    s.clear(room);
+    s = text;
+    return s;
+}
+
+template <class Row>
+auto named(const testing::TestParamInfo<Row>& row)
+{
+    return row.param.name;
+}
+
+// What an operation makes of a text, and how large the storage is then.
+struct Change
+{
+    const char* name;
+    Text start;
+    void (*change)(QELString& s);
+    Text text;
+    unsigned int capacity = 20;
+};
+
+void PrintTo(const Change& row, std::ostream* out)
+{
+    *out << row.start;
+}
+
+using S = QELString;
+QELString rest;
+
+const Change kStorage[] = {
+    {"NineteenStayInside", "", [](S& s) { s = k19.c_str(); }, k19},
+    {"TwentyTakeExactly", "", [](S& s) { s = k20.c_str(); }, k20, 21},
+    {"AssignTakesThePartOnly", "", [](S& s) { s.assign(k40.c_str(), 20); }, k20, 21},
+    {"AssignBeyondTheEndTakesWhatIsThere", "", [](S& s) { s.assign("ab", 4000000000U); }, "ab"},
+    {"NullIsEmpty", "ab", [](S& s) { s = static_cast<const char*>(nullptr); }, ""},
+    {"NullWithCountIsEmpty", "ab", [](S& s) { s.assign(nullptr, 3); }, ""},
+    {"NeverShrinks", k20, [](S& s) { s = "a"; }, "a", 21},
+    {"AssignTakesTheSourcesRoom", "", [](S& s) { s = withRoom("ab", 30); }, "ab", 31},
+    {"AssignKeepsALargerRoom", k40, [](S& s) { s = withRoom("ab", 30); }, "ab", 41},
+    {"AppendTakesTwice", "twelve chars", [](S& s) { s += S("twelve chars"); }, "twelve charstwelve chars", 49},
+    {"AppendThatFits", "abc", [](S& s) { s += S("defg"); }, "abcdefg"},
+    {"AppendCharThatFits", Text(18, 'x'), [](S& s) { s += 'x'; }, k19},
+    {"AppendCharTakesTwice", k19, [](S& s) { s += 'x'; }, k20, 41},
+    {"AppendNulChangesNothing", "ab", [](S& s) { s += '\0'; }, "ab"},
+    {"ClearMakesRoom", "ab", [](S& s) { s.clear(20); }, "", 21},
+    {"PaddingTakesTheWidth", "ab", [](S& s) { s.ltrim(22); }, "ab" + Text(20, ' '), 23},
+    // The argument is the string itself, or lies in it.
+    {"AssignItself", "ab", [](S& s) { s = static_cast<const S&>(s); }, "ab"},
+    {"AppendItself", "twelve chars", [](S& s) { s += static_cast<const S&>(s); }, "twelve charstwelve chars", 49},
+    {"AssignItsMiddle", "abcdef", [](S& s) { s.assign(in(s, 2), 3); }, "cde"},
+    {"AssignItsTail", k20 + "end", [](S& s) { s = in(s, 20); }, "end", 24},
+    {"AppendItsTail", k19, [](S& s) { s += in(s, 18); }, k20, 41},
+    {"FormatItself", "ab", [](S& s) { s.sprintf("%s-%s", in(s), in(s)); }, "ab-ab"},
+    {"TrimByItself", "abc", [](S& s) { s.trim(s); }, ""},
+    {"SplitLeftIntoItself", "ab=c", [](S& s) { s.splitl('=', s, rest); }, "ab"},
+    {"SplitRightIntoItself", "a=b=c", [](S& s) { s.splitr('=', rest, s); }, "c"},
+    {"SplitNameIntoItself", "abc", [](S& s) { s.splitName('=', s, rest); }, ""},
+    {"FieldIntoItself", "a, b ", [](S& s) { s = s.queryField(',', 1); }, "b"},
+    // In place.
+    {"TrimSpacesOnly", "  \ta b  ", [](S& s) { s.trim(); }, "\ta b"},
+    {"TrimAllSpaces", "   ", [](S& s) { s.trim(); }, ""},
+    {"TrimSet", "-+a-b+\xE9-", [](S& s) { s.trim("+-\xE9"); }, "a-b"},
+    {"TrimEmptySet", " a ", [](S& s) { s.trim(""); }, " a "},
+    {"PadRight", " ab", [](S& s) { s.ltrim(5); }, "ab   "},
+    {"PadLeft", "ab ", [](S& s) { s.rtrim(5); }, "   ab"},
+    {"PadRightOfALongerText", "  abcdef ", [](S& s) { s.ltrim(3); }, "abcdef "},
+    {"PadLeftOfALongerText", "  abcdef ", [](S& s) { s.rtrim(3); }, "  abcdef"},
+    {"CutLeft", "abc", [](S& s) { s.cutl(2); }, "c"},
+    {"CutLeftBeyond", "abc", [](S& s) { s.cutl(UINT_MAX); }, ""},
+    {"CutRight", "abc", [](S& s) { s.cutr(2); }, "a"},
+    {"CutRightBeyond", "abc", [](S& s) { s.cutr(UINT_MAX); }, ""},
+    {"LowerCaseIsAscii", "@AZ[\xC4", [](S& s) { s.lowerCase(); }, "@az[\xC4"},
+    {"UpperCaseIsAscii", "`az{\xE4", [](S& s) { s.upperCase(); }, "`AZ{\xE4"},
+    {"Initial", "  hELLO wORLD", [](S& s) { s.initial(); }, "  Hello world"},
+    {"InitialOfSpaces", "  ", [](S& s) { s.initial(); }, "  "},
+    {"WriteByIndex", "abc", [](S& s) { s[1] = 'x'; }, "axc"},
+    {"IndexBeyondIsTheEnd", "abc", [](S& s) { s[UINT_MAX] = '\0'; }, "abc"},
+};
+
+class QELStringChange : public testing::TestWithParam<Change>
+{};
+
+TEST_P(QELStringChange, LeavesTextAndStorage)
+{
+    QELString s(GetParam().start.c_str());
+    GetParam().change(s);
+    EXPECT_EQ(in(s), GetParam().text);
+    EXPECT_EQ(s.queryCapacity(), GetParam().capacity);
+}
+INSTANTIATE_TEST_SUITE_P(Rows, QELStringChange, testing::ValuesIn(kStorage), named<Change>);
+
+TEST(QELString, ConstructsFromWhatItIsGiven)
+{
+    EXPECT_STREQ(S(), "");
+    EXPECT_STREQ(S(static_cast<const char*>(nullptr)), "");
+    EXPECT_STREQ(S('x'), "x");
+    EXPECT_STREQ(S('\0'), "");
+    EXPECT_STREQ(S("abc", 2), "ab");
+    EXPECT_EQ(S(k40.c_str(), 20).queryCapacity(), 21U);
+    EXPECT_EQ(S(withRoom("ab", 30)).queryCapacity(), 31U) << "a copy takes the room of a source on the heap";
+    EXPECT_EQ(sizeof(S), sizeof(void*) + 20 + sizeof(unsigned int) + sizeof(char*));
+    EXPECT_THROW(S().clear(UINT_MAX), std::length_error);
+}
+
+TEST(QELString, TakesPartsByIndex)
+{
+    const S s("abcdef");
+    EXPECT_STREQ(s(-3), "def");
+    EXPECT_STREQ(s(-10), "abcdef");
+    EXPECT_STREQ(s(10), "");
+    EXPECT_STREQ(s(1, 2), "bc");
+    EXPECT_STREQ(s(4, 10), "ef");
+    EXPECT_STREQ(s(0, -1), "abcde");
+    EXPECT_STREQ(s(2, -1), "cdef") << "a negative count is taken from the length of the whole text";
+    EXPECT_STREQ(s(INT_MIN, INT_MIN), "");
+    EXPECT_EQ(s[5], 'f');
+    EXPECT_EQ(s[6], '\0');
+    EXPECT_EQ(s[UINT_MAX], '\0');
+}
+
+TEST(QELString, ComparesAsUnsignedBytes)
+{
+    const char* const ascending[] = {"", "A", "a", "ab", "b", "\x7F", "\x80", "\xFF"};
+    for (std::size_t i = 0; i < std::size(ascending); ++i) {
+        for (std::size_t j = 0; j < std::size(ascending); ++j) {
+            const S a(ascending[i]), b(ascending[j]);
+            SCOPED_TRACE(testing::Message() << '"' << in(a) << "\" and \"" << in(b) << '"');
+            EXPECT_EQ(a == b, i == j);
+            EXPECT_EQ(a != b, i != j);
+            EXPECT_EQ(a < b, i < j);
+            EXPECT_EQ(a > b, i > j);
+            EXPECT_EQ(a <= b, i <= j);
+            EXPECT_EQ(a >= b, i >= j);
+        }
+    }
+}
+
+TEST(QELString, Searches)
+{
+    const S s("abcabc");
+    EXPECT_EQ(find(s, S("bc")), 1);
+    EXPECT_EQ(find(s, S("bcx")), -1);
+    EXPECT_EQ(find(s, S()), -1);
+    EXPECT_EQ(find(s, s), 0);
+    EXPECT_EQ(find(s, 'c'), 2);
+    EXPECT_EQ(find(s, 'x'), -1);
+    EXPECT_EQ(find(s, '\0'), -1);
+    EXPECT_EQ(findr(s, S("bc")), 4);
+    EXPECT_EQ(findr(s, S("abcabca")), -1);
+    EXPECT_EQ(findr(s, S()), -1);
+    EXPECT_EQ(findr(S("aaa"), S("aa")), 1);
+    EXPECT_EQ(findr(s, 'a'), 3);
+    EXPECT_EQ(findr(s, 'x'), -1);
+    EXPECT_EQ(findAny(s, "xcb"), 1);
+    EXPECT_EQ(findAny(s, S("x")), -1);
+    EXPECT_EQ(findAny(s, static_cast<const char*>(nullptr)), -1);
+    EXPECT_EQ(s.count('b'), 2U);
+    EXPECT_EQ(s.count('\0'), 0U);
+    EXPECT_EQ(s.beginsWith("abca") + 10 * s.beginsWith("") + 100 * s.beginsWith("abcabcd"), 11);
+    EXPECT_EQ(s.endsWith("cabc") + 10 * s.endsWith("") + 100 * s.endsWith("xabcabc"), 11);
+    EXPECT_EQ(s.isNull() + 10 * S().isNull(), 10);
+}
+
+TEST(QELString, TruncatesOnlyWhatIsLongEnough)
+{
+    S s("ab");
+    EXPECT_EQ(s.truncate(3), 0);
+    EXPECT_STREQ(s, "ab");
+    EXPECT_EQ(s.truncate(1), 1);
+    EXPECT_STREQ(s, "a");
+}
+
+TEST(QELString, AnswersChangedCopies)
+{
+    const S s(" aB ");
+    EXPECT_STREQ(upperCase(s) + lowerCase(s), " AB  ab ");
+    EXPECT_STREQ(trim(s), "aB");
+    EXPECT_STREQ(ltrim(s), "aB ");
+    EXPECT_STREQ(rtrim(s), " aB");
+    EXPECT_EQ(len(s), 4U);
+}
+
+TEST(QELString, FormatsAnyLength)
+{
+    S s;
+    for (const int width : {4095, 4096, 10000}) {
+        EXPECT_EQ(s.sprintf("%*d", width, 7), static_cast<unsigned int>(width));
+        EXPECT_EQ(in(s), Text(static_cast<std::size_t>(width) - 1, ' ') + "7");
+    }
+    EXPECT_EQ(s.sprintf("%ls", L"\x20AC"), 0U) << "in the C locale";
+    EXPECT_STREQ(s, "");
+    EXPECT_STREQ(nstr(static_cast<short>(-5)), "-5");
+    EXPECT_STREQ(nstr(static_cast<unsigned short>(65535)), "65535");
+    EXPECT_STREQ(nstr(-5), "-5");
+    EXPECT_STREQ(nstr(UINT_MAX), "4294967295");
+    EXPECT_STREQ(nstr(LONG_MIN), "-9223372036854775808");
+    EXPECT_STREQ(nstr(ULONG_MAX), "18446744073709551615");
+}
+
+struct Split
+{
+    const char* text;
+    const char* left; // splitl, splitr and splitName at '=': result, then the two texts
+    const char* right;
+    const char* name;
+};
+
+TEST(QELString, SplitsAtFirstOrLast)
+{
+    const Split rows[] = {
+        {"key=val=x", "1 key|val=x", "1 key=val|x", "key=val|x"},
+        {"abc", "0 abc|", "0 abc|", "|abc"},
+        {"=", "1 |", "1 |", "|"},
+        {"", "0 |", "0 |", "|"},
+    };
+    for (const Split& row : rows) {
+        const S s(row.text);
+        S a("before"), b("before"), result;
+        result = nstr(s.splitl('=', a, b));
+        EXPECT_STREQ(result + " " + a + "|" + b, row.left);
+        result = nstr(s.splitr('=', a, b));
+        EXPECT_STREQ(result + " " + a + "|" + b, row.right);
+        s.splitName('=', a, b);
+        EXPECT_STREQ(a + "|" + b, row.name);
+    }
+}
+
+TEST(QELString, QueriesFields)
+{
+    const S s("a, b ,c");
+    EXPECT_STREQ(s.queryField(',', 0), "a");
+    EXPECT_STREQ(s.queryField(',', 1), "b");
+    EXPECT_STREQ(s.queryField(',', 2), "c");
+    EXPECT_STREQ(s.queryField(',', 3), "");
+    EXPECT_STREQ(S("abc").queryField(',', 0), "abc");
+    EXPECT_STREQ(S().queryField(',', 0), "");
+}
+
+Text partsOf(QELStringIterator& parts)
+{
+    Text all;
+    S part;
+    int more = 1;
+    while (more) {
+        more = parts.enumNext(part);
+        all += "<" + Text(in(part)) + ">";
+    }
+    return all;
+}
+
+TEST(QELStringIterator, HandsOutEveryPart)
+{
+    const char* const rows[][2] = {
+        {"a, b ,c", "<a><b><c>"}, {"", "<>"}, {",", "<><>"}, {" a ", "<a>"}, {"a,,", "<a><><>"}, {"\ta", "<\ta>"},
+    };
+    for (const auto& row : rows) {
+        QELStringIterator parts(row[0]);
+        parts.beginEnum(',');
+        EXPECT_EQ(partsOf(parts), row[1]);
+    }
+}
+
+TEST(QELStringIterator, LeavesTheOutputAloneWhenNothingIsLeft)
+{
+    QELStringIterator parts("a;b,c");
+    S part("untouched");
+    EXPECT_EQ(parts.enumNext(part), 0) << "not begun";
+    EXPECT_STREQ(part, "untouched");
+    parts.beginEnum(',');
+    EXPECT_EQ(partsOf(parts), "<a;b><c>");
+    EXPECT_EQ(parts.enumNext(part), 0);
+    EXPECT_STREQ(part, "untouched");
+    parts.beginEnum(';');
+    EXPECT_EQ(partsOf(parts), "<a><b,c>") << "begun anew";
+}
+
+} // namespace
