@@ -2,15 +2,10 @@
 
 #include <list>
 
-// One virtual operation without a virtual destructor is the class's layout: a string is never deleted through a
-// pointer to a base, and a destructor in the table would add two entries to it.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 /// An 8-bit text. Up to 19 characters lie inside the object, longer ones on the heap; storage never shrinks. All
 /// operations work byte by byte, letters are those of ASCII, and every argument may be the string itself or point
 /// into it. A text of 2 GB or more is refused with std::length_error, since indices are int.
-class QELString
+class QELString final
 {
 public:
     QELString();
@@ -31,7 +26,7 @@ public:
 
     operator const char*() const { return text; }
 
-    /// 1 when the text is empty, else 0.
+    /// 1 when the text is empty, else 0. Virtual as a part of the layout; the destructor isn't, so the class is final.
     virtual int isNull() const;
 
     /// The size in bytes of the storage in use, terminator included.
@@ -105,8 +100,6 @@ private:
     unsigned int capacity = kInline;
     char* text = buffer; // `buffer`, or a heap block that is owned
 };
-
-#pragma GCC diagnostic pop
 
 unsigned int len(const QELString& s);
 
