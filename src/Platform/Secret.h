@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Platform/Text.h"
+
+/// Empties a text that held a password, and leaves none of its bytes in memory, those past its end included.
+void wipe(CString& secret);
+
+/// A text that is wiped when it goes out of sight. Build it in place: a copy, or growth, leaves bytes behind.
+struct Secret
+{
+    CString text;
+
+    Secret() = default;
+    explicit Secret(CString secret) : text(std::move(secret)) {}
+    ~Secret() { wipe(text); }
+    Secret(const Secret&) = delete;
+    Secret& operator=(const Secret&) = delete;
+};
