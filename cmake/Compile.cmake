@@ -1,5 +1,5 @@
 # How every target of the project is compiled.
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+add_compile_options(-Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual)
 # GCC 12 sees overlaps in std::string's own operator+ that aren't there (its bug 105651).
 add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(TYPEFORGE_WERROR)

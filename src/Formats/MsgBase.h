@@ -6,6 +6,7 @@
 
 #include <deque>
 #include <functional>
+#include <vector>
 
 class MsgBase;
 
@@ -108,18 +109,51 @@ protected:
     /// Null for an empty key and for one that there is not.
     ChildElement* findUsage(const CString& usageKey) const;
 
+    /// Places an element: its ancestors before it, then the element, then its descendants; each once. Where parents
+    /// form a cycle, a parent from which the climb in hand has already come is passed over.
+    void orderList(Element* element);
+
+    /// Puts an element at the head of the ordered list, or at its tail when one of its children's known types names a
+    /// type that is already listed.
+    void addToOrderedList(Element* element);
+
     /// Shows `text` under the title "Typeforge Error" and answers 0, the result of an import that failed.
     static int fail(const CString& text);
 
 private:
-    void makeTable(ChildElement& usage);
+    // One element that is being placed, with the climb that it belongs to.
+    struct Placing
+    {
+        Element* element;
+        std::uint32_t climb;
+        std::uint32_t nextParent;
+        bool parentsDone;
+    };
+
+    void beginPlacing(Element* element, std::uint32_t climb);
+    Element* nextParentToPlace(Placing& placing);
+    Element* nextChildToPlace(Element& element);
+    std::uint32_t newClimb();
+    std::uint32_t climbOf(const Placing& placing) const;
+    void place(Element& element);
+    bool isListed(std::string_view name);
+    void makeTables();
+    Element* makeTable(ChildElement& usage, const CString& tableName);
 
     std::deque<Element> ownedElements; // also the ones that another has replaced under their key
     std::deque<ChildElement> ownedUsages;
     KeyedTable<Element, &Element::queryName> elements;
     KeyedTable<ChildElement, &ChildElement::queryUsageKey> usages;
     std::deque<Element*> orderedList;
-    std::size_t enumPosition = 0;
+    std::size_t enumPosition = kNoPosition;
     int mergeByName;
     int typeCount = 0;
+
+    std::vector<Placing> placings; // a stack on the heap: chains of parents and children may be as long as the input
+    KeyedTable<Element, &Element::queryName> listedNames; // the names in orderedList, filled once somebody asks
+    bool namesAreListed = false;
+    std::uint32_t lastClimb = 0;
+    std::size_t climbsLeft = 0; // steps that may still be spent on climbs of their own, see newClimb()
+
+    static constexpr std::size_t kNoPosition = static_cast<std::size_t>(-1);
 };

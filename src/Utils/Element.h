@@ -2,6 +2,7 @@
 
 #include "Platform/Text.h"
 
+#include <cstdint>
 #include <memory>
 #include <unordered_set>
 #include <vector>
@@ -15,12 +16,15 @@ public:
     /// False, and no change, when `element` is already listed.
     bool add(Element* element);
 
+    /// Appends an element that is known not to be listed.
+    void addNew(Element* element);
+
     /// Puts `replacement` where `old` stands; does nothing when `old` is not listed.
     void replace(Element* old, Element* replacement);
 
     bool contains(Element* element) const;
     std::size_t size() const { return items.size(); }
-    Element* operator[](std::size_t index) const { return items[index]; }
+    Element* operator[](std::size_t at) const { return items[at]; }
     auto begin() const { return items.begin(); }
     auto end() const { return items.end(); }
 
@@ -86,7 +90,6 @@ public:
 
 private:
     friend class MsgBase;
-    friend class TypeOrder;
 
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
@@ -102,6 +105,12 @@ private:
     ElementList parents;
     int placed = 0;
     CString size;
+
+    // Where the ordering pass stands at this element: all parents before the first index and all children before the
+    // second are placed; `climb` is the last climb that came by.
+    std::uint32_t nextParent = 0;
+    std::uint32_t nextChild = 0;
+    std::uint32_t climb = 0;
 };
 
 /// One usage of an element under a parent, and how often it occurred.

@@ -1,0 +1,66 @@
+#include "Cli/Arguments.h"
+
+#include "Formats/DTDMsg.h"
+
+#include <CLI/CLI.hpp>
+
+namespace {
+
+struct ImporterWord
+{
+    const char* word;
+    MsgUIDescriptor* descriptor;
+};
+
+constexpr ImporterWord kImporters[] = {
+    {"dtd", &DTDMessage::m_descr},
+};
+
+std::vector<CString> importerWords()
+{
+    std::vector<CString> words;
+    for (const ImporterWord& importer : kImporters)
+        words.emplace_back(importer.word);
+    return words;
+}
+
+constexpr int kUsageMistake = 2;
+
+} // namespace
+
+bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus)
+{
+    CLI::App app("Turns a description of business messages into type definitions for a message broker.",
+                 "typeforge-import");
+    app.set_version_flag("--version", "typeforge-import " TYPEFORGE_VERSION);
+    app.add_option("IMPORTER", arguments.importer, "How to read the source")
+        ->required()
+        ->check(CLI::IsMember(importerWords()));
+    app.add_option("SOURCE", arguments.source, "A file; for odbc a data source name, or a connection string")
+        ->required();
+    CLI::Option* basePath = app.add_option("-b,--base-path", arguments.basePath,
+                                           "Folder of the broker's repository under which the types are placed");
+    app.add_option("-t,--table", arguments.tables, "odbc: a table to import, repeatable; without it all tables")
+        ->allow_extra_args(false);
+    app.add_option("-o,--output", arguments.output, "Write to this file instead of standard output");
+    app.add_flag("-l,--list", arguments.list, "List the types, a line each, instead of writing the message document");
+    CLI::Option* type = app.add_option("--type", arguments.type, "Write the document of this one type instead");
+    type->excludes("--list");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& end) {
+        exitStatus = app.exit(end) == 0 ? 0 : kUsageMistake;
+        return false;
+    }
+    arguments.hasBasePath = basePath->count() > 0;
+    arguments.hasType = type->count() > 0;
+    return true;
+}
+
+MsgUIDescriptor& importerNamed(const CString& word)
+{
+    for (const ImporterWord& importer : kImporters)
+        if (word == importer.word)
+            return *importer.descriptor;
+    throw std::logic_error("no importer is called " + word);
+}

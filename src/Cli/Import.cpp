@@ -1,0 +1,91 @@
+#include "Cli/Import.h"
+
+#include "Cli/Output.h"
+#include "Formats/MsgBase.h"
+#include "Platform/MessageBox.h"
+#include "Resources/StringTable.h"
+
+#include <cstdio>
+
+namespace {
+
+CString basePathOf(const Arguments& arguments, MsgBase& importer)
+{
+    CString path = arguments.hasBasePath ? arguments.basePath : importer.getBasePath();
+    if (!path.ends_with('\\'))
+        path += '\\';
+    return path;
+}
+
+// The type of that short name, else the one of that full name, else null.
+Element* findType(MsgBase& message, const CString& name)
+{
+    Element* byFullName = nullptr;
+    message.beginEnum();
+    while (Element* type = message.enumNext()) {
+        if (type->queryName() == name)
+            return type;
+        if (!byFullName && type->queryPath() + type->queryName() == name)
+            byFullName = type;
+    }
+    return byFullName;
+}
+
+void writeList(MsgBase& message, Output& output)
+{
+    message.beginEnum();
+    while (const Element* type = message.enumNext())
+        output.write(type->queryPath() + type->queryName() + "\t" + type->queryDescription() + "\n");
+}
+
+bool writeType(MsgBase& message, const CString& name, Output& output)
+{
+    Element* type = findType(message, name);
+    if (!type) {
+        report("there is no type called " + name);
+        return false;
+    }
+    CString document;
+    type->asXML(document);
+    output.write(document);
+    return true;
+}
+
+bool writeResult(MsgBase& message, const Arguments& arguments)
+{
+    Output output(arguments.output);
+    if (arguments.list)
+        writeList(message, output);
+    else if (!arguments.hasType)
+        message.writeXML([&output](std::string_view piece) { output.write(piece); });
+    else if (!writeType(message, arguments.type, output))
+        return false;
+    const FileCause cause = output.commit();
+    if (cause == FileCause::none)
+        return true;
+    const CString target = arguments.output.empty() ? "standard output" : arguments.output;
+    report(formatText(loadText(IDS_CANT_OPEN), target.c_str(), static_cast<unsigned>(cause)));
+    return false;
+}
+
+} // namespace
+
+void report(const CString& text)
+{
+    std::fprintf(stderr, "typeforge-import: %s\n", text.c_str());
+}
+
+int runImport(const Arguments& arguments)
+{
+    int boxes = 0;
+    const MessageBoxHandler before = setMessageBoxHandler([&boxes](const CString& text, const CString&) {
+        ++boxes;
+        report(text);
+    });
+    const std::unique_ptr<MsgBase> message(importerNamed(arguments.importer).create());
+    const bool imported = message->parseFile(arguments.source, basePathOf(arguments, *message)) != 0;
+    setMessageBoxHandler(before);
+    if (!imported && boxes == 0)
+        report("nothing was imported from " + arguments.source);
+    return imported && writeResult(*message, arguments) ? 0 : 1;
+}

@@ -1,0 +1,27 @@
+#include "Cli/Output.h"
+
+#include <cerrno>
+#include <cstdio>
+
+Output::Output(const CString& fileName)
+{
+    if (!fileName.empty())
+        file = std::make_unique<AtomicFile>(fileName);
+}
+
+void Output::write(std::string_view bytes)
+{
+    if (file)
+        file->write(bytes);
+    else if (cause == FileCause::none && std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size())
+        cause = fileCauseOf(errno);
+}
+
+FileCause Output::commit()
+{
+    if (file)
+        return file->commit();
+    if (cause == FileCause::none && std::fflush(stdout) != 0)
+        cause = fileCauseOf(errno);
+    return cause;
+}

@@ -1,0 +1,286 @@
+#include "Formats/DTDMsg.h"
+
+#include "Resources/StringTable.h"
+#include "Utils/QELApp.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::string_view kCommentStart = "<!--", kCommentEnd = "-->";
+constexpr std::string_view kPcdata = "#PCDATA", kCdata = "#CDATA", kImplied = "#IMPLIED";
+constexpr CharSet kBlank("\r\n\t ");
+constexpr CharSet kFieldTrim(" ()\r\n\t ");
+constexpr CharSet kSeparators(",|&");
+constexpr CharSet kMarks("*+?");
+constexpr std::size_t kKeywordLength = 7;
+
+bool isTextKeyword(std::string_view name)
+{
+    return name == kPcdata || name == kCdata;
+}
+
+std::string_view withoutMarks(std::string_view piece)
+{
+    while (!piece.empty() && kMarks.has(piece.back()))
+        piece.remove_suffix(1);
+    return piece;
+}
+
+// A NUL byte reads as a space. The copy is made only for a text that holds one.
+std::string_view withoutNul(const CString& source, CString& copy)
+{
+    if (source.find('\0') == CString::npos)
+        return source;
+    copy = source;
+    std::replace(copy.begin(), copy.end(), '\0', ' ');
+    return copy;
+}
+
+} // namespace
+
+MsgUIDescriptor DTDMessage::m_descr("\\sys\\rosettanet\\", IDS_DTD_NAME, IDS_DTD_DESCRIPTION, DTDMessage::New, 1008);
+
+int DTDElement::beginEnum()
+{
+    cursor = 0;
+    return !childNames.empty();
+}
+
+int DTDElement::enumNext(CString& out)
+{
+    if (cursor >= childNames.size())
+        return 0;
+    out.assign(childNames[cursor++]);
+    return 1;
+}
+
+DTDMessage::Text::Text(std::string_view whole) :
+    whole(whole), elementKeyword(whole), attlistKeyword(whole), nameStart(whole), nameEnd(whole), firstInModel(whole),
+    behindTextKeyword(whole), groups(whole)
+{}
+
+int DTDMessage::parse(const CString& source, const CString& basePath, const CString&)
+{
+    CString copy;
+    Text parsed(withoutNul(source, copy));
+    text = &parsed;
+    scan();
+    text = nullptr;
+    const CString path = basePath + mainType + "\\";
+    for (DTDElement* record : dtdElements)
+        if (record->beginEnum())
+            declareRecord(*record, path);
+    dtdElements.clear();
+    ownedElements.clear();
+    madeNames.clear();
+    return 1;
+}
+
+bool DTDMessage::isComment(std::size_t start) const
+{
+    return text->whole.substr(start, kCommentStart.size()) == kCommentStart;
+}
+
+// The end of the statement that starts at `start`, searched from `from` on.
+std::size_t DTDMessage::endFrom(std::size_t start, std::size_t from) const
+{
+    if (!isComment(start))
+        return text->whole.find('>', from);
+    const std::size_t end = text->whole.find(kCommentEnd, from);
+    return end == kNowhere ? kNowhere : end + kCommentEnd.size() - 1;
+}
+
+// The k-th statement runs from the k-th '<' to the k-th end; starts and ends advance on their own.
+void DTDMessage::scan()
+{
+    std::size_t from = 0;
+    for (std::size_t start = text->whole.find('<'); start != kNowhere; start = text->whole.find('<', start + 1)) {
+        std::size_t end = endFrom(start, from);
+        if (end != kNowhere && end < start) // stray ends have put the ends behind the starts
+            end = endFrom(start, start);
+        if (end == kNowhere)
+            return;
+        doParse(start, end + 1);
+        from = end + 1;
+    }
+}
+
+// One statement, from its '<' to behind its '>'. Both handlers run when both keywords occur.
+void DTDMessage::doParse(std::size_t start, std::size_t end)
+{
+    if (isComment(start))
+        return;
+    const auto behind = [end](std::size_t keyword) { // the place behind the keyword, when it lies in the statement
+        return keyword != kNowhere && keyword + kKeywordLength <= end ? keyword + kKeywordLength : kNowhere;
+    };
+    if (const std::size_t element = behind(text->elementKeyword.from(start)); element != kNowhere)
+        doParseElement(element, end);
+    if (const std::size_t attlist = behind(text->attlistKeyword.from(start)); attlist != kNowhere)
+        doParseAttlist(attlist, end);
+}
+
+// What stands behind the keyword: a name up to the first space or '(', then the content model.
+void DTDMessage::doParseElement(std::size_t start, std::size_t end)
+{
+    const std::size_t nameStart = std::min(text->nameStart.from(start), end);
+    const std::size_t nameEnd = std::min(text->nameEnd.from(nameStart), end);
+    if (nameStart == end)
+        return;
+    const std::string_view name = kBlank.trim(text->whole.substr(nameStart, nameEnd - nameStart));
+    if (mainType.empty())
+        mainType = name;
+    DTDElement& element = addDTDElement(name, nullptr);
+    const std::size_t group = text->groups.firstFrom(nameEnd);
+    if (group == text->groups.size() || text->groups[group].open >= end || holdsTextOnly(text->groups[group].open, end))
+        return;
+    doParseField(nameEnd, end - 1, name.empty() ? nullptr : &element);
+}
+
+// True when the first piece of the content model is empty or says that the element holds text.
+bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end)
+{
+    const std::size_t close = lastCloseBefore(end);
+    const std::size_t contentEnd = close != kNowhere && close > open ? close : end;
+    const std::string_view whole = text->whole;
+    const std::size_t first = text->firstInModel.from(open + 1);
+    if (first >= contentEnd || whole[first] == ',')
+        return true;
+    for (const std::string_view keyword : {kPcdata, kCdata}) {
+        if (whole.substr(first, keyword.size()) != keyword || first + keyword.size() > contentEnd)
+            continue;
+        const std::size_t next = text->behindTextKeyword.from(first + keyword.size());
+        return next >= contentEnd || whole[next] == ',';
+    }
+    return false;
+}
+
+std::size_t DTDMessage::lastCloseBefore(std::size_t end)
+{
+    const std::size_t found = text->whole.substr(text->closeSeen, end - text->closeSeen).rfind(')');
+    if (found != kNowhere)
+        text->lastClose = text->closeSeen + found;
+    text->closeSeen = end;
+    return text->lastClose;
+}
+
+// A content model: names, and groups of names. The ends of the groups in hand are kept on a stack of our own, since a
+// model may nest as deep as the text is long.
+void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* parent)
+{
+    const DTDGroups& groups = text->groups;
+    std::vector<std::size_t> ends{end};
+    for (std::size_t next = groups.firstFrom(start); !ends.empty();) {
+        while (next < groups.size() && groups[next].open < start)
+            ++next;
+        const std::size_t levelEnd = ends.back();
+        const std::size_t open = next < groups.size() ? std::min(groups[next].open, levelEnd) : levelEnd;
+        if (start < open)
+            formatField(text->whole.substr(start, open - start), {}, parent);
+        start = open + 1;
+        if (open == levelEnd) {
+            ends.pop_back(); // and on behind the ')' that ended this level
+        } else if (const DTDGroups::Group& group = groups[next]; group.mark < levelEnd) {
+            formatField(text->whole.substr(start, group.close - start), "*", parent);
+            start = group.mark;
+        } else if (group.close < levelEnd) {
+            ends.push_back(group.close);
+        } // else there are too few ')', and the group runs to the end of this level
+    }
+}
+
+// A flat list of names; parentheses left over from groups fall away at the ends of its pieces.
+void DTDMessage::formatField(std::string_view content, std::string_view mark, DTDElement* parent)
+{
+    while (!content.empty()) {
+        const std::size_t separator = kSeparators.in(content);
+        const std::string_view piece = kFieldTrim.trim(content.substr(0, separator));
+        content.remove_prefix(separator == kNowhere ? content.size() : separator + 1);
+        const std::string_view name = withoutMarks(piece);
+        if (name.empty() || isTextKeyword(name))
+            continue;
+        if (mark.empty() || piece.ends_with('*') || piece.ends_with('+'))
+            addDTDElement(piece, parent);
+        else
+            addDTDElement(madeNames.emplace_back(piece).append(mark), parent);
+    }
+}
+
+// Element and attribute name are read; type and default are skipped by length. What is left is read as a next pair.
+void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
+{
+    const std::string_view statement = text->whole.substr(start, end - start);
+    std::string_view rest = kBlank.trim(statement);
+    const auto takeWord = [&rest](std::string_view& word) {
+        const std::size_t blank = kBlank.in(rest);
+        if (blank == kNowhere)
+            return false;
+        word = rest.substr(0, blank);
+        rest = kBlank.trim(rest.substr(blank + 1));
+        return true;
+    };
+    const auto drop = [&rest](std::size_t count) { rest = kBlank.trim(rest.substr(std::min(count, rest.size()))); };
+    for (std::size_t left = statement.size(); left >= 2; left = rest.size()) {
+        std::string_view element, attribute;
+        if (!takeWord(element) || !takeWord(attribute)) {
+            theApp.Error(fillText(loadText(IDS_DTD_STATEMENT), statement), IDS_ERROR_TITLE);
+            return;
+        }
+        if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)
+            continue;
+        const std::string_view name = madeNames.emplace_back(element).append("_").append(attribute);
+        addDTDElement(name, nullptr);
+        addDTDElement(element, nullptr).addChild(name);
+        drop(kCdata.size());
+        drop(kImplied.size());
+    }
+}
+
+// The entry of `child`, made when it is new; `parent` gets it as a child.
+DTDElement& DTDMessage::addDTDElement(std::string_view child, DTDElement* parent)
+{
+    const std::size_t hash = keyHash(child);
+    DTDElement* entry = dtdElements.find(child, hash);
+    if (!entry) {
+        entry = &ownedElements.emplace_back(child);
+        dtdElements.store(entry, hash);
+    }
+    if (parent)
+        parent->addChild(entry->queryName());
+    return *entry;
+}
+
+// A mark that repeats is said by declaring the usage twice: the message base makes a table of a usage that it has seen
+// twice.
+void DTDMessage::declareRecord(DTDElement& record, const CString& path)
+{
+    const CString name(record.queryName());
+    CString description = fillText(loadText(IDS_AUTOMATIC), name);
+    Element* row = addElement(name, path, name, description, Element::typeRow, nullptr);
+    CString child, usageKey;
+    while (record.enumNext(child)) {
+        const Modifiers mark = getModifiers(child); // takes the mark off the name
+        fillText(description, loadText(IDS_AUTOMATIC), child);
+        usageKey.assign(name).append(".").append(child);
+        const int occurrences = mark == modStar || mark == modPlus ? 2 : 1;
+        for (int i = 0; i < occurrences; ++i)
+            addElement(usageKey, path, child, description, Element::typeString, row);
+    }
+}
+
+// Takes all marks off the end of a name; one that repeats counts more than a '?'.
+DTDMessage::Modifiers DTDMessage::getModifiers(CString& name)
+{
+    Modifiers found = modNone;
+    const std::string_view whole = trimmed(name);
+    std::string_view bare = whole;
+    while (bare.size() > 1 && kMarks.has(bare.back())) {
+        const Modifiers mark = bare.back() == '*' ? modStar : bare.back() == '+' ? modPlus : modOptional;
+        if (found == modNone || found == modOptional)
+            found = mark;
+        bare.remove_suffix(1);
+    }
+    if (bare.size() != name.size())
+        name = CString(bare);
+    return found;
+}

@@ -1,0 +1,96 @@
+#include "Formats/DTDText.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr char upper(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// How far a pattern can be moved on when the text's character under its last place is the index (Horspool's rule).
+constexpr std::array<unsigned char, 256> shiftsOf(std::string_view word)
+{
+    std::array<unsigned char, 256> shifts{};
+    shifts.fill(static_cast<unsigned char>(word.size()));
+    for (std::size_t i = 0; i + 1 < word.size(); ++i) {
+        const auto shift = static_cast<unsigned char>(word.size() - 1 - i);
+        shifts[static_cast<unsigned char>(word[i])] = shift;
+        shifts[static_cast<unsigned char>(word[i] - 'A' + 'a')] = shift;
+    }
+    return shifts;
+}
+
+// `word` is in capitals.
+std::size_t findWord(std::string_view text, std::size_t from, std::string_view word,
+                     const std::array<unsigned char, 256>& shifts)
+{
+    const std::size_t last = word.size() - 1;
+    for (std::size_t at = from; at < text.size() && text.size() - at > last;) {
+        if (std::equal(word.begin(), word.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
+                       [](char a, char b) { return a == upper(b); }))
+            return at;
+        at += shifts[static_cast<unsigned char>(text[at + last])];
+    }
+    return kNowhere;
+}
+
+constexpr std::string_view kElement = "ELEMENT", kAttlist = "ATTLIST";
+constexpr std::array<unsigned char, 256> kElementShifts = shiftsOf(kElement);
+constexpr std::array<unsigned char, 256> kAttlistShifts = shiftsOf(kAttlist);
+
+} // namespace
+
+std::size_t findElementKeyword(std::string_view text, std::size_t from)
+{
+    return findWord(text, from, kElement, kElementShifts);
+}
+
+std::size_t findAttlistKeyword(std::string_view text, std::size_t from)
+{
+    return findWord(text, from, kAttlist, kAttlistShifts);
+}
+
+std::size_t skipWhitespace(std::string_view text, std::size_t from)
+{
+    static constexpr CharSet blank("\r\n\t ");
+    return blank.out(text, from);
+}
+
+std::size_t findNameEnd(std::string_view text, std::size_t from)
+{
+    static constexpr CharSet ends(" (");
+    return ends.in(text, from);
+}
+
+DTDGroups::DTDGroups(std::string_view text)
+{
+    static constexpr CharSet structure("()*+,|&");
+    std::vector<std::size_t> open;   // groups that wait for their ')'
+    std::vector<std::size_t> closed; // groups that wait for the next mark or separator
+    for (std::size_t at = structure.in(text); at != kNowhere; at = structure.in(text, at + 1)) {
+        const char c = text[at];
+        if (c == '(') {
+            open.push_back(groups.size());
+            groups.push_back({.open = at});
+        } else if (c == ')' && !open.empty()) {
+            groups[open.back()].close = at;
+            closed.push_back(open.back());
+            open.pop_back();
+        } else if (c != ')') {
+            if (c == '*' || c == '+')
+                for (const std::size_t group : closed)
+                    groups[group].mark = at;
+            closed.clear();
+        }
+    }
+}
+
+std::size_t DTDGroups::firstFrom(std::size_t start) const
+{
+    const auto opensBefore = [](const Group& group, std::size_t place) { return group.open < place; };
+    return static_cast<std::size_t>(std::lower_bound(groups.begin(), groups.end(), start, opensBefore) -
+                                    groups.begin());
+}
