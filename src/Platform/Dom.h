@@ -73,7 +73,6 @@ protected:
     DomNode& get() const;
 
 private:
-    friend class DomTree;
     DomNode* pointer = nullptr;
 };
 

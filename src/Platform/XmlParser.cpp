@@ -1,0 +1,404 @@
+#include "Platform/XmlParser.h"
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <fcntl.h>
+#include <memory>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t kMaxDepth = 200'000;
+constexpr int kMaxAttributes = 10'000;
+constexpr int kMaxNamespaces = 4'096; // in scope at once
+constexpr std::size_t kFreeExpansion = 1'000'000;
+constexpr std::size_t kMaxExpansionRatio = 10;
+constexpr int kPointersPerAttribute = 5; // in the rows of xmlSAX2 start tags
+
+const char* text(const xmlChar* characters)
+{
+    return reinterpret_cast<const char*>(characters);
+}
+
+std::string_view view(const xmlChar* characters)
+{
+    return characters ? text(characters) : std::string_view();
+}
+
+// Every external entity, whether on disk or on the network, is refused. libxml2 has one loader for the whole process.
+xmlParserInputPtr refuseExternalEntity(const char*, const char*, xmlParserCtxtPtr)
+{
+    return nullptr;
+}
+
+void setUpLibrary()
+{
+    static const bool once = [] {
+        xmlInitParser();
+        xmlSetExternalEntityLoader(refuseExternalEntity);
+        return true;
+    }();
+    static_cast<void>(once);
+}
+
+// The bytes of a file, read in pieces that are larger than the ones libxml2 asks for.
+class FileReader
+{
+public:
+    explicit FileReader(const CString& fileName) : descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC))
+    {
+        if (descriptor < 0)
+            error = errno;
+    }
+
+    ~FileReader()
+    {
+        if (descriptor >= 0)
+            ::close(descriptor);
+    }
+
+    FileReader(const FileReader&) = delete;
+    FileReader& operator=(const FileReader&) = delete;
+
+    // Like read(2), which is only called when nothing is left of the last piece.
+    int read(char* out, int room)
+    {
+        if (at == filled && !fill())
+            return error ? -1 : 0;
+        const std::size_t size = std::min(static_cast<std::size_t>(room), filled - at);
+        std::memcpy(out, buffer.get() + at, size);
+        at += size;
+        return static_cast<int>(size);
+    }
+
+    // The errno value of what went wrong, or 0.
+    int queryError() const { return error; }
+
+    // How many bytes have been read.
+    std::size_t queryCount() const { return count; }
+
+    // Reads the first piece, so that a file that can't be read is known before anything is parsed.
+    void start()
+    {
+        if (!error)
+            fill();
+    }
+
+private:
+    static constexpr std::size_t kSize = 1 << 16;
+
+    bool fill()
+    {
+        ssize_t got;
+        do {
+            got = ::read(descriptor, buffer.get(), kSize);
+        } while (got < 0 && errno == EINTR);
+        if (got < 0)
+            error = errno;
+        at = 0;
+        filled = got > 0 ? static_cast<std::size_t>(got) : 0;
+        count += filled;
+        return got > 0;
+    }
+
+    int descriptor;
+    int error = 0;
+    std::unique_ptr<char[]> buffer{new char[kSize]};
+    std::size_t at = 0;
+    std::size_t filled = 0;
+    std::size_t count = 0;
+};
+
+// One run of the parser. libxml2's callbacks get the context that is parsing (an entity's content has one of its own)
+// and find the run in its _private.
+class Parse
+{
+public:
+    Parse(FileReader& source, XmlHandler& receiver) : file(source), handler(receiver) {}
+
+    std::optional<XmlError> run();
+
+private:
+    struct FreeContext
+    {
+        void operator()(xmlParserCtxtPtr context) const
+        {
+            xmlFreeDoc(context->myDoc);
+            xmlFreeParserCtxt(context);
+        }
+    };
+
+    static Parse& of(void* context) { return *static_cast<Parse*>(static_cast<xmlParserCtxtPtr>(context)->_private); }
+    static xmlSAXHandler callbacks(bool withText);
+
+    static int onRead(void* run, char* out, int room);
+    static void onError(void* run, xmlErrorPtr error);
+    static void onEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicId,
+                                    const xmlChar* systemId, xmlChar* content);
+    static xmlEntityPtr onEntity(void* context, const xmlChar* name);
+    static xmlEntityPtr onParameterEntity(void* context, const xmlChar* name);
+    static void onStartElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
+                               int namespaces, const xmlChar** declarations, int attributes, int defaulted,
+                               const xmlChar** rows);
+    static void onEndElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri);
+    static void onText(void* context, const xmlChar* characters, int length);
+    static void onCdata(void* context, const xmlChar* characters, int length);
+    static void onComment(void* context, const xmlChar* characters);
+    static void onInstruction(void* context, const xmlChar* target, const xmlChar* data);
+
+    template <class Call>
+    void guarded(void* context, Call call);
+    xmlEntityPtr counted(void* context, xmlEntityPtr entity);
+    void expand(std::size_t bytes);
+    void checkBounds(int attributes);
+    void liftTextLimits();
+    void fail(const char* reason);
+    static void stop(void* context);
+
+    FileReader& file;
+    XmlHandler& handler;
+    std::unique_ptr<xmlParserCtxt, FreeContext> parser;
+    std::optional<XmlError> first;
+    std::exception_ptr thrown; // by the handler
+    std::size_t depth = 0;
+    std::size_t expanded = 0;
+    bool declaresEntities = false;
+};
+
+xmlSAXHandler Parse::callbacks(bool withText)
+{
+    xmlSAXHandler sax = {};
+    sax.initialized = XML_SAX2_MAGIC;
+    sax.startDocument = xmlSAX2StartDocument;
+    sax.internalSubset = xmlSAX2InternalSubset;
+    sax.unparsedEntityDecl = xmlSAX2UnparsedEntityDecl;
+    sax.entityDecl = onEntityDeclaration;
+    sax.getEntity = onEntity;
+    sax.getParameterEntity = onParameterEntity;
+    sax.startElementNs = onStartElement;
+    sax.endElementNs = onEndElement;
+    sax.comment = onComment;
+    sax.processingInstruction = onInstruction;
+    if (withText) {
+        sax.characters = onText;
+        sax.cdataBlock = onCdata;
+    }
+    sax.ignorableWhitespace = sax.characters; // equal, or libxml2 guesses which blanks matter
+    return sax;
+}
+
+std::optional<XmlError> Parse::run()
+{
+    xmlSAXHandler sax = callbacks(handler.wantsText());
+    parser.reset(xmlCreateIOParserCtxt(&sax, nullptr, onRead, nullptr, this, XML_CHAR_ENCODING_NONE));
+    if (!parser)
+        throw std::bad_alloc();
+    parser->_private = this;
+    xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET);
+    // Without XML_PARSE_NOENT, which would ask the loader for external entities.
+    parser->replaceEntities = 1;
+    xmlDictSetLimit(parser->dict, 0); // names are as many as the file has
+
+    // Errors of the decoder know no context, so the handler is libxml2's own one for this thread, put back afterwards.
+    const xmlStructuredErrorFunc before = xmlStructuredError;
+    void* const beforeData = xmlStructuredErrorContext;
+    xmlSetStructuredErrorFunc(this, onError);
+    xmlParseDocument(parser.get());
+    xmlSetStructuredErrorFunc(beforeData, before);
+
+    if (thrown)
+        std::rethrow_exception(thrown);
+    if (!first && !parser->wellFormed)
+        fail("The document is not well-formed");
+    return first;
+}
+
+// Runs on every few thousand bytes, also in the middle of a start tag: libxml2 compares each attribute and namespace
+// with all the others of its tag, so a flood must be stopped before its end. The room for attributes doubles as they
+// come. After an error the rest isn't read.
+int Parse::onRead(void* run, char* out, int room)
+{
+    Parse& self = *static_cast<Parse*>(run);
+    if (self.parser)
+        self.checkBounds(self.parser->maxatts / kPointersPerAttribute / 2);
+    return self.first ? 0 : self.file.read(out, room);
+}
+
+void Parse::onError(void* run, xmlErrorPtr error)
+{
+    if (error->level == XML_ERR_FATAL)
+        static_cast<Parse*>(run)->fail(error->message ? error->message : "");
+}
+
+// The first failure is the one that counts. Its place is that in the document, not in the text of an entity.
+void Parse::fail(const char* reason)
+{
+    if (first)
+        return;
+    const std::string_view trimmedReason = trimmed(reason);
+    first = XmlError{CString(trimmedReason), 0, 0};
+    if (parser && parser->inputNr > 0) {
+        first->line = parser->inputTab[0]->line;
+        first->column = parser->inputTab[0]->col;
+    }
+}
+
+void Parse::stop(void* context)
+{
+    const auto current = static_cast<xmlParserCtxtPtr>(context);
+    current->wellFormed = 0;
+    xmlStopParser(current);
+}
+
+void Parse::onEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicId,
+                                const xmlChar* systemId, xmlChar* content)
+{
+    of(context).declaresEntities = true;
+    xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
+}
+
+xmlEntityPtr Parse::onEntity(void* context, const xmlChar* name)
+{
+    return of(context).counted(context, xmlSAX2GetEntity(context, name));
+}
+
+xmlEntityPtr Parse::onParameterEntity(void* context, const xmlChar* name)
+{
+    return of(context).counted(context, xmlSAX2GetParameterEntity(context, name));
+}
+
+// Each reference is asked for here, the ones inside other entities too, so this is the whole of what gets expanded.
+xmlEntityPtr Parse::counted(void* context, xmlEntityPtr entity)
+{
+    if (!entity || entity->etype == XML_INTERNAL_PREDEFINED_ENTITY)
+        return entity;
+    constexpr std::size_t perReference = 16;
+    expand(perReference + static_cast<std::size_t>(entity->length));
+    if (!first)
+        return entity;
+    stop(context);
+    return nullptr;
+}
+
+// The end of the parse comes when the document has grown far beyond what was read of it.
+void Parse::expand(std::size_t bytes)
+{
+    expanded += bytes;
+    if (expanded > kFreeExpansion && expanded / kMaxExpansionRatio > file.queryCount())
+        fail("The entities and default attributes of the document expand to far more than its size");
+}
+
+void Parse::checkBounds(int attributes)
+{
+    if (attributes > kMaxAttributes)
+        fail("An element has too many attributes");
+    else if (parser->nsNr > 2 * kMaxNamespaces)
+        fail("Too many namespaces are declared");
+    else if (depth >= kMaxDepth)
+        fail("The elements are nested too deeply");
+}
+
+// libxml2's limits on the length of texts, values and names guard against entities. A document that has none may hold a
+// text of any length.
+void Parse::liftTextLimits()
+{
+    if (!declaresEntities)
+        parser->options |= XML_PARSE_HUGE;
+}
+
+// An exception must not pass through libxml2: it is kept, and thrown again when the parser has returned.
+template <class Call>
+void Parse::guarded(void* context, Call call)
+{
+    if (first)
+        return stop(context);
+    try {
+        call();
+    } catch (...) {
+        thrown = std::current_exception();
+        fail("The handler failed");
+        stop(context);
+    }
+}
+
+void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar*, int,
+                           const xmlChar**, int attributes, int defaulted, const xmlChar** rows)
+{
+    Parse& self = of(context);
+    if (self.depth == 0)
+        self.liftTextLimits();
+    if (defaulted != 0) {
+        std::size_t bytes = 0;
+        for (int i = attributes - defaulted; i < attributes; ++i)
+            bytes +=
+                static_cast<std::size_t>(rows[i * kPointersPerAttribute + 4] - rows[i * kPointersPerAttribute + 3]) + 1;
+        self.expand(bytes);
+    }
+    self.checkBounds(attributes);
+    ++self.depth;
+    self.guarded(context, [&] {
+        self.handler.startElement({text(local), text(prefix)}, XmlAttributes(rows, attributes));
+    });
+}
+
+void Parse::onEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*)
+{
+    Parse& self = of(context);
+    --self.depth;
+    self.guarded(context, [&] { self.handler.endElement(); });
+}
+
+void Parse::onText(void* context, const xmlChar* characters, int length)
+{
+    Parse& self = of(context);
+    self.guarded(context, [&] { self.handler.text({text(characters), static_cast<std::size_t>(length)}); });
+}
+
+void Parse::onCdata(void* context, const xmlChar* characters, int length)
+{
+    Parse& self = of(context);
+    self.guarded(context, [&] { self.handler.cdata({text(characters), static_cast<std::size_t>(length)}); });
+}
+
+// Those of the internal subset are none of the document's nodes.
+void Parse::onComment(void* context, const xmlChar* characters)
+{
+    Parse& self = of(context);
+    if (static_cast<xmlParserCtxtPtr>(context)->inSubset == 0)
+        self.guarded(context, [&] { self.handler.comment(view(characters)); });
+}
+
+void Parse::onInstruction(void* context, const xmlChar* target, const xmlChar* data)
+{
+    Parse& self = of(context);
+    if (static_cast<xmlParserCtxtPtr>(context)->inSubset == 0)
+        self.guarded(context, [&] { self.handler.instruction(view(target), view(data)); });
+}
+
+} // namespace
+
+XmlAttribute XmlAttributes::operator[](std::size_t index) const
+{
+    const xmlChar** row = rows + index * kPointersPerAttribute;
+    return {{text(row[0]), text(row[1])}, {text(row[3]), static_cast<std::size_t>(row[4] - row[3])}};
+}
+
+std::optional<XmlError> parseXmlFile(const CString& fileName, XmlHandler& handler)
+{
+    setUpLibrary();
+    FileReader file(fileName);
+    file.start();
+    std::optional<XmlError> error;
+    if (!file.queryError())
+        error = Parse(file, handler).run();
+    if (file.queryError())
+        error = XmlError{std::generic_category().message(file.queryError()), 0, 0};
+    return error;
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "Platform/Text.h"
+
+#include <cstddef>
+#include <optional>
+
+/// A name in a document. Both parts are interned: while one parse lasts, equal names are equal pointers.
+struct XmlName
+{
+    const char* local;
+    const char* prefix; ///< null for a name without one
+
+    friend bool operator==(const XmlName&, const XmlName&) = default;
+};
+
+struct XmlAttribute
+{
+    XmlName name;
+    std::string_view value;
+};
+
+/// The attributes of a start tag, those that the internal subset supplies after the written ones, namespace
+/// declarations left out. Valid while startElement() runs.
+class XmlAttributes
+{
+public:
+    XmlAttributes(const unsigned char** pointers, int size) : rows(pointers), count(static_cast<std::size_t>(size)) {}
+
+    std::size_t size() const { return count; }
+    XmlAttribute operator[](std::size_t index) const;
+
+private:
+    const unsigned char** rows; // as libxml2 hands them over: name, prefix, namespace, value, its end
+    std::size_t count;
+};
+
+/// What a document holds, in its order. Names are split at their prefix whether that is declared or not; entities are
+/// expanded, and one that is not known is left out. Texts are UTF-8 and valid while the call runs.
+class XmlHandler
+{
+public:
+    virtual ~XmlHandler() = default;
+
+    virtual void startElement(XmlName name, XmlAttributes attributes) = 0;
+    virtual void endElement() = 0;
+
+    /// A piece of character data; one text can come in many.
+    virtual void text(std::string_view) {}
+    virtual void cdata(std::string_view) {}
+    virtual void comment(std::string_view) {}
+    virtual void instruction(std::string_view /*target*/, std::string_view /*data*/) {}
+
+    /// False keeps text() and cdata() from being called at all.
+    virtual bool wantsText() const { return true; }
+};
+
+/// Why a document could not be read: the first error that makes it not well-formed. Line 0 and column 0 when the file
+/// could not be read; the reason is then the system's.
+struct XmlError
+{
+    CString reason;
+    LONG line = 0;
+    LONG column = 0;
+};
+
+/// Reads an XML 1.0 document as a stream and hands it to `handler`. Answers nothing when it was well-formed
+/// (https://www.w3.org/TR/xml/#sec-well-formed), else its first error; the handler has then got what stands before it.
+/// External entities and subsets are never read. Entity expansion is bounded (ten times what has been read, and a
+/// million bytes), so are nesting (256 levels in a document that declares entities, 200,000 else) and what one start
+/// tag may hold (10,000 attributes): what passes a bound is an error with its place.
+std::optional<XmlError> parseXmlFile(const CString& fileName, XmlHandler& handler);
