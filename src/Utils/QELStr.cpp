@@ -340,9 +340,10 @@ int QELString::splitr(char sep, QELString& left, QELString& right) const
 int QELString::splitAt(int separator, QELString& left, QELString& right) const
 {
     const bool found = separator >= 0;
+    const unsigned int end = found ? static_cast<unsigned int>(separator) : length();
     // Copied first: `left` or `right` may be this string.
-    const QELString before = found ? (*this)(0, separator) : *this;
-    const QELString after = found ? (*this)(separator + 1) : QELString();
+    const QELString before(text, end);
+    const QELString after(text + end + found);
     left = before;
     right = after;
     return found;
