@@ -23,7 +23,7 @@ QUrl pageOf(int topic)
 
 HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser(new QTextBrowser)
 {
-    setObjectName("help");
+    setObjectName("helpWindow");
     browser->setObjectName("topic");
     browser->setAccessibleName(tr("Help text"));
     auto* buttons = new QHBoxLayout;
@@ -63,7 +63,7 @@ void HelpWindow::showTopic(int topic)
 
 void showHelp(QWidget* owner, int topic)
 {
-    auto* window = dynamic_cast<HelpWindow*>(owner->findChild<QWidget*>("help", Qt::FindDirectChildrenOnly));
+    auto* window = dynamic_cast<HelpWindow*>(owner->findChild<QWidget*>("helpWindow", Qt::FindDirectChildrenOnly));
     if (!window)
         window = new HelpWindow(owner);
     window->showTopic(topic);

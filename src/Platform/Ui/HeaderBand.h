@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QImage>
+#include <QStringList>
+#include <QWidget>
+
+class QLabel;
+
+/// The band at the top of interior pages: title and subtitle on the header picture. It is as high as the longest of
+/// the subtitles needs at its width, so that the page below keeps its place from page to page.
+class HeaderBand : public QWidget
+{
+public:
+    HeaderBand(int pictureId, QWidget* parent);
+
+    /// Takes a page's subtitle into account for the height.
+    void addSubtitle(const QString& subtitle);
+
+    void setTexts(const QString& title, const QString& subtitle);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void layOut();
+
+    int pictureId;
+    QImage header;
+    QLabel* titleLabel;
+    QLabel* subtitleLabel;
+    QStringList subtitles;
+};

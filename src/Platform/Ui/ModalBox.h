@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Platform/Text.h"
+
+class QWidget;
+
+/// Shows one message in a modal box owned by a window: title, text, an OK button, no icon. A MessageBoxHandler.
+class ModalBox
+{
+public:
+    explicit ModalBox(QWidget& ownerWindow) : owner(&ownerWindow) {}
+
+    void operator()(const CString& text, const CString& title) const;
+
+private:
+    QWidget* owner;
+};
+
+/// While one lives, the boxes that are shown belong to one import. From the second on, a box offers to hide the further
+/// ones.
+class ImportMessages
+{
+public:
+    ImportMessages();
+    ~ImportMessages();
+    ImportMessages(const ImportMessages&) = delete;
+    ImportMessages& operator=(const ImportMessages&) = delete;
+};

@@ -1,0 +1,219 @@
+#include "Platform/Ui/WizardSheet.h"
+
+#include "Platform/Ui/HeaderBand.h"
+#include "Platform/Ui/Mnemonics.h"
+#include "Platform/Ui/Pictures.h"
+#include "Platform/Ui/UiText.h"
+#include "Platform/Ui/WizardPage.h"
+
+#include <QEvent>
+#include <QEventLoop>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QStackedWidget>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr const char* kBack = "< &Back";
+constexpr const char* kNext = "&Next >";
+constexpr const char* kFinish = "&Finish";
+
+// A dialog unit is a quarter of the font's average character width and an eighth of its height.
+QSize dialogUnits(const QFontMetrics& metrics, int width, int height)
+{
+    return {width * metrics.averageCharWidth() / 4, height * metrics.height() / 8};
+}
+
+} // namespace
+
+WizardSheet::WizardSheet(const CString& caption, CWnd* parent, UINT start, HBITMAP watermarkPicture,
+                         HBITMAP headerPicture) :
+    QDialog(parent),
+    watermarkId(watermarkPicture), watermark(picture(watermarkPicture, palette())),
+    band(new HeaderBand(headerPicture, this)), stack(new QStackedWidget(this)), startPage(start)
+{
+    setWindowTitle(toUi(caption));
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setWindowFlag(Qt::WindowMinMaxButtonsHint, true);
+    backButton = addButton("back", kBack, &WizardSheet::back);
+    nextButton = addButton("next", kNext, &WizardSheet::next);
+    finishButton = addButton("finish", kFinish, &WizardSheet::finish);
+    cancelButton = addButton("cancel", "Cancel", &WizardSheet::cancel);
+    helpButton = addButton("help", "Help", &WizardSheet::help);
+    new QShortcut(QKeySequence(Qt::Key_F1), this, this, &WizardSheet::help);
+    layOut();
+}
+
+QPushButton* WizardSheet::addButton(const char* name, const QString& text, void (WizardSheet::*action)())
+{
+    auto* button = new QPushButton(text, this);
+    button->setObjectName(name);
+    connect(button, &QPushButton::clicked, this, action);
+    return button;
+}
+
+void WizardSheet::layOut()
+{
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(11, 9, 11, 11);
+    row->addStretch();
+    row->addWidget(backButton);
+    row->addWidget(nextButton);
+    row->addWidget(finishButton);
+    row->addSpacing(10);
+    row->addWidget(cancelButton);
+    row->addWidget(helpButton);
+
+    auto* line = new QFrame(this);
+    line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
+
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(band);
+    column->addWidget(stack, 1);
+    column->addWidget(line);
+    column->addLayout(row);
+}
+
+void WizardSheet::AddPage(WizardPage& page)
+{
+    page.owner = this;
+    pages.push_back(&page);
+    stack->addWidget(&page);
+    band->addSubtitle(page.querySubtitle());
+}
+
+int WizardSheet::DoModal()
+{
+    QEventLoop loop;
+    connect(this, &QDialog::finished, &loop, &QEventLoop::exit);
+    show();
+    return loop.exec() == Accepted ? resultOk : resultCancel;
+}
+
+void WizardSheet::SetWizardButtons(int buttons)
+{
+    const bool last = (buttons & buttonFinish) != 0;
+    backButton->setEnabled((buttons & buttonBack) != 0);
+    nextButton->setEnabled((buttons & buttonNext) != 0);
+    nextButton->setVisible(!last);
+    finishButton->setVisible(last);
+    (last ? finishButton : nextButton)->setDefault(true);
+}
+
+WizardPage* WizardSheet::activePage() const
+{
+    return started ? pages[static_cast<std::size_t>(stack->currentIndex())] : nullptr;
+}
+
+void WizardSheet::back()
+{
+    go(ask(&WizardPage::OnWizardBack), -1);
+}
+
+void WizardSheet::next()
+{
+    go(ask(&WizardPage::OnWizardNext), 1);
+}
+
+void WizardSheet::finish()
+{
+    if (activePage()->OnWizardFinish() != 0)
+        accept();
+}
+
+void WizardSheet::cancel()
+{
+    reject();
+}
+
+void WizardSheet::help()
+{
+    OnHelp(activePage()->queryDialogId());
+}
+
+// An exception must not pass through the event loop; what it says is shown and the page stays.
+LRESULT WizardSheet::ask(LRESULT (WizardPage::*handler)())
+{
+    try {
+        return (activePage()->*handler)();
+    } catch (const std::exception& error) {
+        OnPageError(error);
+        return -1;
+    }
+}
+
+void WizardSheet::go(LRESULT answer, int step)
+{
+    if (answer == -1)
+        return;
+    auto target = pages.begin();
+    if (answer == 0)
+        target += std::clamp<std::ptrdiff_t>(stack->currentIndex() + step, 0, std::ssize(pages) - 1);
+    else
+        target = std::find_if(pages.begin(), pages.end(),
+                              [answer](const WizardPage* page) { return page->queryDialogId() == answer; });
+    if (target != pages.end())
+        activate(static_cast<int>(target - pages.begin()));
+}
+
+void WizardSheet::activate(int index)
+{
+    WizardPage* page = pages[static_cast<std::size_t>(index)];
+    if (!page->initialised)
+        page->OnInitDialog();
+    page->initialised = true;
+    stack->setCurrentIndex(index);
+    band->setTexts(page->queryTitle(), page->querySubtitle());
+    band->setVisible(page->queryLook() == WizardPage::Look::interior);
+    setWindowTitle(page->queryCaption());
+    try {
+        page->OnSetActive();
+    } catch (const std::exception& error) {
+        OnPageError(error);
+    }
+    settleMnemonics();
+    QWidget* first = firstTabStop(page);
+    (first != nullptr ? first : finishButton->isHidden() ? nextButton : finishButton)->setFocus();
+}
+
+// A page's control keeps its letter; a button of the sheet that has the same one moves to another.
+void WizardSheet::settleMnemonics()
+{
+    QString taken = mnemonicsOf(activePage());
+    for (const auto& [button, text] : {std::pair(backButton, kBack), {nextButton, kNext}, {finishButton, kFinish}})
+        if (!button->isHidden())
+            setTextWithMnemonic(*button, text, taken);
+}
+
+void WizardSheet::setVisible(bool visible)
+{
+    if (visible && !started) {
+        started = true;
+        activate(static_cast<int>(startPage));
+        resize(sizeHint().boundedTo(screen()->availableSize()));
+    }
+    QDialog::setVisible(visible);
+}
+
+QSize WizardSheet::sizeHint() const
+{
+    const QSize page = dialogUnits(fontMetrics(), 340, 190);
+    const int buttons = backButton->sizeHint().height() + 22;
+    const int header = fontMetrics().height() * 7;
+    return QSize(page.width(), page.height() + header + buttons).expandedTo(minimumSizeHint());
+}
+
+void WizardSheet::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        watermark = picture(watermarkId, palette());
+    QDialog::changeEvent(event);
+}

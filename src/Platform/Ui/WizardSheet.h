@@ -1,0 +1,106 @@
+#pragma once
+
+#include "Platform/Text.h"
+
+#include <QDialog>
+#include <QImage>
+
+#include <cstddef>
+#include <exception>
+#include <vector>
+
+class HeaderBand;
+class QPushButton;
+class QStackedWidget;
+class WizardPage;
+
+// The platform's window types, as far as signatures name them.
+using CWnd = QWidget;
+using HBITMAP = int;             ///< the resource number of a picture
+using HPALETTE = std::nullptr_t; ///< there are none: a picture brings its own colours
+
+/// A dialog of pages with the buttons Back, Next, Finish, Cancel and Help ("back", "next", "finish", "cancel", "help").
+/// Each page says which page follows on Next and on Back. Pages are made by their owner and only shown here.
+class WizardSheet : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// The buttons that a page may enable; Cancel and Help always are. Finish takes the place of Next.
+    enum Buttons
+    {
+        buttonBack = 1,
+        buttonNext = 2,
+        buttonFinish = 4
+    };
+
+    /// Results of DoModal().
+    enum Results
+    {
+        resultOk = 1,
+        resultCancel = 2
+    };
+
+    WizardSheet(const CString& caption, CWnd* parent, UINT startPage, HBITMAP watermark, HBITMAP header);
+
+    /// Appends a page; its place is its sheet index. The page must live as long as the sheet is shown.
+    void AddPage(WizardPage& page);
+
+    /// The sheet index of the page that is shown first.
+    void setStartPage(UINT index) { startPage = index; }
+
+    /// Runs the sheet until it closes, on an event loop of its own, so that other windows stay usable.
+    int DoModal();
+
+    /// Enables exactly these buttons (of Buttons) and makes Next or Finish the default.
+    void SetWizardButtons(int buttons);
+
+    /// The page that is shown; null before the sheet is shown for the first time.
+    WizardPage* activePage() const;
+
+    /// What the buttons do. A page may call next() for a double click.
+    void back();
+    void next();
+    void finish();
+
+    /// Shows the first page when the sheet becomes visible.
+    void setVisible(bool visible) override;
+
+    /// 340 x 190 dialog units for the page, and what stands around it.
+    QSize sizeHint() const override;
+
+    /// The picture behind a page without a header, in the tones of the palette.
+    const QImage& queryWatermark() const { return watermark; }
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+    /// The Help button or F1 on the page `dialogId`.
+    virtual void OnHelp(int dialogId) = 0;
+
+    /// A page's handler has thrown; the sheet stays where it is.
+    virtual void OnPageError(const std::exception& error) = 0;
+
+private:
+    QPushButton* addButton(const char* name, const QString& text, void (WizardSheet::*action)());
+    void help();
+    void cancel();
+    void layOut();
+    LRESULT ask(LRESULT (WizardPage::*handler)());
+    void go(LRESULT answer, int step);
+    void activate(int index);
+    void settleMnemonics();
+
+    HBITMAP watermarkId;
+    QImage watermark;
+    HeaderBand* band;
+    QStackedWidget* stack;
+    QPushButton* backButton;
+    QPushButton* nextButton;
+    QPushButton* finishButton;
+    QPushButton* cancelButton;
+    QPushButton* helpButton;
+    std::vector<WizardPage*> pages;
+    UINT startPage;
+    bool started = false;
+};

@@ -1,0 +1,28 @@
+#include "QELPage.h"
+
+#include "QELWizard.h"
+#include "Resources/StringTable.h"
+#include "Utils/QELApp.h"
+
+QELPage::QELPage(int id, const CString& caption, UINT titleId, UINT subtitleId) :
+    WizardPage(id, Look::interior, caption, loadText(titleId), loadText(subtitleId))
+{}
+
+QELPage::QELPage(int id, const CString& caption) : WizardPage(id, Look::cover, caption, {}, {}) {}
+
+void QELPage::OnInitDialog()
+{
+    wizard = static_cast<QELWizard*>(sheet());
+}
+
+LRESULT QELPage::stay(UINT textId)
+{
+    theApp.Error(textId, IDS_ERROR_TITLE);
+    return -1;
+}
+
+LRESULT QELPage::stay(const CString& text)
+{
+    theApp.Error(text, IDS_ERROR_TITLE);
+    return -1;
+}

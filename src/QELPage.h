@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Platform/Ui/WizardPage.h"
+#include "Resources/DialogIds.h"
+#include "Resources/StringIds.h"
+
+class QELWizard;
+
+/// The base of the wizard's pages: a page that knows the wizard's shared state.
+class QELPage : public WizardPage
+{
+public:
+    /// An interior page; title and subtitle are texts of the string table, 0 for none.
+    QELPage(int dialogId, const CString& caption, UINT titleId, UINT subtitleId);
+
+    /// A page on the watermark.
+    QELPage(int dialogId, const CString& caption);
+
+    void OnInitDialog() override;
+
+protected:
+    /// Shows the text `textId` of the string table as an error and answers -1: the page stays.
+    static LRESULT stay(UINT textId);
+    static LRESULT stay(const CString& text);
+
+    QELWizard* wizard = nullptr; // taken when the dialog is initialised
+};

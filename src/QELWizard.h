@@ -1,0 +1,50 @@
+#pragma once
+
+#include "FinishPage.h"
+#include "FirstPage.h"
+#include "Formats/MsgBase.h"
+#include "Platform/MainWindow.h"
+#include "Platform/Odbc.h"
+#include "Platform/Ui/WizardSheet.h"
+#include "QELOptions.h"
+#include "SourceTypePage.h"
+
+#include <QFont>
+
+#include <memory>
+
+/// The program's main window: the sheet with its pages, and the state of one run that they share.
+class QELWizard : public WizardSheet, public MainWindow
+{
+public:
+    enum WhichFolder
+    {
+        folderCWD = 0,
+        folderInput = 1,
+        folderOutput = 2
+    };
+
+    /// Loads the options and adds the pages. Starts on the importer page where the welcome page is to be hidden.
+    QELWizard(UINT captionId, CWnd* parent, UINT startPage, HBITMAP watermark, HPALETTE palette, HBITMAP header);
+    ~QELWizard() override;
+
+    /// Changes the process's current folder (an empty one: the start folder) and answers the text that says where it
+    /// is; the start folder's, and no change, when there is no such folder.
+    CString setCurrentFolder(WhichFolder which);
+
+    CDatabase* queryDatabase() override { return database.get(); }
+
+    std::unique_ptr<MsgBase> message; ///< the importer that was chosen; null when none is
+    QELOptions options;
+    std::unique_ptr<CDatabase> database; ///< the data source that was opened last; null until one is
+    QFont titleFont;                     ///< of the large texts on the first and the last page
+
+protected:
+    void OnHelp(int dialogId) override;
+    void OnPageError(const std::exception& error) override;
+
+private:
+    FirstPage firstPage;
+    SourceTypePage sourceTypePage;
+    FinishPage finishPage;
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+// Dialog ids of the pages, in the order of the sheet, and of the overwrite dialog.
+enum DialogId : int
+{
+    IDD_FIRST = 1004,
+    IDD_SOURCE_TYPE = 1010,
+    IDD_DATA_SOURCE = 1016,
+    IDD_DATABASE_TABLE = 1017,
+    IDD_SOURCE = 1008,
+    IDD_EDIT = 1011,
+    IDD_OUTPUT = 1009,
+    IDD_OUTPUT_FILE = 1015,
+    IDD_LOGIN = 1014,
+    IDD_CREATE_RESULT = 1055,
+    IDD_FINISH = 1013,
+    IDD_OVERWRITE = 1049
+};
+
+// Ids of the controls. An id names one control of its page; two pages may use the same one.
+enum ControlId : int
+{
+    IDC_BROWSE = 1019,
+    IDC_TO_FILE = 1020,
+    IDC_TO_BROKER = 1021,
+    IDC_IMPORTERS = 1022,
+    IDC_OBJECT_PATH = 1023,
+    IDC_TYPES = 1024,
+    IDC_VIEW = 1025,
+    IDC_HIDE_WELCOME = 1031,
+    IDC_FOLDER = 1032,
+    IDC_OUTPUT_FILE = 1040,
+    IDC_INPUT_FILE = 1041,
+    IDC_WELCOME = 1057,
+    IDC_FINISHED = 1058
+};
+
+// Resource ids of the pictures and the icon.
+enum PictureId : int
+{
+    IDB_HEADER = 1000,
+    IDB_HEADER_LOW_COLOUR = 1001,
+    IDB_WATERMARK = 1002,
+    IDB_WATERMARK_LOW_COLOUR = 1003,
+    IDI_TYPEFORGE = 1027
+};

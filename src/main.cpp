@@ -1,0 +1,13 @@
+#include "Utils/QELApp.h"
+
+#include <QApplication>
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("Typeforge");
+    QApplication::setApplicationVersion(TYPEFORGE_VERSION);
+    QApplication::setDesktopFileName("org.typeforge.typeforge");
+    QApplication::setQuitOnLastWindowClosed(false);
+    return theApp.InitInstance();
+}
