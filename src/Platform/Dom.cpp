@@ -2,6 +2,8 @@
 
 #include "Platform/DomTree.h"
 
+#include <new>
+
 namespace {
 
 constexpr LONG kNullPointer = static_cast<LONG>(0x80004003);
@@ -240,7 +242,11 @@ IXMLDOMNode IXMLDOMNodeList::nextNode()
 
 IXMLDOMDocument IXMLDOMDocument::create()
 {
-    return IXMLDOMDocument(std::make_shared<DomTree>());
+    try {
+        return IXMLDOMDocument(std::make_shared<DomTree>());
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
 }
 
 DomTree& IXMLDOMDocument::get() const
@@ -283,4 +289,9 @@ IXMLDOMNode IXMLDOMDocument::appendChild(IXMLDOMNode child) const
 CString IXMLDOMDocument::xml() const
 {
     return IXMLDOMNode(&get().queryDocument()).xml();
+}
+
+void IXMLDOMDocument::appendXml(CString& out) const
+{
+    IXMLDOMNode(&get().queryDocument()).appendXml(out);
 }

@@ -149,11 +149,11 @@ private:
     mutable DomNode* itemNode = nullptr;
 };
 
-/// Why a document could not be loaded: its first error.
+/// Why a document could not be loaded: the first error that makes it not well-formed.
 struct IXMLDOMParseError
 {
     CString reason; ///< empty when nothing failed
-    LONG line = 0;  ///< from 1; 0 when the file could not be read, `reason` is then the system's
+    LONG line = 0;  ///< from 1; 0 when the file could not be read, the reason is then the system's
     LONG linepos = 0;
 };
 
@@ -164,6 +164,7 @@ public:
     /// Null; create() makes a document.
     IXMLDOMDocument() = default;
 
+    /// A new, empty document; null when there is no memory for it.
     static IXMLDOMDocument create();
 
     explicit operator bool() const { return tree != nullptr; }
@@ -189,6 +190,9 @@ public:
     IXMLDOMNode appendChild(IXMLDOMNode child) const;
 
     CString xml() const;
+
+    /// The same, appended to `out`.
+    void appendXml(CString& out) const;
 
 private:
     explicit IXMLDOMDocument(std::shared_ptr<DomTree> owned) : tree(std::move(owned)) {}

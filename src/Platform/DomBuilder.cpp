@@ -109,10 +109,10 @@ void DomBuilder::flushText()
 bool buildDom(DomTree& tree, const CString& fileName)
 {
     DomBuilder builder(tree);
-    const std::optional<XmlError> error = parseXmlFile(fileName, builder);
+    const std::optional<IXMLDOMParseError> error = parseXmlFile(fileName, builder);
     if (!error)
         return true;
     tree.clear();
-    tree.parseError = {error->reason, error->line, error->column};
+    tree.parseError = *error;
     return false;
 }

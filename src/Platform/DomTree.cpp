@@ -6,14 +6,14 @@
 
 namespace {
 
-constexpr std::size_t kFirstPiece = 4096;
-constexpr std::size_t kDoublings = 8;
+constexpr std::size_t kSmallestPiece = 8192;
+constexpr std::size_t kDoublings = 7;
 
 } // namespace
 
 void* Arena::allocateAnew(std::size_t bytes)
 {
-    const std::size_t usual = kFirstPiece << std::min(pieces.size(), kDoublings);
+    const std::size_t usual = kSmallestPiece << std::min(pieces.size(), kDoublings);
     const std::size_t size = std::max(bytes, usual);
     pieces.emplace_back(new char[size]);
     char* const piece = pieces.back().get();
@@ -44,8 +44,8 @@ DomTree::DomTree()
 
 void DomTree::clear()
 {
-    arenas.clear();
-    arenas.push_back(std::make_shared<Arena>());
+    own = std::make_shared<Arena>();
+    shared.clear();
     document.firstChild = nullptr;
     document.childCount = 0;
     parseError = {};
@@ -121,9 +121,13 @@ DomRoot& DomTree::rootOf(DomTreeNode& node)
 
 void DomTree::share(const DomTree& other)
 {
-    for (const std::shared_ptr<Arena>& arena : other.arenas)
-        if (std::find(arenas.begin(), arenas.end(), arena) == arenas.end())
-            arenas.push_back(arena);
+    const auto keep = [this](const std::shared_ptr<Arena>& arena) {
+        if (arena != own && std::find(shared.begin(), shared.end(), arena) == shared.end())
+            shared.push_back(arena);
+    };
+    keep(other.own);
+    for (const std::shared_ptr<Arena>& arena : other.shared)
+        keep(arena);
 }
 
 DomTreeNode* nextInDocument(DomTreeNode* node, const DomTreeNode* top)

@@ -7,10 +7,15 @@
 #include <memory>
 #include <vector>
 
-/// Storage that only grows, in pieces that double, and goes at once.
+/// Storage that only grows, in pieces that double, and goes at once. The first piece is part of it, so that a small
+/// document costs no further allocation.
 class Arena
 {
 public:
+    Arena() : end(firstPiece + sizeof firstPiece), room(sizeof firstPiece) {}
+    Arena(const Arena&) = delete;
+    Arena& operator=(const Arena&) = delete;
+
     /// `bytes` bytes, aligned for a node.
     void* allocate(std::size_t bytes)
     {
@@ -30,8 +35,9 @@ private:
     void* allocateAnew(std::size_t bytes);
 
     std::vector<std::unique_ptr<char[]>> pieces;
-    char* end = nullptr;
-    std::size_t room = 0; // before `end`
+    char* end;
+    std::size_t room; // before `end`
+    alignas(kAlignment) char firstPiece[4096];
 };
 
 /// A qualified name and how much of it is the prefix with its colon.
@@ -111,13 +117,14 @@ public:
     /// Keeps the other tree's storage too, for nodes that move here.
     void share(const DomTree& other);
 
-    Arena& queryArena() { return *arenas.front(); }
+    Arena& queryArena() { return *own; }
     DomRoot& queryDocument() { return document; }
 
     IXMLDOMParseError parseError;
 
 private:
-    std::vector<std::shared_ptr<Arena>> arenas; // the first is its own
+    std::shared_ptr<Arena> own;
+    std::vector<std::shared_ptr<Arena>> shared; // of trees that nodes came from
     DomRoot document;
     DomRoot unplaced;
 };

@@ -123,7 +123,7 @@ class Parse
 public:
     Parse(FileReader& source, XmlHandler& receiver) : file(source), handler(receiver) {}
 
-    std::optional<XmlError> run();
+    std::optional<IXMLDOMParseError> run();
 
 private:
     struct FreeContext
@@ -165,7 +165,7 @@ private:
     FileReader& file;
     XmlHandler& handler;
     std::unique_ptr<xmlParserCtxt, FreeContext> parser;
-    std::optional<XmlError> first;
+    std::optional<IXMLDOMParseError> first;
     std::exception_ptr thrown; // by the handler
     std::size_t depth = 0;
     std::size_t expanded = 0;
@@ -194,7 +194,7 @@ xmlSAXHandler Parse::callbacks(bool withText)
     return sax;
 }
 
-std::optional<XmlError> Parse::run()
+std::optional<IXMLDOMParseError> Parse::run()
 {
     xmlSAXHandler sax = callbacks(handler.wantsText());
     parser.reset(xmlCreateIOParserCtxt(&sax, nullptr, onRead, nullptr, this, XML_CHAR_ENCODING_NONE));
@@ -243,10 +243,10 @@ void Parse::fail(const char* reason)
     if (first)
         return;
     const std::string_view trimmedReason = trimmed(reason);
-    first = XmlError{CString(trimmedReason), 0, 0};
+    first = IXMLDOMParseError{CString(trimmedReason), 0, 0};
     if (parser && parser->inputNr > 0) {
         first->line = parser->inputTab[0]->line;
-        first->column = parser->inputTab[0]->col;
+        first->linepos = parser->inputTab[0]->col;
     }
 }
 
@@ -390,15 +390,15 @@ XmlAttribute XmlAttributes::operator[](std::size_t index) const
     return {{text(row[0]), text(row[1])}, {text(row[3]), static_cast<std::size_t>(row[4] - row[3])}};
 }
 
-std::optional<XmlError> parseXmlFile(const CString& fileName, XmlHandler& handler)
+std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler)
 {
     setUpLibrary();
     FileReader file(fileName);
     file.start();
-    std::optional<XmlError> error;
+    std::optional<IXMLDOMParseError> error;
     if (!file.queryError())
         error = Parse(file, handler).run();
     if (file.queryError())
-        error = XmlError{std::generic_category().message(file.queryError()), 0, 0};
+        error = IXMLDOMParseError{std::generic_category().message(file.queryError()), 0, 0};
     return error;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Text.h"
+#include "Platform/Dom.h"
 
 #include <cstddef>
 #include <optional>
@@ -55,18 +55,9 @@ public:
     virtual bool wantsText() const { return true; }
 };
 
-/// Why a document could not be read: the first error that makes it not well-formed. Line 0 and column 0 when the file
-/// could not be read; the reason is then the system's.
-struct XmlError
-{
-    CString reason;
-    LONG line = 0;
-    LONG column = 0;
-};
-
 /// Reads an XML 1.0 document as a stream and hands it to `handler`. Answers nothing when it was well-formed
 /// (https://www.w3.org/TR/xml/#sec-well-formed), else its first error; the handler has then got what stands before it.
 /// External entities and subsets are never read. Entity expansion is bounded (ten times what has been read, and a
 /// million bytes), so are nesting (256 levels in a document that declares entities, 200,000 else) and what one start
 /// tag may hold (10,000 attributes): what passes a bound is an error with its place.
-std::optional<XmlError> parseXmlFile(const CString& fileName, XmlHandler& handler);
+std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler);

@@ -7,6 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
+class BrokerTypeDescription;
 class Element;
 
 /// Elements in the order in which they were added, each at most once. Owns none of them.
@@ -93,6 +94,8 @@ private:
 
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
+    CString componentType() const;
+    void addFieldTo(BrokerTypeDescription& builder, const Element& child) const;
 
     CString path;
     CString name;

@@ -1,0 +1,37 @@
+#include "Utils/XMLDoc.h"
+
+#include "Resources/StringTable.h"
+
+XmlDocument::XmlDocument() : document(IXMLDOMDocument::create())
+{
+    if (!document)
+        errorText = loadText(IDS_NO_PARSER);
+}
+
+int XmlDocument::setFile(const CString& fileName)
+{
+    if (!document)
+        return 0;
+    const bool loaded = document.load(fileName);
+    return setError(document.parseError(), !loaded);
+}
+
+int XmlDocument::streamFile(const CString& fileName, XmlHandler& handler)
+{
+    const std::optional<IXMLDOMParseError> error = parseXmlFile(fileName, handler);
+    return setError(error.value_or(IXMLDOMParseError()), error.has_value());
+}
+
+IXMLDOMElement XmlDocument::getElement() const
+{
+    return document ? document.documentElement() : IXMLDOMElement();
+}
+
+int XmlDocument::setError(const IXMLDOMParseError& error, bool failed)
+{
+    errorText.clear();
+    if (failed)
+        errorText = formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(error.line),
+                               static_cast<long>(error.linepos), error.reason.c_str());
+    return !failed;
+}
