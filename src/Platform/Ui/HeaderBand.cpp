@@ -45,7 +45,7 @@ void HeaderBand::layOut()
 {
     const int titleHeight = titleLabel->fontMetrics().height();
     const int indent = kMargin + fontMetrics().averageCharWidth() * 2;
-    const int textWidth = std::max(width() - indent - titleHeight * 6, 80);
+    const int textWidth = std::max(width() - indent - titleHeight * 9, 80);
     int textHeight = 0;
     for (const QString& subtitle : subtitles) {
         const QRect needed = fontMetrics().boundingRect(0, 0, textWidth, 10000, Qt::TextWordWrap, subtitle);
