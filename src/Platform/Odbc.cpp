@@ -12,6 +12,8 @@
 namespace {
 
 constexpr SQLULEN kLoginTimeout = 15; // seconds
+// MariaDB's driver takes the login timeout from the connection string alone; others pass over words they don't know.
+constexpr std::string_view kLoginTimeoutWord = "CONN_TIMEOUT=15;";
 constexpr std::string_view kFrameworkPrefix = "ODBC;";
 
 // The calls take unsigned characters that they don't change.
@@ -58,7 +60,7 @@ void appendQuoted(CString& out, const CString& value)
 
 void buildConnectString(CString& out, const CString& source, const CString& logon)
 {
-    out.reserve(2 * source.size() + logon.size() + sizeof "DSN={};;");
+    out.reserve(2 * source.size() + logon.size() + kLoginTimeoutWord.size() + sizeof "DSN={};;");
     if (source.find('=') == CString::npos) {
         out += "DSN=";
         appendQuoted(out, source);
@@ -68,6 +70,7 @@ void buildConnectString(CString& out, const CString& source, const CString& logo
     if (!out.ends_with(';'))
         out += ';';
     out += logon;
+    out += kLoginTimeoutWord;
 }
 
 // Drivers end their texts as they like.

@@ -1,0 +1,65 @@
+#include "Formats/ODBCMsg.h"
+
+#include "Platform/Columns.h"
+#include "Platform/MainWindow.h"
+#include "Resources/StringIds.h"
+#include "Utils/QELStr.h"
+
+MsgUIDescriptor ODBCMessage::m_descr("\\", IDS_ODBC_NAME, IDS_ODBC_DESCRIPTION, ODBCMessage::New, 1016);
+
+namespace {
+
+// SQL types by ODBC's codes, those of ODBC 2 and 3 side by side. Bits, binaries and GUIDs have no row.
+constexpr struct
+{
+    LONG first, last;
+    Element::ElementTypes type;
+} kSqlTypes[] = {
+    {-10, -8, Element::typeString},  // WLONGVARCHAR, WVARCHAR, WCHAR
+    {-6, -5, Element::typeNumber},   // TINYINT, BIGINT
+    {-1, -1, Element::typeString},   // LONGVARCHAR
+    {1, 1, Element::typeString},     // CHAR
+    {2, 8, Element::typeNumber},     // NUMERIC, DECIMAL, INTEGER, SMALLINT, FLOAT, REAL, DOUBLE
+    {9, 11, Element::typeDate},      // DATE, TIME, TIMESTAMP of ODBC 2
+    {12, 12, Element::typeString},   // VARCHAR
+    {91, 93, Element::typeDate},     // DATE, TIME, TIMESTAMP of ODBC 3
+    {101, 113, Element::typeNumber}, // the intervals
+};
+
+} // namespace
+
+std::optional<Element::ElementTypes> elementTypeOf(LONG dataType)
+{
+    for (const auto& row : kSqlTypes)
+        if (dataType >= row.first && dataType <= row.last)
+            return row.type;
+    return std::nullopt;
+}
+
+ODBCMessage::ODBCMessage() : MsgBase(0), mainWindow(::mainWindow()) {}
+
+int ODBCMessage::parse(const CString& source, const CString& basePath, const CString&)
+{
+    QELStringIterator names(source.c_str());
+    names.beginEnum('\n');
+    QELString name;
+    for (int more = 1; more;) {
+        more = names.enumNext(name);
+        if (name.isNull())
+            break;
+        name.trim();
+        createFromTable(CString(name), basePath);
+    }
+    return 1;
+}
+
+void ODBCMessage::createFromTable(const CString& tableName, const CString& basePath)
+{
+    CColumns columns(mainWindow ? mainWindow->queryDatabase() : nullptr);
+    columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
+    Element* table = addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
+    for (columns.MoveFirst(); !columns.IsEOF(); columns.MoveNext())
+        if (const auto type = elementTypeOf(columns.dataType))
+            addElement(tableName + columns.columnName, basePath, columns.columnName, columns.remarks, *type, table);
+    columns.Close();
+}
