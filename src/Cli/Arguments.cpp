@@ -1,25 +1,21 @@
 #include "Cli/Arguments.h"
 
 #include "Formats/DTDMsg.h"
+#include "Formats/ODBCMsg.h"
 
 #include <CLI/CLI.hpp>
 
 namespace {
 
-struct ImporterWord
-{
-    const char* word;
-    MsgUIDescriptor* descriptor;
-};
-
-constexpr ImporterWord kImporters[] = {
-    {"dtd", &DTDMessage::m_descr},
+constexpr Importer kImporters[] = {
+    {"dtd", &DTDMessage::m_descr, false},
+    {"odbc", &ODBCMessage::m_descr, true},
 };
 
 std::vector<CString> importerWords()
 {
     std::vector<CString> words;
-    for (const ImporterWord& importer : kImporters)
+    for (const Importer& importer : kImporters)
         words.emplace_back(importer.word);
     return words;
 }
@@ -57,10 +53,10 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     return true;
 }
 
-MsgUIDescriptor& importerNamed(const CString& word)
+const Importer& importerNamed(const CString& word)
 {
-    for (const ImporterWord& importer : kImporters)
+    for (const Importer& importer : kImporters)
         if (word == importer.word)
-            return *importer.descriptor;
+            return importer;
     throw std::logic_error("no importer is called " + word);
 }

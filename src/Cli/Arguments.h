@@ -24,5 +24,13 @@ struct Arguments
 /// has been said and `exitStatus` is set: 0, or 2 for a mistake; the answer is then false.
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus);
 
+/// An importer as the command line knows it.
+struct Importer
+{
+    const char* word;
+    MsgUIDescriptor* descriptor;
+    bool readsTables; ///< its source is a data source, not a file
+};
+
 /// The importer that a word of the command line names.
-MsgUIDescriptor& importerNamed(const CString& word);
+const Importer& importerNamed(const CString& word);

@@ -1,6 +1,7 @@
 #include "Cli/Import.h"
 
 #include "Cli/Output.h"
+#include "Cli/TableSource.h"
 #include "Formats/MsgBase.h"
 #include "Platform/MessageBox.h"
 #include "Resources/StringTable.h"
@@ -82,8 +83,12 @@ int runImport(const Arguments& arguments)
         ++boxes;
         report(text);
     });
-    const std::unique_ptr<MsgBase> message(importerNamed(arguments.importer).create());
-    const bool imported = message->parseFile(arguments.source, basePathOf(arguments, *message)) != 0;
+    TableSource tables;
+    const Importer& importer = importerNamed(arguments.importer);
+    const std::unique_ptr<MsgBase> message(importer.descriptor->create());
+    const CString basePath = basePathOf(arguments, *message);
+    const bool imported = importer.readsTables ? tables.import(*message, arguments, basePath)
+                                               : message->parseFile(arguments.source, basePath) != 0;
     setMessageBoxHandler(before);
     if (!imported && boxes == 0)
         report("nothing was imported from " + arguments.source);

@@ -1,5 +1,6 @@
 #include "Formats/DTDMsg.h"
 #include "Formats/MsgBase.h"
+#include "Formats/ODBCMsg.h"
 
 // Addresses only, so it doesn't matter which unit's descriptor is constructed first.
-MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr, nullptr};
+MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr, &ODBCMessage::m_descr, nullptr};

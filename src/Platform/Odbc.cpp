@@ -14,6 +14,8 @@ namespace {
 constexpr SQLULEN kLoginTimeout = 15; // seconds
 // MariaDB's driver takes the login timeout from the connection string alone; others pass over words they don't know.
 constexpr std::string_view kLoginTimeoutWord = "CONN_TIMEOUT=15;";
+// A driver may quote a whole statement of its own; its start is enough for a message box.
+constexpr std::size_t kMessageSize = 512;
 constexpr std::string_view kFrameworkPrefix = "ODBC;";
 
 // The calls take unsigned characters that they don't change.
@@ -106,8 +108,8 @@ void FreeStatement::operator()(void* statement) const noexcept
     SQLFreeHandle(SQL_HANDLE_STMT, statement);
 }
 
-CDBException::CDBException(const CString& sqlState, int native, const CString& text)
-    : std::runtime_error(text + " (SQLSTATE " + sqlState + ")"), state(sqlState), nativeError(native)
+CDBException::CDBException(const CString& sqlState, int native, const CString& text) :
+    std::runtime_error(text + " (SQLSTATE " + sqlState + ")"), state(sqlState), nativeError(native)
 {}
 
 bool CDBException::isLogonRefused() const
@@ -121,7 +123,7 @@ bool CDBException::isLogonRefused() const
 void CDBException::raise(short handleKind, void* handle)
 {
     std::array<SQLCHAR, 6> state{};
-    std::array<SQLCHAR, 4096> buffer;
+    std::array<SQLCHAR, kMessageSize> buffer;
     SQLINTEGER native = 0;
     SQLSMALLINT length = 0;
     CString firstState = "S1000", text;
@@ -133,10 +135,10 @@ void CDBException::raise(short handleKind, void* handle)
         if (record == 1) {
             firstState = reinterpret_cast<const char*>(state.data());
             firstNative = native;
-        } else {
-            text += '\n';
         }
-        text += messageText(buffer.data(), length, buffer.size());
+        const std::string_view message = messageText(buffer.data(), length, buffer.size());
+        if (text.find(message) == text.npos) // some drivers say it twice
+            text.append(text.empty() ? "" : "\n").append(message);
     }
     throw CDBException(firstState, firstNative, text.empty() ? "The driver gave no reason" : text);
 }

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Cli/Arguments.h"
+#include "Platform/MainWindow.h"
+#include "Platform/Odbc.h"
+
+class MsgBase;
+
+/// The command line's stand-in for the main window, in force as long as it lives: it holds the connection that the
+/// importer of tables reads from. It has to be there before the importer.
+class TableSource : public MainWindow
+{
+public:
+    TableSource() { setMainWindow(this); }
+    ~TableSource() override { setMainWindow(nullptr); }
+
+    CDatabase* queryDatabase() override { return &database; }
+
+    /// Opens the data source and imports the tables that were asked for. False when it failed, which has then been
+    /// shown; an error of the database is raised as CDBException.
+    bool import(MsgBase& message, const Arguments& arguments, const CString& basePath);
+
+private:
+    bool listTables(CString& names);
+
+    CDatabase database;
+};
