@@ -2,6 +2,7 @@
 
 #include "Formats/DTDMsg.h"
 #include "Formats/ODBCMsg.h"
+#include "Formats/XMLDataMsg.h"
 
 #include <CLI/CLI.hpp>
 
@@ -9,6 +10,7 @@ namespace {
 
 constexpr Importer kImporters[] = {
     {"dtd", &DTDMessage::m_descr, false},
+    {"xml", &XMLDataMessage::m_descr, false},
     {"odbc", &ODBCMessage::m_descr, true},
 };
 

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Formats/MsgBase.h"
+
+class XMLDataWalk;
+
+/// The importer of XML instance documents. Each element name becomes one element of the model, each attribute a field
+/// of its element; what holds attributes or elements is a record, and what occurs more than once directly under one
+/// node repeats. Values are not looked at: every leaf is a text field.
+class XMLDataMessage : public MsgBase
+{
+public:
+    XMLDataMessage() : MsgBase(1) {}
+
+    static MsgBase* New() { return new XMLDataMessage; }
+
+    int parse(const CString& source, const CString& basePath, const CString& fileName) override;
+    int isFileMode() const override { return 1; }
+    CString queryMainTypeName() const override { return mainTypeName; }
+    MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
+
+    static MsgUIDescriptor m_descr;
+
+private:
+    void doParse(XMLDataWalk& walk);
+
+    CString mainTypeName; // the root's tag, prefix included
+    CString typeFolder;   // of all types
+};
