@@ -1,5 +1,6 @@
 #include "Cli/Arguments.h"
 
+#include "Formats/BrokerMsg.h"
 #include "Formats/DTDMsg.h"
 #include "Formats/ODBCMsg.h"
 #include "Formats/XMLDataMsg.h"
@@ -11,6 +12,7 @@ namespace {
 constexpr Importer kImporters[] = {
     {"dtd", &DTDMessage::m_descr, false},
     {"xml", &XMLDataMessage::m_descr, false},
+    {"btd", &BrokerMessage::m_descr, false},
     {"odbc", &ODBCMessage::m_descr, true},
 };
 
