@@ -1,12 +1,16 @@
 #pragma once
 
+#include "EditPage.h"
 #include "FinishPage.h"
 #include "FirstPage.h"
 #include "Formats/MsgBase.h"
+#include "OutputFile.h"
+#include "OutputPage.h"
 #include "Platform/MainWindow.h"
 #include "Platform/Odbc.h"
 #include "Platform/Ui/WizardSheet.h"
 #include "QELOptions.h"
+#include "SourcePage.h"
 #include "SourceTypePage.h"
 
 #include <QFont>
@@ -46,5 +50,9 @@ protected:
 private:
     FirstPage firstPage;
     SourceTypePage sourceTypePage;
+    SourcePage sourcePage;
+    EditPage editPage;
+    OutputPage outputPage;
+    OutputFile outputFile;
     FinishPage finishPage;
 };

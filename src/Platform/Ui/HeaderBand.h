@@ -18,13 +18,19 @@ public:
 
     void setTexts(const QString& title, const QString& subtitle);
 
+    /// The height that it will have at that width.
+    int heightAt(int width) const;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
+    int indent() const;
+    int textWidth(int width, int height) const;
     void layOut();
+    void paintVeil(QPainter& painter) const;
 
     int pictureId;
     QImage header;

@@ -54,7 +54,6 @@ ListView::ListView(std::vector<Column> listColumns, const CString& accessibleNam
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
-    header()->setStretchLastSection(false);
 }
 
 void ListView::setRows(int count, CellText cells)

@@ -7,9 +7,9 @@
 #include <functional>
 #include <vector>
 
-/// A list of rows with columns under a header, as wide as its column says in per cent of the list. Cells are asked for
-/// when they are seen, so a list of any length is there at once. One row can be selected, unless setSelectionMode()
-/// says otherwise; a selected row is selected over its whole width.
+/// A list of rows with columns under a header, each as wide as it says in per cent of the list, the last one taking
+/// what is left. Cells are asked for when they are seen, so a list of any length is there at once. One row can be
+/// selected, unless setSelectionMode() says otherwise; a selected row is selected over its whole width.
 class ListView : public QTreeView
 {
     Q_OBJECT

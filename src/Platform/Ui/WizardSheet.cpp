@@ -207,8 +207,7 @@ QSize WizardSheet::sizeHint() const
 {
     const QSize page = dialogUnits(fontMetrics(), 340, 190);
     const int buttons = backButton->sizeHint().height() + 22;
-    const int header = fontMetrics().height() * 7;
-    return QSize(page.width(), page.height() + header + buttons).expandedTo(minimumSizeHint());
+    return {page.width(), page.height() + band->heightAt(page.width()) + buttons};
 }
 
 void WizardSheet::changeEvent(QEvent* event)

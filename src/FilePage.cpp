@@ -1,0 +1,99 @@
+#include "FilePage.h"
+
+#include "Platform/Ui/PathLabel.h"
+#include "Platform/Ui/UiText.h"
+#include "QELWizard.h"
+
+#include <QComboBox>
+#include <QDropEvent>
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPushButton>
+#include <QUrl>
+
+namespace {
+
+// The first file of what is dragged here; "" when there is none.
+CString draggedFile(const QMimeData* data)
+{
+    for (const QUrl& url : data->urls())
+        if (url.isLocalFile())
+            return fromUi(url.toLocalFile());
+    return {};
+}
+
+} // namespace
+
+void FilePage::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    fileCombo = withId(comboId(), new QComboBox);
+    fileCombo->setEditable(true);
+    fileCombo->setInsertPolicy(QComboBox::NoInsert);
+    fileCombo->setCompleter(nullptr); // a name that begins like a recent one is not that one
+    fileCombo->lineEdit()->setAcceptDrops(false);
+    fileCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    fillFiles(*fileCombo);
+    auto* label = new QLabel("File:");
+    label->setBuddy(fileCombo);
+    auto* browse = withId(IDC_BROWSE, new QPushButton("B&rowse"));
+    connect(browse, &QPushButton::clicked, this, &FilePage::OnPickfile);
+    folderLabel = withId(IDC_FOLDER, new PathLabel);
+
+    auto* grid = new QGridLayout(this);
+    grid->addWidget(label, 0, 0);
+    grid->addWidget(fileCombo, 0, 1);
+    grid->addWidget(browse, 0, 2);
+    grid->addWidget(folderLabel, 1, 1, 1, 2);
+    grid->setColumnStretch(1, 1);
+    setAcceptDrops(true);
+}
+
+void FilePage::OnSetActive()
+{
+    folderText = enterFolder();
+    folderLabel->setText(toUi(folderText));
+    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
+}
+
+void FilePage::UpdateData(bool save)
+{
+    if (save) {
+        fileName = fromUi(fileCombo->currentText());
+        return;
+    }
+    fileCombo->setEditText(toUi(fileName));
+    folderLabel->setText(toUi(folderText));
+}
+
+void FilePage::OnPickfile()
+{
+    UpdateData(true);
+    if (const CString chosen = chooseFile(); !chosen.empty())
+        fileName = chosen;
+    takeFolder();
+}
+
+// The folder follows the file name, whether it has just been chosen or was there before.
+void FilePage::takeFolder()
+{
+    if (const std::size_t slash = fileName.rfind('/'); slash != CString::npos) {
+        setFolder(fileName.substr(0, std::max<std::size_t>(slash, 1)));
+        folderText = enterFolder();
+    }
+    UpdateData(false);
+}
+
+void FilePage::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!draggedFile(event->mimeData()).empty())
+        event->acceptProposedAction();
+}
+
+void FilePage::dropEvent(QDropEvent* event)
+{
+    fileName = draggedFile(event->mimeData());
+    takeFolder();
+    event->acceptProposedAction();
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "QELPage.h"
+
+class PathLabel;
+class QComboBox;
+
+/// The base of the two pages that choose a file: a combo box with the recent ones, Browse, and the folder in which a
+/// name without a path is looked for. A file that is dropped on the page is chosen.
+class FilePage : public QELPage
+{
+public:
+    using QELPage::QELPage;
+
+    void OnInitDialog() override;
+    void OnSetActive() override;
+
+protected:
+    /// The id of the combo box.
+    virtual int comboId() const = 0;
+
+    /// Fills the combo box with the recent files.
+    virtual void fillFiles(QComboBox& combo) = 0;
+
+    /// Shows the file dialog; "" when the user cancels.
+    virtual CString chooseFile() = 0;
+
+    /// Remembers the folder that a file was chosen in.
+    virtual void setFolder(const CString& folder) = 0;
+
+    /// Makes the remembered folder the current one and answers the text that names it.
+    virtual CString enterFolder() = 0;
+
+    /// Reads the controls into the members when `save`, else shows the members.
+    void UpdateData(bool save);
+
+    void OnPickfile();
+
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+    CString fileName;
+    CString folderText;
+
+private:
+    void takeFolder();
+
+    QComboBox* fileCombo = nullptr;
+    PathLabel* folderLabel = nullptr;
+};

@@ -1,0 +1,54 @@
+#include "OutputFile.h"
+
+#include "Platform/File.h"
+#include "Platform/Ui/FileDialog.h"
+#include "Platform/Ui/WaitCursor.h"
+#include "QELWizard.h"
+#include "Resources/StringTable.h"
+
+OutputFile::OutputFile() :
+    FilePage(IDD_OUTPUT_FILE, "Typeforge - Select output file", IDS_OUTPUT_FILE_TITLE, IDS_OUTPUT_FILE_SUBTITLE)
+{}
+
+LRESULT OutputFile::OnWizardNext()
+{
+    UpdateData(true);
+    wizard->options.addOutputFile(fileName);
+    const WaitCursor wait;
+    AtomicFile file(fileName); // an older file stays as it is until the new one is whole
+    if (file.queryCause() == FileCause::none)
+        wizard->message->writeXML([&file](std::string_view text) { file.write(text); });
+    if (const FileCause cause = file.commit(); cause != FileCause::none)
+        return stay(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)));
+    wizard->setCurrentFolder(QELWizard::folderCWD);
+    return IDD_FINISH;
+}
+
+LRESULT OutputFile::OnWizardBack()
+{
+    wizard->setCurrentFolder(QELWizard::folderCWD);
+    return IDD_OUTPUT;
+}
+
+void OutputFile::fillFiles(QComboBox& combo)
+{
+    wizard->options.fillOutputFile(combo);
+}
+
+CString OutputFile::chooseFile()
+{
+    return chooseFileToSave(this, {loadText(IDS_SELECT_DESTINATION),
+                                   {{loadText(IDS_FILTER_ALL_FILES), loadText(IDS_PATTERN_ALL_FILES)}},
+                                   wizard->options.queryOutputFolder(),
+                                   fileName});
+}
+
+void OutputFile::setFolder(const CString& folder)
+{
+    wizard->options.setOutputFolder(folder);
+}
+
+CString OutputFile::enterFolder()
+{
+    return wizard->setCurrentFolder(QELWizard::folderOutput);
+}

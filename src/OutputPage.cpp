@@ -1,0 +1,41 @@
+#include "OutputPage.h"
+
+#include "QELWizard.h"
+
+#include <QButtonGroup>
+#include <QGroupBox>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+OutputPage::OutputPage() : QELPage(IDD_OUTPUT, "Typeforge - Select output mode", IDS_OUTPUT_TITLE, IDS_OUTPUT_SUBTITLE)
+{}
+
+void OutputPage::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    choice = new QButtonGroup(this);
+    choice->addButton(withId(IDC_TO_FILE, new QRadioButton("&Output to file in local or network folder")), 0);
+    choice->addButton(withId(IDC_TO_BROKER, new QRadioButton("Create type in &Broker")), 1);
+    auto* group = new QGroupBox("Destination");
+    auto* rows = new QVBoxLayout(group);
+    for (QAbstractButton* button : choice->buttons())
+        rows->addWidget(button);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(group);
+    column->addStretch();
+}
+
+void OutputPage::OnSetActive()
+{
+    wizard->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
+    outputSel = wizard->options.queryLastOutputSel();
+    if (QAbstractButton* button = choice->button(outputSel))
+        button->setChecked(true);
+}
+
+LRESULT OutputPage::OnWizardNext()
+{
+    outputSel = choice->checkedId();
+    wizard->options.setLastOutputSel(outputSel);
+    return outputSel == 1 ? IDD_LOGIN : IDD_OUTPUT_FILE;
+}

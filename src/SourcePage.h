@@ -1,0 +1,20 @@
+#pragma once
+
+#include "FilePage.h"
+
+/// Chooses the input file and runs the importer on it.
+class SourcePage : public FilePage
+{
+public:
+    SourcePage();
+
+    LRESULT OnWizardNext() override;
+    LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
+
+protected:
+    int comboId() const override { return IDC_INPUT_FILE; }
+    void fillFiles(QComboBox& combo) override;
+    CString chooseFile() override;
+    void setFolder(const CString& folder) override;
+    CString enterFolder() override;
+};
