@@ -3,6 +3,7 @@
 #include "Formats/BrokerMsg.h"
 #include "Formats/DTDMsg.h"
 #include "Formats/ODBCMsg.h"
+#include "Formats/SchemaMsg.h"
 #include "Formats/XMLDataMsg.h"
 
 #include <CLI/CLI.hpp>
@@ -12,6 +13,7 @@ namespace {
 constexpr Importer kImporters[] = {
     {"dtd", &DTDMessage::m_descr, false},
     {"xml", &XMLDataMessage::m_descr, false},
+    {"xsd", &SchemaMessage::m_descr, false},
     {"btd", &BrokerMessage::m_descr, false},
     {"odbc", &ODBCMessage::m_descr, true},
 };

@@ -16,14 +16,15 @@ inline std::size_t keyHash(std::string_view key)
 
 /// A string-keyed table of pointers that iterates in the order in which the keys were first stored. The key is not
 /// stored: `KeyOf(value)` reads it from the value, so it must not change while the value is in the table. Owns nothing.
-template <class T, auto KeyOf>
+/// A key that is more than a text brings its own keyHash().
+template <class T, auto KeyOf, class Key = std::string_view>
 class KeyedTable
 {
 public:
     /// The value under `key`, or null.
-    T* find(std::string_view key) const { return find(key, keyHash(key)); }
+    T* find(const Key& key) const { return find(key, keyHash(key)); }
 
-    T* find(std::string_view key, std::size_t hash) const
+    T* find(const Key& key, std::size_t hash) const
     {
         if (slots.empty())
             return nullptr;
@@ -36,15 +37,19 @@ public:
 
     void store(T* value, std::size_t hash)
     {
-        if ((entries.size() + 1) * 4 > slots.size() * 3)
-            grow();
-        const std::size_t at = slotOf(keyOf(*value), hash);
-        if (slots[at].entry != kFree) {
-            entries[slots[at].entry] = value;
-            return;
-        }
-        slots[at] = {static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(entries.size())};
-        entries.push_back(value);
+        if (Slot& slot = slotFor(value, hash); slot.entry != kFree)
+            entries[slot.entry] = value;
+        else
+            fill(slot, value, hash);
+    }
+
+    /// Stores `value` unless there is one under its key already; answers the one that is there then.
+    T* storeNew(T* value, std::size_t hash)
+    {
+        Slot& slot = slotFor(value, hash);
+        if (slot.entry == kFree)
+            fill(slot, value, hash);
+        return entries[slot.entry];
     }
 
     void clear()
@@ -72,9 +77,9 @@ private:
         std::uint32_t entry = kFree;
     };
 
-    static std::string_view keyOf(const T& value) { return std::invoke(KeyOf, value); }
+    static Key keyOf(const T& value) { return std::invoke(KeyOf, value); }
 
-    std::size_t slotOf(std::string_view key, std::size_t hash) const
+    std::size_t slotOf(const Key& key, std::size_t hash) const
     {
         const auto mark = static_cast<std::uint32_t>(hash);
         for (std::size_t at = mark & (slots.size() - 1);; at = (at + 1) & (slots.size() - 1)) {
@@ -82,6 +87,20 @@ private:
             if (slot.entry == kFree || (slot.hash == mark && keyOf(*entries[slot.entry]) == key))
                 return at;
         }
+    }
+
+    // The slot of the value's key, or the free one where it belongs.
+    Slot& slotFor(T* value, std::size_t hash)
+    {
+        if ((entries.size() + 1) * 4 > slots.size() * 3)
+            grow();
+        return slots[slotOf(keyOf(*value), hash)];
+    }
+
+    void fill(Slot& slot, T* value, std::size_t hash)
+    {
+        slot = {static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(entries.size())};
+        entries.push_back(value);
     }
 
     void grow()

@@ -1,0 +1,134 @@
+#include "Formats/SchemaMsg.h"
+
+#include "Resources/StringTable.h"
+#include "Utils/XMLDoc.h"
+
+MsgUIDescriptor SchemaMessage::m_descr("\\sys\\xml\\", IDS_SCHEMA_NAME, IDS_SCHEMA_DESCRIPTION, &SchemaMessage::New,
+                                       1008);
+
+int SchemaMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
+{
+    forget();
+    Outlines outlines;
+    const int result = import(source, basePath, fileName, outlines);
+    forget(); // the texts of the tables go with the outlines
+    return result;
+}
+
+/// The two passes. The file is read once for both.
+int SchemaMessage::import(const CString& source, const CString& basePath, const CString& fileName, Outlines& outlines)
+{
+    XmlDocument document;
+    const SchemaOutline& main = outlines.emplace_back();
+    if (!document.streamFile(source, outlines.front()))
+        return fail(document.queryParseError());
+    if (!fileName.empty())
+        getSchemaIncludeList(fileName, outlines);
+    copyElementList();
+    mainType = getRootTag(main);
+    baseFolder = basePath.ends_with('\\') ? basePath : basePath + "\\";
+    return doParse(main, baseFolder);
+}
+
+void SchemaMessage::forget()
+{
+    schemaElements.clear();
+    includedElements.clear();
+    ownedElements.clear();
+    madeNames.clear();
+}
+
+/// The texts of the field in hand. Kept from one to the next, so that they seldom have to grow.
+struct SchemaMessage::Field
+{
+    CString name;
+    CString typeName;
+    int count = 1;
+    CString usageKey;
+    CString description;
+};
+
+int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder)
+{
+    if (queryMainTypeName().empty())
+        return fail(loadText(IDS_NO_ROOT));
+    processElement(outline);
+    processComplexType(outline, SchemaOutline::kRoot, {});
+    mergeLists();
+    const CString path = folder + mainType + "\\";
+    Field field;
+    for (SchemaElement* entry : schemaElements)
+        if (!entry->getChildren().empty())
+            declareRecord(*entry, path, field);
+    return 1;
+}
+
+void SchemaMessage::declareRecord(SchemaElement& entry, const CString& path, Field& field)
+{
+    const CString name = entry.queryName() == rootTypeName ? mainType : CString(entry.queryName());
+    Element* record = addElement(name, path, name, fillText(loadText(IDS_AUTOMATIC), name), Element::typeRow, nullptr);
+    for (const SchemaElement* child : entry.getChildren()) {
+        const SchemaKey& key = child->queryKey();
+        getType(entry.isPulledChild() ? schemaElements.find(key, key.hash) : child, field.typeName, field.name);
+        field.count = getModifiers(key) == modStar ? 2 : 1;
+        field.usageKey.assign(name).append(".").append(field.name);
+        declareField(field, path, record);
+    }
+}
+
+/// A repeated field is declared twice: MsgBase makes a table of a usage that it has seen more than once.
+void SchemaMessage::declareField(Field& field, const CString& path, Element* record)
+{
+    const Element::ElementTypes kind = field.typeName.empty() ? Element::typeString : getBrokerType(field.typeName);
+    fillText(field.description, loadText(IDS_AUTOMATIC), field.name);
+    for (int i = 0; i < field.count; ++i) {
+        Element* element = addElement(field.usageKey, path, field.name, field.description, kind, record);
+        if (field.typeName.empty())
+            continue;
+        const bool isOurs = field.typeName != "AnonymousType" && kind != Element::typeString;
+        element->setKnownType(isOurs ? path + field.typeName : "String");
+        element->setType(Element::typeOther);
+    }
+}
+
+/// Name and type of a declaration; both are empty when there is none. A repeated one brings no type. Nonzero when there
+/// is a type.
+int SchemaMessage::getType(const SchemaElement* entry, CString& typeName, CString& fieldName)
+{
+    typeName.clear();
+    fieldName.clear();
+    if (entry) {
+        fieldName = entry->queryName();
+        if (!removeModifiers(fieldName))
+            typeName = entry->queryType();
+    }
+    return !typeName.empty();
+}
+
+/// Trims `name`; 1 when it then ended with a '*', which is removed.
+int SchemaMessage::removeModifiers(CString& name)
+{
+    if (const std::string_view inner = trimmed(name); inner.size() < name.size())
+        name = CString(inner);
+    if (!name.ends_with('*'))
+        return 0;
+    name.pop_back();
+    return 1;
+}
+
+/// The kind of a field of this type. The name of a built-in type is emptied: the kind says all. For any other, typeDate
+/// says no more than that it is a type of the schema.
+Element::ElementTypes SchemaMessage::getBrokerType(CString& typeName) const
+{
+    for (const std::string_view prefix : {"xsd:", "xs:"}) {
+        if (!typeName.starts_with(prefix))
+            continue;
+        const CString builtIn = typeName.substr(prefix.size());
+        typeName.clear();
+        if (builtIn == "date")
+            return Element::typeDate;
+        return builtIn == "decimal" ? Element::typeNumber : Element::typeString;
+    }
+    const SchemaKey type(typeName);
+    return schemaElements.find(type, type.hash) ? Element::typeDate : Element::typeString;
+}

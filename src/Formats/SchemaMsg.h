@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Formats/MsgBase.h"
+#include "Formats/SchemaElement.h"
+#include "Formats/SchemaOutline.h"
+#include "Utils/KeyedTable.h"
+
+#include <deque>
+#include <unordered_set>
+
+/// The importer of XML Schema files. Complex types become records, the elements and attributes declared in them fields;
+/// schema tags are known by the literal prefixes "xsd:" and "xs:", namespaces are not resolved.
+///
+/// A file is read twice. The first pass reads it together with every document that it includes, imports or redefines;
+/// the second reads the file alone, and pulls from the first what it names as a type without declaring it.
+class SchemaMessage : public MsgBase
+{
+public:
+    SchemaMessage() : MsgBase(1) {}
+
+    static MsgBase* New() { return new SchemaMessage; }
+
+    /// `source` is the name of the schema file. 0 when it can't be loaded or has no main element.
+    int parse(const CString& source, const CString& basePath, const CString& fileName) override;
+    int isFileMode() const override { return 1; }
+    CString queryMainTypeName() const override { return mainType; }
+    MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
+
+    static MsgUIDescriptor m_descr;
+
+private:
+    enum Modifiers
+    {
+        modNone = 0,
+        modStar = 1
+    };
+
+    using Index = SchemaOutline::Index;
+    struct TypeWalk;
+    struct Field;
+
+    using Outlines = std::deque<SchemaOutline>;
+
+    int import(const CString& source, const CString& basePath, const CString& fileName, Outlines& outlines);
+    void forget();
+
+    // The include pass and what comes of it.
+    void getSchemaIncludeList(const CString& fileName, Outlines& outlines);
+    void copyElementList();
+    void mergeLists();
+    void pull(SchemaElement* included);
+
+    // Reading a document into the table.
+    CString getRootTag(const SchemaOutline& outline);
+    void processElement(const SchemaOutline& outline);
+    void processComplexType(const SchemaOutline& outline, Index container, std::string_view parentName);
+    void enterType(const SchemaOutline& outline, TypeWalk& walk);
+    bool nextList(const SchemaOutline& outline, TypeWalk& walk);
+    void processTag(const SchemaOutline& outline, TypeWalk& walk);
+    SchemaElement* addSchemaElement(std::string_view name, std::string_view parentKey, SchemaElement* parent,
+                                    std::string_view type);
+    std::string_view keep(CString text) { return *madeNames.insert(std::move(text)).first; }
+
+    // Building the model from the table.
+    int doParse(const SchemaOutline& outline, const CString& folder);
+    void declareRecord(SchemaElement& entry, const CString& path, Field& field);
+    void declareField(Field& field, const CString& path, Element* record);
+    static int getType(const SchemaElement* entry, CString& typeName, CString& fieldName);
+    Element::ElementTypes getBrokerType(CString& typeName) const;
+    static Modifiers getModifiers(const SchemaKey& key) { return key.isMarked() ? modStar : modNone; }
+    static int removeModifiers(CString& name);
+
+    using Table = KeyedTable<SchemaElement, &SchemaElement::queryKey, SchemaKey>;
+    Table schemaElements;                    // of the pass in hand
+    Table includedElements;                  // of the include pass
+    std::deque<SchemaElement> ownedElements; // of both tables
+    std::unordered_set<CString> madeNames;   // names that no document holds as they are
+    CString rootTypeName;                    // the type that the main element names; stays from one import to the next
+    CString mainType;                        // the main element's name; empty when there is none
+    CString baseFolder;
+};

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "Platform/DomTree.h"
+#include "Platform/XmlParser.h"
+
+#include <array>
+#include <optional>
+#include <unordered_set>
+#include <vector>
+
+/// One declaration of a schema document: an element, an attribute or a complex type. Texts are views into the outline.
+struct SchemaDeclaration
+{
+    std::string_view name;      ///< its `name`, or its `ref` where it has no name
+    std::string_view type;      ///< its `type`; without one "AnonymousType", or empty when it is read through `ref`
+    bool hasAttributes = false; ///< any at all
+    bool hasType = false;       ///< a `type` is written
+    bool isReference = false;   ///< it has no name of its own
+    bool repeats = false;       ///< its `maxOccurs` is greater than 1 or "unbounded"
+};
+
+/// The declarations of one schema document, as far as they are read: what is called xsd:element, xs:element and so on,
+/// by these literal names, at any depth. It is filled while the document is read; searches answer what a walk over the
+/// document would, without walking.
+class SchemaOutline : public XmlHandler
+{
+public:
+    enum Tag
+    {
+        element,
+        attribute,
+        complexType
+    };
+
+    /// A place in the outline; they rise in document order. kRoot is the document's root element, whatever it is.
+    using Index = unsigned;
+    static constexpr Index kRoot = 0;
+    static constexpr Index kNone = ~0U;
+
+    SchemaOutline();
+
+    void startElement(XmlName name, XmlAttributes attributes) override;
+    void endElement() override;
+    bool wantsText() const override { return false; }
+
+    const SchemaDeclaration& operator[](Index at) const { return entries[at].declaration; }
+
+    /// The first descendant, at any depth, called "xsd:" + tag; if there is none, the first one called "xs:" + tag.
+    Index getNode(Index from, Tag tag) const;
+
+    /// The first direct child of either name.
+    Index getChildNode(Index parent, Tag tag) const { return entries[parent].firstChild[tag]; }
+
+    /// The first following sibling of either name and of the same tag.
+    Index getNextSibling(Index from) const { return entries[from].nextSibling; }
+
+    /// True when the document holds a complex type, at any depth.
+    bool holdsTypes() const { return !mainTypes().empty(); }
+
+    /// True when one of the xsd:complexType of the document, or of its xs:complexType where it has none of those, is
+    /// called `name`.
+    bool holdsTypeNamed(std::string_view name) const;
+
+    /// The schemaLocation of each document that the schema includes, imports or redefines, in document order.
+    const std::vector<std::string_view>& locations() const { return schemaLocations; }
+
+    bool hasTargetNamespace() const { return isTargeted; }
+
+private:
+    static constexpr unsigned kTags = 3;
+
+    struct Entry
+    {
+        SchemaDeclaration declaration;
+        Index end = 0; // behind the last descendant
+        Index nextSibling = kNone;
+        std::array<Index, kTags> firstChild{kNone, kNone, kNone};
+    };
+
+    // An element of the document that is still open.
+    struct Level
+    {
+        Index place; // kNone for one that is no declaration
+        std::array<Index, kTags> lastChild{kNone, kNone, kNone};
+    };
+
+    void startRoot(XmlAttributes attributes);
+    void noteLocation(XmlName name, XmlAttributes attributes);
+    SchemaDeclaration readDeclaration(XmlAttributes attributes);
+    Index enter(Tag tag, XmlAttributes attributes);
+    const std::vector<Index>& mainTypes() const;
+
+    Arena texts;
+    std::vector<Entry> entries;
+    std::array<std::array<std::vector<Index>, kTags>, 2> places; // by prefix, "xsd:" first, and by tag; rising
+    std::vector<Level> open;
+    std::vector<std::string_view> schemaLocations;
+    bool isTargeted = false;
+    mutable std::optional<std::unordered_set<std::string_view>> typeNames;
+};

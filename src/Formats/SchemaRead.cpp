@@ -1,0 +1,167 @@
+#include "Formats/SchemaMsg.h"
+#include "Resources/StringTable.h"
+
+// Reading the declarations of a document into the element table.
+
+namespace {
+
+constexpr std::string_view kAnonymousType = "AnonymousType";
+constexpr std::string_view kStringType = "xsd:string";
+
+/// True for a declaration whose type stands inside it.
+bool holdsType(const SchemaOutline& outline, SchemaOutline::Index at)
+{
+    return outline[at].type == kAnonymousType &&
+           outline.getNode(at, SchemaOutline::complexType) != SchemaOutline::kNone;
+}
+
+/// The type as it is registered: one that should stand inside the declaration and doesn't is text.
+std::string_view typeOf(const SchemaOutline& outline, SchemaOutline::Index at)
+{
+    const std::string_view type = outline[at].type;
+    return type == kAnonymousType && !holdsType(outline, at) ? kStringType : type;
+}
+
+} // namespace
+
+/// The name of the main element: the first one at the top that has no type, whose own type is then read, or the type of
+/// which is among the document's complex types.
+CString SchemaMessage::getRootTag(const SchemaOutline& outline)
+{
+    for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
+         at = outline.getNextSibling(at)) {
+        const SchemaDeclaration& element = outline[at];
+        if (!element.hasAttributes)
+            continue;
+        const std::string_view name = element.isReference ? std::string_view() : element.name;
+        if (!element.hasType || element.type == kAnonymousType) {
+            processComplexType(outline, at, name);
+            return CString(name);
+        }
+        if (!outline.holdsTypes())
+            return {};
+        if (outline.holdsTypeNamed(element.type)) {
+            rootTypeName = element.type;
+            return CString(name);
+        }
+    }
+    return {};
+}
+
+/// The elements at the top. An anonymous type is only looked for below the first complex type inside the element, so
+/// the one of the main element, which getRootTag() has read, is the only one that is read whole.
+void SchemaMessage::processElement(const SchemaOutline& outline)
+{
+    for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
+         at = outline.getNextSibling(at)) {
+        const SchemaDeclaration& element = outline[at];
+        if (holdsType(outline, at))
+            processComplexType(outline, outline.getNode(at, SchemaOutline::complexType), element.name);
+        if (!element.name.empty())
+            addSchemaElement(element.name, {}, nullptr, typeOf(outline, at));
+    }
+}
+
+/// The complex types of one container, of which `type` is in hand: its elements, then its attributes.
+struct SchemaMessage::TypeWalk
+{
+    std::string_view owner; // the name of types that have none
+    Index type;
+    std::string_view recordName;
+    SchemaElement* record = nullptr; // null without a name
+    SchemaOutline::Tag list = SchemaOutline::element;
+    Index field = SchemaOutline::kNone;
+    bool isEntered = false; // the type inside the field has been read
+};
+
+/// The complex types directly inside `container`, with all that is nested in them. What is nested is read before the
+/// declaration that holds it is registered; the walks in hand are kept here, not on the stack.
+void SchemaMessage::processComplexType(const SchemaOutline& outline, Index container, std::string_view parentName)
+{
+    std::vector<TypeWalk> walks;
+    const auto enter = [&](Index from, std::string_view owner) {
+        TypeWalk walk{owner, outline.getChildNode(from, SchemaOutline::complexType), {}};
+        if (walk.type == SchemaOutline::kNone)
+            return;
+        enterType(outline, walk);
+        walks.push_back(walk);
+    };
+    enter(container, parentName);
+    while (!walks.empty()) {
+        TypeWalk& walk = walks.back();
+        if (walk.field == SchemaOutline::kNone) {
+            if (!nextList(outline, walk))
+                walks.pop_back();
+        } else if (!walk.isEntered && holdsType(outline, walk.field)) {
+            walk.isEntered = true;
+            enter(walk.field, outline[walk.field].name); // may move `walk`
+        } else {
+            processTag(outline, walk);
+        }
+    }
+}
+
+/// Registers the complex type in hand as a record and turns to its first element. That is the first one at any depth;
+/// its siblings follow, and those that stand in another group than it are never read.
+void SchemaMessage::enterType(const SchemaOutline& outline, TypeWalk& walk)
+{
+    const SchemaDeclaration& type = outline[walk.type];
+    std::string_view name = type.isReference ? walk.owner : type.name;
+    if (!name.empty() && name == rootTypeName)
+        name = keep(mainType);
+    walk.record = addSchemaElement(name, {}, nullptr, {});
+    // A type declared again goes by the text of the first, which makes their keys quick to compare.
+    walk.recordName = walk.record && walk.record->queryKey().parent.empty() ? walk.record->queryName() : name;
+    walk.list = SchemaOutline::element;
+    walk.field = outline.getNode(walk.type, SchemaOutline::element);
+}
+
+/// Goes on from the elements of the type in hand to its attributes, from these to the next type. False at the end.
+bool SchemaMessage::nextList(const SchemaOutline& outline, TypeWalk& walk)
+{
+    if (walk.list == SchemaOutline::element) {
+        walk.list = SchemaOutline::attribute;
+        walk.field = outline.getChildNode(walk.type, SchemaOutline::attribute);
+        return true;
+    }
+    walk.type = outline.getNextSibling(walk.type);
+    if (walk.type == SchemaOutline::kNone)
+        return false;
+    enterType(outline, walk);
+    return true;
+}
+
+/// Registers the field in hand and turns to the next one.
+void SchemaMessage::processTag(const SchemaOutline& outline, TypeWalk& walk)
+{
+    const SchemaDeclaration& field = outline[walk.field];
+    if (!field.name.empty()) {
+        const std::string_view name = field.repeats ? keep(CString(field.name) + "*") : field.name;
+        addSchemaElement(name, walk.recordName, walk.record, typeOf(outline, walk.field));
+    }
+    walk.field = outline.getNextSibling(walk.field);
+    walk.isEntered = false;
+}
+
+/// Registers a declaration once and attaches it to its parent, whose key is `parentKey`. Answers the entry, or null
+/// when the declaration is called like its parent. A type that is already registered under the name alone wins.
+SchemaElement* SchemaMessage::addSchemaElement(std::string_view name, std::string_view parentKey, SchemaElement* parent,
+                                               std::string_view type)
+{
+    const SchemaKey key = parent ? SchemaKey(parentKey, parent->queryKey().hash, name) : SchemaKey(name);
+    SchemaElement* entry = schemaElements.find(key, key.hash);
+    if (!entry) {
+        const SchemaKey alone(name);
+        if (const SchemaElement* earlier = schemaElements.find(alone, alone.hash))
+            type = earlier->queryType();
+        if (parentKey == name) {
+            fail(loadText(IDS_CYCLIC));
+            return nullptr;
+        }
+        entry = &ownedElements.emplace_back(key, type);
+        schemaElements.store(entry);
+    }
+    if (parent)
+        parent->addChild(entry);
+    return entry;
+}
