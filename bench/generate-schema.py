@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes a schema of many complex types into a folder: make-schema FOLDER TYPES [FILES]
+"""Writes a schema of many complex types into a folder: generate-schema.py FOLDER TYPES [FILES]
 
 main.xsd declares the main element; with FILES the types are spread over that many documents that it includes. Each
 type has ten fields: eight elements, of which one refers to the next type and one repeats, and two attributes.
