@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DataSourcePage.h"
+#include "DatabaseTablePage.h"
 #include "EditPage.h"
 #include "FinishPage.h"
 #include "FirstPage.h"
@@ -50,6 +52,8 @@ protected:
 private:
     FirstPage firstPage;
     SourceTypePage sourceTypePage;
+    DataSourcePage dataSourcePage;
+    DatabaseTablePage databaseTablePage;
     SourcePage sourcePage;
     EditPage editPage;
     OutputPage outputPage;

@@ -31,8 +31,12 @@ enum ControlId : int
     IDC_FOLDER = 1032,
     IDC_OUTPUT_FILE = 1040,
     IDC_INPUT_FILE = 1041,
+    IDC_DATA_SOURCES = 1047,
+    IDC_TABLES = 1048,
     IDC_WELCOME = 1057,
-    IDC_FINISHED = 1058
+    IDC_FINISHED = 1058,
+    IDC_SOURCE_USER = 1101, // of the logon dialog of a data source
+    IDC_SOURCE_PASSWORD = 1102
 };
 
 // Resource ids of the pictures and the icon.

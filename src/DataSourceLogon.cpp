@@ -1,0 +1,46 @@
+#include "DataSourceLogon.h"
+
+#include "Platform/Odbc.h"
+#include "Platform/Secret.h"
+#include "Platform/Ui/SecretEdit.h"
+#include "Platform/Ui/UiText.h"
+#include "Resources/DialogIds.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+
+DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const CString& reason) :
+    QDialog(parent), userEdit(new QLineEdit), passwordEdit(new QLineEdit)
+{
+    setObjectName("DataSourceLogon");
+    setWindowTitle("Log on to " + toUi(source));
+    userEdit->setObjectName(QString::number(IDC_SOURCE_USER));
+    passwordEdit->setObjectName(QString::number(IDC_SOURCE_PASSWORD));
+    makeSecret(*passwordEdit);
+    auto* text = new QLabel(toUi(reason));
+    text->setTextFormat(Qt::PlainText); // a server's words, not ours
+    text->setWordWrap(true);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* form = new QFormLayout(this);
+    form->addRow(text);
+    form->addRow("&User:", userEdit);
+    form->addRow("&Password:", passwordEdit);
+    form->addRow(buttons);
+    setMinimumWidth(fontMetrics().averageCharWidth() * 60);
+}
+
+bool DataSourceLogon::ask(CString& logon)
+{
+    const bool confirmed = exec() == Accepted;
+    Secret password;
+    takeSecret(*passwordEdit, password.text);
+    if (!confirmed)
+        return false;
+    wipe(logon);
+    logon = logonText(fromUi(userEdit->text()), password.text);
+    return true;
+}

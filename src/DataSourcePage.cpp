@@ -1,0 +1,71 @@
+#include "DataSourcePage.h"
+
+#include "DataSourceLogon.h"
+#include "Platform/Secret.h"
+#include "Platform/Ui/ListView.h"
+#include "Platform/Ui/WaitCursor.h"
+#include "QELWizard.h"
+#include "Resources/StringTable.h"
+
+#include <QGroupBox>
+#include <QVBoxLayout>
+
+DataSourcePage::DataSourcePage() :
+    QELPage(IDD_DATA_SOURCE, "Typeforge - Select data source", IDS_DATASOURCE_TITLE, IDS_DATASOURCE_SUBTITLE)
+{}
+
+void DataSourcePage::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    dataSourceList =
+        withId(IDC_DATA_SOURCES, new ListView({{loadText(IDS_COLUMN_NAME), 35}, {loadText(IDS_COLUMN_DESCRIPTION), 60}},
+                                              "Available data sources"));
+    connect(dataSourceList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
+    auto* group = new QGroupBox("Available &datasources");
+    group->setFocusProxy(dataSourceList); // the group's letter leads there
+    (new QVBoxLayout(group))->addWidget(dataSourceList);
+    (new QVBoxLayout(this))->addWidget(group);
+}
+
+void DataSourcePage::OnSetActive()
+{
+    sources.clear();
+    if (!listDataSources(sources))
+        stay(IDS_NO_SQL_ENVIRONMENT);
+    dataSourceList->setRows(static_cast<int>(sources.size()), [this](std::size_t row, int column) {
+        return column == 0 ? sources[row].name : sources[row].description;
+    });
+    if (selectedSource != -1)
+        dataSourceList->selectRow(selectedSource);
+}
+
+LRESULT DataSourcePage::OnWizardNext()
+{
+    const int row = dataSourceList->selectedRow();
+    if (row < 0)
+        return -1;
+    selectedSource = row;
+    wizard->database.reset(); // closed before the next one opens: a source may allow one connection only
+    wizard->database = std::make_unique<CDatabase>();
+    return open(dataSourceList->cell(row, 0));
+}
+
+LRESULT DataSourcePage::open(const CString& source)
+{
+    Secret logon;
+    for (;;) {
+        CString reason;
+        try {
+            const WaitCursor wait;
+            if (wizard->database->Open(source, CDatabase::readOnly, logon.text))
+                return IDD_DATABASE_TABLE;
+            return stay(IDS_SELECT_DATASOURCE);
+        } catch (const CDBException& error) {
+            if (!error.isLogonRefused())
+                throw;
+            reason = error.what();
+        }
+        if (!DataSourceLogon(this, source, reason).ask(logon.text))
+            return -1;
+    }
+}

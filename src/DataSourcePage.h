@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Platform/Odbc.h"
+#include "QELPage.h"
+
+class ListView;
+
+/// Chooses a data source and opens it as the wizard's database.
+class DataSourcePage : public QELPage
+{
+public:
+    DataSourcePage();
+
+    void OnInitDialog() override;
+    void OnSetActive() override;
+    LRESULT OnWizardNext() override;
+    LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
+
+private:
+    /// What to show after the attempt. Asks for user and password as often as they are refused.
+    LRESULT open(const CString& source);
+
+    ListView* dataSourceList = nullptr;
+    std::vector<DataSource> sources; // the rows of the list
+    int selectedSource = -1;         // the row when Next was last pressed
+};

@@ -1,0 +1,67 @@
+#include "DatabaseTablePage.h"
+
+#include "Platform/Tables.h"
+#include "Platform/Ui/ListView.h"
+#include "Platform/Ui/WaitCursor.h"
+#include "QELWizard.h"
+#include "Resources/StringTable.h"
+
+#include <QGroupBox>
+#include <QVBoxLayout>
+
+DatabaseTablePage::DatabaseTablePage() :
+    QELPage(IDD_DATABASE_TABLE, "Typeforge - Select table(s)", IDS_TABLE_TITLE, IDS_TABLE_SUBTITLE)
+{}
+
+void DatabaseTablePage::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    tableList = withId(IDC_TABLES, new ListView({{loadText(IDS_COLUMN_NAME), 35},
+                                                 {loadText(IDS_COLUMN_TYPE), 10},
+                                                 {loadText(IDS_COLUMN_QUALIFIER), 20},
+                                                 {loadText(IDS_COLUMN_OWNER), 15},
+                                                 {loadText(IDS_COLUMN_REMARKS), 20}},
+                                                "Available tables"));
+    tableList->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    connect(tableList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
+    auto* group = new QGroupBox("Available &tables");
+    group->setFocusProxy(tableList); // the group's letter leads there
+    (new QVBoxLayout(group))->addWidget(tableList);
+    (new QVBoxLayout(this))->addWidget(group);
+}
+
+void DatabaseTablePage::OnSetActive()
+{
+    tableList->setRows(0, {});
+    tables.clear();
+    listTables(); // may raise the database's error; the list is empty then
+    tableList->setRows(static_cast<int>(tables.size()),
+                       [this](std::size_t row, std::size_t column) { return tables[row][column]; });
+}
+
+void DatabaseTablePage::listTables()
+{
+    const WaitCursor wait;
+    CTables found(wizard->database.get());
+    if (!found.Open(nullptr, nullptr, nullptr, "'TABLE'", CRecordset::snapshot)) {
+        const PlainCursor plain;
+        stay(IDS_NO_DATABASE);
+        return;
+    }
+    for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
+        tables.push_back({found.tableName, found.tableType, found.tableQualifier, found.tableOwner, found.remarks});
+}
+
+LRESULT DatabaseTablePage::OnWizardNext()
+{
+    const std::vector<int> selected = tableList->selectedRows();
+    if (selected.empty())
+        return stay(IDS_SELECT_TABLE);
+    const WaitCursor wait;
+    CString names;
+    for (const int row : selected)
+        names += tableList->cell(row, 0) + '\n';
+    wizard->message->parseData(names, wizard->options.queryPath());
+    wizard->options.setEditBack(IDD_DATABASE_TABLE);
+    return IDD_EDIT;
+}

@@ -1,0 +1,153 @@
+#include "Platform/Ui/ListView.h"
+#include "support/Servers.h"
+#include "wizard/Desk.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::EndsWith;
+
+/// A user on the data source page, with the data sources of an ini file of the test's own.
+class DatabaseFlow : public testing::Test
+{
+protected:
+    void start(const CString& ini)
+    {
+        setenv("ODBCINI", desk.dir.write("odbc.ini", ini).c_str(), 1);
+        desk.click("next");
+        int odbc = 0;
+        while (CString(g_amud[odbc]->getName()) != "ODBC importer")
+            ++odbc;
+        list(IDC_IMPORTERS).selectRow(odbc);
+        Q_EMIT list(IDC_IMPORTERS).chosen();
+        desk.click("next");
+        ASSERT_EQ(desk.page(), IDD_DATA_SOURCE);
+    }
+    ListView& list(int id) { return desk.control<ListView>(id); }
+    CString rowsOf(int id)
+    {
+        CString text;
+        for (int row = 0; row < list(id).rowCount(); ++row, text += "\n")
+            for (int column = 0; column < list(id).model()->columnCount(); ++column)
+                text += (column > 0 ? "|" : "") + list(id).cell(row, column);
+        return text;
+    }
+    CString sqliteSource(const CString& name, const CString& statements)
+    {
+        const CString file = desk.dir.path(name + ".db");
+        CDatabase database;
+        database.Open("Driver=SQLite3;Database=" + file + ";", CDatabase::readWrite);
+        database.ExecuteSQL(statements);
+        return "[" + name + "]\nDriver=SQLite3\nDatabase=" + file + "\n";
+    }
+    void choose(int id, int row)
+    {
+        list(id).selectRow(row);
+        desk.click("next");
+    }
+    // Answers the logon dialogs that come up, one after the other; an empty user cancels.
+    void answerLogons(std::vector<std::pair<CString, CString>> answers)
+    {
+        QTimer::singleShot(0, &desk.wizard(), [this, answers]() mutable {
+            QWidget* dialog = QApplication::activeModalWidget();
+            ASSERT_TRUE(dialog != nullptr);
+            const auto [user, password] = answers.front();
+            answers.erase(answers.begin());
+            if (!answers.empty())
+                answerLogons(answers);
+            QTest::keyClicks(dialog->findChild<QLineEdit*>("1101"), user.c_str());
+            QTest::keyClicks(dialog->findChild<QLineEdit*>("1102"), password.c_str());
+            dialog->findChild<QDialogButtonBox*>()
+                ->button(user.empty() ? QDialogButtonBox::Cancel : QDialogButtonBox::Ok)
+                ->click();
+        });
+    }
+
+    Desk desk;
+};
+
+TEST_F(DatabaseFlow, LeadsFromTheDataSourceToTheTypes)
+{
+    start(sqliteSource("First", "CREATE TABLE a (x int); CREATE TABLE b (y text); CREATE VIEW v AS SELECT x FROM a") +
+          sqliteSource("Second", "CREATE TABLE other (z date)"));
+    EXPECT_EQ(rowsOf(IDC_DATA_SOURCES), "First|SQLite3\nSecond|SQLite3\n");
+    desk.click("next");
+    EXPECT_EQ(desk.page(), IDD_DATA_SOURCE) << "nothing is selected";
+    choose(IDC_DATA_SOURCES, 1);
+    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
+    EXPECT_EQ(rowsOf(IDC_TABLES), "other|TABLE|||\n");
+    desk.click("back");
+    EXPECT_EQ(list(IDC_DATA_SOURCES).selectedRow(), 1);
+    choose(IDC_DATA_SOURCES, 0);
+    EXPECT_EQ(rowsOf(IDC_TABLES), "a|TABLE|||\nb|TABLE|||\n");
+    desk.click("next");
+    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
+    EXPECT_THAT(desk.boxes.take(), ElementsAre("Please select a table before continuing"));
+    list(IDC_TABLES).selectAll();
+    desk.click("next");
+    EXPECT_EQ(desk.page(), IDD_EDIT);
+    CString document;
+    desk.wizard().message->getXML(document);
+    EXPECT_THAT(document, EndsWith("<ODBC>\n"
+                                   "<BROKERTYPEDESCRIPTION NAME=\"\\b\"><ROW><FIELD NAME=\"y\" TYPE=\"String\"/></ROW>"
+                                   "</BROKERTYPEDESCRIPTION>"
+                                   "<BROKERTYPEDESCRIPTION NAME=\"\\a\"><ROW><FIELD NAME=\"x\" TYPE=\"Number\"/></ROW>"
+                                   "</BROKERTYPEDESCRIPTION></ODBC>"));
+    desk.click("back");
+    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
+    EXPECT_EQ(list(IDC_TABLES).selectedRow(), -1);
+    desk.click("back");
+    desk.click("back");
+    EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
+}
+
+TEST_F(DatabaseFlow, AsksForTheLogonUntilItIsAccepted)
+{
+    const PostgresServer server;
+    start("[Orders]\nDriver=PostgreSQL Unicode\nServername=127.0.0.1\nDatabase=postgres\nPort=" +
+          std::to_string(server.port) + "\n");
+    answerLogons({{"", ""}});
+    choose(IDC_DATA_SOURCES, 0);
+    EXPECT_EQ(desk.page(), IDD_DATA_SOURCE) << "the user has cancelled";
+    answerLogons({{server.user, "wrong"}, {server.user, server.password}});
+    choose(IDC_DATA_SOURCES, 0);
+    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
+}
+
+TEST_F(DatabaseFlow, ShowsTheDriversWordsAndGoesOn)
+{
+    PostgresServer server;
+    start("[Broken]\nDriver=/no/such/driver.so\n" + sqliteSource("Good", "CREATE TABLE a (x int)") +
+          "[Server]\nDriver=PostgreSQL Unicode\nServername=127.0.0.1\nDatabase=postgres\nPort=" +
+          std::to_string(server.port) + "\n");
+    choose(IDC_DATA_SOURCES, 0);
+    EXPECT_EQ(desk.page(), IDD_DATA_SOURCE);
+    EXPECT_THAT(desk.boxes.take(), ElementsAre(EndsWith("'/no/such/driver.so' : file not found (SQLSTATE 01000)")));
+
+    CDatabase owner;
+    owner.Open(server.connection("postgres"), CDatabase::readWrite, server.logon());
+    owner.ExecuteSQL("CREATE TABLE t (x int)");
+    answerLogons({{server.user, server.password}});
+    choose(IDC_DATA_SOURCES, 2);
+    EXPECT_EQ(rowsOf(IDC_TABLES), "t|TABLE|postgres|public|\n");
+    server.stop();
+    choose(IDC_TABLES, 0);
+    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
+    EXPECT_EQ(desk.boxes.take().size(), 1U);
+    desk.click("back");
+    choose(IDC_DATA_SOURCES, 2);
+    EXPECT_EQ(desk.page(), IDD_DATA_SOURCE);
+    EXPECT_THAT(desk.boxes.take(), ElementsAre(EndsWith("(SQLSTATE 08001)")));
+    choose(IDC_DATA_SOURCES, 1);
+    choose(IDC_TABLES, 0);
+    EXPECT_EQ(desk.page(), IDD_EDIT);
+}
+
+} // namespace
