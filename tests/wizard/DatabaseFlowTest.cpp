@@ -95,8 +95,7 @@ TEST_F(DatabaseFlow, LeadsFromTheDataSourceToTheTypes)
     EXPECT_EQ(desk.page(), IDD_EDIT);
     CString document;
     desk.wizard().message->getXML(document);
-    EXPECT_THAT(document, EndsWith("<ODBC>\n"
-                                   "<BROKERTYPEDESCRIPTION NAME=\"\\b\"><ROW><FIELD NAME=\"y\" TYPE=\"String\"/></ROW>"
+    EXPECT_THAT(document, EndsWith("<BROKERTYPEDESCRIPTION NAME=\"\\b\"><ROW><FIELD NAME=\"y\" TYPE=\"String\"/></ROW>"
                                    "</BROKERTYPEDESCRIPTION>"
                                    "<BROKERTYPEDESCRIPTION NAME=\"\\a\"><ROW><FIELD NAME=\"x\" TYPE=\"Number\"/></ROW>"
                                    "</BROKERTYPEDESCRIPTION></ODBC>"));
