@@ -135,10 +135,10 @@ bool SchemaMessage::nextList(const SchemaOutline& outline, TypeWalk& walk)
 void SchemaMessage::processTag(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& field = outline[walk.field];
-    if (!field.name.empty()) {
-        const std::string_view name = field.repeats ? keep(CString(field.name) + "*") : field.name;
+    // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
+    const std::string_view name = field.repeats ? keep(CString(field.name) + "*") : field.name;
+    if (!name.empty())
         addSchemaElement(name, walk.recordName, walk.record, typeOf(outline, walk.field));
-    }
     walk.field = outline.getNextSibling(walk.field);
     walk.isEntered = false;
 }

@@ -83,6 +83,9 @@ const Declarations kDeclarations[] = {
      "Main{d:Time n:Number}"},
     {"LongPrefixIsSearchedFirst", mainType("<xs:element name='lost'/><xsd:element name='a'/><xs:element name='b'/>"),
      "Main{a:String b:String}"},
+    {"NamelessFieldIsReadOnlyWhenItRepeats",
+     mainType("<xsd:element id='x'/><xsd:element id='y' maxOccurs='2'/><xsd:element name='a'/>"),
+     "Main{t_:table :String a:String}"},
     {"BuiltInTypes",
      mainType("<xsd:element name='a' type='xsd:date'/><xsd:element name='b' type='xsd:dateTime'/>"
               "<xsd:element name='c' type='xsd:decimal'/><xsd:element name='d' type='xsd:int'/>"
