@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Ui/ListView.h"
 #include "Platform/Ui/WizardPage.h"
 #include "QELWizard.h"
 #include "Resources/DialogIds.h"
@@ -7,16 +8,18 @@
 #include "support/TempDir.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QTest>
 
 #include <memory>
 
-/// A user before a wizard: own settings, own folder, and the wizard's boxes recorded. The wizard starts on the first
-/// call of wizard(), so that a test can write settings before.
+/// A user before a wizard: own settings, own start folder, and the wizard's boxes recorded. The wizard starts on the
+/// first call of wizard(), so that a test can write settings before.
 class Desk
 {
 public:
-    Desk() : startFolder(std::filesystem::current_path())
+    Desk() : folderBefore(std::filesystem::current_path())
     {
         qputenv("XDG_CONFIG_HOME", dir.path("config").c_str());
         std::filesystem::create_directories(dir.path("start"));
@@ -25,8 +28,10 @@ public:
 
     ~Desk()
     {
-        running.reset();
-        std::filesystem::current_path(startFolder);
+        end();
+        std::filesystem::current_path(folderBefore);
+        for (const char* variable : {"TMP", "TEMP", "TYPEFORGE_VIEWER"})
+            qunsetenv(variable);
     }
 
     QELWizard& wizard()
@@ -41,8 +46,8 @@ public:
     /// Ends the wizard, if it runs; the next call of wizard() is a new run.
     void end() { running.reset(); }
 
-    /// The dialog id of the page that is shown.
-    int page() { return wizard().activePage()->queryDialogId(); }
+    /// The dialog id of the page that is shown; 0 when the wizard has closed.
+    int page() { return wizard().isVisible() ? wizard().activePage()->queryDialogId() : 0; }
 
     /// Clicks a button of the sheet: "back", "next", "finish", "cancel" or "help".
     void click(const char* button) { QTest::mouseClick(wizard().findChild<QAbstractButton*>(button), Qt::LeftButton); }
@@ -57,12 +62,47 @@ public:
         return *found;
     }
 
+    /// Selects an importer by its name, as by keyboard.
+    void choose(const CString& importer)
+    {
+        auto& list = control<ListView>(IDC_IMPORTERS);
+        int row = 0;
+        while (row < list.rowCount() - 1 && list.cell(row, 0) != importer)
+            ++row;
+        list.setCurrentIndex(list.model()->index(row, 0));
+    }
+
+    void type(int combo, const std::string& text)
+    {
+        control<QComboBox>(combo).setEditText(QString::fromStdString(text));
+    }
+
+    /// Walks from the first page to `target` on the file road, `source` being imported by `importer`.
+    void walkTo(int target)
+    {
+        while (page() != target) {
+            const int before = page();
+            if (before == IDD_SOURCE_TYPE)
+                choose(importer);
+            if (before == IDD_SOURCE)
+                type(IDC_INPUT_FILE, source);
+            if (before == IDD_OUTPUT_FILE)
+                type(IDC_OUTPUT_FILE, output);
+            click("next");
+            if (page() == before)
+                throw std::runtime_error("the wizard doesn't leave page " + std::to_string(before));
+        }
+    }
+
     std::string settingsFile() const { return dir.path("config/typeforge/settings.json"); }
 
     TempDir dir;
     Boxes boxes;
+    std::string importer = "DTD importer";
+    std::string source = dir.write("in/order.dtd", "<!ELEMENT order (line+)><!ELEMENT line (#PCDATA)>");
+    std::string output = dir.path("out.xml");
 
 private:
-    std::filesystem::path startFolder;
+    std::filesystem::path folderBefore;
     std::unique_ptr<QELWizard> running;
 };
