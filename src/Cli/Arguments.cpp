@@ -48,6 +48,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     app.add_flag("-l,--list", arguments.list, "List the types, a line each, instead of writing the message document");
     CLI::Option* type = app.add_option("--type", arguments.type, "Write the document of this one type instead");
     type->excludes("--list");
+    addCreateOptions(app, arguments.create);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& end) {

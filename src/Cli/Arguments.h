@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Cli/CreateTypes.h"
 #include "Platform/Text.h"
 
 #include <vector>
@@ -18,6 +19,7 @@ struct Arguments
     bool list = false;
     CString type; ///< the one type to write; only when hasType
     bool hasType = false;
+    CreateOptions create;
 };
 
 /// Reads the command line. When there is nothing to import (help, version, a mistake) everything that there is to say

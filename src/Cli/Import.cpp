@@ -92,5 +92,7 @@ int runImport(const Arguments& arguments)
     setMessageBoxHandler(before);
     if (!imported && boxes == 0)
         report("nothing was imported from " + arguments.source);
+    if (imported && !arguments.create.address.empty())
+        return createTypes(*message, arguments.create);
     return imported && writeResult(*message, arguments) ? 0 : 1;
 }

@@ -16,3 +16,7 @@ struct Secret
     Secret(const Secret&) = delete;
     Secret& operator=(const Secret&) = delete;
 };
+
+/// From here on the process leaves no core dump, whatever ends it, and only its own user's debugger with the right to
+/// trace anything can look into it.
+void keepOutOfCores();

@@ -48,24 +48,31 @@ void setUpLibrary()
     static_cast<void>(once);
 }
 
-// The bytes of a file, read in pieces that are larger than the ones libxml2 asks for.
-class FileReader
+// The bytes of a document: those of a file, read in pieces that are larger than the ones libxml2 asks for, or a text.
+class Source
 {
 public:
-    explicit FileReader(const CString& fileName) : descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC))
+    explicit Source(const CString& fileName)
+        : descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC)), buffer(new char[kSize])
     {
         if (descriptor < 0)
             error = errno;
+        else
+            fill(); // so that a file that can't be read is known before anything is parsed
     }
 
-    ~FileReader()
+    explicit Source(std::string_view document)
+        : descriptor(-1), bytes(document.data()), filled(document.size()), count(document.size())
+    {}
+
+    ~Source()
     {
         if (descriptor >= 0)
             ::close(descriptor);
     }
 
-    FileReader(const FileReader&) = delete;
-    FileReader& operator=(const FileReader&) = delete;
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
 
     // Like read(2), which is only called when nothing is left of the last piece.
     int read(char* out, int room)
@@ -73,7 +80,7 @@ public:
         if (at == filled && !fill())
             return error ? -1 : 0;
         const std::size_t size = std::min(static_cast<std::size_t>(room), filled - at);
-        std::memcpy(out, buffer.get() + at, size);
+        std::memcpy(out, bytes + at, size);
         at += size;
         return static_cast<int>(size);
     }
@@ -84,24 +91,20 @@ public:
     // How many bytes have been read.
     std::size_t queryCount() const { return count; }
 
-    // Reads the first piece, so that a file that can't be read is known before anything is parsed.
-    void start()
-    {
-        if (!error)
-            fill();
-    }
-
 private:
     static constexpr std::size_t kSize = 1 << 16;
 
     bool fill()
     {
+        if (!buffer)
+            return false;
         ssize_t got;
         do {
             got = ::read(descriptor, buffer.get(), kSize);
         } while (got < 0 && errno == EINTR);
         if (got < 0)
             error = errno;
+        bytes = buffer.get();
         at = 0;
         filled = got > 0 ? static_cast<std::size_t>(got) : 0;
         count += filled;
@@ -110,7 +113,8 @@ private:
 
     int descriptor;
     int error = 0;
-    std::unique_ptr<char[]> buffer{new char[kSize]};
+    std::unique_ptr<char[]> buffer; // null for a text
+    const char* bytes = nullptr;
     std::size_t at = 0;
     std::size_t filled = 0;
     std::size_t count = 0;
@@ -121,7 +125,7 @@ private:
 class Parse
 {
 public:
-    Parse(FileReader& source, XmlHandler& receiver) : file(source), handler(receiver) {}
+    Parse(Source& document, XmlHandler& receiver) : source(document), handler(receiver) {}
 
     std::optional<IXMLDOMParseError> run();
 
@@ -162,7 +166,7 @@ private:
     void fail(const char* reason);
     static void stop(void* context);
 
-    FileReader& file;
+    Source& source;
     XmlHandler& handler;
     std::unique_ptr<xmlParserCtxt, FreeContext> parser;
     std::optional<IXMLDOMParseError> first;
@@ -228,7 +232,7 @@ int Parse::onRead(void* run, char* out, int room)
     Parse& self = *static_cast<Parse*>(run);
     if (self.parser)
         self.checkBounds(self.parser->maxatts / kPointersPerAttribute / 2);
-    return self.first ? 0 : self.file.read(out, room);
+    return self.first ? 0 : self.source.read(out, room);
 }
 
 void Parse::onError(void* run, xmlErrorPtr error)
@@ -291,7 +295,7 @@ xmlEntityPtr Parse::counted(void* context, xmlEntityPtr entity)
 void Parse::expand(std::size_t bytes)
 {
     expanded += bytes;
-    if (expanded > kFreeExpansion && expanded / kMaxExpansionRatio > file.queryCount())
+    if (expanded > kFreeExpansion && expanded / kMaxExpansionRatio > source.queryCount())
         fail("The entities and default attributes of the document expand to far more than its size");
 }
 
@@ -393,12 +397,18 @@ XmlAttribute XmlAttributes::operator[](std::size_t index) const
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler)
 {
     setUpLibrary();
-    FileReader file(fileName);
-    file.start();
+    Source file(fileName);
     std::optional<IXMLDOMParseError> error;
     if (!file.queryError())
         error = Parse(file, handler).run();
     if (file.queryError())
         error = IXMLDOMParseError{std::generic_category().message(file.queryError()), 0, 0};
     return error;
+}
+
+std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler)
+{
+    setUpLibrary();
+    Source source(document);
+    return Parse(source, handler).run();
 }

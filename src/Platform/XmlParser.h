@@ -61,3 +61,6 @@ public:
 /// million bytes), so are nesting (256 levels in a document that declares entities, 200,000 else) and what one start
 /// tag may hold (10,000 attributes): what passes a bound is an error with its place.
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler);
+
+/// The same for a document that is in memory.
+std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler);

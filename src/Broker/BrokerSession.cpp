@@ -1,0 +1,62 @@
+#include "Broker/BrokerSession.h"
+
+#include "Resources/StringTable.h"
+
+namespace {
+
+// An object that an operation of `parent` handed out; it holds the parent's library.
+template <class Interface, class Parent>
+VornObject<Interface> own(Interface* object, const VornObject<Parent>& parent)
+{
+    return {object, VornRelease{parent.get_deleter().library}};
+}
+
+} // namespace
+
+CString BrokerSession::open(const CString& serverName, unsigned port, const BrokerAccount* account)
+{
+    server = createVornObject(kVornServerClass);
+    if (!server)
+        return loadText(IDS_NO_CLIENT);
+    const CString failure = logOn(formatText("%s:%u", serverName.c_str(), port), account);
+    return failure.empty() ? openRepository() : failure;
+}
+
+// An address that the client won't have counts as one where no broker is.
+CString BrokerSession::logOn(const CString& address, const BrokerAccount* account)
+{
+    VornResult result = server->PutAddress(address.c_str());
+    if (result != VornResult::done) {
+        describe(*server);
+        return loadText(IDS_NO_BROKER);
+    }
+    IVornConnection* opened = nullptr;
+    result = account ? server->LogonAsUser(account->user.c_str(), account->password.c_str(), "*", &opened)
+                     : server->Logon(&opened);
+    connection = own(opened, server);
+    if (result != VornResult::done) {
+        describe(*server);
+        return loadText(result == VornResult::clientError ? IDS_NO_BROKER : IDS_LOGIN_FAILED);
+    }
+    return connection ? "" : loadText(IDS_NO_CONNECTION);
+}
+
+CString BrokerSession::openRepository()
+{
+    IVornRepository* opened = nullptr;
+    const VornResult result = connection->GetRepository(&opened);
+    repository = own(opened, connection);
+    if (result == VornResult::clientError)
+        return fillText(loadText(IDS_REPOSITORY_ERROR), connection->queryDescription());
+    if (result != VornResult::done)
+        return loadText(IDS_GENERIC_ERROR);
+    return repository ? "" : loadText(IDS_NO_REPOSITORY);
+}
+
+unsigned BrokerSession::createType(const CString& document, bool overwrite)
+{
+    std::uint32_t code = 0;
+    if (repository->createType(document.c_str(), overwrite ? 1 : 0, &code) != VornResult::done)
+        throw ClientError(repository->queryDescription());
+    return code;
+}

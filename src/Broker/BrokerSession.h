@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Broker/VornObject.h"
+
+#include <stdexcept>
+
+/// What a client said of an operation that failed; what() is its description, "" where it gave none.
+class ClientError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A broker user, as far as one isn't logged on as the user that runs the program.
+struct BrokerAccount
+{
+    const CString& user;
+    const CString& password;
+};
+
+/// The client's objects for one creation run, released with it.
+class BrokerSession
+{
+public:
+    /// Creates the client, logs on (without an account: as the user that runs the program) and opens the repository.
+    /// Answers "", or the text for the error box.
+    CString open(const CString& server, unsigned port, const BrokerAccount* account);
+
+    /// The client's own words on why open() failed, for whom the text for the error box tells too little; may be empty.
+    const CString& queryDescription() const { return description; }
+
+    /// Creates one type and answers the client's result code. Raises ClientError.
+    unsigned createType(const CString& document, bool overwrite);
+
+private:
+    CString logOn(const CString& address, const BrokerAccount* account);
+    CString openRepository();
+    void describe(const IVornObject& object) { description = object.queryDescription(); }
+
+    VornObject<IVornIntegrationServer> server;
+    VornObject<IVornConnection> connection;
+    VornObject<IVornRepository> repository;
+    CString description;
+};

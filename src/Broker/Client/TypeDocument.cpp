@@ -1,0 +1,51 @@
+#include "Broker/Client/TypeDocument.h"
+
+#include "Platform/XmlParser.h"
+
+namespace {
+
+bool isCalled(XmlName name, std::string_view wanted)
+{
+    return !name.prefix && name.local == wanted;
+}
+
+// Takes the name from the root and counts the elements right below it.
+class TypeReader final : public XmlHandler
+{
+public:
+    void startElement(XmlName name, XmlAttributes attributes) override
+    {
+        if (depth == 0 && isCalled(name, "BROKERTYPEDESCRIPTION"))
+            readName(attributes);
+        contentElements += depth == 1;
+        ++depth;
+    }
+
+    void endElement() override { --depth; }
+    bool wantsText() const override { return false; }
+
+    bool isAcceptable() const { return !typeName.empty() && contentElements <= 1; }
+    const CString& queryName() const { return typeName; }
+
+private:
+    void readName(XmlAttributes attributes)
+    {
+        for (std::size_t i = 0; i < attributes.size(); ++i)
+            if (isCalled(attributes[i].name, "NAME"))
+                typeName = attributes[i].value;
+    }
+
+    CString typeName;
+    std::size_t depth = 0;
+    std::size_t contentElements = 0;
+};
+
+} // namespace
+
+std::optional<CString> queryTypeName(std::string_view document)
+{
+    TypeReader reader;
+    if (parseXmlText(document, reader) || !reader.isAcceptable())
+        return {};
+    return reader.queryName();
+}

@@ -1,0 +1,64 @@
+#include "Broker/Client/TypeStore.h"
+
+#include <utility>
+
+namespace {
+
+// The revision counts how often the type has been replaced: it is how one statement can tell created from replaced.
+// Both databases take the same SQL. It begins with WITH, since the SQLite driver doesn't hand out the rows of a
+// statement that begins with INSERT.
+constexpr char kCreateTable[] = "CREATE TABLE IF NOT EXISTS typeforge_types "
+                                "(name TEXT PRIMARY KEY, document TEXT NOT NULL, revision INTEGER NOT NULL)";
+constexpr char kInsert[] = "WITH type (name, document) AS (SELECT ?, ?) "
+                           "INSERT INTO typeforge_types (name, document, revision) "
+                           "SELECT name, document, 0 FROM type WHERE true "
+                           "ON CONFLICT (name) DO NOTHING RETURNING revision";
+constexpr char kUpsert[] = "WITH type (name, document) AS (SELECT ?, ?) "
+                           "INSERT INTO typeforge_types (name, document, revision) "
+                           "SELECT name, document, 0 FROM type WHERE true "
+                           "ON CONFLICT (name) DO UPDATE SET document = excluded.document, "
+                           "revision = typeforge_types.revision + 1 RETURNING revision";
+// Stores nothing, yet needs the table and every right that the others need.
+constexpr char kProbe[] = "INSERT INTO typeforge_types (name, document, revision) "
+                          "SELECT name, document, revision FROM typeforge_types WHERE false "
+                          "ON CONFLICT (name) DO UPDATE SET document = excluded.document";
+
+// Making the table comes second: it needs a right that whoever only adds types may lack, also where the table is
+// there. Where it fails because another has just made it, the second probe tells.
+void findOrMakeTable(CDatabase& database)
+{
+    try {
+        database.ExecuteSQL(kProbe);
+        return;
+    } catch (const CDBException&) {
+    }
+    try {
+        database.ExecuteSQL(kCreateTable);
+    } catch (const CDBException&) {
+        try {
+            database.ExecuteSQL(kProbe);
+            return;
+        } catch (const CDBException&) {
+        }
+        throw;
+    }
+    database.ExecuteSQL(kProbe);
+}
+
+} // namespace
+
+TypeStore::TypeStore(std::shared_ptr<CDatabase> open) : database(std::move(open))
+{
+    findOrMakeTable(*database);
+    insert = std::make_unique<CStatement>(*database, kInsert);
+    upsert = std::make_unique<CStatement>(*database, kUpsert);
+}
+
+TypeStore::Outcome TypeStore::store(const CString& name, const char* document, bool overwrite)
+{
+    CStatement& statement = overwrite ? *upsert : *insert;
+    statement.execute({name, document});
+    if (!statement.fetch())
+        return exists;
+    return statement.queryText(1) == "0" ? created : replaced;
+}

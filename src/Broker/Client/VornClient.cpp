@@ -1,0 +1,153 @@
+#include "Broker/Client/Address.h"
+#include "Broker/Client/TypeDocument.h"
+#include "Broker/Client/TypeStore.h"
+#include "Broker/IVorn.h"
+#include "Platform/Secret.h"
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+#include <optional>
+#include <utility>
+
+namespace {
+
+constexpr std::uint32_t kRefused = 99;
+
+// What all objects share. An exception ends here, as the description of a client error.
+template <class Interface>
+class ClientObject : public Interface
+{
+public:
+    virtual ~ClientObject() = default;
+
+    void Release() noexcept final { delete this; }
+    const char* queryDescription() const noexcept final { return description.c_str(); }
+
+protected:
+    template <class Operation>
+    VornResult attempt(Operation operation) noexcept
+    {
+        description.clear();
+        try {
+            return operation();
+        } catch (const std::exception& error) {
+            describe(error.what());
+            return VornResult::clientError;
+        }
+    }
+
+private:
+    void describe(const char* text) noexcept
+    {
+        try {
+            description = text;
+        } catch (const std::exception&) {
+            description.clear(); // no memory for it
+        }
+    }
+
+    CString description;
+};
+
+class Repository final : public ClientObject<IVornRepository>
+{
+public:
+    explicit Repository(std::shared_ptr<CDatabase> database) : store(std::move(database)) {}
+
+    VornResult createType(const char* document, std::int32_t overwrite, std::uint32_t* code) noexcept override
+    {
+        return attempt([&] {
+            const std::optional<CString> name = queryTypeName(document);
+            *code = name ? store.store(*name, document, overwrite != 0) : kRefused;
+            return VornResult::done;
+        });
+    }
+
+private:
+    TypeStore store;
+};
+
+class Connection final : public ClientObject<IVornConnection>
+{
+public:
+    explicit Connection(std::shared_ptr<CDatabase> open) : database(std::move(open)) {}
+
+    VornResult GetRepository(IVornRepository** repository) noexcept override
+    {
+        return attempt([&] {
+            *repository = new Repository(database);
+            return VornResult::done;
+        });
+    }
+
+private:
+    std::shared_ptr<CDatabase> database; // the repository's too, which may live longer
+};
+
+// Broker users have no letter case; PostgreSQL keeps them in lower case, unless they were created in quotes.
+CString databaseUser(CString user)
+{
+    std::transform(user.begin(), user.end(), user.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return user;
+}
+
+class Server final : public ClientObject<IVornIntegrationServer>
+{
+public:
+    VornResult PutAddress(const char* text) noexcept override
+    {
+        return attempt([&] {
+            address.emplace(text);
+            return VornResult::done;
+        });
+    }
+
+    VornResult LogonAsUser(const char* user, const char* password, const char* /* domain */,
+                           IVornConnection** connection) noexcept override
+    {
+        return attempt([&] {
+            Secret secret{password};
+            Secret logon{logonText(databaseUser(user), secret.text)};
+            return connect(logon.text, connection);
+        });
+    }
+
+    VornResult Logon(IVornConnection** connection) noexcept override
+    {
+        return attempt([&] { return connect(logonText(loginName(), {}), connection); });
+    }
+
+private:
+    VornResult connect(const CString& logon, IVornConnection** connection)
+    {
+        if (!address)
+            throw std::logic_error("There is no address to connect to");
+        auto database = std::make_shared<CDatabase>();
+        try {
+            if (!database->Open(address->connectString(), CDatabase::readWrite, address->isLocal() ? CString() : logon))
+                throw std::runtime_error("The ODBC driver manager is not available");
+        } catch (const CDBException& error) {
+            if (error.isLogonRefused())
+                return VornResult::failed;
+            throw;
+        }
+        *connection = new Connection(std::move(database));
+        return VornResult::done;
+    }
+
+    std::optional<Address> address;
+};
+
+} // namespace
+
+std::uint32_t vornInterfaceVersion() noexcept
+{
+    return kVornInterfaceVersion;
+}
+
+IVornIntegrationServer* vornCreateObject(const char* classId) noexcept
+{
+    return std::strcmp(classId, kVornServerClass) == 0 ? new (std::nothrow) Server : nullptr;
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Platform/Text.h"
+
+#include <functional>
+
+class BrokerSession;
+class Element;
+class MsgBase;
+
+/// The answers to the question whether an existing type is to be replaced, as the overwrite dialog numbers them.
+enum class OverwriteChoice : int
+{
+    yes = 0,
+    yesToAll = 1,
+    no = 2,
+    noToAll = 3
+};
+
+/// Creates the types of one import in a broker's repository, one after the other. A type that fails doesn't stop it.
+class CreationRun
+{
+public:
+    /// What the run wants of its surroundings. All three must be set.
+    struct Callbacks
+    {
+        std::function<OverwriteChoice(const CString& question)> ask; ///< a type exists
+        std::function<void(const CString& line)> addResult;          ///< a line for the list of results
+        std::function<void(int done)> setDone;                       ///< so many types are through
+    };
+
+    CreationRun(BrokerSession& session, Callbacks callbacks);
+
+    /// Creates every type of `message`, in enumeration order, and answers how many failed. To all holds for this run.
+    int run(MsgBase& message);
+
+private:
+    void create(Element& type);
+    unsigned createOrAsk(const Element& type);
+
+    BrokerSession& session;
+    const Callbacks callbacks;
+    CString document; // of the type in hand
+    int errorCount = 0;
+    bool yesToAll = false;
+    bool noToAll = false;
+};

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+
+// What a broker client is to the program: a shared library that exports the two functions below and hands out objects
+// of these interfaces. Only pointers, integers and zero-terminated UTF-8 texts cross the boundary, and no exception,
+// so that client and program may be built apart. A new or changed function needs a new kVornInterfaceVersion.
+
+/// The version of the interfaces in this header.
+constexpr std::uint32_t kVornInterfaceVersion = 1;
+
+/// The class identifier of the server object. Not inline: one object for all libraries would never let one go.
+constexpr char kVornServerClass[] = "{7B1F0C52-3D64-4E0B-9A57-6C2E81D4F3A9}";
+
+/// How an operation ended.
+enum class VornResult : std::int32_t
+{
+    done = 0,
+    clientError = 1, ///< the object's queryDescription() says why
+    failed = 2       ///< any other failure; of a logon: the user or the password was refused
+};
+
+/// What every object of a client has. An object belongs to whom it was handed to, and lives on when the one that it
+/// came from is released.
+class IVornObject
+{
+public:
+    /// Ends the object's life.
+    virtual void Release() noexcept = 0;
+
+    /// The description of the object's last client error, "" where there was none. Valid until the next operation.
+    virtual const char* queryDescription() const noexcept = 0;
+
+protected:
+    ~IVornObject() = default;
+};
+
+/// The type repository of a broker.
+class IVornRepository : public IVornObject
+{
+public:
+    /// Creates one type from its BROKERTYPEDESCRIPTION document; `overwrite` 1 replaces an existing type, 0 doesn't.
+    /// `code` becomes 0 created, 1 replaced, 2 exists and was not replaced, 99 refused.
+    virtual VornResult createType(const char* document, std::int32_t overwrite, std::uint32_t* code) noexcept = 0;
+
+protected:
+    ~IVornRepository() = default;
+};
+
+/// A logged-on user's connection.
+class IVornConnection : public IVornObject
+{
+public:
+    /// Opens the type repository.
+    virtual VornResult GetRepository(IVornRepository** repository) noexcept = 0;
+
+protected:
+    ~IVornConnection() = default;
+};
+
+/// The entrance: knows the broker's address and logs on there.
+class IVornIntegrationServer : public IVornObject
+{
+public:
+    /// `address` is "server:port".
+    virtual VornResult PutAddress(const char* address) noexcept = 0;
+
+    /// Logs on with a broker account; `domain` is "*", any domain that knows the user.
+    virtual VornResult LogonAsUser(const char* user, const char* password, const char* domain,
+                                   IVornConnection** connection) noexcept = 0;
+
+    /// Logs on as the user that runs the process.
+    virtual VornResult Logon(IVornConnection** connection) noexcept = 0;
+
+protected:
+    ~IVornIntegrationServer() = default;
+};
+
+extern "C" {
+/// The version of the interfaces that the library was built with; asked before anything else.
+[[gnu::visibility("default")]] std::uint32_t vornInterfaceVersion() noexcept;
+
+/// A new object of the class, null for a class that the library doesn't have.
+[[gnu::visibility("default")]] IVornIntegrationServer* vornCreateObject(const char* classId) noexcept;
+}

@@ -1,0 +1,58 @@
+#include "Broker/VornObject.h"
+
+#include "Platform/SettingsStore.h"
+
+#include <dlfcn.h>
+#include <filesystem>
+#include <system_error>
+
+namespace {
+
+constexpr char kShippedClient[] = "libvornclient.so";
+
+// By their full paths, since a bare name would be looked for in folders that others may write to.
+CString shippedLibrary()
+{
+    std::error_code failed;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed).parent_path();
+    const std::filesystem::path beside = program / kShippedClient;
+    if (std::filesystem::exists(beside, failed))
+        return beside;
+    return program / TYPEFORGE_CLIENT_FOLDER / kShippedClient;
+}
+
+CString libraryOf(const CString& classId)
+{
+    SettingsValue named;
+    if (SettingsStore().getValue("SOFTWARE\\Classes\\CLSID\\" + classId + "\\InprocServer32", "", named))
+        return named.bytes.c_str(); // the bytes end with a zero
+    return shippedLibrary();
+}
+
+std::shared_ptr<void> openLibrary(const CString& fileName)
+{
+    void* const handle = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle)
+        return {};
+    return {handle, [](void* opened) { dlclose(opened); }};
+}
+
+template <class Function>
+Function* findFunction(const std::shared_ptr<void>& library, const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(library.get(), name));
+}
+
+} // namespace
+
+VornObject<IVornIntegrationServer> createVornObject(const CString& classId)
+{
+    std::shared_ptr<void> library = openLibrary(libraryOf(classId));
+    if (!library)
+        return {};
+    const auto version = findFunction<decltype(vornInterfaceVersion)>(library, "vornInterfaceVersion");
+    const auto create = findFunction<decltype(vornCreateObject)>(library, "vornCreateObject");
+    if (!version || !create || version() != kVornInterfaceVersion)
+        return {};
+    return {create(classId.c_str()), VornRelease{std::move(library)}};
+}

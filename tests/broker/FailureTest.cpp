@@ -1,0 +1,158 @@
+#include "Repositories.h"
+#include "support/Boxes.h"
+
+#include <dlfcn.h>
+
+namespace {
+
+const CString kTestClient = TEST_BUILD_DIR "/libtestclient1.so";
+
+struct Failure
+{
+    const char* server; // of the test client: how it fails
+    const char* text;
+    const char* words; // the client's own
+} const kFailures[] = {
+    {"address-error", "Unable to establish a connection to Broker", "the client's words"},
+    {"logon-error", "Unable to establish a connection to Broker", "the client's words"},
+    {"logon-failure", "Login Failed - Please check your Username/Password.", "the client's words"},
+    {"no-connection", "Connection Failure.", ""},
+    {"repository-error", "Repository Error (the client's words)", ""},
+    {"repository-failure", "Generic Error.", ""},
+    {"no-repository", "Error - Repository not established.", ""},
+    {"none", "", ""},
+};
+
+using Client = Home;
+
+TEST_F(Client, FailsAsItsOwnMessage)
+{
+    useClient(kTestClient);
+    const CString user = "u", password = "p";
+    const BrokerAccount account{user, password};
+    for (const Failure& row : kFailures)
+        for (const BrokerAccount* as : {&account, static_cast<const BrokerAccount*>(nullptr)}) {
+            BrokerSession session;
+            EXPECT_EQ(row.text, session.open(row.server, 1, as)) << row.server;
+            EXPECT_EQ(row.words, session.queryDescription()) << row.server;
+        }
+}
+
+TEST_F(Client, IsLoadedOnlyWithTheRightInterfaces)
+{
+    constexpr char kNotAvailable[] = "The Broker COM client is not available or is of the wrong version";
+    for (const CString& library : {CString(TEST_BUILD_DIR "/libtestclient2.so"), home.path("none.so"),
+                                  home.write("text.so", "no library"), CString("libodbc.so.2")}) {
+        useClient(library);
+        EXPECT_EQ(kNotAvailable, BrokerSession().open("local", 1, nullptr)) << library;
+    }
+    useClient(kTestClient);
+    EXPECT_FALSE(createVornObject("{00000000-0000-0000-0000-000000000000}"));
+    EXPECT_TRUE(createVornObject(kVornServerClass));
+}
+
+TEST_F(Client, StaysLoadedAsLongAsAnObjectLives)
+{
+    const auto loaded = [] {
+        void* const library = dlopen(kTestClient.c_str(), RTLD_NOW | RTLD_NOLOAD);
+        return library && dlclose(library) == 0;
+    };
+    useClient(kTestClient);
+    VornObject<IVornIntegrationServer> server = createVornObject(kVornServerClass);
+    IVornConnection* opened = nullptr;
+    ASSERT_EQ(VornResult::done, server->Logon(&opened));
+    VornObject<IVornConnection> connection(opened, server.get_deleter());
+    server = {};
+    EXPECT_TRUE(loaded());
+    connection = {};
+    EXPECT_FALSE(loaded());
+}
+
+TEST_F(Client, EachResultOfACreationHasItsLine)
+{
+    useClient(kTestClient);
+    BrokerSession session;
+    ASSERT_EQ("", session.open("none", 1, nullptr));
+    Types types(dtdOf(5));
+    const Creation run(session, types.message);
+    EXPECT_EQ((Lines{"e0 created successfully", "e1 modifed", "e2 - creation error", "", "e4 - creation error",
+                     "the client's words", "root created successfully"}),
+              run.lines);
+    EXPECT_EQ(2, run.errors);
+    EXPECT_EQ(6, run.steps);
+}
+
+// The client that ships, against a server of its own.
+class Postgres : public Home
+{
+protected:
+    void execute(const CString& sql, const CString& database = "typeforge")
+    {
+        CDatabase connection;
+        connection.Open(server.connection(database), CDatabase::readWrite, server.logon());
+        connection.ExecuteSQL(sql);
+    }
+
+    CString open(BrokerSession& session, const CString& user, const CString& password)
+    {
+        const BrokerAccount account{user, password};
+        return session.open("127.0.0.1", static_cast<unsigned>(server.port), &account);
+    }
+
+    PostgresServer server;
+};
+
+TEST_F(Postgres, FailsInItsOwnWords)
+{
+    constexpr char kNoConnection[] = "Unable to establish a connection to Broker";
+    constexpr char kLoginFailed[] = "Login Failed - Please check your Username/Password.";
+    BrokerSession session;
+    EXPECT_EQ(kNoConnection, open(session, server.user, server.password));
+    EXPECT_NE(CString::npos, session.queryDescription().find("database \"typeforge\" does not exist"));
+
+    execute("CREATE DATABASE typeforge", "postgres");
+    execute("CREATE ROLE guest LOGIN PASSWORD 'guest'");
+    EXPECT_EQ(kLoginFailed, open(session, server.user, "wrong"));
+    EXPECT_EQ(kLoginFailed, open(session, "nobody", server.password));
+    EXPECT_EQ(kLoginFailed, session.open("127.0.0.1", static_cast<unsigned>(server.port), nullptr));
+    EXPECT_EQ(kNoConnection, session.open("127.0.0.1", static_cast<unsigned>(freePort()), nullptr));
+    EXPECT_EQ(kNoConnection, session.open("127.0.0.1;Database=postgres", 1, nullptr));
+
+    const CString denied = "Repository Error (ERROR: permission denied for ";
+    EXPECT_EQ(denied + "schema public", open(session, "GUEST", "guest").substr(0, denied.size() + 13));
+    EXPECT_EQ("", open(session, server.user, server.password)); // makes the table
+    EXPECT_EQ(denied, open(session, "guest", "guest").substr(0, denied.size()));
+    execute("GRANT SELECT, INSERT, UPDATE ON typeforge_types TO guest");
+    EXPECT_EQ("", open(session, "guest", "guest"));
+}
+
+TEST_F(Postgres, GoneInTheMiddleLeavesWholeTypesAndSaysWhy)
+{
+    execute("CREATE DATABASE typeforge", "postgres");
+    BrokerSession session;
+    ASSERT_EQ("", open(session, server.user, server.password));
+    Types types(dtdOf(5));
+    const Creation cut(session, types.message, {}, [&](int done) {
+        if (done == 2)
+            execute("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname = 'typeforge' "
+                    "AND pid <> pg_backend_pid()");
+    });
+    ASSERT_EQ(10u, cut.lines.size()); // two of each type that failed
+    EXPECT_EQ("e1 created successfully", cut.lines[1]);
+    EXPECT_EQ("e2 - creation error", cut.lines[2]);
+    EXPECT_NE(CString::npos, cut.lines[3].find("terminating connection")) << cut.lines[3];
+    EXPECT_EQ(4, cut.errors);
+    EXPECT_EQ(2u, rowsOf(server.connection("typeforge"), server.logon()).size());
+
+    ASSERT_EQ("", open(session, server.user, server.password));
+    const Creation killed(session, types.message, {OverwriteChoice::noToAll}, [&](int done) {
+        if (done == 3)
+            server.stop();
+    });
+    EXPECT_EQ((Lines{"e0 skipped", "e1 skipped", "e2 created successfully", "e3 - creation error"}),
+              Lines(killed.lines.begin(), killed.lines.begin() + 4));
+    EXPECT_NE("", killed.lines[4]);
+    EXPECT_EQ(3, killed.errors);
+}
+
+} // namespace

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "Broker/BrokerSession.h"
+#include "Broker/CreationRun.h"
+#include "Formats/DTDMsg.h"
+#include "Platform/SettingsStore.h"
+#include "support/Servers.h"
+
+#include <gtest/gtest.h>
+
+using Lines = std::vector<CString>;
+
+/// A home of the test's own: folders for settings and data, where nothing else has written.
+class Home : public testing::Test
+{
+protected:
+    Home()
+    {
+        setenv("XDG_CONFIG_HOME", home.path("config").c_str(), 1);
+        setenv("XDG_DATA_HOME", home.path("data").c_str(), 1);
+    }
+
+    void useClient(const CString& library) const
+    {
+        SettingsStore settings;
+        settings.setText(CString("SOFTWARE\\Classes\\CLSID\\") + kVornServerClass + "\\InprocServer32", "", library);
+        ASSERT_TRUE(settings.save());
+    }
+
+    /// A DTD of `count` records, e0, e1, … in this order, and the document root over them.
+    CString dtdOf(int count, const CString& name = "types.dtd") const
+    {
+        CString records, fields;
+        for (int i = 0; i < count; ++i) {
+            const CString record = "e" + std::to_string(i);
+            records += "<!ELEMENT " + record + " (größe, b)>\n";
+            fields = record + (i ? ", " : "") + fields; // the last field is ordered first
+        }
+        return home.write(name, "<!ELEMENT root (" + fields + ")>\n" + records);
+    }
+
+    TempDir home;
+};
+
+/// The types of a DTD file, imported.
+class Types
+{
+public:
+    explicit Types(const CString& dtdFile) { EXPECT_TRUE(message.parseFile(dtdFile, "\\sys\\")); }
+
+    /// The full name and the document of each type, in the order of creation.
+    std::vector<std::pair<CString, CString>> all()
+    {
+        std::vector<std::pair<CString, CString>> types;
+        message.beginEnum();
+        while (Element* type = message.enumNext()) {
+            CString document;
+            type->asXML(document);
+            types.emplace_back(type->queryPath() + type->queryName(), document);
+        }
+        return types;
+    }
+
+    DTDMessage message;
+};
+
+/// One creation run with prepared answers, and all that it said.
+struct Creation
+{
+    Creation(BrokerSession& session, MsgBase& message, std::vector<OverwriteChoice> answers = {},
+        const std::function<void(int)>& onDone = {})
+    {
+        CreationRun run(session, {[&](const CString& question) {
+                                      questions.push_back(question);
+                                      return answers.at(questions.size() - 1);
+                                  },
+                                  [&](const CString& line) { lines.push_back(line); },
+                                  [&](int done) {
+                                      EXPECT_EQ(done, ++steps);
+                                      if (onDone)
+                                          onDone(done);
+                                  }});
+        errors = run.run(message);
+    }
+
+    Lines questions, lines;
+    int steps = 0;
+    int errors = 0;
+};
+
+/// The rows of a repository, in the order in which they came.
+inline std::vector<std::pair<CString, CString>> rowsOf(const CString& source, const CString& logon = {})
+{
+    CDatabase database;
+    EXPECT_TRUE(database.Open(source, CDatabase::readOnly, logon));
+    const bool local = source.find("SQLite") != CString::npos;
+    CStatement select(database, CString("SELECT name, document FROM typeforge_types ORDER BY ") +
+                                    (local ? "rowid" : "xmin::text::bigint"));
+    select.execute();
+    std::vector<std::pair<CString, CString>> rows;
+    while (select.fetch()) {
+        CString name = select.queryText(1);
+        rows.emplace_back(std::move(name), select.queryText(2));
+    }
+    return rows;
+}

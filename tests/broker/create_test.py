@@ -1,0 +1,138 @@
+"""Creating types from the command line: what a killed run leaves, where a password doesn't go, what is asked."""
+import os
+import pty
+import resource
+import shutil
+import signal
+import socket
+import sqlite3
+import subprocess
+import tempfile
+import unittest
+
+IMPORT = os.environ["TYPEFORGE_BUILD"] + "/typeforge-import"
+KILLS = int(os.environ.get("TYPEFORGE_KILLS", "20"))
+
+
+class Create(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+        self.environment = dict(os.environ, XDG_CONFIG_HOME=self.folder, XDG_DATA_HOME=self.folder)
+        self.write("pair.dtd", "<!ELEMENT r (a)><!ELEMENT a (b)>")
+
+    def write(self, name, text):
+        with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
+            file.write(text)
+
+    def start(self, *arguments, **how):
+        return subprocess.Popen([IMPORT, "dtd", *arguments], cwd=self.folder, env=self.environment, text=True,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, stdin=subprocess.PIPE, **how)
+
+    def run_import(self, *arguments, answers=""):
+        started = self.start(*arguments)
+        out, err = started.communicate(answers)
+        return started.returncode, out, err
+
+    def rows(self):
+        with sqlite3.connect(self.folder + "/typeforge/types.db") as database:
+            self.assertEqual([("ok",)], list(database.execute("PRAGMA integrity_check")))
+            return [row[0] for row in database.execute("SELECT document FROM typeforge_types ORDER BY rowid")]
+
+    def test_a_killed_run_leaves_whole_types_up_to_where_it_came(self):
+        count = 1000
+        self.write("many.dtd", "<!ELEMENT r (%s)>" % ",".join("e%d" % i for i in range(count)) +
+                   "".join("<!ELEMENT e%d (x,y,z)>" % i for i in range(count)))
+        documents = self.run_import("many.dtd")[1]
+        for kill in range(KILLS):
+            lines = 500 * kill // KILLS  # that have been read before; the pipe and its reader hold less than the rest
+            shutil.rmtree(self.folder + "/typeforge", ignore_errors=True)
+            with self.subTest(lines=lines), self.start("many.dtd", "--create", "local", pipesize=4096) as running:
+                for _ in range(lines):
+                    running.stdout.readline()
+                running.kill()
+                running.communicate()
+                self.assertEqual(-signal.SIGKILL, running.returncode)
+                if lines:
+                    kept = self.rows()
+                    self.assertGreaterEqual(len(kept), lines)
+                    self.assertIn("<r>\n" + "".join(kept), documents)
+
+    def test_a_password_is_in_no_command_line_environment_or_core(self):
+        self.write("password", "never seen\n")
+        with socket.create_server(("127.0.0.1", 0)) as silent:
+            address = "127.0.0.1:%d" % silent.getsockname()[1]
+            with self.start("pair.dtd", "--create", address, "--user", "u", "--password-file", "password",
+                            preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_CORE, (resource.RLIM_INFINITY,) * 2)
+                            ) as waiting:
+                with silent.accept()[0]:
+                    for name in "cmdline", "environ":
+                        with open("/proc/%d/%s" % (waiting.pid, name), "rb") as file:
+                            self.assertNotIn(b"never seen", file.read())
+                    os.kill(waiting.pid, signal.SIGSEGV)
+                    status = os.waitpid(waiting.pid, 0)[1]
+                    self.assertTrue(os.WIFSIGNALED(status))
+                    self.assertFalse(os.WCOREDUMP(status))
+                    self.assertEqual(["pair.dtd", "password"], sorted(os.listdir(self.folder)))
+
+    def test_the_terminal_is_asked_for_a_password_and_shows_none(self):
+        for typed, end in [(b"never seen\n", "created"), (b"\x03", "")]:
+            child, terminal = pty.fork()
+            if child == 0:
+                os.chdir(self.folder)
+                os.execve(IMPORT, [IMPORT, "dtd", "pair.dtd", "--create", "local", "--user", "u"], self.environment)
+            screen = os.read(terminal, 100)
+            self.assertEqual(b"Password for u: ", screen)
+            os.write(terminal, typed)
+            try:
+                while piece := os.read(terminal, 1000):
+                    screen += piece
+            except OSError:  # what the terminal of a process that has ended answers
+                pass
+            self.assertNotIn(b"never", screen)
+            self.assertIn(end, screen.decode())
+            status = os.waitpid(child, 0)[1]
+            self.assertEqual(0 if end else signal.SIGINT, os.WTERMSIG(status) or os.WEXITSTATUS(status))
+
+    def test_existing_types_are_replaced_as_asked_for(self):
+        create = ["pair.dtd", "--create", "local", "--trusted"]
+        self.assertEqual((0, "a created successfully\nr created successfully\n", ""), self.run_import(*create))
+        question = "\\sys\\rosettanet\\r\\%s already exists.\nOverwrite? [y]es, yes to [a]ll, [n]o, no to all [x]: "
+        for arguments, answers, a, r, asked in [
+                (["--overwrite", "all"], "", "modifed", "modifed", ""),
+                (["--overwrite", "none"], "", "skipped", "skipped", ""),
+                ([], "", "skipped", "skipped", "ar"),
+                ([], "y\nn\n", "modifed", "skipped", "ar"),
+                ([], "a\n", "modifed", "modifed", "a"),
+                (["--overwrite", "ask"], "x\n", "skipped", "skipped", "a")]:
+            with self.subTest(arguments=arguments, answers=answers):
+                self.assertEqual((0, "a %s\nr %s\n" % (a, r), "".join(question % name for name in asked)),
+                                 self.run_import(*create, *arguments, answers=answers))
+
+    def test_mistakes_and_failures_have_their_status(self):
+        self.write("two", "")
+        for status, words, *arguments in [
+                (2, "not SERVER", "--create", "local:0"), (2, "not SERVER", "--create", "local:65536"),
+                (2, "not SERVER", "--create", ":1"), (2, "--create", "--trusted"), (2, "--create", "--overwrite", "all"),
+                (2, "--user", "--create", "local", "--password-file", "two"),
+                (2, "--trusted", "--create", "local", "--user", "u", "--trusted"),
+                (2, "--overwrite", "--create", "local", "--overwrite", "some"),
+                (2, "--output", "--create", "local", "-o", "out"),
+                (1, "Can't open file none, error = 2", "--create", "local", "--user", "u", "--password-file", "none"),
+                (1, "Unable to establish a connection to Broker\n", "--create", "127.0.0.1:1")]:
+            with self.subTest(arguments=arguments):
+                answer = self.run_import("pair.dtd", *arguments)
+                self.assertEqual((status, ""), answer[:2])
+                self.assertIn(words, answer[2])
+
+    def test_a_repository_that_cannot_be_written_says_why(self):
+        os.mkdir(self.folder + "/typeforge")
+        self.write("typeforge/types.db", "no database" * 100)
+        status, out, err = self.run_import("pair.dtd", "--create", "local")
+        self.assertEqual((1, ""), (status, out))
+        self.assertRegex(err, r"^typeforge-import: Repository Error \(.*not a database")
+
+
+if __name__ == "__main__":
+    unittest.main()
