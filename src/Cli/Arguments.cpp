@@ -11,10 +11,8 @@
 namespace {
 
 constexpr Importer kImporters[] = {
-    {"dtd", &DTDMessage::m_descr, false},
-    {"xml", &XMLDataMessage::m_descr, false},
-    {"xsd", &SchemaMessage::m_descr, false},
-    {"btd", &BrokerMessage::m_descr, false},
+    {"dtd", &DTDMessage::m_descr, false},    {"xml", &XMLDataMessage::m_descr, false},
+    {"xsd", &SchemaMessage::m_descr, false}, {"btd", &BrokerMessage::m_descr, false},
     {"odbc", &ODBCMessage::m_descr, true},
 };
 

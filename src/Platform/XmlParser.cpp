@@ -52,8 +52,8 @@ void setUpLibrary()
 class Source
 {
 public:
-    explicit Source(const CString& fileName)
-        : descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC)), buffer(new char[kSize])
+    explicit Source(const CString& fileName) :
+        descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC)), buffer(new char[kSize])
     {
         if (descriptor < 0)
             error = errno;
@@ -61,8 +61,8 @@ public:
             fill(); // so that a file that can't be read is known before anything is parsed
     }
 
-    explicit Source(std::string_view document)
-        : descriptor(-1), bytes(document.data()), filled(document.size()), count(document.size())
+    explicit Source(std::string_view document) :
+        descriptor(-1), bytes(document.data()), filled(document.size()), count(document.size())
     {}
 
     ~Source()

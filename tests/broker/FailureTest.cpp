@@ -42,7 +42,7 @@ TEST_F(Client, IsLoadedOnlyWithTheRightInterfaces)
 {
     constexpr char kNotAvailable[] = "The Broker COM client is not available or is of the wrong version";
     for (const CString& library : {CString(TEST_BUILD_DIR "/libtestclient2.so"), home.path("none.so"),
-                                  home.write("text.so", "no library"), CString("libodbc.so.2")}) {
+                                   home.write("text.so", "no library"), CString("libodbc.so.2")}) {
         useClient(library);
         EXPECT_EQ(kNotAvailable, BrokerSession().open("local", 1, nullptr)) << library;
     }

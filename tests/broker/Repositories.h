@@ -68,7 +68,7 @@ public:
 struct Creation
 {
     Creation(BrokerSession& session, MsgBase& message, std::vector<OverwriteChoice> answers = {},
-        const std::function<void(int)>& onDone = {})
+             const std::function<void(int)>& onDone = {})
     {
         CreationRun run(session, {[&](const CString& question) {
                                       questions.push_back(question);

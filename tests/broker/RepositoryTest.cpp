@@ -80,9 +80,11 @@ TEST_P(Repository, CodeTellsWhatBecameOfAType)
     for (const Row& row : table)
         EXPECT_EQ(row.code, session.createType(row.document, row.overwrite)) << row.document.substr(0, 100);
 
-    std::vector<std::pair<CString, CString>> kept = {{"\\a\\b", table[3].document}, {"\\a\\B", table[4].document},
+    std::vector<std::pair<CString, CString>> kept = {{"\\a\\b", table[3].document},
+                                                     {"\\a\\B", table[4].document},
                                                      {"\\a\\o'; DROP TABLE ?", table[5].document},
-                                                     {"\\a\\größe €", table[6].document}, {"\\a\\huge", table[7].document}};
+                                                     {"\\a\\größe €", table[6].document},
+                                                     {"\\a\\huge", table[7].document}};
     EXPECT_EQ(kept, rows());
 }
 

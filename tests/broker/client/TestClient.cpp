@@ -6,7 +6,8 @@
 
 namespace {
 
-template <class Interface> class TestObject : public Interface
+template <class Interface>
+class TestObject : public Interface
 {
 public:
     explicit TestObject(const char* behaviour) : mode(behaviour) {}
@@ -18,8 +19,8 @@ protected:
     bool is(const char* behaviour) const { return std::strcmp(mode, behaviour) == 0; }
 
     // Ends an operation as the mode says: "Xerror", "Xfailure", "Xnothing", else with an object of the next kind.
-    template <class Next, class Out> VornResult handOut(const char* error, const char* failure, const char* nothing,
-                                                        Out** out) const
+    template <class Next, class Out>
+    VornResult handOut(const char* error, const char* failure, const char* nothing, Out** out) const
     {
         *out = is(error) || is(failure) || is(nothing) ? nullptr : new Next(mode);
         return is(error) ? VornResult::clientError : is(failure) ? VornResult::failed : VornResult::done;
@@ -63,8 +64,9 @@ public:
 
     VornResult PutAddress(const char* address) noexcept override
     {
-        static constexpr const char* kModes[] = {"address-error", "logon-error", "logon-failure", "no-connection",
-                                                 "repository-error", "repository-failure", "no-repository"};
+        static constexpr const char* kModes[] = {"address-error", "logon-error",      "logon-failure",
+                                                 "no-connection", "repository-error", "repository-failure",
+                                                 "no-repository"};
         for (const char* const known : kModes)
             if (std::strncmp(address, known, std::strcspn(address, ":")) == 0)
                 mode = known;
