@@ -32,17 +32,19 @@ std::string_view view(const xmlChar* characters)
     return characters ? text(characters) : std::string_view();
 }
 
-// Every external entity, whether on disk or on the network, is refused. libxml2 has one loader for the whole process.
-xmlParserInputPtr refuseExternalEntity(const char*, const char*, xmlParserCtxtPtr)
+// Stands in for every external entity, whether on disk or on the network: nothing is opened, and it is empty. Were it
+// missing instead, libxml2 would forget that an entity which the document uses may be declared in there. There is one
+// loader for the whole process.
+xmlParserInputPtr emptyExternalEntity(const char*, const char*, xmlParserCtxtPtr context)
 {
-    return nullptr;
+    return xmlNewStringInputStream(context, BAD_CAST "");
 }
 
 void setUpLibrary()
 {
     static const bool once = [] {
         xmlInitParser();
-        xmlSetExternalEntityLoader(refuseExternalEntity);
+        xmlSetExternalEntityLoader(emptyExternalEntity);
         return true;
     }();
     static_cast<void>(once);
@@ -162,7 +164,7 @@ private:
     xmlEntityPtr counted(void* context, xmlEntityPtr entity);
     void expand(std::size_t bytes);
     void checkBounds(int attributes);
-    void liftTextLimits();
+    bool hasRest() const;
     void fail(const char* reason);
     static void stop(void* context);
 
@@ -173,7 +175,6 @@ private:
     std::exception_ptr thrown; // by the handler
     std::size_t depth = 0;
     std::size_t expanded = 0;
-    bool declaresEntities = false;
 };
 
 xmlSAXHandler Parse::callbacks(bool withText)
@@ -205,10 +206,10 @@ std::optional<IXMLDOMParseError> Parse::run()
     if (!parser)
         throw std::bad_alloc();
     parser->_private = this;
-    xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET);
+    // Without limits on the length of texts, values and names, until the document declares an entity.
+    xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_HUGE);
     // Without XML_PARSE_NOENT, which would ask the loader for external entities.
     parser->replaceEntities = 1;
-    xmlDictSetLimit(parser->dict, 0); // names are as many as the file has
 
     // Errors of the decoder know no context, so the handler is libxml2's own one for this thread, put back afterwards.
     const xmlStructuredErrorFunc before = xmlStructuredError;
@@ -219,9 +220,19 @@ std::optional<IXMLDOMParseError> Parse::run()
 
     if (thrown)
         std::rethrow_exception(thrown);
+    if (!first && hasRest())
+        fail("Extra content at the end of the document");
     if (!first && !parser->wellFormed)
         fail("The document is not well-formed");
     return first;
+}
+
+// True when the parser stopped before the end of the file: at a NUL byte, or at bytes that are not in the document's
+// encoding. libxml2 takes both for the end.
+bool Parse::hasRest() const
+{
+    const xmlParserInput& input = *parser->input;
+    return input.cur < input.end || (input.buf && input.buf->raw && xmlBufUse(input.buf->raw) > 0);
 }
 
 // Runs on every few thousand bytes, also in the middle of a start tag: libxml2 compares each attribute and namespace
@@ -261,10 +272,11 @@ void Parse::stop(void* context)
     xmlStopParser(current);
 }
 
+// libxml2's limits on lengths and depth guard against entities. A document that has none may hold a text of any length.
 void Parse::onEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicId,
                                 const xmlChar* systemId, xmlChar* content)
 {
-    of(context).declaresEntities = true;
+    static_cast<xmlParserCtxtPtr>(context)->options &= ~XML_PARSE_HUGE;
     xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
 }
 
@@ -309,14 +321,6 @@ void Parse::checkBounds(int attributes)
         fail("The elements are nested too deeply");
 }
 
-// libxml2's limits on the length of texts, values and names guard against entities. A document that has none may hold a
-// text of any length.
-void Parse::liftTextLimits()
-{
-    if (!declaresEntities)
-        parser->options |= XML_PARSE_HUGE;
-}
-
 // An exception must not pass through libxml2: it is kept, and thrown again when the parser has returned.
 template <class Call>
 void Parse::guarded(void* context, Call call)
@@ -336,8 +340,6 @@ void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* p
                            const xmlChar**, int attributes, int defaulted, const xmlChar** rows)
 {
     Parse& self = of(context);
-    if (self.depth == 0)
-        self.liftTextLimits();
     if (defaulted != 0) {
         std::size_t bytes = 0;
         for (int i = attributes - defaulted; i < attributes; ++i)

@@ -1,0 +1,151 @@
+#include "Formats/BrokerMsg.h"
+
+#include "Formats/DTDMsg.h"
+#include "Formats/XMLDataMsg.h"
+#include "support/Boxes.h"
+#include "support/TempDir.h"
+#include "support/Types.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+
+namespace {
+
+struct Document
+{
+    const char* name;
+    CString types; // as they stand in the root
+    const char* model;
+};
+
+void PrintTo(const Document& row, std::ostream* out)
+{
+    *out << row.types;
+}
+
+CString type(const CString& name, const CString& content)
+{
+    return "<T NAME='" + name + "'>" + content + "</T>";
+}
+
+const CString kLongName(300, 'n');
+
+const Document kDocuments[] = {
+    {"WorkedExample",
+     type("\\sys\\xml\\Order",
+          "<ROW><FIELD NAME='id' TYPE='Number'/><FIELD NAME='item' TYPE='\\sys\\xml\\t_item'/></ROW>") +
+         type("\\sys\\xml\\t_item", "<TABLE><COMPONENT TYPE='\\sys\\xml\\item'/></TABLE>"),
+     "t_item:t=\\sys\\xml\\item() Order:R(id:O=Number item:O=\\sys\\xml\\t_item)"},
+    {"Array", type("A", "<ARRAY SIZE='12'><COMPONENT TYPE='String'/></ARRAY>"), "A:A[12]()"},
+    {"Enumeration", type("E", "<ENUM><CONSTANT NAME='a'/><CONSTANT NAME='b'/></ENUM>"), "E:E(a:S b:S)"},
+    {"EnumerationsWithTheSameConstants",
+     type("E", "<ENUM><X NAME='a'/><X NAME='b'/></ENUM>") + type("F", "<ENUM><X NAME='a'/><X NAME='b'/></ENUM>"),
+     "F:E(a:S b:S) E:E(a:S b:S)"},
+    {"ConstantTwice", type("E", "<ENUM><X NAME='a'/><X NAME='a'/></ENUM>"), "E:E(a:S a:S)"},
+    {"LongConstants", type("E", "<ENUM><X NAME='" + kLongName + "'/><X NAME='b'/><X NAME='b'/></ENUM>"), nullptr},
+    {"AnyTagServes", type("R", "<ROW><X NAME='a' TYPE='String'/><Y NAME='b' TYPE='Time'/></ROW>"),
+     "R:R(a:O=String b:O=Time)"},
+    {"ContentTagsAreExact", type("R", "<row><X NAME='a'/></row><x:ENUM/><p/>"), "R:R()"},
+    {"LastContentDecides", type("R", "<ROW><X NAME='a' TYPE='String'/></ROW><ENUM><X NAME='b'/></ENUM>"),
+     "R:E(a:O=String b:S)"},
+    {"EmptyTable", type("T", "<TABLE/>"), "T:t()"},
+    {"TableTakesItsFirstChild", type("T", "<TABLE TYPE='x'><!--c--><C TYPE='String'/></TABLE>"), "T:t()"},
+    {"AttributesAreExact", type("R", "<ROW><X p:NAME='a' name='b' NAME='c' xmlns:p='u'/></ROW>"), "R:R(c:O)"},
+    {"FieldTwiceRepeats", type("R", "<ROW><X NAME='a' TYPE='String'/><X NAME='a' TYPE='String'/></ROW>"),
+     "t_a:t=String(a:O=String) R:R(t_a:t=String a:O=String)"},
+    {"SameNameInTwoFoldersRepeats", type("\\a\\R", "<ROW/>") + type("\\b\\R", "<ROW/>"), "R:R() t_R:t(R:R)"},
+    {"TypeWithoutContentEndsTheImport", type("R", "") + type("S", "<ROW/>"), "R:R()"},
+    {"BlankContentIsNone", type("R", " \n ") + type("S", "<ROW/>"), "R:R()"},
+    {"CommentEndsTheImport", type("R", "<ROW/>") + "<!--c-->" + type("S", "<ROW/>"), ":R() R:R()"},
+    {"InstructionEndsTheImport", "<?p i?>" + type("S", "<ROW/>"), ":R()"},
+    {"TextEndsTheImport", "text" + type("S", "<ROW/>"), ":R()"},
+};
+
+class BrokerDocument : public testing::TestWithParam<Document>
+{};
+
+TEST_P(BrokerDocument, GivesTypes)
+{
+    const TempDir folder;
+    BrokerMessage message;
+    EXPECT_EQ(
+        message.parseFile(folder.write("x.xml", "<p:Main xmlns:p='u'>\r\n" + GetParam().types + "</p:Main>"), "\\b\\"),
+        1);
+    EXPECT_EQ(message.queryMainTypeName(), "Main");
+    const CString model = GetParam().model ? GetParam().model : "E:E(" + kLongName + ":S b:S b:S)";
+    EXPECT_EQ(typesOf(message), model);
+}
+INSTANTIATE_TEST_SUITE_P(Rows, BrokerDocument, testing::ValuesIn(kDocuments),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(BrokerMessage, SplitsANameAtItsLastBackslash)
+{
+    const TempDir folder;
+    BrokerMessage message;
+    for (const auto& [full, path, name] :
+         {std::tuple("\\sys\\orders\\Order", "\\sys\\orders\\", "Order"), std::tuple("Order", "\\", "Order"),
+          std::tuple("\\Order", "\\", "\\Order"), std::tuple("a\\", "a\\", ""), std::tuple("", "\\", "")}) {
+        message.parseFile(folder.write("x.xml", "<m>" + type(full, "<ROW><X NAME='f'/></ROW>") + "</m>"), "\\b\\");
+        message.beginEnum();
+        const Element* element = message.enumNext();
+        ASSERT_TRUE(element);
+        EXPECT_EQ(element->queryPath(), path) << full;
+        EXPECT_EQ(element->queryName(), name) << full;
+        EXPECT_EQ((*element->queryChildren().begin())->queryPath(), path) << full;
+    }
+}
+
+TEST(BrokerMessage, FailsWithoutAWordOrWithTheParsers)
+{
+    const TempDir folder;
+    Boxes boxes;
+    BrokerMessage message;
+    EXPECT_EQ(message.parseFile(folder.write("x.xml", "<m> </m>"), "\\"), 0);
+    EXPECT_THAT(boxes.take(), testing::IsEmpty());
+    EXPECT_EQ(message.parseFile(folder.write("x.xml", "<m>" + type("R", "<ROW/>") + "\n</n>"), "\\"), 0);
+    EXPECT_THAT(boxes.take(), testing::ElementsAre("Error on line 2, column 5.\nError text is 'Opening and ending tag "
+                                                   "mismatch: m line 1 and n'."));
+    EXPECT_EQ(message.beginEnum(), 0);
+}
+
+std::multiset<CString> documentsOf(MsgBase& message)
+{
+    std::multiset<CString> documents;
+    message.beginEnum();
+    while (Element* element = message.enumNext()) {
+        CString text;
+        element->asXML(text);
+        documents.insert(text);
+    }
+    return documents;
+}
+
+// What was written reads back and gives the same documents under the same main element.
+TEST(BrokerMessage, RoundTripKeepsEveryDocument)
+{
+    const TempDir folder;
+    DTDMessage dtd;
+    dtd.parseFile(folder.write("x.dtd", "<!ELEMENT order (id, item+, item2*)><!ELEMENT item (#PCDATA | order)*>"
+                                        "<!ATTLIST item no CDATA #IMPLIED>"),
+                  "\\sys\\");
+    XMLDataMessage xml;
+    xml.parseFile(folder.write("x.xml", "<o a='1'><b/><b/><c.d><e \xC3\xB6='2'/><e/></c.d></o>"), "\\sys\\");
+    BrokerMessage btd;
+    btd.parseFile(
+        folder.write(
+            "b.xml",
+            "<m>" + type("a\\b\\A&lt;&quot;&#10;", "<ARRAY/>") + type("a\\B", "<ARRAY SIZE='7'/>") +
+                "<T NAME='a\\E' DESCRIPTION='e &amp; f'><ENUM><C NAME='x' DESCRIPTION='y'/><C/></ENUM></T></m>"),
+        "");
+    for (MsgBase* first : {static_cast<MsgBase*>(&dtd), static_cast<MsgBase*>(&xml), static_cast<MsgBase*>(&btd)}) {
+        CString text;
+        first->getXML(text);
+        BrokerMessage second;
+        EXPECT_EQ(second.parseFile(folder.write("y.xml", text), "\\other\\"), 1);
+        EXPECT_EQ(documentsOf(second), documentsOf(*first));
+        EXPECT_EQ(second.queryMainTypeName(), first->queryMainTypeName());
+    }
+}
+
+} // namespace

@@ -1,0 +1,237 @@
+#include "Platform/Dom.h"
+
+#include "support/TempDir.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+namespace {
+
+using namespace std::string_literals;
+
+template <class Row>
+auto named(const testing::TestParamInfo<Row>& row)
+{
+    return row.param.name;
+}
+
+// The document as XML text, or "LINE:COLUMN reason" of its error.
+std::string loaded(const std::string& bytes)
+{
+    const TempDir folder;
+    const IXMLDOMDocument document = IXMLDOMDocument::create();
+    if (document.load(folder.write("x.xml", bytes)))
+        return document.xml();
+    const IXMLDOMParseError& error = document.parseError();
+    return std::to_string(error.line) + ":" + std::to_string(error.linepos) + " " + error.reason;
+}
+
+std::string utf16(const std::string& ascii, bool bigEndian)
+{
+    std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char c : ascii)
+        bytes += bigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+    return bytes;
+}
+
+struct Load
+{
+    const char* name;
+    std::string bytes;
+    std::string document;
+};
+
+void PrintTo(const Load& row, std::ostream* out)
+{
+    *out << row.bytes;
+}
+
+const Load kLoads[] = {
+    // Encodings.
+    {"Utf8", "<a b='\xC3\xB6'>\xE2\x82\xAC</a>", "<a b=\"\xC3\xB6\">\xE2\x82\xAC</a>"},
+    {"Utf8WithMark", "\xEF\xBB\xBF<?xml version='1.0'?><a>\xC3\xB6</a>", "<a>\xC3\xB6</a>"},
+    {"Utf16Little", utf16("<a>x</a>", false), "<a>x</a>"},
+    {"Utf16Big", utf16("<?xml version='1.0' encoding='UTF-16'?><a>x</a>", true), "<a>x</a>"},
+    {"Latin1", "<?xml version='1.0' encoding='ISO-8859-1'?><\xF6>\x80</\xF6>", "<\xC3\xB6>\xC2\x80</\xC3\xB6>"},
+    {"Windows1252", "<?xml version='1.0' encoding='windows-1252'?><a>\x80\x96</a>", "<a>\xE2\x82\xAC\xE2\x80\x93</a>"},
+    // White space.
+    {"BlankTextIsDropped", "<a> <b>\n</b>\t<c/> x </a>", "<a><b/><c/> x </a>"},
+    {"BlankReferenceIsDropped", "<a>&#32;<b/></a>", "<a><b/></a>"},
+    {"SpaceIsPreserved", "<a xml:space='preserve'> <b/></a>", "<a xml:space=\"preserve\"> <b/></a>"},
+    {"PreservedFurtherIn", "<a xml:space='preserve'><b xml:space='default'> </b><c> </c></a>",
+     "<a xml:space=\"preserve\"><b xml:space=\"default\"/><c> </c></a>"},
+    {"PreservedUpToItsEnd", "<r><a xml:space='preserve'/> </r>", "<r><a xml:space=\"preserve\"/></r>"},
+    {"PreservedByDefault", "<!DOCTYPE a [<!ATTLIST a xml:space CDATA 'preserve'>]><a> </a>",
+     "<a xml:space=\"preserve\"> </a>"},
+    {"CdataStaysBlank", "<a>x<![CDATA[ ]]></a>", "<a>x<![CDATA[ ]]></a>"},
+    {"LineEndsAreOne", "<a>1\r\n2\r3</a>", "<a>1\n2\n3</a>"},
+    // Internal subset.
+    {"EntityWithElements", "<!DOCTYPE a [<!ENTITY e 'x<b c=\"1\"/>y'>]><a>1&e;2&e;</a>",
+     "<a>1x<b c=\"1\"/>y2x<b c=\"1\"/>y</a>"},
+    {"EntityInEntity", "<!DOCTYPE a [<!ENTITY e '<b/>'><!ENTITY f '&e;&e;'>]><a>&f;&f;</a>", "<a><b/><b/><b/><b/></a>"},
+    {"EntityInAttribute", "<!DOCTYPE a [<!ENTITY e 'x&#38;#38;y'>]><a b='&e;'/>", "<a b=\"x&amp;y\"/>"},
+    {"DefaultsComeLast",
+     "<!DOCTYPE a [<!ATTLIST a d CDATA 'def' c CDATA #FIXED 'fix' i CDATA #IMPLIED>]><a x='1' c='fix'/>",
+     "<a x=\"1\" c=\"fix\" d=\"def\"/>"},
+    {"NotesOfTheSubsetAreNoNodes", "<!DOCTYPE a [<!--c--><?p i?>]><!--d--><a/>", "<!--d--><a/>"},
+    {"UnreadSubsetMayDeclare", "<!DOCTYPE a SYSTEM 'none.dtd'><a b='&u;'>1&u;2</a>", "<a b=\"\">12</a>"},
+    // Names.
+    {"NamespaceDeclarationsAreNone", "<p:a xmlns:p='u' xmlns='v' p:b='1'/>", "<p:a p:b=\"1\"/>"},
+    {"UndeclaredPrefix", "<p:a q:b='1'/>", "<p:a q:b=\"1\"/>"},
+    // Writing.
+    {"ValuesAreEscaped", "<a b='&lt;&gt;&amp;&quot;&#9;&#10;&#13;'/>", "<a b=\"&lt;&gt;&amp;&quot;&#9;&#10;&#13;\"/>"},
+    {"TextIsEscaped", "<a>&lt;&gt;&amp;\"\t&#13;</a>", "<a>&lt;&gt;&amp;\"\t&#13;</a>"},
+    {"InstructionsAndComments", "<?i?><a><?t d ?><!-- c --></a>", "<?i?><a><?t d ?><!-- c --></a>"},
+    // The first error, with its place.
+    {"Mismatch", "<a>\n<b>\n</a>\n", "3:5 Opening and ending tag mismatch: b line 2 and a"},
+    {"TheCascadeIsLeftOut", "<a>\n\n  <b></c>\n<d e=1/></a>", "3:10 Opening and ending tag mismatch: b line 3 and c"},
+    {"UndeclaredPrefixIsNotTheFault", "<p:a>\n<&></p:a>", "2:2 StartTag: invalid element name"},
+    {"UnknownEntity", "<a>\n&e;</a>", "2:4 Entity 'e' not defined"},
+    {"FaultInsideAnEntity", "<!DOCTYPE a [<!ENTITY e '<b>'>]>\n<a>\n\n&e;</a>",
+     "4:4 Premature end of data in tag b line 1"},
+    {"Empty", "", "1:1 Document is empty"},
+    {"BytesOutOfEncoding", "<a>\n\xE9</a>",
+     "2:1 Input is not proper UTF-8, indicate encoding !\nBytes: 0xE9 0x3C 0x2F 0x61"},
+    {"BytesOutOfEncodingBehindTheRoot", "<?xml version='1.0' encoding='US-ASCII'?><a/>\n\xE9",
+     "2:1 Extra content at the end of the document"},
+    {"NulBehindTheRoot", "<a/>\n\0"s, "2:1 Extra content at the end of the document"},
+    {"NulInside", "<a>\0</a>"s, "1:4 Premature end of data in tag a line 1"},
+    {"BytesWindows1252Lacks", "<?xml version='1.0' encoding='windows-1252'?><a>\x81</a>",
+     "1:44 input conversion failed due to input error, bytes 0x81 0x3C 0x2F 0x61"},
+    {"UnknownEncoding", "<?xml version='1.0' encoding='none'?><a/>", "1:36 Unsupported encoding none"},
+};
+
+class DomLoad : public testing::TestWithParam<Load>
+{};
+
+TEST_P(DomLoad, GivesExactly)
+{
+    EXPECT_EQ(loaded(GetParam().bytes), GetParam().document);
+}
+INSTANTIATE_TEST_SUITE_P(Rows, DomLoad, testing::ValuesIn(kLoads), named<Load>);
+
+TEST(DomLoad, TellsTheSystemsReason)
+{
+    const TempDir folder;
+    const IXMLDOMDocument document = IXMLDOMDocument::create();
+    for (const auto& [path, reason] :
+         {std::pair(folder.path("none"), "No such file or directory"), std::pair(folder.path(), "Is a directory")}) {
+        EXPECT_FALSE(document.load(path));
+        EXPECT_EQ(document.parseError().reason, reason);
+        EXPECT_EQ(document.parseError().line + document.parseError().linepos, 0);
+    }
+}
+
+class DomWalk : public testing::Test
+{
+protected:
+    IXMLDOMElement load(const std::string& bytes)
+    {
+        EXPECT_TRUE(document.load(folder.write("x.xml", bytes))) << document.parseError().reason;
+        return document.documentElement();
+    }
+
+    static std::string namesOf(IXMLDOMNodeList list)
+    {
+        std::string names;
+        for (IXMLDOMNode node = list.nextNode(); node; node = list.nextNode())
+            names += std::string(node.nodeName()) + " ";
+        return names;
+    }
+
+    TempDir folder;
+    IXMLDOMDocument document = IXMLDOMDocument::create();
+};
+
+TEST_F(DomWalk, NodesAnswer)
+{
+    const IXMLDOMElement root = load("<p:a xmlns:p='u' p:x='1' x='2'>t<b/><!--c--><?i d?><![CDATA[e]]></p:a>");
+    EXPECT_EQ(root.tagName(), "p:a");
+    EXPECT_EQ(root.baseName(), "a");
+    EXPECT_EQ(root.nodeValue(), "");
+    EXPECT_EQ(namesOf(root.childNodes()), "#text b #comment i #cdata-section ");
+    const IXMLDOMNodeList children = root.childNodes();
+    EXPECT_EQ(children.length(), 5);
+    std::string values;
+    for (long i = 4; i >= 0; --i)
+        values += std::string(children.item(i).nodeValue()) + "|" + std::string(children.item(i).baseName()) + " ";
+    EXPECT_EQ(values, "e| d| c| |b t| ");
+    EXPECT_FALSE(children.item(5) || children.item(-1));
+    IXMLDOMNamedNodeMap attributes = root.attributes();
+    EXPECT_EQ(attributes.length(), 2);
+    EXPECT_EQ(attributes.getNamedItem("x").nodeValue(), "2");
+    EXPECT_EQ(attributes.getNamedItem("p:x").baseName(), "x");
+    EXPECT_FALSE(attributes.getNamedItem("xmlns:p") || attributes.item(2) || attributes.item(-1));
+    attributes.nextNode();
+    EXPECT_EQ(attributes.nextNode(), attributes.item(1));
+    EXPECT_FALSE(attributes.nextNode());
+    attributes.reset();
+    EXPECT_EQ(attributes.nextNode().nodeName(), "p:x");
+    EXPECT_FALSE(attributes.item(0).hasChildNodes() || attributes.item(0).nextSibling());
+}
+
+TEST_F(DomWalk, DescendantsComeInDocumentOrderAndStayInside)
+{
+    const IXMLDOMElement root = load("<r><a i='1'><a i='2'/><b><a i='3'/></b></a><c/><a i='4'/></r>");
+    const IXMLDOMElement first(root.firstChild());
+    const IXMLDOMNodeList all = root.getElementsByTagName("a");
+    std::string found;
+    for (long i = 0; i < all.length(); ++i)
+        found += all.item(i).attributes().getNamedItem("i").nodeValue();
+    EXPECT_EQ(found, "1234");
+    EXPECT_EQ(namesOf(first.getElementsByTagName("a")), "a a ");
+    EXPECT_EQ(namesOf(first.getElementsByTagName("c")), "");
+    EXPECT_EQ(all.item(0), first) << "and back again";
+}
+
+TEST_F(DomWalk, MovesNodesBetweenDocuments)
+{
+    const IXMLDOMElement to = load("<a><x/></a>");
+    {
+        const IXMLDOMDocument other = IXMLDOMDocument::create();
+        ASSERT_TRUE(other.load(folder.write("y.xml", "<b><c k='v'>t</c>u<d><e/></d></b>")));
+        IXMLDOMNodeList children = other.documentElement().childNodes();
+        for (IXMLDOMNode child = children.nextNode(); child; child = children.nextNode())
+            to.appendChild(child); // what nextNode() gave may go
+        EXPECT_EQ(other.xml(), "<b/>");
+    }
+    EXPECT_EQ(document.xml(), "<a><x/><c k=\"v\">t</c>u<d><e/></d></a>") << "lives on without its first document";
+    to.appendChild(to.firstChild());
+    EXPECT_EQ(namesOf(to.childNodes()), "c #text d x ");
+    EXPECT_EQ(to.childNodes().length(), 4);
+}
+
+TEST_F(DomWalk, BuildsADocument)
+{
+    EXPECT_EQ(document.xml(), "");
+    const IXMLDOMElement root = document.createElement("r");
+    EXPECT_FALSE(document.documentElement());
+    document.appendChild(root);
+    root.setAttribute("b", "1");
+    root.setAttribute("a", "caf\xE9 \x80 \x01");
+    root.setAttribute("b", "2");
+    root.appendChild(document.createElement("p:c"));
+    EXPECT_EQ(root.firstChild().baseName(), "c");
+    EXPECT_EQ(document.xml(), "<r b=\"2\" a=\"caf\xC3\xA9 \xE2\x82\xAC \xEF\xBF\xBD\"><p:c/></r>");
+    EXPECT_TRUE(document.load(folder.write("z.xml", "<z/>"))) << "replaces what was there";
+    EXPECT_EQ(document.xml(), "<z/>");
+}
+
+TEST_F(DomWalk, RefusesWhatWouldBreakTheTree)
+{
+    const IXMLDOMElement root = load("<a k='v'><b><c/></b>t</a>");
+    const IXMLDOMNode b = root.firstChild();
+    EXPECT_THROW(b.firstChild().appendChild(root), ComError);
+    EXPECT_THROW(b.appendChild(b), ComError);
+    EXPECT_THROW(b.appendChild(root.attributes().item(0)), ComError);
+    EXPECT_THROW(b.nextSibling().appendChild(document.createElement("x")), ComError) << "a text has no children";
+    EXPECT_THROW(document.appendChild(document.createElement("second")), ComError);
+    EXPECT_THROW(IXMLDOMNode().nodeName(), ComError);
+    EXPECT_THROW(b.appendChild(IXMLDOMNode()), ComError);
+    EXPECT_THROW(IXMLDOMDocument().load("x"), ComError);
+    EXPECT_FALSE(IXMLDOMElement(b.nextSibling()));
+    EXPECT_EQ(document.xml(), "<a k=\"v\"><b><c/></b>t</a>");
+}
+
+} // namespace

@@ -1,0 +1,166 @@
+#include "Formats/XMLDataMsg.h"
+
+#include "Resources/StringTable.h"
+#include "Utils/XMLDoc.h"
+#include "support/Boxes.h"
+#include "support/TempDir.h"
+#include "support/Types.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+
+namespace {
+
+struct Instance
+{
+    const char* name;
+    const char* document;
+    const char* types; // see typesOf()
+};
+
+void PrintTo(const Instance& row, std::ostream* out)
+{
+    *out << row.document;
+}
+
+const Instance kInstances[] = {
+    {"WorkedExample", "<order id='1'>\n <item>a</item>\n <item>b</item>\n <note/>\n</order>",
+     "t_item:t=String(item:S=String) order:R(order_id:S t_item:t=String note:S)"},
+    {"LeafRootIsNoType", "<a>text<!--c--><?p i?></a>", ""},
+    {"AttributesMakeARecord", "<a b='1'/>", "a:R(a_b:S)"},
+    {"FieldsAreTheUnionInOrder", "<r><a y='1'><b/></a><a x='2'><c/><b/></a></r>",
+     "a:R(a_y:S b:S a_x:S c:S) t_a:t(a:R) r:R(t_a:t)"},
+    {"OnceUnderEachParentIsNoTable", "<r><a><b/></a><c><b/></c></r>", "c:R(b:S) a:R(b:S) r:R(a:R c:R)"},
+    {"TwiceUnderOneIsEnough", "<r><a><b/></a><c><a><b/><b/></a></c></r>",
+     "t_b:t=String(b:S=String) a:R(t_b:t=String) c:R(a:R) r:R(a:R c:R)"},
+    {"TheSecondParentKeepsThePlainElement", "<r><a><b/><b/></a><c><b/><b/></c></r>",
+     "c:R(b:S=String) t_b:t=String(b:S=String) a:R(t_b:t=String) r:R(a:R c:R)"},
+    {"RepeatedAttributeIsNoTable", "<r><a x='1'/><a x='2'/></r>", "a:R(a_x:S) t_a:t(a:R) r:R(t_a:t)"},
+    {"PrefixesFallAway", "<p:r xmlns:p='u' xmlns:q='v'><p:a/><q:a q:b='1'/></p:r>", "a:R(a_b:S) t_a:t(a:R) r:R(t_a:t)"},
+    {"ElementNamedLikeAnAttributesField", "<r><a x='1'/><a_x/></r>", "a:R(a_x:S) r:R(a:R a_x:S)"},
+    // Attributes are keyed with the number of the node that their element stands in, so names can meet.
+    {"AttributeKeyTakesTheChilds", "<r b='1'><b/><b/></r>", "r:R(r_b:S b:S)"},
+    {"ChildKeyTakesTheAttributes", "<a><b/><a b='1'/></a>", "t_b:t=String(b:S=String) a:R(t_b:t=String a:R a_b:S)"},
+    {"DotsInNames", "<r><a.b/><a b.c='1'/></r>", "a:R(a_b.c:S) r:R(a.b:S a:R)"},
+    {"EntitiesAndDefaultsCount", "<!DOCTYPE r [<!ENTITY e '<a/><a/>'><!ATTLIST r d CDATA 'x'>]><r>&e;</r>",
+     "t_a:t=String(a:S=String) r:R(r_d:S t_a:t=String)"},
+    {"Latin1", "<?xml version='1.0' encoding='ISO-8859-1'?><r><\xF6/></r>", "r:R(\xC3\xB6:S)"},
+};
+
+class XMLDataInstance : public testing::TestWithParam<Instance>
+{};
+
+TEST_P(XMLDataInstance, GivesTypes)
+{
+    const TempDir folder;
+    XMLDataMessage message;
+    EXPECT_EQ(message.parseFile(folder.write("x.xml", GetParam().document), "\\b\\"), 1);
+    EXPECT_EQ(typesOf(message), GetParam().types);
+}
+INSTANTIATE_TEST_SUITE_P(Rows, XMLDataInstance, testing::ValuesIn(kInstances),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(XMLDataMessage, NamesMainTypeAndFolderAfterTheRootsTag)
+{
+    const TempDir folder;
+    const CString file = folder.write("x.xml", "<p:order><a/></p:order>");
+    XMLDataMessage message;
+    for (const auto& [basePath, expected] :
+         {std::pair("", "\\p:order\\"), std::pair("b", "b\\p:order\\"), std::pair("\\b\\", "\\b\\p:order\\")}) {
+        message.parseFile(file, basePath);
+        EXPECT_EQ(message.queryMainTypeName(), "p:order");
+        EXPECT_EQ(message.beginEnum(), 1);
+        const Element* order = message.enumNext();
+        EXPECT_EQ(order->queryPath(), expected);
+        EXPECT_EQ(order->queryDescription(), "order (Automatically created)");
+    }
+}
+
+TEST(XMLDataMessage, FaultAtTheLastByteLeavesNothing)
+{
+    const TempDir folder;
+    Boxes boxes;
+    XMLDataMessage message;
+    ASSERT_EQ(message.parseFile(folder.write("good.xml", "<a b='1'/>"), "\\"), 1);
+    EXPECT_EQ(message.parseFile(folder.write("bad.xml", "<a b='1'>\n<c/></a>\n<"), "\\"), 0);
+    EXPECT_THAT(boxes.take(),
+                testing::ElementsAre("Error on line 3, column 1.\nError text is 'Extra content at the end "
+                                     "of the document'."));
+    EXPECT_EQ(message.beginEnum(), 0);
+    EXPECT_EQ(message.parseFile(folder.path("none"), "\\"), 0);
+    EXPECT_THAT(boxes.take(),
+                testing::ElementsAre("Error on line 0, column 0.\nError text is 'No such file or directory'."));
+}
+
+// The walk as it is described, over the tree, with every usage declared.
+class LiteralWalk : public MsgBase
+{
+public:
+    LiteralWalk() : MsgBase(1) {}
+    int parse(const CString& source, const CString& basePath, const CString&) override
+    {
+        XmlDocument document;
+        document.setFile(source);
+        root = document.getElement().tagName();
+        unsigned counter = 0;
+        visit(document.getElement(), basePath + root + "\\", nullptr, counter, 0);
+        return 1;
+    }
+    int isFileMode() const override { return 1; }
+    CString queryMainTypeName() const override { return root; }
+    MsgUIDescriptor* queryDescriptor() const override { return &XMLDataMessage::m_descr; }
+
+private:
+    void visit(IXMLDOMNode node, const CString& path, Element* parent, unsigned& counter, unsigned parentSequence)
+    {
+        const unsigned sequence = counter++;
+        const CString name(node.baseName()), number = "." + std::to_string(parentSequence);
+        if (name.empty())
+            return;
+        const auto described = [](const CString& what) { return fillText(loadText(IDS_AUTOMATIC), what); };
+        Element* element = addElement((parent ? parent->queryName() : CString()) + "." + name + number, path, name,
+                                      described(name), Element::typeString, parent);
+        for (long i = 0; i < node.attributes().length(); ++i) {
+            const CString attribute(node.attributes().item(i).baseName());
+            addAttribute(name + "." + attribute + number, path, attribute, described(name + "_" + attribute),
+                         Element::typeString, element);
+        }
+        for (IXMLDOMNode child = node.firstChild(); child; child = child.nextSibling())
+            visit(child, path, element, counter, sequence);
+    }
+
+    CString root;
+};
+
+// Few names, so that they meet in every way: under themselves, as attributes, with dots and underscores.
+CString randomElement(std::mt19937& random, int depth)
+{
+    static const char* const kNames[] = {"a", "b", "a.b", "a_b", "t_a", "b.a", "t_b"};
+    const auto name = [&random] { return CString(kNames[random() % std::size(kNames)]); };
+    const CString tag = name();
+    CString text = "<" + tag;
+    if (random() % 2)
+        text += " " + name() + "='1'";
+    text += ">";
+    for (unsigned count = depth > 5 ? 0 : random() % 4; count > 0; --count)
+        text += random() % 5 == 0 ? "t" : randomElement(random, depth + 1);
+    return text + "</" + tag + ">";
+}
+
+TEST(XMLDataMessage, GivesWhatTheWholeWalkGives)
+{
+    const TempDir folder;
+    std::mt19937 random(1);
+    LiteralWalk walk;
+    XMLDataMessage message;
+    for (int i = 0; i < 500; ++i) {
+        const CString document = randomElement(random, 0);
+        const CString file = folder.write("x.xml", document);
+        walk.parseFile(file, "\\b\\");
+        message.parseFile(file, "\\b\\");
+        EXPECT_EQ(typesOf(message), typesOf(walk)) << document;
+    }
+}
+
+} // namespace

@@ -1,0 +1,208 @@
+// What an XML file must not be able to do: reach for other files or the network, or grow far beyond its own size.
+#include "Platform/Dom.h"
+#include "Platform/XmlParser.h"
+#include "support/TempDir.h"
+
+#include <gmock/gmock.h>
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <sys/inotify.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+using testing::HasSubstr;
+
+std::string times(std::size_t count, const std::string& text)
+{
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i)
+        all += text;
+    return all;
+}
+
+// Counts what it is given.
+struct Counter : XmlHandler
+{
+    std::size_t elements = 0, attributes = 0, texts = 0, ended = 0, deepest = 0;
+
+    void startElement(XmlName, XmlAttributes list) override
+    {
+        ++elements;
+        attributes += list.size();
+        deepest = std::max(deepest, elements - ended);
+    }
+    void endElement() override { ++ended; }
+    void text(std::string_view piece) override { texts += piece.size(); }
+    void cdata(std::string_view piece) override { texts += piece.size(); }
+};
+
+class XmlBounds : public testing::Test
+{
+protected:
+    // The error as "LINE reason", or "" for a document that was read whole.
+    std::string read(const std::string& bytes)
+    {
+        counter = {};
+        const auto error = parseXmlFile(folder.write("x.xml", bytes), counter);
+        return error ? std::to_string(error->line) + " " + error->reason : "";
+    }
+
+    TempDir folder;
+    Counter counter;
+};
+
+TEST_F(XmlBounds, NeitherFilesNorTheNetworkAreTouched)
+{
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), length), 0);
+    ASSERT_EQ(listen(listener, 8), 0);
+    ASSERT_EQ(getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length), 0);
+    const int watch = inotify_init1(IN_NONBLOCK);
+    const std::string secret = folder.write("secret", "<!ENTITY u 'secret'>");
+    ASSERT_GE(inotify_add_watch(watch, secret.c_str(), IN_OPEN | IN_ACCESS), 0);
+
+    for (const std::string& uri : {"http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/secret",
+                                   "ftp://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/secret",
+                                   "file://" + secret, secret, std::string("secret")}) {
+        for (const std::string& subset :
+             {"SYSTEM '" + uri + "'", "PUBLIC '-//x' '" + uri + "' [<!ENTITY v ''>]",
+              "[<!ENTITY % p SYSTEM '" + uri + "'> %p;]", "[<!ENTITY u SYSTEM '" + uri + "'>]"}) {
+            const std::string reference = subset.ends_with("v ''>]") ? "&v;" : "&u;";
+            read("<!DOCTYPE a " + subset + "><a xmlns:i='http://www.w3.org/2001/XInclude'><i:include href='" + uri +
+                 "'/>1" + reference + "2" + reference + "</a>");
+            EXPECT_EQ(counter.texts, 2U) << subset;
+        }
+    }
+    pollfd calls[] = {{listener, POLLIN, 0}, {watch, POLLIN, 0}};
+    EXPECT_EQ(poll(calls, 2, 0), 0) << "somebody called, or opened the file";
+    close(listener);
+    close(watch);
+}
+
+TEST_F(XmlBounds, ExternalEntityInAValueIsAnError)
+{
+    EXPECT_THAT(read("<!DOCTYPE a [<!ENTITY u SYSTEM 'secret'>]>\n<a b='&u;'/>"), HasSubstr("2 Attribute references"));
+}
+
+// A document of ten entities, each ten times the one before: ten thousand million bytes.
+std::string bomb(const std::string& innermost, const std::string& use)
+{
+    std::string subset = "<!DOCTYPE a [\n<!ENTITY e0 '" + innermost + "'>\n";
+    for (int i = 1; i <= 9; ++i)
+        subset += "<!ENTITY e" + std::to_string(i) + " '" + times(10, "&e" + std::to_string(i - 1) + ";") + "'>\n";
+    return subset + "]>\n" + use;
+}
+
+TEST_F(XmlBounds, ExpansionEndsEarlyWithItsPlace)
+{
+    const std::string plenty = times(50'000, "x");
+    const struct
+    {
+        const char* name;
+        std::string bytes;
+        std::string place;
+    } rows[] = {
+        {"laughs", bomb("laugh", "<a>&e9;</a>"), "13 "},
+        {"laughs with elements", bomb("<b/>", "<a>\n&e9;</a>"), "14 "},
+        {"laughs in a value", bomb("laugh", "<a\nb='&e9;'/>"), "14 "},
+        {"parameter entities",
+         "<!DOCTYPE a [\n<!ENTITY % p '<!ENTITY &#37; q \"x\">'>\n" + times(300'000, "%p;") + "]><a/>", "3 "},
+        {"one long entity, often", "<!DOCTYPE a [<!ENTITY e '" + plenty + "'>]>\n<a>" + times(20'000, "&e;") + "</a>",
+         "2 "},
+        {"the same in values",
+         "<!DOCTYPE a [<!ENTITY e '" + plenty + "'>]>\n<a>" + times(20'000, "<b c='&e;'/>") + "</a>", "2 "},
+        {"default values", "<!DOCTYPE a [<!ATTLIST b c CDATA '" + plenty + "'>]>\n<a>" + times(20'000, "<b/>") + "</a>",
+         "2 "},
+        {"itself", "<!DOCTYPE a [<!ENTITY e '&f;'><!ENTITY f '&e;'>]>\n<a>&e;</a>", "2 "},
+        {"a chain", "<!DOCTYPE a [<!ENTITY e '<b>&e;</b>'>]>\n<a>&e;</a>", "2 "},
+    };
+    for (const auto& row : rows) {
+        EXPECT_THAT(read(row.bytes), testing::StartsWith(row.place)) << row.name;
+        EXPECT_LT(counter.texts + counter.attributes * plenty.size(), 50'000'000U) << row.name;
+    }
+    EXPECT_EQ(read("<!DOCTYPE a [<!ENTITY e 'ten bytes.'>]><a>" + times(50'000, "&e;") + "</a>"), "")
+        << "what stays in proportion is no bomb";
+}
+
+TEST_F(XmlBounds, NestingIsReadUpToItsBound)
+{
+    EXPECT_EQ(read("<!DOCTYPE a [<!ENTITY e ''>]>" + times(256, "<a>") + times(256, "</a>")), "");
+    EXPECT_EQ(read(times(200'000, "<a>\n") + times(200'000, "</a>")), "");
+    EXPECT_EQ(counter.deepest, 200'000U);
+    EXPECT_EQ(read(times(1'000'000, "<a>\n")), "200001 The elements are nested too deeply");
+    EXPECT_EQ(counter.deepest, 200'000U);
+    EXPECT_EQ(read("<a>" + times(200'000, "<b c='") + "'/>"), "1 Unescaped '<' not allowed in attributes values");
+}
+
+TEST_F(XmlBounds, FloodsOfAttributesAndNamespacesAreCutOff)
+{
+    const auto flood = [](int count, const std::string& prefix) {
+        std::string bytes = "<a>\n<b";
+        for (int i = 0; i < count; ++i)
+            bytes += " " + prefix + std::to_string(i) + "='u'";
+        return bytes + "/></a>";
+    };
+    EXPECT_EQ(read(flood(10'000, "b")), "");
+    EXPECT_EQ(counter.attributes, 10'000U);
+    EXPECT_EQ(read(flood(10'001, "b")), "2 An element has too many attributes");
+    EXPECT_EQ(read(flood(1'000'000, "b")), "2 An element has too many attributes");
+    EXPECT_EQ(read(flood(4'000, "xmlns:b")), "");
+    EXPECT_EQ(read(flood(1'000'000, "xmlns:b")), "2 Too many namespaces are declared");
+    EXPECT_EQ(read(times(5'000, "<a xmlns:b='u'>\n")), "4097 Too many namespaces are declared");
+}
+
+TEST_F(XmlBounds, LongTextsArriveWhole)
+{
+    const std::string text = times(5'000'000, "0123456789");
+    EXPECT_EQ(read("<a>" + text + "</a>"), "");
+    EXPECT_EQ(counter.texts, text.size());
+    EXPECT_EQ(read("<a><![CDATA[" + text + "]]></a>"), "");
+    EXPECT_EQ(counter.texts, text.size());
+    EXPECT_EQ(read("<a b='" + text + "'><!--" + text + "--></a>"), "");
+    const std::string name(1'000'000, 'n');
+    EXPECT_EQ(read("<" + name + " " + name + "='1'/>"), "");
+    EXPECT_THAT(read("<!DOCTYPE a [<!ENTITY e ''>]><" + name + "/>"), HasSubstr("1 Name")) << "not beside entities";
+    const IXMLDOMDocument document = IXMLDOMDocument::create();
+    ASSERT_TRUE(document.load(folder.write("x.xml", "<a>" + text + "</a>")));
+    EXPECT_EQ(document.documentElement().firstChild().nodeValue(), text);
+}
+
+TEST_F(XmlBounds, DepthOfATreeCostsNoStack)
+{
+    const std::string deep = times(100'000, "<a>") + "x" + times(100'000, "</a>");
+    const IXMLDOMDocument document = IXMLDOMDocument::create();
+    ASSERT_TRUE(document.load(folder.write("x.xml", deep)));
+    EXPECT_EQ(document.documentElement().getElementsByTagName("a").length(), 99'999);
+    EXPECT_EQ(document.xml(), deep);
+}
+
+TEST_F(XmlBounds, CutAnywhereItIsAnErrorWithItsPlace)
+{
+    const std::string whole = "<?xml version='1.0'?>\n<!DOCTYPE a [<!ENTITY e '<b/>'><!ATTLIST a c CDATA 'd'>]>\n"
+                              "<a x='1'>t&e;&#65;<!-- c --><?p i?><![CDATA[d]]><p:q xmlns:p='u'/>\xC3\xB6</a>";
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_NE(read(whole.substr(0, size)), "") << size;
+        EXPECT_LE(counter.ended, counter.elements) << size;
+    }
+    EXPECT_EQ(read(whole), "");
+}
+
+// The parser is C: an exception must not run through it, nor be lost.
+TEST_F(XmlBounds, ExceptionOfTheHandlerComesBack)
+{
+    struct Thrower : Counter
+    {
+        void comment(std::string_view) override { throw std::length_error("too much"); }
+    } thrower;
+    EXPECT_THROW(parseXmlFile(folder.write("x.xml", "<a><!----><b/></a>"), thrower), std::length_error);
+    EXPECT_EQ(thrower.elements, 1U);
+}
+
+} // namespace
