@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <set>
 
 namespace {
 
@@ -90,6 +92,7 @@ const Case kCases[] = {
      "echo '<!ELEMENT r (a)><!ATTLIST r b CDATA #REQUIRED>' | $import dtd /dev/stdin --list",
      {0, "\\sys\\rosettanet\\r\\r\tr (Automatically created)\n",
       says("Can not parse DTD statement:\n r b CDATA #REQUIRED>")}},
+    {"NothingInIt", "echo '<r/>' >e.xml; $import btd e.xml", {1, "", says("nothing was imported from e.xml")}},
     {"MissingFile", "$import dtd none.dtd", {1, "", says("Can't open file none.dtd, error = 2")}},
     {"FolderAsSource", "$import dtd .", {1, "", says("Can't open file ., error = 5")}},
     {"OutputInNoFolder", "$import dtd r.dtd -o none/x", {1, "", says("Can't open file none/x, error = 2")}},
@@ -166,6 +169,32 @@ TEST_F(ImportCommand, DoesNotReplaceAReadOnlyFile)
     EXPECT_EQ(run(somebody + "./import dtd r.dtd -o old"), refused);
     EXPECT_EQ(TempDir::read(folder.path("old")), "old");
     EXPECT_EQ(names(), "import old r.dtd ");
+}
+
+// The header and the types of a message document, these in the order of the alphabet.
+std::vector<std::string> partsOf(const std::string& document)
+{
+    std::vector<std::string> parts;
+    for (std::size_t at = 0; at < document.size();) {
+        const std::size_t end = std::min(document.find("<BROKER", at + 1), document.rfind("</"));
+        parts.push_back(document.substr(at, at < end ? end - at : std::string::npos));
+        at += parts.back().size();
+    }
+    std::sort(parts.begin() + 1, parts.end() - 1);
+    return parts;
+}
+
+TEST_F(ImportCommand, DocumentReadsBackAsTheSameTypes)
+{
+    for (const std::string importer : {"dtd", "xsd", "xml"}) {
+        const std::string source = TEST_SOURCE_DIR "/examples/order." + importer;
+        const Answer first = run("SOURCE_DATE_EPOCH=0 $import " + importer + " '" + source + "'");
+        folder.write("message.xml", first.out);
+        const Answer again = run("SOURCE_DATE_EPOCH=0 $import btd message.xml");
+        EXPECT_EQ(again.status, 0);
+        EXPECT_GT(partsOf(again.out).size(), 5U);
+        EXPECT_EQ(partsOf(again.out), partsOf(first.out));
+    }
 }
 
 TEST_F(ImportCommand, ReplacesWhatALinkNamesAndKeepsItsPermissions)
