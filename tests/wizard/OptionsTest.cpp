@@ -218,6 +218,8 @@ TEST(RecentList, KeepsFifteenNewestFirstEachOnce)
 TEST_F(Settings, AreOldOrNewWheneverTheProcessIsKilled)
 {
     std::minstd_rand random(20);
+    int stored[2]; // a pipe on which the process says that it has stored something
+    ASSERT_EQ(::pipe(stored), 0);
     for (int round = 0; round < 50; ++round) {
         const pid_t child = ::fork();
         if (child == 0) {
@@ -227,7 +229,13 @@ TEST_F(Settings, AreOldOrNewWheneverTheProcessIsKilled)
                 options.setLastOutputSel(i);
                 options.setInputFolder("/" + std::string(static_cast<std::size_t>(i % 200), 'x'));
                 options.flushValues();
+                if (i == 1 && ::write(stored[1], "", 1) != 1)
+                    ::_exit(1);
             }
+        }
+        if (round == 0) { // on a busy machine it may be long until it gets there
+            char byte;
+            ASSERT_EQ(::read(stored[0], &byte, 1), 1);
         }
         ::usleep(500 + random() % 10000);
         ::kill(child, SIGKILL);
@@ -238,7 +246,9 @@ TEST_F(Settings, AreOldOrNewWheneverTheProcessIsKilled)
             ASSERT_EQ(options.queryInputFolder().size(), options.queryLastImporterSel() % 200 + 1u);
         }
     }
-    EXPECT_GT(load().queryLastImporterSel(), 0) << "no round lived long enough to store anything";
+    ::close(stored[0]);
+    ::close(stored[1]);
+    EXPECT_GT(load().queryLastImporterSel(), 0);
     EXPECT_FALSE(std::filesystem::exists(dir.path("config/typeforge/settings.json.bad")));
 }
 
