@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Formats/MsgBase.h"
+#include "Platform/MessageBox.h"
+#include "Platform/XmlParser.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <sys/mman.h>
+#include <unistd.h>
+
+/// Bytes that can be read under a file name, and are on no disk.
+class MemoryFile
+{
+public:
+    explicit MemoryFile(std::string_view bytes) : descriptor(::memfd_create("fuzz", 0))
+    {
+        while (!bytes.empty()) {
+            const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+            if (count <= 0)
+                std::abort();
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        }
+    }
+    ~MemoryFile() { ::close(descriptor); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    CString path() const { return "/proc/self/fd/" + std::to_string(descriptor); }
+
+private:
+    int descriptor;
+};
+
+/// Imports the bytes as a file, and ends the program when the document that comes out is not well-formed. An importer
+/// whose main type may be no name says so by `mayBeNoName`: its document isn't looked at.
+inline void importBytes(MsgBase& importer, std::string_view bytes, bool mayBeNoName = false)
+{
+    struct Ignore : XmlHandler
+    {
+        void startElement(XmlName, XmlAttributes) override {}
+        void endElement() override {}
+    } ignore;
+    setMessageBoxHandler([](const CString&, const CString&) {});
+    const MemoryFile source(bytes);
+    const int imported = importer.parseFile(source.path(), importer.getBasePath());
+    CString document;
+    importer.getXML(document);
+    if (!imported || mayBeNoName)
+        return;
+    if (const auto error = parseXmlFile(MemoryFile(document).path(), ignore)) {
+        std::fprintf(stderr, "%d:%d %s\n%s\n", error->line, error->linepos, error->reason.c_str(), document.c_str());
+        std::abort();
+    }
+}

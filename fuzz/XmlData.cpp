@@ -1,0 +1,9 @@
+#include "Formats/XMLDataMsg.h"
+#include "Import.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    XMLDataMessage importer;
+    importBytes(importer, {reinterpret_cast<const char*>(data), size});
+    return 0;
+}
