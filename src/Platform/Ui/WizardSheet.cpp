@@ -24,10 +24,12 @@ constexpr const char* kBack = "< &Back";
 constexpr const char* kNext = "&Next >";
 constexpr const char* kFinish = "&Finish";
 
-// A dialog unit is a quarter of the font's average character width and an eighth of its height.
+// A dialog unit is a quarter of the average width of the letters and an eighth of the font's height. What a font gives
+// as its average width counts other characters too and comes out narrower.
 QSize dialogUnits(const QFontMetrics& metrics, int width, int height)
 {
-    return {width * metrics.averageCharWidth() / 4, height * metrics.height() / 8};
+    const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    return {width * metrics.horizontalAdvance(letters) / (4 * int(letters.size())), height * metrics.height() / 8};
 }
 
 } // namespace
