@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstring>
 
 namespace {
@@ -116,8 +117,13 @@ bool CDBException::isLogonRefused() const
 {
     if (state.starts_with("28"))
         return true;
-    const std::string_view text = what();
-    return state.starts_with("08") && (text.find("password") != text.npos || text.find("authentication") != text.npos);
+    if (!state.starts_with("08"))
+        return false;
+    CString text = what();
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    // PostgreSQL's words, in the languages of its servers: "password authentication failed" and so on.
+    return std::ranges::any_of(std::array{"pass", "auth", "autent"},
+                               [&text](const char* word) { return text.find(word) != text.npos; });
 }
 
 void CDBException::raise(short handleKind, void* handle)
