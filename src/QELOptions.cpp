@@ -1,5 +1,6 @@
 #include "QELOptions.h"
 
+#include "Platform/Secret.h"
 #include "Platform/Ui/UiText.h"
 #include "Utils/registry.h"
 
@@ -52,6 +53,17 @@ void storeText(Registry& reg, const char* key, const char* name, CString text)
 } // namespace
 
 QELOptions::QELOptions() : cwd(currentFolder()), inputFolder(cwd), outputFolder(cwd) {}
+
+QELOptions::~QELOptions()
+{
+    wipe(pwd);
+}
+
+void QELOptions::setPwd(const CString& password)
+{
+    wipe(pwd);
+    pwd = password;
+}
 
 void QELOptions::getValues()
 {

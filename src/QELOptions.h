@@ -12,6 +12,7 @@ class QELOptions
 public:
     /// Takes the current folder; reads no settings.
     QELOptions();
+    ~QELOptions();
 
     /// Loads every setting. A missing one gets its default.
     void getValues();
@@ -55,7 +56,7 @@ public:
 
     /// The broker password typed in this run; never stored.
     const CString& queryPwd() const { return pwd; }
-    void setPwd(const CString& password) { pwd = password; }
+    void setPwd(const CString& password);
 
     /// The base path of the generated types, as confirmed for this import.
     const CString& queryPath() const { return basePath; }

@@ -23,8 +23,9 @@ QELWizard::QELWizard(UINT captionId, CWnd* parent, UINT startPage, HBITMAP water
     options.getValues();
     titleFont = coverFont("Comic Sans MS", 20);
     // The order is the sheet's: an answer of 0 leads to the neighbour.
-    WizardPage* const pages[] = {&firstPage, &sourceTypePage, &dataSourcePage, &databaseTablePage, &sourcePage,
-                                 &editPage,  &outputPage,     &outputFile,     &finishPage};
+    WizardPage* const pages[] = {&firstPage,     &sourceTypePage,   &dataSourcePage, &databaseTablePage,
+                                 &sourcePage,    &editPage,         &outputPage,     &outputFile,
+                                 &loginToBroker, &createResultPage, &finishPage};
     for (WizardPage* page : pages)
         AddPage(*page);
     if (options.queryHideWelcome() != 0)

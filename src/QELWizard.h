@@ -1,11 +1,13 @@
 #pragma once
 
+#include "CreateResultPage.h"
 #include "DataSourcePage.h"
 #include "DatabaseTablePage.h"
 #include "EditPage.h"
 #include "FinishPage.h"
 #include "FirstPage.h"
 #include "Formats/MsgBase.h"
+#include "LoginToBroker.h"
 #include "OutputFile.h"
 #include "OutputPage.h"
 #include "Platform/MainWindow.h"
@@ -58,5 +60,7 @@ private:
     EditPage editPage;
     OutputPage outputPage;
     OutputFile outputFile;
+    LoginToBroker loginToBroker;
+    CreateResultPage createResultPage;
     FinishPage finishPage;
 };

@@ -26,7 +26,7 @@ const passwd& account()
     throw std::system_error(errno ? errno : ENOENT, std::generic_category(), "The user has no account");
 }
 
-// https://specifications.freedesktop.org/basedir-spec/latest/: a relative path there counts as none.
+// Of the XDG base directories; a relative path there counts as none.
 fs::path dataFolder()
 {
     const char* data = std::getenv("XDG_DATA_HOME");

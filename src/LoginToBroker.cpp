@@ -1,0 +1,222 @@
+#include "LoginToBroker.h"
+
+#include "Broker/BrokerSession.h"
+#include "Broker/CreationRun.h"
+#include "Overwrite.h"
+#include "Platform/Ui/SecretEdit.h"
+#include "Platform/Ui/UiText.h"
+#include "Platform/Ui/WaitCursor.h"
+#include "QELWizard.h"
+#include "Resources/StringTable.h"
+#include "Utils/QELApp.h"
+
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QRadioButton>
+#include <QValidator>
+
+namespace {
+
+// Letter by letter, so that the text keeps its length and the cursor its place.
+QString upperCase(QString text)
+{
+    for (QChar& c : text)
+        c = c.toUpper();
+    return text;
+}
+
+// Lets everything in, as upper case.
+class UpperCase : public QValidator
+{
+public:
+    using QValidator::QValidator;
+
+    State validate(QString& text, int&) const override
+    {
+        text = upperCase(text);
+        return Acceptable;
+    }
+};
+
+QComboBox* makeCombo()
+{
+    auto* combo = new QComboBox;
+    combo->setEditable(true);
+    combo->setInsertPolicy(QComboBox::NoInsert);
+    combo->setCompleter(nullptr); // a name that begins like a recent one is not that one
+    return combo;
+}
+
+} // namespace
+
+LoginToBroker::LoginToBroker() : QELPage(IDD_LOGIN, "Typeforge - Login to Broker", IDS_LOGIN_TITLE, IDS_LOGIN_SUBTITLE)
+{}
+
+LoginToBroker::~LoginToBroker()
+{
+    if (passwordEdit)
+        takeSecret(*passwordEdit, password);
+    wipe(password);
+}
+
+void LoginToBroker::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    keepOutOfCores();
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(makeServerGroup());
+    column->addWidget(makeLogonGroup());
+    progress = withId(IDC_PROGRESS, new QProgressBar);
+    progress->setAccessibleName("Progress of the creation");
+    QSizePolicy place = progress->sizePolicy();
+    place.setRetainSizeWhenHidden(true);
+    progress->setSizePolicy(place);
+    column->addWidget(progress);
+    column->addStretch();
+}
+
+QWidget* LoginToBroker::makeServerGroup()
+{
+    serverCombo = withId(IDC_SERVER, makeCombo());
+    server = wizard->options.fillBrokerIP(*serverCombo);
+    port = wizard->options.queryBrokerPort();
+    portEdit = withId(IDC_PORT, new QLineEdit(QString::number(port)));
+    auto* group = new QGroupBox("Broker server");
+    auto* form = new QFormLayout(group);
+    form->addRow("&Name", serverCombo);
+    form->addRow("&Port", portEdit);
+    return group;
+}
+
+QWidget* LoginToBroker::makeLogonGroup()
+{
+    trustedButton = withId(IDC_LOGON_TRUSTED, new QRadioButton("Use &trusted logon"));
+    brokerButton = withId(IDC_LOGON_BROKER, new QRadioButton("Use Broker &logon"));
+    connect(trustedButton, &QRadioButton::clicked, this, &LoginToBroker::OnLogonTrusted);
+    connect(brokerButton, &QRadioButton::clicked, this, &LoginToBroker::OnLogonBroker);
+    userCombo = withId(IDC_USER, makeCombo());
+    userCombo->setValidator(new UpperCase(userCombo));
+    user = wizard->options.fillUser(*userCombo);
+    for (int i = 0; i < userCombo->count(); ++i)
+        userCombo->setItemText(i, upperCase(userCombo->itemText(i)));
+    passwordEdit = withId(IDC_PASSWORD, new QLineEdit(toUi(wizard->options.queryPwd())));
+    makeSecret(*passwordEdit);
+
+    auto* group = new QGroupBox("Logon");
+    auto* form = new QFormLayout(group);
+    form->addRow(trustedButton);
+    form->addRow(brokerButton);
+    form->addRow("Broker &username", userCombo);
+    form->addRow("Broker &password", passwordEdit);
+    if (wizard->options.queryUseTrustedLogon()) {
+        trustedButton->setChecked(true);
+        OnLogonTrusted();
+    } else {
+        brokerButton->setChecked(true);
+        OnLogonBroker();
+    }
+    return group;
+}
+
+void LoginToBroker::OnSetActive()
+{
+    progress->hide();
+    wizard->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
+}
+
+void LoginToBroker::OnLogonTrusted()
+{
+    passwordEdit->setEnabled(false);
+    userCombo->setEnabled(false);
+}
+
+void LoginToBroker::OnLogonBroker()
+{
+    passwordEdit->setEnabled(true);
+    userCombo->setEnabled(true);
+}
+
+LRESULT LoginToBroker::OnWizardNext()
+{
+    const WaitCursor wait;
+    if (!UpdateData())
+        return -1;
+    if (QWidget* blank = blankField()) {
+        blank->setFocus();
+        return stay(IDS_BLANK_FIELD);
+    }
+    storeChoices();
+    BrokerSession session;
+    const BrokerAccount account{user, password};
+    if (const CString failure = session.open(server, port, logonSel == 0 ? nullptr : &account); !failure.empty())
+        return stay(failure);
+    createTypes(session);
+    return IDD_CREATE_RESULT;
+}
+
+// Reads the controls; false, with the focus there, when the port is no number. An empty port is 0, a blank field.
+bool LoginToBroker::UpdateData()
+{
+    server = fromUi(serverCombo->currentText());
+    user = fromUi(userCombo->currentText());
+    wipe(password);
+    password = fromUi(passwordEdit->text());
+    logonSel = trustedButton->isChecked() ? 0 : 1;
+    const QString portText = portEdit->text().trimmed();
+    bool isNumber = portText.isEmpty();
+    port = isNumber || portText.startsWith('+') ? 0 : portText.toUInt(&isNumber);
+    if (!isNumber) {
+        portEdit->setFocus();
+        stay("Please enter a positive integer.");
+    }
+    return isNumber;
+}
+
+QWidget* LoginToBroker::blankField() const
+{
+    QWidget* blank = nullptr;
+    if (server.empty())
+        blank = serverCombo;
+    else if (port == 0)
+        blank = portEdit;
+    if (logonSel == 0)
+        return blank;
+    if (user.empty())
+        blank = userCombo;
+    else if (password.empty())
+        blank = passwordEdit;
+    return blank;
+}
+
+void LoginToBroker::storeChoices()
+{
+    QELOptions& options = wizard->options;
+    options.addBrokerIP(server);
+    options.setBrokerPort(port);
+    options.addUser(user);
+    options.setPwd(password);
+    options.setUseTrustedLogon(logonSel == 0);
+}
+
+void LoginToBroker::createTypes(BrokerSession& session)
+{
+    QELOptions& options = wizard->options;
+    progress->setRange(0, wizard->message->beginEnum());
+    progress->setValue(0);
+    progress->show();
+    options.clearResultList();
+    const auto ask = [this](const CString& question) {
+        OverWriteDlg dialog(this);
+        dialog.text = question;
+        const PlainCursor arrow;
+        dialog.DoModal();
+        return static_cast<OverwriteChoice>(dialog.choice);
+    };
+    CreationRun run(session, {ask, [&](const CString& line) { options.addResult(line); },
+                              [this](int done) { progress->setValue(done); }});
+    if (const int errors = run.run(*wizard->message))
+        theApp.Error(formatText(loadText(IDS_CREATION_ERRORS), errors), IDS_ERROR_TITLE);
+}

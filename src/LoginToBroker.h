@@ -1,0 +1,46 @@
+#pragma once
+
+#include "QELPage.h"
+
+class BrokerSession;
+class QComboBox;
+class QLineEdit;
+class QProgressBar;
+class QRadioButton;
+
+/// Logs on to the broker and creates the types there.
+class LoginToBroker : public QELPage
+{
+public:
+    LoginToBroker();
+    ~LoginToBroker() override;
+
+    void OnInitDialog() override;
+    void OnSetActive() override;
+    LRESULT OnWizardBack() override { return IDD_OUTPUT; }
+    LRESULT OnWizardNext() override;
+
+    void OnLogonTrusted();
+    void OnLogonBroker();
+
+private:
+    QWidget* makeServerGroup();
+    QWidget* makeLogonGroup();
+    bool UpdateData();
+    QWidget* blankField() const;
+    void storeChoices();
+    void createTypes(BrokerSession& session);
+
+    QLineEdit* passwordEdit = nullptr;
+    QProgressBar* progress = nullptr;
+    QComboBox* serverCombo = nullptr;
+    QComboBox* userCombo = nullptr;
+    QLineEdit* portEdit = nullptr;
+    QRadioButton* trustedButton = nullptr;
+    QRadioButton* brokerButton = nullptr;
+    DWORD port = 0;
+    CString server;
+    CString password;
+    CString user;
+    int logonSel = -1; // 0 trusted, 1 with user and password
+};

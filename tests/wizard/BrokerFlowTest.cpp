@@ -1,0 +1,205 @@
+#include "Broker/IVorn.h"
+#include "Platform/SettingsStore.h"
+#include "wizard/Desk.h"
+
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QTimer>
+
+namespace {
+
+using Texts = std::vector<CString>;
+
+constexpr char kBlank[] = "This field cannot be left blank - please enter a value.";
+
+// A desk before the login page, whose repository `local` is empty. The types are t_line and order.
+class BrokerDesk : public Desk
+{
+public:
+    BrokerDesk()
+    {
+        qputenv("XDG_DATA_HOME", dir.path("data").c_str());
+        source = dir.write("in/r.dtd", "<!ELEMENT r (b, a)><!ELEMENT a (x)><!ELEMENT b (x)>");
+        wizard().options.setLastOutputSel(1);
+        walkTo(IDD_LOGIN);
+    }
+
+    void logOn(const char* server, const char* port, const char* user, const char* password)
+    {
+        type(IDC_SERVER, server);
+        control<QLineEdit>(IDC_PORT).setText(port);
+        control<QAbstractButton>(user ? IDC_LOGON_BROKER : IDC_LOGON_TRUSTED).click();
+        control<QComboBox>(IDC_USER).setEditText(user ? user : "");
+        control<QLineEdit>(IDC_PASSWORD).setText(password);
+    }
+
+    Texts results()
+    {
+        Texts lines;
+        auto& box = control<QListWidget>(IDC_RESULTS);
+        for (int i = 0; i < box.count(); ++i)
+            lines.push_back(box.item(i)->text().toStdString());
+        return lines;
+    }
+
+    // Clicks Next on the login page and answers each overwrite dialog by a button of it, 0 closes it. Answers the
+    // dialogs' texts.
+    Texts create(std::vector<int> answers)
+    {
+        Texts questions;
+        QTimer user;
+        QObject::connect(&user, &QTimer::timeout, [&] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            if (dialog == nullptr || dialog->objectName() != "1049")
+                return;
+            EXPECT_EQ(dialog->windowTitle(), "Overwrite confirmation");
+            EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::ArrowCursor);
+            questions.push_back(dialog->findChild<QLabel*>("1050")->text().toStdString());
+            const int button = answers.at(questions.size() - 1);
+            if (button == 0)
+                dialog->close();
+            else
+                QTest::mouseClick(dialog->findChild<QAbstractButton*>(QString::number(button)), Qt::LeftButton);
+        });
+        user.start(1);
+        click("next");
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        EXPECT_EQ(questions.size(), answers.size());
+        return questions;
+    }
+};
+
+// What is typed, and what Next does about it: the box, the control with the focus, the page.
+struct Logon
+{
+    const char *server, *port, *user, *password;
+    const char* box;
+    int focus;
+    int page = IDD_LOGIN;
+} const kLogons[] = {
+    {"", "1", "u", "p", kBlank, IDC_SERVER},
+    {"local", "0", "u", "p", kBlank, IDC_PORT},
+    {"local", "", "u", "p", kBlank, IDC_PORT},
+    {"", "0", "u", "p", kBlank, IDC_SERVER},
+    {"", "1", "", "p", kBlank, IDC_USER},
+    {"", "1", "", "", kBlank, IDC_USER},
+    {"local", "0", "u", "", kBlank, IDC_PASSWORD},
+    {"", "1", nullptr, "", kBlank, IDC_SERVER},
+    {"local", "0", nullptr, "", kBlank, IDC_PORT},
+    {"local", "x", nullptr, "", "Please enter a positive integer.", IDC_PORT},
+    {"local", "-1", "", "", "Please enter a positive integer.", IDC_PORT},
+    {"local", "4294967296", "u", "p", "Please enter a positive integer.", IDC_PORT},
+    {"127.0.0.1", "1", "u", "p", "Unable to establish a connection to Broker", 0},
+    {"local", "1", nullptr, "", nullptr, 0, IDD_CREATE_RESULT},
+    {"local", "1", "u", "p", nullptr, 0, IDD_CREATE_RESULT},
+};
+
+TEST(LoginPage, ChecksItsFieldsAndMovesTheFocus)
+{
+    for (const Logon& row : kLogons) {
+        BrokerDesk desk;
+        desk.logOn(row.server, row.port, row.user, row.password);
+        desk.click("next");
+        SCOPED_TRACE(testing::PrintToString(&row - kLogons));
+        EXPECT_EQ(desk.page(), row.page);
+        EXPECT_EQ(desk.boxes.take(), row.box ? Texts{row.box} : Texts{});
+        if (row.focus != 0) {
+            EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), row.focus);
+        }
+    }
+}
+
+TEST(LoginPage, ShowsEachFailureAndKeepsTheChoices)
+{
+    const std::pair<const char*, const char*> failures[] = {
+        {"address-error", "Unable to establish a connection to Broker"},
+        {"logon-error", "Unable to establish a connection to Broker"},
+        {"logon-failure", "Login Failed - Please check your Username/Password."},
+        {"no-connection", "Connection Failure."},
+        {"repository-error", "Repository Error (the client's words)"},
+        {"repository-failure", "Generic Error."},
+        {"no-repository", "Error - Repository not established."},
+    };
+    BrokerDesk desk;
+    const auto useClient = [](const char* library) {
+        SettingsStore settings;
+        settings.setText(CString("SOFTWARE\\Classes\\CLSID\\") + kVornServerClass + "\\InprocServer32", "", library);
+        ASSERT_TRUE(settings.save());
+    };
+    useClient("/no/such/library.so");
+    desk.logOn("s", "77", "anna", "p");
+    desk.click("next");
+    EXPECT_EQ(desk.boxes.take(), Texts{"The Broker COM client is not available or is of the wrong version"});
+    EXPECT_EQ(desk.wizard().options.queryBrokerPort(), 77u);
+    EXPECT_EQ(desk.wizard().options.queryPwd(), "p");
+    QComboBox users;
+    EXPECT_EQ(desk.wizard().options.fillUser(users), "ANNA");
+    useClient(TEST_BUILD_DIR "/libtestclient1.so");
+    for (const auto& [server, text] : failures) {
+        desk.type(IDC_SERVER, server);
+        desk.click("next");
+        EXPECT_EQ(desk.boxes.take(), Texts{text});
+        EXPECT_EQ(desk.page(), IDD_LOGIN);
+        EXPECT_EQ(desk.control<QComboBox>(IDC_SERVER).currentText(), server);
+        EXPECT_FALSE(desk.control<QProgressBar>(IDC_PROGRESS).isVisible());
+    }
+
+    desk.type(IDC_SERVER, "none"); // creates r, a and b as codes 0, 1 and 99
+    desk.click("next");
+    EXPECT_EQ(desk.boxes.take(), Texts{"1 errors encountered during the creation process.  Please consult the list "
+                                       "on the following page."});
+    EXPECT_EQ(desk.results(), (Texts{"a created successfully", "b modifed", "r - creation error"}));
+}
+
+TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
+{
+    BrokerDesk desk;
+    auto& user = desk.control<QComboBox>(IDC_USER);
+    EXPECT_EQ(user.currentText(), user.currentText().toUpper()); // the login name
+    user.clearEditText();
+    QTest::keyClicks(user.lineEdit(), "anna m");
+    EXPECT_EQ(user.currentText(), "ANNA M");
+    auto& password = desk.control<QLineEdit>(IDC_PASSWORD);
+    EXPECT_EQ(password.echoMode(), QLineEdit::Password);
+    for (const bool trusted : {true, false}) {
+        desk.control<QAbstractButton>(trusted ? IDC_LOGON_TRUSTED : IDC_LOGON_BROKER).click();
+        EXPECT_EQ(password.isEnabled(), !trusted);
+        EXPECT_EQ(user.isEnabled(), !trusted);
+    }
+    desk.click("back");
+    EXPECT_EQ(desk.page(), IDD_OUTPUT);
+}
+
+TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
+{
+    const Texts created = {"a created successfully", "b created successfully", "r created successfully"};
+    const struct
+    {
+        std::vector<int> answers;
+        Texts lines;
+    } runs[] = {
+        {{IDC_YES, IDC_NO, 0}, {"a modifed", "b skipped", "r skipped"}},
+        {{IDC_YES_TO_ALL}, {"a modifed", "b modifed", "r modifed"}},
+        {{IDC_NO, IDC_NO_TO_ALL}, {"a skipped", "b skipped", "r skipped"}},
+    };
+    BrokerDesk desk;
+    desk.logOn("local", "1", nullptr, "");
+    desk.create({});
+    EXPECT_EQ(desk.results(), created);
+    for (const auto& run : runs) {
+        desk.click("back");
+        EXPECT_EQ(desk.page(), IDD_LOGIN);
+        EXPECT_EQ(desk.create(run.answers)[0], "\\sys\\rosettanet\\r\\a already exists.\nOverwrite?");
+        EXPECT_EQ(desk.results(), run.lines);
+    }
+    EXPECT_EQ(desk.wizard().findChild<QProgressBar*>("1042")->value(), 3);
+    desk.click("next");
+    EXPECT_EQ(desk.page(), IDD_FINISH);
+    desk.click("back");
+    EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
+    EXPECT_NE(desk.wizard().message, nullptr); // a new one, of the same importer
+    EXPECT_EQ(desk.wizard().message->beginEnum(), 0);
+}
+
+} // namespace
