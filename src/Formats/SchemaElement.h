@@ -48,13 +48,19 @@ public:
     void addChild(SchemaElement* child) { children.push_back(child); }
     std::vector<SchemaElement*>& getChildren() { return children; }
 
-    /// Says that the entry was pulled as another's child, so that its own children may be missing from the table.
-    void markPulledChild() { isPulled = true; }
-    bool isPulledChild() const { return isPulled; }
+    /// How an entry of the include table got into the element table too.
+    enum Pull
+    {
+        notPulled,
+        pulledAsType,
+        pulledAsChild ///< its own children may be missing there
+    };
+    void setPull(Pull how) { pull = how; }
+    Pull queryPull() const { return pull; }
 
 private:
     SchemaKey key;
     std::string_view type;
     std::vector<SchemaElement*> children;
-    bool isPulled = false;
+    Pull pull = notPulled;
 };

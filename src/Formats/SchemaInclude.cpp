@@ -4,26 +4,42 @@
 
 // What the schema's other documents bring in.
 
-/// Reads the documents that the schema names, behind its own outline, and then all of them into the table: first the
-/// top-level elements of each, then the complex types. A schema with a target namespace doesn't get that far.
-void SchemaMessage::getSchemaIncludeList(const CString& fileName, Outlines& outlines)
+/// Reads the schema and the documents that it names into the table: first the top-level elements of each, then the
+/// complex types. A schema with a target namespace doesn't get that far. True when the schema stands alone and reading
+/// it once more would give the same table again, and nothing to show.
+bool SchemaMessage::getSchemaIncludeList(const CString& fileName, Outlines& outlines)
 {
     const SchemaOutline& main = outlines.front();
+    const CString earlierMainType = mainType;
+    const bool hadRootType = !rootTypeName.empty();
     mainType = getRootTag(main);
     if (main.hasTargetNamespace())
-        return;
+        return false;
+    readIncluded(fileName, outlines);
+    std::size_t declarations = 0;
+    for (const SchemaOutline& outline : outlines)
+        declarations += outline.size();
+    schemaElements.reserve(declarations);
+    for (const SchemaOutline& outline : outlines)
+        processElement(outline);
+    for (const SchemaOutline& outline : outlines)
+        processComplexType(outline, SchemaOutline::kRoot, {});
+    // The names in force while the main element's own type was read.
+    const bool sameNames = !hadRootType || earlierMainType == mainType;
+    return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
+}
+
+/// Reads the documents that the schema names, behind its own outline.
+void SchemaMessage::readIncluded(const CString& fileName, Outlines& outlines)
+{
     SchemaCache cache;
-    cache.add(fileName, main.locations());
+    cache.add(fileName, outlines.front().locations());
     while (const auto file = cache.next()) {
         if (XmlDocument().streamFile(*file, outlines.emplace_back()))
             cache.add(*file, outlines.back().locations());
         else
             outlines.pop_back();
     }
-    for (const SchemaOutline& outline : outlines)
-        processElement(outline);
-    for (const SchemaOutline& outline : outlines)
-        processComplexType(outline, SchemaOutline::kRoot, {});
 }
 
 /// Makes what the include pass has read the include table, and leaves the element table empty.
@@ -36,23 +52,37 @@ void SchemaMessage::copyElementList()
 /// is pulled goes to the end of the table, so the walk comes to it, and an entry that it has passed needs nothing more.
 void SchemaMessage::mergeLists()
 {
-    for (std::size_t i = 0; i < schemaElements.size(); ++i) {
-        const SchemaKey type(schemaElements[i]->queryType());
-        if (schemaElements.find(type, type.hash))
-            continue;
-        if (SchemaElement* included = includedElements.find(type, type.hash))
-            pull(included);
+    for (const SchemaElement* entry : schemaElements)
+        pull(SchemaKey(entry->queryType()));
+    for (std::size_t i = 0; i < pulled.size(); ++i)
+        pull(SchemaKey(pulled[i]->queryType()));
+}
+
+void SchemaMessage::pull(const SchemaKey& type)
+{
+    if (schemaElements.find(type, type.hash))
+        return;
+    SchemaElement* const included = includedElements.find(type, type.hash);
+    if (!included || included->queryPull() != SchemaElement::notPulled)
+        return;
+    included->setPull(SchemaElement::pulledAsType);
+    pulled.push_back(included);
+    for (SchemaElement*& child : included->getChildren()) {
+        const SchemaKey& key = child->queryKey();
+        if (SchemaElement* own = schemaElements.find(key, key.hash)) {
+            child = own; // that is whom the key stands for from here on
+        } else if (child->queryPull() == SchemaElement::notPulled) {
+            child->setPull(SchemaElement::pulledAsChild);
+            pulled.push_back(child);
+        }
     }
 }
 
-/// Stores an entry that is missing, and its children where they are. From then on it has the children of this table.
-void SchemaMessage::pull(SchemaElement* included)
+/// What stands under `key` in the element table, what was pulled included; null when nothing does.
+const SchemaElement* SchemaMessage::findEntry(const SchemaKey& key) const
 {
-    schemaElements.store(included);
-    for (SchemaElement*& child : included->getChildren()) {
-        SchemaElement* const there = schemaElements.storeNew(child, child->queryKey().hash);
-        if (there == child)
-            child->markPulledChild();
-        child = there;
-    }
+    if (const SchemaElement* own = schemaElements.find(key, key.hash))
+        return own;
+    const SchemaElement* included = includedElements.find(key, key.hash);
+    return included && included->queryPull() != SchemaElement::notPulled ? included : nullptr;
 }

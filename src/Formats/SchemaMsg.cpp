@@ -22,20 +22,23 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
     const SchemaOutline& main = outlines.emplace_back();
     if (!document.streamFile(source, outlines.front()))
         return fail(document.queryParseError());
-    if (!fileName.empty())
-        getSchemaIncludeList(fileName, outlines);
-    copyElementList();
-    mainType = getRootTag(main);
+    const bool isRead = !fileName.empty() && getSchemaIncludeList(fileName, outlines);
+    if (!isRead) {
+        copyElementList();
+        mainType = getRootTag(main);
+    }
     baseFolder = basePath.ends_with('\\') ? basePath : basePath + "\\";
-    return doParse(main, baseFolder);
+    return doParse(main, baseFolder, isRead);
 }
 
 void SchemaMessage::forget()
 {
     schemaElements.clear();
     includedElements.clear();
+    pulled.clear();
     ownedElements.clear();
-    madeNames.clear();
+    mainTypes.clear();
+    cyclicReferences = 0;
 }
 
 /// The texts of the field in hand. Kept from one to the next, so that they seldom have to grow.
@@ -48,28 +51,35 @@ struct SchemaMessage::Field
     CString description;
 };
 
-int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder)
+int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder, bool isRead)
 {
     if (queryMainTypeName().empty())
         return fail(loadText(IDS_NO_ROOT));
-    processElement(outline);
-    processComplexType(outline, SchemaOutline::kRoot, {});
+    if (!isRead) {
+        processElement(outline);
+        processComplexType(outline, SchemaOutline::kRoot, {});
+    }
     mergeLists();
     const CString path = folder + mainType + "\\";
     Field field;
     for (SchemaElement* entry : schemaElements)
-        if (!entry->getChildren().empty())
-            declareRecord(*entry, path, field);
+        declareRecord(*entry, path, field);
+    for (SchemaElement* entry : pulled)
+        declareRecord(*entry, path, field);
     return 1;
 }
 
+/// An entry with children becomes a record.
 void SchemaMessage::declareRecord(SchemaElement& entry, const CString& path, Field& field)
 {
+    if (entry.getChildren().empty())
+        return;
+    const bool mayMiss = entry.queryPull() == SchemaElement::pulledAsChild;
     const CString name = entry.queryName() == rootTypeName ? mainType : CString(entry.queryName());
     Element* record = addElement(name, path, name, fillText(loadText(IDS_AUTOMATIC), name), Element::typeRow, nullptr);
     for (const SchemaElement* child : entry.getChildren()) {
         const SchemaKey& key = child->queryKey();
-        getType(entry.isPulledChild() ? schemaElements.find(key, key.hash) : child, field.typeName, field.name);
+        getType(mayMiss ? findEntry(key) : child, field.typeName, field.name);
         field.count = getModifiers(key) == modStar ? 2 : 1;
         field.usageKey.assign(name).append(".").append(field.name);
         declareField(field, path, record);
@@ -130,5 +140,5 @@ Element::ElementTypes SchemaMessage::getBrokerType(CString& typeName) const
         return builtIn == "decimal" ? Element::typeNumber : Element::typeString;
     }
     const SchemaKey type(typeName);
-    return schemaElements.find(type, type.hash) ? Element::typeDate : Element::typeString;
+    return findEntry(type) ? Element::typeDate : Element::typeString;
 }

@@ -6,7 +6,7 @@
 #include "Utils/KeyedTable.h"
 
 #include <deque>
-#include <unordered_set>
+#include <set>
 
 /// The importer of XML Schema files. Complex types become records, the elements and attributes declared in them fields;
 /// schema tags are known by the literal prefixes "xsd:" and "xs:", namespaces are not resolved.
@@ -45,10 +45,12 @@ private:
     void forget();
 
     // The include pass and what comes of it.
-    void getSchemaIncludeList(const CString& fileName, Outlines& outlines);
+    bool getSchemaIncludeList(const CString& fileName, Outlines& outlines);
+    void readIncluded(const CString& fileName, Outlines& outlines);
     void copyElementList();
     void mergeLists();
-    void pull(SchemaElement* included);
+    void pull(const SchemaKey& type);
+    const SchemaElement* findEntry(const SchemaKey& key) const;
 
     // Reading a document into the table.
     CString getRootTag(const SchemaOutline& outline);
@@ -59,10 +61,9 @@ private:
     void processTag(const SchemaOutline& outline, TypeWalk& walk);
     SchemaElement* addSchemaElement(std::string_view name, std::string_view parentKey, SchemaElement* parent,
                                     std::string_view type);
-    std::string_view keep(CString text) { return *madeNames.insert(std::move(text)).first; }
 
     // Building the model from the table.
-    int doParse(const SchemaOutline& outline, const CString& folder);
+    int doParse(const SchemaOutline& outline, const CString& folder, bool isRead);
     void declareRecord(SchemaElement& entry, const CString& path, Field& field);
     void declareField(Field& field, const CString& path, Element* record);
     static int getType(const SchemaElement* entry, CString& typeName, CString& fieldName);
@@ -73,8 +74,10 @@ private:
     using Table = KeyedTable<SchemaElement, &SchemaElement::queryKey, SchemaKey>;
     Table schemaElements;                    // of the pass in hand
     Table includedElements;                  // of the include pass
+    std::deque<SchemaElement*> pulled;       // the end of the element table: entries that stand in both
     std::deque<SchemaElement> ownedElements; // of both tables
-    std::unordered_set<CString> madeNames;   // names that no document holds as they are
+    std::set<CString> mainTypes;             // the main types that this import has gone by
+    int cyclicReferences = 0;                // how many it has shown
     CString rootTypeName;                    // the type that the main element names; stays from one import to the next
     CString mainType;                        // the main element's name; empty when there is none
     CString baseFolder;

@@ -109,20 +109,27 @@ SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
     return place;
 }
 
+std::string_view SchemaOutline::keepName(std::string_view name)
+{
+    char* const text = static_cast<char*>(texts.allocate(name.size() + 1));
+    text[name.copy(text, name.size())] = SchemaDeclaration::kMark[0];
+    return {text, name.size()};
+}
+
 SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
 {
     SchemaDeclaration out;
-    std::string_view reference;
+    std::string_view reference = out.name;
     out.hasAttributes = attributes.size() > 0;
     for (std::size_t i = 0; i < attributes.size(); ++i) {
         const auto [name, value] = attributes[i];
         if (isCalled(name, "name")) {
-            out.name = texts.keep(value);
+            out.name = keepName(value);
         } else if (isCalled(name, "type")) {
             out.hasType = true;
             out.type = texts.keep(value);
         } else if (isCalled(name, "ref")) {
-            reference = texts.keep(value);
+            reference = keepName(value);
         } else if (isCalled(name, "maxOccurs")) {
             out.repeats = isMany(value);
         }

@@ -11,12 +11,18 @@
 /// One declaration of a schema document: an element, an attribute or a complex type. Texts are views into the outline.
 struct SchemaDeclaration
 {
-    std::string_view name;      ///< its `name`, or its `ref` where it has no name
+    /// What a repeated declaration is marked with. The character stands behind every name.
+    static constexpr std::string_view kMark = "*";
+
+    std::string_view name = kMark.substr(0, 0); ///< its `name`, or its `ref` where it has no name
     std::string_view type;      ///< its `type`; without one "AnonymousType", or empty when it is read through `ref`
     bool hasAttributes = false; ///< any at all
     bool hasType = false;       ///< a `type` is written
     bool isReference = false;   ///< it has no name of its own
     bool repeats = false;       ///< its `maxOccurs` is greater than 1 or "unbounded"
+
+    /// The name, followed by the mark when it repeats.
+    std::string_view markedName() const { return {name.data(), name.size() + (repeats ? kMark.size() : 0)}; }
 };
 
 /// The declarations of one schema document, as far as they are read: what is called xsd:element, xs:element and so on,
@@ -42,6 +48,9 @@ public:
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
     bool wantsText() const override { return false; }
+
+    /// How many declarations there are, and the root.
+    std::size_t size() const { return entries.size(); }
 
     const SchemaDeclaration& operator[](Index at) const { return entries[at].declaration; }
 
@@ -87,6 +96,7 @@ private:
     void startRoot(XmlAttributes attributes);
     void noteLocation(XmlName name, XmlAttributes attributes);
     SchemaDeclaration readDeclaration(XmlAttributes attributes);
+    std::string_view keepName(std::string_view name);
     Index enter(Tag tag, XmlAttributes attributes);
     const std::vector<Index>& mainTypes() const;
 

@@ -108,7 +108,7 @@ void SchemaMessage::enterType(const SchemaOutline& outline, TypeWalk& walk)
     const SchemaDeclaration& type = outline[walk.type];
     std::string_view name = type.isReference ? walk.owner : type.name;
     if (!name.empty() && name == rootTypeName)
-        name = keep(mainType);
+        name = *mainTypes.insert(mainType).first;
     walk.record = addSchemaElement(name, {}, nullptr, {});
     // A type declared again goes by the text of the first, which makes their keys quick to compare.
     walk.recordName = walk.record && walk.record->queryKey().parent.empty() ? walk.record->queryName() : name;
@@ -136,7 +136,7 @@ void SchemaMessage::processTag(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& field = outline[walk.field];
     // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
-    const std::string_view name = field.repeats ? keep(CString(field.name) + "*") : field.name;
+    const std::string_view name = field.markedName();
     if (!name.empty())
         addSchemaElement(name, walk.recordName, walk.record, typeOf(outline, walk.field));
     walk.field = outline.getNextSibling(walk.field);
@@ -156,6 +156,7 @@ SchemaElement* SchemaMessage::addSchemaElement(std::string_view name, std::strin
             type = earlier->queryType();
         if (parentKey == name) {
             fail(loadText(IDS_CYCLIC));
+            ++cyclicReferences;
             return nullptr;
         }
         entry = &ownedElements.emplace_back(key, type);

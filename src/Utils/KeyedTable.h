@@ -37,19 +37,26 @@ public:
 
     void store(T* value, std::size_t hash)
     {
-        if (Slot& slot = slotFor(value, hash); slot.entry != kFree)
-            entries[slot.entry] = value;
-        else
-            fill(slot, value, hash);
+        if ((entries.size() + 1) * 4 > slots.size() * 3)
+            growTo(slots.empty() ? 16 : slots.size() * 2);
+        const std::size_t at = slotOf(keyOf(*value), hash);
+        if (slots[at].entry != kFree) {
+            entries[slots[at].entry] = value;
+            return;
+        }
+        slots[at] = {static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(entries.size())};
+        entries.push_back(value);
     }
 
-    /// Stores `value` unless there is one under its key already; answers the one that is there then.
-    T* storeNew(T* value, std::size_t hash)
+    /// Makes room for `count` keys at once: a table that grows on the way there moves each key once more.
+    void reserve(std::size_t count)
     {
-        Slot& slot = slotFor(value, hash);
-        if (slot.entry == kFree)
-            fill(slot, value, hash);
-        return entries[slot.entry];
+        entries.reserve(count);
+        std::size_t size = slots.empty() ? 16 : slots.size();
+        while (count * 4 > size * 3)
+            size *= 2;
+        if (size > slots.size())
+            growTo(size);
     }
 
     void clear()
@@ -89,23 +96,9 @@ private:
         }
     }
 
-    // The slot of the value's key, or the free one where it belongs.
-    Slot& slotFor(T* value, std::size_t hash)
+    void growTo(std::size_t size)
     {
-        if ((entries.size() + 1) * 4 > slots.size() * 3)
-            grow();
-        return slots[slotOf(keyOf(*value), hash)];
-    }
-
-    void fill(Slot& slot, T* value, std::size_t hash)
-    {
-        slot = {static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(entries.size())};
-        entries.push_back(value);
-    }
-
-    void grow()
-    {
-        std::vector<Slot> larger(slots.empty() ? 16 : slots.size() * 2);
+        std::vector<Slot> larger(size);
         for (const Slot& slot : slots) {
             if (slot.entry == kFree)
                 continue;
