@@ -24,7 +24,7 @@ class FileRoad(WizardTest):
         self.start()
         self.next("Typeforge - Select source type")
         earlier = None
-        for importer, name in [("dtd", "order.dtd"), ("xml", "order.xml"), ("btd", None)]:
+        for importer, name in [("dtd", "order.dtd"), ("xsd", "order.xsd"), ("xml", "order.xml"), ("btd", None)]:
             with self.subTest(importer):
                 source = os.path.join(EXAMPLES, name) if name else earlier
                 written = self.walk(importer, source)
