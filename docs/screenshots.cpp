@@ -3,6 +3,7 @@
 
 #include "HelpWindow.h"
 #include "Platform/MessageBox.h"
+#include "Platform/Ui/ListView.h"
 #include "Platform/Ui/ModalBox.h"
 #include "QELWizard.h"
 #include "Resources/DialogIds.h"
@@ -12,10 +13,9 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QRadioButton>
 #include <QStyleFactory>
-#include <QTemporaryDir>
 #include <QTimer>
-#include <QTreeView>
 
 #include <functional>
 
@@ -43,42 +43,63 @@ public:
         sheet.show();
     }
 
-    void fileRoad()
+    /// From the welcome page to the list of types.
+    void source()
     {
         keep("welcome");
         sheet.next();
-        choose("1022", 0);
+        control<ListView>(IDC_IMPORTERS).selectRow(0);
         keep("importer");
         sheet.next();
-        fill("1041", "order.dtd");
+        fill(IDC_INPUT_FILE, "orders.dtd");
+        keepDialog("error", &QDialog::reject, [this] { sheet.next(); });
+        fill(IDC_INPUT_FILE, "order.dtd");
         keep("inputfile");
-        keepError();
         sheet.next();
-        choose("1024", 2);
+        control<ListView>(IDC_TYPES).selectRow(2);
         keep("types");
         sheet.next();
+    }
+
+    void toFile()
+    {
+        control<QRadioButton>(IDC_TO_FILE).setChecked(true);
         keep("output");
         sheet.next();
-        fill("1040", "order-types.xml");
+        fill(IDC_OUTPUT_FILE, "order-types.xml");
         keep("outputfile");
         sheet.next();
         keep("finish");
     }
 
+    void database()
+    {
+        sheet.back();
+        ListView& importers = control<ListView>(IDC_IMPORTERS);
+        importers.selectRow(importers.rowCount() - 1);
+        Q_EMIT importers.chosen();
+        sheet.next();
+        control<ListView>(IDC_DATA_SOURCES).selectRow(1);
+        keep("datasource");
+        sheet.next();
+        control<ListView>(IDC_TABLES).selectAll();
+        keep("tables");
+    }
+
+    void help()
+    {
+        showHelp(&sheet, 10);
+        keep("help", *sheet.findChild<QWidget*>("helpWindow"));
+    }
+
 private:
     template <class Control>
-    Control* control(const char* id)
+    Control& control(int id)
     {
-        return sheet.activePage()->findChild<Control*>(id);
+        return *sheet.activePage()->findChild<Control*>(QString::number(id));
     }
 
-    void choose(const char* id, int row)
-    {
-        auto* list = control<QTreeView>(id);
-        list->setCurrentIndex(list->model()->index(row, 0));
-    }
-
-    void fill(const char* id, const char* text) { control<QComboBox>(id)->setEditText(text); }
+    void fill(int id, const char* text) { control<QComboBox>(id).setEditText(text); }
 
     void keep(const QString& name) { keep(name, sheet); }
 
@@ -88,16 +109,19 @@ private:
         window.grab().save(QString("%1/%2-%3.png").arg(folder, name, suffix));
     }
 
-    void keepError()
+    // Does what brings dialogs up, keeps the last one and answers all of them.
+    void keepDialog(const QString& name, void (QDialog::*answer)(), const std::function<void()>& action)
     {
-        fill("1041", "nowhere.dtd");
-        QTimer::singleShot(0, [this] {
-            QWidget* box = QApplication::activeModalWidget();
-            keep("error", *box);
-            box->close();
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (dialog == nullptr)
+                return;
+            dialog->grab().save(QString("%1/%2-%3.png").arg(folder, name, suffix));
+            (dialog->*answer)();
         });
-        sheet.next();
-        fill("1041", "order.dtd");
+        timer.start(50);
+        action();
     }
 
     QString folder;
@@ -121,6 +145,12 @@ int main(int argc, char* argv[])
     QDir::setCurrent(work);
     for (const QString& name : examples.entryList(QDir::Files))
         QFile::copy(examples.filePath(name), name);
-    Walk(pictures, tone).fileRoad();
+    {
+        Walk walk(pictures, tone);
+        walk.source();
+        walk.toFile();
+        walk.database();
+        walk.help();
+    }
     QDir(work).removeRecursively();
 }
