@@ -13,6 +13,7 @@ constexpr CharSet kBlank("\r\n\t ");
 constexpr CharSet kFieldTrim(" ()\r\n\t ");
 constexpr CharSet kSeparators(",|&");
 constexpr CharSet kMarks("*+?");
+constexpr CharSet kWhite(kWhitespace);
 constexpr std::size_t kKeywordLength = 7;
 
 bool isTextKeyword(std::string_view name)
@@ -44,15 +45,12 @@ MsgUIDescriptor DTDMessage::m_descr("\\sys\\rosettanet\\", IDS_DTD_NAME, IDS_DTD
 int DTDElement::beginEnum()
 {
     cursor = 0;
-    return !childNames.empty();
+    return !children.empty();
 }
 
-int DTDElement::enumNext(CString& out)
+DTDElement* DTDElement::enumNext()
 {
-    if (cursor >= childNames.size())
-        return 0;
-    out.assign(childNames[cursor++]);
-    return 1;
+    return cursor < children.size() ? children[cursor++] : nullptr;
 }
 
 DTDMessage::Text::Text(std::string_view whole) :
@@ -72,8 +70,7 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
         if (record->beginEnum())
             declareRecord(*record, path);
     dtdElements.clear();
-    ownedElements.clear();
-    madeNames.clear();
+    memory.release();
     return 1;
 }
 
@@ -202,7 +199,7 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
         if (mark.empty() || piece.ends_with('*') || piece.ends_with('+'))
             addDTDElement(piece, parent);
         else
-            addDTDElement(madeNames.emplace_back(piece).append(mark), parent);
+            addDTDElement(join(piece, mark), parent);
     }
 }
 
@@ -228,12 +225,21 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
         }
         if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)
             continue;
-        const std::string_view name = madeNames.emplace_back(element).append("_").append(attribute);
-        addDTDElement(name, nullptr);
-        addDTDElement(element, nullptr).addChild(name);
+        DTDElement& field = addDTDElement(join(element, "_", attribute), nullptr);
+        addDTDElement(element, nullptr).addChild(&field);
         drop(kCdata.size());
         drop(kImplied.size());
     }
+}
+
+// A name that does not stand in the text as it is.
+std::string_view DTDMessage::join(std::string_view a, std::string_view b, std::string_view c)
+{
+    char* joined = static_cast<char*>(memory.allocate(a.size() + b.size() + c.size(), 1));
+    std::size_t size = a.copy(joined, a.size());
+    size += b.copy(joined + size, b.size());
+    size += c.copy(joined + size, c.size());
+    return {joined, size};
 }
 
 // The entry of `child`, made when it is new; `parent` gets it as a child.
@@ -242,45 +248,50 @@ DTDElement& DTDMessage::addDTDElement(std::string_view child, DTDElement* parent
     const std::size_t hash = keyHash(child);
     DTDElement* entry = dtdElements.find(child, hash);
     if (!entry) {
-        entry = &ownedElements.emplace_back(child);
+        entry = std::pmr::polymorphic_allocator<>(&memory).new_object<DTDElement>(child, &memory);
         dtdElements.store(entry, hash);
     }
     if (parent)
-        parent->addChild(entry->queryName());
+        parent->addChild(entry);
     return *entry;
+}
+
+void DTDMessage::declareRecord(DTDElement& record, const CString& path)
+{
+    const CString name(record.queryName());
+    Element* row = addElement(name, path, name, fillText(loadText(IDS_AUTOMATIC), name), Element::typeRow, nullptr);
+    while (DTDElement* child = record.enumNext())
+        declareField(*child, path, name, row);
 }
 
 // A mark that repeats is said by declaring the usage twice: the message base makes a table of a usage that it has seen
 // twice.
-void DTDMessage::declareRecord(DTDElement& record, const CString& path)
+void DTDMessage::declareField(DTDElement& child, const CString& path, const CString& recordName, Element* record)
 {
-    const CString name(record.queryName());
-    CString description = fillText(loadText(IDS_AUTOMATIC), name);
-    Element* row = addElement(name, path, name, description, Element::typeRow, nullptr);
-    CString child, usageKey;
-    while (record.enumNext(child)) {
-        const Modifiers mark = getModifiers(child); // takes the mark off the name
-        fillText(description, loadText(IDS_AUTOMATIC), child);
-        usageKey.assign(name).append(".").append(child);
-        const int occurrences = mark == modStar || mark == modPlus ? 2 : 1;
-        for (int i = 0; i < occurrences; ++i)
-            addElement(usageKey, path, child, description, Element::typeString, row);
+    std::string_view name = child.queryName();
+    const Modifiers mark = getModifiers(name); // takes the mark off the name
+    usageKey.assign(recordName).append(".").append(name);
+    if (child.element) {
+        addUsage(usageKey, child.element, record);
+    } else {
+        const CString field(name);
+        child.element =
+            addElement(usageKey, path, field, fillText(loadText(IDS_AUTOMATIC), field), Element::typeString, record);
     }
+    if (mark == modStar || mark == modPlus)
+        addUsage(usageKey, child.element, record);
 }
 
 // Takes all marks off the end of a name; one that repeats counts more than a '?'.
-DTDMessage::Modifiers DTDMessage::getModifiers(CString& name)
+DTDMessage::Modifiers DTDMessage::getModifiers(std::string_view& name)
 {
     Modifiers found = modNone;
-    const std::string_view whole = trimmed(name);
-    std::string_view bare = whole;
-    while (bare.size() > 1 && kMarks.has(bare.back())) {
-        const Modifiers mark = bare.back() == '*' ? modStar : bare.back() == '+' ? modPlus : modOptional;
+    name = kWhite.trim(name);
+    while (name.size() > 1 && kMarks.has(name.back())) {
+        const Modifiers mark = name.back() == '*' ? modStar : name.back() == '+' ? modPlus : modOptional;
         if (found == modNone || found == modOptional)
             found = mark;
-        bare.remove_suffix(1);
+        name.remove_suffix(1);
     }
-    if (bare.size() != name.size())
-        name = CString(bare);
     return found;
 }

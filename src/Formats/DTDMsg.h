@@ -4,7 +4,7 @@
 #include "Formats/MsgBase.h"
 #include "Utils/KeyedTable.h"
 
-#include <deque>
+#include <memory_resource>
 #include <vector>
 
 /// One name that a DTD mentions, and the names that it holds. Texts are views: they live as long as the text that is
@@ -12,22 +12,25 @@
 class DTDElement
 {
 public:
-    explicit DTDElement(std::string_view name) : name(name) {}
+    DTDElement(std::string_view name, std::pmr::memory_resource* memory) : name(name), children(memory) {}
 
     std::string_view queryName() const { return name; }
 
-    /// Appends a child; the same name may stand more than once.
-    void addChild(std::string_view child) { childNames.push_back(child); }
+    /// Appends a child; the same one may stand more than once.
+    void addChild(DTDElement* child) { children.push_back(child); }
 
     /// Puts the cursor on the first child; nonzero when there is one.
     int beginEnum();
 
-    /// 0 at the end, else 1 with the child under the cursor in `out`.
-    int enumNext(CString& out);
+    /// The child under the cursor, or null at the end.
+    DTDElement* enumNext();
+
+    /// What the message model has for the name, marks taken off; null until it was declared.
+    Element* element = nullptr;
 
 private:
     std::string_view name;
-    std::vector<std::string_view> childNames;
+    std::pmr::vector<DTDElement*> children;
     std::size_t cursor = 0;
 };
 
@@ -87,13 +90,16 @@ private:
     void doParseField(std::size_t start, std::size_t end, DTDElement* parent);
     void formatField(std::string_view content, std::string_view mark, DTDElement* parent);
     void doParseAttlist(std::size_t start, std::size_t end);
+    std::string_view join(std::string_view a, std::string_view b, std::string_view c = {});
     DTDElement& addDTDElement(std::string_view child, DTDElement* parent);
     void declareRecord(DTDElement& record, const CString& path);
-    static Modifiers getModifiers(CString& name);
+    void declareField(DTDElement& child, const CString& path, const CString& recordName, Element* record);
+    static Modifiers getModifiers(std::string_view& name);
 
     CString mainType; // the first element that this importer ever read
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
-    std::deque<DTDElement> ownedElements;
-    std::deque<CString> madeNames; // names that do not stand in the text as they are
+    std::pmr::monotonic_buffer_resource
+        memory; // of the entries and of the names that don't stand in the text as they are
     Text* text = nullptr;
+    CString usageKey, description; // of the field in hand; kept for their room
 };

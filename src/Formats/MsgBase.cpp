@@ -6,7 +6,10 @@
 
 MsgBase::MsgBase(int mergeByName) : mergeByName(mergeByName) {}
 
-MsgBase::~MsgBase() = default;
+MsgBase::~MsgBase()
+{
+    deleteElements();
+}
 
 int MsgBase::parseFile(const CString& fileName, const CString& basePath)
 {
@@ -52,7 +55,7 @@ Element* MsgBase::findElement(const CString& name) const
     return mergeByName && !name.empty() ? elements.find(name) : nullptr;
 }
 
-ChildElement* MsgBase::findUsage(const CString& usageKey) const
+ChildElement* MsgBase::findUsage(std::string_view usageKey) const
 {
     return usageKey.empty() ? nullptr : usages.find(usageKey);
 }
@@ -62,22 +65,57 @@ Element* MsgBase::addElement(const CString& usageKey, const CString& path, const
 {
     Element* element = findElement(name);
     if (!element) {
-        element = &ownedElements.emplace_back(path, name, description, type, parent);
+        element = newElement(path, name, description, type);
         elements.store(element);
     }
-    ChildElement* usage = findUsage(usageKey);
-    if (!usage) {
-        usages.store(&ownedUsages.emplace_back(usageKey, element, parent));
-    } else {
+    addUsage(usageKey, element, parent);
+    return element;
+}
+
+void MsgBase::addUsage(std::string_view usageKey, Element* element, Element* parent)
+{
+    const std::size_t hash = keyHash(usageKey);
+    if (ChildElement* usage = usageKey.empty() ? nullptr : usages.find(usageKey, hash)) {
         usage->addInstance();
         if (usage->element == element && usage->parent == parent)
-            return element; // linked when the usage was made
+            return; // linked when the usage was made
+    } else {
+        std::pmr::polymorphic_allocator<> allocator(&memory);
+        char* key = static_cast<char*>(allocator.allocate_bytes(usageKey.size(), 1));
+        usageKey.copy(key, usageKey.size());
+        const std::string_view kept(key, usageKey.size());
+        usages.store(allocator.new_object<ChildElement>(kept, element, parent), hash);
     }
     if (parent) {
         element->addParent(parent);
         parent->addChild(element);
     }
+}
+
+Element* MsgBase::newElement(const CString& path, const CString& name, const CString& description,
+                             Element::ElementTypes type)
+{
+    const auto isLast = [&] { // `path` may lack the backslash that the element's has
+        return std::string_view(*lastPath).substr(0, path.size()) == path &&
+               lastPath->size() == path.size() + !path.ends_with('\\');
+    };
+    if (!lastPath || !isLast())
+        lastPath = std::make_shared<const CString>(path.ends_with('\\') ? path : path + '\\');
+    void* place = memory.allocate(sizeof(Element), alignof(Element));
+    return own(new (place) Element(lastPath, name, description, type, &memory));
+}
+
+Element* MsgBase::own(Element* element)
+{
+    ownedElements.push_back(element);
     return element;
+}
+
+void MsgBase::deleteElements()
+{
+    for (Element* element : ownedElements)
+        element->~Element();
+    ownedElements.clear();
 }
 
 Element* MsgBase::addAttribute(const CString& usageKey, const CString& path, const CString& name,
@@ -93,8 +131,8 @@ void MsgBase::clear()
     elements.clear();
     usages.clear();
     orderedList.clear();
-    ownedUsages.clear();
-    ownedElements.clear();
+    deleteElements();
+    memory.release();
     enumPosition = kNoPosition;
     typeCount = 0;
 }

@@ -6,6 +6,7 @@
 
 #include <deque>
 #include <functional>
+#include <memory_resource>
 #include <vector>
 
 class MsgBase;
@@ -97,6 +98,10 @@ public:
     CString& getBasePath() { return queryDescriptor()->getBasePath(); }
 
 protected:
+    /// Declares one more occurrence of an element that addElement() has returned before: what addElement() does with
+    /// the same name, without looking the name up.
+    void addUsage(std::string_view usageKey, Element* element, Element* parent);
+
     /// Empties the model.
     void clear();
 
@@ -107,7 +112,7 @@ protected:
     Element* findElement(const CString& name) const;
 
     /// Null for an empty key and for one that there is not.
-    ChildElement* findUsage(const CString& usageKey) const;
+    ChildElement* findUsage(std::string_view usageKey) const;
 
     /// Places an element: its ancestors before it, then the element, then its descendants; each once. Where parents
     /// form a cycle, a parent from which the climb in hand has already come is passed over.
@@ -130,6 +135,10 @@ private:
         bool parentsDone;
     };
 
+    Element* newElement(const CString& path, const CString& name, const CString& description,
+                        Element::ElementTypes type);
+    Element* own(Element* element);
+    void deleteElements();
     void beginPlacing(Element* element, std::uint32_t climb);
     Element* nextParentToPlace(Placing& placing);
     Element* nextChildToPlace(Element& element);
@@ -140,8 +149,10 @@ private:
     void makeTables();
     Element* makeTable(ChildElement& usage, const CString& tableName);
 
-    std::deque<Element> ownedElements; // also the ones that another has replaced under their key
-    std::deque<ChildElement> ownedUsages;
+    // Elements, usages and their texts and lists lie in memory that is only given back as a whole, on clear().
+    std::pmr::monotonic_buffer_resource memory;
+    std::vector<Element*> ownedElements; // also the ones that another has replaced under their key
+    Element::SharedText lastPath;        // nearly always the next element's too
     KeyedTable<Element, &Element::queryName> elements;
     KeyedTable<ChildElement, &ChildElement::queryUsageKey> usages;
     std::deque<Element*> orderedList;

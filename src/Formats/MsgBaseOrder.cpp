@@ -12,7 +12,7 @@ void MsgBase::onAfterParse()
     namesAreListed = false;
     typeCount = 0;
     lastClimb = 0;
-    climbsLeft = 1'000'000 + 2 * usages.size();
+    climbsLeft = 100'000 + 2 * usages.size();
     for (ChildElement* usage : usages)
         orderList(usage->element);
     placings = {};
@@ -26,7 +26,7 @@ void MsgBase::makeTables()
         Element* element = usage->element;
         if (usage->instances <= 1 || element->isAttribute)
             continue;
-        tableName.assign("t_").append(element->baseName);
+        tableName.assign("t_").append(element->queryBaseName());
         if (element->isPrimitive())
             element->setPrimitiveType();
         Element* table = findElement(tableName);
@@ -40,9 +40,10 @@ void MsgBase::makeTables()
 
 Element* MsgBase::makeTable(ChildElement& usage, const CString& tableName)
 {
-    Element* table = &ownedElements.emplace_back(*usage.element);
-    table->name = tableName;
-    fillText(table->description, loadText(IDS_AUTOMATIC), tableName);
+    void* place = memory.allocate(sizeof(Element), alignof(Element));
+    Element* table = own(new (place) Element(*usage.element, &memory));
+    table->setName(tableName);
+    table->setDescription(fillText(loadText(IDS_AUTOMATIC), tableName));
     table->type = Element::typeTable;
     table->addChild(usage.element);
     table->addParent(usage.parent);
@@ -137,7 +138,7 @@ void MsgBase::addToOrderedList(Element* element)
         if (known.empty())
             continue;
         // The short name that is left of the known type when the child's folder is taken off its front.
-        const std::size_t folder = child->path.size();
+        const std::size_t folder = child->queryPath().size();
         if (isListed(folder < known.size() ? known.substr(folder) : std::string_view())) {
             refersToListed = true;
             break;

@@ -1,51 +1,7 @@
 #include "Platform/DomTree.h"
-
-#include <array>
+#include "Platform/XmlEscape.h"
 
 namespace {
-
-using Escapes = std::array<const char*, 256>;
-
-// In attribute values white space other than blanks would be read back as a blank.
-constexpr Escapes attributeEscapes()
-{
-    Escapes escapes = {};
-    escapes['&'] = "&amp;";
-    escapes['<'] = "&lt;";
-    escapes['>'] = "&gt;";
-    escapes['"'] = "&quot;";
-    escapes['\t'] = "&#9;";
-    escapes['\n'] = "&#10;";
-    escapes['\r'] = "&#13;";
-    return escapes;
-}
-
-constexpr Escapes textEscapes()
-{
-    Escapes escapes = {};
-    escapes['&'] = "&amp;";
-    escapes['<'] = "&lt;";
-    escapes['>'] = "&gt;";
-    escapes['\r'] = "&#13;";
-    return escapes;
-}
-
-constexpr Escapes kAttributeEscapes = attributeEscapes();
-constexpr Escapes kTextEscapes = textEscapes();
-
-void writeEscaped(std::string_view text, const Escapes& escapes, CString& out)
-{
-    std::size_t done = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char* const escape = escapes[static_cast<unsigned char>(text[at])];
-        if (!escape)
-            continue;
-        out.append(text, done, at - done);
-        out += escape;
-        done = at + 1;
-    }
-    out.append(text, done);
-}
 
 void writeStart(const DomTreeNode& element, CString& out)
 {
@@ -84,11 +40,11 @@ void writeNode(const DomNode& node, CString& out)
     case DomKind::attribute:
         out += node.name;
         out += "=\"";
-        writeEscaped(node.value, kAttributeEscapes, out);
+        appendXmlValue(out, node.value);
         out += '"';
         return;
     case DomKind::text:
-        return writeEscaped(node.value, kTextEscapes, out);
+        return appendXmlContent(out, node.value);
     case DomKind::cdata:
         out.append("<![CDATA[").append(node.value).append("]]>");
         return;

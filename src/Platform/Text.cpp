@@ -66,6 +66,36 @@ bool isXmlChar(char32_t code)
     return code != 0xFFFE && code != 0xFFFF;
 }
 
+using Eight = std::uint64_t; // eight characters at a time
+
+constexpr Eight every(unsigned char c)
+{
+    return c * Eight{0x0101010101010101};
+}
+
+Eight eightAt(const char* bytes)
+{
+    Eight eight;
+    std::memcpy(&eight, bytes, sizeof eight);
+    return eight;
+}
+
+// A high bit for each of the eight that is zero, and perhaps for some above the first such.
+Eight zeros(Eight eight)
+{
+    return (eight - every(1)) & ~eight & every(0x80);
+}
+
+// Nonzero when one of the eight is a control character, no ASCII, or one of & < > ".
+Eight specials(Eight eight)
+{
+    const Eight controls = (eight - every(0x20)) & ~eight & every(0x80);
+    const Eight others = eight & every(0x80);
+    const Eight ampersandOrQuote = zeros((eight | every('&' ^ '"')) ^ every('&'));
+    const Eight angles = zeros((eight | every('<' ^ '>')) ^ every('>'));
+    return controls | others | ampersandOrQuote | angles;
+}
+
 bool isUtf8(std::string_view bytes)
 {
     for (std::size_t at = 0; at < bytes.size();)
@@ -116,14 +146,27 @@ CString fillText(std::string_view format, std::string_view value)
     return out;
 }
 
+bool isPlainXmlText(std::string_view bytes)
+{
+    const char* at = bytes.data();
+    std::size_t left = bytes.size();
+    if (left < sizeof(Eight)) {
+        Eight few = every(' ');
+        std::memcpy(&few, at, left);
+        return specials(few) == 0;
+    }
+    for (; left > sizeof(Eight); at += sizeof(Eight), left -= sizeof(Eight))
+        if (specials(eightAt(at)) != 0)
+            return false;
+    return specials(eightAt(at + left - sizeof(Eight))) == 0;
+}
+
 bool isXmlText(std::string_view bytes)
 {
     for (std::size_t at = 0; at < bytes.size();) {
-        std::uint64_t eight; // nearly every text is plain ASCII: eight bytes at a time while it is
-        if (bytes.size() - at >= sizeof eight) {
-            std::memcpy(&eight, bytes.data() + at, sizeof eight);
-            constexpr std::uint64_t high = 0x8080808080808080, space = 0x2020202020202020;
-            if (((eight | (eight - space)) & high) == 0) {
+        if (bytes.size() - at >= sizeof(Eight)) { // nearly every text is plain ASCII
+            const Eight eight = eightAt(bytes.data() + at);
+            if (((eight | (eight - every(0x20))) & every(0x80)) == 0) {
                 at += sizeof eight;
                 continue;
             }

@@ -33,5 +33,9 @@ void fillText(CString& out, std::string_view format, std::string_view value);
 /// and a character outside of XML 1.0's Char production (https://www.w3.org/TR/xml/#charsets) becomes U+FFFD.
 CString toXmlText(std::string_view bytes);
 
+/// True when all bytes are printable ASCII and none of & < > ": such a text stands in XML as it is, also in an
+/// attribute value. False may be answered for any other text.
+bool isPlainXmlText(std::string_view bytes);
+
 /// True when toXmlText() would change nothing, so that the text can be used where it stands.
 bool isXmlText(std::string_view bytes);

@@ -1,106 +1,116 @@
 #include "Utils/BrokerType.h"
 
-#include "Utils/XMLDoc.h"
+#include "Platform/XmlEscape.h"
 
-BrokerTypeDescription::BrokerTypeDescription(const CString& name, const CString& description, const CString& path)
-{
-    Initialize(name, description, path);
-}
+#include <utility>
 
-void BrokerTypeDescription::Initialize(const CString& typeName, const CString& typeDescription, const CString& path)
+namespace {
+
+constexpr std::string_view kRoot = "BROKERTYPEDESCRIPTION";
+
+} // namespace
+
+BrokerTypeDescription::BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path,
+                                             CString storage) :
+    text(std::move(storage))
 {
-    document = XmlDocument().queryDocument();
-    root = document.createElement("BROKERTYPEDESCRIPTION");
-    name = typeName;
-    root.setAttribute("NAME", (path.ends_with('\\') ? path : path + '\\') + name);
-    if (!typeDescription.empty()) {
-        root.setAttribute("DESCRIPTION", typeDescription);
-        description = typeDescription;
-    }
-    document.appendChild(root);
+    CString fullName(path);
+    if (!path.ends_with('\\'))
+        fullName += '\\';
+    fullName += name;
+    text.assign("<").append(kRoot);
+    appendXmlAttribute(text, "NAME", fullName);
+    if (!description.empty())
+        appendXmlAttribute(text, "DESCRIPTION", description);
 }
 
 int BrokerTypeDescription::addRow()
 {
-    if (state != stateEmpty)
-        return 0;
-    content = document.createElement("ROW");
-    addContent(stateRow);
-    return 1;
+    return openContent("ROW", stateRow);
 }
 
-int BrokerTypeDescription::addField(const CString& fieldName, const CString& fieldDescription, const CString& type)
+int BrokerTypeDescription::addField(std::string_view name, std::string_view description, std::string_view type)
 {
     if (state != stateRow)
         return 0;
-    addDescribed("FIELD", fieldName, fieldDescription).setAttribute("TYPE", type);
+    openItem("<FIELD", name, description);
+    appendXmlAttribute(text, "TYPE", type);
     return 1;
 }
 
 int BrokerTypeDescription::addEnum()
 {
-    if (state != stateEmpty)
-        return 0;
-    content = document.createElement("ENUM");
-    addContent(stateEnum);
-    return 1;
+    return openContent("ENUM", stateEnum);
 }
 
-int BrokerTypeDescription::addConstant(const CString& constantName, const CString& constantDescription)
+int BrokerTypeDescription::addConstant(std::string_view name, std::string_view description)
 {
     if (state != stateEnum)
         return 0;
-    addDescribed("CONSTANT", constantName, constantDescription);
+    openItem("<CONSTANT", name, description);
     return 1;
 }
 
-int BrokerTypeDescription::addArray(const CString& size, const CString& componentType)
+int BrokerTypeDescription::addArray(std::string_view size, std::string_view componentType)
 {
-    if (state != stateEmpty)
+    if (!openContent("ARRAY", stateArray))
         return 0;
-    content = document.createElement("ARRAY");
-    content.setAttribute("SIZE", size);
+    appendXmlAttribute(text, "SIZE", size);
     addComponent(componentType);
-    addContent(stateArray);
     return 1;
 }
 
-int BrokerTypeDescription::addTable(const CString& componentType)
+int BrokerTypeDescription::addTable(std::string_view componentType)
 {
-    if (state != stateEmpty)
+    if (!openContent("TABLE", stateTable))
         return 0;
-    content = document.createElement("TABLE");
     addComponent(componentType);
-    addContent(stateTable);
     return 1;
 }
 
 void BrokerTypeDescription::queryXML(CString& out) const
 {
-    out.clear();
-    document.appendXml(out);
+    out = text;
+    appendEnd(out);
 }
 
-void BrokerTypeDescription::addComponent(const CString& componentType)
+CString BrokerTypeDescription::takeXML() &&
 {
-    const IXMLDOMElement component = document.createElement("COMPONENT");
-    component.setAttribute("TYPE", componentType);
-    content.appendChild(component);
+    appendEnd(text);
+    return std::move(text);
 }
 
-void BrokerTypeDescription::addContent(State added)
+int BrokerTypeDescription::openContent(std::string_view tag, State opened)
 {
-    root.appendChild(content);
-    state = added;
+    if (state != stateEmpty)
+        return 0;
+    state = opened;
+    content = tag;
+    text.append("><").append(tag);
+    return 1;
 }
 
-IXMLDOMElement BrokerTypeDescription::addDescribed(std::string_view tag, const CString& itemName,
-                                                   const CString& itemDescription)
+void BrokerTypeDescription::openItem(std::string_view tag, std::string_view name, std::string_view description)
 {
-    const IXMLDOMElement element = document.createElement(tag);
-    element.setAttribute("NAME", itemName);
-    if (!itemDescription.empty())
-        element.setAttribute("DESCRIPTION", itemDescription);
-    content.appendChild(element);
-    return element;
+    text.append(hasItems ? "/>" : ">").append(tag);
+    hasItems = true;
+    appendXmlAttribute(text, "NAME", name);
+    if (!description.empty())
+        appendXmlAttribute(text, "DESCRIPTION", description);
+}
+
+void BrokerTypeDescription::addComponent(std::string_view componentType)
+{
+    text.append("><COMPONENT");
+    hasItems = true;
+    appendXmlAttribute(text, "TYPE", componentType);
+}
+
+void BrokerTypeDescription::appendEnd(CString& out) const
+{
+    out.append("/>");
+    if (hasItems)
+        out.append("</").append(content).append(">");
+    if (state != stateEmpty)
+        out.append("</").append(kRoot).append(">");
 }

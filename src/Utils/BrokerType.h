@@ -1,32 +1,40 @@
 #pragma once
 
-#include "Platform/Dom.h"
+#include "Platform/Text.h"
 
 /// Builds the BROKERTYPEDESCRIPTION document of one broker type: its full name, its description, and at most one
 /// content element with what belongs into it. Every add operation answers 1, or 0 and changes nothing when the content
 /// element that was added (or that there is none yet) doesn't accept it.
+///
+/// The document is written as text as it grows, not built as a tree first: an import has as many fields as its source,
+/// and the nodes of each would cost several times what writing it does.
 class BrokerTypeDescription
 {
 public:
-    /// NAME is `path` and `name`, with one backslash between; DESCRIPTION is written where there is one.
-    BrokerTypeDescription(const CString& name, const CString& description, const CString& path);
+    /// NAME is `path` and `name`, with one backslash between; DESCRIPTION is written where there is one. `storage`
+    /// lends its room to the document; what it holds is lost.
+    BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path,
+                          CString storage = {});
 
     /// An empty ROW, which takes fields.
     int addRow();
-    int addField(const CString& fieldName, const CString& fieldDescription, const CString& type);
+    int addField(std::string_view name, std::string_view description, std::string_view type);
 
     /// An empty ENUM, which takes constants.
     int addEnum();
-    int addConstant(const CString& constantName, const CString& constantDescription);
+    int addConstant(std::string_view name, std::string_view description);
 
     /// An ARRAY of SIZE `size` with its COMPONENT.
-    int addArray(const CString& size, const CString& componentType);
+    int addArray(std::string_view size, std::string_view componentType);
 
     /// A TABLE with its COMPONENT.
-    int addTable(const CString& componentType);
+    int addTable(std::string_view componentType);
 
     /// Replaces `out` with the text of the document: no declaration, no white space between tags.
     void queryXML(CString& out) const;
+
+    /// The same, for a builder that isn't needed any more.
+    CString takeXML() &&;
 
 private:
     enum State
@@ -38,15 +46,13 @@ private:
         stateTable = 4
     };
 
-    void Initialize(const CString& name, const CString& description, const CString& path);
-    void addComponent(const CString& componentType);
-    void addContent(State added);
-    IXMLDOMElement addDescribed(std::string_view tag, const CString& name, const CString& description);
+    int openContent(std::string_view tag, State opened);
+    void openItem(std::string_view tag, std::string_view name, std::string_view description);
+    void addComponent(std::string_view componentType);
+    void appendEnd(CString& out) const;
 
-    CString name;
-    CString description;
-    IXMLDOMDocument document;
-    IXMLDOMElement root;
-    IXMLDOMElement content;
+    CString text;             // all but the end; the tag written last is still without its '>'
+    std::string_view content; // the tag of the content element
+    bool hasItems = false;
     State state = stateEmpty;
 };

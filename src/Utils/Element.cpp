@@ -1,72 +1,90 @@
 #include "Utils/Element.h"
 
-#include <algorithm>
+#include "Resources/StringTable.h"
 
 namespace {
 
-// Up to this many entries a walk over the list is quicker than an index, and most lists stay below it.
-constexpr std::size_t kWalked = 16;
+const CString kEmpty;
+
+// True when `description` is the generated one, "%s (Automatically created)", of `name`.
+bool isGenerated(std::string_view description, std::string_view name)
+{
+    static const std::string_view suffix = std::string_view(loadText(IDS_AUTOMATIC)).substr(2);
+    return description.size() == name.size() + suffix.size() && description.starts_with(name) &&
+           description.ends_with(suffix);
+}
+
+std::unique_ptr<std::pmr::memory_resource> newMemory()
+{
+    return std::make_unique<std::pmr::monotonic_buffer_resource>();
+}
+
+std::unique_ptr<CString> copyOf(const std::unique_ptr<CString>& text)
+{
+    return text ? std::make_unique<CString>(*text) : nullptr;
+}
 
 } // namespace
 
-bool ElementList::add(Element* element)
+Element::Element(SharedText path, const CString& name, const CString& description, ElementTypes type,
+                 std::pmr::memory_resource* memory) :
+    path(std::move(path)),
+    name(name), memory(memory), type(type)
 {
-    if (contains(element))
-        return false;
-    addNew(element);
-    return true;
-}
-
-void ElementList::addNew(Element* element)
-{
-    items.push_back(element);
-    if (index)
-        index->insert(element);
-    else if (items.size() > kWalked)
-        index = std::make_unique<std::unordered_set<Element*>>(items.begin(), items.end());
-}
-
-bool ElementList::contains(Element* element) const
-{
-    return index ? index->contains(element) : std::find(items.begin(), items.end(), element) != items.end();
-}
-
-void ElementList::replace(Element* old, Element* replacement)
-{
-    const auto place = std::find(items.begin(), items.end(), old);
-    if (place == items.end())
-        return;
-    *place = replacement;
-    if (index) {
-        index->erase(old);
-        index->insert(replacement);
-    }
+    setDescription(description);
 }
 
 Element::Element(const CString& path, const CString& name, const CString& description, ElementTypes type,
                  Element* parent) :
-    path(path),
-    name(name), description(description), baseName(name), type(type)
+    Element(std::make_shared<const CString>(path.ends_with('\\') ? path : path + '\\'), name, description, type,
+            nullptr)
 {
-    if (!this->path.ends_with('\\'))
-        this->path += '\\';
     addParent(parent);
 }
 
-Element::Element(const Element& other) :
-    path(other.path), name(other.name), description(other.description), baseName(other.baseName),
-    knownType(other.knownType), type(other.type), isAttribute(other.isAttribute), placed(other.placed)
+Element::Element(const Element& other, std::pmr::memory_resource* memory) :
+    path(other.path), name(other.name), knownType(other.knownType), baseName(copyOf(other.baseName)),
+    description(copyOf(other.description)), ownMemory(memory ? nullptr : newMemory()),
+    memory(memory ? memory : ownMemory.get()), type(other.type), isAttribute(other.isAttribute), placed(other.placed),
+    isDescribedByName(other.isDescribedByName)
 {}
+
+Element::Element(const Element& other) : Element(other, nullptr) {}
+
+const CString& Element::queryDescription() const
+{
+    if (!description && isDescribedByName)
+        description = std::make_unique<CString>(fillText(loadText(IDS_AUTOMATIC), name));
+    return description ? *description : kEmpty;
+}
+
+const CString& Element::querySize() const
+{
+    return size ? *size : kEmpty;
+}
+
+void Element::setName(const CString& newName)
+{
+    if (!baseName)
+        baseName = std::make_unique<CString>(name);
+    name = newName;
+}
+
+void Element::setDescription(const CString& newDescription)
+{
+    isDescribedByName = isGenerated(newDescription, name);
+    description = isDescribedByName || newDescription.empty() ? nullptr : std::make_unique<CString>(newDescription);
+}
 
 void Element::addParent(Element* parent)
 {
     if (parent)
-        parents.add(parent);
+        parents.add(parent, *memory);
 }
 
 int Element::addChild(Element* child)
 {
-    if (!children.add(child))
+    if (!children.add(child, *memory))
         return 0;
     if (isPrimitive())
         type = typeRow;
@@ -87,7 +105,3 @@ void Element::setPrimitiveType()
     else if (type == typeDate)
         knownType = "Time";
 }
-
-ChildElement::ChildElement(const CString& usageKey, Element* element, Element* parent) :
-    usageKey(usageKey), element(element), parent(parent)
-{}

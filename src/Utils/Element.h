@@ -4,34 +4,35 @@
 
 #include <cstdint>
 #include <memory>
-#include <unordered_set>
-#include <vector>
+#include <memory_resource>
 
-class BrokerTypeDescription;
 class Element;
 
-/// Elements in the order in which they were added, each at most once. Owns none of them.
+/// Elements in the order in which they were added, each at most once. Owns none of them, and lies in memory that is
+/// only given back as a whole.
 class ElementList
 {
 public:
-    /// False, and no change, when `element` is already listed.
-    bool add(Element* element);
-
-    /// Appends an element that is known not to be listed.
-    void addNew(Element* element);
+    /// Appends `element`, with room from `memory`. False, and no change, when it is already listed.
+    bool add(Element* element, std::pmr::memory_resource& memory);
 
     /// Puts `replacement` where `old` stands; does nothing when `old` is not listed.
     void replace(Element* old, Element* replacement);
 
-    bool contains(Element* element) const;
-    std::size_t size() const { return items.size(); }
+    std::size_t size() const { return count; }
     Element* operator[](std::size_t at) const { return items[at]; }
-    auto begin() const { return items.begin(); }
-    auto end() const { return items.end(); }
+    Element** begin() const { return items; }
+    Element** end() const { return items + count; }
 
 private:
-    std::vector<Element*> items;
-    std::unique_ptr<std::unordered_set<Element*>> index; // made when a walk over `items` would get long
+    bool contains(const Element* element) const;
+    void grow(std::pmr::memory_resource& memory);
+    Element** slotOf(const Element* element) const;
+
+    Element** items = nullptr;
+    Element** index = nullptr; // a hash table of twice `capacity`, made when a walk over `items` would get long
+    std::uint32_t count = 0;
+    std::uint32_t capacity = 0;
 };
 
 /// One node of an imported message: a type of its own (a record, table, enumeration or array) or a field. Importers
@@ -39,6 +40,9 @@ private:
 class Element
 {
 public:
+    /// A text that many elements have in common.
+    using SharedText = std::shared_ptr<const CString>;
+
     enum ElementTypes : int
     {
         typeEnum = 0,   ///< its children are its constants
@@ -58,19 +62,19 @@ public:
     Element(const Element& other);
     Element& operator=(const Element&) = delete;
 
-    const CString& queryPath() const { return path; }
+    const CString& queryPath() const { return *path; }
     const CString& queryName() const { return name; }
-    const CString& queryDescription() const { return description; }
-    const CString& queryBaseName() const { return baseName; }
+    const CString& queryDescription() const;
+    const CString& queryBaseName() const { return baseName ? *baseName : name; }
     const CString& queryKnownType() const { return knownType; }
-    const CString& querySize() const { return size; }
+    const CString& querySize() const;
     ElementTypes queryType() const { return type; }
     int queryIsAttribute() const { return isAttribute; }
     const ElementList& queryChildren() const { return children; }
     const ElementList& queryParents() const { return parents; }
 
     void setType(ElementTypes newType) { type = newType; }
-    void setSize(const CString& newSize) { size = newSize; }
+    void setSize(const CString& newSize) { size = std::make_unique<CString>(newSize); }
     void setKnownType(const CString& newKnownType) { knownType = newKnownType; }
     void asAttribute() { isAttribute = 1; }
 
@@ -92,22 +96,35 @@ public:
 private:
     friend class MsgBase;
 
+    // For MsgBase, which gives all elements of one folder the same path, and has memory for their lists.
+    // Null memory: the element has its own.
+    Element(SharedText path, const CString& name, const CString& description, ElementTypes type,
+            std::pmr::memory_resource* memory);
+    Element(const Element& other, std::pmr::memory_resource* memory);
+
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
+    void setName(const CString& newName);
+    void setDescription(const CString& newDescription);
     CString componentType() const;
-    void addFieldTo(BrokerTypeDescription& builder, const Element& child) const;
+    std::string_view fieldType() const; // of a field kind
 
-    CString path;
+    // An import has very many elements, so what most of them don't have costs a pointer, and the description that
+    // nearly all of them have, the generated one of their name, is made when it is asked for.
+    SharedText path; // ends with a backslash
     CString name;
-    CString description;
-    CString baseName;
     CString knownType;
-    ElementTypes type;
-    int isAttribute = 0;
+    std::unique_ptr<CString> baseName;            // null while it is the same as the name
+    mutable std::unique_ptr<CString> description; // null also for a generated one that nobody has asked for
+    std::unique_ptr<CString> size;                // null: empty
     ElementList children;
     ElementList parents;
-    int placed = 0;
-    CString size;
+    std::unique_ptr<std::pmr::memory_resource> ownMemory;
+    std::pmr::memory_resource* memory; // of the lists
+    ElementTypes type;
+    std::uint8_t isAttribute = 0;
+    std::uint8_t placed = 0;
+    bool isDescribedByName = false; // by the generated description
 
     // Where the ordering pass stands at this element: all parents before the first index and all children before the
     // second are placed; `climb` is the last climb that came by.
@@ -120,9 +137,12 @@ private:
 class ChildElement
 {
 public:
-    ChildElement(const CString& usageKey, Element* element, Element* parent);
+    /// The text of `usageKey` is not copied: it must live as long as the usage.
+    ChildElement(std::string_view usageKey, Element* element, Element* parent) :
+        usageKey(usageKey), element(element), parent(parent)
+    {}
 
-    const CString& queryUsageKey() const { return usageKey; }
+    std::string_view queryUsageKey() const { return usageKey; }
     Element* queryElement() const { return element; }
     Element* queryParent() const { return parent; }
     unsigned int queryInstances() const { return instances; }
@@ -132,7 +152,7 @@ private:
 
     void addInstance() { ++instances; }
 
-    CString usageKey;
+    std::string_view usageKey;
     Element* element;
     Element* parent;
     unsigned int instances = 1;

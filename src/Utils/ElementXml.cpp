@@ -3,24 +3,60 @@
 #include "Utils/BrokerType.h"
 #include "Utils/Element.h"
 
+namespace {
+
+// The texts of one field at a time, kept for their room.
+struct Scratch
+{
+    CString description;
+    CString type;
+
+    std::string_view generated(std::string_view name)
+    {
+        static const char* const format = loadText(IDS_AUTOMATIC);
+        fillText(description, format, name);
+        return description;
+    }
+
+    std::string_view fullName(std::string_view path, std::string_view name)
+    {
+        type.assign(path).append(name);
+        return type;
+    }
+};
+
+} // namespace
+
 void Element::asXML(CString& out)
 {
-    BrokerTypeDescription builder(name, description, path);
+    Scratch scratch;
+    const auto describe = [&scratch](const Element& element) {
+        return element.isDescribedByName ? scratch.generated(element.name)
+                                         : std::string_view(element.queryDescription());
+    };
+    BrokerTypeDescription builder(name, describe(*this), *path, std::move(out));
     switch (type) {
     case typeEnum:
         builder.addEnum();
         for (const Element* child : children)
-            builder.addConstant(child->name, child->description);
+            builder.addConstant(child->name, describe(*child));
         break;
     case typeArray:
-        if (size.empty())
-            size = "5";
-        builder.addArray(size, componentType());
+        if (querySize().empty())
+            setSize("5");
+        builder.addArray(querySize(), componentType());
         break;
     case typeRow:
         builder.addRow();
-        for (const Element* child : children)
-            addFieldTo(builder, *child);
+        for (const Element* child : children) {
+            if (child->type == typeTable)
+                builder.addField(child->queryBaseName(), scratch.generated(child->queryBaseName()),
+                                 scratch.fullName(*path, child->name));
+            else if (child->type == typeRow)
+                builder.addField(child->name, describe(*child), scratch.fullName(*path, child->queryBaseName()));
+            else if (child->type != typeEnum && child->type != typeArray)
+                builder.addField(child->name, describe(*child), child->fieldType());
+        }
         break;
     case typeTable:
         builder.addTable(componentType());
@@ -28,37 +64,24 @@ void Element::asXML(CString& out)
     default:
         break;
     }
-    builder.queryXML(out);
+    out = std::move(builder).takeXML();
 }
 
 CString Element::componentType() const
 {
-    return knownType.empty() ? path + baseName : knownType;
+    return knownType.empty() ? *path + queryBaseName() : knownType;
 }
 
-void Element::addFieldTo(BrokerTypeDescription& builder, const Element& child) const
+std::string_view Element::fieldType() const
 {
-    switch (child.type) {
-    case typeRow:
-        builder.addField(child.name, child.description, path + child.baseName);
-        break;
-    case typeTable:
-        builder.addField(child.baseName, fillText(loadText(IDS_AUTOMATIC), child.baseName), path + child.name);
-        break;
+    switch (type) {
     case typeString:
-        builder.addField(child.name, child.description, "String");
-        break;
+        return "String";
     case typeNumber:
-        builder.addField(child.name, child.description, "Number");
-        break;
+        return "Number";
     case typeDate:
-        builder.addField(child.name, child.description, "Time");
-        break;
-    case typeOther:
-        builder.addField(child.name, child.description, child.knownType);
-        break;
-    case typeEnum:
-    case typeArray:
-        break; // no field
+        return "Time";
+    default:
+        return knownType;
     }
 }

@@ -1,0 +1,38 @@
+#!/usr/bin/env python3
+"""Writes a DTD of N declarations to standard output: generate-dtd.py N [--web]
+
+Records in a tree, as message definitions are: each holds text elements of its own, some from a pool that many records
+share, records declared behind it and an attribute; every twentieth declaration has a comment. With --web every record
+refers to records anywhere in the file, before it or behind it, so that nearly all of them form one great cycle.
+"""
+import random
+import sys
+
+
+def record(i, count, web):
+    own = [f"Detail{i:06d}{c}" for c in "AB"]
+    shared = [f"Common{random.randrange(400):03d}" for _ in range(3)]
+    if web:
+        children = [f"Record{random.randrange(count):06d}" for _ in range(3)]
+    else:
+        children = [f"Record{j:06d}" for j in range(3 * i + 1, 3 * i + 4) if j < count]
+    fields = [name + random.choice(["", "", "?", "*", "+"]) for name in own + shared + children]
+    model = f"{', '.join(fields[:-2])}, ({' | '.join(fields[-2:])})*"
+    yield f"<!ELEMENT Record{i:06d} ({model})>\n"
+    yield f"<!ATTLIST Record{i:06d} identifier{i:06d} CDATA #IMPLIED>\n"
+    for name in own:
+        yield f"<!ELEMENT {name} (#PCDATA)>\n"
+
+
+def main():
+    declarations = int(sys.argv[1])
+    web = "--web" in sys.argv[2:]
+    random.seed(1)
+    count = declarations // 4
+    for i in range(count):
+        if i % 5 == 0:
+            sys.stdout.write(f"<!-- Record {i}: what the sender knows of it, as agreed between the two sides. -->\n")
+        sys.stdout.writelines(record(i, count, web))
+
+
+main()
