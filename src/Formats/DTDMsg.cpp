@@ -259,7 +259,7 @@ DTDElement& DTDMessage::addDTDElement(std::string_view child, DTDElement* parent
 void DTDMessage::declareRecord(DTDElement& record, const CString& path)
 {
     const CString name(record.queryName());
-    Element* row = addElement(name, path, name, fillText(loadText(IDS_AUTOMATIC), name), Element::typeRow, nullptr);
+    Element* row = addElement(name, path, name, Element::typeRow, nullptr);
     while (DTDElement* child = record.enumNext())
         declareField(*child, path, name, row);
 }

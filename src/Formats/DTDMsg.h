@@ -101,5 +101,5 @@ private:
     std::pmr::monotonic_buffer_resource
         memory; // of the entries and of the names that don't stand in the text as they are
     Text* text = nullptr;
-    CString usageKey, description; // of the field in hand; kept for their room
+    CString usageKey; // of the field in hand; kept for its room
 };

@@ -65,8 +65,20 @@ Element* MsgBase::addElement(const CString& usageKey, const CString& path, const
 {
     Element* element = findElement(name);
     if (!element) {
-        element = newElement(path, name, description, type);
-        elements.store(element);
+        element = newElement(path, name, type);
+        element->setDescription(description);
+    }
+    addUsage(usageKey, element, parent);
+    return element;
+}
+
+Element* MsgBase::addElement(std::string_view usageKey, const CString& path, const CString& name,
+                             Element::ElementTypes type, Element* parent)
+{
+    Element* element = findElement(name);
+    if (!element) {
+        element = newElement(path, name, type);
+        element->describeByName();
     }
     addUsage(usageKey, element, parent);
     return element;
@@ -92,8 +104,7 @@ void MsgBase::addUsage(std::string_view usageKey, Element* element, Element* par
     }
 }
 
-Element* MsgBase::newElement(const CString& path, const CString& name, const CString& description,
-                             Element::ElementTypes type)
+Element* MsgBase::newElement(const CString& path, const CString& name, Element::ElementTypes type)
 {
     const auto isLast = [&] { // `path` may lack the backslash that the element's has
         return std::string_view(*lastPath).substr(0, path.size()) == path &&
@@ -102,7 +113,9 @@ Element* MsgBase::newElement(const CString& path, const CString& name, const CSt
     if (!lastPath || !isLast())
         lastPath = std::make_shared<const CString>(path.ends_with('\\') ? path : path + '\\');
     void* place = memory.allocate(sizeof(Element), alignof(Element));
-    return own(new (place) Element(lastPath, name, description, type, &memory));
+    Element* element = own(new (place) Element(lastPath, name, type, &memory));
+    elements.store(element);
+    return element;
 }
 
 Element* MsgBase::own(Element* element)

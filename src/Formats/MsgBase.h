@@ -98,6 +98,10 @@ public:
     CString& getBasePath() { return queryDescriptor()->getBasePath(); }
 
 protected:
+    /// addElement() with the generated description of the name, without making its text.
+    Element* addElement(std::string_view usageKey, const CString& path, const CString& name, Element::ElementTypes type,
+                        Element* parent);
+
     /// Declares one more occurrence of an element that addElement() has returned before: what addElement() does with
     /// the same name, without looking the name up.
     void addUsage(std::string_view usageKey, Element* element, Element* parent);
@@ -135,8 +139,7 @@ private:
         bool parentsDone;
     };
 
-    Element* newElement(const CString& path, const CString& name, const CString& description,
-                        Element::ElementTypes type);
+    Element* newElement(const CString& path, const CString& name, Element::ElementTypes type);
     Element* own(Element* element);
     void deleteElements();
     void beginPlacing(Element* element, std::uint32_t climb);

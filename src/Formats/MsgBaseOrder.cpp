@@ -1,6 +1,5 @@
 // What MsgBase does after the parse: tables for what repeats, and the order in which the types come out.
 #include "Formats/MsgBase.h"
-#include "Resources/StringTable.h"
 
 #include <algorithm>
 
@@ -43,7 +42,8 @@ Element* MsgBase::makeTable(ChildElement& usage, const CString& tableName)
     void* place = memory.allocate(sizeof(Element), alignof(Element));
     Element* table = own(new (place) Element(*usage.element, &memory));
     table->setName(tableName);
-    table->setDescription(fillText(loadText(IDS_AUTOMATIC), tableName));
+    table->description.reset();
+    table->describeByName();
     table->type = Element::typeTable;
     table->addChild(usage.element);
     table->addParent(usage.parent);
@@ -133,6 +133,7 @@ void MsgBase::place(Element& element)
 void MsgBase::addToOrderedList(Element* element)
 {
     bool refersToListed = false;
+    prefetch(element->children);
     for (const Element* child : element->children) {
         const std::string_view known = child->knownType;
         if (known.empty())

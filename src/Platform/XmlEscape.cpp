@@ -49,16 +49,6 @@ void appendEscaped(CString& out, std::string_view text, const Escapes& escapes)
 
 } // namespace
 
-void appendXmlAttribute(CString& out, std::string_view name, std::string_view value)
-{
-    out.append(1, ' ').append(name).append("=\"", 2);
-    if (isPlainXmlText(value))
-        out.append(value);
-    else
-        appendEscaped(out, isXmlText(value) ? value : std::string_view(toXmlText(value)), kAttributeEscapes);
-    out += '"';
-}
-
 void appendXmlValue(CString& out, std::string_view value)
 {
     appendEscaped(out, value, kAttributeEscapes);

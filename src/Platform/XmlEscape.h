@@ -2,12 +2,9 @@
 
 #include "Platform/Text.h"
 
-/// Appends an attribute, a blank before it: the value is made fit for XML (toXmlText) and & < > " and white space other
+/// Appends a text that is fit for XML, as the value of an attribute between its quotes: & < > " and white space other
 /// than blanks are written as references (https://www.w3.org/TR/xml/#AVNormalize would turn such white space into
 /// blanks).
-void appendXmlAttribute(CString& out, std::string_view name, std::string_view value);
-
-/// Appends a text that is fit for XML, as the value of an attribute between its quotes.
 void appendXmlValue(CString& out, std::string_view value);
 
 /// Appends a text that is fit for XML, as content: & < > and carriage returns are written as references.

@@ -1,27 +1,43 @@
 #include "Utils/BrokerType.h"
 
-#include "Platform/XmlEscape.h"
+template <std::size_t N>
+int BrokerTypeDescription::openContent(const char (&tag)[N], State opened)
+{
+    if (state != stateEmpty)
+        return 0;
+    state = opened;
+    content = tag;
+    text.append("><");
+    text.append(tag);
+    return 1;
+}
 
-#include <utility>
-
-namespace {
-
-constexpr std::string_view kRoot = "BROKERTYPEDESCRIPTION";
-
-} // namespace
+template <std::size_t N>
+void BrokerTypeDescription::openItem(const char (&tag)[N], std::string_view name, std::string_view description)
+{
+    if (hasItems)
+        text.append("/>");
+    else
+        text.append(">");
+    hasItems = true;
+    text.append(tag);
+    text.attribute(" NAME=\"", name);
+    if (!description.empty())
+        text.attribute(" DESCRIPTION=\"", description);
+}
 
 BrokerTypeDescription::BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path,
-                                             CString storage) :
-    text(std::move(storage))
+                                             XmlText& text) :
+    text(text)
 {
-    CString fullName(path);
-    if (!path.ends_with('\\'))
-        fullName += '\\';
-    fullName += name;
-    text.assign("<").append(kRoot);
-    appendXmlAttribute(text, "NAME", fullName);
+    text.clear();
+    text.append("<BROKERTYPEDESCRIPTION");
+    if (path.ends_with('\\'))
+        text.attribute(" NAME=\"", path, name);
+    else
+        text.attribute(" NAME=\"", CString(path) + '\\', name);
     if (!description.empty())
-        appendXmlAttribute(text, "DESCRIPTION", description);
+        text.attribute(" DESCRIPTION=\"", description);
 }
 
 int BrokerTypeDescription::addRow()
@@ -34,7 +50,7 @@ int BrokerTypeDescription::addField(std::string_view name, std::string_view desc
     if (state != stateRow)
         return 0;
     openItem("<FIELD", name, description);
-    appendXmlAttribute(text, "TYPE", type);
+    text.attribute(" TYPE=\"", type);
     return 1;
 }
 
@@ -55,7 +71,7 @@ int BrokerTypeDescription::addArray(std::string_view size, std::string_view comp
 {
     if (!openContent("ARRAY", stateArray))
         return 0;
-    appendXmlAttribute(text, "SIZE", size);
+    text.attribute(" SIZE=\"", size);
     addComponent(componentType);
     return 1;
 }
@@ -70,47 +86,16 @@ int BrokerTypeDescription::addTable(std::string_view componentType)
 
 void BrokerTypeDescription::queryXML(CString& out) const
 {
-    out = text;
-    appendEnd(out);
-}
-
-CString BrokerTypeDescription::takeXML() &&
-{
-    appendEnd(text);
-    return std::move(text);
-}
-
-int BrokerTypeDescription::openContent(std::string_view tag, State opened)
-{
+    out.assign(text.view()).append("/>");
+    if (hasItems)
+        out.append("</").append(content).append(">");
     if (state != stateEmpty)
-        return 0;
-    state = opened;
-    content = tag;
-    text.append("><").append(tag);
-    return 1;
-}
-
-void BrokerTypeDescription::openItem(std::string_view tag, std::string_view name, std::string_view description)
-{
-    text.append(hasItems ? "/>" : ">").append(tag);
-    hasItems = true;
-    appendXmlAttribute(text, "NAME", name);
-    if (!description.empty())
-        appendXmlAttribute(text, "DESCRIPTION", description);
+        out.append("</BROKERTYPEDESCRIPTION>");
 }
 
 void BrokerTypeDescription::addComponent(std::string_view componentType)
 {
     text.append("><COMPONENT");
     hasItems = true;
-    appendXmlAttribute(text, "TYPE", componentType);
-}
-
-void BrokerTypeDescription::appendEnd(CString& out) const
-{
-    out.append("/>");
-    if (hasItems)
-        out.append("</").append(content).append(">");
-    if (state != stateEmpty)
-        out.append("</").append(kRoot).append(">");
+    text.attribute(" TYPE=\"", componentType);
 }

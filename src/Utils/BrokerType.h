@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Text.h"
+#include "Platform/XmlText.h"
 
 /// Builds the BROKERTYPEDESCRIPTION document of one broker type: its full name, its description, and at most one
 /// content element with what belongs into it. Every add operation answers 1, or 0 and changes nothing when the content
@@ -11,10 +11,9 @@
 class BrokerTypeDescription
 {
 public:
-    /// NAME is `path` and `name`, with one backslash between; DESCRIPTION is written where there is one. `storage`
-    /// lends its room to the document; what it holds is lost.
-    BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path,
-                          CString storage = {});
+    /// NAME is `path` and `name`, with one backslash between; DESCRIPTION is written where there is one. The document
+    /// is written into `text`, which must outlive the builder; what it held is lost.
+    BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path, XmlText& text);
 
     /// An empty ROW, which takes fields.
     int addRow();
@@ -33,9 +32,6 @@ public:
     /// Replaces `out` with the text of the document: no declaration, no white space between tags.
     void queryXML(CString& out) const;
 
-    /// The same, for a builder that isn't needed any more.
-    CString takeXML() &&;
-
 private:
     enum State
     {
@@ -46,12 +42,13 @@ private:
         stateTable = 4
     };
 
-    int openContent(std::string_view tag, State opened);
-    void openItem(std::string_view tag, std::string_view name, std::string_view description);
+    template <std::size_t N>
+    int openContent(const char (&tag)[N], State opened);
+    template <std::size_t N>
+    void openItem(const char (&tag)[N], std::string_view name, std::string_view description);
     void addComponent(std::string_view componentType);
-    void appendEnd(CString& out) const;
 
-    CString text;             // all but the end; the tag written last is still without its '>'
+    XmlText& text;            // all but the end; the tag written last is still without its '>'
     std::string_view content; // the tag of the content element
     bool hasItems = false;
     State state = stateEmpty;

@@ -26,27 +26,24 @@ std::unique_ptr<CString> copyOf(const std::unique_ptr<CString>& text)
 
 } // namespace
 
-Element::Element(SharedText path, const CString& name, const CString& description, ElementTypes type,
-                 std::pmr::memory_resource* memory) :
-    path(std::move(path)),
-    name(name), memory(memory), type(type)
-{
-    setDescription(description);
-}
+Element::Element(SharedText path, const CString& name, ElementTypes type, std::pmr::memory_resource* memory) :
+    type(type), name(name), path(std::move(path)), ownMemory(memory ? nullptr : newMemory()),
+    memory(memory ? memory : ownMemory.get())
+{}
 
 Element::Element(const CString& path, const CString& name, const CString& description, ElementTypes type,
                  Element* parent) :
-    Element(std::make_shared<const CString>(path.ends_with('\\') ? path : path + '\\'), name, description, type,
-            nullptr)
+    Element(std::make_shared<const CString>(path.ends_with('\\') ? path : path + '\\'), name, type, nullptr)
 {
+    setDescription(description);
     addParent(parent);
 }
 
 Element::Element(const Element& other, std::pmr::memory_resource* memory) :
-    path(other.path), name(other.name), knownType(other.knownType), baseName(copyOf(other.baseName)),
+    type(other.type), isAttribute(other.isAttribute), placed(other.placed), isDescribedByName(other.isDescribedByName),
+    name(other.name), knownType(other.knownType), path(other.path), baseName(copyOf(other.baseName)),
     description(copyOf(other.description)), ownMemory(memory ? nullptr : newMemory()),
-    memory(memory ? memory : ownMemory.get()), type(other.type), isAttribute(other.isAttribute), placed(other.placed),
-    isDescribedByName(other.isDescribedByName)
+    memory(memory ? memory : ownMemory.get())
 {}
 
 Element::Element(const Element& other) : Element(other, nullptr) {}

@@ -37,7 +37,7 @@ private:
 
 /// One node of an imported message: a type of its own (a record, table, enumeration or array) or a field. Importers
 /// make elements only through MsgBase, which owns them all.
-class Element
+class alignas(64) Element
 {
 public:
     /// A text that many elements have in common.
@@ -98,29 +98,20 @@ private:
 
     // For MsgBase, which gives all elements of one folder the same path, and has memory for their lists.
     // Null memory: the element has its own.
-    Element(SharedText path, const CString& name, const CString& description, ElementTypes type,
-            std::pmr::memory_resource* memory);
+    Element(SharedText path, const CString& name, ElementTypes type, std::pmr::memory_resource* memory);
     Element(const Element& other, std::pmr::memory_resource* memory);
 
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
     void setName(const CString& newName);
     void setDescription(const CString& newDescription);
+    void describeByName() { isDescribedByName = true; }
     CString componentType() const;
     std::string_view fieldType() const; // of a field kind
 
-    // An import has very many elements, so what most of them don't have costs a pointer, and the description that
-    // nearly all of them have, the generated one of their name, is made when it is asked for.
-    SharedText path; // ends with a backslash
-    CString name;
-    CString knownType;
-    std::unique_ptr<CString> baseName;            // null while it is the same as the name
-    mutable std::unique_ptr<CString> description; // null also for a generated one that nobody has asked for
-    std::unique_ptr<CString> size;                // null: empty
-    ElementList children;
-    ElementList parents;
-    std::unique_ptr<std::pmr::memory_resource> ownMemory;
-    std::pmr::memory_resource* memory; // of the lists
+    // An import has very many elements. So what most of them don't have costs a pointer, the description that nearly
+    // all of them have, the generated one of their name, is made when it is asked for, and what every pass looks at
+    // stands in the first cache line.
     ElementTypes type;
     std::uint8_t isAttribute = 0;
     std::uint8_t placed = 0;
@@ -131,7 +122,25 @@ private:
     std::uint32_t nextParent = 0;
     std::uint32_t nextChild = 0;
     std::uint32_t climb = 0;
+
+    CString name;
+    ElementList children;
+    ElementList parents;
+    CString knownType;
+    SharedText path;                              // ends with a backslash
+    std::unique_ptr<CString> baseName;            // null while it is the same as the name
+    mutable std::unique_ptr<CString> description; // null also for a generated one that nobody has asked for
+    std::unique_ptr<CString> size;                // null: empty
+    std::unique_ptr<std::pmr::memory_resource> ownMemory;
+    std::pmr::memory_resource* memory; // of the lists
 };
+
+/// Asks for the memory of elements that a loop is about to look at: they lie anywhere, and so wait only once.
+inline void prefetch(const ElementList& elements)
+{
+    for (const Element* element : elements)
+        __builtin_prefetch(element);
+}
 
 /// One usage of an element under a parent, and how often it occurred.
 class ChildElement

@@ -5,9 +5,10 @@
 
 namespace {
 
-// The texts of one field at a time, kept for their room.
+// The texts in hand, kept for their room.
 struct Scratch
 {
+    XmlText text;
     CString description;
     CString type;
 
@@ -29,12 +30,12 @@ struct Scratch
 
 void Element::asXML(CString& out)
 {
-    Scratch scratch;
-    const auto describe = [&scratch](const Element& element) {
+    static thread_local Scratch scratch; // an import asks for very many types in a row
+    const auto describe = [](const Element& element) {
         return element.isDescribedByName ? scratch.generated(element.name)
                                          : std::string_view(element.queryDescription());
     };
-    BrokerTypeDescription builder(name, describe(*this), *path, std::move(out));
+    BrokerTypeDescription builder(name, describe(*this), *path, scratch.text);
     switch (type) {
     case typeEnum:
         builder.addEnum();
@@ -48,6 +49,7 @@ void Element::asXML(CString& out)
         break;
     case typeRow:
         builder.addRow();
+        prefetch(children);
         for (const Element* child : children) {
             if (child->type == typeTable)
                 builder.addField(child->queryBaseName(), scratch.generated(child->queryBaseName()),
@@ -64,7 +66,7 @@ void Element::asXML(CString& out)
     default:
         break;
     }
-    out = std::move(builder).takeXML();
+    builder.queryXML(out);
 }
 
 CString Element::componentType() const

@@ -1,0 +1,10 @@
+#include "Platform/XmlText.h"
+
+#include "Platform/XmlEscape.h"
+
+void XmlText::appendValue(std::string_view value)
+{
+    CString escaped;
+    appendXmlValue(escaped, isXmlText(value) ? value : std::string_view(toXmlText(value)));
+    append(std::string_view(escaped));
+}
