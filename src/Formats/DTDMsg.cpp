@@ -50,6 +50,8 @@ int DTDElement::beginEnum()
 
 DTDElement* DTDElement::enumNext()
 {
+    if (cursor + 2 < children.size())
+        __builtin_prefetch(children[cursor + 2]); // children lie anywhere
     return cursor < children.size() ? children[cursor++] : nullptr;
 }
 

@@ -43,6 +43,8 @@ int MsgBase::beginEnum()
 Element* MsgBase::enumNext()
 {
     while (enumPosition < orderedList.size()) {
+        if (enumPosition + kAhead < orderedList.size())
+            __builtin_prefetch(orderedList[enumPosition + kAhead]);
         Element* element = orderedList[enumPosition++];
         if (element->isTypeOfItsOwn())
             return element;

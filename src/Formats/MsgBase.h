@@ -170,4 +170,5 @@ private:
     std::size_t climbsLeft = 0; // steps that may still be spent on climbs of their own, see newClimb()
 
     static constexpr std::size_t kNoPosition = static_cast<std::size_t>(-1);
+    static constexpr std::size_t kAhead = 8; // how far ahead a walk over all elements asks for their memory
 };

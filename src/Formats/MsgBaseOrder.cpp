@@ -12,8 +12,11 @@ void MsgBase::onAfterParse()
     typeCount = 0;
     lastClimb = 0;
     climbsLeft = 100'000 + 2 * usages.size();
-    for (ChildElement* usage : usages)
-        orderList(usage->element);
+    for (std::size_t i = 0; i < usages.size(); ++i) {
+        if (i + kAhead < usages.size())
+            __builtin_prefetch(usages[i + kAhead]->element);
+        orderList(usages[i]->element);
+    }
     placings = {};
     listedNames.clear();
 }
@@ -21,7 +24,10 @@ void MsgBase::onAfterParse()
 void MsgBase::makeTables()
 {
     CString tableName;
-    for (ChildElement* usage : usages) {
+    for (std::size_t i = 0; i < usages.size(); ++i) {
+        if (i + kAhead < usages.size())
+            __builtin_prefetch(usages[i + kAhead]->element);
+        ChildElement* usage = usages[i];
         Element* element = usage->element;
         if (usage->instances <= 1 || element->isAttribute)
             continue;
@@ -79,6 +85,7 @@ void MsgBase::orderList(Element* element)
 void MsgBase::beginPlacing(Element* element, std::uint32_t climb)
 {
     climbsLeft -= climbsLeft > 0;
+    prefetch(element->parents);
     element->climb = climb;
     placings.push_back({element, climb, element->nextParent, false});
 }

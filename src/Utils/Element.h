@@ -138,8 +138,8 @@ private:
 /// Asks for the memory of elements that a loop is about to look at: they lie anywhere, and so wait only once.
 inline void prefetch(const ElementList& elements)
 {
-    for (const Element* element : elements)
-        __builtin_prefetch(element);
+    for (std::size_t i = 0; i < elements.size() && i < 16; ++i)
+        __builtin_prefetch(elements[i]);
 }
 
 /// One usage of an element under a parent, and how often it occurred.
