@@ -1,0 +1,282 @@
+#include "Formats/MsgBase.h"
+#include "Utils/BrokerType.h"
+#include "support/Boxes.h"
+#include "support/Types.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+
+namespace {
+
+// An importer whose source is what the test declares.
+class Declared : public MsgBase
+{
+public:
+    using Declare = std::function<void(Declared&)>;
+
+    Declared(int mergeByName, Declare steps) : MsgBase(mergeByName), declare(std::move(steps)) {}
+
+    int parse(const CString&, const CString&, const CString&) override
+    {
+        declare(*this);
+        return 1;
+    }
+    CString queryMainTypeName() const override { return "Main"; }
+    MsgUIDescriptor* queryDescriptor() const override { return nullptr; }
+
+    Element* add(const CString& key, const CString& name, Element* parent = nullptr,
+                 Element::ElementTypes type = Element::typeString)
+    {
+        return addElement(key, "\\f", name, "d", type, parent);
+    }
+
+    CString types()
+    {
+        parseData({}, {});
+        return typesOf(*this);
+    }
+
+private:
+    Declare declare;
+};
+
+CString typesOfDeclared(const Declared::Declare& declare, int mergeByName = 1)
+{
+    return Declared(mergeByName, declare).types();
+}
+
+TEST(Model, RepeatedUsageBecomesATable)
+{
+    Declared message(1, [](Declared& m) {
+        Element* order = m.add("order", "order");
+        m.add("order.id", "id", order, Element::typeNumber);
+        m.add("order.item", "item", order);
+        m.add("order.item", "item", order);
+        m.add("item.sku", "sku", m.add("item", "item"));
+        m.addAttribute("order.a", "\\f\\", "a", "d", Element::typeString, order);
+        m.addAttribute("order.a", "\\f\\", "a", "d", Element::typeString, order);
+    });
+    EXPECT_EQ(message.types(), "item:R(sku:S) t_item:t(item:R) order:R(id:N t_item:t order_a:S)");
+    message.beginEnum();
+    message.enumNext();
+    EXPECT_EQ(message.enumNext()->queryDescription(), "t_item (Automatically created)");
+    EXPECT_EQ(message.beginEnum(), 3);
+}
+
+TEST(Model, PrimitivesThatRepeatNameTheirWord)
+{
+    const auto repeated = [](Element::ElementTypes type) {
+        return typesOfDeclared([type](Declared& m) {
+            Element* row = m.add("r", "r");
+            m.add("r.f", "f", row, type);
+            m.add("r.f", "f", row, type);
+        });
+    };
+    EXPECT_EQ(repeated(Element::typeString), "t_f:t=String(f:S=String) r:R(t_f:t=String)");
+    EXPECT_EQ(repeated(Element::typeNumber), "t_f:t=Number(f:N=Number) r:R(t_f:t=Number)");
+    EXPECT_EQ(repeated(Element::typeDate), "t_f:t=Time(f:T=Time) r:R(t_f:t=Time)");
+    EXPECT_EQ(repeated(Element::typeOther), "t_f:t(f:O) r:R(t_f:t)");
+}
+
+TEST(Model, WithoutMergingEachCallMakesAnElement)
+{
+    const auto declare = [](Declared& m) {
+        Element* a = m.add("a", "a");
+        m.add("a.x", "x", a);
+        m.add("a.y", "x", a);
+        EXPECT_EQ(m.add("", "", a) == m.add("", "", a), false); // the nameless never merge
+    };
+    EXPECT_EQ(typesOfDeclared(declare, 0), "a:R(x:S x:S :S :S)");
+    EXPECT_EQ(typesOfDeclared(declare, 1), "a:R(x:S :S :S)");
+}
+
+TEST(Model, ReferenceToAListedTypePutsATypeAtTheEnd)
+{
+    EXPECT_EQ(typesOfDeclared([](Declared& m) {
+                  m.add("f", "x", m.add("Party", "Party"));
+                  Element* order = m.add("Order", "Order");
+                  m.add("g", "customer", order, Element::typeOther)->setKnownType("\\f\\Party");
+                  m.add("h", "y", m.add("Last", "Last"));
+              }),
+              "Last:R(y:S) Party:R(x:S) Order:R(customer:O=\\f\\Party)");
+}
+
+// The children of each element by number; element 0 is declared first.
+using Web = std::vector<std::vector<int>>;
+
+CString orderOf(const Web& web)
+{
+    return typesOfDeclared([&web](Declared& m) {
+        const auto name = [](std::size_t i) { return CString(1, static_cast<char>('a' + i)); };
+        for (std::size_t i = 0; i < web.size(); ++i)
+            for (const int child : web[i])
+                m.add(name(i) + name(child), name(child), m.add(name(i), name(i), nullptr, Element::typeRow),
+                      Element::typeRow);
+    });
+}
+
+TEST(Model, OrdersWebsAndCycles)
+{
+    EXPECT_EQ(orderOf({{1}, {2}, {3}}), "d:R() c:R(d:R) b:R(c:R) a:R(b:R)");
+    EXPECT_EQ(orderOf({{1, 2}, {3}, {3}}), "d:R() c:R(d:R) b:R(d:R) a:R(b:R c:R)");
+    EXPECT_EQ(orderOf({{0}}), "a:R(a:R)");
+    // Climbing from a: its parent is c, c's is b, and b's is a, from which the climb came.
+    EXPECT_EQ(orderOf({{1}, {2}, {0}}), "a:R(b:R) c:R(a:R) b:R(c:R)");
+    EXPECT_EQ(orderOf({{1}, {0, 2}, {1}}), "b:R(a:R c:R) a:R(b:R) c:R(b:R)");
+}
+
+TEST(Model, OrdersLongChainsAndGreatCycles)
+{
+    constexpr int count = 100'000;
+    const auto chain = [](int last) {
+        return [last](Declared& m) {
+            for (int i = count - 1; i >= 0; --i) {
+                const CString name = std::to_string(i), child = std::to_string(i + 1 < count ? i + 1 : last);
+                m.add(name + "." + child, child, m.add(name, name, nullptr, Element::typeRow), Element::typeRow);
+            }
+        };
+    };
+    Declared open(1, chain(count)), closed(1, chain(0));
+    open.parseData({}, {});
+    EXPECT_EQ(open.beginEnum(), count + 1);
+    EXPECT_EQ(open.enumNext()->queryName(), std::to_string(count));
+    closed.parseData({}, {});
+    EXPECT_EQ(closed.beginEnum(), count);
+
+    // Everything holds everything: every descent could start a climb through all that still waits.
+    Declared web(1, [](Declared& m) {
+        std::vector<Element*> all;
+        for (int i = 0; i < 1200; ++i)
+            all.push_back(m.add(std::to_string(i), std::to_string(i), nullptr, Element::typeRow));
+        for (Element* parent : all)
+            for (Element* child : all)
+                m.add(parent->queryName() + "." + child->queryName(), child->queryName(), parent, Element::typeRow);
+    });
+    web.parseData({}, {});
+    EXPECT_EQ(web.beginEnum(), 1200);
+}
+
+TEST(Element, KeepsItsRules)
+{
+    Element row("", "r", "", Element::typeString, nullptr), child("\\x", "c", "d", Element::typeOther, &row);
+    EXPECT_EQ(row.queryPath(), "\\");
+    EXPECT_EQ(child.queryPath(), "\\x\\");
+    EXPECT_EQ(row.addChild(&child), 1);
+    EXPECT_EQ(row.addChild(&child), 0);
+    EXPECT_EQ(row.queryType(), Element::typeRow);
+    child.addChild(&row);
+    child.addParent(&row);
+    child.addParent(nullptr);
+    EXPECT_EQ(child.queryType(), Element::typeOther);
+    EXPECT_EQ(child.queryParents().size(), 1u);
+
+    child.setSize("7");
+    child.setKnownType("k");
+    Element copy(child);
+    EXPECT_EQ(copy.queryKnownType() + copy.queryDescription() + copy.querySize(), "kd");
+    EXPECT_EQ(copy.queryChildren().size() + copy.queryParents().size(), 0u);
+}
+
+TEST(Element, ListsOfAnyLengthHoldEachOnce)
+{
+    std::vector<std::unique_ptr<Element>> many;
+    Element row("", "r", "", Element::typeRow, nullptr), table("", "t", "", Element::typeTable, nullptr);
+    for (int i = 0; i < 1000; ++i)
+        many.push_back(std::make_unique<Element>("", "e", "", Element::typeString, nullptr));
+    for (const auto& child : many)
+        EXPECT_EQ(row.addChild(child.get()), 1);
+    row.toTable(many[500].get(), &table);
+    row.toTable(many[500].get(), &row); // no child any more
+    EXPECT_EQ(row.queryChildren()[500], &table);
+    EXPECT_EQ(row.addChild(&table) + row.addChild(many[7].get()), 0);
+    EXPECT_EQ(row.addChild(many[500].get()), 1);
+}
+
+TEST(Documents, EachKindOfType)
+{
+    const auto document = [](Element::ElementTypes type, const std::function<void(Element&)>& fill) {
+        Element element("\\f", "T", "", type, nullptr);
+        fill(element);
+        CString text;
+        element.asXML(text);
+        const CString head = "<BROKERTYPEDESCRIPTION NAME=\"\\f\\T\"", tail = "</BROKERTYPEDESCRIPTION>";
+        EXPECT_TRUE(text.starts_with(head)) << text;
+        return text.ends_with(tail) ? text.substr(head.size() + 1, text.size() - head.size() - tail.size() - 1) : text;
+    };
+    Element a("\\g\\", "a", "first", Element::typeOther, nullptr), b("", "b", "", Element::typeEnum, nullptr);
+    a.setKnownType("\\x\\<&\"\t\x01\xF6");
+    EXPECT_EQ(document(Element::typeRow, [](Element&) {}), "<ROW/>");
+    EXPECT_EQ(document(Element::typeEnum, [](Element&) {}), "<ENUM/>");
+    EXPECT_EQ(document(Element::typeRow, [&](Element& row) { row.addChild(&b); }), "<ROW/>");
+    // Not UTF-8, so read as Windows-1252; a control character can't stand in XML at all.
+    EXPECT_EQ(
+        document(Element::typeRow, [&](Element& row) { row.addChild(&a); }),
+        "<ROW><FIELD NAME=\"a\" DESCRIPTION=\"first\" TYPE=\"\\x\\&lt;&amp;&quot;&#9;\xEF\xBF\xBD\xC3\xB6\"/></ROW>");
+    EXPECT_EQ(document(Element::typeEnum,
+                       [&](Element& all) {
+                           all.addChild(&a);
+                           all.addChild(&b);
+                       }),
+              "<ENUM><CONSTANT NAME=\"a\" DESCRIPTION=\"first\"/><CONSTANT NAME=\"b\"/></ENUM>");
+    EXPECT_EQ(document(Element::typeArray, [](Element&) {}), "<ARRAY SIZE=\"5\"><COMPONENT TYPE=\"\\f\\T\"/></ARRAY>");
+    EXPECT_EQ(document(Element::typeTable, [](Element& table) { table.setKnownType("Number"); }),
+              "<TABLE><COMPONENT TYPE=\"Number\"/></TABLE>");
+    EXPECT_EQ(document(Element::typeString, [](Element&) {}), "<BROKERTYPEDESCRIPTION NAME=\"\\f\\T\"/>");
+}
+
+TEST(Documents, BuilderTakesOnlyWhatItsContentTakes)
+{
+    XmlText text;
+    BrokerTypeDescription type("T", "d", "\\f", text);
+    EXPECT_EQ(type.addField("a", "", "String") + type.addConstant("a", ""), 0);
+    EXPECT_EQ(type.addEnum(), 1);
+    EXPECT_EQ(
+        type.addRow() + type.addEnum() + type.addArray("1", "x") + type.addTable("x") + type.addField("a", "", ""), 0);
+    EXPECT_EQ(type.addConstant("", ""), 1);
+    CString document;
+    type.queryXML(document);
+    EXPECT_EQ(document, "<BROKERTYPEDESCRIPTION NAME=\"\\f\\T\" DESCRIPTION=\"d\"><ENUM><CONSTANT NAME=\"\"/></ENUM>"
+                        "</BROKERTYPEDESCRIPTION>");
+}
+
+TEST(Documents, MessageDocumentIsStampedWithTheSourceDate)
+{
+    ::setenv("SOURCE_DATE_EPOCH", "1704067199", 1);
+    CString document;
+    Declared(1, [](Declared&) {}).getXML(document);
+    ::unsetenv("SOURCE_DATE_EPOCH");
+    EXPECT_EQ(document, "<?xml version=\"1.0\" ?>\r\n<!-- Generated by QEL.EXE at 2023-12-31T23:59:59 -->\r\n"
+                        "<Main>\r\n</Main>");
+}
+
+TEST(Documents, TextsMadeFitForXml)
+{
+    const struct
+    {
+        const char* bytes;
+        const char* text;
+    } rows[] = {
+        {"plain", "plain"},
+        {"gr\xC3\xB6\xC3\x9F"
+         "e",
+         "gr\xC3\xB6\xC3\x9F"
+         "e"},
+        {"\x80\x99\x81", "\xE2\x82\xAC\xE2\x84\xA2\xC2\x81"},
+        {"\xC3\xB6\xF6", "\xC3\x83\xC2\xB6\xC3\xB6"}, // the whole value, not a byte of it
+        {"\xED\xA0\x80", "\xC3\xAD\xC2\xA0\xE2\x82\xAC"},
+        {"\xEF\xBF\xBF\v", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+        {"\xF0\x9F\x99\x82 and more", "\xF0\x9F\x99\x82 and more"},
+        {"\xC0\xAF", "\xC3\x80\xC2\xAF"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(toXmlText(row.bytes), row.text);
+        EXPECT_EQ(isXmlText(row.bytes), CString(row.bytes) == row.text);
+    }
+    for (const char* text : {"<", "12345678&", "1234567\"890", "\x7F>", "\x1F", "abcdefgh\x80ijklmnop"})
+        EXPECT_FALSE(isPlainXmlText(text)) << text;
+    for (const char* text : {"", "a", "12345678", "123456789", "\\sys\\a_b.c-d (e)'~ "})
+        EXPECT_TRUE(isPlainXmlText(text)) << text;
+}
+
+} // namespace
