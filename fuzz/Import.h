@@ -4,6 +4,7 @@
 #include "Platform/MessageBox.h"
 #include "Platform/XmlParser.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <sys/mman.h>
@@ -32,8 +33,17 @@ private:
     int descriptor;
 };
 
+/// True for a main type that can stand as a tag; names outside ASCII are left out.
+inline bool isTag(const CString& name)
+{
+    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
+    return !name.empty() && isLetter(name[0]) && std::all_of(name.begin(), name.end(), [&](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+    });
+}
+
 /// Imports the bytes as a file, and ends the program when the document that comes out is not well-formed. An importer
-/// whose main type may be no name says so by `mayBeNoName`: its document isn't looked at.
+/// whose main type may be no name says so by `mayBeNoName`: its document is looked at when it is one.
 inline void importBytes(MsgBase& importer, std::string_view bytes, bool mayBeNoName = false)
 {
     struct Ignore : XmlHandler
@@ -46,7 +56,7 @@ inline void importBytes(MsgBase& importer, std::string_view bytes, bool mayBeNoN
     const int imported = importer.parseFile(source.path(), importer.getBasePath());
     CString document;
     importer.getXML(document);
-    if (!imported || mayBeNoName)
+    if (!imported || (mayBeNoName && !isTag(importer.queryMainTypeName())))
         return;
     if (const auto error = parseXmlFile(MemoryFile(document).path(), ignore)) {
         std::fprintf(stderr, "%d:%d %s\n%s\n", error->line, error->linepos, error->reason.c_str(), document.c_str());
