@@ -63,7 +63,7 @@ const Dtd kDtds[] = {
     {"AttributeBeforeItsElement", "<!ATTLIST x id CDATA #IMPLIED><!ELEMENT x (a)>", "x:R(x_id:S a:S)"},
     {"AttributeOfNoElement", "<!ATTLIST x id CDATA #IMPLIED>", "x:R(x_id:S)"},
     {"AttlistNamesTheOtherKeyword", "<!ATTLIST element id CDATA #IMPLIED>", "element:R(element_id:S)"},
-    {"SecondAttributeReadsAsThePair", "<!ATTLIST x a CDATA #IMPLIED b CDATA #IMPLIED>", "x:R(x_a:S)"},
+    {"SecondAttributeReadsAsThePair", "<!ATTLIST x a CDATA #IMPLIED b CDATA #IMPLIED>", "b:R(b_CDATA:S) x:R(x_a:S)"},
     // A usage key is the record's name, a dot and the field's: names with dots can meet.
     {"DotsInNames", "<!ELEMENT a (b.c)><!ELEMENT a.b (c)>",
      "a.b:R(c:S) t_b.c:t=String(b.c:S=String) a:R(t_b.c:t=String)"},
@@ -92,8 +92,8 @@ TEST(Dtd, AttlistThatCannotBeSplitIsReportedAndTheRestGoesOn)
         const char* reported; // what the box quotes
         const char* types;
     } const rows[] = {
-        {"<!ATTLIST x id CDATA #REQUIRED>", " x id CDATA #REQUIRED>", "x:R(x_id:S) y:R(z:S)"},
-        {"<!ATTLIST x id NMTOKEN #IMPLIED>", " x id NMTOKEN #IMPLIED>", "x:R(x_id:S) y:R(z:S)"},
+        {"<!ATTLIST x id CDATA #REQUIRED>", " x id CDATA #REQUIRED>", "y:R(z:S) x:R(x_id:S)"},
+        {"<!ATTLIST x id NMTOKEN #IMPLIED>", " x id NMTOKEN #IMPLIED>", "y:R(z:S) x:R(x_id:S)"},
         {"<!ATTLIST x>", " x>", "y:R(z:S)"},
         {"<!ATTLIST >", " >", "y:R(z:S)"},
     };

@@ -109,10 +109,11 @@ CString orderOf(const Web& web)
 {
     return typesOfDeclared([&web](Declared& m) {
         const auto name = [](std::size_t i) { return CString(1, static_cast<char>('a' + i)); };
-        for (std::size_t i = 0; i < web.size(); ++i)
+        for (std::size_t i = 0; i < web.size(); ++i) {
+            Element* parent = m.add(name(i), name(i), nullptr, Element::typeRow);
             for (const int child : web[i])
-                m.add(name(i) + name(child), name(child), m.add(name(i), name(i), nullptr, Element::typeRow),
-                      Element::typeRow);
+                m.add(name(i) + name(child), name(child), parent, Element::typeRow);
+        }
     });
 }
 
@@ -147,14 +148,14 @@ TEST(Model, OrdersLongChainsAndGreatCycles)
     // Everything holds everything: every descent could start a climb through all that still waits.
     Declared web(1, [](Declared& m) {
         std::vector<Element*> all;
-        for (int i = 0; i < 1200; ++i)
+        for (int i = 0; i < 600; ++i)
             all.push_back(m.add(std::to_string(i), std::to_string(i), nullptr, Element::typeRow));
         for (Element* parent : all)
             for (Element* child : all)
                 m.add(parent->queryName() + "." + child->queryName(), child->queryName(), parent, Element::typeRow);
     });
     web.parseData({}, {});
-    EXPECT_EQ(web.beginEnum(), 1200);
+    EXPECT_EQ(web.beginEnum(), 600);
 }
 
 TEST(Element, KeepsItsRules)
