@@ -18,6 +18,7 @@ void FirstPage::OnInitDialog()
     auto* column = new QVBoxLayout(this);
     column->addWidget(withId(IDC_WELCOME, coverText(loadText(IDS_WELCOME), wizard->titleFont)), 1);
     column->addWidget(hideBox);
+    column->addSpacing(fontMetrics().height() * 2 / 3); // above the ground that the picture ends on
 }
 
 void FirstPage::OnSetActive()

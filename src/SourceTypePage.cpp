@@ -36,7 +36,6 @@ QWidget* SourceTypePage::makePathGroup()
     auto* group = new QGroupBox("&Path for objects");
     pathEdit = withId(IDC_OBJECT_PATH, new QLineEdit);
     pathEdit->setAccessibleName("Path for objects");
-    group->setFocusProxy(pathEdit); // the group's letter leads there
     (new QVBoxLayout(group))->addWidget(pathEdit);
     return group;
 }

@@ -153,6 +153,8 @@ TEST(Keyboard, LeadsFromTheWelcomePageToTheWrittenFile)
     EXPECT_EQ(QApplication::focusWidget()->objectName().toInt(), IDC_IMPORTERS);
     press(Qt::Key_Down); // another importer, and the first again: each key makes one
     press(Qt::Key_Up);
+    press(Qt::Key_P, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::focusWidget()->objectName().toInt() == IDC_OBJECT_PATH; }));
     press(Qt::Key_N, Qt::AltModifier);
     EXPECT_TRUE(QTest::qWaitFor([&] { return desk.page() == IDD_SOURCE; }));
     enter(desk.source);

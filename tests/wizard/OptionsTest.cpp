@@ -214,40 +214,41 @@ TEST(RecentList, KeepsFifteenNewestFirstEachOnce)
     EXPECT_EQ(names, (CStringList{"server1", "Server1"}));
 }
 
-// Kills a process that stores settings again and again, each time all of them with one number.
+// Starts a process that stores settings again and again, each time all of them with one number.
+pid_t startStoring()
+{
+    const pid_t child = ::fork();
+    if (child != 0)
+        return child;
+    QELOptions options;
+    options.getValues();
+    for (int i = options.queryLastImporterSel() + 1;; ++i) {
+        options.setLastImporterSel(i);
+        options.setLastOutputSel(i);
+        options.setInputFolder("/" + std::string(static_cast<std::size_t>(i % 200), 'x'));
+        options.flushValues();
+    }
+}
+
+// Two wizards store at once and are killed in the middle of it.
 TEST_F(Settings, AreOldOrNewWheneverTheProcessIsKilled)
 {
-    std::minstd_rand random(20);
-    int stored[2]; // a pipe on which the process says that it has stored something
-    ASSERT_EQ(::pipe(stored), 0);
+    std::minstd_rand random(std::random_device{}());
     for (int round = 0; round < 50; ++round) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            QELOptions options = load();
-            for (int i = options.queryLastImporterSel();; ++i) {
-                options.setLastImporterSel(i);
-                options.setLastOutputSel(i);
-                options.setInputFolder("/" + std::string(static_cast<std::size_t>(i % 200), 'x'));
-                options.flushValues();
-                if (i == 1 && ::write(stored[1], "", 1) != 1)
-                    ::_exit(1);
-            }
-        }
-        if (round == 0) { // on a busy machine it may be long until it gets there
-            ::close(stored[1]); // the process is the only one left to write: its death ends the wait
-            char byte;
-            ASSERT_EQ(::read(stored[0], &byte, 1), 1);
-        }
+        const pid_t wizards[] = {startStoring(), startStoring()};
+        while (!std::filesystem::exists(dir.path("config/typeforge/settings.json")))
+            ::usleep(1000); // on a busy machine it may be long until the first are there
         ::usleep(500 + random() % 10000);
-        ::kill(child, SIGKILL);
-        ::waitpid(child, nullptr, 0);
+        for (const pid_t wizard : wizards) {
+            ::kill(wizard, SIGKILL);
+            ::waitpid(wizard, nullptr, 0);
+        }
         const QELOptions options = load();
         ASSERT_EQ(options.queryLastImporterSel(), options.queryLastOutputSel());
         if (options.queryLastImporterSel() > 0) {
             ASSERT_EQ(options.queryInputFolder().size(), options.queryLastImporterSel() % 200 + 1u);
         }
     }
-    ::close(stored[0]);
     EXPECT_GT(load().queryLastImporterSel(), 0);
     EXPECT_FALSE(std::filesystem::exists(dir.path("config/typeforge/settings.json.bad")));
 }

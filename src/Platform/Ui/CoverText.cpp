@@ -14,6 +14,7 @@ QLabel* coverText(const CString& text, const QFont& font)
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setFont(font);
+    label->setForegroundRole(QPalette::Text); // it stands on the base colour, not on the window's
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding); // the text takes the room, it doesn't make it
     return label;
 }

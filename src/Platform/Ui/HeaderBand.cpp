@@ -21,8 +21,10 @@ HeaderBand::HeaderBand(int headerId, QWidget* parent) :
     QFont bold = font();
     bold.setBold(true);
     titleLabel->setFont(bold);
-    titleLabel->setTextFormat(Qt::PlainText);
-    subtitleLabel->setTextFormat(Qt::PlainText);
+    for (QLabel* label : {titleLabel, subtitleLabel}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setForegroundRole(QPalette::Text); // the band's ground is the base colour, not the window's
+    }
     subtitleLabel->setWordWrap(true);
     subtitleLabel->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);

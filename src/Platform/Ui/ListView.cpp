@@ -108,7 +108,7 @@ void ListView::mousePressEvent(QMouseEvent* event)
 void ListView::mouseReleaseEvent(QMouseEvent* event)
 {
     QTreeView::mouseReleaseEvent(event);
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton && isVisible()) // a double click may have led to another page
         Q_EMIT chosen();
 }
 
