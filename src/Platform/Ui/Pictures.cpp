@@ -46,11 +46,13 @@ QImage picture(int id, const QPalette& palette)
 
 void paintWatermark(QPainter& painter, const QRect& area, const QImage& watermark)
 {
-    QRect target(QPoint(), watermark.size().scaled(area.size(), Qt::KeepAspectRatioByExpanding));
+    QRect target(QPoint(), watermark.size().scaled(area.size(), Qt::KeepAspectRatio));
     target.moveBottomRight(area.bottomRight());
+    const QRect beside(area.left(), target.top(), target.left() - area.left(), target.height());
     painter.save();
-    painter.setClipRect(area);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.fillRect(area, watermark.pixelColor(0, 0));
+    painter.drawImage(beside, watermark, QRect(0, 0, 1, watermark.height()));
     painter.drawImage(target, watermark);
     painter.restore();
 }

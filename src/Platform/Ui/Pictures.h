@@ -13,8 +13,8 @@ bool isDark(const QPalette& palette);
 /// on a dark ground, and what was light gets dark. Empty when there is no such picture.
 QImage picture(int id, const QPalette& palette);
 
-/// Fills the area of a welcome or finish page: the picture covers it, and its lower right corner, where the drawing is,
-/// stays in sight.
+/// Fills the area of a welcome or finish page: the whole picture, with the drawing, stands in its lower right corner,
+/// and the picture's edges are drawn out over the rest.
 void paintWatermark(QPainter& painter, const QRect& area, const QImage& watermark);
 
 /// Fills a header band of any size: the drawing at the right, in the band's height; the calm left side takes the rest.
