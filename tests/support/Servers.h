@@ -55,12 +55,12 @@ public:
         dup2(out, 2);
         const bool changed = !account || (initgroups(user, account->pw_gid) == 0 && setgid(account->pw_gid) == 0 &&
                                           setuid(account->pw_uid) == 0);
-        prctl(PR_SET_PDEATHSIG, SIGKILL); // after the change of user, which would undo it
+        prctl(PR_SET_PDEATHSIG, SIGQUIT); // after the change of user, which would undo it
         if (changed)
             execv(arguments[0], arguments.data());
         _exit(127);
     }
-    ~ServerProcess() { kill(SIGKILL); }
+    ~ServerProcess() { kill(SIGQUIT); } // killed outright, PostgreSQL would leave shared memory behind
     ServerProcess(const ServerProcess&) = delete;
     ServerProcess& operator=(const ServerProcess&) = delete;
 
