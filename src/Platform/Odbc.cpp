@@ -283,9 +283,9 @@ CString CStatement::queryText(unsigned short column)
         check(result);
         if (left == SQL_NULL_DATA)
             return {};
-        const auto capacity = static_cast<SQLLEN>(piece.size()) - 1;
-        const bool last = result == SQL_SUCCESS || (left >= 0 && left <= capacity);
-        text.append(piece.data(), static_cast<std::size_t>(left < 0 || left > capacity ? capacity : left));
+        const std::size_t capacity = piece.size() - 1;
+        const bool last = result == SQL_SUCCESS || (left >= 0 && static_cast<std::size_t>(left) <= capacity);
+        text.append(piece.data(), strnlen(piece.data(), capacity)); // shorter where a driver keeps a character whole
         if (last)
             return text;
     }
