@@ -17,7 +17,8 @@ void OutputPage::OnInitDialog()
     choice->addButton(withId(IDC_TO_FILE, new QRadioButton("&Output to file in local or network folder")), 0);
     choice->addButton(withId(IDC_TO_BROKER, new QRadioButton("Create type in &Broker")), 1);
     auto* group = new QGroupBox("Destination");
-    auto* rows = new QVBoxLayout(group);
+    auto* rows = new QVBoxLayout;
+    group->setLayout(rows);
     for (QAbstractButton* button : choice->buttons())
         rows->addWidget(button);
     auto* column = new QVBoxLayout(this);

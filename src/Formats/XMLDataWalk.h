@@ -37,7 +37,7 @@ public:
         /// The name itself, without that of the parent.
         std::string_view queryName() const
         {
-            return isAttribute ? std::string_view(item->name).substr(parent->name.size() + 1) : item->name;
+            return isAttribute && parent ? std::string_view(item->name).substr(parent->name.size() + 1) : item->name;
         }
 
         Item* parent;
