@@ -28,9 +28,11 @@ class Readme(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             os.symlink(os.environ["TYPEFORGE_BUILD"], os.path.join(folder, "build"))
             os.symlink(ROOT / "examples", os.path.join(folder, "examples"))
+            homes = {"XDG_CONFIG_HOME": folder, "XDG_DATA_HOME": folder}
             for command, lines in commands:
                 with self.subTest(command):
-                    run = subprocess.run(command, shell=True, cwd=folder, capture_output=True, text=True)
+                    run = subprocess.run(command, shell=True, cwd=folder, env=os.environ | homes,
+                                         capture_output=True, text=True)
                     self.assertEqual((run.returncode, run.stdout.splitlines(), run.stderr), (0, lines, ""))
 
 
