@@ -1,5 +1,6 @@
 #include "wizard/Desk.h"
 
+#include <QAccessible>
 #include <QTimer>
 
 namespace {
@@ -14,6 +15,15 @@ void missingSource(Desk& desk)
 void unselect(Desk& desk)
 {
     desk.control<ListView>(IDC_IMPORTERS).clearSelection();
+}
+
+void brokenSource(Desk& desk)
+{
+    desk.importer = "XML data importer";
+    desk.source = desk.dir.write("in/broken.xml", "<a>\n<b></a>");
+    desk.click("back");
+    desk.walkTo(IDD_SOURCE);
+    desk.type(IDC_INPUT_FILE, desk.source);
 }
 
 // One row of the flow: on a page, with something done there, a button leads to a page; 0 is the end.
@@ -44,6 +54,12 @@ const Step kSteps[] = {
     {"ImporterBack", IDD_SOURCE_TYPE, nullptr, "back", IDD_FIRST},
     {"SourceNext", IDD_SOURCE, [](Desk& desk) { desk.type(IDC_INPUT_FILE, desk.source); }, "next", IDD_EDIT},
     {"SourceNextMissing", IDD_SOURCE, missingSource, "next", IDD_SOURCE, {"Select source message"}},
+    {"SourceNextBroken",
+     IDD_SOURCE,
+     brokenSource,
+     "next",
+     IDD_SOURCE,
+     {"Error on line 2, column 8.\nError text is 'Opening and ending tag mismatch: b line 2 and a'."}},
     {"SourceBack", IDD_SOURCE, nullptr, "back", IDD_SOURCE_TYPE},
     {"TypesNext", IDD_EDIT, nullptr, "next", IDD_OUTPUT},
     {"TypesBack", IDD_EDIT, nullptr, "back", IDD_SOURCE},
@@ -169,6 +185,27 @@ TEST(Keyboard, LeadsFromTheWelcomePageToTheWrittenFile)
     press(Qt::Key_Return);
     EXPECT_EQ(desk.page(), 0);
     EXPECT_NE(TempDir::read(desk.output).find("<order>"), std::string::npos);
+}
+
+// A combo box is named by the label beside it, every other control by itself.
+bool hasSpokenName(QWidget* control)
+{
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(control);
+    return qobject_cast<QComboBox*>(control) != nullptr ? !spoken->relations(QAccessible::Label).empty()
+                                                        : !spoken->text(QAccessible::Name).isEmpty();
+}
+
+TEST(Keyboard, FindsEveryControlNamedForAScreenReader)
+{
+    Desk desk;
+    for (const int page : {IDD_FIRST, IDD_SOURCE_TYPE, IDD_SOURCE, IDD_EDIT, IDD_OUTPUT, IDD_OUTPUT_FILE, IDD_FINISH}) {
+        desk.walkTo(page);
+        for (QWidget* control : desk.wizard().findChildren<QWidget*>())
+            if (control->isVisible() && (control->focusPolicy() & Qt::TabFocus) && control->focusProxy() == nullptr &&
+                qobject_cast<QComboBox*>(control->parentWidget()) == nullptr) {
+                EXPECT_TRUE(hasSpokenName(control)) << page << ": " << control->objectName().toStdString();
+            }
+    }
 }
 
 // Tab goes through the page, then through the buttons, and comes back.
