@@ -63,16 +63,6 @@ SQLRETURN put(const Column& column, const std::string& value)
     return length < value.size() ? SQL_SUCCESS_WITH_INFO : SQL_SUCCESS;
 }
 
-// The first call of each statement is still at work.
-SQLRETURN openRows(SQLHSTMT statement)
-{
-    of(statement).executing = !of(statement).executing;
-    if (of(statement).executing)
-        return SQL_STILL_EXECUTING;
-    of(statement).rows.open(word(of(statement).connection, "Rows"));
-    return SQL_SUCCESS;
-}
-
 } // namespace
 
 extern "C" {
@@ -92,19 +82,7 @@ SQLRETURN SQLFreeHandle(SQLSMALLINT, SQLHANDLE handle)
     delete &of(handle);
     return SQL_SUCCESS;
 }
-SQLRETURN SQLFreeStmt(SQLHSTMT, SQLUSMALLINT)
-{
-    return SQL_SUCCESS;
-}
 SQLRETURN SQLSetEnvAttr(SQLHENV, SQLINTEGER, SQLPOINTER, SQLINTEGER)
-{
-    return SQL_SUCCESS;
-}
-SQLRETURN SQLSetConnectAttr(SQLHDBC, SQLINTEGER, SQLPOINTER, SQLINTEGER)
-{
-    return SQL_SUCCESS;
-}
-SQLRETURN SQLSetStmtAttr(SQLHSTMT, SQLINTEGER, SQLPOINTER, SQLINTEGER)
 {
     return SQL_SUCCESS;
 }
@@ -121,27 +99,24 @@ SQLRETURN SQLDisconnect(SQLHDBC)
 SQLRETURN SQLGetFunctions(SQLHDBC connection, SQLUSMALLINT function, SQLUSMALLINT* supported)
 {
     const int without = std::atoi(word(of(connection).connection, "Without").c_str());
-    if (function == SQL_API_ODBC3_ALL_FUNCTIONS) {
-        std::fill_n(supported, SQL_API_ODBC3_ALL_FUNCTIONS_SIZE, 0xFFFF);
-        supported[without >> 4] &= static_cast<SQLUSMALLINT>(~(1 << (without & 15)));
-    } else if (function == SQL_API_ALL_FUNCTIONS) {
-        std::fill_n(supported, 100, SQL_TRUE);
-        supported[without] = SQL_FALSE;
-    } else {
-        *supported = function != without;
-    }
+    if (function != SQL_API_ODBC3_ALL_FUNCTIONS)
+        return SQL_ERROR;
+    std::fill_n(supported, SQL_API_ODBC3_ALL_FUNCTIONS_SIZE, 0xFFFF);
+    supported[without >> 4] &= static_cast<SQLUSMALLINT>(~(1 << (without & 15)));
     return SQL_SUCCESS;
 }
 SQLRETURN SQLColumns(SQLHSTMT statement, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*,
                      SQLSMALLINT)
 {
-    return openRows(statement);
+    Handle& rows = of(statement);
+    rows.executing = !rows.executing;
+    if (rows.executing)
+        return SQL_STILL_EXECUTING; // the first call is still at work
+    rows.rows.open(word(rows.connection, "Rows"));
+    return SQL_SUCCESS;
 }
-SQLRETURN SQLTables(SQLHSTMT statement, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*,
-                    SQLSMALLINT)
-{
-    return openRows(statement);
-}
+SQLRETURN SQLTables(SQLHSTMT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*,
+                    SQLSMALLINT) __attribute__((alias("SQLColumns")));
 SQLRETURN SQLNumResultCols(SQLHSTMT, SQLSMALLINT* count)
 {
     *count = 12;
