@@ -25,14 +25,19 @@ public:
     Element** end() const { return items + count; }
 
 private:
-    bool contains(const Element* element) const;
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+    std::uint32_t positionOf(const Element* element) const;
     void grow(std::pmr::memory_resource& memory);
-    Element** slotOf(const Element* element) const;
+    void buildIndex();
+    void enter(std::uint32_t position);
+    std::size_t firstSlot(const Element* element) const;
 
     Element** items = nullptr;
-    Element** index = nullptr; // a hash table of twice `capacity`, made when a walk over `items` would get long
+    std::uint32_t* index = nullptr; // a hash table of positions, four times `capacity`, for a list too long to walk
     std::uint32_t count = 0;
     std::uint32_t capacity = 0;
+    std::uint32_t entered = 0; // how many slots of the index are taken, by items or by what was replaced
 };
 
 /// One node of an imported message: a type of its own (a record, table, enumeration or array) or a field. Importers

@@ -7,63 +7,82 @@ namespace {
 // Up to this many entries a walk over the list is quicker than an index, and most lists stay below it.
 constexpr std::uint32_t kWalked = 16;
 
-Element** allocate(std::size_t count, std::pmr::memory_resource& memory)
+template <class T>
+T* allocate(std::size_t count, std::pmr::memory_resource& memory)
 {
-    return static_cast<Element**>(memory.allocate(count * sizeof(Element*), alignof(Element*)));
+    return static_cast<T*>(memory.allocate(count * sizeof(T), alignof(T)));
 }
 
 } // namespace
 
 bool ElementList::add(Element* element, std::pmr::memory_resource& memory)
 {
-    if (contains(element))
+    if (positionOf(element) != kNone)
         return false;
     if (count == capacity)
         grow(memory);
     items[count++] = element;
     if (index)
-        *slotOf(element) = element;
+        enter(count - 1);
     return true;
 }
 
 void ElementList::replace(Element* old, Element* replacement)
 {
-    Element** const place = std::find(begin(), end(), old);
-    if (place == end())
+    const std::uint32_t position = positionOf(old);
+    if (position == kNone)
         return;
-    *place = replacement;
-    if (index) { // taking one out of a probed table breaks the probes behind it
-        std::fill_n(index, 2 * capacity, nullptr);
-        for (Element* item : *this)
-            *slotOf(item) = item;
-    }
+    items[position] = replacement;
+    if (index)
+        enter(position); // the slot of `old` stays, and keeps the probes behind it whole
 }
 
-bool ElementList::contains(const Element* element) const
+std::uint32_t ElementList::positionOf(const Element* element) const
 {
-    return index ? *slotOf(element) != nullptr : std::find(begin(), end(), element) != end();
+    if (!index) {
+        Element** const found = std::find(begin(), end(), element);
+        return found == end() ? kNone : static_cast<std::uint32_t>(found - begin());
+    }
+    for (std::size_t at = firstSlot(element);; at = (at + 1) & (4 * std::size_t{capacity} - 1))
+        if (index[at] == kNone || items[index[at]] == element)
+            return index[at];
 }
 
 void ElementList::grow(std::pmr::memory_resource& memory)
 {
     capacity = capacity ? capacity * 2 : 1;
-    Element** const larger = allocate(capacity, memory);
+    Element** const larger = allocate<Element*>(capacity, memory);
     std::copy(begin(), end(), larger);
     items = larger;
     if (capacity <= kWalked)
         return;
-    index = allocate(2 * capacity, memory);
-    std::fill_n(index, 2 * capacity, nullptr);
-    for (Element* item : *this)
-        *slotOf(item) = item;
+    index = allocate<std::uint32_t>(4 * std::size_t{capacity}, memory);
+    buildIndex();
 }
 
-// Where `element` stands in the index, or the free place where it would.
-Element** ElementList::slotOf(const Element* element) const
+void ElementList::buildIndex()
 {
-    const std::size_t mask = 2 * static_cast<std::size_t>(capacity) - 1;
-    for (std::size_t at = std::hash<const Element*>()(element) / alignof(Element) * 0x9E3779B97F4A7C15 >> 20 & mask;;
-         at = (at + 1) & mask)
-        if (!index[at] || index[at] == element)
-            return &index[at];
+    std::fill_n(index, 4 * std::size_t{capacity}, kNone);
+    entered = 0;
+    for (std::uint32_t position = 0; position < count; ++position)
+        enter(position);
+}
+
+void ElementList::enter(std::uint32_t position)
+{
+    if (entered == 3 * capacity) { // of them at most `capacity` by items
+        buildIndex();
+        return;
+    }
+    std::size_t at = firstSlot(items[position]);
+    while (index[at] != kNone)
+        at = (at + 1) & (4 * std::size_t{capacity} - 1);
+    index[at] = position;
+    ++entered;
+}
+
+std::size_t ElementList::firstSlot(const Element* element) const
+{
+    const std::size_t number = reinterpret_cast<std::uintptr_t>(element) / alignof(Element);
+    return number * 0x9E3779B97F4A7C15 >> 20 & (4 * std::size_t{capacity} - 1);
 }

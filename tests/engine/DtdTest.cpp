@@ -141,6 +141,10 @@ CString times(std::size_t count, const CString& text)
 // Each would take minutes, gigabytes or the stack if a statement were scanned for itself or a group were a call.
 TEST(Dtd, LargeAndCrookedTextsEndSoon)
 {
+    CString manyTables = "<!ELEMENT x (";
+    for (int i = 0; i < 200'000; ++i)
+        manyTables += "n" + std::to_string(i) + "*,";
+
     const CString deep = times(1'000'000, "(") + "a" + times(1'000'000, ")");
     const struct
     {
@@ -154,6 +158,7 @@ TEST(Dtd, LargeAndCrookedTextsEndSoon)
         {"<!ELEMENT x (" + times(300'000, "a,(b)?,") + "c)*>", 4},
         {times(300, "<") + "<!ELEMENT x (" + times(1'000'000, " ") + "a)" + times(301, ">"), 2},
         {times(100'000, "<!-- "), 0},
+        {manyTables + "last)>", 200'001},
     };
     for (const auto& row : rows) {
         DTDMessage message;
