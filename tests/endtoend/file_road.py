@@ -48,7 +48,7 @@ class FileRoad(WizardTest):
         self.next("Typeforge - Select source type")
         self.walk("dtd", os.path.join(EXAMPLES, "order.dtd"))
         self.key("Escape")
-        self.wizard.wait(60)
+        self.expect_end()
         self.assertFalse(os.path.exists(self.environment["XDG_CONFIG_HOME"] + "/typeforge/settings.json"))
 
     def test_an_error_leaves_the_page_and_help_stays_beside_it(self):

@@ -13,7 +13,8 @@ import time
 import unittest
 
 BUILD = os.environ["TYPEFORGE_BUILD"]
-SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+HERE = os.path.dirname(os.path.abspath(__file__))
+SOURCE = os.path.dirname(os.path.dirname(HERE))
 PATIENCE = 60  # seconds; only a failure ever waits that long
 ERROR_BOX = "Typeforge Error"
 EPOCH = "1700000000"
@@ -80,7 +81,8 @@ class WizardTest(unittest.TestCase):
         self.environment = dict(
             display().environment, HOME=self.home, XDG_CONFIG_HOME=self.home + "/config",
             XDG_DATA_HOME=self.home + "/data", XDG_RUNTIME_DIR=self.home, TMP=self.home, ODBCINI=self.home + "/odbc.ini",
-            SOURCE_DATE_EPOCH=EPOCH, QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8")
+            SOURCE_DATE_EPOCH=EPOCH, QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8",
+            LSAN_OPTIONS="print_suppressions=0:suppressions=" + HERE + "/leaks.supp")
         open(self.environment["ODBCINI"], "w").close()
         self.wizard = None
 
@@ -149,7 +151,12 @@ class WizardTest(unittest.TestCase):
     def finish(self):
         """On the last page: presses Finish and waits for the program's end."""
         self.key("alt+f")
-        self.assertEqual(0, self.wizard.wait(PATIENCE))
+        self.expect_end()
+
+    def expect_end(self):
+        """Waits for the program's end and wants it clean."""
+        status = self.wizard.wait(PATIENCE)
+        self.assertEqual(0, status, contents(self.home + "/wizard.log").decode(errors="replace"))
 
     def imported(self, *arguments):
         """What typeforge-import prints for these arguments."""
