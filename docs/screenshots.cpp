@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
 #include <QRadioButton>
 #include <QStyleFactory>
 #include <QTimer>
@@ -70,6 +71,25 @@ public:
         keep("outputfile");
         sheet.next();
         keep("finish");
+    }
+
+    /// Twice, so that the second time there is something to ask. Then the finish page again.
+    void toBroker()
+    {
+        sheet.back(); // to the importer page, where the same import starts anew
+        for (int page = 0; page < 3; ++page)
+            sheet.next();
+        control<QRadioButton>(IDC_TO_BROKER).setChecked(true);
+        sheet.next();
+        fill(IDC_SERVER, "local");
+        fill(IDC_USER, "ANNA");
+        control<QLineEdit>(IDC_PASSWORD).setText("password");
+        keep("login");
+        sheet.next();
+        keep("results");
+        sheet.back();
+        keepDialog("overwrite", &QDialog::reject, [this] { sheet.next(); });
+        sheet.next();
     }
 
     void database()
@@ -149,6 +169,7 @@ int main(int argc, char* argv[])
         Walk walk(pictures, tone);
         walk.source();
         walk.toFile();
+        walk.toBroker();
         walk.database();
         walk.help();
     }

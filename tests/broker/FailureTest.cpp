@@ -7,36 +7,7 @@ namespace {
 
 const CString kTestClient = TEST_BUILD_DIR "/libtestclient1.so";
 
-struct Failure
-{
-    const char* server; // of the test client: how it fails
-    const char* text;
-    const char* words; // the client's own
-} const kFailures[] = {
-    {"address-error", "Unable to establish a connection to Broker", "the client's words"},
-    {"logon-error", "Unable to establish a connection to Broker", "the client's words"},
-    {"logon-failure", "Login Failed - Please check your Username/Password.", "the client's words"},
-    {"no-connection", "Connection Failure.", ""},
-    {"repository-error", "Repository Error (the client's words)", ""},
-    {"repository-failure", "Generic Error.", ""},
-    {"no-repository", "Error - Repository not established.", ""},
-    {"none", "", ""},
-};
-
 using Client = Home;
-
-TEST_F(Client, FailsAsItsOwnMessage)
-{
-    useClient(kTestClient);
-    const CString user = "u", password = "p";
-    const BrokerAccount account{user, password};
-    for (const Failure& row : kFailures)
-        for (const BrokerAccount* as : {&account, static_cast<const BrokerAccount*>(nullptr)}) {
-            BrokerSession session;
-            EXPECT_EQ(row.text, session.open(row.server, 1, as)) << row.server;
-            EXPECT_EQ(row.words, session.queryDescription()) << row.server;
-        }
-}
 
 TEST_F(Client, IsLoadedOnlyWithTheRightInterfaces)
 {
@@ -132,7 +103,7 @@ TEST_F(Postgres, GoneInTheMiddleLeavesWholeTypesAndSaysWhy)
     BrokerSession session;
     ASSERT_EQ("", open(session, server.user, server.password));
     Types types(dtdOf(5));
-    const Creation cut(session, types.message, {}, [&](int done) {
+    const Creation cut(session, types.message, [&](int done) {
         if (done == 2)
             execute("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname = 'typeforge' "
                     "AND pid <> pg_backend_pid()");
@@ -145,7 +116,7 @@ TEST_F(Postgres, GoneInTheMiddleLeavesWholeTypesAndSaysWhy)
     EXPECT_EQ(2u, rowsOf(server.connection("typeforge"), server.logon()).size());
 
     ASSERT_EQ("", open(session, server.user, server.password));
-    const Creation killed(session, types.message, {OverwriteChoice::noToAll}, [&](int done) {
+    const Creation killed(session, types.message, [&](int done) {
         if (done == 3)
             server.stop();
     });

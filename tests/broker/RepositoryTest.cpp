@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr auto yes = OverwriteChoice::yes, yesToAll = OverwriteChoice::yesToAll;
-constexpr auto no = OverwriteChoice::no, noToAll = OverwriteChoice::noToAll;
-
 PostgresServer& postgres()
 {
     static PostgresServer server;
@@ -99,51 +96,6 @@ TEST_P(Repository, HoldsTheDocumentsOfTheImport)
     EXPECT_EQ(21u, run.lines.size());
     EXPECT_EQ("e0 created successfully", run.lines.front());
     EXPECT_EQ(types.all(), rows());
-}
-
-struct Answers
-{
-    std::vector<OverwriteChoice> answers;
-    Lines lines;
-} const kAnswers[] = {
-    {{no, yes, no}, {"e0 skipped", "e1 modifed", "root skipped"}},
-    {{yesToAll}, {"e0 modifed", "e1 modifed", "root modifed"}},
-    {{no, yesToAll}, {"e0 skipped", "e1 modifed", "root modifed"}},
-    {{noToAll}, {"e0 skipped", "e1 skipped", "root skipped"}},
-    {{yes, noToAll}, {"e0 modifed", "e1 skipped", "root skipped"}},
-};
-
-TEST_P(Repository, AnswersDecideOverExistingTypes)
-{
-    Types types(dtdOf(2));
-    BrokerSession session;
-    open(session);
-    Creation(session, types.message);
-    for (const Answers& row : kAnswers) {
-        const Creation run(session, types.message, row.answers);
-        EXPECT_EQ(row.lines, run.lines);
-        ASSERT_EQ(row.answers.size(), run.questions.size()); // each run asks anew
-        EXPECT_EQ("\\sys\\root\\e0 already exists.\nOverwrite?", run.questions[0]);
-    }
-}
-
-TEST_P(Repository, OutlivesTheObjectsThatItCameFrom)
-{
-    VornObject<IVornIntegrationServer> server = createVornObject(kVornServerClass);
-    ASSERT_TRUE(server);
-    const CString address = isLocal() ? "local:1" : "127.0.0.1:" + std::to_string(postgres().port);
-    ASSERT_EQ(VornResult::done, server->PutAddress(address.c_str()));
-    IVornConnection* connection = nullptr;
-    ASSERT_EQ(VornResult::done,
-              server->LogonAsUser(postgres().user.c_str(), postgres().password.c_str(), "*", &connection));
-    IVornRepository* opened = nullptr;
-    ASSERT_EQ(VornResult::done, connection->GetRepository(&opened));
-    VornObject<IVornRepository> repository(opened, server.get_deleter());
-    connection->Release();
-    server = {};
-    std::uint32_t code = 99;
-    ASSERT_EQ(VornResult::done, repository->createType("<BROKERTYPEDESCRIPTION NAME='a'/>", 0, &code));
-    EXPECT_EQ(0u, code);
 }
 
 TEST_P(Repository, OneOfTwoAtOnceCreatesAType)

@@ -1,8 +1,8 @@
 #include "Broker/IVorn.h"
 
-#include <cstring>
+#include <string>
 
-// A client that fails in the way that the server's name in its address says, and succeeds in everything else.
+// A client that fails as the server's name in its address says, "logon-error" for instance, and else succeeds.
 
 namespace {
 
@@ -10,31 +10,30 @@ template <class Interface>
 class TestObject : public Interface
 {
 public:
-    explicit TestObject(const char* behaviour) : mode(behaviour) {}
+    explicit TestObject(std::string behaviour) : mode(std::move(behaviour)) {}
     virtual ~TestObject() = default;
     void Release() noexcept final { delete this; }
     const char* queryDescription() const noexcept final { return "the client's words"; }
 
 protected:
-    bool is(const char* behaviour) const { return std::strcmp(mode, behaviour) == 0; }
-
-    // Ends an operation as the mode says: "Xerror", "Xfailure", "Xnothing", else with an object of the next kind.
     template <class Next, class Out>
-    VornResult handOut(const char* error, const char* failure, const char* nothing, Out** out) const
+    VornResult handOut(const std::string& stage, Out** out) const
     {
-        *out = is(error) || is(failure) || is(nothing) ? nullptr : new Next(mode);
-        return is(error) ? VornResult::clientError : is(failure) ? VornResult::failed : VornResult::done;
+        if (mode != stage + "-error" && mode != stage + "-failure" && mode != stage + "-nothing")
+            *out = new Next(mode);
+        return mode == stage + "-error"     ? VornResult::clientError
+               : mode == stage + "-failure" ? VornResult::failed
+                                            : VornResult::done;
     }
 
-    const char* mode;
+    std::string mode;
 };
 
-// The documents it is handed are known by their order: codes 0, 1, 99, 5, then an error, then 0 again.
+// Answers its calls with the codes 0, 1, 99, 5, then an error, then 0.
 class TestRepository final : public TestObject<IVornRepository>
 {
 public:
     using TestObject::TestObject;
-
     VornResult createType(const char*, std::int32_t, std::uint32_t* code) noexcept override
     {
         static constexpr std::uint32_t kCodes[] = {0, 1, 99, 5, 0, 0};
@@ -50,10 +49,9 @@ class TestConnection final : public TestObject<IVornConnection>
 {
 public:
     using TestObject::TestObject;
-
     VornResult GetRepository(IVornRepository** repository) noexcept override
     {
-        return handOut<TestRepository>("repository-error", "repository-failure", "no-repository", repository);
+        return handOut<TestRepository>("repository", repository);
     }
 };
 
@@ -61,26 +59,19 @@ class TestServer final : public TestObject<IVornIntegrationServer>
 {
 public:
     TestServer() : TestObject("") {}
-
     VornResult PutAddress(const char* address) noexcept override
     {
-        static constexpr const char* kModes[] = {"address-error", "logon-error",      "logon-failure",
-                                                 "no-connection", "repository-error", "repository-failure",
-                                                 "no-repository"};
-        for (const char* const known : kModes)
-            if (std::strncmp(address, known, std::strcspn(address, ":")) == 0)
-                mode = known;
-        return is("address-error") ? VornResult::clientError : VornResult::done;
+        mode = address;
+        mode.resize(mode.rfind(':'));
+        return mode == "address-error" ? VornResult::clientError : VornResult::done;
     }
-
     VornResult LogonAsUser(const char*, const char*, const char*, IVornConnection** connection) noexcept override
     {
         return Logon(connection);
     }
-
     VornResult Logon(IVornConnection** connection) noexcept override
     {
-        return handOut<TestConnection>("logon-error", "logon-failure", "no-connection", connection);
+        return handOut<TestConnection>("logon", connection);
     }
 };
 
@@ -93,5 +84,5 @@ std::uint32_t vornInterfaceVersion() noexcept
 
 IVornIntegrationServer* vornCreateObject(const char* classId) noexcept
 {
-    return std::strcmp(classId, kVornServerClass) == 0 ? new TestServer : nullptr;
+    return classId == std::string(kVornServerClass) ? new TestServer : nullptr;
 }
