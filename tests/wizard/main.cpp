@@ -2,9 +2,13 @@
 #include <QStandardPaths>
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 // The pages are driven without a display.
 int main(int argc, char* argv[])
 {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        std::signal(signal, SIG_DFL); // whoever started the tests may ignore them
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
