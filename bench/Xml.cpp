@@ -1,0 +1,71 @@
+// bench_xml FILE...: what the XML layer costs on a file, step by step: the bare callbacks, the walk that XML data are
+// read with, the tree, and the tree written back.
+#include "Formats/XMLDataWalk.h"
+#include "Platform/Dom.h"
+#include "Platform/XmlParser.h"
+
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+
+namespace {
+
+struct Ignore : XmlHandler
+{
+    void startElement(XmlName, XmlAttributes) override {}
+    void endElement() override {}
+};
+
+void setRate(benchmark::State& state, const CString& file)
+{
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * std::filesystem::file_size(file)));
+}
+
+void callbacks(benchmark::State& state, const CString& file)
+{
+    for (auto _ : state) {
+        Ignore handler;
+        benchmark::DoNotOptimize(parseXmlFile(file, handler));
+    }
+    setRate(state, file);
+}
+
+void walk(benchmark::State& state, const CString& file)
+{
+    for (auto _ : state) {
+        XMLDataWalk handler;
+        benchmark::DoNotOptimize(parseXmlFile(file, handler));
+    }
+    setRate(state, file);
+}
+
+void tree(benchmark::State& state, const CString& file)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(IXMLDOMDocument::create().load(file));
+    setRate(state, file);
+}
+
+void write(benchmark::State& state, const CString& file)
+{
+    const IXMLDOMDocument document = IXMLDOMDocument::create();
+    document.load(file);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(document.xml());
+    setRate(state, file);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    for (int i = 1; i < argc; ++i) {
+        const CString file = argv[i], name = std::filesystem::path(file).stem();
+        benchmark::RegisterBenchmark(("callbacks/" + name).c_str(), callbacks, file)->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("walk/" + name).c_str(), walk, file)->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("tree/" + name).c_str(), tree, file)->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("write/" + name).c_str(), write, file)->Unit(benchmark::kMillisecond);
+    }
+    benchmark::RunSpecifiedBenchmarks();
+}
