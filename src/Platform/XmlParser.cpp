@@ -18,6 +18,7 @@ namespace {
 constexpr std::size_t kMaxDepth = 200'000;
 constexpr int kMaxAttributes = 10'000;
 constexpr int kMaxNamespaces = 4'096; // in scope at once
+constexpr int kMaxNames = 1'000'000;  // different ones; libxml2 looks them up in a table that doesn't grow with them
 constexpr std::size_t kFreeExpansion = 1'000'000;
 constexpr std::size_t kMaxExpansionRatio = 10;
 constexpr int kPointersPerAttribute = 5; // in the rows of xmlSAX2 start tags
@@ -317,6 +318,8 @@ void Parse::checkBounds(int attributes)
         fail("An element has too many attributes");
     else if (parser->nsNr > 2 * kMaxNamespaces)
         fail("Too many namespaces are declared");
+    else if (xmlDictSize(parser->dict) > kMaxNames)
+        fail("The document has too many different names");
     else if (depth >= kMaxDepth)
         fail("The elements are nested too deeply");
 }
