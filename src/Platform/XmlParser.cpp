@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t kMaxDepth = 200'000;
 constexpr int kMaxAttributes = 10'000;
 constexpr int kMaxNamespaces = 4'096; // in scope at once
-constexpr int kMaxNames = 1'000'000;  // different ones; libxml2 looks them up in a table that doesn't grow with them
+constexpr int kMaxNames = 500'000;    // different ones; libxml2 looks them up in a table that doesn't grow with them
 constexpr std::size_t kFreeExpansion = 1'000'000;
 constexpr std::size_t kMaxExpansionRatio = 10;
 constexpr int kPointersPerAttribute = 5; // in the rows of xmlSAX2 start tags

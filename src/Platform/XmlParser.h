@@ -59,8 +59,8 @@ public:
 /// (https://www.w3.org/TR/xml/#sec-well-formed), else its first error; the handler has then got what stands before it.
 /// External entities and subsets are never read. Entity expansion is bounded (ten times what has been read, and a
 /// million bytes), so are nesting (256 levels in a document that declares entities, 200,000 else), what one start tag
-/// may hold (10,000 attributes) and how many different names there are (a million): what passes a bound is an error
-/// with its place.
+/// may hold (10,000 attributes) and how many different names there are (half a million): what passes a bound is an
+/// error with its place.
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler);
 
 /// The same for a document that is in memory.
