@@ -17,7 +17,7 @@ void import(benchmark::State& state, const CString& text)
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
 }
 
-void write(benchmark::State& state, const CString& text)
+void writeDocument(benchmark::State& state, const CString& text)
 {
     DTDMessage message;
     message.parseData(text, "\\");
@@ -38,7 +38,7 @@ int main(int argc, char** argv)
         if (readFile(argv[i], text) != FileCause::none)
             return 1;
         benchmark::RegisterBenchmark(("import/" + name).c_str(), import, text)->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark(("write/" + name).c_str(), write, text)->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("write/" + name).c_str(), writeDocument, text)->Unit(benchmark::kMillisecond);
     }
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -46,7 +46,7 @@ void tree(benchmark::State& state, const CString& file)
     setRate(state, file);
 }
 
-void write(benchmark::State& state, const CString& file)
+void serialize(benchmark::State& state, const CString& file)
 {
     const IXMLDOMDocument document = IXMLDOMDocument::create();
     document.load(file);
@@ -65,7 +65,7 @@ int main(int argc, char** argv)
         benchmark::RegisterBenchmark(("callbacks/" + name).c_str(), callbacks, file)->Unit(benchmark::kMillisecond);
         benchmark::RegisterBenchmark(("walk/" + name).c_str(), walk, file)->Unit(benchmark::kMillisecond);
         benchmark::RegisterBenchmark(("tree/" + name).c_str(), tree, file)->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark(("write/" + name).c_str(), write, file)->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("serialize/" + name).c_str(), serialize, file)->Unit(benchmark::kMillisecond);
     }
     benchmark::RunSpecifiedBenchmarks();
 }
