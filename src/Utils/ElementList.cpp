@@ -10,7 +10,7 @@ constexpr std::uint32_t kWalked = 16;
 template <class T>
 T* allocate(std::size_t count, std::pmr::memory_resource& memory)
 {
-    return static_cast<T*>(memory.allocate(count * sizeof(T), alignof(T)));
+    return std::pmr::polymorphic_allocator<T>(&memory).allocate(count);
 }
 
 } // namespace
