@@ -1,5 +1,6 @@
 #include "Broker/BrokerSession.h"
 
+#include "Platform/Secret.h"
 #include "Resources/StringTable.h"
 
 namespace {
@@ -13,8 +14,17 @@ VornObject<Interface> own(Interface* object, const VornObject<Parent>& parent)
 
 } // namespace
 
+BrokerSession::~BrokerSession()
+{
+    const MemoryWipe wipe; // the client's libraries have kept the password up to here
+    repository.reset();
+    connection.reset();
+    server.reset();
+}
+
 CString BrokerSession::open(const CString& serverName, unsigned port, const BrokerAccount* account)
 {
+    const MemoryWipe wipe;
     server = createVornObject(kVornServerClass);
     if (!server)
         return loadText(IDS_NO_CLIENT);

@@ -22,6 +22,11 @@ struct BrokerAccount
 class BrokerSession
 {
 public:
+    BrokerSession() = default;
+    ~BrokerSession();
+    BrokerSession(const BrokerSession&) = delete;
+    BrokerSession& operator=(const BrokerSession&) = delete;
+
     /// Creates the client, logs on (without an account: as the user that runs the program) and opens the repository.
     /// Answers "", or the text for the error box.
     CString open(const CString& server, unsigned port, const BrokerAccount* account);

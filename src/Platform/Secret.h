@@ -17,6 +17,17 @@ struct Secret
     Secret& operator=(const Secret&) = delete;
 };
 
+/// For calls of libraries that copy a password and don't wipe it: what they free while one lives is overwritten, and at
+/// its end what they have left on the stack and in the small blocks that the allocator keeps at hand.
+class MemoryWipe
+{
+public:
+    MemoryWipe();
+    ~MemoryWipe();
+    MemoryWipe(const MemoryWipe&) = delete;
+    MemoryWipe& operator=(const MemoryWipe&) = delete;
+};
+
 /// From here on the process leaves no core dump, whatever ends it, and only its own user's debugger with the right to
 /// trace anything can look into it.
 void keepOutOfCores();
