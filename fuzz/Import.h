@@ -58,7 +58,7 @@ inline void importBytes(MsgBase& importer, std::string_view bytes, bool mayBeNoN
     importer.getXML(document);
     if (!imported || (mayBeNoName && !isTag(importer.queryMainTypeName())))
         return;
-    if (const auto error = parseXmlFile(MemoryFile(document).path(), ignore)) {
+    if (const auto error = parseXmlText(document, ignore)) {
         std::fprintf(stderr, "%d:%d %s\n%s\n", error->line, error->linepos, error->reason.c_str(), document.c_str());
         std::abort();
     }
