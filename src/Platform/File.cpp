@@ -2,10 +2,11 @@
 
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -50,6 +51,16 @@ mode_t newFileMode()
     const mode_t mask = ::umask(0);
     ::umask(mask);
     return 0666 & ~mask;
+}
+
+// Where a name leads when it is a link, also when nothing is there yet. A link in a circle comes back as it is.
+CString behindLinks(const CString& fileName)
+{
+    std::error_code ignored;
+    std::filesystem::path target = fileName;
+    for (int links = 0; links < 40 && std::filesystem::is_symlink(target, ignored); ++links)
+        target = target.parent_path() / std::filesystem::read_symlink(target, ignored);
+    return target;
 }
 
 bool writeAll(int descriptor, std::string_view bytes)
@@ -119,13 +130,13 @@ AtomicFile::~AtomicFile()
 
 void AtomicFile::open(const CString& fileName)
 {
-    target = fileName;
-    if (char* resolved = ::realpath(fileName.c_str(), nullptr)) {
-        target = resolved;
-        std::free(resolved);
-    }
+    target = behindLinks(fileName);
     struct stat state = {};
     const bool exists = ::stat(target.c_str(), &state) == 0;
+    if (!exists && errno != ENOENT) {
+        fail();
+        return;
+    }
     if (exists && !S_ISREG(state.st_mode)) {
         descriptor = ::open(target.c_str(), O_WRONLY | O_CLOEXEC);
         if (descriptor < 0)
