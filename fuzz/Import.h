@@ -42,9 +42,9 @@ inline bool isTag(const CString& name)
     });
 }
 
-/// Imports the bytes as a file, and ends the program when the document that comes out is not well-formed. An importer
-/// whose main type may be no name says so by `mayBeNoName`: its document is looked at when it is one.
-inline void importBytes(MsgBase& importer, std::string_view bytes, bool mayBeNoName = false)
+/// Imports a file, and ends the program when the document that comes out is not well-formed. An importer whose main
+/// type may be no name says so by `mayBeNoName`: its document is looked at when it is one.
+inline void importFile(MsgBase& importer, const CString& fileName, bool mayBeNoName = false)
 {
     struct Ignore : XmlHandler
     {
@@ -52,8 +52,7 @@ inline void importBytes(MsgBase& importer, std::string_view bytes, bool mayBeNoN
         void endElement() override {}
     } ignore;
     setMessageBoxHandler([](const CString&, const CString&) {});
-    const MemoryFile source(bytes);
-    const int imported = importer.parseFile(source.path(), importer.getBasePath());
+    const int imported = importer.parseFile(fileName, importer.getBasePath());
     CString document;
     importer.getXML(document);
     if (!imported || (mayBeNoName && !isTag(importer.queryMainTypeName())))
@@ -62,4 +61,10 @@ inline void importBytes(MsgBase& importer, std::string_view bytes, bool mayBeNoN
         std::fprintf(stderr, "%d:%d %s\n%s\n", error->line, error->linepos, error->reason.c_str(), document.c_str());
         std::abort();
     }
+}
+
+/// The same with bytes as the file.
+inline void importBytes(MsgBase& importer, std::string_view bytes, bool mayBeNoName = false)
+{
+    importFile(importer, MemoryFile(bytes).path(), mayBeNoName);
 }
