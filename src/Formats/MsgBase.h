@@ -106,6 +106,16 @@ protected:
     /// the same name, without looking the name up.
     void addUsage(std::string_view usageKey, Element* element, Element* parent);
 
+    /// Makes room for so many usages at once.
+    void reserveUsages(std::size_t count) { usages.reserve(count); }
+
+    /// Asks the memory for what the declaration of an element will look up soon.
+    void prefetchUsage(std::string_view usageKey, std::string_view name) const
+    {
+        usages.prefetch(keyHash(usageKey));
+        elements.prefetch(keyHash(name));
+    }
+
     /// Empties the model.
     void clear();
 

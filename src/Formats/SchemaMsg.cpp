@@ -3,6 +3,8 @@
 #include "Resources/StringTable.h"
 #include "Utils/XMLDoc.h"
 
+#include <algorithm>
+
 MsgUIDescriptor SchemaMessage::m_descr("\\sys\\xml\\", IDS_SCHEMA_NAME, IDS_SCHEMA_DESCRIPTION, &SchemaMessage::New,
                                        1008);
 
@@ -41,14 +43,19 @@ void SchemaMessage::forget()
     cyclicReferences = 0;
 }
 
-/// The texts of the field in hand. Kept from one to the next, so that they seldom have to grow.
+namespace {
+
+constexpr std::size_t kFieldsAtOnce = 16;
+
+} // namespace
+
+/// A field that is about to be declared.
 struct SchemaMessage::Field
 {
     CString name;
     CString typeName;
-    int count = 1;
     CString usageKey;
-    CString description;
+    int count = 1;
 };
 
 int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder, bool isRead)
@@ -61,38 +68,62 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder, 
     }
     mergeLists();
     const CString path = folder + mainType + "\\";
-    Field field;
+    reserveUsages(countFields());
+    std::vector<Field> fields(kFieldsAtOnce); // their texts seldom have to grow from one record to the next
     for (SchemaElement* entry : schemaElements)
-        declareRecord(*entry, path, field);
+        declareRecord(*entry, path, fields);
     for (SchemaElement* entry : pulled)
-        declareRecord(*entry, path, field);
+        declareRecord(*entry, path, fields);
     return 1;
 }
 
-/// An entry with children becomes a record.
-void SchemaMessage::declareRecord(SchemaElement& entry, const CString& path, Field& field)
+/// How many usages the records will have: each is one itself.
+std::size_t SchemaMessage::countFields() const
 {
-    if (entry.getChildren().empty())
+    std::size_t count = 0;
+    for (SchemaElement* entry : schemaElements)
+        count += entry->getChildren().empty() ? 0 : 1 + entry->getChildren().size();
+    for (SchemaElement* entry : pulled)
+        count += entry->getChildren().empty() ? 0 : 1 + entry->getChildren().size();
+    return count;
+}
+
+/// An entry with children becomes a record. Its fields are declared some at a time, so that the memory can be asked for
+/// all that they look up before the first one needs it.
+void SchemaMessage::declareRecord(SchemaElement& entry, const CString& path, std::vector<Field>& fields)
+{
+    const std::vector<SchemaElement*>& children = entry.getChildren();
+    if (children.empty())
         return;
     const bool mayMiss = entry.queryPull() == SchemaElement::pulledAsChild;
     const CString name = entry.queryName() == rootTypeName ? mainType : CString(entry.queryName());
-    Element* record = addElement(name, path, name, fillText(loadText(IDS_AUTOMATIC), name), Element::typeRow, nullptr);
-    for (const SchemaElement* child : entry.getChildren()) {
-        const SchemaKey& key = child->queryKey();
-        getType(mayMiss ? findEntry(key) : child, field.typeName, field.name);
-        field.count = getModifiers(key) == modStar ? 2 : 1;
-        field.usageKey.assign(name).append(".").append(field.name);
-        declareField(field, path, record);
+    Element* record = addElement(name, path, name, Element::typeRow, nullptr);
+    for (std::size_t first = 0; first < children.size(); first += fields.size()) {
+        const std::size_t count = std::min(fields.size(), children.size() - first);
+        for (std::size_t i = 0; i < count; ++i)
+            prepareField(*children[first + i], mayMiss, name, fields[i]);
+        for (std::size_t i = 0; i < count; ++i)
+            declareField(fields[i], path, record);
     }
+}
+
+/// `mayMiss`: the child's entry may be missing from the element table.
+void SchemaMessage::prepareField(const SchemaElement& child, bool mayMiss, const CString& recordName,
+                                 Field& field) const
+{
+    const SchemaKey& key = child.queryKey();
+    getType(mayMiss ? findEntry(key) : &child, field.typeName, field.name);
+    field.count = getModifiers(key) == modStar ? 2 : 1;
+    field.usageKey.assign(recordName).append(".").append(field.name);
+    prefetchUsage(field.usageKey, field.name);
 }
 
 /// A repeated field is declared twice: MsgBase makes a table of a usage that it has seen more than once.
 void SchemaMessage::declareField(Field& field, const CString& path, Element* record)
 {
     const Element::ElementTypes kind = field.typeName.empty() ? Element::typeString : getBrokerType(field.typeName);
-    fillText(field.description, loadText(IDS_AUTOMATIC), field.name);
     for (int i = 0; i < field.count; ++i) {
-        Element* element = addElement(field.usageKey, path, field.name, field.description, kind, record);
+        Element* element = addElement(field.usageKey, path, field.name, kind, record);
         if (field.typeName.empty())
             continue;
         const bool isOurs = field.typeName != "AnonymousType" && kind != Element::typeString;

@@ -59,12 +59,15 @@ private:
     void enterType(const SchemaOutline& outline, TypeWalk& walk);
     bool nextList(const SchemaOutline& outline, TypeWalk& walk);
     void processTag(const SchemaOutline& outline, TypeWalk& walk);
+    void prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const;
     SchemaElement* addSchemaElement(std::string_view name, std::string_view parentKey, SchemaElement* parent,
                                     std::string_view type);
 
     // Building the model from the table.
     int doParse(const SchemaOutline& outline, const CString& folder, bool isRead);
-    void declareRecord(SchemaElement& entry, const CString& path, Field& field);
+    std::size_t countFields() const;
+    void declareRecord(SchemaElement& entry, const CString& path, std::vector<Field>& fields);
+    void prepareField(const SchemaElement& child, bool mayMiss, const CString& recordName, Field& field) const;
     void declareField(Field& field, const CString& path, Element* record);
     static int getType(const SchemaElement* entry, CString& typeName, CString& fieldName);
     Element::ElementTypes getBrokerType(CString& typeName) const;

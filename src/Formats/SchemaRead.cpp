@@ -135,12 +135,24 @@ bool SchemaMessage::nextList(const SchemaOutline& outline, TypeWalk& walk)
 void SchemaMessage::processTag(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& field = outline[walk.field];
+    const Index next = outline.getNextSibling(walk.field);
+    if (next != SchemaOutline::kNone)
+        prefetchEntry(outline[next], walk);
     // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
     const std::string_view name = field.markedName();
     if (!name.empty())
         addSchemaElement(name, walk.recordName, walk.record, typeOf(outline, walk.field));
-    walk.field = outline.getNextSibling(walk.field);
+    walk.field = next;
     walk.isEntered = false;
+}
+
+/// In a large table each look-up waits for the memory. It is asked for the next field's while this one is registered.
+void SchemaMessage::prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const
+{
+    const std::string_view name = field.markedName();
+    if (walk.record)
+        schemaElements.prefetch(SchemaKey(walk.recordName, walk.record->queryKey().hash, name).hash);
+    schemaElements.prefetch(SchemaKey(name).hash);
 }
 
 /// Registers a declaration once and attaches it to its parent, whose key is `parentKey`. Answers the entry, or null

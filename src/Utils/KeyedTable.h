@@ -83,6 +83,13 @@ public:
             growTo(size);
     }
 
+    /// Asks the memory for the place where a key of this hash is looked for.
+    void prefetch(std::size_t hash) const
+    {
+        if (!slots.empty())
+            __builtin_prefetch(&slots[hash & (slots.size() - 1)]);
+    }
+
     void clear()
     {
         entries.clear();
