@@ -4,20 +4,20 @@ namespace {
 
 /// FNV-1a (http://www.isthe.com/chongo/tech/comp/fnv/): a hash that can be carried on, from a parent's key to its
 /// children's.
-std::size_t carryOn(std::size_t hash, std::string_view text)
+std::uint32_t carryOn(std::uint32_t hash, std::string_view text)
 {
     for (const char c : text)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x01000193U;
     return hash;
 }
 
-constexpr std::size_t kStart = 0xCBF29CE484222325U;
+constexpr std::uint32_t kStart = 0x811C9DC5U;
 
 } // namespace
 
 SchemaKey::SchemaKey(std::string_view name) : name(name), hash(carryOn(kStart, name)) {}
 
-SchemaKey::SchemaKey(std::string_view parent, std::size_t parentHash, std::string_view name) :
+SchemaKey::SchemaKey(std::string_view parent, std::uint32_t parentHash, std::string_view name) :
     parent(parent), name(name), hash(carryOn(parentHash, name))
 {}
 

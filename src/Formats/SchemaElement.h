@@ -2,6 +2,8 @@
 
 #include "Platform/Text.h"
 
+#include <cstdint>
+#include <memory>
 #include <vector>
 
 /// The key of a table entry: the parent's key followed directly by the name, with no separator, so that "Or" with
@@ -11,13 +13,13 @@ struct SchemaKey
 {
     std::string_view parent;
     std::string_view name;
-    std::size_t hash;
+    std::uint32_t hash;
 
     /// A key without a parent.
     explicit SchemaKey(std::string_view name);
 
     /// A key under an entry whose own key is `parent` with the hash `parentHash`.
-    SchemaKey(std::string_view parent, std::size_t parentHash, std::string_view name);
+    SchemaKey(std::string_view parent, std::uint32_t parentHash, std::string_view name);
 
     /// True when the joined texts are equal.
     bool operator==(const SchemaKey& other) const;
@@ -44,9 +46,18 @@ public:
     std::string_view queryName() const { return key.name; }
     std::string_view queryType() const { return type; }
 
+    using Children = std::vector<SchemaElement*>;
+
     /// Appends the key of a child by the entry that has it; the same one may stand more than once.
-    void addChild(SchemaElement* child) { children.push_back(child); }
-    std::vector<SchemaElement*>& getChildren() { return children; }
+    void addChild(SchemaElement* child)
+    {
+        if (!children)
+            children = std::make_unique<Children>();
+        children->push_back(child);
+    }
+
+    /// Null without children.
+    Children* queryChildren() const { return children.get(); }
 
     /// How an entry of the include table got into the element table too.
     enum Pull
@@ -61,6 +72,6 @@ public:
 private:
     SchemaKey key;
     std::string_view type;
-    std::vector<SchemaElement*> children;
+    std::unique_ptr<Children> children; // most entries have none
     Pull pull = notPulled;
 };

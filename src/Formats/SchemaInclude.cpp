@@ -24,6 +24,8 @@ bool SchemaMessage::getSchemaIncludeList(const CString& fileName, Outlines& outl
         processElement(outline);
     for (const SchemaOutline& outline : outlines)
         processComplexType(outline, SchemaOutline::kRoot, {});
+    for (auto included = outlines.begin() + 1; included != outlines.end(); ++included)
+        included->keepTextsOnly();
     // The names in force while the main element's own type was read.
     const bool sameNames = !hadRootType || earlierMainType == mainType;
     return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
@@ -67,7 +69,9 @@ void SchemaMessage::pull(const SchemaKey& type)
         return;
     included->setPull(SchemaElement::pulledAsType);
     pulled.push_back(included);
-    for (SchemaElement*& child : included->getChildren()) {
+    if (!included->queryChildren())
+        return;
+    for (SchemaElement*& child : *included->queryChildren()) {
         const SchemaKey& key = child->queryKey();
         if (SchemaElement* own = schemaElements.find(key, key.hash)) {
             child = own; // that is whom the key stands for from here on

@@ -70,9 +70,9 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder, 
     const CString path = folder + mainType + "\\";
     reserveUsages(countFields());
     std::vector<Field> fields(kFieldsAtOnce); // their texts seldom have to grow from one record to the next
-    for (SchemaElement* entry : schemaElements)
+    for (const SchemaElement* entry : schemaElements)
         declareRecord(*entry, path, fields);
-    for (SchemaElement* entry : pulled)
+    for (const SchemaElement* entry : pulled)
         declareRecord(*entry, path, fields);
     return 1;
 }
@@ -81,20 +81,20 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder, 
 std::size_t SchemaMessage::countFields() const
 {
     std::size_t count = 0;
-    for (SchemaElement* entry : schemaElements)
-        count += entry->getChildren().empty() ? 0 : 1 + entry->getChildren().size();
-    for (SchemaElement* entry : pulled)
-        count += entry->getChildren().empty() ? 0 : 1 + entry->getChildren().size();
+    for (const SchemaElement* entry : schemaElements)
+        count += entry->queryChildren() ? 1 + entry->queryChildren()->size() : 0;
+    for (const SchemaElement* entry : pulled)
+        count += entry->queryChildren() ? 1 + entry->queryChildren()->size() : 0;
     return count;
 }
 
 /// An entry with children becomes a record. Its fields are declared some at a time, so that the memory can be asked for
 /// all that they look up before the first one needs it.
-void SchemaMessage::declareRecord(SchemaElement& entry, const CString& path, std::vector<Field>& fields)
+void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path, std::vector<Field>& fields)
 {
-    const std::vector<SchemaElement*>& children = entry.getChildren();
-    if (children.empty())
+    if (!entry.queryChildren())
         return;
+    const SchemaElement::Children& children = *entry.queryChildren();
     const bool mayMiss = entry.queryPull() == SchemaElement::pulledAsChild;
     const CString name = entry.queryName() == rootTypeName ? mainType : CString(entry.queryName());
     Element* record = addElement(name, path, name, Element::typeRow, nullptr);

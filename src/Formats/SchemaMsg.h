@@ -66,7 +66,7 @@ private:
     // Building the model from the table.
     int doParse(const SchemaOutline& outline, const CString& folder, bool isRead);
     std::size_t countFields() const;
-    void declareRecord(SchemaElement& entry, const CString& path, std::vector<Field>& fields);
+    void declareRecord(const SchemaElement& entry, const CString& path, std::vector<Field>& fields);
     void prepareField(const SchemaElement& child, bool mayMiss, const CString& recordName, Field& field) const;
     void declareField(Field& field, const CString& path, Element* record);
     static int getType(const SchemaElement* entry, CString& typeName, CString& fieldName);

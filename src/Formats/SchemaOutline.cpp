@@ -168,3 +168,10 @@ bool SchemaOutline::holdsTypeNamed(std::string_view name) const
     }
     return typeNames->contains(name);
 }
+
+void SchemaOutline::keepTextsOnly()
+{
+    entries = std::vector<Entry>(); // not {}, which would keep the room
+    places = decltype(places)();
+    typeNames.reset();
+}

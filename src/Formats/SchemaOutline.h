@@ -75,6 +75,9 @@ public:
 
     bool hasTargetNamespace() const { return isTargeted; }
 
+    /// Gives back what only reading needs; what was read refers to the texts.
+    void keepTextsOnly();
+
 private:
     static constexpr unsigned kTags = 3;
 
