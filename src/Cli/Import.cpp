@@ -6,6 +6,8 @@
 #include "Platform/MessageBox.h"
 #include "Resources/StringTable.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 
 namespace {
@@ -52,6 +54,18 @@ bool writeType(MsgBase& message, const CString& name, Output& output)
     return true;
 }
 
+// A source as it may be shown: a connection string ends where its password stands.
+CString withoutPassword(const CString& source)
+{
+    CString upper = source;
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
+    std::size_t end = source.size();
+    for (const CString word : {"PWD=", "PASSWORD="})
+        if (const std::size_t at = upper.find(word); at != CString::npos)
+            end = std::min(end, at + word.size());
+    return end < source.size() ? source.substr(0, end) + "***" : source;
+}
+
 bool writeResult(MsgBase& message, const Arguments& arguments)
 {
     Output output(arguments.output);
@@ -91,7 +105,8 @@ int runImport(const Arguments& arguments)
                                                : message->parseFile(arguments.source, basePath) != 0;
     setMessageBoxHandler(before);
     if (!imported && boxes == 0)
-        report("nothing was imported from " + arguments.source);
+        report("nothing was imported from " +
+               (importer.readsTables ? withoutPassword(arguments.source) : arguments.source));
     if (imported && !arguments.create.address.empty())
         return createTypes(*message, arguments.create);
     return imported && writeResult(*message, arguments) ? 0 : 1;

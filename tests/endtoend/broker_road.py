@@ -1,13 +1,12 @@
 """From the welcome page to types in a repository, and again over types that exist, with the keyboard alone."""
 import os
+import pathlib
 import sqlite3
-import subprocess
 import unittest
 
-from harness import BUILD, WizardTest, wait_until
+from harness import WizardTest, ask, contents, setUpModule, wait_until
 
-LOGIN = "Typeforge - Login to Broker"
-RESULT = "Typeforge - Creation result"
+LOGIN = "Login to Broker"
 QUESTION = "Overwrite confirmation"
 SELECT = "SELECT document, revision FROM typeforge_types ORDER BY name"
 
@@ -15,53 +14,46 @@ SELECT = "SELECT document, revision FROM typeforge_types ORDER BY name"
 class BrokerRoad(WizardTest):
     def walk_to_login(self):
         self.source = os.path.join(self.home, "twenty.dtd")
+        self.names = ["e%02d" % i for i in range(19)]
         with open(self.source, "w") as file:
-            file.write("<!ELEMENT r (%s)>" % ",".join("e%02d" % i for i in range(19)))
-            file.writelines("<!ELEMENT e%02d (x, y)>" % i for i in range(19))
+            file.write("<!ELEMENT r (%s)>" % ",".join(self.names))
+            file.writelines("<!ELEMENT %s (x, y)>" % name for name in self.names)
         self.start()
-        self.next("Typeforge - Select source type")
-        self.choose_importer("dtd", "Typeforge - Select source")
+        self.next("Select source type")
+        self.choose_importer("dtd", "Select source")
         self.type(self.source)
-        self.next("Typeforge - Generated types")
-        self.next("Typeforge - Select output mode")
+        self.next("Generated types", "Select output mode")
         self.key("Down")  # a letter with Alt would take its time to arrive at the radio button
-        self.next(LOGIN, "Return")
+        self.key("Return")
+        self.expect_page(LOGIN)
 
     def log_on(self, server, port, *account):
         self.key("alt+n")
-        self.type(server)
-        self.key("Tab")
-        self.type(port)
-        self.key("Tab", "Down", *[] if account else ["Up"])
-        for text in account:
-            self.key("Tab")
-            self.type(text)
-
-    def create(self, *answers):
+        self.type(server, port)
+        self.key("Tab", "Down", "Tab" if account else "Up")
+        if account:
+            self.type(*account)
         self.key("Return")
-        for key in answers:
-            question = self.expect_title(QUESTION)
-            self.key(key)
-            wait_until("the end of the question", lambda: self.window(QUESTION) != question)
-        self.expect_title(RESULT)
 
     def check(self, rows):
         """Creates and replaces; the revision of a row tells how often it was replaced."""
-        documents = sorted(self.imported("dtd", self.source, "--type", name).decode()
-                           for name in ["r"] + ["e%02d" % i for i in range(19)])
+        documents = sorted(self.imported("dtd", self.source, "--type", name).decode() for name in ["r"] + self.names)
         first = self.imported("dtd", self.source, "--list").decode().split("\t")[0]
-        self.create()
-        self.assertEqual([(document, 0) for document in documents], sorted(rows()))
         for answers, first_replaced, rest_replaced in [
-                (["alt+y", "alt+a"], 1, 1), (["Return", "alt+t"], 1, 1), (["alt+y", "Escape", "alt+t"], 2, 1)]:
-            with self.subTest(answers):
+                ([], 0, 0), (["alt+y", "alt+a"], 1, 1), (["Return", "alt+t"], 1, 1), (["alt+y", "Escape", "alt+t"], 2, 1)]:
+            if answers:
                 self.key("alt+b")
-                self.expect_title(LOGIN)
-                self.create(*answers)
-                self.assertEqual([(document, first_replaced if ' NAME="%s"' % first in document else rest_replaced)
-                                  for document in documents], sorted(rows()))
-        self.next("Typeforge - Finish")
-        self.finish()
+                self.expect_page(LOGIN)
+                self.key("Return")
+            for key in answers:
+                question = self.expect_title(QUESTION)
+                self.key(key)
+                wait_until("the end of the question", lambda: self.window(QUESTION) != question)
+            self.expect_page("Creation result")
+            self.assertEqual([(document, first_replaced if ' NAME="%s"' % first in document else rest_replaced)
+                              for document in documents], sorted(rows()), answers)
+        self.next("Finish")
+        self.end("alt+f")
 
     def test_the_local_repository(self):
         self.walk_to_login()
@@ -73,26 +65,19 @@ class BrokerRoad(WizardTest):
         self.check(rows)
 
     def test_a_repository_in_postgresql(self):
-        server = subprocess.Popen([BUILD + "/test_postgres", "CREATE DATABASE typeforge"], stdin=subprocess.PIPE,
-                                  stdout=subprocess.PIPE, text=True)
-        self.addCleanup(server.communicate)
-        port, user, password = (server.stdout.readline().strip() for _ in range(3))
+        port, user, password = self.postgres("CREATE DATABASE typeforge")
         self.walk_to_login()
         self.log_on("127.0.0.1", port, user, "wrong")
-        self.key("Return")
-        self.expect_error()
-        self.expect_title(LOGIN)
+        self.expect_error(LOGIN)
         self.log_on("127.0.0.1", port, user, password)
 
         def rows():
-            lines = subprocess.check_output(["psql", "-XAtqh", "127.0.0.1", "-p", port, "-U", user, "-c", SELECT,
-                                             "typeforge"], env=dict(os.environ, PGPASSWORD=password), text=True)
-            return [(document, int(revision)) for document, revision in (line.rsplit("|", 1) for line in lines.splitlines())]
+            place = "host=127.0.0.1 port=%s user=%s password='%s' dbname=typeforge" % (port, user, password)
+            lines = [line.rsplit("|", 1) for line in ask("psql", "-XAtqc", SELECT, place).splitlines()]
+            return [(document, int(revision)) for document, revision in lines]
         self.check(rows)
-        for folder, _, names in os.walk(self.home):
-            for name in names:
-                with open(os.path.join(folder, name), "rb") as file:
-                    self.assertNotIn(password.encode(), file.read(), name)
+        for path in filter(pathlib.Path.is_file, pathlib.Path(self.home).rglob("*")):
+            self.assertNotIn(password.encode(), contents(path), path)
 
 
 if __name__ == "__main__":

@@ -14,10 +14,8 @@ import unittest
 
 BUILD = os.environ["TYPEFORGE_BUILD"]
 HERE = os.path.dirname(os.path.abspath(__file__))
-SOURCE = os.path.dirname(os.path.dirname(HERE))
+EXAMPLES = os.path.join(os.path.dirname(os.path.dirname(HERE)), "examples")
 PATIENCE = 60  # seconds; only a failure ever waits that long
-ERROR_BOX = "Typeforge Error"
-EPOCH = "1700000000"
 
 
 def wait_until(what, condition):
@@ -31,144 +29,120 @@ def wait_until(what, condition):
     raise AssertionError("waited in vain for " + what)
 
 
-class Display:
-    """An X display with a window manager, on a number that the server finds free itself."""
-
-    def __init__(self):
-        reader, writer = os.pipe()
-        self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"],
-            pass_fds=[writer], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        os.close(writer)
-        with os.fdopen(reader) as numbers:
-            self.name = ":" + numbers.readline().strip()
-        if self.name == ":":
-            raise RuntimeError("Xvfb didn't start")
-        self.environment = dict(os.environ, DISPLAY=self.name)
-        self.manager = subprocess.Popen(["openbox", "--sm-disable"], env=self.environment,
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        atexit.register(self.close)
-        # Windows mapped before the window manager runs would never get the focus.
-        wait_until("the window manager", lambda: self.ask("xdotool", "get_desktop"))
-
-    def ask(self, *command):
-        """What the command prints, or nothing where it fails."""
-        done = subprocess.run(command, env=self.environment, capture_output=True, text=True, timeout=PATIENCE)
-        return done.stdout.strip() if done.returncode == 0 else ""
-
-    def close(self):
-        for process in (self.manager, self.server):
-            process.terminate()
-            process.wait()
+def ask(*command):
+    """What the command prints, or nothing where it fails."""
+    done = subprocess.run(command, capture_output=True, text=True, timeout=PATIENCE)
+    return done.stdout.strip() if done.returncode == 0 else ""
 
 
-_display = None
+def contents(path):
+    with open(path, "rb") as file:
+        return file.read()
 
 
-def display():
-    global _display
-    if _display is None:
-        _display = Display()
-    return _display
+def setUpModule():
+    """Starts a display, on a number that the server finds free itself, with a window manager."""
+    def start(*command, **how):
+        process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **how)
+        atexit.register(process.wait)
+        atexit.register(process.terminate)
+    reader, writer = os.pipe()
+    start("Xvfb", "-displayfd", str(writer), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", pass_fds=[writer])
+    os.close(writer)
+    with os.fdopen(reader) as numbers:
+        os.environ["DISPLAY"] = ":" + numbers.readline().strip()
+    start("openbox", "--sm-disable")
+    # Windows mapped before the window manager runs would never get the focus.
+    wait_until("the window manager", lambda: ask("xdotool", "get_desktop"))
 
 
 class WizardTest(unittest.TestCase):
-    """A test case with one wizard. Titles are whole window titles."""
+    """A test case with one wizard. Titles are whole window titles; those of pages go without what they start with."""
 
     def setUp(self):
         self.home = tempfile.mkdtemp(prefix="typeforge-")
         self.addCleanup(shutil.rmtree, self.home)
         self.environment = dict(
-            display().environment, HOME=self.home, XDG_CONFIG_HOME=self.home + "/config",
-            XDG_DATA_HOME=self.home + "/data", XDG_RUNTIME_DIR=self.home, TMP=self.home, ODBCINI=self.home + "/odbc.ini",
-            SOURCE_DATE_EPOCH=EPOCH, QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8",
+            os.environ, HOME=self.home, XDG_CONFIG_HOME=self.home + "/config", XDG_DATA_HOME=self.home + "/data",
+            XDG_RUNTIME_DIR=self.home, TMP=self.home, ODBCINI=self.home + "/odbc.ini", SOURCE_DATE_EPOCH="1700000000",
+            QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8",
             LSAN_OPTIONS="print_suppressions=0:suppressions=" + HERE + "/leaks.supp")
         open(self.environment["ODBCINI"], "w").close()
-        self.wizard = None
 
-    def start(self, title="Typeforge - Introduction"):
+    def start(self, page="Introduction"):
         """Starts the wizard and waits for its first page."""
-        log = open(self.home + "/wizard.log", "w")
-        self.addCleanup(log.close)
-        self.wizard = subprocess.Popen([BUILD + "/typeforge"], cwd=self.home, env=self.environment, stdout=log, stderr=log)
-        self.addCleanup(self._stop, self.wizard)
-        self.expect_title(title)
-
-    def _stop(self, wizard):
-        if wizard.poll() is None:
-            wizard.kill()
-        wizard.wait()
+        with open(self.home + "/wizard.log", "w") as log:
+            self.wizard = subprocess.Popen([BUILD + "/typeforge"], cwd=self.home, env=self.environment, stdout=log, stderr=log)
+        self.addCleanup(self.wizard.wait)
+        self.addCleanup(self.wizard.kill)
+        self.expect_page(page)
 
     def window(self, title):
         """The visible window of that title, or nothing."""
-        return display().ask("xdotool", "search", "--onlyvisible", "--name", "^" + re.escape(title) + "$").split("\n")[0]
+        return ask("xdotool", "search", "--onlyvisible", "--name", "^" + re.escape(title) + "$").split("\n")[0]
 
     def expect_title(self, title):
         """Waits until a window of that title is there and has the keyboard."""
         def focused():
             self.assertIsNone(self.wizard.poll(), "the wizard ended where '%s' was expected" % title)
             window = self.window(title)
-            if window and display().ask("xdotool", "getwindowfocus", "getwindowname") != title:
-                display().ask("xdotool", "windowactivate", window)
-                return False
+            if window and ask("xdotool", "getwindowfocus", "getwindowname") != title:
+                ask("xdotool", "windowactivate", window)
+                return None
             return window
-        try:
-            return wait_until("the window '%s'" % title, focused)
-        except AssertionError as failure:
-            titles = display().ask("xdotool", "search", "--onlyvisible", "--name", "Typeforge", "getwindowname", "%@")
-            raise AssertionError("%s; there is: %s" % (failure, titles)) from None
+        return wait_until("the window '%s'" % title, focused)
 
-    def expect_gone(self, title):
-        """Waits until no window of that title is left."""
-        wait_until("the end of '%s'" % title, lambda: not self.window(title))
+    def expect_page(self, title):
+        self.expect_title("Typeforge - " + title)
+
+    def expect_error(self, page):
+        """Waits for the error box, closes it, and wants to be on that page."""
+        self.expect_title("Typeforge Error")
+        self.key("Return")
+        wait_until("the end of the error", lambda: not self.window("Typeforge Error"))
+        self.expect_page(page)
 
     def key(self, *keys):
-        subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], env=self.environment, check=True, timeout=PATIENCE)
+        subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], check=True, timeout=PATIENCE)
 
-    def type(self, text):
-        """Types over whatever the field with the focus holds."""
-        self.key("ctrl+a")
-        subprocess.run(["xdotool", "type", "--clearmodifiers", "--delay", "4", text], env=self.environment, check=True,
-                       timeout=PATIENCE)
+    def type(self, *texts):
+        """Types over whatever the field with the focus holds, and the fields after it."""
+        for text in texts:
+            self.key(*["Tab"] if text is not texts[0] else [], "ctrl+a")
+            subprocess.run(["xdotool", "type", "--clearmodifiers", "--delay", "4", text], check=True, timeout=PATIENCE)
 
-    def next(self, title, keys="alt+n"):
-        """Presses Next and waits for the page of that title."""
-        self.key(keys)
-        self.expect_title(title)
+    def next(self, *pages):
+        """Presses Next and waits for the page of that title, for each of them."""
+        for page in pages:
+            self.key("alt+n")
+            self.expect_page(page)
 
-    def expect_error(self):
-        """Waits for the error box and closes it."""
-        self.expect_title(ERROR_BOX)
-        self.key("Return")
-        self.expect_gone(ERROR_BOX)
-
-    def choose_importer(self, name, title):
-        """On the importer page: picks the importer that typeforge-import calls so, and goes on to the page of that title."""
-        names = re.search(r"\{(.*?)\}", self.run_import("--help").stdout.decode()).group(1).split(",")
+    def choose_importer(self, name, page):
+        """On the importer page: picks the importer that typeforge-import calls so, and goes on to that page."""
+        names = re.search(r"\{(.*?)\}", self.imported("--help").decode()).group(1).split(",")
         self.key("Home", *["Down"] * names.index(name))
-        self.next(title)
+        self.next(page)
 
-    def finish(self):
-        """On the last page: presses Finish and waits for the program's end."""
-        self.key("alt+f")
-        self.expect_end()
+    def end(self, key):
+        """Presses the key that ends the program, and wants a clean end."""
+        self.key(key)
+        self.assertEqual(0, self.wizard.wait(PATIENCE), contents(self.home + "/wizard.log").decode(errors="replace"))
 
-    def expect_end(self):
-        """Waits for the program's end and wants it clean."""
-        status = self.wizard.wait(PATIENCE)
-        self.assertEqual(0, status, contents(self.home + "/wizard.log").decode(errors="replace"))
+    def write(self, name="types.xml"):
+        """From the page before that of the types to the last page; gives the written file."""
+        self.next("Generated types", "Select output mode", "Select output file")
+        self.type(os.path.join(self.home, name))
+        self.next("Finish")
+        return contents(os.path.join(self.home, name))
 
     def imported(self, *arguments):
         """What typeforge-import prints for these arguments."""
-        done = self.run_import(*arguments)
-        self.assertEqual(0, done.returncode, done.stderr)
-        return done.stdout
+        return subprocess.run([BUILD + "/typeforge-import", *arguments], env=self.environment, stdout=subprocess.PIPE,
+                              timeout=PATIENCE, check=True).stdout
 
-    def run_import(self, *arguments):
-        return subprocess.run([BUILD + "/typeforge-import", *arguments], env=self.environment, capture_output=True,
-                              timeout=PATIENCE)
-
-
-def contents(path):
-    with open(path, "rb") as file:
-        return file.read()
+    def postgres(self, *statements):
+        """Starts a server and runs the statements in it; gives its port, user and password."""
+        server = subprocess.Popen([BUILD + "/test_postgres", *statements], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                  text=True)
+        self.addCleanup(server.communicate)
+        return [server.stdout.readline().strip() for _ in range(3)]

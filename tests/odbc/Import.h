@@ -12,8 +12,6 @@ inline const int kOdbcIniIsSet = setenv("ODBCINI", "/dev/null", 1);
 /// A main window that has nothing but a connection.
 struct Connected : MainWindow
 {
-    CDatabase database;
-
     explicit Connected(const CString& source, const CString& logon = {})
     {
         database.Open(source, CDatabase::readWrite, logon);
@@ -21,10 +19,12 @@ struct Connected : MainWindow
     }
     ~Connected() override { setMainWindow(nullptr); }
     CDatabase* queryDatabase() override { return &database; }
+
+    CDatabase database;
 };
 
 /// What an import of `tables`, each ended by a line feed, gives: "NAME(FIELD:TYPE …)" for each record, the types as
-/// "S", "N", "T" and "t" for a table, a description behind a slash.
+/// "S", "N", "T" and "t" for a table, each with the description right behind it.
 inline CString importTables(const CString& tables)
 {
     ODBCMessage message;
@@ -32,13 +32,10 @@ inline CString importTables(const CString& tables)
     CString text;
     message.beginEnum();
     while (const Element* record = message.enumNext()) {
-        text += record->queryName() + "(";
-        for (const Element* field : record->queryChildren()) {
-            text += text.ends_with('(') ? "" : " ";
-            text += field->queryName() + ":" + "EARtSNTO"[field->queryType()];
-            text += field->queryDescription().empty() ? "" : "/" + field->queryDescription();
-        }
-        text += ")";
+        CString fields;
+        for (const Element* field : record->queryChildren())
+            fields += " " + field->queryName() + ":" + "EARtSNTO"[field->queryType()] + field->queryDescription();
+        text += record->queryName() + "(" + (fields.empty() ? "" : fields.substr(1)) + ")";
     }
     return text;
 }

@@ -1,5 +1,4 @@
 """What is installed beside the programs fits them, and the tools of the desktop accept it."""
-import glob
 import os
 import re
 import subprocess
@@ -7,61 +6,54 @@ import unittest
 
 BUILD = os.environ["TYPEFORGE_BUILD"]
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-PACKAGING = os.path.join(SOURCE, "packaging")
-HELP = os.path.join(SOURCE, "src/Resources/help")
+PACKAGING = os.path.join(SOURCE, "packaging/")
+HELP = os.path.join(SOURCE, "src/Resources/help/")
 
 
-def read(*path):
-    with open(os.path.join(*path), encoding="utf-8") as file:
+def read(path):
+    with open(path, encoding="utf-8") as file:
         return file.read()
 
 
-def output(*command):
-    done = subprocess.run(command, capture_output=True, text=True)
-    return done.returncode, done.stdout + done.stderr
+def run(*command):
+    done = subprocess.run(command, capture_output=True, text=True, cwd=PACKAGING)
+    return done.returncode, done.stdout, done.stderr
 
 
 class Packaging(unittest.TestCase):
     def test_every_option_has_its_place_in_manual_and_completion(self):
-        options = set(re.findall(r"--[a-z][a-z-]+", output(BUILD + "/typeforge-import", "--help")[1]))
+        options = set(re.findall(r"--[a-z][a-z-]+", run(BUILD + "/typeforge-import", "--help")[1]))
         self.assertLess({"--output", "--help"}, options)
-        manual = read(PACKAGING, "typeforge-import.1").replace("\\-", "-")
-        completion = read(PACKAGING, "typeforge-import.bash")
+        manual = read(PACKAGING + "typeforge-import.1").replace("\\-", "-")
         self.assertEqual(options, set(re.findall(r"(?m)^\.BR? .*?(--[a-z-]+)", manual)))
-        self.assertEqual(options, set(re.findall(r"--[a-z-]+(?=[ \n\"])", re.search(r"compgen -W \"(--.*?)\"", completion, re.S)[0])))
+        offered = re.search(r"compgen -W \"(--.*?)\"", read(PACKAGING + "typeforge-import.bash"), re.S)[0]
+        self.assertEqual(options, set(re.findall(r"--[a-z-]+(?=[ \n\"])", offered)))
 
     def test_completion_offers_what_fits_the_place(self):
         script = ("_init_completion() { cur=${COMP_WORDS[COMP_CWORD]}; prev=${COMP_WORDS[COMP_CWORD-1]};"
                   " words=(\"${COMP_WORDS[@]}\"); cword=$COMP_CWORD; }; _filedir() { COMPREPLY=(\"files $1\"); };"
-                  " . %s/typeforge-import.bash; COMP_WORDS=(typeforge-import %s); COMP_CWORD=%d; _typeforge_import;"
+                  " . ./typeforge-import.bash; COMP_WORDS=(typeforge-import %s); COMP_CWORD=%d; _typeforge_import;"
                   " echo \"${COMPREPLY[@]}\"")
         for line, place, offered in [("x", 1, "xml xsd"), ("dtd ''", 2, "files @(dtd|DTD)"), ("dtd a --ov", 3, "--overwrite"),
                                      ("dtd a -o ''", 4, "files "), ("btd a --overwrite n", 4, "none")]:
-            with self.subTest(line):
-                self.assertEqual((0, offered + "\n"), output("bash", "-c", script % (PACKAGING, line, place)))
+            self.assertEqual((0, offered + "\n", ""), run("bash", "-c", script % (line, place)), line)
 
     def test_the_desktop_accepts_its_files(self):
-        for command in [["desktop-file-validate", PACKAGING + "/org.typeforge.typeforge.desktop"],
-                        ["man", "--warnings", "--local-file", "-Tutf8", "-Z", PACKAGING + "/typeforge.1"],
-                        ["man", "--warnings", "--local-file", "-Tutf8", "-Z", PACKAGING + "/typeforge-import.1"]]:
-            with self.subTest(command[0]):
-                done = subprocess.run(command, capture_output=True, text=True)
-                self.assertEqual((0, ""), (done.returncode, done.stderr))
-        status, text = output("appstreamcli", "validate", "--no-net", PACKAGING + "/org.typeforge.typeforge.metainfo.xml")
-        self.assertEqual(0, status, text)
+        manual = "man --warnings --local-file -Tutf8 -Z ./typeforge"
+        for command in ["desktop-file-validate org.typeforge.typeforge.desktop", manual + ".1", manual + "-import.1",
+                        "appstreamcli validate --no-net org.typeforge.typeforge.metainfo.xml"]:
+            status, out, err = run(*command.split())
+            self.assertEqual((0, ""), (status, err), command + "\n" + out)
 
     def test_help_pages_lead_to_one_another(self):
-        carried = re.findall(r"<file>help/(.*)</file>", read(SOURCE, "src/Resources/wizard.qrc"))
-        self.assertEqual(sorted(os.path.basename(page) for page in glob.glob(HELP + "/*")), sorted(carried))
-        pages = {"index.html"}
-        unread = ["index.html"]
-        while unread:
-            text = read(HELP, unread.pop())
+        carried = re.findall(r"<file>help/(.*)</file>", read(SOURCE + "/src/Resources/wizard.qrc"))
+        self.assertEqual(sorted(os.listdir(HELP)), sorted(carried))
+        pages = ["index.html"]
+        for page in pages:  # which grows on the way
+            text = read(HELP + page)
             self.assertIn('href="help.css"', text)
-            found = set(re.findall(r'<a href="([^"]*)"', text)) - pages
-            pages |= found
-            unread += found
-        self.assertEqual(pages | {"help.css"}, set(carried))
+            pages += sorted(set(re.findall(r'<a href="([^"]*)"', text)) - set(pages))
+        self.assertEqual(sorted(pages + ["help.css"]), sorted(carried))
         self.assertEqual(12, len(pages))
 
 

@@ -11,21 +11,13 @@
 class Boxes
 {
 public:
-    Boxes()
-    {
-        before = setMessageBoxHandler([this](const CString& text, const CString& title) {
-            EXPECT_EQ(title, "Typeforge Error");
-            texts.push_back(text);
-        });
-    }
-
+    Boxes() = default;
     ~Boxes()
     {
         setMessageBoxHandler(before);
         for (const CString& text : texts)
             ADD_FAILURE() << "a box that nobody expected: " << text;
     }
-
     Boxes(const Boxes&) = delete;
     Boxes& operator=(const Boxes&) = delete;
 
@@ -33,6 +25,9 @@ public:
     std::vector<CString> take() { return std::exchange(texts, {}); }
 
 private:
-    MessageBoxHandler before;
     std::vector<CString> texts;
+    MessageBoxHandler before = setMessageBoxHandler([this](const CString& text, const CString& title) {
+        EXPECT_EQ(title, "Typeforge Error");
+        texts.push_back(text);
+    });
 };

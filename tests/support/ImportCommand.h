@@ -9,8 +9,7 @@
 struct Answer
 {
     int status = 0;
-    std::string out;
-    std::string err;
+    std::string out, err;
 
     bool operator==(const Answer&) const = default;
     friend std::ostream& operator<<(std::ostream& stream, const Answer& answer)
@@ -23,9 +22,9 @@ struct Answer
 inline Answer runShell(const TempDir& folder, const std::string& line)
 {
     const TempDir output;
-    const std::string script = "cd '" + folder.path() + "' && import='" TEST_BUILD_DIR "/typeforge-import' && { " +
-                               line + "\n} >'" + output.path("out") + "' 2>'" + output.path("err") + "' </dev/null";
-    const int status = std::system(script.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, TempDir::read(output.path("out")),
-            TempDir::read(output.path("err"))};
+    const std::string out = output.path("out"), err = output.path("err");
+    const int status = std::system(("cd '" + folder.path() + "' && import='" TEST_BUILD_DIR "/typeforge-import' && { " +
+                                    line + "\n} >'" + out + "' 2>'" + err + "' </dev/null")
+                                       .c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, TempDir::read(out), TempDir::read(err)};
 }

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
+#include <set>
 
 /// Writes a schema document around `declarations` and answers its path.
 inline CString writeSchema(const TempDir& dir, const CString& name, const CString& declarations)
@@ -29,7 +29,7 @@ inline CString kindOf(const Element& field)
 /// The records of an import with their fields, sorted by name: "Order{number:Number t_line:table} line{sku:String}".
 inline CString modelOf(MsgBase& message)
 {
-    std::vector<CString> records;
+    std::multiset<CString> records;
     message.beginEnum();
     while (const Element* type = message.enumNext()) {
         if (type->queryType() != Element::typeRow)
@@ -37,9 +37,8 @@ inline CString modelOf(MsgBase& message)
         CString fields;
         for (const Element* field : type->queryChildren())
             fields += (fields.empty() ? "" : " ") + field->queryName() + ":" + kindOf(*field);
-        records.push_back(type->queryName() + "{" + fields + "}");
+        records.insert(type->queryName() + "{" + fields + "}");
     }
-    std::sort(records.begin(), records.end());
     CString model;
     for (const CString& record : records)
         model += (model.empty() ? "" : " ") + record;

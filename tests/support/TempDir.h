@@ -13,32 +13,26 @@ class TempDir
 public:
     TempDir()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "typeforge-test-XXXXXX").string();
-        if (!mkdtemp(pattern.data()))
+        if (!mkdtemp(folder.data()))
             throw std::runtime_error("no temporary folder");
-        folder = pattern;
     }
-
     ~TempDir()
     {
         std::error_code ignored;
         std::filesystem::remove_all(folder, ignored);
     }
-
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
-    std::string path(const std::string& name = {}) const { return (folder / name).string(); }
+    std::string path(const std::string& name = {}) const { return folder + "/" + name; }
 
     /// Writes a file, with the folders it lies in, and answers its path.
     std::string write(const std::string& name, const std::string& bytes) const
     {
-        const std::filesystem::path file = folder / name;
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary) << bytes;
-        return file.string();
+        std::filesystem::create_directories(std::filesystem::path(path(name)).parent_path());
+        std::ofstream(path(name), std::ios::binary) << bytes;
+        return path(name);
     }
-
     static std::string read(const std::string& file)
     {
         std::ostringstream bytes;
@@ -47,5 +41,5 @@ public:
     }
 
 private:
-    std::filesystem::path folder;
+    std::string folder = std::filesystem::temp_directory_path() / "typeforge-test-XXXXXX";
 };

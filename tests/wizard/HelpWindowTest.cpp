@@ -21,22 +21,13 @@ protected:
 
 TEST_F(Help, HasAPageForEachTopic)
 {
-    const char* const titles[] = {"Typeforge help",
-                                  "Welcome",
-                                  "What was created",
-                                  "Choosing a data source",
-                                  "Choosing tables",
-                                  "The generated types",
-                                  "Finishing",
-                                  "Connecting to the broker",
-                                  "Choosing where the types go",
-                                  "Choosing the output file",
-                                  "Choosing the input file",
-                                  "Choosing an importer",
-                                  "Typeforge help"};
+    const QString titles =
+        "Typeforge help;Welcome;What was created;Choosing a data source;Choosing tables;The generated "
+        "types;Finishing;Connecting to the broker;Choosing where the types go;Choosing the output "
+        "file;Choosing the input file;Choosing an importer;Typeforge help";
     for (int topic = 0; topic < 13; ++topic) {
         window.showTopic(topic);
-        EXPECT_EQ(title().toStdString(), titles[topic]);
+        EXPECT_EQ(title(), titles.section(';', topic, topic)) << topic;
         EXPECT_GT(window.findChild<QTextBrowser*>()->toPlainText().size(), 300);
     }
 }
@@ -63,15 +54,15 @@ TEST_F(Help, IsWalkedWithTheKeyboard)
 
 TEST(Pictures, HaveTheirSizesAndDepths)
 {
-    const struct
-    {
-        int id, width, height, depth;
-    } kPictures[] = {
-        {1000, 535, 73, 32}, {1001, 535, 99, 8}, {1002, 539, 407, 32}, {1003, 539, 407, 8}, {1027, 32, 32, 32}};
-    for (const auto& expected : kPictures) {
-        const QImage image(QString(":/%1").arg(expected.id));
-        EXPECT_EQ(image.size(), QSize(expected.width, expected.height)) << expected.id;
-        EXPECT_EQ(image.depth(), expected.depth) << expected.id;
+    const std::tuple<int, QSize, int> pictures[] = {{1000, {535, 73}, 32},
+                                                    {1001, {535, 99}, 8},
+                                                    {1002, {539, 407}, 32},
+                                                    {1003, {539, 407}, 8},
+                                                    {1027, {32, 32}, 32}};
+    for (const auto& [id, size, depth] : pictures) {
+        const QImage image(QString(":/%1").arg(id));
+        EXPECT_EQ(image.size(), size) << id;
+        EXPECT_EQ(image.depth(), depth) << id;
     }
 }
 
