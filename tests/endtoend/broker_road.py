@@ -4,7 +4,7 @@ import pathlib
 import sqlite3
 import unittest
 
-from harness import WizardTest, ask, contents, setUpModule, wait_until
+from harness import WizardTest, ask, setUpModule, wait_until
 
 LOGIN = "Login to Broker"
 QUESTION = "Overwrite confirmation"
@@ -77,7 +77,7 @@ class BrokerRoad(WizardTest):
             return [(document, int(revision)) for document, revision in lines]
         self.check(rows)
         for path in filter(pathlib.Path.is_file, pathlib.Path(self.home).rglob("*")):
-            self.assertNotIn(password.encode(), contents(path), path)
+            self.assertNotIn(password.encode(), path.read_bytes(), path)
 
 
 if __name__ == "__main__":

@@ -1,4 +1,5 @@
 """From the welcome page to a written file with the keyboard alone, out of databases."""
+import pathlib
 import sqlite3
 import unittest
 
@@ -9,8 +10,7 @@ TABLES = ["CREATE TABLE one (a integer, b varchar(20))", "CREATE TABLE three (d 
 
 class DatabaseRoad(WizardTest):
     def to_data_sources(self, sources):
-        with open(self.environment["ODBCINI"], "w") as file:
-            file.write(sources)
+        pathlib.Path(self.home, "odbc.ini").write_text(sources)
         self.start()
         self.next("Select source type")
         self.choose_importer("odbc", "Select data source")

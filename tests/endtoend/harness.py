@@ -5,6 +5,7 @@ TYPEFORGE_BUILD names the folder with the programs.
 """
 import atexit
 import os
+import pathlib
 import re
 import shutil
 import subprocess
@@ -35,11 +36,6 @@ def ask(*command):
     return done.stdout.strip() if done.returncode == 0 else ""
 
 
-def contents(path):
-    with open(path, "rb") as file:
-        return file.read()
-
-
 def setUpModule():
     """Starts a display, on a number that the server finds free itself, with a window manager."""
     def start(*command, **how):
@@ -67,7 +63,7 @@ class WizardTest(unittest.TestCase):
             XDG_RUNTIME_DIR=self.home, TMP=self.home, ODBCINI=self.home + "/odbc.ini", SOURCE_DATE_EPOCH="1700000000",
             QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8",
             LSAN_OPTIONS="print_suppressions=0:suppressions=" + HERE + "/leaks.supp")
-        open(self.environment["ODBCINI"], "w").close()
+        pathlib.Path(self.home, "odbc.ini").touch()
 
     def start(self, page="Introduction"):
         """Starts the wizard and waits for its first page."""
@@ -126,14 +122,14 @@ class WizardTest(unittest.TestCase):
     def end(self, key):
         """Presses the key that ends the program, and wants a clean end."""
         self.key(key)
-        self.assertEqual(0, self.wizard.wait(PATIENCE), contents(self.home + "/wizard.log").decode(errors="replace"))
+        self.assertEqual(0, self.wizard.wait(PATIENCE), pathlib.Path(self.home, "wizard.log").read_text())
 
     def write(self, name="types.xml"):
         """From the page before that of the types to the last page; gives the written file."""
         self.next("Generated types", "Select output mode", "Select output file")
         self.type(os.path.join(self.home, name))
         self.next("Finish")
-        return contents(os.path.join(self.home, name))
+        return pathlib.Path(self.home, name).read_bytes()
 
     def imported(self, *arguments):
         """What typeforge-import prints for these arguments."""

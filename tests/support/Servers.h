@@ -31,8 +31,6 @@ class DatabaseServer
 {
 public:
     ~DatabaseServer() { stop(); }
-    DatabaseServer(const DatabaseServer&) = delete;
-    DatabaseServer& operator=(const DatabaseServer&) = delete;
 
     /// Ends the server at once; connections to it break.
     void stop()

