@@ -1,9 +1,6 @@
 #include "Formats/MsgBase.h"
 #include "Utils/BrokerType.h"
-#include "support/Boxes.h"
-#include "support/Types.h"
-
-#include <gmock/gmock.h>
+#include "support/Importing.h"
 
 #include <cstdlib>
 
@@ -66,29 +63,29 @@ TEST(Model, RepeatedUsageBecomesATable)
 
 TEST(Model, PrimitivesThatRepeatNameTheirWord)
 {
-    const auto repeated = [](Element::ElementTypes type) {
-        return typesOfDeclared([type](Declared& m) {
+    for (const auto& [type, types] : {std::pair(Element::typeString, "t_f:t=String(f:S=String) r:R(t_f:t=String)"),
+                                      std::pair(Element::typeNumber, "t_f:t=Number(f:N=Number) r:R(t_f:t=Number)"),
+                                      std::pair(Element::typeDate, "t_f:t=Time(f:T=Time) r:R(t_f:t=Time)"),
+                                      std::pair(Element::typeOther, "t_f:t(f:O) r:R(t_f:t)")}) {
+        const auto declare = [kind = type](Declared& m) {
             Element* row = m.add("r", "r");
-            m.add("r.f", "f", row, type);
-            m.add("r.f", "f", row, type);
-        });
-    };
-    EXPECT_EQ(repeated(Element::typeString), "t_f:t=String(f:S=String) r:R(t_f:t=String)");
-    EXPECT_EQ(repeated(Element::typeNumber), "t_f:t=Number(f:N=Number) r:R(t_f:t=Number)");
-    EXPECT_EQ(repeated(Element::typeDate), "t_f:t=Time(f:T=Time) r:R(t_f:t=Time)");
-    EXPECT_EQ(repeated(Element::typeOther), "t_f:t(f:O) r:R(t_f:t)");
+            m.add("r.f", "f", row, kind);
+            m.add("r.f", "f", row, kind);
+        };
+        EXPECT_EQ(typesOfDeclared(declare), types);
+    }
 }
 
 TEST(Model, WithoutMergingEachCallMakesAnElement)
 {
     const auto declare = [](Declared& m) {
         Element* a = m.add("a", "a");
-        m.add("a.x", "x", a);
-        m.add("a.y", "x", a);
-        EXPECT_EQ(m.add("", "", a) == m.add("", "", a), false); // the nameless never merge
+        for (const auto& [key, name] :
+             {std::pair("a.x", "x"), std::pair("a.y", "x"), std::pair("", ""), std::pair("", "")})
+            m.add(key, name, a);
     };
     EXPECT_EQ(typesOfDeclared(declare, 0), "a:R(x:S x:S :S :S)");
-    EXPECT_EQ(typesOfDeclared(declare, 1), "a:R(x:S :S :S)");
+    EXPECT_EQ(typesOfDeclared(declare, 1), "a:R(x:S :S :S)") << "the nameless never merge";
 }
 
 TEST(Model, ReferenceToAListedTypePutsATypeAtTheEnd)
@@ -196,34 +193,41 @@ TEST(Element, ListsOfAnyLengthHoldEachOnce)
 
 TEST(Documents, EachKindOfType)
 {
-    const auto document = [](Element::ElementTypes type, const std::function<void(Element&)>& fill) {
-        Element element("\\f", "T", "", type, nullptr);
-        fill(element);
-        CString text;
-        element.asXML(text);
-        const CString head = "<BROKERTYPEDESCRIPTION NAME=\"\\f\\T\"", tail = "</BROKERTYPEDESCRIPTION>";
-        EXPECT_TRUE(text.starts_with(head)) << text;
-        return text.ends_with(tail) ? text.substr(head.size() + 1, text.size() - head.size() - tail.size() - 1) : text;
-    };
     Element a("\\g\\", "a", "first", Element::typeOther, nullptr), b("", "b", "", Element::typeEnum, nullptr);
     a.setKnownType("\\x\\<&\"\t\x01\xF6");
-    EXPECT_EQ(document(Element::typeRow, [](Element&) {}), "<ROW/>");
-    EXPECT_EQ(document(Element::typeEnum, [](Element&) {}), "<ENUM/>");
-    EXPECT_EQ(document(Element::typeRow, [&](Element& row) { row.addChild(&b); }), "<ROW/>");
-    // Not UTF-8, so read as Windows-1252; a control character can't stand in XML at all.
-    EXPECT_EQ(
-        document(Element::typeRow, [&](Element& row) { row.addChild(&a); }),
-        "<ROW><FIELD NAME=\"a\" DESCRIPTION=\"first\" TYPE=\"\\x\\&lt;&amp;&quot;&#9;\xEF\xBF\xBD\xC3\xB6\"/></ROW>");
-    EXPECT_EQ(document(Element::typeEnum,
-                       [&](Element& all) {
-                           all.addChild(&a);
-                           all.addChild(&b);
-                       }),
-              "<ENUM><CONSTANT NAME=\"a\" DESCRIPTION=\"first\"/><CONSTANT NAME=\"b\"/></ENUM>");
-    EXPECT_EQ(document(Element::typeArray, [](Element&) {}), "<ARRAY SIZE=\"5\"><COMPONENT TYPE=\"\\f\\T\"/></ARRAY>");
-    EXPECT_EQ(document(Element::typeTable, [](Element& table) { table.setKnownType("Number"); }),
-              "<TABLE><COMPONENT TYPE=\"Number\"/></TABLE>");
-    EXPECT_EQ(document(Element::typeString, [](Element&) {}), "<BROKERTYPEDESCRIPTION NAME=\"\\f\\T\"/>");
+    const struct
+    {
+        Element::ElementTypes type;
+        std::vector<Element*> children;
+        const char* knownType;
+        CString content;
+    } rows[] = {
+        {Element::typeRow, {}, "", "<ROW/>"},
+        {Element::typeEnum, {}, "", "<ENUM/>"},
+        {Element::typeRow, {&b}, "", "<ROW/>"},
+        // Not UTF-8, so read as Windows-1252; a control character can't stand in XML at all.
+        {Element::typeRow,
+         {&a},
+         "",
+         "<ROW><FIELD NAME=\"a\" DESCRIPTION=\"first\" TYPE=\"\\x\\&lt;&amp;&quot;&#9;\xEF\xBF\xBD\xC3\xB6\"/></ROW>"},
+        {Element::typeEnum,
+         {&a, &b},
+         "",
+         "<ENUM><CONSTANT NAME=\"a\" DESCRIPTION=\"first\"/><CONSTANT NAME=\"b\"/></ENUM>"},
+        {Element::typeArray, {}, "", "<ARRAY SIZE=\"5\"><COMPONENT TYPE=\"\\f\\T\"/></ARRAY>"},
+        {Element::typeTable, {}, "Number", "<TABLE><COMPONENT TYPE=\"Number\"/></TABLE>"},
+        {Element::typeString, {}, "", ""},
+    };
+    for (const auto& [type, children, knownType, content] : rows) {
+        Element element("\\f", "T", "", type, nullptr);
+        element.setKnownType(knownType);
+        for (Element* child : children)
+            element.addChild(child);
+        CString text;
+        element.asXML(text);
+        EXPECT_EQ(text, "<BROKERTYPEDESCRIPTION NAME=\"\\f\\T\"" +
+                            (content.empty() ? "/>" : ">" + content + "</BROKERTYPEDESCRIPTION>"));
+    }
 }
 
 TEST(Documents, BuilderTakesOnlyWhatItsContentTakes)
@@ -253,16 +257,9 @@ TEST(Documents, MessageDocumentIsStampedWithTheSourceDate)
 
 TEST(Documents, TextsMadeFitForXml)
 {
-    const struct
-    {
-        const char* bytes;
-        const char* text;
-    } rows[] = {
+    const char* const rows[][2] = {
         {"plain", "plain"},
-        {"gr\xC3\xB6\xC3\x9F"
-         "e",
-         "gr\xC3\xB6\xC3\x9F"
-         "e"},
+        {"gr\xC3\xB6\xC3\x9F!", "gr\xC3\xB6\xC3\x9F!"},
         {"\x80\x99\x81", "\xE2\x82\xAC\xE2\x84\xA2\xC2\x81"},
         {"\xC3\xB6\xF6", "\xC3\x83\xC2\xB6\xC3\xB6"}, // the whole value, not a byte of it
         {"\xED\xA0\x80", "\xC3\xAD\xC2\xA0\xE2\x82\xAC"},
@@ -270,9 +267,9 @@ TEST(Documents, TextsMadeFitForXml)
         {"\xF0\x9F\x99\x82 and more", "\xF0\x9F\x99\x82 and more"},
         {"\xC0\xAF", "\xC3\x80\xC2\xAF"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(toXmlText(row.bytes), row.text);
-        EXPECT_EQ(isXmlText(row.bytes), CString(row.bytes) == row.text);
+    for (const auto& [bytes, text] : rows) {
+        EXPECT_EQ(toXmlText(bytes), text);
+        EXPECT_EQ(isXmlText(bytes), CString(bytes) == text);
     }
     for (const char* text : {"<", "12345678&", "1234567\"890", "\x7F>", "\x1F", "abcdefgh\x80ijklmnop"})
         EXPECT_FALSE(isPlainXmlText(text)) << text;

@@ -1,176 +1,133 @@
 #include "Formats/SchemaMsg.h"
 #include "Platform/SchemaLocation.h"
+#include "support/Importing.h"
 #include "support/SchemaModel.h"
+#include "support/SchemaText.h"
 
 using testing::ElementsAre;
 
 namespace {
 
-struct Graph
-{
-    const char* name;
-    std::vector<std::pair<const char*, const char*>> files; // the first one is imported
-    const char* model;
-};
-
-void PrintTo(const Graph& row, std::ostream* out)
-{
-    *out << row.name;
-}
-
-// The main file of most graphs: it needs the type Party from elsewhere.
-#define MAIN                                                                                                           \
-    "<xsd:element name='Main'><xsd:complexType><xsd:all><xsd:element name='c' type='Party'/></xsd:all>"                \
-    "</xsd:complexType></xsd:element>"
-#define PARTY(field)                                                                                                   \
-    "<xsd:complexType name='Party'><xsd:all><xsd:element name='" field "'/></xsd:all></xsd:complexType>"
 #define INCLUDE(location) "<xsd:include schemaLocation='" location "'/>"
+#define PARTY(field) RECORD("Party", FIELD(field))
+// Needs the type Party from elsewhere.
+#define MAIN NESTED("Main", FIELD("c", "type='Party'"))
 #define FOUND "Main{c:=Party} Party{name:String}"
 #define MISSING "Main{c:=String}"
 
+// Beside the main file and the others there is always p.xsd, with the Party that FOUND shows.
+struct Graph
+{
+    const char* name;
+    const char* mainFile;
+    std::vector<std::pair<const char*, const char*>> others = {};
+    const char* model = FOUND;
+    const char* mainName = "a.xsd";
+};
+
 const Graph kGraphs[] = {
     {"PartyAndItsAddressArePulled",
-     {{"order.xsd", INCLUDE("party.xsd") MAIN},
-      {"party.xsd", "<xsd:complexType name='Party'><xsd:all><xsd:element name='name' type='xsd:string'/>"
-                    "<xsd:element name='address' type='Address'/></xsd:all></xsd:complexType>"
-                    "<xsd:complexType name='Address'><xsd:all><xsd:element name='city'/></xsd:all></xsd:complexType>"
-                    "<xsd:complexType name='Unused'><xsd:all><xsd:element name='x'/></xsd:all></xsd:complexType>"}},
+     INCLUDE("party.xsd") MAIN,
+     {{"party.xsd", RECORD("Party", FIELD("name", "type='xsd:string'") FIELD("address", "type='Address'"))
+                        RECORD("Address", FIELD("city")) RECORD("Unused", FIELD("x"))}},
      "Address{city:String} Main{c:=Party} Party{name:String address:=Address}"},
     {"FolderWithCapitalsAndBlank",
-     {{"My Schemas/Orders.XSD", INCLUDE("../common/Party.xsd") MAIN}, {"common/Party.xsd", PARTY("name")}},
-     FOUND},
-    {"EscapedBlank",
-     {{"a.xsd", INCLUDE("My%20Schemas/Party.xsd") MAIN}, {"My Schemas/Party.xsd", PARTY("name")}},
-     FOUND},
-    {"Backslash", {{"a.xsd", INCLUDE("x\\y\\Party.xsd") MAIN}, {"x/y/Party.xsd", PARTY("name")}}, FOUND},
+     INCLUDE("../common/Party.xsd") MAIN,
+     {{"common/Party.xsd", PARTY("name")}},
+     FOUND,
+     "My Schemas/Orders.XSD"},
+    {"BackslashAndEscapedBlank", INCLUDE("x%20y\\z\\Party.xsd") MAIN, {{"x y/z/Party.xsd", PARTY("name")}}},
     {"OtherCaseIsLookedForSecond",
-     {{"a.xsd", INCLUDE("COMMON/party.XSD") MAIN}, {"Common/Party.xsd", PARTY("name")}, {"common/x.xsd", ""}},
-     FOUND},
-    {"GivenCaseComesFirst",
-     {{"a.xsd", INCLUDE("party.xsd") MAIN}, {"PARTY.XSD", PARTY("lost")}, {"party.xsd", PARTY("name")}},
-     FOUND},
-    {"Import", {{"a.xsd", "<xsd:import namespace='n' schemaLocation='p.xsd'/>" MAIN}, {"p.xsd", PARTY("name")}}, FOUND},
+     INCLUDE("COMMON/party.XSD") MAIN,
+     {{"Common/Party.xsd", PARTY("name")}, {"common/x.xsd", ""}}},
+    {"GivenCaseComesFirst", INCLUDE("p.xsd") MAIN, {{"P.XSD", PARTY("lost")}}},
+    {"Import", "<xsd:import namespace='n' schemaLocation='p.xsd'/>" MAIN},
     {"RedefineBringsTheDocumentAndNotWhatItHolds",
-     {{"a.xsd", "<xsd:redefine schemaLocation='p.xsd'>" PARTY("lost") "</xsd:redefine>" MAIN},
-      {"p.xsd", PARTY("name")}},
-     FOUND},
-    {"AnyPrefixIsFollowed",
-     {{"a.xsd", "<s:include xmlns:s='http://www.w3.org/2001/XMLSchema' schemaLocation='p.xsd'/>" MAIN},
-      {"p.xsd", PARTY("name")}},
-     FOUND},
-    {"NetworkIsSkipped", {{"a.xsd", INCLUDE("http://127.0.0.1/p.xsd") INCLUDE("//host/p.xsd") MAIN}}, MISSING},
+     "<xsd:redefine schemaLocation='p.xsd'>" PARTY("lost") "</xsd:redefine>" MAIN},
+    {"AnyPrefixIsFollowed", "<s:include xmlns:s='http://www.w3.org/2001/XMLSchema' schemaLocation='p.xsd'/>" MAIN},
+    {"NetworkIsSkipped", INCLUDE("http://127.0.0.1/p.xsd") INCLUDE("//host/p.xsd") MAIN, {}, MISSING},
     {"MissingAndIllFormedAreSkipped",
-     {{"a.xsd", INCLUDE("no.xsd") INCLUDE("bad.xsd") INCLUDE(".") INCLUDE("") INCLUDE("p.xsd") MAIN},
-      {"bad.xsd", PARTY("lost") "<"},
-      {"p.xsd", PARTY("name")}},
-     FOUND},
-    {"IncludesOfIncludesAreRelativeToTheirDocument",
-     {{"a.xsd", INCLUDE("x/b.xsd") MAIN}, {"x/b.xsd", INCLUDE("y/p.xsd")}, {"x/y/p.xsd", PARTY("name")}},
-     FOUND},
+     INCLUDE("no.xsd") INCLUDE("bad.xsd") INCLUDE(".") INCLUDE("") INCLUDE("p.xsd") MAIN,
+     {{"bad.xsd", PARTY("lost") "<"}}},
     {"CycleThroughTheMainFileAddsNothing",
-     {{"a.xsd", INCLUDE("x/b.xsd") INCLUDE("./a.xsd") MAIN}, {"x/b.xsd", INCLUDE("../x/../a.xsd") PARTY("name")}},
-     FOUND},
+     INCLUDE("x/b.xsd") INCLUDE("./a.xsd") MAIN,
+     {{"x/b.xsd", INCLUDE("../x/../a.xsd") INCLUDE("../p.xsd")}}},
     {"DiamondIsReadOnce",
-     {{"a.xsd", INCLUDE("b.xsd") INCLUDE("c.xsd") MAIN},
-      {"b.xsd", INCLUDE("p.xsd")},
-      {"c.xsd", INCLUDE("./p.xsd")},
-      {"p.xsd", PARTY("name")}},
-     FOUND},
+     INCLUDE("b.xsd") INCLUDE("c.xsd") MAIN,
+     {{"b.xsd", INCLUDE("p.xsd")}, {"c.xsd", INCLUDE("./p.xsd")}}},
     {"SameNameTwiceGathersTheFieldsDepthFirst",
-     {{"a.xsd", INCLUDE("b.xsd") INCLUDE("c.xsd") MAIN},
-      {"b.xsd", INCLUDE("d.xsd") PARTY("b")},
-      {"c.xsd", PARTY("z")},
-      {"d.xsd", PARTY("d")}},
+     INCLUDE("b.xsd") INCLUDE("c.xsd") MAIN,
+     {{"b.xsd", INCLUDE("d.xsd") PARTY("b")}, {"c.xsd", PARTY("z")}, {"d.xsd", PARTY("d")}},
      "Main{c:=Party} Party{b:String d:String z:String}"},
-    {"OwnDeclarationWins",
-     {{"a.xsd", INCLUDE("p.xsd") MAIN PARTY("own")}, {"p.xsd", PARTY("lost")}},
-     "Main{c:=Party} Party{own:String}"},
+    {"OwnDeclarationWins", INCLUDE("p.xsd") MAIN PARTY("own"), {}, "Main{c:=Party} Party{own:String}"},
     {"PulledChildIsNotPulledAsAType",
-     {{"a.xsd", INCLUDE("p.xsd") MAIN},
-      {"p.xsd", "<xsd:complexType name='Party'><xsd:all><xsd:element name='Name' type='PartyName'/></xsd:all>"
-                "</xsd:complexType>"
-                "<xsd:complexType name='PartyName'><xsd:all><xsd:element name='x'/></xsd:all></xsd:complexType>"}},
+     INCLUDE("q.xsd") MAIN,
+     {{"q.xsd", RECORD("Party", FIELD("Name", "type='PartyName'")) RECORD("PartyName", FIELD("x"))}},
      "Main{c:=Party} Party{Name:=PartyName}"},
 };
 
-class SchemaGraph : public testing::TestWithParam<Graph>
-{};
-
-TEST_P(SchemaGraph, BecomesTheModel)
+class SchemaInclude : public Importing<SchemaMessage>
 {
-    Boxes boxes;
-    const TempDir dir;
-    for (const auto& [name, declarations] : GetParam().files)
-        writeSchema(dir, name, declarations);
-    SchemaMessage message;
-    EXPECT_EQ(message.parseFile(dir.path(GetParam().files[0].first), "\\"), 1);
-    EXPECT_EQ(modelOf(message), GetParam().model);
+protected:
+    int importSchema(const char* name, const CString& declarations)
+    {
+        writeSchema(folder, "p.xsd", PARTY("name"));
+        return message.parseFile(writeSchema(folder, name, declarations), "\\");
+    }
+};
+
+TEST_F(SchemaInclude, GraphBecomesTheModel)
+{
+    for (const Graph& row : kGraphs) {
+        const TempDir dir;
+        for (const auto& [name, declarations] : row.others)
+            writeSchema(dir, name, declarations);
+        writeSchema(dir, "p.xsd", PARTY("name"));
+        EXPECT_EQ(message.parseFile(writeSchema(dir, row.mainName, row.mainFile), "\\"), 1) << row.name;
+        EXPECT_EQ(modelOf(message), row.model) << row.name;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, SchemaGraph, testing::ValuesIn(kGraphs), [](const auto& row) { return row.param.name; });
-
-TEST(SchemaInclude, TargetNamespaceKeepsTheIncludesOut)
+TEST_F(SchemaInclude, TargetNamespaceKeepsTheIncludesOut)
 {
-    Boxes boxes;
-    const TempDir dir;
-    writeSchema(dir, "p.xsd", PARTY("name"));
-    SchemaMessage message;
-    EXPECT_EQ(message.parseFile(
-                  dir.write("a.xsd", "<xsd:schema targetNamespace=''>" INCLUDE("p.xsd") MAIN "</xsd:schema>"), "\\"),
-              1);
+    writeSchema(folder, "p.xsd", PARTY("name"));
+    EXPECT_EQ(import("<xsd:schema targetNamespace=''>" INCLUDE("p.xsd") MAIN "</xsd:schema>"), 1);
     EXPECT_EQ(modelOf(message), MISSING);
 }
 
-TEST(SchemaInclude, MainElementNeedsItsTypeInTheFileItself)
+TEST_F(SchemaInclude, MainElementNeedsItsTypeInTheFileItself)
 {
-    Boxes boxes;
-    const TempDir dir;
-    writeSchema(dir, "p.xsd", PARTY("name"));
-    SchemaMessage message;
-    EXPECT_EQ(
-        message.parseFile(writeSchema(dir, "a.xsd", INCLUDE("p.xsd") "<xsd:element name='m' type='Party'/>"), "\\"), 0);
+    EXPECT_EQ(importSchema("a.xsd", INCLUDE("p.xsd") FIELD("m", "type='Party'")), 0);
     EXPECT_THAT(boxes.take(), ElementsAre("Parse error: this document does not contain a root element"));
 }
 
-TEST(SchemaInclude, CyclicDeclarationOfAnIncludedDocumentShowsInTheIncludePassOnly)
+TEST_F(SchemaInclude, CyclicDeclarationOfAnIncludedDocumentShowsInTheIncludePassOnly)
 {
-    Boxes boxes;
-    const TempDir dir;
-    writeSchema(dir, "p.xsd", PARTY("Party"));
-    SchemaMessage message;
-    EXPECT_EQ(message.parseFile(writeSchema(dir, "a.xsd", INCLUDE("p.xsd") MAIN), "\\"), 1);
+    writeSchema(folder, "cyclic.xsd", PARTY("Party"));
+    EXPECT_EQ(importSchema("a.xsd", INCLUDE("cyclic.xsd") MAIN), 1);
     EXPECT_THAT(boxes.take(), ElementsAre("Incorrect XSD file: cyclic references"));
 }
 
 // Ten thousand types, each of which needs the next; the files that hold them include one another in a row, and lie in
 // two folders in turn, so that a path that is only ever added to would get too long.
-TEST(SchemaInclude, LongChainOfTypesIsPulledThroughAsManyFiles)
+TEST_F(SchemaInclude, LongChainOfTypesIsPulledThroughAsManyFiles)
 {
-    Boxes boxes;
-    const TempDir dir;
     constexpr int kFiles = 1000;
     const auto fileOf = [](int at) { return (at % 2 ? "odd/" : "even/") + std::to_string(at) + ".xsd"; };
     for (int file = 0; file < kFiles; ++file) {
-        CString types = file + 1 < kFiles ? INCLUDE("../") : "";
-        if (!types.empty())
-            types.insert(types.rfind('\''), fileOf(file + 1));
+        CString types = file + 1 < kFiles ? formatText(INCLUDE("../%s"), fileOf(file + 1).c_str()) : "";
         for (int type = file; type < 10 * kFiles; type += kFiles)
-            types += "<xsd:complexType name='T" + std::to_string(type) + "'><xsd:all><xsd:element name='f" +
-                     std::to_string(type) + "' type='T" + std::to_string(type + 1) + "'/></xsd:all></xsd:complexType>";
-        writeSchema(dir, fileOf(file), types);
+            types += formatText(RECORD("T%d", FIELD("f%d", "type='T%d'")), type, type, type + 1);
+        writeSchema(folder, fileOf(file), types);
     }
-    const CString main = INCLUDE("even/0.xsd") "<xsd:element name='Main'><xsd:complexType><xsd:all>"
-                                               "<xsd:element name='f' type='T0'/></xsd:all></xsd:complexType>"
-                                               "</xsd:element>";
-    SchemaMessage message;
-    ASSERT_EQ(message.parseFile(writeSchema(dir, "main.xsd", main), "\\"), 1);
+    ASSERT_EQ(
+        importSchema("a.xsd", INCLUDE("even/0.xsd") FIELD("Main", "type='M'") RECORD("M", FIELD("f", "type='T0'"))), 1);
     EXPECT_EQ(message.beginEnum(), 10 * kFiles + 1);
 }
 
-TEST(SchemaInclude, LocationIsAUriReferenceOfALocalFile)
+TEST_F(SchemaInclude, LocationIsAUriReferenceOfALocalFile)
 {
     const std::pair<const char*, const char*> kPaths[] = {
-        {"a.xsd", "a.xsd"},
         {" a%2Exsd ", "a.xsd"},
         {"a%zz%4", "a%zz%4"},
         {"a.xsd?query#fragment", "a.xsd"},

@@ -2,29 +2,13 @@
 
 #include "Resources/StringTable.h"
 #include "Utils/XMLDoc.h"
-#include "support/Boxes.h"
-#include "support/TempDir.h"
-#include "support/Types.h"
-
-#include <gmock/gmock.h>
+#include "support/Importing.h"
 
 #include <random>
 
 namespace {
 
-struct Instance
-{
-    const char* name;
-    const char* document;
-    const char* types; // see typesOf()
-};
-
-void PrintTo(const Instance& row, std::ostream* out)
-{
-    *out << row.document;
-}
-
-const Instance kInstances[] = {
+const Case kInstances[] = {
     {"WorkedExample", "<order id='1'>\n <item>a</item>\n <item>b</item>\n <note/>\n</order>",
      "t_item:t=String(item:S=String) order:R(order_id:S t_item:t=String note:S)"},
     {"LeafRootIsNoType", "<a>text<!--c--><?p i?></a>", ""},
@@ -48,49 +32,37 @@ const Instance kInstances[] = {
     {"Latin1", "<?xml version='1.0' encoding='ISO-8859-1'?><r><\xF6/></r>", "r:R(\xC3\xB6:S)"},
 };
 
-class XMLDataInstance : public testing::TestWithParam<Instance>
+class XMLData : public Importing<XMLDataMessage>
 {};
 
-TEST_P(XMLDataInstance, GivesTypes)
+TEST_F(XMLData, GivesTypes)
 {
-    const TempDir folder;
-    XMLDataMessage message;
-    EXPECT_EQ(message.parseFile(folder.write("x.xml", GetParam().document), "\\b\\"), 1);
-    EXPECT_EQ(typesOf(message), GetParam().types);
+    for (const Case& row : kInstances)
+        EXPECT_EQ(typesOfFile(row.in), row.out) << row.name;
 }
-INSTANTIATE_TEST_SUITE_P(Rows, XMLDataInstance, testing::ValuesIn(kInstances),
-                         [](const auto& row) { return row.param.name; });
 
-TEST(XMLDataMessage, NamesMainTypeAndFolderAfterTheRootsTag)
+TEST_F(XMLData, NamesMainTypeAndFolderAfterTheRootsTag)
 {
-    const TempDir folder;
-    const CString file = folder.write("x.xml", "<p:order><a/></p:order>");
-    XMLDataMessage message;
     for (const auto& [basePath, expected] :
          {std::pair("", "\\p:order\\"), std::pair("b", "b\\p:order\\"), std::pair("\\b\\", "\\b\\p:order\\")}) {
-        message.parseFile(file, basePath);
+        import("<p:order><a/></p:order>", basePath);
         EXPECT_EQ(message.queryMainTypeName(), "p:order");
-        EXPECT_EQ(message.beginEnum(), 1);
+        ASSERT_EQ(message.beginEnum(), 1);
         const Element* order = message.enumNext();
-        EXPECT_EQ(order->queryPath(), expected);
-        EXPECT_EQ(order->queryDescription(), "order (Automatically created)");
+        EXPECT_EQ(order->queryPath() + order->queryDescription(), CString(expected) + "order (Automatically created)");
     }
 }
 
-TEST(XMLDataMessage, FaultAtTheLastByteLeavesNothing)
+TEST_F(XMLData, FaultAtTheLastByteLeavesNothing)
 {
-    const TempDir folder;
-    Boxes boxes;
-    XMLDataMessage message;
-    ASSERT_EQ(message.parseFile(folder.write("good.xml", "<a b='1'/>"), "\\"), 1);
-    EXPECT_EQ(message.parseFile(folder.write("bad.xml", "<a b='1'>\n<c/></a>\n<"), "\\"), 0);
-    EXPECT_THAT(boxes.take(),
-                testing::ElementsAre("Error on line 3, column 1.\nError text is 'Extra content at the end "
-                                     "of the document'."));
+    ASSERT_EQ(import("<a b='1'/>"), 1);
+    EXPECT_EQ(import("<a b='1'>\n<c/></a>\n<"), 0);
     EXPECT_EQ(message.beginEnum(), 0);
     EXPECT_EQ(message.parseFile(folder.path("none"), "\\"), 0);
-    EXPECT_THAT(boxes.take(),
-                testing::ElementsAre("Error on line 0, column 0.\nError text is 'No such file or directory'."));
+    EXPECT_THAT(
+        boxes.take(),
+        testing::ElementsAre("Error on line 3, column 1.\nError text is 'Extra content at the end of the document'.",
+                             "Error on line 0, column 0.\nError text is 'No such file or directory'."));
 }
 
 // The walk as it is described, over the tree, with every usage declared.
@@ -148,18 +120,15 @@ CString randomElement(std::mt19937& random, int depth)
     return text + "</" + tag + ">";
 }
 
-TEST(XMLDataMessage, GivesWhatTheWholeWalkGives)
+TEST_F(XMLData, GivesWhatTheWholeWalkGives)
 {
-    const TempDir folder;
     std::mt19937 random(1);
     LiteralWalk walk;
-    XMLDataMessage message;
     for (int i = 0; i < 500; ++i) {
         const CString document = randomElement(random, 0);
-        const CString file = folder.write("x.xml", document);
-        walk.parseFile(file, "\\b\\");
-        message.parseFile(file, "\\b\\");
-        EXPECT_EQ(typesOf(message), typesOf(walk)) << document;
+        const CString types = typesOfFile(document);
+        walk.parseFile(folder.path("x"), "\\b\\");
+        EXPECT_EQ(types, typesOf(walk)) << document;
     }
 }
 

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "support/Boxes.h"
+#include "support/TempDir.h"
+#include "support/Types.h"
+
+#include <gmock/gmock.h>
+
+/// A row of a table of cases: the fault it catches, what goes in and what must come out.
+struct Case
+{
+    const char* name;
+    CString in, out;
+};
+
+/// An importer with a folder for its files; a box that the test doesn't take fails it.
+template <class Message>
+class Importing : public testing::Test
+{
+protected:
+    int import(const CString& bytes, const CString& basePath = "\\b\\")
+    {
+        return message.parseFile(folder.write("x", bytes), basePath);
+    }
+    /// The types that a file of these bytes gives; see typesOf().
+    CString typesOfFile(const CString& bytes)
+    {
+        EXPECT_EQ(import(bytes), 1);
+        return typesOf(message);
+    }
+
+    Boxes boxes;
+    TempDir folder;
+    Message message;
+};
+
+inline CString times(std::size_t count, const CString& text)
+{
+    CString all;
+    while (count-- > 0)
+        all += text;
+    return all;
+}
