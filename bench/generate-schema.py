@@ -1,26 +1,29 @@
 #!/usr/bin/env python3
-"""Writes a schema of many complex types into a folder: generate-schema.py FOLDER TYPES [FILES]
+"""Writes a schema of many complex types into a folder: generate-schema.py FOLDER TYPES [FILES [distinct]]
 
-main.xsd declares the main element; with FILES the types are spread over that many documents that it includes. Each
-type has ten fields: eight elements, of which one refers to the next type and one repeats, and two attributes.
+main.xsd declares the main element; with FILES other than 0 the types are spread over that many documents that it
+includes. Each type has ten fields: eight elements, of which one refers to the next type and one repeats, and two
+attributes. Types have the names of their fields in common, as vocabularies do; with `distinct` no name comes twice.
 """
 import os
 import sys
 
 FIELDS = ["number", "name", "street", "city", "date", "amount"]
 TYPES = ["xs:string", "xs:decimal", "xs:date"]
+DISTINCT = "distinct" in sys.argv[3:]
 
 
 def complex_type(number, count):
+    own = number if DISTINCT else ""
     lines = [f'  <xs:complexType name="Type{number}">', "    <xs:sequence>"]
     for at, field in enumerate(FIELDS):
-        lines.append(f'      <xs:element name="{field}{number}" type="{TYPES[at % 3]}" minOccurs="0"/>')
+        lines.append(f'      <xs:element name="{field}{own}" type="{TYPES[at % 3]}" minOccurs="0"/>')
     following = (number + 1) % count
-    lines.append(f'      <xs:element name="next{number}" type="Type{following}"/>')
-    lines.append(f'      <xs:element name="line{number}" type="xs:string" maxOccurs="unbounded"/>')
+    lines.append(f'      <xs:element name="next{own}" type="Type{following}"/>')
+    lines.append(f'      <xs:element name="line{own}" type="xs:string" maxOccurs="unbounded"/>')
     lines.append("    </xs:sequence>")
-    lines.append(f'    <xs:attribute name="id{number}" type="xs:string" use="required"/>')
-    lines.append(f'    <xs:attribute name="version{number}" type="xs:decimal"/>')
+    lines.append(f'    <xs:attribute name="id{own}" type="xs:string" use="required"/>')
+    lines.append(f'    <xs:attribute name="version{own}" type="xs:decimal"/>')
     lines.append("  </xs:complexType>")
     return "\n".join(lines) + "\n"
 

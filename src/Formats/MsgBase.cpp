@@ -100,10 +100,9 @@ void MsgBase::addUsage(std::string_view usageKey, Element* element, Element* par
         const std::string_view kept(key, usageKey.size());
         usages.store(allocator.new_object<ChildElement>(kept, element, parent), hash);
     }
-    if (parent) {
-        element->addParent(parent);
-        parent->addChild(element);
-    }
+    // Links go both ways, so the shorter list, the children, answers for the parents too.
+    if (parent && parent->addChild(element))
+        element->parents.append(parent, memory);
 }
 
 Element* MsgBase::newElement(const CString& path, const CString& name, Element::ElementTypes type)

@@ -16,6 +16,9 @@ public:
     /// Appends `element`, with room from `memory`. False, and no change, when it is already listed.
     bool add(Element* element, std::pmr::memory_resource& memory);
 
+    /// Appends an element that is known not to be listed, which spares the search.
+    void append(Element* element, std::pmr::memory_resource& memory);
+
     /// Puts `replacement` where `old` stands; does nothing when `old` is not listed.
     void replace(Element* old, Element* replacement);
 
@@ -29,6 +32,7 @@ private:
 
     std::uint32_t positionOf(const Element* element) const;
     void grow(std::pmr::memory_resource& memory);
+    void makeIndex(std::pmr::memory_resource& memory);
     void buildIndex();
     void enter(std::uint32_t position);
     std::size_t firstSlot(const Element* element) const;

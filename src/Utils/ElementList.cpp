@@ -17,14 +17,21 @@ T* allocate(std::size_t count, std::pmr::memory_resource& memory)
 
 bool ElementList::add(Element* element, std::pmr::memory_resource& memory)
 {
+    if (!index && count > kWalked)
+        makeIndex(memory);
     if (positionOf(element) != kNone)
         return false;
+    append(element, memory);
+    return true;
+}
+
+void ElementList::append(Element* element, std::pmr::memory_resource& memory)
+{
     if (count == capacity)
         grow(memory);
     items[count++] = element;
     if (index)
         enter(count - 1);
-    return true;
 }
 
 void ElementList::replace(Element* old, Element* replacement)
@@ -54,8 +61,12 @@ void ElementList::grow(std::pmr::memory_resource& memory)
     Element** const larger = allocate<Element*>(capacity, memory);
     std::copy(begin(), end(), larger);
     items = larger;
-    if (capacity <= kWalked)
-        return;
+    if (index)
+        makeIndex(memory);
+}
+
+void ElementList::makeIndex(std::pmr::memory_resource& memory)
+{
     index = allocate<std::uint32_t>(4 * std::size_t{capacity}, memory);
     buildIndex();
 }
