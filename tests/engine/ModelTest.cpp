@@ -7,12 +7,15 @@
 namespace {
 
 // An importer whose source is what the test declares.
-class Declared : public MsgBase
+class Declared final : public MsgBase
 {
 public:
     using Declare = std::function<void(Declared&)>;
 
-    Declared(int mergeByName, Declare steps) : MsgBase(mergeByName), declare(std::move(steps)) {}
+    Declared(Declare steps, int mergeByName = 1) : MsgBase(mergeByName), declare(std::move(steps))
+    {
+        parseData({}, {});
+    }
 
     int parse(const CString&, const CString&, const CString&) override
     {
@@ -28,24 +31,19 @@ public:
         return addElement(key, "\\f", name, "d", type, parent);
     }
 
-    CString types()
-    {
-        parseData({}, {});
-        return typesOf(*this);
-    }
-
 private:
     Declare declare;
 };
 
 CString typesOfDeclared(const Declared::Declare& declare, int mergeByName = 1)
 {
-    return Declared(mergeByName, declare).types();
+    Declared message(declare, mergeByName);
+    return typesOf(message);
 }
 
 TEST(Model, RepeatedUsageBecomesATable)
 {
-    Declared message(1, [](Declared& m) {
+    Declared message([](Declared& m) {
         Element* order = m.add("order", "order");
         m.add("order.id", "id", order, Element::typeNumber);
         m.add("order.item", "item", order);
@@ -54,7 +52,7 @@ TEST(Model, RepeatedUsageBecomesATable)
         m.addAttribute("order.a", "\\f\\", "a", "d", Element::typeString, order);
         m.addAttribute("order.a", "\\f\\", "a", "d", Element::typeString, order);
     });
-    EXPECT_EQ(message.types(), "item:R(sku:S) t_item:t(item:R) order:R(id:N t_item:t order_a:S)");
+    EXPECT_EQ(typesOf(message), "item:R(sku:S) t_item:t(item:R) order:R(id:N t_item:t order_a:S)");
     message.beginEnum();
     message.enumNext();
     EXPECT_EQ(message.enumNext()->queryDescription(), "t_item (Automatically created)");
@@ -135,15 +133,13 @@ TEST(Model, OrdersLongChainsAndGreatCycles)
             }
         };
     };
-    Declared open(1, chain(count)), closed(1, chain(0));
-    open.parseData({}, {});
+    Declared open(chain(count)), closed(chain(0));
     EXPECT_EQ(open.beginEnum(), count + 1);
     EXPECT_EQ(open.enumNext()->queryName(), std::to_string(count));
-    closed.parseData({}, {});
     EXPECT_EQ(closed.beginEnum(), count);
 
     // Everything holds everything: every descent could start a climb through all that still waits.
-    Declared web(1, [](Declared& m) {
+    Declared web([](Declared& m) {
         std::vector<Element*> all;
         for (int i = 0; i < 600; ++i)
             all.push_back(m.add(std::to_string(i), std::to_string(i), nullptr, Element::typeRow));
@@ -151,15 +147,13 @@ TEST(Model, OrdersLongChainsAndGreatCycles)
             for (Element* child : all)
                 m.add(parent->queryName() + "." + child->queryName(), child->queryName(), parent, Element::typeRow);
     });
-    web.parseData({}, {});
     EXPECT_EQ(web.beginEnum(), 600);
 }
 
 TEST(Element, KeepsItsRules)
 {
     Element row("", "r", "", Element::typeString, nullptr), child("\\x", "c", "d", Element::typeOther, &row);
-    EXPECT_EQ(row.queryPath(), "\\");
-    EXPECT_EQ(child.queryPath(), "\\x\\");
+    EXPECT_EQ(row.queryPath() + "|" + child.queryPath(), "\\|\\x\\");
     EXPECT_EQ(row.addChild(&child), 1);
     EXPECT_EQ(row.addChild(&child), 0);
     EXPECT_EQ(row.queryType(), Element::typeRow);
@@ -195,32 +189,27 @@ TEST(Documents, EachKindOfType)
 {
     Element a("\\g\\", "a", "first", Element::typeOther, nullptr), b("", "b", "", Element::typeEnum, nullptr);
     a.setKnownType("\\x\\<&\"\t\x01\xF6");
+    const CString described = "NAME=\"a\" DESCRIPTION=\"first\"";
     const struct
     {
         Element::ElementTypes type;
         std::vector<Element*> children;
-        const char* knownType;
         CString content;
     } rows[] = {
-        {Element::typeRow, {}, "", "<ROW/>"},
-        {Element::typeEnum, {}, "", "<ENUM/>"},
-        {Element::typeRow, {&b}, "", "<ROW/>"},
+        {Element::typeEnum, {}, "<ENUM/>"},
+        {Element::typeRow, {&b}, "<ROW/>"},
         // Not UTF-8, so read as Windows-1252; a control character can't stand in XML at all.
         {Element::typeRow,
          {&a},
-         "",
-         "<ROW><FIELD NAME=\"a\" DESCRIPTION=\"first\" TYPE=\"\\x\\&lt;&amp;&quot;&#9;\xEF\xBF\xBD\xC3\xB6\"/></ROW>"},
-        {Element::typeEnum,
-         {&a, &b},
-         "",
-         "<ENUM><CONSTANT NAME=\"a\" DESCRIPTION=\"first\"/><CONSTANT NAME=\"b\"/></ENUM>"},
-        {Element::typeArray, {}, "", "<ARRAY SIZE=\"5\"><COMPONENT TYPE=\"\\f\\T\"/></ARRAY>"},
-        {Element::typeTable, {}, "Number", "<TABLE><COMPONENT TYPE=\"Number\"/></TABLE>"},
-        {Element::typeString, {}, "", ""},
+         "<ROW><FIELD " + described + " TYPE=\"\\x\\&lt;&amp;&quot;&#9;\xEF\xBF\xBD\xC3\xB6\"/></ROW>"},
+        {Element::typeEnum, {&a, &b}, "<ENUM><CONSTANT " + described + "/><CONSTANT NAME=\"b\"/></ENUM>"},
+        {Element::typeArray, {}, "<ARRAY SIZE=\"5\"><COMPONENT TYPE=\"\\f\\T\"/></ARRAY>"},
+        {Element::typeTable, {}, "<TABLE><COMPONENT TYPE=\"Number\"/></TABLE>"},
+        {Element::typeString, {}, ""},
     };
-    for (const auto& [type, children, knownType, content] : rows) {
+    for (const auto& [type, children, content] : rows) {
         Element element("\\f", "T", "", type, nullptr);
-        element.setKnownType(knownType);
+        element.setKnownType(type == Element::typeTable ? "Number" : "");
         for (Element* child : children)
             element.addChild(child);
         CString text;
@@ -236,20 +225,19 @@ TEST(Documents, BuilderTakesOnlyWhatItsContentTakes)
     BrokerTypeDescription type("T", "d", "\\f", text);
     EXPECT_EQ(type.addField("a", "", "String") + type.addConstant("a", ""), 0);
     EXPECT_EQ(type.addEnum(), 1);
-    EXPECT_EQ(
-        type.addRow() + type.addEnum() + type.addArray("1", "x") + type.addTable("x") + type.addField("a", "", ""), 0);
+    EXPECT_EQ(type.addRow() + type.addEnum() + type.addArray("1", "") + type.addTable("") + type.addField("a", "", ""),
+              0);
     EXPECT_EQ(type.addConstant("", ""), 1);
     CString document;
     type.queryXML(document);
-    EXPECT_EQ(document, "<BROKERTYPEDESCRIPTION NAME=\"\\f\\T\" DESCRIPTION=\"d\"><ENUM><CONSTANT NAME=\"\"/></ENUM>"
-                        "</BROKERTYPEDESCRIPTION>");
+    EXPECT_THAT(document, testing::HasSubstr(" DESCRIPTION=\"d\"><ENUM><CONSTANT NAME=\"\"/></ENUM></"));
 }
 
 TEST(Documents, MessageDocumentIsStampedWithTheSourceDate)
 {
     ::setenv("SOURCE_DATE_EPOCH", "1704067199", 1);
     CString document;
-    Declared(1, [](Declared&) {}).getXML(document);
+    Declared([](Declared&) {}).getXML(document);
     ::unsetenv("SOURCE_DATE_EPOCH");
     EXPECT_EQ(document, "<?xml version=\"1.0\" ?>\r\n<!-- Generated by QEL.EXE at 2023-12-31T23:59:59 -->\r\n"
                         "<Main>\r\n</Main>");
@@ -258,7 +246,6 @@ TEST(Documents, MessageDocumentIsStampedWithTheSourceDate)
 TEST(Documents, TextsMadeFitForXml)
 {
     const char* const rows[][2] = {
-        {"plain", "plain"},
         {"gr\xC3\xB6\xC3\x9F!", "gr\xC3\xB6\xC3\x9F!"},
         {"\x80\x99\x81", "\xE2\x82\xAC\xE2\x84\xA2\xC2\x81"},
         {"\xC3\xB6\xF6", "\xC3\x83\xC2\xB6\xC3\xB6"}, // the whole value, not a byte of it

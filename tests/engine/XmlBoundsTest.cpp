@@ -134,8 +134,8 @@ TEST_F(XmlBounds, FloodsOfAttributesAndNamespacesAreCutOff)
     };
     EXPECT_EQ(read(flood(10'000, "b")), "");
     EXPECT_EQ(counter.attributes, 10'000U);
-    EXPECT_EQ(read(flood(10'001, "b")), "2 An element has too many attributes");
-    EXPECT_EQ(read(flood(1'000'000, "b")), "2 An element has too many attributes");
+    for (const int count : {10'001, 1'000'000})
+        EXPECT_EQ(read(flood(count, "b")), "2 An element has too many attributes");
     EXPECT_EQ(read(flood(4'000, "xmlns:b")), "");
     EXPECT_EQ(read(flood(1'000'000, "xmlns:b")), "2 Too many namespaces are declared");
     EXPECT_EQ(read(times(5'000, "<a xmlns:b='u'>\n")), "4097 Too many namespaces are declared");
@@ -144,10 +144,8 @@ TEST_F(XmlBounds, FloodsOfAttributesAndNamespacesAreCutOff)
 TEST_F(XmlBounds, LongTextsArriveWhole)
 {
     const std::string text = times(5'000'000, "0123456789");
-    EXPECT_EQ(read("<a>" + text + "</a>"), "");
-    EXPECT_EQ(counter.texts, text.size());
-    EXPECT_EQ(read("<a><![CDATA[" + text + "]]></a>"), "");
-    EXPECT_EQ(counter.texts, text.size());
+    for (const std::string& content : {text, "<![CDATA[" + text + "]]>"})
+        EXPECT_TRUE(read("<a>" + content + "</a>").empty() && counter.texts == text.size()) << counter.texts;
     EXPECT_EQ(read("<a b='" + text + "'><!--" + text + "--></a>"), "");
     const std::string name(1'000'000, 'n');
     EXPECT_EQ(read("<" + name + " " + name + "='1'/>"), "");
