@@ -49,7 +49,6 @@ protected:
 TEST_P(Repository, CodeTellsWhatBecameOfAType)
 {
     const CString start = "<BROKERTYPEDESCRIPTION NAME=\"\\a\\", end = "</BROKERTYPEDESCRIPTION>";
-    const CString huge(2'000'000, 'x');
     const struct Row
     {
         CString document;
@@ -63,7 +62,7 @@ TEST_P(Repository, CodeTellsWhatBecameOfAType)
         {start + "B\"/>", true, 0},
         {start + "o'; DROP TABLE ?\"/>", false, 0},
         {start + "größe €\"/>", false, 0},
-        {start + "huge\" DESCRIPTION=\"" + huge + "\"/>", false, 0},
+        {start + "huge\" DESCRIPTION=\"" + CString(2'000'000, 'x') + "\"/>", false, 0},
         {start + "c\"><ROW/><ROW/>" + end, false, 99},
         {start + "c\"><ROW>" + end, false, 99},
         {start + "c\"/><!-- open", false, 99},
@@ -90,11 +89,7 @@ TEST_P(Repository, HoldsTheDocumentsOfTheImport)
     Types types(dtdOf(20));
     BrokerSession session;
     open(session);
-    const Creation run(session, types.message);
-    EXPECT_EQ(0, run.errors);
-    EXPECT_EQ(21, run.steps);
-    EXPECT_EQ(21u, run.lines.size());
-    EXPECT_EQ("e0 created successfully", run.lines.front());
+    EXPECT_EQ(0, Creation(session, types.message).errors);
     EXPECT_EQ(types.all(), rows());
 }
 

@@ -6,10 +6,9 @@
 #include <QListWidget>
 #include <QProgressBar>
 #include <QTimer>
+#include <gmock/gmock.h>
 
 namespace {
-
-using Texts = std::vector<CString>;
 
 constexpr char kBlank[] = "This field cannot be left blank - please enter a value.";
 
@@ -23,6 +22,14 @@ public:
         source = dir.write("in/r.dtd", "<!ELEMENT r (b, a)><!ELEMENT a (x)><!ELEMENT b (x)>");
         wizard().options.setLastOutputSel(1);
         walkTo(IDD_LOGIN);
+    }
+
+    /// The client that is loaded from now on.
+    static void useClient(const char* library)
+    {
+        SettingsStore settings;
+        settings.setText(CString("SOFTWARE\\Classes\\CLSID\\") + kVornServerClass + "\\InprocServer32", "", library);
+        ASSERT_TRUE(settings.save());
     }
 
     void logOn(const char* server, const char* port, const char* user, const char* password)
@@ -116,32 +123,23 @@ TEST(LoginPage, ShowsEachFailureAndKeepsTheChoices)
         {"repository-error", "Repository Error (the client's words)"},
         {"repository-failure", "Generic Error."},
         {"repository-nothing", "Error - Repository not established."},
+        {"none", "1 errors encountered during the creation process.  Please consult the list on the following page."},
     };
     BrokerDesk desk;
-    const auto useClient = [](const char* library) {
-        SettingsStore settings;
-        settings.setText(CString("SOFTWARE\\Classes\\CLSID\\") + kVornServerClass + "\\InprocServer32", "", library);
-        ASSERT_TRUE(settings.save());
-    };
-    useClient("/no/such/library.so");
+    desk.useClient("/no/such/library.so");
     desk.logOn("s", "77", "anna", "p");
     desk.click("next");
     EXPECT_EQ(desk.boxes.take(), Texts{"The Broker COM client is not available or is of the wrong version"});
     EXPECT_EQ(desk.wizard().options.queryBrokerPort(), 77u);
     EXPECT_EQ(desk.wizard().options.queryPwd(), "p");
-    useClient(TEST_BUILD_DIR "/libtestclient1.so");
+    desk.useClient(TEST_BUILD_DIR "/libtestclient1.so");
     for (const auto& [server, text] : failures) {
+        EXPECT_EQ(desk.page(), IDD_LOGIN);
         desk.type(IDC_SERVER, server);
         desk.click("next");
         EXPECT_EQ(desk.boxes.take(), Texts{text});
-        EXPECT_EQ(desk.page(), IDD_LOGIN);
     }
-
-    desk.type(IDC_SERVER, "none"); // creates r, a and b as codes 0, 1 and 99
-    desk.click("next");
-    EXPECT_EQ(desk.boxes.take(), Texts{"1 errors encountered during the creation process.  Please consult the list "
-                                       "on the following page."});
-    EXPECT_EQ(desk.results(), (Texts{"a created successfully", "b modifed", "r - creation error"}));
+    EXPECT_EQ(desk.results(), (Texts{"a created successfully", "b modifed", "r - creation error"})); // codes 0, 1, 99
 }
 
 TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
@@ -155,7 +153,7 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
     auto& password = desk.control<QLineEdit>(IDC_PASSWORD);
     EXPECT_EQ(password.echoMode(), QLineEdit::Password);
     for (const bool trusted : {true, false}) {
-        desk.control<QAbstractButton>(trusted ? IDC_LOGON_TRUSTED : IDC_LOGON_BROKER).click();
+        desk.press(trusted ? IDC_LOGON_TRUSTED : IDC_LOGON_BROKER);
         EXPECT_EQ(password.isEnabled(), !trusted);
         EXPECT_EQ(user.isEnabled(), !trusted);
     }
@@ -165,26 +163,23 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
 
 TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
 {
-    const Texts created = {"a created successfully", "b created successfully", "r created successfully"};
-    const struct
-    {
-        std::vector<int> answers;
-        Texts lines;
-    } runs[] = {
+    const std::pair<std::vector<int>, Texts> runs[] = {
+        {{}, {"a created successfully", "b created successfully", "r created successfully"}},
         {{IDC_YES, IDC_NO, 0}, {"a modifed", "b skipped", "r skipped"}},
         {{IDC_YES_TO_ALL}, {"a modifed", "b modifed", "r modifed"}},
         {{IDC_NO, IDC_NO_TO_ALL}, {"a skipped", "b skipped", "r skipped"}},
     };
     BrokerDesk desk;
     desk.logOn("local", "1", nullptr, "");
-    desk.create({});
-    EXPECT_EQ(desk.results(), created);
-    for (const auto& run : runs) {
-        desk.click("back");
+    for (const auto& [answers, lines] : runs) {
         EXPECT_EQ(desk.page(), IDD_LOGIN);
-        EXPECT_EQ(desk.create(run.answers)[0], "\\sys\\rosettanet\\r\\a already exists.\nOverwrite?");
-        EXPECT_EQ(desk.results(), run.lines);
+        for (const CString& question : desk.create(answers))
+            EXPECT_THAT(question,
+                        testing::MatchesRegex("\\\\sys\\\\rosettanet\\\\r\\\\[abr] already exists.\nOverwrite[?]"));
+        EXPECT_EQ(desk.results(), lines);
+        desk.click("back");
     }
+    desk.create({IDC_NO_TO_ALL});
     EXPECT_EQ(desk.wizard().findChild<QProgressBar*>("1042")->value(), 3);
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_FINISH);

@@ -14,6 +14,8 @@
 
 #include <memory>
 
+using Texts = std::vector<CString>;
+
 /// A user before a wizard: own settings, own start folder, and the wizard's boxes recorded. The wizard starts on the
 /// first call of wizard(), so that a test can write settings before.
 class Desk
@@ -60,6 +62,16 @@ public:
         if (found == nullptr)
             throw std::runtime_error("no such control: " + std::to_string(id));
         return *found;
+    }
+
+    /// Clicks a button of the page.
+    void press(int id) { control<QAbstractButton>(id).click(); }
+
+    /// What a combo box, a field or a label of the page shows.
+    CString text(int id)
+    {
+        const QVariant chosen = control<QWidget>(id).property("currentText");
+        return (chosen.isValid() ? chosen : control<QWidget>(id).property("text")).toString().toStdString();
     }
 
     /// Selects an importer by its name, as by keyboard.

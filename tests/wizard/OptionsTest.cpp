@@ -48,57 +48,38 @@ protected:
 using Texts = std::vector<std::string>;
 
 // A settings file that is no good counts as empty, and stays at hand where it couldn't be read at all.
-struct BadFile
+TEST_F(Settings, AreDefaultsWhereTheFileIsBad)
 {
-    const char* name;
-    const char* json;
-    bool keptAside;
-};
-
-void PrintTo(const BadFile& file, std::ostream* out)
-{
-    *out << file.name;
-}
-
-class BadSettings : public Settings, public testing::WithParamInterface<BadFile>
-{};
-
-TEST_P(BadSettings, GiveDefaultsAndAreReplaced)
-{
-    write(GetParam().json);
-    QELOptions options = load();
-    EXPECT_EQ(options.queryHideWelcome(), 0);
-    EXPECT_EQ(options.queryInputFolder(), std::filesystem::current_path());
-    EXPECT_EQ(options.queryBrokerPort(), 7250u);
-    EXPECT_EQ(std::filesystem::exists(dir.path("config/typeforge/settings.json.bad")), GetParam().keptAside);
-    options.setBrokerPort(7);
-    options.flushValues();
-    EXPECT_EQ(load().queryBrokerPort(), 7u);
-}
-
-const std::string kDeep = "{\"a\":" + std::string(200000, '[') + std::string(200000, ']') + "}";
-
-INSTANTIATE_TEST_SUITE_P(
-    Files, BadSettings,
-    testing::Values(BadFile{"Missing", "{}", false}, BadFile{"Empty", "", true}, BadFile{"CutOff", "{\"a\": {", true},
-                    BadFile{"NoObject", "[1, 2]", true}, BadFile{"NotUtf8", "{\"\xff\": {}}", true},
-                    BadFile{"KeyIsAText", R"({"SOFTWARE\\ZANTH\\QEL": "x", "SOFTWARE\\ZANTH": 3})", false},
-                    BadFile{"ValuesOfOtherTypes",
-                            R"({"SOFTWARE\\ZANTH\\QEL": {"HideWelcomePage": null, "Input folder": {}},
-                                "SOFTWARE\\ZANTH": {"Port": 1e20}, "SOFTWARE\\ZANTH\\QEL\\InFiles": [1]})",
-                            false},
-                    BadFile{"NestedDeeply", kDeep.c_str(), false}),
-    [](const auto& row) { return row.param.name; });
-
-TEST_F(Settings, StartWithDefaults)
-{
-    QELOptions options = load();
-    EXPECT_EQ(options.queryOutputFolder(), options.queryCWD());
-    EXPECT_EQ(shown(&QELOptions::fillInputFile, options), Texts{});
-    EXPECT_EQ(shown(&QELOptions::fillUser, options), Texts{loginName()});
-    EXPECT_EQ(shown(&QELOptions::fillBrokerIP, options), Texts{});
-    EXPECT_EQ(options.queryInputFile(), "");
-    EXPECT_EQ(options.queryLastImporterSel() + options.queryLastOutputSel() + options.queryUseTrustedLogon(), 0);
+    const std::string deep = "{\"a\":" + std::string(200000, '[') + std::string(200000, ']') + "}";
+    const struct
+    {
+        std::string json;
+        bool keptAside;
+    } files[] = {{"{}", false},
+                 {"", true},
+                 {"{\"a\": {", true},
+                 {"[1, 2]", true},
+                 {"{\"\xff\": {}}", true},
+                 {R"({"SOFTWARE\\ZANTH\\QEL": "x", "SOFTWARE\\ZANTH": 3})", false},
+                 {R"({"SOFTWARE\\ZANTH\\QEL": {"HideWelcomePage": null, "Input folder": {}},
+                     "SOFTWARE\\ZANTH": {"Port": 1e20}, "SOFTWARE\\ZANTH\\QEL\\InFiles": [1]})",
+                  false},
+                 {deep, false}};
+    for (const auto& file : files) {
+        SCOPED_TRACE(file.json.substr(0, 100));
+        const std::string aside = write(file.json) + ".bad";
+        QELOptions options = load();
+        EXPECT_EQ(options.queryInputFolder(), std::filesystem::current_path());
+        EXPECT_EQ(options.queryOutputFolder(), std::filesystem::current_path());
+        EXPECT_EQ(options.queryBrokerPort(), 7250u);
+        EXPECT_EQ(shown(&QELOptions::fillInputFile, options), Texts{});
+        EXPECT_EQ(shown(&QELOptions::fillUser, options), Texts{loginName()});
+        EXPECT_EQ(options.queryHideWelcome() + options.queryLastImporterSel() + options.queryUseTrustedLogon(), 0);
+        EXPECT_EQ(std::filesystem::remove(aside), file.keptAside);
+        options.setBrokerPort(7);
+        options.flushValues();
+        EXPECT_EQ(load().queryBrokerPort(), 7u);
+    }
 }
 
 TEST_F(Settings, AreWrittenWholeAndComeBack)
@@ -145,17 +126,12 @@ TEST_F(Settings, OfOthersStayAndTheVendorsServerLeadsTheList)
 
 TEST_F(Settings, ListEndsBeforeWhatIsTooLong)
 {
-    const auto list = [](const std::string& name, std::size_t length) {
-        return "{\"" + kProgram + R"(\\InFiles": {"a": "1", ")" + name + "\": \"" + std::string(length, 'x') +
-               R"(", "c": "3"}})";
-    };
-    write(list("123456789", 259));
-    QELOptions options = load();
-    EXPECT_EQ(shown(&QELOptions::fillInputFile, options).size(), 3u);
-    for (const std::string& tooLong : {list("1234567890", 1), list("b", 260)}) {
-        write(tooLong);
-        QELOptions cut = load();
-        EXPECT_EQ(shown(&QELOptions::fillInputFile, cut), Texts{"1"});
+    for (const auto& [name, length, kept] :
+         {std::tuple{"123456789", 259u, 3u}, {"1234567890", 1u, 1u}, {"b", 260u, 1u}}) {
+        write("{\"" + kProgram + R"(\\InFiles": {"a": "1", ")" + name + "\": \"" + std::string(length, 'x') +
+              R"(", "c": "3"}})");
+        QELOptions options = load();
+        EXPECT_EQ(shown(&QELOptions::fillInputFile, options).size(), kept) << name;
     }
 }
 
@@ -163,28 +139,32 @@ TEST_F(Settings, AreReadByTheRulesOfTheRegistry)
 {
     write(R"({"k": {"text": "four", "number": 258, "digits": "-7x", "words": "none", "": "default"}})");
     Registry reg;
-    char buffer[5] = "....";
-    EXPECT_TRUE(reg.getString(HKEY_CURRENT_USER, "k", "text", buffer, 5));
-    EXPECT_STREQ(buffer, "four");
-    EXPECT_FALSE(reg.getString(HKEY_CURRENT_USER, "k", "text", buffer, 4)); // the end doesn't fit
-    EXPECT_STREQ(buffer, "");
-    EXPECT_TRUE(reg.getString(HKEY_CURRENT_USER, "k", "number", buffer, 5)); // as bytes
-    EXPECT_STREQ(buffer, "\x02\x01");
-    EXPECT_FALSE(reg.getString(HKEY_CURRENT_USER, "k", "", buffer, 5));
-    int number = 9;
-    unsigned int large = 9;
-    EXPECT_TRUE(reg.getInt(HKEY_CURRENT_USER, "k", "digits", number));
-    EXPECT_EQ(number, -7);
-    EXPECT_TRUE(reg.getUInt(HKEY_CURRENT_USER, "k", "digits", large));
-    EXPECT_EQ(large, 4294967289u);
-    EXPECT_TRUE(reg.getInt(HKEY_CURRENT_USER, "k", "words", number));
-    EXPECT_EQ(number, 0);
-    number = 9;
-    EXPECT_FALSE(reg.getInt(HKEY_CURRENT_USER, "no", "number", number));
-    EXPECT_EQ(number, 0);
+    const struct
+    {
+        const char* name;
+        unsigned size;
+        bool found;
+        const char* text;
+    } texts[] = {{"text", 5, true, "four"},
+                 {"text", 4, false, ""},          // the end doesn't fit
+                 {"number", 5, true, "\x02\x01"}, // as bytes
+                 {"", 5, false, ""}};
+    for (const auto& row : texts) {
+        char buffer[5] = "....";
+        EXPECT_EQ(reg.getString(HKEY_CURRENT_USER, "k", row.name, buffer, row.size), row.found) << row.name;
+        EXPECT_STREQ(buffer, row.text) << row.name;
+    }
     EXPECT_TRUE(reg.setInt(HKEY_CURRENT_USER, "k", "new", -1));
-    EXPECT_TRUE(reg.getInt(HKEY_CURRENT_USER, "k", "new", number));
-    EXPECT_EQ(number, -1);
+    const std::tuple<const char*, bool, int> numbers[] = {
+        {"digits", true, -7}, {"words", true, 0}, {"no", false, 0}, {"new", true, -1}};
+    for (const auto& [name, found, value] : numbers) {
+        int number = 9;
+        unsigned large = 9;
+        EXPECT_EQ(reg.getInt(HKEY_CURRENT_USER, "k", name, number), found) << name;
+        EXPECT_EQ(reg.getUInt(HKEY_CURRENT_USER, "k", name, large), found) << name;
+        EXPECT_EQ(number, value) << name;
+        EXPECT_EQ(large, static_cast<unsigned>(value)) << name;
+    }
 }
 
 // A place that can't be written leaves the wizard unharmed and what was there before in place.
@@ -203,15 +183,12 @@ TEST(RecentList, KeepsFifteenNewestFirstEachOnce)
     CStringList list;
     for (int i = 1; i <= 16; ++i)
         AddUnique(std::to_string(i), list, 1);
-    EXPECT_EQ(list.size(), 15u);
-    EXPECT_EQ(list.front(), "16");
-    EXPECT_EQ(list.back(), "2");
     AddUnique(list.back(), list, 1);
     EXPECT_EQ(list.size(), 15u);
+    EXPECT_EQ(list.front() + " " + list.back(), "2 3");
     EXPECT_EQ(QueryTop(list), "2");
-    CStringList names = {"server1"};
-    AddUnique("Server1", names, 0);
-    EXPECT_EQ(names, (CStringList{"server1", "Server1"}));
+    AddUnique("Server1", list = {"server1"}, 0);
+    EXPECT_EQ(list, (CStringList{"server1", "Server1"}));
 }
 
 // Starts a process that stores settings again and again, each time all of them with one number.

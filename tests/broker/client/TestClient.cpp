@@ -19,11 +19,13 @@ protected:
     template <class Next, class Out>
     VornResult handOut(const std::string& stage, Out** out) const
     {
-        if (mode != stage + "-error" && mode != stage + "-failure" && mode != stage + "-nothing")
+        if (mode == stage + "-error")
+            return VornResult::clientError;
+        if (mode == stage + "-failure")
+            return VornResult::failed;
+        if (mode != stage + "-nothing")
             *out = new Next(mode);
-        return mode == stage + "-error"     ? VornResult::clientError
-               : mode == stage + "-failure" ? VornResult::failed
-                                            : VornResult::done;
+        return VornResult::done;
     }
 
     std::string mode;
@@ -49,9 +51,9 @@ class TestConnection final : public TestObject<IVornConnection>
 {
 public:
     using TestObject::TestObject;
-    VornResult GetRepository(IVornRepository** repository) noexcept override
+    VornResult GetRepository(IVornRepository** out) noexcept override
     {
-        return handOut<TestRepository>("repository", repository);
+        return handOut<TestRepository>("repository", out);
     }
 };
 
@@ -65,14 +67,11 @@ public:
         mode.resize(mode.rfind(':'));
         return mode == "address-error" ? VornResult::clientError : VornResult::done;
     }
-    VornResult LogonAsUser(const char*, const char*, const char*, IVornConnection** connection) noexcept override
+    VornResult LogonAsUser(const char*, const char*, const char*, IVornConnection** out) noexcept override
     {
-        return Logon(connection);
+        return Logon(out);
     }
-    VornResult Logon(IVornConnection** connection) noexcept override
-    {
-        return handOut<TestConnection>("logon", connection);
-    }
+    VornResult Logon(IVornConnection** out) noexcept override { return handOut<TestConnection>("logon", out); }
 };
 
 } // namespace
