@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <set>
 
@@ -138,32 +137,6 @@ TEST_F(ImportCommand, DoesNotReplaceAReadOnlyFile)
     EXPECT_EQ(run(somebody + "./import dtd r.dtd -o old"), refused);
     EXPECT_EQ(TempDir::read(folder.path("old")), "old");
     EXPECT_EQ(names(), "import old r.dtd ");
-}
-
-// The header and the types of a message document, these in the order of the alphabet.
-std::vector<std::string> partsOf(const std::string& document)
-{
-    std::vector<std::string> parts;
-    for (std::size_t at = 0; at < document.size();) {
-        const std::size_t end = std::min(document.find("<BROKER", at + 1), document.rfind("</"));
-        parts.push_back(document.substr(at, at < end ? end - at : std::string::npos));
-        at += parts.back().size();
-    }
-    std::sort(parts.begin() + 1, parts.end() - 1);
-    return parts;
-}
-
-TEST_F(ImportCommand, DocumentReadsBackAsTheSameTypes)
-{
-    for (const std::string importer : {"dtd", "xsd", "xml"}) {
-        const std::string source = TEST_SOURCE_DIR "/examples/order." + importer;
-        const Answer first = run("SOURCE_DATE_EPOCH=0 $import " + importer + " '" + source + "'");
-        folder.write("message.xml", first.out);
-        const Answer again = run("SOURCE_DATE_EPOCH=0 $import btd message.xml");
-        EXPECT_EQ(again.status, 0);
-        EXPECT_GT(partsOf(again.out).size(), 5U);
-        EXPECT_EQ(partsOf(again.out), partsOf(first.out));
-    }
 }
 
 TEST_F(ImportCommand, ReplacesWhatALinkNamesAndKeepsItsPermissions)

@@ -154,8 +154,7 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
     EXPECT_EQ(password.echoMode(), QLineEdit::Password);
     for (const bool trusted : {true, false}) {
         desk.press(trusted ? IDC_LOGON_TRUSTED : IDC_LOGON_BROKER);
-        EXPECT_EQ(password.isEnabled(), !trusted);
-        EXPECT_EQ(user.isEnabled(), !trusted);
+        EXPECT_EQ(password.isEnabled() + user.isEnabled(), trusted ? 0 : 2);
     }
     desk.click("back");
     EXPECT_EQ(desk.page(), IDD_OUTPUT);

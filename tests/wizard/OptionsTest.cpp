@@ -171,10 +171,8 @@ TEST_F(Settings, AreReadByTheRulesOfTheRegistry)
 TEST_F(Settings, ThatCantBeStoredAreLeftAlone)
 {
     dir.write("config/typeforge", "a file where the folder should be");
-    QELOptions options = load();
-    options.flushValues();
-    Registry reg;
-    EXPECT_FALSE(reg.setInt(HKEY_CURRENT_USER, "k", "n", 1));
+    load().flushValues();
+    EXPECT_FALSE(Registry().setInt(HKEY_CURRENT_USER, "k", "n", 1));
     EXPECT_EQ(TempDir::read(dir.path("config/typeforge")), "a file where the folder should be");
 }
 
