@@ -175,15 +175,4 @@ TEST_F(XmlBounds, CutAnywhereItIsAnErrorWithItsPlace)
     EXPECT_EQ(read(whole), "");
 }
 
-// The parser is C: an exception must not run through it, nor be lost.
-TEST_F(XmlBounds, ExceptionOfTheHandlerComesBack)
-{
-    struct Thrower : Counter
-    {
-        void comment(std::string_view) override { throw std::length_error("too much"); }
-    } thrower;
-    EXPECT_THROW(parseXmlFile(folder.write("x.xml", "<a><!----><b/></a>"), thrower), std::length_error);
-    EXPECT_EQ(thrower.elements, 1U);
-}
-
 } // namespace

@@ -73,34 +73,6 @@ TEST(Database, ListsEveryTableOfEverySchemaAndNoView)
     EXPECT_EQ(importTables("t\n"), "t()") << "gone since it was listed";
 }
 
-TEST(Database, RunsStatementsWithTextsOfAnyLengthAndUndoesThem)
-{
-    CString text = "größe ' ? ";
-    for (int i = 0; i < 9000; ++i)
-        text += "€\U0001F600"; // one of them lies across every border
-    for (const CString& kind : {sqlite, postgres, mariaDb}) {
-        Connected window = freshDatabase(kind);
-        CDatabase& database = window.database;
-        database.ExecuteSQL("CREATE TABLE t (a varchar(20) primary key, b text)");
-        {
-            CStatement insert(database, "INSERT INTO t VALUES (?, ?)");
-            database.BeginTrans();
-            EXPECT_EQ(insert.execute({"undone", ""}), 1);
-            database.Rollback();
-            database.BeginTrans();
-            EXPECT_EQ(insert.execute({"kept", text}), 1);
-            EXPECT_EQ(insert.execute({"", ""}), 1);
-            database.CommitTrans();
-            EXPECT_THROW(insert.execute({"kept", "again"}), CDBException);
-        }
-        CStatement select(database, "SELECT a, b FROM t ORDER BY a");
-        CString rows;
-        for (select.execute(); select.fetch();)
-            rows += select.queryText(1) + "=" + select.queryText(2) + ";";
-        EXPECT_EQ(rows, "=;kept=" + text + ";") << kind;
-    }
-}
-
 TEST(Database, ARefusedLogonIsToldFromOtherFailures)
 {
     const DatabaseServer &first = the<PostgresServer>(), &second = the<MariaDbServer>();
