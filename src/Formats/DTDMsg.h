@@ -98,8 +98,8 @@ private:
 
     CString mainType; // the first element that this importer ever read
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
-    std::pmr::monotonic_buffer_resource
-        memory; // of the entries and of the names that don't stand in the text as they are
+    std::pmr::monotonic_buffer_resource memory{
+        chunkMemory()}; // of the entries and of the names that don't stand in the text as they are
     Text* text = nullptr;
     CString usageKey; // of the field in hand; kept for its room
 };

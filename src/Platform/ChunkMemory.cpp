@@ -1,0 +1,40 @@
+#include "Platform/ChunkMemory.h"
+
+#include <new>
+#include <sys/mman.h>
+
+namespace {
+
+// Smaller chunks come from the heap, which has them at hand.
+constexpr std::size_t kMapped = 1 << 18;
+
+class ChunkMemory : public std::pmr::memory_resource
+{
+    void* do_allocate(std::size_t bytes, std::size_t alignment) override
+    {
+        if (bytes < kMapped)
+            return std::pmr::new_delete_resource()->allocate(bytes, alignment);
+        void* chunk = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+        if (chunk == MAP_FAILED)
+            throw std::bad_alloc();
+        return chunk;
+    }
+
+    void do_deallocate(void* chunk, std::size_t bytes, std::size_t alignment) override
+    {
+        if (bytes < kMapped)
+            std::pmr::new_delete_resource()->deallocate(chunk, bytes, alignment);
+        else
+            ::munmap(chunk, bytes);
+    }
+
+    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override { return this == &other; }
+};
+
+} // namespace
+
+std::pmr::memory_resource* chunkMemory()
+{
+    static ChunkMemory memory;
+    return &memory;
+}
