@@ -2,7 +2,7 @@
 
 #include "Formats/MsgBase.h"
 #include "Platform/MessageBox.h"
-#include "Platform/XmlParser.h"
+#include "Platform/Xml/XmlParser.h"
 
 #include <algorithm>
 #include <cstdio>

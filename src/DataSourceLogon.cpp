@@ -1,6 +1,6 @@
 #include "DataSourceLogon.h"
 
-#include "Platform/Odbc.h"
+#include "Platform/Database/Odbc.h"
 #include "Platform/Secret.h"
 #include "Platform/Ui/SecretEdit.h"
 #include "Platform/Ui/UiText.h"

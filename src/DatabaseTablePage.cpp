@@ -1,6 +1,6 @@
 #include "DatabaseTablePage.h"
 
-#include "Platform/Tables.h"
+#include "Platform/Database/Tables.h"
 #include "Platform/Ui/ListView.h"
 #include "Platform/Ui/WaitCursor.h"
 #include "QELWizard.h"

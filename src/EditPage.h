@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/TemporaryFiles.h"
+#include "Platform/Files/TemporaryFiles.h"
 #include "QELPage.h"
 
 #include <vector>

@@ -1,6 +1,6 @@
 #include "OutputFile.h"
 
-#include "Platform/File.h"
+#include "Platform/Files/File.h"
 #include "Platform/Ui/FileDialog.h"
 #include "Platform/Ui/WaitCursor.h"
 #include "QELWizard.h"

@@ -1,6 +1,6 @@
 #include "SourcePage.h"
 
-#include "Platform/File.h"
+#include "Platform/Files/File.h"
 #include "Platform/Ui/FileDialog.h"
 #include "Platform/Ui/ModalBox.h"
 #include "Platform/Ui/WaitCursor.h"

@@ -1,6 +1,6 @@
 #include "Broker/VornObject.h"
 
-#include "Platform/SettingsStore.h"
+#include "Platform/Files/SettingsStore.h"
 
 #include <dlfcn.h>
 #include <filesystem>

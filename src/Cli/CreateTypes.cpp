@@ -3,7 +3,7 @@
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
 #include "Cli/Import.h"
-#include "Platform/File.h"
+#include "Platform/Files/File.h"
 #include "Platform/Secret.h"
 #include "Platform/Terminal.h"
 #include "Resources/StringTable.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/File.h"
+#include "Platform/Files/File.h"
 
 #include <memory>
 

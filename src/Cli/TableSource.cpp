@@ -1,7 +1,7 @@
 #include "Cli/TableSource.h"
 
 #include "Formats/MsgBase.h"
-#include "Platform/Tables.h"
+#include "Platform/Database/Tables.h"
 #include "Resources/StringIds.h"
 #include "Utils/QELApp.h"
 

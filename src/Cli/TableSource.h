@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Cli/Arguments.h"
-#include "Platform/MainWindow.h"
-#include "Platform/Odbc.h"
+#include "Platform/Database/MainWindow.h"
+#include "Platform/Database/Odbc.h"
 
 class MsgBase;
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Formats/MsgBase.h"
-#include "Platform/Dom.h"
+#include "Platform/Xml/Dom.h"
 
 /// The importer of BROKERTYPEDESCRIPTION documents, as the output page writes them: a root that holds one description
 /// for each type. What a document says of folders stands; the base path plays no part.

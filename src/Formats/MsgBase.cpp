@@ -1,6 +1,6 @@
 #include "Formats/MsgBase.h"
 
-#include "Platform/File.h"
+#include "Platform/Files/File.h"
 #include "Resources/StringTable.h"
 #include "Utils/QELApp.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/ChunkMemory.h"
+#include "Platform/Arena.h"
 #include "Platform/Text.h"
 #include "Utils/Element.h"
 #include "Utils/KeyedTable.h"

@@ -1,7 +1,7 @@
 #include "Formats/ODBCMsg.h"
 
-#include "Platform/Columns.h"
-#include "Platform/MainWindow.h"
+#include "Platform/Database/Columns.h"
+#include "Platform/Database/MainWindow.h"
 #include "Resources/StringIds.h"
 #include "Utils/QELStr.h"
 

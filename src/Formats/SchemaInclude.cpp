@@ -1,5 +1,5 @@
+#include "Formats/SchemaCache.h"
 #include "Formats/SchemaMsg.h"
-#include "Platform/SchemaCache.h"
 #include "Utils/XMLDoc.h"
 
 // What the schema's other documents bring in.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/DomTree.h"
-#include "Platform/XmlParser.h"
+#include "Platform/Xml/DomTree.h"
+#include "Platform/Xml/XmlParser.h"
 
 #include <array>
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/XmlParser.h"
+#include "Platform/Xml/XmlParser.h"
 
 #include <cstdint>
 #include <deque>

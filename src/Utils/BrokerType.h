@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/XmlText.h"
+#include "Platform/Xml/XmlText.h"
 
 /// Builds the BROKERTYPEDESCRIPTION document of one broker type: its full name, its description, and at most one
 /// content element with what belongs into it. Every add operation answers 1, or 0 and changes nothing when the content

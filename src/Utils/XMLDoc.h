@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Dom.h"
-#include "Platform/XmlParser.h"
+#include "Platform/Xml/Dom.h"
+#include "Platform/Xml/XmlParser.h"
 
 /// The one doorway through which importers read XML files: one DOM document, the file loaded into it, and its failure
 /// worded for the user.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/SettingsStore.h"
+#include "Platform/Files/SettingsStore.h"
 #include "Platform/Text.h"
 
 /// The hives that settings live in. There is one, the current user's.

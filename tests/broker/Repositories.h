@@ -3,7 +3,7 @@
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
 #include "Formats/DTDMsg.h"
-#include "Platform/SettingsStore.h"
+#include "Platform/Files/SettingsStore.h"
 #include "support/Servers.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "Platform/Dom.h"
+#include "Platform/Xml/Dom.h"
 
 #include "support/Importing.h"
 

@@ -1,5 +1,5 @@
+#include "Formats/SchemaLocation.h"
 #include "Formats/SchemaMsg.h"
-#include "Platform/SchemaLocation.h"
 #include "support/Importing.h"
 #include "support/SchemaModel.h"
 #include "support/SchemaText.h"

@@ -1,4 +1,4 @@
-#include "Platform/Tables.h"
+#include "Platform/Database/Tables.h"
 #include "odbc/Import.h"
 #include "support/ImportCommand.h"
 #include "support/Servers.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Formats/ODBCMsg.h"
-#include "Platform/MainWindow.h"
-#include "Platform/Odbc.h"
+#include "Platform/Database/MainWindow.h"
+#include "Platform/Database/Odbc.h"
 
 #include <cstdlib>
 

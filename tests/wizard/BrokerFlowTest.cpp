@@ -1,5 +1,5 @@
 #include "Broker/IVorn.h"
-#include "Platform/SettingsStore.h"
+#include "Platform/Files/SettingsStore.h"
 #include "wizard/Desk.h"
 
 #include <QLabel>

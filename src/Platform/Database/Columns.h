@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Recordset.h"
+#include "Platform/Database/Recordset.h"
 
 /// The columns of tables, as the catalogue of a data source lists them (SQLColumns).
 class CColumns : public CRecordset

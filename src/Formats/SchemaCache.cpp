@@ -1,4 +1,4 @@
-#include "Platform/SchemaCache.h"
+#include "Formats/SchemaCache.h"
 
 void SchemaCache::add(const CString& fileName, const std::vector<std::string_view>& locations)
 {

@@ -1,4 +1,4 @@
-#include "Platform/ChunkMemory.h"
+#include "Platform/Arena.h"
 
 #include <new>
 #include <sys/mman.h>

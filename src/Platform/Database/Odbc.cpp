@@ -1,4 +1,4 @@
-#include "Platform/Odbc.h"
+#include "Platform/Database/Odbc.h"
 
 #include "Platform/Secret.h"
 

@@ -1,4 +1,4 @@
-#include "Platform/XmlParser.h"
+#include "Platform/Xml/XmlParser.h"
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>

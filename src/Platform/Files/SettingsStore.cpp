@@ -1,6 +1,6 @@
-#include "Platform/SettingsStore.h"
+#include "Platform/Files/SettingsStore.h"
 
-#include "Platform/File.h"
+#include "Platform/Files/File.h"
 
 #include <nlohmann/json.hpp>
 

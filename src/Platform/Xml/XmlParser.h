@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Dom.h"
+#include "Platform/Xml/Dom.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "Platform/Recordset.h"
+#include "Platform/Database/Recordset.h"
 
 #include <sql.h>
 #include <sqlext.h>

@@ -1,5 +1,5 @@
-#include "Platform/DomTree.h"
-#include "Platform/XmlEscape.h"
+#include "Platform/Xml/DomTree.h"
+#include "Platform/Xml/XmlEscape.h"
 
 namespace {
 

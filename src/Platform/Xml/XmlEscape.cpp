@@ -1,4 +1,4 @@
-#include "Platform/XmlEscape.h"
+#include "Platform/Xml/XmlEscape.h"
 
 #include <array>
 

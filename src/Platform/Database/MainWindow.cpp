@@ -1,4 +1,4 @@
-#include "Platform/MainWindow.h"
+#include "Platform/Database/MainWindow.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "Platform/DomTree.h"
+#include "Platform/Xml/DomTree.h"
 
 #include <algorithm>
 #include <cstring>

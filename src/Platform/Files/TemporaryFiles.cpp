@@ -1,4 +1,4 @@
-#include "Platform/TemporaryFiles.h"
+#include "Platform/Files/TemporaryFiles.h"
 
 #include <atomic>
 #include <cerrno>

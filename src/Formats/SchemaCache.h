@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/SchemaLocation.h"
+#include "Formats/SchemaLocation.h"
 
 #include <deque>
 #include <set>

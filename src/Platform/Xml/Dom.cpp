@@ -1,6 +1,6 @@
-#include "Platform/Dom.h"
+#include "Platform/Xml/Dom.h"
 
-#include "Platform/DomTree.h"
+#include "Platform/Xml/DomTree.h"
 
 #include <new>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/FileError.h"
+#include "Platform/Files/FileError.h"
 #include "Platform/Text.h"
 
 /// Reads a whole file as bytes into `out`. A folder counts as one that can't be opened (`accessDenied`). On failure

@@ -1,5 +1,5 @@
-#include "Platform/DomTree.h"
-#include "Platform/XmlParser.h"
+#include "Platform/Xml/DomTree.h"
+#include "Platform/Xml/XmlParser.h"
 
 #include <functional>
 #include <unordered_map>

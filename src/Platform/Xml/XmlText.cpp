@@ -1,6 +1,6 @@
-#include "Platform/XmlText.h"
+#include "Platform/Xml/XmlText.h"
 
-#include "Platform/XmlEscape.h"
+#include "Platform/Xml/XmlEscape.h"
 
 void XmlText::appendValue(std::string_view value)
 {

@@ -1,4 +1,4 @@
-#include "Platform/File.h"
+#include "Platform/Files/File.h"
 
 #include <cerrno>
 #include <climits>

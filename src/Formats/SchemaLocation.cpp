@@ -1,4 +1,4 @@
-#include "Platform/SchemaLocation.h"
+#include "Formats/SchemaLocation.h"
 
 #include <algorithm>
 #include <filesystem>

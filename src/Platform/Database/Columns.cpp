@@ -1,4 +1,4 @@
-#include "Platform/Columns.h"
+#include "Platform/Database/Columns.h"
 
 #include <sql.h>
 #include <sqlext.h>

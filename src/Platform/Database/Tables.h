@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Recordset.h"
+#include "Platform/Database/Recordset.h"
 
 /// The tables of a data source, as its catalogue lists them (SQLTables).
 class CTables : public CRecordset

@@ -1,4 +1,4 @@
-#include "Platform/Tables.h"
+#include "Platform/Database/Tables.h"
 
 #include <sql.h>
 #include <sqlext.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Odbc.h"
+#include "Platform/Database/Odbc.h"
 
 #include <array>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "Platform/FileError.h"
+#include "Platform/Files/FileError.h"
 
 #include <cerrno>
 
