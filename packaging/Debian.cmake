@@ -1,0 +1,58 @@
+# The Debian packages, one for each part; ./package builds and checks them.
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL typeforge-import)
+if(TYPEFORGE_WIZARD)
+    list(APPEND CPACK_COMPONENTS_ALL typeforge)
+endif()
+set(CPACK_PACKAGE_CONTACT "The Typeforge developers <developers@typeforge.org>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
+
+set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_NAME typeforge-import)
+set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_TYPEFORGE-IMPORT_DESCRIPTION
+"command that derives message broker types from DTDs, schemas, XML and tables
+typeforge-import reads a DTD, an XML Schema with what it includes, XML example
+messages or the tables of an ODBC data source, and writes the type definitions
+that a message broker needs: records, tables, enumerations and arrays. It
+writes them to a file or creates them in the broker's repository.
+.
+This package holds the command alone, which needs no graphical desktop.")
+# Without the SQLite driver there is no repository \"local\".
+set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_RECOMMENDS "libsqliteodbc")
+set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_SUGGESTS "odbc-postgresql, odbc-mariadb, tdsodbc, unixodbc")
+# Builds before the parts were packaged on their own had all in one.
+set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_REPLACES "typeforge (<< ${version})")
+set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_BREAKS "typeforge (<< ${version})")
+
+set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_NAME typeforge)
+set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_TYPEFORGE_DESCRIPTION
+"wizard that derives message broker types from DTDs, schemas, XML and tables
+Typeforge derives type definitions for a message broker from what describes
+your messages: a DTD, an XML Schema, an XML message, an earlier set of types,
+or tables of a database. It shows every type before it goes anywhere, and
+writes all of them into one file or creates them in the broker's repository.
+.
+This package holds the wizard; typeforge-import is its command for scripts.")
+# The windows come through plugins, which the linker doesn't know of.
+set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_DEPENDS "typeforge-import (= ${version}), qt6-qpa-plugins")
+set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_RECOMMENDS
+    "qt6-gtk-platformtheme | qt6-xdgdesktopportal-platformtheme, qt6-wayland, xdg-utils, libsqliteodbc")
+set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_SUGGESTS "odbc-postgresql, odbc-mariadb, tdsodbc, unixodbc")
+
+# Each package says what it is under and what became different (Debian Policy 12.5, 12.7).
+find_program(GZIP gzip REQUIRED)
+set(changelog ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz)
+add_custom_command(OUTPUT ${changelog} DEPENDS changelog
+    COMMAND ${GZIP} -9nc ${CMAKE_CURRENT_SOURCE_DIR}/changelog > ${changelog})
+add_custom_target(debian_changelog ALL DEPENDS ${changelog})
+foreach(part ${CPACK_COMPONENTS_ALL})
+    install(FILES copyright ${changelog} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${part} COMPONENT ${part})
+endforeach()
+include(CPack)
