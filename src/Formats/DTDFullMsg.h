@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Formats/FullMessage.h"
+
+/// The importer of DTDs, XML and SGML, that reads them in full: parameter entities, modules, conditional sections.
+class DTDFullMessage : public FullMessage
+{
+public:
+    DTDFullMessage();
+
+    static MsgBase* New() { return new DTDFullMessage; }
+
+protected:
+    void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
+};

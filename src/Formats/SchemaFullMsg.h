@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Formats/FullMessage.h"
+
+/// The importer of XML Schema files that reads them in full: namespaces, documents, derived types.
+class SchemaFullMessage : public FullMessage
+{
+public:
+    SchemaFullMessage();
+
+    static MsgBase* New() { return new SchemaFullMessage; }
+
+    int isFileMode() const override { return 1; }
+
+protected:
+    /// `source` is the name of the schema file.
+    void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
+};

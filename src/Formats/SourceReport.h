@@ -1,0 +1,87 @@
+#pragma once
+
+#include "Platform/Text.h"
+
+#include <array>
+#include <deque>
+#include <functional>
+#include <vector>
+
+/// Where a source says something.
+struct SourcePlace
+{
+    std::uint32_t file = 0; ///< as SourceReport::addFile() numbered it
+    std::uint32_t line = 0; ///< counted from 1; 0 where none is known
+};
+
+/// Ends an import: thrown by what reads a source where that can't be imported at all. `text` is what the user is shown.
+struct SourceRefusal
+{
+    CString text;
+};
+
+/// What of a source was not carried over into the types: each construct with its place, and how often it occurred.
+/// Places are kept up to a bound, counts are always complete.
+class SourceReport
+{
+public:
+    enum Construct : std::uint8_t
+    {
+        moduleMissing,
+        moduleUnreadable,
+        entityUndeclared,
+        unresolvedReference,
+        unknownSection,
+        senselessDeclaration,
+        declaredTwice,
+        sgmlException,
+        anyContent,
+        mixedContent,
+        anyElement,
+        anyAttribute,
+        abstractType,
+        listType,
+        unionOfKinds,
+        nameChanged,
+        // From here on without places.
+        facet,
+        nillable,
+        defaultValue,
+        identityConstraint,
+        generalEntity,
+        notation,
+        constructCount
+    };
+
+    /// The number under which places refer to a file of that name.
+    std::uint32_t addFile(const CString& fileName);
+    const CString& fileNameOf(std::uint32_t file) const { return files[file]; }
+
+    /// Notes a construct at its place. Of a long name only the beginning is kept.
+    void add(Construct construct, SourcePlace place, std::string_view name);
+
+    /// Notes a construct that is only counted.
+    void count(Construct construct) { ++counts[construct]; }
+
+    /// The constructs that have places, also those beyond the bound.
+    std::size_t queryPlaced() const;
+
+    /// Writes one line a place ("FILE:LINE: CONSTRUCT: NAME"), in the order in which they were noted, an empty line,
+    /// and one line a construct with its count, most frequent first. Nothing at all when nothing was noted.
+    void write(const std::function<void(std::string_view)>& out) const;
+
+    /// Empties the report.
+    void clear() { *this = {}; }
+
+private:
+    struct Entry
+    {
+        Construct construct;
+        SourcePlace place;
+        CString name;
+    };
+
+    std::deque<CString> files;
+    std::vector<Entry> entries;
+    std::array<std::size_t, constructCount> counts{};
+};
