@@ -131,7 +131,8 @@ void DTDMessage::doParseElement(std::size_t start, std::size_t end)
         mainType = name;
     DTDElement& element = addDTDElement(name, nullptr);
     const std::size_t group = text->groups.firstFrom(nameEnd);
-    if (group == text->groups.size() || text->groups[group].open >= end || holdsTextOnly(text->groups[group].open, end))
+    if (group == text->groups.size() || text->groups.openOf(group) >= end ||
+        holdsTextOnly(text->groups.openOf(group), end))
         return;
     doParseField(nameEnd, end - 1, name.empty() ? nullptr : &element);
 }
@@ -170,21 +171,23 @@ void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* pa
     const DTDGroups& groups = text->groups;
     std::vector<std::size_t> ends{end};
     for (std::size_t next = groups.firstFrom(start); !ends.empty();) {
-        while (next < groups.size() && groups[next].open < start)
+        while (next < groups.size() && groups.openOf(next) < start)
             ++next;
         const std::size_t levelEnd = ends.back();
-        const std::size_t open = next < groups.size() ? std::min(groups[next].open, levelEnd) : levelEnd;
+        const std::size_t open = next < groups.size() ? std::min(groups.openOf(next), levelEnd) : levelEnd;
         if (start < open)
             formatField(text->whole.substr(start, open - start), {}, parent);
         start = open + 1;
         if (open == levelEnd) {
             ends.pop_back(); // and on behind the ')' that ended this level
-        } else if (const DTDGroups::Group& group = groups[next]; group.mark < levelEnd) {
-            formatField(text->whole.substr(start, group.close - start), "*", parent);
-            start = group.mark;
-        } else if (group.close < levelEnd) {
-            ends.push_back(group.close);
-        } // else there are too few ')', and the group runs to the end of this level
+        } else if (const DTDGroups::Close* close = groups.closeOf(next, levelEnd); !close) {
+            continue; // the group runs to the end of this level
+        } else if (close->mark < levelEnd) {
+            formatField(text->whole.substr(start, close->at - start), "*", parent);
+            start = close->mark;
+        } else {
+            ends.push_back(close->at);
+        }
     }
 }
 

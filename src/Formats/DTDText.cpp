@@ -68,24 +68,36 @@ std::size_t findNameEnd(std::string_view text, std::size_t from)
 DTDGroups::DTDGroups(std::string_view text)
 {
     static constexpr CharSet structure("()*+,|&");
-    std::vector<std::size_t> open;   // groups that wait for their ')'
-    std::vector<std::size_t> closed; // groups that wait for the next mark or separator
+    std::vector<std::size_t> open; // groups that wait for their ')'
+    std::size_t unmarked = 0;      // the first ')' that waits for the next mark or separator
     for (std::size_t at = structure.in(text); at != kNowhere; at = structure.in(text, at + 1)) {
         const char c = text[at];
         if (c == '(') {
             open.push_back(groups.size());
             groups.push_back({.open = at});
-        } else if (c == ')' && !open.empty()) {
-            groups[open.back()].close = at;
-            closed.push_back(open.back());
-            open.pop_back();
-        } else if (c != ')') {
+        } else if (c == ')') {
+            if (!open.empty()) {
+                groups[open.back()].close = closes.size();
+                open.pop_back();
+            }
+            closes.push_back({.at = at});
+        } else {
             if (c == '*' || c == '+')
-                for (const std::size_t group : closed)
-                    groups[group].mark = at;
-            closed.clear();
+                for (; unmarked < closes.size(); ++unmarked)
+                    closes[unmarked].mark = at;
+            unmarked = closes.size();
         }
     }
+}
+
+const DTDGroups::Close* DTDGroups::closeOf(std::size_t index, std::size_t end) const
+{
+    const Group& group = groups[index];
+    if (group.close != kNowhere && closes[group.close].at < end)
+        return &closes[group.close];
+    const auto isBefore = [](const Close& close, std::size_t place) { return close.at < place; };
+    const auto behind = std::lower_bound(closes.begin(), closes.end(), end, isBefore);
+    return behind != closes.begin() && behind[-1].at > group.open ? &behind[-1] : nullptr;
 }
 
 std::size_t DTDGroups::firstFrom(std::size_t start) const

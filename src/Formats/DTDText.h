@@ -72,23 +72,34 @@ private:
 class DTDGroups
 {
 public:
-    struct Group
+    /// A ')'.
+    struct Close
     {
-        std::size_t open;
-        std::size_t close = kNowhere; ///< the ')' at which the depth is back to where it was; kNowhere: there is none
-        std::size_t mark = kNowhere;  ///< the first '*' or '+' behind `close`, when no separator stands before it
+        std::size_t at;
+        std::size_t mark = kNowhere; ///< the first '*' or '+' behind it, when no separator stands before that
     };
 
     explicit DTDGroups(std::string_view text);
 
     std::size_t size() const { return groups.size(); }
-    const Group& operator[](std::size_t index) const { return groups[index]; }
+    std::size_t openOf(std::size_t index) const { return groups[index].open; }
+
+    /// Where a group ends in a text that is cut at `end`: at the ')' where the depth is back to what it was, and where
+    /// there are too few, at the last one behind the group's '('. Null when there is none at all.
+    const Close* closeOf(std::size_t index, std::size_t end) const;
 
     /// The index of the first group that opens at `start` or behind it; size() when there is none.
     std::size_t firstFrom(std::size_t start) const;
 
 private:
+    struct Group
+    {
+        std::size_t open;
+        std::size_t close = kNowhere; // an index
+    };
+
     std::vector<Group> groups; // in the order of `open`
+    std::vector<Close> closes; // in the order of `at`
 };
 
 /// Positions of the two keywords; letters of either case match.

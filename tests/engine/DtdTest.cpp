@@ -35,6 +35,11 @@ const Case kDtds[] = {
     {"StartsDriftAhead", "< <!ELEMENT x (a)><!ELEMENT y (b)>",
      "t_a:t=String(a:S=String) x:R(t_a:t=String ><!ELEMENT y:S b:S)"},
     {"TooFewParentheses", "<!ELEMENT x (a, (b, (c)>", "x:R(a:S b:S c:S)"},
+    {"LastParenthesisEndsAllThatAreOpen", "<!ELEMENT x (a, (b, (c)+, d>",
+     "t_c:t=String(c:S=String) t_b:t=String(b:S=String) t_a:t=String(a:S=String) x:R(t_a:t=String t_b:t=String "
+     "t_c:t=String d:S)"},
+    {"OpenGroupBehindAClosedOne", "<!ELEMENT x ((a*, b)+()+>",
+     "t_b):t=String(b):S=String) t_a:t=String(a:S=String) x:R(t_a:t=String t_b):t=String)"},
     {"TooManyParentheses", "<!ELEMENT x (a)), b)>", "x:R(a:S b:S)"},
     {"NamelessRecordTakesNothing", "<!ELEMENT (a, b)><!ELEMENT x (a)>", "x:R(a:S)"},
     {"ElementsOwnField", "<!ELEMENT list (item, list?)>", "list:R(item:S list:R)"},
