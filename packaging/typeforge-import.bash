@@ -1,7 +1,7 @@
 # Completion of typeforge-import for bash.
 _typeforge_import()
 {
-    local cur prev words cword
+    local cur prev words cword patterns
     _init_completion || return
     case $prev in
         -o | --output | --password-file)
@@ -15,15 +15,16 @@ _typeforge_import()
     esac
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "--base-path --table --output --list --type --create --user --password-file
-            --trusted --overwrite --help --version" -- "$cur")
+            --trusted --overwrite --importers --help --version" -- "$cur")
     elif ((cword == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W "dtd xml xsd btd odbc" -- "$cur")
+        mapfile -t COMPREPLY < <(compgen -W "$("$1" --importers | cut -f 1)" -- "$cur")
     else
-        case ${words[1]} in
-            dtd) _filedir '@(dtd|DTD)' ;;
-            xsd) _filedir '@(xsd|XSD|xml|XML)' ;;
-            xml | btd) _filedir '@(xml|XML)' ;;
-            odbc) mapfile -t COMPREPLY < <(compgen -W "$(odbcinst -q -s 2>/dev/null | tr -d '[]')" -- "$cur") ;;
-        esac
+        patterns=$("$1" --importers | awk -F '\t' -v word="${words[1]}" '$1 == word { print $2 }')
+        patterns=${patterns//\*./} patterns=${patterns,,}
+        if [[ -n $patterns ]]; then
+            _filedir "@(${patterns//;/|})"
+        else
+            mapfile -t COMPREPLY < <(compgen -W "$(odbcinst -q -s 2>/dev/null | tr -d '[]')" -- "$cur")
+        fi
     fi
 } && complete -F _typeforge_import typeforge-import

@@ -7,11 +7,25 @@
 #include "QELWizard.h"
 #include "Resources/StringTable.h"
 
+#include <algorithm>
+
 namespace {
 
-// A filter's pattern has the id that follows its label's.
-constexpr UINT kFilterLabels[] = {IDS_FILTER_ALL_TYPES, IDS_FILTER_DTD, IDS_FILTER_XML, IDS_FILTER_SCHEMA,
-                                  IDS_FILTER_ALL_FILES};
+// All types, each importer's own kind once, all files.
+std::vector<FileFilter> fileFilters()
+{
+    std::vector<UINT> labels = {IDS_FILTER_ALL_TYPES};
+    for (MsgUIDescriptor** importer = g_amud; *importer; ++importer) {
+        const UINT label = (*importer)->querySource().filterId;
+        if (label != 0 && std::find(labels.begin(), labels.end(), label) == labels.end())
+            labels.push_back(label);
+    }
+    labels.push_back(IDS_FILTER_ALL_FILES);
+    std::vector<FileFilter> filters;
+    for (const UINT label : labels)
+        filters.push_back({loadText(label), loadText(label + 1)}); // a pattern's id follows its label's
+    return filters;
+}
 
 } // namespace
 
@@ -39,10 +53,8 @@ void SourcePage::fillFiles(QComboBox& combo)
 
 CString SourcePage::chooseFile()
 {
-    std::vector<FileFilter> filters;
-    for (const UINT label : kFilterLabels)
-        filters.push_back({loadText(label), loadText(label + 1)});
-    return chooseFileToOpen(this, {loadText(IDS_SELECT_SOURCE), filters, wizard->options.queryInputFolder(), fileName});
+    return chooseFileToOpen(this,
+                            {loadText(IDS_SELECT_SOURCE), fileFilters(), wizard->options.queryInputFolder(), fileName});
 }
 
 void SourcePage::setFolder(const CString& folder)

@@ -1,27 +1,30 @@
 #include "Cli/Arguments.h"
 
-#include "Formats/BrokerMsg.h"
-#include "Formats/DTDMsg.h"
-#include "Formats/ODBCMsg.h"
-#include "Formats/SchemaMsg.h"
-#include "Formats/XMLDataMsg.h"
+#include "Formats/MsgUIDescriptor.h"
+#include "Resources/StringTable.h"
 
 #include <CLI/CLI.hpp>
 
-namespace {
+#include <cstdio>
 
-constexpr Importer kImporters[] = {
-    {"dtd", &DTDMessage::m_descr, false},    {"xml", &XMLDataMessage::m_descr, false},
-    {"xsd", &SchemaMessage::m_descr, false}, {"btd", &BrokerMessage::m_descr, false},
-    {"odbc", &ODBCMessage::m_descr, true},
-};
+namespace {
 
 std::vector<CString> importerWords()
 {
     std::vector<CString> words;
-    for (const Importer& importer : kImporters)
-        words.emplace_back(importer.word);
+    for (MsgUIDescriptor** importer = g_amud; *importer; ++importer)
+        words.emplace_back((*importer)->querySource().word);
     return words;
+}
+
+// For the completion of the shell, which so offers what there is.
+void listImporters()
+{
+    for (MsgUIDescriptor** importer = g_amud; *importer; ++importer) {
+        const ImporterSource& source = (*importer)->querySource();
+        std::printf("%s\t%s\t%s\n", source.word, source.filterId ? loadText(source.filterId + 1) : "",
+                    (*importer)->getName().c_str());
+    }
 }
 
 constexpr int kUsageMistake = 2;
@@ -46,6 +49,13 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     app.add_flag("-l,--list", arguments.list, "List the types, a line each, instead of writing the message document");
     CLI::Option* type = app.add_option("--type", arguments.type, "Write the document of this one type instead");
     type->excludes("--list");
+    app.add_flag_callback(
+        "--importers",
+        [] {
+            listImporters();
+            throw CLI::Success();
+        },
+        "List the importers, a line each: word, tab, patterns of its files, tab, name");
     addCreateOptions(app, arguments.create);
     try {
         app.parse(argc, argv);
@@ -58,10 +68,10 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     return true;
 }
 
-const Importer& importerNamed(const CString& word)
+MsgUIDescriptor& importerNamed(const CString& word)
 {
-    for (const Importer& importer : kImporters)
-        if (word == importer.word)
-            return importer;
+    for (MsgUIDescriptor** importer = g_amud; *importer; ++importer)
+        if (word == (*importer)->querySource().word)
+            return **importer;
     throw std::logic_error("no importer is called " + word);
 }

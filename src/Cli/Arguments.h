@@ -26,13 +26,5 @@ struct Arguments
 /// has been said and `exitStatus` is set: 0, or 2 for a mistake; the answer is then false.
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus);
 
-/// An importer as the command line knows it.
-struct Importer
-{
-    const char* word;
-    MsgUIDescriptor* descriptor;
-    bool readsTables; ///< its source is a data source, not a file
-};
-
 /// The importer that a word of the command line names.
-const Importer& importerNamed(const CString& word);
+MsgUIDescriptor& importerNamed(const CString& word);

@@ -98,15 +98,15 @@ int runImport(const Arguments& arguments)
         report(text);
     });
     TableSource tables;
-    const Importer& importer = importerNamed(arguments.importer);
-    const std::unique_ptr<MsgBase> message(importer.descriptor->create());
+    const MsgUIDescriptor& importer = importerNamed(arguments.importer);
+    const bool readsTables = importer.querySource().readsTables;
+    const std::unique_ptr<MsgBase> message(importer.create());
     const CString basePath = basePathOf(arguments, *message);
-    const bool imported = importer.readsTables ? tables.import(*message, arguments, basePath)
-                                               : message->parseFile(arguments.source, basePath) != 0;
+    const bool imported = readsTables ? tables.import(*message, arguments, basePath)
+                                      : message->parseFile(arguments.source, basePath) != 0;
     setMessageBoxHandler(before);
     if (!imported && boxes == 0)
-        report("nothing was imported from " +
-               (importer.readsTables ? withoutPassword(arguments.source) : arguments.source));
+        report("nothing was imported from " + (readsTables ? withoutPassword(arguments.source) : arguments.source));
     if (imported && !arguments.create.address.empty())
         return createTypes(*message, arguments.create);
     return imported && writeResult(*message, arguments) ? 0 : 1;

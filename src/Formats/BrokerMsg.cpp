@@ -1,6 +1,5 @@
 #include "Formats/BrokerMsg.h"
 
-#include "Resources/StringTable.h"
 #include "Utils/XMLDoc.h"
 
 namespace {
@@ -16,8 +15,6 @@ void foldLongKey(CString& key)
 }
 
 } // namespace
-
-MsgUIDescriptor BrokerMessage::m_descr("\\", IDS_BTD_NAME, IDS_BTD_DESCRIPTION, BrokerMessage::New, 1008);
 
 const BrokerMessage::Content BrokerMessage::kContents[] = {
     {"ARRAY", Element::typeArray, &BrokerMessage::readArray},

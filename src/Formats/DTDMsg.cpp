@@ -40,8 +40,6 @@ std::string_view withoutNul(const CString& source, CString& copy)
 
 } // namespace
 
-MsgUIDescriptor DTDMessage::m_descr("\\sys\\rosettanet\\", IDS_DTD_NAME, IDS_DTD_DESCRIPTION, DTDMessage::New, 1008);
-
 int DTDElement::beginEnum()
 {
     cursor = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Formats/MsgUIDescriptor.h"
 #include "Platform/Arena.h"
 #include "Platform/Text.h"
 #include "Utils/Element.h"
@@ -9,38 +10,6 @@
 #include <functional>
 #include <memory_resource>
 #include <vector>
-
-class MsgBase;
-
-/// What the program says of an importer before there is one: its names, its default base path, the page that follows
-/// the choice of it, and how to make one.
-class MsgUIDescriptor
-{
-public:
-    MsgUIDescriptor(const CString& basePath, unsigned int nameId, unsigned int descriptionId, MsgBase* (*factory)(),
-                    long nextPage);
-
-    /// Name and description come from the string table on first request.
-    CString& getName();
-    CString& getDescription();
-    long queryNextPage() const { return nextPage; }
-    CString& getBasePath() { return basePath; }
-
-    /// A new importer, owned by the caller.
-    MsgBase* create() const { return factory(); }
-
-private:
-    CString name;
-    CString description;
-    CString basePath;
-    unsigned int nameId;        // 0 once loaded
-    unsigned int descriptionId; // 0 once loaded
-    long nextPage;
-    MsgBase* (*factory)();
-};
-
-/// The importers in display order, ended by null.
-extern MsgUIDescriptor* g_amud[];
 
 /// The base of every importer and the container of one import. An importer implements parse() and declares in it what
 /// it finds, by addElement() and addAttribute(); afterwards usages that occurred more than once become tables, and the

@@ -1,10 +1,12 @@
-#include "Formats/MsgBase.h"
+#include "Formats/MsgUIDescriptor.h"
+
 #include "Resources/StringTable.h"
 
 MsgUIDescriptor::MsgUIDescriptor(const CString& basePath, unsigned int nameId, unsigned int descriptionId,
-                                 MsgBase* (*factory)(), long nextPage) :
+                                 Factory factory, long nextPage, Factory fullFactory, const ImporterSource& source) :
     basePath(basePath),
-    nameId(nameId), descriptionId(descriptionId), nextPage(nextPage), factory(factory)
+    nameId(nameId), descriptionId(descriptionId), nextPage(nextPage), factory(factory), fullFactory(fullFactory),
+    source(source)
 {}
 
 CString& MsgUIDescriptor::getName()

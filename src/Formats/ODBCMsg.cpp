@@ -2,10 +2,7 @@
 
 #include "Platform/Database/Columns.h"
 #include "Platform/Database/MainWindow.h"
-#include "Resources/StringIds.h"
 #include "Utils/QELStr.h"
-
-MsgUIDescriptor ODBCMessage::m_descr("\\", IDS_ODBC_NAME, IDS_ODBC_DESCRIPTION, ODBCMessage::New, 1016);
 
 namespace {
 

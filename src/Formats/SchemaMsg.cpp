@@ -5,9 +5,6 @@
 
 #include <algorithm>
 
-MsgUIDescriptor SchemaMessage::m_descr("\\sys\\xml\\", IDS_SCHEMA_NAME, IDS_SCHEMA_DESCRIPTION, &SchemaMessage::New,
-                                       1008);
-
 int SchemaMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
     forget();

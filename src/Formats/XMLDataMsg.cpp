@@ -4,9 +4,6 @@
 #include "Resources/StringTable.h"
 #include "Utils/XMLDoc.h"
 
-MsgUIDescriptor XMLDataMessage::m_descr("\\sys\\xml\\", IDS_XMLDATA_NAME, IDS_XMLDATA_DESCRIPTION, XMLDataMessage::New,
-                                        1008);
-
 int XMLDataMessage::parse(const CString& source, const CString& basePath, const CString&)
 {
     XMLDataWalk walk;

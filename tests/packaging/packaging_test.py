@@ -32,9 +32,10 @@ class Packaging(unittest.TestCase):
     def test_completion_offers_what_fits_the_place(self):
         script = ("_init_completion() { cur=${COMP_WORDS[COMP_CWORD]}; prev=${COMP_WORDS[COMP_CWORD-1]};"
                   " words=(\"${COMP_WORDS[@]}\"); cword=$COMP_CWORD; }; _filedir() { COMPREPLY=(\"files $1\"); };"
-                  " . ./typeforge-import.bash; COMP_WORDS=(typeforge-import %s); COMP_CWORD=%d; _typeforge_import;"
+                  " . ./typeforge-import.bash; COMP_WORDS=(typeforge-import %s); COMP_CWORD=%d; _typeforge_import " + BUILD + "/typeforge-import;"
                   " echo \"${COMPREPLY[@]}\"")
-        for line, place, offered in [("x", 1, "xml xsd"), ("dtd ''", 2, "files @(dtd|DTD)"), ("dtd a --ov", 3, "--overwrite"),
+        for line, place, offered in [("x", 1, "xml xsd"), ("dtd ''", 2, "files @(dtd)"), ("xsd ", 2, "files @(xsd|xml)"),
+                                     ("dtd a --ov", 3, "--overwrite"),
                                      ("dtd a -o ''", 4, "files "), ("btd a --overwrite n", 4, "none")]:
             self.assertEqual((0, offered + "\n", ""), run("bash", "-c", script % (line, place)), line)
 
