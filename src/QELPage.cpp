@@ -15,14 +15,13 @@ void QELPage::OnInitDialog()
     wizard = static_cast<QELWizard*>(sheet());
 }
 
-LRESULT QELPage::stay(UINT textId)
+LRESULT QELPage::stay(UINT textId, const CString& details)
 {
-    theApp.Error(textId, IDS_ERROR_TITLE);
-    return -1;
+    return stay(loadText(textId), details);
 }
 
-LRESULT QELPage::stay(const CString& text)
+LRESULT QELPage::stay(const CString& text, const CString& details)
 {
-    theApp.Error(text, IDS_ERROR_TITLE);
+    theApp.Error(text, IDS_ERROR_TITLE, details);
     return -1;
 }

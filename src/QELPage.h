@@ -19,9 +19,10 @@ public:
     void OnInitDialog() override;
 
 protected:
-    /// Shows the text `textId` of the string table as an error and answers -1: the page stays.
-    static LRESULT stay(UINT textId);
-    static LRESULT stay(const CString& text);
+    /// Shows the text `textId` of the string table as an error, with the reason behind it as its details, and answers
+    /// -1: the page stays.
+    static LRESULT stay(UINT textId, const CString& details = {});
+    static LRESULT stay(const CString& text, const CString& details = {});
 
     QELWizard* wizard = nullptr; // taken when the dialog is initialised
 };

@@ -16,6 +16,8 @@ MessageBoxHandler& currentHandler()
     return handler;
 }
 
+thread_local const CString* currentDetails = nullptr;
+
 } // namespace
 
 MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler)
@@ -23,8 +25,16 @@ MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler)
     return std::exchange(currentHandler(), std::move(handler));
 }
 
-void showMessageBox(const CString& text, const CString& title)
+void showMessageBox(const CString& text, const CString& title, const CString& details)
 {
+    const CString* const outer = std::exchange(currentDetails, &details); // a box may come up over another one
     if (const MessageBoxHandler& handler = currentHandler())
         handler(text, title);
+    currentDetails = outer;
+}
+
+const CString& queryMessageDetails()
+{
+    static const CString none;
+    return currentDetails != nullptr ? *currentDetails : none;
 }

@@ -11,5 +11,10 @@ using MessageBoxHandler = std::function<void(const CString& text, const CString&
 /// error as "TITLE: TEXT". The wizard installs its modal box, the command line its own line, a test records.
 MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler);
 
-/// Hands a message to the handler in force.
-void showMessageBox(const CString& text, const CString& title);
+/// Hands a message to the handler in force. `details` is why it came to it, in the words of the system, a driver or the
+/// broker; it is no part of the text.
+void showMessageBox(const CString& text, const CString& title, const CString& details = {});
+
+/// For a handler: the details of the message that it is handed, "" where it has none. They are those of the thread that
+/// the message comes from.
+const CString& queryMessageDetails();

@@ -10,7 +10,7 @@ void CQELApp::Error(UINT textId, UINT titleId)
     Error(loadText(textId), titleId);
 }
 
-void CQELApp::Error(const CString& text, UINT titleId)
+void CQELApp::Error(const CString& text, UINT titleId, const CString& details)
 {
-    showMessageBox(text, loadText(titleId));
+    showMessageBox(text, loadText(titleId), details);
 }

@@ -13,8 +13,9 @@ public:
     /// Shows the text `textId` of the string table under the title `titleId` and returns when the user has closed it.
     void Error(UINT textId, UINT titleId);
 
-    /// Shows a finished text under the title `titleId`.
-    void Error(const CString& text, UINT titleId);
+    /// Shows a finished text under the title `titleId`. `details` is the reason behind it in the words of the system, a
+    /// driver or the broker; who shows the text may show them under it.
+    void Error(const CString& text, UINT titleId, const CString& details = {});
 
     /// Opens the help topic of the page whose dialog id is in the low 16 bits of `data`, the default topic for a
     /// dialog without one. Acts only when `command` is the context-help command, 1. Defined with the wizard.

@@ -10,6 +10,8 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
+#include <QTextEdit>
 #include <QTimer>
 #include <QUrl>
 #include <gmock/gmock.h>
@@ -285,7 +287,10 @@ TEST(MessageBox, OffersToHideTheRestOfAnImport)
         EXPECT_EQ(box->icon(), QMessageBox::NoIcon);
         EXPECT_EQ(box->buttons().size(), 1);
         EXPECT_GT(box->width(), box->fontMetrics().horizontalAdvance(box->windowTitle()));
+        EXPECT_LE(box->frameGeometry().height(), box->screen()->availableSize().height() * 6 / 10);
         seen.push_back(box->text().toStdString() + (box->checkBox() != nullptr ? " [ ]" : ""));
+        if (const auto parts = box->findChildren<QTextEdit*>(); parts.size() == 2)
+            seen.back() += " (" + parts[1]->toPlainText().toStdString() + ")";
         if (box->checkBox() != nullptr)
             box->checkBox()->setChecked(seen.size() == 3);
         box->button(QMessageBox::Ok)->click();
@@ -297,8 +302,9 @@ TEST(MessageBox, OffersToHideTheRestOfAnImport)
         for (const CString& text : import)
             theApp.Error(text, IDS_ERROR_TITLE);
     }
-    theApp.Error(CString("6"), IDS_ERROR_TITLE);
-    EXPECT_EQ(seen, (Texts{"1", "2 [ ]", "3 [ ]", "5", "6"}));
+    const CString statement(100000, 'x'); // as a real source can have
+    theApp.Error(statement, IDS_ERROR_TITLE, statement);
+    EXPECT_EQ(seen, (Texts{"1", "2 [ ]", "3 [ ]", "5", statement + " (" + statement + ")"}));
     setMessageBoxHandler(recorder);
 }
 

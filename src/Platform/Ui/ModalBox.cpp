@@ -1,13 +1,22 @@
 #include "Platform/Ui/ModalBox.h"
 
+#include "Platform/MessageBox.h"
+#include "Platform/Ui/MessageTexts.h"
 #include "Platform/Ui/UiText.h"
 #include "Platform/Ui/WaitCursor.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QFontMetrics>
-#include <QGridLayout>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
-#include <QSpacerItem>
+#include <QScreen>
+#include <QShortcut>
+#include <QStyle>
+
+#include <algorithm>
 
 namespace {
 
@@ -20,12 +29,26 @@ struct Series
 
 Series series;
 
-// A window manager cuts a title that is longer than the window: room for the title and its buttons is held open.
-void widenForTitle(QMessageBox& box)
+// The box's own label grows with its text, past the edge of the screen. It keeps the text, and shows nothing.
+void replaceLabel(QMessageBox& box, MessageTexts* texts)
 {
-    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + 160;
-    auto* grid = qobject_cast<QGridLayout*>(box.layout());
-    grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    auto* label = box.findChild<QLabel*>("qt_msgbox_label");
+    delete box.layout()->replaceWidget(label, texts);
+    label->hide();
+}
+
+// A window manager cuts a title that is longer than the window, so room for the title and its buttons is held open.
+void fitToScreen(const QMessageBox& box, MessageTexts* texts)
+{
+    const QSize screen = box.screen()->availableSize();
+    const QFontMetrics metrics = box.fontMetrics();
+    const int title = metrics.horizontalAdvance(box.windowTitle()) + 160;
+    texts->setFixedHeight(0);
+    const int around = box.layout()->minimumSize().height() + box.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    texts->setMaximumHeight(QWIDGETSIZE_MAX);
+    texts->setMinimumHeight(0);
+    texts->fitInto(title, std::min(metrics.averageCharWidth() * 80, screen.width() * 9 / 10),
+                   std::max(metrics.height(), screen.height() * 6 / 10 - around));
 }
 
 } // namespace
@@ -40,7 +63,12 @@ void ModalBox::operator()(const CString& text, const CString& title) const
     box.setWindowModality(Qt::WindowModal);
     if (series.running && series.shown++ > 0)
         box.setCheckBox(new QCheckBox("&Hide further messages of this import"));
-    widenForTitle(box);
+    auto* texts = new MessageTexts(toUi(text), toUi(queryMessageDetails()));
+    replaceLabel(box, texts);
+    fitToScreen(box, texts);
+    box.setAccessibleDescription(texts->wholeText());
+    const auto copy = [texts] { QGuiApplication::clipboard()->setText(texts->wholeText()); };
+    QObject::connect(new QShortcut(QKeySequence::Copy, &box), &QShortcut::activated, texts, copy);
     const PlainCursor arrow;
     box.exec();
     series.hidden = box.checkBox() != nullptr && box.checkBox()->isChecked();

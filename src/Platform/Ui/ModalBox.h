@@ -4,7 +4,9 @@
 
 class QWidget;
 
-/// Shows one message in a modal box owned by a window: title, text, an OK button, no icon. A MessageBoxHandler.
+/// Shows one message in a modal box owned by a window: title, text, details in smaller letters where it has any, an OK
+/// button, no icon. However long they are, the box takes at most 60 % of the screen's free height, and title and button
+/// stay in view; the texts scroll then. They can be selected, and Ctrl+C copies them whole. A MessageBoxHandler.
 class ModalBox
 {
 public:
