@@ -128,7 +128,9 @@ private:
 class Parse
 {
 public:
-    Parse(Source& document, XmlHandler& receiver) : source(document), handler(receiver) {}
+    Parse(Source& document, XmlHandler& receiver) :
+        source(document), handler(receiver), wantsScopes(receiver.wantsScopes())
+    {}
 
     std::optional<IXMLDOMParseError> run();
 
@@ -166,11 +168,13 @@ private:
     void expand(std::size_t bytes);
     void checkBounds(int attributes);
     bool hasRest() const;
+    int line() const { return parser->inputTab[0]->line; } // in the document, not in the text of an entity
     void fail(const char* reason);
     static void stop(void* context);
 
     Source& source;
     XmlHandler& handler;
+    const bool wantsScopes;
     std::unique_ptr<xmlParserCtxt, FreeContext> parser;
     std::optional<IXMLDOMParseError> first;
     std::exception_ptr thrown; // by the handler
@@ -253,7 +257,7 @@ void Parse::onError(void* run, xmlErrorPtr error)
         static_cast<Parse*>(run)->fail(error->message ? error->message : "");
 }
 
-// The first failure is the one that counts. Its place is that in the document, not in the text of an entity.
+// The first failure is the one that counts.
 void Parse::fail(const char* reason)
 {
     if (first)
@@ -261,7 +265,7 @@ void Parse::fail(const char* reason)
     const std::string_view trimmedReason = trimmed(reason);
     first = IXMLDOMParseError{CString(trimmedReason), 0, 0};
     if (parser && parser->inputNr > 0) {
-        first->line = parser->inputTab[0]->line;
+        first->line = line();
         first->linepos = parser->inputTab[0]->col;
     }
 }
@@ -339,8 +343,9 @@ void Parse::guarded(void* context, Call call)
     }
 }
 
-void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar*, int,
-                           const xmlChar**, int attributes, int defaulted, const xmlChar** rows)
+void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
+                           int namespaces, const xmlChar** declarations, int attributes, int defaulted,
+                           const xmlChar** rows)
 {
     Parse& self = of(context);
     if (defaulted != 0) {
@@ -353,6 +358,8 @@ void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* p
     self.checkBounds(attributes);
     ++self.depth;
     self.guarded(context, [&] {
+        if (self.wantsScopes)
+            self.handler.scope({text(uri), declarations, static_cast<std::size_t>(namespaces), self.line()});
         self.handler.startElement({text(local), text(prefix)}, XmlAttributes(rows, attributes));
     });
 }

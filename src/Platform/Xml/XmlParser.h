@@ -35,6 +35,16 @@ private:
     std::size_t count;
 };
 
+/// What a start tag says of namespaces (https://www.w3.org/TR/xml-names/), and where it ends. Texts are interned as
+/// those of names are.
+struct XmlScope
+{
+    const char* uri;                    ///< the namespace of the element; null for none
+    const unsigned char** declarations; ///< prefix (null for the default) and URI, one after the other, `count` times
+    std::size_t count;
+    int line; ///< in the document, from 1
+};
+
 /// What a document holds, in its order. Names are split at their prefix whether that is declared or not; entities are
 /// expanded, and one that is not known is left out. Texts are UTF-8 and valid while the call runs.
 class XmlHandler
@@ -45,6 +55,9 @@ public:
     virtual void startElement(XmlName name, XmlAttributes attributes) = 0;
     virtual void endElement() = 0;
 
+    /// Comes before each startElement(), for a handler that wantsScopes(). Valid while the call runs.
+    virtual void scope(const XmlScope&) {}
+
     /// A piece of character data; one text can come in many.
     virtual void text(std::string_view) {}
     virtual void cdata(std::string_view) {}
@@ -53,6 +66,9 @@ public:
 
     /// False keeps text() and cdata() from being called at all.
     virtual bool wantsText() const { return true; }
+
+    /// True has scope() called.
+    virtual bool wantsScopes() const { return false; }
 };
 
 /// Reads an XML 1.0 document as a stream and hands it to `handler`. Answers nothing when it was well-formed
