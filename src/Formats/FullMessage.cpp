@@ -30,6 +30,7 @@ struct FullMessage::Declaring
     CString path;
     std::vector<bool> enumerations; // those that are declared
     std::vector<bool> tables;
+    Element* first;                       // type
     CString name, description, knownType; // kept for their room
 
     const CString& fullName(std::string_view shortName) { return knownType.assign(path).append(shortName); }
@@ -65,6 +66,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
                         basePath + mainType + "\\",
                         std::vector<bool>(types.enumerations.size()),
                         std::vector<bool>(types.tables.size()),
+                        nullptr,
                         {},
                         {},
                         {}};
@@ -74,6 +76,10 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
             declareEnumeration(declaring, enumeration);
     for (const Index record : order.query())
         declareRecord(declaring, record);
+    // What has no key shares one usage, which stands where the first of it was declared: before the types that the last
+    // of it, a field, must come after. So it is left to a type that comes first anyway.
+    if (declaring.first)
+        addUsage({}, declaring.first, nullptr);
 }
 
 // Settles the main type's name and answers its record, which takes the element's name; a leaf gets one that holds its
@@ -110,10 +116,15 @@ Element* FullMessage::declareType(Declaring& declaring, std::string_view name, s
                                   Element::ElementTypes type)
 {
     declaring.name = name;
+    Element* element;
     if (description.empty())
-        return addElement(name, declaring.path, declaring.name, type, nullptr);
-    declaring.description = description;
-    return addElement(declaring.name, declaring.path, declaring.name, declaring.description, type, nullptr);
+        element = addElement(name, declaring.path, declaring.name, type, nullptr);
+    else
+        element = addElement(declaring.name, declaring.path, declaring.name, declaring.description.assign(description),
+                             type, nullptr);
+    if (!declaring.first)
+        declaring.first = element;
+    return element;
 }
 
 // What its fields refer to is declared before it.
