@@ -24,6 +24,7 @@ constexpr const char* kWords[] = {
     "abstract type",
     "list",
     "union of several kinds",
+    "element that may not occur",
     "name changed",
     "facet",
     "nillable",

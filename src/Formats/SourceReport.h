@@ -42,6 +42,7 @@ public:
         abstractType,
         listType,
         unionOfKinds,
+        elementNotAllowed,
         nameChanged,
         // From here on without places.
         facet,
@@ -61,7 +62,7 @@ public:
     void add(Construct construct, SourcePlace place, std::string_view name);
 
     /// Notes a construct that is only counted.
-    void count(Construct construct) { ++counts[construct]; }
+    void count(Construct construct, std::size_t times = 1) { counts[construct] += times; }
 
     /// The constructs that have places, also those beyond the bound.
     std::size_t queryPlaced() const;

@@ -1,0 +1,268 @@
+#include "Formats/SchemaSet.h"
+
+#include "Formats/SchemaReader.h"
+#include "Utils/XMLDoc.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kMaxCopied = 1'000'000;
+
+std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
+{
+    switch (tag) {
+    case SchemaTag::element:
+        return SchemaSet::element;
+    case SchemaTag::attribute:
+        return SchemaSet::attribute;
+    case SchemaTag::complexType:
+    case SchemaTag::simpleType:
+        return SchemaSet::type;
+    case SchemaTag::group:
+        return SchemaSet::group;
+    case SchemaTag::attributeGroup:
+        return SchemaSet::attributeGroup;
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+CString SchemaSet::load(const CString& fileName)
+{
+    mainFile = fileName;
+    CString error = read(fileName);
+    if (!error.empty() || tree.documents[0].root == 0)
+        return error;
+    if (const auto id = identify(fileName)) {
+        parsed.emplace(*id, 0);
+        entered.emplace(std::pair(*id, tree.documents[0].space), 0);
+    }
+    std::vector<Following> waiting;
+    declareAll(0, waiting);
+    while (!waiting.empty()) {
+        Following& top = waiting.back();
+        if (top.redefine != 0) { // its document, and what that names, has been read
+            for (Index at = tree[top.redefine].firstChild; at != 0; at = tree[at].next)
+                declare(at, true);
+            top.redefine = 0;
+        }
+        const Index reference = tree.firstOf(top.reference, SchemaTag::include, SchemaTag::import, SchemaTag::redefine);
+        if (reference == 0) {
+            waiting.pop_back();
+            continue;
+        }
+        top.reference = tree[reference].next;
+        top.redefine = tree[reference].tag == SchemaTag::redefine ? reference : 0;
+        follow(reference, waiting); // may move `top`
+    }
+    collectMembers();
+    return error;
+}
+
+/// Reads one file into a new document.
+CString SchemaSet::read(const CString& fileName)
+{
+    const auto first = static_cast<Index>(tree.size());
+    SchemaDocument& document = tree.documents.emplace_back();
+    document.folder = folderOf(fileName);
+    document.file = report.addFile(fileName);
+    SchemaReader reader(tree);
+    XmlDocument xml;
+    const bool isRead = xml.streamFile(fileName, reader);
+    if (!isRead) {
+        tree.dropFrom(first);
+        document.root = 0;
+    }
+    document.end = static_cast<Index>(tree.size());
+    const SchemaReader::Counts& counts = reader.queryCounts();
+    report.count(SourceReport::facet, counts.facets);
+    report.count(SourceReport::nillable, counts.nillable);
+    report.count(SourceReport::defaultValue, counts.defaults);
+    report.count(SourceReport::identityConstraint, counts.constraints);
+    return isRead ? CString() : xml.queryParseError();
+}
+
+/// Enters the document that an include, import or redefine names, when that is new in its namespace.
+void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
+{
+    const SchemaNode& node = tree[reference];
+    const SchemaDocument& from = tree.documentOf(reference);
+    if (!node.hasName() && node.tag == SchemaTag::import)
+        return;
+    const NameTable::Id includer = node.tag == SchemaTag::import ? 0 : from.space;
+    const auto file = finder.find(from.folder, localPath(tree.text(node.name)));
+    if (!file)
+        return note(SourceReport::moduleMissing, reference);
+    const auto [known, isNew] = parsed.try_emplace(file->id, static_cast<std::uint32_t>(tree.documents.size()));
+    if (isNew)
+        read(file->name);
+    std::uint32_t document = known->second;
+    if (tree.documents[document].root == 0)
+        return note(SourceReport::moduleUnreadable, reference);
+    const NameTable::Id space = tree.documents[document].hasTarget ? tree.documents[document].space : includer;
+    const auto [place, isFirst] = entered.try_emplace(std::pair(file->id, space), document);
+    if (isFirst) {
+        if (isNew)
+            tree.documents[document].space = space;
+        else
+            place->second = document = copy(document, space);
+        declareAll(document, waiting);
+    }
+    documentsByReference[reference] = place->second;
+}
+
+/// A document without a namespace that is included from two declares two sets of components.
+std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
+{
+    copied += tree.documents[document].end - tree.documents[document].root;
+    if (copied > kMaxCopied)
+        refuse("more than " + std::to_string(kMaxCopied) +
+               " declarations in documents that several namespaces include");
+    return tree.adopt(document, space);
+}
+
+void SchemaSet::declareAll(std::uint32_t document, std::vector<Following>& waiting)
+{
+    const Index first = tree[tree.documents[document].root].firstChild;
+    for (Index at = first; at != 0; at = tree[at].next)
+        declare(at, false);
+    waiting.push_back({document, first, 0});
+}
+
+void SchemaSet::declare(Index component, bool redefines)
+{
+    const auto kind = kindOf(tree[component].tag);
+    if (!kind || !tree[component].hasName())
+        return;
+    const auto [place, isFirst] = symbols[*kind].try_emplace(keyOf(nameOf(component)), component);
+    if (isFirst)
+        return;
+    if (redefines)
+        redefined[component] = std::exchange(place->second, component);
+    else
+        note(SourceReport::declaredTwice, component);
+}
+
+SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
+{
+    const auto found = symbols[kind].find(keyOf(name));
+    if (found == symbols[kind].end())
+        return 0;
+    if (redefined.empty() || !redefined.contains(found->second))
+        return found->second;
+    // The redefinition that `from` stands in, if it is one of this name: there may be a row of them.
+    Index component = from;
+    while (component != 0 && tree[tree[component].parent].tag != SchemaTag::redefine)
+        component = tree[component].parent;
+    const bool isOwnName = component != 0 && kindOf(tree[component].tag) == kind && nameOf(component) == name;
+    const auto earlier = isOwnName ? redefined.find(component) : redefined.end();
+    return earlier == redefined.end() ? found->second : earlier->second;
+}
+
+void SchemaSet::collectMembers()
+{
+    for (const SchemaDocument& document : tree.documents) {
+        if (document.root == 0)
+            continue;
+        for (Index at = tree[document.root].firstChild; at != 0; at = tree[at].next) {
+            if (tree[at].tag != SchemaTag::element || tree[at].list == 0 || find(element, nameOf(at), at) != at)
+                continue;
+            for (const SchemaName head : tree.listOf(at))
+                members[keyOf(head)].push_back(at);
+        }
+    }
+}
+
+const std::vector<SchemaSet::Index>& SchemaSet::membersOf(SchemaName head) const
+{
+    static const std::vector<Index> none;
+    const auto found = members.find(keyOf(head));
+    return found == members.end() ? none : found->second;
+}
+
+std::vector<SchemaSet::Index> SchemaSet::mainComponents() const
+{
+    std::vector<Index> components;
+    bool holdsAny = false;
+    std::unordered_set<Index> met;
+    const auto add = [&](Index first) {
+        for (Index at = first; at != 0; at = tree[at].next) {
+            const auto kind = kindOf(tree[at].tag);
+            if (!tree[at].hasName() || (kind != element && kind != type))
+                continue;
+            holdsAny |= tree[at].tag != SchemaTag::simpleType;
+            const Index holder = find(*kind, nameOf(at), 0);
+            if (met.insert(holder).second)
+                components.push_back(holder);
+        }
+    };
+    const auto addDocument = [&](std::uint32_t document) {
+        const Index first = tree[tree.documents[document].root].firstChild;
+        add(first);
+        for (Index at = first; (at = tree.firstOf(at, SchemaTag::redefine)) != 0; at = tree[at].next)
+            add(tree[at].firstChild);
+    };
+    addDocument(0);
+    if (!holdsAny)
+        for (const std::uint32_t document : includedDocuments())
+            addDocument(document);
+    if (!holdsAny)
+        components.clear();
+    return components;
+}
+
+/// What the main document includes and redefines, and what those do.
+std::vector<std::uint32_t> SchemaSet::includedDocuments() const
+{
+    std::vector<std::uint32_t> documents{0};
+    std::vector<bool> met(tree.documents.size());
+    met[0] = true;
+    for (std::size_t i = 0; i < documents.size(); ++i) {
+        Index at = tree[tree.documents[documents[i]].root].firstChild;
+        for (; (at = tree.firstOf(at, SchemaTag::include, SchemaTag::redefine)) != 0; at = tree[at].next) {
+            const auto included = documentsByReference.find(at);
+            if (included != documentsByReference.end() && !met[included->second]) {
+                met[included->second] = true;
+                documents.push_back(included->second);
+            }
+        }
+    }
+    return documents;
+}
+
+void SchemaSet::note(SourceReport::Construct construct, Index node)
+{
+    notes.push_back({node, construct});
+    if (notes.size() < manyNotes)
+        return;
+    sortNotes();
+    manyNotes = std::max(manyNotes, 2 * notes.size());
+}
+
+void SchemaSet::sortNotes()
+{
+    std::ranges::sort(notes);
+    const auto repeated = std::ranges::unique(notes);
+    notes.erase(repeated.begin(), repeated.end());
+}
+
+void SchemaSet::reportNotes()
+{
+    sortNotes();
+    for (const Note& note : notes) {
+        const SchemaNode& node = tree[note.node];
+        const bool isReference = note.construct == SourceReport::unresolvedReference || !node.hasName();
+        report.add(note.construct, placeOf(note.node), tree.text(isReference ? node.reference.local : node.name));
+    }
+    notes.clear();
+}
+
+void SchemaSet::refuse(const CString& reason) const
+{
+    throw SourceRefusal{mainFile + ": " + reason + "."};
+}

@@ -1,0 +1,205 @@
+#include "Formats/SchemaSimpleTypes.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kMaxConstants = 1'000'000;
+
+// https://www.w3.org/TR/xmlschema-2/#built-in-datatypes, those that are more than text.
+constexpr std::string_view kNumbers[] = {"decimal",
+                                         "integer",
+                                         "long",
+                                         "int",
+                                         "short",
+                                         "byte",
+                                         "double",
+                                         "float",
+                                         "positiveInteger",
+                                         "negativeInteger",
+                                         "unsignedLong",
+                                         "unsignedInt",
+                                         "unsignedShort",
+                                         "unsignedByte",
+                                         "nonNegativeInteger",
+                                         "nonPositiveInteger"};
+constexpr std::string_view kTimes[] = {"dateTime", "date", "time", "dateTimeStamp", "timeInstant"};
+constexpr std::string_view kTexts[] = {"string", "anyType", "anySimpleType", "anyAtomicType"};
+
+template <std::size_t N>
+bool isOneOf(const std::string_view (&names)[N], std::string_view name)
+{
+    return std::find(names, names + N, name) != names + N;
+}
+
+SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
+{
+    return {true, kind};
+}
+
+} // namespace
+
+bool SchemaSimpleTypes::isBuiltIn(SchemaName name, Index declared) const
+{
+    if (!SchemaTree::isSchemaLanguage(name.space))
+        return false;
+    const std::string_view local = tree.text(name.local);
+    // The schema of schemas declares these too.
+    return declared == 0 || isOneOf(kNumbers, local) || isOneOf(kTimes, local) || isOneOf(kTexts, local);
+}
+
+SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from) const
+{
+    const Index declared = set.find(SchemaSet::type, name, from);
+    if (!isBuiltIn(name, declared))
+        return {declared, valueOfKind(SourceTypes::kindText)};
+    const std::string_view local = tree.text(name.local);
+    return {0, valueOfKind(isOneOf(kNumbers, local) ? SourceTypes::kindNumber
+                           : isOneOf(kTimes, local) ? SourceTypes::kindTime
+                                                    : SourceTypes::kindText)};
+}
+
+SchemaSimpleTypes::Value SchemaSimpleTypes::named(SchemaName name, Index from)
+{
+    const Part part = partNamed(name, from);
+    return part.type == 0 ? part.value : of(part.type);
+}
+
+/// The restriction or extension that says what the text of a type is; 0 when none does.
+SchemaSimpleTypes::Index SchemaSimpleTypes::derivationOf(Index type) const
+{
+    if (tree[type].tag == SchemaTag::simpleType)
+        return tree.childOf(type, SchemaTag::restriction);
+    const Index content = tree.childOf(type, SchemaTag::simpleContent);
+    return content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
+}
+
+bool SchemaSimpleTypes::isMixed(Index complexType) const
+{
+    const Index content = tree.childOf(complexType, SchemaTag::complexContent);
+    const bool isSaidThere = content != 0 && tree[content].is(SchemaNode::saysMixed);
+    return tree[isSaidThere ? content : complexType].is(SchemaNode::isMixed);
+}
+
+SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
+{
+    if (tree[type].tag == SchemaTag::complexType && derivationOf(type) == 0)
+        return {isMixed(type)};
+    waiting.assign(1, type);
+    while (!waiting.empty()) {
+        const Index top = waiting.back();
+        const auto [known, isNew] = values.try_emplace(top);
+        collectParts(top);
+        if (isNew) {
+            known->second.firstConstant = kInHand;
+            for (const Part& part : parts)
+                if (part.type != 0 && !values.contains(part.type))
+                    waiting.push_back(part.type);
+        } else {
+            waiting.pop_back();
+            if (known->second.firstConstant == kInHand)
+                known->second = combine(top);
+        }
+    }
+    return values.find(type)->second;
+}
+
+/// What the value of a type is worked out from.
+void SchemaSimpleTypes::collectParts(Index type)
+{
+    parts.clear();
+    if (const Index derivation = derivationOf(type); derivation != 0) {
+        const Index inner = tree.childOf(derivation, SchemaTag::simpleType);
+        if (inner != 0)
+            parts.push_back({inner, {}});
+        else if (tree[derivation].reference.local != 0)
+            parts.push_back(partNamed(tree.referenceOf(derivation), derivation));
+    } else if (const Index all = tree.childOf(type, SchemaTag::unionOf); all != 0) {
+        for (const SchemaName name : tree.listOf(all))
+            parts.push_back(partNamed(name, all));
+        for (Index at = tree[all].firstChild; (at = tree.firstOf(at, SchemaTag::simpleType)) != 0; at = tree[at].next)
+            parts.push_back({at, {}});
+    }
+}
+
+SchemaSimpleTypes::Value SchemaSimpleTypes::valueOf(const Part& part) const
+{
+    if (part.type == 0)
+        return part.value;
+    const auto known = values.find(part.type);
+    if (known == values.end() || known->second.firstConstant == kInHand || !known->second.isThere)
+        return valueOfKind(SourceTypes::kindText);
+    return known->second;
+}
+
+SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
+{
+    Value value = valueOfKind(SourceTypes::kindText);
+    if (const Index derivation = derivationOf(type); derivation != 0)
+        value = narrow(parts.empty() ? value : valueOf(parts.front()), derivation);
+    else if (tree.childOf(type, SchemaTag::unionOf) != 0)
+        value = unite(type);
+    else if (const Index list = tree.childOf(type, SchemaTag::list); list != 0)
+        set.note(SourceReport::listType, type);
+    // Those of the schema language itself are nobody's types.
+    const bool isNamed = tree[type].tag == SchemaTag::simpleType && tree[type].hasName() &&
+                         !SchemaTree::isSchemaLanguage(tree.documentOf(type).space);
+    if (value.kind == SourceTypes::kindEnumeration && isNamed) {
+        value.name = tree[type].name;
+        value.documentation = tree[type].documentation;
+    }
+    return value;
+}
+
+/// The members' kind when they agree.
+SchemaSimpleTypes::Value SchemaSimpleTypes::unite(Index type)
+{
+    Value value = valueOfKind(parts.empty() ? SourceTypes::kindText : valueOf(parts.front()).kind);
+    for (const Part& part : parts)
+        if (valueOf(part).kind != value.kind) {
+            set.note(SourceReport::unionOfKinds, type);
+            return valueOfKind(SourceTypes::kindText);
+        }
+    if (value.kind != SourceTypes::kindEnumeration)
+        return value;
+    value.firstConstant = static_cast<std::uint32_t>(constants.size());
+    ++constantLists;
+    std::unordered_set<std::uint32_t> lists;
+    for (const Part& part : parts) {
+        const Value member = valueOf(part);
+        if (!lists.insert(member.firstConstant).second)
+            continue;
+        for (std::uint32_t i = 0; i < member.constantCount; ++i)
+            addConstant(constants[member.firstConstant + i]);
+    }
+    value.constantCount = static_cast<std::uint32_t>(constants.size()) - value.firstConstant;
+    return value;
+}
+
+/// A restriction of text by a list of values is an enumeration; of anything else it changes nothing.
+SchemaSimpleTypes::Value SchemaSimpleTypes::narrow(Value base, Index restriction)
+{
+    Index at = tree.childOf(restriction, SchemaTag::enumeration);
+    if (at == 0 || (base.kind != SourceTypes::kindText && base.kind != SourceTypes::kindEnumeration))
+        return base;
+    Value value = valueOfKind(SourceTypes::kindEnumeration);
+    value.firstConstant = static_cast<std::uint32_t>(constants.size());
+    ++constantLists;
+    for (; at != 0; at = tree.firstOf(tree[at].next, SchemaTag::enumeration))
+        addConstant(tree[at].name);
+    value.constantCount = static_cast<std::uint32_t>(constants.size()) - value.firstConstant;
+    return value;
+}
+
+/// Adds a constant to the list in hand, once.
+void SchemaSimpleTypes::addConstant(NameTable::Id constant)
+{
+    constantSeen.resize(std::max<std::size_t>(constantSeen.size(), constant + 1));
+    if (std::exchange(constantSeen[constant], constantLists) == constantLists)
+        return;
+    if (constants.size() == kMaxConstants)
+        set.refuse("more than " + std::to_string(kMaxConstants) + " constants");
+    constants.push_back(constant);
+}

@@ -1,0 +1,296 @@
+#include "Formats/SchemaFullMsg.h"
+#include "support/FullTypes.h"
+#include "support/Importing.h"
+
+namespace {
+
+#define ROOT(content) "<element name='r'><complexType>" content "</complexType></element>"
+#define SEQUENCE(content) "<sequence>" content "</sequence>"
+#define TYPE(name, content) "<complexType name='" name "'>" content "</complexType>"
+#define EXTENSION(base, content) "<complexContent><extension base='" base "'>" content "</extension></complexContent>"
+#define RESTRICTION(base, content)                                                                                     \
+    "<complexContent><restriction base='" base "'>" content "</restriction></complexContent>"
+#define LISTED(base, a, b)                                                                                             \
+    "<restriction base='" base "'><enumeration value='" a "'/><enumeration value='" b "'/></restriction>"
+#define SIMPLE(name, content) "<simpleType name='" name "'>" content "</simpleType>"
+
+// The main document declares a target namespace, t, and binds the schema language to no prefix; unless it begins with
+// a tag of its own.
+CString documentOf(const CString& content)
+{
+    if (content.starts_with("<?xml"))
+        return content;
+    return "<schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t' targetNamespace='urn:t' "
+           "elementFormDefault='qualified'>" +
+           content + "</schema>";
+}
+
+CString chameleon(const CString& content)
+{
+    return "<?xml version='1.0'?><x:schema xmlns:x='http://www.w3.org/2001/XMLSchema'>" + content + "</x:schema>";
+}
+
+CString other(const CString& content, const CString& space = "urn:o")
+{
+    return "<?xml version='1.0'?><schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:o='" + space +
+           "' targetNamespace='" + space + "'>" + content + "</schema>";
+}
+
+struct Rule
+{
+    const char* name;
+    CString schema;
+    const char* types;
+    std::vector<std::pair<const char*, CString>> others = {};
+};
+
+const Rule kRules[] = {
+    // What both languages share.
+    {"ALeafIsAFieldOfItsKind",
+     ROOT(SEQUENCE("<element name='a' type='int'/><element name='b' type='date'/><element name='c' type='string'/>"
+                   "<element name='d'/>")),
+     "r(a:Number b:Time c:String d:String)"},
+    {"RepeatedByItsOwnMark",
+     ROOT(SEQUENCE("<element name='a' maxOccurs='2'/><element name='b' maxOccurs='01'/>"
+                   "<element name='c' type='int' maxOccurs='unbounded'/><element name='d' minOccurs='0'/>")),
+     "t_c[Number] t_a[String] r(a:t_a b:String c:t_c d:String)"},
+    {"RepeatedByAGroupAroundIt",
+     ROOT("<sequence maxOccurs='9'><choice><element name='a'/><sequence><element "
+          "name='b'/></sequence></choice></sequence>"),
+     "t_b[String] t_a[String] r(a:t_a b:t_b)"},
+    {"TwiceInASequence", ROOT(SEQUENCE("<element name='a'/><choice><element name='b'/><element name='a'/></choice>")),
+     "t_a[String] r(a:t_a b:String)"},
+    {"OnceInEachAlternativeIsOnce",
+     ROOT("<choice><element name='a'/>" SEQUENCE("<element name='a'/><element name='b'/>")
+              SEQUENCE("<choice><element name='b'/><element name='a'/></choice>") "</choice>"),
+     "r(a:String b:String)"},
+    {"TwiceInOneOfTheAlternatives",
+     ROOT("<choice><element name='a'/>" SEQUENCE(
+         "<element name='b'/><element name='a'/><element name='a'/>") "</choice>"),
+     "t_a[String] r(a:t_a b:String)"},
+    {"AlternativesOfTwoChoicesAddUp",
+     ROOT(SEQUENCE("<choice><element name='a'/><element name='b'/></choice><choice><element name='c'/><element "
+                   "name='a'/></choice>")),
+     "t_a[String] r(a:t_a b:String c:String)"},
+    {"All", ROOT("<all><element name='a'/><element name='b'/></all>"), "r(a:String b:String)"},
+    {"MixedContentIsAValue",
+     "<element name='r'><complexType mixed='true'><sequence><element name='b'/></sequence>"
+     "</complexType></element>",
+     "r(value:String b:String)"},
+    {"ValueGivesWayToAnElement",
+     "<element name='r'><complexType mixed='1'><sequence><element name='value'/></sequence></complexType></element>",
+     "r(value_2:String value:String)"},
+    {"AttributeGivesWayToAnElement",
+     ROOT(SEQUENCE("<element name='a'/>") "<attribute name='a' type='int'/><attribute name='b'/>"),
+     "r(a:String r_a:Number b:String)"},
+    {"RecordHoldsItself",
+     "<element name='r' type='t:S'/>" TYPE("S", SEQUENCE("<element name='s' type='t:S' maxOccurs='2'/>")),
+     "t_s[r] r(s:t_s)"},
+    {"TakenNamesGetTheirRecordsName",
+     ROOT(SEQUENCE("<element name='r'><complexType><attribute name='k'><simpleType>" LISTED(
+         "string", "x", "y") "</simpleType></attribute></complexType></element>"
+                             "<element name='q'><complexType><attribute name='k'><simpleType>" LISTED(
+                                 "string", "x", "z") "</simpleType></attribute></complexType></element>")),
+     "q_k{x|z} k{x|y} r_r(k:k) q(k:q_k) r(r:r_r q:q)"},
+    {"MainElementReachesTheMost",
+     "<element name='a' type='string'/><element name='s' type='t:S'/><element name='b' abstract='true'><complexType>"
+     "<sequence><element name='r' type='t:R'/></sequence></complexType></element><element name='r' type='t:R'/>" TYPE(
+         "R", SEQUENCE("<element ref='t:s'/>")) TYPE("S", SEQUENCE("<element name='x'/>")),
+     "S(x:String) r(s:S) b(r:r)"},
+    {"MainElementThatIsALeaf", "<element name='a' type='int'/><element name='b'/>", "a(value:Number)"},
+    // Names and documents.
+    {"AnyPrefix",
+     "<?xml version='1.0'?><z:schema xmlns:z='http://www.w3.org/2000/10/XMLSchema' xmlns='urn:t' "
+     "targetNamespace='urn:t'>"
+     "<z:element name='r' type='T'/><z:complexType name='T'><z:all><z:element name='a' type='z:int'/>"
+     "<z:element name='b' xmlns:y='http://www.w3.org/1999/XMLSchema' "
+     "type='y:long'/></z:all></z:complexType></z:schema>",
+     "r(a:Number b:Number)"},
+    {"ForeignMarkupIsNoSchema",
+     ROOT(SEQUENCE("<x:element xmlns:x='urn:x' name='lost'><element name='lost'/></x:element><annotation><appinfo>"
+                   "<element name='lost'/></appinfo></annotation><element name='a'/>")),
+     "r(a:String)"},
+    {"IncludedInARing",
+     "<include schemaLocation='b.xsd'/><element name='r' type='t:B'/>" TYPE("A", SEQUENCE("<element name='x'/>")),
+     "A(x:String) r(a:A)",
+     {{"b.xsd",
+       documentOf("<include schemaLocation='x.xsd'/>" TYPE("B", SEQUENCE("<element name='a' type='t:A'/>")))}}},
+    {"ChameleonTakesTheNamespaceOfEachIncluder",
+     "<include schemaLocation='c.xsd'/><import namespace='urn:o' schemaLocation='o.xsd'/>" ROOT(
+         SEQUENCE("<element name='a' type='t:C'/><element xmlns:o='urn:o' ref='o:e'/>")),
+     "C_2(d:String) C(d:String) r(a:C e:C_2)",
+     {{"c.xsd", chameleon("<x:complexType name='C'><x:all><x:element name='d' type='D'/></x:all></x:complexType>"
+                          "<x:simpleType name='D'><x:restriction base='x:string'/></x:simpleType>")},
+      {"o.xsd", other("<include schemaLocation='c.xsd'/><element name='e' type='o:C'/>")}}},
+    {"ImportedWithoutANamespace", "<import schemaLocation='c.xsd'/>" ROOT(SEQUENCE("<element xmlns:u='' ref='e'/>")),
+     "r(e:String)"},
+    {"RedefinitionExtendsWhatItRedefines",
+     "<redefine schemaLocation='m.xsd'>" TYPE(
+         "P", EXTENSION("t:P", SEQUENCE("<element name='c'/>"))) "</redefine>"
+                                                                 "<element name='r' type='t:P'/>",
+     "r(a:String b:String c:String)",
+     {{"m.xsd", documentOf("<redefine schemaLocation='n.xsd'>" TYPE(
+                    "P", EXTENSION("t:P", SEQUENCE("<element name='b'/>"))) "</redefine>")},
+      {"n.xsd", documentOf(TYPE("P", SEQUENCE("<element name='a'/>")))}}},
+    {"RedefinedGroupHoldsWhatItRedefines",
+     "<redefine schemaLocation='m.xsd'><group name='g'><sequence><group ref='t:g'/><element "
+     "name='b'/></sequence></group>"
+     "</redefine>" ROOT("<group ref='t:g'/>"),
+     "r(a:String b:String)",
+     {{"m.xsd", documentOf("<group name='g'><sequence><element name='a'/></sequence></group>")}}},
+    {"WhatTheMainDocumentDeclaresAndAllThatItReaches",
+     "<import namespace='urn:o' schemaLocation='o.xsd'/>" ROOT(
+         SEQUENCE("<element xmlns:o='urn:o' name='u' type='o:Used'/>")) TYPE("Own", SEQUENCE("<element name='x'/>"))
+         SIMPLE("Kind", LISTED("string", "k", "l")),
+     "Own(x:String) Used(x:String) Kind{k|l} r(u:Used)",
+     {{"o.xsd", other(TYPE("Used", SEQUENCE("<element name='x'/>")) TYPE("Lost", SEQUENCE("<element name='y'/>")))}}},
+    {"IncludedDocumentsStandInForAMainDocumentWithoutTypes",
+     "<include schemaLocation='b.xsd'/><import namespace='urn:o' schemaLocation='o.xsd'/>",
+     "r(x:String)",
+     {{"b.xsd", documentOf(ROOT(SEQUENCE("<element name='x'/>")))},
+      {"o.xsd", other(TYPE("Lost", SEQUENCE("<element name='y'/>")))}}},
+    // Derived types.
+    {"ExtensionHasTheFieldsOfItsBaseFirst",
+     "<element name='r' type='t:D'/>" TYPE(
+         "D", EXTENSION("t:B", SEQUENCE("<element name='c'/><element name='a'/>") "<attribute name='y'/>"))
+         TYPE("B", SEQUENCE("<element name='a'/><element name='b'/>") "<attribute name='x'/>"),
+     "B(a:String b:String x:String) t_a[String] r(a:t_a b:String c:String x:String y:String)"},
+    {"RestrictionHasItsOwnElementsAndTheBasesAttributes",
+     "<element name='r' type='t:D'/>" TYPE(
+         "D", RESTRICTION("t:B",
+                          SEQUENCE("<element name='a' type='int'/>") "<attribute name='y' use='prohibited'/><attribute "
+                                                                     "name='z' type='int'/>"))
+         TYPE("B", SEQUENCE("<element name='a'/><element name='b'/>") "<attribute name='x'/><attribute "
+                                                                      "name='y'/><attribute name='z'/>"),
+     "B(a:String b:String x:String y:String z:String) r(a:Number x:String z:Number)"},
+    {"SimpleContent",
+     "<element name='r' type='t:D'/>" TYPE("D", "<simpleContent><extension base='t:B'><attribute name='b'/></extension>"
+                                                "</simpleContent>")
+         TYPE("B", "<simpleContent><extension base='decimal'><attribute name='a'/></extension></simpleContent>"),
+     "r(value:Number a:String b:String) B(value:Number a:String)"},
+    {"TypeExtendsItself",
+     "<element name='r' type='t:A'/>" TYPE("A", EXTENSION("t:B", SEQUENCE("<element name='a'/>")))
+         TYPE("B", EXTENSION("t:A", SEQUENCE("<element name='b'/>"))),
+     "B(b:String) r(b:String a:String)"},
+    {"GroupInPlaceAndInsideItselfOnce",
+     ROOT(SEQUENCE(
+         "<element name='a'/><group ref='t:g' maxOccurs='2'/>")) "<group name='g'><sequence><element name='b'/><group "
+                                                                 "ref='t:h'/></sequence></group>"
+                                                                 "<group name='h'><choice><element name='c'/><group "
+                                                                 "ref='t:g'/></choice></group>",
+     "t_c[String] t_b[String] r(a:String b:t_b c:t_c)"},
+    {"GroupTwiceInASequence",
+     ROOT(SEQUENCE("<group ref='t:g'/><group ref='t:g'/>")) "<group name='g'><choice><element name='a'/><element "
+                                                            "name='b'/></choice></group>",
+     "t_b[String] t_a[String] r(a:t_a b:t_b)"},
+    {"AttributeGroup",
+     ROOT("<attributeGroup ref='t:g'/><attribute ref='t:c'/><attribute ref='xml:lang'/>") "<attributeGroup "
+                                                                                          "name='g'><attribute "
+                                                                                          "name='a'/><attributeGroup "
+                                                                                          "ref='t:h'/></attributeGroup>"
+                                                                                          "<attributeGroup "
+                                                                                          "name='h'><attribute "
+                                                                                          "name='b'/><attributeGroup "
+                                                                                          "ref='t:g'/></attributeGroup>"
+                                                                                          "<attribute name='c' "
+                                                                                          "type='int'/>",
+     "r(a:String b:String c:Number lang:String)"},
+    {"ReferenceIsTheDeclarationItNames",
+     ROOT(SEQUENCE(
+         "<element ref='t:a'/><element ref='t:none'/><element ref='nobody:b'/>")) "<element name='a' type='int'/>",
+     "r(a:Number none:String b:String)"},
+    {"MembersOfASubstitutionGroupStandBesideItsHead",
+     ROOT(SEQUENCE(
+         "<element ref='t:shape' maxOccurs='2'/><element ref='t:head'/>")) "<element name='shape' "
+                                                                           "abstract='true'/><element name='circle' "
+                                                                           "type='int' substitutionGroup='t:shape'/>"
+                                                                           "<element name='round' abstract='1' "
+                                                                           "substitutionGroup='t:circle'/>"
+                                                                           "<element name='square' "
+                                                                           "substitutionGroup='t:round'/><element "
+                                                                           "name='head' type='date'/>"
+                                                                           "<element name='member' "
+                                                                           "substitutionGroup='t:head'/>",
+     "t_square[Number] t_circle[Number] r(circle:t_circle square:t_square head:Time member:Time)"},
+    {"OneRecordForEachType",
+     ROOT(SEQUENCE("<element name='a' type='t:T'/><element name='b' type='t:T' maxOccurs='2'/>"
+                   "<element name='c'><complexType><attribute name='d'/></complexType></element>"))
+         TYPE("T", SEQUENCE("<element name='x'/>")),
+     "c(d:String) T(x:String) t_b[T] r(a:T b:t_b c:c)"},
+    {"TypeWithoutFieldsIsText", ROOT(SEQUENCE("<element name='a' type='t:E'/>")) TYPE("E", ""), "r(a:String)"},
+    {"SecondNamespacesNameGetsANumber",
+     "<import namespace='urn:o' schemaLocation='o.xsd'/>" ROOT(
+         SEQUENCE("<element name='e'/><element xmlns:o='urn:o' ref='o:e'/><element name='e' form='unqualified'/>")),
+     "r(e:String e_2:Number e_3:String)",
+     {{"o.xsd", other("<element name='e' type='int'/>")}}},
+    // Simple types.
+    {"BuiltInTypes",
+     ROOT("<attribute name='a' type='positiveInteger'/><attribute name='b' type='float'/><attribute name='c' "
+          "type='dateTime'/>"
+          "<attribute name='d' type='time'/><attribute name='e' type='boolean'/><attribute name='f' type='gYear'/>"
+          "<attribute name='g' type='duration'/><attribute name='h' type='unheard'/>"),
+     "r(a:Number b:Number c:Time d:Time e:String f:String g:String h:String)"},
+    {"EnumerationOverTextKeepsItsConstantsAsWritten",
+     ROOT("<attribute name='a' type='t:E'/><attribute name='b' type='t:N'/><attribute name='c' type='t:F'/>")
+         SIMPLE("E", LISTED("token", " b c", "")) SIMPLE("N", LISTED("int", "1", "2"))
+             SIMPLE("F", "<restriction base='t:E'><maxLength value='9'/></restriction>"),
+     "F{ b c|} E{ b c|} r(a:E b:Number c:F)"},
+    {"NamedEnumerationIsOneTypeAnAnonymousOneTheFields",
+     ROOT("<attribute name='a' type='t:E'/><attribute name='b' type='t:E'/><attribute name='c'><simpleType>" LISTED(
+         "t:E", "x", "x") "</simpleType></attribute>") SIMPLE("E", LISTED("string", "x", "y")),
+     "c{x} E{x|y} r(a:E b:E c:c)"},
+    {"Union",
+     ROOT("<attribute name='a' type='t:U'/><attribute name='b' type='t:N'/><attribute name='c' type='t:M'/>")
+         SIMPLE("U", "<union memberTypes='t:E t:U'><simpleType>" LISTED("string", "y", "z") "</simpleType></union>")
+             SIMPLE("N", "<union memberTypes='int long'/>") SIMPLE("M", "<union memberTypes='int t:E'/>")
+                 SIMPLE("E", LISTED("string", "x", "y")),
+     "r(a:String b:Number c:String) E{x|y}"},
+    {"UnionOfEnumerationsHasAllConstants",
+     ROOT("<attribute name='a' type='t:U'/>")
+         SIMPLE("U", "<union memberTypes='t:E'><simpleType>" LISTED("string", "y", "z") "</simpleType></union>")
+             SIMPLE("E", LISTED("string", "x", "y")),
+     "E{x|y} U{x|y|z} r(a:U)"},
+    {"ListIsText", ROOT("<attribute name='a'><simpleType><list itemType='int'/></simpleType></attribute>"),
+     "r(a:String)"},
+    {"SimpleContentOfAnEnumeration",
+     ROOT("<simpleContent><restriction base='t:B'><enumeration value='x'/></restriction></simpleContent>")
+         TYPE("B", "<simpleContent><extension base='string'><attribute name='a'/></extension></simpleContent>"),
+     "B(value:String a:String) value{x} r(value:value a:String)"},
+    {"WhatMayNotOccurIsNoField",
+     ROOT(SEQUENCE("<element name='a' maxOccurs='0'/><sequence maxOccurs='00'><element name='b'/></sequence><any/>"
+                   "<element name='c'/>") "<anyAttribute/>"),
+     "r(c:String)"},
+    {"SchemaOfSchemas",
+     "<?xml version='1.0'?><s:schema xmlns:s='http://www.w3.org/2001/XMLSchema' "
+     "targetNamespace='http://www.w3.org/2001/XMLSchema'>"
+     "<s:element name='r' type='s:all'/><s:complexType name='all'><s:attribute name='n' type='s:int'/><s:attribute "
+     "name='f'"
+     " type='s:form'/></s:complexType><s:simpleType name='int'><s:restriction "
+     "base='s:string'/></s:simpleType><s:simpleType"
+     " name='form'><s:restriction base='s:NMTOKEN'><s:enumeration "
+     "value='q'/></s:restriction></s:simpleType></s:schema>",
+     "f{q} r(n:Number f:f)"},
+};
+
+class SchemaFull : public Importing<SchemaFullMessage>
+{
+protected:
+    CString typesOfSchema(const CString& schema)
+    {
+        EXPECT_EQ(message.parseFile(folder.write("x.xsd", documentOf(schema)), "\\b\\"), 1);
+        return fullTypesOf(message);
+    }
+};
+class SchemaRule : public SchemaFull, public testing::WithParamInterface<Rule>
+{};
+
+TEST_P(SchemaRule, GivesTypes)
+{
+    for (const auto& [name, content] : GetParam().others)
+        folder.write(name, content);
+    EXPECT_EQ(typesOfSchema(GetParam().schema), GetParam().types);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, SchemaRule, testing::ValuesIn(kRules), [](const auto& row) { return row.param.name; });
+
+} // namespace

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Formats/FullMessage.h"
+
+/// The types of an import in full, in their order: "record(field:type ...)", "enumeration{constant|...}" and
+/// "table[component]". Types of the import's own folder are shown by their short names.
+inline CString fullTypesOf(MsgBase& message)
+{
+    const auto known = [](const Element& element) {
+        const CString type = element.queryKnownType();
+        return type.starts_with(element.queryPath()) ? type.substr(element.queryPath().size()) : type;
+    };
+    CString text;
+    message.beginEnum();
+    while (const Element* type = message.enumNext()) {
+        const bool isEnumeration = type->queryType() == Element::typeEnum;
+        text += (text.empty() ? "" : " ") + type->queryName();
+        if (type->queryType() == Element::typeTable) {
+            text += "[" + known(*type) + "]";
+            continue;
+        }
+        CString children;
+        for (const Element* child : type->queryChildren())
+            children += (children.empty() ? ""
+                         : isEnumeration  ? "|"
+                                          : " ") +
+                        child->queryName() + (isEnumeration ? "" : ":" + known(*child));
+        text += isEnumeration ? "{" + children + "}" : "(" + children + ")";
+    }
+    return text;
+}
+
+/// The report of an import as it is written, without the folder that its files lie in.
+inline CString reportOf(const FullMessage& message, const CString& folder)
+{
+    CString text;
+    message.queryReport().write([&text](std::string_view piece) { text += piece; });
+    for (std::size_t at; (at = text.find(folder)) != CString::npos;)
+        text.erase(at, folder.size());
+    return text;
+}
