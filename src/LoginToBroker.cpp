@@ -152,7 +152,7 @@ LRESULT LoginToBroker::OnWizardNext()
     BrokerSession session;
     const BrokerAccount account{user, password};
     if (const CString failure = session.open(server, port, logonSel == 0 ? nullptr : &account); !failure.empty())
-        return stay(failure);
+        return stay(failure, session.queryDescription());
     createTypes(session);
     return IDD_CREATE_RESULT;
 }

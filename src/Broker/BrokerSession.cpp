@@ -25,7 +25,8 @@ BrokerSession::~BrokerSession()
 CString BrokerSession::open(const CString& serverName, unsigned port, const BrokerAccount* account)
 {
     const MemoryWipe wipe;
-    server = createVornObject(kVornServerClass);
+    description.clear();
+    server = createVornObject(kVornServerClass, &description);
     if (!server)
         return loadText(IDS_NO_CLIENT);
     const CString failure = logOn(formatText("%s:%u", serverName.c_str(), port), account);
@@ -58,8 +59,10 @@ CString BrokerSession::openRepository()
     repository = own(opened, connection);
     if (result == VornResult::clientError)
         return fillText(loadText(IDS_REPOSITORY_ERROR), connection->queryDescription());
-    if (result != VornResult::done)
+    if (result != VornResult::done) {
+        describe(*connection);
         return loadText(IDS_GENERIC_ERROR);
+    }
     return repository ? "" : loadText(IDS_NO_REPOSITORY);
 }
 

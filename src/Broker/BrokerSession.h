@@ -31,7 +31,8 @@ public:
     /// Answers "", or the text for the error box.
     CString open(const CString& server, unsigned port, const BrokerAccount* account);
 
-    /// The client's own words on why open() failed, for whom the text for the error box tells too little; may be empty.
+    /// Why open() failed, for whom the text for the error box tells too little: the client's own words, or the system's
+    /// where there is no client. "" where they are in the text, and where there are none.
     const CString& queryDescription() const { return description; }
 
     /// Creates one type and answers the client's result code. Raises ClientError.

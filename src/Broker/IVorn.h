@@ -28,7 +28,7 @@ public:
     /// Ends the object's life.
     virtual void Release() noexcept = 0;
 
-    /// The description of the object's last client error, "" where there was none. Valid until the next operation.
+    /// The description of the object's last operation where it failed, "" where it has none. Valid until the next one.
     virtual const char* queryDescription() const noexcept = 0;
 
 protected:

@@ -45,14 +45,24 @@ Function* findFunction(const std::shared_ptr<void>& library, const char* name)
 
 } // namespace
 
-VornObject<IVornIntegrationServer> createVornObject(const CString& classId)
+VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString* reason)
 {
-    std::shared_ptr<void> library = openLibrary(libraryOf(classId));
-    if (!library)
+    CString ignored;
+    CString& why = reason != nullptr ? *reason : ignored;
+    const CString fileName = libraryOf(classId);
+    std::shared_ptr<void> library = openLibrary(fileName);
+    if (!library) {
+        why = dlerror();
         return {};
+    }
     const auto version = findFunction<decltype(vornInterfaceVersion)>(library, "vornInterfaceVersion");
     const auto create = findFunction<decltype(vornCreateObject)>(library, "vornCreateObject");
-    if (!version || !create || version() != kVornInterfaceVersion)
+    if (!version || !create || version() != kVornInterfaceVersion) {
+        why = fileName + ": not a client with interfaces of version " + std::to_string(kVornInterfaceVersion);
         return {};
-    return {create(classId.c_str()), VornRelease{std::move(library)}};
+    }
+    VornObject<IVornIntegrationServer> object{create(classId.c_str()), VornRelease{std::move(library)}};
+    if (!object)
+        why = fileName + ": no class " + classId;
+    return object;
 }

@@ -23,5 +23,6 @@ using VornObject = std::unique_ptr<Interface, VornRelease>;
 
 /// Creates the object of a class: out of the library that the settings name under the class
 /// (SOFTWARE\Classes\CLSID\{...}\InprocServer32), else out of the client that comes with the program. Null when there
-/// is no such library, its interfaces are of another version, or it doesn't know the class.
-VornObject<IVornIntegrationServer> createVornObject(const CString& classId);
+/// is no such library, its interfaces are of another version, or it doesn't know the class; `reason` then says which,
+/// for people who set up clients.
+VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString* reason = nullptr);

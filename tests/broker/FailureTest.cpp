@@ -18,7 +18,9 @@ TEST_F(Client, IsLoadedOnlyWithTheRightInterfaces)
     for (const CString& library : {CString(TEST_BUILD_DIR "/libtestclient2.so"), home.path("none.so"),
                                    home.write("text.so", "no library"), CString("libodbc.so.2")}) {
         useClient(library);
-        EXPECT_EQ(kNotAvailable, BrokerSession().open("local", 1, nullptr)) << library;
+        BrokerSession session;
+        EXPECT_EQ(kNotAvailable, session.open("local", 1, nullptr));
+        EXPECT_NE(CString::npos, session.queryDescription().find(library)) << session.queryDescription();
     }
     useClient(kTestClient);
     EXPECT_FALSE(createVornObject("{00000000-0000-0000-0000-000000000000}"));
@@ -87,6 +89,7 @@ TEST_F(Postgres, FailsInItsOwnWords)
     execute("CREATE DATABASE typeforge", "postgres");
     execute("CREATE ROLE guest LOGIN PASSWORD 'guest'");
     EXPECT_EQ(kLoginFailed, open(session, server.user, "wrong"));
+    EXPECT_NE(CString::npos, session.queryDescription().find("password authentication failed"));
     EXPECT_EQ(kLoginFailed, open(session, "nobody", server.password));
     EXPECT_EQ(kLoginFailed, session.open("127.0.0.1", static_cast<unsigned>(server.port), nullptr));
     EXPECT_EQ(kNoConnection, session.open("127.0.0.1", static_cast<unsigned>(freePort()), nullptr));

@@ -158,6 +158,7 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
     }
     desk.click("back");
     EXPECT_EQ(desk.page(), IDD_OUTPUT);
+    EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), IDC_TO_BROKER); // what was chosen before
 }
 
 TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)

@@ -32,6 +32,8 @@ TEST(ImporterPage, ListsTheImportersAndTakesTheBasePath)
         EXPECT_EQ(list.cell(i, 0) + ": " + list.cell(i, 1), g_amud[i]->getName() + ": " + g_amud[i]->getDescription());
     EXPECT_EQ(g_amud[list.rowCount()], nullptr);
     EXPECT_EQ(list.selectedRow(), 0);
+    const int width = list.contentsRect().width();
+    EXPECT_EQ(std::pair(list.columnWidth(0), list.columnWidth(1)), std::pair(width * 30 / 100, width * 65 / 100));
     for (const auto& [typed, path] :
          {std::pair{"\\sys\\my", "\\sys\\my\\"}, {"\\sys\\my\\", "\\sys\\my\\"}, {"", "\\"}}) {
         EXPECT_EQ(desk.text(IDC_OBJECT_PATH), "\\sys\\rosettanet\\");
@@ -55,8 +57,10 @@ TEST(ImporterPage, KeepsTheImporterWithTheRow)
     EXPECT_NE(desk.wizard().message, nullptr);
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, beside);
     EXPECT_EQ(desk.wizard().message, nullptr);
-    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, row);
-    EXPECT_NE(desk.wizard().message, nullptr);
+    for (const auto& [button, other] : {std::pair(Qt::RightButton, 1), {Qt::MiddleButton, 2}, {Qt::LeftButton, 0}}) {
+        QTest::mouseClick(list.viewport(), button, {}, list.visualRect(list.model()->index(other, 0)).center());
+        EXPECT_EQ(desk.wizard().message->queryDescriptor(), g_amud[other]);
+    }
     QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, row);
     EXPECT_EQ(desk.page(), IDD_SOURCE);
 }

@@ -37,7 +37,6 @@ protected:
         }
     }
 
-private:
     void describe(const char* text) noexcept
     {
         try {
@@ -47,6 +46,7 @@ private:
         }
     }
 
+private:
     CString description;
 };
 
@@ -129,9 +129,10 @@ private:
             if (!database->Open(address->connectString(), CDatabase::readWrite, address->isLocal() ? CString() : logon))
                 throw std::runtime_error("The ODBC driver manager is not available");
         } catch (const CDBException& error) {
-            if (error.isLogonRefused())
-                return VornResult::failed;
-            throw;
+            if (!error.isLogonRefused())
+                throw;
+            describe(error.what());
+            return VornResult::failed;
         }
         *connection = new Connection(std::move(database));
         return VornResult::done;

@@ -11,7 +11,8 @@ QString filterRows(const std::vector<FileFilter>& filters)
 {
     QStringList rows;
     for (const FileFilter& filter : filters) {
-        const QStringList patterns = toUi(filter.patterns).split(';');
+        QStringList patterns = toUi(filter.patterns).split(';');
+        patterns.replaceInStrings("*.*", "*"); // which the dialog takes to the letter: a name may have no dot
         QStringList both = patterns;
         for (const QString& pattern : patterns)
             both.append(pattern.toLower());

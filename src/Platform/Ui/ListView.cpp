@@ -49,6 +49,7 @@ ListView::ListView(std::vector<Column> listColumns, const CString& accessibleNam
     setModel(rows);
     setAccessibleName(toUi(accessibleName));
     setRootIsDecorated(false);
+    header()->setStretchLastSection(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
     setSelectionBehavior(SelectRows);
@@ -93,13 +94,17 @@ void ListView::resizeEvent(QResizeEvent* event)
 {
     QTreeView::resizeEvent(event);
     const int width = contentsRect().width();
-    for (std::size_t i = 0; i < columns.size(); ++i)
-        header()->resizeSection(static_cast<int>(i), width * columns[i].percent / 100);
+    int rest = viewport()->width();
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const int share =
+            std::min(rest, width * columns[i].percent / 100); // no wider than a scroll bar leaves room for
+        header()->resizeSection(static_cast<int>(i), share);
+        rest -= share;
+    }
 }
 
 void ListView::mousePressEvent(QMouseEvent* event)
 {
-    const QScopedValueRollback<bool> own(byUser, false); // told on release
     if (!indexAt(event->pos()).isValid())
         clearSelection();
     QTreeView::mousePressEvent(event);
@@ -108,7 +113,7 @@ void ListView::mousePressEvent(QMouseEvent* event)
 void ListView::mouseReleaseEvent(QMouseEvent* event)
 {
     QTreeView::mouseReleaseEvent(event);
-    if (event->button() == Qt::LeftButton && isVisible()) // a double click may have led to another page
+    if (isVisible()) // a double click may have led to another page
         Q_EMIT chosen();
 }
 

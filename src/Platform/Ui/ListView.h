@@ -7,9 +7,9 @@
 #include <functional>
 #include <vector>
 
-/// A list of rows with columns under a header, each as wide as it says in per cent of the list, the last one taking
-/// what is left. Cells are asked for when they are seen, so a list of any length is there at once. One row can be
-/// selected, unless setSelectionMode() says otherwise; a selected row is selected over its whole width.
+/// A list of rows with columns under a header, each as wide as it says in per cent of the list, or less where a
+/// scroll bar takes from it. Cells are asked for when they are seen, so a list of any length is there at once. One row
+/// can be selected, unless setSelectionMode() says otherwise; a selected row is selected over its whole width.
 class ListView : public QTreeView
 {
     Q_OBJECT
@@ -40,7 +40,8 @@ public:
     void selectRow(int row);
 
 Q_SIGNALS:
-    /// The user has clicked in the list, on a row or beside (which leaves none selected), or chosen a row by keyboard.
+    /// The selection has changed, by whatever the user did, or he has clicked in the list, with any button, on a row or
+    /// beside (which leaves none selected).
     void chosen();
 
 protected:

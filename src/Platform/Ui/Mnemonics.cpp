@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QGroupBox>
 #include <QLabel>
+#include <QRadioButton>
 
 namespace {
 
@@ -54,6 +55,14 @@ void setTextWithMnemonic(QAbstractButton& button, const QString& text, QString& 
         return;
     }
     button.setText(plain);
+}
+
+void leadTabToChosenButtons(const QWidget* page)
+{
+    for (const auto* chosen : page->findChildren<QRadioButton*>())
+        if (chosen->isChecked())
+            for (auto* button : chosen->parent()->findChildren<QRadioButton*>(Qt::FindDirectChildrenOnly))
+                button->setFocusPolicy(button == chosen ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 QWidget* firstTabStop(const QWidget* page)

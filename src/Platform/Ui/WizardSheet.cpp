@@ -14,6 +14,7 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QStackedWidget>
+#include <QStyle>
 
 #include <algorithm>
 #include <utility>
@@ -182,6 +183,7 @@ void WizardSheet::activate(int index)
         OnPageError(error);
     }
     settleMnemonics();
+    leadTabToChosenButtons(page);
     QWidget* first = firstTabStop(page);
     (first != nullptr ? first : finishButton->isHidden() ? nextButton : finishButton)->setFocus();
 }
@@ -200,7 +202,8 @@ void WizardSheet::setVisible(bool visible)
     if (visible && !started) {
         started = true;
         activate(static_cast<int>(startPage));
-        resize(sizeHint().boundedTo(screen()->availableSize()));
+        const QSize frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight));
+        resize(sizeHint().boundedTo(screen()->availableSize() - frame));
     }
     QDialog::setVisible(visible);
 }
