@@ -99,6 +99,17 @@ public:
     /// Replaces `out` with the type as one BROKERTYPEDESCRIPTION document. An array without a size gets the size "5".
     void asXML(CString& out);
 
+    /// False for the children of a record that its document has no field for: enumerations and arrays.
+    bool isField() const { return type != typeEnum && type != typeArray; }
+
+    /// What the document of `record` says of this child as its field. Description and type may lie in `room`.
+    const CString& queryFieldName() const { return type == typeTable ? queryBaseName() : name; }
+    std::string_view queryFieldDescription(CString& room) const;
+    std::string_view queryFieldType(const Element& record, CString& room) const;
+
+    /// The type that a table or an array holds, as its document names it.
+    CString queryComponentType() const;
+
     /// True for the kinds that are written as documents of their own, 0 to 3.
     bool isTypeOfItsOwn() const { return type >= typeEnum && type <= typeTable; }
 
@@ -115,8 +126,6 @@ private:
     void setName(const CString& newName);
     void setDescription(const CString& newDescription);
     void describeByName() { isDescribedByName = true; }
-    CString componentType() const;
-    std::string_view fieldType() const; // of a field kind
 
     // An import has very many elements. So what most of them don't have costs a pointer, the description that nearly
     // all of them have, the generated one of their name, is made when it is asked for, and what every pass looks at

@@ -5,37 +5,24 @@
 
 namespace {
 
-// The texts in hand, kept for their room.
-struct Scratch
+std::string_view generated(std::string_view name, CString& room)
 {
-    XmlText text;
-    CString description;
-    CString type;
-
-    std::string_view generated(std::string_view name)
-    {
-        static const char* const format = loadText(IDS_AUTOMATIC);
-        fillText(description, format, name);
-        return description;
-    }
-
-    std::string_view fullName(std::string_view path, std::string_view name)
-    {
-        type.assign(path).append(name);
-        return type;
-    }
-};
+    static const char* const format = loadText(IDS_AUTOMATIC);
+    fillText(room, format, name);
+    return room;
+}
 
 } // namespace
 
 void Element::asXML(CString& out)
 {
-    static thread_local Scratch scratch; // an import asks for very many types in a row
+    static thread_local XmlText text; // an import asks for very many types in a row: kept for their room
+    static thread_local CString description, fieldType;
     const auto describe = [](const Element& element) {
-        return element.isDescribedByName ? scratch.generated(element.name)
+        return element.isDescribedByName ? generated(element.name, description)
                                          : std::string_view(element.queryDescription());
     };
-    BrokerTypeDescription builder(name, describe(*this), *path, scratch.text);
+    BrokerTypeDescription builder(name, describe(*this), *path, text);
     switch (type) {
     case typeEnum:
         builder.addEnum();
@@ -45,23 +32,18 @@ void Element::asXML(CString& out)
     case typeArray:
         if (querySize().empty())
             setSize("5");
-        builder.addArray(querySize(), componentType());
+        builder.addArray(querySize(), queryComponentType());
         break;
     case typeRow:
         builder.addRow();
         prefetch(children);
-        for (const Element* child : children) {
-            if (child->type == typeTable)
-                builder.addField(child->queryBaseName(), scratch.generated(child->queryBaseName()),
-                                 scratch.fullName(*path, child->name));
-            else if (child->type == typeRow)
-                builder.addField(child->name, describe(*child), scratch.fullName(*path, child->queryBaseName()));
-            else if (child->type != typeEnum && child->type != typeArray)
-                builder.addField(child->name, describe(*child), child->fieldType());
-        }
+        for (const Element* child : children)
+            if (child->isField())
+                builder.addField(child->queryFieldName(), child->queryFieldDescription(description),
+                                 child->queryFieldType(*this, fieldType));
         break;
     case typeTable:
-        builder.addTable(componentType());
+        builder.addTable(queryComponentType());
         break;
     default:
         break;
@@ -69,14 +51,25 @@ void Element::asXML(CString& out)
     builder.queryXML(out);
 }
 
-CString Element::componentType() const
+CString Element::queryComponentType() const
 {
     return knownType.empty() ? *path + queryBaseName() : knownType;
 }
 
-std::string_view Element::fieldType() const
+std::string_view Element::queryFieldDescription(CString& room) const
+{
+    if (type == typeTable || isDescribedByName)
+        return generated(queryFieldName(), room);
+    return queryDescription();
+}
+
+std::string_view Element::queryFieldType(const Element& record, CString& room) const
 {
     switch (type) {
+    case typeRow:
+        return room.assign(*record.path).append(queryBaseName());
+    case typeTable:
+        return room.assign(*record.path).append(name);
     case typeString:
         return "String";
     case typeNumber:
