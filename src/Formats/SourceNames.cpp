@@ -102,16 +102,10 @@ void SourceNames::nameType(Field& field, Index record)
 
 void SourceNames::nameTable(Field& field, Index record)
 {
-    const auto [first, last] = tablesByField.equal_range(field.name);
-    for (auto known = first; known != last; ++known)
-        if (types.tables[known->second].component == field.type) {
-            field.type = {SourceTypes::kindTable, known->second};
-            return;
-        }
-    const auto index = static_cast<Index>(types.tables.size());
-    tablesByField.emplace(field.name, index);
-    types.tables.push_back({unique(kTablePrefix, field.name, record), field.type});
-    field.type = {SourceTypes::kindTable, index};
+    const auto [known, isNew] = tables.try_emplace({field.name, field.type}, static_cast<Index>(types.tables.size()));
+    if (isNew)
+        types.tables.push_back({unique(kTablePrefix, field.name, record), field.type});
+    field.type = {SourceTypes::kindTable, known->second};
 }
 
 // `prefix` and `name`; when that is taken, with the name of the record `home` between them; then with a number.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Formats/SourceTypes.h"
+#include "Utils/KeyedTable.h"
 
 #include <unordered_map>
 #include <unordered_set>
@@ -22,6 +23,16 @@ private:
     using Field = SourceTypes::Field;
     class FieldNames;
 
+    // Fields of one name and one type share a table.
+    using TableKey = std::pair<std::string_view, SourceTypes::Type>;
+    struct TableHash
+    {
+        std::size_t operator()(const TableKey& key) const
+        {
+            return keyHash(key.first) ^ (static_cast<std::size_t>(key.second.index) << 3 | key.second.kind);
+        }
+    };
+
     void nameRecord(Index record);
     void nameFields(Index record);
     void nameType(Field& field, Index record);
@@ -33,6 +44,6 @@ private:
     SourceReport& report;
     std::unordered_set<std::string_view> taken;
     std::unordered_map<std::string_view, unsigned> lastNumbers;
-    std::unordered_multimap<std::string_view, Index> tablesByField;
+    std::unordered_map<TableKey, Index, TableHash> tables;
     std::vector<bool> isNamed; // by enumeration
 };

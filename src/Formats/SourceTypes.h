@@ -98,7 +98,8 @@ public:
     /// fields in all are the bound: what passes it throws SourceRefusal.
     void setFields(Index record, std::span<const Field> fields);
 
-    /// The enumeration of these constants under this name, which is made when there is none like it yet.
+    /// The enumeration of these constants under this name, which is made when there is none like it yet. A million
+    /// constants in all are the bound.
     Index addEnumeration(std::string_view name, std::span<const std::string_view> constants, bool isNamed,
                          std::string_view description = {});
 
