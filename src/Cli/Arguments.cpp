@@ -49,6 +49,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     app.add_flag("-l,--list", arguments.list, "List the types, a line each, instead of writing the message document");
     CLI::Option* type = app.add_option("--type", arguments.type, "Write the document of this one type instead");
     type->excludes("--list");
+    addFullOptions(app, arguments.full);
     app.add_flag_callback(
         "--importers",
         [] {
@@ -59,6 +60,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     addCreateOptions(app, arguments.create);
     try {
         app.parse(argc, argv);
+        checkFullOptions(arguments.full, importerNamed(arguments.importer));
     } catch (const CLI::ParseError& end) {
         exitStatus = app.exit(end) == 0 ? 0 : kUsageMistake;
         return false;

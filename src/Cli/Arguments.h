@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Cli/CreateTypes.h"
+#include "Cli/FullReading.h"
 #include "Platform/Text.h"
 
 #include <vector>
@@ -19,6 +20,7 @@ struct Arguments
     bool list = false;
     CString type; ///< the one type to write; only when hasType
     bool hasType = false;
+    FullOptions full;
     CreateOptions create;
 };
 

@@ -2,7 +2,7 @@
 
 #include "Cli/Output.h"
 #include "Cli/TableSource.h"
-#include "Formats/MsgBase.h"
+#include "Formats/FullMessage.h"
 #include "Platform/MessageBox.h"
 #include "Resources/StringTable.h"
 
@@ -100,13 +100,16 @@ int runImport(const Arguments& arguments)
     TableSource tables;
     const MsgUIDescriptor& importer = importerNamed(arguments.importer);
     const bool readsTables = importer.querySource().readsTables;
-    const std::unique_ptr<MsgBase> message(importer.create());
+    FullMessage* const full = arguments.full.isWanted ? createFull(arguments.full, importer) : nullptr;
+    const std::unique_ptr<MsgBase> message(full ? full : importer.create());
     const CString basePath = basePathOf(arguments, *message);
     const bool imported = readsTables ? tables.import(*message, arguments, basePath)
                                       : message->parseFile(arguments.source, basePath) != 0;
     setMessageBoxHandler(before);
     if (!imported && boxes == 0)
         report("nothing was imported from " + (readsTables ? withoutPassword(arguments.source) : arguments.source));
+    if (full && !writeReport(*full, arguments.full))
+        return 1;
     if (imported && !arguments.create.address.empty())
         return createTypes(*message, arguments.create);
     return imported && writeResult(*message, arguments) ? 0 : 1;

@@ -48,7 +48,7 @@ bool ContentModel::canFollow(std::uint32_t earlier) const
 {
     const auto behind = std::partition_point(open.begin(), open.end(),
                                              [earlier](const OpenGroup& group) { return group.start <= earlier; });
-    return behind == open.begin() || std::prev(behind)->kind == sequence;
+    return behind == open.begin() || std::prev(behind)->kind != choice;
 }
 
 std::span<const ContentModel::Entry> ContentModel::finish()

@@ -14,7 +14,8 @@ class ContentModel
 public:
     enum Group : std::uint8_t
     {
-        sequence, ///< also what may come in any order
+        undecided, ///< its first connector will tell; till then a sequence
+        sequence,  ///< also what may come in any order
         choice
     };
 
@@ -28,6 +29,13 @@ public:
     void clear();
 
     void beginGroup(Group kind) { open.push_back({position(), kind}); }
+
+    /// Says what the innermost group is, where that was left open.
+    void decide(Group kind)
+    {
+        if (!open.empty() && open.back().kind == undecided)
+            open.back().kind = kind;
+    }
 
     /// Ends the group that was begun last; `repeats` when the whole group may.
     void endGroup(bool repeats);

@@ -1,7 +1,13 @@
 #include "Formats/DTDFullMsg.h"
 
 #include "Formats/DTDMsg.h"
+#include "Formats/DTDReader.h"
 
 DTDFullMessage::DTDFullMessage() : FullMessage(DTDMessage::m_descr) {}
 
-void DTDFullMessage::read(const CString&, const CString&, SourceTypes&, SourceReport&) {}
+void DTDFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
+{
+    DTDEntities entities(types, report);
+    DTDTokens tokens(entities, entities.addMain(fileName, source), report);
+    DTDReader(tokens, types, report).read();
+}

@@ -8,7 +8,7 @@ class DTDFullMessage : public FullMessage
 public:
     DTDFullMessage();
 
-    static MsgBase* New() { return new DTDFullMessage; }
+    static FullMessage* New() { return new DTDFullMessage; }
 
 protected:
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;

@@ -12,13 +12,12 @@ CString nameOfFile(const CString& fileName)
 {
     const std::size_t start = fileName.rfind('/') + 1;
     CString name = fileName.substr(start, fileName.rfind('.') - start);
-    const auto isLetter = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
-    };
     for (char& c : name)
-        if (!isLetter(c) && !(c >= '0' && c <= '9') && c != '-' && c != '.')
+        if (!isXmlName(CString("_") + c) && static_cast<unsigned char>(c) < 0x80)
             c = '_';
-    return name.empty() || !isLetter(name[0]) ? "_" + name : name;
+    if (!isXmlName(name))
+        name.insert(0, 1, '_');
+    return isXmlName(name) ? name : "_";
 }
 
 } // namespace

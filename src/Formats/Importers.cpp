@@ -1,7 +1,9 @@
 // The table of importers. Wizard, command line and its completion take all that they know of an importer from here.
 #include "Formats/BrokerMsg.h"
+#include "Formats/DTDFullMsg.h"
 #include "Formats/DTDMsg.h"
 #include "Formats/ODBCMsg.h"
+#include "Formats/SchemaFullMsg.h"
 #include "Formats/SchemaMsg.h"
 #include "Formats/XMLDataMsg.h"
 #include "Resources/DialogIds.h"
@@ -9,11 +11,11 @@
 
 // Base path, name, description, factory, next page, full reading; then word, file filter, and whether it reads tables.
 MsgUIDescriptor DTDMessage::m_descr("\\sys\\rosettanet\\", IDS_DTD_NAME, IDS_DTD_DESCRIPTION, DTDMessage::New,
-                                    IDD_SOURCE, nullptr, {"dtd", IDS_FILTER_DTD});
+                                    IDD_SOURCE, DTDFullMessage::New, {"dtd", IDS_FILTER_DTD});
 MsgUIDescriptor XMLDataMessage::m_descr("\\sys\\xml\\", IDS_XMLDATA_NAME, IDS_XMLDATA_DESCRIPTION, XMLDataMessage::New,
                                         IDD_SOURCE, nullptr, {"xml", IDS_FILTER_XML});
 MsgUIDescriptor SchemaMessage::m_descr("\\sys\\xml\\", IDS_SCHEMA_NAME, IDS_SCHEMA_DESCRIPTION, SchemaMessage::New,
-                                       IDD_SOURCE, nullptr, {"xsd", IDS_FILTER_SCHEMA});
+                                       IDD_SOURCE, SchemaFullMessage::New, {"xsd", IDS_FILTER_SCHEMA});
 MsgUIDescriptor BrokerMessage::m_descr("\\", IDS_BTD_NAME, IDS_BTD_DESCRIPTION, BrokerMessage::New, IDD_SOURCE, nullptr,
                                        {"btd", IDS_FILTER_XML});
 MsgUIDescriptor ODBCMessage::m_descr("\\", IDS_ODBC_NAME, IDS_ODBC_DESCRIPTION, ODBCMessage::New, IDD_DATA_SOURCE,

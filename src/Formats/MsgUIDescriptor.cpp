@@ -3,7 +3,8 @@
 #include "Resources/StringTable.h"
 
 MsgUIDescriptor::MsgUIDescriptor(const CString& basePath, unsigned int nameId, unsigned int descriptionId,
-                                 Factory factory, long nextPage, Factory fullFactory, const ImporterSource& source) :
+                                 Factory factory, long nextPage, FullFactory fullFactory,
+                                 const ImporterSource& source) :
     basePath(basePath),
     nameId(nameId), descriptionId(descriptionId), nextPage(nextPage), factory(factory), fullFactory(fullFactory),
     source(source)

@@ -2,6 +2,7 @@
 
 #include "Platform/Text.h"
 
+class FullMessage;
 class MsgBase;
 
 /// Where an importer's source comes from, and what the command line calls the importer.
@@ -19,11 +20,12 @@ class MsgUIDescriptor
 public:
     /// Makes a new importer, owned by the caller.
     using Factory = MsgBase* (*)();
+    using FullFactory = FullMessage* (*)();
 
     /// `fullFactory` makes the importer that reads the same kind of source by all the rules of its language; null where
     /// there is none.
     MsgUIDescriptor(const CString& basePath, unsigned int nameId, unsigned int descriptionId, Factory factory,
-                    long nextPage, Factory fullFactory = nullptr, const ImporterSource& source = {});
+                    long nextPage, FullFactory fullFactory = nullptr, const ImporterSource& source = {});
 
     /// Name and description come from the string table on first request.
     CString& getName();
@@ -36,7 +38,7 @@ public:
     MsgBase* create() const { return factory(); }
 
     /// A new importer for the full reading, owned by the caller; null when hasFull() is false.
-    MsgBase* createFull() const { return fullFactory ? fullFactory() : nullptr; }
+    FullMessage* createFull() const { return fullFactory ? fullFactory() : nullptr; }
     bool hasFull() const { return fullFactory != nullptr; }
 
 private:
@@ -47,7 +49,7 @@ private:
     unsigned int descriptionId; // 0 once loaded
     long nextPage;
     Factory factory;
-    Factory fullFactory;
+    FullFactory fullFactory;
     ImporterSource source;
 };
 

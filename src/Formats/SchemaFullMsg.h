@@ -8,7 +8,7 @@ class SchemaFullMessage : public FullMessage
 public:
     SchemaFullMessage();
 
-    static MsgBase* New() { return new SchemaFullMessage; }
+    static FullMessage* New() { return new SchemaFullMessage; }
 
     int isFileMode() const override { return 1; }
 

@@ -77,7 +77,7 @@ void SourceNames::nameFields(Index index)
             const std::string_view wanted = field.name;
             if (!names.add(wanted)) {
                 if (role == SourceTypes::roleAttribute)
-                    field.name = types.keep(CString(record.name) + "_" + CString(wanted));
+                    field.name = types.join(record.name, wanted);
                 while (!names.add(field.name))
                     field.name = types.keep(names.numbered(wanted));
                 noteChange(record.place, wanted, field.name);
@@ -118,7 +118,7 @@ std::string_view SourceNames::unique(std::string_view prefix, std::string_view n
         made = types.keep(CString(prefix) + CString(types.records[home].name) + "_" + CString(name));
     const std::string_view base = made;
     while (!taken.insert(made).second)
-        made = types.keep(CString(base) + "_" + std::to_string(++lastNumbers.try_emplace(base, 1).first->second));
+        made = types.join(base, std::to_string(++lastNumbers.try_emplace(base, 1).first->second));
     return made;
 }
 

@@ -18,6 +18,17 @@ std::string_view SourceTypes::keep(std::string_view text)
     return {kept, text.copy(kept, text.size())};
 }
 
+std::string_view SourceTypes::join(std::string_view first, std::string_view second)
+{
+    const std::size_t size = first.size() + 1 + second.size();
+    spend(size);
+    char* joined = static_cast<char*>(memory.allocate(size, 1));
+    first.copy(joined, first.size());
+    joined[first.size()] = '_';
+    second.copy(joined + first.size() + 1, second.size());
+    return {joined, size};
+}
+
 SourceTypes::Index SourceTypes::addRecord(const Record& record)
 {
     records.push_back(record);
@@ -26,13 +37,18 @@ SourceTypes::Index SourceTypes::addRecord(const Record& record)
 
 void SourceTypes::setFields(Index record, std::span<const Field> added)
 {
-    if (fields.size() + added.size() > kMaxFields)
-        throw SourceRefusal{sourceName + ": more than " + std::to_string(kMaxFields) + " fields."};
+    checkFields(added.size());
     for (const Field& field : added)
         spend(2 * field.name.size() + field.description.size() + nameSize(field.type));
     records[record].firstField = static_cast<Index>(fields.size());
     records[record].fieldCount = static_cast<Index>(added.size());
     fields.insert(fields.end(), added.begin(), added.end());
+}
+
+void SourceTypes::checkFields(std::size_t count) const
+{
+    if (fields.size() + count > kMaxFields)
+        refuse(std::to_string(kMaxFields) + " fields");
 }
 
 SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<const std::string_view> added,
@@ -61,7 +77,7 @@ void SourceTypes::spend(std::size_t bytes)
 {
     spent += bytes;
     if (spent > kMaxTextMegabytes << 20)
-        throw SourceRefusal{sourceName + ": more than " + std::to_string(kMaxTextMegabytes) + " MB of names."};
+        refuse(std::to_string(kMaxTextMegabytes) + " MB of names");
 }
 
 std::size_t SourceTypes::nameSize(Type type) const

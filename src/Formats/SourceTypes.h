@@ -3,6 +3,7 @@
 #include "Formats/SourceReport.h"
 #include "Platform/Arena.h"
 
+#include <deque>
 #include <memory_resource>
 #include <span>
 #include <unordered_map>
@@ -91,12 +92,27 @@ public:
     /// A copy of `text` that lives as long as the types.
     std::string_view keep(std::string_view text);
 
+    /// The same for `first`, "_" and `second`.
+    std::string_view join(std::string_view first, std::string_view second);
+
+    /// Keeps a whole text as long as the types live.
+    std::string_view adopt(CString&& text) { return texts.emplace_back(std::move(text)); }
+
     /// A record without fields; it gets them by setFields(), so that a type may refer to one that is still being read.
     Index addRecord(const Record& record);
 
     /// Gives a record its fields, in their order, each name once in its namespace; once for each record. A million
     /// fields in all are the bound: what passes it throws SourceRefusal.
     void setFields(Index record, std::span<const Field> fields);
+
+    /// Throws SourceRefusal when `count` more fields would pass the bound.
+    void checkFields(std::size_t count) const;
+
+    /// Throws SourceRefusal: the source has more than `what`.
+    [[noreturn]] void refuse(const CString& what) const
+    {
+        throw SourceRefusal{sourceName + ": more than " + what + "."};
+    }
 
     /// The enumeration of these constants under this name, which is made when there is none like it yet. A million
     /// constants in all are the bound.
@@ -139,6 +155,7 @@ private:
     CString sourceName;
     std::size_t spent = 0;
     std::pmr::monotonic_buffer_resource memory{chunkMemory()};
+    std::deque<CString> texts;
     std::vector<Field> fields;
     std::vector<std::string_view> constants;
     std::unordered_multimap<std::size_t, Index> enumerationsByHash;

@@ -66,6 +66,28 @@ bool isXmlChar(char32_t code)
     return code != 0xFFFE && code != 0xFFFF;
 }
 
+struct CodeRange
+{
+    char32_t first;
+    char32_t last;
+};
+
+// https://www.w3.org/TR/xml/#NT-NameStartChar, and what may only follow (NameChar).
+constexpr CodeRange kNameStart[] = {{':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},
+                                    {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
+                                    {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+                                    {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
+constexpr CodeRange kNameRest[] = {{'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
+
+template <std::size_t N>
+bool isIn(const CodeRange (&ranges)[N], char32_t code)
+{
+    for (const CodeRange& range : ranges)
+        if (code >= range.first && code <= range.last)
+            return true;
+    return false;
+}
+
 using Eight = std::uint64_t; // eight characters at a time
 
 constexpr Eight every(unsigned char c)
@@ -197,4 +219,23 @@ CString toXmlText(std::string_view bytes)
         appendUtf8(out, isXmlChar(code) ? code : kReplacement);
     }
     return out;
+}
+
+bool appendCharacter(CString& out, std::uint32_t code)
+{
+    if (!isXmlChar(code) || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
+        return false;
+    appendUtf8(out, code);
+    return true;
+}
+
+bool isXmlName(std::string_view text)
+{
+    for (std::size_t at = 0; at < text.size();) {
+        const bool isFirst = at == 0;
+        const char32_t code = decodeUtf8(text, at);
+        if (code == kInvalid || (!isIn(kNameStart, code) && (isFirst || !isIn(kNameRest, code))))
+            return false;
+    }
+    return !text.empty();
 }

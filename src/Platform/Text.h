@@ -39,3 +39,9 @@ bool isPlainXmlText(std::string_view bytes);
 
 /// True when toXmlText() would change nothing, so that the text can be used where it stands.
 bool isXmlText(std::string_view bytes);
+
+/// Appends a character as UTF-8; false, and nothing, for one that XML can't hold.
+bool appendCharacter(CString& out, std::uint32_t code);
+
+/// True for a text that can be the name of an XML element (the Name production of XML 1.0, fifth edition).
+bool isXmlName(std::string_view text);
