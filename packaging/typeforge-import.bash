@@ -4,18 +4,18 @@ _typeforge_import()
     local cur prev words cword patterns
     _init_completion || return
     case $prev in
-        -o | --output | --password-file)
+        -o | --output | --password-file | --report)
             _filedir
             return ;;
         --overwrite)
             mapfile -t COMPREPLY < <(compgen -W "all none ask" -- "$cur")
             return ;;
-        -b | --base-path | -t | --table | --type | --create | --user)
+        -b | --base-path | -t | --table | --type | --create | --user | --root)
             return ;;
     esac
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "--base-path --table --output --list --type --create --user --password-file
-            --trusted --overwrite --importers --help --version" -- "$cur")
+            --trusted --overwrite --full --root --report --importers --help --version" -- "$cur")
     elif ((cword == 1)); then
         mapfile -t COMPREPLY < <(compgen -W "$("$1" --importers | cut -f 1)" -- "$cur")
     else

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <memory>
 
 void addFullOptions(CLI::App& app, FullOptions& options)
 {
@@ -50,4 +51,11 @@ bool writeReport(const FullMessage& message, const FullOptions& options)
     if (cause != FileCause::none)
         report(formatText(loadText(IDS_CANT_OPEN), options.report.c_str(), static_cast<unsigned>(cause)));
     return cause == FileCause::none;
+}
+
+void nameWayOut(const MsgUIDescriptor& importer, const CString& source)
+{
+    const std::unique_ptr<const FullMessage> full(importer.createFull());
+    if (const CString uses = full ? full->queryUses(source) : ""; !uses.empty())
+        report("read it with --full: it uses " + uses);
 }

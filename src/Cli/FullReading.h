@@ -29,3 +29,6 @@ FullMessage* createFull(const FullOptions& options, const MsgUIDescriptor& impor
 /// Writes what `message` did not carry over to where that is wanted. False when it can't be written, which has then
 /// been reported.
 bool writeReport(const FullMessage& message, const FullOptions& options);
+
+/// Says in one line that the importer's full reading knows more of the source, and of what; nothing when it doesn't.
+void nameWayOut(const MsgUIDescriptor& importer, const CString& source);

@@ -3,6 +3,7 @@
 #include "Cli/Output.h"
 #include "Cli/TableSource.h"
 #include "Formats/FullMessage.h"
+#include "Formats/SourceUses.h"
 #include "Platform/MessageBox.h"
 #include "Resources/StringTable.h"
 
@@ -93,8 +94,10 @@ void report(const CString& text)
 int runImport(const Arguments& arguments)
 {
     int boxes = 0;
-    const MessageBoxHandler before = setMessageBoxHandler([&boxes](const CString& text, const CString&) {
+    bool isLiteralError = false;
+    const MessageBoxHandler before = setMessageBoxHandler([&](const CString& text, const CString&) {
         ++boxes;
+        isLiteralError |= isErrorOfLiteralReading(text);
         report(text);
     });
     TableSource tables;
@@ -108,6 +111,8 @@ int runImport(const Arguments& arguments)
     setMessageBoxHandler(before);
     if (!imported && boxes == 0)
         report("nothing was imported from " + (readsTables ? withoutPassword(arguments.source) : arguments.source));
+    if (!full && (isLiteralError || message->beginEnum() == 0))
+        nameWayOut(importer, arguments.source);
     if (full && !writeReport(*full, arguments.full))
         return 1;
     if (imported && !arguments.create.address.empty())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Formats/FullMessage.h"
+#include "Formats/SourceUses.h"
 
 /// The importer of DTDs, XML and SGML, that reads them in full: parameter entities, modules, conditional sections.
 class DTDFullMessage : public FullMessage
@@ -9,6 +10,8 @@ public:
     DTDFullMessage();
 
     static FullMessage* New() { return new DTDFullMessage; }
+
+    CString queryUses(const CString& fileName) const override { return usesOfDtd(fileName); }
 
 protected:
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;

@@ -20,6 +20,9 @@ public:
     /// The elements that could well be the main type, the one that the source's own choice falls on first.
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
 
+    /// What a file uses that the literal reading of its kind doesn't know, in words; "" when that is nothing.
+    virtual CString queryUses(const CString& fileName) const = 0;
+
     int parse(const CString& source, const CString& basePath, const CString& fileName) final;
     CString queryMainTypeName() const override { return mainType; }
     MsgUIDescriptor* queryDescriptor() const override { return &row; }

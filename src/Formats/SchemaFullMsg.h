@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Formats/FullMessage.h"
+#include "Formats/SourceUses.h"
 
 /// The importer of XML Schema files that reads them in full: namespaces, documents, derived types.
 class SchemaFullMessage : public FullMessage
@@ -11,6 +12,7 @@ public:
     static FullMessage* New() { return new SchemaFullMessage; }
 
     int isFileMode() const override { return 1; }
+    CString queryUses(const CString& fileName) const override { return usesOfSchema(fileName); }
 
 protected:
     /// `source` is the name of the schema file.
