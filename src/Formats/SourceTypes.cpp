@@ -62,7 +62,7 @@ SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<
         if (enumerations[known->second].name == name && std::ranges::equal(constantsOf(known->second), added))
             return known->second;
     if (constants.size() + added.size() > kMaxFields)
-        throw SourceRefusal{sourceName + ": more than " + std::to_string(kMaxFields) + " constants."};
+        refuse(std::to_string(kMaxFields) + " constants");
     Enumeration made{name, description, isNamed};
     made.firstConstant = static_cast<Index>(constants.size());
     made.constantCount = static_cast<Index>(added.size());
