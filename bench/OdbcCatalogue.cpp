@@ -69,14 +69,14 @@ void fill(const std::string& connection, int tables, int columns)
     static const char* const types[] = {"integer", "varchar(40)", "timestamp", "numeric(10,2)", "text"};
     CDatabase database;
     database.Open(connection, CDatabase::readWrite);
-    database.BeginTrans();
+    database.ExecuteSQL("BEGIN");
     for (int table = 0; table < tables; ++table) {
         std::string sql = "CREATE TABLE table" + std::to_string(table) + " (";
         for (int column = 0; column < columns; ++column)
             sql += (column > 0 ? ", column" : "column") + std::to_string(column) + " " + types[column % 5];
         database.ExecuteSQL(sql + ")");
     }
-    database.CommitTrans();
+    database.ExecuteSQL("COMMIT");
 }
 
 void compare(const char* name, const std::string& connection, const std::string& self, const std::string& importer)

@@ -3,6 +3,7 @@
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
 #include "Formats/DTDMsg.h"
+#include "Platform/Database/Statement.h"
 #include "Platform/Files/SettingsStore.h"
 #include "support/Servers.h"
 
@@ -92,11 +93,8 @@ inline std::vector<std::pair<CString, CString>> rowsOf(const CString& source, co
     const bool local = source.find("SQLite") != CString::npos;
     CStatement select(database, CString("SELECT name, document FROM typeforge_types ORDER BY ") +
                                     (local ? "rowid" : "xmin::text::bigint"));
-    select.execute();
     std::vector<std::pair<CString, CString>> rows;
-    while (select.fetch()) {
-        CString name = select.queryText(1);
-        rows.emplace_back(std::move(name), select.queryText(2));
-    }
+    for (auto& row : select.execute())
+        rows.emplace_back(std::move(row[0]), std::move(row[1]));
     return rows;
 }

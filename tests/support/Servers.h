@@ -4,8 +4,10 @@
 #include "support/TempDir.h"
 
 #include <arpa/inet.h>
+#include <atomic>
 #include <chrono>
 #include <csignal>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
@@ -26,6 +28,59 @@ inline int freePort()
     return ntohs(address.sin_port);
 }
 
+/// A line to a server of this machine, good for one connection, over which no more than `left` bytes come back: then it
+/// is silent, with both ends still connected.
+class Line
+{
+public:
+    explicit Line(int target) : port(freePort())
+    {
+        const sockaddr_in near = at(port);
+        const int reuse = 1;
+        setsockopt(door, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
+        bind(door, reinterpret_cast<const sockaddr*>(&near), sizeof near);
+        listen(door, 1);
+        forwarder = std::thread([=, this] { forward(target); });
+    }
+    ~Line()
+    {
+        ended = true;
+        forwarder.join();
+    }
+
+    const int port;
+    std::atomic<long> left = 1'000'000'000;
+
+private:
+    static sockaddr_in at(int port)
+    {
+        return {AF_INET, htons(static_cast<std::uint16_t>(port)), {htonl(INADDR_LOOPBACK)}, {}};
+    }
+    void forward(int target)
+    {
+        const sockaddr_in far = at(target);
+        const int server = socket(AF_INET, SOCK_STREAM, 0);
+        connect(server, reinterpret_cast<const sockaddr*>(&far), sizeof far);
+        pollfd ends[] = {{accept(door, nullptr, nullptr), POLLIN, 0}, {server, POLLIN, 0}};
+        char bytes[64];
+        while (!ended) {
+            poll(ends, left > 0 ? 2 : 0, 20);
+            for (int i = 0; i < 2; ++i)
+                if (left > 0 && (ends[i].revents & POLLIN)) {
+                    const ssize_t count = read(ends[i].fd, bytes, sizeof bytes);
+                    left -= i == 1 ? count : 0;
+                    [[maybe_unused]] const ssize_t written = write(ends[1 - i].fd, bytes, std::max<ssize_t>(count, 0));
+                }
+        }
+        for (const int end : {ends[0].fd, server, door})
+            close(end);
+    }
+
+    const int door = socket(AF_INET, SOCK_STREAM, 0);
+    std::atomic<bool> ended = false;
+    std::thread forwarder;
+};
+
 /// What both servers do: own a folder, run as a user of their own where the test is root, be ready when the object is.
 class DatabaseServer
 {
@@ -43,10 +98,11 @@ public:
     const int port = freePort();
     const std::string user = "typeforge", password = "pass;word}=1";
 
-    /// A whole connection string for the database `name`, without user and password.
-    std::string connection(const std::string& name) const
+    /// A whole connection string for the database `name`, without user and password; over a Line where one is given.
+    std::string connection(const std::string& name, int line = 0) const
     {
-        return "Driver={" + driver + "};Server=127.0.0.1;Port=" + std::to_string(port) + ";Database=" + name + ";";
+        return "Driver={" + driver + "};Server=127.0.0.1;Port=" + std::to_string(line ? line : port) +
+               ";Database=" + name + ";";
     }
     std::string logon() const { return logonText(user, password); }
 

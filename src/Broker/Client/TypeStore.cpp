@@ -57,8 +57,8 @@ TypeStore::TypeStore(std::shared_ptr<CDatabase> open) : database(std::move(open)
 TypeStore::Outcome TypeStore::store(const CString& name, const char* document, bool overwrite)
 {
     CStatement& statement = overwrite ? *upsert : *insert;
-    statement.execute({name, document});
-    if (!statement.fetch())
+    const CStatement::Rows revisions = statement.execute({name, document});
+    if (revisions.empty())
         return exists;
-    return statement.queryText(1) == "0" ? created : replaced;
+    return revisions[0][0] == "0" ? created : replaced;
 }

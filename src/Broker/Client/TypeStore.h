@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Database/Odbc.h"
+#include "Platform/Database/Statement.h"
 
 #include <memory>
 

@@ -1,22 +1,16 @@
 #include "Platform/Database/Odbc.h"
 
+#include "Platform/Database/DriverCall.h"
 #include "Platform/Secret.h"
 
 #include <sql.h>
 #include <sqlext.h>
 
-#include <algorithm>
-#include <array>
-#include <cctype>
 #include <cstring>
 
 namespace {
 
 constexpr SQLULEN kLoginTimeout = 15; // seconds
-// MariaDB's driver takes the login timeout from the connection string alone; others pass over words they don't know.
-constexpr std::string_view kLoginTimeoutWord = "CONN_TIMEOUT=15;";
-// A driver may quote a whole statement of its own; its start is enough for a message box.
-constexpr std::size_t kMessageSize = 512;
 constexpr std::string_view kFrameworkPrefix = "ODBC;";
 
 // The calls take unsigned characters that they don't change.
@@ -30,61 +24,60 @@ SQLPOINTER numberAttribute(SQLULEN value)
     return reinterpret_cast<SQLPOINTER>(value);
 }
 
-// An environment made by SQLAllocEnv is one of ODBC 2: drivers answer dates as 9, 10 and 11.
-EnvironmentHandle allocateEnvironment()
-{
-    SQLHENV raw = SQL_NULL_HENV;
-    if (SQLAllocEnv(&raw) != SQL_SUCCESS)
-        return {};
-    return EnvironmentHandle(raw);
-}
-
-ConnectionHandle allocateConnection(void* environment)
+ConnectionHandle allocateConnection(void* environment, CDatabase::Access access)
 {
     SQLHANDLE raw = SQL_NULL_HANDLE;
     if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment, &raw)))
         return {};
+    SQLSetConnectAttr(raw, SQL_ATTR_LOGIN_TIMEOUT, numberAttribute(kLoginTimeout), SQL_IS_UINTEGER);
+    if (access == CDatabase::readOnly)
+        SQLSetConnectAttr(raw, SQL_ATTR_ACCESS_MODE, numberAttribute(SQL_MODE_READ_ONLY), SQL_IS_UINTEGER);
     return ConnectionHandle(raw);
 }
 
-// A value of a connection string; only braces keep what these characters would end. A brace within is doubled.
-void appendQuoted(CString& out, const CString& value)
+CString sourceText(const CString& source)
 {
-    const bool plain = value.find_first_of("[]{}(),;?*=!@") == CString::npos && trimmed(value).size() == value.size();
-    if (plain) {
-        out += value;
-        return;
-    }
-    out += '{';
-    for (const char c : value)
-        out.append(c == '}' ? 2 : 1, c);
-    out += '}';
+    if (source.find('=') == CString::npos)
+        return dataSourceText(source);
+    return plainConnection(source.starts_with(kFrameworkPrefix) ? source.substr(kFrameworkPrefix.size()) : source);
 }
 
-void buildConnectString(CString& out, const CString& source, const CString& logon)
+void buildConnectString(CString& out, const CString& source, CDatabase::Access access, const CString& logon)
 {
-    out.reserve(2 * source.size() + logon.size() + kLoginTimeoutWord.size() + sizeof "DSN={};;");
-    if (source.find('=') == CString::npos) {
-        out += "DSN=";
-        appendQuoted(out, source);
-    } else {
-        out += source.starts_with(kFrameworkPrefix) ? source.substr(kFrameworkPrefix.size()) : source;
-    }
+    Secret own(sourceText(source)); // it may hold a password of its own
+    const CString words = connectionWords(own.text, access == CDatabase::readOnly);
+    out.reserve(own.text.size() + logon.size() + words.size() + sizeof ";"); // no growth: it would leave copies
+    out += own.text;
     if (!out.ends_with(';'))
         out += ';';
     out += logon;
-    out += kLoginTimeoutWord;
+    out += words;
 }
 
-// Drivers end their texts as they like.
-std::string_view messageText(const SQLCHAR* buffer, SQLSMALLINT length, std::size_t capacity)
+// An attempt to connect, which may outlive the patience for it.
+struct Attempt
 {
-    const auto* text = reinterpret_cast<const char*>(buffer);
-    std::string_view message(text,
-                             strnlen(text, std::min<std::size_t>(std::max<SQLSMALLINT>(length, 0), capacity - 1)));
-    if (message.size() == capacity - 1)
-        dropCutCharacter(message);
-    return trimmed(message);
+    std::shared_ptr<DatabaseHandles> handles;
+    Secret connect;
+    bool connected = false;
+
+    void run()
+    {
+        const MemoryWipe wipe; // this thread's memory holds the password too
+        const SQLRETURN result = SQLDriverConnect(handles->connection.get(), nullptr, sqlText(connect.text), SQL_NTS,
+                                                  nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+        connected = SQL_SUCCEEDED(result);
+        if (!connected && result != SQL_NO_DATA)
+            CDBException::raise(SQL_HANDLE_DBC, handles->connection.get());
+    }
+};
+
+[[noreturn]] void raiseSilence(std::chrono::milliseconds patience)
+{
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience).count();
+    throw CDBException("HYT00", 0,
+                       "The database has not answered for " + std::to_string(seconds) +
+                           " seconds; the connection has been given up");
 }
 
 } // namespace
@@ -96,11 +89,7 @@ void FreeEnvironment::operator()(void* environment) const noexcept
 
 void FreeConnection::operator()(void* connection) const noexcept
 {
-    // A connection with an open transaction refuses to disconnect, and one that is connected refuses to go.
-    if (!SQL_SUCCEEDED(SQLDisconnect(connection))) {
-        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
-        SQLDisconnect(connection);
-    }
+    SQLDisconnect(connection);
     SQLFreeHandle(SQL_HANDLE_DBC, connection);
 }
 
@@ -109,223 +98,85 @@ void FreeStatement::operator()(void* statement) const noexcept
     SQLFreeHandle(SQL_HANDLE_STMT, statement);
 }
 
-CDBException::CDBException(const CString& sqlState, int native, const CString& text) :
-    std::runtime_error(text + " (SQLSTATE " + sqlState + ")"), state(sqlState), nativeError(native)
-{}
-
-bool CDBException::isLogonRefused() const
+EnvironmentHandle allocateEnvironment()
 {
-    if (state.starts_with("28"))
-        return true;
-    if (!state.starts_with("08"))
-        return false;
-    CString text = what();
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    // PostgreSQL's words, in the languages of its servers: "password authentication failed" and so on.
-    return std::ranges::any_of(std::array{"pass", "auth", "autent"},
-                               [&text](const char* word) { return text.find(word) != text.npos; });
-}
-
-void CDBException::raise(short handleKind, void* handle)
-{
-    std::array<SQLCHAR, 6> state{};
-    std::array<SQLCHAR, kMessageSize> buffer;
-    SQLINTEGER native = 0;
-    SQLSMALLINT length = 0;
-    CString firstState = "S1000", text;
-    int firstNative = 0;
-    for (SQLSMALLINT record = 1;
-         SQL_SUCCEEDED(SQLGetDiagRec(handleKind, handle, record, state.data(), &native, buffer.data(),
-                                     static_cast<SQLSMALLINT>(buffer.size()), &length));
-         ++record) {
-        if (record == 1) {
-            firstState = reinterpret_cast<const char*>(state.data());
-            firstNative = native;
-        }
-        const std::string_view message = messageText(buffer.data(), length, buffer.size());
-        if (text.find(message) == text.npos) // some drivers say it twice
-            text.append(text.empty() ? "" : "\n").append(message);
-    }
-    throw CDBException(firstState, firstNative, text.empty() ? "The driver gave no reason" : text);
+    SQLHENV raw = SQL_NULL_HENV;
+    if (SQLAllocEnv(&raw) != SQL_SUCCESS)
+        return {};
+    return EnvironmentHandle(raw);
 }
 
 bool CDatabase::Open(const CString& source, Access access, const CString& logon)
 {
     Close();
-    EnvironmentHandle newEnvironment = allocateEnvironment();
-    if (!newEnvironment)
+    const MemoryWipe wipe;
+    const auto attempt = std::make_shared<Attempt>();
+    attempt->handles = std::make_shared<DatabaseHandles>();
+    attempt->handles->environment = allocateEnvironment();
+    if (attempt->handles->environment)
+        attempt->handles->connection = allocateConnection(attempt->handles->environment.get(), access);
+    if (!attempt->handles->connection)
         return false;
-    ConnectionHandle opened = allocateConnection(newEnvironment.get());
-    if (!opened)
-        return false;
-    SQLSetConnectAttr(opened.get(), SQL_ATTR_LOGIN_TIMEOUT, numberAttribute(kLoginTimeout), SQL_IS_UINTEGER);
-    if (access == readOnly)
-        SQLSetConnectAttr(opened.get(), SQL_ATTR_ACCESS_MODE, numberAttribute(SQL_MODE_READ_ONLY), SQL_IS_UINTEGER);
-
-    Secret connect;
-    buildConnectString(connect.text, source, logon);
-    const SQLRETURN result = SQLDriverConnect(opened.get(), nullptr, sqlText(connect.text), SQL_NTS, nullptr, 0,
-                                              nullptr, SQL_DRIVER_NOPROMPT);
-    if (result == SQL_NO_DATA)
-        return false;
-    if (!SQL_SUCCEEDED(result))
-        CDBException::raise(SQL_HANDLE_DBC, opened.get());
-    environment = std::move(newEnvironment);
-    connection = std::move(opened);
-    return true;
+    buildConnectString(attempt->connect.text, source, access, logon);
+    if (!callDriver(patience, [attempt] { attempt->run(); }))
+        raiseSilence(patience);
+    if (attempt->connected)
+        handles = attempt->handles;
+    return attempt->connected;
 }
 
 void CDatabase::Close()
 {
-    connection.reset();
-    environment.reset();
+    if (!handles)
+        return;
+    const MemoryWipe wipe; // the driver has kept the password up to here
+    handles.reset();
 }
 
-StatementHandle CDatabase::allocateStatement() const
+void CDatabase::wait(std::function<void()> call)
+{
+    if (!handles)
+        throw CDBException("08003", 0, "The connection to the database is gone");
+    if (callDriver(patience, std::move(call)))
+        return;
+    handles.reset(); // the call has them
+    raiseSilence(patience);
+}
+
+OpenStatement CDatabase::allocateStatement() const
 {
     SQLHANDLE raw = SQL_NULL_HANDLE;
-    if (!connection || !SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection.get(), &raw)))
-        return {};
-    return StatementHandle(raw);
+    if (!handles || !SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, handle(), &raw)))
+        raw = SQL_NULL_HANDLE;
+    return {handles, StatementHandle(raw)};
+}
+
+unsigned CDatabase::queryInfo(unsigned short question) const
+{
+    SQLUINTEGER answer = 0;
+    if (!handles || !SQL_SUCCEEDED(SQLGetInfo(handle(), question, &answer, sizeof answer, nullptr)))
+        return 0;
+    return answer;
 }
 
 void CDatabase::ExecuteSQL(const CString& sql)
 {
-    const StatementHandle statement = allocateStatement();
-    if (!statement)
-        CDBException::raise(SQL_HANDLE_DBC, handle());
-    const SQLRETURN result = SQLExecDirect(statement.get(), sqlText(sql), SQL_NTS);
-    if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
-        CDBException::raise(SQL_HANDLE_STMT, statement.get());
+    const auto statement = std::make_shared<OpenStatement>(allocateStatement());
+    wait([statement, sql] {
+        if (!*statement)
+            CDBException::raise(SQL_HANDLE_DBC, statement->database->connection.get());
+        const SQLRETURN result = SQLExecDirect(statement->handle.get(), sqlText(sql), SQL_NTS);
+        if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
+            CDBException::raise(SQL_HANDLE_STMT, statement->handle.get());
+    });
 }
 
-void CDatabase::BeginTrans()
+std::string_view driverText(const char* buffer, std::size_t capacity)
 {
-    setAutoCommit(false);
-}
-
-void CDatabase::CommitTrans()
-{
-    endTransaction(SQL_COMMIT);
-    setAutoCommit(true);
-}
-
-void CDatabase::Rollback()
-{
-    endTransaction(SQL_ROLLBACK);
-    setAutoCommit(true);
-}
-
-void CDatabase::setAutoCommit(bool on)
-{
-    const SQLULEN mode = on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF;
-    if (!SQL_SUCCEEDED(SQLSetConnectAttr(handle(), SQL_ATTR_AUTOCOMMIT, numberAttribute(mode), SQL_IS_UINTEGER)))
-        CDBException::raise(SQL_HANDLE_DBC, handle());
-}
-
-void CDatabase::endTransaction(short completion)
-{
-    if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, handle(), completion)))
-        CDBException::raise(SQL_HANDLE_DBC, handle());
-}
-
-CStatement::CStatement(const CDatabase& database, const CString& sql) : statement(database.allocateStatement())
-{
-    if (!statement)
-        CDBException::raise(SQL_HANDLE_DBC, database.handle());
-    check(SQLPrepare(statement.get(), sqlText(sql), SQL_NTS));
-}
-
-long CStatement::execute(std::initializer_list<std::string_view> values)
-{
-    return execute(std::span(values.begin(), values.size()));
-}
-
-long CStatement::execute(std::span<const std::string_view> values)
-{
-    SQLFreeStmt(statement.get(), SQL_CLOSE);
-    std::vector<SQLLEN> lengths(values.size()); // read by SQLExecute
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const std::string_view value = values[i];
-        lengths[i] = static_cast<SQLLEN>(value.size());
-        check(SQLBindParameter(statement.get(), static_cast<SQLUSMALLINT>(i + 1), SQL_PARAM_INPUT, SQL_C_CHAR,
-                               SQL_LONGVARCHAR, std::max<SQLULEN>(value.size(), 1), 0,
-                               const_cast<char*>(value.empty() ? "" : value.data()), lengths[i], &lengths[i]));
-    }
-    const SQLRETURN result = SQLExecute(statement.get());
-    SQLLEN rows = 0;
-    if (result != SQL_NO_DATA) { // the answer to a change that met no row
-        check(result);
-        check(SQLRowCount(statement.get(), &rows));
-    }
-    SQLFreeStmt(statement.get(), SQL_RESET_PARAMS); // the values end with this call
-    return rows;
-}
-
-bool CStatement::fetch()
-{
-    const SQLRETURN result = SQLFetch(statement.get());
-    if (result != SQL_NO_DATA)
-        check(result);
-    return result != SQL_NO_DATA;
-}
-
-CString CStatement::queryText(unsigned short column)
-{
-    CString text;
-    std::array<char, 4096> piece;
-    for (;;) {
-        SQLLEN left = 0; // of the value, this piece included
-        const SQLRETURN result =
-            SQLGetData(statement.get(), column, SQL_C_CHAR, piece.data(), static_cast<SQLLEN>(piece.size()), &left);
-        if (result == SQL_NO_DATA)
-            return text;
-        check(result);
-        if (left == SQL_NULL_DATA)
-            return {};
-        const std::size_t capacity = piece.size() - 1;
-        const bool last = result == SQL_SUCCESS || (left >= 0 && static_cast<std::size_t>(left) <= capacity);
-        text.append(piece.data(), strnlen(piece.data(), capacity)); // shorter where a driver keeps a character whole
-        if (last)
-            return text;
-    }
-}
-
-void CStatement::check(short result) const
-{
-    if (!SQL_SUCCEEDED(result))
-        CDBException::raise(SQL_HANDLE_STMT, statement.get());
-}
-
-CString logonText(const CString& user, const CString& password)
-{
-    CString text;
-    text.reserve(2 * (user.size() + password.size()) + sizeof "UID={};PWD={};"); // no growth: it would leave copies
-    text += "UID=";
-    appendQuoted(text, user);
-    text += ";PWD=";
-    appendQuoted(text, password);
-    text += ';';
-    return text;
-}
-
-bool listDataSources(std::vector<DataSource>& out)
-{
-    const EnvironmentHandle environment = allocateEnvironment();
-    if (!environment)
-        return false;
-    std::array<SQLCHAR, 50> name;
-    std::array<SQLCHAR, 300> description;
-    const auto text = [](auto& buffer) {
-        return CString(messageText(buffer.data(), SQLSMALLINT(buffer.size()), buffer.size()));
-    };
-    for (SQLUSMALLINT direction = SQL_FETCH_FIRST;; direction = SQL_FETCH_NEXT) {
-        name[0] = description[0] = 0;
-        if (!SQL_SUCCEEDED(SQLDataSources(environment.get(), direction, name.data(), SQLSMALLINT(name.size()), nullptr,
-                                          description.data(), SQLSMALLINT(description.size()), nullptr)))
-            return true;
-        out.push_back({text(name), text(description)});
-    }
+    std::string_view text(buffer, strnlen(buffer, capacity - 1));
+    if (text.size() == capacity - 1)
+        dropCutCharacter(text);
+    return trimmed(text);
 }
 
 void dropCutCharacter(std::string_view& text)

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "Platform/Database/ConnectString.h"
+#include "Platform/Database/DBException.h"
+#include "Platform/Database/DataSources.h"
 #include "Platform/Text.h"
 
-#include <initializer_list>
+#include <chrono>
+#include <functional>
 #include <memory>
-#include <span>
-#include <stdexcept>
 #include <string_view>
-#include <vector>
 
 // ODBC over the driver manager unixODBC, whose headers stay inside this folder's sources. Names and texts go both ways
 // as UTF-8, by the narrow calls: drivers lose names of the wide ones.
@@ -18,7 +19,7 @@ struct FreeEnvironment
 };
 struct FreeConnection
 {
-    void operator()(void* connection) const noexcept; ///< undoes an open transaction and disconnects first
+    void operator()(void* connection) const noexcept; ///< disconnects first
 };
 struct FreeStatement
 {
@@ -28,32 +29,26 @@ using EnvironmentHandle = std::unique_ptr<void, FreeEnvironment>;
 using ConnectionHandle = std::unique_ptr<void, FreeConnection>;
 using StatementHandle = std::unique_ptr<void, FreeStatement>;
 
-/// What a driver or the driver manager said of a call that failed. what() is the driver's text with the SQLSTATE, fit
-/// to be shown.
-class CDBException : public std::runtime_error
+/// A new environment, of ODBC 2: drivers answer dates as 9, 10 and 11. Empty when there is none to give.
+EnvironmentHandle allocateEnvironment();
+
+/// The handles of a connection, which live as long as somebody works with them.
+struct DatabaseHandles
 {
-public:
-    CDBException(const CString& state, int nativeError, const CString& text);
-
-    /// The five characters of the SQLSTATE; those of ODBC 2 where the versions differ (S1000, not HY000).
-    const CString& queryState() const { return state; }
-
-    /// The database's own number of the error, 0 where it has none.
-    int queryNativeError() const { return nativeError; }
-
-    /// True when another user or password may help. Not every driver has the SQLSTATE for it, so the text counts too.
-    bool isLogonRefused() const;
-
-    /// Throws what is known of the last call on a handle, of the kind that ODBC numbers 1 to 4. It has to be the next
-    /// thing done with the handle: every call replaces the diagnostics.
-    [[noreturn]] static void raise(short handleKind, void* handle);
-
-private:
-    CString state;
-    int nativeError;
+    EnvironmentHandle environment; // above the connection, which has to go first
+    ConnectionHandle connection;
 };
 
-/// One open connection to a data source. Statements and recordsets on it must be gone before it is.
+/// A statement and the connection that it runs on. Empty (false) when there is none.
+struct OpenStatement
+{
+    std::shared_ptr<DatabaseHandles> database;
+    StatementHandle handle;
+
+    explicit operator bool() const { return handle != nullptr; }
+};
+
+/// One open connection to a data source.
 class CDatabase
 {
 public:
@@ -63,75 +58,47 @@ public:
         readWrite
     };
 
+    CDatabase() = default;
+    ~CDatabase() { Close(); }
+    CDatabase(const CDatabase&) = delete;
+    CDatabase& operator=(const CDatabase&) = delete;
+
     /// Opens a data source by its name, or by a whole connection string when `source` holds a '='. `logon` is added to
     /// it, see logonText(). A driver that fails raises CDBException; false is left for a connection that can't even be
     /// tried. The driver asks nobody anything; a server that is silent for 15 seconds counts as failed.
     bool Open(const CString& source, Access access = readOnly, const CString& logon = {});
 
-    /// Closes statements' ground under them: undoes what isn't committed and disconnects. Does nothing when not open.
+    /// Disconnects, and leaves nothing in memory of what the driver knew. Does nothing when not open.
     void Close();
 
-    bool IsOpen() const { return connection != nullptr; }
+    bool IsOpen() const { return handles != nullptr; }
 
     /// Runs one statement without parameters and leaves its result aside. Raises CDBException.
     void ExecuteSQL(const CString& sql);
 
-    /// From here on nothing lasts until CommitTrans(). Raises CDBException, as the two others do.
-    void BeginTrans();
-    void CommitTrans();
-    void Rollback();
+    /// Runs a call of the driver that may wait for the server. When it is not back after `patience`, the connection is
+    /// given up, as if closed, and CDBException raised; `call` then goes on for itself, so it owns all that it touches.
+    void wait(std::function<void()> call);
 
     /// The connection for calls of ODBC; null when not open.
-    void* handle() const { return connection.get(); }
+    void* handle() const { return handles ? handles->connection.get() : nullptr; }
 
     /// A new statement, empty when there is none to give.
-    StatementHandle allocateStatement() const;
+    OpenStatement allocateStatement() const;
+
+    /// A number that the driver tells of itself, by ODBC's code of the question; 0 when it doesn't.
+    unsigned queryInfo(unsigned short question) const;
+
+    /// How long any one statement may take.
+    std::chrono::milliseconds patience = std::chrono::seconds(60);
 
 private:
-    void setAutoCommit(bool on);
-    void endTransaction(short completion);
-
-    EnvironmentHandle environment; // above the connection, which has to go first
-    ConnectionHandle connection;
+    std::shared_ptr<DatabaseHandles> handles;
 };
 
-/// One statement of SQL with question marks for its values, prepared once and run as often as wanted.
-class CStatement
-{
-public:
-    /// Raises CDBException, as everything here does.
-    CStatement(const CDatabase& database, const CString& sql);
-
-    /// Runs it with texts in place of the question marks, in their order, and answers how many rows it changed, -1
-    /// where the driver doesn't tell.
-    long execute(std::span<const std::string_view> values);
-    long execute(std::initializer_list<std::string_view> values = {});
-
-    /// Moves to the next row of the result; false when there is none.
-    bool fetch();
-
-    /// A column of the row as text, however long, counted from 1; each to be asked once per row, from left to right.
-    /// A null value is empty.
-    CString queryText(unsigned short column);
-
-private:
-    void check(short result) const;
-
-    StatementHandle statement;
-};
-
-/// "UID=…;PWD=…;" with both values quoted as connection strings want it. It holds the password: wipe() it after use.
-CString logonText(const CString& user, const CString& password);
-
-struct DataSource
-{
-    CString name;
-    CString description;
-};
-
-/// Appends the data sources of user and system that the driver manager knows, names cut to 49 bytes and descriptions to
-/// 299. False when there is no ODBC environment to ask.
-bool listDataSources(std::vector<DataSource>& out);
+/// A driver's text out of a buffer, up to its zero: without the white space that drivers end it with, and without the
+/// last character where the buffer's end has cut it.
+std::string_view driverText(const char* buffer, std::size_t capacity);
 
 /// Takes a UTF-8 character that a cut has left incomplete off the end of `text`.
 void dropCutCharacter(std::string_view& text);

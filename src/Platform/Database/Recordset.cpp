@@ -65,33 +65,85 @@ void CFieldExchange::load(std::string_view packed) const
     }
 }
 
+// The rows with all that the driver touches while it reads them.
+struct CRecordset::Result
+{
+    OpenStatement statement;
+    Catalogue catalogue;
+    std::vector<Arguments> calls;
+    CFieldExchange bound;
+    std::vector<CString> rows = {}; // packed
+
+    void read()
+    {
+        // What any driver can do: the snapshot is made here. A driver that knows only that may refuse to be told.
+        SQLSetStmtAttr(statement.handle.get(), SQL_ATTR_CURSOR_TYPE,
+                       reinterpret_cast<SQLPOINTER>(SQL_CURSOR_FORWARD_ONLY), SQL_IS_UINTEGER);
+        SQLSetStmtAttr(statement.handle.get(), SQL_ATTR_CONCURRENCY, reinterpret_cast<SQLPOINTER>(SQL_CONCUR_READ_ONLY),
+                       SQL_IS_UINTEGER);
+        for (Arguments& call : calls) {
+            run(call);
+            bound.bind(statement.handle.get());
+            while (fetch()) {
+            }
+            SQLFreeStmt(statement.handle.get(), SQL_CLOSE);
+        }
+    }
+
+private:
+    void run(Arguments& arguments)
+    {
+        std::array<SQLCHAR*, 4> text;
+        std::ranges::transform(arguments, text.begin(), [](Argument& argument) {
+            return argument ? reinterpret_cast<SQLCHAR*>(argument->data()) : nullptr;
+        });
+        SQLRETURN outcome;
+        do
+            outcome = catalogue.call(statement.handle.get(), text[0], SQL_NTS, text[1], SQL_NTS, text[2], SQL_NTS,
+                                     text[3], SQL_NTS);
+        while (outcome == SQL_STILL_EXECUTING);
+        check(outcome);
+    }
+
+    bool fetch()
+    {
+        bound.clear();
+        const SQLRETURN outcome = SQLFetch(statement.handle.get());
+        if (outcome == SQL_NO_DATA)
+            return false;
+        check(outcome);
+        bound.store(rows.emplace_back());
+        return true;
+    }
+
+    void check(SQLRETURN outcome) const
+    {
+        if (!SQL_SUCCEEDED(outcome))
+            CDBException::raise(SQL_HANDLE_STMT, statement.handle.get());
+    }
+};
+
 void CRecordset::Close()
 {
-    statement.reset();
-    bound.fields.clear();
-    rows.clear();
+    result.reset();
     beginOfFile = endOfFile = true;
 }
 
-int CRecordset::openCatalogue(const Catalogue& catalogue, const std::array<const char*, 4>& arguments, UINT type)
+int CRecordset::openCatalogue(const Catalogue& catalogue, std::vector<Arguments> calls, UINT type)
 {
     Close();
     if (!database || !isSupported(catalogue))
         return 0;
     openType = type;
-    statement = database->allocateStatement();
+    OpenStatement statement = database->allocateStatement();
     if (!statement)
         return 0;
-    try {
-        run(catalogue, arguments);
-        DoFieldExchange(bound);
-        bound.bind(statement.get());
-        endOfFile = !fetch();
-        beginOfFile = endOfFile;
-    } catch (...) {
-        Close();
-        throw;
-    }
+    const auto reading =
+        std::make_shared<Result>(Result{std::move(statement), catalogue, std::move(calls), CFieldExchange()});
+    DoFieldExchange(reading->bound);
+    database->wait([reading] { reading->read(); });
+    result = reading;
+    beginOfFile = endOfFile = result->rows.empty();
     MoveFirst();
     return 1;
 }
@@ -108,41 +160,9 @@ bool CRecordset::isSupported(const Catalogue& catalogue) const
     return supported != SQL_FALSE;
 }
 
-void CRecordset::run(const Catalogue& catalogue, const std::array<const char*, 4>& arguments)
-{
-    // What any driver can do: the snapshot is made here. A driver that knows only that may refuse to be told.
-    SQLSetStmtAttr(statement.get(), SQL_ATTR_CURSOR_TYPE, reinterpret_cast<SQLPOINTER>(SQL_CURSOR_FORWARD_ONLY),
-                   SQL_IS_UINTEGER);
-    SQLSetStmtAttr(statement.get(), SQL_ATTR_CONCURRENCY, reinterpret_cast<SQLPOINTER>(SQL_CONCUR_READ_ONLY),
-                   SQL_IS_UINTEGER);
-    std::array<SQLCHAR*, 4> text;
-    std::transform(arguments.begin(), arguments.end(), text.begin(), [](const char* argument) {
-        return reinterpret_cast<SQLCHAR*>(const_cast<char*>(argument)); // which isn't changed
-    });
-    SQLRETURN result;
-    do
-        result =
-            catalogue.call(statement.get(), text[0], SQL_NTS, text[1], SQL_NTS, text[2], SQL_NTS, text[3], SQL_NTS);
-    while (result == SQL_STILL_EXECUTING);
-    if (!SQL_SUCCEEDED(result))
-        CDBException::raise(SQL_HANDLE_STMT, statement.get());
-}
-
-bool CRecordset::fetch()
-{
-    bound.clear();
-    const SQLRETURN result = SQLFetch(statement.get());
-    if (result == SQL_NO_DATA)
-        return false;
-    if (!SQL_SUCCEEDED(result))
-        CDBException::raise(SQL_HANDLE_STMT, statement.get());
-    bound.store(rows.emplace_back());
-    return true;
-}
-
 void CRecordset::MoveFirst()
 {
-    if (!rows.empty())
+    if (result && !result->rows.empty())
         moveTo(0);
 }
 
@@ -150,7 +170,7 @@ void CRecordset::MoveNext()
 {
     if (endOfFile)
         return;
-    if (position + 1 < rows.size() || fetch())
+    if (position + 1 < result->rows.size())
         moveTo(position + 1);
     else
         endOfFile = true;
@@ -160,5 +180,5 @@ void CRecordset::moveTo(std::size_t row)
 {
     position = row;
     beginOfFile = endOfFile = false;
-    bound.load(rows[row]);
+    result->bound.load(result->rows[row]);
 }

@@ -3,7 +3,9 @@
 #include "Platform/Database/Odbc.h"
 
 #include <array>
+#include <memory>
 #include <optional>
+#include <vector>
 
 /// Where a recordset names its members, in the order of the result's columns. Texts are cut at 255 bytes, between two
 /// characters.
@@ -35,8 +37,8 @@ private:
     std::vector<Field> fields;
 };
 
-/// The rows of a result, read one by one in their order and kept, so that what was read stays as it was: a static
-/// snapshot. Every recordset is read-only. Errors of the database are raised as CDBException.
+/// The rows of a result, all read when it is opened, so that what was read stays as it was: a static snapshot. Every
+/// recordset is read-only. Errors of the database are raised as CDBException.
 class CRecordset
 {
 public:
@@ -49,7 +51,7 @@ public:
     /// Forgets the rows and frees the statement; the members keep their last values.
     void Close();
 
-    bool IsOpen() const { return statement != nullptr; }
+    bool IsOpen() const { return result != nullptr; }
     bool IsBOF() const { return beginOfFile; }
     bool IsEOF() const { return endOfFile; } ///< also true for a recordset that is not open
     UINT queryOpenType() const { return openType; }
@@ -73,21 +75,25 @@ protected:
         short (*call)(void*, unsigned char*, short, unsigned char*, short, unsigned char*, short, unsigned char*,
                       short);
     };
+    using Argument = std::optional<CString>;
+    using Arguments = std::array<Argument, 4>;
 
-    /// Runs it with four texts or nulls and reads the first row. 0 when the driver lacks the function or has no
-    /// statement to give.
-    int openCatalogue(const Catalogue& catalogue, const std::array<const char*, 4>& arguments, UINT type);
+    static Argument argument(const char* text) { return text ? Argument(text) : Argument(); }
+
+    /// Runs it once for each of `calls`, with four texts or nulls, reads all rows and goes to the first. 0 when the
+    /// driver lacks the function or has no statement to give.
+    int openCatalogue(const Catalogue& catalogue, std::vector<Arguments> calls, UINT type);
+
+    CDatabase* queryDatabase() const { return database; }
 
 private:
+    struct Result;
+
     bool isSupported(const Catalogue& catalogue) const;
-    void run(const Catalogue& catalogue, const std::array<const char*, 4>& arguments);
-    bool fetch();
     void moveTo(std::size_t row);
 
     CDatabase* database;
-    StatementHandle statement;
-    CFieldExchange bound;
-    std::vector<CString> rows; // all that were read, packed
+    std::shared_ptr<Result> result; // null when not open
     std::size_t position = 0;
     UINT openType = snapshot;
     bool beginOfFile = true;

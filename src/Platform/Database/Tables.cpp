@@ -5,7 +5,8 @@
 
 int CTables::Open(const char* qualifier, const char* owner, const char* table, const char* tableTypes, UINT type)
 {
-    return openCatalogue({SQL_API_SQLTABLES, "SQLTables", SQLTables}, {qualifier, owner, table, tableTypes}, type);
+    return openCatalogue({SQL_API_SQLTABLES, "SQLTables", SQLTables},
+                         {{argument(qualifier), argument(owner), argument(table), argument(tableTypes)}}, type);
 }
 
 void CTables::DoFieldExchange(CFieldExchange& exchange)
