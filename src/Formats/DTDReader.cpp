@@ -57,7 +57,8 @@ DTDReader::Element& DTDReader::elementNamed(std::string_view name)
     const std::size_t hash = keyHash(name);
     if (Element* known = elementsByName.find(name, hash))
         return *known;
-    Element& made = elements.emplace_back(Element{name, tokens.place(), static_cast<Index>(elements.size())});
+    Element& made =
+        elements.emplace_back(Element{name, tokens.place(), static_cast<Index>(elements.size()), isXmlName(name)});
     elementsByName.store(&made, hash);
     return made;
 }
@@ -138,9 +139,7 @@ bool DTDReader::readGroup(bool& holdsText)
             return true; // what was said so far stands
         }
         if (token.kind == DTDTokens::tokenWord) {
-            const Index child = elementNamed(token.text).index;
-            tokens.next();
-            model.add(child, readMark());
+            readChild();
             continue;
         }
         const DTDTokens::Kind kind = token.kind;
@@ -160,6 +159,17 @@ bool DTDReader::readGroup(bool& holdsText)
         }
     } while (depth > 0);
     return true;
+}
+
+void DTDReader::readChild()
+{
+    const Element& child = elementNamed(tokens.token().text);
+    tokens.next();
+    const bool repeats = readMark();
+    if (child.isName)
+        model.add(child.index, repeats);
+    else
+        senseless(child.name);
 }
 
 // The mark behind a name or a group; true when it says that there may be more than one. A '+' before a '(' begins an
@@ -335,7 +345,7 @@ void DTDReader::makeRecords()
 {
     std::vector<Index> order = declared;
     for (const Element& element : elements)
-        if (!element.isDeclared) {
+        if (!element.isDeclared && element.isName) {
             report.add(SourceReport::unresolvedReference, element.place, element.name);
             order.push_back(element.index);
         }

@@ -29,6 +29,7 @@ private:
         std::string_view name;
         SourcePlace place; // of its declaration, else of what mentions it first
         Index index;
+        bool isName;
         Index firstContent = 0;
         Index contentCount = 0;
         Index firstAttribute = SourceTypes::kNone;
@@ -69,6 +70,7 @@ private:
     bool readNames();
     bool readContent(bool& holdsText);
     bool readGroup(bool& holdsText);
+    void readChild();
     bool readMark();
     void readException();
     void declareElement(Element& element, Index firstContent, bool holdsText);

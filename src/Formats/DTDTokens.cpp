@@ -10,6 +10,7 @@ namespace {
 constexpr CharSet kBlank(" \t\r\n");
 constexpr CharSet kDelimiter(" \t\r\n()|,&*?+\"'<>%;#[]");
 constexpr CharSet kMarkup("%<]");
+constexpr std::ptrdiff_t kLongKey = 200;
 
 const char* find(const char* from, const char* end, std::string_view what)
 {
@@ -133,24 +134,23 @@ void DTDTokens::skipInstruction()
 // A conditional section: what holds is read on; what doesn't is skipped with the sections inside it.
 void DTDTokens::readSection()
 {
-    declaration = placeIn(frames.back());
-    frames.back().at += 3;
+    Frame& frame = frames.back();
+    declaration = placeIn(frame);
+    frame.at += 3;
+    const char* const start = frame.at;
+    const char* const open = std::find(start, start + std::min(frame.end - start, kLongKey), '[');
     base = frames.size();
     bool isIgnored = false, isKnown = false;
-    CString keys;
     for (next(); current.kind == tokenWord; next()) {
         isIgnored |= current.text == "IGNORE" || current.text == "ignore";
         isKnown |= current.text == "INCLUDE" || current.text == "include";
-        keys.append(keys.empty() ? "" : " ").append(current.text.substr(0, 100));
     }
-    if (!current.isMark('[')) {
+    if (!current.isMark('['))
         report.add(SourceReport::senselessDeclaration, declaration, "section without '['");
-        return;
-    }
-    if (isIgnored)
+    else if (isIgnored)
         skipSection();
     else if (!isKnown)
-        report.add(SourceReport::unknownSection, declaration, keys);
+        report.add(SourceReport::unknownSection, declaration, trimmed({start, static_cast<std::size_t>(open - start)}));
 }
 
 void DTDTokens::skipSection()

@@ -80,6 +80,25 @@ TEST_F(ImportCommand, AnswersExactly)
         {"echo '<!ELEMENT r (a)><!ATTLIST r b CDATA #REQUIRED>' | $import dtd /dev/stdin --list",
          {0, "\\sys\\rosettanet\\r\\r\tr (Automatically created)\n",
           says("Can not parse DTD statement:\n r b CDATA #REQUIRED>")}},
+        // What the full reading knows of a source is named where the literal one came to nothing, and read by it.
+        {"echo '<!ENTITY % a \"b\"><!ATTLIST r b NMTOKEN #IMPLIED><!-- <a> -->' >f.dtd; $import dtd f.dtd -o /dev/null",
+         {0, "",
+          says("Can not parse DTD statement:\n r b NMTOKEN #IMPLIED>") +
+              says("read it with --full: it uses parameter entities, comments with markup, attributes other than CDATA "
+                   "#IMPLIED")}},
+        {"echo '<x:schema xmlns:x=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"t\"/>' >f.xsd;"
+         "$import xsd f.xsd",
+         {1, "",
+          says("Parse error: this document does not contain a root element") +
+              says("read it with --full: it uses a target namespace, a prefix other than xs")}},
+        {"$import dtd r.dtd --full --root r --report - -l",
+         {0, kList,
+          "r.dtd:1: reference to nothing that was read: a\nr.dtd:1: reference to nothing that was read: b\n\n"
+          "2 reference to nothing that was read\n"}},
+        {"$import dtd r.dtd --full --report new -o old && cat new | tail -1",
+         {0, "2 reference to nothing that was read\n", ""}},
+        {"$import dtd r.dtd --full --root a", {1, "", says("There is no element called a.")}},
+        {"$import dtd r.dtd --full --report none/x", {1, "", says("Can't open file none/x, error = 2")}},
         {"echo '<r/>' >e.xml; $import btd e.xml", {1, "", says("nothing was imported from e.xml")}},
         {"$import dtd .", {1, "", says("Can't open file ., error = 5")}},
         {"$import dtd r.dtd -o none/x", {1, "", says("Can't open file none/x, error = 2")}},
@@ -96,7 +115,8 @@ TEST_F(ImportCommand, AnswersExactly)
 TEST_F(ImportCommand, RefusesACommandLineThatIsOff)
 {
     for (const char* arguments : {"", "dtd", "doc r.dtd", "dtd r.dtd more", "dtd r.dtd --nonsense",
-                                  "dtd r.dtd -l --type r", "dtd r.dtd -o", "dtd r.dtd -o new -o old"}) {
+                                  "dtd r.dtd -l --type r", "dtd r.dtd --root r", "dtd r.dtd --report -",
+                                  "xml r.dtd --full", "dtd r.dtd -o", "dtd r.dtd -o new -o old"}) {
         const Answer answer = run(std::string("$import ") + arguments);
         EXPECT_EQ(answer.status, 2) << arguments;
         EXPECT_EQ(answer.out, "") << arguments;

@@ -1,0 +1,254 @@
+#include "Formats/DTDFullMsg.h"
+#include "support/FullTypes.h"
+#include "support/Importing.h"
+
+namespace {
+
+#define LATIN1 "<?xml version='1.0' encoding='ISO-8859-1'?>"
+
+CString utf16(const CString& latin1)
+{
+    CString text = "\xFF\xFE";
+    for (const char c : latin1)
+        (text += c) += '\0';
+    return text;
+}
+
+struct Rule
+{
+    const char* name;
+    CString dtd;
+    const char* types;
+    const char* report = "";
+    std::vector<std::pair<const char*, CString>> others = {};
+};
+
+const Rule kRules[] = {
+    {"EveryChildIsAField", "<!ELEMENT r (a,b?)><!ELEMENT a (c)><!ELEMENT b EMPTY><!ELEMENT c (#PCDATA)>",
+     "a(c:String) r(a:a b:String)"},
+    {"RepeatsByItsMarkAGroupsOrTwiceInASequence",
+     "<!ELEMENT r (a*,b+,(c,(d|e))*,f,f,g?)><!ELEMENT a (b)>"
+     "<!ELEMENT b EMPTY><!ELEMENT c EMPTY><!ELEMENT d EMPTY><!ELEMENT e EMPTY><!ELEMENT f EMPTY><!ELEMENT g EMPTY>",
+     "t_f[String] t_e[String] t_d[String] t_c[String] t_b[String] a(b:String) t_a[a] "
+     "r(a:t_a b:t_b c:t_c d:t_d e:t_e f:t_f g:String)"},
+    {"AChoiceTakesTheMost",
+     "<!ELEMENT r ((a|(a,b)),(c|d),((e|d)))><!ELEMENT a EMPTY><!ELEMENT b EMPTY><!ELEMENT c EMPTY><!ELEMENT d EMPTY>"
+     "<!ELEMENT e EMPTY>",
+     "t_d[String] r(a:String b:String c:String d:t_d e:String)"},
+    {"TextBesideFieldsIsAValue",
+     "<!ELEMENT r (m,t,e)><!ELEMENT m (#PCDATA|x)*><!ELEMENT t (#PCDATA)><!ELEMENT e EMPTY><!ELEMENT x EMPTY>"
+     "<!ATTLIST t u CDATA #IMPLIED><!ATTLIST e u CDATA #IMPLIED>",
+     "e(e_u:String) t(value:String t_u:String) t_x[String] m(value:String x:t_x) r(m:m t:t e:e)",
+     "x:1: mixed content (order of text lost): m\n\n1 mixed content (order of text lost)\n"},
+    {"ARecordInsideItself", "<!ELEMENT s (s*,p)><!ELEMENT p (s?)>", "p(s:s) t_s[s] s(s:t_s p:p)"},
+    {"NamesGiveWay",
+     "<!ELEMENT r (r_i,value,#PCDATA)><!ELEMENT r_i EMPTY><!ELEMENT value EMPTY><!ATTLIST r i CDATA #IMPLIED>",
+     "r(value_2:String r_i:String value:String r_r_i:String)",
+     "x:1: mixed content (order of text lost): r\nx:1: name changed: r_i is r_r_i\n"
+     "x:1: name changed: value is value_2\n\n2 name changed\n1 mixed content (order of text lost)\n"},
+    {"TypesShareOneNameSpace",
+     "<!ELEMENT r (k*,t_k,j)><!ELEMENT t_k (k)><!ELEMENT k (m)><!ELEMENT m EMPTY><!ELEMENT j (m)>"
+     "<!ATTLIST j k (a|b) 'a'><!ATTLIST r k (a|b) 'a'><!ATTLIST k k (c) 'c'>",
+     "j_k{a|b} k_k{c} k(m:String k_k:k_k) t_k(k:k) j(m:String j_k:j_k) t_r_k[k] r(k:t_r_k t_k:t_k j:j r_k:j_k)",
+     "x:1: name changed: k is k_k\nx:1: name changed: k is j_k\n\n3 default\n2 name changed\n"},
+    {"EnumerationsAreTheirConstants",
+     "<!ELEMENT r (a)><!ELEMENT a EMPTY><!ATTLIST r u ( yes | no ) 'no' v (-1|yes.no) #REQUIRED w () #IMPLIED>"
+     "<!ATTLIST a u (yes|no) #IMPLIED>",
+     "v{-1|yes.no} u{yes|no} a(a_u:u) r(a:a r_u:u r_v:v r_w:String)", "1 default\n"},
+    {"AttributesOfEveryTypeAndDefault",
+     "<!ATTLIST r b ID #REQUIRED c NMTOKENS 'x > y' d NOTATION (e|f) #IMPLIED g CDATA #FIXED \"'\">"
+     "<!ELEMENT r (a)><!ATTLIST r b CDATA #IMPLIED h ENTITY #IMPLIED><!ELEMENT a ANY>",
+     "r(a:String r_b:String r_c:String r_d:String r_g:String r_h:String)",
+     "x:1: declared twice: r b\nx:1: content ANY: a\n\n2 default\n1 declared twice\n1 content ANY\n"},
+    {"NamespacesAreNoData",
+     "<!ELEMENT f:r (f:a)><!ELEMENT f:a EMPTY><!ATTLIST f:r xmlns CDATA #FIXED 'u' xmlns:f CDATA #FIXED 'u' f:b CDATA "
+     "#IMPLIED>",
+     "f:r(f:a:String f:r_f:b:String)", "2 default\n"},
+    {"TheFirstDeclarationHolds", "<!ELEMENT r (a)>\n<!ELEMENT a EMPTY><!ELEMENT r (b)>", "r(a:String)",
+     "x:2: declared twice: r\nx:2: reference to nothing that was read: b\n\n1 reference to nothing that was read\n"
+     "1 declared twice\n"},
+    {"AChildThatNobodyDeclares", "<!ELEMENT r (a, b)><!ATTLIST b c CDATA #IMPLIED>", "b(b_c:String) r(a:String b:b)",
+     "x:1: reference to nothing that was read: a\nx:1: reference to nothing that was read: b\n\n"
+     "2 reference to nothing that was read\n"},
+    {"CommentsAndInstructionsAreSkippedWhole",
+     "<?a > <!ELEMENT no (way)> ?><!-- <!ELEMENT no (way)> %no; ' --><!ELEMENT r (a)><!ELEMENT a EMPTY>"
+     "<!ATTLIST r <!-- %no; > \" --> b CDATA #IMPLIED -- 'c' %no; -- c CDATA #IMPLIED><!><?sgml><!---->",
+     "r(a:String r_b:String r_c:String)"},
+    {"EntitiesBetweenAndInsideDeclarations",
+     "<!ENTITY % n 'r'><!ENTITY % m \"(a|%n;-b)\"><!ENTITY % t '<!ELEMENT a EMPTY><!ATTLIST %n; %l;>'>"
+     "<!ENTITY % l 'c CDATA'><!ENTITY % l 'd CDATA'><!ELEMENT %n; %m;*>%t;<!ELEMENT r-b EMPTY>",
+     "t_r-b[String] t_a[String] r(a:t_a r-b:t_r-b r_c:String)"},
+    {"ReferencesThatAValueHides",
+     "<!ENTITY % a '&#37;b;&#x2C;c'><!ENTITY % b 'd'><!ELEMENT r (%a;)><!ELEMENT c EMPTY><!ELEMENT d EMPTY>",
+     "r(d:String c:String)"},
+    {"AnEntityThatNobodyDeclared",
+     "<!ELEMENT r (a, %u; b)><!ELEMENT a %u;><!ELEMENT b EMPTY>\n<!ATTLIST r %u; c %u; d %u; #IMPLIED e CDATA %u;>%u;",
+     "r(a:String b:String r_c:String r_d:String r_e:String)",
+     "x:1: entity declared nowhere: u\nx:1: entity declared nowhere: u\nx:2: entity declared nowhere: u\n"
+     "x:2: entity declared nowhere: u\nx:2: entity declared nowhere: u\nx:2: entity declared nowhere: u\n"
+     "x:2: entity declared nowhere: u\n\n7 entity declared nowhere\n"},
+    {"EntitiesThatLeadBackAreCut", "<!ENTITY % a '%b;'><!ENTITY % b '(%a;x)'><!ELEMENT r %a;><!ELEMENT x EMPTY>",
+     "r(x:String)", "x:1: declaration that makes no sense: b inside itself\n\n1 declaration that makes no sense\n"},
+    {"ModulesAreFoundAsTheyAreWritten",
+     "<!ENTITY % m PUBLIC '-//x//EN' 'Sub/M%201.MOD'>%m;<!ENTITY % n SYSTEM 'http://x/n'>\n%n;<!ENTITY % o PUBLIC 'o'>"
+     "%o;<!ENTITY % p SYSTEM 'sub'>%p;",
+     "s(b:String) r(s:s)",
+     "sub/m 1.mod:2: declaration that makes no sense: back inside itself\nx:2: module or document not there: "
+     "http://x/n\nx:2: module or document not there: o\n"
+     "x:2: module or document not there: sub\n\n3 module or document not there\n"
+     "1 declaration that makes no sense\n",
+     {{"sub/m 1.mod", "<!ENTITY % m2 SYSTEM '2.mod'>\n%m2;<!ENTITY % back SYSTEM '../x'>%back;"},
+      {"sub/2.mod", "<!ELEMENT r (s)><!ELEMENT s (b)><!ELEMENT b EMPTY>"}}},
+    {"SectionsByTheirKeys",
+     "<!ENTITY % off 'IGNORE'><!ENTITY % key ' %off; '><!ENTITY % on 'INCLUDE'>\n"
+     "<![%on;[<!ELEMENT r (a,b)><![ %key; [<!ELEMENT r (no)>]]><![INCLUDE[<!ELEMENT a EMPTY>]]>]]>"
+     "<![ IGNORE [<![ INCLUDE [ <!ELEMENT b (no)> ]]> ' ]]>\n<![%u;[<!ELEMENT b (c)>]]><![MAYBE[<!ELEMENT c EMPTY>]]>",
+     "b(c:String) r(a:String b:b)",
+     "x:3: entity declared nowhere: u\nx:3: section with an unknown key: %u;\nx:3: section with an unknown key: "
+     "MAYBE\n\n"
+     "2 section with an unknown key\n1 entity declared nowhere\n"},
+    {"SgmlsWays",
+     "<!ENTITY % t '#PCDATA'>\n<!element (H1|H2) - - (%t|B)* -- it's a heading --><!ELEMENT B - O EMPTY>\n"
+     "<!ELEMENT r O O (H1 & H2?) -(B) +(I)><!ELEMENT I - - CDATA +(B)>"
+     "<!ATTLIST (r|B) n NUMBER 1 -- %no; -- s NAME #CURRENT c (c) c>",
+     "c{c} B(B_n:String B_s:String B_c:c) t_B[B] H1(value:String B:t_B) H2(value:String B:t_B) "
+     "r(H1:H1 H2:H2 r_n:String r_s:String r_c:c)",
+     "x:2: mixed content (order of text lost): H1\nx:2: mixed content (order of text lost): H2\n"
+     "x:3: SGML exception: r\nx:3: SGML exception: I\n\n2 SGML exception\n2 mixed content (order of text lost)\n"
+     "2 default\n"},
+    {"WhatMakesNoSenseIsSkipped",
+     "<!ELEMENT><!ELEMENT 1 (a)>\n<!ELEMENT r (a,=,b) <!ELEMENT a EMPTY>\n<!ATTLIST r = CDATA #IMPLIED>"
+     "<!ATTLIST r c CDATA \"x><!ELEMENT b (d><!SHORTREF x>]]> > <\n<![ x <!ENTITY % 'x'>\n<!ENTITY x 'y'><!NOTATION z "
+     "SYSTEM 'z'><!ELEMENT d EMPTY><!-- <!ELEMENT",
+     "b(d:String) r(a:String b:b r_c:String)",
+     "x:1: declaration that makes no sense: ELEMENT without a name\n"
+     "x:1: declaration that makes no sense: ELEMENT without a name\n"
+     "x:2: declaration that makes no sense: =\nx:2: declaration that makes no sense: declaration without an end\n"
+     "x:3: declaration that makes no sense: r\nx:3: declaration that makes no sense: r\n"
+     "x:3: declaration that makes no sense: b\nx:3: declaration that makes no sense: SHORTREF\n"
+     "x:4: declaration that makes no sense: section without '['\n"
+     "x:4: declaration that makes no sense: ENTITY without a name\n"
+     "x:5: declaration that makes no sense: comment without an end\n\n11 declaration that makes no sense\n"
+     "1 general entity\n1 notation\n"},
+    {"ADoctypeHoldsDeclarations", "<!DOCTYPE r SYSTEM 'no' [ <!ELEMENT r (a)><!ELEMENT a EMPTY> ]>", "r(a:String)"},
+    {"ALeafIsARecordOfItsValue", "<!ELEMENT a (#PCDATA)>", "a(value:String)"},
+    {"WithoutAnElementTheFileNamesTheFolder", "<!ATTLIST a b (c) #IMPLIED>", "b{c} a(a_b:b)",
+     "x:1: reference to nothing that was read: a\n\n1 reference to nothing that was read\n"},
+    // Each file by its own encoding: a byte order mark, what is declared, UTF-8, else Windows-1252.
+    {"FileByFileAnEncoding",
+     LATIN1 "<!ENTITY % m SYSTEM 'm'>%m;<!ENTITY % n SYSTEM 'n'>%n;<!ENTITY % o SYSTEM 'o'>%o;"
+            "<!ELEMENT \xE4 (a, b, c)>",
+     "c(\u017E:String) b(\u00FC:String) a(\u00F6:String) \u00E4(a:a b:b c:c)",
+     "",
+     {{"m", utf16("<!ELEMENT a (\xF6)><!ELEMENT \xF6 EMPTY>")},
+      {"n", "\xEF\xBB\xBF<!ELEMENT b (\u00FC)><!ELEMENT \u00FC EMPTY>"},
+      {"o", "<?xml encoding='no'?><!ELEMENT c (\x9E)><!ELEMENT \x9E EMPTY>"}}},
+};
+
+using DtdMain = Importing<DTDFullMessage>;
+
+class DtdRule : public Importing<DTDFullMessage>, public testing::WithParamInterface<Rule>
+{};
+
+TEST_P(DtdRule, GivesTypesAndReport)
+{
+    for (const auto& [name, text] : GetParam().others)
+        folder.write(name, text);
+    EXPECT_EQ(import(GetParam().dtd), 1);
+    EXPECT_EQ(fullTypesOf(message), GetParam().types) << GetParam().dtd;
+    EXPECT_EQ(reportOf(message, folder.path()), GetParam().report);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, DtdRule, testing::ValuesIn(kRules), [](const auto& row) { return row.param.name; });
+
+TEST_F(DtdMain, IsChosenByReach)
+{
+    const CString chain = "<!ELEMENT a (b)><!ELEMENT b (c)><!ELEMENT c (d)>";
+    struct
+    {
+        const char* file;
+        CString dtd;
+        const char* root;
+        const char* main;
+    } const rows[] = {
+        {"x", "<!ELEMENT leaf EMPTY><!ELEMENT c (d)>" + chain, "", "a"},
+        {"x", chain + "<!ELEMENT f (g)><!ELEMENT g (h)><!ELEMENT h (i)>", "", "a"}, // of equals the first
+        {"1.2-B.dtd", chain, "", "b"},                                              // two of three
+        {"1.2-C.dtd", chain, "", "a"},                                              // one of three
+        {"ab_bc.b2.dtd", chain, "", "a"},                                           // no word
+        {"x", "<!ELEMENT a (b)><!ELEMENT b (a)><!ELEMENT c (b)>", "", "c"},
+        {"x.1.dtd", "<!ATTLIST a b CDATA #IMPLIED>", "", "x.1"},
+        {"1 x.dtd", "<!ATTLIST a b CDATA #IMPLIED>", "", "_1_x"},
+        {"x", chain, "c", "c"},
+        {"x", chain + "<!ELEMENT leaf EMPTY>", "leaf", "leaf"},
+    };
+    for (const auto& row : rows) {
+        message.setRoot(row.root);
+        EXPECT_EQ(message.parseFile(folder.write(row.file, row.dtd), "\\"), 1);
+        EXPECT_EQ(message.queryMainTypeName(), row.main) << row.file << " " << row.dtd;
+    }
+    EXPECT_EQ(fullTypesOf(message), "leaf(value:String)"); // what the root reaches
+}
+
+// Sources that grow, nest or repeat beyond all bounds, and the words of their refusal; those without pass.
+TEST_F(DtdMain, RefusesWhatPassesABound)
+{
+    const auto numbered = [](std::size_t from, std::size_t to,
+                             const std::function<CString(const CString&, const CString&)>& make) {
+        CString all;
+        for (; from < to; ++from)
+            all += make(std::to_string(from), std::to_string(from + 1));
+        return all;
+    };
+    const auto later = [](const CString& n, const CString& next) { return "<!ENTITY % e" + n + " '%e" + next + ";'>"; };
+    const auto name = [](const CString& n, const CString&) { return "n" + n + "|"; };
+    const auto once = [](const CString& n, const CString& next) { return "<!ENTITY % e" + next + " '%e" + n + ";'>"; };
+    const auto twice = [](const CString& n, const CString& next) {
+        return "<!ENTITY % e" + next + " '%e" + n + ";%e" + n + ";'>";
+    };
+    const CString names = "(" + numbered(0, 1100, name) + "n)";
+    const CString deep = times(100'000, "("), longName(1 << 20, 'n');
+    for (int i = 0; i < 10'000; ++i)
+        folder.write("m" + std::to_string(i), "<!ELEMENT m" + std::to_string(i) + " (a)>");
+    const std::pair<CString, const char*> rows[] = {
+        {"<!ELEMENT r (a)>" + numbered(0, 39, later) + "<!ENTITY % e39 ''>%e0;", ""},
+        {"<!ELEMENT r (a)>" + numbered(0, 40, later) + "<!ENTITY % e40 ''>%e0;", "40 entities inside each other"},
+        {"<!ENTITY % e0 'a'>" + numbered(0, 50, once), "40 entities inside each other"},
+        {"<!ENTITY % e0 '" + times(100, "a") + "'>" + numbered(0, 30, twice), "100 times its own size in entities"},
+        {"<!ENTITY % m SYSTEM 'm0'><!ENTITY % e0 '%m;%m;'>" + numbered(0, 25, twice) + "%e25;",
+         "100 times its own size in entities"},
+        {"<!ELEMENT " + names + names + ">", "1000000 fields"},
+        {"<!ATTLIST " + names +
+             numbered(0, 1100, [](const CString& n, const CString&) { return "n" + n + " ID 'x' "; }) + ">",
+         "1000000 fields"},
+        {"<!ELEMENT " + longName + " (a)><!ATTLIST " + longName +
+             numbered(0, 300, [](const CString& n, const CString&) { return " n" + n + " ID 'x'"; }) + ">",
+         "256 MB of names"},
+        {"<!ELEMENT " + longName + " (a)>", ""},
+        {"<!ELEMENT r " + deep + "a" + times(100'000, ")*") + "><![" + times(100'000, "<![INCLUDE[") + deep, ""},
+        {"<!ELEMENT r (a)>" + times(100'000, "<!--") + times(100'000, "<?") + times(100'000, "<!ATTLIST '\"%"), ""},
+        {numbered(
+             0, 10'000,
+             [](const CString& n, const CString&) { return "<!ENTITY % m" + n + " SYSTEM 'm" + n + "'>%m" + n + ";"; }),
+         ""},
+    };
+    for (const auto& [dtd, refusal] : rows) {
+        const CString file = folder.write("x", dtd);
+        const bool passes = *refusal == '\0';
+        EXPECT_EQ(message.parseFile(file, "\\"), passes) << dtd.substr(0, 50);
+        EXPECT_EQ(boxes.take(),
+                  passes ? std::vector<CString>() : std::vector<CString>{file + ": more than " + refusal + "."});
+    }
+    EXPECT_EQ(message.beginEnum(), 10'000);
+}
+
+TEST_F(DtdMain, NothingToImportIsAnError)
+{
+    EXPECT_EQ(import("<!ENTITY % a 'b'>"), 0);
+    EXPECT_THAT(boxes.take(), testing::ElementsAre(folder.path("x") + " declares no element, type or enumeration."));
+    message.setRoot("no");
+    EXPECT_EQ(import("<!ELEMENT a (b)>"), 0);
+    EXPECT_THAT(boxes.take(), testing::ElementsAre("There is no element called no."));
+}
+
+} // namespace
