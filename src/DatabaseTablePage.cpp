@@ -1,6 +1,7 @@
 #include "DatabaseTablePage.h"
 
 #include "Platform/Database/Tables.h"
+#include "Platform/Ui/ListFilter.h"
 #include "Platform/Ui/ListView.h"
 #include "Platform/Ui/WaitCursor.h"
 #include "QELWizard.h"
@@ -26,7 +27,9 @@ void DatabaseTablePage::OnInitDialog()
     connect(tableList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
     auto* group = new QGroupBox("Available &tables");
     group->setFocusProxy(tableList); // the group's letter leads there
-    (new QVBoxLayout(group))->addWidget(tableList);
+    auto* rows = new QVBoxLayout(group);
+    rows->addWidget(tableList);
+    rows->insertWidget(0, new ListFilter(*tableList, "tables")); // above, but behind the list for Tab
     (new QVBoxLayout(this))->addWidget(group);
 }
 

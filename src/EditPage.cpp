@@ -1,5 +1,7 @@
 #include "EditPage.h"
 
+#include "KindMark.h"
+#include "Platform/Ui/ListFilter.h"
 #include "Platform/Ui/ListView.h"
 #include "Platform/Ui/Viewer.h"
 #include "QELWizard.h"
@@ -36,6 +38,7 @@ void EditPage::OnInitDialog()
     connect(view, &QPushButton::clicked, this, &EditPage::OnEdit);
     auto* column = new QVBoxLayout(this);
     column->addWidget(typeList, 1);
+    column->insertWidget(0, new ListFilter(*typeList, "types")); // above, but behind the list for Tab
     column->addWidget(view, 0, Qt::AlignRight);
 }
 
@@ -45,10 +48,15 @@ void EditPage::OnSetActive()
     types.reserve(static_cast<std::size_t>(wizard->message->beginEnum()));
     while (Element* element = wizard->message->enumNext())
         types.push_back(element);
-    typeList->setRows(static_cast<int>(types.size()), [this](int row, int column) {
-        const Element* element = types[static_cast<std::size_t>(row)];
-        return column == 0 ? element->queryName() : element->queryDescription();
-    });
+    typeList->setRows(
+        static_cast<int>(types.size()),
+        [this](int row, int column) {
+            const Element* element = types[static_cast<std::size_t>(row)];
+            return column == 0 ? element->queryName() : element->queryDescription();
+        },
+        [this](int row) -> const ListRows::Mark& {
+            return kindMark(types[static_cast<std::size_t>(row)]->queryType());
+        });
 }
 
 LRESULT EditPage::OnWizardBack()

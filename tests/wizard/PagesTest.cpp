@@ -1,3 +1,4 @@
+#include "Platform/Ui/ListFilter.h"
 #include "Platform/Ui/ModalBox.h"
 #include "Platform/Ui/WaitCursor.h"
 #include "QEL.h"
@@ -5,8 +6,10 @@
 #include "wizard/Desk.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
@@ -239,6 +242,42 @@ TEST(TypesPage, HasFiftyThousandTypesAndForgetsThemOnTheWayBack)
     desk.click("back"); // the elements are freed here
     desk.wizard().grab();
     EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
+}
+
+struct Arrangement
+{
+    int clicks; // on the first title
+    const char* filter;
+    const char* shown;
+    int selected; // of the third row, which is selected at first
+} const kArrangements[] = {
+    {0, "", "b\nA\nc", 2}, {1, "", "A\nb\nc", 2}, {2, "", "c\nb\nA", 2},
+    {3, "", "b\nA\nc", 2}, {2, "B", "c\nb", 2},   {0, "a", "A", -1},
+};
+
+TEST(List, FiltersSortsAndCopies)
+{
+    const std::pair<const char*, const char*> cells[] = {{"b", ""}, {"A", ""}, {"c", "like b"}};
+    for (const Arrangement& row : kArrangements) {
+        ListView list({{"Name", 50}, {"Description", 50}}, "Rows");
+        ListFilter filter(list, "rows");
+        list.setRows(3, [&](int at, int column) { return column == 0 ? cells[at].first : cells[at].second; });
+        list.show();
+        list.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
+        list.selectRow(2);
+        for (int i = 0; i < row.clicks; ++i)
+            QTest::mouseClick(list.header()->viewport(), Qt::LeftButton, {}, {5, 5});
+        QTest::keyClicks(filter.findChild<QLineEdit*>(), row.filter);
+        EXPECT_EQ(list.selectedRow(), row.selected);
+        QTest::keySequence(&list, QKeySequence::Copy);
+        EXPECT_EQ(QApplication::clipboard()->text(), row.selected == 2 ? "c" : row.shown);
+        list.clearSelection();
+        QTest::keySequence(&list, QKeySequence::Copy);
+        EXPECT_EQ(QApplication::clipboard()->text(), row.shown);
+        list.selectRow(0); // also where the filter hides it
+        EXPECT_EQ(list.selectedRow(), 0);
+    }
 }
 
 TEST(OutputFilePage, StaysWhereTheDeviceIsFullAndReplacesAFile)

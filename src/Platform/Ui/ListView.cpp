@@ -2,70 +2,110 @@
 
 #include "Platform/Ui/UiText.h"
 
-#include <QAbstractTableModel>
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 
 #include <algorithm>
 
-class ListView::Model : public QAbstractTableModel
+namespace {
+
+QStringList titlesOf(const std::vector<ListView::Column>& columns)
 {
-public:
-    explicit Model(ListView& view) : QAbstractTableModel(&view), list(view) {}
+    QStringList titles;
+    for (const ListView::Column& column : columns)
+        titles.append(toUi(column.title));
+    return titles;
+}
 
-    void setRows(int newCount, CellText newCells)
-    {
-        beginResetModel();
-        count = newCount;
-        cells = std::move(newCells);
-        endResetModel();
-    }
-
-    int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : count; }
-    int columnCount(const QModelIndex& parent = {}) const override
-    {
-        return parent.isValid() ? 0 : static_cast<int>(list.columns.size());
-    }
-    QVariant data(const QModelIndex& index, int role) const override
-    {
-        return role == Qt::DisplayRole ? toUi(cells(index.row(), index.column())) : QVariant();
-    }
-    QVariant headerData(int section, Qt::Orientation, int role) const override
-    {
-        return role == Qt::DisplayRole ? toUi(list.columns[static_cast<std::size_t>(section)].title) : QVariant();
-    }
-
-    CellText cells;
-
-private:
-    const ListView& list;
-    int count = 0;
-};
-
-ListView::ListView(std::vector<Column> listColumns, const CString& accessibleName) : columns(std::move(listColumns))
+// Whole rows, neighbours together: each range of a selection costs a look at all others.
+QItemSelection selectionOf(const ListRows& rows, const std::vector<int>& numbers)
 {
-    rows = new Model(*this);
+    std::vector<int> places;
+    for (const int number : numbers)
+        if (const QModelIndex index = rows.indexOf(number); index.isValid())
+            places.push_back(index.row());
+    std::sort(places.begin(), places.end());
+    QItemSelection selection;
+    const int last = rows.columnCount() - 1;
+    for (auto from = places.begin(), to = from; from != places.end(); from = to) {
+        while (to != places.end() && *to - *from == to - from)
+            ++to;
+        selection.select(rows.index(*from, 0), rows.index(*std::prev(to), last));
+    }
+    return selection;
+}
+
+} // namespace
+
+ListView::ListView(std::vector<Column> listColumns, const CString& accessibleName) :
+    rows(new ListRows(titlesOf(listColumns), this)), columns(std::move(listColumns))
+{
     setModel(rows);
     setAccessibleName(toUi(accessibleName));
     setRootIsDecorated(false);
-    header()->setStretchLastSection(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
+    setUpHeader();
+    auto* copy = new QAction("&Copy names", this);
+    copy->setShortcut(QKeySequence::Copy);
+    copy->setShortcutContext(Qt::WidgetShortcut);
+    connect(copy, &QAction::triggered, this, &ListView::copyNames);
+    addAction(copy);
+    setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
-void ListView::setRows(int count, CellText cells)
+void ListView::setUpHeader()
+{
+    header()->setStretchLastSection(false);
+    header()->setSectionsMovable(false);
+    header()->setSectionsClickable(true);
+    header()->setSortIndicatorClearable(true);
+    header()->setSortIndicator(-1, Qt::AscendingOrder);
+    header()->setSortIndicatorShown(true);
+    connect(header(), &QHeaderView::sortIndicatorChanged, this, &ListView::arrange);
+}
+
+void ListView::setRows(int count, CellText cells, RowMark marks)
 {
     const QScopedValueRollback<bool> own(byUser, false);
-    rows->setRows(count, std::move(cells));
+    filter.clear();
+    {
+        const QSignalBlocker quiet(header()); // the rows are put in order below
+        header()->setSortIndicator(-1, Qt::AscendingOrder);
+    }
+    rows->setRows(count, std::move(cells), std::move(marks));
+    Q_EMIT shownRowsChanged(filter);
 }
 
-CString ListView::cell(int row, int column) const
+void ListView::setFilter(const QString& text)
 {
-    return rows->cells(row, column);
+    if (text == filter)
+        return;
+    filter = text;
+    arrange();
+    Q_EMIT shownRowsChanged(filter);
+}
+
+void ListView::arrange()
+{
+    const std::vector<int> selected = selectedRows();
+    const int current = currentIndex().isValid() ? rows->rowAt(currentIndex().row()) : -1;
+    {
+        const QScopedValueRollback<bool> own(byUser, false);
+        rows->arrange(filter, header()->sortIndicatorSection(), header()->sortIndicatorOrder());
+        selectionModel()->setCurrentIndex(rows->indexOf(current), QItemSelectionModel::NoUpdate);
+        selectionModel()->select(selectionOf(*rows, selected), QItemSelectionModel::Select);
+        scrollTo(currentIndex());
+    }
+    if (selectedRows() != selected)
+        Q_EMIT chosen();
 }
 
 int ListView::selectedRow() const
@@ -78,7 +118,7 @@ std::vector<int> ListView::selectedRows() const
 {
     std::vector<int> selected;
     for (const QModelIndex& index : selectionModel()->selectedRows())
-        selected.push_back(index.row());
+        selected.push_back(rows->rowAt(index.row()));
     std::sort(selected.begin(), selected.end());
     return selected;
 }
@@ -87,7 +127,24 @@ void ListView::selectRow(int row)
 {
     const QScopedValueRollback<bool> own(byUser, false);
     clearSelection();
-    setCurrentIndex(rows->index(row, 0)); // an index that is not valid for a row that there is not
+    if (row >= 0 && row < queryCount() && !rows->indexOf(row).isValid())
+        setFilter({});
+    setCurrentIndex(rows->indexOf(row)); // an index that is not valid for a row that there is not
+}
+
+void ListView::copyNames() const
+{
+    std::vector<int> places;
+    for (const QModelIndex& index : selectionModel()->selectedRows())
+        places.push_back(index.row());
+    std::sort(places.begin(), places.end());
+    QStringList names;
+    for (const int place : places)
+        names.append(rows->index(place, 0).data().toString());
+    if (places.empty())
+        for (int place = 0; place < rowCount(); ++place)
+            names.append(rows->index(place, 0).data().toString());
+    QGuiApplication::clipboard()->setText(names.join('\n'));
 }
 
 void ListView::resizeEvent(QResizeEvent* event)
