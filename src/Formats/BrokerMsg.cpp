@@ -2,20 +2,6 @@
 
 #include "Utils/XMLDoc.h"
 
-namespace {
-
-// Longer than this, the running key of an enumeration is folded: each constant's key holds those of all before it, and
-// the keys of a long enumeration would take the square of its length.
-constexpr std::size_t kLongKey = 256;
-
-void foldLongKey(CString& key)
-{
-    if (key.size() > kLongKey)
-        key = formatText("#%zu.%zu", key.size(), std::hash<std::string_view>()(key));
-}
-
-} // namespace
-
 const BrokerMessage::Content BrokerMessage::kContents[] = {
     {"ARRAY", Element::typeArray, &BrokerMessage::readArray},
     {"ENUM", Element::typeEnum, &BrokerMessage::readConstants},
@@ -86,25 +72,26 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
 // Each constant's key holds the type's name and all constants before it, so no two of an enumeration are the same.
 void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
 {
-    CString key = type.name, name, description;
+    RunningHash key(type.name);
+    CString name, description;
     for (IXMLDOMNode constant = content.firstChild(); constant; constant = constant.nextSibling()) {
         getAttribute(constant, "NAME", name);
         getAttribute(constant, "DESCRIPTION", description);
         key.append(".").append(name);
         addElement(key, type.folder, name, description, Element::typeString, type.element);
-        foldLongKey(key);
     }
 }
 
 void BrokerMessage::readFields(const IXMLDOMNode& content, const Type& type)
 {
-    CString key, name, description, knownType;
+    const RunningHash prefix("." + type.name + ".");
+    CString name, description, knownType;
     for (IXMLDOMNode field = content.firstChild(); field; field = field.nextSibling()) {
         getAttribute(field, "NAME", name);
         getAttribute(field, "DESCRIPTION", description);
         getAttribute(field, "TYPE", knownType);
-        key.assign(".").append(type.name).append(".").append(name);
-        addElement(key, type.folder, name, description, Element::typeOther, type.element)->setKnownType(knownType);
+        addElement(RunningHash(prefix).append(name), type.folder, name, description, Element::typeOther, type.element)
+            ->setKnownType(knownType);
     }
 }
 

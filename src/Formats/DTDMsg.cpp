@@ -15,6 +15,10 @@ constexpr CharSet kSeparators(",|&");
 constexpr CharSet kMarks("*+?");
 constexpr CharSet kWhite(kWhitespace);
 constexpr std::size_t kKeywordLength = 7;
+constexpr std::size_t kMaxMainType = 4096;
+constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; real texts whose ends drift reach 90 MB
+constexpr std::size_t kMaxOverlap = 16;         // times the text
+constexpr std::size_t kExcerpt = 200;           // what a message tells of a statement
 
 bool isTextKeyword(std::string_view name)
 {
@@ -40,6 +44,16 @@ std::string_view withoutNul(const CString& source, CString& copy)
 
 } // namespace
 
+void DTDElement::addChild(DTDElement* child)
+{
+    if (child->lastParent != this) {
+        child->lastParent = this;
+        child->timesThere = 0;
+    }
+    if (child->timesThere++ < 2)
+        children.push_back(child);
+}
+
 int DTDElement::beginEnum()
 {
     cursor = 0;
@@ -63,15 +77,13 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     CString copy;
     Text parsed(withoutNul(source, copy));
     text = &parsed;
-    scan();
+    const int result = scan();
     text = nullptr;
-    const CString path = basePath + mainType + "\\";
-    for (DTDElement* record : dtdElements)
-        if (record->beginEnum())
-            declareRecord(*record, path);
+    if (result)
+        declareAll(basePath + mainType + "\\");
     dtdElements.clear();
     memory.release();
-    return 1;
+    return result;
 }
 
 bool DTDMessage::isComment(std::size_t start) const
@@ -89,50 +101,68 @@ std::size_t DTDMessage::endFrom(std::size_t start, std::size_t from) const
 }
 
 // The k-th statement runs from the k-th '<' to the k-th end; starts and ends advance on their own.
-void DTDMessage::scan()
+int DTDMessage::scan()
 {
-    std::size_t from = 0;
+    std::size_t from = 0, read = 0;
     for (std::size_t start = text->whole.find('<'); start != kNowhere; start = text->whole.find('<', start + 1)) {
         std::size_t end = endFrom(start, from);
         if (end != kNowhere && end < start) // stray ends have put the ends behind the starts
             end = endFrom(start, start);
         if (end == kNowhere)
-            return;
-        doParse(start, end + 1);
+            return 1;
         from = end + 1;
+        if (isComment(start))
+            continue;
+        read += from - start;
+        if (read > kFreeOverlap && read / kMaxOverlap > text->whole.size())
+            return refuse(text->whole.substr(start, from - start));
+        if (!doParse(start, from))
+            return 0;
     }
+    return 1;
+}
+
+int DTDMessage::refuse(std::string_view statement)
+{
+    std::size_t size = std::min(statement.size(), kExcerpt);
+    while (size > 0 && size < statement.size() && (statement[size] & 0xC0) == 0x80) // inside a character
+        --size;
+    return fail(fillText(loadText(IDS_DTD_STATEMENT), statement.substr(0, size)));
 }
 
 // One statement, from its '<' to behind its '>'. Both handlers run when both keywords occur.
-void DTDMessage::doParse(std::size_t start, std::size_t end)
+int DTDMessage::doParse(std::size_t start, std::size_t end)
 {
-    if (isComment(start))
-        return;
     const auto behind = [end](std::size_t keyword) { // the place behind the keyword, when it lies in the statement
         return keyword != kNowhere && keyword + kKeywordLength <= end ? keyword + kKeywordLength : kNowhere;
     };
     if (const std::size_t element = behind(text->elementKeyword.from(start)); element != kNowhere)
-        doParseElement(element, end);
+        if (!doParseElement(element, end))
+            return 0;
     if (const std::size_t attlist = behind(text->attlistKeyword.from(start)); attlist != kNowhere)
         doParseAttlist(attlist, end);
+    return 1;
 }
 
 // What stands behind the keyword: a name up to the first space or '(', then the content model.
-void DTDMessage::doParseElement(std::size_t start, std::size_t end)
+int DTDMessage::doParseElement(std::size_t start, std::size_t end)
 {
     const std::size_t nameStart = std::min(text->nameStart.from(start), end);
     const std::size_t nameEnd = std::min(text->nameEnd.from(nameStart), end);
     if (nameStart == end)
-        return;
+        return 1;
     const std::string_view name = kBlank.trim(text->whole.substr(nameStart, nameEnd - nameStart));
+    if (mainType.empty() && name.size() > kMaxMainType)
+        return refuse(text->whole.substr(start, end - start));
     if (mainType.empty())
         mainType = name;
     DTDElement& element = addDTDElement(name, nullptr);
     const std::size_t group = text->groups.firstFrom(nameEnd);
     if (group == text->groups.size() || text->groups.openOf(group) >= end ||
         holdsTextOnly(text->groups.openOf(group), end))
-        return;
+        return 1;
     doParseField(nameEnd, end - 1, name.empty() ? nullptr : &element);
+    return 1;
 }
 
 // True when the first piece of the content model is empty or says that the element holds text.
@@ -202,7 +232,7 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
         if (mark.empty() || piece.ends_with('*') || piece.ends_with('+'))
             addDTDElement(piece, parent);
         else
-            addDTDElement(join(piece, mark), parent);
+            addJoined({piece, mark}, parent);
     }
 }
 
@@ -228,27 +258,17 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
         }
         if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)
             continue;
-        DTDElement& field = addDTDElement(join(element, "_", attribute), nullptr);
+        DTDElement& field = addJoined({element, "_", attribute}, nullptr);
         addDTDElement(element, nullptr).addChild(&field);
         drop(kCdata.size());
         drop(kImplied.size());
     }
 }
 
-// A name that does not stand in the text as it is.
-std::string_view DTDMessage::join(std::string_view a, std::string_view b, std::string_view c)
-{
-    char* joined = static_cast<char*>(memory.allocate(a.size() + b.size() + c.size(), 1));
-    std::size_t size = a.copy(joined, a.size());
-    size += b.copy(joined + size, b.size());
-    size += c.copy(joined + size, c.size());
-    return {joined, size};
-}
-
 // The entry of `child`, made when it is new; `parent` gets it as a child.
 DTDElement& DTDMessage::addDTDElement(std::string_view child, DTDElement* parent)
 {
-    const std::size_t hash = keyHash(child);
+    const std::uint32_t hash = keyHash(child);
     DTDElement* entry = dtdElements.find(child, hash);
     if (!entry) {
         entry = std::pmr::polymorphic_allocator<>(&memory).new_object<DTDElement>(child, &memory);
@@ -259,30 +279,48 @@ DTDElement& DTDMessage::addDTDElement(std::string_view child, DTDElement* parent
     return *entry;
 }
 
+// The same for a name that does not stand in the text as it is.
+DTDElement& DTDMessage::addJoined(std::initializer_list<std::string_view> pieces, DTDElement* parent)
+{
+    joined.clear();
+    for (const std::string_view piece : pieces)
+        joined.append(piece);
+    if (dtdElements.find(joined))
+        return addDTDElement(joined, parent);
+    char* kept = static_cast<char*>(memory.allocate(joined.size(), 1));
+    return addDTDElement({kept, joined.copy(kept, joined.size())}, parent);
+}
+
+void DTDMessage::declareAll(const CString& path)
+{
+    for (DTDElement* record : dtdElements)
+        if (record->beginEnum())
+            declareRecord(*record, path);
+}
+
 void DTDMessage::declareRecord(DTDElement& record, const CString& path)
 {
     const CString name(record.queryName());
-    Element* row = addElement(name, path, name, Element::typeRow, nullptr);
+    RunningHash key(name);
+    Element* row = addElement(key, path, name, Element::typeRow, nullptr);
+    key.append(".");
     while (DTDElement* child = record.enumNext())
-        declareField(*child, path, name, row);
+        declareField(*child, path, key, row);
 }
 
 // A mark that repeats is said by declaring the usage twice: the message base makes a table of a usage that it has seen
-// twice.
-void DTDMessage::declareField(DTDElement& child, const CString& path, const CString& recordName, Element* record)
+// twice. `usageKey` is what the keys of all fields of the record begin with.
+void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record)
 {
     std::string_view name = child.queryName();
     const Modifiers mark = getModifiers(name); // takes the mark off the name
-    usageKey.assign(recordName).append(".").append(name);
-    if (child.element) {
-        addUsage(usageKey, child.element, record);
-    } else {
-        const CString field(name);
-        child.element =
-            addElement(usageKey, path, field, fillText(loadText(IDS_AUTOMATIC), field), Element::typeString, record);
-    }
+    const Fingerprint key = usageKey.append(name);
+    if (child.element)
+        addUsage(key, child.element, record);
+    else
+        child.element = addElement(key, path, CString(name), Element::typeString, record);
     if (mark == modStar || mark == modPlus)
-        addUsage(usageKey, child.element, record);
+        addUsage(key, child.element, record);
 }
 
 // Takes all marks off the end of a name; one that repeats counts more than a '?'.

@@ -16,8 +16,9 @@ public:
 
     std::string_view queryName() const { return name; }
 
-    /// Appends a child; the same one may stand more than once.
-    void addChild(DTDElement* child) { children.push_back(child); }
+    /// Appends a child; the same one may stand more than once. That it repeats is known when it stands twice: a third
+    /// place, and all that statements give again which span each other, would only take room.
+    void addChild(DTDElement* child);
 
     /// Puts the cursor on the first child; nonzero when there is one.
     int beginEnum();
@@ -32,6 +33,8 @@ private:
     std::string_view name;
     std::pmr::vector<DTDElement*> children;
     std::size_t cursor = 0;
+    const DTDElement* lastParent = nullptr; // the one that got this name last as a child
+    unsigned timesThere = 0;                // how often, since another one did
 };
 
 /// The importer of DTD files. It reads ELEMENT and ATTLIST declarations and nothing else: every name that has children
@@ -39,7 +42,9 @@ private:
 ///
 /// Statements run from the k-th '<' to the k-th '>', so where one of them stands inside a comment or an entity value,
 /// starts and ends drift apart and a statement spans several declarations. Names of such statements are registered as
-/// they stand, but no part of the text is scanned anew for each statement.
+/// they stand, but no part of the text is scanned anew for each statement. Where statements span each other so often
+/// that together they are 16 times the text, and 128 MB, the import fails; so it does when the name of the main type,
+/// which is in the folder of every type, has more than 4,096 bytes.
 class DTDMessage : public MsgBase
 {
 public:
@@ -80,20 +85,22 @@ private:
         std::size_t closeSeen = 0;
     };
 
-    void scan();
+    int scan();
     bool isComment(std::size_t start) const;
     std::size_t endFrom(std::size_t start, std::size_t from) const;
-    void doParse(std::size_t start, std::size_t end);
-    void doParseElement(std::size_t start, std::size_t end);
+    int doParse(std::size_t start, std::size_t end);
+    int doParseElement(std::size_t start, std::size_t end);
     bool holdsTextOnly(std::size_t open, std::size_t end);
     std::size_t lastCloseBefore(std::size_t end);
     void doParseField(std::size_t start, std::size_t end, DTDElement* parent);
     void formatField(std::string_view content, std::string_view mark, DTDElement* parent);
     void doParseAttlist(std::size_t start, std::size_t end);
-    std::string_view join(std::string_view a, std::string_view b, std::string_view c = {});
     DTDElement& addDTDElement(std::string_view child, DTDElement* parent);
+    DTDElement& addJoined(std::initializer_list<std::string_view> pieces, DTDElement* parent);
+    void declareAll(const CString& path);
     void declareRecord(DTDElement& record, const CString& path);
-    void declareField(DTDElement& child, const CString& path, const CString& recordName, Element* record);
+    void declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record);
+    static int refuse(std::string_view statement);
     static Modifiers getModifiers(std::string_view& name);
 
     CString mainType; // the first element that this importer ever read
@@ -101,5 +108,5 @@ private:
     std::pmr::monotonic_buffer_resource memory{
         chunkMemory()}; // of the entries and of the names that don't stand in the text as they are
     Text* text = nullptr;
-    CString usageKey; // of the field in hand; kept for its room
+    CString joined; // a name that does not stand in the text as it is; kept for its room
 };

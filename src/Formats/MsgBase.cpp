@@ -57,52 +57,59 @@ Element* MsgBase::findElement(const CString& name) const
     return mergeByName && !name.empty() ? elements.find(name) : nullptr;
 }
 
-ChildElement* MsgBase::findUsage(std::string_view usageKey) const
+ChildElement* MsgBase::findUsage(const Fingerprint& usageKey) const
 {
-    return usageKey.empty() ? nullptr : usages.find(usageKey);
+    return usageKey.isEmpty() ? nullptr : usages.find(usageKey);
 }
 
 Element* MsgBase::addElement(const CString& usageKey, const CString& path, const CString& name,
                              const CString& description, Element::ElementTypes type, Element* parent)
 {
-    Element* element = findElement(name);
-    if (!element) {
-        element = newElement(path, name, type);
+    return addElement(Fingerprint(usageKey), path, name, description, type, parent);
+}
+
+Element* MsgBase::addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
+                             const CString& description, Element::ElementTypes type, Element* parent)
+{
+    const auto [element, isNew] = findOrMake(path, name, type);
+    if (isNew)
         element->setDescription(description);
-    }
     addUsage(usageKey, element, parent);
     return element;
 }
 
-Element* MsgBase::addElement(std::string_view usageKey, const CString& path, const CString& name,
+Element* MsgBase::addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
                              Element::ElementTypes type, Element* parent)
 {
-    Element* element = findElement(name);
-    if (!element) {
-        element = newElement(path, name, type);
+    const auto [element, isNew] = findOrMake(path, name, type);
+    if (isNew)
         element->describeByName();
-    }
     addUsage(usageKey, element, parent);
     return element;
 }
 
-void MsgBase::addUsage(std::string_view usageKey, Element* element, Element* parent)
+void MsgBase::addUsage(const Fingerprint& usageKey, Element* element, Element* parent)
 {
-    const std::size_t hash = keyHash(usageKey);
-    if (ChildElement* usage = usageKey.empty() ? nullptr : usages.find(usageKey, hash)) {
+    if (ChildElement* usage = findUsage(usageKey)) {
         usage->addInstance();
         if (usage->element == element && usage->parent == parent)
             return; // linked when the usage was made
     } else {
-        std::pmr::polymorphic_allocator<> allocator(&memory);
-        char* key = static_cast<char*>(allocator.allocate_bytes(usageKey.size(), 1));
-        usageKey.copy(key, usageKey.size());
-        const std::string_view kept(key, usageKey.size());
-        usages.store(allocator.new_object<ChildElement>(kept, element, parent), hash);
+        usages.store(std::pmr::polymorphic_allocator<>(&memory).new_object<ChildElement>(usageKey, element, parent));
     }
     // Links go both ways, so the shorter list, the children, answers for the parents too.
     if (parent && parent->addChild(element))
         element->parents.append(parent, memory);
+}
+
+std::pair<Element*, bool> MsgBase::findOrMake(const CString& path, const CString& name, Element::ElementTypes type)
+{
+    const std::uint32_t hash = keyHash(name);
+    if (Element* known = mergeByName && !name.empty() ? elements.find(name, hash) : nullptr)
+        return {known, false};
+    Element* element = newElement(path, name, type);
+    elements.store(element, hash);
+    return {element, true};
 }
 
 Element* MsgBase::newElement(const CString& path, const CString& name, Element::ElementTypes type)
@@ -114,9 +121,7 @@ Element* MsgBase::newElement(const CString& path, const CString& name, Element::
     if (!lastPath || !isLast())
         lastPath = std::make_shared<const CString>(path.ends_with('\\') ? path : path + '\\');
     void* place = memory.allocate(sizeof(Element), alignof(Element));
-    Element* element = own(new (place) Element(lastPath, name, type, &memory));
-    elements.store(element);
-    return element;
+    return own(new (place) Element(lastPath, name, type, &memory));
 }
 
 Element* MsgBase::own(Element* element)

@@ -68,23 +68,20 @@ public:
     CString& getBasePath() { return queryDescriptor()->getBasePath(); }
 
 protected:
-    /// addElement() with the generated description of the name, without making its text.
-    Element* addElement(std::string_view usageKey, const CString& path, const CString& name, Element::ElementTypes type,
-                        Element* parent);
+    /// addElement() for keys that grow from each other.
+    Element* addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
+                        const CString& description, Element::ElementTypes type, Element* parent);
+
+    /// The same with the generated description of the name, without making its text.
+    Element* addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
+                        Element::ElementTypes type, Element* parent);
 
     /// Declares one more occurrence of an element that addElement() has returned before: what addElement() does with
     /// the same name, without looking the name up.
-    void addUsage(std::string_view usageKey, Element* element, Element* parent);
+    void addUsage(const Fingerprint& usageKey, Element* element, Element* parent);
 
     /// Makes room for so many usages at once.
     void reserveUsages(std::size_t count) { usages.reserve(count); }
-
-    /// Asks the memory for what the declaration of an element will look up soon.
-    void prefetchUsage(std::string_view usageKey, std::string_view name) const
-    {
-        usages.prefetch(keyHash(usageKey));
-        elements.prefetch(keyHash(name));
-    }
 
     /// Empties the model.
     void clear();
@@ -96,7 +93,7 @@ protected:
     Element* findElement(const CString& name) const;
 
     /// Null for an empty key and for one that there is not.
-    ChildElement* findUsage(std::string_view usageKey) const;
+    ChildElement* findUsage(const Fingerprint& usageKey) const;
 
     /// Places an element: its ancestors before it, then the element, then its descendants; each once. Where parents
     /// form a cycle, a parent from which the climb in hand has already come is passed over.
@@ -119,6 +116,7 @@ private:
         bool parentsDone;
     };
 
+    std::pair<Element*, bool> findOrMake(const CString& path, const CString& name, Element::ElementTypes type);
     Element* newElement(const CString& path, const CString& name, Element::ElementTypes type);
     Element* own(Element* element);
     void deleteElements();
@@ -137,7 +135,7 @@ private:
     std::vector<Element*> ownedElements; // also the ones that another has replaced under their key
     Element::SharedText lastPath;        // nearly always the next element's too
     KeyedTable<Element, &Element::queryName> elements;
-    KeyedTable<ChildElement, &ChildElement::queryUsageKey> usages;
+    KeyedTable<ChildElement, &ChildElement::queryUsageKey, Fingerprint> usages;
     std::deque<Element*> orderedList;
     std::size_t enumPosition = kNoPosition;
     int mergeByName;

@@ -1,50 +1,27 @@
 #pragma once
 
-#include "Platform/Text.h"
+#include "Utils/Fingerprint.h"
 
-#include <cstdint>
 #include <memory>
 #include <vector>
 
-/// The key of a table entry: the parent's key followed directly by the name, with no separator, so that "Or" with
-/// "derline" and "Order" with "line" are one key. The two are kept apart, since a record with a long name and many
-/// fields would otherwise repeat it in each of them; the hash is that of the joined text.
-struct SchemaKey
-{
-    std::string_view parent;
-    std::string_view name;
-    std::uint32_t hash;
-
-    /// A key without a parent.
-    explicit SchemaKey(std::string_view name);
-
-    /// A key under an entry whose own key is `parent` with the hash `parentHash`.
-    SchemaKey(std::string_view parent, std::uint32_t parentHash, std::string_view name);
-
-    /// True when the joined texts are equal.
-    bool operator==(const SchemaKey& other) const;
-
-    /// True when the joined text, without white space at its ends, is longer than the "*" that it ends with.
-    bool isMarked() const;
-};
-
-inline std::size_t keyHash(const SchemaKey& key)
-{
-    return key.hash;
-}
-
-/// One entry of a table: a declaration that was read, and what was declared inside it. Texts are views: they live as
-/// long as the documents of the import.
+/// One entry of a table: a declaration that was read, and what was declared inside it. Its key is the parent's key
+/// followed directly by the name, with no separator, so that "Or" with "derline" and "Order" with "line" are one key.
+/// Texts are views: they live as long as the documents of the import.
 class SchemaElement
 {
 public:
-    SchemaElement(const SchemaKey& key, std::string_view type) : key(key), type(type) {}
+    /// `parentName` is the text of the parent's key; empty for an entry without a parent.
+    SchemaElement(const Fingerprint& key, std::string_view parentName, std::string_view name, std::string_view type);
 
-    const SchemaKey& queryKey() const { return key; }
+    const Fingerprint& queryKey() const { return key; }
 
     /// The declared name; for a repeated element followed by "*".
-    std::string_view queryName() const { return key.name; }
+    std::string_view queryName() const { return name; }
     std::string_view queryType() const { return type; }
+
+    /// True when the text of the key, without white space at its ends, is longer than the "*" that it ends with.
+    bool isMarked() const { return marked; }
 
     using Children = std::vector<SchemaElement*>;
 
@@ -70,8 +47,10 @@ public:
     Pull queryPull() const { return pull; }
 
 private:
-    SchemaKey key;
+    Fingerprint key;
+    std::string_view name;
     std::string_view type;
     std::unique_ptr<Children> children; // most entries have none
     Pull pull = notPulled;
+    bool marked;
 };

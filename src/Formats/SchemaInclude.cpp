@@ -10,9 +10,8 @@
 bool SchemaMessage::getSchemaIncludeList(const CString& fileName, Outlines& outlines)
 {
     const SchemaOutline& main = outlines.front();
-    const CString earlierMainType = mainType;
     const bool hadRootType = !rootTypeName.empty();
-    mainType = getRootTag(main);
+    setMainType(getRootTag(main));
     if (main.hasTargetNamespace())
         return false;
     readIncluded(fileName, outlines);
@@ -55,16 +54,16 @@ void SchemaMessage::copyElementList()
 void SchemaMessage::mergeLists()
 {
     for (const SchemaElement* entry : schemaElements)
-        pull(SchemaKey(entry->queryType()));
+        pull(entry->queryType());
     for (std::size_t i = 0; i < pulled.size(); ++i)
-        pull(SchemaKey(pulled[i]->queryType()));
+        pull(pulled[i]->queryType());
 }
 
-void SchemaMessage::pull(const SchemaKey& type)
+void SchemaMessage::pull(const Fingerprint& type)
 {
-    if (schemaElements.find(type, type.hash))
+    if (schemaElements.find(type))
         return;
-    SchemaElement* const included = includedElements.find(type, type.hash);
+    SchemaElement* const included = includedElements.find(type);
     if (!included || included->queryPull() != SchemaElement::notPulled)
         return;
     included->setPull(SchemaElement::pulledAsType);
@@ -72,8 +71,7 @@ void SchemaMessage::pull(const SchemaKey& type)
     if (!included->queryChildren())
         return;
     for (SchemaElement*& child : *included->queryChildren()) {
-        const SchemaKey& key = child->queryKey();
-        if (SchemaElement* own = schemaElements.find(key, key.hash)) {
+        if (SchemaElement* own = schemaElements.find(child->queryKey())) {
             child = own; // that is whom the key stands for from here on
         } else if (child->queryPull() == SchemaElement::notPulled) {
             child->setPull(SchemaElement::pulledAsChild);
@@ -83,10 +81,10 @@ void SchemaMessage::pull(const SchemaKey& type)
 }
 
 /// What stands under `key` in the element table, what was pulled included; null when nothing does.
-const SchemaElement* SchemaMessage::findEntry(const SchemaKey& key) const
+const SchemaElement* SchemaMessage::findEntry(const Fingerprint& key) const
 {
-    if (const SchemaElement* own = schemaElements.find(key, key.hash))
+    if (const SchemaElement* own = schemaElements.find(key))
         return own;
-    const SchemaElement* included = includedElements.find(key, key.hash);
+    const SchemaElement* included = includedElements.find(key);
     return included && included->queryPull() != SchemaElement::notPulled ? included : nullptr;
 }

@@ -3,8 +3,6 @@
 #include "Resources/StringTable.h"
 #include "Utils/XMLDoc.h"
 
-#include <algorithm>
-
 int SchemaMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
     forget();
@@ -21,13 +19,21 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
     const SchemaOutline& main = outlines.emplace_back();
     if (!document.streamFile(source, outlines.front()))
         return fail(document.queryParseError());
+    earlierMainType = mainType;
+    mainName = earlierMainType;
     const bool isRead = !fileName.empty() && getSchemaIncludeList(fileName, outlines);
     if (!isRead) {
         copyElementList();
-        mainType = getRootTag(main);
+        setMainType(getRootTag(main));
     }
     baseFolder = basePath.ends_with('\\') ? basePath : basePath + "\\";
     return doParse(main, baseFolder, isRead);
+}
+
+void SchemaMessage::setMainType(std::string_view name)
+{
+    mainType = name;
+    mainName = name;
 }
 
 void SchemaMessage::forget()
@@ -36,23 +42,14 @@ void SchemaMessage::forget()
     includedElements.clear();
     pulled.clear();
     ownedElements.clear();
-    mainTypes.clear();
     cyclicReferences = 0;
 }
-
-namespace {
-
-constexpr std::size_t kFieldsAtOnce = 16;
-
-} // namespace
 
 /// A field that is about to be declared.
 struct SchemaMessage::Field
 {
     CString name;
     CString typeName;
-    CString usageKey;
-    int count = 1;
 };
 
 int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder, bool isRead)
@@ -66,11 +63,11 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder, 
     mergeLists();
     const CString path = folder + mainType + "\\";
     reserveUsages(countFields());
-    std::vector<Field> fields(kFieldsAtOnce); // their texts seldom have to grow from one record to the next
+    Field field; // its texts seldom have to grow from one to the next
     for (const SchemaElement* entry : schemaElements)
-        declareRecord(*entry, path, fields);
+        declareRecord(*entry, path, field);
     for (const SchemaElement* entry : pulled)
-        declareRecord(*entry, path, fields);
+        declareRecord(*entry, path, field);
     return 1;
 }
 
@@ -85,42 +82,29 @@ std::size_t SchemaMessage::countFields() const
     return count;
 }
 
-/// An entry with children becomes a record. Its fields are declared some at a time, so that the memory can be asked for
-/// all that they look up before the first one needs it.
-void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path, std::vector<Field>& fields)
+/// An entry with children becomes a record. Its fields are declared one after the other in `field`.
+void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path, Field& field)
 {
     if (!entry.queryChildren())
         return;
-    const SchemaElement::Children& children = *entry.queryChildren();
     const bool mayMiss = entry.queryPull() == SchemaElement::pulledAsChild;
     const CString name = entry.queryName() == rootTypeName ? mainType : CString(entry.queryName());
-    Element* record = addElement(name, path, name, Element::typeRow, nullptr);
-    for (std::size_t first = 0; first < children.size(); first += fields.size()) {
-        const std::size_t count = std::min(fields.size(), children.size() - first);
-        for (std::size_t i = 0; i < count; ++i)
-            prepareField(*children[first + i], mayMiss, name, fields[i]);
-        for (std::size_t i = 0; i < count; ++i)
-            declareField(fields[i], path, record);
+    RunningHash key(name);
+    Element* record = addElement(key, path, name, Element::typeRow, nullptr);
+    key.append(".");
+    for (const SchemaElement* child : *entry.queryChildren()) {
+        getType(mayMiss ? findEntry(child->queryKey()) : child, field.typeName, field.name);
+        declareField(field, getModifiers(*child), RunningHash(key).append(field.name), path, record);
     }
 }
 
-/// `mayMiss`: the child's entry may be missing from the element table.
-void SchemaMessage::prepareField(const SchemaElement& child, bool mayMiss, const CString& recordName,
-                                 Field& field) const
-{
-    const SchemaKey& key = child.queryKey();
-    getType(mayMiss ? findEntry(key) : &child, field.typeName, field.name);
-    field.count = getModifiers(key) == modStar ? 2 : 1;
-    field.usageKey.assign(recordName).append(".").append(field.name);
-    prefetchUsage(field.usageKey, field.name);
-}
-
 /// A repeated field is declared twice: MsgBase makes a table of a usage that it has seen more than once.
-void SchemaMessage::declareField(Field& field, const CString& path, Element* record)
+void SchemaMessage::declareField(Field& field, Modifiers mark, const Fingerprint& usageKey, const CString& path,
+                                 Element* record)
 {
     const Element::ElementTypes kind = field.typeName.empty() ? Element::typeString : getBrokerType(field.typeName);
-    for (int i = 0; i < field.count; ++i) {
-        Element* element = addElement(field.usageKey, path, field.name, kind, record);
+    for (int instances = mark == modStar ? 2 : 1; instances > 0; --instances) {
+        Element* element = addElement(usageKey, path, field.name, kind, record);
         if (field.typeName.empty())
             continue;
         const bool isOurs = field.typeName != "AnonymousType" && kind != Element::typeString;
@@ -167,6 +151,5 @@ Element::ElementTypes SchemaMessage::getBrokerType(CString& typeName) const
             return Element::typeDate;
         return builtIn == "decimal" ? Element::typeNumber : Element::typeString;
     }
-    const SchemaKey type(typeName);
-    return findEntry(type) ? Element::typeDate : Element::typeString;
+    return findEntry(typeName) ? Element::typeDate : Element::typeString;
 }

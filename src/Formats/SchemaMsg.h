@@ -6,7 +6,6 @@
 #include "Utils/KeyedTable.h"
 
 #include <deque>
-#include <set>
 
 /// The importer of XML Schema files. Complex types become records, the elements and attributes declared in them fields;
 /// schema tags are known by the literal prefixes "xsd:" and "xs:", namespaces are not resolved.
@@ -37,6 +36,15 @@ private:
 
     using Index = SchemaOutline::Index;
     struct TypeWalk;
+
+    // A complex type in hand: its name, which is its key, and its entry, null where it was refused.
+    struct Record
+    {
+        std::string_view name;
+        RunningHash key;
+        SchemaElement* entry = nullptr;
+    };
+
     struct Field;
 
     using Outlines = std::deque<SchemaOutline>;
@@ -49,39 +57,39 @@ private:
     void readIncluded(const CString& fileName, Outlines& outlines);
     void copyElementList();
     void mergeLists();
-    void pull(const SchemaKey& type);
-    const SchemaElement* findEntry(const SchemaKey& key) const;
+    void pull(const Fingerprint& type);
+    const SchemaElement* findEntry(const Fingerprint& key) const;
 
     // Reading a document into the table.
-    CString getRootTag(const SchemaOutline& outline);
+    void setMainType(std::string_view name);
+    std::string_view getRootTag(const SchemaOutline& outline);
     void processElement(const SchemaOutline& outline);
     void processComplexType(const SchemaOutline& outline, Index container, std::string_view parentName);
     void enterType(const SchemaOutline& outline, TypeWalk& walk);
     bool nextList(const SchemaOutline& outline, TypeWalk& walk);
     void processTag(const SchemaOutline& outline, TypeWalk& walk);
     void prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const;
-    SchemaElement* addSchemaElement(std::string_view name, std::string_view parentKey, SchemaElement* parent,
-                                    std::string_view type);
+    SchemaElement* addSchemaElement(std::string_view name, const Record& parent, std::string_view type);
 
     // Building the model from the table.
     int doParse(const SchemaOutline& outline, const CString& folder, bool isRead);
     std::size_t countFields() const;
-    void declareRecord(const SchemaElement& entry, const CString& path, std::vector<Field>& fields);
-    void prepareField(const SchemaElement& child, bool mayMiss, const CString& recordName, Field& field) const;
-    void declareField(Field& field, const CString& path, Element* record);
+    void declareRecord(const SchemaElement& entry, const CString& path, Field& field);
+    void declareField(Field& field, Modifiers mark, const Fingerprint& usageKey, const CString& path, Element* record);
     static int getType(const SchemaElement* entry, CString& typeName, CString& fieldName);
     Element::ElementTypes getBrokerType(CString& typeName) const;
-    static Modifiers getModifiers(const SchemaKey& key) { return key.isMarked() ? modStar : modNone; }
+    static Modifiers getModifiers(const SchemaElement& entry) { return entry.isMarked() ? modStar : modNone; }
     static int removeModifiers(CString& name);
 
-    using Table = KeyedTable<SchemaElement, &SchemaElement::queryKey, SchemaKey>;
+    using Table = KeyedTable<SchemaElement, &SchemaElement::queryKey, Fingerprint>;
     Table schemaElements;                    // of the pass in hand
     Table includedElements;                  // of the include pass
     std::deque<SchemaElement*> pulled;       // the end of the element table: entries that stand in both
     std::deque<SchemaElement> ownedElements; // of both tables
-    std::set<CString> mainTypes;             // the main types that this import has gone by
     int cyclicReferences = 0;                // how many it has shown
     CString rootTypeName;                    // the type that the main element names; stays from one import to the next
     CString mainType;                        // the main element's name; empty when there is none
+    CString earlierMainType;                 // that of the import before
+    std::string_view mainName;               // `mainType`, in a text that lives as long as the import
     CString baseFolder;
 };

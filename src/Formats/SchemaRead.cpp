@@ -26,7 +26,7 @@ std::string_view typeOf(const SchemaOutline& outline, SchemaOutline::Index at)
 
 /// The name of the main element: the first one at the top that has no type, whose own type is then read, or the type of
 /// which is among the document's complex types.
-CString SchemaMessage::getRootTag(const SchemaOutline& outline)
+std::string_view SchemaMessage::getRootTag(const SchemaOutline& outline)
 {
     for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
          at = outline.getNextSibling(at)) {
@@ -36,13 +36,13 @@ CString SchemaMessage::getRootTag(const SchemaOutline& outline)
         const std::string_view name = element.isReference ? std::string_view() : element.name;
         if (!element.hasType || element.type == kAnonymousType) {
             processComplexType(outline, at, name);
-            return CString(name);
+            return name;
         }
         if (!outline.holdsTypes())
             return {};
         if (outline.holdsTypeNamed(element.type)) {
             rootTypeName = element.type;
-            return CString(name);
+            return name;
         }
     }
     return {};
@@ -58,7 +58,7 @@ void SchemaMessage::processElement(const SchemaOutline& outline)
         if (holdsType(outline, at))
             processComplexType(outline, outline.getNode(at, SchemaOutline::complexType), element.name);
         if (!element.name.empty())
-            addSchemaElement(element.name, {}, nullptr, typeOf(outline, at));
+            addSchemaElement(element.name, {}, typeOf(outline, at));
     }
 }
 
@@ -67,8 +67,7 @@ struct SchemaMessage::TypeWalk
 {
     std::string_view owner; // the name of types that have none
     Index type;
-    std::string_view recordName;
-    SchemaElement* record = nullptr; // null without a name
+    Record record;
     SchemaOutline::Tag list = SchemaOutline::element;
     Index field = SchemaOutline::kNone;
     bool isEntered = false; // the type inside the field has been read
@@ -108,10 +107,8 @@ void SchemaMessage::enterType(const SchemaOutline& outline, TypeWalk& walk)
     const SchemaDeclaration& type = outline[walk.type];
     std::string_view name = type.isReference ? walk.owner : type.name;
     if (!name.empty() && name == rootTypeName)
-        name = *mainTypes.insert(mainType).first;
-    walk.record = addSchemaElement(name, {}, nullptr, {});
-    // A type declared again goes by the text of the first, which makes their keys quick to compare.
-    walk.recordName = walk.record && walk.record->queryKey().parent.empty() ? walk.record->queryName() : name;
+        name = mainName;
+    walk.record = {name, RunningHash(name), addSchemaElement(name, {}, {})};
     walk.list = SchemaOutline::element;
     walk.field = outline.getNode(walk.type, SchemaOutline::element);
 }
@@ -141,7 +138,7 @@ void SchemaMessage::processTag(const SchemaOutline& outline, TypeWalk& walk)
     // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
     const std::string_view name = field.markedName();
     if (!name.empty())
-        addSchemaElement(name, walk.recordName, walk.record, typeOf(outline, walk.field));
+        addSchemaElement(name, walk.record, typeOf(outline, walk.field));
     walk.field = next;
     walk.isEntered = false;
 }
@@ -150,31 +147,30 @@ void SchemaMessage::processTag(const SchemaOutline& outline, TypeWalk& walk)
 void SchemaMessage::prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const
 {
     const std::string_view name = field.markedName();
-    if (walk.record)
-        schemaElements.prefetch(SchemaKey(walk.recordName, walk.record->queryKey().hash, name).hash);
-    schemaElements.prefetch(SchemaKey(name).hash);
+    if (walk.record.entry)
+        schemaElements.prefetch(keyHash(RunningHash(walk.record.key).append(name)));
+    schemaElements.prefetch(keyHash(name));
 }
 
-/// Registers a declaration once and attaches it to its parent, whose key is `parentKey`. Answers the entry, or null
-/// when the declaration is called like its parent. A type that is already registered under the name alone wins.
-SchemaElement* SchemaMessage::addSchemaElement(std::string_view name, std::string_view parentKey, SchemaElement* parent,
-                                               std::string_view type)
+/// Registers a declaration once and attaches it to its parent. Answers the entry, or null when the declaration is
+/// called like its parent. A type that is already registered under the name alone wins.
+SchemaElement* SchemaMessage::addSchemaElement(std::string_view name, const Record& parent, std::string_view type)
 {
-    const SchemaKey key = parent ? SchemaKey(parentKey, parent->queryKey().hash, name) : SchemaKey(name);
-    SchemaElement* entry = schemaElements.find(key, key.hash);
+    const Fingerprint alone(name);
+    const Fingerprint key = parent.entry ? Fingerprint(RunningHash(parent.key).append(name)) : alone;
+    SchemaElement* entry = schemaElements.find(key);
     if (!entry) {
-        const SchemaKey alone(name);
-        if (const SchemaElement* earlier = schemaElements.find(alone, alone.hash))
+        if (const SchemaElement* earlier = schemaElements.find(alone))
             type = earlier->queryType();
-        if (parentKey == name) {
+        if (parent.name == name) {
             fail(loadText(IDS_CYCLIC));
             ++cyclicReferences;
             return nullptr;
         }
-        entry = &ownedElements.emplace_back(key, type);
+        entry = &ownedElements.emplace_back(key, parent.entry ? parent.name : std::string_view(), name, type);
         schemaElements.store(entry);
     }
-    if (parent)
-        parent->addChild(entry);
+    if (parent.entry)
+        parent.entry->addChild(entry);
     return entry;
 }

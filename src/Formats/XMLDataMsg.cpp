@@ -21,16 +21,14 @@ void XMLDataMessage::doParse(XMLDataWalk& walk)
 {
     for (const XMLDataWalk::Declaration& declaration : walk.takeDeclarations()) {
         const XMLDataWalk::Pair& pair = *declaration.pair;
-        Element* const parent = pair.parent ? findElement(pair.parent->name) : nullptr;
-        const CString name(pair.queryName());
-        const CString usageKey =
-            (pair.parent ? pair.parent->name : CString()) + "." + name + "." + std::to_string(declaration.sequence);
-        const CString description = fillText(loadText(IDS_AUTOMATIC), pair.item->name);
+        const CString parentName = pair.key.parent ? pair.key.parent->name : CString();
+        Element* const parent = pair.key.parent ? findElement(parentName) : nullptr;
+        RunningHash usageKey(parentName);
+        usageKey.append(".").append(pair.queryName()).append(".").append(std::to_string(declaration.sequence));
         for (int instances = declaration.repeats ? 2 : 1; instances > 0; --instances) {
-            if (pair.isAttribute)
-                addAttribute(usageKey, typeFolder, name, description, Element::typeString, parent);
-            else
-                addElement(usageKey, typeFolder, name, description, Element::typeString, parent);
+            Element* element = addElement(usageKey, typeFolder, pair.item->name, Element::typeString, parent);
+            if (pair.key.isAttribute)
+                element->asAttribute();
         }
     }
 }

@@ -1,21 +1,20 @@
 #include "Formats/XMLDataWalk.h"
 
 #include <algorithm>
-#include <functional>
 
 // The document stands under no element, but has the sequence number 0, which is the root's too: the root's attributes
 // and its children have keys in common.
-XMLDataWalk::XMLDataWalk() : pairSlots(64), open{{nullptr, 0, 0, 0}} {}
+XMLDataWalk::XMLDataWalk() : open{{nullptr, 0, 0, 0}} {}
 
 void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
 {
     const bool isRoot = rootTag.empty();
     if (isRoot)
         rootTag = name.prefix ? CString(name.prefix) + ":" + name.local : name.local;
-    Pair& child = pairOf(open.back().item, name.local, false);
+    Pair& child = pairOf({open.back().item, name.local, false});
     occur(child);
     for (std::size_t i = 0; i < attributes.size(); ++i)
-        occur(pairOf(child.item, attributes[i].name.local, true));
+        occur(pairOf({child.item, attributes[i].name.local, true}));
     if (isRoot)
         open.back().item = child.item;
     else
@@ -56,7 +55,7 @@ void XMLDataWalk::beginUsage(Pair& pair)
     Usage& usage = *pair.usage;
     if (isOpen(usage))
         shadowed.emplace_back(&usage, usage);
-    usage = {&pair, open.back().sequence, lastMoment, open.size() - 1, kNotKept, false};
+    usage = {usage.key, &pair, open.back().sequence, lastMoment, open.size() - 1, kNotKept, false};
     if (!pair.isLinked)
         keep(usage);
     if (pair.item->firstOnce == Item::kNever)
@@ -105,52 +104,37 @@ void XMLDataWalk::closeNode()
     open.pop_back();
 }
 
-XMLDataWalk::Pair& XMLDataWalk::pairOf(Item* parent, const char* local, bool isAttribute)
+XMLDataWalk::Pair& XMLDataWalk::pairOf(const PairKey& key)
 {
-    Pair* const known = pairSlots[slotOf(parent, local, isAttribute)];
-    return known ? *known : addPair(parent, local, isAttribute);
+    const std::uint32_t hash = keyHash(key);
+    Pair* const known = pairsByKey.find(key, hash);
+    return known ? *known : addPair(key, hash);
 }
 
-// Names are interned, so their addresses are compared.
-std::size_t XMLDataWalk::slotOf(const Item* parent, const char* local, bool isAttribute) const
+XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)
 {
-    const std::size_t mask = pairSlots.size() - 1;
-    std::size_t at =
-        (reinterpret_cast<std::uintptr_t>(parent) ^ reinterpret_cast<std::uintptr_t>(local) * 2) + isAttribute;
-    at *= 0x9E3779B97F4A7C15;
-    at ^= at >> 32;
-    for (at &= mask;; at = (at + 1) & mask) {
-        const Pair* const pair = pairSlots[at];
-        if (!pair || (pair->parent == parent && pair->local == local && pair->isAttribute == isAttribute))
-            return at;
-    }
-}
-
-void XMLDataWalk::growSlots()
-{
-    pairSlots.assign(pairSlots.size() * 2, nullptr);
-    for (Pair& pair : pairs)
-        pairSlots[slotOf(pair.parent, pair.local, pair.isAttribute)] = &pair;
-}
-
-XMLDataWalk::Pair& XMLDataWalk::addPair(Item* parent, const char* local, bool isAttribute)
-{
-    const CString parentName = parent ? parent->name : CString();
-    Item& item = itemNamed(isAttribute ? parentName + "_" + local : CString(local));
-    Pair& pair = pairs.emplace_back(Pair{parent, local, isAttribute, &item, &usages[parentName + "." + local]});
-    if (pairs.size() * 2 > pairSlots.size())
-        growSlots();
-    else
-        pairSlots[slotOf(parent, local, isAttribute)] = &pair;
+    const CString parentName = key.parent ? key.parent->name : CString();
+    Item& item = itemNamed(key.isAttribute ? parentName + "_" + key.local : CString(key.local));
+    Usage& usage = usageOf(RunningHash(parentName).append(".").append(key.local));
+    Pair& pair = pairs.emplace_back(Pair{key, &item, &usage});
+    pairsByKey.store(&pair, hash);
     return pair;
 }
 
-XMLDataWalk::Item& XMLDataWalk::itemNamed(const CString& name)
+XMLDataWalk::Item& XMLDataWalk::itemNamed(CString name)
 {
-    const auto known = itemsByName.find(name);
-    if (known != itemsByName.end())
-        return *known->second;
-    Item& item = items.emplace_back(Item{name});
-    itemsByName.emplace(item.name, &item);
+    if (Item* const known = itemsByName.find(name))
+        return *known;
+    Item& item = items.emplace_back(Item{std::move(name)});
+    itemsByName.store(&item);
     return item;
+}
+
+XMLDataWalk::Usage& XMLDataWalk::usageOf(const Fingerprint& key)
+{
+    if (Usage* const known = usagesByKey.find(key))
+        return *known;
+    Usage& usage = usages.emplace_back(Usage{.key = key});
+    usagesByKey.store(&usage);
+    return usage;
 }

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "Platform/Xml/XmlParser.h"
+#include "Utils/KeyedTable.h"
 
 #include <cstdint>
 #include <deque>
 #include <limits>
-#include <unordered_map>
 #include <vector>
 
 /// Walks an instance document as it is read, and keeps of it what the message model will look different for.
@@ -18,7 +18,7 @@
 /// usages give. A key can't come back once its node has ended, so the keys of the open nodes are all that is looked at.
 class XMLDataWalk : public XmlHandler
 {
-    struct Usage;
+    static constexpr std::size_t kNotKept = std::numeric_limits<std::size_t>::max();
 
 public:
     /// An element of the model; `name` is its key there.
@@ -26,25 +26,54 @@ public:
     {
         static constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
 
+        const CString& queryName() const { return name; }
+
         CString name;
         std::uint64_t firstOnce = kNever;     ///< when its first usage that occurred once was made
         std::uint64_t firstRepeated = kNever; ///< the same for one that occurred more than once
     };
 
-    /// A name under a parent, either of a child element or of an attribute. The parent is null for the root.
-    struct Pair
-    {
-        /// The name itself, without that of the parent.
-        std::string_view queryName() const
-        {
-            return isAttribute && parent ? std::string_view(item->name).substr(parent->name.size() + 1) : item->name;
-        }
+    struct Pair;
 
+    /// The latest usage of a key, with the sequence number that makes its whole key and the depth of the node that has
+    /// it.
+    struct Usage
+    {
+        const Fingerprint& queryKey() const { return key; }
+
+        Fingerprint key; ///< all but the sequence number
+        const Pair* pair = nullptr;
+        std::uint64_t sequence = 0;
+        std::uint64_t moment = 0;
+        std::size_t depth = 0;
+        std::size_t declaration = kNotKept;
+        bool repeats = false;
+    };
+
+    /// A name under a parent, either of a child element or of an attribute. The parent is null for the root.
+    struct PairKey
+    {
         Item* parent;
         const char* local; ///< interned, and gone with the parser
         bool isAttribute;
+
+        friend bool operator==(const PairKey&, const PairKey&) = default;
+    };
+
+    struct Pair
+    {
+        const PairKey& queryKey() const { return key; }
+
+        /// The name itself, without that of the parent.
+        std::string_view queryName() const
+        {
+            const std::string_view name = item->name;
+            return key.isAttribute && key.parent ? name.substr(key.parent->name.size() + 1) : name;
+        }
+
+        PairKey key;
         Item* item;
-        Usage* usage; ///< the latest one of its key, which other pairs may have too
+        Usage* usage; ///< of this key; other pairs may have the same
         bool isLinked = false;
     };
 
@@ -70,18 +99,6 @@ public:
     std::vector<Declaration> takeDeclarations();
 
 private:
-    // The latest usage of a key, with the sequence number that makes its whole key and the depth of the node that has
-    // it.
-    struct Usage
-    {
-        const Pair* pair = nullptr;
-        std::uint64_t sequence = 0;
-        std::uint64_t moment = 0;
-        std::size_t depth = 0;
-        std::size_t declaration = kNotKept;
-        bool repeats = false;
-    };
-
     struct Node
     {
         Item* item;
@@ -90,13 +107,10 @@ private:
         std::size_t undecided;
     };
 
-    static constexpr std::size_t kNotKept = std::numeric_limits<std::size_t>::max();
-
-    Pair& pairOf(Item* parent, const char* local, bool isAttribute);
-    std::size_t slotOf(const Item* parent, const char* local, bool isAttribute) const;
-    void growSlots();
-    Pair& addPair(Item* parent, const char* local, bool isAttribute);
-    Item& itemNamed(const CString& name);
+    Pair& pairOf(const PairKey& key);
+    Pair& addPair(const PairKey& key, std::uint32_t hash);
+    Item& itemNamed(CString name);
+    Usage& usageOf(const Fingerprint& key);
     void occur(Pair& pair);
     void beginUsage(Pair& pair);
     void repeatUsage(Usage& usage);
@@ -106,10 +120,11 @@ private:
 
     CString rootTag;
     std::deque<Item> items;
-    std::unordered_map<std::string_view, Item*> itemsByName;
+    KeyedTable<Item, &Item::queryName> itemsByName;
     std::deque<Pair> pairs;
-    std::vector<Pair*> pairSlots; // open addressing, a power of two
-    std::unordered_map<CString, Usage> usages;
+    KeyedTable<Pair, &Pair::queryKey, PairKey> pairsByKey;
+    std::deque<Usage> usages;
+    KeyedTable<Usage, &Usage::queryKey, Fingerprint> usagesByKey;
     std::vector<Node> open;                         // from the root to the node in hand
     std::vector<std::pair<Usage*, Usage>> shadowed; // usages of open nodes whose key an inner node has too
     std::vector<Usage*> undecided;                  // of open nodes: each may be its element's first that occurred once
@@ -117,3 +132,12 @@ private:
     std::uint64_t lastMoment = 0;
     std::uint64_t lastSequence = 0;
 };
+
+/// Names are interned, so their addresses say which they are.
+inline std::uint32_t keyHash(const XMLDataWalk::PairKey& key)
+{
+    const std::uint64_t mixed =
+        (reinterpret_cast<std::uintptr_t>(key.parent) ^ reinterpret_cast<std::uintptr_t>(key.local) * 2) +
+        key.isAttribute;
+    return static_cast<std::uint32_t>(mixed * 0x9E3779B97F4A7C15 >> 32);
+}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Text.h"
+#include "Utils/Fingerprint.h"
 
 #include <cstdint>
 #include <memory>
@@ -164,12 +164,11 @@ inline void prefetch(const ElementList& elements)
 class ChildElement
 {
 public:
-    /// The text of `usageKey` is not copied: it must live as long as the usage.
-    ChildElement(std::string_view usageKey, Element* element, Element* parent) :
+    ChildElement(const Fingerprint& usageKey, Element* element, Element* parent) :
         usageKey(usageKey), element(element), parent(parent)
     {}
 
-    std::string_view queryUsageKey() const { return usageKey; }
+    const Fingerprint& queryUsageKey() const { return usageKey; }
     Element* queryElement() const { return element; }
     Element* queryParent() const { return parent; }
     unsigned int queryInstances() const { return instances; }
@@ -179,7 +178,7 @@ private:
 
     void addInstance() { ++instances; }
 
-    std::string_view usageKey;
+    Fingerprint usageKey; // the key itself may be as long as the source
     Element* element;
     Element* parent;
     unsigned int instances = 1;

@@ -1,41 +1,16 @@
 #pragma once
 
-#include "Platform/Text.h"
+#include "Utils/Fingerprint.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <functional>
 #include <utility>
 #include <vector>
 
 /// The hash under which KeyedTable stores a key. A caller that looks the same key up in several tables computes it
-/// once. Keys are short, so this takes eight bytes at a time and leaves the thorough mixing to the end (the
-/// multiply-and-fold step is the one of wyhash, https://github.com/wangyi-fudan/wyhash).
-inline std::size_t keyHash(std::string_view key)
+/// once.
+inline std::uint32_t keyHash(const Fingerprint& key)
 {
-    __extension__ using Wide = unsigned __int128;
-    const auto fold = [](std::uint64_t a, std::uint64_t b) {
-        const Wide product = static_cast<Wide>(a) * b;
-        return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
-    };
-    const auto eightAt = [](const char* bytes) {
-        std::uint64_t eight;
-        std::memcpy(&eight, bytes, sizeof eight);
-        return eight;
-    };
-    constexpr std::uint64_t first = 0xa0761d6478bd642f, second = 0xe7037ed1a0b428db;
-    const char* at = key.data();
-    std::size_t left = key.size();
-    std::uint64_t hash = key.size() ^ first;
-    for (; left > 8; at += 8, left -= 8)
-        hash = fold(hash ^ eightAt(at), second);
-    std::uint64_t last = 0;
-    if (key.size() >= 8)
-        last = eightAt(at + left - 8); // some of it for the second time
-    else if (left > 0)
-        std::memcpy(&last, at, left);
-    return fold(fold(hash ^ last, first), second);
+    return static_cast<std::uint32_t>(key.first);
 }
 
 /// A string-keyed table of pointers that iterates in the order in which the keys were first stored. The key is not
@@ -48,7 +23,7 @@ public:
     /// The value under `key`, or null.
     T* find(const Key& key) const { return find(key, keyHash(key)); }
 
-    T* find(const Key& key, std::size_t hash) const
+    T* find(const Key& key, std::uint32_t hash) const
     {
         if (slots.empty())
             return nullptr;
@@ -59,7 +34,7 @@ public:
     /// Stores `value` under its key, in the place of the value that was there before.
     void store(T* value) { store(value, keyHash(keyOf(*value))); }
 
-    void store(T* value, std::size_t hash)
+    void store(T* value, std::uint32_t hash)
     {
         if ((entries.size() + 1) * 4 > slots.size() * 3)
             growTo(slots.empty() ? 16 : slots.size() * 2);
@@ -68,7 +43,7 @@ public:
             entries[slots[at].entry] = value;
             return;
         }
-        slots[at] = {static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(entries.size())};
+        slots[at] = {hash, static_cast<std::uint32_t>(entries.size())};
         entries.push_back(value);
     }
 
@@ -84,7 +59,7 @@ public:
     }
 
     /// Asks the memory for the place where a key of this hash is looked for.
-    void prefetch(std::size_t hash) const
+    void prefetch(std::uint32_t hash) const
     {
         if (!slots.empty())
             __builtin_prefetch(&slots[hash & (slots.size() - 1)]);
@@ -107,7 +82,7 @@ public:
 private:
     static constexpr std::uint32_t kFree = 0xFFFFFFFF;
 
-    // Open addressing, linear probing. The low half of the hash stands beside the index, so that a probe seldom has to
+    // Open addressing, linear probing. The hash stands beside the index, so that a probe seldom has to
     // follow the pointer, and growing never does.
     struct Slot
     {
@@ -117,12 +92,11 @@ private:
 
     static Key keyOf(const T& value) { return std::invoke(KeyOf, value); }
 
-    std::size_t slotOf(const Key& key, std::size_t hash) const
+    std::size_t slotOf(const Key& key, std::uint32_t hash) const
     {
-        const auto mark = static_cast<std::uint32_t>(hash);
-        for (std::size_t at = mark & (slots.size() - 1);; at = (at + 1) & (slots.size() - 1)) {
+        for (std::size_t at = hash & (slots.size() - 1);; at = (at + 1) & (slots.size() - 1)) {
             const Slot& slot = slots[at];
-            if (slot.entry == kFree || (slot.hash == mark && keyOf(*entries[slot.entry]) == key))
+            if (slot.entry == kFree || (slot.hash == hash && keyOf(*entries[slot.entry]) == key))
                 return at;
         }
     }

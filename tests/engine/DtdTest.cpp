@@ -86,6 +86,14 @@ TEST_F(Dtd, MainTypeStaysAndFolderFollowsIt)
     EXPECT_EQ(typesOf(message), "second:R(b:S b.c:S)");
 }
 
+TEST_F(Dtd, MainTypeFitsAFolder)
+{
+    const CString name(4096, 'n');
+    EXPECT_EQ(message.parseData("<!ELEMENT " + name + "n(a)>", "\\"), 0);
+    EXPECT_THAT(boxes.take(), testing::ElementsAre("Can not parse DTD statement:\n " + name.substr(0, 199)));
+    EXPECT_EQ(message.parseData("<!ELEMENT " + name + "(a)>", "\\") + message.beginEnum(), 2);
+}
+
 TEST_F(Dtd, FileThatCannotBeOpened)
 {
     message.parseData("<!ELEMENT x (a)>", "\\");
@@ -98,20 +106,24 @@ TEST_F(Dtd, FileThatCannotBeOpened)
 // Each would take minutes, gigabytes or the stack if a statement were scanned for itself or a group were a call.
 TEST_F(Dtd, LargeAndCrookedTextsEndSoon)
 {
+    constexpr int kRefused = -1;
     CString manyTables = "<!ELEMENT x (";
     for (int i = 0; i < 200'000; ++i)
         manyTables += "n" + std::to_string(i) + "*,";
     for (const auto& [text, types] :
-         {std::pair(times(500'000, "<") + times(500'000, ">"), 0),
-          {times(200'000, "<!ELEMENT ") + times(200'000, ">"), 0},
+         {std::pair(times(500'000, "<") + times(500'000, ">"), kRefused),
+          {times(200'000, "<!ELEMENT ") + times(200'000, ">"), kRefused},
+          {times(5'000, "<") + "<!ELEMENT x (" + times(10'000, "a,") + "b)" + times(5'001, ">"), 3},
+          {"<!ELEMENT x (a)><!ELEMENT " + CString(100'000, 'n') + " (" + times(50'000, "a,b.,") + "c)>", 4},
           {"<!ELEMENT x " + times(1'000'000, "(") + "a" + times(1'000'000, ")") + ">", 1},
           {"<!ELEMENT x " + times(1'000'000, "(") + "a>", 1},
           {"<!ELEMENT x (" + times(300'000, "a,(b)?,") + "c)*>", 4},
-          {times(300, "<") + "<!ELEMENT x (" + times(1'000'000, " ") + "a)" + times(301, ">"), 2},
+          {times(300, "<") + "<!ELEMENT x (" + times(1'000'000, " ") + "a)" + times(301, ">"), kRefused},
           {times(100'000, "<!-- "), 0},
           {manyTables + "last)>", 200'001}}) {
-        EXPECT_EQ(message.parseData(text, "\\"), 1);
-        EXPECT_EQ(message.beginEnum(), types) << text.substr(0, 40);
+        EXPECT_EQ(message.parseData(text, "\\"), types != kRefused) << text.substr(0, 40);
+        EXPECT_EQ(message.beginEnum(), std::max(types, 0)) << text.substr(0, 40);
+        EXPECT_EQ(boxes.take().size(), types == kRefused) << text.substr(0, 40);
     }
 }
 
