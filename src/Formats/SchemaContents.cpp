@@ -106,7 +106,7 @@ SchemaContents::Content SchemaContents::keep()
 {
     const Content content{kept.size(), elements.all.size(), attributes.all.size()};
     if (kept.size() + content.elements + content.attributes > kMaxFields)
-        set.refuse("more than " + std::to_string(kMaxFields) + " fields");
+        set.refuse(std::to_string(kMaxFields) + " fields");
     kept.insert(kept.end(), elements.all.begin(), elements.all.end());
     kept.insert(kept.end(), attributes.all.begin(), attributes.all.end());
     return content;
@@ -223,7 +223,7 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint
         elements.add({name, declaration, SourceTypes::roleElement, times > 1});
         lastSeen.push_back(clock);
         if (kept.size() + elements.all.size() > kMaxFields)
-            set.refuse("more than " + std::to_string(kMaxFields) + " fields");
+            set.refuse(std::to_string(kMaxFields) + " fields");
         return;
     }
     std::size_t& seen = lastSeen[elements.positionOf(*field)];
@@ -298,5 +298,5 @@ void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isPro
 void SchemaContents::spendStep()
 {
     if (++steps > kMaxSteps)
-        set.refuse("more than " + std::to_string(kMaxSteps) + " particles of groups");
+        set.refuse(std::to_string(kMaxSteps) + " particles of groups");
 }

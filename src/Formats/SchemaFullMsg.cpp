@@ -7,7 +7,7 @@ SchemaFullMessage::SchemaFullMessage() : FullMessage(SchemaMessage::m_descr) {}
 
 void SchemaFullMessage::read(const CString& source, const CString&, SourceTypes& types, SourceReport& report)
 {
-    SchemaSet set(report);
+    SchemaSet set(types, report);
     if (const CString error = set.load(source); !error.empty())
         throw SourceRefusal{error};
     SchemaTypes(set, types).read();

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr std::size_t kMaxCopied = 1'000'000;
+constexpr int kNearby = 100;
 
 std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
 {
@@ -34,7 +35,6 @@ std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
 
 CString SchemaSet::load(const CString& fileName)
 {
-    mainFile = fileName;
     CString error = read(fileName);
     if (!error.empty() || tree.documents[0].root == 0)
         return error;
@@ -121,8 +121,7 @@ std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
 {
     copied += tree.documents[document].end - tree.documents[document].root;
     if (copied > kMaxCopied)
-        refuse("more than " + std::to_string(kMaxCopied) +
-               " declarations in documents that several namespaces include");
+        refuse(std::to_string(kMaxCopied) + " declarations in documents that several namespaces include");
     return tree.adopt(document, space);
 }
 
@@ -255,14 +254,17 @@ void SchemaSet::reportNotes()
 {
     sortNotes();
     for (const Note& note : notes) {
-        const SchemaNode& node = tree[note.node];
-        const bool isReference = note.construct == SourceReport::unresolvedReference || !node.hasName();
-        report.add(note.construct, placeOf(note.node), tree.text(isReference ? node.reference.local : node.name));
+        const bool isReference = note.construct == SourceReport::unresolvedReference;
+        const NameTable::Id name = isReference ? tree[note.node].reference.local : tree[namedAround(note.node)].name;
+        report.add(note.construct, placeOf(note.node), tree.text(name));
     }
     notes.clear();
 }
 
-void SchemaSet::refuse(const CString& reason) const
+/// The node itself, or the nearest around it, that has a name; not looked for any further than real schemas nest.
+SchemaSet::Index SchemaSet::namedAround(Index node) const
 {
-    throw SourceRefusal{mainFile + ": " + reason + "."};
+    for (int steps = 0; steps < kNearby && !tree[node].hasName(); ++steps)
+        node = tree[node].parent;
+    return node;
 }

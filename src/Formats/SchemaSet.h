@@ -2,7 +2,7 @@
 
 #include "Formats/SchemaLocation.h"
 #include "Formats/SchemaTree.h"
-#include "Formats/SourceReport.h"
+#include "Formats/SourceTypes.h"
 
 #include <array>
 #include <map>
@@ -27,7 +27,7 @@ public:
         kindCount
     };
 
-    explicit SchemaSet(SourceReport& report) : report(report) {}
+    SchemaSet(const SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
     /// Reads a schema and the documents that it names, each once; local regular files only, and what can't be had goes
     /// into the report. Answers the text of the error when the schema itself can't be read, else an empty one.
@@ -55,8 +55,8 @@ public:
     /// Moves what was noted into the report, in the order of reading, each place once.
     void reportNotes();
 
-    /// Ends the import, because of a bound.
-    [[noreturn]] void refuse(const CString& reason) const;
+    /// Throws SourceRefusal: the schema has more than `what`.
+    [[noreturn]] void refuse(const CString& what) const { types.refuse(what); }
 
     const SchemaTree& queryTree() const { return tree; }
 
@@ -89,9 +89,10 @@ private:
     void collectMembers();
     std::vector<std::uint32_t> includedDocuments() const;
     void sortNotes();
+    Index namedAround(Index node) const;
 
     SchemaTree tree;
-    CString mainFile;
+    const SourceTypes& types;
     SourceReport& report;
     FileFinder finder;
     std::map<FileId, std::uint32_t> parsed; // the first document of each file

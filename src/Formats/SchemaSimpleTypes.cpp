@@ -200,6 +200,6 @@ void SchemaSimpleTypes::addConstant(NameTable::Id constant)
     if (std::exchange(constantSeen[constant], constantLists) == constantLists)
         return;
     if (constants.size() == kMaxConstants)
-        set.refuse("more than " + std::to_string(kMaxConstants) + " constants");
+        set.refuse(std::to_string(kMaxConstants) + " constants");
     constants.push_back(constant);
 }

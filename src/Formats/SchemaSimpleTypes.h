@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Formats/SchemaSet.h"
-#include "Formats/SourceTypes.h"
 
 #include <span>
 

@@ -293,4 +293,183 @@ TEST_P(SchemaRule, GivesTypes)
 
 INSTANTIATE_TEST_SUITE_P(Rows, SchemaRule, testing::ValuesIn(kRules), [](const auto& row) { return row.param.name; });
 
+TEST_F(SchemaFull, ReportsWhatIsNotCarriedOver)
+{
+    folder.write("b.xsd", "<schema");
+    const CString schema = R"(<include schemaLocation='none.xsd'/><include schemaLocation='b.xsd'/>
+<element name='r' nillable='1'><complexType mixed='true'><sequence>
+  <element ref='t:none'/><group ref='t:g' maxOccurs='2'/><group ref='t:g'/><group ref='t:nog'/>
+  <element name='a' type='t:A' maxOccurs='0'/><element name='b' type='t:A' default='x'/>
+</sequence><attribute name='b' type='t:L'/><attribute name='u' type='t:U'/><anyAttribute/></complexType><key name='k'/></element>
+<complexType name='A' abstract='true'><attribute name='x' type='t:X'/></complexType>
+<group name='g'><choice><any/></choice></group>
+<element name='r'/><complexType name='Lost'><attribute name='x'/></complexType>
+<simpleType name='L'><list itemType='t:U'/></simpleType>
+<simpleType name='U'><union memberTypes='int string'/></simpleType>
+<simpleType name='F'><restriction base='string'><length value='1'/><pattern value='a'/></restriction></simpleType>)";
+    EXPECT_EQ(typesOfSchema(schema), "Lost(x:String) A(x:String) r(value:String none:String b:A r_b:String u:String)");
+    EXPECT_EQ(reportOf(message, folder.path()), R"(x.xsd:1: module or document not there: none.xsd
+x.xsd:1: module or document not readable: b.xsd
+x.xsd:2: mixed content (order of text lost): r
+x.xsd:3: reference to nothing that was read: none
+x.xsd:3: reference to nothing that was read: nog
+x.xsd:4: element that may not occur: a
+x.xsd:5: any attribute: r
+x.xsd:6: abstract type: A
+x.xsd:6: reference to nothing that was read: X
+x.xsd:7: any element: g
+x.xsd:8: declared twice: r
+x.xsd:9: list: L
+x.xsd:10: union of several kinds: U
+x.xsd:2: name changed: b is r_b
+
+3 reference to nothing that was read
+2 facet
+1 module or document not there
+1 module or document not readable
+1 declared twice
+1 mixed content (order of text lost)
+1 any element
+1 any attribute
+1 abstract type
+1 list
+1 union of several kinds
+1 element that may not occur
+1 name changed
+1 nillable
+1 default
+1 identity constraint
+)");
+}
+
+TEST_F(SchemaFull, DescribesByTheFirstDocumentation)
+{
+    const CString said =
+        "<annotation><appinfo>no</appinfo><documentation/><documentation> Of\n <b>the</b>\tR </documentation>"
+        "<documentation>no</documentation></annotation>";
+    const CString enumeration = "<simpleType name='E'><annotation><documentation>" + times(300, "\xc3\xa9") +
+                                "</documentation></annotation>" LISTED("string", "x", "y") "</simpleType>";
+    typesOfSchema("<element name='r'>" + said +
+                  "<complexType><sequence><element name='a' type='t:E'/><element ref='t:b'/></sequence></complexType>"
+                  "</element><element name='b'>" +
+                  said + "</element>" + enumeration);
+    CString descriptions;
+    message.beginEnum();
+    while (const Element* type = message.enumNext()) {
+        descriptions += type->queryDescription() + ";";
+        for (const Element* child : type->queryChildren())
+            descriptions += child->queryDescription() + ";";
+    }
+    EXPECT_EQ(descriptions, times(255, "\xc3\xa9") + ";x (Automatically created);y (Automatically created);Of the R;" +
+                                times(255, "\xc3\xa9") + ";Of the R;");
+}
+
+// What leads back to itself is cut, what grows beyond all bounds is refused.
+struct Bound
+{
+    const char* name;
+    CString (*schema)();
+    const char* types; // none: it is refused, and not because of its main file's declarations
+    const char* box = "";
+};
+
+CString chained(std::size_t count, const std::function<CString(const CString& own, const CString& next)>& link)
+{
+    CString all;
+    for (std::size_t i = 0; i < count; ++i)
+        all += link(std::to_string(i), std::to_string((i + 1) % count));
+    return all;
+}
+
+const Bound kBounds[] = {
+    {"TenThousandExtensions",
+     [] {
+         return chained(10'000, [](const CString& own, const CString& next) {
+             return "<complexType name='T" + own + "'><complexContent><extension base='t:T" + next +
+                    "'><attribute name='a" + own + "'/></extension></complexContent></complexType>";
+         });
+     },
+     "", "more than 1000000 fields."},
+    {"ManyEmptyExtensions",
+     [] {
+         return "<element name='r' type='t:T0'/>" + chained(50'000, [](const CString& own, const CString& next) {
+                    return "<complexType name='T" + own + "'><complexContent><extension base='t:T" + next +
+                           "'/></complexContent></complexType>";
+                });
+     },
+     "r(value:String)"},
+    {"GroupsThatDouble",
+     [] {
+         return ROOT("<group ref='t:g0'/>") + chained(40, [](const CString& own, const CString& next) {
+                    const CString reference = "<group ref='t:g" + next + "'/>";
+                    return "<group name='g" + own + "'><sequence>" + (next == "0" ? "" : reference + reference) +
+                           "</sequence></group>";
+                });
+     },
+     "", "more than 20000000 particles of groups."},
+    {"GroupsInsideEachOther",
+     [] {
+         return ROOT("<group ref='t:g0'/>") +
+                chained(50'000,
+                        [](const CString& own, const CString& next) {
+                            return "<group name='g" + own + "'><sequence><group ref='t:g" + next +
+                                   "'/></sequence></group>";
+                        }) +
+                "<group name='x'/>";
+     },
+     "r(value:String)"},
+    {"ParticlesInsideEachOther",
+     [] {
+         return "<element name='r'><complexType>" + times(50'000, "<choice><sequence>") + "<element name='a'/>" +
+                times(50'000, "</sequence><element name='a'/></choice>") + "</complexType></element>";
+     },
+     "r(a:String)"},
+    {"SimpleTypesOfEachOther",
+     [] {
+         return ROOT("<attribute name='a' type='t:S0'/>") +
+                chained(50'000, [](const CString& own, const CString& next) {
+                    return "<simpleType name='S" + own + "'><union memberTypes='t:S" + next + " t:S" + next +
+                           "'/></simpleType>";
+                });
+     },
+     "r(a:String)"},
+    {"MembersOfEachOthersSubstitutionGroups",
+     [] {
+         return ROOT("<sequence><element ref='t:e0'/></sequence>") +
+                chained(50'000, [](const CString& own, const CString& next) {
+                    return "<element name='e" + own + "' substitutionGroup='t:e" + next + "' abstract='true'/>";
+                });
+     },
+     "r(value:String)"},
+    {"EnumerationUnderManyNames",
+     [] {
+         return chained(1'000,
+                        [](const CString& own, const CString& next) {
+                            return "<simpleType name='S" + own + "'><restriction base='t:S" + next + "'>" +
+                                   (next == "0" ? chained(1'001,
+                                                          [](const CString& constant, const CString&) {
+                                                              return "<enumeration value='" + constant + "'/>";
+                                                          })
+                                                : CString()) +
+                                   "</restriction></simpleType>";
+                        }) +
+                ROOT("<attribute name='a' type='t:S0'/>");
+     },
+     "", "more than 1000000 constants."},
+};
+
+class SchemaBound : public SchemaFull, public testing::WithParamInterface<Bound>
+{};
+
+TEST_P(SchemaBound, Holds)
+{
+    const Bound& bound = GetParam();
+    const CString file = folder.write("x.xsd", documentOf(bound.schema()));
+    EXPECT_EQ(message.parseFile(file, "\\b\\"), *bound.types != '\0');
+    EXPECT_EQ(fullTypesOf(message), bound.types);
+    EXPECT_EQ(boxes.take(), *bound.types ? std::vector<CString>() : std::vector<CString>{file + ": " + bound.box});
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, SchemaBound, testing::ValuesIn(kBounds), [](const auto& row) { return row.param.name; });
+
 } // namespace
