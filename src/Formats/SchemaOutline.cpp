@@ -109,8 +109,11 @@ SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
     return place;
 }
 
+/// Names become names of types and folders, so they have the same bound as those of the document itself.
 std::string_view SchemaOutline::keepName(std::string_view name)
 {
+    if (name.size() > kMaxXmlName)
+        throw XmlRefusal{"A declared name has more than 4,096 bytes"};
     char* const text = static_cast<char*>(texts.allocate(name.size() + 1));
     text[name.copy(text, name.size())] = SchemaDeclaration::kMark[0];
     return {text, name.size()};

@@ -30,6 +30,12 @@ std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
 {
     std::sort(declarations.begin(), declarations.end(),
               [](const Declaration& a, const Declaration& b) { return a.moment < b.moment; });
+    // The model that is made of them will need room of its own.
+    itemsByName = {};
+    pairsByKey = {};
+    usagesByKey = {};
+    usages.clear();
+    undecided = std::vector<Usage*>();
     return std::move(declarations);
 }
 

@@ -95,7 +95,7 @@ public:
     /// The tag of the root, prefix included.
     const CString& queryRootTag() const { return rootTag; }
 
-    /// What the document declares, in the order of its moments.
+    /// What the document declares, in the order of its moments. Called once, at the end.
     std::vector<Declaration> takeDeclarations();
 
 private:

@@ -27,6 +27,7 @@ const Case kDocuments[] = {
      "F:E(a:S b:S) E:E(a:S b:S)"},
     {"LongConstants", type("E", "<ENUM><X NAME='" + kLong + "'/><X NAME='b'/><X NAME='b'/></ENUM>"),
      "E:E(" + kLong + ":S b:S b:S)"},
+    {"ConstantsWithoutAName", type("E", "<ENUM><X NAME='a'/><X/><X NAME='b'/><X/></ENUM>"), "E:E(a:S :S b:S :S)"},
     {"AnyTagServes", type("R", "<ROW><X NAME='a' TYPE='String'/><Y NAME='b' TYPE='Time'/></ROW>"),
      "R:R(a:O=String b:O=Time)"},
     {"ContentTagsAreExact", type("R", "<row><X NAME='a'/></row><x:ENUM/><p/>"), "R:R()"},

@@ -67,6 +67,8 @@ const Case kLoads[] = {
     {"Empty", "", "1:1 Document is empty"},
     {"BytesOutOfEncoding", "<a>\n\xE9</a>",
      "2:1 Input is not proper UTF-8, indicate encoding !\nBytes: 0xE9 0x3C 0x2F 0x61"},
+    {"OverlongUtf8", "<a>\n\xC0\xBC</a>",
+     "2:1 Input is not proper UTF-8, indicate encoding !\nBytes: 0xC0 0xBC 0x3C 0x2F"},
     {"BytesOutOfEncodingBehindTheRoot", "<?xml version='1.0' encoding='US-ASCII'?><a/>\n\xE9",
      "2:1 Extra content at the end of the document"},
     {"NulBehindTheRoot", "<a/>\n\0"s, "2:1 Extra content at the end of the document"},

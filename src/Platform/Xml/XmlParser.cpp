@@ -18,7 +18,9 @@ namespace {
 constexpr std::size_t kMaxDepth = 200'000;
 constexpr int kMaxAttributes = 10'000;
 constexpr int kMaxNamespaces = 4'096; // in scope at once
-constexpr int kMaxNames = 500'000;    // different ones; libxml2 looks them up in a table that doesn't grow with them
+constexpr int kMaxNames = 100'000;    // different ones; libxml2 looks them up in a table that doesn't grow with them
+constexpr std::size_t kFreeComparisons = 100'000'000; // of libxml2's, in lists that it walks for each of their members
+constexpr std::size_t kMaxComparisons = 64;           // for each byte that has been read
 constexpr std::size_t kFreeExpansion = 1'000'000;
 constexpr std::size_t kMaxExpansionRatio = 10;
 constexpr int kPointersPerAttribute = 5; // in the rows of xmlSAX2 start tags
@@ -166,6 +168,10 @@ private:
     void guarded(void* context, Call call);
     xmlEntityPtr counted(void* context, xmlEntityPtr entity);
     void expand(std::size_t bytes);
+    void compare(std::size_t members);
+    void noteEnumerations(std::string_view piece);
+    bool mayHoldLongNames(const xmlParserCtxt& context);
+    void checkName(const xmlChar* local, const xmlChar* prefix);
     void checkBounds(int attributes);
     bool hasRest() const;
     int line() const { return parser->inputTab[0]->line; } // in the document, not in the text of an entity
@@ -180,6 +186,10 @@ private:
     std::exception_ptr thrown; // by the handler
     std::size_t depth = 0;
     std::size_t expanded = 0;
+    std::size_t comparisons = 0;
+    std::size_t lastTagEnd = 0;
+    std::size_t bars = 0; // '|' since the last '>', before the first element
+    bool inProlog = true;
 };
 
 xmlSAXHandler Parse::callbacks(bool withText)
@@ -248,7 +258,25 @@ int Parse::onRead(void* run, char* out, int room)
     Parse& self = *static_cast<Parse*>(run);
     if (self.parser)
         self.checkBounds(self.parser->maxatts / kPointersPerAttribute / 2);
-    return self.first ? 0 : self.source.read(out, room);
+    if (self.first)
+        return 0;
+    const int size = self.source.read(out, room);
+    if (self.inProlog && size > 0)
+        self.noteEnumerations({out, static_cast<std::size_t>(size)});
+    return size;
+}
+
+// libxml2 compares each value of an enumeration with all that stand before it, and says nothing until it has them all.
+// So they are counted as they are read, by what separates them.
+void Parse::noteEnumerations(std::string_view piece)
+{
+    for (const char c : piece) {
+        if (c == '>')
+            bars = 0;
+        else if (c == '|')
+            comparisons += ++bars;
+    }
+    compare(0);
 }
 
 void Parse::onError(void* run, xmlErrorPtr error)
@@ -292,7 +320,13 @@ xmlEntityPtr Parse::onEntity(void* context, const xmlChar* name)
 
 xmlEntityPtr Parse::onParameterEntity(void* context, const xmlChar* name)
 {
-    return of(context).counted(context, xmlSAX2GetParameterEntity(context, name));
+    Parse& self = of(context);
+    xmlEntityPtr entity = xmlSAX2GetParameterEntity(context, name);
+    if (entity && entity->content) {
+        const std::string_view content = view(entity->content);
+        self.compare(static_cast<std::size_t>(std::count(content.begin(), content.end(), '|')));
+    }
+    return self.counted(context, entity);
 }
 
 // Each reference is asked for here, the ones inside other entities too, so this is the whole of what gets expanded.
@@ -316,6 +350,33 @@ void Parse::expand(std::size_t bytes)
         fail("The entities and default attributes of the document expand to far more than its size");
 }
 
+// Notes that a list was made in which each member was compared with all before it.
+void Parse::compare(std::size_t members)
+{
+    comparisons += members * members / 2;
+    if (comparisons > kFreeComparisons && comparisons / kMaxComparisons > source.queryCount())
+        fail("The document has too many lists with too many members");
+}
+
+// False for a start tag that is no longer than a name may be. To measure each name would cost more than to walk it.
+bool Parse::mayHoldLongNames(const xmlParserCtxt& context)
+{
+    if (&context != parser.get()) // the text of an entity
+        return true;
+    const xmlParserInput& input = *context.input;
+    const std::size_t end = input.consumed + static_cast<std::size_t>(input.cur - input.base);
+    const std::size_t length = end - lastTagEnd;
+    lastTagEnd = end;
+    return length > kMaxXmlName;
+}
+
+void Parse::checkName(const xmlChar* local, const xmlChar* prefix)
+{
+    const std::size_t size = prefix ? ::strnlen(text(prefix), kMaxXmlName) + 1 : 0;
+    if (size + ::strnlen(text(local), kMaxXmlName + 1) > kMaxXmlName)
+        fail("A name has more than 4,096 bytes");
+}
+
 void Parse::checkBounds(int attributes)
 {
     if (attributes > kMaxAttributes)
@@ -336,6 +397,9 @@ void Parse::guarded(void* context, Call call)
         return stop(context);
     try {
         call();
+    } catch (const XmlRefusal& refusal) {
+        fail(refusal.reason);
+        stop(context);
     } catch (...) {
         thrown = std::current_exception();
         fail("The handler failed");
@@ -355,7 +419,14 @@ void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* p
                 static_cast<std::size_t>(rows[i * kPointersPerAttribute + 4] - rows[i * kPointersPerAttribute + 3]) + 1;
         self.expand(bytes);
     }
+    self.inProlog = false;
     self.checkBounds(attributes);
+    self.compare(static_cast<std::size_t>(attributes));
+    if (self.mayHoldLongNames(*static_cast<xmlParserCtxtPtr>(context)) || defaulted != 0) {
+        self.checkName(local, prefix);
+        for (int i = 0; i < attributes; ++i)
+            self.checkName(rows[i * kPointersPerAttribute], rows[i * kPointersPerAttribute + 1]);
+    }
     ++self.depth;
     self.guarded(context, [&] {
         if (self.wantsScopes)
@@ -394,6 +465,7 @@ void Parse::onComment(void* context, const xmlChar* characters)
 void Parse::onInstruction(void* context, const xmlChar* target, const xmlChar* data)
 {
     Parse& self = of(context);
+    self.checkName(target, nullptr);
     if (static_cast<xmlParserCtxtPtr>(context)->inSubset == 0)
         self.guarded(context, [&] { self.handler.instruction(view(target), view(data)); });
 }

@@ -45,6 +45,15 @@ struct XmlScope
     int line; ///< in the document, from 1
 };
 
+/// The longest name that a document may use, in bytes, its prefix and colon included.
+inline constexpr std::size_t kMaxXmlName = 4096;
+
+/// Thrown by a handler that refuses the document; becomes the error of the place that has been read.
+struct XmlRefusal
+{
+    const char* reason;
+};
+
 /// What a document holds, in its order. Names are split at their prefix whether that is declared or not; entities are
 /// expanded, and one that is not known is left out. Texts are UTF-8 and valid while the call runs.
 class XmlHandler
@@ -75,8 +84,9 @@ public:
 /// (https://www.w3.org/TR/xml/#sec-well-formed), else its first error; the handler has then got what stands before it.
 /// External entities and subsets are never read. Entity expansion is bounded (ten times what has been read, and a
 /// million bytes), so are nesting (256 levels in a document that declares entities, 200,000 else), what one start tag
-/// may hold (10,000 attributes) and how many different names there are (half a million): what passes a bound is an
-/// error with its place.
+/// may hold (10,000 attributes), names (4,096 bytes, and 100,000 different ones) and lists in which each member is
+/// compared with all others (attributes, enumerations; 64 times for each byte that has been read): what passes a bound
+/// is an error with its place.
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler);
 
 /// The same for a document that is in memory.
