@@ -276,8 +276,9 @@ void DTDReader::readDefault()
         tokens.next();
     if (isReserved && !isFixed)
         return;
-    const bool isValue = token.kind == DTDTokens::tokenLiteral || token.kind == DTDTokens::tokenWord;
-    if (!isValue || token.isBehindUnknown)
+    // A word behind an entity that isn't there, which may have held the default, is the next attribute.
+    const bool isWord = token.kind == DTDTokens::tokenWord && !token.isBehindUnknown;
+    if (!isWord && token.kind != DTDTokens::tokenLiteral)
         return;
     report.count(SourceReport::defaultValue);
     tokens.next();
