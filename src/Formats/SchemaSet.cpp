@@ -246,8 +246,7 @@ void SchemaSet::note(SourceReport::Construct construct, Index node)
 void SchemaSet::sortNotes()
 {
     std::ranges::sort(notes);
-    const auto repeated = std::ranges::unique(notes);
-    notes.erase(repeated.begin(), repeated.end());
+    notes.erase(std::unique(notes.begin(), notes.end()), notes.end());
 }
 
 void SchemaSet::reportNotes()
