@@ -1,18 +1,25 @@
 #include "EditPage.h"
 
+#include "DiagramWindow.h"
+#include "DocumentWindow.h"
 #include "KindMark.h"
 #include "Platform/Ui/ListFilter.h"
 #include "Platform/Ui/ListView.h"
 #include "Platform/Ui/Viewer.h"
 #include "QELWizard.h"
 #include "Resources/StringTable.h"
+#include "StructurePane.h"
 #include "Utils/QELApp.h"
 
+#include <QAction>
+#include <QHBoxLayout>
 #include <QHideEvent>
 #include <QPushButton>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -31,19 +38,68 @@ EditPage::EditPage() : QELPage(IDD_EDIT, "Typeforge - Generated types", IDS_EDIT
 void EditPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(makeLists(), 1);
+    column->addLayout(makeButtons());
+    addMenuRow("&View ...", &EditPage::OnEdit);
+    addMenuRow("View in a &window of Typeforge", &EditPage::showDocument);
+    addMenuRow("&Picture ...", &EditPage::showPicture);
+}
+
+QWidget* EditPage::makeLists()
+{
     typeList = withId(IDC_TYPES, new ListView({{loadText(IDS_COLUMN_NAME), 30}, {loadText(IDS_COLUMN_DESCRIPTION), 65}},
                                               "Generated types"));
     connect(typeList, &ListView::doubleClicked, this, &EditPage::OnDblclkEdit);
+    connect(typeList, &ListView::chosen, this, &EditPage::showStructure);
+    auto* list = new QWidget;
+    auto* column = new QVBoxLayout(list);
+    column->setContentsMargins({});
+    column->addWidget(typeList);
+    column->insertWidget(0, new ListFilter(*typeList, "types")); // above, but behind the list for Tab
+    pane = new StructurePane;
+    pane->hide();
+    connect(pane, &StructurePane::jumped, this, &EditPage::jumpTo);
+    auto* splitter = new QSplitter;
+    splitter->setObjectName("lists");
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(list);
+    splitter->addWidget(pane);
+    for (int i = 0; i < splitter->count(); ++i)
+        splitter->setStretchFactor(i, 1);
+    return splitter;
+}
+
+QHBoxLayout* EditPage::makeButtons()
+{
+    paneButton = new QPushButton("&Structure");
+    paneButton->setObjectName("showStructure");
+    paneButton->setCheckable(true);
+    connect(paneButton, &QPushButton::toggled, pane, &QWidget::setVisible);
+    connect(paneButton, &QPushButton::toggled, this, &EditPage::showStructure);
+    auto* picture = new QPushButton("&Picture ...");
+    picture->setObjectName("showPicture");
+    connect(picture, &QPushButton::clicked, this, &EditPage::showPicture);
     auto* view = withId(IDC_VIEW, new QPushButton("&View ..."));
     connect(view, &QPushButton::clicked, this, &EditPage::OnEdit);
-    auto* column = new QVBoxLayout(this);
-    column->addWidget(typeList, 1);
-    column->insertWidget(0, new ListFilter(*typeList, "types")); // above, but behind the list for Tab
-    column->addWidget(view, 0, Qt::AlignRight);
+    auto* row = new QHBoxLayout;
+    row->addWidget(paneButton);
+    row->addWidget(picture);
+    row->addStretch();
+    row->addWidget(view);
+    return row;
+}
+
+void EditPage::addMenuRow(const QString& text, void (EditPage::*action)())
+{
+    auto* row = new QAction(text, typeList);
+    connect(row, &QAction::triggered, this, action);
+    typeList->insertAction(typeList->actions().last(), row); // copying stays the last one
 }
 
 void EditPage::OnSetActive()
 {
+    structure.reset();
     types.clear();
     types.reserve(static_cast<std::size_t>(wizard->message->beginEnum()));
     while (Element* element = wizard->message->enumNext())
@@ -57,6 +113,7 @@ void EditPage::OnSetActive()
         [this](int row) -> const ListRows::Mark& {
             return kindMark(types[static_cast<std::size_t>(row)]->queryType());
         });
+    showStructure();
 }
 
 LRESULT EditPage::OnWizardBack()
@@ -67,28 +124,89 @@ LRESULT EditPage::OnWizardBack()
 // The next import frees the elements while the page is out of sight.
 void EditPage::hideEvent(QHideEvent* event)
 {
-    if (!event->spontaneous())
-        typeList->setRows(0, {});
+    if (event->spontaneous())
+        return;
+    typeList->setRows(0, {});
+    pane->showType(nullptr, 0);
+    structure.reset();
+}
+
+// The pane comes and goes where the window passes the width that has room for it; in between, the user decides.
+void EditPage::resizeEvent(QResizeEvent* event)
+{
+    QELPage::resizeEvent(event);
+    if (std::exchange(isWide, width() >= sheet()->sizeHint().width() * 5 / 4) != isWide)
+        paneButton->setChecked(isWide);
+}
+
+// -1 where none is selected, which the user has been told then.
+int EditPage::queryRow()
+{
+    const int row = typeList->selectedRow();
+    if (row < 0)
+        stay(IDS_SELECT_TYPE);
+    return row;
 }
 
 void EditPage::OnEdit()
 {
-    const int row = typeList->selectedRow();
-    if (row < 0) {
-        stay(IDS_SELECT_TYPE);
+    const int row = queryRow();
+    if (row < 0)
         return;
-    }
     CString document;
     types[static_cast<std::size_t>(row)]->asXML(document);
     CString fileName;
     const FileCause cause = tempFiles.add(temporaryFolder(), document, fileName);
-    if (cause == FileCause::none)
-        showInViewer(fileName);
-    else
+    if (cause != FileCause::none) {
         stay(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)));
+        return;
+    }
+    const CString name = types[static_cast<std::size_t>(row)]->queryName();
+    showInViewer(fileName, this, [this, name, document] {
+        (new DocumentWindow(sheet(), name, document, tr("No viewer for XML files could be started.")))->show();
+    });
 }
 
 void EditPage::OnDblclkEdit()
 {
     OnEdit();
+}
+
+void EditPage::showDocument()
+{
+    const int row = queryRow();
+    if (row < 0)
+        return;
+    CString document;
+    Element* type = types[static_cast<std::size_t>(row)];
+    type->asXML(document);
+    (new DocumentWindow(sheet(), type->queryName(), document, {}))->show();
+}
+
+void EditPage::showPicture()
+{
+    if (const int row = queryRow(); row >= 0)
+        (new DiagramWindow(sheet(), queryStructure(), static_cast<std::uint32_t>(row)))->show();
+}
+
+void EditPage::showStructure()
+{
+    const int row = typeList->selectedRow();
+    if (row < 0 || pane->isHidden())
+        pane->showType(nullptr, 0);
+    else
+        pane->showType(&queryStructure(), static_cast<std::uint32_t>(row));
+}
+
+void EditPage::jumpTo(std::uint32_t type)
+{
+    typeList->selectRow(static_cast<int>(type));
+    showStructure();
+}
+
+const TypeStructure& EditPage::queryStructure()
+{
+    if (!structure)
+        structure = std::make_unique<TypeStructure>(*wizard->message);
+    return *structure;
 }

@@ -1,14 +1,19 @@
 #pragma once
 
+#include "Formats/TypeStructure.h"
 #include "Platform/Files/TemporaryFiles.h"
 #include "QELPage.h"
 
+#include <memory>
 #include <vector>
 
-class Element;
 class ListView;
+class QHBoxLayout;
+class QPushButton;
+class StructurePane;
 
-/// Lists the types of the import and shows the document of one in the user's viewer.
+/// Lists the types of the import, shows the document of one in the user's viewer or in a window of the program's own,
+/// its structure in a pane beside the list, and a picture of what it reaches.
 class EditPage : public QELPage
 {
 public:
@@ -21,12 +26,26 @@ public:
 
 protected:
     void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void OnEdit();
     void OnDblclkEdit();
+    QWidget* makeLists();
+    QHBoxLayout* makeButtons();
+    void addMenuRow(const QString& text, void (EditPage::*action)());
+    int queryRow();
+    void showDocument();
+    void showPicture();
+    void showStructure();
+    void jumpTo(std::uint32_t type);
+    const TypeStructure& queryStructure();
 
     ListView* typeList = nullptr;
-    std::vector<Element*> types; // the list's rows; the importer owns them
+    StructurePane* pane = nullptr;
+    QPushButton* paneButton = nullptr;
+    std::vector<Element*> types;              // the list's rows; the importer owns them
+    std::unique_ptr<TypeStructure> structure; // of these types; made when it is first asked for
+    bool isWide = false;                      // there is room for the pane, and for the list as it is without
     TemporaryFiles tempFiles;
 };

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QGraphicsView>
+
+/// A picture to move about in: the wheel and + and - zoom, 0 shows all of it and 1 its own size, dragging, arrows, Page
+/// Up and Page Down move it, Home and End go to its left and right end.
+class DiagramView : public QGraphicsView
+{
+public:
+    explicit DiagramView(QGraphicsScene* scene);
+
+    void zoom(double factor);
+
+    /// Shows the whole picture, not larger than its own size.
+    void showAll();
+
+    void showOwnSize();
+
+protected:
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    bool fits = true; // the whole picture is to be seen, in any size of the window
+};

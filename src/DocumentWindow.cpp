@@ -1,0 +1,153 @@
+#include "DocumentWindow.h"
+
+#include "Platform/Ui/UiText.h"
+#include "SaveFile.h"
+#include "XmlHighlighter.h"
+
+#include <QClipboard>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+namespace {
+
+// The document with each tag on a line of its own. It holds no text, and its values no '<' or '>'.
+CString indented(std::string_view document)
+{
+    CString lines;
+    std::size_t depth = 0;
+    while (!document.empty()) {
+        const std::size_t end = document.find('>');
+        const std::string_view tag = document.substr(0, end == document.npos ? end : end + 1);
+        document.remove_prefix(tag.size());
+        if (tag.starts_with("</") && depth > 0)
+            --depth;
+        lines.append(lines.empty() ? "" : "\n").append(2 * depth, ' ').append(tag);
+        if (!tag.starts_with("</") && !tag.ends_with("/>"))
+            ++depth;
+    }
+    return lines;
+}
+
+} // namespace
+
+DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CString& typeDocument,
+                               const QString& note) :
+    QWidget(owner, Qt::Window),
+    name(typeName), document(typeDocument), text(new QPlainTextEdit), findEdit(new QLineEdit), status(new QLabel(note))
+{
+    setObjectName("documentWindow");
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle(tr("%1 - Typeforge type").arg(toUi(name)));
+    text->setObjectName("document");
+    text->setAccessibleName(tr("Document of the type"));
+    text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    text->setReadOnly(true);
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard); // with a cursor to read by
+    text->setTabChangesFocus(true);
+    text->setPlainText(toUi(indented(document)));
+    new XmlHighlighter(text->document(), palette());
+    auto* column = new QVBoxLayout(this);
+    column->addLayout(makeFindRow());
+    column->addWidget(text);
+    column->addLayout(makeButtonRow());
+    new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
+    resize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 30);
+    text->setFocus();
+}
+
+QHBoxLayout* DocumentWindow::makeFindRow()
+{
+    auto* row = new QHBoxLayout;
+    auto* label = new QLabel(tr("&Find:"));
+    label->setBuddy(findEdit);
+    findEdit->setObjectName("find");
+    findEdit->setClearButtonEnabled(true);
+    row->addWidget(label);
+    row->addWidget(findEdit);
+    const auto addButton = [&](const char* objectName, const QString& title, QList<QKeySequence> keys, bool backward) {
+        auto* button = new QPushButton(title);
+        button->setObjectName(objectName);
+        button->setToolTip(keys.first().toString(QKeySequence::NativeText));
+        connect(button, &QPushButton::clicked, this, [this, backward] { find(backward); });
+        for (const QKeySequence& key : keys)
+            connect(new QShortcut(key, this), &QShortcut::activated, button, &QPushButton::click);
+        row->addWidget(button);
+    };
+    addButton("findNext", tr("&Next"), {QKeySequence::FindNext}, false);
+    addButton("findPrevious", tr("&Previous"), {QKeySequence::FindPrevious}, true);
+    connect(findEdit, &QLineEdit::returnPressed, this, [this] { find(false); });
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, findEdit, [this] {
+        findEdit->setFocus();
+        findEdit->selectAll();
+    });
+    return row;
+}
+
+QHBoxLayout* DocumentWindow::makeButtonRow()
+{
+    auto* row = new QHBoxLayout;
+    status->setObjectName("status");
+    status->setTextFormat(Qt::PlainText);
+    row->addWidget(status, 1);
+    const auto addButton = [&](const char* objectName, const QString& title, const QString& tip, auto action) {
+        auto* button = new QPushButton(title);
+        button->setObjectName(objectName);
+        button->setToolTip(tip);
+        connect(button, &QPushButton::clicked, this, action);
+        row->addWidget(button);
+        return button;
+    };
+    addButton("copy", tr("&Copy"), tr("Copies the selected text, or all of it"), &DocumentWindow::copy);
+    QPushButton* saveButton =
+        addButton("save", tr("&Save ..."), tr("Saves the document in a file"), &DocumentWindow::save);
+    connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, saveButton, &QPushButton::click);
+    addButton("close", tr("C&lose"), QKeySequence(Qt::Key_Escape).toString(QKeySequence::NativeText), &QWidget::close);
+    return row;
+}
+
+// Goes on at the other end where there is nothing more on this side.
+void DocumentWindow::find(bool backward)
+{
+    const QString wanted = findEdit->text();
+    if (wanted.isEmpty()) {
+        findEdit->setFocus();
+        return;
+    }
+    const QTextDocument::FindFlags flags = backward ? QTextDocument::FindBackward : QTextDocument::FindFlags();
+    status->clear();
+    if (text->find(wanted, flags))
+        return;
+    QTextCursor end = text->textCursor();
+    end.movePosition(backward ? QTextCursor::End : QTextCursor::Start);
+    const QTextCursor found = text->document()->find(wanted, end, flags);
+    if (!found.isNull())
+        text->setTextCursor(found);
+    status->setText(found.isNull() ? tr("There is no \"%1\".").arg(wanted)
+                    : backward     ? tr("Went on from the end.")
+                                   : tr("Went on from the start."));
+}
+
+void DocumentWindow::copy()
+{
+    if (text->textCursor().hasSelection())
+        text->copy();
+    else
+        QGuiApplication::clipboard()->setText(text->toPlainText());
+    status->setText(tr("Copied."));
+}
+
+void DocumentWindow::save()
+{
+    const CString fileName = saveUnderChosenName(*this, "Save the type", {{"XML files", "*.xml"}}, name + ".xml",
+                                                 [this](const CString&) { return document; });
+    if (!fileName.empty())
+        status->setText(tr("Saved as %1.").arg(toUi(fileName)));
+}

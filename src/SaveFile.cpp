@@ -1,0 +1,28 @@
+#include "SaveFile.h"
+
+#include "Platform/Files/File.h"
+#include "Platform/Ui/ModalBox.h"
+#include "Platform/Ui/UiText.h"
+#include "Resources/StringIds.h"
+#include "Resources/StringTable.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+CString saveUnderChosenName(QWidget& owner, const CString& title, const std::vector<FileFilter>& filters,
+                            CString suggested, const std::function<CString(const CString& fileName)>& bytes)
+{
+    std::replace(suggested.begin(), suggested.end(), '/', '_'); // a type's name may hold it
+    const CString fileName = chooseFileToSave(&owner, {title, filters, fromUi(QDir::currentPath()), suggested});
+    if (fileName.empty())
+        return {};
+    AtomicFile file(fileName);
+    file.write(bytes(fileName));
+    const FileCause cause = file.commit();
+    if (cause == FileCause::none)
+        return fileName;
+    const ModalBox box(owner);
+    box(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)), loadText(IDS_ERROR_TITLE));
+    return {};
+}
