@@ -82,7 +82,8 @@ const Rule kRules[] = {
      "<!ENTITY % a '&#37;b;&#x2C;c'><!ENTITY % b 'd'><!ELEMENT r (%a;)><!ELEMENT c EMPTY><!ELEMENT d EMPTY>",
      "r(d:String c:String)"},
     {"AnEntityThatNobodyDeclared",
-     "<!ELEMENT r (a, %u; b)><!ELEMENT a %u;><!ELEMENT b EMPTY>\n<!ATTLIST r %u; c %u; 'x' d %u; #IMPLIED e CDATA %u;>%u;",
+     "<!ELEMENT r (a, %u; b)><!ELEMENT a %u;><!ELEMENT b EMPTY>\n<!ATTLIST r %u; c %u; 'x' d %u; #IMPLIED e CDATA "
+     "%u;>%u;",
      "r(a:String b:String r_c:String r_d:String r_e:String)",
      "x:1: entity declared nowhere: u\nx:1: entity declared nowhere: u\nx:2: entity declared nowhere: u\n"
      "x:2: entity declared nowhere: u\nx:2: entity declared nowhere: u\nx:2: entity declared nowhere: u\n"
