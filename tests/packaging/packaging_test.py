@@ -55,7 +55,7 @@ class Packaging(unittest.TestCase):
             self.assertIn('href="help.css"', text)
             pages += sorted(set(re.findall(r'<a href="([^"]*)"', text)) - set(pages))
         self.assertEqual(sorted(pages + ["help.css"]), sorted(carried))
-        self.assertEqual(12, len(pages))
+        self.assertEqual(13, len(pages))
 
 
 if __name__ == "__main__":
