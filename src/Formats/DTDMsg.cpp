@@ -285,10 +285,7 @@ DTDElement& DTDMessage::addJoined(std::initializer_list<std::string_view> pieces
     joined.clear();
     for (const std::string_view piece : pieces)
         joined.append(piece);
-    if (dtdElements.find(joined))
-        return addDTDElement(joined, parent);
-    char* kept = static_cast<char*>(memory.allocate(joined.size(), 1));
-    return addDTDElement({kept, joined.copy(kept, joined.size())}, parent);
+    return addDTDElement(dtdElements.find(joined) ? std::string_view(joined) : memory.keep(joined), parent);
 }
 
 void DTDMessage::declareAll(const CString& path)

@@ -4,7 +4,6 @@
 #include "Formats/MsgBase.h"
 #include "Utils/KeyedTable.h"
 
-#include <memory_resource>
 #include <vector>
 
 /// One name that a DTD mentions, and the names that it holds. Texts are views: they live as long as the text that is
@@ -105,8 +104,7 @@ private:
 
     CString mainType; // the first element that this importer ever read
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
-    std::pmr::monotonic_buffer_resource memory{
-        chunkMemory()}; // of the entries and of the names that don't stand in the text as they are
+    Arena memory; // of the entries and of the names that don't stand in the text as they are
     Text* text = nullptr;
     CString joined; // a name that does not stand in the text as it is; kept for its room
 };

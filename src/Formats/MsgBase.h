@@ -131,7 +131,7 @@ private:
     Element* makeTable(ChildElement& usage, const CString& tableName);
 
     // Elements, usages and their texts and lists lie in memory that is only given back as a whole, on clear().
-    std::pmr::monotonic_buffer_resource memory{chunkMemory()};
+    Arena memory;
     std::vector<Element*> ownedElements; // also the ones that another has replaced under their key
     Element::SharedText lastPath;        // nearly always the next element's too
     KeyedTable<Element, &Element::queryName> elements;

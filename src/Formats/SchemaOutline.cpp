@@ -114,9 +114,7 @@ std::string_view SchemaOutline::keepName(std::string_view name)
 {
     if (name.size() > kMaxXmlName)
         throw XmlRefusal{"A declared name has more than 4,096 bytes"};
-    char* const text = static_cast<char*>(texts.allocate(name.size() + 1));
-    text[name.copy(text, name.size())] = SchemaDeclaration::kMark[0];
-    return {text, name.size()};
+    return texts.keep({name, SchemaDeclaration::kMark}).substr(0, name.size());
 }
 
 SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)

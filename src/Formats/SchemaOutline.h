@@ -1,7 +1,8 @@
 #pragma once
 
-#include "Platform/Xml/DomTree.h"
+#include "Platform/Arena.h"
 #include "Platform/Xml/XmlParser.h"
+#include "Utils/KeyedTable.h"
 
 #include <array>
 #include <optional>
@@ -109,5 +110,5 @@ private:
     std::vector<Level> open;
     std::vector<std::string_view> schemaLocations;
     bool isTargeted = false;
-    mutable std::optional<std::unordered_set<std::string_view>> typeNames;
+    mutable std::optional<std::unordered_set<std::string_view, KeyHash>> typeNames;
 };

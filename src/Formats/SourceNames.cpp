@@ -36,8 +36,8 @@ public:
 
 private:
     std::vector<std::string_view> names;
-    std::unordered_set<std::string_view> many;
-    std::unordered_map<std::string_view, unsigned> lastNumbers;
+    std::unordered_set<std::string_view, KeyHash> many;
+    std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
 };
 
 void SourceNames::name(const std::vector<Index>& order, Index first)

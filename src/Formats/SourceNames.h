@@ -42,8 +42,8 @@ private:
 
     SourceTypes& types;
     SourceReport& report;
-    std::unordered_set<std::string_view> taken;
-    std::unordered_map<std::string_view, unsigned> lastNumbers;
+    std::unordered_set<std::string_view, KeyHash> taken;
+    std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
     std::unordered_map<TableKey, Index, TableHash> tables;
     std::vector<bool> isNamed; // by enumeration
 };

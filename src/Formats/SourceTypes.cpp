@@ -14,19 +14,13 @@ constexpr std::size_t kMaxTextMegabytes = 256;
 std::string_view SourceTypes::keep(std::string_view text)
 {
     spend(text.size());
-    char* kept = static_cast<char*>(memory.allocate(text.size(), 1));
-    return {kept, text.copy(kept, text.size())};
+    return memory.keep(text);
 }
 
 std::string_view SourceTypes::join(std::string_view first, std::string_view second)
 {
-    const std::size_t size = first.size() + 1 + second.size();
-    spend(size);
-    char* joined = static_cast<char*>(memory.allocate(size, 1));
-    first.copy(joined, first.size());
-    joined[first.size()] = '_';
-    second.copy(joined + first.size() + 1, second.size());
-    return {joined, size};
+    spend(first.size() + 1 + second.size());
+    return memory.keep({first, "_", second});
 }
 
 SourceTypes::Index SourceTypes::addRecord(const Record& record)

@@ -154,7 +154,7 @@ private:
 
     CString sourceName;
     std::size_t spent = 0;
-    std::pmr::monotonic_buffer_resource memory{chunkMemory()};
+    Arena memory;
     std::deque<CString> texts;
     std::vector<Field> fields;
     std::vector<std::string_view> constants;

@@ -33,8 +33,21 @@ class ChunkMemory : public std::pmr::memory_resource
 
 } // namespace
 
-std::pmr::memory_resource* chunkMemory()
+Arena::Arena() :
+    std::pmr::monotonic_buffer_resource([] {
+        static ChunkMemory memory;
+        return &memory;
+    }())
+{}
+
+std::string_view Arena::keep(std::initializer_list<std::string_view> pieces)
 {
-    static ChunkMemory memory;
-    return &memory;
+    std::size_t size = 0;
+    for (const std::string_view piece : pieces)
+        size += piece.size();
+    char* const text = static_cast<char*>(allocate(size, 1));
+    char* end = text;
+    for (const std::string_view piece : pieces)
+        end += piece.copy(end, piece.size());
+    return {text, size};
 }

@@ -1,7 +1,17 @@
 #pragma once
 
+#include <initializer_list>
 #include <memory_resource>
+#include <string_view>
 
-/// Memory for an arena that takes it in growing chunks: a large one is mapped with its pages in place, which costs the
-/// kernel a fraction of what faulting them in one by one does (mmap(2), MAP_POPULATE). Throws std::bad_alloc.
-std::pmr::memory_resource* chunkMemory();
+/// Memory that only grows and goes at once, in growing chunks: a large one is mapped with its pages in place, which
+/// costs the kernel a fraction of what faulting them in one by one does (mmap(2), MAP_POPULATE). Throws std::bad_alloc.
+class Arena : public std::pmr::monotonic_buffer_resource
+{
+public:
+    Arena();
+
+    /// A copy of a text, or of one in pieces, that lasts as long as the arena or until release().
+    std::string_view keep(std::string_view text) { return keep({text}); }
+    std::string_view keep(std::initializer_list<std::string_view> pieces);
+};

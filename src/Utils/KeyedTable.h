@@ -13,6 +13,12 @@ inline std::uint32_t keyHash(const Fingerprint& key)
     return static_cast<std::uint32_t>(key.first);
 }
 
+/// The same for the hash tables of the C++ library, whose own hash of a text is known to whoever writes the source.
+struct KeyHash
+{
+    std::size_t operator()(std::string_view key) const { return keyHash(key); }
+};
+
 /// A string-keyed table of pointers that iterates in the order in which the keys were first stored. The key is not
 /// stored: `KeyOf(value)` reads it from the value, so it must not change while the value is in the table. Owns nothing.
 /// A key that is more than a text brings its own keyHash().

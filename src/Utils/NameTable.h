@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Xml/DomTree.h"
+#include "Platform/Arena.h"
 #include "Utils/KeyedTable.h"
 
 #include <deque>

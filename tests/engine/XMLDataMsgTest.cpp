@@ -61,6 +61,9 @@ TEST_F(XMLData, FaultAtTheLastByteLeavesNothing)
                              "Error on line 0, column 0.\nError text is 'No such file or directory'."));
 }
 
+// Few names, so that they meet in every way: under themselves, as attributes, with dots and underscores.
+constexpr const char* kNames[] = {"a", "b", "a.b", "a_b", "t_a", "b.a", "t_b"};
+
 // The walk as it is described, over the tree, with every usage declared.
 class LiteralWalk : public MsgBase
 {
@@ -70,7 +73,7 @@ public:
     {
         XmlDocument document;
         document.setFile(source);
-        root = document.getElement().tagName();
+        root = document.getElement().nodeName();
         unsigned counter = 0;
         visit(document.getElement(), basePath + root + "\\", nullptr, counter, 0);
         return 1;
@@ -89,8 +92,9 @@ private:
         const auto described = [](const CString& what) { return fillText(loadText(IDS_AUTOMATIC), what); };
         Element* element = addElement((parent ? parent->queryName() : CString()) + "." + name + number, path, name,
                                       described(name), Element::typeString, parent);
-        for (long i = 0; i < node.attributes().length(); ++i) {
-            const CString attribute(node.attributes().item(i).baseName());
+        for (const CString attribute : kNames) { // of which there is one at most
+            if (!node.attributes().getNamedItem(attribute))
+                continue;
             addAttribute(name + "." + attribute + number, path, attribute, described(name + "_" + attribute),
                          Element::typeString, element);
         }
@@ -101,10 +105,8 @@ private:
     CString root;
 };
 
-// Few names, so that they meet in every way: under themselves, as attributes, with dots and underscores.
 CString randomElement(std::mt19937& random, int depth)
 {
-    static const char* const kNames[] = {"a", "b", "a.b", "a_b", "t_a", "b.a", "t_b"};
     const auto name = [&random] { return CString(kNames[random() % std::size(kNames)]); };
     const CString tag = name();
     CString text = "<" + tag;

@@ -27,28 +27,20 @@ bool isDocumentElementTwice(const DomTreeNode& parent, const DomTreeNode& child)
     if (parent.kind != DomKind::document || child.kind != DomKind::element)
         return false;
     const DomTreeNode* other = parent.firstChild;
-    while (other && (other->kind != DomKind::element || other == &child))
+    while (other && other->kind != DomKind::element)
         other = other->nextSibling();
     return other != nullptr;
 }
 
-bool holds(const DomTreeNode* node, const DomTreeNode* inner)
-{
-    while (inner && inner != node)
-        inner = inner->parent;
-    return inner != nullptr;
-}
-
 void append(DomTreeNode& parent, DomTreeNode& child)
 {
-    if (holds(&child, &parent) || isDocumentElementTwice(parent, child) || child.kind == DomKind::document ||
-        (parent.kind != DomKind::element && parent.kind != DomKind::document))
+    bool fits = (parent.kind == DomKind::element || parent.kind == DomKind::document) && child.parent &&
+                child.parent->kind == DomKind::unplaced && !isDocumentElementTwice(parent, child);
+    const DomTreeNode* top = &parent;
+    for (; fits && top->parent; top = top->parent)
+        fits = top != &child;
+    if (!fits || static_cast<const DomRoot&>(*top).tree != DomTree::rootOf(child).tree)
         throw ComError(kFailed, "the node can't stand there");
-    DomTree& from = *DomTree::rootOf(child).tree;
-    DomTree& to = *DomTree::rootOf(parent).tree;
-    if (&from != &to)
-        to.share(from);
-    DomTree::unlink(child);
     DomTree::link(parent, child);
 }
 
@@ -59,11 +51,6 @@ DomNode& IXMLDOMNode::get() const
     if (!pointer)
         throw ComError(kNullPointer, "a null node was used");
     return *pointer;
-}
-
-bool IXMLDOMNode::isElement() const
-{
-    return get().kind == DomKind::element;
 }
 
 std::string_view IXMLDOMNode::nodeName() const
@@ -92,12 +79,8 @@ IXMLDOMNamedNodeMap IXMLDOMNode::attributes() const
 
 IXMLDOMNodeList IXMLDOMNode::childNodes() const
 {
-    return {treeNode(&get()), false, {}};
-}
-
-bool IXMLDOMNode::hasChildNodes() const
-{
-    return static_cast<bool>(firstChild());
+    DomTreeNode* const node = treeNode(&get());
+    return IXMLDOMNodeList(node ? node->firstChild : nullptr);
 }
 
 IXMLDOMNode IXMLDOMNode::firstChild() const
@@ -125,16 +108,15 @@ IXMLDOMNode IXMLDOMNode::appendChild(IXMLDOMNode child) const
 CString IXMLDOMNode::xml() const
 {
     CString out;
-    appendXml(out);
+    writeDom(get(), out);
     return out;
 }
 
-void IXMLDOMNode::appendXml(CString& out) const
+IXMLDOMElement::IXMLDOMElement(IXMLDOMNode node) : IXMLDOMNode(node)
 {
-    writeDom(get(), out);
+    if (node && get().kind != DomKind::element)
+        *this = {};
 }
-
-IXMLDOMElement::IXMLDOMElement(IXMLDOMNode node) : IXMLDOMNode(node && node.isElement() ? node : IXMLDOMNode()) {}
 
 void IXMLDOMElement::setAttribute(std::string_view name, std::string_view value) const
 {
@@ -150,93 +132,16 @@ void IXMLDOMElement::setAttribute(std::string_view name, std::string_view value)
         *place = tree.createAttribute(tree.keepName(name), kept);
 }
 
-IXMLDOMNodeList IXMLDOMElement::getElementsByTagName(std::string_view name) const
-{
-    return {static_cast<DomTreeNode*>(&get()), true, name};
-}
-
 IXMLDOMNode IXMLDOMNamedNodeMap::getNamedItem(std::string_view name) const
 {
     return IXMLDOMNode(findAttribute(first, name));
-}
-
-long IXMLDOMNamedNodeMap::length() const
-{
-    long count = 0;
-    for (const DomNode* attribute = first; attribute; attribute = attribute->next)
-        ++count;
-    return count;
-}
-
-IXMLDOMNode IXMLDOMNamedNodeMap::item(long index) const
-{
-    DomNode* attribute = index < 0 ? nullptr : first;
-    for (; attribute && index > 0; --index)
-        attribute = attribute->next;
-    return IXMLDOMNode(attribute);
-}
-
-IXMLDOMNode IXMLDOMNamedNodeMap::nextNode()
-{
-    DomNode* const attribute = next;
-    if (attribute)
-        next = attribute->next;
-    return IXMLDOMNode(attribute);
-}
-
-IXMLDOMNodeList::IXMLDOMNodeList(DomNode* from, bool all, std::string_view ofName) :
-    root(from), descendants(all), name(ofName)
-{
-    next = first();
-}
-
-DomNode* IXMLDOMNodeList::first() const
-{
-    if (!root)
-        return nullptr;
-    return descendants ? after(root) : static_cast<DomTreeNode*>(root)->firstChild;
-}
-
-DomNode* IXMLDOMNodeList::after(DomNode* node) const
-{
-    if (!descendants)
-        return node->next;
-    const auto* const top = static_cast<DomTreeNode*>(root);
-    DomTreeNode* found = static_cast<DomTreeNode*>(node);
-    do {
-        found = nextInDocument(found, top);
-    } while (found && (found->kind != DomKind::element || found->name != name));
-    return found;
-}
-
-long IXMLDOMNodeList::length() const
-{
-    if (!descendants)
-        return root ? static_cast<long>(static_cast<DomTreeNode*>(root)->childCount) : 0;
-    long count = 0;
-    for (DomNode* node = first(); node; node = after(node))
-        ++count;
-    return count;
-}
-
-IXMLDOMNode IXMLDOMNodeList::item(long index) const
-{
-    if (index < 0)
-        return {};
-    if (!itemNode || index < itemIndex) {
-        itemIndex = 0;
-        itemNode = first();
-    }
-    for (; itemNode && itemIndex < index; ++itemIndex)
-        itemNode = after(itemNode);
-    return IXMLDOMNode(itemNode);
 }
 
 IXMLDOMNode IXMLDOMNodeList::nextNode()
 {
     DomNode* const node = next;
     if (node)
-        next = after(node);
+        next = node->next;
     return IXMLDOMNode(node);
 }
 
@@ -289,9 +194,4 @@ IXMLDOMNode IXMLDOMDocument::appendChild(IXMLDOMNode child) const
 CString IXMLDOMDocument::xml() const
 {
     return IXMLDOMNode(&get().queryDocument()).xml();
-}
-
-void IXMLDOMDocument::appendXml(CString& out) const
-{
-    IXMLDOMNode(&get().queryDocument()).appendXml(out);
 }

@@ -10,7 +10,7 @@ struct DomNode;
 class IXMLDOMNamedNodeMap;
 class IXMLDOMNodeList;
 
-/// The failure of a DOM operation: a call on a null handle, or a move that would break the tree.
+/// The failure of a DOM operation: a call on a null handle, or a node put where it can't stand.
 class ComError : public std::runtime_error
 {
 public:
@@ -24,10 +24,9 @@ private:
 };
 
 /// A node of a document: an element, attribute, text, CDATA section, comment or processing instruction, or the document
-/// itself. A handle is a plain pointer, null or valid as long as a reference to the document lives whose tree the node
-/// stands in; it costs nothing to copy. Texts are views that live as long as the node. Every operation on a null handle
-/// throws ComError.
-/// Names and node kinds: https://www.w3.org/TR/DOM-Level-2-Core/
+/// itself. A handle is a plain pointer, null or valid as long as a reference to its document lives; it costs nothing to
+/// copy. Texts are views that live as long as the node. Every operation on a null handle throws ComError. Names and
+/// node kinds: https://www.w3.org/TR/DOM-Level-2-Core/
 class IXMLDOMNode
 {
 public:
@@ -36,8 +35,6 @@ public:
 
     explicit operator bool() const { return pointer != nullptr; }
     friend bool operator==(IXMLDOMNode, IXMLDOMNode) = default;
-
-    bool isElement() const;
 
     /// The qualified name, with its prefix; "#text", "#cdata-section", "#comment", "#document", or an instruction's
     /// target.
@@ -54,20 +51,15 @@ public:
     IXMLDOMNamedNodeMap attributes() const;
 
     IXMLDOMNodeList childNodes() const;
-    bool hasChildNodes() const;
     IXMLDOMNode firstChild() const;
     IXMLDOMNode nextSibling() const;
 
-    /// Puts `child` behind the last child and answers it. A node that stands elsewhere, in this document or another, is
-    /// moved with all that is in it; the other document's storage is then shared. ComError when `child` is null, holds
-    /// this node, or would be a second document element.
+    /// Puts `child`, which createElement() of the same document has made and which stands nowhere yet, behind the last
+    /// child and answers it. ComError when it is another, holds this node, or would be a second document element.
     IXMLDOMNode appendChild(IXMLDOMNode child) const;
 
     /// The node and all that is in it as XML text: no white space added, <X/> for an empty element.
     CString xml() const;
-
-    /// The same, appended to `out`.
-    void appendXml(CString& out) const;
 
 protected:
     DomNode& get() const;
@@ -85,68 +77,35 @@ public:
     /// Null when `node` is no element.
     explicit IXMLDOMElement(IXMLDOMNode node);
 
-    std::string_view tagName() const { return nodeName(); }
-
     /// Sets the attribute `name`, in its place when it is there, else behind the last one. The value is made fit for
     /// XML (toXmlText); the name is taken as it is.
     void setAttribute(std::string_view name, std::string_view value) const;
-
-    /// The descendants of exactly this qualified name in document order, found as the list is walked.
-    IXMLDOMNodeList getElementsByTagName(std::string_view name) const;
 };
 
 /// The attributes of an element.
 class IXMLDOMNamedNodeMap
 {
 public:
-    explicit IXMLDOMNamedNodeMap(DomNode* firstAttribute) : first(firstAttribute), next(firstAttribute) {}
+    explicit IXMLDOMNamedNodeMap(DomNode* firstAttribute) : first(firstAttribute) {}
 
     /// The attribute of exactly this qualified name, or null.
     IXMLDOMNode getNamedItem(std::string_view name) const;
 
-    long length() const;
-
-    /// The index-th attribute, or null; takes as many steps.
-    IXMLDOMNode item(long index) const;
-
-    /// Puts the cursor before the first attribute, where it stands at the start too.
-    void reset() { next = first; }
-
-    /// The next attribute, or null at the end.
-    IXMLDOMNode nextNode();
-
 private:
     DomNode* first;
-    DomNode* next;
 };
 
-/// The children of a node, or the descendants of a name: a walk over the tree as it is, not a copy of it. The node that
-/// nextNode() has just given may be moved away without disturbing the walk.
+/// The children of a node: a walk over the tree as it is, not a copy of it.
 class IXMLDOMNodeList
 {
 public:
-    IXMLDOMNodeList(DomNode* root, bool descendants, std::string_view name);
+    explicit IXMLDOMNodeList(DomNode* firstChild) : next(firstChild) {}
 
-    /// Constant time for children, a walk for descendants.
-    long length() const;
-
-    /// The index-th node, or null. Going on from the item asked for before takes only the steps between; so don't
-    /// change the tree between two calls.
-    IXMLDOMNode item(long index) const;
-
-    void reset() { next = first(); }
+    /// The next child, or null at the end.
     IXMLDOMNode nextNode();
 
 private:
-    DomNode* first() const;
-    DomNode* after(DomNode* node) const;
-
-    DomNode* root;
-    bool descendants;
-    CString name; // of the descendants
     DomNode* next;
-    mutable long itemIndex = 0;
-    mutable DomNode* itemNode = nullptr;
 };
 
 /// Why a document could not be loaded: the first error that makes it not well-formed.
@@ -177,9 +136,6 @@ public:
     /// What the last load() ran into.
     const IXMLDOMParseError& parseError() const;
 
-    /// Accepted for the sake of those who ask for it: external entities and subsets are never loaded.
-    void resolveExternals(bool) const {}
-
     /// The root element, or null.
     IXMLDOMElement documentElement() const;
 
@@ -190,9 +146,6 @@ public:
     IXMLDOMNode appendChild(IXMLDOMNode child) const;
 
     CString xml() const;
-
-    /// The same, appended to `out`.
-    void appendXml(CString& out) const;
 
 private:
     explicit IXMLDOMDocument(std::shared_ptr<DomTree> owned) : tree(std::move(owned)) {}
