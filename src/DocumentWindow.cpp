@@ -38,22 +38,25 @@ CString indented(std::string_view document)
 } // namespace
 
 DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CString& typeDocument,
-                               const QString& note) :
+                               const QString& note, Kind documentKind) :
     QWidget(owner, Qt::Window),
-    name(typeName), document(typeDocument), text(new QPlainTextEdit), findEdit(new QLineEdit), status(new QLabel(note))
+    name(typeName), document(typeDocument), kind(documentKind), text(new QPlainTextEdit), findEdit(new QLineEdit),
+    status(new QLabel(note))
 {
     setObjectName("documentWindow");
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(tr("%1 - Typeforge type").arg(toUi(name)));
+    const bool isType = kind == ofType;
+    setWindowTitle((isType ? tr("%1 - Typeforge type") : tr("%1 - Typeforge")).arg(toUi(name)));
     text->setObjectName("document");
-    text->setAccessibleName(tr("Document of the type"));
+    text->setAccessibleName(isType ? tr("Document of the type") : toUi(name));
     text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
     text->setReadOnly(true);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard); // with a cursor to read by
     text->setTabChangesFocus(true);
-    text->setPlainText(toUi(indented(document)));
-    new XmlHighlighter(text->document(), palette());
+    text->setPlainText(toUi(isType ? indented(document) : document));
+    if (isType)
+        new XmlHighlighter(text->document(), palette());
     auto* column = new QVBoxLayout(this);
     column->addLayout(makeFindRow());
     column->addWidget(text);
@@ -146,8 +149,11 @@ void DocumentWindow::copy()
 
 void DocumentWindow::save()
 {
-    const CString fileName = saveUnderChosenName(*this, "Save the type", {{"XML files", "*.xml"}}, name + ".xml",
-                                                 [this](const CString&) { return document; });
+    const bool isType = kind == ofType;
+    const FileFilter filter = isType ? FileFilter{"XML files", "*.xml"} : FileFilter{"Text files", "*.txt"};
+    const CString fileName =
+        saveUnderChosenName(*this, isType ? "Save the type" : "Save the report", {filter},
+                            name + (isType ? ".xml" : ".txt"), [this](const CString&) { return document; });
     if (!fileName.empty())
         status->setText(tr("Saved as %1.").arg(toUi(fileName)));
 }

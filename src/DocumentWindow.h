@@ -9,13 +9,21 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 
-/// Shows the document of a type, indented and coloured, to read, search, copy and save. A window of its own beside the
-/// wizard, which goes when it is closed or when its owner goes.
+/// Shows the document of a type, indented and coloured, or a report as it is, to read, search, copy and save. A window
+/// of its own beside the wizard, which goes when it is closed or when its owner goes.
 class DocumentWindow : public QWidget
 {
 public:
-    /// `document` is a type's document, `name` the type's name. `note` says why the window came up, "" for nothing.
-    DocumentWindow(QWidget* owner, const CString& name, const CString& document, const QString& note);
+    enum Kind
+    {
+        ofType,
+        ofReport
+    };
+
+    /// `document` is a type's document, `name` the type's name, or those of a report. `note` says why the window came
+    /// up, "" for nothing.
+    DocumentWindow(QWidget* owner, const CString& name, const CString& document, const QString& note,
+                   Kind kind = ofType);
 
 private:
     QHBoxLayout* makeFindRow();
@@ -26,6 +34,7 @@ private:
 
     CString name;
     CString document;
+    Kind kind;
     QPlainTextEdit* text;
     QLineEdit* findEdit;
     QLabel* status;

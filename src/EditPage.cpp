@@ -1,12 +1,13 @@
 #include "EditPage.h"
 
 #include "DiagramWindow.h"
-#include "DocumentWindow.h"
 #include "KindMark.h"
 #include "Platform/Ui/ListFilter.h"
 #include "Platform/Ui/ListView.h"
+#include "Platform/Ui/UiText.h"
 #include "Platform/Ui/Viewer.h"
 #include "QELWizard.h"
+#include "ReadingRow.h"
 #include "Resources/StringTable.h"
 #include "StructurePane.h"
 #include "Utils/QELApp.h"
@@ -41,6 +42,10 @@ void EditPage::OnInitDialog()
     auto* column = new QVBoxLayout(this);
     column->addWidget(makeLists(), 1);
     column->addLayout(makeButtons());
+    readingRow = new ReadingRow;
+    connect(readingRow, &ReadingRow::mainElementChosen, this, &EditPage::chooseMain);
+    connect(readingRow, &ReadingRow::detailsWanted, this, &EditPage::showReport);
+    column->insertWidget(0, readingRow); // above, but behind the list for Tab
     addMenuRow("&View ...", &EditPage::OnEdit);
     addMenuRow("View in a &window of Typeforge", &EditPage::showDocument);
     addMenuRow("&Picture ...", &EditPage::showPicture);
@@ -99,6 +104,12 @@ void EditPage::addMenuRow(const QString& text, void (EditPage::*action)())
 
 void EditPage::OnSetActive()
 {
+    readingRow->showReading(wizard->fullMessage());
+    showTypes();
+}
+
+void EditPage::showTypes()
+{
     structure.reset();
     types.clear();
     types.reserve(static_cast<std::size_t>(wizard->message->beginEnum()));
@@ -116,6 +127,16 @@ void EditPage::OnSetActive()
     showStructure();
 }
 
+// Imports once more, from another main element.
+void EditPage::chooseMain(const CString& name)
+{
+    clear(); // the elements go
+    wizard->fullMessage()->setRoot(name);
+    wizard->importFile(wizard->options.queryInputFile());
+    readingRow->showCount(*wizard->fullMessage());
+    showTypes();
+}
+
 LRESULT EditPage::OnWizardBack()
 {
     return wizard->options.queryEditBack();
@@ -124,8 +145,12 @@ LRESULT EditPage::OnWizardBack()
 // The next import frees the elements while the page is out of sight.
 void EditPage::hideEvent(QHideEvent* event)
 {
-    if (event->spontaneous())
-        return;
+    if (!event->spontaneous())
+        clear();
+}
+
+void EditPage::clear()
+{
     typeList->setRows(0, {});
     pane->showType(nullptr, 0);
     structure.reset();
@@ -155,15 +180,29 @@ void EditPage::OnEdit()
         return;
     CString document;
     types[static_cast<std::size_t>(row)]->asXML(document);
+    view(types[static_cast<std::size_t>(row)]->queryName(), document, DocumentWindow::ofType);
+}
+
+void EditPage::showReport()
+{
+    CString report;
+    wizard->fullMessage()->queryReport().write([&report](std::string_view piece) { report.append(piece); });
+    view(fromUi(tr("Not carried over")), report, DocumentWindow::ofReport);
+}
+
+void EditPage::view(const CString& name, const CString& text, DocumentWindow::Kind kind)
+{
+    const bool isReport = kind == DocumentWindow::ofReport;
     CString fileName;
-    const FileCause cause = tempFiles.add(temporaryFolder(), document, fileName);
+    const FileCause cause = tempFiles.add(temporaryFolder(), text, fileName, isReport ? ".txt" : ".xml");
     if (cause != FileCause::none) {
         stay(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)));
         return;
     }
-    const CString name = types[static_cast<std::size_t>(row)]->queryName();
-    showInViewer(fileName, this, [this, name, document] {
-        (new DocumentWindow(sheet(), name, document, tr("No viewer for XML files could be started.")))->show();
+    showInViewer(fileName, this, [this, name, text, kind, isReport] {
+        const QString note = isReport ? tr("No viewer for text files could be started.")
+                                      : tr("No viewer for XML files could be started.");
+        (new DocumentWindow(sheet(), name, text, note, kind))->show();
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DocumentWindow.h"
 #include "Formats/TypeStructure.h"
 #include "Platform/Files/TemporaryFiles.h"
 #include "QELPage.h"
@@ -10,6 +11,7 @@
 class ListView;
 class QHBoxLayout;
 class QPushButton;
+class ReadingRow;
 class StructurePane;
 
 /// Lists the types of the import, shows the document of one in the user's viewer or in a window of the program's own,
@@ -41,6 +43,13 @@ private:
     void jumpTo(std::uint32_t type);
     const TypeStructure& queryStructure();
 
+    void showTypes();
+    void chooseMain(const CString& name);
+    void showReport();
+    void clear();
+    void view(const CString& name, const CString& text, DocumentWindow::Kind kind);
+
+    ReadingRow* readingRow = nullptr;
     ListView* typeList = nullptr;
     StructurePane* pane = nullptr;
     QPushButton* paneButton = nullptr;

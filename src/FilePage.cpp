@@ -50,6 +50,12 @@ void FilePage::OnInitDialog()
     setAcceptDrops(true);
 }
 
+void FilePage::addRow(QWidget* control)
+{
+    auto* grid = static_cast<QGridLayout*>(layout());
+    grid->addWidget(control, grid->rowCount(), 1, 1, 2);
+}
+
 void FilePage::OnSetActive()
 {
     folderText = enterFolder();

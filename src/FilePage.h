@@ -34,6 +34,9 @@ protected:
     /// Reads the controls into the members when `save`, else shows the members.
     void UpdateData(bool save);
 
+    /// Puts a control below the others.
+    void addRow(QWidget* control);
+
     void OnPickfile();
 
     void dragEnterEvent(QDragEnterEvent* event) override;

@@ -85,6 +85,7 @@ void QELOptions::getValues()
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "LastImporter", lastImporterSel);
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "LastOutputMode", lastOutputSel);
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "UseTrustedLogon", useTrustedLogon);
+    reg.getInt(HKEY_CURRENT_USER, kProgramKey, "FullReading", fullReading);
 }
 
 void QELOptions::flushValues()
@@ -102,6 +103,7 @@ void QELOptions::flushValues()
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "LastImporter", lastImporterSel);
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "LastOutputMode", lastOutputSel);
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "UseTrustedLogon", useTrustedLogon);
+    reg.setInt(HKEY_CURRENT_USER, kProgramKey, "FullReading", fullReading);
 }
 
 void QELOptions::addInputFile(const CString& file)

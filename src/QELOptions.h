@@ -51,6 +51,8 @@ public:
     void setLastImporterSel(int row) { lastImporterSel = row; }
     int queryLastOutputSel() const { return lastOutputSel; }
     void setLastOutputSel(int mode) { lastOutputSel = mode; }
+    int queryFullReading() const { return fullReading; }
+    void setFullReading(int full) { fullReading = full; }
     int queryUseTrustedLogon() const { return useTrustedLogon; }
     void setUseTrustedLogon(int trusted) { useTrustedLogon = trusted; }
 
@@ -78,6 +80,7 @@ private:
     unsigned int brokerPort = 7250;
     int lastImporterSel = 0;
     int lastOutputSel = 0; // 0 file, 1 broker
+    int fullReading = 0;
     int useTrustedLogon = 0;
     CString pwd;
     CString basePath;

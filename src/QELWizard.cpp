@@ -1,6 +1,8 @@
 #include "QELWizard.h"
 
 #include "Platform/Ui/CoverText.h"
+#include "Platform/Ui/ModalBox.h"
+#include "Platform/Ui/WaitCursor.h"
 #include "Resources/StringTable.h"
 #include "Utils/QELApp.h"
 
@@ -47,6 +49,22 @@ CString QELWizard::setCurrentFolder(WhichFolder which)
     if (::chdir(folder.c_str()) != 0)
         folder = options.queryCWD();
     return fillText(loadText(IDS_CURRENT_FOLDER), folder);
+}
+
+bool QELWizard::importFile(const CString& fileName)
+{
+    setCurrentFolder(folderInput);
+    const WaitCursor wait;
+    const ImportMessages together;
+    if (!message->parseFile(fileName, options.queryPath()))
+        return false;
+    setCurrentFolder(folderCWD);
+    return true;
+}
+
+FullMessage* QELWizard::fullMessage() const
+{
+    return dynamic_cast<FullMessage*>(message.get());
 }
 
 void QELWizard::OnHelp(int dialogId)

@@ -6,7 +6,7 @@
 #include "EditPage.h"
 #include "FinishPage.h"
 #include "FirstPage.h"
-#include "Formats/MsgBase.h"
+#include "Formats/FullMessage.h"
 #include "LoginToBroker.h"
 #include "OutputFile.h"
 #include "OutputPage.h"
@@ -39,6 +39,13 @@ public:
     /// Changes the process's current folder (an empty one: the start folder) and answers the text that says where it
     /// is; the start folder's, and no change, when there is no such folder.
     CString setCurrentFolder(WhichFolder which);
+
+    /// Runs the importer on a file, a bare name being one of the input folder. False when that failed, which the
+    /// importer has then said.
+    bool importFile(const CString& fileName);
+
+    /// The importer, when it is one that reads its source in full; else null.
+    FullMessage* fullMessage() const;
 
     CDatabase* queryDatabase() override { return database.get(); }
 

@@ -1,11 +1,13 @@
 #include "SourcePage.h"
 
+#include "Formats/SourceUses.h"
 #include "Platform/Files/File.h"
+#include "Platform/MessageBox.h"
 #include "Platform/Ui/FileDialog.h"
-#include "Platform/Ui/ModalBox.h"
-#include "Platform/Ui/WaitCursor.h"
 #include "QELWizard.h"
 #include "Resources/StringTable.h"
+
+#include <QCheckBox>
 
 #include <algorithm>
 
@@ -27,9 +29,63 @@ std::vector<FileFilter> fileFilters()
     return filters;
 }
 
+// While one lives, an error that comes of what the literal reading doesn't know names the way out in its details.
+class WayOut
+{
+public:
+    WayOut(const MsgUIDescriptor& row, const CString& fileName) : row(row), fileName(fileName) {}
+    ~WayOut() { setMessageBoxHandler(before); }
+    WayOut(const WayOut&) = delete;
+    WayOut& operator=(const WayOut&) = delete;
+
+private:
+    void show(const CString& text, const CString& title) const
+    {
+        CString details = queryMessageDetails();
+        const std::unique_ptr<const FullMessage> full(isErrorOfLiteralReading(text) ? row.createFull() : nullptr);
+        if (const CString uses = full ? full->queryUses(fileName) : ""; !uses.empty())
+            details = "Read it in full, by the check box on this page: it uses " + uses + ".";
+        const MessageBoxHandler own = setMessageBoxHandler(before);
+        showMessageBox(text, title, details);
+        setMessageBoxHandler(own);
+    }
+
+    const MsgUIDescriptor& row;
+    CString fileName;
+    MessageBoxHandler before =
+        setMessageBoxHandler([this](const CString& text, const CString& title) { show(text, title); });
+};
+
 } // namespace
 
 SourcePage::SourcePage() : FilePage(IDD_SOURCE, "Typeforge - Select source", IDS_SOURCE_TITLE, IDS_SOURCE_SUBTITLE) {}
+
+void SourcePage::OnInitDialog()
+{
+    FilePage::OnInitDialog();
+    fullCheck = withId(IDC_FULL_READING, new QCheckBox("Read in &full (namespaces, entities, derived types)"));
+    fullCheck->setChecked(wizard->options.queryFullReading() != 0);
+    addRow(fullCheck);
+}
+
+void SourcePage::OnSetActive()
+{
+    FilePage::OnSetActive();
+    fullCheck->setVisible(wizard->message->queryDescriptor()->hasFull());
+}
+
+/// Changes the importer for the one of its row that reads as it was asked for.
+void SourcePage::chooseReading()
+{
+    const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
+    if (!row.hasFull())
+        return;
+    wizard->options.setFullReading(fullCheck->isChecked());
+    if (fullCheck->isChecked())
+        wizard->message.reset(row.createFull());
+    else if (wizard->fullMessage())
+        wizard->message.reset(row.create());
+}
 
 LRESULT SourcePage::OnWizardNext()
 {
@@ -37,11 +93,10 @@ LRESULT SourcePage::OnWizardNext()
     if (testReadable(fileName) != FileCause::none)
         return stay(IDS_SELECT_SOURCE);
     wizard->options.addInputFile(fileName);
-    const WaitCursor wait;
-    const ImportMessages together;
-    if (!wizard->message->parseFile(fileName, wizard->options.queryPath()))
+    chooseReading();
+    const WayOut hint(*wizard->message->queryDescriptor(), fileName);
+    if (!wizard->importFile(fileName))
         return -1; // the importer has said why
-    wizard->setCurrentFolder(QELWizard::folderCWD);
     wizard->options.setEditBack(IDD_SOURCE);
     return IDD_EDIT;
 }

@@ -2,12 +2,16 @@
 
 #include "FilePage.h"
 
+class QCheckBox;
+
 /// Chooses the input file and runs the importer on it.
 class SourcePage : public FilePage
 {
 public:
     SourcePage();
 
+    void OnInitDialog() override;
+    void OnSetActive() override;
     LRESULT OnWizardNext() override;
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
 
@@ -17,4 +21,9 @@ protected:
     CString chooseFile() override;
     void setFolder(const CString& folder) override;
     CString enterFolder() override;
+
+private:
+    void chooseReading();
+
+    QCheckBox* fullCheck = nullptr;
 };

@@ -49,7 +49,11 @@ enum ControlId : int
     IDC_WELCOME = 1057,
     IDC_FINISHED = 1058,
     IDC_SOURCE_USER = 1101, // of the logon dialog of a data source
-    IDC_SOURCE_PASSWORD = 1102
+    IDC_SOURCE_PASSWORD = 1102,
+    IDC_FULL_READING = 1103,
+    IDC_MAIN_ELEMENT = 1104,
+    IDC_DETAILS = 1105,
+    IDC_NOT_CARRIED_OVER = 1106
 };
 
 // Resource ids of the pictures and the icon.

@@ -49,13 +49,15 @@ void TemporaryFiles::deleteAll() noexcept
         ::unlink(file->name.c_str());
 }
 
-FileCause TemporaryFiles::add(const CString& folder, std::string_view bytes, CString& name)
+FileCause TemporaryFiles::add(const CString& folder, std::string_view bytes, CString& name, std::string_view suffix)
 {
     [[maybe_unused]] static const bool watching = (watchForTheEnd(), true);
-    files.push_back(std::make_unique<File>(File{folder + "/QEL_XXXXXX.xml", static_cast<File*>(chain.load())}));
+    files.push_back(
+        std::make_unique<File>(File{folder + "/QEL_XXXXXX" + CString(suffix), static_cast<File*>(chain.load())}));
     File& file = *files.back();
     chain = &file;
-    const int descriptor = ::mkostemps(file.name.data(), 4, O_CLOEXEC); // exclusively, for the user alone
+    const int descriptor =
+        ::mkostemps(file.name.data(), static_cast<int>(suffix.size()), O_CLOEXEC); // exclusively, for the user alone
     name = file.name;
     if (descriptor < 0)
         return fileCauseOf(errno);

@@ -16,8 +16,8 @@ public:
     TemporaryFiles(const TemporaryFiles&) = delete;
     TemporaryFiles& operator=(const TemporaryFiles&) = delete;
 
-    /// Makes a new file `folder`/QEL_*.xml that holds `bytes`. `name` becomes its name, also when it can't be made.
-    FileCause add(const CString& folder, std::string_view bytes, CString& name);
+    /// Makes a new file `folder`/QEL_*`suffix` that holds `bytes`. `name` becomes its name, also when it can't be made.
+    FileCause add(const CString& folder, std::string_view bytes, CString& name, std::string_view suffix = ".xml");
 
     /// Deletes the files of all objects. Safe in a signal handler.
     static void deleteAll() noexcept;
