@@ -2,6 +2,7 @@
 
 #include "Platform/Secret.h"
 #include "Resources/StringTable.h"
+#include "Utils/ServerAddress.h"
 
 namespace {
 
@@ -29,7 +30,8 @@ CString BrokerSession::open(const CString& serverName, unsigned port, const Brok
     server = createVornObject(kVornServerClass, &description);
     if (!server)
         return loadText(IDS_NO_CLIENT);
-    const CString failure = logOn(formatText("%s:%u", serverName.c_str(), port), account);
+    const auto address = readServerAddress(serverName, port); // what is none is for the client to refuse
+    const CString failure = logOn(address ? address->asText() : formatText("%s:%u", serverName.c_str(), port), account);
     return failure.empty() ? openRepository() : failure;
 }
 

@@ -28,7 +28,8 @@ public:
     BrokerSession& operator=(const BrokerSession&) = delete;
 
     /// Creates the client, logs on (without an account: as the user that runs the program) and opens the repository.
-    /// Answers "", or the text for the error box.
+    /// `server` may name a port itself, which goes before `port`: readServerAddress(). Answers "", or the text for the
+    /// error box.
     CString open(const CString& server, unsigned port, const BrokerAccount* account);
 
     /// Why open() failed, for whom the text for the error box tells too little: the client's own words, or the system's

@@ -1,5 +1,6 @@
 #include "Platform/Secret.h"
 #include "Repositories.h"
+#include "Utils/ServerAddress.h"
 #include "support/Boxes.h"
 
 #include <cstring>
@@ -52,10 +53,37 @@ TEST_F(Client, EachResultOfACreationHasItsLine)
     Types types(dtdOf(5));
     const Creation run(session, types.message);
     EXPECT_EQ((Lines{"e0 created successfully", "e1 modifed", "e2 - creation error", "", "e4 - creation error",
-                     "the client's words", "root created successfully"}),
+                     "the client's   words", "root created successfully"}),
               run.lines);
     EXPECT_EQ(2, run.errors);
     EXPECT_EQ(6, run.steps);
+}
+
+TEST(ServerAddress, IsReadInOneWay)
+{
+    const std::pair<const char*, const char*> rows[] = {{"local", "local:7"},
+                                                        {"a.b:1", "a.b:1"},
+                                                        {"[::1]", "[::1]:7"},
+                                                        {"[::1]:5432", "[::1]:5432"},
+                                                        {"::1", "[::1]:7"},
+                                                        {"fe80::1%e", "[fe80::1%e]:7"},
+                                                        {"127.0.0.1:65535", "127.0.0.1:65535"},
+                                                        {"a:65536", ""},
+                                                        {"a:0", ""},
+                                                        {"a:", ""},
+                                                        {":1", ""},
+                                                        {"", ""},
+                                                        {"a:1:2", ""},
+                                                        {"[::1", ""},
+                                                        {"[a]:1", ""},
+                                                        {"[::1]1", ""},
+                                                        {"a b", ""},
+                                                        {"a;Database=b", ""},
+                                                        {"a:+1", ""}};
+    for (const auto& [text, expected] : rows) {
+        const auto address = readServerAddress(text, 7);
+        EXPECT_EQ(expected, address ? address->asText() : "") << text;
+    }
 }
 
 // The client that ships, against a server of its own.
@@ -94,6 +122,13 @@ TEST_F(Postgres, FailsInItsOwnWords)
     EXPECT_EQ(kLoginFailed, session.open("127.0.0.1", static_cast<unsigned>(server.port), nullptr));
     EXPECT_EQ(kNoConnection, session.open("127.0.0.1", static_cast<unsigned>(freePort()), nullptr));
     EXPECT_EQ(kNoConnection, session.open("127.0.0.1;Database=postgres", 1, nullptr));
+
+    execute("CREATE ROLE \"ärmel\" SUPERUSER LOGIN PASSWORD 'a'; CREATE ROLE \"Anna\" SUPERUSER LOGIN PASSWORD 'a'");
+    const std::pair<const char*, const char*> users[] = {
+        {"ÄRMEL", ""}, {"ärmel", ""}, {"Anna", ""}, {"ANNA", kLoginFailed}, {"anna", kLoginFailed}};
+    for (const auto& [user, failure] : users)
+        EXPECT_EQ(failure, open(session, user, "a")) << user;
+    execute("DROP TABLE typeforge_types");
 
     const CString denied = "Repository Error (ERROR: permission denied for ";
     EXPECT_EQ(denied + "schema public", open(session, "GUEST", "guest").substr(0, denied.size() + 13));

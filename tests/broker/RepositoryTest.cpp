@@ -32,7 +32,7 @@ protected:
 
     void open(BrokerSession& session) const
     {
-        const BrokerAccount account{"TypeForge", postgres().password}; // users have no letter case
+        const BrokerAccount account{"TYPEFORGE", postgres().password}; // as the wizard gives users
         ASSERT_EQ("", isLocal() ? session.open("local", 7250, nullptr)
                                 : session.open("127.0.0.1", static_cast<unsigned>(postgres().port), &account));
     }

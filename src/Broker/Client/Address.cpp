@@ -2,9 +2,11 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <pwd.h>
 #include <stdexcept>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -13,10 +15,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view kLocal = "local";
-constexpr std::string_view kDigits = "0123456789";
 
 // What would end a value of a connection string, or start a quoted one.
-constexpr std::string_view kNotInAddress = ";{}=\r\n";
+constexpr std::string_view kNotInValue = ";{}=\r\n";
 
 const passwd& account()
 {
@@ -36,14 +37,33 @@ fs::path dataFolder()
     return fs::path(home && *home ? home : account().pw_dir) / ".local/share";
 }
 
+[[noreturn]] void raise(const fs::path& file)
+{
+    throw std::system_error(errno, std::generic_category(), file.string());
+}
+
+// For the user alone, whatever the umask says and whoever made them.
+void makePrivate(const fs::path& folder, const fs::path& file)
+{
+    fs::create_directories(folder.parent_path());
+    if ((mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) || chmod(folder.c_str(), S_IRWXU) != 0)
+        raise(folder);
+    const int made = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (made < 0)
+        raise(file);
+    const bool isPrivate = fchmod(made, S_IRUSR | S_IWUSR) == 0;
+    close(made);
+    if (!isPrivate)
+        raise(file);
+}
+
 CString localFile()
 {
     const fs::path folder = dataFolder() / "typeforge";
-    if (fs::create_directories(folder))
-        fs::permissions(folder, fs::perms::owner_all);
-    const CString file = folder / "types.db";
-    if (file.find_first_of(kNotInAddress) != CString::npos)
+    const fs::path file = folder / "types.db";
+    if (file.string().find_first_of(kNotInValue) != CString::npos)
         throw std::invalid_argument("A database can't lie in " + folder.string());
+    makePrivate(folder, file);
     return file;
 }
 
@@ -51,27 +71,25 @@ CString localFile()
 
 Address::Address(const CString& text)
 {
-    const std::size_t colon = text.rfind(':'); // an IPv6 address has more of them
-    if (colon == 0 || colon == CString::npos || text.find_first_of(kNotInAddress) != CString::npos)
+    const auto read = readServerAddress(text, 0);
+    if (!read || read->port == 0)
         throw std::invalid_argument("Not an address: " + text);
-    server = text.substr(0, colon);
-    port = text.substr(colon + 1);
-    if (port.empty() || port.find_first_not_of(kDigits) != CString::npos)
-        throw std::invalid_argument("Not a port: " + port);
+    address = *read;
 }
 
 bool Address::isLocal() const
 {
-    return server == kLocal;
+    return address.server == kLocal;
 }
 
 CString Address::connectString() const
 {
     // A reader doesn't wait for a writer with a write-ahead log, and one commit costs no wait for the disk; what was
-    // committed outlives the end of the process, however it ends.
+    // committed outlives the end of the process, however it ends. The driver waits twice the time for a lock: 10 s.
     if (isLocal())
-        return "Driver=SQLite3;Database=" + localFile() + ";Timeout=10000;JournalMode=WAL;SyncPragma=NORMAL;";
-    return "Driver={PostgreSQL Unicode};Server=" + server + ";Port=" + port + ";Database=typeforge;";
+        return "Driver=SQLite3;Database=" + localFile() + ";Timeout=5000;JournalMode=WAL;SyncPragma=NORMAL;";
+    return "Driver={PostgreSQL Unicode};Server=" + address.server + ";Port=" + std::to_string(address.port) +
+           ";Database=typeforge;";
 }
 
 CString loginName()

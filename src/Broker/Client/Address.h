@@ -1,25 +1,24 @@
 #pragma once
 
-#include "Platform/Text.h"
+#include "Utils/ServerAddress.h"
 
 /// Where a repository lies, and how its database is called on.
 class Address
 {
 public:
-    /// Takes "server:port" apart. The server "local" is a database file of the user's own; every other one a
-    /// PostgreSQL server. Raises std::invalid_argument for a text that is no such thing.
+    /// Reads "server:port". The server "local" is a database file of the user's own; every other one a PostgreSQL
+    /// server. Raises std::invalid_argument for a text that is no such thing.
     explicit Address(const CString& text);
 
     /// True for the user's own file, which asks for no user and no password.
     bool isLocal() const;
 
-    /// The connection string, without user and password. Makes the folder of the local file where there is none yet;
-    /// raises std::system_error where that fails.
+    /// The connection string, without user and password. Makes the local file and its folder where there are none yet,
+    /// for the user alone; raises std::system_error where that fails.
     CString connectString() const;
 
 private:
-    CString server;
-    CString port;
+    ServerAddress address;
 };
 
 /// The login name of the user that runs the process. Raises std::system_error where the system knows none.

@@ -1,5 +1,6 @@
 #include "Broker/Client/TypeStore.h"
 
+#include <optional>
 #include <utility>
 
 namespace {
@@ -23,24 +24,38 @@ constexpr char kProbe[] = "INSERT INTO typeforge_types (name, document, revision
                           "SELECT name, document, revision FROM typeforge_types WHERE false "
                           "ON CONFLICT (name) DO UPDATE SET document = excluded.document";
 
+// What stands in the way of using the table; nothing when it can be used.
+std::optional<CDBException> probe(CDatabase& database)
+{
+    try {
+        database.ExecuteSQL(kProbe);
+        return {};
+    } catch (const CDBException& error) {
+        return error;
+    }
+}
+
+// A database that another program has locked, or that is silent: no use in asking it anything else.
+bool isBusy(const CDatabase& database, const CDBException& error)
+{
+    return !database.IsOpen() || std::string_view(error.what()).find("database is locked") != std::string_view::npos;
+}
+
 // Making the table comes second: it needs a right that whoever only adds types may lack, also where the table is
 // there. Where it fails because another has just made it, the second probe tells.
 void findOrMakeTable(CDatabase& database)
 {
-    try {
-        database.ExecuteSQL(kProbe);
+    const std::optional<CDBException> missing = probe(database);
+    if (!missing)
         return;
-    } catch (const CDBException&) {
-    }
+    if (isBusy(database, *missing))
+        throw *missing;
     try {
         database.ExecuteSQL(kCreateTable);
     } catch (const CDBException&) {
-        try {
-            database.ExecuteSQL(kProbe);
-            return;
-        } catch (const CDBException&) {
-        }
-        throw;
+        if (probe(database))
+            throw;
+        return;
     }
     database.ExecuteSQL(kProbe);
 }

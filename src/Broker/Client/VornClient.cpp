@@ -1,10 +1,11 @@
 #include "Broker/Client/Address.h"
+#include "Broker/Client/Roles.h"
 #include "Broker/Client/TypeDocument.h"
 #include "Broker/Client/TypeStore.h"
 #include "Broker/IVorn.h"
 #include "Platform/Secret.h"
 
-#include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <exception>
 #include <optional>
@@ -13,6 +14,9 @@
 namespace {
 
 constexpr std::uint32_t kRefused = 99;
+
+// The driver opens a locked file too, once it has waited for 10 s, only to wait again with each statement.
+constexpr std::chrono::seconds kLockWait(9);
 
 // What all objects share. An exception ends here, as the description of a client error.
 template <class Interface>
@@ -85,14 +89,6 @@ private:
     std::shared_ptr<CDatabase> database; // the repository's too, which may live longer
 };
 
-// Broker users have no letter case; PostgreSQL keeps them in lower case, unless they were created in quotes.
-CString databaseUser(CString user)
-{
-    std::transform(user.begin(), user.end(), user.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return user;
-}
-
 class Server final : public ClientObject<IVornIntegrationServer>
 {
 public:
@@ -108,9 +104,15 @@ public:
                            IVornConnection** connection) noexcept override
     {
         return attempt([&] {
-            Secret secret{password};
-            Secret logon{logonText(databaseUser(user), secret.text)};
-            return connect(logon.text, connection);
+            const Secret secret{password};
+            VornResult result = VornResult::failed;
+            for (const CString& role : rolesOf(user)) {
+                const Secret logon{logonText(role, secret.text)};
+                result = connect(logon.text, connection);
+                if (result != VornResult::failed)
+                    break;
+            }
+            return result;
         });
     }
 
@@ -125,9 +127,12 @@ private:
         if (!address)
             throw std::logic_error("There is no address to connect to");
         auto database = std::make_shared<CDatabase>();
+        const auto start = std::chrono::steady_clock::now();
         try {
             if (!database->Open(address->connectString(), CDatabase::readWrite, address->isLocal() ? CString() : logon))
                 throw std::runtime_error("The ODBC driver manager is not available");
+            if (address->isLocal() && std::chrono::steady_clock::now() - start > kLockWait)
+                throw std::runtime_error("Another program has locked the repository");
         } catch (const CDBException& error) {
             if (!error.isLogonRefused())
                 throw;

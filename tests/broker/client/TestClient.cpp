@@ -13,7 +13,7 @@ public:
     explicit TestObject(std::string behaviour) : mode(std::move(behaviour)) {}
     virtual ~TestObject() = default;
     void Release() noexcept final { delete this; }
-    const char* queryDescription() const noexcept final { return "the client's words"; }
+    const char* queryDescription() const noexcept override { return "the client's words"; }
 
 protected:
     template <class Next, class Out>
@@ -36,6 +36,7 @@ class TestRepository final : public TestObject<IVornRepository>
 {
 public:
     using TestObject::TestObject;
+    const char* queryDescription() const noexcept override { return "the client's\r\n\twords"; }
     VornResult createType(const char*, std::int32_t, std::uint32_t* code) noexcept override
     {
         static constexpr std::uint32_t kCodes[] = {0, 1, 99, 5, 0, 0};

@@ -1,0 +1,66 @@
+#include "Broker/Client/Roles.h"
+
+#include <algorithm>
+#include <climits>
+#include <clocale>
+#include <cstdlib>
+#include <cwctype>
+
+namespace {
+
+// UTF-8 for this thread, as long as it lives.
+class Utf8Locale
+{
+public:
+    Utf8Locale() : own(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)), before(own ? uselocale(own) : nullptr) {}
+    ~Utf8Locale()
+    {
+        if (!own)
+            return;
+        uselocale(before);
+        freelocale(own);
+    }
+    Utf8Locale(const Utf8Locale&) = delete;
+    Utf8Locale& operator=(const Utf8Locale&) = delete;
+
+private:
+    const locale_t own, before;
+};
+
+// Empty for a text that isn't of the locale.
+std::wstring widen(const CString& text)
+{
+    std::wstring wide(text.size() + 1, L'\0');
+    const std::size_t length = std::mbstowcs(wide.data(), text.c_str(), wide.size());
+    wide.resize(length <= text.size() ? length : 0);
+    return wide;
+}
+
+CString narrow(const std::wstring& wide)
+{
+    CString text(MB_LEN_MAX * wide.size() + 1, '\0');
+    text.resize(std::wcstombs(text.data(), wide.c_str(), text.size()));
+    return text;
+}
+
+CString lowerAscii(CString text)
+{
+    std::ranges::transform(text, text.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; });
+    return text;
+}
+
+} // namespace
+
+std::vector<CString> rolesOf(const CString& user)
+{
+    const Utf8Locale utf8;
+    std::wstring letters = widen(user);
+    std::vector<CString> roles;
+    if (std::ranges::none_of(letters, [](wint_t c) { return std::towupper(c) != c; })) {
+        std::ranges::transform(letters, letters.begin(), std::towlower);
+        roles = {letters.empty() ? user : narrow(letters), lowerAscii(user)};
+    }
+    roles.push_back(user);
+    roles.erase(std::unique(roles.begin(), roles.end()), roles.end());
+    return roles;
+}
