@@ -14,6 +14,7 @@
 DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const CString& reason) :
     QDialog(parent), userEdit(new QLineEdit), passwordEdit(new QLineEdit)
 {
+    keepOutOfCores();
     setObjectName("DataSourceLogon");
     setWindowTitle("Log on to " + toUi(source));
     userEdit->setObjectName(QString::number(IDC_SOURCE_USER));

@@ -57,7 +57,7 @@ LRESULT DataSourcePage::open(const CString& source)
         CString reason;
         try {
             const WaitCursor wait;
-            if (wizard->database->Open(source, CDatabase::readOnly, logon.text))
+            if (wizard->database->Open(dataSourceText(source), CDatabase::readOnly, logon.text))
                 return IDD_DATABASE_TABLE;
             return stay(IDS_SELECT_DATASOURCE);
         } catch (const CDBException& error) {

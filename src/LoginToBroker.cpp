@@ -151,7 +151,8 @@ LRESULT LoginToBroker::OnWizardNext()
     storeChoices();
     BrokerSession session;
     const BrokerAccount account{user, password};
-    if (const CString failure = session.open(server, port, logonSel == 0 ? nullptr : &account); !failure.empty())
+    if (const CString failure = session.open(server, port, logonSel == LogonKind::trusted ? nullptr : &account);
+        !failure.empty())
         return stay(failure, session.queryDescription());
     createTypes(session);
     return IDD_CREATE_RESULT;
@@ -164,7 +165,7 @@ bool LoginToBroker::UpdateData()
     user = fromUi(userCombo->currentText());
     wipe(password);
     password = fromUi(passwordEdit->text());
-    logonSel = trustedButton->isChecked() ? 0 : 1;
+    logonSel = trustedButton->isChecked() ? LogonKind::trusted : LogonKind::broker;
     const QString portText = portEdit->text().trimmed();
     bool isNumber = portText.isEmpty();
     port = isNumber || portText.startsWith('+') ? 0 : portText.toUInt(&isNumber);
@@ -182,7 +183,7 @@ QWidget* LoginToBroker::blankField() const
         blank = serverCombo;
     else if (port == 0)
         blank = portEdit;
-    if (logonSel == 0)
+    if (logonSel == LogonKind::trusted)
         return blank;
     if (user.empty())
         blank = userCombo;
@@ -198,7 +199,7 @@ void LoginToBroker::storeChoices()
     options.setBrokerPort(port);
     options.addUser(user);
     options.setPwd(password);
-    options.setUseTrustedLogon(logonSel == 0);
+    options.setUseTrustedLogon(logonSel == LogonKind::trusted);
 }
 
 void LoginToBroker::createTypes(BrokerSession& session)
@@ -213,7 +214,7 @@ void LoginToBroker::createTypes(BrokerSession& session)
         dialog.text = question;
         const PlainCursor arrow;
         dialog.DoModal();
-        return static_cast<OverwriteChoice>(dialog.choice);
+        return dialog.choice;
     };
     CreationRun run(session, {ask, [&](const CString& line) { options.addResult(line); },
                               [this](int done) { progress->setValue(done); }});

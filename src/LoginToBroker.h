@@ -24,6 +24,14 @@ public:
     void OnLogonBroker();
 
 private:
+    /// What is chosen, as the radio buttons are numbered.
+    enum class LogonKind : int
+    {
+        none = -1,
+        trusted = 0, ///< as the user that runs the program
+        broker = 1   ///< with user and password
+    };
+
     QWidget* makeServerGroup();
     QWidget* makeLogonGroup();
     bool UpdateData();
@@ -42,5 +50,5 @@ private:
     CString server;
     CString password;
     CString user;
-    int logonSel = -1; // 0 trusted, 1 with user and password
+    LogonKind logonSel = LogonKind::none;
 };

@@ -44,7 +44,7 @@ int OverWriteDlg::DoModal()
     return exec();
 }
 
-void OverWriteDlg::answer(int newChoice)
+void OverWriteDlg::answer(OverwriteChoice newChoice)
 {
     choice = newChoice;
     accept();

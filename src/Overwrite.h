@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Broker/CreationRun.h"
 #include "Platform/Ui/WizardSheet.h"
 
 #include <QDialog>
@@ -15,20 +16,20 @@ public:
     /// Shows `text` and returns when the dialog has closed, with the OK result when it was by a button.
     int DoModal();
 
-    void OnYes() { answer(0); }
-    void OnYestoall() { answer(1); }
-    void OnNo() { answer(2); }
-    void OnNotoall() { answer(3); }
+    void OnYes() { answer(OverwriteChoice::yes); }
+    void OnYestoall() { answer(OverwriteChoice::yesToAll); }
+    void OnNo() { answer(OverwriteChoice::no); }
+    void OnNotoall() { answer(OverwriteChoice::noToAll); }
 
-    int choice = 2; ///< 0 yes, 1 yes to all, 2 no, 3 no to all
-    CString text;   ///< the question
+    OverwriteChoice choice = OverwriteChoice::no;
+    CString text; ///< the question
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void addButton(int id, const char* label, void (OverWriteDlg::*handler)());
-    void answer(int newChoice);
+    void answer(OverwriteChoice newChoice);
 
     QLabel* question;
 };

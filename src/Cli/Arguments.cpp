@@ -27,6 +27,18 @@ void listImporters()
     }
 }
 
+std::string checkTable(const std::string& name)
+{
+    return trimmed(name).empty() ? "a name is missing" : "";
+}
+
+void checkLogon(const Arguments& arguments)
+{
+    const bool readsTables = importerNamed(arguments.importer).querySource().readsTables;
+    if (!arguments.logon.user.empty() && arguments.create.address.empty() && !readsTables)
+        throw CLI::ValidationError("--user", "there is nobody to log on to without --create");
+}
+
 constexpr int kUsageMistake = 2;
 
 } // namespace
@@ -44,7 +56,8 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     CLI::Option* basePath = app.add_option("-b,--base-path", arguments.basePath,
                                            "Folder of the broker's repository under which the types are placed");
     app.add_option("-t,--table", arguments.tables, "odbc: a table to import, repeatable; without it all tables")
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->check(CLI::Validator(checkTable, ""));
     app.add_option("-o,--output", arguments.output, "Write to this file instead of standard output");
     app.add_flag("-l,--list", arguments.list, "List the types, a line each, instead of writing the message document");
     CLI::Option* type = app.add_option("--type", arguments.type, "Write the document of this one type instead");
@@ -57,10 +70,12 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
             throw CLI::Success();
         },
         "List the importers, a line each: word, tab, patterns of its files, tab, name");
+    addLogonOptions(app, arguments.logon);
     addCreateOptions(app, arguments.create);
     try {
         app.parse(argc, argv);
         checkFullOptions(arguments.full, importerNamed(arguments.importer));
+        checkLogon(arguments);
     } catch (const CLI::ParseError& end) {
         exitStatus = app.exit(end) == 0 ? 0 : kUsageMistake;
         return false;

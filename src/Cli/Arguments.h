@@ -21,6 +21,7 @@ struct Arguments
     CString type; ///< the one type to write; only when hasType
     bool hasType = false;
     FullOptions full;
+    LogonOptions logon;
     CreateOptions create;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Cli/Logon.h"
 #include "Platform/Text.h"
 
 class MsgBase;
@@ -7,18 +8,17 @@ namespace CLI {
 class App;
 }
 
-/// Where the command line wants the types created, and as whom.
+/// Where the command line wants the types created, and how.
 struct CreateOptions
 {
-    CString address;      ///< "SERVER[:PORT]"; empty when nothing is to be created
-    CString user;         ///< empty: as the user that runs the program
-    CString passwordFile; ///< empty: the terminal is asked
+    CString address; ///< "SERVER[:PORT]"; empty when nothing is to be created
     bool trusted = false;
-    CString overwrite = "ask"; ///< "all", "none" or "ask"
+    CString overwrite; ///< "all", "none" or "ask"; empty: "ask" on a terminal, elsewhere "none" with a hint
 };
 
-/// Adds --create and the options that go with it, after those that it excludes.
+/// Adds --create and the options that go with it alone, after those that it excludes.
 void addCreateOptions(CLI::App& app, CreateOptions& options);
 
-/// Creates the types of `message` and writes one line for each to standard output. Answers the exit status.
-int createTypes(MsgBase& message, const CreateOptions& options);
+/// Creates the types of `message`, as the user that runs the program where `logon` has none, and writes one line for
+/// each to standard output. Lines that can't be written don't keep a type from being created. Answers the exit status.
+int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptions& logon);

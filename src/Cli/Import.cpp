@@ -7,8 +7,6 @@
 #include "Platform/MessageBox.h"
 #include "Resources/StringTable.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cstdio>
 
 namespace {
@@ -55,18 +53,6 @@ bool writeType(MsgBase& message, const CString& name, Output& output)
     return true;
 }
 
-// A source as it may be shown: a connection string ends where its password stands.
-CString withoutPassword(const CString& source)
-{
-    CString upper = source;
-    std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
-    std::size_t end = source.size();
-    for (const CString word : {"PWD=", "PASSWORD="})
-        if (const std::size_t at = upper.find(word); at != CString::npos)
-            end = std::min(end, at + word.size());
-    return end < source.size() ? source.substr(0, end) + "***" : source;
-}
-
 bool writeResult(MsgBase& message, const Arguments& arguments)
 {
     Output output(arguments.output);
@@ -110,12 +96,12 @@ int runImport(const Arguments& arguments)
                                       : message->parseFile(arguments.source, basePath) != 0;
     setMessageBoxHandler(before);
     if (!imported && boxes == 0)
-        report("nothing was imported from " + (readsTables ? withoutPassword(arguments.source) : arguments.source));
+        report("nothing was imported from " + (readsTables ? shownSource(arguments.source) : arguments.source));
     if (!full && (isLiteralError || message->beginEnum() == 0))
         nameWayOut(importer, arguments.source);
     if (full && !writeReport(*full, arguments.full))
         return 1;
     if (imported && !arguments.create.address.empty())
-        return createTypes(*message, arguments.create);
+        return createTypes(*message, arguments.create, arguments.logon);
     return imported && writeResult(*message, arguments) ? 0 : 1;
 }

@@ -1,22 +1,55 @@
 #include "Cli/TableSource.h"
 
+#include "Cli/Import.h"
 #include "Formats/MsgBase.h"
 #include "Platform/Database/Tables.h"
+#include "Platform/Secret.h"
 #include "Resources/StringIds.h"
 #include "Utils/QELApp.h"
 
+#include <algorithm>
+#include <cctype>
+
 bool TableSource::import(MsgBase& message, const Arguments& arguments, const CString& basePath)
 {
-    if (!database.Open(arguments.source)) {
-        theApp.Error(IDS_SELECT_DATASOURCE, IDS_ERROR_TITLE);
+    keepOutOfCores();
+    if (!open(arguments))
         return false;
-    }
     CString names;
-    for (const CString& table : arguments.tables)
+    for (const CString& table : arguments.tables) {
+        requireTable(CString(trimmed(table)));
         names += table + '\n';
+    }
     if (arguments.tables.empty() && !listTables(names))
         return false;
     return !names.empty() && message.parseData(names, basePath) != 0;
+}
+
+// With --create the user and the password are the broker's.
+bool TableSource::open(const Arguments& arguments)
+{
+    Secret logon;
+    if (!arguments.logon.user.empty() && arguments.create.address.empty()) {
+        Secret password;
+        readPassword(arguments.logon, password.text);
+        logon.text = logonText(arguments.logon.user, password.text);
+    }
+    try {
+        if (database.Open(arguments.source, CDatabase::readOnly, logon.text))
+            return true;
+    } catch (const CDBException& error) {
+        throw std::runtime_error("can't open " + shownSource(arguments.source) + ": " + error.what());
+    }
+    theApp.Error(IDS_SELECT_DATASOURCE, IDS_ERROR_TITLE);
+    return false;
+}
+
+// A table that is asked for by its name is not to be missed in silence. Views and their like count too.
+void TableSource::requireTable(const CString& name)
+{
+    CTables tables(&database);
+    if (tables.Open(nullptr, nullptr, name.c_str(), nullptr) && tables.IsEOF())
+        throw std::runtime_error("there is no table called " + name);
 }
 
 // All that are of the type TABLE, each name ended by a line feed.
@@ -30,4 +63,15 @@ bool TableSource::listTables(CString& names)
     for (tables.MoveFirst(); !tables.IsEOF(); tables.MoveNext())
         names += tables.tableName + '\n';
     return true;
+}
+
+CString shownSource(const CString& source)
+{
+    CString upper = source;
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
+    std::size_t end = source.size();
+    for (const CString word : {"PWD=", "PASSWORD="})
+        if (const std::size_t at = upper.find(word); at != CString::npos)
+            end = std::min(end, at + word.size());
+    return end < source.size() ? source.substr(0, end) + "***" : source;
 }

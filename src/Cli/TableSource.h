@@ -17,11 +17,16 @@ public:
     CDatabase* queryDatabase() override { return &database; }
 
     /// Opens the data source and imports the tables that were asked for. False when it failed, which has then been
-    /// shown; an error of the database is raised as CDBException.
+    /// shown; an error of the database, or a table that there is not, is raised.
     bool import(MsgBase& message, const Arguments& arguments, const CString& basePath);
 
 private:
+    bool open(const Arguments& arguments);
+    void requireTable(const CString& name);
     bool listTables(CString& names);
 
     CDatabase database;
 };
+
+/// A data source as it may be shown: a connection string ends where its password stands.
+CString shownSource(const CString& source);

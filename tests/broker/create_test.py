@@ -30,8 +30,8 @@ class Create(unittest.TestCase):
         return subprocess.Popen([IMPORT, "dtd", *arguments], cwd=self.folder, env=self.environment, text=True,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, stdin=subprocess.PIPE, **how)
 
-    def run_import(self, *arguments, answers=""):
-        started = self.start(*arguments)
+    def run_import(self, *arguments, answers="", **how):
+        started = self.start(*arguments, **how)
         out, err = started.communicate(answers)
         return started.returncode, out, err
 
@@ -98,15 +98,36 @@ class Create(unittest.TestCase):
         create = ["pair.dtd", "--create", "local", "--trusted"]
         self.assertEqual((0, "a created successfully\nr created successfully\n", ""), self.run_import(*create))
         question = "\\sys\\rosettanet\\r\\%s already exists.\nOverwrite? [y]es, yes to [a]ll, [n]o, no to all [x]: "
-        for arguments, answers, a, r, asked in [
-                (["--overwrite", "all"], "", "modifed", "modifed", ""),
-                ([], "", "skipped", "skipped", "ar"),
-                ([], "y\nn\n", "modifed", "skipped", "ar"),
-                ([], "a\n", "modifed", "modifed", "a"),
-                (["--overwrite", "ask"], "x\n", "skipped", "skipped", "a")]:
-            with self.subTest(arguments=arguments, answers=answers):
-                self.assertEqual((0, "a %s\nr %s\n" % (a, r), "".join(question % name for name in asked)),
-                                 self.run_import(*create, *arguments, answers=answers))
+        left = "typeforge-import: types that exist are left alone; to replace them use --overwrite all, to be asked --overwrite ask\n"
+        for overwrite, answers, status, a, r, said in [
+                ("all", "", 0, "modifed", "modifed", ""),
+                ("none", "", 0, "skipped", "skipped", ""),
+                ("ask", "", 0, "skipped", "skipped", "ar"),
+                ("ask", "Y\nn\n", 0, "modifed", "skipped", "ar"),
+                ("ask", "N\nx\n", 0, "skipped", "skipped", "ar"),
+                ("ask", "A\n", 0, "modifed", "modifed", "a"),
+                ("", "y\ny\n", 4, "skipped", "skipped", left)]:
+            with self.subTest(overwrite=overwrite, answers=answers):
+                said = said if said == left else "".join(question % name for name in said)
+                self.assertEqual((status, "a %s\nr %s\n" % (a, r), said), self.run_import(
+                    *create, *["--overwrite", overwrite] if overwrite else [], answers=answers))
+
+    def test_types_are_created_whether_or_not_their_lines_are_read(self):
+        lost = "typeforge-import: Can't open file standard output, error = %d\n"
+        for out, cause in [("/dev/full", 13), ("|true", 1)]:
+            shutil.rmtree(self.folder + "/typeforge", ignore_errors=True)
+            target = "exec >/dev/full" if out == "/dev/full" else "exec > >(sleep 0)\nsleep 0.3"
+            done = subprocess.run(["bash", "-c", target + '\n"$0" dtd pair.dtd --create local', IMPORT], cwd=self.folder,
+                                  env=self.environment, text=True, stderr=subprocess.PIPE, check=False)
+            self.assertEqual((1, lost % cause), (done.returncode, done.stderr))
+            self.assertEqual(2, len(self.rows()))
+
+    def test_the_repository_is_private_whatever_the_umask(self):
+        for mask in 0, 0o777:
+            os.makedirs(self.folder + "/typeforge", 0o755, exist_ok=True)
+            self.assertEqual(0, self.run_import("pair.dtd", "--create", "local", "--overwrite", "all", umask=mask)[0])
+            self.assertEqual([0o700, 0o600], [os.stat(self.folder + "/typeforge" + name).st_mode & 0o777
+                                              for name in ("", "/types.db")])
 
     def test_mistakes_and_failures_have_their_status(self):
         self.write("two", "")

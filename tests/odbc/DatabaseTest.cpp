@@ -226,8 +226,14 @@ TEST(Database, ListsDataSourcesCutToTheirWidths)
 TEST(Database, TheCommandLineImportsADataSource)
 {
     const TempDir folder;
-    const CString orders = folder.path("orders");
-    folder.write("cli.ini", "[Orders]\nDriver=SQLite3\nDatabase=" + orders + "\n[Empty]\nDriver=SQLite3\n");
+    const CString orders = folder.path("orders"), says = "typeforge-import: ";
+    const DatabaseServer& server = the<PostgresServer>();
+    const CString onServer = "'" + server.connection(postgres) + "' -l ";
+    Connected(server.connection(postgres), server.logon()).database.ExecuteSQL("CREATE TABLE u (x int)");
+    folder.write("password", server.password + "\nnot this");
+    folder.write("cli.ini", "[Orders]\nDriver=SQLite3\nDatabase=" + orders + "\n[Empty]\nDriver=SQLite3\n" +
+                                "[Text]\nDriver=SQLite3\nDatabase=" TEST_SOURCE_DIR "/README.md\n" +
+                                "[Lost]\nDriver=SQLite3\nDatabase=" + folder.path("lost") + "\n");
     Connected("Driver=SQLite3;Database=" + orders + ";")
         .database.ExecuteSQL("CREATE TABLE b (x int); CREATE TABLE a (y text); CREATE VIEW v AS SELECT x FROM b");
     const struct
@@ -237,10 +243,18 @@ TEST(Database, TheCommandLineImportsADataSource)
     } cases[] = {
         {"Orders -l", {0, "\\a\t\n\\b\t\n", ""}},
         {"Orders -l -t v -b 'x\\y'", {0, "x\\y\\v\t\n", ""}},
-        {"Empty -l", {1, "", "typeforge-import: nothing was imported from Empty\n"}},
-        {"'DSN=Empty;Pwd={a;b};UID=u'", {1, "", "typeforge-import: nothing was imported from DSN=Empty;Pwd=***\n"}},
-        {"Other -l", {1, "", "typeforge-import: There is no data source called Other (SQLSTATE IM002)\n"}},
+        {"Orders -l -t a -t none", {1, "", says + "there is no table called none\n"}},
+        {"Orders -l -t ' ' 2>&-", {2, "", ""}},
+        {"Empty -l; ls", {0, "cli.ini\norders\npassword\n", says + "nothing was imported from Empty\n"}},
+        {"Lost -l; ls",
+         {0, "cli.ini\norders\npassword\n", says + "can't open Lost: [SQLite]connect failed (SQLSTATE S1000)\n"}},
+        {"Text -l -t a", {1, "", says + "can't open Text: [SQLite]file is not a database (26) (SQLSTATE S1000)\n"}},
+        {"'DSN=Empty;Pwd={a;b};UID=u'", {1, "", says + "nothing was imported from DSN=Empty;Pwd=***\n"}},
+        {"Other -l", {1, "", says + "can't open Other: There is no data source called Other (SQLSTATE IM002)\n"}},
+        {onServer + "-t u --user typeforge --password-file password", {0, "\\u\t\n", ""}},
+        {onServer + "--user typeforge",
+         {1, "", says + "there is no terminal to ask for the password; use --password-file\n"}},
     };
     for (const auto& run : cases)
-        EXPECT_EQ(runShell(folder, "ODBCINI=cli.ini $import odbc " + run.arguments), run.answer);
+        EXPECT_EQ(runShell(folder, "ODBCINI=cli.ini setsid -w $import odbc " + run.arguments), run.answer);
 }

@@ -6,6 +6,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <array>
 #include <cstring>
 
 namespace {
@@ -72,6 +73,24 @@ struct Attempt
     }
 };
 
+bool isSqlite(void* connection)
+{
+    std::array<SQLCHAR, 32> name = {};
+    SQLGetInfo(connection, SQL_DBMS_NAME, name.data(), SQLSMALLINT(name.size()), nullptr);
+    return std::string_view(reinterpret_cast<const char*>(name.data())) == "SQLite";
+}
+
+// SQLite's driver opens any file and lists no tables in one that is no database. To read something tells.
+void lookInto(CDatabase& database)
+{
+    try {
+        database.ExecuteSQL("PRAGMA schema_version");
+    } catch (...) {
+        database.Close();
+        throw;
+    }
+}
+
 [[noreturn]] void raiseSilence(std::chrono::milliseconds patience)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience).count();
@@ -120,9 +139,12 @@ bool CDatabase::Open(const CString& source, Access access, const CString& logon)
     buildConnectString(attempt->connect.text, source, access, logon);
     if (!callDriver(patience, [attempt] { attempt->run(); }))
         raiseSilence(patience);
-    if (attempt->connected)
-        handles = attempt->handles;
-    return attempt->connected;
+    if (!attempt->connected)
+        return false;
+    handles = attempt->handles;
+    if (access == readOnly && isSqlite(handle()))
+        lookInto(*this);
+    return true;
 }
 
 void CDatabase::Close()

@@ -1,0 +1,40 @@
+#include "Cli/Logon.h"
+
+#include "Platform/Files/File.h"
+#include "Platform/Secret.h"
+#include "Platform/Terminal.h"
+#include "Resources/StringTable.h"
+
+#include <CLI/CLI.hpp>
+
+#include <stdexcept>
+
+void addLogonOptions(CLI::App& app, LogonOptions& options)
+{
+    CLI::Option* const user =
+        app.add_option("--user", options.user, "Log on as this user: to the broker with --create, else to the database")
+            ->type_name("NAME")
+            ->check(
+                CLI::Validator([](const std::string& name) { return name.empty() ? "a name is missing" : ""; }, ""));
+    app.add_option("--password-file", options.passwordFile,
+                   "The file whose first line is the password; without it the terminal is asked")
+        ->type_name("FILE")
+        ->needs(user);
+}
+
+void readPassword(const LogonOptions& options, CString& password)
+{
+    keepOutOfCores();
+    if (options.passwordFile.empty()) {
+        if (!askTerminal("Password for " + options.user + ": ", password))
+            throw std::runtime_error("there is no terminal to ask for the password; use --password-file");
+        return;
+    }
+    if (const FileCause cause = readFile(options.passwordFile, password); cause != FileCause::none)
+        throw std::runtime_error(
+            formatText(loadText(IDS_CANT_OPEN), options.passwordFile.c_str(), static_cast<unsigned>(cause)));
+    const std::size_t length = password.find_first_of("\r\n"); // the rest of what was read is wiped
+    Secret line{CString(std::string_view(password).substr(0, length))};
+    wipe(password);
+    password.swap(line.text);
+}
