@@ -114,18 +114,18 @@ std::string_view SchemaOutline::keepName(std::string_view name)
 {
     if (name.size() > kMaxXmlName)
         throw XmlRefusal{"A declared name has more than 4,096 bytes"};
-    return texts.keep({name, SchemaDeclaration::kMark}).substr(0, name.size());
+    return texts.keep({name, SchemaDeclaration::kMark});
 }
 
 SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
 {
     SchemaDeclaration out;
-    std::string_view reference = out.name;
+    std::string_view reference = out.nameAndMark;
     out.hasAttributes = attributes.size() > 0;
     for (std::size_t i = 0; i < attributes.size(); ++i) {
         const auto [name, value] = attributes[i];
         if (isCalled(name, "name")) {
-            out.name = keepName(value);
+            out.nameAndMark = keepName(value);
         } else if (isCalled(name, "type")) {
             out.hasType = true;
             out.type = texts.keep(value);
@@ -135,11 +135,11 @@ SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
             out.repeats = isMany(value);
         }
     }
-    out.isReference = out.name.empty();
+    out.isReference = out.name().empty();
     if (out.isReference)
-        out.name = reference;
+        out.nameAndMark = reference;
     // "REF" is how the importer marks a declaration that is read through `ref`, so one of that name counts as such.
-    if (!out.hasType && !out.isReference && out.name != "REF")
+    if (!out.hasType && !out.isReference && out.name() != "REF")
         out.type = "AnonymousType";
     return out;
 }
@@ -165,7 +165,7 @@ bool SchemaOutline::holdsTypeNamed(std::string_view name) const
     if (!typeNames) {
         typeNames.emplace();
         for (const Index place : mainTypes())
-            typeNames->insert(entries[place].declaration.isReference ? "" : entries[place].declaration.name);
+            typeNames->insert(entries[place].declaration.isReference ? "" : entries[place].declaration.name());
     }
     return typeNames->contains(name);
 }

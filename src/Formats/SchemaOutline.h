@@ -12,18 +12,21 @@
 /// One declaration of a schema document: an element, an attribute or a complex type. Texts are views into the outline.
 struct SchemaDeclaration
 {
-    /// What a repeated declaration is marked with. The character stands behind every name.
+    /// What a repeated declaration is marked with.
     static constexpr std::string_view kMark = "*";
 
-    std::string_view name = kMark.substr(0, 0); ///< its `name`, or its `ref` where it has no name
+    /// Its `name`, or its `ref` where it has no name.
+    std::string_view name() const { return nameAndMark.substr(0, nameAndMark.size() - kMark.size()); }
+
+    /// The name, followed by the mark when it repeats.
+    std::string_view markedName() const { return repeats ? nameAndMark : name(); }
+
+    std::string_view nameAndMark = kMark; ///< kept together, so that either is a view
     std::string_view type;      ///< its `type`; without one "AnonymousType", or empty when it is read through `ref`
     bool hasAttributes = false; ///< any at all
     bool hasType = false;       ///< a `type` is written
     bool isReference = false;   ///< it has no name of its own
     bool repeats = false;       ///< its `maxOccurs` is greater than 1 or "unbounded"
-
-    /// The name, followed by the mark when it repeats.
-    std::string_view markedName() const { return {name.data(), name.size() + (repeats ? kMark.size() : 0)}; }
 };
 
 /// The declarations of one schema document, as far as they are read: what is called xsd:element, xs:element and so on,

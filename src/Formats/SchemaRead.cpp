@@ -33,7 +33,7 @@ std::string_view SchemaMessage::getRootTag(const SchemaOutline& outline)
         const SchemaDeclaration& element = outline[at];
         if (!element.hasAttributes)
             continue;
-        const std::string_view name = element.isReference ? std::string_view() : element.name;
+        const std::string_view name = element.isReference ? std::string_view() : element.name();
         if (!element.hasType || element.type == kAnonymousType) {
             processComplexType(outline, at, name);
             return name;
@@ -56,9 +56,9 @@ void SchemaMessage::processElement(const SchemaOutline& outline)
          at = outline.getNextSibling(at)) {
         const SchemaDeclaration& element = outline[at];
         if (holdsType(outline, at))
-            processComplexType(outline, outline.getNode(at, SchemaOutline::complexType), element.name);
-        if (!element.name.empty())
-            addSchemaElement(element.name, {}, typeOf(outline, at));
+            processComplexType(outline, outline.getNode(at, SchemaOutline::complexType), element.name());
+        if (!element.name().empty())
+            addSchemaElement(element.name(), {}, typeOf(outline, at));
     }
 }
 
@@ -93,7 +93,7 @@ void SchemaMessage::processComplexType(const SchemaOutline& outline, Index conta
                 walks.pop_back();
         } else if (!walk.isEntered && holdsType(outline, walk.field)) {
             walk.isEntered = true;
-            enter(walk.field, outline[walk.field].name); // may move `walk`
+            enter(walk.field, outline[walk.field].name()); // may move `walk`
         } else {
             processTag(outline, walk);
         }
@@ -105,7 +105,7 @@ void SchemaMessage::processComplexType(const SchemaOutline& outline, Index conta
 void SchemaMessage::enterType(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& type = outline[walk.type];
-    std::string_view name = type.isReference ? walk.owner : type.name;
+    std::string_view name = type.isReference ? walk.owner : type.name();
     if (!name.empty() && name == rootTypeName)
         name = mainName;
     walk.record = {name, RunningHash(name), addSchemaElement(name, {}, {})};

@@ -125,9 +125,16 @@ private:
     KeyedTable<Pair, &Pair::queryKey, PairKey> pairsByKey;
     std::deque<Usage> usages;
     KeyedTable<Usage, &Usage::queryKey, Fingerprint> usagesByKey;
-    std::vector<Node> open;                         // from the root to the node in hand
-    std::vector<std::pair<Usage*, Usage>> shadowed; // usages of open nodes whose key an inner node has too
-    std::vector<Usage*> undecided;                  // of open nodes: each may be its element's first that occurred once
+    std::vector<Node> open; // from the root to the node in hand
+
+    // A node inside another one of its name has the same keys but for the sequence number. What the outer one knows
+    // under such a key is laid aside here and put back when the inner one ends, since the outer one goes on.
+    std::vector<std::pair<Usage*, Usage>> shadowed;
+
+    // That a usage occurred once is only known when its node ends. Until then those wait here that may turn out to be
+    // their element's first of that kind.
+    std::vector<Usage*> undecided;
+
     std::vector<Declaration> declarations;
     std::uint64_t lastMoment = 0;
     std::uint64_t lastSequence = 0;
