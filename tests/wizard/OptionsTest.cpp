@@ -95,6 +95,7 @@ TEST_F(Settings, AreWrittenWholeAndComeBack)
     options.addBrokerIP("broker");
     options.setBrokerPort(4294967295u);
     options.setLastImporterSel(-2);
+    options.setFullReading(1);
     options.setPwd("secret");
     options.flushValues();
     EXPECT_EQ(read().find("secret"), std::string::npos);
@@ -109,6 +110,7 @@ TEST_F(Settings, AreWrittenWholeAndComeBack)
     EXPECT_EQ(shown(&QELOptions::fillBrokerIP, again), Texts{"broker"});
     EXPECT_EQ(again.queryBrokerPort(), 4294967295u);
     EXPECT_EQ(again.queryLastImporterSel(), -2);
+    EXPECT_EQ(again.queryFullReading(), 1);
 }
 
 TEST_F(Settings, OfOthersStayAndTheVendorsServerLeadsTheList)

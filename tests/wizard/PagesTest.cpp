@@ -144,6 +144,38 @@ TEST(SourcePage, StaysWhereAnImportFails)
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
+// The importers that read in full offer it, and an error that the literal reading ends with names the way there.
+TEST(SourcePage, OffersTheFullReading)
+{
+    Desk desk;
+    CString details;
+    const MessageBoxHandler before = setMessageBoxHandler([&details](auto&&...) { details = queryMessageDetails(); });
+    desk.importer = "XML Schema importer";
+    desk.source = desk.dir.write("in/a.xsd", "<schema xmlns='http://www.w3.org/2001/XMLSchema' targetNamespace='t'>"
+                                             "<element name='a' type='string'/></schema>");
+    desk.walkTo(IDD_SOURCE);
+    auto& full = desk.control<QCheckBox>(IDC_FULL_READING);
+    EXPECT_TRUE(full.isVisible() && !full.isChecked());
+    desk.type(IDC_INPUT_FILE, desk.source);
+    desk.click("next");
+    setMessageBoxHandler(before);
+    EXPECT_EQ(desk.page(), IDD_SOURCE);
+    EXPECT_THAT(details, testing::MatchesRegex("Read it in full, by the check box on this page: it uses a target.*"));
+    full.click();
+    desk.click("next");
+    EXPECT_EQ(desk.page(), IDD_EDIT);
+    EXPECT_EQ(desk.wizard().options.queryFullReading(), 1);
+    desk.click("back");
+    full.click();
+    desk.click("next");
+    EXPECT_EQ(desk.page(), IDD_SOURCE);
+    EXPECT_EQ(desk.boxes.take().size(), 1u);
+    desk.click("back");
+    desk.importer = "XML data importer";
+    desk.walkTo(IDD_SOURCE);
+    EXPECT_FALSE(full.isVisible());
+}
+
 // A viewer that notes what it was given, and what it found there.
 std::string noteViews(Desk& desk)
 {
@@ -196,6 +228,38 @@ TEST(TypesPage, ShowsATypeInAFileOfItsOwnForTheRun)
     EXPECT_EQ(viewFiles(desk.dir.path("start")).size(), 3u);
     desk.end();
     EXPECT_EQ(viewFiles(desk.dir.path("start")), Texts{});
+}
+
+TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
+{
+    Desk desk;
+    noteViews(desk);
+    desk.source = desk.dir.write(
+        "in/a.dtd", "<!ELEMENT a (c, d)><!ELEMENT b (c)><!ELEMENT c (e)><!ELEMENT d ANY><!ELEMENT e EMPTY>");
+    desk.walkTo(IDD_SOURCE);
+    desk.press(IDC_FULL_READING);
+    desk.walkTo(IDD_EDIT);
+    auto& list = desk.control<ListView>(IDC_TYPES);
+    EXPECT_EQ(list.rowCount(), 3);
+    EXPECT_EQ(desk.text(IDC_NOT_CARRIED_OVER), "1 construct was not carried over");
+    desk.press(IDC_DETAILS);
+    const Texts files = viewFiles(desk.dir.path("start"));
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_EQ(TempDir::read(files[0]), desk.source + ":1: content ANY: d\n\n1 content ANY\n");
+    EXPECT_TRUE(files[0].ends_with(".txt"));
+
+    auto& main = desk.control<QComboBox>(IDC_MAIN_ELEMENT);
+    EXPECT_EQ(std::pair(main.count(), main.currentText()), std::pair(2, QString("a")));
+    main.setFocus();
+    QTest::keyClick(&main, Qt::Key_Down);
+    ASSERT_EQ(list.rowCount(), 2);
+    EXPECT_EQ(list.cell(0, 0) + " " + list.cell(1, 0), "c b");
+    QTest::keyClick(&main, Qt::Key_Up);
+    EXPECT_EQ(list.rowCount(), 3);
+    desk.click("back");
+    desk.press(IDC_FULL_READING);
+    desk.click("next");
+    EXPECT_FALSE(main.isVisible() || desk.control<QWidget>(IDC_DETAILS).isVisible());
 }
 
 TEST(TypesPage, TakesTheViewFilesAlongWhereASignalEndsIt)
