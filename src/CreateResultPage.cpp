@@ -1,10 +1,46 @@
 #include "CreateResultPage.h"
 
+#include "Platform/Files/File.h"
+#include "Platform/Ui/FileDialog.h"
+#include "Platform/Ui/UiText.h"
 #include "QELWizard.h"
+#include "Resources/StringTable.h"
 
+#include <QCheckBox>
+#include <QClipboard>
 #include <QGroupBox>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QListWidget>
+#include <QLocale>
+#include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// "1,200 types: 1,198 created, 2 failed"
+QString totalsOf(const std::vector<ResultKind>& kinds)
+{
+    static constexpr std::pair<ResultKind, const char*> words[] = {{ResultKind::created, "created"},
+                                                                   {ResultKind::modified, "modified"},
+                                                                   {ResultKind::skipped, "skipped"},
+                                                                   {ResultKind::failed, "failed"},
+                                                                   {ResultKind::unknown, "unknown"}};
+    const QLocale locale;
+    QStringList parts;
+    for (const auto& [kind, word] : words)
+        if (const auto count = std::count(kinds.begin(), kinds.end(), kind); count != 0)
+            parts.append(locale.toString(qlonglong(count)) + ' ' + word);
+    const auto types = std::ssize(kinds) - std::count(kinds.begin(), kinds.end(), ResultKind::reason);
+    return locale.toString(qlonglong(types)) + (types == 1 ? " type" : " types") + (parts.isEmpty() ? "" : ": ") +
+           parts.join(", ");
+}
+
+} // namespace
 
 CreateResultPage::CreateResultPage() : QELPage(IDD_CREATE_RESULT, "Typeforge - Creation result", 0, 0) {}
 
@@ -18,11 +54,71 @@ void CreateResultPage::OnInitDialog()
     resultBox->setAccessibleName("Result of type creation");
     auto* group = new QGroupBox("Result of type creation");
     (new QVBoxLayout(group))->addWidget(resultBox);
-    (new QVBoxLayout(this))->addWidget(group);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(group);
+    column->addLayout(makeButtons());
+}
+
+QHBoxLayout* CreateResultPage::makeButtons()
+{
+    totals = withId(IDC_TOTALS, new QLabel);
+    failuresOnly = withId(IDC_FAILURES_ONLY, new QCheckBox("Failures &only"));
+    auto* copyButton = withId(IDC_COPY, new QPushButton("&Copy"));
+    auto* saveButton = withId(IDC_SAVE, new QPushButton("&Save ..."));
+    connect(failuresOnly, &QCheckBox::toggled, this, &CreateResultPage::showFailuresOnly);
+    connect(copyButton, &QPushButton::clicked, this, &CreateResultPage::copy);
+    connect(saveButton, &QPushButton::clicked, this, &CreateResultPage::save);
+    auto* row = new QHBoxLayout;
+    row->addWidget(totals, 1);
+    for (QWidget* control : std::initializer_list<QWidget*>{failuresOnly, copyButton, saveButton})
+        row->addWidget(control);
+    return row;
 }
 
 void CreateResultPage::OnSetActive()
 {
     wizard->options.fillResultList(*resultBox);
+    const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
+    totals->setText(totalsOf(kinds));
+    failuresOnly->setChecked(false);
+    failuresOnly->setEnabled(std::find(kinds.begin(), kinds.end(), ResultKind::failed) != kinds.end());
     wizard->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
+}
+
+void CreateResultPage::showFailuresOnly(bool only)
+{
+    const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+        const bool failure = kinds[i] == ResultKind::failed || kinds[i] == ResultKind::reason;
+        resultBox->setRowHidden(static_cast<int>(i), only && !failure);
+    }
+}
+
+CString CreateResultPage::shownLines() const
+{
+    CString lines;
+    for (int row = 0; row < resultBox->count(); ++row)
+        if (!resultBox->isRowHidden(row))
+            lines += fromUi(resultBox->item(row)->text()) + '\n';
+    return lines;
+}
+
+void CreateResultPage::copy()
+{
+    QGuiApplication::clipboard()->setText(toUi(shownLines()));
+}
+
+void CreateResultPage::save()
+{
+    const CString fileName =
+        chooseFileToSave(this, {"Save the results",
+                                {{loadText(IDS_FILTER_ALL_FILES), loadText(IDS_PATTERN_ALL_FILES)}},
+                                wizard->options.queryOutputFolder(),
+                                "results.txt"});
+    if (fileName.empty())
+        return;
+    AtomicFile file(fileName);
+    file.write(shownLines());
+    if (const FileCause cause = file.commit(); cause != FileCause::none)
+        stay(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)));
 }

@@ -2,9 +2,13 @@
 
 #include "QELPage.h"
 
+class QCheckBox;
+class QHBoxLayout;
+class QLabel;
 class QListWidget;
 
-/// Shows the lines of the last creation run.
+/// Shows the lines of the last creation run, or those of failures alone, with the totals. What is shown can be copied
+/// and saved.
 class CreateResultPage : public QELPage
 {
 public:
@@ -16,5 +20,13 @@ public:
     LRESULT OnWizardNext() override { return IDD_FINISH; }
 
 private:
+    QHBoxLayout* makeButtons();
+    void showFailuresOnly(bool only);
+    CString shownLines() const;
+    void copy();
+    void save();
+
     QListWidget* resultBox = nullptr;
+    QLabel* totals = nullptr;
+    QCheckBox* failuresOnly = nullptr;
 };

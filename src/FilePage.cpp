@@ -1,5 +1,6 @@
 #include "FilePage.h"
 
+#include "Platform/Ui/PathCompleter.h"
 #include "Platform/Ui/PathLabel.h"
 #include "Platform/Ui/UiText.h"
 #include "QELWizard.h"
@@ -31,7 +32,7 @@ void FilePage::OnInitDialog()
     fileCombo = withId(comboId(), new QComboBox);
     fileCombo->setEditable(true);
     fileCombo->setInsertPolicy(QComboBox::NoInsert);
-    fileCombo->setCompleter(nullptr); // a name that begins like a recent one is not that one
+    fileCombo->lineEdit()->setCompleter(new PathCompleter(*fileCombo->lineEdit()));
     fileCombo->lineEdit()->setAcceptDrops(false);
     fileCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     fillFiles(*fileCombo);
@@ -79,6 +80,7 @@ void FilePage::OnPickfile()
     if (const CString chosen = chooseFile(); !chosen.empty())
         fileName = chosen;
     takeFolder();
+    fileCombo->setFocus(); // so that Return goes on, and doesn't browse again
 }
 
 // The folder follows the file name, whether it has just been chosen or was there before.

@@ -82,6 +82,9 @@ QWidget* LoginToBroker::makeServerGroup()
 {
     serverCombo = withId(IDC_SERVER, makeCombo());
     server = wizard->options.fillBrokerIP(*serverCombo);
+    serverCombo->lineEdit()->setPlaceholderText("local, or the name or address of a server");
+    connect(serverCombo->lineEdit(), &QLineEdit::textEdited, this, &LoginToBroker::suggestLogon);
+    connect(serverCombo, &QComboBox::textActivated, this, &LoginToBroker::suggestLogon);
     port = wizard->options.queryBrokerPort();
     portEdit = withId(IDC_PORT, new QLineEdit(QString::number(port)));
     auto* group = new QGroupBox("Broker server");
@@ -137,6 +140,13 @@ void LoginToBroker::OnLogonBroker()
 {
     passwordEdit->setEnabled(true);
     userCombo->setEnabled(true);
+}
+
+// The local repository asks nobody who he is.
+void LoginToBroker::suggestLogon(const QString& typed)
+{
+    if (typed == "local")
+        trustedButton->click();
 }
 
 LRESULT LoginToBroker::OnWizardNext()
@@ -216,7 +226,7 @@ void LoginToBroker::createTypes(BrokerSession& session)
         dialog.DoModal();
         return dialog.choice;
     };
-    CreationRun run(session, {ask, [&](const CString& line) { options.addResult(line); },
+    CreationRun run(session, {ask, [&](const CString& line, ResultKind kind) { options.addResult(line, kind); },
                               [this](int done) { progress->setValue(done); }});
     if (const int errors = run.run(*wizard->message))
         theApp.Error(formatText(loadText(IDS_CREATION_ERRORS), errors), IDS_ERROR_TITLE);

@@ -34,6 +34,7 @@ private:
 
     QWidget* makeServerGroup();
     QWidget* makeLogonGroup();
+    void suggestLogon(const QString& server);
     bool UpdateData();
     QWidget* blankField() const;
     void storeChoices();

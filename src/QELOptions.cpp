@@ -151,6 +151,18 @@ CString QELOptions::queryInputFile()
     return QueryTop(inputFiles);
 }
 
+void QELOptions::clearResultList()
+{
+    resultList.clear();
+    resultKinds.clear();
+}
+
+void QELOptions::addResult(const CString& line, ResultKind kind)
+{
+    resultList.push_back(line);
+    resultKinds.push_back(kind);
+}
+
 void QELOptions::fillResultList(CListBox& box) const
 {
     box.clear();

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "Broker/ResultKind.h"
 #include "Platform/Text.h"
 #include "Platform/Ui/Controls.h"
+
+#include <vector>
 
 class Registry;
 
@@ -31,10 +34,11 @@ public:
     CString fillBrokerIP(CComboBox& combo);
     CString queryInputFile();
 
-    // The lines of the last creation run.
-    void clearResultList() { resultList.clear(); }
-    void addResult(const CString& line) { resultList.push_back(line); }
+    // The lines of the last creation run, and what each of them says.
+    void clearResultList();
+    void addResult(const CString& line, ResultKind kind = ResultKind::unknown);
     void fillResultList(CListBox& box) const;
+    const std::vector<ResultKind>& queryResultKinds() const { return resultKinds; }
 
     /// The folder that the program was started in; the file pages return to it.
     const CString& queryCWD() const { return cwd; }
@@ -86,6 +90,7 @@ private:
     CString basePath;
     long editBack = 0;
     CStringList resultList;
+    std::vector<ResultKind> resultKinds; // of its lines
 };
 
 /// Puts `text` at the head (`atHead` nonzero) or the tail of `list`, its first equal entry removed, and cuts the list

@@ -1,3 +1,4 @@
+#include "Platform/Ui/ProgramStyle.h"
 #include "Utils/QELApp.h"
 
 #include <QApplication>
@@ -8,6 +9,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName("Typeforge");
     QApplication::setApplicationVersion(TYPEFORGE_VERSION);
     QApplication::setDesktopFileName("org.typeforge.typeforge");
+    QApplication::setStyle(new ProgramStyle);
     QApplication::setQuitOnLastWindowClosed(false);
     return theApp.InitInstance();
 }

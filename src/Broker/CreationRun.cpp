@@ -15,23 +15,23 @@ constexpr unsigned kRefused = 99;
 struct ResultLine
 {
     unsigned code;
-    UINT textId;
+    UINT textId; // 0: an empty line
+    ResultKind kind;
 };
 
 constexpr ResultLine kResultLines[] = {
-    {0, IDS_CREATED},
-    {1, IDS_MODIFIED},
-    {kExists, IDS_SKIPPED},
-    {kRefused, IDS_CREATION_ERROR},
+    {0, IDS_CREATED, ResultKind::created},
+    {1, IDS_MODIFIED, ResultKind::modified},
+    {kExists, IDS_SKIPPED, ResultKind::skipped},
+    {kRefused, IDS_CREATION_ERROR, ResultKind::failed},
 };
 
-// Empty for a code that the program doesn't know.
-CString resultLine(unsigned code, const CString& name)
+const ResultLine& resultLineOf(unsigned code)
 {
-    for (const ResultLine& line : kResultLines)
-        if (line.code == code)
-            return fillText(loadText(line.textId), name);
-    return {};
+    static constexpr ResultLine unknown{0, 0, ResultKind::unknown};
+    const auto* line = std::find_if(std::begin(kResultLines), std::end(kResultLines),
+                                    [code](const ResultLine& row) { return row.code == code; });
+    return line != std::end(kResultLines) ? *line : unknown;
 }
 
 // A driver's words may take several lines.
@@ -71,11 +71,12 @@ void CreationRun::create(Element& type)
     type.asXML(document);
     try {
         const unsigned code = createOrAsk(type);
-        callbacks.addResult(resultLine(code, type.queryName()));
+        const ResultLine& line = resultLineOf(code);
+        callbacks.addResult(fillText(loadText(line.textId), type.queryName()), line.kind);
         errorCount += code == kRefused;
     } catch (const ClientError& error) {
-        callbacks.addResult(fillText(loadText(IDS_CREATION_ERROR), type.queryName()));
-        callbacks.addResult(asOneLine(error.what()));
+        callbacks.addResult(fillText(loadText(IDS_CREATION_ERROR), type.queryName()), ResultKind::failed);
+        callbacks.addResult(asOneLine(error.what()), ResultKind::reason);
         ++errorCount;
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Broker/ResultKind.h"
 #include "Platform/Text.h"
 
 #include <functional>
@@ -24,9 +25,9 @@ public:
     /// What the run wants of its surroundings. All three must be set.
     struct Callbacks
     {
-        std::function<OverwriteChoice(const CString& question)> ask; ///< a type exists
-        std::function<void(const CString& line)> addResult;          ///< a line for the list of results
-        std::function<void(int done)> setDone;                       ///< so many types are through
+        std::function<OverwriteChoice(const CString& question)> ask;         ///< a type exists
+        std::function<void(const CString& line, ResultKind kind)> addResult; ///< a line for the list of results
+        std::function<void(int done)> setDone;                               ///< so many types are through
     };
 
     CreationRun(BrokerSession& session, Callbacks callbacks);

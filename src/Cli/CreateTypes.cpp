@@ -102,7 +102,7 @@ int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptio
     };
     Output lines("");
     FileCause cause = FileCause::none;
-    const auto addLine = [&](const CString& line) {
+    const auto addLine = [&](const CString& line, ResultKind) {
         lines.write(line + "\n");
         cause = lines.commit();
     };

@@ -48,6 +48,10 @@ enum ControlId : int
     IDC_RESULTS = 1056,
     IDC_WELCOME = 1057,
     IDC_FINISHED = 1058,
+    IDC_TOTALS = 1111, // of the results
+    IDC_FAILURES_ONLY = 1112,
+    IDC_COPY = 1113,
+    IDC_SAVE = 1114,
     IDC_SOURCE_USER = 1101, // of the logon dialog of a data source
     IDC_SOURCE_PASSWORD = 1102,
     IDC_FULL_READING = 1103,

@@ -72,7 +72,7 @@ struct Creation
         BrokerSession& session, MsgBase& message, const std::function<void(int)>& onDone = [](int) {})
     {
         CreationRun run(session, {[](const CString&) { return OverwriteChoice::noToAll; },
-                                  [this](const CString& line) { lines.push_back(line); },
+                                  [this](const CString& line, ResultKind) { lines.push_back(line); },
                                   [&](int done) {
                                       EXPECT_EQ(done, ++steps);
                                       onDone(done);

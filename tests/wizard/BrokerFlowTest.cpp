@@ -2,6 +2,7 @@
 #include "Platform/Files/SettingsStore.h"
 #include "wizard/Desk.h"
 
+#include <QClipboard>
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
@@ -140,6 +141,10 @@ TEST(LoginPage, ShowsEachFailureAndKeepsTheChoices)
         EXPECT_EQ(desk.boxes.take(), Texts{text});
     }
     EXPECT_EQ(desk.results(), (Texts{"a created successfully", "b modifed", "r - creation error"})); // codes 0, 1, 99
+    EXPECT_EQ(desk.text(IDC_TOTALS), "3 types: 1 created, 1 modified, 1 failed");
+    desk.press(IDC_FAILURES_ONLY);
+    desk.press(IDC_COPY);
+    EXPECT_EQ(QApplication::clipboard()->text(), "r - creation error\n");
 }
 
 TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
@@ -156,6 +161,8 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
         desk.press(trusted ? IDC_LOGON_TRUSTED : IDC_LOGON_BROKER);
         EXPECT_EQ(password.isEnabled() + user.isEnabled(), trusted ? 0 : 2);
     }
+    QTest::keyClicks(desk.control<QComboBox>(IDC_SERVER).lineEdit(), "local");
+    EXPECT_FALSE(user.isEnabled());
     desk.click("back");
     EXPECT_EQ(desk.page(), IDD_OUTPUT);
     EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), IDC_TO_BROKER); // what was chosen before

@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QClipboard>
+#include <QCompleter>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -91,7 +92,12 @@ TEST(SourcePage, BrowsesFromTheFolderOfTheFile)
     desk.press(IDC_BROWSE);
     EXPECT_EQ(desk.text(IDC_INPUT_FILE), desk.source);
     EXPECT_EQ(desk.text(IDC_FOLDER), "Current folder is " + desk.dir.path("in"));
-    desk.type(IDC_INPUT_FILE, "order.dtd"); // relative to that folder
+    desk.control<QComboBox>(IDC_INPUT_FILE).clearEditText();
+    auto* field = desk.control<QComboBox>(IDC_INPUT_FILE).lineEdit();
+    QTest::keyClicks(field, "or"); // relative to that folder
+    EXPECT_EQ(field->completer()->currentCompletion(), "order.dtd");
+    QTest::keyClicks(field, "der.dtd");
+    EXPECT_EQ(field->completer()->completionCount(), 0);
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_EDIT);
     EXPECT_EQ(std::filesystem::current_path(), desk.dir.path("start"));

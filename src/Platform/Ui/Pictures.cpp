@@ -1,5 +1,6 @@
 #include "Platform/Ui/Pictures.h"
 
+#include <QGuiApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -38,7 +39,11 @@ bool isDark(const QPalette& palette)
 
 QImage picture(int id, const QPalette& palette)
 {
-    QImage image(QString(":/%1").arg(id));
+    QImage image;
+    if (qGuiApp->devicePixelRatio() > 1)
+        image.load(QString(":/%1@3x").arg(id)); // not every picture has one
+    if (image.isNull())
+        image.load(QString(":/%1").arg(id));
     if (!image.isNull() && isDark(palette))
         darken(image, palette.color(QPalette::Base).lightness());
     return image;

@@ -9,7 +9,8 @@ class QRect;
 /// True when the palette writes light text on a dark ground.
 bool isDark(const QPalette& palette);
 
-/// The picture of that resource number (1000 to 1003), in the tones of the palette: drawn on white, it keeps its hues
+/// The picture of that resource number (1000 to 1003), in three times its size where a screen has points finer than the
+/// unit of length, in the tones of the palette: drawn on white, it keeps its hues
 /// on a dark ground, and what was light gets dark. Empty when there is no such picture.
 QImage picture(int id, const QPalette& palette);
 

@@ -6,12 +6,14 @@
 #include "Platform/Ui/UiText.h"
 #include "Platform/Ui/WizardPage.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QEventLoop>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QStyle>
@@ -24,6 +26,8 @@ namespace {
 constexpr const char* kBack = "< &Back";
 constexpr const char* kNext = "&Next >";
 constexpr const char* kFinish = "&Finish";
+constexpr const char* kCancel = "&Cancel";
+constexpr const char* kHelp = "&Help";
 
 // A dialog unit is a quarter of the average width of the letters and an eighth of the font's height. What a font gives
 // as its average width counts other characters too and comes out narrower.
@@ -47,8 +51,8 @@ WizardSheet::WizardSheet(const CString& caption, CWnd* parent, UINT start, HBITM
     backButton = addButton("back", kBack, &WizardSheet::back);
     nextButton = addButton("next", kNext, &WizardSheet::next);
     finishButton = addButton("finish", kFinish, &WizardSheet::finish);
-    cancelButton = addButton("cancel", "Cancel", &WizardSheet::cancel);
-    helpButton = addButton("help", "Help", &WizardSheet::help);
+    cancelButton = addButton("cancel", kCancel, &WizardSheet::cancel);
+    helpButton = addButton("help", kHelp, &WizardSheet::help);
     new QShortcut(QKeySequence(Qt::Key_F1), this, this, &WizardSheet::help);
     layOut();
 }
@@ -89,7 +93,16 @@ void WizardSheet::AddPage(WizardPage& page)
 {
     page.owner = this;
     pages.push_back(&page);
-    stack->addWidget(&page);
+    auto* area = new QScrollArea; // a page may need more room than a small screen has
+    area->setFrameStyle(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(&page);
+    connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
+        if (area->isAncestorOf(now))
+            area->ensureWidgetVisible(now);
+    });
+    stack->addWidget(area);
     band->addSubtitle(page.querySubtitle());
 }
 
@@ -192,7 +205,11 @@ void WizardSheet::activate(int index)
 void WizardSheet::settleMnemonics()
 {
     QString taken = mnemonicsOf(activePage());
-    for (const auto& [button, text] : {std::pair(backButton, kBack), {nextButton, kNext}, {finishButton, kFinish}})
+    for (const auto& [button, text] : {std::pair(backButton, kBack),
+                                       {nextButton, kNext},
+                                       {finishButton, kFinish},
+                                       {cancelButton, kCancel},
+                                       {helpButton, kHelp}})
         if (!button->isHidden())
             setTextWithMnemonic(*button, text, taken);
 }

@@ -1,0 +1,12 @@
+#pragma once
+
+/// What a line of the list of results says of the creation of a type.
+enum class ResultKind
+{
+    created,
+    modified,
+    skipped,
+    failed,
+    reason, ///< of the failure that the line before names
+    unknown ///< an answer that the program doesn't know
+};
