@@ -1,10 +1,10 @@
 #include "CreateResultPage.h"
 
-#include "Platform/Files/File.h"
-#include "Platform/Ui/FileDialog.h"
+#include "Platform/Ui/CopyRow.h"
 #include "Platform/Ui/UiText.h"
 #include "QELWizard.h"
 #include "Resources/StringTable.h"
+#include "SaveFile.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -57,6 +57,8 @@ void CreateResultPage::OnInitDialog()
     auto* column = new QVBoxLayout(this);
     column->addWidget(group);
     column->addLayout(makeButtons());
+    command = new CopyRow("In a script:", "Cop&y command");
+    column->addWidget(command);
 }
 
 QHBoxLayout* CreateResultPage::makeButtons()
@@ -80,6 +82,7 @@ void CreateResultPage::OnSetActive()
     wizard->options.fillResultList(*resultBox);
     const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
     totals->setText(totalsOf(kinds));
+    command->setText(toUi(wizard->script.text(*wizard->message)));
     failuresOnly->setChecked(false);
     failuresOnly->setEnabled(std::find(kinds.begin(), kinds.end(), ResultKind::failed) != kinds.end());
     wizard->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
@@ -110,15 +113,6 @@ void CreateResultPage::copy()
 
 void CreateResultPage::save()
 {
-    const CString fileName =
-        chooseFileToSave(this, {"Save the results",
-                                {{loadText(IDS_FILTER_ALL_FILES), loadText(IDS_PATTERN_ALL_FILES)}},
-                                wizard->options.queryOutputFolder(),
-                                "results.txt"});
-    if (fileName.empty())
-        return;
-    AtomicFile file(fileName);
-    file.write(shownLines());
-    if (const FileCause cause = file.commit(); cause != FileCause::none)
-        stay(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)));
+    saveUnderChosenName(*this, "Save the results", {{loadText(IDS_FILTER_ALL_FILES), loadText(IDS_PATTERN_ALL_FILES)}},
+                        "results.txt", [this](const CString&) { return shownLines(); });
 }

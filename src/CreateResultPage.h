@@ -2,6 +2,7 @@
 
 #include "QELPage.h"
 
+class CopyRow;
 class QCheckBox;
 class QHBoxLayout;
 class QLabel;
@@ -29,4 +30,5 @@ private:
     QListWidget* resultBox = nullptr;
     QLabel* totals = nullptr;
     QCheckBox* failuresOnly = nullptr;
+    CopyRow* command = nullptr;
 };

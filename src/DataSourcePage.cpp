@@ -47,7 +47,8 @@ LRESULT DataSourcePage::OnWizardNext()
     selectedSource = row;
     wizard->database.reset(); // closed before the next one opens: a source may allow one connection only
     wizard->database = std::make_unique<CDatabase>();
-    return open(dataSourceList->cell(row, 0));
+    wizard->script = {dataSourceList->cell(row, 0)};
+    return open(wizard->script.source);
 }
 
 LRESULT DataSourcePage::open(const CString& source)

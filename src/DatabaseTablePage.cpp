@@ -62,8 +62,11 @@ LRESULT DatabaseTablePage::OnWizardNext()
         return stay(IDS_SELECT_TABLE);
     const WaitCursor wait;
     CString names;
-    for (const int row : selected)
-        names += tableList->cell(row, 0) + '\n';
+    wizard->script = {wizard->script.source, wizard->options.queryPath()};
+    for (const int row : selected) {
+        wizard->script.tables.push_back(tableList->cell(row, 0));
+        names += wizard->script.tables.back() + '\n';
+    }
     wizard->message->parseData(names, wizard->options.queryPath());
     wizard->options.setEditBack(IDD_DATABASE_TABLE);
     return IDD_EDIT;

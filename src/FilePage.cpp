@@ -1,5 +1,6 @@
 #include "FilePage.h"
 
+#include "Platform/Ui/DraggedFiles.h"
 #include "Platform/Ui/PathCompleter.h"
 #include "Platform/Ui/PathLabel.h"
 #include "Platform/Ui/UiText.h"
@@ -11,20 +12,6 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
-#include <QUrl>
-
-namespace {
-
-// The first file of what is dragged here; "" when there is none.
-CString draggedFile(const QMimeData* data)
-{
-    for (const QUrl& url : data->urls())
-        if (url.isLocalFile())
-            return fromUi(url.toLocalFile());
-    return {};
-}
-
-} // namespace
 
 void FilePage::OnInitDialog()
 {
@@ -93,15 +80,20 @@ void FilePage::takeFolder()
     UpdateData(false);
 }
 
+void FilePage::takeFile(const CString& chosen)
+{
+    fileName = chosen;
+    takeFolder();
+}
+
 void FilePage::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!draggedFile(event->mimeData()).empty())
+    if (!draggedFiles(*event->mimeData()).isEmpty())
         event->acceptProposedAction();
 }
 
 void FilePage::dropEvent(QDropEvent* event)
 {
-    fileName = draggedFile(event->mimeData());
-    takeFolder();
     event->acceptProposedAction();
+    OnDrop(draggedFiles(*event->mimeData()));
 }

@@ -15,6 +15,9 @@ public:
     void OnInitDialog() override;
     void OnSetActive() override;
 
+    /// Fills the name of a file in, as if it had been chosen with Browse.
+    void takeFile(const CString& chosen);
+
 protected:
     /// The id of the combo box.
     virtual int comboId() const = 0;
@@ -24,6 +27,9 @@ protected:
 
     /// Shows the file dialog; "" when the user cancels.
     virtual CString chooseFile() = 0;
+
+    /// Files have been dropped on the page.
+    virtual void OnDrop(const QStringList& files) { takeFile(files.front().toStdString()); }
 
     /// Remembers the folder that a file was chosen in.
     virtual void setFolder(const CString& folder) = 0;

@@ -2,7 +2,10 @@
 
 #include "QELPage.h"
 
-/// The last page: Finish stores the options and ends, Back starts another import.
+class CopyRow;
+
+/// The last page: Finish stores the options and ends, Back starts another import. Offers the command
+/// line that does the same as this run.
 class FinishPage : public QELPage
 {
 public:
@@ -12,4 +15,7 @@ public:
     void OnSetActive() override;
     BOOL OnWizardFinish() override;
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
+
+private:
+    CopyRow* command = nullptr;
 };

@@ -9,6 +9,7 @@
 #include "QELWizard.h"
 #include "Resources/StringTable.h"
 #include "Utils/QELApp.h"
+#include "Utils/ServerAddress.h"
 
 #include <QComboBox>
 #include <QFormLayout>
@@ -164,6 +165,12 @@ LRESULT LoginToBroker::OnWizardNext()
     if (const CString failure = session.open(server, port, logonSel == LogonKind::trusted ? nullptr : &account);
         !failure.empty())
         return stay(failure, session.queryDescription());
+    ScriptCommand& script = wizard->script;
+    const auto address = readServerAddress(server, port);
+    script.address = address ? address->asText() : server;
+    script.user = logonSel == LogonKind::trusted ? CString() : user;
+    script.output.clear();
+    script.overwrite.clear();
     createTypes(session);
     return IDD_CREATE_RESULT;
 }
@@ -224,7 +231,11 @@ void LoginToBroker::createTypes(BrokerSession& session)
         dialog.text = question;
         const PlainCursor arrow;
         dialog.DoModal();
-        return dialog.choice;
+        const OverwriteChoice choice = dialog.choice;
+        CString& word = wizard->script.overwrite; // what the first answer says of all of them
+        if (word.empty())
+            word = choice == OverwriteChoice::yesToAll ? "all" : choice == OverwriteChoice::noToAll ? "none" : "ask";
+        return choice;
     };
     CreationRun run(session, {ask, [&](const CString& line, ResultKind kind) { options.addResult(line, kind); },
                               [this](int done) { progress->setValue(done); }});

@@ -20,6 +20,7 @@ LRESULT OutputFile::OnWizardNext()
         wizard->message->writeXML([&file](std::string_view text) { file.write(text); });
     if (const FileCause cause = file.commit(); cause != FileCause::none)
         return stay(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)));
+    wizard->script.output = absoluteName(fileName);
     wizard->setCurrentFolder(QELWizard::folderCWD);
     return IDD_FINISH;
 }

@@ -6,6 +6,7 @@
 #include "QELWizard.h"
 #include "Resources/DialogIds.h"
 #include "Utils/QELApp.h"
+#include "WindowLayout.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -34,8 +35,13 @@ BOOL CQELApp::InitInstance()
     const HBITMAP header = lowColour ? IDB_HEADER_LOW_COLOUR : IDB_HEADER;
     QELWizard wizard(IDS_TITLE, nullptr, 0, watermark, nullptr, header);
     const MessageBoxHandler before = setMessageBoxHandler(ModalBox(wizard));
-    if (wizard.DoModal() == WizardSheet::resultOk)
+    restoreGeometry(wizard);
+    if (const QStringList files = QCoreApplication::arguments().mid(1); !files.isEmpty())
+        wizard.openFiles(files);
+    if (wizard.DoModal() == WizardSheet::resultOk) {
         wizard.options.flushValues();
+        storeLayout(wizard);
+    }
     setMessageBoxHandler(before);
     return 0;
 }

@@ -1,13 +1,19 @@
 #include "QELWizard.h"
 
+#include "Formats/ImporterChoice.h"
 #include "Platform/Ui/CoverText.h"
+#include "Platform/Ui/DraggedFiles.h"
 #include "Platform/Ui/ModalBox.h"
+#include "Platform/Ui/UiText.h"
 #include "Platform/Ui/WaitCursor.h"
 #include "Resources/StringTable.h"
 #include "Utils/QELApp.h"
+#include "WindowLayout.h"
 
+#include <QDropEvent>
 #include <QIcon>
 
+#include <algorithm>
 #include <unistd.h>
 
 // Nothing refers to the pictures and help pages by name, so out of a library they are only linked in when asked for.
@@ -16,11 +22,24 @@
     return 0;
 }();
 
+namespace {
+
+int rowOf(const MsgUIDescriptor* importer)
+{
+    int row = 0;
+    while (g_amud[row] != importer)
+        ++row;
+    return row;
+}
+
+} // namespace
+
 QELWizard::QELWizard(UINT captionId, CWnd* parent, UINT startPage, HBITMAP watermark, HPALETTE, HBITMAP header) :
     WizardSheet(loadText(captionId), parent, startPage, watermark, header)
 {
     setObjectName("QELWizard");
     setWindowIcon(QIcon(":/1027"));
+    setAcceptDrops(true);
     setMainWindow(this);
     options.getValues();
     titleFont = coverFont("Comic Sans MS", 20);
@@ -54,6 +73,7 @@ CString QELWizard::setCurrentFolder(WhichFolder which)
 bool QELWizard::importFile(const CString& fileName)
 {
     setCurrentFolder(folderInput);
+    script = {absoluteName(fileName), options.queryPath()};
     const WaitCursor wait;
     const ImportMessages together;
     if (!message->parseFile(fileName, options.queryPath()))
@@ -65,6 +85,46 @@ bool QELWizard::importFile(const CString& fileName)
 FullMessage* QELWizard::fullMessage() const
 {
     return dynamic_cast<FullMessage*>(message.get());
+}
+
+void QELWizard::openFiles(const QStringList& files)
+{
+    const CString fileName = absoluteName(fromUi(files.front()));
+    MsgUIDescriptor* const importer = importerFor(fileName);
+    if (importer == nullptr) {
+        theApp.Error(loadText(IDS_SELECT_SOURCE), IDS_ERROR_TITLE, fileName + ": no source that an importer knows");
+    } else {
+        show();
+        if (activePage() != &sourcePage || message->queryDescriptor() != importer) {
+            options.setLastImporterSel(rowOf(importer));
+            showPage(IDD_SOURCE_TYPE);
+            next();
+        }
+        sourcePage.takeFile(fileName);
+    }
+    if (files.size() > 1)
+        theApp.Error("One file is imported at a time. Left aside:\n" + fromUi(files.mid(1).join('\n')),
+                     IDS_ERROR_TITLE);
+}
+
+void QELWizard::OnPageMade(WizardPage& page)
+{
+    restoreWidths(page);
+}
+
+// Files are taken on the pages before the types.
+void QELWizard::dragEnterEvent(QDragEnterEvent* event)
+{
+    constexpr int pages[] = {IDD_FIRST, IDD_SOURCE_TYPE, IDD_DATA_SOURCE, IDD_DATABASE_TABLE, IDD_SOURCE};
+    const bool before = std::find(std::begin(pages), std::end(pages), activePage()->queryDialogId()) != std::end(pages);
+    if (before && !draggedFiles(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void QELWizard::dropEvent(QDropEvent* event)
+{
+    event->acceptProposedAction();
+    openFiles(draggedFiles(*event->mimeData()));
 }
 
 void QELWizard::OnHelp(int dialogId)

@@ -14,10 +14,12 @@
 #include "Platform/Database/Odbc.h"
 #include "Platform/Ui/WizardSheet.h"
 #include "QELOptions.h"
+#include "ScriptCommand.h"
 #include "SourcePage.h"
 #include "SourceTypePage.h"
 
 #include <QFont>
+#include <QStringList>
 
 #include <memory>
 
@@ -47,16 +49,24 @@ public:
     /// The importer, when it is one that reads its source in full; else null.
     FullMessage* fullMessage() const;
 
+    /// Takes the first of the files as the source: chooses its importer and shows the input page with its name filled
+    /// in. What can't be taken, and the other files, are named in a message.
+    void openFiles(const QStringList& files);
+
     CDatabase* queryDatabase() override { return database.get(); }
 
     std::unique_ptr<MsgBase> message; ///< the importer that was chosen; null when none is
     QELOptions options;
     std::unique_ptr<CDatabase> database; ///< the data source that was opened last; null until one is
+    ScriptCommand script;                ///< what has been done since the importer was chosen
     QFont titleFont;                     ///< of the large texts on the first and the last page
 
 protected:
+    void OnPageMade(WizardPage& page) override;
     void OnHelp(int dialogId) override;
     void OnPageError(const std::exception& error) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     FirstPage firstPage;

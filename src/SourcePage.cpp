@@ -112,6 +112,11 @@ CString SourcePage::chooseFile()
                             {loadText(IDS_SELECT_SOURCE), fileFilters(), wizard->options.queryInputFolder(), fileName});
 }
 
+void SourcePage::OnDrop(const QStringList& files)
+{
+    wizard->openFiles(files);
+}
+
 void SourcePage::setFolder(const CString& folder)
 {
     wizard->options.setInputFolder(folder);

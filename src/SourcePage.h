@@ -19,6 +19,7 @@ protected:
     int comboId() const override { return IDC_INPUT_FILE; }
     void fillFiles(QComboBox& combo) override;
     CString chooseFile() override;
+    void OnDrop(const QStringList& files) override;
     void setFolder(const CString& folder) override;
     CString enterFolder() override;
 

@@ -1,11 +1,18 @@
 """From the welcome page to a written file with the keyboard alone, for each kind of file."""
 import os
+import subprocess
 import unittest
 
-from harness import EXAMPLES, WizardTest, setUpModule
+from harness import BUILD, EXAMPLES, WizardTest, setUpModule
 
 
 class FileRoad(WizardTest):
+    def test_says_what_it_is_without_a_display(self):
+        no_display = {name: value for name, value in os.environ.items() if name != "DISPLAY"}
+        for option, start in [("--help", "Usage: typeforge [FILE]"), ("--version", "typeforge 1.")]:
+            ran = subprocess.run([BUILD + "/typeforge", option], env=no_display, capture_output=True, text=True)
+            self.assertEqual((0, start, ""), (ran.returncode, ran.stdout[:len(start)], ran.stderr))
+
     def walk(self, importer, source):
         """From the importer page to the finish page; gives the written file."""
         self.choose_importer(importer, "Select source")

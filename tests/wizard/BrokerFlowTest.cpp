@@ -170,20 +170,22 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
 
 TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
 {
-    const std::pair<std::vector<int>, Texts> runs[] = {
-        {{}, {"a created successfully", "b created successfully", "r created successfully"}},
-        {{IDC_YES, IDC_NO, 0}, {"a modifed", "b skipped", "r skipped"}},
-        {{IDC_YES_TO_ALL}, {"a modifed", "b modifed", "r modifed"}},
-        {{IDC_NO, IDC_NO_TO_ALL}, {"a skipped", "b skipped", "r skipped"}},
+    const std::tuple<std::vector<int>, Texts, const char*> runs[] = {
+        {{}, {"a created successfully", "b created successfully", "r created successfully"}, ""},
+        {{IDC_YES, IDC_NO, 0}, {"a modifed", "b skipped", "r skipped"}, " --overwrite=ask"},
+        {{IDC_YES_TO_ALL}, {"a modifed", "b modifed", "r modifed"}, " --overwrite=all"},
+        {{IDC_NO, IDC_NO_TO_ALL}, {"a skipped", "b skipped", "r skipped"}, " --overwrite=ask"},
     };
     BrokerDesk desk;
     desk.logOn("local", "1", nullptr, "");
-    for (const auto& [answers, lines] : runs) {
+    for (const auto& [answers, lines, overwrite] : runs) {
         EXPECT_EQ(desk.page(), IDD_LOGIN);
         for (const CString& question : desk.create(answers))
             EXPECT_THAT(question,
                         testing::MatchesRegex("\\\\sys\\\\rosettanet\\\\r\\\\[abr] already exists.\nOverwrite[?]"));
         EXPECT_EQ(desk.results(), lines);
+        const QString command = desk.wizard().activePage()->findChild<QLineEdit*>("command")->text();
+        EXPECT_THAT(command.toStdString(), testing::EndsWith(CString("r.dtd --create=local:1") + overwrite));
         desk.click("back");
     }
     desk.create({IDC_NO_TO_ALL});

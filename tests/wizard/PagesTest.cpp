@@ -3,6 +3,7 @@
 #include "Platform/Ui/WaitCursor.h"
 #include "QEL.h"
 #include "Utils/QELApp.h"
+#include "WindowLayout.h"
 #include "wizard/Desk.h"
 
 #include <QCheckBox>
@@ -366,6 +367,75 @@ TEST(OutputFilePage, StaysWhereTheDeviceIsFullAndReplacesAFile)
     CComboBox combo;
     EXPECT_EQ(desk.wizard().options.fillOutputFile(combo), old);
     EXPECT_EQ(combo.count(), 2); // also the name that couldn't be written
+}
+
+constexpr const char* kOrder = "<order><line/></order>";
+
+struct Opened
+{
+    const char* name;
+    const char* content;
+    const char* importer; // its word, null where there is none
+} const kOpened[] = {
+    {"a.DTD", "", "dtd"},
+    {"a.xsd", kOrder, "xsd"},
+    {"a.xml", kOrder, "xml"},
+    {"a.txt", "\xEF\xBB\xBF<?xml version='1.0'?><!DOCTYPE a [<!ELEMENT a ANY>]> <!-- --><x:schema/>", "xsd"},
+    {"a.xml", "<!-- types -->\n<!ELEMENT a (b)>", "dtd"},
+    {"a.xml", "<order>\n<BROKERTYPEDESCRIPTION NAME='a'/></order>", "btd"},
+    {"a.txt", "order, line", nullptr},
+    {"none.dtd", nullptr, nullptr},
+};
+
+TEST(Sheet, StartsAtAFileThatItIsGiven)
+{
+    for (const Opened& row : kOpened) {
+        Desk desk;
+        const CString file = row.content ? desk.dir.write(row.name, row.content) : desk.dir.path(row.name);
+        desk.click("next");
+        desk.wizard().openFiles({file.c_str(), "/other"});
+        Texts boxes = {"One file is imported at a time. Left aside:\n/other"};
+        if (row.importer == nullptr)
+            boxes.insert(boxes.begin(), "Select source message");
+        EXPECT_EQ(desk.boxes.take(), boxes);
+        ASSERT_EQ(desk.page(), row.importer != nullptr ? IDD_SOURCE : IDD_SOURCE_TYPE) << row.content;
+        if (row.importer != nullptr) {
+            EXPECT_EQ(desk.text(IDC_INPUT_FILE) + desk.wizard().message->queryDescriptor()->querySource().word,
+                      file + row.importer);
+        }
+    }
+}
+
+TEST(Sheet, OffersACommandThatDoesTheSame)
+{
+    Desk desk;
+    qputenv("SOURCE_DATE_EPOCH", "1700000000");
+    desk.source = desk.dir.write("in/it's an order.dtd", TempDir::read(desk.source));
+    desk.walkTo(IDD_SOURCE_TYPE);
+    desk.control<QLineEdit>(IDC_OBJECT_PATH).setText("\\a b");
+    desk.importer = "DTD importer";
+    desk.click("next");
+    desk.walkTo(IDD_FINISH);
+    const CString written = TempDir::read(desk.output);
+    std::filesystem::remove(desk.output);
+    const QString command = desk.wizard().activePage()->findChild<QLineEdit*>("command")->text();
+    EXPECT_EQ(std::system(("cd / && " TEST_BUILD_DIR "/" + command.toStdString()).c_str()), 0);
+    EXPECT_EQ(TempDir::read(desk.output), written);
+    qunsetenv("SOURCE_DATE_EPOCH");
+}
+
+TEST(Sheet, KeepsWhatTheUserMadeOfTheWindows)
+{
+    Desk desk;
+    desk.walkTo(IDD_SOURCE_TYPE);
+    desk.wizard().resize(720, 640);
+    desk.control<ListView>(IDC_IMPORTERS).setColumnWidth(0, 77);
+    storeLayout(desk.wizard());
+    desk.end();
+    restoreGeometry(desk.wizard());
+    desk.walkTo(IDD_SOURCE_TYPE);
+    EXPECT_EQ(desk.wizard().size(), QSize(720, 640));
+    EXPECT_EQ(desk.control<ListView>(IDC_IMPORTERS).columnWidth(0), 77);
 }
 
 TEST(Sheet, HelpLeadsToThePagesTopic)

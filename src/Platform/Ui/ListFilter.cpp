@@ -15,6 +15,7 @@ ListFilter::ListFilter(ListView& filteredList, const QString& rowNoun) :
     field->setObjectName("filter");
     field->setPlaceholderText("Filter (Ctrl+F)");
     field->setAccessibleName("Filter for " + noun);
+    field->setAcceptDrops(false); // a file is for the page
     field->setClearButtonEnabled(true);
     field->installEventFilter(this);
     count->setObjectName("count");

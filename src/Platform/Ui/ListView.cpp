@@ -70,6 +70,7 @@ void ListView::setUpHeader()
     header()->setSortIndicator(-1, Qt::AscendingOrder);
     header()->setSortIndicatorShown(true);
     connect(header(), &QHeaderView::sortIndicatorChanged, this, &ListView::arrange);
+    connect(header(), &QHeaderView::sectionResized, this, [this] { sharesWidth = false; });
 }
 
 void ListView::setRows(int count, CellText cells, RowMark marks)
@@ -150,6 +151,12 @@ void ListView::copyNames() const
 void ListView::resizeEvent(QResizeEvent* event)
 {
     QTreeView::resizeEvent(event);
+    if (sharesWidth)
+        shareWidth();
+}
+
+void ListView::shareWidth()
+{
     const int width = contentsRect().width();
     int rest = viewport()->width();
     for (std::size_t i = 0; i < columns.size(); ++i) {
@@ -158,6 +165,22 @@ void ListView::resizeEvent(QResizeEvent* event)
         header()->resizeSection(static_cast<int>(i), share);
         rest -= share;
     }
+    sharesWidth = true; // each of these steps looked like one of the user's
+}
+
+QList<int> ListView::queryWidths() const
+{
+    QList<int> widths;
+    for (int column = 0; !sharesWidth && column < header()->count(); ++column)
+        widths.append(columnWidth(column));
+    return widths;
+}
+
+void ListView::setWidths(const QList<int>& widths)
+{
+    for (int column = 0; column < header()->count(); ++column)
+        setColumnWidth(column, widths[column]);
+    sharesWidth = false;
 }
 
 void ListView::mousePressEvent(QMouseEvent* event)

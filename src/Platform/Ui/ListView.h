@@ -51,6 +51,10 @@ public:
     /// that there is not, none is selected.
     void selectRow(int row);
 
+    /// The widths of the columns in pixels; empty until the user has changed one.
+    QList<int> queryWidths() const;
+    void setWidths(const QList<int>& widths);
+
 Q_SIGNALS:
     /// The selection has changed, by whatever the user did, or he has clicked in the list, with any button, on a row or
     /// beside (which leaves none selected).
@@ -68,6 +72,7 @@ protected:
 private:
     void setUpHeader();
     void arrange();
+    void shareWidth();
     void copyNames() const;
 
     ListRows* rows;

@@ -183,9 +183,11 @@ void WizardSheet::go(LRESULT answer, int step)
 void WizardSheet::activate(int index)
 {
     WizardPage* page = pages[static_cast<std::size_t>(index)];
-    if (!page->initialised)
+    if (!page->initialised) {
         page->OnInitDialog();
-    page->initialised = true;
+        page->initialised = true;
+        OnPageMade(*page);
+    }
     stack->setCurrentIndex(index);
     band->setTexts(page->queryTitle(), page->querySubtitle());
     band->setVisible(page->queryLook() == WizardPage::Look::interior);
@@ -220,7 +222,8 @@ void WizardSheet::setVisible(bool visible)
         started = true;
         activate(static_cast<int>(startPage));
         const QSize frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight));
-        resize(sizeHint().boundedTo(screen()->availableSize() - frame));
+        if (!testAttribute(Qt::WA_Resized)) // by whoever knows better
+            resize(sizeHint().boundedTo(screen()->availableSize() - frame));
     }
     QDialog::setVisible(visible);
 }

@@ -75,6 +75,12 @@ public:
 protected:
     void changeEvent(QEvent* event) override;
 
+    /// A page has been shown for the first time; its controls have just been made.
+    virtual void OnPageMade(WizardPage& page) = 0;
+
+    /// Shows the page of that dialog id, whatever page is shown.
+    void showPage(int dialogId) { go(dialogId, 0); }
+
     /// The Help button or F1 on the page `dialogId`.
     virtual void OnHelp(int dialogId) = 0;
 
