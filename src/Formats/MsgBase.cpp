@@ -1,14 +1,19 @@
 #include "Formats/MsgBase.h"
 
+#include "Formats/TypeOrder.h"
 #include "Platform/Files/File.h"
 #include "Resources/StringTable.h"
 #include "Utils/QELApp.h"
 
-MsgBase::MsgBase(int mergeByName) : mergeByName(mergeByName) {}
+namespace {
+
+constexpr std::size_t kAhead = 8; // how far ahead a walk over all elements asks for their memory
+
+} // namespace
 
 MsgBase::~MsgBase()
 {
-    deleteElements();
+    clear();
 }
 
 int MsgBase::parseFile(const CString& fileName, const CString& basePath)
@@ -37,7 +42,7 @@ int MsgBase::parseData(const CString& data, const CString& basePath)
 int MsgBase::beginEnum()
 {
     enumPosition = 0;
-    return typeCount;
+    return orderedList.typeCount();
 }
 
 Element* MsgBase::enumNext()
@@ -97,9 +102,8 @@ void MsgBase::addUsage(const Fingerprint& usageKey, Element* element, Element* p
     } else {
         usages.store(std::pmr::polymorphic_allocator<>(&memory).new_object<ChildElement>(usageKey, element, parent));
     }
-    // Links go both ways, so the shorter list, the children, answers for the parents too.
-    if (parent && parent->addChild(element))
-        element->parents.append(parent, memory);
+    if (parent)
+        parent->link(element);
 }
 
 std::pair<Element*, bool> MsgBase::findOrMake(const CString& path, const CString& name, Element::ElementTypes type)
@@ -126,15 +130,9 @@ Element* MsgBase::newElement(const CString& path, const CString& name, Element::
 
 Element* MsgBase::own(Element* element)
 {
+    element->setNumber(static_cast<std::uint32_t>(ownedElements.size()));
     ownedElements.push_back(element);
     return element;
-}
-
-void MsgBase::deleteElements()
-{
-    for (Element* element : ownedElements)
-        element->~Element();
-    ownedElements.clear();
 }
 
 Element* MsgBase::addAttribute(const CString& usageKey, const CString& path, const CString& name,
@@ -150,10 +148,68 @@ void MsgBase::clear()
     elements.clear();
     usages.clear();
     orderedList.clear();
-    deleteElements();
+    for (Element* element : ownedElements)
+        element->~Element();
+    ownedElements.clear();
     memory.release();
-    enumPosition = kNoPosition;
-    typeCount = 0;
+    enumPosition = static_cast<std::size_t>(-1);
+}
+
+void MsgBase::onAfterParse()
+{
+    for (std::size_t i = 0; i < orderedList.size(); ++i)
+        orderedList[i]->setPlaced(false); // no other is
+    orderedList.clear();
+    makeTables();
+    TypeOrder order(orderedList, ownedElements);
+    for (std::size_t i = 0; i < usages.size(); ++i) {
+        if (i + kAhead < usages.size())
+            __builtin_prefetch(usages[i + kAhead]->element);
+        order.place(*usages[i]->element);
+    }
+}
+
+void MsgBase::orderList(Element* element)
+{
+    TypeOrder(orderedList, ownedElements).place(*element);
+}
+
+void MsgBase::makeTables()
+{
+    CString tableName;
+    for (std::size_t i = 0; i < usages.size(); ++i) {
+        if (i + kAhead < usages.size())
+            __builtin_prefetch(usages[i + kAhead]->element);
+        ChildElement* usage = usages[i];
+        Element* element = usage->element;
+        if (usage->instances <= 1 || element->isAttribute)
+            continue;
+        tableName.assign("t_").append(element->queryBaseName());
+        if (element->isPrimitive())
+            element->setPrimitiveType();
+        Element* table = findElement(tableName);
+        if (!table)
+            table = makeTable(*usage, tableName);
+        element->addParent(table);
+        usage->element = table;
+        usage->instances = 1;
+    }
+}
+
+Element* MsgBase::makeTable(ChildElement& usage, const CString& tableName)
+{
+    void* place = memory.allocate(sizeof(Element), alignof(Element));
+    Element* table = own(new (place) Element(*usage.element, &memory));
+    table->setName(tableName);
+    table->description.reset();
+    table->describeByName();
+    table->type = Element::typeTable;
+    table->addChild(usage.element);
+    table->addParent(usage.parent);
+    elements.store(table);
+    if (usage.parent)
+        usage.parent->toTable(usage.element, table);
+    return table;
 }
 
 int MsgBase::fail(const CString& text)

@@ -41,8 +41,8 @@ Element::Element(const CString& path, const CString& name, const CString& descri
 
 Element::Element(const Element& other, std::pmr::memory_resource* memory) :
     type(other.type), isAttribute(other.isAttribute), placed(other.placed), isDescribedByName(other.isDescribedByName),
-    name(other.name), knownType(other.knownType), path(other.path), baseName(copyOf(other.baseName)),
-    description(copyOf(other.description)), ownMemory(memory ? nullptr : newMemory()),
+    isKnown(other.isKnown), name(other.name), knownType(other.knownType), path(other.path),
+    baseName(copyOf(other.baseName)), description(copyOf(other.description)), ownMemory(memory ? nullptr : newMemory()),
     memory(memory ? memory : ownMemory.get())
 {}
 
@@ -75,11 +75,18 @@ void Element::setDescription(const CString& newDescription)
 
 void Element::addParent(Element* parent)
 {
+    isLinkedByHand = true;
     if (parent)
         parents.add(parent, *memory);
 }
 
 int Element::addChild(Element* child)
+{
+    isLinkedByHand = true;
+    return appendChild(child);
+}
+
+int Element::appendChild(Element* child)
 {
     if (!children.add(child, *memory))
         return 0;
@@ -88,17 +95,29 @@ int Element::addChild(Element* child)
     return 1;
 }
 
+// A common field has very many parents. As long as all links of the two go both ways, the children, the shorter list,
+// answer for the parents too.
+void Element::link(Element* child)
+{
+    const bool isNew = appendChild(child);
+    if (isLinkedByHand || child->isLinkedByHand)
+        child->parents.add(this, *child->memory);
+    else if (isNew)
+        child->parents.append(this, *child->memory);
+}
+
 void Element::toTable(Element* oldChild, Element* table)
 {
+    isLinkedByHand = true;
     children.replace(oldChild, table);
 }
 
 void Element::setPrimitiveType()
 {
     if (type == typeString)
-        knownType = "String";
+        setKnownType("String");
     else if (type == typeNumber)
-        knownType = "Number";
+        setKnownType("Number");
     else if (type == typeDate)
-        knownType = "Time";
+        setKnownType("Time");
 }

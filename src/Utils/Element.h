@@ -76,6 +76,7 @@ public:
     const CString& queryDescription() const;
     const CString& queryBaseName() const { return baseName ? *baseName : name; }
     const CString& queryKnownType() const { return knownType; }
+    bool hasKnownType() const { return isKnown; }
     const CString& querySize() const;
     ElementTypes queryType() const { return type; }
     int queryIsAttribute() const { return isAttribute; }
@@ -84,7 +85,11 @@ public:
 
     void setType(ElementTypes newType) { type = newType; }
     void setSize(const CString& newSize) { size = std::make_unique<CString>(newSize); }
-    void setKnownType(const CString& newKnownType) { knownType = newKnownType; }
+    void setKnownType(std::string_view newKnownType)
+    {
+        knownType = newKnownType;
+        isKnown = !newKnownType.empty();
+    }
     void asAttribute() { isAttribute = 1; }
 
     /// Does nothing for null or for a parent that is already listed.
@@ -110,6 +115,15 @@ public:
     /// The type that a table or an array holds, as its document names it.
     CString queryComponentType() const;
 
+    /// The mark of the ordering pass: whether the element stands in its model's list.
+    bool isPlaced() const { return placed; }
+    void setPlaced(bool isPlaced) { placed = isPlaced; }
+
+    /// Which of its model's elements this is, from 0; kNoNumber for one that stands in no model.
+    std::uint32_t queryNumber() const { return number; }
+    void setNumber(std::uint32_t newNumber) { number = newNumber; }
+    static constexpr std::uint32_t kNoNumber = 0xFFFFFFFF;
+
     /// True for the kinds that are written as documents of their own, 0 to 3.
     bool isTypeOfItsOwn() const { return type >= typeEnum && type <= typeTable; }
 
@@ -121,6 +135,8 @@ private:
     Element(SharedText path, const CString& name, ElementTypes type, std::pmr::memory_resource* memory);
     Element(const Element& other, std::pmr::memory_resource* memory);
 
+    int appendChild(Element* child);
+    void link(Element* child); // both ways
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
     void setName(const CString& newName);
@@ -134,12 +150,9 @@ private:
     std::uint8_t isAttribute = 0;
     std::uint8_t placed = 0;
     bool isDescribedByName = false; // by the generated description
-
-    // Where the ordering pass stands at this element: all parents before the first index and all children before the
-    // second are placed; `climb` is the last climb that came by.
-    std::uint32_t nextParent = 0;
-    std::uint32_t nextChild = 0;
-    std::uint32_t climb = 0;
+    bool isLinkedByHand = false;    // has got a parent or a child that need not have got it too
+    std::uint32_t number = kNoNumber;
+    bool isKnown = false; // has a known type
 
     CString name;
     ElementList children;

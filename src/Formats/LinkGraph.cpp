@@ -1,0 +1,42 @@
+#include "Formats/LinkGraph.h"
+
+LinkGraph::LinkGraph(std::span<Element* const> owned) :
+    elements(owned.begin(), owned.end()), ownedCount(owned.size()), links(owned.size())
+{
+    targets.reserve(4 * owned.size());
+}
+
+LinkGraph::~LinkGraph()
+{
+    for (std::size_t i = ownedCount; i < elements.size(); ++i)
+        elements[i]->setNumber(Element::kNoNumber);
+}
+
+void LinkGraph::read(Index index)
+{
+    if (links[index].areRead)
+        return;
+    const Element& element = *elements[index];
+    prefetch(element.queryParents());
+    prefetch(element.queryChildren());
+    Links read{static_cast<Index>(targets.size()), 0, 0, true};
+    for (Element* parent : element.queryParents())
+        targets.push_back(numberOf(parent));
+    read.children = static_cast<Index>(targets.size());
+    for (Element* child : element.queryChildren()) {
+        targets.push_back(numberOf(child));
+        read.hasKnownChild |= child->hasKnownType();
+    }
+    read.end = static_cast<Index>(targets.size());
+    links[index] = read;
+}
+
+LinkGraph::Index LinkGraph::numberOf(Element* element)
+{
+    if (element->queryNumber() >= elements.size()) {
+        element->setNumber(size());
+        elements.push_back(element);
+        links.emplace_back();
+    }
+    return element->queryNumber();
+}
