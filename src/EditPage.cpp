@@ -10,6 +10,7 @@
 #include "ReadingRow.h"
 #include "Resources/StringTable.h"
 #include "StructurePane.h"
+#include "Utils/FileMessage.h"
 #include "Utils/QELApp.h"
 
 #include <QAction>
@@ -196,7 +197,7 @@ void EditPage::view(const CString& name, const CString& text, DocumentWindow::Ki
     CString fileName;
     const FileCause cause = tempFiles.add(temporaryFolder(), text, fileName, isReport ? ".txt" : ".xml");
     if (cause != FileCause::none) {
-        stay(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)));
+        stay(cantOpen(fileName, cause));
         return;
     }
     showInViewer(fileName, this, [this, name, text, kind, isReport] {

@@ -1,10 +1,11 @@
 #include "OutputFile.h"
 
-#include "Platform/Files/File.h"
+#include "Platform/Files/AtomicFile.h"
 #include "Platform/Ui/FileDialog.h"
 #include "Platform/Ui/WaitCursor.h"
 #include "QELWizard.h"
 #include "Resources/StringTable.h"
+#include "Utils/FileMessage.h"
 
 OutputFile::OutputFile() :
     FilePage(IDD_OUTPUT_FILE, "Typeforge - Select output file", IDS_OUTPUT_FILE_TITLE, IDS_OUTPUT_FILE_SUBTITLE)
@@ -19,7 +20,7 @@ LRESULT OutputFile::OnWizardNext()
     if (file.queryCause() == FileCause::none)
         wizard->message->writeXML([&file](std::string_view text) { file.write(text); });
     if (const FileCause cause = file.commit(); cause != FileCause::none)
-        return stay(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)));
+        return stay(cantOpen(fileName, cause));
     wizard->script.output = absoluteName(fileName);
     wizard->setCurrentFolder(QELWizard::folderCWD);
     return IDD_FINISH;

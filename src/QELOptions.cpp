@@ -1,5 +1,6 @@
 #include "QELOptions.h"
 
+#include "Platform/Files/UserFolders.h"
 #include "Platform/Secret.h"
 #include "Platform/Ui/UiText.h"
 #include "Utils/registry.h"
@@ -7,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <pwd.h>
 #include <unistd.h>
 
 namespace {
@@ -28,12 +28,6 @@ CString currentFolder()
 {
     std::array<char, kMaxPath> folder = {};
     return ::getcwd(folder.data(), folder.size()) != nullptr ? folder.data() : CString();
-}
-
-CString loginName()
-{
-    const passwd* user = ::getpwuid(::geteuid());
-    return user != nullptr ? CString(user->pw_name).substr(0, kMaxPath) : CString();
 }
 
 std::optional<CString> queryText(const char* key, const char* name)
@@ -75,7 +69,7 @@ void QELOptions::getValues()
     FillFromReg(inputFiles, kInputFilesKey);
     FillFromReg(outputFiles, kOutputFilesKey);
     FillFromReg(users, kUsersKey);
-    if (const CString name = loginName(); !name.empty())
+    if (const CString name = loginName().substr(0, kMaxPath); !name.empty())
         AddUnique(name, users, 1);
     FillFromReg(brokerAddresses, kBrokersKey);
     if (const auto address = queryText(kVendorKey, "ServerAddress"))

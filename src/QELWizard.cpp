@@ -135,5 +135,5 @@ void QELWizard::OnHelp(int dialogId)
 
 void QELWizard::OnPageError(const std::exception& error)
 {
-    theApp.Error(error.what(), IDS_ERROR_TITLE);
+    theApp.Error(wordsOf(error), IDS_ERROR_TITLE);
 }

@@ -4,7 +4,9 @@
 
 #include <dlfcn.h>
 #include <filesystem>
+#include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace {
 
@@ -21,17 +23,27 @@ CString shippedLibrary()
     return program / TYPEFORGE_CLIENT_FOLDER / kShippedClient;
 }
 
+// A library runs as the user, so it has to be the user's own, or the system's.
+bool isTrusted(const CString& library)
+{
+    struct stat state = {};
+    return library.starts_with('/') && ::stat(library.c_str(), &state) == 0 &&
+           (state.st_uid == 0 || state.st_uid == ::geteuid());
+}
+
+// "" for a setting that names none which may be loaded.
 CString libraryOf(const CString& classId)
 {
     SettingsValue named;
     if (SettingsStore().getValue("SOFTWARE\\Classes\\CLSID\\" + classId + "\\InprocServer32", "", named))
-        return named.bytes.c_str(); // the bytes end with a zero
+        return isTrusted(named.bytes.c_str()) ? named.bytes.c_str() : ""; // the bytes end with a zero
     return shippedLibrary();
 }
 
 std::shared_ptr<void> openLibrary(const CString& fileName)
 {
-    void* const handle = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
+    // An empty name would stand for the program itself.
+    void* const handle = fileName.empty() ? nullptr : dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle)
         return {};
     return {handle, [](void* opened) { dlclose(opened); }};

@@ -2,10 +2,10 @@
 
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
-#include "Cli/Import.h"
 #include "Cli/Output.h"
+#include "Cli/Report.h"
 #include "Platform/Secret.h"
-#include "Resources/StringTable.h"
+#include "Utils/FileMessage.h"
 #include "Utils/ServerAddress.h"
 
 #include <CLI/CLI.hpp>
@@ -108,7 +108,7 @@ int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptio
     };
     const int errors = CreationRun(session, {choice, addLine, [](int) {}}).run(message);
     if (cause != FileCause::none)
-        report(formatText(loadText(IDS_CANT_OPEN), "standard output", static_cast<unsigned>(cause)));
+        report(cantOpen("standard output", cause));
     if (errors != 0 || cause != FileCause::none)
         return kFailed;
     return leftAlone ? kSomeLeftAlone : 0;

@@ -1,9 +1,9 @@
 #include "Cli/FullReading.h"
 
-#include "Cli/Import.h"
+#include "Cli/Report.h"
 #include "Formats/FullMessage.h"
-#include "Platform/Files/File.h"
-#include "Resources/StringTable.h"
+#include "Platform/Files/AtomicFile.h"
+#include "Utils/FileMessage.h"
 
 #include <CLI/CLI.hpp>
 
@@ -45,11 +45,11 @@ bool writeReport(const FullMessage& message, const FullOptions& options)
         message.queryReport().write([](std::string_view piece) { std::fwrite(piece.data(), 1, piece.size(), stderr); });
         return true;
     }
-    AtomicFile file(options.report);
+    AtomicFile file(options.report, AtomicFile::Special::written);
     message.queryReport().write([&file](std::string_view piece) { file.write(piece); });
     const FileCause cause = file.commit();
     if (cause != FileCause::none)
-        report(formatText(loadText(IDS_CANT_OPEN), options.report.c_str(), static_cast<unsigned>(cause)));
+        report(cantOpen(options.report, cause));
     return cause == FileCause::none;
 }
 

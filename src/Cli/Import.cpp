@@ -1,13 +1,12 @@
 #include "Cli/Import.h"
 
 #include "Cli/Output.h"
+#include "Cli/Report.h"
 #include "Cli/TableSource.h"
 #include "Formats/FullMessage.h"
 #include "Formats/SourceUses.h"
 #include "Platform/MessageBox.h"
-#include "Resources/StringTable.h"
-
-#include <cstdio>
+#include "Utils/FileMessage.h"
 
 namespace {
 
@@ -66,16 +65,11 @@ bool writeResult(MsgBase& message, const Arguments& arguments)
     if (cause == FileCause::none)
         return true;
     const CString target = arguments.output.empty() ? "standard output" : arguments.output;
-    report(formatText(loadText(IDS_CANT_OPEN), target.c_str(), static_cast<unsigned>(cause)));
+    report(cantOpen(target, cause));
     return false;
 }
 
 } // namespace
-
-void report(const CString& text)
-{
-    std::fprintf(stderr, "typeforge-import: %s\n", text.c_str());
-}
 
 int runImport(const Arguments& arguments)
 {

@@ -5,6 +5,3 @@
 /// Runs one import and writes what was asked for. The exit status: 0, or 1 when the import or the output failed, which
 /// has then been reported.
 int runImport(const Arguments& arguments);
-
-/// Writes one line to standard error, under the program's name.
-void report(const CString& text);

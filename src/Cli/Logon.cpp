@@ -3,7 +3,7 @@
 #include "Platform/Files/File.h"
 #include "Platform/Secret.h"
 #include "Platform/Terminal.h"
-#include "Resources/StringTable.h"
+#include "Utils/FileMessage.h"
 
 #include <CLI/CLI.hpp>
 
@@ -31,8 +31,7 @@ void readPassword(const LogonOptions& options, CString& password)
         return;
     }
     if (const FileCause cause = readFile(options.passwordFile, password); cause != FileCause::none)
-        throw std::runtime_error(
-            formatText(loadText(IDS_CANT_OPEN), options.passwordFile.c_str(), static_cast<unsigned>(cause)));
+        throw std::runtime_error(cantOpen(options.passwordFile, cause));
     const std::size_t length = password.find_first_of("\r\n"); // the rest of what was read is wiped
     Secret line{CString(std::string_view(password).substr(0, length))};
     wipe(password);

@@ -5,8 +5,8 @@
 
 Output::Output(const CString& fileName)
 {
-    if (!fileName.empty())
-        file = std::make_unique<AtomicFile>(fileName);
+    if (!fileName.empty() && fileName != "/dev/stdout")
+        file = std::make_unique<AtomicFile>(fileName, AtomicFile::Special::written);
 }
 
 void Output::write(std::string_view bytes)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Files/File.h"
+#include "Platform/Files/AtomicFile.h"
 
 #include <memory>
 
@@ -8,7 +8,7 @@
 class Output
 {
 public:
-    /// "" stands for standard output.
+    /// "" stands for standard output, as does /dev/stdout, so that a file behind it is added to.
     explicit Output(const CString& fileName);
 
     void write(std::string_view bytes);

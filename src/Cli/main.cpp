@@ -1,17 +1,15 @@
 #include "Cli/Import.h"
-
-#include <exception>
+#include "Cli/Report.h"
+#include "Utils/QELApp.h"
 
 int main(int argc, char** argv)
 {
-    Arguments arguments;
-    int exitStatus = 0;
-    if (!parseArguments(argc, argv, arguments, exitStatus))
-        return exitStatus;
     try {
-        return runImport(arguments);
+        Arguments arguments;
+        int exitStatus = 0;
+        return parseArguments(argc, argv, arguments, exitStatus) ? runImport(arguments) : exitStatus;
     } catch (const std::exception& error) {
-        report(error.what());
+        report(wordsOf(error));
         return 1;
     }
 }

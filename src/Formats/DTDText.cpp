@@ -1,14 +1,11 @@
 #include "Formats/DTDText.h"
 
+#include "Platform/Text.h"
+
 #include <algorithm>
 #include <array>
 
 namespace {
-
-constexpr char upper(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
 
 // How far a pattern can be moved on when the text's character under its last place is the index (Horspool's rule).
 constexpr std::array<unsigned char, 256> shiftsOf(std::string_view word)
@@ -30,7 +27,7 @@ std::size_t findWord(std::string_view text, std::size_t from, std::string_view w
     const std::size_t last = word.size() - 1;
     for (std::size_t at = from; at < text.size() && text.size() - at > last;) {
         if (std::equal(word.begin(), word.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
-                       [](char a, char b) { return a == upper(b); }))
+                       [](char a, char b) { return a == upperAscii(b); }))
             return at;
         at += shifts[static_cast<unsigned char>(text[at + last])];
     }

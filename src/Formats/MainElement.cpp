@@ -15,7 +15,7 @@ bool isLetterOrDigit(char c)
 
 bool isSameLetter(char a, char b)
 {
-    return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+    return lowerAscii(a) == lowerAscii(b);
 }
 
 // Whether `name` stands in `text` as a word of its own, in any case.

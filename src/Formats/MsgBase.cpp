@@ -2,7 +2,8 @@
 
 #include "Formats/TypeOrder.h"
 #include "Platform/Files/File.h"
-#include "Resources/StringTable.h"
+#include "Resources/StringIds.h"
+#include "Utils/FileMessage.h"
 #include "Utils/QELApp.h"
 
 namespace {
@@ -23,7 +24,7 @@ int MsgBase::parseFile(const CString& fileName, const CString& basePath)
     if (!isFileMode()) {
         const FileCause cause = readFile(fileName, source);
         if (cause != FileCause::none)
-            return fail(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)));
+            return fail(cantOpen(fileName, cause));
     }
     const int result = parse(isFileMode() ? fileName : source, basePath, fileName);
     source = {}; // the ordering needs room of its own

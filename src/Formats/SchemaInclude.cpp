@@ -1,20 +1,20 @@
 #include "Formats/SchemaCache.h"
 #include "Formats/SchemaMsg.h"
+#include "Utils/FileMessage.h"
 #include "Utils/XMLDoc.h"
 
 // What the schema's other documents bring in.
 
-/// Reads the schema and the documents that it names into the table: first the top-level elements of each, then the
+/// Takes the schema and the documents that it names into the table: first the top-level elements of each, then the
 /// complex types. A schema with a target namespace doesn't get that far. True when the schema stands alone and reading
 /// it once more would give the same table again, and nothing to show.
-bool SchemaMessage::getSchemaIncludeList(const CString& fileName, Outlines& outlines)
+bool SchemaMessage::getSchemaIncludeList(Outlines& outlines)
 {
     const SchemaOutline& main = outlines.front();
     const bool hadRootType = !rootTypeName.empty();
     setMainType(getRootTag(main));
     if (main.hasTargetNamespace())
         return false;
-    readIncluded(fileName, outlines);
     std::size_t declarations = 0;
     for (const SchemaOutline& outline : outlines)
         declarations += outline.size();
@@ -30,17 +30,22 @@ bool SchemaMessage::getSchemaIncludeList(const CString& fileName, Outlines& outl
     return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
 }
 
-/// Reads the documents that the schema names, behind its own outline.
-void SchemaMessage::readIncluded(const CString& fileName, Outlines& outlines)
+/// Reads the documents that the schema names, behind its own outline. What is missing or not well-formed is left out;
+/// what is there and can't be read fails the import, with message 2210.
+bool SchemaMessage::readIncluded(const CString& fileName, Outlines& outlines)
 {
     SchemaCache cache;
     cache.add(fileName, outlines.front().locations());
     while (const auto file = cache.next()) {
-        if (XmlDocument().streamFile(*file, outlines.emplace_back()))
+        XmlDocument document;
+        if (document.streamFile(*file, outlines.emplace_back()))
             cache.add(*file, outlines.back().locations());
+        else if (document.querySystemError() != 0)
+            return fail(cantOpen(*file, fileCauseOf(document.querySystemError()))) != 0;
         else
             outlines.pop_back();
     }
+    return true;
 }
 
 /// Makes what the include pass has read the include table, and leaves the element table empty.

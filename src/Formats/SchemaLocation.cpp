@@ -1,6 +1,7 @@
 #include "Formats/SchemaLocation.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <set>
 #include <sys/stat.h>
@@ -8,15 +9,6 @@
 namespace {
 
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-
-CString lowerCase(std::string_view text)
-{
-    CString lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return lower;
-}
 
 int hexDigit(char c)
 {
@@ -58,7 +50,7 @@ bool dropHost(std::string_view& reference)
     if (!reference.starts_with("//"))
         return true;
     const std::size_t end = std::min(reference.find('/', 2), reference.size());
-    const CString host = lowerCase(reference.substr(2, end - 2));
+    const CString host = lowerAscii(reference.substr(2, end - 2));
     reference.remove_prefix(end);
     return host.empty() || host == "localhost";
 }
@@ -66,6 +58,12 @@ bool dropHost(std::string_view& reference)
 FileId idOf(const struct stat& status)
 {
     return {status.st_dev, status.st_ino};
+}
+
+/// True for the errors that say that there is nothing; after the others there may be something that can't be looked at.
+bool meansMissing(int error)
+{
+    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
 bool isFolderLink(std::string_view component)
@@ -81,7 +79,7 @@ CString localPath(std::string_view reference)
     std::replace(slashed.begin(), slashed.end(), '\\', '/');
     std::string_view rest = std::string_view(slashed).substr(0, slashed.find_first_of("?#"));
     if (const std::string_view scheme = schemeOf(rest); !scheme.empty()) {
-        if (lowerCase(scheme) != "file")
+        if (lowerAscii(scheme) != "file")
             return {};
         rest.remove_prefix(scheme.size() + 1);
     }
@@ -117,9 +115,12 @@ std::optional<FoundFile> FileFinder::find(const CString& folder, const CString& 
         return std::nullopt;
     const CString name = path.starts_with('/') ? path : folder + path;
     struct stat status;
-    if (stat(name.c_str(), &status) != 0)
-        return findInAnyCase(folder, path);
-    return S_ISREG(status.st_mode) ? std::optional(FoundFile{name, idOf(status)}) : std::nullopt;
+    if (stat(name.c_str(), &status) == 0)
+        return S_ISREG(status.st_mode) ? std::optional(FoundFile{name, idOf(status)}) : std::nullopt;
+    isBlind |= !meansMissing(errno);
+    if (auto found = findInAnyCase(folder, path))
+        return found;
+    return isBlind ? std::optional(FoundFile{name, {}}) : std::nullopt;
 }
 
 /// Goes through the path component by component with every folder that it can mean so far. Those are told apart by what
@@ -151,6 +152,7 @@ std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, s
         const CString prefix = folder.name.ends_with('/') ? folder.name : folder.name + '/';
         for (const CString& name : namesLike(folder, component)) {
             const auto id = identify(prefix + name);
+            isBlind |= !id && !meansMissing(errno);
             if (id && met.insert(*id).second)
                 found.push_back({prefix + name, *id});
         }
@@ -163,7 +165,7 @@ std::vector<CString> FileFinder::namesLike(const FoundFile& folder, std::string_
     if (isFolderLink(component))
         return {CString(component)};
     std::vector<CString> names;
-    const auto [first, last] = list(folder).equal_range(lowerCase(component));
+    const auto [first, last] = list(folder).equal_range(lowerAscii(component));
     for (auto name = first; name != last; ++name)
         names.push_back(name->second);
     // The name as it was given comes first.
@@ -181,8 +183,10 @@ const FileFinder::Names& FileFinder::list(const FoundFile& folder)
         for (std::filesystem::directory_iterator entry(folder.name, failure), end; !failure && entry != end;
              entry.increment(failure)) {
             const CString name = entry->path().filename().string();
-            listing->second.emplace(lowerCase(name), name);
+            listing->second.emplace(lowerAscii(name), name);
         }
+        // A folder that may not be listed may still have given the file by its own name.
+        isBlind |= failure && !meansMissing(failure.value()) && failure.value() != EACCES;
     }
     return listing->second;
 }

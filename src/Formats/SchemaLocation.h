@@ -27,9 +27,10 @@ struct FoundFile
 class FileFinder
 {
 public:
-    /// The regular file `path`, relative to `folder` (which ends in a slash) or absolute. When there is none, the
-    /// first one, in the order of the bytes of its path, whose name differs only in the case of ASCII letters. Nothing
-    /// else is ever opened: no folder, device or pipe.
+    /// The regular file `path`, relative to `folder` (which ends in a slash) or absolute. When there is none, the one
+    /// whose name differs only in the case of ASCII letters; of several the first one by its folders and its name from
+    /// the left, each as given before all others, those in the order of their bytes. Nothing else is ever opened: no
+    /// folder, device or pipe. What the system doesn't let us look at counts as found, since it may be there.
     std::optional<FoundFile> find(const CString& folder, const CString& path);
 
 private:
@@ -41,6 +42,7 @@ private:
     const Names& list(const FoundFile& folder);
 
     std::map<FileId, Names> listings; // each folder is read once
+    bool isBlind = false;             // the system has kept something from us
 };
 
 /// The folder that a file lies in, links resolved, with a final slash.

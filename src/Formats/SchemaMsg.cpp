@@ -19,9 +19,11 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
     const SchemaOutline& main = outlines.emplace_back();
     if (!document.streamFile(source, outlines.front()))
         return fail(document.queryParseError());
+    if (!fileName.empty() && !main.hasTargetNamespace() && !readIncluded(fileName, outlines))
+        return 0;
     earlierMainType = mainType;
     mainName = earlierMainType;
-    const bool isRead = !fileName.empty() && getSchemaIncludeList(fileName, outlines);
+    const bool isRead = !fileName.empty() && getSchemaIncludeList(outlines);
     if (!isRead) {
         copyElementList();
         setMainType(getRootTag(main));

@@ -53,8 +53,8 @@ private:
     void forget();
 
     // The include pass and what comes of it.
-    bool getSchemaIncludeList(const CString& fileName, Outlines& outlines);
-    void readIncluded(const CString& fileName, Outlines& outlines);
+    bool getSchemaIncludeList(Outlines& outlines);
+    bool readIncluded(const CString& fileName, Outlines& outlines);
     void copyElementList();
     void mergeLists();
     void pull(const Fingerprint& type);

@@ -1,5 +1,7 @@
 #include "Formats/SourceReport.h"
 
+#include "Platform/Utf8.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -38,12 +40,11 @@ static_assert(std::size(kWords) == SourceReport::constructCount);
 // The beginning of a name on one line, cut between two characters of UTF-8.
 CString shortened(std::string_view name)
 {
-    CString text(name.substr(0, kMaxName));
-    if (name.size() > kMaxName) {
-        while ((static_cast<unsigned char>(name[text.size()]) & 0xC0) == 0x80 && !text.empty())
-            text.pop_back();
+    std::string_view start = name.substr(0, kMaxName);
+    dropCutCharacter(start);
+    CString text(start);
+    if (name.size() > kMaxName)
         text += "...";
-    }
     std::replace_if(
         text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     return text;

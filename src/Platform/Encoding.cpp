@@ -1,7 +1,6 @@
 #include "Platform/Encoding.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <iconv.h>
 #include <memory>
@@ -79,9 +78,7 @@ std::string_view decodeText(std::string_view bytes, CString& room)
             return convert(bytes, mark.encoding, room) ? withoutControls(room, room) : withoutControls(bytes, room);
         }
     const CString declared = declaredEncoding(bytes);
-    const bool isUtf8 = declared.empty() || std::ranges::equal(declared, std::string_view("utf-8"), {}, [](char c) {
-                            return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-                        });
+    const bool isUtf8 = declared.empty() || isSameAscii(declared, "utf-8");
     if (!isUtf8 && convert(bytes, declared, room))
         return withoutControls(room, room);
     return withoutControls(bytes, room);

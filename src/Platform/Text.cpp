@@ -1,5 +1,8 @@
 #include "Platform/Text.h"
 
+#include "Platform/Utf8.h"
+
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
@@ -7,7 +10,6 @@
 
 namespace {
 
-constexpr char32_t kInvalid = 0xFFFFFFFF;
 constexpr char32_t kReplacement = 0xFFFD;
 
 // Windows-1252 for 0x80 to 0x9F; the five bytes it leaves open are the C1 controls of the same value.
@@ -15,49 +17,6 @@ constexpr std::array<char16_t, 32> kWindows1252 = {0x20AC, 0x0081, 0x201A, 0x019
                                                    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                                    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                                    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-// Decodes one character at `at` and moves past it. kInvalid, and no move, where the bytes are no UTF-8 (overlong forms
-// and surrogates included, as in RFC 3629).
-char32_t decodeUtf8(std::string_view text, std::size_t& at)
-{
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byte(at);
-    if (lead < 0x80)
-        return static_cast<unsigned char>(text[at++]);
-    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() - at < length)
-        return kInvalid;
-    char32_t code = lead & (0x7F >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(at + i) & 0xC0) != 0x80)
-            return kInvalid;
-        code = code << 6 | (byte(at + i) & 0x3F);
-    }
-    const bool overlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
-    if (overlong || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
-        return kInvalid;
-    at += length;
-    return code;
-}
-
-void appendUtf8(CString& out, char32_t code)
-{
-    if (code < 0x80) {
-        out += static_cast<char>(code);
-    } else if (code < 0x800) {
-        out += static_cast<char>(0xC0 | code >> 6);
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        out += static_cast<char>(0xE0 | code >> 12);
-        out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | code >> 18);
-        out += static_cast<char>(0x80 | (code >> 12 & 0x3F));
-        out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    }
-}
 
 bool isXmlChar(char32_t code)
 {
@@ -118,14 +77,6 @@ Eight specials(Eight eight)
     return controls | others | ampersandOrQuote | angles;
 }
 
-bool isUtf8(std::string_view bytes)
-{
-    for (std::size_t at = 0; at < bytes.size();)
-        if (decodeUtf8(bytes, at) == kInvalid)
-            return false;
-    return true;
-}
-
 } // namespace
 
 std::string_view trimmed(std::string_view text, std::string_view set)
@@ -134,6 +85,28 @@ std::string_view trimmed(std::string_view text, std::string_view set)
     if (first == std::string_view::npos)
         return text.substr(0, 0);
     return text.substr(first, text.find_last_not_of(set) - first + 1);
+}
+
+CString lowerAscii(std::string_view text)
+{
+    CString lower(text);
+    for (char& c : lower)
+        c = lowerAscii(c);
+    return lower;
+}
+
+CString upperAscii(std::string_view text)
+{
+    CString upper(text);
+    for (char& c : upper)
+        c = upperAscii(c);
+    return upper;
+}
+
+bool isSameAscii(std::string_view a, std::string_view b)
+{
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
 }
 
 CString formatText(const char* format, ...)
@@ -194,7 +167,7 @@ bool isXmlText(std::string_view bytes)
             }
         }
         const char32_t code = decodeUtf8(bytes, at);
-        if (code == kInvalid || !isXmlChar(code))
+        if (code == kNoUtf8 || !isXmlChar(code))
             return false;
     }
     return true;
@@ -234,7 +207,7 @@ bool isXmlName(std::string_view text)
     for (std::size_t at = 0; at < text.size();) {
         const bool isFirst = at == 0;
         const char32_t code = decodeUtf8(text, at);
-        if (code == kInvalid || (!isIn(kNameStart, code) && (isFirst || !isIn(kNameRest, code))))
+        if (code == kNoUtf8 || (!isIn(kNameStart, code) && (isFirst || !isIn(kNameRest, code))))
             return false;
     }
     return !text.empty();

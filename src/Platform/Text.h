@@ -20,6 +20,21 @@ inline constexpr std::string_view kWhitespace = " \t\n\r\v\f";
 /// `text` without the characters of `set` at either end; a view into `text`.
 std::string_view trimmed(std::string_view text, std::string_view set = kWhitespace);
 
+/// Letters of ASCII in the other case; every other byte stays, so that UTF-8 does.
+constexpr char lowerAscii(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+constexpr char upperAscii(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+CString lowerAscii(std::string_view text);
+CString upperAscii(std::string_view text);
+
+/// True for texts that differ in nothing but the case of ASCII letters.
+bool isSameAscii(std::string_view a, std::string_view b);
+
 /// printf into a text of any length.
 [[gnu::format(printf, 1, 2)]] CString formatText(const char* format, ...);
 

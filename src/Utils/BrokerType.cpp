@@ -40,6 +40,11 @@ BrokerTypeDescription::BrokerTypeDescription(std::string_view name, std::string_
         text.attribute(" DESCRIPTION=\"", description);
 }
 
+BrokerTypeDescription::BrokerTypeDescription(std::string_view name, std::string_view description,
+                                             std::string_view path) :
+    BrokerTypeDescription(name, description, path, ownText)
+{}
+
 int BrokerTypeDescription::addRow()
 {
     return openContent("ROW", stateRow);

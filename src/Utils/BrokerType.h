@@ -15,6 +15,11 @@ public:
     /// is written into `text`, which must outlive the builder; what it held is lost.
     BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path, XmlText& text);
 
+    /// The same with a text of its own.
+    BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path);
+    BrokerTypeDescription(const BrokerTypeDescription&) = delete;
+    BrokerTypeDescription& operator=(const BrokerTypeDescription&) = delete;
+
     /// An empty ROW, which takes fields.
     int addRow();
     int addField(std::string_view name, std::string_view description, std::string_view type);
@@ -48,6 +53,7 @@ private:
     void openItem(const char (&tag)[N], std::string_view name, std::string_view description);
     void addComponent(std::string_view componentType);
 
+    XmlText ownText;
     XmlText& text;            // all but the end; the tag written last is still without its '>'
     std::string_view content; // the tag of the content element
     bool hasItems = false;

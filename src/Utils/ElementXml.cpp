@@ -16,8 +16,8 @@ std::string_view generated(std::string_view name, CString& room)
 
 void Element::asXML(CString& out)
 {
-    static thread_local XmlText text; // an import asks for very many types in a row: kept for their room
-    static thread_local CString description, fieldType;
+    static XmlText text; // an import asks for very many types in a row: kept for their room
+    static CString description, fieldType;
     const auto describe = [](const Element& element) {
         return element.isDescribedByName ? generated(element.name, description)
                                          : std::string_view(element.queryDescription());

@@ -3,6 +3,9 @@
 #include "Platform/MessageBox.h"
 #include "Resources/StringTable.h"
 
+#include <new>
+#include <stdexcept>
+
 CQELApp theApp;
 
 void CQELApp::Error(UINT textId, UINT titleId)
@@ -13,4 +16,11 @@ void CQELApp::Error(UINT textId, UINT titleId)
 void CQELApp::Error(const CString& text, UINT titleId, const CString& details)
 {
     showMessageBox(text, loadText(titleId), details);
+}
+
+const char* wordsOf(const std::exception& error)
+{
+    const bool isMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
+    const bool isLength = dynamic_cast<const std::length_error*>(&error) != nullptr; // more than could ever be there
+    return isMemory || isLength ? "There is not enough memory" : error.what();
 }

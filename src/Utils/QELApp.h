@@ -2,6 +2,8 @@
 
 #include "Platform/Text.h"
 
+#include <exception>
+
 /// The application object. One exists for the whole process, `theApp`, with or without a window.
 class CQELApp
 {
@@ -23,3 +25,6 @@ public:
 };
 
 extern CQELApp theApp;
+
+/// What an exception says to the user. Takes no memory, so that it can say that there is none.
+const char* wordsOf(const std::exception& error);

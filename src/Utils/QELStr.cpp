@@ -1,5 +1,7 @@
 #include "Utils/QELStr.h"
 
+#include "Platform/Text.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdarg>
@@ -21,16 +23,6 @@ std::string_view viewOf(const QELString& s)
 int indexOf(std::size_t position)
 {
     return position == std::string_view::npos ? -1 : static_cast<int>(position);
-}
-
-char toLower(char ch)
-{
-    return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
-}
-
-char toUpper(char ch)
-{
-    return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
 }
 
 // `text` without the characters of `set` at its start, and at its end. A table knows the set here as in strspn, so
@@ -312,19 +304,19 @@ void QELString::cutr(unsigned int n)
 
 void QELString::lowerCase()
 {
-    std::transform(text, text + length(), text, toLower);
+    std::transform(text, text + length(), text, [](char c) { return lowerAscii(c); });
 }
 
 void QELString::upperCase()
 {
-    std::transform(text, text + length(), text, toUpper);
+    std::transform(text, text + length(), text, [](char c) { return upperAscii(c); });
 }
 
 void QELString::initial()
 {
     lowerCase();
     char& first = text[std::strspn(text, " ")];
-    first = toUpper(first);
+    first = upperAscii(first);
 }
 
 int QELString::splitl(char sep, QELString& left, QELString& right) const

@@ -30,6 +30,7 @@ IXMLDOMElement XmlDocument::getElement() const
 int XmlDocument::setError(const IXMLDOMParseError& error, bool failed)
 {
     errorText.clear();
+    systemError = error.systemError;
     if (failed)
         errorText = formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(error.line),
                                static_cast<long>(error.linepos), error.reason.c_str());

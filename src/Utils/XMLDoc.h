@@ -26,9 +26,13 @@ public:
     /// Message 2207 with line, column and reason of the last failure; empty after a success.
     const CString& queryParseError() const { return errorText; }
 
+    /// What kept the system from reading the file at the last failure, as an errno value; 0 when it was the document.
+    int querySystemError() const { return systemError; }
+
 private:
     int setError(const IXMLDOMParseError& error, bool failed);
 
     IXMLDOMDocument document;
     CString errorText;
+    int systemError = 0;
 };

@@ -32,6 +32,9 @@ protected:
     {
         folder.write("r.dtd", "<!ELEMENT r (a, b+)>");
         folder.write("old", "old");
+        for (int i = 0; i < 2000; ++i)
+            wide += ",a" + std::to_string(i);
+        wide += ")>";
     }
 
     Answer run(const std::string& line) const { return runShell(folder, line); }
@@ -49,6 +52,7 @@ protected:
     }
 
     TempDir folder;
+    std::string wide = "<!ELEMENT r (a"; // a type of 150 kB
 };
 
 struct Case
@@ -106,8 +110,18 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd r.dtd -o /dev/full", {1, "", says("Can't open file /dev/full, error = 13")}},
         {"$import dtd r.dtd >/dev/full", {1, "", says("Can't open file standard output, error = 13")}},
         {"$import dtd r.dtd >&-", {1, "", says("Can't open file standard output, error = 6")}},
+        // Pipes are read and written, and what standard output leads to is added to.
+        {"cat r.dtd | $import dtd /dev/stdin -l -o /dev/stdout | cat", {0, kList, ""}},
+        {"mkfifo p q; cat r.dtd >p & cat q & $import dtd p -l -o q; wait", {0, kList, ""}},
+        {"echo >new; $import dtd r.dtd -l -o /dev/stdout >>new; cat new", {0, "\n" + kList, ""}},
+        // A large piece behind small ones.
+        {"export SOURCE_DATE_EPOCH=0; $import dtd wide >a; $import dtd wide -o b; cmp a b", {0, "", ""}},
+        {"$import dtd /dev/zero", {1, "", says("Can't open file /dev/zero, error = 1")}},
+        {"$import xml /dev/zero",
+         {1, "", says("Error on line 0, column 0.\nError text is 'Operation not supported'.")}},
         {"$import --version", {0, "typeforge-import " TYPEFORGE_VERSION "\n", ""}},
     };
+    folder.write("wide", wide);
     for (const Case& row : rows)
         EXPECT_EQ(run(row.line), row.answer) << row.line;
 }
@@ -135,10 +149,7 @@ TEST_F(ImportCommand, FailureLeavesNoFile)
         {full + "$import dtd wide -o old", "Can't open file old, error = 13"},
         {full + "$import dtd wide -o new", "Can't open file new, error = 13"},
     };
-    std::string fields = "a";
-    for (int i = 0; i < 1000; ++i)
-        fields += ",a" + std::to_string(i);
-    folder.write("wide", "<!ELEMENT r (" + fields + ")>");
+    folder.write("wide", wide);
     for (const auto& [line, error] : rows) {
         EXPECT_EQ(run(line), (Answer{1, "", says(error)})) << line;
         EXPECT_EQ(TempDir::read(folder.path("old")), "old") << line;
@@ -146,17 +157,28 @@ TEST_F(ImportCommand, FailureLeavesNoFile)
     }
 }
 
-TEST_F(ImportCommand, DoesNotReplaceAReadOnlyFile)
+// What may not be written stays; what may, in a folder that may not, is written where it stands.
+TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
 {
-    // Root may write it all the same, so root becomes somebody else, with a program that anybody can reach.
+    // Root may do it all, so root becomes somebody else, with a program that anybody can reach.
     fs::copy_file(TEST_BUILD_DIR "/typeforge-import", folder.path("import"));
-    fs::permissions(folder.path(), fs::perms::all);
-    fs::permissions(folder.path("old"), fs::perms::owner_read | fs::perms::others_read);
     const std::string somebody = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
-    const Answer refused{1, "", says("Can't open file old, error = 5")};
-    EXPECT_EQ(run(somebody + "./import dtd r.dtd -o old"), refused);
-    EXPECT_EQ(TempDir::read(folder.path("old")), "old");
-    EXPECT_EQ(names(), "import old r.dtd ");
+    const auto refused = [](const std::string& name) { return says("Can't open file " + name + ", error = 5"); };
+    const struct
+    {
+        std::string line;
+        Answer answer;
+    } rows[] = {
+        {"chmod 777 .; chmod 444 old; $as ./import dtd r.dtd -o old; cat old", {0, "old", refused("old")}},
+        {"chmod 555 .; chmod 666 old; $as ./import dtd r.dtd -o new", {1, "", refused("new")}},
+        {"seq 1000 >old; $as ./import dtd r.dtd -l -o old; cat old", {0, kList, ""}},
+        {"printf old >old; $as sh -c 'ulimit -f 1; trap \"\" XFSZ; ./import dtd wide -o old'; cat old; chmod 755 .",
+         {0, "old", says("Can't open file old, error = 13")}},
+    };
+    folder.write("wide", wide);
+    for (const auto& [line, answer] : rows)
+        EXPECT_EQ(run("as='" + somebody + "'; " + line), answer) << line;
+    EXPECT_EQ(names(), "import old r.dtd wide ");
 }
 
 TEST_F(ImportCommand, ReplacesWhatALinkNamesAndKeepsItsPermissions)

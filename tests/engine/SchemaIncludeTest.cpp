@@ -143,6 +143,7 @@ TEST_F(SchemaInclude, LocationIsAUriReferenceOfALocalFile)
     };
     for (const auto& [reference, path] : kPaths)
         EXPECT_EQ(localPath(reference), path) << reference;
+    EXPECT_EQ(folderOf("/x.xsd"), "/");
 }
 
 } // namespace

@@ -15,16 +15,6 @@ namespace {
 // MariaDB's driver takes the login timeout from the connection string alone; others pass over words they don't know.
 constexpr std::string_view kTimeLimits = "CONN_TIMEOUT=15;";
 
-char lower(char c)
-{
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-}
-
-bool isSame(std::string_view a, std::string_view b)
-{
-    return std::ranges::equal(a, b, {}, lower, lower);
-}
-
 // Where the value of a word stands in a connection string; empty where the word isn't there. The view is into the text.
 std::string_view valueOf(std::string_view connection, std::string_view word)
 {
@@ -34,7 +24,7 @@ std::string_view valueOf(std::string_view connection, std::string_view word)
         connection.remove_prefix(std::min(equals + 1, connection.size()));
         const bool braced = connection.starts_with('{');
         const std::size_t end = std::min(connection.find(';', braced ? connection.find('}') : 0), connection.size());
-        if (isSame(key, word))
+        if (isSameAscii(key, word))
             return connection.substr(0, end);
         connection.remove_prefix(std::min(end + 1, connection.size()));
     }
@@ -101,7 +91,7 @@ CString dataSourceText(const CString& name)
     std::vector<DataSource> sources;
     listDataSources(sources);
     const auto found =
-        std::ranges::find_if(sources, [&](const DataSource& source) { return isSame(source.name, name); });
+        std::ranges::find_if(sources, [&](const DataSource& source) { return isSameAscii(source.name, name); });
     if (found == sources.end())
         throw CDBException("IM002", 0, "There is no data source called " + name);
     const bool another = found->name != name && std::ranges::find(sources, name, &DataSource::name) != sources.end();

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <utility>
 
 namespace {
@@ -53,8 +52,7 @@ bool CDBException::isLogonRefused() const
         return true;
     if (!state.starts_with("08"))
         return false;
-    CString text = withoutNames(what());
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    const CString text = lowerAscii(withoutNames(what()));
     return std::ranges::any_of(kRefusals, [&text](const char* word) { return text.find(word) != text.npos; });
 }
 

@@ -2,6 +2,7 @@
 
 #include "Platform/Database/DriverCall.h"
 #include "Platform/Secret.h"
+#include "Platform/Utf8.h"
 
 #include <sql.h>
 #include <sqlext.h>
@@ -199,17 +200,4 @@ std::string_view driverText(const char* buffer, std::size_t capacity)
     if (text.size() == capacity - 1)
         dropCutCharacter(text);
     return trimmed(text);
-}
-
-void dropCutCharacter(std::string_view& text)
-{
-    std::size_t start = text.size(); // of the last character
-    while (start > 0 && text.size() - start < 4 && (text[start - 1] & 0xC0) == 0x80)
-        --start;
-    if (start == 0)
-        return;
-    const auto lead = static_cast<unsigned char>(text[--start]);
-    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
-    if (text.size() - start < length)
-        text.remove_suffix(text.size() - start);
 }

@@ -99,6 +99,3 @@ private:
 /// A driver's text out of a buffer, up to its zero: without the white space that drivers end it with, and without the
 /// last character where the buffer's end has cut it.
 std::string_view driverText(const char* buffer, std::size_t capacity);
-
-/// Takes a UTF-8 character that a cut has left incomplete off the end of `text`.
-void dropCutCharacter(std::string_view& text);

@@ -1,5 +1,7 @@
 #include "Platform/Database/Recordset.h"
 
+#include "Platform/Utf8.h"
+
 #include <sql.h>
 #include <sqlext.h>
 

@@ -1,17 +1,20 @@
 #include "Platform/Files/SettingsStore.h"
 
+#include "Platform/Files/AtomicFile.h"
 #include "Platform/Files/File.h"
+#include "Platform/Files/UserFolders.h"
+#include "Platform/Utf8.h"
 
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
 #include <filesystem>
 #include <limits>
-#include <pwd.h>
 #include <system_error>
-#include <unistd.h>
 
 using Json = nlohmann::ordered_json;
+
+constexpr std::uintmax_t kMaxFile = 4 << 20;
+constexpr const char* kLatin1 = "latin-1";
 
 struct SettingsStore::Document
 {
@@ -21,32 +24,59 @@ struct SettingsStore::Document
 
 namespace {
 
-// https://specifications.freedesktop.org/basedir/latest: a relative path counts as unset.
-CString settingsFolder()
-{
-    const char* configured = std::getenv("XDG_CONFIG_HOME");
-    if (configured != nullptr && configured[0] == '/')
-        return configured + CString("/typeforge");
-    const char* home = std::getenv("HOME");
-    if (home == nullptr || home[0] != '/') {
-        const passwd* user = ::getpwuid(::geteuid());
-        home = user != nullptr ? user->pw_dir : nullptr;
-    }
-    return home != nullptr ? home + CString("/.config/typeforge") : CString();
-}
-
-// Nothing of ours lies deeper than the values of a key. What does is dropped while it is read, so that no file can nest
-// deeper than the writer's recursion bears.
+// Nothing of ours lies deeper than the parts of a value. What does is dropped while it is read, so that no file can
+// nest deeper than the writer's recursion bears.
 Json parseSettings(const CString& text)
 {
-    const auto keep = [](int depth, Json::parse_event_t, Json&) { return depth <= 2; };
+    const auto keep = [](int depth, Json::parse_event_t, Json&) { return depth <= 3; };
     return Json::parse(text, keep, false);
+}
+
+// Opening anything but a regular file might wait for ever, and so might reading one that has no end in sight.
+bool isFitToRead(const CString& fileName)
+{
+    std::error_code failure;
+    const std::filesystem::file_status status = std::filesystem::status(fileName, failure);
+    return !std::filesystem::exists(status) ||
+           (std::filesystem::is_regular_file(status) && std::filesystem::file_size(fileName, failure) <= kMaxFile);
+}
+
+bool toLatin1(std::string_view text, CString& out)
+{
+    for (std::size_t at = 0; at < text.size();) {
+        const char32_t code = decodeUtf8(text, at);
+        if (code > 0xFF)
+            return false;
+        out += static_cast<char>(code);
+    }
+    return true;
+}
+
+// JSON holds nothing but UTF-8.
+Json fromText(const CString& text)
+{
+    if (isUtf8(text))
+        return text;
+    CString characters;
+    for (const char byte : text)
+        appendUtf8(characters, static_cast<unsigned char>(byte));
+    return Json{{kLatin1, characters}};
+}
+
+bool toText(const Json& stored, CString& out)
+{
+    if (stored.is_string()) {
+        out = stored.get_ref<const CString&>();
+        return true;
+    }
+    const auto latin1 = stored.is_object() ? stored.find(kLatin1) : stored.end();
+    return latin1 != stored.end() && latin1->is_string() && toLatin1(latin1->get_ref<const CString&>(), out);
 }
 
 bool toValue(const Json& stored, SettingsValue& out)
 {
-    if (stored.is_string()) {
-        out = {SettingsValue::Type::text, stored.get_ref<const CString&>()};
+    out = {};
+    if (toText(stored, out.bytes)) {
         out.bytes += '\0';
         return true;
     }
@@ -70,13 +100,14 @@ SettingsStore::SettingsStore() : document(std::make_unique<Document>())
     if (folder.empty())
         return;
     document->fileName = folder + "/settings.json";
-    CString text;
-    if (readFile(document->fileName, text) != FileCause::none)
-        return;
-    Json parsed = parseSettings(text);
-    if (parsed.is_object()) {
-        document->root = std::move(parsed);
-        return;
+    if (isFitToRead(document->fileName)) {
+        CString text;
+        if (readFile(document->fileName, text) != FileCause::none)
+            return;
+        document->root = parseSettings(text);
+        if (document->root.is_object())
+            return;
+        document->root = Json::object();
     }
     std::error_code ignored;
     std::filesystem::rename(document->fileName, document->fileName + ".bad", ignored);
@@ -115,7 +146,7 @@ void SettingsStore::setText(const CString& key, const CString& name, const CStri
     Json& values = document->root[key];
     if (!values.is_object())
         values = Json::object();
-    values[name] = value;
+    values[name] = fromText(value);
 }
 
 void SettingsStore::setInteger(const CString& key, const CString& name, std::int32_t value)

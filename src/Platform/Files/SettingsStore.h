@@ -21,7 +21,9 @@ struct SettingsValue
 
 /// The per-user settings, a JSON file with one object for each registry key and its values in the order in which they
 /// were first written: `$XDG_CONFIG_HOME/typeforge/settings.json`, by default below ~/.config. A file that isn't there
-/// or can't be read counts as empty; one that can't be parsed does too and is kept aside as `settings.json.bad`.
+/// or can't be read counts as empty; one that can't be parsed, has more than 4 MB or is no regular file does too, and
+/// is kept aside as `settings.json.bad`. A text that is not UTF-8 is stored as {"latin-1": TEXT}, its bytes as
+/// characters.
 class SettingsStore
 {
 public:

@@ -114,6 +114,7 @@ struct IXMLDOMParseError
     CString reason; ///< empty when nothing failed
     LONG line = 0;  ///< from 1; 0 when the file could not be read, the reason is then the system's
     LONG linepos = 0;
+    int systemError = 0; ///< the errno value where the file could not be read, or there was no memory for it
 };
 
 /// A counted reference to a document. Its nodes lie in storage of its own that goes with the last reference.

@@ -1,5 +1,8 @@
 #include "Platform/Xml/XmlParser.h"
 
+#include "Platform/Files/Descriptor.h"
+#include "Platform/Files/File.h"
+
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
@@ -8,7 +11,6 @@
 #include <cerrno>
 #include <cstring>
 #include <exception>
-#include <fcntl.h>
 #include <memory>
 #include <system_error>
 #include <unistd.h>
@@ -57,27 +59,16 @@ void setUpLibrary()
 class Source
 {
 public:
-    explicit Source(const CString& fileName) :
-        descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC)), buffer(new char[kSize])
+    explicit Source(const CString& fileName) : descriptor(openForReading(fileName)), buffer(new char[kSize])
     {
-        if (descriptor < 0)
+        if (!descriptor.isOpen())
             error = errno;
         else
             fill(); // so that a file that can't be read is known before anything is parsed
     }
 
-    explicit Source(std::string_view document) :
-        descriptor(-1), bytes(document.data()), filled(document.size()), count(document.size())
+    explicit Source(std::string_view document) : bytes(document.data()), filled(document.size()), count(document.size())
     {}
-
-    ~Source()
-    {
-        if (descriptor >= 0)
-            ::close(descriptor);
-    }
-
-    Source(const Source&) = delete;
-    Source& operator=(const Source&) = delete;
 
     // Like read(2), which is only called when nothing is left of the last piece.
     int read(char* out, int room)
@@ -105,7 +96,7 @@ private:
             return false;
         ssize_t got;
         do {
-            got = ::read(descriptor, buffer.get(), kSize);
+            got = ::read(descriptor.get(), buffer.get(), kSize);
         } while (got < 0 && errno == EINTR);
         if (got < 0)
             error = errno;
@@ -116,7 +107,7 @@ private:
         return got > 0;
     }
 
-    int descriptor;
+    Descriptor descriptor;
     int error = 0;
     std::unique_ptr<char[]> buffer; // null for a text
     const char* bytes = nullptr;
@@ -184,6 +175,7 @@ private:
     std::unique_ptr<xmlParserCtxt, FreeContext> parser;
     std::optional<IXMLDOMParseError> first;
     std::exception_ptr thrown; // by the handler
+    bool outOfMemory = false;  // the library was
     std::size_t depth = 0;
     std::size_t expanded = 0;
     std::size_t comparisons = 0;
@@ -235,6 +227,8 @@ std::optional<IXMLDOMParseError> Parse::run()
 
     if (thrown)
         std::rethrow_exception(thrown);
+    if (outOfMemory)
+        throw std::bad_alloc();
     if (!first && hasRest())
         fail("Extra content at the end of the document");
     if (!first && !parser->wellFormed)
@@ -281,8 +275,10 @@ void Parse::noteEnumerations(std::string_view piece)
 
 void Parse::onError(void* run, xmlErrorPtr error)
 {
+    Parse& self = *static_cast<Parse*>(run);
+    self.outOfMemory |= error->code == XML_ERR_NO_MEMORY;
     if (error->level == XML_ERR_FATAL)
-        static_cast<Parse*>(run)->fail(error->message ? error->message : "");
+        self.fail(error->message ? error->message : "");
 }
 
 // The first failure is the one that counts.
@@ -291,7 +287,7 @@ void Parse::fail(const char* reason)
     if (first)
         return;
     const std::string_view trimmedReason = trimmed(reason);
-    first = IXMLDOMParseError{CString(trimmedReason), 0, 0};
+    first = IXMLDOMParseError{CString(trimmedReason)};
     if (parser && parser->inputNr > 0) {
         first->line = line();
         first->linepos = parser->inputTab[0]->col;
@@ -470,6 +466,11 @@ void Parse::onInstruction(void* context, const xmlChar* target, const xmlChar* d
         self.guarded(context, [&] { self.handler.instruction(view(target), view(data)); });
 }
 
+IXMLDOMParseError systemFailure(int error)
+{
+    return {std::generic_category().message(error), 0, 0, error};
+}
+
 } // namespace
 
 XmlAttribute XmlAttributes::operator[](std::size_t index) const
@@ -480,14 +481,16 @@ XmlAttribute XmlAttributes::operator[](std::size_t index) const
 
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler)
 {
-    setUpLibrary();
-    Source file(fileName);
-    std::optional<IXMLDOMParseError> error;
-    if (!file.queryError())
-        error = Parse(file, handler).run();
-    if (file.queryError())
-        error = IXMLDOMParseError{std::generic_category().message(file.queryError()), 0, 0};
-    return error;
+    try {
+        setUpLibrary();
+        Source file(fileName);
+        std::optional<IXMLDOMParseError> error;
+        if (!file.queryError())
+            error = Parse(file, handler).run();
+        return file.queryError() ? systemFailure(file.queryError()) : error;
+    } catch (const std::bad_alloc&) {
+        return systemFailure(ENOMEM);
+    }
 }
 
 std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler)

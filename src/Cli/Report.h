@@ -1,0 +1,6 @@
+#pragma once
+
+#include <string_view>
+
+/// Writes one line to standard error, under the program's name. Takes no memory.
+void report(std::string_view text);

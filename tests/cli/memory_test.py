@@ -1,0 +1,74 @@
+"""Imports with each importer where one allocation fails: a clear error and no file, or the whole file.
+
+Some of the allocations, evenly spread and others each time; TYPEFORGE_ALLOCATIONS=all takes every one of them.
+"""
+import concurrent.futures
+import os
+import pathlib
+import random
+import sqlite3
+import subprocess
+import tempfile
+import unittest
+
+BUILD = os.environ["TYPEFORGE_BUILD"]
+EXAMPLES = pathlib.Path(__file__).resolve().parents[2] / "examples"
+AT_MOST = int(os.environ.get("TYPEFORGE_ALLOCATIONS", "100").replace("all", "1000000"))
+
+
+class Memory(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def run_import(self, importer, source, name, **environment):
+        """The exit status, what was said, and what the output file holds."""
+        place = self.folder / name
+        place.mkdir()
+        run = subprocess.run([BUILD + "/typeforge-import", importer, source, "-o", "out"], cwd=place, timeout=60,
+                             env=dict(os.environ, SOURCE_DATE_EPOCH="0", ODBCINI="/dev/null", LC_ALL="C",
+                                      LD_PRELOAD=BUILD + "/libfailing_allocator.so", **environment),
+                             stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace")
+        files = {path.name: path.read_bytes() for path in place.iterdir()}
+        return run.returncode, run.stderr, files
+
+    def check(self, importer, source):
+        count = self.folder / "count"
+        status, errors, whole = self.run_import(importer, source, "whole", ALLOCATION_COUNT=str(count))
+        self.assertEqual((status, errors, list(whole)), (0, "", ["out"]))
+        allocations = int(count.read_text())
+        step = max(1, allocations // AT_MOST)
+        numbers = range(random.randint(1, step), allocations + 1, step)
+
+        def fail_at(number):
+            answer = self.run_import(importer, source, str(number), FAILING_ALLOCATION=str(number))
+            said_so = answer[0] == 1 and answer[1].startswith("typeforge-import: ") and not answer[2]
+            return None if said_so or (answer[0] == 0 and answer[2] == whole) else (number, *answer[:2], list(answer[2]))
+
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            bad = [answer for answer in pool.map(fail_at, numbers) if answer]
+        self.assertEqual(bad, [], f"{len(bad)} of {len(numbers)} runs, of {allocations} allocations")
+
+    def test_dtd(self):
+        self.check("dtd", EXAMPLES / "order.dtd")
+
+    def test_xml(self):
+        self.check("xml", EXAMPLES / "order.xml")
+
+    def test_xsd(self):
+        self.check("xsd", EXAMPLES / "order.xsd")
+
+    def test_btd(self):
+        _, _, files = self.run_import("dtd", EXAMPLES / "order.dtd", "made")
+        (self.folder / "types.xml").write_bytes(files["out"])
+        self.check("btd", self.folder / "types.xml")
+
+    def test_odbc(self):
+        with sqlite3.connect(self.folder / "x.db") as database:
+            database.execute("CREATE TABLE t (a INTEGER, b TEXT)")
+        self.check("odbc", f"Driver=SQLite3;Database={self.folder}/x.db")
+
+
+if __name__ == "__main__":
+    unittest.main()
