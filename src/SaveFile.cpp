@@ -1,10 +1,11 @@
 #include "SaveFile.h"
 
-#include "Platform/Files/File.h"
+#include "Platform/Files/AtomicFile.h"
 #include "Platform/Ui/ModalBox.h"
 #include "Platform/Ui/UiText.h"
 #include "Resources/StringIds.h"
 #include "Resources/StringTable.h"
+#include "Utils/FileMessage.h"
 
 #include <QDir>
 
@@ -23,6 +24,6 @@ CString saveUnderChosenName(QWidget& owner, const CString& title, const std::vec
     if (cause == FileCause::none)
         return fileName;
     const ModalBox box(owner);
-    box(formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause)), loadText(IDS_ERROR_TITLE));
+    box(cantOpen(fileName, cause), loadText(IDS_ERROR_TITLE));
     return {};
 }
