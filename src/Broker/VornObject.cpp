@@ -31,19 +31,17 @@ bool isTrusted(const CString& library)
            (state.st_uid == 0 || state.st_uid == ::geteuid());
 }
 
-// "" for a setting that names none which may be loaded.
-CString libraryOf(const CString& classId)
+std::optional<CString> namedLibrary(const CString& classId)
 {
     SettingsValue named;
     if (SettingsStore().getValue("SOFTWARE\\Classes\\CLSID\\" + classId + "\\InprocServer32", "", named))
-        return isTrusted(named.bytes.c_str()) ? named.bytes.c_str() : ""; // the bytes end with a zero
-    return shippedLibrary();
+        return named.bytes.c_str(); // the bytes end with a zero
+    return std::nullopt;
 }
 
 std::shared_ptr<void> openLibrary(const CString& fileName)
 {
-    // An empty name would stand for the program itself.
-    void* const handle = fileName.empty() ? nullptr : dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* const handle = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle)
         return {};
     return {handle, [](void* opened) { dlclose(opened); }};
@@ -61,7 +59,12 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
 {
     CString ignored;
     CString& why = reason != nullptr ? *reason : ignored;
-    const CString fileName = libraryOf(classId);
+    const std::optional<CString> named = namedLibrary(classId);
+    if (named && !isTrusted(*named)) {
+        why = *named + ": not the full path of a library that is the user's own or the system's";
+        return {};
+    }
+    const CString fileName = named ? *named : shippedLibrary();
     std::shared_ptr<void> library = openLibrary(fileName);
     if (!library) {
         why = dlerror();

@@ -3,6 +3,7 @@
 
 #include <pwd.h>
 #include <random>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -64,7 +65,8 @@ TEST_F(Settings, AreDefaultsWhereTheFileIsBad)
                  {R"({"SOFTWARE\\ZANTH\\QEL": {"HideWelcomePage": null, "Input folder": {}},
                      "SOFTWARE\\ZANTH": {"Port": 1e20}, "SOFTWARE\\ZANTH\\QEL\\InFiles": [1]})",
                   false},
-                 {deep, false}};
+                 {deep, false},
+                 {"{}" + std::string(4 << 20, ' '), true}};
     for (const auto& file : files) {
         SCOPED_TRACE(file.json.substr(0, 100));
         const std::string aside = write(file.json) + ".bad";
@@ -80,6 +82,17 @@ TEST_F(Settings, AreDefaultsWhereTheFileIsBad)
         options.flushValues();
         EXPECT_EQ(load().queryBrokerPort(), 7u);
     }
+}
+
+// Nothing waits for a pipe that stands where the file should be.
+TEST_F(Settings, AreDefaultsWhereTheFileIsAPipe)
+{
+    const std::string file = write("");
+    std::filesystem::remove(file);
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    load().flushValues();
+    EXPECT_TRUE(std::filesystem::is_fifo(file + ".bad"));
+    EXPECT_TRUE(std::filesystem::is_regular_file(file));
 }
 
 TEST_F(Settings, AreWrittenWholeAndComeBack)
@@ -103,7 +116,7 @@ TEST_F(Settings, AreWrittenWholeAndComeBack)
     QELOptions again = load();
     EXPECT_EQ(again.queryHideWelcome(), 1);
     EXPECT_EQ(again.queryInputFolder(), "/in/größe");
-    EXPECT_EQ(again.queryOutputFolder(), "/out/\uFFFD");
+    EXPECT_EQ(again.queryOutputFolder(), "/out/\xff");
     EXPECT_EQ(shown(&QELOptions::fillInputFile, again), (Texts{"b.dtd", "a.dtd"}));
     EXPECT_EQ(shown(&QELOptions::fillOutputFile, again), Texts{"c.xml"});
     EXPECT_EQ(shown(&QELOptions::fillUser, again), (Texts{loginName(), "SCOTT"}));
