@@ -4,6 +4,7 @@
 
 #include <dlfcn.h>
 #include <filesystem>
+#include <optional>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
