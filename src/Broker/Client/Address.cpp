@@ -1,10 +1,10 @@
 #include "Broker/Client/Address.h"
 
+#include "Platform/Files/UserFolders.h"
+
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
-#include <pwd.h>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <system_error>
@@ -18,24 +18,6 @@ constexpr std::string_view kLocal = "local";
 
 // What would end a value of a connection string, or start a quoted one.
 constexpr std::string_view kNotInValue = ";{}=\r\n";
-
-const passwd& account()
-{
-    errno = 0;
-    if (const passwd* entry = getpwuid(geteuid()))
-        return *entry;
-    throw std::system_error(errno ? errno : ENOENT, std::generic_category(), "The user has no account");
-}
-
-// Of the XDG base directories; a relative path there counts as none.
-fs::path dataFolder()
-{
-    const char* data = std::getenv("XDG_DATA_HOME");
-    if (data && *data == '/')
-        return data;
-    const char* home = std::getenv("HOME");
-    return fs::path(home && *home ? home : account().pw_dir) / ".local/share";
-}
 
 [[noreturn]] void raise(const fs::path& file)
 {
@@ -59,7 +41,9 @@ void makePrivate(const fs::path& folder, const fs::path& file)
 
 CString localFile()
 {
-    const fs::path folder = dataFolder() / "typeforge";
+    const fs::path folder = dataFolder();
+    if (folder.empty())
+        throw std::runtime_error("The user has no home folder");
     const fs::path file = folder / "types.db";
     if (file.string().find_first_of(kNotInValue) != CString::npos)
         throw std::invalid_argument("A database can't lie in " + folder.string());
@@ -90,9 +74,4 @@ CString Address::connectString() const
         return "Driver=SQLite3;Database=" + localFile() + ";Timeout=5000;JournalMode=WAL;SyncPragma=NORMAL;";
     return "Driver={PostgreSQL Unicode};Server=" + address.server + ";Port=" + std::to_string(address.port) +
            ";Database=typeforge;";
-}
-
-CString loginName()
-{
-    return account().pw_name;
 }

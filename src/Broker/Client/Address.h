@@ -20,6 +20,3 @@ public:
 private:
     ServerAddress address;
 };
-
-/// The login name of the user that runs the process. Raises std::system_error where the system knows none.
-CString loginName();
