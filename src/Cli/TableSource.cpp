@@ -1,6 +1,5 @@
 #include "Cli/TableSource.h"
 
-#include "Cli/Import.h"
 #include "Formats/MsgBase.h"
 #include "Platform/Database/Tables.h"
 #include "Platform/Secret.h"

@@ -1,6 +1,36 @@
 #include "Cli/Import.h"
 #include "Cli/Report.h"
+#include "Platform/Files/TemporaryFile.h"
 #include "Utils/QELApp.h"
+
+#include <cstdlib>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kFailed = 1;
+
+[[noreturn]] void endWithReport()
+{
+    try {
+        if (const std::exception_ptr error = std::current_exception())
+            std::rethrow_exception(error);
+    } catch (const std::exception& error) {
+        report(wordsOf(error));
+        TemporaryFile::deleteAll();
+        _exit(kFailed);
+    }
+    std::abort();
+}
+
+// Before all else: memory can run out before main(), where the command line's library makes its objects, and in
+// functions that let no exception through.
+[[gnu::constructor(101)]] void reportWhatNobodyCatches()
+{
+    std::set_terminate(endWithReport);
+}
+
+} // namespace
 
 int main(int argc, char** argv)
 {
@@ -10,6 +40,6 @@ int main(int argc, char** argv)
         return parseArguments(argc, argv, arguments, exitStatus) ? runImport(arguments) : exitStatus;
     } catch (const std::exception& error) {
         report(wordsOf(error));
-        return 1;
+        return kFailed;
     }
 }

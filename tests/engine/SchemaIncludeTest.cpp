@@ -40,6 +40,9 @@ const Graph kGraphs[] = {
     {"OtherCaseIsLookedForSecond",
      INCLUDE("COMMON/party.XSD") MAIN,
      {{"Common/Party.xsd", PARTY("name")}, {"common/x.xsd", ""}}},
+    {"GivenFolderThenBytesOfTheNameDecide",
+     INCLUDE("d/q.XSD") MAIN,
+     {{"D/Q.xsd", PARTY("lost")}, {"d/q.xsd", PARTY("lost")}, {"d/Q.xsd", PARTY("name")}}},
     {"GivenCaseComesFirst", INCLUDE("p.xsd") MAIN, {{"P.XSD", PARTY("lost")}}},
     {"Import", "<xsd:import namespace='n' schemaLocation='p.xsd'/>" MAIN},
     {"RedefineBringsTheDocumentAndNotWhatItHolds",
@@ -86,6 +89,15 @@ TEST_F(SchemaInclude, GraphBecomesTheModel)
         EXPECT_EQ(message.parseFile(writeSchema(dir, row.mainName, row.mainFile), "\\"), 1) << row.name;
         EXPECT_EQ(modelOf(message), row.model) << row.name;
     }
+}
+
+// As where the right to read it is missing, a device fails or files run out; a file that isn't one stands for them.
+TEST_F(SchemaInclude, ThatIsThereAndCantBeReadFailsTheImport)
+{
+    std::filesystem::create_symlink("/proc/self/mem", folder.path("b.xsd"));
+    EXPECT_EQ(importSchema("a.xsd", INCLUDE("p.xsd") INCLUDE("b.xsd") MAIN), 0);
+    EXPECT_THAT(boxes.take(), ElementsAre("Can't open file " + std::filesystem::canonical(folder.path()).string() +
+                                          "/b.xsd, error = 10"));
 }
 
 TEST_F(SchemaInclude, TargetNamespaceKeepsTheIncludesOut)

@@ -116,6 +116,25 @@ private:
     std::size_t count = 0;
 };
 
+// Errors of the decoder, and those before there is a parser, know no context: the handler is libxml2's own one for this
+// thread, put back afterwards.
+class ErrorsTo
+{
+public:
+    ErrorsTo(void* data, xmlStructuredErrorFunc handler) :
+        before(xmlStructuredError), beforeData(xmlStructuredErrorContext)
+    {
+        xmlSetStructuredErrorFunc(data, handler);
+    }
+    ~ErrorsTo() { xmlSetStructuredErrorFunc(beforeData, before); }
+    ErrorsTo(const ErrorsTo&) = delete;
+    ErrorsTo& operator=(const ErrorsTo&) = delete;
+
+private:
+    xmlStructuredErrorFunc before;
+    void* beforeData;
+};
+
 // One run of the parser. libxml2's callbacks get the context that is parsing (an entity's content has one of its own)
 // and find the run in its _private.
 class Parse
@@ -208,6 +227,7 @@ xmlSAXHandler Parse::callbacks(bool withText)
 
 std::optional<IXMLDOMParseError> Parse::run()
 {
+    const ErrorsTo here(this, onError);
     xmlSAXHandler sax = callbacks(handler.wantsText());
     parser.reset(xmlCreateIOParserCtxt(&sax, nullptr, onRead, nullptr, this, XML_CHAR_ENCODING_NONE));
     if (!parser)
@@ -218,13 +238,7 @@ std::optional<IXMLDOMParseError> Parse::run()
     // Without XML_PARSE_NOENT, which would ask the loader for external entities.
     parser->replaceEntities = 1;
 
-    // Errors of the decoder know no context, so the handler is libxml2's own one for this thread, put back afterwards.
-    const xmlStructuredErrorFunc before = xmlStructuredError;
-    void* const beforeData = xmlStructuredErrorContext;
-    xmlSetStructuredErrorFunc(this, onError);
     xmlParseDocument(parser.get());
-    xmlSetStructuredErrorFunc(beforeData, before);
-
     if (thrown)
         std::rethrow_exception(thrown);
     if (outOfMemory)
@@ -277,7 +291,7 @@ void Parse::onError(void* run, xmlErrorPtr error)
 {
     Parse& self = *static_cast<Parse*>(run);
     self.outOfMemory |= error->code == XML_ERR_NO_MEMORY;
-    if (error->level == XML_ERR_FATAL)
+    if (!self.outOfMemory && error->level == XML_ERR_FATAL)
         self.fail(error->message ? error->message : "");
 }
 
