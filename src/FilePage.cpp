@@ -42,6 +42,7 @@ void FilePage::addRow(QWidget* control)
 {
     auto* grid = static_cast<QGridLayout*>(layout());
     grid->addWidget(control, grid->rowCount(), 1, 1, 2);
+    grid->setRowStretch(grid->rowCount(), 1);
 }
 
 void FilePage::OnSetActive()
