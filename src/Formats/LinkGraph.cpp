@@ -1,22 +1,21 @@
 #include "Formats/LinkGraph.h"
 
-LinkGraph::LinkGraph(std::span<Element* const> owned) :
-    elements(owned.begin(), owned.end()), ownedCount(owned.size()), links(owned.size())
+LinkGraph::LinkGraph(std::span<Element* const> owned) : owned(owned), links(owned.size())
 {
     targets.reserve(4 * owned.size());
 }
 
 LinkGraph::~LinkGraph()
 {
-    for (std::size_t i = ownedCount; i < elements.size(); ++i)
-        elements[i]->setNumber(Element::kNoNumber);
+    for (Element* element : others)
+        element->setNumber(Element::kNoNumber);
 }
 
 void LinkGraph::read(Index index)
 {
     if (links[index].areRead)
         return;
-    const Element& element = *elements[index];
+    const Element& element = *(*this)[index];
     prefetch(element.queryParents());
     prefetch(element.queryChildren());
     Links read{static_cast<Index>(targets.size()), 0, 0, true};
@@ -33,9 +32,9 @@ void LinkGraph::read(Index index)
 
 LinkGraph::Index LinkGraph::numberOf(Element* element)
 {
-    if (element->queryNumber() >= elements.size()) {
+    if (element->queryNumber() >= links.size()) {
         element->setNumber(size());
-        elements.push_back(element);
+        others.push_back(element);
         links.emplace_back();
     }
     return element->queryNumber();

@@ -18,8 +18,11 @@ public:
     LinkGraph(const LinkGraph&) = delete;
     LinkGraph& operator=(const LinkGraph&) = delete;
 
-    Index size() const { return static_cast<Index>(elements.size()); }
-    Element* operator[](Index element) const { return elements[element]; }
+    Index size() const { return static_cast<Index>(links.size()); }
+    Element* operator[](Index element) const
+    {
+        return element < owned.size() ? owned[element] : others[element - owned.size()];
+    }
 
     /// Reads the links of an element, unless they have been read. What the others below answer is valid from then on.
     void read(Index element);
@@ -50,8 +53,8 @@ private:
 
     Index numberOf(Element* element);
 
-    std::vector<Element*> elements;
-    std::size_t ownedCount; // so many have their numbers from their model
+    std::span<Element* const> owned;
+    std::vector<Element*> others; // numbered from behind the last one owned on
     std::vector<Links> links;
     std::vector<Index> targets;
 };

@@ -98,7 +98,7 @@ void MsgBase::addUsage(const Fingerprint& usageKey, Element* element, Element* p
 {
     if (ChildElement* usage = findUsage(usageKey)) {
         usage->addInstance();
-        if (usage->element == element && usage->parent == parent)
+        if (usage->element == element && usage->parent == parent && !(parent && parent->isLinkedByHand))
             return; // linked when the usage was made
     } else {
         usages.store(std::pmr::polymorphic_allocator<>(&memory).new_object<ChildElement>(usageKey, element, parent));
@@ -163,11 +163,8 @@ void MsgBase::onAfterParse()
     orderedList.clear();
     makeTables();
     TypeOrder order(orderedList, ownedElements);
-    for (std::size_t i = 0; i < usages.size(); ++i) {
-        if (i + kAhead < usages.size())
-            __builtin_prefetch(usages[i + kAhead]->element);
-        order.place(*usages[i]->element);
-    }
+    for (const ChildElement* usage : usages)
+        order.place(*usage->element);
 }
 
 void MsgBase::orderList(Element* element)
@@ -179,12 +176,10 @@ void MsgBase::makeTables()
 {
     CString tableName;
     for (std::size_t i = 0; i < usages.size(); ++i) {
-        if (i + kAhead < usages.size())
-            __builtin_prefetch(usages[i + kAhead]->element);
         ChildElement* usage = usages[i];
-        Element* element = usage->element;
-        if (usage->instances <= 1 || element->isAttribute)
+        if (usage->instances <= 1 || usage->element->isAttribute)
             continue;
+        Element* element = usage->element;
         tableName.assign("t_").append(element->queryBaseName());
         if (element->isPrimitive())
             element->setPrimitiveType();

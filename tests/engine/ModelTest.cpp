@@ -12,6 +12,9 @@ class Declared final : public MsgBase
 public:
     using Declare = std::function<void(Declared&)>;
 
+    using MsgBase::onAfterParse;
+    using MsgBase::orderList;
+
     Declared(Declare steps, int mergeByName = 1) : MsgBase(mergeByName), declare(std::move(steps))
     {
         parseData({}, {});
@@ -137,17 +140,82 @@ TEST(Model, OrdersLongChainsAndGreatCycles)
     EXPECT_EQ(open.beginEnum(), count + 1);
     EXPECT_EQ(open.enumNext()->queryName(), std::to_string(count));
     EXPECT_EQ(closed.beginEnum(), count);
+}
 
-    // Everything holds everything: every descent could start a climb through all that still waits.
-    Declared web([](Declared& m) {
+std::vector<CString> namesOf(MsgBase& message)
+{
+    std::vector<CString> names;
+    message.beginEnum();
+    while (const Element* type = message.enumNext())
+        names.push_back(type->queryName());
+    return names;
+}
+
+TEST(Model, OrdersAsTheClimbsSayAtAnySize)
+{
+    // e1 holds x2, x3 and so on, ei holds xi and the e before it: each descent climbs through all that waits.
+    constexpr int count = 10'000;
+    Declared message([](Declared& m) {
+        const auto holds = [&m](const CString& parent, const CString& child) {
+            m.add(parent + "." + child, child, m.add("", parent, nullptr, Element::typeRow), Element::typeRow);
+        };
+        for (int i = 2; i <= count; ++i)
+            holds("e1", "x" + std::to_string(i));
+        for (int i = 2; i <= count; ++i) {
+            holds("e" + std::to_string(i), "x" + std::to_string(i));
+            holds("e" + std::to_string(i), "e" + std::to_string(i - 1));
+        }
+        for (int i = 2; i <= count; ++i)
+            holds("x" + std::to_string(i), "v");
+    });
+    std::vector<CString> expected{"v"};
+    for (int i = count; i >= 2; --i)
+        expected.push_back("x" + std::to_string(i));
+    for (int i = 1; i <= count; ++i)
+        expected.push_back("e" + std::to_string(i));
+    EXPECT_EQ(namesOf(message), expected);
+}
+
+TEST(Model, PutsComponentsFirstOutsideOfAGreatCycle)
+{
+    // Everything holds everything, more than climbs can go through; and each has a user that no other leads to.
+    constexpr int count = 1000;
+    Declared message([](Declared& m) {
         std::vector<Element*> all;
-        for (int i = 0; i < 600; ++i)
+        for (int i = 0; i < count; ++i)
             all.push_back(m.add(std::to_string(i), std::to_string(i), nullptr, Element::typeRow));
         for (Element* parent : all)
             for (Element* child : all)
                 m.add(parent->queryName() + "." + child->queryName(), child->queryName(), parent, Element::typeRow);
+        for (Element* child : all) {
+            const CString user = "user" + child->queryName();
+            m.add(user + ".", child->queryName(), m.add(user, user, nullptr, Element::typeRow), Element::typeRow);
+        }
     });
-    EXPECT_EQ(web.beginEnum(), 600);
+    const std::vector<CString> names = namesOf(message);
+    ASSERT_EQ(names.size(), 2u * count);
+    for (auto name = names.begin(); name != names.end(); ++name) {
+        if (!name->starts_with("user"))
+            continue;
+        EXPECT_NE(std::find(names.begin(), name, name->substr(4)), name) << *name;
+    }
+}
+
+TEST(Model, TakesLinksThatAnImporterMade)
+{
+    Declared message([](Declared& m) {
+        Element *a = m.add("a", "a", nullptr, Element::typeRow), *b = m.add("b", "b", nullptr, Element::typeRow);
+        a->addChild(b); // but b doesn't know of it, and would be placed last
+        m.add("a.b", "b", a);
+        Element* c = m.add("c", "c", nullptr, Element::typeRow);
+        c->addParent(b);
+        m.add("b.c", "c", b);
+        EXPECT_EQ(b->queryParents().size() + c->queryParents().size() + b->queryChildren().size(), 3u);
+        m.orderList(c);
+    });
+    EXPECT_EQ(typesOf(message), "c:R() b:R(c:R) a:R(b:R)");
+    message.onAfterParse();
+    EXPECT_EQ(typesOf(message), "c:R() b:R(c:R) a:R(b:R)") << "a second pass lists all again";
 }
 
 TEST(Element, KeepsItsRules)
