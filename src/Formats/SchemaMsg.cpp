@@ -1,19 +1,22 @@
 #include "Formats/SchemaMsg.h"
 
+#include "Formats/SchemaCache.h"
 #include "Resources/StringTable.h"
+#include "Utils/FileMessage.h"
 #include "Utils/XMLDoc.h"
 
 int SchemaMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
-    forget();
-    Outlines outlines;
+    SchemaTable::Outlines outlines;
+    table.clear();
     const int result = import(source, basePath, fileName, outlines);
-    forget(); // the texts of the tables go with the outlines
+    table.clear(); // the texts of the tables go with the outlines
     return result;
 }
 
 /// The two passes. The file is read once for both.
-int SchemaMessage::import(const CString& source, const CString& basePath, const CString& fileName, Outlines& outlines)
+int SchemaMessage::import(const CString& source, const CString& basePath, const CString& fileName,
+                          SchemaTable::Outlines& outlines)
 {
     XmlDocument document;
     const SchemaOutline& main = outlines.emplace_back();
@@ -21,30 +24,27 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
         return fail(document.queryParseError());
     if (!fileName.empty() && !main.hasTargetNamespace() && !readIncluded(fileName, outlines))
         return 0;
-    earlierMainType = mainType;
-    mainName = earlierMainType;
-    const bool isRead = !fileName.empty() && getSchemaIncludeList(outlines);
-    if (!isRead) {
-        copyElementList();
-        setMainType(getRootTag(main));
-    }
+    table.readIncluded(outlines, !fileName.empty());
     baseFolder = basePath.ends_with('\\') ? basePath : basePath + "\\";
-    return doParse(main, baseFolder, isRead);
+    return doParse(main, baseFolder);
 }
 
-void SchemaMessage::setMainType(std::string_view name)
+/// Reads the documents that the schema names, behind its own outline. What is missing or not well-formed is left out;
+/// what is there and can't be read fails the import, with message 2210.
+bool SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines& outlines)
 {
-    mainType = name;
-    mainName = name;
-}
-
-void SchemaMessage::forget()
-{
-    schemaElements.clear();
-    includedElements.clear();
-    pulled.clear();
-    ownedElements.clear();
-    cyclicReferences = 0;
+    SchemaCache cache;
+    cache.add(fileName, outlines.front().locations());
+    while (const auto file = cache.next()) {
+        XmlDocument document;
+        if (document.streamFile(*file, outlines.emplace_back()))
+            cache.add(*file, outlines.back().locations());
+        else if (document.querySystemError() != 0)
+            return fail(cantOpen(*file, fileCauseOf(document.querySystemError()))) != 0;
+        else
+            outlines.pop_back();
+    }
+    return true;
 }
 
 /// A field that is about to be declared.
@@ -54,21 +54,17 @@ struct SchemaMessage::Field
     CString typeName;
 };
 
-int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder, bool isRead)
+int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder)
 {
     if (queryMainTypeName().empty())
         return fail(loadText(IDS_NO_ROOT));
-    if (!isRead) {
-        processElement(outline);
-        processComplexType(outline, SchemaOutline::kRoot, {});
-    }
-    mergeLists();
-    const CString path = folder + mainType + "\\";
+    table.readMain(outline);
+    const CString path = folder + table.queryMainType() + "\\";
     reserveUsages(countFields());
     Field field; // its texts seldom have to grow from one to the next
-    for (const SchemaElement* entry : schemaElements)
+    for (const SchemaElement* entry : table.queryDeclared())
         declareRecord(*entry, path, field);
-    for (const SchemaElement* entry : pulled)
+    for (const SchemaElement* entry : table.queryPulled())
         declareRecord(*entry, path, field);
     return 1;
 }
@@ -77,9 +73,9 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder, 
 std::size_t SchemaMessage::countFields() const
 {
     std::size_t count = 0;
-    for (const SchemaElement* entry : schemaElements)
+    for (const SchemaElement* entry : table.queryDeclared())
         count += entry->queryChildren() ? 1 + entry->queryChildren()->size() : 0;
-    for (const SchemaElement* entry : pulled)
+    for (const SchemaElement* entry : table.queryPulled())
         count += entry->queryChildren() ? 1 + entry->queryChildren()->size() : 0;
     return count;
 }
@@ -90,12 +86,13 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
     if (!entry.queryChildren())
         return;
     const bool mayMiss = entry.queryPull() == SchemaElement::pulledAsChild;
-    const CString name = entry.queryName() == rootTypeName ? mainType : CString(entry.queryName());
+    const CString name =
+        entry.queryName() == table.queryRootTypeName() ? table.queryMainType() : CString(entry.queryName());
     RunningHash key(name);
     Element* record = addElement(key, path, name, Element::typeRow, nullptr);
     key.append(".");
     for (const SchemaElement* child : *entry.queryChildren()) {
-        getType(mayMiss ? findEntry(child->queryKey()) : child, field.typeName, field.name);
+        getType(mayMiss ? table.find(child->queryKey()) : child, field.typeName, field.name);
         declareField(field, getModifiers(*child), RunningHash(key).append(field.name), path, record);
     }
 }
@@ -153,5 +150,5 @@ Element::ElementTypes SchemaMessage::getBrokerType(CString& typeName) const
             return Element::typeDate;
         return builtIn == "decimal" ? Element::typeNumber : Element::typeString;
     }
-    return findEntry(typeName) ? Element::typeDate : Element::typeString;
+    return table.find(typeName) ? Element::typeDate : Element::typeString;
 }

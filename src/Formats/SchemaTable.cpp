@@ -1,7 +1,7 @@
-#include "Formats/SchemaMsg.h"
-#include "Resources/StringTable.h"
+#include "Formats/SchemaTable.h"
 
-// Reading the declarations of a document into the element table.
+#include "Resources/StringIds.h"
+#include "Utils/QELApp.h"
 
 namespace {
 
@@ -24,9 +24,75 @@ std::string_view typeOf(const SchemaOutline& outline, SchemaOutline::Index at)
 
 } // namespace
 
+void SchemaTable::readIncluded(Outlines& outlines, bool isFile)
+{
+    earlierMainType = mainType;
+    mainName = earlierMainType;
+    isWhole = isFile && getSchemaIncludeList(outlines);
+    if (isWhole)
+        return;
+    copyElementList();
+    setMainType(getRootTag(outlines.front()));
+}
+
+void SchemaTable::readMain(const SchemaOutline& main)
+{
+    if (!isWhole) {
+        processElement(main);
+        processComplexType(main, SchemaOutline::kRoot, {});
+    }
+    mergeLists();
+}
+
+/// Takes the schema and the documents that it names into the table: first the top-level elements of each, then the
+/// complex types. A schema with a target namespace doesn't get that far. True when the schema stands alone and reading
+/// it once more would give the same table again, and nothing to show.
+bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
+{
+    const SchemaOutline& main = outlines.front();
+    const bool hadRootType = !rootTypeName.empty();
+    setMainType(getRootTag(main));
+    if (main.hasTargetNamespace())
+        return false;
+    std::size_t declarations = 0;
+    for (const SchemaOutline& outline : outlines)
+        declarations += outline.size();
+    schemaElements.reserve(declarations);
+    for (const SchemaOutline& outline : outlines)
+        processElement(outline);
+    for (const SchemaOutline& outline : outlines)
+        processComplexType(outline, SchemaOutline::kRoot, {});
+    for (auto included = outlines.begin() + 1; included != outlines.end(); ++included)
+        included->keepTextsOnly();
+    // The names in force while the main element's own type was read.
+    const bool sameNames = !hadRootType || earlierMainType == mainType;
+    return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
+}
+
+/// Makes what the include pass has read the include table, and leaves the element table empty.
+void SchemaTable::copyElementList()
+{
+    std::swap(includedElements, schemaElements);
+}
+
+void SchemaTable::setMainType(std::string_view name)
+{
+    mainType = name;
+    mainName = name;
+}
+
+void SchemaTable::clear()
+{
+    schemaElements.clear();
+    includedElements.clear();
+    pulled.clear();
+    ownedElements.clear();
+    cyclicReferences = 0;
+}
+
 /// The name of the main element: the first one at the top that has no type, whose own type is then read, or the type of
 /// which is among the document's complex types.
-std::string_view SchemaMessage::getRootTag(const SchemaOutline& outline)
+std::string_view SchemaTable::getRootTag(const SchemaOutline& outline)
 {
     for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
          at = outline.getNextSibling(at)) {
@@ -50,7 +116,7 @@ std::string_view SchemaMessage::getRootTag(const SchemaOutline& outline)
 
 /// The elements at the top. An anonymous type is only looked for below the first complex type inside the element, so
 /// the one of the main element, which getRootTag() has read, is the only one that is read whole.
-void SchemaMessage::processElement(const SchemaOutline& outline)
+void SchemaTable::processElement(const SchemaOutline& outline)
 {
     for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
          at = outline.getNextSibling(at)) {
@@ -63,7 +129,7 @@ void SchemaMessage::processElement(const SchemaOutline& outline)
 }
 
 /// The complex types of one container, of which `type` is in hand: its elements, then its attributes.
-struct SchemaMessage::TypeWalk
+struct SchemaTable::TypeWalk
 {
     std::string_view owner; // the name of types that have none
     Index type;
@@ -75,7 +141,7 @@ struct SchemaMessage::TypeWalk
 
 /// The complex types directly inside `container`, with all that is nested in them. What is nested is read before the
 /// declaration that holds it is registered; the walks in hand are kept here, not on the stack.
-void SchemaMessage::processComplexType(const SchemaOutline& outline, Index container, std::string_view parentName)
+void SchemaTable::processComplexType(const SchemaOutline& outline, Index container, std::string_view parentName)
 {
     std::vector<TypeWalk> walks;
     const auto enter = [&](Index from, std::string_view owner) {
@@ -102,7 +168,7 @@ void SchemaMessage::processComplexType(const SchemaOutline& outline, Index conta
 
 /// Registers the complex type in hand as a record and turns to its first element. That is the first one at any depth;
 /// its siblings follow, and those that stand in another group than it are never read.
-void SchemaMessage::enterType(const SchemaOutline& outline, TypeWalk& walk)
+void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& type = outline[walk.type];
     std::string_view name = type.isReference ? walk.owner : type.name();
@@ -114,7 +180,7 @@ void SchemaMessage::enterType(const SchemaOutline& outline, TypeWalk& walk)
 }
 
 /// Goes on from the elements of the type in hand to its attributes, from these to the next type. False at the end.
-bool SchemaMessage::nextList(const SchemaOutline& outline, TypeWalk& walk)
+bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
 {
     if (walk.list == SchemaOutline::element) {
         walk.list = SchemaOutline::attribute;
@@ -129,7 +195,7 @@ bool SchemaMessage::nextList(const SchemaOutline& outline, TypeWalk& walk)
 }
 
 /// Registers the field in hand and turns to the next one.
-void SchemaMessage::processTag(const SchemaOutline& outline, TypeWalk& walk)
+void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& field = outline[walk.field];
     const Index next = outline.getNextSibling(walk.field);
@@ -144,7 +210,7 @@ void SchemaMessage::processTag(const SchemaOutline& outline, TypeWalk& walk)
 }
 
 /// In a large table each look-up waits for the memory. It is asked for the next field's while this one is registered.
-void SchemaMessage::prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const
+void SchemaTable::prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const
 {
     const std::string_view name = field.markedName();
     if (walk.record.entry)
@@ -154,7 +220,7 @@ void SchemaMessage::prefetchEntry(const SchemaDeclaration& field, const TypeWalk
 
 /// Registers a declaration once and attaches it to its parent. Answers the entry, or null when the declaration is
 /// called like its parent. A type that is already registered under the name alone wins.
-SchemaElement* SchemaMessage::addSchemaElement(std::string_view name, const Record& parent, std::string_view type)
+SchemaElement* SchemaTable::addSchemaElement(std::string_view name, const Record& parent, std::string_view type)
 {
     const Fingerprint alone(name);
     const Fingerprint key = parent.entry ? Fingerprint(RunningHash(parent.key).append(name)) : alone;
@@ -163,7 +229,7 @@ SchemaElement* SchemaMessage::addSchemaElement(std::string_view name, const Reco
         if (const SchemaElement* earlier = schemaElements.find(alone))
             type = earlier->queryType();
         if (parent.name == name) {
-            fail(loadText(IDS_CYCLIC));
+            theApp.Error(IDS_CYCLIC, IDS_ERROR_TITLE);
             ++cyclicReferences;
             return nullptr;
         }
@@ -173,4 +239,44 @@ SchemaElement* SchemaMessage::addSchemaElement(std::string_view name, const Reco
     if (parent.entry)
         parent.entry->addChild(entry);
     return entry;
+}
+
+/// Pulls from the include table every entry that is named as a type and missing, with its children. One walk does: what
+/// is pulled goes to the end of the table, so the walk comes to it, and an entry that it has passed needs nothing more.
+void SchemaTable::mergeLists()
+{
+    for (const SchemaElement* entry : schemaElements)
+        pull(entry->queryType());
+    for (std::size_t i = 0; i < pulled.size(); ++i)
+        pull(pulled[i]->queryType());
+}
+
+void SchemaTable::pull(const Fingerprint& type)
+{
+    if (schemaElements.find(type))
+        return;
+    SchemaElement* const included = includedElements.find(type);
+    if (!included || included->queryPull() != SchemaElement::notPulled)
+        return;
+    included->setPull(SchemaElement::pulledAsType);
+    pulled.push_back(included);
+    if (!included->queryChildren())
+        return;
+    for (SchemaElement*& child : *included->queryChildren()) {
+        if (SchemaElement* own = schemaElements.find(child->queryKey())) {
+            child = own; // that is whom the key stands for from here on
+        } else if (child->queryPull() == SchemaElement::notPulled) {
+            child->setPull(SchemaElement::pulledAsChild);
+            pulled.push_back(child);
+        }
+    }
+}
+
+/// What stands under `key` in the element table, what was pulled included; null when nothing does.
+const SchemaElement* SchemaTable::find(const Fingerprint& key) const
+{
+    if (const SchemaElement* own = schemaElements.find(key))
+        return own;
+    const SchemaElement* included = includedElements.find(key);
+    return included && included->queryPull() != SchemaElement::notPulled ? included : nullptr;
 }
