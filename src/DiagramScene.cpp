@@ -67,6 +67,7 @@ DiagramScene::DiagramScene(const TypeGraph& graph, const QPalette& colours, cons
         drawArrow(arrow.line, arrow.tip);
     for (std::size_t i = 0; i < graph.boxes.size(); ++i)
         drawBox(graph.boxes[i], layout->boxes[i]);
+    start = layout->boxes.front();
     setSceneRect(itemsBoundingRect().marginsAdded({kPadding, kPadding, kPadding, kPadding}));
 }
 

@@ -17,6 +17,9 @@ public:
     /// Empty where the graph can't be laid out.
     DiagramScene(const TypeGraph& graph, const QPalette& palette, const QFont& font);
 
+    /// Where the first box is.
+    const QRectF& queryStart() const { return start; }
+
 private:
     GraphBox measure(const TypeGraph::Box& box) const;
     void drawBox(const TypeGraph::Box& box, const QRectF& area);
@@ -29,4 +32,5 @@ private:
     QFont font;
     QFont titleFont;
     double rowHeight;
+    QRectF start;
 };

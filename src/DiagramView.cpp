@@ -11,19 +11,26 @@ namespace {
 constexpr double kStep = 1.25;
 constexpr double kSmallest = 0.02;
 constexpr double kLargest = 8;
+constexpr double kLegible = 0.45;
+constexpr double kMargin = 20;
 } // namespace
 
-DiagramView::DiagramView(QGraphicsScene* scene) : QGraphicsView(scene)
+DiagramView::DiagramView(QGraphicsScene* scene, const QRectF& startArea) : QGraphicsView(scene), start(startArea)
 {
     setDragMode(ScrollHandDrag);
     setRenderHint(QPainter::Antialiasing);
-    setTransformationAnchor(AnchorUnderMouse);
     setFrameShape(QFrame::NoFrame);
 }
 
 void DiagramView::zoom(double factor)
 {
-    fits = false;
+    setTransformationAnchor(AnchorViewCenter);
+    scaleBy(factor);
+}
+
+void DiagramView::scaleBy(double factor)
+{
+    opens = fits = false;
     const double now = transform().m11();
     const double wanted = std::clamp(now * factor, kSmallest, kLargest) / now;
     scale(wanted, wanted);
@@ -31,6 +38,7 @@ void DiagramView::zoom(double factor)
 
 void DiagramView::showAll()
 {
+    opens = false;
     fits = true;
     fitInView(sceneRect(), Qt::KeepAspectRatio);
     if (transform().m11() > 1)
@@ -39,13 +47,14 @@ void DiagramView::showAll()
 
 void DiagramView::showOwnSize()
 {
-    fits = false;
+    opens = fits = false;
     resetTransform();
 }
 
 void DiagramView::wheelEvent(QWheelEvent* event)
 {
-    zoom(std::pow(kStep, event->angleDelta().y() / 120.0));
+    setTransformationAnchor(AnchorUnderMouse);
+    scaleBy(std::pow(kStep, event->angleDelta().y() / 120.0));
     event->accept();
 }
 
@@ -77,6 +86,14 @@ void DiagramView::keyPressEvent(QKeyEvent* event)
 void DiagramView::resizeEvent(QResizeEvent* event)
 {
     QGraphicsView::resizeEvent(event);
+    const bool first = opens;
     if (fits)
         showAll();
+    opens = first;
+    if (opens && transform().m11() < kLegible) {
+        resetTransform();
+        const QSizeF seen = viewport()->size();
+        centerOn(start.left() + seen.width() / 2 - kMargin,
+                 std::min(start.center().y(), start.top() - kMargin + seen.height() / 2));
+    }
 }

@@ -7,7 +7,8 @@
 class DiagramView : public QGraphicsView
 {
 public:
-    explicit DiagramView(QGraphicsScene* scene);
+    /// Opens with the whole picture; where that is too small to read, with its own size from `start` on.
+    DiagramView(QGraphicsScene* scene, const QRectF& start);
 
     void zoom(double factor);
 
@@ -22,5 +23,9 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    bool fits = true; // the whole picture is to be seen, in any size of the window
+    void scaleBy(double factor);
+
+    QRectF start;
+    bool opens = true; // nobody has zoomed yet
+    bool fits = true;  // the whole picture is to be seen, in any size of the window
 };

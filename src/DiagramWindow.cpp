@@ -60,7 +60,7 @@ DiagramWindow::DiagramWindow(QWidget* owner, const TypeStructure& structure, std
     const std::vector<std::uint32_t> types = structure.reach(type, kMostTypes, isWhole);
     scene = new DiagramScene(TypeGraph(structure, types, kMostRows), palette(), font());
     scene->setParent(this);
-    view = new DiagramView(scene);
+    view = new DiagramView(scene, scene->queryStart());
     view->setObjectName("picture");
     const QString count = scene->items().isEmpty() ? tr("Graphviz can't lay this picture out.")
                           : !isWhole               ? tr("The nearest %1 types; it reaches more.").arg(types.size())

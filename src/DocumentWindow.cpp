@@ -1,6 +1,7 @@
 #include "DocumentWindow.h"
 
 #include "Platform/Ui/UiText.h"
+#include "Platform/Ui/WaitCursor.h"
 #include "SaveFile.h"
 #include "XmlHighlighter.h"
 
@@ -43,6 +44,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     name(typeName), document(typeDocument), kind(documentKind), text(new QPlainTextEdit), findEdit(new QLineEdit),
     status(new QLabel(note))
 {
+    const WaitCursor wait; // many thousand constants take a second to colour
     setObjectName("documentWindow");
     setAttribute(Qt::WA_DeleteOnClose);
     const bool isType = kind == ofType;

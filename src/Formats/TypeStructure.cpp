@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr std::uint32_t kAhead = 4; // how far ahead the memory of elements is asked for
+
 bool holdsComponent(const Element& element)
 {
     return element.queryType() == Element::typeTable || element.queryType() == Element::typeArray;
@@ -26,6 +28,11 @@ TypeStructure::TypeStructure(MsgBase& message)
     while (const Element* element = message.enumNext()) {
         types.push_back({element, size(), element->queryPath() + element->queryName()});
         index.store(&types.back());
+    }
+    if (index.size() == types.size()) {
+        byElement.reserve(count);
+        for (const Type& type : types)
+            byElement.store(&type);
     }
     collectUsers();
 }
@@ -88,20 +95,50 @@ void TypeStructure::forEachTypeName(std::uint32_t type, const Action& action) co
             action(child->queryFieldType(element, room));
 }
 
+// The type that a record has a field of through `child`, where the child is that type: nearly always, and found
+// without making its full name. Else kNone.
+std::uint32_t TypeStructure::numberOf(const Element& child, const Element& record) const
+{
+    const bool namesItself = child.queryType() == Element::typeTable || &child.queryBaseName() == &child.queryName();
+    if (!namesItself || child.queryPath() != record.queryPath())
+        return kNone;
+    const Type* type = byElement.find(&child);
+    return type ? type->number : kNone;
+}
+
+template <class Action>
+void TypeStructure::forEachUse(std::uint32_t user, const Action& action) const
+{
+    const Element& element = (*this)[user];
+    if (element.queryType() != Element::typeRow)
+        return forEachTypeName(user, [&](std::string_view typeName) { action(find(typeName)); });
+    CString room;
+    for (const Element* child : element.queryChildren()) {
+        if (!child->isField())
+            continue;
+        const std::uint32_t known = child->isTypeOfItsOwn() ? numberOf(*child, element) : kNone;
+        action(known != kNone ? known : find(child->queryFieldType(element, room)));
+    }
+}
+
 // Counted first, so that all users stand in one list: most types have one or two.
 void TypeStructure::collectUsers()
 {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> uses; // who is used, by whom
     std::vector<std::uint32_t> lastUser(size(), kNone);
     firstUser.assign(size() + 1, 0);
-    for (std::uint32_t user = 0; user < size(); ++user)
-        forEachTypeName(user, [&](std::string_view typeName) {
-            const std::uint32_t used = find(typeName);
+    for (std::uint32_t user = 0; user < size(); ++user) {
+        if (user + 2 * kAhead < size())
+            __builtin_prefetch(&(*this)[user + 2 * kAhead]);
+        if (user + kAhead < size())
+            prefetch((*this)[user + kAhead].queryChildren());
+        forEachUse(user, [&](std::uint32_t used) {
             if (used == kNone || std::exchange(lastUser[used], user) == user)
                 return;
             uses.emplace_back(used, user);
             ++firstUser[used + 1];
         });
+    }
     for (std::uint32_t type = 0; type < size(); ++type)
         firstUser[type + 1] += firstUser[type];
     userList.resize(uses.size());

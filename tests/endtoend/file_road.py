@@ -36,8 +36,15 @@ class FileRoad(WizardTest):
         self.next("Select source", "Generated types", "Select output mode", "Select output file", "Finish")
         self.assertTrue(self.window("Choosing an importer - Typeforge help"))
         self.end("alt+f")
+        self.environment["TYPEFORGE_VIEWER"] = "false"
         self.start("Select source type")  # the next run starts with the importer and the file of the first
         self.next("Select source", "Generated types")
+        self.key("Down", "Tab", "Tab", "space", "shift+Tab", "End", "Return")  # from a type's structure to who uses it
+        for keys, window in [(["alt+v"], "t_Line - Typeforge type"), (["alt+p"], "t_Line - Typeforge picture")]:
+            self.key(*keys)
+            self.expect_title(window)
+            self.key("Escape")
+            self.expect_page("Generated types")
         self.end("Escape")
 
 

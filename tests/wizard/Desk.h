@@ -8,13 +8,29 @@
 #include "support/TempDir.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
 using Texts = std::vector<CString>;
+
+/// Answers the next file dialog: with a file, or by cancelling.
+inline void answerFileDialog(const std::string& file)
+{
+    QTimer::singleShot(100, [file] {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        if (file.empty())
+            return dialog->reject();
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(file));
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+}
 
 /// A user before a wizard: own settings, own start folder, and the wizard's boxes recorded. The wizard starts on the
 /// first call of wizard(), so that a test can write settings before.

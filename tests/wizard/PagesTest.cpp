@@ -71,19 +71,6 @@ TEST(ImporterPage, KeepsTheImporterWithTheRow)
     EXPECT_EQ(desk.page(), IDD_SOURCE);
 }
 
-// Answers the next file dialog: with a file, or by cancelling.
-void answerFileDialog(const std::string& file)
-{
-    QTimer::singleShot(100, [file] {
-        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        if (file.empty())
-            return dialog->reject();
-        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(file));
-        QMetaObject::invokeMethod(dialog, "accept");
-    });
-}
-
 TEST(SourcePage, BrowsesFromTheFolderOfTheFile)
 {
     Desk desk;

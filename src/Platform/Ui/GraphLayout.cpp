@@ -1,5 +1,7 @@
 #include "Platform/Ui/GraphLayout.h"
 
+#include <algorithm>
+#include <cmath>
 #include <graphviz/cgraph.h>
 #include <graphviz/gvc.h>
 #include <memory>
@@ -16,9 +18,9 @@ struct CloseGraph
 };
 
 // Graphviz's functions take texts that they don't change as char*.
-void set(void* object, const char* name, const CString& value)
+void set(void* object, const char* name, const CString& value, const char* otherwise = "")
 {
-    agsafeset(object, const_cast<char*>(name), const_cast<char*>(value.c_str()), const_cast<char*>(""));
+    agsafeset(object, const_cast<char*>(name), const_cast<char*>(value.c_str()), const_cast<char*>(otherwise));
 }
 
 Agnode_t* nodeOf(Agraph_t* graph, std::size_t box)
@@ -38,6 +40,25 @@ void shape(Agnode_t* node, const GraphBox& box)
     set(node, "fixedsize", "true");
     set(node, "width", std::to_string(box.size.width() / pointsPerInch));
     set(node, "height", std::to_string(box.size.height() / pointsPerInch));
+}
+
+// Puts the boxes at the ends of the ways, of which there are many in one column, into several columns, so that the
+// picture comes out about as wide as high.
+void spreadEnds(Agraph_t* graph, const std::vector<GraphBox>& boxes)
+{
+    std::vector<Agedge_t*> ends;
+    double height = 0, width = 0;
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        Agnode_t* node = nodeOf(graph, i);
+        if (agdegree(graph, node, 1, 0) != 1 || agdegree(graph, node, 0, 1) != 0)
+            continue;
+        ends.push_back(agfstin(graph, node));
+        height += boxes[i].size.height();
+        width = std::max(width, boxes[i].size.width());
+    }
+    const int columns = ends.empty() ? 1 : std::max(1, static_cast<int>(std::sqrt(height / width)));
+    for (std::size_t i = 0; i < ends.size(); ++i)
+        set(ends[i], "minlen", std::to_string(1 + static_cast<int>(i) % columns), "1");
 }
 
 // Graphviz counts upwards from the lower edge.
@@ -83,6 +104,7 @@ std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<Gra
         return {};
     for (std::size_t i = 0; i < boxes.size(); ++i)
         shape(nodeOf(graph.get(), i), boxes[i]);
+    spreadEnds(graph.get(), boxes);
     set(graph.get(), "ranksep", "0.9");
     // Where the optimal places take long to find, good ones do: so many rounds for each box.
     for (const char* rounds : {"nslimit", "nslimit1"})

@@ -1,0 +1,189 @@
+#include "wizard/Desk.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QGraphicsView>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QTreeView>
+#include <gmock/gmock.h>
+
+namespace {
+
+const char* const kCycle =
+    "<!ELEMENT a (b*, c)><!ELEMENT b (a, d)><!ELEMENT c EMPTY><!ELEMENT d (e)><!ELEMENT e EMPTY>";
+
+// A user on the page of types, one of which is selected, with its structure beside the list.
+struct TypesDesk : Desk
+{
+    explicit TypesDesk(const std::string& dtd = kCycle, int row = 0)
+    {
+        source = dir.write("in/views.dtd", dtd);
+        walkTo(IDD_EDIT);
+        button("showStructure").setChecked(true);
+        QApplication::processEvents(); // which gives the pane its width
+        select(row);
+    }
+
+    QAbstractButton& button(const char* name) { return *wizard().activePage()->findChild<QAbstractButton*>(name); }
+    QTreeView& tree() { return *wizard().activePage()->findChild<QTreeView*>("structure"); }
+    ListView& list() { return control<ListView>(IDC_TYPES); }
+    void select(int row) { list().setCurrentIndex(list().model()->index(row, 0)); }
+    CString selected() { return list().selectedRow() < 0 ? "" : list().cell(list().selectedRow(), 0); }
+
+    template <class Window>
+    Window* window(const char* name)
+    {
+        return wizard().findChild<Window*>(name);
+    }
+};
+
+// What a person sees of the tree who opens rows down to that depth: "name:type" and in brackets what opens below.
+CString opened(const QTreeView& tree, const QModelIndex& index, int depth)
+{
+    QAbstractItemModel& model = *tree.model();
+    CString text;
+    if (model.canFetchMore(index))
+        model.fetchMore(index);
+    for (int row = 0; row < model.rowCount(index); ++row) {
+        const QModelIndex name = model.index(row, 0, index);
+        text += (row > 0 ? " " : "") + name.data().toString().toStdString();
+        const CString type = name.siblingAtColumn(1).data().toString().toStdString();
+        text += type.empty() ? "" : ":" + type;
+        if (depth > 1 && model.hasChildren(name))
+            text += "(" + opened(tree, name, depth - 1) + ")";
+    }
+    return text;
+}
+
+TEST(StructureOfAType, OpensInPlaceMarksCyclesAndTellsUsers)
+{
+    TypesDesk desk;
+    Texts seen;
+    for (int row = 0; row < desk.list().rowCount(); ++row) {
+        desk.select(row);
+        seen.push_back(desk.selected() + ": " + opened(desk.tree(), {}, 4));
+    }
+    EXPECT_EQ(
+        seen,
+        (Texts{"d: e:String Used by(b:record(t_b:table(a:record)))",
+               "b: a:a(b:table of b (again) c:String) d:d(e:String) Used by(t_b:table(a:record(b:record (again))))",
+               "a: b:table of b(a:a (again) d:d(e:String)) c:String Used by(b:record(t_b:table(a:record (again))))",
+               "t_b: (each):b(a:a(b:table of b (again) c:String) d:d(e:String)) Used by(a:record(b:record(t_b:table "
+               "(again))))"}));
+}
+
+TEST(StructureOfAType, JumpsByEnterAndDoubleClickAlsoPastAFilter)
+{
+    TypesDesk desk;
+    desk.list().setFilter("b");
+    desk.select(0);
+    EXPECT_EQ(desk.selected(), "b");
+    desk.tree().setCurrentIndex(desk.tree().model()->index(0, 0));
+    QTest::keyClick(&desk.tree(), Qt::Key_Return);
+    EXPECT_EQ(desk.selected(), "a");
+    const QPoint first = desk.tree().visualRect(desk.tree().model()->index(0, 0)).center();
+    QTest::mouseClick(desk.tree().viewport(), Qt::LeftButton, {}, first);
+    QTest::mouseDClick(desk.tree().viewport(), Qt::LeftButton, {}, first);
+    EXPECT_EQ(desk.selected(), "b");
+    EXPECT_EQ(desk.page(), IDD_EDIT);
+}
+
+TEST(StructureOfAType, ComesWithTheWidthOrByItsButton)
+{
+    TypesDesk desk;
+    desk.button("showStructure").setChecked(false);
+    EXPECT_FALSE(desk.tree().isVisible());
+    desk.wizard().resize(desk.wizard().width() * 2, desk.wizard().height());
+    EXPECT_TRUE(desk.tree().isVisible());
+    desk.wizard().resize(desk.wizard().width() / 2, desk.wizard().height());
+    EXPECT_FALSE(desk.tree().isVisible());
+}
+
+TEST(StructureOfAType, AnswersAtOnceForFiftyThousandTypes)
+{
+    std::string dtd;
+    for (int i = 0; i < 50000; ++i) {
+        dtd += "<!ELEMENT e" + std::to_string(i) + " (";
+        for (int k = 1; k < 8; ++k)
+            dtd += "e" + std::to_string((i * 7 + k * k) % 50000) + (k % 2 != 0 ? "*," : ",");
+        dtd += "e0)>";
+    }
+    TypesDesk desk(dtd, 4);
+    for (int step = 0; step < 200; ++step) { // down through cycles
+        QTest::keyClick(&desk.tree(), Qt::Key_Right);
+        QTest::keyClick(&desk.tree(), Qt::Key_Down);
+    }
+    QTest::keyClick(&desk.tree(), Qt::Key_Asterisk); // would open without end
+    desk.button("showPicture").click();
+    EXPECT_EQ(desk.window<QLabel>("status")->text(), "The nearest 200 types; it reaches more.");
+}
+
+TEST(TypeWindow, ComesUpWhereNoViewerStarts)
+{
+    TypesDesk desk;
+    qputenv("TMP", desk.dir.path().c_str());
+    for (const char* viewer : {"/no/such/viewer", "false"}) {
+        qputenv("TYPEFORGE_VIEWER", viewer);
+        desk.press(IDC_VIEW);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return desk.window<QWidget>("documentWindow") != nullptr; })) << viewer;
+        EXPECT_EQ(desk.window<QPlainTextEdit>("document")->toPlainText().toStdString(),
+                  R"xml(<BROKERTYPEDESCRIPTION NAME="\sys\rosettanet\a\d" DESCRIPTION="d (Automatically created)">
+  <ROW>
+    <FIELD NAME="e" DESCRIPTION="e (Automatically created)" TYPE="String"/>
+  </ROW>
+</BROKERTYPEDESCRIPTION>)xml");
+        EXPECT_EQ(desk.window<QLabel>("status")->text(), "No viewer for XML files could be started.");
+        delete desk.window<QWidget>("documentWindow");
+    }
+    qputenv("TYPEFORGE_VIEWER", "true");
+    desk.press(IDC_VIEW);
+    QTest::qWait(300);
+    EXPECT_EQ(desk.window<QWidget>("documentWindow"), nullptr);
+}
+
+TEST(TypeWindow, FindsRoundTheEndsAndCopies)
+{
+    TypesDesk desk(kCycle, 2);
+    desk.list().actions()[1]->trigger();
+    auto& text = *desk.window<QPlainTextEdit>("document");
+    auto& status = *desk.window<QLabel>("status");
+    desk.window<QLineEdit>("find")->setText("FIELD");
+    Texts seen;
+    for (const char* button : {"findNext", "findNext", "findNext", "findPrevious"}) {
+        desk.window<QAbstractButton>(button)->click();
+        seen.push_back(std::to_string(text.textCursor().selectionStart()) + status.text().toStdString());
+    }
+    desk.window<QLineEdit>("find")->setText("no such");
+    desk.window<QAbstractButton>("findNext")->click();
+    seen.push_back(status.text().toStdString());
+    desk.window<QAbstractButton>("copy")->click();
+    seen.push_back(QApplication::clipboard()->text().toStdString());
+    EXPECT_EQ(seen, (Texts{"104", "195", "104Went on from the start.", "195Went on from the end.",
+                           "There is no \"no such\".", "FIELD"}));
+}
+
+TEST(PictureOfTypes, IsZoomedMovedAndSaved)
+{
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    TypesDesk desk;
+    desk.select(desk.list().rowCount() - 1);
+    desk.button("showPicture").click();
+    auto& view = *desk.window<QGraphicsView>("picture");
+    const QTransform own = view.transform();
+    QTest::keyClicks(&view, "++");
+    EXPECT_DOUBLE_EQ(view.transform().m11(), own.m11() * 1.5625);
+    QTest::keyClicks(&view, "-0");
+    EXPECT_EQ(view.transform(), own);
+    for (const char* name : {"p.svg", "p.PNG"}) {
+        answerFileDialog(desk.dir.path(name));
+        desk.window<QAbstractButton>("save")->click();
+        EXPECT_EQ(desk.window<QLabel>("status")->text().toStdString(), "Saved as " + desk.dir.path(name) + ".");
+    }
+    EXPECT_EQ(QImage(QString::fromStdString(desk.dir.path("p.PNG"))).size(), (view.sceneRect().size() * 2).toSize());
+    const CString svg = TempDir::read(desk.dir.path("p.svg"));
+    for (const char* text : {">b*</text>", ">String</text>", ">a</text>"})
+        EXPECT_THAT(svg, testing::HasSubstr(text));
+}
+
+} // namespace
