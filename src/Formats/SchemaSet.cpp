@@ -236,7 +236,7 @@ std::vector<std::uint32_t> SchemaSet::includedDocuments() const
 
 void SchemaSet::note(SourceReport::Construct construct, Index node)
 {
-    notes.push_back({node, construct});
+    notes.emplace_back(node, construct);
     if (notes.size() < manyNotes)
         return;
     sortNotes();
@@ -252,10 +252,10 @@ void SchemaSet::sortNotes()
 void SchemaSet::reportNotes()
 {
     sortNotes();
-    for (const Note& note : notes) {
-        const bool isReference = note.construct == SourceReport::unresolvedReference;
-        const NameTable::Id name = isReference ? tree[note.node].reference.local : tree[namedAround(note.node)].name;
-        report.add(note.construct, placeOf(note.node), tree.text(name));
+    for (const auto& [node, construct] : notes) {
+        const bool isReference = construct == SourceReport::unresolvedReference;
+        const NameTable::Id name = isReference ? tree[node].reference.local : tree[namedAround(node)].name;
+        report.add(construct, placeOf(node), tree.text(name));
     }
     notes.clear();
 }

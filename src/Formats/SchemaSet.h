@@ -8,6 +8,7 @@
 #include <map>
 #include <span>
 #include <unordered_map>
+#include <utility>
 
 /// The components of a schema and of all that it includes, imports and redefines
 /// (https://www.w3.org/TR/xmlschema-1/#layer2), found by kind, namespace and name. Of two that are declared alike the
@@ -69,13 +70,7 @@ private:
         Index redefine;  // the one whose document is being read, when that is a redefine
     };
 
-    struct Note
-    {
-        Index node;
-        SourceReport::Construct construct;
-
-        auto operator<=>(const Note&) const = default;
-    };
+    using Note = std::pair<Index, SourceReport::Construct>; // of a node
 
     using Names = std::unordered_map<std::uint64_t, Index>;
 

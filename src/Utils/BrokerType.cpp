@@ -91,9 +91,28 @@ int BrokerTypeDescription::addTable(std::string_view componentType)
 
 void BrokerTypeDescription::queryXML(CString& out) const
 {
-    out.assign(text.view()).append("/>");
-    if (hasItems)
-        out.append("</").append(content).append(">");
+    out.assign(text.view());
+    appendEnd(out);
+}
+
+std::string_view BrokerTypeDescription::finish()
+{
+    appendEnd(text);
+    state = stateFinished;
+    return text.view();
+}
+
+template <class Text>
+void BrokerTypeDescription::appendEnd(Text& out) const
+{
+    if (state == stateFinished)
+        return;
+    out.append("/>");
+    if (hasItems) {
+        out.append("</");
+        out.append(content);
+        out.append(">");
+    }
     if (state != stateEmpty)
         out.append("</BROKERTYPEDESCRIPTION>");
 }

@@ -37,6 +37,9 @@ public:
     /// Replaces `out` with the text of the document: no declaration, no white space between tags.
     void queryXML(CString& out) const;
 
+    /// The same as a view into the text that the builder writes into. Nothing can be added afterwards.
+    std::string_view finish();
+
 private:
     enum State
     {
@@ -44,7 +47,8 @@ private:
         stateArray = 1,
         stateEnum = 2,
         stateRow = 3,
-        stateTable = 4
+        stateTable = 4,
+        stateFinished = 5
     };
 
     template <std::size_t N>
@@ -52,6 +56,8 @@ private:
     template <std::size_t N>
     void openItem(const char (&tag)[N], std::string_view name, std::string_view description);
     void addComponent(std::string_view componentType);
+    template <class Text>
+    void appendEnd(Text& out) const;
 
     XmlText ownText;
     XmlText& text;            // all but the end; the tag written last is still without its '>'

@@ -102,7 +102,10 @@ public:
     void toTable(Element* oldChild, Element* table);
 
     /// Replaces `out` with the type as one BROKERTYPEDESCRIPTION document. An array without a size gets the size "5".
-    void asXML(CString& out);
+    void asXML(CString& out) { out = asXML(); }
+
+    /// The same without a copy; the next document of any element takes its place.
+    std::string_view asXML();
 
     /// False for the children of a record that its document has no field for: enumerations and arrays.
     bool isField() const { return type != typeEnum && type != typeArray; }

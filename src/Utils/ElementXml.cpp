@@ -14,7 +14,7 @@ std::string_view generated(std::string_view name, CString& room)
 
 } // namespace
 
-void Element::asXML(CString& out)
+std::string_view Element::asXML()
 {
     static XmlText text; // an import asks for very many types in a row: kept for their room
     static CString description, fieldType;
@@ -48,7 +48,7 @@ void Element::asXML(CString& out)
     default:
         break;
     }
-    builder.queryXML(out);
+    return builder.finish();
 }
 
 CString Element::queryComponentType() const

@@ -2,6 +2,16 @@
 
 #include "Platform/Xml/XmlEscape.h"
 
+void XmlText::grow(std::size_t more)
+{
+    const std::size_t newCapacity = (size + more) * 2;
+    auto larger = std::make_unique_for_overwrite<char[]>(newCapacity);
+    if (size > 0)
+        std::memcpy(larger.get(), buffer.get(), size);
+    buffer = std::move(larger);
+    capacity = newCapacity;
+}
+
 void XmlText::appendValue(std::string_view value)
 {
     CString escaped;

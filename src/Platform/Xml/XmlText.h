@@ -3,6 +3,7 @@
 #include "Platform/Text.h"
 
 #include <cstring>
+#include <memory>
 
 /// XML as it is written: a text that grows, with room that is kept from one document to the next. The pieces that never
 /// change are literals, so that they are copied without a call.
@@ -10,7 +11,7 @@ class XmlText
 {
 public:
     void clear() { size = 0; }
-    std::string_view view() const { return {buffer.data(), size}; }
+    std::string_view view() const { return {buffer.get(), size}; }
 
     /// A text that is XML already.
     void append(std::string_view text) { put(room(text.size()), text); }
@@ -49,9 +50,9 @@ public:
 private:
     char* room(std::size_t more)
     {
-        if (buffer.size() - size < more)
-            buffer.resize((size + more) * 2);
-        return buffer.data() + size;
+        if (capacity - size < more)
+            grow(more);
+        return buffer.get() + size;
     }
 
     void put(char* at, std::string_view text)
@@ -60,8 +61,10 @@ private:
         size += text.size();
     }
 
+    void grow(std::size_t more);
     void appendValue(std::string_view value);
 
-    CString buffer; // its size is the room, not what is used of it
+    std::unique_ptr<char[]> buffer; // what is not used of it was never touched, so it takes no memory
+    std::size_t capacity = 0;
     std::size_t size = 0;
 };
