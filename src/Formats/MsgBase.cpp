@@ -197,7 +197,6 @@ Element* MsgBase::makeTable(ChildElement& usage, const CString& tableName)
     void* place = memory.allocate(sizeof(Element), alignof(Element));
     Element* table = own(new (place) Element(*usage.element, &memory));
     table->setName(tableName);
-    table->description.reset();
     table->describeByName();
     table->type = Element::typeTable;
     table->addChild(usage.element);

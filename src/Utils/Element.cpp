@@ -14,21 +14,15 @@ bool isGenerated(std::string_view description, std::string_view name)
            description.ends_with(suffix);
 }
 
-std::unique_ptr<std::pmr::memory_resource> newMemory()
+std::pmr::memory_resource* orOwn(std::pmr::memory_resource* memory)
 {
-    return std::make_unique<std::pmr::monotonic_buffer_resource>();
-}
-
-std::unique_ptr<CString> copyOf(const std::unique_ptr<CString>& text)
-{
-    return text ? std::make_unique<CString>(*text) : nullptr;
+    return memory ? memory : new std::pmr::monotonic_buffer_resource;
 }
 
 } // namespace
 
 Element::Element(SharedText path, const CString& name, ElementTypes type, std::pmr::memory_resource* memory) :
-    type(type), name(name), path(std::move(path)), ownMemory(memory ? nullptr : newMemory()),
-    memory(memory ? memory : ownMemory.get())
+    type(type), ownsMemory(!memory), name(name), path(std::move(path)), memory(orOwn(memory))
 {}
 
 Element::Element(const CString& path, const CString& name, const CString& description, ElementTypes type,
@@ -40,37 +34,80 @@ Element::Element(const CString& path, const CString& name, const CString& descri
 }
 
 Element::Element(const Element& other, std::pmr::memory_resource* memory) :
-    type(other.type), isAttribute(other.isAttribute), placed(other.placed), isDescribedByName(other.isDescribedByName),
-    isKnown(other.isKnown), name(other.name), knownType(other.knownType), path(other.path),
-    baseName(copyOf(other.baseName)), description(copyOf(other.description)), ownMemory(memory ? nullptr : newMemory()),
-    memory(memory ? memory : ownMemory.get())
-{}
+    Element(other.path, other.name, other.type, memory)
+{
+    isAttribute = other.isAttribute;
+    placed = other.placed;
+    isDescribedByName = other.isDescribedByName;
+    isKnown = other.isKnown;
+    hasBaseName = other.hasBaseName;
+    if (other.more)
+        rare() = {other.more->baseName, other.more->description, other.more->knownType, {}};
+}
 
 Element::Element(const Element& other) : Element(other, nullptr) {}
 
+Element::~Element()
+{
+    if (more)
+        std::destroy_at(more);
+    if (ownsMemory)
+        delete memory;
+}
+
+Element::Rare& Element::rare() const
+{
+    if (!more)
+        more = std::pmr::polymorphic_allocator<>(memory).new_object<Rare>();
+    return *more;
+}
+
 const CString& Element::queryDescription() const
 {
-    if (!description && isDescribedByName)
-        description = std::make_unique<CString>(fillText(loadText(IDS_AUTOMATIC), name));
-    return description ? *description : kEmpty;
+    if (isDescribedByName && rare().description.empty())
+        rare().description = fillText(loadText(IDS_AUTOMATIC), name);
+    return more ? more->description : kEmpty;
+}
+
+const CString& Element::queryKnownType() const
+{
+    return more ? more->knownType : kEmpty;
 }
 
 const CString& Element::querySize() const
 {
-    return size ? *size : kEmpty;
+    return more ? more->size : kEmpty;
+}
+
+void Element::setKnownType(std::string_view newKnownType)
+{
+    isKnown = !newKnownType.empty();
+    if (isKnown || more)
+        rare().knownType = newKnownType;
 }
 
 void Element::setName(const CString& newName)
 {
-    if (!baseName)
-        baseName = std::make_unique<CString>(name);
+    if (!hasBaseName)
+        rare().baseName = name;
+    hasBaseName = true;
     name = newName;
 }
 
 void Element::setDescription(const CString& newDescription)
 {
     isDescribedByName = isGenerated(newDescription, name);
-    description = isDescribedByName || newDescription.empty() ? nullptr : std::make_unique<CString>(newDescription);
+    if (more)
+        more->description.clear();
+    if (!isDescribedByName && !newDescription.empty())
+        rare().description = newDescription;
+}
+
+void Element::describeByName()
+{
+    if (more)
+        more->description.clear();
+    isDescribedByName = true;
 }
 
 void Element::addParent(Element* parent)

@@ -31,17 +31,20 @@ private:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
     std::uint32_t positionOf(const Element* element) const;
-    void grow(std::pmr::memory_resource& memory);
-    void makeIndex(std::pmr::memory_resource& memory);
+    void moveTo(std::uint32_t newCapacity, bool withIndex, std::pmr::memory_resource& memory);
     void buildIndex();
     void enter(std::uint32_t position);
+    std::size_t slotCount() const { return 4 * std::size_t{capacity}; }
+    std::uint32_t* index() const { return reinterpret_cast<std::uint32_t*>(items + capacity); }
+    std::uint32_t& entered() const { return index()[slotCount()]; }
     std::size_t firstSlot(const Element* element) const;
 
+    // Room for `capacity` elements; in a list too long to walk, behind them a hash table of positions, and how many of
+    // its slots are taken, by items or by what was replaced. An import has two lists an element, most of them short.
     Element** items = nullptr;
-    std::uint32_t* index = nullptr; // a hash table of positions, four times `capacity`, for a list too long to walk
     std::uint32_t count = 0;
-    std::uint32_t capacity = 0;
-    std::uint32_t entered = 0; // how many slots of the index are taken, by items or by what was replaced
+    std::uint32_t capacity : 31 = 0;
+    std::uint32_t isIndexed : 1 = 0;
 };
 
 /// One node of an imported message: a type of its own (a record, table, enumeration or array) or a field. Importers
@@ -69,13 +72,14 @@ public:
 
     /// Copies what the element says of itself; children, parents and size start empty.
     Element(const Element& other);
+    ~Element();
     Element& operator=(const Element&) = delete;
 
     const CString& queryPath() const { return *path; }
     const CString& queryName() const { return name; }
     const CString& queryDescription() const;
-    const CString& queryBaseName() const { return baseName ? *baseName : name; }
-    const CString& queryKnownType() const { return knownType; }
+    const CString& queryBaseName() const { return hasBaseName ? more->baseName : name; }
+    const CString& queryKnownType() const;
     bool hasKnownType() const { return isKnown; }
     const CString& querySize() const;
     ElementTypes queryType() const { return type; }
@@ -84,12 +88,8 @@ public:
     const ElementList& queryParents() const { return parents; }
 
     void setType(ElementTypes newType) { type = newType; }
-    void setSize(const CString& newSize) { size = std::make_unique<CString>(newSize); }
-    void setKnownType(std::string_view newKnownType)
-    {
-        knownType = newKnownType;
-        isKnown = !newKnownType.empty();
-    }
+    void setSize(const CString& newSize) { rare().size = newSize; }
+    void setKnownType(std::string_view newKnownType);
     void asAttribute() { isAttribute = 1; }
 
     /// Does nothing for null or for a parent that is already listed.
@@ -138,34 +138,42 @@ private:
     Element(SharedText path, const CString& name, ElementTypes type, std::pmr::memory_resource* memory);
     Element(const Element& other, std::pmr::memory_resource* memory);
 
+    // What most elements don't have.
+    struct Rare
+    {
+        CString baseName;
+        CString description; // "" also for a generated one that nobody has asked for
+        CString knownType;
+        CString size;
+    };
+
+    Rare& rare() const; // made when it isn't there
     int appendChild(Element* child);
     void link(Element* child); // both ways
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
     void setName(const CString& newName);
     void setDescription(const CString& newDescription);
-    void describeByName() { isDescribedByName = true; }
+    void describeByName();
 
     // An import has very many elements. So what most of them don't have costs a pointer, the description that nearly
     // all of them have, the generated one of their name, is made when it is asked for, and what every pass looks at
     // stands in the first cache line.
     ElementTypes type;
+    std::uint32_t number = kNoNumber;
     std::uint8_t isAttribute = 0;
-    std::uint8_t placed = 0;
+    bool placed = false;
     bool isDescribedByName = false; // by the generated description
     bool isLinkedByHand = false;    // has got a parent or a child that need not have got it too
-    std::uint32_t number = kNoNumber;
-    bool isKnown = false; // has a known type
+    bool isKnown = false;           // has a known type
+    bool hasBaseName = false;       // of its own: else it is the name
+    bool ownsMemory = false;
 
-    CString name;
     ElementList children;
     ElementList parents;
-    CString knownType;
-    SharedText path;                              // ends with a backslash
-    std::unique_ptr<CString> baseName;            // null while it is the same as the name
-    mutable std::unique_ptr<CString> description; // null also for a generated one that nobody has asked for
-    std::unique_ptr<CString> size;                // null: empty
-    std::unique_ptr<std::pmr::memory_resource> ownMemory;
+    mutable Rare* more = nullptr; // in `memory`
+    CString name;
+    SharedText path;                   // ends with a backslash
     std::pmr::memory_resource* memory; // of the lists
 };
 

@@ -7,18 +7,12 @@ namespace {
 // Up to this many entries a walk over the list is quicker than an index, and most lists stay below it.
 constexpr std::uint32_t kWalked = 16;
 
-template <class T>
-T* allocate(std::size_t count, std::pmr::memory_resource& memory)
-{
-    return std::pmr::polymorphic_allocator<T>(&memory).allocate(count);
-}
-
 } // namespace
 
 bool ElementList::add(Element* element, std::pmr::memory_resource& memory)
 {
-    if (!index && count > kWalked)
-        makeIndex(memory);
+    if (!isIndexed && count > kWalked)
+        moveTo(capacity, true, memory);
     if (positionOf(element) != kNone)
         return false;
     append(element, memory);
@@ -28,9 +22,9 @@ bool ElementList::add(Element* element, std::pmr::memory_resource& memory)
 void ElementList::append(Element* element, std::pmr::memory_resource& memory)
 {
     if (count == capacity)
-        grow(memory);
+        moveTo(capacity ? capacity * 2 : 1, isIndexed, memory);
     items[count++] = element;
-    if (index)
+    if (isIndexed)
         enter(count - 1);
 }
 
@@ -40,60 +34,57 @@ void ElementList::replace(Element* old, Element* replacement)
     if (position == kNone)
         return;
     items[position] = replacement;
-    if (index)
+    if (isIndexed)
         enter(position); // the slot of `old` stays, and keeps the probes behind it whole
 }
 
 std::uint32_t ElementList::positionOf(const Element* element) const
 {
-    if (!index) {
+    if (!isIndexed) {
         Element** const found = std::find(begin(), end(), element);
         return found == end() ? kNone : static_cast<std::uint32_t>(found - begin());
     }
-    for (std::size_t at = firstSlot(element);; at = (at + 1) & (4 * std::size_t{capacity} - 1))
-        if (index[at] == kNone || items[index[at]] == element)
-            return index[at];
+    for (std::size_t at = firstSlot(element);; at = (at + 1) & (slotCount() - 1))
+        if (index()[at] == kNone || items[index()[at]] == element)
+            return index()[at];
 }
 
-void ElementList::grow(std::pmr::memory_resource& memory)
+void ElementList::moveTo(std::uint32_t newCapacity, bool withIndex, std::pmr::memory_resource& memory)
 {
-    capacity = capacity ? capacity * 2 : 1;
-    Element** const larger = allocate<Element*>(capacity, memory);
+    const std::size_t indexSize = withIndex ? 4 * std::size_t{newCapacity} + 1 : 0;
+    const std::size_t bytes = newCapacity * sizeof(Element*) + indexSize * sizeof(std::uint32_t);
+    auto* const larger = static_cast<Element**>(memory.allocate(bytes, alignof(Element*)));
     std::copy(begin(), end(), larger);
     items = larger;
-    if (index)
-        makeIndex(memory);
-}
-
-void ElementList::makeIndex(std::pmr::memory_resource& memory)
-{
-    index = allocate<std::uint32_t>(4 * std::size_t{capacity}, memory);
-    buildIndex();
+    capacity = newCapacity;
+    isIndexed = withIndex;
+    if (withIndex)
+        buildIndex();
 }
 
 void ElementList::buildIndex()
 {
-    std::fill_n(index, 4 * std::size_t{capacity}, kNone);
-    entered = 0;
+    std::fill_n(index(), slotCount(), kNone);
+    entered() = 0;
     for (std::uint32_t position = 0; position < count; ++position)
         enter(position);
 }
 
 void ElementList::enter(std::uint32_t position)
 {
-    if (entered == 3 * capacity) { // of them at most `capacity` by items
+    if (entered() == 3 * capacity) { // of them at most `capacity` by items
         buildIndex();
         return;
     }
     std::size_t at = firstSlot(items[position]);
-    while (index[at] != kNone)
-        at = (at + 1) & (4 * std::size_t{capacity} - 1);
-    index[at] = position;
-    ++entered;
+    while (index()[at] != kNone)
+        at = (at + 1) & (slotCount() - 1);
+    index()[at] = position;
+    ++entered();
 }
 
 std::size_t ElementList::firstSlot(const Element* element) const
 {
     const std::size_t number = reinterpret_cast<std::uintptr_t>(element) / alignof(Element);
-    return number * 0x9E3779B97F4A7C15 >> 20 & (4 * std::size_t{capacity} - 1);
+    return number * 0x9E3779B97F4A7C15 >> 20 & (slotCount() - 1);
 }

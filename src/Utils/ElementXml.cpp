@@ -53,7 +53,7 @@ std::string_view Element::asXML()
 
 CString Element::queryComponentType() const
 {
-    return knownType.empty() ? *path + queryBaseName() : knownType;
+    return isKnown ? queryKnownType() : *path + queryBaseName();
 }
 
 std::string_view Element::queryFieldDescription(CString& room) const
@@ -77,6 +77,6 @@ std::string_view Element::queryFieldType(const Element& record, CString& room) c
     case typeDate:
         return "Time";
     default:
-        return knownType;
+        return queryKnownType();
     }
 }
