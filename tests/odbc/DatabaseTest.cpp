@@ -6,7 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <list>
+#include <unistd.h>
 
 namespace {
 
@@ -154,6 +156,16 @@ TEST(Database, ARefusedLogonIsToldFromOtherFailures)
                         testing::Property(&CDBException::isLogonRefused, failure.refused))));
         EXPECT_FALSE(database.IsOpen());
     }
+}
+
+// Debian's odbcinst.ini lets PostgreSQL's driver keep one.
+TEST(Database, LeavesNoLogOfADriverBehind)
+{
+    freshDatabase(postgres).database.Close();
+    EXPECT_THROW(CDatabase().Open(the<PostgresServer>().connection("nowhere"), CDatabase::readOnly), CDBException);
+    const std::string end = std::to_string(::getpid()) + ".log";
+    for (const auto& entry : std::filesystem::directory_iterator("/tmp"))
+        EXPECT_FALSE(entry.path().string().ends_with(end)) << entry.path();
 }
 
 TEST(Database, AServerThatGoesLeavesAnErrorAndAConnectionThatCloses)

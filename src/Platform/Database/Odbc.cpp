@@ -1,6 +1,7 @@
 #include "Platform/Database/Odbc.h"
 
 #include "Platform/Database/DriverCall.h"
+#include "Platform/Database/DriverLog.h"
 #include "Platform/Secret.h"
 #include "Platform/Utf8.h"
 
@@ -111,6 +112,7 @@ void FreeConnection::operator()(void* connection) const noexcept
 {
     SQLDisconnect(connection);
     SQLFreeHandle(SQL_HANDLE_DBC, connection);
+    removeDriverLog();
 }
 
 void FreeStatement::operator()(void* statement) const noexcept
