@@ -1,9 +1,8 @@
 #include "Formats/BrokerMsg.h"
 #include "Import.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void fuzz(std::string_view input)
 {
     BrokerMessage importer;
-    importBytes(importer, {reinterpret_cast<const char*>(data), size});
-    return 0;
+    importBytes(importer, input);
 }

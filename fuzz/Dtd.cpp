@@ -1,9 +1,10 @@
 #include "Formats/DTDMsg.h"
 #include "Import.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void fuzz(std::string_view input)
 {
+    setMessageBoxHandler([](const CString&, const CString&) {});
     DTDMessage importer;
-    importBytes(importer, {reinterpret_cast<const char*>(data), size}, true);
-    return 0;
+    if (importer.parseData(CString(input), importer.getBasePath()))
+        checkDocument(importer);
 }

@@ -1,9 +1,10 @@
 #include "Formats/DTDFullMsg.h"
 #include "Import.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void fuzz(std::string_view input)
 {
+    static Folder folder;
+    folder.writeDocuments(".dtd", input);
     DTDFullMessage importer;
-    importBytes(importer, {reinterpret_cast<const char*>(data), size});
-    return 0;
+    importFile(importer, folder.path + "a.dtd");
 }

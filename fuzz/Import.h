@@ -1,37 +1,14 @@
 #pragma once
 
+#include "Folder.h"
 #include "Formats/MsgBase.h"
 #include "Platform/MessageBox.h"
 #include "Platform/Xml/XmlParser.h"
+#include "Target.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <sys/mman.h>
-#include <unistd.h>
-
-/// Bytes that can be read under a file name, and are on no disk.
-class MemoryFile
-{
-public:
-    explicit MemoryFile(std::string_view bytes) : descriptor(::memfd_create("fuzz", 0))
-    {
-        while (!bytes.empty()) {
-            const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-            if (count <= 0)
-                std::abort();
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        }
-    }
-    ~MemoryFile() { ::close(descriptor); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    CString path() const { return "/proc/self/fd/" + std::to_string(descriptor); }
-
-private:
-    int descriptor;
-};
 
 /// True for a main type that can stand as a tag; names outside ASCII are left out.
 inline bool isTag(const CString& name)
@@ -42,20 +19,19 @@ inline bool isTag(const CString& name)
     });
 }
 
-/// Imports a file, and ends the program when the document that comes out is not well-formed. An importer whose main
-/// type may be no name says so by `mayBeNoName`: its document is looked at when it is one.
-inline void importFile(MsgBase& importer, const CString& fileName, bool mayBeNoName = false)
+/// Ends the program when the document of an import is not well-formed. The main type of some importers may be no name:
+/// such a document isn't looked at.
+inline void checkDocument(MsgBase& importer)
 {
     struct Ignore : XmlHandler
     {
         void startElement(XmlName, XmlAttributes) override {}
         void endElement() override {}
+        bool wantsText() const override { return false; }
     } ignore;
-    setMessageBoxHandler([](const CString&, const CString&) {});
-    const int imported = importer.parseFile(fileName, importer.getBasePath());
     CString document;
     importer.getXML(document);
-    if (!imported || (mayBeNoName && !isTag(importer.queryMainTypeName())))
+    if (!isTag(importer.queryMainTypeName()))
         return;
     if (const auto error = parseXmlText(document, ignore)) {
         std::fprintf(stderr, "%d:%d %s\n%s\n", error->line, error->linepos, error->reason.c_str(), document.c_str());
@@ -63,8 +39,18 @@ inline void importFile(MsgBase& importer, const CString& fileName, bool mayBeNoN
     }
 }
 
-/// The same with bytes as the file.
-inline void importBytes(MsgBase& importer, std::string_view bytes, bool mayBeNoName = false)
+/// Imports a file and checks the document.
+inline void importFile(MsgBase& importer, const CString& fileName)
 {
-    importFile(importer, MemoryFile(bytes).path(), mayBeNoName);
+    setMessageBoxHandler([](const CString&, const CString&) {});
+    if (importer.parseFile(fileName, importer.getBasePath()))
+        checkDocument(importer);
+}
+
+/// The same with bytes as the file.
+inline void importBytes(MsgBase& importer, std::string_view bytes)
+{
+    static Folder folder;
+    folder.write("source", bytes);
+    importFile(importer, folder.path + "source");
 }

@@ -1,0 +1,53 @@
+// A data source whose driver says what the input says: tables, columns, the rows of a statement, failures.
+#include "Formats/ODBCMsg.h"
+#include "Import.h"
+#include "Platform/Database/MainWindow.h"
+#include "Platform/Database/Statement.h"
+#include "Platform/Database/Tables.h"
+
+#include <dlfcn.h>
+
+namespace {
+
+struct Source : MainWindow
+{
+    Source()
+    {
+        ::setenv("ODBCINI", "/dev/null", 1);
+        if (!database.Open("Driver=" FUZZ_DRIVER ";"))
+            std::abort();
+        void* const driver = ::dlopen(FUZZ_DRIVER, RTLD_NOW); // which is loaded
+        answer = reinterpret_cast<void (*)(const char*, std::size_t)>(::dlsym(driver, "setAnswers"));
+        setMainWindow(this);
+    }
+    CDatabase* queryDatabase() override { return &database; }
+
+    CDatabase database;
+    void (*answer)(const char*, std::size_t) = nullptr;
+};
+
+CString tableNames(CDatabase& database)
+{
+    CString names;
+    CTables tables(&database);
+    tables.Open(nullptr, nullptr, nullptr, "'TABLE'");
+    for (tables.MoveFirst(); !tables.IsEOF() && names.size() < 100; tables.MoveNext())
+        names += tables.tableName + "\n";
+    return names;
+}
+
+} // namespace
+
+void fuzz(std::string_view input)
+{
+    static Source source;
+    source.answer(input.data(), input.size());
+    try {
+        ODBCMessage importer;
+        importer.parseData(tableNames(source.database), "\\");
+        checkDocument(importer);
+        CStatement(source.database, "SELECT 1").execute({"a", ""});
+    } catch (const CDBException& error) {
+        static_cast<void>(error.isLogonRefused());
+    }
+}

@@ -1,0 +1,20 @@
+// The entry of every target, for libFuzzer or Replay.cpp.
+#include "Target.h"
+
+#include <cstdint>
+
+// Larger inputs show what small ones do, and take longer.
+constexpr std::size_t kMaxInput = 16 << 10;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    if (size <= kMaxInput)
+        fuzz({reinterpret_cast<const char*>(data), size});
+    return 0;
+}
+
+// By default half the time goes into the call stack of each allocation, and into memory that isn't given out again.
+extern "C" const char* __asan_default_options()
+{
+    return "malloc_context_size=3:quarantine_size_mb=16:max_malloc_fill_size=64";
+}

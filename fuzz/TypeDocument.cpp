@@ -1,0 +1,43 @@
+// Types that were read back: each has to be one that a repository takes, and that a window can show.
+#include "Broker/Client/TypeDocument.h"
+
+#include "Formats/BrokerMsg.h"
+#include "Formats/TypeStructure.h"
+#include "Import.h"
+
+namespace {
+
+void require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+void look(const TypeStructure& types, std::uint32_t type)
+{
+    bool isWhole = false;
+    require(types.parts(type).size() == types.partCount(type));
+    require(types.reach(type, 50, isWhole).front() == type);
+    for (const TypePart& part : types.parts(type))
+        types.contentOf(part.typeName);
+    for (const std::uint32_t user : types.users(type))
+        require(user < types.size());
+}
+
+} // namespace
+
+void fuzz(std::string_view input)
+{
+    queryTypeName(input);
+    BrokerMessage importer;
+    importBytes(importer, input);
+    const TypeStructure types(importer);
+    for (std::uint32_t type = 0; type < types.size(); ++type)
+        look(types, type);
+    importer.beginEnum();
+    CString document;
+    while (Element* const type = importer.enumNext()) {
+        type->asXML(document);
+        require(queryTypeName(document).has_value());
+    }
+}
