@@ -166,7 +166,7 @@ void QELOptions::fillResultList(CListBox& box) const
 
 void AddUnique(const CString& text, CStringList& list, int atHead)
 {
-    const CString entry(text.data(), text.size()); // a copy: `text` may be one of the list
+    const CString entry = text; // a copy: `text` may be one of the list
     const auto found = std::find(list.begin(), list.end(), entry);
     if (found != list.end())
         list.erase(found);
