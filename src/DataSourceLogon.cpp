@@ -1,5 +1,6 @@
 #include "DataSourceLogon.h"
 
+#include "Platform/Database/ConnectString.h"
 #include "Platform/Database/Odbc.h"
 #include "Platform/Secret.h"
 #include "Platform/Ui/SecretEdit.h"

@@ -1,6 +1,7 @@
 #include "DataSourcePage.h"
 
 #include "DataSourceLogon.h"
+#include "Platform/Database/ConnectString.h"
 #include "Platform/Secret.h"
 #include "Platform/Ui/ListView.h"
 #include "Platform/Ui/WaitCursor.h"

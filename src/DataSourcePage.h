@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Database/DataSources.h"
 #include "Platform/Database/Odbc.h"
 #include "QELPage.h"
 

@@ -3,10 +3,10 @@
 #include "Platform/Ui/DraggedFiles.h"
 #include "Platform/Ui/PathCompleter.h"
 #include "Platform/Ui/PathLabel.h"
+#include "Platform/Ui/RecentCombo.h"
 #include "Platform/Ui/UiText.h"
 #include "QELWizard.h"
 
-#include <QComboBox>
 #include <QDropEvent>
 #include <QGridLayout>
 #include <QLineEdit>
@@ -16,9 +16,7 @@
 void FilePage::OnInitDialog()
 {
     QELPage::OnInitDialog();
-    fileCombo = withId(comboId(), new QComboBox);
-    fileCombo->setEditable(true);
-    fileCombo->setInsertPolicy(QComboBox::NoInsert);
+    fileCombo = withId(comboId(), newRecentCombo());
     fileCombo->lineEdit()->setCompleter(new PathCompleter(*fileCombo->lineEdit()));
     fileCombo->lineEdit()->setAcceptDrops(false);
     fileCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);

@@ -3,6 +3,7 @@
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
 #include "Overwrite.h"
+#include "Platform/Ui/RecentCombo.h"
 #include "Platform/Ui/SecretEdit.h"
 #include "Platform/Ui/UiText.h"
 #include "Platform/Ui/WaitCursor.h"
@@ -11,7 +12,6 @@
 #include "Utils/QELApp.h"
 #include "Utils/ServerAddress.h"
 
-#include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QLineEdit>
@@ -41,15 +41,6 @@ public:
         return Acceptable;
     }
 };
-
-QComboBox* makeCombo()
-{
-    auto* combo = new QComboBox;
-    combo->setEditable(true);
-    combo->setInsertPolicy(QComboBox::NoInsert);
-    combo->setCompleter(nullptr); // a name that begins like a recent one is not that one
-    return combo;
-}
 
 } // namespace
 
@@ -81,7 +72,7 @@ void LoginToBroker::OnInitDialog()
 
 QWidget* LoginToBroker::makeServerGroup()
 {
-    serverCombo = withId(IDC_SERVER, makeCombo());
+    serverCombo = withId(IDC_SERVER, newRecentCombo());
     server = wizard->options.fillBrokerIP(*serverCombo);
     serverCombo->lineEdit()->setPlaceholderText("local, or the name or address of a server");
     connect(serverCombo->lineEdit(), &QLineEdit::textEdited, this, &LoginToBroker::suggestLogon);
@@ -101,7 +92,7 @@ QWidget* LoginToBroker::makeLogonGroup()
     brokerButton = withId(IDC_LOGON_BROKER, new QRadioButton("Use Broker &logon"));
     connect(trustedButton, &QRadioButton::clicked, this, &LoginToBroker::OnLogonTrusted);
     connect(brokerButton, &QRadioButton::clicked, this, &LoginToBroker::OnLogonBroker);
-    userCombo = withId(IDC_USER, makeCombo());
+    userCombo = withId(IDC_USER, newRecentCombo());
     userCombo->setValidator(new UpperCase(userCombo));
     user = wizard->options.fillUser(*userCombo);
     for (int i = 0; i < userCombo->count(); ++i)

@@ -14,8 +14,8 @@ void OutputPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
     choice = new QButtonGroup(this);
-    choice->addButton(withId(IDC_TO_FILE, new QRadioButton("&Output to file in local or network folder")), 0);
-    choice->addButton(withId(IDC_TO_BROKER, new QRadioButton("Create type in &Broker")), 1);
+    choice->addButton(withId(IDC_TO_FILE, new QRadioButton("&Output to file in local or network folder")), toFile);
+    choice->addButton(withId(IDC_TO_BROKER, new QRadioButton("Create type in &Broker")), toBroker);
     auto* group = new QGroupBox("Destination");
     auto* rows = new QVBoxLayout;
     group->setLayout(rows);
@@ -29,14 +29,13 @@ void OutputPage::OnInitDialog()
 void OutputPage::OnSetActive()
 {
     wizard->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
-    outputSel = wizard->options.queryLastOutputSel();
-    if (QAbstractButton* button = choice->button(outputSel))
+    if (QAbstractButton* button = choice->button(wizard->options.queryLastOutputSel()))
         button->setChecked(true);
 }
 
 LRESULT OutputPage::OnWizardNext()
 {
-    outputSel = choice->checkedId();
+    outputSel = static_cast<OutputMode>(choice->checkedId());
     wizard->options.setLastOutputSel(outputSel);
-    return outputSel == 1 ? IDD_LOGIN : IDD_OUTPUT_FILE;
+    return outputSel == toBroker ? IDD_LOGIN : IDD_OUTPUT_FILE;
 }

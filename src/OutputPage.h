@@ -8,6 +8,13 @@ class QButtonGroup;
 class OutputPage : public QELPage
 {
 public:
+    /// As the settings keep it.
+    enum OutputMode : int
+    {
+        toFile = 0,
+        toBroker = 1
+    };
+
     OutputPage();
 
     void OnInitDialog() override;
@@ -16,5 +23,5 @@ public:
 
 private:
     QButtonGroup* choice = nullptr;
-    int outputSel = 0; // 0 file, 1 broker
+    OutputMode outputSel = toFile;
 };

@@ -83,7 +83,7 @@ private:
     CStringList brokerAddresses;
     unsigned int brokerPort = 7250;
     int lastImporterSel = 0;
-    int lastOutputSel = 0; // 0 file, 1 broker
+    int lastOutputSel = 0; // of OutputPage::OutputMode
     int fullReading = 0;
     int useTrustedLogon = 0;
     CString pwd;

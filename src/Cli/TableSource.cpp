@@ -1,6 +1,7 @@
 #include "Cli/TableSource.h"
 
 #include "Formats/MsgBase.h"
+#include "Platform/Database/ConnectString.h"
 #include "Platform/Database/Tables.h"
 #include "Platform/Secret.h"
 #include "Resources/StringIds.h"

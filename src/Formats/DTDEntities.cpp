@@ -1,6 +1,6 @@
 #include "Formats/DTDEntities.h"
 
-#include "Formats/DTDTokens.h"
+#include "Formats/DTDText.h"
 #include "Platform/Encoding.h"
 #include "Platform/Files/File.h"
 
@@ -78,7 +78,7 @@ void DTDEntities::replaceReferences(Entity& entity, std::string_view value)
 // known stays.
 std::size_t DTDEntities::replaceOne(Entity& entity, std::string_view rest, CString& out)
 {
-    const std::string_view name = rest[0] == '%' ? DTDTokens::nameAt(rest.substr(1)) : std::string_view();
+    const std::string_view name = rest[0] == '%' ? dtdNameAt(rest.substr(1)) : std::string_view();
     const std::size_t end = name.size() + 1;
     if (const Entity* known = name.empty() ? nullptr : entities.find(name); known && known != &entity && known->text) {
         if (!known->isModule) {

@@ -45,6 +45,15 @@ private:
     bool members[256] = {};
 };
 
+/// What ends a name in a declaration.
+inline constexpr CharSet kDtdDelimiter(" \t\r\n()|,&*?+\"'<>%;#[]");
+
+/// The name at the start of `text`, as far as one can stand in a reference.
+inline std::string_view dtdNameAt(std::string_view text)
+{
+    return text.substr(0, kDtdDelimiter.in(text));
+}
+
 /// Finds the next place of something in a text for starts that only ever grow: what lies between the last start and the
 /// last find is never looked at twice. `Search(text, from)` answers a position or kNowhere.
 template <auto Search>

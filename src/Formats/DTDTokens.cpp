@@ -8,7 +8,6 @@
 namespace {
 
 constexpr CharSet kBlank(" \t\r\n");
-constexpr CharSet kDelimiter(" \t\r\n()|,&*?+\"'<>%;#[]");
 constexpr CharSet kMarkup("%<]");
 constexpr std::ptrdiff_t kLongKey = 200;
 
@@ -23,11 +22,6 @@ DTDTokens::DTDTokens(DTDEntities& entities, DTDEntities::Text& main, SourceRepor
     entityTable(entities), report(report)
 {
     push(main);
-}
-
-std::string_view DTDTokens::nameAt(std::string_view text)
-{
-    return text.substr(0, kDelimiter.in(text));
 }
 
 void DTDTokens::push(DTDEntities::Text& text)
@@ -89,7 +83,7 @@ bool DTDTokens::nextDeclaration()
         } else if (stands("<!")) {
             declaration = placeIn(frame);
             frame.at += 2;
-            word = nameAt({frame.at, static_cast<std::size_t>(frame.end - frame.at)});
+            word = dtdNameAt({frame.at, static_cast<std::size_t>(frame.end - frame.at)});
             frame.at += word.size();
             base = frames.size();
             mayHoldMarkup = word == "ENTITY" || word == "entity";
@@ -209,7 +203,7 @@ const DTDTokens::Token& DTDTokens::next()
             readWord(tokenReserved, frame.at + 1);
             return current;
         default:
-            if (kDelimiter.has(*frame.at))
+            if (kDtdDelimiter.has(*frame.at))
                 setMark(*frame.at);
             else
                 readWord(tokenWord, frame.at);
@@ -222,7 +216,7 @@ const DTDTokens::Token& DTDTokens::next()
 bool DTDTokens::readReference()
 {
     Frame& frame = frames.back();
-    const std::string_view name = nameAt({frame.at + 1, static_cast<std::size_t>(frame.end - frame.at - 1)});
+    const std::string_view name = dtdNameAt({frame.at + 1, static_cast<std::size_t>(frame.end - frame.at - 1)});
     if (name.empty()) {
         setMark('%');
         return false;
@@ -250,7 +244,7 @@ bool DTDTokens::readDash()
         }
     }
     const char* const behind = frame.at + 1;
-    const bool isAlone = behind == frame.end || kDelimiter.has(*behind) || *behind == '-';
+    const bool isAlone = behind == frame.end || kDtdDelimiter.has(*behind) || *behind == '-';
     const bool isBeforeO =
         !isAlone && (*behind == 'o' || *behind == 'O') && behind + 1 < frame.end && kBlank.has(behind[1]);
     if (isAlone || isBeforeO)
@@ -278,7 +272,7 @@ void DTDTokens::readWord(Kind kind, const char* start)
 {
     Frame& frame = frames.back();
     frame.at = start;
-    while (frame.at < frame.end && !kDelimiter.has(*frame.at))
+    while (frame.at < frame.end && !kDtdDelimiter.has(*frame.at))
         ++frame.at;
     current.kind = kind;
     current.text = {start, static_cast<std::size_t>(frame.at - start)};

@@ -54,9 +54,6 @@ public:
     /// Reads to the end of the declaration.
     void skipDeclaration();
 
-    /// The name at the start of `text`, as far as one can stand in a reference.
-    static std::string_view nameAt(std::string_view text);
-
 private:
     // A text that is being read.
     struct Frame

@@ -1,5 +1,6 @@
 #include "Utils/XMLDoc.h"
 
+#include "Platform/Xml/XmlParser.h"
 #include "Resources/StringTable.h"
 
 XmlDocument::XmlDocument() : document(IXMLDOMDocument::create())

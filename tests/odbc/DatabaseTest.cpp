@@ -1,3 +1,4 @@
+#include "Platform/Database/DataSources.h"
 #include "Platform/Database/Statement.h"
 #include "Platform/Database/Tables.h"
 #include "odbc/Import.h"

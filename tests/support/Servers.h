@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Database/ConnectString.h"
 #include "Platform/Database/Odbc.h"
 #include "support/TempDir.h"
 

@@ -3,6 +3,7 @@
 #include "Broker/Client/TypeDocument.h"
 #include "Broker/Client/TypeStore.h"
 #include "Broker/IVorn.h"
+#include "Platform/Database/ConnectString.h"
 #include "Platform/Files/UserFolders.h"
 #include "Platform/Secret.h"
 

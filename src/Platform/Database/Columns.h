@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Database/Recordset.h"
+#include "Platform/Text.h"
 
 /// The columns of tables, as the catalogue of a data source lists them (SQLColumns).
 class CColumns : public CRecordset

@@ -1,12 +1,13 @@
 #include "Platform/Database/DBException.h"
 
-#include "Platform/Database/Odbc.h"
+#include "Platform/Utf8.h"
 
 #include <sql.h>
 #include <sqlext.h>
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -77,4 +78,12 @@ void CDBException::raise(short handleKind, void* handle)
             text.append(text.empty() ? "" : "\n").append(message);
     }
     throw CDBException(firstState, firstNative, text.empty() ? "The driver gave no reason" : text);
+}
+
+std::string_view driverText(const char* buffer, std::size_t capacity)
+{
+    std::string_view text(buffer, strnlen(buffer, capacity - 1));
+    if (text.size() == capacity - 1)
+        dropCutCharacter(text);
+    return trimmed(text);
 }

@@ -29,3 +29,7 @@ private:
     CString state;
     int nativeError;
 };
+
+/// A driver's text out of a buffer, up to its zero: without the white space that drivers end it with, and without the
+/// last character where the buffer's end has cut it.
+std::string_view driverText(const char* buffer, std::size_t capacity);

@@ -1,6 +1,7 @@
 #include "Platform/Database/DataSources.h"
 
-#include "Platform/Database/Odbc.h"
+#include "Platform/Database/DBException.h"
+#include "Platform/Database/Handles.h"
 
 #include <sql.h>
 #include <sqlext.h>

@@ -1,15 +1,13 @@
 #include "Platform/Database/Odbc.h"
 
+#include "Platform/Database/ConnectString.h"
 #include "Platform/Database/DriverCall.h"
-#include "Platform/Database/DriverLog.h"
 #include "Platform/Secret.h"
-#include "Platform/Utf8.h"
 
 #include <sql.h>
 #include <sqlext.h>
 
 #include <array>
-#include <cstring>
 
 namespace {
 
@@ -103,31 +101,6 @@ void lookInto(CDatabase& database)
 
 } // namespace
 
-void FreeEnvironment::operator()(void* environment) const noexcept
-{
-    SQLFreeEnv(environment);
-}
-
-void FreeConnection::operator()(void* connection) const noexcept
-{
-    SQLDisconnect(connection);
-    SQLFreeHandle(SQL_HANDLE_DBC, connection);
-    removeDriverLog();
-}
-
-void FreeStatement::operator()(void* statement) const noexcept
-{
-    SQLFreeHandle(SQL_HANDLE_STMT, statement);
-}
-
-EnvironmentHandle allocateEnvironment()
-{
-    SQLHENV raw = SQL_NULL_HENV;
-    if (SQLAllocEnv(&raw) != SQL_SUCCESS)
-        return {};
-    return EnvironmentHandle(raw);
-}
-
 bool CDatabase::Open(const CString& source, Access access, const CString& logon)
 {
     Close();
@@ -194,12 +167,4 @@ void CDatabase::ExecuteSQL(const CString& sql)
         if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
             CDBException::raise(SQL_HANDLE_STMT, statement->handle.get());
     });
-}
-
-std::string_view driverText(const char* buffer, std::size_t capacity)
-{
-    std::string_view text(buffer, strnlen(buffer, capacity - 1));
-    if (text.size() == capacity - 1)
-        dropCutCharacter(text);
-    return trimmed(text);
 }

@@ -1,52 +1,14 @@
 #pragma once
 
-#include "Platform/Database/ConnectString.h"
 #include "Platform/Database/DBException.h"
-#include "Platform/Database/DataSources.h"
+#include "Platform/Database/Handles.h"
 #include "Platform/Text.h"
 
 #include <chrono>
 #include <functional>
-#include <memory>
-#include <string_view>
 
 // ODBC over the driver manager unixODBC, whose headers stay inside this folder's sources. Names and texts go both ways
 // as UTF-8, by the narrow calls: drivers lose names of the wide ones.
-
-struct FreeEnvironment
-{
-    void operator()(void* environment) const noexcept;
-};
-struct FreeConnection
-{
-    void operator()(void* connection) const noexcept; ///< disconnects first
-};
-struct FreeStatement
-{
-    void operator()(void* statement) const noexcept;
-};
-using EnvironmentHandle = std::unique_ptr<void, FreeEnvironment>;
-using ConnectionHandle = std::unique_ptr<void, FreeConnection>;
-using StatementHandle = std::unique_ptr<void, FreeStatement>;
-
-/// A new environment, of ODBC 2: drivers answer dates as 9, 10 and 11. Empty when there is none to give.
-EnvironmentHandle allocateEnvironment();
-
-/// The handles of a connection, which live as long as somebody works with them.
-struct DatabaseHandles
-{
-    EnvironmentHandle environment; // above the connection, which has to go first
-    ConnectionHandle connection;
-};
-
-/// A statement and the connection that it runs on. Empty (false) when there is none.
-struct OpenStatement
-{
-    std::shared_ptr<DatabaseHandles> database;
-    StatementHandle handle;
-
-    explicit operator bool() const { return handle != nullptr; }
-};
 
 /// One open connection to a data source.
 class CDatabase
@@ -95,7 +57,3 @@ public:
 private:
     std::shared_ptr<DatabaseHandles> handles;
 };
-
-/// A driver's text out of a buffer, up to its zero: without the white space that drivers end it with, and without the
-/// last character where the buffer's end has cut it.
-std::string_view driverText(const char* buffer, std::size_t capacity);

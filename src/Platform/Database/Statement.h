@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Database/Odbc.h"
+#include "Platform/Text.h"
 
 #include <initializer_list>
 #include <vector>

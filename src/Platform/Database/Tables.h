@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Database/Recordset.h"
+#include "Platform/Text.h"
 
 /// The tables of a data source, as its catalogue lists them (SQLTables).
 class CTables : public CRecordset

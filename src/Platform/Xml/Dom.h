@@ -9,6 +9,7 @@ class DomTree;
 struct DomNode;
 class IXMLDOMNamedNodeMap;
 class IXMLDOMNodeList;
+struct IXMLDOMParseError;
 
 /// The failure of a DOM operation: a call on a null handle, or a node put where it can't stand.
 class ComError : public std::runtime_error
@@ -106,15 +107,6 @@ public:
 
 private:
     DomNode* next;
-};
-
-/// Why a document could not be loaded: the first error that makes it not well-formed.
-struct IXMLDOMParseError
-{
-    CString reason; ///< empty when nothing failed
-    LONG line = 0;  ///< from 1; 0 when the file could not be read, the reason is then the system's
-    LONG linepos = 0;
-    int systemError = 0; ///< the errno value where the file could not be read, or there was no memory for it
 };
 
 /// A counted reference to a document. Its nodes lie in storage of its own that goes with the last reference.

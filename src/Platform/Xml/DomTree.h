@@ -1,10 +1,12 @@
 #pragma once
 
 #include "Platform/Arena.h"
-#include "Platform/Xml/Dom.h"
+#include "Platform/Xml/XmlParser.h"
 
 #include <cstddef>
 #include <cstdint>
+
+class DomTree;
 
 /// A qualified name and how much of it is the prefix with its colon.
 struct DomName

@@ -1,9 +1,18 @@
 #pragma once
 
-#include "Platform/Xml/Dom.h"
+#include "Platform/Text.h"
 
 #include <cstddef>
 #include <optional>
+
+/// Why a document could not be loaded: the first error that makes it not well-formed.
+struct IXMLDOMParseError
+{
+    CString reason; ///< empty when nothing failed
+    LONG line = 0;  ///< from 1; 0 when the file could not be read, the reason is then the system's
+    LONG linepos = 0;
+    int systemError = 0; ///< the errno value where the file could not be read, or there was no memory for it
+};
 
 /// A name in a document. Both parts are interned: while one parse lasts, equal names are equal pointers.
 struct XmlName

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QComboBox>
+
+/// A field to type into, with a list of what was entered there earlier. Nothing is completed: a name that begins like a
+/// recent one is not that one.
+QComboBox* newRecentCombo();
