@@ -129,6 +129,13 @@ class Create(unittest.TestCase):
             self.assertEqual([0o700, 0o600], [os.stat(self.folder + "/typeforge" + name).st_mode & 0o777
                                               for name in ("", "/types.db")])
 
+    def test_a_missing_driver_is_named_with_its_package(self):
+        self.environment["ODBCSYSINI"] = self.folder  # where no driver is known
+        for server, driver, package in ("local", "SQLite3", "libsqliteodbc"), ("[::1]", "PostgreSQL Unicode", "odbc-postgresql"):
+            said = ("typeforge-import: Unable to establish a connection to Broker\n[unixODBC][Driver Manager]Can't open lib "
+                    f"'{driver}' : file not found (SQLSTATE 01000); the package is {package}\n")
+            self.assertEqual((1, "", said), self.run_import("pair.dtd", "--create", server, "--trusted"))
+
     def test_mistakes_and_failures_have_their_status(self):
         self.write("two", "")
         for status, words, *arguments in [

@@ -17,6 +17,9 @@ public:
     /// for the user alone; raises std::system_error where that fails.
     CString connectString() const;
 
+    /// The package that brings the driver.
+    const char* driverPackage() const { return isLocal() ? "libsqliteodbc" : "odbc-postgresql"; }
+
 private:
     ServerAddress address;
 };

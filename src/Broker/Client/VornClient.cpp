@@ -17,6 +17,9 @@ namespace {
 
 constexpr std::uint32_t kRefused = 99;
 
+// The driver manager's state when it can't load a driver, or knows none of that name.
+constexpr const char* kNoDriver = "01000";
+
 // The driver opens a locked file too, once it has waited for 10 s, only to wait again with each statement.
 constexpr std::chrono::seconds kLockWait(9);
 
@@ -136,6 +139,8 @@ private:
             if (address->isLocal() && std::chrono::steady_clock::now() - start > kLockWait)
                 throw std::runtime_error("Another program has locked the repository");
         } catch (const CDBException& error) {
+            if (error.queryState() == kNoDriver)
+                throw std::runtime_error(error.what() + CString("; the package is ") + address->driverPackage());
             if (!error.isLogonRefused())
                 throw;
             describe(error.what());
