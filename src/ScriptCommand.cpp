@@ -36,8 +36,8 @@ CString ScriptCommand::text(const MsgBase& message) const
         line += option("--base-path", basePath);
     for (const CString& table : tables)
         line += option("--table", table);
-    if (dynamic_cast<const FullMessage*>(&message) != nullptr)
-        line += " --full";
+    if (const auto* full = dynamic_cast<const FullMessage*>(&message))
+        line += " --full" + option("--root", full->queryRoot());
     line += option("--output", output);
     if (output.empty())
         line += option("--create", address) + option("--user", user) + option("--overwrite", overwrite);

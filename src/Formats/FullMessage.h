@@ -13,6 +13,7 @@ public:
 
     /// Makes `name` the main type, and imports only what it reaches. "" leaves the choice to the source.
     void setRoot(const CString& name) { root = name; }
+    const CString& queryRoot() const { return root; }
 
     /// What the last import did not carry over.
     const SourceReport& queryReport() const { return report; }

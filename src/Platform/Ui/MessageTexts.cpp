@@ -1,6 +1,8 @@
 #include "Platform/Ui/MessageTexts.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QLabel>
+#include <QSignalBlocker>
 #include <QTextEdit>
 #include <QVBoxLayout>
 
@@ -9,9 +11,10 @@
 
 namespace {
 
-// The lines as they break at that width.
+// The lines as they break at that width. A field that hears of it sets the width back to what it has itself.
 int heightAt(const QTextEdit& text, int width)
 {
+    const QSignalBlocker quiet(text.document()->documentLayout());
     text.document()->setTextWidth(width);
     return static_cast<int>(std::ceil(text.document()->size().height()));
 }
