@@ -33,7 +33,9 @@ void callbacks(benchmark::State& state, const CString& file)
 void walk(benchmark::State& state, const CString& file)
 {
     for (auto _ : state) {
-        XMLDataWalk handler;
+        SourceReport report;
+        XMLDataWalk handler(report, false);
+        handler.beginDocument(0);
         benchmark::DoNotOptimize(parseXmlFile(file, handler));
     }
     setRate(state, file);

@@ -1,6 +1,7 @@
 #include "EditPage.h"
 
 #include "DiagramWindow.h"
+#include "Formats/ReportText.h"
 #include "KindMark.h"
 #include "Platform/Ui/ListFilter.h"
 #include "Platform/Ui/ListView.h"
@@ -105,7 +106,7 @@ void EditPage::addMenuRow(const QString& text, void (EditPage::*action)())
 
 void EditPage::OnSetActive()
 {
-    readingRow->showReading(wizard->fullMessage());
+    readingRow->showReading(*wizard->message, wizard->fullMessage());
     showTypes();
 }
 
@@ -187,8 +188,8 @@ void EditPage::OnEdit()
 void EditPage::showReport()
 {
     CString report;
-    wizard->fullMessage()->queryReport().write([&report](std::string_view piece) { report.append(piece); });
-    view(fromUi(tr("Not carried over")), report, DocumentWindow::ofReport);
+    writeReport(*wizard->message, ReportFormat::text, [&report](std::string_view piece) { report.append(piece); });
+    view(fromUi(tr("What was not read")), report, DocumentWindow::ofReport);
 }
 
 void EditPage::view(const CString& name, const CString& text, DocumentWindow::Kind kind)

@@ -76,6 +76,7 @@ bool QELWizard::importFile(const CString& fileName)
     script = {absoluteName(fileName), options.queryPath()};
     const WaitCursor wait;
     const ImportMessages together;
+    message->wantReport();
     if (!message->parseFile(fileName, options.queryPath()))
         return false;
     setCurrentFolder(folderCWD);

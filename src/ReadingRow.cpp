@@ -33,21 +33,20 @@ ReadingRow::ReadingRow() :
     row->addWidget(details);
 }
 
-void ReadingRow::showReading(const FullMessage* message)
+void ReadingRow::showReading(const MsgBase& message, const FullMessage* full)
 {
     mainElement->clear();
-    if (message) {
-        for (const CString& name : message->queryMainTypes())
+    if (full)
+        for (const CString& name : full->queryMainTypes())
             mainElement->addItem(toUi(name));
-        showCount(*message);
-    }
+    showCount(message);
     const bool isChoice = mainElement->count() > 1;
     mainElementLabel->setVisible(isChoice);
     mainElement->setVisible(isChoice);
-    setVisible(message && (isChoice || message->queryReport().queryPlaced() > 0));
+    setVisible(isChoice || message.queryReport().queryPlaced() > 0);
 }
 
-void ReadingRow::showCount(const FullMessage& message)
+void ReadingRow::showCount(const MsgBase& message)
 {
     const std::size_t left = message.queryReport().queryPlaced();
     count->setText(left == 1 ? tr("1 construct was not carried over")

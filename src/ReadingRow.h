@@ -5,12 +5,13 @@
 #include <QWidget>
 
 class FullMessage;
+class MsgBase;
 class QComboBox;
 class QLabel;
 class QPushButton;
 
-/// What the review page says of a source that was read in full: the main element, to choose another where several could
-/// be it, and how much was not carried over. Hidden where there is nothing to say.
+/// What the review page says of how the source was read: how much of it was not carried over, and for a full reading
+/// the main element, to choose another where several could be it. Hidden where there is nothing to say.
 class ReadingRow : public QWidget
 {
     Q_OBJECT
@@ -18,11 +19,11 @@ class ReadingRow : public QWidget
 public:
     ReadingRow();
 
-    /// Shows a new import; null for one that was read literally.
-    void showReading(const FullMessage* message);
+    /// Shows a new import; `full` is the same one where it was read in full, else null.
+    void showReading(const MsgBase& message, const FullMessage* full);
 
-    /// Shows what the import of another main element left out.
-    void showCount(const FullMessage& message);
+    /// Shows what an import left out.
+    void showCount(const MsgBase& message);
 
 Q_SIGNALS:
     /// The user has chosen a main element; "" is the source's own choice.

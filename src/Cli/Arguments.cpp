@@ -1,6 +1,8 @@
 #include "Cli/Arguments.h"
 
-#include "Formats/MsgUIDescriptor.h"
+#include "Cli/Completion.h"
+#include "Formats/MsgBase.h"
+#include "Platform/Files/File.h"
 #include "Resources/StringTable.h"
 
 #include <CLI/CLI.hpp>
@@ -9,12 +11,13 @@
 
 namespace {
 
-std::vector<CString> importerWords()
+// The importer that a word names, null when none does.
+MsgUIDescriptor* importerNamed(const CString& word)
 {
-    std::vector<CString> words;
-    for (MsgUIDescriptor** importer = g_amud; *importer; ++importer)
-        words.emplace_back((*importer)->querySource().word);
-    return words;
+    MsgUIDescriptor** importer = g_amud;
+    while (*importer && word != (*importer)->querySource().word)
+        ++importer;
+    return *importer;
 }
 
 // For the completion of the shell, which so offers what there is.
@@ -32,37 +35,66 @@ std::string checkTable(const std::string& name)
     return trimmed(name).empty() ? "a name is missing" : "";
 }
 
-void checkLogon(const Arguments& arguments)
+// What stands without an option: an importer and its sources, or sources alone.
+void takeWords(const std::vector<CString>& words, Arguments& arguments)
 {
-    const bool readsTables = importerNamed(arguments.importer).querySource().readsTables;
-    if (!arguments.logon.user.empty() && arguments.create.address.empty() && !readsTables)
-        throw CLI::ValidationError("--user", "there is nobody to log on to without --create");
+    arguments.importer = importerNamed(words.front());
+    arguments.sources.assign(words.begin() + (arguments.importer != nullptr), words.end());
+    if (arguments.sources.empty())
+        throw CLI::ValidationError(words.front(), "what is its source?");
+    const CString& first = words.front();
+    if (!arguments.importer && words.size() > 1 && first != "-" && testReadable(first) == FileCause::fileNotFound)
+        throw CLI::ValidationError(first, "neither an importer (dtd, xml, xsd, btd, odbc) nor a file");
 }
 
-constexpr int kUsageMistake = 2;
-
-} // namespace
-
-bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus)
+void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
 {
-    CLI::App app("Turns a description of business messages into type definitions for a message broker.",
-                 "typeforge-import");
-    app.set_version_flag("--version", "typeforge-import " TYPEFORGE_VERSION);
-    app.add_option("IMPORTER", arguments.importer, "How to read the source")
-        ->required()
-        ->check(CLI::IsMember(importerWords()));
-    app.add_option("SOURCE", arguments.source, "A file; for odbc a data source name, or a connection string")
+    app.add_option(
+           "SOURCE", words,
+           "How to read the source (dtd, xml, xsd, btd or odbc; left out, the source tells), then the source: a "
+           "file, - for standard input; for odbc a data source name or a connection string; for xml any number")
+        ->option_text("[dtd|xml|xsd|btd|odbc] FILE ...")
         ->required();
-    CLI::Option* basePath = app.add_option("-b,--base-path", arguments.basePath,
-                                           "Folder of the broker's repository under which the types are placed");
+    app.add_option("-b,--base-path", arguments.basePath,
+                   "Folder of the broker's repository under which the types are placed")
+        ->type_name("PATH");
     app.add_option("-t,--table", arguments.tables, "odbc: a table to import, repeatable; without it all tables")
+        ->type_name("NAME")
         ->allow_extra_args(false)
         ->check(CLI::Validator(checkTable, ""));
-    app.add_option("-o,--output", arguments.output, "Write to this file instead of standard output");
-    app.add_flag("-l,--list", arguments.list, "List the types, a line each, instead of writing the message document");
-    CLI::Option* type = app.add_option("--type", arguments.type, "Write the document of this one type instead");
-    type->excludes("--list");
     addFullOptions(app, arguments.full);
+}
+
+void addOutputOptions(CLI::App& app, Arguments& arguments)
+{
+    app.add_option("-o,--output", arguments.output, "Write to this file, - for standard output, which is the default")
+        ->type_name("FILE");
+    CLI::Option* const list = app.add_flag("-l,--list", arguments.list,
+                                           "List the types, a line each, instead of writing the message document");
+    app.add_option("--type", arguments.type, "Write the document of this one type instead")
+        ->type_name("NAME")
+        ->excludes(list);
+    CLI::Option* const graph =
+        app.add_flag("--graph", arguments.graph, "Write the types and what they refer to as a graph, in DOT, instead")
+            ->excludes(list, "--type");
+    app.add_option("--diff", arguments.diff,
+                   "Compare the types with this document, written earlier, instead; status 0: the same, 1: different, "
+                   "2: trouble")
+        ->type_name("FILE")
+        ->excludes(list, graph, "--type");
+    app.add_flag("--json", arguments.json, "With --list and --diff: write JSON");
+    app.add_flag("--allow-empty", arguments.allowEmpty, "Take a source from which no type comes for a success");
+    CLI::Option* const quiet = app.add_flag_callback(
+        "-q,--quiet", [&arguments] { arguments.verbosity = Verbosity::quiet; }, "Say errors alone");
+    app.add_flag_callback(
+           "-v,--verbose", [&arguments] { arguments.verbosity = Verbosity::verbose; },
+           "Say all warnings, and how the source was read")
+        ->excludes(quiet);
+    addReportOptions(app, arguments.report);
+}
+
+void addHelpOptions(CLI::App& app)
+{
     app.add_flag_callback(
         "--importers",
         [] {
@@ -70,25 +102,67 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
             throw CLI::Success();
         },
         "List the importers, a line each: word, tab, patterns of its files, tab, name");
+    app.add_option_function<CString>(
+           "--completion",
+           [&app](const CString& shell) {
+               std::fputs(completionFor(app, shell).c_str(), stdout);
+               throw CLI::Success();
+           },
+           "Write what completes this program's command lines in a shell")
+        ->type_name("bash|zsh|fish")
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+}
+
+} // namespace
+
+bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus)
+{
+    CLI::App app("Turns a description of business messages into type definitions for a message broker.",
+                 "typeforge-import");
+    app.set_version_flag("--version", "typeforge-import " TYPEFORGE_VERSION, "The version");
+    app.set_help_flag("-h,--help", "This help");
+    std::vector<CString> words;
+    addSourceOptions(app, arguments, words);
+    addOutputOptions(app, arguments);
+    addHelpOptions(app);
     addLogonOptions(app, arguments.logon);
     addCreateOptions(app, arguments.create);
     try {
         app.parse(argc, argv);
-        checkFullOptions(arguments.full, importerNamed(arguments.importer));
-        checkLogon(arguments);
-    } catch (const CLI::ParseError& end) {
-        exitStatus = app.exit(end) == 0 ? 0 : kUsageMistake;
+        takeWords(words, arguments);
+        if (arguments.json && !arguments.list && arguments.diff.empty())
+            throw CLI::ValidationError("--json", "there is no JSON of it without --list or --diff");
+        if (const CString mistake = arguments.importer ? mistakeFor(arguments, *arguments.importer) : "";
+            !mistake.empty())
+            throw CLI::ValidationError(mistake);
+    } catch (const CLI::Success& end) {
+        exitStatus = app.exit(end);
+        return false;
+    } catch (const CLI::ParseError& mistake) {
+        exitStatus = reportMistake(mistake.what());
         return false;
     }
-    arguments.hasBasePath = basePath->count() > 0;
-    arguments.hasType = type->count() > 0;
+    arguments.hasBasePath = app.count("--base-path") > 0;
+    arguments.hasType = app.count("--type") > 0;
     return true;
 }
 
-MsgUIDescriptor& importerNamed(const CString& word)
+CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
 {
-    for (MsgUIDescriptor** importer = g_amud; *importer; ++importer)
-        if (word == (*importer)->querySource().word)
-            return **importer;
-    throw std::logic_error("no importer is called " + word);
+    const CString word = importer.querySource().word;
+    const std::unique_ptr<MsgBase> message(importer.create());
+    if (arguments.full.isWanted && !importer.hasFull())
+        return "--full: " + word + " has no full reading";
+    if (arguments.sources.size() > 1 && !message->setFurtherFiles({}))
+        return word + " reads one source at a time";
+    if (!arguments.logon.user.empty() && arguments.create.address.empty() && !importer.querySource().readsTables)
+        return "--user: there is nobody to log on to without --create";
+    return {};
+}
+
+int reportMistake(std::string_view mistake)
+{
+    report(mistake);
+    std::fputs("Try typeforge-import --help\n", stderr);
+    return kUsage;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "Cli/CreateTypes.h"
+#include "Cli/Diagnostics.h"
 #include "Cli/FullReading.h"
-#include "Platform/Text.h"
+#include "Cli/ReportFile.h"
 
 #include <vector>
 
@@ -11,23 +12,32 @@ class MsgUIDescriptor;
 /// What the command line asks for.
 struct Arguments
 {
-    CString importer; ///< a word that importerNamed() knows
-    CString source;   ///< a file, or for `odbc` a data source name or a connection string
-    CString basePath; ///< as given; only when hasBasePath
+    MsgUIDescriptor* importer = nullptr; ///< null: the source tells
+    std::vector<CString> sources;        ///< files, "-" for standard input; for tables a data source
+    CString basePath;                    ///< as given; only when hasBasePath
     bool hasBasePath = false;
-    std::vector<CString> tables; ///< `odbc`: the tables to import; empty: all
+    std::vector<CString> tables; ///< the tables to import; empty: all
     CString output;              ///< empty: standard output
     bool list = false;
+    bool json = false; ///< the list, or the differences
+    bool graph = false;
     CString type; ///< the one type to write; only when hasType
     bool hasType = false;
+    CString diff; ///< the document that the types are compared with; empty: none
+    bool allowEmpty = false;
+    Verbosity verbosity = Verbosity::normal;
     FullOptions full;
+    ReportOptions report;
     LogonOptions logon;
     CreateOptions create;
 };
 
 /// Reads the command line. When there is nothing to import (help, version, a mistake) everything that there is to say
-/// has been said and `exitStatus` is set: 0, or 2 for a mistake; the answer is then false.
+/// has been said and `exitStatus` is set: kDone, or kUsage for a mistake; the answer is then false.
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus);
 
-/// The importer that a word of the command line names.
-MsgUIDescriptor& importerNamed(const CString& word);
+/// What is off in the command line for this importer, once that is known; "" when nothing is.
+CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer);
+
+/// Reports a mistake on the command line; answers kUsage.
+int reportMistake(std::string_view mistake);

@@ -3,9 +3,7 @@
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
 #include "Cli/Output.h"
-#include "Cli/Report.h"
 #include "Platform/Secret.h"
-#include "Utils/FileMessage.h"
 #include "Utils/ServerAddress.h"
 
 #include <CLI/CLI.hpp>
@@ -18,8 +16,6 @@
 namespace {
 
 constexpr unsigned kDefaultPort = 7250;
-constexpr int kFailed = 1;
-constexpr int kSomeLeftAlone = 4;
 
 std::string checkAddress(const std::string& address)
 {
@@ -44,11 +40,11 @@ OverwriteChoice ask(const CString& question)
     }
 }
 
-OverwriteChoice choose(const CString& overwrite, const CString& question)
+OverwriteChoice choose(const CString& overwrite, const CString& question, Verbosity verbosity)
 {
     if (overwrite == "ask")
         return ask(question);
-    if (overwrite.empty())
+    if (overwrite.empty() && verbosity != Verbosity::quiet)
         report("types that exist are left alone; to replace them use --overwrite all, to be asked --overwrite ask");
     return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
 }
@@ -63,7 +59,7 @@ bool openSession(BrokerSession& session, const CreateOptions& options, const Log
     if (failure.empty())
         return true;
     const CString& words = session.queryDescription();
-    report(words.empty() ? failure : failure + "\n" + words);
+    report(words.empty() ? failure : failure + ": " + words);
     return false;
 }
 
@@ -75,7 +71,7 @@ void addCreateOptions(CLI::App& app, CreateOptions& options)
         app.add_option("--create", options.address, "Create the types in the broker at this address")
             ->type_name("SERVER[:PORT]")
             ->check(CLI::Validator(checkAddress, ""))
-            ->excludes("--output", "--list", "--type");
+            ->excludes("--output", "--list", "--type", "--graph", "--diff");
     app.add_flag("--trusted", options.trusted, "Log on as the user that runs the program (the default)")
         ->needs(create)
         ->excludes("--user");
@@ -87,7 +83,7 @@ void addCreateOptions(CLI::App& app, CreateOptions& options)
         ->needs(create);
 }
 
-int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptions& logon)
+int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptions& logon, Verbosity verbosity)
 {
     keepOutOfCores();
     std::signal(SIGPIPE, SIG_IGN); // a reader that has gone keeps no type from being created
@@ -98,7 +94,7 @@ int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptio
     bool leftAlone = false;
     const auto choice = [&](const CString& question) {
         leftAlone = overwrite.empty();
-        return choose(overwrite, question);
+        return choose(overwrite, question, verbosity);
     };
     Output lines("");
     FileCause cause = FileCause::none;
@@ -108,8 +104,8 @@ int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptio
     };
     const int errors = CreationRun(session, {choice, addLine, [](int) {}}).run(message);
     if (cause != FileCause::none)
-        report(cantOpen("standard output", cause));
-    if (errors != 0 || cause != FileCause::none)
-        return kFailed;
-    return leftAlone ? kSomeLeftAlone : 0;
+        reportUnwritten("-", cause);
+    if (errors != 0 || leftAlone)
+        return kNotCreated;
+    return cause == FileCause::none ? kDone : kNotWritten;
 }

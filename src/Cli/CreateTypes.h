@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Cli/Diagnostics.h"
 #include "Cli/Logon.h"
 #include "Platform/Text.h"
 
@@ -21,4 +22,4 @@ void addCreateOptions(CLI::App& app, CreateOptions& options);
 
 /// Creates the types of `message`, as the user that runs the program where `logon` has none, and writes one line for
 /// each to standard output. Lines that can't be written don't keep a type from being created. Answers the exit status.
-int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptions& logon);
+int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptions& logon, Verbosity verbosity);

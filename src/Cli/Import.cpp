@@ -1,11 +1,12 @@
 #include "Cli/Import.h"
 
+#include "Cli/Diff.h"
 #include "Cli/Output.h"
-#include "Cli/Report.h"
+#include "Cli/Sources.h"
 #include "Cli/TableSource.h"
-#include "Formats/FullMessage.h"
-#include "Formats/SourceUses.h"
-#include "Platform/MessageBox.h"
+#include "Cli/TypeListing.h"
+#include "Formats/ImporterChoice.h"
+#include "Formats/MsgBase.h"
 #include "Utils/FileMessage.h"
 
 namespace {
@@ -32,70 +33,112 @@ Element* findType(MsgBase& message, const CString& name)
     return byFullName;
 }
 
-void writeList(MsgBase& message, Output& output)
+void writeType(Element& type, Output& output)
 {
-    message.beginEnum();
-    while (const Element* type = message.enumNext())
-        output.write(type->queryPath() + type->queryName() + "\t" + type->queryDescription() + "\n");
-}
-
-bool writeType(MsgBase& message, const CString& name, Output& output)
-{
-    Element* type = findType(message, name);
-    if (!type) {
-        report("there is no type called " + name);
-        return false;
-    }
     CString document;
-    type->asXML(document);
+    type.asXML(document);
     output.write(document);
-    return true;
 }
 
-bool writeResult(MsgBase& message, const Arguments& arguments)
+int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagnostics)
 {
     Output output(arguments.output);
-    if (arguments.list)
-        writeList(message, output);
-    else if (!arguments.hasType)
+    if (!arguments.diff.empty())
+        return diffTypes(message, arguments.diff, arguments.json, output, diagnostics);
+    Element* const type = arguments.hasType ? findType(message, arguments.type) : nullptr;
+    if (type) {
+        writeType(*type, output);
+    } else if (arguments.hasType) {
+        diagnostics.error("there is no type called " + arguments.type);
+        return kFailed;
+    } else if (arguments.list) {
+        (arguments.json ? writeJsonList : writeList)(message, output);
+    } else if (arguments.graph) {
+        writeGraph(message, output);
+    } else {
         message.writeXML([&output](std::string_view piece) { output.write(piece); });
-    else if (!writeType(message, arguments.type, output))
-        return false;
-    const FileCause cause = output.commit();
-    if (cause == FileCause::none)
-        return true;
-    const CString target = arguments.output.empty() ? "standard output" : arguments.output;
-    report(cantOpen(target, cause));
-    return false;
+    }
+    return output.finish() ? kDone : kNotWritten;
+}
+
+// Modules and documents that are not there are everyday; only who asks for all is told of them without a report.
+void nameMissing(const SourceReport& report, Diagnostics& diagnostics)
+{
+    for (const SourceReport::Entry& entry : report.queryEntries())
+        if (entry.construct <= SourceReport::moduleRemote)
+            diagnostics.add({report.fileNameOf(entry.place.file),
+                             CString(SourceReport::wordsFor(entry.construct)) + ": " + entry.name,
+                             static_cast<long>(entry.place.line), 0, true});
+}
+
+// An import without a type is nearly always one of the wrong file, or by the wrong importer.
+void nameEmpty(const MsgUIDescriptor& importer, const CString& file, Diagnostics& diagnostics)
+{
+    const MsgUIDescriptor* const other = importer.querySource().readsTables ? nullptr : importerFor(file);
+    const bool isOther = other && other != &importer;
+    diagnostics.error(CString("no type came of it") +
+                      (isOther ? CString("; it looks like a source for ") + other->querySource().word : ""));
+}
+
+// True when there is something to write. What isn't has been said.
+bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Arguments& arguments,
+                   const std::vector<CString>& files, TableSource& tables, Diagnostics& diagnostics)
+{
+    const CString basePath = basePathOf(arguments, message);
+    message.setFurtherFiles({files.begin() + 1, files.end()});
+    if (!arguments.report.file.empty())
+        message.wantReport();
+    if (importer.querySource().readsTables)
+        tables.import(message, arguments, basePath, diagnostics);
+    else
+        message.parseFile(files.front(), basePath);
+    if (arguments.verbosity == Verbosity::verbose)
+        nameMissing(message.queryReport(), diagnostics);
+    diagnostics.finish();
+    const bool isEmpty = message.beginEnum() == 0;
+    if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
+        nameEmpty(importer, files.front(), diagnostics);
+    if (!arguments.full.isWanted && (isEmpty || diagnostics.hasLiteralError()))
+        nameWayOut(importer, files.front(), diagnostics);
+    return !diagnostics.hasErrors();
+}
+
+// The one importer for all files; null where there is none, which has been said.
+MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diagnostics)
+{
+    MsgUIDescriptor* const importer = importerOf(files.front(), diagnostics);
+    for (std::size_t i = 1; importer && i < files.size(); ++i)
+        if (importerFor(files[i]) != importer) {
+            diagnostics.add({files[i], CString("it is no source for ") + importer->querySource().word + ", as " +
+                                           shownFile(files.front()) + " is"});
+            return nullptr;
+        }
+    return importer;
 }
 
 } // namespace
 
 int runImport(const Arguments& arguments)
 {
-    int boxes = 0;
-    bool isLiteralError = false;
-    const MessageBoxHandler before = setMessageBoxHandler([&](const CString& text, const CString&) {
-        ++boxes;
-        isLiteralError |= isErrorOfLiteralReading(text);
-        report(text);
-    });
+    const int failed = arguments.diff.empty() ? kFailed : kUsage; // there 1 is no failure
+    const bool isTold = arguments.importer && arguments.importer->querySource().readsTables;
+    const std::vector<CString> files =
+        isTold ? arguments.sources : filesOf(arguments.sources, arguments.importer == nullptr);
+    Diagnostics diagnostics(shownSource(files.front()), arguments.verbosity);
+    const MsgUIDescriptor* const importer = arguments.importer ? arguments.importer : importerOf(files, diagnostics);
+    if (!importer)
+        return failed;
+    if (const CString mistake = mistakeFor(arguments, *importer); !mistake.empty())
+        return reportMistake(mistake);
     TableSource tables;
-    const MsgUIDescriptor& importer = importerNamed(arguments.importer);
-    const bool readsTables = importer.querySource().readsTables;
-    FullMessage* const full = arguments.full.isWanted ? createFull(arguments.full, importer) : nullptr;
-    const std::unique_ptr<MsgBase> message(full ? full : importer.create());
-    const CString basePath = basePathOf(arguments, *message);
-    const bool imported = readsTables ? tables.import(*message, arguments, basePath)
-                                      : message->parseFile(arguments.source, basePath) != 0;
-    setMessageBoxHandler(before);
-    if (!imported && boxes == 0)
-        report("nothing was imported from " + (readsTables ? shownSource(arguments.source) : arguments.source));
-    if (!full && (isLiteralError || message->beginEnum() == 0))
-        nameWayOut(importer, arguments.source);
-    if (full && !writeReport(*full, arguments.full))
-        return 1;
-    if (imported && !arguments.create.address.empty())
-        return createTypes(*message, arguments.create, arguments.logon);
-    return imported && writeResult(*message, arguments) ? 0 : 1;
+    const std::unique_ptr<MsgBase> message(createImporter(arguments.full, *importer));
+    const bool isThere = importSources(*message, *importer, arguments, files, tables, diagnostics);
+    const bool isReported = writeReport(*message, arguments.report);
+    if (!isThere)
+        return failed;
+    if (!isReported)
+        return arguments.diff.empty() ? kNotWritten : failed;
+    if (!arguments.create.address.empty())
+        return createTypes(*message, arguments.create, arguments.logon, arguments.verbosity);
+    return writeResult(*message, arguments, diagnostics);
 }

@@ -2,6 +2,6 @@
 
 #include "Cli/Arguments.h"
 
-/// Runs one import and writes what was asked for. The exit status: 0, or 1 when the import or the output failed, which
-/// has then been reported.
+/// Runs one import and writes what was asked for. Answers the exit status, an ExitStatus or, for --diff, that of
+/// diff(1); what went wrong has been reported.
 int runImport(const Arguments& arguments);

@@ -31,7 +31,7 @@ void readPassword(const LogonOptions& options, CString& password)
         return;
     }
     if (const FileCause cause = readFile(options.passwordFile, password); cause != FileCause::none)
-        throw std::runtime_error(cantOpen(options.passwordFile, cause));
+        throw std::runtime_error("can't open " + options.passwordFile + ": " + inWords(options.passwordFile, cause));
     const std::size_t length = password.find_first_of("\r\n"); // the rest of what was read is wiped
     Secret line{CString(std::string_view(password).substr(0, length))};
     wipe(password);

@@ -1,11 +1,14 @@
 #include "Cli/Output.h"
 
+#include "Cli/Diagnostics.h"
+#include "Utils/FileMessage.h"
+
 #include <cerrno>
 #include <cstdio>
 
-Output::Output(const CString& fileName)
+Output::Output(const CString& fileName) : fileName(fileName)
 {
-    if (!fileName.empty() && fileName != "/dev/stdout")
+    if (!fileName.empty() && fileName != "-" && fileName != "/dev/stdout")
         file = std::make_unique<AtomicFile>(fileName, AtomicFile::Special::written);
 }
 
@@ -24,4 +27,17 @@ FileCause Output::commit()
     if (cause == FileCause::none && std::fflush(stdout) != 0)
         cause = fileCauseOf(errno);
     return cause;
+}
+
+bool Output::finish()
+{
+    const FileCause end = commit();
+    if (end != FileCause::none)
+        reportUnwritten(file ? fileName : "-", end);
+    return end == FileCause::none;
+}
+
+void reportUnwritten(const CString& fileName, FileCause cause)
+{
+    report("can't write " + (fileName == "-" ? "standard output" : fileName) + ": " + inWords(fileName, cause));
 }

@@ -8,7 +8,7 @@
 class Output
 {
 public:
-    /// "" stands for standard output, as does /dev/stdout, so that a file behind it is added to.
+    /// "" and "-" stand for standard output, as does /dev/stdout, so that a file behind it is added to.
     explicit Output(const CString& fileName);
 
     void write(std::string_view bytes);
@@ -16,7 +16,14 @@ public:
     /// Ends the output; `none` when all of it has arrived.
     FileCause commit();
 
+    /// The same; false when something is lost, which has then been reported.
+    bool finish();
+
 private:
+    CString fileName;
     std::unique_ptr<AtomicFile> file; // none for standard output
     FileCause cause = FileCause::none;
 };
+
+/// Reports that a file, "-" for standard output, can't be written.
+void reportUnwritten(const CString& fileName, FileCause cause);

@@ -10,19 +10,39 @@
 #include <algorithm>
 #include <cctype>
 
-bool TableSource::import(MsgBase& message, const Arguments& arguments, const CString& basePath)
+namespace {
+
+struct NoTable
+{
+    CString name;
+};
+
+} // namespace
+
+void TableSource::import(MsgBase& message, const Arguments& arguments, const CString& basePath,
+                         Diagnostics& diagnostics)
 {
     keepOutOfCores();
+    try {
+        read(message, arguments, basePath);
+    } catch (const CDBException& error) {
+        diagnostics.error(error.what());
+    } catch (const NoTable& table) {
+        diagnostics.error("there is no table called " + table.name);
+    }
+}
+
+void TableSource::read(MsgBase& message, const Arguments& arguments, const CString& basePath)
+{
     if (!open(arguments))
-        return false;
+        return;
     CString names;
     for (const CString& table : arguments.tables) {
         requireTable(CString(trimmed(table)));
         names += table + '\n';
     }
-    if (arguments.tables.empty() && !listTables(names))
-        return false;
-    return !names.empty() && message.parseData(names, basePath) != 0;
+    if ((!arguments.tables.empty() || listTables(names)) && !names.empty())
+        message.parseData(names, basePath);
 }
 
 // With --create the user and the password are the broker's.
@@ -34,12 +54,8 @@ bool TableSource::open(const Arguments& arguments)
         readPassword(arguments.logon, password.text);
         logon.text = logonText(arguments.logon.user, password.text);
     }
-    try {
-        if (database.Open(arguments.source, CDatabase::readOnly, logon.text))
-            return true;
-    } catch (const CDBException& error) {
-        throw std::runtime_error("can't open " + shownSource(arguments.source) + ": " + error.what());
-    }
+    if (database.Open(arguments.sources.front(), CDatabase::readOnly, logon.text))
+        return true;
     theApp.Error(IDS_SELECT_DATASOURCE, IDS_ERROR_TITLE);
     return false;
 }
@@ -49,7 +65,7 @@ void TableSource::requireTable(const CString& name)
 {
     CTables tables(&database);
     if (tables.Open(nullptr, nullptr, name.c_str(), nullptr) && tables.IsEOF())
-        throw std::runtime_error("there is no table called " + name);
+        throw NoTable{name};
 }
 
 // All that are of the type TABLE, each name ended by a line feed.

@@ -16,11 +16,12 @@ public:
 
     CDatabase* queryDatabase() override { return &database; }
 
-    /// Opens the data source and imports the tables that were asked for. False when it failed, which has then been
-    /// shown; an error of the database, or a table that there is not, is raised.
-    bool import(MsgBase& message, const Arguments& arguments, const CString& basePath);
+    /// Opens the data source and imports the tables that were asked for. What fails of it is said; a password that
+    /// can't be read is raised.
+    void import(MsgBase& message, const Arguments& arguments, const CString& basePath, Diagnostics& diagnostics);
 
 private:
+    void read(MsgBase& message, const Arguments& arguments, const CString& basePath);
     bool open(const Arguments& arguments);
     void requireTable(const CString& name);
     bool listTables(CString& names);

@@ -1,5 +1,5 @@
+#include "Cli/Diagnostics.h"
 #include "Cli/Import.h"
-#include "Cli/Report.h"
 #include "Platform/Files/TemporaryFile.h"
 #include "Utils/QELApp.h"
 
@@ -7,8 +7,6 @@
 #include <unistd.h>
 
 namespace {
-
-constexpr int kFailed = 1;
 
 [[noreturn]] void endWithReport()
 {
@@ -36,7 +34,7 @@ int main(int argc, char** argv)
 {
     try {
         Arguments arguments;
-        int exitStatus = 0;
+        int exitStatus = kDone;
         return parseArguments(argc, argv, arguments, exitStatus) ? runImport(arguments) : exitStatus;
     } catch (const std::exception& error) {
         report(wordsOf(error));

@@ -2,6 +2,8 @@
 
 #include "Utils/XMLDoc.h"
 
+#include <algorithm>
+
 const BrokerMessage::Content BrokerMessage::kContents[] = {
     {"ARRAY", Element::typeArray, &BrokerMessage::readArray},
     {"ENUM", Element::typeEnum, &BrokerMessage::readConstants},
@@ -13,10 +15,11 @@ int BrokerMessage::parse(const CString& source, const CString&, const CString&)
 {
     XmlDocument document;
     if (!document.setFile(source))
-        return fail(document.queryParseError());
+        return fail(document.queryParseError(), document.queryFault());
     const IXMLDOMElement root = document.getElement();
     if (!root)
         return 0;
+    report.addFile(source);
     mainTypeName = root.baseName();
     IXMLDOMNodeList types = root.childNodes();
     IXMLDOMNode type = types.nextNode();
@@ -43,8 +46,10 @@ bool BrokerMessage::readType(const IXMLDOMNode& node)
     type.element = addElement(type.name, type.folder, type.name, description, Element::typeRow, nullptr);
     IXMLDOMNodeList contents = node.childNodes();
     IXMLDOMNode content = contents.nextNode();
-    if (!content)
+    if (!content) {
+        passOver("all from a type without content on", type.name);
         return false;
+    }
     for (; content; content = contents.nextNode())
         readContent(content, type);
     return true;
@@ -53,12 +58,17 @@ bool BrokerMessage::readType(const IXMLDOMNode& node)
 // The last content element decides the kind; the fields and constants of all stay.
 void BrokerMessage::readContent(const IXMLDOMNode& content, const Type& type)
 {
-    for (const Content& known : kContents) {
-        if (content.nodeName() != known.tag)
-            continue;
-        type.element->setType(known.kind);
-        (this->*known.read)(content, type);
-    }
+    const auto* const known = std::find_if(std::begin(kContents), std::end(kContents),
+                                           [&](const Content& row) { return row.tag == content.nodeName(); });
+    if (known == std::end(kContents))
+        return passOver(content.nodeName(), type.name);
+    type.element->setType(known->kind);
+    (this->*known->read)(content, type);
+}
+
+void BrokerMessage::passOver(std::string_view what, const CString& typeName)
+{
+    report.add(SourceReport::declarationPassedOver, {}, CString(what) + ": " + typeName);
 }
 
 // The component isn't read: an array has no known type.
@@ -67,6 +77,8 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
     CString size;
     getAttribute(content, "SIZE", size);
     type.element->setSize(size);
+    if (content.firstChild())
+        passOver("component of an array", type.name);
 }
 
 // Each constant's key holds the type's name and all constants before it, so no two of an enumeration are the same.

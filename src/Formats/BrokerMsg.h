@@ -42,6 +42,7 @@ private:
     void readConstants(const IXMLDOMNode& content, const Type& type);
     void readFields(const IXMLDOMNode& content, const Type& type);
     void readTable(const IXMLDOMNode& content, const Type& type);
+    void passOver(std::string_view what, const CString& typeName);
     static int getAttribute(const IXMLDOMNode& node, std::string_view name, CString& value);
 
     static const Content kContents[];

@@ -130,9 +130,12 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
     const auto [folder, isNew] = folders.try_emplace(declaring);
     if (isNew)
         folder->second = folderOf(report.fileNameOf(declaring));
-    const auto found = finder.find(folder->second, localPath(entity.systemId));
+    const CString path = localPath(entity.systemId);
+    const auto found = finder.find(folder->second, path);
     if (!found) {
-        report.add(SourceReport::moduleMissing, where, entity.systemId.empty() ? entity.name : entity.systemId);
+        const bool isRemote = path.empty() && !entity.systemId.empty();
+        report.add(isRemote ? SourceReport::moduleRemote : SourceReport::moduleMissing, where,
+                   entity.systemId.empty() ? entity.name : entity.systemId);
         return nullptr;
     }
     const auto [known, isFirst] = filesById.try_emplace(found->id);

@@ -1,9 +1,12 @@
 #include "Formats/DTDMsg.h"
 
+#include "Formats/DTDNotes.h"
 #include "Resources/StringTable.h"
 #include "Utils/QELApp.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 namespace {
 
@@ -72,15 +75,19 @@ DTDMessage::Text::Text(std::string_view whole) :
     behindTextKeyword(whole), groups(whole)
 {}
 
-int DTDMessage::parse(const CString& source, const CString& basePath, const CString&)
+int DTDMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
     CString copy;
     Text parsed(withoutNul(source, copy));
     text = &parsed;
+    sourceName = fileName;
+    report.addFile(fileName);
+    if (isReportWanted)
+        reportPassedOver(parsed.whole, parsed.lines.emplace(parsed.whole), report);
     const int result = scan();
-    text = nullptr;
     if (result)
         declareAll(basePath + mainType + "\\");
+    text = nullptr;
     dtdElements.clear();
     memory.release();
     return result;
@@ -127,7 +134,18 @@ int DTDMessage::refuse(std::string_view statement)
     std::size_t size = std::min(statement.size(), kExcerpt);
     while (size > 0 && size < statement.size() && (statement[size] & 0xC0) == 0x80) // inside a character
         --size;
-    return fail(fillText(loadText(IDS_DTD_STATEMENT), statement.substr(0, size)));
+    const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement.substr(0, size));
+    return fail(words, faultAt(static_cast<std::size_t>(statement.data() - text->whole.data()), words));
+}
+
+// What is said of the statement that begins at `at`, or at the '<' before.
+SourceFault DTDMessage::faultAt(std::size_t at, std::string_view words)
+{
+    if (!text->lines)
+        text->lines.emplace(text->whole);
+    const std::size_t start = text->whole.rfind('<', at);
+    const std::size_t place = start == kNowhere ? at : start;
+    return {sourceName, CString(words), text->lines->lineOf(place), text->lines->columnOf(place)};
 }
 
 // One statement, from its '<' to behind its '>'. Both handlers run when both keywords occur.
@@ -253,7 +271,11 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
     for (std::size_t left = statement.size(); left >= 2; left = rest.size()) {
         std::string_view element, attribute;
         if (!takeWord(element) || !takeWord(attribute)) {
-            theApp.Error(fillText(loadText(IDS_DTD_STATEMENT), statement), IDS_ERROR_TITLE);
+            const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement);
+            SourceFault fault = faultAt(start, words);
+            fault.isWarning = true;
+            report.add(SourceReport::statementUnreadable, {0, static_cast<std::uint32_t>(fault.line)}, statement);
+            theApp.Error(words, IDS_ERROR_TITLE, fault);
             return;
         }
         if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)
@@ -297,6 +319,7 @@ void DTDMessage::declareAll(const CString& path)
 
 void DTDMessage::declareRecord(DTDElement& record, const CString& path)
 {
+    noteName(record);
     const CString name(record.queryName());
     RunningHash key(name);
     Element* row = addElement(key, path, name, Element::typeRow, nullptr);
@@ -311,6 +334,7 @@ void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHas
 {
     std::string_view name = child.queryName();
     const Modifiers mark = getModifiers(name); // takes the mark off the name
+    noteName(child);
     const Fingerprint key = usageKey.append(name);
     if (child.element)
         addUsage(key, child.element, record);
@@ -318,6 +342,22 @@ void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHas
         child.element = addElement(key, path, CString(name), Element::typeString, record);
     if (mark == modStar || mark == modPlus)
         addUsage(key, child.element, record);
+}
+
+// Reports a name that no element or attribute of a document can have; once, by its first place.
+void DTDMessage::noteName(DTDElement& entry)
+{
+    if (!isReportWanted || std::exchange(entry.isNoted, true))
+        return;
+    std::string_view name = entry.queryName();
+    getModifiers(name);
+    if (isXmlName(name))
+        return;
+    const std::string_view whole = text->whole;
+    const bool isOfText =
+        std::greater_equal<>()(name.data(), whole.data()) && std::less<>()(name.data(), whole.data() + whole.size());
+    const long line = isOfText ? text->lines->lineOf(static_cast<std::size_t>(name.data() - whole.data())) : 0;
+    report.add(SourceReport::impossibleName, {0, static_cast<std::uint32_t>(line)}, name);
 }
 
 // Takes all marks off the end of a name; one that repeats counts more than a '?'.

@@ -4,6 +4,7 @@
 #include "Formats/MsgBase.h"
 #include "Utils/KeyedTable.h"
 
+#include <optional>
 #include <vector>
 
 /// One name that a DTD mentions, and the names that it holds. Texts are views: they live as long as the text that is
@@ -27,6 +28,8 @@ public:
 
     /// What the message model has for the name, marks taken off; null until it was declared.
     Element* element = nullptr;
+
+    bool isNoted = false; ///< the report has been told that the name can't be one
 
 private:
     std::string_view name;
@@ -82,6 +85,7 @@ private:
         DTDGroups groups;
         std::size_t lastClose = kNowhere; // the last ')' before closeSeen
         std::size_t closeSeen = 0;
+        std::optional<TextLines> lines; // once a place has been asked for
     };
 
     int scan();
@@ -99,9 +103,12 @@ private:
     void declareAll(const CString& path);
     void declareRecord(DTDElement& record, const CString& path);
     void declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record);
-    static int refuse(std::string_view statement);
+    int refuse(std::string_view statement);
+    SourceFault faultAt(std::size_t at, std::string_view words);
+    void noteName(DTDElement& entry);
     static Modifiers getModifiers(std::string_view& name);
 
+    CString sourceName;
     CString mainType; // the first element that this importer ever read
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
     Arena memory; // of the entries and of the names that don't stand in the text as they are

@@ -62,6 +62,22 @@ std::size_t findNameEnd(std::string_view text, std::size_t from)
     return ends.in(text, from);
 }
 
+TextLines::TextLines(std::string_view text) : starts{0}
+{
+    for (std::size_t at = text.find('\n'); at != kNowhere; at = text.find('\n', at + 1))
+        starts.push_back(at + 1);
+}
+
+long TextLines::lineOf(std::size_t at) const
+{
+    return std::upper_bound(starts.begin(), starts.end(), at) - starts.begin();
+}
+
+long TextLines::columnOf(std::size_t at) const
+{
+    return static_cast<long>(at - starts[static_cast<std::size_t>(lineOf(at) - 1)] + 1);
+}
+
 DTDGroups::DTDGroups(std::string_view text)
 {
     static constexpr CharSet structure("()*+,|&");

@@ -77,6 +77,19 @@ private:
     bool searched = false;
 };
 
+/// Lines and columns of places in a text, both counted from 1, columns in bytes.
+class TextLines
+{
+public:
+    explicit TextLines(std::string_view text);
+
+    long lineOf(std::size_t at) const;
+    long columnOf(std::size_t at) const;
+
+private:
+    std::vector<std::size_t> starts;
+};
+
 /// The parentheses of a text, matched once for all content models in it.
 class DTDGroups
 {

@@ -37,14 +37,16 @@ struct FullMessage::Declaring
 
 int FullMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
-    report.clear();
     mainType.clear();
     mainTypes.clear();
     try {
         import(source, fileName, basePath);
         return 1;
     } catch (const SourceRefusal& refusal) {
-        return fail(refusal.text);
+        SourceFault fault = refusal.fault;
+        if (fault.file.empty())
+            fault.file = fileName;
+        return fail(refusal.text, fault);
     }
 }
 
@@ -53,7 +55,8 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     SourceTypes types(fileName);
     read(source, fileName, types, report);
     if (types.empty())
-        throw SourceRefusal{fileName + " declares no element, type or enumeration."};
+        throw SourceRefusal{fileName + " declares no element, type or enumeration.",
+                            {"", "it declares no element, type or enumeration"}};
     const Index main = chooseMain(types, fileName);
     RecordOrder order(types);
     if (main != SourceTypes::kNone)
@@ -92,7 +95,7 @@ SourceTypes::Index FullMessage::chooseMain(SourceTypes& types, const CString& fi
     if (!root.empty()) {
         const auto named = std::ranges::find(types.candidates, std::string_view(root), &SourceTypes::Candidate::name);
         if (named == types.candidates.end())
-            throw SourceRefusal{"There is no element called " + root + "."};
+            throw SourceRefusal{"There is no element called " + root + ".", {"", "there is no element called " + root}};
         chosen = static_cast<Index>(named - types.candidates.begin());
     }
     if (chosen == SourceTypes::kNone) {

@@ -15,9 +15,6 @@ public:
     void setRoot(const CString& name) { root = name; }
     const CString& queryRoot() const { return root; }
 
-    /// What the last import did not carry over.
-    const SourceReport& queryReport() const { return report; }
-
     /// The elements that could well be the main type, the one that the source's own choice falls on first.
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
 
@@ -50,5 +47,4 @@ private:
     CString root;
     CString mainType;
     std::vector<CString> mainTypes;
-    SourceReport report;
 };

@@ -24,7 +24,7 @@ int MsgBase::parseFile(const CString& fileName, const CString& basePath)
     if (!isFileMode()) {
         const FileCause cause = readFile(fileName, source);
         if (cause != FileCause::none)
-            return fail(cantOpen(fileName, cause));
+            return fail(cantOpen(fileName, cause), {fileName, inWords(fileName, cause)});
     }
     const int result = parse(isFileMode() ? fileName : source, basePath, fileName);
     source = {}; // the ordering needs room of its own
@@ -149,6 +149,7 @@ void MsgBase::clear()
     elements.clear();
     usages.clear();
     orderedList.clear();
+    report.clear();
     for (Element* element : ownedElements)
         element->~Element();
     ownedElements.clear();
@@ -186,6 +187,8 @@ void MsgBase::makeTables()
         Element* table = findElement(tableName);
         if (!table)
             table = makeTable(*usage, tableName);
+        else if (areTablesInAll && usage->parent && table->type == Element::typeTable)
+            usage->parent->toTable(element, table);
         element->addParent(table);
         usage->element = table;
         usage->instances = 1;
@@ -207,8 +210,8 @@ Element* MsgBase::makeTable(ChildElement& usage, const CString& tableName)
     return table;
 }
 
-int MsgBase::fail(const CString& text)
+int MsgBase::fail(const CString& text, const SourceFault& fault)
 {
-    theApp.Error(text, IDS_ERROR_TITLE);
+    theApp.Error(text, IDS_ERROR_TITLE, fault);
     return 0;
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Formats/MsgUIDescriptor.h"
+#include "Formats/SourceReport.h"
 #include "Formats/TypeList.h"
 #include "Platform/Arena.h"
+#include "Platform/MessageBox.h"
 
 #include <functional>
 
@@ -28,6 +30,15 @@ public:
 
     /// Clears the model and imports a file. 0 when it can't be opened (message 2210), else what parse() answered.
     int parseFile(const CString& fileName, const CString& basePath);
+
+    /// Further files that parseFile() reads after its own, all as one source. False where an importer reads one alone.
+    virtual bool setFurtherFiles(const std::vector<CString>&) { return false; }
+
+    /// Has what a literal reading passes over noted in the report too, which takes a look at the source of its own.
+    void wantReport() { isReportWanted = true; }
+
+    /// What of the last source was not carried over into the types.
+    const SourceReport& queryReport() const { return report; }
 
     /// Clears the model and imports `data`; answers what parse() answered.
     int parseData(const CString& data, const CString& basePath);
@@ -66,6 +77,9 @@ protected:
     /// One more occurrence of an element that addElement() has returned before, without looking its name up.
     void addUsage(const Fingerprint& usageKey, Element* element, Element* parent);
 
+    /// A field that repeats is a table in each of its records; else in the first alone.
+    void tablesInAllParents(bool inAll) { areTablesInAll = inAll; }
+
     /// Makes room for so many usages at once.
     void reserveUsages(std::size_t count) { usages.reserve(count); }
 
@@ -79,8 +93,12 @@ protected:
     void orderList(Element* element); ///< places an element and all that it leads to, see TypeOrder
     void addToOrderedList(Element* element) { orderedList.add(element); }
 
-    /// Shows `text` under the title "Typeforge Error" and answers 0, the result of an import that failed.
-    static int fail(const CString& text);
+    /// Shows `text` under the title "Typeforge Error" and answers 0, the result of an import that failed. `fault` says
+    /// it in parts.
+    static int fail(const CString& text, const SourceFault& fault);
+
+    SourceReport report;
+    bool isReportWanted = false;
 
 private:
     Element* own(Element* element);
@@ -98,4 +116,5 @@ private:
     TypeList orderedList;
     std::size_t enumPosition = static_cast<std::size_t>(-1);
     int mergeByName;
+    bool areTablesInAll = false;
 };

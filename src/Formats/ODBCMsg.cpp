@@ -55,8 +55,16 @@ void ODBCMessage::createFromTable(const CString& tableName, const CString& baseP
     CColumns columns(mainWindow ? mainWindow->queryDatabase() : nullptr);
     columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
     Element* table = addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
-    for (columns.MoveFirst(); !columns.IsEOF(); columns.MoveNext())
+    const SourcePlace place{report.addFile(tableName)};
+    bool isEmpty = true;
+    for (columns.MoveFirst(); !columns.IsEOF(); columns.MoveNext()) {
+        isEmpty = false;
         if (const auto type = elementTypeOf(columns.dataType))
             addElement(tableName + columns.columnName, basePath, columns.columnName, columns.remarks, *type, table);
+        else
+            report.add(SourceReport::columnPassedOver, place, columns.columnName + " (" + columns.typeName + ")");
+    }
+    if (isEmpty)
+        report.add(SourceReport::emptyTable, place, tableName);
     columns.Close();
 }

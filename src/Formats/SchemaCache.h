@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Formats/SchemaLocation.h"
+#include "Formats/SchemaOutline.h"
+#include "Formats/SourceReport.h"
 
 #include <deque>
 #include <set>
@@ -10,18 +12,28 @@
 class SchemaCache
 {
 public:
-    /// Adds what a document names, by schemaLocation, relative to that document. The texts must live as long as the
-    /// walk. The first one to be added is the schema's own; it will not come again.
-    void add(const CString& fileName, const std::vector<std::string_view>& locations);
+    using Locations = std::vector<SchemaOutline::Location>;
 
-    /// The next file to be read, whose locations are then to be added; nothing at the end. What names no file is left
-    /// out.
-    std::optional<CString> next();
+    /// Where a document is named, and what that led to.
+    struct Document
+    {
+        CString name; ///< of the file; "" where there is none
+        SourcePlace place;
+        std::string_view location; ///< as it is written
+    };
+
+    /// Adds what a document names, by schemaLocation, relative to that document, which the report has as `file`. The
+    /// texts must live as long as the walk. The first one to be added is the schema's own; it will not come again.
+    void add(const CString& fileName, std::uint32_t file, const Locations& locations);
+
+    /// The next file to be read, whose locations are then to be added; nothing at the end.
+    std::optional<Document> next();
 
 private:
     struct Reference
     {
         std::size_t folder; // an index into `folders`
+        SourcePlace place;
         std::string_view location;
     };
 

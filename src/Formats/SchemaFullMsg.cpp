@@ -8,8 +8,7 @@ SchemaFullMessage::SchemaFullMessage() : FullMessage(SchemaMessage::m_descr) {}
 void SchemaFullMessage::read(const CString& source, const CString&, SourceTypes& types, SourceReport& report)
 {
     SchemaSet set(types, report);
-    if (const CString error = set.load(source); !error.empty())
-        throw SourceRefusal{error};
+    set.load(source);
     SchemaTypes(set, types).read();
     set.reportNotes();
 }

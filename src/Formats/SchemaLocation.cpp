@@ -91,7 +91,9 @@ CString localPath(std::string_view reference)
 
 CString folderOf(const CString& fileName)
 {
-    const CString folder = fileName.substr(0, fileName.rfind('/') + 1);
+    // What comes through a descriptor lies nowhere: the current folder stands in.
+    const bool isDescriptor = fileName.starts_with("/dev/") || fileName.starts_with("/proc/self/fd/");
+    const CString folder = isDescriptor ? "" : fileName.substr(0, fileName.rfind('/') + 1);
     std::error_code failure;
     // Resolved, so that a long chain of "../x/y.xsd" does not pile up a path that is too long to open.
     const std::filesystem::path resolved = std::filesystem::canonical(folder.empty() ? "." : folder, failure);

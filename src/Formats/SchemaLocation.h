@@ -45,7 +45,7 @@ private:
     bool isBlind = false;             // the system has kept something from us
 };
 
-/// The folder that a file lies in, links resolved, with a final slash.
+/// The folder that a file lies in, links resolved, with a final slash; the current one for standard input and devices.
 CString folderOf(const CString& fileName);
 
 /// The identity of what `fileName` names, whatever it is; nothing when there is no such file.

@@ -19,14 +19,27 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
                           SchemaTable::Outlines& outlines)
 {
     XmlDocument document;
-    const SchemaOutline& main = outlines.emplace_back();
-    if (!document.streamFile(source, outlines.front()))
-        return fail(document.queryParseError());
-    if (!fileName.empty() && !main.hasTargetNamespace() && !readIncluded(fileName, outlines))
+    notes.clear();
+    if (!readFile(source, document, outlines))
+        return fail(document.queryParseError(), document.queryFault());
+    const SchemaOutline& main = outlines.front();
+    if (main.hasTargetNamespace())
+        passOver(main, 0);
+    else if (!fileName.empty() && !readIncluded(fileName, outlines))
         return 0;
-    table.readIncluded(outlines, !fileName.empty());
+    table.readIncluded(outlines, !fileName.empty(), report, isReportWanted);
     baseFolder = basePath.ends_with('\\') ? basePath : basePath + "\\";
-    return doParse(main, baseFolder);
+    return doParse(main, source);
+}
+
+/// Reads a document into an outline of its own, which is the last one then.
+bool SchemaMessage::readFile(const CString& fileName, XmlDocument& document, SchemaTable::Outlines& outlines)
+{
+    const std::uint32_t file = report.addFile(fileName);
+    SchemaOutline& outline = outlines.emplace_back(file);
+    if (!isReportWanted)
+        return document.streamFile(fileName, outline);
+    return document.streamFile(fileName, notes.emplace_back(outline, report, file));
 }
 
 /// Reads the documents that the schema names, behind its own outline. What is missing or not well-formed is left out;
@@ -34,17 +47,36 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
 bool SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines& outlines)
 {
     SchemaCache cache;
-    cache.add(fileName, outlines.front().locations());
-    while (const auto file = cache.next()) {
+    cache.add(fileName, 0, outlines.front().locations());
+    while (const auto named = cache.next()) {
+        if (named->name.empty()) {
+            const bool isRemote = localPath(named->location).empty() && !named->location.empty();
+            report.add(isRemote ? SourceReport::moduleRemote : SourceReport::moduleMissing, named->place,
+                       named->location);
+            continue;
+        }
         XmlDocument document;
-        if (document.streamFile(*file, outlines.emplace_back()))
-            cache.add(*file, outlines.back().locations());
-        else if (document.querySystemError() != 0)
-            return fail(cantOpen(*file, fileCauseOf(document.querySystemError()))) != 0;
-        else
-            outlines.pop_back();
+        if (readFile(named->name, document, outlines)) {
+            cache.add(named->name, outlines.back().placeOf(SchemaOutline::kRoot).file, outlines.back().locations());
+            continue;
+        }
+        if (const int error = document.querySystemError(); error != 0)
+            return fail(cantOpen(named->name, fileCauseOf(error)),
+                        {report.fileNameOf(named->place.file),
+                         CString(named->location) + ": " + document.queryFault().reason, named->place.line}) != 0;
+        report.add(SourceReport::moduleIllFormed, named->place, named->location);
+        outlines.pop_back();
+        if (isReportWanted)
+            notes.pop_back();
     }
     return true;
+}
+
+/// The documents that a schema with a namespace names are not read.
+void SchemaMessage::passOver(const SchemaOutline& outline, std::uint32_t file)
+{
+    for (const SchemaOutline::Location& location : outline.locations())
+        report.add(SourceReport::declarationPassedOver, {file, location.line}, location.text);
 }
 
 /// A field that is about to be declared.
@@ -54,12 +86,14 @@ struct SchemaMessage::Field
     CString typeName;
 };
 
-int SchemaMessage::doParse(const SchemaOutline& outline, const CString& folder)
+int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
 {
     if (queryMainTypeName().empty())
-        return fail(loadText(IDS_NO_ROOT));
-    table.readMain(outline);
-    const CString path = folder + table.queryMainType() + "\\";
+        return fail(loadText(IDS_NO_ROOT), {source, "this document does not contain a root element"});
+    table.readMain(outline, report, isReportWanted);
+    for (SchemaNotes& document : notes)
+        document.reportUnknownTypes([this](std::string_view type) { return table.find(type) != nullptr; });
+    const CString path = baseFolder + table.queryMainType() + "\\";
     reserveUsages(countFields());
     Field field; // its texts seldom have to grow from one to the next
     for (const SchemaElement* entry : table.queryDeclared())

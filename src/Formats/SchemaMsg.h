@@ -1,7 +1,10 @@
 #pragma once
 
 #include "Formats/MsgBase.h"
+#include "Formats/SchemaNotes.h"
 #include "Formats/SchemaTable.h"
+
+class XmlDocument;
 
 /// The importer of XML Schema files. Complex types become records, the elements and attributes declared in them fields;
 /// schema tags are known by the literal prefixes "xsd:" and "xs:", namespaces are not resolved. SchemaTable holds what
@@ -32,8 +35,10 @@ private:
 
     int import(const CString& source, const CString& basePath, const CString& fileName,
                SchemaTable::Outlines& outlines);
-    static bool readIncluded(const CString& fileName, SchemaTable::Outlines& outlines);
-    int doParse(const SchemaOutline& outline, const CString& folder);
+    bool readFile(const CString& fileName, XmlDocument& document, SchemaTable::Outlines& outlines);
+    bool readIncluded(const CString& fileName, SchemaTable::Outlines& outlines);
+    void passOver(const SchemaOutline& outline, std::uint32_t file);
+    int doParse(const SchemaOutline& outline, const CString& source);
     std::size_t countFields() const;
     void declareRecord(const SchemaElement& entry, const CString& path, Field& field);
     void declareField(Field& field, Modifiers mark, const Fingerprint& usageKey, const CString& path, Element* record);
@@ -42,6 +47,7 @@ private:
     static Modifiers getModifiers(const SchemaElement& entry) { return entry.isMarked() ? modStar : modNone; }
     static int removeModifiers(CString& name);
 
+    std::deque<SchemaNotes> notes; // of the documents that were read; none where no report is wanted
     SchemaTable table;
     CString baseFolder;
 };

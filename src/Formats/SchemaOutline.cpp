@@ -45,7 +45,7 @@ bool isMany(std::string_view maxOccurs)
 
 } // namespace
 
-SchemaOutline::SchemaOutline()
+SchemaOutline::SchemaOutline(std::uint32_t file) : file(file)
 {
     entries.emplace_back();
 }
@@ -91,14 +91,17 @@ void SchemaOutline::noteLocation(XmlName name, XmlAttributes attributes)
         return;
     for (std::size_t i = 0; i < attributes.size(); ++i)
         if (isCalled(attributes[i].name, "schemaLocation"))
-            schemaLocations.push_back(texts.keep(attributes[i].value));
+            schemaLocations.push_back({texts.keep(attributes[i].value), line});
 }
 
 /// Links a declaration with its parent and its siblings.
 SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
 {
     const auto place = static_cast<Index>(entries.size());
-    entries.emplace_back().declaration = readDeclaration(attributes);
+    Entry& entry = entries.emplace_back();
+    entry.declaration = readDeclaration(attributes);
+    entry.declaration.line = line;
+    entry.tag = tag;
     Level& parent = open.back();
     Index& last = parent.lastChild[tag];
     if (last != kNone)
@@ -168,6 +171,13 @@ bool SchemaOutline::holdsTypeNamed(std::string_view name) const
             typeNames->insert(entries[place].declaration.isReference ? "" : entries[place].declaration.name());
     }
     return typeNames->contains(name);
+}
+
+void SchemaOutline::reportUnread(SourceReport& report) const
+{
+    for (const Entry& entry : entries)
+        if (entry.tag != complexType && !entry.isRead)
+            report.add(SourceReport::declarationPassedOver, {file, entry.declaration.line}, entry.declaration.name());
 }
 
 void SchemaOutline::keepTextsOnly()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Formats/SourceReport.h"
 #include "Platform/Arena.h"
 #include "Platform/Xml/XmlParser.h"
 #include "Utils/KeyedTable.h"
@@ -27,6 +28,7 @@ struct SchemaDeclaration
     bool hasType = false;       ///< a `type` is written
     bool isReference = false;   ///< it has no name of its own
     bool repeats = false;       ///< its `maxOccurs` is greater than 1 or "unbounded"
+    std::uint32_t line = 0;     ///< in its document, from 1
 };
 
 /// The declarations of one schema document, as far as they are read: what is called xsd:element, xs:element and so on,
@@ -47,11 +49,23 @@ public:
     static constexpr Index kRoot = 0;
     static constexpr Index kNone = ~0U;
 
-    SchemaOutline();
+    /// What the schema includes, imports or redefines.
+    struct Location
+    {
+        std::string_view text; ///< the schemaLocation
+        std::uint32_t line;
+    };
 
+    /// `file` is the document's number in the import's report.
+    explicit SchemaOutline(std::uint32_t file);
+
+    void scope(const XmlScope& scope) override { line = static_cast<std::uint32_t>(scope.line); }
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
     bool wantsText() const override { return false; }
+    bool wantsScopes() const override { return true; }
+
+    SourcePlace placeOf(Index at) const { return {file, entries[at].declaration.line}; }
 
     /// How many declarations there are, and the root.
     std::size_t size() const { return entries.size(); }
@@ -74,8 +88,14 @@ public:
     /// called `name`.
     bool holdsTypeNamed(std::string_view name) const;
 
-    /// The schemaLocation of each document that the schema includes, imports or redefines, in document order.
-    const std::vector<std::string_view>& locations() const { return schemaLocations; }
+    /// Where documents are that the schema includes, imports or redefines, in document order.
+    const std::vector<Location>& locations() const { return schemaLocations; }
+
+    /// Notes that an element or attribute was taken into account.
+    void markRead(Index at) const { entries[at].isRead = true; }
+
+    /// Reports the elements and attributes that were not.
+    void reportUnread(SourceReport& report) const;
 
     bool hasTargetNamespace() const { return isTargeted; }
 
@@ -90,6 +110,8 @@ private:
         SchemaDeclaration declaration;
         Index end = 0; // behind the last descendant
         Index nextSibling = kNone;
+        Tag tag = complexType;
+        mutable bool isRead = false;
         std::array<Index, kTags> firstChild{kNone, kNone, kNone};
     };
 
@@ -111,7 +133,9 @@ private:
     std::vector<Entry> entries;
     std::array<std::array<std::vector<Index>, kTags>, 2> places; // by prefix, "xsd:" first, and by tag; rising
     std::vector<Level> open;
-    std::vector<std::string_view> schemaLocations;
+    std::vector<Location> schemaLocations;
+    std::uint32_t file;
+    std::uint32_t line = 0; // of the element that begins
     bool isTargeted = false;
     mutable std::optional<std::unordered_set<std::string_view, KeyHash>> typeNames;
 };

@@ -33,11 +33,13 @@ std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
 
 } // namespace
 
-CString SchemaSet::load(const CString& fileName)
+void SchemaSet::load(const CString& fileName)
 {
-    CString error = read(fileName);
-    if (!error.empty() || tree.documents[0].root == 0)
-        return error;
+    XmlDocument xml;
+    if (!read(fileName, xml))
+        throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
+    if (tree.documents[0].root == 0)
+        return;
     if (const auto id = identify(fileName)) {
         parsed.emplace(*id, 0);
         entered.emplace(std::pair(*id, tree.documents[0].space), 0);
@@ -61,22 +63,21 @@ CString SchemaSet::load(const CString& fileName)
         follow(reference, waiting); // may move `top`
     }
     collectMembers();
-    return error;
 }
 
-/// Reads one file into a new document.
-CString SchemaSet::read(const CString& fileName)
+/// Reads one file into a new document. False when that can't be, which `xml` then tells of.
+bool SchemaSet::read(const CString& fileName, XmlDocument& xml)
 {
     const auto first = static_cast<Index>(tree.size());
     SchemaDocument& document = tree.documents.emplace_back();
     document.folder = folderOf(fileName);
     document.file = report.addFile(fileName);
     SchemaReader reader(tree);
-    XmlDocument xml;
     const bool isRead = xml.streamFile(fileName, reader);
     if (!isRead) {
         tree.dropFrom(first);
         document.root = 0;
+        document.isIllFormed = xml.querySystemError() == 0;
     }
     document.end = static_cast<Index>(tree.size());
     const SchemaReader::Counts& counts = reader.queryCounts();
@@ -84,7 +85,7 @@ CString SchemaSet::read(const CString& fileName)
     report.count(SourceReport::nillable, counts.nillable);
     report.count(SourceReport::defaultValue, counts.defaults);
     report.count(SourceReport::identityConstraint, counts.constraints);
-    return isRead ? CString() : xml.queryParseError();
+    return isRead;
 }
 
 /// Enters the document that an include, import or redefine names, when that is new in its namespace.
@@ -95,15 +96,20 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
     if (!node.hasName() && node.tag == SchemaTag::import)
         return;
     const NameTable::Id includer = node.tag == SchemaTag::import ? 0 : from.space;
-    const auto file = finder.find(from.folder, localPath(tree.text(node.name)));
+    const CString path = localPath(tree.text(node.name));
+    if (path.empty() && node.hasName())
+        return note(SourceReport::moduleRemote, reference);
+    const auto file = finder.find(from.folder, path);
     if (!file)
         return note(SourceReport::moduleMissing, reference);
     const auto [known, isNew] = parsed.try_emplace(file->id, static_cast<std::uint32_t>(tree.documents.size()));
-    if (isNew)
-        read(file->name);
+    if (XmlDocument xml; isNew)
+        read(file->name, xml);
     std::uint32_t document = known->second;
     if (tree.documents[document].root == 0)
-        return note(SourceReport::moduleUnreadable, reference);
+        return note(tree.documents[document].isIllFormed ? SourceReport::moduleIllFormed
+                                                         : SourceReport::moduleUnreadable,
+                    reference);
     const NameTable::Id space = tree.documents[document].hasTarget ? tree.documents[document].space : includer;
     const auto [place, isFirst] = entered.try_emplace(std::pair(file->id, space), document);
     if (isFirst) {

@@ -10,6 +10,8 @@
 #include <unordered_map>
 #include <utility>
 
+class XmlDocument;
+
 /// The components of a schema and of all that it includes, imports and redefines
 /// (https://www.w3.org/TR/xmlschema-1/#layer2), found by kind, namespace and name. Of two that are declared alike the
 /// first one holds.
@@ -31,8 +33,8 @@ public:
     SchemaSet(const SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
     /// Reads a schema and the documents that it names, each once; local regular files only, and what can't be had goes
-    /// into the report. Answers the text of the error when the schema itself can't be read, else an empty one.
-    CString load(const CString& fileName);
+    /// into the report. Throws SourceRefusal when the schema itself can't be read.
+    void load(const CString& fileName);
 
     /// What `name` means where `from` stands; 0 when there is none. Inside a redefinition its own name means what it
     /// redefines.
@@ -76,7 +78,7 @@ private:
 
     static std::uint64_t keyOf(SchemaName name) { return static_cast<std::uint64_t>(name.space) << 32 | name.local; }
 
-    CString read(const CString& fileName);
+    bool read(const CString& fileName, XmlDocument& xml);
     void follow(Index reference, std::vector<Following>& waiting);
     std::uint32_t copy(std::uint32_t document, NameTable::Id space);
     void declareAll(std::uint32_t document, std::vector<Following>& waiting);

@@ -41,6 +41,11 @@ SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
 
 } // namespace
 
+bool SchemaSimpleTypes::isMoreThanText(std::string_view builtIn)
+{
+    return isOneOf(kNumbers, builtIn) || isOneOf(kTimes, builtIn);
+}
+
 bool SchemaSimpleTypes::isBuiltIn(SchemaName name, Index declared) const
 {
     if (!SchemaTree::isSchemaLanguage(name.space))

@@ -39,6 +39,9 @@ public:
     /// True when `name` means a type that the language has built in, whatever is declared.
     bool isBuiltIn(SchemaName name, Index declared) const;
 
+    /// True when the built-in type of that name holds numbers or times.
+    static bool isMoreThanText(std::string_view builtIn);
+
 private:
     struct Part // of which a type is made: another one, or a value that is known
     {

@@ -1,6 +1,6 @@
 #include "Formats/SchemaTable.h"
 
-#include "Resources/StringIds.h"
+#include "Resources/StringTable.h"
 #include "Utils/QELApp.h"
 
 namespace {
@@ -24,30 +24,34 @@ std::string_view typeOf(const SchemaOutline& outline, SchemaOutline::Index at)
 
 } // namespace
 
-void SchemaTable::readIncluded(Outlines& outlines, bool isFile)
+void SchemaTable::readIncluded(Outlines& outlines, bool isFile, SourceReport& report, bool isReportWanted)
 {
+    names = &report;
     earlierMainType = mainType;
     mainName = earlierMainType;
-    isWhole = isFile && getSchemaIncludeList(outlines);
+    isWhole = isFile && getSchemaIncludeList(outlines, isReportWanted);
     if (isWhole)
         return;
     copyElementList();
     setMainType(getRootTag(outlines.front()));
 }
 
-void SchemaTable::readMain(const SchemaOutline& main)
+void SchemaTable::readMain(const SchemaOutline& main, SourceReport& report, bool isReportWanted)
 {
+    names = &report;
     if (!isWhole) {
         processElement(main);
         processComplexType(main, SchemaOutline::kRoot, {});
     }
     mergeLists();
+    if (isReportWanted)
+        main.reportUnread(report);
 }
 
 /// Takes the schema and the documents that it names into the table: first the top-level elements of each, then the
 /// complex types. A schema with a target namespace doesn't get that far. True when the schema stands alone and reading
 /// it once more would give the same table again, and nothing to show.
-bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
+bool SchemaTable::getSchemaIncludeList(Outlines& outlines, bool isReportWanted)
 {
     const SchemaOutline& main = outlines.front();
     const bool hadRootType = !rootTypeName.empty();
@@ -62,8 +66,11 @@ bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
         processElement(outline);
     for (const SchemaOutline& outline : outlines)
         processComplexType(outline, SchemaOutline::kRoot, {});
-    for (auto included = outlines.begin() + 1; included != outlines.end(); ++included)
+    for (auto included = outlines.begin() + 1; included != outlines.end(); ++included) {
+        if (isReportWanted)
+            included->reportUnread(*names);
         included->keepTextsOnly();
+    }
     // The names in force while the main element's own type was read.
     const bool sameNames = !hadRootType || earlierMainType == mainType;
     return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
@@ -123,8 +130,9 @@ void SchemaTable::processElement(const SchemaOutline& outline)
         const SchemaDeclaration& element = outline[at];
         if (holdsType(outline, at))
             processComplexType(outline, outline.getNode(at, SchemaOutline::complexType), element.name());
+        outline.markRead(at);
         if (!element.name().empty())
-            addSchemaElement(element.name(), {}, typeOf(outline, at));
+            addSchemaElement(outline.placeOf(at), element.name(), {}, typeOf(outline, at));
     }
 }
 
@@ -174,7 +182,7 @@ void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
     std::string_view name = type.isReference ? walk.owner : type.name();
     if (!name.empty() && name == rootTypeName)
         name = mainName;
-    walk.record = {name, RunningHash(name), addSchemaElement(name, {}, {})};
+    walk.record = {name, RunningHash(name), addSchemaElement(outline.placeOf(walk.type), name, {}, {})};
     walk.list = SchemaOutline::element;
     walk.field = outline.getNode(walk.type, SchemaOutline::element);
 }
@@ -204,7 +212,8 @@ void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
     // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
     const std::string_view name = field.markedName();
     if (!name.empty())
-        addSchemaElement(name, walk.record, typeOf(outline, walk.field));
+        addSchemaElement(outline.placeOf(walk.field), name, walk.record, typeOf(outline, walk.field));
+    outline.markRead(walk.field);
     walk.field = next;
     walk.isEntered = false;
 }
@@ -220,7 +229,8 @@ void SchemaTable::prefetchEntry(const SchemaDeclaration& field, const TypeWalk& 
 
 /// Registers a declaration once and attaches it to its parent. Answers the entry, or null when the declaration is
 /// called like its parent. A type that is already registered under the name alone wins.
-SchemaElement* SchemaTable::addSchemaElement(std::string_view name, const Record& parent, std::string_view type)
+SchemaElement* SchemaTable::addSchemaElement(SourcePlace place, std::string_view name, const Record& parent,
+                                             std::string_view type)
 {
     const Fingerprint alone(name);
     const Fingerprint key = parent.entry ? Fingerprint(RunningHash(parent.key).append(name)) : alone;
@@ -229,7 +239,9 @@ SchemaElement* SchemaTable::addSchemaElement(std::string_view name, const Record
         if (const SchemaElement* earlier = schemaElements.find(alone))
             type = earlier->queryType();
         if (parent.name == name) {
-            theApp.Error(IDS_CYCLIC, IDS_ERROR_TITLE);
+            theApp.Error(loadText(IDS_CYCLIC), IDS_ERROR_TITLE,
+                         {names->fileNameOf(place.file), CString(name) + " stands inside itself", place.line, 0, true});
+            names->add(SourceReport::declarationPassedOver, place, name);
             ++cyclicReferences;
             return nullptr;
         }

@@ -17,11 +17,12 @@ public:
     using Entries = KeyedTable<SchemaElement, &SchemaElement::queryKey, Fingerprint>;
 
     /// The first pass, for a schema that is a file, and the search for the main element. Main element and root type of
-    /// the schema before stay in force until then. What can't be read is shown, and left out.
-    void readIncluded(Outlines& outlines, bool isFile);
+    /// the schema before stay in force until then. What can't be read is shown, by the names of the files in `report`,
+    /// and left out; where `isReportWanted` it gets what is passed over.
+    void readIncluded(Outlines& outlines, bool isFile, SourceReport& report, bool isReportWanted);
 
     /// The second pass, over the same schema.
-    void readMain(const SchemaOutline& main);
+    void readMain(const SchemaOutline& main, SourceReport& report, bool isReportWanted);
 
     /// Forgets all but the names of main element and root type.
     void clear();
@@ -52,7 +53,7 @@ private:
     };
 
     // The include pass and what comes of it.
-    bool getSchemaIncludeList(Outlines& outlines);
+    bool getSchemaIncludeList(Outlines& outlines, bool isReportWanted);
     void copyElementList();
     void mergeLists();
     void pull(const Fingerprint& type);
@@ -66,8 +67,10 @@ private:
     bool nextList(const SchemaOutline& outline, TypeWalk& walk);
     void processTag(const SchemaOutline& outline, TypeWalk& walk);
     void prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const;
-    SchemaElement* addSchemaElement(std::string_view name, const Record& parent, std::string_view type);
+    SchemaElement* addSchemaElement(SourcePlace place, std::string_view name, const Record& parent,
+                                    std::string_view type);
 
+    SourceReport* names = nullptr;           // of the files
     Entries schemaElements;                  // of the pass in hand
     Entries includedElements;                // of the include pass
     std::deque<SchemaElement*> pulled;       // the end of the element table: entries that stand in both

@@ -83,7 +83,8 @@ struct SchemaDocument
     SchemaNode::Index root = 0; ///< 0: it could not be read
     SchemaNode::Index end = 0;  ///< behind its last node
     NameTable::Id space = 0;
-    bool hasTarget = false; ///< it says its namespace itself
+    bool isIllFormed = false; ///< why it could not be read
+    bool hasTarget = false;   ///< it says its namespace itself
     bool elementsQualified = false;
     bool attributesQualified = false;
 };

@@ -3,6 +3,7 @@
 #include "Platform/Utf8.h"
 
 #include <algorithm>
+#include <functional>
 #include <numeric>
 
 namespace {
@@ -13,6 +14,8 @@ constexpr std::size_t kMaxName = 200;
 constexpr const char* kWords[] = {
     "module or document not there",
     "module or document not readable",
+    "document not well-formed",
+    "module or document not local",
     "entity declared nowhere",
     "reference to nothing that was read",
     "section with an unknown key",
@@ -28,6 +31,16 @@ constexpr const char* kWords[] = {
     "union of several kinds",
     "element that may not occur",
     "name changed",
+    "entity not expanded",
+    "statement that could not be read",
+    "name that no document can carry",
+    "declaration passed over",
+    "group passed over",
+    "extension passed over",
+    "simple type passed over",
+    "type not known, now text",
+    "table without columns",
+    "column of a type that has no counterpart",
     "facet",
     "nillable",
     "default",
@@ -70,18 +83,17 @@ std::size_t SourceReport::queryPlaced() const
     return std::accumulate(counts.begin(), counts.begin() + facet, std::size_t{0});
 }
 
-void SourceReport::write(const std::function<void(std::string_view)>& out) const
+std::vector<SourceReport::Count> SourceReport::queryCounts() const
 {
-    for (const Entry& entry : entries) {
-        const CString line = entry.place.line ? std::to_string(entry.place.line) + ": " : "";
-        out(files[entry.place.file] + ":" + line + kWords[entry.construct] + ": " + entry.name + "\n");
-    }
-    std::vector<std::size_t> order(constructCount);
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return counts[a] > counts[b]; });
-    if (!entries.empty())
-        out("\n");
-    for (const std::size_t construct : order)
-        if (counts[construct] > 0)
-            out(std::to_string(counts[construct]) + " " + kWords[construct] + "\n");
+    std::vector<Count> found;
+    for (std::size_t i = 0; i < constructCount; ++i)
+        if (counts[i] > 0)
+            found.push_back({static_cast<Construct>(i), counts[i]});
+    std::ranges::stable_sort(found, std::greater<>(), &Count::times);
+    return found;
+}
+
+const char* SourceReport::wordsFor(Construct construct)
+{
+    return kWords[construct];
 }

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "Platform/Text.h"
+#include "Platform/MessageBox.h"
 
 #include <array>
 #include <deque>
-#include <functional>
 #include <vector>
 
 /// Where a source says something.
@@ -14,10 +13,12 @@ struct SourcePlace
     std::uint32_t line = 0; ///< counted from 1; 0 where none is known
 };
 
-/// Ends an import: thrown by what reads a source where that can't be imported at all. `text` is what the user is shown.
+/// Ends an import: thrown by what reads a source where that can't be imported at all. `text` is what the user is shown,
+/// `fault` the same in parts, its file that of the import where it names none.
 struct SourceRefusal
 {
     CString text;
+    SourceFault fault;
 };
 
 /// What of a source was not carried over into the types: each construct with its place, and how often it occurred.
@@ -29,6 +30,8 @@ public:
     {
         moduleMissing,
         moduleUnreadable,
+        moduleIllFormed,
+        moduleRemote,
         entityUndeclared,
         unresolvedReference,
         unknownSection,
@@ -44,6 +47,17 @@ public:
         unionOfKinds,
         elementNotAllowed,
         nameChanged,
+        // Of the literal readings.
+        entityNotExpanded,
+        statementUnreadable,
+        impossibleName,
+        declarationPassedOver,
+        groupPassedOver,
+        extensionPassedOver,
+        simpleTypePassedOver,
+        typeUnknown,
+        emptyTable,
+        columnPassedOver,
         // From here on without places.
         facet,
         nillable,
@@ -67,14 +81,7 @@ public:
     /// The constructs that have places, also those beyond the bound.
     std::size_t queryPlaced() const;
 
-    /// Writes one line a place ("FILE:LINE: CONSTRUCT: NAME"), in the order in which they were noted, an empty line,
-    /// and one line a construct with its count, most frequent first. Nothing at all when nothing was noted.
-    void write(const std::function<void(std::string_view)>& out) const;
-
-    /// Empties the report.
-    void clear() { *this = {}; }
-
-private:
+    /// A construct at its place. The bound on places leaves the rest to the counts.
     struct Entry
     {
         Construct construct;
@@ -82,6 +89,30 @@ private:
         CString name;
     };
 
+    /// In the order in which they were noted.
+    const std::vector<Entry>& queryEntries() const { return entries; }
+
+    struct Count
+    {
+        Construct construct;
+        std::size_t times;
+    };
+
+    /// The constructs that occurred, most frequent first.
+    std::vector<Count> queryCounts() const;
+
+    /// What a construct is called.
+    static const char* wordsFor(Construct construct);
+
+    /// Empties the report.
+    void clear()
+    {
+        files.clear();
+        entries.clear();
+        counts = {};
+    }
+
+private:
     std::deque<CString> files;
     std::vector<Entry> entries;
     std::array<std::size_t, constructCount> counts{};

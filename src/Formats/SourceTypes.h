@@ -111,7 +111,7 @@ public:
     /// Throws SourceRefusal: the source has more than `what`.
     [[noreturn]] void refuse(const CString& what) const
     {
-        throw SourceRefusal{sourceName + ": more than " + what + "."};
+        throw SourceRefusal{sourceName + ": more than " + what + ".", {"", "more than " + what}};
     }
 
     /// The enumeration of these constants under this name, which is made when there is none like it yet. A million

@@ -4,12 +4,25 @@
 #include "Resources/StringTable.h"
 #include "Utils/XMLDoc.h"
 
+#include <algorithm>
+
+bool XMLDataMessage::setFurtherFiles(const std::vector<CString>& files)
+{
+    furtherFiles = files;
+    tablesInAllParents(!files.empty());
+    return true;
+}
+
 int XMLDataMessage::parse(const CString& source, const CString& basePath, const CString&)
 {
-    XMLDataWalk walk;
+    XMLDataWalk walk(report, !furtherFiles.empty());
     XmlDocument document;
-    if (!document.streamFile(source, walk))
-        return fail(document.queryParseError());
+    const auto read = [&](const CString& fileName) {
+        walk.beginDocument(report.addFile(fileName));
+        return document.streamFile(fileName, walk);
+    };
+    if (!read(source) || !std::all_of(furtherFiles.begin(), furtherFiles.end(), read))
+        return fail(document.queryParseError(), document.queryFault());
     mainTypeName = walk.queryRootTag();
     typeFolder = basePath + (basePath.ends_with('\\') ? "" : "\\") + mainTypeName + "\\";
     doParse(walk);
@@ -19,15 +32,21 @@ int XMLDataMessage::parse(const CString& source, const CString& basePath, const 
 // Nothing is declared before the document is known to be well-formed.
 void XMLDataMessage::doParse(XMLDataWalk& walk)
 {
+    const bool isBody = !furtherFiles.empty();
     for (const XMLDataWalk::Declaration& declaration : walk.takeDeclarations()) {
         const XMLDataWalk::Pair& pair = *declaration.pair;
         const CString parentName = pair.key.parent ? pair.key.parent->name : CString();
         Element* const parent = pair.key.parent ? findElement(parentName) : nullptr;
         RunningHash usageKey(parentName);
-        usageKey.append(".").append(pair.queryName()).append(".").append(std::to_string(declaration.sequence));
-        for (int instances = declaration.repeats ? 2 : 1; instances > 0; --instances) {
+        usageKey.append(isBody && pair.key.isAttribute ? "@" : ".")
+            .append(pair.queryName())
+            .append(".")
+            .append(std::to_string(declaration.sequence));
+        const bool isMarked = pair.key.isAttribute && !isBody; // or no element of that name could be a table
+        const bool repeats = declaration.repeats && (isMarked || !pair.key.isAttribute);
+        for (int instances = repeats ? 2 : 1; instances > 0; --instances) {
             Element* element = addElement(usageKey, typeFolder, pair.item->name, Element::typeString, parent);
-            if (pair.key.isAttribute)
+            if (isMarked)
                 element->asAttribute();
         }
     }

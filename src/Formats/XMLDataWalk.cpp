@@ -4,12 +4,24 @@
 
 // The document stands under no element, but has the sequence number 0, which is the root's too: the root's attributes
 // and its children have keys in common.
-XMLDataWalk::XMLDataWalk() : open{{nullptr, 0, 0, 0}} {}
+XMLDataWalk::XMLDataWalk(SourceReport& report, bool isBody) : report(report), isBody(isBody) {}
+
+void XMLDataWalk::beginDocument(std::uint32_t number)
+{
+    file = number;
+    open.assign(1, {nullptr, rootTag.empty() ? 0 : ++lastSequence, 0, 0});
+    pairsByKey.clear(); // the names were the last document's
+}
+
+void XMLDataWalk::entityLeftOut(std::string_view name, int line)
+{
+    report.add(SourceReport::entityNotExpanded, {file, static_cast<std::uint32_t>(line)}, name);
+}
 
 void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
 {
-    const bool isRoot = rootTag.empty();
-    if (isRoot)
+    const bool isRoot = !open.back().item;
+    if (rootTag.empty())
         rootTag = name.prefix ? CString(name.prefix) + ":" + name.local : name.local;
     Pair& child = pairOf({open.back().item, name.local, false});
     occur(child);
@@ -46,7 +58,7 @@ void XMLDataWalk::occur(Pair& pair)
     if (!usage.pair || usage.sequence != open.back().sequence) {
         beginUsage(pair);
     } else {
-        repeatUsage(usage);
+        repeatUsage(usage, pair);
         if (!pair.isLinked) { // the key is another pair's: what is new here is the link alone
             if (usage.declaration == kNotKept)
                 keep(usage);
@@ -68,7 +80,7 @@ void XMLDataWalk::beginUsage(Pair& pair)
         undecided.push_back(&usage);
 }
 
-void XMLDataWalk::repeatUsage(Usage& usage)
+void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
 {
     if (usage.repeats)
         return;
@@ -76,8 +88,9 @@ void XMLDataWalk::repeatUsage(Usage& usage)
     Item& item = *usage.pair->item;
     if (usage.declaration != kNotKept)
         declarations[usage.declaration].repeats = true;
-    else if (usage.moment < item.firstRepeated)
+    else if (isBody ? !pair.isKeptRepeated : usage.moment < item.firstRepeated)
         keep(usage);
+    pair.isKeptRepeated = true;
     item.firstRepeated = std::min(item.firstRepeated, usage.moment);
 }
 
@@ -121,8 +134,11 @@ XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)
 {
     const CString parentName = key.parent ? key.parent->name : CString();
     Item& item = itemNamed(key.isAttribute ? parentName + "_" + key.local : CString(key.local));
-    Usage& usage = usageOf(RunningHash(parentName).append(".").append(key.local));
-    Pair& pair = pairs.emplace_back(Pair{key, &item, &usage});
+    const char* const separator = !isBody ? "." : key.isAttribute ? "@" : "/"; // the last two are in no name
+    Usage& usage = usageOf(RunningHash(parentName).append(separator).append(key.local));
+    const bool isKnown = isBody && usage.pair; // by an earlier document
+    Pair& pair = isKnown ? *usage.pair : pairs.emplace_back(Pair{key, &item, &usage});
+    pair.key = key;
     pairsByKey.store(&pair, hash);
     return pair;
 }

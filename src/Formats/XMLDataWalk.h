@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Formats/SourceReport.h"
 #include "Platform/Xml/XmlParser.h"
 #include "Utils/KeyedTable.h"
 
@@ -16,6 +17,9 @@
 /// first one that occurred once, or its first one that occurred more than once. Those are kept, at most a few for
 /// each pair of names, with the moment of their first occurrence: declared in that order they give the model that all
 /// usages give. A key can't come back once its node has ended, so the keys of the open nodes are all that is looked at.
+///
+/// Several documents can be walked as one body of examples. A key is then one pair's alone, and of each pair it is kept
+/// that it occurred more than once somewhere, so what there is doesn't hang on the order of the documents.
 class XMLDataWalk : public XmlHandler
 {
     static constexpr std::size_t kNotKept = std::numeric_limits<std::size_t>::max();
@@ -42,7 +46,7 @@ public:
         const Fingerprint& queryKey() const { return key; }
 
         Fingerprint key; ///< all but the sequence number
-        const Pair* pair = nullptr;
+        Pair* pair = nullptr;
         std::uint64_t sequence = 0;
         std::uint64_t moment = 0;
         std::size_t depth = 0;
@@ -75,6 +79,7 @@ public:
         Item* item;
         Usage* usage; ///< of this key; other pairs may have the same
         bool isLinked = false;
+        bool isKeptRepeated = false; ///< of a body of examples: a declaration of it that repeats is kept
     };
 
     /// Something to be declared: a usage, or a mere link under a key that another usage has.
@@ -86,16 +91,21 @@ public:
         bool repeats;
     };
 
-    XMLDataWalk();
+    /// `isBody`: of examples. What is left out goes into `report`.
+    XMLDataWalk(SourceReport& report, bool isBody);
 
+    /// Comes before each document, which the report has as `file`.
+    void beginDocument(std::uint32_t file);
+
+    void entityLeftOut(std::string_view name, int line) override;
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
     bool wantsText() const override { return false; }
 
-    /// The tag of the root, prefix included.
+    /// The tag of the root, prefix included; of several documents that of the first.
     const CString& queryRootTag() const { return rootTag; }
 
-    /// What the document declares, in the order of its moments. Called once, at the end.
+    /// What the documents declare, in the order of its moments. Called once, at the end.
     std::vector<Declaration> takeDeclarations();
 
 private:
@@ -113,11 +123,14 @@ private:
     Usage& usageOf(const Fingerprint& key);
     void occur(Pair& pair);
     void beginUsage(Pair& pair);
-    void repeatUsage(Usage& usage);
+    void repeatUsage(Usage& usage, Pair& pair);
     void keep(Usage& usage);
     bool isOpen(const Usage& usage) const;
     void closeNode();
 
+    SourceReport& report;
+    const bool isBody;
+    std::uint32_t file = 0;
     CString rootTag;
     std::deque<Item> items;
     KeyedTable<Item, &Item::queryName> itemsByName;

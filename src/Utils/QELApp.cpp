@@ -1,6 +1,5 @@
 #include "Utils/QELApp.h"
 
-#include "Platform/MessageBox.h"
 #include "Resources/StringTable.h"
 
 #include <new>
@@ -16,6 +15,11 @@ void CQELApp::Error(UINT textId, UINT titleId)
 void CQELApp::Error(const CString& text, UINT titleId, const CString& details)
 {
     showMessageBox(text, loadText(titleId), details);
+}
+
+void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault)
+{
+    showMessageBox(text, loadText(titleId), {}, &fault);
 }
 
 const char* wordsOf(const std::exception& error)

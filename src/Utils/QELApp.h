@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Text.h"
+#include "Platform/MessageBox.h"
 
 #include <exception>
 
@@ -18,6 +18,9 @@ public:
     /// Shows a finished text under the title `titleId`. `details` is the reason behind it in the words of the system, a
     /// driver or the broker; who shows the text may show them under it.
     void Error(const CString& text, UINT titleId, const CString& details = {});
+
+    /// The same for what a source is to blame for; `fault` says it in parts.
+    void Error(const CString& text, UINT titleId, const SourceFault& fault);
 
     /// Opens the help topic of the page whose dialog id is in the low 16 bits of `data`, the default topic for a
     /// dialog without one. Acts only when `command` is the context-help command, 1. Defined with the wizard.

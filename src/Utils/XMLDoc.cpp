@@ -14,13 +14,13 @@ int XmlDocument::setFile(const CString& fileName)
     if (!document)
         return 0;
     const bool loaded = document.load(fileName);
-    return setError(document.parseError(), !loaded);
+    return setError(fileName, document.parseError(), !loaded);
 }
 
 int XmlDocument::streamFile(const CString& fileName, XmlHandler& handler)
 {
     const std::optional<IXMLDOMParseError> error = parseXmlFile(fileName, handler);
-    return setError(error.value_or(IXMLDOMParseError()), error.has_value());
+    return setError(fileName, error.value_or(IXMLDOMParseError()), error.has_value());
 }
 
 IXMLDOMElement XmlDocument::getElement() const
@@ -28,10 +28,11 @@ IXMLDOMElement XmlDocument::getElement() const
     return document ? document.documentElement() : IXMLDOMElement();
 }
 
-int XmlDocument::setError(const IXMLDOMParseError& error, bool failed)
+int XmlDocument::setError(const CString& fileName, const IXMLDOMParseError& error, bool failed)
 {
     errorText.clear();
     systemError = error.systemError;
+    fault = {fileName, error.reason, static_cast<long>(error.line), static_cast<long>(error.linepos)};
     if (failed)
         errorText = formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(error.line),
                                static_cast<long>(error.linepos), error.reason.c_str());

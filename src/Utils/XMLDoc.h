@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/MessageBox.h"
 #include "Platform/Xml/Dom.h"
 #include "Platform/Xml/XmlParser.h"
 
@@ -26,13 +27,17 @@ public:
     /// Message 2207 with line, column and reason of the last failure; empty after a success.
     const CString& queryParseError() const { return errorText; }
 
+    /// The last failure in parts.
+    const SourceFault& queryFault() const { return fault; }
+
     /// What kept the system from reading the file at the last failure, as an errno value; 0 when it was the document.
     int querySystemError() const { return systemError; }
 
 private:
-    int setError(const IXMLDOMParseError& error, bool failed);
+    int setError(const CString& fileName, const IXMLDOMParseError& error, bool failed);
 
     IXMLDOMDocument document;
     CString errorText;
+    SourceFault fault;
     int systemError = 0;
 };

@@ -113,13 +113,13 @@ class Create(unittest.TestCase):
                     *create, *["--overwrite", overwrite] if overwrite else [], answers=answers))
 
     def test_types_are_created_whether_or_not_their_lines_are_read(self):
-        lost = "typeforge-import: Can't open file standard output, error = %d\n"
-        for out, cause in [("/dev/full", 13), ("|true", 1)]:
+        lost = "typeforge-import: can't write standard output: %s\n"
+        for out, cause in [("/dev/full", "No space left on device"), ("|true", "The system refuses it")]:
             shutil.rmtree(self.folder + "/typeforge", ignore_errors=True)
             target = "exec >/dev/full" if out == "/dev/full" else "exec > >(sleep 0)\nsleep 0.3"
             done = subprocess.run(["bash", "-c", target + '\n"$0" dtd pair.dtd --create local', IMPORT], cwd=self.folder,
                                   env=self.environment, text=True, stderr=subprocess.PIPE, check=False)
-            self.assertEqual((1, lost % cause), (done.returncode, done.stderr))
+            self.assertEqual((3, lost % cause), (done.returncode, done.stderr))
             self.assertEqual(2, len(self.rows()))
 
     def test_the_repository_is_private_whatever_the_umask(self):
@@ -143,8 +143,8 @@ class Create(unittest.TestCase):
                 (2, "--create", "--trusted"), (2, "--user", "--create", "local", "--password-file", "two"),
                 (2, "--trusted", "--create", "local", "--user", "u", "--trusted"),
                 (2, "--output", "--create", "local", "-o", "out"),
-                (1, "Can't open file none, error = 2", "--create", "local", "--user", "u", "--password-file", "none"),
-                (1, "Unable to establish a connection to Broker\n", "--create", "127.0.0.1:1")]:
+                (1, "can't open none: No such file or directory\n", "--create", "local", "--user", "u", "--password-file", "none"),
+                (1, "Unable to establish a connection to Broker: ", "--create", "127.0.0.1:1")]:
             with self.subTest(arguments=arguments):
                 answer = self.run_import("pair.dtd", *arguments)
                 self.assertEqual((status, ""), answer[:2])

@@ -66,60 +66,129 @@ std::string says(const std::string& text)
     return "typeforge-import: " + text + "\n";
 }
 
+std::string mistake(const std::string& text)
+{
+    return says(text) + "Try typeforge-import --help\n";
+}
+
 TEST_F(ImportCommand, AnswersExactly)
 {
+    const std::string statement = "Can not parse DTD statement: r b NMTOKEN #IMPLIED>\n";
+    std::string twenty;
+    for (int i = 1; i <= 20; ++i)
+        twenty += "m.dtd:" + std::to_string(i) + ":1: warning: " + statement;
     const Case rows[] = {
         {"SOURCE_DATE_EPOCH=0 $import dtd r.dtd", {0, kDocument, ""}},
-        {"TZ=Asia/Tokyo SOURCE_DATE_EPOCH=0 $import dtd r.dtd -o new && cat new", {0, kDocument, ""}},
+        {"TZ=Asia/Tokyo SOURCE_DATE_EPOCH=0 $import dtd r.dtd -o new --report new.txt -q && cat new",
+         {0, kDocument, ""}},
         {"$import -l dtd r.dtd --output old && cat old", {0, kList, ""}},
         {"$import dtd r.dtd --type t_b", {0, kTable, ""}},
         {R"($import dtd r.dtd --type '\sys\rosettanet\r\r')", {0, kRecord, ""}},
         // A short name goes before a full one.
         {R"(printf '<!ELEMENT r (\\r\\r)><!ELEMENT \\r\\r (x)>' >t.dtd; $import dtd t.dtd -b '' --type '\r\r' | head -c 40)",
          {0, R"-(<BROKERTYPEDESCRIPTION NAME="\r\\r\r" DE)-", ""}},
-        {"$import dtd r.dtd --type a", {1, "", says("there is no type called a")}},
+        {"$import dtd r.dtd --type a", {1, "", "r.dtd: error: there is no type called a\n"}},
         {"$import dtd r.dtd -l -b acme | cut -f1", {0, "acme\\r\\t_b\nacme\\r\\r\n", ""}},
         {"$import dtd r.dtd -l -b 'acme\\' | cut -f1", {0, "acme\\r\\t_b\nacme\\r\\r\n", ""}},
-        // A fault that fails nothing.
-        {"echo '<!ELEMENT r (a)><!ATTLIST r b CDATA #REQUIRED>' | $import dtd /dev/stdin --list",
-         {0, "\\sys\\rosettanet\\r\\r\tr (Automatically created)\n",
-          says("Can not parse DTD statement:\n r b CDATA #REQUIRED>")}},
-        // What the full reading knows of a source is named where the literal one came to nothing, and read by it.
-        {"echo '<!ENTITY % a \"b\"><!ATTLIST r b NMTOKEN #IMPLIED><!-- <a> -->' >f.dtd; $import dtd f.dtd -o /dev/null",
+        {"$import --version", {0, "typeforge-import " TYPEFORGE_VERSION "\n", ""}},
+
+        // Faults at their places. What fails nothing is a warning, and what the full reading knows of the source is
+        // named.
+        {"echo '<r>' >e.xml; $import xml e.xml", {1, "", "e.xml:2:1: error: Premature end of data in tag r line 1\n"}},
+        {"printf '<!-- <a> -->\n<!ENTITY %% a \"b\">\n  <!ATTLIST r b NMTOKEN #IMPLIED>' >f.dtd; $import ./f.dtd -o "
+         "/dev/null "
+         "--allow-empty",
          {0, "",
-          says("Can not parse DTD statement:\n r b NMTOKEN #IMPLIED>") +
-              says("read it with --full: it uses parameter entities, comments with markup, attributes other than CDATA "
-                   "#IMPLIED")}},
-        {"echo '<x:schema xmlns:x=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"t\"/>' >f.xsd;"
-         "$import xsd f.xsd",
+          "./f.dtd:3:3: warning: " + statement +
+              "./f.dtd: warning: read it with --full: it uses parameter entities, comments with markup, attributes "
+              "other "
+              "than CDATA #IMPLIED\n"}},
+        {"$import ./f.dtd -q -o /dev/null --allow-empty", {0, "", ""}},
+        {"(cat r.dtd; echo; yes '<!ATTLIST r b NMTOKEN #IMPLIED>' | head -21) | tail -n +2 >m.dtd; cat r.dtd >>m.dtd;"
+         "$import m.dtd -l -o /dev/null 2>&1 | head -21",
+         {0, twenty + "m.dtd: warning: ... and 1 more (--verbose shows all)\n", ""}},
+        {"$import m.dtd -l -o /dev/null -v 2>&1 | grep -c statement", {0, "21\n", ""}},
+        {"printf '<!ATTLIST\n r %0300d>' 1 >l.dtd; $import l.dtd -o /dev/null --allow-empty 2>&1 | head -1",
+         {0, "l.dtd:1:1: warning: Can not parse DTD statement: r " + std::string(129, '0') + "...\n", ""}},
+        {"echo '<x:schema xmlns:x=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"t\"/>' >f.xsd; $import xsd "
+         "f.xsd",
          {1, "",
-          says("Parse error: this document does not contain a root element") +
-              says("read it with --full: it uses a target namespace, a prefix other than xs")}},
+          "f.xsd: error: this document does not contain a root element\n"
+          "f.xsd: warning: read it with --full: it uses a target namespace, a prefix other than xs\n"}},
+        {"printf '<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\">\n<xs:include schemaLocation=\"a.xsd\"/>\n"
+         "<xs:include schemaLocation=\"http://b/c\"/><xs:element name=\"r\"><xs:complexType><xs:sequence>\n"
+         "<xs:element name=\"n\" type=\"xs:int\"/><xs:element name=\"u\" type=\"U\"/></xs:sequence></xs:complexType>"
+         "</xs:element></xs:schema>' >i.xsd; $import i.xsd -l -v",
+         {0, "\\sys\\xml\\r\\r\tr (Automatically created)\n",
+          "i.xsd: note: read as a source for xsd\ni.xsd:2: warning: module or document not there: a.xsd\n"
+          "i.xsd:3: warning: module or document not local: http://b/c\n"}},
+        {"$import dtd r.dtd --full --root a", {1, "", "r.dtd: error: there is no element called a\n"}},
+        {"$import dtd none -o old", {1, "", "none: error: No such file or directory\n"}},
+        {"$import dtd .", {1, "", ".: error: Is a directory\n"}},
+        {"$import dtd /dev/zero", {1, "", "/dev/zero: error: The system refuses it\n"}},
+        {"$import xml /dev/zero", {1, "", "/dev/zero: error: Operation not supported\n"}},
+
+        // Nothing comes of it.
+        {"echo '<r><s t=\"1\"/></r>' >o.xml; $import dtd o.xml -o old; echo $?; cat old",
+         {0, "1\n" + kList, "o.xml: error: no type came of it; it looks like a source for xml\n"}},
+        {"echo '<r/>' >e.xml; $import e.xml", {1, "", "e.xml: error: no type came of it\n"}},
+        {"SOURCE_DATE_EPOCH=0 $import btd e.xml --allow-empty | tail -n +3", {0, "<r>\r\n</r>", ""}},
+
+        // Sources.
+        {"$import -l <r.dtd -", {0, kList, ""}},
+        {"cat r.dtd | $import - -l -o - -v", {0, kList, "-: note: read as a source for dtd\n"}},
+        {"echo '<r>' | $import xml -", {1, "", "-:2:1: error: Premature end of data in tag r line 1\n"}},
+        {"$import 'Driver=SQLite3;Database=none;Password=x'",
+         {1, "", "Driver=SQLite3;Database=none;Password=***: error: [SQLite]connect failed (SQLSTATE S1000)\n"}},
+        {"echo '<r><s/><s/></r>' >a.xml; echo '<r u=\"1\"><t><u/></t></r>' >b.xml; $import a.xml b.xml -l | cut -f1 | "
+         "sort",
+         {0, "\\sys\\xml\\r\\r\n\\sys\\xml\\r\\t\n\\sys\\xml\\r\\t_s\n", ""}},
+        {"$import a.xml b.xml r.dtd", {1, "", "r.dtd: error: it is no source for xml, as a.xml is\n"}},
+        {"$import old", {1, "", "old: error: its importer can't be told; name it in front of the source\n"}},
+
+        // Reports.
         {"$import dtd r.dtd --full --root r --report - -l",
          {0, kList,
           "r.dtd:1: reference to nothing that was read: a\nr.dtd:1: reference to nothing that was read: b\n\n"
-          "2 reference to nothing that was read\n"}},
-        {"$import dtd r.dtd --full --report new -o old && cat new | tail -1",
-         {0, "2 reference to nothing that was read\n", ""}},
-        {"$import dtd r.dtd --full --root a", {1, "", says("There is no element called a.")}},
-        {"$import dtd r.dtd --full --report none/x", {1, "", says("Can't open file none/x, error = 2")}},
-        {"echo '<r/>' >e.xml; $import btd e.xml", {1, "", says("nothing was imported from e.xml")}},
-        {"$import dtd .", {1, "", says("Can't open file ., error = 5")}},
-        {"$import dtd r.dtd -o none/x", {1, "", says("Can't open file none/x, error = 2")}},
-        {"$import dtd r.dtd -o .", {1, "", says("Can't open file ., error = 5")}},
-        {"$import dtd r.dtd -o /dev/full", {1, "", says("Can't open file /dev/full, error = 13")}},
-        {"$import dtd r.dtd >/dev/full", {1, "", says("Can't open file standard output, error = 13")}},
-        {"$import dtd r.dtd >&-", {1, "", says("Can't open file standard output, error = 6")}},
+          "2 reference to nothing that was read\n2 types, 2 fields: 0 typed, 2 left text\n"}},
+        {"printf '<!ENTITY %% e \"<a>\">\n<!-- %%e; --><![IGNORE[%%e;]]>\n<!ELEMENT r (a, (b, c)+, d)*>' >n.dtd;"
+         "$import n.dtd --report - -o /dev/null",
+         {0, "",
+          "n.dtd:1: declaration passed over: ENTITY % e\nn.dtd:2: declaration passed over: section IGNORE\n"
+          "n.dtd:2: entity not expanded: e\nn.dtd:3: name that no document can carry: c)\n\n2 declaration passed over\n"
+          "1 entity not expanded\n1 name that no document can carry\n5 types, 4 fields: 0 typed, 4 left text\n"}},
+        {"cat i.xsd | $import xsd - -o /dev/null --report-format json --report /dev/stdout",
+         {0,
+          R"({"places":[
+  {"file":"-","line":4,"construct":"type not known, now text","name":"xs:int"},
+  {"file":"-","line":2,"construct":"module or document not there","name":"a.xsd"},
+  {"file":"-","line":3,"construct":"module or document not local","name":"http://b/c"},
+  {"file":"-","line":4,"construct":"type not known, now text","name":"U"}],
+ "counts":{"type not known, now text":2,"module or document not there":1,"module or document not local":1},
+ "totals":{"types":1,"fields":2,"typed":0,"text":2}}
+)",
+          ""}},
+        {"$import dtd r.dtd --report none/x", {3, "", says("can't write none/x: No such file or directory")}},
+
+        // Outputs.
+        {"$import dtd r.dtd -o none/x", {3, "", says("can't write none/x: No such file or directory")}},
+        {"$import dtd r.dtd -o .", {3, "", says("can't write .: Is a directory")}},
+        {"$import dtd r.dtd -o /dev/full", {3, "", says("can't write /dev/full: No space left on device")}},
+        {"$import dtd r.dtd >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
+        {"$import dtd r.dtd >&-", {3, "", says("can't write standard output: Bad file descriptor")}},
         // Pipes are read and written, and what standard output leads to is added to.
-        {"cat r.dtd | $import dtd /dev/stdin -l -o /dev/stdout | cat", {0, kList, ""}},
         {"mkfifo p q; cat r.dtd >p & cat q & $import dtd p -l -o q; wait", {0, kList, ""}},
         {"echo >new; $import dtd r.dtd -l -o /dev/stdout >>new; cat new", {0, "\n" + kList, ""}},
         // A large piece behind small ones.
         {"export SOURCE_DATE_EPOCH=0; $import dtd wide >a; $import dtd wide -o b; cmp a b", {0, "", ""}},
-        {"$import dtd /dev/zero", {1, "", says("Can't open file /dev/zero, error = 1")}},
-        {"$import xml /dev/zero",
-         {1, "", says("Error on line 0, column 0.\nError text is 'Operation not supported'.")}},
-        {"$import --version", {0, "typeforge-import " TYPEFORGE_VERSION "\n", ""}},
+
+        // Mistakes.
+        {"$import dtd", {2, "", mistake("dtd: what is its source?")}},
+        {"$import doc r.dtd", {2, "", mistake("doc: neither an importer (dtd, xml, xsd, btd, odbc) nor a file")}},
+        {"$import dtd r.dtd r.dtd", {2, "", mistake("dtd reads one source at a time")}},
+        {"$import r.dtd --nonsense", {2, "", mistake("The following argument was not expected: --nonsense")}},
+        {"$import a.xml --full", {2, "", mistake("--full: xml has no full reading")}},
+        {"$import r.dtd --user u", {2, "", mistake("--user: there is nobody to log on to without --create")}},
     };
     folder.write("wide", wide);
     for (const Case& row : rows)
@@ -128,9 +197,9 @@ TEST_F(ImportCommand, AnswersExactly)
 
 TEST_F(ImportCommand, RefusesACommandLineThatIsOff)
 {
-    for (const char* arguments : {"", "dtd", "doc r.dtd", "dtd r.dtd more", "dtd r.dtd --nonsense",
-                                  "dtd r.dtd -l --type r", "dtd r.dtd --root r", "dtd r.dtd --report -",
-                                  "xml r.dtd --full", "dtd r.dtd -o", "dtd r.dtd -o new -o old"}) {
+    for (const char* arguments : {"", "dtd r.dtd -l --type r", "dtd r.dtd --root r", "r.dtd --json", "r.dtd --graph -l",
+                                  "r.dtd --diff old --graph", "r.dtd -q -v", "r.dtd --report-format json", "r.dtd -o",
+                                  "dtd r.dtd -o new -o old"}) {
         const Answer answer = run(std::string("$import ") + arguments);
         EXPECT_EQ(answer.status, 2) << arguments;
         EXPECT_EQ(answer.out, "") << arguments;
@@ -143,15 +212,19 @@ TEST_F(ImportCommand, RefusesACommandLineThatIsOff)
 TEST_F(ImportCommand, FailureLeavesNoFile)
 {
     const std::string full = "trap '' XFSZ; ulimit -f 1; "; // a limit on the size of files stands for a full disk
-    const std::pair<std::string, const char*> rows[] = {
-        {"$import dtd none -o old", "Can't open file none, error = 2"},
-        {"$import dtd r.dtd --type x -o old", "there is no type called x"},
-        {full + "$import dtd wide -o old", "Can't open file old, error = 13"},
-        {full + "$import dtd wide -o new", "Can't open file new, error = 13"},
+    const struct
+    {
+        std::string line;
+        Answer answer;
+    } rows[] = {
+        {"$import dtd none -o old", {1, "", "none: error: No such file or directory\n"}},
+        {"$import dtd r.dtd --type x -o old", {1, "", "r.dtd: error: there is no type called x\n"}},
+        {full + "$import dtd wide -o old", {3, "", says("can't write old: No space left on device")}},
+        {full + "$import dtd wide -o new", {3, "", says("can't write new: No space left on device")}},
     };
     folder.write("wide", wide);
-    for (const auto& [line, error] : rows) {
-        EXPECT_EQ(run(line), (Answer{1, "", says(error)})) << line;
+    for (const auto& [line, answer] : rows) {
+        EXPECT_EQ(run(line), answer) << line;
         EXPECT_EQ(TempDir::read(folder.path("old")), "old") << line;
         EXPECT_EQ(names(), "old r.dtd wide ") << line;
     }
@@ -163,19 +236,23 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
     // Root may do it all, so root becomes somebody else, with a program that anybody can reach.
     fs::copy_file(TEST_BUILD_DIR "/typeforge-import", folder.path("import"));
     const std::string somebody = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
-    const auto refused = [](const std::string& name) { return says("Can't open file " + name + ", error = 5"); };
+    const auto refused = [](const std::string& name) { return says("can't write " + name + ": Permission denied"); };
     const struct
     {
         std::string line;
         Answer answer;
     } rows[] = {
         {"chmod 777 .; chmod 444 old; $as ./import dtd r.dtd -o old; cat old", {0, "old", refused("old")}},
-        {"chmod 555 .; chmod 666 old; $as ./import dtd r.dtd -o new", {1, "", refused("new")}},
+        {"chmod 0 x.xsd; $as ./import xsd s.xsd; rm -f s.xsd x.xsd",
+         {0, "", "s.xsd:2: error: x.xsd: Permission denied\n"}},
+        {"chmod 555 .; chmod 666 old; $as ./import dtd r.dtd -o new", {3, "", refused("new")}},
         {"seq 1000 >old; $as ./import dtd r.dtd -l -o old; cat old", {0, kList, ""}},
         {"printf old >old; $as sh -c 'ulimit -f 1; trap \"\" XFSZ; ./import dtd wide -o old'; cat old; chmod 755 .",
-         {0, "old", says("Can't open file old, error = 13")}},
+         {0, "old", says("can't write old: No space left on device")}},
     };
     folder.write("wide", wide);
+    folder.write("x.xsd", "<s/>");
+    folder.write("s.xsd", "<s>\n<include schemaLocation='x.xsd'/></s>");
     for (const auto& [line, answer] : rows)
         EXPECT_EQ(run("as='" + somebody + "'; " + line), answer) << line;
     EXPECT_EQ(names(), "import old r.dtd wide ");

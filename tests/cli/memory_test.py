@@ -7,6 +7,7 @@ import concurrent.futures
 import os
 import pathlib
 import random
+import re
 import subprocess
 import tempfile
 import unittest
@@ -43,7 +44,7 @@ class Memory(unittest.TestCase):
 
         def fail_at(number):
             answer = self.run_import(importer, source, str(number), FAILING_ALLOCATION=str(number))
-            said_so = answer[0] == 1 and answer[1].startswith("typeforge-import: ") and not answer[2]
+            said_so = answer[0] == 1 and re.match(r"(typeforge-import|.*: error): ", answer[1]) and not answer[2]
             return None if said_so or (answer[0] == 0 and answer[2] == whole) else (number, *answer[:2], list(answer[2]))
 
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

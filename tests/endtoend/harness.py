@@ -115,7 +115,7 @@ class WizardTest(unittest.TestCase):
 
     def choose_importer(self, name, page):
         """On the importer page: picks the importer that typeforge-import calls so, and goes on to that page."""
-        names = re.search(r"\{(.*?)\}", self.imported("--help").decode()).group(1).split(",")
+        names = [line.split("\t")[0] for line in self.imported("--importers").decode().splitlines()]
         self.key("Home", *["Down"] * names.index(name))
         self.next(page)
 

@@ -309,7 +309,7 @@ TEST_F(SchemaFull, ReportsWhatIsNotCarriedOver)
 <simpleType name='F'><restriction base='string'><length value='1'/><pattern value='a'/></restriction></simpleType>)";
     EXPECT_EQ(typesOfSchema(schema), "Lost(x:String) A(x:String) r(value:String none:String b:A r_b:String u:String)");
     EXPECT_EQ(reportOf(message, folder.path()), R"(x.xsd:1: module or document not there: none.xsd
-x.xsd:1: module or document not readable: b.xsd
+x.xsd:1: document not well-formed: b.xsd
 x.xsd:2: mixed content (order of text lost): r
 x.xsd:3: reference to nothing that was read: none
 x.xsd:3: reference to nothing that was read: nog

@@ -26,13 +26,14 @@ class Packaging(unittest.TestCase):
         self.assertLess({"--output", "--help"}, options)
         manual = read(PACKAGING + "typeforge-import.1").replace("\\-", "-")
         self.assertEqual(options, set(re.findall(r"(?m)^\.BR? .*?(--[a-z-]+)", manual)))
-        offered = re.search(r"compgen -W \"(--.*?)\"", read(PACKAGING + "typeforge-import.bash"), re.S)[0]
-        self.assertEqual(options, set(re.findall(r"--[a-z-]+(?=[ \n\"])", offered)))
+        for shell in "bash", "zsh", "fish":
+            script = run(BUILD + "/typeforge-import", "--completion", shell)[1].replace(" -l ", " --")
+            self.assertLessEqual(options, set(re.findall(r"--[a-z-]+", script)), shell)
 
     def test_completion_offers_what_fits_the_place(self):
-        script = ("_init_completion() { cur=${COMP_WORDS[COMP_CWORD]}; prev=${COMP_WORDS[COMP_CWORD-1]};"
+        script = ("eval \"$(" + BUILD + "/typeforge-import --completion bash)\"; _init_completion() { cur=${COMP_WORDS[COMP_CWORD]}; prev=${COMP_WORDS[COMP_CWORD-1]};"
                   " words=(\"${COMP_WORDS[@]}\"); cword=$COMP_CWORD; }; _filedir() { COMPREPLY=(\"files $1\"); };"
-                  " . ./typeforge-import.bash; COMP_WORDS=(typeforge-import %s); COMP_CWORD=%d; _typeforge_import " + BUILD + "/typeforge-import;"
+                  " COMP_WORDS=(typeforge-import %s); COMP_CWORD=%d; _typeforge_import " + BUILD + "/typeforge-import;"
                   " echo \"${COMPREPLY[@]}\"")
         for line, place, offered in [("x", 1, "xml xsd"), ("dtd ''", 2, "files @(dtd)"), ("xsd ", 2, "files @(xsd|xml)"),
                                      ("dtd a --ov", 3, "--overwrite"),

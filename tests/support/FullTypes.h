@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Formats/FullMessage.h"
+#include "Formats/ReportText.h"
 
 /// The types of an import in full, in their order: "record(field:type ...)", "enumeration{constant|...}" and
 /// "table[component]". Types of the import's own folder are shown by their short names.
@@ -30,11 +31,13 @@ inline CString fullTypesOf(MsgBase& message)
     return text;
 }
 
-/// The report of an import as it is written, without the folder that its files lie in.
-inline CString reportOf(const FullMessage& message, const CString& folder)
+/// The report of an import as it is written, without the folder that its files lie in and without the totals.
+inline CString reportOf(MsgBase& message, const CString& folder)
 {
     CString text;
-    message.queryReport().write([&text](std::string_view piece) { text += piece; });
+    writeReport(message, ReportFormat::text, [&text](std::string_view piece) { text += piece; });
+    text.pop_back();
+    text.erase(text.rfind('\n') + 1);
     for (std::size_t at; (at = text.find(folder)) != CString::npos;)
         text.erase(at, folder.size());
     return text;

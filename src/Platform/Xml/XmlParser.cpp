@@ -325,7 +325,11 @@ void Parse::onEntityDeclaration(void* context, const xmlChar* name, int type, co
 
 xmlEntityPtr Parse::onEntity(void* context, const xmlChar* name)
 {
-    return of(context).counted(context, xmlSAX2GetEntity(context, name));
+    Parse& self = of(context);
+    const xmlEntityPtr entity = xmlSAX2GetEntity(context, name);
+    if (!entity || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY)
+        self.guarded(context, [&] { self.handler.entityLeftOut(view(name), self.line()); });
+    return self.counted(context, entity);
 }
 
 xmlEntityPtr Parse::onParameterEntity(void* context, const xmlChar* name)

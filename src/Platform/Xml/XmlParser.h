@@ -82,6 +82,9 @@ public:
     virtual void comment(std::string_view) {}
     virtual void instruction(std::string_view /*target*/, std::string_view /*data*/) {}
 
+    /// A reference to an entity that is not known, or lies outside of the document, and so is left out.
+    virtual void entityLeftOut(std::string_view /*name*/, int /*line*/) {}
+
     /// False keeps text() and cdata() from being called at all.
     virtual bool wantsText() const { return true; }
 

@@ -1,0 +1,110 @@
+#include "Cli/Diagnostics.h"
+
+#include "Formats/SourceUses.h"
+#include "Utils/FileMessage.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kMaxWarnings = 20;
+constexpr std::size_t kMaxText = 160; // of one that has several lines
+
+bool isControl(char c)
+{
+    return static_cast<unsigned char>(c) < ' ';
+}
+
+// On one line. A text of several lines is a statement of the source, or more; its beginning tells which.
+CString onOneLine(std::string_view text)
+{
+    text = trimmed(text);
+    CString line;
+    if (text.find('\n') == text.npos) {
+        line = text;
+        std::replace_if(line.begin(), line.end(), isControl, ' ');
+        return line;
+    }
+    for (const char c : text) {
+        if (!isControl(c) && c != ' ')
+            line += c;
+        else if (!line.ends_with(' '))
+            line += ' ';
+        if (line.size() > 4 * kMaxText)
+            break;
+    }
+    std::size_t end = 0;
+    for (std::size_t count = 0; end < line.size(); ++end)
+        if ((static_cast<unsigned char>(line[end]) & 0xC0) != 0x80 && ++count > kMaxText)
+            break;
+    return end < line.size() ? line.substr(0, end) + "..." : line;
+}
+
+void writeLine(const CString& file, const char* kind, const CString& reason, long line = 0, long column = 0)
+{
+    CString text = onOneLine(shownFile(file));
+    for (const long number : {line, line > 0 ? column : 0})
+        if (number > 0)
+            text += ":" + std::to_string(number);
+    text += CString(": ") + kind + ": " + onOneLine(reason) + "\n";
+    std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+} // namespace
+
+void report(std::string_view text)
+{
+    char line[1000];
+    const int size =
+        std::snprintf(line, sizeof line, "typeforge-import: %.*s", static_cast<int>(text.size()), text.data());
+    char* const end = line + std::clamp<int>(size, 0, sizeof line - 1);
+    std::replace_if(line, end, isControl, ' ');
+    std::fprintf(stderr, "%s\n", line);
+}
+
+Diagnostics::Diagnostics(const CString& source, Verbosity verbosity) :
+    source(source), verbosity(verbosity), before(setMessageBoxHandler([this](const CString& text, const CString&) {
+        isLiteralError |= isErrorOfLiteralReading(text);
+        if (const SourceFault* fault = queryMessageFault())
+            add(*fault);
+        else
+            error(text);
+    }))
+{}
+
+Diagnostics::~Diagnostics()
+{
+    setMessageBoxHandler(std::move(before));
+}
+
+void Diagnostics::add(const SourceFault& fault)
+{
+    if (fault.isWarning) {
+        if (verbosity == Verbosity::quiet || (++warnings > kMaxWarnings && verbosity == Verbosity::normal))
+            return;
+    } else {
+        ++errors;
+    }
+    writeLine(fault.file.empty() ? source : fault.file, fault.isWarning ? "warning" : "error", fault.reason, fault.line,
+              fault.column);
+}
+
+void Diagnostics::warning(const CString& reason)
+{
+    if (verbosity != Verbosity::quiet)
+        writeLine(source, "warning", reason);
+}
+
+void Diagnostics::note(const CString& reason) const
+{
+    if (verbosity == Verbosity::verbose)
+        writeLine(source, "note", reason);
+}
+
+void Diagnostics::finish()
+{
+    if (verbosity == Verbosity::normal && warnings > kMaxWarnings)
+        warning("... and " + std::to_string(std::exchange(warnings, 0) - kMaxWarnings) + " more (--verbose shows all)");
+}

@@ -1,0 +1,35 @@
+#include "Cli/ReportFile.h"
+
+#include "Cli/Output.h"
+#include "Formats/ReportText.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+
+void addReportOptions(CLI::App& app, ReportOptions& options)
+{
+    CLI::Option* const report =
+        app.add_option("--report", options.file,
+                       "Write what was not carried over into the types to this file, - for standard error")
+            ->type_name("FILE");
+    app.add_option("--report-format", options.format, "How: text for people, the default, or json")
+        ->type_name("text|json")
+        ->check(CLI::IsMember({"text", "json"}))
+        ->needs(report);
+}
+
+bool writeReport(MsgBase& message, const ReportOptions& options)
+{
+    const ReportFormat format = options.format == "json" ? ReportFormat::json : ReportFormat::text;
+    if (options.file.empty())
+        return true;
+    if (options.file == "-") {
+        writeReport(message, format,
+                    [](std::string_view piece) { std::fwrite(piece.data(), 1, piece.size(), stderr); });
+        return true;
+    }
+    Output file(options.file);
+    writeReport(message, format, [&file](std::string_view piece) { file.write(piece); });
+    return file.finish();
+}

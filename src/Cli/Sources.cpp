@@ -1,0 +1,77 @@
+#include "Cli/Sources.h"
+
+#include "Cli/Diagnostics.h"
+#include "Formats/ImporterChoice.h"
+#include "Platform/Files/File.h"
+#include "Utils/FileMessage.h"
+
+#include <cstdio>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// A file is opened anew, from its start, by each who reads it; a pipe is read once; a socket can't be opened at all.
+bool canBeOpened(bool twice)
+{
+    struct stat state = {};
+    if (::fstat(STDIN_FILENO, &state) != 0)
+        return true; // and fails there
+    if (S_ISREG(state.st_mode))
+        return ::lseek(STDIN_FILENO, 0, SEEK_CUR) == 0;
+    return !twice && !S_ISSOCK(state.st_mode);
+}
+
+// Puts a file without a name in the place of standard input, with all that comes from there.
+void copyStandardInput()
+{
+    std::FILE* const copy = std::tmpfile(); // open until the end
+    bool isWhole = copy != nullptr;
+    char piece[1 << 16];
+    ssize_t size = 0;
+    while (isWhole && (size = ::read(STDIN_FILENO, piece, sizeof piece)) > 0)
+        isWhole = std::fwrite(piece, 1, static_cast<std::size_t>(size), copy) == static_cast<std::size_t>(size);
+    if (!isWhole || size < 0 || std::fflush(copy) != 0 || ::dup2(::fileno(copy), STDIN_FILENO) < 0)
+        throw std::runtime_error("can't copy standard input");
+}
+
+bool isConnectionString(const CString& source)
+{
+    return source.find('=') != CString::npos && testReadable(source) == FileCause::fileNotFound;
+}
+
+MsgUIDescriptor* tableImporter()
+{
+    MsgUIDescriptor** importer = g_amud;
+    while (!(*importer)->querySource().readsTables)
+        ++importer;
+    return *importer;
+}
+
+} // namespace
+
+std::vector<CString> filesOf(const std::vector<CString>& sources, bool isReadTwice)
+{
+    std::vector<CString> files;
+    for (const CString& source : sources) {
+        if (source == "-" && !canBeOpened(isReadTwice))
+            copyStandardInput();
+        files.push_back(source == "-" ? kStandardInput : source);
+    }
+    return files;
+}
+
+MsgUIDescriptor* importerOf(const CString& file, Diagnostics& diagnostics)
+{
+    MsgUIDescriptor* const importer = isConnectionString(file) ? tableImporter() : importerFor(file);
+    if (importer) {
+        diagnostics.note(CString("read as a source for ") + importer->querySource().word);
+    } else {
+        const FileCause cause = testReadable(file);
+        diagnostics.add({file, cause == FileCause::none || cause == FileCause::generic
+                                   ? "its importer can't be told; name it in front of the source"
+                                   : inWords(file, cause)});
+    }
+    return importer;
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Platform/Text.h"
+
+#include <vector>
+
+class Diagnostics;
+class MsgUIDescriptor;
+
+/// The files that sources of the command line stand for: "-" is standard input. `isRead` more than once: it is copied
+/// where it could not be.
+std::vector<CString> filesOf(const std::vector<CString>& sources, bool isReadTwice);
+
+/// The importer for a source, where the command line names none; null where that can't be told, which has then been
+/// said.
+MsgUIDescriptor* importerOf(const CString& file, Diagnostics& diagnostics);
