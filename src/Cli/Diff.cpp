@@ -49,14 +49,23 @@ void writeJson(const std::vector<TypeChange>& changes, Output& output)
     output.write("]}\n");
 }
 
+// What another document makes of types has no names.
+bool holdsTypes(MsgBase& message)
+{
+    bool hasAny = message.beginEnum() > 0;
+    while (const Element* type = message.enumNext())
+        hasAny &= !type->queryName().empty();
+    return hasAny;
+}
+
 } // namespace
 
 int diffTypes(MsgBase& message, const CString& document, bool asJson, Output& output, Diagnostics& diagnostics)
 {
     BrokerMessage earlier;
     earlier.parseFile(document, earlier.getBasePath());
-    if (!diagnostics.hasErrors() && earlier.beginEnum() == 0)
-        diagnostics.add({document, "it holds no types"});
+    if (!diagnostics.hasErrors() && !holdsTypes(earlier))
+        diagnostics.add({document, "it is no document of types"});
     if (diagnostics.hasErrors())
         return kTrouble;
     const TypeStructure before(earlier), after(message);

@@ -1,6 +1,5 @@
 #include "Formats/DTDNotes.h"
 
-#include "Formats/DTDTokens.h"
 #include "Platform/Text.h"
 
 #include <algorithm>
@@ -39,7 +38,7 @@ CString passedOver(std::string_view text, std::size_t at)
         const std::size_t name = std::min(kBlank.out(rest, keyword.size()), rest.size());
         const bool isParameter = rest.substr(name).starts_with('%');
         const std::size_t start = std::min(isParameter ? kBlank.out(rest, name + 1) : name, rest.size());
-        return CString(keyword) + (isParameter ? " % " : " ") + CString(DTDTokens::nameAt(rest.substr(start)));
+        return CString(keyword) + (isParameter ? " % " : " ") + CString(dtdNameAt(rest.substr(start)));
     }
     return {};
 }
@@ -65,7 +64,7 @@ void reportPassedOver(std::string_view text, const TextLines& lines, SourceRepor
             add(SourceReport::declarationPassedOver, at, what);
             at = endOfDeclaration(text, at);
         } else {
-            const std::string_view name = rest[0] == '%' ? DTDTokens::nameAt(rest.substr(1)) : std::string_view();
+            const std::string_view name = rest[0] == '%' ? dtdNameAt(rest.substr(1)) : std::string_view();
             if (!name.empty())
                 add(SourceReport::entityNotExpanded, at, name);
             at += 1 + name.size();

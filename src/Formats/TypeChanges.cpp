@@ -21,7 +21,7 @@ std::string_view nameOf(const TypeStructure& structure, std::uint32_t type)
 
 CString inWords(const CString& repeats)
 {
-    return repeats.empty() ? "once" : repeats;
+    return repeats.empty() ? "once" : repeats == "*" ? "repeated" : repeats;
 }
 
 struct Comparison

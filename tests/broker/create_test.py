@@ -132,7 +132,7 @@ class Create(unittest.TestCase):
     def test_a_missing_driver_is_named_with_its_package(self):
         self.environment["ODBCSYSINI"] = self.folder  # where no driver is known
         for server, driver, package in ("local", "SQLite3", "libsqliteodbc"), ("[::1]", "PostgreSQL Unicode", "odbc-postgresql"):
-            said = ("typeforge-import: Unable to establish a connection to Broker\n[unixODBC][Driver Manager]Can't open lib "
+            said = ("typeforge-import: Unable to establish a connection to Broker: [unixODBC][Driver Manager]Can't open lib "
                     f"'{driver}' : file not found (SQLSTATE 01000); the package is {package}\n")
             self.assertEqual((1, "", said), self.run_import("pair.dtd", "--create", server, "--trusted"))
 

@@ -143,6 +143,16 @@ TEST_F(ImportCommand, AnswersExactly)
         {"echo '<r><s/><s/></r>' >a.xml; echo '<r u=\"1\"><t><u/></t></r>' >b.xml; $import a.xml b.xml -l | cut -f1 | "
          "sort",
          {0, "\\sys\\xml\\r\\r\n\\sys\\xml\\r\\t\n\\sys\\xml\\r\\t_s\n", ""}},
+        // Each document's own types are in the union, whatever the order, and what repeats in one record does in all.
+        {"echo '<r><p><s/><s/></p></r>' >c.xml; $import a.xml b.xml c.xml -o t.xml; $import c.xml b.xml a.xml --diff "
+         "t.xml;"
+         "$import a.xml -o a.btd; $import a.xml b.xml c.xml --diff a.btd",
+         {1,
+          "added record \\sys\\xml\\r\\t\nadded record \\sys\\xml\\r\\p\n"
+          "added field \\sys\\xml\\r\\r.r_u: String\nadded field \\sys\\xml\\r\\r.t: \\sys\\xml\\r\\t\n"
+          "added field \\sys\\xml\\r\\r.p: \\sys\\xml\\r\\p\ncompatible: only additions\n",
+          ""}},
+        {"$import a.xml b.xml c.xml --type p | grep -c '\"s\".*t_s'", {0, "1\n", ""}},
         {"$import a.xml b.xml r.dtd", {1, "", "r.dtd: error: it is no source for xml, as a.xml is\n"}},
         {"$import old", {1, "", "old: error: its importer can't be told; name it in front of the source\n"}},
 
@@ -169,6 +179,71 @@ TEST_F(ImportCommand, AnswersExactly)
 )",
           ""}},
         {"$import dtd r.dtd --report none/x", {3, "", says("can't write none/x: No such file or directory")}},
+
+        // Differences from earlier types, as diff(1) ends: 0, 1, 2.
+        {"$import r.dtd -o r.xml; $import r.dtd --diff r.xml && $import r.dtd --diff r.xml --json",
+         {0, "{\"same\":true,\"compatible\":true,\"changes\":[]}\n", ""}},
+        {"echo '<!ELEMENT r (a*, b, c)><!ELEMENT c (d)>' >d.dtd; $import d.dtd -b '\\sys\\rosettanet' --diff r.xml",
+         {1,
+          R"(added record \sys\rosettanet\r\c
+added table \sys\rosettanet\r\t_a
+changed repetition of \sys\rosettanet\r\r.a: once to repeated
+changed repetition of \sys\rosettanet\r\r.b: repeated to once
+added field \sys\rosettanet\r\r.c: \sys\rosettanet\r\c
+removed table \sys\rosettanet\r\t_b
+not compatible: it breaks readers
+)",
+          ""}},
+        {"printf '<!ATTLIST r j (a|b) #IMPLIED k (y|n) #IMPLIED v CDATA #IMPLIED><!ELEMENT r (s?)><!ELEMENT s (t)>' "
+         ">f1.dtd; $import "
+         "f1.dtd --full -o f1.xml;"
+         "printf '<!ATTLIST r j (b|c) #IMPLIED k (y|m) #IMPLIED s CDATA #IMPLIED><!ELEMENT r (k)><!ELEMENT k (t)>' "
+         ">f2.dtd;"
+         "$import f2.dtd --full --diff f1.xml --json",
+         {1, R"({"same":false,"compatible":false,"changes":[
+  {"change":"added","what":"enumeration","name":"\\sys\\rosettanet\\r\\r_k"},
+  {"change":"added","what":"constant","name":"\\sys\\rosettanet\\r\\j.c"},
+  {"change":"removed","what":"constant","name":"\\sys\\rosettanet\\r\\j.a"},
+  {"change":"changed","what":"kind","name":"\\sys\\rosettanet\\r\\k","from":"enumeration","to":"record"},
+  {"change":"added","what":"field","name":"\\sys\\rosettanet\\r\\r.k","to":"\\sys\\rosettanet\\r\\k"},
+  {"change":"changed","what":"type","name":"\\sys\\rosettanet\\r\\r.r_k","from":"\\sys\\rosettanet\\r\\k","to":"\\sys\\rosettanet\\r\\r_k"},
+  {"change":"added","what":"field","name":"\\sys\\rosettanet\\r\\r.r_s","to":"String"},
+  {"change":"removed","what":"field","name":"\\sys\\rosettanet\\r\\r.s","from":"\\sys\\rosettanet\\r\\s"},
+  {"change":"removed","what":"field","name":"\\sys\\rosettanet\\r\\r.r_v","from":"String"},
+  {"change":"removed","what":"record","name":"\\sys\\rosettanet\\r\\s"}]}
+)",
+          ""}},
+        {"$import r.dtd --diff none", {2, "", "none: error: No such file or directory\n"}},
+        {"$import r.dtd --diff a.xml", {2, "", "a.xml: error: it is no document of types\n"}},
+        {"$import none --diff r.xml", {2, "", "none: error: No such file or directory\n"}},
+
+        // For other programs.
+        {"printf '<!ELEMENT r (s*)><!ATTLIST r k (y|n) #IMPLIED><!ELEMENT s (t)>' >g.dtd; $import g.dtd --full --list "
+         "--json",
+         {0, R"-([
+  {"name":"k","folder":"\\sys\\rosettanet\\r\\","kind":"enumeration","description":"k (Automatically created)","constants":[
+    {"name":"y","description":"y (Automatically created)"},
+    {"name":"n","description":"n (Automatically created)"}]},
+  {"name":"s","folder":"\\sys\\rosettanet\\r\\","kind":"record","description":"s (Automatically created)","fields":[
+    {"name":"t","type":"String","repeats":false,"description":"t (Automatically created)"}]},
+  {"name":"t_s","folder":"\\sys\\rosettanet\\r\\","kind":"table","description":"t_s (Automatically created)","component":{"type":"\\sys\\rosettanet\\r\\s","repeats":false}},
+  {"name":"r","folder":"\\sys\\rosettanet\\r\\","kind":"record","description":"r (Automatically created)","fields":[
+    {"name":"s","type":"\\sys\\rosettanet\\r\\s","repeats":true,"description":"s (Automatically created)"},
+    {"name":"r_k","type":"\\sys\\rosettanet\\r\\k","repeats":false,"description":"r_k (Automatically created)"}]}]
+)-",
+          ""}},
+        {"$import g.dtd --full --graph",
+         {0, R"(digraph types {
+    rankdir=LR
+    node [shape=record]
+    t0 [label="<title> k|<r0> y\l|<r1> n\l"]
+    t1 [label="<title> s|<r0> t : String\l"]
+    t2 [label="<title> r|<r0> s : s*\l|<r1> r_k : k\l"]
+    t2:r0 -> t1:title
+    t2:r1 -> t0:title
+}
+)",
+          ""}},
 
         // Outputs.
         {"$import dtd r.dtd -o none/x", {3, "", says("can't write none/x: No such file or directory")}},

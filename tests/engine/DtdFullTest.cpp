@@ -94,9 +94,9 @@ const Rule kRules[] = {
      "<!ENTITY % m PUBLIC '-//x//EN' 'Sub/M%201.MOD'>%m;<!ENTITY % n SYSTEM 'http://x/n'>\n%n;<!ENTITY % o PUBLIC 'o'>"
      "%o;<!ENTITY % p SYSTEM 'sub'>%p;",
      "s(b:String) r(s:s)",
-     "sub/m 1.mod:2: declaration that makes no sense: back inside itself\nx:2: module or document not there: "
+     "sub/m 1.mod:2: declaration that makes no sense: back inside itself\nx:2: module or document not local: "
      "http://x/n\nx:2: module or document not there: o\n"
-     "x:2: module or document not there: sub\n\n3 module or document not there\n"
+     "x:2: module or document not there: sub\n\n2 module or document not there\n1 module or document not local\n"
      "1 declaration that makes no sense\n",
      {{"sub/m 1.mod", "<!ENTITY % m2 SYSTEM '2.mod'>\n%m2;<!ENTITY % back SYSTEM '../x'>%back;"},
       {"sub/2.mod", "<!ELEMENT r (s)><!ELEMENT s (b)><!ELEMENT b EMPTY>"}}},

@@ -326,7 +326,7 @@ x.xsd:2: name changed: b is r_b
 3 reference to nothing that was read
 2 facet
 1 module or document not there
-1 module or document not readable
+1 document not well-formed
 1 declared twice
 1 mixed content (order of text lost)
 1 any element
