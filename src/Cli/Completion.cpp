@@ -142,19 +142,19 @@ CString forBash(const std::vector<Row>& rows)
 CString forZsh(const std::vector<Row>& rows)
 {
     constexpr std::string_view special = "[]:\\";
-    CString specs;
+    CString lines;
     for (const Row& row : rows) {
         const CString name = "--" + row.longName, both = "-" + row.shortName;
-        CString spec = row.shortName.empty() ? "'" + name : "'(" + both + " " + name + ")'{" + both + "," + name + "}'";
-        spec += "[" + escaped(row.description, special) + "]";
+        CString line = row.shortName.empty() ? "'" + name : "'(" + both + " " + name + ")'{" + both + "," + name + "}'";
+        line += "[" + escaped(row.description, special) + "]";
         if (!row.value.empty())
-            spec += ":" + escaped(row.value, special) + ":" +
+            line += ":" + escaped(row.value, special) + ":" +
                     (row.isFile()         ? "_files"
                      : row.choice.empty() ? ""
                                           : "(" + row.choice + ")");
-        specs += "        " + spec + "' \\\n";
+        lines += "        " + line + "' \\\n";
     }
-    return filled(kZsh, {specs});
+    return filled(kZsh, {lines});
 }
 
 CString forFish(const std::vector<Row>& rows)
