@@ -117,7 +117,7 @@ _typeforge_import "$@"
 )sh";
 
 constexpr char kFish[] = R"sh(# Completion of typeforge-import for fish.
-complete -c typeforge-import -n 'test (count (commandline -opc)) -eq 1' -a '((commandline -opc)[1] --importers | string replace -r "\t.*\t" "\t")'
+complete -c typeforge-import -n 'test (count (commandline -opc)) -eq 1' -a '(eval (commandline -opc)[1] --importers | string replace -r "\t.*\t" "\t")'
 %s)sh";
 
 CString filled(CString text, std::initializer_list<CString> values)
@@ -139,16 +139,24 @@ CString forBash(const std::vector<Row>& rows)
     return filled(kBash, {joined(rows, " | ", &Row::isFile), choices, joined(rows, " | ", isOther), options});
 }
 
+// Inside single quotes, in the words of _arguments.
+CString zshText(std::string_view text)
+{
+    CString out;
+    for (const char c : escaped(text, "[]:\\"))
+        out += c == '\'' ? CString("'\\''") : CString(1, c);
+    return out;
+}
+
 CString forZsh(const std::vector<Row>& rows)
 {
-    constexpr std::string_view special = "[]:\\";
     CString lines;
     for (const Row& row : rows) {
         const CString name = "--" + row.longName, both = "-" + row.shortName;
         CString line = row.shortName.empty() ? "'" + name : "'(" + both + " " + name + ")'{" + both + "," + name + "}'";
-        line += "[" + escaped(row.description, special) + "]";
+        line += "[" + zshText(row.description) + "]";
         if (!row.value.empty())
-            line += ":" + escaped(row.value, special) + ":" +
+            line += ":" + zshText(row.value) + ":" +
                     (row.isFile()         ? "_files"
                      : row.choice.empty() ? ""
                                           : "(" + row.choice + ")");

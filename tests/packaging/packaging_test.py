@@ -40,6 +40,15 @@ class Packaging(unittest.TestCase):
                                      ("dtd a -o ''", 4, "files "), ("btd a --overwrite n", 4, "none")]:
             self.assertEqual((0, offered + "\n", ""), run("bash", "-c", script % (line, place)), line)
 
+        # The shells themselves; bash-completion's part is what the rows above stand in for.
+        said = "What becomes of types that exist: all, none or ask; without it the terminal, if there is one, is asked"
+        load = "source (" + BUILD + "/typeforge-import --completion fish | psub); complete -C '" + BUILD + "/typeforge-import "
+        self.assertEqual((0, "none\t" + said + "\n", ""), run("fish", "-c", load + "dtd a --overwrite n'"))
+        self.assertEqual((0, "xml\tXML data importer\nxsd\tXML Schema importer\n", ""), run("fish", "-c", load + "x'"))
+        zsh = "eval \"$(" + BUILD + "/typeforge-import --completion zsh | sed '$d')\"; _arguments() { print -rl -- $@; }; _typeforge_import"
+        self.assertEqual((0, "--overwrite[" + said.replace(":", "\\:") + "]:all|none|ask:(all none ask)"),
+                         (lambda done: (done[0], [row for row in done[1].split("\n") if "overwrite" in row][-1]))(run("zsh", "-fc", zsh)))
+
     def test_the_desktop_accepts_its_files(self):
         manual = "man --warnings --local-file -Tutf8 -Z ./typeforge"
         for command in ["desktop-file-validate org.typeforge.typeforge.desktop", manual + ".1", manual + "-import.1",
