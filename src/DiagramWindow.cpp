@@ -11,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QSvgGenerator>
 #include <QVBoxLayout>
@@ -74,7 +75,8 @@ DiagramWindow::DiagramWindow(QWidget* owner, const TypeStructure& structure, std
     column->addWidget(view);
     column->addLayout(makeButtonRow());
     new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
-    resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36);
+    const QSize wanted(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36);
+    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // what is left is for the frame
     view->setFocus();
 }
 

@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -64,7 +65,8 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     column->addWidget(text);
     column->addLayout(makeButtonRow());
     new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
-    resize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 30);
+    const QSize wanted(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 30);
+    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // what is left is for the frame
     text->setFocus();
 }
 

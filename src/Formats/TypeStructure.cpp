@@ -3,6 +3,7 @@
 #include "Formats/MsgBase.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 namespace {
@@ -29,12 +30,28 @@ TypeStructure::TypeStructure(MsgBase& message)
         types.push_back({element, size(), element->queryPath() + element->queryName()});
         index.store(&types.back());
     }
-    if (index.size() == types.size()) {
-        byElement.reserve(count);
-        for (const Type& type : types)
-            byElement.store(&type);
-    }
+    numberElements();
     collectUsers();
+    numbers = {};
+}
+
+// A table of its own: in a KeyedTable each look-up would wait for memory three times instead of once, and there are as
+// many as there are fields. Left without entries where two types have the same name, which only names can settle.
+void TypeStructure::numberElements()
+{
+    numbers.resize(std::bit_ceil(types.size() * 2 + 1));
+    if (index.size() == types.size())
+        for (const Type& type : types)
+            numbers[slotOf(type.element)] = {type.element, type.number};
+}
+
+std::size_t TypeStructure::slotOf(const Element* element) const
+{
+    const std::uint64_t hash = reinterpret_cast<std::uintptr_t>(element) / alignof(Element) * 0x9E3779B97F4A7C15;
+    std::size_t slot = (hash >> 32) & (numbers.size() - 1);
+    while (numbers[slot].element && numbers[slot].element != element)
+        slot = (slot + 1) & (numbers.size() - 1);
+    return slot;
 }
 
 std::uint32_t TypeStructure::find(std::string_view fullName) const
@@ -102,8 +119,7 @@ std::uint32_t TypeStructure::numberOf(const Element& child, const Element& recor
     const bool namesItself = child.queryType() == Element::typeTable || &child.queryBaseName() == &child.queryName();
     if (!namesItself || child.queryPath() != record.queryPath())
         return kNone;
-    const Type* type = byElement.find(&child);
-    return type ? type->number : kNone;
+    return numbers[slotOf(&child)].number;
 }
 
 template <class Action>

@@ -38,12 +38,6 @@ struct TypeContent
 /// A type's name without its folder.
 std::string_view shortName(std::string_view fullName);
 
-/// The hash under which KeyedTable stores an element.
-inline std::size_t keyHash(const Element* element)
-{
-    return (reinterpret_cast<std::uintptr_t>(element) / alignof(Element) * 0x9E3779B97F4A7C15) >> 32;
-}
-
 /// The types of one import, numbered in its order: what each is made of and who uses it. Names are looked up through an
 /// index that is built once, so an answer costs what it tells, however many types there are. Valid until the importer
 /// parses again.
@@ -90,16 +84,24 @@ private:
         CString fullName;
     };
 
+    struct NumberedElement
+    {
+        const Element* element = nullptr; // of a free slot
+        std::uint32_t number = kNone;
+    };
+
     template <class Action>
     void forEachTypeName(std::uint32_t type, const Action& action) const;
     template <class Action>
     void forEachUse(std::uint32_t user, const Action& action) const;
     std::uint32_t numberOf(const Element& child, const Element& record) const;
+    void numberElements();
+    std::size_t slotOf(const Element* element) const;
     void collectUsers();
 
     std::deque<Type> types; // stay where they are: the index points to them
     KeyedTable<const Type, &Type::fullName> index;
-    KeyedTable<const Type, &Type::element, const Element*> byElement; // empty where two types have the same name
+    std::vector<NumberedElement> numbers; // a hash table by element, while users are collected
     std::vector<std::uint32_t> firstUser; // of each type, in `userList`; one more marks the end
     std::vector<std::uint32_t> userList;
 };
