@@ -81,7 +81,7 @@ void runOurs(const CString& folder, MsgBase& message)
         throw std::runtime_error(failure);
     CStringList lines;
     CreationRun run(session, {[](const CString&) { return OverwriteChoice::no; },
-                              [&](const CString& line) { lines.push_back(line); }, [](int) {}});
+                              [&](const CString& line, ResultKind) { lines.push_back(line); }});
     if (run.run(message) != 0)
         throw std::runtime_error("types failed");
 }

@@ -22,14 +22,17 @@
 
 namespace {
 
+bool isFailure(ResultKind kind)
+{
+    return kind == ResultKind::failed || kind == ResultKind::reason || kind == ResultKind::left;
+}
+
 // "1,200 types: 1,198 created, 2 failed"
 QString totalsOf(const std::vector<ResultKind>& kinds)
 {
-    static constexpr std::pair<ResultKind, const char*> words[] = {{ResultKind::created, "created"},
-                                                                   {ResultKind::modified, "modified"},
-                                                                   {ResultKind::skipped, "skipped"},
-                                                                   {ResultKind::failed, "failed"},
-                                                                   {ResultKind::unknown, "unknown"}};
+    static constexpr std::pair<ResultKind, const char*> words[] = {
+        {ResultKind::created, "created"}, {ResultKind::modified, "modified"}, {ResultKind::skipped, "skipped"},
+        {ResultKind::failed, "failed"},   {ResultKind::left, "not created"},  {ResultKind::unknown, "unknown"}};
     const QLocale locale;
     QStringList parts;
     for (const auto& [kind, word] : words)
@@ -84,7 +87,7 @@ void CreateResultPage::OnSetActive()
     totals->setText(totalsOf(kinds));
     command->setText(toUi(wizard->script.text(*wizard->message)));
     failuresOnly->setChecked(false);
-    failuresOnly->setEnabled(std::find(kinds.begin(), kinds.end(), ResultKind::failed) != kinds.end());
+    failuresOnly->setEnabled(std::any_of(kinds.begin(), kinds.end(), isFailure));
     wizard->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
 }
 
@@ -92,8 +95,7 @@ void CreateResultPage::showFailuresOnly(bool only)
 {
     const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
     for (std::size_t i = 0; i < kinds.size(); ++i) {
-        const bool failure = kinds[i] == ResultKind::failed || kinds[i] == ResultKind::reason;
-        resultBox->setRowHidden(static_cast<int>(i), only && !failure);
+        resultBox->setRowHidden(static_cast<int>(i), only && !isFailure(kinds[i]));
     }
 }
 

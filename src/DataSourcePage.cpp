@@ -1,10 +1,6 @@
 #include "DataSourcePage.h"
 
-#include "DataSourceLogon.h"
-#include "Platform/Database/ConnectString.h"
-#include "Platform/Secret.h"
 #include "Platform/Ui/ListView.h"
-#include "Platform/Ui/WaitCursor.h"
 #include "QELWizard.h"
 #include "Resources/StringTable.h"
 
@@ -46,28 +42,6 @@ LRESULT DataSourcePage::OnWizardNext()
     if (row < 0)
         return -1;
     selectedSource = row;
-    wizard->database.reset(); // closed before the next one opens: a source may allow one connection only
-    wizard->database = std::make_unique<CDatabase>();
     wizard->script = {dataSourceList->cell(row, 0)};
-    return open(wizard->script.source);
-}
-
-LRESULT DataSourcePage::open(const CString& source)
-{
-    Secret logon;
-    for (;;) {
-        CString reason;
-        try {
-            const WaitCursor wait;
-            if (wizard->database->Open(dataSourceText(source), CDatabase::readOnly, logon.text))
-                return IDD_DATABASE_TABLE;
-            return stay(IDS_SELECT_DATASOURCE);
-        } catch (const CDBException& error) {
-            if (!error.isLogonRefused())
-                throw;
-            reason = error.what();
-        }
-        if (!DataSourceLogon(this, source, reason).ask(logon.text))
-            return -1;
-    }
+    return wizard->openDatabase() ? IDD_DATABASE_TABLE : -1;
 }

@@ -18,9 +18,6 @@ public:
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
 
 private:
-    /// What to show after the attempt. Asks for user and password as often as they are refused.
-    LRESULT open(const CString& source);
-
     ListView* dataSourceList = nullptr;
     std::vector<DataSource> sources; // the rows of the list
     int selectedSource = -1;         // the row when Next was last pressed

@@ -45,14 +45,17 @@ void DatabaseTablePage::OnSetActive()
 void DatabaseTablePage::listTables()
 {
     const WaitCursor wait;
-    CTables found(wizard->database.get());
-    if (!found.Open(nullptr, nullptr, nullptr, "'TABLE'", CRecordset::snapshot)) {
-        const PlainCursor plain;
-        stay(IDS_NO_DATABASE);
+    bool isOpen = false;
+    wizard->runLong([&] {
+        CTables found(wizard->database.get());
+        isOpen = found.Open(nullptr, nullptr, nullptr, "'TABLE'", CRecordset::snapshot) != 0;
+        for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
+            tables.push_back({found.tableName, found.tableType, found.tableQualifier, found.tableOwner, found.remarks});
+    });
+    if (isOpen)
         return;
-    }
-    for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
-        tables.push_back({found.tableName, found.tableType, found.tableQualifier, found.tableOwner, found.remarks});
+    const PlainCursor plain;
+    stay(IDS_NO_DATABASE);
 }
 
 LRESULT DatabaseTablePage::OnWizardNext()
@@ -60,6 +63,8 @@ LRESULT DatabaseTablePage::OnWizardNext()
     const std::vector<int> selected = tableList->selectedRows();
     if (selected.empty())
         return stay(IDS_SELECT_TABLE);
+    if (!wizard->database->IsOpen() && !wizard->openDatabase()) // it was given up
+        return -1;
     const WaitCursor wait;
     CString names;
     wizard->script = {wizard->script.source, wizard->options.queryPath()};
@@ -67,7 +72,7 @@ LRESULT DatabaseTablePage::OnWizardNext()
         wizard->script.tables.push_back(tableList->cell(row, 0));
         names += wizard->script.tables.back() + '\n';
     }
-    wizard->message->parseData(names, wizard->options.queryPath());
+    wizard->runLong([&] { wizard->message->parseData(names, wizard->options.queryPath()); });
     wizard->options.setEditBack(IDD_DATABASE_TABLE);
     return IDD_EDIT;
 }

@@ -3,6 +3,7 @@
 #include "DiagramWindow.h"
 #include "Formats/ReportText.h"
 #include "KindMark.h"
+#include "Platform/Progress.h"
 #include "Platform/Ui/ListFilter.h"
 #include "Platform/Ui/ListView.h"
 #include "Platform/Ui/UiText.h"
@@ -134,7 +135,12 @@ void EditPage::chooseMain(const CString& name)
 {
     clear(); // the elements go
     wizard->fullMessage()->setRoot(name);
-    wizard->importFile(wizard->options.queryInputFile());
+    try {
+        wizard->importFile(wizard->options.queryInputFile());
+    } catch (const Cancelled&) {
+        sheet()->back(); // there are no types left to look at
+        return;
+    }
     readingRow->showCount(*wizard->fullMessage());
     showTypes();
 }

@@ -3,6 +3,8 @@
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
 #include "Overwrite.h"
+#include "Platform/Progress.h"
+#include "Platform/Ui/LongWork.h"
 #include "Platform/Ui/RecentCombo.h"
 #include "Platform/Ui/SecretEdit.h"
 #include "Platform/Ui/UiText.h"
@@ -151,18 +153,33 @@ LRESULT LoginToBroker::OnWizardNext()
         return stay(IDS_BLANK_FIELD);
     }
     storeChoices();
-    BrokerSession session;
-    const BrokerAccount account{user, password};
-    if (const CString failure = session.open(server, port, logonSel == LogonKind::trusted ? nullptr : &account);
-        !failure.empty())
-        return stay(failure, session.queryDescription());
+    CString failure, reason;
+    std::optional<int> errors; // none of a run that was cancelled
+    const bool isTrusted = logonSel == LogonKind::trusted;
+    wizard->script.overwrite.clear();
+    wizard->runLong(
+        [&] {
+            BrokerSession session;
+            const BrokerAccount account{user, password};
+            failure = session.open(server, port, isTrusted ? nullptr : &account);
+            checkWanted();
+            if (failure.empty())
+                errors = createTypes(session);
+            else
+                reason = session.queryDescription();
+        },
+        progress);
+    if (!failure.empty())
+        return stay(failure, reason);
     ScriptCommand& script = wizard->script;
     const auto address = readServerAddress(server, port);
     script.address = address ? address->asText() : server;
-    script.user = logonSel == LogonKind::trusted ? CString() : user;
+    script.user = isTrusted ? CString() : user;
     script.output.clear();
-    script.overwrite.clear();
-    createTypes(session);
+    if (errors)
+        progress->setValue(progress->maximum());
+    if (errors.value_or(0) != 0)
+        theApp.Error(formatText(loadText(IDS_CREATION_ERRORS), *errors), IDS_ERROR_TITLE);
     return IDD_CREATE_RESULT;
 }
 
@@ -210,26 +227,37 @@ void LoginToBroker::storeChoices()
     options.setUseTrustedLogon(logonSel == LogonKind::trusted);
 }
 
-void LoginToBroker::createTypes(BrokerSession& session)
+// In the thread of the long work.
+std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
 {
     QELOptions& options = wizard->options;
-    progress->setRange(0, wizard->message->beginEnum());
-    progress->setValue(0);
-    progress->show();
+    inWindowThread([this] {
+        progress->setRange(0, wizard->message->beginEnum());
+        progress->setValue(0);
+        progress->show();
+    });
     options.clearResultList();
-    const auto ask = [this](const CString& question) {
-        OverWriteDlg dialog(this);
-        dialog.text = question;
-        const PlainCursor arrow;
-        dialog.DoModal();
-        const OverwriteChoice choice = dialog.choice;
-        CString& word = wizard->script.overwrite; // what the first answer says of all of them
-        if (word.empty())
-            word = choice == OverwriteChoice::yesToAll ? "all" : choice == OverwriteChoice::noToAll ? "none" : "ask";
+    const auto askThere = [this](const CString& question) {
+        OverwriteChoice choice = OverwriteChoice::no;
+        inWindowThread([&] { choice = ask(question); });
         return choice;
     };
-    CreationRun run(session, {ask, [&](const CString& line, ResultKind kind) { options.addResult(line, kind); },
-                              [this](int done) { progress->setValue(done); }});
-    if (const int errors = run.run(*wizard->message))
-        theApp.Error(formatText(loadText(IDS_CREATION_ERRORS), errors), IDS_ERROR_TITLE);
+    CreationRun run(session,
+                    {askThere, [&options](const CString& line, ResultKind kind) { options.addResult(line, kind); }});
+    const int errors = run.run(*wizard->message);
+    return run.wasCancelled() ? std::nullopt : std::optional(errors);
+}
+
+OverwriteChoice LoginToBroker::ask(const CString& question)
+{
+    OverWriteDlg dialog(this);
+    dialog.text = question;
+    const PlainCursor arrow;
+    dialog.DoModal();
+    CString& word = wizard->script.overwrite; // what the first answer says of all of them
+    if (word.empty())
+        word = dialog.choice == OverwriteChoice::yesToAll  ? "all"
+               : dialog.choice == OverwriteChoice::noToAll ? "none"
+                                                           : "ask";
+    return dialog.choice;
 }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "Broker/CreationRun.h"
 #include "QELPage.h"
+
+#include <optional>
 
 class BrokerSession;
 class QComboBox;
@@ -38,7 +41,8 @@ private:
     bool UpdateData();
     QWidget* blankField() const;
     void storeChoices();
-    void createTypes(BrokerSession& session);
+    OverwriteChoice ask(const CString& question);
+    std::optional<int> createTypes(BrokerSession& session);
 
     QLineEdit* passwordEdit = nullptr;
     QProgressBar* progress = nullptr;

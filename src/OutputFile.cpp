@@ -16,10 +16,14 @@ LRESULT OutputFile::OnWizardNext()
     UpdateData(true);
     wizard->options.addOutputFile(fileName);
     const WaitCursor wait;
-    AtomicFile file(fileName); // an older file stays as it is until the new one is whole
-    if (file.queryCause() == FileCause::none)
-        wizard->message->writeXML([&file](std::string_view text) { file.write(text); });
-    if (const FileCause cause = file.commit(); cause != FileCause::none)
+    FileCause cause = FileCause::none;
+    wizard->runLong([&] {
+        AtomicFile file(fileName); // an older file stays as it is until the new one is whole
+        if (file.queryCause() == FileCause::none)
+            wizard->message->writeXML([&file](std::string_view text) { file.write(text); });
+        cause = file.commit();
+    });
+    if (cause != FileCause::none)
         return stay(cantOpen(fileName, cause));
     wizard->script.output = absoluteName(fileName);
     wizard->setCurrentFolder(QELWizard::folderCWD);

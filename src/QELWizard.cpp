@@ -1,6 +1,9 @@
 #include "QELWizard.h"
 
+#include "DataSourceLogon.h"
 #include "Formats/ImporterChoice.h"
+#include "Platform/Database/ConnectString.h"
+#include "Platform/Secret.h"
 #include "Platform/Ui/CoverText.h"
 #include "Platform/Ui/DraggedFiles.h"
 #include "Platform/Ui/ModalBox.h"
@@ -77,10 +80,36 @@ bool QELWizard::importFile(const CString& fileName)
     const WaitCursor wait;
     const ImportMessages together;
     message->wantReport();
-    if (!message->parseFile(fileName, options.queryPath()))
+    int isRead = 0;
+    runLong([&] { isRead = message->parseFile(fileName, options.queryPath()); });
+    if (!isRead)
         return false;
     setCurrentFolder(folderCWD);
     return true;
+}
+
+bool QELWizard::openDatabase()
+{
+    database.reset(); // closed before the next one opens: a source may allow one connection only
+    database = std::make_unique<CDatabase>();
+    Secret logon;
+    for (;;) {
+        CString reason;
+        try {
+            const WaitCursor wait;
+            bool isOpen = false;
+            runLong([&] { isOpen = database->Open(dataSourceText(script.source), CDatabase::readOnly, logon.text); });
+            if (!isOpen)
+                theApp.Error(IDS_SELECT_DATASOURCE, IDS_ERROR_TITLE);
+            return isOpen;
+        } catch (const CDBException& error) {
+            if (!error.isLogonRefused())
+                throw;
+            reason = error.what();
+        }
+        if (!DataSourceLogon(activePage(), script.source, reason).ask(logon.text))
+            return false;
+    }
 }
 
 FullMessage* QELWizard::fullMessage() const

@@ -43,8 +43,12 @@ public:
     CString setCurrentFolder(WhichFolder which);
 
     /// Runs the importer on a file, a bare name being one of the input folder. False when that failed, which the
-    /// importer has then said.
+    /// importer has then said. Raises Cancelled.
     bool importFile(const CString& fileName);
+
+    /// Opens the data source that is in `script`. Asks for user and password as often as they are refused. False where
+    /// it can't be opened, which has then been said, or the user gives up. Raises CDBException and Cancelled.
+    bool openDatabase();
 
     /// The importer, when it is one that reads its source in full; else null.
     FullMessage* fullMessage() const;

@@ -2,6 +2,7 @@
 
 #include "Broker/BrokerSession.h"
 #include "Formats/MsgBase.h"
+#include "Platform/Progress.h"
 #include "Resources/StringTable.h"
 
 #include <algorithm>
@@ -56,13 +57,19 @@ CreationRun::CreationRun(BrokerSession& openSession, Callbacks surroundings) :
 int CreationRun::run(MsgBase& message)
 {
     errorCount = 0;
-    yesToAll = noToAll = false;
-    int done = 0;
-    message.beginEnum();
+    yesToAll = noToAll = isCancelled = false;
+    Progress progress{Work::creating, 0, static_cast<std::uint64_t>(message.beginEnum())};
     while (Element* type = message.enumNext()) {
+        isCancelled = isCancelled || !tellProgress(progress);
+        if (isCancelled) {
+            callbacks.addResult(type->queryName() + " not created, since the creation was cancelled", ResultKind::left);
+            continue;
+        }
         create(*type);
-        callbacks.setDone(++done);
+        ++progress.done;
     }
+    if (!isCancelled)
+        tellProgress(progress);
     return errorCount;
 }
 

@@ -2,9 +2,10 @@
 
 #include <cstdint>
 
-// What a broker client is to the program: a shared library that exports the two functions below and hands out objects
-// of these interfaces. Only pointers, integers and zero-terminated UTF-8 texts cross the boundary, and no exception,
-// so that client and program may be built apart. A new or changed function needs a new kVornInterfaceVersion.
+// What a broker client is to the program: a shared library that exports the first two functions below, and the third
+// where its work can be ended early, and hands out objects of these interfaces. Only pointers, integers and
+// zero-terminated UTF-8 texts cross the boundary, and no exception, so that client and program may be built apart. A
+// new or changed function needs a new kVornInterfaceVersion.
 
 /// The version of the interfaces in this header.
 constexpr std::uint32_t kVornInterfaceVersion = 1;
@@ -82,4 +83,8 @@ extern "C" {
 
 /// A new object of the class, null for a class that the library doesn't have.
 [[gnu::visibility("default")]] IVornIntegrationServer* vornCreateObject(const char* classId) noexcept;
+
+/// Tells the library what to ask, from the thread that has called it, while that waits for a server: when the answer is
+/// no, whatever it waits for fails soon as a client error.
+[[gnu::visibility("default")]] void vornSetQuestion(bool (*isStillWanted)()) noexcept;
 }

@@ -7,6 +7,7 @@ enum class ResultKind
     modified,
     skipped,
     failed,
+    left,   ///< not begun, since the creation was cancelled
     reason, ///< of the failure that the line before names
     unknown ///< an answer that the program doesn't know
 };

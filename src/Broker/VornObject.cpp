@@ -1,6 +1,7 @@
 #include "Broker/VornObject.h"
 
 #include "Platform/Files/SettingsStore.h"
+#include "Platform/Progress.h"
 
 #include <dlfcn.h>
 #include <filesystem>
@@ -77,6 +78,8 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
         why = fileName + ": not a client with interfaces of version " + std::to_string(kVornInterfaceVersion);
         return {};
     }
+    if (const auto setQuestion = findFunction<decltype(vornSetQuestion)>(library, "vornSetQuestion"))
+        setQuestion(isStillWanted);
     VornObject<IVornIntegrationServer> object{create(classId.c_str()), VornRelease{std::move(library)}};
     if (!object)
         why = fileName + ": no class " + classId;

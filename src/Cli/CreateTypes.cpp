@@ -102,7 +102,7 @@ int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptio
         lines.write(line + "\n");
         cause = lines.commit();
     };
-    const int errors = CreationRun(session, {choice, addLine, [](int) {}}).run(message);
+    const int errors = CreationRun(session, {choice, addLine}).run(message);
     if (cause != FileCause::none)
         reportUnwritten("-", cause);
     if (errors != 0 || leftAlone)

@@ -1,5 +1,6 @@
 #include "Cli/Diagnostics.h"
 
+#include "Cli/ProgressLine.h"
 #include "Formats/SourceUses.h"
 #include "Utils/FileMessage.h"
 
@@ -49,6 +50,7 @@ void writeLine(const CString& file, const char* kind, const CString& reason, lon
         if (number > 0)
             text += ":" + std::to_string(number);
     text += CString(": ") + kind + ": " + onOneLine(reason) + "\n";
+    ProgressLine::clear();
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
@@ -61,6 +63,7 @@ void report(std::string_view text)
         std::snprintf(line, sizeof line, "typeforge-import: %.*s", static_cast<int>(text.size()), text.data());
     char* const end = line + std::clamp<int>(size, 0, sizeof line - 1);
     std::replace_if(line, end, isControl, ' ');
+    ProgressLine::clear();
     std::fprintf(stderr, "%s\n", line);
 }
 

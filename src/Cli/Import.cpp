@@ -2,6 +2,7 @@
 
 #include "Cli/Diff.h"
 #include "Cli/Output.h"
+#include "Cli/ProgressLine.h"
 #include "Cli/Sources.h"
 #include "Cli/TableSource.h"
 #include "Cli/TypeListing.h"
@@ -120,6 +121,7 @@ MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diag
 
 int runImport(const Arguments& arguments)
 {
+    const ProgressLine progressLine;
     const int failed = arguments.diff.empty() ? kFailed : kUsage; // there 1 is no failure
     const bool isTold = arguments.importer && arguments.importer->querySource().readsTables;
     const std::vector<CString> files =

@@ -1,6 +1,7 @@
 #include "Cli/ReportFile.h"
 
 #include "Cli/Output.h"
+#include "Cli/ProgressLine.h"
 #include "Formats/ReportText.h"
 
 #include <CLI/CLI.hpp>
@@ -25,6 +26,7 @@ bool writeReport(MsgBase& message, const ReportOptions& options)
     if (options.file.empty())
         return true;
     if (options.file == "-") {
+        ProgressLine::clear();
         writeReport(message, format,
                     [](std::string_view piece) { std::fwrite(piece.data(), 1, piece.size(), stderr); });
         return true;

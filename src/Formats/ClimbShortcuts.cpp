@@ -1,11 +1,14 @@
 #include "Formats/ClimbShortcuts.h"
 
+#include "Platform/Progress.h"
 #include "Utils/StrongComponents.h"
 
 #include <bit>
 #include <random>
 
 namespace {
+
+constexpr unsigned kElementsATick = 4096;
 
 struct WaysUp
 {
@@ -19,8 +22,11 @@ struct WaysUp
 
 ClimbShortcuts::ClimbShortcuts(LinkGraph& graph) : graph(graph)
 {
-    for (Index element = 0; element < graph.size(); ++element) // they may become more on the way
+    CancelPoint cancelPoint(kElementsATick);
+    for (Index element = 0; element < graph.size(); ++element) { // they may become more on the way
+        cancelPoint.pass();
         graph.read(element);
+    }
     placed.resize(graph.size());
     parentsDone.resize(graph.size());
     for (Index element = 0; element < graph.size(); ++element)

@@ -1,6 +1,7 @@
 #include "Formats/DTDMsg.h"
 
 #include "Formats/DTDNotes.h"
+#include "Platform/Progress.h"
 #include "Resources/StringTable.h"
 #include "Utils/QELApp.h"
 
@@ -22,6 +23,7 @@ constexpr std::size_t kMaxMainType = 4096;
 constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; real texts whose ends drift reach 90 MB
 constexpr std::size_t kMaxOverlap = 16;         // times the text
 constexpr std::size_t kExcerpt = 200;           // what a message tells of a statement
+constexpr unsigned kStepsATick = 1024;          // statements and names between two reports of the progress
 
 bool isTextKeyword(std::string_view name)
 {
@@ -72,11 +74,12 @@ DTDElement* DTDElement::enumNext()
 
 DTDMessage::Text::Text(std::string_view whole) :
     whole(whole), elementKeyword(whole), attlistKeyword(whole), nameStart(whole), nameEnd(whole), firstInModel(whole),
-    behindTextKeyword(whole), groups(whole)
+    behindTextKeyword(whole), groups(whole), told(Work::reading, whole.size(), kStepsATick)
 {}
 
 int DTDMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
+    mainBefore = mainType;
     CString copy;
     Text parsed(withoutNul(source, copy));
     text = &parsed;
@@ -87,10 +90,22 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     const int result = scan();
     if (result)
         declareAll(basePath + mainType + "\\");
+    forget();
+    return result;
+}
+
+void DTDMessage::onCancelled()
+{
+    forget();
+    mainType = mainBefore;
+}
+
+// What was of use for one parse.
+void DTDMessage::forget()
+{
     text = nullptr;
     dtdElements.clear();
     memory.release();
-    return result;
 }
 
 bool DTDMessage::isComment(std::size_t start) const
@@ -118,6 +133,7 @@ int DTDMessage::scan()
         if (end == kNowhere)
             return 1;
         from = end + 1;
+        tellAt(from);
         if (isComment(start))
             continue;
         read += from - start;
@@ -221,6 +237,7 @@ void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* pa
             ++next;
         const std::size_t levelEnd = ends.back();
         const std::size_t open = next < groups.size() ? std::min(groups.openOf(next), levelEnd) : levelEnd;
+        tellAt(start);
         if (start < open)
             formatField(text->whole.substr(start, open - start), {}, parent);
         start = open + 1;
@@ -245,6 +262,7 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
         const std::string_view piece = kFieldTrim.trim(content.substr(0, separator));
         content.remove_prefix(separator == kNowhere ? content.size() : separator + 1);
         const std::string_view name = withoutMarks(piece);
+        tellAt(static_cast<std::size_t>(piece.data() - text->whole.data()));
         if (name.empty() || isTextKeyword(name))
             continue;
         if (mark.empty() || piece.ends_with('*') || piece.ends_with('+'))
@@ -269,6 +287,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
     };
     const auto drop = [&rest](std::size_t count) { rest = kBlank.trim(rest.substr(std::min(count, rest.size()))); };
     for (std::size_t left = statement.size(); left >= 2; left = rest.size()) {
+        tellAt(end - left);
         std::string_view element, attribute;
         if (!takeWord(element) || !takeWord(attribute)) {
             const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement);
@@ -312,6 +331,7 @@ DTDElement& DTDMessage::addJoined(std::initializer_list<std::string_view> pieces
 
 void DTDMessage::declareAll(const CString& path)
 {
+    beginWork(Work::arranging);
     for (DTDElement* record : dtdElements)
         if (record->beginEnum())
             declareRecord(*record, path);

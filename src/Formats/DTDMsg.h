@@ -2,6 +2,7 @@
 
 #include "Formats/DTDText.h"
 #include "Formats/MsgBase.h"
+#include "Platform/Progress.h"
 #include "Utils/KeyedTable.h"
 
 #include <optional>
@@ -60,6 +61,9 @@ public:
 
     static MsgUIDescriptor m_descr;
 
+protected:
+    void onCancelled() override;
+
 private:
     enum Modifiers
     {
@@ -83,12 +87,15 @@ private:
         ForwardSearch<skipWhitespace> firstInModel;
         ForwardSearch<skipWhitespace> behindTextKeyword;
         DTDGroups groups;
+        ProgressMeter told;               // in bytes
         std::size_t lastClose = kNowhere; // the last ')' before closeSeen
         std::size_t closeSeen = 0;
         std::optional<TextLines> lines; // once a place has been asked for
     };
 
     int scan();
+    void forget();
+    void tellAt(std::size_t place) { text->told.step(place); }
     bool isComment(std::size_t start) const;
     std::size_t endFrom(std::size_t start, std::size_t from) const;
     int doParse(std::size_t start, std::size_t end);
@@ -109,7 +116,8 @@ private:
     static Modifiers getModifiers(std::string_view& name);
 
     CString sourceName;
-    CString mainType; // the first element that this importer ever read
+    CString mainType;   // the first element that this importer ever read
+    CString mainBefore; // what that was before the import in hand
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
     Arena memory; // of the entries and of the names that don't stand in the text as they are
     Text* text = nullptr;

@@ -351,6 +351,7 @@ void DTDReader::makeRecords()
             order.push_back(element.index);
         }
     for (const Index index : order) {
+        cancelPoint.pass();
         Element& element = elements[index];
         if (element.contentCount > 0 || element.firstAttribute != SourceTypes::kNone)
             element.record = types.addRecord({element.name, {}, element.place});
@@ -378,6 +379,7 @@ void DTDReader::makeFields(const Element& element, std::vector<SourceTypes::Fiel
     if (element.holdsText)
         fields.push_back({"value", {}, {}, SourceTypes::roleValue});
     for (const ContentModel::Entry& entry : std::span(contents).subspan(element.firstContent, element.contentCount)) {
+        cancelPoint.pass();
         const Element& child = elements[entry.name];
         fields.push_back({child.name, {}, typeOf(child), SourceTypes::roleElement, entry.repeats});
     }

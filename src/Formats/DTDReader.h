@@ -2,6 +2,7 @@
 
 #include "Formats/ContentModel.h"
 #include "Formats/DTDTokens.h"
+#include "Platform/Progress.h"
 
 /// Reads the declarations of a DTD and says what types they make: an element that may hold others, or has attributes,
 /// is a record, its children and attributes the fields. The first declaration of a name holds.
@@ -96,6 +97,7 @@ private:
     std::deque<Attribute> attributes;
     KeyedTable<Attribute, &Attribute::queryKey, AttributeKey> attributesByKey;
     ContentModel model;
+    CancelPoint cancelPoint{4096};       // passed by each field
     std::vector<std::string_view> names; // that the declaration in hand is for
     std::vector<std::string_view> constants;
 };

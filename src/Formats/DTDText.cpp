@@ -1,5 +1,6 @@
 #include "Formats/DTDText.h"
 
+#include "Platform/Progress.h"
 #include "Platform/Text.h"
 
 #include <algorithm>
@@ -83,7 +84,9 @@ DTDGroups::DTDGroups(std::string_view text)
     static constexpr CharSet structure("()*+,|&");
     std::vector<std::size_t> open; // groups that wait for their ')'
     std::size_t unmarked = 0;      // the first ')' that waits for the next mark or separator
+    CancelPoint cancelPoint(1 << 16);
     for (std::size_t at = structure.in(text); at != kNowhere; at = structure.in(text, at + 1)) {
+        cancelPoint.pass();
         const char c = text[at];
         if (c == '(') {
             open.push_back(groups.size());

@@ -10,6 +10,7 @@ namespace {
 constexpr CharSet kBlank(" \t\r\n");
 constexpr CharSet kMarkup("%<]");
 constexpr std::ptrdiff_t kLongKey = 200;
+constexpr unsigned kDeclarationsATick = 256; // between two reports of the progress
 
 const char* find(const char* from, const char* end, std::string_view what)
 {
@@ -19,7 +20,7 @@ const char* find(const char* from, const char* end, std::string_view what)
 } // namespace
 
 DTDTokens::DTDTokens(DTDEntities& entities, DTDEntities::Text& main, SourceReport& report) :
-    entityTable(entities), report(report)
+    entityTable(entities), report(report), told(Work::reading, main.text.size(), kDeclarationsATick)
 {
     push(main);
 }
@@ -66,6 +67,7 @@ bool DTDTokens::stands(std::string_view text) const
 
 bool DTDTokens::nextDeclaration()
 {
+    told.step(static_cast<std::uint64_t>(frames.front().at - frames.front().text->text.data()));
     for (;;) {
         Frame& frame = frames.back();
         while (frame.at < frame.end && !kMarkup.has(*frame.at))
@@ -166,6 +168,7 @@ void DTDTokens::skipSection()
 const DTDTokens::Token& DTDTokens::next()
 {
     current.isBehindUnknown = false;
+    cancelPoint.pass();
     for (;;) {
         Frame& frame = frames.back();
         while (frame.at < frame.end && kBlank.has(*frame.at))

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Formats/DTDEntities.h"
+#include "Platform/Progress.h"
 
 /// A DTD as declarations, and these as tokens: comments, instructions and sections that don't count are gone,
 /// references to parameter entities are replaced. What XML and SGML (ISO 8879) write is understood side by side.
@@ -93,4 +94,6 @@ private:
     std::string_view word;
     Token current;
     bool mayHoldMarkup = false;
+    ProgressMeter told; // in bytes of the main text
+    CancelPoint cancelPoint{4096};
 };

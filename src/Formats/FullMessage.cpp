@@ -2,6 +2,7 @@
 
 #include "Formats/MainElement.h"
 #include "Formats/SourceNames.h"
+#include "Platform/Progress.h"
 
 #include <algorithm>
 
@@ -37,8 +38,7 @@ struct FullMessage::Declaring
 
 int FullMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
-    mainType.clear();
-    mainTypes.clear();
+    forget();
     try {
         import(source, fileName, basePath);
         return 1;
@@ -50,10 +50,18 @@ int FullMessage::parse(const CString& source, const CString& basePath, const CSt
     }
 }
 
+// What the last import has left beside the model.
+void FullMessage::forget()
+{
+    mainType.clear();
+    mainTypes.clear();
+}
+
 void FullMessage::import(const CString& source, const CString& fileName, const CString& basePath)
 {
     SourceTypes types(fileName);
     read(source, fileName, types, report);
+    beginWork(Work::arranging);
     if (types.empty())
         throw SourceRefusal{fileName + " declares no element, type or enumeration.",
                             {"", "it declares no element, type or enumeration"}};

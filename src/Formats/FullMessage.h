@@ -33,6 +33,8 @@ private:
     using Index = SourceTypes::Index;
     struct Declaring;
 
+    void onCancelled() override { forget(); }
+    void forget();
     void import(const CString& source, const CString& fileName, const CString& basePath);
     Index chooseMain(SourceTypes& types, const CString& fileName);
     void declareRecord(Declaring& declaring, Index record);

@@ -2,6 +2,7 @@
 
 #include "Formats/TypeOrder.h"
 #include "Platform/Files/File.h"
+#include "Platform/Progress.h"
 #include "Resources/StringIds.h"
 #include "Utils/FileMessage.h"
 #include "Utils/QELApp.h"
@@ -26,18 +27,34 @@ int MsgBase::parseFile(const CString& fileName, const CString& basePath)
         if (cause != FileCause::none)
             return fail(cantOpen(fileName, cause), {fileName, inWords(fileName, cause)});
     }
-    const int result = parse(isFileMode() ? fileName : source, basePath, fileName);
-    source = {}; // the ordering needs room of its own
-    onAfterParse();
-    return result;
+    return orEmpty([&] {
+        const int result = parse(isFileMode() ? fileName : source, basePath, fileName);
+        source = {}; // the ordering needs room of its own
+        onAfterParse();
+        return result;
+    });
 }
 
 int MsgBase::parseData(const CString& data, const CString& basePath)
 {
     clear();
-    const int result = parse(data, basePath, {});
-    onAfterParse();
-    return result;
+    return orEmpty([&] {
+        const int result = parse(data, basePath, {});
+        onAfterParse();
+        return result;
+    });
+}
+
+template <class Import>
+int MsgBase::orEmpty(Import import)
+{
+    try {
+        return import();
+    } catch (const Cancelled&) {
+        onCancelled();
+        clear();
+        throw;
+    }
 }
 
 int MsgBase::beginEnum()
@@ -96,6 +113,7 @@ Element* MsgBase::addElement(const Fingerprint& usageKey, const CString& path, c
 
 void MsgBase::addUsage(const Fingerprint& usageKey, Element* element, Element* parent)
 {
+    cancelPoint.pass();
     if (ChildElement* usage = findUsage(usageKey)) {
         usage->addInstance();
         if (usage->element == element && usage->parent == parent && !(parent && parent->isLinkedByHand))
@@ -177,6 +195,7 @@ void MsgBase::makeTables()
 {
     CString tableName;
     for (std::size_t i = 0; i < usages.size(); ++i) {
+        cancelPoint.pass();
         ChildElement* usage = usages[i];
         if (usage->instances <= 1 || usage->element->isAttribute)
             continue;

@@ -5,6 +5,7 @@
 #include "Formats/TypeList.h"
 #include "Platform/Arena.h"
 #include "Platform/MessageBox.h"
+#include "Platform/Progress.h"
 
 #include <functional>
 
@@ -28,7 +29,8 @@ public:
     virtual CString queryMainTypeName() const = 0; ///< the root element of the document that getXML() writes
     virtual MsgUIDescriptor* queryDescriptor() const = 0;
 
-    /// Clears the model and imports a file. 0 when it can't be opened (message 2210), else what parse() answered.
+    /// Clears the model and imports a file. 0 when it can't be opened (message 2210), else what parse() answered. The
+    /// model is empty when Cancelled is raised.
     int parseFile(const CString& fileName, const CString& basePath);
 
     /// Further files that parseFile() reads after its own, all as one source. False where an importer reads one alone.
@@ -40,7 +42,7 @@ public:
     /// What of the last source was not carried over into the types.
     const SourceReport& queryReport() const { return report; }
 
-    /// Clears the model and imports `data`; answers what parse() answered.
+    /// Clears the model and imports `data`; answers what parse() answered. The same holds.
     int parseData(const CString& data, const CString& basePath);
 
     /// Replaces `out` with the message document: header, main element, the documents of all types.
@@ -83,6 +85,10 @@ protected:
     /// Makes room for so many usages at once.
     void reserveUsages(std::size_t count) { usages.reserve(count); }
 
+    /// The import in hand has been cancelled, in parse() or afterwards: all but the model, which is emptied, is to be
+    /// as it was before.
+    virtual void onCancelled() {}
+
     void clear();        ///< empties the model
     void onAfterParse(); ///< makes tables of repeated usages and orders the types
 
@@ -101,6 +107,10 @@ protected:
     bool isReportWanted = false;
 
 private:
+    static constexpr unsigned kUsagesATick = 4096;
+
+    template <class Import>
+    int orEmpty(Import import);
     Element* own(Element* element);
     std::pair<Element*, bool> findOrMake(const CString& path, const CString& name, Element::ElementTypes type);
     Element* newElement(const CString& path, const CString& name, Element::ElementTypes type);
@@ -117,4 +127,5 @@ private:
     std::size_t enumPosition = static_cast<std::size_t>(-1);
     int mergeByName;
     bool areTablesInAll = false;
+    CancelPoint cancelPoint{kUsagesATick};
 };

@@ -2,7 +2,10 @@
 
 #include "Platform/Database/Columns.h"
 #include "Platform/Database/MainWindow.h"
+#include "Platform/Progress.h"
 #include "Utils/QELStr.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -37,6 +40,8 @@ ODBCMessage::ODBCMessage() : MsgBase(0), mainWindow(::mainWindow()) {}
 
 int ODBCMessage::parse(const CString& source, const CString& basePath, const CString&)
 {
+    ProgressMeter progress(Work::tables, static_cast<std::uint64_t>(std::ranges::count(source, '\n')), 1);
+    std::uint64_t done = 0;
     QELStringIterator names(source.c_str());
     names.beginEnum('\n');
     QELString name;
@@ -46,6 +51,7 @@ int ODBCMessage::parse(const CString& source, const CString& basePath, const CSt
             break;
         name.trim();
         createFromTable(CString(name), basePath);
+        progress.step(++done);
     }
     return 1;
 }

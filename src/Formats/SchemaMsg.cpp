@@ -1,6 +1,7 @@
 #include "Formats/SchemaMsg.h"
 
 #include "Formats/SchemaCache.h"
+#include "Platform/Progress.h"
 #include "Resources/StringTable.h"
 #include "Utils/FileMessage.h"
 #include "Utils/XMLDoc.h"
@@ -9,9 +10,16 @@ int SchemaMessage::parse(const CString& source, const CString& basePath, const C
 {
     SchemaTable::Outlines outlines;
     table.clear();
+    namesBefore = table.queryNames();
     const int result = import(source, basePath, fileName, outlines);
     table.clear(); // the texts of the tables go with the outlines
     return result;
+}
+
+void SchemaMessage::onCancelled()
+{
+    table.clear();
+    table.setNames(namesBefore);
 }
 
 /// The two passes. The file is read once for both.
@@ -90,6 +98,7 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
 {
     if (queryMainTypeName().empty())
         return fail(loadText(IDS_NO_ROOT), {source, "this document does not contain a root element"});
+    beginWork(Work::arranging);
     table.readMain(outline, report, isReportWanted);
     for (SchemaNotes& document : notes)
         document.reportUnknownTypes([this](std::string_view type) { return table.find(type) != nullptr; });

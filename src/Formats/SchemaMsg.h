@@ -24,6 +24,9 @@ public:
 
     static MsgUIDescriptor m_descr;
 
+protected:
+    void onCancelled() override;
+
 private:
     enum Modifiers
     {
@@ -49,5 +52,6 @@ private:
 
     std::deque<SchemaNotes> notes; // of the documents that were read; none where no report is wanted
     SchemaTable table;
+    SchemaTable::Names namesBefore; // the import in hand
     CString baseFolder;
 };

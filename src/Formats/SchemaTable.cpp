@@ -232,6 +232,7 @@ void SchemaTable::prefetchEntry(const SchemaDeclaration& field, const TypeWalk& 
 SchemaElement* SchemaTable::addSchemaElement(SourcePlace place, std::string_view name, const Record& parent,
                                              std::string_view type)
 {
+    cancelPoint.pass();
     const Fingerprint alone(name);
     const Fingerprint key = parent.entry ? Fingerprint(RunningHash(parent.key).append(name)) : alone;
     SchemaElement* entry = schemaElements.find(key);
@@ -257,10 +258,14 @@ SchemaElement* SchemaTable::addSchemaElement(SourcePlace place, std::string_view
 /// is pulled goes to the end of the table, so the walk comes to it, and an entry that it has passed needs nothing more.
 void SchemaTable::mergeLists()
 {
-    for (const SchemaElement* entry : schemaElements)
+    for (const SchemaElement* entry : schemaElements) {
+        cancelPoint.pass();
         pull(entry->queryType());
-    for (std::size_t i = 0; i < pulled.size(); ++i)
+    }
+    for (std::size_t i = 0; i < pulled.size(); ++i) {
+        cancelPoint.pass();
         pull(pulled[i]->queryType());
+    }
 }
 
 void SchemaTable::pull(const Fingerprint& type)

@@ -2,9 +2,12 @@
 
 #include "Formats/SchemaElement.h"
 #include "Formats/SchemaOutline.h"
+#include "Platform/Progress.h"
 #include "Utils/KeyedTable.h"
 
+#include <array>
 #include <deque>
+#include <tuple>
 
 /// What a schema declares, by the names under which it was read; the outlines hold the texts. It is read in two passes:
 /// the first over the schema together with every document that it includes, imports or redefines, the second over the
@@ -26,6 +29,11 @@ public:
 
     /// Forgets all but the names of main element and root type.
     void clear();
+
+    /// The names that stay from one schema to the next: the main element, the one before it, the root type.
+    using Names = std::array<CString, 3>;
+    Names queryNames() const { return {mainType, earlierMainType, rootTypeName}; }
+    void setNames(const Names& names) { std::tie(mainType, earlierMainType, rootTypeName) = std::tuple_cat(names); }
 
     /// The main element's name; empty when there is none.
     const CString& queryMainType() const { return mainType; }
@@ -75,6 +83,7 @@ private:
     Entries includedElements;                // of the include pass
     std::deque<SchemaElement*> pulled;       // the end of the element table: entries that stand in both
     std::deque<SchemaElement> ownedElements; // of both tables
+    CancelPoint cancelPoint{4096};           // passed by each declaration
     int cyclicReferences = 0;                // how many it has shown
     bool isWhole = false;                    // the second pass would find what the first has found
     CString rootTypeName;                    // stays from one schema to the next

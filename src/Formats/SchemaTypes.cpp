@@ -32,6 +32,7 @@ void SchemaTypes::readFields(Pending record)
     const std::span<const SchemaField> content = contents.of(record.type);
     inHand.assign(content.begin(), content.end());
     for (const SchemaField& field : inHand) {
+        cancelPoint.pass();
         const Declared& type = declared(field.declaration);
         const std::uint32_t said = field.declaration == 0 ? 0 : tree[field.declaration].documentation;
         fields.push_back({keep(field.name.local), keepDocumentation(said != 0 ? said : type.documentation),

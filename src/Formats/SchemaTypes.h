@@ -2,6 +2,7 @@
 
 #include "Formats/SchemaContents.h"
 #include "Formats/SchemaSimpleTypes.h"
+#include "Platform/Progress.h"
 
 /// Says what a schema declares: the records, enumerations and elements of its main document and all that they reach.
 class SchemaTypes
@@ -57,4 +58,5 @@ private:
     std::vector<SchemaField> inHand;
     std::vector<SourceTypes::Field> fields;
     std::vector<std::string_view> constants;
+    CancelPoint cancelPoint{4096}; // passed by each field
 };

@@ -1,5 +1,7 @@
 #include "Formats/SourceNames.h"
 
+#include "Platform/Progress.h"
+
 namespace {
 
 constexpr std::size_t kFewFields = 16;
@@ -52,8 +54,11 @@ void SourceNames::name(const std::vector<Index>& order, Index first)
     for (Index record = 0; record < types.records.size(); ++record)
         if (isWanted[record])
             nameRecord(record);
-    for (const Index record : order)
+    CancelPoint cancelPoint(1024);
+    for (const Index record : order) {
+        cancelPoint.pass();
         nameFields(record);
+    }
 }
 
 void SourceNames::nameRecord(Index index)

@@ -11,11 +11,13 @@ constexpr std::size_t kStepsInCycles = 100'000'000;
 // A step up counts for what it costs: it is come by again on the way back, and then looks at its children.
 constexpr std::size_t kStepsOfAFrame = 8;
 
+constexpr unsigned kFramesATick = 4096; // between two reports of the progress
+
 } // namespace
 
 TypeOrder::TypeOrder(TypeList& list, std::span<Element* const> elements) :
     list(list), graph(elements), nodes(elements.size()), progress(elements.size()),
-    stepsLeft(kStepsOfAFrame * (1000 + 4 * elements.size()))
+    told(Work::arranging, elements.size(), kFramesATick), stepsLeft(kStepsOfAFrame * (1000 + 4 * elements.size()))
 {
     for (std::size_t i = 0; i < list.size(); ++i)
         if (list[i]->isPlaced() && list[i]->queryNumber() < graph.size())
@@ -28,6 +30,7 @@ void TypeOrder::place(const Element& start)
         return;
     enter(start.queryNumber(), ++lastClimb);
     while (!frames.empty()) {
+        told.step(list.size());
         Frame& top = frames.back();
         if (isOld(top)) {
             frames.pop_back();

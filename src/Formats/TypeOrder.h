@@ -3,6 +3,7 @@
 #include "Formats/ClimbShortcuts.h"
 #include "Formats/LinkGraph.h"
 #include "Formats/TypeList.h"
+#include "Platform/Progress.h"
 
 #include <memory>
 
@@ -17,7 +18,8 @@ public:
     /// `elements` by their numbers. Their links must not change as long as this lives.
     TypeOrder(TypeList& list, std::span<Element* const> elements);
 
-    /// Places an element and all that it leads to; nothing when it is placed.
+    /// Places an element and all that it leads to; nothing when it is placed. Tells the progress, so Cancelled may be
+    /// raised.
     void place(const Element& element);
 
 private:
@@ -61,6 +63,7 @@ private:
     std::vector<Node> nodes;
     std::vector<Progress> progress;
     std::vector<Frame> frames; // a stack
+    ProgressMeter told;
     Index lastClimb = 0;
     std::size_t stepsLeft;
     std::unique_ptr<ClimbShortcuts> shortcuts; // once there have been many steps

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Progress.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <vector>
@@ -21,13 +23,14 @@ public:
         graph(graph), component(nodeCount, kNone), number(nodeCount), lowest(nodeCount)
     {}
 
-    /// Adds `start` and all nodes that it reaches, as far as they aren't there yet.
+    /// Adds `start` and all nodes that it reaches, as far as they aren't there yet. Cancelled may be raised.
     void visit(Index start)
     {
         if (number[start] != 0)
             return;
         enter(start);
         while (!steps.empty()) {
+            cancelPoint.pass();
             Step& top = steps.back();
             if (top.nextLink == graph.degree(top.node)) {
                 leave(top.node);
@@ -88,6 +91,7 @@ private:
     std::vector<Index> lowest;  // the lowest number that is reached and has no component yet
     std::vector<Index> pending; // visited, without a component yet
     std::vector<Step> steps;
+    CancelPoint cancelPoint{1 << 16};
     Index lastNumber = 0;
     Index components = 0;
 };

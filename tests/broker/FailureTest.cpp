@@ -57,6 +57,11 @@ TEST_F(Client, EachResultOfACreationHasItsLine)
               run.lines);
     EXPECT_EQ(2, run.errors);
     EXPECT_EQ(6, run.steps);
+    const Creation cancelled(session, types.message, [](int done) { return done < 2; });
+    EXPECT_EQ((Lines{"e0 created successfully", "e1 created successfully",
+                     "e2 not created, since the creation was cancelled"}),
+              Lines(cancelled.lines.begin(), cancelled.lines.begin() + 3));
+    EXPECT_EQ(6u, cancelled.lines.size());
 }
 
 TEST(ServerAddress, IsReadInOneWay)
@@ -186,6 +191,7 @@ TEST_F(Postgres, GoneInTheMiddleLeavesWholeTypesAndSaysWhy)
         if (done == 2)
             execute("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname = 'typeforge' "
                     "AND pid <> pg_backend_pid()");
+        return true;
     });
     ASSERT_EQ(10u, cut.lines.size()); // two of each type that failed
     EXPECT_EQ("e1 created successfully", cut.lines[1]);
@@ -198,6 +204,7 @@ TEST_F(Postgres, GoneInTheMiddleLeavesWholeTypesAndSaysWhy)
     const Creation killed(session, types.message, [&](int done) {
         if (done == 3)
             server.stop();
+        return true;
     });
     EXPECT_EQ("e2 created successfully", killed.lines[2]);
     EXPECT_EQ("e3 - creation error", killed.lines[3]);

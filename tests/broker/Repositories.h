@@ -5,6 +5,7 @@
 #include "Formats/DTDMsg.h"
 #include "Platform/Database/Statement.h"
 #include "Platform/Files/SettingsStore.h"
+#include "Platform/Progress.h"
 #include "support/Servers.h"
 
 #include <gtest/gtest.h>
@@ -69,19 +70,21 @@ public:
 struct Creation
 {
     Creation(
-        BrokerSession& session, MsgBase& message, const std::function<void(int)>& onDone = [](int) {})
+        BrokerSession& session, MsgBase& message, const std::function<bool(int)>& onDone = [](int) { return true; })
     {
+        const ProgressHandler before = setProgressHandler([&](const Progress& progress) {
+            EXPECT_EQ(progress.work, Work::creating);
+            const int done = static_cast<int>(progress.done);
+            return std::exchange(steps, done) == done || onDone(done); // asked again while a driver is waited for
+        });
         CreationRun run(session, {[](const CString&) { return OverwriteChoice::noToAll; },
-                                  [this](const CString& line, ResultKind) { lines.push_back(line); },
-                                  [&](int done) {
-                                      EXPECT_EQ(done, ++steps);
-                                      onDone(done);
-                                  }});
+                                  [this](const CString& line, ResultKind) { lines.push_back(line); }});
         errors = run.run(message);
+        setProgressHandler(before);
     }
 
     Lines lines;
-    int steps = 0;
+    int steps = -1;
     int errors = 0;
 };
 

@@ -1,6 +1,6 @@
 #include "support/ImportCommand.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <set>
@@ -331,6 +331,15 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
     for (const auto& [line, answer] : rows)
         EXPECT_EQ(run("as='" + somebody + "'; " + line), answer) << line;
     EXPECT_EQ(names(), "import old r.dtd wide ");
+}
+
+// On a terminal, long work has a line that is written over and gone in the end.
+TEST_F(ImportCommand, TellsHowFarLongWorkHasCome)
+{
+    const Answer answer = run("mkfifo slow; (printf '<x>'; yes '<a/>' | head -c 500000; sleep 1.3;"
+                              "yes '<a/>' | head -c 500000; printf '</x>') >slow &"
+                              "script -qec \"$import xml slow -o /dev/null\" /dev/null; wait");
+    EXPECT_THAT(answer.out, testing::MatchesRegex("(\r\x1b\\[KReading: [01][.][0-9] MB\r)+\r\x1b\\[K")) << answer;
 }
 
 TEST_F(ImportCommand, ReplacesWhatALinkNamesAndKeepsItsPermissions)

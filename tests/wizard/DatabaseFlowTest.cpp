@@ -48,7 +48,9 @@ protected:
     // Answers the logon dialogs that come up, one after the other; an empty user cancels.
     void answerLogons(const std::vector<std::pair<CString, CString>>& answers, std::size_t at = 0)
     {
-        QTimer::singleShot(0, &desk.wizard(), [=, this] {
+        QTimer::singleShot(5, &desk.wizard(), [=, this] {
+            if (QApplication::activeModalWidget() == nullptr) // the source is still being tried
+                return answerLogons(answers, at);
             const QWidget& dialog = *QApplication::activeModalWidget();
             const auto& [user, password] = answers[at];
             if (at + 1 < answers.size())

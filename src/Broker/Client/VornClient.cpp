@@ -5,6 +5,7 @@
 #include "Broker/IVorn.h"
 #include "Platform/Database/ConnectString.h"
 #include "Platform/Files/UserFolders.h"
+#include "Platform/Progress.h"
 #include "Platform/Secret.h"
 
 #include <chrono>
@@ -42,8 +43,10 @@ protected:
             return operation();
         } catch (const std::exception& error) {
             describe(error.what());
-            return VornResult::clientError;
+        } catch (const Cancelled&) {
+            describe("The connection has been given up, since the work was cancelled");
         }
+        return VornResult::clientError;
     }
 
     void describe(const char* text) noexcept
@@ -163,4 +166,9 @@ std::uint32_t vornInterfaceVersion() noexcept
 IVornIntegrationServer* vornCreateObject(const char* classId) noexcept
 {
     return std::strcmp(classId, kVornServerClass) == 0 ? new (std::nothrow) Server : nullptr;
+}
+
+void vornSetQuestion(bool (*isStillWanted)()) noexcept
+{
+    setProgressHandler([isStillWanted](const Progress&) { return isStillWanted(); });
 }

@@ -19,7 +19,8 @@ void FreeConnection::operator()(void* connection) const noexcept
 
 void FreeStatement::operator()(void* statement) const noexcept
 {
-    SQLFreeHandle(SQL_HANDLE_STMT, statement);
+    if (!database || !database->isGivenUp)
+        SQLFreeHandle(SQL_HANDLE_STMT, statement);
 }
 
 EnvironmentHandle allocateEnvironment()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 struct FreeEnvironment
@@ -10,8 +11,12 @@ struct FreeConnection
 {
     void operator()(void* connection) const noexcept; ///< disconnects first
 };
+struct DatabaseHandles;
 struct FreeStatement
 {
+    const DatabaseHandles* database = nullptr;
+
+    /// Leaves it to the end of a connection that has been given up: the driver would wait for the call in hand.
     void operator()(void* statement) const noexcept;
 };
 using EnvironmentHandle = std::unique_ptr<void, FreeEnvironment>;
@@ -26,6 +31,7 @@ struct DatabaseHandles
 {
     EnvironmentHandle environment; // above the connection, which has to go first
     ConnectionHandle connection;
+    std::atomic<bool> isGivenUp = false; // a call hasn't come back, and nobody waits for it any more
 };
 
 /// A statement and the connection that it runs on. Empty (false) when there is none.

@@ -1,7 +1,7 @@
 #include "Platform/Database/Odbc.h"
 
 #include "Platform/Database/ConnectString.h"
-#include "Platform/Database/DriverCall.h"
+#include "Platform/Progress.h"
 #include "Platform/Secret.h"
 
 #include <sql.h>
@@ -113,8 +113,7 @@ bool CDatabase::Open(const CString& source, Access access, const CString& logon)
     if (!attempt->handles->connection)
         return false;
     buildConnectString(attempt->connect.text, source, access, logon);
-    if (!callDriver(patience, [attempt] { attempt->run(); }))
-        raiseSilence(patience);
+    callDriver([attempt] { attempt->run(); });
     if (!attempt->connected)
         return false;
     handles = attempt->handles;
@@ -135,9 +134,19 @@ void CDatabase::wait(std::function<void()> call)
 {
     if (!handles)
         throw CDBException("08003", 0, "The connection to the database is gone");
-    if (callDriver(patience, std::move(call)))
+    callDriver(std::move(call));
+}
+
+void CDatabase::callDriver(std::function<void()> call)
+{
+    const DriverThread::End end = driver.run(patience, std::move(call));
+    if (end == DriverThread::End::back)
         return;
+    if (handles)
+        handles->isGivenUp = true;
     handles.reset(); // the call has them
+    if (end == DriverThread::End::unwanted)
+        throw Cancelled();
     raiseSilence(patience);
 }
 
@@ -146,7 +155,7 @@ OpenStatement CDatabase::allocateStatement() const
     SQLHANDLE raw = SQL_NULL_HANDLE;
     if (!handles || !SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, handle(), &raw)))
         raw = SQL_NULL_HANDLE;
-    return {handles, StatementHandle(raw)};
+    return {handles, StatementHandle(raw, FreeStatement{handles.get()})};
 }
 
 unsigned CDatabase::queryInfo(unsigned short question) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Database/DBException.h"
+#include "Platform/Database/DriverThread.h"
 #include "Platform/Database/Handles.h"
 #include "Platform/Text.h"
 
@@ -40,6 +41,7 @@ public:
 
     /// Runs a call of the driver that may wait for the server. When it is not back after `patience`, the connection is
     /// given up, as if closed, and CDBException raised; `call` then goes on for itself, so it owns all that it touches.
+    /// The same when it isn't wanted any more (isStillWanted()); then Cancelled is raised.
     void wait(std::function<void()> call);
 
     /// The connection for calls of ODBC; null when not open.
@@ -55,5 +57,8 @@ public:
     std::chrono::milliseconds patience = std::chrono::seconds(60);
 
 private:
-    std::shared_ptr<DatabaseHandles> handles;
+    void callDriver(std::function<void()> call);
+
+    DriverThread driver;
+    std::shared_ptr<DatabaseHandles> handles; // below the driver's thread, which ends when they have gone
 };

@@ -1,7 +1,9 @@
 #include "Platform/Files/File.h"
 
 #include "Platform/Files/Descriptor.h"
+#include "Platform/Progress.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,6 +13,7 @@
 namespace {
 
 constexpr std::size_t kFirstPiece = 1 << 16;
+constexpr std::size_t kLargestPiece = 8 << 20; // that is waited for at once
 
 // The errno value that says why what was opened is not read from; 0 when it may be.
 int refusal(int descriptor)
@@ -56,7 +59,7 @@ FileCause readFile(const CString& fileName, CString& out)
     std::size_t room = firstRoom(file.get());
     for (;;) {
         out.resize(room);
-        const ssize_t count = ::read(file.get(), out.data() + used, room - used);
+        const ssize_t count = ::read(file.get(), out.data() + used, std::min(room - used, kLargestPiece));
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0) {
@@ -67,6 +70,7 @@ FileCause readFile(const CString& fileName, CString& out)
         if (count == 0)
             break;
         used += static_cast<std::size_t>(count);
+        checkWanted();
         if (used == room)
             room *= 2;
     }

@@ -8,7 +8,7 @@
 int openForReading(const CString& fileName);
 
 /// Reads a whole file or pipe as bytes into `out`. What openForReading() refuses can't be read. On failure `out` is
-/// empty.
+/// empty. Raises Cancelled when nobody wants it any more.
 FileCause readFile(const CString& fileName, CString& out);
 
 /// `none` when it is a regular file that can be opened for reading, else why not. Answers at once: a pipe, which would

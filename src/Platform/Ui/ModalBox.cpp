@@ -1,6 +1,7 @@
 #include "Platform/Ui/ModalBox.h"
 
 #include "Platform/MessageBox.h"
+#include "Platform/Ui/LongWork.h"
 #include "Platform/Ui/MessageTexts.h"
 #include "Platform/Ui/UiText.h"
 #include "Platform/Ui/WaitCursor.h"
@@ -55,6 +56,12 @@ void fitToScreen(const QMessageBox& box, MessageTexts* texts)
 
 void ModalBox::operator()(const CString& text, const CString& title) const
 {
+    const CString& details = queryMessageDetails(); // those of this thread
+    inWindowThread([&] { show(text, title, details); });
+}
+
+void ModalBox::show(const CString& text, const CString& title, const CString& details) const
+{
     if (series.hidden)
         return;
     QMessageBox box(QMessageBox::NoIcon, toUi(title), {}, QMessageBox::Ok, owner);
@@ -63,7 +70,7 @@ void ModalBox::operator()(const CString& text, const CString& title) const
     box.setWindowModality(Qt::WindowModal);
     if (series.running && series.shown++ > 0)
         box.setCheckBox(new QCheckBox("&Hide further messages of this import"));
-    auto* texts = new MessageTexts(toUi(text), toUi(queryMessageDetails()));
+    auto* texts = new MessageTexts(toUi(text), toUi(details));
     replaceLabel(box, texts);
     fitToScreen(box, texts);
     box.setAccessibleDescription(texts->wholeText());

@@ -6,7 +6,8 @@ class QWidget;
 
 /// Shows one message in a modal box owned by a window: title, text, details in smaller letters where it has any, an OK
 /// button, no icon. However long they are, the box takes at most 60 % of the screen's free height, and title and button
-/// stay in view; the texts scroll then. They can be selected, and Ctrl+C copies them whole. A MessageBoxHandler.
+/// stay in view; the texts scroll then. They can be selected, and Ctrl+C copies them whole. A MessageBoxHandler, for
+/// long work too.
 class ModalBox
 {
 public:
@@ -15,6 +16,8 @@ public:
     void operator()(const CString& text, const CString& title) const;
 
 private:
+    void show(const CString& text, const CString& title, const CString& details) const;
+
     QWidget* owner;
 };
 

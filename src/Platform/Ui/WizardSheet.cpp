@@ -1,9 +1,14 @@
 #include "Platform/Ui/WizardSheet.h"
 
+#include "Platform/Progress.h"
+#include "Platform/ProgressText.h"
 #include "Platform/Ui/HeaderBand.h"
+#include "Platform/Ui/LongWork.h"
 #include "Platform/Ui/Mnemonics.h"
 #include "Platform/Ui/Pictures.h"
+#include "Platform/Ui/ProgressRow.h"
 #include "Platform/Ui/UiText.h"
+#include "Platform/Ui/WaitCursor.h"
 #include "Platform/Ui/WizardPage.h"
 
 #include <QApplication>
@@ -11,6 +16,8 @@
 #include <QEventLoop>
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QPointer>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -67,12 +74,21 @@ QPushButton* WizardSheet::addButton(const char* name, const QString& text, void 
 
 void WizardSheet::layOut()
 {
+    navigation = new QWidget(this);
+    auto* buttons = new QHBoxLayout(navigation);
+    buttons->setContentsMargins({});
+    buttons->setSpacing(0);
+    buttons->addStretch();
+    buttons->addWidget(backButton);
+    buttons->addWidget(nextButton);
+    buttons->addWidget(finishButton);
+    progressRow = new ProgressRow;
+    progressRow->hide();
+
     auto* row = new QHBoxLayout;
     row->setContentsMargins(11, 9, 11, 11);
-    row->addStretch();
-    row->addWidget(backButton);
-    row->addWidget(nextButton);
-    row->addWidget(finishButton);
+    row->addWidget(navigation, 1);
+    row->addWidget(progressRow, 1);
     row->addSpacing(10);
     row->addWidget(cancelButton);
     row->addWidget(helpButton);
@@ -147,7 +163,72 @@ void WizardSheet::finish()
 
 void WizardSheet::cancel()
 {
-    reject();
+    if (work)
+        work->cancel();
+    else
+        reject();
+}
+
+// What was meant for the work that has just ended doesn't close the sheet.
+void WizardSheet::reject()
+{
+    constexpr qint64 reaction = 500; // milliseconds
+    if (!work && (!sinceWork.isValid() || sinceWork.hasExpired(reaction)))
+        QDialog::reject();
+}
+
+void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBar)
+{
+    LongWork inHand(*cancelButton);
+    connect(&inHand, &LongWork::lasts, this, [&] { setNavigation(false); });
+    for (const auto signal : {&LongWork::lasts, &LongWork::goesOn})
+        connect(&inHand, signal, this, [&] { showProgress(inHand, ownBar); });
+    const QPointer<QWidget> focus = focusWidget();
+    const auto end = [&] {
+        work = nullptr;
+        if (progressRow->isHidden())
+            return;
+        showProgress(inHand, ownBar);
+        setNavigation(true);
+        if (focus)
+            focus->setFocus();
+        sinceWork.start();
+    };
+    work = &inHand;
+    try {
+        inHand.run(call);
+    } catch (...) {
+        end();
+        throw;
+    }
+    end();
+}
+
+void WizardSheet::showProgress(const LongWork& inHand, QProgressBar* ownBar)
+{
+    const Progress progress = inHand.query();
+    const bool isKnown = progress.total != 0;
+    progressRow->setBarVisible(!ownBar);
+    progressRow->show(inHand.isCancelled() ? "Cancelling ..." : toUi(progressText(progress)),
+                      isKnown ? double(progress.done) / double(progress.total) : -1);
+    cancelButton->setEnabled(!inHand.isCancelled());
+    if (ownBar && isKnown && progress.work == Work::creating)
+        ownBar->setValue(static_cast<int>(progress.done));
+}
+
+// The progress takes the place of the other buttons.
+void WizardSheet::setNavigation(bool visible)
+{
+    navigation->setVisible(visible);
+    helpButton->setEnabled(visible);
+    if (visible) {
+        progressRow->hide();
+        cancelButton->setEnabled(true);
+        QGuiApplication::restoreOverrideCursor();
+    } else {
+        cancelButton->setFocus();
+        QGuiApplication::setOverrideCursor(Qt::BusyCursor); // there is something to click at
+    }
 }
 
 void WizardSheet::help()
@@ -162,8 +243,10 @@ LRESULT WizardSheet::ask(LRESULT (WizardPage::*handler)())
         return (activePage()->*handler)();
     } catch (const std::exception& error) {
         OnPageError(error);
-        return -1;
+    } catch (const Cancelled&) {
+        // all is as before
     }
+    return -1;
 }
 
 void WizardSheet::go(LRESULT answer, int step)
@@ -183,6 +266,7 @@ void WizardSheet::go(LRESULT answer, int step)
 void WizardSheet::activate(int index)
 {
     WizardPage* page = pages[static_cast<std::size_t>(index)];
+    const int before = stack->currentIndex();
     if (!page->initialised) {
         page->OnInitDialog();
         page->initialised = true;
@@ -196,6 +280,8 @@ void WizardSheet::activate(int index)
         page->OnSetActive();
     } catch (const std::exception& error) {
         OnPageError(error);
+    } catch (const Cancelled&) {
+        return activate(before);
     }
     settleMnemonics();
     leadTabToChosenButtons(page);

@@ -3,13 +3,18 @@
 #include "Platform/Text.h"
 
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QImage>
 
 #include <cstddef>
 #include <exception>
+#include <functional>
 #include <vector>
 
 class HeaderBand;
+class LongWork;
+class ProgressRow;
+class QProgressBar;
 class QPushButton;
 class QStackedWidget;
 class WizardPage;
@@ -63,6 +68,11 @@ public:
     void next();
     void finish();
 
+    /// Does something that may take long in a thread of its own, and returns when it is done; what it raises is raised
+    /// here. After a while a row in place of the buttons tells how far it has come, and Cancel ends it: Cancelled is
+    /// raised then. `ownBar` is a bar of the page's that shows the same.
+    void runLong(const std::function<void()>& work, QProgressBar* ownBar = nullptr);
+
     /// Shows the first page when the sheet becomes visible.
     void setVisible(bool visible) override;
 
@@ -91,6 +101,9 @@ private:
     QPushButton* addButton(const char* name, const QString& text, void (WizardSheet::*action)());
     void help();
     void cancel();
+    void reject() override;
+    void showProgress(const LongWork& work, QProgressBar* ownBar);
+    void setNavigation(bool visible);
     void layOut();
     LRESULT ask(LRESULT (WizardPage::*handler)());
     void go(LRESULT answer, int step);
@@ -106,6 +119,10 @@ private:
     QPushButton* finishButton;
     QPushButton* cancelButton;
     QPushButton* helpButton;
+    QWidget* navigation; // the buttons that lead to other pages
+    ProgressRow* progressRow;
+    LongWork* work = nullptr; // in hand
+    QElapsedTimer sinceWork;  // that could be cancelled
     std::vector<WizardPage*> pages;
     UINT startPage;
     bool started = false;

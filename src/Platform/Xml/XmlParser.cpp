@@ -2,6 +2,7 @@
 
 #include "Platform/Files/Descriptor.h"
 #include "Platform/Files/File.h"
+#include "Platform/Progress.h"
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
@@ -12,6 +13,7 @@
 #include <cstring>
 #include <exception>
 #include <memory>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -61,6 +63,9 @@ class Source
 public:
     explicit Source(const CString& fileName) : descriptor(openForReading(fileName)), buffer(new char[kSize])
     {
+        struct stat state = {};
+        if (descriptor.isOpen() && ::fstat(descriptor.get(), &state) == 0)
+            size = static_cast<std::size_t>(state.st_size);
         if (!descriptor.isOpen())
             error = errno;
         else
@@ -75,17 +80,18 @@ public:
     {
         if (at == filled && !fill())
             return error ? -1 : 0;
-        const std::size_t size = std::min(static_cast<std::size_t>(room), filled - at);
-        std::memcpy(out, bytes + at, size);
-        at += size;
-        return static_cast<int>(size);
+        const std::size_t piece = std::min(static_cast<std::size_t>(room), filled - at);
+        std::memcpy(out, bytes + at, piece);
+        at += piece;
+        return static_cast<int>(piece);
     }
 
     // The errno value of what went wrong, or 0.
     int queryError() const { return error; }
 
-    // How many bytes have been read.
+    // How many bytes have been read, and how many there are, as far as the system knows: 0 for a pipe.
     std::size_t queryCount() const { return count; }
+    std::size_t querySize() const { return size; }
 
 private:
     static constexpr std::size_t kSize = 1 << 16;
@@ -114,6 +120,7 @@ private:
     std::size_t at = 0;
     std::size_t filled = 0;
     std::size_t count = 0;
+    std::size_t size = 0;
 };
 
 // Errors of the decoder, and those before there is a parser, know no context: the handler is libxml2's own one for this
@@ -183,6 +190,7 @@ private:
     bool mayHoldLongNames(const xmlParserCtxt& context);
     void checkName(const xmlChar* local, const xmlChar* prefix);
     void checkBounds(int attributes);
+    bool tell();
     bool hasRest() const;
     int line() const { return parser->inputTab[0]->line; } // in the document, not in the text of an entity
     void fail(const char* reason);
@@ -201,6 +209,7 @@ private:
     std::size_t lastTagEnd = 0;
     std::size_t bars = 0; // '|' since the last '>', before the first element
     bool inProlog = true;
+    unsigned pieces = 0;
 };
 
 xmlSAXHandler Parse::callbacks(bool withText)
@@ -269,9 +278,22 @@ int Parse::onRead(void* run, char* out, int room)
     if (self.first)
         return 0;
     const int size = self.source.read(out, room);
+    if (!self.tell())
+        return 0;
     if (self.inProlog && size > 0)
         self.noteEnumerations({out, static_cast<std::size_t>(size)});
     return size;
+}
+
+// False when nobody wants the rest.
+bool Parse::tell()
+{
+    constexpr unsigned piecesATick = 16;
+    if (pieces++ % piecesATick != 0 || tellProgress({Work::reading, source.queryCount(), source.querySize()}))
+        return true;
+    thrown = std::make_exception_ptr(Cancelled());
+    fail("The parse was cancelled");
+    return false;
 }
 
 // libxml2 compares each value of an enumeration with all that stand before it, and says nothing until it has them all.

@@ -1,0 +1,50 @@
+#include "Cli/ProgressLine.h"
+
+#include "Platform/ProgressText.h"
+
+#include <cstdio>
+#include <unistd.h>
+#include <utility>
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+namespace {
+
+constexpr milliseconds kPatience(1000), kRefresh(200);
+constexpr char kErase[] = "\r\033[K"; // to the end of the line (ECMA-48)
+
+bool isThere = false;
+
+} // namespace
+
+ProgressLine::ProgressLine() :
+    before(setProgressHandler([this](const Progress& progress) { return show(progress); })),
+    next(steady_clock::now() + kPatience)
+{}
+
+ProgressLine::~ProgressLine()
+{
+    clear();
+    setProgressHandler(before);
+}
+
+// Types that are being created have lines of their own.
+bool ProgressLine::show(const Progress& progress)
+{
+    const auto now = steady_clock::now();
+    if (now < next || isatty(STDERR_FILENO) == 0)
+        return true;
+    next = now + kRefresh;
+    if (progress.work == Work::creating && isatty(STDOUT_FILENO) != 0)
+        return true;
+    isThere = true;
+    std::fprintf(stderr, "%s%s\r", kErase, progressText(progress).c_str());
+    return true;
+}
+
+void ProgressLine::clear()
+{
+    if (std::exchange(isThere, false))
+        std::fputs(kErase, stderr);
+}

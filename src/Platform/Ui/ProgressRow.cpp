@@ -1,0 +1,39 @@
+#include "Platform/Ui/ProgressRow.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+
+ProgressRow::ProgressRow() : text(new QLabel), bar(new QProgressBar)
+{
+    setObjectName("progressRow");
+    text->setObjectName("progressText");
+    text->setMinimumWidth(text->fontMetrics().averageCharWidth() * 44); // so that the bar keeps its place
+    bar->setObjectName("progressBar");
+    bar->setAccessibleName("Progress");
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins({});
+    row->addWidget(text);
+    row->addWidget(bar, 1);
+}
+
+void ProgressRow::setBarVisible(bool visible)
+{
+    bar->setVisible(visible);
+}
+
+void ProgressRow::show(const QString& words, double part)
+{
+    constexpr int steps = 1000;
+    const bool isNew = isHidden();
+    text->setText(words);
+    bar->setAccessibleDescription(words);
+    bar->setRange(0, part < 0 ? 0 : steps);
+    bar->setValue(static_cast<int>(part * steps));
+    setVisible(true);
+    if (!isNew)
+        return;
+    QAccessibleEvent announcement(text, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+}
