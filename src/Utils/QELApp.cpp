@@ -19,7 +19,8 @@ void CQELApp::Error(const CString& text, UINT titleId, const CString& details)
 
 void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault)
 {
-    showMessageBox(text, loadText(titleId), {}, &fault);
+    const bool isSaid = text.find(fault.reason) != CString::npos;
+    showMessageBox(text, loadText(titleId), isSaid ? CString() : fault.reason, &fault);
 }
 
 const char* wordsOf(const std::exception& error)
