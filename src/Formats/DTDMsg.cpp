@@ -90,12 +90,14 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     const int result = scan();
     if (result)
         declareAll(basePath + mainType + "\\");
+    text = nullptr;
     forget();
     return result;
 }
 
 void DTDMessage::onCancelled()
 {
+    text = nullptr;
     forget();
     mainType = mainBefore;
 }
@@ -103,7 +105,6 @@ void DTDMessage::onCancelled()
 // What was of use for one parse.
 void DTDMessage::forget()
 {
-    text = nullptr;
     dtdElements.clear();
     memory.release();
 }

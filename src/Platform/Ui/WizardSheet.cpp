@@ -185,7 +185,6 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBa
         connect(&inHand, signal, this, [&] { showProgress(inHand, ownBar); });
     const QPointer<QWidget> focus = focusWidget();
     const auto end = [&] {
-        work = nullptr;
         if (progressRow->isHidden())
             return;
         showProgress(inHand, ownBar);
@@ -198,9 +197,11 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBa
     try {
         inHand.run(call);
     } catch (...) {
+        work = nullptr;
         end();
         throw;
     }
+    work = nullptr;
     end();
 }
 
