@@ -8,14 +8,18 @@
 
 namespace {
 
-struct CloseContext
-{
-    void operator()(GVC_t* context) const { gvFreeContext(context); }
-};
 struct CloseGraph
 {
     void operator()(Agraph_t* graph) const { agclose(graph); }
 };
+
+// Graphviz's memory of plugins and fonts. It is never given back: the plugin that measures texts compares the next
+// font's name with the last one's, where that lay in the context before.
+GVC_t* graphviz()
+{
+    static GVC_t* const context = gvContext();
+    return context;
+}
 
 // Graphviz's functions take texts that they don't change as char*.
 void set(void* object, const char* name, const CString& value, const char* otherwise = "")
@@ -98,7 +102,7 @@ GraphLayout read(Agraph_t* graph, const std::vector<GraphBox>& boxes)
 std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<GraphBox>& boxes)
 {
     agseterr(AGMAX); // its messages would go to standard error
-    const std::unique_ptr<GVC_t, CloseContext> context(gvContext());
+    GVC_t* const context = graphviz();
     const std::unique_ptr<Agraph_t, CloseGraph> graph(agmemread(dot.c_str()));
     if (!context || !graph)
         return {};
@@ -110,9 +114,9 @@ std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<Gra
     for (const char* rounds : {"nslimit", "nslimit1"})
         set(graph.get(), rounds, "2");
     set(graph.get(), "mclimit", "0.5");
-    if (gvLayout(context.get(), graph.get(), "dot") != 0)
+    if (gvLayout(context, graph.get(), "dot") != 0)
         return {};
     GraphLayout layout = read(graph.get(), boxes);
-    gvFreeLayout(context.get(), graph.get());
+    gvFreeLayout(context, graph.get());
     return layout;
 }

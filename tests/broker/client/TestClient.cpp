@@ -39,8 +39,8 @@ public:
     const char* queryDescription() const noexcept override { return "the client's\r\n\twords"; }
     VornResult createType(const char*, std::int32_t, std::uint32_t* code) noexcept override
     {
-        static constexpr std::uint32_t kCodes[] = {0, 1, 99, 5, 0, 0};
-        *code = kCodes[call];
+        static constexpr std::uint32_t kCodes[] = {0, 1, 99, 5};
+        *code = call < 4 ? kCodes[call] : 0;
         return call++ == 4 ? VornResult::clientError : VornResult::done;
     }
 
