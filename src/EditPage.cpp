@@ -204,7 +204,7 @@ void EditPage::view(const CString& name, const CString& text, DocumentWindow::Ki
     CString fileName;
     const FileCause cause = tempFiles.add(temporaryFolder(), text, fileName, isReport ? ".txt" : ".xml");
     if (cause != FileCause::none) {
-        stay(cantOpen(fileName, cause));
+        stay(cantOpen(fileName, cause), inWords(fileName, cause));
         return;
     }
     showInViewer(fileName, this, [this, name, text, kind, isReport] {

@@ -24,7 +24,7 @@ LRESULT OutputFile::OnWizardNext()
         cause = file.commit();
     });
     if (cause != FileCause::none)
-        return stay(cantOpen(fileName, cause));
+        return stay(cantOpen(fileName, cause), inWords(fileName, cause));
     wizard->script.output = absoluteName(fileName);
     wizard->setCurrentFolder(QELWizard::folderCWD);
     return IDD_FINISH;

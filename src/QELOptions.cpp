@@ -166,11 +166,10 @@ void QELOptions::fillResultList(CListBox& box) const
 
 void AddUnique(const CString& text, CStringList& list, int atHead)
 {
-    const CString entry = text; // a copy: `text` may be one of the list
-    const auto found = std::find(list.begin(), list.end(), entry);
+    const auto found = std::find(list.begin(), list.end(), text);
+    list.insert(atHead != 0 ? list.begin() : list.end(), text);
     if (found != list.end())
-        list.erase(found);
-    list.insert(atHead != 0 ? list.begin() : list.end(), entry);
+        list.erase(found); // last: `text` may be the one found
     while (list.size() > kMaxEntries)
         list.pop_back();
 }

@@ -23,7 +23,6 @@ CString saveUnderChosenName(QWidget& owner, const CString& title, const std::vec
     const FileCause cause = file.commit();
     if (cause == FileCause::none)
         return fileName;
-    const ModalBox box(owner);
-    box(cantOpen(fileName, cause), loadText(IDS_ERROR_TITLE));
+    ModalBox(owner).show(cantOpen(fileName, cause), loadText(IDS_ERROR_TITLE), inWords(fileName, cause));
     return {};
 }

@@ -52,7 +52,7 @@ std::uint32_t ElementList::positionOf(const Element* element) const
 void ElementList::moveTo(std::uint32_t newCapacity, bool withIndex, std::pmr::memory_resource& memory)
 {
     const std::size_t indexSize = withIndex ? 4 * std::size_t{newCapacity} + 1 : 0;
-    const std::size_t bytes = newCapacity * sizeof(Element*) + indexSize * sizeof(std::uint32_t);
+    const std::size_t bytes = newCapacity * sizeof(void*) + indexSize * sizeof(std::uint32_t);
     auto* const larger = static_cast<Element**>(memory.allocate(bytes, alignof(Element*)));
     std::copy(begin(), end(), larger);
     items = larger;

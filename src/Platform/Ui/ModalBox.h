@@ -14,10 +14,9 @@ public:
     explicit ModalBox(QWidget& ownerWindow) : owner(&ownerWindow) {}
 
     void operator()(const CString& text, const CString& title) const;
+    void show(const CString& text, const CString& title, const CString& details) const; ///< in the window's thread
 
 private:
-    void show(const CString& text, const CString& title, const CString& details) const;
-
     QWidget* owner;
 };
 
