@@ -1,3 +1,4 @@
+#include "Platform/Terminal.h"
 #include "Platform/Ui/ProgramStyle.h"
 #include "Utils/QELApp.h"
 
@@ -35,6 +36,7 @@ bool answersInText(int argc, char* argv[])
 
 int main(int argc, char* argv[])
 {
+    takeClosedStreams();
     if (answersInText(argc, argv))
         return 0;
     QApplication application(argc, argv);

@@ -1,6 +1,7 @@
 #include "Cli/Arguments.h"
 
 #include "Cli/Completion.h"
+#include "Cli/Output.h"
 #include "Formats/MsgBase.h"
 #include "Platform/Files/File.h"
 #include "Resources/StringTable.h"
@@ -30,9 +31,14 @@ void listImporters()
     }
 }
 
-std::string checkTable(const std::string& name)
+// An unset variable of a script, in nearly every case. Only the root of the repository has no name.
+void refuseEmptyNames(const CLI::App& app)
 {
-    return trimmed(name).empty() ? "a name is missing" : "";
+    for (const CLI::Option* option : app.get_options())
+        if (option->nonpositional() && !option->check_name("--base-path"))
+            for (const CString& value : option->results())
+                if (trimmed(value).empty())
+                    throw CLI::ValidationError(option->get_name(), "a name is missing");
 }
 
 // What stands without an option: an importer and its sources, or sources alone.
@@ -44,7 +50,7 @@ void takeWords(const std::vector<CString>& words, Arguments& arguments)
         throw CLI::ValidationError(words.front(), "what is its source?");
     const CString& first = words.front();
     if (!arguments.importer && words.size() > 1 && first != "-" && testReadable(first) == FileCause::fileNotFound)
-        throw CLI::ValidationError(first, "neither an importer (dtd, xml, xsd, btd, odbc) nor a file");
+        throw CLI::ValidationError(shownSource(first), "neither an importer (dtd, xml, xsd, btd, odbc) nor a file");
 }
 
 void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
@@ -60,8 +66,7 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
         ->type_name("PATH");
     app.add_option("-t,--table", arguments.tables, "odbc: a table to import, repeatable; without it all tables")
         ->type_name("NAME")
-        ->allow_extra_args(false)
-        ->check(CLI::Validator(checkTable, ""));
+        ->allow_extra_args(false);
     addFullOptions(app, arguments.full);
 }
 
@@ -129,6 +134,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     addCreateOptions(app, arguments.create);
     try {
         app.parse(argc, argv);
+        refuseEmptyNames(app);
         takeWords(words, arguments);
         if (arguments.json && !arguments.list && arguments.diff.empty())
             throw CLI::ValidationError("--json", "there is no JSON of it without --list or --diff");
@@ -137,6 +143,8 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
             throw CLI::ValidationError(mistake);
     } catch (const CLI::Success& end) {
         exitStatus = app.exit(end);
+        if (Output output("-"); !output.finish())
+            exitStatus = kNotWritten;
         return false;
     } catch (const CLI::ParseError& mistake) {
         exitStatus = reportMistake(mistake.what());
@@ -157,6 +165,8 @@ CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
         return word + " reads one source at a time";
     if (!arguments.logon.user.empty() && arguments.create.address.empty() && !importer.querySource().readsTables)
         return "--user: there is nobody to log on to without --create";
+    if (!arguments.tables.empty() && !importer.querySource().readsTables)
+        return "--table: " + word + " reads no tables";
     return {};
 }
 

@@ -5,6 +5,7 @@
 #include "Utils/FileMessage.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <utility>
 
@@ -45,7 +46,7 @@ CString onOneLine(std::string_view text)
 
 void writeLine(const CString& file, const char* kind, const CString& reason, long line = 0, long column = 0)
 {
-    CString text = onOneLine(shownFile(file));
+    CString text = onOneLine(shownSource(shownFile(file)));
     for (const long number : {line, line > 0 ? column : 0})
         if (number > 0)
             text += ":" + std::to_string(number);
@@ -55,6 +56,19 @@ void writeLine(const CString& file, const char* kind, const CString& reason, lon
 }
 
 } // namespace
+
+CString shownSource(const CString& source)
+{
+    CString upper = source;
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
+    std::size_t end = source.size();
+    for (const std::string_view word : {"PWD", "PASSWORD"})
+        for (std::size_t at = upper.find(word); at < end; at = upper.find(word, at + 1))
+            if (const std::size_t sign = upper.find_first_not_of(kWhitespace, at + word.size());
+                sign < end && upper[sign] == '=')
+                end = sign + 1;
+    return end < source.size() ? source.substr(0, end) + "***" : source;
+}
 
 void report(std::string_view text)
 {

@@ -22,6 +22,9 @@ enum class Verbosity
     verbose
 };
 
+/// A source as it may be shown: a connection string ends where its password stands.
+CString shownSource(const CString& source);
+
 /// Writes one line to standard error, under the program's name: for what no source is to blame for. Takes no memory.
 void report(std::string_view text);
 

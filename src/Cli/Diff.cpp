@@ -1,6 +1,7 @@
 #include "Cli/Diff.h"
 
 #include "Cli/Output.h"
+#include "Cli/TypeListing.h"
 #include "Formats/BrokerMsg.h"
 #include "Formats/TypeChanges.h"
 #include "Formats/TypeStructure.h"
@@ -47,15 +48,6 @@ void writeJson(const std::vector<TypeChange>& changes, Output& output)
         separator = ",\n  ";
     }
     output.write("]}\n");
-}
-
-// What another document makes of types has no names.
-bool holdsTypes(MsgBase& message)
-{
-    bool hasAny = message.beginEnum() > 0;
-    while (const Element* type = message.enumNext())
-        hasAny &= !type->queryName().empty();
-    return hasAny;
 }
 
 } // namespace

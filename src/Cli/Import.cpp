@@ -10,6 +10,8 @@
 #include "Formats/MsgBase.h"
 #include "Utils/FileMessage.h"
 
+#include <filesystem>
+
 namespace {
 
 CString basePathOf(const Arguments& arguments, MsgBase& importer)
@@ -20,15 +22,19 @@ CString basePathOf(const Arguments& arguments, MsgBase& importer)
     return path;
 }
 
-// The type of that short name, else the one of that full name, else null.
+// The type of that short name, else the one of that full name, else null. Names are told as a document writes them,
+// too.
 Element* findType(MsgBase& message, const CString& name)
 {
+    const auto isNamed = [&](const CString& text) {
+        return text == name || (!isXmlText(text) && toXmlText(text) == name);
+    };
     Element* byFullName = nullptr;
     message.beginEnum();
     while (Element* type = message.enumNext()) {
-        if (type->queryName() == name)
+        if (isNamed(type->queryName()))
             return type;
-        if (!byFullName && type->queryPath() + type->queryName() == name)
+        if (!byFullName && isNamed(type->queryPath() + type->queryName()))
             byFullName = type;
     }
     return byFullName;
@@ -62,7 +68,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     return output.finish() ? kDone : kNotWritten;
 }
 
-// Modules and documents that are not there are everyday; only who asks for all is told of them without a report.
+// What a source refers to and what isn't there, the import goes on without.
 void nameMissing(const SourceReport& report, Diagnostics& diagnostics)
 {
     for (const SourceReport::Entry& entry : report.queryEntries())
@@ -93,10 +99,9 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
         tables.import(message, arguments, basePath, diagnostics);
     else
         message.parseFile(files.front(), basePath);
-    if (arguments.verbosity == Verbosity::verbose)
-        nameMissing(message.queryReport(), diagnostics);
+    nameMissing(message.queryReport(), diagnostics);
     diagnostics.finish();
-    const bool isEmpty = message.beginEnum() == 0;
+    const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
         nameEmpty(importer, files.front(), diagnostics);
     if (!arguments.full.isWanted && (isEmpty || diagnostics.hasLiteralError()))
@@ -108,13 +113,39 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
 MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diagnostics)
 {
     MsgUIDescriptor* const importer = importerOf(files.front(), diagnostics);
-    for (std::size_t i = 1; importer && i < files.size(); ++i)
-        if (importerFor(files[i]) != importer) {
+    for (std::size_t i = 1; importer && i < files.size(); ++i) {
+        const MsgUIDescriptor* const other = importerOf(files[i], diagnostics);
+        if (other && other != importer)
             diagnostics.add({files[i], CString("it is no source for ") + importer->querySource().word + ", as " +
                                            shownFile(files.front()) + " is"});
+        if (other != importer)
             return nullptr;
-        }
+    }
     return importer;
+}
+
+bool isSameFile(const CString& one, const CString& other)
+{
+    std::error_code ignored;
+    const bool isThere = std::filesystem::exists(one, ignored) && std::filesystem::exists(other, ignored);
+    return isThere ? std::filesystem::is_regular_file(one, ignored) && std::filesystem::equivalent(one, other, ignored)
+                   : std::filesystem::absolute(one, ignored) == std::filesystem::absolute(other, ignored);
+}
+
+// The file that would be written though it is read or written for another end, too; "" where there is none.
+CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& files)
+{
+    std::vector<CString> others = files;
+    others.push_back(arguments.diff);
+    for (const CString& written : {arguments.output, arguments.report.file}) {
+        if (written.empty() || written == "-")
+            continue;
+        for (const CString& other : others)
+            if (!other.empty() && isSameFile(written, other))
+                return written;
+        others.push_back(written);
+    }
+    return {};
 }
 
 } // namespace
@@ -122,24 +153,25 @@ MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diag
 int runImport(const Arguments& arguments)
 {
     const ProgressLine progressLine;
-    const int failed = arguments.diff.empty() ? kFailed : kUsage; // there 1 is no failure
     const bool isTold = arguments.importer && arguments.importer->querySource().readsTables;
     const std::vector<CString> files =
         isTold ? arguments.sources : filesOf(arguments.sources, arguments.importer == nullptr);
     Diagnostics diagnostics(shownSource(files.front()), arguments.verbosity);
     const MsgUIDescriptor* const importer = arguments.importer ? arguments.importer : importerOf(files, diagnostics);
     if (!importer)
-        return failed;
+        return arguments.failed();
     if (const CString mistake = mistakeFor(arguments, *importer); !mistake.empty())
         return reportMistake(mistake);
+    if (const CString file = fileOfTwoEnds(arguments, files); !file.empty())
+        return reportMistake(file + ": it would be read and written, or written twice");
     TableSource tables;
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, *importer));
     const bool isThere = importSources(*message, *importer, arguments, files, tables, diagnostics);
     const bool isReported = writeReport(*message, arguments.report);
     if (!isThere)
-        return failed;
+        return arguments.failed();
     if (!isReported)
-        return arguments.diff.empty() ? kNotWritten : failed;
+        return arguments.diff.empty() ? kNotWritten : arguments.failed();
     if (!arguments.create.address.empty())
         return createTypes(*message, arguments.create, arguments.logon, arguments.verbosity);
     return writeResult(*message, arguments, diagnostics);

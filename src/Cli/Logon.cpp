@@ -13,9 +13,7 @@ void addLogonOptions(CLI::App& app, LogonOptions& options)
 {
     CLI::Option* const user =
         app.add_option("--user", options.user, "Log on as this user: to the broker with --create, else to the database")
-            ->type_name("NAME")
-            ->check(
-                CLI::Validator([](const std::string& name) { return name.empty() ? "a name is missing" : ""; }, ""));
+            ->type_name("NAME");
     app.add_option("--password-file", options.passwordFile,
                    "The file whose first line is the password; without it the terminal is asked")
         ->type_name("FILE")
@@ -26,8 +24,11 @@ void readPassword(const LogonOptions& options, CString& password)
 {
     keepOutOfCores();
     if (options.passwordFile.empty()) {
-        if (!askTerminal("Password for " + options.user + ": ", password))
+        const Asked asked = askTerminal("Password for " + options.user + ": ", password);
+        if (asked == Asked::noTerminal)
             throw std::runtime_error("there is no terminal to ask for the password; use --password-file");
+        if (asked == Asked::givenUp)
+            throw std::runtime_error("no password was given");
         return;
     }
     if (const FileCause cause = readFile(options.passwordFile, password); cause != FileCause::none)

@@ -29,7 +29,7 @@ bool writeReport(MsgBase& message, const ReportOptions& options)
         ProgressLine::clear();
         writeReport(message, format,
                     [](std::string_view piece) { std::fwrite(piece.data(), 1, piece.size(), stderr); });
-        return true;
+        return std::fflush(stderr) == 0 && std::ferror(stderr) == 0;
     }
     Output file(options.file);
     writeReport(message, format, [&file](std::string_view piece) { file.write(piece); });

@@ -12,12 +12,15 @@
 
 namespace {
 
-// A file is opened anew, from its start, by each who reads it; a pipe is read once; a socket can't be opened at all.
+// A file is opened anew, from its start, by each who reads it; a pipe is read once; a socket can't be opened at all,
+// nor what another user opened and handed on.
 bool canBeOpened(bool twice)
 {
     struct stat state = {};
     if (::fstat(STDIN_FILENO, &state) != 0)
         return true; // and fails there
+    if (::access(kStandardInput, R_OK) != 0)
+        return false;
     if (S_ISREG(state.st_mode))
         return ::lseek(STDIN_FILENO, 0, SEEK_CUR) == 0;
     return !twice && !S_ISSOCK(state.st_mode);

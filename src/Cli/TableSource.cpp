@@ -80,14 +80,3 @@ bool TableSource::listTables(CString& names)
         names += tables.tableName + '\n';
     return true;
 }
-
-CString shownSource(const CString& source)
-{
-    CString upper = source;
-    std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
-    std::size_t end = source.size();
-    for (const CString word : {"PWD=", "PASSWORD="})
-        if (const std::size_t at = upper.find(word); at != CString::npos)
-            end = std::min(end, at + word.size());
-    return end < source.size() ? source.substr(0, end) + "***" : source;
-}

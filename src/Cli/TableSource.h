@@ -28,6 +28,3 @@ private:
 
     CDatabase database;
 };
-
-/// A data source as it may be shown: a connection string ends where its password stands.
-CString shownSource(const CString& source);

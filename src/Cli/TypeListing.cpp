@@ -45,6 +45,14 @@ CString contentOf(const TypeStructure& structure, std::uint32_t type)
 
 } // namespace
 
+bool holdsTypes(MsgBase& message)
+{
+    bool hasAny = message.beginEnum() > 0;
+    while (const Element* type = hasAny ? message.enumNext() : nullptr)
+        hasAny = !type->queryName().empty();
+    return hasAny;
+}
+
 void writeList(MsgBase& message, Output& output)
 {
     message.beginEnum();

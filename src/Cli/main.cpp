@@ -1,12 +1,16 @@
 #include "Cli/Diagnostics.h"
 #include "Cli/Import.h"
 #include "Platform/Files/TemporaryFile.h"
+#include "Platform/Terminal.h"
 #include "Utils/QELApp.h"
 
 #include <cstdlib>
+#include <span>
 #include <unistd.h>
 
 namespace {
+
+int statusOfFailure = kFailed;
 
 [[noreturn]] void endWithReport()
 {
@@ -16,7 +20,7 @@ namespace {
     } catch (const std::exception& error) {
         report(wordsOf(error));
         TemporaryFile::deleteAll();
-        _exit(kFailed);
+        _exit(statusOfFailure);
     }
     std::abort();
 }
@@ -32,12 +36,16 @@ namespace {
 
 int main(int argc, char** argv)
 {
+    takeClosedStreams();
+    for (const char* argument : std::span(argv, static_cast<std::size_t>(argc)))
+        if (std::string_view(argument).starts_with("--diff"))
+            statusOfFailure = kUsage; // 1 says that something differs
     try {
         Arguments arguments;
         int exitStatus = kDone;
         return parseArguments(argc, argv, arguments, exitStatus) ? runImport(arguments) : exitStatus;
     } catch (const std::exception& error) {
         report(wordsOf(error));
-        return kFailed;
+        return statusOfFailure;
     }
 }

@@ -3,6 +3,7 @@
 #include "Formats/DTDText.h"
 #include "Platform/Encoding.h"
 #include "Platform/Files/File.h"
+#include "Utils/FileMessage.h"
 
 #include <algorithm>
 #include <charconv>
@@ -138,19 +139,24 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
                    entity.systemId.empty() ? entity.name : entity.systemId);
         return nullptr;
     }
-    const auto [known, isFirst] = filesById.try_emplace(found->id);
-    if (!isFirst)
+    if (const auto known = filesById.find(found->id); known != filesById.end())
         return known->second;
     CString bytes, room;
-    if (readFile(found->name, bytes) != FileCause::none) {
-        report.add(SourceReport::moduleUnreadable, where, entity.systemId);
+    const FileCause cause = readFile(found->name, bytes);
+    if (cause == FileCause::fileNotFound) { // in a folder that can't be listed
+        report.add(SourceReport::moduleMissing, where, entity.systemId);
         return nullptr;
     }
+    if (cause != FileCause::none)
+        throw SourceRefusal{cantOpen(found->name, cause),
+                            {report.fileNameOf(where.file),
+                             CString(entity.systemId) + ": " + inWords(found->name, cause),
+                             static_cast<long>(where.line)}};
     const std::string_view text = decodeText(bytes, room);
     const std::string_view kept =
         text.data() == room.data() ? types.adopt(std::move(room)) : types.adopt(CString(text));
     read += kept.size();
-    return known->second = &files.emplace_back(Text{kept, {report.addFile(found->name), 1}});
+    return filesById[found->id] = &files.emplace_back(Text{kept, {report.addFile(found->name), 1}});
 }
 
 void DTDEntities::spend(std::size_t bytes)

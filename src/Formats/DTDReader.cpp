@@ -33,6 +33,7 @@ void DTDReader::read()
 void DTDReader::readDeclaration()
 {
     tokens.next();
+    isNoted = false;
     const auto known = std::ranges::find_if(kDeclarations, [&](const Declaration& declaration) {
         return isKeyword(tokens.keyword(), declaration.keyword);
     });
@@ -43,13 +44,14 @@ void DTDReader::readDeclaration()
     if (tokens.token().isMark('['))
         return; // what stands in the brackets are declarations
     tokens.skipDeclaration();
-    if (tokens.token().kind == DTDTokens::tokenMissing)
+    if (tokens.token().kind == DTDTokens::tokenMissing && !isNoted)
         senseless("declaration without an end");
 }
 
 void DTDReader::senseless(std::string_view what)
 {
     report.add(SourceReport::senselessDeclaration, tokens.place(), what);
+    isNoted = true;
 }
 
 DTDReader::Element& DTDReader::elementNamed(std::string_view name)
@@ -315,19 +317,31 @@ void DTDReader::readEntity()
         return;
     }
     const DTDTokens::Token& token = tokens.next();
-    const bool isSystem = token.kind == DTDTokens::tokenWord && isKeyword(token.text, "SYSTEM");
-    const bool isPublic = token.kind == DTDTokens::tokenWord && isKeyword(token.text, "PUBLIC");
+    if (std::string_view systemId; readExternalId(systemId)) {
+        tokens.entities().declareModule(name, systemId, tokens.place());
+        return;
+    }
     if (token.kind == DTDTokens::tokenWord)
-        tokens.next(); // in SGML also CDATA, SDATA and their like
-    if (isPublic && token.kind == DTDTokens::tokenLiteral)
-        tokens.next();
-    const bool isLiteral = token.kind == DTDTokens::tokenLiteral;
-    if (isSystem || isPublic)
-        tokens.entities().declareModule(name, isLiteral ? token.text : std::string_view(), tokens.place());
-    else if (isLiteral)
+        tokens.next(); // SGML's CDATA, SDATA and their like
+    if (token.kind == DTDTokens::tokenLiteral)
         tokens.entities().declare(name, token.text, tokens.literalPlace());
     else
         senseless(name);
+}
+
+// "SYSTEM place", "PUBLIC id place", in SGML "PUBLIC id". False for anything else.
+bool DTDReader::readExternalId(std::string_view& systemId)
+{
+    const DTDTokens::Token& token = tokens.token();
+    const bool isPublic = token.kind == DTDTokens::tokenWord && isKeyword(token.text, "PUBLIC");
+    if (!isPublic && (token.kind != DTDTokens::tokenWord || !isKeyword(token.text, "SYSTEM")))
+        return false;
+    tokens.next();
+    if (isPublic && token.kind == DTDTokens::tokenLiteral)
+        tokens.next();
+    if (token.kind == DTDTokens::tokenLiteral)
+        systemId = token.text;
+    return true;
 }
 
 void DTDReader::readNotation()
@@ -335,11 +349,19 @@ void DTDReader::readNotation()
     report.count(SourceReport::notation);
 }
 
-// The declarations of a document of its own.
+// A document: of its own declarations, in brackets, the first of a name hold before those of the DTD that it names.
 void DTDReader::readDoctype()
 {
+    const std::string_view root = tokens.token().text;
+    tokens.next();
+    std::string_view systemId, external;
+    if (readExternalId(systemId)) {
+        external = types.adopt("DOCTYPE " + CString(root)); // as no entity can be called
+        tokens.entities().declareModule(external, systemId, tokens.place());
+    }
     while (!tokens.token().isEnd() && !tokens.token().isMark('['))
         tokens.next();
+    tokens.endWithDoctype(external);
 }
 
 void DTDReader::makeRecords()

@@ -66,6 +66,7 @@ private:
     void readElement();
     void readAttlist();
     void readEntity();
+    bool readExternalId(std::string_view& systemId);
     void readNotation();
     void readDoctype();
     bool readNames();
@@ -100,4 +101,5 @@ private:
     CancelPoint cancelPoint{4096};       // passed by each field
     std::vector<std::string_view> names; // that the declaration in hand is for
     std::vector<std::string_view> constants;
+    bool isNoted = false; // the report has the declaration in hand
 };

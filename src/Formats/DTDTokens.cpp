@@ -69,6 +69,8 @@ bool DTDTokens::nextDeclaration()
 {
     told.step(static_cast<std::uint64_t>(frames.front().at - frames.front().text->text.data()));
     for (;;) {
+        if (doctype == ended)
+            leaveDoctype();
         Frame& frame = frames.back();
         while (frame.at < frame.end && !kMarkup.has(*frame.at))
             ++frame.at;
@@ -92,10 +94,34 @@ bool DTDTokens::nextDeclaration()
             return true;
         } else if (stands("<?")) {
             skipInstruction();
+        } else if (sections > 0 && stands("]]>")) {
+            --sections;
+            frame.at += 3;
+        } else if (*frame.at == ']' && doctype == inBrackets && frames.size() == 1) {
+            doctype = ended;
         } else {
-            ++frame.at; // the end of a section, or a stray character
+            ++frame.at; // a stray character
         }
     }
+}
+
+void DTDTokens::endWithDoctype(std::string_view external)
+{
+    doctype = current.isMark('[') ? inBrackets : ended;
+    externalEntity = external;
+}
+
+// What follows is the document itself.
+void DTDTokens::leaveDoctype()
+{
+    doctype = none;
+    while (frames.size() > 1)
+        pop();
+    frames.front().at = frames.front().end;
+    if (externalEntity.empty())
+        return;
+    if (DTDEntities::Text* text = entityTable.open(externalEntity, 0, declaration))
+        push(*text);
 }
 
 // Up to "-->". SGML allows blanks before the '>'; most who write that have lost their comment's end, so it is noted.
@@ -145,7 +171,7 @@ void DTDTokens::readSection()
         report.add(SourceReport::senselessDeclaration, declaration, "section without '['");
     else if (isIgnored)
         skipSection();
-    else if (!isKnown)
+    else if (++sections; !isKnown)
         report.add(SourceReport::unknownSection, declaration, trimmed({start, static_cast<std::size_t>(open - start)}));
 }
 

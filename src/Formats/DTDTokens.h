@@ -37,6 +37,10 @@ public:
     bool nextDeclaration();
     std::string_view keyword() const { return word; }
 
+    /// The DOCTYPE of a document has been read, up to its '[' or '>': the declarations end where it ends. Those of the
+    /// entity `external`, if it names one, come behind them.
+    void endWithDoctype(std::string_view external);
+
     /// Where the declaration begins.
     SourcePlace place() const { return declaration; }
 
@@ -73,6 +77,7 @@ private:
     void push(DTDEntities::Text& text);
     void pop();
     bool refer(const char* name);
+    void leaveDoctype();
     void skipComment();
     void skipInstruction();
     void readSection();
@@ -89,7 +94,15 @@ private:
     DTDEntities& entityTable;
     SourceReport& report;
     std::vector<Frame> frames;
-    std::size_t base = 0; // how many frames there were when the declaration began
+    std::size_t base = 0;     // how many frames there were when the declaration began
+    std::size_t sections = 0; // that are open
+    enum
+    {
+        none,
+        ended,
+        inBrackets
+    } doctype = none;
+    std::string_view externalEntity; // of the DOCTYPE
     SourcePlace declaration;
     std::string_view word;
     Token current;

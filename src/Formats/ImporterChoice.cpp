@@ -40,6 +40,27 @@ void skipPast(std::string_view& text, std::string_view end)
     text.remove_prefix(found == text.npos ? text.size() : found + end.size());
 }
 
+// What otherwise ends it may stand in a literal, and in a subset in brackets, with its comments and instructions.
+void skipDoctype(std::string_view& text)
+{
+    for (int brackets = 0; !text.empty();) {
+        const char c = text.front();
+        if (text.starts_with("<!--")) {
+            skipPast(text, "-->");
+        } else if (text.starts_with("<?")) {
+            skipPast(text, "?>");
+        } else {
+            text.remove_prefix(1);
+            if (c == '"' || c == '\'')
+                skipPast(text, std::string_view(&c, 1));
+            else if (c == '[' || c == ']')
+                brackets += c == '[' ? 1 : -1;
+            else if (c == '>' && brackets <= 0)
+                return;
+        }
+    }
+}
+
 // Takes white space, comments, instructions and a DOCTYPE off the text.
 void skipProlog(std::string_view& text)
 {
@@ -50,7 +71,7 @@ void skipProlog(std::string_view& text)
         else if (text.starts_with("<!--"))
             skipPast(text, "-->");
         else if (text.starts_with("<!DOCTYPE"))
-            skipPast(text, text.find('[') < text.find('>') ? "]>" : ">");
+            skipDoctype(text);
         else
             return;
     }
@@ -87,7 +108,10 @@ MsgUIDescriptor* importerFor(const CString& fileName)
         return nullptr;
     const auto* named = std::find_if(std::begin(kEndings), std::end(kEndings),
                                      [&](const Ending& row) { return endsWith(fileName, row.ending); });
-    const std::string_view word = named != std::end(kEndings) ? named->importer : wordFor(startOf(fileName));
+    std::string_view word = named != std::end(kEndings) ? named->importer : wordFor(startOf(fileName));
+    if (word.empty() &&
+        endsWith(fileName, ".xml")) // a prolog that takes more than was looked at, or no XML, to be told
+        word = "xml";
     for (MsgUIDescriptor** importer = g_amud; *importer != nullptr; ++importer)
         if (word == (*importer)->querySource().word)
             return *importer;

@@ -24,7 +24,8 @@ std::uint8_t multiplied(std::uint8_t outer, std::uint8_t inner)
 void SchemaContents::Fields::clear()
 {
     all.clear();
-    many.clear();
+    if (!many.empty()) // clearing goes over the room that the largest one took
+        many = {};
 }
 
 SchemaField* SchemaContents::Fields::find(SchemaName name)

@@ -13,6 +13,13 @@ void XMLDataWalk::beginDocument(std::uint32_t number)
     pairsByKey.clear(); // the names were the last document's
 }
 
+// Of several the first by name, in whatever order their documents come.
+void XMLDataWalk::takeRoot(CString tag)
+{
+    if (rootTag.empty() || tag < rootTag)
+        rootTag = std::move(tag);
+}
+
 void XMLDataWalk::entityLeftOut(std::string_view name, int line)
 {
     report.add(SourceReport::entityNotExpanded, {file, static_cast<std::uint32_t>(line)}, name);
@@ -21,8 +28,8 @@ void XMLDataWalk::entityLeftOut(std::string_view name, int line)
 void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
 {
     const bool isRoot = !open.back().item;
-    if (rootTag.empty())
-        rootTag = name.prefix ? CString(name.prefix) + ":" + name.local : name.local;
+    if (isRoot)
+        takeRoot(name.prefix ? CString(name.prefix) + ":" + name.local : name.local);
     Pair& child = pairOf({open.back().item, name.local, false});
     occur(child);
     for (std::size_t i = 0; i < attributes.size(); ++i)

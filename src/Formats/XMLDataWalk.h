@@ -102,7 +102,7 @@ public:
     void endElement() override;
     bool wantsText() const override { return false; }
 
-    /// The tag of the root, prefix included; of several documents that of the first.
+    /// The tag of the root, prefix included; of several documents' the first by name.
     const CString& queryRootTag() const { return rootTag; }
 
     /// What the documents declare, in the order of its moments. Called once, at the end.
@@ -121,6 +121,7 @@ private:
     Pair& addPair(const PairKey& key, std::uint32_t hash);
     Item& itemNamed(CString name);
     Usage& usageOf(const Fingerprint& key);
+    void takeRoot(CString tag);
     void occur(Pair& pair);
     void beginUsage(Pair& pair);
     void repeatUsage(Usage& usage, Pair& pair);

@@ -107,18 +107,38 @@ private:
     bool usable = false;
 };
 
-} // namespace
-
-bool askTerminal(const CString& prompt, CString& secret)
+Asked askOnce(const CString& prompt, CString& secret, bool& wasStopped)
 {
     const HeldSignals signals; // above the terminal, which has to be itself again when the signal goes on
     const SilentTerminal terminal;
     wipe(secret);
+    if (!terminal.isUsable())
+        return Asked::noTerminal;
     secret.reserve(1024); // no growth, it would leave copies behind
-    const bool read = terminal.isUsable() && terminal.write(prompt) && terminal.readLine(signals, secret);
-    if (terminal.isUsable())
-        terminal.write("\n");
-    if (!read)
+    const bool isAnswered = terminal.write(prompt) && terminal.readLine(signals, secret);
+    wasStopped = caughtSignal == SIGTSTP;
+    terminal.write("\n");
+    if (!isAnswered)
         wipe(secret);
-    return read;
+    return isAnswered ? Asked::answered : Asked::givenUp;
+}
+
+} // namespace
+
+Asked askTerminal(const CString& prompt, CString& secret)
+{
+    for (;;) {
+        bool wasStopped = false;
+        const Asked asked = askOnce(prompt, secret, wasStopped);
+        if (!wasStopped)
+            return asked;
+    }
+}
+
+// With the wrong mode, so that who reads or writes there is told (EBADF) as without a stream.
+void takeClosedStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0)
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY); // the lowest that is free: this one
 }

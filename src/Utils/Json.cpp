@@ -4,5 +4,5 @@
 
 CString jsonText(std::string_view text)
 {
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    return nlohmann::json(toXmlText(text)).dump();
 }

@@ -2,5 +2,5 @@
 
 #include "Platform/Text.h"
 
-/// A text as JSON writes it (RFC 8259), quotes included; what is not UTF-8 in it becomes U+FFFD.
+/// A text as JSON writes it (RFC 8259), quotes included, made fit as for a document (toXmlText).
 CString jsonText(std::string_view text);

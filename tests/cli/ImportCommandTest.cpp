@@ -132,6 +132,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"echo '<r><s t=\"1\"/></r>' >o.xml; $import dtd o.xml -o old; echo $?; cat old",
          {0, "1\n" + kList, "o.xml: error: no type came of it; it looks like a source for xml\n"}},
         {"echo '<r/>' >e.xml; $import e.xml", {1, "", "e.xml: error: no type came of it\n"}},
+        {"$import btd e.xml", {1, "", "e.xml: error: no type came of it; it looks like a source for xml\n"}},
         {"SOURCE_DATE_EPOCH=0 $import btd e.xml --allow-empty | tail -n +3", {0, "<r>\r\n</r>", ""}},
 
         // Sources.
@@ -153,6 +154,11 @@ TEST_F(ImportCommand, AnswersExactly)
           "added field \\sys\\xml\\r\\r.p: \\sys\\xml\\r\\p\ncompatible: only additions\n",
           ""}},
         {"$import a.xml b.xml c.xml --type p | grep -c '\"s\".*t_s'", {0, "1\n", ""}},
+        {"echo '<q><s/></q>' >q.xml; $import q.xml a.xml -o t.xml; $import a.xml q.xml --diff t.xml", {0, "", ""}},
+        {"$import a.xml none", {1, "", "none: error: No such file or directory\n"}},
+        {"printf '<!DOCTYPE r [<!ENTITY a \"]>\"> ] ><r><s><t/></s></r>' >y.xml; $import y.xml --type s | grep -c "
+         "'\"t\"'",
+         {0, "1\n", ""}},
         {"$import a.xml b.xml r.dtd", {1, "", "r.dtd: error: it is no source for xml, as a.xml is\n"}},
         {"$import old", {1, "", "old: error: its importer can't be told; name it in front of the source\n"}},
 
@@ -167,7 +173,7 @@ TEST_F(ImportCommand, AnswersExactly)
           "n.dtd:1: declaration passed over: ENTITY % e\nn.dtd:2: declaration passed over: section IGNORE\n"
           "n.dtd:2: entity not expanded: e\nn.dtd:3: name that no document can carry: c)\n\n2 declaration passed over\n"
           "1 entity not expanded\n1 name that no document can carry\n5 types, 4 fields: 0 typed, 4 left text\n"}},
-        {"cat i.xsd | $import xsd - -o /dev/null --report-format json --report /dev/stdout",
+        {"cat i.xsd | $import xsd - -q -o /dev/null --report-format json --report /dev/stdout",
          {0,
           R"({"places":[
   {"file":"-","line":4,"construct":"type not known, now text","name":"xs:int"},
@@ -215,6 +221,12 @@ not compatible: it breaks readers
           ""}},
         {"$import r.dtd --diff none", {2, "", "none: error: No such file or directory\n"}},
         {"$import r.dtd --diff a.xml", {2, "", "a.xml: error: it is no document of types\n"}},
+        {"$import odbc x --user u --password-file none --diff r.xml",
+         {2, "", says("can't open none: No such file or directory")}},
+        {"printf '<!ELEMENT M (a\\344)><!ELEMENT a\\344 (x)>' >l.dtd; $import l.dtd -o l.xml; $import l.dtd --diff "
+         "l.xml &&"
+         "$import l.dtd --list --json | grep -c '\"a\u00e4\",\"folder' && $import l.dtd --type a\u00e4 >/dev/null",
+         {0, "1\n", ""}},
         {"$import none --diff r.xml", {2, "", "none: error: No such file or directory\n"}},
 
         // For other programs.
@@ -250,6 +262,8 @@ not compatible: it breaks readers
         {"$import dtd r.dtd -o .", {3, "", says("can't write .: Is a directory")}},
         {"$import dtd r.dtd -o /dev/full", {3, "", says("can't write /dev/full: No space left on device")}},
         {"$import dtd r.dtd >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
+        {"$import --help >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
+        {"$import r.dtd -o /dev/null --report - 2>/dev/full", {3, "", ""}},
         {"$import dtd r.dtd >&-", {3, "", says("can't write standard output: Bad file descriptor")}},
         // Pipes are read and written, and what standard output leads to is added to.
         {"mkfifo p q; cat r.dtd >p & cat q & $import dtd p -l -o q; wait", {0, kList, ""}},
@@ -263,6 +277,12 @@ not compatible: it breaks readers
         {"$import dtd r.dtd r.dtd", {2, "", mistake("dtd reads one source at a time")}},
         {"$import r.dtd --nonsense", {2, "", mistake("The following argument was not expected: --nonsense")}},
         {"$import a.xml --full", {2, "", mistake("--full: xml has no full reading")}},
+        {"$import r.dtd -t x", {2, "", mistake("--table: dtd reads no tables")}},
+        {"$import r.dtd --diff ''", {2, "", mistake("--diff: a name is missing")}},
+        {"$import r.dtd -o ./r.dtd", {2, "", mistake("./r.dtd: it would be read and written, or written twice")}},
+        {"$import r.dtd -o t.x --report t.x", {2, "", mistake("t.x: it would be read and written, or written twice")}},
+        {"$import 'DSN=a;PWD = secret' x",
+         {2, "", mistake("DSN=a;PWD =***: neither an importer (dtd, xml, xsd, btd, odbc) nor a file")}},
         {"$import r.dtd --user u", {2, "", mistake("--user: there is nobody to log on to without --create")}},
     };
     folder.write("wide", wide);

@@ -265,6 +265,8 @@ TEST(Database, TheCommandLineImportsADataSource)
         {"Orders -t b --report - -q -o /dev/null", {0, "", "1 types, 1 fields: 1 typed, 0 left text\n"}},
         {"Other -l", {1, "", "Other: error: There is no data source called Other (SQLSTATE IM002)\n"}},
         {onServer + "-t u --user typeforge --password-file password", {0, "\\u\t\n", ""}},
+        {onServer + "-t u --user typeforge --password-file password >&-",
+         {3, "", says + "can't write standard output: Bad file descriptor\n"}},
         {onServer + "--user typeforge",
          {1, "", says + "there is no terminal to ask for the password; use --password-file\n"}},
     };
