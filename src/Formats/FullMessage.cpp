@@ -71,7 +71,10 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         order.visit(main);
     for (Index record = 0; root.empty() && record < types.records.size(); ++record)
         order.visit(record);
-    SourceNames(types, report).name(order.query(), main);
+    SourceNames names(types, report);
+    names.name(order.query(), main);
+    if (root.empty())
+        names.nameUnused();
     Declaring declaring{types,
                         basePath + mainType + "\\",
                         std::vector<bool>(types.enumerations.size()),

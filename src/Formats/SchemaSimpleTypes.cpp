@@ -151,10 +151,8 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
     // Those of the schema language itself are nobody's types.
     const bool isNamed = tree[type].tag == SchemaTag::simpleType && tree[type].hasName() &&
                          !SchemaTree::isSchemaLanguage(tree.documentOf(type).space);
-    if (value.kind == SourceTypes::kindEnumeration && isNamed) {
-        value.name = tree[type].name;
-        value.documentation = tree[type].documentation;
-    }
+    if (value.kind == SourceTypes::kindEnumeration && isNamed)
+        value.named = type;
     return value;
 }
 

@@ -14,8 +14,7 @@ public:
     {
         bool isThere = false; ///< false for a complex type that holds no text
         SourceTypes::Kind kind = SourceTypes::kindText;
-        NameTable::Id name = 0;          ///< of the type that lists the constants; 0 where it has none
-        std::uint32_t documentation = 0; ///< of that type
+        Index named = 0;                 ///< the type that lists the constants; 0 where it has no name
         std::uint32_t firstConstant = 0; ///< for an enumeration
         std::uint32_t constantCount = 0;
     };

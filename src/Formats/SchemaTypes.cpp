@@ -16,7 +16,7 @@ void SchemaTypes::readComponent(Index component)
     if (node.tag == SchemaTag::complexType) {
         recordOf(component, SourceTypes::kNone);
     } else if (node.tag == SchemaTag::simpleType) {
-        if (const Value value = simple.of(component); value.name != 0)
+        if (const Value value = simple.of(component); value.named != 0)
             typeOf(value, node.name);
     } else {
         const SourceTypes::Type type = typeOf(declared(component), node.name, SourceTypes::kNone);
@@ -97,15 +97,17 @@ SourceTypes::Type SchemaTypes::typeOf(const Value& value, NameTable::Id fieldNam
 {
     if (value.kind != SourceTypes::kindEnumeration)
         return {value.kind};
-    const bool isNamed = value.name != 0;
-    const NameTable::Id name = isNamed ? value.name : fieldName;
+    const bool isNamed = value.named != 0;
+    const SchemaNode& named = tree[value.named];
+    const NameTable::Id name = isNamed ? named.name : fieldName;
     const auto [known, isNew] =
         enumerations.try_emplace(static_cast<std::uint64_t>(value.firstConstant) << 32 | name, SourceTypes::kNone);
     if (isNew) {
         constants.clear();
         for (const NameTable::Id constant : simple.constantsOf(value))
             constants.push_back(keep(constant));
-        known->second = types.addEnumeration(keep(name), constants, isNamed, keepDocumentation(value.documentation));
+        known->second = types.addEnumeration(keep(name), constants, isNamed, keepDocumentation(named.documentation),
+                                              set.placeOf(value.named));
     }
     return {SourceTypes::kindEnumeration, known->second};
 }

@@ -93,16 +93,29 @@ void SourceNames::nameFields(Index index)
 
 void SourceNames::nameType(Field& field, Index record)
 {
-    if (field.type.kind == SourceTypes::kindEnumeration && !isNamed[field.type.index]) {
-        SourceTypes::Enumeration& enumeration = types.enumerations[field.type.index];
-        isNamed[field.type.index] = true;
-        const std::string_view wanted = enumeration.name;
-        enumeration.name = unique({}, wanted, record);
-        if (enumeration.name != wanted)
-            noteChange(types.records[record].place, wanted, enumeration.name);
-    }
+    if (field.type.kind == SourceTypes::kindEnumeration)
+        nameEnumeration(field.type.index, types.records[record].place, record);
     if (field.repeats)
         nameTable(field, record);
+}
+
+void SourceNames::nameUnused()
+{
+    for (Index enumeration = 0; enumeration < types.enumerations.size(); ++enumeration)
+        if (types.enumerations[enumeration].isNamed)
+            nameEnumeration(enumeration, types.enumerations[enumeration].place, SourceTypes::kNone);
+}
+
+void SourceNames::nameEnumeration(Index index, SourcePlace place, Index home)
+{
+    if (isNamed[index])
+        return;
+    isNamed[index] = true;
+    SourceTypes::Enumeration& enumeration = types.enumerations[index];
+    const std::string_view wanted = enumeration.name;
+    enumeration.name = unique({}, wanted, home);
+    if (enumeration.name != wanted)
+        noteChange(place, wanted, enumeration.name);
 }
 
 void SourceNames::nameTable(Field& field, Index record)

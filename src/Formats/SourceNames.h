@@ -18,6 +18,9 @@ public:
     /// Names the records `order`, their fields, and what those use. `first` (or kNone) is named before the others.
     void name(const std::vector<SourceTypes::Index>& order, SourceTypes::Index first);
 
+    /// Names the declared enumerations that no field has, behind all others.
+    void nameUnused();
+
 private:
     using Index = SourceTypes::Index;
     using Field = SourceTypes::Field;
@@ -36,6 +39,7 @@ private:
     void nameRecord(Index record);
     void nameFields(Index record);
     void nameType(Field& field, Index record);
+    void nameEnumeration(Index enumeration, SourcePlace place, Index home);
     void nameTable(Field& field, Index record);
     std::string_view unique(std::string_view prefix, std::string_view name, Index home);
     void noteChange(SourcePlace place, std::string_view from, std::string_view to);

@@ -46,7 +46,7 @@ void SourceTypes::checkFields(std::size_t count) const
 }
 
 SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<const std::string_view> added,
-                                               bool isNamed, std::string_view description)
+                                               bool isNamed, std::string_view description, SourcePlace place)
 {
     std::size_t hash = keyHash(name);
     for (const std::string_view constant : added)
@@ -57,7 +57,7 @@ SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<
             return known->second;
     if (constants.size() + added.size() > kMaxFields)
         refuse(std::to_string(kMaxFields) + " constants");
-    Enumeration made{name, description, isNamed};
+    Enumeration made{name, description, isNamed, place};
     made.firstConstant = static_cast<Index>(constants.size());
     made.constantCount = static_cast<Index>(added.size());
     constants.insert(constants.end(), added.begin(), added.end());

@@ -67,6 +67,7 @@ public:
         std::string_view name;
         std::string_view description{};
         bool isNamed = false; ///< has the name of a declared type, and is imported even when no field has it
+        SourcePlace place{};  ///< of that type
         Index firstConstant = 0;
         Index constantCount = 0;
     };
@@ -117,7 +118,7 @@ public:
     /// The enumeration of these constants under this name, which is made when there is none like it yet. A million
     /// constants in all are the bound.
     Index addEnumeration(std::string_view name, std::span<const std::string_view> constants, bool isNamed,
-                         std::string_view description = {});
+                         std::string_view description = {}, SourcePlace place = {});
 
     /// Counts text that the types take: 256 MB in all are the bound, what passes it throws SourceRefusal.
     void spend(std::size_t bytes);
