@@ -119,7 +119,7 @@ std::optional<FoundFile> FileFinder::find(const CString& folder, const CString& 
     struct stat status;
     if (stat(name.c_str(), &status) == 0)
         return S_ISREG(status.st_mode) ? std::optional(FoundFile{name, idOf(status)}) : std::nullopt;
-    isBlind |= !meansMissing(errno);
+    isBlind = !meansMissing(errno);
     if (auto found = findInAnyCase(folder, path))
         return found;
     return isBlind ? std::optional(FoundFile{name, {}}) : std::nullopt;
@@ -185,10 +185,11 @@ const FileFinder::Names& FileFinder::list(const FoundFile& folder)
         for (std::filesystem::directory_iterator entry(folder.name, failure), end; !failure && entry != end;
              entry.increment(failure)) {
             const CString name = entry->path().filename().string();
-            listing->second.emplace(lowerAscii(name), name);
+            listing->second.names.emplace(lowerAscii(name), name);
         }
         // A folder that may not be listed may still have given the file by its own name.
-        isBlind |= failure && !meansMissing(failure.value()) && failure.value() != EACCES;
+        listing->second.isBlind = failure && !meansMissing(failure.value()) && failure.value() != EACCES;
     }
-    return listing->second;
+    isBlind |= listing->second.isBlind;
+    return listing->second.names;
 }

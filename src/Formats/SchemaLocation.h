@@ -41,8 +41,14 @@ private:
     std::vector<CString> namesLike(const FoundFile& folder, std::string_view component);
     const Names& list(const FoundFile& folder);
 
-    std::map<FileId, Names> listings; // each folder is read once
-    bool isBlind = false;             // the system has kept something from us
+    struct Listing
+    {
+        Names names;
+        bool isBlind = false;
+    };
+
+    std::map<FileId, Listing> listings; // each folder is read once
+    bool isBlind = false;               // the system has kept something from the search in hand
 };
 
 /// The folder that a file lies in, links resolved, with a final slash; the current one for standard input and devices.
