@@ -68,14 +68,11 @@ std::span<const SchemaField> SchemaContents::of(Index type)
 }
 
 /// The complex type that one is derived from; 0 for none.
-SchemaContents::Index SchemaContents::baseOf(Index type) const
+SchemaContents::Index SchemaContents::baseOf(Index type)
 {
     const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);
     const Index derivation = content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
-    if (derivation == 0 || tree[derivation].reference.local == 0)
-        return 0;
-    const Index base = set.find(SchemaSet::type, tree.referenceOf(derivation), derivation);
-    return base != 0 && tree[base].tag == SchemaTag::complexType ? base : 0;
+    return set.baseOf(derivation);
 }
 
 void SchemaContents::build(Index type, Index base)
@@ -85,9 +82,10 @@ void SchemaContents::build(Index type, Index base)
     elements.clear();
     attributes.clear();
     lastSeen.clear();
+    isRestriction = tree[derivation].tag == SchemaTag::restriction;
     clock = 1; // before it: what is inherited
     if (base != 0)
-        inherit(contents[base], tree[derivation].tag == SchemaTag::extension);
+        inherit(contents[base], !isRestriction);
     walkParticles(derivation == 0 ? type : derivation);
     walkAttributes(derivation == 0 ? type : derivation);
     contents[type] = keep();
@@ -272,6 +270,8 @@ void SchemaContents::visitAttribute(Index attribute)
     const SchemaNode& node = tree[attribute];
     const SchemaDocument& document = tree.documentOf(attribute);
     const bool isProhibited = node.is(SchemaNode::isProhibited);
+    if (isProhibited && !isRestriction) // that says nothing
+        return;
     if (!node.is(SchemaNode::isReference)) {
         const bool isQualified =
             node.is(SchemaNode::saysForm) ? node.is(SchemaNode::isQualified) : document.attributesQualified;

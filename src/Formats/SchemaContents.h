@@ -59,7 +59,7 @@ private:
         std::unordered_map<std::uint64_t, std::size_t> many;
     };
 
-    Index baseOf(Index type) const;
+    Index baseOf(Index type);
     void build(Index type, Index base);
     void inherit(const Content& base, bool withElements);
     void walkParticles(Index holder);
@@ -82,6 +82,7 @@ private:
     // Of the type in hand.
     Fields elements;
     Fields attributes;
+    bool isRestriction = false;
     std::vector<std::size_t> lastSeen; // by element: when it occurred last
     std::vector<Frame> frames;
     std::size_t clock = 0;

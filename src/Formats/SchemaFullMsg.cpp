@@ -9,6 +9,6 @@ void SchemaFullMessage::read(const CString& source, const CString&, SourceTypes&
 {
     SchemaSet set(types, report);
     set.load(source);
-    SchemaTypes(set, types).read();
+    SchemaTypes(set, types).read(queryRoot());
     set.reportNotes();
 }

@@ -1,6 +1,6 @@
 #include "Formats/SchemaNotes.h"
 
-#include "Formats/SchemaSimpleTypes.h"
+#include "Formats/SchemaBuiltIns.h"
 
 namespace {
 
@@ -49,7 +49,9 @@ void SchemaNotes::startElement(XmlName name, XmlAttributes attributes)
     for (const char* attribute : {"name", "ref", "base"})
         if (called.empty())
             called = valueOf(attributes, attribute);
-    names.emplace_back(called.empty() && !names.empty() ? names.back() : CString(called));
+    isNamed.push_back(!called.empty() || names.empty());
+    if (isNamed.back())
+        names.emplace_back(called);
     const auto* const tag =
         std::find_if(std::begin(kTags), std::end(kTags), [&](const Tag& row) { return row.name == name.local; });
     if (tag != std::end(kTags))
@@ -63,7 +65,9 @@ void SchemaNotes::startElement(XmlName name, XmlAttributes attributes)
 
 void SchemaNotes::endElement()
 {
-    names.pop_back();
+    if (isNamed.back())
+        names.pop_back();
+    isNamed.pop_back();
     outline.endElement();
 }
 
@@ -75,7 +79,8 @@ void SchemaNotes::noteType(std::string_view type)
     const std::string_view local = type.substr(isBuiltIn ? colon + 1 : 0);
     if (!isBuiltIn && !type.empty())
         types.push_back({line, CString(type)});
-    else if (isBuiltIn && SchemaSimpleTypes::isMoreThanText(local) && local != "decimal" && local != "date")
+    else if (isBuiltIn && builtInKind(local).value_or(SourceTypes::kindText) != SourceTypes::kindText &&
+             local != "decimal" && local != "date")
         report.add(SourceReport::typeUnknown, {file, line}, type);
 }
 

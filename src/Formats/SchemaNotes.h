@@ -37,6 +37,7 @@ private:
     SourceReport& report;
     const std::uint32_t file;
     std::uint32_t line = 0;
-    std::vector<CString> names; // of the open elements; one without a name has that around it
+    std::vector<bool> isNamed;  // by open element; one without a name has that around it
+    std::vector<CString> names; // of the others
     std::vector<NamedType> types;
 };

@@ -242,7 +242,9 @@ void SchemaReader::readAttribute(SchemaNode& node, std::string_view name, std::s
     const auto set = [&node](bool on, SchemaNode::Flags flag) {
         node.flags = static_cast<std::uint16_t>(node.flags | (on ? flag : 0));
     };
-    if (name == "name" || name == "schemaLocation") {
+    if (name == "name") {
+        node.name = nameOf(trimmed(value));
+    } else if (name == "schemaLocation") {
         node.name = tree.names.intern(trimmed(value));
     } else if (name == "value") {
         node.name = tree.names.intern(value);
@@ -283,13 +285,23 @@ std::uint32_t SchemaReader::readList(std::string_view value)
     return first;
 }
 
+/// A name by number. One that no document can carry is noted, and none.
+NameTable::Id SchemaReader::nameOf(std::string_view text)
+{
+    const NameTable::Id name = tree.names.intern(text);
+    if (name == 0 || isXmlName(text))
+        return name;
+    impossibleNames.push_back({static_cast<Index>(tree.nodes.size()), name});
+    return 0;
+}
+
 /// What a QName stands for where it is written. One with a prefix that nobody declares stands for nothing there is.
 SchemaName SchemaReader::resolve(std::string_view qualified)
 {
     qualified = trimmed(qualified);
     const std::size_t colon = qualified.rfind(':');
     const std::string_view prefix = colon == std::string_view::npos ? "" : qualified.substr(0, colon);
-    const NameTable::Id local = tree.names.intern(qualified.substr(colon == std::string_view::npos ? 0 : colon + 1));
+    const NameTable::Id local = nameOf(qualified.substr(colon == std::string_view::npos ? 0 : colon + 1));
     const NameTable::Id id = tree.names.intern(prefix);
     const NameTable::Id space = id < spaces.size() ? spaces[id] : kUndeclared;
     if (space != kUndeclared)

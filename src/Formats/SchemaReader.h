@@ -27,6 +27,14 @@ public:
     };
     const Counts& queryCounts() const { return counts; }
 
+    /// A name that no document can carry, and the node in which it stands; what is called so has no name.
+    struct ImpossibleName
+    {
+        SchemaNode::Index node;
+        NameTable::Id name;
+    };
+    const std::vector<ImpossibleName>& queryImpossibleNames() const { return impossibleNames; }
+
 private:
     using Index = SchemaNode::Index;
 
@@ -54,6 +62,7 @@ private:
     void readRootAttribute(std::string_view name, std::string_view value);
     void readForm(SchemaNode& node, std::string_view value) const;
     std::uint32_t readList(std::string_view value);
+    NameTable::Id nameOf(std::string_view text);
     SchemaName resolve(std::string_view qualified);
     void leaveScope(std::size_t shadowedBefore);
     void keepDocumentation();
@@ -71,4 +80,5 @@ private:
     std::size_t documented = 0; // how many are open from an xs:documentation on
     CString documentation;
     Counts counts;
+    std::vector<ImpossibleName> impossibleNames;
 };

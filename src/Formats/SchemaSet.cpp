@@ -1,6 +1,8 @@
 #include "Formats/SchemaSet.h"
 
+#include "Formats/SchemaBuiltIns.h"
 #include "Formats/SchemaReader.h"
+#include "Utils/FileMessage.h"
 #include "Utils/XMLDoc.h"
 
 #include <algorithm>
@@ -80,6 +82,9 @@ bool SchemaSet::read(const CString& fileName, XmlDocument& xml)
         document.isIllFormed = xml.querySystemError() == 0;
     }
     document.end = static_cast<Index>(tree.size());
+    for (const auto& [node, name] : reader.queryImpossibleNames())
+        if (isRead)
+            note(SourceReport::impossibleName, node, name);
     const SchemaReader::Counts& counts = reader.queryCounts();
     report.count(SourceReport::facet, counts.facets);
     report.count(SourceReport::nillable, counts.nillable);
@@ -103,8 +108,8 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
     if (!file)
         return note(SourceReport::moduleMissing, reference);
     const auto [known, isNew] = parsed.try_emplace(file->id, static_cast<std::uint32_t>(tree.documents.size()));
-    if (XmlDocument xml; isNew)
-        read(file->name, xml);
+    if (isNew)
+        readNamed(*file, reference);
     std::uint32_t document = known->second;
     if (tree.documents[document].root == 0)
         return note(tree.documents[document].isIllFormed ? SourceReport::moduleIllFormed
@@ -120,6 +125,18 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
         declareAll(document, waiting);
     }
     documentsByReference[reference] = place->second;
+}
+
+/// Reads the document that `reference` names. One that is there and can't be read ends the import.
+void SchemaSet::readNamed(const FoundFile& file, Index reference)
+{
+    XmlDocument xml;
+    if (read(file.name, xml) || xml.querySystemError() == 0)
+        return;
+    const SchemaNode& node = tree[reference];
+    throw SourceRefusal{cantOpen(file.name, fileCauseOf(xml.querySystemError())),
+                        {report.fileNameOf(tree.documentOf(reference).file),
+                         CString(tree.text(node.name)) + ": " + xml.queryFault().reason, node.line}};
 }
 
 /// A document without a namespace that is included from two declares two sets of components.
@@ -169,6 +186,22 @@ SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
     return earlier == redefined.end() ? found->second : earlier->second;
 }
 
+std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
+{
+    return SchemaTree::isSchemaLanguage(name.space) ? ::builtInKind(tree.text(name.local)) : std::nullopt;
+}
+
+SchemaSet::Index SchemaSet::baseOf(Index derivation)
+{
+    const SchemaName name = tree.referenceOf(derivation);
+    if (name.local == 0)
+        return 0;
+    const Index base = find(type, name, derivation);
+    if (base == 0 && !builtInKind(name))
+        note(SourceReport::unresolvedReference, derivation, name.local);
+    return tree[base].tag == SchemaTag::complexType ? base : 0;
+}
+
 void SchemaSet::collectMembers()
 {
     for (const SchemaDocument& document : tree.documents) {
@@ -193,32 +226,41 @@ const std::vector<SchemaSet::Index>& SchemaSet::membersOf(SchemaName head) const
 std::vector<SchemaSet::Index> SchemaSet::mainComponents() const
 {
     std::vector<Index> components;
-    bool holdsAny = false;
     std::unordered_set<Index> met;
+    const auto holdsAny = [&] {
+        return std::ranges::any_of(components, [&](Index at) { return tree[at].tag != SchemaTag::simpleType; });
+    };
     const auto add = [&](Index first) {
         for (Index at = first; at != 0; at = tree[at].next) {
             const auto kind = kindOf(tree[at].tag);
             if (!tree[at].hasName() || (kind != element && kind != type))
                 continue;
-            holdsAny |= tree[at].tag != SchemaTag::simpleType;
             const Index holder = find(*kind, nameOf(at), 0);
             if (met.insert(holder).second)
                 components.push_back(holder);
         }
     };
-    const auto addDocument = [&](std::uint32_t document) {
-        const Index first = tree[tree.documents[document].root].firstChild;
-        add(first);
-        for (Index at = first; (at = tree.firstOf(at, SchemaTag::redefine)) != 0; at = tree[at].next)
+    const auto topOf = [&](std::uint32_t document) { return tree[tree.documents[document].root].firstChild; };
+    const auto addRedefined = [&](std::uint32_t document) {
+        for (Index at = topOf(document); (at = tree.firstOf(at, SchemaTag::redefine)) != 0; at = tree[at].next)
             add(tree[at].firstChild);
     };
-    addDocument(0);
-    if (!holdsAny)
-        for (const std::uint32_t document : includedDocuments())
-            addDocument(document);
-    if (!holdsAny)
+    add(topOf(0));
+    const bool holdsOwn = holdsAny();
+    addRedefined(0);
+    if (!holdsOwn)
+        for (const std::uint32_t document : includedDocuments()) {
+            add(topOf(document));
+            addRedefined(document);
+        }
+    if (!holdsAny())
         components.clear();
     return components;
+}
+
+SchemaSet::Index SchemaSet::elementCalled(std::string_view name)
+{
+    return find(element, {tree.documents[0].space, tree.names.intern(name)}, 0);
 }
 
 /// What the main document includes and redefines, and what those do.
@@ -240,9 +282,9 @@ std::vector<std::uint32_t> SchemaSet::includedDocuments() const
     return documents;
 }
 
-void SchemaSet::note(SourceReport::Construct construct, Index node)
+void SchemaSet::note(SourceReport::Construct construct, Index node, NameTable::Id name)
 {
-    notes.emplace_back(node, construct);
+    notes.push_back({node, construct, name});
     if (notes.size() < manyNotes)
         return;
     sortNotes();
@@ -258,10 +300,10 @@ void SchemaSet::sortNotes()
 void SchemaSet::reportNotes()
 {
     sortNotes();
-    for (const auto& [node, construct] : notes) {
+    for (const auto& [node, construct, name] : notes) {
         const bool isReference = construct == SourceReport::unresolvedReference;
-        const NameTable::Id name = isReference ? tree[node].reference.local : tree[namedAround(node)].name;
-        report.add(construct, placeOf(node), tree.text(name));
+        const NameTable::Id own = isReference ? tree[node].reference.local : tree[namedAround(node)].name;
+        report.add(construct, placeOf(node), tree.text(name != 0 ? name : own));
     }
     notes.clear();
 }

@@ -33,27 +33,38 @@ public:
     SchemaSet(const SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
     /// Reads a schema and the documents that it names, each once; local regular files only, and what can't be had goes
-    /// into the report. Throws SourceRefusal when the schema itself can't be read.
+    /// into the report. Throws SourceRefusal when the schema itself can't be read, or one of them that is there.
     void load(const CString& fileName);
 
     /// What `name` means where `from` stands; 0 when there is none. Inside a redefinition its own name means what it
     /// redefines.
     Index find(Kind kind, SchemaName name, Index from) const;
 
+    /// The complex type that an extension or a restriction is of; 0 for none.
+    Index baseOf(Index derivation);
+
+    /// The kind of the type that `name` means when the language has that built in, whatever is declared: the schema of
+    /// schemas declares such types too.
+    std::optional<SourceTypes::Kind> builtInKind(SchemaName name) const;
+
     /// The elements whose substitution group `head` heads, in the order of declaration.
     const std::vector<Index>& membersOf(SchemaName head) const;
 
     /// The elements, complex types and simple types at the top of the main document, or of those it includes when it
-    /// has no element and no complex type itself. Empty when those have none either.
+    /// has no element and no complex type itself; what stands inside a redefinition isn't its own. Empty when those
+    /// have none either.
     std::vector<Index> mainComponents() const;
+
+    /// The element of that name at the top of any document in the main one's namespace; 0 when there is none.
+    Index elementCalled(std::string_view name);
 
     /// The full name of a component at the top.
     SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
 
     SourcePlace placeOf(Index node) const { return {tree.documentOf(node).file, tree[node].line}; }
 
-    /// Notes what is not carried over, by the name of the node or the one that it refers to.
-    void note(SourceReport::Construct construct, Index node);
+    /// Notes what is not carried over, by `name` or else the node's own or the one that it refers to.
+    void note(SourceReport::Construct construct, Index node, NameTable::Id name = 0);
 
     /// Moves what was noted into the report, in the order of reading, each place once.
     void reportNotes();
@@ -72,7 +83,14 @@ private:
         Index redefine;  // the one whose document is being read, when that is a redefine
     };
 
-    using Note = std::pair<Index, SourceReport::Construct>; // of a node
+    struct Note
+    {
+        Index node;
+        SourceReport::Construct construct;
+        NameTable::Id name;
+
+        auto operator<=>(const Note&) const = default;
+    };
 
     using Names = std::unordered_map<std::uint64_t, Index>;
 
@@ -80,6 +98,7 @@ private:
 
     bool read(const CString& fileName, XmlDocument& xml);
     void follow(Index reference, std::vector<Following>& waiting);
+    void readNamed(const FoundFile& file, Index reference);
     std::uint32_t copy(std::uint32_t document, NameTable::Id space);
     void declareAll(std::uint32_t document, std::vector<Following>& waiting);
     void declare(Index component, bool redefines);

@@ -8,32 +8,6 @@ namespace {
 
 constexpr std::size_t kMaxConstants = 1'000'000;
 
-// https://www.w3.org/TR/xmlschema-2/#built-in-datatypes, those that are more than text.
-constexpr std::string_view kNumbers[] = {"decimal",
-                                         "integer",
-                                         "long",
-                                         "int",
-                                         "short",
-                                         "byte",
-                                         "double",
-                                         "float",
-                                         "positiveInteger",
-                                         "negativeInteger",
-                                         "unsignedLong",
-                                         "unsignedInt",
-                                         "unsignedShort",
-                                         "unsignedByte",
-                                         "nonNegativeInteger",
-                                         "nonPositiveInteger"};
-constexpr std::string_view kTimes[] = {"dateTime", "date", "time", "dateTimeStamp", "timeInstant"};
-constexpr std::string_view kTexts[] = {"string", "anyType", "anySimpleType", "anyAtomicType"};
-
-template <std::size_t N>
-bool isOneOf(const std::string_view (&names)[N], std::string_view name)
-{
-    return std::find(names, names + N, name) != names + N;
-}
-
 SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
 {
     return {true, kind};
@@ -41,35 +15,14 @@ SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
 
 } // namespace
 
-bool SchemaSimpleTypes::isMoreThanText(std::string_view builtIn)
+SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from)
 {
-    return isOneOf(kNumbers, builtIn) || isOneOf(kTimes, builtIn);
-}
-
-bool SchemaSimpleTypes::isBuiltIn(SchemaName name, Index declared) const
-{
-    if (!SchemaTree::isSchemaLanguage(name.space))
-        return false;
-    const std::string_view local = tree.text(name.local);
-    // The schema of schemas declares these too.
-    return declared == 0 || isOneOf(kNumbers, local) || isOneOf(kTimes, local) || isOneOf(kTexts, local);
-}
-
-SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from) const
-{
+    if (const auto builtIn = set.builtInKind(name))
+        return {0, valueOfKind(*builtIn)};
     const Index declared = set.find(SchemaSet::type, name, from);
-    if (!isBuiltIn(name, declared))
-        return {declared, valueOfKind(SourceTypes::kindText)};
-    const std::string_view local = tree.text(name.local);
-    return {0, valueOfKind(isOneOf(kNumbers, local) ? SourceTypes::kindNumber
-                           : isOneOf(kTimes, local) ? SourceTypes::kindTime
-                                                    : SourceTypes::kindText)};
-}
-
-SchemaSimpleTypes::Value SchemaSimpleTypes::named(SchemaName name, Index from)
-{
-    const Part part = partNamed(name, from);
-    return part.type == 0 ? part.value : of(part.type);
+    if (declared == 0)
+        set.note(SourceReport::unresolvedReference, from, name.local);
+    return {declared, valueOfKind(SourceTypes::kindText)};
 }
 
 /// The restriction or extension that says what the text of a type is; 0 when none does.
@@ -81,7 +34,31 @@ SchemaSimpleTypes::Index SchemaSimpleTypes::derivationOf(Index type) const
     return content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
 }
 
-bool SchemaSimpleTypes::isMixed(Index complexType) const
+bool SchemaSimpleTypes::isMixed(Index complexType)
+{
+    std::vector<Index> chain;
+    bool isMixed = false;
+    for (Index at = complexType; at != 0 && !isMixed; at = extendedBy(at)) {
+        const auto [known, isNew] = mixed.try_emplace(at);
+        if (isNew)
+            known->second = saysMixed(at);
+        isMixed = known->second;
+        if (!isNew) // or one that extends itself
+            break;
+        chain.push_back(at);
+    }
+    for (const Index at : chain)
+        mixed[at] = isMixed;
+    return isMixed;
+}
+
+/// The complex type that one extends; 0 for none.
+SchemaSimpleTypes::Index SchemaSimpleTypes::extendedBy(Index complexType)
+{
+    return set.baseOf(tree.childOf(tree.childOf(complexType, SchemaTag::complexContent), SchemaTag::extension));
+}
+
+bool SchemaSimpleTypes::saysMixed(Index complexType) const
 {
     const Index content = tree.childOf(complexType, SchemaTag::complexContent);
     const bool isSaidThere = content != 0 && tree[content].is(SchemaNode::saysMixed);
@@ -96,6 +73,10 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
     while (!waiting.empty()) {
         const Index top = waiting.back();
         const auto [known, isNew] = values.try_emplace(top);
+        if (!isNew && known->second.firstConstant != kInHand) {
+            waiting.pop_back();
+            continue;
+        }
         collectParts(top);
         if (isNew) {
             known->second.firstConstant = kInHand;
@@ -104,8 +85,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
                     waiting.push_back(part.type);
         } else {
             waiting.pop_back();
-            if (known->second.firstConstant == kInHand)
-                known->second = combine(top);
+            known->second = combine(top);
         }
     }
     return values.find(type)->second;

@@ -24,22 +24,13 @@ public:
     /// What a simple type is, or the text of a complex type.
     Value of(Index type);
 
-    /// What `name` is where `from` stands; text when there is no such type.
-    Value named(SchemaName name, Index from);
-
     std::span<const NameTable::Id> constantsOf(const Value& value) const
     {
         return std::span(constants).subspan(value.firstConstant, value.constantCount);
     }
 
-    /// True when text may stand between the elements of a complex type.
-    bool isMixed(Index complexType) const;
-
-    /// True when `name` means a type that the language has built in, whatever is declared.
-    bool isBuiltIn(SchemaName name, Index declared) const;
-
-    /// True when the built-in type of that name holds numbers or times.
-    static bool isMoreThanText(std::string_view builtIn);
+    /// True when text may stand between the elements of a complex type: by what it says, or that which it extends.
+    bool isMixed(Index complexType);
 
 private:
     struct Part // of which a type is made: another one, or a value that is known
@@ -50,9 +41,11 @@ private:
 
     static constexpr std::uint32_t kInHand = ~0U; // as the first constant: the value is still to come
 
+    bool saysMixed(Index complexType) const;
+    Index extendedBy(Index complexType);
     void collectParts(Index type);
     Index derivationOf(Index type) const;
-    Part partNamed(SchemaName name, Index from) const;
+    Part partNamed(SchemaName name, Index from);
     Value valueOf(const Part& part) const;
     Value combine(Index type);
     Value unite(Index type);
@@ -62,6 +55,7 @@ private:
     SchemaSet& set;
     const SchemaTree& tree;
     std::unordered_map<Index, Value> values; // also of those in hand, which count as text
+    std::unordered_map<Index, bool> mixed;   // by complex type
     std::vector<NameTable::Id> constants;
     std::vector<std::uint32_t> constantSeen; // by name: the list in hand when it was met
     std::uint32_t constantLists = 0;

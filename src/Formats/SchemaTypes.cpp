@@ -2,10 +2,13 @@
 
 #include <algorithm>
 
-void SchemaTypes::read()
+void SchemaTypes::read(std::string_view root)
 {
-    for (const Index component : set.mainComponents())
+    const std::vector<Index> components = set.mainComponents();
+    for (const Index component : components)
         readComponent(component);
+    if (const Index element = set.elementCalled(root); element != 0 && !std::ranges::count(components, element))
+        readComponent(element);
     for (std::size_t i = 0; i < pending.size(); ++i)
         readFields(pending[i]);
 }
@@ -70,11 +73,11 @@ bool SchemaTypes::resolve(Index declaration, Declared& out)
         if (tree[declaration].reference.local == 0)
             return false;
         const SchemaName name = tree.referenceOf(declaration);
-        type = set.find(SchemaSet::type, name, declaration);
-        if (simple.isBuiltIn(name, type)) {
-            out.value = simple.named(name, declaration);
+        if (const auto builtIn = set.builtInKind(name)) {
+            out.value = {true, *builtIn};
             return true;
         }
+        type = set.find(SchemaSet::type, name, declaration);
         if (type == 0) {
             set.note(SourceReport::unresolvedReference, declaration);
             return true;
@@ -107,7 +110,7 @@ SourceTypes::Type SchemaTypes::typeOf(const Value& value, NameTable::Id fieldNam
         for (const NameTable::Id constant : simple.constantsOf(value))
             constants.push_back(keep(constant));
         known->second = types.addEnumeration(keep(name), constants, isNamed, keepDocumentation(named.documentation),
-                                              set.placeOf(value.named));
+                                             set.placeOf(value.named));
     }
     return {SourceTypes::kindEnumeration, known->second};
 }

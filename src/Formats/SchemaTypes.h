@@ -12,7 +12,8 @@ public:
         set(set), tree(set.queryTree()), types(types), simple(set), contents(set)
     {}
 
-    void read();
+    /// `root` names an element that is read in any case; "" for none.
+    void read(std::string_view root);
 
 private:
     using Index = SchemaNode::Index;

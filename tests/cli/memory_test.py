@@ -23,27 +23,27 @@ class Memory(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
 
-    def run_import(self, importer, source, name, **environment):
+    def run_import(self, arguments, name, **environment):
         """The exit status, what was said, and what the output file holds."""
         place = self.folder / name
         place.mkdir()
-        run = subprocess.run([BUILD + "/typeforge-import", importer, source, "-o", "out"], cwd=place, timeout=60,
+        run = subprocess.run([BUILD + "/typeforge-import", *arguments, "-o", "out"], cwd=place, timeout=60,
                              env=dict(os.environ, SOURCE_DATE_EPOCH="0", LC_ALL="C",
                                       LD_PRELOAD=BUILD + "/libfailing_allocator.so", **environment),
                              stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace")
         files = {path.name: path.read_bytes() for path in place.iterdir()}
         return run.returncode, run.stderr, files
 
-    def check(self, importer, source):
+    def check(self, *arguments):
         count = self.folder / "count"
-        status, errors, whole = self.run_import(importer, source, "whole", ALLOCATION_COUNT=str(count))
+        status, errors, whole = self.run_import(arguments, "whole", ALLOCATION_COUNT=str(count))
         self.assertEqual((status, errors, list(whole)), (0, "", ["out"]))
         allocations = int(count.read_text())
         step = max(1, allocations // AT_MOST)
         numbers = range(random.randint(1, step), allocations + 1, step)
 
         def fail_at(number):
-            answer = self.run_import(importer, source, str(number), FAILING_ALLOCATION=str(number))
+            answer = self.run_import(arguments, str(number), FAILING_ALLOCATION=str(number))
             said_so = answer[0] == 1 and re.match(r"(typeforge-import|.*: error): ", answer[1]) and not answer[2]
             return None if said_so or (answer[0] == 0 and answer[2] == whole) else (number, *answer[:2], list(answer[2]))
 
@@ -60,8 +60,11 @@ class Memory(unittest.TestCase):
     def test_xsd(self):
         self.check("xsd", EXAMPLES / "order.xsd")
 
+    def test_xsd_in_full(self):
+        self.check("xsd", "--full", EXAMPLES / "order.xsd")
+
     def test_btd(self):
-        _, _, files = self.run_import("dtd", EXAMPLES / "order.dtd", "made")
+        _, _, files = self.run_import(["dtd", EXAMPLES / "order.dtd"], "made")
         (self.folder / "types.xml").write_bytes(files["out"])
         self.check("btd", self.folder / "types.xml")
 

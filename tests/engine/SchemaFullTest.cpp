@@ -42,6 +42,7 @@ struct Rule
     CString schema;
     const char* types;
     std::vector<std::pair<const char*, CString>> others = {};
+    const char* root = "";
 };
 
 const Rule kRules[] = {
@@ -92,6 +93,10 @@ const Rule kRules[] = {
                              "<element name='q'><complexType><attribute name='k'><simpleType>" LISTED(
                                  "string", "x", "z") "</simpleType></attribute></complexType></element>")),
      "q_k{x|z} k{x|y} r_r(k:k) q(k:q_k) r(r:r_r q:q)"},
+    {"UnusedEnumerationGivesWay",
+     SIMPLE("q", LISTED("string", "x", "y"))
+         ROOT(SEQUENCE("<element name='q'><complexType><attribute name='a'/></complexType></element>")),
+     "q(a:String) q_2{x|y} r(q:q)"},
     {"MainElementReachesTheMost",
      "<element name='a' type='string'/><element name='s' type='t:S'/><element name='b' abstract='true'><complexType>"
      "<sequence><element name='r' type='t:R'/></sequence></complexType></element><element name='r' type='t:R'/>" TYPE(
@@ -149,10 +154,21 @@ const Rule kRules[] = {
      "r(x:String)",
      {{"b.xsd", documentOf(ROOT(SEQUENCE("<element name='x'/>")))},
       {"o.xsd", other(TYPE("Lost", SEQUENCE("<element name='y'/>")))}}},
+    {"RedefinedDocumentStandsInForOneThatOnlyRedefines",
+     "<redefine schemaLocation='b.xsd'>" TYPE("P", EXTENSION("t:P", SEQUENCE("<element name='y'/>"))) "</redefine>",
+     "P(x:String y:String) r(p:P)",
+     {{"b.xsd",
+       documentOf(ROOT(SEQUENCE("<element name='p' type='t:P'/>")) TYPE("P", SEQUENCE("<element name='x'/>")))}}},
+    {"RootInAnIncludedDocument",
+     "<include schemaLocation='b.xsd'/>" ROOT(SEQUENCE("<element name='x'/>")),
+     "e(y:Number)",
+     {{"b.xsd", documentOf("<element name='e'><complexType><attribute name='y' type='int'/></complexType></element>")}},
+     "e"},
     // Derived types.
     {"ExtensionHasTheFieldsOfItsBaseFirst",
      "<element name='r' type='t:D'/>" TYPE(
-         "D", EXTENSION("t:B", SEQUENCE("<element name='c'/><element name='a'/>") "<attribute name='y'/>"))
+         "D", EXTENSION("t:B", SEQUENCE("<element name='c'/><element name='a'/>") "<attribute name='y'/><attribute "
+                                                                                  "name='x' use='prohibited'/>"))
          TYPE("B", SEQUENCE("<element name='a'/><element name='b'/>") "<attribute name='x'/>"),
      "B(a:String b:String x:String) t_a[String] r(a:t_a b:String c:String x:String y:String)"},
     {"RestrictionHasItsOwnElementsAndTheBasesAttributes",
@@ -163,6 +179,10 @@ const Rule kRules[] = {
          TYPE("B", SEQUENCE("<element name='a'/><element name='b'/>") "<attribute name='x'/><attribute "
                                                                       "name='y'/><attribute name='z'/>"),
      "B(a:String b:String x:String y:String z:String) r(a:Number x:String z:Number)"},
+    {"ExtensionOfMixedContentIsMixed",
+     "<element name='r' type='t:D'/><complexType name='M' mixed='1'/>" TYPE("D", EXTENSION("t:E", ""))
+         TYPE("E", EXTENSION("t:M", "<attribute name='a'/>")) TYPE("R", RESTRICTION("t:E", "")),
+     "R(a:String) E(value:String a:String) M(value:String) r(value:String a:String)"},
     {"SimpleContent",
      "<element name='r' type='t:D'/>" TYPE("D", "<simpleContent><extension base='t:B'><attribute name='b'/></extension>"
                                                 "</simpleContent>")
@@ -288,6 +308,7 @@ TEST_P(SchemaRule, GivesTypes)
 {
     for (const auto& [name, content] : GetParam().others)
         folder.write(name, content);
+    message.setRoot(GetParam().root);
     EXPECT_EQ(typesOfSchema(GetParam().schema), GetParam().types);
 }
 
@@ -303,11 +324,14 @@ TEST_F(SchemaFull, ReportsWhatIsNotCarriedOver)
 </sequence><attribute name='b' type='t:L'/><attribute name='u' type='t:U'/><anyAttribute/></complexType><key name='k'/></element>
 <complexType name='A' abstract='true'><attribute name='x' type='t:X'/></complexType>
 <group name='g'><choice><any/></choice></group>
-<element name='r'/><complexType name='Lost'><attribute name='x'/></complexType>
+<element name='r'/><complexType name='Lost'><attribute name='x' type='Int'/></complexType>
 <simpleType name='L'><list itemType='t:U'/></simpleType>
-<simpleType name='U'><union memberTypes='int string'/></simpleType>
-<simpleType name='F'><restriction base='string'><length value='1'/><pattern value='a'/></restriction></simpleType>)";
-    EXPECT_EQ(typesOfSchema(schema), "Lost(x:String) A(x:String) r(value:String none:String b:A r_b:String u:String)");
+<simpleType name='U'><union memberTypes='int string t:V'/></simpleType>
+<simpleType name='F'><restriction base='string'><length value='1'/><pattern value='a'/></restriction></simpleType>
+<complexType name='no name'/><complexType name='E'><complexContent><extension base='t:W'><sequence>
+  <element name='a\b'/><element ref='t:1st'/></sequence><attribute name='e' type='t:no name'/></extension></complexContent></complexType>)";
+    EXPECT_EQ(typesOfSchema(schema),
+              "E(e:String) Lost(x:String) A(x:String) r(value:String none:String b:A r_b:String u:String)");
     EXPECT_EQ(reportOf(message, folder.path()), R"(x.xsd:1: module or document not there: none.xsd
 x.xsd:1: document not well-formed: b.xsd
 x.xsd:2: mixed content (order of text lost): r
@@ -319,11 +343,19 @@ x.xsd:6: abstract type: A
 x.xsd:6: reference to nothing that was read: X
 x.xsd:7: any element: g
 x.xsd:8: declared twice: r
+x.xsd:8: reference to nothing that was read: Int
 x.xsd:9: list: L
 x.xsd:10: union of several kinds: U
+x.xsd:10: reference to nothing that was read: V
+x.xsd:12: name that no document can carry: no name
+x.xsd:12: reference to nothing that was read: W
+x.xsd:13: name that no document can carry: a\b
+x.xsd:13: name that no document can carry: 1st
+x.xsd:13: name that no document can carry: no name
 x.xsd:2: name changed: b is r_b
 
-3 reference to nothing that was read
+6 reference to nothing that was read
+4 name that no document can carry
 2 facet
 1 module or document not there
 1 document not well-formed
@@ -441,6 +473,13 @@ const Bound kBounds[] = {
                 });
      },
      "r(value:String)"},
+    {"UnionThatRepeatsAMember",
+     [] {
+         return ROOT("<attribute name='a' type='t:U'/>") "<simpleType name='U'><union memberTypes='" +
+                times(400'000, "t:E ") + "'/></simpleType><simpleType name='E'><restriction base='string'>" +
+                times(400'000, "<enumeration value='x'/>") + "</restriction></simpleType>";
+     },
+     "E{x} U{x} r(a:U)"},
     {"EnumerationUnderManyNames",
      [] {
          return chained(1'000,
