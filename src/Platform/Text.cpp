@@ -205,6 +205,10 @@ bool appendCharacter(CString& out, std::uint32_t code)
 bool isXmlName(std::string_view text)
 {
     for (std::size_t at = 0; at < text.size();) {
+        if ((static_cast<unsigned char>(text[at]) | 0x20U) - 'a' < 26) { // a letter, as nearly all are
+            ++at;
+            continue;
+        }
         const bool isFirst = at == 0;
         const char32_t code = decodeUtf8(text, at);
         if (code == kNoUtf8 || (!isIn(kNameStart, code) && (isFirst || !isIn(kNameRest, code))))
