@@ -184,6 +184,12 @@ TEST_F(ImportCommand, AnswersExactly)
  "totals":{"types":1,"fields":2,"typed":0,"text":2}}
 )",
           ""}},
+        {"(echo '<xs:schema xmlns:xs=\"urn:s\"><xs:element name=\"r\"><xs:complexType><xs:attribute name=\"a\"/>';"
+         "echo '</xs:complexType></xs:element><xs:group name=\"g\"><xs:all><xs:any/></xs:all></xs:group><xs:any/>';"
+         "echo '</xs:schema>') >g.xsd; $import xsd g.xsd -q --report - -o /dev/null",
+         {0, "",
+          "g.xsd:2: group passed over: g\ng.xsd:2: any element: g\ng.xsd:2: any element: \n\n2 any element\n"
+          "1 group passed over\n1 types, 1 fields: 0 typed, 1 left text\n"}},
         {"$import dtd r.dtd --report none/x", {3, "", says("can't write none/x: No such file or directory")}},
 
         // Differences from earlier types, as diff(1) ends: 0, 1, 2.
