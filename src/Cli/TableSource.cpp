@@ -7,8 +7,7 @@
 #include "Resources/StringIds.h"
 #include "Utils/QELApp.h"
 
-#include <algorithm>
-#include <cctype>
+#include <set>
 
 namespace {
 
@@ -37,12 +36,12 @@ void TableSource::read(MsgBase& message, const Arguments& arguments, const CStri
     if (!open(arguments))
         return;
     CString names;
-    for (const CString& table : arguments.tables) {
-        requireTable(CString(trimmed(table)));
+    for (const CString& table : arguments.tables)
         names += table + '\n';
-    }
-    if ((!arguments.tables.empty() || listTables(names)) && !names.empty())
-        message.parseData(names, basePath);
+    if ((arguments.tables.empty() && !listTables(names)) || names.empty())
+        return;
+    message.parseData(names, basePath);
+    requireTables(message, arguments.tables);
 }
 
 // With --create the user and the password are the broker's.
@@ -60,7 +59,20 @@ bool TableSource::open(const Arguments& arguments)
     return false;
 }
 
-// A table that is asked for by its name is not to be missed in silence. Views and their like count too.
+// A table that is asked for by its name is not to be missed in silence. One that has fields is there.
+void TableSource::requireTables(MsgBase& message, const std::vector<CString>& names)
+{
+    std::set<CString> withFields;
+    message.beginEnum();
+    while (const Element* table = message.enumNext())
+        if (table->queryChildren().size() != 0)
+            withFields.insert(table->queryName());
+    for (const CString& name : names)
+        if (const CString table(trimmed(name)); !withFields.contains(table))
+            requireTable(table);
+}
+
+// Views and their like count too.
 void TableSource::requireTable(const CString& name)
 {
     CTables tables(&database);

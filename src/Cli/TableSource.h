@@ -23,6 +23,7 @@ public:
 private:
     void read(MsgBase& message, const Arguments& arguments, const CString& basePath);
     bool open(const Arguments& arguments);
+    void requireTables(MsgBase& message, const std::vector<CString>& names);
     void requireTable(const CString& name);
     bool listTables(CString& names);
 

@@ -42,6 +42,7 @@ int ODBCMessage::parse(const CString& source, const CString& basePath, const CSt
 {
     ProgressMeter progress(Work::tables, static_cast<std::uint64_t>(std::ranges::count(source, '\n')), 1);
     std::uint64_t done = 0;
+    CColumns columns(mainWindow ? mainWindow->queryDatabase() : nullptr);
     QELStringIterator names(source.c_str());
     names.beginEnum('\n');
     QELString name;
@@ -50,15 +51,14 @@ int ODBCMessage::parse(const CString& source, const CString& basePath, const CSt
         if (name.isNull())
             break;
         name.trim();
-        createFromTable(CString(name), basePath);
+        createFromTable(columns, CString(name), basePath);
         progress.step(++done);
     }
     return 1;
 }
 
-void ODBCMessage::createFromTable(const CString& tableName, const CString& basePath)
+void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, const CString& basePath)
 {
-    CColumns columns(mainWindow ? mainWindow->queryDatabase() : nullptr);
     columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
     Element* table = addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
     const SourcePlace place{report.addFile(tableName)};

@@ -4,6 +4,7 @@
 
 #include <optional>
 
+class CColumns;
 class MainWindow;
 
 /// The importer of table definitions. Each table becomes a record, its columns fields; columns of a type that is
@@ -25,7 +26,7 @@ public:
     static MsgUIDescriptor m_descr;
 
 private:
-    void createFromTable(const CString& tableName, const CString& basePath);
+    void createFromTable(CColumns& columns, const CString& tableName, const CString& basePath);
 
     MainWindow* mainWindow; // of the moment in which the importer was made
 };

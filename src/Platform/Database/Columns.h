@@ -3,6 +3,10 @@
 #include "Platform/Database/Recordset.h"
 #include "Platform/Text.h"
 
+#include <set>
+#include <utility>
+#include <vector>
+
 /// The columns of tables, as the catalogue of a data source lists them (SQLColumns).
 class CColumns : public CRecordset
 {
@@ -10,7 +14,8 @@ public:
     explicit CColumns(CDatabase* openOn) : CRecordset(openOn) {}
 
     /// Each text is a name, or null for any; table and column name are patterns, in which "_" stands for a character
-    /// and "%" for any text. 1 when open, 0 when the driver can't list columns; errors are raised.
+    /// and "%" for any text. 1 when open, 0 when the driver can't list columns; errors are raised. For many
+    /// tables use one object: in which databases a server has which tables is asked but once then.
     int Open(const char* qualifier, const char* owner, const char* table, const char* column, UINT type = snapshot);
 
     CString tableQualifier;
@@ -28,4 +33,10 @@ public:
 
 protected:
     void DoFieldExchange(CFieldExchange& exchange) override;
+
+private:
+    std::set<CString> qualifiersOf(const char* table);
+
+    int askedTables = 0;
+    std::vector<std::pair<CString, CString>> listed; // tables and their qualifiers
 };

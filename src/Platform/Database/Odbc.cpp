@@ -166,6 +166,11 @@ unsigned CDatabase::queryInfo(unsigned short question) const
     return answer;
 }
 
+bool CDatabase::hasOwners() const
+{
+    return queryInfo(SQL_OWNER_USAGE) != 0;
+}
+
 void CDatabase::ExecuteSQL(const CString& sql)
 {
     const auto statement = std::make_shared<OpenStatement>(allocateStatement());

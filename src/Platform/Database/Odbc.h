@@ -53,6 +53,9 @@ public:
     /// A number that the driver tells of itself, by ODBC's code of the question; 0 when it doesn't.
     unsigned queryInfo(unsigned short question) const;
 
+    /// Whether tables have owners there, which most databases call schemas.
+    bool hasOwners() const;
+
     /// How long any one statement may take.
     std::chrono::milliseconds patience = std::chrono::seconds(60);
 

@@ -3,8 +3,12 @@
 #include <sql.h>
 #include <sqlext.h>
 
+// A name without an owner is one of the search path to PostgreSQL's driver; without a name, null is any owner to it.
 int CTables::Open(const char* qualifier, const char* owner, const char* table, const char* tableTypes, UINT type)
 {
+    const CDatabase* const database = queryDatabase();
+    if (table && !owner && database && database->hasOwners())
+        owner = "%";
     return openCatalogue({SQL_API_SQLTABLES, "SQLTables", SQLTables},
                          {{argument(qualifier), argument(owner), argument(table), argument(tableTypes)}}, type);
 }
