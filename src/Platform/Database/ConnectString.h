@@ -10,8 +10,10 @@ CString logonText(const CString& user, const CString& password);
 CString dataSourceText(const CString& name);
 
 /// What has to stand in the connection string of a source beside its own words and the logon: time limits, TLS where
-/// the server has it (libpq's variable PGSSLMODE may say otherwise), and that no file is made by only reading.
+/// the server has it (libpq's variable PGSSLMODE may say otherwise; CDBException is raised for what it doesn't know),
+/// and that no file is made by only reading.
 CString connectionWords(const CString& connection, bool onlyReading);
 
-/// A connection string as all drivers read it the same: a data source that is named in braces is named without them.
+/// A connection string as all drivers read it the same: its first data source is named in front, as dataSourceText()
+/// does it, which may raise CDBException; any other is left out.
 CString plainConnection(const CString& connection);
