@@ -72,7 +72,13 @@ SchemaContents::Index SchemaContents::baseOf(Index type)
 {
     const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);
     const Index derivation = content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
-    return set.baseOf(derivation);
+    const SchemaName name = tree.referenceOf(derivation);
+    if (name.local == 0)
+        return 0;
+    const Index base = set.find(SchemaSet::type, name, derivation);
+    if (base == 0 && !set.builtInKind(name))
+        set.note(SourceReport::unresolvedReference, derivation, name.local);
+    return tree[base].tag == SchemaTag::complexType ? base : 0;
 }
 
 void SchemaContents::build(Index type, Index base)

@@ -191,17 +191,6 @@ std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
     return SchemaTree::isSchemaLanguage(name.space) ? ::builtInKind(tree.text(name.local)) : std::nullopt;
 }
 
-SchemaSet::Index SchemaSet::baseOf(Index derivation)
-{
-    const SchemaName name = tree.referenceOf(derivation);
-    if (name.local == 0)
-        return 0;
-    const Index base = find(type, name, derivation);
-    if (base == 0 && !builtInKind(name))
-        note(SourceReport::unresolvedReference, derivation, name.local);
-    return tree[base].tag == SchemaTag::complexType ? base : 0;
-}
-
 void SchemaSet::collectMembers()
 {
     for (const SchemaDocument& document : tree.documents) {

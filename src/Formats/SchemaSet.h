@@ -40,9 +40,6 @@ public:
     /// redefines.
     Index find(Kind kind, SchemaName name, Index from) const;
 
-    /// The complex type that an extension or a restriction is of; 0 for none.
-    Index baseOf(Index derivation);
-
     /// The kind of the type that `name` means when the language has that built in, whatever is declared: the schema of
     /// schemas declares such types too.
     std::optional<SourceTypes::Kind> builtInKind(SchemaName name) const;

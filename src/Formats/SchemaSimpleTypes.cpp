@@ -22,7 +22,7 @@ SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from
     const Index declared = set.find(SchemaSet::type, name, from);
     if (declared == 0)
         set.note(SourceReport::unresolvedReference, from, name.local);
-    return {declared, valueOfKind(SourceTypes::kindText)};
+    return {declared, {}};
 }
 
 /// The restriction or extension that says what the text of a type is; 0 when none does.
@@ -30,32 +30,9 @@ SchemaSimpleTypes::Index SchemaSimpleTypes::derivationOf(Index type) const
 {
     if (tree[type].tag == SchemaTag::simpleType)
         return tree.childOf(type, SchemaTag::restriction);
-    const Index content = tree.childOf(type, SchemaTag::simpleContent);
-    return content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
-}
-
-bool SchemaSimpleTypes::isMixed(Index complexType)
-{
-    std::vector<Index> chain;
-    bool isMixed = false;
-    for (Index at = complexType; at != 0 && !isMixed; at = extendedBy(at)) {
-        const auto [known, isNew] = mixed.try_emplace(at);
-        if (isNew)
-            known->second = saysMixed(at);
-        isMixed = known->second;
-        if (!isNew) // or one that extends itself
-            break;
-        chain.push_back(at);
-    }
-    for (const Index at : chain)
-        mixed[at] = isMixed;
-    return isMixed;
-}
-
-/// The complex type that one extends; 0 for none.
-SchemaSimpleTypes::Index SchemaSimpleTypes::extendedBy(Index complexType)
-{
-    return set.baseOf(tree.childOf(tree.childOf(complexType, SchemaTag::complexContent), SchemaTag::extension));
+    if (const Index content = tree.childOf(type, SchemaTag::simpleContent); content != 0)
+        return tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
+    return tree.childOf(tree.childOf(type, SchemaTag::complexContent), SchemaTag::extension);
 }
 
 bool SchemaSimpleTypes::saysMixed(Index complexType) const
@@ -67,8 +44,6 @@ bool SchemaSimpleTypes::saysMixed(Index complexType) const
 
 SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
 {
-    if (tree[type].tag == SchemaTag::complexType && derivationOf(type) == 0)
-        return {isMixed(type)};
     waiting.assign(1, type);
     while (!waiting.empty()) {
         const Index top = waiting.back();
@@ -114,13 +89,21 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::valueOf(const Part& part) const
     if (part.type == 0)
         return part.value;
     const auto known = values.find(part.type);
-    if (known == values.end() || known->second.firstConstant == kInHand || !known->second.isThere)
-        return valueOfKind(SourceTypes::kindText);
-    return known->second;
+    return known == values.end() || known->second.firstConstant == kInHand ? Value() : known->second;
+}
+
+/// The text of a complex type that doesn't hold text alone: between its elements, or as in what it extends.
+SchemaSimpleTypes::Value SchemaSimpleTypes::inherit(Index complexType) const
+{
+    if (saysMixed(complexType))
+        return {true, SourceTypes::kindText, true};
+    return parts.empty() ? Value() : valueOf(parts.front());
 }
 
 SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
 {
+    if (tree[type].tag == SchemaTag::complexType && tree.childOf(type, SchemaTag::simpleContent) == 0)
+        return inherit(type);
     Value value = valueOfKind(SourceTypes::kindText);
     if (const Index derivation = derivationOf(type); derivation != 0)
         value = narrow(parts.empty() ? value : valueOf(parts.front()), derivation);
@@ -128,6 +111,8 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
         value = unite(type);
     else if (const Index list = tree.childOf(type, SchemaTag::list); list != 0)
         set.note(SourceReport::listType, type);
+    value.isThere = true;
+    value.isMixed = false;
     // Those of the schema language itself are nobody's types.
     const bool isNamed = tree[type].tag == SchemaTag::simpleType && tree[type].hasName() &&
                          !SchemaTree::isSchemaLanguage(tree.documentOf(type).space);

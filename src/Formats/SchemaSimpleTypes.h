@@ -14,6 +14,7 @@ public:
     {
         bool isThere = false; ///< false for a complex type that holds no text
         SourceTypes::Kind kind = SourceTypes::kindText;
+        bool isMixed = false;            ///< it stands between elements
         Index named = 0;                 ///< the type that lists the constants; 0 where it has no name
         std::uint32_t firstConstant = 0; ///< for an enumeration
         std::uint32_t constantCount = 0;
@@ -29,9 +30,6 @@ public:
         return std::span(constants).subspan(value.firstConstant, value.constantCount);
     }
 
-    /// True when text may stand between the elements of a complex type: by what it says, or that which it extends.
-    bool isMixed(Index complexType);
-
 private:
     struct Part // of which a type is made: another one, or a value that is known
     {
@@ -42,7 +40,7 @@ private:
     static constexpr std::uint32_t kInHand = ~0U; // as the first constant: the value is still to come
 
     bool saysMixed(Index complexType) const;
-    Index extendedBy(Index complexType);
+    Value inherit(Index complexType) const;
     void collectParts(Index type);
     Index derivationOf(Index type) const;
     Part partNamed(SchemaName name, Index from);
@@ -55,7 +53,6 @@ private:
     SchemaSet& set;
     const SchemaTree& tree;
     std::unordered_map<Index, Value> values; // also of those in hand, which count as text
-    std::unordered_map<Index, bool> mixed;   // by complex type
     std::vector<NameTable::Id> constants;
     std::vector<std::uint32_t> constantSeen; // by name: the list in hand when it was met
     std::uint32_t constantLists = 0;

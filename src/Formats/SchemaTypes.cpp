@@ -123,7 +123,8 @@ SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index ho
         return known->second;
     const SchemaNode& node = tree[complexType];
     const SchemaNode& named = node.hasName() ? node : tree[node.parent];
-    if (!simple.of(complexType).isThere && contents.of(complexType).empty())
+    const Value text = simple.of(complexType);
+    if (!text.isThere && contents.of(complexType).empty())
         return known->second;
     const std::uint32_t said = node.documentation != 0 ? node.documentation : named.documentation;
     const SourceTypes::Index record =
@@ -132,7 +133,7 @@ SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index ho
     pending.push_back({complexType, record});
     if (node.is(SchemaNode::isAbstract))
         set.note(SourceReport::abstractType, complexType);
-    if (simple.isMixed(complexType))
+    if (text.isMixed)
         set.note(SourceReport::mixedContent, complexType);
     return known->second = {SourceTypes::kindRecord, record};
 }

@@ -188,6 +188,10 @@ const Rule kRules[] = {
                                                 "</simpleContent>")
          TYPE("B", "<simpleContent><extension base='decimal'><attribute name='a'/></extension></simpleContent>"),
      "r(value:Number a:String b:String) B(value:Number a:String)"},
+    {"ExtensionOfSimpleContentByAttributesAlone",
+     ROOT("<complexContent><extension base='t:B'><attribute name='b'/></extension></complexContent>")
+         TYPE("B", "<simpleContent><extension base='decimal'><attribute name='a'/></extension></simpleContent>"),
+     "r(value:Number a:String b:String) B(value:Number a:String)"},
     {"TypeExtendsItself",
      "<element name='r' type='t:A'/>" TYPE("A", EXTENSION("t:B", SEQUENCE("<element name='a'/>")))
          TYPE("B", EXTENSION("t:A", SEQUENCE("<element name='b'/>"))),
