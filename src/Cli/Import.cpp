@@ -68,7 +68,8 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     return output.finish() ? kDone : kNotWritten;
 }
 
-// What a source refers to and what isn't there, the import goes on without.
+// What a source refers to and what isn't there, the import goes on without. For a full reading that is everyday
+// (entities of a catalogue, documents on a network): there only who asks for all is told of it without a report.
 void nameMissing(const SourceReport& report, Diagnostics& diagnostics)
 {
     for (const SourceReport::Entry& entry : report.queryEntries())
@@ -99,7 +100,8 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
         tables.import(message, arguments, basePath, diagnostics);
     else
         message.parseFile(files.front(), basePath);
-    nameMissing(message.queryReport(), diagnostics);
+    if (!arguments.full.isWanted || arguments.verbosity == Verbosity::verbose)
+        nameMissing(message.queryReport(), diagnostics);
     diagnostics.finish();
     const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)

@@ -54,6 +54,9 @@ class Memory(unittest.TestCase):
     def test_dtd(self):
         self.check("dtd", EXAMPLES / "order.dtd")
 
+    def test_dtd_in_full(self):
+        self.check("dtd", "--full", EXAMPLES / "catalog.dtd")
+
     def test_xml(self):
         self.check("xml", EXAMPLES / "order.xml")
 
