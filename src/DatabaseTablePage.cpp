@@ -29,7 +29,7 @@ void DatabaseTablePage::OnInitDialog()
     group->setFocusProxy(tableList); // the group's letter leads there
     auto* rows = new QVBoxLayout(group);
     rows->addWidget(tableList);
-    rows->insertWidget(0, new ListFilter(*tableList, "tables")); // above, but behind the list for Tab
+    rows->insertWidget(0, new ListFilter(*tableList, "table")); // above, but behind the list for Tab
     (new QVBoxLayout(this))->addWidget(group);
 }
 

@@ -3,7 +3,6 @@
 #include "DiagramWindow.h"
 #include "Formats/ReportText.h"
 #include "KindMark.h"
-#include "Platform/Progress.h"
 #include "Platform/Ui/ListFilter.h"
 #include "Platform/Ui/ListView.h"
 #include "Platform/Ui/UiText.h"
@@ -18,6 +17,7 @@
 #include <QAction>
 #include <QHBoxLayout>
 #include <QHideEvent>
+#include <QLabel>
 #include <QPushButton>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -42,13 +42,19 @@ EditPage::EditPage() : QELPage(IDD_EDIT, "Typeforge - Generated types", IDS_EDIT
 void EditPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
+    wayOut = new QLabel(this); // the first for Tab, where it is shown, so that nobody misses it
+    wayOut->setObjectName("wayOut");
+    wayOut->setWordWrap(true);
+    wayOut->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    wayOut->setFocusPolicy(Qt::StrongFocus);
     auto* column = new QVBoxLayout(this);
+    column->addWidget(wayOut);
     column->addWidget(makeLists(), 1);
     column->addLayout(makeButtons());
     readingRow = new ReadingRow;
     connect(readingRow, &ReadingRow::mainElementChosen, this, &EditPage::chooseMain);
     connect(readingRow, &ReadingRow::detailsWanted, this, &EditPage::showReport);
-    column->insertWidget(0, readingRow); // above, but behind the list for Tab
+    column->insertWidget(1, readingRow); // above, but behind the list for Tab
     addMenuRow("&View ...", &EditPage::OnEdit);
     addMenuRow("View in a &window of Typeforge", &EditPage::showDocument);
     addMenuRow("&Picture ...", &EditPage::showPicture);
@@ -64,7 +70,7 @@ QWidget* EditPage::makeLists()
     auto* column = new QVBoxLayout(list);
     column->setContentsMargins({});
     column->addWidget(typeList);
-    column->insertWidget(0, new ListFilter(*typeList, "types")); // above, but behind the list for Tab
+    column->insertWidget(0, new ListFilter(*typeList, "type")); // above, but behind the list for Tab
     pane = new StructurePane;
     pane->hide();
     connect(pane, &StructurePane::jumped, this, &EditPage::jumpTo);
@@ -107,6 +113,10 @@ void EditPage::addMenuRow(const QString& text, void (EditPage::*action)())
 
 void EditPage::OnSetActive()
 {
+    // What only the full reading knows has left the literal one without a type.
+    const CString uses = wizard->message->beginEnum() == 0 ? wizard->usesOfFull(wizard->script.source) : "";
+    wayOut->setText(tr("Read it in full, by the check box on the page before: it uses %1.").arg(toUi(uses)));
+    wayOut->setHidden(uses.empty());
     readingRow->showReading(*wizard->message, wizard->fullMessage());
     showTypes();
 }
@@ -135,12 +145,9 @@ void EditPage::chooseMain(const CString& name)
 {
     clear(); // the elements go
     wizard->fullMessage()->setRoot(name);
-    try {
-        wizard->importFile(wizard->options.queryInputFile());
-    } catch (const Cancelled&) {
-        sheet()->back(); // there are no types left to look at
-        return;
-    }
+    const auto import = [this]() -> LRESULT { return wizard->importFile(wizard->options.queryInputFile()) ? 0 : -1; };
+    if (sheet()->ask(import) == -1)
+        return sheet()->back(); // there are no types left to look at
     readingRow->showCount(*wizard->fullMessage());
     showTypes();
 }

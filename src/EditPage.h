@@ -10,6 +10,7 @@
 
 class ListView;
 class QHBoxLayout;
+class QLabel;
 class QPushButton;
 class ReadingRow;
 class StructurePane;
@@ -49,6 +50,7 @@ private:
     void clear();
     void view(const CString& name, const CString& text, DocumentWindow::Kind kind);
 
+    QLabel* wayOut = nullptr;
     ReadingRow* readingRow = nullptr;
     ListView* typeList = nullptr;
     StructurePane* pane = nullptr;

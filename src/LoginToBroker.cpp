@@ -126,21 +126,29 @@ void LoginToBroker::OnSetActive()
 
 void LoginToBroker::OnLogonTrusted()
 {
+    isSuggested = false;
     passwordEdit->setEnabled(false);
     userCombo->setEnabled(false);
 }
 
 void LoginToBroker::OnLogonBroker()
 {
+    isSuggested = false;
     passwordEdit->setEnabled(true);
     userCombo->setEnabled(true);
 }
 
-// The local repository asks nobody who he is.
+// The local repository asks nobody who he is. Where the name goes on, as "localhost", what was chosen before comes
+// back.
 void LoginToBroker::suggestLogon(const QString& typed)
 {
-    if (typed == "local")
+    if (typed != "local") {
+        if (isSuggested)
+            brokerButton->click();
+    } else if (!trustedButton->isChecked()) {
         trustedButton->click();
+        isSuggested = true;
+    }
 }
 
 LRESULT LoginToBroker::OnWizardNext()

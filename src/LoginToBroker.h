@@ -56,4 +56,5 @@ private:
     CString password;
     CString user;
     LogonKind logonSel = LogonKind::none;
+    bool isSuggested = false; // the trusted logon, by the server's name
 };

@@ -3,6 +3,7 @@
 #include "DataSourceLogon.h"
 #include "Formats/ImporterChoice.h"
 #include "Platform/Database/ConnectString.h"
+#include "Platform/Files/File.h"
 #include "Platform/Secret.h"
 #include "Platform/Ui/CoverText.h"
 #include "Platform/Ui/DraggedFiles.h"
@@ -10,6 +11,7 @@
 #include "Platform/Ui/UiText.h"
 #include "Platform/Ui/WaitCursor.h"
 #include "Resources/StringTable.h"
+#include "Utils/FileMessage.h"
 #include "Utils/QELApp.h"
 #include "WindowLayout.h"
 
@@ -117,12 +119,20 @@ FullMessage* QELWizard::fullMessage() const
     return dynamic_cast<FullMessage*>(message.get());
 }
 
+CString QELWizard::usesOfFull(const CString& fileName) const
+{
+    const std::unique_ptr<const FullMessage> full(fullMessage() ? nullptr : message->queryDescriptor()->createFull());
+    return full ? full->queryUses(fileName) : CString();
+}
+
 void QELWizard::openFiles(const QStringList& files)
 {
     const CString fileName = absoluteName(fromUi(files.front()));
     MsgUIDescriptor* const importer = importerFor(fileName);
     if (importer == nullptr) {
-        theApp.Error(loadText(IDS_SELECT_SOURCE), IDS_ERROR_TITLE, fileName + ": no source that an importer knows");
+        const FileCause cause = testReadable(fileName);
+        const CString reason = cause == FileCause::none ? "No source that an importer knows" : inWords(fileName, cause);
+        theApp.Error(loadText(IDS_SELECT_SOURCE), IDS_ERROR_TITLE, fileName + ": " + reason);
     } else {
         show();
         if (activePage() != &sourcePage || message->queryDescriptor() != importer) {

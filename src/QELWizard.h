@@ -53,6 +53,10 @@ public:
     /// The importer, when it is one that reads its source in full; else null.
     FullMessage* fullMessage() const;
 
+    /// What a file uses that only the full reading of the importer's kind of source knows, in words. "" where that is
+    /// nothing, there is no such reading, or it is the one that was chosen.
+    CString usesOfFull(const CString& fileName) const;
+
     /// Takes the first of the files as the source: chooses its importer and shows the input page with its name filled
     /// in. What can't be taken, and the other files, are named in a message.
     void openFiles(const QStringList& files);

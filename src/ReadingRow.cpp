@@ -1,24 +1,27 @@
 #include "ReadingRow.h"
 
 #include "Formats/FullMessage.h"
+#include "Platform/Ui/ElidedLabel.h"
 #include "Platform/Ui/UiText.h"
 #include "Resources/DialogIds.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 
+#include <algorithm>
+
 ReadingRow::ReadingRow() :
-    mainElementLabel(new QLabel(tr("&Main element:"))), mainElement(new QComboBox), count(new QLabel),
+    mainElementLabel(new QLabel(tr("&Main element:"))), mainElement(new QComboBox), count(new ElidedLabel),
     details(new QPushButton(tr("&Details")))
 {
     mainElement->setObjectName(QString::number(IDC_MAIN_ELEMENT));
     mainElement->setMaxVisibleItems(20);
     mainElement->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    mainElement->setMinimumContentsLength(20);
+    mainElement->setMinimumContentsLength(8);
     mainElementLabel->setBuddy(mainElement);
     count->setObjectName(QString::number(IDC_NOT_CARRIED_OVER));
+    count->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     details->setObjectName(QString::number(IDC_DETAILS));
     connect(mainElement, &QComboBox::activated, this, [this](int index) {
         Q_EMIT mainElementChosen(index == 0 ? CString() : fromUi(mainElement->itemText(index)));
@@ -28,22 +31,29 @@ ReadingRow::ReadingRow() :
     row->setContentsMargins({});
     row->addWidget(mainElementLabel);
     row->addWidget(mainElement);
-    row->addStretch();
-    row->addWidget(count);
+    row->addStretch(); // where there is no count
+    row->addWidget(count, 1);
     row->addWidget(details);
 }
 
 void ReadingRow::showReading(const MsgBase& message, const FullMessage* full)
 {
+    showMainElements(full);
+    showCount(message);
+    setVisible(!mainElement->isHidden() || !details->isHidden());
+}
+
+void ReadingRow::showMainElements(const FullMessage* full)
+{
     mainElement->clear();
-    if (full)
+    if (full) {
         for (const CString& name : full->queryMainTypes())
             mainElement->addItem(toUi(name));
-    showCount(message);
+        mainElement->setCurrentIndex(std::max(0, mainElement->findText(toUi(full->queryRoot()))));
+    }
     const bool isChoice = mainElement->count() > 1;
     mainElementLabel->setVisible(isChoice);
     mainElement->setVisible(isChoice);
-    setVisible(isChoice || message.queryReport().queryPlaced() > 0);
 }
 
 void ReadingRow::showCount(const MsgBase& message)

@@ -32,6 +32,8 @@ Q_SIGNALS:
     void detailsWanted();
 
 private:
+    void showMainElements(const FullMessage* full);
+
     QLabel* mainElementLabel;
     QComboBox* mainElement;
     QLabel* count;

@@ -6,6 +6,7 @@
 #include "Platform/Ui/FileDialog.h"
 #include "QELWizard.h"
 #include "Resources/StringTable.h"
+#include "Utils/FileMessage.h"
 
 #include <QCheckBox>
 
@@ -33,7 +34,7 @@ std::vector<FileFilter> fileFilters()
 class WayOut
 {
 public:
-    WayOut(const MsgUIDescriptor& row, const CString& fileName) : row(row), fileName(fileName) {}
+    WayOut(const QELWizard& wizard, const CString& fileName) : wizard(wizard), fileName(fileName) {}
     ~WayOut() { setMessageBoxHandler(before); }
     WayOut(const WayOut&) = delete;
     WayOut& operator=(const WayOut&) = delete;
@@ -42,15 +43,15 @@ private:
     void show(const CString& text, const CString& title) const
     {
         CString details = queryMessageDetails();
-        const std::unique_ptr<const FullMessage> full(isErrorOfLiteralReading(text) ? row.createFull() : nullptr);
-        if (const CString uses = full ? full->queryUses(fileName) : ""; !uses.empty())
+        const CString uses = isErrorOfLiteralReading(text) ? wizard.usesOfFull(fileName) : CString();
+        if (!uses.empty())
             details = "Read it in full, by the check box on this page: it uses " + uses + ".";
         const MessageBoxHandler own = setMessageBoxHandler(before);
         showMessageBox(text, title, details);
         setMessageBoxHandler(own);
     }
 
-    const MsgUIDescriptor& row;
+    const QELWizard& wizard;
     CString fileName;
     MessageBoxHandler before =
         setMessageBoxHandler([this](const CString& text, const CString& title) { show(text, title); });
@@ -90,11 +91,11 @@ void SourcePage::chooseReading()
 LRESULT SourcePage::OnWizardNext()
 {
     UpdateData(true);
-    if (testReadable(fileName) != FileCause::none)
-        return stay(IDS_SELECT_SOURCE);
+    if (const FileCause cause = testReadable(fileName); cause != FileCause::none)
+        return stay(IDS_SELECT_SOURCE, inWords(fileName, cause));
     wizard->options.addInputFile(fileName);
     chooseReading();
-    const WayOut hint(*wizard->message->queryDescriptor(), fileName);
+    const WayOut hint(*wizard, fileName);
     if (!wizard->importFile(fileName))
         return -1; // the importer has said why
     wizard->options.setEditBack(IDD_SOURCE);

@@ -24,10 +24,13 @@ public:
     /// The boxes since the last call, oldest first.
     std::vector<CString> take() { return std::exchange(texts, {}); }
 
+    CString details; ///< of the last one
+
 private:
     std::vector<CString> texts;
     MessageBoxHandler before = setMessageBoxHandler([this](const CString& text, const CString& title) {
         EXPECT_EQ(title, "Typeforge Error");
         texts.push_back(text);
+        details = queryMessageDetails();
     });
 };

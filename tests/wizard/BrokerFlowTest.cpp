@@ -161,8 +161,14 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
         desk.press(trusted ? IDC_LOGON_TRUSTED : IDC_LOGON_BROKER);
         EXPECT_EQ(password.isEnabled() + user.isEnabled(), trusted ? 0 : 2);
     }
-    QTest::keyClicks(desk.control<QComboBox>(IDC_SERVER).lineEdit(), "local");
+    auto* server = desk.control<QComboBox>(IDC_SERVER).lineEdit();
+    QTest::keyClicks(server, "local");
     EXPECT_FALSE(user.isEnabled());
+    QTest::keyClicks(server, "host");
+    EXPECT_TRUE(user.isEnabled());
+    desk.press(IDC_LOGON_TRUSTED);
+    QTest::keyClick(server, Qt::Key_Backspace);
+    EXPECT_FALSE(user.isEnabled()); // which was the user's own choice
     desk.click("back");
     EXPECT_EQ(desk.page(), IDD_OUTPUT);
     EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), IDC_TO_BROKER); // what was chosen before

@@ -79,6 +79,7 @@ TEST(LongWork, LetsInputReachNothingButItsCancel)
         auto& field = *desk.control<QComboBox>(IDC_INPUT_FILE).lineEdit();
         const QString before = field.text();
         field.setFocus();
+        const int width = desk.wizard().width();
         const Watcher watcher(desk, [&] {
             QTest::keyClicks(&field, "typed");
             desk.click("next");
@@ -90,6 +91,7 @@ TEST(LongWork, LetsInputReachNothingButItsCancel)
         EXPECT_THROW(desk.wizard().runLong(countTables), Cancelled);
         EXPECT_THAT(watcher.text, testing::MatchesRegex("Reading tables: 1,[0-9]{3} of 5,000"));
         EXPECT_EQ(field.text(), before);
+        EXPECT_EQ(desk.wizard().width(), width); // no wider for good
         EXPECT_EQ(desk.page(), IDD_SOURCE);
         EXPECT_TRUE(field.hasFocus() || desk.wizard().focusWidget() == field.parentWidget());
         EXPECT_TRUE(desk.wizard().findChild<QPushButton*>("next")->isDefault());
@@ -240,8 +242,12 @@ TEST(LongWork, GoesOnToTheResultsOfACreationThatStops)
     dead.left = 10;
     desk.click("back");
     {
-        const Watcher watcher(
-            desk, [&] { pressEscape(desk); }, &dead);
+        const auto* bar = desk.wizard().findChild<QWidget*>("progressBar");
+        const auto cancel = [&] {
+            EXPECT_TRUE(bar->isVisible()); // the page's own isn't yet
+            pressEscape(desk);
+        };
+        const Watcher watcher(desk, cancel, &dead);
         create(dead);
     }
     EXPECT_EQ(desk.page(), IDD_LOGIN);

@@ -13,6 +13,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QHeaderView>
+#include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
@@ -20,6 +21,7 @@
 #include <QTextEdit>
 #include <QTimer>
 #include <QUrl>
+#include <QVBoxLayout>
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -93,6 +95,13 @@ TEST(SourcePage, BrowsesFromTheFolderOfTheFile)
     EXPECT_EQ(desk.wizard().options.queryInputFile(), "order.dtd");
 
     desk.click("back");
+    desk.wizard().options.setInputFolder(desk.dir.path());
+    desk.click("back");
+    desk.click("next");
+    desk.type(IDC_INPUT_FILE, "in/order.dtd"); // whose folder becomes the current one
+    answerFileDialog("");
+    desk.press(IDC_BROWSE);
+    EXPECT_EQ(desk.text(IDC_INPUT_FILE) + desk.wizard().options.queryInputFolder(), desk.source + desk.dir.path("in"));
     const std::string start = desk.dir.path("start");
     for (const auto& [file, folder, current] :
          {std::tuple{"/order.dtd", "/", std::string("/")}, {"/no/such/order.dtd", "/no/such", start}}) {
@@ -133,14 +142,18 @@ TEST(SourcePage, StaysWhereAnImportFails)
     desk.importer = "XML data importer";
     desk.walkTo(IDD_SOURCE);
     ::mkfifo(desk.dir.path("in/pipe").c_str(), 0600);
-    for (const CString& file : {desk.dir.path("in/pipe"), desk.dir.write("in/broken.xml", "<a>\n<b></a>")}) {
+    Texts details;
+    for (const CString& file : {desk.dir.path("in/pipe"), desk.dir.path("in"), CString("/no/such/file"),
+                                desk.dir.write("in/broken.xml", "<a>\n<b></a>")}) {
         desk.type(IDC_INPUT_FILE, file);
         desk.click("next");
+        details.push_back(desk.boxes.details);
     }
+    EXPECT_EQ(details, (Texts{"The system refuses it", "Is a directory", "No such file or directory", ""}));
     desk.wizard().message = std::make_unique<Thrower>();
     desk.click("next");
     EXPECT_EQ(desk.boxes.take(),
-              (Texts{"Select source message",
+              (Texts{"Select source message", "Select source message", "Select source message",
                      "Error on line 2, column 8.\nError text is 'Opening and ending tag mismatch: b line 2 and a'.",
                      "what it says"}));
     EXPECT_EQ(desk.page(), IDD_SOURCE);
@@ -151,8 +164,6 @@ TEST(SourcePage, StaysWhereAnImportFails)
 TEST(SourcePage, OffersTheFullReading)
 {
     Desk desk;
-    CString details;
-    const MessageBoxHandler before = setMessageBoxHandler([&details](auto&&...) { details = queryMessageDetails(); });
     desk.importer = "XML Schema importer";
     desk.source = desk.dir.write("in/a.xsd", "<schema xmlns='http://www.w3.org/2001/XMLSchema' targetNamespace='t'>"
                                              "<element name='a' type='string'/></schema>");
@@ -161,9 +172,10 @@ TEST(SourcePage, OffersTheFullReading)
     EXPECT_TRUE(full.isVisible() && !full.isChecked());
     desk.type(IDC_INPUT_FILE, desk.source);
     desk.click("next");
-    setMessageBoxHandler(before);
     EXPECT_EQ(desk.page(), IDD_SOURCE);
-    EXPECT_THAT(details, testing::MatchesRegex("Read it in full, by the check box on this page: it uses a target.*"));
+    EXPECT_EQ(desk.boxes.take().size(), 1u);
+    EXPECT_THAT(desk.boxes.details,
+                testing::MatchesRegex("Read it in full, by the check box on this page: it uses a target.*"));
     full.click();
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_EDIT);
@@ -258,12 +270,27 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     QTest::keyClick(&main, Qt::Key_Down);
     ASSERT_EQ(list.rowCount(), 2);
     EXPECT_EQ(list.cell(0, 0) + " " + list.cell(1, 0), "c b");
+    desk.click("next");
+    desk.click("back");
+    EXPECT_EQ(main.currentText(), "b");
     QTest::keyClick(&main, Qt::Key_Up);
     EXPECT_EQ(list.rowCount(), 3);
-    desk.click("back");
+    EXPECT_LE(desk.wizard().activePage()->minimumSizeHint().width(), 500); // half of a small screen
+    std::filesystem::rename(desk.source, desk.dir.path("in/gone"));
+    QTest::keyClick(&main, Qt::Key_Down); // the import fails, and leaves nothing to go on with
+    EXPECT_EQ(desk.boxes.take(), Texts{"Can't open file " + desk.source + ", error = 2"});
+    EXPECT_EQ(desk.page(), IDD_SOURCE);
+    std::filesystem::rename(desk.dir.path("in/gone"), desk.source);
     desk.press(IDC_FULL_READING);
     desk.click("next");
     EXPECT_FALSE(main.isVisible() || desk.control<QWidget>(IDC_DETAILS).isVisible());
+    const auto* wayOut = desk.wizard().activePage()->findChild<QLabel*>("wayOut");
+    EXPECT_FALSE(wayOut->isVisible());
+    desk.dir.write("in/a.dtd", "<!ENTITY % a 'x'>");
+    desk.click("back");
+    desk.click("next");
+    EXPECT_TRUE(wayOut->isVisible());
+    EXPECT_EQ(wayOut->text(), "Read it in full, by the check box on the page before: it uses parameter entities.");
 }
 
 // View files by a name that is relative while they are made, and an output file that isn't whole yet.
@@ -333,7 +360,7 @@ TEST(List, FiltersSortsAndCopies)
     const std::pair<const char*, const char*> cells[] = {{"b", ""}, {"A", ""}, {"c", "like b"}};
     for (const Arrangement& row : kArrangements) {
         ListView list({{"Name", 50}, {"Description", 50}}, "Rows");
-        ListFilter filter(list, "rows");
+        ListFilter filter(list, "row");
         list.setRows(3, [&](int at, int column) { return column == 0 ? cells[at].first : cells[at].second; });
         list.show();
         list.activateWindow();
@@ -350,6 +377,43 @@ TEST(List, FiltersSortsAndCopies)
         EXPECT_EQ(QApplication::clipboard()->text(), row.shown);
         list.selectRow(0); // also where the filter hides it
         EXPECT_EQ(list.selectedRow(), 0);
+    }
+}
+
+struct Pressed
+{
+    int rows;
+    const char* filter;
+    Qt::Key key; // in the field where a filter is typed, else in the list
+    int selected;
+    const char* count;
+} const kPressed[] = {
+    {1, "", Qt::Key_Down, 0, "1 row"}, {1, "", Qt::Key_End, 0, "1 row"},           {3, "", Qt::Key_Down, 0, "3 rows"},
+    {3, "", Qt::Key_End, 2, "3 rows"}, {3, "1", Qt::Key_Return, 1, "1 of 3 rows"},
+};
+
+// A row that has the keyboard's position, and isn't selected, is the first one that a key selects.
+TEST(List, SelectsByKeyboardAlone)
+{
+    for (const Pressed& row : kPressed) {
+        QWidget window;
+        auto* list = new ListView({{"Name", 50}}, "Rows");
+        auto* filter = new ListFilter(*list, "row");
+        auto* column = new QVBoxLayout(&window);
+        column->addWidget(list);
+        column->addWidget(filter);
+        list->setRows(row.rows, [](int at, int) { return std::to_string(at); });
+        window.show();
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        list->setFocus(Qt::TabFocusReason);
+        if (*row.filter != '\0') {
+            filter->findChild<QLineEdit*>()->setFocus();
+            QTest::keyClicks(QApplication::focusWidget(), row.filter);
+        }
+        QTest::keyClick(QApplication::focusWidget(), row.key);
+        EXPECT_EQ(list->selectedRow(), row.selected) << row.rows;
+        EXPECT_EQ(filter->findChild<QLabel*>("count")->text(), row.count);
     }
 }
 

@@ -14,7 +14,7 @@ ListFilter::ListFilter(ListView& filteredList, const QString& rowNoun) :
 {
     field->setObjectName("filter");
     field->setPlaceholderText("Filter (Ctrl+F)");
-    field->setAccessibleName("Filter for " + noun);
+    field->setAccessibleName("Filter for " + noun + 's');
     field->setAcceptDrops(false); // a file is for the page
     field->setClearButtonEnabled(true);
     field->installEventFilter(this);
@@ -36,7 +36,7 @@ void ListFilter::showCount(const QString& filter)
 {
     field->setText(filter);
     const QLocale locale;
-    const QString all = locale.toString(list.queryCount()) + ' ' + noun;
+    const QString all = locale.toString(list.queryCount()) + ' ' + noun + (list.queryCount() == 1 ? "" : "s");
     count->setText(filter.isEmpty() ? all : locale.toString(list.rowCount()) + " of " + all);
 }
 
@@ -49,8 +49,8 @@ bool ListFilter::eventFilter(QObject*, QEvent* event)
     case Qt::Key_Enter:
     case Qt::Key_Down:
         list.setFocus(Qt::TabFocusReason);
-        if (!list.currentIndex().isValid())
-            list.setCurrentIndex(list.model()->index(0, 0));
+        if (const QModelIndex current = list.currentIndex(); !list.selectionModel()->hasSelection())
+            list.setCurrentIndex(current.isValid() ? current : list.model()->index(0, 0));
         return true;
     case Qt::Key_Escape:
         if (field->text().isEmpty())

@@ -11,7 +11,7 @@ class QLineEdit;
 class ListFilter : public QWidget
 {
 public:
-    /// `noun` is what the rows are, in the plural.
+    /// `noun` is what a row is; its plural ends in s.
     ListFilter(ListView& list, const QString& noun);
 
 protected:

@@ -6,10 +6,12 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -181,6 +183,22 @@ void ListView::setWidths(const QList<int>& widths)
     for (int column = 0; column < header()->count(); ++column)
         setColumnWidth(column, widths[column]);
     sharesWidth = false;
+}
+
+// A row may have the keyboard's position alone. It is the first one that a cursor key selects: where it is the only row
+// there is nowhere to move.
+void ListView::keyPressEvent(QKeyEvent* event)
+{
+    static constexpr int keys[] = {Qt::Key_Up,  Qt::Key_Down,   Qt::Key_Home,
+                                   Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
+    const bool moves = std::find(std::begin(keys), std::end(keys), event->key()) != std::end(keys);
+    if (moves && (event->modifiers() & ~Qt::KeypadModifier) == 0 && !selectionModel()->hasSelection() &&
+        currentIndex().isValid()) {
+        setCurrentIndex(currentIndex());
+        if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)
+            return;
+    }
+    QTreeView::keyPressEvent(event);
 }
 
 void ListView::mousePressEvent(QMouseEvent* event)

@@ -1,20 +1,23 @@
 #include "Platform/Ui/ProgressRow.h"
 
+#include "Platform/Ui/ElidedLabel.h"
+
 #include <QAccessible>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QProgressBar>
 
-ProgressRow::ProgressRow() : text(new QLabel), bar(new QProgressBar)
+ProgressRow::ProgressRow() : text(new ElidedLabel), bar(new QProgressBar)
 {
     setObjectName("progressRow");
     text->setObjectName("progressText");
-    text->setMinimumWidth(text->fontMetrics().averageCharWidth() * 44); // so that the bar keeps its place
+    text->setMaximumWidth(text->fontMetrics().averageCharWidth() * 44);
     bar->setObjectName("progressBar");
     bar->setAccessibleName("Progress");
+    bar->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    bar->setMinimumWidth(text->fontMetrics().averageCharWidth() * 8);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins({});
-    row->addWidget(text);
+    row->addWidget(text, 4); // by shares, so that the bar keeps its place whatever the text is
     row->addWidget(bar, 1);
 }
 

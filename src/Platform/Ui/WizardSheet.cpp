@@ -147,12 +147,12 @@ WizardPage* WizardSheet::activePage() const
 
 void WizardSheet::back()
 {
-    go(ask(&WizardPage::OnWizardBack), -1);
+    go(ask([this] { return activePage()->OnWizardBack(); }), -1);
 }
 
 void WizardSheet::next()
 {
-    go(ask(&WizardPage::OnWizardNext), 1);
+    go(ask([this] { return activePage()->OnWizardNext(); }), 1);
 }
 
 void WizardSheet::finish()
@@ -209,7 +209,7 @@ void WizardSheet::showProgress(const LongWork& inHand, QProgressBar* ownBar)
 {
     const Progress progress = inHand.query();
     const bool isKnown = progress.total != 0;
-    progressRow->setBarVisible(!ownBar);
+    progressRow->setBarVisible(!ownBar || progress.work != Work::creating);
     progressRow->show(inHand.isCancelled() ? "Cancelling ..." : toUi(progressText(progress)),
                       isKnown ? double(progress.done) / double(progress.total) : -1);
     cancelButton->setEnabled(!inHand.isCancelled());
@@ -217,13 +217,14 @@ void WizardSheet::showProgress(const LongWork& inHand, QProgressBar* ownBar)
         ownBar->setValue(static_cast<int>(progress.done));
 }
 
-// The progress takes the place of the other buttons.
+// The progress takes the place of the other buttons. Were both shown for a moment, the window would grow for good.
 void WizardSheet::setNavigation(bool visible)
 {
+    if (visible)
+        progressRow->hide();
     navigation->setVisible(visible);
     helpButton->setEnabled(visible);
     if (visible) {
-        progressRow->hide();
         cancelButton->setEnabled(true);
         QGuiApplication::restoreOverrideCursor();
     } else {
@@ -238,10 +239,10 @@ void WizardSheet::help()
 }
 
 // An exception must not pass through the event loop; what it says is shown and the page stays.
-LRESULT WizardSheet::ask(LRESULT (WizardPage::*handler)())
+LRESULT WizardSheet::ask(const std::function<LRESULT()>& handler)
 {
     try {
-        return (activePage()->*handler)();
+        return handler();
     } catch (const std::exception& error) {
         OnPageError(error);
     } catch (const Cancelled&) {

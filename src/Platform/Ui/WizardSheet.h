@@ -68,9 +68,12 @@ public:
     void next();
     void finish();
 
+    /// Answers what `handler` does, and -1 where that raises something: Cancelled, or what is shown then.
+    LRESULT ask(const std::function<LRESULT()>& handler);
+
     /// Does something that may take long in a thread of its own, and returns when it is done; what it raises is raised
     /// here. After a while a row in place of the buttons tells how far it has come, and Cancel ends it: Cancelled is
-    /// raised then. `ownBar` is a bar of the page's that shows the same.
+    /// raised then. `ownBar` is a bar of the page's that shows the same while types are created.
     void runLong(const std::function<void()>& work, QProgressBar* ownBar = nullptr);
 
     /// Shows the first page when the sheet becomes visible.
@@ -105,7 +108,6 @@ private:
     void showProgress(const LongWork& work, QProgressBar* ownBar);
     void setNavigation(bool visible);
     void layOut();
-    LRESULT ask(LRESULT (WizardPage::*handler)());
     void go(LRESULT answer, int step);
     void activate(int index);
     void settleMnemonics();
