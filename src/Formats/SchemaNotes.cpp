@@ -59,7 +59,7 @@ void SchemaNotes::startElement(XmlName name, XmlAttributes attributes)
     else if (holds(kDeclarations, name.local) && !holds(kPrefixes, name.prefix ? name.prefix : ""))
         report.add(SourceReport::declarationPassedOver, {file, line}, names.back());
     else if (holds(kDeclarations, name.local))
-        noteType(valueOf(attributes, "type"));
+        noteDeclaration(valueOf(attributes, "name"), valueOf(attributes, "type"));
     outline.startElement(name, attributes);
 }
 
@@ -72,8 +72,10 @@ void SchemaNotes::endElement()
 }
 
 // Of the built-in types the literal reading knows decimal and date; the others that are more than text become text.
-void SchemaNotes::noteType(std::string_view type)
+void SchemaNotes::noteDeclaration(std::string_view name, std::string_view type)
 {
+    if (!name.empty() && !isXmlName(name))
+        report.add(SourceReport::impossibleName, {file, line}, name);
     const std::size_t colon = type.find(':');
     const bool isBuiltIn = colon != type.npos && holds(kPrefixes, type.substr(0, colon));
     const std::string_view local = type.substr(isBuiltIn ? colon + 1 : 0);

@@ -31,7 +31,7 @@ private:
         CString name;
     };
 
-    void noteType(std::string_view type);
+    void noteDeclaration(std::string_view name, std::string_view type);
 
     XmlHandler& outline;
     SourceReport& report;

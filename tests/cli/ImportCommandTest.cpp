@@ -117,7 +117,7 @@ TEST_F(ImportCommand, AnswersExactly)
           "f.xsd: warning: read it with --full: it uses a target namespace, a prefix other than xs\n"}},
         {"printf '<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\">\n<xs:include schemaLocation=\"a.xsd\"/>\n"
          "<xs:include schemaLocation=\"http://b/c\"/><xs:element name=\"r\"><xs:complexType><xs:sequence>\n"
-         "<xs:element name=\"n\" type=\"xs:int\"/><xs:element name=\"u\" type=\"U\"/></xs:sequence></xs:complexType>"
+         "<xs:element name=\"n\" type=\"xs:int\"/><xs:element name=\"u v\" type=\"U\"/></xs:sequence></xs:complexType>"
          "</xs:element></xs:schema>' >i.xsd; $import i.xsd -l -v",
          {0, "\\sys\\xml\\r\\r\tr (Automatically created)\n",
           "i.xsd: note: read as a source for xsd\ni.xsd:2: warning: module or document not there: a.xsd\n"
@@ -177,10 +177,11 @@ TEST_F(ImportCommand, AnswersExactly)
          {0,
           R"({"places":[
   {"file":"-","line":4,"construct":"type not known, now text","name":"xs:int"},
+  {"file":"-","line":4,"construct":"name that no document can carry","name":"u v"},
   {"file":"-","line":2,"construct":"module or document not there","name":"a.xsd"},
   {"file":"-","line":3,"construct":"module or document not local","name":"http://b/c"},
   {"file":"-","line":4,"construct":"type not known, now text","name":"U"}],
- "counts":{"type not known, now text":2,"module or document not there":1,"module or document not local":1},
+ "counts":{"type not known, now text":2,"module or document not there":1,"module or document not local":1,"name that no document can carry":1},
  "totals":{"types":1,"fields":2,"typed":0,"text":2}}
 )",
           ""}},
