@@ -348,6 +348,8 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
         {"chmod 777 .; chmod 444 old; $as ./import dtd r.dtd -o old; cat old", {0, "old", refused("old")}},
         {"chmod 0 x.xsd; for how in '' --full; do $as ./import xsd $how s.xsd; done; rm -f s.xsd x.xsd",
          {0, "", denied + denied}},
+        {"chmod 777 .; chmod 666 old; $as ./import dtd r.dtd -l -o old; stat -c '%u %a' old; cat old",
+         {0, std::to_string(geteuid()) + " 666\n" + kList, ""}},
         {"chmod 555 .; chmod 666 old; $as ./import dtd r.dtd -o new", {3, "", refused("new")}},
         {"seq 1000 >old; $as ./import dtd r.dtd -l -o old; cat old", {0, kList, ""}},
         {"printf old >old; $as sh -c 'ulimit -f 1; trap \"\" XFSZ; ./import dtd wide -o old'; cat old; chmod 755 .",
@@ -371,10 +373,11 @@ TEST_F(ImportCommand, TellsHowFarLongWorkHasCome)
     EXPECT_THAT(answer.out, testing::MatchesRegex("(\r\x1b\\[KReading: [01][.][0-9] MB\r)+\r\x1b\\[K")) << answer;
 }
 
-TEST_F(ImportCommand, ReplacesWhatALinkNamesAndKeepsItsPermissions)
+TEST_F(ImportCommand, ReplacesWhatALinkNamesAndKeepsItsOwnerAndPermissions)
 {
     fs::create_symlink("old", folder.path("link"));
-    EXPECT_EQ(run("umask 022; chmod 640 old; $import dtd r.dtd -l -o link; $import dtd r.dtd -l -o new;"
+    EXPECT_EQ(run("umask 022; chmod 640 old; chown 65534:65534 old 2>&-; stat -c %u:%g old >new;"
+                  "$import dtd r.dtd -l -o link; stat -c %u:%g old | cmp - new; $import dtd r.dtd -l -o new;"
                   "readlink link; stat -c %a old new; cat old"),
               (Answer{0, "old\n640\n644\n" + kList, ""}));
 }

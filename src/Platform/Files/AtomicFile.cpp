@@ -1,11 +1,13 @@
 #include "Platform/Files/AtomicFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/mman.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -31,16 +33,40 @@ CString behindLinks(const CString& fileName)
     return target;
 }
 
-// Takes the room that a file needs before any of its bytes is overwritten, so that a full disk leaves it as it was.
+// Who may do what with a file beyond its permissions: its ACL, which a folder may give to new ones too.
+bool hasAcl(const CString& fileName)
+{
+    return ::getxattr(fileName.c_str(), "system.posix_acl_access", nullptr, 0) > 0;
+}
+
+bool appendZeros(int file, off_t from, off_t to)
+{
+    static constexpr char zeros[4096] = {};
+    while (from < to) {
+        const ssize_t written =
+            ::pwrite(file, zeros, std::min(sizeof zeros, static_cast<std::size_t>(to - from)), from);
+        if (written < 0 && errno != EINTR)
+            return false;
+        from += std::max<ssize_t>(written, 0);
+    }
+    return true;
+}
+
+// Takes the room that a file needs before any of its bytes is overwritten, so that a full disk leaves it as it was. A
+// file that may not be read can't be asked where it has room already, so what knows no better way gets zeros at its
+// end.
 bool reserve(int file, off_t size)
 {
     struct stat before = {};
     if (::fstat(file, &before) != 0)
         return false;
-    const int error = size > before.st_size ? ::posix_fallocate(file, 0, size) : 0;
-    if (error != 0 && ::ftruncate(file, before.st_size) == 0)
+    if (size <= before.st_size || ::fallocate(file, 0, 0, size) == 0 ||
+        (errno == EOPNOTSUPP && appendZeros(file, before.st_size, size)))
+        return true;
+    const int error = errno;
+    if (::ftruncate(file, before.st_size) == 0)
         errno = error;
-    return error == 0;
+    return false;
 }
 
 bool copy(int from, int to, off_t size)
@@ -78,19 +104,26 @@ void AtomicFile::open(const CString& fileName, Special special)
         errno = ENOENT;
         return fail();
     }
-    if (!openBeside(replaces ? state.st_mode & 07777 : newFileMode()))
+    out.reset(temporary.create(target.substr(0, target.rfind('/') + 1), ".typeforge-"));
+    const bool isReady = out.isOpen() && (replaces ? takeRights(state) : ::fchmod(out.get(), newFileMode()) == 0);
+    if (!isReady && !(replaces && openMemory()))
         fail();
 }
 
-// What goes over a file where it stands waits in memory until it is whole.
-bool AtomicFile::openBeside(unsigned mode)
+// Whoever had no right on the old file has none on the new one. Owner and group go before the mode, some bits of which
+// they clear.
+bool AtomicFile::takeRights(const struct stat& old) const
 {
-    out.reset(temporary.create(target.substr(0, target.rfind('/') + 1), ".typeforge-"));
-    if (out.isOpen())
-        return ::fchmod(out.get(), mode) == 0;
+    return !hasAcl(target) && !hasAcl(temporary.queryName()) && ::fchown(out.get(), old.st_uid, old.st_gid) == 0 &&
+           ::fchmod(out.get(), old.st_mode & 07777) == 0;
+}
+
+// What goes over a file where it stands waits in memory until it is whole.
+bool AtomicFile::openMemory()
+{
     const int error = errno;
-    if (replaces)
-        out.reset(::memfd_create("typeforge", MFD_CLOEXEC));
+    temporary.remove();
+    out.reset(::memfd_create("typeforge", MFD_CLOEXEC));
     errno = error;
     return out.isOpen();
 }

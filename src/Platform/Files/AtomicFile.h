@@ -6,11 +6,12 @@
 #include "Platform/Text.h"
 
 /// A file that appears whole or not at all: what is written goes into a temporary file beside it, which takes the
-/// name's place on commit(). A symbolic link is followed, an existing file keeps its permissions. Without commit() the
-/// old file is still there, untouched.
+/// name's place on commit(). A symbolic link is followed, an existing file keeps its owner, group and permissions.
+/// Without commit() the old file is still there, untouched.
 ///
-/// An existing file that can't be replaced, since its folder may not be written or something is mounted on it, is
-/// overwritten where it stands; only then, and only by a fault of the disk, it can be left in part.
+/// An existing file that can't be replaced so, since its folder may not be written, something is mounted on it, its
+/// owner or group is for others to give, or an ACL says more, is overwritten where it stands; only then, and only by a
+/// fault of the disk, it can be left in part.
 class AtomicFile
 {
 public:
@@ -36,14 +37,15 @@ public:
 
 private:
     void open(const CString& fileName, Special special);
-    bool openBeside(unsigned mode);
+    bool takeRights(const struct stat& old) const;
+    bool openMemory();
     void fail();
     void flush();
     bool place();
     bool overwrite() const;
 
     CString target;          // where the file goes, links followed; empty when it is written directly
-    TemporaryFile temporary; // beside the target; not there when the folder doesn't take one
+    TemporaryFile temporary; // beside the target; not there for what is overwritten where it stands
     bool replaces = false;   // there is a file that may be written
     CString buffer;          // gathers small writes
     Descriptor out;

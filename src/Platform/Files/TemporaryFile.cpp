@@ -55,10 +55,11 @@ void TemporaryFile::deleteAll() noexcept
         ::unlink(file->name.c_str());
 }
 
-TemporaryFile::~TemporaryFile()
+void TemporaryFile::remove()
 {
     if (isMade)
         ::unlink(name.c_str());
+    isMade = false;
     forget();
 }
 
