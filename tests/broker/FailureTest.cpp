@@ -129,10 +129,12 @@ TEST_F(Postgres, FailsInItsOwnWords)
     EXPECT_EQ(kNoConnection, session.open("127.0.0.1;Database=postgres", 1, nullptr));
 
     execute("CREATE ROLE \"ärmel\" SUPERUSER LOGIN PASSWORD 'a'; CREATE ROLE \"Anna\" SUPERUSER LOGIN PASSWORD 'a'");
-    const std::pair<const char*, const char*> users[] = {
-        {"ÄRMEL", ""}, {"ärmel", ""}, {"Anna", ""}, {"ANNA", kLoginFailed}, {"anna", kLoginFailed}};
+    execute("CREATE ROLE otto LOGIN PASSWORD 'a'; CREATE ROLE \"OTTO\" SUPERUSER LOGIN PASSWORD 'a'");
+    const std::pair<const char*, const char*> users[] = {{"ÄRMEL", ""}, {"ärmel", ""},          {"Anna", ""},
+                                                         {"OTTO", ""},  {"anna", kLoginFailed}, {"ANNA", kLoginFailed}};
     for (const auto& [user, failure] : users)
         EXPECT_EQ(failure, open(session, user, "a")) << user;
+    EXPECT_NE(CString::npos, session.queryDescription().find("failed for user \"ANNA\""));
     execute("DROP TABLE typeforge_types");
 
     const CString denied = "Repository Error (ERROR: permission denied for ";

@@ -218,6 +218,7 @@ TEST(LongWork, GoesOnToTheResultsOfACreationThatStops)
     CDatabase owner;
     owner.Open(server.connection("postgres"), CDatabase::readWrite, server.logon());
     owner.ExecuteSQL("CREATE DATABASE typeforge");
+    owner.ExecuteSQL("CREATE ROLE \"TYPEFORGE\" SUPERUSER LOGIN PASSWORD '" + server.password + "'"); // found at once
     long bytes = 0; // of the answers to a whole creation; the first one makes the table too
     for (int run = 0; run < 2; ++run) {
         Line whole(server.port);

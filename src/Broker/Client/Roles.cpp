@@ -55,12 +55,12 @@ std::vector<CString> rolesOf(const CString& user)
 {
     const Utf8Locale utf8;
     std::wstring letters = widen(user);
-    std::vector<CString> roles;
-    if (std::ranges::none_of(letters, [](wint_t c) { return std::towupper(c) != c; })) {
-        std::ranges::transform(letters, letters.begin(), std::towlower);
-        roles = {letters.empty() ? user : narrow(letters), lowerAscii(user)};
-    }
-    roles.push_back(user);
-    roles.erase(std::unique(roles.begin(), roles.end()), roles.end());
+    std::vector<CString> roles = {user};
+    if (std::ranges::any_of(letters, [](wint_t c) { return std::towupper(c) != c; }))
+        return roles;
+    std::ranges::transform(letters, letters.begin(), std::towlower);
+    for (const CString& folded : {narrow(letters), lowerAscii(user)})
+        if (!folded.empty() && folded != roles.back())
+            roles.push_back(folded);
     return roles;
 }

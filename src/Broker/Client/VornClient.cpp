@@ -114,11 +114,15 @@ public:
         return attempt([&] {
             const Secret secret{password};
             VornResult result = VornResult::failed;
+            CString reason; // of the role that was named
             for (const CString& role : rolesOf(user)) {
                 const Secret logon{logonText(role, secret.text)};
                 result = connect(logon.text, connection);
                 if (result != VornResult::failed)
                     break;
+                if (reason.empty())
+                    reason = queryDescription();
+                describe(reason.c_str());
             }
             return result;
         });
