@@ -8,6 +8,7 @@ import socket
 import sqlite3
 import subprocess
 import tempfile
+import time
 import unittest
 
 IMPORT = os.environ["TYPEFORGE_BUILD"] + "/typeforge-import"
@@ -111,6 +112,24 @@ class Create(unittest.TestCase):
                 said = said if said == left else "".join(question % name for name in said)
                 self.assertEqual((status, "a %s\nr %s\n" % (a, r), said), self.run_import(
                     *create, *["--overwrite", overwrite] if overwrite else [], answers=answers))
+
+    def test_a_lock_of_another_program_is_waited_for_once(self):
+        self.run_import("pair.dtd", "--create", "local")
+        tables = self.folder + "/tables.db"
+        with self.start("pair.dtd", "--create", "local", "--overwrite", "ask") as running:
+            question = ""
+            while not question.endswith("[x]: "):
+                question += running.stderr.read(1)
+            for name in tables, self.folder + "/typeforge/types.db":
+                other = sqlite3.connect(name, isolation_level=None)
+                self.addCleanup(other.close)
+                other.execute("BEGIN EXCLUSIVE")
+            start = time.monotonic()
+            with subprocess.Popen([IMPORT, "odbc", "Driver=SQLite3;Database=" + tables], stderr=subprocess.PIPE, text=True) as reading:
+                reason = "[SQLite]database is locked (5) (SQLSTATE S1000)\n"
+                self.assertEqual("a - creation error\n%sr - creation error\n%s" % (reason, reason), running.communicate("a\n")[0])
+                self.assertEqual("Driver=SQLite3;Database=%s: error: %s" % (tables, reason), reading.communicate()[1])
+            self.assertLess(time.monotonic() - start, 18)  # it is 10 s, and 10 s more for each further one
 
     def test_types_are_created_whether_or_not_their_lines_are_read(self):
         lost = "typeforge-import: can't write standard output: %s\n"

@@ -1,6 +1,5 @@
 #include "Broker/Client/TypeStore.h"
 
-#include <optional>
 #include <utility>
 
 namespace {
@@ -71,9 +70,16 @@ TypeStore::TypeStore(std::shared_ptr<CDatabase> open) : database(std::move(open)
 
 TypeStore::Outcome TypeStore::store(const CString& name, const char* document, bool overwrite)
 {
-    CStatement& statement = overwrite ? *upsert : *insert;
-    const CStatement::Rows revisions = statement.execute({name, document});
-    if (revisions.empty())
-        return exists;
-    return revisions[0][0] == "0" ? created : replaced;
+    if (busy)
+        throw *busy;
+    try {
+        const CStatement::Rows revisions = (overwrite ? *upsert : *insert).execute({name, document});
+        if (revisions.empty())
+            return exists;
+        return revisions[0][0] == "0" ? created : replaced;
+    } catch (const CDBException& error) {
+        if (isBusy(*database, error))
+            busy = error;
+        throw;
+    }
 }
