@@ -12,8 +12,8 @@
 #include <QLabel>
 #include <QLineEdit>
 
-DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const CString& reason) :
-    QDialog(parent), userEdit(new QLineEdit), passwordEdit(new QLineEdit)
+DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const CString& reason, const CString& user) :
+    QDialog(parent), userEdit(new QLineEdit(toUi(user))), passwordEdit(new QLineEdit)
 {
     keepOutOfCores();
     setObjectName("DataSourceLogon");
@@ -33,9 +33,11 @@ DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const C
     form->addRow("&Password:", passwordEdit);
     form->addRow(buttons);
     setMinimumWidth(fontMetrics().averageCharWidth() * 60);
+    if (!user.empty())
+        passwordEdit->setFocus();
 }
 
-bool DataSourceLogon::ask(CString& logon)
+bool DataSourceLogon::ask(CString& user, CString& logon)
 {
     const bool confirmed = exec() == Accepted;
     Secret password;
@@ -43,6 +45,7 @@ bool DataSourceLogon::ask(CString& logon)
     if (!confirmed)
         return false;
     wipe(logon);
-    logon = logonText(fromUi(userEdit->text()), password.text);
+    user = fromUi(userEdit->text());
+    logon = logonText(user, password.text);
     return true;
 }

@@ -10,12 +10,12 @@ class QLineEdit;
 class DataSourceLogon : public QDialog
 {
 public:
-    /// `reason` is the driver's text for the logon that was refused.
-    DataSourceLogon(QWidget* parent, const CString& source, const CString& reason);
+    /// `reason` is the driver's text for the logon that was refused, `user` the one that it was refused to, if any.
+    DataSourceLogon(QWidget* parent, const CString& source, const CString& reason, const CString& user);
 
-    /// Shows the dialog. True when the user has confirmed it; `logon` is then what CDatabase::Open() takes, and holds
-    /// the password.
-    bool ask(CString& logon);
+    /// Shows the dialog. True when the user has confirmed it; `user` is then the one that was typed, and `logon` what
+    /// CDatabase::Open() takes, with the password.
+    bool ask(CString& user, CString& logon);
 
 private:
     QLineEdit* userEdit;

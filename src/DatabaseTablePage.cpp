@@ -67,7 +67,7 @@ LRESULT DatabaseTablePage::OnWizardNext()
         return -1;
     const WaitCursor wait;
     CString names;
-    wizard->script = {wizard->script.source, wizard->options.queryPath()};
+    wizard->script = {wizard->script.source, wizard->options.queryPath(), wizard->script.sourceUser};
     for (const int row : selected) {
         wizard->script.tables.push_back(tableList->cell(row, 0));
         names += wizard->script.tables.back() + '\n';

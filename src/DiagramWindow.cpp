@@ -3,13 +3,13 @@
 #include "DiagramScene.h"
 #include "DiagramView.h"
 #include "Formats/TypeStructure.h"
+#include "Platform/Ui/ElidedLabel.h"
 #include "Platform/Ui/UiText.h"
 #include "Platform/Ui/WaitCursor.h"
 #include "SaveFile.h"
 
 #include <QBuffer>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
@@ -51,7 +51,7 @@ void renderPng(QGraphicsScene& scene, QIODevice& out)
 } // namespace
 
 DiagramWindow::DiagramWindow(QWidget* owner, const TypeStructure& structure, std::uint32_t type) :
-    QWidget(owner, Qt::Window), name(toUi(shortName(structure.queryFullName(type)))), status(new QLabel)
+    QWidget(owner, Qt::Window), name(toUi(shortName(structure.queryFullName(type)))), status(new ElidedLabel)
 {
     const WaitCursor wait;
     setObjectName("diagramWindow");
@@ -73,6 +73,7 @@ DiagramWindow::DiagramWindow(QWidget* owner, const TypeStructure& structure, std
     view->setAccessibleDescription(count);
     auto* column = new QVBoxLayout(this);
     column->addWidget(view);
+    column->addWidget(status);
     column->addLayout(makeButtonRow());
     new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
     const QSize wanted(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36);
@@ -83,7 +84,7 @@ DiagramWindow::DiagramWindow(QWidget* owner, const TypeStructure& structure, std
 QHBoxLayout* DiagramWindow::makeButtonRow()
 {
     auto* row = new QHBoxLayout;
-    row->addWidget(status, 1);
+    row->addStretch();
     const auto addButton = [&](const char* objectName, const QString& title, const QString& tip, auto action) {
         auto* button = new QPushButton(title);
         button->setObjectName(objectName);

@@ -1,5 +1,6 @@
 #include "DocumentWindow.h"
 
+#include "Platform/Ui/ElidedLabel.h"
 #include "Platform/Ui/UiText.h"
 #include "Platform/Ui/WaitCursor.h"
 #include "SaveFile.h"
@@ -43,7 +44,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
                                const QString& note, Kind documentKind) :
     QWidget(owner, Qt::Window),
     name(typeName), document(typeDocument), kind(documentKind), text(new QPlainTextEdit), findEdit(new QLineEdit),
-    status(new QLabel(note))
+    status(new ElidedLabel(note))
 {
     const WaitCursor wait; // many thousand constants take a second to colour
     setObjectName("documentWindow");
@@ -63,6 +64,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     auto* column = new QVBoxLayout(this);
     column->addLayout(makeFindRow());
     column->addWidget(text);
+    column->addWidget(status);
     column->addLayout(makeButtonRow());
     new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
     const QSize wanted(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 30);
@@ -102,8 +104,7 @@ QHBoxLayout* DocumentWindow::makeButtonRow()
 {
     auto* row = new QHBoxLayout;
     status->setObjectName("status");
-    status->setTextFormat(Qt::PlainText);
-    row->addWidget(status, 1);
+    row->addStretch();
     const auto addButton = [&](const char* objectName, const QString& title, const QString& tip, auto action) {
         auto* button = new QPushButton(title);
         button->setObjectName(objectName);

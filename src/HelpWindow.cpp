@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QTextBrowser>
 #include <QVBoxLayout>
@@ -49,7 +50,8 @@ HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser(new
     connect(browser, &QTextBrowser::backwardAvailable, back, &QPushButton::setEnabled);
     connect(browser, &QTextBrowser::forwardAvailable, forward, &QPushButton::setEnabled);
     connect(browser, &QTextBrowser::sourceChanged, this, [this] { setWindowTitle(browser->documentTitle()); });
-    resize(fontMetrics().averageCharWidth() * 100, fontMetrics().height() * 38);
+    const QSize wanted(fontMetrics().averageCharWidth() * 100, fontMetrics().height() * 38);
+    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // what is left is for the frame
 }
 
 void HelpWindow::showTopic(int topic)

@@ -1,24 +1,22 @@
 #include "Overwrite.h"
 
+#include "Platform/Ui/MessageTexts.h"
 #include "Platform/Ui/UiText.h"
 #include "Resources/DialogIds.h"
 #include "Utils/QELApp.h"
 
 #include <QGridLayout>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 
-OverWriteDlg::OverWriteDlg(CWnd* owner) : QDialog(owner), question(new QLabel)
+#include <algorithm>
+
+OverWriteDlg::OverWriteDlg(CWnd* owner) : QDialog(owner)
 {
     setObjectName(QString::number(IDD_OVERWRITE));
     setWindowTitle("Overwrite confirmation");
-    setMinimumWidth(fontMetrics().averageCharWidth() * 213 / 4); // 213 dialog units
-    question->setObjectName(QString::number(IDC_OVERWRITE_TEXT));
-    question->setTextFormat(Qt::PlainText);
-    question->setWordWrap(true);
     auto* grid = new QGridLayout(this);
-    grid->addWidget(question, 0, 0, 1, 4);
     grid->setRowStretch(0, 1);
     addButton(IDC_YES, "&Yes", &OverWriteDlg::OnYes);
     addButton(IDC_YES_TO_ALL, "Yes to &all", &OverWriteDlg::OnYestoall);
@@ -40,7 +38,13 @@ void OverWriteDlg::addButton(int id, const char* label, void (OverWriteDlg::*han
 
 int OverWriteDlg::DoModal()
 {
-    question->setText(toUi(text));
+    auto* question = new MessageTexts(toUi(text), {}); // which breaks a long name, and scrolls where it is too long yet
+    question->setObjectName(QString::number(IDC_OVERWRITE_TEXT));
+    static_cast<QGridLayout*>(layout())->addWidget(question, 0, 0, 1, 4);
+    setAccessibleDescription(toUi(text));
+    const QSize room = screen()->availableSize();
+    const int letter = fontMetrics().averageCharWidth(); // 4 dialog units
+    question->fitInto(letter * 213 / 4, std::min(letter * 80, room.width() * 8 / 10), room.height() / 2);
     return exec();
 }
 

@@ -5,8 +5,6 @@
 
 #include <QDialog>
 
-class QLabel;
-
 /// Asks whether a type that exists is to be replaced.
 class OverWriteDlg : public QDialog
 {
@@ -30,6 +28,4 @@ protected:
 private:
     void addButton(int id, const char* label, void (OverWriteDlg::*handler)());
     void answer(OverwriteChoice newChoice);
-
-    QLabel* question;
 };

@@ -109,7 +109,8 @@ bool QELWizard::openDatabase()
                 throw;
             reason = error.what();
         }
-        if (!DataSourceLogon(activePage(), script.source, reason).ask(logon.text))
+        CString& user = script.sourceUser;
+        if (!DataSourceLogon(activePage(), script.source, reason, user).ask(user, logon.text))
             return false;
     }
 }

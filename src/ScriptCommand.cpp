@@ -39,8 +39,10 @@ CString ScriptCommand::text(const MsgBase& message) const
     if (const auto* full = dynamic_cast<const FullMessage*>(&message))
         line += " --full" + option("--root", full->queryRoot());
     line += option("--output", output);
-    if (output.empty())
+    if (output.empty()) // the only user that the command takes is then the broker's
         line += option("--create", address) + option("--user", user) + option("--overwrite", overwrite);
+    else
+        line += option("--user", sourceUser);
     return line;
 }
 

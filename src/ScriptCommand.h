@@ -12,6 +12,7 @@ struct ScriptCommand
 {
     CString source; ///< a file by its name from the root, or a data source
     CString basePath = {};
+    CString sourceUser = {}; ///< who was logged on to the data source; empty: nobody had to be
     std::vector<CString> tables = {};
     CString output = {};    ///< the file that was written, by its name from the root; empty: created in the broker
     CString address = {};   ///< of the broker

@@ -1,11 +1,12 @@
 #include "Broker/IVorn.h"
+#include "Overwrite.h"
 #include "Platform/Files/SettingsStore.h"
 #include "wizard/Desk.h"
 
 #include <QClipboard>
-#include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
+#include <QTextEdit>
 #include <QTimer>
 #include <gmock/gmock.h>
 
@@ -63,7 +64,7 @@ public:
                 return;
             EXPECT_EQ(dialog->windowTitle(), "Overwrite confirmation");
             EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::ArrowCursor);
-            questions.push_back(dialog->findChild<QLabel*>("1050")->text().toStdString());
+            questions.push_back(dialog->findChild<QTextEdit*>()->toPlainText().toStdString());
             const int button = answers.at(questions.size() - 1);
             if (button == 0)
                 dialog->close();
@@ -172,6 +173,20 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
     desk.click("back");
     EXPECT_EQ(desk.page(), IDD_OUTPUT);
     EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), IDC_TO_BROKER); // what was chosen before
+}
+
+TEST(OverwriteDialog, ShowsTheWholeOfALongName)
+{
+    OverWriteDlg dialog(nullptr);
+    dialog.text = CString(400, 'x') + " already exists.\nOverwrite?";
+    QTimer::singleShot(0, &dialog, [&dialog] {
+        const auto& text = *dialog.findChild<QTextEdit*>();
+        EXPECT_EQ(text.toPlainText().toStdString(), dialog.text);
+        EXPECT_LE(text.document()->size().height(), text.height());
+        EXPECT_LE(dialog.width(), 640);
+        dialog.close();
+    });
+    dialog.DoModal();
 }
 
 TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)

@@ -45,7 +45,7 @@ protected:
         list(id).selectRow(row);
         desk.click("next");
     }
-    // Answers the logon dialogs that come up, one after the other; an empty user cancels.
+    // Answers the logon dialogs that come up, one after the other; an empty password cancels.
     void answerLogons(const std::vector<std::pair<CString, CString>>& answers, std::size_t at = 0)
     {
         QTimer::singleShot(5, &desk.wizard(), [=, this] {
@@ -57,7 +57,7 @@ protected:
                 answerLogons(answers, at + 1);
             QTest::keyClicks(dialog.findChild<QLineEdit*>("1101"), user.c_str());
             QTest::keyClicks(dialog.findChild<QLineEdit*>("1102"), password.c_str());
-            const auto button = user.empty() ? QDialogButtonBox::Cancel : QDialogButtonBox::Ok;
+            const auto button = password.empty() ? QDialogButtonBox::Cancel : QDialogButtonBox::Ok;
             dialog.findChild<QDialogButtonBox*>()->button(button)->click();
         });
     }
@@ -106,9 +106,17 @@ TEST_F(DatabaseFlow, AsksForTheLogonShowsTheDriversWordsAndGoesOn)
     answerLogons({{"", ""}});
     choose(IDC_DATA_SOURCES, 2);
     EXPECT_EQ(desk.page(), IDD_DATA_SOURCE) << "the user has cancelled";
-    answerLogons({{server.user, "wrong"}, {server.user, server.password}});
+    answerLogons({{server.user, "wrong"}, {"", server.password}}); // the user stands there yet
     choose(IDC_DATA_SOURCES, 2);
     EXPECT_EQ(rowsOf(IDC_TABLES), "t|TABLE|postgres|public|\n");
+    choose(IDC_TABLES, 0);
+    desk.walkTo(IDD_FINISH);
+    EXPECT_EQ(desk.wizard().activePage()->findChild<QLineEdit*>("command")->text().toStdString(),
+              "typeforge-import odbc Server --table=t --output=" + desk.output + " --user=" + server.user);
+    desk.click("back");
+    desk.click("next");
+    answerLogons({{server.user, server.password}});
+    choose(IDC_DATA_SOURCES, 2);
     server.stop();
     choose(IDC_TABLES, 0);
     EXPECT_EQ(desk.boxes.take().size(), 1U);

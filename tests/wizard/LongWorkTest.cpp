@@ -1,6 +1,7 @@
 #include "Platform/Ui/LongWork.h"
 
 #include "Platform/Progress.h"
+#include "Platform/ProgressText.h"
 #include "Platform/Ui/ModalBox.h"
 #include "Utils/QELApp.h"
 #include "support/Servers.h"
@@ -126,6 +127,11 @@ TEST(LongWork, ShowsItsBoxesInTheWindowAndNothingWhenItIsQuick)
     EXPECT_EQ(shown, "0150500");
     setMessageBoxHandler(recorder);
     EXPECT_THROW(desk.wizard().runLong([] { throw std::runtime_error("x"); }), std::runtime_error);
+}
+
+TEST(LongWork, SaysHowMuchInUnitsThatFit)
+{
+    EXPECT_EQ(progressText({Work::reading, 300, 1'234'567}), "Reading: 1 kB of 1.2 MB");
 }
 
 TEST(LongWork, LeavesTheSourcePageWithAnEmptyImporter)

@@ -154,6 +154,11 @@ TEST(TypeWindow, FindsRoundTheEndsAndCopies)
         desk.window<QAbstractButton>(button)->click();
         seen.push_back(std::to_string(text.textCursor().selectionStart()) + status.text().toStdString());
     }
+    const int width = desk.window<QWidget>("documentWindow")->minimumSizeHint().width();
+    EXPECT_LE(width, 450); // of a small screen, twice its size
+    desk.window<QLineEdit>("find")->setText(QString(180, 'x'));
+    desk.window<QAbstractButton>("findNext")->click();
+    EXPECT_EQ(desk.window<QWidget>("documentWindow")->minimumSizeHint().width(), width);
     desk.window<QLineEdit>("find")->setText("no such");
     desk.window<QAbstractButton>("findNext")->click();
     seen.push_back(status.text().toStdString());
@@ -170,6 +175,7 @@ TEST(PictureOfTypes, IsZoomedMovedAndSaved)
     desk.select(desk.list().rowCount() - 1);
     desk.button("showPicture").click();
     auto& view = *desk.window<QGraphicsView>("picture");
+    EXPECT_LE(desk.window<QWidget>("diagramWindow")->minimumSizeHint().width(), 450);
     const QTransform own = view.transform();
     QTest::keyClicks(&view, "++");
     EXPECT_DOUBLE_EQ(view.transform().m11(), own.m11() * 1.5625);

@@ -10,14 +10,13 @@ ProgressRow::ProgressRow() : text(new ElidedLabel), bar(new QProgressBar)
 {
     setObjectName("progressRow");
     text->setObjectName("progressText");
-    text->setMaximumWidth(text->fontMetrics().averageCharWidth() * 44);
     bar->setObjectName("progressBar");
     bar->setAccessibleName("Progress");
     bar->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     bar->setMinimumWidth(text->fontMetrics().averageCharWidth() * 8);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins({});
-    row->addWidget(text, 4); // by shares, so that the bar keeps its place whatever the text is
+    row->addWidget(text, 3); // by shares, so that the bar keeps its place whatever the text is
     row->addWidget(bar, 1);
 }
 
