@@ -35,11 +35,11 @@ class DatabaseRoad(WizardTest):
         port, user, password = self.postgres(*TABLES)
         self.to_data_sources("[S]\nDriver=PostgreSQL Unicode\nServername=127.0.0.1\nDatabase=postgres\nPort=" + port)
         refused = None
-        for attempt in ("wrong", password):
+        for fields in ((user, "wrong"), (password,)):  # the user stands there yet
             wait_until("the logon", lambda: self.window("Log on to S") not in ("", refused))
             self.expect_title("Log on to S")
             refused = self.window("Log on to S")
-            self.type(user, attempt)
+            self.type(*fields)
             self.key("Return")
         self.check("DSN=S;UID=%s;PWD={%s};" % (user, password.replace("}", "}}")))
 
