@@ -42,15 +42,3 @@ Arena::Arena() :
         return &memory;
     }())
 {}
-
-std::string_view Arena::keep(std::initializer_list<std::string_view> pieces)
-{
-    std::size_t size = 0;
-    for (const std::string_view piece : pieces)
-        size += piece.size();
-    char* const text = static_cast<char*>(allocate(size, 1));
-    char* end = text;
-    for (const std::string_view piece : pieces)
-        end += piece.copy(end, piece.size());
-    return {text, size};
-}

@@ -13,5 +13,16 @@ public:
 
     /// A copy of a text, or of one in pieces, that lasts as long as the arena or until release().
     std::string_view keep(std::string_view text) { return keep({text}); }
-    std::string_view keep(std::initializer_list<std::string_view> pieces);
+
+    std::string_view keep(std::initializer_list<std::string_view> pieces)
+    {
+        std::size_t size = 0;
+        for (const std::string_view piece : pieces)
+            size += piece.size();
+        char* const text = static_cast<char*>(allocate(size, 1));
+        char* end = text;
+        for (const std::string_view piece : pieces)
+            end += piece.copy(end, piece.size());
+        return {text, size};
+    }
 };
