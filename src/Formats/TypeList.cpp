@@ -31,7 +31,6 @@ void TypeList::clear()
 
 bool TypeList::refersToListed(const Element& element)
 {
-    prefetch(element.queryChildren());
     for (const Element* child : element.queryChildren()) {
         if (!child->hasKnownType())
             continue;

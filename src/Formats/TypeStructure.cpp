@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr std::uint32_t kAhead = 4; // how far ahead the memory of elements is asked for
-
 CString asWritten(CString text)
 {
     return isXmlText(text) ? std::move(text) : toXmlText(text);
@@ -150,10 +148,6 @@ void TypeStructure::collectUsers()
     std::vector<std::uint32_t> lastUser(size(), kNone);
     firstUser.assign(size() + 1, 0);
     for (std::uint32_t user = 0; user < size(); ++user) {
-        if (user + 2 * kAhead < size())
-            __builtin_prefetch(&(*this)[user + 2 * kAhead]);
-        if (user + kAhead < size())
-            prefetch((*this)[user + kAhead].queryChildren());
         forEachUse(user, [&](std::uint32_t used) {
             if (used == kNone || std::exchange(lastUser[used], user) == user)
                 return;
