@@ -72,10 +72,7 @@ void FilePage::OnPickfile()
 // The folder follows the file name, whether it has just been chosen or was there before.
 void FilePage::takeFolder()
 {
-    if (fileName.find('/') != CString::npos) {
-        if (fileName.front() != '/')
-            fileName = absoluteName(fileName); // the folder that it starts from is left below
-        const std::size_t slash = fileName.rfind('/');
+    if (const std::size_t slash = fileName.rfind('/'); slash != CString::npos) {
         setFolder(fileName.substr(0, std::max<std::size_t>(slash, 1)));
         folderText = enterFolder();
     }
