@@ -273,7 +273,7 @@ std::vector<std::uint32_t> SchemaSet::includedDocuments() const
 
 void SchemaSet::note(SourceReport::Construct construct, Index node, NameTable::Id name)
 {
-    notes.push_back({node, construct, name});
+    notes.emplace_back(node, construct, name);
     if (notes.size() < manyNotes)
         return;
     sortNotes();

@@ -7,6 +7,7 @@
 #include <array>
 #include <map>
 #include <span>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -80,14 +81,7 @@ private:
         Index redefine;  // the one whose document is being read, when that is a redefine
     };
 
-    struct Note
-    {
-        Index node;
-        SourceReport::Construct construct;
-        NameTable::Id name;
-
-        auto operator<=>(const Note&) const = default;
-    };
+    using Note = std::tuple<Index, SourceReport::Construct, NameTable::Id>; // of a node, and how it is called
 
     using Names = std::unordered_map<std::uint64_t, Index>;
 
