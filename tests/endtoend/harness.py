@@ -62,7 +62,7 @@ class WizardTest(unittest.TestCase):
             os.environ, HOME=self.home, XDG_CONFIG_HOME=self.home + "/config", XDG_DATA_HOME=self.home + "/data",
             XDG_RUNTIME_DIR=self.home, TMP=self.home, ODBCINI=self.home + "/odbc.ini", SOURCE_DATE_EPOCH="1700000000",
             QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8",
-            LSAN_OPTIONS="print_suppressions=0:suppressions=" + HERE + "/leaks.supp")
+            LSAN_OPTIONS="print_suppressions=0:fast_unwind_on_malloc=0:suppressions=" + HERE + "/leaks.supp")
         pathlib.Path(self.home, "odbc.ini").touch()
 
     def start(self, page="Introduction"):
