@@ -47,10 +47,11 @@ CString contentOf(const TypeStructure& structure, std::uint32_t type)
 
 bool holdsTypes(MsgBase& message)
 {
-    bool hasAny = message.beginEnum() > 0;
-    while (const Element* type = hasAny ? message.enumNext() : nullptr)
-        hasAny = !type->queryName().empty();
-    return hasAny;
+    message.beginEnum();
+    while (const Element* type = message.enumNext())
+        if (!type->queryName().empty())
+            return true;
+    return false;
 }
 
 void writeList(MsgBase& message, Output& output)
