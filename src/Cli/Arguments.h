@@ -30,9 +30,6 @@ struct Arguments
     ReportOptions report;
     LogonOptions logon;
     CreateOptions create;
-
-    /// The status where what was asked for could not be done.
-    int failed() const { return diff.empty() ? kFailed : kUsage; } // with --diff 1 is no failure
 };
 
 /// Reads the command line. When there is nothing to import (help, version, a mistake) everything that there is to say

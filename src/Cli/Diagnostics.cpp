@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <utility>
 
+ExitStatus failedStatus = kFailed;
+
 namespace {
 
 constexpr std::size_t kMaxWarnings = 20;

@@ -14,6 +14,10 @@ enum ExitStatus : int
     kNotCreated = 4 ///< some of the types
 };
 
+/// The status of what could not be done: kFailed, or with --diff, where 1 is no failure, kUsage. The command line sets
+/// it.
+extern ExitStatus failedStatus;
+
 /// How much is said on standard error.
 enum class Verbosity
 {

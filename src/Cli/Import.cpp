@@ -26,9 +26,7 @@ CString basePathOf(const Arguments& arguments, MsgBase& importer)
 // too.
 Element* findType(MsgBase& message, const CString& name)
 {
-    const auto isNamed = [&](const CString& text) {
-        return text == name || (!isXmlText(text) && toXmlText(text) == name);
-    };
+    const auto isNamed = [&](const CString& text) { return text == name || toXmlText(text) == name; };
     Element* byFullName = nullptr;
     message.beginEnum();
     while (Element* type = message.enumNext()) {
@@ -161,7 +159,7 @@ int runImport(const Arguments& arguments)
     Diagnostics diagnostics(shownSource(files.front()), arguments.verbosity);
     const MsgUIDescriptor* const importer = arguments.importer ? arguments.importer : importerOf(files, diagnostics);
     if (!importer)
-        return arguments.failed();
+        return failedStatus;
     if (const CString mistake = mistakeFor(arguments, *importer); !mistake.empty())
         return reportMistake(mistake);
     if (const CString file = fileOfTwoEnds(arguments, files); !file.empty())
@@ -171,9 +169,9 @@ int runImport(const Arguments& arguments)
     const bool isThere = importSources(*message, *importer, arguments, files, tables, diagnostics);
     const bool isReported = writeReport(*message, arguments.report);
     if (!isThere)
-        return arguments.failed();
+        return failedStatus;
     if (!isReported)
-        return arguments.diff.empty() ? kNotWritten : arguments.failed();
+        return arguments.diff.empty() ? kNotWritten : failedStatus;
     if (!arguments.create.address.empty())
         return createTypes(*message, arguments.create, arguments.logon, arguments.verbosity);
     return writeResult(*message, arguments, diagnostics);

@@ -10,8 +10,6 @@
 
 namespace {
 
-int statusOfFailure = kFailed;
-
 [[noreturn]] void endWithReport()
 {
     try {
@@ -20,7 +18,7 @@ int statusOfFailure = kFailed;
     } catch (const std::exception& error) {
         report(wordsOf(error));
         TemporaryFile::deleteAll();
-        _exit(statusOfFailure);
+        _exit(failedStatus);
     }
     std::abort();
 }
@@ -39,13 +37,13 @@ int main(int argc, char** argv)
     takeClosedStreams();
     for (const char* argument : std::span(argv, static_cast<std::size_t>(argc)))
         if (std::string_view(argument).starts_with("--diff"))
-            statusOfFailure = kUsage; // 1 says that something differs
+            failedStatus = kUsage; // 1 says that something differs
     try {
         Arguments arguments;
         int exitStatus = kDone;
         return parseArguments(argc, argv, arguments, exitStatus) ? runImport(arguments) : exitStatus;
     } catch (const std::exception& error) {
         report(wordsOf(error));
-        return statusOfFailure;
+        return failedStatus;
     }
 }

@@ -76,7 +76,6 @@ private:
 
     void push(DTDEntities::Text& text);
     void pop();
-    bool refer(const char* name);
     void leaveDoctype();
     void skipComment();
     void skipInstruction();

@@ -8,11 +8,6 @@
 
 namespace {
 
-CString asWritten(CString text)
-{
-    return isXmlText(text) ? std::move(text) : toXmlText(text);
-}
-
 bool holdsComponent(const Element& element)
 {
     return element.queryType() == Element::typeTable || element.queryType() == Element::typeArray;
@@ -30,7 +25,7 @@ TypeStructure::TypeStructure(MsgBase& message)
     const auto count = static_cast<std::size_t>(message.beginEnum());
     index.reserve(count);
     while (const Element* element = message.enumNext()) {
-        types.push_back({element, size(), asWritten(element->queryPath() + element->queryName())});
+        types.push_back({element, size(), toXmlText(element->queryPath() + element->queryName())});
         index.store(&types.back());
     }
     numberElements();
@@ -73,7 +68,7 @@ std::vector<TypePart> TypeStructure::parts(std::uint32_t type) const
 {
     const Element& element = (*this)[type];
     if (holdsComponent(element))
-        return {{TypePart::component, {}, {}, asWritten(element.queryComponentType())}};
+        return {{TypePart::component, {}, {}, toXmlText(element.queryComponentType())}};
     std::vector<TypePart> parts;
     parts.reserve(element.queryChildren().size());
     const bool isRecord = element.queryType() == Element::typeRow;
@@ -81,11 +76,11 @@ std::vector<TypePart> TypeStructure::parts(std::uint32_t type) const
     for (const Element* child : element.queryChildren()) {
         if (!isRecord)
             parts.push_back(
-                {TypePart::constant, asWritten(child->queryName()), asWritten(child->queryDescription()), {}});
+                {TypePart::constant, toXmlText(child->queryName()), toXmlText(child->queryDescription()), {}});
         else if (child->isField())
-            parts.push_back({TypePart::field, asWritten(child->queryFieldName()),
-                             asWritten(CString(child->queryFieldDescription(description))),
-                             asWritten(CString(child->queryFieldType(element, typeName)))});
+            parts.push_back({TypePart::field, toXmlText(child->queryFieldName()),
+                             toXmlText(child->queryFieldDescription(description)),
+                             toXmlText(child->queryFieldType(element, typeName))});
     }
     return parts;
 }
@@ -171,7 +166,7 @@ std::span<const std::uint32_t> TypeStructure::users(std::uint32_t type) const
 TypeContent TypeStructure::contentOf(std::string_view typeName) const
 {
     constexpr std::size_t kDeepest = 16; // levels of tables in tables; more are of no use to anybody who looks
-    TypeContent content{asWritten(CString(typeName)), find(typeName), {}};
+    TypeContent content{toXmlText(typeName), find(typeName), {}};
     std::vector<std::uint32_t> passed;
     while (content.type != kNone && passed.size() < kDeepest) {
         const Element& element = (*this)[content.type];
@@ -179,7 +174,7 @@ TypeContent TypeStructure::contentOf(std::string_view typeName) const
             break;
         passed.push_back(content.type);
         content.repeats += element.queryType() == Element::typeTable ? "*" : "[" + element.querySize() + "]";
-        content.typeName = asWritten(element.queryComponentType());
+        content.typeName = toXmlText(element.queryComponentType());
         content.type = find(content.typeName);
     }
     return content;
