@@ -360,7 +360,7 @@ void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHas
     if (child.element)
         addUsage(key, child.element, record);
     else
-        child.element = addElement(key, path, CString(name), Element::typeString, record);
+        child.element = addElement(key, path, name, Element::typeString, record);
     if (mark == modStar || mark == modPlus)
         addUsage(key, child.element, record);
 }

@@ -101,7 +101,7 @@ Element* MsgBase::addElement(const Fingerprint& usageKey, const CString& path, c
     return element;
 }
 
-Element* MsgBase::addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
+Element* MsgBase::addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
                              Element::ElementTypes type, Element* parent)
 {
     const auto [element, isNew] = findOrMake(path, name, type);
@@ -125,7 +125,7 @@ void MsgBase::addUsage(const Fingerprint& usageKey, Element* element, Element* p
         parent->link(element);
 }
 
-std::pair<Element*, bool> MsgBase::findOrMake(const CString& path, const CString& name, Element::ElementTypes type)
+std::pair<Element*, bool> MsgBase::findOrMake(const CString& path, std::string_view name, Element::ElementTypes type)
 {
     const std::uint32_t hash = keyHash(name);
     if (Element* known = mergeByName && !name.empty() ? elements.find(name, hash) : nullptr)
@@ -135,7 +135,7 @@ std::pair<Element*, bool> MsgBase::findOrMake(const CString& path, const CString
     return {element, true};
 }
 
-Element* MsgBase::newElement(const CString& path, const CString& name, Element::ElementTypes type)
+Element* MsgBase::newElement(const CString& path, std::string_view name, Element::ElementTypes type)
 {
     const auto isLast = [&] { // `path` may lack the backslash that the element's has
         return std::string_view(*lastPath).substr(0, path.size()) == path &&

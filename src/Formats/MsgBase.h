@@ -73,7 +73,7 @@ protected:
                         const CString& description, Element::ElementTypes type, Element* parent);
 
     /// The same with the generated description of the name, without making its text.
-    Element* addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
+    Element* addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
                         Element::ElementTypes type, Element* parent);
 
     /// One more occurrence of an element that addElement() has returned before, without looking its name up.
@@ -84,6 +84,9 @@ protected:
 
     /// Makes room for so many usages at once.
     void reserveUsages(std::size_t count) { usages.reserve(count); }
+
+    /// Asks the memory for the place of a usage that is about to be added.
+    void prefetchUsage(const Fingerprint& usageKey) const { usages.prefetch(keyHash(usageKey)); }
 
     /// The import in hand has been cancelled, in parse() or afterwards: all but the model, which is emptied, is to be
     /// as it was before.
@@ -112,8 +115,8 @@ private:
     template <class Import>
     int orEmpty(Import import);
     Element* own(Element* element);
-    std::pair<Element*, bool> findOrMake(const CString& path, const CString& name, Element::ElementTypes type);
-    Element* newElement(const CString& path, const CString& name, Element::ElementTypes type);
+    std::pair<Element*, bool> findOrMake(const CString& path, std::string_view name, Element::ElementTypes type);
+    Element* newElement(const CString& path, std::string_view name, Element::ElementTypes type);
     Element* makeTable(ChildElement& usage, const CString& tableName);
     void makeTables();
 

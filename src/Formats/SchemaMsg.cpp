@@ -87,13 +87,6 @@ void SchemaMessage::passOver(const SchemaOutline& outline, std::uint32_t file)
         report.add(SourceReport::declarationPassedOver, {file, location.line}, location.text);
 }
 
-/// A field that is about to be declared.
-struct SchemaMessage::Field
-{
-    CString name;
-    CString typeName;
-};
-
 int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
 {
     if (queryMainTypeName().empty())
@@ -104,11 +97,10 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
         document.reportUnknownTypes([this](std::string_view type) { return table.find(type) != nullptr; });
     const CString path = baseFolder + table.queryMainType() + "\\";
     reserveUsages(countFields());
-    Field field; // its texts seldom have to grow from one to the next
     for (const SchemaElement* entry : table.queryDeclared())
-        declareRecord(*entry, path, field);
+        declareRecord(*entry, path);
     for (const SchemaElement* entry : table.queryPulled())
-        declareRecord(*entry, path, field);
+        declareRecord(*entry, path);
     return 1;
 }
 
@@ -123,8 +115,9 @@ std::size_t SchemaMessage::countFields() const
     return count;
 }
 
-/// An entry with children becomes a record. Its fields are declared one after the other in `field`.
-void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path, Field& field)
+/// An entry with children becomes a record. All of its fields are known before the first is declared: their usages lie
+/// anywhere in a large table, and so wait for it but once.
+void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path)
 {
     if (!entry.queryChildren())
         return;
@@ -134,33 +127,38 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
     RunningHash key(name);
     Element* record = addElement(key, path, name, Element::typeRow, nullptr);
     key.append(".");
+    fields.clear();
     for (const SchemaElement* child : *entry.queryChildren()) {
+        Field& field = fields.emplace_back();
         getType(mayMiss ? table.find(child->queryKey()) : child, field.typeName, field.name);
-        declareField(field, getModifiers(*child), RunningHash(key).append(field.name), path, record);
+        field.mark = getModifiers(*child);
+        field.usageKey = RunningHash(key).append(field.name);
+        prefetchUsage(field.usageKey);
     }
+    for (const Field& field : fields)
+        declareField(field, path, record);
 }
 
 /// A repeated field is declared twice: MsgBase makes a table of a usage that it has seen more than once.
-void SchemaMessage::declareField(Field& field, Modifiers mark, const Fingerprint& usageKey, const CString& path,
-                                 Element* record)
+void SchemaMessage::declareField(const Field& field, const CString& path, Element* record)
 {
-    const Element::ElementTypes kind = field.typeName.empty() ? Element::typeString : getBrokerType(field.typeName);
-    for (int instances = mark == modStar ? 2 : 1; instances > 0; --instances) {
-        Element* element = addElement(usageKey, path, field.name, kind, record);
-        if (field.typeName.empty())
+    std::string_view typeName = field.typeName;
+    const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName);
+    for (int instances = field.mark == modStar ? 2 : 1; instances > 0; --instances) {
+        Element* element = addElement(field.usageKey, path, field.name, kind, record);
+        if (typeName.empty())
             continue;
-        const bool isOurs = field.typeName != "AnonymousType" && kind != Element::typeString;
-        element->setKnownType(isOurs ? path + field.typeName : "String");
+        const bool isOurs = typeName != "AnonymousType" && kind != Element::typeString;
+        element->setKnownType(isOurs ? path + CString(typeName) : "String");
         element->setType(Element::typeOther);
     }
 }
 
 /// Name and type of a declaration; both are empty when there is none. A repeated one brings no type. Nonzero when there
 /// is a type.
-int SchemaMessage::getType(const SchemaElement* entry, CString& typeName, CString& fieldName)
+int SchemaMessage::getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName)
 {
-    typeName.clear();
-    fieldName.clear();
+    typeName = fieldName = {};
     if (entry) {
         fieldName = entry->queryName();
         if (!removeModifiers(fieldName))
@@ -170,25 +168,24 @@ int SchemaMessage::getType(const SchemaElement* entry, CString& typeName, CStrin
 }
 
 /// Trims `name`; 1 when it then ended with a '*', which is removed.
-int SchemaMessage::removeModifiers(CString& name)
+int SchemaMessage::removeModifiers(std::string_view& name)
 {
-    if (const std::string_view inner = trimmed(name); inner.size() < name.size())
-        name = CString(inner);
+    name = trimmed(name);
     if (!name.ends_with('*'))
         return 0;
-    name.pop_back();
+    name.remove_suffix(1);
     return 1;
 }
 
 /// The kind of a field of this type. The name of a built-in type is emptied: the kind says all. For any other, typeDate
 /// says no more than that it is a type of the schema.
-Element::ElementTypes SchemaMessage::getBrokerType(CString& typeName) const
+Element::ElementTypes SchemaMessage::getBrokerType(std::string_view& typeName) const
 {
     for (const std::string_view prefix : {"xsd:", "xs:"}) {
         if (!typeName.starts_with(prefix))
             continue;
-        const CString builtIn = typeName.substr(prefix.size());
-        typeName.clear();
+        const std::string_view builtIn = typeName.substr(prefix.size());
+        typeName = {};
         if (builtIn == "date")
             return Element::typeDate;
         return builtIn == "decimal" ? Element::typeNumber : Element::typeString;

@@ -34,7 +34,14 @@ private:
         modStar = 1
     };
 
-    struct Field;
+    // A field that is about to be declared. The texts are the documents'.
+    struct Field
+    {
+        Fingerprint usageKey;
+        std::string_view name;
+        std::string_view typeName;
+        Modifiers mark = modNone;
+    };
 
     int import(const CString& source, const CString& basePath, const CString& fileName,
                SchemaTable::Outlines& outlines);
@@ -43,15 +50,16 @@ private:
     void passOver(const SchemaOutline& outline, std::uint32_t file);
     int doParse(const SchemaOutline& outline, const CString& source);
     std::size_t countFields() const;
-    void declareRecord(const SchemaElement& entry, const CString& path, Field& field);
-    void declareField(Field& field, Modifiers mark, const Fingerprint& usageKey, const CString& path, Element* record);
-    static int getType(const SchemaElement* entry, CString& typeName, CString& fieldName);
-    Element::ElementTypes getBrokerType(CString& typeName) const;
+    void declareRecord(const SchemaElement& entry, const CString& path);
+    void declareField(const Field& field, const CString& path, Element* record);
+    static int getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName);
+    Element::ElementTypes getBrokerType(std::string_view& typeName) const;
     static Modifiers getModifiers(const SchemaElement& entry) { return entry.isMarked() ? modStar : modNone; }
-    static int removeModifiers(CString& name);
+    static int removeModifiers(std::string_view& name);
 
     std::deque<SchemaNotes> notes; // of the documents that were read; none where no report is wanted
     SchemaTable table;
     SchemaTable::Names namesBefore; // the import in hand
     CString baseFolder;
+    std::vector<Field> fields; // of the record in hand
 };

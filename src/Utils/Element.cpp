@@ -21,7 +21,7 @@ std::pmr::memory_resource* orOwn(std::pmr::memory_resource* memory)
 
 } // namespace
 
-Element::Element(SharedText path, const CString& name, ElementTypes type, std::pmr::memory_resource* memory) :
+Element::Element(SharedText path, std::string_view name, ElementTypes type, std::pmr::memory_resource* memory) :
     type(type), ownsMemory(!memory), name(name), path(std::move(path)), memory(orOwn(memory))
 {}
 

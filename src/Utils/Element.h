@@ -135,7 +135,7 @@ private:
 
     // For MsgBase, which gives all elements of one folder the same path, and has memory for their lists.
     // Null memory: the element has its own.
-    Element(SharedText path, const CString& name, ElementTypes type, std::pmr::memory_resource* memory);
+    Element(SharedText path, std::string_view name, ElementTypes type, std::pmr::memory_resource* memory);
     Element(const Element& other, std::pmr::memory_resource* memory);
 
     // What most elements don't have.
