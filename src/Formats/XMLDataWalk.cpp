@@ -4,7 +4,9 @@
 
 // The document stands under no element, but has the sequence number 0, which is the root's too: the root's attributes
 // and its children have keys in common.
-XMLDataWalk::XMLDataWalk(SourceReport& report, bool isBody) : report(report), isBody(isBody) {}
+XMLDataWalk::XMLDataWalk(SourceReport& report, bool isBody) :
+    report(report), isBody(isBody), pairs(1), latest(&pairs.front())
+{}
 
 void XMLDataWalk::beginDocument(std::uint32_t number)
 {
@@ -30,10 +32,10 @@ void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
     const bool isRoot = !open.back().item;
     if (isRoot)
         takeRoot(name.prefix ? CString(name.prefix) + ":" + name.local : name.local);
-    Pair& child = pairOf({open.back().item, name.local, false});
+    Pair& child = pairOf(open.back().item, name.local, false);
     occur(child);
     for (std::size_t i = 0; i < attributes.size(); ++i)
-        occur(pairOf({child.item, attributes[i].name.local, true}));
+        occur(pairOf(child.item, attributes[i].name.local, true));
     if (isRoot)
         open.back().item = child.item;
     else
@@ -80,7 +82,7 @@ void XMLDataWalk::beginUsage(Pair& pair)
     Usage& usage = *pair.usage;
     if (isOpen(usage))
         shadowed.emplace_back(&usage, usage);
-    usage = {usage.key, &pair, open.back().sequence, lastMoment, open.size() - 1, kNotKept, false};
+    usage.begin(pair, open.back().sequence, lastMoment, open.size() - 1);
     if (!pair.isLinked)
         keep(usage);
     if (pair.item->firstOnce == Item::kNever)
@@ -130,11 +132,17 @@ void XMLDataWalk::closeNode()
     open.pop_back();
 }
 
-XMLDataWalk::Pair& XMLDataWalk::pairOf(const PairKey& key)
+// Most nodes hold what the last one of their name held, in that order: what comes is likely to be what came last time.
+XMLDataWalk::Pair& XMLDataWalk::pairOf(Item* parent, const char* local, bool isAttribute)
 {
-    const std::uint32_t hash = keyHash(key);
-    Pair* const known = pairsByKey.find(key, hash);
-    return known ? *known : addPair(key, hash);
+    const PairKey key{parent, local, file, isAttribute};
+    Pair*& guess = latest->follower;
+    if (!guess || guess->key != key) {
+        const std::uint32_t hash = keyHash(key);
+        Pair* const known = pairsByKey.find(key, hash);
+        guess = known ? known : &addPair(key, hash);
+    }
+    return *(latest = guess);
 }
 
 XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)

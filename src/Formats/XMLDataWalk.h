@@ -45,6 +45,17 @@ public:
     {
         const Fingerprint& queryKey() const { return key; }
 
+        /// Field by field: a whole one would go through the stack, which has to be waited for at every element.
+        void begin(Pair& newPair, std::uint64_t newSequence, std::uint64_t newMoment, std::size_t newDepth)
+        {
+            pair = &newPair;
+            sequence = newSequence;
+            moment = newMoment;
+            depth = newDepth;
+            declaration = kNotKept;
+            repeats = false;
+        }
+
         Fingerprint key; ///< all but the sequence number
         Pair* pair = nullptr;
         std::uint64_t sequence = 0;
@@ -59,6 +70,7 @@ public:
     {
         Item* parent;
         const char* local; ///< interned, and gone with the parser
+        std::uint32_t document;
         bool isAttribute;
 
         friend bool operator==(const PairKey&, const PairKey&) = default;
@@ -77,7 +89,8 @@ public:
 
         PairKey key;
         Item* item;
-        Usage* usage; ///< of this key; other pairs may have the same
+        Usage* usage;             ///< of this key; other pairs may have the same
+        Pair* follower = nullptr; ///< what came after it last time
         bool isLinked = false;
         bool isKeptRepeated = false; ///< of a body of examples: a declaration of it that repeats is kept
     };
@@ -117,7 +130,7 @@ private:
         std::size_t undecided;
     };
 
-    Pair& pairOf(const PairKey& key);
+    Pair& pairOf(Item* parent, const char* local, bool isAttribute);
     Pair& addPair(const PairKey& key, std::uint32_t hash);
     Item& itemNamed(CString name);
     Usage& usageOf(const Fingerprint& key);
@@ -135,8 +148,9 @@ private:
     CString rootTag;
     std::deque<Item> items;
     KeyedTable<Item, &Item::queryName> itemsByName;
-    std::deque<Pair> pairs;
+    std::deque<Pair> pairs; // behind one that stands before all
     KeyedTable<Pair, &Pair::queryKey, PairKey> pairsByKey;
+    Pair* latest; // the one that was come by last
     std::deque<Usage> usages;
     KeyedTable<Usage, &Usage::queryKey, Fingerprint> usagesByKey;
     std::vector<Node> open; // from the root to the node in hand
