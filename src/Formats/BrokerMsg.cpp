@@ -90,7 +90,7 @@ void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
         getAttribute(constant, "NAME", name);
         getAttribute(constant, "DESCRIPTION", description);
         key.append(".").append(name);
-        addElement(key, type.folder, name, description, Element::typeString, type.element);
+        model.addElement(key, type.folder, name, description, Element::typeString, type.element);
     }
 }
 
@@ -102,7 +102,9 @@ void BrokerMessage::readFields(const IXMLDOMNode& content, const Type& type)
         getAttribute(field, "NAME", name);
         getAttribute(field, "DESCRIPTION", description);
         getAttribute(field, "TYPE", knownType);
-        addElement(RunningHash(prefix).append(name), type.folder, name, description, Element::typeOther, type.element)
+        model
+            .addElement(RunningHash(prefix).append(name), type.folder, name, description, Element::typeOther,
+                        type.element)
             ->setKnownType(knownType);
     }
 }

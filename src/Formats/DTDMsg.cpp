@@ -343,13 +343,13 @@ void DTDMessage::declareRecord(DTDElement& record, const CString& path)
     noteName(record);
     const CString name(record.queryName());
     RunningHash key(name);
-    Element* row = addElement(key, path, name, Element::typeRow, nullptr);
+    Element* row = model.addElement(key, path, name, Element::typeRow, nullptr);
     key.append(".");
     while (DTDElement* child = record.enumNext())
         declareField(*child, path, key, row);
 }
 
-// A mark that repeats is said by declaring the usage twice: the message base makes a table of a usage that it has seen
+// A mark that repeats is said by declaring the usage twice: the model makes a table of a usage that it has seen
 // twice. `usageKey` is what the keys of all fields of the record begin with.
 void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record)
 {
@@ -358,11 +358,11 @@ void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHas
     noteName(child);
     const Fingerprint key = usageKey.append(name);
     if (child.element)
-        addUsage(key, child.element, record);
+        model.addUsage(key, child.element, record);
     else
-        child.element = addElement(key, path, name, Element::typeString, record);
+        child.element = model.addElement(key, path, name, Element::typeString, record);
     if (mark == modStar || mark == modPlus)
-        addUsage(key, child.element, record);
+        model.addUsage(key, child.element, record);
 }
 
 // Reports a name that no element or attribute of a document can have; once, by its first place.

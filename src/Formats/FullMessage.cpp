@@ -92,7 +92,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     // What has no key shares one usage, which stands where the first of it was declared: before the types that the last
     // of it, a field, must come after. So it is left to a type that comes first anyway.
     if (declaring.first)
-        addUsage({}, declaring.first, nullptr);
+        model.addUsage({}, declaring.first, nullptr);
 }
 
 // Settles the main type's name and answers its record, which takes the element's name; a leaf gets one that holds its
@@ -131,7 +131,7 @@ Element* FullMessage::declareType(Declaring& declaring, std::string_view name, s
     declaring.name = name;
     Element* element;
     if (description.empty())
-        element = addElement(name, declaring.path, declaring.name, type, nullptr);
+        element = model.addElement(name, declaring.path, declaring.name, type, nullptr);
     else
         element = addElement(declaring.name, declaring.path, declaring.name, declaring.description.assign(description),
                              type, nullptr);
@@ -163,7 +163,7 @@ void FullMessage::declareEnumeration(Declaring& declaring, Index index)
     const SourceTypes::Enumeration& enumeration = declaring.types.enumerations[index];
     Element* type = declareType(declaring, enumeration.name, enumeration.description, Element::typeEnum);
     for (const std::string_view constant : declaring.types.constantsOf(index))
-        addElement({}, declaring.path, declaring.name.assign(constant), Element::typeString, type);
+        model.addElement({}, declaring.path, declaring.name.assign(constant), Element::typeString, type);
 }
 
 // A table holds its component as its child, or the ordering would put it before that.
@@ -174,7 +174,7 @@ void FullMessage::declareTable(Declaring& declaring, Index index)
     Element* type = declareType(declaring, table.name, {}, Element::typeTable);
     const CString& component = typeName(declaring, table.component);
     type->setKnownType(component);
-    addElement({}, declaring.path, declaring.name, Element::typeOther, type)->setKnownType(component);
+    model.addElement({}, declaring.path, declaring.name, Element::typeOther, type)->setKnownType(component);
 }
 
 // No key: a field that repeats has its table already, and nothing is declared twice.
@@ -183,7 +183,7 @@ void FullMessage::declareField(Declaring& declaring, const SourceTypes::Field& f
     declaring.name = field.name;
     Element* element;
     if (field.description.empty())
-        element = addElement({}, declaring.path, declaring.name, Element::typeOther, record);
+        element = model.addElement({}, declaring.path, declaring.name, Element::typeOther, record);
     else
         element = addElement("", declaring.path, declaring.name, declaring.description.assign(field.description),
                              Element::typeOther, record);

@@ -2,10 +2,8 @@
 
 #include "Formats/MsgUIDescriptor.h"
 #include "Formats/SourceReport.h"
-#include "Formats/TypeList.h"
-#include "Platform/Arena.h"
+#include "Formats/TypeModel.h"
 #include "Platform/MessageBox.h"
-#include "Platform/Progress.h"
 
 #include <functional>
 
@@ -16,8 +14,8 @@ class MsgBase
 {
 public:
     /// 1 merges by name: a name seen twice is one element. 0: every addElement() makes a new one.
-    explicit MsgBase(int mergeByName) : mergeByName(mergeByName) {}
-    virtual ~MsgBase();
+    explicit MsgBase(int mergeByName) : model(mergeByName != 0) {}
+    virtual ~MsgBase() = default;
     MsgBase(const MsgBase&) = delete;
     MsgBase& operator=(const MsgBase&) = delete;
 
@@ -68,67 +66,29 @@ public:
     CString& getBasePath() { return queryDescriptor()->getBasePath(); }
 
 protected:
-    /// addElement() for keys that grow from each other.
-    Element* addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
-                        const CString& description, Element::ElementTypes type, Element* parent);
-
-    /// The same with the generated description of the name, without making its text.
-    Element* addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
-                        Element::ElementTypes type, Element* parent);
-
-    /// One more occurrence of an element that addElement() has returned before, without looking its name up.
-    void addUsage(const Fingerprint& usageKey, Element* element, Element* parent);
-
-    /// A field that repeats is a table in each of its records; else in the first alone.
-    void tablesInAllParents(bool inAll) { areTablesInAll = inAll; }
-
-    /// Makes room for so many usages at once.
-    void reserveUsages(std::size_t count) { usages.reserve(count); }
-
-    /// Asks the memory for the place of a usage that is about to be added.
-    void prefetchUsage(const Fingerprint& usageKey) const { usages.prefetch(keyHash(usageKey)); }
-
     /// The import in hand has been cancelled, in parse() or afterwards: all but the model, which is emptied, is to be
     /// as it was before.
     virtual void onCancelled() {}
 
-    void clear();        ///< empties the model
-    void onAfterParse(); ///< makes tables of repeated usages and orders the types
+    void clear(); ///< empties the model
+    void onAfterParse() { model.arrange(); }
 
-    /// Null when nothing merges by name, for an empty name or key, and for one that there is not.
-    Element* findElement(const CString& name) const;
-    ChildElement* findUsage(const Fingerprint& usageKey) const;
-
-    void orderList(Element* element); ///< places an element and all that it leads to, see TypeOrder
-    void addToOrderedList(Element* element) { orderedList.add(element); }
+    Element* findElement(const CString& name) const { return model.findElement(name); }
+    ChildElement* findUsage(const CString& usageKey) const { return model.findUsage(usageKey); }
+    void orderList(Element* element) { model.place(*element); }
+    void addToOrderedList(Element* element) { model.addToOrder(element); }
 
     /// Shows `text` under the title "Typeforge Error" and answers 0, the result of an import that failed. `fault` says
     /// it in parts.
     static int fail(const CString& text, const SourceFault& fault);
 
+    TypeModel model;
     SourceReport report;
     bool isReportWanted = false;
 
 private:
-    static constexpr unsigned kUsagesATick = 4096;
-
     template <class Import>
     int orEmpty(Import import);
-    Element* own(Element* element);
-    std::pair<Element*, bool> findOrMake(const CString& path, std::string_view name, Element::ElementTypes type);
-    Element* newElement(const CString& path, std::string_view name, Element::ElementTypes type);
-    Element* makeTable(ChildElement& usage, const CString& tableName);
-    void makeTables();
 
-    // Elements, usages and their texts and lists lie in memory that is only given back as a whole, on clear().
-    Arena memory;
-    std::vector<Element*> ownedElements; // by number; also the ones that another has replaced under their key
-    Element::SharedText lastPath;        // nearly always the next element's too
-    KeyedTable<Element, &Element::queryName> elements;
-    KeyedTable<ChildElement, &ChildElement::queryUsageKey, Fingerprint> usages;
-    TypeList orderedList;
     std::size_t enumPosition = static_cast<std::size_t>(-1);
-    int mergeByName;
-    bool areTablesInAll = false;
-    CancelPoint cancelPoint{kUsagesATick};
 };

@@ -96,7 +96,7 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
     for (SchemaNotes& document : notes)
         document.reportUnknownTypes([this](std::string_view type) { return table.find(type) != nullptr; });
     const CString path = baseFolder + table.queryMainType() + "\\";
-    reserveUsages(countFields());
+    model.reserveUsages(countFields());
     for (const SchemaElement* entry : table.queryDeclared())
         declareRecord(*entry, path);
     for (const SchemaElement* entry : table.queryPulled())
@@ -125,7 +125,7 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
     const CString name =
         entry.queryName() == table.queryRootTypeName() ? table.queryMainType() : CString(entry.queryName());
     RunningHash key(name);
-    Element* record = addElement(key, path, name, Element::typeRow, nullptr);
+    Element* record = model.addElement(key, path, name, Element::typeRow, nullptr);
     key.append(".");
     fields.clear();
     for (const SchemaElement* child : *entry.queryChildren()) {
@@ -133,19 +133,19 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
         getType(mayMiss ? table.find(child->queryKey()) : child, field.typeName, field.name);
         field.mark = getModifiers(*child);
         field.usageKey = RunningHash(key).append(field.name);
-        prefetchUsage(field.usageKey);
+        model.prefetchUsage(field.usageKey);
     }
     for (const Field& field : fields)
         declareField(field, path, record);
 }
 
-/// A repeated field is declared twice: MsgBase makes a table of a usage that it has seen more than once.
+/// A repeated field is declared twice: the model makes a table of a usage that it has seen more than once.
 void SchemaMessage::declareField(const Field& field, const CString& path, Element* record)
 {
     std::string_view typeName = field.typeName;
     const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName);
     for (int instances = field.mark == modStar ? 2 : 1; instances > 0; --instances) {
-        Element* element = addElement(field.usageKey, path, field.name, kind, record);
+        Element* element = model.addElement(field.usageKey, path, field.name, kind, record);
         if (typeName.empty())
             continue;
         const bool isOurs = typeName != "AnonymousType" && kind != Element::typeString;

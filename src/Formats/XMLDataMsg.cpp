@@ -9,7 +9,7 @@
 bool XMLDataMessage::setFurtherFiles(const std::vector<CString>& files)
 {
     furtherFiles = files;
-    tablesInAllParents(!files.empty());
+    model.tablesInAllParents(!files.empty());
     return true;
 }
 
@@ -45,7 +45,7 @@ void XMLDataMessage::doParse(XMLDataWalk& walk)
         const bool isMarked = pair.key.isAttribute && !isBody; // or no element of that name could be a table
         const bool repeats = declaration.repeats && (isMarked || !pair.key.isAttribute);
         for (int instances = repeats ? 2 : 1; instances > 0; --instances) {
-            Element* element = addElement(usageKey, typeFolder, pair.item->name, Element::typeString, parent);
+            Element* element = model.addElement(usageKey, typeFolder, pair.item->name, Element::typeString, parent);
             if (isMarked)
                 element->asAttribute();
         }

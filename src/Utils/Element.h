@@ -48,7 +48,7 @@ private:
 };
 
 /// One node of an imported message: a type of its own (a record, table, enumeration or array) or a field. Importers
-/// make elements only through MsgBase, which owns them all.
+/// make elements only through TypeModel, which owns them all.
 class alignas(64) Element
 {
 public:
@@ -131,9 +131,9 @@ public:
     bool isTypeOfItsOwn() const { return type >= typeEnum && type <= typeTable; }
 
 private:
-    friend class MsgBase;
+    friend class TypeModel;
 
-    // For MsgBase, which gives all elements of one folder the same path, and has memory for their lists.
+    // For TypeModel, which gives all elements of one folder the same path, and has memory for their lists.
     // Null memory: the element has its own.
     Element(SharedText path, std::string_view name, ElementTypes type, std::pmr::memory_resource* memory);
     Element(const Element& other, std::pmr::memory_resource* memory);
@@ -198,7 +198,7 @@ public:
     unsigned int queryInstances() const { return instances; }
 
 private:
-    friend class MsgBase;
+    friend class TypeModel;
 
     void addInstance() { ++instances; }
 
