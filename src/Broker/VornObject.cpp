@@ -78,6 +78,7 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
         why = fileName + ": not a client with interfaces of version " + std::to_string(kVornInterfaceVersion);
         return {};
     }
+    // A client may have been made without: its calls can't be cancelled then.
     if (const auto setQuestion = findFunction<decltype(vornSetQuestion)>(library, "vornSetQuestion"))
         setQuestion(isStillWanted);
     VornObject<IVornIntegrationServer> object{create(classId.c_str()), VornRelease{std::move(library)}};

@@ -21,6 +21,8 @@ void ContentModel::endGroup(bool repeats)
     open.pop_back();
 }
 
+// A name has one entry in a content, however often it is met. Stamps say which entries are this content's, so that none
+// has to be cleared for the next one.
 void ContentModel::add(std::uint32_t name, bool repeats)
 {
     if (name >= stamp.size()) {

@@ -93,7 +93,7 @@ void DTDReader::readElement()
     const auto isMinimization = [](const DTDTokens::Token& token) {
         return token.isMark('-') || (token.kind == DTDTokens::tokenWord && isKeyword(token.text, "O"));
     };
-    while (isMinimization(tokens.token()))
+    while (isMinimization(tokens.token())) // of SGML: which tags may be left out
         tokens.next();
     bool holdsText = false;
     model.clear();
@@ -364,6 +364,8 @@ void DTDReader::readDoctype()
     tokens.endWithDoctype(external);
 }
 
+// All records before the first field: a field names the record of its element, which may stand anywhere. An element
+// that is only referred to is text, and is told.
 void DTDReader::makeRecords()
 {
     std::vector<Index> order = declared;

@@ -120,7 +120,7 @@ void SchemaReader::scope(const XmlScope& scope)
         shadowed.push_back({id, spaces[id]});
         spaces[id] = tree.names.intern(trimmed(uri ? uri : ""));
     }
-    if (scope.uri != lastUri)
+    if (scope.uri != lastUri) // nearly never
         isOfSchema = scope.uri && SchemaTree::isSchemaLanguage(tree.names.intern(scope.uri));
     lastUri = scope.uri;
     line = scope.line;

@@ -42,6 +42,8 @@ bool SchemaSimpleTypes::saysMixed(Index complexType) const
     return tree[isSaidThere ? content : complexType].is(SchemaNode::isMixed);
 }
 
+// What a type derives from comes before it, on a stack of its own: a source can derive without end. What is met again
+// while it is in hand derives from itself, and isn't waited for.
 SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
 {
     waiting.assign(1, type);

@@ -111,7 +111,7 @@ std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStruc
     for (std::uint32_t type = 0; type < after.size(); ++type) {
         const std::string_view name = nameOf(after, type);
         if (numbers.at(name) != type)
-            continue;
+            continue; // of several types of one name the one counts that a look-up finds
         if (const auto known = oldNumbers.find(name); known != oldNumbers.end())
             comparison.compareType(static_cast<std::uint32_t>(known->second), type);
         else

@@ -102,6 +102,7 @@ void TypeModel::place(const Element& element)
     TypeOrder(order, ownedElements).place(element);
 }
 
+// Whether a usage repeats is only known when all have been declared. From then on it is one of the table.
 void TypeModel::makeTables()
 {
     CString tableName;

@@ -109,7 +109,7 @@ SettingsStore::SettingsStore() : document(std::make_unique<Document>())
             return;
         document->root = Json::object();
     }
-    std::error_code ignored;
+    std::error_code ignored; // set aside for its owner to mend: the next save would write over it
     std::filesystem::rename(document->fileName, document->fileName + ".bad", ignored);
 }
 

@@ -183,7 +183,7 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBa
     connect(&inHand, &LongWork::lasts, this, [&] { setNavigation(false); });
     for (const auto signal : {&LongWork::lasts, &LongWork::goesOn})
         connect(&inHand, signal, this, [&] { showProgress(inHand, ownBar); });
-    const QPointer<QWidget> focus = focusWidget();
+    const QPointer<QWidget> focus = focusWidget(); // it gets lost while nothing but Cancel can have it
     const auto end = [&] {
         if (progressRow->isHidden())
             return;
@@ -282,7 +282,7 @@ void WizardSheet::activate(int index)
         page->OnSetActive();
     } catch (const std::exception& error) {
         OnPageError(error);
-    } catch (const Cancelled&) {
+    } catch (const Cancelled&) { // what the page was to show: back to where it was asked for
         return activate(before);
     }
     settleMnemonics();
