@@ -348,6 +348,8 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
         {"chmod 777 .; chmod 444 old; $as ./import dtd r.dtd -o old; cat old", {0, "old", refused("old")}},
         {"chmod 0 x.xsd; for how in '' --full; do $as ./import xsd $how s.xsd; done; rm -f s.xsd x.xsd",
          {0, "", denied + denied}},
+        {"chmod 0 m.mod; $as ./import dtd --full m.dtd; rm -f m.dtd m.mod",
+         {0, "", "m.dtd:2: error: m.mod: Permission denied\n"}},
         {"chmod 777 .; chmod 666 old; $as ./import dtd r.dtd -l -o old; stat -c '%u %a' old; cat old",
          {0, std::to_string(geteuid()) + " 666\n" + kList, ""}},
         {"chmod 555 .; chmod 666 old; $as ./import dtd r.dtd -o new", {3, "", refused("new")}},
@@ -356,6 +358,8 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
          {0, "old", says("can't write old: No space left on device")}},
     };
     folder.write("wide", wide);
+    folder.write("m.mod", "<!ELEMENT b (#PCDATA)>");
+    folder.write("m.dtd", "<!ENTITY % m SYSTEM 'm.mod'>\n%m;<!ELEMENT a (b)>");
     folder.write("x.xsd", "<s/>");
     folder.write("s.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>\n"
                           "<xs:include schemaLocation='x.xsd'/></xs:schema>");
