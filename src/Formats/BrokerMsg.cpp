@@ -102,10 +102,9 @@ void BrokerMessage::readFields(const IXMLDOMNode& content, const Type& type)
         getAttribute(field, "NAME", name);
         getAttribute(field, "DESCRIPTION", description);
         getAttribute(field, "TYPE", knownType);
-        model
-            .addElement(RunningHash(prefix).append(name), type.folder, name, description, Element::typeOther,
-                        type.element)
-            ->setKnownType(knownType);
+        Element* element = model.addElement(RunningHash(prefix).append(name), type.folder, name, description,
+                                            Element::typeOther, type.element);
+        element->setKnownType(knownType);
     }
 }
 
