@@ -5,7 +5,7 @@
 
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
-#include "Formats/DTDMsg.h"
+#include "Import/Dtd/DTDMsg.h"
 #include "support/TempDir.h"
 
 #include <sql.h>

@@ -1,6 +1,6 @@
 // bench_dtd FILE...: the steps of a DTD import in one process: the parse with the ordering, and the writing.
-#include "Formats/DTDMsg.h"
-#include "Platform/Files/File.h"
+#include "Files/File.h"
+#include "Import/Dtd/DTDMsg.h"
 
 #include <benchmark/benchmark.h>
 

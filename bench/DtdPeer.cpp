@@ -1,6 +1,6 @@
 // bench_dtd_peer parse|scan FILE: what importing a DTD is measured beside: libxml2's own DTD parser, and a bare look at
 // every '<' and '>' of the same bytes.
-#include "Platform/Files/File.h"
+#include "Files/File.h"
 
 #include <libxml/parser.h>
 

@@ -1,8 +1,8 @@
 // bench_xml FILE...: what the XML layer costs on a file, step by step: the bare callbacks, the walk that XML data are
 // read with, the tree, and the tree written back.
-#include "Formats/XMLDataWalk.h"
-#include "Platform/Xml/Dom.h"
-#include "Platform/Xml/XmlParser.h"
+#include "Import/XmlData/XMLDataWalk.h"
+#include "Xml/Dom.h"
+#include "Xml/XmlParser.h"
 
 #include <benchmark/benchmark.h>
 

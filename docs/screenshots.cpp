@@ -1,13 +1,13 @@
 // screenshots FOLDER EXAMPLES light|dark: walks the wizard through an import and keeps a picture of every page in
 // FOLDER.
 
-#include "HelpWindow.h"
-#include "Platform/MessageBox.h"
-#include "Platform/Ui/ListView.h"
-#include "Platform/Ui/ModalBox.h"
-#include "QELWizard.h"
+#include "Base/MessageBox.h"
 #include "Resources/DialogIds.h"
 #include "Resources/StringIds.h"
+#include "Ui/ListView.h"
+#include "Ui/ModalBox.h"
+#include "Wizard/QELWizard.h"
+#include "Wizard/Windows/HelpWindow.h"
 
 #include <QApplication>
 #include <QComboBox>

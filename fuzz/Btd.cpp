@@ -1,5 +1,5 @@
-#include "Formats/BrokerMsg.h"
 #include "Import.h"
+#include "Import/Btd/BrokerMsg.h"
 
 void fuzz(std::string_view input)
 {

@@ -1,5 +1,5 @@
-#include "Formats/DTDMsg.h"
 #include "Import.h"
+#include "Import/Dtd/DTDMsg.h"
 
 void fuzz(std::string_view input)
 {

@@ -1,5 +1,5 @@
-#include "Formats/DTDFullMsg.h"
 #include "Import.h"
+#include "Import/Dtd/DTDFullMsg.h"
 
 void fuzz(std::string_view input)
 {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Base/MessageBox.h"
 #include "Folder.h"
-#include "Formats/MsgBase.h"
-#include "Platform/MessageBox.h"
-#include "Platform/Xml/XmlParser.h"
+#include "Import/MsgBase.h"
 #include "Target.h"
+#include "Xml/XmlParser.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,9 +1,9 @@
 // A data source whose driver says what the input says: tables, columns, the rows of a statement, failures.
-#include "Formats/ODBCMsg.h"
+#include "Database/MainWindow.h"
+#include "Database/Statement.h"
+#include "Database/Tables.h"
 #include "Import.h"
-#include "Platform/Database/MainWindow.h"
-#include "Platform/Database/Statement.h"
-#include "Platform/Database/Tables.h"
+#include "Import/Tables/ODBCMsg.h"
 
 #include <dlfcn.h>
 

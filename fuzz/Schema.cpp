@@ -1,5 +1,5 @@
-#include "Formats/SchemaMsg.h"
 #include "Import.h"
+#include "Import/Schema/Literal/SchemaMsg.h"
 
 void fuzz(std::string_view input)
 {

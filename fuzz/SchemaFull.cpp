@@ -1,5 +1,5 @@
-#include "Formats/SchemaFullMsg.h"
 #include "Import.h"
+#include "Import/Schema/Full/SchemaFullMsg.h"
 
 void fuzz(std::string_view input)
 {

@@ -1,6 +1,5 @@
 // Locations of schemas, looked for in a folder with names that differ in case alone, and links that lead around.
-#include "Formats/SchemaLocation.h"
-
+#include "Files/FileFinder.h"
 #include "Folder.h"
 #include "Target.h"
 

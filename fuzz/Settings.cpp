@@ -1,6 +1,6 @@
 // A settings file that others wrote: what can be read of it is still there, and the same, when it has been saved.
+#include "Files/SettingsStore.h"
 #include "Folder.h"
-#include "Platform/Files/SettingsStore.h"
 #include "Target.h"
 
 namespace {

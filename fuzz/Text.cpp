@@ -1,6 +1,6 @@
 // The string toolkit beside the C++ library's string: each step of the input changes one of either in the same way.
+#include "Base/QELStr.h"
 #include "Target.h"
-#include "Utils/QELStr.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,9 +1,9 @@
 // Types that were read back: each has to be one that a repository takes, and that a window can show.
 #include "Broker/Client/TypeDocument.h"
 
-#include "Formats/BrokerMsg.h"
-#include "Formats/TypeStructure.h"
 #include "Import.h"
+#include "Import/Btd/BrokerMsg.h"
+#include "Types/TypeStructure.h"
 
 namespace {
 

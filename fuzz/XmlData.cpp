@@ -1,5 +1,5 @@
-#include "Formats/XMLDataMsg.h"
 #include "Import.h"
+#include "Import/XmlData/XMLDataMsg.h"
 
 void fuzz(std::string_view input)
 {

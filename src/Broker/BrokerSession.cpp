@@ -1,8 +1,8 @@
 #include "Broker/BrokerSession.h"
 
-#include "Platform/Secret.h"
+#include "Base/Secret.h"
+#include "Base/ServerAddress.h"
 #include "Resources/StringTable.h"
-#include "Utils/ServerAddress.h"
 
 namespace {
 

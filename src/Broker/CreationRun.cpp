@@ -1,8 +1,8 @@
 #include "Broker/CreationRun.h"
 
+#include "Base/Progress.h"
 #include "Broker/BrokerSession.h"
-#include "Formats/MsgBase.h"
-#include "Platform/Progress.h"
+#include "Import/MsgBase.h"
 #include "Resources/StringTable.h"
 
 #include <algorithm>

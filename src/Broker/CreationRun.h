@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Base/Text.h"
 #include "Broker/ResultKind.h"
-#include "Platform/Text.h"
 
 #include <functional>
 

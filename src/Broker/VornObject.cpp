@@ -1,7 +1,7 @@
 #include "Broker/VornObject.h"
 
-#include "Platform/Files/SettingsStore.h"
-#include "Platform/Progress.h"
+#include "Base/Progress.h"
+#include "Files/SettingsStore.h"
 
 #include <dlfcn.h>
 #include <filesystem>

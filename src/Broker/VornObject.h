@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Base/Text.h"
 #include "Broker/IVorn.h"
-#include "Platform/Text.h"
 
 #include <memory>
 

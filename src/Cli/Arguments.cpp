@@ -2,8 +2,8 @@
 
 #include "Cli/Completion.h"
 #include "Cli/Output.h"
-#include "Formats/MsgBase.h"
-#include "Platform/Files/File.h"
+#include "Files/File.h"
+#include "Import/MsgBase.h"
 #include "Resources/StringTable.h"
 
 #include <CLI/CLI.hpp>
@@ -11,15 +11,6 @@
 #include <cstdio>
 
 namespace {
-
-// The importer that a word names, null when none does.
-MsgUIDescriptor* importerNamed(const CString& word)
-{
-    MsgUIDescriptor** importer = g_amud;
-    while (*importer && word != (*importer)->querySource().word)
-        ++importer;
-    return *importer;
-}
 
 // For the completion of the shell, which so offers what there is.
 void listImporters()

@@ -1,10 +1,10 @@
 #include "Cli/CreateTypes.h"
 
+#include "Base/Secret.h"
+#include "Base/ServerAddress.h"
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
 #include "Cli/Output.h"
-#include "Platform/Secret.h"
-#include "Utils/ServerAddress.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Base/Text.h"
 #include "Cli/Diagnostics.h"
 #include "Cli/Logon.h"
-#include "Platform/Text.h"
 
 class MsgBase;
 namespace CLI {

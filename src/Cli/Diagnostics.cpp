@@ -1,8 +1,8 @@
 #include "Cli/Diagnostics.h"
 
 #include "Cli/ProgressLine.h"
-#include "Formats/SourceUses.h"
-#include "Utils/FileMessage.h"
+#include "Files/FileMessage.h"
+#include "Import/Full/FullReadingHint.h"
 
 #include <algorithm>
 #include <cctype>

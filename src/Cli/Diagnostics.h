@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/MessageBox.h"
+#include "Base/MessageBox.h"
 
 #include <string_view>
 

@@ -1,11 +1,11 @@
 #include "Cli/Diff.h"
 
+#include "Base/Json.h"
 #include "Cli/Output.h"
 #include "Cli/TypeListing.h"
-#include "Formats/BrokerMsg.h"
-#include "Formats/TypeChanges.h"
-#include "Formats/TypeStructure.h"
-#include "Utils/Json.h"
+#include "Import/Btd/BrokerMsg.h"
+#include "Types/TypeChanges.h"
+#include "Types/TypeStructure.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "Cli/FullReading.h"
 
 #include "Cli/Diagnostics.h"
-#include "Formats/FullMessage.h"
+#include "Import/Full/FullMessage.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Text.h"
+#include "Base/Text.h"
 
 class Diagnostics;
 class MsgBase;

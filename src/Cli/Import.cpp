@@ -6,9 +6,9 @@
 #include "Cli/Sources.h"
 #include "Cli/TableSource.h"
 #include "Cli/TypeListing.h"
-#include "Formats/ImporterChoice.h"
-#include "Formats/MsgBase.h"
-#include "Utils/FileMessage.h"
+#include "Files/FileMessage.h"
+#include "Import/MsgBase.h"
+#include "Import/Registry/ImporterChoice.h"
 
 #include <filesystem>
 

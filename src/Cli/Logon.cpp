@@ -1,9 +1,9 @@
 #include "Cli/Logon.h"
 
-#include "Platform/Files/File.h"
-#include "Platform/Secret.h"
-#include "Platform/Terminal.h"
-#include "Utils/FileMessage.h"
+#include "Base/Secret.h"
+#include "Base/Terminal.h"
+#include "Files/File.h"
+#include "Files/FileMessage.h"
 
 #include <CLI/CLI.hpp>
 

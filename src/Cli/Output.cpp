@@ -1,7 +1,7 @@
 #include "Cli/Output.h"
 
 #include "Cli/Diagnostics.h"
-#include "Utils/FileMessage.h"
+#include "Files/FileMessage.h"
 
 #include <cerrno>
 #include <cstdio>

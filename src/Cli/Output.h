@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Files/AtomicFile.h"
+#include "Files/AtomicFile.h"
 
 #include <memory>
 

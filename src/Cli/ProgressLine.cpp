@@ -1,6 +1,6 @@
 #include "Cli/ProgressLine.h"
 
-#include "Platform/ProgressText.h"
+#include "Base/ProgressText.h"
 
 #include <cstdio>
 #include <unistd.h>

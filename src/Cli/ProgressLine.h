@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Progress.h"
+#include "Base/Progress.h"
 
 #include <chrono>
 

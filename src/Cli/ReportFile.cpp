@@ -2,7 +2,7 @@
 
 #include "Cli/Output.h"
 #include "Cli/ProgressLine.h"
-#include "Formats/ReportText.h"
+#include "Types/ReportText.h"
 
 #include <CLI/CLI.hpp>
 

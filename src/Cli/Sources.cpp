@@ -1,9 +1,9 @@
 #include "Cli/Sources.h"
 
 #include "Cli/Diagnostics.h"
-#include "Formats/ImporterChoice.h"
-#include "Platform/Files/File.h"
-#include "Utils/FileMessage.h"
+#include "Files/File.h"
+#include "Files/FileMessage.h"
+#include "Import/Registry/ImporterChoice.h"
 
 #include <cstdio>
 #include <stdexcept>

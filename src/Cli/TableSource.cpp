@@ -1,11 +1,11 @@
 #include "Cli/TableSource.h"
 
-#include "Formats/MsgBase.h"
-#include "Platform/Database/ConnectString.h"
-#include "Platform/Database/Tables.h"
-#include "Platform/Secret.h"
+#include "Base/QELApp.h"
+#include "Base/Secret.h"
+#include "Database/ConnectString.h"
+#include "Database/Tables.h"
+#include "Import/MsgBase.h"
 #include "Resources/StringIds.h"
-#include "Utils/QELApp.h"
 
 #include <set>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Cli/Arguments.h"
-#include "Platform/Database/MainWindow.h"
-#include "Platform/Database/Odbc.h"
+#include "Database/MainWindow.h"
+#include "Database/Odbc.h"
 
 class MsgBase;
 

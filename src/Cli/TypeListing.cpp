@@ -1,10 +1,10 @@
 #include "Cli/TypeListing.h"
 
+#include "Base/Json.h"
 #include "Cli/Output.h"
-#include "Formats/MsgBase.h"
-#include "Formats/TypeGraph.h"
-#include "Formats/TypeStructure.h"
-#include "Utils/Json.h"
+#include "Import/MsgBase.h"
+#include "Types/TypeGraph.h"
+#include "Types/TypeStructure.h"
 
 #include <limits>
 #include <numeric>

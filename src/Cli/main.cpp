@@ -1,8 +1,8 @@
+#include "Base/QELApp.h"
+#include "Base/Terminal.h"
 #include "Cli/Diagnostics.h"
 #include "Cli/Import.h"
-#include "Platform/Files/TemporaryFile.h"
-#include "Platform/Terminal.h"
-#include "Utils/QELApp.h"
+#include "Files/TemporaryFile.h"
 
 #include <cstdlib>
 #include <span>

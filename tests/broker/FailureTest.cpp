@@ -1,6 +1,6 @@
-#include "Platform/Secret.h"
+#include "Base/Secret.h"
+#include "Base/ServerAddress.h"
 #include "Repositories.h"
-#include "Utils/ServerAddress.h"
 #include "support/Boxes.h"
 
 #include <cstring>

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Base/Progress.h"
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
-#include "Formats/DTDMsg.h"
-#include "Platform/Database/Statement.h"
-#include "Platform/Files/SettingsStore.h"
-#include "Platform/Progress.h"
+#include "Database/Statement.h"
+#include "Files/SettingsStore.h"
+#include "Import/Dtd/DTDMsg.h"
 #include "support/Servers.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "Formats/BrokerMsg.h"
+#include "Import/Btd/BrokerMsg.h"
 
-#include "Formats/DTDMsg.h"
-#include "Formats/XMLDataMsg.h"
+#include "Import/Dtd/DTDMsg.h"
+#include "Import/XmlData/XMLDataMsg.h"
 #include "support/Importing.h"
 
 #include <set>

@@ -1,6 +1,6 @@
-#include "Platform/Xml/Dom.h"
+#include "Xml/Dom.h"
 
-#include "Platform/Xml/XmlParser.h"
+#include "Xml/XmlParser.h"
 #include "support/Importing.h"
 
 namespace {

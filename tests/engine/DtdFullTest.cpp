@@ -1,4 +1,4 @@
-#include "Formats/DTDFullMsg.h"
+#include "Import/Dtd/DTDFullMsg.h"
 #include "support/FullTypes.h"
 #include "support/Importing.h"
 

@@ -1,4 +1,4 @@
-#include "Formats/DTDMsg.h"
+#include "Import/Dtd/DTDMsg.h"
 #include "support/Importing.h"
 
 namespace {

@@ -1,5 +1,5 @@
-#include "Formats/MsgBase.h"
-#include "Utils/BrokerType.h"
+#include "Import/MsgBase.h"
+#include "Model/BrokerType.h"
 #include "support/Importing.h"
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
-#include "Platform/Progress.h"
+#include "Base/Progress.h"
 
-#include "Formats/FullMessage.h"
-#include "Platform/Files/AtomicFile.h"
+#include "Files/AtomicFile.h"
+#include "Import/Full/FullMessage.h"
 #include "support/Importing.h"
 
 #include <memory>

@@ -1,4 +1,4 @@
-#include "Utils/QELStr.h"
+#include "Base/QELStr.h"
 
 #include <gtest/gtest.h>
 

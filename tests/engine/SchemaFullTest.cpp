@@ -1,4 +1,4 @@
-#include "Formats/SchemaFullMsg.h"
+#include "Import/Schema/Full/SchemaFullMsg.h"
 #include "support/FullTypes.h"
 #include "support/Importing.h"
 

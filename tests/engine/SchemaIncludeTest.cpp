@@ -1,5 +1,5 @@
-#include "Formats/SchemaLocation.h"
-#include "Formats/SchemaMsg.h"
+#include "Files/FileFinder.h"
+#include "Import/Schema/Literal/SchemaMsg.h"
 #include "support/Importing.h"
 #include "support/SchemaModel.h"
 #include "support/SchemaText.h"

@@ -1,4 +1,4 @@
-#include "Formats/SchemaMsg.h"
+#include "Import/Schema/Literal/SchemaMsg.h"
 
 #include "support/Importing.h"
 #include "support/SchemaModel.h"

@@ -1,8 +1,8 @@
-#include "Formats/TypeStructure.h"
+#include "Types/TypeStructure.h"
 
-#include "Formats/BrokerMsg.h"
-#include "Formats/DTDMsg.h"
-#include "Formats/TypeGraph.h"
+#include "Import/Btd/BrokerMsg.h"
+#include "Import/Dtd/DTDMsg.h"
+#include "Types/TypeGraph.h"
 #include "support/Importing.h"
 
 namespace {

@@ -1,7 +1,7 @@
-#include "Formats/XMLDataMsg.h"
+#include "Import/XmlData/XMLDataMsg.h"
 
 #include "Resources/StringTable.h"
-#include "Utils/XMLDoc.h"
+#include "Xml/XMLDoc.h"
 #include "support/Importing.h"
 
 #include <random>

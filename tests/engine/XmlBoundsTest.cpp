@@ -1,6 +1,6 @@
 // What an XML file must not be able to do: reach for other files or the network, or grow far beyond its own size.
-#include "Platform/Xml/Dom.h"
-#include "Platform/Xml/XmlParser.h"
+#include "Xml/Dom.h"
+#include "Xml/XmlParser.h"
 #include "support/Importing.h"
 
 #include <arpa/inet.h>

@@ -1,5 +1,5 @@
-#include "Platform/Database/Columns.h"
-#include "Platform/Database/Tables.h"
+#include "Database/Columns.h"
+#include "Database/Tables.h"
 #include "odbc/Import.h"
 #include "support/Boxes.h"
 #include "support/TempDir.h"

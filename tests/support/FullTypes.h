@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Formats/FullMessage.h"
-#include "Formats/ReportText.h"
+#include "Import/Full/FullMessage.h"
+#include "Types/ReportText.h"
 
 /// The types of an import in full, in their order: "record(field:type ...)", "enumeration{constant|...}" and
 /// "table[component]". Types of the import's own folder are shown by their short names.

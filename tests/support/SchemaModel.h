@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Formats/MsgBase.h"
+#include "Import/MsgBase.h"
 #include "support/Boxes.h"
 #include "support/TempDir.h"
 

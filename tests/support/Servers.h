@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Database/ConnectString.h"
-#include "Platform/Database/Odbc.h"
+#include "Database/ConnectString.h"
+#include "Database/Odbc.h"
 #include "support/TempDir.h"
 
 #include <arpa/inet.h>

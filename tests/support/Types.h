@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Formats/MsgBase.h"
+#include "Import/MsgBase.h"
 
 /// The types of an import in their order: "NAME(CHILD:KIND …)", the kinds being those of Element::ElementTypes as one
 /// of "EARtSNTO" each, the known type behind a "=", and an array's size in brackets.

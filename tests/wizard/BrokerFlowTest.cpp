@@ -1,6 +1,6 @@
 #include "Broker/IVorn.h"
-#include "Overwrite.h"
-#include "Platform/Files/SettingsStore.h"
+#include "Files/SettingsStore.h"
+#include "Wizard/Pages/Overwrite.h"
 #include "wizard/Desk.h"
 
 #include <QClipboard>

@@ -1,4 +1,4 @@
-#include "Platform/Ui/ListView.h"
+#include "Ui/ListView.h"
 #include "support/Servers.h"
 #include "support/Types.h"
 #include "wizard/Desk.h"

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Platform/Ui/ListView.h"
-#include "Platform/Ui/WizardPage.h"
-#include "QELWizard.h"
 #include "Resources/DialogIds.h"
+#include "Ui/ListView.h"
+#include "Ui/WizardPage.h"
+#include "Wizard/QELWizard.h"
 #include "support/Boxes.h"
 #include "support/TempDir.h"
 

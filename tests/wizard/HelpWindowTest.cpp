@@ -1,4 +1,4 @@
-#include "HelpWindow.h"
+#include "Wizard/Windows/HelpWindow.h"
 
 #include <QImage>
 #include <QPushButton>

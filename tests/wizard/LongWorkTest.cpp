@@ -1,9 +1,9 @@
-#include "Platform/Ui/LongWork.h"
+#include "Ui/LongWork.h"
 
-#include "Platform/Progress.h"
-#include "Platform/ProgressText.h"
-#include "Platform/Ui/ModalBox.h"
-#include "Utils/QELApp.h"
+#include "Base/Progress.h"
+#include "Base/ProgressText.h"
+#include "Base/QELApp.h"
+#include "Ui/ModalBox.h"
 #include "support/Servers.h"
 #include "wizard/Desk.h"
 

@@ -1,4 +1,4 @@
-#include "Utils/registry.h"
+#include "Files/Registry.h"
 #include "wizard/Desk.h"
 
 #include <pwd.h>

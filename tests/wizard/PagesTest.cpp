@@ -1,10 +1,10 @@
-#include "Platform/Files/AtomicFile.h"
-#include "Platform/Ui/ListFilter.h"
-#include "Platform/Ui/ModalBox.h"
-#include "Platform/Ui/WaitCursor.h"
-#include "QEL.h"
-#include "Utils/QELApp.h"
-#include "WindowLayout.h"
+#include "Base/QELApp.h"
+#include "Files/AtomicFile.h"
+#include "Ui/ListFilter.h"
+#include "Ui/ModalBox.h"
+#include "Ui/WaitCursor.h"
+#include "Wizard/QEL.h"
+#include "Wizard/WindowLayout.h"
 #include "wizard/Desk.h"
 
 #include <QCheckBox>

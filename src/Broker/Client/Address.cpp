@@ -1,6 +1,6 @@
 #include "Broker/Client/Address.h"
 
-#include "Platform/Files/UserFolders.h"
+#include "Files/UserFolders.h"
 
 #include <cerrno>
 #include <fcntl.h>

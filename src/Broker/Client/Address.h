@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Utils/ServerAddress.h"
+#include "Base/ServerAddress.h"
 
 /// Where a repository lies, and how its database is called on.
 class Address

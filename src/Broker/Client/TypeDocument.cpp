@@ -1,6 +1,6 @@
 #include "Broker/Client/TypeDocument.h"
 
-#include "Platform/Xml/XmlParser.h"
+#include "Xml/XmlParser.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Database/Statement.h"
+#include "Database/Statement.h"
 
 #include <memory>
 #include <optional>

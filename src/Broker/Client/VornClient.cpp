@@ -1,12 +1,12 @@
+#include "Base/Progress.h"
+#include "Base/Secret.h"
 #include "Broker/Client/Address.h"
 #include "Broker/Client/Roles.h"
 #include "Broker/Client/TypeDocument.h"
 #include "Broker/Client/TypeStore.h"
 #include "Broker/IVorn.h"
-#include "Platform/Database/ConnectString.h"
-#include "Platform/Files/UserFolders.h"
-#include "Platform/Progress.h"
-#include "Platform/Secret.h"
+#include "Database/ConnectString.h"
+#include "Files/UserFolders.h"
 
 #include <chrono>
 #include <cstring>

@@ -1,0 +1,85 @@
+#include "Base/Encoding.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iconv.h>
+#include <memory>
+
+namespace {
+
+struct Mark
+{
+    std::string_view bytes;
+    const char* encoding;
+};
+
+constexpr Mark kMarks[] = {{"\xEF\xBB\xBF", "UTF-8"}, {"\xFF\xFE", "UTF-16LE"}, {"\xFE\xFF", "UTF-16BE"}};
+
+constexpr std::string_view kBlank = " \t\r\n";
+constexpr std::string_view kEncodingName = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
+constexpr std::size_t kLongDeclaration = 1000;
+
+// What stands behind `encoding =` in an XML or text declaration, "" where there is none.
+CString declaredEncoding(std::string_view bytes)
+{
+    std::string_view text = bytes.substr(std::min(bytes.find_first_not_of(kBlank), bytes.size()), kLongDeclaration);
+    if (!text.starts_with("<?xml"))
+        return {};
+    text = text.substr(0, text.find('>'));
+    const std::size_t word = text.find("encoding");
+    const std::size_t quote = word == text.npos ? text.npos : text.find_first_of("\"'", word);
+    if (quote == text.npos)
+        return {};
+    const std::string_view name = text.substr(quote + 1, text.find(text[quote], quote + 1) - quote - 1);
+    return name.find_first_not_of(kEncodingName) == name.npos ? CString(name) : CString();
+}
+
+// False for an encoding that isn't known and for bytes that aren't in it.
+bool convert(std::string_view bytes, const CString& encoding, CString& out)
+{
+    const iconv_t converter = ::iconv_open("UTF-8", encoding.c_str());
+    if (converter == reinterpret_cast<iconv_t>(-1))
+        return false;
+    const std::unique_ptr<void, int (*)(iconv_t)> owner(converter, ::iconv_close);
+    out.resize(bytes.size() + 16);
+    char* from = const_cast<char*>(bytes.data()); // iconv() reads it only
+    std::size_t fromLeft = bytes.size(), size = 0;
+    while (fromLeft > 0) {
+        char* to = out.data() + size;
+        std::size_t toLeft = out.size() - size;
+        const bool isDone = ::iconv(converter, &from, &fromLeft, &to, &toLeft) != static_cast<std::size_t>(-1);
+        size = out.size() - toLeft;
+        if (!isDone && errno != E2BIG)
+            return false;
+        if (!isDone)
+            out.resize(out.size() * 2);
+    }
+    out.resize(size);
+    return true;
+}
+
+// Makes a text that may hold anything one that XML can hold.
+std::string_view withoutControls(std::string_view text, CString& room)
+{
+    if (isXmlText(text))
+        return text;
+    CString copy(text);
+    std::replace(copy.begin(), copy.end(), '\0', ' ');
+    return room = toXmlText(copy);
+}
+
+} // namespace
+
+std::string_view decodeText(std::string_view bytes, CString& room)
+{
+    for (const Mark& mark : kMarks)
+        if (bytes.starts_with(mark.bytes)) {
+            bytes.remove_prefix(mark.bytes.size());
+            return convert(bytes, mark.encoding, room) ? withoutControls(room, room) : withoutControls(bytes, room);
+        }
+    const CString declared = declaredEncoding(bytes);
+    const bool isUtf8 = declared.empty() || isSameAscii(declared, "utf-8");
+    if (!isUtf8 && convert(bytes, declared, room))
+        return withoutControls(room, room);
+    return withoutControls(bytes, room);
+}

@@ -1,0 +1,12 @@
+#include "Base/Fingerprint.h"
+
+#include <random>
+
+const RunningHash::Seed RunningHash::seed;
+
+RunningHash::Seed::Seed()
+{
+    std::random_device random;
+    for (std::uint64_t* number : {&first, &second, &last})
+        *number = std::uint64_t{random()} << 32 | random() | 1;
+}

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "Base/Text.h"
+
+/// A text as JSON writes it (RFC 8259), quotes included, made fit as for a document (toXmlText).
+CString jsonText(std::string_view text);

@@ -1,0 +1,48 @@
+#include "Base/MessageBox.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace {
+
+void writeToStandardError(const CString& text, const CString& title)
+{
+    std::fprintf(stderr, "%s: %s\n", title.c_str(), text.c_str());
+}
+
+MessageBoxHandler& currentHandler()
+{
+    static MessageBoxHandler handler = writeToStandardError;
+    return handler;
+}
+
+thread_local const CString* currentDetails = nullptr;
+thread_local const SourceFault* currentFault = nullptr;
+
+} // namespace
+
+MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler)
+{
+    return std::exchange(currentHandler(), std::move(handler));
+}
+
+void showMessageBox(const CString& text, const CString& title, const CString& details, const SourceFault* fault)
+{
+    const CString* const outer = std::exchange(currentDetails, &details); // a box may come up over another one
+    const SourceFault* const outerFault = std::exchange(currentFault, fault);
+    if (const MessageBoxHandler& handler = currentHandler())
+        handler(text, title);
+    currentDetails = outer;
+    currentFault = outerFault;
+}
+
+const CString& queryMessageDetails()
+{
+    static const CString none;
+    return currentDetails != nullptr ? *currentDetails : none;
+}
+
+const SourceFault* queryMessageFault()
+{
+    return currentFault;
+}

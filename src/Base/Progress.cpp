@@ -1,0 +1,64 @@
+#include "Base/Progress.h"
+
+#include <utility>
+
+namespace {
+
+ProgressHandler& currentHandler()
+{
+    static ProgressHandler handler;
+    return handler;
+}
+
+Progress last;
+
+} // namespace
+
+ProgressHandler setProgressHandler(ProgressHandler handler)
+{
+    last = {};
+    return std::exchange(currentHandler(), std::move(handler));
+}
+
+bool tellProgress(const Progress& progress)
+{
+    last = progress;
+    return isStillWanted();
+}
+
+bool isStillWanted()
+{
+    const ProgressHandler& handler = currentHandler();
+    return !handler || handler(last);
+}
+
+void checkWanted()
+{
+    if (!isStillWanted())
+        throw Cancelled();
+}
+
+void beginWork(Work work)
+{
+    last = {work};
+    checkWanted();
+}
+
+void CancelPoint::ask()
+{
+    left = stride;
+    checkWanted();
+}
+
+ProgressMeter::ProgressMeter(Work work, std::uint64_t total, unsigned stride) :
+    work(work), total(total), stride(stride), left(stride)
+{
+    tell(0);
+}
+
+void ProgressMeter::tell(std::uint64_t done)
+{
+    left = stride;
+    last = {work, done, total};
+    checkWanted();
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "Base/Progress.h"
+#include "Base/Text.h"
+
+/// A progress in words, as "Reading: 120.5 MB of 1,000.0 MB".
+CString progressText(const Progress& progress);

@@ -1,0 +1,31 @@
+#include "Base/QELApp.h"
+
+#include "Resources/StringTable.h"
+
+#include <new>
+#include <stdexcept>
+
+CQELApp theApp;
+
+void CQELApp::Error(UINT textId, UINT titleId)
+{
+    Error(loadText(textId), titleId);
+}
+
+void CQELApp::Error(const CString& text, UINT titleId, const CString& details)
+{
+    showMessageBox(text, loadText(titleId), details);
+}
+
+void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault)
+{
+    const bool isSaid = text.find(fault.reason) != CString::npos;
+    showMessageBox(text, loadText(titleId), isSaid ? CString() : fault.reason, &fault);
+}
+
+const char* wordsOf(const std::exception& error)
+{
+    const bool isMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
+    const bool isLength = dynamic_cast<const std::length_error*>(&error) != nullptr; // more than could ever be there
+    return isMemory || isLength ? "There is not enough memory" : error.what();
+}

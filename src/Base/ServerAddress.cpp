@@ -1,0 +1,54 @@
+#include "Base/ServerAddress.h"
+
+#include <arpa/inet.h>
+#include <charconv>
+
+namespace {
+
+// What no name or address has: it would end a value of a connection string, or start a quoted one.
+constexpr std::string_view kForeign = ";{}=[]\"'";
+
+bool isIPv6(std::string_view text)
+{
+    in6_addr ignored;
+    return inet_pton(AF_INET6, CString(text.substr(0, text.find('%'))).c_str(), &ignored) == 1; // "%eth0" is its zone
+}
+
+bool isServer(std::string_view text)
+{
+    const auto isForeign = [](unsigned char c) { return c <= ' ' || c == 127 || kForeign.find(c) != kForeign.npos; };
+    for (const char c : text)
+        if (isForeign(c))
+            return false;
+    return !text.empty();
+}
+
+bool readPort(std::string_view digits, unsigned& port)
+{
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
+    return error == std::errc() && end == digits.data() + digits.size() && port > 0 && port <= 65535;
+}
+
+} // namespace
+
+CString ServerAddress::asText() const
+{
+    const bool isBracketed = server.find(':') != CString::npos;
+    return (isBracketed ? "[" + server + "]" : server) + ":" + std::to_string(port);
+}
+
+std::optional<ServerAddress> readServerAddress(std::string_view text, unsigned defaultPort)
+{
+    if (isIPv6(text) && isServer(text))
+        return ServerAddress{CString(text), defaultPort};
+    const bool isBracketed = text.starts_with('[');
+    const std::size_t end = isBracketed ? text.find(']') : text.find(':');
+    const std::string_view server = isBracketed ? text.substr(1, end - 1) : text.substr(0, end);
+    const std::string_view rest = end == text.npos ? "" : text.substr(end + (isBracketed ? 1 : 0));
+    ServerAddress address{CString(server), defaultPort};
+    if (!isServer(server) || isBracketed != isIPv6(server) || (isBracketed && end == text.npos))
+        return {};
+    if (!rest.empty() && (!rest.starts_with(':') || !readPort(rest.substr(1), address.port)))
+        return {};
+    return address;
+}

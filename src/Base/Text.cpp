@@ -1,0 +1,218 @@
+#include "Base/Text.h"
+
+#include "Base/Utf8.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+// Windows-1252 for 0x80 to 0x9F; the five bytes it leaves open are the C1 controls of the same value.
+constexpr std::array<char16_t, 32> kWindows1252 = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                   0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                                   0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                   0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+bool isXmlChar(char32_t code)
+{
+    if (code < 0x20)
+        return code == '\t' || code == '\n' || code == '\r';
+    return code != 0xFFFE && code != 0xFFFF;
+}
+
+struct CodeRange
+{
+    char32_t first;
+    char32_t last;
+};
+
+// https://www.w3.org/TR/xml/#NT-NameStartChar, and what may only follow (NameChar).
+constexpr CodeRange kNameStart[] = {{':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},
+                                    {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
+                                    {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+                                    {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
+constexpr CodeRange kNameRest[] = {{'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
+
+template <std::size_t N>
+bool isIn(const CodeRange (&ranges)[N], char32_t code)
+{
+    for (const CodeRange& range : ranges)
+        if (code >= range.first && code <= range.last)
+            return true;
+    return false;
+}
+
+using Eight = std::uint64_t; // eight characters at a time
+
+constexpr Eight every(unsigned char c)
+{
+    return c * Eight{0x0101010101010101};
+}
+
+Eight eightAt(const char* bytes)
+{
+    Eight eight;
+    std::memcpy(&eight, bytes, sizeof eight);
+    return eight;
+}
+
+// A high bit for each of the eight that is zero, and perhaps for some above the first such.
+Eight zeros(Eight eight)
+{
+    return (eight - every(1)) & ~eight & every(0x80);
+}
+
+// Nonzero when one of the eight is a control character, no ASCII, or one of & < > ".
+Eight specials(Eight eight)
+{
+    const Eight controls = (eight - every(0x20)) & ~eight & every(0x80);
+    const Eight others = eight & every(0x80);
+    const Eight ampersandOrQuote = zeros((eight | every('&' ^ '"')) ^ every('&'));
+    const Eight angles = zeros((eight | every('<' ^ '>')) ^ every('>'));
+    return controls | others | ampersandOrQuote | angles;
+}
+
+} // namespace
+
+std::string_view trimmed(std::string_view text, std::string_view set)
+{
+    const std::size_t first = text.find_first_not_of(set);
+    if (first == std::string_view::npos)
+        return text.substr(0, 0);
+    return text.substr(first, text.find_last_not_of(set) - first + 1);
+}
+
+CString lowerAscii(std::string_view text)
+{
+    CString lower(text);
+    for (char& c : lower)
+        c = lowerAscii(c);
+    return lower;
+}
+
+CString upperAscii(std::string_view text)
+{
+    CString upper(text);
+    for (char& c : upper)
+        c = upperAscii(c);
+    return upper;
+}
+
+bool isSameAscii(std::string_view a, std::string_view b)
+{
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
+}
+
+CString formatText(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    CString out(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    if (length > 0)
+        std::vsnprintf(out.data(), out.size() + 1, format, again);
+    va_end(again);
+    return out;
+}
+
+void fillText(CString& out, std::string_view format, std::string_view value)
+{
+    const std::size_t place = format.find("%s");
+    out.assign(format.substr(0, place));
+    if (place == std::string_view::npos)
+        return;
+    out.append(value);
+    out.append(format.substr(place + 2));
+}
+
+CString fillText(std::string_view format, std::string_view value)
+{
+    CString out;
+    fillText(out, format, value);
+    return out;
+}
+
+bool isPlainXmlText(std::string_view bytes)
+{
+    const char* at = bytes.data();
+    std::size_t left = bytes.size();
+    if (left < sizeof(Eight)) {
+        Eight few = every(' ');
+        std::memcpy(&few, at, left);
+        return specials(few) == 0;
+    }
+    for (; left > sizeof(Eight); at += sizeof(Eight), left -= sizeof(Eight))
+        if (specials(eightAt(at)) != 0)
+            return false;
+    return specials(eightAt(at + left - sizeof(Eight))) == 0;
+}
+
+bool isXmlText(std::string_view bytes)
+{
+    for (std::size_t at = 0; at < bytes.size();) {
+        if (bytes.size() - at >= sizeof(Eight)) { // nearly every text is plain ASCII
+            const Eight eight = eightAt(bytes.data() + at);
+            if (((eight | (eight - every(0x20))) & every(0x80)) == 0) {
+                at += sizeof eight;
+                continue;
+            }
+        }
+        const char32_t code = decodeUtf8(bytes, at);
+        if (code == kNoUtf8 || !isXmlChar(code))
+            return false;
+    }
+    return true;
+}
+
+CString toXmlText(std::string_view bytes)
+{
+    if (isXmlText(bytes))
+        return CString(bytes);
+    CString out;
+    out.reserve(bytes.size() + bytes.size() / 2);
+    const bool utf8 = isUtf8(bytes);
+    for (std::size_t at = 0; at < bytes.size();) {
+        char32_t code;
+        if (utf8) {
+            code = decodeUtf8(bytes, at);
+        } else {
+            code = static_cast<unsigned char>(bytes[at++]);
+            if (code >= 0x80 && code < 0xA0)
+                code = kWindows1252[code - 0x80];
+        }
+        appendUtf8(out, isXmlChar(code) ? code : kReplacement);
+    }
+    return out;
+}
+
+bool appendCharacter(CString& out, std::uint32_t code)
+{
+    if (!isXmlChar(code) || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
+        return false;
+    appendUtf8(out, code);
+    return true;
+}
+
+bool isXmlName(std::string_view text)
+{
+    for (std::size_t at = 0; at < text.size();) {
+        if ((static_cast<unsigned char>(text[at]) | 0x20U) - 'a' < 26) { // a letter, as nearly all are
+            ++at;
+            continue;
+        }
+        const bool isFirst = at == 0;
+        const char32_t code = decodeUtf8(text, at);
+        if (code == kNoUtf8 || (!isIn(kNameStart, code) && (isFirst || !isIn(kNameRest, code))))
+            return false;
+    }
+    return !text.empty();
+}

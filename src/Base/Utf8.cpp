@@ -1,0 +1,65 @@
+#include "Base/Utf8.h"
+
+std::size_t utf8Length(char lead)
+{
+    const auto byte = static_cast<unsigned char>(lead);
+    return byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+}
+
+char32_t decodeUtf8(std::string_view text, std::size_t& at)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(at);
+    if (lead < 0x80)
+        return static_cast<unsigned char>(text[at++]);
+    const std::size_t length = utf8Length(static_cast<char>(lead));
+    if (lead < 0xC2 || lead > 0xF4 || text.size() - at < length)
+        return kNoUtf8;
+    char32_t code = lead & (0x7F >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(at + i) & 0xC0) != 0x80)
+            return kNoUtf8;
+        code = code << 6 | (byte(at + i) & 0x3F);
+    }
+    const bool overlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
+    if (overlong || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
+        return kNoUtf8;
+    at += length;
+    return code;
+}
+
+void appendUtf8(std::string& out, char32_t code)
+{
+    if (code < 0x80) {
+        out += static_cast<char>(code);
+    } else if (code < 0x800) {
+        out += static_cast<char>(0xC0 | code >> 6);
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        out += static_cast<char>(0xE0 | code >> 12);
+        out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | code >> 18);
+        out += static_cast<char>(0x80 | (code >> 12 & 0x3F));
+        out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    }
+}
+
+bool isUtf8(std::string_view bytes)
+{
+    for (std::size_t at = 0; at < bytes.size();)
+        if (decodeUtf8(bytes, at) == kNoUtf8)
+            return false;
+    return true;
+}
+
+void dropCutCharacter(std::string_view& text)
+{
+    std::size_t start = text.size(); // of the last character
+    while (start > 0 && text.size() - start < 4 && (text[start - 1] & 0xC0) == 0x80)
+        --start;
+    if (start > 0 && text.size() - (start - 1) < utf8Length(text[start - 1]))
+        text.remove_suffix(text.size() - (start - 1));
+}

@@ -1,0 +1,32 @@
+#include "Database/Handles.h"
+
+#include "Database/DriverLog.h"
+
+#include <sql.h>
+#include <sqlext.h>
+
+void FreeEnvironment::operator()(void* environment) const noexcept
+{
+    SQLFreeEnv(environment);
+}
+
+void FreeConnection::operator()(void* connection) const noexcept
+{
+    SQLDisconnect(connection);
+    SQLFreeHandle(SQL_HANDLE_DBC, connection);
+    removeDriverLog();
+}
+
+void FreeStatement::operator()(void* statement) const noexcept
+{
+    if (!database || !database->isGivenUp)
+        SQLFreeHandle(SQL_HANDLE_STMT, statement);
+}
+
+EnvironmentHandle allocateEnvironment()
+{
+    SQLHENV raw = SQL_NULL_HENV;
+    if (SQLAllocEnv(&raw) != SQL_SUCCESS)
+        return {};
+    return EnvironmentHandle(raw);
+}

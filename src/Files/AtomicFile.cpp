@@ -1,0 +1,182 @@
+#include "Files/AtomicFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/mman.h>
+#include <sys/sendfile.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t kBufferSize = 1 << 16;
+
+// The permissions that a new file would get here.
+mode_t newFileMode()
+{
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
+// Where a name leads when it is a link, also when nothing is there yet. A link in a circle comes back as it is.
+CString behindLinks(const CString& fileName)
+{
+    std::error_code ignored;
+    std::filesystem::path target = fileName;
+    for (int links = 0; links < 40 && std::filesystem::is_symlink(target, ignored); ++links)
+        target = target.parent_path() / std::filesystem::read_symlink(target, ignored);
+    return target;
+}
+
+// Who may do what with a file beyond its permissions: its ACL, which a folder may give to new ones too.
+bool hasAcl(const CString& fileName)
+{
+    return ::getxattr(fileName.c_str(), "system.posix_acl_access", nullptr, 0) > 0;
+}
+
+bool appendZeros(int file, off_t from, off_t to)
+{
+    static constexpr char zeros[4096] = {};
+    while (from < to) {
+        const ssize_t written =
+            ::pwrite(file, zeros, std::min(sizeof zeros, static_cast<std::size_t>(to - from)), from);
+        if (written < 0 && errno != EINTR)
+            return false;
+        from += std::max<ssize_t>(written, 0);
+    }
+    return true;
+}
+
+// Takes the room that a file needs before any of its bytes is overwritten, so that a full disk leaves it as it was. A
+// file that may not be read can't be asked where it has room already, so what knows no better way gets zeros at its
+// end.
+bool reserve(int file, off_t size)
+{
+    struct stat before = {};
+    if (::fstat(file, &before) != 0)
+        return false;
+    if (size <= before.st_size || ::fallocate(file, 0, 0, size) == 0 ||
+        (errno == EOPNOTSUPP && appendZeros(file, before.st_size, size)))
+        return true;
+    const int error = errno;
+    if (::ftruncate(file, before.st_size) == 0)
+        errno = error;
+    return false;
+}
+
+bool copy(int from, int to, off_t size)
+{
+    for (off_t at = 0; at < size;)
+        if (::sendfile(to, from, &at, static_cast<std::size_t>(size - at)) < 0 && errno != EINTR)
+            return false;
+    return true;
+}
+
+} // namespace
+
+AtomicFile::AtomicFile(const CString& fileName, Special special)
+{
+    open(fileName, special);
+}
+
+void AtomicFile::open(const CString& fileName, Special special)
+{
+    struct stat state = {};
+    replaces = ::stat(fileName.c_str(), &state) == 0;
+    if (!replaces && errno != ENOENT)
+        return fail();
+    if (replaces && !S_ISREG(state.st_mode)) {
+        errno = S_ISDIR(state.st_mode) ? EISDIR : ENOTSUP;
+        if (special == Special::written)
+            out.reset(::open(fileName.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+        return out.isOpen() ? void() : fail();
+    }
+    // A file that may not be written isn't replaced either, though its folder would allow it.
+    if (replaces && ::access(fileName.c_str(), W_OK) != 0)
+        return fail();
+    target = behindLinks(fileName);
+    if (target.empty()) {
+        errno = ENOENT;
+        return fail();
+    }
+    out.reset(temporary.create(target.substr(0, target.rfind('/') + 1), ".typeforge-"));
+    const bool isReady = out.isOpen() && (replaces ? takeRights(state) : ::fchmod(out.get(), newFileMode()) == 0);
+    if (!isReady && !(replaces && openMemory()))
+        fail();
+}
+
+// Whoever had no right on the old file has none on the new one. Owner and group go before the mode, some bits of which
+// they clear.
+bool AtomicFile::takeRights(const struct stat& old) const
+{
+    return !hasAcl(target) && !hasAcl(temporary.queryName()) && ::fchown(out.get(), old.st_uid, old.st_gid) == 0 &&
+           ::fchmod(out.get(), old.st_mode & 07777) == 0;
+}
+
+// What goes over a file where it stands waits in memory until it is whole.
+bool AtomicFile::openMemory()
+{
+    const int error = errno;
+    temporary.remove();
+    out.reset(::memfd_create("typeforge", MFD_CLOEXEC));
+    errno = error;
+    return out.isOpen();
+}
+
+void AtomicFile::fail()
+{
+    if (cause == FileCause::none)
+        cause = fileCauseOf(errno);
+}
+
+void AtomicFile::flush()
+{
+    if (cause == FileCause::none && !out.write(buffer))
+        fail();
+    buffer.clear();
+}
+
+void AtomicFile::write(std::string_view bytes)
+{
+    if (buffer.size() + bytes.size() > kBufferSize)
+        flush();
+    if (cause != FileCause::none)
+        return;
+    if (bytes.size() < kBufferSize)
+        buffer.append(bytes);
+    else if (!out.write(bytes))
+        fail();
+}
+
+FileCause AtomicFile::commit()
+{
+    flush();
+    if (cause == FileCause::none && !target.empty() && !place())
+        fail();
+    if (!out.close())
+        fail();
+    return cause;
+}
+
+bool AtomicFile::place()
+{
+    if (!temporary.exists())
+        return overwrite();
+    if (::fsync(out.get()) != 0)
+        return false;
+    return temporary.renameTo(target) || (replaces && overwrite());
+}
+
+bool AtomicFile::overwrite() const
+{
+    struct stat written = {};
+    const Descriptor file(::open(target.c_str(), O_WRONLY | O_CLOEXEC));
+    return file.isOpen() && ::fstat(out.get(), &written) == 0 && reserve(file.get(), written.st_size) &&
+           copy(out.get(), file.get(), written.st_size) && ::ftruncate(file.get(), written.st_size) == 0 &&
+           ::fsync(file.get()) == 0;
+}

@@ -1,0 +1,195 @@
+#include "Files/FileFinder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <set>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+
+int hexDigit(char c)
+{
+    static constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
+    const std::size_t at = kDigits.find(c);
+    return at == std::string_view::npos ? -1 : static_cast<int>(at < 16 ? at : at - 6);
+}
+
+/// What does not make an escape stays as it is.
+CString decoded(std::string_view text)
+{
+    CString out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const int high = text[i] == '%' && i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
+        const int low = high >= 0 ? hexDigit(text[i + 2]) : -1;
+        if (low < 0) {
+            out += text[i];
+        } else {
+            out += static_cast<char>(high * 16 + low);
+            i += 2;
+        }
+    }
+    return out;
+}
+
+/// The scheme in front of the first colon, "" when the reference has none.
+std::string_view schemeOf(std::string_view reference)
+{
+    const std::size_t colon = reference.find_first_of(":/?#");
+    if (colon == std::string_view::npos || reference[colon] != ':')
+        return {};
+    return kLetters.find(reference[0]) == std::string_view::npos ? std::string_view() : reference.substr(0, colon);
+}
+
+/// Takes "//host" off; false when that is another host than this one.
+bool dropHost(std::string_view& reference)
+{
+    if (!reference.starts_with("//"))
+        return true;
+    const std::size_t end = std::min(reference.find('/', 2), reference.size());
+    const CString host = lowerAscii(reference.substr(2, end - 2));
+    reference.remove_prefix(end);
+    return host.empty() || host == "localhost";
+}
+
+FileId idOf(const struct stat& status)
+{
+    return {status.st_dev, status.st_ino};
+}
+
+/// True for the errors that say that there is nothing; after the others there may be something that can't be looked at.
+bool meansMissing(int error)
+{
+    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
+}
+
+bool isFolderLink(std::string_view component)
+{
+    return component == "." || component == "..";
+}
+
+} // namespace
+
+CString localPath(std::string_view reference)
+{
+    CString slashed(trimmed(reference));
+    std::replace(slashed.begin(), slashed.end(), '\\', '/');
+    std::string_view rest = std::string_view(slashed).substr(0, slashed.find_first_of("?#"));
+    if (const std::string_view scheme = schemeOf(rest); !scheme.empty()) {
+        if (lowerAscii(scheme) != "file")
+            return {};
+        rest.remove_prefix(scheme.size() + 1);
+    }
+    if (!dropHost(rest))
+        return {};
+    CString path = decoded(rest);
+    return path.find('\0') == CString::npos ? path : CString();
+}
+
+CString folderOf(const CString& fileName)
+{
+    // What comes through a descriptor lies nowhere: the current folder stands in.
+    const bool isDescriptor = fileName.starts_with("/dev/") || fileName.starts_with("/proc/self/fd/");
+    const CString folder = isDescriptor ? "" : fileName.substr(0, fileName.rfind('/') + 1);
+    std::error_code failure;
+    // Resolved, so that a long chain of "../x/y.xsd" does not pile up a path that is too long to open.
+    const std::filesystem::path resolved = std::filesystem::canonical(folder.empty() ? "." : folder, failure);
+    if (failure)
+        return folder.empty() ? "./" : folder;
+    const CString name = resolved.string();
+    return name.ends_with('/') ? name : name + '/';
+}
+
+std::optional<FileId> identify(const CString& fileName)
+{
+    struct stat status;
+    if (stat(fileName.c_str(), &status) != 0)
+        return std::nullopt;
+    return idOf(status);
+}
+
+std::optional<FoundFile> FileFinder::find(const CString& folder, const CString& path)
+{
+    if (path.empty())
+        return std::nullopt;
+    const CString name = path.starts_with('/') ? path : folder + path;
+    struct stat status;
+    if (stat(name.c_str(), &status) == 0)
+        return S_ISREG(status.st_mode) ? std::optional(FoundFile{name, idOf(status)}) : std::nullopt;
+    isBlind = !meansMissing(errno);
+    if (auto found = findInAnyCase(folder, path))
+        return found;
+    return isBlind ? std::optional(FoundFile{name, {}}) : std::nullopt;
+}
+
+/// Goes through the path component by component with every folder that it can mean so far. Those are told apart by what
+/// they are, so that "a/../a/../a" beside an "A" is not followed in all its combinations.
+std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::string_view path)
+{
+    std::vector<FoundFile> found{{path.starts_with('/') ? "/" : folder, {}}};
+    if (const auto id = identify(found[0].name))
+        found[0].id = *id;
+    while (!path.empty() && !found.empty()) {
+        const std::string_view component = path.substr(0, path.find('/'));
+        path.remove_prefix(std::min(component.size() + 1, path.size()));
+        if (!component.empty())
+            found = step(found, component);
+    }
+    for (const FoundFile& file : found) {
+        struct stat status;
+        if (stat(file.name.c_str(), &status) == 0 && S_ISREG(status.st_mode))
+            return file;
+    }
+    return std::nullopt;
+}
+
+std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, std::string_view component)
+{
+    std::vector<FoundFile> found;
+    std::set<FileId> met;
+    for (const FoundFile& folder : folders) {
+        const CString prefix = folder.name.ends_with('/') ? folder.name : folder.name + '/';
+        for (const CString& name : namesLike(folder, component)) {
+            const auto id = identify(prefix + name);
+            isBlind |= !id && !meansMissing(errno);
+            if (id && met.insert(*id).second)
+                found.push_back({prefix + name, *id});
+        }
+    }
+    return found;
+}
+
+std::vector<CString> FileFinder::namesLike(const FoundFile& folder, std::string_view component)
+{
+    if (isFolderLink(component))
+        return {CString(component)};
+    std::vector<CString> names;
+    const auto [first, last] = list(folder).equal_range(lowerAscii(component));
+    for (auto name = first; name != last; ++name)
+        names.push_back(name->second);
+    // The name as it was given comes first.
+    std::sort(names.begin(), names.end(), [component](const CString& a, const CString& b) {
+        return std::pair(a != component, std::string_view(a)) < std::pair(b != component, std::string_view(b));
+    });
+    return names;
+}
+
+const FileFinder::Names& FileFinder::list(const FoundFile& folder)
+{
+    const auto [listing, isNew] = listings.try_emplace(folder.id);
+    if (isNew) {
+        std::error_code failure;
+        for (std::filesystem::directory_iterator entry(folder.name, failure), end; !failure && entry != end;
+             entry.increment(failure)) {
+            const CString name = entry->path().filename().string();
+            listing->second.names.emplace(lowerAscii(name), name);
+        }
+        // A folder that may not be listed may still have given the file by its own name.
+        listing->second.isBlind = failure && !meansMissing(failure.value()) && failure.value() != EACCES;
+    }
+    isBlind |= listing->second.isBlind;
+    return listing->second.names;
+}

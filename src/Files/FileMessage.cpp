@@ -1,0 +1,30 @@
+#include "Files/FileMessage.h"
+
+#include "Resources/StringTable.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+CString cantOpen(const CString& fileName, FileCause cause)
+{
+    return formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause));
+}
+
+// A number stands for several errors; the first of them has it said, but a folder is one that can be told.
+CString inWords(const CString& fileName, FileCause cause)
+{
+    constexpr int errors[] = {ENOENT, ENOTDIR, EMFILE, EACCES, EBADF, EIO, ETXTBSY, EAGAIN, ENOSPC};
+    std::error_code ignored;
+    if (cause == FileCause::accessDenied && std::filesystem::is_directory(fileName, ignored))
+        return std::generic_category().message(EISDIR);
+    const auto* const error = std::find_if(std::begin(errors), std::end(errors),
+                                           [cause](int candidate) { return fileCauseOf(candidate) == cause; });
+    return error == std::end(errors) ? "The system refuses it" : std::generic_category().message(*error);
+}
+
+CString shownFile(const CString& fileName)
+{
+    return fileName == kStandardInput ? "-" : fileName;
+}

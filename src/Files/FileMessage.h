@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Base/Text.h"
+#include "Files/FileError.h"
+
+/// Message 2210: that a file can't be opened, with the number of the cause.
+CString cantOpen(const CString& fileName, FileCause cause);
+
+/// The same cause in the words of the system, without the file's name.
+CString inWords(const CString& fileName, FileCause cause);
+
+/// The file that stands for standard input, and how it is shown.
+inline constexpr char kStandardInput[] = "/proc/self/fd/0";
+CString shownFile(const CString& fileName);

@@ -1,0 +1,85 @@
+#include "Files/Registry.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace {
+
+SettingsStore* gathering = nullptr; // the store of the transaction in hand
+
+bool queryValue(const char* key, const char* name, SettingsValue& value)
+{
+    return SettingsStore().getValue(key, name, value);
+}
+
+template <class Change>
+bool change(Change set)
+{
+    if (gathering != nullptr) {
+        set(*gathering);
+        return true;
+    }
+    SettingsStore store;
+    set(store);
+    return store.save();
+}
+
+// A text as scanf's %d and %u read it, which take a number as far as it goes; other types by their first four bytes.
+std::uint32_t asInteger(const SettingsValue& value)
+{
+    if (value.type == SettingsValue::Type::text)
+        return static_cast<std::uint32_t>(std::strtoll(value.bytes.c_str(), nullptr, 10));
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < 4 && i < value.bytes.size(); ++i)
+        number |= std::uint32_t(static_cast<unsigned char>(value.bytes[i])) << (8 * i);
+    return number;
+}
+
+} // namespace
+
+bool Registry::setString(HKEY, const char* key, const char* name, char* value)
+{
+    return change([&](SettingsStore& store) { store.setText(key, name, value); });
+}
+
+bool Registry::setInt(HKEY, const char* key, const char* name, int value)
+{
+    return change([&](SettingsStore& store) { store.setInteger(key, name, value); });
+}
+
+bool Registry::getString(HKEY, const char* key, const char* name, char* buffer, int bufferSize)
+{
+    std::fill_n(buffer, bufferSize, '\0');
+    SettingsValue value;
+    if (!queryValue(key, name, value) || value.bytes.size() > static_cast<std::size_t>(std::max(bufferSize, 0)))
+        return false;
+    std::copy(value.bytes.begin(), value.bytes.end(), buffer);
+    return true;
+}
+
+bool Registry::getUInt(HKEY, const char* key, const char* name, unsigned int& out)
+{
+    out = 0;
+    SettingsValue value;
+    if (!queryValue(key, name, value))
+        return false;
+    out = asInteger(value);
+    return true;
+}
+
+bool Registry::getInt(HKEY root, const char* key, const char* name, int& out)
+{
+    unsigned int number = 0;
+    const bool found = getUInt(root, key, name, number);
+    out = static_cast<int>(number);
+    return found;
+}
+
+SettingsTransaction::SettingsTransaction() : before(std::exchange(gathering, &store)) {}
+
+SettingsTransaction::~SettingsTransaction()
+{
+    gathering = before;
+    store.save();
+}

@@ -1,0 +1,98 @@
+#include "Files/TemporaryFile.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kEndingSignals[] = {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGPIPE, SIGXFSZ, SIGXCPU};
+
+// A signal can come at any moment, so what its handler reads is a chain that only ever changes by one store. A file is
+// in the chain before it exists, under a name that is still a pattern: there is no moment at which it would be missed.
+std::atomic<TemporaryFile*> chain = nullptr; // newest first
+
+// The disposition is the default one again by now, so the process ends as it would have done.
+void endBySignal(int signal)
+{
+    TemporaryFile::deleteAll();
+    std::raise(signal);
+}
+
+// A signal that is ignored (as under nohup) stays so.
+void watchForTheEnd()
+{
+    struct sigaction action = {};
+    action.sa_handler = endBySignal;
+    action.sa_flags = SA_RESETHAND;
+    for (const int signal : kEndingSignals)
+        if (struct sigaction present = {}; ::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_DFL)
+            ::sigaction(signal, &action, nullptr);
+    std::atexit(TemporaryFile::deleteAll);
+}
+
+// The folder's absolute name with a slash at its end, so that it lasts when the current folder changes.
+CString lasting(const CString& folder)
+{
+    const std::filesystem::path given = folder.empty() ? "." : folder;
+    std::error_code failure;
+    std::filesystem::path full = std::filesystem::canonical(given, failure);
+    if (failure)
+        full = std::filesystem::absolute(given, failure);
+    return (failure ? given : full) / "";
+}
+
+} // namespace
+
+void TemporaryFile::deleteAll() noexcept
+{
+    for (const auto* file = chain.load(); file != nullptr; file = file->next)
+        ::unlink(file->name.c_str());
+}
+
+void TemporaryFile::remove()
+{
+    if (isMade)
+        ::unlink(name.c_str());
+    isMade = false;
+    forget();
+}
+
+int TemporaryFile::create(const CString& folder, const char* prefix, const char* suffix)
+{
+    [[maybe_unused]] static const bool watching = (watchForTheEnd(), true);
+    name = lasting(folder) + prefix + "XXXXXX" + suffix;
+    next = chain;
+    chain = this;
+    const int descriptor = ::mkostemps(name.data(), static_cast<int>(std::strlen(suffix)), O_CLOEXEC);
+    isMade = descriptor >= 0;
+    if (!isMade)
+        forget();
+    return descriptor;
+}
+
+bool TemporaryFile::renameTo(const CString& target)
+{
+    if (::rename(name.c_str(), target.c_str()) != 0)
+        return false;
+    isMade = false;
+    forget();
+    return true;
+}
+
+// Takes the file out of the chain.
+void TemporaryFile::forget()
+{
+    if (chain == this) {
+        chain = next;
+        return;
+    }
+    for (TemporaryFile* before = chain; before != nullptr; before = before->next)
+        if (before->next == this)
+            before->next = next;
+}

@@ -1,0 +1,173 @@
+#include "Import/Dtd/DTDEntities.h"
+
+#include "Base/Encoding.h"
+#include "Files/File.h"
+#include "Files/FileMessage.h"
+#include "Import/Dtd/DTDText.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace {
+
+constexpr std::size_t kMaxDepth = 40;
+constexpr std::size_t kMaxGrowth = 100;
+constexpr std::size_t kSmallExpansion = 16 << 20;
+
+} // namespace
+
+DTDEntities::Text& DTDEntities::addMain(const CString& fileName, std::string_view bytes)
+{
+    CString room;
+    std::string_view text = decodeText(bytes, room);
+    if (text.data() == room.data() && !room.empty())
+        text = types.adopt(std::move(room));
+    read += text.size();
+    Text& file = files.emplace_back(Text{text, {report.addFile(fileName), 1}, true});
+    if (const auto id = identify(fileName))
+        filesById.emplace(*id, &file);
+    return file;
+}
+
+DTDEntities::Entity* DTDEntities::add(std::string_view name, SourcePlace place)
+{
+    const std::size_t hash = keyHash(name);
+    if (entities.find(name, hash))
+        return nullptr;
+    Entity& entity = owned.emplace_back(Entity{name, {{}, place}, {}});
+    entities.store(&entity, hash);
+    return &entity;
+}
+
+void DTDEntities::declare(std::string_view name, std::string_view value, SourcePlace place)
+{
+    Entity* entity = add(name, place);
+    if (!entity)
+        return;
+    entity->text = &entity->value;
+    if (value.find_first_of("%&") == std::string_view::npos)
+        entity->value.text = value;
+    else
+        replaceReferences(*entity, value);
+}
+
+void DTDEntities::declareModule(std::string_view name, std::string_view systemId, SourcePlace place)
+{
+    if (Entity* entity = add(name, place)) {
+        entity->isModule = true;
+        entity->systemId = systemId;
+    }
+}
+
+// In an entity's value a reference stands for text alone, so that parts of a name can come from one.
+void DTDEntities::replaceReferences(Entity& entity, std::string_view value)
+{
+    CString out;
+    while (!value.empty()) {
+        const std::size_t plain = std::min(value.find_first_of("%&"), value.size());
+        out.append(value.substr(0, plain));
+        value.remove_prefix(plain);
+        if (!value.empty())
+            value.remove_prefix(replaceOne(entity, value, out));
+    }
+    checkDepth(entity.depth);
+    spend(out.size());
+    entity.value.text = types.adopt(std::move(out));
+}
+
+// Replaces what stands at the start of `rest` and answers how much that is. What is no reference to a text that is
+// known stays.
+std::size_t DTDEntities::replaceOne(Entity& entity, std::string_view rest, CString& out)
+{
+    const std::string_view name = rest[0] == '%' ? dtdNameAt(rest.substr(1)) : std::string_view();
+    const std::size_t end = name.size() + 1;
+    if (const Entity* known = name.empty() ? nullptr : entities.find(name); known && known != &entity && known->text) {
+        if (!known->isModule) {
+            entity.depth = std::max(entity.depth, known->depth + 1);
+            if (out.size() > kSmallExpansion)
+                spend(known->value.text.size());
+            out.append(known->value.text);
+            return end + (end < rest.size() && rest[end] == ';');
+        }
+    }
+    if (rest.starts_with("&#")) {
+        const bool isHex = rest.size() > 2 && (rest[2] == 'x' || rest[2] == 'X');
+        const char* first = rest.data() + (isHex ? 3 : 2);
+        std::uint32_t code = 0;
+        const auto [behind, error] = std::from_chars(first, rest.data() + rest.size(), code, isHex ? 16 : 10);
+        if (error == std::errc() && appendCharacter(out, code))
+            return static_cast<std::size_t>(behind - rest.data()) +
+                   (behind < rest.data() + rest.size() && *behind == ';');
+    }
+    out += rest[0];
+    return 1;
+}
+
+DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, SourcePlace where)
+{
+    Entity* entity = entities.find(name);
+    if (!entity) {
+        report.add(SourceReport::entityUndeclared, where, name);
+        return nullptr;
+    }
+    if (!entity->text && entity->isModule)
+        entity->text = load(*entity, where);
+    if (!entity->text)
+        return nullptr;
+    if (entity->text->isOpen) {
+        report.add(SourceReport::senselessDeclaration, where, CString(name) + " inside itself");
+        return nullptr;
+    }
+    checkDepth(depth + entity->depth);
+    spend(entity->text->text.size());
+    entity->text->isOpen = true;
+    return entity->text;
+}
+
+// The file that a module names, or null.
+DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
+{
+    const std::uint32_t declaring = entity.value.start.file;
+    const auto [folder, isNew] = folders.try_emplace(declaring);
+    if (isNew)
+        folder->second = folderOf(report.fileNameOf(declaring));
+    const CString path = localPath(entity.systemId);
+    const auto found = finder.find(folder->second, path);
+    if (!found) {
+        const bool isRemote = path.empty() && !entity.systemId.empty();
+        report.add(isRemote ? SourceReport::moduleRemote : SourceReport::moduleMissing, where,
+                   entity.systemId.empty() ? entity.name : entity.systemId);
+        return nullptr;
+    }
+    if (const auto known = filesById.find(found->id); known != filesById.end())
+        return known->second;
+    CString bytes, room;
+    const FileCause cause = readFile(found->name, bytes);
+    if (cause == FileCause::fileNotFound) { // in a folder that can't be listed
+        report.add(SourceReport::moduleMissing, where, entity.systemId);
+        return nullptr;
+    }
+    if (cause != FileCause::none)
+        throw SourceRefusal{cantOpen(found->name, cause),
+                            {report.fileNameOf(where.file),
+                             CString(entity.systemId) + ": " + inWords(found->name, cause),
+                             static_cast<long>(where.line)}};
+    const std::string_view text = decodeText(bytes, room);
+    const std::string_view kept =
+        text.data() == room.data() ? types.adopt(std::move(room)) : types.adopt(CString(text));
+    read += kept.size();
+    return filesById[found->id] = &files.emplace_back(Text{kept, {report.addFile(found->name), 1}});
+}
+
+void DTDEntities::spend(std::size_t bytes)
+{
+    expanded += bytes;
+    if (expanded > kSmallExpansion && expanded / kMaxGrowth > read)
+        types.refuse(std::to_string(kMaxGrowth) + " times its own size in entities");
+}
+
+void DTDEntities::checkDepth(std::size_t depth)
+{
+    if (depth > kMaxDepth)
+        types.refuse(std::to_string(kMaxDepth) + " entities inside each other");
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Import/Dtd/DTDUses.h"
+#include "Import/Full/FullMessage.h"
+
+/// The importer of DTDs, XML and SGML, that reads them in full: parameter entities, modules, conditional sections.
+class DTDFullMessage : public FullMessage
+{
+public:
+    DTDFullMessage();
+
+    static FullMessage* New() { return new DTDFullMessage; }
+
+    CString queryUses(const CString& fileName) const override { return usesOfDtd(fileName); }
+
+protected:
+    void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
+};

@@ -1,0 +1,396 @@
+#include "Import/Dtd/DTDMsg.h"
+
+#include "Base/Progress.h"
+#include "Base/QELApp.h"
+#include "Import/Dtd/DTDNotes.h"
+#include "Resources/StringTable.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace {
+
+constexpr std::string_view kCommentStart = "<!--", kCommentEnd = "-->";
+constexpr std::string_view kPcdata = "#PCDATA", kCdata = "#CDATA", kImplied = "#IMPLIED";
+constexpr CharSet kBlank("\r\n\t ");
+constexpr CharSet kFieldTrim(" ()\r\n\t ");
+constexpr CharSet kSeparators(",|&");
+constexpr CharSet kMarks("*+?");
+constexpr CharSet kWhite(kWhitespace);
+constexpr std::size_t kKeywordLength = 7;
+constexpr std::size_t kMaxMainType = 4096;
+constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; real texts whose ends drift reach 90 MB
+constexpr std::size_t kMaxOverlap = 16;         // times the text
+constexpr std::size_t kExcerpt = 200;           // what a message tells of a statement
+constexpr unsigned kStepsATick = 1024;          // statements and names between two reports of the progress
+
+bool isTextKeyword(std::string_view name)
+{
+    return name == kPcdata || name == kCdata;
+}
+
+std::string_view withoutMarks(std::string_view piece)
+{
+    while (!piece.empty() && kMarks.has(piece.back()))
+        piece.remove_suffix(1);
+    return piece;
+}
+
+// A NUL byte reads as a space. The copy is made only for a text that holds one.
+std::string_view withoutNul(const CString& source, CString& copy)
+{
+    if (source.find('\0') == CString::npos)
+        return source;
+    copy = source;
+    std::replace(copy.begin(), copy.end(), '\0', ' ');
+    return copy;
+}
+
+} // namespace
+
+void DTDElement::addChild(DTDElement* child)
+{
+    if (child->lastParent != this) {
+        child->lastParent = this;
+        child->timesThere = 0;
+    }
+    if (child->timesThere++ < 2)
+        children.push_back(child);
+}
+
+int DTDElement::beginEnum()
+{
+    cursor = 0;
+    return !children.empty();
+}
+
+DTDElement* DTDElement::enumNext()
+{
+    if (cursor + 2 < children.size())
+        __builtin_prefetch(children[cursor + 2]); // children lie anywhere
+    return cursor < children.size() ? children[cursor++] : nullptr;
+}
+
+DTDMessage::Text::Text(std::string_view whole) :
+    whole(whole), elementKeyword(whole), attlistKeyword(whole), nameStart(whole), nameEnd(whole), firstInModel(whole),
+    behindTextKeyword(whole), groups(whole), told(Work::reading, whole.size(), kStepsATick)
+{}
+
+int DTDMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
+{
+    mainBefore = mainType;
+    CString copy;
+    Text parsed(withoutNul(source, copy));
+    text = &parsed;
+    sourceName = fileName;
+    report.addFile(fileName);
+    if (isReportWanted)
+        reportPassedOver(parsed.whole, parsed.lines.emplace(parsed.whole), report);
+    const int result = scan();
+    if (result)
+        declareAll(basePath + mainType + "\\");
+    text = nullptr;
+    forget();
+    return result;
+}
+
+void DTDMessage::onCancelled()
+{
+    text = nullptr;
+    forget();
+    mainType = mainBefore;
+}
+
+// What was of use for one parse.
+void DTDMessage::forget()
+{
+    dtdElements.clear();
+    memory.release();
+}
+
+bool DTDMessage::isComment(std::size_t start) const
+{
+    return text->whole.substr(start, kCommentStart.size()) == kCommentStart;
+}
+
+// The end of the statement that starts at `start`, searched from `from` on.
+std::size_t DTDMessage::endFrom(std::size_t start, std::size_t from) const
+{
+    if (!isComment(start))
+        return text->whole.find('>', from);
+    const std::size_t end = text->whole.find(kCommentEnd, from);
+    return end == kNowhere ? kNowhere : end + kCommentEnd.size() - 1;
+}
+
+// The k-th statement runs from the k-th '<' to the k-th end; starts and ends advance on their own.
+int DTDMessage::scan()
+{
+    std::size_t from = 0, read = 0;
+    for (std::size_t start = text->whole.find('<'); start != kNowhere; start = text->whole.find('<', start + 1)) {
+        std::size_t end = endFrom(start, from);
+        if (end != kNowhere && end < start) // stray ends have put the ends behind the starts
+            end = endFrom(start, start);
+        if (end == kNowhere)
+            return 1;
+        from = end + 1;
+        tellAt(from);
+        if (isComment(start))
+            continue;
+        read += from - start;
+        if (read > kFreeOverlap && read / kMaxOverlap > text->whole.size())
+            return refuse(text->whole.substr(start, from - start));
+        if (!doParse(start, from))
+            return 0;
+    }
+    return 1;
+}
+
+int DTDMessage::refuse(std::string_view statement)
+{
+    std::size_t size = std::min(statement.size(), kExcerpt);
+    while (size > 0 && size < statement.size() && (statement[size] & 0xC0) == 0x80) // inside a character
+        --size;
+    const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement.substr(0, size));
+    return fail(words, faultAt(static_cast<std::size_t>(statement.data() - text->whole.data()), words));
+}
+
+// What is said of the statement that begins at `at`, or at the '<' before.
+SourceFault DTDMessage::faultAt(std::size_t at, std::string_view words)
+{
+    if (!text->lines)
+        text->lines.emplace(text->whole);
+    const std::size_t start = text->whole.rfind('<', at);
+    const std::size_t place = start == kNowhere ? at : start;
+    return {sourceName, CString(words), text->lines->lineOf(place), text->lines->columnOf(place)};
+}
+
+// One statement, from its '<' to behind its '>'. Both handlers run when both keywords occur.
+int DTDMessage::doParse(std::size_t start, std::size_t end)
+{
+    const auto behind = [end](std::size_t keyword) { // the place behind the keyword, when it lies in the statement
+        return keyword != kNowhere && keyword + kKeywordLength <= end ? keyword + kKeywordLength : kNowhere;
+    };
+    if (const std::size_t element = behind(text->elementKeyword.from(start)); element != kNowhere)
+        if (!doParseElement(element, end))
+            return 0;
+    if (const std::size_t attlist = behind(text->attlistKeyword.from(start)); attlist != kNowhere)
+        doParseAttlist(attlist, end);
+    return 1;
+}
+
+// What stands behind the keyword: a name up to the first space or '(', then the content model.
+int DTDMessage::doParseElement(std::size_t start, std::size_t end)
+{
+    const std::size_t nameStart = std::min(text->nameStart.from(start), end);
+    const std::size_t nameEnd = std::min(text->nameEnd.from(nameStart), end);
+    if (nameStart == end)
+        return 1;
+    const std::string_view name = kBlank.trim(text->whole.substr(nameStart, nameEnd - nameStart));
+    if (mainType.empty() && name.size() > kMaxMainType)
+        return refuse(text->whole.substr(start, end - start));
+    if (mainType.empty())
+        mainType = name;
+    DTDElement& element = addDTDElement(name, nullptr);
+    const std::size_t group = text->groups.firstFrom(nameEnd);
+    if (group == text->groups.size() || text->groups.openOf(group) >= end ||
+        holdsTextOnly(text->groups.openOf(group), end))
+        return 1;
+    doParseField(nameEnd, end - 1, name.empty() ? nullptr : &element);
+    return 1;
+}
+
+// True when the first piece of the content model is empty or says that the element holds text.
+bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end)
+{
+    const std::size_t close = lastCloseBefore(end);
+    const std::size_t contentEnd = close != kNowhere && close > open ? close : end;
+    const std::string_view whole = text->whole;
+    const std::size_t first = text->firstInModel.from(open + 1);
+    if (first >= contentEnd || whole[first] == ',')
+        return true;
+    for (const std::string_view keyword : {kPcdata, kCdata}) {
+        if (whole.substr(first, keyword.size()) != keyword || first + keyword.size() > contentEnd)
+            continue;
+        const std::size_t next = text->behindTextKeyword.from(first + keyword.size());
+        return next >= contentEnd || whole[next] == ',';
+    }
+    return false;
+}
+
+std::size_t DTDMessage::lastCloseBefore(std::size_t end)
+{
+    const std::size_t found = text->whole.substr(text->closeSeen, end - text->closeSeen).rfind(')');
+    if (found != kNowhere)
+        text->lastClose = text->closeSeen + found;
+    text->closeSeen = end;
+    return text->lastClose;
+}
+
+// A content model: names, and groups of names. The ends of the groups in hand are kept on a stack of our own, since a
+// model may nest as deep as the text is long.
+void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* parent)
+{
+    const DTDGroups& groups = text->groups;
+    std::vector<std::size_t> ends{end};
+    for (std::size_t next = groups.firstFrom(start); !ends.empty();) {
+        while (next < groups.size() && groups.openOf(next) < start)
+            ++next;
+        const std::size_t levelEnd = ends.back();
+        const std::size_t open = next < groups.size() ? std::min(groups.openOf(next), levelEnd) : levelEnd;
+        tellAt(start);
+        if (start < open)
+            formatField(text->whole.substr(start, open - start), {}, parent);
+        start = open + 1;
+        if (open == levelEnd) {
+            ends.pop_back(); // and on behind the ')' that ended this level
+        } else if (const DTDGroups::Close* close = groups.closeOf(next, levelEnd); !close) {
+            continue; // the group runs to the end of this level
+        } else if (close->mark < levelEnd) {
+            formatField(text->whole.substr(start, close->at - start), "*", parent);
+            start = close->mark;
+        } else {
+            ends.push_back(close->at);
+        }
+    }
+}
+
+// A flat list of names; parentheses left over from groups fall away at the ends of its pieces.
+void DTDMessage::formatField(std::string_view content, std::string_view mark, DTDElement* parent)
+{
+    while (!content.empty()) {
+        const std::size_t separator = kSeparators.in(content);
+        const std::string_view piece = kFieldTrim.trim(content.substr(0, separator));
+        content.remove_prefix(separator == kNowhere ? content.size() : separator + 1);
+        const std::string_view name = withoutMarks(piece);
+        tellAt(static_cast<std::size_t>(piece.data() - text->whole.data()));
+        if (name.empty() || isTextKeyword(name))
+            continue;
+        if (mark.empty() || piece.ends_with('*') || piece.ends_with('+'))
+            addDTDElement(piece, parent);
+        else
+            addJoined({piece, mark}, parent);
+    }
+}
+
+// Element and attribute name are read; type and default are skipped by length. What is left is read as a next pair.
+void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
+{
+    const std::string_view statement = text->whole.substr(start, end - start);
+    std::string_view rest = kBlank.trim(statement);
+    const auto takeWord = [&rest](std::string_view& word) {
+        const std::size_t blank = kBlank.in(rest);
+        if (blank == kNowhere)
+            return false;
+        word = rest.substr(0, blank);
+        rest = kBlank.trim(rest.substr(blank + 1));
+        return true;
+    };
+    const auto drop = [&rest](std::size_t count) { rest = kBlank.trim(rest.substr(std::min(count, rest.size()))); };
+    for (std::size_t left = statement.size(); left >= 2; left = rest.size()) {
+        tellAt(end - left);
+        std::string_view element, attribute;
+        if (!takeWord(element) || !takeWord(attribute)) {
+            const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement);
+            SourceFault fault = faultAt(start, words);
+            fault.isWarning = true;
+            report.add(SourceReport::statementUnreadable, {0, static_cast<std::uint32_t>(fault.line)}, statement);
+            theApp.Error(words, IDS_ERROR_TITLE, fault);
+            return;
+        }
+        if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)
+            continue;
+        DTDElement& field = addJoined({element, "_", attribute}, nullptr);
+        addDTDElement(element, nullptr).addChild(&field);
+        drop(kCdata.size());
+        drop(kImplied.size());
+    }
+}
+
+// The entry of `child`, made when it is new; `parent` gets it as a child.
+DTDElement& DTDMessage::addDTDElement(std::string_view child, DTDElement* parent)
+{
+    const std::uint32_t hash = keyHash(child);
+    DTDElement* entry = dtdElements.find(child, hash);
+    if (!entry) {
+        entry = std::pmr::polymorphic_allocator<>(&memory).new_object<DTDElement>(child, &memory);
+        dtdElements.store(entry, hash);
+    }
+    if (parent)
+        parent->addChild(entry);
+    return *entry;
+}
+
+// The same for a name that does not stand in the text as it is.
+DTDElement& DTDMessage::addJoined(std::initializer_list<std::string_view> pieces, DTDElement* parent)
+{
+    joined.clear();
+    for (const std::string_view piece : pieces)
+        joined.append(piece);
+    return addDTDElement(dtdElements.find(joined) ? std::string_view(joined) : memory.keep(joined), parent);
+}
+
+void DTDMessage::declareAll(const CString& path)
+{
+    beginWork(Work::arranging);
+    for (DTDElement* record : dtdElements)
+        if (record->beginEnum())
+            declareRecord(*record, path);
+}
+
+void DTDMessage::declareRecord(DTDElement& record, const CString& path)
+{
+    noteName(record);
+    const CString name(record.queryName());
+    RunningHash key(name);
+    Element* row = model.addElement(key, path, name, Element::typeRow, nullptr);
+    key.append(".");
+    while (DTDElement* child = record.enumNext())
+        declareField(*child, path, key, row);
+}
+
+// A mark that repeats is said by declaring the usage twice: the model makes a table of a usage that it has seen
+// twice. `usageKey` is what the keys of all fields of the record begin with.
+void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record)
+{
+    std::string_view name = child.queryName();
+    const Modifiers mark = getModifiers(name); // takes the mark off the name
+    noteName(child);
+    const Fingerprint key = usageKey.append(name);
+    if (child.element)
+        model.addUsage(key, child.element, record);
+    else
+        child.element = model.addElement(key, path, name, Element::typeString, record);
+    if (mark == modStar || mark == modPlus)
+        model.addUsage(key, child.element, record);
+}
+
+// Reports a name that no element or attribute of a document can have; once, by its first place.
+void DTDMessage::noteName(DTDElement& entry)
+{
+    if (!isReportWanted || std::exchange(entry.isNoted, true))
+        return;
+    std::string_view name = entry.queryName();
+    getModifiers(name);
+    if (isXmlName(name))
+        return;
+    const std::string_view whole = text->whole;
+    const bool isOfText =
+        std::greater_equal<>()(name.data(), whole.data()) && std::less<>()(name.data(), whole.data() + whole.size());
+    const long line = isOfText ? text->lines->lineOf(static_cast<std::size_t>(name.data() - whole.data())) : 0;
+    report.add(SourceReport::impossibleName, {0, static_cast<std::uint32_t>(line)}, name);
+}
+
+// Takes all marks off the end of a name; one that repeats counts more than a '?'.
+DTDMessage::Modifiers DTDMessage::getModifiers(std::string_view& name)
+{
+    Modifiers found = modNone;
+    name = kWhite.trim(name);
+    while (name.size() > 1 && kMarks.has(name.back())) {
+        const Modifiers mark = name.back() == '*' ? modStar : name.back() == '+' ? modPlus : modOptional;
+        if (found == modNone || found == modOptional)
+            found = mark;
+        name.remove_suffix(1);
+    }
+    return found;
+}

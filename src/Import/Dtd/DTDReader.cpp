@@ -1,0 +1,415 @@
+#include "Import/Dtd/DTDReader.h"
+
+#include <algorithm>
+
+namespace {
+
+// `text` in capitals is `word`: SGML reads its keywords in any case.
+bool isKeyword(std::string_view text, std::string_view word)
+{
+    return std::ranges::equal(text, word, {}, [](char c) { return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : int{c}; });
+}
+
+// A declaration of a namespace says nothing of the data.
+bool isNamespace(std::string_view attribute)
+{
+    return attribute == "xmlns" || attribute.starts_with("xmlns:");
+}
+
+} // namespace
+
+const DTDReader::Declaration DTDReader::kDeclarations[] = {
+    {"ELEMENT", &DTDReader::readElement},   {"ATTLIST", &DTDReader::readAttlist}, {"ENTITY", &DTDReader::readEntity},
+    {"NOTATION", &DTDReader::readNotation}, {"DOCTYPE", &DTDReader::readDoctype},
+};
+
+void DTDReader::read()
+{
+    while (tokens.nextDeclaration())
+        readDeclaration();
+    makeRecords();
+}
+
+void DTDReader::readDeclaration()
+{
+    tokens.next();
+    isNoted = false;
+    const auto known = std::ranges::find_if(kDeclarations, [&](const Declaration& declaration) {
+        return isKeyword(tokens.keyword(), declaration.keyword);
+    });
+    if (known != std::end(kDeclarations))
+        (this->*known->read)();
+    else if (!tokens.keyword().empty())
+        senseless(tokens.keyword());
+    if (tokens.token().isMark('['))
+        return; // what stands in the brackets are declarations
+    tokens.skipDeclaration();
+    if (tokens.token().kind == DTDTokens::tokenMissing && !isNoted)
+        senseless("declaration without an end");
+}
+
+void DTDReader::senseless(std::string_view what)
+{
+    report.add(SourceReport::senselessDeclaration, tokens.place(), what);
+    isNoted = true;
+}
+
+DTDReader::Element& DTDReader::elementNamed(std::string_view name)
+{
+    const std::size_t hash = keyHash(name);
+    if (Element* known = elementsByName.find(name, hash))
+        return *known;
+    Element& made =
+        elements.emplace_back(Element{name, tokens.place(), static_cast<Index>(elements.size()), isXmlName(name)});
+    elementsByName.store(&made, hash);
+    return made;
+}
+
+// The names that a declaration is for: one, or in SGML a group of them. False when there is none.
+bool DTDReader::readNames()
+{
+    names.clear();
+    const bool isGroup = tokens.token().isMark('(');
+    if (isGroup)
+        tokens.next();
+    do {
+        if (tokens.token().kind == DTDTokens::tokenWord && isXmlName(tokens.token().text))
+            names.push_back(tokens.token().text);
+        else if (!isGroup || tokens.token().kind != DTDTokens::tokenMark)
+            return false;
+        tokens.next();
+    } while (isGroup && !tokens.token().isMark(')'));
+    if (isGroup)
+        tokens.next();
+    return !names.empty();
+}
+
+void DTDReader::readElement()
+{
+    if (!readNames()) {
+        senseless("ELEMENT without a name");
+        return;
+    }
+    const auto isMinimization = [](const DTDTokens::Token& token) {
+        return token.isMark('-') || (token.kind == DTDTokens::tokenWord && isKeyword(token.text, "O"));
+    };
+    while (isMinimization(tokens.token())) // of SGML: which tags may be left out
+        tokens.next();
+    bool holdsText = false;
+    model.clear();
+    if (!readContent(holdsText)) {
+        senseless(names.front());
+        return;
+    }
+    readException();
+    const auto entries = model.finish();
+    const auto first = static_cast<Index>(contents.size());
+    contents.insert(contents.end(), entries.begin(), entries.end());
+    for (const std::string_view name : names)
+        declareElement(elementNamed(name), first, holdsText);
+}
+
+// What an element may hold. An entity that isn't there may have said it.
+bool DTDReader::readContent(bool& holdsText)
+{
+    const DTDTokens::Token& token = tokens.token();
+    if (token.isMark('('))
+        return readGroup(holdsText);
+    if (token.isEnd())
+        return token.isBehindUnknown;
+    const bool isAny = isKeyword(token.text, "ANY");
+    if (isAny)
+        report.add(SourceReport::anyContent, tokens.place(), names.front());
+    holdsText =
+        isAny || isKeyword(token.text, "CDATA") || isKeyword(token.text, "RCDATA") || isKeyword(token.text, "PCDATA");
+    const bool isKnown = token.kind <= DTDTokens::tokenReserved && (holdsText || isKeyword(token.text, "EMPTY"));
+    if (isKnown)
+        tokens.next();
+    return isKnown;
+}
+
+// A content model, from its first '('. False when it doesn't come to an end.
+bool DTDReader::readGroup(bool& holdsText)
+{
+    std::size_t depth = 0;
+    const DTDTokens::Token& token = tokens.token();
+    do {
+        if (token.isEnd()) {
+            senseless(names.front());
+            for (; depth > 0; --depth)
+                model.endGroup(false);
+            return true; // what was said so far stands
+        }
+        if (token.kind == DTDTokens::tokenWord) {
+            readChild();
+            continue;
+        }
+        const DTDTokens::Kind kind = token.kind;
+        const char mark = kind == DTDTokens::tokenMark ? token.mark : '\0';
+        holdsText |= kind == DTDTokens::tokenReserved && isKeyword(token.text, "PCDATA");
+        tokens.next();
+        if (mark == '(') {
+            ++depth;
+            model.beginGroup(ContentModel::undecided);
+        } else if (mark == ')') {
+            --depth;
+            model.endGroup(readMark());
+        } else if (mark == '|') {
+            model.decide(ContentModel::choice);
+        } else if (mark == ',' || mark == '&') {
+            model.decide(ContentModel::sequence);
+        }
+    } while (depth > 0);
+    return true;
+}
+
+void DTDReader::readChild()
+{
+    const Element& child = elementNamed(tokens.token().text);
+    tokens.next();
+    const bool repeats = readMark();
+    if (child.isName)
+        model.add(child.index, repeats);
+    else
+        senseless(child.name);
+}
+
+// The mark behind a name or a group; true when it says that there may be more than one. A '+' before a '(' begins an
+// inclusion.
+bool DTDReader::readMark()
+{
+    if (tokens.token().isMark('?'))
+        tokens.next();
+    else if (tokens.token().isMark('*') || (tokens.token().isMark('+') && !tokens.peek('(')))
+        return tokens.next(), true;
+    return false;
+}
+
+// What stands behind the content: SGML's "+(a|b)" and "-(a|b)", which may or may not come anywhere inside, or nothing.
+void DTDReader::readException()
+{
+    if (tokens.token().isMark('+') || tokens.token().isMark('-'))
+        report.add(SourceReport::sgmlException, tokens.place(), names.front());
+    else if (!tokens.token().isEnd())
+        senseless(names.front());
+}
+
+void DTDReader::declareElement(Element& element, Index firstContent, bool holdsText)
+{
+    if (element.isDeclared) {
+        report.add(SourceReport::declaredTwice, tokens.place(), element.name);
+        return;
+    }
+    element.isDeclared = true;
+    element.holdsText = holdsText;
+    element.place = tokens.place();
+    element.firstContent = firstContent;
+    element.contentCount = static_cast<Index>(contents.size() - firstContent);
+    if (holdsText && element.contentCount > 0)
+        report.add(SourceReport::mixedContent, tokens.place(), element.name);
+    declared.push_back(element.index);
+}
+
+void DTDReader::readAttlist()
+{
+    if (!readNames()) {
+        senseless("ATTLIST without a name");
+        return;
+    }
+    while (!tokens.token().isEnd())
+        if (!readAttribute()) {
+            senseless(names.front());
+            return;
+        }
+}
+
+// One attribute: its name, its type and its default. An entity that isn't there may have held the type, or both.
+bool DTDReader::readAttribute()
+{
+    if (tokens.token().kind != DTDTokens::tokenWord || !isXmlName(tokens.token().text))
+        return false;
+    const std::string_view name = tokens.token().text;
+    tokens.next();
+    SourceTypes::Type type;
+    if (tokens.token().kind != DTDTokens::tokenWord || !tokens.token().isBehindUnknown) {
+        type = readAttributeType(name);
+        readDefault();
+    }
+    if (!isNamespace(name))
+        for (const std::string_view element : names)
+            addAttribute(elementNamed(element), name, type);
+    return true;
+}
+
+SourceTypes::Type DTDReader::readAttributeType(std::string_view attribute)
+{
+    if (tokens.token().isMark('('))
+        return readConstants(attribute);
+    if (tokens.token().kind != DTDTokens::tokenWord)
+        return {};
+    const bool isNotation = isKeyword(tokens.token().text, "NOTATION");
+    tokens.next();
+    if (isNotation && tokens.token().isMark('('))
+        readConstants(attribute);
+    return {};
+}
+
+SourceTypes::Type DTDReader::readConstants(std::string_view attribute)
+{
+    constants.clear();
+    while (!tokens.token().isEnd() && !tokens.token().isMark(')')) {
+        if (tokens.token().kind == DTDTokens::tokenWord)
+            constants.push_back(tokens.token().text);
+        tokens.next();
+    }
+    if (tokens.token().isMark(')'))
+        tokens.next();
+    if (constants.empty())
+        return {};
+    return {SourceTypes::kindEnumeration, types.addEnumeration(attribute, constants, false)};
+}
+
+void DTDReader::readDefault()
+{
+    const DTDTokens::Token& token = tokens.token();
+    const bool isReserved = token.kind == DTDTokens::tokenReserved;
+    const bool isFixed = isReserved && isKeyword(token.text, "FIXED");
+    if (isReserved)
+        tokens.next();
+    if (isReserved && !isFixed)
+        return;
+    // A word behind an entity that isn't there, which may have held the default, is the next attribute.
+    const bool isWord = token.kind == DTDTokens::tokenWord && !token.isBehindUnknown;
+    if (!isWord && token.kind != DTDTokens::tokenLiteral)
+        return;
+    report.count(SourceReport::defaultValue);
+    tokens.next();
+}
+
+void DTDReader::addAttribute(Element& element, std::string_view name, SourceTypes::Type type)
+{
+    const AttributeKey key{element.index, name};
+    const std::size_t hash = keyHash(key);
+    if (attributesByKey.find(key, hash)) {
+        report.add(SourceReport::declaredTwice, tokens.place(), CString(element.name) + " " + CString(name));
+        return;
+    }
+    types.checkFields(attributes.size());
+    const auto index = static_cast<Index>(attributes.size());
+    attributesByKey.store(&attributes.emplace_back(Attribute{key, type, SourceTypes::kNone}), hash);
+    if (element.lastAttribute == SourceTypes::kNone)
+        element.firstAttribute = index;
+    else
+        attributes[element.lastAttribute].next = index;
+    element.lastAttribute = index;
+}
+
+// "% name value", "% name SYSTEM place", "% name PUBLIC id place"; without the '%' it is one for documents.
+void DTDReader::readEntity()
+{
+    if (!tokens.token().isMark('%')) {
+        report.count(SourceReport::generalEntity);
+        return;
+    }
+    const std::string_view name = tokens.next().text;
+    if (tokens.token().kind != DTDTokens::tokenWord) {
+        senseless("ENTITY without a name");
+        return;
+    }
+    const DTDTokens::Token& token = tokens.next();
+    if (std::string_view systemId; readExternalId(systemId)) {
+        tokens.entities().declareModule(name, systemId, tokens.place());
+        return;
+    }
+    if (token.kind == DTDTokens::tokenWord)
+        tokens.next(); // SGML's CDATA, SDATA and their like
+    if (token.kind == DTDTokens::tokenLiteral)
+        tokens.entities().declare(name, token.text, tokens.literalPlace());
+    else
+        senseless(name);
+}
+
+// "SYSTEM place", "PUBLIC id place", in SGML "PUBLIC id". False for anything else.
+bool DTDReader::readExternalId(std::string_view& systemId)
+{
+    const DTDTokens::Token& token = tokens.token();
+    const bool isPublic = token.kind == DTDTokens::tokenWord && isKeyword(token.text, "PUBLIC");
+    if (!isPublic && (token.kind != DTDTokens::tokenWord || !isKeyword(token.text, "SYSTEM")))
+        return false;
+    tokens.next();
+    if (isPublic && token.kind == DTDTokens::tokenLiteral)
+        tokens.next();
+    if (token.kind == DTDTokens::tokenLiteral)
+        systemId = token.text;
+    return true;
+}
+
+void DTDReader::readNotation()
+{
+    report.count(SourceReport::notation);
+}
+
+// A document: of its own declarations, in brackets, the first of a name hold before those of the DTD that it names.
+void DTDReader::readDoctype()
+{
+    const std::string_view root = tokens.token().text;
+    tokens.next();
+    std::string_view systemId, external;
+    if (readExternalId(systemId)) {
+        external = types.adopt("DOCTYPE " + CString(root)); // as no entity can be called
+        tokens.entities().declareModule(external, systemId, tokens.place());
+    }
+    while (!tokens.token().isEnd() && !tokens.token().isMark('['))
+        tokens.next();
+    tokens.endWithDoctype(external);
+}
+
+// All records before the first field: a field names the record of its element, which may stand anywhere. An element
+// that is only referred to is text, and is told.
+void DTDReader::makeRecords()
+{
+    std::vector<Index> order = declared;
+    for (const Element& element : elements)
+        if (!element.isDeclared && element.isName) {
+            report.add(SourceReport::unresolvedReference, element.place, element.name);
+            order.push_back(element.index);
+        }
+    for (const Index index : order) {
+        cancelPoint.pass();
+        Element& element = elements[index];
+        if (element.contentCount > 0 || element.firstAttribute != SourceTypes::kNone)
+            element.record = types.addRecord({element.name, {}, element.place});
+        if (element.isDeclared)
+            types.addCandidate({element.name, typeOf(element), false, element.place});
+    }
+    std::vector<SourceTypes::Field> fields;
+    for (const Index index : order)
+        if (elements[index].record != SourceTypes::kNone) {
+            makeFields(elements[index], fields);
+            types.setFields(elements[index].record, fields);
+        }
+}
+
+SourceTypes::Type DTDReader::typeOf(const Element& element) const
+{
+    if (element.record == SourceTypes::kNone)
+        return {};
+    return {SourceTypes::kindRecord, element.record};
+}
+
+void DTDReader::makeFields(const Element& element, std::vector<SourceTypes::Field>& fields)
+{
+    fields.clear();
+    if (element.holdsText)
+        fields.push_back({"value", {}, {}, SourceTypes::roleValue});
+    for (const ContentModel::Entry& entry : std::span(contents).subspan(element.firstContent, element.contentCount)) {
+        cancelPoint.pass();
+        const Element& child = elements[entry.name];
+        fields.push_back({child.name, {}, typeOf(child), SourceTypes::roleElement, entry.repeats});
+    }
+    for (Index at = element.firstAttribute; at != SourceTypes::kNone; at = attributes[at].next) {
+        const Attribute& attribute = attributes[at];
+        fields.push_back(
+            {types.join(element.name, attribute.key.name), {}, attribute.type, SourceTypes::roleAttribute});
+    }
+}

@@ -1,0 +1,105 @@
+#pragma once
+
+#include "Base/Progress.h"
+#include "Import/Dtd/DTDTokens.h"
+#include "Import/Full/ContentModel.h"
+
+/// Reads the declarations of a DTD and says what types they make: an element that may hold others, or has attributes,
+/// is a record, its children and attributes the fields. The first declaration of a name holds.
+class DTDReader
+{
+public:
+    DTDReader(DTDTokens& tokens, SourceTypes& types, SourceReport& report) :
+        tokens(tokens), types(types), report(report)
+    {}
+
+    void read();
+
+private:
+    using Index = SourceTypes::Index;
+    using Handler = void (DTDReader::*)();
+
+    struct Declaration
+    {
+        std::string_view keyword;
+        Handler read;
+    };
+
+    struct Element
+    {
+        std::string_view name;
+        SourcePlace place; // of its declaration, else of what mentions it first
+        Index index;
+        bool isName;
+        Index firstContent = 0;
+        Index contentCount = 0;
+        Index firstAttribute = SourceTypes::kNone;
+        Index lastAttribute = SourceTypes::kNone;
+        Index record = SourceTypes::kNone;
+        bool isDeclared = false;
+        bool holdsText = false;
+
+        std::string_view queryName() const { return name; }
+    };
+
+    struct AttributeKey
+    {
+        Index element;
+        std::string_view name;
+
+        friend bool operator==(const AttributeKey&, const AttributeKey&) = default;
+        friend std::size_t keyHash(const AttributeKey& key) { return ::keyHash(key.name) ^ key.element * 0x9E3779B1u; }
+    };
+
+    struct Attribute
+    {
+        AttributeKey key;
+        SourceTypes::Type type;
+        Index next; // of the same element
+
+        AttributeKey queryKey() const { return key; }
+    };
+
+    static const Declaration kDeclarations[];
+
+    void readDeclaration();
+    void readElement();
+    void readAttlist();
+    void readEntity();
+    bool readExternalId(std::string_view& systemId);
+    void readNotation();
+    void readDoctype();
+    bool readNames();
+    bool readContent(bool& holdsText);
+    bool readGroup(bool& holdsText);
+    void readChild();
+    bool readMark();
+    void readException();
+    void declareElement(Element& element, Index firstContent, bool holdsText);
+    bool readAttribute();
+    SourceTypes::Type readAttributeType(std::string_view attribute);
+    SourceTypes::Type readConstants(std::string_view attribute);
+    void readDefault();
+    void addAttribute(Element& element, std::string_view name, SourceTypes::Type type);
+    Element& elementNamed(std::string_view name);
+    void senseless(std::string_view what);
+
+    void makeRecords();
+    SourceTypes::Type typeOf(const Element& element) const;
+    void makeFields(const Element& element, std::vector<SourceTypes::Field>& fields);
+
+    DTDTokens& tokens;
+    SourceTypes& types;
+    SourceReport& report;
+    std::deque<Element> elements; // in the order in which they are met
+    KeyedTable<Element, &Element::queryName> elementsByName;
+    std::vector<Index> declared; // in the order of declaration
+    std::vector<ContentModel::Entry> contents;
+    std::deque<Attribute> attributes;
+    KeyedTable<Attribute, &Attribute::queryKey, AttributeKey> attributesByKey;
+    ContentModel model;
+    CancelPoint cancelPoint{4096};       // passed by each field
+    std::vector<std::string_view> names; // that the declaration in hand is for
+    std::vector<std::string_view> constants;
+    bool isNoted = false; // the report has the declaration in hand
+};

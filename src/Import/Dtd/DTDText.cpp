@@ -1,0 +1,124 @@
+#include "Import/Dtd/DTDText.h"
+
+#include "Base/Progress.h"
+#include "Base/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// How far a pattern can be moved on when the text's character under its last place is the index (Horspool's rule).
+constexpr std::array<unsigned char, 256> shiftsOf(std::string_view word)
+{
+    std::array<unsigned char, 256> shifts{};
+    shifts.fill(static_cast<unsigned char>(word.size()));
+    for (std::size_t i = 0; i + 1 < word.size(); ++i) {
+        const auto shift = static_cast<unsigned char>(word.size() - 1 - i);
+        shifts[static_cast<unsigned char>(word[i])] = shift;
+        shifts[static_cast<unsigned char>(word[i] - 'A' + 'a')] = shift;
+    }
+    return shifts;
+}
+
+// `word` is in capitals.
+std::size_t findWord(std::string_view text, std::size_t from, std::string_view word,
+                     const std::array<unsigned char, 256>& shifts)
+{
+    const std::size_t last = word.size() - 1;
+    for (std::size_t at = from; at < text.size() && text.size() - at > last;) {
+        if (std::equal(word.begin(), word.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
+                       [](char a, char b) { return a == upperAscii(b); }))
+            return at;
+        at += shifts[static_cast<unsigned char>(text[at + last])];
+    }
+    return kNowhere;
+}
+
+constexpr std::string_view kElement = "ELEMENT", kAttlist = "ATTLIST";
+constexpr std::array<unsigned char, 256> kElementShifts = shiftsOf(kElement);
+constexpr std::array<unsigned char, 256> kAttlistShifts = shiftsOf(kAttlist);
+
+} // namespace
+
+std::size_t findElementKeyword(std::string_view text, std::size_t from)
+{
+    return findWord(text, from, kElement, kElementShifts);
+}
+
+std::size_t findAttlistKeyword(std::string_view text, std::size_t from)
+{
+    return findWord(text, from, kAttlist, kAttlistShifts);
+}
+
+std::size_t skipWhitespace(std::string_view text, std::size_t from)
+{
+    static constexpr CharSet blank("\r\n\t ");
+    return blank.out(text, from);
+}
+
+std::size_t findNameEnd(std::string_view text, std::size_t from)
+{
+    static constexpr CharSet ends(" (");
+    return ends.in(text, from);
+}
+
+TextLines::TextLines(std::string_view text) : starts{0}
+{
+    for (std::size_t at = text.find('\n'); at != kNowhere; at = text.find('\n', at + 1))
+        starts.push_back(at + 1);
+}
+
+long TextLines::lineOf(std::size_t at) const
+{
+    return std::upper_bound(starts.begin(), starts.end(), at) - starts.begin();
+}
+
+long TextLines::columnOf(std::size_t at) const
+{
+    return static_cast<long>(at - starts[static_cast<std::size_t>(lineOf(at) - 1)] + 1);
+}
+
+DTDGroups::DTDGroups(std::string_view text)
+{
+    static constexpr CharSet structure("()*+,|&");
+    std::vector<std::size_t> open; // groups that wait for their ')'
+    std::size_t unmarked = 0;      // the first ')' that waits for the next mark or separator
+    CancelPoint cancelPoint(1 << 16);
+    for (std::size_t at = structure.in(text); at != kNowhere; at = structure.in(text, at + 1)) {
+        cancelPoint.pass();
+        const char c = text[at];
+        if (c == '(') {
+            open.push_back(groups.size());
+            groups.push_back({.open = at});
+        } else if (c == ')') {
+            if (!open.empty()) {
+                groups[open.back()].close = closes.size();
+                open.pop_back();
+            }
+            closes.push_back({.at = at});
+        } else {
+            if (c == '*' || c == '+')
+                for (; unmarked < closes.size(); ++unmarked)
+                    closes[unmarked].mark = at;
+            unmarked = closes.size();
+        }
+    }
+}
+
+const DTDGroups::Close* DTDGroups::closeOf(std::size_t index, std::size_t end) const
+{
+    const Group& group = groups[index];
+    if (group.close != kNowhere && closes[group.close].at < end)
+        return &closes[group.close];
+    const auto isBefore = [](const Close& close, std::size_t place) { return close.at < place; };
+    const auto behind = std::lower_bound(closes.begin(), closes.end(), end, isBefore);
+    return behind != closes.begin() && behind[-1].at > group.open ? &behind[-1] : nullptr;
+}
+
+std::size_t DTDGroups::firstFrom(std::size_t start) const
+{
+    const auto opensBefore = [](const Group& group, std::size_t place) { return group.open < place; };
+    return static_cast<std::size_t>(std::lower_bound(groups.begin(), groups.end(), start, opensBefore) -
+                                    groups.begin());
+}

@@ -1,0 +1,52 @@
+#include "Import/Dtd/DTDUses.h"
+
+#include "Files/File.h"
+#include "Import/Dtd/DTDText.h"
+#include "Import/Full/FullReadingHint.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr CharSet kBlank(" \t\r\n");
+
+// Whether one of the pieces that begin with `start` and stop before `end` passes `test`, which gets what is between.
+template <class Test>
+bool hasPiece(std::string_view text, std::string_view start, std::string_view end, Test test)
+{
+    for (std::size_t at = text.find(start); at != kNowhere; at = text.find(start, at)) {
+        at += start.size();
+        const std::size_t close = text.find(end, at);
+        if (close == kNowhere)
+            return false;
+        if (test(kBlank.trim(text.substr(at, close - at))))
+            return true;
+        at = close;
+    }
+    return false;
+}
+
+// An ATTLIST that the literal reading takes: element, attribute, CDATA, #IMPLIED.
+bool isPlainAttlist(std::string_view declaration)
+{
+    for (int names = 0; names < 2; ++names)
+        declaration = kBlank.trim(declaration.substr(std::min(kBlank.in(declaration), declaration.size())));
+    const std::size_t blank = std::min(kBlank.in(declaration), declaration.size());
+    return declaration.substr(0, blank) == "CDATA" && kBlank.trim(declaration.substr(blank)) == "#IMPLIED";
+}
+
+} // namespace
+
+CString usesOfDtd(const CString& fileName)
+{
+    CString text, uses;
+    if (readFile(fileName, text) != FileCause::none)
+        return {};
+    const auto isOfParameter = [](std::string_view entity) { return entity.starts_with('%'); };
+    const auto hasMarkup = [](std::string_view comment) { return comment.find_first_of("<>") != kNowhere; };
+    const auto isOther = [](std::string_view attlist) { return !isPlainAttlist(attlist); };
+    addUse(uses, hasPiece(text, "<!ENTITY", ">", isOfParameter), "parameter entities");
+    addUse(uses, hasPiece(text, "<!--", "-->", hasMarkup), "comments with markup");
+    addUse(uses, hasPiece(text, "<!ATTLIST", ">", isOther), "attributes other than CDATA #IMPLIED");
+    return uses;
+}

@@ -1,0 +1,65 @@
+#include "Import/Full/ContentModel.h"
+
+#include <algorithm>
+
+void ContentModel::clear()
+{
+    open.clear();
+    met.clear();
+    groupsBegin.assign(1, 0);
+    entries.clear();
+    last.clear();
+    ++current;
+}
+
+void ContentModel::endGroup(bool repeats)
+{
+    if (repeats) {
+        ++groupsBegin[open.back().start];
+        --groupsBegin[position()];
+    }
+    open.pop_back();
+}
+
+// A name has one entry in a content, however often it is met. Stamps say which entries are this content's, so that none
+// has to be cleared for the next one.
+void ContentModel::add(std::uint32_t name, bool repeats)
+{
+    if (name >= stamp.size()) {
+        stamp.resize(std::max<std::size_t>(name + 1, stamp.size() * 2));
+        entryOf.resize(stamp.size());
+    }
+    if (stamp[name] != current) {
+        stamp[name] = current;
+        entryOf[name] = static_cast<std::uint32_t>(entries.size());
+        entries.push_back({name, repeats});
+        last.push_back(position());
+    } else {
+        Entry& entry = entries[entryOf[name]];
+        entry.repeats = entry.repeats || repeats || canFollow(last[entryOf[name]]);
+        last[entryOf[name]] = position();
+    }
+    met.push_back(entryOf[name]);
+    groupsBegin.push_back(0);
+}
+
+// Whether a name that was met earlier and one that is met now can stand in one content. The innermost open group that
+// holds both decides. (To ask that of neighbours is enough: the outermost group of any two is that of two neighbours
+// between them.)
+bool ContentModel::canFollow(std::uint32_t earlier) const
+{
+    const auto behind = std::partition_point(open.begin(), open.end(),
+                                             [earlier](const OpenGroup& group) { return group.start <= earlier; });
+    return behind == open.begin() || std::prev(behind)->kind != choice;
+}
+
+std::span<const ContentModel::Entry> ContentModel::finish()
+{
+    std::int32_t around = 0;
+    for (std::size_t at = 0; at < met.size(); ++at) {
+        around += groupsBegin[at];
+        if (around > 0)
+            entries[met[at]].repeats = true;
+    }
+    return entries;
+}

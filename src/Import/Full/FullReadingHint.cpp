@@ -1,0 +1,15 @@
+#include "Import/Full/FullReadingHint.h"
+
+#include "Resources/StringTable.h"
+
+void addUse(CString& uses, bool isUsed, const char* words)
+{
+    if (isUsed)
+        uses.append(uses.empty() ? "" : ", ").append(words);
+}
+
+bool isErrorOfLiteralReading(std::string_view text)
+{
+    const std::string_view statement = loadText(IDS_DTD_STATEMENT);
+    return text == loadText(IDS_NO_ROOT) || text.starts_with(statement.substr(0, statement.find('%')));
+}

@@ -1,0 +1,146 @@
+#include "Import/Full/SourceNames.h"
+
+#include "Base/Progress.h"
+
+namespace {
+
+constexpr std::size_t kFewFields = 16;
+constexpr std::string_view kTablePrefix = "t_";
+
+} // namespace
+
+// The names of one record's fields. Few are looked for one by one.
+class SourceNames::FieldNames
+{
+public:
+    /// False when the name is there already.
+    bool add(std::string_view name)
+    {
+        if (names.size() < kFewFields) {
+            for (const std::string_view known : names)
+                if (known == name)
+                    return false;
+        } else {
+            if (many.empty())
+                many.insert(names.begin(), names.end());
+            if (!many.insert(name).second)
+                return false;
+        }
+        names.push_back(name);
+        return true;
+    }
+
+    /// The name with the number that is its turn.
+    CString numbered(std::string_view name)
+    {
+        return CString(name) + "_" + std::to_string(++lastNumbers.try_emplace(name, 1).first->second);
+    }
+
+private:
+    std::vector<std::string_view> names;
+    std::unordered_set<std::string_view, KeyHash> many;
+    std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
+};
+
+void SourceNames::name(const std::vector<Index>& order, Index first)
+{
+    isNamed.assign(types.enumerations.size(), false);
+    if (first != SourceTypes::kNone)
+        nameRecord(first);
+    // In the order of declaration, so that of two with one name the first keeps it.
+    std::vector<bool> isWanted(types.records.size());
+    for (const Index record : order)
+        isWanted[record] = record != first;
+    for (Index record = 0; record < types.records.size(); ++record)
+        if (isWanted[record])
+            nameRecord(record);
+    CancelPoint cancelPoint(1024);
+    for (const Index record : order) {
+        cancelPoint.pass();
+        nameFields(record);
+    }
+}
+
+void SourceNames::nameRecord(Index index)
+{
+    SourceTypes::Record& record = types.records[index];
+    const std::string_view wanted = record.name;
+    record.name = unique({}, wanted, record.home);
+    if (record.name != wanted)
+        noteChange(record.place, wanted, record.name);
+}
+
+// Elements first, then attributes, then the text: the later give way.
+void SourceNames::nameFields(Index index)
+{
+    const SourceTypes::Record record = types.records[index];
+    FieldNames names;
+    for (const SourceTypes::Role role : {SourceTypes::roleElement, SourceTypes::roleAttribute, SourceTypes::roleValue})
+        for (Field& field : types.fieldsOf(index)) {
+            if (field.role != role)
+                continue;
+            const std::string_view wanted = field.name;
+            if (!names.add(wanted)) {
+                if (role == SourceTypes::roleAttribute)
+                    field.name = types.join(record.name, wanted);
+                while (!names.add(field.name))
+                    field.name = types.keep(names.numbered(wanted));
+                noteChange(record.place, wanted, field.name);
+            }
+            nameType(field, index);
+        }
+}
+
+void SourceNames::nameType(Field& field, Index record)
+{
+    if (field.type.kind == SourceTypes::kindEnumeration)
+        nameEnumeration(field.type.index, types.records[record].place, record);
+    if (field.repeats)
+        nameTable(field, record);
+}
+
+void SourceNames::nameUnused()
+{
+    for (Index enumeration = 0; enumeration < types.enumerations.size(); ++enumeration)
+        if (types.enumerations[enumeration].isNamed)
+            nameEnumeration(enumeration, types.enumerations[enumeration].place, SourceTypes::kNone);
+}
+
+void SourceNames::nameEnumeration(Index index, SourcePlace place, Index home)
+{
+    if (isNamed[index])
+        return;
+    isNamed[index] = true;
+    SourceTypes::Enumeration& enumeration = types.enumerations[index];
+    const std::string_view wanted = enumeration.name;
+    enumeration.name = unique({}, wanted, home);
+    if (enumeration.name != wanted)
+        noteChange(place, wanted, enumeration.name);
+}
+
+void SourceNames::nameTable(Field& field, Index record)
+{
+    const auto [known, isNew] = tables.try_emplace({field.name, field.type}, static_cast<Index>(types.tables.size()));
+    if (isNew)
+        types.tables.push_back({unique(kTablePrefix, field.name, record), field.type});
+    field.type = {SourceTypes::kindTable, known->second};
+}
+
+// `prefix` and `name`; when that is taken, with the name of the record `home` between them; then with a number.
+std::string_view SourceNames::unique(std::string_view prefix, std::string_view name, Index home)
+{
+    std::string_view made = prefix.empty() ? name : types.keep(CString(prefix) + CString(name));
+    if (taken.insert(made).second)
+        return made;
+    if (home != SourceTypes::kNone)
+        made = types.keep(CString(prefix) + CString(types.records[home].name) + "_" + CString(name));
+    const std::string_view base = made;
+    while (!taken.insert(made).second)
+        made = types.join(base, std::to_string(++lastNumbers.try_emplace(base, 1).first->second));
+    return made;
+}
+
+void SourceNames::noteChange(SourcePlace place, std::string_view from, std::string_view to)
+{
+    report.add(SourceReport::nameChanged, place, CString(from) + " is " + CString(to));
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Base/KeyedTable.h"
+#include "Import/Full/SourceTypes.h"
+
+#include <unordered_map>
+#include <unordered_set>
+
+/// Gives the types of a source their final names, each once: records first, then enumerations and tables as they are
+/// met walking the records. A name that is taken gets the name of its record and "_" in front, then a number. Within a
+/// record elements keep their names, an attribute called like one gets the record's name in front, and "value" yields.
+/// What a name had to give way to is noted in the report.
+class SourceNames
+{
+public:
+    SourceNames(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
+
+    /// Names the records `order`, their fields, and what those use. `first` (or kNone) is named before the others.
+    void name(const std::vector<SourceTypes::Index>& order, SourceTypes::Index first);
+
+    /// Names the declared enumerations that no field has, behind all others.
+    void nameUnused();
+
+private:
+    using Index = SourceTypes::Index;
+    using Field = SourceTypes::Field;
+    class FieldNames;
+
+    // Fields of one name and one type share a table.
+    using TableKey = std::pair<std::string_view, SourceTypes::Type>;
+    struct TableHash
+    {
+        std::size_t operator()(const TableKey& key) const
+        {
+            return keyHash(key.first) ^ (static_cast<std::size_t>(key.second.index) << 3 | key.second.kind);
+        }
+    };
+
+    void nameRecord(Index record);
+    void nameFields(Index record);
+    void nameType(Field& field, Index record);
+    void nameEnumeration(Index enumeration, SourcePlace place, Index home);
+    void nameTable(Field& field, Index record);
+    std::string_view unique(std::string_view prefix, std::string_view name, Index home);
+    void noteChange(SourcePlace place, std::string_view from, std::string_view to);
+
+    SourceTypes& types;
+    SourceReport& report;
+    std::unordered_set<std::string_view, KeyHash> taken;
+    std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
+    std::unordered_map<TableKey, Index, TableHash> tables;
+    std::vector<bool> isNamed; // by enumeration
+};

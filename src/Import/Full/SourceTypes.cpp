@@ -1,0 +1,82 @@
+#include "Import/Full/SourceTypes.h"
+
+#include "Base/KeyedTable.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kMaxFields = 1'000'000;
+constexpr std::size_t kMaxTextMegabytes = 256;
+
+} // namespace
+
+std::string_view SourceTypes::keep(std::string_view text)
+{
+    spend(text.size());
+    return memory.keep(text);
+}
+
+std::string_view SourceTypes::join(std::string_view first, std::string_view second)
+{
+    spend(first.size() + 1 + second.size());
+    return memory.keep({first, "_", second});
+}
+
+SourceTypes::Index SourceTypes::addRecord(const Record& record)
+{
+    records.push_back(record);
+    return static_cast<Index>(records.size() - 1);
+}
+
+void SourceTypes::setFields(Index record, std::span<const Field> added)
+{
+    checkFields(added.size());
+    for (const Field& field : added)
+        spend(2 * field.name.size() + field.description.size() + nameSize(field.type));
+    records[record].firstField = static_cast<Index>(fields.size());
+    records[record].fieldCount = static_cast<Index>(added.size());
+    fields.insert(fields.end(), added.begin(), added.end());
+}
+
+void SourceTypes::checkFields(std::size_t count) const
+{
+    if (fields.size() + count > kMaxFields)
+        refuse(std::to_string(kMaxFields) + " fields");
+}
+
+SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<const std::string_view> added,
+                                               bool isNamed, std::string_view description, SourcePlace place)
+{
+    std::size_t hash = keyHash(name);
+    for (const std::string_view constant : added)
+        hash = hash * 31 + keyHash(constant);
+    const auto [first, last] = enumerationsByHash.equal_range(hash);
+    for (auto known = first; known != last; ++known)
+        if (enumerations[known->second].name == name && std::ranges::equal(constantsOf(known->second), added))
+            return known->second;
+    if (constants.size() + added.size() > kMaxFields)
+        refuse(std::to_string(kMaxFields) + " constants");
+    Enumeration made{name, description, isNamed, place};
+    made.firstConstant = static_cast<Index>(constants.size());
+    made.constantCount = static_cast<Index>(added.size());
+    constants.insert(constants.end(), added.begin(), added.end());
+    enumerations.push_back(made);
+    const auto index = static_cast<Index>(enumerations.size() - 1);
+    enumerationsByHash.emplace(hash, index);
+    return index;
+}
+
+void SourceTypes::spend(std::size_t bytes)
+{
+    spent += bytes;
+    if (spent > kMaxTextMegabytes << 20)
+        refuse(std::to_string(kMaxTextMegabytes) + " MB of names");
+}
+
+std::size_t SourceTypes::nameSize(Type type) const
+{
+    if (type.kind == kindRecord)
+        return records[type.index].name.size();
+    return type.kind == kindEnumeration ? enumerations[type.index].name.size() : 0;
+}

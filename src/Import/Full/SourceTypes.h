@@ -1,0 +1,163 @@
+#pragma once
+
+#include "Base/Arena.h"
+#include "Import/SourceReport.h"
+
+#include <deque>
+#include <memory_resource>
+#include <span>
+#include <unordered_map>
+
+/// The types that a source declares, by index, before they have their final names: records with fields, enumerations,
+/// and the elements that a message may start with. A reader fills it; SourceNames names, MainElement chooses,
+/// FullMessage declares.
+class SourceTypes
+{
+public:
+    using Index = std::uint32_t;
+    static constexpr Index kNone = 0xFFFFFFFF;
+
+    enum Kind : std::uint8_t
+    {
+        kindText,
+        kindNumber,
+        kindTime,
+        kindEnumeration,
+        kindRecord,
+        kindTable ///< made of fields that repeat when they are named; not for readers
+    };
+
+    /// A kind; for the last three with the index of what it is.
+    struct Type
+    {
+        Kind kind = kindText;
+        Index index = kNone;
+
+        friend bool operator==(const Type&, const Type&) = default;
+    };
+
+    enum Role : std::uint8_t
+    {
+        roleValue, ///< the text beside fields
+        roleElement,
+        roleAttribute
+    };
+
+    struct Field
+    {
+        std::string_view name; ///< as the source says it; lives as long as the types, see keep()
+        std::string_view description{};
+        Type type;
+        Role role = roleElement;
+        bool repeats = false;
+    };
+
+    struct Record
+    {
+        std::string_view name;
+        std::string_view description{};
+        SourcePlace place{};
+        Index home = kNone; ///< the record inside which it is declared, whose name goes before a name that is taken
+        Index firstField = 0;
+        Index fieldCount = 0;
+    };
+
+    struct Enumeration
+    {
+        std::string_view name;
+        std::string_view description{};
+        bool isNamed = false; ///< has the name of a declared type, and is imported even when no field has it
+        SourcePlace place{};  ///< of that type
+        Index firstConstant = 0;
+        Index constantCount = 0;
+    };
+
+    struct Table
+    {
+        std::string_view name; ///< with its "t_"
+        Type component;
+    };
+
+    /// What a message may start with: an element that is declared at the top.
+    struct Candidate
+    {
+        std::string_view name;
+        Type type;
+        bool isAbstract = false;
+        SourcePlace place{};
+    };
+
+    /// `sourceName` is what a refusal names.
+    explicit SourceTypes(const CString& sourceName) : sourceName(sourceName) {}
+
+    /// A copy of `text` that lives as long as the types.
+    std::string_view keep(std::string_view text);
+
+    /// The same for `first`, "_" and `second`.
+    std::string_view join(std::string_view first, std::string_view second);
+
+    /// Keeps a whole text as long as the types live.
+    std::string_view adopt(CString&& text) { return texts.emplace_back(std::move(text)); }
+
+    /// A record without fields; it gets them by setFields(), so that a type may refer to one that is still being read.
+    Index addRecord(const Record& record);
+
+    /// Gives a record its fields, in their order, each name once in its namespace; once for each record. A million
+    /// fields in all are the bound: what passes it throws SourceRefusal.
+    void setFields(Index record, std::span<const Field> fields);
+
+    /// Throws SourceRefusal when `count` more fields would pass the bound.
+    void checkFields(std::size_t count) const;
+
+    /// Throws SourceRefusal: the source has more than `what`.
+    [[noreturn]] void refuse(const CString& what) const
+    {
+        throw SourceRefusal{sourceName + ": more than " + what + ".", {"", "more than " + what}};
+    }
+
+    /// The enumeration of these constants under this name, which is made when there is none like it yet. A million
+    /// constants in all are the bound.
+    Index addEnumeration(std::string_view name, std::span<const std::string_view> constants, bool isNamed,
+                         std::string_view description = {}, SourcePlace place = {});
+
+    /// Counts text that the types take: 256 MB in all are the bound, what passes it throws SourceRefusal.
+    void spend(std::size_t bytes);
+
+    /// Notes an element that a message may start with, in the order of declaration.
+    void addCandidate(const Candidate& candidate) { candidates.push_back(candidate); }
+
+    std::size_t fieldCount() const { return fields.size(); }
+
+    /// True when there is nothing to import.
+    bool empty() const { return records.empty() && enumerations.empty() && candidates.empty(); }
+
+    std::span<Field> fieldsOf(Index record)
+    {
+        return std::span(fields).subspan(records[record].firstField, records[record].fieldCount);
+    }
+    std::span<const Field> fieldsOf(Index record) const
+    {
+        return std::span(fields).subspan(records[record].firstField, records[record].fieldCount);
+    }
+    std::span<const std::string_view> constantsOf(Index enumeration) const
+    {
+        return std::span(constants).subspan(enumerations[enumeration].firstConstant,
+                                            enumerations[enumeration].constantCount);
+    }
+
+    std::vector<Record> records;
+    std::vector<Enumeration> enumerations;
+    std::vector<Table> tables;
+    std::vector<Candidate> candidates;
+
+private:
+    std::size_t nameSize(Type type) const;
+
+    CString sourceName;
+    std::size_t spent = 0;
+    Arena memory;
+    std::deque<CString> texts;
+    std::vector<Field> fields;
+    std::vector<std::string_view> constants;
+    std::unordered_multimap<std::size_t, Index> enumerationsByHash;
+};

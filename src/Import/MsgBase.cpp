@@ -1,0 +1,98 @@
+#include "Import/MsgBase.h"
+
+#include "Base/Progress.h"
+#include "Base/QELApp.h"
+#include "Files/File.h"
+#include "Files/FileMessage.h"
+#include "Resources/StringIds.h"
+
+namespace {
+
+constexpr std::size_t kAhead = 8; // how far ahead a walk over all elements asks for their memory
+
+} // namespace
+
+int MsgBase::parseFile(const CString& fileName, const CString& basePath)
+{
+    clear();
+    CString source;
+    if (!isFileMode()) {
+        const FileCause cause = readFile(fileName, source);
+        if (cause != FileCause::none)
+            return fail(cantOpen(fileName, cause), {fileName, inWords(fileName, cause)});
+    }
+    return orEmpty([&] {
+        const int result = parse(isFileMode() ? fileName : source, basePath, fileName);
+        source = {}; // the ordering needs room of its own
+        onAfterParse();
+        return result;
+    });
+}
+
+int MsgBase::parseData(const CString& data, const CString& basePath)
+{
+    clear();
+    return orEmpty([&] {
+        const int result = parse(data, basePath, {});
+        onAfterParse();
+        return result;
+    });
+}
+
+template <class Import>
+int MsgBase::orEmpty(Import import)
+{
+    try {
+        return import();
+    } catch (const Cancelled&) {
+        onCancelled();
+        clear();
+        throw;
+    }
+}
+
+int MsgBase::beginEnum()
+{
+    enumPosition = 0;
+    return model.queryOrder().typeCount();
+}
+
+Element* MsgBase::enumNext()
+{
+    const TypeList& types = model.queryOrder();
+    while (enumPosition < types.size()) {
+        if (enumPosition + kAhead < types.size())
+            __builtin_prefetch(types[enumPosition + kAhead]);
+        Element* element = types[enumPosition++];
+        if (element->isTypeOfItsOwn())
+            return element;
+    }
+    return nullptr;
+}
+
+Element* MsgBase::addElement(const CString& usageKey, const CString& path, const CString& name,
+                             const CString& description, Element::ElementTypes type, Element* parent)
+{
+    return model.addElement(usageKey, path, name, description, type, parent);
+}
+
+Element* MsgBase::addAttribute(const CString& usageKey, const CString& path, const CString& name,
+                               const CString& description, Element::ElementTypes type, Element* parent)
+{
+    Element* element = addElement(usageKey, path, parent->queryName() + "_" + name, description, type, parent);
+    element->asAttribute();
+    return element;
+}
+
+void MsgBase::clear()
+{
+    model.clear();
+    report.clear();
+    enumPosition = static_cast<std::size_t>(-1);
+}
+
+int MsgBase::fail(const CString& text, const SourceFault& fault)
+{
+    theApp.Error(text, IDS_ERROR_TITLE, fault);
+    return 0;
+}

@@ -1,0 +1,33 @@
+// The table of importers. Wizard, command line and its completion take all that they know of an importer from here.
+#include "Import/Btd/BrokerMsg.h"
+#include "Import/Dtd/DTDFullMsg.h"
+#include "Import/Dtd/DTDMsg.h"
+#include "Import/Schema/Full/SchemaFullMsg.h"
+#include "Import/Schema/Literal/SchemaMsg.h"
+#include "Import/Tables/ODBCMsg.h"
+#include "Import/XmlData/XMLDataMsg.h"
+#include "Resources/DialogIds.h"
+#include "Resources/StringIds.h"
+
+// Base path, name, description, factory, next page, full reading; then word, file filter, and whether it reads tables.
+MsgUIDescriptor DTDMessage::m_descr("\\sys\\rosettanet\\", IDS_DTD_NAME, IDS_DTD_DESCRIPTION, DTDMessage::New,
+                                    IDD_SOURCE, DTDFullMessage::New, {"dtd", IDS_FILTER_DTD});
+MsgUIDescriptor XMLDataMessage::m_descr("\\sys\\xml\\", IDS_XMLDATA_NAME, IDS_XMLDATA_DESCRIPTION, XMLDataMessage::New,
+                                        IDD_SOURCE, nullptr, {"xml", IDS_FILTER_XML});
+MsgUIDescriptor SchemaMessage::m_descr("\\sys\\xml\\", IDS_SCHEMA_NAME, IDS_SCHEMA_DESCRIPTION, SchemaMessage::New,
+                                       IDD_SOURCE, SchemaFullMessage::New, {"xsd", IDS_FILTER_SCHEMA});
+MsgUIDescriptor BrokerMessage::m_descr("\\", IDS_BTD_NAME, IDS_BTD_DESCRIPTION, BrokerMessage::New, IDD_SOURCE, nullptr,
+                                       {"btd", IDS_FILTER_XML});
+MsgUIDescriptor ODBCMessage::m_descr("\\", IDS_ODBC_NAME, IDS_ODBC_DESCRIPTION, ODBCMessage::New, IDD_DATA_SOURCE,
+                                     nullptr, {"odbc", 0, true});
+
+MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr,    &XMLDataMessage::m_descr, &SchemaMessage::m_descr,
+                             &BrokerMessage::m_descr, &ODBCMessage::m_descr,    nullptr};
+
+MsgUIDescriptor* importerNamed(std::string_view word)
+{
+    MsgUIDescriptor** importer = g_amud;
+    while (*importer && word != (*importer)->querySource().word)
+        ++importer;
+    return *importer;
+}

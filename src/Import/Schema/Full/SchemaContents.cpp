@@ -1,0 +1,309 @@
+#include "Import/Schema/Full/SchemaContents.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kFewFields = 16;
+constexpr std::size_t kMaxFields = 1'000'000;
+constexpr std::size_t kMaxSteps = 20'000'000; // through particles; groups that hold groups can be many
+
+std::uint64_t keyOf(SchemaName name)
+{
+    return static_cast<std::uint64_t>(name.space) << 32 | name.local;
+}
+
+/// How often something occurs that occurs `inner` times in what occurs `outer` times; 2 stands for more than once.
+std::uint8_t multiplied(std::uint8_t outer, std::uint8_t inner)
+{
+    return static_cast<std::uint8_t>(std::min(2, outer * inner));
+}
+
+} // namespace
+
+void SchemaContents::Fields::clear()
+{
+    all.clear();
+    if (!many.empty()) // clearing goes over the room that the largest one took
+        many = {};
+}
+
+SchemaField* SchemaContents::Fields::find(SchemaName name)
+{
+    if (all.size() <= kFewFields) {
+        const auto found = std::ranges::find(all, name, &SchemaField::name);
+        return found == all.end() ? nullptr : &*found;
+    }
+    const auto found = many.find(keyOf(name));
+    return found == many.end() ? nullptr : &all[found->second];
+}
+
+SchemaField& SchemaContents::Fields::add(const SchemaField& field)
+{
+    if (all.size() == kFewFields)
+        for (std::size_t i = 0; i < all.size(); ++i)
+            many.emplace(keyOf(all[i].name), i);
+    if (all.size() >= kFewFields)
+        many.emplace(keyOf(field.name), all.size());
+    return all.emplace_back(field);
+}
+
+SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), inHand(tree.size()) {}
+
+/// A chain of bases is worked out from its far end.
+std::span<const SchemaField> SchemaContents::of(Index type)
+{
+    std::vector<Index> chain;
+    Index base = type;
+    while (base != 0 && contents.try_emplace(base).second) {
+        chain.push_back(base);
+        base = baseOf(base);
+    }
+    for (; !chain.empty(); chain.pop_back()) {
+        build(chain.back(), base);
+        base = chain.back();
+    }
+    const Content& content = contents[type];
+    return std::span(kept).subspan(content.first, content.elements + content.attributes);
+}
+
+/// The complex type that one is derived from; 0 for none.
+SchemaContents::Index SchemaContents::baseOf(Index type)
+{
+    const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);
+    const Index derivation = content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
+    const SchemaName name = tree.referenceOf(derivation);
+    if (name.local == 0)
+        return 0;
+    const Index base = set.find(SchemaSet::type, name, derivation);
+    if (base == 0 && !set.builtInKind(name))
+        set.note(SourceReport::unresolvedReference, derivation, name.local);
+    return tree[base].tag == SchemaTag::complexType ? base : 0;
+}
+
+void SchemaContents::build(Index type, Index base)
+{
+    const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);
+    const Index derivation = content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
+    elements.clear();
+    attributes.clear();
+    lastSeen.clear();
+    isRestriction = tree[derivation].tag == SchemaTag::restriction;
+    clock = 1; // before it: what is inherited
+    if (base != 0)
+        inherit(contents[base], !isRestriction);
+    walkParticles(derivation == 0 ? type : derivation);
+    walkAttributes(derivation == 0 ? type : derivation);
+    contents[type] = keep();
+}
+
+void SchemaContents::inherit(const Content& base, bool withElements)
+{
+    for (std::size_t i = 0; withElements && i < base.elements; ++i) {
+        elements.add(kept[base.first + i]);
+        lastSeen.push_back(clock);
+    }
+    for (std::size_t i = 0; i < base.attributes; ++i)
+        attributes.add(kept[base.first + base.elements + i]);
+}
+
+SchemaContents::Content SchemaContents::keep()
+{
+    const Content content{kept.size(), elements.all.size(), attributes.all.size()};
+    if (kept.size() + content.elements + content.attributes > kMaxFields)
+        set.refuse(std::to_string(kMaxFields) + " fields");
+    kept.insert(kept.end(), elements.all.begin(), elements.all.end());
+    kept.insert(kept.end(), attributes.all.begin(), attributes.all.end());
+    return content;
+}
+
+void SchemaContents::walkParticles(Index holder)
+{
+    frames.assign(1, {tree[holder].firstChild});
+    while (!frames.empty()) {
+        Frame& frame = frames.back();
+        if (frame.next == 0) {
+            inHand[frame.group] = false; // of no group: of the node that is none
+            frames.pop_back();
+            continue;
+        }
+        const Index particle = frame.next;
+        frame.next = tree[particle].next;
+        visitParticle(particle);
+    }
+}
+
+void SchemaContents::visitParticle(Index particle)
+{
+    const SchemaNode& node = tree[particle];
+    const std::uint8_t times = multiplied(frames.back().times, node.occurs);
+    spendStep();
+    switch (node.tag) {
+    case SchemaTag::sequence:
+    case SchemaTag::all:
+    case SchemaTag::choice:
+    case SchemaTag::group:
+    case SchemaTag::element:
+        if (times == 0)
+            return set.note(SourceReport::elementNotAllowed, particle);
+        if (node.tag == SchemaTag::element)
+            return addElement(particle, times);
+        if (node.tag == SchemaTag::group)
+            return enterGroup(particle, times);
+        frames.push_back({node.firstChild, 0, node.tag == SchemaTag::choice, times, ++clock});
+        return;
+    case SchemaTag::any:
+        return set.note(SourceReport::anyElement, particle);
+    default:
+        return;
+    }
+}
+
+/// A group inside itself is left out.
+void SchemaContents::enterGroup(Index reference, std::uint8_t times)
+{
+    if (!tree[reference].is(SchemaNode::isReference))
+        return;
+    const Index group = set.find(SchemaSet::group, tree.referenceOf(reference), reference);
+    if (group == 0)
+        return set.note(SourceReport::unresolvedReference, reference);
+    if (inHand[group])
+        return;
+    inHand[group] = true;
+    frames.push_back({tree[group].firstChild, group, false, times, ++clock});
+}
+
+void SchemaContents::addElement(Index particle, std::uint8_t times)
+{
+    const SchemaNode& node = tree[particle];
+    if (!node.is(SchemaNode::isReference)) {
+        const SchemaDocument& document = tree.documentOf(particle);
+        const bool isQualified =
+            node.is(SchemaNode::saysForm) ? node.is(SchemaNode::isQualified) : document.elementsQualified;
+        if (node.hasName())
+            addOccurrence({isQualified ? document.space : 0, node.name}, particle, times);
+        return;
+    }
+    const SchemaName name = tree.referenceOf(particle);
+    const Index declaration = set.find(SchemaSet::element, name, particle);
+    if (declaration == 0) {
+        set.note(SourceReport::unresolvedReference, particle);
+        addOccurrence(name, 0, times);
+    } else {
+        addSubstitutes(name, declaration, times);
+    }
+}
+
+/// The head and all that may stand for it, those with members of their own included; none that is abstract.
+void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uint8_t times)
+{
+    if (!tree[declaration].is(SchemaNode::isAbstract))
+        addOccurrence(head, declaration, times);
+    if (set.membersOf(head).empty())
+        return;
+    std::vector<Index> heads{declaration};
+    inHand[declaration] = true;
+    for (std::size_t i = 0; i < heads.size(); ++i)
+        for (const Index member : set.membersOf(set.nameOf(heads[i]))) {
+            spendStep();
+            if (inHand[member])
+                continue;
+            inHand[member] = true;
+            heads.push_back(member);
+            if (!tree[member].is(SchemaNode::isAbstract))
+                addOccurrence(set.nameOf(member), member, times);
+        }
+    for (const Index member : heads)
+        inHand[member] = false;
+}
+
+/// Two occurrences of one name add up when the innermost group that holds both is a sequence; of a choice only one can
+/// be there. Neighbouring ones are enough to look at: what holds two that lie further apart is the group of one of the
+/// pairs between them.
+void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint8_t times)
+{
+    ++clock;
+    SchemaField* field = elements.find(name);
+    if (!field) {
+        elements.add({name, declaration, SourceTypes::roleElement, times > 1});
+        lastSeen.push_back(clock);
+        if (kept.size() + elements.all.size() > kMaxFields)
+            set.refuse(std::to_string(kMaxFields) + " fields");
+        return;
+    }
+    std::size_t& seen = lastSeen[elements.positionOf(*field)];
+    const auto after = std::ranges::upper_bound(frames, seen, {}, &Frame::entered);
+    field->repeats |= times > 1 || !(after - 1)->isChoice;
+    seen = clock;
+}
+
+/// A group of attributes adds nothing the second time.
+void SchemaContents::walkAttributes(Index holder)
+{
+    std::vector<Index> groups;
+    waiting.assign(1, tree[holder].firstChild);
+    while (!waiting.empty()) {
+        const Index at =
+            tree.firstOf(waiting.back(), SchemaTag::attribute, SchemaTag::attributeGroup, SchemaTag::anyAttribute);
+        if (at == 0) {
+            waiting.pop_back();
+            continue;
+        }
+        waiting.back() = tree[at].next;
+        if (tree[at].tag == SchemaTag::anyAttribute) {
+            set.note(SourceReport::anyAttribute, at);
+        } else if (tree[at].tag == SchemaTag::attribute) {
+            visitAttribute(at);
+        } else if (tree[at].is(SchemaNode::isReference)) {
+            spendStep();
+            const Index group = set.find(SchemaSet::attributeGroup, tree.referenceOf(at), at);
+            if (group == 0) {
+                set.note(SourceReport::unresolvedReference, at);
+            } else if (!inHand[group]) {
+                inHand[group] = true;
+                groups.push_back(group);
+                waiting.push_back(tree[group].firstChild);
+            }
+        }
+    }
+    for (const Index group : groups)
+        inHand[group] = false;
+    std::erase_if(attributes.all, [](const SchemaField& field) { return field.name.local == 0; });
+}
+
+void SchemaContents::visitAttribute(Index attribute)
+{
+    const SchemaNode& node = tree[attribute];
+    const SchemaDocument& document = tree.documentOf(attribute);
+    const bool isProhibited = node.is(SchemaNode::isProhibited);
+    if (isProhibited && !isRestriction) // that says nothing
+        return;
+    if (!node.is(SchemaNode::isReference)) {
+        const bool isQualified =
+            node.is(SchemaNode::saysForm) ? node.is(SchemaNode::isQualified) : document.attributesQualified;
+        if (node.hasName())
+            addAttribute({isQualified ? document.space : 0, node.name}, attribute, isProhibited);
+        return;
+    }
+    const SchemaName name = tree.referenceOf(attribute);
+    const Index declaration = set.find(SchemaSet::attribute, name, attribute);
+    if (declaration == 0 && name.space != SchemaTree::kXmlNamespace)
+        set.note(SourceReport::unresolvedReference, attribute);
+    addAttribute(name, declaration, isProhibited);
+}
+
+/// What an attribute says holds for an inherited one of its name, too.
+void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isProhibited)
+{
+    SchemaField* field = attributes.find(name);
+    if (field)
+        *field = {isProhibited ? SchemaName() : name, declaration, SourceTypes::roleAttribute, false};
+    else if (!isProhibited)
+        attributes.add({name, declaration, SourceTypes::roleAttribute, false});
+}
+
+void SchemaContents::spendStep()
+{
+    if (++steps > kMaxSteps)
+        set.refuse(std::to_string(kMaxSteps) + " particles of groups");
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Import/Full/FullMessage.h"
+#include "Import/Schema/Full/SchemaUses.h"
+
+/// The importer of XML Schema files that reads them in full: namespaces, documents, derived types.
+class SchemaFullMessage : public FullMessage
+{
+public:
+    SchemaFullMessage();
+
+    static FullMessage* New() { return new SchemaFullMessage; }
+
+    int isFileMode() const override { return 1; }
+    CString queryUses(const CString& fileName) const override { return usesOfSchema(fileName); }
+
+protected:
+    /// `source` is the name of the schema file.
+    void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
+};

@@ -1,0 +1,306 @@
+#include "Import/Schema/Full/SchemaSet.h"
+
+#include "Files/FileMessage.h"
+#include "Import/Schema/Full/SchemaReader.h"
+#include "Import/Schema/SchemaBuiltIns.h"
+#include "Xml/XMLDoc.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kMaxCopied = 1'000'000;
+constexpr int kNearby = 100;
+
+std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
+{
+    switch (tag) {
+    case SchemaTag::element:
+        return SchemaSet::element;
+    case SchemaTag::attribute:
+        return SchemaSet::attribute;
+    case SchemaTag::complexType:
+    case SchemaTag::simpleType:
+        return SchemaSet::type;
+    case SchemaTag::group:
+        return SchemaSet::group;
+    case SchemaTag::attributeGroup:
+        return SchemaSet::attributeGroup;
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+void SchemaSet::load(const CString& fileName)
+{
+    XmlDocument xml;
+    if (!read(fileName, xml))
+        throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
+    if (tree.documents[0].root == 0)
+        return;
+    if (const auto id = identify(fileName)) {
+        parsed.emplace(*id, 0);
+        entered.emplace(std::pair(*id, tree.documents[0].space), 0);
+    }
+    std::vector<Following> waiting;
+    declareAll(0, waiting);
+    while (!waiting.empty()) {
+        Following& top = waiting.back();
+        if (top.redefine != 0) { // its document, and what that names, has been read
+            for (Index at = tree[top.redefine].firstChild; at != 0; at = tree[at].next)
+                declare(at, true);
+            top.redefine = 0;
+        }
+        const Index reference = tree.firstOf(top.reference, SchemaTag::include, SchemaTag::import, SchemaTag::redefine);
+        if (reference == 0) {
+            waiting.pop_back();
+            continue;
+        }
+        top.reference = tree[reference].next;
+        top.redefine = tree[reference].tag == SchemaTag::redefine ? reference : 0;
+        follow(reference, waiting); // may move `top`
+    }
+    collectMembers();
+}
+
+/// Reads one file into a new document. False when that can't be, which `xml` then tells of.
+bool SchemaSet::read(const CString& fileName, XmlDocument& xml)
+{
+    const auto first = static_cast<Index>(tree.size());
+    SchemaDocument& document = tree.documents.emplace_back();
+    document.folder = folderOf(fileName);
+    document.file = report.addFile(fileName);
+    SchemaReader reader(tree);
+    const bool isRead = xml.streamFile(fileName, reader);
+    if (!isRead) {
+        tree.dropFrom(first);
+        document.root = 0;
+        document.isIllFormed = xml.querySystemError() == 0;
+    }
+    document.end = static_cast<Index>(tree.size());
+    for (const auto& [node, name] : reader.queryImpossibleNames())
+        if (isRead)
+            note(SourceReport::impossibleName, node, name);
+    const SchemaReader::Counts& counts = reader.queryCounts();
+    report.count(SourceReport::facet, counts.facets);
+    report.count(SourceReport::nillable, counts.nillable);
+    report.count(SourceReport::defaultValue, counts.defaults);
+    report.count(SourceReport::identityConstraint, counts.constraints);
+    return isRead;
+}
+
+/// Enters the document that an include, import or redefine names, when that is new in its namespace.
+void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
+{
+    const SchemaNode& node = tree[reference];
+    const SchemaDocument& from = tree.documentOf(reference);
+    if (!node.hasName() && node.tag == SchemaTag::import)
+        return;
+    const NameTable::Id includer = node.tag == SchemaTag::import ? 0 : from.space;
+    const CString path = localPath(tree.text(node.name));
+    if (path.empty() && node.hasName())
+        return note(SourceReport::moduleRemote, reference);
+    const auto file = finder.find(from.folder, path);
+    if (!file)
+        return note(SourceReport::moduleMissing, reference);
+    const auto [known, isNew] = parsed.try_emplace(file->id, static_cast<std::uint32_t>(tree.documents.size()));
+    if (isNew)
+        readNamed(*file, reference);
+    std::uint32_t document = known->second;
+    if (tree.documents[document].root == 0)
+        return note(tree.documents[document].isIllFormed ? SourceReport::moduleIllFormed
+                                                         : SourceReport::moduleUnreadable,
+                    reference);
+    const NameTable::Id space = tree.documents[document].hasTarget ? tree.documents[document].space : includer;
+    const auto [place, isFirst] = entered.try_emplace(std::pair(file->id, space), document);
+    if (isFirst) {
+        if (isNew)
+            tree.documents[document].space = space;
+        else
+            place->second = document = copy(document, space);
+        declareAll(document, waiting);
+    }
+    documentsByReference[reference] = place->second;
+}
+
+/// Reads the document that `reference` names. One that is there and can't be read ends the import.
+void SchemaSet::readNamed(const FoundFile& file, Index reference)
+{
+    XmlDocument xml;
+    if (read(file.name, xml) || xml.querySystemError() == 0)
+        return;
+    const SchemaNode& node = tree[reference];
+    throw SourceRefusal{cantOpen(file.name, fileCauseOf(xml.querySystemError())),
+                        {report.fileNameOf(tree.documentOf(reference).file),
+                         CString(tree.text(node.name)) + ": " + xml.queryFault().reason, node.line}};
+}
+
+/// A document without a namespace that is included from two declares two sets of components.
+std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
+{
+    copied += tree.documents[document].end - tree.documents[document].root;
+    if (copied > kMaxCopied)
+        refuse(std::to_string(kMaxCopied) + " declarations in documents that several namespaces include");
+    return tree.adopt(document, space);
+}
+
+void SchemaSet::declareAll(std::uint32_t document, std::vector<Following>& waiting)
+{
+    const Index first = tree[tree.documents[document].root].firstChild;
+    for (Index at = first; at != 0; at = tree[at].next)
+        declare(at, false);
+    waiting.push_back({document, first, 0});
+}
+
+void SchemaSet::declare(Index component, bool redefines)
+{
+    const auto kind = kindOf(tree[component].tag);
+    if (!kind || !tree[component].hasName())
+        return;
+    const auto [place, isFirst] = symbols[*kind].try_emplace(keyOf(nameOf(component)), component);
+    if (isFirst)
+        return;
+    if (redefines)
+        redefined[component] = std::exchange(place->second, component);
+    else
+        note(SourceReport::declaredTwice, component);
+}
+
+SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
+{
+    const auto found = symbols[kind].find(keyOf(name));
+    if (found == symbols[kind].end())
+        return 0;
+    if (redefined.empty() || !redefined.contains(found->second))
+        return found->second;
+    // The redefinition that `from` stands in, if it is one of this name: there may be a row of them.
+    Index component = from;
+    while (component != 0 && tree[tree[component].parent].tag != SchemaTag::redefine)
+        component = tree[component].parent;
+    const bool isOwnName = component != 0 && kindOf(tree[component].tag) == kind && nameOf(component) == name;
+    const auto earlier = isOwnName ? redefined.find(component) : redefined.end();
+    return earlier == redefined.end() ? found->second : earlier->second;
+}
+
+std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
+{
+    return SchemaTree::isSchemaLanguage(name.space) ? ::builtInKind(tree.text(name.local)) : std::nullopt;
+}
+
+void SchemaSet::collectMembers()
+{
+    for (const SchemaDocument& document : tree.documents) {
+        if (document.root == 0)
+            continue;
+        for (Index at = tree[document.root].firstChild; at != 0; at = tree[at].next) {
+            if (tree[at].tag != SchemaTag::element || tree[at].list == 0 || find(element, nameOf(at), at) != at)
+                continue;
+            for (const SchemaName head : tree.listOf(at))
+                members[keyOf(head)].push_back(at);
+        }
+    }
+}
+
+const std::vector<SchemaSet::Index>& SchemaSet::membersOf(SchemaName head) const
+{
+    static const std::vector<Index> none;
+    const auto found = members.find(keyOf(head));
+    return found == members.end() ? none : found->second;
+}
+
+std::vector<SchemaSet::Index> SchemaSet::mainComponents() const
+{
+    std::vector<Index> components;
+    std::unordered_set<Index> met;
+    const auto holdsAny = [&] {
+        return std::ranges::any_of(components, [&](Index at) { return tree[at].tag != SchemaTag::simpleType; });
+    };
+    const auto add = [&](Index first) {
+        for (Index at = first; at != 0; at = tree[at].next) {
+            const auto kind = kindOf(tree[at].tag);
+            if (!tree[at].hasName() || (kind != element && kind != type))
+                continue;
+            const Index holder = find(*kind, nameOf(at), 0);
+            if (met.insert(holder).second)
+                components.push_back(holder);
+        }
+    };
+    const auto topOf = [&](std::uint32_t document) { return tree[tree.documents[document].root].firstChild; };
+    const auto addRedefined = [&](std::uint32_t document) {
+        for (Index at = topOf(document); (at = tree.firstOf(at, SchemaTag::redefine)) != 0; at = tree[at].next)
+            add(tree[at].firstChild);
+    };
+    add(topOf(0));
+    const bool holdsOwn = holdsAny();
+    addRedefined(0);
+    if (!holdsOwn)
+        for (const std::uint32_t document : includedDocuments()) {
+            add(topOf(document));
+            addRedefined(document);
+        }
+    if (!holdsAny())
+        components.clear();
+    return components;
+}
+
+SchemaSet::Index SchemaSet::elementCalled(std::string_view name)
+{
+    return find(element, {tree.documents[0].space, tree.names.intern(name)}, 0);
+}
+
+/// What the main document includes and redefines, and what those do.
+std::vector<std::uint32_t> SchemaSet::includedDocuments() const
+{
+    std::vector<std::uint32_t> documents{0};
+    std::vector<bool> met(tree.documents.size());
+    met[0] = true;
+    for (std::size_t i = 0; i < documents.size(); ++i) {
+        Index at = tree[tree.documents[documents[i]].root].firstChild;
+        for (; (at = tree.firstOf(at, SchemaTag::include, SchemaTag::redefine)) != 0; at = tree[at].next) {
+            const auto included = documentsByReference.find(at);
+            if (included != documentsByReference.end() && !met[included->second]) {
+                met[included->second] = true;
+                documents.push_back(included->second);
+            }
+        }
+    }
+    return documents;
+}
+
+void SchemaSet::note(SourceReport::Construct construct, Index node, NameTable::Id name)
+{
+    notes.emplace_back(node, construct, name);
+    if (notes.size() < manyNotes)
+        return;
+    sortNotes();
+    manyNotes = std::max(manyNotes, 2 * notes.size());
+}
+
+void SchemaSet::sortNotes()
+{
+    std::ranges::sort(notes);
+    notes.erase(std::unique(notes.begin(), notes.end()), notes.end());
+}
+
+void SchemaSet::reportNotes()
+{
+    sortNotes();
+    for (const auto& [node, construct, name] : notes) {
+        const bool isReference = construct == SourceReport::unresolvedReference;
+        const NameTable::Id own = isReference ? tree[node].reference.local : tree[namedAround(node)].name;
+        report.add(construct, placeOf(node), tree.text(name != 0 ? name : own));
+    }
+    notes.clear();
+}
+
+/// The node itself, or the nearest around it, that has a name; not looked for any further than real schemas nest.
+SchemaSet::Index SchemaSet::namedAround(Index node) const
+{
+    for (int steps = 0; steps < kNearby && !tree[node].hasName(); ++steps)
+        node = tree[node].parent;
+    return node;
+}

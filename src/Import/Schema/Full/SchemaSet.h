@@ -1,0 +1,114 @@
+#pragma once
+
+#include "Files/FileFinder.h"
+#include "Import/Full/SourceTypes.h"
+#include "Import/Schema/Full/SchemaTree.h"
+
+#include <array>
+#include <map>
+#include <span>
+#include <tuple>
+#include <unordered_map>
+#include <utility>
+
+class XmlDocument;
+
+/// The components of a schema and of all that it includes, imports and redefines
+/// (https://www.w3.org/TR/xmlschema-1/#layer2), found by kind, namespace and name. Of two that are declared alike the
+/// first one holds.
+class SchemaSet
+{
+public:
+    using Index = SchemaNode::Index;
+
+    enum Kind
+    {
+        element,
+        attribute,
+        type,
+        group,
+        attributeGroup,
+        kindCount
+    };
+
+    SchemaSet(const SourceTypes& types, SourceReport& report) : types(types), report(report) {}
+
+    /// Reads a schema and the documents that it names, each once; local regular files only, and what can't be had goes
+    /// into the report. Throws SourceRefusal when the schema itself can't be read, or one of them that is there.
+    void load(const CString& fileName);
+
+    /// What `name` means where `from` stands; 0 when there is none. Inside a redefinition its own name means what it
+    /// redefines.
+    Index find(Kind kind, SchemaName name, Index from) const;
+
+    /// The kind of the type that `name` means when the language has that built in, whatever is declared: the schema of
+    /// schemas declares such types too.
+    std::optional<SourceTypes::Kind> builtInKind(SchemaName name) const;
+
+    /// The elements whose substitution group `head` heads, in the order of declaration.
+    const std::vector<Index>& membersOf(SchemaName head) const;
+
+    /// The elements, complex types and simple types at the top of the main document, or of those it includes when it
+    /// has no element and no complex type itself; what stands inside a redefinition isn't its own. Empty when those
+    /// have none either.
+    std::vector<Index> mainComponents() const;
+
+    /// The element of that name at the top of any document in the main one's namespace; 0 when there is none.
+    Index elementCalled(std::string_view name);
+
+    /// The full name of a component at the top.
+    SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
+
+    SourcePlace placeOf(Index node) const { return {tree.documentOf(node).file, tree[node].line}; }
+
+    /// Notes what is not carried over, by `name` or else the node's own or the one that it refers to.
+    void note(SourceReport::Construct construct, Index node, NameTable::Id name = 0);
+
+    /// Moves what was noted into the report, in the order of reading, each place once.
+    void reportNotes();
+
+    /// Throws SourceRefusal: the schema has more than `what`.
+    [[noreturn]] void refuse(const CString& what) const { types.refuse(what); }
+
+    const SchemaTree& queryTree() const { return tree; }
+
+private:
+    // A document whose references to others are being followed.
+    struct Following
+    {
+        std::uint32_t document;
+        Index reference; // the next one
+        Index redefine;  // the one whose document is being read, when that is a redefine
+    };
+
+    using Note = std::tuple<Index, SourceReport::Construct, NameTable::Id>; // of a node, and how it is called
+
+    using Names = std::unordered_map<std::uint64_t, Index>;
+
+    static std::uint64_t keyOf(SchemaName name) { return static_cast<std::uint64_t>(name.space) << 32 | name.local; }
+
+    bool read(const CString& fileName, XmlDocument& xml);
+    void follow(Index reference, std::vector<Following>& waiting);
+    void readNamed(const FoundFile& file, Index reference);
+    std::uint32_t copy(std::uint32_t document, NameTable::Id space);
+    void declareAll(std::uint32_t document, std::vector<Following>& waiting);
+    void declare(Index component, bool redefines);
+    void collectMembers();
+    std::vector<std::uint32_t> includedDocuments() const;
+    void sortNotes();
+    Index namedAround(Index node) const;
+
+    SchemaTree tree;
+    const SourceTypes& types;
+    SourceReport& report;
+    FileFinder finder;
+    std::map<FileId, std::uint32_t> parsed; // the first document of each file
+    std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
+    std::unordered_map<Index, std::uint32_t> documentsByReference;
+    std::array<Names, kindCount> symbols;
+    std::unordered_map<Index, Index> redefined; // by what redefines it
+    std::unordered_map<std::uint64_t, std::vector<Index>> members;
+    std::size_t copied = 0; // nodes
+    std::vector<Note> notes;
+    std::size_t manyNotes = 100'000; // from here on they are looked through for repetitions
+};

@@ -1,0 +1,175 @@
+#include "Import/Schema/Full/SchemaSimpleTypes.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kMaxConstants = 1'000'000;
+
+SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
+{
+    return {true, kind};
+}
+
+} // namespace
+
+SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from)
+{
+    if (const auto builtIn = set.builtInKind(name))
+        return {0, valueOfKind(*builtIn)};
+    const Index declared = set.find(SchemaSet::type, name, from);
+    if (declared == 0)
+        set.note(SourceReport::unresolvedReference, from, name.local);
+    return {declared, {}};
+}
+
+/// The restriction or extension that says what the text of a type is; 0 when none does.
+SchemaSimpleTypes::Index SchemaSimpleTypes::derivationOf(Index type) const
+{
+    if (tree[type].tag == SchemaTag::simpleType)
+        return tree.childOf(type, SchemaTag::restriction);
+    if (const Index content = tree.childOf(type, SchemaTag::simpleContent); content != 0)
+        return tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
+    return tree.childOf(tree.childOf(type, SchemaTag::complexContent), SchemaTag::extension);
+}
+
+bool SchemaSimpleTypes::saysMixed(Index complexType) const
+{
+    const Index content = tree.childOf(complexType, SchemaTag::complexContent);
+    const bool isSaidThere = content != 0 && tree[content].is(SchemaNode::saysMixed);
+    return tree[isSaidThere ? content : complexType].is(SchemaNode::isMixed);
+}
+
+// What a type derives from comes before it, on a stack of its own: a source can derive without end. What is met again
+// while it is in hand derives from itself, and isn't waited for.
+SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
+{
+    waiting.assign(1, type);
+    while (!waiting.empty()) {
+        const Index top = waiting.back();
+        const auto [known, isNew] = values.try_emplace(top);
+        if (!isNew && known->second.firstConstant != kInHand) {
+            waiting.pop_back();
+            continue;
+        }
+        collectParts(top);
+        if (isNew) {
+            known->second.firstConstant = kInHand;
+            for (const Part& part : parts)
+                if (part.type != 0 && !values.contains(part.type))
+                    waiting.push_back(part.type);
+        } else {
+            waiting.pop_back();
+            known->second = combine(top);
+        }
+    }
+    return values.find(type)->second;
+}
+
+/// What the value of a type is worked out from.
+void SchemaSimpleTypes::collectParts(Index type)
+{
+    parts.clear();
+    if (const Index derivation = derivationOf(type); derivation != 0) {
+        const Index inner = tree.childOf(derivation, SchemaTag::simpleType);
+        if (inner != 0)
+            parts.push_back({inner, {}});
+        else if (tree[derivation].reference.local != 0)
+            parts.push_back(partNamed(tree.referenceOf(derivation), derivation));
+    } else if (const Index all = tree.childOf(type, SchemaTag::unionOf); all != 0) {
+        for (const SchemaName name : tree.listOf(all))
+            parts.push_back(partNamed(name, all));
+        for (Index at = tree[all].firstChild; (at = tree.firstOf(at, SchemaTag::simpleType)) != 0; at = tree[at].next)
+            parts.push_back({at, {}});
+    }
+}
+
+SchemaSimpleTypes::Value SchemaSimpleTypes::valueOf(const Part& part) const
+{
+    if (part.type == 0)
+        return part.value;
+    const auto known = values.find(part.type);
+    return known == values.end() || known->second.firstConstant == kInHand ? Value() : known->second;
+}
+
+/// The text of a complex type that doesn't hold text alone: between its elements, or as in what it extends.
+SchemaSimpleTypes::Value SchemaSimpleTypes::inherit(Index complexType) const
+{
+    if (saysMixed(complexType))
+        return {true, SourceTypes::kindText, true};
+    return parts.empty() ? Value() : valueOf(parts.front());
+}
+
+SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
+{
+    if (tree[type].tag == SchemaTag::complexType && tree.childOf(type, SchemaTag::simpleContent) == 0)
+        return inherit(type);
+    Value value = valueOfKind(SourceTypes::kindText);
+    if (const Index derivation = derivationOf(type); derivation != 0)
+        value = narrow(parts.empty() ? value : valueOf(parts.front()), derivation);
+    else if (tree.childOf(type, SchemaTag::unionOf) != 0)
+        value = unite(type);
+    else if (const Index list = tree.childOf(type, SchemaTag::list); list != 0)
+        set.note(SourceReport::listType, type);
+    value.isThere = true;
+    value.isMixed = false;
+    // Those of the schema language itself are nobody's types.
+    const bool isNamed = tree[type].tag == SchemaTag::simpleType && tree[type].hasName() &&
+                         !SchemaTree::isSchemaLanguage(tree.documentOf(type).space);
+    if (value.kind == SourceTypes::kindEnumeration && isNamed)
+        value.named = type;
+    return value;
+}
+
+/// The members' kind when they agree.
+SchemaSimpleTypes::Value SchemaSimpleTypes::unite(Index type)
+{
+    Value value = valueOfKind(parts.empty() ? SourceTypes::kindText : valueOf(parts.front()).kind);
+    for (const Part& part : parts)
+        if (valueOf(part).kind != value.kind) {
+            set.note(SourceReport::unionOfKinds, type);
+            return valueOfKind(SourceTypes::kindText);
+        }
+    if (value.kind != SourceTypes::kindEnumeration)
+        return value;
+    value.firstConstant = static_cast<std::uint32_t>(constants.size());
+    ++constantLists;
+    std::unordered_set<std::uint32_t> lists;
+    for (const Part& part : parts) {
+        const Value member = valueOf(part);
+        if (!lists.insert(member.firstConstant).second)
+            continue;
+        for (std::uint32_t i = 0; i < member.constantCount; ++i)
+            addConstant(constants[member.firstConstant + i]);
+    }
+    value.constantCount = static_cast<std::uint32_t>(constants.size()) - value.firstConstant;
+    return value;
+}
+
+/// A restriction of text by a list of values is an enumeration; of anything else it changes nothing.
+SchemaSimpleTypes::Value SchemaSimpleTypes::narrow(Value base, Index restriction)
+{
+    Index at = tree.childOf(restriction, SchemaTag::enumeration);
+    if (at == 0 || (base.kind != SourceTypes::kindText && base.kind != SourceTypes::kindEnumeration))
+        return base;
+    Value value = valueOfKind(SourceTypes::kindEnumeration);
+    value.firstConstant = static_cast<std::uint32_t>(constants.size());
+    ++constantLists;
+    for (; at != 0; at = tree.firstOf(tree[at].next, SchemaTag::enumeration))
+        addConstant(tree[at].name);
+    value.constantCount = static_cast<std::uint32_t>(constants.size()) - value.firstConstant;
+    return value;
+}
+
+/// Adds a constant to the list in hand, once.
+void SchemaSimpleTypes::addConstant(NameTable::Id constant)
+{
+    constantSeen.resize(std::max<std::size_t>(constantSeen.size(), constant + 1));
+    if (std::exchange(constantSeen[constant], constantLists) == constantLists)
+        return;
+    if (constants.size() == kMaxConstants)
+        set.refuse(std::to_string(kMaxConstants) + " constants");
+    constants.push_back(constant);
+}

@@ -1,0 +1,44 @@
+#include "Import/Schema/Full/SchemaTree.h"
+
+SchemaTree::SchemaTree() : nodes(1), listed(1), documentations(1)
+{
+    for (const std::string_view known :
+         {"http://www.w3.org/2001/XMLSchema", "http://www.w3.org/2000/10/XMLSchema", "http://www.w3.org/1999/XMLSchema",
+          "http://www.w3.org/XML/1998/namespace", "value"})
+        names.intern(known);
+}
+
+SchemaName SchemaTree::adopted(Index at, SchemaName name) const
+{
+    if (name.space == 0 && name.local != 0 && !documentOf(at).hasTarget)
+        name.space = documentOf(at).space;
+    return name;
+}
+
+std::vector<SchemaName> SchemaTree::listOf(Index at) const
+{
+    std::vector<SchemaName> out;
+    for (std::size_t i = nodes[at].list; listed[i].local != 0; ++i)
+        out.push_back(adopted(at, listed[i]));
+    return out;
+}
+
+std::uint32_t SchemaTree::adopt(std::uint32_t document, NameTable::Id space)
+{
+    SchemaDocument copy = documents[document];
+    const auto shift = static_cast<Index>(nodes.size()) - copy.root;
+    const auto moved = [shift](Index at) { return at == 0 ? 0 : at + shift; };
+    nodes.reserve(nodes.size() + (copy.end - copy.root));
+    for (Index at = copy.root; at < copy.end; ++at) {
+        SchemaNode& node = nodes.emplace_back(nodes[at]);
+        node.parent = moved(node.parent);
+        node.next = moved(node.next);
+        node.firstChild = moved(node.firstChild);
+        node.document = static_cast<std::uint32_t>(documents.size());
+    }
+    copy.root += shift;
+    copy.end += shift;
+    copy.space = space;
+    documents.push_back(std::move(copy));
+    return static_cast<std::uint32_t>(documents.size() - 1);
+}

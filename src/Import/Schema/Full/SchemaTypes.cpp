@@ -1,0 +1,159 @@
+#include "Import/Schema/Full/SchemaTypes.h"
+
+#include <algorithm>
+
+void SchemaTypes::read(std::string_view root)
+{
+    const std::vector<Index> components = set.mainComponents();
+    for (const Index component : components)
+        readComponent(component);
+    if (const Index element = set.elementCalled(root); element != 0 && !std::ranges::count(components, element))
+        readComponent(element);
+    for (std::size_t i = 0; i < pending.size(); ++i)
+        readFields(pending[i]);
+}
+
+void SchemaTypes::readComponent(Index component)
+{
+    const SchemaNode& node = tree[component];
+    if (node.tag == SchemaTag::complexType) {
+        recordOf(component, SourceTypes::kNone);
+    } else if (node.tag == SchemaTag::simpleType) {
+        if (const Value value = simple.of(component); value.named != 0)
+            typeOf(value, node.name);
+    } else {
+        const SourceTypes::Type type = typeOf(declared(component), node.name, SourceTypes::kNone);
+        types.addCandidate({keep(node.name), type, node.is(SchemaNode::isAbstract), set.placeOf(component)});
+    }
+}
+
+void SchemaTypes::readFields(Pending record)
+{
+    fields.clear();
+    if (const Value text = simple.of(record.type); text.isThere)
+        fields.push_back({"value", {}, typeOf(text, SchemaTree::kValueName), SourceTypes::roleValue});
+    const std::span<const SchemaField> content = contents.of(record.type);
+    inHand.assign(content.begin(), content.end());
+    for (const SchemaField& field : inHand) {
+        cancelPoint.pass();
+        const Declared& type = declared(field.declaration);
+        const std::uint32_t said = field.declaration == 0 ? 0 : tree[field.declaration].documentation;
+        fields.push_back({keep(field.name.local), keepDocumentation(said != 0 ? said : type.documentation),
+                          typeOf(type, field.name.local, record.record), field.role, field.repeats});
+    }
+    types.setFields(record.record, fields);
+}
+
+/// The type of an element or attribute; text for none. Valid until the next call.
+const SchemaTypes::Declared& SchemaTypes::declared(Index declaration)
+{
+    // Elements without a type are of the one of their substitution group's head, or of its head's.
+    std::vector<Index> chain;
+    lastDeclared = {};
+    for (Index at = declaration; at != 0 && !resolve(at, lastDeclared);) {
+        const auto [known, isNew] = fromHeads.try_emplace(at);
+        if (!isNew) {
+            lastDeclared = known->second;
+            break;
+        }
+        chain.push_back(at);
+        const bool hasHead = tree[at].tag == SchemaTag::element && tree.firstListed(at).local != 0;
+        at = hasHead ? set.find(SchemaSet::element, tree.firstListed(at), at) : 0;
+    }
+    for (const Index at : chain)
+        fromHeads[at] = lastDeclared;
+    return lastDeclared;
+}
+
+/// False for a declaration that says nothing of a type.
+bool SchemaTypes::resolve(Index declaration, Declared& out)
+{
+    Index type = tree.childOf(declaration, SchemaTag::complexType, SchemaTag::simpleType);
+    if (type == 0) {
+        if (tree[declaration].reference.local == 0)
+            return false;
+        const SchemaName name = tree.referenceOf(declaration);
+        if (const auto builtIn = set.builtInKind(name)) {
+            out.value = {true, *builtIn};
+            return true;
+        }
+        type = set.find(SchemaSet::type, name, declaration);
+        if (type == 0) {
+            set.note(SourceReport::unresolvedReference, declaration);
+            return true;
+        }
+    }
+    out.documentation = tree[type].documentation;
+    if (tree[type].tag == SchemaTag::complexType)
+        out.complexType = type;
+    else
+        out.value = simple.of(type);
+    return true;
+}
+
+SourceTypes::Type SchemaTypes::typeOf(const Declared& declared, NameTable::Id fieldName, SourceTypes::Index home)
+{
+    return declared.complexType == 0 ? typeOf(declared.value, fieldName) : recordOf(declared.complexType, home);
+}
+
+SourceTypes::Type SchemaTypes::typeOf(const Value& value, NameTable::Id fieldName)
+{
+    if (value.kind != SourceTypes::kindEnumeration)
+        return {value.kind};
+    const bool isNamed = value.named != 0;
+    const SchemaNode& named = tree[value.named];
+    const NameTable::Id name = isNamed ? named.name : fieldName;
+    const auto [known, isNew] =
+        enumerations.try_emplace(static_cast<std::uint64_t>(value.firstConstant) << 32 | name, SourceTypes::kNone);
+    if (isNew) {
+        constants.clear();
+        for (const NameTable::Id constant : simple.constantsOf(value))
+            constants.push_back(keep(constant));
+        known->second = types.addEnumeration(keep(name), constants, isNamed, keepDocumentation(named.documentation),
+                                             set.placeOf(value.named));
+    }
+    return {SourceTypes::kindEnumeration, known->second};
+}
+
+/// The record of a complex type: named like it, else like the element that it is declared in.
+SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index home)
+{
+    const auto [known, isNew] = records.try_emplace(complexType);
+    if (!isNew)
+        return known->second;
+    const SchemaNode& node = tree[complexType];
+    const SchemaNode& named = node.hasName() ? node : tree[node.parent];
+    const Value text = simple.of(complexType);
+    if (!text.isThere && contents.of(complexType).empty())
+        return known->second;
+    const std::uint32_t said = node.documentation != 0 ? node.documentation : named.documentation;
+    const SourceTypes::Index record =
+        types.addRecord({keep(named.name), keepDocumentation(said), set.placeOf(complexType),
+                         node.hasName() ? SourceTypes::kNone : home});
+    pending.push_back({complexType, record});
+    if (node.is(SchemaNode::isAbstract))
+        set.note(SourceReport::abstractType, complexType);
+    if (text.isMixed)
+        set.note(SourceReport::mixedContent, complexType);
+    return known->second = {SourceTypes::kindRecord, record};
+}
+
+std::string_view SchemaTypes::keep(NameTable::Id name)
+{
+    keptNames.resize(std::max(keptNames.size(), tree.names.size()));
+    std::string_view& kept = keptNames[name];
+    if (kept.empty())
+        kept = types.keep(tree.text(name));
+    return kept;
+}
+
+std::string_view SchemaTypes::keepDocumentation(std::uint32_t documentation)
+{
+    if (documentation == 0)
+        return {};
+    keptDocumentations.resize(tree.documentations.size());
+    std::string_view& kept = keptDocumentations[documentation];
+    if (kept.empty())
+        kept = types.keep(tree.documentations[documentation]);
+    return kept;
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Base/Progress.h"
+#include "Import/Schema/Full/SchemaContents.h"
+#include "Import/Schema/Full/SchemaSimpleTypes.h"
+
+/// Says what a schema declares: the records, enumerations and elements of its main document and all that they reach.
+class SchemaTypes
+{
+public:
+    SchemaTypes(SchemaSet& set, SourceTypes& types) :
+        set(set), tree(set.queryTree()), types(types), simple(set), contents(set)
+    {}
+
+    /// `root` names an element that is read in any case; "" for none.
+    void read(std::string_view root);
+
+private:
+    using Index = SchemaNode::Index;
+    using Value = SchemaSimpleTypes::Value;
+
+    // What a declaration is of: a complex type, or else a value.
+    struct Declared
+    {
+        Index complexType = 0;
+        Value value;
+        std::uint32_t documentation = 0; // of the type
+    };
+
+    // A record that waits for its fields.
+    struct Pending
+    {
+        Index type;
+        SourceTypes::Index record;
+    };
+
+    void readComponent(Index component);
+    void readFields(Pending pending);
+    const Declared& declared(Index declaration);
+    bool resolve(Index declaration, Declared& out);
+    SourceTypes::Type typeOf(const Declared& declared, NameTable::Id fieldName, SourceTypes::Index home);
+    SourceTypes::Type typeOf(const Value& value, NameTable::Id fieldName);
+    SourceTypes::Type recordOf(Index complexType, SourceTypes::Index home);
+    std::string_view keep(NameTable::Id name);
+    std::string_view keepDocumentation(std::uint32_t documentation);
+
+    SchemaSet& set;
+    const SchemaTree& tree;
+    SourceTypes& types;
+    SchemaSimpleTypes simple;
+    SchemaContents contents;
+    std::unordered_map<Index, SourceTypes::Type> records; // by complex type; text for one that holds nothing
+    std::vector<Pending> pending;
+    std::unordered_map<std::uint64_t, SourceTypes::Index> enumerations; // by first constant and name
+    std::unordered_map<Index, Declared> fromHeads; // elements that have the type of their substitution group's head
+    Declared lastDeclared;
+    std::vector<std::string_view> keptNames;
+    std::vector<std::string_view> keptDocumentations;
+    std::vector<SchemaField> inHand;
+    std::vector<SourceTypes::Field> fields;
+    std::vector<std::string_view> constants;
+    CancelPoint cancelPoint{4096}; // passed by each field
+};

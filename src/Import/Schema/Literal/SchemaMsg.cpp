@@ -1,0 +1,194 @@
+#include "Import/Schema/Literal/SchemaMsg.h"
+
+#include "Base/Progress.h"
+#include "Files/FileMessage.h"
+#include "Import/Schema/Literal/SchemaCache.h"
+#include "Resources/StringTable.h"
+#include "Xml/XMLDoc.h"
+
+int SchemaMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
+{
+    SchemaTable::Outlines outlines;
+    table.clear();
+    namesBefore = table.queryNames();
+    const int result = import(source, basePath, fileName, outlines);
+    table.clear(); // the texts of the tables go with the outlines
+    return result;
+}
+
+void SchemaMessage::onCancelled()
+{
+    table.clear();
+    table.setNames(namesBefore);
+}
+
+/// The two passes. The file is read once for both.
+int SchemaMessage::import(const CString& source, const CString& basePath, const CString& fileName,
+                          SchemaTable::Outlines& outlines)
+{
+    XmlDocument document;
+    notes.clear();
+    if (!readFile(source, document, outlines))
+        return fail(document.queryParseError(), document.queryFault());
+    const SchemaOutline& main = outlines.front();
+    if (main.hasTargetNamespace())
+        passOver(main, 0);
+    else if (!fileName.empty() && !readIncluded(fileName, outlines))
+        return 0;
+    table.readIncluded(outlines, !fileName.empty(), report, isReportWanted);
+    baseFolder = basePath.ends_with('\\') ? basePath : basePath + "\\";
+    return doParse(main, source);
+}
+
+/// Reads a document into an outline of its own, which is the last one then.
+bool SchemaMessage::readFile(const CString& fileName, XmlDocument& document, SchemaTable::Outlines& outlines)
+{
+    const std::uint32_t file = report.addFile(fileName);
+    SchemaOutline& outline = outlines.emplace_back(file);
+    if (!isReportWanted)
+        return document.streamFile(fileName, outline);
+    return document.streamFile(fileName, notes.emplace_back(outline, report, file));
+}
+
+/// Reads the documents that the schema names, behind its own outline. What is missing or not well-formed is left out;
+/// what is there and can't be read fails the import, with message 2210.
+bool SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines& outlines)
+{
+    SchemaCache cache;
+    cache.add(fileName, 0, outlines.front().locations());
+    while (const auto named = cache.next()) {
+        if (named->name.empty()) {
+            const bool isRemote = localPath(named->location).empty() && !named->location.empty();
+            report.add(isRemote ? SourceReport::moduleRemote : SourceReport::moduleMissing, named->place,
+                       named->location);
+            continue;
+        }
+        XmlDocument document;
+        if (readFile(named->name, document, outlines)) {
+            cache.add(named->name, outlines.back().placeOf(SchemaOutline::kRoot).file, outlines.back().locations());
+            continue;
+        }
+        if (const int error = document.querySystemError(); error != 0)
+            return fail(cantOpen(named->name, fileCauseOf(error)),
+                        {report.fileNameOf(named->place.file),
+                         CString(named->location) + ": " + document.queryFault().reason, named->place.line}) != 0;
+        report.add(SourceReport::moduleIllFormed, named->place, named->location);
+        outlines.pop_back();
+        if (isReportWanted)
+            notes.pop_back();
+    }
+    return true;
+}
+
+/// The documents that a schema with a namespace names are not read.
+void SchemaMessage::passOver(const SchemaOutline& outline, std::uint32_t file)
+{
+    for (const SchemaOutline::Location& location : outline.locations())
+        report.add(SourceReport::declarationPassedOver, {file, location.line}, location.text);
+}
+
+int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
+{
+    if (queryMainTypeName().empty())
+        return fail(loadText(IDS_NO_ROOT), {source, "this document does not contain a root element"});
+    beginWork(Work::arranging);
+    table.readMain(outline, report, isReportWanted);
+    for (SchemaNotes& document : notes)
+        document.reportUnknownTypes([this](std::string_view type) { return table.find(type) != nullptr; });
+    const CString path = baseFolder + table.queryMainType() + "\\";
+    model.reserveUsages(countFields());
+    for (const SchemaElement* entry : table.queryDeclared())
+        declareRecord(*entry, path);
+    for (const SchemaElement* entry : table.queryPulled())
+        declareRecord(*entry, path);
+    return 1;
+}
+
+/// How many usages the records will have: each is one itself.
+std::size_t SchemaMessage::countFields() const
+{
+    std::size_t count = 0;
+    for (const SchemaElement* entry : table.queryDeclared())
+        count += entry->queryChildren() ? 1 + entry->queryChildren()->size() : 0;
+    for (const SchemaElement* entry : table.queryPulled())
+        count += entry->queryChildren() ? 1 + entry->queryChildren()->size() : 0;
+    return count;
+}
+
+/// An entry with children becomes a record. All of its fields are known before the first is declared: their usages lie
+/// anywhere in a large table, and so wait for it but once.
+void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path)
+{
+    if (!entry.queryChildren())
+        return;
+    const bool mayMiss = entry.queryPull() == SchemaElement::pulledAsChild;
+    const CString name =
+        entry.queryName() == table.queryRootTypeName() ? table.queryMainType() : CString(entry.queryName());
+    RunningHash key(name);
+    Element* record = model.addElement(key, path, name, Element::typeRow, nullptr);
+    key.append(".");
+    fields.clear();
+    for (const SchemaElement* child : *entry.queryChildren()) {
+        Field& field = fields.emplace_back();
+        getType(mayMiss ? table.find(child->queryKey()) : child, field.typeName, field.name);
+        field.mark = getModifiers(*child);
+        field.usageKey = RunningHash(key).append(field.name);
+        model.prefetchUsage(field.usageKey);
+    }
+    for (const Field& field : fields)
+        declareField(field, path, record);
+}
+
+/// A repeated field is declared twice: the model makes a table of a usage that it has seen more than once.
+void SchemaMessage::declareField(const Field& field, const CString& path, Element* record)
+{
+    std::string_view typeName = field.typeName;
+    const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName);
+    for (int instances = field.mark == modStar ? 2 : 1; instances > 0; --instances) {
+        Element* element = model.addElement(field.usageKey, path, field.name, kind, record);
+        if (typeName.empty())
+            continue;
+        const bool isOurs = typeName != "AnonymousType" && kind != Element::typeString;
+        element->setKnownType(isOurs ? path + CString(typeName) : "String");
+        element->setType(Element::typeOther);
+    }
+}
+
+/// Name and type of a declaration; both are empty when there is none. A repeated one brings no type. Nonzero when there
+/// is a type.
+int SchemaMessage::getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName)
+{
+    typeName = fieldName = {};
+    if (entry) {
+        fieldName = entry->queryName();
+        if (!removeModifiers(fieldName))
+            typeName = entry->queryType();
+    }
+    return !typeName.empty();
+}
+
+/// Trims `name`; 1 when it then ended with a '*', which is removed.
+int SchemaMessage::removeModifiers(std::string_view& name)
+{
+    name = trimmed(name);
+    if (!name.ends_with('*'))
+        return 0;
+    name.remove_suffix(1);
+    return 1;
+}
+
+/// The kind of a field of this type. The name of a built-in type is emptied: the kind says all. For any other, typeDate
+/// says no more than that it is a type of the schema.
+Element::ElementTypes SchemaMessage::getBrokerType(std::string_view& typeName) const
+{
+    for (const std::string_view prefix : {"xsd:", "xs:"}) {
+        if (!typeName.starts_with(prefix))
+            continue;
+        const std::string_view builtIn = typeName.substr(prefix.size());
+        typeName = {};
+        if (builtIn == "date")
+            return Element::typeDate;
+        return builtIn == "decimal" ? Element::typeNumber : Element::typeString;
+    }
+    return table.find(typeName) ? Element::typeDate : Element::typeString;
+}

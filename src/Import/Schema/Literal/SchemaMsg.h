@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Import/MsgBase.h"
+#include "Import/Schema/Literal/SchemaNotes.h"
+#include "Import/Schema/Literal/SchemaTable.h"
+
+class XmlDocument;
+
+/// The importer of XML Schema files. Complex types become records, the elements and attributes declared in them fields;
+/// schema tags are known by the literal prefixes "xsd:" and "xs:", namespaces are not resolved. SchemaTable holds what
+/// the file declares; this makes the model of it.
+class SchemaMessage : public MsgBase
+{
+public:
+    SchemaMessage() : MsgBase(1) {}
+
+    static MsgBase* New() { return new SchemaMessage; }
+
+    /// `source` is the name of the schema file. 0 when it can't be loaded or has no main element.
+    int parse(const CString& source, const CString& basePath, const CString& fileName) override;
+    int isFileMode() const override { return 1; }
+    CString queryMainTypeName() const override { return table.queryMainType(); }
+    MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
+
+    static MsgUIDescriptor m_descr;
+
+protected:
+    void onCancelled() override;
+
+private:
+    enum Modifiers
+    {
+        modNone = 0,
+        modStar = 1
+    };
+
+    // A field that is about to be declared. The texts are the documents'.
+    struct Field
+    {
+        Fingerprint usageKey;
+        std::string_view name;
+        std::string_view typeName;
+        Modifiers mark = modNone;
+    };
+
+    int import(const CString& source, const CString& basePath, const CString& fileName,
+               SchemaTable::Outlines& outlines);
+    bool readFile(const CString& fileName, XmlDocument& document, SchemaTable::Outlines& outlines);
+    bool readIncluded(const CString& fileName, SchemaTable::Outlines& outlines);
+    void passOver(const SchemaOutline& outline, std::uint32_t file);
+    int doParse(const SchemaOutline& outline, const CString& source);
+    std::size_t countFields() const;
+    void declareRecord(const SchemaElement& entry, const CString& path);
+    void declareField(const Field& field, const CString& path, Element* record);
+    static int getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName);
+    Element::ElementTypes getBrokerType(std::string_view& typeName) const;
+    static Modifiers getModifiers(const SchemaElement& entry) { return entry.isMarked() ? modStar : modNone; }
+    static int removeModifiers(std::string_view& name);
+
+    std::deque<SchemaNotes> notes; // of the documents that were read; none where no report is wanted
+    SchemaTable table;
+    SchemaTable::Names namesBefore; // the import in hand
+    CString baseFolder;
+    std::vector<Field> fields; // of the record in hand
+};

@@ -1,0 +1,299 @@
+#include "Import/Schema/Literal/SchemaTable.h"
+
+#include "Base/QELApp.h"
+#include "Resources/StringTable.h"
+
+namespace {
+
+constexpr std::string_view kAnonymousType = "AnonymousType";
+constexpr std::string_view kStringType = "xsd:string";
+
+/// True for a declaration whose type stands inside it.
+bool holdsType(const SchemaOutline& outline, SchemaOutline::Index at)
+{
+    return outline[at].type == kAnonymousType &&
+           outline.getNode(at, SchemaOutline::complexType) != SchemaOutline::kNone;
+}
+
+/// The type as it is registered: one that should stand inside the declaration and doesn't is text.
+std::string_view typeOf(const SchemaOutline& outline, SchemaOutline::Index at)
+{
+    const std::string_view type = outline[at].type;
+    return type == kAnonymousType && !holdsType(outline, at) ? kStringType : type;
+}
+
+} // namespace
+
+void SchemaTable::readIncluded(Outlines& outlines, bool isFile, SourceReport& report, bool isReportWanted)
+{
+    names = &report;
+    earlierMainType = mainType;
+    mainName = earlierMainType;
+    isWhole = isFile && getSchemaIncludeList(outlines, isReportWanted);
+    if (isWhole)
+        return;
+    copyElementList();
+    setMainType(getRootTag(outlines.front()));
+}
+
+void SchemaTable::readMain(const SchemaOutline& main, SourceReport& report, bool isReportWanted)
+{
+    names = &report;
+    if (!isWhole) {
+        processElement(main);
+        processComplexType(main, SchemaOutline::kRoot, {});
+    }
+    mergeLists();
+    if (isReportWanted)
+        main.reportUnread(report);
+}
+
+/// Takes the schema and the documents that it names into the table: first the top-level elements of each, then the
+/// complex types. A schema with a target namespace doesn't get that far. True when the schema stands alone and reading
+/// it once more would give the same table again, and nothing to show.
+bool SchemaTable::getSchemaIncludeList(Outlines& outlines, bool isReportWanted)
+{
+    const SchemaOutline& main = outlines.front();
+    const bool hadRootType = !rootTypeName.empty();
+    setMainType(getRootTag(main));
+    if (main.hasTargetNamespace())
+        return false;
+    std::size_t declarations = 0;
+    for (const SchemaOutline& outline : outlines)
+        declarations += outline.size();
+    schemaElements.reserve(declarations);
+    for (const SchemaOutline& outline : outlines)
+        processElement(outline);
+    for (const SchemaOutline& outline : outlines)
+        processComplexType(outline, SchemaOutline::kRoot, {});
+    for (auto included = outlines.begin() + 1; included != outlines.end(); ++included) {
+        if (isReportWanted)
+            included->reportUnread(*names);
+        included->keepTextsOnly();
+    }
+    // The names in force while the main element's own type was read.
+    const bool sameNames = !hadRootType || earlierMainType == mainType;
+    return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
+}
+
+/// Makes what the include pass has read the include table, and leaves the element table empty.
+void SchemaTable::copyElementList()
+{
+    std::swap(includedElements, schemaElements);
+}
+
+void SchemaTable::setMainType(std::string_view name)
+{
+    mainType = name;
+    mainName = name;
+}
+
+void SchemaTable::clear()
+{
+    schemaElements.clear();
+    includedElements.clear();
+    pulled.clear();
+    ownedElements.clear();
+    cyclicReferences = 0;
+}
+
+/// The name of the main element: the first one at the top that has no type, whose own type is then read, or the type of
+/// which is among the document's complex types.
+std::string_view SchemaTable::getRootTag(const SchemaOutline& outline)
+{
+    for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
+         at = outline.getNextSibling(at)) {
+        const SchemaDeclaration& element = outline[at];
+        if (!element.hasAttributes)
+            continue;
+        const std::string_view name = element.isReference ? std::string_view() : element.name();
+        if (!element.hasType || element.type == kAnonymousType) {
+            processComplexType(outline, at, name);
+            return name;
+        }
+        if (!outline.holdsTypes())
+            return {};
+        if (outline.holdsTypeNamed(element.type)) {
+            rootTypeName = element.type;
+            return name;
+        }
+    }
+    return {};
+}
+
+/// The elements at the top. An anonymous type is only looked for below the first complex type inside the element, so
+/// the one of the main element, which getRootTag() has read, is the only one that is read whole.
+void SchemaTable::processElement(const SchemaOutline& outline)
+{
+    for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
+         at = outline.getNextSibling(at)) {
+        const SchemaDeclaration& element = outline[at];
+        if (holdsType(outline, at))
+            processComplexType(outline, outline.getNode(at, SchemaOutline::complexType), element.name());
+        outline.markRead(at);
+        if (!element.name().empty())
+            addSchemaElement(outline.placeOf(at), element.name(), {}, typeOf(outline, at));
+    }
+}
+
+/// The complex types of one container, of which `type` is in hand: its elements, then its attributes.
+struct SchemaTable::TypeWalk
+{
+    std::string_view owner; // the name of types that have none
+    Index type;
+    Record record;
+    SchemaOutline::Tag list = SchemaOutline::element;
+    Index field = SchemaOutline::kNone;
+    bool isEntered = false; // the type inside the field has been read
+};
+
+/// The complex types directly inside `container`, with all that is nested in them. What is nested is read before the
+/// declaration that holds it is registered; the walks in hand are kept here, not on the stack.
+void SchemaTable::processComplexType(const SchemaOutline& outline, Index container, std::string_view parentName)
+{
+    std::vector<TypeWalk> walks;
+    const auto enter = [&](Index from, std::string_view owner) {
+        TypeWalk walk{owner, outline.getChildNode(from, SchemaOutline::complexType), {}};
+        if (walk.type == SchemaOutline::kNone)
+            return;
+        enterType(outline, walk);
+        walks.push_back(walk);
+    };
+    enter(container, parentName);
+    while (!walks.empty()) {
+        TypeWalk& walk = walks.back();
+        if (walk.field == SchemaOutline::kNone) {
+            if (!nextList(outline, walk))
+                walks.pop_back();
+        } else if (!walk.isEntered && holdsType(outline, walk.field)) {
+            walk.isEntered = true;
+            enter(walk.field, outline[walk.field].name()); // may move `walk`
+        } else {
+            processTag(outline, walk);
+        }
+    }
+}
+
+/// Registers the complex type in hand as a record and turns to its first element. That is the first one at any depth;
+/// its siblings follow, and those that stand in another group than it are never read.
+void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
+{
+    const SchemaDeclaration& type = outline[walk.type];
+    std::string_view name = type.isReference ? walk.owner : type.name();
+    if (!name.empty() && name == rootTypeName)
+        name = mainName;
+    walk.record = {name, RunningHash(name), addSchemaElement(outline.placeOf(walk.type), name, {}, {})};
+    walk.list = SchemaOutline::element;
+    walk.field = outline.getNode(walk.type, SchemaOutline::element);
+}
+
+/// Goes on from the elements of the type in hand to its attributes, from these to the next type. False at the end.
+bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
+{
+    if (walk.list == SchemaOutline::element) {
+        walk.list = SchemaOutline::attribute;
+        walk.field = outline.getChildNode(walk.type, SchemaOutline::attribute);
+        return true;
+    }
+    walk.type = outline.getNextSibling(walk.type);
+    if (walk.type == SchemaOutline::kNone)
+        return false;
+    enterType(outline, walk);
+    return true;
+}
+
+/// Registers the field in hand and turns to the next one.
+void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
+{
+    const SchemaDeclaration& field = outline[walk.field];
+    const Index next = outline.getNextSibling(walk.field);
+    if (next != SchemaOutline::kNone)
+        prefetchEntry(outline[next], walk);
+    // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
+    const std::string_view name = field.markedName();
+    if (!name.empty())
+        addSchemaElement(outline.placeOf(walk.field), name, walk.record, typeOf(outline, walk.field));
+    outline.markRead(walk.field);
+    walk.field = next;
+    walk.isEntered = false;
+}
+
+/// In a large table each look-up waits for the memory. It is asked for the next field's while this one is registered.
+void SchemaTable::prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const
+{
+    const std::string_view name = field.markedName();
+    if (walk.record.entry)
+        schemaElements.prefetch(keyHash(RunningHash(walk.record.key).append(name)));
+    schemaElements.prefetch(keyHash(name));
+}
+
+/// Registers a declaration once and attaches it to its parent. Answers the entry, or null when the declaration is
+/// called like its parent. A type that is already registered under the name alone wins.
+SchemaElement* SchemaTable::addSchemaElement(SourcePlace place, std::string_view name, const Record& parent,
+                                             std::string_view type)
+{
+    cancelPoint.pass();
+    const Fingerprint alone(name);
+    const Fingerprint key = parent.entry ? Fingerprint(RunningHash(parent.key).append(name)) : alone;
+    SchemaElement* entry = schemaElements.find(key);
+    if (!entry) {
+        if (const SchemaElement* earlier = schemaElements.find(alone))
+            type = earlier->queryType();
+        if (parent.name == name) {
+            theApp.Error(loadText(IDS_CYCLIC), IDS_ERROR_TITLE,
+                         {names->fileNameOf(place.file), CString(name) + " stands inside itself", place.line, 0, true});
+            names->add(SourceReport::declarationPassedOver, place, name);
+            ++cyclicReferences;
+            return nullptr;
+        }
+        entry = &ownedElements.emplace_back(key, parent.entry ? parent.name : std::string_view(), name, type);
+        schemaElements.store(entry);
+    }
+    if (parent.entry)
+        parent.entry->addChild(entry);
+    return entry;
+}
+
+/// Pulls from the include table every entry that is named as a type and missing, with its children. One walk does: what
+/// is pulled goes to the end of the table, so the walk comes to it, and an entry that it has passed needs nothing more.
+void SchemaTable::mergeLists()
+{
+    for (const SchemaElement* entry : schemaElements) {
+        cancelPoint.pass();
+        pull(entry->queryType());
+    }
+    for (std::size_t i = 0; i < pulled.size(); ++i) {
+        cancelPoint.pass();
+        pull(pulled[i]->queryType());
+    }
+}
+
+void SchemaTable::pull(const Fingerprint& type)
+{
+    if (schemaElements.find(type))
+        return;
+    SchemaElement* const included = includedElements.find(type);
+    if (!included || included->queryPull() != SchemaElement::notPulled)
+        return;
+    included->setPull(SchemaElement::pulledAsType);
+    pulled.push_back(included);
+    if (!included->queryChildren())
+        return;
+    for (SchemaElement*& child : *included->queryChildren()) {
+        if (SchemaElement* own = schemaElements.find(child->queryKey())) {
+            child = own; // that is whom the key stands for from here on
+        } else if (child->queryPull() == SchemaElement::notPulled) {
+            child->setPull(SchemaElement::pulledAsChild);
+            pulled.push_back(child);
+        }
+    }
+}
+
+/// What stands under `key` in the element table, what was pulled included; null when nothing does.
+const SchemaElement* SchemaTable::find(const Fingerprint& key) const
+{
+    if (const SchemaElement* own = schemaElements.find(key))
+        return own;
+    const SchemaElement* included = includedElements.find(key);
+    return included && included->queryPull() != SchemaElement::notPulled ? included : nullptr;
+}

@@ -1,0 +1,177 @@
+#include "Import/XmlData/XMLDataWalk.h"
+
+#include <algorithm>
+
+// The document stands under no element, but has the sequence number 0, which is the root's too: the root's attributes
+// and its children have keys in common.
+XMLDataWalk::XMLDataWalk(SourceReport& report, bool isBody) :
+    report(report), isBody(isBody), pairs(1), latest(&pairs.front())
+{}
+
+void XMLDataWalk::beginDocument(std::uint32_t number)
+{
+    file = number;
+    open.assign(1, {nullptr, rootTag.empty() ? 0 : ++lastSequence, 0, 0});
+    pairsByKey.clear(); // the names were the last document's
+}
+
+// Of several the first by name, in whatever order their documents come.
+void XMLDataWalk::takeRoot(CString tag)
+{
+    if (rootTag.empty() || tag < rootTag)
+        rootTag = std::move(tag);
+}
+
+void XMLDataWalk::entityLeftOut(std::string_view name, int line)
+{
+    report.add(SourceReport::entityNotExpanded, {file, static_cast<std::uint32_t>(line)}, name);
+}
+
+void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
+{
+    const bool isRoot = !open.back().item;
+    if (isRoot)
+        takeRoot(name.prefix ? CString(name.prefix) + ":" + name.local : name.local);
+    Pair& child = pairOf(open.back().item, name.local, false);
+    occur(child);
+    for (std::size_t i = 0; i < attributes.size(); ++i)
+        occur(pairOf(child.item, attributes[i].name.local, true));
+    if (isRoot)
+        open.back().item = child.item;
+    else
+        open.push_back({child.item, ++lastSequence, shadowed.size(), undecided.size()});
+}
+
+void XMLDataWalk::endElement()
+{
+    closeNode();
+}
+
+std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
+{
+    std::sort(declarations.begin(), declarations.end(),
+              [](const Declaration& a, const Declaration& b) { return a.moment < b.moment; });
+    // The model that is made of them will need room of its own.
+    itemsByName = {};
+    pairsByKey = {};
+    usagesByKey = {};
+    usages.clear();
+    undecided = std::vector<Usage*>();
+    return std::move(declarations);
+}
+
+void XMLDataWalk::occur(Pair& pair)
+{
+    ++lastMoment;
+    Usage& usage = *pair.usage;
+    if (!usage.pair || usage.sequence != open.back().sequence) {
+        beginUsage(pair);
+    } else {
+        repeatUsage(usage, pair);
+        if (!pair.isLinked) { // the key is another pair's: what is new here is the link alone
+            if (usage.declaration == kNotKept)
+                keep(usage);
+            declarations.push_back({lastMoment, &pair, usage.sequence, false});
+        }
+    }
+    pair.isLinked = true;
+}
+
+void XMLDataWalk::beginUsage(Pair& pair)
+{
+    Usage& usage = *pair.usage;
+    if (isOpen(usage))
+        shadowed.emplace_back(&usage, usage);
+    usage.begin(pair, open.back().sequence, lastMoment, open.size() - 1);
+    if (!pair.isLinked)
+        keep(usage);
+    if (pair.item->firstOnce == Item::kNever)
+        undecided.push_back(&usage);
+}
+
+void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
+{
+    if (usage.repeats)
+        return;
+    usage.repeats = true;
+    Item& item = *usage.pair->item;
+    if (usage.declaration != kNotKept)
+        declarations[usage.declaration].repeats = true;
+    else if (isBody ? !pair.isKeptRepeated : usage.moment < item.firstRepeated)
+        keep(usage);
+    pair.isKeptRepeated = true;
+    item.firstRepeated = std::min(item.firstRepeated, usage.moment);
+}
+
+void XMLDataWalk::keep(Usage& usage)
+{
+    usage.declaration = declarations.size();
+    declarations.push_back({usage.moment, usage.pair, usage.sequence, usage.repeats});
+}
+
+bool XMLDataWalk::isOpen(const Usage& usage) const
+{
+    return usage.pair && usage.depth < open.size() && open[usage.depth].sequence == usage.sequence;
+}
+
+// What was undecided is known now: a usage that didn't occur again will not any more.
+void XMLDataWalk::closeNode()
+{
+    const Node& node = open.back();
+    for (; undecided.size() > node.undecided; undecided.pop_back()) {
+        Usage& usage = *undecided.back();
+        Item& item = *usage.pair->item;
+        if (usage.repeats || usage.moment > item.firstOnce)
+            continue;
+        item.firstOnce = usage.moment;
+        if (usage.declaration == kNotKept)
+            keep(usage);
+    }
+    for (; shadowed.size() > node.shadowed; shadowed.pop_back())
+        *shadowed.back().first = shadowed.back().second;
+    open.pop_back();
+}
+
+// Most nodes hold what the last one of their name held, in that order: what comes is likely to be what came last time.
+XMLDataWalk::Pair& XMLDataWalk::pairOf(Item* parent, const char* local, bool isAttribute)
+{
+    const PairKey key{parent, local, file, isAttribute};
+    Pair*& guess = latest->follower;
+    if (!guess || guess->key != key) {
+        const std::uint32_t hash = keyHash(key);
+        Pair* const known = pairsByKey.find(key, hash);
+        guess = known ? known : &addPair(key, hash);
+    }
+    return *(latest = guess);
+}
+
+XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)
+{
+    const CString parentName = key.parent ? key.parent->name : CString();
+    Item& item = itemNamed(key.isAttribute ? parentName + "_" + key.local : CString(key.local));
+    const char* const separator = !isBody ? "." : key.isAttribute ? "@" : "/"; // the last two are in no name
+    Usage& usage = usageOf(RunningHash(parentName).append(separator).append(key.local));
+    const bool isKnown = isBody && usage.pair; // by an earlier document
+    Pair& pair = isKnown ? *usage.pair : pairs.emplace_back(Pair{key, &item, &usage});
+    pair.key = key;
+    pairsByKey.store(&pair, hash);
+    return pair;
+}
+
+XMLDataWalk::Item& XMLDataWalk::itemNamed(CString name)
+{
+    if (Item* const known = itemsByName.find(name))
+        return *known;
+    Item& item = items.emplace_back(Item{std::move(name)});
+    itemsByName.store(&item);
+    return item;
+}
+
+XMLDataWalk::Usage& XMLDataWalk::usageOf(const Fingerprint& key)
+{
+    if (Usage* const known = usagesByKey.find(key))
+        return *known;
+    Usage& usage = usages.emplace_back(Usage{.key = key});
+    usagesByKey.store(&usage);
+    return usage;
+}

@@ -1,0 +1,125 @@
+#include "Model/BrokerType.h"
+
+template <std::size_t N>
+int BrokerTypeDescription::openContent(const char (&tag)[N], State opened)
+{
+    if (state != stateEmpty)
+        return 0;
+    state = opened;
+    content = tag;
+    text.append("><");
+    text.append(tag);
+    return 1;
+}
+
+template <std::size_t N>
+void BrokerTypeDescription::openItem(const char (&tag)[N], std::string_view name, std::string_view description)
+{
+    if (hasItems)
+        text.append("/>");
+    else
+        text.append(">");
+    hasItems = true;
+    text.append(tag);
+    text.attribute(" NAME=\"", name);
+    if (!description.empty())
+        text.attribute(" DESCRIPTION=\"", description);
+}
+
+BrokerTypeDescription::BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path,
+                                             XmlText& text) :
+    text(text)
+{
+    text.clear();
+    text.append("<BROKERTYPEDESCRIPTION");
+    if (path.ends_with('\\'))
+        text.attribute(" NAME=\"", path, name);
+    else
+        text.attribute(" NAME=\"", CString(path) + '\\', name);
+    if (!description.empty())
+        text.attribute(" DESCRIPTION=\"", description);
+}
+
+BrokerTypeDescription::BrokerTypeDescription(std::string_view name, std::string_view description,
+                                             std::string_view path) :
+    BrokerTypeDescription(name, description, path, ownText)
+{}
+
+int BrokerTypeDescription::addRow()
+{
+    return openContent("ROW", stateRow);
+}
+
+int BrokerTypeDescription::addField(std::string_view name, std::string_view description, std::string_view type)
+{
+    if (state != stateRow)
+        return 0;
+    openItem("<FIELD", name, description);
+    text.attribute(" TYPE=\"", type);
+    return 1;
+}
+
+int BrokerTypeDescription::addEnum()
+{
+    return openContent("ENUM", stateEnum);
+}
+
+int BrokerTypeDescription::addConstant(std::string_view name, std::string_view description)
+{
+    if (state != stateEnum)
+        return 0;
+    openItem("<CONSTANT", name, description);
+    return 1;
+}
+
+int BrokerTypeDescription::addArray(std::string_view size, std::string_view componentType)
+{
+    if (!openContent("ARRAY", stateArray))
+        return 0;
+    text.attribute(" SIZE=\"", size);
+    addComponent(componentType);
+    return 1;
+}
+
+int BrokerTypeDescription::addTable(std::string_view componentType)
+{
+    if (!openContent("TABLE", stateTable))
+        return 0;
+    addComponent(componentType);
+    return 1;
+}
+
+void BrokerTypeDescription::queryXML(CString& out) const
+{
+    out.assign(text.view());
+    appendEnd(out);
+}
+
+std::string_view BrokerTypeDescription::finish()
+{
+    appendEnd(text);
+    state = stateFinished;
+    return text.view();
+}
+
+template <class Text>
+void BrokerTypeDescription::appendEnd(Text& out) const
+{
+    if (state == stateFinished)
+        return;
+    out.append("/>");
+    if (hasItems) {
+        out.append("</");
+        out.append(content);
+        out.append(">");
+    }
+    if (state != stateEmpty)
+        out.append("</BROKERTYPEDESCRIPTION>");
+}
+
+void BrokerTypeDescription::addComponent(std::string_view componentType)
+{
+    text.append("><COMPONENT");
+    hasItems = true;
+    text.attribute(" TYPE=\"", componentType);
+}

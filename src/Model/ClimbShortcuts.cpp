@@ -1,0 +1,101 @@
+#include "Model/ClimbShortcuts.h"
+
+#include "Base/Progress.h"
+#include "Base/StrongComponents.h"
+
+#include <bit>
+#include <random>
+
+namespace {
+
+constexpr unsigned kElementsATick = 4096;
+
+struct WaysUp
+{
+    const LinkGraph& graph;
+
+    std::size_t degree(LinkGraph::Index element) const { return graph.parents(element).size(); }
+    LinkGraph::Index target(LinkGraph::Index element, std::size_t i) const { return graph.parents(element)[i]; }
+};
+
+} // namespace
+
+ClimbShortcuts::ClimbShortcuts(LinkGraph& graph) : graph(graph)
+{
+    CancelPoint cancelPoint(kElementsATick);
+    for (Index element = 0; element < graph.size(); ++element) { // they may become more on the way
+        cancelPoint.pass();
+        graph.read(element);
+    }
+    placed.resize(graph.size());
+    parentsDone.resize(graph.size());
+    for (Index element = 0; element < graph.size(); ++element)
+        placed[element] = graph[element]->isPlaced();
+    findCycles();
+    giveHeights();
+}
+
+void ClimbShortcuts::findCycles()
+{
+    StrongComponents components(WaysUp{graph}, graph.size());
+    for (Index element = 0; element < graph.size(); ++element)
+        components.visit(element);
+    std::vector<Index> members(components.componentCount());
+    component.reserve(graph.size());
+    for (Index element = 0; element < graph.size(); ++element) {
+        component.push_back(components.componentOf(element));
+        ++members[component.back()];
+    }
+    isInCycle.reserve(graph.size());
+    for (Index element = 0; element < graph.size(); ++element)
+        isInCycle.push_back(members[component[element]] > 1);
+}
+
+// Half of the elements have the height 0, a quarter 1, and so on. A source can't know which.
+void ClimbShortcuts::giveHeights()
+{
+    std::mt19937 random(std::random_device{}());
+    towers.reserve(graph.size() + 1);
+    towers.push_back(0);
+    for (Index element = 0; element < graph.size(); ++element)
+        towers.push_back(towers.back() + 1 + static_cast<Index>(std::countr_zero(random() | 1U << 31)));
+    shortcuts.assign(towers.back(), kNone);
+}
+
+ClimbShortcuts::Index ClimbShortcuts::topOf(Index element)
+{
+    for (Index level = height(element); isPassed(element);) {
+        if (const Index above = next(element, level); above != kNone) {
+            element = above;
+            level = height(element);
+        } else if (level-- == 0) {
+            break;
+        }
+    }
+    return element;
+}
+
+// The next element on the way up from a passed one that is at least so high, or ends the way because it isn't passed;
+// kNone when there is none.
+ClimbShortcuts::Index ClimbShortcuts::next(Index element, Index level)
+{
+    Index& kept = shortcuts[towers[element] + level];
+    if (kept != kNone && !placed[kept])
+        return kept;
+    if (level == 0)
+        return kept = firstParent(element);
+    Index above = next(element, level - 1);
+    while (above != kNone && isPassed(above) && height(above) < level)
+        above = next(above, level - 1);
+    return kept = above;
+}
+
+// The first parent that isn't placed.
+ClimbShortcuts::Index ClimbShortcuts::firstParent(Index element)
+{
+    const auto parents = graph.parents(element);
+    for (Index& done = parentsDone[element]; done < parents.size(); ++done)
+        if (!placed[parents[done]] && component[parents[done]] != component[element])
+            return parents[done];
+    return kNone;
+}

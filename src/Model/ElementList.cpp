@@ -1,0 +1,90 @@
+#include "Model/Element.h"
+
+#include <algorithm>
+
+namespace {
+
+// Up to this many entries a walk over the list is quicker than an index, and most lists stay below it.
+constexpr std::uint32_t kWalked = 16;
+
+} // namespace
+
+bool ElementList::add(Element* element, std::pmr::memory_resource& memory)
+{
+    if (!isIndexed && count > kWalked)
+        moveTo(capacity, true, memory);
+    if (positionOf(element) != kNone)
+        return false;
+    append(element, memory);
+    return true;
+}
+
+void ElementList::append(Element* element, std::pmr::memory_resource& memory)
+{
+    if (count == capacity)
+        moveTo(capacity ? capacity * 2 : 1, isIndexed, memory);
+    items[count++] = element;
+    if (isIndexed)
+        enter(count - 1);
+}
+
+void ElementList::replace(Element* old, Element* replacement)
+{
+    const std::uint32_t position = positionOf(old);
+    if (position == kNone)
+        return;
+    items[position] = replacement;
+    if (isIndexed)
+        enter(position); // the slot of `old` stays, and keeps the probes behind it whole
+}
+
+std::uint32_t ElementList::positionOf(const Element* element) const
+{
+    if (!isIndexed) {
+        Element** const found = std::find(begin(), end(), element);
+        return found == end() ? kNone : static_cast<std::uint32_t>(found - begin());
+    }
+    for (std::size_t at = firstSlot(element);; at = (at + 1) & (slotCount() - 1))
+        if (index()[at] == kNone || items[index()[at]] == element)
+            return index()[at];
+}
+
+void ElementList::moveTo(std::uint32_t newCapacity, bool withIndex, std::pmr::memory_resource& memory)
+{
+    const std::size_t indexSize = withIndex ? 4 * std::size_t{newCapacity} + 1 : 0;
+    const std::size_t bytes = newCapacity * sizeof(void*) + indexSize * sizeof(std::uint32_t);
+    auto* const larger = static_cast<Element**>(memory.allocate(bytes, alignof(Element*)));
+    std::copy(begin(), end(), larger);
+    items = larger;
+    capacity = newCapacity;
+    isIndexed = withIndex;
+    if (withIndex)
+        buildIndex();
+}
+
+void ElementList::buildIndex()
+{
+    std::fill_n(index(), slotCount(), kNone);
+    entered() = 0;
+    for (std::uint32_t position = 0; position < count; ++position)
+        enter(position);
+}
+
+void ElementList::enter(std::uint32_t position)
+{
+    if (entered() == 3 * capacity) { // of them at most `capacity` by items
+        buildIndex();
+        return;
+    }
+    std::size_t at = firstSlot(items[position]);
+    while (index()[at] != kNone)
+        at = (at + 1) & (slotCount() - 1);
+    index()[at] = position;
+    ++entered();
+}
+
+std::size_t ElementList::firstSlot(const Element* element) const
+{
+    const std::size_t number = reinterpret_cast<std::uintptr_t>(element) / alignof(Element);
+    return number * 0x9E3779B97F4A7C15 >> 20 & (slotCount() - 1);
+}

@@ -1,0 +1,144 @@
+#include "Model/TypeOrder.h"
+
+#include <algorithm>
+
+namespace {
+
+// What climbs inside cycles may cost. In a large web of cycles each passes nearly all that waits, the square of their
+// number in all. When this is used up, the elements of a cycle are placed as they are come by.
+constexpr std::size_t kStepsInCycles = 100'000'000;
+
+// A step up counts for what it costs: it is come by again on the way back, and then looks at its children.
+constexpr std::size_t kStepsOfAFrame = 8;
+
+constexpr unsigned kFramesATick = 4096; // between two reports of the progress
+
+} // namespace
+
+TypeOrder::TypeOrder(TypeList& list, std::span<Element* const> elements) :
+    list(list), graph(elements), nodes(elements.size()), progress(elements.size()),
+    told(Work::arranging, elements.size(), kFramesATick), stepsLeft(kStepsOfAFrame * (1000 + 4 * elements.size()))
+{
+    for (std::size_t i = 0; i < list.size(); ++i)
+        if (list[i]->isPlaced() && list[i]->queryNumber() < graph.size())
+            nodes[list[i]->queryNumber()].climb = kPlaced;
+}
+
+void TypeOrder::place(const Element& start)
+{
+    if (start.queryNumber() >= graph.size() || nodes[start.queryNumber()].climb == kPlaced)
+        return;
+    enter(start.queryNumber(), ++lastClimb);
+    while (!frames.empty()) {
+        told.step(list.size());
+        Frame& top = frames.back();
+        if (isOld(top)) {
+            frames.pop_back();
+            continue;
+        }
+        if (top.climb != kPlaced) {
+            if (const Index parent = nextParentOf(top); parent != kNone) {
+                enter(parent, top.climb);
+                continue;
+            }
+            markPlaced(top);
+        }
+        if (const Index child = nextChildOf(top.element); child != kNone)
+            enter(child, ++lastClimb);
+        else
+            frames.pop_back();
+    }
+}
+
+// An element that waits in one climb may be entered again by another further up, and again. All is done there, and the
+// frames before the last of an element have nothing left to do when their turn comes.
+void TypeOrder::enter(Index element, Index climb)
+{
+    if (frames.size() > 4 * nodes.size())
+        std::erase_if(frames, [this](const Frame& frame) { return isOld(frame); });
+    if (nodes[element].climb == 0)
+        meet(element);
+    nodes[element].climb = climb;
+    frames.push_back({element, climb});
+}
+
+// For the first time.
+void TypeOrder::meet(Index element)
+{
+    graph.read(element);
+    if (nodes.size() < graph.size()) {
+        nodes.resize(graph.size());
+        progress.resize(graph.size());
+    }
+    nodes[element].parent = element;
+}
+
+void TypeOrder::markPlaced(Frame& frame)
+{
+    Element* element = graph[frame.element];
+    nodes[frame.element].climb = frame.climb = kPlaced;
+    element->setPlaced(true);
+    if (graph.hasKnownChild(frame.element))
+        list.add(element);
+    else
+        list.addFirst(element);
+    if (shortcuts)
+        shortcuts->setPlaced(frame.element);
+}
+
+// The next parent to place, or one further up that comes before it; kNone when the element's turn has come.
+TypeOrder::Index TypeOrder::nextParentOf(const Frame& frame)
+{
+    if (!shortcuts || !shortcuts->isPassed(frame.element)) {
+        if (stepsLeft >= kStepsOfAFrame)
+            return nextParentInClimb(frame);
+        useShortcuts();
+        return nextParentOf(frame);
+    }
+    const Index top = shortcuts->topOf(frame.element);
+    return top == frame.element ? kNone : top;
+}
+
+// The next parent that isn't placed and isn't on the climb in hand. None of the others bears the number of a later
+// climb: a climb places all that it comes by before an earlier one goes on.
+TypeOrder::Index TypeOrder::nextParentInClimb(const Frame& frame)
+{
+    stepsLeft -= kStepsOfAFrame;
+    const Index parent = nodes[frame.element].parent;
+    return nodes[parent].climb < frame.climb ? parent : findParent(frame);
+}
+
+TypeOrder::Index TypeOrder::findParent(const Frame& frame)
+{
+    const std::span<const Index> parents = graph.parents(frame.element);
+    Index& placed = progress[frame.element].parents;
+    while (placed < parents.size() && nodes[parents[placed]].climb == kPlaced)
+        ++placed;
+    nodes[frame.element].parent = placed < parents.size() ? parents[placed] : frame.element;
+    std::size_t next = placed;
+    while (next < parents.size() && nodes[parents[next]].climb >= frame.climb)
+        ++next;
+    stepsLeft -= std::min(stepsLeft, next - placed);
+    return next < parents.size() ? parents[next] : kNone;
+}
+
+TypeOrder::Index TypeOrder::nextChildOf(Index element)
+{
+    const std::span<const Index> children = graph.children(element);
+    for (Index& placed = progress[element].children; placed < children.size(); ++placed)
+        if (nodes[children[placed]].climb != kPlaced)
+            return children[placed];
+    return kNone;
+}
+
+void TypeOrder::useShortcuts()
+{
+    if (shortcuts) {
+        shortcuts->passCycles();
+    } else {
+        shortcuts = std::make_unique<ClimbShortcuts>(graph);
+        nodes.resize(graph.size());
+        progress.resize(graph.size());
+        stepsLeft = kStepsInCycles;
+    }
+}

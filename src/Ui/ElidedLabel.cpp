@@ -1,0 +1,30 @@
+#include "Ui/ElidedLabel.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+ElidedLabel::ElidedLabel(const QString& text) : QLabel(text)
+{
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+}
+
+QString ElidedLabel::shownText() const
+{
+    return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+}
+
+bool ElidedLabel::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip || shownText() == text())
+        return QLabel::event(event);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+    return true;
+}
+
+void ElidedLabel::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.drawText(contentsRect(), static_cast<int>(alignment()), shownText());
+}

@@ -1,0 +1,45 @@
+#include "Ui/FileDialog.h"
+
+#include "Ui/UiText.h"
+
+#include <QFileDialog>
+
+namespace {
+
+// Some of the platform's dialogs match patterns by letter case, so each stands there both ways.
+QString filterRows(const std::vector<FileFilter>& filters)
+{
+    QStringList rows;
+    for (const FileFilter& filter : filters) {
+        QStringList patterns = toUi(filter.patterns).split(';');
+        patterns.replaceInStrings("*.*", "*"); // which the dialog takes to the letter: a name may have no dot
+        QStringList both = patterns;
+        for (const QString& pattern : patterns)
+            both.append(pattern.toLower());
+        both.removeDuplicates();
+        rows.append(toUi(filter.label) + " (" + both.join(' ') + ')');
+    }
+    return rows.join(";;");
+}
+
+QString startOf(const FileQuestion& question)
+{
+    const QString name = toUi(question.name);
+    return name.startsWith('/') ? name : toUi(question.folder) + '/' + name;
+}
+
+} // namespace
+
+CString chooseFileToOpen(QWidget* owner, const FileQuestion& question)
+{
+    return fromUi(QFileDialog::getOpenFileName(owner, toUi(question.title), startOf(question),
+                                               filterRows(question.filters), nullptr,
+                                               QFileDialog::HideNameFilterDetails));
+}
+
+CString chooseFileToSave(QWidget* owner, const FileQuestion& question)
+{
+    return fromUi(QFileDialog::getSaveFileName(owner, toUi(question.title), startOf(question),
+                                               filterRows(question.filters), nullptr,
+                                               QFileDialog::HideNameFilterDetails));
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Base/Text.h"
+
+#include <vector>
+
+class QWidget;
+
+/// A row of a file dialog's list of kinds: what it says, and its patterns ("*.XSD;*.XML"), letter case being no matter.
+struct FileFilter
+{
+    CString label;
+    CString patterns;
+};
+
+/// What a file dialog starts with.
+struct FileQuestion
+{
+    CString title;
+    std::vector<FileFilter> filters;
+    CString folder;
+    CString name; ///< of a file in the folder, or with a path of its own; may be empty
+};
+
+/// Asks for an existing file with the platform's dialog. "" when the user cancels.
+CString chooseFileToOpen(QWidget* owner, const FileQuestion& question);
+
+/// The same for a file to write, which need not exist; the dialog itself asks before it takes an existing one.
+CString chooseFileToSave(QWidget* owner, const FileQuestion& question);

@@ -1,0 +1,122 @@
+#include "Ui/GraphLayout.h"
+
+#include <algorithm>
+#include <cmath>
+#include <graphviz/cgraph.h>
+#include <graphviz/gvc.h>
+#include <memory>
+
+namespace {
+
+struct CloseGraph
+{
+    void operator()(Agraph_t* graph) const { agclose(graph); }
+};
+
+// Graphviz's memory of plugins and fonts. It is never given back: the plugin that measures texts compares the next
+// font's name with the last one's, where that lay in the context before.
+GVC_t* graphviz()
+{
+    static GVC_t* const context = gvContext();
+    return context;
+}
+
+// Graphviz's functions take texts that they don't change as char*.
+void set(void* object, const char* name, const CString& value, const char* otherwise = "")
+{
+    agsafeset(object, const_cast<char*>(name), const_cast<char*>(value.c_str()), const_cast<char*>(otherwise));
+}
+
+Agnode_t* nodeOf(Agraph_t* graph, std::size_t box)
+{
+    return agnode(graph, const_cast<char*>(("t" + std::to_string(box)).c_str()), 0);
+}
+
+// The box has the size that the caller draws it in, so its rows only matter as ports, and their texts need no fonts.
+void shape(Agnode_t* node, const GraphBox& box)
+{
+    constexpr double pointsPerInch = 72;
+    CString ports = "<title>";
+    for (std::size_t row = 0; row + 1 < box.rows; ++row)
+        ports += "|<r" + std::to_string(row) + ">";
+    set(node, "label", ports);
+    set(node, "fontsize", "1");
+    set(node, "fixedsize", "true");
+    set(node, "width", std::to_string(box.size.width() / pointsPerInch));
+    set(node, "height", std::to_string(box.size.height() / pointsPerInch));
+}
+
+// Puts the boxes at the ends of the ways, of which there are many in one column, into several columns, so that the
+// picture comes out about as wide as high.
+void spreadEnds(Agraph_t* graph, const std::vector<GraphBox>& boxes)
+{
+    std::vector<Agedge_t*> ends;
+    double height = 0, width = 0;
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        Agnode_t* node = nodeOf(graph, i);
+        if (agdegree(graph, node, 1, 0) != 1 || agdegree(graph, node, 0, 1) != 0)
+            continue;
+        ends.push_back(agfstin(graph, node));
+        height += boxes[i].size.height();
+        width = std::max(width, boxes[i].size.width());
+    }
+    const int columns = ends.empty() ? 1 : std::max(1, static_cast<int>(std::sqrt(height / width)));
+    for (std::size_t i = 0; i < ends.size(); ++i)
+        set(ends[i], "minlen", std::to_string(1 + static_cast<int>(i) % columns), "1");
+}
+
+// Graphviz counts upwards from the lower edge.
+QPointF placeOf(const pointf& point, double height)
+{
+    return {point.x, height - point.y};
+}
+
+GraphLayout::Arrow arrowOf(const bezier& curve, double height)
+{
+    const auto point = [&](int i) { return placeOf(curve.list[i], height); };
+    QPainterPath line(point(0));
+    for (int i = 1; i + 2 < curve.size; i += 3)
+        line.cubicTo(point(i), point(i + 1), point(i + 2));
+    return {line, curve.eflag ? placeOf(curve.ep, height) : line.currentPosition()};
+}
+
+GraphLayout read(Agraph_t* graph, const std::vector<GraphBox>& boxes)
+{
+    GraphLayout layout;
+    const double height = GD_bb(graph).UR.y;
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        QRectF area({}, boxes[i].size);
+        area.moveCenter(placeOf(ND_coord(nodeOf(graph, i)), height));
+        layout.boxes.push_back(area);
+    }
+    for (Agnode_t* node = agfstnode(graph); node; node = agnxtnode(graph, node))
+        for (Agedge_t* edge = agfstout(graph, node); edge; edge = agnxtout(graph, edge))
+            if (const splines* curves = ED_spl(edge))
+                for (int i = 0; i < curves->size; ++i)
+                    layout.arrows.push_back(arrowOf(curves->list[i], height));
+    return layout;
+}
+
+} // namespace
+
+std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<GraphBox>& boxes)
+{
+    agseterr(AGMAX); // its messages would go to standard error
+    GVC_t* const context = graphviz();
+    const std::unique_ptr<Agraph_t, CloseGraph> graph(agmemread(dot.c_str()));
+    if (!context || !graph)
+        return {};
+    for (std::size_t i = 0; i < boxes.size(); ++i)
+        shape(nodeOf(graph.get(), i), boxes[i]);
+    spreadEnds(graph.get(), boxes);
+    set(graph.get(), "ranksep", "0.9");
+    // Where the optimal places take long to find, good ones do: so many rounds for each box.
+    for (const char* rounds : {"nslimit", "nslimit1"})
+        set(graph.get(), rounds, "2");
+    set(graph.get(), "mclimit", "0.5");
+    if (gvLayout(context, graph.get(), "dot") != 0)
+        return {};
+    GraphLayout layout = read(graph.get(), boxes);
+    gvFreeLayout(context, graph.get());
+    return layout;
+}

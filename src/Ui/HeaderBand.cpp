@@ -1,0 +1,117 @@
+#include "Ui/HeaderBand.h"
+
+#include "Ui/Pictures.h"
+
+#include <QEvent>
+#include <QLabel>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kMargin = 12;
+
+} // namespace
+
+HeaderBand::HeaderBand(int headerId, QWidget* parent) :
+    QWidget(parent), pictureId(headerId), header(picture(headerId, palette())), titleLabel(new QLabel(this)),
+    subtitleLabel(new QLabel(this))
+{
+    QFont bold = font();
+    bold.setBold(true);
+    titleLabel->setFont(bold);
+    for (QLabel* label : {titleLabel, subtitleLabel}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setForegroundRole(QPalette::Text); // the band's ground is the base colour, not the window's
+    }
+    subtitleLabel->setWordWrap(true);
+    subtitleLabel->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
+int HeaderBand::indent() const
+{
+    return kMargin + fontMetrics().averageCharWidth() * 2;
+}
+
+void HeaderBand::addSubtitle(const QString& subtitle)
+{
+    subtitles.append(subtitle);
+}
+
+void HeaderBand::setTexts(const QString& title, const QString& subtitle)
+{
+    titleLabel->setText(title);
+    subtitleLabel->setText(subtitle);
+    layOut();
+}
+
+// The right end is left to the picture's drawing, which is about as wide as the band is high. Where large letters in a
+// narrow window make the band higher than that, the text goes over the drawing.
+int HeaderBand::textWidth(int width, int height) const
+{
+    return width - indent() - std::min(height * 21 / 20, width * 3 / 10);
+}
+
+int HeaderBand::heightAt(int width) const
+{
+    int height = 0;
+    for (int pass = 0; pass < 3; ++pass) { // a higher band has a wider drawing, so the text may need more lines
+        int lines = 0;
+        for (const QString& subtitle : subtitles)
+            lines = std::max(
+                lines,
+                fontMetrics().boundingRect(0, 0, textWidth(width, height), 10000, Qt::TextWordWrap, subtitle).height());
+        height = titleLabel->sizeHint().height() + lines + 2 * kMargin;
+    }
+    return height;
+}
+
+void HeaderBand::layOut()
+{
+    const int bandWidth = parentWidget()->width(); // also right while the band is hidden
+    const int height = heightAt(bandWidth);
+    const int titleHeight = titleLabel->sizeHint().height();
+    const int wide = textWidth(bandWidth, height);
+    titleLabel->setGeometry(kMargin, kMargin, wide + indent() - kMargin, titleHeight);
+    subtitleLabel->setGeometry(indent(), kMargin + titleHeight, wide, height - titleHeight - 2 * kMargin);
+    setFixedHeight(height);
+}
+
+void HeaderBand::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    paintHeader(painter, rect(), header);
+    paintVeil(painter);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(rect().bottomLeft(), rect().bottomRight());
+}
+
+// Keeps the text readable where it goes over the drawing.
+void HeaderBand::paintVeil(QPainter& painter) const
+{
+    const int edge = indent() + textWidth(width(), height());
+    if (width() - edge >= height())
+        return;
+    QLinearGradient veil(edge, 0, edge + width() / 10, 0);
+    QColor colour = palette().color(QPalette::Base);
+    veil.setColorAt(0, colour);
+    colour.setAlpha(0);
+    veil.setColorAt(1, colour);
+    painter.fillRect(rect(), veil);
+}
+
+void HeaderBand::resizeEvent(QResizeEvent*)
+{
+    layOut();
+}
+
+void HeaderBand::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::FontChange)
+        layOut();
+    if (event->type() == QEvent::PaletteChange)
+        header = picture(pictureId, palette());
+    QWidget::changeEvent(event);
+}

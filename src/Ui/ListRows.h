@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Base/Text.h"
+
+#include <QAbstractTableModel>
+#include <QIcon>
+#include <QStringList>
+
+#include <functional>
+#include <vector>
+
+/// The rows of a ListView, in the order in which they are shown. A row has a number of its own, its place among all
+/// rows as they were set; sorting and filtering change which rows are shown where, and leave the numbers.
+class ListRows : public QAbstractTableModel
+{
+public:
+    using CellText = std::function<CString(int row, int column)>;
+
+    /// What stands before a row's first cell, and the word for it.
+    struct Mark
+    {
+        QIcon icon;
+        QString word;
+    };
+    using RowMark = std::function<const Mark&(int row)>;
+
+    ListRows(QStringList titles, QObject* parent);
+
+    /// Has `count` rows, all shown in their own order.
+    void setRows(int count, CellText cells, RowMark marks);
+
+    /// Shows the rows of which any cell contains `text`, in any letter case, ordered by a column; -1 is their own
+    /// order.
+    void arrange(const QString& text, int column, Qt::SortOrder order);
+
+    int queryCount() const { return count; }
+
+    /// The number of the row that is shown at that place.
+    int rowAt(int place) const { return shown[static_cast<std::size_t>(place)]; }
+
+    /// Where a row is shown; an index that is not valid where it isn't.
+    QModelIndex indexOf(int row) const;
+
+    CString cell(int row, int column) const { return cells(row, column); }
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+private:
+    bool contains(int row, const QString& text) const;
+    void sortShown(int column, Qt::SortOrder order);
+
+    QStringList titles;
+    int count = 0;
+    CellText cells;
+    RowMark marks;
+    std::vector<int> shown;  // row numbers by place
+    std::vector<int> places; // by row number, -1 for a row that isn't shown
+};

@@ -1,0 +1,223 @@
+#include "Ui/ListView.h"
+
+#include "Ui/UiText.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScopedValueRollback>
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+QStringList titlesOf(const std::vector<ListView::Column>& columns)
+{
+    QStringList titles;
+    for (const ListView::Column& column : columns)
+        titles.append(toUi(column.title));
+    return titles;
+}
+
+// Whole rows, neighbours together: each range of a selection costs a look at all others.
+QItemSelection selectionOf(const ListRows& rows, const std::vector<int>& numbers)
+{
+    std::vector<int> places;
+    for (const int number : numbers)
+        if (const QModelIndex index = rows.indexOf(number); index.isValid())
+            places.push_back(index.row());
+    std::sort(places.begin(), places.end());
+    QItemSelection selection;
+    const int last = rows.columnCount() - 1;
+    for (auto from = places.begin(), to = from; from != places.end(); from = to) {
+        while (to != places.end() && *to - *from == to - from)
+            ++to;
+        selection.select(rows.index(*from, 0), rows.index(*std::prev(to), last));
+    }
+    return selection;
+}
+
+} // namespace
+
+ListView::ListView(std::vector<Column> listColumns, const CString& accessibleName) :
+    rows(new ListRows(titlesOf(listColumns), this)), columns(std::move(listColumns))
+{
+    setModel(rows);
+    setAccessibleName(toUi(accessibleName));
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setUpHeader();
+    auto* copy = new QAction("&Copy names", this);
+    copy->setShortcut(QKeySequence::Copy);
+    copy->setShortcutContext(Qt::WidgetShortcut);
+    connect(copy, &QAction::triggered, this, &ListView::copyNames);
+    addAction(copy);
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+void ListView::setUpHeader()
+{
+    header()->setStretchLastSection(false);
+    header()->setSectionsMovable(false);
+    header()->setSectionsClickable(true);
+    header()->setSortIndicatorClearable(true);
+    header()->setSortIndicator(-1, Qt::AscendingOrder);
+    header()->setSortIndicatorShown(true);
+    connect(header(), &QHeaderView::sortIndicatorChanged, this, &ListView::arrange);
+    connect(header(), &QHeaderView::sectionResized, this, [this] { sharesWidth = false; });
+}
+
+void ListView::setRows(int count, CellText cells, RowMark marks)
+{
+    const QScopedValueRollback<bool> own(byUser, false);
+    filter.clear();
+    {
+        const QSignalBlocker quiet(header()); // the rows are put in order below
+        header()->setSortIndicator(-1, Qt::AscendingOrder);
+    }
+    rows->setRows(count, std::move(cells), std::move(marks));
+    Q_EMIT shownRowsChanged(filter);
+}
+
+void ListView::setFilter(const QString& text)
+{
+    if (text == filter)
+        return;
+    filter = text;
+    arrange();
+    Q_EMIT shownRowsChanged(filter);
+}
+
+void ListView::arrange()
+{
+    const std::vector<int> selected = selectedRows();
+    const int current = currentIndex().isValid() ? rows->rowAt(currentIndex().row()) : -1;
+    {
+        const QScopedValueRollback<bool> own(byUser, false);
+        rows->arrange(filter, header()->sortIndicatorSection(), header()->sortIndicatorOrder());
+        selectionModel()->setCurrentIndex(rows->indexOf(current), QItemSelectionModel::NoUpdate);
+        selectionModel()->select(selectionOf(*rows, selected), QItemSelectionModel::Select);
+        scrollTo(currentIndex());
+    }
+    if (selectedRows() != selected)
+        Q_EMIT chosen();
+}
+
+int ListView::selectedRow() const
+{
+    const std::vector<int> selected = selectedRows();
+    return selected.empty() ? -1 : selected.front();
+}
+
+std::vector<int> ListView::selectedRows() const
+{
+    std::vector<int> selected;
+    for (const QModelIndex& index : selectionModel()->selectedRows())
+        selected.push_back(rows->rowAt(index.row()));
+    std::sort(selected.begin(), selected.end());
+    return selected;
+}
+
+void ListView::selectRow(int row)
+{
+    const QScopedValueRollback<bool> own(byUser, false);
+    clearSelection();
+    if (row >= 0 && row < queryCount() && !rows->indexOf(row).isValid())
+        setFilter({});
+    setCurrentIndex(rows->indexOf(row)); // an index that is not valid for a row that there is not
+}
+
+void ListView::copyNames() const
+{
+    std::vector<int> places;
+    for (const QModelIndex& index : selectionModel()->selectedRows())
+        places.push_back(index.row());
+    std::sort(places.begin(), places.end());
+    QStringList names;
+    for (const int place : places)
+        names.append(rows->index(place, 0).data().toString());
+    if (places.empty())
+        for (int place = 0; place < rowCount(); ++place)
+            names.append(rows->index(place, 0).data().toString());
+    QGuiApplication::clipboard()->setText(names.join('\n'));
+}
+
+void ListView::resizeEvent(QResizeEvent* event)
+{
+    QTreeView::resizeEvent(event);
+    if (sharesWidth)
+        shareWidth();
+}
+
+void ListView::shareWidth()
+{
+    const int width = contentsRect().width();
+    int rest = viewport()->width();
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const int share =
+            std::min(rest, width * columns[i].percent / 100); // no wider than a scroll bar leaves room for
+        header()->resizeSection(static_cast<int>(i), share);
+        rest -= share;
+    }
+    sharesWidth = true; // each of these steps looked like one of the user's
+}
+
+QList<int> ListView::queryWidths() const
+{
+    QList<int> widths;
+    for (int column = 0; !sharesWidth && column < header()->count(); ++column)
+        widths.append(columnWidth(column));
+    return widths;
+}
+
+void ListView::setWidths(const QList<int>& widths)
+{
+    for (int column = 0; column < header()->count(); ++column)
+        setColumnWidth(column, widths[column]);
+    sharesWidth = false;
+}
+
+// A row may have the keyboard's position alone. It is the first one that a cursor key selects: where it is the only row
+// there is nowhere to move.
+void ListView::keyPressEvent(QKeyEvent* event)
+{
+    static constexpr int keys[] = {Qt::Key_Up,  Qt::Key_Down,   Qt::Key_Home,
+                                   Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
+    const bool moves = std::find(std::begin(keys), std::end(keys), event->key()) != std::end(keys);
+    if (moves && (event->modifiers() & ~Qt::KeypadModifier) == 0 && !selectionModel()->hasSelection() &&
+        currentIndex().isValid()) {
+        setCurrentIndex(currentIndex());
+        if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)
+            return;
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+void ListView::mousePressEvent(QMouseEvent* event)
+{
+    if (!indexAt(event->pos()).isValid())
+        clearSelection();
+    QTreeView::mousePressEvent(event);
+}
+
+void ListView::mouseReleaseEvent(QMouseEvent* event)
+{
+    QTreeView::mouseReleaseEvent(event);
+    if (isVisible()) // a double click may have led to another page
+        Q_EMIT chosen();
+}
+
+void ListView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
+{
+    QTreeView::selectionChanged(selected, deselected);
+    if (byUser)
+        Q_EMIT chosen();
+}

@@ -1,0 +1,219 @@
+#include "Ui/LongWork.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QThread>
+#include <QTimer>
+
+#include <thread>
+#include <utility>
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+namespace {
+
+constexpr milliseconds kAtHand(50); // the window is not missed for so long
+constexpr milliseconds kShown(300); // from here on the work is shown
+constexpr milliseconds kRefresh(100);
+
+LongWork* current = nullptr; // set and read in the window's thread, and by its work
+
+bool isInput(const QEvent& event)
+{
+    switch (event.type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::Shortcut:
+    case QEvent::ShortcutOverride:
+    case QEvent::Wheel:
+    case QEvent::ContextMenu:
+    case QEvent::InputMethod:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TabletPress:
+    case QEvent::NativeGesture:
+    case QEvent::DragEnter:
+    case QEvent::Drop:
+    case QEvent::Close:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isEscape(const QEvent& event)
+{
+    switch (event.type()) {
+    case QEvent::KeyPress:
+    case QEvent::ShortcutOverride:
+        return static_cast<const QKeyEvent&>(event).key() == Qt::Key_Escape;
+    case QEvent::Shortcut:
+        return static_cast<const QShortcutEvent&>(event).key() == QKeySequence(Qt::Key_Escape);
+    default:
+        return false;
+    }
+}
+
+// Of the keys, those that press a button; others lead away from it.
+bool pressesButton(const QEvent& event)
+{
+    if (event.type() != QEvent::KeyPress && event.type() != QEvent::KeyRelease)
+        return true;
+    const int key = static_cast<const QKeyEvent&>(event).key();
+    return key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter;
+}
+
+} // namespace
+
+void inWindowThread(std::function<void()> call)
+{
+    LongWork* const work = current;
+    if (!work || QThread::currentThread() == work->thread())
+        return call();
+    LongWork::Call task(std::move(call));
+    std::future<void> answer = task.get_future();
+    {
+        const std::lock_guard lock(work->mutex);
+        work->wanted = std::move(task);
+    }
+    work->changed.notify_one();
+    QMetaObject::invokeMethod(work, &LongWork::serve, Qt::QueuedConnection);
+    answer.get();
+}
+
+LongWork::LongWork(QAbstractButton& cancelButton) : cancelButton(cancelButton), outer(std::exchange(current, this)) {}
+
+LongWork::~LongWork()
+{
+    current = outer;
+}
+
+void LongWork::run(const std::function<void()>& work)
+{
+    const ProgressHandler before = setProgressHandler([this](const Progress& now) { return note(now); });
+    std::exception_ptr raised;
+    std::thread worker([&] { raised = attempt(work); });
+    waitAtHand();
+    waitInLoop();
+    worker.join();
+    setProgressHandler(before);
+    if (raised)
+        std::rethrow_exception(raised);
+}
+
+// In the thread of the work.
+std::exception_ptr LongWork::attempt(const std::function<void()>& work)
+{
+    std::exception_ptr raised;
+    try {
+        work();
+    } catch (...) {
+        raised = std::current_exception();
+    }
+    {
+        const std::lock_guard lock(mutex);
+        isDone = true;
+    }
+    changed.notify_one();
+    QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    return raised;
+}
+
+// In the thread of the work.
+bool LongWork::note(const Progress& now)
+{
+    const std::lock_guard lock(mutex);
+    progress = now;
+    return !cancelled;
+}
+
+Progress LongWork::query() const
+{
+    const std::lock_guard lock(mutex);
+    return progress;
+}
+
+void LongWork::cancel()
+{
+    cancelled = true;
+    Q_EMIT goesOn();
+}
+
+// What is done soon is waited for with no event let in, so that nothing looks or comes different from a plain call.
+void LongWork::waitAtHand()
+{
+    const auto end = steady_clock::now() + kAtHand;
+    std::unique_lock lock(mutex);
+    while (changed.wait_until(lock, end, [this] { return isDone || wanted; }) && !isDone) {
+        lock.unlock();
+        serve();
+        lock.lock();
+    }
+}
+
+// Until the work is shown, input waits for what comes next; from then on it is dropped.
+void LongWork::waitInLoop()
+{
+    if (isOver())
+        return;
+    qApp->installEventFilter(this);
+    QTimer refresh;
+    connect(&refresh, &QTimer::timeout, this, &LongWork::goesOn);
+    QTimer::singleShot(kShown - kAtHand, &refresh, [&] {
+        Q_EMIT lasts();
+        refresh.start(kRefresh);
+        loop.quit();
+    });
+    while (!isOver())
+        loop.exec(refresh.isActive() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
+    if (refresh.isActive())
+        QCoreApplication::processEvents(); // what was meant for the work is none of the wizard's
+    qApp->removeEventFilter(this);
+}
+
+void LongWork::serve()
+{
+    std::optional<Call> call;
+    {
+        const std::lock_guard lock(mutex);
+        call.swap(wanted);
+    }
+    if (call)
+        (*call)();
+}
+
+bool LongWork::isOver() const
+{
+    const std::lock_guard lock(mutex);
+    return isDone;
+}
+
+bool LongWork::mayPass(const QObject* target, const QEvent& event) const
+{
+    const QWidget* const box = QApplication::activeModalWidget(); // which the work has raised
+    if (!box)
+        return target == &cancelButton && pressesButton(event);
+    if (!target->isWidgetType())
+        return true;
+    const QWidget* const window = static_cast<const QWidget*>(target)->window();
+    return window == box || window->windowType() == Qt::Popup;
+}
+
+// Windows hand their events on to widgets, where they come by once more.
+bool LongWork::eventFilter(QObject* target, QEvent* event)
+{
+    const bool concerns = target->isWidgetType() || event->type() == QEvent::Shortcut;
+    if (!concerns || !isInput(*event) || mayPass(target, *event))
+        return false;
+    if (event->type() == QEvent::Close || isEscape(*event))
+        cancel();
+    event->setAccepted(event->type() != QEvent::Close && event->type() != QEvent::DragEnter);
+    return true;
+}

@@ -1,0 +1,75 @@
+#include "Ui/Mnemonics.h"
+
+#include <QAbstractButton>
+#include <QGroupBox>
+#include <QLabel>
+#include <QRadioButton>
+
+namespace {
+
+// The letter behind the first single '&'; a null character when there is none. "&&" is an ampersand.
+QChar mnemonicOf(const QString& text)
+{
+    for (qsizetype i = 0; i + 1 < text.size(); ++i) {
+        if (text[i] != '&')
+            continue;
+        if (text[i + 1] != '&')
+            return text[i + 1].toLower();
+        ++i;
+    }
+    return {};
+}
+
+// The text of a control that can answer to a letter.
+QString labelOf(const QWidget* control)
+{
+    if (const auto* button = qobject_cast<const QAbstractButton*>(control))
+        return button->text();
+    if (const auto* group = qobject_cast<const QGroupBox*>(control))
+        return group->title();
+    if (const auto* label = qobject_cast<const QLabel*>(control); label != nullptr && label->buddy() != nullptr)
+        return label->text();
+    return {};
+}
+
+} // namespace
+
+QString mnemonicsOf(const QWidget* page)
+{
+    QString letters;
+    for (const QWidget* control : page->findChildren<QWidget*>())
+        if (const QChar letter = mnemonicOf(labelOf(control)); !letter.isNull())
+            letters += letter;
+    return letters;
+}
+
+void setTextWithMnemonic(QAbstractButton& button, const QString& text, QString& taken)
+{
+    QString plain = text;
+    plain.remove('&');
+    for (const QChar& letter : mnemonicOf(text) + plain) {
+        if (!letter.isLetter() || taken.contains(letter, Qt::CaseInsensitive))
+            continue;
+        taken += letter;
+        button.setText(plain.insert(plain.indexOf(letter, 0, Qt::CaseInsensitive), '&'));
+        return;
+    }
+    button.setText(plain);
+}
+
+void leadTabToChosenButtons(const QWidget* page)
+{
+    for (const auto* chosen : page->findChildren<QRadioButton*>())
+        if (chosen->isChecked())
+            for (auto* button : chosen->parent()->findChildren<QRadioButton*>(Qt::FindDirectChildrenOnly))
+                button->setFocusPolicy(button == chosen ? Qt::StrongFocus : Qt::ClickFocus);
+}
+
+QWidget* firstTabStop(const QWidget* page)
+{
+    for (QWidget* control = page->nextInFocusChain(); control != page; control = control->nextInFocusChain())
+        if (page->isAncestorOf(control) && (control->focusPolicy() & Qt::TabFocus) && control->isEnabled() &&
+            control->isVisibleTo(page))
+            return control;
+    return nullptr;
+}

@@ -1,0 +1,92 @@
+#include "Ui/ModalBox.h"
+
+#include "Base/MessageBox.h"
+#include "Ui/LongWork.h"
+#include "Ui/MessageTexts.h"
+#include "Ui/UiText.h"
+#include "Ui/WaitCursor.h"
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLayout>
+#include <QMessageBox>
+#include <QScreen>
+#include <QShortcut>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace {
+
+struct Series
+{
+    bool running = false;
+    int shown = 0;
+    bool hidden = false;
+};
+
+Series series;
+
+// The box's own label grows with its text, past the edge of the screen. It keeps the text, and shows nothing.
+void replaceLabel(QMessageBox& box, MessageTexts* texts)
+{
+    auto* label = box.findChild<QLabel*>("qt_msgbox_label");
+    delete box.layout()->replaceWidget(label, texts);
+    label->hide();
+}
+
+// A window manager cuts a title that is longer than the window, so room for the title and its buttons is held open.
+void fitToScreen(const QMessageBox& box, MessageTexts* texts)
+{
+    const QSize screen = box.screen()->availableSize();
+    const QFontMetrics metrics = box.fontMetrics();
+    const int title = metrics.horizontalAdvance(box.windowTitle()) + 160;
+    texts->setFixedHeight(0);
+    const int around = box.layout()->minimumSize().height() + box.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    texts->setMaximumHeight(QWIDGETSIZE_MAX);
+    texts->setMinimumHeight(0);
+    texts->fitInto(title, std::min(metrics.averageCharWidth() * 80, screen.width() * 9 / 10),
+                   std::max(metrics.height(), screen.height() * 6 / 10 - around));
+}
+
+} // namespace
+
+void ModalBox::operator()(const CString& text, const CString& title) const
+{
+    const CString& details = queryMessageDetails(); // those of this thread
+    inWindowThread([&] { show(text, title, details); });
+}
+
+void ModalBox::show(const CString& text, const CString& title, const CString& details) const
+{
+    if (series.hidden)
+        return;
+    QMessageBox box(QMessageBox::NoIcon, toUi(title), {}, QMessageBox::Ok, owner);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(toUi(text));
+    box.setWindowModality(Qt::WindowModal);
+    if (series.running && series.shown++ > 0)
+        box.setCheckBox(new QCheckBox("&Hide further messages of this import"));
+    auto* texts = new MessageTexts(toUi(text), toUi(details));
+    replaceLabel(box, texts);
+    fitToScreen(box, texts);
+    box.setAccessibleDescription(texts->wholeText());
+    const auto copy = [texts] { QGuiApplication::clipboard()->setText(texts->wholeText()); };
+    QObject::connect(new QShortcut(QKeySequence::Copy, &box), &QShortcut::activated, texts, copy);
+    const PlainCursor arrow;
+    box.exec();
+    series.hidden = box.checkBox() != nullptr && box.checkBox()->isChecked();
+}
+
+ImportMessages::ImportMessages()
+{
+    series = {true, 0, false};
+}
+
+ImportMessages::~ImportMessages()
+{
+    series = {};
+}

@@ -1,0 +1,41 @@
+#include "Ui/ProgressRow.h"
+
+#include "Ui/ElidedLabel.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QProgressBar>
+
+ProgressRow::ProgressRow() : text(new ElidedLabel), bar(new QProgressBar)
+{
+    setObjectName("progressRow");
+    text->setObjectName("progressText");
+    bar->setObjectName("progressBar");
+    bar->setAccessibleName("Progress");
+    bar->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    bar->setMinimumWidth(text->fontMetrics().averageCharWidth() * 8);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins({});
+    row->addWidget(text, 3); // by shares, so that the bar keeps its place whatever the text is
+    row->addWidget(bar, 1);
+}
+
+void ProgressRow::setBarVisible(bool visible)
+{
+    bar->setVisible(visible);
+}
+
+void ProgressRow::show(const QString& words, double part)
+{
+    constexpr int steps = 1000;
+    const bool isNew = isHidden();
+    text->setText(words);
+    bar->setAccessibleDescription(words);
+    bar->setRange(0, part < 0 ? 0 : steps);
+    bar->setValue(static_cast<int>(part * steps));
+    setVisible(true);
+    if (!isNew)
+        return;
+    QAccessibleEvent announcement(text, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+}

@@ -1,0 +1,22 @@
+#include "Ui/SecretEdit.h"
+
+#include <QLineEdit>
+
+#include <cstring>
+
+void makeSecret(QLineEdit& field)
+{
+    field.setEchoMode(QLineEdit::Password);
+    field.setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
+}
+
+void takeSecret(QLineEdit& field, CString& secret)
+{
+    QString typed = field.text(); // shares the field's own text, and is its only holder once the field is cleared
+    field.clear();
+    QByteArray bytes = typed.toUtf8();
+    wipe(secret);
+    secret.assign(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    explicit_bzero(bytes.data(), static_cast<std::size_t>(bytes.size()));
+    explicit_bzero(typed.data(), static_cast<std::size_t>(typed.size()) * sizeof(QChar));
+}

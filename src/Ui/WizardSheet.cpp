@@ -1,0 +1,331 @@
+#include "Ui/WizardSheet.h"
+
+#include "Base/Progress.h"
+#include "Base/ProgressText.h"
+#include "Ui/HeaderBand.h"
+#include "Ui/LongWork.h"
+#include "Ui/Mnemonics.h"
+#include "Ui/Pictures.h"
+#include "Ui/ProgressRow.h"
+#include "Ui/UiText.h"
+#include "Ui/WaitCursor.h"
+#include "Ui/WizardPage.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QEventLoop>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QShortcut>
+#include <QStackedWidget>
+#include <QStyle>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr const char* kBack = "< &Back";
+constexpr const char* kNext = "&Next >";
+constexpr const char* kFinish = "&Finish";
+constexpr const char* kCancel = "&Cancel";
+constexpr const char* kHelp = "&Help";
+
+// A dialog unit is a quarter of the average width of the letters and an eighth of the font's height. What a font gives
+// as its average width counts other characters too and comes out narrower.
+QSize dialogUnits(const QFontMetrics& metrics, int width, int height)
+{
+    const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    return {width * metrics.horizontalAdvance(letters) / (4 * int(letters.size())), height * metrics.height() / 8};
+}
+
+} // namespace
+
+WizardSheet::WizardSheet(const CString& caption, CWnd* parent, UINT start, HBITMAP watermarkPicture,
+                         HBITMAP headerPicture) :
+    QDialog(parent),
+    watermarkId(watermarkPicture), watermark(picture(watermarkPicture, palette())),
+    band(new HeaderBand(headerPicture, this)), stack(new QStackedWidget(this)), startPage(start)
+{
+    setWindowTitle(toUi(caption));
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setWindowFlag(Qt::WindowMinMaxButtonsHint, true);
+    backButton = addButton("back", kBack, &WizardSheet::back);
+    nextButton = addButton("next", kNext, &WizardSheet::next);
+    finishButton = addButton("finish", kFinish, &WizardSheet::finish);
+    cancelButton = addButton("cancel", kCancel, &WizardSheet::cancel);
+    helpButton = addButton("help", kHelp, &WizardSheet::help);
+    new QShortcut(QKeySequence(Qt::Key_F1), this, this, &WizardSheet::help);
+    layOut();
+}
+
+QPushButton* WizardSheet::addButton(const char* name, const QString& text, void (WizardSheet::*action)())
+{
+    auto* button = new QPushButton(text, this);
+    button->setObjectName(name);
+    connect(button, &QPushButton::clicked, this, action);
+    return button;
+}
+
+void WizardSheet::layOut()
+{
+    navigation = new QWidget(this);
+    auto* buttons = new QHBoxLayout(navigation);
+    buttons->setContentsMargins({});
+    buttons->setSpacing(0);
+    buttons->addStretch();
+    buttons->addWidget(backButton);
+    buttons->addWidget(nextButton);
+    buttons->addWidget(finishButton);
+    progressRow = new ProgressRow;
+    progressRow->hide();
+
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(11, 9, 11, 11);
+    row->addWidget(navigation, 1);
+    row->addWidget(progressRow, 1);
+    row->addSpacing(10);
+    row->addWidget(cancelButton);
+    row->addWidget(helpButton);
+
+    auto* line = new QFrame(this);
+    line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
+
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(band);
+    column->addWidget(stack, 1);
+    column->addWidget(line);
+    column->addLayout(row);
+}
+
+void WizardSheet::AddPage(WizardPage& page)
+{
+    page.owner = this;
+    pages.push_back(&page);
+    auto* area = new QScrollArea; // a page may need more room than a small screen has
+    area->setFrameStyle(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(&page);
+    connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
+        if (area->isAncestorOf(now))
+            area->ensureWidgetVisible(now);
+    });
+    stack->addWidget(area);
+    band->addSubtitle(page.querySubtitle());
+}
+
+int WizardSheet::DoModal()
+{
+    QEventLoop loop;
+    connect(this, &QDialog::finished, &loop, &QEventLoop::exit);
+    show();
+    return loop.exec() == Accepted ? resultOk : resultCancel;
+}
+
+void WizardSheet::SetWizardButtons(int buttons)
+{
+    const bool last = (buttons & buttonFinish) != 0;
+    backButton->setEnabled((buttons & buttonBack) != 0);
+    nextButton->setEnabled((buttons & buttonNext) != 0);
+    nextButton->setVisible(!last);
+    finishButton->setVisible(last);
+    (last ? finishButton : nextButton)->setDefault(true);
+}
+
+WizardPage* WizardSheet::activePage() const
+{
+    return started ? pages[static_cast<std::size_t>(stack->currentIndex())] : nullptr;
+}
+
+void WizardSheet::back()
+{
+    go(ask([this] { return activePage()->OnWizardBack(); }), -1);
+}
+
+void WizardSheet::next()
+{
+    go(ask([this] { return activePage()->OnWizardNext(); }), 1);
+}
+
+void WizardSheet::finish()
+{
+    if (activePage()->OnWizardFinish() != 0)
+        accept();
+}
+
+void WizardSheet::cancel()
+{
+    if (work)
+        work->cancel();
+    else
+        reject();
+}
+
+// What was meant for the work that has just ended doesn't close the sheet.
+void WizardSheet::reject()
+{
+    constexpr qint64 reaction = 500; // milliseconds
+    if (!work && (!sinceWork.isValid() || sinceWork.hasExpired(reaction)))
+        QDialog::reject();
+}
+
+void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBar)
+{
+    LongWork inHand(*cancelButton);
+    connect(&inHand, &LongWork::lasts, this, [&] { setNavigation(false); });
+    for (const auto signal : {&LongWork::lasts, &LongWork::goesOn})
+        connect(&inHand, signal, this, [&] { showProgress(inHand, ownBar); });
+    const QPointer<QWidget> focus = focusWidget(); // it gets lost while nothing but Cancel can have it
+    const auto end = [&] {
+        if (progressRow->isHidden())
+            return;
+        showProgress(inHand, ownBar);
+        setNavigation(true);
+        if (focus)
+            focus->setFocus();
+        sinceWork.start();
+    };
+    work = &inHand;
+    try {
+        inHand.run(call);
+    } catch (...) {
+        work = nullptr;
+        end();
+        throw;
+    }
+    work = nullptr;
+    end();
+}
+
+void WizardSheet::showProgress(const LongWork& inHand, QProgressBar* ownBar)
+{
+    const Progress progress = inHand.query();
+    const bool isKnown = progress.total != 0;
+    progressRow->setBarVisible(!ownBar || progress.work != Work::creating);
+    progressRow->show(inHand.isCancelled() ? "Cancelling ..." : toUi(progressText(progress)),
+                      isKnown ? double(progress.done) / double(progress.total) : -1);
+    cancelButton->setEnabled(!inHand.isCancelled());
+    if (ownBar && isKnown && progress.work == Work::creating)
+        ownBar->setValue(static_cast<int>(progress.done));
+}
+
+// The progress takes the place of the other buttons. Were both shown for a moment, the window would grow for good.
+void WizardSheet::setNavigation(bool visible)
+{
+    if (visible)
+        progressRow->hide();
+    navigation->setVisible(visible);
+    helpButton->setEnabled(visible);
+    if (visible) {
+        cancelButton->setEnabled(true);
+        QGuiApplication::restoreOverrideCursor();
+    } else {
+        cancelButton->setFocus();
+        QGuiApplication::setOverrideCursor(Qt::BusyCursor); // there is something to click at
+    }
+}
+
+void WizardSheet::help()
+{
+    OnHelp(activePage()->queryDialogId());
+}
+
+// An exception must not pass through the event loop; what it says is shown and the page stays.
+LRESULT WizardSheet::ask(const std::function<LRESULT()>& handler)
+{
+    try {
+        return handler();
+    } catch (const std::exception& error) {
+        OnPageError(error);
+    } catch (const Cancelled&) {
+        // all is as before
+    }
+    return -1;
+}
+
+void WizardSheet::go(LRESULT answer, int step)
+{
+    if (answer == -1)
+        return;
+    auto target = pages.begin();
+    if (answer == 0)
+        target += std::clamp<std::ptrdiff_t>(stack->currentIndex() + step, 0, std::ssize(pages) - 1);
+    else
+        target = std::find_if(pages.begin(), pages.end(),
+                              [answer](const WizardPage* page) { return page->queryDialogId() == answer; });
+    if (target != pages.end())
+        activate(static_cast<int>(target - pages.begin()));
+}
+
+void WizardSheet::activate(int index)
+{
+    WizardPage* page = pages[static_cast<std::size_t>(index)];
+    const int before = stack->currentIndex();
+    if (!page->initialised) {
+        page->OnInitDialog();
+        page->initialised = true;
+        OnPageMade(*page);
+    }
+    stack->setCurrentIndex(index);
+    band->setTexts(page->queryTitle(), page->querySubtitle());
+    band->setVisible(page->queryLook() == WizardPage::Look::interior);
+    setWindowTitle(page->queryCaption());
+    try {
+        page->OnSetActive();
+    } catch (const std::exception& error) {
+        OnPageError(error);
+    } catch (const Cancelled&) { // what the page was to show: back to where it was asked for
+        return activate(before);
+    }
+    settleMnemonics();
+    leadTabToChosenButtons(page);
+    QWidget* first = firstTabStop(page);
+    (first != nullptr ? first : finishButton->isHidden() ? nextButton : finishButton)->setFocus();
+}
+
+// A page's control keeps its letter; a button of the sheet that has the same one moves to another.
+void WizardSheet::settleMnemonics()
+{
+    QString taken = mnemonicsOf(activePage());
+    for (const auto& [button, text] : {std::pair(backButton, kBack),
+                                       {nextButton, kNext},
+                                       {finishButton, kFinish},
+                                       {cancelButton, kCancel},
+                                       {helpButton, kHelp}})
+        if (!button->isHidden())
+            setTextWithMnemonic(*button, text, taken);
+}
+
+void WizardSheet::setVisible(bool visible)
+{
+    if (visible && !started) {
+        started = true;
+        activate(static_cast<int>(startPage));
+        const QSize frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight));
+        if (!testAttribute(Qt::WA_Resized)) // by whoever knows better
+            resize(sizeHint().boundedTo(screen()->availableSize() - frame));
+    }
+    QDialog::setVisible(visible);
+}
+
+QSize WizardSheet::sizeHint() const
+{
+    const QSize page = dialogUnits(fontMetrics(), 340, 190);
+    const int buttons = backButton->sizeHint().height() + 22;
+    return {page.width(), page.height() + band->heightAt(page.width()) + buttons};
+}
+
+void WizardSheet::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        watermark = picture(watermarkId, palette());
+    QDialog::changeEvent(event);
+}

@@ -1,8 +1,0 @@
-#include "Utils/Json.h"
-
-#include <nlohmann/json.hpp>
-
-CString jsonText(std::string_view text)
-{
-    return nlohmann::json(toXmlText(text)).dump();
-}

@@ -1,6 +1,0 @@
-#pragma once
-
-#include "Platform/Text.h"
-
-/// A text as JSON writes it (RFC 8259), quotes included, made fit as for a document (toXmlText).
-CString jsonText(std::string_view text);

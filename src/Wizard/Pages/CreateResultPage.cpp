@@ -1,0 +1,121 @@
+#include "Wizard/Pages/CreateResultPage.h"
+
+#include "Resources/StringTable.h"
+#include "Ui/CopyRow.h"
+#include "Ui/UiText.h"
+#include "Ui/WizardSheet.h"
+#include "Wizard/Run/WizardRun.h"
+#include "Wizard/Windows/SaveFile.h"
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QGroupBox>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QLocale>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+bool isFailure(ResultKind kind)
+{
+    return kind == ResultKind::failed || kind == ResultKind::reason || kind == ResultKind::left;
+}
+
+// "1,200 types: 1,198 created, 2 failed"
+QString totalsOf(const std::vector<ResultKind>& kinds)
+{
+    static constexpr std::pair<ResultKind, const char*> words[] = {
+        {ResultKind::created, "created"}, {ResultKind::modified, "modified"}, {ResultKind::skipped, "skipped"},
+        {ResultKind::failed, "failed"},   {ResultKind::left, "not created"},  {ResultKind::unknown, "unknown"}};
+    const QLocale locale;
+    QStringList parts;
+    for (const auto& [kind, word] : words)
+        if (const auto count = std::count(kinds.begin(), kinds.end(), kind); count != 0)
+            parts.append(locale.toString(qlonglong(count)) + ' ' + word);
+    const auto types = std::ssize(kinds) - std::count(kinds.begin(), kinds.end(), ResultKind::reason);
+    return locale.toString(qlonglong(types)) + (types == 1 ? " type" : " types") + (parts.isEmpty() ? "" : ": ") +
+           parts.join(", ");
+}
+
+} // namespace
+
+CreateResultPage::CreateResultPage() : QELPage(IDD_CREATE_RESULT, "Typeforge - Creation result", 0, 0) {}
+
+void CreateResultPage::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    resultBox = withId(IDC_RESULTS, new QListWidget);
+    resultBox->setSelectionMode(QAbstractItemView::NoSelection);
+    resultBox->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    resultBox->setUniformItemSizes(true); // of many thousand lines only those that show are measured
+    resultBox->setAccessibleName("Result of type creation");
+    auto* group = new QGroupBox("Result of type creation");
+    (new QVBoxLayout(group))->addWidget(resultBox);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(group);
+    column->addLayout(makeButtons());
+    command = new CopyRow("In a script:", "Cop&y command");
+    column->addWidget(command);
+}
+
+QHBoxLayout* CreateResultPage::makeButtons()
+{
+    totals = withId(IDC_TOTALS, new QLabel);
+    failuresOnly = withId(IDC_FAILURES_ONLY, new QCheckBox("Failures &only"));
+    auto* copyButton = withId(IDC_COPY, new QPushButton("&Copy"));
+    auto* saveButton = withId(IDC_SAVE, new QPushButton("&Save ..."));
+    connect(failuresOnly, &QCheckBox::toggled, this, &CreateResultPage::showFailuresOnly);
+    connect(copyButton, &QPushButton::clicked, this, &CreateResultPage::copy);
+    connect(saveButton, &QPushButton::clicked, this, &CreateResultPage::save);
+    auto* row = new QHBoxLayout;
+    row->addWidget(totals, 1);
+    for (QWidget* control : std::initializer_list<QWidget*>{failuresOnly, copyButton, saveButton})
+        row->addWidget(control);
+    return row;
+}
+
+void CreateResultPage::OnSetActive()
+{
+    wizard->options.fillResultList(*resultBox);
+    const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
+    totals->setText(totalsOf(kinds));
+    command->setText(toUi(wizard->script.text(*wizard->message)));
+    failuresOnly->setChecked(false);
+    failuresOnly->setEnabled(std::any_of(kinds.begin(), kinds.end(), isFailure));
+    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
+}
+
+void CreateResultPage::showFailuresOnly(bool only)
+{
+    const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+        resultBox->setRowHidden(static_cast<int>(i), only && !isFailure(kinds[i]));
+    }
+}
+
+CString CreateResultPage::shownLines() const
+{
+    CString lines;
+    for (int row = 0; row < resultBox->count(); ++row)
+        if (!resultBox->isRowHidden(row))
+            lines += fromUi(resultBox->item(row)->text()) + '\n';
+    return lines;
+}
+
+void CreateResultPage::copy()
+{
+    QGuiApplication::clipboard()->setText(toUi(shownLines()));
+}
+
+void CreateResultPage::save()
+{
+    saveUnderChosenName(*this, "Save the results", {{loadText(IDS_FILTER_ALL_FILES), loadText(IDS_PATTERN_ALL_FILES)}},
+                        "results.txt", [this](const CString&) { return shownLines(); });
+}

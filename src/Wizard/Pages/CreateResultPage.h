@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Wizard/Pages/QELPage.h"
+
+class CopyRow;
+class QCheckBox;
+class QHBoxLayout;
+class QLabel;
+class QListWidget;
+
+/// Shows the lines of the last creation run, or those of failures alone, with the totals. What is shown can be copied
+/// and saved.
+class CreateResultPage : public QELPage
+{
+public:
+    CreateResultPage();
+
+    void OnInitDialog() override;
+    void OnSetActive() override;
+    LRESULT OnWizardBack() override { return IDD_LOGIN; }
+    LRESULT OnWizardNext() override { return IDD_FINISH; }
+
+private:
+    QHBoxLayout* makeButtons();
+    void showFailuresOnly(bool only);
+    CString shownLines() const;
+    void copy();
+    void save();
+
+    QListWidget* resultBox = nullptr;
+    QLabel* totals = nullptr;
+    QCheckBox* failuresOnly = nullptr;
+    CopyRow* command = nullptr;
+};

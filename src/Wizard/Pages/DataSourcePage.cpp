@@ -1,0 +1,48 @@
+#include "Wizard/Pages/DataSourcePage.h"
+
+#include "Resources/StringTable.h"
+#include "Ui/ListView.h"
+#include "Ui/WizardSheet.h"
+#include "Wizard/Run/WizardRun.h"
+
+#include <QGroupBox>
+#include <QVBoxLayout>
+
+DataSourcePage::DataSourcePage() :
+    QELPage(IDD_DATA_SOURCE, "Typeforge - Select data source", IDS_DATASOURCE_TITLE, IDS_DATASOURCE_SUBTITLE)
+{}
+
+void DataSourcePage::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    dataSourceList =
+        withId(IDC_DATA_SOURCES, new ListView({{loadText(IDS_COLUMN_NAME), 35}, {loadText(IDS_COLUMN_DESCRIPTION), 60}},
+                                              "Available data sources"));
+    connect(dataSourceList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
+    auto* group = new QGroupBox("Available &datasources");
+    group->setFocusProxy(dataSourceList); // the group's letter leads there
+    (new QVBoxLayout(group))->addWidget(dataSourceList);
+    (new QVBoxLayout(this))->addWidget(group);
+}
+
+void DataSourcePage::OnSetActive()
+{
+    sources.clear();
+    if (!listDataSources(sources))
+        stay(IDS_NO_SQL_ENVIRONMENT);
+    dataSourceList->setRows(static_cast<int>(sources.size()), [this](std::size_t row, int column) {
+        return column == 0 ? sources[row].name : sources[row].description;
+    });
+    if (selectedSource != -1)
+        dataSourceList->selectRow(selectedSource);
+}
+
+LRESULT DataSourcePage::OnWizardNext()
+{
+    const int row = dataSourceList->selectedRow();
+    if (row < 0)
+        return -1;
+    selectedSource = row;
+    wizard->script = {dataSourceList->cell(row, 0)};
+    return wizard->openDatabase() ? IDD_DATABASE_TABLE : -1;
+}

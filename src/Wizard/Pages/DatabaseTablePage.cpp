@@ -1,0 +1,79 @@
+#include "Wizard/Pages/DatabaseTablePage.h"
+
+#include "Database/Tables.h"
+#include "Resources/StringTable.h"
+#include "Ui/ListFilter.h"
+#include "Ui/ListView.h"
+#include "Ui/WaitCursor.h"
+#include "Ui/WizardSheet.h"
+#include "Wizard/Run/WizardRun.h"
+
+#include <QGroupBox>
+#include <QVBoxLayout>
+
+DatabaseTablePage::DatabaseTablePage() :
+    QELPage(IDD_DATABASE_TABLE, "Typeforge - Select table(s)", IDS_TABLE_TITLE, IDS_TABLE_SUBTITLE)
+{}
+
+void DatabaseTablePage::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    tableList = withId(IDC_TABLES, new ListView({{loadText(IDS_COLUMN_NAME), 35},
+                                                 {loadText(IDS_COLUMN_TYPE), 10},
+                                                 {loadText(IDS_COLUMN_QUALIFIER), 20},
+                                                 {loadText(IDS_COLUMN_OWNER), 15},
+                                                 {loadText(IDS_COLUMN_REMARKS), 20}},
+                                                "Available tables"));
+    tableList->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    connect(tableList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
+    auto* group = new QGroupBox("Available &tables");
+    group->setFocusProxy(tableList); // the group's letter leads there
+    auto* rows = new QVBoxLayout(group);
+    rows->addWidget(tableList);
+    rows->insertWidget(0, new ListFilter(*tableList, "table")); // above, but behind the list for Tab
+    (new QVBoxLayout(this))->addWidget(group);
+}
+
+void DatabaseTablePage::OnSetActive()
+{
+    tableList->setRows(0, {});
+    tables.clear();
+    listTables(); // may raise the database's error; the list is empty then
+    tableList->setRows(static_cast<int>(tables.size()),
+                       [this](std::size_t row, std::size_t column) { return tables[row][column]; });
+}
+
+void DatabaseTablePage::listTables()
+{
+    const WaitCursor wait;
+    bool isOpen = false;
+    sheet()->runLong([&] {
+        CTables found(wizard->database.get());
+        isOpen = found.Open(nullptr, nullptr, nullptr, "'TABLE'", CRecordset::snapshot) != 0;
+        for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
+            tables.push_back({found.tableName, found.tableType, found.tableQualifier, found.tableOwner, found.remarks});
+    });
+    if (isOpen)
+        return;
+    const PlainCursor plain;
+    stay(IDS_NO_DATABASE);
+}
+
+LRESULT DatabaseTablePage::OnWizardNext()
+{
+    const std::vector<int> selected = tableList->selectedRows();
+    if (selected.empty())
+        return stay(IDS_SELECT_TABLE);
+    if (!wizard->database->IsOpen() && !wizard->openDatabase()) // it was given up
+        return -1;
+    const WaitCursor wait;
+    CString names;
+    wizard->script = {wizard->script.source, wizard->options.queryPath(), wizard->script.sourceUser};
+    for (const int row : selected) {
+        wizard->script.tables.push_back(tableList->cell(row, 0));
+        names += wizard->script.tables.back() + '\n';
+    }
+    sheet()->runLong([&] { wizard->message->parseData(names, wizard->options.queryPath()); });
+    wizard->options.setEditBack(IDD_DATABASE_TABLE);
+    return IDD_EDIT;
+}

@@ -1,0 +1,99 @@
+#include "Wizard/Pages/FilePage.h"
+
+#include "Ui/DraggedFiles.h"
+#include "Ui/PathCompleter.h"
+#include "Ui/PathLabel.h"
+#include "Ui/RecentCombo.h"
+#include "Ui/UiText.h"
+#include "Ui/WizardSheet.h"
+#include "Wizard/Run/WizardRun.h"
+
+#include <QDropEvent>
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPushButton>
+
+void FilePage::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    fileCombo = withId(comboId(), newRecentCombo());
+    fileCombo->lineEdit()->setCompleter(new PathCompleter(*fileCombo->lineEdit()));
+    fileCombo->lineEdit()->setAcceptDrops(false);
+    fileCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    fillFiles(*fileCombo);
+    auto* label = new QLabel("File:");
+    label->setBuddy(fileCombo);
+    auto* browse = withId(IDC_BROWSE, new QPushButton("B&rowse"));
+    connect(browse, &QPushButton::clicked, this, &FilePage::OnPickfile);
+    folderLabel = withId(IDC_FOLDER, new PathLabel);
+
+    auto* grid = new QGridLayout(this);
+    grid->addWidget(label, 0, 0);
+    grid->addWidget(fileCombo, 0, 1);
+    grid->addWidget(browse, 0, 2);
+    grid->addWidget(folderLabel, 1, 1, 1, 2);
+    grid->setColumnStretch(1, 1);
+    setAcceptDrops(true);
+}
+
+void FilePage::addRow(QWidget* control)
+{
+    auto* grid = static_cast<QGridLayout*>(layout());
+    grid->addWidget(control, grid->rowCount(), 1, 1, 2);
+    grid->setRowStretch(grid->rowCount(), 1);
+}
+
+void FilePage::OnSetActive()
+{
+    folderText = enterFolder();
+    folderLabel->setText(toUi(folderText));
+    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
+}
+
+void FilePage::UpdateData(bool save)
+{
+    if (save) {
+        fileName = fromUi(fileCombo->currentText());
+        return;
+    }
+    fileCombo->setEditText(toUi(fileName));
+    folderLabel->setText(toUi(folderText));
+}
+
+void FilePage::OnPickfile()
+{
+    UpdateData(true);
+    if (const CString chosen = chooseFile(); !chosen.empty())
+        fileName = chosen;
+    takeFolder();
+    fileCombo->setFocus(); // so that Return goes on, and doesn't browse again
+}
+
+// The folder follows the file name, whether it has just been chosen or was there before.
+void FilePage::takeFolder()
+{
+    if (const std::size_t slash = fileName.rfind('/'); slash != CString::npos) {
+        setFolder(fileName.substr(0, std::max<std::size_t>(slash, 1)));
+        folderText = enterFolder();
+    }
+    UpdateData(false);
+}
+
+void FilePage::takeFile(const CString& chosen)
+{
+    fileName = chosen;
+    takeFolder();
+}
+
+void FilePage::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!draggedFiles(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void FilePage::dropEvent(QDropEvent* event)
+{
+    event->acceptProposedAction();
+    OnDrop(draggedFiles(*event->mimeData()));
+}

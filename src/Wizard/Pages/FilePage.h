@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Wizard/Pages/QELPage.h"
+
+class PathLabel;
+class QComboBox;
+
+/// The base of the two pages that choose a file: a combo box with the recent ones, Browse, and the folder in which a
+/// name without a path is looked for. A file that is dropped on the page is chosen.
+class FilePage : public QELPage
+{
+public:
+    using QELPage::QELPage;
+
+    void OnInitDialog() override;
+    void OnSetActive() override;
+
+    /// Fills the name of a file in, as if it had been chosen with Browse.
+    void takeFile(const CString& chosen);
+
+protected:
+    /// The id of the combo box.
+    virtual int comboId() const = 0;
+
+    /// Fills the combo box with the recent files.
+    virtual void fillFiles(QComboBox& combo) = 0;
+
+    /// Shows the file dialog; "" when the user cancels.
+    virtual CString chooseFile() = 0;
+
+    /// Files have been dropped on the page.
+    virtual void OnDrop(const QStringList& files) { takeFile(files.front().toStdString()); }
+
+    /// Remembers the folder that a file was chosen in.
+    virtual void setFolder(const CString& folder) = 0;
+
+    /// Makes the remembered folder the current one and answers the text that names it.
+    virtual CString enterFolder() = 0;
+
+    /// Reads the controls into the members when `save`, else shows the members.
+    void UpdateData(bool save);
+
+    /// Puts a control below the others.
+    void addRow(QWidget* control);
+
+    void OnPickfile();
+
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+    CString fileName;
+    CString folderText;
+
+private:
+    void takeFolder();
+
+    QComboBox* fileCombo = nullptr;
+    PathLabel* folderLabel = nullptr;
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Wizard/Pages/QELPage.h"
+
+class QCheckBox;
+
+/// Greets the user and offers to skip itself from the next run on.
+class FirstPage : public QELPage
+{
+public:
+    FirstPage();
+
+    void OnInitDialog() override;
+    void OnSetActive() override;
+    LRESULT OnWizardNext() override;
+
+private:
+    int hideWelcome = 0;
+    QCheckBox* hideBox = nullptr;
+};

@@ -1,0 +1,272 @@
+#include "Wizard/Pages/LoginToBroker.h"
+
+#include "Base/Progress.h"
+#include "Base/QELApp.h"
+#include "Base/ServerAddress.h"
+#include "Broker/BrokerSession.h"
+#include "Broker/CreationRun.h"
+#include "Resources/StringTable.h"
+#include "Ui/LongWork.h"
+#include "Ui/RecentCombo.h"
+#include "Ui/SecretEdit.h"
+#include "Ui/UiText.h"
+#include "Ui/WaitCursor.h"
+#include "Ui/WizardSheet.h"
+#include "Wizard/Pages/Overwrite.h"
+#include "Wizard/Run/WizardRun.h"
+
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QRadioButton>
+#include <QValidator>
+
+namespace {
+
+// Letter by letter, so that the text keeps its length and the cursor its place.
+QString upperCase(QString text)
+{
+    for (QChar& c : text)
+        c = c.toUpper();
+    return text;
+}
+
+// Lets everything in, as upper case.
+class UpperCase : public QValidator
+{
+public:
+    using QValidator::QValidator;
+
+    State validate(QString& text, int&) const override
+    {
+        text = upperCase(text);
+        return Acceptable;
+    }
+};
+
+} // namespace
+
+LoginToBroker::LoginToBroker() : QELPage(IDD_LOGIN, "Typeforge - Login to Broker", IDS_LOGIN_TITLE, IDS_LOGIN_SUBTITLE)
+{}
+
+LoginToBroker::~LoginToBroker()
+{
+    if (passwordEdit)
+        takeSecret(*passwordEdit, password);
+    wipe(password);
+}
+
+void LoginToBroker::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    keepOutOfCores();
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(makeServerGroup());
+    column->addWidget(makeLogonGroup());
+    progress = withId(IDC_PROGRESS, new QProgressBar);
+    progress->setAccessibleName("Progress of the creation");
+    QSizePolicy place = progress->sizePolicy();
+    place.setRetainSizeWhenHidden(true);
+    progress->setSizePolicy(place);
+    column->addWidget(progress);
+    column->addStretch();
+}
+
+QWidget* LoginToBroker::makeServerGroup()
+{
+    serverCombo = withId(IDC_SERVER, newRecentCombo());
+    server = wizard->options.fillBrokerIP(*serverCombo);
+    serverCombo->lineEdit()->setPlaceholderText("local, or the name or address of a server");
+    connect(serverCombo->lineEdit(), &QLineEdit::textEdited, this, &LoginToBroker::suggestLogon);
+    connect(serverCombo, &QComboBox::textActivated, this, &LoginToBroker::suggestLogon);
+    port = wizard->options.queryBrokerPort();
+    portEdit = withId(IDC_PORT, new QLineEdit(QString::number(port)));
+    auto* group = new QGroupBox("Broker server");
+    auto* form = new QFormLayout(group);
+    form->addRow("&Name", serverCombo);
+    form->addRow("&Port", portEdit);
+    return group;
+}
+
+QWidget* LoginToBroker::makeLogonGroup()
+{
+    trustedButton = withId(IDC_LOGON_TRUSTED, new QRadioButton("Use &trusted logon"));
+    brokerButton = withId(IDC_LOGON_BROKER, new QRadioButton("Use Broker &logon"));
+    connect(trustedButton, &QRadioButton::clicked, this, &LoginToBroker::OnLogonTrusted);
+    connect(brokerButton, &QRadioButton::clicked, this, &LoginToBroker::OnLogonBroker);
+    userCombo = withId(IDC_USER, newRecentCombo());
+    userCombo->setValidator(new UpperCase(userCombo));
+    user = wizard->options.fillUser(*userCombo);
+    for (int i = 0; i < userCombo->count(); ++i)
+        userCombo->setItemText(i, upperCase(userCombo->itemText(i)));
+    passwordEdit = withId(IDC_PASSWORD, new QLineEdit(toUi(wizard->options.queryPwd())));
+    makeSecret(*passwordEdit);
+
+    auto* group = new QGroupBox("Logon");
+    auto* form = new QFormLayout(group);
+    form->addRow(trustedButton);
+    form->addRow(brokerButton);
+    form->addRow("Broker &username", userCombo);
+    form->addRow("Broker &password", passwordEdit);
+    if (wizard->options.queryUseTrustedLogon()) {
+        trustedButton->setChecked(true);
+        OnLogonTrusted();
+    } else {
+        brokerButton->setChecked(true);
+        OnLogonBroker();
+    }
+    return group;
+}
+
+void LoginToBroker::OnSetActive()
+{
+    progress->hide();
+    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
+}
+
+void LoginToBroker::OnLogonTrusted()
+{
+    isSuggested = false;
+    passwordEdit->setEnabled(false);
+    userCombo->setEnabled(false);
+}
+
+void LoginToBroker::OnLogonBroker()
+{
+    isSuggested = false;
+    passwordEdit->setEnabled(true);
+    userCombo->setEnabled(true);
+}
+
+// The local repository asks nobody who he is. Where the name goes on, as "localhost", what was chosen before comes
+// back.
+void LoginToBroker::suggestLogon(const QString& typed)
+{
+    if (typed != "local") {
+        if (isSuggested)
+            brokerButton->click();
+    } else if (!trustedButton->isChecked()) {
+        trustedButton->click();
+        isSuggested = true;
+    }
+}
+
+LRESULT LoginToBroker::OnWizardNext()
+{
+    const WaitCursor wait;
+    if (!UpdateData())
+        return -1;
+    if (QWidget* blank = blankField()) {
+        blank->setFocus();
+        return stay(IDS_BLANK_FIELD);
+    }
+    storeChoices();
+    CString failure, reason;
+    std::optional<int> errors; // none of a run that was cancelled
+    const bool isTrusted = logonSel == LogonKind::trusted;
+    wizard->script.overwrite.clear();
+    sheet()->runLong(
+        [&] {
+            BrokerSession session;
+            const BrokerAccount account{user, password};
+            failure = session.open(server, port, isTrusted ? nullptr : &account);
+            checkWanted();
+            if (failure.empty())
+                errors = createTypes(session);
+            else
+                reason = session.queryDescription();
+        },
+        progress);
+    if (!failure.empty())
+        return stay(failure, reason);
+    ScriptCommand& script = wizard->script;
+    const auto address = readServerAddress(server, port);
+    script.address = address ? address->asText() : server;
+    script.user = isTrusted ? CString() : user;
+    script.output.clear();
+    if (errors)
+        progress->setValue(progress->maximum());
+    if (errors.value_or(0) != 0)
+        theApp.Error(formatText(loadText(IDS_CREATION_ERRORS), *errors), IDS_ERROR_TITLE);
+    return IDD_CREATE_RESULT;
+}
+
+// Reads the controls; false, with the focus there, when the port is no number. An empty port is 0, a blank field.
+bool LoginToBroker::UpdateData()
+{
+    server = fromUi(serverCombo->currentText());
+    user = fromUi(userCombo->currentText());
+    wipe(password);
+    password = fromUi(passwordEdit->text());
+    logonSel = trustedButton->isChecked() ? LogonKind::trusted : LogonKind::broker;
+    const QString portText = portEdit->text().trimmed();
+    bool isNumber = portText.isEmpty();
+    port = isNumber || portText.startsWith('+') ? 0 : portText.toUInt(&isNumber);
+    if (!isNumber) {
+        portEdit->setFocus();
+        stay("Please enter a positive integer.");
+    }
+    return isNumber;
+}
+
+QWidget* LoginToBroker::blankField() const
+{
+    QWidget* blank = nullptr;
+    if (server.empty())
+        blank = serverCombo;
+    else if (port == 0)
+        blank = portEdit;
+    if (logonSel == LogonKind::trusted)
+        return blank;
+    if (user.empty())
+        blank = userCombo;
+    else if (password.empty())
+        blank = passwordEdit;
+    return blank;
+}
+
+void LoginToBroker::storeChoices()
+{
+    QELOptions& options = wizard->options;
+    options.addBrokerIP(server);
+    options.setBrokerPort(port);
+    options.addUser(user);
+    options.setPwd(password);
+    options.setUseTrustedLogon(logonSel == LogonKind::trusted);
+}
+
+// In the thread of the long work.
+std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
+{
+    QELOptions& options = wizard->options;
+    inWindowThread([this] {
+        progress->setRange(0, wizard->message->beginEnum());
+        progress->setValue(0);
+        progress->show();
+    });
+    options.clearResultList();
+    const auto askThere = [this](const CString& question) {
+        OverwriteChoice choice = OverwriteChoice::no;
+        inWindowThread([&] { choice = ask(question); });
+        return choice;
+    };
+    CreationRun run(session,
+                    {askThere, [&options](const CString& line, ResultKind kind) { options.addResult(line, kind); }});
+    const int errors = run.run(*wizard->message);
+    return run.wasCancelled() ? std::nullopt : std::optional(errors);
+}
+
+OverwriteChoice LoginToBroker::ask(const CString& question)
+{
+    OverWriteDlg dialog(this);
+    dialog.text = question;
+    const PlainCursor arrow;
+    dialog.DoModal();
+    CString& word = wizard->script.overwrite; // what the first answer says of all of them
+    if (word.empty())
+        word = dialog.choice == OverwriteChoice::yesToAll  ? "all"
+               : dialog.choice == OverwriteChoice::noToAll ? "none"
+                                                           : "ask";
+    return dialog.choice;
+}

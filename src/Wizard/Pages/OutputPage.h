@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Wizard/Pages/QELPage.h"
+
+class QButtonGroup;
+
+/// Chooses between a file and the broker.
+class OutputPage : public QELPage
+{
+public:
+    /// As the settings keep it.
+    enum OutputMode : int
+    {
+        toFile = 0,
+        toBroker = 1
+    };
+
+    OutputPage();
+
+    void OnInitDialog() override;
+    void OnSetActive() override;
+    LRESULT OnWizardNext() override;
+
+private:
+    QButtonGroup* choice = nullptr;
+    OutputMode outputSel = toFile;
+};

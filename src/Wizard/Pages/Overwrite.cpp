@@ -1,0 +1,64 @@
+#include "Wizard/Pages/Overwrite.h"
+
+#include "Base/QELApp.h"
+#include "Resources/DialogIds.h"
+#include "Ui/MessageTexts.h"
+#include "Ui/UiText.h"
+
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QScreen>
+
+#include <algorithm>
+
+OverWriteDlg::OverWriteDlg(CWnd* owner) : QDialog(owner)
+{
+    setObjectName(QString::number(IDD_OVERWRITE));
+    setWindowTitle("Overwrite confirmation");
+    auto* grid = new QGridLayout(this);
+    grid->setRowStretch(0, 1);
+    addButton(IDC_YES, "&Yes", &OverWriteDlg::OnYes);
+    addButton(IDC_YES_TO_ALL, "Yes to &all", &OverWriteDlg::OnYestoall);
+    addButton(IDC_NO, "&No", &OverWriteDlg::OnNo);
+    addButton(IDC_NO_TO_ALL, "No &to all", &OverWriteDlg::OnNotoall);
+}
+
+void OverWriteDlg::addButton(int id, const char* label, void (OverWriteDlg::*handler)())
+{
+    auto* button = new QPushButton(label);
+    button->setObjectName(QString::number(id));
+    button->setAutoDefault(false);
+    button->setDefault(id == IDC_NO);
+    connect(button, &QPushButton::clicked, this, handler);
+    static_cast<QGridLayout*>(layout())->addWidget(button, 1, id - IDC_YES);
+    if (id == IDC_NO)
+        button->setFocus();
+}
+
+int OverWriteDlg::DoModal()
+{
+    auto* question = new MessageTexts(toUi(text), {}); // which breaks a long name, and scrolls where it is too long yet
+    question->setObjectName(QString::number(IDC_OVERWRITE_TEXT));
+    static_cast<QGridLayout*>(layout())->addWidget(question, 0, 0, 1, 4);
+    setAccessibleDescription(toUi(text));
+    const QSize room = screen()->availableSize();
+    const int letter = fontMetrics().averageCharWidth(); // 4 dialog units
+    question->fitInto(letter * 213 / 4, std::min(letter * 80, room.width() * 8 / 10), room.height() / 2);
+    return exec();
+}
+
+void OverWriteDlg::answer(OverwriteChoice newChoice)
+{
+    choice = newChoice;
+    accept();
+}
+
+void OverWriteDlg::keyPressEvent(QKeyEvent* event)
+{
+    constexpr UINT contextHelp = 1;
+    if (event->key() == Qt::Key_F1)
+        theApp.WinHelp(IDD_OVERWRITE, contextHelp);
+    else
+        QDialog::keyPressEvent(event);
+}

@@ -1,0 +1,67 @@
+#include "Wizard/Pages/ReadingRow.h"
+
+#include "Import/Full/FullMessage.h"
+#include "Resources/DialogIds.h"
+#include "Ui/ElidedLabel.h"
+#include "Ui/UiText.h"
+
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QPushButton>
+
+#include <algorithm>
+
+ReadingRow::ReadingRow() :
+    mainElementLabel(new QLabel(tr("&Main element:"))), mainElement(new QComboBox), count(new ElidedLabel),
+    details(new QPushButton(tr("&Details")))
+{
+    mainElement->setObjectName(QString::number(IDC_MAIN_ELEMENT));
+    mainElement->setMaxVisibleItems(20);
+    mainElement->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    mainElement->setMinimumContentsLength(8);
+    mainElementLabel->setBuddy(mainElement);
+    count->setObjectName(QString::number(IDC_NOT_CARRIED_OVER));
+    count->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    details->setObjectName(QString::number(IDC_DETAILS));
+    connect(mainElement, &QComboBox::activated, this, [this](int index) {
+        Q_EMIT mainElementChosen(index == 0 ? CString() : fromUi(mainElement->itemText(index)));
+    });
+    connect(details, &QPushButton::clicked, this, &ReadingRow::detailsWanted);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins({});
+    row->addWidget(mainElementLabel);
+    row->addWidget(mainElement);
+    row->addStretch(); // where there is no count
+    row->addWidget(count, 1);
+    row->addWidget(details);
+}
+
+void ReadingRow::showReading(const MsgBase& message, const FullMessage* full)
+{
+    showMainElements(full);
+    showCount(message);
+    setVisible(!mainElement->isHidden() || !details->isHidden());
+}
+
+void ReadingRow::showMainElements(const FullMessage* full)
+{
+    mainElement->clear();
+    if (full) {
+        for (const CString& name : full->queryMainTypes())
+            mainElement->addItem(toUi(name));
+        mainElement->setCurrentIndex(std::max(0, mainElement->findText(toUi(full->queryRoot()))));
+    }
+    const bool isChoice = mainElement->count() > 1;
+    mainElementLabel->setVisible(isChoice);
+    mainElement->setVisible(isChoice);
+}
+
+void ReadingRow::showCount(const MsgBase& message)
+{
+    const std::size_t left = message.queryReport().queryPlaced();
+    count->setText(left == 1 ? tr("1 construct was not carried over")
+                             : tr("%L1 constructs were not carried over").arg(left));
+    count->setVisible(left > 0);
+    details->setAccessibleDescription(count->text());
+    details->setVisible(left > 0);
+}

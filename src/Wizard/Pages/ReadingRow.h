@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Base/Text.h"
+
+#include <QWidget>
+
+class FullMessage;
+class MsgBase;
+class QComboBox;
+class QLabel;
+class QPushButton;
+
+/// What the review page says of how the source was read: how much of it was not carried over, and for a full reading
+/// the main element, to choose another where several could be it. Hidden where there is nothing to say.
+class ReadingRow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    ReadingRow();
+
+    /// Shows a new import; `full` is the same one where it was read in full, else null.
+    void showReading(const MsgBase& message, const FullMessage* full);
+
+    /// Shows what an import left out.
+    void showCount(const MsgBase& message);
+
+Q_SIGNALS:
+    /// The user has chosen a main element; "" is the source's own choice.
+    void mainElementChosen(const CString& name);
+
+    void detailsWanted();
+
+private:
+    void showMainElements(const FullMessage* full);
+
+    QLabel* mainElementLabel;
+    QComboBox* mainElement;
+    QLabel* count;
+    QPushButton* details;
+};

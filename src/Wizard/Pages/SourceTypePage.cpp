@@ -1,0 +1,74 @@
+#include "Wizard/Pages/SourceTypePage.h"
+
+#include "Resources/StringTable.h"
+#include "Ui/ListView.h"
+#include "Ui/UiText.h"
+#include "Ui/WizardSheet.h"
+#include "Wizard/Run/WizardRun.h"
+
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+SourceTypePage::SourceTypePage() :
+    QELPage(IDD_SOURCE_TYPE, "Typeforge - Select source type", IDS_SOURCE_TYPE_TITLE, IDS_SOURCE_TYPE_SUBTITLE)
+{}
+
+void SourceTypePage::OnInitDialog()
+{
+    QELPage::OnInitDialog();
+    importerList =
+        withId(IDC_IMPORTERS,
+               new ListView({{loadText(IDS_COLUMN_NAME), 30}, {loadText(IDS_COLUMN_DESCRIPTION), 65}}, "Importers"));
+    while (g_amud[importerCount] != nullptr)
+        ++importerCount;
+    importerList->setRows(importerCount, [](int row, int column) {
+        return column == 0 ? g_amud[row]->getName() : g_amud[row]->getDescription();
+    });
+    connect(importerList, &ListView::chosen, this, &SourceTypePage::OnClickSource);
+    connect(importerList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(importerList, 1);
+    column->addWidget(makePathGroup());
+}
+
+QWidget* SourceTypePage::makePathGroup()
+{
+    auto* group = new QGroupBox("&Path for objects");
+    pathEdit = withId(IDC_OBJECT_PATH, new QLineEdit);
+    pathEdit->setAcceptDrops(false); // a file is for the page
+    pathEdit->setAccessibleName("Path for objects");
+    (new QVBoxLayout(group))->addWidget(pathEdit);
+    return group;
+}
+
+void SourceTypePage::OnSetActive()
+{
+    wizard->message.reset();
+    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
+    importerList->selectRow(wizard->options.queryLastImporterSel());
+    OnClickSource();
+}
+
+void SourceTypePage::OnClickSource()
+{
+    wizard->message.reset();
+    const int row = importerList->selectedRow();
+    if (row < 0)
+        return;
+    wizard->options.setLastImporterSel(row);
+    wizard->message.reset(g_amud[row]->create());
+    objectPath = wizard->message->getBasePath();
+    pathEdit->setText(toUi(objectPath));
+}
+
+LRESULT SourceTypePage::OnWizardNext()
+{
+    objectPath = fromUi(pathEdit->text());
+    if (wizard->message == nullptr)
+        return stay(IDS_SELECT_IMPORTER);
+    if (objectPath.empty() || objectPath.back() != '\\')
+        objectPath += '\\';
+    wizard->options.setPath(objectPath);
+    return wizard->message->queryNextPage();
+}

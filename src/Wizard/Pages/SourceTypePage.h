@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Wizard/Pages/QELPage.h"
+
+class ListView;
+class QLineEdit;
+
+/// Chooses the importer and the base path of the types. The wizard's importer always belongs to the selected row, and
+/// is a fresh one each time the page is shown.
+class SourceTypePage : public QELPage
+{
+public:
+    SourceTypePage();
+
+    void OnInitDialog() override;
+    void OnSetActive() override;
+    LRESULT OnWizardNext() override;
+
+private:
+    /// Makes the importer of the selected row; none when there is none.
+    void OnClickSource();
+    QWidget* makePathGroup();
+
+    ListView* importerList = nullptr;
+    int importerCount = 0;
+    QLineEdit* pathEdit = nullptr;
+    CString objectPath;
+};

@@ -1,0 +1,58 @@
+#include "Wizard/QEL.h"
+
+#include "Base/MessageBox.h"
+#include "Base/QELApp.h"
+#include "Resources/DialogIds.h"
+#include "Ui/ModalBox.h"
+#include "Wizard/QELWizard.h"
+#include "Wizard/WindowLayout.h"
+#include "Wizard/Windows/HelpWindow.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+const HelpId helpIds[] = {
+    {IDD_FIRST, 1},       {IDD_CREATE_RESULT, 2}, {IDD_DATA_SOURCE, 3},  {IDD_DATABASE_TABLE, 4},
+    {IDD_EDIT, 5},        {IDD_FINISH, 6},        {IDD_LOGIN, 7},        {IDD_OUTPUT, 8},
+    {IDD_OUTPUT_FILE, 9}, {IDD_SOURCE, 10},       {IDD_SOURCE_TYPE, 11}, {0, 0},
+};
+
+namespace {
+
+// False where the screen can't be asked.
+bool isLowColour()
+{
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return screen != nullptr && screen->depth() < 9;
+}
+
+} // namespace
+
+BOOL CQELApp::InitInstance()
+{
+    const bool lowColour = isLowColour();
+    const HBITMAP watermark = lowColour ? IDB_WATERMARK_LOW_COLOUR : IDB_WATERMARK;
+    const HBITMAP header = lowColour ? IDB_HEADER_LOW_COLOUR : IDB_HEADER;
+    QELWizard wizard(IDS_TITLE, nullptr, 0, watermark, nullptr, header);
+    const MessageBoxHandler before = setMessageBoxHandler(ModalBox(wizard));
+    restoreGeometry(wizard);
+    if (const QStringList files = QCoreApplication::arguments().mid(1); !files.isEmpty())
+        wizard.openFiles(files);
+    if (wizard.DoModal() == WizardSheet::resultOk) {
+        wizard.options.flushValues();
+        storeLayout(wizard);
+    }
+    setMessageBoxHandler(before);
+    return 0;
+}
+
+void CQELApp::WinHelp(DWORD data, UINT command)
+{
+    constexpr UINT contextHelp = 1;
+    if (command != contextHelp)
+        return;
+    const HelpId* row = helpIds;
+    while (row->dialogId != 0 && row->dialogId != int(data & 0xFFFF))
+        ++row;
+    showHelp(dynamic_cast<QELWizard*>(mainWindow()), row->topic);
+}

@@ -1,0 +1,51 @@
+#include "Wizard/Run/DataSourceLogon.h"
+
+#include "Base/Secret.h"
+#include "Database/ConnectString.h"
+#include "Database/Odbc.h"
+#include "Resources/DialogIds.h"
+#include "Ui/SecretEdit.h"
+#include "Ui/UiText.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+
+DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const CString& reason, const CString& user) :
+    QDialog(parent), userEdit(new QLineEdit(toUi(user))), passwordEdit(new QLineEdit)
+{
+    keepOutOfCores();
+    setObjectName("DataSourceLogon");
+    setWindowTitle("Log on to " + toUi(source));
+    userEdit->setObjectName(QString::number(IDC_SOURCE_USER));
+    passwordEdit->setObjectName(QString::number(IDC_SOURCE_PASSWORD));
+    makeSecret(*passwordEdit);
+    auto* text = new QLabel(toUi(reason));
+    text->setTextFormat(Qt::PlainText); // a server's words, not ours
+    text->setWordWrap(true);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* form = new QFormLayout(this);
+    form->addRow(text);
+    form->addRow("&User:", userEdit);
+    form->addRow("&Password:", passwordEdit);
+    form->addRow(buttons);
+    setMinimumWidth(fontMetrics().averageCharWidth() * 60);
+    if (!user.empty())
+        passwordEdit->setFocus();
+}
+
+bool DataSourceLogon::ask(CString& user, CString& logon)
+{
+    const bool confirmed = exec() == Accepted;
+    Secret password;
+    takeSecret(*passwordEdit, password.text);
+    if (!confirmed)
+        return false;
+    wipe(logon);
+    user = fromUi(userEdit->text());
+    logon = logonText(user, password.text);
+    return true;
+}

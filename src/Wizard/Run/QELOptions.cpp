@@ -1,0 +1,209 @@
+#include "Wizard/Run/QELOptions.h"
+
+#include "Base/Secret.h"
+#include "Files/Registry.h"
+#include "Files/UserFolders.h"
+#include "Ui/UiText.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <unistd.h>
+
+namespace {
+
+constexpr const char* kProgramKey = "SOFTWARE\\ZANTH\\QEL";
+constexpr const char* kVendorKey = "SOFTWARE\\ZANTH";
+constexpr const char* kInputFilesKey = "SOFTWARE\\ZANTH\\QEL\\InFiles";
+constexpr const char* kOutputFilesKey = "SOFTWARE\\ZANTH\\QEL\\OutFiles";
+constexpr const char* kUsersKey = "SOFTWARE\\ZANTH\\QEL\\Users";
+constexpr const char* kBrokersKey = "SOFTWARE\\ZANTH\\QEL\\Broker";
+
+constexpr std::size_t kMaxEntries = 15;
+constexpr std::size_t kMaxPath = 260; // bytes, the terminating zero included
+constexpr std::size_t kMaxName = 10;
+constexpr unsigned int kDefaultPort = 7250;
+
+CString currentFolder()
+{
+    std::array<char, kMaxPath> folder = {};
+    return ::getcwd(folder.data(), folder.size()) != nullptr ? folder.data() : CString();
+}
+
+std::optional<CString> queryText(const char* key, const char* name)
+{
+    Registry reg;
+    std::array<char, kMaxPath> text;
+    if (!reg.getString(HKEY_CURRENT_USER, key, name, text.data(), text.size()))
+        return {};
+    return text.data();
+}
+
+void storeText(Registry& reg, const char* key, const char* name, CString text)
+{
+    reg.setString(HKEY_CURRENT_USER, key, name, text.data());
+}
+
+} // namespace
+
+QELOptions::QELOptions() : cwd(currentFolder()), inputFolder(cwd), outputFolder(cwd) {}
+
+QELOptions::~QELOptions()
+{
+    wipe(pwd);
+}
+
+void QELOptions::setPwd(const CString& password)
+{
+    wipe(pwd);
+    pwd = password;
+}
+
+void QELOptions::getValues()
+{
+    Registry reg;
+    if (unsigned int hide; reg.getUInt(HKEY_CURRENT_USER, kProgramKey, "HideWelcomePage", hide))
+        hideWelcome = static_cast<int>(hide);
+    inputFolder = queryText(kProgramKey, "Input folder").value_or(cwd);
+    outputFolder = queryText(kProgramKey, "Output folder").value_or(cwd);
+    FillFromReg(inputFiles, kInputFilesKey);
+    FillFromReg(outputFiles, kOutputFilesKey);
+    FillFromReg(users, kUsersKey);
+    if (const CString name = loginName().substr(0, kMaxPath); !name.empty())
+        AddUnique(name, users, 1);
+    FillFromReg(brokerAddresses, kBrokersKey);
+    if (const auto address = queryText(kVendorKey, "ServerAddress"))
+        AddUnique(*address, brokerAddresses, 1);
+    if (!reg.getUInt(HKEY_CURRENT_USER, kVendorKey, "Port", brokerPort))
+        brokerPort = kDefaultPort;
+    reg.getInt(HKEY_CURRENT_USER, kProgramKey, "LastImporter", lastImporterSel);
+    reg.getInt(HKEY_CURRENT_USER, kProgramKey, "LastOutputMode", lastOutputSel);
+    reg.getInt(HKEY_CURRENT_USER, kProgramKey, "UseTrustedLogon", useTrustedLogon);
+    reg.getInt(HKEY_CURRENT_USER, kProgramKey, "FullReading", fullReading);
+}
+
+void QELOptions::flushValues()
+{
+    const SettingsTransaction together;
+    Registry reg;
+    reg.setInt(HKEY_CURRENT_USER, kProgramKey, "HideWelcomePage", hideWelcome);
+    storeText(reg, kProgramKey, "Input folder", inputFolder);
+    storeText(reg, kProgramKey, "Output folder", outputFolder);
+    FlushToReg(reg, inputFiles, kInputFilesKey);
+    FlushToReg(reg, outputFiles, kOutputFilesKey);
+    FlushToReg(reg, users, kUsersKey);
+    FlushToReg(reg, brokerAddresses, kBrokersKey);
+    reg.setInt(HKEY_CURRENT_USER, kVendorKey, "Port", static_cast<int>(brokerPort));
+    reg.setInt(HKEY_CURRENT_USER, kProgramKey, "LastImporter", lastImporterSel);
+    reg.setInt(HKEY_CURRENT_USER, kProgramKey, "LastOutputMode", lastOutputSel);
+    reg.setInt(HKEY_CURRENT_USER, kProgramKey, "UseTrustedLogon", useTrustedLogon);
+    reg.setInt(HKEY_CURRENT_USER, kProgramKey, "FullReading", fullReading);
+}
+
+void QELOptions::addInputFile(const CString& file)
+{
+    AddUnique(file, inputFiles, 1);
+}
+
+void QELOptions::addOutputFile(const CString& file)
+{
+    AddUnique(file, outputFiles, 1);
+}
+
+void QELOptions::addUser(const CString& user)
+{
+    AddUnique(user, users, 1);
+}
+
+void QELOptions::addBrokerIP(CString address)
+{
+    AddUnique(address, brokerAddresses, 1);
+}
+
+CString QELOptions::fillInputFile(CComboBox& combo)
+{
+    return FillCombo(combo, inputFiles);
+}
+
+CString QELOptions::fillOutputFile(CComboBox& combo)
+{
+    return FillCombo(combo, outputFiles);
+}
+
+CString QELOptions::fillUser(CComboBox& combo)
+{
+    return FillCombo(combo, users);
+}
+
+CString QELOptions::fillBrokerIP(CComboBox& combo)
+{
+    return FillCombo(combo, brokerAddresses);
+}
+
+CString QELOptions::queryInputFile()
+{
+    return QueryTop(inputFiles);
+}
+
+void QELOptions::clearResultList()
+{
+    resultList.clear();
+    resultKinds.clear();
+}
+
+void QELOptions::addResult(const CString& line, ResultKind kind)
+{
+    resultList.push_back(line);
+    resultKinds.push_back(kind);
+}
+
+void QELOptions::fillResultList(CListBox& box) const
+{
+    box.clear();
+    for (const CString& line : resultList)
+        box.addItem(toUi(line));
+}
+
+void AddUnique(const CString& text, CStringList& list, int atHead)
+{
+    const auto found = std::find(list.begin(), list.end(), text);
+    list.insert(atHead != 0 ? list.begin() : list.end(), text);
+    if (found != list.end())
+        list.erase(found); // last: `text` may be the one found
+    while (list.size() > kMaxEntries)
+        list.pop_back();
+}
+
+CString FillCombo(CComboBox& combo, CStringList& list)
+{
+    int position = 0;
+    for (const CString& entry : list)
+        combo.insertItem(position++, toUi(entry));
+    if (list.empty())
+        return {};
+    combo.setCurrentIndex(0);
+    return list.front();
+}
+
+CString QueryTop(CStringList& list)
+{
+    return list.empty() ? CString() : list.front();
+}
+
+void FillFromReg(CStringList& list, const char* key)
+{
+    for (const auto& [name, value] : SettingsStore().queryValues(key)) {
+        if (name.size() >= kMaxName || value.bytes.size() > kMaxPath)
+            return;
+        list.push_back(value.bytes.c_str());
+    }
+}
+
+void FlushToReg(Registry& reg, CStringList& list, const char* key)
+{
+    char name[] = "a";
+    for (const CString& entry : list) {
+        storeText(reg, key, name, entry);
+        ++name[0];
+    }
+}

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "Base/Text.h"
+#include "Broker/ResultKind.h"
+#include "Ui/Controls.h"
+
+#include <vector>
+
+class Registry;
+
+/// The user's choices that the pages share. What of them lasts beyond the run is loaded by getValues() and stored by
+/// flushValues().
+class QELOptions
+{
+public:
+    /// Takes the current folder; reads no settings.
+    QELOptions();
+    ~QELOptions();
+
+    /// Loads every setting. A missing one gets its default.
+    void getValues();
+
+    /// Stores every setting, all at once; a failure is not reported.
+    void flushValues();
+
+    // The recent entries, newest first. Adding puts a text at the head; filling answers the entry that is then shown.
+    void addInputFile(const CString& file);
+    void addOutputFile(const CString& file);
+    void addUser(const CString& user);
+    void addBrokerIP(CString address);
+    CString fillInputFile(CComboBox& combo);
+    CString fillOutputFile(CComboBox& combo);
+    CString fillUser(CComboBox& combo);
+    CString fillBrokerIP(CComboBox& combo);
+    CString queryInputFile();
+
+    // The lines of the last creation run, and what each of them says.
+    void clearResultList();
+    void addResult(const CString& line, ResultKind kind = ResultKind::unknown);
+    void fillResultList(CListBox& box) const;
+    const std::vector<ResultKind>& queryResultKinds() const { return resultKinds; }
+
+    /// The folder that the program was started in; the file pages return to it.
+    const CString& queryCWD() const { return cwd; }
+
+    int queryHideWelcome() const { return hideWelcome; }
+    void setHideWelcome(int hide) { hideWelcome = hide; }
+    const CString& queryInputFolder() const { return inputFolder; }
+    void setInputFolder(const CString& folder) { inputFolder = folder; }
+    const CString& queryOutputFolder() const { return outputFolder; }
+    void setOutputFolder(const CString& folder) { outputFolder = folder; }
+    DWORD queryBrokerPort() const { return brokerPort; }
+    void setBrokerPort(DWORD port) { brokerPort = port; }
+    int queryLastImporterSel() const { return lastImporterSel; }
+    void setLastImporterSel(int row) { lastImporterSel = row; }
+    int queryLastOutputSel() const { return lastOutputSel; }
+    void setLastOutputSel(int mode) { lastOutputSel = mode; }
+    int queryFullReading() const { return fullReading; }
+    void setFullReading(int full) { fullReading = full; }
+    int queryUseTrustedLogon() const { return useTrustedLogon; }
+    void setUseTrustedLogon(int trusted) { useTrustedLogon = trusted; }
+
+    /// The broker password typed in this run; never stored.
+    const CString& queryPwd() const { return pwd; }
+    void setPwd(const CString& password);
+
+    /// The base path of the generated types, as confirmed for this import.
+    const CString& queryPath() const { return basePath; }
+    void setPath(const CString& path) { basePath = path; }
+
+    /// The dialog id of the page that Back on the review page returns to.
+    long queryEditBack() const { return editBack; }
+    void setEditBack(long dialogId) { editBack = dialogId; }
+
+private:
+    CString cwd;
+    int hideWelcome = 0;
+    CString inputFolder;
+    CString outputFolder;
+    CStringList inputFiles;
+    CStringList outputFiles;
+    CStringList users;
+    CStringList brokerAddresses;
+    unsigned int brokerPort = 7250;
+    int lastImporterSel = 0;
+    int lastOutputSel = 0; // of OutputPage::OutputMode
+    int fullReading = 0;
+    int useTrustedLogon = 0;
+    CString pwd;
+    CString basePath;
+    long editBack = 0;
+    CStringList resultList;
+    std::vector<ResultKind> resultKinds; // of its lines
+};
+
+/// Puts `text` at the head (`atHead` nonzero) or the tail of `list`, its first equal entry removed, and cuts the list
+/// to 15 entries.
+void AddUnique(const CString& text, CStringList& list, int atHead);
+
+/// Inserts the entries before those of the combo box, selects the head entry and answers it; "" for an empty list.
+CString FillCombo(CComboBox& combo, CStringList& list);
+
+/// The head entry; "" for an empty list.
+CString QueryTop(CStringList& list);
+
+/// Appends the values of a settings key. Names of more than 9 bytes and texts of more than 259 end the reading.
+void FillFromReg(CStringList& list, const char* key);
+
+/// Stores the entries as the values "a", "b", "c", … of a settings key; other values that it has stay.
+void FlushToReg(Registry& reg, CStringList& list, const char* key);

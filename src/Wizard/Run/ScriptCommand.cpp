@@ -1,0 +1,54 @@
+#include "Wizard/Run/ScriptCommand.h"
+
+#include "Import/Full/FullMessage.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace {
+
+// https://pubs.opengroup.org/onlinepubs/9699919799/utilities/V3_chap02.html#tag_18_02: between single quotes every
+// character but that quote stands for itself.
+CString quoted(const CString& word)
+{
+    constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_./:@%+,=";
+    if (!word.empty() && word.find_first_not_of(plain) == CString::npos)
+        return word;
+    CString text = "'";
+    for (const char c : word)
+        text += c == '\'' ? CString("'\\''") : CString(1, c);
+    return text + "'";
+}
+
+// As one word, so that a value may start with a dash.
+CString option(const char* name, const CString& value)
+{
+    return value.empty() ? CString() : CString(" ") + name + "=" + quoted(value);
+}
+
+} // namespace
+
+CString ScriptCommand::text(const MsgBase& message) const
+{
+    MsgUIDescriptor& importer = *message.queryDescriptor();
+    CString line = CString("typeforge-import ") + importer.querySource().word + " " + quoted(source);
+    if (basePath != importer.getBasePath())
+        line += option("--base-path", basePath);
+    for (const CString& table : tables)
+        line += option("--table", table);
+    if (const auto* full = dynamic_cast<const FullMessage*>(&message))
+        line += " --full" + option("--root", full->queryRoot());
+    line += option("--output", output);
+    if (output.empty()) // the only user that the command takes is then the broker's
+        line += option("--create", address) + option("--user", user) + option("--overwrite", overwrite);
+    else
+        line += option("--user", sourceUser);
+    return line;
+}
+
+CString absoluteName(const CString& fileName)
+{
+    std::error_code failure;
+    const std::filesystem::path full = std::filesystem::absolute(fileName, failure);
+    return failure ? fileName : full.lexically_normal().string();
+}

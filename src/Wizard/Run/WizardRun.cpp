@@ -1,0 +1,77 @@
+#include "Wizard/Run/WizardRun.h"
+
+#include "Base/QELApp.h"
+#include "Base/Secret.h"
+#include "Database/ConnectString.h"
+#include "Resources/StringTable.h"
+#include "Ui/ModalBox.h"
+#include "Ui/WaitCursor.h"
+#include "Ui/WizardPage.h"
+#include "Ui/WizardSheet.h"
+#include "Wizard/Run/DataSourceLogon.h"
+
+#include <unistd.h>
+
+CString WizardRun::setCurrentFolder(WhichFolder which)
+{
+    CString folder = options.queryCWD();
+    if (which == folderInput && !options.queryInputFolder().empty())
+        folder = options.queryInputFolder();
+    if (which == folderOutput && !options.queryOutputFolder().empty())
+        folder = options.queryOutputFolder();
+    if (::chdir(folder.c_str()) != 0)
+        folder = options.queryCWD();
+    return fillText(loadText(IDS_CURRENT_FOLDER), folder);
+}
+
+bool WizardRun::importFile(const CString& fileName)
+{
+    setCurrentFolder(folderInput);
+    script = {absoluteName(fileName), options.queryPath()};
+    const WaitCursor wait;
+    const ImportMessages together;
+    message->wantReport();
+    int isRead = 0;
+    sheet.runLong([&] { isRead = message->parseFile(fileName, options.queryPath()); });
+    if (!isRead)
+        return false;
+    setCurrentFolder(folderCWD);
+    return true;
+}
+
+bool WizardRun::openDatabase()
+{
+    database.reset(); // closed before the next one opens: a source may allow one connection only
+    database = std::make_unique<CDatabase>();
+    Secret logon;
+    for (;;) {
+        CString reason;
+        try {
+            const WaitCursor wait;
+            bool isOpen = false;
+            sheet.runLong(
+                [&] { isOpen = database->Open(dataSourceText(script.source), CDatabase::readOnly, logon.text); });
+            if (!isOpen)
+                theApp.Error(IDS_SELECT_DATASOURCE, IDS_ERROR_TITLE);
+            return isOpen;
+        } catch (const CDBException& error) {
+            if (!error.isLogonRefused())
+                throw;
+            reason = error.what();
+        }
+        CString& user = script.sourceUser;
+        if (!DataSourceLogon(sheet.activePage(), script.source, reason, user).ask(user, logon.text))
+            return false;
+    }
+}
+
+FullMessage* WizardRun::fullMessage() const
+{
+    return dynamic_cast<FullMessage*>(message.get());
+}
+
+CString WizardRun::usesOfFull(const CString& fileName) const
+{
+    const std::unique_ptr<const FullMessage> full(fullMessage() ? nullptr : message->queryDescriptor()->createFull());
+    return full ? full->queryUses(fileName) : CString();
+}

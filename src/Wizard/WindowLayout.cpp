@@ -1,0 +1,81 @@
+#include "Wizard/WindowLayout.h"
+
+#include "Files/Registry.h"
+#include "Ui/ListView.h"
+#include "Ui/UiText.h"
+
+#include <QSplitter>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr const char* kKey = "SOFTWARE\\ZANTH\\QEL\\Window";
+constexpr const char* kGeometry = "Geometry";
+
+QString queryText(const CString& name)
+{
+    std::array<char, 260> text;
+    return Registry().getString(HKEY_CURRENT_USER, kKey, name.c_str(), text.data(), text.size()) ? text.data() : "";
+}
+
+void storeText(const CString& name, const QString& value)
+{
+    CString text = fromUi(value);
+    if (!text.empty())
+        Registry().setString(HKEY_CURRENT_USER, kKey, name.c_str(), text.data());
+}
+
+// "120 300"; empty for a text that is anything else, a column or a part too few included.
+QList<int> numbersOf(const QString& text, int count)
+{
+    QList<int> numbers;
+    for (const QString& word : text.split(' ', Qt::SkipEmptyParts))
+        numbers.append(word.toInt());
+    const bool whole = numbers.size() == count && std::all_of(numbers.begin(), numbers.end(), [](int width) {
+                           return width > 0 && width < QWIDGETSIZE_MAX;
+                       });
+    return whole ? numbers : QList<int>();
+}
+
+QString textOf(const QList<int>& numbers)
+{
+    QStringList words;
+    for (const int number : numbers)
+        words.append(QString::number(number));
+    return words.join(' ');
+}
+
+CString nameOf(const QObject& control)
+{
+    return "Widths " + fromUi(control.objectName());
+}
+
+} // namespace
+
+void restoreGeometry(QWidget& window)
+{
+    window.restoreGeometry(QByteArray::fromBase64(queryText(kGeometry).toLatin1()));
+}
+
+void restoreWidths(const QWidget& page)
+{
+    for (auto* list : page.findChildren<ListView*>())
+        if (const auto widths = numbersOf(queryText(nameOf(*list)), list->model()->columnCount()); !widths.isEmpty())
+            list->setWidths(widths);
+    for (auto* splitter : page.findChildren<QSplitter*>())
+        if (const auto widths = numbersOf(queryText(nameOf(*splitter)), splitter->count()); !widths.isEmpty())
+            splitter->setSizes(widths);
+}
+
+void storeLayout(const QWidget& window)
+{
+    const SettingsTransaction together;
+    storeText(kGeometry, window.saveGeometry().toBase64());
+    for (const auto* list : window.findChildren<ListView*>())
+        storeText(nameOf(*list), textOf(list->queryWidths()));
+    for (const auto* splitter : window.findChildren<QSplitter*>())
+        if (const QList<int> sizes = splitter->sizes(); !sizes.contains(0)) // all parts of it have been seen
+            storeText(nameOf(*splitter), textOf(sizes));
+}

@@ -1,0 +1,164 @@
+#include "Wizard/Windows/DocumentWindow.h"
+
+#include "Ui/ElidedLabel.h"
+#include "Ui/UiText.h"
+#include "Ui/WaitCursor.h"
+#include "Wizard/Windows/SaveFile.h"
+#include "Wizard/Windows/XmlHighlighter.h"
+
+#include <QClipboard>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+namespace {
+
+// The document with each tag on a line of its own. It holds no text, and its values no '<' or '>'.
+CString indented(std::string_view document)
+{
+    CString lines;
+    std::size_t depth = 0;
+    while (!document.empty()) {
+        const std::size_t end = document.find('>');
+        const std::string_view tag = document.substr(0, end == document.npos ? end : end + 1);
+        document.remove_prefix(tag.size());
+        if (tag.starts_with("</") && depth > 0)
+            --depth;
+        lines.append(lines.empty() ? "" : "\n").append(2 * depth, ' ').append(tag);
+        if (!tag.starts_with("</") && !tag.ends_with("/>"))
+            ++depth;
+    }
+    return lines;
+}
+
+} // namespace
+
+DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CString& typeDocument,
+                               const QString& note, Kind documentKind) :
+    QWidget(owner, Qt::Window),
+    name(typeName), document(typeDocument), kind(documentKind), text(new QPlainTextEdit), findEdit(new QLineEdit),
+    status(new ElidedLabel(note))
+{
+    const WaitCursor wait; // many thousand constants take a second to colour
+    setObjectName("documentWindow");
+    setAttribute(Qt::WA_DeleteOnClose);
+    const bool isType = kind == ofType;
+    setWindowTitle((isType ? tr("%1 - Typeforge type") : tr("%1 - Typeforge")).arg(toUi(name)));
+    text->setObjectName("document");
+    text->setAccessibleName(isType ? tr("Document of the type") : toUi(name));
+    text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    text->setReadOnly(true);
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard); // with a cursor to read by
+    text->setTabChangesFocus(true);
+    text->setPlainText(toUi(isType ? indented(document) : document));
+    if (isType)
+        new XmlHighlighter(text->document(), palette());
+    auto* column = new QVBoxLayout(this);
+    column->addLayout(makeFindRow());
+    column->addWidget(text);
+    column->addWidget(status);
+    column->addLayout(makeButtonRow());
+    new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
+    const QSize wanted(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 30);
+    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // what is left is for the frame
+    text->setFocus();
+}
+
+QHBoxLayout* DocumentWindow::makeFindRow()
+{
+    auto* row = new QHBoxLayout;
+    auto* label = new QLabel(tr("&Find:"));
+    label->setBuddy(findEdit);
+    findEdit->setObjectName("find");
+    findEdit->setClearButtonEnabled(true);
+    row->addWidget(label);
+    row->addWidget(findEdit);
+    const auto addButton = [&](const char* objectName, const QString& title, QList<QKeySequence> keys, bool backward) {
+        auto* button = new QPushButton(title);
+        button->setObjectName(objectName);
+        button->setToolTip(keys.first().toString(QKeySequence::NativeText));
+        connect(button, &QPushButton::clicked, this, [this, backward] { find(backward); });
+        for (const QKeySequence& key : keys)
+            connect(new QShortcut(key, this), &QShortcut::activated, button, &QPushButton::click);
+        row->addWidget(button);
+    };
+    addButton("findNext", tr("&Next"), {QKeySequence::FindNext}, false);
+    addButton("findPrevious", tr("&Previous"), {QKeySequence::FindPrevious}, true);
+    connect(findEdit, &QLineEdit::returnPressed, this, [this] { find(false); });
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, findEdit, [this] {
+        findEdit->setFocus();
+        findEdit->selectAll();
+    });
+    return row;
+}
+
+QHBoxLayout* DocumentWindow::makeButtonRow()
+{
+    auto* row = new QHBoxLayout;
+    status->setObjectName("status");
+    row->addStretch();
+    const auto addButton = [&](const char* objectName, const QString& title, const QString& tip, auto action) {
+        auto* button = new QPushButton(title);
+        button->setObjectName(objectName);
+        button->setToolTip(tip);
+        connect(button, &QPushButton::clicked, this, action);
+        row->addWidget(button);
+        return button;
+    };
+    addButton("copy", tr("&Copy"), tr("Copies the selected text, or all of it"), &DocumentWindow::copy);
+    QPushButton* saveButton =
+        addButton("save", tr("&Save ..."), tr("Saves the document in a file"), &DocumentWindow::save);
+    connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, saveButton, &QPushButton::click);
+    addButton("close", tr("C&lose"), QKeySequence(Qt::Key_Escape).toString(QKeySequence::NativeText), &QWidget::close);
+    return row;
+}
+
+// Goes on at the other end where there is nothing more on this side.
+void DocumentWindow::find(bool backward)
+{
+    const QString wanted = findEdit->text();
+    if (wanted.isEmpty()) {
+        findEdit->setFocus();
+        return;
+    }
+    const QTextDocument::FindFlags flags = backward ? QTextDocument::FindBackward : QTextDocument::FindFlags();
+    status->clear();
+    if (text->find(wanted, flags))
+        return;
+    QTextCursor end = text->textCursor();
+    end.movePosition(backward ? QTextCursor::End : QTextCursor::Start);
+    const QTextCursor found = text->document()->find(wanted, end, flags);
+    if (!found.isNull())
+        text->setTextCursor(found);
+    status->setText(found.isNull() ? tr("There is no \"%1\".").arg(wanted)
+                    : backward     ? tr("Went on from the end.")
+                                   : tr("Went on from the start."));
+}
+
+void DocumentWindow::copy()
+{
+    if (text->textCursor().hasSelection())
+        text->copy();
+    else
+        QGuiApplication::clipboard()->setText(text->toPlainText());
+    status->setText(tr("Copied."));
+}
+
+void DocumentWindow::save()
+{
+    const bool isType = kind == ofType;
+    const FileFilter filter = isType ? FileFilter{"XML files", "*.xml"} : FileFilter{"Text files", "*.txt"};
+    const CString fileName =
+        saveUnderChosenName(*this, isType ? "Save the type" : "Save the report", {filter},
+                            name + (isType ? ".xml" : ".txt"), [this](const CString&) { return document; });
+    if (!fileName.empty())
+        status->setText(tr("Saved as %1.").arg(toUi(fileName)));
+}

@@ -1,0 +1,53 @@
+#include "Wizard/Windows/StructurePane.h"
+
+#include "Types/TypeStructure.h"
+#include "Wizard/Windows/TypeTreeModel.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+
+StructurePane::StructurePane() : tree(new TypeTreeModel(this))
+{
+    setObjectName("structure");
+    setAccessibleName(tr("Structure of the selected type"));
+    setModel(tree);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setExpandsOnDoubleClick(false);
+    setEditTriggers(NoEditTriggers);
+    connect(this, &QTreeView::doubleClicked, this, &StructurePane::jump);
+}
+
+void StructurePane::showType(const TypeStructure* structure, std::uint32_t type)
+{
+    constexpr std::size_t kFewUsers = 20;
+    tree->setType(structure, type);
+    setCurrentIndex(tree->index(0, 0));
+    if (structure && structure->users(type).size() <= kFewUsers)
+        expand(tree->index(tree->rowCount() - 1, 0));
+}
+
+// Enter leads to the type instead of to the next page. "*" would open everything, which is without end where types hold
+// each other.
+void StructurePane::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        jump(currentIndex());
+    else if (event->key() != Qt::Key_Asterisk)
+        QTreeView::keyPressEvent(event);
+}
+
+void StructurePane::jump(const QModelIndex& index)
+{
+    const std::uint32_t target = tree->targetOf(index);
+    if (target != TypeStructure::kNone)
+        Q_EMIT jumped(target);
+    else
+        setExpanded(index.siblingAtColumn(0), !isExpanded(index.siblingAtColumn(0)));
+}
+
+void StructurePane::resizeEvent(QResizeEvent* event)
+{
+    QTreeView::resizeEvent(event);
+    header()->resizeSection(0, contentsRect().width() * 55 / 100);
+}

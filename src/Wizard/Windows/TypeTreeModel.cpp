@@ -1,0 +1,232 @@
+#include "Wizard/Windows/TypeTreeModel.h"
+
+#include "Types/TypeStructure.h"
+#include "Ui/UiText.h"
+#include "Wizard/Windows/KindMark.h"
+
+#include <QFont>
+
+#include <vector>
+
+struct TypeTreeModel::Node
+{
+    enum class Below
+    {
+        nothing,
+        parts,
+        users
+    };
+
+    Node* parent = nullptr;
+    int row = 0;
+    QString name;
+    QString type;
+    QString description;
+    std::uint32_t target = TypeStructure::kNone; // where a jump from here leads
+    std::uint32_t held = TypeStructure::kNone;   // the type that stands here on the way down
+    const QIcon* mark = nullptr;
+    Below below = Below::nothing;
+    bool isFetched = false;
+    std::vector<std::unique_ptr<Node>> children;
+};
+
+namespace {
+
+// "table of array [5] of Line"
+QString typeText(const TypeContent& content)
+{
+    QString text;
+    for (const char c : content.repeats)
+        text += c == '*'   ? QString("table of ")
+                : c == '[' ? QString("array [")
+                : c == ']' ? QString("] of ")
+                           : QString(c);
+    return text + toUi(content.type == TypeStructure::kNone ? std::string_view(content.typeName)
+                                                            : shortName(content.typeName));
+}
+
+// As wide as a mark, so that all types begin in one line.
+const QIcon& noMark()
+{
+    static const QIcon icon = [] {
+        QPixmap nothing(16, 16);
+        nothing.fill(Qt::transparent);
+        return QIcon(nothing);
+    }();
+    return icon;
+}
+
+} // namespace
+
+TypeTreeModel::TypeTreeModel(QObject* parent) : QAbstractItemModel(parent), root(std::make_unique<Node>()) {}
+
+TypeTreeModel::~TypeTreeModel() = default;
+
+void TypeTreeModel::setType(const TypeStructure* newStructure, std::uint32_t type)
+{
+    beginResetModel();
+    structure = newStructure;
+    root = std::make_unique<Node>();
+    root->isFetched = true;
+    if (structure) {
+        root->held = type;
+        addParts(*root);
+        addUsersNode(*root);
+    }
+    endResetModel();
+}
+
+TypeTreeModel::Node& TypeTreeModel::add(Node& parent)
+{
+    auto child = std::make_unique<Node>();
+    child->parent = &parent;
+    child->row = static_cast<int>(parent.children.size());
+    parent.children.push_back(std::move(child));
+    return *parent.children.back();
+}
+
+void TypeTreeModel::addParts(Node& node) const
+{
+    for (const TypePart& part : structure->parts(node.held))
+        addPart(node, part);
+}
+
+void TypeTreeModel::addPart(Node& node, const TypePart& part) const
+{
+    Node& child = add(node);
+    child.name = part.kind == TypePart::component ? tr("(each)") : toUi(part.name);
+    child.description = toUi(part.description);
+    if (part.kind == TypePart::constant) {
+        child.type = tr("constant");
+        return;
+    }
+    const TypeContent content = structure->contentOf(part.typeName);
+    child.type = typeText(content);
+    const std::uint32_t named = structure->find(part.typeName);
+    child.target = content.type == TypeStructure::kNone ? named : content.type;
+    if (named != TypeStructure::kNone)
+        child.mark = &kindMark((*structure)[named].queryType()).icon;
+    openTo(child, content.type);
+    if (child.below != Node::Below::nothing && structure->partCount(content.type) == 0)
+        child.below = Node::Below::nothing;
+}
+
+// The ground under the parts: who uses the type, and who uses those.
+void TypeTreeModel::addUsersNode(Node& node) const
+{
+    Node& users = add(node);
+    users.below = structure->users(node.held).empty() ? Node::Below::nothing : Node::Below::users;
+    users.name = users.below == Node::Below::users ? tr("Used by") : tr("Used by no other type");
+    users.held = node.held;
+}
+
+void TypeTreeModel::addUsers(Node& node) const
+{
+    for (const std::uint32_t user : structure->users(node.held)) {
+        Node& child = add(node);
+        child.name = toUi(shortName(structure->queryFullName(user)));
+        child.type = structure->kindOf(user);
+        child.mark = &kindMark((*structure)[user].queryType()).icon;
+        child.target = user;
+        child.below = Node::Below::users;
+        openTo(child, user);
+        if (structure->users(user).empty())
+            child.below = Node::Below::nothing;
+    }
+}
+
+// Lets a row be opened to what `type` has, unless that stands above already.
+void TypeTreeModel::openTo(Node& node, std::uint32_t type) const
+{
+    if (type == TypeStructure::kNone)
+        return;
+    const bool isUser = node.below == Node::Below::users;
+    for (const Node* above = node.parent; above; above = above->parent)
+        if (above->held == type) {
+            node.below = Node::Below::nothing;
+            node.type += tr(" (again)");
+            return;
+        }
+    node.held = type;
+    node.below = isUser ? Node::Below::users : Node::Below::parts;
+}
+
+const TypeTreeModel::Node& TypeTreeModel::nodeOf(const QModelIndex& index) const
+{
+    return index.isValid() ? *static_cast<const Node*>(index.internalPointer()) : *root;
+}
+
+TypeTreeModel::Node& TypeTreeModel::nodeOf(const QModelIndex& index)
+{
+    return index.isValid() ? *static_cast<Node*>(index.internalPointer()) : *root;
+}
+
+std::uint32_t TypeTreeModel::targetOf(const QModelIndex& index) const
+{
+    return nodeOf(index).target;
+}
+
+QModelIndex TypeTreeModel::index(int row, int column, const QModelIndex& parent) const
+{
+    if (!hasIndex(row, column, parent))
+        return {};
+    return createIndex(row, column, nodeOf(parent).children[static_cast<std::size_t>(row)].get());
+}
+
+QModelIndex TypeTreeModel::parent(const QModelIndex& index) const
+{
+    const Node* above = nodeOf(index).parent;
+    return above == nullptr || above == root.get() ? QModelIndex() : createIndex(above->row, 0, above);
+}
+
+int TypeTreeModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.column() > 0 ? 0 : static_cast<int>(nodeOf(parent).children.size());
+}
+
+int TypeTreeModel::columnCount(const QModelIndex&) const
+{
+    return 2;
+}
+
+bool TypeTreeModel::hasChildren(const QModelIndex& parent) const
+{
+    return parent.column() <= 0 && (nodeOf(parent).below != Node::Below::nothing || !nodeOf(parent).children.empty());
+}
+
+bool TypeTreeModel::canFetchMore(const QModelIndex& parent) const
+{
+    const Node& node = nodeOf(parent);
+    return node.below != Node::Below::nothing && !node.isFetched;
+}
+
+void TypeTreeModel::fetchMore(const QModelIndex& parent)
+{
+    Node& node = nodeOf(parent);
+    const std::size_t count =
+        node.below == Node::Below::users ? structure->users(node.held).size() : structure->partCount(node.held);
+    beginInsertRows(parent, 0, static_cast<int>(count) - 1);
+    node.isFetched = true;
+    node.children.reserve(count);
+    node.below == Node::Below::users ? addUsers(node) : addParts(node);
+    endInsertRows();
+}
+
+QVariant TypeTreeModel::data(const QModelIndex& index, int role) const
+{
+    const Node& node = nodeOf(index);
+    if (role == Qt::DisplayRole)
+        return index.column() == 0 ? node.name : node.type;
+    if (role == Qt::DecorationRole && index.column() == 1 && !node.type.isEmpty())
+        return node.mark ? *node.mark : noMark();
+    if ((role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole) && !node.description.isEmpty())
+        return node.description;
+    return {};
+}
+
+QVariant TypeTreeModel::headerData(int section, Qt::Orientation, int role) const
+{
+    if (role != Qt::DisplayRole)
+        return {};
+    return section == 0 ? tr("Field") : tr("Type");
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Base/Text.h"
+
+#include <QAbstractItemModel>
+
+#include <cstdint>
+#include <memory>
+
+class TypeStructure;
+struct TypePart;
+
+/// The structure of one type as a tree of two columns: its fields, constants or component with what they hold, and
+/// behind them the types that use it. What a type of the import has below it is made when it is opened; a type that
+/// stands above itself on the way says so and can't be opened.
+class TypeTreeModel : public QAbstractItemModel
+{
+public:
+    explicit TypeTreeModel(QObject* parent);
+    ~TypeTreeModel() override;
+
+    /// Shows `type`, a number in `newStructure`, which must live until the next call; null shows nothing.
+    void setType(const TypeStructure* newStructure, std::uint32_t type);
+
+    /// The number of the type that a row leads to, TypeStructure::kNone where it leads to none.
+    std::uint32_t targetOf(const QModelIndex& index) const;
+
+    QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
+    QModelIndex parent(const QModelIndex& index) const override;
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    bool hasChildren(const QModelIndex& parent = {}) const override;
+    bool canFetchMore(const QModelIndex& parent) const override;
+    void fetchMore(const QModelIndex& parent) override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+private:
+    struct Node;
+
+    const Node& nodeOf(const QModelIndex& index) const;
+    Node& nodeOf(const QModelIndex& index);
+    void addParts(Node& node) const;
+    void addUsers(Node& node) const;
+    void addPart(Node& node, const TypePart& part) const;
+    void addUsersNode(Node& node) const;
+    static Node& add(Node& parent);
+    void openTo(Node& node, std::uint32_t type) const;
+
+    const TypeStructure* structure = nullptr;
+    std::unique_ptr<Node> root;
+};

@@ -1,0 +1,24 @@
+#include "Wizard/Windows/XmlHighlighter.h"
+
+#include "Ui/Pictures.h"
+
+#include <QRegularExpression>
+
+XmlHighlighter::XmlHighlighter(QTextDocument* document, const QPalette& palette) : QSyntaxHighlighter(document)
+{
+    const bool dark = isDark(palette);
+    tag.setForeground(dark ? QColor(126, 176, 255) : QColor(20, 72, 160));
+    attribute.setForeground(dark ? QColor(224, 178, 112) : QColor(122, 62, 0));
+    value.setForeground(dark ? QColor(146, 210, 146) : QColor(18, 98, 38));
+}
+
+void XmlHighlighter::highlightBlock(const QString& line)
+{
+    static const QRegularExpression token(R"((</?[^\s/>]+|/?>)|([^\s="]+)(?==)|("[^"]*"))");
+    const QTextCharFormat* const formats[] = {&tag, &attribute, &value};
+    for (auto matches = token.globalMatch(line); matches.hasNext();) {
+        const QRegularExpressionMatch match = matches.next();
+        setFormat(static_cast<int>(match.capturedStart()), static_cast<int>(match.capturedLength()),
+                  *formats[match.lastCapturedIndex() - 1]);
+    }
+}

@@ -1,0 +1,55 @@
+#include "Base/QELApp.h"
+#include "Base/Terminal.h"
+#include "Ui/ProgramStyle.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr char kHelp[] =
+    "Usage: typeforge [FILE]\n"
+    "Turns descriptions of messages into types for a message broker, step by step in a window.\n"
+    "With FILE, a DTD, a schema, an XML message or types written earlier, it starts at that file.\n"
+    "\n"
+    "  --help     show this and end\n"
+    "  --version  show the version and end\n"
+    "\n"
+    "typeforge-import does the same in a script.\n";
+
+// True where the first argument that counts asks for a text and no window, which has then been shown.
+bool answersInText(int argc, char* argv[])
+{
+    for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i) {
+        const bool help = std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0;
+        if (!help && std::strcmp(argv[i], "--version") != 0)
+            continue;
+        std::fputs(help ? kHelp : "typeforge " TYPEFORGE_VERSION "\n", stdout);
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    takeClosedStreams();
+    if (answersInText(argc, argv))
+        return 0;
+    QApplication application(argc, argv);
+    for (const QString& argument : QApplication::arguments().mid(1)) // the toolkit has taken its own out
+        if (argument.startsWith('-')) {
+            std::fprintf(stderr, "typeforge: unknown option %s (typeforge --help shows what there is)\n",
+                         qUtf8Printable(argument));
+            return 2;
+        }
+    QApplication::setApplicationName("Typeforge");
+    QApplication::setApplicationVersion(TYPEFORGE_VERSION);
+    QApplication::setDesktopFileName("org.typeforge.typeforge");
+    QApplication::setStyle(new ProgramStyle);
+    QApplication::setQuitOnLastWindowClosed(false);
+    return theApp.InitInstance();
+}

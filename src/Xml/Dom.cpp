@@ -1,0 +1,197 @@
+#include "Xml/Dom.h"
+
+#include "Xml/DomTree.h"
+
+#include <new>
+
+namespace {
+
+constexpr LONG kNullPointer = static_cast<LONG>(0x80004003);
+constexpr LONG kFailed = static_cast<LONG>(0x80004005);
+
+// Null for an attribute, which has neither children nor a place in the tree.
+DomTreeNode* treeNode(DomNode* node)
+{
+    return node->kind == DomKind::attribute ? nullptr : static_cast<DomTreeNode*>(node);
+}
+
+DomNode* findAttribute(DomNode* first, std::string_view name)
+{
+    while (first && first->name != name)
+        first = first->next;
+    return first;
+}
+
+bool isDocumentElementTwice(const DomTreeNode& parent, const DomTreeNode& child)
+{
+    if (parent.kind != DomKind::document || child.kind != DomKind::element)
+        return false;
+    const DomTreeNode* other = parent.firstChild;
+    while (other && other->kind != DomKind::element)
+        other = other->nextSibling();
+    return other != nullptr;
+}
+
+void append(DomTreeNode& parent, DomTreeNode& child)
+{
+    bool fits = (parent.kind == DomKind::element || parent.kind == DomKind::document) && child.parent &&
+                child.parent->kind == DomKind::unplaced && !isDocumentElementTwice(parent, child);
+    const DomTreeNode* top = &parent;
+    for (; fits && top->parent; top = top->parent)
+        fits = top != &child;
+    if (!fits || static_cast<const DomRoot&>(*top).tree != DomTree::rootOf(child).tree)
+        throw ComError(kFailed, "the node can't stand there");
+    DomTree::link(parent, child);
+}
+
+} // namespace
+
+DomNode& IXMLDOMNode::get() const
+{
+    if (!pointer)
+        throw ComError(kNullPointer, "a null node was used");
+    return *pointer;
+}
+
+std::string_view IXMLDOMNode::nodeName() const
+{
+    return get().name;
+}
+
+std::string_view IXMLDOMNode::baseName() const
+{
+    const DomNode& node = get();
+    if (node.kind != DomKind::element && node.kind != DomKind::attribute)
+        return {};
+    return node.name.substr(node.prefixLength);
+}
+
+std::string_view IXMLDOMNode::nodeValue() const
+{
+    return get().value;
+}
+
+IXMLDOMNamedNodeMap IXMLDOMNode::attributes() const
+{
+    DomTreeNode* const node = treeNode(&get());
+    return IXMLDOMNamedNodeMap(node ? node->firstAttribute : nullptr);
+}
+
+IXMLDOMNodeList IXMLDOMNode::childNodes() const
+{
+    DomTreeNode* const node = treeNode(&get());
+    return IXMLDOMNodeList(node ? node->firstChild : nullptr);
+}
+
+IXMLDOMNode IXMLDOMNode::firstChild() const
+{
+    DomTreeNode* const node = treeNode(&get());
+    return IXMLDOMNode(node ? node->firstChild : nullptr);
+}
+
+IXMLDOMNode IXMLDOMNode::nextSibling() const
+{
+    DomTreeNode* const node = treeNode(&get());
+    return IXMLDOMNode(node ? node->next : nullptr);
+}
+
+IXMLDOMNode IXMLDOMNode::appendChild(IXMLDOMNode child) const
+{
+    DomTreeNode* const parent = treeNode(&get());
+    DomTreeNode* const node = treeNode(&child.get());
+    if (!parent || !node)
+        throw ComError(kFailed, "an attribute is no child and has none");
+    append(*parent, *node);
+    return child;
+}
+
+CString IXMLDOMNode::xml() const
+{
+    CString out;
+    writeDom(get(), out);
+    return out;
+}
+
+IXMLDOMElement::IXMLDOMElement(IXMLDOMNode node) : IXMLDOMNode(node)
+{
+    if (node && get().kind != DomKind::element)
+        *this = {};
+}
+
+void IXMLDOMElement::setAttribute(std::string_view name, std::string_view value) const
+{
+    auto& element = static_cast<DomTreeNode&>(get());
+    DomTree& tree = *DomTree::rootOf(element).tree;
+    const std::string_view kept = tree.queryArena().keep(isXmlText(value) ? value : std::string_view(toXmlText(value)));
+    DomNode** place = &element.firstAttribute;
+    while (*place && (*place)->name != name)
+        place = &(*place)->next;
+    if (*place)
+        (*place)->value = kept;
+    else
+        *place = tree.createAttribute(tree.keepName(name), kept);
+}
+
+IXMLDOMNode IXMLDOMNamedNodeMap::getNamedItem(std::string_view name) const
+{
+    return IXMLDOMNode(findAttribute(first, name));
+}
+
+IXMLDOMNode IXMLDOMNodeList::nextNode()
+{
+    DomNode* const node = next;
+    if (node)
+        next = node->next;
+    return IXMLDOMNode(node);
+}
+
+IXMLDOMDocument IXMLDOMDocument::create()
+{
+    try {
+        return IXMLDOMDocument(std::make_shared<DomTree>());
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+DomTree& IXMLDOMDocument::get() const
+{
+    if (!tree)
+        throw ComError(kNullPointer, "a null document was used");
+    return *tree;
+}
+
+bool IXMLDOMDocument::load(const CString& fileName) const
+{
+    get().clear();
+    return buildDom(get(), fileName);
+}
+
+const IXMLDOMParseError& IXMLDOMDocument::parseError() const
+{
+    return get().parseError;
+}
+
+IXMLDOMElement IXMLDOMDocument::documentElement() const
+{
+    DomTreeNode* node = get().queryDocument().firstChild;
+    while (node && node->kind != DomKind::element)
+        node = node->nextSibling();
+    return IXMLDOMElement(IXMLDOMNode(node));
+}
+
+IXMLDOMElement IXMLDOMDocument::createElement(std::string_view name) const
+{
+    DomTree& owner = get();
+    return IXMLDOMElement(IXMLDOMNode(owner.create(DomKind::element, owner.keepName(name), {})));
+}
+
+IXMLDOMNode IXMLDOMDocument::appendChild(IXMLDOMNode child) const
+{
+    return IXMLDOMNode(&get().queryDocument()).appendChild(child);
+}
+
+CString IXMLDOMDocument::xml() const
+{
+    return IXMLDOMNode(&get().queryDocument()).xml();
+}

@@ -1,0 +1,64 @@
+#include "Xml/DomTree.h"
+
+#include <new>
+
+DomTree::DomTree()
+{
+    document.kind = DomKind::document;
+    document.name = "#document";
+    unplaced.kind = DomKind::unplaced;
+    document.tree = unplaced.tree = this;
+}
+
+void DomTree::clear()
+{
+    arena.release();
+    document.firstChild = document.lastChild = nullptr;
+    parseError = {};
+}
+
+DomTreeNode* DomTree::create(DomKind kind, DomName name, std::string_view value)
+{
+    auto* const node = new (arena.allocate(sizeof(DomTreeNode), alignof(DomTreeNode))) DomTreeNode;
+    node->name = name.text;
+    node->prefixLength = name.prefixLength;
+    node->value = value;
+    node->kind = kind;
+    node->parent = &unplaced;
+    return node;
+}
+
+DomNode* DomTree::createAttribute(DomName name, std::string_view value)
+{
+    auto* const node = new (arena.allocate(sizeof(DomNode), alignof(DomNode))) DomNode;
+    node->name = name.text;
+    node->prefixLength = name.prefixLength;
+    node->value = value;
+    node->kind = DomKind::attribute;
+    return node;
+}
+
+DomName DomTree::keepName(std::string_view qualified)
+{
+    const std::size_t colon = qualified.find(':');
+    const std::size_t prefixLength = colon == std::string_view::npos ? 0 : colon + 1;
+    return {arena.keep(qualified), static_cast<std::uint32_t>(prefixLength)};
+}
+
+void DomTree::link(DomTreeNode& parent, DomTreeNode& child)
+{
+    child.parent = &parent;
+    if (parent.lastChild)
+        parent.lastChild->next = &child;
+    else
+        parent.firstChild = &child;
+    parent.lastChild = &child;
+}
+
+DomRoot& DomTree::rootOf(DomTreeNode& node)
+{
+    DomTreeNode* top = &node;
+    while (top->parent)
+        top = top->parent;
+    return static_cast<DomRoot&>(*top);
+}

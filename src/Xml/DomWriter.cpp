@@ -1,0 +1,90 @@
+#include "Xml/DomTree.h"
+#include "Xml/XmlEscape.h"
+
+namespace {
+
+void writeStart(const DomTreeNode& element, CString& out)
+{
+    out += '<';
+    out += element.name;
+    for (const DomNode* attribute = element.firstAttribute; attribute; attribute = attribute->next) {
+        out += ' ';
+        writeDom(*attribute, out);
+    }
+    out += element.firstChild ? ">" : "/>";
+}
+
+void writeEnd(const DomTreeNode& element, CString& out)
+{
+    out += "</";
+    out += element.name;
+    out += '>';
+}
+
+void writeInstruction(const DomNode& node, CString& out)
+{
+    out += "<?";
+    out += node.name;
+    if (!node.value.empty())
+        out += ' ';
+    out += node.value;
+    out += "?>";
+}
+
+// What stands where the node begins; the end tag of an element with content is left to the caller.
+void writeNode(const DomNode& node, CString& out)
+{
+    switch (node.kind) {
+    case DomKind::element:
+        return writeStart(static_cast<const DomTreeNode&>(node), out);
+    case DomKind::attribute:
+        out += node.name;
+        out += "=\"";
+        appendXmlValue(out, node.value);
+        out += '"';
+        return;
+    case DomKind::text:
+        return appendXmlContent(out, node.value);
+    case DomKind::cdata:
+        out.append("<![CDATA[").append(node.value).append("]]>");
+        return;
+    case DomKind::comment:
+        out.append("<!--").append(node.value).append("-->");
+        return;
+    case DomKind::instruction:
+        return writeInstruction(node, out);
+    case DomKind::document:
+    case DomKind::unplaced:
+        return;
+    }
+}
+
+void writeTree(const DomTreeNode& top, CString& out)
+{
+    const DomTreeNode* node = &top;
+    for (;;) {
+        writeNode(*node, out);
+        if (node->firstChild) {
+            node = node->firstChild;
+            continue;
+        }
+        while (node != &top && !node->next) {
+            node = node->parent;
+            if (node->kind == DomKind::element)
+                writeEnd(*node, out);
+        }
+        if (node == &top)
+            return;
+        node = node->nextSibling();
+    }
+}
+
+} // namespace
+
+void writeDom(const DomNode& node, CString& out)
+{
+    if (node.kind == DomKind::attribute)
+        writeNode(node, out);
+    else
+        writeTree(static_cast<const DomTreeNode&>(node), out);
+}

@@ -1,0 +1,541 @@
+#include "Xml/XmlParser.h"
+
+#include "Base/Progress.h"
+#include "Files/Descriptor.h"
+#include "Files/File.h"
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t kMaxDepth = 200'000;
+constexpr int kMaxAttributes = 10'000;
+constexpr int kMaxNamespaces = 4'096; // in scope at once
+constexpr int kMaxNames = 100'000;    // different ones; libxml2 looks them up in a table that doesn't grow with them
+constexpr std::size_t kFreeComparisons = 100'000'000; // of libxml2's, in lists that it walks for each of their members
+constexpr std::size_t kMaxComparisons = 64;           // for each byte that has been read
+constexpr std::size_t kFreeExpansion = 1'000'000;
+constexpr std::size_t kMaxExpansionRatio = 10;
+constexpr int kPointersPerAttribute = 5; // in the rows of xmlSAX2 start tags
+
+const char* text(const xmlChar* characters)
+{
+    return reinterpret_cast<const char*>(characters);
+}
+
+std::string_view view(const xmlChar* characters)
+{
+    return characters ? text(characters) : std::string_view();
+}
+
+// Stands in for every external entity, whether on disk or on the network: nothing is opened, and it is empty. Were it
+// missing instead, libxml2 would forget that an entity which the document uses may be declared in there. There is one
+// loader for the whole process.
+xmlParserInputPtr emptyExternalEntity(const char*, const char*, xmlParserCtxtPtr context)
+{
+    return xmlNewStringInputStream(context, BAD_CAST "");
+}
+
+void setUpLibrary()
+{
+    static const bool once = [] {
+        xmlInitParser();
+        xmlSetExternalEntityLoader(emptyExternalEntity);
+        return true;
+    }();
+    static_cast<void>(once);
+}
+
+// The bytes of a document: those of a file, read in pieces that are larger than the ones libxml2 asks for, or a text.
+class Source
+{
+public:
+    explicit Source(const CString& fileName) : descriptor(openForReading(fileName)), buffer(new char[kSize])
+    {
+        struct stat state = {};
+        if (descriptor.isOpen() && ::fstat(descriptor.get(), &state) == 0)
+            size = static_cast<std::size_t>(state.st_size);
+        if (!descriptor.isOpen())
+            error = errno;
+        else
+            fill(); // so that a file that can't be read is known before anything is parsed
+    }
+
+    explicit Source(std::string_view document) : bytes(document.data()), filled(document.size()), count(document.size())
+    {}
+
+    // Like read(2), which is only called when nothing is left of the last piece.
+    int read(char* out, int room)
+    {
+        if (at == filled && !fill())
+            return error ? -1 : 0;
+        const std::size_t piece = std::min(static_cast<std::size_t>(room), filled - at);
+        std::memcpy(out, bytes + at, piece);
+        at += piece;
+        return static_cast<int>(piece);
+    }
+
+    // The errno value of what went wrong, or 0.
+    int queryError() const { return error; }
+
+    // How many bytes have been read, and how many there are, as far as the system knows: 0 for a pipe.
+    std::size_t queryCount() const { return count; }
+    std::size_t querySize() const { return size; }
+
+private:
+    static constexpr std::size_t kSize = 1 << 16;
+
+    bool fill()
+    {
+        if (!buffer)
+            return false;
+        ssize_t got;
+        do {
+            got = ::read(descriptor.get(), buffer.get(), kSize);
+        } while (got < 0 && errno == EINTR);
+        if (got < 0)
+            error = errno;
+        bytes = buffer.get();
+        at = 0;
+        filled = got > 0 ? static_cast<std::size_t>(got) : 0;
+        count += filled;
+        return got > 0;
+    }
+
+    Descriptor descriptor;
+    int error = 0;
+    std::unique_ptr<char[]> buffer; // null for a text
+    const char* bytes = nullptr;
+    std::size_t at = 0;
+    std::size_t filled = 0;
+    std::size_t count = 0;
+    std::size_t size = 0;
+};
+
+// Errors of the decoder, and those before there is a parser, know no context: the handler is libxml2's own one for this
+// thread, put back afterwards.
+class ErrorsTo
+{
+public:
+    ErrorsTo(void* data, xmlStructuredErrorFunc handler) :
+        before(xmlStructuredError), beforeData(xmlStructuredErrorContext)
+    {
+        xmlSetStructuredErrorFunc(data, handler);
+    }
+    ~ErrorsTo() { xmlSetStructuredErrorFunc(beforeData, before); }
+    ErrorsTo(const ErrorsTo&) = delete;
+    ErrorsTo& operator=(const ErrorsTo&) = delete;
+
+private:
+    xmlStructuredErrorFunc before;
+    void* beforeData;
+};
+
+// One run of the parser. libxml2's callbacks get the context that is parsing (an entity's content has one of its own)
+// and find the run in its _private.
+class Parse
+{
+public:
+    Parse(Source& document, XmlHandler& receiver) :
+        source(document), handler(receiver), wantsScopes(receiver.wantsScopes())
+    {}
+
+    std::optional<IXMLDOMParseError> run();
+
+private:
+    struct FreeContext
+    {
+        void operator()(xmlParserCtxtPtr context) const
+        {
+            xmlFreeDoc(context->myDoc);
+            xmlFreeParserCtxt(context);
+        }
+    };
+
+    static Parse& of(void* context) { return *static_cast<Parse*>(static_cast<xmlParserCtxtPtr>(context)->_private); }
+    static xmlSAXHandler callbacks(bool withText);
+
+    static int onRead(void* run, char* out, int room);
+    static void onError(void* run, xmlErrorPtr error);
+    static void onEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicId,
+                                    const xmlChar* systemId, xmlChar* content);
+    static xmlEntityPtr onEntity(void* context, const xmlChar* name);
+    static xmlEntityPtr onParameterEntity(void* context, const xmlChar* name);
+    static void onStartElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
+                               int namespaces, const xmlChar** declarations, int attributes, int defaulted,
+                               const xmlChar** rows);
+    static void onEndElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri);
+    static void onText(void* context, const xmlChar* characters, int length);
+    static void onCdata(void* context, const xmlChar* characters, int length);
+    static void onComment(void* context, const xmlChar* characters);
+    static void onInstruction(void* context, const xmlChar* target, const xmlChar* data);
+
+    template <class Call>
+    void guarded(void* context, Call call);
+    xmlEntityPtr counted(void* context, xmlEntityPtr entity);
+    void expand(std::size_t bytes);
+    void compare(std::size_t members);
+    void noteEnumerations(std::string_view piece);
+    bool mayHoldLongNames(const xmlParserCtxt& context);
+    void checkName(const xmlChar* local, const xmlChar* prefix);
+    void checkBounds(int attributes);
+    bool tell();
+    bool hasRest() const;
+    int line() const { return parser->inputTab[0]->line; } // in the document, not in the text of an entity
+    void fail(const char* reason);
+    static void stop(void* context);
+
+    Source& source;
+    XmlHandler& handler;
+    const bool wantsScopes;
+    std::unique_ptr<xmlParserCtxt, FreeContext> parser;
+    std::optional<IXMLDOMParseError> first;
+    std::exception_ptr thrown; // by the handler
+    bool outOfMemory = false;  // the library was
+    std::size_t depth = 0;
+    std::size_t expanded = 0;
+    std::size_t comparisons = 0;
+    std::size_t lastTagEnd = 0;
+    std::size_t bars = 0; // '|' since the last '>', before the first element
+    bool inProlog = true;
+    unsigned pieces = 0;
+};
+
+xmlSAXHandler Parse::callbacks(bool withText)
+{
+    xmlSAXHandler sax = {};
+    sax.initialized = XML_SAX2_MAGIC;
+    sax.startDocument = xmlSAX2StartDocument;
+    sax.internalSubset = xmlSAX2InternalSubset;
+    sax.unparsedEntityDecl = xmlSAX2UnparsedEntityDecl;
+    sax.entityDecl = onEntityDeclaration;
+    sax.getEntity = onEntity;
+    sax.getParameterEntity = onParameterEntity;
+    sax.startElementNs = onStartElement;
+    sax.endElementNs = onEndElement;
+    sax.comment = onComment;
+    sax.processingInstruction = onInstruction;
+    if (withText) {
+        sax.characters = onText;
+        sax.cdataBlock = onCdata;
+    }
+    sax.ignorableWhitespace = sax.characters; // equal, or libxml2 guesses which blanks matter
+    return sax;
+}
+
+std::optional<IXMLDOMParseError> Parse::run()
+{
+    const ErrorsTo here(this, onError);
+    xmlSAXHandler sax = callbacks(handler.wantsText());
+    parser.reset(xmlCreateIOParserCtxt(&sax, nullptr, onRead, nullptr, this, XML_CHAR_ENCODING_NONE));
+    if (!parser)
+        throw std::bad_alloc();
+    parser->_private = this;
+    // Without limits on the length of texts, values and names, until the document declares an entity.
+    xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_HUGE);
+    // Without XML_PARSE_NOENT, which would ask the loader for external entities.
+    parser->replaceEntities = 1;
+
+    xmlParseDocument(parser.get());
+    if (thrown)
+        std::rethrow_exception(thrown);
+    if (outOfMemory)
+        throw std::bad_alloc();
+    if (!first && hasRest())
+        fail("Extra content at the end of the document");
+    if (!first && !parser->wellFormed)
+        fail("The document is not well-formed");
+    return first;
+}
+
+// True when the parser stopped before the end of the file: at a NUL byte, or at bytes that are not in the document's
+// encoding. libxml2 takes both for the end.
+bool Parse::hasRest() const
+{
+    const xmlParserInput& input = *parser->input;
+    return input.cur < input.end || (input.buf && input.buf->raw && xmlBufUse(input.buf->raw) > 0);
+}
+
+// Runs on every few thousand bytes, also in the middle of a start tag: libxml2 compares each attribute and namespace
+// with all the others of its tag, so a flood must be stopped before its end. The room for attributes doubles as they
+// come. After an error the rest isn't read.
+int Parse::onRead(void* run, char* out, int room)
+{
+    Parse& self = *static_cast<Parse*>(run);
+    if (self.parser)
+        self.checkBounds(self.parser->maxatts / kPointersPerAttribute / 2);
+    if (self.first)
+        return 0;
+    const int size = self.source.read(out, room);
+    if (!self.tell())
+        return 0;
+    if (self.inProlog && size > 0)
+        self.noteEnumerations({out, static_cast<std::size_t>(size)});
+    return size;
+}
+
+// False when nobody wants the rest.
+bool Parse::tell()
+{
+    constexpr unsigned piecesATick = 16;
+    if (pieces++ % piecesATick != 0 || tellProgress({Work::reading, source.queryCount(), source.querySize()}))
+        return true;
+    thrown = std::make_exception_ptr(Cancelled());
+    fail("The parse was cancelled");
+    return false;
+}
+
+// libxml2 compares each value of an enumeration with all that stand before it, and says nothing until it has them all.
+// So they are counted as they are read, by what separates them.
+void Parse::noteEnumerations(std::string_view piece)
+{
+    for (const char c : piece) {
+        if (c == '>')
+            bars = 0;
+        else if (c == '|')
+            comparisons += ++bars;
+    }
+    compare(0);
+}
+
+void Parse::onError(void* run, xmlErrorPtr error)
+{
+    Parse& self = *static_cast<Parse*>(run);
+    self.outOfMemory |= error->code == XML_ERR_NO_MEMORY;
+    if (!self.outOfMemory && error->level == XML_ERR_FATAL)
+        self.fail(error->message ? error->message : "");
+}
+
+// The first failure is the one that counts.
+void Parse::fail(const char* reason)
+{
+    if (first)
+        return;
+    const std::string_view trimmedReason = trimmed(reason);
+    first = IXMLDOMParseError{CString(trimmedReason)};
+    if (parser && parser->inputNr > 0) {
+        first->line = line();
+        first->linepos = parser->inputTab[0]->col;
+    }
+}
+
+void Parse::stop(void* context)
+{
+    const auto current = static_cast<xmlParserCtxtPtr>(context);
+    current->wellFormed = 0;
+    xmlStopParser(current);
+}
+
+// libxml2's limits on lengths and depth guard against entities. A document that has none may hold a text of any length.
+void Parse::onEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicId,
+                                const xmlChar* systemId, xmlChar* content)
+{
+    static_cast<xmlParserCtxtPtr>(context)->options &= ~XML_PARSE_HUGE;
+    xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
+}
+
+xmlEntityPtr Parse::onEntity(void* context, const xmlChar* name)
+{
+    Parse& self = of(context);
+    const xmlEntityPtr entity = xmlSAX2GetEntity(context, name);
+    if (!entity || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY)
+        self.guarded(context, [&] { self.handler.entityLeftOut(view(name), self.line()); });
+    return self.counted(context, entity);
+}
+
+xmlEntityPtr Parse::onParameterEntity(void* context, const xmlChar* name)
+{
+    Parse& self = of(context);
+    xmlEntityPtr entity = xmlSAX2GetParameterEntity(context, name);
+    if (entity && entity->content) {
+        const std::string_view content = view(entity->content);
+        self.compare(static_cast<std::size_t>(std::count(content.begin(), content.end(), '|')));
+    }
+    return self.counted(context, entity);
+}
+
+// Each reference is asked for here, the ones inside other entities too, so this is the whole of what gets expanded.
+xmlEntityPtr Parse::counted(void* context, xmlEntityPtr entity)
+{
+    if (!entity || entity->etype == XML_INTERNAL_PREDEFINED_ENTITY)
+        return entity;
+    constexpr std::size_t perReference = 16;
+    expand(perReference + static_cast<std::size_t>(entity->length));
+    if (!first)
+        return entity;
+    stop(context);
+    return nullptr;
+}
+
+// The end of the parse comes when the document has grown far beyond what was read of it.
+void Parse::expand(std::size_t bytes)
+{
+    expanded += bytes;
+    if (expanded > kFreeExpansion && expanded / kMaxExpansionRatio > source.queryCount())
+        fail("The entities and default attributes of the document expand to far more than its size");
+}
+
+// Notes that a list was made in which each member was compared with all before it.
+void Parse::compare(std::size_t members)
+{
+    comparisons += members * members / 2;
+    if (comparisons > kFreeComparisons && comparisons / kMaxComparisons > source.queryCount())
+        fail("The document has too many lists with too many members");
+}
+
+// False for a start tag that is no longer than a name may be. To measure each name would cost more than to walk it.
+bool Parse::mayHoldLongNames(const xmlParserCtxt& context)
+{
+    if (&context != parser.get()) // the text of an entity
+        return true;
+    const xmlParserInput& input = *context.input;
+    const std::size_t end = input.consumed + static_cast<std::size_t>(input.cur - input.base);
+    const std::size_t length = end - lastTagEnd;
+    lastTagEnd = end;
+    return length > kMaxXmlName;
+}
+
+void Parse::checkName(const xmlChar* local, const xmlChar* prefix)
+{
+    const std::size_t size = prefix ? ::strnlen(text(prefix), kMaxXmlName) + 1 : 0;
+    if (size + ::strnlen(text(local), kMaxXmlName + 1) > kMaxXmlName)
+        fail("A name has more than 4,096 bytes");
+}
+
+void Parse::checkBounds(int attributes)
+{
+    if (attributes > kMaxAttributes)
+        fail("An element has too many attributes");
+    else if (parser->nsNr > 2 * kMaxNamespaces)
+        fail("Too many namespaces are declared");
+    else if (xmlDictSize(parser->dict) > kMaxNames)
+        fail("The document has too many different names");
+    else if (depth >= kMaxDepth)
+        fail("The elements are nested too deeply");
+}
+
+// An exception must not pass through libxml2: it is kept, and thrown again when the parser has returned.
+template <class Call>
+void Parse::guarded(void* context, Call call)
+{
+    if (first)
+        return stop(context);
+    try {
+        call();
+    } catch (const XmlRefusal& refusal) {
+        fail(refusal.reason);
+        stop(context);
+    } catch (...) {
+        thrown = std::current_exception();
+        fail("The handler failed");
+        stop(context);
+    }
+}
+
+void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
+                           int namespaces, const xmlChar** declarations, int attributes, int defaulted,
+                           const xmlChar** rows)
+{
+    Parse& self = of(context);
+    if (defaulted != 0) {
+        std::size_t bytes = 0;
+        for (int i = attributes - defaulted; i < attributes; ++i)
+            bytes +=
+                static_cast<std::size_t>(rows[i * kPointersPerAttribute + 4] - rows[i * kPointersPerAttribute + 3]) + 1;
+        self.expand(bytes);
+    }
+    self.inProlog = false;
+    self.checkBounds(attributes);
+    self.compare(static_cast<std::size_t>(attributes));
+    if (self.mayHoldLongNames(*static_cast<xmlParserCtxtPtr>(context)) || defaulted != 0) {
+        self.checkName(local, prefix);
+        for (int i = 0; i < attributes; ++i)
+            self.checkName(rows[i * kPointersPerAttribute], rows[i * kPointersPerAttribute + 1]);
+    }
+    ++self.depth;
+    self.guarded(context, [&] {
+        if (self.wantsScopes)
+            self.handler.scope({text(uri), declarations, static_cast<std::size_t>(namespaces), self.line()});
+        self.handler.startElement({text(local), text(prefix)}, XmlAttributes(rows, attributes));
+    });
+}
+
+void Parse::onEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*)
+{
+    Parse& self = of(context);
+    --self.depth;
+    self.guarded(context, [&] { self.handler.endElement(); });
+}
+
+void Parse::onText(void* context, const xmlChar* characters, int length)
+{
+    Parse& self = of(context);
+    self.guarded(context, [&] { self.handler.text({text(characters), static_cast<std::size_t>(length)}); });
+}
+
+void Parse::onCdata(void* context, const xmlChar* characters, int length)
+{
+    Parse& self = of(context);
+    self.guarded(context, [&] { self.handler.cdata({text(characters), static_cast<std::size_t>(length)}); });
+}
+
+// Those of the internal subset are none of the document's nodes.
+void Parse::onComment(void* context, const xmlChar* characters)
+{
+    Parse& self = of(context);
+    if (static_cast<xmlParserCtxtPtr>(context)->inSubset == 0)
+        self.guarded(context, [&] { self.handler.comment(view(characters)); });
+}
+
+void Parse::onInstruction(void* context, const xmlChar* target, const xmlChar* data)
+{
+    Parse& self = of(context);
+    self.checkName(target, nullptr);
+    if (static_cast<xmlParserCtxtPtr>(context)->inSubset == 0)
+        self.guarded(context, [&] { self.handler.instruction(view(target), view(data)); });
+}
+
+IXMLDOMParseError systemFailure(int error)
+{
+    return {std::generic_category().message(error), 0, 0, error};
+}
+
+} // namespace
+
+XmlAttribute XmlAttributes::operator[](std::size_t index) const
+{
+    const xmlChar** row = rows + index * kPointersPerAttribute;
+    return {{text(row[0]), text(row[1])}, {text(row[3]), static_cast<std::size_t>(row[4] - row[3])}};
+}
+
+std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler)
+{
+    try {
+        setUpLibrary();
+        Source file(fileName);
+        std::optional<IXMLDOMParseError> error;
+        if (!file.queryError())
+            error = Parse(file, handler).run();
+        return file.queryError() ? systemFailure(file.queryError()) : error;
+    } catch (const std::bad_alloc&) {
+        return systemFailure(ENOMEM);
+    }
+}
+
+std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler)
+{
+    setUpLibrary();
+    Source source(document);
+    return Parse(source, handler).run();
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "Base/Text.h"
+
+#include <cstring>
+#include <memory>
+
+/// XML as it is written: a text that grows, with room that is kept from one document to the next. The pieces that never
+/// change are literals, so that they are copied without a call.
+class XmlText
+{
+public:
+    void clear() { size = 0; }
+    std::string_view view() const { return {buffer.get(), size}; }
+
+    /// A text that is XML already.
+    void append(std::string_view text) { put(room(text.size()), text); }
+
+    template <std::size_t N>
+    void append(const char (&literal)[N])
+    {
+        std::memcpy(room(N - 1), literal, N - 1);
+        size += N - 1;
+    }
+
+    /// The value of an attribute and the quote behind it; `open` is what stands before it, as in ` NAME="`. The value
+    /// is made fit for XML (toXmlText), and what can't stand in it is written as a reference.
+    template <std::size_t N>
+    void attribute(const char (&open)[N], std::string_view value)
+    {
+        char* at = room(N + value.size());
+        std::memcpy(at, open, N - 1);
+        size += N - 1;
+        if (isPlainXmlText(value))
+            put(at + N - 1, value);
+        else
+            appendValue(value);
+        append("\"");
+    }
+
+    /// The same for a value in two parts.
+    template <std::size_t N>
+    void attribute(const char (&open)[N], std::string_view value, std::string_view rest)
+    {
+        attribute(open, value);
+        --size; // its closing quote
+        attribute("", rest);
+    }
+
+private:
+    char* room(std::size_t more)
+    {
+        if (capacity - size < more)
+            grow(more);
+        return buffer.get() + size;
+    }
+
+    void put(char* at, std::string_view text)
+    {
+        std::memcpy(at, text.data(), text.size());
+        size += text.size();
+    }
+
+    void grow(std::size_t more);
+    void appendValue(std::string_view value);
+
+    std::unique_ptr<char[]> buffer; // what is not used of it was never touched, so it takes no memory
+    std::size_t capacity = 0;
+    std::size_t size = 0;
+};
