@@ -1,6 +1,7 @@
 #include "Base/Secret.h"
 #include "Base/ServerAddress.h"
 #include "Repositories.h"
+#include "TestFolders.h"
 #include "support/Boxes.h"
 
 #include <cstring>

@@ -1,5 +1,7 @@
 #include "support/ImportCommand.h"
 
+#include "TestFolders.h"
+
 #include <gmock/gmock.h>
 
 #include <filesystem>

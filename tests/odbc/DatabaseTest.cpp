@@ -1,6 +1,7 @@
 #include "Database/DataSources.h"
 #include "Database/Statement.h"
 #include "Database/Tables.h"
+#include "TestFolders.h"
 #include "odbc/Import.h"
 #include "support/ImportCommand.h"
 #include "support/Servers.h"

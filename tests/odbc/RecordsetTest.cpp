@@ -1,5 +1,6 @@
 #include "Database/Columns.h"
 #include "Database/Tables.h"
+#include "TestFolders.h"
 #include "odbc/Import.h"
 #include "support/Boxes.h"
 #include "support/TempDir.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TestFolders.h"
 #include "support/TempDir.h"
 
 #include <ostream>

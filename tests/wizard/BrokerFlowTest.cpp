@@ -1,5 +1,6 @@
 #include "Broker/IVorn.h"
 #include "Files/SettingsStore.h"
+#include "TestFolders.h"
 #include "Wizard/Pages/Overwrite.h"
 #include "wizard/Desk.h"
 

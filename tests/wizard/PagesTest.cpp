@@ -1,5 +1,6 @@
 #include "Base/QELApp.h"
 #include "Files/AtomicFile.h"
+#include "TestFolders.h"
 #include "Ui/ListFilter.h"
 #include "Ui/ModalBox.h"
 #include "Ui/WaitCursor.h"
