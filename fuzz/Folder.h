@@ -2,6 +2,7 @@
 
 #include "Base/Text.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>

@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <csignal>
 #include <dlfcn.h>
+#include <exception>
 #include <mutex>
 #include <thread>
 #include <utility>

@@ -6,6 +6,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include <chrono>
 #include <thread>
 #include <utility>
 

@@ -4,6 +4,7 @@
 #include "TestFolders.h"
 #include "support/Boxes.h"
 
+#include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
 #include <fstream>

@@ -5,6 +5,7 @@
 #include "support/Importing.h"
 
 #include <set>
+#include <tuple>
 
 namespace {
 

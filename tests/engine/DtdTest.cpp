@@ -1,6 +1,8 @@
 #include "Import/Dtd/DTDMsg.h"
 #include "support/Importing.h"
 
+#include <algorithm>
+
 namespace {
 
 const Case kDtds[] = {

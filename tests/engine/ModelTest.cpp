@@ -2,6 +2,7 @@
 #include "Model/BrokerType.h"
 #include "support/Importing.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace {

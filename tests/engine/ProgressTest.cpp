@@ -4,6 +4,7 @@
 #include "Import/Full/FullMessage.h"
 #include "support/Importing.h"
 
+#include <iterator>
 #include <memory>
 
 namespace {

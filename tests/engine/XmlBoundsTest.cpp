@@ -3,6 +3,7 @@
 #include "Xml/XmlParser.h"
 #include "support/Importing.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <poll.h>
 #include <sys/inotify.h>

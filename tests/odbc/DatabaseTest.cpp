@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cctype>
 #include <filesystem>
 #include <list>
 #include <unistd.h>

@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <tuple>
+
 // Catalogues written by hand, which a driver of the tests' own hands out.
 class Recordset : public testing::Test
 {

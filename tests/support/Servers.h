@@ -4,6 +4,7 @@
 #include "Database/Odbc.h"
 #include "support/TempDir.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <atomic>
 #include <chrono>

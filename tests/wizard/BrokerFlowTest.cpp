@@ -11,6 +11,8 @@
 #include <QTimer>
 #include <gmock/gmock.h>
 
+#include <tuple>
+
 namespace {
 
 constexpr char kBlank[] = "This field cannot be left blank - please enter a value.";

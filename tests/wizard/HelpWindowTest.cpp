@@ -6,6 +6,8 @@
 #include <QTextBrowser>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 class Help : public testing::Test

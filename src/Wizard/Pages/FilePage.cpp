@@ -14,6 +14,8 @@
 #include <QMimeData>
 #include <QPushButton>
 
+#include <algorithm>
+
 void FilePage::OnInitDialog()
 {
     QELPage::OnInitDialog();

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+#include <cstdint>
+
 class DiagramScene;
 class DiagramView;
 class QHBoxLayout;

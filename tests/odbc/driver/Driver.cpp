@@ -6,11 +6,14 @@
 #include <sqlext.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <map>
 #include <regex>
+#include <sstream>
+#include <string>
 
 namespace {
 

@@ -2,6 +2,8 @@
 
 #include "Import/Schema/SchemaBuiltIns.h"
 
+#include <algorithm>
+
 namespace {
 
 struct Tag
