@@ -14,99 +14,99 @@ bool isGenerated(std::string_view description, std::string_view name)
            description.ends_with(suffix);
 }
 
-std::pmr::memory_resource* orOwn(std::pmr::memory_resource* memory)
+// The path of an element that stands alone, in a pool of its own.
+Name& pathInOwnPool(std::string_view path)
 {
-    return memory ? memory : new std::pmr::monotonic_buffer_resource;
+    return (new NamePool)->intern(path.ends_with('\\') ? path : CString(path) + '\\');
 }
 
 } // namespace
 
-Element::Element(SharedText path, std::string_view name, ElementTypes type, std::pmr::memory_resource* memory) :
-    type(type), ownsMemory(!memory), name(name), path(std::move(path)), memory(orOwn(memory))
-{}
-
 Element::Element(const CString& path, const CString& name, const CString& description, ElementTypes type,
                  Element* parent) :
-    Element(std::make_shared<const CString>(path.ends_with('\\') ? path : path + '\\'), name, type, nullptr)
+    type(type),
+    ownsNames(true), path(&pathInOwnPool(path))
 {
+    this->name = &names().intern(name);
     setDescription(description);
     addParent(parent);
 }
 
-Element::Element(const Element& other, std::pmr::memory_resource* memory) :
-    Element(other.path, other.name, other.type, memory)
+Element::Element(const Element& other, Name& path, Name& name) :
+    type(other.type), isAttribute(other.isAttribute), placed(other.placed), isDescribedByName(other.isDescribedByName),
+    name(&name), path(&path)
 {
-    isAttribute = other.isAttribute;
-    placed = other.placed;
-    isDescribedByName = other.isDescribedByName;
-    isKnown = other.isKnown;
-    hasBaseName = other.hasBaseName;
-    if (other.more)
-        rare() = {other.more->baseName, other.more->description, other.more->knownType, {}};
+    setKnownType(other.queryKnownType());
+    if (!other.more)
+        return;
+    rare();
+    if (other.more->baseName)
+        more->baseName = &names().intern(other.more->baseName->text);
+    if (other.more->description)
+        more->description = &names().intern(other.more->description->text);
 }
 
-Element::Element(const Element& other) : Element(other, nullptr) {}
+Element::Element(const Element& other) : Element(other, pathInOwnPool(other.queryPath()), *other.name)
+{
+    ownsNames = true;
+    name = &names().intern(name->text);
+}
 
 Element::~Element()
 {
-    if (more)
-        std::destroy_at(more);
-    if (ownsMemory)
-        delete memory;
+    if (ownsNames)
+        delete &names();
 }
 
 Element::Rare& Element::rare() const
 {
     if (!more)
-        more = std::pmr::polymorphic_allocator<>(memory).new_object<Rare>();
+        more = std::pmr::polymorphic_allocator<>(&names().memory).new_object<Rare>();
     return *more;
 }
 
 const CString& Element::queryDescription() const
 {
-    if (isDescribedByName && rare().description.empty())
-        rare().description = fillText(loadText(IDS_AUTOMATIC), name);
-    return more ? more->description : kEmpty;
+    if (isDescribedByName && !rare().description)
+        more->description = &names().intern(fillText(loadText(IDS_AUTOMATIC), name->text));
+    return more && more->description ? more->description->text : kEmpty;
 }
 
 const CString& Element::queryKnownType() const
 {
-    return more ? more->knownType : kEmpty;
+    return knownType ? knownType->text : kEmpty;
 }
 
 const CString& Element::querySize() const
 {
-    return more ? more->size : kEmpty;
+    return more && more->size ? more->size->text : kEmpty;
 }
 
 void Element::setKnownType(std::string_view newKnownType)
 {
-    isKnown = !newKnownType.empty();
-    if (isKnown || more)
-        rare().knownType = newKnownType;
+    knownType = newKnownType.empty() ? nullptr : &names().intern(newKnownType);
 }
 
-void Element::setName(const CString& newName)
+void Element::setName(Name& newName)
 {
-    if (!hasBaseName)
-        rare().baseName = name;
-    hasBaseName = true;
-    name = newName;
+    if (!rare().baseName)
+        more->baseName = name;
+    name = &newName;
 }
 
-void Element::setDescription(const CString& newDescription)
+void Element::setDescription(std::string_view newDescription)
 {
-    isDescribedByName = isGenerated(newDescription, name);
+    isDescribedByName = isGenerated(newDescription, name->text);
     if (more)
-        more->description.clear();
+        more->description = nullptr;
     if (!isDescribedByName && !newDescription.empty())
-        rare().description = newDescription;
+        rare().description = &names().intern(newDescription);
 }
 
 void Element::describeByName()
 {
     if (more)
-        more->description.clear();
+        more->description = nullptr;
     isDescribedByName = true;
 }
 
@@ -114,7 +114,7 @@ void Element::addParent(Element* parent)
 {
     isLinkedByHand = true;
     if (parent)
-        parents.add(parent, *memory);
+        parents.add(parent, names().memory);
 }
 
 int Element::addChild(Element* child)
@@ -125,7 +125,7 @@ int Element::addChild(Element* child)
 
 int Element::appendChild(Element* child)
 {
-    if (!children.add(child, *memory))
+    if (!children.add(child, names().memory))
         return 0;
     if (isPrimitive())
         type = typeRow;
@@ -138,9 +138,9 @@ void Element::link(Element* child)
 {
     const bool isNew = appendChild(child);
     if (isLinkedByHand || child->isLinkedByHand)
-        child->parents.add(this, *child->memory);
+        child->parents.add(this, names().memory);
     else if (isNew)
-        child->parents.append(this, *child->memory);
+        child->parents.append(this, names().memory);
 }
 
 void Element::toTable(Element* oldChild, Element* table)

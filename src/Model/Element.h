@@ -1,15 +1,9 @@
 #pragma once
 
-#include "Base/Fingerprint.h"
-
-#include <cstdint>
-#include <memory>
-#include <memory_resource>
-
-class Element;
+#include "Model/NamePool.h"
 
 /// Elements in the order in which they were added, each at most once. Owns none of them, and lies in memory that is
-/// only given back as a whole.
+/// only given back as a whole. Most elements have one parent, which takes no memory beside the list itself.
 class ElementList
 {
 public:
@@ -19,13 +13,16 @@ public:
     /// Appends an element that is known not to be listed, which spares the search.
     void append(Element* element, std::pmr::memory_resource& memory);
 
+    /// Makes room for `size` elements at once, if the list is empty.
+    void reserve(std::uint32_t size, std::pmr::memory_resource& memory);
+
     /// Puts `replacement` where `old` stands; does nothing when `old` is not listed.
     void replace(Element* old, Element* replacement);
 
     std::size_t size() const { return count; }
-    Element* operator[](std::size_t at) const { return items[at]; }
-    Element** begin() const { return items; }
-    Element** end() const { return items + count; }
+    Element* operator[](std::size_t at) const { return begin()[at]; }
+    Element* const* begin() const { return capacity == 0 ? &single : items; }
+    Element* const* end() const { return begin() + count; }
 
 private:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
@@ -39,9 +36,12 @@ private:
     std::uint32_t& entered() const { return index()[slotCount()]; }
     std::size_t firstSlot(const Element* element) const;
 
-    // Room for `capacity` elements; in a list too long to walk, behind them a hash table of positions, and how many of
-    // its slots are taken, by items or by what was replaced. An import has two lists an element, most of them short.
-    Element** items = nullptr;
+    // Room for `capacity` elements, or in the list itself for one; in a list too long to walk, behind them a hash table
+    // of positions, and how many of its slots are taken, by items or by what was replaced.
+    union {
+        Element* single = nullptr;
+        Element** items;
+    };
     std::uint32_t count = 0;
     std::uint32_t capacity : 31 = 0;
     std::uint32_t isIndexed : 1 = 0;
@@ -49,12 +49,9 @@ private:
 
 /// One node of an imported message: a type of its own (a record, table, enumeration or array) or a field. Importers
 /// make elements only through TypeModel, which owns them all.
-class alignas(64) Element
+class Element
 {
 public:
-    /// A text that many elements have in common.
-    using SharedText = std::shared_ptr<const CString>;
-
     enum ElementTypes : int
     {
         typeEnum = 0,   ///< its children are its constants
@@ -75,12 +72,12 @@ public:
     ~Element();
     Element& operator=(const Element&) = delete;
 
-    const CString& queryPath() const { return *path; }
-    const CString& queryName() const { return name; }
+    const CString& queryPath() const { return path->text; }
+    const CString& queryName() const { return name->text; }
     const CString& queryDescription() const;
-    const CString& queryBaseName() const { return hasBaseName ? more->baseName : name; }
+    const CString& queryBaseName() const { return baseName().text; }
     const CString& queryKnownType() const;
-    bool hasKnownType() const { return isKnown; }
+    bool hasKnownType() const { return knownType != nullptr; }
     const CString& querySize() const;
     ElementTypes queryType() const { return type; }
     int queryIsAttribute() const { return isAttribute; }
@@ -88,8 +85,14 @@ public:
     const ElementList& queryParents() const { return parents; }
 
     void setType(ElementTypes newType) { type = newType; }
-    void setSize(const CString& newSize) { rare().size = newSize; }
+    void setSize(const CString& newSize) { rare().size = &names().intern(newSize); }
     void setKnownType(std::string_view newKnownType);
+
+    /// The same for a name of the element's model, which spares the search.
+    void setKnownType(Name& newKnownType) { knownType = newKnownType.text.empty() ? nullptr : &newKnownType; }
+
+    /// The known type as a name of the element's model, or null.
+    Name* queryKnownName() const { return knownType; }
     void asAttribute() { isAttribute = 1; }
 
     /// Does nothing for null or for a parent that is already listed.
@@ -111,7 +114,7 @@ public:
     bool isField() const { return type != typeEnum && type != typeArray; }
 
     /// What the document of `record` says of this child as its field. Description and type may lie in `room`.
-    const CString& queryFieldName() const { return type == typeTable ? queryBaseName() : name; }
+    const CString& queryFieldName() const { return type == typeTable ? queryBaseName() : queryName(); }
     std::string_view queryFieldDescription(CString& room) const;
     std::string_view queryFieldType(const Element& record, CString& room) const;
 
@@ -121,6 +124,9 @@ public:
     /// The mark of the ordering pass: whether the element stands in its model's list.
     bool isPlaced() const { return placed; }
     void setPlaced(bool isPlaced) { placed = isPlaced; }
+
+    /// Marks the element's name as one of the listed ones, or no more.
+    void setListed(bool isListed) { name->isListed = isListed; }
 
     /// Which of its model's elements this is, from 0; kNoNumber for one that stands in no model.
     std::uint32_t queryNumber() const { return number; }
@@ -133,48 +139,44 @@ public:
 private:
     friend class TypeModel;
 
-    // For TypeModel, which gives all elements of one folder the same path, and has memory for their lists.
-    // Null memory: the element has its own.
-    Element(SharedText path, std::string_view name, ElementTypes type, std::pmr::memory_resource* memory);
-    Element(const Element& other, std::pmr::memory_resource* memory);
+    // For TypeModel, which has the names and the memory for the lists.
+    Element(Name& path, Name& name, ElementTypes type) : type(type), name(&name), path(&path) {}
+    Element(const Element& other, Name& path, Name& name);
 
-    // What most elements don't have.
+    // What most elements don't have. Null: not set; a generated description is only made when it is asked for.
     struct Rare
     {
-        CString baseName;
-        CString description; // "" also for a generated one that nobody has asked for
-        CString knownType;
-        CString size;
+        const Name* baseName = nullptr;
+        const Name* description = nullptr;
+        const Name* size = nullptr;
     };
 
+    NamePool& names() const { return path->pool; }
+    const Name& baseName() const { return more && more->baseName ? *more->baseName : *name; }
     Rare& rare() const; // made when it isn't there
     int appendChild(Element* child);
     void link(Element* child); // both ways
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
-    void setName(const CString& newName);
-    void setDescription(const CString& newDescription);
+    void setName(Name& newName);
+    void setDescription(std::string_view newDescription);
     void describeByName();
 
-    // An import has very many elements. So what most of them don't have costs a pointer, the description that nearly
-    // all of them have, the generated one of their name, is made when it is asked for, and what every pass looks at
-    // stands in the first cache line.
-    ElementTypes type;
+    // A row of the model, of which an import has very many: so texts are names of the pool, and what few elements have
+    // costs a pointer. Nothing in it needs a destructor, unless the element stands alone.
+    ElementTypes type : 8;
+    bool isAttribute : 1 = false;
+    bool placed : 1 = false;
+    bool isDescribedByName : 1 = false; // by the generated description
+    bool isLinkedByHand : 1 = false;    // has got a parent or a child that need not have got it too
+    bool ownsNames : 1 = false;
     std::uint32_t number = kNoNumber;
-    std::uint8_t isAttribute = 0;
-    bool placed = false;
-    bool isDescribedByName = false; // by the generated description
-    bool isLinkedByHand = false;    // has got a parent or a child that need not have got it too
-    bool isKnown = false;           // has a known type
-    bool hasBaseName = false;       // of its own: else it is the name
-    bool ownsMemory = false;
-
+    Name* name;
+    Name* path; // ends with a backslash
+    Name* knownType = nullptr;
     ElementList children;
     ElementList parents;
-    mutable Rare* more = nullptr; // in `memory`
-    CString name;
-    SharedText path;                   // ends with a backslash
-    std::pmr::memory_resource* memory; // of the lists
+    mutable Rare* more = nullptr;
 };
 
 /// Asks for the memory of elements that a loop is about to look at: they lie anywhere, and so wait only once.

@@ -21,11 +21,22 @@ bool ElementList::add(Element* element, std::pmr::memory_resource& memory)
 
 void ElementList::append(Element* element, std::pmr::memory_resource& memory)
 {
-    if (count == capacity)
-        moveTo(capacity ? capacity * 2 : 1, isIndexed, memory);
+    if (count == 0 && capacity == 0) {
+        single = element;
+        count = 1;
+        return;
+    }
+    if (count >= capacity)
+        moveTo(capacity ? capacity * 2 : 4, isIndexed, memory);
     items[count++] = element;
     if (isIndexed)
         enter(count - 1);
+}
+
+void ElementList::reserve(std::uint32_t size, std::pmr::memory_resource& memory)
+{
+    if (count == 0 && capacity == 0 && size > 1)
+        moveTo(size, false, memory);
 }
 
 void ElementList::replace(Element* old, Element* replacement)
@@ -33,7 +44,7 @@ void ElementList::replace(Element* old, Element* replacement)
     const std::uint32_t position = positionOf(old);
     if (position == kNone)
         return;
-    items[position] = replacement;
+    (capacity == 0 ? single : items[position]) = replacement;
     if (isIndexed)
         enter(position); // the slot of `old` stays, and keeps the probes behind it whole
 }
@@ -41,7 +52,7 @@ void ElementList::replace(Element* old, Element* replacement)
 std::uint32_t ElementList::positionOf(const Element* element) const
 {
     if (!isIndexed) {
-        Element** const found = std::find(begin(), end(), element);
+        Element* const* const found = std::find(begin(), end(), element);
         return found == end() ? kNone : static_cast<std::uint32_t>(found - begin());
     }
     for (std::size_t at = firstSlot(element);; at = (at + 1) & (slotCount() - 1))

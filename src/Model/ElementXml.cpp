@@ -19,15 +19,15 @@ std::string_view Element::asXML()
     static XmlText text; // an import asks for very many types in a row: kept for their room
     static CString description, fieldType;
     const auto describe = [](const Element& element) {
-        return element.isDescribedByName ? generated(element.name, description)
+        return element.isDescribedByName ? generated(element.name->text, description)
                                          : std::string_view(element.queryDescription());
     };
-    BrokerTypeDescription builder(name, describe(*this), *path, text);
+    BrokerTypeDescription builder(name->text, describe(*this), path->text, text);
     switch (type) {
     case typeEnum:
         builder.addEnum();
         for (const Element* child : children)
-            builder.addConstant(child->name, describe(*child));
+            builder.addConstant(child->name->text, describe(*child));
         break;
     case typeArray:
         if (querySize().empty())
@@ -53,7 +53,7 @@ std::string_view Element::asXML()
 
 CString Element::queryComponentType() const
 {
-    return isKnown ? queryKnownType() : *path + queryBaseName();
+    return knownType ? knownType->text : path->text + queryBaseName();
 }
 
 std::string_view Element::queryFieldDescription(CString& room) const
@@ -67,9 +67,9 @@ std::string_view Element::queryFieldType(const Element& record, CString& room) c
 {
     switch (type) {
     case typeRow:
-        return room.assign(*record.path).append(queryBaseName());
+        return room.assign(record.path->text).append(queryBaseName());
     case typeTable:
-        return room.assign(*record.path).append(name);
+        return room.assign(record.path->text).append(name->text);
     case typeString:
         return "String";
     case typeNumber:

@@ -17,38 +17,29 @@ void TypeList::addFirst(Element* element)
 void TypeList::note(Element* element)
 {
     types += element->isTypeOfItsOwn();
-    if (namesAreKept)
-        names.store(element);
+    element->setListed(true);
 }
 
 void TypeList::clear()
 {
+    for (Element* element : elements) {
+        element->setPlaced(false);
+        element->setListed(false);
+    }
+    forget();
+}
+
+void TypeList::forget()
+{
     elements.clear();
-    names.clear();
-    namesAreKept = false;
     types = 0;
 }
 
+// A known type names a type of the child's folder by what is left of it behind the folder.
 bool TypeList::refersToListed(const Element& element)
 {
-    for (const Element* child : element.queryChildren()) {
-        if (!child->hasKnownType())
-            continue;
-        const std::string_view known = child->queryKnownType();
-        // The short name that is left of the known type when the child's folder is taken off its front.
-        const std::size_t folder = child->queryPath().size();
-        if (isListed(folder < known.size() ? known.substr(folder) : std::string_view()))
+    for (const Element* child : element.queryChildren())
+        if (Name* const known = child->queryKnownName(); known && known->behind(child->queryPath().size()).isListed)
             return true;
-    }
     return false;
-}
-
-bool TypeList::isListed(std::string_view name)
-{
-    if (!namesAreKept) {
-        for (Element* listed : elements)
-            names.store(listed);
-        namesAreKept = true;
-    }
-    return names.find(name) != nullptr;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Base/KeyedTable.h"
 #include "Model/Element.h"
 
 #include <deque>
@@ -15,7 +14,11 @@ public:
     /// Puts an element at the head: add() of one whose children have no known types.
     void addFirst(Element* element);
 
+    /// Empties the list; its elements are placed and listed no more.
     void clear();
+
+    /// Empties the list without looking at its elements, which are gone.
+    void forget();
 
     /// How many of the elements are types of their own.
     int typeCount() const { return types; }
@@ -25,11 +28,8 @@ public:
 
 private:
     void note(Element* element);
-    bool refersToListed(const Element& element);
-    bool isListed(std::string_view name);
+    static bool refersToListed(const Element& element);
 
     std::deque<Element*> elements;
-    KeyedTable<Element, &Element::queryName> names; // of the elements, once somebody has asked for one
-    bool namesAreKept = false;
     int types = 0;
 };

@@ -4,18 +4,17 @@
 
 void TypeModel::clear()
 {
-    elements.clear();
     usages.clear();
-    order.clear();
-    for (Element* element : ownedElements)
-        element->~Element();
+    order.forget();
     ownedElements.clear();
-    memory.release();
+    lastPath = nullptr;
+    names.clear();
 }
 
 Element* TypeModel::findElement(std::string_view name) const
 {
-    return mergesByName && !name.empty() ? elements.find(name) : nullptr;
+    const Name* const known = mergesByName && !name.empty() ? names.find(name) : nullptr;
+    return known ? known->element : nullptr;
 }
 
 ChildElement* TypeModel::findUsage(const Fingerprint& usageKey) const
@@ -51,7 +50,8 @@ void TypeModel::addUsage(const Fingerprint& usageKey, Element* element, Element*
         if (usage->element == element && usage->parent == parent && !(parent && parent->isLinkedByHand))
             return; // linked when the usage was made
     } else {
-        usages.store(std::pmr::polymorphic_allocator<>(&memory).new_object<ChildElement>(usageKey, element, parent));
+        usages.store(
+            std::pmr::polymorphic_allocator<>(&names.memory).new_object<ChildElement>(usageKey, element, parent));
     }
     if (parent)
         parent->link(element);
@@ -59,24 +59,30 @@ void TypeModel::addUsage(const Fingerprint& usageKey, Element* element, Element*
 
 std::pair<Element*, bool> TypeModel::findOrMake(const CString& path, std::string_view name, Element::ElementTypes type)
 {
-    const std::uint32_t hash = keyHash(name);
-    if (Element* known = mergesByName && !name.empty() ? elements.find(name, hash) : nullptr)
-        return {known, false};
-    Element* element = newElement(path, name, type);
-    elements.store(element, hash);
+    Name& known = names.intern(name);
+    if (known.element && !name.empty())
+        return {known.element, false};
+    void* const place = names.memory.allocate(sizeof(Element), alignof(Element));
+    Element* const element = own(new (place) Element(pathNamed(path), known, type));
+    store(element);
     return {element, true};
 }
 
-Element* TypeModel::newElement(const CString& path, std::string_view name, Element::ElementTypes type)
+Name& TypeModel::pathNamed(const CString& path)
 {
     const auto isLast = [&] { // `path` may lack the backslash that the element's has
-        return std::string_view(*lastPath).substr(0, path.size()) == path &&
-               lastPath->size() == path.size() + !path.ends_with('\\');
+        return std::string_view(lastPath->text).substr(0, path.size()) == path &&
+               lastPath->text.size() == path.size() + !path.ends_with('\\');
     };
     if (!lastPath || !isLast())
-        lastPath = std::make_shared<const CString>(path.ends_with('\\') ? path : path + '\\');
-    void* place = memory.allocate(sizeof(Element), alignof(Element));
-    return own(new (place) Element(lastPath, name, type, &memory));
+        lastPath = &names.intern(path.ends_with('\\') ? path : path + '\\');
+    return *lastPath;
+}
+
+void TypeModel::store(Element* element)
+{
+    if (mergesByName)
+        element->name->element = element;
 }
 
 Element* TypeModel::own(Element* element)
@@ -88,9 +94,7 @@ Element* TypeModel::own(Element* element)
 
 void TypeModel::arrange()
 {
-    for (std::size_t i = 0; i < order.size(); ++i)
-        order[i]->setPlaced(false); // no other is
-    order.clear();
+    order.clear(); // no other element is placed
     makeTables();
     TypeOrder placing(order, ownedElements);
     for (const ChildElement* usage : usages)
@@ -115,9 +119,10 @@ void TypeModel::makeTables()
         tableName.assign("t_").append(element->queryBaseName());
         if (element->isPrimitive())
             element->setPrimitiveType();
-        Element* table = findElement(tableName);
+        Name& name = names.intern(tableName);
+        Element* table = name.element;
         if (!table)
-            table = makeTable(*usage, tableName);
+            table = makeTable(*usage, name);
         else if (areTablesInAll && usage->parent && table->type == Element::typeTable)
             usage->parent->toTable(element, table);
         element->addParent(table);
@@ -126,16 +131,16 @@ void TypeModel::makeTables()
     }
 }
 
-Element* TypeModel::makeTable(ChildElement& usage, const CString& tableName)
+Element* TypeModel::makeTable(ChildElement& usage, Name& tableName)
 {
-    void* place = memory.allocate(sizeof(Element), alignof(Element));
-    Element* table = own(new (place) Element(*usage.element, &memory));
+    void* const place = names.memory.allocate(sizeof(Element), alignof(Element));
+    Element* const table = own(new (place) Element(*usage.element, *usage.element->path, *usage.element->name));
     table->setName(tableName);
     table->describeByName();
     table->type = Element::typeTable;
     table->addChild(usage.element);
     table->addParent(usage.parent);
-    elements.store(table);
+    store(table);
     if (usage.parent)
         usage.parent->toTable(usage.element, table);
     return table;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Base/Arena.h"
 #include "Base/Progress.h"
 #include "Model/TypeList.h"
 
@@ -57,15 +56,15 @@ private:
 
     Element* own(Element* element);
     std::pair<Element*, bool> findOrMake(const CString& path, std::string_view name, Element::ElementTypes type);
-    Element* newElement(const CString& path, std::string_view name, Element::ElementTypes type);
-    Element* makeTable(ChildElement& usage, const CString& tableName);
+    Name& pathNamed(const CString& path);
+    Element* makeTable(ChildElement& usage, Name& tableName);
+    void store(Element* element);
     void makeTables();
 
-    // Elements, usages and their texts and lists lie in memory that is only given back as a whole, on clear().
-    Arena memory;
-    std::vector<Element*> ownedElements; // by number; also the ones that another has replaced under their key
-    Element::SharedText lastPath;        // nearly always the next element's too
-    KeyedTable<Element, &Element::queryName> elements;
+    // Elements, usages and their lists lie in the memory of the names, which is only given back as a whole, on clear().
+    NamePool names;
+    std::vector<Element*> ownedElements; // by number; also the ones that another has replaced under their name
+    Name* lastPath = nullptr;            // nearly always the next element's too
     KeyedTable<ChildElement, &ChildElement::queryUsageKey, Fingerprint> usages;
     TypeList order;
     bool mergesByName;

@@ -1,0 +1,31 @@
+#include "Model/NamePool.h"
+
+#include <memory>
+#include <memory_resource>
+
+Name& Name::behind(std::size_t size)
+{
+    if (!rest || restFrom != size) {
+        rest = &pool.intern(size < text.size() ? std::string_view(text).substr(size) : std::string_view());
+        restFrom = static_cast<std::uint32_t>(size);
+    }
+    return *rest;
+}
+
+Name& NamePool::intern(std::string_view text)
+{
+    const std::uint32_t hash = keyHash(text);
+    if (Name* const known = names.find(text, hash))
+        return *known;
+    Name* const name = std::pmr::polymorphic_allocator<>(&memory).new_object<Name>(text, *this);
+    names.store(name, hash);
+    return *name;
+}
+
+void NamePool::clear()
+{
+    for (Name* const name : names)
+        std::destroy_at(name);
+    names.clear();
+    memory.release();
+}
