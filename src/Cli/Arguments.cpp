@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -73,11 +74,7 @@ void addOutputOptions(CLI::App& app, Arguments& arguments)
     CLI::Option* const graph =
         app.add_flag("--graph", arguments.graph, "Write the types and what they refer to as a graph, in DOT, instead")
             ->excludes(list, "--type");
-    app.add_option("--diff", arguments.diff,
-                   "Compare the types with this document, written earlier, instead; status 0: the same, 1: different, "
-                   "2: trouble")
-        ->type_name("FILE")
-        ->excludes(list, graph, "--type");
+    addDiffOptions(app, arguments.diff)->excludes(list, graph, "--type");
     app.add_flag("--json", arguments.json, "With --list and --diff: write JSON");
     app.add_flag("--allow-empty", arguments.allowEmpty, "Take a source from which no type comes for a success");
     CLI::Option* const quiet = app.add_flag_callback(
@@ -127,8 +124,10 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         app.parse(argc, argv);
         refuseEmptyNames(app);
         takeWords(words, arguments);
-        if (arguments.json && !arguments.list && arguments.diff.empty())
+        if (arguments.json && !arguments.list && arguments.diff.document.empty())
             throw CLI::ValidationError("--json", "there is no JSON of it without --list or --diff");
+        if (arguments.diff.document == "-" && std::ranges::find(arguments.sources, "-") != arguments.sources.end())
+            throw CLI::ValidationError("--diff", "standard input can't be the source and the document, too");
         if (const CString mistake = arguments.importer ? mistakeFor(arguments, *arguments.importer) : "";
             !mistake.empty())
             throw CLI::ValidationError(mistake);

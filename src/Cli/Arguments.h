@@ -2,6 +2,7 @@
 
 #include "Cli/CreateTypes.h"
 #include "Cli/Diagnostics.h"
+#include "Cli/Diff.h"
 #include "Cli/FullReading.h"
 #include "Cli/ReportFile.h"
 
@@ -23,10 +24,10 @@ struct Arguments
     bool graph = false;
     CString type; ///< the one type to write; only when hasType
     bool hasType = false;
-    CString diff; ///< the document that the types are compared with; empty: none
     bool allowEmpty = false;
     Verbosity verbosity = Verbosity::normal;
     FullOptions full;
+    DiffOptions diff;
     ReportOptions report;
     LogonOptions logon;
     CreateOptions create;

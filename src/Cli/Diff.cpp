@@ -1,69 +1,191 @@
 #include "Cli/Diff.h"
 
 #include "Base/Json.h"
+#include "Cli/Diagnostics.h"
 #include "Cli/Output.h"
 #include "Cli/TypeListing.h"
+#include "Files/FileMessage.h"
 #include "Import/Btd/BrokerMsg.h"
 #include "Types/TypeChanges.h"
 #include "Types/TypeStructure.h"
 
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+
 namespace {
 
-constexpr const char* kKinds[] = {"added", "removed", "changed"};
 constexpr int kSame = 0, kDifferent = 1, kTrouble = 2;
 
-CString lineOf(const TypeChange& change)
+Reader readerOf(const DiffOptions& options)
 {
-    if (change.kind == TypeChange::changed)
-        return "changed " + change.what + " of " + change.name + ": " + change.from + " to " + change.to + "\n";
-    const CString& type = change.from + change.to; // one of them is empty
-    return CString(kKinds[change.kind]) + " " + change.what + " " + change.name + (type.empty() ? "" : ": ") + type +
-           "\n";
+    return options.compatible == "readers"   ? Reader::readers
+           : options.compatible == "writers" ? Reader::writers
+                                             : Reader::both;
 }
 
-CString jsonOf(const TypeChange& change)
+// "added", "removed" or "changed", which an id ends with.
+std::string_view sortOf(TypeChange::Id id)
 {
-    const auto member = [](const char* name, const CString& value) {
-        return value.empty() ? CString() : CString(",\"") + name + "\":" + jsonText(value);
-    };
-    return CString("{\"change\":\"") + kKinds[change.kind] + "\"" + member("what", change.what) +
-           member("name", change.name) + member("from", change.from) + member("to", change.to) + "}";
+    const std::string_view word = idOf(id);
+    return word.substr(word.find('-') + 1);
 }
 
-void writeText(const std::vector<TypeChange>& changes, Output& output)
+CString nameOf(const TypeChange& change)
 {
-    for (const TypeChange& change : changes)
-        output.write(lineOf(change));
-    if (!changes.empty())
-        output.write(isCompatible(changes) ? "compatible: only additions\n" : "not compatible: it breaks readers\n");
+    return change.part.empty() ? change.type : change.type + "." + change.part;
 }
 
-void writeJson(const std::vector<TypeChange>& changes, Output& output)
+// The differences between two sets of types, and what they come to.
+class Differences
 {
-    const char* separator = "\n  ";
-    output.write(CString("{\"same\":") + (changes.empty() ? "true" : "false") +
-                 ",\"compatible\":" + (isCompatible(changes) ? "true" : "false") + ",\"changes\":[");
-    for (const TypeChange& change : changes) {
-        output.write(separator + jsonOf(change));
-        separator = ",\n  ";
+public:
+    Differences(const TypeStructure& before, const TypeStructure& after, const DiffOptions& options) :
+        options(options), reader(readerOf(options))
+    {
+        const TypeFolders folders = movedFolders(before, after);
+        if (!folders.areEqual() && !options.ignoreFolders)
+            changes.push_back(
+                {TypeChange::folderChanged, partOfFolder(folders), {}, {}, folders.before, folders.after});
+        const std::vector<TypeChange> found = typeChanges(before, after, folders);
+        changes.insert(changes.end(), found.begin(), found.end());
     }
-    output.write("]}\n");
-}
+
+    bool areSame() const
+    {
+        return std::ranges::all_of(changes, [this](const auto& c) { return isAllowed(c); });
+    }
+
+    bool areCompatible() const
+    {
+        return std::ranges::none_of(changes, [this](const auto& c) { return !isAllowed(c) && breaks(c.id, reader); });
+    }
+
+    void writeText(Output& output) const
+    {
+        for (const TypeChange& change : changes)
+            output.write(lineOf(change));
+        if (!changes.empty())
+            output.write(verdict() + "\n");
+    }
+
+    void writeJson(Output& output) const
+    {
+        const char* separator = "\n  ";
+        output.write(CString("{\"version\":1,\"same\":") + (changes.empty() ? "true" : "false") +
+                     ",\"compatible\":" + (areCompatible() ? "true" : "false") +
+                     ",\"for\":" + jsonText(options.compatible) + ",\"changes\":[");
+        for (const TypeChange& change : changes) {
+            output.write(separator + jsonOf(change));
+            separator = ",\n  ";
+        }
+        output.write("]}\n");
+    }
+
+private:
+    // What of the folder differs: its last part is called after the main element.
+    static CString partOfFolder(const TypeFolders& folders)
+    {
+        const auto parentOf = [](const CString& folder) {
+            return folder.substr(0, folder.rfind('\\', folder.size() - 2) + 1);
+        };
+        const CString before = parentOf(folders.before), after = parentOf(folders.after);
+        if (before == after)
+            return "main element";
+        return folders.before.substr(before.size()) == folders.after.substr(after.size())
+                   ? "base path"
+                   : "base path and main element";
+    }
+
+    bool isAllowed(const TypeChange& change) const
+    {
+        return std::ranges::find(options.allowed, std::string_view(idOf(change.id))) != options.allowed.end();
+    }
+
+    CString lineOf(const TypeChange& change) const
+    {
+        const std::string_view sort = sortOf(change.id);
+        CString line = CString(sort) + " " + change.what;
+        if (change.id == TypeChange::folderChanged)
+            line += ": " + change.from + " to " + change.to;
+        else if (sort == "changed")
+            line += " of " + nameOf(change) + ": " + change.from + " to " + change.to;
+        else if (const CString& content = change.from + change.to; content.empty()) // one of them is
+            line += " " + nameOf(change);
+        else
+            line += " " + nameOf(change) + ": " + content;
+        return line + " [" + idOf(change.id) + (isAllowed(change) ? ", allowed" : "") + "]\n";
+    }
+
+    CString jsonOf(const TypeChange& change) const
+    {
+        const auto member = [](const char* name, const CString& value) {
+            return value.empty() ? CString() : CString(",\"") + name + "\":" + jsonText(value);
+        };
+        const CString part = change.part.empty() ? "null" : jsonText(change.part);
+        const CString type = change.type.empty() ? "null" : jsonText(change.type);
+        return CString("{\"id\":\"") + idOf(change.id) + "\",\"change\":\"" + CString(sortOf(change.id)) + "\"" +
+               member("what", change.what) + member("name", nameOf(change)) + ",\"place\":{\"type\":" + type +
+               ",\"part\":" + part + "}" + member("from", change.from) + member("to", change.to) + ",\"breaks\":[" +
+               brokenBy(change.id) + "],\"allowed\":" + (isAllowed(change) ? "true" : "false") + "}";
+    }
+
+    static CString brokenBy(TypeChange::Id id)
+    {
+        const bool readers = breaks(id, Reader::readers), writers = breaks(id, Reader::writers);
+        return CString(readers ? "\"readers\"" : "") + (readers && writers ? "," : "") + (writers ? "\"writers\"" : "");
+    }
+
+    CString verdict() const
+    {
+        if (!areCompatible())
+            return "not compatible: it breaks " + (reader == Reader::both ? "readers or writers" : options.compatible);
+        const auto isAddition = [](const TypeChange& change) { return sortOf(change.id) == "added"; };
+        if (std::ranges::all_of(changes, isAddition))
+            return "compatible: only additions";
+        return "compatible: it breaks no " + (reader == Reader::both ? "readers and no writers" : options.compatible);
+    }
+
+    const DiffOptions& options;
+    const Reader reader;
+    std::vector<TypeChange> changes;
+};
 
 } // namespace
 
-int diffTypes(MsgBase& message, const CString& document, bool asJson, Output& output, Diagnostics& diagnostics)
+CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
+{
+    CLI::Option* const diff =
+        app.add_option("--diff", options.document, "Compare with a document written earlier (- is stdin)")
+            ->type_name("FILE");
+    app.add_option("--compatible", options.compatible, "Whom a change must not break: readers (default), ...")
+        ->type_name("readers|writers|both")
+        ->check(CLI::IsMember({"readers", "writers", "both"}))
+        ->needs(diff);
+    app.add_option("--allow", options.allowed, "A change that doesn't count, repeatable (field-added, ...)")
+        ->type_name("ID")
+        ->allow_extra_args(false)
+        ->check([](const CString& id) {
+            return changeCalled(id) == TypeChange::idCount ? "no change is called " + id : CString();
+        })
+        ->needs(diff);
+    app.add_flag("--ignore-folders", options.ignoreFolders, "Ignore another base path or main element")->needs(diff);
+    return diff;
+}
+
+int diffTypes(MsgBase& message, const DiffOptions& options, bool asJson, Output& output, Diagnostics& diagnostics)
 {
     BrokerMessage earlier;
+    const CString document = options.document == "-" ? kStandardInput : options.document;
     earlier.parseFile(document, earlier.getBasePath());
     if (!diagnostics.hasErrors() && !holdsTypes(earlier))
         diagnostics.add({document, "it is no document of types"});
     if (diagnostics.hasErrors())
         return kTrouble;
     const TypeStructure before(earlier), after(message);
-    const std::vector<TypeChange> changes = typeChanges(before, after);
-    (asJson ? writeJson : writeText)(changes, output);
+    const Differences differences(before, after, options);
+    asJson ? differences.writeJson(output) : differences.writeText(output);
     if (!output.finish())
         return kTrouble;
-    return changes.empty() ? kSame : kDifferent;
+    return differences.areSame() ? kSame : kDifferent;
 }

@@ -1,11 +1,30 @@
 #pragma once
 
-#include "Cli/Diagnostics.h"
+#include "Base/Text.h"
 
+#include <vector>
+
+class Diagnostics;
 class MsgBase;
 class Output;
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+/// What the command line wants compared, and which changes count.
+struct DiffOptions
+{
+    CString document;               ///< written earlier; "-" is standard input; empty: nothing is compared
+    CString compatible = "readers"; ///< whom a change must not break: readers, writers or both
+    std::vector<CString> allowed;   ///< ids of changes that don't count
+    bool ignoreFolders = false;     ///< another base path or main element is no difference
+};
+
+/// Adds --diff and the options that go with it; the answer is --diff.
+CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options);
 
 /// Compares the types of an import with those of a document that was written earlier, and writes the differences, a
-/// line each, or as one JSON object. The exit status is that of diff(1): 0 the same, 1 different, 2 trouble, which has
-/// then been reported.
-int diffTypes(MsgBase& message, const CString& document, bool asJson, Output& output, Diagnostics& diagnostics);
+/// line each, or as one JSON object. Returns the exit status of diff(1): 0 if no change counts, 1 if one does, 2 for
+/// trouble, which has been reported.
+int diffTypes(MsgBase& message, const DiffOptions& options, bool asJson, Output& output, Diagnostics& diagnostics);

@@ -48,7 +48,7 @@ void writeType(Element& type, Output& output)
 int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagnostics)
 {
     Output output(arguments.output);
-    if (!arguments.diff.empty())
+    if (!arguments.diff.document.empty())
         return diffTypes(message, arguments.diff, arguments.json, output, diagnostics);
     Element* const type = arguments.hasType ? findType(message, arguments.type) : nullptr;
     if (type) {
@@ -136,7 +136,7 @@ bool isSameFile(const CString& one, const CString& other)
 CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& files)
 {
     std::vector<CString> others = files;
-    others.push_back(arguments.diff);
+    others.push_back(arguments.diff.document == "-" ? "" : arguments.diff.document);
     for (const CString& written : {arguments.output, arguments.report.file}) {
         if (written.empty() || written == "-")
             continue;
@@ -171,7 +171,7 @@ int runImport(const Arguments& arguments)
     if (!isThere)
         return failedStatus;
     if (!isReported)
-        return arguments.diff.empty() ? kNotWritten : failedStatus;
+        return arguments.diff.document.empty() ? kNotWritten : failedStatus;
     if (!arguments.create.address.empty())
         return createTypes(*message, arguments.create, arguments.logon, arguments.verbosity);
     return writeResult(*message, arguments, diagnostics);

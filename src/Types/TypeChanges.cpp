@@ -3,6 +3,7 @@
 #include "Types/TypeStructure.h"
 
 #include <algorithm>
+#include <deque>
 #include <string_view>
 #include <unordered_map>
 
@@ -10,40 +11,68 @@ namespace {
 
 using Numbers = std::unordered_map<std::string_view, std::size_t, KeyHash>;
 
-constexpr const char* kPartNames[] = {"field", "constant", "component"};
-
-// As the type's document writes it: one backslash between folder and name, whoever of the two has it.
-std::string_view nameOf(const TypeStructure& structure, std::uint32_t type)
+struct ChangeRow
 {
-    const std::string_view name = structure.queryFullName(type);
-    return name.starts_with("\\\\") ? name.substr(1) : name;
-}
+    const char* id;
+    bool breaksReaders;
+    bool breaksWriters;
+};
+
+constexpr ChangeRow kChanges[] = {
+    {"type-added", false, false},       {"type-removed", true, true},
+    {"kind-changed", true, true},       {"field-added", false, false},
+    {"field-removed", true, true},      {"constant-added", true, false}, // for those who switch on it
+    {"constant-removed", false, true},  {"type-changed", true, true},
+    {"repetition-changed", true, true}, {"folder-changed", true, true},
+};
+static_assert(std::size(kChanges) == TypeChange::idCount);
+
+constexpr const char* kPartNames[] = {"field", "constant", "component"};
 
 CString inWords(const CString& repeats)
 {
     return repeats.empty() ? "once" : repeats == "*" ? "repeated" : repeats;
 }
 
-struct Comparison
+// As the type's document writes it: one backslash between folder and name, whichever of the two has it.
+std::string_view plainName(std::string_view name)
 {
-    const TypeStructure& before;
-    const TypeStructure& after;
-    std::vector<TypeChange> changes;
+    return name.starts_with("\\\\") ? name.substr(1) : name;
+}
 
-    void compareType(std::uint32_t old, std::uint32_t now);
-    void comparePart(const CString& name, const TypePart& old, const TypePart& now);
+// The types of one side by the names under which they are compared.
+class Side
+{
+public:
+    /// Types in `from` are compared as if they were in `to`.
+    Side(const TypeStructure& structure, const CString& from, const CString& to) :
+        structure(structure), from(from), to(to)
+    {
+        names.reserve(structure.size());
+        for (std::uint32_t type = 0; type < structure.size(); ++type) {
+            names.push_back(compared(plainName(structure.queryFullName(type))));
+            numbers.emplace(names.back(), type);
+        }
+    }
+
+    const TypeStructure& structure;
+    std::vector<std::string_view> names; // by type
+    Numbers numbers;                     // the first type of a name: that one counts
+
+    CString contentName(std::string_view typeName) { return CString(compared(typeName)); }
+
+private:
+    std::string_view compared(std::string_view name)
+    {
+        if (from == to || !name.starts_with(from))
+            return name;
+        return moved.emplace_back(to + CString(name.substr(from.size())));
+    }
+
+    const CString& from;
+    const CString& to;
+    std::deque<CString> moved;
 };
-
-CString partName(std::string_view type, const TypePart& part)
-{
-    return CString(type) + (part.name.empty() ? "" : "." + part.name);
-}
-
-CString contentOf(const TypeStructure& structure, const TypePart& part)
-{
-    const TypeContent content = structure.contentOf(part.typeName);
-    return content.typeName + content.repeats;
-}
 
 Numbers partNumbers(const std::vector<TypePart>& parts)
 {
@@ -53,78 +82,134 @@ Numbers partNumbers(const std::vector<TypePart>& parts)
     return numbers;
 }
 
-Numbers typeNumbers(const TypeStructure& structure)
+CString contentOf(const TypeStructure& structure, const TypePart& part)
 {
-    Numbers numbers;
-    for (std::uint32_t type = 0; type < structure.size(); ++type)
-        numbers.emplace(nameOf(structure, type), type);
-    return numbers;
+    const TypeContent content = structure.contentOf(part.typeName);
+    return content.typeName + content.repeats;
 }
 
-void Comparison::compareType(std::uint32_t old, std::uint32_t now)
+class Comparison
 {
-    const std::string_view name = nameOf(after, now);
-    const std::string_view oldKind = before.kindOf(old), kind = after.kindOf(now);
-    if (kind != oldKind) { // their parts have nothing in common
-        changes.push_back({TypeChange::changed, "kind", CString(name), CString(oldKind), CString(kind)});
-        return;
-    }
-    const std::vector<TypePart> oldParts = before.parts(old), parts = after.parts(now);
-    const Numbers oldNumbers = partNumbers(oldParts), numbers = partNumbers(parts);
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        const auto known = oldNumbers.find(parts[i].name);
-        if (numbers.at(parts[i].name) != i) // a second one of that name
-            continue;
-        if (known != oldNumbers.end())
-            comparePart(partName(name, parts[i]), oldParts[known->second], parts[i]);
-        else
-            changes.push_back({TypeChange::added,
-                               kPartNames[parts[i].kind],
-                               partName(name, parts[i]),
-                               {},
-                               contentOf(after, parts[i])});
-    }
-    for (std::size_t i = 0; i < oldParts.size(); ++i)
-        if (!numbers.contains(oldParts[i].name) && oldNumbers.at(oldParts[i].name) == i)
-            changes.push_back({TypeChange::removed,
-                               kPartNames[oldParts[i].kind],
-                               partName(name, oldParts[i]),
-                               contentOf(before, oldParts[i]),
-                               {}});
-}
+public:
+    Comparison(Side& before, Side& after) : before(before), after(after) {}
 
-void Comparison::comparePart(const CString& name, const TypePart& old, const TypePart& now)
+    std::vector<TypeChange> changes;
+
+    void compareTypes()
+    {
+        for (std::uint32_t type = 0; type < after.names.size(); ++type) {
+            const std::string_view name = after.names[type];
+            if (after.numbers.at(name) != type)
+                continue;
+            if (const auto known = before.numbers.find(name); known != before.numbers.end())
+                compareType(static_cast<std::uint32_t>(known->second), type);
+            else
+                changes.push_back({TypeChange::typeAdded, after.structure.kindOf(type), CString(name), {}, {}, {}});
+        }
+        for (std::uint32_t type = 0; type < before.names.size(); ++type)
+            if (const std::string_view name = before.names[type];
+                before.numbers.at(name) == type && !after.numbers.contains(name))
+                changes.push_back({TypeChange::typeRemoved, before.structure.kindOf(type), CString(name), {}, {}, {}});
+    }
+
+private:
+    void compareType(std::uint32_t old, std::uint32_t now)
+    {
+        const CString name(after.names[now]);
+        const std::string_view oldKind = before.structure.kindOf(old), kind = after.structure.kindOf(now);
+        if (kind != oldKind) { // their parts have nothing in common
+            changes.push_back({TypeChange::kindChanged, "kind", name, {}, CString(oldKind), CString(kind)});
+            return;
+        }
+        const std::vector<TypePart> oldParts = before.structure.parts(old), parts = after.structure.parts(now);
+        const Numbers oldNumbers = partNumbers(oldParts), numbers = partNumbers(parts);
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            const auto known = oldNumbers.find(parts[i].name);
+            if (numbers.at(parts[i].name) != i) // a second one of that name
+                continue;
+            if (known != oldNumbers.end())
+                comparePart(name, oldParts[known->second], parts[i]);
+            else
+                changes.push_back(
+                    {parts[i].kind == TypePart::constant ? TypeChange::constantAdded : TypeChange::fieldAdded,
+                     kPartNames[parts[i].kind],
+                     name,
+                     parts[i].name,
+                     {},
+                     contentOf(after.structure, parts[i])});
+        }
+        for (std::size_t i = 0; i < oldParts.size(); ++i)
+            if (!numbers.contains(oldParts[i].name) && oldNumbers.at(oldParts[i].name) == i)
+                changes.push_back(
+                    {oldParts[i].kind == TypePart::constant ? TypeChange::constantRemoved : TypeChange::fieldRemoved,
+                     kPartNames[oldParts[i].kind],
+                     name,
+                     oldParts[i].name,
+                     contentOf(before.structure, oldParts[i]),
+                     {}});
+    }
+
+    void comparePart(const CString& type, const TypePart& old, const TypePart& now)
+    {
+        const TypeContent was = before.structure.contentOf(old.typeName), is = after.structure.contentOf(now.typeName);
+        if (before.contentName(was.typeName) != is.typeName)
+            changes.push_back({TypeChange::contentChanged, "type", type, now.name, was.typeName, is.typeName});
+        if (was.repeats != is.repeats)
+            changes.push_back({TypeChange::repetitionChanged, "repetition", type, now.name, inWords(was.repeats),
+                               inWords(is.repeats)});
+    }
+
+    Side& before;
+    Side& after;
+};
+
+// The deepest folder that all types lie in, with a backslash at its end; empty if there is none.
+CString commonFolder(const TypeStructure& structure)
 {
-    const TypeContent was = before.contentOf(old.typeName), is = after.contentOf(now.typeName);
-    if (was.typeName != is.typeName)
-        changes.push_back({TypeChange::changed, "type", name, was.typeName, is.typeName});
-    if (was.repeats != is.repeats)
-        changes.push_back({TypeChange::changed, "repetition", name, inWords(was.repeats), inWords(is.repeats)});
+    std::string_view common;
+    for (std::uint32_t type = 0; type < structure.size(); ++type) {
+        const std::string_view name = plainName(structure.queryFullName(type));
+        if (type == 0)
+            common = name;
+        const std::size_t same = static_cast<std::size_t>(std::ranges::mismatch(common, name).in1 - common.begin());
+        const std::size_t end = common.substr(0, same).rfind('\\');
+        common = common.substr(0, end == common.npos ? 0 : end + 1);
+    }
+    return CString(common);
 }
 
 } // namespace
 
-std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStructure& after)
+const char* idOf(TypeChange::Id id)
 {
-    Comparison comparison{before, after, {}};
-    const Numbers oldNumbers = typeNumbers(before), numbers = typeNumbers(after);
-    for (std::uint32_t type = 0; type < after.size(); ++type) {
-        const std::string_view name = nameOf(after, type);
-        if (numbers.at(name) != type)
-            continue; // of several types of one name the one counts that a look-up finds
-        if (const auto known = oldNumbers.find(name); known != oldNumbers.end())
-            comparison.compareType(static_cast<std::uint32_t>(known->second), type);
-        else
-            comparison.changes.push_back({TypeChange::added, after.kindOf(type), CString(name), {}, {}});
-    }
-    for (std::uint32_t type = 0; type < before.size(); ++type)
-        if (const std::string_view name = nameOf(before, type); !numbers.contains(name) && oldNumbers.at(name) == type)
-            comparison.changes.push_back({TypeChange::removed, before.kindOf(type), CString(name), {}, {}});
-    return std::move(comparison.changes);
+    return kChanges[id].id;
 }
 
-bool isCompatible(const std::vector<TypeChange>& changes)
+bool breaks(TypeChange::Id id, Reader reader)
 {
-    return std::all_of(changes.begin(), changes.end(),
-                       [](const TypeChange& change) { return change.kind == TypeChange::added; });
+    return (reader != Reader::writers && kChanges[id].breaksReaders) ||
+           (reader != Reader::readers && kChanges[id].breaksWriters);
+}
+
+TypeChange::Id changeCalled(std::string_view text)
+{
+    const auto* const row = std::ranges::find(kChanges, text, &ChangeRow::id);
+    return static_cast<TypeChange::Id>(row - std::begin(kChanges));
+}
+
+TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after)
+{
+    TypeFolders folders{commonFolder(before), commonFolder(after)};
+    bool haveCommonName = folders.areEqual();
+    for (std::uint32_t type = 0; type < before.size() && !haveCommonName; ++type)
+        haveCommonName = after.find(before.queryFullName(type)) != TypeStructure::kNone;
+    return haveCommonName ? TypeFolders() : folders;
+}
+
+std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStructure& after, const TypeFolders& folders)
+{
+    Side old(before, folders.before, folders.after), now(after, folders.after, folders.after);
+    Comparison comparison(old, now);
+    comparison.compareTypes();
+    return std::move(comparison.changes);
 }

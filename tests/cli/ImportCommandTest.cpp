@@ -151,9 +151,10 @@ TEST_F(ImportCommand, AnswersExactly)
          "t.xml;"
          "$import a.xml -o a.btd; $import a.xml b.xml c.xml --diff a.btd",
          {1,
-          "added record \\sys\\xml\\r\\t\nadded record \\sys\\xml\\r\\p\n"
-          "added field \\sys\\xml\\r\\r.r_u: String\nadded field \\sys\\xml\\r\\r.t: \\sys\\xml\\r\\t\n"
-          "added field \\sys\\xml\\r\\r.p: \\sys\\xml\\r\\p\ncompatible: only additions\n",
+          "added record \\sys\\xml\\r\\t [type-added]\nadded record \\sys\\xml\\r\\p [type-added]\n"
+          "added field \\sys\\xml\\r\\r.r_u: String [field-added]\nadded field \\sys\\xml\\r\\r.t: \\sys\\xml\\r\\t "
+          "[field-added]\n"
+          "added field \\sys\\xml\\r\\r.p: \\sys\\xml\\r\\p [field-added]\ncompatible: only additions\n",
           ""}},
         {"$import a.xml b.xml c.xml --type p | grep -c '\"s\".*t_s'", {0, "1\n", ""}},
         {"echo '<q><s/></q>' >q.xml; $import q.xml a.xml -o t.xml; $import a.xml q.xml --diff t.xml", {0, "", ""}},
@@ -197,35 +198,69 @@ TEST_F(ImportCommand, AnswersExactly)
 
         // Differences from earlier types, as diff(1) ends: 0, 1, 2.
         {"$import r.dtd -o r.xml; $import r.dtd --diff r.xml && $import r.dtd --diff r.xml --json",
-         {0, "{\"same\":true,\"compatible\":true,\"changes\":[]}\n", ""}},
+         {0, "{\"version\":1,\"same\":true,\"compatible\":true,\"for\":\"readers\",\"changes\":[]}\n", ""}},
         {"echo '<!ELEMENT r (a*, b, c)><!ELEMENT c (d)>' >d.dtd; $import d.dtd -b '\\sys\\rosettanet' --diff r.xml",
          {1,
-          R"(added record \sys\rosettanet\r\c
-added table \sys\rosettanet\r\t_a
-changed repetition of \sys\rosettanet\r\r.a: once to repeated
-changed repetition of \sys\rosettanet\r\r.b: repeated to once
-added field \sys\rosettanet\r\r.c: \sys\rosettanet\r\c
-removed table \sys\rosettanet\r\t_b
+          R"(added record \sys\rosettanet\r\c [type-added]
+added table \sys\rosettanet\r\t_a [type-added]
+changed repetition of \sys\rosettanet\r\r.a: once to repeated [repetition-changed]
+changed repetition of \sys\rosettanet\r\r.b: repeated to once [repetition-changed]
+added field \sys\rosettanet\r\r.c: \sys\rosettanet\r\c [field-added]
+removed table \sys\rosettanet\r\t_b [type-removed]
 not compatible: it breaks readers
 )",
+          ""}},
+        // Another folder is one line, and types are compared as if they were in the same.
+        {"$import r.dtd -b '\\acme' --diff - <r.xml",
+         {1,
+          "changed base path: \\sys\\rosettanet\\r\\ to \\acme\\r\\ [folder-changed]\n"
+          "not compatible: it breaks readers\n",
+          ""}},
+        {"sed 's/r (/s (/' r.dtd >s.dtd; $import s.dtd --diff r.xml | head -1; $import s.dtd -b '\\' --diff r.xml | "
+         "head -1",
+         {0,
+          "changed main element: \\sys\\rosettanet\\r\\ to \\sys\\rosettanet\\s\\ [folder-changed]\n"
+          "changed base path and main element: \\sys\\rosettanet\\r\\ to \\s\\ [folder-changed]\n",
+          ""}},
+        {"$import r.dtd -b '\\acme' --diff r.xml --ignore-folders; $import - -b '\\acme' --diff - <r.dtd",
+         {2, "", mistake("--diff: standard input can't be the source and the document, too")}},
+        {"printf '<!ELEMENT r (a, b, c+)>' >c.dtd; $import c.dtd --diff r.xml | grep -c breaks; $import r.dtd -o "
+         "r2.xml;"
+         "printf '<!ELEMENT r (a)>' >e.dtd; $import e.dtd --diff r.xml --allow type-removed",
+         {1,
+          "1\nremoved field \\sys\\rosettanet\\r\\r.b: String* [field-removed]\n"
+          "removed table \\sys\\rosettanet\\r\\t_b [type-removed, allowed]\nnot compatible: it breaks readers\n",
+          ""}},
+        {"$import e.dtd --diff r.xml --allow type-removed --allow field-removed | tail -1",
+         {0, "compatible: it breaks no readers\n", ""}},
+        {"$import e.dtd --diff r.xml --allow x", {2, "", mistake("--allow: no change is called x")}},
+        // A constant that comes breaks readers, one that goes breaks writers.
+        {"e() { printf '<!ELEMENT r (t)><!ATTLIST r k (%s) #IMPLIED>' \"$1\" >k.dtd; shift; $import k.dtd --full "
+         "\"$@\" | tail "
+         "-1; }; e 'y|n' -o k.xml; for who in readers writers both; do e 'y|n|u' --diff k.xml --compatible $who; "
+         "e y --diff k.xml --compatible $who; done",
+         {0,
+          "not compatible: it breaks readers\ncompatible: it breaks no readers\ncompatible: only additions\n"
+          "not compatible: it breaks writers\nnot compatible: it breaks readers or writers\n"
+          "not compatible: it breaks readers or writers\n",
           ""}},
         {"printf '<!ATTLIST r j (a|b) #IMPLIED k (y|n) #IMPLIED v CDATA #IMPLIED><!ELEMENT r (s?)><!ELEMENT s (t)>' "
          ">f1.dtd; $import "
          "f1.dtd --full -o f1.xml;"
          "printf '<!ATTLIST r j (b|c) #IMPLIED k (y|m) #IMPLIED s CDATA #IMPLIED><!ELEMENT r (k)><!ELEMENT k (t)>' "
          ">f2.dtd;"
-         "$import f2.dtd --full --diff f1.xml --json",
-         {1, R"({"same":false,"compatible":false,"changes":[
-  {"change":"added","what":"enumeration","name":"\\sys\\rosettanet\\r\\r_k"},
-  {"change":"added","what":"constant","name":"\\sys\\rosettanet\\r\\j.c"},
-  {"change":"removed","what":"constant","name":"\\sys\\rosettanet\\r\\j.a"},
-  {"change":"changed","what":"kind","name":"\\sys\\rosettanet\\r\\k","from":"enumeration","to":"record"},
-  {"change":"added","what":"field","name":"\\sys\\rosettanet\\r\\r.k","to":"\\sys\\rosettanet\\r\\k"},
-  {"change":"changed","what":"type","name":"\\sys\\rosettanet\\r\\r.r_k","from":"\\sys\\rosettanet\\r\\k","to":"\\sys\\rosettanet\\r\\r_k"},
-  {"change":"added","what":"field","name":"\\sys\\rosettanet\\r\\r.r_s","to":"String"},
-  {"change":"removed","what":"field","name":"\\sys\\rosettanet\\r\\r.s","from":"\\sys\\rosettanet\\r\\s"},
-  {"change":"removed","what":"field","name":"\\sys\\rosettanet\\r\\r.r_v","from":"String"},
-  {"change":"removed","what":"record","name":"\\sys\\rosettanet\\r\\s"}]}
+         "$import f2.dtd --full --diff f1.xml --json | sed -E 's/,\"(place|breaks)\":(\\{[^}]*\\}|\\[[^]]*\\])//g'",
+         {0, R"({"version":1,"same":false,"compatible":false,"for":"readers","changes":[
+  {"id":"type-added","change":"added","what":"enumeration","name":"\\sys\\rosettanet\\r\\r_k","allowed":false},
+  {"id":"constant-added","change":"added","what":"constant","name":"\\sys\\rosettanet\\r\\j.c","allowed":false},
+  {"id":"constant-removed","change":"removed","what":"constant","name":"\\sys\\rosettanet\\r\\j.a","allowed":false},
+  {"id":"kind-changed","change":"changed","what":"kind","name":"\\sys\\rosettanet\\r\\k","from":"enumeration","to":"record","allowed":false},
+  {"id":"field-added","change":"added","what":"field","name":"\\sys\\rosettanet\\r\\r.k","to":"\\sys\\rosettanet\\r\\k","allowed":false},
+  {"id":"type-changed","change":"changed","what":"type","name":"\\sys\\rosettanet\\r\\r.r_k","from":"\\sys\\rosettanet\\r\\k","to":"\\sys\\rosettanet\\r\\r_k","allowed":false},
+  {"id":"field-added","change":"added","what":"field","name":"\\sys\\rosettanet\\r\\r.r_s","to":"String","allowed":false},
+  {"id":"field-removed","change":"removed","what":"field","name":"\\sys\\rosettanet\\r\\r.s","from":"\\sys\\rosettanet\\r\\s","allowed":false},
+  {"id":"field-removed","change":"removed","what":"field","name":"\\sys\\rosettanet\\r\\r.r_v","from":"String","allowed":false},
+  {"id":"type-removed","change":"removed","what":"record","name":"\\sys\\rosettanet\\r\\s","allowed":false}]}
 )",
           ""}},
         {"$import r.dtd --diff none", {2, "", "none: error: No such file or directory\n"}},
