@@ -1,6 +1,8 @@
 #include "Cli/Arguments.h"
 
+#include "Cli/ArgumentFile.h"
 #include "Cli/Completion.h"
+#include "Cli/HelpText.h"
 #include "Cli/Output.h"
 #include "Files/File.h"
 #include "Import/MsgBase.h"
@@ -10,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <sstream>
 
 namespace {
 
@@ -47,61 +50,64 @@ void takeWords(const std::vector<CString>& words, Arguments& arguments)
 
 void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
 {
-    app.add_option(
-           "SOURCE", words,
-           "How to read the source (dtd, xml, xsd, btd or odbc; left out, the source tells), then the source: a "
-           "file, - for standard input; for odbc a data source name or a connection string; for xml any number")
-        ->option_text("[dtd|xml|xsd|btd|odbc] FILE ...")
+    app.add_option("SOURCE", words,
+                   "  IMPORTER                  dtd, xml, xsd, btd or odbc (default: by the source)\n"
+                   "  SOURCE                    A file, - for standard input; for odbc a data source\n"
+                   "                            name or a connection string; for xml any number\n"
+                   "  @FILE                     Take further arguments from this file, one a line\n")
         ->required();
-    app.add_option("-b,--base-path", arguments.basePath,
-                   "Folder of the broker's repository under which the types are placed")
-        ->type_name("PATH");
-    app.add_option("-t,--table", arguments.tables, "odbc: a table to import, repeatable; without it all tables")
+    app.add_option("-t,--table", arguments.tables, "odbc: import this table, repeatable (default: all)")
         ->type_name("NAME")
         ->allow_extra_args(false);
+}
+
+void addReadingOptions(CLI::App& app, Arguments& arguments)
+{
+    app.add_option("-b,--base-path", arguments.basePath, "Place the types under this folder of the broker")
+        ->type_name("PATH");
     addFullOptions(app, arguments.full);
+    app.add_flag("--allow-empty", arguments.allowEmpty, "Exit 0 even if no types result");
 }
 
 void addOutputOptions(CLI::App& app, Arguments& arguments)
 {
-    app.add_option("-o,--output", arguments.output, "Write to this file, - for standard output, which is the default")
-        ->type_name("FILE");
-    CLI::Option* const list = app.add_flag("-l,--list", arguments.list,
-                                           "List the types, a line each, instead of writing the message document");
-    app.add_option("--type", arguments.type, "Write the document of this one type instead")
+    app.add_option("-o,--output", arguments.output, "Write to this file (default: standard output)")->type_name("FILE");
+    CLI::Option* const list = app.add_flag("-l,--list", arguments.list, "List the types instead, one a line");
+    app.add_option("--type", arguments.type, "Write the document of this type alone")
         ->type_name("NAME")
         ->excludes(list);
-    CLI::Option* const graph =
-        app.add_flag("--graph", arguments.graph, "Write the types and what they refer to as a graph, in DOT, instead")
-            ->excludes(list, "--type");
+    app.add_flag("--pretty", arguments.pretty, "With --type: indent it (default on a terminal)")->needs("--type");
+    CLI::Option* const graph = app.add_flag("--graph", arguments.graph, "Write a graph of the types instead, in DOT")
+                                   ->excludes(list, "--type");
     addDiffOptions(app, arguments.diff)->excludes(list, graph, "--type");
-    app.add_flag("--json", arguments.json, "With --list and --diff: write JSON");
-    app.add_flag("--allow-empty", arguments.allowEmpty, "Take a source from which no type comes for a success");
-    CLI::Option* const quiet = app.add_flag_callback(
-        "-q,--quiet", [&arguments] { arguments.verbosity = Verbosity::quiet; }, "Say errors alone");
-    app.add_flag_callback(
-           "-v,--verbose", [&arguments] { arguments.verbosity = Verbosity::verbose; },
-           "Say all warnings, and how the source was read")
-        ->excludes(quiet);
+    app.add_flag("--json", arguments.json, "With --list or --diff: write JSON");
     addReportOptions(app, arguments.report);
+    addDependencyOptions(app, arguments.dependencies);
 }
 
-void addHelpOptions(CLI::App& app)
+void addOtherOptions(CLI::App& app, Arguments& arguments)
 {
+    CLI::Option* const quiet = app.add_flag_callback(
+        "-q,--quiet", [&arguments] { arguments.verbosity = Verbosity::quiet; }, "Print errors only");
+    app.add_flag_callback(
+           "-v,--verbose", [&arguments] { arguments.verbosity = Verbosity::verbose; },
+           "Print all warnings, and the importer chosen")
+        ->excludes(quiet);
+
     app.add_flag_callback(
         "--importers",
         [] {
             listImporters();
             throw CLI::Success();
         },
-        "List the importers, a line each: word, tab, patterns of its files, tab, name");
+        "List the importers: word, file patterns, name");
     app.add_option_function<CString>(
            "--completion",
            [&app](const CString& shell) {
                std::fputs(completionFor(app, shell).c_str(), stdout);
                throw CLI::Success();
            },
-           "Write what completes this program's command lines in a shell")
+           "Print a completion script for this shell")
         ->type_name("bash|zsh|fish")
         ->check(CLI::IsMember({"bash", "zsh", "fish"}));
 }
@@ -110,18 +116,27 @@ void addHelpOptions(CLI::App& app)
 
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus)
 {
-    CLI::App app("Turns a description of business messages into type definitions for a message broker.",
+    CLI::App app("Turn a description of business messages into type definitions for a message\nbroker.",
                  "typeforge-import");
-    app.set_version_flag("--version", "typeforge-import " TYPEFORGE_VERSION, "The version");
-    app.set_help_flag("-h,--help", "This help");
+    app.formatter(std::make_shared<HelpText>());
+    const auto group = [&app](const char* name) -> CLI::App& {
+        app.option_defaults()->group(name);
+        return app;
+    };
+    group("Other");
+    app.set_version_flag("--version", "typeforge-import " TYPEFORGE_VERSION, "Print the version");
+    app.set_help_flag("-h,--help", "Print this help");
     std::vector<CString> words;
-    addSourceOptions(app, arguments, words);
-    addOutputOptions(app, arguments);
-    addHelpOptions(app);
-    addLogonOptions(app, arguments.logon);
+    addSourceOptions(group("Input"), arguments, words);
+    addReadingOptions(group("Reading"), arguments);
+    addOutputOptions(group("Output"), arguments);
+    addLogonOptions(group("Broker"), arguments.logon);
     addCreateOptions(app, arguments.create);
+    addOtherOptions(group("Other"), arguments);
     try {
-        app.parse(argc, argv);
+        std::vector<CString> given = argumentsOf(argc, argv);
+        std::ranges::reverse(given); // the order that the library asks for
+        app.parse(std::move(given));
         refuseEmptyNames(app);
         takeWords(words, arguments);
         if (arguments.json && !arguments.list && arguments.diff.document.empty())
@@ -132,14 +147,22 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
             !mistake.empty())
             throw CLI::ValidationError(mistake);
     } catch (const CLI::Success& end) {
-        exitStatus = app.exit(end);
-        if (Output output("-"); !output.finish())
+        std::ostringstream text;
+        exitStatus = app.exit(end, text, text);
+        Output output("-");
+        output.write(text.str());
+        if (!output.finish())
             exitStatus = kNotWritten;
         return false;
     } catch (const CLI::ParseError& mistake) {
         exitStatus = reportMistake(mistake.what());
         return false;
+    } catch (const std::runtime_error& unreadable) {
+        exitStatus = reportMistake(unreadable.what());
+        return false;
     }
+    if (!arguments.diff.document.empty())
+        failedStatus = kUsage; // 1 says that something differs
     arguments.hasBasePath = app.count("--base-path") > 0;
     arguments.hasType = app.count("--type") > 0;
     return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Cli/CreateTypes.h"
+#include "Cli/DependencyFile.h"
 #include "Cli/Diagnostics.h"
 #include "Cli/Diff.h"
 #include "Cli/FullReading.h"
@@ -22,12 +23,14 @@ struct Arguments
     bool list = false;
     bool json = false; ///< the list, or the differences
     bool graph = false;
-    CString type; ///< the one type to write; only when hasType
+    bool pretty = false; ///< the one type, indented
+    CString type;        ///< the one type to write; only when hasType
     bool hasType = false;
     bool allowEmpty = false;
     Verbosity verbosity = Verbosity::normal;
     FullOptions full;
     DiffOptions diff;
+    DependencyOptions dependencies;
     ReportOptions report;
     LogonOptions logon;
     CreateOptions create;

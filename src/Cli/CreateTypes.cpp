@@ -72,12 +72,11 @@ void addCreateOptions(CLI::App& app, CreateOptions& options)
             ->type_name("SERVER[:PORT]")
             ->check(CLI::Validator(checkAddress, ""))
             ->excludes("--output", "--list", "--type", "--graph", "--diff");
-    app.add_flag("--trusted", options.trusted, "Log on as the user that runs the program (the default)")
+    app.add_flag("--trusted", options.trusted, "Log on as the current user (default)")
         ->needs(create)
         ->excludes("--user");
     app.add_option("--overwrite", options.overwrite,
-                   "What becomes of types that exist: all, none or ask; without it the terminal, if there is one, is "
-                   "asked")
+                   "Replace existing types: all, none or ask (default: ask on a terminal, else keep)")
         ->type_name("all|none|ask")
         ->check(CLI::IsMember({"all", "none", "ask"}))
         ->needs(create);

@@ -156,20 +156,19 @@ private:
 CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
 {
     CLI::Option* const diff =
-        app.add_option("--diff", options.document, "Compare with a document written earlier (- is stdin)")
-            ->type_name("FILE");
-    app.add_option("--compatible", options.compatible, "Whom a change must not break: readers (default), ...")
+        app.add_option("--diff", options.document, "Compare with this earlier document instead")->type_name("FILE");
+    app.add_option("--compatible", options.compatible, "Whom changes must not break (default: readers)")
         ->type_name("readers|writers|both")
         ->check(CLI::IsMember({"readers", "writers", "both"}))
         ->needs(diff);
-    app.add_option("--allow", options.allowed, "A change that doesn't count, repeatable (field-added, ...)")
+    app.add_option("--allow", options.allowed, "Accept this change, repeatable (field-added ...)")
         ->type_name("ID")
         ->allow_extra_args(false)
         ->check([](const CString& id) {
             return changeCalled(id) == TypeChange::idCount ? "no change is called " + id : CString();
         })
         ->needs(diff);
-    app.add_flag("--ignore-folders", options.ignoreFolders, "Ignore another base path or main element")->needs(diff);
+    app.add_flag("--ignore-folders", options.ignoreFolders, "Accept another base path or main element")->needs(diff);
     return diff;
 }
 

@@ -9,10 +9,8 @@
 
 void addFullOptions(CLI::App& app, FullOptions& options)
 {
-    CLI::Option* const full = app.add_flag("--full", options.isWanted,
-                                           "dtd, xsd: Read the source by all the rules of its language: entities and "
-                                           "modules, namespaces and documents, derived types");
-    app.add_option("--root", options.root, "With --full: the main type; only what it reaches is imported")
+    CLI::Option* const full = app.add_flag("--full", options.isWanted, "dtd, xsd: Read by all rules of the language");
+    app.add_option("--root", options.root, "With --full: import NAME and what it reaches")
         ->type_name("NAME")
         ->needs(full);
 }

@@ -38,13 +38,6 @@ Element* findType(MsgBase& message, const CString& name)
     return byFullName;
 }
 
-void writeType(Element& type, Output& output)
-{
-    CString document;
-    type.asXML(document);
-    output.write(document);
-}
-
 int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagnostics)
 {
     Output output(arguments.output);
@@ -52,12 +45,15 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
         return diffTypes(message, arguments.diff, arguments.json, output, diagnostics);
     Element* const type = arguments.hasType ? findType(message, arguments.type) : nullptr;
     if (type) {
-        writeType(*type, output);
+        writeType(*type, arguments.pretty || output.isTerminal(), output);
     } else if (arguments.hasType) {
         diagnostics.error("there is no type called " + arguments.type);
         return kFailed;
     } else if (arguments.list) {
-        (arguments.json ? writeJsonList : writeList)(message, output);
+        if (arguments.json)
+            writeJsonList(message, output);
+        else
+            writeList(message, output.isTerminal(), output);
     } else if (arguments.graph) {
         writeGraph(message, output);
     } else {
@@ -137,7 +133,7 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
 {
     std::vector<CString> others = files;
     others.push_back(arguments.diff.document == "-" ? "" : arguments.diff.document);
-    for (const CString& written : {arguments.output, arguments.report.file}) {
+    for (const CString& written : {arguments.output, arguments.report.file, arguments.dependencies.file}) {
         if (written.empty() || written == "-")
             continue;
         for (const CString& other : others)
@@ -174,5 +170,10 @@ int runImport(const Arguments& arguments)
         return arguments.diff.document.empty() ? kNotWritten : failedStatus;
     if (!arguments.create.address.empty())
         return createTypes(*message, arguments.create, arguments.logon, arguments.verbosity);
-    return writeResult(*message, arguments, diagnostics);
+    const int status = writeResult(*message, arguments, diagnostics);
+    const DependencyOptions& dependencies = arguments.dependencies;
+    if (status == kDone && !dependencies.file.empty() &&
+        !writeDependencies(message->queryReport(), arguments.output, dependencies))
+        return kNotWritten;
+    return status;
 }

@@ -11,11 +11,8 @@
 
 void addLogonOptions(CLI::App& app, LogonOptions& options)
 {
-    CLI::Option* const user =
-        app.add_option("--user", options.user, "Log on as this user: to the broker with --create, else to the database")
-            ->type_name("NAME");
-    app.add_option("--password-file", options.passwordFile,
-                   "The file whose first line is the password; without it the terminal is asked")
+    CLI::Option* const user = app.add_option("--user", options.user, "Log on as this user")->type_name("NAME");
+    app.add_option("--password-file", options.passwordFile, "Read the password from this file's first line")
         ->type_name("FILE")
         ->needs(user);
 }

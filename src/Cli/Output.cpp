@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <unistd.h>
 
 Output::Output(const CString& fileName) : fileName(fileName)
 {
@@ -18,6 +19,11 @@ void Output::write(std::string_view bytes)
         file->write(bytes);
     else if (cause == FileCause::none && std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size())
         cause = fileCauseOf(errno);
+}
+
+bool Output::isTerminal() const
+{
+    return !file && ::isatty(STDOUT_FILENO) == 1;
 }
 
 FileCause Output::commit()

@@ -13,6 +13,9 @@ public:
 
     void write(std::string_view bytes);
 
+    /// Whether people see what is written as it comes.
+    bool isTerminal() const;
+
     /// Ends the output; `none` when all of it has arrived.
     FileCause commit();
 

@@ -11,10 +11,9 @@
 void addReportOptions(CLI::App& app, ReportOptions& options)
 {
     CLI::Option* const report =
-        app.add_option("--report", options.file,
-                       "Write what was not carried over into the types to this file, - for standard error")
+        app.add_option("--report", options.file, "Write what was left out to this file (- is stderr)")
             ->type_name("FILE");
-    app.add_option("--report-format", options.format, "How: text for people, the default, or json")
+    app.add_option("--report-format", options.format, "Format of the report (default: text)")
         ->type_name("text|json")
         ->check(CLI::IsMember({"text", "json"}))
         ->needs(report);

@@ -5,7 +5,6 @@
 #include "Files/TemporaryFile.h"
 
 #include <cstdlib>
-#include <span>
 #include <unistd.h>
 
 namespace {
@@ -35,9 +34,6 @@ namespace {
 int main(int argc, char** argv)
 {
     takeClosedStreams();
-    for (const char* argument : std::span(argv, static_cast<std::size_t>(argc)))
-        if (std::string_view(argument).starts_with("--diff"))
-            failedStatus = kUsage; // 1 says that something differs
     try {
         Arguments arguments;
         int exitStatus = kDone;

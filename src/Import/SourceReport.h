@@ -71,6 +71,7 @@ public:
     /// The number under which places refer to a file of that name.
     std::uint32_t addFile(const CString& fileName);
     const CString& fileNameOf(std::uint32_t file) const { return files[file]; }
+    std::uint32_t fileCount() const { return static_cast<std::uint32_t>(files.size()); }
 
     /// Notes a construct at its place. Of a long name only the beginning is kept.
     void add(Construct construct, SourcePlace place, std::string_view name);

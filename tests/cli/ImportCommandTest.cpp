@@ -276,18 +276,45 @@ not compatible: it breaks readers
         // For other programs.
         {"printf '<!ELEMENT r (s*)><!ATTLIST r k (y|n) #IMPLIED><!ELEMENT s (t)>' >g.dtd; $import g.dtd --full --list "
          "--json",
-         {0, R"-([
+         {0, R"-({"version":1,"main":"r","types":[
   {"name":"k","folder":"\\sys\\rosettanet\\r\\","kind":"enumeration","description":"k (Automatically created)","constants":[
     {"name":"y","description":"y (Automatically created)"},
     {"name":"n","description":"n (Automatically created)"}]},
   {"name":"s","folder":"\\sys\\rosettanet\\r\\","kind":"record","description":"s (Automatically created)","fields":[
-    {"name":"t","type":"String","repeats":false,"description":"t (Automatically created)"}]},
-  {"name":"t_s","folder":"\\sys\\rosettanet\\r\\","kind":"table","description":"t_s (Automatically created)","component":{"type":"\\sys\\rosettanet\\r\\s","repeats":false}},
+    {"name":"t","type":"String","repeats":false,"declared":"String","description":"t (Automatically created)"}]},
+  {"name":"t_s","folder":"\\sys\\rosettanet\\r\\","kind":"table","description":"t_s (Automatically created)","component":{"type":"\\sys\\rosettanet\\r\\s","repeats":false,"declared":"\\sys\\rosettanet\\r\\s"}},
   {"name":"r","folder":"\\sys\\rosettanet\\r\\","kind":"record","description":"r (Automatically created)","fields":[
-    {"name":"s","type":"\\sys\\rosettanet\\r\\s","repeats":true,"description":"s (Automatically created)"},
-    {"name":"r_k","type":"\\sys\\rosettanet\\r\\k","repeats":false,"description":"r_k (Automatically created)"}]}]
+    {"name":"s","type":"\\sys\\rosettanet\\r\\s","repeats":true,"declared":"\\sys\\rosettanet\\r\\t_s","description":"s (Automatically created)"},
+    {"name":"r_k","type":"\\sys\\rosettanet\\r\\k","repeats":false,"declared":"\\sys\\rosettanet\\r\\k","description":"r_k (Automatically created)"}]}]}
 )-",
           ""}},
+        // For people.
+        {"$import r.dtd --type t_b --pretty",
+         {0,
+          R"-(<BROKERTYPEDESCRIPTION NAME="\sys\rosettanet\r\t_b" DESCRIPTION="t_b (Automatically created)">
+  <TABLE>
+    <COMPONENT TYPE="String"/>
+  </TABLE>
+</BROKERTYPEDESCRIPTION>
+)-",
+          ""}},
+        {"script -qec \"$import r.dtd --list\" /dev/null | tr -d '\\r'",
+         {0,
+          "\\sys\\rosettanet\\r\\t_b  t_b (Automatically created)\n\\sys\\rosettanet\\r\\r    r (Automatically "
+          "created)\n",
+          ""}},
+        // For make and ninja, which read the names that a shell would have to quote.
+        {"mkdir 'a b'; cp r.dtd 'a b/$#.dtd'; printf '<!ENTITY %% m SYSTEM \"r.dtd\"> %%m; %%m; %%n;' >k.dtd; "
+         "$import 'a b/$#.dtd' -o 'o t' --depfile d; cat d; $import k.dtd --full -q -o o --depfile d --depfile-phony; "
+         "sed \"s,$PWD/,,\" d",
+         {0, "o\\ t: \\\n  a\\ b/$$\\#.dtd\no: \\\n  k.dtd \\\n  r.dtd\n\nr.dtd:\n", ""}},
+        {"cp r.dtd \"$(printf 'x\\ny')\"; $import dtd x* -o o --depfile d",
+         {3, "", says("can't write d: no rule can hold the name of a file with a line break")}},
+        {"$import r.dtd -o d --depfile d", {2, "", mistake("d: it would be read and written, or written twice")}},
+        // Arguments in a file.
+        {"printf 'dtd\\r\\n\\nr.dtd\\n--list' >args; $import @args", {0, kList, ""}},
+        {"$import r.dtd @none", {2, "", mistake("can't open none: No such file or directory")}},
+        {"cp r.dtd @r; $import -l dtd -- @r", {0, kList, ""}},
         {"$import g.dtd --full --graph",
          {0, R"(digraph types {
     rankdir=LR
@@ -307,6 +334,7 @@ not compatible: it breaks readers
         {"$import dtd r.dtd -o /dev/full", {3, "", says("can't write /dev/full: No space left on device")}},
         {"$import dtd r.dtd >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
         {"$import --help >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
+        {"$import --version >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
         {"$import r.dtd -o /dev/null --report - 2>/dev/full", {3, "", ""}},
         {"$import dtd r.dtd >&-", {3, "", says("can't write standard output: Bad file descriptor")}},
         // Pipes are read and written, and what standard output leads to is added to.

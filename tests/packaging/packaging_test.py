@@ -41,7 +41,7 @@ class Packaging(unittest.TestCase):
             self.assertEqual((0, offered + "\n", ""), run("bash", "-c", script % (line, place)), line)
 
         # The shells themselves; bash-completion's part is what the rows above stand in for.
-        said = "What becomes of types that exist: all, none or ask; without it the terminal, if there is one, is asked"
+        said = "Replace existing types: all, none or ask (default: ask on a terminal, else keep)"
         load = "source (" + BUILD + "/typeforge-import --completion fish | psub); complete -C '" + BUILD + "/typeforge-import "
         self.assertEqual((0, "none\t" + said + "\n", ""), run("fish", "-c", load + "dtd a --overwrite n'"))
         self.assertEqual((0, "xml\tXML data importer\nxsd\tXML Schema importer\n", ""), run("fish", "-c", load + "x'"))

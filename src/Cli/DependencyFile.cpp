@@ -1,0 +1,77 @@
+#include "Cli/DependencyFile.h"
+
+#include "Cli/Diagnostics.h"
+#include "Cli/Output.h"
+#include "Files/FileMessage.h"
+#include "Import/SourceReport.h"
+
+#include <CLI/CLI.hpp>
+
+#include <set>
+#include <vector>
+
+namespace {
+
+// As compilers write names: GNU make and ninja take a backslash off a blank, '#' and ':', and one of two '$'. A
+// backslash is itself but in front of such a character.
+CString escaped(const CString& name)
+{
+    CString out;
+    std::size_t backslashes = 0;
+    for (const char c : name) {
+        if (c == ' ' || c == '\t' || c == '#')
+            out.append(backslashes + 1, '\\');
+        else if (c == '$')
+            out += '$';
+        backslashes = c == '\\' ? backslashes + 1 : 0;
+        out += c;
+    }
+    return out;
+}
+
+bool canBeNamed(const CString& name)
+{
+    return name.find_first_of("\r\n") == CString::npos;
+}
+
+// Each file once, in the order of reading. Standard input is no file that could change.
+std::vector<CString> filesOf(const SourceReport& report)
+{
+    std::vector<CString> files;
+    std::set<CString> known;
+    for (std::uint32_t file = 0; file < report.fileCount(); ++file)
+        if (const CString& name = report.fileNameOf(file);
+            !name.empty() && name != kStandardInput && known.insert(name).second)
+            files.push_back(name);
+    return files;
+}
+
+} // namespace
+
+void addDependencyOptions(CLI::App& app, DependencyOptions& options)
+{
+    CLI::Option* const file =
+        app.add_option("--depfile", options.file, "Write a make rule naming the files that were read")
+            ->type_name("FILE")
+            ->needs("--output");
+    app.add_flag("--depfile-phony", options.hasPhony, "Add an empty rule for each further file")->needs(file);
+}
+
+bool writeDependencies(const SourceReport& report, const CString& target, const DependencyOptions& options)
+{
+    const std::vector<CString> files = filesOf(report);
+    CString rule = escaped(target) + ":";
+    CString phony;
+    for (const CString& file : files) {
+        if (!canBeNamed(file) || !canBeNamed(target)) {
+            ::report("can't write " + options.file + ": no rule can hold the name of a file with a line break");
+            return false;
+        }
+        rule += " \\\n  " + escaped(file);
+        if (options.hasPhony && &file != &files.front()) // the rule of the main file would hide that it is gone
+            phony += "\n" + escaped(file) + ":\n";
+    }
+    Output output(options.file);
+    output.write(rule + "\n" + phony);
+    return output.finish();
+}

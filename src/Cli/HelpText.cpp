@@ -1,0 +1,57 @@
+#include "Cli/HelpText.h"
+
+#include "Base/Text.h"
+
+namespace {
+
+constexpr std::size_t kColumn = 28; // where descriptions begin
+constexpr std::size_t kColumns = 80;
+
+constexpr const char* kGroups[] = {"Input", "Reading", "Output", "Broker", "Other"};
+
+// A text that goes on below its own beginning where the line is full.
+CString wrapped(std::string_view text)
+{
+    CString lines;
+    while (text.size() > kColumns - kColumn) {
+        const std::size_t end = text.rfind(' ', kColumns - kColumn);
+        if (end == text.npos)
+            break;
+        lines.append(text.substr(0, end)).append("\n").append(kColumn, ' ');
+        text.remove_prefix(end + 1);
+    }
+    return lines.append(text);
+}
+
+CString lineOf(const CLI::Option& option)
+{
+    CString line = option.get_snames().empty() ? "      " : "  -" + option.get_snames().front() + ", ";
+    line += "--" + option.get_lnames().front();
+    if (option.get_items_expected_max() > 0) {
+        const CString type = option.get_type_name();
+        line += " " + type.substr(0, type.find(":{")); // behind it stand the words to choose from
+    }
+    if (line.size() + 2 > kColumn)
+        line += "\n" + CString(kColumn, ' ');
+    else
+        line.resize(kColumn, ' ');
+    return line + wrapped(option.get_description()) + "\n";
+}
+
+} // namespace
+
+std::string HelpText::make_help(const CLI::App* app, std::string name, CLI::AppFormatMode) const
+{
+    CString text = "Usage: " + (name.empty() ? app->get_name() : name) + " [IMPORTER] SOURCE... [OPTION]...\n" +
+                   app->get_description() + "\n";
+    for (const char* group : kGroups) {
+        text += CString("\n") + group + ":\n";
+        if (group == kGroups[0])
+            for (const CLI::Option* option : app->get_options([](const CLI::Option* o) { return !o->nonpositional(); }))
+                text += option->get_description();
+        for (const CLI::Option* option : app->get_options([](const CLI::Option* o) { return o->nonpositional(); }))
+            if (option->get_group() == group)
+                text += lineOf(*option);
+    }
+    return text;
+}
