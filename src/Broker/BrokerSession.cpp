@@ -18,6 +18,7 @@ VornObject<Interface> own(Interface* object, const VornObject<Parent>& parent)
 BrokerSession::~BrokerSession()
 {
     const MemoryWipe wipe; // the client's libraries have kept the password up to here
+    creation.reset();
     repository.reset();
     connection.reset();
     server.reset();
@@ -65,7 +66,10 @@ CString BrokerSession::openRepository()
         describe(*connection);
         return loadText(IDS_GENERIC_ERROR);
     }
-    return repository ? "" : loadText(IDS_NO_REPOSITORY);
+    if (!repository)
+        return loadText(IDS_NO_REPOSITORY);
+    creation = queryInterface<IVornCreation>(repository, kVornCreation);
+    return {};
 }
 
 unsigned BrokerSession::createType(const CString& document, bool overwrite)
@@ -74,4 +78,10 @@ unsigned BrokerSession::createType(const CString& document, bool overwrite)
     if (repository->createType(document.c_str(), overwrite ? 1 : 0, &code) != VornResult::done)
         throw ClientError(repository->queryDescription());
     return code;
+}
+
+void BrokerSession::finish()
+{
+    if (creation && creation->finish() != VornResult::done)
+        throw ClientError(creation->queryDescription());
 }

@@ -39,6 +39,10 @@ public:
     /// Creates one type and answers the client's result code. Raises ClientError.
     unsigned createType(const CString& document, bool overwrite);
 
+    /// Returns when the types that were created outlive a crash of the server, if the client can tell. Raises
+    /// ClientError if some may be lost.
+    void finish();
+
 private:
     CString logOn(const CString& address, const BrokerAccount* account);
     CString openRepository();
@@ -47,5 +51,6 @@ private:
     VornObject<IVornIntegrationServer> server;
     VornObject<IVornConnection> connection;
     VornObject<IVornRepository> repository;
+    VornObject<IVornCreation> creation; // null if the client has no such interface
     CString description;
 };

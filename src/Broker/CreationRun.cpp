@@ -70,7 +70,19 @@ int CreationRun::run(MsgBase& message)
     }
     if (!isCancelled)
         tellProgress(progress);
+    finish();
     return errorCount;
+}
+
+void CreationRun::finish()
+{
+    try {
+        session.finish();
+    } catch (const ClientError& error) {
+        callbacks.addResult("The last types that were created may be lost: " + asOneLine(error.what()),
+                            ResultKind::reason);
+        ++errorCount;
+    }
 }
 
 void CreationRun::create(Element& type)

@@ -40,6 +40,7 @@ public:
 
 private:
     void create(Element& type);
+    void finish();
     unsigned createOrAsk(const Element& type);
 
     BrokerSession& session;

@@ -2,10 +2,11 @@
 
 #include <cstdint>
 
-// What a broker client is to the program: a shared library that exports the first two functions below, and the third
-// where its work can be ended early, and hands out objects of these interfaces. Only pointers, integers and
-// zero-terminated UTF-8 texts cross the boundary, and no exception, so that client and program may be built apart. A
-// new or changed function needs a new kVornInterfaceVersion.
+// What a broker client is to the program: a shared library that exports the first two functions below and hands out
+// objects of these interfaces. The third function is there if its work can be ended early, the fourth if it has
+// interfaces beyond the first version. Only pointers, integers and zero-terminated UTF-8 texts cross the boundary, and
+// no exception, so that client and program may be built apart. A new or changed function of an interface needs a new
+// kVornInterfaceVersion, or an interface of its own behind vornQueryInterface().
 
 /// The version of the interfaces in this header.
 constexpr std::uint32_t kVornInterfaceVersion = 1;
@@ -48,6 +49,20 @@ protected:
     ~IVornRepository() = default;
 };
 
+/// A creation of types in a repository. A client that lacks it is used by IVornRepository alone.
+class IVornCreation : public IVornObject
+{
+public:
+    /// Returns when all types that were created outlive a crash of the server. Without it they do some time later.
+    virtual VornResult finish() noexcept = 0;
+
+protected:
+    ~IVornCreation() = default;
+};
+
+/// The name of IVornCreation for vornQueryInterface(). A changed interface gets another number.
+constexpr char kVornCreation[] = "IVornCreation.1";
+
 /// A logged-on user's connection.
 class IVornConnection : public IVornObject
 {
@@ -87,4 +102,8 @@ extern "C" {
 /// Tells the library what to ask, from the thread that has called it, while that waits for a server: when the answer is
 /// no, whatever it waits for fails soon as a client error.
 [[gnu::visibility("default")]] void vornSetQuestion(bool (*isStillWanted)()) noexcept;
+
+/// A new object of the interface called `name` for an open repository of the library; null if the library hasn't got
+/// that interface.
+[[gnu::visibility("default")]] IVornObject* vornQueryInterface(IVornRepository* repository, const char* name) noexcept;
 }

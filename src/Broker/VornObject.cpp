@@ -86,3 +86,10 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
         why = fileName + ": no class " + classId;
     return object;
 }
+
+IVornObject* queryInterface(const VornObject<IVornRepository>& repository, const char* name)
+{
+    const auto query =
+        findFunction<decltype(vornQueryInterface)>(repository.get_deleter().library, "vornQueryInterface");
+    return query ? query(repository.get(), name) : nullptr;
+}

@@ -26,3 +26,12 @@ using VornObject = std::unique_ptr<Interface, VornRelease>;
 /// is no such library, its interfaces are of another version, or it doesn't know the class; `reason` then says which,
 /// for people who set up clients.
 VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString* reason = nullptr);
+
+/// The same as vornQueryInterface(); null also if the library hasn't got that function.
+IVornObject* queryInterface(const VornObject<IVornRepository>& repository, const char* name);
+
+template <class Interface>
+VornObject<Interface> queryInterface(const VornObject<IVornRepository>& repository, const char* name)
+{
+    return {static_cast<Interface*>(queryInterface(repository, name)), repository.get_deleter()};
+}

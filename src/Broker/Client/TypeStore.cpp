@@ -23,6 +23,13 @@ constexpr char kProbe[] = "INSERT INTO typeforge_types (name, document, revision
                           "SELECT name, document, revision FROM typeforge_types WHERE false "
                           "ON CONFLICT (name) DO UPDATE SET document = excluded.document";
 
+// A commit waits for the disk if it is synchronous and there is something to write, which the message is. All earlier
+// commits reach the disk before it. Where the administrator asks for more than `on` the server goes on doing so.
+constexpr char kFinish[] = "SELECT set_config('synchronous_commit', "
+                           "CASE reset_val WHEN 'off' THEN 'on' ELSE reset_val END, true), "
+                           "pg_logical_emit_message(true, 'typeforge', '') "
+                           "FROM pg_settings WHERE name = 'synchronous_commit'";
+
 // What stands in the way of using the table; nothing when it can be used.
 std::optional<CDBException> probe(CDatabase& database)
 {
@@ -61,17 +68,28 @@ void findOrMakeTable(CDatabase& database)
 
 } // namespace
 
-TypeStore::TypeStore(std::shared_ptr<CDatabase> open) : database(std::move(open))
+TypeStore::TypeStore(std::shared_ptr<CDatabase> open, Place openPlace) : database(std::move(open)), place(openPlace)
 {
     findOrMakeTable(*database);
+    if (place == Place::server)
+        database->ExecuteSQL("SET synchronous_commit = off"); // for the connection
     insert = std::make_unique<CStatement>(*database, kInsert);
     upsert = std::make_unique<CStatement>(*database, kUpsert);
+}
+
+TypeStore::~TypeStore()
+{
+    try {
+        finish();
+    } catch (...) { // also Cancelled
+    }
 }
 
 TypeStore::Outcome TypeStore::store(const CString& name, const char* document, bool overwrite)
 {
     if (busy)
         throw *busy;
+    isPending = true;
     try {
         const CStatement::Rows revisions = (overwrite ? *upsert : *insert).execute({name, document});
         if (revisions.empty())
@@ -82,4 +100,11 @@ TypeStore::Outcome TypeStore::store(const CString& name, const char* document, b
             busy = error;
         throw;
     }
+}
+
+void TypeStore::finish()
+{
+    if (place == Place::server && isPending)
+        database->ExecuteSQL(kFinish);
+    isPending = false;
 }

@@ -9,9 +9,20 @@
 class TypeStore
 {
 public:
+    enum class Place
+    {
+        file,  ///< SQLite
+        server ///< PostgreSQL
+    };
+
     /// Finds the table, or makes it where the database has none yet. Raises CDBException; also where the rights for
     /// changing it are missing.
-    explicit TypeStore(std::shared_ptr<CDatabase> database);
+    TypeStore(std::shared_ptr<CDatabase> database, Place place);
+
+    /// Does what finish() does, but tells no failure.
+    ~TypeStore();
+    TypeStore(const TypeStore&) = delete;
+    TypeStore& operator=(const TypeStore&) = delete;
 
     enum Outcome : unsigned
     {
@@ -25,8 +36,14 @@ public:
     /// where the database was locked or silent, the same for any further type, at once.
     Outcome store(const CString& name, const char* document, bool overwrite);
 
+    /// Returns when all that was stored is on the server's disk: a crash of the server until then may lose the types
+    /// that were stored last. Raises CDBException.
+    void finish();
+
 private:
     std::shared_ptr<CDatabase> database; // above the statements, which have to go first
+    const Place place;
+    bool isPending = false; // something was stored that may not be on the server's disk
     std::unique_ptr<CStatement> insert;
     std::unique_ptr<CStatement> upsert;
     std::optional<CDBException> busy; // as the database was found to be

@@ -62,39 +62,67 @@ private:
     CString description;
 };
 
-class Repository final : public ClientObject<IVornRepository>
+class Creation final : public ClientObject<IVornCreation>
 {
 public:
-    explicit Repository(std::shared_ptr<CDatabase> database) : store(std::move(database)) {}
+    explicit Creation(std::shared_ptr<TypeStore> openStore) : store(std::move(openStore)) {}
 
-    VornResult createType(const char* document, std::int32_t overwrite, std::uint32_t* code) noexcept override
+    VornResult finish() noexcept override
     {
         return attempt([&] {
-            const std::optional<CString> name = queryTypeName(document);
-            *code = name ? store.store(*name, document, overwrite != 0) : kRefused;
+            store->finish();
             return VornResult::done;
         });
     }
 
 private:
-    TypeStore store;
+    std::shared_ptr<TypeStore> store;
+};
+
+class Repository final : public ClientObject<IVornRepository>
+{
+public:
+    Repository(std::shared_ptr<CDatabase> database, TypeStore::Place place) :
+        store(std::make_shared<TypeStore>(std::move(database), place))
+    {}
+
+    VornResult createType(const char* document, std::int32_t overwrite, std::uint32_t* code) noexcept override
+    {
+        return attempt([&] {
+            const std::optional<CString> name = queryTypeName(document);
+            *code = name ? store->store(*name, document, overwrite != 0) : kRefused;
+            return VornResult::done;
+        });
+    }
+
+    /// Null for a name that is not known.
+    IVornObject* queryInterface(std::string_view name) const
+    {
+        return name == kVornCreation ? new (std::nothrow) Creation(store) : nullptr;
+    }
+
+private:
+    std::shared_ptr<TypeStore> store;
 };
 
 class Connection final : public ClientObject<IVornConnection>
 {
 public:
-    explicit Connection(std::shared_ptr<CDatabase> open) : database(std::move(open)) {}
+    Connection(std::shared_ptr<CDatabase> open, TypeStore::Place openPlace) :
+        database(std::move(open)), place(openPlace)
+    {}
 
     VornResult GetRepository(IVornRepository** repository) noexcept override
     {
         return attempt([&] {
-            *repository = new Repository(database);
+            *repository = new Repository(database, place);
             return VornResult::done;
         });
     }
 
 private:
     std::shared_ptr<CDatabase> database; // the repository's too, which may live longer
+    const TypeStore::Place place;
 };
 
 class Server final : public ClientObject<IVornIntegrationServer>
@@ -153,7 +181,8 @@ private:
             describe(error.what());
             return VornResult::failed;
         }
-        *connection = new Connection(std::move(database));
+        *connection =
+            new Connection(std::move(database), address->isLocal() ? TypeStore::Place::file : TypeStore::Place::server);
         return VornResult::done;
     }
 
@@ -175,4 +204,9 @@ IVornIntegrationServer* vornCreateObject(const char* classId) noexcept
 void vornSetQuestion(bool (*isStillWanted)()) noexcept
 {
     setProgressHandler([isStillWanted](const Progress&) { return isStillWanted(); });
+}
+
+IVornObject* vornQueryInterface(IVornRepository* repository, const char* name) noexcept
+{
+    return static_cast<Repository*>(repository)->queryInterface(name);
 }
