@@ -31,10 +31,10 @@ class Documents(unittest.TestCase):
         commands = [shown for document in DOCUMENTS for shown in shown_commands(document.read_text(encoding="utf-8"))]
         self.assertGreater(len(commands), 20)
         with tempfile.TemporaryDirectory() as folder:
-            os.symlink(os.environ["TYPEFORGE_BUILD"], os.path.join(folder, "build"))
             for name in ("examples", "scripts"):
                 os.symlink(ROOT / name, os.path.join(folder, name))
-            homes = {"XDG_CONFIG_HOME": folder, "XDG_DATA_HOME": folder}
+            path = os.environ["TYPEFORGE_BUILD"] + os.pathsep + os.environ["PATH"]
+            homes = {"XDG_CONFIG_HOME": folder, "XDG_DATA_HOME": folder, "PATH": path}
             for command, lines in commands:
                 with self.subTest(command):
                     run = subprocess.run(command, shell=True, cwd=folder, env=os.environ | homes,
@@ -47,7 +47,7 @@ class Documents(unittest.TestCase):
                 self.assertTrue((document.parent / target).exists(), f"{document.name}: {target}")
 
     def test_units_and_scripts_that_are_named_are_there(self):
-        folders = "src|tests|fuzz|bench|scripts|examples|docs|Formats|Utils|Platform|Broker"
+        folders = "src|tests|fuzz|bench|scripts|examples|docs|Base|Files|Xml|Database|Model|Import|Types|Broker|Cli|Ui|Wizard"
         for document in DOCUMENTS:
             for name in re.findall(rf"`((?:{folders})/[\w./-]+)[` ]", document.read_text(encoding="utf-8")):
                 places = [*ROOT.glob(name + "*"), *(ROOT / "src").glob(name + "*")]
