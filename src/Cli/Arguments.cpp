@@ -72,6 +72,7 @@ void addReadingOptions(CLI::App& app, Arguments& arguments)
 void addOutputOptions(CLI::App& app, Arguments& arguments)
 {
     app.add_option("-o,--output", arguments.output, "Write to this file (default: standard output)")->type_name("FILE");
+    app.add_flag("--always", arguments.always, "Write the file even if nothing changed")->needs("--output");
     CLI::Option* const list = app.add_flag("-l,--list", arguments.list, "List the types instead, one a line");
     app.add_option("--type", arguments.type, "Write the document of this type alone")
         ->type_name("NAME")

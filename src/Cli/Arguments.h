@@ -26,6 +26,7 @@ struct Arguments
     bool pretty = false; ///< the one type, indented
     CString type;        ///< the one type to write; only when hasType
     bool hasType = false;
+    bool always = false; ///< write a file also if it holds the same already
     bool allowEmpty = false;
     Verbosity verbosity = Verbosity::normal;
     FullOptions full;

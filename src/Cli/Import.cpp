@@ -7,6 +7,7 @@
 #include "Cli/TableSource.h"
 #include "Cli/TypeListing.h"
 #include "Files/FileMessage.h"
+#include "Import/GenerationTime.h"
 #include "Import/MsgBase.h"
 #include "Import/Registry/ImporterChoice.h"
 
@@ -41,6 +42,8 @@ Element* findType(MsgBase& message, const CString& name)
 int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagnostics)
 {
     Output output(arguments.output);
+    if (!arguments.always)
+        output.keepUnchanged();
     if (!arguments.diff.document.empty())
         return diffTypes(message, arguments.diff, arguments.json, output, diagnostics);
     Element* const type = arguments.hasType ? findType(message, arguments.type) : nullptr;
@@ -57,6 +60,8 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     } else if (arguments.graph) {
         writeGraph(message, output);
     } else {
+        if (!arguments.always && !isTimeFixed()) // the time alone is no change
+            output.keepUnchanged(static_cast<off_t>(kBeforeTime.size()), static_cast<off_t>(kTimeLength));
         message.writeXML([&output](std::string_view piece) { output.write(piece); });
     }
     return output.finish() ? kDone : kNotWritten;
@@ -149,6 +154,8 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
 int runImport(const Arguments& arguments)
 {
     const ProgressLine progressLine;
+    if (const CString mistake = mistakeInEpoch(); !mistake.empty())
+        return reportMistake(mistake);
     const bool isTold = arguments.importer && arguments.importer->querySource().readsTables;
     const std::vector<CString> files =
         isTold ? arguments.sources : filesOf(arguments.sources, arguments.importer == nullptr);

@@ -21,6 +21,12 @@ void Output::write(std::string_view bytes)
         cause = fileCauseOf(errno);
 }
 
+void Output::keepUnchanged(off_t ignoredFrom, off_t ignoredCount)
+{
+    if (file)
+        file->keepUnchanged(ignoredFrom, ignoredCount);
+}
+
 bool Output::isTerminal() const
 {
     return !file && ::isatty(STDOUT_FILENO) == 1;

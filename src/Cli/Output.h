@@ -11,6 +11,9 @@ public:
     /// "" and "-" stand for standard output, as does /dev/stdout, so that a file behind it is added to.
     explicit Output(const CString& fileName);
 
+    /// Leaves a file as it is that already holds the bytes written; see AtomicFile::keepUnchanged().
+    void keepUnchanged(off_t ignoredFrom = 0, off_t ignoredCount = 0);
+
     void write(std::string_view bytes);
 
     /// Whether people see what is written as it comes.

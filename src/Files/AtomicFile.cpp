@@ -10,6 +10,7 @@
 #include <sys/xattr.h>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -156,11 +157,45 @@ void AtomicFile::write(std::string_view bytes)
 FileCause AtomicFile::commit()
 {
     flush();
-    if (cause == FileCause::none && !target.empty() && !place())
+    const bool isWritten = cause != FileCause::none || target.empty();
+    if (!isWritten && keepsUnchanged && isUnchanged())
+        temporary.remove();
+    else if (!isWritten && !place())
         fail();
     if (!out.close())
         fail();
     return cause;
+}
+
+void AtomicFile::keepUnchanged(off_t from, off_t count)
+{
+    keepsUnchanged = true;
+    ignoredFrom = from;
+    ignoredEnd = from + count;
+}
+
+bool AtomicFile::isUnchanged() const
+{
+    struct stat before = {}, written = {};
+    const Descriptor old(::open(target.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    if (!replaces || !old.isOpen() || ::fstat(old.get(), &before) != 0 || ::fstat(out.get(), &written) != 0 ||
+        !S_ISREG(before.st_mode) || before.st_size != written.st_size)
+        return false;
+    std::vector<char> pieces(2 * kBufferSize);
+    char* const left = pieces.data();
+    char* const right = left + kBufferSize;
+    for (off_t at = 0; at < written.st_size;) {
+        const ssize_t size = ::pread(out.get(), left, kBufferSize, at);
+        if (size <= 0 || ::pread(old.get(), right, static_cast<std::size_t>(size), at) != size)
+            return false;
+        const off_t from = std::clamp<off_t>(ignoredFrom - at, 0, size),
+                    end = std::clamp<off_t>(ignoredEnd - at, 0, size);
+        std::copy(left + from, left + end, right + from);
+        if (!std::equal(left, left + size, right))
+            return false;
+        at += size;
+    }
+    return true;
 }
 
 bool AtomicFile::place()

@@ -5,6 +5,8 @@
 #include "Files/FileError.h"
 #include "Files/TemporaryFile.h"
 
+#include <sys/types.h>
+
 /// A file that appears whole or not at all: what is written goes into a temporary file beside it, which takes the
 /// name's place on commit(). A symbolic link is followed, an existing file keeps its owner, group and permissions.
 /// Without commit() the old file is still there, untouched.
@@ -29,6 +31,10 @@ public:
     /// Appends bytes; after a failure does nothing.
     void write(std::string_view bytes);
 
+    /// Has commit() leave an existing file as it is, with its inode and time, if it holds the same bytes.
+    /// `ignoredCount` bytes from `ignoredFrom` on may differ.
+    void keepUnchanged(off_t ignoredFrom, off_t ignoredCount);
+
     /// Brings everything to the disk and puts the file in its place. `none`, or the first failure of the whole run.
     FileCause commit();
 
@@ -41,13 +47,16 @@ private:
     bool openMemory();
     void fail();
     void flush();
+    bool isUnchanged() const;
     bool place();
     bool overwrite() const;
 
     CString target;          // where the file goes, links followed; empty when it is written directly
     TemporaryFile temporary; // beside the target; not there for what is overwritten where it stands
     bool replaces = false;   // there is a file that may be written
-    CString buffer;          // gathers small writes
+    bool keepsUnchanged = false;
+    off_t ignoredFrom = 0, ignoredEnd = 0;
+    CString buffer; // gathers small writes
     Descriptor out;
     FileCause cause = FileCause::none;
 };

@@ -311,6 +311,18 @@ not compatible: it breaks readers
         {"cp r.dtd \"$(printf 'x\\ny')\"; $import dtd x* -o o --depfile d",
          {3, "", says("can't write d: no rule can hold the name of a file with a line break")}},
         {"$import r.dtd -o d --depfile d", {2, "", mistake("d: it would be read and written, or written twice")}},
+        // A file that holds the same already keeps inode and time.
+        {"at() { stat -c '%i %Y' k.x; }; $import r.dtd -o k.x; "
+         "sed 's/at 20../at 1999/' -i k.x; touch -d 2001-01-01 k.x; b=$(at); $import r.dtd -o k.x; [ \"$b\" = "
+         "\"$(at)\" ] && "
+         "$import r.dtd -o k.x --always; [ \"$b\" = \"$(at)\" ] || echo written; b=$(at); "
+         "SOURCE_DATE_EPOCH=0 $import r.dtd -o k.x; [ \"$b\" = \"$(at)\" ] || grep -c 1970 k.x; "
+         "sed 's/(Auto/(auto/' -i k.x; b=$(at); $import r.dtd -o k.x; [ \"$b\" = \"$(at)\" ] || grep -c auto k.x",
+         {1, "written\n1\n0\n", ""}},
+        {"SOURCE_DATE_EPOCH=1e9 $import r.dtd; SOURCE_DATE_EPOCH=253402300800 $import r.dtd -l",
+         {2, "",
+          mistake("SOURCE_DATE_EPOCH: '1e9' is no number of seconds since 1970 up to the year 9999") +
+              mistake("SOURCE_DATE_EPOCH: '253402300800' is no number of seconds since 1970 up to the year 9999")}},
         // Arguments in a file.
         {"printf 'dtd\\r\\n\\nr.dtd\\n--list' >args; $import @args", {0, kList, ""}},
         {"$import r.dtd @none", {2, "", mistake("can't open none: No such file or directory")}},
