@@ -25,12 +25,39 @@ CString shippedLibrary()
     return program / TYPEFORGE_CLIENT_FOLDER / kShippedClient;
 }
 
-// A library runs as the user, so it has to be the user's own, or the system's.
-bool isTrusted(const CString& library)
+// Whether others than the user and root could put another thing there. In a sticky folder they can't touch what isn't
+// theirs, but they can put libraries beside.
+bool isOpenToOthers(const std::filesystem::path& path, bool mayBeSticky)
 {
-    struct stat state = {};
-    return library.starts_with('/') && ::stat(library.c_str(), &state) == 0 &&
-           (state.st_uid == 0 || state.st_uid == ::geteuid());
+    struct stat link = {}, state = {};
+    if (::lstat(path.c_str(), &link) != 0 || ::stat(path.c_str(), &state) != 0)
+        return false; // nor can it be loaded
+    for (const uid_t owner : {link.st_uid, state.st_uid})
+        if (owner != 0 && owner != ::geteuid())
+            return true;
+    const bool isWritable = (state.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+    return isWritable && !(mayBeSticky && (state.st_mode & S_ISVTX) != 0);
+}
+
+// What lets others decide what the library is: itself, or a folder on the way. "" if nothing does. It runs as the user.
+CString openPartOf(const std::filesystem::path& library)
+{
+    for (std::filesystem::path part = library; part.has_relative_path(); part = part.parent_path())
+        if (isOpenToOthers(part, part != library && part != library.parent_path()))
+            return part;
+    return {};
+}
+
+// Why a library isn't loaded; "" if it may be. Both the name that is given and the file that it leads to count.
+CString distrust(const CString& library)
+{
+    if (!library.starts_with('/'))
+        return library + ": not the full path of a library";
+    std::error_code failed;
+    CString open = openPartOf(library);
+    if (open.empty())
+        open = openPartOf(std::filesystem::canonical(library, failed));
+    return open.empty() ? CString() : library + ": not loaded, since others may write " + open;
 }
 
 std::optional<CString> namedLibrary(const CString& classId)
@@ -62,8 +89,8 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
     CString ignored;
     CString& why = reason != nullptr ? *reason : ignored;
     const std::optional<CString> named = namedLibrary(classId);
-    if (named && !isTrusted(*named)) {
-        why = *named + ": not the full path of a library that is the user's own or the system's";
+    if (const CString doubt = named ? distrust(*named) : CString(); !doubt.empty()) {
+        why = doubt;
         return {};
     }
     const CString fileName = named ? *named : shippedLibrary();

@@ -7,11 +7,10 @@
 #include "Cli/TableSource.h"
 #include "Cli/TypeListing.h"
 #include "Files/FileMessage.h"
+#include "Files/SameFile.h"
 #include "Import/GenerationTime.h"
 #include "Import/MsgBase.h"
 #include "Import/Registry/ImporterChoice.h"
-
-#include <filesystem>
 
 namespace {
 
@@ -125,21 +124,16 @@ MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diag
     return importer;
 }
 
-bool isSameFile(const CString& one, const CString& other)
-{
-    std::error_code ignored;
-    const bool isThere = std::filesystem::exists(one, ignored) && std::filesystem::exists(other, ignored);
-    return isThere ? std::filesystem::is_regular_file(one, ignored) && std::filesystem::equivalent(one, other, ignored)
-                   : std::filesystem::absolute(one, ignored) == std::filesystem::absolute(other, ignored);
-}
-
 // The file that would be written though it is read or written for another end, too; "" where there is none.
 CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& files)
 {
     std::vector<CString> others = files;
     others.push_back(arguments.diff.document == "-" ? "" : arguments.diff.document);
+    others.push_back(arguments.logon.passwordFile);
+    if (arguments.output.empty() || arguments.output == "-")
+        others.push_back("/dev/stdout"); // which may lead to a file
     for (const CString& written : {arguments.output, arguments.report.file, arguments.dependencies.file}) {
-        if (written.empty() || written == "-")
+        if (written.empty() || written == "-" || written == "/dev/stdout")
             continue;
         for (const CString& other : others)
             if (!other.empty() && isSameFile(written, other))

@@ -1,14 +1,14 @@
 #include "Files/AtomicFile.h"
 
+#include "Files/SameFile.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/mman.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
-#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -22,16 +22,6 @@ mode_t newFileMode()
     const mode_t mask = ::umask(0);
     ::umask(mask);
     return 0666 & ~mask;
-}
-
-// Where a name leads when it is a link, also when nothing is there yet. A link in a circle comes back as it is.
-CString behindLinks(const CString& fileName)
-{
-    std::error_code ignored;
-    std::filesystem::path target = fileName;
-    for (int links = 0; links < 40 && std::filesystem::is_symlink(target, ignored); ++links)
-        target = target.parent_path() / std::filesystem::read_symlink(target, ignored);
-    return target;
 }
 
 // Who may do what with a file beyond its permissions: its ACL, which a folder may give to new ones too.
@@ -53,15 +43,17 @@ bool appendZeros(int file, off_t from, off_t to)
     return true;
 }
 
-// Takes the room that a file needs before any of its bytes is overwritten, so that a full disk leaves it as it was. A
-// file that may not be read can't be asked where it has room already, so what knows no better way gets zeros at its
-// end.
-bool reserve(int file, off_t size)
+// Gives a file its new size before any of its bytes is overwritten, so that a full disk leaves it as it was, and
+// nothing of the old file is ever behind the end of the new one. A file that may not be read can't be asked where it
+// has room already, so what knows no better way gets zeros at its end.
+bool resize(int file, off_t size)
 {
     struct stat before = {};
     if (::fstat(file, &before) != 0)
         return false;
-    if (size <= before.st_size || ::fallocate(file, 0, 0, size) == 0 ||
+    if (size < before.st_size)
+        return ::ftruncate(file, size) == 0;
+    if (size == before.st_size || ::fallocate(file, 0, 0, size) == 0 ||
         (errno == EOPNOTSUPP && appendZeros(file, before.st_size, size)))
         return true;
     const int error = errno;
@@ -211,7 +203,6 @@ bool AtomicFile::overwrite() const
 {
     struct stat written = {};
     const Descriptor file(::open(target.c_str(), O_WRONLY | O_CLOEXEC));
-    return file.isOpen() && ::fstat(out.get(), &written) == 0 && reserve(file.get(), written.st_size) &&
-           copy(out.get(), file.get(), written.st_size) && ::ftruncate(file.get(), written.st_size) == 0 &&
-           ::fsync(file.get()) == 0;
+    return file.isOpen() && ::fstat(out.get(), &written) == 0 && resize(file.get(), written.st_size) &&
+           copy(out.get(), file.get(), written.st_size) && ::fsync(file.get()) == 0;
 }

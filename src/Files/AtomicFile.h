@@ -13,7 +13,8 @@
 ///
 /// An existing file that can't be replaced so, since its folder may not be written, something is mounted on it, its
 /// owner or group is for others to give, or an ACL says more, is overwritten where it stands; only then, and only by a
-/// fault of the disk, it can be left in part.
+/// fault of the disk or by the end of the process, it can be left with a beginning of the new file and the rest of the
+/// old one, in the new one's length.
 class AtomicFile
 {
 public:

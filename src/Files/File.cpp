@@ -1,7 +1,6 @@
 #include "Files/File.h"
 
 #include "Base/Progress.h"
-#include "Files/Descriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -16,11 +15,8 @@ constexpr std::size_t kFirstPiece = 1 << 16;
 constexpr std::size_t kLargestPiece = 8 << 20; // that is waited for at once
 
 // The errno value that says why what was opened is not read from; 0 when it may be.
-int refusal(int descriptor)
+int refusal(int descriptor, const struct stat& state)
 {
-    struct stat state = {};
-    if (::fstat(descriptor, &state) != 0)
-        return errno;
     if (S_ISDIR(state.st_mode))
         return EISDIR;
     const bool isNull = S_ISCHR(state.st_mode) && state.st_rdev == makedev(1, 3);
@@ -28,40 +24,52 @@ int refusal(int descriptor)
     return isDevice && !isNull && ::isatty(descriptor) == 0 ? ENOTSUP : 0;
 }
 
-// Room for the whole file and one byte more, so that the end is seen without growing; a pipe or a /proc file says 0.
-std::size_t firstRoom(int descriptor)
-{
-    struct stat state = {};
-    return ::fstat(descriptor, &state) == 0 && state.st_size > 0 ? static_cast<std::size_t>(state.st_size) + 1
-                                                                 : kFirstPiece;
-}
-
 } // namespace
 
-int openForReading(const CString& fileName)
+InputFile::InputFile(const CString& fileName, std::size_t most) :
+    descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))
 {
-    const int opened = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
-    const int error = opened < 0 ? 0 : refusal(opened);
-    if (error == 0)
-        return opened;
-    ::close(opened);
-    errno = error;
-    return -1;
+    struct stat state = {};
+    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &state) != 0)
+        error = errno;
+    else
+        error = refusal(descriptor.get(), state);
+    if (error != 0)
+        return;
+    size = static_cast<std::size_t>(state.st_size);
+    if (most == kAnySize)
+        return;
+    if (size > most)
+        error = EOVERFLOW;
+    left = size > 0 ? size : most + 1; // a file that says 0 may have more
 }
 
-FileCause readFile(const CString& fileName, CString& out)
+ssize_t InputFile::read(char* out, std::size_t room)
+{
+    if (left == 0) {
+        errno = EOVERFLOW;
+        return size > 0 ? 0 : -1;
+    }
+    ssize_t count;
+    do {
+        count = ::read(descriptor.get(), out, std::min(room, left));
+    } while (count < 0 && errno == EINTR);
+    if (count > 0 && left != kAnySize)
+        left -= static_cast<std::size_t>(count);
+    return count;
+}
+
+FileCause readFile(const CString& fileName, CString& out, std::size_t most)
 {
     out.clear();
-    const Descriptor file(openForReading(fileName));
-    if (!file.isOpen())
-        return fileCauseOf(errno);
+    InputFile file(fileName, most);
+    if (file.queryError() != 0)
+        return fileCauseOf(file.queryError());
     std::size_t used = 0;
-    std::size_t room = firstRoom(file.get());
+    std::size_t room = file.querySize() > 0 ? file.querySize() + 1 : kFirstPiece; // one more shows the end
     for (;;) {
         out.resize(room);
-        const ssize_t count = ::read(file.get(), out.data() + used, std::min(room - used, kLargestPiece));
-        if (count < 0 && errno == EINTR)
-            continue;
+        const ssize_t count = file.read(out.data() + used, std::min(room - used, kLargestPiece));
         if (count < 0) {
             const FileCause cause = fileCauseOf(errno);
             out = {};
@@ -85,6 +93,5 @@ FileCause testReadable(const CString& fileName)
         return fileCauseOf(errno);
     if (S_ISFIFO(state.st_mode) || S_ISCHR(state.st_mode) || S_ISBLK(state.st_mode) || S_ISSOCK(state.st_mode))
         return fileCauseOf(ENOTSUP);
-    const Descriptor file(openForReading(fileName));
-    return file.isOpen() ? FileCause::none : fileCauseOf(errno);
+    return fileCauseOf(InputFile(fileName).queryError());
 }

@@ -1,13 +1,22 @@
 #include "Files/FileFinder.h"
 
+#include "Files/Descriptor.h"
+
 #include <algorithm>
 #include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
+#include <linux/magic.h>
+#include <linux/openat2.h>
 #include <set>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/vfs.h>
+#include <unistd.h>
 
 namespace {
 
+constexpr std::size_t kMaxLooks = 200'000;
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
 int hexDigit(char c)
@@ -66,9 +75,43 @@ bool meansMissing(int error)
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
-bool isFolderLink(std::string_view component)
+// Opens a name without its content. What a process has open has no place of its own, so the links of /proc that lead
+// there, as /dev/stdin does, are not followed (ELOOP) where the system knows how.
+int openPlace(const CString& name)
 {
-    return component == "." || component == "..";
+    struct open_how how = {};
+    how.flags = O_PATH | O_CLOEXEC;
+    how.resolve = RESOLVE_NO_MAGICLINKS;
+    const long opened = ::syscall(SYS_openat2, AT_FDCWD, name.c_str(), &how, sizeof how);
+    const bool isKnown = opened >= 0 || (errno != ENOSYS && errno != EPERM);
+    return isKnown ? static_cast<int>(opened) : ::open(name.c_str(), O_PATH | O_CLOEXEC);
+}
+
+// Whether a file is the kernel's own, so that reading it may have no end or an effect. /dev/shm is a place for files.
+bool isOfKernel(int place)
+{
+    struct statfs system = {};
+    if (::fstatfs(place, &system) != 0 || system.f_type == PROC_SUPER_MAGIC || system.f_type == SYSFS_MAGIC)
+        return true;
+    std::error_code ignored;
+    const CString name = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(place), ignored).string();
+    return name.starts_with("/sys/") || (name.starts_with("/dev/") && !name.starts_with("/dev/shm/"));
+}
+
+// What lies under a name: the id of a regular file that may be read; else nothing, with an errno value, 0 where there
+// is something else.
+std::optional<FileId> lookAt(const CString& name, int& error)
+{
+    const Descriptor place(openPlace(name));
+    struct stat status;
+    if (!place.isOpen() || ::fstat(place.get(), &status) != 0) {
+        error = errno;
+        return std::nullopt;
+    }
+    error = 0;
+    if (!S_ISREG(status.st_mode) || isOfKernel(place.get()))
+        return std::nullopt;
+    return idOf(status);
 }
 
 } // namespace
@@ -92,7 +135,8 @@ CString localPath(std::string_view reference)
 CString folderOf(const CString& fileName)
 {
     // What comes through a descriptor lies nowhere: the current folder stands in.
-    const bool isDescriptor = fileName.starts_with("/dev/") || fileName.starts_with("/proc/self/fd/");
+    const bool isDescriptor =
+        fileName == "/dev/stdin" || fileName.starts_with("/dev/fd/") || fileName.starts_with("/proc/self/fd/");
     const CString folder = isDescriptor ? "" : fileName.substr(0, fileName.rfind('/') + 1);
     std::error_code failure;
     // Resolved, so that a long chain of "../x/y.xsd" does not pile up a path that is too long to open.
@@ -116,17 +160,28 @@ std::optional<FoundFile> FileFinder::find(const CString& folder, const CString& 
     if (path.empty())
         return std::nullopt;
     const CString name = path.starts_with('/') ? path : folder + path;
-    struct stat status;
-    if (stat(name.c_str(), &status) == 0)
-        return S_ISREG(status.st_mode) ? std::optional(FoundFile{name, idOf(status)}) : std::nullopt;
-    isBlind = !meansMissing(errno);
+    const auto [place, isNew] = known.try_emplace(name);
+    if (isNew)
+        place->second = search(folder, path, name);
+    return place->second;
+}
+
+std::optional<FoundFile> FileFinder::search(const CString& folder, const CString& path, const CString& name)
+{
+    int error = 0;
+    if (const auto id = lookAt(name, error))
+        return FoundFile{name, *id};
+    if (error == 0)
+        return std::nullopt;
+    isBlind = !meansMissing(error);
     if (auto found = findInAnyCase(folder, path))
         return found;
     return isBlind ? std::optional(FoundFile{name, {}}) : std::nullopt;
 }
 
 /// Goes through the path component by component with every folder that it can mean so far. Those are told apart by what
-/// they are, so that "a/../a/../a" beside an "A" is not followed in all its combinations.
+/// they are, so that "a/../a/../a" beside an "A" is not followed in all its combinations, and have one name each, which
+/// gets no longer by it.
 std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::string_view path)
 {
     std::vector<FoundFile> found{{path.starts_with('/') ? "/" : folder, {}}};
@@ -135,12 +190,12 @@ std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::s
     while (!path.empty() && !found.empty()) {
         const std::string_view component = path.substr(0, path.find('/'));
         path.remove_prefix(std::min(component.size() + 1, path.size()));
-        if (!component.empty())
+        if (!component.empty() && component != ".")
             found = step(found, component);
     }
     for (const FoundFile& file : found) {
-        struct stat status;
-        if (stat(file.name.c_str(), &status) == 0 && S_ISREG(status.st_mode))
+        int ignored = 0;
+        if (lookAt(file.name, ignored))
             return file;
     }
     return std::nullopt;
@@ -152,11 +207,17 @@ std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, s
     std::set<FileId> met;
     for (const FoundFile& folder : folders) {
         const CString prefix = folder.name.ends_with('/') ? folder.name : folder.name + '/';
-        for (const CString& name : namesLike(folder, component)) {
-            const auto id = identify(prefix + name);
-            isBlind |= !id && !meansMissing(errno);
-            if (id && met.insert(*id).second)
-                found.push_back({prefix + name, *id});
+        for (const CString& like : namesLike(folder, component)) {
+            if (++looks > kMaxLooks)
+                return {};
+            CString name = prefix + like;
+            struct stat status;
+            if (::stat(name.c_str(), &status) != 0)
+                isBlind |= !meansMissing(errno);
+            else if (const FileId id = idOf(status); met.insert(id).second)
+                found.push_back({S_ISDIR(status.st_mode) ? folderNames.try_emplace(id, std::move(name)).first->second
+                                                         : std::move(name),
+                                 id});
         }
     }
     return found;
@@ -164,7 +225,7 @@ std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, s
 
 std::vector<CString> FileFinder::namesLike(const FoundFile& folder, std::string_view component)
 {
-    if (isFolderLink(component))
+    if (component == "..")
         return {CString(component)};
     std::vector<CString> names;
     const auto [first, last] = list(folder).equal_range(lowerAscii(component));
@@ -184,6 +245,8 @@ const FileFinder::Names& FileFinder::list(const FoundFile& folder)
         std::error_code failure;
         for (std::filesystem::directory_iterator entry(folder.name, failure), end; !failure && entry != end;
              entry.increment(failure)) {
+            if (++looks > kMaxLooks)
+                break;
             const CString name = entry->path().filename().string();
             listing->second.names.emplace(lowerAscii(name), name);
         }

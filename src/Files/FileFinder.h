@@ -23,19 +23,22 @@ struct FoundFile
     FileId id;
 };
 
-/// Finds files by names that may be off in the case of their letters.
+/// Finds files by names that may be off in the case of their letters. Remembers what it has found and missed. After
+/// 200,000 looks at files and names in folders it takes names only as they are given.
 class FileFinder
 {
 public:
     /// The regular file `path`, relative to `folder` (which ends in a slash) or absolute. When there is none, the one
     /// whose name differs only in the case of ASCII letters; of several the first one by its folders and its name from
-    /// the left, each as given before all others, those in the order of their bytes. Nothing else is ever opened: no
-    /// folder, device or pipe. What the system doesn't let us look at counts as found, since it may be there.
+    /// the left, each as given before all others, those in the order of their bytes. Nothing else is found: no folder,
+    /// device or pipe, and no file of /proc, /sys or /dev, whatever link leads there. What the system doesn't let us
+    /// look at counts as found, since it may be there.
     std::optional<FoundFile> find(const CString& folder, const CString& path);
 
 private:
     using Names = std::unordered_multimap<CString, CString>; // by the name in lower case
 
+    std::optional<FoundFile> search(const CString& folder, const CString& path, const CString& name);
     std::optional<FoundFile> findInAnyCase(const CString& folder, std::string_view path);
     std::vector<FoundFile> step(const std::vector<FoundFile>& folders, std::string_view component);
     std::vector<CString> namesLike(const FoundFile& folder, std::string_view component);
@@ -47,8 +50,11 @@ private:
         bool isBlind = false;
     };
 
-    std::map<FileId, Listing> listings; // each folder is read once
-    bool isBlind = false;               // the system has kept something from the search in hand
+    std::unordered_map<CString, std::optional<FoundFile>> known; // by the name as it is given
+    std::map<FileId, Listing> listings;                          // each folder is read once
+    std::map<FileId, CString> folderNames;                       // the first one of each
+    std::size_t looks = 0;
+    bool isBlind = false; // the system has kept something from the search in hand
 };
 
 /// The folder that a file lies in, links resolved, with a final slash; the current one for standard input and devices.

@@ -1,5 +1,6 @@
 #include "Files/FileMessage.h"
 
+#include "Files/File.h"
 #include "Resources/StringTable.h"
 
 #include <algorithm>
@@ -21,7 +22,18 @@ CString inWords(const CString& fileName, FileCause cause)
         return std::generic_category().message(EISDIR);
     const auto* const error = std::find_if(std::begin(errors), std::end(errors),
                                            [cause](int candidate) { return fileCauseOf(candidate) == cause; });
-    return error == std::end(errors) ? "The system refuses it" : std::generic_category().message(*error);
+    if (error != std::end(errors))
+        return std::generic_category().message(*error);
+    const std::uintmax_t size = std::filesystem::file_size(fileName, ignored);
+    return cause == FileCause::generic && !ignored && size > kMaxNamedFile ? inWords(EOVERFLOW)
+                                                                           : "The system refuses it";
+}
+
+CString inWords(int error)
+{
+    static_assert(kMaxNamedFile == 64 << 20);
+    return error == EOVERFLOW ? "It has more than 64 MB, the most for a file that a source names"
+                              : std::generic_category().message(error);
 }
 
 CString shownFile(const CString& fileName)

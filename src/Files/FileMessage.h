@@ -8,6 +8,7 @@ CString cantOpen(const CString& fileName, FileCause cause);
 
 /// The same cause in the words of the system, without the file's name.
 CString inWords(const CString& fileName, FileCause cause);
+CString inWords(int error); ///< of an errno value
 
 /// The file that stands for standard input, and how it is shown.
 inline constexpr char kStandardInput[] = "/proc/self/fd/0";

@@ -17,9 +17,9 @@ int XmlDocument::setFile(const CString& fileName)
     return setError(fileName, document.parseError(), !loaded);
 }
 
-int XmlDocument::streamFile(const CString& fileName, XmlHandler& handler)
+int XmlDocument::streamFile(const CString& fileName, XmlHandler& handler, std::size_t most)
 {
-    const std::optional<IXMLDOMParseError> error = parseXmlFile(fileName, handler);
+    const std::optional<IXMLDOMParseError> error = parseXmlFile(fileName, handler, most);
     return setError(fileName, error.value_or(IXMLDOMParseError()), error.has_value());
 }
 

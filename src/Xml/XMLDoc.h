@@ -15,8 +15,9 @@ public:
     /// Loads a file in the place of what was there. 1, or 0 with queryParseError().
     int setFile(const CString& fileName);
 
-    /// Hands a file to `handler` while it is read, with no tree made of it. Answers as setFile() does.
-    int streamFile(const CString& fileName, XmlHandler& handler);
+    /// Hands a file of at most `most` bytes to `handler` while it is read, with no tree made of it. Answers as
+    /// setFile() does.
+    int streamFile(const CString& fileName, XmlHandler& handler, std::size_t most = kAnySize);
 
     /// The root element, or null.
     IXMLDOMElement getElement() const;

@@ -1,8 +1,8 @@
 #include "Xml/XmlParser.h"
 
 #include "Base/Progress.h"
-#include "Files/Descriptor.h"
 #include "Files/File.h"
+#include "Files/FileMessage.h"
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
@@ -13,9 +13,6 @@
 #include <cstring>
 #include <exception>
 #include <memory>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
 
 namespace {
 
@@ -61,14 +58,11 @@ void setUpLibrary()
 class Source
 {
 public:
-    explicit Source(const CString& fileName) : descriptor(openForReading(fileName)), buffer(new char[kSize])
+    Source(const CString& fileName, std::size_t most) : buffer(new char[kSize])
     {
-        struct stat state = {};
-        if (descriptor.isOpen() && ::fstat(descriptor.get(), &state) == 0)
-            size = static_cast<std::size_t>(state.st_size);
-        if (!descriptor.isOpen())
-            error = errno;
-        else
+        file.emplace(fileName, most);
+        error = file->queryError();
+        if (!error)
             fill(); // so that a file that can't be read is known before anything is parsed
     }
 
@@ -91,19 +85,16 @@ public:
 
     // How many bytes have been read, and how many there are, as far as the system knows: 0 for a pipe.
     std::size_t queryCount() const { return count; }
-    std::size_t querySize() const { return size; }
+    std::size_t querySize() const { return file ? file->querySize() : 0; }
 
 private:
     static constexpr std::size_t kSize = 1 << 16;
 
     bool fill()
     {
-        if (!buffer)
+        if (!file)
             return false;
-        ssize_t got;
-        do {
-            got = ::read(descriptor.get(), buffer.get(), kSize);
-        } while (got < 0 && errno == EINTR);
+        const ssize_t got = file->read(buffer.get(), kSize);
         if (got < 0)
             error = errno;
         bytes = buffer.get();
@@ -113,14 +104,13 @@ private:
         return got > 0;
     }
 
-    Descriptor descriptor;
+    std::optional<InputFile> file; // nothing for a text
     int error = 0;
-    std::unique_ptr<char[]> buffer; // null for a text
+    std::unique_ptr<char[]> buffer;
     const char* bytes = nullptr;
     std::size_t at = 0;
     std::size_t filled = 0;
     std::size_t count = 0;
-    std::size_t size = 0;
 };
 
 // Errors of the decoder, and those before there is a parser, know no context: the handler is libxml2's own one for this
@@ -508,7 +498,7 @@ void Parse::onInstruction(void* context, const xmlChar* target, const xmlChar* d
 
 IXMLDOMParseError systemFailure(int error)
 {
-    return {std::generic_category().message(error), 0, 0, error};
+    return {inWords(error), 0, 0, error};
 }
 
 } // namespace
@@ -519,11 +509,11 @@ XmlAttribute XmlAttributes::operator[](std::size_t index) const
     return {{text(row[0]), text(row[1])}, {text(row[3]), static_cast<std::size_t>(row[4] - row[3])}};
 }
 
-std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler)
+std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler, std::size_t most)
 {
     try {
         setUpLibrary();
-        Source file(fileName);
+        Source file(fileName, most);
         std::optional<IXMLDOMParseError> error;
         if (!file.queryError())
             error = Parse(file, handler).run();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Text.h"
+#include "Files/File.h"
 
 #include <cstddef>
 #include <optional>
@@ -98,8 +99,9 @@ public:
 /// million bytes), so are nesting (256 levels in a document that declares entities, 200,000 else), what one start tag
 /// may hold (10,000 attributes), names (4,096 bytes, and 100,000 different ones) and lists in which each member is
 /// compared with all others (attributes, enumerations; 64 times for each byte that has been read): what passes a bound
-/// is an error with its place.
-std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler);
+/// is an error with its place. A file of more than `most` bytes is not read.
+std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler,
+                                              std::size_t most = kAnySize);
 
 /// The same for a document that is in memory.
 std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler);

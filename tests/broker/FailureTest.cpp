@@ -7,7 +7,9 @@
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
+#include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 namespace {
 
@@ -28,6 +30,38 @@ TEST_F(Client, IsLoadedOnlyWithTheRightInterfaces)
     useClient(kTestClient);
     EXPECT_FALSE(createVornObject("{00000000-0000-0000-0000-000000000000}"));
     EXPECT_TRUE(createVornObject(kVornServerClass));
+}
+
+TEST_F(Client, IsNotLoadedWhereOthersMayWriteIt)
+{
+    namespace fs = std::filesystem;
+    const fs::path library = home.path("up/clients/client.so"), link = home.path("up/link.so");
+    fs::create_directories(library.parent_path());
+    fs::copy_file(kTestClient, library);
+    fs::create_symlink(library, link);
+    const auto loads = [&](const fs::path& name) {
+        useClient(name);
+        return createVornObject(kVornServerClass) != nullptr;
+    };
+    EXPECT_TRUE(loads(library));
+    EXPECT_TRUE(loads(link));
+    for (const auto& [part, mode] : {std::pair(library, 0775),
+                                     {library, 0757},
+                                     {library.parent_path(), 0775},
+                                     {library.parent_path(), 01777},
+                                     {fs::path(home.path("up")), 0757}}) {
+        const fs::perms before = fs::status(part).permissions();
+        fs::permissions(part, fs::perms(mode));
+        EXPECT_FALSE(loads(library)) << part << ' ' << mode;
+        EXPECT_FALSE(loads(link)) << part << ' ' << mode;
+        fs::permissions(part, before);
+    }
+    for (const fs::path& part : {library, library.parent_path(), link})
+        if (::lchown(part.c_str(), 65534, gid_t(-1)) == 0) { // which root alone may do
+            EXPECT_FALSE(loads(link)) << part;
+            EXPECT_EQ(::lchown(part.c_str(), ::geteuid(), gid_t(-1)), 0);
+        }
+    EXPECT_TRUE(loads(link));
 }
 
 TEST_F(Client, StaysLoadedAsLongAsAnObjectLives)

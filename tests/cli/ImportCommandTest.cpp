@@ -57,6 +57,9 @@ protected:
     std::string wide = "<!ELEMENT r (a"; // a type of 150 kB
 };
 
+const std::string kDisk = TEST_BUILD_DIR "/libtest_disk.so";
+const std::string kNoLinkOrder = " ASAN_OPTIONS=verify_asan_link_order=0"; // a library goes before the sanitizer's
+
 struct Case
 {
     const char* line;
@@ -140,6 +143,8 @@ TEST_F(ImportCommand, AnswersExactly)
         // Sources.
         {"$import -l <r.dtd -", {0, kList, ""}},
         {"cat r.dtd | $import - -l -o - -v", {0, kList, "-: note: read as a source for dtd\n"}},
+        // A file of which something was read before.
+        {"(echo '<!ELEMENT q (z)>'; cat r.dtd) >q.dtd; { read -r first; $import dtd - -l; } <q.dtd", {0, kList, ""}},
         {"echo '<r>' | $import xml -", {1, "", "-:2:1: error: Premature end of data in tag r line 1\n"}},
         {"$import 'Driver=SQLite3;Database=none;Password=x'",
          {1, "", "Driver=SQLite3;Database=none;Password=***: error: [SQLite]connect failed (SQLSTATE S1000)\n"}},
@@ -364,7 +369,16 @@ not compatible: it breaks readers
         {"$import r.dtd -t x", {2, "", mistake("--table: dtd reads no tables")}},
         {"$import r.dtd --diff ''", {2, "", mistake("--diff: a name is missing")}},
         {"$import r.dtd -o ./r.dtd", {2, "", mistake("./r.dtd: it would be read and written, or written twice")}},
-        {"$import r.dtd -o t.x --report t.x", {2, "", mistake("t.x: it would be read and written, or written twice")}},
+        {"$import r.dtd --diff r.xml -o ./r.xml",
+         {2, "", mistake("./r.xml: it would be read and written, or written twice")}},
+        {"mkdir -p d/y; $import r.dtd -o d/x --report d/y/../x",
+         {2, "", mistake("d/y/../x: it would be read and written, or written twice")}},
+        {"ln -s y/../x d/l; $import r.dtd --report d/l -o $PWD/d/x",
+         {2, "", mistake("d/l: it would be read and written, or written twice")}},
+        {"$import r.dtd --report d/x >d/x; $import r.dtd -o d/x -l; $import r.dtd --report d/x/../x",
+         {3, "",
+          mistake("d/x: it would be read and written, or written twice") +
+              says("can't write d/x/../x: Not a directory")}},
         {"$import 'DSN=a;PWD = secret' x",
          {2, "", mistake("DSN=a;PWD =***: neither an importer (dtd, xml, xsd, btd, odbc) nor a file")}},
         {"$import r.dtd --user u", {2, "", mistake("--user: there is nobody to log on to without --create")}},
@@ -409,11 +423,23 @@ TEST_F(ImportCommand, FailureLeavesNoFile)
     }
 }
 
+// The name changes hands when all is on the disk; until then it has the old file, which others may have by other names.
+TEST_F(ImportCommand, PutsAFileIntoItsPlaceWhenItIsWhole)
+{
+    EXPECT_EQ(run("ln old other; LD_PRELOAD=" + kDisk + kNoLinkOrder + " $import r.dtd -l -o old; cat other old"),
+              (Answer{0, "old" + kList, "fsync\nrename\n"}));
+    if (geteuid() == 0) // nothing can be made in /proc, the current folder
+        EXPECT_EQ(run("file=$PWD/r.dtd; out=/typeforge-test-$$; cd /proc; $import $file -l -o $out; cat $out; rm $out"),
+                  (Answer{0, kList, ""}));
+}
+
 // What may not be written stays; what may, in a folder that may not, is written where it stands.
 TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
 {
     // Root may do it all, so root becomes somebody else, with a program that anybody can reach.
     fs::copy_file(TEST_BUILD_DIR "/typeforge-import", folder.path("import"));
+    fs::copy_file(kDisk, folder.path("disk.so"));
+    const std::string disk = "$as env LD_PRELOAD=$PWD/disk.so " + kNoLinkOrder;
     const std::string somebody = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
     const auto refused = [](const std::string& name) { return says("can't write " + name + ": Permission denied"); };
     const std::string denied = "s.xsd:2: error: x.xsd: Permission denied\n";
@@ -431,6 +457,10 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
          {0, std::to_string(geteuid()) + " 666\n" + kList, ""}},
         {"chmod 555 .; chmod 666 old; $as ./import dtd r.dtd -o new", {3, "", refused("new")}},
         {"seq 1000 >old; $as ./import dtd r.dtd -l -o old; cat old", {0, kList, ""}},
+        {"seq 1000 >old; (" + disk + " DISK_KILLS=sendfile ./import dtd r.dtd -l -o old) 2>&-; stat -c %s old",
+         {0, std::to_string(kList.size()) + "\n", ""}},
+        {"seq 1000 >old; " + disk + " DISK_FAILS=ftruncate ./import dtd r.dtd -l -o old; seq 1000 | cmp - old",
+         {0, "", says("can't write old: Input/output error")}},
         {"printf old >old; $as sh -c 'ulimit -f 1; trap \"\" XFSZ; ./import dtd wide -o old'; cat old; chmod 755 .",
          {0, "old", says("can't write old: No space left on device")}},
     };
@@ -442,7 +472,7 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
                           "<xs:include schemaLocation='x.xsd'/></xs:schema>");
     for (const auto& [line, answer] : rows)
         EXPECT_EQ(run("as='" + somebody + "'; " + line), answer) << line;
-    EXPECT_EQ(names(), "import old r.dtd wide ");
+    EXPECT_EQ(names(), "disk.so import old r.dtd wide ");
 }
 
 // On a terminal, long work has a line that is written over and gone in the end.

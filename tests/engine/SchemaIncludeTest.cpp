@@ -1,8 +1,13 @@
+#include "Files/File.h"
 #include "Files/FileFinder.h"
 #include "Import/Schema/Literal/SchemaMsg.h"
 #include "support/Importing.h"
 #include "support/SchemaModel.h"
 #include "support/SchemaText.h"
+
+#include <chrono>
+#include <fcntl.h>
+#include <unistd.h>
 
 using testing::ElementsAre;
 
@@ -91,13 +96,52 @@ TEST_F(SchemaInclude, GraphBecomesTheModel)
     }
 }
 
-// As where the right to read it is missing, a device fails or files run out; a file that isn't one stands for them.
-TEST_F(SchemaInclude, ThatIsThereAndCantBeReadFailsTheImport)
+// As where the right to read it is missing, a device fails or files run out.
+TEST_F(SchemaInclude, ThatIsTooLargeFailsTheImport)
 {
-    std::filesystem::create_symlink("/proc/self/mem", folder.path("b.xsd"));
+    std::filesystem::resize_file(folder.write("b.xsd", ""), kMaxNamedFile + 1);
     EXPECT_EQ(importSchema("a.xsd", INCLUDE("p.xsd") INCLUDE("b.xsd") MAIN), 0);
     EXPECT_THAT(boxes.take(), ElementsAre("Can't open file " + std::filesystem::canonical(folder.path()).string() +
-                                          "/b.xsd, error = 10"));
+                                          "/b.xsd, error = 1"));
+    EXPECT_THAT(boxes.details, testing::HasSubstr("more than 64 MB"));
+}
+
+TEST_F(SchemaInclude, FileOfTheKernelIsNone)
+{
+    std::filesystem::create_symlink("/proc/self/environ", folder.path("link"));
+    std::filesystem::create_symlink("/dev/fd/0", folder.path("input"));
+    const int before = ::dup(0), file = ::open(folder.write("file", "x").c_str(), O_RDONLY);
+    ::dup2(file, 0);
+    FileFinder finder;
+    for (const char* name : {"link", "input", "LINK", "/proc/self/environ", "/PROC/version", "/dev/stdin", "/dev/null",
+                             "/proc/self/fd/0", "/sys/kernel/mm/transparent_hugepage/enabled"})
+        EXPECT_FALSE(finder.find(folder.path(), name)) << name;
+    EXPECT_TRUE(finder.find(folder.path(), "FILE"));
+    ::dup2(before, 0);
+    for (const int opened : {before, file})
+        ::close(opened);
+}
+
+// A file that grows is read as far as it went, and one that is missing is looked for once, in a time that grows with
+// its name.
+TEST_F(SchemaInclude, EndsWhateverFilesDo)
+{
+    const CString log = folder.write("log", "old");
+    InputFile file(log, 5);
+    std::ofstream(log, std::ios::app) << "new";
+    char bytes[9];
+    EXPECT_EQ(file.read(bytes, sizeof bytes), 3);
+    EXPECT_EQ(file.read(bytes, sizeof bytes), 0);
+
+    FileFinder finder;
+    EXPECT_FALSE(finder.find(folder.path(), "late"));
+    folder.write("late", "");
+    EXPECT_FALSE(finder.find(folder.path(), "late"));
+    std::filesystem::create_directory(folder.path("d"));
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 300; ++i) // 12 s, when each step starts from the root
+        EXPECT_FALSE(finder.find(folder.path(), times(500, "d/.././") + std::to_string(i)));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
 TEST_F(SchemaInclude, TargetNamespaceKeepsTheIncludesOut)

@@ -263,7 +263,7 @@ TEST(Database, TheCommandLineImportsADataSource)
     const CString somebody = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
     Connected(server.connection(postgres), server.logon())
         .database.ExecuteSQL("CREATE SCHEMA s; CREATE TABLE s.u (x int)");
-    folder.write("password", server.password + "\nnot this");
+    folder.write("password", server.password + "\r\nnot this");
     folder.write("cli.ini", "[Orders]\nDriver=SQLite3\nDatabase=" + orders + "\n[Empty]\nDriver=SQLite3\n" +
                                 "[Text]\nDriver=SQLite3\nDatabase=" TEST_SOURCE_DIR "/README.md\n" +
                                 "[Lost]\nDriver=SQLite3\nDatabase=" + folder.path("lost") + "\n");

@@ -143,7 +143,7 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
     if (const auto known = filesById.find(found->id); known != filesById.end())
         return known->second;
     CString bytes, room;
-    const FileCause cause = readFile(found->name, bytes);
+    const FileCause cause = readFile(found->name, bytes, kMaxNamedFile);
     if (cause == FileCause::fileNotFound) { // in a folder that can't be listed
         report.add(SourceReport::moduleMissing, where, entity.systemId);
         return nullptr;

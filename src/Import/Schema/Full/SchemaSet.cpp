@@ -38,7 +38,7 @@ std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
 void SchemaSet::load(const CString& fileName)
 {
     XmlDocument xml;
-    if (!read(fileName, xml))
+    if (!read(fileName, xml, kAnySize))
         throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
     if (tree.documents[0].root == 0)
         return;
@@ -68,14 +68,14 @@ void SchemaSet::load(const CString& fileName)
 }
 
 /// Reads one file into a new document. False when that can't be, which `xml` then tells of.
-bool SchemaSet::read(const CString& fileName, XmlDocument& xml)
+bool SchemaSet::read(const CString& fileName, XmlDocument& xml, std::size_t most)
 {
     const auto first = static_cast<Index>(tree.size());
     SchemaDocument& document = tree.documents.emplace_back();
     document.folder = folderOf(fileName);
     document.file = report.addFile(fileName);
     SchemaReader reader(tree);
-    const bool isRead = xml.streamFile(fileName, reader);
+    const bool isRead = xml.streamFile(fileName, reader, most);
     if (!isRead) {
         tree.dropFrom(first);
         document.root = 0;
@@ -131,7 +131,7 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
 void SchemaSet::readNamed(const FoundFile& file, Index reference)
 {
     XmlDocument xml;
-    if (read(file.name, xml) || xml.querySystemError() == 0)
+    if (read(file.name, xml, kMaxNamedFile) || xml.querySystemError() == 0)
         return;
     const SchemaNode& node = tree[reference];
     throw SourceRefusal{cantOpen(file.name, fileCauseOf(xml.querySystemError())),

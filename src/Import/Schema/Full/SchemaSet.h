@@ -87,7 +87,7 @@ private:
 
     static std::uint64_t keyOf(SchemaName name) { return static_cast<std::uint64_t>(name.space) << 32 | name.local; }
 
-    bool read(const CString& fileName, XmlDocument& xml);
+    bool read(const CString& fileName, XmlDocument& xml, std::size_t most);
     void follow(Index reference, std::vector<Following>& waiting);
     void readNamed(const FoundFile& file, Index reference);
     std::uint32_t copy(std::uint32_t document, NameTable::Id space);

@@ -44,10 +44,11 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
 bool SchemaMessage::readFile(const CString& fileName, XmlDocument& document, SchemaTable::Outlines& outlines)
 {
     const std::uint32_t file = report.addFile(fileName);
+    const std::size_t most = outlines.empty() ? kAnySize : kMaxNamedFile;
     SchemaOutline& outline = outlines.emplace_back(file);
     if (!isReportWanted)
-        return document.streamFile(fileName, outline);
-    return document.streamFile(fileName, notes.emplace_back(outline, report, file));
+        return document.streamFile(fileName, outline, most);
+    return document.streamFile(fileName, notes.emplace_back(outline, report, file), most);
 }
 
 /// Reads the documents that the schema names, behind its own outline. What is missing or not well-formed is left out;

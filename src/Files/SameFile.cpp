@@ -1,0 +1,61 @@
+#include "Files/SameFile.h"
+
+#include "Files/Descriptor.h"
+
+#include <fcntl.h>
+#include <filesystem>
+#include <linux/fs.h>
+#include <linux/magic.h>
+#include <sys/ioctl.h>
+#include <sys/vfs.h>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Whether names that differ in case alone are one name in a folder.
+bool ignoresCase(const fs::path& folder)
+{
+    const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    int flags = 0;
+    if (::ioctl(opened.get(), FS_IOC_GETFLAGS, &flags) == 0 && (flags & FS_CASEFOLD_FL) != 0)
+        return true;
+    struct statfs system = {};
+    return ::fstatfs(opened.get(), &system) == 0 &&
+           (system.f_type == MSDOS_SUPER_MAGIC || system.f_type == EXFAT_SUPER_MAGIC ||
+            system.f_type == CIFS_SUPER_MAGIC || system.f_type == SMB2_SUPER_MAGIC);
+}
+
+bool wouldBeSame(const fs::path& one, const fs::path& other)
+{
+    std::error_code failure;
+    const fs::path folder = one.has_parent_path() ? one.parent_path() : ".";
+    const fs::path otherFolder = other.has_parent_path() ? other.parent_path() : ".";
+    if (!fs::equivalent(folder, otherFolder, failure))
+        return false;
+    const CString name = one.filename().string(), otherName = other.filename().string();
+    return name == otherName || (lowerAscii(name) == lowerAscii(otherName) && ignoresCase(folder));
+}
+
+} // namespace
+
+CString behindLinks(const CString& fileName)
+{
+    std::error_code ignored;
+    fs::path target = fileName;
+    for (int links = 0; links < 40 && fs::is_symlink(target, ignored); ++links)
+        target = target.parent_path() / fs::read_symlink(target, ignored);
+    return target;
+}
+
+bool isSameFile(const CString& one, const CString& other)
+{
+    std::error_code ignored;
+    const bool isThere = fs::exists(one, ignored);
+    if (isThere != fs::exists(other, ignored))
+        return false;
+    if (isThere)
+        return fs::is_regular_file(one, ignored) && fs::equivalent(one, other, ignored);
+    return wouldBeSame(behindLinks(one), behindLinks(other));
+}
