@@ -10,7 +10,7 @@ SettingsStore* gathering = nullptr; // the store of the transaction in hand
 
 bool queryValue(const char* key, const char* name, SettingsValue& value)
 {
-    return SettingsStore().getValue(key, name, value);
+    return gathering ? gathering->getValue(key, name, value) : SettingsStore().getValue(key, name, value);
 }
 
 template <class Change>
@@ -76,10 +76,16 @@ bool Registry::getInt(HKEY root, const char* key, const char* name, int& out)
     return found;
 }
 
+std::vector<std::pair<CString, SettingsValue>> Registry::queryValues(HKEY, const char* key)
+{
+    return gathering ? gathering->queryValues(key) : SettingsStore().queryValues(key);
+}
+
 SettingsTransaction::SettingsTransaction() : before(std::exchange(gathering, &store)) {}
 
 SettingsTransaction::~SettingsTransaction()
 {
     gathering = before;
-    store.save();
+    if (store.isChanged())
+        store.save();
 }

@@ -24,10 +24,14 @@ public:
     bool getUInt(HKEY root, const char* key, const char* name, unsigned int& out);
 
     bool setInt(HKEY root, const char* key, const char* name, int value);
+
+    /// Returns the values of a key with their names, in the order in which they were first stored.
+    std::vector<std::pair<CString, SettingsValue>> queryValues(HKEY root, const char* key);
 };
 
-/// Gathers what is set while it lives and writes it at once when it goes, so that the settings are stored all together
-/// or not at all. Without one each value is written by itself.
+/// While it lives, settings are read from the file as it was at its start, with what was set since. What was set is
+/// written at once when it goes, so that the settings are stored all together or not at all. Without one the file is
+/// read for each value, and written for each.
 class SettingsTransaction
 {
 public:

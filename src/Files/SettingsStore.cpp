@@ -7,9 +7,11 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstddef>
 #include <filesystem>
 #include <limits>
 #include <system_error>
+#include <unordered_map>
 
 using Json = nlohmann::ordered_json;
 
@@ -20,16 +22,97 @@ struct SettingsStore::Document
 {
     CString fileName; // empty when the user has no folder for settings
     Json root = Json::object();
+    bool isChanged = false;
 };
 
 namespace {
 
-// Nothing of ours lies deeper than the parts of a value. What does is dropped while it is read, so that no file can
-// nest deeper than the writer's recursion bears.
+// Builds the tree in time that grows with the text: ordered_json itself looks through all keys of an object for each
+// new one. Nothing of ours lies deeper than the parts of a value. What does is dropped, so that no file can nest deeper
+// than the writer's recursion bears.
+class Builder : public nlohmann::json_sax<Json>
+{
+public:
+    Json take() { return std::move(root); }
+
+    bool null() override { return add(nullptr); }
+    bool boolean(bool value) override { return add(value); }
+    bool number_integer(number_integer_t value) override { return add(value); }
+    bool number_unsigned(number_unsigned_t value) override { return add(value); }
+    bool number_float(number_float_t value, const string_t&) override { return add(value); }
+    bool string(string_t& value) override { return add(std::move(value)); }
+    bool binary(binary_t&) override { return false; }
+    bool key(string_t& name) override
+    {
+        if (dropped == 0)
+            open.back().key = std::move(name);
+        return true;
+    }
+    bool start_object(std::size_t) override { return begin(Json::object()); }
+    bool start_array(std::size_t) override { return begin(Json::array()); }
+    bool end_object() override { return end(); }
+    bool end_array() override { return end(); }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override { return false; }
+
+private:
+    struct Container
+    {
+        Json* json;
+        CString key = {};                                   // of the next value
+        std::unordered_map<CString, std::size_t> keys = {}; // the place of each
+    };
+
+    bool begin(Json container)
+    {
+        constexpr std::size_t deepest = 4;
+        if (dropped > 0 || open.size() == deepest)
+            ++dropped;
+        else
+            open.push_back({place(std::move(container))});
+        return true;
+    }
+
+    bool end()
+    {
+        if (dropped > 0)
+            --dropped;
+        else
+            open.pop_back();
+        return true;
+    }
+
+    bool add(Json value)
+    {
+        if (dropped == 0)
+            place(std::move(value));
+        return true;
+    }
+
+    // Of values with the same key the last one counts, in the place of the first.
+    Json* place(Json value)
+    {
+        if (open.empty())
+            return &(root = std::move(value));
+        Container& parent = open.back();
+        if (parent.json->is_array())
+            return &parent.json->emplace_back(std::move(value));
+        auto& values = parent.json->get_ref<Json::object_t&>();
+        const auto [known, isNew] = parent.keys.try_emplace(parent.key, values.size());
+        if (isNew)
+            values.emplace_back(std::move(parent.key), nullptr);
+        return &((values.begin() + static_cast<std::ptrdiff_t>(known->second))->second = std::move(value));
+    }
+
+    Json root;
+    std::vector<Container> open;
+    std::size_t dropped = 0; // containers that are open inside of one another
+};
+
+// Discarded when the text is no JSON.
 Json parseSettings(const CString& text)
 {
-    const auto keep = [](int depth, Json::parse_event_t, Json&) { return depth <= 3; };
-    return Json::parse(text, keep, false);
+    Builder builder;
+    return Json::sax_parse(text, &builder) ? builder.take() : Json(Json::value_t::discarded);
 }
 
 // Opening anything but a regular file might wait for ever, and so might reading one that has no end in sight.
@@ -143,18 +226,27 @@ std::vector<std::pair<CString, SettingsValue>> SettingsStore::queryValues(const 
 
 void SettingsStore::setText(const CString& key, const CString& name, const CString& value)
 {
-    Json& values = document->root[key];
-    if (!values.is_object())
-        values = Json::object();
-    values[name] = fromText(value);
+    set(key, name, fromText(value));
 }
 
 void SettingsStore::setInteger(const CString& key, const CString& name, std::int32_t value)
 {
+    set(key, name, value);
+}
+
+template <class Value>
+void SettingsStore::set(const CString& key, const CString& name, Value&& value)
+{
     Json& values = document->root[key];
     if (!values.is_object())
         values = Json::object();
-    values[name] = value;
+    values[name] = std::forward<Value>(value);
+    document->isChanged = true;
+}
+
+bool SettingsStore::isChanged() const
+{
+    return document->isChanged;
 }
 
 bool SettingsStore::save() const

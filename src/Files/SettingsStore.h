@@ -44,10 +44,16 @@ public:
     void setText(const CString& key, const CString& name, const CString& value);
     void setInteger(const CString& key, const CString& name, std::int32_t value);
 
+    /// True once a value has been set.
+    bool isChanged() const;
+
     /// Writes the file whole, at once. False when that fails; the old file is then still there.
     bool save() const;
 
 private:
+    template <class Value>
+    void set(const CString& key, const CString& name, Value&& value);
+
     struct Document;
     std::unique_ptr<Document> document;
 };

@@ -61,6 +61,7 @@ void restoreGeometry(QWidget& window)
 
 void restoreWidths(const QWidget& page)
 {
+    const SettingsTransaction together;
     for (auto* list : page.findChildren<ListView*>())
         if (const auto widths = numbersOf(queryText(nameOf(*list)), list->model()->columnCount()); !widths.isEmpty())
             list->setWidths(widths);

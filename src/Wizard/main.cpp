@@ -1,5 +1,6 @@
 #include "Base/QELApp.h"
 #include "Base/Terminal.h"
+#include "Ui/PlainText.h"
 #include "Ui/ProgramStyle.h"
 
 #include <QApplication>
@@ -50,6 +51,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationVersion(TYPEFORGE_VERSION);
     QApplication::setDesktopFileName("org.typeforge.typeforge");
     QApplication::setStyle(new ProgramStyle);
+    closeRichText();
     QApplication::setQuitOnLastWindowClosed(false);
     return theApp.InitInstance();
 }

@@ -1,6 +1,7 @@
 #include "Files/Registry.h"
 #include "wizard/Desk.h"
 
+#include <chrono>
 #include <pwd.h>
 #include <random>
 #include <sys/stat.h>
@@ -148,6 +149,28 @@ TEST_F(Settings, ListEndsBeforeWhatIsTooLong)
               R"(", "c": "3"}})");
         QELOptions options = load();
         EXPECT_EQ(shown(&QELOptions::fillInputFile, options).size(), kept) << name;
+    }
+}
+
+// In time that grows with the file, whatever shape it has.
+TEST_F(Settings, AreReadAtOnceWhereThereAreMany)
+{
+    CString values, objects;
+    for (int i = 0; i < 100'000; ++i) {
+        values += ",\"" + std::to_string(i) + "\": \"" + std::to_string(i % 90) + "\"";
+        objects += ",\"" + std::to_string(i) + "\": {\"a\": []}";
+    }
+    for (const CString& json : {"{\"" + kProgram + R"(\\InFiles": {"a": "x")" + values + "}}",
+                                "{\"a\": 1" + values + "}", "{\"a\": 1" + objects + "}"}) {
+        write(json);
+        const auto start = std::chrono::steady_clock::now();
+        QELOptions options = load();
+        shown(&QELOptions::fillInputFile, options);
+        options.addInputFile("b");
+        options.flushValues();
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+        EXPECT_NE(read().find("99999"), std::string::npos); // what isn't ours stays
+        EXPECT_EQ(shown(&QELOptions::fillInputFile, options).front(), "b");
     }
 }
 

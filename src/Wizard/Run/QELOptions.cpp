@@ -20,6 +20,7 @@ constexpr const char* kUsersKey = "SOFTWARE\\ZANTH\\QEL\\Users";
 constexpr const char* kBrokersKey = "SOFTWARE\\ZANTH\\QEL\\Broker";
 
 constexpr std::size_t kMaxEntries = 15;
+constexpr std::size_t kMaxRead = 1'000; // of what others have stored
 constexpr std::size_t kMaxPath = 260; // bytes, the terminating zero included
 constexpr std::size_t kMaxName = 10;
 constexpr unsigned int kDefaultPort = 7250;
@@ -61,6 +62,7 @@ void QELOptions::setPwd(const CString& password)
 
 void QELOptions::getValues()
 {
+    const SettingsTransaction together;
     Registry reg;
     if (unsigned int hide; reg.getUInt(HKEY_CURRENT_USER, kProgramKey, "HideWelcomePage", hide))
         hideWelcome = static_cast<int>(hide);
@@ -176,9 +178,10 @@ void AddUnique(const CString& text, CStringList& list, int atHead)
 
 CString FillCombo(CComboBox& combo, CStringList& list)
 {
-    int position = 0;
+    QStringList entries;
     for (const CString& entry : list)
-        combo.insertItem(position++, toUi(entry));
+        entries.append(toUi(entry));
+    combo.insertItems(0, entries);
     if (list.empty())
         return {};
     combo.setCurrentIndex(0);
@@ -192,8 +195,8 @@ CString QueryTop(CStringList& list)
 
 void FillFromReg(CStringList& list, const char* key)
 {
-    for (const auto& [name, value] : SettingsStore().queryValues(key)) {
-        if (name.size() >= kMaxName || value.bytes.size() > kMaxPath)
+    for (const auto& [name, value] : Registry().queryValues(HKEY_CURRENT_USER, key)) {
+        if (name.size() >= kMaxName || value.bytes.size() > kMaxPath || list.size() >= kMaxRead)
             return;
         list.push_back(value.bytes.c_str());
     }

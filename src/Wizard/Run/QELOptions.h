@@ -103,7 +103,8 @@ CString FillCombo(CComboBox& combo, CStringList& list);
 /// The head entry; "" for an empty list.
 CString QueryTop(CStringList& list);
 
-/// Appends the values of a settings key. Names of more than 9 bytes and texts of more than 259 end the reading.
+/// Appends the values of a settings key. Names of more than 9 bytes, texts of more than 259 and a list of 1,000 entries
+/// end the reading.
 void FillFromReg(CStringList& list, const char* key);
 
 /// Stores the entries as the values "a", "b", "c", … of a settings key; other values that it has stay.
