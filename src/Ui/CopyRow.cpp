@@ -1,5 +1,7 @@
 #include "Ui/CopyRow.h"
 
+#include "Ui/PlainText.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -12,7 +14,7 @@ CopyRow::CopyRow(const QString& caption, const QString& button) : field(new QLin
     field->setObjectName("command");
     field->setReadOnly(true);
     field->setAccessibleName(caption);
-    auto* label = new QLabel(caption);
+    QLabel* label = plainLabel(caption);
     auto* copy = new QPushButton(button);
     copy->setObjectName("copyCommand");
     connect(copy, &QPushButton::clicked, field, [this] { QGuiApplication::clipboard()->setText(field->text()); });

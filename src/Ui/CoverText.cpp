@@ -1,5 +1,6 @@
 #include "Ui/CoverText.h"
 
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 
 #include <QFont>
@@ -9,8 +10,7 @@
 
 QLabel* coverText(const CString& text, const QFont& font)
 {
-    auto* label = new QLabel(toUi(text));
-    label->setTextFormat(Qt::PlainText);
+    QLabel* label = plainLabel(toUi(text));
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setFont(font);

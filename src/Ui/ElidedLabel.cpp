@@ -1,12 +1,15 @@
 #include "Ui/ElidedLabel.h"
 
+#include "Ui/PlainText.h"
+
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
 
-ElidedLabel::ElidedLabel(const QString& text) : QLabel(text)
+ElidedLabel::ElidedLabel(const QString& text)
 {
     setTextFormat(Qt::PlainText);
+    setText(text);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
@@ -19,7 +22,7 @@ bool ElidedLabel::event(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip || shownText() == text())
         return QLabel::event(event);
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(text()), this);
     return true;
 }
 

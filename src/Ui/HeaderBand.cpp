@@ -1,6 +1,7 @@
 #include "Ui/HeaderBand.h"
 
 #include "Ui/Pictures.h"
+#include "Ui/PlainText.h"
 
 #include <QEvent>
 #include <QLabel>
@@ -15,14 +16,14 @@ constexpr int kMargin = 12;
 } // namespace
 
 HeaderBand::HeaderBand(int headerId, QWidget* parent) :
-    QWidget(parent), pictureId(headerId), header(picture(headerId, palette())), titleLabel(new QLabel(this)),
-    subtitleLabel(new QLabel(this))
+    QWidget(parent), pictureId(headerId), header(picture(headerId, palette())), titleLabel(plainLabel()),
+    subtitleLabel(plainLabel())
 {
     QFont bold = font();
     bold.setBold(true);
     titleLabel->setFont(bold);
     for (QLabel* label : {titleLabel, subtitleLabel}) {
-        label->setTextFormat(Qt::PlainText);
+        label->setParent(this);
         label->setForegroundRole(QPalette::Text); // the band's ground is the base colour, not the window's
     }
     subtitleLabel->setWordWrap(true);

@@ -1,6 +1,7 @@
 #include "Ui/ListFilter.h"
 
 #include "Ui/ListView.h"
+#include "Ui/PlainText.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -10,7 +11,7 @@
 #include <QShortcut>
 
 ListFilter::ListFilter(ListView& filteredList, const QString& rowNoun) :
-    list(filteredList), noun(rowNoun), field(new QLineEdit), count(new QLabel)
+    list(filteredList), noun(rowNoun), field(new QLineEdit), count(plainLabel())
 {
     field->setObjectName("filter");
     field->setPlaceholderText("Filter (Ctrl+F)");

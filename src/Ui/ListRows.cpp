@@ -1,5 +1,6 @@
 #include "Ui/ListRows.h"
 
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 
 #include <algorithm>
@@ -80,7 +81,7 @@ QVariant ListRows::data(const QModelIndex& index, int role) const
         return marks(row).icon;
     if (role == Qt::AccessibleTextRole)
         return toUi(cells(row, 0)) + ", " + marks(row).word;
-    return role == Qt::ToolTipRole ? marks(row).word : QVariant();
+    return role == Qt::ToolTipRole ? plainToolTip(marks(row).word) : QVariant();
 }
 
 QVariant ListRows::headerData(int section, Qt::Orientation, int role) const

@@ -1,5 +1,7 @@
 #include "Ui/MessageTexts.h"
 
+#include "Ui/PlainText.h"
+
 #include <QAbstractTextDocumentLayout>
 #include <QLabel>
 #include <QSignalBlocker>
@@ -41,7 +43,7 @@ MessageTexts::MessageTexts(const QString& messageText, const QString& detailsTex
         return;
     QFont small = font();
     small.setPointSizeF(small.pointSizeF() * 0.85);
-    auto* heading = new QLabel("Details");
+    QLabel* heading = plainLabel("Details");
     heading->setFont(small);
     column->addWidget(heading);
     details = addText(detailsText, "Details");

@@ -3,6 +3,7 @@
 #include "Base/MessageBox.h"
 #include "Ui/LongWork.h"
 #include "Ui/MessageTexts.h"
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
 
@@ -64,7 +65,7 @@ void ModalBox::show(const CString& text, const CString& title, const CString& de
 {
     if (series.hidden)
         return;
-    QMessageBox box(QMessageBox::NoIcon, toUi(title), {}, QMessageBox::Ok, owner);
+    QMessageBox box(QMessageBox::NoIcon, plainTitle(toUi(title)), {}, QMessageBox::Ok, owner);
     box.setTextFormat(Qt::PlainText);
     box.setText(toUi(text));
     box.setWindowModality(Qt::WindowModal);

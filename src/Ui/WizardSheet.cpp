@@ -6,6 +6,7 @@
 #include "Ui/LongWork.h"
 #include "Ui/Mnemonics.h"
 #include "Ui/Pictures.h"
+#include "Ui/PlainText.h"
 #include "Ui/ProgressRow.h"
 #include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
@@ -52,7 +53,7 @@ WizardSheet::WizardSheet(const CString& caption, CWnd* parent, UINT start, HBITM
     watermarkId(watermarkPicture), watermark(picture(watermarkPicture, palette())),
     band(new HeaderBand(headerPicture, this)), stack(new QStackedWidget(this)), startPage(start)
 {
-    setWindowTitle(toUi(caption));
+    setWindowTitle(plainTitle(toUi(caption)));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowFlag(Qt::WindowMinMaxButtonsHint, true);
     backButton = addButton("back", kBack, &WizardSheet::back);
@@ -277,7 +278,7 @@ void WizardSheet::activate(int index)
     stack->setCurrentIndex(index);
     band->setTexts(page->queryTitle(), page->querySubtitle());
     band->setVisible(page->queryLook() == WizardPage::Look::interior);
-    setWindowTitle(page->queryCaption());
+    setWindowTitle(plainTitle(page->queryCaption()));
     try {
         page->OnSetActive();
     } catch (const std::exception& error) {

@@ -74,6 +74,35 @@ TEST(Flow, StartsOnTheWelcomePageUntilItIsHidden)
     EXPECT_TRUE(desk.control<QAbstractButton>(IDC_HIDE_WELCOME).isChecked());
 }
 
+// A second run begins with what the first one ended with.
+TEST(Flow, FinishStoresWhatWasChosen)
+{
+    Desk desk;
+    const CString first = desk.dir.write("in/a.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'/>");
+    desk.importer = "XML Schema importer";
+    desk.walkTo(IDD_SOURCE);
+    desk.type(IDC_INPUT_FILE, first);
+    desk.click("next");
+    desk.boxes.take();
+    desk.walkTo(IDD_SOURCE);
+    desk.click("back");
+    desk.importer = "DTD importer";
+    desk.walkTo(IDD_FINISH);
+    desk.click("finish");
+    desk.end();
+    const CString stored = TempDir::read(desk.settingsFile());
+    for (const CString& part :
+         {CString("InFiles\": {\n    \"a\": \"") + desk.source + "\",\n    \"b\": \"" + first + '"',
+          CString("OutFiles\": {\n    \"a\": \"") + desk.output + '"', CString("\"LastImporter\": 0"),
+          CString("\"LastOutputMode\": 0"), "Input folder\": \"" + desk.dir.path("start") + '"'})
+        EXPECT_NE(stored.find(part), CString::npos) << part << " in " << stored;
+    desk.walkTo(IDD_SOURCE);
+    EXPECT_EQ(desk.text(IDC_INPUT_FILE), desk.source);
+    EXPECT_EQ(desk.control<QComboBox>(IDC_INPUT_FILE).itemText(1).toStdString(), first);
+    desk.walkTo(IDD_OUTPUT_FILE);
+    EXPECT_EQ(desk.text(IDC_OUTPUT_FILE), desk.output);
+}
+
 void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
     QTest::keyClick(QApplication::focusWidget(), key, modifiers);

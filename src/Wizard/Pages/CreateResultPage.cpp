@@ -2,6 +2,7 @@
 
 #include "Resources/StringTable.h"
 #include "Ui/CopyRow.h"
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 #include "Ui/WizardSheet.h"
 #include "Wizard/Run/WizardRun.h"
@@ -67,7 +68,7 @@ void CreateResultPage::OnInitDialog()
 
 QHBoxLayout* CreateResultPage::makeButtons()
 {
-    totals = withId(IDC_TOTALS, new QLabel);
+    totals = withId(IDC_TOTALS, plainLabel());
     failuresOnly = withId(IDC_FAILURES_ONLY, new QCheckBox("Failures &only"));
     auto* copyButton = withId(IDC_COPY, new QPushButton("&Copy"));
     auto* saveButton = withId(IDC_SAVE, new QPushButton("&Save ..."));

@@ -6,6 +6,7 @@
 #include "Types/ReportText.h"
 #include "Ui/ListFilter.h"
 #include "Ui/ListView.h"
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 #include "Ui/Viewer.h"
 #include "Ui/WizardSheet.h"
@@ -43,7 +44,7 @@ EditPage::EditPage() : QELPage(IDD_EDIT, "Typeforge - Generated types", IDS_EDIT
 void EditPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
-    wayOut = new QLabel(this); // the first for Tab, where it is shown, so that nobody misses it
+    wayOut = plainLabel(); // the first for Tab, where it is shown, so that nobody misses it
     wayOut->setObjectName("wayOut");
     wayOut->setWordWrap(true);
     wayOut->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

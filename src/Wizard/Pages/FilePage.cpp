@@ -3,6 +3,7 @@
 #include "Ui/DraggedFiles.h"
 #include "Ui/PathCompleter.h"
 #include "Ui/PathLabel.h"
+#include "Ui/PlainText.h"
 #include "Ui/RecentCombo.h"
 #include "Ui/UiText.h"
 #include "Ui/WizardSheet.h"
@@ -24,7 +25,7 @@ void FilePage::OnInitDialog()
     fileCombo->lineEdit()->setAcceptDrops(false);
     fileCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     fillFiles(*fileCombo);
-    auto* label = new QLabel("File:");
+    QLabel* label = plainLabel("File:");
     label->setBuddy(fileCombo);
     auto* browse = withId(IDC_BROWSE, new QPushButton("B&rowse"));
     connect(browse, &QPushButton::clicked, this, &FilePage::OnPickfile);

@@ -3,6 +3,7 @@
 #include "Base/QELApp.h"
 #include "Resources/DialogIds.h"
 #include "Ui/MessageTexts.h"
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 
 #include <QGridLayout>
@@ -15,7 +16,7 @@
 OverWriteDlg::OverWriteDlg(CWnd* owner) : QDialog(owner)
 {
     setObjectName(QString::number(IDD_OVERWRITE));
-    setWindowTitle("Overwrite confirmation");
+    setWindowTitle(plainTitle("Overwrite confirmation"));
     auto* grid = new QGridLayout(this);
     grid->setRowStretch(0, 1);
     addButton(IDC_YES, "&Yes", &OverWriteDlg::OnYes);

@@ -3,6 +3,7 @@
 #include "Import/Full/FullMessage.h"
 #include "Resources/DialogIds.h"
 #include "Ui/ElidedLabel.h"
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 
 #include <QComboBox>
@@ -12,7 +13,7 @@
 #include <algorithm>
 
 ReadingRow::ReadingRow() :
-    mainElementLabel(new QLabel(tr("&Main element:"))), mainElement(new QComboBox), count(new ElidedLabel),
+    mainElementLabel(plainLabel(tr("&Main element:"))), mainElement(new QComboBox), count(new ElidedLabel),
     details(new QPushButton(tr("&Details")))
 {
     mainElement->setObjectName(QString::number(IDC_MAIN_ELEMENT));

@@ -4,6 +4,7 @@
 #include "Database/ConnectString.h"
 #include "Database/Odbc.h"
 #include "Resources/DialogIds.h"
+#include "Ui/PlainText.h"
 #include "Ui/SecretEdit.h"
 #include "Ui/UiText.h"
 
@@ -17,12 +18,11 @@ DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const C
 {
     keepOutOfCores();
     setObjectName("DataSourceLogon");
-    setWindowTitle("Log on to " + toUi(source));
+    setWindowTitle(plainTitle("Log on to " + toUi(source)));
     userEdit->setObjectName(QString::number(IDC_SOURCE_USER));
     passwordEdit->setObjectName(QString::number(IDC_SOURCE_PASSWORD));
     makeSecret(*passwordEdit);
-    auto* text = new QLabel(toUi(reason));
-    text->setTextFormat(Qt::PlainText); // a server's words, not ours
+    QLabel* text = plainLabel(toUi(reason));
     text->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

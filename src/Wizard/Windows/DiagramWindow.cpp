@@ -2,6 +2,7 @@
 
 #include "Types/TypeStructure.h"
 #include "Ui/ElidedLabel.h"
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
 #include "Wizard/Windows/DiagramScene.h"
@@ -28,7 +29,8 @@ void renderSvg(QGraphicsScene& scene, const QString& title, QIODevice& out)
 {
     QSvgGenerator svg;
     svg.setOutputDevice(&out);
-    svg.setTitle(title);
+    if (title == title.toHtmlEscaped()) // or the picture is no XML
+        svg.setTitle(title);
     svg.setSize(scene.sceneRect().size().toSize());
     svg.setViewBox(QRectF({}, scene.sceneRect().size()));
     QPainter painter(&svg);
@@ -57,7 +59,7 @@ DiagramWindow::DiagramWindow(QWidget* owner, const TypeStructure& structure, std
     const WaitCursor wait;
     setObjectName("diagramWindow");
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(tr("%1 - Typeforge picture").arg(name));
+    setWindowTitle(plainTitle(tr("%1 - Typeforge picture").arg(name)));
     bool isWhole = true;
     const std::vector<std::uint32_t> types = structure.reach(type, kMostTypes, isWhole);
     scene = new DiagramScene(TypeGraph(structure, types, kMostRows), palette(), font());
@@ -89,7 +91,7 @@ QHBoxLayout* DiagramWindow::makeButtonRow()
     const auto addButton = [&](const char* objectName, const QString& title, const QString& tip, auto action) {
         auto* button = new QPushButton(title);
         button->setObjectName(objectName);
-        button->setToolTip(tip);
+        button->setToolTip(plainToolTip(tip));
         connect(button, &QPushButton::clicked, this, action);
         row->addWidget(button);
         return button;

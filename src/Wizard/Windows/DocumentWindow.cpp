@@ -1,6 +1,7 @@
 #include "Wizard/Windows/DocumentWindow.h"
 
 #include "Ui/ElidedLabel.h"
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
 #include "Wizard/Windows/SaveFile.h"
@@ -50,7 +51,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     setObjectName("documentWindow");
     setAttribute(Qt::WA_DeleteOnClose);
     const bool isType = kind == ofType;
-    setWindowTitle((isType ? tr("%1 - Typeforge type") : tr("%1 - Typeforge")).arg(toUi(name)));
+    setWindowTitle(plainTitle((isType ? tr("%1 - Typeforge type") : tr("%1 - Typeforge")).arg(toUi(name))));
     text->setObjectName("document");
     text->setAccessibleName(isType ? tr("Document of the type") : toUi(name));
     text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
@@ -75,7 +76,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
 QHBoxLayout* DocumentWindow::makeFindRow()
 {
     auto* row = new QHBoxLayout;
-    auto* label = new QLabel(tr("&Find:"));
+    QLabel* label = plainLabel(tr("&Find:"));
     label->setBuddy(findEdit);
     findEdit->setObjectName("find");
     findEdit->setClearButtonEnabled(true);
@@ -84,7 +85,7 @@ QHBoxLayout* DocumentWindow::makeFindRow()
     const auto addButton = [&](const char* objectName, const QString& title, QList<QKeySequence> keys, bool backward) {
         auto* button = new QPushButton(title);
         button->setObjectName(objectName);
-        button->setToolTip(keys.first().toString(QKeySequence::NativeText));
+        button->setToolTip(plainToolTip(keys.first().toString(QKeySequence::NativeText)));
         connect(button, &QPushButton::clicked, this, [this, backward] { find(backward); });
         for (const QKeySequence& key : keys)
             connect(new QShortcut(key, this), &QShortcut::activated, button, &QPushButton::click);
@@ -108,7 +109,7 @@ QHBoxLayout* DocumentWindow::makeButtonRow()
     const auto addButton = [&](const char* objectName, const QString& title, const QString& tip, auto action) {
         auto* button = new QPushButton(title);
         button->setObjectName(objectName);
-        button->setToolTip(tip);
+        button->setToolTip(plainToolTip(tip));
         connect(button, &QPushButton::clicked, this, action);
         row->addWidget(button);
         return button;

@@ -1,5 +1,7 @@
 #include "Wizard/Windows/HelpWindow.h"
 
+#include "Ui/PlainText.h"
+
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QScreen>
@@ -35,7 +37,7 @@ HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser(new
     const auto addButton = [&](const char* name, const QString& text, const QKeySequence& keys, auto action) {
         auto* button = new QPushButton(text);
         button->setObjectName(name);
-        button->setToolTip(keys.toString(QKeySequence::NativeText));
+        button->setToolTip(plainToolTip(keys.toString(QKeySequence::NativeText)));
         connect(button, &QPushButton::clicked, browser, action);
         connect(new QShortcut(keys, this), &QShortcut::activated, button, &QPushButton::click);
         buttons->addWidget(button);
@@ -49,7 +51,8 @@ HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser(new
 
     connect(browser, &QTextBrowser::backwardAvailable, back, &QPushButton::setEnabled);
     connect(browser, &QTextBrowser::forwardAvailable, forward, &QPushButton::setEnabled);
-    connect(browser, &QTextBrowser::sourceChanged, this, [this] { setWindowTitle(browser->documentTitle()); });
+    connect(browser, &QTextBrowser::sourceChanged, this,
+            [this] { setWindowTitle(plainTitle(browser->documentTitle())); });
     const QSize wanted(fontMetrics().averageCharWidth() * 100, fontMetrics().height() * 38);
     resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // what is left is for the frame
 }

@@ -1,6 +1,7 @@
 #include "Wizard/Windows/TypeTreeModel.h"
 
 #include "Types/TypeStructure.h"
+#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 #include "Wizard/Windows/KindMark.h"
 
@@ -219,9 +220,9 @@ QVariant TypeTreeModel::data(const QModelIndex& index, int role) const
         return index.column() == 0 ? node.name : node.type;
     if (role == Qt::DecorationRole && index.column() == 1 && !node.type.isEmpty())
         return node.mark ? *node.mark : noMark();
-    if ((role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole) && !node.description.isEmpty())
+    if (role == Qt::AccessibleDescriptionRole && !node.description.isEmpty())
         return node.description;
-    return {};
+    return role == Qt::ToolTipRole ? plainToolTip(node.description) : QVariant();
 }
 
 QVariant TypeTreeModel::headerData(int section, Qt::Orientation, int role) const
