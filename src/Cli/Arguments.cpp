@@ -39,6 +39,8 @@ void refuseEmptyNames(const CLI::App& app)
 // What stands without an option: an importer and its sources, or sources alone.
 void takeWords(const std::vector<CString>& words, Arguments& arguments)
 {
+    if (std::ranges::find(words, CString()) != words.end())
+        throw CLI::ValidationError("SOURCE", "a name is missing");
     arguments.importer = importerNamed(words.front());
     arguments.sources.assign(words.begin() + (arguments.importer != nullptr), words.end());
     if (arguments.sources.empty())
@@ -162,6 +164,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         exitStatus = reportMistake(unreadable.what());
         return false;
     }
+    arguments.diff.asJson = arguments.json;
     if (!arguments.diff.document.empty())
         failedStatus = kUsage; // 1 says that something differs
     arguments.hasBasePath = app.count("--base-path") > 0;

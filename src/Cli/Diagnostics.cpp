@@ -1,5 +1,6 @@
 #include "Cli/Diagnostics.h"
 
+#include "Base/Fingerprint.h"
 #include "Cli/ProgressLine.h"
 #include "Files/FileMessage.h"
 #include "Import/Full/FullReadingHint.h"
@@ -44,6 +45,13 @@ CString onOneLine(std::string_view text)
         if ((static_cast<unsigned char>(line[end]) & 0xC0) != 0x80 && ++count > kMaxText)
             break;
     return end < line.size() ? line.substr(0, end) + "..." : line;
+}
+
+std::uint64_t hashOf(const SourceFault& fault)
+{
+    const long place[] = {fault.line, fault.column};
+    RunningHash hash({reinterpret_cast<const char*>(place), sizeof place});
+    return Fingerprint(hash.append(fault.file).append("\n").append(fault.reason)).first;
 }
 
 void writeLine(const CString& file, const char* kind, const CString& reason, long line = 0, long column = 0)
@@ -101,7 +109,8 @@ Diagnostics::~Diagnostics()
 void Diagnostics::add(const SourceFault& fault)
 {
     if (fault.isWarning) {
-        if (verbosity == Verbosity::quiet || (++warnings > kMaxWarnings && verbosity == Verbosity::normal))
+        const bool isKnown = fault.column > 0 && !told.insert(hashOf(fault)).second;
+        if (verbosity == Verbosity::quiet || isKnown || (++warnings > kMaxWarnings && verbosity == Verbosity::normal))
             return;
     } else {
         ++errors;
@@ -110,10 +119,10 @@ void Diagnostics::add(const SourceFault& fault)
               fault.column);
 }
 
-void Diagnostics::warning(const CString& reason)
+void Diagnostics::warning(const CString& reason, const CString& file)
 {
     if (verbosity != Verbosity::quiet)
-        writeLine(source, "warning", reason);
+        writeLine(file.empty() ? source : file, "warning", reason);
 }
 
 void Diagnostics::note(const CString& reason) const

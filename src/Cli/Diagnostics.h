@@ -2,7 +2,9 @@
 
 #include "Base/MessageBox.h"
 
+#include <cstdint>
 #include <string_view>
+#include <unordered_set>
 
 /// What the end of the program tells.
 enum ExitStatus : int
@@ -43,15 +45,20 @@ public:
     Diagnostics(const Diagnostics&) = delete;
     Diagnostics& operator=(const Diagnostics&) = delete;
 
-    /// Says one thing. Without Verbosity::verbose that is 20 warnings at most; finish() tells how many more there were.
+    /// Says one thing, the same warning once. Without Verbosity::verbose that is 20 warnings at most; finish() tells
+    /// how many more there were.
     void add(const SourceFault& fault);
     void error(const CString& reason) { add({source, reason}); }
-    void warning(const CString& reason);
+
+    /// A warning beyond the bound, of `file` or, if that is empty, the source.
+    void warning(const CString& reason, const CString& file = {});
 
     /// Says what is of use to who asked for all, Verbosity::verbose.
     void note(const CString& reason) const;
 
     void finish();
+
+    bool isVerbose() const { return verbosity == Verbosity::verbose; }
 
     bool hasErrors() const { return errors > 0; }
 
@@ -63,6 +70,7 @@ private:
     Verbosity verbosity;
     std::size_t errors = 0;
     std::size_t warnings = 0;
+    std::unordered_set<std::uint64_t> told; // hashes of the warnings
     bool isLiteralError = false;
     MessageBoxHandler before;
 };

@@ -3,6 +3,7 @@
 #include "Base/Json.h"
 #include "Cli/Diagnostics.h"
 #include "Cli/Output.h"
+#include "Cli/ReportFile.h"
 #include "Cli/TypeListing.h"
 #include "Files/FileMessage.h"
 #include "Import/Btd/BrokerMsg.h"
@@ -172,18 +173,22 @@ CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
     return diff;
 }
 
-int diffTypes(MsgBase& message, const DiffOptions& options, bool asJson, Output& output, Diagnostics& diagnostics)
+int diffTypes(MsgBase& message, const DiffOptions& options, const ReportOptions& report, Output& output,
+              Diagnostics& diagnostics)
 {
-    BrokerMessage earlier;
     const CString document = options.document == "-" ? kStandardInput : options.document;
+    BrokerMessage earlier;
+    earlier.keepTwins();
     earlier.parseFile(document, earlier.getBasePath());
     if (!diagnostics.hasErrors() && !holdsTypes(earlier))
         diagnostics.add({document, "it is no document of types"});
+    else
+        nameLosses(earlier.queryReport(), report, diagnostics, document);
     if (diagnostics.hasErrors())
         return kTrouble;
     const TypeStructure before(earlier), after(message);
     const Differences differences(before, after, options);
-    asJson ? differences.writeJson(output) : differences.writeText(output);
+    options.asJson ? differences.writeJson(output) : differences.writeText(output);
     if (!output.finish())
         return kTrouble;
     return differences.areSame() ? kSame : kDifferent;

@@ -7,6 +7,7 @@
 class Diagnostics;
 class MsgBase;
 class Output;
+struct ReportOptions;
 namespace CLI {
 class App;
 class Option;
@@ -18,13 +19,15 @@ struct DiffOptions
     CString document;               ///< written earlier; "-" is standard input; empty: nothing is compared
     CString compatible = "readers"; ///< whom a change must not break: readers, writers or both
     std::vector<CString> allowed;   ///< ids of changes that don't count
-    bool ignoreFolders = false;     ///< another base path or main element is no difference
+    bool asJson = false;
+    bool ignoreFolders = false; ///< another base path or main element is no difference
 };
 
 /// Adds --diff and the options that go with it; the answer is --diff.
 CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options);
 
 /// Compares the types of an import with those of a document that was written earlier, and writes the differences, a
-/// line each, or as one JSON object. Returns the exit status of diff(1): 0 if no change counts, 1 if one does, 2 for
-/// trouble, which has been reported.
-int diffTypes(MsgBase& message, const DiffOptions& options, bool asJson, Output& output, Diagnostics& diagnostics);
+/// line each, or as one JSON object. What the document itself lost is said as `report` wants it. Returns the exit
+/// status of diff(1): 0 if no change counts, 1 if one does, 2 for trouble, which has been reported.
+int diffTypes(MsgBase& message, const DiffOptions& options, const ReportOptions& report, Output& output,
+              Diagnostics& diagnostics);

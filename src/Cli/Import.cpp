@@ -44,7 +44,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     if (!arguments.always)
         output.keepUnchanged();
     if (!arguments.diff.document.empty())
-        return diffTypes(message, arguments.diff, arguments.json, output, diagnostics);
+        return diffTypes(message, arguments.diff, arguments.report, output, diagnostics);
     Element* const type = arguments.hasType ? findType(message, arguments.type) : nullptr;
     if (type) {
         writeType(*type, arguments.pretty || output.isTerminal(), output);
@@ -66,17 +66,6 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     return output.finish() ? kDone : kNotWritten;
 }
 
-// What a source refers to and what isn't there, the import goes on without. For a full reading that is everyday
-// (entities of a catalogue, documents on a network): there only who asks for all is told of it without a report.
-void nameMissing(const SourceReport& report, Diagnostics& diagnostics)
-{
-    for (const SourceReport::Entry& entry : report.queryEntries())
-        if (entry.construct <= SourceReport::moduleRemote)
-            diagnostics.add({report.fileNameOf(entry.place.file),
-                             CString(SourceReport::wordsFor(entry.construct)) + ": " + entry.name,
-                             static_cast<long>(entry.place.line), 0, true});
-}
-
 // An import without a type is nearly always one of the wrong file, or by the wrong importer.
 void nameEmpty(const MsgUIDescriptor& importer, const CString& file, Diagnostics& diagnostics)
 {
@@ -92,15 +81,14 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
 {
     const CString basePath = basePathOf(arguments, message);
     message.setFurtherFiles({files.begin() + 1, files.end()});
-    if (!arguments.report.file.empty())
+    if (!arguments.report.file.empty() || arguments.report.isStrict || arguments.verbosity != Verbosity::quiet)
         message.wantReport();
     if (importer.querySource().readsTables)
         tables.import(message, arguments, basePath, diagnostics);
     else
         message.parseFile(files.front(), basePath);
-    if (!arguments.full.isWanted || arguments.verbosity == Verbosity::verbose)
-        nameMissing(message.queryReport(), diagnostics);
     diagnostics.finish();
+    nameLosses(message.queryReport(), arguments.report, diagnostics);
     const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
         nameEmpty(importer, files.front(), diagnostics);

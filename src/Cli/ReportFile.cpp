@@ -1,12 +1,31 @@
 #include "Cli/ReportFile.h"
 
+#include "Cli/Diagnostics.h"
 #include "Cli/Output.h"
 #include "Cli/ProgressLine.h"
+#include "Import/SourceReport.h"
 #include "Types/ReportText.h"
 
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+
+namespace {
+
+SourceFault faultOf(const SourceReport& report, const SourceReport::Entry& entry, bool isWarning)
+{
+    return {report.fileNameOf(entry.place.file), SourceReport::inWords(entry), static_cast<long>(entry.place.line),
+            static_cast<long>(entry.place.column), isWarning};
+}
+
+// Where the places of losses are to be seen.
+CString whereListed(const ReportOptions& options, std::size_t losses)
+{
+    const CString report = options.file.empty() ? "--report FILE" : options.file == "-" ? "the report" : options.file;
+    return "; " + report + (losses == 1 ? " lists it" : " lists them");
+}
+
+} // namespace
 
 void addReportOptions(CLI::App& app, ReportOptions& options)
 {
@@ -17,6 +36,8 @@ void addReportOptions(CLI::App& app, ReportOptions& options)
         ->type_name("text|json")
         ->check(CLI::IsMember({"text", "json"}))
         ->needs(report);
+    app.add_flag("--strict", options.isStrict,
+                 "Fail if the import loses anything that changes what types mean: write no output and create no types");
 }
 
 bool writeReport(MsgBase& message, const ReportOptions& options)
@@ -33,4 +54,17 @@ bool writeReport(MsgBase& message, const ReportOptions& options)
     Output file(options.file);
     writeReport(message, format, [&file](std::string_view piece) { file.write(piece); });
     return file.finish();
+}
+
+void nameLosses(const SourceReport& report, const ReportOptions& options, Diagnostics& diagnostics,
+                const CString& other)
+{
+    const std::size_t losses = report.queryTotal(SourceReport::loss);
+    for (const SourceReport::Entry& entry : report.queryEntries(SourceReport::loss))
+        if (options.isStrict || (diagnostics.isVerbose() && !SourceReport::rowFor(entry.construct).isShown))
+            diagnostics.add(faultOf(report, entry, !options.isStrict));
+    if (losses > 0 && !options.isStrict)
+        diagnostics.warning(report.lossesInWords() + (other.empty() ? whereListed(options, losses) : ""), other);
+    if (const std::size_t unlisted = report.queryUnlisted(SourceReport::loss); unlisted > 0 && options.isStrict)
+        diagnostics.error("... and " + std::to_string(unlisted) + " more losses");
 }

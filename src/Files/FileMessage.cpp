@@ -40,3 +40,11 @@ CString shownFile(const CString& fileName)
 {
     return fileName == kStandardInput ? "-" : fileName;
 }
+
+CString placeInWords(const CString& fileName, std::size_t line, std::size_t column)
+{
+    CString place = shownFile(fileName);
+    if (!place.empty() && line > 0)
+        place += ":" + std::to_string(line) + (column > 0 ? ":" + std::to_string(column) : "");
+    return place;
+}

@@ -13,3 +13,6 @@ CString inWords(int error); ///< of an errno value
 /// The file that stands for standard input, and how it is shown.
 inline constexpr char kStandardInput[] = "/proc/self/fd/0";
 CString shownFile(const CString& fileName);
+
+/// A place as diagnostics write it: "FILE:LINE:COL", as far as it is known; "" if nothing is.
+CString placeInWords(const CString& fileName, std::size_t line, std::size_t column);

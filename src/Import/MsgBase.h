@@ -34,7 +34,8 @@ public:
     /// Further files that parseFile() reads after its own, all as one source. False where an importer reads one alone.
     virtual bool setFurtherFiles(const std::vector<CString>&) { return false; }
 
-    /// Has what a literal reading passes over noted in the report too, which takes a look at the source of its own.
+    /// Has details noted in the report, too, which takes a literal reading a look at the source of its own. Losses are
+    /// noted always.
     void wantReport() { isReportWanted = true; }
 
     /// What of the last source was not carried over into the types.

@@ -1,16 +1,20 @@
 #pragma once
 
+#include "Base/Arena.h"
 #include "Base/MessageBox.h"
 
 #include <array>
+#include <cstdint>
 #include <deque>
+#include <unordered_set>
 #include <vector>
 
 /// Where a source says something.
 struct SourcePlace
 {
-    std::uint32_t file = 0; ///< as SourceReport::addFile() numbered it
-    std::uint32_t line = 0; ///< counted from 1; 0 where none is known
+    std::uint32_t file = 0;   ///< as SourceReport::addFile() numbered it
+    std::uint32_t line = 0;   ///< counted from 1; 0 if unknown
+    std::uint32_t column = 0; ///< counted from 1, in bytes; 0 if unknown
 };
 
 /// Ends an import: thrown by what reads a source where that can't be imported at all. `text` is what the user is shown,
@@ -22,21 +26,55 @@ struct SourceRefusal
 };
 
 /// What of a source was not carried over into the types: each construct with its place, and how often it occurred.
-/// Places are kept up to a bound, counts are always complete.
+///
+/// Each construct is a loss or a detail. A loss changes what types mean, and has a place always. A detail is what the
+/// model has no room for; some details are only counted. The same construct at the same place with the same name is
+/// noted once. Places are kept up to a bound for each sort; counts are always complete.
 class SourceReport
 {
 public:
+    enum Sort : std::uint8_t
+    {
+        loss,
+        detail,
+        sortCount
+    };
+
     enum Construct : std::uint8_t
     {
+        // Losses.
         moduleMissing,
         moduleUnreadable,
         moduleIllFormed,
         moduleRemote,
         entityUndeclared,
-        unresolvedReference,
+        unresolvedReference, ///< to a type or an element: what refers to it is text
+        unresolvedContent,   ///< to what fields come from, a group or a base type: there are none of it
         unknownSection,
+        unknownStatement, ///< or misspelt, as xs:elem
+        unknownAttribute, ///< of a statement, as nam=
+        unterminated,     ///< a comment or a declaration
         senselessDeclaration,
+        statementUnreadable, ///< shown in a message of its own
+        insideItself,        ///< the same
+        inventedType,        ///< made of what is no declaration of it
         declaredTwice,
+        mainTypeAbstract,
+        cutShort, ///< by a bound; the name says by which
+        impossibleName,
+        entityNotExpanded,
+        declarationPassedOver,
+        groupPassedOver,
+        extensionPassedOver,
+        simpleTypePassedOver,
+        typeUnknown,
+        nameMissing, ///< of a type, a field or a constant of a type document
+        columnPassedOver,
+        emptyTable,
+        tableGone,    ///< since the tables were listed
+        tableUnnamed, ///< it can't be asked for: its name is empty, blank or of several lines
+        severalOwners,
+        // Details.
         sgmlException,
         anyContent,
         mixedContent,
@@ -47,18 +85,14 @@ public:
         unionOfKinds,
         elementNotAllowed,
         nameChanged,
-        // Of the literal readings.
-        entityNotExpanded,
-        statementUnreadable,
-        impossibleName,
-        declarationPassedOver,
-        groupPassedOver,
-        extensionPassedOver,
-        simpleTypePassedOver,
-        typeUnknown,
-        emptyTable,
-        columnPassedOver,
-        // From here on without places.
+        nameMadeFit,            ///< for a place that can't hold it
+        attributeDeclaredTwice, ///< which XML allows: the first one holds
+        entityPassedOver,       ///< the declaration of an entity that nothing read refers to, or of a notation
+                                // Details that are only counted.
+        optionality,
+        occurrenceBounds, ///< other than once, at most once and any number
+        alternatives,     ///< a choice between fields
+        anyOrder,
         facet,
         nillable,
         defaultValue,
@@ -68,6 +102,23 @@ public:
         constructCount
     };
 
+    /// How much the places of each sort may take. Losses are to be complete for every source that means well.
+    static constexpr std::size_t kMaxMegabytes[sortCount] = {64, 2};
+
+    /// A row of the table of constructs.
+    struct Row
+    {
+        const char* words;    ///< what one is called in the report
+        Sort sort;            ///< a loss has places
+        const char* singular; ///< what happened, for a line that sums up losses: "reference became text"
+        const char* plural;   ///< the same of several; equal words are counted together
+        bool isShown = false; ///< the importer itself shows each in a message
+    };
+
+    static const Row& rowFor(Construct construct);
+    static const char* wordsFor(Construct construct) { return rowFor(construct).words; }
+    static bool isLoss(Construct construct) { return rowFor(construct).sort == loss; }
+
     /// The number under which places refer to a file of that name.
     std::uint32_t addFile(const CString& fileName);
     const CString& fileNameOf(std::uint32_t file) const { return files[file]; }
@@ -76,22 +127,28 @@ public:
     /// Notes a construct at its place. Of a long name only the beginning is kept.
     void add(Construct construct, SourcePlace place, std::string_view name);
 
-    /// Notes a construct that is only counted.
+    /// Notes a detail that is only counted.
     void count(Construct construct, std::size_t times = 1) { counts[construct] += times; }
 
-    /// The constructs that have places, also those beyond the bound.
-    std::size_t queryPlaced() const;
-
-    /// A construct at its place. The bound on places leaves the rest to the counts.
+    /// A construct at its place. The name lasts until clear().
     struct Entry
     {
-        Construct construct;
+        std::string_view name;
         SourcePlace place;
-        CString name;
+        Construct construct;
     };
 
-    /// In the order in which they were noted.
-    const std::vector<Entry>& queryEntries() const { return entries; }
+    /// What the entry says: "CONSTRUCT: NAME".
+    static CString inWords(const Entry& entry);
+
+    /// The places of one sort in the order in which they were noted, as far as its bound goes.
+    const std::deque<Entry>& queryEntries(Sort sort) const { return places[sort].entries; }
+
+    /// How many more there were than queryEntries() holds, past the bound.
+    std::size_t queryUnlisted(Sort sort) const { return places[sort].unlisted; }
+
+    /// How many of one sort occurred, with and without places.
+    std::size_t queryTotal(Sort sort) const;
 
     struct Count
     {
@@ -99,22 +156,26 @@ public:
         std::size_t times;
     };
 
-    /// The constructs that occurred, most frequent first.
-    std::vector<Count> queryCounts() const;
+    /// The constructs of one sort that occurred, most frequent first.
+    std::vector<Count> queryCounts(Sort sort) const;
 
-    /// What a construct is called.
-    static const char* wordsFor(Construct construct);
+    /// The losses in one line: "3 losses: 2 references became text, 1 document not found"; "" if there are none.
+    CString lossesInWords() const;
 
     /// Empties the report.
-    void clear()
-    {
-        files.clear();
-        entries.clear();
-        counts = {};
-    }
+    void clear();
 
 private:
+    struct Places
+    {
+        std::deque<Entry> entries;
+        std::size_t bytes = 0; // that they take, roughly
+        std::size_t unlisted = 0;
+    };
+
     std::deque<CString> files;
-    std::vector<Entry> entries;
+    Arena names;
+    std::unordered_set<std::uint64_t> noted; // hashes of the entries
+    std::array<Places, sortCount> places;
     std::array<std::size_t, constructCount> counts{};
 };

@@ -28,44 +28,85 @@ struct Totals
     }
 };
 
+constexpr SourceReport::Sort kSorts[] = {SourceReport::loss, SourceReport::detail};
+
 CString placeOf(const SourceReport& report, const SourceReport::Entry& entry)
 {
-    CString place = shownFile(report.fileNameOf(entry.place.file));
-    if (!place.empty() && entry.place.line > 0)
-        place += ":" + std::to_string(entry.place.line);
+    const CString place = placeInWords(report.fileNameOf(entry.place.file), entry.place.line, entry.place.column);
     return place.empty() ? place : place + ": ";
+}
+
+CString headingOf(SourceReport::Sort sort, std::size_t total)
+{
+    const bool isLoss = sort == SourceReport::loss;
+    return std::to_string(total) + (total == 1 ? (isLoss ? " loss" : " detail") : (isLoss ? " losses" : " details"));
+}
+
+// What the bound on places has left to the counts.
+CString unlistedInWords(SourceReport::Sort sort, std::size_t times)
+{
+    return "... and " + std::to_string(times) + " more, past the bound of " +
+           std::to_string(SourceReport::kMaxMegabytes[sort]) + " MB for places\n";
 }
 
 void writeText(const SourceReport& report, const Totals& totals, const Out& out)
 {
-    for (const SourceReport::Entry& entry : report.queryEntries())
-        out(placeOf(report, entry) + SourceReport::wordsFor(entry.construct) + ": " + entry.name + "\n");
-    if (!report.queryEntries().empty())
+    for (const SourceReport::Sort sort : kSorts) {
+        if (report.queryTotal(sort) == 0)
+            continue;
+        out(headingOf(sort, report.queryTotal(sort)) + "\n");
+        for (const SourceReport::Entry& entry : report.queryEntries(sort))
+            out(placeOf(report, entry) + SourceReport::inWords(entry) + "\n");
+        if (const std::size_t times = report.queryUnlisted(sort); times > 0)
+            out(unlistedInWords(sort, times));
         out("\n");
-    for (const SourceReport::Count& count : report.queryCounts())
-        out(std::to_string(count.times) + " " + SourceReport::wordsFor(count.construct) + "\n");
+    }
+    for (const SourceReport::Sort sort : kSorts)
+        for (const SourceReport::Count& count : report.queryCounts(sort))
+            out(std::to_string(count.times) + " " + SourceReport::wordsFor(count.construct) + "\n");
     out(formatText("%zu types, %zu fields: %zu typed, %zu left text\n", totals.types, totals.fields,
                    totals.fields - totals.texts, totals.texts));
 }
 
+CString jsonOf(const SourceReport& report, const SourceReport::Entry& entry)
+{
+    return "{\"sort\":" + CString(SourceReport::isLoss(entry.construct) ? "\"loss\"" : "\"detail\"") +
+           ",\"file\":" + jsonText(shownFile(report.fileNameOf(entry.place.file))) +
+           ",\"line\":" + std::to_string(entry.place.line) + ",\"column\":" + std::to_string(entry.place.column) +
+           ",\"construct\":" + jsonText(SourceReport::wordsFor(entry.construct)) +
+           ",\"name\":" + jsonText(CString(entry.name)) + "}";
+}
+
+// The counts of some sorts as members of one object.
+CString jsonCounts(const SourceReport& report, std::initializer_list<SourceReport::Sort> sorts)
+{
+    CString members;
+    for (const SourceReport::Sort sort : sorts)
+        for (const SourceReport::Count& count : report.queryCounts(sort))
+            members += (members.empty() ? "" : ",") + jsonText(SourceReport::wordsFor(count.construct)) + ":" +
+                       std::to_string(count.times);
+    return "{" + members + "}";
+}
+
 void writeJson(const SourceReport& report, const Totals& totals, const Out& out)
 {
+    constexpr auto loss = SourceReport::loss, detail = SourceReport::detail;
     const char* separator = "\n  ";
     out("{\"places\":[");
-    for (const SourceReport::Entry& entry : report.queryEntries()) {
-        out(separator + ("{\"file\":" + jsonText(shownFile(report.fileNameOf(entry.place.file)))) + ",\"line\":" +
-            std::to_string(entry.place.line) + ",\"construct\":" + jsonText(SourceReport::wordsFor(entry.construct)) +
-            ",\"name\":" + jsonText(entry.name) + "}");
-        separator = ",\n  ";
-    }
-    out("],\n \"counts\":{");
-    separator = "";
-    for (const SourceReport::Count& count : report.queryCounts()) {
-        out(separator + jsonText(SourceReport::wordsFor(count.construct)) + ":" + std::to_string(count.times));
-        separator = ",";
-    }
-    out(formatText("},\n \"totals\":{\"types\":%zu,\"fields\":%zu,\"typed\":%zu,\"text\":%zu}}\n", totals.types,
-                   totals.fields, totals.fields - totals.texts, totals.texts));
+    for (const SourceReport::Sort sort : kSorts)
+        for (const SourceReport::Entry& entry : report.queryEntries(sort)) {
+            out(separator + jsonOf(report, entry));
+            separator = ",\n  ";
+        }
+    out("],\n \"counts\":" + jsonCounts(report, {loss, detail}));
+    out(",\n \"losses\":" + jsonCounts(report, {loss}));
+    out(",\n \"details\":" + jsonCounts(report, {detail}));
+    out(formatText(",\n \"unlisted\":{\"losses\":%zu,\"details\":%zu}", report.queryUnlisted(loss),
+                   report.queryUnlisted(detail)));
+    out(formatText(",\n \"totals\":{\"losses\":%zu,\"details\":%zu,\"types\":%zu,\"fields\":%zu,\"typed\":%zu,"
+                   "\"text\":%zu}}\n",
+                   report.queryTotal(loss), report.queryTotal(detail), totals.types, totals.fields,
+                   totals.fields - totals.texts, totals.texts));
 }
 
 } // namespace

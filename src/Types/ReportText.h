@@ -9,9 +9,9 @@ class MsgBase;
 /// The forms in which a report can be had.
 enum class ReportFormat
 {
-    text, ///< a line a place ("FILE:LINE: CONSTRUCT: NAME"), an empty line, a line a construct with its count, the
-          ///< totals
-    json  ///< one object with "places", "counts" and "totals"
+    text, ///< losses, then details: a line with their number, a line a place ("FILE:LINE:COL: CONSTRUCT: NAME"), an
+          ///< empty line; then a line a construct with its count, losses first, and the totals
+    json  ///< one object with "places", "counts", the same by sort as "losses" and "details", "unlisted" and "totals"
 };
 
 /// Writes what the last import of `message` did not carry over, and what it did: how many types there are, and fields,

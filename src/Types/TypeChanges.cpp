@@ -27,6 +27,7 @@ constexpr ChangeRow kChanges[] = {
 };
 static_assert(std::size(kChanges) == TypeChange::idCount);
 
+constexpr const char* kUnnamed = "(no name)";
 constexpr const char* kPartNames[] = {"field", "constant", "component"};
 
 CString inWords(const CString& repeats)
@@ -74,12 +75,54 @@ private:
     std::deque<CString> moved;
 };
 
-Numbers partNumbers(const std::vector<TypePart>& parts)
+// A name, and how many parts of the type come before with the same one.
+struct PartKey
 {
-    Numbers numbers;
-    for (std::size_t i = 0; i < parts.size(); ++i)
-        numbers.emplace(parts[i].name, i);
-    return numbers;
+    std::string_view name;
+    std::size_t before;
+
+    friend bool operator==(const PartKey&, const PartKey&) = default;
+};
+
+struct PartKeyHash
+{
+    std::size_t operator()(const PartKey& key) const { return KeyHash()(key.name) + key.before; }
+};
+
+// The parts of one type, in their order and by their keys.
+struct Parts
+{
+    explicit Parts(std::vector<TypePart> list);
+
+    const TypePart* find(const PartKey& key) const
+    {
+        const auto found = numbers.find(key);
+        return found == numbers.end() ? nullptr : &all[found->second];
+    }
+
+    std::vector<TypePart> all;
+    std::vector<PartKey> keys;
+    std::unordered_map<PartKey, std::size_t, PartKeyHash> numbers;
+};
+
+Parts::Parts(std::vector<TypePart> list) : all(std::move(list))
+{
+    Numbers met;
+    for (const TypePart& part : all) {
+        keys.push_back({part.name, met[part.name]++});
+        numbers.emplace(keys.back(), numbers.size());
+    }
+}
+
+// A type by its folder and name.
+CString shownType(std::string_view name)
+{
+    return CString(name) + (name.empty() || name.ends_with('\\') ? kUnnamed : "");
+}
+
+CString shownPart(const TypePart& part)
+{
+    return part.name.empty() && part.kind != TypePart::component ? kUnnamed : part.name;
 }
 
 CString contentOf(const TypeStructure& structure, const TypePart& part)
@@ -104,48 +147,45 @@ public:
             if (const auto known = before.numbers.find(name); known != before.numbers.end())
                 compareType(static_cast<std::uint32_t>(known->second), type);
             else
-                changes.push_back({TypeChange::typeAdded, after.structure.kindOf(type), CString(name), {}, {}, {}});
+                changes.push_back({TypeChange::typeAdded, after.structure.kindOf(type), shownType(name), {}, {}, {}});
         }
         for (std::uint32_t type = 0; type < before.names.size(); ++type)
             if (const std::string_view name = before.names[type];
                 before.numbers.at(name) == type && !after.numbers.contains(name))
-                changes.push_back({TypeChange::typeRemoved, before.structure.kindOf(type), CString(name), {}, {}, {}});
+                changes.push_back(
+                    {TypeChange::typeRemoved, before.structure.kindOf(type), shownType(name), {}, {}, {}});
     }
 
 private:
     void compareType(std::uint32_t old, std::uint32_t now)
     {
-        const CString name(after.names[now]);
+        const CString name = shownType(after.names[now]);
         const std::string_view oldKind = before.structure.kindOf(old), kind = after.structure.kindOf(now);
         if (kind != oldKind) { // their parts have nothing in common
             changes.push_back({TypeChange::kindChanged, "kind", name, {}, CString(oldKind), CString(kind)});
             return;
         }
-        const std::vector<TypePart> oldParts = before.structure.parts(old), parts = after.structure.parts(now);
-        const Numbers oldNumbers = partNumbers(oldParts), numbers = partNumbers(parts);
-        for (std::size_t i = 0; i < parts.size(); ++i) {
-            const auto known = oldNumbers.find(parts[i].name);
-            if (numbers.at(parts[i].name) != i) // a second one of that name
-                continue;
-            if (known != oldNumbers.end())
-                comparePart(name, oldParts[known->second], parts[i]);
+        const Parts oldParts(before.structure.parts(old)), parts(after.structure.parts(now));
+        for (std::size_t i = 0; i < parts.all.size(); ++i) {
+            const TypePart& part = parts.all[i];
+            if (const TypePart* known = oldParts.find(parts.keys[i]))
+                comparePart(name, *known, part);
             else
-                changes.push_back(
-                    {parts[i].kind == TypePart::constant ? TypeChange::constantAdded : TypeChange::fieldAdded,
-                     kPartNames[parts[i].kind],
-                     name,
-                     parts[i].name,
-                     {},
-                     contentOf(after.structure, parts[i])});
+                changes.push_back({part.kind == TypePart::constant ? TypeChange::constantAdded : TypeChange::fieldAdded,
+                                   kPartNames[part.kind],
+                                   name,
+                                   shownPart(part),
+                                   {},
+                                   contentOf(after.structure, part)});
         }
-        for (std::size_t i = 0; i < oldParts.size(); ++i)
-            if (!numbers.contains(oldParts[i].name) && oldNumbers.at(oldParts[i].name) == i)
+        for (std::size_t i = 0; i < oldParts.all.size(); ++i)
+            if (const TypePart& part = oldParts.all[i]; !parts.find(oldParts.keys[i]))
                 changes.push_back(
-                    {oldParts[i].kind == TypePart::constant ? TypeChange::constantRemoved : TypeChange::fieldRemoved,
-                     kPartNames[oldParts[i].kind],
+                    {part.kind == TypePart::constant ? TypeChange::constantRemoved : TypeChange::fieldRemoved,
+                     kPartNames[part.kind],
                      name,
-                     oldParts[i].name,
-                     contentOf(before.structure, oldParts[i]),
+                     shownPart(part),
+                     contentOf(before.structure, part),
                      {}});
     }
 
@@ -153,9 +193,9 @@ private:
     {
         const TypeContent was = before.structure.contentOf(old.typeName), is = after.structure.contentOf(now.typeName);
         if (before.contentName(was.typeName) != is.typeName)
-            changes.push_back({TypeChange::contentChanged, "type", type, now.name, was.typeName, is.typeName});
+            changes.push_back({TypeChange::contentChanged, "type", type, shownPart(now), was.typeName, is.typeName});
         if (was.repeats != is.repeats)
-            changes.push_back({TypeChange::repetitionChanged, "repetition", type, now.name, inWords(was.repeats),
+            changes.push_back({TypeChange::repetitionChanged, "repetition", type, shownPart(now), inWords(was.repeats),
                                inWords(is.repeats)});
     }
 

@@ -71,6 +71,12 @@ std::string_view IXMLDOMNode::nodeValue() const
     return get().value;
 }
 
+DomPlace IXMLDOMNode::place() const
+{
+    const DomTreeNode* const node = treeNode(&get());
+    return node ? node->place : DomPlace();
+}
+
 IXMLDOMNamedNodeMap IXMLDOMNode::attributes() const
 {
     DomTreeNode* const node = treeNode(&get());
@@ -135,6 +141,14 @@ void IXMLDOMElement::setAttribute(std::string_view name, std::string_view value)
 IXMLDOMNode IXMLDOMNamedNodeMap::getNamedItem(std::string_view name) const
 {
     return IXMLDOMNode(findAttribute(first, name));
+}
+
+IXMLDOMNode IXMLDOMNamedNodeMap::nextNode()
+{
+    DomNode* const node = next;
+    if (node)
+        next = node->next;
+    return IXMLDOMNode(node);
 }
 
 IXMLDOMNode IXMLDOMNodeList::nextNode()

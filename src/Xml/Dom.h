@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Text.h"
+#include "Xml/DomPlace.h"
 
 #include <memory>
 #include <stdexcept>
@@ -55,6 +56,10 @@ public:
     IXMLDOMNode firstChild() const;
     IXMLDOMNode nextSibling() const;
 
+    /// Where an element's start tag was read, for other nodes one that is near. Unknown for an attribute, and for what
+    /// was not read from a file.
+    DomPlace place() const;
+
     /// Puts `child`, which createElement() of the same document has made and which stands nowhere yet, behind the last
     /// child and answers it. ComError when it is another, holds this node, or would be a second document element.
     IXMLDOMNode appendChild(IXMLDOMNode child) const;
@@ -87,13 +92,17 @@ public:
 class IXMLDOMNamedNodeMap
 {
 public:
-    explicit IXMLDOMNamedNodeMap(DomNode* firstAttribute) : first(firstAttribute) {}
+    explicit IXMLDOMNamedNodeMap(DomNode* firstAttribute) : first(firstAttribute), next(firstAttribute) {}
 
     /// The attribute of exactly this qualified name, or null.
     IXMLDOMNode getNamedItem(std::string_view name) const;
 
+    /// The next attribute, or null at the end.
+    IXMLDOMNode nextNode();
+
 private:
     DomNode* first;
+    DomNode* next;
 };
 
 /// The children of a node: a walk over the tree as it is, not a copy of it.

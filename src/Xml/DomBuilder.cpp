@@ -18,6 +18,8 @@ class DomBuilder : public XmlHandler
 public:
     explicit DomBuilder(DomTree& target) : tree(target), parent(&target.queryDocument()) {}
 
+    void scope(const XmlScope& scope) override { place = {static_cast<std::uint32_t>(scope.line), 0}; }
+    bool wantsScopes() const override { return true; }
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
     void text(std::string_view piece) override { pending += piece; }
@@ -39,11 +41,13 @@ private:
 
     std::string_view keep(std::string_view text) { return tree.queryArena().keep(text); }
     DomName nameOf(const XmlName& name);
+    DomTreeNode* create(DomKind kind, DomName name, std::string_view value);
     void add(DomKind kind, std::string_view name, std::string_view value);
     void flushText();
 
     DomTree& tree;
     DomTreeNode* parent;
+    DomPlace place;  // of the last start tag
     CString pending; // the text whose end hasn't been seen yet
     std::unordered_map<XmlName, DomName, HashName> names;
     std::size_t depth = 0;
@@ -62,11 +66,18 @@ DomName DomBuilder::nameOf(const XmlName& name)
     return place->second;
 }
 
+DomTreeNode* DomBuilder::create(DomKind kind, DomName name, std::string_view value)
+{
+    DomTreeNode* const node = tree.create(kind, name, value);
+    node->place = place;
+    return node;
+}
+
 void DomBuilder::startElement(XmlName name, XmlAttributes attributes)
 {
     flushText();
     ++depth;
-    DomTreeNode* const element = tree.create(DomKind::element, nameOf(name), {});
+    DomTreeNode* const element = create(DomKind::element, nameOf(name), {});
     DomNode** last = &element->firstAttribute;
     for (std::size_t i = 0; i < attributes.size(); ++i) {
         const XmlAttribute attribute = attributes[i];
@@ -91,7 +102,7 @@ void DomBuilder::endElement()
 void DomBuilder::add(DomKind kind, std::string_view name, std::string_view value)
 {
     flushText();
-    DomTree::link(*parent, *tree.create(kind, {name, 0}, value));
+    DomTree::link(*parent, *create(kind, {name, 0}, value));
 }
 
 // Pieces of text that nothing stands between are one node. White space alone is none, unless it is to be preserved.
@@ -101,7 +112,7 @@ void DomBuilder::flushText()
         return;
     const bool preserve = !spaces.empty() && spaces.back().second;
     if (preserve || !isBlank(pending))
-        DomTree::link(*parent, *tree.create(DomKind::text, {"#text", 0}, keep(pending)));
+        DomTree::link(*parent, *create(DomKind::text, {"#text", 0}, keep(pending)));
     pending.clear();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Arena.h"
+#include "Xml/DomPlace.h"
 #include "Xml/XmlParser.h"
 
 #include <cstddef>
@@ -40,6 +41,7 @@ struct DomNode
 /// A node with a place in the tree.
 struct DomTreeNode : DomNode
 {
+    DomPlace place; ///< of an element's start tag, for other nodes of one that is near; unknown if it was not read
     DomTreeNode* parent = nullptr;
     DomTreeNode* firstChild = nullptr;
     DomTreeNode* lastChild = nullptr;

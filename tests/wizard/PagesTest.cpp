@@ -251,12 +251,13 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     desk.walkTo(IDD_EDIT);
     auto& list = desk.control<ListView>(IDC_TYPES);
     EXPECT_EQ(list.rowCount(), 3);
-    EXPECT_EQ(desk.text(IDC_NOT_CARRIED_OVER), "1 construct was not carried over");
+    EXPECT_EQ(desk.text(IDC_NOT_CARRIED_OVER), "1 detail was not carried over");
     desk.press(IDC_DETAILS);
     const Texts files = viewFiles(desk.dir.path("start"));
     ASSERT_EQ(files.size(), 1u);
     EXPECT_EQ(TempDir::read(files[0]),
-              desk.source + ":1: content ANY: d\n\n1 content ANY\n3 types, 4 fields: 2 typed, 2 left text\n");
+              "1 detail\n" + desk.source +
+                  ":1: content ANY: d\n\n1 content ANY\n3 types, 4 fields: 2 typed, 2 left text\n");
     EXPECT_TRUE(files[0].ends_with(".txt"));
 
     auto& main = desk.control<QComboBox>(IDC_MAIN_ELEMENT);

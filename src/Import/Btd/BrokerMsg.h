@@ -17,6 +17,10 @@ public:
     CString queryMainTypeName() const override { return mainTypeName; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 
+    /// Has types, and fields of one type, that share a name be so many of them from now on. Else they are one that
+    /// repeats.
+    void keepTwins() { keepsTwins = true; }
+
     static MsgUIDescriptor m_descr;
 
 private:
@@ -25,7 +29,17 @@ private:
     {
         CString folder;
         CString name;
-        Element* element;
+        Element* element = nullptr;
+        bool hasContent = false; // of a known kind
+
+        CString fullName() const { return folder + name; }
+    };
+
+    // An attribute that an element of the document may have, and what takes its value.
+    struct Wanted
+    {
+        std::string_view name;
+        CString* value;
     };
 
     // What a content element of a type says: its tag, the kind that it makes of the type, and how the rest is read.
@@ -37,15 +51,20 @@ private:
     };
 
     bool readType(const IXMLDOMNode& node);
-    void readContent(const IXMLDOMNode& content, const Type& type);
+    void readContent(const IXMLDOMNode& content, Type& type);
     void readArray(const IXMLDOMNode& content, const Type& type);
     void readConstants(const IXMLDOMNode& content, const Type& type);
     void readFields(const IXMLDOMNode& content, const Type& type);
     void readTable(const IXMLDOMNode& content, const Type& type);
-    void passOver(std::string_view what, const CString& typeName);
-    static int getAttribute(const IXMLDOMNode& node, std::string_view name, CString& value);
+    void readAttributes(const IXMLDOMNode& node, std::initializer_list<Wanted> wanted);
+    RunningHash keyOf(RunningHash key);
+    void note(SourceReport::Construct construct, const IXMLDOMNode& node, std::string_view name);
+    void noteTwin(const Fingerprint& key, const IXMLDOMNode& node, std::string_view name);
+    void noteUnnamed(const CString& name, const IXMLDOMNode& node, const char* what, const Type& type);
 
     static const Content kContents[];
 
     CString mainTypeName; // the root's local name
+    bool keepsTwins = false;
+    std::size_t keys = 0; // that were made for twins
 };

@@ -112,7 +112,8 @@ public:
     /// Throws SourceRefusal: the source has more than `what`.
     [[noreturn]] void refuse(const CString& what) const
     {
-        throw SourceRefusal{sourceName + ": more than " + what + ".", {"", "more than " + what}};
+        const CString reason = "more than " + what + ", which is the bound";
+        throw SourceRefusal{sourceName + ": " + reason + ".", {"", reason}};
     }
 
     /// The enumeration of these constants under this name, which is made when there is none like it yet. A million

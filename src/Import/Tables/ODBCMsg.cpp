@@ -4,6 +4,7 @@
 #include "Base/QELStr.h"
 #include "Database/Columns.h"
 #include "Database/MainWindow.h"
+#include "Database/Tables.h"
 
 #include <algorithm>
 
@@ -57,6 +58,13 @@ int ODBCMessage::parse(const CString& source, const CString& basePath, const CSt
     return 1;
 }
 
+// Whether the data source says that there is no such table, or view.
+bool ODBCMessage::isGone(const CString& tableName) const
+{
+    CTables tables(mainWindow ? mainWindow->queryDatabase() : nullptr);
+    return tables.Open(nullptr, nullptr, tableName.c_str(), nullptr) && tables.IsEOF();
+}
+
 void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, const CString& basePath)
 {
     columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
@@ -70,7 +78,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         else
             report.add(SourceReport::columnPassedOver, place, columns.columnName + " (" + columns.typeName + ")");
     }
-    if (isEmpty)
-        report.add(SourceReport::emptyTable, place, tableName);
     columns.Close();
+    if (isEmpty)
+        report.add(isGone(tableName) ? SourceReport::tableGone : SourceReport::emptyTable, place, tableName);
 }

@@ -26,6 +26,7 @@ public:
     static MsgUIDescriptor m_descr;
 
 private:
+    bool isGone(const CString& tableName) const;
     void createFromTable(CColumns& columns, const CString& tableName, const CString& basePath);
 
     MainWindow* mainWindow; // of the moment in which the importer was made

@@ -57,12 +57,19 @@ void ReadingRow::showMainElements(const FullMessage* full)
     mainElement->setVisible(isChoice);
 }
 
+// Without losses, details are worth a row only if there are places to look at.
 void ReadingRow::showCount(const MsgBase& message)
 {
-    const std::size_t left = message.queryReport().queryPlaced();
-    count->setText(left == 1 ? tr("1 construct was not carried over")
-                             : tr("%L1 constructs were not carried over").arg(left));
-    count->setVisible(left > 0);
+    const SourceReport& report = message.queryReport();
+    const CString losses = report.lossesInWords();
+    const std::size_t left = report.queryTotal(SourceReport::detail);
+    if (!losses.empty())
+        count->setText(toUi(losses));
+    else
+        count->setText(left == 1 ? tr("1 detail was not carried over")
+                                 : tr("%L1 details were not carried over").arg(left));
+    const bool isWorthIt = !losses.empty() || !report.queryEntries(SourceReport::detail).empty();
+    count->setVisible(isWorthIt);
     details->setAccessibleDescription(count->text());
-    details->setVisible(left > 0);
+    details->setVisible(isWorthIt);
 }

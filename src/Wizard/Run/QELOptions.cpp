@@ -21,7 +21,7 @@ constexpr const char* kBrokersKey = "SOFTWARE\\ZANTH\\QEL\\Broker";
 
 constexpr std::size_t kMaxEntries = 15;
 constexpr std::size_t kMaxRead = 1'000; // of what others have stored
-constexpr std::size_t kMaxPath = 260; // bytes, the terminating zero included
+constexpr std::size_t kMaxPath = 260;   // bytes, the terminating zero included
 constexpr std::size_t kMaxName = 10;
 constexpr unsigned int kDefaultPort = 7250;
 

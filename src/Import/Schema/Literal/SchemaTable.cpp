@@ -242,7 +242,7 @@ SchemaElement* SchemaTable::addSchemaElement(SourcePlace place, std::string_view
         if (parent.name == name) {
             theApp.Error(loadText(IDS_CYCLIC), IDS_ERROR_TITLE,
                          {names->fileNameOf(place.file), CString(name) + " stands inside itself", place.line, 0, true});
-            names->add(SourceReport::declarationPassedOver, place, name);
+            names->add(SourceReport::insideItself, place, name);
             ++cyclicReferences;
             return nullptr;
         }
