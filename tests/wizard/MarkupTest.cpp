@@ -52,7 +52,8 @@ TEST(Markup, OfADescriptionOpensNothing)
     for (const char* importer : {"BTD importer", "XML Schema importer"}) {
         Desk desk;
         const Bait bait(desk.dir);
-        const std::string text = QString::fromStdString(bait.markup()).toHtmlEscaped().toStdString();
+        const std::string text =
+            QString::fromStdString(bait.markup()).toHtmlEscaped().replace('\'', "&apos;").toStdString();
         desk.importer = importer;
         desk.source =
             *importer == 'B'
@@ -97,19 +98,6 @@ TEST(Markup, OfAServerOpensNothing)
     });
     ModalBox(label).show(text, text, text);
     EXPECT_FALSE(bait.wasOpened());
-}
-
-TEST(Markup, OpensNothingInTheToolkitsOwnBoxes)
-{
-    const TempDir dir;
-    const Bait bait(dir);
-    closeRichText();
-    QLabel label(QString::fromStdString(bait.markup()));
-    label.show();
-    EXPECT_FALSE(bait.wasOpened());
-    QTextDocument::setDefaultResourceProvider({});
-    label.setText(label.text() + ' '); // rich text does open it
-    EXPECT_TRUE(bait.wasOpened());
 }
 
 } // namespace
