@@ -3,6 +3,7 @@
 #include "Files/File.h"
 #include "Files/FileMessage.h"
 
+#include <algorithm>
 #include <span>
 #include <stdexcept>
 

@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+
 /// What --help prints: the options in their groups, one line each, in 80 columns.
 class HelpText : public CLI::FormatterBase
 {
