@@ -159,10 +159,11 @@ LRESULT EditPage::OnWizardBack()
     return wizard->options.queryEditBack();
 }
 
-// The next import frees the elements while the page is out of sight.
+// The next import frees the elements while the page is out of sight. Qt 6.8 hides a page before it was ever shown, too,
+// when there is nothing to clear yet.
 void EditPage::hideEvent(QHideEvent* event)
 {
-    if (!event->spontaneous())
+    if (!event->spontaneous() && typeList)
         clear();
 }
 
