@@ -215,9 +215,7 @@ std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, s
             if (::stat(name.c_str(), &status) != 0)
                 isBlind |= !meansMissing(errno);
             else if (const FileId id = idOf(status); met.insert(id).second)
-                found.push_back({S_ISDIR(status.st_mode) ? folderNames.try_emplace(id, std::move(name)).first->second
-                                                         : std::move(name),
-                                 id});
+                found.push_back({S_ISDIR(status.st_mode) ? folderNames.try_emplace(id, name).first->second : name, id});
         }
     }
     return found;
