@@ -288,6 +288,12 @@ not compatible: it breaks readers
   {"id":"type-removed","change":"removed","what":"record","name":"\\sys\\rosettanet\\r\\s","allowed":false}]}
 )",
           ""}},
+        // Two fields of one name.
+        {"printf '<x><BROKERTYPEDESCRIPTION NAME=\"\\\\a\\\\R\"><ROW><FIELD NAME=\"f\" TYPE=\"String\"/><FIELD "
+         "NAME=\"f\" "
+         "TYPE=\"String\"/></ROW></BROKERTYPEDESCRIPTION></x>' >w.btd; "
+         "$import btd w.btd -q -o w2.btd; $import btd w.btd -q --diff w2.btd",
+         {0, "", ""}},
         {"$import r.dtd --diff none", {2, "", "none: error: No such file or directory\n"}},
         {"$import r.dtd --diff a.xml", {2, "", "a.xml: error: it is no document of types\n"}},
         {"$import odbc x --user u --password-file none --diff r.xml",
