@@ -17,6 +17,7 @@
 namespace {
 
 constexpr std::size_t kMaxLooks = 200'000;
+constexpr std::size_t kLongestShown = 1'000;
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
 int hexDigit(char c)
@@ -73,6 +74,14 @@ FileId idOf(const struct stat& status)
 bool meansMissing(int error)
 {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
+}
+
+// The folder as it is a part of the name. What comes through a descriptor lies nowhere: the current folder stands in.
+CString writtenFolderOf(const CString& fileName)
+{
+    const bool isDescriptor =
+        fileName == "/dev/stdin" || fileName.starts_with("/dev/fd/") || fileName.starts_with("/proc/self/fd/");
+    return isDescriptor ? "" : fileName.substr(0, fileName.rfind('/') + 1);
 }
 
 // Opens a name without its content. What a process has open has no place of its own, so the links of /proc that lead
@@ -132,12 +141,23 @@ CString localPath(std::string_view reference)
     return path.find('\0') == CString::npos ? path : CString();
 }
 
+CString shownFrom(const CString& from, const CString& folder, const CString& path, const FoundFile& file)
+{
+    const bool isBeside = !path.starts_with('/') && file.name.starts_with(folder);
+    CString shown = isBeside ? writtenFolderOf(from) : CString();
+    std::string_view rest = std::string_view(file.name).substr(isBeside ? folder.size() : 0);
+    while (!rest.empty()) {
+        const std::string_view component = rest.substr(0, std::min(rest.find('/'), rest.size() - 1) + 1);
+        if (component != "./" && (component != "/" || shown.empty()))
+            shown += component;
+        rest.remove_prefix(component.size());
+    }
+    return shown.size() <= kLongestShown ? shown : file.name;
+}
+
 CString folderOf(const CString& fileName)
 {
-    // What comes through a descriptor lies nowhere: the current folder stands in.
-    const bool isDescriptor =
-        fileName == "/dev/stdin" || fileName.starts_with("/dev/fd/") || fileName.starts_with("/proc/self/fd/");
-    const CString folder = isDescriptor ? "" : fileName.substr(0, fileName.rfind('/') + 1);
+    const CString folder = writtenFolderOf(fileName);
     std::error_code failure;
     // Resolved, so that a long chain of "../x/y.xsd" does not pile up a path that is too long to open.
     const std::filesystem::path resolved = std::filesystem::canonical(folder.empty() ? "." : folder, failure);

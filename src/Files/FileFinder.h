@@ -57,6 +57,11 @@ private:
     bool isBlind = false; // the system has kept something from the search in hand
 };
 
+/// The name under which a message shows a file that was found as `path` (see FileFinder::find()) from another one,
+/// which is shown as `from` and lies in `folder`: beside `from` if `path` is relative, without needless "./". Absolute
+/// where a chain of files would make the name very long.
+CString shownFrom(const CString& from, const CString& folder, const CString& path, const FoundFile& file);
+
 /// The folder that a file lies in, links resolved, with a final slash; the current one for standard input and devices.
 CString folderOf(const CString& fileName);
 
