@@ -51,9 +51,11 @@ public:
         unresolvedReference, ///< to a type or an element: what refers to it is text
         unresolvedContent,   ///< to what fields come from, a group or a base type: there are none of it
         unknownSection,
-        unknownStatement, ///< or misspelt, as xs:elem
-        unknownAttribute, ///< of a statement, as nam=
-        unterminated,     ///< a comment or a declaration
+        unknownStatement,   ///< or misspelt, as xs:elem
+        unknownAttribute,   ///< of a statement, as nam=
+        misplacedStatement, ///< known, but without an effect where it stands
+        senselessValue,     ///< of an attribute
+        unterminated,       ///< a comment or a declaration
         senselessDeclaration,
         statementUnreadable, ///< shown in a message of its own
         insideItself,        ///< the same
@@ -67,8 +69,14 @@ public:
         groupPassedOver,
         extensionPassedOver,
         simpleTypePassedOver,
+        restrictionPassedOver,
+        substitutionPassedOver,
+        textPassedOver, ///< beside fields
         typeUnknown,
-        nameMissing, ///< of a type, a field or a constant of a type document
+        mergedByName, ///< with a declaration of the same name that says something else
+        repetitionPassedOver,
+        inventedRepetition, ///< a table of what occurs once
+        nameMissing,        ///< of a type, a field or a constant of a type document
         columnPassedOver,
         emptyTable,
         tableGone,    ///< since the tables were listed
@@ -96,6 +104,9 @@ public:
         facet,
         nillable,
         defaultValue,
+        derivationLimit, ///< final, block
+        typeAlternative,
+        assertion,
         identityConstraint,
         generalEntity,
         notation,

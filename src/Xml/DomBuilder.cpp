@@ -18,7 +18,10 @@ class DomBuilder : public XmlHandler
 public:
     explicit DomBuilder(DomTree& target) : tree(target), parent(&target.queryDocument()) {}
 
-    void scope(const XmlScope& scope) override { place = {static_cast<std::uint32_t>(scope.line), 0}; }
+    void scope(const XmlScope& scope) override
+    {
+        place = {static_cast<std::uint32_t>(scope.place.line), static_cast<std::uint32_t>(scope.place.column)};
+    }
     bool wantsScopes() const override { return true; }
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;

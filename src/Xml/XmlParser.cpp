@@ -9,7 +9,9 @@
 #include <libxml/parserInternals.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <memory>
@@ -24,7 +26,7 @@ constexpr std::size_t kFreeComparisons = 100'000'000; // of libxml2's, in lists 
 constexpr std::size_t kMaxComparisons = 64;           // for each byte that has been read
 constexpr std::size_t kFreeExpansion = 1'000'000;
 constexpr std::size_t kMaxExpansionRatio = 10;
-constexpr int kPointersPerAttribute = 5; // in the rows of xmlSAX2 start tags
+constexpr int kPointersPerAttribute = XmlAttributes::kRowSize;
 
 const char* text(const xmlChar* characters)
 {
@@ -65,6 +67,32 @@ CString reasonInWords(std::string_view reason)
     if (reason.ends_with("use "))
         reason.remove_suffix(4);
     return CString(trimmed(reason, ", ")) + ", which is past a bound for documents that declare entities";
+}
+
+bool isAscii(std::string_view text)
+{
+    std::uint64_t all = 0, eight;
+    for (; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
+        std::memcpy(&eight, text.data(), sizeof eight);
+        all |= eight;
+    }
+    for (const char c : text)
+        all |= static_cast<unsigned char>(c);
+    return (all & 0x8080808080808080) == 0;
+}
+
+// How many characters of UTF-8 begin in the text.
+int charactersIn(std::string_view text)
+{
+    auto count = static_cast<int>(text.size());
+    if (isAscii(text)) // nearly always
+        return count;
+    std::uint64_t eight;
+    for (; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
+        std::memcpy(&eight, text.data(), sizeof eight);
+        count -= std::popcount(eight >> 7 & ~(eight >> 6) & 0x0101010101010101); // bytes that begin with 10
+    }
+    return count - static_cast<int>(std::ranges::count_if(text, [](unsigned char c) { return (c & 0xC0) == 0x80; }));
 }
 
 // The bytes of a document: those of a file, read in pieces that are larger than the ones libxml2 asks for, or a text.
@@ -196,6 +224,8 @@ private:
     bool tell();
     bool hasRest() const;
     int line() const { return parser->inputTab[0]->line; } // in the document, not in the text of an entity
+    XmlPlace tagStart(const xmlParserCtxt& context) const;
+    XmlPlace referenceStart(const void* context, std::string_view name) const;
     void fail(const char* reason);
     static void stop(void* context);
 
@@ -352,7 +382,8 @@ xmlEntityPtr Parse::onEntity(void* context, const xmlChar* name)
     Parse& self = of(context);
     const xmlEntityPtr entity = xmlSAX2GetEntity(context, name);
     if (!entity || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY)
-        self.guarded(context, [&] { self.handler.entityLeftOut(view(name), self.line()); });
+        self.guarded(context,
+                     [&] { self.handler.entityLeftOut(view(name), self.referenceStart(context, view(name))); });
     return self.counted(context, entity);
 }
 
@@ -395,6 +426,36 @@ void Parse::compare(std::size_t members)
     comparisons += members * members / 2;
     if (comparisons > kFreeComparisons && comparisons / kMaxComparisons > source.queryCount())
         fail("The document has too many lists with too many members: 64 comparisons for each byte are the bound");
+}
+
+// Where the start tag begins that has just been read. libxml2 knows where it ends, and has all of it in memory. There
+// is no second "<" in a well-formed tag.
+XmlPlace Parse::tagStart(const xmlParserCtxt& context) const
+{
+    const xmlParserInput& input = *parser->inputTab[0];
+    const bool isOfDocument = &context == parser.get() && parser->inputNr == 1;
+    const auto* const begin = static_cast<const xmlChar*>(
+        isOfDocument ? ::memrchr(input.base, '<', static_cast<std::size_t>(input.cur - input.base)) : nullptr);
+    if (!begin)
+        return {input.line, input.col};
+    const std::string_view tag(text(begin), static_cast<std::size_t>(input.cur - begin));
+    if (tag.size() < static_cast<std::size_t>(input.col)) // nearly always: it stands on one line
+        return {input.line, input.col - charactersIn(tag)};
+    const int line = input.line - static_cast<int>(std::ranges::count(tag, '\n'));
+    std::string_view before(text(input.base), static_cast<std::size_t>(begin - input.base));
+    const std::size_t lineEnd = before.rfind('\n');
+    if (lineEnd == before.npos && input.consumed > 0) // the beginning of the line isn't in memory any more
+        return {line, 0};
+    before.remove_prefix(lineEnd + 1);
+    return {line, charactersIn(before) + 1};
+}
+
+// Where the reference "&name;" begins that has just been read.
+XmlPlace Parse::referenceStart(const void* context, std::string_view name) const
+{
+    const xmlParserInput& input = *parser->inputTab[0];
+    const bool isOfDocument = context == parser.get() && parser->inputNr == 1;
+    return {input.line, isOfDocument ? std::max(0, input.col - charactersIn(name) - 2) : input.col};
 }
 
 // False for a start tag that is no longer than a name may be. To measure each name would cost more than to walk it.
@@ -469,7 +530,8 @@ void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* p
     ++self.depth;
     self.guarded(context, [&] {
         if (self.wantsScopes)
-            self.handler.scope({text(uri), declarations, static_cast<std::size_t>(namespaces), self.line()});
+            self.handler.scope({text(uri), declarations, static_cast<std::size_t>(namespaces),
+                                self.tagStart(*static_cast<xmlParserCtxtPtr>(context))});
         self.handler.startElement({text(local), text(prefix)}, XmlAttributes(rows, attributes));
     });
 }
@@ -515,12 +577,6 @@ IXMLDOMParseError systemFailure(int error)
 }
 
 } // namespace
-
-XmlAttribute XmlAttributes::operator[](std::size_t index) const
-{
-    const xmlChar** row = rows + index * kPointersPerAttribute;
-    return {{text(row[0]), text(row[1])}, {text(row[3]), static_cast<std::size_t>(row[4] - row[3])}};
-}
 
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler, std::size_t most)
 {

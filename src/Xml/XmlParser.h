@@ -38,21 +38,39 @@ public:
     XmlAttributes(const unsigned char** pointers, int size) : rows(pointers), count(static_cast<std::size_t>(size)) {}
 
     std::size_t size() const { return count; }
-    XmlAttribute operator[](std::size_t index) const;
+    XmlAttribute operator[](std::size_t index) const
+    {
+        const unsigned char** const row = rows + kRowSize * index;
+        return {{text(row[0]), text(row[1])}, {text(row[3]), static_cast<std::size_t>(row[4] - row[3])}};
+    }
+
+    /// The namespace of an attribute's name; null for none.
+    const char* uriOf(std::size_t index) const { return text(rows[kRowSize * index + 2]); }
+
+    static constexpr int kRowSize = 5;
 
 private:
+    static const char* text(const unsigned char* bytes) { return reinterpret_cast<const char*>(bytes); }
+
     const unsigned char** rows; // as libxml2 hands them over: name, prefix, namespace, value, its end
     std::size_t count;
 };
 
-/// What a start tag says of namespaces (https://www.w3.org/TR/xml-names/), and where it ends. Texts are interned as
+/// A place in a document, as the parser counts; in the text of an entity that of the outermost reference.
+struct XmlPlace
+{
+    int line;   ///< from 1
+    int column; ///< from 1, in characters; 0 if it is no longer known
+};
+
+/// What a start tag says of namespaces (https://www.w3.org/TR/xml-names/), and where it begins. Texts are interned as
 /// those of names are.
 struct XmlScope
 {
     const char* uri;                    ///< the namespace of the element; null for none
     const unsigned char** declarations; ///< prefix (null for the default) and URI, one after the other, `count` times
     std::size_t count;
-    int line; ///< in the document, from 1
+    XmlPlace place; ///< of its "<"
 };
 
 /// The longest name that a document may use, in bytes, its prefix and colon included.
@@ -84,7 +102,7 @@ public:
     virtual void instruction(std::string_view /*target*/, std::string_view /*data*/) {}
 
     /// A reference to an entity that is not known, or lies outside of the document, and so is left out.
-    virtual void entityLeftOut(std::string_view /*name*/, int /*line*/) {}
+    virtual void entityLeftOut(std::string_view /*name*/, XmlPlace) {}
 
     /// False keeps text() and cdata() from being called at all.
     virtual bool wantsText() const { return true; }

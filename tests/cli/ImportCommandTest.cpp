@@ -130,10 +130,11 @@ TEST_F(ImportCommand, AnswersExactly)
          "<xs:element name=\"n\" type=\"xs:int\"/><xs:element name=\"u v\" type=\"U\"/></xs:sequence></xs:complexType>"
          "</xs:element></xs:schema>' >i.xsd; $import i.xsd -l -v",
          {0, "\\sys\\xml\\r\\r\tr (Automatically created)\n",
-          "i.xsd: note: read as a source for xsd\ni.xsd:4: warning: type not known, now text: xs:int\n"
-          "i.xsd:4: warning: name that no document can carry: u v\n"
-          "i.xsd:2: warning: module or document not there: a.xsd\n"
-          "i.xsd:3: warning: module or document not local: http://b/c\ni.xsd:4: warning: type not known, now text: U\n"
+          "i.xsd: note: read as a source for xsd\ni.xsd:4:37: warning: name that no document can carry: u v\n"
+          "i.xsd:2:1: warning: module or document not there: a.xsd\n"
+          "i.xsd:3:1: warning: module or document not local: http://b/c\n"
+          "i.xsd:4:1: warning: type not known, now text: xs:int\n"
+          "i.xsd:4:37: warning: reference to nothing that was read: U\n"
           "i.xsd: warning: 5 losses: 2 references became text, 1 document not found, 1 document not local, 1 "
           "impossible "
           "name; --report FILE lists them\n"}},
@@ -200,13 +201,13 @@ TEST_F(ImportCommand, AnswersExactly)
         {"cat i.xsd | $import xsd - -q -o /dev/null --report-format json --report /dev/stdout",
          {0,
           R"({"places":[
-  {"sort":"loss","file":"-","line":4,"column":0,"construct":"type not known, now text","name":"xs:int"},
-  {"sort":"loss","file":"-","line":4,"column":0,"construct":"name that no document can carry","name":"u v"},
-  {"sort":"loss","file":"-","line":2,"column":0,"construct":"module or document not there","name":"a.xsd"},
-  {"sort":"loss","file":"-","line":3,"column":0,"construct":"module or document not local","name":"http://b/c"},
-  {"sort":"loss","file":"-","line":4,"column":0,"construct":"type not known, now text","name":"U"}],
- "counts":{"type not known, now text":2,"module or document not there":1,"module or document not local":1,"name that no document can carry":1},
- "losses":{"type not known, now text":2,"module or document not there":1,"module or document not local":1,"name that no document can carry":1},
+  {"sort":"loss","file":"-","line":4,"column":37,"construct":"name that no document can carry","name":"u v"},
+  {"sort":"loss","file":"-","line":2,"column":1,"construct":"module or document not there","name":"a.xsd"},
+  {"sort":"loss","file":"-","line":3,"column":1,"construct":"module or document not local","name":"http://b/c"},
+  {"sort":"loss","file":"-","line":4,"column":1,"construct":"type not known, now text","name":"xs:int"},
+  {"sort":"loss","file":"-","line":4,"column":37,"construct":"reference to nothing that was read","name":"U"}],
+ "counts":{"module or document not there":1,"module or document not local":1,"reference to nothing that was read":1,"name that no document can carry":1,"type not known, now text":1},
+ "losses":{"module or document not there":1,"module or document not local":1,"reference to nothing that was read":1,"name that no document can carry":1,"type not known, now text":1},
  "details":{},
  "unlisted":{"losses":0,"details":0},
  "totals":{"losses":5,"details":0,"types":1,"fields":2,"typed":0,"text":2}}
@@ -216,9 +217,10 @@ TEST_F(ImportCommand, AnswersExactly)
          "echo '</xs:complexType></xs:element><xs:group name=\"g\"><xs:all><xs:any/></xs:all></xs:group><xs:any/>';"
          "echo '</xs:schema>') >g.xsd; $import xsd g.xsd -q --report - -o /dev/null",
          {0, "",
-          "1 loss\ng.xsd:2: group passed over: g\n\n2 details\ng.xsd:2: any element: g\ng.xsd:2: any element: (no "
-          "name)\n\n"
-          "1 group passed over\n2 any element\n1 types, 1 fields: 0 typed, 1 left text\n"}},
+          "1 loss\ng.xsd:2:87: statement that has no effect there: xs:any inside xs:schema\n\n"
+          "2 details\ng.xsd:2:58: any element: (no name)\n\n"
+          "1 statement that has no effect there\n1 any element\n1 content in any order\n"
+          "1 types, 1 fields: 0 typed, 1 left text\n"}},
         {"$import dtd r.dtd --report none/x", {3, "", says("can't write none/x: No such file or directory")}},
 
         // Differences from earlier types, as diff(1) ends: 0, 1, 2.
@@ -473,7 +475,7 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
     const std::string disk = "$as env LD_PRELOAD=$PWD/disk.so " + kNoLinkOrder;
     const std::string somebody = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
     const auto refused = [](const std::string& name) { return says("can't write " + name + ": Permission denied"); };
-    const std::string denied = "s.xsd:2: error: x.xsd: Permission denied\n";
+    const std::string denied = "s.xsd:2:1: error: x.xsd: Permission denied\n";
     const struct
     {
         std::string line;

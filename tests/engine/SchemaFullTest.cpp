@@ -183,6 +183,11 @@ const Rule kRules[] = {
      "<element name='r' type='t:D'/><complexType name='M' mixed='1'/>" TYPE("D", EXTENSION("t:E", ""))
          TYPE("E", EXTENSION("t:M", "<attribute name='a'/>")) TYPE("R", RESTRICTION("t:E", "")),
      "R(a:String) E(value:String a:String) M(value:String) r(value:String a:String)"},
+    {"MixedAtTheContentHoldsBeforeThatOfTheType",
+     "<element name='r' type='t:D'/><complexType name='D'><complexContent mixed='1'><extension base='t:B'/>"
+     "</complexContent></complexType><complexType name='C' mixed='1'><complexContent mixed='false'>"
+     "<extension base='t:B'/></complexContent></complexType>" TYPE("B", SEQUENCE("<element name='a'/>")),
+     "B(a:String) C(a:String) r(value:String a:String)"},
     {"SimpleContent",
      "<element name='r' type='t:D'/>" TYPE("D", "<simpleContent><extension base='t:B'><attribute name='b'/></extension>"
                                                 "</simpleContent>")
@@ -284,6 +289,18 @@ const Rule kRules[] = {
      ROOT(SEQUENCE("<element name='a' maxOccurs='0'/><sequence maxOccurs='00'><element name='b'/></sequence><any/>"
                    "<element name='c'/>") "<anyAttribute/>"),
      "r(c:String)"},
+    {"ValueOfAnAttributeInADraftIsItsDefault",
+     "<?xml version='1.0'?><s:schema xmlns:s='http://www.w3.org/2000/10/XMLSchema'><s:element name='r'><s:complexType>"
+     "<s:attribute name='Target' use='default' value='Production'/><s:attribute value='x' name='b' use='fixed'/>"
+     "</s:complexType></s:element></s:schema>",
+     "r(Target:String b:String)"},
+    {"NegativeIntegersAndTimeStamps",
+     ROOT("<attribute name='a' type='negativeInteger'/><attribute name='b' type='dateTimeStamp'/>"),
+     "r(a:Number b:Time)"},
+    {"UnionThatNamesAMemberTwice",
+     ROOT("<attribute name='a'><simpleType><union memberTypes='t:E t:E t:F'/></simpleType></attribute>")
+         SIMPLE("E", LISTED("string", "x", "y")) SIMPLE("F", LISTED("string", "y", "z")),
+     "a{x|y|z} F{y|z} E{x|y} r(a:a)"},
     {"SchemaOfSchemas",
      "<?xml version='1.0'?><s:schema xmlns:s='http://www.w3.org/2001/XMLSchema' "
      "targetNamespace='http://www.w3.org/2001/XMLSchema'>"
@@ -337,32 +354,33 @@ TEST_F(SchemaFull, ReportsWhatIsNotCarriedOver)
     EXPECT_EQ(typesOfSchema(schema),
               "E(e:String) Lost(x:String) A(x:String) r(value:String none:String b:A r_b:String u:String)");
     EXPECT_EQ(reportOf(message, folder.path()), R"(13 losses
-x.xsd:1: module or document not there: none.xsd
-x.xsd:1: document not well-formed: b.xsd
-x.xsd:3: reference to nothing that was read: none
-x.xsd:3: reference to nothing that was read: nog
-x.xsd:6: reference to nothing that was read: X
-x.xsd:8: declared twice: r
-x.xsd:8: reference to nothing that was read: Int
-x.xsd:10: reference to nothing that was read: V
-x.xsd:12: name that no document can carry: no name
-x.xsd:12: reference to nothing that was read: W
-x.xsd:13: name that no document can carry: a\b
-x.xsd:13: name that no document can carry: 1st
-x.xsd:13: name that no document can carry: no name
+b.xsd:1:8: document not well-formed: Couldn't find end of Start Tag schema line 1 (named in x.xsd:1:157)
+x.xsd:1:121: module or document not there: none.xsd
+x.xsd:3:3: reference to nothing that was read: none
+x.xsd:3:76: group or base type that was not read: nog
+x.xsd:6:39: reference to nothing that was read: X
+x.xsd:8:1: declared twice: r
+x.xsd:8:45: reference to nothing that was read: Int
+x.xsd:10:22: reference to nothing that was read: V
+x.xsd:12:1: name that no document can carry: no name
+x.xsd:12:68: group or base type that was not read: W
+x.xsd:13:3: name that no document can carry: a\b
+x.xsd:13:24: name that no document can carry: 1st
+x.xsd:13:57: name that no document can carry: no name
 
-13 details
-x.xsd:2: mixed content (order of text lost): r
-x.xsd:4: element that may not occur: a
-x.xsd:5: any attribute: r
-x.xsd:6: abstract type: A
-x.xsd:7: any element: g
-x.xsd:9: list: L
-x.xsd:10: union of several kinds: U
-x.xsd:2: name changed: b is r_b
+15 details
+x.xsd:2:32: mixed content (order of text lost): r
+x.xsd:4:3: element that may not occur: a
+x.xsd:5:76: any attribute: r
+x.xsd:6:1: abstract type: A
+x.xsd:7:25: any element: g
+x.xsd:9:1: list: L
+x.xsd:10:1: union of several kinds: U
+x.xsd:2:32: name changed: b is r_b
 
-6 reference to nothing that was read
+4 reference to nothing that was read
 4 name that no document can carry
+2 group or base type that was not read
 1 module or document not there
 1 document not well-formed
 1 declared twice
@@ -375,6 +393,8 @@ x.xsd:2: name changed: b is r_b
 1 union of several kinds
 1 element that may not occur
 1 name changed
+1 bounds of occurrence
+1 choice between alternatives
 1 nillable
 1 default
 1 identity constraint

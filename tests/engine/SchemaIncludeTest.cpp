@@ -1,5 +1,7 @@
 #include "Files/File.h"
 #include "Files/FileFinder.h"
+#include "Files/FileMessage.h"
+#include "Import/Schema/Full/SchemaFullMsg.h"
 #include "Import/Schema/Literal/SchemaMsg.h"
 #include "support/Importing.h"
 #include "support/SchemaModel.h"
@@ -142,6 +144,29 @@ TEST_F(SchemaInclude, EndsWhateverFilesDo)
     for (int i = 0; i < 300; ++i) // 12 s, when each step starts from the root
         EXPECT_FALSE(finder.find(folder.path(), times(500, "d/.././") + std::to_string(i)));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+}
+
+// Shown as the main file was given and as the source wrote it.
+TEST_F(SchemaInclude, FaultOfAnIncludedDocumentHasItsOwnPlace)
+{
+    writeSchema(folder, "sub/b.xsd", INCLUDE("./../C.xsd") "\n<xsd:elem/>" INCLUDE("no.xsd"));
+    writeSchema(folder, "c.xsd", "\n <xsd:element>\n</xsd:elem>");
+    const CString main = writeSchema(folder, "a.xsd", INCLUDE("./sub//./b.xsd") INCLUDE(".//c.xsd") MAIN);
+    const auto lossesOf = [&](auto&& reading) {
+        reading.parseFile(main, "\\");
+        std::vector<CString> losses;
+        for (const SourceReport::Entry& entry : reading.queryReport().queryEntries(SourceReport::loss))
+            losses.push_back(
+                placeInWords(reading.queryReport().fileNameOf(entry.place.file), entry.place.line, entry.place.column)
+                    .substr(folder.path("").size()) +
+                " " + CString(entry.name));
+        return losses;
+    };
+    const CString illFormed = "sub/../c.xsd:3:12 Opening and ending tag mismatch: element line 2 and elem (named in ";
+    for (const auto& losses : {lossesOf(SchemaMessage()), lossesOf(SchemaFullMessage())}) {
+        EXPECT_THAT(losses, testing::IsSupersetOf({"sub/b.xsd:2:1 xsd:elem", "sub/b.xsd:2:12 no.xsd"}));
+        EXPECT_THAT(losses, testing::Contains(illFormed + folder.path("sub/b.xsd") + ":1:58)").Times(1));
+    }
 }
 
 TEST_F(SchemaInclude, TargetNamespaceKeepsTheIncludesOut)

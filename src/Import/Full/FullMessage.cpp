@@ -115,6 +115,8 @@ SourceTypes::Index FullMessage::chooseMain(SourceTypes& types, const CString& fi
     }
     const SourceTypes::Candidate& element = types.candidates[chosen];
     mainType = element.name;
+    if (element.isAbstract || element.hasAbstractType)
+        report.add(SourceReport::mainTypeAbstract, element.place, element.name);
     Index record = element.type.index;
     if (element.type.kind != SourceTypes::kindRecord) {
         record = types.addRecord({element.name, {}, element.place});

@@ -85,6 +85,7 @@ public:
         Type type;
         bool isAbstract = false;
         SourcePlace place{};
+        bool hasAbstractType = false;
     };
 
     /// `sourceName` is what a refusal names.

@@ -22,9 +22,10 @@ void XMLDataWalk::takeRoot(CString tag)
         rootTag = std::move(tag);
 }
 
-void XMLDataWalk::entityLeftOut(std::string_view name, int line)
+void XMLDataWalk::entityLeftOut(std::string_view name, XmlPlace place)
 {
-    report.add(SourceReport::entityNotExpanded, {file, static_cast<std::uint32_t>(line)}, name);
+    report.add(SourceReport::entityNotExpanded,
+               {file, static_cast<std::uint32_t>(place.line), static_cast<std::uint32_t>(place.column)}, name);
 }
 
 void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)

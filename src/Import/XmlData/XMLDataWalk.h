@@ -110,7 +110,7 @@ public:
     /// Comes before each document, which the report has as `file`.
     void beginDocument(std::uint32_t file);
 
-    void entityLeftOut(std::string_view name, int line) override;
+    void entityLeftOut(std::string_view name, XmlPlace place) override;
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
     bool wantsText() const override { return false; }

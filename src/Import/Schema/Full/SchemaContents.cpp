@@ -13,6 +13,12 @@ std::uint64_t keyOf(SchemaName name)
     return static_cast<std::uint64_t>(name.space) << 32 | name.local;
 }
 
+/// The attributes that need no declaration (https://www.w3.org/TR/xml/, /xmlbase/, /xml-id/).
+bool isXmlAttribute(std::string_view local)
+{
+    return local == "lang" || local == "space" || local == "base" || local == "id";
+}
+
 /// How often something occurs that occurs `inner` times in what occurs `outer` times; 2 stands for more than once.
 std::uint8_t multiplied(std::uint8_t outer, std::uint8_t inner)
 {
@@ -77,7 +83,7 @@ SchemaContents::Index SchemaContents::baseOf(Index type)
         return 0;
     const Index base = set.find(SchemaSet::type, name, derivation);
     if (base == 0 && !set.builtInKind(name))
-        set.note(SourceReport::unresolvedReference, derivation, name.local);
+        set.note(SourceReport::unresolvedContent, derivation, name.local);
     return tree[base].tag == SchemaTag::complexType ? base : 0;
 }
 
@@ -92,6 +98,7 @@ void SchemaContents::build(Index type, Index base)
     clock = 1; // before it: what is inherited
     if (base != 0)
         inherit(contents[base], !isRestriction);
+    inherited = attributes.all.size();
     walkParticles(derivation == 0 ? type : derivation);
     walkAttributes(derivation == 0 ? type : derivation);
     contents[type] = keep();
@@ -166,7 +173,7 @@ void SchemaContents::enterGroup(Index reference, std::uint8_t times)
         return;
     const Index group = set.find(SchemaSet::group, tree.referenceOf(reference), reference);
     if (group == 0)
-        return set.note(SourceReport::unresolvedReference, reference);
+        return set.note(SourceReport::unresolvedContent, reference);
     if (inHand[group])
         return;
     inHand[group] = true;
@@ -231,10 +238,27 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint
             set.refuse(std::to_string(kMaxFields) + " fields");
         return;
     }
+    if (!sayTheSame(field->declaration, declaration))
+        set.note(SourceReport::mergedByName, declaration);
     std::size_t& seen = lastSeen[elements.positionOf(*field)];
     const auto after = std::ranges::upper_bound(frames, seen, {}, &Frame::entered);
     field->repeats |= times > 1 || !(after - 1)->isChoice;
     seen = clock;
+}
+
+/// Whether two declarations of one name have the same type, as far as that can be seen without reading it.
+bool SchemaContents::sayTheSame(Index one, Index other) const
+{
+    if (one == other || one == 0 || other == 0)
+        return true;
+    const auto holdsType = [this](Index at) {
+        return tree.childOf(at, SchemaTag::complexType, SchemaTag::simpleType) != 0;
+    };
+    if (holdsType(one) || holdsType(other))
+        return false;
+    const SchemaName type = tree.referenceOf(one), otherType = tree.referenceOf(other);
+    const auto kind = set.builtInKind(type);
+    return type == otherType || (kind && kind == set.builtInKind(otherType));
 }
 
 /// A group of attributes adds nothing the second time.
@@ -258,7 +282,7 @@ void SchemaContents::walkAttributes(Index holder)
             spendStep();
             const Index group = set.find(SchemaSet::attributeGroup, tree.referenceOf(at), at);
             if (group == 0) {
-                set.note(SourceReport::unresolvedReference, at);
+                set.note(SourceReport::unresolvedContent, at);
             } else if (!inHand[group]) {
                 inHand[group] = true;
                 groups.push_back(group);
@@ -287,7 +311,8 @@ void SchemaContents::visitAttribute(Index attribute)
     }
     const SchemaName name = tree.referenceOf(attribute);
     const Index declaration = set.find(SchemaSet::attribute, name, attribute);
-    if (declaration == 0 && name.space != SchemaTree::kXmlNamespace)
+    const bool isOfXml = name.space == SchemaTree::kXmlNamespace && isXmlAttribute(tree.text(name.local));
+    if (declaration == 0 && !isOfXml)
         set.note(SourceReport::unresolvedReference, attribute);
     addAttribute(name, declaration, isProhibited);
 }
@@ -296,6 +321,8 @@ void SchemaContents::visitAttribute(Index attribute)
 void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isProhibited)
 {
     SchemaField* field = attributes.find(name);
+    if (field && attributes.positionOf(*field) >= inherited && !sayTheSame(field->declaration, declaration))
+        set.note(SourceReport::mergedByName, declaration);
     if (field)
         *field = {isProhibited ? SchemaName() : name, declaration, SourceTypes::roleAttribute, false};
     else if (!isProhibited)

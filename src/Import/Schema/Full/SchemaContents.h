@@ -71,6 +71,7 @@ private:
     void walkAttributes(Index holder);
     void visitAttribute(Index attribute);
     void addAttribute(SchemaName name, Index declaration, bool isProhibited);
+    bool sayTheSame(Index one, Index other) const;
     void spendStep();
     Content keep();
 
@@ -82,6 +83,7 @@ private:
     // Of the type in hand.
     Fields elements;
     Fields attributes;
+    std::size_t inherited = 0; // of the attributes
     bool isRestriction = false;
     std::vector<std::size_t> lastSeen; // by element: when it occurred last
     std::vector<Frame> frames;

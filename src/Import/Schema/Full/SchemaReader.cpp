@@ -5,64 +5,7 @@
 
 namespace {
 
-struct TagName
-{
-    std::string_view name;
-    SchemaTag tag;
-};
-
-// The most frequent ones first.
-constexpr TagName kTags[] = {
-    {"element", SchemaTag::element},
-    {"attribute", SchemaTag::attribute},
-    {"enumeration", SchemaTag::enumeration},
-    {"sequence", SchemaTag::sequence},
-    {"complexType", SchemaTag::complexType},
-    {"restriction", SchemaTag::restriction},
-    {"simpleType", SchemaTag::simpleType},
-    {"extension", SchemaTag::extension},
-    {"complexContent", SchemaTag::complexContent},
-    {"simpleContent", SchemaTag::simpleContent},
-    {"choice", SchemaTag::choice},
-    {"all", SchemaTag::all},
-    {"group", SchemaTag::group},
-    {"attributeGroup", SchemaTag::attributeGroup},
-    {"any", SchemaTag::any},
-    {"anyAttribute", SchemaTag::anyAttribute},
-    {"union", SchemaTag::unionOf},
-    {"list", SchemaTag::list},
-    {"import", SchemaTag::import},
-    {"include", SchemaTag::include},
-    {"redefine", SchemaTag::redefine},
-    {"override", SchemaTag::redefine}, // of XML Schema 1.1: the same to a type
-    {"schema", SchemaTag::schema},
-};
-
-constexpr std::string_view kFacets[] = {"length",       "minLength",    "maxLength",     "pattern",
-                                        "whiteSpace",   "maxInclusive", "maxExclusive",  "minInclusive",
-                                        "minExclusive", "totalDigits",  "fractionDigits"};
-constexpr std::string_view kConstraints[] = {"unique", "key", "keyref"};
-
 constexpr std::size_t kLongestDescription = 255;
-
-SchemaTag tagOf(std::string_view name)
-{
-    const auto known =
-        std::find_if(std::begin(kTags), std::end(kTags), [name](const TagName& t) { return t.name == name; });
-    return known == std::end(kTags) ? SchemaTag::none : known->tag;
-}
-
-template <std::size_t N>
-bool isOneOf(const std::string_view (&names)[N], std::string_view name)
-{
-    return std::find(names, names + N, name) != names + N;
-}
-
-bool isTrue(std::string_view value)
-{
-    value = trimmed(value);
-    return value == "true" || value == "1";
-}
 
 /// 0, 1, or 2 for more often; what makes no sense counts as 1.
 std::uint8_t occursOf(std::string_view value)
@@ -102,12 +45,14 @@ std::string_view firstCharacters(std::string_view text, std::size_t count)
 
 } // namespace
 
-SchemaReader::SchemaReader(SchemaTree& tree) :
-    tree(tree), document(static_cast<std::uint32_t>(tree.documents.size() - 1))
+SchemaReader::SchemaReader(SchemaTree& tree, SourceReport& report) :
+    tree(tree), document(static_cast<std::uint32_t>(tree.documents.size() - 1)),
+    statements(report, tree.documents.back().file, false)
 {}
 
 void SchemaReader::scope(const XmlScope& scope)
 {
+    statements.scope(scope);
     if (skipped > 0 || documented > 0)
         return;
     shadowedBefore = shadowed.size();
@@ -120,14 +65,11 @@ void SchemaReader::scope(const XmlScope& scope)
         shadowed.push_back({id, spaces[id]});
         spaces[id] = tree.names.intern(trimmed(uri ? uri : ""));
     }
-    if (scope.uri != lastUri) // nearly never
-        isOfSchema = scope.uri && SchemaTree::isSchemaLanguage(tree.names.intern(scope.uri));
-    lastUri = scope.uri;
-    line = scope.line;
 }
 
 void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
 {
+    const SchemaTag tag = statements.enter(name, attributes);
     if (documented > 0) {
         ++documented;
         return;
@@ -136,28 +78,28 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
         ++skipped;
         return;
     }
-    const SchemaTag tag = isOfSchema ? tagOf(name.local) : SchemaTag::none;
-    if (tag != SchemaTag::none && open.empty() == (tag == SchemaTag::schema) && (open.empty() || open.back().node != 0))
-        enter(tag, attributes);
+    const bool isNode = tag != SchemaTag::none && tag <= SchemaTag::enumeration;
+    if (isNode && open.empty() == (tag == SchemaTag::schema) && (open.empty() || open.back().node != 0))
+        enter(tag);
     else
-        startOther(isOfSchema ? name.local : std::string_view());
+        startOther(tag);
 }
 
-void SchemaReader::enter(SchemaTag tag, XmlAttributes attributes)
+void SchemaReader::enter(SchemaTag tag)
 {
     const auto place = static_cast<Index>(tree.nodes.size());
     SchemaNode node;
     node.tag = tag;
-    node.line = static_cast<std::uint32_t>(line);
+    node.line = statements.place().line;
+    node.column = statements.place().column;
     node.document = document;
-    for (std::size_t i = 0; i < attributes.size(); ++i) {
-        const auto [name, value] = attributes[i];
-        if (name.prefix)
+    for (const SchemaStatements::Attribute& attribute : statements.attributes()) {
+        if (!attribute.isItsOwn)
             continue;
         if (tag == SchemaTag::schema)
-            readRootAttribute(name.local, value);
+            readRootAttribute(attribute);
         else
-            readAttribute(node, name.local, value);
+            readAttribute(node, attribute);
     }
     if (open.empty()) {
         tree.documents[document].root = place;
@@ -172,16 +114,14 @@ void SchemaReader::enter(SchemaTag tag, XmlAttributes attributes)
 }
 
 /// What is no node: annotations are looked into for the first documentation of the element around them.
-void SchemaReader::startOther(std::string_view tag)
+void SchemaReader::startOther(SchemaTag tag)
 {
-    if (tag == "annotation" && !open.empty() && open.back().node != 0) {
+    if (tag == SchemaTag::annotation && !open.empty() && open.back().node != 0) {
         open.push_back({0, open.back().node, shadowedBefore, true});
-    } else if (tag == "documentation" && !open.empty() && open.back().isAnnotation) {
+    } else if (tag == SchemaTag::documentation && !open.empty() && open.back().isAnnotation) {
         documentation.clear();
         documented = 1;
     } else {
-        counts.facets += isOneOf(kFacets, tag);
-        counts.constraints += isOneOf(kConstraints, tag);
         skipped = 1;
     }
     if (skipped > 0 || documented > 0)
@@ -190,6 +130,7 @@ void SchemaReader::startOther(std::string_view tag)
 
 void SchemaReader::endElement()
 {
+    statements.leave();
     if (documented > 0) {
         if (--documented == 0)
             keepDocumentation();
@@ -211,6 +152,8 @@ void SchemaReader::text(std::string_view text)
 {
     if (documented > 0)
         appendCollapsed(documentation, text);
+    else
+        statements.text(text);
 }
 
 void SchemaReader::keepDocumentation()
@@ -223,64 +166,77 @@ void SchemaReader::keepDocumentation()
     tree.documentations.push_back(tree.texts.keep(said));
 }
 
-void SchemaReader::readRootAttribute(std::string_view name, std::string_view value)
+void SchemaReader::readRootAttribute(const SchemaStatements::Attribute& attribute)
 {
     SchemaDocument& root = tree.documents[document];
-    value = trimmed(value);
-    if (name == "targetNamespace") {
+    const std::string_view value = trimmed(attribute.value);
+    if (attribute.name == SchemaAttribute::targetNamespace) {
         root.space = tree.names.intern(value);
         root.hasTarget = !value.empty();
-    } else if (name == "elementFormDefault") {
+    } else if (attribute.name == SchemaAttribute::elementFormDefault) {
         root.elementsQualified = value == "qualified";
-    } else if (name == "attributeFormDefault") {
+    } else if (attribute.name == SchemaAttribute::attributeFormDefault) {
         root.attributesQualified = value == "qualified";
     }
 }
 
-void SchemaReader::readAttribute(SchemaNode& node, std::string_view name, std::string_view value)
+void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attribute& attribute)
 {
+    const std::string_view value = attribute.value;
     const auto set = [&node](bool on, SchemaNode::Flags flag) {
         node.flags = static_cast<std::uint16_t>(node.flags | (on ? flag : 0));
     };
-    if (name == "name") {
+    switch (attribute.name) {
+    case SchemaAttribute::name:
         node.name = nameOf(trimmed(value));
-    } else if (name == "schemaLocation") {
+        break;
+    case SchemaAttribute::schemaLocation:
         node.name = tree.names.intern(trimmed(value));
-    } else if (name == "value") {
-        node.name = tree.names.intern(value);
-    } else if (name == "type" || name == "base" || name == "itemType" || name == "ref") {
+        break;
+    case SchemaAttribute::value: // the drafts write an attribute's default there
+        if (node.tag == SchemaTag::enumeration)
+            node.name = tree.names.intern(value);
+        break;
+    case SchemaAttribute::type:
+    case SchemaAttribute::base:
+    case SchemaAttribute::itemType:
+    case SchemaAttribute::ref:
         node.reference = resolve(value);
-        set(name == "ref" && node.reference.local != 0, SchemaNode::isReference);
-    } else if (name == "maxOccurs") {
+        set(attribute.name == SchemaAttribute::ref && node.reference.local != 0, SchemaNode::isReference);
+        break;
+    case SchemaAttribute::maxOccurs:
         node.occurs = occursOf(value);
-    } else if (name == "memberTypes" || name == "substitutionGroup") {
+        break;
+    case SchemaAttribute::memberTypes:
+    case SchemaAttribute::substitutionGroup:
         node.list = readList(value);
-    } else if (name == "use") {
+        break;
+    case SchemaAttribute::use:
         set(trimmed(value) == "prohibited", SchemaNode::isProhibited);
-    } else if (name == "mixed") {
-        set(isTrue(value), SchemaNode::isMixed);
+        break;
+    case SchemaAttribute::mixed:
+        set(SchemaStatements::isTrue(value), SchemaNode::isMixed);
         set(!value.empty(), SchemaNode::saysMixed);
-    } else if (name == "abstract") {
-        set(isTrue(value), SchemaNode::isAbstract);
-    } else if (name == "form") {
+        break;
+    case SchemaAttribute::abstract:
+        set(SchemaStatements::isTrue(value), SchemaNode::isAbstract);
+        break;
+    case SchemaAttribute::form:
         set(true, SchemaNode::saysForm);
         set(trimmed(value) == "qualified", SchemaNode::isQualified);
-    } else if (name == "nillable") {
-        counts.nillable += isTrue(value);
-    } else if (name == "default" || name == "fixed") {
-        ++counts.defaults;
+        break;
+    default:
+        break;
     }
 }
 
 std::uint32_t SchemaReader::readList(std::string_view value)
 {
     const auto first = static_cast<std::uint32_t>(tree.listed.size());
-    for (value = trimmed(value); !value.empty(); value = trimmed(value)) {
-        const std::size_t end = std::min(value.find_first_of(kWhitespace), value.size());
-        if (const SchemaName name = resolve(value.substr(0, end)); name.local != 0)
-            tree.listed.push_back(name);
-        value.remove_prefix(end);
-    }
+    SchemaStatements::forEachName(value, [this](std::string_view name) {
+        if (const SchemaName resolved = resolve(name); resolved.local != 0)
+            tree.listed.push_back(resolved);
+    });
     tree.listed.push_back({});
     return first;
 }

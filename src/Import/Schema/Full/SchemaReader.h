@@ -1,31 +1,26 @@
 #pragma once
 
 #include "Import/Schema/Full/SchemaTree.h"
+#include "Import/Schema/SchemaStatements.h"
 #include "Xml/XmlParser.h"
 
 /// Reads one document of a schema into the tree. Tags are known by their namespace, whatever the prefix.
 class SchemaReader : public XmlHandler
 {
 public:
-    /// `document` is the tree's last one, and empty.
-    explicit SchemaReader(SchemaTree& tree);
+    /// The document is the tree's last one, and empty.
+    SchemaReader(SchemaTree& tree, SourceReport& report);
 
     void scope(const XmlScope& scope) override;
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
     void text(std::string_view text) override;
     void cdata(std::string_view data) override { text(data); }
+    void entityLeftOut(std::string_view name, XmlPlace place) override { statements.entityLeftOut(name, place); }
     bool wantsScopes() const override { return true; }
 
-    /// How many of what is only counted there are: facets but enumerations, nillable, defaults, identity constraints.
-    struct Counts
-    {
-        std::size_t facets = 0;
-        std::size_t nillable = 0;
-        std::size_t defaults = 0;
-        std::size_t constraints = 0;
-    };
-    const Counts& queryCounts() const { return counts; }
+    /// Reports what the document says that no type gets.
+    void finish() { statements.finish(); }
 
     /// A name that no document can carry, and the node in which it stands; what is called so has no name.
     struct ImpossibleName
@@ -56,11 +51,10 @@ private:
 
     static constexpr NameTable::Id kUndeclared = ~0U;
 
-    void enter(SchemaTag tag, XmlAttributes attributes);
-    void startOther(std::string_view tag);
-    void readAttribute(SchemaNode& node, std::string_view name, std::string_view value);
-    void readRootAttribute(std::string_view name, std::string_view value);
-    void readForm(SchemaNode& node, std::string_view value) const;
+    void enter(SchemaTag tag);
+    void startOther(SchemaTag tag);
+    void readAttribute(SchemaNode& node, const SchemaStatements::Attribute& attribute);
+    void readRootAttribute(const SchemaStatements::Attribute& attribute);
     std::uint32_t readList(std::string_view value);
     NameTable::Id nameOf(std::string_view text);
     SchemaName resolve(std::string_view qualified);
@@ -73,12 +67,9 @@ private:
     std::vector<NameTable::Id> spaces; // by prefix
     std::vector<Shadowed> shadowed;
     std::size_t shadowedBefore = 0; // the element that begins
-    bool isOfSchema = false;        // so is it, by its namespace
-    const char* lastUri = nullptr;  // of the element before it; equal ones are one
-    int line = 0;
+    SchemaStatements statements;
     std::size_t skipped = 0;    // how many elements are open that hold nothing to read
     std::size_t documented = 0; // how many are open from an xs:documentation on
     CString documentation;
-    Counts counts;
     std::vector<ImpossibleName> impossibleNames;
 };

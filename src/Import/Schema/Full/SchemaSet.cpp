@@ -1,9 +1,8 @@
 #include "Import/Schema/Full/SchemaSet.h"
 
-#include "Files/FileMessage.h"
 #include "Import/Schema/Full/SchemaReader.h"
 #include "Import/Schema/SchemaBuiltIns.h"
-#include "Xml/XMLDoc.h"
+#include "Import/Schema/SchemaDocuments.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -38,7 +37,7 @@ std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
 void SchemaSet::load(const CString& fileName)
 {
     XmlDocument xml;
-    if (!read(fileName, xml, kAnySize))
+    if (!read(fileName, fileName, xml, kAnySize))
         throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
     if (tree.documents[0].root == 0)
         return;
@@ -67,30 +66,27 @@ void SchemaSet::load(const CString& fileName)
     collectMembers();
 }
 
-/// Reads one file into a new document. False when that can't be, which `xml` then tells of.
-bool SchemaSet::read(const CString& fileName, XmlDocument& xml, std::size_t most)
+/// Reads one file into a new document, which messages show as `shownName`. False when that can't be, which `xml` then
+/// tells of.
+bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most)
 {
     const auto first = static_cast<Index>(tree.size());
     SchemaDocument& document = tree.documents.emplace_back();
     document.folder = folderOf(fileName);
-    document.file = report.addFile(fileName);
-    SchemaReader reader(tree);
+    document.file = report.addFile(shownName);
+    SchemaReader reader(tree, report);
     const bool isRead = xml.streamFile(fileName, reader, most);
     if (!isRead) {
         tree.dropFrom(first);
         document.root = 0;
-        document.isIllFormed = xml.querySystemError() == 0;
     }
     document.end = static_cast<Index>(tree.size());
+    if (!isRead)
+        return false;
+    reader.finish();
     for (const auto& [node, name] : reader.queryImpossibleNames())
-        if (isRead)
-            note(SourceReport::impossibleName, node, name);
-    const SchemaReader::Counts& counts = reader.queryCounts();
-    report.count(SourceReport::facet, counts.facets);
-    report.count(SourceReport::nillable, counts.nillable);
-    report.count(SourceReport::defaultValue, counts.defaults);
-    report.count(SourceReport::identityConstraint, counts.constraints);
-    return isRead;
+        note(SourceReport::impossibleName, node, name);
+    return true;
 }
 
 /// Enters the document that an include, import or redefine names, when that is new in its namespace.
@@ -98,23 +94,21 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
 {
     const SchemaNode& node = tree[reference];
     const SchemaDocument& from = tree.documentOf(reference);
-    if (!node.hasName() && node.tag == SchemaTag::import)
+    if (!node.hasName()) // which an import may leave out, and for the others has been said
         return;
     const NameTable::Id includer = node.tag == SchemaTag::import ? 0 : from.space;
     const CString path = localPath(tree.text(node.name));
-    if (path.empty() && node.hasName())
+    if (path.empty())
         return note(SourceReport::moduleRemote, reference);
     const auto file = finder.find(from.folder, path);
     if (!file)
         return note(SourceReport::moduleMissing, reference);
     const auto [known, isNew] = parsed.try_emplace(file->id, static_cast<std::uint32_t>(tree.documents.size()));
     if (isNew)
-        readNamed(*file, reference);
+        readNamed(*file, path, reference);
     std::uint32_t document = known->second;
-    if (tree.documents[document].root == 0)
-        return note(tree.documents[document].isIllFormed ? SourceReport::moduleIllFormed
-                                                         : SourceReport::moduleUnreadable,
-                    reference);
+    if (tree.documents[document].root == 0) // which has been said
+        return;
     const NameTable::Id space = tree.documents[document].hasTarget ? tree.documents[document].space : includer;
     const auto [place, isFirst] = entered.try_emplace(std::pair(file->id, space), document);
     if (isFirst) {
@@ -127,16 +121,16 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
     documentsByReference[reference] = place->second;
 }
 
-/// Reads the document that `reference` names. One that is there and can't be read ends the import.
-void SchemaSet::readNamed(const FoundFile& file, Index reference)
+/// Reads the document that `reference` names as `path`. One that is no schema is left out.
+void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index reference)
 {
+    const SchemaDocument from = tree.documentOf(reference);
     XmlDocument xml;
-    if (read(file.name, xml, kMaxNamedFile) || xml.querySystemError() == 0)
-        return;
-    const SchemaNode& node = tree[reference];
-    throw SourceRefusal{cantOpen(file.name, fileCauseOf(xml.querySystemError())),
-                        {report.fileNameOf(tree.documentOf(reference).file),
-                         CString(tree.text(node.name)) + ": " + xml.queryFault().reason, node.line}};
+    const CString shownName = shownFrom(report.fileNameOf(from.file), from.folder, path, file);
+    if (!read(file.name, shownName, xml, kMaxNamedFile))
+        reportUnread({tree.documents.back().file, placeOf(reference), tree.text(tree[reference].name)}, xml, report);
+    else if (tree.documents.back().root == 0)
+        note(SourceReport::moduleUnreadable, reference);
 }
 
 /// A document without a namespace that is included from two declares two sets of components.
@@ -199,8 +193,11 @@ void SchemaSet::collectMembers()
         for (Index at = tree[document.root].firstChild; at != 0; at = tree[at].next) {
             if (tree[at].tag != SchemaTag::element || tree[at].list == 0 || find(element, nameOf(at), at) != at)
                 continue;
-            for (const SchemaName head : tree.listOf(at))
+            for (const SchemaName head : tree.listOf(at)) {
                 members[keyOf(head)].push_back(at);
+                if (find(element, head, at) == 0)
+                    note(SourceReport::unresolvedReference, at, head.local);
+            }
         }
     }
 }
@@ -290,7 +287,8 @@ void SchemaSet::reportNotes()
 {
     sortNotes();
     for (const auto& [node, construct, name] : notes) {
-        const bool isReference = construct == SourceReport::unresolvedReference;
+        const bool isReference =
+            construct == SourceReport::unresolvedReference || construct == SourceReport::unresolvedContent;
         const NameTable::Id own = isReference ? tree[node].reference.local : tree[namedAround(node)].name;
         report.add(construct, placeOf(node), tree.text(name != 0 ? name : own));
     }

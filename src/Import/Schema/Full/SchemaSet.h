@@ -59,7 +59,7 @@ public:
     /// The full name of a component at the top.
     SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
 
-    SourcePlace placeOf(Index node) const { return {tree.documentOf(node).file, tree[node].line}; }
+    SourcePlace placeOf(Index node) const { return {tree.documentOf(node).file, tree[node].line, tree[node].column}; }
 
     /// Notes what is not carried over, by `name` or else the node's own or the one that it refers to.
     void note(SourceReport::Construct construct, Index node, NameTable::Id name = 0);
@@ -87,9 +87,9 @@ private:
 
     static std::uint64_t keyOf(SchemaName name) { return static_cast<std::uint64_t>(name.space) << 32 | name.local; }
 
-    bool read(const CString& fileName, XmlDocument& xml, std::size_t most);
+    bool read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most);
     void follow(Index reference, std::vector<Following>& waiting);
-    void readNamed(const FoundFile& file, Index reference);
+    void readNamed(const FoundFile& file, const CString& path, Index reference);
     std::uint32_t copy(std::uint32_t document, NameTable::Id space);
     void declareAll(std::uint32_t document, std::vector<Following>& waiting);
     void declare(Index component, bool redefines);

@@ -20,8 +20,11 @@ SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from
     if (const auto builtIn = set.builtInKind(name))
         return {0, valueOfKind(*builtIn)};
     const Index declared = set.find(SchemaSet::type, name, from);
-    if (declared == 0)
-        set.note(SourceReport::unresolvedReference, from, name.local);
+    if (declared == 0) {
+        const SchemaTag around = tree[tree[from].parent].tag;
+        const bool isBase = around == SchemaTag::complexContent || around == SchemaTag::simpleContent;
+        set.note(isBase ? SourceReport::unresolvedContent : SourceReport::unresolvedReference, from, name.local);
+    }
     return {declared, {}};
 }
 
@@ -112,7 +115,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
     else if (tree.childOf(type, SchemaTag::unionOf) != 0)
         value = unite(type);
     else if (const Index list = tree.childOf(type, SchemaTag::list); list != 0)
-        set.note(SourceReport::listType, type);
+        noteList(type, list);
     value.isThere = true;
     value.isMixed = false;
     // Those of the schema language itself are nobody's types.
@@ -121,6 +124,14 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
     if (value.kind == SourceTypes::kindEnumeration && isNamed)
         value.named = type;
     return value;
+}
+
+/// A list is text, whatever its items are.
+void SchemaSimpleTypes::noteList(Index type, Index list)
+{
+    set.note(SourceReport::listType, type);
+    if (tree[list].reference.local != 0)
+        partNamed(tree.referenceOf(list), list);
 }
 
 /// The members' kind when they agree.

@@ -46,6 +46,7 @@ private:
     Part partNamed(SchemaName name, Index from);
     Value valueOf(const Part& part) const;
     Value combine(Index type);
+    void noteList(Index type, Index list);
     Value unite(Index type);
     Value narrow(Value base, Index restriction);
     void addConstant(NameTable::Id constant);

@@ -1,37 +1,10 @@
 #pragma once
 
 #include "Base/NameTable.h"
+#include "Import/Schema/SchemaGrammar.h"
 
 #include <optional>
 #include <vector>
-
-/// What a node of a schema document is. Other elements of the schema language, and those of other languages, are none.
-enum class SchemaTag : std::uint8_t
-{
-    none,
-    schema,
-    include,
-    import,
-    redefine,
-    element,
-    attribute,
-    complexType,
-    simpleType,
-    group,
-    attributeGroup,
-    sequence,
-    choice,
-    all,
-    any,
-    anyAttribute,
-    simpleContent,
-    complexContent,
-    extension,
-    restriction,
-    unionOf,
-    list,
-    enumeration
-};
 
 /// A name with its namespace (https://www.w3.org/TR/xml-names/, expanded name), both by number.
 struct SchemaName
@@ -42,7 +15,7 @@ struct SchemaName
     friend bool operator==(const SchemaName&, const SchemaName&) = default;
 };
 
-/// An element of a schema document (https://www.w3.org/TR/xmlschema-1/), as far as it has a part in types.
+/// A statement of a schema document (https://www.w3.org/TR/xmlschema-1/) that has a part in types.
 struct SchemaNode
 {
     using Index = std::uint32_t;
@@ -69,6 +42,7 @@ struct SchemaNode
     std::uint32_t list = 0; ///< where `memberTypes` or `substitutionGroup` begin among the listed names
     std::uint32_t documentation = 0;
     std::uint32_t line = 0;
+    std::uint32_t column = 0;
     std::uint32_t document = 0;
 
     bool hasName() const { return name != 0; }
@@ -83,8 +57,7 @@ struct SchemaDocument
     SchemaNode::Index root = 0; ///< 0: it could not be read
     SchemaNode::Index end = 0;  ///< behind its last node
     NameTable::Id space = 0;
-    bool isIllFormed = false; ///< why it could not be read
-    bool hasTarget = false;   ///< it says its namespace itself
+    bool hasTarget = false; ///< it says its namespace itself
     bool elementsQualified = false;
     bool attributesQualified = false;
 };

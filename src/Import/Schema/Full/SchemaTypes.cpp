@@ -22,8 +22,10 @@ void SchemaTypes::readComponent(Index component)
         if (const Value value = simple.of(component); value.named != 0)
             typeOf(value, node.name);
     } else {
-        const SourceTypes::Type type = typeOf(declared(component), node.name, SourceTypes::kNone);
-        types.addCandidate({keep(node.name), type, node.is(SchemaNode::isAbstract), set.placeOf(component)});
+        const Declared& type = declared(component);
+        const bool hasAbstractType = tree[type.complexType].is(SchemaNode::isAbstract);
+        types.addCandidate({keep(node.name), typeOf(type, node.name, SourceTypes::kNone),
+                            node.is(SchemaNode::isAbstract), set.placeOf(component), hasAbstractType});
     }
 }
 

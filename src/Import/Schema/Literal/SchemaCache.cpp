@@ -1,12 +1,12 @@
 #include "Import/Schema/Literal/SchemaCache.h"
 
-void SchemaCache::add(const CString& fileName, std::uint32_t file, const Locations& locations)
+void SchemaCache::add(const CString& fileName, const CString& shownName, const Locations& locations)
 {
     if (const auto id = identify(fileName))
         met.insert(*id);
     for (auto location = locations.rbegin(); location != locations.rend(); ++location)
-        waiting.push_back({folders.size(), {file, location->line}, location->text});
-    folders.push_back(folderOf(fileName));
+        waiting.push_back({holders.size(), location->place, location->text});
+    holders.push_back({folderOf(fileName), shownName});
 }
 
 std::optional<SchemaCache::Document> SchemaCache::next()
@@ -14,11 +14,13 @@ std::optional<SchemaCache::Document> SchemaCache::next()
     while (!waiting.empty()) {
         const Reference reference = waiting.back();
         waiting.pop_back();
-        auto file = finder.find(folders[reference.folder], localPath(reference.location));
+        const auto& [folder, holder] = holders[reference.holder];
+        const CString path = localPath(reference.location);
+        const auto file = finder.find(folder, path);
         if (!file)
-            return Document{{}, reference.place, reference.location};
+            return Document{{}, {}, reference.place, reference.location};
         if (met.insert(file->id).second)
-            return Document{std::move(file->name), reference.place, reference.location};
+            return Document{file->name, shownFrom(holder, folder, path, *file), reference.place, reference.location};
     }
     return std::nullopt;
 }

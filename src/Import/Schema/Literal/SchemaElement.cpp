@@ -14,8 +14,11 @@ bool endsInMark(std::string_view parentName, std::string_view name)
 
 } // namespace
 
-SchemaElement::SchemaElement(const Fingerprint& key, std::string_view parentName, std::string_view name,
-                             std::string_view type) :
-    key(key),
-    name(name), type(type), marked(endsInMark(parentName, name))
-{}
+SchemaElement::SchemaElement(const Fingerprint& key, std::string_view parentName, const SchemaSaying& said) :
+    key(key), name(said.name.data()), type(said.type.data()), nameSize(static_cast<std::uint32_t>(said.name.size())),
+    typeSize(static_cast<std::uint32_t>(said.type.size())), place(said.place),
+    marked(endsInMark(parentName, said.name)), isReferring(said.isReference), isOfRepeated(said.isInRepeated),
+    loss(said.loss)
+{
+    static_assert(sizeof(SchemaElement) <= 64);
+}

@@ -1,17 +1,22 @@
 #include "Import/Schema/Literal/SchemaMsg.h"
 
 #include "Base/Progress.h"
-#include "Files/FileMessage.h"
 #include "Import/Schema/Literal/SchemaCache.h"
+#include "Import/Schema/SchemaDocuments.h"
 #include "Resources/StringTable.h"
-#include "Xml/XMLDoc.h"
 
 int SchemaMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
     SchemaTable::Outlines outlines;
     table.clear();
+    kinds.clear();
     namesBefore = table.queryNames();
-    const int result = import(source, basePath, fileName, outlines);
+    int result = 0;
+    try {
+        result = import(source, basePath, fileName, outlines);
+    } catch (const SourceRefusal& refusal) {
+        fail(refusal.text, refusal.fault);
+    }
     table.clear(); // the texts of the tables go with the outlines
     return result;
 }
@@ -27,36 +32,40 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
                           SchemaTable::Outlines& outlines)
 {
     XmlDocument document;
-    notes.clear();
-    if (!readFile(source, document, outlines))
+    if (!readFile(source, report.addFile(source), document, outlines))
         return fail(document.queryParseError(), document.queryFault());
     const SchemaOutline& main = outlines.front();
     if (main.hasTargetNamespace())
-        passOver(main, 0);
-    else if (!fileName.empty() && !readIncluded(fileName, outlines))
-        return 0;
-    table.readIncluded(outlines, !fileName.empty(), report, isReportWanted);
+        passOver(main);
+    else if (!fileName.empty())
+        readIncluded(fileName, outlines);
+    table.readIncluded(outlines, !fileName.empty(), kinds, report);
     baseFolder = basePath.ends_with('\\') ? basePath : basePath + "\\";
     return doParse(main, source);
 }
 
-/// Reads a document into an outline of its own, which is the last one then.
-bool SchemaMessage::readFile(const CString& fileName, XmlDocument& document, SchemaTable::Outlines& outlines)
+/// Reads a document into an outline of its own, which is the last one then; none if that can't be.
+bool SchemaMessage::readFile(const CString& fileName, std::uint32_t file, XmlDocument& document,
+                             SchemaTable::Outlines& outlines)
 {
-    const std::uint32_t file = report.addFile(fileName);
     const std::size_t most = outlines.empty() ? kAnySize : kMaxNamedFile;
-    SchemaOutline& outline = outlines.emplace_back(file);
-    if (!isReportWanted)
-        return document.streamFile(fileName, outline, most);
-    return document.streamFile(fileName, notes.emplace_back(outline, report, file), most);
+    const std::size_t typesBefore = kinds.size();
+    SchemaOutline& outline = outlines.emplace_back(report, file, kinds);
+    if (document.streamFile(fileName, outline, most)) {
+        outline.finish();
+        return true;
+    }
+    kinds.resize(typesBefore);
+    outlines.pop_back();
+    return false;
 }
 
 /// Reads the documents that the schema names, behind its own outline. What is missing or not well-formed is left out;
-/// what is there and can't be read fails the import, with message 2210.
-bool SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines& outlines)
+/// what is there and can't be read ends the import, by SourceRefusal.
+void SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines& outlines)
 {
     SchemaCache cache;
-    cache.add(fileName, 0, outlines.front().locations());
+    cache.add(fileName, fileName, outlines.front().locations());
     while (const auto named = cache.next()) {
         if (named->name.empty()) {
             const bool isRemote = localPath(named->location).empty() && !named->location.empty();
@@ -65,27 +74,19 @@ bool SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines&
             continue;
         }
         XmlDocument document;
-        if (readFile(named->name, document, outlines)) {
-            cache.add(named->name, outlines.back().placeOf(SchemaOutline::kRoot).file, outlines.back().locations());
-            continue;
-        }
-        if (const int error = document.querySystemError(); error != 0)
-            return fail(cantOpen(named->name, fileCauseOf(error)),
-                        {report.fileNameOf(named->place.file),
-                         CString(named->location) + ": " + document.queryFault().reason, named->place.line}) != 0;
-        report.add(SourceReport::moduleIllFormed, named->place, named->location);
-        outlines.pop_back();
-        if (isReportWanted)
-            notes.pop_back();
+        const std::uint32_t file = report.addFile(named->shownName);
+        if (readFile(named->name, file, document, outlines))
+            cache.add(named->name, named->shownName, outlines.back().locations());
+        else
+            reportUnread({file, named->place, named->location}, document, report);
     }
-    return true;
 }
 
 /// The documents that a schema with a namespace names are not read.
-void SchemaMessage::passOver(const SchemaOutline& outline, std::uint32_t file)
+void SchemaMessage::passOver(const SchemaOutline& outline)
 {
     for (const SchemaOutline::Location& location : outline.locations())
-        report.add(SourceReport::declarationPassedOver, {file, location.line}, location.text);
+        report.add(SourceReport::declarationPassedOver, location.place, location.text);
 }
 
 int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
@@ -93,16 +94,30 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
     if (queryMainTypeName().empty())
         return fail(loadText(IDS_NO_ROOT), {source, "this document does not contain a root element"});
     beginWork(Work::arranging);
-    table.readMain(outline, report, isReportWanted);
-    for (SchemaNotes& document : notes)
-        document.reportUnknownTypes([this](std::string_view type) { return table.find(type) != nullptr; });
+    table.readMain(outline);
+    noteMain(outline);
     const CString path = baseFolder + table.queryMainType() + "\\";
-    model.reserveUsages(countFields());
+    const std::size_t count = countFields();
+    SchemaFieldCheck check(table, kinds, report);
+    check.reserve(count);
+    model.reserveUsages(count);
     for (const SchemaElement* entry : table.queryDeclared())
-        declareRecord(*entry, path);
+        declareRecord(*entry, path, check);
     for (const SchemaElement* entry : table.queryPulled())
-        declareRecord(*entry, path);
+        declareRecord(*entry, path, check);
+    check.reportAll(path);
     return 1;
+}
+
+void SchemaMessage::noteMain(const SchemaOutline& outline)
+{
+    const SchemaOutline::Index main = table.queryMainElement();
+    const SchemaOutline::Index type = outline.typeOf(main);
+    if (outline[main].isAbstract || (type != SchemaOutline::kNone && outline[type].isAbstract))
+        report.add(SourceReport::mainTypeAbstract, outline.placeOf(main), outline[main].name());
+    const SchemaElement* const record = table.find(Fingerprint(table.queryMainType()));
+    if (!record || !record->queryChildren()) // without fields there is no type
+        report.add(SourceReport::declarationPassedOver, outline.placeOf(main), outline[main].name());
 }
 
 /// How many usages the records will have: each is one itself.
@@ -118,7 +133,7 @@ std::size_t SchemaMessage::countFields() const
 
 /// An entry with children becomes a record. All of its fields are known before the first is declared: their usages lie
 /// anywhere in a large table, and so wait for it but once.
-void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path)
+void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check)
 {
     if (!entry.queryChildren())
         return;
@@ -131,28 +146,36 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
     fields.clear();
     for (const SchemaElement* child : *entry.queryChildren()) {
         Field& field = fields.emplace_back();
-        getType(mayMiss ? table.find(child->queryKey()) : child, field.typeName, field.name);
+        field.declared = mayMiss ? table.find(child->queryKey()) : child;
+        getType(field.declared, field.typeName, field.name);
+        if (!field.declared)
+            report.add(SourceReport::declarationPassedOver, child->queryPlace(), child->queryName());
         field.mark = getModifiers(*child);
         field.usageKey = RunningHash(key).append(field.name);
         model.prefetchUsage(field.usageKey);
     }
-    for (const Field& field : fields)
-        declareField(field, path, record);
+    for (const Field& field : fields) {
+        const Element* element = declareField(field, path, record);
+        if (field.declared)
+            check.add(*field.declared, *element, entry);
+    }
 }
 
 /// A repeated field is declared twice: the model makes a table of a usage that it has seen more than once.
-void SchemaMessage::declareField(const Field& field, const CString& path, Element* record)
+Element* SchemaMessage::declareField(const Field& field, const CString& path, Element* record)
 {
+    Element* element = nullptr;
     std::string_view typeName = field.typeName;
     const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName);
     for (int instances = field.mark == modStar ? 2 : 1; instances > 0; --instances) {
-        Element* element = model.addElement(field.usageKey, path, field.name, kind, record);
+        element = model.addElement(field.usageKey, path, field.name, kind, record);
         if (typeName.empty())
             continue;
         const bool isOurs = typeName != "AnonymousType" && kind != Element::typeString;
         element->setKnownType(isOurs ? path + CString(typeName) : "String");
         element->setType(Element::typeOther);
     }
+    return element;
 }
 
 /// Name and type of a declaration; both are empty when there is none. A repeated one brings no type. Nonzero when there

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Import/MsgBase.h"
-#include "Import/Schema/Literal/SchemaNotes.h"
+#include "Import/Schema/Literal/SchemaFieldCheck.h"
 #include "Import/Schema/Literal/SchemaTable.h"
 
 class XmlDocument;
@@ -37,6 +37,7 @@ private:
     // A field that is about to be declared. The texts are the documents'.
     struct Field
     {
+        const SchemaElement* declared; // null if it is missing
         Fingerprint usageKey;
         std::string_view name;
         std::string_view typeName;
@@ -45,20 +46,21 @@ private:
 
     int import(const CString& source, const CString& basePath, const CString& fileName,
                SchemaTable::Outlines& outlines);
-    bool readFile(const CString& fileName, XmlDocument& document, SchemaTable::Outlines& outlines);
-    bool readIncluded(const CString& fileName, SchemaTable::Outlines& outlines);
-    void passOver(const SchemaOutline& outline, std::uint32_t file);
+    bool readFile(const CString& fileName, std::uint32_t file, XmlDocument& document, SchemaTable::Outlines& outlines);
+    void readIncluded(const CString& fileName, SchemaTable::Outlines& outlines);
+    void passOver(const SchemaOutline& outline);
+    void noteMain(const SchemaOutline& outline);
     int doParse(const SchemaOutline& outline, const CString& source);
     std::size_t countFields() const;
-    void declareRecord(const SchemaElement& entry, const CString& path);
-    void declareField(const Field& field, const CString& path, Element* record);
+    void declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check);
+    Element* declareField(const Field& field, const CString& path, Element* record);
     static int getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName);
     Element::ElementTypes getBrokerType(std::string_view& typeName) const;
     static Modifiers getModifiers(const SchemaElement& entry) { return entry.isMarked() ? modStar : modNone; }
     static int removeModifiers(std::string_view& name);
 
-    std::deque<SchemaNotes> notes; // of the documents that were read; none where no report is wanted
     SchemaTable table;
+    SchemaKinds kinds;
     SchemaTable::Names namesBefore; // the import in hand
     CString baseFolder;
     std::vector<Field> fields; // of the record in hand

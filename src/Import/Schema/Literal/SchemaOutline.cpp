@@ -5,24 +5,20 @@
 namespace {
 
 constexpr std::array<std::string_view, 2> kPrefixes{"xsd", "xs"};
-constexpr std::array<std::string_view, 3> kTagNames{"element", "attribute", "complexType"};
+constexpr std::size_t kFarAround = 100; // real schemas don't nest any further
 
-struct QualifiedTag
+std::optional<SchemaOutline::Tag> declarationOf(SchemaTag tag)
 {
-    std::size_t prefix;
-    SchemaOutline::Tag tag;
-};
-
-std::optional<QualifiedTag> tagOf(XmlName name)
-{
-    if (!name.prefix)
+    switch (tag) {
+    case SchemaTag::element:
+        return SchemaOutline::element;
+    case SchemaTag::attribute:
+        return SchemaOutline::attribute;
+    case SchemaTag::complexType:
+        return SchemaOutline::complexType;
+    default:
         return std::nullopt;
-    const auto prefix = std::find(kPrefixes.begin(), kPrefixes.end(), name.prefix);
-    const auto tag = std::find(kTagNames.begin(), kTagNames.end(), name.local);
-    if (prefix == kPrefixes.end() || tag == kTagNames.end())
-        return std::nullopt;
-    return QualifiedTag{static_cast<std::size_t>(prefix - kPrefixes.begin()),
-                        static_cast<SchemaOutline::Tag>(tag - kTagNames.begin())};
+    }
 }
 
 bool isCalled(XmlName name, std::string_view unprefixed)
@@ -45,31 +41,52 @@ bool isMany(std::string_view maxOccurs)
 
 } // namespace
 
-SchemaOutline::SchemaOutline(std::uint32_t file) : file(file)
+SchemaOutline::SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKinds& kinds) :
+    statements(report, file, true), kinds(kinds), file(file), lastPrefixAt(kPrefixes.size())
 {
     entries.emplace_back();
 }
 
+void SchemaOutline::scope(const XmlScope& scope)
+{
+    statements.scope(scope);
+    for (std::size_t i = 0; i < scope.count; ++i) {
+        const auto* const uri = reinterpret_cast<const char*>(scope.declarations[2 * i + 1]);
+        if (schemaEditionOf(uri) == SchemaEdition::none)
+            continue;
+        const auto* const prefix = reinterpret_cast<const char*>(scope.declarations[2 * i]);
+        kinds.addLanguagePrefix(prefix ? prefix : "");
+    }
+}
+
 void SchemaOutline::startElement(XmlName name, XmlAttributes attributes)
 {
+    const SchemaTag tag = statements.enter(name, attributes);
     if (open.empty()) {
         startRoot(attributes);
         return;
     }
-    const auto qualified = tagOf(name);
-    if (!qualified) {
-        if (open.size() == 1)
-            noteLocation(name, attributes);
-        open.push_back({kNone});
-        return;
+    Level level;
+    const auto declaration = declarationOf(tag);
+    const std::size_t prefix = declaration ? prefixOf(name) : kPrefixes.size();
+    if (prefix < kPrefixes.size()) {
+        level.place = enter(*declaration, attributes);
+        places[prefix][*declaration].push_back(level.place);
+    } else if (open.size() == 1) {
+        noteLocation(name, attributes);
     }
-    const Index place = enter(qualified->tag, attributes);
-    places[qualified->prefix][qualified->tag].push_back(place);
-    open.push_back({place});
+    if (!statements.isIgnored()) {
+        if (level.place != kNone)
+            noteDeclaration(tag);
+        else
+            notePassedOver(name, tag, level);
+    }
+    open.push_back(level);
 }
 
 void SchemaOutline::endElement()
 {
+    statements.leave();
     if (open.back().place != kNone)
         entries[open.back().place].end = static_cast<Index>(entries.size());
     open.pop_back();
@@ -82,6 +99,130 @@ void SchemaOutline::startRoot(XmlAttributes attributes)
     open.push_back({kRoot});
 }
 
+/// The place of a literal prefix among the two; behind them for any other.
+std::size_t SchemaOutline::prefixOf(XmlName name)
+{
+    if (name.prefix != lastPrefix) // nearly never
+        lastPrefixAt = name.prefix
+                           ? static_cast<std::size_t>(std::ranges::find(kPrefixes, name.prefix) - kPrefixes.begin())
+                           : kPrefixes.size();
+    lastPrefix = name.prefix;
+    return lastPrefixAt;
+}
+
+/// What the tables have no part of, and what changes the types that way.
+void SchemaOutline::notePassedOver(XmlName name, SchemaTag tag, Level& level)
+{
+    const std::string_view base = statements.valueOf(SchemaAttribute::base);
+    const std::string_view reference = statements.valueOf(SchemaAttribute::ref);
+    switch (tag) {
+    case SchemaTag::element:
+    case SchemaTag::attribute:
+    case SchemaTag::complexType:
+        return statements.find(SourceReport::declarationPassedOver, nameAround());
+    case SchemaTag::redefine:
+        if (name.local == std::string_view("override"))
+            statements.find(SourceReport::declarationPassedOver,
+                            CString(statements.valueOf(SchemaAttribute::schemaLocation)));
+        return;
+    case SchemaTag::sequence:
+    case SchemaTag::choice:
+    case SchemaTag::all:
+        level.isChoice = tag == SchemaTag::choice || open.back().isChoice;
+        level.isRepeated = statements.mayRepeat() || open.back().isRepeated;
+        return;
+    case SchemaTag::group:
+    case SchemaTag::attributeGroup: // where it is declared it is nothing yet
+        if (!reference.empty())
+            statements.find(SourceReport::groupPassedOver, CString(reference));
+        return;
+    case SchemaTag::extension:
+        return statements.find(SourceReport::extensionPassedOver, CString(base));
+    case SchemaTag::restriction:
+        if (statements.holder() == SchemaTag::simpleRestriction)
+            noteSimpleType(tag, level);
+        else if (base.substr(base.find(':') + 1) != "anyType")
+            statements.find(SourceReport::restrictionPassedOver, CString(base));
+        return;
+    case SchemaTag::complexContent:
+        if (saysMixed())
+            statements.find(SourceReport::textPassedOver, nameAround());
+        return;
+    case SchemaTag::any:
+        return statements.find(SourceReport::anyElement, nameAround());
+    case SchemaTag::anyAttribute:
+        return statements.find(SourceReport::anyAttribute, nameAround());
+    default:
+        return noteSimpleType(tag, level);
+    }
+}
+
+void SchemaOutline::noteSimpleType(SchemaTag tag, Level& level)
+{
+    const Level& around = open.back();
+    switch (tag) {
+    case SchemaTag::simpleType:
+        level.simpleType = kinds.add(statements.valueOf(SchemaAttribute::name));
+        if (around.simpleType != SchemaKinds::kNone)
+            kinds.addPart(around.simpleType, level.simpleType);
+        else if (around.place != kNone)
+            entries[around.place].declaration.simpleType = level.simpleType;
+        return;
+    case SchemaTag::restriction:
+        level.simpleType = around.simpleType;
+        if (const std::string_view base = trimmed(statements.valueOf(SchemaAttribute::base)); !base.empty())
+            kinds.addPart(level.simpleType, base);
+        return;
+    case SchemaTag::unionOf:
+        level.simpleType = around.simpleType;
+        return SchemaStatements::forEachName(statements.valueOf(SchemaAttribute::memberTypes),
+                                             [&](std::string_view member) { kinds.addPart(level.simpleType, member); });
+    case SchemaTag::list:
+        kinds.setList(around.simpleType);
+        return statements.find(SourceReport::listType, nameAround());
+    case SchemaTag::enumeration:
+        if (around.simpleType != SchemaKinds::kNone)
+            kinds.setListed(around.simpleType);
+        return;
+    default:
+        return;
+    }
+}
+
+/// What a declaration that is read says besides.
+void SchemaOutline::noteDeclaration(SchemaTag tag)
+{
+    const SchemaDeclaration& declaration = entries.back().declaration;
+    if (!declaration.isReference && !isXmlName(declaration.name()))
+        statements.find(SourceReport::impossibleName, CString(declaration.name()));
+    if (!statements.mayOccur())
+        statements.find(SourceReport::elementNotAllowed, nameAround());
+    if (declaration.isAbstract)
+        statements.find(SourceReport::abstractType, nameAround());
+    if (tag == SchemaTag::complexType && saysMixed())
+        statements.find(SourceReport::textPassedOver, nameAround());
+    if (statements.has(SchemaAttribute::substitutionGroup))
+        statements.find(SourceReport::substitutionPassedOver, nameAround());
+}
+
+bool SchemaOutline::saysMixed() const
+{
+    return statements.has(SchemaAttribute::mixed) &&
+           SchemaStatements::isTrue(statements.valueOf(SchemaAttribute::mixed));
+}
+
+/// What the statement that has been entered is called, or else what stands around it.
+CString SchemaOutline::nameAround() const
+{
+    for (const SchemaAttribute attribute : {SchemaAttribute::name, SchemaAttribute::ref})
+        if (const std::string_view name = statements.valueOf(attribute); !name.empty())
+            return CString(name);
+    for (std::size_t i = open.size(); i > 0 && i + kFarAround > open.size(); --i)
+        if (const Index place = open[i - 1].place; place != kNone && !entries[place].declaration.name().empty())
+            return CString(entries[place].declaration.name());
+    return {};
+}
+
 /// Any prefix will do: which one a document binds to XML Schema is its own affair, and nothing else has these names at
 /// the top of a schema.
 void SchemaOutline::noteLocation(XmlName name, XmlAttributes attributes)
@@ -91,7 +232,7 @@ void SchemaOutline::noteLocation(XmlName name, XmlAttributes attributes)
         return;
     for (std::size_t i = 0; i < attributes.size(); ++i)
         if (isCalled(attributes[i].name, "schemaLocation"))
-            schemaLocations.push_back({texts.keep(attributes[i].value), line});
+            schemaLocations.push_back({texts.keep(attributes[i].value), statements.place()});
 }
 
 /// Links a declaration with its parent and its siblings.
@@ -100,9 +241,13 @@ SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
     const auto place = static_cast<Index>(entries.size());
     Entry& entry = entries.emplace_back();
     entry.declaration = readDeclaration(attributes);
-    entry.declaration.line = line;
+    entry.declaration.line = statements.place().line;
+    entry.declaration.column = statements.place().column;
     entry.tag = tag;
+    entry.isRead = statements.isIgnored(); // it need not be reported again
     Level& parent = open.back();
+    entry.declaration.isSingle = parent.isChoice || tag == attribute;
+    entry.declaration.isInRepeated = parent.isRepeated;
     Index& last = parent.lastChild[tag];
     if (last != kNone)
         entries[last].nextSibling = place;
@@ -125,19 +270,27 @@ SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
     SchemaDeclaration out;
     std::string_view reference = out.nameAndMark;
     out.hasAttributes = attributes.size() > 0;
-    for (std::size_t i = 0; i < attributes.size(); ++i) {
-        const auto [name, value] = attributes[i];
-        if (isCalled(name, "name")) {
+    for (const auto& [name, value, isItsOwn] : statements.attributes())
+        switch (name) {
+        case SchemaAttribute::name:
             out.nameAndMark = keepName(value);
-        } else if (isCalled(name, "type")) {
+            break;
+        case SchemaAttribute::type:
             out.hasType = true;
             out.type = texts.keep(value);
-        } else if (isCalled(name, "ref")) {
+            break;
+        case SchemaAttribute::ref:
             reference = keepName(value);
-        } else if (isCalled(name, "maxOccurs")) {
+            break;
+        case SchemaAttribute::maxOccurs:
             out.repeats = isMany(value);
+            break;
+        case SchemaAttribute::abstract:
+            out.isAbstract = isItsOwn && SchemaStatements::isTrue(value);
+            break;
+        default:
+            break;
         }
-    }
     out.isReference = out.name().empty();
     if (out.isReference)
         out.nameAndMark = reference;
@@ -173,11 +326,23 @@ bool SchemaOutline::holdsTypeNamed(std::string_view name) const
     return typeNames->contains(name);
 }
 
+SchemaOutline::Index SchemaOutline::typeOf(Index declaration) const
+{
+    const SchemaDeclaration& element = entries[declaration].declaration;
+    if (!element.hasType)
+        return getChildNode(declaration, complexType);
+    Index type = getChildNode(kRoot, complexType);
+    while (type != kNone && entries[type].declaration.name() != element.type)
+        type = getNextSibling(type);
+    return type;
+}
+
 void SchemaOutline::reportUnread(SourceReport& report) const
 {
     for (const Entry& entry : entries)
         if (entry.tag != complexType && !entry.isRead)
-            report.add(SourceReport::declarationPassedOver, {file, entry.declaration.line}, entry.declaration.name());
+            report.add(SourceReport::declarationPassedOver, {file, entry.declaration.line, entry.declaration.column},
+                       entry.declaration.name());
 }
 
 void SchemaOutline::keepTextsOnly()

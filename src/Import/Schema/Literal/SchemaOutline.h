@@ -2,8 +2,8 @@
 
 #include "Base/Arena.h"
 #include "Base/KeyedTable.h"
-#include "Import/SourceReport.h"
-#include "Xml/XmlParser.h"
+#include "Import/Schema/Literal/SchemaKinds.h"
+#include "Import/Schema/SchemaStatements.h"
 
 #include <array>
 #include <optional>
@@ -28,7 +28,12 @@ struct SchemaDeclaration
     bool hasType = false;       ///< a `type` is written
     bool isReference = false;   ///< it has no name of its own
     bool repeats = false;       ///< its `maxOccurs` is greater than 1 or "unbounded"
+    bool isAbstract = false;    ///< it says so
+    bool isSingle = false;      ///< it doesn't repeat when it is declared twice
+    bool isInRepeated = false;  ///< it stands in a group that repeats
     std::uint32_t line = 0;     ///< in its document, from 1
+    std::uint32_t column = 0;   ///< the same; 0 if unknown
+    SchemaKinds::Index simpleType = SchemaKinds::kNone; ///< the one that stands inside it
 };
 
 /// The declarations of one schema document, as far as they are read: what is called xsd:element, xs:element and so on,
@@ -53,19 +58,23 @@ public:
     struct Location
     {
         std::string_view text; ///< the schemaLocation
-        std::uint32_t line;
+        SourcePlace place;
     };
 
-    /// `file` is the document's number in the import's report.
-    explicit SchemaOutline(std::uint32_t file);
+    /// `file` is the document's number in the report. Its simple types go into `kinds`.
+    SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKinds& kinds);
 
-    void scope(const XmlScope& scope) override { line = static_cast<std::uint32_t>(scope.line); }
+    void scope(const XmlScope& scope) override;
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
+    void entityLeftOut(std::string_view name, XmlPlace place) override { statements.entityLeftOut(name, place); }
     bool wantsText() const override { return false; }
     bool wantsScopes() const override { return true; }
 
-    SourcePlace placeOf(Index at) const { return {file, entries[at].declaration.line}; }
+    /// Reports what was found in the document, when it is a part of the schema.
+    void finish() { statements.finish(); }
+
+    SourcePlace placeOf(Index at) const { return {file, entries[at].declaration.line, entries[at].declaration.column}; }
 
     /// How many declarations there are, and the root.
     std::size_t size() const { return entries.size(); }
@@ -87,6 +96,9 @@ public:
     /// True when one of the xsd:complexType of the document, or of its xs:complexType where it has none of those, is
     /// called `name`.
     bool holdsTypeNamed(std::string_view name) const;
+
+    /// The complex type at the top that a declaration names, or the one inside it; kNone if there is none.
+    Index typeOf(Index declaration) const;
 
     /// Where documents are that the schema includes, imports or redefines, in document order.
     const std::vector<Location>& locations() const { return schemaLocations; }
@@ -118,8 +130,11 @@ private:
     // An element of the document that is still open.
     struct Level
     {
-        Index place; // kNone for one that is no declaration
+        Index place = kNone; // kNone for one that is no declaration
         std::array<Index, kTags> lastChild{kNone, kNone, kNone};
+        SchemaKinds::Index simpleType = SchemaKinds::kNone; // the one that it is, or says something of
+        bool isChoice = false;                              // or a group inside one
+        bool isRepeated = false;                            // the same
     };
 
     void startRoot(XmlAttributes attributes);
@@ -127,6 +142,12 @@ private:
     SchemaDeclaration readDeclaration(XmlAttributes attributes);
     std::string_view keepName(std::string_view name);
     Index enter(Tag tag, XmlAttributes attributes);
+    std::size_t prefixOf(XmlName name);
+    void notePassedOver(XmlName name, SchemaTag tag, Level& level);
+    void noteSimpleType(SchemaTag tag, Level& level);
+    void noteDeclaration(SchemaTag tag);
+    bool saysMixed() const;
+    CString nameAround() const;
     const std::vector<Index>& mainTypes() const;
 
     Arena texts;
@@ -134,8 +155,11 @@ private:
     std::array<std::array<std::vector<Index>, kTags>, 2> places; // by prefix, "xsd:" first, and by tag; rising
     std::vector<Level> open;
     std::vector<Location> schemaLocations;
+    SchemaStatements statements;
+    SchemaKinds& kinds;
     std::uint32_t file;
-    std::uint32_t line = 0; // of the element that begins
+    const char* lastPrefix = nullptr; // equal ones are one
+    std::size_t lastPrefixAt;
     bool isTargeted = false;
     mutable std::optional<std::unordered_set<std::string_view, KeyHash>> typeNames;
 };

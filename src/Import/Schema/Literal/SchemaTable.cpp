@@ -24,34 +24,33 @@ std::string_view typeOf(const SchemaOutline& outline, SchemaOutline::Index at)
 
 } // namespace
 
-void SchemaTable::readIncluded(Outlines& outlines, bool isFile, SourceReport& report, bool isReportWanted)
+void SchemaTable::readIncluded(Outlines& outlines, bool isFile, SchemaKinds& simpleTypes, SourceReport& sourceReport)
 {
-    names = &report;
+    report = &sourceReport;
+    kinds = &simpleTypes;
     earlierMainType = mainType;
     mainName = earlierMainType;
-    isWhole = isFile && getSchemaIncludeList(outlines, isReportWanted);
+    isWhole = isFile && getSchemaIncludeList(outlines);
     if (isWhole)
         return;
     copyElementList();
     setMainType(getRootTag(outlines.front()));
 }
 
-void SchemaTable::readMain(const SchemaOutline& main, SourceReport& report, bool isReportWanted)
+void SchemaTable::readMain(const SchemaOutline& main)
 {
-    names = &report;
     if (!isWhole) {
         processElement(main);
         processComplexType(main, SchemaOutline::kRoot, {});
     }
     mergeLists();
-    if (isReportWanted)
-        main.reportUnread(report);
+    main.reportUnread(*report);
 }
 
 /// Takes the schema and the documents that it names into the table: first the top-level elements of each, then the
 /// complex types. A schema with a target namespace doesn't get that far. True when the schema stands alone and reading
 /// it once more would give the same table again, and nothing to show.
-bool SchemaTable::getSchemaIncludeList(Outlines& outlines, bool isReportWanted)
+bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
 {
     const SchemaOutline& main = outlines.front();
     const bool hadRootType = !rootTypeName.empty();
@@ -67,8 +66,7 @@ bool SchemaTable::getSchemaIncludeList(Outlines& outlines, bool isReportWanted)
     for (const SchemaOutline& outline : outlines)
         processComplexType(outline, SchemaOutline::kRoot, {});
     for (auto included = outlines.begin() + 1; included != outlines.end(); ++included) {
-        if (isReportWanted)
-            included->reportUnread(*names);
+        included->reportUnread(*report);
         included->keepTextsOnly();
     }
     // The names in force while the main element's own type was read.
@@ -95,6 +93,7 @@ void SchemaTable::clear()
     pulled.clear();
     ownedElements.clear();
     cyclicReferences = 0;
+    mainElement = SchemaOutline::kNone;
 }
 
 /// The name of the main element: the first one at the top that has no type, whose own type is then read, or the type of
@@ -107,6 +106,7 @@ std::string_view SchemaTable::getRootTag(const SchemaOutline& outline)
         if (!element.hasAttributes)
             continue;
         const std::string_view name = element.isReference ? std::string_view() : element.name();
+        mainElement = at;
         if (!element.hasType || element.type == kAnonymousType) {
             processComplexType(outline, at, name);
             return name;
@@ -132,7 +132,7 @@ void SchemaTable::processElement(const SchemaOutline& outline)
             processComplexType(outline, outline.getNode(at, SchemaOutline::complexType), element.name());
         outline.markRead(at);
         if (!element.name().empty())
-            addSchemaElement(outline.placeOf(at), element.name(), {}, typeOf(outline, at));
+            addSchemaElement(sayingOf(outline, at, element.name()), {});
     }
 }
 
@@ -182,7 +182,10 @@ void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
     std::string_view name = type.isReference ? walk.owner : type.name();
     if (!name.empty() && name == rootTypeName)
         name = mainName;
-    walk.record = {name, RunningHash(name), addSchemaElement(outline.placeOf(walk.type), name, {}, {})};
+    const SourcePlace place = outline.placeOf(walk.type);
+    walk.record = {name, RunningHash(name), addSchemaElement({place, name}, {})};
+    if (walk.record.entry && walk.record.entry->queryChildren())
+        report->add(SourceReport::mergedByName, place, name);
     walk.list = SchemaOutline::element;
     walk.field = outline.getNode(walk.type, SchemaOutline::element);
 }
@@ -212,7 +215,7 @@ void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
     // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
     const std::string_view name = field.markedName();
     if (!name.empty())
-        addSchemaElement(outline.placeOf(walk.field), name, walk.record, typeOf(outline, walk.field));
+        addSchemaElement(sayingOf(outline, walk.field, name), walk.record);
     outline.markRead(walk.field);
     walk.field = next;
     walk.isEntered = false;
@@ -227,27 +230,52 @@ void SchemaTable::prefetchEntry(const SchemaDeclaration& field, const TypeWalk& 
     schemaElements.prefetch(keyHash(name));
 }
 
+/// What a declaration says, under the name that it is registered by.
+SchemaSaying SchemaTable::sayingOf(const SchemaOutline& outline, Index at, std::string_view name) const
+{
+    const SchemaDeclaration& declaration = outline[at];
+    SchemaSaying said{outline.placeOf(at),     name, typeOf(outline, at), declaration.isReference, declaration.isSingle,
+                      declaration.isInRepeated};
+    if (declaration.simpleType != SchemaKinds::kNone && kinds->kindOf(declaration.simpleType) != SchemaKinds::text)
+        said.loss = SchemaTypeLoss::innerType;
+    return said;
+}
+
+/// Whether two types of declarations make the same of them. What has none of its own takes the one of its record.
+bool SchemaTable::meanTheSame(std::string_view oneType, std::string_view otherType) const
+{
+    if (oneType == otherType || oneType.empty() || otherType.empty())
+        return true;
+    const SchemaKinds::Kind kind = kinds->builtInKindOf(oneType);
+    return kind != SchemaKinds::unknown && kind == kinds->builtInKindOf(otherType);
+}
+
 /// Registers a declaration once and attaches it to its parent. Answers the entry, or null when the declaration is
 /// called like its parent. A type that is already registered under the name alone wins.
-SchemaElement* SchemaTable::addSchemaElement(SourcePlace place, std::string_view name, const Record& parent,
-                                             std::string_view type)
+SchemaElement* SchemaTable::addSchemaElement(const SchemaSaying& said, const Record& parent)
 {
     cancelPoint.pass();
-    const Fingerprint alone(name);
-    const Fingerprint key = parent.entry ? Fingerprint(RunningHash(parent.key).append(name)) : alone;
+    const Fingerprint alone(said.name);
+    const Fingerprint key = parent.entry ? Fingerprint(RunningHash(parent.key).append(said.name)) : alone;
     SchemaElement* entry = schemaElements.find(key);
     if (!entry) {
-        if (const SchemaElement* earlier = schemaElements.find(alone))
-            type = earlier->queryType();
-        if (parent.name == name) {
+        const SchemaElement* const earlier = schemaElements.find(alone);
+        if (parent.name == said.name) {
             theApp.Error(loadText(IDS_CYCLIC), IDS_ERROR_TITLE,
-                         {names->fileNameOf(place.file), CString(name) + " stands inside itself", place.line, 0, true});
-            names->add(SourceReport::insideItself, place, name);
+                         {report->fileNameOf(said.place.file), CString(said.name) + " stands inside itself",
+                          static_cast<long>(said.place.line), static_cast<long>(said.place.column), true});
+            report->add(SourceReport::insideItself, said.place, said.name);
             ++cyclicReferences;
             return nullptr;
         }
-        entry = &ownedElements.emplace_back(key, parent.entry ? parent.name : std::string_view(), name, type);
+        entry = &ownedElements.emplace_back(key, parent.entry ? parent.name : std::string_view(), said);
+        if (earlier)
+            entry->setType(earlier->queryType(), !meanTheSame(said.type, earlier->queryType()));
         schemaElements.store(entry);
+    } else if (entry->queryName() != said.name || !meanTheSame(entry->queryType(), said.type)) {
+        report->add(SourceReport::mergedByName, said.place, said.name);
+    } else if (parent.entry && said.isSingle && !said.isInRepeated && !entry->isMarked()) {
+        report->add(SourceReport::inventedRepetition, said.place, said.name); // two usages make a table
     }
     if (parent.entry)
         parent.entry->addChild(entry);
@@ -296,4 +324,10 @@ const SchemaElement* SchemaTable::find(const Fingerprint& key) const
         return own;
     const SchemaElement* included = includedElements.find(key);
     return included && included->queryPull() != SchemaElement::notPulled ? included : nullptr;
+}
+
+const SchemaElement* SchemaTable::findAny(const Fingerprint& key) const
+{
+    const SchemaElement* own = schemaElements.find(key);
+    return own ? own : includedElements.find(key);
 }

@@ -21,11 +21,11 @@ public:
 
     /// The first pass, for a schema that is a file, and the search for the main element. Main element and root type of
     /// the schema before stay in force until then. What can't be read is shown, by the names of the files in `report`,
-    /// and left out; where `isReportWanted` it gets what is passed over.
-    void readIncluded(Outlines& outlines, bool isFile, SourceReport& report, bool isReportWanted);
+    /// and left out; the report gets what is passed over.
+    void readIncluded(Outlines& outlines, bool isFile, SchemaKinds& kinds, SourceReport& report);
 
     /// The second pass, over the same schema.
-    void readMain(const SchemaOutline& main, SourceReport& report, bool isReportWanted);
+    void readMain(const SchemaOutline& main);
 
     /// Forgets all but the names of main element and root type.
     void clear();
@@ -48,6 +48,12 @@ public:
     /// The entry of a key, declared or pulled; null when there is none.
     const SchemaElement* find(const Fingerprint& key) const;
 
+    /// The same, also of what no type has pulled.
+    const SchemaElement* findAny(const Fingerprint& key) const;
+
+    /// The main element, in the schema's outline; kNone when there is none.
+    SchemaOutline::Index queryMainElement() const { return mainElement; }
+
 private:
     using Index = SchemaOutline::Index;
     struct TypeWalk;
@@ -61,7 +67,7 @@ private:
     };
 
     // The include pass and what comes of it.
-    bool getSchemaIncludeList(Outlines& outlines, bool isReportWanted);
+    bool getSchemaIncludeList(Outlines& outlines);
     void copyElementList();
     void mergeLists();
     void pull(const Fingerprint& type);
@@ -75,18 +81,21 @@ private:
     bool nextList(const SchemaOutline& outline, TypeWalk& walk);
     void processTag(const SchemaOutline& outline, TypeWalk& walk);
     void prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const;
-    SchemaElement* addSchemaElement(SourcePlace place, std::string_view name, const Record& parent,
-                                    std::string_view type);
+    SchemaElement* addSchemaElement(const SchemaSaying& said, const Record& parent);
+    SchemaSaying sayingOf(const SchemaOutline& outline, Index at, std::string_view name) const;
+    bool meanTheSame(std::string_view oneType, std::string_view otherType) const;
 
-    SourceReport* names = nullptr;           // of the files
+    SourceReport* report = nullptr;          // of the import in hand
+    SchemaKinds* kinds = nullptr;            // the same
     Entries schemaElements;                  // of the pass in hand
     Entries includedElements;                // of the include pass
     std::deque<SchemaElement*> pulled;       // the end of the element table: entries that stand in both
     std::deque<SchemaElement> ownedElements; // of both tables
     CancelPoint cancelPoint{4096};           // passed by each declaration
     int cyclicReferences = 0;                // how many it has shown
-    bool isWhole = false;                    // the second pass would find what the first has found
-    CString rootTypeName;                    // stays from one schema to the next
+    Index mainElement = SchemaOutline::kNone;
+    bool isWhole = false; // the second pass would find what the first has found
+    CString rootTypeName; // stays from one schema to the next
     CString mainType;
     CString earlierMainType;   // that of the schema before
     std::string_view mainName; // `mainType`, in a text that lives as long as the import

@@ -1,0 +1,148 @@
+#include "Import/Schema/Literal/SchemaFieldCheck.h"
+
+#include "Base/Progress.h"
+
+namespace {
+
+constexpr std::size_t kAhead = 8;
+constexpr std::string_view kAnonymousType = "AnonymousType";
+
+// The field's name without the mark of what repeats.
+std::string_view nameOf(const SchemaElement& declared)
+{
+    std::string_view name = trimmed(declared.queryName());
+    if (name.ends_with('*'))
+        name.remove_suffix(1);
+    return name;
+}
+
+} // namespace
+
+void SchemaFieldCheck::reportAll(std::string_view path)
+{
+    CancelPoint cancelPoint{4096};
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        cancelPoint.pass();
+        if (i + kAhead < fields.size())
+            __builtin_prefetch(fields[i + kAhead].element); // they lie anywhere
+        if (fields[i].plainKind == Element::typeOther || fields[i].element->queryType() != fields[i].plainKind)
+            report(fields[i], path);
+    }
+}
+
+Element::ElementTypes SchemaFieldCheck::plainKindOf(const SchemaElement& declared)
+{
+    const std::string_view type = declared.queryType();
+    const bool isSingle = !declared.isMarked() && !declared.isInRepeated();
+    if (!isSingle || declared.isReference() || declared.queryLoss() != SchemaTypeLoss::none || !type.starts_with("xs"))
+        return Element::typeOther;
+    const std::string_view local = type.substr(type.starts_with("xs:") ? 3 : std::min<std::size_t>(type.size(), 4));
+    if (local == "string")
+        return Element::typeString;
+    return local == "decimal" ? Element::typeNumber : local == "date" ? Element::typeDate : Element::typeOther;
+}
+
+void SchemaFieldCheck::report(const Field& field, std::string_view path)
+{
+    const SchemaElement& declared = *field.declared;
+    const std::string_view name = nameOf(declared);
+    const Meaning meaning = meaningOf(declared, name);
+    if (meaning.loss)
+        sourceReport.add(*meaning.loss, declared.queryPlace(), meaning.lost);
+    else if (!isAsMeant(*field.element, name, meaning, path))
+        sourceReport.add(SourceReport::mergedByName, declared.queryPlace(), name);
+    const bool isLaterTable =
+        declared.isMarked() && repeated.try_emplace(field.element, field.record).first->second != field.record;
+    if (isLaterTable || (declared.isInRepeated() && !declared.isMarked()))
+        sourceReport.add(SourceReport::repetitionPassedOver, declared.queryPlace(), name);
+}
+
+SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& declared, std::string_view name)
+{
+    switch (declared.queryLoss()) {
+    case SchemaTypeLoss::innerType:
+        return {Element::typeString, {}, SourceReport::simpleTypePassedOver, name};
+    case SchemaTypeLoss::otherType:
+        return {Element::typeString, {}, SourceReport::mergedByName, name};
+    case SchemaTypeLoss::none:
+        break;
+    }
+    return declared.isReference() ? meaningOfReference(declared, name)
+                                  : meaningOfType(declared.queryType(), name, declared.isMarked());
+}
+
+/// A reference takes the type of an element that was read before it, and is text otherwise.
+SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfReference(const SchemaElement& declared, std::string_view name)
+{
+    const SchemaElement* const target = table.findAny(Fingerprint(name));
+    if (!target)
+        return {Element::typeString, {}, SourceReport::unresolvedReference, name};
+    Meaning meaning = meaningOfType(target->queryType(), name, declared.isMarked());
+    if (declared.queryType().empty() && meaning.kind != Element::typeString && meaning.kind != Element::typeRow)
+        meaning = {Element::typeString, {}, SourceReport::typeUnknown, name};
+    return meaning;
+}
+
+/// What a field of this type means, and whether the literal reading knows that.
+SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type, std::string_view name, bool repeats)
+{
+    if (type.empty() || type == kAnonymousType)
+        return {Element::typeRow};
+    if (type.starts_with("xs:") || type.starts_with("xsd:"))
+        return meaningOfBuiltIn(type, repeats);
+    const SchemaElement* const known = table.find(Fingerprint(type));
+    if (known && !repeats)
+        return known->queryChildren() ? Meaning{Element::typeOther, type}
+                                      : Meaning{Element::typeOther, type, SourceReport::unresolvedReference, type};
+    if (known && type == name)
+        return {Element::typeRow};
+    const SchemaKinds::Kind kind = known ? SchemaKinds::unknown : kinds.kindOf(type);
+    if (kind == SchemaKinds::text || (known && !known->queryChildren()))
+        return {};
+    const bool isDeclared = kind != SchemaKinds::unknown || type == table.queryRootTypeName() ||
+                            table.findAny(Fingerprint(type.substr(type.find(':') + 1)));
+    return {Element::typeString, {}, isDeclared ? SourceReport::typeUnknown : SourceReport::unresolvedReference, type};
+}
+
+/// Of the built-in types decimal and date are known; the others become text, and so do all that repeat.
+SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfBuiltIn(std::string_view type, bool repeats) const
+{
+    const std::string_view local = type.substr(type.find(':') + 1);
+    if (local == "string")
+        return {};
+    if (local == "decimal" && !repeats)
+        return {Element::typeNumber};
+    if (local == "date" && !repeats)
+        return {Element::typeDate};
+    switch (kinds.builtInKindOf(type)) {
+    case SchemaKinds::text:
+        return {};
+    case SchemaKinds::unknown:
+        return {Element::typeString, {}, SourceReport::unresolvedReference, type};
+    default:
+        return {Element::typeString, {}, SourceReport::typeUnknown, type};
+    }
+}
+
+/// Whether the element, which all fields of that name share, is what a declaration means.
+bool SchemaFieldCheck::isAsMeant(const Element& element, std::string_view name, const Meaning& meaning,
+                                 std::string_view path) const
+{
+    const auto isKnownAs = [&](std::string_view record) {
+        const std::string_view known = element.queryKnownType();
+        return known.size() == path.size() + record.size() && known.ends_with(record) && known.starts_with(path);
+    };
+    switch (element.queryType()) {
+    case Element::typeRow:
+        return meaning.kind == Element::typeRow || (meaning.kind == Element::typeOther && meaning.record == name);
+    case Element::typeOther:
+        if (element.queryKnownType() == "String")
+            return meaning.kind == Element::typeString || meaning.kind == Element::typeRow;
+        return meaning.kind == Element::typeOther ? isKnownAs(meaning.record)
+                                                  : meaning.kind == Element::typeRow && isKnownAs(name);
+    case Element::typeString:
+        return meaning.kind == Element::typeString || meaning.kind == Element::typeRow;
+    default:
+        return meaning.kind == element.queryType();
+    }
+}

@@ -1,0 +1,274 @@
+#include "Import/Schema/SchemaGrammar.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <iterator>
+
+namespace {
+
+using Tag = SchemaTag;
+using Word = SchemaAttribute;
+
+struct TagWord
+{
+    std::string_view word;
+    Tag tag;
+};
+
+// The statements of all editions. Facets of the drafts stand here too: like all facets they leave a type what it is.
+constexpr TagWord kTags[] = {
+    {"all", Tag::all},
+    {"alternative", Tag::alternative},
+    {"annotation", Tag::annotation},
+    {"any", Tag::any},
+    {"anyAttribute", Tag::anyAttribute},
+    {"appInfo", Tag::appinfo},
+    {"appinfo", Tag::appinfo},
+    {"assert", Tag::assertion},
+    {"assertion", Tag::assertion},
+    {"attribute", Tag::attribute},
+    {"attributeGroup", Tag::attributeGroup},
+    {"choice", Tag::choice},
+    {"complexContent", Tag::complexContent},
+    {"complexType", Tag::complexType},
+    {"defaultOpenContent", Tag::openContent},
+    {"documentation", Tag::documentation},
+    {"duration", Tag::facet},
+    {"element", Tag::element},
+    {"encoding", Tag::facet},
+    {"enumeration", Tag::enumeration},
+    {"explicitTimezone", Tag::facet},
+    {"extension", Tag::extension},
+    {"field", Tag::path},
+    {"fractionDigits", Tag::facet},
+    {"group", Tag::group},
+    {"import", Tag::import},
+    {"include", Tag::include},
+    {"key", Tag::constraint},
+    {"keyref", Tag::constraint},
+    {"length", Tag::facet},
+    {"list", Tag::list},
+    {"maxExclusive", Tag::facet},
+    {"maxInclusive", Tag::facet},
+    {"maxLength", Tag::facet},
+    {"maxScale", Tag::facet},
+    {"minExclusive", Tag::facet},
+    {"minInclusive", Tag::facet},
+    {"minLength", Tag::facet},
+    {"minScale", Tag::facet},
+    {"notation", Tag::notation},
+    {"openContent", Tag::openContent},
+    {"override", Tag::redefine},
+    {"pattern", Tag::facet},
+    {"period", Tag::facet},
+    {"precision", Tag::facet},
+    {"redefine", Tag::redefine},
+    {"restriction", Tag::restriction},
+    {"scale", Tag::facet},
+    {"schema", Tag::schema},
+    {"selector", Tag::path},
+    {"sequence", Tag::sequence},
+    {"simpleContent", Tag::simpleContent},
+    {"simpleType", Tag::simpleType},
+    {"totalDigits", Tag::facet},
+    {"union", Tag::unionOf},
+    {"unique", Tag::constraint},
+    {"whiteSpace", Tag::facet},
+};
+static_assert(std::ranges::is_sorted(kTags, {}, &TagWord::word));
+
+struct AttributeWord
+{
+    std::string_view word;
+    Word attribute;
+};
+
+constexpr AttributeWord kAttributes[] = {
+    {"abstract", Word::abstract},
+    {"appliesToEmpty", Word::appliesToEmpty},
+    {"attributeFormDefault", Word::attributeFormDefault},
+    {"base", Word::base},
+    {"block", Word::block},
+    {"blockDefault", Word::blockDefault},
+    {"content", Word::content},
+    {"default", Word::defaultValue},
+    {"defaultAttributes", Word::defaultAttributes},
+    {"defaultAttributesApply", Word::defaultAttributesApply},
+    {"elementFormDefault", Word::elementFormDefault},
+    {"exact", Word::exact},
+    {"final", Word::final},
+    {"finalDefault", Word::finalDefault},
+    {"fixed", Word::fixed},
+    {"form", Word::form},
+    {"id", Word::id},
+    {"inheritable", Word::inheritable},
+    {"itemType", Word::itemType},
+    {"maxOccurs", Word::maxOccurs},
+    {"memberTypes", Word::memberTypes},
+    {"minOccurs", Word::minOccurs},
+    {"mixed", Word::mixed},
+    {"mode", Word::mode},
+    {"name", Word::name},
+    {"namespace", Word::nameSpace},
+    {"nillable", Word::nillable},
+    {"notNamespace", Word::notNamespace},
+    {"notQName", Word::notQName},
+    {"nullable", Word::nullable},
+    {"processContents", Word::processContents},
+    {"public", Word::publicId},
+    {"ref", Word::ref},
+    {"refer", Word::refer},
+    {"schemaLocation", Word::schemaLocation},
+    {"source", Word::source},
+    {"substitutionGroup", Word::substitutionGroup},
+    {"system", Word::systemId},
+    {"targetNamespace", Word::targetNamespace},
+    {"test", Word::test},
+    {"type", Word::type},
+    {"use", Word::use},
+    {"value", Word::value},
+    {"version", Word::version},
+    {"xpath", Word::xpath},
+    {"xpathDefaultNamespace", Word::xpathDefaultNamespace},
+};
+static_assert(std::ranges::is_sorted(kAttributes, {}, &AttributeWord::word));
+
+// A set of tags or of attributes, each a bit.
+template <class Of>
+class Set
+{
+public:
+    constexpr Set(std::initializer_list<Of> members)
+    {
+        for (const Of member : members)
+            bits |= bit(member);
+    }
+    constexpr Set operator|(Set other) const
+    {
+        other.bits |= bits;
+        return other;
+    }
+    std::uint64_t bits = 0;
+
+private:
+    static_assert(static_cast<int>(Of::count) <= 64);
+    static constexpr std::uint64_t bit(Of member) { return std::uint64_t{1} << static_cast<int>(member); }
+};
+using Tags = Set<Tag>;
+using Words = Set<Word>;
+
+struct TagRule
+{
+    Tag tag;
+    Tags children;            // besides annotations
+    Words attributes;         // besides `id`
+    Words ofDrafts = Words{}; // attributes that mean nothing else there
+};
+
+constexpr Tags kParticles{Tag::element, Tag::group, Tag::sequence, Tag::choice, Tag::all, Tag::any};
+constexpr Tags kAttributeUses{Tag::attribute, Tag::attributeGroup, Tag::anyAttribute};
+constexpr Tags kComponents{Tag::element, Tag::attribute, Tag::complexType,   Tag::simpleType,
+                           Tag::group,   Tag::notation,  Tag::attributeGroup};
+constexpr Tags kContent = kParticles | kAttributeUses | Tags{Tag::openContent, Tag::assertion};
+constexpr Tags kFacets{Tag::simpleType, Tag::facet, Tag::enumeration, Tag::assertion};
+constexpr Words kOccurs{Word::minOccurs, Word::maxOccurs};
+constexpr Words kAny{Word::nameSpace, Word::processContents, Word::notNamespace, Word::notQName};
+constexpr Words kNothing{};
+
+// By tag. The order of statements is nobody's concern, and a statement that has an effect at a place where the language
+// doesn't allow it may stand there.
+constexpr TagRule kRules[] = {
+    {Tag::none, {}, {}},
+    {Tag::schema,
+     kComponents | Tags{Tag::include, Tag::import, Tag::redefine, Tag::openContent},
+     {Word::targetNamespace, Word::version, Word::finalDefault, Word::blockDefault, Word::attributeFormDefault,
+      Word::elementFormDefault, Word::defaultAttributes, Word::xpathDefaultNamespace}},
+    {Tag::include, {}, {Word::schemaLocation}},
+    {Tag::import, {}, {Word::schemaLocation, Word::nameSpace}},
+    {Tag::redefine, kComponents, {Word::schemaLocation}},
+    {Tag::element,
+     {Tag::simpleType, Tag::complexType, Tag::constraint, Tag::alternative},
+     kOccurs | Words{Word::abstract, Word::block, Word::defaultValue, Word::final, Word::fixed, Word::form, Word::name,
+                     Word::nillable, Word::ref, Word::substitutionGroup, Word::targetNamespace, Word::type},
+     {Word::nullable, Word::exact}},
+    {Tag::attribute,
+     {Tag::simpleType},
+     {Word::defaultValue, Word::fixed, Word::form, Word::inheritable, Word::name, Word::ref, Word::targetNamespace,
+      Word::type, Word::use},
+     kOccurs | Words{Word::value}},
+    {Tag::complexType,
+     kContent | Tags{Tag::simpleContent, Tag::complexContent},
+     {Word::abstract, Word::block, Word::defaultAttributesApply, Word::final, Word::mixed, Word::name},
+     {Word::exact, Word::content}},
+    {Tag::simpleType, {Tag::restriction, Tag::list, Tag::unionOf, Tag::facet}, {Word::final, Word::name}},
+    {Tag::group, kParticles, kOccurs | Words{Word::name, Word::ref}},
+    {Tag::attributeGroup, kAttributeUses, {Word::name, Word::ref}},
+    {Tag::sequence, kParticles, kOccurs},
+    {Tag::choice, kParticles, kOccurs},
+    {Tag::all, kParticles, kOccurs},
+    {Tag::any, {}, kAny | kOccurs},
+    {Tag::anyAttribute, {}, kAny},
+    {Tag::simpleContent, {Tag::extension, Tag::restriction}, {}},
+    {Tag::complexContent, {Tag::extension, Tag::restriction}, {Word::mixed}},
+    {Tag::extension, kContent, {Word::base}},
+    {Tag::restriction, kContent, {Word::base}},
+    {Tag::unionOf, {Tag::simpleType}, {Word::memberTypes}},
+    {Tag::list, {Tag::simpleType}, {Word::itemType}},
+    {Tag::enumeration, {}, {Word::value, Word::fixed}},
+    {Tag::annotation, {Tag::documentation, Tag::appinfo}, {}},
+    {Tag::documentation, {}, {Word::source}},
+    {Tag::appinfo, {}, {Word::source}},
+    {Tag::facet, {}, {Word::value, Word::fixed}},
+    {Tag::constraint, {Tag::path}, {Word::name, Word::refer, Word::ref}},
+    {Tag::path, {}, {Word::xpath, Word::xpathDefaultNamespace}},
+    {Tag::notation, {}, {Word::name, Word::publicId, Word::systemId}},
+    {Tag::alternative, {Tag::simpleType, Tag::complexType}, {Word::test, Word::type, Word::xpathDefaultNamespace}},
+    {Tag::assertion, {}, {Word::test, Word::xpathDefaultNamespace}},
+    {Tag::openContent, {Tag::any}, {Word::mode, Word::appliesToEmpty}},
+    {Tag::simpleRestriction, kFacets, {}},
+    {Tag::textRestriction, kFacets | kContent, {}},
+    {Tag::reference, {}, {}},
+};
+static_assert(std::size(kRules) == static_cast<std::size_t>(Tag::count));
+static_assert(std::ranges::is_sorted(kRules, {}, &TagRule::tag));
+
+template <class Row, std::size_t N>
+const Row* find(const Row (&rows)[N], std::string_view word)
+{
+    const auto* const found = std::ranges::lower_bound(rows, word, {}, &Row::word);
+    return found != std::end(rows) && found->word == word ? found : nullptr;
+}
+
+} // namespace
+
+SchemaEdition schemaEditionOf(const char* uri)
+{
+    const std::string_view space = uri ? uri : "";
+    if (space == "http://www.w3.org/2001/XMLSchema")
+        return SchemaEdition::current;
+    return space == "http://www.w3.org/2000/10/XMLSchema" || space == "http://www.w3.org/1999/XMLSchema"
+               ? SchemaEdition::draft
+               : SchemaEdition::none;
+}
+
+constinit const std::array<SchemaGrammar::Rule, static_cast<std::size_t>(SchemaTag::count)> SchemaGrammar::rules = [] {
+    std::array<Rule, static_cast<std::size_t>(SchemaTag::count)> all{};
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const Words attributes = kRules[i].attributes | Words{Word::id};
+        all[i] = {(kRules[i].children | Tags{Tag::annotation}).bits, attributes.bits,
+                  (attributes | kRules[i].ofDrafts).bits};
+    }
+    return all;
+}();
+
+std::uint8_t SchemaGrammar::lookUpTag(const char* local)
+{
+    const TagWord* const found = find(kTags, local);
+    return static_cast<std::uint8_t>(found ? found->tag : SchemaTag::none);
+}
+
+std::uint8_t SchemaGrammar::lookUpAttribute(const char* local)
+{
+    const AttributeWord* const found = find(kAttributes, local);
+    return static_cast<std::uint8_t>(found ? found->attribute : SchemaAttribute::unknown);
+}

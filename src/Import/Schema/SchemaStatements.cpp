@@ -1,0 +1,367 @@
+#include "Import/Schema/SchemaStatements.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+using Tag = SchemaTag;
+using Word = SchemaAttribute;
+
+constexpr std::size_t kManyFindings = 10'000; // beyond them the report takes them at once
+constexpr std::size_t kLongestValue = 100;    // of what a message shows
+
+bool isBoolean(std::string_view value)
+{
+    return value == "true" || value == "false" || value == "1" || value == "0";
+}
+
+bool isUse(std::string_view value, SchemaEdition edition)
+{
+    return value == "required" || value == "optional" || value == "prohibited" ||
+           (edition == SchemaEdition::draft && (value == "default" || value == "fixed"));
+}
+
+bool isUsualPrefix(const char* prefix)
+{
+    return prefix && (prefix == std::string_view("xs") || prefix == std::string_view("xsd"));
+}
+
+CString shown(XmlName name)
+{
+    return name.prefix ? CString(name.prefix) + ":" + name.local : CString(name.local);
+}
+
+// The tags of which a statement has at most one, when `holder` has any.
+bool isOnlyChild(Tag holder, Tag tag)
+{
+    switch (holder) {
+    case Tag::element:
+    case Tag::attribute:
+        return tag == Tag::simpleType || tag == Tag::complexType;
+    case Tag::simpleRestriction:
+        return tag == Tag::simpleType;
+    case Tag::simpleType:
+    case Tag::simpleContent:
+    case Tag::complexContent:
+    case Tag::list:
+        return true;
+    case Tag::complexType:
+        return tag == Tag::simpleContent || tag == Tag::complexContent;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+SchemaStatements::Occurrence SchemaStatements::occurrenceOf(std::string_view value)
+{
+    if (value == "1")
+        return Occurrence::once;
+    if (value == "unbounded")
+        return Occurrence::unbounded;
+    if (value.empty() || value.find_first_not_of("0123456789") != value.npos)
+        return Occurrence::senseless;
+    value.remove_prefix(std::min(value.find_first_not_of('0'), value.size()));
+    if (value.empty())
+        return Occurrence::none;
+    return value == "1" ? Occurrence::once : Occurrence::often;
+}
+
+bool SchemaStatements::isTrue(std::string_view value)
+{
+    value = trimmed(value);
+    return value == "true" || value == "1";
+}
+
+void SchemaStatements::scope(const XmlScope& scope)
+{
+    start = scope.place;
+    if (scope.uri != lastUri) // nearly never
+        edition = schemaEditionOf(scope.uri);
+    lastUri = scope.uri;
+}
+
+SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes)
+{
+    const bool isOurs = edition != SchemaEdition::none || (knowsPrefixes && isUsualPrefix(name.prefix));
+    const Tag tag = isOurs ? grammar.tagOf(name.local) : Tag::none;
+    current = name;
+    hasText = false;
+    if (ignored > 0) {
+        ++ignored;
+    } else if (!open.empty()) {
+        const Level& holder = open.back();
+        if (tag == Tag::none) {
+            find(SourceReport::unknownStatement, shown(name));
+            ignored = 1;
+        } else if (!SchemaGrammar::mayHold(holder.holder, tag) || isTooMany(holder, tag)) {
+            find(SourceReport::misplacedStatement, shown(name) + " inside " + shown(holder.name));
+            ignored = 1;
+        }
+    }
+    read(tag, name, attributes);
+    if (ignored > 0)
+        return tag;
+    Level level{name, open.empty() ? Tag::schema : tag, false, false, start};
+    if (!open.empty())
+        enterStatement(tag, level);
+    countStatement(tag);
+    if (tag == Tag::documentation || tag == Tag::appinfo)
+        ignored = 1;
+    else
+        open.push_back(level);
+    return tag;
+}
+
+void SchemaStatements::leave()
+{
+    hasText = false;
+    if (ignored > 0) {
+        --ignored;
+        return;
+    }
+    const Level& level = open.back();
+    if ((level.holder == Tag::simpleRestriction || level.holder == Tag::textRestriction) && !level.hasChild)
+        find(SourceReport::senselessDeclaration, level.start, "restriction without base");
+    open.pop_back();
+}
+
+void SchemaStatements::text(std::string_view text)
+{
+    if (ignored > 0 || hasText || open.empty() || open.back().holder == Tag::annotation ||
+        open.back().holder == Tag::path) // the drafts write a path there
+        return;
+    const std::string_view said = trimmed(text);
+    if (said.empty())
+        return;
+    hasText = true;
+    find(SourceReport::unknownStatement, CString(said.substr(0, kLongestValue)));
+}
+
+/// Looks the attributes up and at what they say.
+void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attributes)
+{
+    known.clear();
+    said = 0;
+    least = most = Occurrence::once;
+    isMisspelt = false;
+    for (std::size_t i = 0; i < attributes.size(); ++i) {
+        const auto [called, value] = attributes[i];
+        if (called.prefix) {
+            checkForeign(called, attributes.uriOf(i), name);
+            continue;
+        }
+        const Word word = grammar.attributeOf(called.local);
+        const bool isItsOwn = SchemaGrammar::mayHave(tag, word, edition);
+        known.push_back({word, value, isItsOwn});
+        if (ignored > 0 || tag == Tag::none)
+            continue;
+        if (!isItsOwn) {
+            find(SourceReport::unknownAttribute, shown(called) + " in " + shown(name));
+            isMisspelt = true;
+        } else if (word == Word::name && !value.empty() && value.front() > ' ') {
+            said |= bitOf(word);
+        } else {
+            checkValue(known.back(), called);
+        }
+    }
+}
+
+/// An attribute that is another language's may stand anywhere; those of this one have no prefix.
+void SchemaStatements::checkForeign(XmlName called, const char* uri, XmlName statement)
+{
+    if (ignored == 0 && schemaEditionOf(uri) != SchemaEdition::none)
+        find(SourceReport::unknownAttribute, shown(called) + " in " + shown(statement));
+}
+
+std::string_view SchemaStatements::valueOf(SchemaAttribute name) const
+{
+    const auto found = std::ranges::find(known, name, &Attribute::name);
+    return found == known.end() ? std::string_view() : found->value;
+}
+
+void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
+{
+    const bool isTight = !attribute.value.empty() && attribute.value.front() > ' ' && attribute.value.back() > ' ';
+    const std::string_view value = isTight ? attribute.value : trimmed(attribute.value);
+    bool makesSense = true;
+    switch (attribute.name) {
+    case Word::minOccurs:
+        least = occurrenceOf(value);
+        makesSense = least != Occurrence::senseless && least != Occurrence::unbounded;
+        break;
+    case Word::maxOccurs:
+        most = occurrenceOf(value);
+        makesSense = most != Occurrence::senseless;
+        break;
+    case Word::use:
+        makesSense = isUse(value, edition);
+        details[SourceReport::optionality] += value == "optional";
+        break;
+    case Word::nillable:
+    case Word::nullable:
+        details[SourceReport::nillable] += isTrue(value);
+        [[fallthrough]];
+    case Word::abstract:
+    case Word::mixed:
+        makesSense = isBoolean(value);
+        break;
+    case Word::form:
+    case Word::elementFormDefault:
+    case Word::attributeFormDefault:
+        makesSense = value == "qualified" || value == "unqualified";
+        break;
+    case Word::base:
+    case Word::itemType:
+    case Word::ref:
+    case Word::type:
+        makesSense = !value.empty();
+        break;
+    case Word::block:
+    case Word::final:
+    case Word::exact:
+    case Word::blockDefault:
+    case Word::finalDefault:
+        details[SourceReport::derivationLimit] += !value.empty();
+        break;
+    case Word::content:
+        makesSense = value == "elementOnly" || value == "empty"; // the others hold text
+        break;
+    case Word::defaultAttributes:
+        find(SourceReport::declarationPassedOver, shown(called) + "=" + CString(value));
+        break;
+    default:
+        break;
+    }
+    if (!makesSense)
+        find(SourceReport::senselessValue, shown(called) + "=\"" + CString(value.substr(0, kLongestValue)) + "\"");
+    if (!value.empty() || attribute.name == Word::value)
+        said |= bitOf(attribute.name);
+}
+
+/// Settles what may stand in the statement that begins.
+void SchemaStatements::enterStatement(SchemaTag tag, Level& level)
+{
+    Level& holder = open.back();
+    holder.hasChild |= tag < Tag::enumeration;
+    if (tag == Tag::element && has(Word::name) && !has(Word::ref)) { // nearly always
+        level.hasChild = has(Word::type);
+        return;
+    }
+    const bool isTop = open.size() == 1 || holder.holder == Tag::redefine;
+    if (const char* missing = missingIn(tag, holder.holder, isTop); missing && !isMisspelt)
+        find(*missing ? SourceReport::senselessDeclaration : SourceReport::nameMissing, shown(current) + missing);
+    if (has(Word::ref) && !isTop && (has(Word::name) || has(Word::type)))
+        find(SourceReport::unknownAttribute, CString(has(Word::name) ? "name" : "type") + " beside ref");
+    if (tag == Tag::restriction && holder.holder == Tag::simpleType)
+        level.holder = Tag::simpleRestriction;
+    else if (tag == Tag::restriction && holder.holder == Tag::simpleContent)
+        level.holder = Tag::textRestriction;
+    else if (has(Word::ref) && !isTop && tag <= Tag::enumeration)
+        level.holder = Tag::reference;
+    level.hasChild =
+        has(Word::type) || has(Word::base) || has(Word::itemType) || (tag == Tag::restriction && isMisspelt);
+    holder.hasContent |= tag == Tag::simpleContent || tag == Tag::complexContent;
+}
+
+/// What a statement must say and doesn't, as a text behind its word; "" for its name, null if there is nothing.
+const char* SchemaStatements::missingIn(SchemaTag tag, SchemaTag holder, bool isTop) const
+{
+    const bool isRestricted = holder == Tag::simpleType || holder == Tag::simpleContent; // maybe by a type inside
+    switch (tag) {
+    case Tag::element:
+    case Tag::attribute:
+        return has(Word::name) || (has(Word::ref) && !isTop) ? nullptr : "";
+    case Tag::complexType:
+    case Tag::simpleType:
+        return has(Word::name) || !isTop ? nullptr : "";
+    case Tag::group:
+    case Tag::attributeGroup:
+        if (isTop)
+            return has(Word::name) ? nullptr : "";
+        return has(Word::ref) ? nullptr : " without ref";
+    case Tag::extension:
+        return has(Word::base) ? nullptr : " without base";
+    case Tag::restriction:
+        return has(Word::base) || isRestricted ? nullptr : " without base";
+    case Tag::include:
+    case Tag::redefine:
+        return has(Word::schemaLocation) ? nullptr : " without schemaLocation";
+    case Tag::enumeration:
+        return has(Word::value) ? nullptr : " without value";
+    default:
+        return nullptr;
+    }
+}
+
+/// Whether a statement stands beside one of which only one can hold.
+bool SchemaStatements::isTooMany(const Level& holder, SchemaTag tag) const
+{
+    const bool isSecond = holder.hasChild && isOnlyChild(holder.holder, tag);
+    return tag != Tag::annotation && (isSecond || (holder.hasContent && tag <= Tag::enumeration));
+}
+
+void SchemaStatements::countStatement(SchemaTag tag)
+{
+    switch (tag) {
+    case Tag::choice:
+        ++details[SourceReport::alternatives];
+        break;
+    case Tag::all:
+        ++details[SourceReport::anyOrder];
+        break;
+    case Tag::facet:
+        ++details[SourceReport::facet];
+        break;
+    case Tag::constraint:
+        ++details[SourceReport::identityConstraint];
+        break;
+    case Tag::notation:
+        ++details[SourceReport::notation];
+        break;
+    case Tag::assertion:
+        ++details[SourceReport::assertion];
+        break;
+    case Tag::alternative:
+        ++details[SourceReport::typeAlternative];
+        break;
+    case Tag::openContent:
+        find(SourceReport::anyElement, shown(current));
+        break;
+    case Tag::element:
+    case Tag::attribute:
+        details[SourceReport::defaultValue] +=
+            has(Word::defaultValue) || has(Word::fixed) || (tag == Tag::attribute && has(Word::value));
+        break;
+    default:
+        break;
+    }
+    if (least == Occurrence::none && most != Occurrence::none)
+        ++details[SourceReport::optionality];
+    else if (least == Occurrence::often || most == Occurrence::often)
+        ++details[SourceReport::occurrenceBounds];
+}
+
+void SchemaStatements::find(SourceReport::Construct construct, XmlPlace at, CString name)
+{
+    if (findings.size() == kManyFindings)
+        flush();
+    findings.push_back({construct, at, std::move(name)});
+}
+
+void SchemaStatements::flush()
+{
+    for (const Finding& finding : findings)
+        report.add(finding.construct, placeOf(finding.place), finding.name);
+    findings.clear();
+}
+
+void SchemaStatements::finish()
+{
+    flush();
+    for (std::size_t detail = 0; detail < details.size(); ++detail)
+        if (details[detail] > 0)
+            report.count(static_cast<SourceReport::Construct>(detail), details[detail]);
+}

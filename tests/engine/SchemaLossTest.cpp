@@ -1,0 +1,186 @@
+#include "Import/Schema/Full/SchemaFullMsg.h"
+#include "Import/Schema/Literal/SchemaMsg.h"
+#include "support/Importing.h"
+
+namespace {
+
+#define ELEMENT(...) "<xs:element " __VA_ARGS__ "/>"
+#define SEQUENCE(fields) "<xs:sequence>" fields "</xs:sequence>"
+#define TYPE(name, content) "<xs:complexType name='" name "'>" content "</xs:complexType>"
+#define SIMPLE(name, base, facets)                                                                                     \
+    "<xs:simpleType" name "><xs:restriction base='" base "'>" facets "</xs:restriction></xs:simpleType>"
+#define CODES "<xs:enumeration value='a'/><xs:enumeration value='b'/>"
+// The main element; its fields stand from the second line on.
+#define MAIN(fields)                                                                                                   \
+    "<xs:element name='M'><xs:complexType>" SEQUENCE("\n" fields ELEMENT("name='z'")) "</xs:complexType></"            \
+                                                                                      "xs:element>\n"
+#define RECORD TYPE("R", SEQUENCE(ELEMENT("name='x'")))
+
+// What the readings lose of a schema, at LINE:COL in the words of the report; the full one the same if `full` is "=".
+struct Loss
+{
+    const char* name;
+    const char* schema;
+    const char* literal;
+    const char* full = "=";
+};
+
+const Loss kLosses[] = {
+    {"ValidStatementsOfBothVersions",
+     MAIN("<xs:annotation><xs:appinfo source='x'><other a='1'/><xs:elem/></xs:appinfo>"
+          "<xs:documentation>text</xs:documentation></xs:annotation>"
+          "<xs:element name='a' id='i' x:nam='1' xmlns:x='urn:x' block='#all' nillable='1' default='1'>"
+          "<xs:alternative test='1' type='xs:string'/><xs:key name='k'><xs:selector xpath='.'/>"
+          "<xs:field xpath='@b'/></xs:key></xs:element><xs:any namespace='##any' notQName='a'/>")
+         TYPE("T", "<xs:openContent mode='suffix'><xs:any/></xs:openContent>" SEQUENCE(
+                       ELEMENT("name='x'")) "<xs:anyAttribute processContents='lax'/><xs:assert test='1'/>")
+             SIMPLE(" name='S' final='list'", "xs:string",
+                    "<xs:pattern value='a' fixed='true'/>"
+                    "<xs:explicitTimezone value='required'/>"
+                    "<xs:assertion test='1'/>") "<xs:notation name='n' public='p' system='s'/>",
+     ""},
+    // Statements that the language doesn't have, or not there.
+    {"UnknownStatement", MAIN("<!--\xc3\xa9--><xs:elem name='\xc3\xa9\xc3\xa9'><xs:nothing/></xs:elem>"),
+     "2:9 statement that is unknown: xs:elem"},
+    {"ForeignStatement", MAIN("<x:element xmlns:x='urn:x' name='a'/>"), "2:1 statement that is unknown: x:element"},
+    {"UnknownAttribute", MAIN("\n  " ELEMENT("nam='a'")), "3:3 attribute that is unknown: nam in xs:element"},
+    {"AttributeOfAnotherStatement", MAIN(ELEMENT("\nname='a' base='xs:int'")),
+     "2:1 attribute that is unknown: base in xs:element"},
+    {"AttributeWithAPrefix", MAIN(ELEMENT("name='a' xs:type='xs:int'")),
+     "2:1 attribute that is unknown: xs:type in xs:element"},
+    {"AttributeOfADraft", MAIN("") TYPE("T", "<xs:attribute name='a' value='1'/>"),
+     "3:26 attribute that is unknown: value in xs:attribute"},
+    {"NameBesideReference", MAIN(ELEMENT("name='a' ref='g'")) ELEMENT("name='g'"),
+     "2:1 attribute that is unknown: name beside ref"},
+    {"MisplacedStatement", MAIN("<xs:simpleType><xs:elem/></xs:simpleType>"),
+     "2:1 statement that has no effect there: xs:simpleType inside xs:sequence"},
+    {"FacetOfElements",
+     MAIN("") TYPE("T", "<xs:complexContent><xs:restriction base='xs:anyType'>\n<xs:length value='1'/>"
+                        "</xs:restriction></xs:complexContent>"),
+     "4:1 statement that has no effect there: xs:length inside xs:restriction"},
+    {"TypeBesideType", MAIN("<xs:element name='a' type='xs:string'>" SIMPLE("", "xs:string", "") "</xs:element>"),
+     "2:39 statement that has no effect there: xs:simpleType inside xs:element"},
+    {"ContentBesideContent", MAIN("") TYPE("T", "<xs:simpleContent/>" SEQUENCE("") "<xs:attribute name='a'/>"),
+     "3:45 statement that has no effect there: xs:sequence inside xs:complexType\n"
+     "3:72 statement that has no effect there: xs:attribute inside xs:complexType"},
+    {"StatementInAReference", MAIN("<xs:element ref='z'>\n<xs:complexType/></xs:element>") ELEMENT("name='z'"),
+     "3:1 statement that has no effect there: xs:complexType inside xs:element"},
+    {"Values", MAIN(ELEMENT("name='a' maxOccurs='many'") ELEMENT("name='b' type=''")),
+     "2:1 value that makes no sense: maxOccurs=\"many\"\n2:40 value that makes no sense: type=\"\""},
+    {"WithoutAName", MAIN("<xs:element/>") "<xs:complexType/>",
+     "2:1 without a name: xs:element\n3:1 without a name: xs:complexType\n3:1 declaration inside itself: ",
+     "2:1 without a name: xs:element\n3:1 without a name: xs:complexType"},
+    {"WithoutWhatItRefersTo",
+     MAIN("") TYPE("T", "<xs:group/><xs:complexContent><xs:extension/></xs:complexContent>") "<xs:include/>"
+                                                                                             "<xs:simpleType "
+                                                                                             "name='S'><xs:restriction/"
+                                                                                             "></xs:simpleType>",
+     "3:26 declaration that makes no sense: xs:group without ref\n"
+     "3:37 statement that has no effect there: xs:complexContent inside xs:complexType\n"
+     "3:108 declaration that makes no sense: xs:include without schemaLocation\n"
+     "3:145 declaration that makes no sense: restriction without base"},
+    // References.
+    {"TypeThatNobodyDeclares", MAIN(ELEMENT("name='a' type='No'") ELEMENT("name='b' type='xs:strin'")),
+     "2:1 reference to nothing that was read: No\n2:33 reference to nothing that was read: xs:strin",
+     "2:1 reference to nothing that was read: No\n2:33 reference to nothing that was read: strin"},
+    {"ElementThatNobodyDeclares", MAIN(ELEMENT("ref='no'")), "2:1 reference to nothing that was read: no"},
+    {"GroupAndBaseThatNobodyDeclares",
+     MAIN("<xs:group ref='no'/>") TYPE("D", "<xs:complexContent><xs:extension base='No'/></xs:complexContent>"),
+     "2:1 group passed over: no\n3:45 extension passed over: No",
+     "2:1 group or base type that was not read: no\n3:45 group or base type that was not read: No"},
+    {"ItemAndHeadThatNobodyDeclares",
+     MAIN("") "<xs:simpleType name='L'><xs:list itemType='No'/></xs:simpleType>" ELEMENT(
+         "name='m' substitutionGroup='no'"),
+     "3:65 substitution group passed over: m",
+     "3:25 reference to nothing that was read: No\n3:65 reference to nothing that was read: no"},
+    {"AbstractMainType",
+     "<xs:element name='M' type='T'/><xs:complexType name='T' abstract='true'>" SEQUENCE(
+         ELEMENT("name='a'")) "</xs:complexType>",
+     "1:56 main type is abstract: M"},
+    {"TwoTypesOfOneName", MAIN(ELEMENT("name='a' type='R'")) RECORD "\n" RECORD,
+     "4:1 name that means something else elsewhere: R", "4:1 declared twice: R"},
+    {"OneNameTwoTypes", MAIN(ELEMENT("name='a' type='xs:date'") ELEMENT("name='a' type='xs:string'")),
+     "2:38 name that means something else elsewhere: a"},
+    {"EntityThatIsNotExpanded",
+     "<!DOCTYPE s [<!ENTITY e SYSTEM 'e.xml'>]><xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>\n\n &e;" MAIN(
+         "") "</xs:schema>",
+     "3:2 entity not expanded: e"},
+    // What only the literal reading loses.
+    {"TypesThatBecomeText",
+     MAIN(ELEMENT("name='a' type='xs:int'") "\n" ELEMENT("name='b' type='t:R' xmlns:t=''") "\n" ELEMENT(
+         "name='c' type='E'") "\n<xs:element name='d'>" SIMPLE("", "xs:decimal",
+                                                               "") "</xs:element>\n" ELEMENT("name='e' type='C'")
+              ELEMENT("name='f' type='S'") ELEMENT("name='g' type='U'")) RECORD TYPE("E", "")
+         SIMPLE(" name='C'", "S", CODES)
+             SIMPLE(" name='S'", "xs:token", "<xs:length value='1'/>") "<xs:simpleType name='U'>"
+                                                                       "<xs:union memberTypes='xs:int S'/>"
+                                                                       "</xs:simpleType>",
+     "2:1 type not known, now text: xs:int\n3:1 type not known, now text: t:R\n"
+     "4:1 reference to nothing that was read: E\n5:1 simple type passed over: d\n6:1 type not known, now text: C",
+     "3:1 reference to nothing that was read: R"},
+    {"TypesOfWhatRepeats",
+     MAIN(ELEMENT("name='a' type='R' maxOccurs='2'") "\n" ELEMENT("name='b' type='xs:date' maxOccurs='2'")
+              ELEMENT("name='c' maxOccurs='2'") ELEMENT("name='R' type='R' maxOccurs='2'")) RECORD,
+     "2:1 type not known, now text: R\n3:1 type not known, now text: xs:date", ""},
+    {"RepetitionOfAGroup", MAIN("<xs:choice maxOccurs='2'>\n" ELEMENT("name='a'") "</xs:choice>"),
+     "3:35 declaration passed over: z\n3:1 repetition passed over: a", ""},
+    {"RepetitionInASecondRecord",
+     MAIN(ELEMENT("name='a' maxOccurs='2'")) TYPE("P", SEQUENCE("\n" ELEMENT("name='a' maxOccurs='2'"))),
+     "4:1 repetition passed over: a", ""},
+    {"AlternativesOfOneName", MAIN("<xs:choice>" ELEMENT("name='a'") "\n" ELEMENT("name='a'") "</xs:choice>"),
+     "3:1 taken for a repetition: a\n3:35 declaration passed over: z", ""},
+    {"NamesThatMeanTwoThings",
+     MAIN(ELEMENT("name='a' type='R'"))
+         RECORD TYPE("P", SEQUENCE("\n" ELEMENT("name='a' type='xs:date'") ELEMENT("name='x' type='xs:token'"))),
+     "4:1 name that means something else elsewhere: a", ""},
+    {"TypesInsideElementsOfOneName",
+     MAIN("<xs:element name='a'><xs:complexType>" SEQUENCE(ELEMENT("name='b'")) "</xs:complexType></xs:element>")
+         TYPE("P", SEQUENCE("<xs:element name='a'>\n<xs:complexType>" SEQUENCE(
+                       ELEMENT("name='c'")) "</xs:complexType></xs:element>")),
+     "4:1 name that means something else elsewhere: a", ""},
+    {"GroupsAndDerivations",
+     MAIN("<xs:group ref='G'/>\n") TYPE("D", "<xs:complexContent>\n<xs:restriction base='R'>" SEQUENCE(
+                                                 ELEMENT("name='x'")) "</xs:restriction></xs:complexContent>") RECORD
+     "<xs:group name='G'>" SEQUENCE("\n" ELEMENT("name='g'")) "</xs:group>",
+     "2:1 group passed over: G\n5:1 restriction passed over: R\n6:1 declaration passed over: g", ""},
+    {"MixedText",
+     "<xs:element name='M'>\n<xs:complexType mixed='1'>" SEQUENCE(ELEMENT("name='a'")) "</xs:complexType></xs:element>",
+     "2:1 text beside fields passed over: M", ""},
+    {"ReferenceThatComesTooEarly", MAIN(ELEMENT("ref='g'")) ELEMENT("name='g' type='xs:date'"),
+     "2:1 type not known, now text: g", ""},
+    {"OtherPrefix", MAIN("<s:element name='b' xmlns:s='http://www.w3.org/2001/XMLSchema'/>"),
+     "2:1 declaration passed over: b", ""},
+    {"MainElementWithoutFields", "<xs:element name='M' type='T'/><xs:complexType name='T'/>" RECORD,
+     "1:56 declaration passed over: M", ""},
+};
+
+template <class Message>
+CString lossesOf(const CString& file)
+{
+    Message message;
+    EXPECT_EQ(message.parseFile(file, "\\"), 1);
+    CString losses;
+    for (const SourceReport::Entry& entry : message.queryReport().queryEntries(SourceReport::loss))
+        losses += (losses.empty() ? "" : "\n") + std::to_string(entry.place.line) + ":" +
+                  std::to_string(entry.place.column) + " " + SourceReport::wordsFor(entry.construct) + ": " +
+                  CString(entry.name);
+    return losses;
+}
+
+TEST(SchemaLoss, IsToldAtItsPlaceInBothReadings)
+{
+    const TempDir folder;
+    Boxes boxes;
+    for (const Loss& row : kLosses) {
+        const CString schema = row.schema;
+        const CString file = folder.write("x.xsd", schema.starts_with("<!DOCTYPE")
+                                                       ? schema
+                                                       : "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>" +
+                                                             schema + "</xs:schema>");
+        EXPECT_EQ(lossesOf<SchemaMessage>(file), row.literal) << row.name;
+        EXPECT_EQ(lossesOf<SchemaFullMessage>(file), CString(row.full) == "=" ? row.literal : row.full) << row.name;
+        boxes.take();
+    }
+}
+
+} // namespace
