@@ -4,5 +4,5 @@
 void fuzz(std::string_view input)
 {
     BrokerMessage importer;
-    importBytes(importer, input);
+    importBytes(importer, input, false);
 }

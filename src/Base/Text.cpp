@@ -202,6 +202,38 @@ bool appendCharacter(CString& out, std::uint32_t code)
     return true;
 }
 
+CString shownText(std::string_view text)
+{
+    static constexpr CodeRange hidden[] = {{0x80, 0x9F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+    CString shown(text);
+    std::replace_if(
+        shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, ' ');
+    if (isPlainXmlText(shown))
+        return shown;
+    const CString whole = toXmlText(shown);
+    shown.clear();
+    for (std::size_t at = 0; at < whole.size();) {
+        const char32_t code = decodeUtf8(whole, at);
+        appendUtf8(shown, isIn(hidden, code) ? U' ' : code);
+    }
+    return shown;
+}
+
+CString toXmlName(std::string_view text)
+{
+    const CString whole = toXmlText(text);
+    CString name;
+    for (std::size_t at = 0; at < whole.size();) {
+        const std::size_t start = at;
+        const char32_t code = decodeUtf8(whole, at);
+        if (isIn(kNameStart, code) || (start > 0 && isIn(kNameRest, code)))
+            name.append(whole, start, at - start);
+        else
+            name += '_';
+    }
+    return name.empty() ? "_" : name;
+}
+
 bool isXmlName(std::string_view text)
 {
     for (std::size_t at = 0; at < text.size();) {

@@ -58,5 +58,13 @@ bool isXmlText(std::string_view bytes);
 /// Appends a character as UTF-8; false, and nothing, for one that XML can't hold.
 bool appendCharacter(CString& out, std::uint32_t code);
 
+/// `text` as a terminal may be shown it, on one line: fit for XML, a blank for each control character, separator of
+/// lines, and mark that turns the direction of writing.
+CString shownText(std::string_view text);
+
 /// True for a text that can be the name of an XML element (the Name production of XML 1.0, fifth edition).
 bool isXmlName(std::string_view text);
+
+/// The name of an XML element that is most like `text`: each character that can't stand at its place in a name is a
+/// "_". "_" for the empty text.
+CString toXmlName(std::string_view text);

@@ -25,7 +25,7 @@ std::string checkAddress(const std::string& address)
 // What a line on standard input answers; anything else, and its end, is a no, as is closing the dialog.
 OverwriteChoice ask(const CString& question)
 {
-    std::cerr << question << " [y]es, yes to [a]ll, [n]o, no to all [x]: " << std::flush;
+    std::cerr << shownText(question) << " [y]es, yes to [a]ll, [n]o, no to all [x]: " << std::flush;
     std::string answer;
     std::getline(std::cin, answer);
     switch (answer.empty() ? 'n' : std::tolower(static_cast<unsigned char>(answer[0]))) {
@@ -98,7 +98,7 @@ int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptio
     Output lines("");
     FileCause cause = FileCause::none;
     const auto addLine = [&](const CString& line, ResultKind) {
-        lines.write(line + "\n");
+        lines.write(shownText(line) + "\n");
         cause = lines.commit();
     };
     const int errors = CreationRun(session, {choice, addLine}).run(message);

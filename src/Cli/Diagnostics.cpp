@@ -27,11 +27,8 @@ CString onOneLine(std::string_view text)
 {
     text = trimmed(text);
     CString line;
-    if (text.find('\n') == text.npos) {
-        line = text;
-        std::replace_if(line.begin(), line.end(), isControl, ' ');
-        return line;
-    }
+    if (text.find('\n') == text.npos)
+        return shownText(text);
     for (const char c : text) {
         if (!isControl(c) && c != ' ')
             line += c;
@@ -44,7 +41,7 @@ CString onOneLine(std::string_view text)
     for (std::size_t count = 0; end < line.size(); ++end)
         if ((static_cast<unsigned char>(line[end]) & 0xC0) != 0x80 && ++count > kMaxText)
             break;
-    return end < line.size() ? line.substr(0, end) + "..." : line;
+    return shownText(end < line.size() ? line.substr(0, end) + "..." : line);
 }
 
 std::uint64_t hashOf(const SourceFault& fault)

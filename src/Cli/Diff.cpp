@@ -115,7 +115,7 @@ private:
             line += " " + nameOf(change);
         else
             line += " " + nameOf(change) + ": " + content;
-        return line + " [" + idOf(change.id) + (isAllowed(change) ? ", allowed" : "") + "]\n";
+        return shownText(line) + " [" + idOf(change.id) + (isAllowed(change) ? ", allowed" : "") + "]\n";
     }
 
     CString jsonOf(const TypeChange& change) const

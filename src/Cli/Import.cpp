@@ -22,11 +22,11 @@ CString basePathOf(const Arguments& arguments, MsgBase& importer)
     return path;
 }
 
-// The type of that short name, else the one of that full name, else null. Names are told as a document writes them,
-// too.
-Element* findType(MsgBase& message, const CString& name)
+// The type of that short name, else the one of that full name, else null. A name may be in the encoding of its source.
+Element* findType(MsgBase& message, const CString& asked)
 {
-    const auto isNamed = [&](const CString& text) { return text == name || toXmlText(text) == name; };
+    const CString name = toXmlText(asked);
+    const auto isNamed = [&](const CString& text) { return text == name; };
     Element* byFullName = nullptr;
     message.beginEnum();
     while (Element* type = message.enumNext()) {
@@ -36,6 +36,15 @@ Element* findType(MsgBase& message, const CString& name)
             byFullName = type;
     }
     return byFullName;
+}
+
+// Not every name of a type can be that of an element.
+void warnOfTag(const MsgBase& message, Diagnostics& diagnostics)
+{
+    const CString mainType = message.queryMainTypeName(), tag = message.queryFrameTag();
+    if (tag != mainType && !mainType.empty())
+        diagnostics.warning("the root element of the document is called " + tag + ", since " + mainType +
+                            " can't be an element's name");
 }
 
 int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagnostics)
@@ -61,6 +70,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     } else {
         if (!arguments.always && !isTimeFixed()) // the time alone is no change
             output.keepUnchanged(static_cast<off_t>(kBeforeTime.size()), static_cast<off_t>(kTimeLength));
+        warnOfTag(message, diagnostics);
         message.writeXML([&output](std::string_view piece) { output.write(piece); });
     }
     return output.finish() ? kDone : kNotWritten;

@@ -56,7 +56,7 @@ CString contentOf(const TypeStructure& structure, std::uint32_t type)
 
 CString nameOf(const Element& type)
 {
-    return type.queryPath() + type.queryName();
+    return shownText(type.queryPath() + type.queryName());
 }
 
 std::size_t countCharacters(std::string_view text)
@@ -105,7 +105,7 @@ void writeList(MsgBase& message, bool isAligned, Output& output)
         const CString name = nameOf(*type);
         const std::size_t width = isAligned ? countCharacters(name) : 0;
         output.write(name + (isAligned ? CString(width < column ? column - width + 2 : 2, ' ') : CString("\t")) +
-                     type->queryDescription() + "\n");
+                     shownText(type->queryDescription()) + "\n");
     }
 }
 

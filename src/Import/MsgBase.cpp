@@ -22,7 +22,7 @@ int MsgBase::parseFile(const CString& fileName, const CString& basePath)
             return fail(cantOpen(fileName, cause), {fileName, inWords(fileName, cause)});
     }
     return orEmpty([&] {
-        const int result = parse(isFileMode() ? fileName : source, basePath, fileName);
+        const int result = parse(isFileMode() ? fileName : source, toXmlText(basePath), fileName);
         source = {}; // the ordering needs room of its own
         onAfterParse();
         return result;
@@ -33,7 +33,7 @@ int MsgBase::parseData(const CString& data, const CString& basePath)
 {
     clear();
     return orEmpty([&] {
-        const int result = parse(data, basePath, {});
+        const int result = parse(data, toXmlText(basePath), {});
         onAfterParse();
         return result;
     });
@@ -79,7 +79,8 @@ Element* MsgBase::addElement(const CString& usageKey, const CString& path, const
 Element* MsgBase::addAttribute(const CString& usageKey, const CString& path, const CString& name,
                                const CString& description, Element::ElementTypes type, Element* parent)
 {
-    Element* element = addElement(usageKey, path, parent->queryName() + "_" + name, description, type, parent);
+    const CString fullName = parent->queryName() + "_" + toXmlText(name); // each name is made fit by itself
+    Element* element = addElement(usageKey, path, fullName, description, type, parent);
     element->asAttribute();
     return element;
 }

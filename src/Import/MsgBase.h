@@ -24,7 +24,7 @@ public:
     /// failure has been shown by the importer itself.
     virtual int parse(const CString& source, const CString& basePath, const CString& fileName) = 0;
     virtual int isFileMode() const { return 0; }
-    virtual CString queryMainTypeName() const = 0; ///< the root element of the document that getXML() writes
+    virtual CString queryMainTypeName() const = 0;
     virtual MsgUIDescriptor* queryDescriptor() const = 0;
 
     /// Clears the model and imports a file. 0 when it can't be opened (message 2210), else what parse() answered. The
@@ -43,6 +43,10 @@ public:
 
     /// Clears the model and imports `data`; answers what parse() answered. The same holds.
     int parseData(const CString& data, const CString& basePath);
+
+    /// The name of the message document's root element: the main type's, each character that can't stand at its place
+    /// in a tag replaced by "_", and no longer than a reader takes it (kMaxXmlName).
+    CString queryFrameTag() const;
 
     /// Replaces `out` with the message document: header, main element, the documents of all types.
     void getXML(CString& out);

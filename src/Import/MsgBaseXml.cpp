@@ -1,20 +1,30 @@
 // The message document: what MsgBase writes of a whole import.
 #include "Base/Progress.h"
+#include "Base/Utf8.h"
 #include "Import/GenerationTime.h"
 #include "Import/MsgBase.h"
+#include "Xml/XmlParser.h"
+
+CString MsgBase::queryFrameTag() const
+{
+    const CString name = toXmlName(queryMainTypeName());
+    std::string_view tag = std::string_view(name).substr(0, kMaxXmlName);
+    dropCutCharacter(tag);
+    return CString(tag);
+}
 
 void MsgBase::writeXML(const std::function<void(std::string_view)>& write)
 {
     constexpr unsigned typesATick = 16;
     ProgressMeter progress(Work::writing, static_cast<std::uint64_t>(beginEnum()), typesATick);
     std::uint64_t written = 0;
-    const CString mainType = queryMainTypeName();
-    write(CString(kBeforeTime) + generationTime() + " -->\r\n<" + mainType + ">\r\n");
+    const CString tag = queryFrameTag();
+    write(CString(kBeforeTime) + generationTime() + " -->\r\n<" + tag + ">\r\n");
     while (Element* element = enumNext()) {
         write(element->asXML());
         progress.step(++written);
     }
-    write("</" + mainType + ">");
+    write("</" + tag + ">");
 }
 
 void MsgBase::getXML(CString& out)

@@ -17,6 +17,8 @@ Name& NamePool::intern(std::string_view text)
     const std::uint32_t hash = keyHash(text);
     if (Name* const known = names.find(text, hash))
         return *known;
+    if (!isXmlText(text)) // so no name is equal to it as it is
+        return intern(toXmlText(text));
     Name* const name = std::pmr::polymorphic_allocator<>(&memory).new_object<Name>(text, *this);
     names.store(name, hash);
     return *name;

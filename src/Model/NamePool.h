@@ -35,10 +35,11 @@ public:
     NamePool(const NamePool&) = delete;
     NamePool& operator=(const NamePool&) = delete;
 
-    /// The name of that text, which is made if there is none.
+    /// The name of that text, which is made if there is none. The text is made fit for XML here (toXmlText), as a whole
+    /// and by itself, so that equal names stay equal in all documents.
     Name& intern(std::string_view text);
 
-    /// The name of that text, or null.
+    /// The name of that text, which must be fit for XML, or null.
     Name* find(std::string_view text) const { return names.find(text); }
 
     /// Frees all names, and all that lies in the memory.

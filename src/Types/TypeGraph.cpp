@@ -20,7 +20,7 @@ CString labelText(std::string_view text)
         else
             label += c;
     }
-    return label;
+    return shownText(label);
 }
 
 CString labelOf(const TypeGraph::Box& box)

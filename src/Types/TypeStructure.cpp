@@ -25,7 +25,7 @@ TypeStructure::TypeStructure(MsgBase& message)
     const auto count = static_cast<std::size_t>(message.beginEnum());
     index.reserve(count);
     while (const Element* element = message.enumNext()) {
-        types.push_back({element, size(), toXmlText(element->queryPath() + element->queryName())});
+        types.push_back({element, size(), element->queryPath() + element->queryName()});
         index.store(&types.back());
     }
     numberElements();
@@ -54,7 +54,7 @@ std::size_t TypeStructure::slotOf(const Element* element) const
 
 std::uint32_t TypeStructure::find(std::string_view fullName) const
 {
-    const Type* type = isXmlText(fullName) ? index.find(fullName) : index.find(toXmlText(fullName));
+    const Type* type = index.find(fullName);
     return type ? type->number : kNone;
 }
 
@@ -68,19 +68,18 @@ std::vector<TypePart> TypeStructure::parts(std::uint32_t type) const
 {
     const Element& element = (*this)[type];
     if (holdsComponent(element))
-        return {{TypePart::component, {}, {}, toXmlText(element.queryComponentType())}};
+        return {{TypePart::component, {}, {}, element.queryComponentType()}};
     std::vector<TypePart> parts;
     parts.reserve(element.queryChildren().size());
     const bool isRecord = element.queryType() == Element::typeRow;
     CString description, typeName;
     for (const Element* child : element.queryChildren()) {
         if (!isRecord)
-            parts.push_back(
-                {TypePart::constant, toXmlText(child->queryName()), toXmlText(child->queryDescription()), {}});
+            parts.push_back({TypePart::constant, child->queryName(), child->queryDescription(), {}});
         else if (child->isField())
-            parts.push_back({TypePart::field, toXmlText(child->queryFieldName()),
-                             toXmlText(child->queryFieldDescription(description)),
-                             toXmlText(child->queryFieldType(element, typeName))});
+            parts.push_back({TypePart::field, child->queryFieldName(),
+                             CString(child->queryFieldDescription(description)),
+                             CString(child->queryFieldType(element, typeName))});
     }
     return parts;
 }
@@ -166,7 +165,7 @@ std::span<const std::uint32_t> TypeStructure::users(std::uint32_t type) const
 TypeContent TypeStructure::contentOf(std::string_view typeName) const
 {
     constexpr std::size_t kDeepest = 16; // levels of tables in tables; more are of no use to anybody who looks
-    TypeContent content{toXmlText(typeName), find(typeName), {}};
+    TypeContent content{CString(typeName), find(typeName), {}};
     std::vector<std::uint32_t> passed;
     while (content.type != kNone && passed.size() < kDeepest) {
         const Element& element = (*this)[content.type];
@@ -174,7 +173,7 @@ TypeContent TypeStructure::contentOf(std::string_view typeName) const
             break;
         passed.push_back(content.type);
         content.repeats += element.queryType() == Element::typeTable ? "*" : "[" + element.querySize() + "]";
-        content.typeName = toXmlText(element.queryComponentType());
+        content.typeName = element.queryComponentType();
         content.type = find(content.typeName);
     }
     return content;

@@ -307,6 +307,17 @@ not compatible: it breaks readers
          ">/dev/null",
          {0, "1\n", ""}},
         {"$import none --diff r.xml", {2, "", "none: error: No such file or directory\n"}},
+        // A name moves no cursor and begins no line.
+        {"printf '<!ELEMENT a\\033[1m\\177\\302\\233\\nb(c)><!ELEMENT c EMPTY>' >e.dtd; $import e.dtd -q -l; "
+         "$import e.dtd -q --diff r.xml --ignore-folders | head -1; $import e.dtd -q --graph | grep title; "
+         "$import e.dtd -o e.xml",
+         {0,
+          "\\sys\\rosettanet\\a\uFFFD[1m   b\\a\uFFFD[1m   b\ta\uFFFD[1m   b (Automatically created)\n"
+          "added record \\sys\\rosettanet\\a\uFFFD[1m   b\\a\uFFFD[1m   b [type-added]\n"
+          "    t0 [label=\"<title> a\uFFFD[1m   b|<r0> c : String\\l\"]\n",
+          "e.dtd: warning: 1 loss: 1 impossible name; --report FILE lists it\n"
+          "e.dtd: warning: the root element of the document is called a\uFFFD_1m___b, since a\uFFFD[1m   b can't be an "
+          "element's name\n"}},
 
         // For other programs.
         {"printf '<!ELEMENT r (s*)><!ATTLIST r k (y|n) #IMPLIED><!ELEMENT s (t)>' >g.dtd; $import g.dtd -q --full "

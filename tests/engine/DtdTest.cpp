@@ -1,4 +1,5 @@
 #include "Import/Dtd/DTDMsg.h"
+#include "support/Documents.h"
 #include "support/Importing.h"
 
 #include <algorithm>
@@ -51,6 +52,11 @@ const Case kDtds[] = {
     {"AttributeBeforeItsElement", "<!ATTLIST x id CDATA #IMPLIED><!ELEMENT x (a)>", "x:R(x_id:S a:S)"},
     {"AttlistNamesTheOtherKeyword", "<!ATTLIST element id CDATA #IMPLIED>", "element:R(element_id:S)"},
     {"SecondAttributeReadsAsThePair", "<!ATTLIST x a CDATA #IMPLIED b CDATA #IMPLIED>", "b:R(b_CDATA:S) x:R(x_a:S)"},
+    {"NamesInEucJp", "<!ELEMENT \xB6\xC8\xCC\xB3 (\xCC\xBE)><!ELEMENT \xCC\xBE (\xC0\xAB)>",
+     "\xCC\xBE:R(\u00C0\u00AB:S) \u00B6\u00C8\u00CC\u00B3:R(\xCC\xBE:R)"}, // one of them is UTF-8, too
+    {"EachNameIsOfAnEncodingOfItsOwn",
+     "<!ELEMENT \xE4 (\u00E4*, \x8D)><!ELEMENT \u00E4 (\xC3)><!ATTLIST \u00E4 \xE4 CDATA #IMPLIED>",
+     "\u00E4:R(t_\u00E4:t \xC2\x8D:S \u00C3:S \u00E4_\u00E4:S) t_\u00E4:t(\u00E4:R)"},
     // A usage key is the record's name, a dot and the field's: names with dots can meet.
     {"DotsInNames", "<!ELEMENT a (b.c)><!ELEMENT a.b (c)>",
      "a.b:R(c:S) t_b.c:t=String(b.c:S=String) a:R(t_b.c:t=String)"},
@@ -90,12 +96,30 @@ TEST_F(Dtd, MainTypeStaysAndFolderFollowsIt)
     EXPECT_EQ(typesOf(message), "second:R(b:S b.c:S)");
 }
 
+// The base path, the main type and the names inside it need not be of one encoding.
+TEST_F(Dtd, NamesOfTheFolderAreReadOneByOne)
+{
+    CString document;
+    for (const char* path : {"\\Auftr\xE4ge\\", "\\Auftr\u00E4ge\\"}) {
+        DTDMessage fresh;
+        fresh.parseData("<!ELEMENT gr\xF6\xDF"
+                        "e* (\u00E4)><!ELEMENT \u00E4 (gr\xF6\xDF"
+                        "e*)>",
+                        path);
+        EXPECT_EQ(documentFault(fresh), "");
+        fresh.getXML(document);
+        EXPECT_THAT(document, testing::HasSubstr("<gr\u00F6\u00DFe_>\r\n"));
+        EXPECT_THAT(document, testing::HasSubstr("\"\\Auftr\u00E4ge\\gr\u00F6\u00DFe*\\\u00E4\""));
+    }
+}
+
 TEST_F(Dtd, MainTypeFitsAFolder)
 {
     const CString name(4096, 'n');
     EXPECT_EQ(message.parseData("<!ELEMENT " + name + "n(a)>", "\\"), 0);
     EXPECT_THAT(boxes.take(), testing::ElementsAre("Can not parse DTD statement:\n " + name.substr(0, 199)));
-    EXPECT_EQ(message.parseData("<!ELEMENT " + name + "(a)>", "\\") + message.beginEnum(), 2);
+    EXPECT_EQ(message.parseData("<!ELEMENT " + CString(4096, '\x8D') + "(a)>", "\\") + message.beginEnum(), 2);
+    EXPECT_EQ(documentFault(message), "");
 }
 
 TEST_F(Dtd, FileThatCannotBeOpened)

@@ -331,6 +331,18 @@ TEST(Documents, TextsMadeFitForXml)
         EXPECT_FALSE(isPlainXmlText(text)) << text;
     for (const char* text : {"", "a", "12345678", "123456789", "\\sys\\a_b.c-d (e)'~ "})
         EXPECT_TRUE(isPlainXmlText(text)) << text;
+    for (const auto& [text, name] : {std::pair("", "_"),
+                                     {"a b", "a_b"},
+                                     {"1a", "_a"},
+                                     {"-", "_"},
+                                     {"\xE4\u00D7", "\u00E4\u00C3_"},
+                                     {":a.1\u00B7", ":a.1\u00B7"},
+                                     {"\u00B7", "_"}})
+        EXPECT_EQ(toXmlName(text), name);
+    for (const auto& [text, shown] : {std::pair("a\x1B[1m\nb\x7F", "a [1m b "),
+                                      {"\u00E4\xC2\x9Bm\u2028\u202Ex", "\u00E4 m  x"},
+                                      {"\x9B\xE4", "\u203A\u00E4"}})
+        EXPECT_EQ(shownText(text), shown);
 }
 
 } // namespace

@@ -190,7 +190,7 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
     if (mainType.empty() && name.size() > kMaxMainType)
         return refuse(text->whole.substr(start, end - start));
     if (mainType.empty())
-        mainType = name;
+        mainType = toXmlText(name);
     DTDElement& element = addDTDElement(name, nullptr);
     const std::size_t group = text->groups.firstFrom(nameEnd);
     if (group == text->groups.size() || text->groups.openOf(group) >= end ||
@@ -269,7 +269,7 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
         if (mark.empty() || piece.ends_with('*') || piece.ends_with('+'))
             addDTDElement(piece, parent);
         else
-            addJoined({piece, mark}, parent);
+            addJoined(joined.assign(piece).append(mark), parent);
     }
 }
 
@@ -300,7 +300,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
         }
         if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)
             continue;
-        DTDElement& field = addJoined({element, "_", attribute}, nullptr);
+        DTDElement& field = addAttribute(element, attribute);
         addDTDElement(element, nullptr).addChild(&field);
         drop(kCdata.size());
         drop(kImplied.size());
@@ -322,12 +322,20 @@ DTDElement& DTDMessage::addDTDElement(std::string_view child, DTDElement* parent
 }
 
 // The same for a name that does not stand in the text as it is.
-DTDElement& DTDMessage::addJoined(std::initializer_list<std::string_view> pieces, DTDElement* parent)
+DTDElement& DTDMessage::addJoined(const CString& name, DTDElement* parent)
 {
-    joined.clear();
-    for (const std::string_view piece : pieces)
-        joined.append(piece);
-    return addDTDElement(dtdElements.find(joined) ? std::string_view(joined) : memory.keep(joined), parent);
+    return addDTDElement(dtdElements.find(name) ? std::string_view(name) : memory.keep(name), parent);
+}
+
+// The entry of an attribute. Its two names need not be of one encoding, so each is made fit by itself.
+DTDElement& DTDMessage::addAttribute(std::string_view element, std::string_view attribute)
+{
+    joined.assign(element).append("_").append(attribute);
+    if (DTDElement* known = dtdElements.find(joined))
+        return *known;
+    if (!isXmlText(joined))
+        joined = toXmlText(element) + "_" + toXmlText(attribute);
+    return addDTDElement(memory.keep(joined), nullptr);
 }
 
 void DTDMessage::declareAll(const CString& path)
@@ -340,10 +348,9 @@ void DTDMessage::declareAll(const CString& path)
 
 void DTDMessage::declareRecord(DTDElement& record, const CString& path)
 {
-    noteName(record);
-    const CString name(record.queryName());
-    RunningHash key(name);
-    Element* row = model.addElement(key, path, name, Element::typeRow, nullptr);
+    RunningHash key(record.queryName());
+    Element* row = model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
+    noteName(record, *row);
     key.append(".");
     while (DTDElement* child = record.enumNext())
         declareField(*child, path, key, row);
@@ -355,30 +362,29 @@ void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHas
 {
     std::string_view name = child.queryName();
     const Modifiers mark = getModifiers(name); // takes the mark off the name
-    noteName(child);
     const Fingerprint key = usageKey.append(name);
     if (child.element)
         model.addUsage(key, child.element, record);
     else
         child.element = model.addElement(key, path, name, Element::typeString, record);
+    noteName(child, *child.element);
     if (mark == modStar || mark == modPlus)
         model.addUsage(key, child.element, record);
 }
 
 // Reports a name that no element or attribute of a document can have; once, by its first place.
-void DTDMessage::noteName(DTDElement& entry)
+void DTDMessage::noteName(DTDElement& entry, const Element& element)
 {
     if (!isReportWanted || std::exchange(entry.isNoted, true))
         return;
-    std::string_view name = entry.queryName();
-    getModifiers(name);
-    if (isXmlName(name))
+    const std::string_view name = entry.queryName();
+    if (isXmlName(element.queryName()))
         return;
     const std::string_view whole = text->whole;
     const bool isOfText =
         std::greater_equal<>()(name.data(), whole.data()) && std::less<>()(name.data(), whole.data() + whole.size());
     const long line = isOfText ? text->lines->lineOf(static_cast<std::size_t>(name.data() - whole.data())) : 0;
-    report.add(SourceReport::impossibleName, {0, static_cast<std::uint32_t>(line)}, name);
+    report.add(SourceReport::impossibleName, {0, static_cast<std::uint32_t>(line)}, element.queryName());
 }
 
 // Takes all marks off the end of a name; one that repeats counts more than a '?'.

@@ -106,13 +106,14 @@ private:
     void formatField(std::string_view content, std::string_view mark, DTDElement* parent);
     void doParseAttlist(std::size_t start, std::size_t end);
     DTDElement& addDTDElement(std::string_view child, DTDElement* parent);
-    DTDElement& addJoined(std::initializer_list<std::string_view> pieces, DTDElement* parent);
+    DTDElement& addJoined(const CString& name, DTDElement* parent);
+    DTDElement& addAttribute(std::string_view element, std::string_view attribute);
     void declareAll(const CString& path);
     void declareRecord(DTDElement& record, const CString& path);
     void declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record);
     int refuse(std::string_view statement);
     SourceFault faultAt(std::size_t at, std::string_view words);
-    void noteName(DTDElement& entry);
+    void noteName(DTDElement& entry, const Element& element);
     static Modifiers getModifiers(std::string_view& name);
 
     CString sourceName;

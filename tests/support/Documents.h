@@ -1,0 +1,39 @@
+#pragma once
+
+#include "Import/MsgBase.h"
+#include "Xml/XmlParser.h"
+
+#include <set>
+
+/// What is wrong with the message document of an import: it isn't well-formed, or a TYPE in it is neither a kind nor a
+/// type's NAME. Empty if nothing is. An importer that takes over the types that its source names need not have them
+/// all.
+inline CString documentFault(MsgBase& importer, bool hasAllTypes = true)
+{
+    struct Names : XmlHandler
+    {
+        void startElement(XmlName name, XmlAttributes attributes) override
+        {
+            const bool isType = std::string_view(name.local) == "BROKERTYPEDESCRIPTION";
+            for (std::size_t i = 0; i < attributes.size(); ++i) {
+                const auto [attribute, value] = attributes[i];
+                if (isType && std::string_view(attribute.local) == "NAME")
+                    types.emplace(value);
+                else if (std::string_view(attribute.local) == "TYPE")
+                    references.emplace(value);
+            }
+        }
+        void endElement() override {}
+        bool wantsText() const override { return false; }
+
+        std::set<CString> types{"String", "Number", "Time"}, references;
+    } names;
+    CString document;
+    importer.getXML(document);
+    if (const auto error = parseXmlText(document, names))
+        return formatText("%d:%d %s in ", error->line, error->linepos, error->reason.c_str()) + document;
+    for (const CString& reference : names.references)
+        if (hasAllTypes && !names.types.contains(reference))
+            return "no type is called " + reference + " in " + document;
+    return {};
+}
