@@ -39,13 +39,28 @@ constexpr CodeRange kNameStart[] = {{':', ':'},       {'A', 'Z'},       {'_', '_
 constexpr CodeRange kNameRest[] = {{'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
 
 template <std::size_t N>
-bool isIn(const CodeRange (&ranges)[N], char32_t code)
+constexpr bool isIn(const CodeRange (&ranges)[N], char32_t code)
 {
     for (const CodeRange& range : ranges)
         if (code >= range.first && code <= range.last)
             return true;
     return false;
 }
+
+enum InNames : std::uint8_t
+{
+    notInNames,
+    notFirstInNames,
+    anywhereInNames
+};
+
+// What each character of ASCII is in a name.
+constexpr std::array<InNames, 128> kAsciiInNames = [] {
+    std::array<InNames, 128> table{};
+    for (char32_t c = 0; c < table.size(); ++c)
+        table[c] = isIn(kNameStart, c) ? anywhereInNames : isIn(kNameRest, c) ? notFirstInNames : notInNames;
+    return table;
+}();
 
 using Eight = std::uint64_t; // eight characters at a time
 
@@ -237,11 +252,13 @@ CString toXmlName(std::string_view text)
 bool isXmlName(std::string_view text)
 {
     for (std::size_t at = 0; at < text.size();) {
-        if ((static_cast<unsigned char>(text[at]) | 0x20U) - 'a' < 26) { // a letter, as nearly all are
+        const bool isFirst = at == 0;
+        if (const auto c = static_cast<unsigned char>(text[at]); c < 0x80) { // as nearly all are
+            if (kAsciiInNames[c] == notInNames || (isFirst && kAsciiInNames[c] == notFirstInNames))
+                return false;
             ++at;
             continue;
         }
-        const bool isFirst = at == 0;
         const char32_t code = decodeUtf8(text, at);
         if (code == kNoUtf8 || (!isIn(kNameStart, code) && (isFirst || !isIn(kNameRest, code))))
             return false;
