@@ -6,11 +6,11 @@ namespace {
 
 #define LATIN1 "<?xml version='1.0' encoding='ISO-8859-1'?>"
 
-CString utf16(const CString& latin1)
+CString utf16(const CString& latin1, bool isBigEndian = false)
 {
-    CString text = "\xFF\xFE";
+    CString text = isBigEndian ? "\xFE\xFF" : "\xFF\xFE";
     for (const char c : latin1)
-        (text += c) += '\0';
+        text += isBigEndian ? CString{'\0', c} : CString{c, '\0'};
     return text;
 }
 
@@ -108,6 +108,12 @@ const Rule kRules[] = {
      "b(c:String) r(a:String b:b)",
      "3 losses\nx:3: entity declared nowhere: u\nx:3: section with an unknown key: %u;\nx:3: section with an unknown "
      "key: MAYBE\n\n2 section with an unknown key\n1 entity declared nowhere\n"},
+    {"AnIgnoredSectionEndsWithItsOwnEnd",
+     "<![IGNORE[<![INCLUDE[<!ELEMENT r (no)>]]><!ELEMENT r (no)>]]><!ELEMENT r (a)><!ELEMENT a EMPTY>", "r(a:String)"},
+    {"LinesInsideAndBehindAnEntity",
+     "<!ENTITY % e '<!ELEMENT a EMPTY>\n\n<!ELMENT r (b)>\n'>%e;\n<!ELEMNT r (c)>\n<!ELEMENT r (a)>", "r(a:String)",
+     "2 losses\nx:3: declaration that makes no sense: ELMENT\nx:5: declaration that makes no sense: ELEMNT\n\n2 "
+     "declaration that makes no sense\n"},
     {"SgmlsWays",
      "<!ENTITY % t '#PCDATA'>\n<!element (H1|H2) - - (%t|B)* -- it's a heading --><!ELEMENT B - O EMPTY>\n"
      "<!ELEMENT r O O (H1 & H2?) -(B) +(I)><!ELEMENT I - - CDATA +(B)>"
@@ -137,10 +143,11 @@ const Rule kRules[] = {
     // Each file by its own encoding: a byte order mark, what is declared, UTF-8, else Windows-1252.
     {"FileByFileAnEncoding",
      LATIN1 "<!ENTITY % m SYSTEM 'm'>%m;<!ENTITY % n SYSTEM 'n'>%n;<!ENTITY % o SYSTEM 'o'>%o;"
-            "<!ELEMENT \xE4 (a, b, c)>",
-     "c(\u017E:String) b(\u00FC:String) a(\u00F6:String) \u00E4(a:a b:b c:c)",
+            "<!ENTITY % q SYSTEM 'q'>%q;<!ELEMENT \xE4 (a, b, c, d)>",
+     "d(\u00F6:String) c(\u017E:String) b(\u00FC:String) a(\u00F6:String) \u00E4(a:a b:b c:c d:d)",
      "",
      {{"m", utf16("<!ELEMENT a (\xF6)><!ELEMENT \xF6 EMPTY>")},
+      {"q", utf16("<!ELEMENT d (\xF6)>", true)},
       {"n", "\xEF\xBB\xBF<!ELEMENT b (\u00FC)><!ELEMENT \u00FC EMPTY>"},
       {"o", "<?xml encoding='no'?><!ELEMENT c (\x9E)><!ELEMENT \x9E EMPTY>"}}},
 };
@@ -241,6 +248,17 @@ TEST_F(DtdMain, RefusesWhatPassesABound)
                                     : std::vector<CString>{file + ": more than " + refusal + ", which is the bound."});
     }
     EXPECT_EQ(message.beginEnum(), 10'000);
+}
+
+TEST_F(DtdMain, AnImportLeavesNothingToTheNext)
+{
+    message.setRoot("a");
+    EXPECT_EQ(import("<!ELEMENT a (b)><!ELEMENT b (#PCDATA)>"), 1);
+    message.setRoot("");
+    EXPECT_EQ(import("<!ATTLIST c d CDATA #IMPLIED>"), 1);
+    EXPECT_EQ(message.queryMainTypes(), std::vector<CString>());
+    EXPECT_EQ(message.queryMainTypeName(), "x");
+    EXPECT_EQ(fullTypesOf(message), "c(c_d:String)");
 }
 
 TEST_F(DtdMain, NothingToImportIsAnError)
