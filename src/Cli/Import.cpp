@@ -129,12 +129,12 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
     others.push_back(arguments.diff.document == "-" ? "" : arguments.diff.document);
     others.push_back(arguments.logon.passwordFile);
     if (arguments.output.empty() || arguments.output == "-")
-        others.push_back("/dev/stdout"); // which may lead to a file
+        others.push_back(kStandardOutput); // which may lead to a file
     for (const CString& written : {arguments.output, arguments.report.file, arguments.dependencies.file}) {
-        if (written.empty() || written == "-" || written == "/dev/stdout")
+        if (written.empty() || written == "-")
             continue;
         for (const CString& other : others)
-            if (!other.empty() && isSameFile(written, other))
+            if (!other.empty() && (written != kStandardOutput || other != written) && isSameFile(written, other))
                 return written;
         others.push_back(written);
     }

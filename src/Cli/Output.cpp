@@ -9,7 +9,7 @@
 
 Output::Output(const CString& fileName) : fileName(fileName)
 {
-    if (!fileName.empty() && fileName != "-" && fileName != "/dev/stdout")
+    if (!fileName.empty() && fileName != "-" && fileName != kStandardOutput)
         file = std::make_unique<AtomicFile>(fileName, AtomicFile::Special::written);
 }
 

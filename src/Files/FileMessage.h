@@ -10,8 +10,9 @@ CString cantOpen(const CString& fileName, FileCause cause);
 CString inWords(const CString& fileName, FileCause cause);
 CString inWords(int error); ///< of an errno value
 
-/// The file that stands for standard input, and how it is shown.
+/// The files that stand for standard input and output, and how the first is shown.
 inline constexpr char kStandardInput[] = "/proc/self/fd/0";
+inline constexpr char kStandardOutput[] = "/dev/stdout";
 CString shownFile(const CString& fileName);
 
 /// A place as diagnostics write it: "FILE:LINE:COL", as far as it is known; "" if nothing is.
