@@ -130,6 +130,8 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
     others.push_back(arguments.logon.passwordFile);
     if (arguments.output.empty() || arguments.output == "-")
         others.push_back(kStandardOutput); // which may lead to a file
+    if (arguments.report.file == "-")
+        others.push_back("/dev/stderr");
     for (const CString& written : {arguments.output, arguments.report.file, arguments.dependencies.file}) {
         if (written.empty() || written == "-")
             continue;

@@ -418,6 +418,13 @@ not compatible: it breaks readers
          {2, "", mistake("d/y/../x: it would be read and written, or written twice")}},
         {"ln -s y/../x d/l; $import r.dtd --report d/l -o $PWD/d/x",
          {2, "", mistake("d/l: it would be read and written, or written twice")}},
+        {"for report in /dev/stdout /dev/fd/1 -; do $import r.dtd -o d/x --report $report >d/x 2>d/x; cat "
+         "d/x; done",
+         {0,
+          mistake("/dev/stdout: it would be read and written, or written twice") +
+              mistake("/dev/fd/1: it would be read and written, or written twice") +
+              mistake("d/x: it would be read and written, or written twice"),
+          ""}},
         {"$import r.dtd --report d/x >d/x; $import r.dtd -o d/x -l; $import r.dtd --report d/x/../x",
          {3, "",
           mistake("d/x: it would be read and written, or written twice") +
