@@ -149,6 +149,11 @@ void fillText(CString& out, std::string_view format, std::string_view value)
     out.append(format.substr(place + 2));
 }
 
+CString countInWords(std::size_t count, std::string_view singular, std::string_view plural)
+{
+    return std::to_string(count).append(" ").append(count == 1 ? singular : plural);
+}
+
 CString fillText(std::string_view format, std::string_view value)
 {
     CString out;

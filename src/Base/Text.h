@@ -38,6 +38,9 @@ bool isSameAscii(std::string_view a, std::string_view b);
 /// printf into a text of any length.
 [[gnu::format(printf, 1, 2)]] CString formatText(const char* format, ...);
 
+/// "1 loss", "2 losses".
+CString countInWords(std::size_t count, std::string_view singular, std::string_view plural);
+
 /// `format` with its first "%s" replaced by `value`; a format without one comes back unchanged.
 CString fillText(std::string_view format, std::string_view value);
 

@@ -66,5 +66,5 @@ void nameLosses(const SourceReport& report, const ReportOptions& options, Diagno
     if (losses > 0 && !options.isStrict)
         diagnostics.warning(report.lossesInWords() + (other.empty() ? whereListed(options, losses) : ""), other);
     if (const std::size_t unlisted = report.queryUnlisted(SourceReport::loss); unlisted > 0 && options.isStrict)
-        diagnostics.error("... and " + std::to_string(unlisted) + " more losses");
+        diagnostics.error("... and " + countInWords(unlisted, "more loss", "more losses"));
 }

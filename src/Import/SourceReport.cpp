@@ -15,72 +15,83 @@ using Row = SourceReport::Row;
 constexpr auto loss = SourceReport::loss, detail = SourceReport::detail;
 
 constexpr Row kRows[] = {
-    {"module or document not there", loss, "document not found", "documents not found"},
-    {"module or document not readable", loss, "document not readable", "documents not readable"},
-    {"document not well-formed", loss, "document not well-formed", "documents not well-formed"},
-    {"module or document not local", loss, "document not local", "documents not local"},
-    {"entity declared nowhere", loss, "undeclared entity", "undeclared entities"},
-    {"reference to nothing that was read", loss, "reference became text", "references became text"},
-    {"group or base type that was not read", loss, "group or base type missing", "groups or base types missing"},
-    {"section with an unknown key", loss, "section not understood", "sections not understood"},
-    {"statement that is unknown", loss, "statement not understood", "statements not understood"},
-    {"attribute that is unknown", loss, "attribute not understood", "attributes not understood"},
-    {"statement that has no effect there", loss, "statement without effect", "statements without effect"},
-    {"value that makes no sense", loss, "value not understood", "values not understood"},
-    {"comment or declaration without an end", loss, "comment or declaration without an end",
+    {"document-missing", "module or document not there", loss, "document not found", "documents not found"},
+    {"document-unreadable", "module or document not readable", loss, "document not readable", "documents not readable"},
+    {"document-ill-formed", "document not well-formed", loss, "document not well-formed", "documents not well-formed"},
+    {"document-remote", "module or document not local", loss, "document not local", "documents not local"},
+    {"entity-undeclared", "entity declared nowhere", loss, "undeclared entity", "undeclared entities"},
+    {"reference-unresolved", "reference to nothing that was read", loss, "reference became text",
+     "references became text"},
+    {"content-unresolved", "group or base type that was not read", loss, "group or base type missing",
+     "groups or base types missing"},
+    {"section-unknown", "section with an unknown key", loss, "section not understood", "sections not understood"},
+    {"statement-unknown", "statement that is unknown", loss, "statement not understood", "statements not understood"},
+    {"attribute-unknown", "attribute that is unknown", loss, "attribute not understood", "attributes not understood"},
+    {"statement-misplaced", "statement that has no effect there", loss, "statement without effect",
+     "statements without effect"},
+    {"value-invalid", "value that makes no sense", loss, "value not understood", "values not understood"},
+    {"unterminated", "comment or declaration without an end", loss, "comment or declaration without an end",
      "comments or declarations without an end"},
-    {"declaration that makes no sense", loss, "declaration not understood", "declarations not understood"},
-    {"statement that could not be read", loss, "statement not understood", "statements not understood", true},
-    {"declaration inside itself", loss, "declaration inside itself", "declarations inside themselves", true},
-    {"type that nobody declares", loss, "invented type", "invented types"},
-    {"declared twice", loss, "second declaration left out", "second declarations left out"},
-    {"main type is abstract", loss, "abstract main type", "abstract main types"},
-    {"cut short by a bound", loss, "text cut short", "texts cut short"},
-    {"name that no document can carry", loss, "impossible name", "impossible names"},
-    {"entity not expanded", loss, "entity not expanded", "entities not expanded"},
-    {"declaration passed over", loss, "declaration passed over", "declarations passed over"},
-    {"group passed over", loss, "group passed over", "groups passed over"},
-    {"extension passed over", loss, "extension passed over", "extensions passed over"},
-    {"simple type passed over", loss, "simple type passed over", "simple types passed over"},
-    {"restriction passed over", loss, "restriction passed over", "restrictions passed over"},
-    {"substitution group passed over", loss, "substitution group passed over", "substitution groups passed over"},
-    {"text beside fields passed over", loss, "text passed over", "texts passed over"},
-    {"type not known, now text", loss, "reference became text", "references became text"},
-    {"name that means something else elsewhere", loss, "field took another's type", "fields took another's type"},
-    {"repetition passed over", loss, "repetition passed over", "repetitions passed over"},
-    {"taken for a repetition", loss, "invented repetition", "invented repetitions"},
-    {"without a name", loss, "missing name", "missing names"},
-    {"column of a type that has no counterpart", loss, "column left out", "columns left out"},
-    {"table without columns", loss, "table without columns", "tables without columns"},
-    {"table that is no longer there", loss, "table no longer there", "tables no longer there"},
-    {"table whose name can't be asked for", loss, "table left out", "tables left out"},
-    {"columns of several owners in one record", loss, "record of several owners", "records of several owners"},
-    {"SGML exception", detail, "SGML exception", "SGML exceptions"},
-    {"content ANY", detail, "content ANY", "contents ANY"},
-    {"mixed content (order of text lost)", detail, "mixed content", "mixed contents"},
-    {"any element", detail, "any element", "any elements"},
-    {"any attribute", detail, "any attribute", "any attributes"},
-    {"abstract type", detail, "abstract type", "abstract types"},
-    {"list", detail, "list", "lists"},
-    {"union of several kinds", detail, "union", "unions"},
-    {"element that may not occur", detail, "element that may not occur", "elements that may not occur"},
-    {"name changed", detail, "name changed", "names changed"},
-    {"name made fit", detail, "name made fit", "names made fit"},
-    {"attribute declared twice", detail, "attribute declared twice", "attributes declared twice"},
-    {"entity or notation passed over", detail, "entity passed over", "entities passed over"},
-    {"optional", detail, "optional", "optional"},
-    {"bounds of occurrence", detail, "bound of occurrence", "bounds of occurrence"},
-    {"choice between alternatives", detail, "choice", "choices"},
-    {"content in any order", detail, "content in any order", "contents in any order"},
-    {"facet", detail, "facet", "facets"},
-    {"nillable", detail, "nillable", "nillable"},
-    {"default", detail, "default", "defaults"},
-    {"limit on derivation", detail, "limit on derivation", "limits on derivation"},
-    {"type alternative", detail, "type alternative", "type alternatives"},
-    {"assertion", detail, "assertion", "assertions"},
-    {"identity constraint", detail, "identity constraint", "identity constraints"},
-    {"general entity", detail, "general entity", "general entities"},
-    {"notation", detail, "notation", "notations"},
+    {"declaration-invalid", "declaration that makes no sense", loss, "declaration not understood",
+     "declarations not understood"},
+    {"statement-unreadable", "statement that could not be read", loss, "statement not understood",
+     "statements not understood", true},
+    {"declaration-recursive", "declaration inside itself", loss, "declaration inside itself",
+     "declarations inside themselves", true},
+    {"type-invented", "type that nobody declares", loss, "invented type", "invented types"},
+    {"declared-twice", "declared twice", loss, "second declaration left out", "second declarations left out"},
+    {"main-type-abstract", "main type is abstract", loss, "abstract main type", "abstract main types"},
+    {"cut-short", "cut short by a bound", loss, "text cut short", "texts cut short"},
+    {"name-impossible", "name that no document can carry", loss, "impossible name", "impossible names"},
+    {"entity-not-expanded", "entity not expanded", loss, "entity not expanded", "entities not expanded"},
+    {"declaration-skipped", "declaration passed over", loss, "declaration passed over", "declarations passed over"},
+    {"group-skipped", "group passed over", loss, "group passed over", "groups passed over"},
+    {"extension-skipped", "extension passed over", loss, "extension passed over", "extensions passed over"},
+    {"simple-type-skipped", "simple type passed over", loss, "simple type passed over", "simple types passed over"},
+    {"restriction-skipped", "restriction passed over", loss, "restriction passed over", "restrictions passed over"},
+    {"substitution-skipped", "substitution group passed over", loss, "substitution group passed over",
+     "substitution groups passed over"},
+    {"text-skipped", "text beside fields passed over", loss, "text passed over", "texts passed over"},
+    {"type-unknown", "type not known, now text", loss, "reference became text", "references became text"},
+    {"merged-by-name", "name that means something else elsewhere", loss, "field took another's type",
+     "fields took another's type"},
+    {"repetition-skipped", "repetition passed over", loss, "repetition passed over", "repetitions passed over"},
+    {"repetition-invented", "taken for a repetition", loss, "invented repetition", "invented repetitions"},
+    {"name-missing", "without a name", loss, "missing name", "missing names"},
+    {"column-skipped", "column of a type that has no counterpart", loss, "column left out", "columns left out"},
+    {"table-empty", "table without columns", loss, "table without columns", "tables without columns"},
+    {"table-gone", "table that is no longer there", loss, "table no longer there", "tables no longer there"},
+    {"table-unnamed", "table whose name can't be asked for", loss, "table left out", "tables left out"},
+    {"several-owners", "columns of several owners in one record", loss, "record of several owners",
+     "records of several owners"},
+    {"sgml-exception", "SGML exception", detail, "SGML exception", "SGML exceptions"},
+    {"any-content", "content ANY", detail, "content ANY", "contents ANY"},
+    {"mixed-content", "mixed content (order of text lost)", detail, "mixed content", "mixed contents"},
+    {"any-element", "any element", detail, "any element", "any elements"},
+    {"any-attribute", "any attribute", detail, "any attribute", "any attributes"},
+    {"abstract-type", "abstract type", detail, "abstract type", "abstract types"},
+    {"list-type", "list", detail, "list", "lists"},
+    {"union-type", "union of several kinds", detail, "union", "unions"},
+    {"element-not-allowed", "element that may not occur", detail, "element that may not occur",
+     "elements that may not occur"},
+    {"name-changed", "name changed", detail, "name changed", "names changed"},
+    {"name-made-fit", "name made fit", detail, "name made fit", "names made fit"},
+    {"attribute-declared-twice", "attribute declared twice", detail, "attribute declared twice",
+     "attributes declared twice"},
+    {"entity-skipped", "entity or notation passed over", detail, "entity passed over", "entities passed over"},
+    {"optional", "optional", detail, "optional part", "optional parts"},
+    {"occurrence-bounds", "bounds of occurrence", detail, "bound of occurrence", "bounds of occurrence"},
+    {"choice", "choice between alternatives", detail, "choice", "choices"},
+    {"any-order", "content in any order", detail, "content in any order", "contents in any order"},
+    {"facet", "facet", detail, "facet", "facets"},
+    {"nillable", "nillable", detail, "nillable element", "nillable elements"},
+    {"default-value", "default", detail, "default value", "default values"},
+    {"derivation-limit", "limit on derivation", detail, "limit on derivation", "limits on derivation"},
+    {"type-alternative", "type alternative", detail, "type alternative", "type alternatives"},
+    {"assertion", "assertion", detail, "assertion", "assertions"},
+    {"identity-constraint", "identity constraint", detail, "identity constraint", "identity constraints"},
+    {"general-entity", "general entity", detail, "general entity", "general entities"},
+    {"notation", "notation", detail, "notation", "notations"},
 };
 static_assert(std::size(kRows) == SourceReport::constructCount);
 
@@ -157,10 +168,10 @@ std::vector<SourceReport::Count> SourceReport::queryCounts(Sort sort) const
     return found;
 }
 
-CString SourceReport::lossesInWords() const
+std::vector<CString> SourceReport::countsInWords(Sort sort) const
 {
     std::vector<Count> kinds; // of several constructs with equal words the first
-    for (const Count& count : queryCounts(loss)) {
+    for (const Count& count : queryCounts(sort)) {
         const auto known = std::ranges::find_if(kinds, [&](const Count& kind) {
             return std::string_view(rowFor(kind.construct).plural) == rowFor(count.construct).plural;
         });
@@ -170,12 +181,19 @@ CString SourceReport::lossesInWords() const
             known->times += count.times;
     }
     std::ranges::stable_sort(kinds, std::greater<>(), &Count::times);
+    std::vector<CString> lines;
+    for (const Count& kind : kinds)
+        lines.push_back(countInWords(kind.times, rowFor(kind.construct).singular, rowFor(kind.construct).plural));
+    return lines;
+}
+
+CString SourceReport::lossesInWords() const
+{
     const std::size_t total = queryTotal(loss);
-    CString text = total == 0 ? "" : std::to_string(total) + (total == 1 ? " loss" : " losses");
+    CString text = total == 0 ? "" : countInWords(total, "loss", "losses");
     const char* separator = ": ";
-    for (const Count& kind : kinds) {
-        const Row& row = rowFor(kind.construct);
-        text += separator + std::to_string(kind.times) + " " + (kind.times == 1 ? row.singular : row.plural);
+    for (const CString& count : countsInWords(loss)) {
+        text += separator + count;
         separator = ", ";
     }
     return text;

@@ -119,9 +119,10 @@ public:
     /// A row of the table of constructs.
     struct Row
     {
+        const char* id;       ///< what one is called for other programs; never changes
         const char* words;    ///< what one is called in the report
         Sort sort;            ///< a loss has places
-        const char* singular; ///< what happened, for a line that sums up losses: "reference became text"
+        const char* singular; ///< what one that is counted is called: "reference became text"
         const char* plural;   ///< the same of several; equal words are counted together
         bool isShown = false; ///< the importer itself shows each in a message
     };
@@ -169,6 +170,9 @@ public:
 
     /// The constructs of one sort that occurred, most frequent first.
     std::vector<Count> queryCounts(Sort sort) const;
+
+    /// The same in words, constructs with equal ones together: "2 references became text".
+    std::vector<CString> countsInWords(Sort sort) const;
 
     /// The losses in one line: "3 losses: 2 references became text, 1 document not found"; "" if there are none.
     CString lossesInWords() const;

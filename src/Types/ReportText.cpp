@@ -38,8 +38,8 @@ CString placeOf(const SourceReport& report, const SourceReport::Entry& entry)
 
 CString headingOf(SourceReport::Sort sort, std::size_t total)
 {
-    const bool isLoss = sort == SourceReport::loss;
-    return std::to_string(total) + (total == 1 ? (isLoss ? " loss" : " detail") : (isLoss ? " losses" : " details"));
+    return sort == SourceReport::loss ? countInWords(total, "loss", "losses")
+                                      : countInWords(total, "detail", "details");
 }
 
 // What the bound on places has left to the counts.
@@ -62,18 +62,20 @@ void writeText(const SourceReport& report, const Totals& totals, const Out& out)
         out("\n");
     }
     for (const SourceReport::Sort sort : kSorts)
-        for (const SourceReport::Count& count : report.queryCounts(sort))
-            out(std::to_string(count.times) + " " + SourceReport::wordsFor(count.construct) + "\n");
-    out(formatText("%zu types, %zu fields: %zu typed, %zu left text\n", totals.types, totals.fields,
-                   totals.fields - totals.texts, totals.texts));
+        for (const CString& count : report.countsInWords(sort))
+            out(count + "\n");
+    out(countInWords(totals.types, "type", "types") + ", " + countInWords(totals.fields, "field", "fields") +
+        formatText(": %zu typed, %zu left text\n", totals.fields - totals.texts, totals.texts));
 }
 
 CString jsonOf(const SourceReport& report, const SourceReport::Entry& entry)
 {
+    const auto number = [](std::uint32_t n) { return n == 0 ? CString("null") : std::to_string(n); };
+    const CString& file = report.fileNameOf(entry.place.file);
     return "{\"sort\":" + CString(SourceReport::isLoss(entry.construct) ? "\"loss\"" : "\"detail\"") +
-           ",\"file\":" + jsonText(shownFile(report.fileNameOf(entry.place.file))) +
-           ",\"line\":" + std::to_string(entry.place.line) + ",\"column\":" + std::to_string(entry.place.column) +
-           ",\"construct\":" + jsonText(SourceReport::wordsFor(entry.construct)) +
+           ",\"construct\":" + jsonText(SourceReport::rowFor(entry.construct).id) +
+           ",\"file\":" + (file.empty() ? "null" : jsonText(shownFile(file))) +
+           ",\"line\":" + number(entry.place.line) + ",\"column\":" + number(entry.place.column) +
            ",\"name\":" + jsonText(CString(entry.name)) + "}";
 }
 
@@ -83,7 +85,7 @@ CString jsonCounts(const SourceReport& report, std::initializer_list<SourceRepor
     CString members;
     for (const SourceReport::Sort sort : sorts)
         for (const SourceReport::Count& count : report.queryCounts(sort))
-            members += (members.empty() ? "" : ",") + jsonText(SourceReport::wordsFor(count.construct)) + ":" +
+            members += (members.empty() ? "" : ",") + jsonText(SourceReport::rowFor(count.construct).id) + ":" +
                        std::to_string(count.times);
     return "{" + members + "}";
 }
@@ -92,7 +94,7 @@ void writeJson(const SourceReport& report, const Totals& totals, const Out& out)
 {
     constexpr auto loss = SourceReport::loss, detail = SourceReport::detail;
     const char* separator = "\n  ";
-    out("{\"places\":[");
+    out("{\"version\":1,\"places\":[");
     for (const SourceReport::Sort sort : kSorts)
         for (const SourceReport::Entry& entry : report.queryEntries(sort)) {
             out(separator + jsonOf(report, entry));

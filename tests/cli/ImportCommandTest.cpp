@@ -189,25 +189,26 @@ TEST_F(ImportCommand, AnswersExactly)
          {0, kList,
           "r.dtd: warning: 2 losses: 2 references became text; the report lists them\n2 losses\n"
           "r.dtd:1: reference to nothing that was read: a\nr.dtd:1: reference to nothing that was read: b\n\n"
-          "2 reference to nothing that was read\n2 types, 2 fields: 0 typed, 2 left text\n"}},
+          "2 references became text\n2 types, 2 fields: 0 typed, 2 left text\n"}},
         {"printf '<!ENTITY %% e \"<a>\">\n<!-- %%e; --><![IGNORE[%%e;]]>\n<!ELEMENT r (a, (b, c)+, d)*>' >n.dtd;"
          "$import n.dtd --report - -o /dev/null",
          {0, "",
           "n.dtd: warning: 4 losses: 2 declarations passed over, 1 impossible name, 1 entity not expanded; the report "
           "lists them\n4 losses\n"
           "n.dtd:1: declaration passed over: ENTITY % e\nn.dtd:2: declaration passed over: section IGNORE\n"
-          "n.dtd:2: entity not expanded: e\nn.dtd:3: name that no document can carry: c)\n\n2 declaration passed over\n"
-          "1 name that no document can carry\n1 entity not expanded\n5 types, 4 fields: 0 typed, 4 left text\n"}},
+          "n.dtd:2: entity not expanded: e\nn.dtd:3: name that no document can carry: c)\n\n2 declarations passed "
+          "over\n"
+          "1 impossible name\n1 entity not expanded\n5 types, 4 fields: 0 typed, 4 left text\n"}},
         {"cat i.xsd | $import xsd - -q -o /dev/null --report-format json --report /dev/stdout",
          {0,
-          R"({"places":[
-  {"sort":"loss","file":"-","line":4,"column":37,"construct":"name that no document can carry","name":"u v"},
-  {"sort":"loss","file":"-","line":2,"column":1,"construct":"module or document not there","name":"a.xsd"},
-  {"sort":"loss","file":"-","line":3,"column":1,"construct":"module or document not local","name":"http://b/c"},
-  {"sort":"loss","file":"-","line":4,"column":1,"construct":"type not known, now text","name":"xs:int"},
-  {"sort":"loss","file":"-","line":4,"column":37,"construct":"reference to nothing that was read","name":"U"}],
- "counts":{"module or document not there":1,"module or document not local":1,"reference to nothing that was read":1,"name that no document can carry":1,"type not known, now text":1},
- "losses":{"module or document not there":1,"module or document not local":1,"reference to nothing that was read":1,"name that no document can carry":1,"type not known, now text":1},
+          R"({"version":1,"places":[
+  {"sort":"loss","construct":"name-impossible","file":"-","line":4,"column":37,"name":"u v"},
+  {"sort":"loss","construct":"document-missing","file":"-","line":2,"column":1,"name":"a.xsd"},
+  {"sort":"loss","construct":"document-remote","file":"-","line":3,"column":1,"name":"http://b/c"},
+  {"sort":"loss","construct":"type-unknown","file":"-","line":4,"column":1,"name":"xs:int"},
+  {"sort":"loss","construct":"reference-unresolved","file":"-","line":4,"column":37,"name":"U"}],
+ "counts":{"document-missing":1,"document-remote":1,"reference-unresolved":1,"name-impossible":1,"type-unknown":1},
+ "losses":{"document-missing":1,"document-remote":1,"reference-unresolved":1,"name-impossible":1,"type-unknown":1},
  "details":{},
  "unlisted":{"losses":0,"details":0},
  "totals":{"losses":5,"details":0,"types":1,"fields":2,"typed":0,"text":2}}
@@ -219,8 +220,8 @@ TEST_F(ImportCommand, AnswersExactly)
          {0, "",
           "1 loss\ng.xsd:2:87: statement that has no effect there: xs:any inside xs:schema\n\n"
           "2 details\ng.xsd:2:58: any element: (no name)\n\n"
-          "1 statement that has no effect there\n1 any element\n1 content in any order\n"
-          "1 types, 1 fields: 0 typed, 1 left text\n"}},
+          "1 statement without effect\n1 any element\n1 content in any order\n"
+          "1 type, 1 field: 0 typed, 1 left text\n"}},
         {"$import dtd r.dtd --report none/x", {3, "", says("can't write none/x: No such file or directory")}},
 
         // Differences from earlier types, as diff(1) ends: 0, 1, 2.

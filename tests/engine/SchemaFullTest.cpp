@@ -378,25 +378,25 @@ x.xsd:9:1: list: L
 x.xsd:10:1: union of several kinds: U
 x.xsd:2:32: name changed: b is r_b
 
-4 reference to nothing that was read
-4 name that no document can carry
-2 group or base type that was not read
-1 module or document not there
+4 references became text
+4 impossible names
+2 groups or base types missing
+1 document not found
 1 document not well-formed
-1 declared twice
-2 facet
-1 mixed content (order of text lost)
+1 second declaration left out
+2 facets
+1 mixed content
 1 any element
 1 any attribute
 1 abstract type
 1 list
-1 union of several kinds
+1 union
 1 element that may not occur
 1 name changed
-1 bounds of occurrence
-1 choice between alternatives
-1 nillable
-1 default
+1 bound of occurrence
+1 choice
+1 nillable element
+1 default value
 1 identity constraint
 )");
 }

@@ -1,22 +1,26 @@
 #include "Import/SourceReport.h"
 
 #include "Import/Btd/BrokerMsg.h"
+#include "TestFolders.h"
 #include "support/FullTypes.h"
 #include "support/Importing.h"
+#include "support/TempDir.h"
 
 #include <map>
 #include <set>
 
 namespace {
 
-// A count of the JSON form has its construct's words for a name. Equal words of the summing line mean one thing.
-TEST(SourceReport, EachConstructHasWordsOfItsOwn)
+// Other programs know constructs by their ids. Equal words of the summing line mean one thing.
+TEST(SourceReport, EachConstructHasAnIdAndWordsOfItsOwn)
 {
-    std::set<std::string_view> words;
+    std::set<std::string_view> ids, words;
+    const std::string schema = TempDir::read(TEST_SOURCE_DIR "/docs/report.schema.json");
     std::map<std::string_view, std::string_view> plurals;
     for (int i = 0; i < SourceReport::constructCount; ++i) {
         const SourceReport::Row& row = SourceReport::rowFor(static_cast<SourceReport::Construct>(i));
-        EXPECT_TRUE(words.insert(row.words).second) << row.words;
+        EXPECT_TRUE(words.insert(row.words).second && ids.insert(row.id).second) << row.words;
+        EXPECT_NE(schema.find(CString("\"") + row.id + "\""), schema.npos) << row.id;
         EXPECT_EQ(plurals.emplace(row.plural, row.singular).first->second, row.singular);
     }
 }

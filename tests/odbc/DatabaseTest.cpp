@@ -285,7 +285,7 @@ TEST(Database, TheCommandLineImportsADataSource)
         {"Lost -l; ls", {0, "cli.ini\norders\npassword\n", "Lost: error: [SQLite]connect failed (SQLSTATE S1000)\n"}},
         {"Text -l -t a", {1, "", "Text: error: [SQLite]file is not a database (26) (SQLSTATE S1000)\n"}},
         {"'DSN=Empty;Pwd = {a;b};UID=u'", {1, "", "DSN=Empty;Pwd =***: error: no type came of it\n"}},
-        {"Orders -t b --report - -q -o /dev/null", {0, "", "1 types, 1 fields: 1 typed, 0 left text\n"}},
+        {"Orders -t b --report - -q -o /dev/null", {0, "", "1 type, 1 field: 1 typed, 0 left text\n"}},
         {"Other -l", {1, "", "Other: error: There is no data source called Other (SQLSTATE IM002)\n"}},
         {onServer + "-t u --user typeforge --password-file password", {0, "\\u\t\n", ""}},
         {onServer + "-t u --user typeforge --password-file password >&-",
