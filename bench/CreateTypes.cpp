@@ -80,7 +80,7 @@ void runOurs(const CString& folder, MsgBase& message)
     if (const CString failure = session.open("local", 7250, nullptr); !failure.empty())
         throw std::runtime_error(failure);
     CStringList lines;
-    CreationRun run(session, {[](const CString&) { return OverwriteChoice::no; },
+    CreationRun run(session, {[](const CString&, const CString&) { return OverwriteChoice::no; },
                               [&](const CString& line, ResultKind) { lines.push_back(line); }});
     if (run.run(message) != 0)
         throw std::runtime_error("types failed");

@@ -4,6 +4,9 @@
 #include "Base/ServerAddress.h"
 #include "Resources/StringTable.h"
 
+#include <algorithm>
+#include <span>
+
 namespace {
 
 // An object that an operation of `parent` handed out; it holds the parent's library.
@@ -70,6 +73,26 @@ CString BrokerSession::openRepository()
         return loadText(IDS_NO_REPOSITORY);
     creation = queryInterface<IVornCreation>(repository, kVornCreation);
     return {};
+}
+
+std::vector<CreatedType> BrokerSession::createTypes(const std::vector<CString>& documents, const CString& source,
+                                                    ExistingTypes existing)
+{
+    if (!creation)
+        return {{createType(documents.front(), existing.changed >= VornExisting::replace)}};
+    std::vector<const char*> texts;
+    for (const CString& document : documents)
+        texts.push_back(document.c_str());
+    std::vector<VornOutcome> outcomes(texts.size());
+    std::uint32_t done = 0;
+    if (creation->createTypes(texts.data(), static_cast<std::uint32_t>(texts.size()), source.c_str(), existing.changed,
+                              existing.unchanged, outcomes.data(), &done) != VornResult::done ||
+        done == 0)
+        throw ClientError(creation->queryDescription());
+    std::vector<CreatedType> types;
+    for (const VornOutcome& outcome : std::span(outcomes).first(std::min<std::size_t>(done, outcomes.size())))
+        types.push_back({outcome.code, outcome.source ? outcome.source : "", outcome.time, outcome.source != nullptr});
+    return types;
 }
 
 unsigned BrokerSession::createType(const CString& document, bool overwrite)

@@ -3,6 +3,7 @@
 #include "Broker/VornObject.h"
 
 #include <stdexcept>
+#include <vector>
 
 /// What a client said of an operation that failed; what() is its description, "" where it gave none.
 class ClientError : public std::runtime_error
@@ -16,6 +17,26 @@ struct BrokerAccount
 {
     const CString& user;
     const CString& password;
+};
+
+/// What became of a type. Codes are the client's.
+struct CreatedType
+{
+    static constexpr unsigned created = 0, replaced = 1, exists = 2, unchanged = 3, refused = 99;
+
+    unsigned code = created;
+
+    /// Where the type that existed before came from, and when; "" where that isn't known.
+    CString source = {};
+    CString time = {};
+    bool isSourceKept = false; ///< false where the repository keeps no sources
+};
+
+/// What becomes of types that exist.
+struct ExistingTypes
+{
+    VornExisting changed;   ///< with another document
+    VornExisting unchanged; ///< with the same one
 };
 
 /// The client's objects for one creation run, released with it.
@@ -36,8 +57,16 @@ public:
     /// where there is no client. "" where they are in the text, and where there are none.
     const CString& queryDescription() const { return description; }
 
-    /// Creates one type and answers the client's result code. Raises ClientError.
+    /// Creates one type by the repository itself and returns the client's code. Raises ClientError.
     unsigned createType(const CString& document, bool overwrite);
+
+    /// False for a client that knows of no sources: it creates one type at a time, and unchanged ones are none to it.
+    bool hasCreation() const { return creation != nullptr; }
+
+    /// Creates types from their documents in their order, as IVornCreation::createTypes() does, and returns what became
+    /// of the first ones. Raises ClientError.
+    std::vector<CreatedType> createTypes(const std::vector<CString>& documents, const CString& source,
+                                         ExistingTypes existing);
 
     /// Returns when the types that were created outlive a crash of the server, if the client can tell. Raises
     /// ClientError if some may be lost.

@@ -1,7 +1,5 @@
 #include "Broker/CreationRun.h"
 
-#include "Base/Progress.h"
-#include "Broker/BrokerSession.h"
 #include "Import/MsgBase.h"
 #include "Resources/StringTable.h"
 
@@ -10,8 +8,9 @@
 
 namespace {
 
-constexpr unsigned kExists = 2;
-constexpr unsigned kRefused = 99;
+// Many are quicker than one by one. Few enough that the end of a window is never waited for.
+constexpr std::size_t kLargestWindow = 512;
+constexpr std::size_t kLargestText = 1 << 20; // of the documents of a window
 
 struct ResultLine
 {
@@ -21,10 +20,10 @@ struct ResultLine
 };
 
 constexpr ResultLine kResultLines[] = {
-    {0, IDS_CREATED, ResultKind::created},
-    {1, IDS_MODIFIED, ResultKind::modified},
-    {kExists, IDS_SKIPPED, ResultKind::skipped},
-    {kRefused, IDS_CREATION_ERROR, ResultKind::failed},
+    {CreatedType::created, IDS_CREATED, ResultKind::created},
+    {CreatedType::replaced, IDS_MODIFIED, ResultKind::modified},
+    {CreatedType::exists, IDS_SKIPPED, ResultKind::skipped},
+    {CreatedType::refused, IDS_CREATION_ERROR, ResultKind::failed},
 };
 
 const ResultLine& resultLineOf(unsigned code)
@@ -45,33 +44,173 @@ CString asOneLine(CString text)
 
 CString overwriteQuestion(const Element& type)
 {
-    return formatText(loadText(IDS_OVERWRITE), type.queryPath().c_str(), type.queryName().c_str());
+    return formatText(loadText(IDS_OVERWRITE), shownText(type.queryPath()).c_str(),
+                      shownText(type.queryName()).c_str());
 }
 
 } // namespace
 
-CreationRun::CreationRun(BrokerSession& openSession, Callbacks surroundings) :
-    session(openSession), callbacks(std::move(surroundings))
+CreationRun::CreationRun(BrokerSession& openSession, Callbacks surroundings, CreationOptions runOptions) :
+    session(openSession), callbacks(std::move(surroundings)), options(std::move(runOptions))
 {}
 
 int CreationRun::run(MsgBase& message)
 {
-    errorCount = 0;
-    yesToAll = noToAll = isCancelled = false;
-    Progress progress{Work::creating, 0, static_cast<std::uint64_t>(message.beginEnum())};
-    while (Element* type = message.enumNext()) {
+    begin(message);
+    for (std::size_t next = 0; next < types.size();) {
         isCancelled = isCancelled || !tellProgress(progress);
-        if (isCancelled) {
-            callbacks.addResult(type->queryName() + " not created, since the creation was cancelled", ResultKind::left);
-            continue;
-        }
-        create(*type);
-        ++progress.done;
+        if (!isCancelled)
+            next += createNext(next);
+        else
+            addLeft(*types[next++]);
     }
     if (!isCancelled)
         tellProgress(progress);
     finish();
     return errorCount;
+}
+
+void CreationRun::begin(MsgBase& message)
+{
+    errorCount = 0;
+    yesToAll = noToAll = isCancelled = false;
+    sourcesKept = true;
+    otherSources.clear();
+    sourceIndex.clear();
+    window = 1;
+    types.clear();
+    progress = {Work::creating, 0, static_cast<std::uint64_t>(message.beginEnum())};
+    while (Element* type = message.enumNext())
+        types.push_back(type);
+}
+
+// Returns how many types it has dealt with.
+std::size_t CreationRun::createNext(std::size_t first)
+{
+    std::vector<CreatedType> outcomes;
+    try {
+        outcomes = createWindow(first);
+    } catch (const ClientError& error) {
+        window = 1;
+        addFailure(*types[first], error.what());
+        ++progress.done;
+        return 1;
+    }
+    const bool isWhole = outcomes.size() == documents.size() && !isOpen(outcomes.back());
+    window = isWhole && session.hasCreation() ? std::min(2 * window, kLargestWindow) : 1;
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        isCancelled = i > 0 && (isCancelled || !tellProgress(progress));
+        settle(*types[first + i], documents[i], outcomes[i]);
+        ++progress.done;
+    }
+    return outcomes.size();
+}
+
+std::vector<CreatedType> CreationRun::createWindow(std::size_t first)
+{
+    const std::size_t end = std::min(first + window, types.size());
+    std::size_t size = 0, count = 0;
+    documents.resize(end - first);
+    while (count < documents.size() && size < kLargestText) {
+        types[first + count]->asXML(documents[count]);
+        size += documents[count++].size();
+    }
+    documents.resize(count);
+    return session.createTypes(documents, options.source.name, {ruleFor(false), ruleFor(true)});
+}
+
+VornExisting CreationRun::ruleFor(bool isUnchanged) const
+{
+    if (noToAll || (isUnchanged && options.leavesUnchanged))
+        return VornExisting::keep;
+    return yesToAll ? VornExisting::replace : VornExisting::stop;
+}
+
+// Nobody has decided yet what becomes of the type.
+bool CreationRun::isOpen(const CreatedType& outcome) const
+{
+    if (!session.hasCreation())
+        return outcome.code == CreatedType::exists && !noToAll;
+    const bool isUnchanged = outcome.code == CreatedType::unchanged;
+    return (isUnchanged || outcome.code == CreatedType::exists) && ruleFor(isUnchanged) == VornExisting::stop;
+}
+
+void CreationRun::settle(const Element& type, const CString& document, CreatedType outcome)
+{
+    try {
+        if (isOpen(outcome) && isCancelled)
+            return addLeft(type);
+        outcome = decide(type, document, std::move(outcome));
+    } catch (const ClientError& error) {
+        return addFailure(type, error.what());
+    }
+    noteSource(outcome);
+    const bool isUnchanged = outcome.code == CreatedType::unchanged;
+    if (isUnchanged && options.leavesUnchanged)
+        return callbacks.addResult(type.queryName() + " unchanged", ResultKind::unchanged);
+    const ResultLine& line = resultLineOf(isUnchanged ? CreatedType::exists : outcome.code);
+    callbacks.addResult(fillText(loadText(line.textId), type.queryName()), line.kind);
+    errorCount += outcome.code == CreatedType::refused;
+}
+
+// A type that somebody else has replaced meanwhile is another question.
+CreatedType CreationRun::decide(const Element& type, const CString& document, CreatedType outcome)
+{
+    while (isOpen(outcome)) {
+        const OverwriteChoice choice = callbacks.ask(overwriteQuestion(type), detailsOf(outcome));
+        yesToAll |= choice == OverwriteChoice::yesToAll;
+        noToAll |= choice == OverwriteChoice::noToAll;
+        if (choice == OverwriteChoice::no || choice == OverwriteChoice::noToAll)
+            break;
+        const VornExisting yes = yesToAll ? VornExisting::replace : VornExisting::replaceFound;
+        outcome =
+            session.createTypes({document}, options.source.name, {yes, options.leavesUnchanged ? ruleFor(true) : yes})
+                .front();
+        if (!session.hasCreation())
+            break;
+    }
+    return outcome;
+}
+
+bool CreationRun::isOtherSource(const CreatedType& outcome) const
+{
+    return session.hasCreation() && !(outcome.isSourceKept && options.source.isSame(outcome.source));
+}
+
+CString CreationRun::detailsOf(const CreatedType& outcome) const
+{
+    if (outcome.code != CreatedType::exists || !isOtherSource(outcome))
+        return {};
+    if (!outcome.isSourceKept)
+        return "The repository keeps no sources of types.";
+    if (outcome.source.empty())
+        return "The source of the existing type is not known.";
+    return "The existing type is a different one, of " + shownText(outcome.source) + " (" + outcome.time + ").";
+}
+
+void CreationRun::noteSource(const CreatedType& outcome)
+{
+    const bool isReplaced = outcome.code == CreatedType::replaced;
+    if ((!isReplaced && outcome.code != CreatedType::exists) || !isOtherSource(outcome))
+        return;
+    sourcesKept = sourcesKept && outcome.isSourceKept;
+    const auto [place, isNew] = sourceIndex.emplace(outcome.source, otherSources.size());
+    if (isNew)
+        otherSources.push_back({outcome.source});
+    OtherSource& other = otherSources[place->second];
+    ++(isReplaced ? other.replaced : other.kept);
+}
+
+void CreationRun::addFailure(const Element& type, const CString& reason)
+{
+    callbacks.addResult(fillText(loadText(IDS_CREATION_ERROR), type.queryName()), ResultKind::failed);
+    callbacks.addResult(asOneLine(reason), ResultKind::reason);
+    ++errorCount;
+}
+
+void CreationRun::addLeft(const Element& type)
+{
+    callbacks.addResult(type.queryName() + " not created, since the creation was cancelled", ResultKind::left);
 }
 
 void CreationRun::finish()
@@ -83,31 +222,4 @@ void CreationRun::finish()
                             ResultKind::reason);
         ++errorCount;
     }
-}
-
-void CreationRun::create(Element& type)
-{
-    type.asXML(document);
-    try {
-        const unsigned code = createOrAsk(type);
-        const ResultLine& line = resultLineOf(code);
-        callbacks.addResult(fillText(loadText(line.textId), type.queryName()), line.kind);
-        errorCount += code == kRefused;
-    } catch (const ClientError& error) {
-        callbacks.addResult(fillText(loadText(IDS_CREATION_ERROR), type.queryName()), ResultKind::failed);
-        callbacks.addResult(asOneLine(error.what()), ResultKind::reason);
-        ++errorCount;
-    }
-}
-
-unsigned CreationRun::createOrAsk(const Element& type)
-{
-    const unsigned code = session.createType(document, yesToAll && !noToAll);
-    if (code != kExists || noToAll)
-        return code;
-    const OverwriteChoice choice = callbacks.ask(overwriteQuestion(type));
-    yesToAll |= choice == OverwriteChoice::yesToAll;
-    noToAll |= choice == OverwriteChoice::noToAll;
-    const bool replace = choice == OverwriteChoice::yes || choice == OverwriteChoice::yesToAll;
-    return replace ? session.createType(document, true) : code;
 }

@@ -1,11 +1,16 @@
 #pragma once
 
+#include "Base/Progress.h"
 #include "Base/Text.h"
+#include "Broker/BrokerSession.h"
 #include "Broker/ResultKind.h"
+#include "Broker/TypeSource.h"
 
+#include <cstddef>
 #include <functional>
+#include <map>
+#include <vector>
 
-class BrokerSession;
 class Element;
 class MsgBase;
 
@@ -18,19 +23,35 @@ enum class OverwriteChoice : int
     noToAll = 3
 };
 
-/// Creates the types of one import in a broker's repository, one after the other. A type that fails doesn't stop it.
-/// Where the handler of its progress says no, the types that are left get a line each, and no more.
+/// What a creation run is to do.
+struct CreationOptions
+{
+    TypeSource source = {};       ///< of the types
+    bool leavesUnchanged = false; ///< a type that exists with the same document is left without a question
+};
+
+/// The types of another source that a run has met: they exist, and were different.
+struct OtherSource
+{
+    CString name;     ///< "" if it isn't known
+    int replaced = 0; ///< how many were replaced
+    int kept = 0;     ///< how many were not
+};
+
+/// Creates the types of one import in a broker's repository, in their order. A type that fails doesn't stop it. If the
+/// handler of its progress says no, the types that are left get a line each, and no more.
 class CreationRun
 {
 public:
     /// What the run wants of its surroundings. Both must be set.
     struct Callbacks
     {
-        std::function<OverwriteChoice(const CString& question)> ask;         ///< a type exists
+        /// A type exists. The details name the other source that it came from; "" if there is none.
+        std::function<OverwriteChoice(const CString& question, const CString& details)> ask;
         std::function<void(const CString& line, ResultKind kind)> addResult; ///< a line for the list of results
     };
 
-    CreationRun(BrokerSession& session, Callbacks callbacks);
+    CreationRun(BrokerSession& session, Callbacks callbacks, CreationOptions options = {});
 
     /// Creates every type of `message`, in enumeration order, and answers how many failed. To all holds for this run.
     int run(MsgBase& message);
@@ -38,14 +59,37 @@ public:
     /// Whether the last run has left types out because nobody wanted it to go on.
     bool wasCancelled() const { return isCancelled; }
 
+    /// The other sources that the last run has met, in the order in which it met them.
+    const std::vector<OtherSource>& queryOtherSources() const { return otherSources; }
+
+    /// False if the last run has met types whose sources the repository doesn't keep.
+    bool areSourcesKept() const { return sourcesKept; }
+
 private:
-    void create(Element& type);
+    void begin(MsgBase& message);
+    std::size_t createNext(std::size_t first);
+    std::vector<CreatedType> createWindow(std::size_t first);
+    void settle(const Element& type, const CString& document, CreatedType outcome);
+    CreatedType decide(const Element& type, const CString& document, CreatedType outcome);
+    VornExisting ruleFor(bool isUnchanged) const;
+    bool isOpen(const CreatedType& outcome) const;
+    bool isOtherSource(const CreatedType& outcome) const;
+    CString detailsOf(const CreatedType& outcome) const;
+    void noteSource(const CreatedType& outcome);
+    void addFailure(const Element& type, const CString& reason);
+    void addLeft(const Element& type);
     void finish();
-    unsigned createOrAsk(const Element& type);
 
     BrokerSession& session;
     const Callbacks callbacks;
-    CString document; // of the type in hand
+    const CreationOptions options;
+    std::vector<Element*> types;
+    std::vector<CString> documents; // of the window
+    std::size_t window = 1;         // how many types are handed to the client at once
+    Progress progress;
+    std::vector<OtherSource> otherSources;
+    std::map<CString, std::size_t> sourceIndex; // into otherSources
+    bool sourcesKept = true;
     int errorCount = 0;
     bool yesToAll = false;
     bool noToAll = false;

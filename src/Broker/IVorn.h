@@ -49,10 +49,41 @@ protected:
     ~IVornRepository() = default;
 };
 
-/// A creation of types in a repository. A client that lacks it is used by IVornRepository alone.
+/// What a creation does with a type that exists.
+enum class VornExisting : std::int32_t
+{
+    stop = 0,        ///< leaves it, and leaves the types behind it to the next call
+    keep = 1,        ///< leaves it
+    replace = 2,     ///< replaces it
+    replaceFound = 3 ///< replaces it if it is the type that the last call stopped at, and as it was then; else stops
+};
+
+/// What became of a type.
+struct VornOutcome
+{
+    /// 0 created, 1 replaced, 2 exists with another document, 3 exists with the same document, 99 refused.
+    std::uint32_t code;
+
+    /// The source and the time, in UTC as "2026-01-31T23:59:59Z", of the type that existed before; "" where that isn't
+    /// known. A null source: the repository keeps none. Both are valid until the next call.
+    const char* source;
+    const char* time;
+};
+
+/// A creation of types that keeps for each the source that it comes from. A client that lacks it is used by
+/// IVornRepository alone.
 class IVornCreation : public IVornObject
 {
 public:
+    /// Creates the types of BROKERTYPEDESCRIPTION documents in their order, each by itself. `changed` says what becomes
+    /// of a type that exists with another document, `unchanged` of one that exists with the same. `outcomes` has room
+    /// for `count`; `done` becomes how many types have one, at least 1. The last of them is one that a rule has stopped
+    /// at, or the next one has failed, or the client has had enough. A failure is the result only of a call whose first
+    /// type fails.
+    virtual VornResult createTypes(const char* const* documents, std::uint32_t count, const char* source,
+                                   VornExisting changed, VornExisting unchanged, VornOutcome* outcomes,
+                                   std::uint32_t* done) noexcept = 0;
+
     /// Returns when all types that were created outlive a crash of the server. Without it they do some time later.
     virtual VornResult finish() noexcept = 0;
 

@@ -6,6 +6,7 @@ enum class ResultKind
     created,
     modified,
     skipped,
+    unchanged, ///< it exists with the same document
     failed,
     left,   ///< not begun, since the creation was cancelled
     reason, ///< of the failure that the line before names

@@ -4,6 +4,7 @@
 #include "Base/ServerAddress.h"
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
+#include "Broker/TypeSource.h"
 #include "Cli/Output.h"
 
 #include <CLI/CLI.hpp>
@@ -16,6 +17,7 @@
 namespace {
 
 constexpr unsigned kDefaultPort = 7250;
+constexpr char kWayOut[] = "; --base-path keeps them apart";
 
 std::string checkAddress(const std::string& address)
 {
@@ -23,9 +25,11 @@ std::string checkAddress(const std::string& address)
 }
 
 // What a line on standard input answers; anything else, and its end, is a no, as is closing the dialog.
-OverwriteChoice ask(const CString& question)
+OverwriteChoice ask(const CString& question, const CString& details)
 {
-    std::cerr << shownText(question) << " [y]es, yes to [a]ll, [n]o, no to all [x]: " << std::flush;
+    if (!details.empty())
+        std::cerr << details << '\n';
+    std::cerr << question << " [y]es, yes to [a]ll, [n]o, no to all [x]: " << std::flush;
     std::string answer;
     std::getline(std::cin, answer);
     switch (answer.empty() ? 'n' : std::tolower(static_cast<unsigned char>(answer[0]))) {
@@ -40,10 +44,10 @@ OverwriteChoice ask(const CString& question)
     }
 }
 
-OverwriteChoice choose(const CString& overwrite, const CString& question, Verbosity verbosity)
+OverwriteChoice choose(const CString& overwrite, const CString& question, const CString& details, Verbosity verbosity)
 {
     if (overwrite == "ask")
-        return ask(question);
+        return ask(question, details);
     if (overwrite.empty() && verbosity != Verbosity::quiet)
         report("types that exist are left alone; to replace them use --overwrite all, to be asked --overwrite ask");
     return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
@@ -61,6 +65,29 @@ bool openSession(BrokerSession& session, const CreateOptions& options, const Log
     const CString& words = session.queryDescription();
     report(words.empty() ? failure : failure + ": " + words);
     return false;
+}
+
+CString typesOf(int count, const CString& source)
+{
+    return std::to_string(count) + (count == 1 ? " type of " : " types of ") + source;
+}
+
+// Says which types other sources had created otherwise, a line for each of those.
+void reportOtherSources(const CreationRun& run, const CString& source, bool isKeptToo)
+{
+    std::vector<CString> names = {source};
+    for (const OtherSource& other : run.queryOtherSources())
+        names.push_back(other.name);
+    for (const auto& [name, replaced, kept] : run.queryOtherSources()) {
+        const CString shown = shortName(name, names);
+        if (replaced != 0)
+            report(typesOf(replaced, shown) +
+                   (replaced == 1 ? " was replaced by a different one" : " were replaced by different ones") + kWayOut);
+        if (kept != 0 && isKeptToo)
+            report(typesOf(kept, shown) + (kept == 1 ? " is different" : " are different") + kWayOut);
+    }
+    if (!run.areSourcesKept())
+        report("the repository keeps no sources of types; it does when the owner of its table has created types");
 }
 
 } // namespace
@@ -82,7 +109,8 @@ void addCreateOptions(CLI::App& app, CreateOptions& options)
         ->needs(create);
 }
 
-int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptions& logon, Verbosity verbosity)
+int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions& options, const LogonOptions& logon,
+                Verbosity verbosity)
 {
     keepOutOfCores();
     std::signal(SIGPIPE, SIG_IGN); // a reader that has gone keeps no type from being created
@@ -91,9 +119,9 @@ int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptio
         return kFailed;
     const CString overwrite = options.overwrite.empty() && isatty(STDIN_FILENO) ? "ask" : options.overwrite;
     bool leftAlone = false;
-    const auto choice = [&](const CString& question) {
+    const auto choice = [&](const CString& question, const CString& details) {
         leftAlone = overwrite.empty();
-        return choose(overwrite, question, verbosity);
+        return choose(overwrite, question, details, verbosity);
     };
     Output lines("");
     FileCause cause = FileCause::none;
@@ -101,7 +129,10 @@ int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptio
         lines.write(shownText(line) + "\n");
         cause = lines.commit();
     };
-    const int errors = CreationRun(session, {choice, addLine}).run(message);
+    CreationRun run(session, {choice, addLine}, {source, true});
+    const int errors = run.run(message);
+    if (verbosity != Verbosity::quiet)
+        reportOtherSources(run, source.name, leftAlone);
     if (cause != FileCause::none)
         reportUnwritten("-", cause);
     if (errors != 0 || leftAlone)

@@ -5,6 +5,7 @@
 #include "Cli/Logon.h"
 
 class MsgBase;
+struct TypeSource;
 namespace CLI {
 class App;
 }
@@ -20,6 +21,8 @@ struct CreateOptions
 /// Adds --create and the options that go with it alone, after those that it excludes.
 void addCreateOptions(CLI::App& app, CreateOptions& options);
 
-/// Creates the types of `message`, as the user that runs the program where `logon` has none, and writes one line for
-/// each to standard output. Lines that can't be written don't keep a type from being created. Answers the exit status.
-int createTypes(MsgBase& message, const CreateOptions& options, const LogonOptions& logon, Verbosity verbosity);
+/// Creates the types of `message`, which come from `source`, and writes one line for each to standard output; a type
+/// that exists with the same document is left as it is. Without a user in `logon` the current user logs on. Lines that
+/// can't be written don't keep a type from being created. Returns the exit status.
+int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions& options, const LogonOptions& logon,
+                Verbosity verbosity);

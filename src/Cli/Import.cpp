@@ -1,5 +1,6 @@
 #include "Cli/Import.h"
 
+#include "Broker/TypeSource.h"
 #include "Cli/Diff.h"
 #include "Cli/Output.h"
 #include "Cli/ProgressLine.h"
@@ -143,6 +144,12 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
     return {};
 }
 
+// Several files go by the first of them.
+TypeSource sourceOf(const MsgUIDescriptor& importer, const CString& source)
+{
+    return importer.querySource().readsTables ? tableSource(source) : fileSource(source);
+}
+
 } // namespace
 
 int runImport(const Arguments& arguments)
@@ -170,7 +177,8 @@ int runImport(const Arguments& arguments)
     if (!isReported)
         return arguments.diff.document.empty() ? kNotWritten : failedStatus;
     if (!arguments.create.address.empty())
-        return createTypes(*message, arguments.create, arguments.logon, arguments.verbosity);
+        return createTypes(*message, sourceOf(*importer, files.front()), arguments.create, arguments.logon,
+                           arguments.verbosity);
     const int status = writeResult(*message, arguments, diagnostics);
     const DependencyOptions& dependencies = arguments.dependencies;
     if (status == kDone && !dependencies.file.empty() &&

@@ -77,7 +77,7 @@ struct Creation
             const int done = static_cast<int>(progress.done);
             return std::exchange(steps, done) == done || onDone(done); // asked again while a driver is waited for
         });
-        CreationRun run(session, {[](const CString&) { return OverwriteChoice::noToAll; },
+        CreationRun run(session, {[](const CString&, const CString&) { return OverwriteChoice::noToAll; },
                                   [this](const CString& line, ResultKind) { lines.push_back(line); }});
         errors = run.run(message);
         setProgressHandler(before);

@@ -109,12 +109,46 @@ class Create(unittest.TestCase):
                 ("ask", "A\n", 0, "modifed", "modifed", "a"),
                 ("", "y\ny\n", 4, "skipped", "skipped", left)]:
             with self.subTest(overwrite=overwrite, answers=answers):
+                option = ["--overwrite", overwrite] if overwrite else []
+                self.write("pair.dtd", "<!ELEMENT r (a)><!ELEMENT a (b)>")
+                self.run_import(*create, "--overwrite", "all")
+                self.assertEqual((0, "a unchanged\nr unchanged\n", ""), self.run_import(*create, *option))
+                self.write("pair.dtd", "<!ELEMENT r (a,c)><!ELEMENT a (b,c)>")
                 said = said if said == left else "".join(question % name for name in said)
-                self.assertEqual((status, "a %s\nr %s\n" % (a, r), said), self.run_import(
-                    *create, *["--overwrite", overwrite] if overwrite else [], answers=answers))
+                self.assertEqual((status, "a %s\nr %s\n" % (a, r), said),
+                                 self.run_import(*create, *option, answers=answers))
+
+    def test_the_other_source_of_a_type_is_named(self):
+        os.mkdir(self.folder + "/sub")
+        end = "; --base-path keeps them apart\n"
+        one, more = " was replaced by a different one" + end, " were replaced by different ones" + end
+        left = "types that exist are left alone; to replace them use --overwrite all, to be asked --overwrite ask\n"
+        for source, r, a, option, *told in [
+                ("one.dtd", "a", "b", "all"),
+                ("two.dtd", "a", "c", "all", "1 type of one.dtd" + one),
+                ("three.dtd", "a,b", "d", "all", "1 type of two.dtd" + one, "1 type of one.dtd" + one),
+                ("three.dtd", "a,c", "e", "all"),
+                ("sub/../three.dtd", "a,d", "f", "all"),
+                ("sub/three.dtd", "a,e", "g", "all", "2 types of %s/three.dtd" % self.folder + more),
+                ("-", "a,f", "h", "all", "2 types of three.dtd" + more),
+                ("-", "a,g", "i", "all", "2 types of standard input" + more),
+                ("four.dtd", "a,h", "j", "all"),
+                ("five.dtd", "a,i", "j", "", left, "1 type of four.dtd is different" + end),
+                ("five.dtd", "a,j", "k", "", left, "2 types of four.dtd are different" + end)]:
+            with self.subTest(source=source, a=a):
+                dtd = "<!ELEMENT r (%s)><!ELEMENT a (%s)>" % (r, a)
+                if source != "-":
+                    self.write(source, dtd)
+                status, _, said = self.run_import(
+                    source, "--create", "local", *["--overwrite", option] if option else [],
+                    *["-q"] if source == "four.dtd" else [], answers=dtd if source == "-" else "")
+                self.assertEqual((0 if option else 4, "".join("typeforge-import: " + line for line in told)), (status, said))
+        said = self.run_import("five.dtd", "--create", "local", "--overwrite", "ask")[2]
+        self.assertRegex(said, r"^The existing type is a different one, of %s/four.dtd \(2[-0-9]+T[0-9:]+Z\)\.\n.*a already exists" % self.folder)
 
     def test_a_lock_of_another_program_is_waited_for_once(self):
         self.run_import("pair.dtd", "--create", "local")
+        self.write("pair.dtd", "<!ELEMENT r (a,c)><!ELEMENT a (b,c)>")
         tables = self.folder + "/tables.db"
         with self.start("pair.dtd", "--create", "local", "--overwrite", "ask") as running:
             question = ""
@@ -129,7 +163,12 @@ class Create(unittest.TestCase):
                 reason = "[SQLite]database is locked (5) (SQLSTATE S1000)\n"
                 self.assertEqual("a - creation error\n%sr - creation error\n%s" % (reason, reason), running.communicate("a\n")[0])
                 self.assertEqual("Driver=SQLite3;Database=%s: error: %s" % (tables, reason), reading.communicate()[1])
+                self.assertEqual(4, running.wait())
             self.assertLess(time.monotonic() - start, 18)  # it is 10 s, and 10 s more for each further one
+            start = time.monotonic()
+            self.assertEqual((1, "", "typeforge-import: Repository Error (%s)\n" % reason.rstrip()),
+                             self.run_import("pair.dtd", "--create", "local"))
+            self.assertLess(time.monotonic() - start, 18)
 
     def test_types_are_created_whether_or_not_their_lines_are_read(self):
         lost = "typeforge-import: can't write standard output: %s\n"

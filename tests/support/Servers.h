@@ -10,6 +10,7 @@
 #include <chrono>
 #include <csignal>
 #include <poll.h>
+#include <sstream>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
@@ -97,6 +98,19 @@ public:
         process = -1;
     }
 
+    /// Kills the server with all its processes; only what it has handed to the system is kept.
+    void crash()
+    {
+        kill(process, SIGSTOP); // it would start again what is killed below it
+        const std::string id = std::to_string(process);
+        std::istringstream children(TempDir::read("/proc/" + id + "/task/" + id + "/children"));
+        for (pid_t child; children >> child;)
+            kill(child, SIGKILL);
+        kill(process, SIGKILL);
+        waitpid(process, nullptr, 0);
+        process = -1;
+    }
+
     const int port = freePort();
     const std::string user = "typeforge", password = "pass;word}=1";
 
@@ -154,16 +168,24 @@ class PostgresServer : public DatabaseServer
 public:
     PostgresServer() : DatabaseServer("PostgreSQL Unicode", "postgres")
     {
-        std::string programs;
         for (const auto& version : std::filesystem::directory_iterator("/usr/lib/postgresql"))
             programs = version.path().string() + "/bin/";
-        const std::string data = " -D " + folder.path("data");
         prepare(programs + "initdb" + data + " -U " + user + " -E UTF8 --locale=C --auth=scram-sha-256 --no-sync" +
                 " --pwfile=" + folder.write("password", password));
+        startAgain();
+    }
+
+    /// Starts it after its end, with options of the command line.
+    void startAgain(const std::string& options = "")
+    {
         start(programs + "postgres" + data + " -h 127.0.0.1 -p " + std::to_string(port) +
-                  " -c fsync=off -c unix_socket_directories=",
+                  " -c fsync=off -c unix_socket_directories= " + options,
               "postgres");
     }
+
+private:
+    const std::string data = " -D " + folder.path("data");
+    std::string programs;
 };
 
 /// MariaDB with an account `user` that may do everything.

@@ -67,7 +67,10 @@ public:
                 return;
             EXPECT_EQ(dialog->windowTitle(), "Overwrite confirmation");
             EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::ArrowCursor);
-            questions.push_back(dialog->findChild<QTextEdit*>()->toPlainText().toStdString());
+            QString texts;
+            for (const auto* edit : dialog->findChildren<QTextEdit*>()) // the question, then details
+                texts += (texts.isEmpty() ? "" : "|") + edit->toPlainText();
+            questions.push_back(texts.toStdString());
             const int button = answers.at(questions.size() - 1);
             if (button == 0)
                 dialog->close();
@@ -220,6 +223,23 @@ TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
     EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
     EXPECT_NE(desk.wizard().message, nullptr); // a new one, of the same importer
     EXPECT_EQ(desk.wizard().message->beginEnum(), 0);
+}
+
+TEST(BrokerRoad, NamesTheOtherSourceOfAChangedType)
+{
+    BrokerDesk desk;
+    desk.logOn("local", "1", nullptr, "");
+    desk.create({});
+    const CString first = desk.source;
+    desk.end();
+    desk.source = desk.dir.write("in/other.dtd", "<!ELEMENT r (b, a)><!ELEMENT a (y)><!ELEMENT b (x)>");
+    desk.wizard().options.setLastOutputSel(1);
+    desk.walkTo(IDD_LOGIN);
+    desk.logOn("local", "1", nullptr, "");
+    const Texts questions = desk.create({IDC_YES, IDC_NO, IDC_NO});
+    EXPECT_THAT(questions[0], testing::MatchesRegex(".*Overwrite[?][|]The existing type is a different one, of " +
+                                                    first + " \\(20[-0-9]+T[0-9:]+Z\\)[.]"));
+    EXPECT_THAT(questions[1], testing::EndsWith("Overwrite?")); // the same type
 }
 
 } // namespace

@@ -1,27 +1,16 @@
 #include "Broker/Client/TypeStore.h"
 
+#include "Broker/Client/TypeBatch.h"
+#include "Broker/Client/TypeStatements.h"
+
+#include <ctime>
+#include <tuple>
 #include <utility>
 
 namespace {
 
-// The revision counts how often the type has been replaced: it is how one statement can tell created from replaced.
-// Both databases take the same SQL. It begins with WITH, since the SQLite driver doesn't hand out the rows of a
-// statement that begins with INSERT.
-constexpr char kCreateTable[] = "CREATE TABLE IF NOT EXISTS typeforge_types "
-                                "(name TEXT PRIMARY KEY, document TEXT NOT NULL, revision INTEGER NOT NULL)";
-constexpr char kInsert[] = "WITH type (name, document) AS (SELECT ?, ?) "
-                           "INSERT INTO typeforge_types (name, document, revision) "
-                           "SELECT name, document, 0 FROM type WHERE true "
-                           "ON CONFLICT (name) DO NOTHING RETURNING revision";
-constexpr char kUpsert[] = "WITH type (name, document) AS (SELECT ?, ?) "
-                           "INSERT INTO typeforge_types (name, document, revision) "
-                           "SELECT name, document, 0 FROM type WHERE true "
-                           "ON CONFLICT (name) DO UPDATE SET document = excluded.document, "
-                           "revision = typeforge_types.revision + 1 RETURNING revision";
-// Stores nothing, yet needs the table and every right that the others need.
-constexpr char kProbe[] = "INSERT INTO typeforge_types (name, document, revision) "
-                          "SELECT name, document, revision FROM typeforge_types WHERE false "
-                          "ON CONFLICT (name) DO UPDATE SET document = excluded.document";
+// Fewer are sooner stored one by one: the server compiles its program anew for each batch.
+constexpr std::size_t kLeastBatch = 32;
 
 // A commit waits for the disk if it is synchronous and there is something to write, which the message is. All earlier
 // commits reach the disk before it. Where the administrator asks for more than `on` the server goes on doing so.
@@ -30,51 +19,28 @@ constexpr char kFinish[] = "SELECT set_config('synchronous_commit', "
                            "pg_logical_emit_message(true, 'typeforge', '') "
                            "FROM pg_settings WHERE name = 'synchronous_commit'";
 
-// What stands in the way of using the table; nothing when it can be used.
-std::optional<CDBException> probe(CDatabase& database)
+CString timeNow()
 {
-    try {
-        database.ExecuteSQL(kProbe);
-        return {};
-    } catch (const CDBException& error) {
-        return error;
-    }
+    const std::time_t now = std::time(nullptr);
+    std::tm parts = {};
+    char text[sizeof "2026-01-31T23:59:59Z"] = "";
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", gmtime_r(&now, &parts));
+    return text;
 }
 
-// A database that another program has locked, or that is silent: no use in asking it anything else.
-bool isBusy(const CDatabase& database, const CDBException& error)
+bool stops(const StoredType& type, ExistingRules rules)
 {
-    return !database.IsOpen() || std::string_view(error.what()).find("database is locked") != std::string_view::npos;
-}
-
-// Making the table comes second: it needs a right that whoever only adds types may lack, also where the table is
-// there. Where it fails because another has just made it, the second probe tells.
-void findOrMakeTable(CDatabase& database)
-{
-    const std::optional<CDBException> missing = probe(database);
-    if (!missing)
-        return;
-    if (isBusy(database, *missing))
-        throw *missing;
-    try {
-        database.ExecuteSQL(kCreateTable);
-    } catch (const CDBException&) {
-        if (probe(database))
-            throw;
-        return;
-    }
-    database.ExecuteSQL(kProbe);
+    const bool exists = type.code == StoredType::exists || type.code == StoredType::unchanged;
+    return exists && rules.ruleFor(type.code == StoredType::unchanged) != VornExisting::keep;
 }
 
 } // namespace
 
-TypeStore::TypeStore(std::shared_ptr<CDatabase> open, Place openPlace) : database(std::move(open)), place(openPlace)
+TypeStore::TypeStore(std::shared_ptr<CDatabase> open, TypeTable::Place place) :
+    database(std::move(open)), table(*database, place), hasBatches(place == TypeTable::Place::server)
 {
-    findOrMakeTable(*database);
-    if (place == Place::server)
+    if (place == TypeTable::Place::server)
         database->ExecuteSQL("SET synchronous_commit = off"); // for the connection
-    insert = std::make_unique<CStatement>(*database, kInsert);
-    upsert = std::make_unique<CStatement>(*database, kUpsert);
 }
 
 TypeStore::~TypeStore()
@@ -85,16 +51,81 @@ TypeStore::~TypeStore()
     }
 }
 
-TypeStore::Outcome TypeStore::store(const CString& name, const char* document, bool overwrite)
+StoredType::Code TypeStore::store(const NamedDocument& type, bool overwrite)
+{
+    const Values values = {type.name, type.document, "", ""};
+    if (!overwrite)
+        return run(insert, insertStatement, values).empty() ? StoredType::exists : StoredType::created;
+    return run(upsert, upsertStatement, values).at(0).at(0) == "0" ? StoredType::created : StoredType::replaced;
+}
+
+std::vector<StoredType> TypeStore::store(std::span<const NamedDocument> types, const CString& source,
+                                         ExistingRules rules)
+{
+    const SourceMark mark = {source, timeNow()};
+    const bool isBatch = hasBatches && !busy && types.size() >= kLeastBatch;
+    if (isBatch)
+        if (std::vector<StoredType> stored = storeBatch(types, mark, rules); !stored.empty())
+            return stored;
+    std::vector<StoredType> stored = {storeOne(types.front(), mark, rules)};
+    if (isBatch && !stops(stored.back(), rules))
+        hasBatches = false; // which should have stored that type, too
+    try {
+        while (!isBatch && stored.size() < types.size() && !stops(stored.back(), rules))
+            stored.push_back(storeOne(types[stored.size()], mark, rules));
+    } catch (const CDBException&) { // the next call tells it
+    }
+    return stored;
+}
+
+// Returns nothing if the first type needs storeOne(), or the server refuses such a program.
+std::vector<StoredType> TypeStore::storeBatch(std::span<const NamedDocument> types, const SourceMark& mark,
+                                              ExistingRules rules)
+{
+    isPending = true;
+    try {
+        if (!batch)
+            batch = std::make_unique<TypeBatch>(*database, table);
+        return batch->store(types, mark, rules);
+    } catch (const CDBException&) {
+        if (!database->IsOpen())
+            throw;
+        return {};
+    }
+}
+
+// Ends, since another program has stored the type in between each time that it goes round.
+StoredType TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules)
+{
+    for (;;) {
+        if (!run(insert, insertStatement, {type.name, type.document, mark.source, mark.time}).empty())
+            return {StoredType::created};
+        const CStatement::Rows rows = run(find, findStatement, {type.document, type.name});
+        if (rows.empty())
+            continue;
+        const auto& [revision, same, source, time] = std::tie(rows[0][0], rows[0][1], rows[0][2], rows[0][3]);
+        const bool isSame = same == "1";
+        const VornExisting rule = rules.ruleFor(isSame);
+        const Found found = {type.name, revision};
+        if (rule == VornExisting::replace || (rule == VornExisting::replaceFound && found == stoppedAt)) {
+            if (!run(update, updateStatement, {type.name, type.document, mark.source, mark.time, revision}).empty())
+                return {StoredType::replaced, {source, time}};
+            continue;
+        }
+        stoppedAt = found;
+        return {isSame ? StoredType::unchanged : StoredType::exists, {source, time}};
+    }
+}
+
+CStatement::Rows TypeStore::run(std::unique_ptr<CStatement>& statement, CString (*sql)(const TypeTable&), Values values)
 {
     if (busy)
         throw *busy;
     isPending = true;
     try {
-        const CStatement::Rows revisions = (overwrite ? *upsert : *insert).execute({name, document});
-        if (revisions.empty())
-            return exists;
-        return revisions[0][0] == "0" ? created : replaced;
+        if (!statement)
+            statement = std::make_unique<CStatement>(*database, sql(table));
+        return statement->execute(values);
     } catch (const CDBException& error) {
         if (isBusy(*database, error))
             busy = error;
@@ -104,7 +135,7 @@ TypeStore::Outcome TypeStore::store(const CString& name, const char* document, b
 
 void TypeStore::finish()
 {
-    if (place == Place::server && isPending)
+    if (table.place == TypeTable::Place::server && isPending)
         database->ExecuteSQL(kFinish);
     isPending = false;
 }

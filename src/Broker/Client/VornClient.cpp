@@ -2,21 +2,22 @@
 #include "Base/Secret.h"
 #include "Broker/Client/Address.h"
 #include "Broker/Client/Roles.h"
+#include "Broker/Client/StoredType.h"
 #include "Broker/Client/TypeDocument.h"
 #include "Broker/Client/TypeStore.h"
 #include "Broker/IVorn.h"
 #include "Database/ConnectString.h"
 #include "Files/UserFolders.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <exception>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
-
-constexpr std::uint32_t kRefused = 99;
 
 // The driver manager's state when it can't load a driver, or knows none of that name.
 constexpr const char* kNoDriver = "01000";
@@ -62,10 +63,34 @@ private:
     CString description;
 };
 
+// The full name that a document gives, "" for one that is none of a type.
+NamedDocument named(const char* document)
+{
+    return {queryTypeName(document).value_or(""), document};
+}
+
 class Creation final : public ClientObject<IVornCreation>
 {
 public:
     explicit Creation(std::shared_ptr<TypeStore> openStore) : store(std::move(openStore)) {}
+
+    VornResult createTypes(const char* const* documents, std::uint32_t count, const char* source, VornExisting changed,
+                           VornExisting unchanged, VornOutcome* outcomes, std::uint32_t* done) noexcept override
+    {
+        return attempt([&] {
+            types.clear();
+            for (std::uint32_t i = 0; i < count; ++i)
+                types.push_back(named(documents[i]));
+            const auto refused = std::ranges::find(types, "", &NamedDocument::name);
+            if (refused == types.begin())
+                stored = {{StoredType::refused}};
+            else
+                stored = store->store({types.begin(), refused}, source, {changed, unchanged});
+            *done = static_cast<std::uint32_t>(stored.size());
+            std::ranges::transform(stored, outcomes, [this](const StoredType& type) { return outcomeOf(type); });
+            return VornResult::done;
+        });
+    }
 
     VornResult finish() noexcept override
     {
@@ -76,21 +101,28 @@ public:
     }
 
 private:
+    VornOutcome outcomeOf(const StoredType& type) const
+    {
+        return {type.code, store->keepsSources() ? type.mark.source.c_str() : nullptr, type.mark.time.c_str()};
+    }
+
     std::shared_ptr<TypeStore> store;
+    std::vector<NamedDocument> types;
+    std::vector<StoredType> stored; // by the last call
 };
 
 class Repository final : public ClientObject<IVornRepository>
 {
 public:
-    Repository(std::shared_ptr<CDatabase> database, TypeStore::Place place) :
+    Repository(std::shared_ptr<CDatabase> database, TypeTable::Place place) :
         store(std::make_shared<TypeStore>(std::move(database), place))
     {}
 
     VornResult createType(const char* document, std::int32_t overwrite, std::uint32_t* code) noexcept override
     {
         return attempt([&] {
-            const std::optional<CString> name = queryTypeName(document);
-            *code = name ? store->store(*name, document, overwrite != 0) : kRefused;
+            const NamedDocument type = named(document);
+            *code = type.name.empty() ? StoredType::refused : store->store(type, overwrite != 0);
             return VornResult::done;
         });
     }
@@ -108,7 +140,7 @@ private:
 class Connection final : public ClientObject<IVornConnection>
 {
 public:
-    Connection(std::shared_ptr<CDatabase> open, TypeStore::Place openPlace) :
+    Connection(std::shared_ptr<CDatabase> open, TypeTable::Place openPlace) :
         database(std::move(open)), place(openPlace)
     {}
 
@@ -122,7 +154,7 @@ public:
 
 private:
     std::shared_ptr<CDatabase> database; // the repository's too, which may live longer
-    const TypeStore::Place place;
+    const TypeTable::Place place;
 };
 
 class Server final : public ClientObject<IVornIntegrationServer>
@@ -182,7 +214,7 @@ private:
             return VornResult::failed;
         }
         *connection =
-            new Connection(std::move(database), address->isLocal() ? TypeStore::Place::file : TypeStore::Place::server);
+            new Connection(std::move(database), address->isLocal() ? TypeTable::Place::file : TypeTable::Place::server);
         return VornResult::done;
     }
 

@@ -5,6 +5,7 @@
 #include "Base/ServerAddress.h"
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
+#include "Broker/TypeSource.h"
 #include "Resources/StringTable.h"
 #include "Ui/LongWork.h"
 #include "Ui/RecentCombo.h"
@@ -246,21 +247,25 @@ std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
         progress->show();
     });
     options.clearResultList();
-    const auto askThere = [this](const CString& question) {
+    const auto askThere = [this](const CString& question, const CString& details) {
         OverwriteChoice choice = OverwriteChoice::no;
-        inWindowThread([&] { choice = ask(question); });
+        inWindowThread([&] { choice = ask(question, details); });
         return choice;
     };
+    const bool readsTables = wizard->message->queryDescriptor()->querySource().readsTables;
+    const CString& source = wizard->script.source;
     CreationRun run(session,
-                    {askThere, [&options](const CString& line, ResultKind kind) { options.addResult(line, kind); }});
+                    {askThere, [&options](const CString& line, ResultKind kind) { options.addResult(line, kind); }},
+                    {readsTables ? tableSource(source) : fileSource(source)});
     const int errors = run.run(*wizard->message);
     return run.wasCancelled() ? std::nullopt : std::optional(errors);
 }
 
-OverwriteChoice LoginToBroker::ask(const CString& question)
+OverwriteChoice LoginToBroker::ask(const CString& question, const CString& details)
 {
     OverWriteDlg dialog(this);
     dialog.text = question;
+    dialog.details = details;
     const PlainCursor arrow;
     dialog.DoModal();
     CString& word = wizard->script.overwrite; // what the first answer says of all of them

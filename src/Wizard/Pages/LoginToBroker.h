@@ -41,7 +41,7 @@ private:
     bool UpdateData();
     QWidget* blankField() const;
     void storeChoices();
-    OverwriteChoice ask(const CString& question);
+    OverwriteChoice ask(const CString& question, const CString& details);
     std::optional<int> createTypes(BrokerSession& session);
 
     QLineEdit* passwordEdit = nullptr;

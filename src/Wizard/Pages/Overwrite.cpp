@@ -39,10 +39,11 @@ void OverWriteDlg::addButton(int id, const char* label, void (OverWriteDlg::*han
 
 int OverWriteDlg::DoModal()
 {
-    auto* question = new MessageTexts(toUi(text), {}); // which breaks a long name, and scrolls where it is too long yet
+    auto* question =
+        new MessageTexts(toUi(text), toUi(details)); // which breaks a long name, and scrolls where it is too long yet
     question->setObjectName(QString::number(IDC_OVERWRITE_TEXT));
     static_cast<QGridLayout*>(layout())->addWidget(question, 0, 0, 1, 4);
-    setAccessibleDescription(toUi(text));
+    setAccessibleDescription(question->wholeText());
     const QSize room = screen()->availableSize();
     const int letter = fontMetrics().averageCharWidth(); // 4 dialog units
     question->fitInto(letter * 213 / 4, std::min(letter * 80, room.width() * 8 / 10), room.height() / 2);

@@ -20,7 +20,8 @@ public:
     void OnNotoall() { answer(OverwriteChoice::noToAll); }
 
     OverwriteChoice choice = OverwriteChoice::no;
-    CString text; ///< the question
+    CString text;    ///< the question
+    CString details; ///< shown below it; "": there are none
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

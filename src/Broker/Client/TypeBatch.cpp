@@ -1,0 +1,78 @@
+#include "Broker/Client/TypeBatch.h"
+
+#include "Broker/Client/TypeStatements.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+// Settings of the session carry the types to the program on the server and the outcomes back: it takes no parameters.
+// No text of a type or a source has these characters, which XML doesn't allow.
+constexpr char kEnd = '\x01';
+constexpr char kPartEnd = '\x02';
+constexpr char kGive[] = "SELECT length(set_config('typeforge.batch', ?, false)), "
+                         "set_config('typeforge.told', '', false)";
+constexpr char kTake[] = "SELECT current_setting('typeforge.told')";
+
+const char* wordFor(VornExisting rule)
+{
+    return rule == VornExisting::replace ? "replace" : rule == VornExisting::keep ? "keep" : "stop";
+}
+
+CString packed(std::span<const NamedDocument> types, const SourceMark& mark, ExistingRules rules)
+{
+    CString text;
+    const auto add = [&text](std::string_view part) { text.append(part) += kEnd; };
+    add(wordFor(rules.changed));
+    add(wordFor(rules.unchanged));
+    add(mark.source);
+    add(mark.time);
+    for (const NamedDocument& type : types) {
+        add(type.name);
+        add(type.document);
+    }
+    text.pop_back();
+    return text;
+}
+
+// The text up to `end`, which is taken off with it.
+std::string_view takePart(std::string_view& text, char end)
+{
+    const std::size_t length = std::min(text.find(end), text.size());
+    const std::string_view part = text.substr(0, length);
+    text.remove_prefix(std::min(length + 1, text.size()));
+    return part;
+}
+
+std::vector<StoredType> unpacked(std::string_view told)
+{
+    std::vector<StoredType> types;
+    while (!told.empty()) {
+        std::string_view type = takePart(told, kEnd);
+        const auto code = static_cast<StoredType::Code>(type.front() - '0');
+        type.remove_prefix(1);
+        const std::string_view source = takePart(type, kPartEnd);
+        types.push_back({code, {CString(source), CString(type)}});
+    }
+    return types;
+}
+
+} // namespace
+
+TypeBatch::TypeBatch(CDatabase& openOn, const TypeTable& table) :
+    database(openOn), program(batchProgram(table)), give(openOn, kGive), take(openOn, kTake)
+{}
+
+std::vector<StoredType> TypeBatch::store(std::span<const NamedDocument> types, const SourceMark& mark,
+                                         ExistingRules rules)
+{
+    give.execute({packed(types, mark, rules)});
+    try {
+        database.ExecuteSQL(program);
+    } catch (const CDBException&) { // those before the one that failed are stored
+        if (!database.IsOpen())
+            throw;
+    }
+    return unpacked(take.execute()[0][0]);
+}

@@ -1,0 +1,79 @@
+#include "Broker/Client/TypeTable.h"
+
+#include <optional>
+#include <string_view>
+
+namespace {
+
+// The revision counts how often the type has been replaced. The source is that of one revision: a program that knows
+// nothing of sources replaces a type and leaves them as they are.
+constexpr char kCreateTable[] = "CREATE TABLE IF NOT EXISTS typeforge_types "
+                                "(name TEXT PRIMARY KEY, document TEXT NOT NULL, revision INTEGER NOT NULL, "
+                                "source TEXT, source_time TEXT, source_revision INTEGER)";
+constexpr const char* kAddColumns[] = {"ALTER TABLE typeforge_types ADD COLUMN source TEXT",
+                                       "ALTER TABLE typeforge_types ADD COLUMN source_time TEXT",
+                                       "ALTER TABLE typeforge_types ADD COLUMN source_revision INTEGER"};
+
+// These store nothing, yet need the table and every right that the other statements need.
+constexpr char kProbe[] = "INSERT INTO typeforge_types (name, document, revision) "
+                          "SELECT name, document, revision FROM typeforge_types WHERE false "
+                          "ON CONFLICT (name) DO UPDATE SET document = excluded.document";
+constexpr char kProbeSources[] =
+    "INSERT INTO typeforge_types (name, document, revision, source, source_time, source_revision) "
+    "SELECT name, document, revision, source, source_time, source_revision FROM typeforge_types WHERE false "
+    "ON CONFLICT (name) DO UPDATE SET document = excluded.document, source = excluded.source";
+
+// What stands in the way of a statement; nothing if it runs. Raises a busy database's error.
+std::optional<CDBException> attempt(CDatabase& database, const char* sql)
+{
+    try {
+        database.ExecuteSQL(sql);
+        return {};
+    } catch (const CDBException& error) {
+        if (isBusy(database, error))
+            throw;
+        return error;
+    }
+}
+
+// Making the table comes second: it needs a right that whoever only adds types may lack, also where the table is
+// there. Where it fails because another has just made it, the second probe tells.
+void findOrMakeTable(CDatabase& database)
+{
+    if (!attempt(database, kProbe))
+        return;
+    const std::optional<CDBException> failure = attempt(database, kCreateTable);
+    if (const std::optional<CDBException> missing = attempt(database, kProbe))
+        throw failure ? *failure : *missing;
+}
+
+// Each column for itself: another program may be adding them too, or have been interrupted.
+void addSourceColumns(CDatabase& database, TypeTable::Place place)
+{
+    if (place == TypeTable::Place::server) // whoever waits for the table makes all others wait
+        database.ExecuteSQL("SET lock_timeout = '1s'");
+    for (const char* column : kAddColumns)
+        attempt(database, column);
+    if (place == TypeTable::Place::server)
+        database.ExecuteSQL("RESET lock_timeout");
+}
+
+} // namespace
+
+bool isBusy(const CDatabase& database, const CDBException& error)
+{
+    return !database.IsOpen() || std::string_view(error.what()).find("database is locked") != std::string_view::npos;
+}
+
+TypeTable::TypeTable(CDatabase& database, Place openPlace) : place(openPlace)
+{
+    keepsSources = !attempt(database, kProbeSources);
+    if (keepsSources)
+        return;
+    findOrMakeTable(database);
+    keepsSources = !attempt(database, kProbeSources);
+    if (keepsSources)
+        return;
+    addSourceColumns(database, place);
+    keepsSources = !attempt(database, kProbeSources);
+}
