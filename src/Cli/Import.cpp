@@ -91,6 +91,8 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
                    const std::vector<CString>& files, TableSource& tables, Diagnostics& diagnostics)
 {
     const CString basePath = basePathOf(arguments, message);
+    if (arguments.hasBasePath && importer.querySource().namesFolders)
+        diagnostics.warning("--base-path has no effect: the document says where its types lie");
     message.setFurtherFiles({files.begin() + 1, files.end()});
     if (!arguments.report.file.empty() || arguments.report.isStrict || arguments.verbosity != Verbosity::quiet)
         message.wantReport();
@@ -121,6 +123,15 @@ MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diag
             return nullptr;
     }
     return importer;
+}
+
+// A source is looked at before it is read if its importer isn't told, and after a literal reading that failed.
+std::vector<CString> sourceFiles(const Arguments& arguments)
+{
+    const MsgUIDescriptor* const importer = arguments.importer;
+    if (importer && importer->querySource().readsTables)
+        return arguments.sources;
+    return filesOf(arguments.sources, !importer || (importer->hasFull() && !arguments.full.isWanted));
 }
 
 // The file that would be written though it is read or written for another end, too; "" where there is none.
@@ -157,9 +168,7 @@ int runImport(const Arguments& arguments)
     const ProgressLine progressLine;
     if (const CString mistake = mistakeInEpoch(); !mistake.empty())
         return reportMistake(mistake);
-    const bool isTold = arguments.importer && arguments.importer->querySource().readsTables;
-    const std::vector<CString> files =
-        isTold ? arguments.sources : filesOf(arguments.sources, arguments.importer == nullptr);
+    const std::vector<CString> files = sourceFiles(arguments);
     Diagnostics diagnostics(shownSource(files.front()), arguments.verbosity);
     const MsgUIDescriptor* const importer = arguments.importer ? arguments.importer : importerOf(files, diagnostics);
     if (!importer)

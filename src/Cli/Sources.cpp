@@ -1,11 +1,13 @@
 #include "Cli/Sources.h"
 
 #include "Cli/Diagnostics.h"
+#include "Files/Descriptor.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
+#include "Files/KeptPipe.h"
 #include "Import/Registry/ImporterChoice.h"
 
-#include <cstdio>
+#include <cerrno>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,13 +31,8 @@ bool canBeOpened(bool twice)
 // Puts a file without a name in the place of standard input, with all that comes from there.
 void copyStandardInput()
 {
-    std::FILE* const copy = std::tmpfile(); // open until the end
-    bool isWhole = copy != nullptr;
-    char piece[1 << 16];
-    ssize_t size = 0;
-    while (isWhole && (size = ::read(STDIN_FILENO, piece, sizeof piece)) > 0)
-        isWhole = std::fwrite(piece, 1, static_cast<std::size_t>(size), copy) == static_cast<std::size_t>(size);
-    if (!isWhole || size < 0 || std::fflush(copy) != 0 || ::dup2(::fileno(copy), STDIN_FILENO) < 0)
+    const Descriptor copy(copyToFile(STDIN_FILENO));
+    if (!copy.isOpen() || ::dup2(copy.get(), STDIN_FILENO) < 0)
         throw std::runtime_error("can't copy standard input");
 }
 
@@ -60,6 +57,8 @@ std::vector<CString> filesOf(const std::vector<CString>& sources, bool isReadTwi
     for (const CString& source : sources) {
         if (source == "-" && !canBeOpened(isReadTwice))
             copyStandardInput();
+        else if (isReadTwice && isPipe(source) && !keepPipe(source))
+            throw std::runtime_error("can't copy " + source + ": " + inWords(errno));
         files.push_back(source == "-" ? kStandardInput : source);
     }
     return files;

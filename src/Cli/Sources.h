@@ -7,8 +7,8 @@
 class Diagnostics;
 class MsgUIDescriptor;
 
-/// The files that sources of the command line stand for: "-" is standard input. `isRead` more than once: it is copied
-/// where it could not be.
+/// The files that sources of the command line stand for: "-" is standard input. With `isReadTwice`, standard input and
+/// pipes are copied, since they can be read only once.
 std::vector<CString> filesOf(const std::vector<CString>& sources, bool isReadTwice);
 
 /// The importer for a source, where the command line names none; null where that can't be told, which has then been

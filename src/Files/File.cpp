@@ -1,6 +1,7 @@
 #include "Files/File.h"
 
 #include "Base/Progress.h"
+#include "Files/KeptPipe.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -27,7 +28,7 @@ int refusal(int descriptor, const struct stat& state)
 } // namespace
 
 InputFile::InputFile(const CString& fileName, std::size_t most) :
-    descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))
+    descriptor(::open(openedFile(fileName).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))
 {
     struct stat state = {};
     if (!descriptor.isOpen() || ::fstat(descriptor.get(), &state) != 0)
@@ -89,7 +90,7 @@ FileCause readFile(const CString& fileName, CString& out, std::size_t most)
 FileCause testReadable(const CString& fileName)
 {
     struct stat state = {};
-    if (::stat(fileName.c_str(), &state) != 0)
+    if (::stat(openedFile(fileName).c_str(), &state) != 0)
         return fileCauseOf(errno);
     if (S_ISFIFO(state.st_mode) || S_ISCHR(state.st_mode) || S_ISBLK(state.st_mode) || S_ISSOCK(state.st_mode))
         return fileCauseOf(ENOTSUP);

@@ -11,6 +11,7 @@ struct ImporterSource
     const char* word = "";     ///< on the command line
     unsigned int filterId = 0; ///< string-table id of the file filter's label, its pattern's follows it; 0: no files
     bool readsTables = false;  ///< the source is a data source, not a file
+    bool namesFolders = false; ///< the source says where its types lie; a base path has no effect
 };
 
 /// What the program says of an importer before there is one: its names, its default base path, the page that follows

@@ -147,6 +147,9 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd /dev/zero", {1, "", "/dev/zero: error: The system refuses it\n"}},
         {"$import xml /dev/zero", {1, "", "/dev/zero: error: Operation not supported\n"}},
 
+        {"$import r.dtd -o r.btd && $import btd r.btd -b '\\x' -l",
+         {0, kList, "r.btd: warning: --base-path has no effect: the document says where its types lie\n"}},
+
         // Nothing comes of it.
         {"echo '<r><s t=\"1\"/></r>' >o.xml; $import dtd o.xml -o old; echo $?; cat old",
          {0, "1\n" + kList, "o.xml: error: no type came of it; it looks like a source for xml\n"}},
@@ -401,6 +404,13 @@ not compatible: it breaks readers
         // Pipes are read and written, and what standard output leads to is added to.
         {"mkfifo p q; cat r.dtd >p & cat q & $import dtd p -l -o q; wait", {0, kList, ""}},
         {"echo >new; $import dtd r.dtd -l -o /dev/stdout >>new; cat new", {0, "\n" + kList, ""}},
+        // What a pipe is called says nothing of what comes, and whoever reads it again reads the same.
+        {"mkfifo x.dtd; cat i.xsd >x.dtd & $import x.dtd -v 2>&1 | head -1; cat r.dtd | $import -l /dev/fd/0; rm "
+         "x.dtd; "
+         "mkfifo x.dtd; cat f.xsd >x.dtd & $import xsd x.dtd",
+         {1, "x.dtd: note: read as a source for xsd\n" + kList,
+          "x.dtd: error: this document does not contain a root element\n"
+          "x.dtd: warning: read it with --full: it uses a target namespace, a prefix other than xs\n"}},
         // A large piece behind small ones.
         {"export SOURCE_DATE_EPOCH=0; $import dtd wide >a; $import dtd wide -o b; cmp a b", {0, "", ""}},
 

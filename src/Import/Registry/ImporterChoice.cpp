@@ -1,6 +1,7 @@
 #include "Import/Registry/ImporterChoice.h"
 
 #include "Files/File.h"
+#include "Files/KeptPipe.h"
 
 #include <algorithm>
 #include <fstream>
@@ -28,7 +29,7 @@ bool endsWith(std::string_view name, std::string_view ending)
 CString startOf(const CString& fileName)
 {
     CString start(kLookedAt, '\0');
-    std::ifstream(fileName, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));
+    std::ifstream(openedFile(fileName), std::ios::binary).read(start.data(), static_cast<std::streamsize>(kLookedAt));
     std::erase(start, '\0');
     return start;
 }
@@ -108,7 +109,10 @@ MsgUIDescriptor* importerFor(const CString& fileName)
         return nullptr;
     const auto* named = std::find_if(std::begin(kEndings), std::end(kEndings),
                                      [&](const Ending& row) { return endsWith(fileName, row.ending); });
-    std::string_view word = named != std::end(kEndings) ? named->importer : wordFor(startOf(fileName));
+    const bool isNamed = named != std::end(kEndings);
+    std::string_view word = isNamed && !isPipe(fileName) ? named->importer : wordFor(startOf(fileName));
+    if (word.empty() && isNamed)
+        word = named->importer;
     if (word.empty() &&
         endsWith(fileName, ".xml")) // a prolog that takes more than was looked at, or no XML, to be told
         word = "xml";

@@ -3,6 +3,7 @@
 #include "Import/MsgUIDescriptor.h"
 
 /// The importer for a file, told by the end of its name (.dtd, .mod, .ent, .xsd in any letter case) and else by how it
-/// starts: types that were written earlier, a schema, declarations of a DTD, or any other XML. Null when the file can't
-/// be read or is none of these. Looks at its first 64 kB.
+/// starts: types that were written earlier, a schema, declarations of a DTD, or any other XML. A pipe is told by how it
+/// starts, whatever its name; it must have been kept. Null when the file can't be read or is none of these. Looks at
+/// its first 64 kB.
 MsgUIDescriptor* importerFor(const CString& fileName);

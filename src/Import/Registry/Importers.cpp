@@ -17,7 +17,7 @@ MsgUIDescriptor XMLDataMessage::m_descr("\\sys\\xml\\", IDS_XMLDATA_NAME, IDS_XM
 MsgUIDescriptor SchemaMessage::m_descr("\\sys\\xml\\", IDS_SCHEMA_NAME, IDS_SCHEMA_DESCRIPTION, SchemaMessage::New,
                                        IDD_SOURCE, SchemaFullMessage::New, {"xsd", IDS_FILTER_SCHEMA});
 MsgUIDescriptor BrokerMessage::m_descr("\\", IDS_BTD_NAME, IDS_BTD_DESCRIPTION, BrokerMessage::New, IDD_SOURCE, nullptr,
-                                       {"btd", IDS_FILTER_XML});
+                                       {"btd", IDS_FILTER_XML, false, true});
 MsgUIDescriptor ODBCMessage::m_descr("\\", IDS_ODBC_NAME, IDS_ODBC_DESCRIPTION, ODBCMessage::New, IDD_DATA_SOURCE,
                                      nullptr, {"odbc", 0, true});
 
