@@ -100,11 +100,9 @@ CString shortened(std::string_view name)
 {
     std::string_view start = name.substr(0, kMaxName);
     dropCutCharacter(start);
-    CString text(start);
+    CString text = shownText(start);
     if (name.size() > kMaxName)
         text += "...";
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     return text;
 }
 

@@ -24,7 +24,8 @@ DTDEntities::Text& DTDEntities::addMain(const CString& fileName, std::string_vie
     if (text.data() == room.data() && !room.empty())
         text = types.adopt(std::move(room));
     read += text.size();
-    Text& file = files.emplace_back(Text{text, {report.addFile(fileName), 1}, true});
+    Text& file = files.emplace_back(Text{text, {report.addFile(fileName), 1, 1}, true});
+    folders.emplace(file.start.file, folderOf(fileName));
     if (const auto id = identify(fileName))
         filesById.emplace(*id, &file);
     return file;
@@ -74,6 +75,7 @@ void DTDEntities::replaceReferences(Entity& entity, std::string_view value)
     checkDepth(entity.depth);
     spend(out.size());
     entity.value.text = types.adopt(std::move(out));
+    entity.value.isMade = true;
 }
 
 // Replaces what stands at the start of `rest` and answers how much that is. What is no reference to a text that is
@@ -111,8 +113,9 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
         report.add(SourceReport::entityUndeclared, where, name);
         return nullptr;
     }
-    if (!entity->text && entity->isModule)
+    if (!entity->text && entity->isModule && !entity->isMissing)
         entity->text = load(*entity, where);
+    entity->isMissing = !entity->text;
     if (!entity->text)
         return nullptr;
     if (entity->text->isOpen) {
@@ -129,11 +132,9 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
 DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
 {
     const std::uint32_t declaring = entity.value.start.file;
-    const auto [folder, isNew] = folders.try_emplace(declaring);
-    if (isNew)
-        folder->second = folderOf(report.fileNameOf(declaring));
+    const CString& folder = folders.at(declaring);
     const CString path = localPath(entity.systemId);
-    const auto found = finder.find(folder->second, path);
+    const auto found = finder.find(folder, path);
     if (!found) {
         const bool isRemote = path.empty() && !entity.systemId.empty();
         report.add(isRemote ? SourceReport::moduleRemote : SourceReport::moduleMissing, where,
@@ -152,12 +153,15 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
         throw SourceRefusal{cantOpen(found->name, cause),
                             {report.fileNameOf(where.file),
                              CString(entity.systemId) + ": " + inWords(found->name, cause),
-                             static_cast<long>(where.line)}};
+                             static_cast<long>(where.line), static_cast<long>(where.column)}};
     const std::string_view text = decodeText(bytes, room);
     const std::string_view kept =
         text.data() == room.data() ? types.adopt(std::move(room)) : types.adopt(CString(text));
     read += kept.size();
-    return filesById[found->id] = &files.emplace_back(Text{kept, {report.addFile(found->name), 1}});
+    const CString shown = shownFrom(report.fileNameOf(declaring), folder, path, *found);
+    const SourcePlace start{report.addFile(shown), 1, 1};
+    folders.emplace(start.file, folderOf(found->name));
+    return filesById[found->id] = &files.emplace_back(Text{kept, start});
 }
 
 void DTDEntities::spend(std::size_t bytes)

@@ -18,6 +18,7 @@ public:
         std::string_view text;
         SourcePlace start;
         bool isOpen = false; ///< is being read
+        bool isMade = false; ///< from others, so that lines and columns in it are those of no file
     };
 
     DTDEntities(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
@@ -30,8 +31,8 @@ public:
     void declare(std::string_view name, std::string_view value, SourcePlace place);
     void declareModule(std::string_view name, std::string_view systemId, SourcePlace place);
 
-    /// The text to be read for a reference, or null when there is none, which has then been noted. `depth` is how many
-    /// entities the reference stands in.
+    /// The text to be read for a reference, or null when there is none, which has then been noted; a module is looked
+    /// for, and missed, once. `depth` is how many entities the reference stands in.
     Text* open(std::string_view name, std::size_t depth, SourcePlace where);
     void close(Text& text) { text.isOpen = false; }
 
@@ -44,6 +45,7 @@ private:
         Text* text = nullptr;      // null for a module that isn't loaded, or isn't there
         std::size_t depth = 1;     // how deep entities nest in it
         bool isModule = false;
+        bool isMissing = false;
 
         std::string_view queryName() const { return name; }
     };
@@ -61,7 +63,7 @@ private:
     KeyedTable<Entity, &Entity::queryName> entities;
     std::deque<Text> files;
     std::map<FileId, Text*> filesById;
-    std::map<std::uint32_t, CString> folders; // by the file that lies there
+    std::map<std::uint32_t, CString> folders; // by the number of the file that lies there
     FileFinder finder;
     std::size_t read = 0;
     std::size_t expanded = 0;

@@ -2,11 +2,11 @@
 
 #include "Base/Progress.h"
 #include "Base/QELApp.h"
+#include "Base/Utf8.h"
 #include "Import/Dtd/DTDNotes.h"
 #include "Resources/StringTable.h"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace {
@@ -74,7 +74,7 @@ DTDElement* DTDElement::enumNext()
 
 DTDMessage::Text::Text(std::string_view whole) :
     whole(whole), elementKeyword(whole), attlistKeyword(whole), nameStart(whole), nameEnd(whole), firstInModel(whole),
-    behindTextKeyword(whole), groups(whole), told(Work::reading, whole.size(), kStepsATick)
+    behindTextKeyword(whole), groups(whole), told(Work::reading, whole.size(), kStepsATick), places(whole)
 {}
 
 int DTDMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
@@ -85,8 +85,7 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     text = &parsed;
     sourceName = fileName;
     report.addFile(fileName);
-    if (isReportWanted)
-        reportPassedOver(parsed.whole, parsed.lines.emplace(parsed.whole), report);
+    DTDNotes(parsed.whole, parsed.places, report, isReportWanted).read();
     const int result = scan();
     if (result)
         declareAll(basePath + mainType + "\\");
@@ -139,30 +138,32 @@ int DTDMessage::scan()
             continue;
         read += from - start;
         if (read > kFreeOverlap && read / kMaxOverlap > text->whole.size())
-            return refuse(text->whole.substr(start, from - start));
+            return refuse(text->whole.substr(start, from - start),
+                          "statements that span each other come to more than " + std::to_string(kMaxOverlap) +
+                              " times the text");
         if (!doParse(start, from))
             return 0;
     }
     return 1;
 }
 
-int DTDMessage::refuse(std::string_view statement)
+// The text of the message is fixed; which bound is passed is said beside it.
+int DTDMessage::refuse(std::string_view statement, const CString& bound)
 {
-    std::size_t size = std::min(statement.size(), kExcerpt);
-    while (size > 0 && size < statement.size() && (statement[size] & 0xC0) == 0x80) // inside a character
-        --size;
-    const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement.substr(0, size));
-    return fail(words, faultAt(static_cast<std::size_t>(statement.data() - text->whole.data()), words));
+    std::string_view start = statement.substr(0, kExcerpt);
+    if (start.size() < statement.size())
+        dropCutCharacter(start);
+    return fail(fillText(loadText(IDS_DTD_STATEMENT), start),
+                faultAt(placeOf(statement), fillText(loadText(IDS_DTD_STATEMENT),
+                                                     "a bound is passed, since " + bound + ": " + CString(start))));
 }
 
 // What is said of the statement that begins at `at`, or at the '<' before.
-SourceFault DTDMessage::faultAt(std::size_t at, std::string_view words)
+SourceFault DTDMessage::faultAt(std::size_t at, const CString& words)
 {
-    if (!text->lines)
-        text->lines.emplace(text->whole);
     const std::size_t start = text->whole.rfind('<', at);
-    const std::size_t place = start == kNowhere ? at : start;
-    return {sourceName, CString(words), text->lines->lineOf(place), text->lines->columnOf(place)};
+    const SourcePlace place = text->places.at(start == kNowhere ? at : start);
+    return {sourceName, words, place.line, place.column};
 }
 
 // One statement, from its '<' to behind its '>'. Both handlers run when both keywords occur.
@@ -188,10 +189,12 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
         return 1;
     const std::string_view name = kBlank.trim(text->whole.substr(nameStart, nameEnd - nameStart));
     if (mainType.empty() && name.size() > kMaxMainType)
-        return refuse(text->whole.substr(start, end - start));
+        return refuse(text->whole.substr(start, end - start),
+                      "the name of the main type has more than " + std::to_string(kMaxMainType) + " bytes");
     if (mainType.empty())
         mainType = toXmlText(name);
-    DTDElement& element = addDTDElement(name, nullptr);
+    DTDElement& element = addPiece(name, nullptr);
+    element.isDeclared = true;
     const std::size_t group = text->groups.firstFrom(nameEnd);
     if (group == text->groups.size() || text->groups.openOf(group) >= end ||
         holdsTextOnly(text->groups.openOf(group), end))
@@ -267,9 +270,9 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
         if (name.empty() || isTextKeyword(name))
             continue;
         if (mark.empty() || piece.ends_with('*') || piece.ends_with('+'))
-            addDTDElement(piece, parent);
+            addPiece(piece, parent);
         else
-            addJoined(joined.assign(piece).append(mark), parent);
+            addMarked(piece, mark, parent);
     }
 }
 
@@ -294,26 +297,33 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
             const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement);
             SourceFault fault = faultAt(start, words);
             fault.isWarning = true;
-            report.add(SourceReport::statementUnreadable, {0, static_cast<std::uint32_t>(fault.line)}, statement);
+            report.add(SourceReport::statementUnreadable,
+                       {0, static_cast<std::uint32_t>(fault.line), static_cast<std::uint32_t>(fault.column)},
+                       statement);
             theApp.Error(words, IDS_ERROR_TITLE, fault);
             return;
         }
         if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)
             continue;
         DTDElement& field = addAttribute(element, attribute);
-        addDTDElement(element, nullptr).addChild(&field);
+        DTDElement& record = addPiece(element, nullptr);
+        record.addChild(&field);
+        if (left < statement.size()) { // what is no element has been taken for one
+            note(SourceReport::inventedType, record, placeOf(element), element);
+            field.isNoted = true;
+        }
         drop(kCdata.size());
         drop(kImplied.size());
     }
 }
 
 // The entry of `child`, made when it is new; `parent` gets it as a child.
-DTDElement& DTDMessage::addDTDElement(std::string_view child, DTDElement* parent)
+DTDElement& DTDMessage::addDTDElement(std::string_view child, std::size_t place, DTDElement* parent)
 {
     const std::uint32_t hash = keyHash(child);
     DTDElement* entry = dtdElements.find(child, hash);
     if (!entry) {
-        entry = std::pmr::polymorphic_allocator<>(&memory).new_object<DTDElement>(child, &memory);
+        entry = std::pmr::polymorphic_allocator<>(&memory).new_object<DTDElement>(child, place, &memory);
         dtdElements.store(entry, hash);
     }
     if (parent)
@@ -322,9 +332,11 @@ DTDElement& DTDMessage::addDTDElement(std::string_view child, DTDElement* parent
 }
 
 // The same for a name that does not stand in the text as it is.
-DTDElement& DTDMessage::addJoined(const CString& name, DTDElement* parent)
+DTDElement& DTDMessage::addMarked(std::string_view piece, std::string_view mark, DTDElement* parent)
 {
-    return addDTDElement(dtdElements.find(name) ? std::string_view(name) : memory.keep(name), parent);
+    joined.assign(piece).append(mark);
+    return addDTDElement(dtdElements.find(joined) ? std::string_view(joined) : memory.keep(joined), placeOf(piece),
+                         parent);
 }
 
 // The entry of an attribute. Its two names need not be of one encoding, so each is made fit by itself.
@@ -335,7 +347,9 @@ DTDElement& DTDMessage::addAttribute(std::string_view element, std::string_view 
         return *known;
     if (!isXmlText(joined))
         joined = toXmlText(element) + "_" + toXmlText(attribute);
-    return addDTDElement(memory.keep(joined), nullptr);
+    DTDElement& field = addDTDElement(memory.keep(joined), placeOf(attribute), nullptr);
+    field.isAttribute = true;
+    return field;
 }
 
 void DTDMessage::declareAll(const CString& path)
@@ -350,7 +364,7 @@ void DTDMessage::declareRecord(DTDElement& record, const CString& path)
 {
     RunningHash key(record.queryName());
     Element* row = model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
-    noteName(record, *row);
+    noteName(record, record, *row);
     key.append(".");
     while (DTDElement* child = record.enumNext())
         declareField(*child, path, key, row);
@@ -363,28 +377,35 @@ void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHas
     std::string_view name = child.queryName();
     const Modifiers mark = getModifiers(name); // takes the mark off the name
     const Fingerprint key = usageKey.append(name);
-    if (child.element)
+    if (child.element) {
         model.addUsage(key, child.element, record);
-    else
+    } else {
         child.element = model.addElement(key, path, name, Element::typeString, record);
-    noteName(child, *child.element);
+        DTDElement* const unmarked = name.size() == child.queryName().size() ? &child : dtdElements.find(name);
+        noteName(unmarked ? *unmarked : child, child, *child.element);
+    }
     if (mark == modStar || mark == modPlus)
         model.addUsage(key, child.element, record);
 }
 
-// Reports a name that no element or attribute of a document can have; once, by its first place.
-void DTDMessage::noteName(DTDElement& entry, const Element& element)
+// Reports a name that no element or attribute of a document can have, or that is of no element that is declared; once,
+// by the place that mentions it first. What an entity would have said has been reported.
+void DTDMessage::noteName(DTDElement& entry, const DTDElement& mention, const Element& element)
 {
-    if (!isReportWanted || std::exchange(entry.isNoted, true))
+    const CString& name = element.queryName();
+    const bool isPossible = isXmlName(name);
+    if (entry.isNoted || (isPossible && (entry.isDeclared || entry.isAttribute)) || name.find('%') != CString::npos)
         return;
-    const std::string_view name = entry.queryName();
-    if (isXmlName(element.queryName()))
-        return;
-    const std::string_view whole = text->whole;
-    const bool isOfText =
-        std::greater_equal<>()(name.data(), whole.data()) && std::less<>()(name.data(), whole.data() + whole.size());
-    const long line = isOfText ? text->lines->lineOf(static_cast<std::size_t>(name.data() - whole.data())) : 0;
-    report.add(SourceReport::impossibleName, {0, static_cast<std::uint32_t>(line)}, element.queryName());
+    note(!isPossible                               ? SourceReport::impossibleName
+         : element.queryType() == Element::typeRow ? SourceReport::inventedType
+                                                   : SourceReport::unresolvedReference,
+         entry, mention.place, name);
+}
+
+void DTDMessage::note(SourceReport::Construct construct, DTDElement& entry, std::size_t place, std::string_view name)
+{
+    entry.isNoted = true;
+    report.add(construct, text->places.at(place), name);
 }
 
 // Takes all marks off the end of a name; one that repeats counts more than a '?'.

@@ -5,7 +5,6 @@
 #include "Import/Dtd/DTDText.h"
 #include "Import/MsgBase.h"
 
-#include <optional>
 #include <vector>
 
 /// One name that a DTD mentions, and the names that it holds. Texts are views: they live as long as the text that is
@@ -13,7 +12,9 @@
 class DTDElement
 {
 public:
-    DTDElement(std::string_view name, std::pmr::memory_resource* memory) : name(name), children(memory) {}
+    DTDElement(std::string_view name, std::size_t place, std::pmr::memory_resource* memory) :
+        place(place), name(name), children(memory)
+    {}
 
     std::string_view queryName() const { return name; }
 
@@ -30,7 +31,10 @@ public:
     /// What the message model has for the name, marks taken off; null until it was declared.
     Element* element = nullptr;
 
-    bool isNoted = false; ///< the report has been told that the name can't be one
+    std::size_t place = 0;    ///< in the text, of what mentions it first
+    bool isDeclared = false;  ///< by an ELEMENT
+    bool isAttribute = false; ///< is the field of one
+    bool isNoted = false;     ///< the report has been told of it
 
 private:
     std::string_view name;
@@ -90,7 +94,7 @@ private:
         ProgressMeter told;               // in bytes
         std::size_t lastClose = kNowhere; // the last ')' before closeSeen
         std::size_t closeSeen = 0;
-        std::optional<TextLines> lines; // once a place has been asked for
+        TextPlaces places;
     };
 
     int scan();
@@ -105,15 +109,24 @@ private:
     void doParseField(std::size_t start, std::size_t end, DTDElement* parent);
     void formatField(std::string_view content, std::string_view mark, DTDElement* parent);
     void doParseAttlist(std::size_t start, std::size_t end);
-    DTDElement& addDTDElement(std::string_view child, DTDElement* parent);
-    DTDElement& addJoined(const CString& name, DTDElement* parent);
+    std::size_t placeOf(std::string_view part) const
+    {
+        return static_cast<std::size_t>(part.data() - text->whole.data());
+    }
+    DTDElement& addDTDElement(std::string_view child, std::size_t place, DTDElement* parent);
+    DTDElement& addPiece(std::string_view piece, DTDElement* parent)
+    {
+        return addDTDElement(piece, placeOf(piece), parent);
+    }
+    DTDElement& addMarked(std::string_view piece, std::string_view mark, DTDElement* parent);
     DTDElement& addAttribute(std::string_view element, std::string_view attribute);
     void declareAll(const CString& path);
     void declareRecord(DTDElement& record, const CString& path);
     void declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record);
-    int refuse(std::string_view statement);
-    SourceFault faultAt(std::size_t at, std::string_view words);
-    void noteName(DTDElement& entry, const Element& element);
+    int refuse(std::string_view statement, const CString& bound);
+    SourceFault faultAt(std::size_t at, const CString& words);
+    void noteName(DTDElement& entry, const DTDElement& mention, const Element& element);
+    void note(SourceReport::Construct construct, DTDElement& entry, std::size_t place, std::string_view name);
     static Modifiers getModifiers(std::string_view& name);
 
     CString sourceName;

@@ -6,68 +6,217 @@
 
 namespace {
 
-constexpr std::string_view kPassedOver[] = {"ENTITY", "NOTATION"};
 constexpr CharSet kBlank(" \t\r\n");
+constexpr CharSet kBeforeKeyword(" \t\r\n!");
+constexpr std::size_t kLongKey = 200;
 
-// Behind the next `end`, or the end of the text.
-std::size_t behind(std::string_view text, std::string_view end, std::size_t from)
+// Whether the keyword stands at `at` as a word of its own.
+bool isKeywordAt(std::string_view text, std::size_t at, std::string_view keyword)
 {
-    const std::size_t found = text.find(end, from);
-    return found == kNowhere ? text.size() : found + end.size();
+    const std::string_view found = text.substr(at, keyword.size());
+    const std::size_t behind = at + keyword.size();
+    return (found == keyword || isSameAscii(found, keyword)) &&
+           (behind >= text.size() || kDtdDelimiter.has(text[behind]));
 }
 
-// Behind the '>' of the declaration that begins at `from`; one in quotes doesn't count.
-std::size_t endOfDeclaration(std::string_view text, std::size_t from)
+// "ENTITY name" or "ENTITY % name" of a declaration whose keyword begins at `at`.
+CString entityInWords(std::string_view text, std::size_t at)
 {
-    for (std::size_t at = from; at < text.size(); ++at) {
-        if (text[at] == '>')
-            return at + 1;
-        if (text[at] == '"' || text[at] == '\'')
-            at = std::min(text.find(text[at], at + 1), text.size());
-    }
-    return text.size();
-}
-
-// "ENTITY name" of a declaration that isn't read, its '<' at `at`; empty for any other.
-CString passedOver(std::string_view text, std::size_t at)
-{
-    const std::string_view rest = text.substr(at + 2);
-    for (const std::string_view keyword : kPassedOver) {
-        if (!isSameAscii(rest.substr(0, keyword.size()), keyword))
-            continue;
-        const std::size_t name = std::min(kBlank.out(rest, keyword.size()), rest.size());
-        const bool isParameter = rest.substr(name).starts_with('%');
-        const std::size_t start = std::min(isParameter ? kBlank.out(rest, name + 1) : name, rest.size());
-        return CString(keyword) + (isParameter ? " % " : " ") + CString(dtdNameAt(rest.substr(start)));
-    }
-    return {};
+    const std::string_view keyword = dtdNameAt(text.substr(at));
+    std::size_t name = std::min(kBlank.out(text, at + keyword.size()), text.size());
+    const bool isOfParameter = text.substr(name).starts_with('%');
+    if (isOfParameter)
+        name = std::min(kBlank.out(text, name + 1), text.size());
+    return CString(keyword) + (isOfParameter ? " % " : " ") + CString(dtdNameAt(text.substr(name)));
 }
 
 } // namespace
 
-void reportPassedOver(std::string_view text, const TextLines& lines, SourceReport& report)
+void DTDNotes::note(SourceReport::Construct construct, std::size_t at, std::string_view name)
 {
-    const auto add = [&](SourceReport::Construct construct, std::size_t at, std::string_view name) {
-        report.add(construct, {0, static_cast<std::uint32_t>(lines.lineOf(at))}, name);
-    };
-    for (std::size_t at = text.find_first_of("<%"); at < text.size(); at = text.find_first_of("<%", at)) {
-        const std::string_view rest = text.substr(at);
-        if (rest.starts_with("<!--")) {
-            at = behind(text, "-->", at + 4);
-        } else if (rest.starts_with("<?")) {
-            at = behind(text, ">", at);
-        } else if (rest.starts_with("<![")) {
-            add(SourceReport::declarationPassedOver, at,
-                "section " + CString(trimmed(rest.substr(3, rest.substr(3).find('[')))));
-            at += 3;
-        } else if (const CString what = rest.starts_with("<!") ? passedOver(text, at) : ""; !what.empty()) {
-            add(SourceReport::declarationPassedOver, at, what);
-            at = endOfDeclaration(text, at);
-        } else {
-            const std::string_view name = rest[0] == '%' ? dtdNameAt(rest.substr(1)) : std::string_view();
-            if (!name.empty())
-                add(SourceReport::entityNotExpanded, at, name);
-            at += 1 + name.size();
-        }
+    report.add(construct, places.at(at), name);
+}
+
+void DTDNotes::read()
+{
+    reference = text.find('%');
+    close = text.find('>');
+    for (std::size_t behind = 0; behind < text.size();) {
+        const std::size_t at = std::min({text.find('<', behind), reference, text.size()});
+        readBetween(behind, at);
+        if (at == text.size())
+            return;
+        behind = text[at] == '%' ? readReference(at) : readStatement(at);
+        if (reference < behind)
+            reference = text.find('%', behind);
     }
+}
+
+// Words that stand between statements may have been meant to be some.
+void DTDNotes::readBetween(std::size_t start, std::size_t end)
+{
+    for (; start < end; ++start)
+        if (!kDtdDelimiter.has(text[start]))
+            return note(SourceReport::unknownStatement, start, trimmed(text.substr(start, end - start)));
+}
+
+// Behind what begins at a '%'.
+std::size_t DTDNotes::readReference(std::size_t at)
+{
+    const std::string_view name = dtdNameAt(text.substr(at + 1));
+    if (!name.empty())
+        note(SourceReport::entityNotExpanded, at, name);
+    const std::size_t behind = at + 1 + name.size();
+    return behind + (behind < text.size() && text[behind] == ';');
+}
+
+// Behind what begins at a '<'.
+std::size_t DTDNotes::readStatement(std::size_t at)
+{
+    const std::size_t keyword = at + 2;
+    if (text.substr(at, 2) != "<!")
+        return text.substr(at, 2) == "<?" ? readInstruction(at) : readUnknown(at);
+    if (isKeywordAt(text, keyword, "ELEMENT"))
+        return readDeclaration(at, false);
+    if (text.substr(keyword, 2) == "--")
+        return readComment(at);
+    if (isKeywordAt(text, keyword, "ATTLIST"))
+        return readDeclaration(at, true);
+    if (isKeywordAt(text, keyword, "ENTITY") || isKeywordAt(text, keyword, "NOTATION")) {
+        if (isDetailed)
+            note(SourceReport::entityPassedOver, at, entityInWords(text, keyword));
+        return readLong(at, keyword, true);
+    }
+    return text.substr(keyword, 1) == "[" ? readSection(at) : readUnknown(at);
+}
+
+// The literal reading takes a '<' inside a comment for the start of a statement.
+std::size_t DTDNotes::readComment(std::size_t at)
+{
+    const std::size_t end = text.find("-->", at + 2);
+    if (end == kNowhere) {
+        note(SourceReport::unterminated, at, "comment");
+        return text.size();
+    }
+    if (const std::size_t markup = text.substr(at + 1, end - at).find('<'); markup != kNowhere)
+        note(SourceReport::unknownStatement, at + 1 + markup, "markup in a comment");
+    return end + 3;
+}
+
+std::size_t DTDNotes::readInstruction(std::size_t at)
+{
+    const std::size_t end = closeFrom(at), next = text.substr(at, end - at).find("<!");
+    if (end != kNowhere && next == kNowhere)
+        return end + 1;
+    note(SourceReport::unterminated, at, "instruction");
+    return next == kNowhere ? text.size() : at + next;
+}
+
+// The start of a conditional section; what is in it is read whatever its key says.
+std::size_t DTDNotes::readSection(std::size_t at)
+{
+    const std::string_view key =
+        text.substr(at + 3, std::min(text.substr(at + 3, kLongKey).find_first_of("[<>"), kLongKey));
+    note(SourceReport::declarationPassedOver, at, "section " + CString(trimmed(key)));
+    std::size_t behind = at + 3;
+    for (; reference < behind + key.size(); reference = text.find('%', reference + 1))
+        readReference(reference);
+    behind += key.size();
+    return behind + (behind < text.size() && text[behind] == '[');
+}
+
+// A declaration of elements or attributes. Nearly all have nothing in them but names and marks.
+std::size_t DTDNotes::readDeclaration(std::size_t at, bool hasLiterals)
+{
+    const std::size_t end = closeFrom(at);
+    const std::string_view declaration = text.substr(at + 2, end - at - 2);
+    const bool isWhole = end != kNowhere && end < reference && declaration.find('<') == kNowhere;
+    if (!isWhole || (hasLiterals && (declaration.find('"') != kNowhere || declaration.find('\'') != kNowhere)))
+        return readLong(at, at + 2, false);
+    if (isDetailed)
+        countDetails(declaration);
+    return end + 1;
+}
+
+// A declaration that is looked at character by character. Literals hold markup in those of entities alone.
+std::size_t DTDNotes::readLong(std::size_t at, std::size_t keyword, bool isOfEntity)
+{
+    const std::string_view word = dtdNameAt(text.substr(keyword));
+    bool isNameToCome = isOfEntity; // and a '%' in front of it
+    for (std::size_t place = keyword + word.size(); place < text.size();) {
+        const char c = text[place];
+        if (c == '>') {
+            if (isDetailed && !isOfEntity)
+                countDetails(text.substr(keyword, place - keyword));
+            return place + 1;
+        }
+        if (text.substr(place, 2) == "<!") {
+            note(SourceReport::unterminated, at, word);
+            return place;
+        }
+        if (c == '"' || c == '\'')
+            place = readLiteral(at, place, isOfEntity);
+        else if (c == '%' && !isNameToCome)
+            place = readReference(place);
+        else
+            ++place;
+        isNameToCome = isNameToCome && kBlank.has(c);
+    }
+    note(SourceReport::unterminated, at, word);
+    return text.size();
+}
+
+// Behind the literal at `place` of the declaration at `at`. One that has lost its second quote ends with the first, or
+// seems to end where another one begins, whose text follows at once.
+std::size_t DTDNotes::readLiteral(std::size_t at, std::size_t place, bool mayHoldMarkup)
+{
+    const char quote = text[place];
+    bool& isThere = hasQuote[quote == '"'];
+    const std::size_t end = isThere ? text.find(quote, place + 1) : kNowhere;
+    isThere = end != kNowhere;
+    const bool isWhole = isThere &&
+                         (end + 1 == text.size() || kDtdDelimiter.has(text[end + 1]) || text[end + 1] == '-') &&
+                         (mayHoldMarkup || text.substr(place, end - place).find("<!") == kNowhere);
+    if (!isWhole)
+        note(SourceReport::senselessDeclaration, at, "quote without a second one");
+    return isWhole ? end + 1 : place + 1;
+}
+
+// What begins with a '<' and is no statement of a DTD. What has only lost its '!', or has a blank before its keyword,
+// is read all the same.
+std::size_t DTDNotes::readUnknown(std::size_t at)
+{
+    const std::size_t start = std::min(kBeforeKeyword.out(text, at + 1), text.size());
+    for (const std::string_view keyword : {"ELEMENT", "ATTLIST"})
+        if (isKeywordAt(text, start, keyword))
+            return readLong(at, start, false);
+    const std::string_view name = dtdNameAt(text.substr(start));
+    if (!name.empty() || text.substr(at, 3) != "<!>")
+        note(SourceReport::unknownStatement, at, name.empty() ? "<" : name);
+    const std::size_t next = std::min({text.find('<', at + 1), reference, text.size()});
+    return std::min(next, closeFrom(at)) + (closeFrom(at) < next);
+}
+
+std::size_t DTDNotes::closeFrom(std::size_t at)
+{
+    if (close < at)
+        close = text.find('>', at);
+    return close;
+}
+
+void DTDNotes::countDetails(std::string_view declaration)
+{
+    const auto count = [&](char c) { return static_cast<std::size_t>(std::ranges::count(declaration, c)); };
+    const auto has = [&](std::string_view word) { return declaration.find(word) != kNowhere; };
+    if (isKeywordAt(declaration, 0, "ELEMENT")) {
+        report.count(SourceReport::optionality, count('?') + count('*'));
+        report.count(SourceReport::alternatives, has("|"));
+        report.count(SourceReport::anyOrder, has("&"));
+        if (has("#PCDATA") && has("|"))
+            report.count(SourceReport::mixedContent);
+        return;
+    }
+    report.count(SourceReport::optionality, has("#IMPLIED"));
+    report.count(SourceReport::defaultValue, has("\"") || has("'"));
+    report.count(SourceReport::facet, has("("));
 }

@@ -39,18 +39,18 @@ void DTDReader::readDeclaration()
     });
     if (known != std::end(kDeclarations))
         (this->*known->read)();
-    else if (!tokens.keyword().empty())
-        senseless(tokens.keyword());
+    else if (!tokens.keyword().empty() || !tokens.token().isEnd()) // "<!>" says nothing
+        note(SourceReport::unknownStatement, tokens.keyword().empty() ? "<!" : tokens.keyword());
     if (tokens.token().isMark('['))
         return; // what stands in the brackets are declarations
     tokens.skipDeclaration();
     if (tokens.token().kind == DTDTokens::tokenMissing && !isNoted)
-        senseless("declaration without an end");
+        note(SourceReport::unterminated, tokens.keyword());
 }
 
-void DTDReader::senseless(std::string_view what)
+void DTDReader::note(SourceReport::Construct construct, std::string_view name)
 {
-    report.add(SourceReport::senselessDeclaration, tokens.place(), what);
+    report.add(construct, tokens.place(), name);
     isNoted = true;
 }
 
@@ -132,6 +132,7 @@ bool DTDReader::readContent(bool& holdsText)
 bool DTDReader::readGroup(bool& holdsText)
 {
     std::size_t depth = 0;
+    bool isBehindItem = false, lacksConnector = false;
     const DTDTokens::Token& token = tokens.token();
     do {
         if (token.isEnd()) {
@@ -140,6 +141,9 @@ bool DTDReader::readGroup(bool& holdsText)
                 model.endGroup(false);
             return true; // what was said so far stands
         }
+        lacksConnector |=
+            isBehindItem && (token.kind == DTDTokens::tokenWord || token.isMark('(')) && !token.isBehindUnknown;
+        isBehindItem = token.kind == DTDTokens::tokenWord || token.isMark(')');
         if (token.kind == DTDTokens::tokenWord) {
             readChild();
             continue;
@@ -148,24 +152,37 @@ bool DTDReader::readGroup(bool& holdsText)
         const char mark = kind == DTDTokens::tokenMark ? token.mark : '\0';
         holdsText |= kind == DTDTokens::tokenReserved && isKeyword(token.text, "PCDATA");
         tokens.next();
-        if (mark == '(') {
-            ++depth;
-            model.beginGroup(ContentModel::undecided);
-        } else if (mark == ')') {
-            --depth;
-            model.endGroup(readMark());
-        } else if (mark == '|') {
-            model.decide(ContentModel::choice);
-        } else if (mark == ',' || mark == '&') {
-            model.decide(ContentModel::sequence);
-        }
+        readGroupMark(mark, depth);
     } while (depth > 0);
+    if (lacksConnector)
+        senseless(names.front());
     return true;
+}
+
+void DTDReader::readGroupMark(char mark, std::size_t& depth)
+{
+    switch (mark) {
+    case '(':
+        ++depth;
+        return model.beginGroup(ContentModel::undecided);
+    case ')':
+        --depth;
+        return model.endGroup(readMark());
+    case '|':
+        return report.count(SourceReport::alternatives, model.decide(ContentModel::choice));
+    case '&':
+        return report.count(SourceReport::anyOrder, model.decide(ContentModel::sequence));
+    case ',':
+        model.decide(ContentModel::sequence);
+    }
 }
 
 void DTDReader::readChild()
 {
-    const Element& child = elementNamed(tokens.token().text);
+    Element& child = elementNamed(tokens.token().text);
+    if (!child.isReferred && !child.isDeclared)
+        child.place = tokens.wordPlace();
+    child.isReferred = true;
     tokens.next();
     const bool repeats = readMark();
     if (child.isName)
@@ -178,11 +195,12 @@ void DTDReader::readChild()
 // inclusion.
 bool DTDReader::readMark()
 {
-    if (tokens.token().isMark('?'))
+    const bool isStar = tokens.token().isMark('*'), isOptional = isStar || tokens.token().isMark('?');
+    const bool repeats = isStar || (tokens.token().isMark('+') && !tokens.peek('('));
+    report.count(SourceReport::optionality, isOptional);
+    if (isOptional || repeats)
         tokens.next();
-    else if (tokens.token().isMark('*') || (tokens.token().isMark('+') && !tokens.peek('(')))
-        return tokens.next(), true;
-    return false;
+    return repeats;
 }
 
 // What stands behind the content: SGML's "+(a|b)" and "-(a|b)", which may or may not come anywhere inside, or nothing.
@@ -274,6 +292,7 @@ void DTDReader::readDefault()
     const DTDTokens::Token& token = tokens.token();
     const bool isReserved = token.kind == DTDTokens::tokenReserved;
     const bool isFixed = isReserved && isKeyword(token.text, "FIXED");
+    report.count(SourceReport::optionality, isReserved && isKeyword(token.text, "IMPLIED"));
     if (isReserved)
         tokens.next();
     if (isReserved && !isFixed)
@@ -291,7 +310,7 @@ void DTDReader::addAttribute(Element& element, std::string_view name, SourceType
     const AttributeKey key{element.index, name};
     const std::size_t hash = keyHash(key);
     if (attributesByKey.find(key, hash)) {
-        report.add(SourceReport::declaredTwice, tokens.place(), CString(element.name) + " " + CString(name));
+        report.add(SourceReport::attributeDeclaredTwice, tokens.place(), CString(element.name) + " " + CString(name));
         return;
     }
     types.checkFields(attributes.size());
@@ -307,25 +326,38 @@ void DTDReader::addAttribute(Element& element, std::string_view name, SourceType
 // "% name value", "% name SYSTEM place", "% name PUBLIC id place"; without the '%' it is one for documents.
 void DTDReader::readEntity()
 {
-    if (!tokens.token().isMark('%')) {
-        report.count(SourceReport::generalEntity);
-        return;
-    }
-    const std::string_view name = tokens.next().text;
-    if (tokens.token().kind != DTDTokens::tokenWord) {
-        senseless("ENTITY without a name");
-        return;
-    }
-    const DTDTokens::Token& token = tokens.next();
-    if (std::string_view systemId; readExternalId(systemId)) {
-        tokens.entities().declareModule(name, systemId, tokens.place());
-        return;
-    }
-    if (token.kind == DTDTokens::tokenWord)
-        tokens.next(); // SGML's CDATA, SDATA and their like
-    if (token.kind == DTDTokens::tokenLiteral)
-        tokens.entities().declare(name, token.text, tokens.literalPlace());
+    const bool isOfParameter = tokens.token().isMark('%');
+    if (isOfParameter)
+        tokens.next();
     else
+        report.count(SourceReport::generalEntity);
+    const DTDTokens::Token& token = tokens.token();
+    if (token.kind != DTDTokens::tokenWord && (isOfParameter || token.kind != DTDTokens::tokenReserved))
+        return senseless("ENTITY without a name");
+    const std::string_view name = token.text;
+    tokens.next();
+    std::string_view systemId;
+    const bool isModule = readExternalId(systemId);
+    if (!isModule && token.kind == DTDTokens::tokenWord)
+        tokens.next(); // SGML's CDATA, SDATA and their like
+    if (!isModule && token.kind != DTDTokens::tokenLiteral)
+        return senseless(name);
+    if (isOfParameter && isModule)
+        tokens.entities().declareModule(name, systemId, tokens.place());
+    else if (isOfParameter)
+        tokens.entities().declare(name, token.text, tokens.literalPlace());
+    readEntityEnd(name, !isOfParameter);
+}
+
+// A literal that has lost its second quote reaches up to the first quote of another one, whose text follows.
+void DTDReader::readEntityEnd(std::string_view name, bool hasNotation)
+{
+    tokens.endLiterals();
+    if (tokens.token().kind == DTDTokens::tokenLiteral)
+        tokens.next();
+    while (hasNotation && tokens.token().kind == DTDTokens::tokenWord) // NDATA and the notation
+        tokens.next();
+    if (!tokens.token().isEnd())
         senseless(name);
 }
 
@@ -371,7 +403,8 @@ void DTDReader::makeRecords()
     std::vector<Index> order = declared;
     for (const Element& element : elements)
         if (!element.isDeclared && element.isName) {
-            report.add(SourceReport::unresolvedReference, element.place, element.name);
+            report.add(element.isReferred ? SourceReport::unresolvedReference : SourceReport::inventedType,
+                       element.place, element.name);
             order.push_back(element.index);
         }
     for (const Index index : order) {

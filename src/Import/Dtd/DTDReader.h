@@ -28,7 +28,7 @@ private:
     struct Element
     {
         std::string_view name;
-        SourcePlace place; // of its declaration, else of what mentions it first
+        SourcePlace place; // of its declaration, else of what refers to it first, else of its attributes
         Index index;
         bool isName;
         Index firstContent = 0;
@@ -37,6 +37,7 @@ private:
         Index lastAttribute = SourceTypes::kNone;
         Index record = SourceTypes::kNone;
         bool isDeclared = false;
+        bool isReferred = false; // another one holds it
         bool holdsText = false;
 
         std::string_view queryName() const { return name; }
@@ -66,12 +67,14 @@ private:
     void readElement();
     void readAttlist();
     void readEntity();
+    void readEntityEnd(std::string_view name, bool hasNotation);
     bool readExternalId(std::string_view& systemId);
     void readNotation();
     void readDoctype();
     bool readNames();
     bool readContent(bool& holdsText);
     bool readGroup(bool& holdsText);
+    void readGroupMark(char mark, std::size_t& depth);
     void readChild();
     bool readMark();
     void readException();
@@ -82,7 +85,8 @@ private:
     void readDefault();
     void addAttribute(Element& element, std::string_view name, SourceTypes::Type type);
     Element& elementNamed(std::string_view name);
-    void senseless(std::string_view what);
+    void senseless(std::string_view what) { note(SourceReport::senselessDeclaration, what); }
+    void note(SourceReport::Construct construct, std::string_view name);
 
     void makeRecords();
     SourceTypes::Type typeOf(const Element& element) const;

@@ -63,20 +63,15 @@ std::size_t findNameEnd(std::string_view text, std::size_t from)
     return ends.in(text, from);
 }
 
-TextLines::TextLines(std::string_view text) : starts{0}
+SourcePlace TextPlaces::at(std::size_t offset)
 {
-    for (std::size_t at = text.find('\n'); at != kNowhere; at = text.find('\n', at + 1))
-        starts.push_back(at + 1);
-}
-
-long TextLines::lineOf(std::size_t at) const
-{
-    return std::upper_bound(starts.begin(), starts.end(), at) - starts.begin();
-}
-
-long TextLines::columnOf(std::size_t at) const
-{
-    return static_cast<long>(at - starts[static_cast<std::size_t>(lineOf(at) - 1)] + 1);
+    if (starts.empty()) {
+        starts.push_back(0);
+        for (std::size_t end = text.find('\n'); end != kNowhere; end = text.find('\n', end + 1))
+            starts.push_back(end + 1);
+    }
+    const auto line = std::upper_bound(starts.begin(), starts.end(), offset);
+    return {0, static_cast<std::uint32_t>(line - starts.begin()), static_cast<std::uint32_t>(offset - line[-1] + 1)};
 }
 
 DTDGroups::DTDGroups(std::string_view text)

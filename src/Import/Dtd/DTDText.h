@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Import/SourceReport.h"
+
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -77,17 +79,19 @@ private:
     bool searched = false;
 };
 
-/// Lines and columns of places in a text, both counted from 1, columns in bytes.
-class TextLines
+/// Places in a text: lines and columns, both counted from 1, columns in bytes. Lines are only looked for once a place
+/// is asked for.
+class TextPlaces
 {
 public:
-    explicit TextLines(std::string_view text);
+    explicit TextPlaces(std::string_view text) : text(text) {}
 
-    long lineOf(std::size_t at) const;
-    long columnOf(std::size_t at) const;
+    /// The place in the first file of the report.
+    SourcePlace at(std::size_t offset);
 
 private:
-    std::vector<std::size_t> starts;
+    std::string_view text;
+    std::vector<std::size_t> starts; // of the lines
 };
 
 /// The parentheses of a text, matched once for all content models in it.

@@ -28,7 +28,7 @@ DTDTokens::DTDTokens(DTDEntities& entities, DTDEntities::Text& main, SourceRepor
 void DTDTokens::push(DTDEntities::Text& text)
 {
     const char* const start = text.text.data();
-    frames.push_back({&text, start, start + text.text.size(), start, text.start.line});
+    frames.push_back({&text, start, start + text.text.size(), start, start, text.start.line, text.start.column});
 }
 
 void DTDTokens::pop()
@@ -39,15 +39,25 @@ void DTDTokens::pop()
 
 SourcePlace DTDTokens::placeIn(Frame& frame) const
 {
-    frame.line += static_cast<std::uint32_t>(std::count(frame.counted, std::max(frame.counted, frame.at), '\n'));
-    frame.counted = std::max(frame.counted, frame.at);
-    return {frame.text->start.file, frame.line};
+    if (frame.text->isMade)
+        return frame.text->start;
+    const char* const at = std::max(frame.counted, frame.at);
+    if (const auto lines = std::count(frame.counted, at, '\n'); lines > 0) {
+        frame.line += static_cast<std::uint32_t>(lines);
+        frame.column = 1;
+        for (frame.lineStart = at; frame.lineStart[-1] != '\n';)
+            --frame.lineStart;
+    }
+    frame.counted = at;
+    return {frame.text->start.file, frame.line, frame.column + static_cast<std::uint32_t>(at - frame.lineStart)};
 }
 
-SourcePlace DTDTokens::literalPlace()
+SourcePlace DTDTokens::wordPlace()
 {
-    SourcePlace place = placeIn(frames.back());
-    place.line -= static_cast<std::uint32_t>(std::ranges::count(current.text, '\n'));
+    Frame& frame = frames.back();
+    SourcePlace place = placeIn(frame);
+    if (!frame.text->isMade)
+        place.column -= static_cast<std::uint32_t>(current.text.size());
     return place;
 }
 
@@ -72,11 +82,13 @@ bool DTDTokens::nextDeclaration()
         if (doctype == ended)
             leaveDoctype();
         Frame& frame = frames.back();
-        while (frame.at < frame.end && !kMarkup.has(*frame.at))
+        while (frame.at < frame.end && kBlank.has(*frame.at))
             ++frame.at;
         if (frame.at == frame.end) {
-            if (frames.size() == 1)
+            if (frames.size() == 1) {
+                noteOpenSection();
                 return false;
+            }
             pop();
         } else if (*frame.at == '%') {
             readReference();
@@ -100,9 +112,29 @@ bool DTDTokens::nextDeclaration()
         } else if (*frame.at == ']' && doctype == inBrackets && frames.size() == 1) {
             doctype = ended;
         } else {
-            ++frame.at; // a stray character
+            skipStray();
         }
     }
+}
+
+// What is neither markup nor blank. Where it has a letter, it may have been meant to be markup.
+void DTDTokens::skipStray()
+{
+    Frame& frame = frames.back();
+    const SourcePlace place = placeIn(frame);
+    const char* const start = frame.at++;
+    while (frame.at < frame.end && !kMarkup.has(*frame.at))
+        ++frame.at;
+    const std::string_view stray = trimmed({start, static_cast<std::size_t>(frame.at - start)});
+    if (std::ranges::any_of(stray, [](char c) { return !kDtdDelimiter.has(c); }))
+        report.add(SourceReport::unknownStatement, place, stray);
+}
+
+void DTDTokens::noteOpenSection()
+{
+    if (sections > 0)
+        report.add(SourceReport::unterminated, section, "section");
+    sections = 0;
 }
 
 void DTDTokens::endWithDoctype(std::string_view external)
@@ -132,7 +164,7 @@ void DTDTokens::skipComment()
     const char* const close = frame.hasCommentEnd ? find(std::min(start + 4, frame.end), frame.end, "-->") : frame.end;
     frame.hasCommentEnd = close != frame.end;
     if (!frame.hasCommentEnd) {
-        report.add(SourceReport::senselessDeclaration, placeIn(frame), "comment without an end");
+        report.add(SourceReport::unterminated, placeIn(frame), "comment");
         frame.at = std::min(std::find(start, frame.end, '>') + 1, frame.end);
         return;
     }
@@ -141,16 +173,23 @@ void DTDTokens::skipComment()
     frame.at = close + 3;
 }
 
-// In XML up to "?>", in SGML up to '>'.
+// In XML up to "?>", in SGML up to '>'. One that a declaration begins in has lost its end.
 void DTDTokens::skipInstruction()
 {
     Frame& frame = frames.back();
     const char* at = frame.at + 2;
     while (at < frame.end && !(*at == '<' && at + 1 < frame.end && at[1] == '?') && !(*at == '>' && at[-1] == '?'))
         ++at;
-    if (at == frame.end || *at == '<')
-        at = std::find(frame.at, frame.end, '>');
-    frame.at = std::min(at + 1, frame.end);
+    if (at < frame.end && *at == '>') {
+        frame.at = at + 1;
+        return;
+    }
+    const char* const limit = at; // no other instruction is passed over
+    for (at = frame.at + 2; at < limit && *at != '>' && !(*at == '<' && at + 1 < limit && at[1] == '!');)
+        ++at;
+    if (at == limit || *at == '<')
+        report.add(SourceReport::unterminated, placeIn(frame), "instruction");
+    frame.at = at < limit && *at == '>' ? at + 1 : at;
 }
 
 // A conditional section: what holds is read on; what doesn't is skipped with the sections inside it.
@@ -171,14 +210,21 @@ void DTDTokens::readSection()
         report.add(SourceReport::senselessDeclaration, declaration, "section without '['");
     else if (isIgnored)
         skipSection();
-    else if (++sections; !isKnown)
+    else if (openSection(); !isKnown)
         report.add(SourceReport::unknownSection, declaration, trimmed({start, static_cast<std::size_t>(open - start)}));
+}
+
+void DTDTokens::openSection()
+{
+    if (sections++ == 0)
+        section = declaration;
 }
 
 void DTDTokens::skipSection()
 {
     Frame& frame = frames.back();
-    for (std::size_t depth = 1; depth > 0 && frame.at < frame.end;) {
+    std::size_t depth = 1;
+    while (depth > 0 && frame.at < frame.end) {
         if (stands("<![")) {
             ++depth;
             frame.at += 3;
@@ -189,6 +235,8 @@ void DTDTokens::skipSection()
             ++frame.at;
         }
     }
+    if (depth > 0)
+        report.add(SourceReport::unterminated, declaration, "section");
 }
 
 const DTDTokens::Token& DTDTokens::next()
@@ -250,10 +298,11 @@ bool DTDTokens::readReference()
         setMark('%');
         return false;
     }
+    const SourcePlace place = placeIn(frame);
     frame.at += 1 + name.size();
     if (frame.at < frame.end && *frame.at == ';')
         ++frame.at;
-    if (DTDEntities::Text* text = entityTable.open(name, frames.size() - 1, placeIn(frame)))
+    if (DTDEntities::Text* text = entityTable.open(name, frames.size() - 1, place))
         push(*text);
     else
         current.isBehindUnknown = true;
@@ -311,6 +360,10 @@ void DTDTokens::readQuoted(char quote)
 {
     Frame& frame = frames.back();
     bool& hasQuote = frame.hasQuote[quote == '"'];
+    if (mayHoldMarkup) {
+        literal = placeIn(frame);
+        literal.column += !frame.text->isMade;
+    }
     const char* const start = frame.at + 1;
     const char* at = hasQuote ? start : frame.end;
     while (at < frame.end && *at != quote && (mayHoldMarkup || *at != '<' || at + 1 == frame.end || at[1] != '!'))

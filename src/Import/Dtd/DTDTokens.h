@@ -44,14 +44,20 @@ public:
     /// Where the declaration begins.
     SourcePlace place() const { return declaration; }
 
-    /// Where the literal that was read last begins.
-    SourcePlace literalPlace();
+    /// Where the text of the literal begins that was read last in the declaration of an entity.
+    SourcePlace literalPlace() const { return literal; }
+
+    /// Where the word in hand begins.
+    SourcePlace wordPlace();
 
     const Token& token() const { return current; }
 
     /// Reads the next token of the declaration; at its end stays there. Literals may hold markup in the declaration of
-    /// an entity alone; elsewhere one that does has lost its second quote.
+    /// an entity alone, see endLiterals(); elsewhere one that does has lost its second quote.
     const Token& next();
+
+    /// From now on a literal of the declaration in hand that holds markup has lost its second quote.
+    void endLiterals() { mayHoldMarkup = false; }
 
     /// Whether `c` is the next character but blanks.
     bool peek(char c) const;
@@ -67,7 +73,9 @@ private:
         const char* at;
         const char* end;
         const char* counted; // up to here lines are counted
+        const char* lineStart;
         std::uint32_t line;
+        std::uint32_t column; // of lineStart
         // False: none is to come, so that it is not looked for again.
         bool hasCommentEnd = true;
         bool hasDashes = true;
@@ -77,6 +85,7 @@ private:
     void push(DTDEntities::Text& text);
     void pop();
     void leaveDoctype();
+    void skipStray();
     void skipComment();
     void skipInstruction();
     void readSection();
@@ -88,6 +97,8 @@ private:
     void readQuoted(char quote);
     void setMark(char mark);
     bool stands(std::string_view text) const;
+    void openSection();
+    void noteOpenSection();
     SourcePlace placeIn(Frame& frame) const;
 
     DTDEntities& entityTable;
@@ -102,7 +113,7 @@ private:
         inBrackets
     } doctype = none;
     std::string_view externalEntity; // of the DOCTYPE
-    SourcePlace declaration;
+    SourcePlace declaration, literal, section;
     std::string_view word;
     Token current;
     bool mayHoldMarkup = false;

@@ -30,11 +30,13 @@ public:
 
     void beginGroup(Group kind) { open.push_back({position(), kind}); }
 
-    /// Says what the innermost group is, where that was left open.
-    void decide(Group kind)
+    /// Says what the innermost group is. False if that was not left open.
+    bool decide(Group kind)
     {
-        if (!open.empty() && open.back().kind == undecided)
-            open.back().kind = kind;
+        if (open.empty() || open.back().kind != undecided)
+            return false;
+        open.back().kind = kind;
+        return true;
     }
 
     /// Ends the group that was begun last; `repeats` when the whole group may.
