@@ -30,7 +30,7 @@ void fuzz(std::string_view input)
 {
     queryTypeName(input);
     BrokerMessage importer;
-    importBytes(importer, input);
+    importBytes(importer, input, false);
     const TypeStructure types(importer);
     for (std::uint32_t type = 0; type < types.size(); ++type)
         look(types, type);

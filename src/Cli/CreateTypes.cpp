@@ -28,8 +28,10 @@ std::string checkAddress(const std::string& address)
 OverwriteChoice ask(const CString& question, const CString& details)
 {
     if (!details.empty())
-        std::cerr << details << '\n';
-    std::cerr << question << " [y]es, yes to [a]ll, [n]o, no to all [x]: " << std::flush;
+        std::cerr << shownText(details) << '\n';
+    const std::size_t last = question.rfind('\n') + 1; // the question itself; line breaks before may be of names
+    std::cerr << (last ? shownText(question.substr(0, last - 1)) + "\n" : CString()) << shownText(question.substr(last))
+              << " [y]es, yes to [a]ll, [n]o, no to all [x]: " << std::flush;
     std::string answer;
     std::getline(std::cin, answer);
     switch (answer.empty() ? 'n' : std::tolower(static_cast<unsigned char>(answer[0]))) {

@@ -21,7 +21,7 @@ class Create(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = folder.name
         self.environment = dict(os.environ, XDG_CONFIG_HOME=self.folder, XDG_DATA_HOME=self.folder)
-        self.write("pair.dtd", "<!ELEMENT r (a)><!ELEMENT a (b)>")
+        self.write("pair.dtd", "<!ELEMENT r (a)><!ELEMENT a (b)><!ELEMENT b EMPTY>")
 
     def write(self, name, text):
         with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:

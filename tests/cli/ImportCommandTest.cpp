@@ -196,8 +196,8 @@ TEST_F(ImportCommand, AnswersExactly)
           "n.dtd:3:14: reference to nothing that was read: a\nn.dtd:3:18: reference to nothing that was read: b\n"
           "n.dtd:3:21: name that no document can carry: c)\nn.dtd:3:26: reference to nothing that was read: d\n\n"
           "2 details\nn.dtd:1:1: entity or notation passed over: ENTITY % e\n\n"
-          "3 reference to nothing that was read\n1 name that no document can carry\n1 entity not expanded\n"
-          "1 declaration passed over\n1 entity or notation passed over\n1 optional\n"
+          "3 references became text\n1 impossible name\n1 entity not expanded\n1 declaration passed over\n"
+          "1 entity passed over\n1 optional part\n"
           "5 types, 4 fields: 0 typed, 4 left text\n"}},
         {"cat i.xsd | $import xsd - -q -o /dev/null --report-format json --report /dev/stdout",
          {0,

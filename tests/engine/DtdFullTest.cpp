@@ -25,65 +25,64 @@ struct Rule
 
 const Rule kRules[] = {
     {"EveryChildIsAField", "<!ELEMENT r (a,b?)><!ELEMENT a (c)><!ELEMENT b EMPTY><!ELEMENT c (#PCDATA)>",
-     "a(c:String) r(a:a b:String)", "1 detail\n\n1 optional\n"},
+     "a(c:String) r(a:a b:String)", "1 detail\n\n1 optional part\n"},
     {"RepeatsByItsMarkAGroupsOrTwiceInASequence",
      "<!ELEMENT r (a*,b+,(c,(d|e))*,f,f,g?)><!ELEMENT a (b)>"
      "<!ELEMENT b EMPTY><!ELEMENT c EMPTY><!ELEMENT d EMPTY><!ELEMENT e EMPTY><!ELEMENT f EMPTY><!ELEMENT g EMPTY>",
      "t_f[String] t_e[String] t_d[String] t_c[String] t_b[String] a(b:String) t_a[a] "
      "r(a:t_a b:t_b c:t_c d:t_d e:t_e f:t_f g:String)",
-     "4 details\n\n3 optional\n1 choice between alternatives\n"},
+     "4 details\n\n3 optional parts\n1 choice\n"},
     {"AChoiceTakesTheMost",
      "<!ELEMENT r ((a|(a,b)),(c|d),((e|d)))><!ELEMENT a EMPTY><!ELEMENT b EMPTY><!ELEMENT c EMPTY><!ELEMENT d EMPTY>"
      "<!ELEMENT e EMPTY>",
-     "t_d[String] r(a:String b:String c:String d:t_d e:String)", "3 details\n\n3 choice between alternatives\n"},
+     "t_d[String] r(a:String b:String c:String d:t_d e:String)", "3 details\n\n3 choices\n"},
     {"TextBesideFieldsIsAValue",
      "<!ELEMENT r (m,t,e)><!ELEMENT m (#PCDATA|x)*><!ELEMENT t (#PCDATA)><!ELEMENT e EMPTY><!ELEMENT x EMPTY>"
      "<!ATTLIST t u CDATA #IMPLIED><!ATTLIST e u CDATA #IMPLIED>",
      "e(e_u:String) t(value:String t_u:String) t_x[String] m(value:String x:t_x) r(m:m t:t e:e)",
-     "5 details\nx:1:21: mixed content (order of text lost): m\n\n3 optional\n1 mixed content (order of text lost)\n1 "
-     "choice between alternatives\n"},
+     "5 details\nx:1:21: mixed content (order of text lost): m\n\n3 optional parts\n1 mixed content\n1 choice\n"},
     {"ARecordInsideItself", "<!ELEMENT s (s*,p)><!ELEMENT p (s?)>", "p(s:s) t_s[s] s(s:t_s p:p)",
-     "2 details\n\n2 optional\n"},
+     "2 details\n\n2 optional parts\n"},
     {"NamesGiveWay",
      "<!ELEMENT r (r_i,value,#PCDATA)><!ELEMENT r_i EMPTY><!ELEMENT value EMPTY><!ATTLIST r i CDATA #IMPLIED>",
      "r(value_2:String r_i:String value:String r_r_i:String)",
      "4 details\nx:1:1: mixed content (order of text lost): r\nx:1:1: name changed: r_i is r_r_i\nx:1:1: name changed: "
-     "value is value_2\n\n2 name changed\n1 mixed content (order of text lost)\n1 optional\n"},
+     "value is value_2\n\n2 names changed\n1 mixed content\n1 optional part\n"},
     {"TypesShareOneNameSpace",
      "<!ELEMENT r (k*,t_k,j)><!ELEMENT t_k (k)><!ELEMENT k (m)><!ELEMENT m EMPTY><!ELEMENT j (m)>"
      "<!ATTLIST j k (a|b) 'a'><!ATTLIST r k (a|b) 'a'><!ATTLIST k k (c) 'c'>",
      "j_k{a|b} k_k{c} k(m:String k_k:k_k) t_k(k:k) j(m:String j_k:j_k) t_r_k[k] r(k:t_r_k t_k:t_k j:j r_k:j_k)",
-     "6 details\nx:1:42: name changed: k is k_k\nx:1:76: name changed: k is j_k\n\n3 default\n2 name changed\n1 "
-     "optional\n"},
+     "6 details\nx:1:42: name changed: k is k_k\nx:1:76: name changed: k is j_k\n\n3 default values\n2 names "
+     "changed\n1 optional part\n"},
     {"EnumerationsAreTheirConstants",
      "<!ELEMENT r (a)><!ELEMENT a EMPTY><!ATTLIST r u ( yes | no ) 'no' v (-1|yes.no) #REQUIRED w () #IMPLIED>"
      "<!ATTLIST a u (yes|no) #IMPLIED>",
-     "v{-1|yes.no} u{yes|no} a(a_u:u) r(a:a r_u:u r_v:v r_w:String)", "3 details\n\n2 optional\n1 default\n"},
+     "v{-1|yes.no} u{yes|no} a(a_u:u) r(a:a r_u:u r_v:v r_w:String)",
+     "3 details\n\n2 optional parts\n1 default value\n"},
     {"AttributesOfEveryTypeAndDefault",
      "<!ATTLIST r b ID #REQUIRED c NMTOKENS 'x > y' d NOTATION (e|f) #IMPLIED g CDATA #FIXED \"'\">"
      "<!ELEMENT r (a)><!ATTLIST r b CDATA #IMPLIED h ENTITY #IMPLIED><!ELEMENT a ANY>",
      "r(a:String r_b:String r_c:String r_d:String r_g:String r_h:String)",
-     "7 details\nx:1:108: attribute declared twice: r b\nx:1:155: content ANY: a\n\n3 optional\n2 default\n1 content "
-     "ANY\n1 attribute declared twice\n"},
+     "7 details\nx:1:108: attribute declared twice: r b\nx:1:155: content ANY: a\n\n3 optional parts\n2 default "
+     "values\n1 content ANY\n1 attribute declared twice\n"},
     {"NamespacesAreNoData",
      "<!ELEMENT f:r (f:a)><!ELEMENT f:a EMPTY><!ATTLIST f:r xmlns CDATA #FIXED 'u' xmlns:f CDATA #FIXED 'u' f:b CDATA "
      "#IMPLIED>",
-     "f:r(f:a:String f:r_f:b:String)", "3 details\n\n2 default\n1 optional\n"},
+     "f:r(f:a:String f:r_f:b:String)", "3 details\n\n2 default values\n1 optional part\n"},
     {"TheFirstDeclarationHolds", "<!ELEMENT r (a)>\n<!ELEMENT a EMPTY><!ELEMENT r (b)>", "r(a:String)",
-     "2 losses\nx:2:19: declared twice: r\nx:2:32: reference to nothing that was read: b\n\n1 reference to nothing "
-     "that was read\n1 declared twice\n"},
+     "2 losses\nx:2:19: declared twice: r\nx:2:32: reference to nothing that was read: b\n\n1 reference became text\n1 "
+     "second declaration left out\n"},
     {"AChildThatNobodyDeclares", "<!ELEMENT r (a, b)><!ATTLIST b c CDATA #IMPLIED>", "b(b_c:String) r(a:String b:b)",
      "2 losses\nx:1:14: reference to nothing that was read: a\nx:1:17: reference to nothing that was read: b\n\n1 "
-     "detail\n\n2 reference to nothing that was read\n1 optional\n"},
+     "detail\n\n2 references became text\n1 optional part\n"},
     {"CommentsAndInstructionsAreSkippedWhole",
      "<?a > <!ELEMENT no (way)> ?><!-- <!ELEMENT no (way)> %no; ' --><!ELEMENT r (a)><!ELEMENT a EMPTY>"
      "<!ATTLIST r <!-- %no; > \" --> b CDATA #IMPLIED -- 'c' %no; -- c CDATA #IMPLIED><!><?sgml><!---->",
-     "r(a:String r_b:String r_c:String)", "2 details\n\n2 optional\n"},
+     "r(a:String r_b:String r_c:String)", "2 details\n\n2 optional parts\n"},
     {"EntitiesBetweenAndInsideDeclarations",
      "<!ENTITY % n 'r'><!ENTITY % m \"(a|%n;-b)\"><!ENTITY % t '<!ELEMENT a EMPTY><!ATTLIST %n; %l;>'>"
      "<!ENTITY % l 'c CDATA'><!ENTITY % l 'd CDATA'><!ELEMENT %n; %m;*>%t;<!ELEMENT r-b EMPTY>",
-     "t_r-b[String] t_a[String] r(a:t_a r-b:t_r-b r_c:String)",
-     "2 details\n\n1 optional\n1 choice between alternatives\n"},
+     "t_r-b[String] t_a[String] r(a:t_a r-b:t_r-b r_c:String)", "2 details\n\n1 optional part\n1 choice\n"},
     {"ReferencesThatAValueHides",
      "<!ENTITY % a '&#37;b;&#x2C;c'><!ENTITY % b 'd'><!ELEMENT r (%a;)><!ELEMENT c EMPTY><!ELEMENT d EMPTY>",
      "r(d:String c:String)"},
@@ -93,18 +92,18 @@ const Rule kRules[] = {
      "r(a:String b:String r_c:String r_d:String r_e:String)",
      "7 losses\nx:1:17: entity declared nowhere: u\nx:1:36: entity declared nowhere: u\nx:2:13: entity declared "
      "nowhere: u\nx:2:19: entity declared nowhere: u\nx:2:29: entity declared nowhere: u\nx:2:50: entity declared "
-     "nowhere: u\nx:2:54: entity declared nowhere: u\n\n2 details\n\n7 entity declared nowhere\n1 optional\n1 "
-     "default\n"},
+     "nowhere: u\nx:2:54: entity declared nowhere: u\n\n2 details\n\n7 undeclared entities\n1 optional part\n1 default "
+     "value\n"},
     {"EntitiesThatLeadBackAreCut", "<!ENTITY % a '%b;'><!ENTITY % b '(%a;x)'><!ELEMENT r %a;><!ELEMENT x EMPTY>",
      "r(x:String)",
-     "1 loss\nx:1:34: declaration that makes no sense: b inside itself\n\n1 declaration that makes no sense\n"},
+     "1 loss\nx:1:34: declaration that makes no sense: b inside itself\n\n1 declaration not understood\n"},
     {"ModulesAreFoundAsTheyAreWritten",
      "<!ENTITY % m PUBLIC '-//x//EN' 'Sub/M%201.MOD'>%m;<!ENTITY % n SYSTEM 'http://x/n'>\n%n;<!ENTITY % o PUBLIC 'o'>"
      "%o;<!ENTITY % p SYSTEM 'sub'>%p;",
      "s(b:String) r(s:s)",
      "4 losses\nsub/m 1.mod:2:35: declaration that makes no sense: back inside itself\nx:2:1: module or document not "
      "local: http://x/n\nx:2:28: module or document not there: o\nx:2:57: module or document not there: sub\n\n2 "
-     "module or document not there\n1 module or document not local\n1 declaration that makes no sense\n",
+     "documents not found\n1 document not local\n1 declaration not understood\n",
      {{"sub/m 1.mod", "<!ENTITY % m2 SYSTEM '2.mod'>\n%m2;<!ENTITY % back SYSTEM '../x'>%back;"},
       {"sub/2.mod", "<!ELEMENT r (s)><!ELEMENT s (b)><!ELEMENT b EMPTY>"}}},
     {"SectionsByTheirKeys",
@@ -113,13 +112,13 @@ const Rule kRules[] = {
      "<![ IGNORE [<![ INCLUDE [ <!ELEMENT b (no)> ]]> ' ]]>\n<![%u;[<!ELEMENT b (c)>]]><![MAYBE[<!ELEMENT c EMPTY>]]>",
      "b(c:String) r(a:String b:b)",
      "3 losses\nx:3:4: entity declared nowhere: u\nx:3:1: section with an unknown key: %u;\nx:3:27: section with an "
-     "unknown key: MAYBE\n\n2 section with an unknown key\n1 entity declared nowhere\n"},
+     "unknown key: MAYBE\n\n2 sections not understood\n1 undeclared entity\n"},
     {"AnIgnoredSectionEndsWithItsOwnEnd",
      "<![IGNORE[<![INCLUDE[<!ELEMENT r (no)>]]><!ELEMENT r (no)>]]><!ELEMENT r (a)><!ELEMENT a EMPTY>", "r(a:String)"},
     {"LinesInsideAndBehindAnEntity",
      "<!ENTITY % e '<!ELEMENT a EMPTY>\n\n<!ELMENT r (b)>\n'>%e;\n<!ELEMNT r (c)>\n<!ELEMENT r (a)>", "r(a:String)",
-     "2 losses\nx:3:1: statement that is unknown: ELMENT\nx:5:1: statement that is unknown: ELEMNT\n\n2 statement that "
-     "is unknown\n"},
+     "2 losses\nx:3:1: statement that is unknown: ELMENT\nx:5:1: statement that is unknown: ELEMNT\n\n2 statements not "
+     "understood\n"},
     {"SgmlsWays",
      "<!ENTITY % t '#PCDATA'>\n<!element (H1|H2) - - (%t|B)* -- it's a heading --><!ELEMENT B - O EMPTY>\n"
      "<!ELEMENT r O O (H1 & H2?) -(B) +(I)><!ELEMENT I - - CDATA +(B)>"
@@ -127,8 +126,8 @@ const Rule kRules[] = {
      "c{c} B(B_n:String B_s:String B_c:c) t_B[B] H1(value:String B:t_B) H2(value:String B:t_B) "
      "r(H1:H1 H2:H2 r_n:String r_s:String r_c:c)",
      "10 details\nx:2:1: mixed content (order of text lost): H1\nx:2:1: mixed content (order of text lost): H2\nx:3:1: "
-     "SGML exception: r\nx:3:38: SGML exception: I\n\n2 SGML exception\n2 mixed content (order of text lost)\n2 "
-     "optional\n2 default\n1 choice between alternatives\n1 content in any order\n"},
+     "SGML exception: r\nx:3:38: SGML exception: I\n\n2 SGML exceptions\n2 mixed contents\n2 optional parts\n2 default "
+     "values\n1 choice\n1 content in any order\n"},
     {"WhatMakesNoSenseIsSkipped",
      "<!ELEMENT><!ELEMENT 1 (a)>\n<!ELEMENT r (a,=,b) <!ELEMENT a EMPTY>\n<!ATTLIST r = CDATA #IMPLIED>"
      "<!ATTLIST r c CDATA \"x><!ELEMENT b (d><!SHORTREF x>]]> > <\n<![ x <!ENTITY % 'x'>\n<!ENTITY x 'y'><!NOTATION z "
@@ -139,15 +138,15 @@ const Rule kRules[] = {
      "sense: r\nx:3:30: declaration that makes no sense: r\nx:3:53: declaration that makes no sense: b\nx:3:68: "
      "statement that is unknown: SHORTREF\nx:4:1: declaration that makes no sense: section without '['\nx:4:7: "
      "declaration that makes no sense: ENTITY without a name\nx:5:58: comment or declaration without an end: "
-     "comment\n\n2 details\n\n8 declaration that makes no sense\n1 statement that is unknown\n1 comment or declaration "
+     "comment\n\n2 details\n\n8 declarations not understood\n1 statement not understood\n1 comment or declaration "
      "without an end\n1 general entity\n1 notation\n"},
     {"ADoctypeHoldsDeclarations",
      "<!DOCTYPE r SYSTEM 'no' [ <![INCLUDE[<!ELEMENT r (a)>]]><!ELEMENT a EMPTY> ]><r>%off;<![CDATA[<!ELEMENT r "
      "(b)>]]>",
-     "r(a:String)", "1 loss\nx:1:57: module or document not there: no\n\n1 module or document not there\n"},
+     "r(a:String)", "1 loss\nx:1:57: module or document not there: no\n\n1 document not found\n"},
     {"ALeafIsARecordOfItsValue", "<!ELEMENT a (#PCDATA)>", "a(value:String)"},
     {"WithoutAnElementTheFileNamesTheFolder", "<!ATTLIST a b (c) #IMPLIED>", "b{c} a(a_b:b)",
-     "1 loss\nx:1:1: type that nobody declares: a\n\n1 detail\n\n1 type that nobody declares\n1 optional\n"},
+     "1 loss\nx:1:1: type that nobody declares: a\n\n1 detail\n\n1 invented type\n1 optional part\n"},
     // Each file by its own encoding: a byte order mark, what is declared, UTF-8, else Windows-1252.
     {"FileByFileAnEncoding",
      LATIN1 "<!ENTITY % m SYSTEM 'm'>%m;<!ENTITY % n SYSTEM 'n'>%n;<!ENTITY % o SYSTEM 'o'>%o;"

@@ -257,7 +257,7 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     ASSERT_EQ(files.size(), 1u);
     EXPECT_EQ(TempDir::read(files[0]),
               "1 detail\n" + desk.source +
-                  ":1: content ANY: d\n\n1 content ANY\n3 types, 4 fields: 2 typed, 2 left text\n");
+                  ":1:52: content ANY: d\n\n1 content ANY\n3 types, 4 fields: 2 typed, 2 left text\n");
     EXPECT_TRUE(files[0].ends_with(".txt"));
 
     auto& main = desk.control<QComboBox>(IDC_MAIN_ELEMENT);
