@@ -38,7 +38,8 @@ protected:
             records += "<!ELEMENT " + record + " (größe, b)>\n";
             fields = record + (i ? ", " : "") + fields; // the last field is ordered first
         }
-        return home.write(name, "<!ELEMENT root (" + fields + ")>\n" + records);
+        return home.write(name, "<!ELEMENT root (" + fields + ")>\n" + records +
+                                    "<!ELEMENT größe EMPTY><!ELEMENT b EMPTY><!ELEMENT c EMPTY>");
     }
 
     TempDir home;
