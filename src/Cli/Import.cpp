@@ -80,10 +80,14 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
 // An import without a type is nearly always one of the wrong file, or by the wrong importer.
 void nameEmpty(const MsgUIDescriptor& importer, const CString& file, Diagnostics& diagnostics)
 {
-    const MsgUIDescriptor* const other = importer.querySource().readsTables ? nullptr : importerFor(file);
-    const bool isOther = other && other != &importer;
-    diagnostics.error(CString("no type came of it") +
-                      (isOther ? CString("; it looks like a source for ") + other->querySource().word : ""));
+    const bool isFile = !importer.querySource().readsTables;
+    const MsgUIDescriptor* const other = isFile ? importerFor(file) : nullptr;
+    CString hint;
+    if (other && other != &importer)
+        hint = CString("; it looks like a source for ") + other->querySource().word;
+    else if (const std::string_view foreign = isFile ? foreignAdvice(file) : ""; !foreign.empty())
+        hint = "; " + CString(foreign);
+    diagnostics.error("no type came of it" + hint);
 }
 
 // True when there is something to write. What isn't has been said.

@@ -71,9 +71,11 @@ MsgUIDescriptor* importerOf(const CString& file, Diagnostics& diagnostics)
         diagnostics.note(CString("read as a source for ") + importer->querySource().word);
     } else {
         const FileCause cause = testReadable(file);
-        diagnostics.add({file, cause == FileCause::none || cause == FileCause::generic
-                                   ? "its importer can't be told; name it in front of the source"
-                                   : inWords(file, cause)});
+        const std::string_view foreign = foreignAdvice(file);
+        const bool isReadable = cause == FileCause::none || cause == FileCause::generic;
+        diagnostics.add({file, !isReadable       ? inWords(file, cause)
+                               : foreign.empty() ? "its importer can't be told; name it in front of the source"
+                                                 : CString(foreign)});
     }
     return importer;
 }

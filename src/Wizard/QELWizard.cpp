@@ -64,7 +64,10 @@ void QELWizard::openFiles(const QStringList& files)
     MsgUIDescriptor* const importer = importerFor(fileName);
     if (importer == nullptr) {
         const FileCause cause = testReadable(fileName);
-        const CString reason = cause == FileCause::none ? "No source that an importer knows" : inWords(fileName, cause);
+        const std::string_view foreign = foreignAdvice(fileName);
+        const CString reason = cause != FileCause::none ? inWords(fileName, cause)
+                               : foreign.empty()        ? "No source that an importer knows"
+                                                        : CString(foreign);
         theApp.Error(loadText(IDS_SELECT_SOURCE), IDS_ERROR_TITLE, fileName + ": " + reason);
     } else {
         show();

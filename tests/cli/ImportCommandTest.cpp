@@ -184,6 +184,30 @@ TEST_F(ImportCommand, AnswersExactly)
          {0, "1\n", ""}},
         {"$import a.xml b.xml r.dtd", {1, "", "r.dtd: error: it is no source for xml, as a.xml is\n"}},
         {"$import old", {1, "", "old: error: its importer can't be told; name it in front of the source\n"}},
+        // What no importer reads is named with the way to import it.
+        {"printf '<grammar xmlns=\"http://relaxng.org/ns/structure/1.0\"/>' >g.xml; $import g.xml",
+         {1, "", "g.xml: error: this is RELAX NG; convert it with trang, then import the schema\n"}},
+        {"printf '<?xml version=\"1.0\"?><!-- > --><r:start a=\"x>y\"\n xmlns:r = "
+         "'\"'http://relaxng.org/ns/structure/1.0'>\""
+         " >g.xsd; $import g.xsd",
+         {1, "", "g.xsd: error: this is RELAX NG; convert it with trang, then import the schema\n"}},
+        {"printf '# x = y\nstart = a*\n' >g; $import - <g",
+         {1, "",
+          "-: error: this is RELAX NG in its compact form; convert it with trang, then import the "
+          "schema\n"}},
+        {"printf '<w:definitions xmlns:w=\"http://schemas.xmlsoap.org/wsdl/\"/>' >w.wsdl; $import w.wsdl",
+         {1, "",
+          "w.wsdl: error: this is WSDL; save the schema inside its types element as a file, then import that\n"}},
+        {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},
+        {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; $import m.txt",
+         {1, "",
+          "m.txt: error: this is Protobuf; convert it to JSON Schema with protoc-gen-jsonschema, then import that\n"}},
+        {"printf 'a,b\n1,\"x,\"\n' >c.xml; $import c.xml",
+         {1, "", "c.xml: error: this is CSV; load it into a database table, then import that with odbc\n"}},
+        {"printf 'PK\\003\\004\\000\\001' >z.dtd; $import z.dtd",
+         {1, "", "z.dtd: error: this is a ZIP archive; unpack it, then import a file of it\n"}},
+        {"printf 'a, b\nc\n' >c.txt; $import c.txt",
+         {1, "", "c.txt: error: its importer can't be told; name it in front of the source\n"}},
 
         // Reports.
         {"$import dtd r.dtd --full --root r --report - -l", {0, kList, "2 types, 2 fields: 0 typed, 2 left text\n"}},

@@ -2,6 +2,7 @@
 
 #include "Files/File.h"
 #include "Files/KeptPipe.h"
+#include "Import/Registry/ForeignSource.h"
 
 #include <algorithm>
 #include <fstream>
@@ -84,11 +85,18 @@ std::string_view nameOf(std::string_view tag)
     return name.substr(name.find(':') + 1);
 }
 
+// The text behind its byte order mark and prolog.
+std::string_view contentOf(std::string_view text)
+{
+    text.remove_prefix(std::min(text.size(), text.find_first_not_of("\xEF\xBB\xBF\xFF\xFE")));
+    skipProlog(text);
+    return text;
+}
+
+// By the content behind the prolog.
 std::string_view wordFor(std::string_view text)
 {
     constexpr std::string_view type = "BROKERTYPEDESCRIPTION";
-    text.remove_prefix(std::min(text.size(), text.find_first_not_of("\xEF\xBB\xBF\xFF\xFE"))); // a byte order mark
-    skipProlog(text);
     if (text.starts_with("<!") || text.starts_with("%"))
         return "dtd";
     if (!text.starts_with("<"))
@@ -101,23 +109,41 @@ std::string_view wordFor(std::string_view text)
     return root == type || (text.starts_with("<") && nameOf(text) == type) ? "btd" : "xml";
 }
 
+// What can be told of a file: the importer's word, or what it is otherwise. Both empty when that can't be told.
+struct Told
+{
+    std::string_view importer;
+    std::string_view foreign;
+};
+
+Told tell(const CString& fileName)
+{
+    const auto* named = std::find_if(std::begin(kEndings), std::end(kEndings),
+                                     [&](const Ending& row) { return endsWith(fileName, row.ending); });
+    const std::string_view ending = named != std::end(kEndings) ? named->importer : "";
+    const CString start = startOf(fileName);
+    const std::string_view content = contentOf(start);
+    if (const std::string_view foreign = foreignSource(start, content); !foreign.empty())
+        return {{}, foreign};
+    if (!ending.empty() && !isPipe(fileName))
+        return {ending, {}};
+    if (const std::string_view word = wordFor(content); !word.empty())
+        return {word, {}};
+    if (!ending.empty())
+        return {ending, {}};
+    if (const std::string_view foreign = foreignText(content, fileName); !foreign.empty())
+        return {{}, foreign};
+    return {endsWith(fileName, ".xml") ? "xml" : "", {}}; // a long prolog, or no XML, to be told
+}
+
 } // namespace
 
 MsgUIDescriptor* importerFor(const CString& fileName)
 {
-    if (testReadable(fileName) != FileCause::none)
-        return nullptr;
-    const auto* named = std::find_if(std::begin(kEndings), std::end(kEndings),
-                                     [&](const Ending& row) { return endsWith(fileName, row.ending); });
-    const bool isNamed = named != std::end(kEndings);
-    std::string_view word = isNamed && !isPipe(fileName) ? named->importer : wordFor(startOf(fileName));
-    if (word.empty() && isNamed)
-        word = named->importer;
-    if (word.empty() &&
-        endsWith(fileName, ".xml")) // a prolog that takes more than was looked at, or no XML, to be told
-        word = "xml";
-    for (MsgUIDescriptor** importer = g_amud; *importer != nullptr; ++importer)
-        if (word == (*importer)->querySource().word)
-            return *importer;
-    return nullptr;
+    return testReadable(fileName) == FileCause::none ? importerNamed(tell(fileName).importer) : nullptr;
+}
+
+std::string_view foreignAdvice(const CString& fileName)
+{
+    return testReadable(fileName) == FileCause::none ? tell(fileName).foreign : "";
 }

@@ -7,3 +7,6 @@
 /// starts, whatever its name; it must have been kept. Null when the file can't be read or is none of these. Looks at
 /// its first 64 kB.
 MsgUIDescriptor* importerFor(const CString& fileName);
+
+/// What a file is that no importer reads, and what to do with it (see ForeignSource.h); empty if that can't be told.
+std::string_view foreignAdvice(const CString& fileName);

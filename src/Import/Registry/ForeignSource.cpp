@@ -1,0 +1,215 @@
+#include "Import/Registry/ForeignSource.h"
+
+#include "Base/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr std::size_t kLinesLookedAt = 20;
+
+struct Signature
+{
+    std::string_view first; // bytes of the file
+    std::string_view advice;
+};
+
+constexpr Signature kSignatures[] = {
+    {"PK\x03\x04", "this is a ZIP archive; unpack it, then import a file of it"},
+    {"PK\x05\x06", "this is an empty ZIP archive"},
+    {"\x1F\x8B", "this is compressed with gzip; unpack it with gunzip, then import the file"},
+    {"Obj\x01", "this is an Avro data file; take the schema out with avro-tools getschema, then import that"},
+    {"%PDF-", "this is PDF; import the schema that it describes"},
+};
+
+struct Vocabulary
+{
+    std::string_view space; // the beginning of the root's namespace
+    std::string_view advice;
+};
+
+constexpr std::string_view kRelaxNg = "this is RELAX NG; convert it with trang, then import the schema";
+constexpr std::string_view kWsdl = "this is WSDL; save the schema inside its types element as a file, then import that";
+
+constexpr Vocabulary kVocabularies[] = {
+    {"http://relaxng.org/ns/structure/", kRelaxNg},
+    {"http://schemas.xmlsoap.org/wsdl/", kWsdl},
+    {"http://www.w3.org/ns/wsdl", kWsdl},
+    {"http://www.w3.org/2006/01/wsdl", kWsdl},
+};
+
+// The value of an attribute of a tag, as it is written; empty if there is none.
+std::string_view attributeOf(std::string_view tag, std::string_view name)
+{
+    tag.remove_prefix(std::min(tag.size(), tag.find_first_of(" \t\r\n")));
+    for (;;) {
+        tag = trimmed(tag);
+        const std::size_t equals = tag.find('=');
+        const std::string_view found = trimmed(tag.substr(0, equals));
+        if (equals == tag.npos || found.find('>') != found.npos)
+            return {};
+        tag = trimmed(tag.substr(equals + 1));
+        const std::size_t end = tag.empty() ? tag.npos : tag.find(tag.front(), 1);
+        if (end == tag.npos)
+            return {};
+        if (found == name)
+            return trimmed(tag.substr(1, end - 1));
+        tag.remove_prefix(end + 1);
+    }
+}
+
+// The namespace of the element that the text begins with.
+std::string_view spaceOf(std::string_view text)
+{
+    const std::string_view name = text.substr(1, text.find_first_of(" \t\r\n/>", 1) - 1);
+    const std::size_t colon = name.find(':');
+    return attributeOf(text, colon == name.npos ? "xmlns" : "xmlns:" + CString(name.substr(0, colon)));
+}
+
+// How a language writes what isn't part of its statements.
+struct Comments
+{
+    std::string_view line;
+    std::string_view begin; // empty: there is none of several lines
+};
+
+using Words = std::array<std::string_view, 3>;
+
+bool isLetter(char c)
+{
+    return (lowerAscii(c) >= 'a' && lowerAscii(c) <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-' ||
+           c == '.' || c == ':' || static_cast<unsigned char>(c) >= 0x80;
+}
+
+// The first words and marks of a text.
+Words firstWords(std::string_view text, const Comments& comments)
+{
+    Words words;
+    for (std::size_t i = 0; i < words.size();) {
+        text.remove_prefix(std::min(text.size(), text.find_first_not_of(kWhitespace)));
+        if (text.empty())
+            return words;
+        std::size_t length = 0;
+        if (text.starts_with(comments.line)) {
+            length = text.find('\n');
+        } else if (!comments.begin.empty() && text.starts_with(comments.begin)) {
+            length = text.find("*/");
+            length = length == text.npos ? length : length + 2;
+        } else {
+            while (length < text.size() && isLetter(text[length]))
+                ++length;
+            length = std::max<std::size_t>(length, 1);
+            words[i++] = text.substr(0, length);
+        }
+        text.remove_prefix(std::min(length, text.size()));
+    }
+    return words;
+}
+
+bool isOneOf(std::string_view word, std::initializer_list<std::string_view> words)
+{
+    return std::ranges::find(words, word) != words.end();
+}
+
+bool isRelaxCompact(std::string_view text)
+{
+    const auto [first, second, third] = firstWords(text, {"#", {}});
+    const bool isPattern = isOneOf(third, {"element", "attribute", "grammar", "list", "text", "empty", "notAllowed"});
+    return (isOneOf(first, {"namespace", "datatypes"}) && third == "=") ||
+           (first == "default" && second == "namespace") || (first == "start" && isOneOf(second, {"=", "|", "&"})) ||
+           (isOneOf(first, {"grammar", "div"}) && second == "{") ||
+           (isOneOf(first, {"element", "attribute"}) && third == "{") || (second == "=" && isPattern);
+}
+
+bool isProtobuf(std::string_view text)
+{
+    const auto [first, second, third] = firstWords(text, {"//", "/*"});
+    return (isOneOf(first, {"syntax", "edition"}) && second == "=") ||
+           (isOneOf(first, {"message", "enum", "service", "extend"}) && third == "{") ||
+           (first == "package" && third == ";" && text.find("message ") != text.npos) ||
+           (first == "import" && isOneOf(second, {"\"", "'", "public", "weak"}) && text.find('{') != text.npos);
+}
+
+bool isAvroIdl(std::string_view text)
+{
+    const auto [first, second, third] = firstWords(text, {"//", "/*"});
+    return (first == "protocol" && third == "{") || (first == "@" && text.find("protocol ") != text.npos);
+}
+
+// How many separators stand in a line outside of quotes.
+std::size_t countOutsideQuotes(std::string_view line, char separator)
+{
+    bool isQuoted = false;
+    return static_cast<std::size_t>(std::ranges::count_if(line, [&](char c) {
+        isQuoted ^= c == '"';
+        return c == separator && !isQuoted;
+    }));
+}
+
+// Whether the first lines have the same number of columns, at least two.
+bool isCsv(std::string_view text)
+{
+    if (std::ranges::any_of(
+            text, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' && c != '\r'; }))
+        return false;
+    return std::ranges::any_of(std::string_view(",;"), [text](char separator) {
+        std::size_t columns = 0, lines = 0;
+        for (std::string_view rest = text; !rest.empty() && lines < kLinesLookedAt;) {
+            const std::size_t end = rest.find('\n');
+            const std::string_view line = rest.substr(0, end);
+            rest.remove_prefix(end == rest.npos ? rest.size() : end + 1);
+            if (trimmed(line).empty() || (rest.empty() && lines > 1)) // the last one may have been cut off
+                continue;
+            const std::size_t count = countOutsideQuotes(line, separator);
+            if (count == 0 || (lines > 0 && count != columns))
+                return false;
+            columns = count;
+            ++lines;
+        }
+        return lines > 1;
+    });
+}
+
+struct Language
+{
+    std::string_view ending;
+    bool (*isIt)(std::string_view text);
+    std::string_view advice;
+};
+
+constexpr Language kLanguages[] = {
+    {".rnc", isRelaxCompact, "this is RELAX NG in its compact form; convert it with trang, then import the schema"},
+    {".proto", isProtobuf, "this is Protobuf; convert it to JSON Schema with protoc-gen-jsonschema, then import that"},
+    {".avdl", isAvroIdl, "this is Avro IDL; convert it with avro-tools idl, then import the protocol"},
+    {".csv", isCsv, "this is CSV; load it into a database table, then import that with odbc"},
+    {".tsv", isCsv, "this is CSV; load it into a database table, then import that with odbc"},
+};
+
+} // namespace
+
+std::string_view foreignSource(std::string_view start, std::string_view content)
+{
+    for (const Signature& signature : kSignatures)
+        if (start.starts_with(signature.first))
+            return signature.advice;
+    if (!content.starts_with("<"))
+        return {};
+    const std::string_view space = spaceOf(content);
+    for (const Vocabulary& vocabulary : kVocabularies)
+        if (space.starts_with(vocabulary.space))
+            return vocabulary.advice;
+    return {};
+}
+
+std::string_view foreignText(std::string_view start, std::string_view fileName)
+{
+    const CString name = lowerAscii(fileName);
+    for (const Language& language : kLanguages)
+        if (name.ends_with(language.ending))
+            return language.advice;
+    for (const Language& language : kLanguages)
+        if (language.isIt(start))
+            return language.advice;
+    return {};
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string_view>
+
+/// What sources of well-known formats that no importer reads are, and what to do with them, as a sentence without its
+/// full stop: "this is RELAX NG; convert it with trang, then import the schema". Empty for all other sources.
+
+/// `start` is the beginning of a file, which its first bytes or its root element's namespace tell. `content` is `start`
+/// behind byte order mark, comments and DOCTYPE.
+std::string_view foreignSource(std::string_view start, std::string_view content);
+
+/// For text that no importer knows: told by the end of the file's name, or by its first words.
+std::string_view foreignText(std::string_view start, std::string_view fileName);
