@@ -21,6 +21,7 @@ VornObject<Interface> own(Interface* object, const VornObject<Parent>& parent)
 BrokerSession::~BrokerSession()
 {
     const MemoryWipe wipe; // the client's libraries have kept the password up to here
+    reading.reset();
     creation.reset();
     repository.reset();
     connection.reset();
@@ -29,9 +30,22 @@ BrokerSession::~BrokerSession()
 
 CString BrokerSession::open(const CString& serverName, unsigned port, const BrokerAccount* account)
 {
+    return open(kVornServerClass, serverName, port, account);
+}
+
+CString BrokerSession::openForReading(const CString& serverName, unsigned port, const BrokerAccount* account)
+{
+    const CString failure = open(kVornReaderClass, serverName, port, account);
+    if (failure.empty() && (!creation || !reading))
+        throw ClientError("The client can't read a repository");
+    return failure;
+}
+
+CString BrokerSession::open(const char* classId, const CString& serverName, unsigned port, const BrokerAccount* account)
+{
     const MemoryWipe wipe;
     description.clear();
-    server = createVornObject(kVornServerClass, &description);
+    server = createVornObject(classId, &description);
     if (!server)
         return loadText(IDS_NO_CLIENT);
     const auto address = readServerAddress(serverName, port); // what is none is for the client to refuse
@@ -72,6 +86,7 @@ CString BrokerSession::openRepository()
     if (!repository)
         return loadText(IDS_NO_REPOSITORY);
     creation = queryInterface<IVornCreation>(repository, kVornCreation);
+    reading = queryInterface<IVornReading>(repository, kVornReading);
     return {};
 }
 
@@ -93,6 +108,15 @@ std::vector<CreatedType> BrokerSession::createTypes(const std::vector<CString>& 
     for (const VornOutcome& outcome : std::span(outcomes).first(std::min<std::size_t>(done, outcomes.size())))
         types.push_back({outcome.code, outcome.source ? outcome.source : "", outcome.time, outcome.source != nullptr});
     return types;
+}
+
+std::vector<CString> BrokerSession::readFolder(const CString& folder)
+{
+    const char* const* documents = nullptr;
+    std::uint32_t count = 0;
+    if (reading->readFolder(folder.c_str(), &documents, &count) != VornResult::done)
+        throw ClientError(reading->queryDescription());
+    return {documents, documents + count};
 }
 
 unsigned BrokerSession::createType(const CString& document, bool overwrite)

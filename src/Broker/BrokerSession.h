@@ -53,6 +53,10 @@ public:
     /// error box.
     CString open(const CString& server, unsigned port, const BrokerAccount* account);
 
+    /// The same for a repository that is only read: nothing there is made or changed, and createTypes() tells what it
+    /// would do. Raises ClientError for a client that lacks that.
+    CString openForReading(const CString& server, unsigned port, const BrokerAccount* account);
+
     /// Why open() failed, for whom the text for the error box tells too little: the client's own words, or the system's
     /// where there is no client. "" where they are in the text, and where there are none.
     const CString& queryDescription() const { return description; }
@@ -68,11 +72,15 @@ public:
     std::vector<CreatedType> createTypes(const std::vector<CString>& documents, const CString& source,
                                          ExistingTypes existing);
 
+    /// The documents of the types in a folder, of a repository that is open for reading. Raises ClientError.
+    std::vector<CString> readFolder(const CString& folder);
+
     /// Returns when the types that were created outlive a crash of the server, if the client can tell. Raises
     /// ClientError if some may be lost.
     void finish();
 
 private:
+    CString open(const char* classId, const CString& server, unsigned port, const BrokerAccount* account);
     CString logOn(const CString& address, const BrokerAccount* account);
     CString openRepository();
     void describe(const IVornObject& object) { description = object.queryDescription(); }
@@ -81,5 +89,6 @@ private:
     VornObject<IVornConnection> connection;
     VornObject<IVornRepository> repository;
     VornObject<IVornCreation> creation; // null if the client has no such interface
+    VornObject<IVornReading> reading;   // the same
     CString description;
 };

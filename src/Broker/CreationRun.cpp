@@ -149,7 +149,8 @@ void CreationRun::settle(const Element& type, const CString& document, CreatedTy
     if (isUnchanged && options.leavesUnchanged)
         return callbacks.addResult(type.queryName() + " unchanged", ResultKind::unchanged);
     const ResultLine& line = resultLineOf(isUnchanged ? CreatedType::exists : outcome.code);
-    callbacks.addResult(fillText(loadText(line.textId), type.queryName()), line.kind);
+    const bool isNameAlone = options.isDryRun && outcome.code != CreatedType::refused;
+    callbacks.addResult(isNameAlone ? type.queryName() : fillText(loadText(line.textId), type.queryName()), line.kind);
     errorCount += outcome.code == CreatedType::refused;
 }
 

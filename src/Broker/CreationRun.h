@@ -28,6 +28,7 @@ struct CreationOptions
 {
     TypeSource source = {};       ///< of the types
     bool leavesUnchanged = false; ///< a type that exists with the same document is left without a question
+    bool isDryRun = false;        ///< nothing is created: lines that say so are the type's name alone
 };
 
 /// The types of another source that a run has met: they exist, and were different.

@@ -14,6 +14,10 @@ constexpr std::uint32_t kVornInterfaceVersion = 1;
 /// The class identifier of the server object. Not inline: one object for all libraries would never let one go.
 constexpr char kVornServerClass[] = "{7B1F0C52-3D64-4E0B-9A57-6C2E81D4F3A9}";
 
+/// The class identifier of a server object whose repositories are only read: nothing is made or changed there, and an
+/// IVornCreation tells what it would do, and does nothing. A client may lack it.
+constexpr char kVornReaderClass[] = "{2C94E7A1-58B3-4F0D-8E16-B07D3A65C9F4}";
+
 /// How an operation ended.
 enum class VornResult : std::int32_t
 {
@@ -93,6 +97,21 @@ protected:
 
 /// The name of IVornCreation for vornQueryInterface(). A changed interface gets another number.
 constexpr char kVornCreation[] = "IVornCreation.1";
+
+/// Reads a repository of the class kVornReaderClass.
+class IVornReading : public IVornObject
+{
+public:
+    /// Hands out the documents of the types that lie in `folder` itself ("\\sys\\xml\\"), in the order of their names.
+    /// They are valid until the next call.
+    virtual VornResult readFolder(const char* folder, const char* const** documents, std::uint32_t* count) noexcept = 0;
+
+protected:
+    ~IVornReading() = default;
+};
+
+/// The name of IVornReading for vornQueryInterface().
+constexpr char kVornReading[] = "IVornReading.1";
 
 /// A logged-on user's connection.
 class IVornConnection : public IVornObject

@@ -88,7 +88,7 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
 {
     CString ignored;
     CString& why = reason != nullptr ? *reason : ignored;
-    const std::optional<CString> named = namedLibrary(classId);
+    const std::optional<CString> named = namedLibrary(kVornServerClass);
     if (const CString doubt = named ? distrust(*named) : CString(); !doubt.empty()) {
         why = doubt;
         return {};

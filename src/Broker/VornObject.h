@@ -21,7 +21,7 @@ struct VornRelease
 template <class Interface>
 using VornObject = std::unique_ptr<Interface, VornRelease>;
 
-/// Creates the object of a class: out of the library that the settings name under the class
+/// Creates the object of a class: out of the library that the settings name under the class of servers
 /// (SOFTWARE\Classes\CLSID\{...}\InprocServer32), else out of the client that comes with the program. Null when there
 /// is no such library, its interfaces are of another version, or it doesn't know the class; `reason` then says which,
 /// for people who set up clients.

@@ -181,7 +181,7 @@ CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
         return "--full: " + word + " has no full reading";
     if (arguments.sources.size() > 1 && !message->setFurtherFiles({}))
         return word + " reads one source at a time";
-    if (!arguments.logon.user.empty() && arguments.create.address.empty() && !importer.querySource().readsTables)
+    if (!arguments.logon.user.empty() && !arguments.usesBroker() && !importer.querySource().readsTables)
         return "--user: there is nobody to log on to without --create";
     if (!arguments.tables.empty() && !importer.querySource().readsTables)
         return "--table: " + word + " reads no tables";

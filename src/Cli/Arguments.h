@@ -35,6 +35,9 @@ struct Arguments
     ReportOptions report;
     LogonOptions logon;
     CreateOptions create;
+
+    /// Whether there is a broker to log on to.
+    bool usesBroker() const { return !create.address.empty() || diff.isRepository(); }
 };
 
 /// Reads the command line. When there is nothing to import (help, version, a mistake) everything that there is to say

@@ -1,10 +1,10 @@
 #include "Cli/CreateTypes.h"
 
 #include "Base/Secret.h"
-#include "Base/ServerAddress.h"
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
 #include "Broker/TypeSource.h"
+#include "Cli/Broker.h"
 #include "Cli/Output.h"
 
 #include <CLI/CLI.hpp>
@@ -16,13 +16,7 @@
 
 namespace {
 
-constexpr unsigned kDefaultPort = 7250;
 constexpr char kWayOut[] = "; --base-path keeps them apart";
-
-std::string checkAddress(const std::string& address)
-{
-    return readServerAddress(address, kDefaultPort) ? "" : "not SERVER or SERVER:PORT: " + address;
-}
 
 // What a line on standard input answers; anything else, and its end, is a no, as is closing the dialog.
 OverwriteChoice ask(const CString& question, const CString& details)
@@ -55,18 +49,20 @@ OverwriteChoice choose(const CString& overwrite, const CString& question, const 
     return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
 }
 
-bool openSession(BrokerSession& session, const CreateOptions& options, const LogonOptions& logon)
+// What a dry run says behind a type.
+const char* wouldBe(ResultKind kind, const CString& overwrite)
 {
-    Secret password;
-    if (!logon.user.empty())
-        readPassword(logon, password.text);
-    const BrokerAccount account{logon.user, password.text};
-    const CString failure = session.open(options.address, kDefaultPort, logon.user.empty() ? nullptr : &account);
-    if (failure.empty())
-        return true;
-    const CString& words = session.queryDescription();
-    report(words.empty() ? failure : failure + ": " + words);
-    return false;
+    switch (kind) {
+    case ResultKind::created:
+        return " would be created";
+    case ResultKind::modified:
+        return " would be replaced";
+    case ResultKind::skipped:
+        return overwrite == "ask" ? " exists and is different, you would be asked"
+                                  : " exists and is different, would be kept";
+    default:
+        return "";
+    }
 }
 
 CString typesOf(int count, const CString& source)
@@ -75,7 +71,7 @@ CString typesOf(int count, const CString& source)
 }
 
 // Says which types other sources had created otherwise, a line for each of those.
-void reportOtherSources(const CreationRun& run, const CString& source, bool isKeptToo)
+void reportOtherSources(const CreationRun& run, const CString& source, bool isKeptToo, bool isDryRun)
 {
     std::vector<CString> names = {source};
     for (const OtherSource& other : run.queryOtherSources())
@@ -84,7 +80,10 @@ void reportOtherSources(const CreationRun& run, const CString& source, bool isKe
         const CString shown = shortName(name, names);
         if (replaced != 0)
             report(typesOf(replaced, shown) +
-                   (replaced == 1 ? " was replaced by a different one" : " were replaced by different ones") + kWayOut);
+                   (isDryRun        ? " would be"
+                    : replaced == 1 ? " was"
+                                    : " were") +
+                   " replaced by " + (replaced == 1 ? "a different one" : "different ones") + kWayOut);
         if (kept != 0 && isKeptToo)
             report(typesOf(kept, shown) + (kept == 1 ? " is different" : " are different") + kWayOut);
     }
@@ -99,11 +98,12 @@ void addCreateOptions(CLI::App& app, CreateOptions& options)
     CLI::Option* const create =
         app.add_option("--create", options.address, "Create the types in the broker at this address")
             ->type_name("SERVER[:PORT]")
-            ->check(CLI::Validator(checkAddress, ""))
+            ->check(CLI::Validator(mistakeInAddress, ""))
             ->excludes("--output", "--list", "--type", "--graph", "--diff");
     app.add_flag("--trusted", options.trusted, "Log on as the current user (default)")
         ->needs(create)
         ->excludes("--user");
+    app.add_flag("--dry-run", options.isDryRun, "Only print what would become of each type")->needs(create);
     app.add_option("--overwrite", options.overwrite,
                    "Replace existing types: all, none or ask (default: ask on a terminal, else keep)")
         ->type_name("all|none|ask")
@@ -117,24 +117,26 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
     keepOutOfCores();
     std::signal(SIGPIPE, SIG_IGN); // a reader that has gone keeps no type from being created
     BrokerSession session;
-    if (!openSession(session, options, logon))
+    if (!openBroker(session, options.address, logon, options.isDryRun))
         return kFailed;
     const CString overwrite = options.overwrite.empty() && isatty(STDIN_FILENO) ? "ask" : options.overwrite;
     bool leftAlone = false;
     const auto choice = [&](const CString& question, const CString& details) {
         leftAlone = overwrite.empty();
+        if (options.isDryRun)
+            return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
         return choose(overwrite, question, details, verbosity);
     };
     Output lines("");
     FileCause cause = FileCause::none;
-    const auto addLine = [&](const CString& line, ResultKind) {
-        lines.write(shownText(line) + "\n");
+    const auto addLine = [&](const CString& line, ResultKind kind) {
+        lines.write(shownText(line) + (options.isDryRun ? wouldBe(kind, overwrite) : "") + "\n");
         cause = lines.commit();
     };
-    CreationRun run(session, {choice, addLine}, {source, true});
+    CreationRun run(session, {choice, addLine}, {source, true, options.isDryRun});
     const int errors = run.run(message);
     if (verbosity != Verbosity::quiet)
-        reportOtherSources(run, source.name, leftAlone);
+        reportOtherSources(run, source.name, leftAlone, options.isDryRun);
     if (cause != FileCause::none)
         reportUnwritten("-", cause);
     if (errors != 0 || leftAlone)

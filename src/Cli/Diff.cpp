@@ -157,7 +157,12 @@ private:
 CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
 {
     CLI::Option* const diff =
-        app.add_option("--diff", options.document, "Compare with this earlier document instead")->type_name("FILE");
+        app.add_option("--diff", options.document,
+                       "Compare with this earlier document instead, or with broker:SERVER[:PORT]")
+            ->type_name("FILE")
+            ->check([](const CString& document) {
+                return document.starts_with(kBroker) ? mistakeInAddress(document.substr(kBroker.size())) : "";
+            });
     app.add_option("--compatible", options.compatible, "Whom changes must not break (default: readers)")
         ->type_name("readers|writers|both")
         ->check(CLI::IsMember({"readers", "writers", "both"}))
@@ -180,7 +185,7 @@ int diffTypes(MsgBase& message, const DiffOptions& options, const ReportOptions&
     BrokerMessage earlier;
     earlier.keepTwins();
     earlier.parseFile(document, earlier.getBasePath());
-    if (!diagnostics.hasErrors() && !holdsTypes(earlier))
+    if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository())
         diagnostics.add({document, "it is no document of types"});
     else
         nameLosses(earlier.queryReport(), report, diagnostics, document);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Text.h"
+#include "Cli/Broker.h"
 
 #include <vector>
 
@@ -16,11 +17,13 @@ class Option;
 /// What the command line wants compared, and which changes count.
 struct DiffOptions
 {
-    CString document;               ///< written earlier; "-" is standard input; empty: nothing is compared
+    CString document;               ///< written earlier; "-": standard input; a repository; empty: nothing is compared
     CString compatible = "readers"; ///< whom a change must not break: readers, writers or both
     std::vector<CString> allowed;   ///< ids of changes that don't count
     bool asJson = false;
     bool ignoreFolders = false; ///< another base path or main element is no difference
+
+    bool isRepository() const { return document.starts_with(kBroker); }
 };
 
 /// Adds --diff and the options that go with it; the answer is --diff.

@@ -53,6 +53,8 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     Output output(arguments.output);
     if (!arguments.always)
         output.keepUnchanged();
+    if (arguments.diff.isRepository() && !keepRepository(message, arguments.diff.document, arguments.logon))
+        return failedStatus;
     if (!arguments.diff.document.empty())
         return diffTypes(message, arguments.diff, arguments.report, output, diagnostics);
     Element* const type = arguments.hasType ? findType(message, arguments.type) : nullptr;

@@ -48,7 +48,7 @@ void TableSource::read(MsgBase& message, const Arguments& arguments, const CStri
 bool TableSource::open(const Arguments& arguments)
 {
     Secret logon;
-    if (!arguments.logon.user.empty() && arguments.create.address.empty()) {
+    if (!arguments.logon.user.empty() && !arguments.usesBroker()) {
         Secret password;
         readPassword(arguments.logon, password.text);
         logon.text = logonText(arguments.logon.user, password.text);

@@ -11,15 +11,26 @@
 
 namespace {
 
-struct KeptPipe
+struct Kept
 {
     CString name;
     Descriptor copy;
 
-    KeptPipe(const CString& name, int copy) : name(name), copy(copy) {}
+    Kept(const CString& name, int copy) : name(name), copy(copy) {}
 };
 
-std::list<KeptPipe> g_pipes;
+std::list<Kept> g_kept;
+
+// Without a name; -1 with errno.
+int makeFile()
+{
+    std::FILE* const file = std::tmpfile();
+    if (!file)
+        return -1;
+    const int made = ::fcntl(::fileno(file), F_DUPFD_CLOEXEC, 3);
+    std::fclose(file);
+    return made;
+}
 
 bool copyAll(int from, const Descriptor& to)
 {
@@ -39,12 +50,16 @@ bool copyAll(int from, const Descriptor& to)
 
 int copyToFile(int descriptor)
 {
-    std::FILE* const file = std::tmpfile();
-    if (!file)
-        return -1;
-    const Descriptor copy(::dup(::fileno(file)));
-    std::fclose(file);
+    const Descriptor copy(makeFile());
     return copy.isOpen() && copyAll(descriptor, copy) ? ::fcntl(copy.get(), F_DUPFD_CLOEXEC, 3) : -1;
+}
+
+bool keepText(const CString& fileName, std::string_view text)
+{
+    const int file = makeFile();
+    if (file < 0)
+        return false;
+    return g_kept.emplace_back(fileName, file).copy.write(text);
 }
 
 bool isPipe(const CString& fileName)
@@ -59,14 +74,14 @@ bool keepPipe(const CString& fileName)
     const int copy = pipe.isOpen() ? copyToFile(pipe.get()) : -1;
     if (copy < 0)
         return false;
-    g_pipes.emplace_back(fileName, copy);
+    g_kept.emplace_back(fileName, copy);
     return true;
 }
 
 CString openedFile(const CString& fileName)
 {
-    for (const KeptPipe& pipe : g_pipes)
-        if (pipe.name == fileName)
-            return "/proc/self/fd/" + std::to_string(pipe.copy.get());
+    for (const Kept& kept : g_kept)
+        if (kept.name == fileName)
+            return "/proc/self/fd/" + std::to_string(kept.copy.get());
     return fileName;
 }

@@ -13,5 +13,8 @@ bool isPipe(const CString& fileName);
 /// on. Returns false with errno if that fails.
 bool keepPipe(const CString& fileName);
 
-/// The file to open for a name: that of the pipe that was kept, else the name itself.
+/// Has each InputFile of that name read `text` from now on. Returns false with errno if that fails.
+bool keepText(const CString& fileName, std::string_view text);
+
+/// The file to open for a name: that of what was kept, else the name itself.
 CString openedFile(const CString& fileName);

@@ -240,7 +240,7 @@ TypeChange::Id changeCalled(std::string_view text)
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after)
 {
     TypeFolders folders{commonFolder(before), commonFolder(after)};
-    bool haveCommonName = folders.areEqual();
+    bool haveCommonName = folders.areEqual() || before.size() == 0;
     for (std::uint32_t type = 0; type < before.size() && !haveCommonName; ++type)
         haveCommonName = after.find(before.queryFullName(type)) != TypeStructure::kNone;
     return haveCommonName ? TypeFolders() : folders;

@@ -3,6 +3,7 @@
 #include "support/ImportCommand.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <set>
 #include <sstream>
 
@@ -65,6 +66,46 @@ protected:
 
     Boxes boxes;
 };
+
+// What a dry run and a comparison go by.
+TEST_P(Repository, IsReadWithoutBeingTouched)
+{
+    const auto read = [&](BrokerSession& session) {
+        const BrokerAccount account{"TYPEFORGE", postgres().password};
+        ASSERT_EQ("", isLocal()
+                          ? session.openForReading("local", 7250, nullptr)
+                          : session.openForReading("127.0.0.1", static_cast<unsigned>(postgres().port), &account));
+    };
+    const CString document = "<BROKERTYPEDESCRIPTION NAME=\"\\a\\b\"/>",
+                  other = "<BROKERTYPEDESCRIPTION NAME=\"\\a\\b\"> </BROKERTYPEDESCRIPTION>";
+    {
+        BrokerSession session;
+        read(session);
+        EXPECT_EQ(create(session, document, "s", VornExisting::stop), "0 none kept");
+        EXPECT_EQ(session.readFolder("\\a\\"), std::vector<CString>());
+        EXPECT_THROW(session.createType(document, true), ClientError);
+    }
+    EXPECT_FALSE(isLocal() && std::filesystem::exists(home.path("data/typeforge")));
+    if (!isLocal()) {
+        EXPECT_THROW(rows(), CDBException);
+    }
+    {
+        BrokerSession session;
+        open(session);
+        for (const char* name : {"\\a\\c\\d", "\\a\\b", "\\a\\gr\u00f6\u00dfe", "\\aa\\b", "\\A\\b"})
+            create(session, CString("<BROKERTYPEDESCRIPTION NAME=\"") + name + "\"/>", "s", VornExisting::keep);
+    }
+    const auto before = rows();
+    BrokerSession session;
+    read(session);
+    EXPECT_EQ(session.readFolder("\\a\\"),
+              (std::vector<CString>{document, "<BROKERTYPEDESCRIPTION NAME=\"\\a\\gr\u00f6\u00dfe\"/>"}));
+    EXPECT_EQ(create(session, document, "s", VornExisting::stop), "3 s");
+    EXPECT_EQ(create(session, other, "s", VornExisting::stop), "2 s");
+    EXPECT_EQ(create(session, other, "s", VornExisting::replace), "1 s");
+    EXPECT_EQ(create(session, "<x/>", "s", VornExisting::replace), "99 ");
+    EXPECT_EQ(rows(), before);
+}
 
 TEST_P(Repository, CodeTellsWhatBecameOfAType)
 {

@@ -120,6 +120,25 @@ class Create(unittest.TestCase):
                 self.assertEqual((status, "a %s\nr %s\n" % (a, r), said),
                                  self.run_import(*create, *option, answers=answers))
 
+    def test_a_dry_run_and_a_comparison_change_nothing(self):
+        create, compare = ["pair.dtd", "--create", "local", "--dry-run"], ["pair.dtd", "--diff", "broker:local"]
+        added = "added record \\sys\\rosettanet\\r\\%s [type-added]\n"
+        self.assertEqual((0, "a would be created\nr would be created\n", ""), self.run_import(*create))
+        self.assertEqual((1, added % "a" + added % "r" + "compatible: only additions\n", ""), self.run_import(*compare))
+        self.assertEqual(["pair.dtd"], os.listdir(self.folder))
+        self.run_import("pair.dtd", "--create", "local")
+        self.assertEqual((0, "", ""), self.run_import(*compare))
+        self.write("pair.dtd", "<!ELEMENT r (a,c)><!ELEMENT a (b)><!ELEMENT c (b)>")
+        before = self.rows()
+        self.assertEqual(1, self.run_import(*compare)[0])
+        for option, status, fate in [
+                (["--overwrite", "all"], 0, "would be replaced"), ([], 4, "exists and is different, would be kept"),
+                (["--overwrite", "ask"], 0, "exists and is different, you would be asked")]:
+            self.assertEqual((status, "c would be created\na unchanged\nr %s\n" % fate, ""), self.run_import(*create, *option))
+        self.assertEqual(before, self.rows())
+        for mistake in ["--dry-run"], ["--diff", "broker:"], ["--diff", "broker:a:b"]:
+            self.assertEqual(2, self.run_import("pair.dtd", *mistake)[0])
+
     def test_the_other_source_of_a_type_is_named(self):
         os.mkdir(self.folder + "/sub")
         end = "; --base-path keeps them apart\n"

@@ -39,7 +39,7 @@ void makePrivate(const fs::path& folder, const fs::path& file)
         raise(file);
 }
 
-CString localFile()
+fs::path localFile()
 {
     const fs::path folder = dataFolder();
     if (folder.empty())
@@ -47,7 +47,6 @@ CString localFile()
     const fs::path file = folder / "types.db";
     if (file.string().find_first_of(kNotInValue) != CString::npos)
         throw std::invalid_argument("A database can't lie in " + folder.string());
-    makePrivate(folder, file);
     return file;
 }
 
@@ -66,12 +65,22 @@ bool Address::isLocal() const
     return address.server == kLocal;
 }
 
-CString Address::connectString() const
+bool Address::isThere() const
 {
+    return !isLocal() || fs::exists(localFile());
+}
+
+CString Address::connectString(bool isForReading) const
+{
+    if (isLocal() && isForReading)
+        return "Driver=SQLite3;Database=" + localFile().string() + ";Timeout=5000;NoCreat=1;";
     // A reader doesn't wait for a writer with a write-ahead log, and one commit costs no wait for the disk; what was
     // committed outlives the end of the process, however it ends. The driver waits twice the time for a lock: 10 s.
-    if (isLocal())
-        return "Driver=SQLite3;Database=" + localFile() + ";Timeout=5000;JournalMode=WAL;SyncPragma=NORMAL;";
+    if (isLocal()) {
+        const fs::path file = localFile();
+        makePrivate(file.parent_path(), file);
+        return "Driver=SQLite3;Database=" + file.string() + ";Timeout=5000;JournalMode=WAL;SyncPragma=NORMAL;";
+    }
     return "Driver={PostgreSQL Unicode};Server=" + address.server + ";Port=" + std::to_string(address.port) +
            ";Database=typeforge;";
 }

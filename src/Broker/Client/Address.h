@@ -14,8 +14,11 @@ public:
     bool isLocal() const;
 
     /// The connection string, without user and password. Makes the local file and its folder where there are none yet,
-    /// for the user alone; raises std::system_error where that fails.
-    CString connectString() const;
+    /// for the user alone, unless that is only to be read; raises std::system_error where that fails.
+    CString connectString(bool isForReading) const;
+
+    /// False for a local file that nobody has made yet.
+    bool isThere() const;
 
     /// The package that brings the driver.
     const char* driverPackage() const { return isLocal() ? "libsqliteodbc" : "odbc-postgresql"; }

@@ -3,7 +3,9 @@
 #include "Base/Text.h"
 #include "Broker/IVorn.h"
 
+#include <span>
 #include <string_view>
+#include <vector>
 
 /// A type to be stored, under its full name. The document is somebody else's.
 struct NamedDocument
@@ -42,4 +44,30 @@ struct ExistingRules
     VornExisting unchanged; ///< with the same one
 
     VornExisting ruleFor(bool isSame) const { return isSame ? unchanged : changed; }
+};
+
+/// Whether a creation goes no further than a type of which this has become.
+inline bool stops(const StoredType& type, ExistingRules rules)
+{
+    const bool exists = type.code == StoredType::exists || type.code == StoredType::unchanged;
+    return exists && rules.ruleFor(type.code == StoredType::unchanged) != VornExisting::keep;
+}
+
+/// Where a creation stores types.
+class TypeStorage
+{
+public:
+    virtual ~TypeStorage() = default;
+
+    virtual bool keepsSources() const = 0;
+
+    /// Stores types in their order, each by transactions of its own, and returns what became of the first ones, at
+    /// least of one: up to one that the rules stop at, or that the next one fails behind. A type is replaced only as it
+    /// was found, so nothing that others store meanwhile is lost. Raises CDBException if the first one fails.
+    virtual std::vector<StoredType> store(std::span<const NamedDocument> types, const CString& source,
+                                          ExistingRules rules) = 0;
+
+    /// Returns when all that was stored is on the server's disk: a crash of the server until then may lose the types
+    /// that were stored last. Raises CDBException.
+    virtual void finish() {}
 };

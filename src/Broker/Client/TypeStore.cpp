@@ -28,12 +28,6 @@ CString timeNow()
     return text;
 }
 
-bool stops(const StoredType& type, ExistingRules rules)
-{
-    const bool exists = type.code == StoredType::exists || type.code == StoredType::unchanged;
-    return exists && rules.ruleFor(type.code == StoredType::unchanged) != VornExisting::keep;
-}
-
 } // namespace
 
 TypeStore::TypeStore(std::shared_ptr<CDatabase> open, TypeTable::Place place) :

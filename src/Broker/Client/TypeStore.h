@@ -14,32 +14,27 @@
 class TypeBatch;
 
 /// The type repository in a database. Where the database was found locked or silent every further call fails at once.
-class TypeStore
+class TypeStore final : public TypeStorage
 {
 public:
     /// Opens the table of types. Raises CDBException; also where the rights for changing it are missing.
     TypeStore(std::shared_ptr<CDatabase> database, TypeTable::Place place);
 
     /// Does what finish() does, but tells no failure.
-    ~TypeStore();
+    ~TypeStore() override;
     TypeStore(const TypeStore&) = delete;
     TypeStore& operator=(const TypeStore&) = delete;
 
-    bool keepsSources() const { return table.keepsSources; }
+    bool keepsSources() const override { return table.keepsSources; }
 
     /// Stores a type of no known source by one statement, which is a transaction of its own: of two that create the
     /// same type at the same moment, one has it created and the other finds it existing. Raises CDBException, and
     /// nothing is stored then.
     StoredType::Code store(const NamedDocument& type, bool overwrite);
 
-    /// Stores types in their order, each by transactions of its own, and returns what became of the first ones, at
-    /// least of one: up to one that the rules stop at, or that the next one fails behind. A type is replaced only as it
-    /// was found, so nothing that others store meanwhile is lost. Raises CDBException if the first one fails.
-    std::vector<StoredType> store(std::span<const NamedDocument> types, const CString& source, ExistingRules rules);
-
-    /// Returns when all that was stored is on the server's disk: a crash of the server until then may lose the types
-    /// that were stored last. Raises CDBException.
-    void finish();
+    std::vector<StoredType> store(std::span<const NamedDocument> types, const CString& source,
+                                  ExistingRules rules) override;
+    void finish() override;
 
 private:
     /// A type as it was found.

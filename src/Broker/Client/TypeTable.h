@@ -15,6 +15,9 @@ struct TypeTable
     /// lacks them. Raises CDBException; also where the rights for changing types are missing.
     TypeTable(CDatabase& database, Place place);
 
+    /// A table of that form, for reading alone: nothing is made and no right is asked for.
+    TypeTable(Place place, bool keepsSources) : place(place), keepsSources(keepsSources) {}
+
     const Place place;
     bool keepsSources = false; ///< false where the columns are missing and can't be added
 

@@ -4,6 +4,7 @@
 #include "Broker/Client/Roles.h"
 #include "Broker/Client/StoredType.h"
 #include "Broker/Client/TypeDocument.h"
+#include "Broker/Client/TypeReader.h"
 #include "Broker/Client/TypeStore.h"
 #include "Broker/IVorn.h"
 #include "Database/ConnectString.h"
@@ -72,7 +73,7 @@ NamedDocument named(const char* document)
 class Creation final : public ClientObject<IVornCreation>
 {
 public:
-    explicit Creation(std::shared_ptr<TypeStore> openStore) : store(std::move(openStore)) {}
+    explicit Creation(std::shared_ptr<TypeStorage> openStore) : store(std::move(openStore)) {}
 
     VornResult createTypes(const char* const* documents, std::uint32_t count, const char* source, VornExisting changed,
                            VornExisting unchanged, VornOutcome* outcomes, std::uint32_t* done) noexcept override
@@ -106,12 +107,68 @@ private:
         return {type.code, store->keepsSources() ? type.mark.source.c_str() : nullptr, type.mark.time.c_str()};
     }
 
-    std::shared_ptr<TypeStore> store;
+    std::shared_ptr<TypeStorage> store;
     std::vector<NamedDocument> types;
     std::vector<StoredType> stored; // by the last call
 };
 
-class Repository final : public ClientObject<IVornRepository>
+class Reading final : public ClientObject<IVornReading>
+{
+public:
+    explicit Reading(std::shared_ptr<TypeReader> openReader) : reader(std::move(openReader)) {}
+
+    VornResult readFolder(const char* folder, const char* const** documents, std::uint32_t* count) noexcept override
+    {
+        return attempt([&] {
+            texts = reader->readFolder(folder);
+            pointers.clear();
+            for (const CString& text : texts)
+                pointers.push_back(text.c_str());
+            *documents = pointers.data();
+            *count = static_cast<std::uint32_t>(pointers.size());
+            return VornResult::done;
+        });
+    }
+
+private:
+    std::shared_ptr<TypeReader> reader;
+    std::vector<CString> texts; // of the last call
+    std::vector<const char*> pointers;
+};
+
+// Any repository: what vornQueryInterface() asks.
+class AnyRepository : public ClientObject<IVornRepository>
+{
+public:
+    /// Null for a name that is not known.
+    virtual IVornObject* queryInterface(std::string_view name) const = 0;
+};
+
+// One that is only read. A creation in it stores nothing.
+class ReadRepository final : public AnyRepository
+{
+public:
+    ReadRepository(std::shared_ptr<CDatabase> database, TypeTable::Place place) :
+        reader(std::make_shared<TypeReader>(std::move(database), place))
+    {}
+
+    VornResult createType(const char*, std::int32_t, std::uint32_t*) noexcept override
+    {
+        return attempt([]() -> VornResult { throw std::logic_error("The repository is open for reading alone"); });
+    }
+
+    IVornObject* queryInterface(std::string_view name) const override
+    {
+        return name == kVornReading    ? static_cast<IVornObject*>(new (std::nothrow) Reading(reader))
+               : name == kVornCreation ? new (std::nothrow) Creation(reader)
+                                       : nullptr;
+    }
+
+private:
+    std::shared_ptr<TypeReader> reader;
+};
+
+class Repository final : public AnyRepository
 {
 public:
     Repository(std::shared_ptr<CDatabase> database, TypeTable::Place place) :
@@ -127,8 +184,7 @@ public:
         });
     }
 
-    /// Null for a name that is not known.
-    IVornObject* queryInterface(std::string_view name) const
+    IVornObject* queryInterface(std::string_view name) const override
     {
         return name == kVornCreation ? new (std::nothrow) Creation(store) : nullptr;
     }
@@ -140,26 +196,32 @@ private:
 class Connection final : public ClientObject<IVornConnection>
 {
 public:
-    Connection(std::shared_ptr<CDatabase> open, TypeTable::Place openPlace) :
-        database(std::move(open)), place(openPlace)
+    Connection(std::shared_ptr<CDatabase> open, TypeTable::Place openPlace, bool isReader) :
+        database(std::move(open)), place(openPlace), readsOnly(isReader)
     {}
 
     VornResult GetRepository(IVornRepository** repository) noexcept override
     {
         return attempt([&] {
-            *repository = new Repository(database, place);
+            if (readsOnly)
+                *repository = new ReadRepository(database, place);
+            else
+                *repository = new Repository(database, place);
             return VornResult::done;
         });
     }
 
 private:
-    std::shared_ptr<CDatabase> database; // the repository's too, which may live longer
+    std::shared_ptr<CDatabase> database; // the repository's too, which may live longer; null if there is none to read
     const TypeTable::Place place;
+    const bool readsOnly;
 };
 
 class Server final : public ClientObject<IVornIntegrationServer>
 {
 public:
+    explicit Server(bool isReader) : readsOnly(isReader) {}
+
     VornResult PutAddress(const char* text) noexcept override
     {
         return attempt([&] {
@@ -198,10 +260,16 @@ private:
     {
         if (!address)
             throw std::logic_error("There is no address to connect to");
+        const auto place = address->isLocal() ? TypeTable::Place::file : TypeTable::Place::server;
+        if (readsOnly && !address->isThere()) {
+            *connection = new Connection(nullptr, place, readsOnly);
+            return VornResult::done;
+        }
         auto database = std::make_shared<CDatabase>();
         const auto start = std::chrono::steady_clock::now();
         try {
-            if (!database->Open(address->connectString(), CDatabase::readWrite, address->isLocal() ? CString() : logon))
+            if (!database->Open(address->connectString(readsOnly), CDatabase::readWrite,
+                                address->isLocal() ? CString() : logon))
                 throw std::runtime_error("The ODBC driver manager is not available");
             if (address->isLocal() && std::chrono::steady_clock::now() - start > kLockWait)
                 throw std::runtime_error("Another program has locked the repository");
@@ -213,12 +281,12 @@ private:
             describe(error.what());
             return VornResult::failed;
         }
-        *connection =
-            new Connection(std::move(database), address->isLocal() ? TypeTable::Place::file : TypeTable::Place::server);
+        *connection = new Connection(std::move(database), place, readsOnly);
         return VornResult::done;
     }
 
     std::optional<Address> address;
+    const bool readsOnly;
 };
 
 } // namespace
@@ -230,7 +298,8 @@ std::uint32_t vornInterfaceVersion() noexcept
 
 IVornIntegrationServer* vornCreateObject(const char* classId) noexcept
 {
-    return std::strcmp(classId, kVornServerClass) == 0 ? new (std::nothrow) Server : nullptr;
+    const bool isReader = std::strcmp(classId, kVornReaderClass) == 0;
+    return isReader || std::strcmp(classId, kVornServerClass) == 0 ? new (std::nothrow) Server(isReader) : nullptr;
 }
 
 void vornSetQuestion(bool (*isStillWanted)()) noexcept
@@ -240,5 +309,5 @@ void vornSetQuestion(bool (*isStillWanted)()) noexcept
 
 IVornObject* vornQueryInterface(IVornRepository* repository, const char* name) noexcept
 {
-    return static_cast<Repository*>(repository)->queryInterface(name);
+    return static_cast<AnyRepository*>(repository)->queryInterface(name);
 }

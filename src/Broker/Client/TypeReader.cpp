@@ -1,0 +1,77 @@
+#include "Broker/Client/TypeReader.h"
+
+#include "Broker/Client/TypeStatements.h"
+#include "Database/Statement.h"
+
+#include <string_view>
+#include <utility>
+
+namespace {
+
+constexpr char kProbe[] = "SELECT name, document, revision FROM typeforge_types WHERE false";
+constexpr char kProbeSources[] = "SELECT source, source_time, source_revision FROM typeforge_types WHERE false";
+constexpr char kReadFolder[] = "SELECT name, document FROM typeforge_types "
+                               "WHERE substr(name, 1, length(CAST(? AS TEXT))) = ? ORDER BY name";
+
+// Whether an error says that the table or a column is missing, in the words of either database.
+bool isMissing(const CDBException& error)
+{
+    const CString state = error.queryState();
+    const std::string_view words = error.what();
+    return state == "42P01" || state == "42S02" || state == "42703" || state == "42S22" ||
+           words.find("no such table") != words.npos || words.find("no such column") != words.npos;
+}
+
+bool isThere(CDatabase& database, const char* probe)
+{
+    try {
+        database.ExecuteSQL(probe);
+        return true;
+    } catch (const CDBException& error) {
+        if (!isMissing(error))
+            throw;
+        return false;
+    }
+}
+
+} // namespace
+
+TypeReader::TypeReader(std::shared_ptr<CDatabase> open, TypeTable::Place place) :
+    database(open && isThere(*open, kProbe) ? std::move(open) : nullptr),
+    table(place, database && isThere(*database, kProbeSources))
+{}
+
+std::vector<StoredType> TypeReader::store(std::span<const NamedDocument> types, const CString&, ExistingRules rules)
+{
+    std::vector<StoredType> outcomes;
+    for (const NamedDocument& type : types) {
+        outcomes.push_back(find(type, rules));
+        if (stops(outcomes.back(), rules))
+            break;
+    }
+    return outcomes;
+}
+
+StoredType TypeReader::find(const NamedDocument& type, ExistingRules rules) const
+{
+    const CStatement::Rows rows =
+        database ? CStatement(*database, findStatement(table)).execute({type.document, type.name}) : CStatement::Rows();
+    if (rows.empty())
+        return {StoredType::created};
+    const bool isSame = rows[0][1] == "1";
+    const SourceMark mark = {rows[0][2], rows[0][3]};
+    if (rules.ruleFor(isSame) >= VornExisting::replace)
+        return {StoredType::replaced, mark};
+    return {isSame ? StoredType::unchanged : StoredType::exists, mark};
+}
+
+std::vector<CString> TypeReader::readFolder(const CString& folder) const
+{
+    std::vector<CString> documents;
+    if (!database)
+        return documents;
+    for (auto& row : CStatement(*database, kReadFolder).execute({folder, folder}))
+        if (row[0].find('\\', folder.size()) == CString::npos)
+            documents.push_back(std::move(row[1]));
+    return documents;
+}

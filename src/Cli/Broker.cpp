@@ -1,0 +1,70 @@
+#include "Cli/Broker.h"
+
+#include "Base/Secret.h"
+#include "Base/ServerAddress.h"
+#include "Broker/BrokerSession.h"
+#include "Cli/Diagnostics.h"
+#include "Cli/Logon.h"
+#include "Files/KeptPipe.h"
+#include "Import/MsgBase.h"
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+#include <vector>
+
+namespace {
+
+constexpr unsigned kDefaultPort = 7250;
+
+// Whether a document describes a type without a kind, which ends the list of types for those who read it.
+bool hasNoContent(const CString& document)
+{
+    return document.find('<', document.find('<') + 1) == document.rfind("</") || document.ends_with("/>");
+}
+
+} // namespace
+
+CString mistakeInAddress(const CString& address)
+{
+    return readServerAddress(address, kDefaultPort) ? "" : "not SERVER or SERVER:PORT: " + address;
+}
+
+bool openBroker(BrokerSession& session, const CString& address, const LogonOptions& logon, bool isForReading)
+{
+    Secret password;
+    if (!logon.user.empty())
+        readPassword(logon, password.text);
+    const BrokerAccount account{logon.user, password.text};
+    const BrokerAccount* const user = logon.user.empty() ? nullptr : &account;
+    const CString failure =
+        isForReading ? session.openForReading(address, kDefaultPort, user) : session.open(address, kDefaultPort, user);
+    if (failure.empty())
+        return true;
+    const CString& words = session.queryDescription();
+    report(words.empty() ? failure : failure + ": " + words);
+    return false;
+}
+
+bool keepRepository(MsgBase& message, const CString& document, const LogonOptions& logon)
+{
+    keepOutOfCores();
+    BrokerSession session;
+    if (!openBroker(session, document.substr(kBroker.size()), logon, true))
+        return false;
+    std::set<CString> folders;
+    message.beginEnum();
+    while (const Element* type = message.enumNext())
+        folders.insert(type->queryPath());
+    std::vector<CString> documents;
+    for (const CString& folder : folders)
+        std::ranges::move(session.readFolder(folder), std::back_inserter(documents));
+    std::stable_partition(documents.begin(), documents.end(), [](const CString& each) { return !hasNoContent(each); });
+    CString text = "<types>";
+    for (const CString& each : documents)
+        text += each;
+    if (keepText(document, text + "</types>"))
+        return true;
+    report("can't keep what " + document + " holds");
+    return false;
+}
