@@ -157,8 +157,7 @@ private:
 CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
 {
     CLI::Option* const diff =
-        app.add_option("--diff", options.document,
-                       "Compare with this earlier document instead, or with broker:SERVER[:PORT]")
+        app.add_option("--diff", options.document, "Compare with this document, or broker:SERVER[:PORT]")
             ->type_name("FILE")
             ->check([](const CString& document) {
                 return document.starts_with(kBroker) ? mistakeInAddress(document.substr(kBroker.size())) : "";

@@ -36,8 +36,7 @@ void addReportOptions(CLI::App& app, ReportOptions& options)
         ->type_name("text|json")
         ->check(CLI::IsMember({"text", "json"}))
         ->needs(report);
-    app.add_flag("--strict", options.isStrict,
-                 "Fail if the import loses anything that changes what types mean: write no output and create no types");
+    app.add_flag("--strict", options.isStrict, "Fail if anything is lost; write and create nothing");
 }
 
 bool writeReport(MsgBase& message, const ReportOptions& options)
