@@ -1,5 +1,7 @@
 #include "Cli/Completion.h"
 
+#include "Import/MsgUIDescriptor.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -22,6 +24,24 @@ struct Row
         return shortName.empty() ? "--" + longName : "-" + shortName + separator + "--" + longName;
     }
     bool isFile() const { return value == "FILE"; }
+    bool hasValue() const { return !value.empty(); }
+
+    /// The importers that the option is not for, "xml|btd"; empty if it is for all. The description names those that it
+    /// is for, "dtd, xsd: Read by ...".
+    CString otherImporters() const
+    {
+        const CString named = " " + description.substr(0, description.find(':')) + ",";
+        bool isForSome = false;
+        CString others;
+        for (MsgUIDescriptor** importer = g_amud; *importer; ++importer) {
+            const std::string_view word = (*importer)->querySource().word;
+            if (named.find(CString(" ").append(word).append(",")) != CString::npos)
+                isForSome = true;
+            else
+                others.append(others.empty() ? "" : "|").append(word);
+        }
+        return isForSome ? others : "";
+    }
 };
 
 // Puts a backslash before each of `characters`.
@@ -64,13 +84,24 @@ CString joined(const std::vector<Row>& rows, const char* separator, const std::f
     return all;
 }
 
-// Each "%s" is filled in turn: files, words to choose from, other values, all options.
+// Each "%s" is filled in turn: options with a value; options that are not for all importers; files, words to choose
+// from, other values, all other options.
 constexpr char kBash[] = R"sh(# Completion of typeforge-import for bash.
 _typeforge_import()
 {
-    local cur prev words cword patterns
-    _init_completion || return
-    case $prev in
+    local cur prev words cword split patterns options word= i
+    _init_completion -s || return
+    for ((i = 1; i < cword; ++i)); do
+        case ${words[i]} in
+            %s)
+                ((++i)) ;;
+            -*) ;;
+            *)
+                word=${words[i]}
+                break ;;
+        esac
+    done
+%s    case $prev in
         %s)
             _filedir
             return ;;
@@ -78,13 +109,13 @@ _typeforge_import()
             return ;;
     esac
     if [[ $cur == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "%s" -- "$cur")
-    elif ((cword == 1)); then
+        mapfile -t COMPREPLY < <(compgen -W "$options %s" -- "$cur")
+    elif [[ ! $word ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$("$1" --importers | cut -f 1)" -- "$cur"; compgen -f -- "$cur")
-    elif [[ ${words[1]} == odbc ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "$(odbcinst -q -s 2>/dev/null | tr -d '[]')" -- "$cur")
+    elif [[ $word == odbc ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$(odbcinst -q -s 2>/dev/null | sed -n 's/^\[\(.*\)\]$/\1/p')" -- "$cur")
     else
-        patterns=$("$1" --importers | awk -F '\t' -v word="${words[1]}" '$1 == word { print $2 }')
+        patterns=$("$1" --importers | awk -F '\t' -v word="$word" '$1 == word { print $2 }')
         patterns=${patterns//\*./} patterns=${patterns,,} patterns=${patterns//;/|}
         _filedir ${patterns:+"@($patterns)"}
     fi
@@ -96,30 +127,77 @@ constexpr char kBashChoice[] = R"sh(        %s)
             return ;;
 )sh";
 
-// Filled with the options.
+// Filled with the importers that have not got an option, and its names.
+constexpr char kBashOption[] = R"sh(    [[ $word == @(%s) ]] || options+="%s "
+)sh";
+
+// Filled with options with a value; options that are not for all importers, and all others.
 constexpr char kZsh[] = R"sh(#compdef typeforge-import
 # Completion of typeforge-import for zsh.
+_typeforge_import_word()
+{
+    integer i
+    for ((i = 2; i < CURRENT; ++i)); do
+        case $words[i] in
+            (%s) ((++i)) ;;
+            (-*) ;;
+            (*) word=$words[i]; return ;;
+        esac
+    done
+}
 _typeforge_import_sources()
 {
-    if ((CURRENT == 2)); then
+    local word= patterns
+    _typeforge_import_word
+    if [[ -z $word ]]; then
         compadd -- ${(f)"$($words[1] --importers | cut -f 1)"}
         _files
-    elif [[ $words[2] == odbc ]]; then
-        compadd -- ${(f)"$(odbcinst -q -s 2>/dev/null | tr -d '[]')"}
+    elif [[ $word == odbc ]]; then
+        compadd -- ${(f)"$(odbcinst -q -s 2>/dev/null | sed -n 's/^\[\(.*\)\]$/\1/p')"}
     else
-        _files
+        patterns=$($words[1] --importers | awk -F '\t' -v word=$word '$1 == word { print $2 }')
+        _files ${patterns:+-g} ${patterns:+"(#i)(${patterns//;/|})"}
     fi
 }
 _typeforge_import()
 {
-    _arguments -s \
+    local word=
+    local -a options
+    _typeforge_import_word
+%s    _arguments -s $options \
 %s        '*:source:_typeforge_import_sources'
 }
 _typeforge_import "$@"
 )sh";
 
+// Filled with the importers that have not got an option, and the option.
+constexpr char kZshOption[] = R"sh(    [[ $word == (%s) ]] || options+=(%s)
+)sh";
+
+// Filled with options with a value, and with all options.
 constexpr char kFish[] = R"sh(# Completion of typeforge-import for fish.
-complete -c typeforge-import -n 'test (count (commandline -opc)) -eq 1' -a '(eval (commandline -opc)[1] --importers | string replace -r "\t.*\t" "\t")'
+function __typeforge_import_word
+    set -l words (commandline -opc)
+    set -l i 2
+    while test $i -le (count $words)
+        switch $words[$i]
+            case %s
+                set i (math $i + 1)
+            case '-*'
+            case '*'
+                echo $words[$i]
+                return
+        end
+        set i (math $i + 1)
+    end
+end
+function __typeforge_import_suffixes
+    set -l word (__typeforge_import_word)
+    eval (commandline -opc)[1] --importers | string match -r "^$word\t.*" | string match -ra '\.[A-Za-z]+' | string lower
+end
+complete -c typeforge-import -n 'test -z "$(__typeforge_import_word)"' -a '(eval (commandline -opc)[1] --importers | string replace -r "\t.*\t" "\t")'
+complete -c typeforge-import -n 'test "$(__typeforge_import_word)" = odbc' -f -a '(odbcinst -q -s 2>/dev/null | string match -rg "^\[(.*)\]\$")'
+complete -c typeforge-import -n 'test -n "$(__typeforge_import_suffixes)"' -k -f -a '(__fish_complete_suffix (__typeforge_import_suffixes))'
 %s)sh";
 
 CString filled(CString text, std::initializer_list<CString> values)
@@ -131,14 +209,18 @@ CString filled(CString text, std::initializer_list<CString> values)
 
 CString forBash(const std::vector<Row>& rows)
 {
-    const auto isOther = [](const Row& row) { return !row.value.empty() && !row.isFile() && row.choice.empty(); };
-    CString choices, options;
+    const auto isOther = [](const Row& row) { return row.hasValue() && !row.isFile() && row.choice.empty(); };
+    CString choices, ofSome, options;
     for (const Row& row : rows) {
-        options += (options.empty() ? "--" : " --") + row.longName;
+        if (const CString others = row.otherImporters(); others.empty())
+            options += (options.empty() ? "" : " ") + row.names(" ");
+        else
+            ofSome += filled(kBashOption, {others, row.names(" ")});
         if (!row.choice.empty())
             choices += filled(kBashChoice, {row.names(" | "), row.choice});
     }
-    return filled(kBash, {joined(rows, " | ", &Row::isFile), choices, joined(rows, " | ", isOther), options});
+    return filled(kBash, {joined(rows, " | ", &Row::hasValue), ofSome, joined(rows, " | ", &Row::isFile), choices,
+                          joined(rows, " | ", isOther), options});
 }
 
 // Inside single quotes, in the words of _arguments.
@@ -152,7 +234,7 @@ CString zshText(std::string_view text)
 
 CString forZsh(const std::vector<Row>& rows)
 {
-    CString lines;
+    CString lines, ofSome;
     for (const Row& row : rows) {
         const CString name = "--" + row.longName, both = "-" + row.shortName;
         CString line = row.shortName.empty() ? "'" + name : "'(" + both + " " + name + ")'{" + both + "," + name + "}'";
@@ -162,24 +244,31 @@ CString forZsh(const std::vector<Row>& rows)
                     (row.isFile()         ? "_files"
                      : row.choice.empty() ? ""
                                           : "(" + row.choice + ")");
-        lines += "        " + line + "' \\\n";
+        if (const CString others = row.otherImporters(); others.empty())
+            lines += "        " + line + "' \\\n";
+        else
+            ofSome += filled(kZshOption, {others, line + "'"});
     }
-    return filled(kZsh, {lines});
+    return filled(kZsh, {joined(rows, " | ", &Row::hasValue), ofSome, lines});
 }
 
 CString forFish(const std::vector<Row>& rows)
 {
     CString lines;
     for (const Row& row : rows) {
-        lines += "complete -c typeforge-import" + (row.shortName.empty() ? "" : " -s " + row.shortName) + " -l " +
-                 row.longName;
+        CString others = row.otherImporters();
+        std::ranges::replace(others, '|', ' ');
+        if (!others.empty())
+            others = " -n 'not contains -- \"$(__typeforge_import_word)\" " + others + "'";
+        lines += "complete -c typeforge-import" + others + (row.shortName.empty() ? "" : " -s " + row.shortName) +
+                 " -l " + row.longName;
         if (row.isFile())
             lines += " -r -F";
         else if (!row.value.empty())
             lines += row.choice.empty() ? " -x" : " -x -a '" + row.choice + "'";
         lines += " -d '" + escaped(row.description, "'\\") + "'\n";
     }
-    return filled(kFish, {lines});
+    return filled(kFish, {joined(rows, " ", &Row::hasValue), lines});
 }
 
 } // namespace

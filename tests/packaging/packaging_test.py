@@ -27,8 +27,8 @@ class Packaging(unittest.TestCase):
         manual = read(PACKAGING + "typeforge-import.1").replace("\\-", "-")
         self.assertEqual(options, set(re.findall(r"(?m)^\.BR? .*?(--[a-z-]+)", manual)))
         for shell in "bash", "zsh", "fish":
-            script = run(BUILD + "/typeforge-import", "--completion", shell)[1].replace(" -l ", " --")
-            self.assertLessEqual(options, set(re.findall(r"--[a-z-]+", script)), shell)
+            script = run(BUILD + "/typeforge-import", "--completion", shell)[1]
+            self.assertLessEqual(options, {"--" + name for name in re.findall(r"(?: -l |--)([a-z][a-z-]*)", script)}, shell)
 
     def test_completion_offers_what_fits_the_place(self):
         script = ("eval \"$(" + BUILD + "/typeforge-import --completion bash)\"; _init_completion() { cur=${COMP_WORDS[COMP_CWORD]}; prev=${COMP_WORDS[COMP_CWORD-1]};"
@@ -36,7 +36,8 @@ class Packaging(unittest.TestCase):
                   " COMP_WORDS=(typeforge-import %s); COMP_CWORD=%d; _typeforge_import " + BUILD + "/typeforge-import;"
                   " echo \"${COMPREPLY[@]}\"")
         for line, place, offered in [("x", 1, "xml xsd"), ("dtd ''", 2, "files @(dtd)"), ("xsd ", 2, "files @(xsd|xml)"),
-                                     ("dtd a --ov", 3, "--overwrite"),
+                                     ("dtd a --ov", 3, "--overwrite"), ("-l x", 2, "xml xsd"), ("-o a dtd ''", 4, "files @(dtd)"),
+                                     ("odbc --fu", 2, ""), ("odbc --tab", 2, "--table"),
                                      ("dtd a -o ''", 4, "files "), ("btd a --overwrite n", 4, "none")]:
             self.assertEqual((0, offered + "\n", ""), run("bash", "-c", script % (line, place)), line)
 
@@ -45,9 +46,16 @@ class Packaging(unittest.TestCase):
         load = "source (" + BUILD + "/typeforge-import --completion fish | psub); complete -C '" + BUILD + "/typeforge-import "
         self.assertEqual((0, "none\t" + said + "\n", ""), run("fish", "-c", load + "dtd a --overwrite n'"))
         self.assertEqual((0, "xml\tXML data importer\nxsd\tXML Schema importer\n", ""), run("fish", "-c", load + "x'"))
-        zsh = "eval \"$(" + BUILD + "/typeforge-import --completion zsh | sed '$d')\"; _arguments() { print -rl -- $@; }; _typeforge_import"
+        self.assertEqual((0, "xml\tXML data importer\nxsd\tXML Schema importer\n", ""), run("fish", "-c", load + "-l -o a x'"))
+        self.assertEqual((0, "", ""), run("fish", "-c", load + "odbc --fu'"))
+        zsh = "eval \"$(" + BUILD + "/typeforge-import --completion zsh | sed '$d')\"; _arguments() { print -rl -- $@; }; "
+        zsh += "_files() { print -r -- files $@; }; compadd() { shift; print -r -- $@; }; words=(" + BUILD + "/typeforge-import %s); CURRENT=%d; "
         self.assertEqual((0, "--overwrite[" + said.replace(":", "\\:") + "]:all|none|ask:(all none ask)"),
-                         (lambda done: (done[0], [row for row in done[1].split("\n") if "overwrite" in row][-1]))(run("zsh", "-fc", zsh)))
+                         (lambda done: (done[0], [row for row in done[1].split("\n") if "overwrite" in row][-1]))(run("zsh", "-fc", zsh % ("''", 2) + "_typeforge_import")))
+        for line, place, offered in [("-l ''", 3, "dtd xml xsd btd odbc\nfiles"), ("-l -o a xsd ''", 6, "files -g (#i)(*.XSD|*.XML)")]:
+            self.assertEqual((0, offered + "\n", ""), run("zsh", "-fc", zsh % (line, place) + "_typeforge_import_sources"), line)
+        for line, place, is_offered in [("odbc --f", 3, False), ("dtd --f", 3, True), ("--f", 2, True)]:
+            self.assertEqual(is_offered, "--full[" in run("zsh", "-fc", zsh % (line, place) + "_typeforge_import")[1], line)
 
     def test_the_desktop_accepts_its_files(self):
         manual = "man --warnings --local-file -Tutf8 -Z ./typeforge"
