@@ -18,13 +18,15 @@
 namespace {
 
 // For the completion of the shell, which so offers what there is.
-void listImporters()
+CString importerList()
 {
+    CString list;
     for (MsgUIDescriptor** importer = g_amud; *importer; ++importer) {
         const ImporterSource& source = (*importer)->querySource();
-        std::printf("%s\t%s\t%s\n", source.word, source.filterId ? loadText(source.filterId + 1) : "",
-                    (*importer)->getName().c_str());
+        list += formatText("%s\t%s\t%s\n", source.word, source.filterId ? loadText(source.filterId + 1) : "",
+                           (*importer)->getName().c_str());
     }
+    return list;
 }
 
 // An unset variable of a script, in nearly every case. Only the root of the repository has no name.
@@ -40,6 +42,8 @@ void refuseEmptyNames(const CLI::App& app)
 // What stands without an option: an importer and its sources, or sources alone.
 void takeWords(const std::vector<CString>& words, Arguments& arguments)
 {
+    if (words.empty())
+        throw CLI::RequiredError("SOURCE");
     if (std::ranges::find(words, CString()) != words.end())
         throw CLI::ValidationError("SOURCE", "a name is missing");
     arguments.importer = importerNamed(words.front());
@@ -57,8 +61,7 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
                    "  IMPORTER                  dtd, xml, xsd, btd or odbc (default: by the source)\n"
                    "  SOURCE                    A file, - for standard input; for odbc a data source\n"
                    "                            name or a connection string; for xml any number\n"
-                   "  @FILE                     Take further arguments from this file, one a line\n")
-        ->required();
+                   "  @FILE                     Take further arguments from this file, one a line\n");
     app.add_option("-t,--table", arguments.tables, "odbc: import this table, repeatable (default: all)")
         ->type_name("NAME")
         ->allow_extra_args(false);
@@ -89,7 +92,8 @@ void addOutputOptions(CLI::App& app, Arguments& arguments)
     addDependencyOptions(app, arguments.dependencies);
 }
 
-void addOtherOptions(CLI::App& app, Arguments& arguments)
+// What is asked of the program itself goes to `answer`.
+void addOtherOptions(CLI::App& app, Arguments& arguments, CString& answer)
 {
     CLI::Option* const quiet = app.add_flag_callback(
         "-q,--quiet", [&arguments] { arguments.verbosity = Verbosity::quiet; }, "Print errors only");
@@ -100,15 +104,15 @@ void addOtherOptions(CLI::App& app, Arguments& arguments)
 
     app.add_flag_callback(
         "--importers",
-        [] {
-            listImporters();
+        [&answer] {
+            answer = importerList();
             throw CLI::Success();
         },
         "List the importers: word, file patterns, name");
     app.add_option_function<CString>(
            "--completion",
-           [&app](const CString& shell) {
-               std::fputs(completionFor(app, shell).c_str(), stdout);
+           [&app, &answer](const CString& shell) {
+               answer = completionFor(app, shell);
                throw CLI::Success();
            },
            "Print a completion script for this shell")
@@ -131,12 +135,13 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     app.set_version_flag("--version", "typeforge-import " TYPEFORGE_VERSION, "Print the version");
     app.set_help_flag("-h,--help", "Print this help");
     std::vector<CString> words;
+    CString answer;
     addSourceOptions(group("Input"), arguments, words);
     addReadingOptions(group("Reading"), arguments);
     addOutputOptions(group("Output"), arguments);
     addLogonOptions(group("Broker"), arguments.logon);
     addCreateOptions(app, arguments.create);
-    addOtherOptions(group("Other"), arguments);
+    addOtherOptions(group("Other"), arguments, answer);
     try {
         std::vector<CString> given = argumentsOf(argc, argv);
         std::ranges::reverse(given); // the order that the library asks for
@@ -154,7 +159,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         std::ostringstream text;
         exitStatus = app.exit(end, text, text);
         Output output("-");
-        output.write(text.str());
+        output.write(answer + text.str());
         if (!output.finish())
             exitStatus = kNotWritten;
         return false;

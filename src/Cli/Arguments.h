@@ -44,7 +44,7 @@ struct Arguments
 /// has been said and `exitStatus` is set: kDone, or kUsage for a mistake; the answer is then false.
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus);
 
-/// What is off in the command line for this importer, once that is known; "" when nothing is.
+/// Why the command line is invalid for this importer; "" if it is valid.
 CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer);
 
 /// Reports a mistake on the command line; answers kUsage.

@@ -11,7 +11,7 @@ enum ExitStatus : int
 {
     kDone = 0,
     kFailed = 1, ///< the source was refused, the import failed, or no type came of it
-    kUsage = 2,  ///< the command line is off
+    kUsage = 2,  ///< invalid command line
     kNotWritten = 3,
     kNotCreated = 4 ///< some of the types
 };

@@ -419,7 +419,11 @@ not compatible: it breaks readers
         {"$import dtd r.dtd -o /dev/full", {3, "", says("can't write /dev/full: No space left on device")}},
         {"$import dtd r.dtd >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
         {"$import --help >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
-        {"$import --version >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
+        {"for what in --version --importers '--completion fish'; do $import $what >/dev/full || echo $? >&2; done",
+         {0, "",
+          says("can't write standard output: No space left on device") + "3\n" +
+              says("can't write standard output: No space left on device") + "3\n" +
+              says("can't write standard output: No space left on device") + "3\n"}},
         {"$import r.dtd -o /dev/null --report - 2>/dev/full", {3, "", ""}},
         {"$import dtd r.dtd >&-", {3, "", says("can't write standard output: Bad file descriptor")}},
         // Pipes are read and written, and what standard output leads to is added to.
@@ -439,6 +443,8 @@ not compatible: it breaks readers
         {"$import dtd", {2, "", mistake("dtd: what is its source?")}},
         {"$import doc r.dtd", {2, "", mistake("doc: neither an importer (dtd, xml, xsd, btd, odbc) nor a file")}},
         {"$import dtd r.dtd r.dtd", {2, "", mistake("dtd reads one source at a time")}},
+        {"$import --nonsense", {2, "", mistake("The following argument was not expected: --nonsense")}},
+        {"$import", {2, "", mistake("SOURCE is required")}},
         {"$import r.dtd --nonsense", {2, "", mistake("The following argument was not expected: --nonsense")}},
         {"$import a.xml --full", {2, "", mistake("--full: xml has no full reading")}},
         {"$import r.dtd -t x", {2, "", mistake("--table: dtd reads no tables")}},

@@ -34,6 +34,7 @@ class Build(unittest.TestCase):
         self.change("party.xsd", 'name="Name"', 'name="FullName"')
         status, said = self.run_in("make", "make")
         self.assertEqual(2, status)
+        self.assertIn("If the change is intended, apply it: make accept", said)
         self.assertIn(r"removed field \sys\xml\Order\Party.Name: String [field-removed]", said)
         self.assertEqual((0, 0), (self.run_in("make", "make", "accept")[0], self.run_in("make", "make")[0]))
 

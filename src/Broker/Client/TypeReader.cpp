@@ -16,7 +16,7 @@ constexpr char kReadFolder[] = "SELECT name, document FROM typeforge_types "
 // Whether an error says that the table or a column is missing, in the words of either database.
 bool isMissing(const CDBException& error)
 {
-    const CString state = error.queryState();
+    const CString& state = error.queryState();
     const std::string_view words = error.what();
     return state == "42P01" || state == "42S02" || state == "42703" || state == "42S22" ||
            words.find("no such table") != words.npos || words.find("no such column") != words.npos;
