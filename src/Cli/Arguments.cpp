@@ -60,8 +60,10 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
     app.add_option("SOURCE", words,
                    "  IMPORTER                  dtd, xml, xsd, btd or odbc (default: by the source)\n"
                    "  SOURCE                    A file, - for standard input; for odbc a data source\n"
-                   "                            name or a connection string; for xml any number\n"
+                   "                            name or a connection string; for xml and --full any\n"
+                   "                            number, with --full also folders of files\n"
                    "  @FILE                     Take further arguments from this file, one a line\n");
+    app.add_flag("--recursive", arguments.isRecursive, "Take the files of folders below a folder, too");
     app.add_option("-t,--table", arguments.tables, "odbc: import this table, repeatable (default: all)")
         ->type_name("NAME")
         ->allow_extra_args(false);
@@ -181,11 +183,12 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
 CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
 {
     const CString word = importer.querySource().word;
-    const std::unique_ptr<MsgBase> message(importer.create());
     if (arguments.full.isWanted && !importer.hasFull())
         return "--full: " + word + " has no full reading";
+    const std::unique_ptr<MsgBase> message(createImporter(arguments.full, importer));
     if (arguments.sources.size() > 1 && !message->setFurtherFiles({}))
-        return word + " reads one source at a time";
+        return word + " reads one source at a time" +
+               (importer.hasFull() && !arguments.full.isWanted ? "; with --full it reads several" : "");
     if (!arguments.logon.user.empty() && !arguments.usesBroker() && !importer.querySource().readsTables)
         return "--user: there is nobody to log on to without --create";
     if (!arguments.tables.empty() && !importer.querySource().readsTables)

@@ -16,6 +16,7 @@ struct Arguments
 {
     MsgUIDescriptor* importer = nullptr; ///< null: the source tells
     std::vector<CString> sources;        ///< files, "-" for standard input; for tables a data source
+    bool isRecursive = false;            ///< folders as sources stand for those below, too
     CString basePath;                    ///< as given; only when hasBasePath
     bool hasBasePath = false;
     std::vector<CString> tables; ///< the tables to import; empty: all

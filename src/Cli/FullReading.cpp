@@ -7,10 +7,43 @@
 
 #include <memory>
 
+namespace {
+
+// A folder may lie in another one; it needs no backslashes around it.
+void addFolders(const std::vector<CString>& given, FullOptions& options)
+{
+    for (const CString& text : given) {
+        const std::size_t end = text.rfind('=');
+        if (end == CString::npos)
+            throw CLI::ValidationError("--folder", "it takes URI=NAME");
+        CString folder = text.substr(end + 1);
+        folder.erase(0, folder.find_first_not_of('\\'));
+        while (folder.ends_with('\\'))
+            folder.pop_back();
+        options.folders[text.substr(0, end)] = folder;
+    }
+}
+
+} // namespace
+
 void addFullOptions(CLI::App& app, FullOptions& options)
 {
     CLI::Option* const full = app.add_flag("--full", options.isWanted, "dtd, xsd: Read by all rules of the language");
-    app.add_option("--root", options.root, "With --full: import NAME and what it reaches")
+    app.add_option("--root", options.roots, "With --full: import only what NAME reaches (repeats)")
+        ->type_name("NAME")
+        ->allow_extra_args(false)
+        ->needs(full);
+    app.add_option("--folders", options.layout, "With --full: place types by main type or namespace")
+        ->type_name("main|namespace")
+        ->check(CLI::IsMember({"main", "namespace"}))
+        ->needs(full);
+    app.add_option_function<std::vector<CString>>(
+           "--folder", [&options](const std::vector<CString>& given) { addFolders(given, options); },
+           "With --full: place this namespace there (repeats)")
+        ->type_name("URI=NAME")
+        ->allow_extra_args(false)
+        ->needs(full);
+    app.add_option("--name", options.name, "With --full: name the whole (default: the main type)")
         ->type_name("NAME")
         ->needs(full);
 }
@@ -20,7 +53,13 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
     if (!options.isWanted)
         return importer.create();
     FullMessage* message = importer.createFull();
-    message->setRoot(options.root);
+    message->setRoots(options.roots);
+    message->setName(options.name);
+    if (!options.layout.empty())
+        message->setLayout(options.layout == "main" ? FullMessage::Layout::byMainType
+                                                    : FullMessage::Layout::byNamespace);
+    for (const auto& [uri, folder] : options.folders)
+        message->setFolder(uri, folder);
     return message;
 }
 

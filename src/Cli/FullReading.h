@@ -2,6 +2,9 @@
 
 #include "Base/Text.h"
 
+#include <map>
+#include <vector>
+
 class Diagnostics;
 class MsgBase;
 class MsgUIDescriptor;
@@ -13,7 +16,10 @@ class App;
 struct FullOptions
 {
     bool isWanted = false;
-    CString root; ///< the main type; empty: the source's own choice
+    std::vector<CString> roots;         ///< the main types; empty: the source's own choice
+    CString layout;                     ///< "main", "namespace", or "" for what is usual
+    std::map<CString, CString> folders; ///< by namespace
+    CString name;                       ///< of the whole; "": the main type's
 };
 
 /// Adds --full and the option that goes with it.

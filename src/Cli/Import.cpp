@@ -13,6 +13,8 @@
 #include "Import/MsgBase.h"
 #include "Import/Registry/ImporterChoice.h"
 
+#include <filesystem>
+
 namespace {
 
 CString basePathOf(const Arguments& arguments, MsgBase& importer)
@@ -161,6 +163,21 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
     return {};
 }
 
+// A set that a folder holds goes by its name.
+void takeFolders(Arguments& arguments)
+{
+    if (!arguments.full.isWanted)
+        return;
+    const std::vector<CString> given = std::move(arguments.sources);
+    arguments.sources = withoutFolders(given, arguments.importer, arguments.isRecursive);
+    if (given.size() > 1 || arguments.sources.size() < 2 || !arguments.full.name.empty())
+        return;
+    CString folder = std::filesystem::absolute(given.front()).lexically_normal().string();
+    while (folder.ends_with('/'))
+        folder.pop_back();
+    arguments.full.name = folder.substr(folder.rfind('/') + 1);
+}
+
 // Several files go by the first of them.
 TypeSource sourceOf(const MsgUIDescriptor& importer, const CString& source)
 {
@@ -169,11 +186,13 @@ TypeSource sourceOf(const MsgUIDescriptor& importer, const CString& source)
 
 } // namespace
 
-int runImport(const Arguments& arguments)
+int runImport(Arguments arguments)
 {
     const ProgressLine progressLine;
     if (const CString mistake = mistakeInEpoch(); !mistake.empty())
         return reportMistake(mistake);
+    const CString source = arguments.sources.front();
+    takeFolders(arguments);
     const std::vector<CString> files = sourceFiles(arguments);
     Diagnostics diagnostics(shownSource(files.front()), arguments.verbosity);
     const MsgUIDescriptor* const importer = arguments.importer ? arguments.importer : importerOf(files, diagnostics);
@@ -192,8 +211,11 @@ int runImport(const Arguments& arguments)
     if (!isReported)
         return arguments.diff.document.empty() ? kNotWritten : failedStatus;
     if (!arguments.create.address.empty())
-        return createTypes(*message, sourceOf(*importer, files.front()), arguments.create, arguments.logon,
-                           arguments.verbosity);
+        return createTypes(*message,
+                           sourceOf(*importer, arguments.sources.size() > 1 && source != arguments.sources.front()
+                                                   ? source
+                                                   : files.front()),
+                           arguments.create, arguments.logon, arguments.verbosity);
     const int status = writeResult(*message, arguments, diagnostics);
     const DependencyOptions& dependencies = arguments.dependencies;
     if (status == kDone && !dependencies.file.empty() &&

@@ -4,4 +4,4 @@
 
 /// Runs one import and writes what was asked for. Answers the exit status, an ExitStatus or, for --diff, that of
 /// diff(1); what went wrong has been reported.
-int runImport(const Arguments& arguments);
+int runImport(Arguments arguments);

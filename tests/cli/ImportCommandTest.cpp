@@ -209,6 +209,22 @@ TEST_F(ImportCommand, AnswersExactly)
         {"printf 'a, b\nc\n' >c.txt; $import c.txt",
          {1, "", "c.txt: error: its importer can't be told; name it in front of the source\n"}},
 
+        // Sets of sources.
+        {"mkdir -p set/below; for i in 1 2; do echo \"<!ELEMENT r$i (s)><!ELEMENT s (t)><!ELEMENT t EMPTY>\" "
+         ">set/$i.dtd; "
+         "done; cp r.dtd set/below/3.DTD; echo '<' >set/4.mod; $import dtd --full set -b a -l; $import set -b a --full "
+         "--name n "
+         "--recursive --folders main | grep -o 'a.n.r[^\"]*'",
+         {0,
+          "a\\s\ts (Automatically created)\na\\r1\tr1 (Automatically created)\na\\r2\tr2 (Automatically created)\n"
+          "a\\n\\r1\na\\n\\r2\na\\n\\r\n",
+          ""}},
+        {"$import set/1.dtd set/2.dtd",
+         {2, "", mistake("dtd reads one source at a time; with --full it reads several")}},
+        {"$import xsd --full set", {1, "", says("set: the folder holds no source for xsd")}},
+        {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
+        {"$import dtd --full r.dtd --folder u", {2, "", mistake("--folder: it takes URI=NAME")}},
+
         // Reports.
         {"$import dtd r.dtd --full --root r --report - -l", {0, kList, "2 types, 2 fields: 0 typed, 2 left text\n"}},
         {"printf '<!ENTITY %% e \"<a>\">\n<!-- %%e; --><![IGNORE[%%e;]]>\n<!ELEMENT r (a, (b, c)+, d)*>' >n.dtd;"
@@ -442,7 +458,7 @@ not compatible: it breaks readers
         // Mistakes.
         {"$import dtd", {2, "", mistake("dtd: what is its source?")}},
         {"$import doc r.dtd", {2, "", mistake("doc: neither an importer (dtd, xml, xsd, btd, odbc) nor a file")}},
-        {"$import dtd r.dtd r.dtd", {2, "", mistake("dtd reads one source at a time")}},
+        {"$import dtd r.dtd r.dtd", {2, "", mistake("dtd reads one source at a time; with --full it reads several")}},
         {"$import --nonsense", {2, "", mistake("The following argument was not expected: --nonsense")}},
         {"$import", {2, "", mistake("SOURCE is required")}},
         {"$import r.dtd --nonsense", {2, "", mistake("The following argument was not expected: --nonsense")}},

@@ -36,6 +36,9 @@ public:
     Text* open(std::string_view name, std::size_t depth, SourcePlace where);
     void close(Text& text) { text.isOpen = false; }
 
+    /// Whether a file has been read, as the DTD itself or a module of it.
+    bool hasRead(const CString& fileName) const;
+
 private:
     struct Entity
     {

@@ -1,13 +1,49 @@
 #include "Import/Dtd/DTDFullMsg.h"
 
+#include "Files/File.h"
+#include "Files/FileMessage.h"
 #include "Import/Dtd/DTDMsg.h"
 #include "Import/Dtd/DTDReader.h"
 
+#include <numeric>
+
 DTDFullMessage::DTDFullMessage() : FullMessage(DTDMessage::m_descr) {}
+
+namespace {
+
+CString textOf(const CString& fileName)
+{
+    CString text;
+    if (const FileCause cause = readFile(fileName, text); cause != FileCause::none)
+        throw SourceRefusal{cantOpen(fileName, cause), {fileName, inWords(fileName, cause)}};
+    return text;
+}
+
+} // namespace
 
 void DTDFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
-    DTDEntities entities(types, report);
-    DTDTokens tokens(entities, entities.addMain(fileName, source), report);
-    DTDReader(tokens, types, report).read();
+    using Index = SourceTypes::Index;
+    DTDReader reader(types, report);
+    std::vector<CString> files{fileName};
+    files.insert(files.end(), queryFurtherFiles().begin(), queryFurtherFiles().end());
+    std::vector<Index> owners(files.size()); // of a module of another DTD the one that names it
+    std::iota(owners.begin(), owners.end(), 0);
+    const auto ownerOf = [&](Index file) {
+        while (owners[file] != file)
+            file = owners[file];
+        return file;
+    };
+    for (Index i = 0; i < files.size(); ++i) {
+        DTDEntities entities(types, report);
+        const std::string_view text = i == 0 ? std::string_view(source) : types.adopt(textOf(files[i]));
+        DTDTokens tokens(entities, entities.addMain(files[i], text), report);
+        reader.read(tokens);
+        for (Index other = 0; files.size() > 1 && other < files.size(); ++other)
+            if (owners[other] == other && ownerOf(i) != other && entities.hasRead(files[other]))
+                owners[other] = i;
+    }
+    for (Index& owner : owners)
+        owner = ownerOf(owner);
+    reader.finish(owners);
 }

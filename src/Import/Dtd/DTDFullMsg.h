@@ -11,6 +11,7 @@ public:
 
     static FullMessage* New() { return new DTDFullMessage; }
 
+    bool setFurtherFiles(const std::vector<CString>& files) override { return keepFurtherFiles(files); }
     CString queryUses(const CString& fileName) const override { return usesOfDtd(fileName); }
 
 protected:

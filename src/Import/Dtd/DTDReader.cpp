@@ -23,34 +23,42 @@ const DTDReader::Declaration DTDReader::kDeclarations[] = {
     {"NOTATION", &DTDReader::readNotation}, {"DOCTYPE", &DTDReader::readDoctype},
 };
 
-void DTDReader::read()
+void DTDReader::read(DTDTokens& source)
 {
-    while (tokens.nextDeclaration())
+    tokens = &source;
+    while (tokens->nextDeclaration())
         readDeclaration();
+    ++sourceCount;
+}
+
+void DTDReader::finish(std::span<const Index> owners)
+{
+    for (Element& element : elements)
+        element.source = owners[element.source];
     makeRecords();
 }
 
 void DTDReader::readDeclaration()
 {
-    tokens.next();
+    tokens->next();
     isNoted = false;
     const auto known = std::ranges::find_if(kDeclarations, [&](const Declaration& declaration) {
-        return isKeyword(tokens.keyword(), declaration.keyword);
+        return isKeyword(tokens->keyword(), declaration.keyword);
     });
     if (known != std::end(kDeclarations))
         (this->*known->read)();
-    else if (!tokens.keyword().empty() || !tokens.token().isEnd()) // "<!>" says nothing
-        note(SourceReport::unknownStatement, tokens.keyword().empty() ? "<!" : tokens.keyword());
-    if (tokens.token().isMark('['))
+    else if (!tokens->keyword().empty() || !tokens->token().isEnd()) // "<!>" says nothing
+        note(SourceReport::unknownStatement, tokens->keyword().empty() ? "<!" : tokens->keyword());
+    if (tokens->token().isMark('['))
         return; // what stands in the brackets are declarations
-    tokens.skipDeclaration();
-    if (tokens.token().kind == DTDTokens::tokenMissing && !isNoted)
-        note(SourceReport::unterminated, tokens.keyword());
+    tokens->skipDeclaration();
+    if (tokens->token().kind == DTDTokens::tokenMissing && !isNoted)
+        note(SourceReport::unterminated, tokens->keyword());
 }
 
 void DTDReader::note(SourceReport::Construct construct, std::string_view name)
 {
-    report.add(construct, tokens.place(), name);
+    report.add(construct, tokens->place(), name);
     isNoted = true;
 }
 
@@ -60,7 +68,7 @@ DTDReader::Element& DTDReader::elementNamed(std::string_view name)
     if (Element* known = elementsByName.find(name, hash))
         return *known;
     Element& made =
-        elements.emplace_back(Element{name, tokens.place(), static_cast<Index>(elements.size()), isXmlName(name)});
+        elements.emplace_back(Element{name, tokens->place(), static_cast<Index>(elements.size()), isXmlName(name)});
     elementsByName.store(&made, hash);
     return made;
 }
@@ -69,18 +77,18 @@ DTDReader::Element& DTDReader::elementNamed(std::string_view name)
 bool DTDReader::readNames()
 {
     names.clear();
-    const bool isGroup = tokens.token().isMark('(');
+    const bool isGroup = tokens->token().isMark('(');
     if (isGroup)
-        tokens.next();
+        tokens->next();
     do {
-        if (tokens.token().kind == DTDTokens::tokenWord && isXmlName(tokens.token().text))
-            names.push_back(tokens.token().text);
-        else if (!isGroup || tokens.token().kind != DTDTokens::tokenMark)
+        if (tokens->token().kind == DTDTokens::tokenWord && isXmlName(tokens->token().text))
+            names.push_back(tokens->token().text);
+        else if (!isGroup || tokens->token().kind != DTDTokens::tokenMark)
             return false;
-        tokens.next();
-    } while (isGroup && !tokens.token().isMark(')'));
+        tokens->next();
+    } while (isGroup && !tokens->token().isMark(')'));
     if (isGroup)
-        tokens.next();
+        tokens->next();
     return !names.empty();
 }
 
@@ -93,8 +101,8 @@ void DTDReader::readElement()
     const auto isMinimization = [](const DTDTokens::Token& token) {
         return token.isMark('-') || (token.kind == DTDTokens::tokenWord && isKeyword(token.text, "O"));
     };
-    while (isMinimization(tokens.token())) // of SGML: which tags may be left out
-        tokens.next();
+    while (isMinimization(tokens->token())) // of SGML: which tags may be left out
+        tokens->next();
     bool holdsText = false;
     model.clear();
     if (!readContent(holdsText)) {
@@ -112,19 +120,19 @@ void DTDReader::readElement()
 // What an element may hold. An entity that isn't there may have said it.
 bool DTDReader::readContent(bool& holdsText)
 {
-    const DTDTokens::Token& token = tokens.token();
+    const DTDTokens::Token& token = tokens->token();
     if (token.isMark('('))
         return readGroup(holdsText);
     if (token.isEnd())
         return token.isBehindUnknown;
     const bool isAny = isKeyword(token.text, "ANY");
     if (isAny)
-        report.add(SourceReport::anyContent, tokens.place(), names.front());
+        report.add(SourceReport::anyContent, tokens->place(), names.front());
     holdsText =
         isAny || isKeyword(token.text, "CDATA") || isKeyword(token.text, "RCDATA") || isKeyword(token.text, "PCDATA");
     const bool isKnown = token.kind <= DTDTokens::tokenReserved && (holdsText || isKeyword(token.text, "EMPTY"));
     if (isKnown)
-        tokens.next();
+        tokens->next();
     return isKnown;
 }
 
@@ -133,7 +141,7 @@ bool DTDReader::readGroup(bool& holdsText)
 {
     std::size_t depth = 0;
     bool isBehindItem = false, lacksConnector = false;
-    const DTDTokens::Token& token = tokens.token();
+    const DTDTokens::Token& token = tokens->token();
     do {
         if (token.isEnd()) {
             senseless(names.front());
@@ -151,7 +159,7 @@ bool DTDReader::readGroup(bool& holdsText)
         const DTDTokens::Kind kind = token.kind;
         const char mark = kind == DTDTokens::tokenMark ? token.mark : '\0';
         holdsText |= kind == DTDTokens::tokenReserved && isKeyword(token.text, "PCDATA");
-        tokens.next();
+        tokens->next();
         readGroupMark(mark, depth);
     } while (depth > 0);
     if (lacksConnector)
@@ -179,11 +187,11 @@ void DTDReader::readGroupMark(char mark, std::size_t& depth)
 
 void DTDReader::readChild()
 {
-    Element& child = elementNamed(tokens.token().text);
+    Element& child = elementNamed(tokens->token().text);
     if (!child.isReferred && !child.isDeclared)
-        child.place = tokens.wordPlace();
+        child.place = tokens->wordPlace();
     child.isReferred = true;
-    tokens.next();
+    tokens->next();
     const bool repeats = readMark();
     if (child.isName)
         model.add(child.index, repeats);
@@ -195,37 +203,46 @@ void DTDReader::readChild()
 // inclusion.
 bool DTDReader::readMark()
 {
-    const bool isStar = tokens.token().isMark('*'), isOptional = isStar || tokens.token().isMark('?');
-    const bool repeats = isStar || (tokens.token().isMark('+') && !tokens.peek('('));
+    const bool isStar = tokens->token().isMark('*'), isOptional = isStar || tokens->token().isMark('?');
+    const bool repeats = isStar || (tokens->token().isMark('+') && !tokens->peek('('));
     report.count(SourceReport::optionality, isOptional);
     if (isOptional || repeats)
-        tokens.next();
+        tokens->next();
     return repeats;
 }
 
 // What stands behind the content: SGML's "+(a|b)" and "-(a|b)", which may or may not come anywhere inside, or nothing.
 void DTDReader::readException()
 {
-    if (tokens.token().isMark('+') || tokens.token().isMark('-'))
-        report.add(SourceReport::sgmlException, tokens.place(), names.front());
-    else if (!tokens.token().isEnd())
+    if (tokens->token().isMark('+') || tokens->token().isMark('-'))
+        report.add(SourceReport::sgmlException, tokens->place(), names.front());
+    else if (!tokens->token().isEnd())
         senseless(names.front());
 }
 
 void DTDReader::declareElement(Element& element, Index firstContent, bool holdsText)
 {
     if (element.isDeclared) {
-        report.add(SourceReport::declaredTwice, tokens.place(), element.name);
+        if (element.source == sourceCount || !isSame(element, firstContent, holdsText))
+            report.add(SourceReport::declaredTwice, tokens->place(), element.name);
         return;
     }
+    element.source = sourceCount;
     element.isDeclared = true;
     element.holdsText = holdsText;
-    element.place = tokens.place();
+    element.place = tokens->place();
     element.firstContent = firstContent;
     element.contentCount = static_cast<Index>(contents.size() - firstContent);
     if (holdsText && element.contentCount > 0)
-        report.add(SourceReport::mixedContent, tokens.place(), element.name);
+        report.add(SourceReport::mixedContent, tokens->place(), element.name);
     declared.push_back(element.index);
+}
+
+// Sources of a set share modules, whose declarations they repeat.
+bool DTDReader::isSame(const Element& element, Index firstContent, bool holdsText) const
+{
+    const auto known = std::span(contents).subspan(element.firstContent, element.contentCount);
+    return element.holdsText == holdsText && std::ranges::equal(known, std::span(contents).subspan(firstContent));
 }
 
 void DTDReader::readAttlist()
@@ -234,7 +251,7 @@ void DTDReader::readAttlist()
         senseless("ATTLIST without a name");
         return;
     }
-    while (!tokens.token().isEnd())
+    while (!tokens->token().isEnd())
         if (!readAttribute()) {
             senseless(names.front());
             return;
@@ -244,12 +261,12 @@ void DTDReader::readAttlist()
 // One attribute: its name, its type and its default. An entity that isn't there may have held the type, or both.
 bool DTDReader::readAttribute()
 {
-    if (tokens.token().kind != DTDTokens::tokenWord || !isXmlName(tokens.token().text))
+    if (tokens->token().kind != DTDTokens::tokenWord || !isXmlName(tokens->token().text))
         return false;
-    const std::string_view name = tokens.token().text;
-    tokens.next();
+    const std::string_view name = tokens->token().text;
+    tokens->next();
     SourceTypes::Type type;
-    if (tokens.token().kind != DTDTokens::tokenWord || !tokens.token().isBehindUnknown) {
+    if (tokens->token().kind != DTDTokens::tokenWord || !tokens->token().isBehindUnknown) {
         type = readAttributeType(name);
         readDefault();
     }
@@ -261,13 +278,13 @@ bool DTDReader::readAttribute()
 
 SourceTypes::Type DTDReader::readAttributeType(std::string_view attribute)
 {
-    if (tokens.token().isMark('('))
+    if (tokens->token().isMark('('))
         return readConstants(attribute);
-    if (tokens.token().kind != DTDTokens::tokenWord)
+    if (tokens->token().kind != DTDTokens::tokenWord)
         return {};
-    const bool isNotation = isKeyword(tokens.token().text, "NOTATION");
-    tokens.next();
-    if (isNotation && tokens.token().isMark('('))
+    const bool isNotation = isKeyword(tokens->token().text, "NOTATION");
+    tokens->next();
+    if (isNotation && tokens->token().isMark('('))
         readConstants(attribute);
     return {};
 }
@@ -275,13 +292,13 @@ SourceTypes::Type DTDReader::readAttributeType(std::string_view attribute)
 SourceTypes::Type DTDReader::readConstants(std::string_view attribute)
 {
     constants.clear();
-    while (!tokens.token().isEnd() && !tokens.token().isMark(')')) {
-        if (tokens.token().kind == DTDTokens::tokenWord)
-            constants.push_back(tokens.token().text);
-        tokens.next();
+    while (!tokens->token().isEnd() && !tokens->token().isMark(')')) {
+        if (tokens->token().kind == DTDTokens::tokenWord)
+            constants.push_back(tokens->token().text);
+        tokens->next();
     }
-    if (tokens.token().isMark(')'))
-        tokens.next();
+    if (tokens->token().isMark(')'))
+        tokens->next();
     if (constants.empty())
         return {};
     return {SourceTypes::kindEnumeration, types.addEnumeration(attribute, constants, false)};
@@ -289,12 +306,12 @@ SourceTypes::Type DTDReader::readConstants(std::string_view attribute)
 
 void DTDReader::readDefault()
 {
-    const DTDTokens::Token& token = tokens.token();
+    const DTDTokens::Token& token = tokens->token();
     const bool isReserved = token.kind == DTDTokens::tokenReserved;
     const bool isFixed = isReserved && isKeyword(token.text, "FIXED");
     report.count(SourceReport::optionality, isReserved && isKeyword(token.text, "IMPLIED"));
     if (isReserved)
-        tokens.next();
+        tokens->next();
     if (isReserved && !isFixed)
         return;
     // A word behind an entity that isn't there, which may have held the default, is the next attribute.
@@ -302,20 +319,22 @@ void DTDReader::readDefault()
     if (!isWord && token.kind != DTDTokens::tokenLiteral)
         return;
     report.count(SourceReport::defaultValue);
-    tokens.next();
+    tokens->next();
 }
 
 void DTDReader::addAttribute(Element& element, std::string_view name, SourceTypes::Type type)
 {
     const AttributeKey key{element.index, name};
     const std::size_t hash = keyHash(key);
-    if (attributesByKey.find(key, hash)) {
-        report.add(SourceReport::attributeDeclaredTwice, tokens.place(), CString(element.name) + " " + CString(name));
+    if (const Attribute* const known = attributesByKey.find(key, hash)) {
+        if (known->source == sourceCount || known->type != type)
+            report.add(SourceReport::attributeDeclaredTwice, tokens->place(),
+                       CString(element.name) + " " + CString(name));
         return;
     }
     types.checkFields(attributes.size());
     const auto index = static_cast<Index>(attributes.size());
-    attributesByKey.store(&attributes.emplace_back(Attribute{key, type, SourceTypes::kNone}), hash);
+    attributesByKey.store(&attributes.emplace_back(Attribute{key, type, SourceTypes::kNone, sourceCount}), hash);
     if (element.lastAttribute == SourceTypes::kNone)
         element.firstAttribute = index;
     else
@@ -326,51 +345,51 @@ void DTDReader::addAttribute(Element& element, std::string_view name, SourceType
 // "% name value", "% name SYSTEM place", "% name PUBLIC id place"; without the '%' it is one for documents.
 void DTDReader::readEntity()
 {
-    const bool isOfParameter = tokens.token().isMark('%');
+    const bool isOfParameter = tokens->token().isMark('%');
     if (isOfParameter)
-        tokens.next();
+        tokens->next();
     else
         report.count(SourceReport::generalEntity);
-    const DTDTokens::Token& token = tokens.token();
+    const DTDTokens::Token& token = tokens->token();
     if (token.kind != DTDTokens::tokenWord && (isOfParameter || token.kind != DTDTokens::tokenReserved))
         return senseless("ENTITY without a name");
     const std::string_view name = token.text;
-    tokens.next();
+    tokens->next();
     std::string_view systemId;
     const bool isModule = readExternalId(systemId);
     if (!isModule && token.kind == DTDTokens::tokenWord)
-        tokens.next(); // SGML's CDATA, SDATA and their like
+        tokens->next(); // SGML's CDATA, SDATA and their like
     if (!isModule && token.kind != DTDTokens::tokenLiteral)
         return senseless(name);
     if (isOfParameter && isModule)
-        tokens.entities().declareModule(name, systemId, tokens.place());
+        tokens->entities().declareModule(name, systemId, tokens->place());
     else if (isOfParameter)
-        tokens.entities().declare(name, token.text, tokens.literalPlace());
+        tokens->entities().declare(name, token.text, tokens->literalPlace());
     readEntityEnd(name, !isOfParameter);
 }
 
 // A literal that has lost its second quote reaches up to the first quote of another one, whose text follows.
 void DTDReader::readEntityEnd(std::string_view name, bool hasNotation)
 {
-    tokens.endLiterals();
-    if (tokens.token().kind == DTDTokens::tokenLiteral)
-        tokens.next();
-    while (hasNotation && tokens.token().kind == DTDTokens::tokenWord) // NDATA and the notation
-        tokens.next();
-    if (!tokens.token().isEnd())
+    tokens->endLiterals();
+    if (tokens->token().kind == DTDTokens::tokenLiteral)
+        tokens->next();
+    while (hasNotation && tokens->token().kind == DTDTokens::tokenWord) // NDATA and the notation
+        tokens->next();
+    if (!tokens->token().isEnd())
         senseless(name);
 }
 
 // "SYSTEM place", "PUBLIC id place", in SGML "PUBLIC id". False for anything else.
 bool DTDReader::readExternalId(std::string_view& systemId)
 {
-    const DTDTokens::Token& token = tokens.token();
+    const DTDTokens::Token& token = tokens->token();
     const bool isPublic = token.kind == DTDTokens::tokenWord && isKeyword(token.text, "PUBLIC");
     if (!isPublic && (token.kind != DTDTokens::tokenWord || !isKeyword(token.text, "SYSTEM")))
         return false;
-    tokens.next();
+    tokens->next();
     if (isPublic && token.kind == DTDTokens::tokenLiteral)
-        tokens.next();
+        tokens->next();
     if (token.kind == DTDTokens::tokenLiteral)
         systemId = token.text;
     return true;
@@ -384,16 +403,16 @@ void DTDReader::readNotation()
 // A document: of its own declarations, in brackets, the first of a name hold before those of the DTD that it names.
 void DTDReader::readDoctype()
 {
-    const std::string_view root = tokens.token().text;
-    tokens.next();
+    const std::string_view root = tokens->token().text;
+    tokens->next();
     std::string_view systemId, external;
     if (readExternalId(systemId)) {
         external = types.adopt("DOCTYPE " + CString(root)); // as no entity can be called
-        tokens.entities().declareModule(external, systemId, tokens.place());
+        tokens->entities().declareModule(external, systemId, tokens->place());
     }
-    while (!tokens.token().isEnd() && !tokens.token().isMark('['))
-        tokens.next();
-    tokens.endWithDoctype(external);
+    while (!tokens->token().isEnd() && !tokens->token().isMark('['))
+        tokens->next();
+    tokens->endWithDoctype(external);
 }
 
 // All records before the first field: a field names the record of its element, which may stand anywhere. An element
@@ -413,7 +432,7 @@ void DTDReader::makeRecords()
         if (element.contentCount > 0 || element.firstAttribute != SourceTypes::kNone)
             element.record = types.addRecord({element.name, {}, element.place});
         if (element.isDeclared)
-            types.addCandidate({element.name, typeOf(element), false, element.place});
+            types.addCandidate({element.name, typeOf(element), false, element.place, false, {}, element.source});
     }
     std::vector<SourceTypes::Field> fields;
     for (const Index index : order)

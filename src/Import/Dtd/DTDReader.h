@@ -9,11 +9,13 @@
 class DTDReader
 {
 public:
-    DTDReader(DTDTokens& tokens, SourceTypes& types, SourceReport& report) :
-        tokens(tokens), types(types), report(report)
-    {}
+    DTDReader(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
-    void read();
+    /// Reads one DTD; called again, one more of the same set.
+    void read(DTDTokens& source);
+
+    /// Makes the types, once all is read. What a source declares counts for its owner, by number.
+    void finish(std::span<const SourceTypes::Index> owners);
 
 private:
     using Index = SourceTypes::Index;
@@ -36,6 +38,7 @@ private:
         Index firstAttribute = SourceTypes::kNone;
         Index lastAttribute = SourceTypes::kNone;
         Index record = SourceTypes::kNone;
+        Index source = 0; // that declares it
         bool isDeclared = false;
         bool isReferred = false; // another one holds it
         bool holdsText = false;
@@ -57,6 +60,7 @@ private:
         AttributeKey key;
         SourceTypes::Type type;
         Index next; // of the same element
+        Index source;
 
         AttributeKey queryKey() const { return key; }
     };
@@ -79,6 +83,7 @@ private:
     bool readMark();
     void readException();
     void declareElement(Element& element, Index firstContent, bool holdsText);
+    bool isSame(const Element& element, Index firstContent, bool holdsText) const;
     bool readAttribute();
     SourceTypes::Type readAttributeType(std::string_view attribute);
     SourceTypes::Type readConstants(std::string_view attribute);
@@ -92,7 +97,8 @@ private:
     SourceTypes::Type typeOf(const Element& element) const;
     void makeFields(const Element& element, std::vector<SourceTypes::Field>& fields);
 
-    DTDTokens& tokens;
+    DTDTokens* tokens = nullptr; // of the source in hand
+    Index sourceCount = 0;       // before it
     SourceTypes& types;
     SourceReport& report;
     std::deque<Element> elements; // in the order in which they are met

@@ -23,6 +23,8 @@ public:
     {
         std::uint32_t name;
         bool repeats;
+
+        friend bool operator==(const Entry&, const Entry&) = default;
     };
 
     /// Begins a content model anew.

@@ -1,8 +1,11 @@
 #include "Import/Full/FullMessage.h"
 
+#include "Base/Fingerprint.h"
 #include "Base/Progress.h"
 #include "Import/Full/MainElement.h"
+#include "Import/Full/RootNames.h"
 #include "Import/Full/SourceNames.h"
+#include "Import/Full/SpaceFolders.h"
 
 #include <algorithm>
 
@@ -21,19 +24,36 @@ CString nameOfFile(const CString& fileName)
     return isXmlName(name) ? name : "_";
 }
 
+SourceTypes::Index spaceOf(const SourceTypes& types, SourceTypes::Type type)
+{
+    switch (type.kind) {
+    case SourceTypes::kindEnumeration:
+        return types.enumerations[type.index].space;
+    case SourceTypes::kindRecord:
+        return types.records[type.index].space;
+    case SourceTypes::kindTable:
+        return types.tables[type.index].space;
+    default:
+        return 0;
+    }
+}
+
 } // namespace
 
 // What one import declares from.
 struct FullMessage::Declaring
 {
     SourceTypes& types;
-    CString path;
+    std::vector<CString> paths;     // by namespace
     std::vector<bool> enumerations; // those that are declared
     std::vector<bool> tables;
     Element* first;                       // type
     CString name, description, knownType; // kept for their room
 
-    const CString& fullName(std::string_view shortName) { return knownType.assign(path).append(shortName); }
+    const CString& fullName(Index space, std::string_view shortName)
+    {
+        return knownType.assign(paths[space]).append(shortName);
+    }
 };
 
 int FullMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
@@ -59,32 +79,38 @@ void FullMessage::forget()
 
 void FullMessage::import(const CString& source, const CString& fileName, const CString& basePath)
 {
-    SourceTypes types(fileName);
+    const bool bySpace = layout == Layout::byNamespace || (layout == Layout::automatic && !furtherFiles.empty());
+    SourceTypes types(fileName, bySpace ? &folders : nullptr);
     read(source, fileName, types, report);
     beginWork(Work::arranging);
     if (types.empty())
         throw SourceRefusal{fileName + " declares no element, type or enumeration.",
                             {"", "it declares no element, type or enumeration"}};
-    const Index main = chooseMain(types, fileName);
+    const std::vector<Index> main = chooseMain(types, fileName);
     RecordOrder order(types);
-    if (main != SourceTypes::kNone)
-        order.visit(main);
-    for (Index record = 0; root.empty() && record < types.records.size(); ++record)
+    for (const Index record : main)
+        order.visit(record);
+    for (Index record = 0; roots.empty() && record < types.records.size(); ++record)
         order.visit(record);
     SourceNames names(types, report);
     names.name(order.query(), main);
-    if (root.empty())
+    if (roots.empty())
         names.nameUnused();
     Declaring declaring{types,
-                        basePath + mainType + "\\",
+                        {basePath + mainType + "\\"},
                         std::vector<bool>(types.enumerations.size()),
                         std::vector<bool>(types.tables.size()),
                         nullptr,
                         {},
                         {},
                         {}};
-    types.spend(declaring.path.size() * types.fieldCount());
-    for (Index enumeration = 0; root.empty() && enumeration < types.enumerations.size(); ++enumeration)
+    if (bySpace) {
+        declaring.paths = foldersOf(types.spaces);
+        for (CString& path : declaring.paths)
+            path = basePath + path + (path.empty() ? "" : "\\");
+    }
+    types.spend(std::ranges::max(declaring.paths, {}, &CString::size).size() * types.fieldCount());
+    for (Index enumeration = 0; roots.empty() && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
             declareEnumeration(declaring, enumeration);
     for (const Index record : order.query())
@@ -95,48 +121,68 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         model.addUsage({}, declaring.first, nullptr);
 }
 
-// Settles the main type's name and answers its record, which takes the element's name; a leaf gets one that holds its
-// value.
-SourceTypes::Index FullMessage::chooseMain(SourceTypes& types, const CString& fileName)
+// Settles the name of the whole and answers the records of the main types.
+std::vector<SourceTypes::Index> FullMessage::chooseMain(SourceTypes& types, const CString& fileName)
 {
-    const MainElement choice(types, fileName);
-    for (const Index candidate : choice.queryAll())
-        mainTypes.emplace_back(types.candidates[candidate].name);
-    Index chosen = choice.query();
-    if (!root.empty()) {
-        const auto named = std::ranges::find(types.candidates, std::string_view(root), &SourceTypes::Candidate::name);
-        if (named == types.candidates.end())
-            throw SourceRefusal{"There is no element called " + root + ".", {"", "there is no element called " + root}};
-        chosen = static_cast<Index>(named - types.candidates.begin());
-    }
-    if (chosen == SourceTypes::kNone) {
+    const std::vector<Index> chosen = chooseCandidates(types, fileName);
+    if (chosen.empty())
         mainType = nameOfFile(fileName);
-        return SourceTypes::kNone;
+    else
+        mainType = types.candidates[chosen.front()].name;
+    if (!givenName.empty())
+        mainType = toXmlText(givenName);
+    std::vector<Index> records;
+    for (const Index candidate : chosen)
+        if (const Index record = recordOf(types, candidate); !std::ranges::count(records, record)) {
+            types.records[record].name = types.candidates[candidate].name;
+            records.push_back(record);
+        }
+    return records;
+}
+
+// The elements that are asked for, else one for each source.
+std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes& types, const CString& fileName)
+{
+    std::vector<Index> chosen;
+    for (Index source = 0; source <= furtherFiles.size(); ++source) {
+        const MainElement choice(types, source == 0 ? fileName : furtherFiles[source - 1], source);
+        for (const Index candidate : choice.queryAll())
+            mainTypes.emplace_back(types.candidates[candidate].name);
+        if (roots.empty() && choice.query() != SourceTypes::kNone)
+            chosen.push_back(choice.query());
     }
-    const SourceTypes::Candidate& element = types.candidates[chosen];
-    mainType = element.name;
+    for (const CString& root : roots)
+        chosen.push_back(candidateCalled(root, types));
+    return chosen;
+}
+
+// The record of a main type; a leaf gets one that holds its value.
+SourceTypes::Index FullMessage::recordOf(SourceTypes& types, Index candidate)
+{
+    const SourceTypes::Candidate& element = types.candidates[candidate];
     if (element.isAbstract || element.hasAbstractType)
         report.add(SourceReport::mainTypeAbstract, element.place, element.name);
-    Index record = element.type.index;
-    if (element.type.kind != SourceTypes::kindRecord) {
-        record = types.addRecord({element.name, {}, element.place});
-        const SourceTypes::Field value{"value", {}, element.type, SourceTypes::roleValue};
-        types.setFields(record, std::span(&value, 1));
-    }
-    types.records[record].name = element.name;
+    if (element.type.kind == SourceTypes::kindRecord)
+        return element.type.index;
+    const Index record = types.addRecord({element.name, {}, element.place, SourceTypes::kNone, element.space});
+    const SourceTypes::Field value{"value", {}, element.type, SourceTypes::roleValue};
+    types.setFields(record, std::span(&value, 1));
     return record;
 }
 
-Element* FullMessage::declareType(Declaring& declaring, std::string_view name, std::string_view description,
-                                  Element::ElementTypes type)
+Element* FullMessage::declareType(Declaring& declaring, Index space, std::string_view name,
+                                  std::string_view description, Element::ElementTypes type)
 {
     declaring.name = name;
+    const CString& path = declaring.paths[space];
+    RunningHash key(name);
+    if (space != 0)
+        key.append(path);
     Element* element;
     if (description.empty())
-        element = model.addElement(name, declaring.path, declaring.name, type, nullptr);
+        element = model.addElement(key, path, declaring.name, type, nullptr);
     else
-        element = addElement(declaring.name, declaring.path, declaring.name, declaring.description.assign(description),
-                             type, nullptr);
+        element = model.addElement(key, path, declaring.name, declaring.description.assign(description), type, nullptr);
     if (!declaring.first)
         declaring.first = element;
     return element;
@@ -154,7 +200,7 @@ void FullMessage::declareRecord(Declaring& declaring, Index index)
             declareTable(declaring, field.type.index);
     }
     const SourceTypes::Record& record = declaring.types.records[index];
-    Element* row = declareType(declaring, record.name, record.description, Element::typeRow);
+    Element* row = declareType(declaring, record.space, record.name, record.description, Element::typeRow);
     for (const SourceTypes::Field& field : declaring.types.fieldsOf(index))
         declareField(declaring, field, row);
 }
@@ -163,37 +209,44 @@ void FullMessage::declareEnumeration(Declaring& declaring, Index index)
 {
     declaring.enumerations[index] = true;
     const SourceTypes::Enumeration& enumeration = declaring.types.enumerations[index];
-    Element* type = declareType(declaring, enumeration.name, enumeration.description, Element::typeEnum);
+    Element* type =
+        declareType(declaring, enumeration.space, enumeration.name, enumeration.description, Element::typeEnum);
     for (const std::string_view constant : declaring.types.constantsOf(index))
-        model.addElement({}, declaring.path, declaring.name.assign(constant), Element::typeString, type);
+        model.addElement({}, declaring.paths[enumeration.space], declaring.name.assign(constant), Element::typeString,
+                         type);
 }
 
-// A table holds its component as its child, or the ordering would put it before that.
+// A table holds its component as its child, or the ordering would put it before that. A child has the path of its type,
+// by which the ordering tells that type's name.
 void FullMessage::declareTable(Declaring& declaring, Index index)
 {
     declaring.tables[index] = true;
     const SourceTypes::Table& table = declaring.types.tables[index];
-    Element* type = declareType(declaring, table.name, {}, Element::typeTable);
+    Element* type = declareType(declaring, table.space, table.name, {}, Element::typeTable);
     const CString& component = typeName(declaring, table.component);
     type->setKnownType(component);
-    model.addElement({}, declaring.path, declaring.name, Element::typeOther, type)->setKnownType(component);
+    const CString& path = declaring.paths[spaceOf(declaring.types, table.component)];
+    model.addElement({}, path, declaring.name, Element::typeOther, type)->setKnownType(component);
 }
 
 // No key: a field that repeats has its table already, and nothing is declared twice.
 void FullMessage::declareField(Declaring& declaring, const SourceTypes::Field& field, Element* record)
 {
     declaring.name = field.name;
+    const CString& path = declaring.paths[spaceOf(declaring.types, field.type)];
     Element* element;
     if (field.description.empty())
-        element = model.addElement({}, declaring.path, declaring.name, Element::typeOther, record);
+        element = model.addElement({}, path, declaring.name, Element::typeOther, record);
     else
-        element = addElement("", declaring.path, declaring.name, declaring.description.assign(field.description),
+        element = addElement("", path, declaring.name, declaring.description.assign(field.description),
                              Element::typeOther, record);
     element->setKnownType(typeName(declaring, field.type));
 }
 
 const CString& FullMessage::typeName(Declaring& declaring, SourceTypes::Type type)
 {
+    const SourceTypes& types = declaring.types;
+    const Index space = spaceOf(types, type);
     switch (type.kind) {
     case SourceTypes::kindText:
         return declaring.knownType = "String";
@@ -202,10 +255,10 @@ const CString& FullMessage::typeName(Declaring& declaring, SourceTypes::Type typ
     case SourceTypes::kindTime:
         return declaring.knownType = "Time";
     case SourceTypes::kindEnumeration:
-        return declaring.fullName(declaring.types.enumerations[type.index].name);
+        return declaring.fullName(space, types.enumerations[type.index].name);
     case SourceTypes::kindRecord:
-        return declaring.fullName(declaring.types.records[type.index].name);
+        return declaring.fullName(space, types.records[type.index].name);
     default:
-        return declaring.fullName(declaring.types.tables[type.index].name);
+        return declaring.fullName(space, types.tables[type.index].name);
     }
 }

@@ -11,9 +11,29 @@ public:
     /// `row` is the importer that this one reads for.
     explicit FullMessage(MsgUIDescriptor& row) : MsgBase(0), row(row) {}
 
-    /// Makes `name` the main type, and imports only what it reaches. "" leaves the choice to the source.
-    void setRoot(const CString& name) { root = name; }
-    const CString& queryRoot() const { return root; }
+    /// Makes these the main types, and imports only what they reach; none leave the choice to the source. Each is an
+    /// element, else a type that is declared at the top; "{URI}name", or "prefix:name" with a prefix that the source
+    /// declares, names one of several that are called alike.
+    void setRoots(const std::vector<CString>& names) { roots = names; }
+
+    /// The same for one, or none with "".
+    void setRoot(const CString& name) { roots.assign(name.empty() ? 0 : 1, name); }
+    CString queryRoot() const { return roots.empty() ? CString() : roots.front(); }
+
+    /// How types are laid out below the base path.
+    enum class Layout
+    {
+        automatic,  ///< byNamespace for several sources, byMainType for one
+        byMainType, ///< all in the folder of the main type
+        byNamespace ///< each in the folder of its namespace, where it has its name to itself
+    };
+    void setLayout(Layout wanted) { layout = wanted; }
+
+    /// The folder for the types of a namespace, where they lie by namespace; "" is the base path itself.
+    void setFolder(const CString& uri, const CString& folder) { folders[uri] = folder; }
+
+    /// The name of the whole, instead of the first main type's; "" for that one.
+    void setName(const CString& name) { givenName = name; }
 
     /// The elements that could well be the main type, the one that the source's own choice falls on first.
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
@@ -26,6 +46,15 @@ public:
     MsgUIDescriptor* queryDescriptor() const override { return &row; }
 
 protected:
+    /// For an importer that reads several files as one source: what setFurtherFiles() was given.
+    bool keepFurtherFiles(const std::vector<CString>& files)
+    {
+        furtherFiles = files;
+        return true;
+    }
+    const std::vector<CString>& queryFurtherFiles() const { return furtherFiles; }
+    const std::vector<CString>& queryRoots() const { return roots; }
+
     /// Says what `source` (what parse() was given) declares. Throws SourceRefusal where it can't be imported.
     virtual void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) = 0;
 
@@ -36,17 +65,23 @@ private:
     void onCancelled() override { forget(); }
     void forget();
     void import(const CString& source, const CString& fileName, const CString& basePath);
-    Index chooseMain(SourceTypes& types, const CString& fileName);
+    std::vector<Index> chooseMain(SourceTypes& types, const CString& fileName);
+    std::vector<Index> chooseCandidates(const SourceTypes& types, const CString& fileName);
+    Index recordOf(SourceTypes& types, Index candidate);
     void declareRecord(Declaring& declaring, Index record);
     void declareEnumeration(Declaring& declaring, Index enumeration);
     void declareTable(Declaring& declaring, Index table);
     void declareField(Declaring& declaring, const SourceTypes::Field& field, Element* record);
     static const CString& typeName(Declaring& declaring, SourceTypes::Type type);
-    Element* declareType(Declaring& declaring, std::string_view name, std::string_view description,
+    Element* declareType(Declaring& declaring, Index space, std::string_view name, std::string_view description,
                          Element::ElementTypes type);
 
     MsgUIDescriptor& row;
-    CString root;
+    std::vector<CString> furtherFiles;
+    std::vector<CString> roots;
+    Layout layout = Layout::automatic;
+    SourceTypes::Folders folders;
+    CString givenName;
     CString mainType;
     std::vector<CString> mainTypes;
 };

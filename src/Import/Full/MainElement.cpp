@@ -38,17 +38,24 @@ bool hasFields(const SourceTypes& types, SourceTypes::Type type)
 
 } // namespace
 
-MainElement::MainElement(const SourceTypes& types, const CString& fileName) : types(types), seen(types.records.size())
+MainElement::MainElement(const SourceTypes& types, const CString& fileName, Index source) :
+    types(types), seen(types.records.size())
 {
-    for (Index i = 0; i < types.candidates.size(); ++i)
-        if (!types.candidates[i].isAbstract && hasFields(types, types.candidates[i].type))
+    Index first = SourceTypes::kNone;
+    for (Index i = 0; i < types.candidates.size(); ++i) {
+        const SourceTypes::Candidate& candidate = types.candidates[i];
+        if (candidate.source != source || candidate.isType)
+            continue;
+        first = std::min(first, i);
+        if (!candidate.isAbstract && hasFields(types, candidate.type))
             ranked.push_back(i);
+    }
     if (!ranked.empty()) {
         findSources();
         const std::size_t start = fileName.rfind('/') + 1;
         measureAll(std::string_view(fileName).substr(start, fileName.rfind('.') - start));
-    } else if (!types.candidates.empty()) {
-        all.push_back(0);
+    } else if (first != SourceTypes::kNone) {
+        all.push_back(first);
     }
 }
 

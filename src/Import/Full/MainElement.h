@@ -10,7 +10,8 @@ class MainElement
 public:
     using Index = SourceTypes::Index;
 
-    MainElement(const SourceTypes& types, const CString& fileName);
+    /// Chooses among the elements that the source of this number declares.
+    MainElement(const SourceTypes& types, const CString& fileName, Index source);
 
     /// The main element as an index of `types.candidates`; kNone when there is none.
     Index query() const { return all.empty() ? SourceTypes::kNone : all.front(); }

@@ -42,15 +42,19 @@ private:
     std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
 };
 
-void SourceNames::name(const std::vector<Index>& order, Index first)
+void SourceNames::name(const std::vector<Index>& order, std::span<const Index> first)
 {
     isNamed.assign(types.enumerations.size(), false);
-    if (first != SourceTypes::kNone)
-        nameRecord(first);
+    spaces.resize(types.spaces.size());
     // In the order of declaration, so that of two with one name the first keeps it.
     std::vector<bool> isWanted(types.records.size());
     for (const Index record : order)
-        isWanted[record] = record != first;
+        isWanted[record] = true;
+    for (const Index record : first)
+        if (isWanted[record]) {
+            isWanted[record] = false;
+            nameRecord(record);
+        }
     for (Index record = 0; record < types.records.size(); ++record)
         if (isWanted[record])
             nameRecord(record);
@@ -65,7 +69,7 @@ void SourceNames::nameRecord(Index index)
 {
     SourceTypes::Record& record = types.records[index];
     const std::string_view wanted = record.name;
-    record.name = unique({}, wanted, record.home);
+    record.name = unique({}, wanted, record.home, record.space);
     if (record.name != wanted)
         noteChange(record.place, wanted, record.name);
 }
@@ -113,22 +117,25 @@ void SourceNames::nameEnumeration(Index index, SourcePlace place, Index home)
     isNamed[index] = true;
     SourceTypes::Enumeration& enumeration = types.enumerations[index];
     const std::string_view wanted = enumeration.name;
-    enumeration.name = unique({}, wanted, home);
+    enumeration.name = unique({}, wanted, home, enumeration.space);
     if (enumeration.name != wanted)
         noteChange(place, wanted, enumeration.name);
 }
 
 void SourceNames::nameTable(Field& field, Index record)
 {
-    const auto [known, isNew] = tables.try_emplace({field.name, field.type}, static_cast<Index>(types.tables.size()));
+    const Index space = types.records[record].space;
+    const auto [known, isNew] =
+        tables.try_emplace({field.name, field.type, space}, static_cast<Index>(types.tables.size()));
     if (isNew)
-        types.tables.push_back({unique(kTablePrefix, field.name, record), field.type});
+        types.tables.push_back({unique(kTablePrefix, field.name, record, space), field.type, space});
     field.type = {SourceTypes::kindTable, known->second};
 }
 
 // `prefix` and `name`; when that is taken, with the name of the record `home` between them; then with a number.
-std::string_view SourceNames::unique(std::string_view prefix, std::string_view name, Index home)
+std::string_view SourceNames::unique(std::string_view prefix, std::string_view name, Index home, Index space)
 {
+    auto& [taken, lastNumbers] = spaces[space];
     std::string_view made = prefix.empty() ? name : types.keep(CString(prefix) + CString(name));
     if (taken.insert(made).second)
         return made;

@@ -6,17 +6,17 @@
 #include <unordered_map>
 #include <unordered_set>
 
-/// Gives the types of a source their final names, each once: records first, then enumerations and tables as they are
-/// met walking the records. A name that is taken gets the name of its record and "_" in front, then a number. Within a
-/// record elements keep their names, an attribute called like one gets the record's name in front, and "value" yields.
-/// What a name had to give way to is noted in the report.
+/// Gives the types of a source their final names, each once in its namespace: records first, then enumerations and
+/// tables as they are met walking the records. A name that is taken gets the name of its record and "_" in front, then
+/// a number. Within a record elements keep their names, an attribute called like one gets the record's name in front,
+/// and "value" yields. What a name had to give way to is noted in the report.
 class SourceNames
 {
 public:
     SourceNames(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
-    /// Names the records `order`, their fields, and what those use. `first` (or kNone) is named before the others.
-    void name(const std::vector<SourceTypes::Index>& order, SourceTypes::Index first);
+    /// Names the records `order`, their fields, and what those use. The records `first` are named before the others.
+    void name(const std::vector<SourceTypes::Index>& order, std::span<const SourceTypes::Index> first);
 
     /// Names the declared enumerations that no field has, behind all others.
     void nameUnused();
@@ -26,14 +26,28 @@ private:
     using Field = SourceTypes::Field;
     class FieldNames;
 
-    // Fields of one name and one type share a table.
-    using TableKey = std::pair<std::string_view, SourceTypes::Type>;
+    // Fields of one name and one type share a table in their namespace.
+    struct TableKey
+    {
+        std::string_view name;
+        SourceTypes::Type type;
+        Index space;
+
+        friend bool operator==(const TableKey&, const TableKey&) = default;
+    };
     struct TableHash
     {
         std::size_t operator()(const TableKey& key) const
         {
-            return keyHash(key.first) ^ (static_cast<std::size_t>(key.second.index) << 3 | key.second.kind);
+            return (keyHash(key.name) + key.space) ^ (static_cast<std::size_t>(key.type.index) << 3 | key.type.kind);
         }
+    };
+
+    // The names of one namespace.
+    struct Space
+    {
+        std::unordered_set<std::string_view, KeyHash> taken;
+        std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
     };
 
     void nameRecord(Index record);
@@ -41,13 +55,12 @@ private:
     void nameType(Field& field, Index record);
     void nameEnumeration(Index enumeration, SourcePlace place, Index home);
     void nameTable(Field& field, Index record);
-    std::string_view unique(std::string_view prefix, std::string_view name, Index home);
+    std::string_view unique(std::string_view prefix, std::string_view name, Index home, Index space);
     void noteChange(SourcePlace place, std::string_view from, std::string_view to);
 
     SourceTypes& types;
     SourceReport& report;
-    std::unordered_set<std::string_view, KeyHash> taken;
-    std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
+    std::vector<Space> spaces;
     std::unordered_map<TableKey, Index, TableHash> tables;
     std::vector<bool> isNamed; // by enumeration
 };

@@ -23,6 +23,25 @@ std::string_view SourceTypes::join(std::string_view first, std::string_view seco
     return memory.keep({first, "_", second});
 }
 
+SourceTypes::Index SourceTypes::spaceOf(std::string_view uri)
+{
+    if (!folders)
+        return 0;
+    if (const auto known = spacesByUri.find(uri); known != spacesByUri.end())
+        return known->second;
+    const std::string_view kept = keep(uri);
+    const auto given = folders->find(CString(uri));
+    const CString folder = given == folders->end() ? CString() : given->second;
+    std::size_t space = 0;
+    if (!folder.empty())
+        space = static_cast<std::size_t>(std::ranges::find(spaces, folder, &Space::folder) - spaces.begin());
+    else if (given == folders->end() && !uri.empty())
+        space = spaces.size();
+    if (space == spaces.size())
+        spaces.push_back({kept, folder});
+    return spacesByUri.emplace(kept, static_cast<Index>(space)).first->second;
+}
+
 SourceTypes::Index SourceTypes::addRecord(const Record& record)
 {
     records.push_back(record);
@@ -46,18 +65,20 @@ void SourceTypes::checkFields(std::size_t count) const
 }
 
 SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<const std::string_view> added,
-                                               bool isNamed, std::string_view description, SourcePlace place)
+                                               bool isNamed, std::string_view description, SourcePlace place,
+                                               Index space)
 {
-    std::size_t hash = keyHash(name);
+    std::size_t hash = keyHash(name) + space;
     for (const std::string_view constant : added)
         hash = hash * 31 + keyHash(constant);
     const auto [first, last] = enumerationsByHash.equal_range(hash);
     for (auto known = first; known != last; ++known)
-        if (enumerations[known->second].name == name && std::ranges::equal(constantsOf(known->second), added))
+        if (enumerations[known->second].name == name && enumerations[known->second].space == space &&
+            std::ranges::equal(constantsOf(known->second), added))
             return known->second;
     if (constants.size() + added.size() > kMaxFields)
         refuse(std::to_string(kMaxFields) + " constants");
-    Enumeration made{name, description, isNamed, place};
+    Enumeration made{name, description, isNamed, place, space};
     made.firstConstant = static_cast<Index>(constants.size());
     made.constantCount = static_cast<Index>(added.size());
     constants.insert(constants.end(), added.begin(), added.end());

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Base/Arena.h"
+#include "Base/KeyedTable.h"
 #include "Import/SourceReport.h"
 
 #include <deque>
+#include <map>
 #include <memory_resource>
 #include <span>
 #include <unordered_map>
@@ -58,6 +60,7 @@ public:
         std::string_view description{};
         SourcePlace place{};
         Index home = kNone; ///< the record inside which it is declared, whose name goes before a name that is taken
+        Index space = 0;    ///< see spaceOf()
         Index firstField = 0;
         Index fieldCount = 0;
     };
@@ -68,6 +71,7 @@ public:
         std::string_view description{};
         bool isNamed = false; ///< has the name of a declared type, and is imported even when no field has it
         SourcePlace place{};  ///< of that type
+        Index space = 0;      ///< see spaceOf()
         Index firstConstant = 0;
         Index constantCount = 0;
     };
@@ -76,6 +80,7 @@ public:
     {
         std::string_view name; ///< with its "t_"
         Type component;
+        Index space = 0; ///< of the records whose fields are of it
     };
 
     /// What a message may start with: an element that is declared at the top.
@@ -86,10 +91,30 @@ public:
         bool isAbstract = false;
         SourcePlace place{};
         bool hasAbstractType = false;
+        std::string_view uri{}; ///< its namespace
+        Index source = 0;       ///< the source of a set that declares it; kNone: a document that a source names does
+        bool isType = false;    ///< a type rather than an element; it is a main type only where it is asked for
+        Index space = 0;        ///< see spaceOf()
     };
 
-    /// `sourceName` is what a refusal names.
-    explicit SourceTypes(const CString& sourceName) : sourceName(sourceName) {}
+    /// A namespace in which types have their names to themselves.
+    struct Space
+    {
+        std::string_view uri;
+        CString folder; ///< as the caller wants it; "" where the URI says it
+    };
+
+    /// The folders that namespaces get by their URIs; types of URIs that share a folder share their names.
+    using Folders = std::map<CString, CString>;
+
+    /// `sourceName` is what a refusal names. With `folders` the namespaces of types are kept apart.
+    explicit SourceTypes(const CString& sourceName, const Folders* folders = nullptr) :
+        sourceName(sourceName), folders(folders)
+    {}
+
+    /// The index in `spaces` of a namespace, in which a type has its name to itself. 0, which is none, where types of
+    /// all namespaces are kept together.
+    Index spaceOf(std::string_view uri);
 
     /// A copy of `text` that lives as long as the types.
     std::string_view keep(std::string_view text);
@@ -120,7 +145,7 @@ public:
     /// The enumeration of these constants under this name, which is made when there is none like it yet. A million
     /// constants in all are the bound.
     Index addEnumeration(std::string_view name, std::span<const std::string_view> constants, bool isNamed,
-                         std::string_view description = {}, SourcePlace place = {});
+                         std::string_view description = {}, SourcePlace place = {}, Index space = 0);
 
     /// Counts text that the types take: 256 MB in all are the bound, what passes it throws SourceRefusal.
     void spend(std::size_t bytes);
@@ -151,11 +176,16 @@ public:
     std::vector<Enumeration> enumerations;
     std::vector<Table> tables;
     std::vector<Candidate> candidates;
+    std::vector<Space> spaces{{}};
+    std::vector<std::pair<std::string_view, std::string_view>>
+        prefixes{}; ///< that the sources declare, with their URIs
 
 private:
     std::size_t nameSize(Type type) const;
 
     CString sourceName;
+    const Folders* folders;
+    std::unordered_map<std::string_view, Index, KeyHash> spacesByUri;
     std::size_t spent = 0;
     Arena memory;
     std::deque<CString> texts;

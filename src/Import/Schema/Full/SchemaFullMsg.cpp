@@ -8,6 +8,8 @@ void SchemaFullMessage::read(const CString& source, const CString&, SourceTypes&
 {
     SchemaSet set(types, report);
     set.load(source);
-    SchemaTypes(set, types).read(queryRoot());
+    for (const CString& file : queryFurtherFiles())
+        set.load(file);
+    SchemaTypes(set, types).read(set.finish(), queryRoots());
     set.reportNotes();
 }

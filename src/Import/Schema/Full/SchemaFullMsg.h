@@ -12,6 +12,7 @@ public:
     static FullMessage* New() { return new SchemaFullMessage; }
 
     int isFileMode() const override { return 1; }
+    bool setFurtherFiles(const std::vector<CString>& files) override { return keepFurtherFiles(files); }
     CString queryUses(const CString& fileName) const override { return usesOfSchema(fileName); }
 
 protected:

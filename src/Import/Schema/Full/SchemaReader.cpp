@@ -64,6 +64,8 @@ void SchemaReader::scope(const XmlScope& scope)
             spaces.resize(id + 1, kUndeclared);
         shadowed.push_back({id, spaces[id]});
         spaces[id] = tree.names.intern(trimmed(uri ? uri : ""));
+        if (open.empty())
+            tree.documents[document].prefixes.emplace_back(id, spaces[id]);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "Import/Schema/Full/SchemaSet.h"
 
+#include "Base/StrongComponents.h"
 #include "Import/Schema/Full/SchemaReader.h"
 #include "Import/Schema/SchemaBuiltIns.h"
 #include "Import/Schema/SchemaDocuments.h"
@@ -36,17 +37,30 @@ std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
 
 void SchemaSet::load(const CString& fileName)
 {
+    const auto id = identify(fileName);
+    if (const auto known = id ? parsed.find(*id) : parsed.end(); known != parsed.end()) {
+        loaded.push_back(known->second);
+        return;
+    }
     XmlDocument xml;
     if (!read(fileName, fileName, xml, kAnySize))
         throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
-    if (tree.documents[0].root == 0)
+    const auto document = static_cast<std::uint32_t>(tree.documents.size() - 1);
+    loaded.push_back(document);
+    if (id)
+        parsed.emplace(*id, document);
+    if (tree.documents[document].root == 0)
         return;
-    if (const auto id = identify(fileName)) {
-        parsed.emplace(*id, 0);
-        entered.emplace(std::pair(*id, tree.documents[0].space), 0);
-    }
+    if (id)
+        entered.emplace(std::pair(*id, tree.documents[document].space), document);
+    followAll(document);
+}
+
+/// Declares what a document holds, and all that it names.
+void SchemaSet::followAll(std::uint32_t document)
+{
     std::vector<Following> waiting;
-    declareAll(0, waiting);
+    declareAll(document, waiting);
     while (!waiting.empty()) {
         Following& top = waiting.back();
         if (top.redefine != 0) { // its document, and what that names, has been read
@@ -63,7 +77,36 @@ void SchemaSet::load(const CString& fileName)
         top.redefine = tree[reference].tag == SchemaTag::redefine ? reference : 0;
         follow(reference, waiting); // may move `top`
     }
+}
+
+std::vector<std::optional<std::uint32_t>> SchemaSet::finish()
+{
     collectMembers();
+    struct Links // from a file to those that it names, each by its first document
+    {
+        std::vector<std::vector<std::uint32_t>> targets;
+
+        std::size_t degree(std::uint32_t document) const { return targets[document].size(); }
+        std::uint32_t target(std::uint32_t document, std::size_t link) const { return targets[document][link]; }
+    };
+    Links links{std::vector<std::vector<std::uint32_t>>(tree.documents.size())};
+    for (const auto& [reference, document] : documentsByReference)
+        links.targets[firstOfFile[tree[reference].document]].push_back(firstOfFile[document]);
+    StrongComponents<Links> components(links, tree.documents.size());
+    for (const std::uint32_t document : loaded)
+        components.visit(document);
+    std::vector<bool> isNamed(components.componentCount()); // by another, or has a source already
+    for (const std::uint32_t document : components.query())
+        for (const std::uint32_t target : links.targets[document])
+            if (components.componentOf(target) != components.componentOf(document))
+                isNamed[components.componentOf(target)] = true;
+    std::vector<std::optional<std::uint32_t>> sources;
+    for (const std::uint32_t document : loaded) {
+        const std::uint32_t component = components.componentOf(document);
+        sources.push_back(isNamed[component] ? std::nullopt : std::optional(document));
+        isNamed[component] = true;
+    }
+    return sources;
 }
 
 /// Reads one file into a new document, which messages show as `shownName`. False when that can't be, which `xml` then
@@ -72,6 +115,7 @@ bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocum
 {
     const auto first = static_cast<Index>(tree.size());
     SchemaDocument& document = tree.documents.emplace_back();
+    firstOfFile.push_back(static_cast<std::uint32_t>(tree.documents.size() - 1));
     document.folder = folderOf(fileName);
     document.file = report.addFile(shownName);
     SchemaReader reader(tree, report);
@@ -139,6 +183,7 @@ std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
     copied += tree.documents[document].end - tree.documents[document].root;
     if (copied > kMaxCopied)
         refuse(std::to_string(kMaxCopied) + " declarations in documents that several namespaces include");
+    firstOfFile.push_back(firstOfFile[document]);
     return tree.adopt(document, space);
 }
 
@@ -209,7 +254,7 @@ const std::vector<SchemaSet::Index>& SchemaSet::membersOf(SchemaName head) const
     return found == members.end() ? none : found->second;
 }
 
-std::vector<SchemaSet::Index> SchemaSet::mainComponents() const
+std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
 {
     std::vector<Index> components;
     std::unordered_set<Index> met;
@@ -231,11 +276,11 @@ std::vector<SchemaSet::Index> SchemaSet::mainComponents() const
         for (Index at = topOf(document); (at = tree.firstOf(at, SchemaTag::redefine)) != 0; at = tree[at].next)
             add(tree[at].firstChild);
     };
-    add(topOf(0));
+    add(topOf(main));
     const bool holdsOwn = holdsAny();
-    addRedefined(0);
+    addRedefined(main);
     if (!holdsOwn)
-        for (const std::uint32_t document : includedDocuments()) {
+        for (const std::uint32_t document : includedDocuments(main)) {
             add(topOf(document));
             addRedefined(document);
         }
@@ -244,17 +289,26 @@ std::vector<SchemaSet::Index> SchemaSet::mainComponents() const
     return components;
 }
 
-SchemaSet::Index SchemaSet::elementCalled(std::string_view name)
+std::vector<SchemaSet::Index> SchemaSet::componentsCalled(std::string_view name)
 {
-    return find(element, {tree.documents[0].space, tree.names.intern(name)}, 0);
+    const NameTable::Id local = tree.names.intern(name);
+    std::vector<Index> found;
+    std::unordered_set<NameTable::Id> met;
+    for (const SchemaDocument& document : tree.documents)
+        if (document.root != 0 && met.insert(document.space).second)
+            for (const Kind kind : {element, type})
+                if (const Index at = find(kind, {document.space, local}, 0);
+                    at != 0 && tree[at].tag != SchemaTag::simpleType)
+                    found.push_back(at);
+    return found;
 }
 
-/// What the main document includes and redefines, and what those do.
-std::vector<std::uint32_t> SchemaSet::includedDocuments() const
+/// A document, what it includes and redefines, and what those do.
+std::vector<std::uint32_t> SchemaSet::includedDocuments(std::uint32_t main) const
 {
-    std::vector<std::uint32_t> documents{0};
+    std::vector<std::uint32_t> documents{main};
     std::vector<bool> met(tree.documents.size());
-    met[0] = true;
+    met[main] = true;
     for (std::size_t i = 0; i < documents.size(); ++i) {
         Index at = tree[tree.documents[documents[i]].root].firstChild;
         for (; (at = tree.firstOf(at, SchemaTag::include, SchemaTag::redefine)) != 0; at = tree[at].next) {

@@ -34,8 +34,14 @@ public:
     SchemaSet(const SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
     /// Reads a schema and the documents that it names, each once; local regular files only, and what can't be had goes
-    /// into the report. Throws SourceRefusal when the schema itself can't be read, or one of them that is there.
+    /// into the report. Called again, reads one more schema of the same set. Throws SourceRefusal when the schema
+    /// itself can't be read, or one of them that is there.
     void load(const CString& fileName);
+
+    /// To be called once all is loaded. The documents that load() was called for, in this order; nothing for one that
+    /// another of the set names, and for one that isn't the first of the same file; of those that name each other the
+    /// first stays.
+    std::vector<std::optional<std::uint32_t>> finish();
 
     /// What `name` means where `from` stands; 0 when there is none. Inside a redefinition its own name means what it
     /// redefines.
@@ -48,13 +54,14 @@ public:
     /// The elements whose substitution group `head` heads, in the order of declaration.
     const std::vector<Index>& membersOf(SchemaName head) const;
 
-    /// The elements, complex types and simple types at the top of the main document, or of those it includes when it
-    /// has no element and no complex type itself; what stands inside a redefinition isn't its own. Empty when those
-    /// have none either.
-    std::vector<Index> mainComponents() const;
+    /// The elements, complex types and simple types at the top of a document, or of those it includes when it has no
+    /// element and no complex type itself; what stands inside a redefinition isn't its own. Empty when those have none
+    /// either.
+    std::vector<Index> componentsOf(std::uint32_t document) const;
 
-    /// The element of that name at the top of any document in the main one's namespace; 0 when there is none.
-    Index elementCalled(std::string_view name);
+    /// The element and the complex type of that name at the top of any document, in each namespace, in the order in
+    /// which the namespaces are met.
+    std::vector<Index> componentsCalled(std::string_view name);
 
     /// The full name of a component at the top.
     SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
@@ -87,6 +94,7 @@ private:
 
     static std::uint64_t keyOf(SchemaName name) { return static_cast<std::uint64_t>(name.space) << 32 | name.local; }
 
+    void followAll(std::uint32_t document);
     bool read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most);
     void follow(Index reference, std::vector<Following>& waiting);
     void readNamed(const FoundFile& file, const CString& path, Index reference);
@@ -94,7 +102,7 @@ private:
     void declareAll(std::uint32_t document, std::vector<Following>& waiting);
     void declare(Index component, bool redefines);
     void collectMembers();
-    std::vector<std::uint32_t> includedDocuments() const;
+    std::vector<std::uint32_t> includedDocuments(std::uint32_t document) const;
     void sortNotes();
     Index namedAround(Index node) const;
 
@@ -104,6 +112,8 @@ private:
     FileFinder finder;
     std::map<FileId, std::uint32_t> parsed; // the first document of each file
     std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
+    std::vector<std::uint32_t> loaded;      // by load()
+    std::vector<std::uint32_t> firstOfFile; // the document of the file of each, by document
     std::unordered_map<Index, std::uint32_t> documentsByReference;
     std::array<Names, kindCount> symbols;
     std::unordered_map<Index, Index> redefined; // by what redefines it

@@ -4,6 +4,7 @@
 #include "Import/Schema/SchemaGrammar.h"
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 /// A name with its namespace (https://www.w3.org/TR/xml-names/, expanded name), both by number.
@@ -57,7 +58,8 @@ struct SchemaDocument
     SchemaNode::Index root = 0; ///< 0: it could not be read
     SchemaNode::Index end = 0;  ///< behind its last node
     NameTable::Id space = 0;
-    bool hasTarget = false; ///< it says its namespace itself
+    std::vector<std::pair<NameTable::Id, NameTable::Id>> prefixes; ///< that its root declares, with their namespaces
+    bool hasTarget = false;                                        ///< it says its namespace itself
     bool elementsQualified = false;
     bool attributesQualified = false;
 };

@@ -1,47 +1,94 @@
 #include "Import/Schema/Full/SchemaTypes.h"
 
-#include <algorithm>
+#include "Import/Full/RootNames.h"
 
-void SchemaTypes::read(std::string_view root)
+#include <algorithm>
+#include <unordered_set>
+
+void SchemaTypes::read(const std::vector<std::optional<std::uint32_t>>& sources, const std::vector<CString>& roots)
 {
-    const std::vector<Index> components = set.mainComponents();
-    for (const Index component : components)
-        readComponent(component);
-    if (const Index element = set.elementCalled(root); element != 0 && !std::ranges::count(components, element))
-        readComponent(element);
+    std::unordered_set<Index> met;
+    for (std::size_t source = 0; source < sources.size(); ++source)
+        if (sources[source])
+            for (const Index component : set.componentsOf(*sources[source]))
+                if (met.insert(component).second)
+                    readComponent(component, static_cast<SourceTypes::Index>(source));
+    const auto sourceOf = [&](Index component) {
+        const auto found = std::ranges::find_if(sources, [&](const auto& document) {
+            return document && tree.documents[*document].space == tree.documentOf(component).space;
+        });
+        return found == sources.end() ? SourceTypes::kNone : static_cast<SourceTypes::Index>(found - sources.begin());
+    };
+    for (const CString& root : roots)
+        for (const Index component : set.componentsCalled(localNameOf(root)))
+            if (met.insert(component).second || tree[component].tag == SchemaTag::complexType)
+                addCandidate(component, sourceOf(component));
+    for (const auto& source : sources)
+        if (source)
+            for (const auto& [prefix, space] : tree.documents[*source].prefixes)
+                types.prefixes.emplace_back(keep(prefix), keep(space));
     for (std::size_t i = 0; i < pending.size(); ++i)
         readFields(pending[i]);
 }
 
-void SchemaTypes::readComponent(Index component)
+void SchemaTypes::readComponent(Index component, SourceTypes::Index source)
 {
     const SchemaNode& node = tree[component];
     if (node.tag == SchemaTag::complexType) {
         recordOf(component, SourceTypes::kNone);
     } else if (node.tag == SchemaTag::simpleType) {
         if (const Value value = simple.of(component); value.named != 0)
-            typeOf(value, node.name);
+            typeOf(value, component, node.name);
+    } else {
+        addCandidate(component, source);
+    }
+}
+
+/// What a message may start with: an element, or a complex type that is asked for.
+void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
+{
+    const SchemaNode& node = tree[component];
+    SourceTypes::Candidate candidate{keep(node.name), {}, node.is(SchemaNode::isAbstract), set.placeOf(component)};
+    candidate.uri = keep(tree.documentOf(component).space);
+    candidate.source = source;
+    candidate.space = spaceOf(component);
+    candidate.isType = node.tag == SchemaTag::complexType;
+    if (candidate.isType) {
+        candidate.type = recordOf(component, SourceTypes::kNone);
     } else {
         const Declared& type = declared(component);
-        const bool hasAbstractType = tree[type.complexType].is(SchemaNode::isAbstract);
-        types.addCandidate({keep(node.name), typeOf(type, node.name, SourceTypes::kNone),
-                            node.is(SchemaNode::isAbstract), set.placeOf(component), hasAbstractType});
+        candidate.hasAbstractType = tree[type.complexType].is(SchemaNode::isAbstract);
+        candidate.type = typeOf(type, component, node.name, SourceTypes::kNone);
     }
+    types.addCandidate(candidate);
+}
+
+/// The namespace of the document that a node stands in, as the types keep it.
+SourceTypes::Index SchemaTypes::spaceOf(Index node)
+{
+    const NameTable::Id uri = tree.documentOf(node).space;
+    if (uri >= spaces.size())
+        spaces.resize(std::max<std::size_t>(uri + 1, tree.names.size()));
+    if (spaces[uri] == 0)
+        spaces[uri] = types.spaceOf(tree.text(uri)) + 1;
+    return spaces[uri] - 1;
 }
 
 void SchemaTypes::readFields(Pending record)
 {
     fields.clear();
     if (const Value text = simple.of(record.type); text.isThere)
-        fields.push_back({"value", {}, typeOf(text, SchemaTree::kValueName), SourceTypes::roleValue});
+        fields.push_back({"value", {}, typeOf(text, record.type, SchemaTree::kValueName), SourceTypes::roleValue});
     const std::span<const SchemaField> content = contents.of(record.type);
     inHand.assign(content.begin(), content.end());
     for (const SchemaField& field : inHand) {
         cancelPoint.pass();
         const Declared& type = declared(field.declaration);
         const std::uint32_t said = field.declaration == 0 ? 0 : tree[field.declaration].documentation;
-        fields.push_back({keep(field.name.local), keepDocumentation(said != 0 ? said : type.documentation),
-                          typeOf(type, field.name.local, record.record), field.role, field.repeats});
+        fields.push_back(
+            {keep(field.name.local), keepDocumentation(said != 0 ? said : type.documentation),
+             typeOf(type, field.declaration != 0 ? field.declaration : record.type, field.name.local, record.record),
+             field.role, field.repeats});
     }
     types.setFields(record.record, fields);
 }
@@ -93,12 +140,15 @@ bool SchemaTypes::resolve(Index declaration, Declared& out)
     return true;
 }
 
-SourceTypes::Type SchemaTypes::typeOf(const Declared& declared, NameTable::Id fieldName, SourceTypes::Index home)
+SourceTypes::Type SchemaTypes::typeOf(const Declared& declared, Index declaration, NameTable::Id fieldName,
+                                      SourceTypes::Index home)
 {
-    return declared.complexType == 0 ? typeOf(declared.value, fieldName) : recordOf(declared.complexType, home);
+    return declared.complexType == 0 ? typeOf(declared.value, declaration, fieldName)
+                                     : recordOf(declared.complexType, home);
 }
 
-SourceTypes::Type SchemaTypes::typeOf(const Value& value, NameTable::Id fieldName)
+/// An enumeration without a name lies where the element or attribute does that is of it.
+SourceTypes::Type SchemaTypes::typeOf(const Value& value, Index declaration, NameTable::Id fieldName)
 {
     if (value.kind != SourceTypes::kindEnumeration)
         return {value.kind};
@@ -112,7 +162,7 @@ SourceTypes::Type SchemaTypes::typeOf(const Value& value, NameTable::Id fieldNam
         for (const NameTable::Id constant : simple.constantsOf(value))
             constants.push_back(keep(constant));
         known->second = types.addEnumeration(keep(name), constants, isNamed, keepDocumentation(named.documentation),
-                                             set.placeOf(value.named));
+                                             set.placeOf(value.named), spaceOf(isNamed ? value.named : declaration));
     }
     return {SourceTypes::kindEnumeration, known->second};
 }
@@ -131,7 +181,7 @@ SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index ho
     const std::uint32_t said = node.documentation != 0 ? node.documentation : named.documentation;
     const SourceTypes::Index record =
         types.addRecord({keep(named.name), keepDocumentation(said), set.placeOf(complexType),
-                         node.hasName() ? SourceTypes::kNone : home});
+                         node.hasName() ? SourceTypes::kNone : home, spaceOf(complexType)});
     pending.push_back({complexType, record});
     if (node.is(SchemaNode::isAbstract))
         set.note(SourceReport::abstractType, complexType);

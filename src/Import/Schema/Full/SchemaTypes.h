@@ -12,8 +12,9 @@ public:
         set(set), tree(set.queryTree()), types(types), simple(set), contents(set)
     {}
 
-    /// `root` names an element that is read in any case; "" for none.
-    void read(std::string_view root);
+    /// Reads what `sources` declare, documents of the set as SchemaSet::finish() tells them. `roots` name elements and
+    /// complex types that are read in any case.
+    void read(const std::vector<std::optional<std::uint32_t>>& sources, const std::vector<CString>& roots);
 
 private:
     using Index = SchemaNode::Index;
@@ -34,12 +35,15 @@ private:
         SourceTypes::Index record;
     };
 
-    void readComponent(Index component);
+    void readComponent(Index component, SourceTypes::Index source);
+    void addCandidate(Index component, SourceTypes::Index source);
+    SourceTypes::Index spaceOf(Index node);
     void readFields(Pending pending);
     const Declared& declared(Index declaration);
     bool resolve(Index declaration, Declared& out);
-    SourceTypes::Type typeOf(const Declared& declared, NameTable::Id fieldName, SourceTypes::Index home);
-    SourceTypes::Type typeOf(const Value& value, NameTable::Id fieldName);
+    SourceTypes::Type typeOf(const Declared& declared, Index declaration, NameTable::Id fieldName,
+                             SourceTypes::Index home);
+    SourceTypes::Type typeOf(const Value& value, Index declaration, NameTable::Id fieldName);
     SourceTypes::Type recordOf(Index complexType, SourceTypes::Index home);
     std::string_view keep(NameTable::Id name);
     std::string_view keepDocumentation(std::uint32_t documentation);
@@ -56,6 +60,7 @@ private:
     Declared lastDeclared;
     std::vector<std::string_view> keptNames;
     std::vector<std::string_view> keptDocumentations;
+    std::vector<SourceTypes::Index> spaces; // by the number of the URI, and 1 more; 0: not known yet
     std::vector<SchemaField> inHand;
     std::vector<SourceTypes::Field> fields;
     std::vector<std::string_view> constants;

@@ -1,0 +1,84 @@
+#include "Import/Full/SpaceFolders.h"
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+
+namespace {
+
+bool isLetter(char c)
+{
+    return std::isalpha(static_cast<unsigned char>(c)) || static_cast<unsigned char>(c) >= 0x80;
+}
+
+// A URI in its parts, last one first. Empty ones say nothing.
+std::vector<std::string_view> partsOf(std::string_view uri)
+{
+    std::vector<std::string_view> parts;
+    while (!uri.empty()) {
+        const std::size_t end = std::min(uri.find_first_of(":/#?\\ \t\r\n"), uri.size());
+        if (end > 0)
+            parts.push_back(uri.substr(0, end));
+        uri.remove_prefix(std::min(end + 1, uri.size()));
+    }
+    std::ranges::reverse(parts);
+    return parts;
+}
+
+// How many of the last parts make the folder's name.
+std::size_t countLast(const std::vector<std::string_view>& parts)
+{
+    const auto found = std::ranges::find_if(parts, [](std::string_view part) { return isLetter(part.front()); });
+    return std::min<std::size_t>(static_cast<std::size_t>(found - parts.begin()) + 1, parts.size());
+}
+
+CString joinLast(const std::vector<std::string_view>& parts, std::size_t count)
+{
+    CString name;
+    for (std::size_t i = count; i-- > 0;)
+        name.append(name.empty() ? "" : "-").append(parts[i]);
+    return name.empty() ? "_" : toXmlText(name);
+}
+
+} // namespace
+
+std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
+{
+    struct Row
+    {
+        std::vector<std::string_view> parts;
+        std::size_t count = 0;
+    };
+    std::vector<CString> names(spaces.size());
+    std::vector<Row> rows(spaces.size()); // without parts where the name is given
+    for (std::size_t i = 1; i < spaces.size(); ++i) {
+        names[i] = spaces[i].folder;
+        if (!names[i].empty())
+            continue;
+        rows[i].parts = partsOf(spaces[i].uri);
+        rows[i].count = countLast(rows[i].parts);
+        names[i] = joinLast(rows[i].parts, rows[i].count);
+    }
+    // All that share a name take one part more, as long as one of them has any.
+    for (bool isLonger = true; isLonger;) {
+        std::map<CString, std::vector<std::size_t>> users;
+        for (std::size_t i = 0; i < names.size(); ++i)
+            users[names[i]].push_back(i);
+        isLonger = false;
+        for (const auto& [name, sharing] : users)
+            for (const std::size_t i : sharing)
+                if (sharing.size() > 1 && rows[i].count < rows[i].parts.size()) {
+                    names[i] = joinLast(rows[i].parts, ++rows[i].count);
+                    isLonger = true;
+                }
+    }
+    std::set<CString> taken;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (i == 0 || !spaces[i].folder.empty())
+            taken.insert(names[i]);
+    for (std::size_t i = 1; i < names.size(); ++i)
+        if (const CString plain = names[i]; spaces[i].folder.empty())
+            for (int number = 2; !taken.insert(names[i]).second; ++number)
+                names[i] = plain + "_" + std::to_string(number);
+    return names;
+}

@@ -1,0 +1,166 @@
+#include "Import/Dtd/DTDFullMsg.h"
+#include "Import/Schema/Full/SchemaFullMsg.h"
+#include "support/Importing.h"
+
+#include <algorithm>
+
+namespace {
+
+using Files = std::vector<std::pair<const char*, CString>>;
+
+// A schema of the namespace urn:NAME, whose prefix is NAME; "" has none.
+CString schema(const CString& name, const CString& content)
+{
+    CString tag = "<schema xmlns='http://www.w3.org/2001/XMLSchema'";
+    if (name != "p")
+        tag += " xmlns:p='urn:p'";
+    if (!name.empty())
+        tag += " targetNamespace='urn:" + name + "' xmlns:" + name + "='urn:" + name + "'";
+    return tag + ">" + content + "</schema>";
+}
+
+CString element(const CString& name, const CString& fields)
+{
+    return "<element name='" + name + "'><complexType><sequence>" + fields + "</sequence></complexType></element>";
+}
+
+const CString kParts = schema("p", "<complexType name='T'><sequence><element name='v' type='string' "
+                                   "maxOccurs='9'/></sequence></complexType>");
+const CString kImport = "<import namespace='urn:p' schemaLocation='p'/>";
+const CString kField = "<element name='f' type='p:T'/>";
+
+struct Row
+{
+    const char* name;
+    std::vector<const char*> sources;
+    CString types; // the frame, then the full names
+    std::vector<CString> roots = {};
+    FullMessage::Layout layout = FullMessage::Layout::automatic;
+};
+
+// Every file is a source at one time, and a document that another one names at another.
+const Files kFiles = {
+    {"a", schema("a", kImport + element("D", kField))},
+    {"b", schema("b", kImport + element("D", kField + "<element name='g' type='int'/>"))},
+    {"p", kParts},
+    {"n", schema("", "<include schemaLocation='m'/>" + element("N", "<element name='k' type='string'/>"))},
+    {"m", schema("", "<include schemaLocation='n'/>" + element("M", "<element name='h' type='string'/>"))},
+    {"c", schema("c", "<include schemaLocation='m'/>" + element("C", "<element ref='c:M'/>"))},
+};
+
+const Row kSchemas[] = {
+    {"SharedTypesAreOne", {"a", "b"}, R"(D: \p\t_v \p\T \a\D \b\D)"},
+    {"ANamedDocumentIsNoSource", {"p", "b", "a", "a"}, R"(D: \p\t_v \p\T \b\D \a\D)"},
+    {"OfThoseThatNameEachOtherTheFirstIsOne", {"m", "n"}, R"(M: \M)"},
+    {"WithoutNamespaceTypesLieInTheBasePath", {"n", "a"}, R"(N: \p\t_v \N \p\T \a\D)"},
+    {"ANamespaceOfTheIncluder", {"m", "c"}, R"(C: \c\M \c\C)"},
+    {"ByMainTypeNamesGiveWay", {"a", "b"}, R"(D: \D\t_v \D\T \D\D \D\D_2)", {}, FullMessage::Layout::byMainType},
+    {"OneByNamespace", {"a"}, R"(D: \p\t_v \p\T \a\D)", {}, FullMessage::Layout::byNamespace},
+    {"ARootByItsPrefix", {"a", "b"}, R"(D: \p\t_v \p\T \b\D)", {"b:D"}},
+    {"ARootByItsUri", {"a", "b"}, R"(D: \p\t_v \p\T \a\D)", {"{urn:a}D"}},
+    {"ATypeAsRoot", {"a"}, R"(T: \T\t_v \T\T)", {"T"}},
+    {"SeveralRoots", {"a", "b"}, R"(D: \p\t_v \p\T \b\D \a\D)", {"b:D", "a:D"}},
+};
+
+template <class Message>
+class Sets : public Importing<Message>
+{
+protected:
+    CString namesOf(const Files& files, const Row& row)
+    {
+        for (const auto& [name, bytes] : files)
+            this->folder.write(name, bytes);
+        std::vector<CString> sources;
+        for (const char* source : row.sources)
+            sources.push_back(this->folder.path(source));
+        Message message;
+        message.setFurtherFiles({sources.begin() + 1, sources.end()});
+        message.setRoots(row.roots);
+        message.setLayout(row.layout);
+        EXPECT_EQ(message.parseFile(sources.front(), "\\"), 1) << row.name;
+        CString names = message.queryMainTypeName() + ":";
+        message.beginEnum();
+        while (const Element* type = message.enumNext())
+            names += " " + type->queryPath() + type->queryName();
+        return names;
+    }
+};
+
+using SchemaSets = Sets<SchemaFullMessage>;
+using DtdSets = Sets<DTDFullMessage>;
+
+TEST_F(SchemaSets, AreOneImport)
+{
+    for (const Row& row : kSchemas)
+        EXPECT_EQ(namesOf(kFiles, row), row.types) << row.name;
+}
+
+TEST_F(SchemaSets, AmbiguousRootIsRefusedWithItsCandidates)
+{
+    for (const auto& [name, bytes] : kFiles)
+        folder.write(name, bytes);
+    message.setFurtherFiles({folder.path("b")});
+    const std::pair<CString, CString> roots[] = {
+        {"D", "There are several elements called D: {urn:a}D, {urn:b}D."},
+        {"x:D", "There is no prefix called x."},
+        {"{urn:x}D", "There is no element called {urn:x}D."},
+    };
+    for (const auto& [root, words] : roots) {
+        message.setRoot(root);
+        EXPECT_EQ(message.parseFile(folder.path("a"), "\\"), 0) << root;
+        EXPECT_THAT(boxes.take(), testing::ElementsAre(words)) << root;
+    }
+}
+
+// The folder of a namespace is the end of its URI, as much as tells it from the others.
+TEST_F(SchemaSets, FoldersAreNamedByTheirUris)
+{
+    using Names = std::vector<CString>; // in the order of their bytes
+    const std::pair<Names, Names> rows[] = {
+        {{"urn:iso:std:iso:20022:tech:xsd:pacs.008.001.08"}, {"pacs.008.001.08"}},
+        {{"http://www.opengis.net/gml/3.2", "http://www.opengis.net/gml"}, {"gml", "gml-3.2"}},
+        {{"http://www.w3.org/2000/09/xmldsig#"}, {"xmldsig"}},
+        {{"http://x/a/types", "http://x/b/types", "http://x/b/types/"},
+         {"a-types", "http-x-b-types", "http-x-b-types_2"}},
+        {{"1", ":"}, {"1", "_"}},
+        {{"urn:set", "urn:x:mine", "urn:y"}, {"mine", "x-mine", "y"}},
+    };
+    for (const auto& [uris, names] : rows) {
+        message.setFolder("urn:set", "mine");
+        Names files;
+        for (const CString& uri : uris)
+            files.push_back(folder.write(std::to_string(files.size()),
+                                         "<schema xmlns='http://www.w3.org/2001/XMLSchema' targetNamespace='" + uri +
+                                             "'>" + element("E", "<element name='v' type='string'/>") + "</schema>"));
+        message.setLayout(FullMessage::Layout::byNamespace);
+        message.setFurtherFiles({files.begin() + 1, files.end()});
+        EXPECT_EQ(message.parseFile(files.front(), ""), 1);
+        Names found;
+        message.beginEnum();
+        while (const Element* type = message.enumNext())
+            found.push_back(type->queryPath().substr(0, type->queryPath().size() - 1));
+        std::ranges::sort(found);
+        EXPECT_EQ(found, names);
+    }
+}
+
+TEST_F(DtdSets, AreOneImport)
+{
+    const Files files = {
+        {"a", "<!ENTITY % m SYSTEM 'm'>%m;<!ELEMENT A (X, Y)>"},
+        {"b", "<!ENTITY % m SYSTEM 'm'>%m;<!ELEMENT B (Y)>"},
+        {"c", "<!ENTITY % b SYSTEM 'b'>%b;<!ELEMENT C (B, Y)>"},
+        {"m", "<!ELEMENT X EMPTY>\n<!ELEMENT Y (X)><!ATTLIST Y v CDATA #IMPLIED>"},
+    };
+    const Row rows[] = {
+        {"SharedModules", {"a", "b"}, R"(A: \Y \A \B)"},
+        {"ANamedDtdIsNoSource", {"b", "c"}, R"(C: \Y \B \C)"},
+        {"SeveralRoots", {"a", "c"}, R"(B: \Y \B \A)", {"B", "A"}},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(namesOf(files, row), row.types) << row.name;
+        EXPECT_EQ(message.queryReport().countsInWords(SourceReport::loss).size(), 0u);
+    }
+}
+
+} // namespace
