@@ -14,13 +14,18 @@ struct Source : MainWindow
     Source()
     {
         ::setenv("ODBCINI", "/dev/null", 1);
-        if (!database.Open("Driver=" FUZZ_DRIVER ";"))
-            std::abort();
+        DriverProcess::useThreads();
+        open();
         void* const driver = ::dlopen(FUZZ_DRIVER, RTLD_NOW); // which is loaded
         answer = reinterpret_cast<void (*)(const char*, std::size_t)>(::dlsym(driver, "setAnswers"));
         setMainWindow(this);
     }
     CDatabase* queryDatabase() override { return &database; }
+    void open()
+    {
+        if (!database.Open("Driver=" FUZZ_DRIVER ";"))
+            std::abort();
+    }
 
     CDatabase database;
     void (*answer)(const char*, std::size_t) = nullptr;
@@ -41,6 +46,10 @@ CString tableNames(CDatabase& database)
 void fuzz(std::string_view input)
 {
     static Source source;
+    if (!source.database.IsOpen()) { // the input before has lost the connection
+        source.answer("", 0);
+        source.open();
+    }
     source.answer(input.data(), input.size());
     try {
         ODBCMessage importer;

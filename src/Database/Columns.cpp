@@ -1,7 +1,5 @@
 #include "Database/Columns.h"
 
-#include "Database/Tables.h"
-
 #include <sql.h>
 #include <sqlext.h>
 
@@ -62,17 +60,17 @@ std::set<CString> CColumns::qualifiersOf(const char* table)
 // MariaDB's, which has databases as qualifiers and no owners, in the current one, and takes no pattern.
 int CColumns::Open(const char* qualifier, const char* owner, const char* table, const char* column, UINT type)
 {
-    const CDatabase* const database = queryDatabase();
-    const bool hasOwners = database && database->hasOwners();
-    const bool hasQualifiersAlone = database && !hasOwners && database->queryInfo(SQL_QUALIFIER_USAGE) != 0;
-    std::vector<Arguments> calls;
-    if (!qualifier && table && hasQualifiersAlone)
+    const Arguments asked = {argument(qualifier), argument(owner), argument(table), argument(column)};
+    const int isOpen = openCatalogue(SQL_API_SQLCOLUMNS, {asked}, type);
+    if (!isOpen || !IsEOF() || qualifier || owner || !table)
+        return isOpen;
+    std::vector<Arguments> elsewhere;
+    if (queryDatabase()->hasOwners())
+        elsewhere.push_back({asked[0], "%", asked[2], asked[3]});
+    else if (queryDatabase()->hasQualifiers())
         for (const CString& each : qualifiersOf(table))
-            calls.push_back({each, argument(owner), argument(table), argument(column)});
-    else
-        calls.push_back(
-            {argument(qualifier), argument(owner || !hasOwners ? owner : "%"), argument(table), argument(column)});
-    return openCatalogue({SQL_API_SQLCOLUMNS, "SQLColumns", SQLColumns}, std::move(calls), type);
+            elsewhere.push_back({each, asked[1], asked[2], asked[3]});
+    return elsewhere.empty() ? isOpen : openCatalogue(SQL_API_SQLCOLUMNS, elsewhere, type);
 }
 
 void CColumns::DoFieldExchange(CFieldExchange& exchange)

@@ -2,6 +2,7 @@
 
 #include "Base/Text.h"
 #include "Database/Recordset.h"
+#include "Database/Tables.h"
 
 #include <set>
 #include <utility>
@@ -13,10 +14,14 @@ class CColumns : public CRecordset
 public:
     explicit CColumns(CDatabase* openOn) : CRecordset(openOn) {}
 
-    /// Each text is a name, or null for any; table and column name are patterns, in which "_" stands for a character
-    /// and "%" for any text. 1 when open, 0 when the driver can't list columns; errors are raised. For many
-    /// tables use one object: in which databases a server has which tables is asked but once then.
+    /// Each text is a name, or null if it isn't given; table and column name are patterns, in which "_" stands for a
+    /// character and "%" for any text. Without qualifier and owner the driver decides where it looks; if it finds
+    /// nothing there, the columns of any owner and qualifier are listed. 1 when open, 0 when the driver can't list
+    /// columns; errors are raised. For many tables use one object: it remembers in which databases a server has which
+    /// tables.
     int Open(const char* qualifier, const char* owner, const char* table, const char* column, UINT type = snapshot);
+
+    TableName queryTable() const { return {tableQualifier, tableOwner, tableName}; } ///< of the current row
 
     CString tableQualifier;
     CString tableOwner;

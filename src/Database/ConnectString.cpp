@@ -1,58 +1,21 @@
 #include "Database/ConnectString.h"
 
+#include "Database/ConnectSettings.h"
 #include "Database/DBException.h"
 #include "Database/DataSources.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <odbcinst.h>
 #include <pwd.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
-// MariaDB's driver takes the login timeout from the connection string alone; others pass over words they don't know.
-constexpr std::string_view kTimeLimits = "CONN_TIMEOUT=15;";
-
 // SQLite's, in milliseconds. While another program has the database locked, opening it takes three times as long.
 constexpr std::string_view kLockTimeout = "Timeout=3400;";
-
-// The modes of libpq. A word that is none of them is no TLS at all to PostgreSQL's driver.
-constexpr std::string_view kTlsModes[] = {"disable", "allow", "prefer", "require", "verify-ca", "verify-full"};
-
-// Where a value that may stand in braces, in which a brace of its own is doubled, can end at the earliest.
-std::size_t endOfBraces(std::string_view text)
-{
-    std::size_t at = text.starts_with('{') ? text.find('}') : 0;
-    while (at != text.npos && at > 0 && text.substr(at + 1).starts_with('}'))
-        at = text.find('}', at + 2);
-    return at;
-}
-
-// A word of a connection string as it stands there, with what it says and the semicolon, and its value alone.
-struct Word
-{
-    std::string_view whole, value;
-};
-
-// The first word of that name; an empty one where there is none.
-Word wordOf(std::string_view connection, std::string_view name)
-{
-    while (!connection.empty()) {
-        const std::size_t start = std::min(connection.find('='), connection.size() - 1) + 1;
-        const std::string_view rest = connection.substr(start);
-        const std::size_t length = std::min(rest.find(';', endOfBraces(rest)), rest.size());
-        const std::string_view whole = connection.substr(0, start + length + 1);
-        if (isSameAscii(trimmed(connection.substr(0, start - 1)), name))
-            return {whole, rest.substr(0, length)};
-        connection.remove_prefix(whole.size());
-    }
-    return {};
-}
 
 // Braces keep what a driver would decode or end the value at; a brace within is doubled.
 void appendBraced(CString& out, const CString& value)
@@ -66,56 +29,6 @@ void appendBraced(CString& out, const CString& value)
 bool isPlain(const CString& value)
 {
     return std::ranges::all_of(value, [](unsigned char c) { return c < 128 && std::isalnum(c); });
-}
-
-CString withoutBraces(std::string_view value)
-{
-    value = trimmed(value);
-    if (!value.starts_with('{') || endOfBraces(value) + 1 != value.size())
-        return CString(value);
-    CString text(value.substr(1, value.size() - 2));
-    for (std::size_t at = 0; (at = text.find("}}", at)) != text.npos; ++at)
-        text.erase(at, 1);
-    return text;
-}
-
-CString profileText(const CString& section, const char* entry, const char* file)
-{
-    std::array<char, 1024> value = {};
-    SQLGetPrivateProfileString(section.c_str(), entry, "", value.data(), int{value.size()}, file);
-    return value.data();
-}
-
-// What a source says of itself, in the connection string or in the data source that it names; "" for nothing.
-CString settingOf(const CString& connection, const char* word)
-{
-    const CString own = withoutBraces(wordOf(connection, word).value);
-    const CString name = withoutBraces(wordOf(connection, "DSN").value);
-    return !own.empty() || name.empty() ? own : profileText(name, word, "odbc.ini");
-}
-
-// A source's driver is named, or its library is; `part` is one of its name or its library's.
-bool hasDriver(const CString& connection, std::initializer_list<const char*> parts)
-{
-    const CString name = settingOf(connection, "Driver");
-    const CString both = lowerAscii(name + "\n" + profileText(name, "Driver", "odbcinst.ini"));
-    return std::ranges::any_of(parts, [&both](const char* part) { return both.find(part) != both.npos; });
-}
-
-// The strictest is for drivers that may know the word and aren't known here.
-CString tlsMode(const CString& connection)
-{
-    const char* const mode = std::getenv("PGSSLMODE");
-    if (!mode)
-        return "prefer";
-    if (std::ranges::find(kTlsModes, mode) != std::end(kTlsModes))
-        return mode;
-    if (!hasDriver(connection, {"postgres", "psqlodbc"}))
-        return "verify-full";
-    CString modes;
-    for (const std::string_view each : kTlsModes)
-        modes.append(modes.empty() ? "" : ", ").append(each);
-    throw CDBException("S1009", 0, CString("The variable PGSSLMODE is \"") + mode + "\", and none of " + modes);
 }
 
 // The user's file of data sources where the driver manager passes over it, since it can't append to it; else "". The
@@ -177,11 +90,10 @@ CString dataSourceText(const CString& name)
     return "DSN=" + name + ";";
 }
 
-CString connectionWords(const CString& connection, bool onlyReading)
+// MariaDB's driver takes the login timeout from the connection string alone; others pass over words they don't know.
+CString connectionWords(const CString& connection, bool onlyReading, std::chrono::seconds loginPatience)
 {
-    CString words(kTimeLimits);
-    if (settingOf(connection, "SSLmode").empty()) // where there is a choice, the source's own is the one that counts
-        words += "SSLmode=" + tlsMode(connection) + ";";
+    CString words = "CONN_TIMEOUT=" + std::to_string(loginPatience.count()) + ";";
     if (onlyReading)
         words += "NoCreat=1;"; // SQLite's
     if (onlyReading && hasDriver(connection, {"sqlite"}) && settingOf(connection, "Timeout").empty())
@@ -193,10 +105,15 @@ CString connectionWords(const CString& connection, bool onlyReading)
 CString plainConnection(const CString& connection)
 {
     CString source, rest = connection;
-    for (Word word; !(word = wordOf(rest, "DSN")).whole.empty();) {
+    for (ConnectWord word; !(word = wordOf(rest, "DSN")).whole.empty();) {
         if (source.empty() && !trimmed(word.value).empty())
             source = dataSourceText(withoutBraces(word.value));
         rest.erase(static_cast<std::size_t>(word.whole.data() - rest.data()), word.whole.size());
     }
     return source + rest;
+}
+
+CString dataSourceOf(const CString& connection)
+{
+    return withoutBraces(wordOf(connection, "DSN").value);
 }

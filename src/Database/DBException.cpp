@@ -43,8 +43,8 @@ CString withoutNames(std::string_view text)
 
 } // namespace
 
-CDBException::CDBException(const CString& sqlState, int native, const CString& text) :
-    std::runtime_error(text + " (SQLSTATE " + sqlState + ")"), state(sqlState), nativeError(native)
+CDBException::CDBException(const CString& sqlState, int native, const CString& words) :
+    std::runtime_error(words + " (SQLSTATE " + sqlState + ")"), state(sqlState), text(words), nativeError(native)
 {}
 
 bool CDBException::isLogonRefused() const

@@ -14,6 +14,9 @@ public:
     /// The five characters of the SQLSTATE; those of ODBC 2 where the versions differ (S1000, not HY000).
     const CString& queryState() const { return state; }
 
+    /// What was said, without the SQLSTATE.
+    const CString& queryText() const { return text; }
+
     /// The database's own number of the error, 0 where it has none.
     int queryNativeError() const { return nativeError; }
 
@@ -27,6 +30,7 @@ public:
 
 private:
     CString state;
+    CString text;
     int nativeError;
 };
 

@@ -1,7 +1,5 @@
 #include "Database/Handles.h"
 
-#include "Database/DriverLog.h"
-
 #include <sql.h>
 #include <sqlext.h>
 
@@ -14,13 +12,11 @@ void FreeConnection::operator()(void* connection) const noexcept
 {
     SQLDisconnect(connection);
     SQLFreeHandle(SQL_HANDLE_DBC, connection);
-    removeDriverLog();
 }
 
 void FreeStatement::operator()(void* statement) const noexcept
 {
-    if (!database || !database->isGivenUp)
-        SQLFreeHandle(SQL_HANDLE_STMT, statement);
+    SQLFreeHandle(SQL_HANDLE_STMT, statement);
 }
 
 EnvironmentHandle allocateEnvironment()

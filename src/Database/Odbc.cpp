@@ -1,40 +1,17 @@
 #include "Database/Odbc.h"
 
-#include "Base/Progress.h"
 #include "Base/Secret.h"
 #include "Database/ConnectString.h"
+#include "Database/DriverHost.h"
+#include "Database/DriverMessage.h"
+#include "Database/TlsMode.h"
 
-#include <sql.h>
-#include <sqlext.h>
-
-#include <array>
+#include <new>
+#include <vector>
 
 namespace {
 
-constexpr SQLULEN kLoginTimeout = 15; // seconds
 constexpr std::string_view kFrameworkPrefix = "ODBC;";
-
-// The calls take unsigned characters that they don't change.
-SQLCHAR* sqlText(const CString& text)
-{
-    return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str()));
-}
-
-SQLPOINTER numberAttribute(SQLULEN value)
-{
-    return reinterpret_cast<SQLPOINTER>(value);
-}
-
-ConnectionHandle allocateConnection(void* environment, CDatabase::Access access)
-{
-    SQLHANDLE raw = SQL_NULL_HANDLE;
-    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment, &raw)))
-        return {};
-    SQLSetConnectAttr(raw, SQL_ATTR_LOGIN_TIMEOUT, numberAttribute(kLoginTimeout), SQL_IS_UINTEGER);
-    if (access == CDatabase::readOnly)
-        SQLSetConnectAttr(raw, SQL_ATTR_ACCESS_MODE, numberAttribute(SQL_MODE_READ_ONLY), SQL_IS_UINTEGER);
-    return ConnectionHandle(raw);
-}
 
 CString sourceText(const CString& source)
 {
@@ -43,11 +20,13 @@ CString sourceText(const CString& source)
     return plainConnection(source.starts_with(kFrameworkPrefix) ? source.substr(kFrameworkPrefix.size()) : source);
 }
 
-void buildConnectString(CString& out, const CString& source, CDatabase::Access access, const CString& logon)
+// Without the words for TLS, for which room is left.
+void buildConnectString(CString& out, const CString& source, CDatabase::Access access, const CString& logon,
+                        std::chrono::seconds loginPatience)
 {
     Secret own(sourceText(source)); // it may hold a password of its own
-    const CString words = connectionWords(own.text, access == CDatabase::readOnly);
-    out.reserve(own.text.size() + logon.size() + words.size() + sizeof ";"); // no growth: it would leave copies
+    const CString words = connectionWords(own.text, access == CDatabase::readOnly, loginPatience);
+    out.reserve(own.text.size() + logon.size() + words.size() + 100); // no growth: it would leave copies
     out += own.text;
     if (!out.ends_with(';'))
         out += ';';
@@ -55,48 +34,11 @@ void buildConnectString(CString& out, const CString& source, CDatabase::Access a
     out += words;
 }
 
-// An attempt to connect, which may outlive the patience for it.
-struct Attempt
+[[noreturn]] void raise(MessageReader& answer)
 {
-    std::shared_ptr<DatabaseHandles> handles;
-    Secret connect;
-    bool connected = false;
-
-    void run()
-    {
-        const MemoryWipe wipe; // this thread's memory holds the password too
-        const SQLRETURN result = SQLDriverConnect(handles->connection.get(), nullptr, sqlText(connect.text), SQL_NTS,
-                                                  nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
-        connected = SQL_SUCCEEDED(result);
-        if (!connected && result != SQL_NO_DATA)
-            CDBException::raise(SQL_HANDLE_DBC, handles->connection.get());
-    }
-};
-
-bool isSqlite(void* connection)
-{
-    std::array<SQLCHAR, 32> name = {};
-    SQLGetInfo(connection, SQL_DBMS_NAME, name.data(), SQLSMALLINT(name.size()), nullptr);
-    return std::string_view(reinterpret_cast<const char*>(name.data())) == "SQLite";
-}
-
-// SQLite's driver opens any file and lists no tables in one that is no database. To read something tells.
-void lookInto(CDatabase& database)
-{
-    try {
-        database.ExecuteSQL("PRAGMA schema_version");
-    } catch (...) {
-        database.Close();
-        throw;
-    }
-}
-
-[[noreturn]] void raiseSilence(std::chrono::milliseconds patience)
-{
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience).count();
-    throw CDBException("HYT00", 0,
-                       "The database has not answered for " + std::to_string(seconds) +
-                           " seconds; the connection has been given up");
+    const CString state(answer.text());
+    const std::int32_t native = answer.number();
+    throw CDBException(state, native, CString(answer.text()));
 }
 
 } // namespace
@@ -104,81 +46,91 @@ void lookInto(CDatabase& database)
 bool CDatabase::Open(const CString& source, Access access, const CString& logon)
 {
     Close();
-    const MemoryWipe wipe;
-    const auto attempt = std::make_shared<Attempt>();
-    attempt->handles = std::make_shared<DatabaseHandles>();
-    attempt->handles->environment = allocateEnvironment();
-    if (attempt->handles->environment)
-        attempt->handles->connection = allocateConnection(attempt->handles->environment.get(), access);
-    if (!attempt->handles->connection)
+    Secret words;
+    buildConnectString(words.text, source, access, logon, loginPatience);
+    const std::vector<TlsAttempt> attempts = tlsAttempts(words.text);
+    try {
+        return connect(words.text, access, attempts.front());
+    } catch (const CDBException& error) {
+        if (attempts.size() == 1 || !attempts[1].mayHelp(error))
+            throw;
+        if (attempts[1].isProbe) {
+            if (canConnect(words.text, access, attempts[1]))
+                throw CDBException("08004", 0,
+                                   "The server takes this user over TLS alone, which the data source turns off");
+            throw;
+        }
+    }
+    return connect(words.text, access, attempts[1]);
+}
+
+bool CDatabase::connect(const CString& words, Access access, const TlsAttempt& attempt)
+{
+    Secret request(startRequest(DriverRequest::open));
+    request.text.reserve(words.size() + attempt.words.size() + 100); // no growth: it would leave copies
+    putNumber(request.text, access == readOnly);
+    putNumber(request.text, static_cast<std::int32_t>(loginPatience.count()));
+    putText(request.text, Secret(words + attempt.words).text);
+    process = std::make_unique<DriverProcess>(dataSourceOf(words));
+    try {
+        const CString answer = call(request.text);
+        MessageReader reader(answer);
+        const bool isOpen = reader.number() != 0;
+        ownerUsage = reader.number();
+        qualifierUsage = reader.number();
+        if (!isOpen)
+            Close();
+        return isOpen;
+    } catch (...) {
+        Close();
+        throw;
+    }
+}
+
+bool CDatabase::canConnect(const CString& words, Access access, const TlsAttempt& attempt)
+{
+    try {
+        const bool isOpen = connect(words, access, attempt);
+        Close();
+        return isOpen;
+    } catch (const CDBException&) {
         return false;
-    buildConnectString(attempt->connect.text, source, access, logon);
-    callDriver([attempt] { attempt->run(); });
-    if (!attempt->connected)
-        return false;
-    handles = attempt->handles;
-    if (access == readOnly && isSqlite(handle()))
-        lookInto(*this);
-    return true;
+    }
 }
 
 void CDatabase::Close()
 {
-    if (!handles)
-        return;
-    const MemoryWipe wipe; // the driver has kept the password up to here
-    handles.reset();
+    process.reset();
 }
 
-void CDatabase::wait(std::function<void()> call)
+CString CDatabase::call(std::string_view request)
 {
-    if (!handles)
+    if (!process)
         throw CDBException("08003", 0, "The connection to the database is gone");
-    callDriver(std::move(call));
-}
-
-void CDatabase::callDriver(std::function<void()> call)
-{
-    const DriverThread::End end = driver.run(patience, std::move(call));
-    if (end == DriverThread::End::back)
-        return;
-    if (handles)
-        handles->isGivenUp = true;
-    handles.reset(); // the call has them
-    if (end == DriverThread::End::unwanted)
-        throw Cancelled();
-    raiseSilence(patience);
-}
-
-OpenStatement CDatabase::allocateStatement() const
-{
-    SQLHANDLE raw = SQL_NULL_HANDLE;
-    if (!handles || !SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, handle(), &raw)))
-        raw = SQL_NULL_HANDLE;
-    return {handles, StatementHandle(raw, FreeStatement{handles.get()})};
-}
-
-unsigned CDatabase::queryInfo(unsigned short question) const
-{
-    SQLUINTEGER answer = 0;
-    if (!handles || !SQL_SUCCEEDED(SQLGetInfo(handle(), question, &answer, sizeof answer, nullptr)))
-        return 0;
-    return answer;
-}
-
-bool CDatabase::hasOwners() const
-{
-    return queryInfo(SQL_OWNER_USAGE) != 0;
+    CString answer;
+    try {
+        answer = process->call(request, patience);
+    } catch (...) {
+        Close(); // a late answer would be taken for that of the next request
+        throw;
+    }
+    MessageReader reader(answer);
+    switch (static_cast<DriverOutcome>(reader.number())) {
+    case DriverOutcome::done:
+        return answer.erase(0, answer.size() - reader.size());
+    case DriverOutcome::noMemory:
+        throw std::bad_alloc();
+    case DriverOutcome::raised:
+        if (reader.number() != 0)
+            Close();
+        raise(reader);
+    }
+    throw CDBException("S1000", 0, "The process of the driver has sent an unknown answer");
 }
 
 void CDatabase::ExecuteSQL(const CString& sql)
 {
-    const auto statement = std::make_shared<OpenStatement>(allocateStatement());
-    wait([statement, sql] {
-        if (!*statement)
-            CDBException::raise(SQL_HANDLE_DBC, statement->database->connection.get());
-        const SQLRETURN result = SQLExecDirect(statement->handle.get(), sqlText(sql), SQL_NTS);
-        if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
-            CDBException::raise(SQL_HANDLE_STMT, statement->handle.get());
-    });
+    CString request = startRequest(DriverRequest::execute);
+    putText(request, sql);
+    call(request);
 }

@@ -2,16 +2,18 @@
 
 #include "Base/Text.h"
 #include "Database/DBException.h"
-#include "Database/DriverThread.h"
-#include "Database/Handles.h"
+#include "Database/DriverProcess.h"
 
 #include <chrono>
-#include <functional>
+#include <memory>
+#include <string_view>
+
+struct TlsAttempt;
 
 // ODBC over the driver manager unixODBC, whose headers stay inside this folder's sources. Names and texts go both ways
 // as UTF-8, by the narrow calls: drivers lose names of the wide ones.
 
-/// One open connection to a data source.
+/// One open connection to a data source. Its driver works in a process of its own.
 class CDatabase
 {
 public:
@@ -28,40 +30,39 @@ public:
 
     /// Opens a data source by its name, or by a whole connection string when `source` holds a '='. `logon` is added to
     /// it, see logonText(). A driver that fails raises CDBException; false is left for a connection that can't even be
-    /// tried. The driver asks nobody anything; a server that is silent for 15 seconds counts as failed.
+    /// tried. The driver asks nobody anything; a server that is silent for `loginPatience` counts as failed.
     bool Open(const CString& source, Access access = readOnly, const CString& logon = {});
 
     /// Disconnects, and leaves nothing in memory of what the driver knew. Does nothing when not open.
     void Close();
 
-    bool IsOpen() const { return handles != nullptr; }
+    bool IsOpen() const { return process != nullptr; }
 
     /// Runs one statement without parameters and leaves its result aside. Raises CDBException.
     void ExecuteSQL(const CString& sql);
 
-    /// Runs a call of the driver that may wait for the server. When it is not back after `patience`, the connection is
-    /// given up, as if closed, and CDBException raised; `call` then goes on for itself, so it owns all that it touches.
-    /// The same when it isn't wanted any more (isStillWanted()); then Cancelled is raised.
-    void wait(std::function<void()> call);
+    /// Sends a request to the driver's process and returns what its answer holds, see DriverRequest. Raises
+    /// CDBException: also when there is no answer after `patience`, the driver has crashed or the server has gone. The
+    /// connection is closed then. The same if the answer isn't wanted any more (isStillWanted()); then Cancelled is
+    /// raised.
+    CString call(std::string_view request);
 
-    /// The connection for calls of ODBC; null when not open.
-    void* handle() const { return handles ? handles->connection.get() : nullptr; }
+    /// Whether tables have owners there, which most databases call schemas; and whether they have qualifiers, which are
+    /// databases or files.
+    bool hasOwners() const { return ownerUsage != 0; }
+    bool hasQualifiers() const { return qualifierUsage != 0; }
 
-    /// A new statement, empty when there is none to give.
-    OpenStatement allocateStatement() const;
-
-    /// A number that the driver tells of itself, by ODBC's code of the question; 0 when it doesn't.
-    unsigned queryInfo(unsigned short question) const;
-
-    /// Whether tables have owners there, which most databases call schemas.
-    bool hasOwners() const;
+    /// How long a server may take to answer a logon.
+    std::chrono::seconds loginPatience{15};
 
     /// How long any one statement may take.
     std::chrono::milliseconds patience = std::chrono::seconds(60);
 
 private:
-    void callDriver(std::function<void()> call);
+    bool connect(const CString& words, Access access, const TlsAttempt& attempt);
+    bool canConnect(const CString& words, Access access, const TlsAttempt& attempt);
 
-    DriverThread driver;
-    std::shared_ptr<DatabaseHandles> handles; // below the driver's thread, which ends when they have gone
+    std::unique_ptr<DriverProcess> process; // null when not open
+    std::int32_t ownerUsage = 0;            // in which statements the driver takes owners, as ODBC numbers them
+    std::int32_t qualifierUsage = 0;
 };

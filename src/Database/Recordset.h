@@ -4,8 +4,8 @@
 #include "Database/Odbc.h"
 
 #include <array>
-#include <memory>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 /// Where a recordset names its members, in the order of the result's columns. Texts are cut at 255 bytes, between two
@@ -13,27 +13,21 @@
 class CFieldExchange
 {
 public:
-    static constexpr std::size_t kTextWidth = 255;
+    void text(CString& member) { fields.push_back({&member, nullptr}); }
+    void number(LONG& member) { fields.push_back({nullptr, &member}); }
 
-    void text(CString& member) { add(&member, nullptr); }
-    void number(LONG& member) { add(nullptr, &member); }
+    /// A letter for each column: t for a text, n for a number.
+    CString shape() const;
+
+    /// Puts the first of these rows into the members and returns how many bytes it takes.
+    std::size_t load(std::string_view rows) const;
 
 private:
-    friend class CRecordset;
-
     struct Field
     {
         CString* text;
         LONG* number;
-        long indicator;                          // the value's length, or that it is null; set by each fetch
-        std::array<char, kTextWidth + 1> buffer; // of the column, for either kind
     };
-
-    void add(CString* text, LONG* number) { fields.push_back({text, number, 0, {}}); }
-    void bind(void* statement);
-    void clear();
-    void store(CString& packed) const;
-    void load(std::string_view packed) const;
 
     std::vector<Field> fields;
 };
@@ -49,10 +43,10 @@ public:
     CRecordset(const CRecordset&) = delete;
     CRecordset& operator=(const CRecordset&) = delete;
 
-    /// Forgets the rows and frees the statement; the members keep their last values.
+    /// Forgets the rows; the members keep their last values.
     void Close();
 
-    bool IsOpen() const { return result != nullptr; }
+    bool IsOpen() const { return rows.has_value(); }
     bool IsBOF() const { return beginOfFile; }
     bool IsEOF() const { return endOfFile; } ///< also true for a recordset that is not open
     UINT queryOpenType() const { return openType; }
@@ -68,34 +62,24 @@ protected:
     /// Names the members, in the order of the result's columns.
     virtual void DoFieldExchange(CFieldExchange& exchange) = 0;
 
-    /// A catalogue function of ODBC with the number by which a driver is asked whether it has it.
-    struct Catalogue
-    {
-        unsigned short function;
-        const char* name;
-        short (*call)(void*, unsigned char*, short, unsigned char*, short, unsigned char*, short, unsigned char*,
-                      short);
-    };
     using Argument = std::optional<CString>;
     using Arguments = std::array<Argument, 4>;
 
     static Argument argument(const char* text) { return text ? Argument(text) : Argument(); }
 
-    /// Runs it once for each of `calls`, with four texts or nulls, reads all rows and goes to the first. 0 when the
-    /// driver lacks the function or has no statement to give.
-    int openCatalogue(const Catalogue& catalogue, std::vector<Arguments> calls, UINT type);
+    /// Runs the catalogue function of ODBC's number once for each of `calls`, with four texts or nulls, reads all rows
+    /// and goes to the first. 0 when the driver lacks the function or has no statement to give.
+    int openCatalogue(unsigned short function, const std::vector<Arguments>& calls, UINT type);
 
     CDatabase* queryDatabase() const { return database; }
 
 private:
-    struct Result;
-
-    bool isSupported(const Catalogue& catalogue) const;
     void moveTo(std::size_t row);
 
     CDatabase* database;
-    std::shared_ptr<Result> result; // null when not open
-    std::size_t position = 0;
+    CFieldExchange fields;
+    std::optional<CString> rows; // packed one behind the other; none when not open
+    std::size_t next = 0;        // where the row behind the current one starts
     UINT openType = snapshot;
     bool beginOfFile = true;
     bool endOfFile = true;

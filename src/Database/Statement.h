@@ -15,11 +15,11 @@ public:
     /// The database must outlive it. Raises CDBException, as execute() does.
     CStatement(CDatabase& database, const CString& sql);
 
-    /// Runs it with texts in place of the question marks, in their order, and answers the rows of its result, each
+    /// Runs it with texts in place of the question marks, in their order, and returns the rows of its result, each
     /// column as a text, however long; a null is empty.
     Rows execute(std::initializer_list<std::string_view> values = {});
 
 private:
     CDatabase& database;
-    std::shared_ptr<OpenStatement> statement;
+    const CString sql;
 };

@@ -9,7 +9,7 @@ int CTables::Open(const char* qualifier, const char* owner, const char* table, c
     const CDatabase* const database = queryDatabase();
     if (table && !owner && database && database->hasOwners())
         owner = "%";
-    return openCatalogue({SQL_API_SQLTABLES, "SQLTables", SQLTables},
+    return openCatalogue(SQL_API_SQLTABLES,
                          {{argument(qualifier), argument(owner), argument(table), argument(tableTypes)}}, type);
 }
 

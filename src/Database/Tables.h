@@ -3,6 +3,26 @@
 #include "Base/Text.h"
 #include "Database/Recordset.h"
 
+#include <compare>
+
+/// A table, as a catalogue names it. Qualifier and owner are empty where a database has none.
+struct TableName
+{
+    CString qualifier;
+    CString owner;
+    CString name;
+
+    bool operator==(const TableName&) const = default;
+    auto operator<=>(const TableName&) const = default;
+
+    /// "OWNER.NAME", or "QUALIFIER.NAME" where a database has no owners.
+    CString text() const
+    {
+        const CString& place = owner.empty() ? qualifier : owner;
+        return place.empty() ? name : place + "." + name;
+    }
+};
+
 /// The tables of a data source, as its catalogue lists them (SQLTables).
 class CTables : public CRecordset
 {
@@ -15,6 +35,8 @@ public:
 
     /// The recordset is always made on an open connection, so there is none to name.
     CString GetDefaultConnect() const { return {}; }
+
+    TableName queryName() const { return {tableQualifier, tableOwner, tableName}; } ///< of the current row
 
     CString tableQualifier;
     CString tableOwner;

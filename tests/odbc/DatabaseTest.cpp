@@ -23,14 +23,48 @@ Thing& the()
     return thing;
 }
 
+// What a data source's entry says of a database on a server.
+CString entryOf(const DatabaseServer& server, const CString& database)
+{
+    CString entry = server.connection(database);
+    std::erase_if(entry, [](char c) { return c == '{' || c == '}'; });
+    std::ranges::replace(entry, ';', '\n');
+    return entry;
+}
+
+// How a source is connected with: "TLS", "plain" or the SQLSTATE of the failure.
+CString protectionOf(const CString& source, const CString& logon)
+{
+    try {
+        Connected window(source, logon);
+        const bool isPostgres = source.find("PostgreSQL") != CString::npos;
+        const CString answer = CStatement(window.database, isPostgres ? "SELECT version FROM pg_stat_ssl WHERE pid = "
+                                                                        "pg_backend_pid()"
+                                                                      : "SHOW SESSION STATUS LIKE 'Ssl_version'")
+                                   .execute()
+                                   .at(0)
+                                   .back();
+        return answer.empty() ? "plain" : "TLS";
+    } catch (const CDBException& error) {
+        return error.queryState();
+    }
+}
+
 // A kind of database is named as the one that its server has from the start.
 const CString sqlite = "sqlite", postgres = "postgres", mariaDb = "mysql";
 
 // A connection on a database of that kind that holds nothing else.
+int freshCount = 0;
+
+CString nameOfFresh()
+{
+    return "d" + std::to_string(freshCount);
+}
+
 Connected freshDatabase(const CString& kind)
 {
-    static int count = 0;
-    const CString name = "d" + std::to_string(++count);
+    ++freshCount;
+    const CString name = nameOfFresh();
     if (kind == sqlite)
         return Connected("Driver=SQLite3;Database=" + the<TempDir>().path(name) + ";");
     const auto& server = kind == postgres ? static_cast<DatabaseServer&>(the<PostgresServer>()) : the<MariaDbServer>();
@@ -77,14 +111,18 @@ TEST(Database, TakesTablesOutOfEverySchemaAndDatabase)
     for (; !tables.IsEOF(); tables.MoveNext())
         listed += tables.tableOwner + "." + tables.tableName + " " + tables.tableType + "\n";
     EXPECT_EQ(listed, "public.t TABLE\ns 2.only TABLE\ns 2.t TABLE\n");
-    EXPECT_EQ(importTables("t\nv\nonly\n"), "only(id:N)v(z:N)t(x:N y:S z:T)");
-    window.database.ExecuteSQL("DROP TABLE public.t, \"s 2\".t");
+    EXPECT_EQ(importTables("t\nv\nonly\n"), "only(id:N)v(z:N)t(x:N y:S)") << "what the search path finds";
+    window.database.ExecuteSQL("DROP TABLE public.t; CREATE SCHEMA s3; CREATE TABLE s3.t (x int)");
+    EXPECT_EQ(importTables("t\n"), "t(z:T x:N)") << "of any owner";
+    window.database.ExecuteSQL("DROP TABLE s3.t, \"s 2\".t");
     EXPECT_EQ(importTables("t\n"), "t()") << "gone since it was listed";
 
     Connected other = freshDatabase(mariaDb);
     other.database.ExecuteSQL("CREATE TABLE here (x int)");
-    Connected current = freshDatabase(mariaDb);
-    current.database.ExecuteSQL("CREATE TABLE here (y date)");
+    Connected second = freshDatabase(mariaDb);
+    second.database.ExecuteSQL("CREATE TABLE here (y date)");
+    EXPECT_EQ(importTables("here\n"), "here(y:T)") << "of the current database";
+    Connected third = freshDatabase(mariaDb);
     CString many; // so many that the catalogue is read as a whole
     for (int i = 0; i < 20; ++i)
         many += "none\n";
@@ -113,6 +151,103 @@ TEST(Database, AServerThatFallsSilentIsGivenUp)
             EXPECT_FALSE(window.database.IsOpen());
         }
     }
+}
+
+// The driver of MariaDB crashes where its connection breaks inside a call of the catalogue.
+TEST(Database, AConnectionThatBreaksAnywhereIsAnErrorAndTheNextOneWorks)
+{
+    constexpr int kCuts = 50;
+    for (const CString& kind : {postgres, mariaDb}) {
+        freshDatabase(kind).database.ExecuteSQL("CREATE TABLE cut (x int)");
+        const CString name = nameOfFresh();
+        const auto& server =
+            kind == postgres ? static_cast<DatabaseServer&>(the<PostgresServer>()) : the<MariaDbServer>();
+        long whole = 0;
+        for (int cut = kCuts; cut >= 0; --cut) { // the first one isn't cut
+            Line line(server.port);
+            line.breaks = true;
+            if (cut < kCuts)
+                line.left = whole * cut / kCuts;
+            const auto import = [&] {
+                Connected window(server.connection(name, line.port), server.logon());
+                return importTables("cut\nnone\n");
+            };
+            if (cut == kCuts)
+                EXPECT_EQ(import(), "none()cut(x:N)");
+            else
+                EXPECT_THROW(import(), CDBException) << kind << " after " << line.queryReceived() << " bytes";
+            whole = std::max(whole, line.queryReceived());
+        }
+    }
+}
+
+TEST(Database, AServerThatIsSilentFromTheStartIsGivenUpByItsDriver)
+{
+    for (const CString& kind : {postgres, mariaDb}) {
+        const auto& server =
+            kind == postgres ? static_cast<DatabaseServer&>(the<PostgresServer>()) : the<MariaDbServer>();
+        Line line(server.port);
+        line.left = 0;
+        CDatabase database;
+        database.loginPatience = std::chrono::seconds(1);
+        database.patience = std::chrono::seconds(20);
+        EXPECT_THAT([&] { database.Open(server.connection(kind, line.port), CDatabase::readOnly, server.logon()); },
+                    testing::Throws<CDBException>(testing::Property(&CDBException::queryState, testing::Ne("HYT00"))))
+            << kind;
+    }
+}
+
+// What asks for TLS never gets plain text; what doesn't has it where the server has.
+TEST(Database, TlsIsPreferredAndKeptWhereItIsAskedFor)
+{
+    const PostgresServer postgresTls(Tls::required);
+    const MariaDbServer mariaDbTls(Tls::offered);
+    const DatabaseServer &postgresPlain = the<PostgresServer>(), &mariaDbPlain = the<MariaDbServer>();
+    const CString authority = "SSLCA=" + mariaDbTls.certificate() + ";";
+    const TempDir folder;
+    const CString file = folder.write("plain.dsn", "[ODBC]\n" + entryOf(postgresPlain, postgres) + "SSLmode=require\n");
+    setenv("ODBCINI", folder.write("tls.ini", "[Tls]\n" + entryOf(mariaDbPlain, mariaDb) + "SSLmode=require\n").c_str(),
+           1);
+    const struct
+    {
+        CString source, outcome; // "TLS", "plain" or an SQLSTATE
+    } cases[] = {
+        {postgresTls.connection(postgres), "TLS"},
+        {postgresTls.connection(postgres) + "SSLmode={ Require };", "TLS"},
+        {postgresTls.connection(postgres) + "SSLmode=disable;", "08001"},
+        {postgresPlain.connection(postgres), "plain"},
+        {postgresPlain.connection(postgres) + "SSLmode=REQUIRE;", "08001"},
+        {postgresPlain.connection(postgres) + "SSLmode=require;sslmode=disable;", "08001"},
+        {postgresPlain.connection(postgres) + "CA=r;", "08001"},
+        {postgresPlain.connection(postgres) + "SSLmode=required;", "S1009"},
+        {"FILEDSN=" + file + ";", "08001"},
+        {mariaDbTls.connection(mariaDb), "TLS"},
+        {mariaDbTls.connection(mariaDb) + "SSLmode=disable;", "plain"},
+        {mariaDbTls.connection(mariaDb) + "FORCETLS=0;", "plain"},
+        {mariaDbTls.connection(mariaDb) + "SSLmode=require;", "S1000"}, // the driver can't, without the certificate
+        {mariaDbTls.connection(mariaDb) + "SSLmode=require;" + authority, "TLS"},
+        {mariaDbTls.connection(mariaDb) + "SSLmode=verify-full;", "S1000"},
+        {mariaDbTls.connection(mariaDb) + "SSLmode=verify-full;" + authority, "TLS"},
+        {mariaDbPlain.connection(mariaDb), "plain"},
+        {mariaDbPlain.connection(mariaDb) + "SSLmode=require;SSLVERIFY=0;", "S1000"},
+        {mariaDbPlain.connection(mariaDb) + "SSLmode=verify-full;" + authority, "S1000"},
+        {"DSN=Tls;", "S1000"},
+        {"Driver=" TEST_BUILD_DIR "/libtest_driver.so;SSLmode=require;", "S1C00"},
+    };
+    for (const auto& [source, outcome] : cases)
+        EXPECT_EQ(outcome, protectionOf(source, postgresTls.logon())) << source;
+}
+
+TEST(Database, AUserWhoIsTakenOverTlsAloneIsNotAskedForThePasswordAgain)
+{
+    const MariaDbServer server(Tls::offered);
+    Connected(server.connection(""), server.logon())
+        .database.ExecuteSQL("CREATE USER careful IDENTIFIED BY 'right' REQUIRE SSL");
+    const CString source = server.connection(""), off = source + "SSLmode=disable;";
+    EXPECT_TRUE(CDatabase().Open(source, CDatabase::readOnly, logonText("careful", "right")));
+    for (const auto& [password, isRefused] : {std::pair("right", false), {"wrong", true}})
+        EXPECT_THAT([&] { CDatabase().Open(off, CDatabase::readOnly, logonText("careful", password)); },
+                    testing::Throws<CDBException>(testing::Property(&CDBException::isLogonRefused, isRefused)));
 }
 
 // Each character at both ends and in the middle.

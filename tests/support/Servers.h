@@ -32,7 +32,7 @@ inline int freePort()
 }
 
 /// A line to a server of this machine, good for one connection, over which no more than `left` bytes come back: then it
-/// is silent, with both ends still connected.
+/// is silent, with both ends still connected, or breaks.
 class Line
 {
 public:
@@ -52,9 +52,15 @@ public:
     }
 
     const int port;
-    std::atomic<long> left = 1'000'000'000;
+    std::atomic<long> left = kEndless;
+    std::atomic<bool> breaks = false;
+
+    /// How many bytes have come back.
+    long queryReceived() const { return received; }
 
 private:
+    static constexpr long kEndless = 1'000'000'000;
+
     static sockaddr_in at(int port)
     {
         return {AF_INET, htons(static_cast<std::uint16_t>(port)), {htonl(INADDR_LOOPBACK)}, {}};
@@ -66,12 +72,14 @@ private:
         connect(server, reinterpret_cast<const sockaddr*>(&far), sizeof far);
         pollfd ends[] = {{accept(door, nullptr, nullptr), POLLIN, 0}, {server, POLLIN, 0}};
         char bytes[64];
-        while (!ended) {
+        while (!ended && !(breaks && left <= 0)) {
             poll(ends, left > 0 ? 2 : 0, 20);
             for (int i = 0; i < 2; ++i)
                 if (left > 0 && (ends[i].revents & POLLIN)) {
-                    const ssize_t count = read(ends[i].fd, bytes, sizeof bytes);
+                    const std::size_t most = i == 1 ? std::min<std::size_t>(sizeof bytes, left) : sizeof bytes;
+                    const ssize_t count = read(ends[i].fd, bytes, most);
                     left -= i == 1 ? count : 0;
+                    received += i == 1 ? count : 0;
                     [[maybe_unused]] const ssize_t written = write(ends[1 - i].fd, bytes, std::max<ssize_t>(count, 0));
                 }
         }
@@ -81,6 +89,7 @@ private:
 
     const int door = socket(AF_INET, SOCK_STREAM, 0);
     std::atomic<bool> ended = false;
+    std::atomic<long> received = 0;
     std::thread forwarder;
 };
 
@@ -121,6 +130,7 @@ public:
                ";Database=" + name + ";";
     }
     std::string logon() const { return logonText(user, password); }
+    std::string certificate() const { return folder.path("cert.pem"); }
 
 protected:
     DatabaseServer(std::string driverName, const std::string& account) : driver(std::move(driverName))
@@ -132,6 +142,13 @@ protected:
             throw std::runtime_error("no user " + account);
     }
 
+    // A key and a certificate for 127.0.0.1 that nobody has signed: the files key.pem and cert.pem.
+    void makeCertificate()
+    {
+        prepare("openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=127.0.0.1 -addext "
+                "subjectAltName=IP:127.0.0.1 -keyout " +
+                folder.path("key.pem") + " -out " + certificate());
+    }
     void prepare(const std::string& command)
     {
         if (std::system((prefix + " " + command + output).c_str()) != 0)
@@ -162,42 +179,63 @@ private:
     pid_t process = -1;
 };
 
+/// Whether a server has TLS, and takes nothing else.
+enum class Tls
+{
+    none,
+    offered,
+    required
+};
+
 /// PostgreSQL with its superuser `user`.
 class PostgresServer : public DatabaseServer
 {
 public:
-    PostgresServer() : DatabaseServer("PostgreSQL Unicode", "postgres")
+    explicit PostgresServer(Tls tls = Tls::none) : DatabaseServer("PostgreSQL Unicode", "postgres")
     {
         for (const auto& version : std::filesystem::directory_iterator("/usr/lib/postgresql"))
             programs = version.path().string() + "/bin/";
         prepare(programs + "initdb" + data + " -U " + user + " -E UTF8 --locale=C --auth=scram-sha-256 --no-sync" +
                 " --pwfile=" + folder.write("password", password));
+        if (tls != Tls::none) {
+            makeCertificate();
+            settings += " -c ssl=on -c ssl_cert_file=" + certificate() + " -c ssl_key_file=" + folder.path("key.pem");
+        }
+        if (tls == Tls::required)
+            settings += " -c hba_file=" + folder.write("hba", "hostssl all all 127.0.0.1/32 scram-sha-256\n");
         startAgain();
     }
 
     /// Starts it after its end, with options of the command line.
     void startAgain(const std::string& options = "")
     {
-        start(programs + "postgres" + data + " -h 127.0.0.1 -p " + std::to_string(port) +
-                  " -c fsync=off -c unix_socket_directories= " + options,
+        start(programs + "postgres" + data + settings + " -h 127.0.0.1 -p " + std::to_string(port) + " " + options,
               "postgres");
     }
 
 private:
     const std::string data = " -D " + folder.path("data");
     std::string programs;
+    std::string settings = " -c fsync=off -c unix_socket_directories=";
 };
 
 /// MariaDB with an account `user` that may do everything.
 class MariaDbServer : public DatabaseServer
 {
 public:
-    MariaDbServer() : DatabaseServer("MariaDB Unicode", "mysql")
+    explicit MariaDbServer(Tls tls = Tls::none) : DatabaseServer("MariaDB Unicode", "mysql")
     {
+        std::string options;
+        if (tls != Tls::none) {
+            makeCertificate();
+            options = " --ssl-cert=" + certificate() + " --ssl-key=" + folder.path("key.pem");
+        }
+        if (tls == Tls::required)
+            options += " --require-secure-transport=ON";
         const std::string data = " --no-defaults --datadir=" + folder.path("data");
         prepare("mariadb-install-db" + data + " --skip-test-db --auth-root-authentication-method=normal");
         const std::string account = user + " IDENTIFIED BY '" + password + "'";
-        start("/usr/sbin/mariadbd" + data + " --bind-address=127.0.0.1 --port=" + std::to_string(port) +
+        start("/usr/sbin/mariadbd" + data + options + " --bind-address=127.0.0.1 --port=" + std::to_string(port) +
                   " --socket=" + folder.path("socket") + " --character-set-server=utf8mb4 --sql-mode=ANSI_QUOTES" +
                   " --innodb-flush-log-at-trx-commit=0 --init-file=" +
                   folder.write("init.sql", "GRANT ALL ON *.* TO " + account + " WITH GRANT OPTION;\n"),

@@ -1,0 +1,85 @@
+#include "Database/ConnectSettings.h"
+
+#include <algorithm>
+#include <array>
+#include <odbcinst.h>
+
+namespace {
+
+// Where a value that may stand in braces, in which a brace of its own is doubled, can end at the earliest.
+std::size_t endOfBraces(std::string_view text)
+{
+    std::size_t at = text.starts_with('{') ? text.find('}') : 0;
+    while (at != text.npos && at > 0 && text.substr(at + 1).starts_with('}'))
+        at = text.find('}', at + 2);
+    return at;
+}
+
+CString fileText(const CString& file, const char* word)
+{
+    std::array<char, 1024> value = {};
+    WORD size = 0;
+    const bool isRead = SQLReadFileDSN(file.c_str(), "ODBC", word, value.data(), WORD{value.size()}, &size);
+    return isRead ? value.data() : "";
+}
+
+} // namespace
+
+ConnectWord wordOf(std::string_view connection, std::string_view name)
+{
+    while (!connection.empty()) {
+        const std::size_t start = std::min(connection.find('='), connection.size() - 1) + 1;
+        const std::string_view rest = connection.substr(start);
+        const std::size_t length = std::min(rest.find(';', endOfBraces(rest)), rest.size());
+        const std::string_view whole = connection.substr(0, start + length + 1);
+        if (isSameAscii(trimmed(connection.substr(0, start - 1)), name))
+            return {whole, rest.substr(0, length)};
+        connection.remove_prefix(whole.size());
+    }
+    return {};
+}
+
+std::vector<CString> valuesOf(std::string_view connection, std::string_view name)
+{
+    std::vector<CString> values;
+    for (ConnectWord word; !(word = wordOf(connection, name)).whole.empty();) {
+        values.push_back(withoutBraces(word.value));
+        connection.remove_prefix(static_cast<std::size_t>(word.whole.data() - connection.data()) + word.whole.size());
+    }
+    return values;
+}
+
+CString withoutBraces(std::string_view value)
+{
+    value = trimmed(value);
+    if (!value.starts_with('{') || endOfBraces(value) + 1 != value.size())
+        return CString(value);
+    CString text(value.substr(1, value.size() - 2));
+    for (std::size_t at = 0; (at = text.find("}}", at)) != text.npos; ++at)
+        text.erase(at, 1);
+    return text;
+}
+
+CString profileText(const CString& section, const char* entry, const char* file)
+{
+    std::array<char, 1024> value = {};
+    SQLGetPrivateProfileString(section.c_str(), entry, "", value.data(), int{value.size()}, file);
+    return value.data();
+}
+
+CString settingOf(const CString& connection, const char* word)
+{
+    CString text = withoutBraces(wordOf(connection, word).value);
+    if (const CString file = withoutBraces(wordOf(connection, "FILEDSN").value); text.empty() && !file.empty())
+        text = fileText(file, word);
+    if (const CString name = withoutBraces(wordOf(connection, "DSN").value); text.empty() && !name.empty())
+        text = profileText(name, word, "odbc.ini");
+    return text;
+}
+
+bool hasDriver(const CString& connection, std::initializer_list<const char*> parts)
+{
+    const CString name = settingOf(connection, "Driver");
+    const CString both = lowerAscii(name + "\n" + profileText(name, "Driver", "odbcinst.ini"));
+    return std::ranges::any_of(parts, [&both](const char* part) { return both.find(part) != both.npos; });
+}

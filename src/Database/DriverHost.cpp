@@ -1,0 +1,222 @@
+#include "Database/DriverHost.h"
+
+#include "Base/Secret.h"
+#include "Database/CatalogueRows.h"
+#include "Database/DBException.h"
+#include "Database/DriverMessage.h"
+#include "Database/StatementRun.h"
+
+#include <sql.h>
+#include <sqlext.h>
+
+#include <array>
+#include <new>
+#include <poll.h>
+
+namespace {
+
+// The calls take unsigned characters that they don't change.
+SQLCHAR* sqlText(const CString& text)
+{
+    return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str()));
+}
+
+SQLPOINTER numberAttribute(SQLULEN value)
+{
+    return reinterpret_cast<SQLPOINTER>(value);
+}
+
+ConnectionHandle allocateConnection(void* environment, bool isReadOnly, SQLULEN loginSeconds)
+{
+    SQLHANDLE raw = SQL_NULL_HANDLE;
+    if (!environment || !SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment, &raw)))
+        return {};
+    SQLSetConnectAttr(raw, SQL_ATTR_LOGIN_TIMEOUT, numberAttribute(loginSeconds), SQL_IS_UINTEGER);
+    if (isReadOnly)
+        SQLSetConnectAttr(raw, SQL_ATTR_ACCESS_MODE, numberAttribute(SQL_MODE_READ_ONLY), SQL_IS_UINTEGER);
+    return ConnectionHandle(raw);
+}
+
+bool connect(void* connection, const CString& text)
+{
+    const MemoryWipe wipe; // drivers copy the password
+    const SQLRETURN result =
+        SQLDriverConnect(connection, nullptr, sqlText(text), SQL_NTS, nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+    if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
+        CDBException::raise(SQL_HANDLE_DBC, connection);
+    return SQL_SUCCEEDED(result);
+}
+
+template <class Number>
+CString startWith(Number number)
+{
+    CString message;
+    putNumber(message, static_cast<std::int32_t>(number));
+    return message;
+}
+
+} // namespace
+
+CString startRequest(DriverRequest request)
+{
+    return startWith(request);
+}
+
+CString DriverHost::answer(std::string_view request)
+{
+    try {
+        CString answer = startWith(DriverOutcome::done);
+        MessageReader reader(request);
+        carryOut(reader, answer);
+        return answer;
+    } catch (const CDBException& error) {
+        CString answer = startWith(DriverOutcome::raised);
+        putNumber(answer, isLost(error.queryState()));
+        putText(answer, error.queryState());
+        putNumber(answer, error.queryNativeError());
+        putText(answer, error.queryText());
+        return answer;
+    } catch (const std::bad_alloc&) {
+        return startWith(DriverOutcome::noMemory);
+    }
+}
+
+void DriverHost::carryOut(MessageReader& request, CString& answer)
+{
+    switch (static_cast<DriverRequest>(request.number())) {
+    case DriverRequest::open:
+        return open(request, answer);
+    case DriverRequest::execute:
+        return execute(CString(request.text()));
+    case DriverRequest::catalogue:
+        return listCatalogue(request, answer);
+    case DriverRequest::prepare:
+        return prepare(CString(request.text()));
+    case DriverRequest::run:
+        return run(request, answer);
+    }
+}
+
+void DriverHost::open(MessageReader& request, CString& answer)
+{
+    const bool isReadOnly = request.number() != 0;
+    const auto loginSeconds = static_cast<SQLULEN>(request.number());
+    const Secret text{CString(request.text())};
+    environment = allocateEnvironment();
+    connection = allocateConnection(environment.get(), isReadOnly, loginSeconds);
+    const bool isOpen = connection && connect(connection.get(), text.text);
+    // SQLite's driver opens any file and lists no tables in one that is no database. To read something tells.
+    if (isOpen && isReadOnly && isSqlite())
+        execute("PRAGMA schema_version");
+    putNumber(answer, isOpen);
+    for (const SQLUSMALLINT question : {SQL_OWNER_USAGE, SQL_QUALIFIER_USAGE})
+        putNumber(answer, isOpen ? static_cast<std::int32_t>(number(question)) : 0);
+}
+
+void DriverHost::execute(const CString& sql)
+{
+    const StatementHandle statement = requireStatement();
+    const SQLRETURN result = SQLExecDirect(statement.get(), sqlText(sql), SQL_NTS);
+    if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
+        CDBException::raise(SQL_HANDLE_STMT, statement.get());
+}
+
+void DriverHost::listCatalogue(MessageReader& request, CString& answer)
+{
+    const auto function = static_cast<SQLUSMALLINT>(request.number());
+    CatalogueRows rows(request.text());
+    SQLUSMALLINT isSupported = SQL_FALSE;
+    if (!SQL_SUCCEEDED(SQLGetFunctions(connection.get(), function, &isSupported)) || !isSupported)
+        return putNumber(answer, static_cast<std::int32_t>(CatalogueOutcome::unsupported));
+    const StatementHandle statement = allocateStatement();
+    if (!statement)
+        return putNumber(answer, static_cast<std::int32_t>(CatalogueOutcome::noStatement));
+    putNumber(answer, static_cast<std::int32_t>(CatalogueOutcome::listed));
+    while (!request.isAtEnd()) {
+        CatalogueRows::Arguments arguments;
+        for (std::optional<CString>& argument : arguments)
+            argument = request.optionalText();
+        rows.append(statement.get(), function, std::move(arguments), answer);
+    }
+}
+
+void DriverHost::prepare(const CString& sql)
+{
+    StatementHandle& statement = prepared[sql];
+    if (statement)
+        return;
+    StatementHandle made = requireStatement();
+    if (!SQL_SUCCEEDED(SQLPrepare(made.get(), sqlText(sql), SQL_NTS)))
+        CDBException::raise(SQL_HANDLE_STMT, made.get());
+    statement = std::move(made);
+}
+
+void DriverHost::run(MessageReader& request, CString& answer)
+{
+    const CString sql(request.text());
+    prepare(sql);
+    std::vector<CString> values;
+    while (!request.isAtEnd())
+        values.emplace_back(request.text());
+    runStatement(prepared[sql].get(), std::move(values), answer);
+}
+
+// Empty when the driver has none to give.
+StatementHandle DriverHost::allocateStatement() const
+{
+    SQLHANDLE raw = SQL_NULL_HANDLE;
+    if (!connection || !SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection.get(), &raw)))
+        return {};
+    return StatementHandle(raw);
+}
+
+StatementHandle DriverHost::requireStatement() const
+{
+    StatementHandle statement = allocateStatement();
+    if (!statement)
+        CDBException::raise(SQL_HANDLE_DBC, connection.get());
+    return statement;
+}
+
+// 0 when the driver doesn't tell.
+unsigned DriverHost::number(unsigned short question) const
+{
+    SQLUINTEGER answer = 0;
+    return SQL_SUCCEEDED(SQLGetInfo(connection.get(), question, &answer, sizeof answer, nullptr)) ? answer : 0;
+}
+
+bool DriverHost::isSqlite() const
+{
+    std::array<SQLCHAR, 32> name = {};
+    SQLGetInfo(connection.get(), SQL_DBMS_NAME, name.data(), SQLSMALLINT(name.size()), nullptr);
+    return std::string_view(reinterpret_cast<const char*>(name.data())) == "SQLite";
+}
+
+// Not every driver has the SQLSTATEs of a lost connection in each place.
+bool DriverHost::isLost(const CString& state) const
+{
+    if (state.starts_with("08"))
+        return true;
+    SQLUINTEGER isDead = SQL_CD_FALSE;
+    return connection &&
+           SQL_SUCCEEDED(
+               SQLGetConnectAttr(connection.get(), SQL_ATTR_CONNECTION_DEAD, &isDead, SQL_IS_UINTEGER, nullptr)) &&
+           isDead == SQL_CD_TRUE;
+}
+
+void serveDriver(int socket)
+{
+    const SocketWait wait = [socket](short events) {
+        pollfd ready = {socket, events, 0};
+        while (::poll(&ready, 1, -1) < 0) {
+        }
+    };
+    DriverHost host;
+    Secret request; // which may hold a password
+    while (receiveMessage(socket, request.text, wait)) {
+        const CString answer = host.answer(request.text);
+        wipe(request.text);
+        if (!sendMessage(socket, answer, wait))
+            return;
+    }
+}

@@ -1,0 +1,136 @@
+#include "Database/DriverMessage.h"
+
+#include "Database/DBException.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+
+namespace {
+
+// In front of each message; both ends are of one program.
+using Length = std::uint64_t;
+
+// A message and its length in one call of the system.
+struct Transfer
+{
+    Transfer(const Length* length, const char* message, std::size_t size) :
+        parts{iovec{const_cast<Length*>(length), sizeof *length}, iovec{const_cast<char*>(message), size}}
+    {
+        header.msg_iov = parts.data();
+        header.msg_iovlen = parts.size();
+    }
+    Transfer(const Transfer&) = delete;
+    Transfer& operator=(const Transfer&) = delete;
+
+    std::size_t left() const { return parts[0].iov_len + parts[1].iov_len; }
+
+    void advance(std::size_t size)
+    {
+        for (iovec& part : parts) {
+            const std::size_t done = std::min(size, part.iov_len);
+            part.iov_base = static_cast<char*>(part.iov_base) + done;
+            part.iov_len -= done;
+            size -= done;
+        }
+    }
+
+    std::array<iovec, 2> parts;
+    msghdr header = {};
+};
+
+bool isAgain(int error)
+{
+    return error == EAGAIN || error == EINTR;
+}
+
+} // namespace
+
+void putNumber(CString& message, std::int32_t number)
+{
+    message.append(reinterpret_cast<const char*>(&number), sizeof number);
+}
+
+void putText(CString& message, std::string_view text)
+{
+    const Length length = text.size();
+    message.append(reinterpret_cast<const char*>(&length), sizeof length).append(text);
+}
+
+void putOptionalText(CString& message, const std::optional<CString>& text)
+{
+    putNumber(message, text.has_value());
+    if (text)
+        putText(message, *text);
+}
+
+std::string_view MessageReader::take(std::size_t size)
+{
+    if (size > left.size())
+        throw CDBException("S1000", 0, "The process of the driver has sent a message that is cut off");
+    const std::string_view taken = left.substr(0, size);
+    left.remove_prefix(size);
+    return taken;
+}
+
+std::int32_t MessageReader::number()
+{
+    std::int32_t number;
+    std::memcpy(&number, take(sizeof number).data(), sizeof number);
+    return number;
+}
+
+std::string_view MessageReader::text()
+{
+    Length length;
+    std::memcpy(&length, take(sizeof length).data(), sizeof length);
+    return take(length);
+}
+
+std::optional<CString> MessageReader::optionalText()
+{
+    return number() != 0 ? std::optional<CString>(text()) : std::nullopt;
+}
+
+bool sendMessage(int socket, std::string_view message, const SocketWait& wait)
+{
+    const Length length = message.size();
+    Transfer transfer(&length, message.data(), message.size());
+    while (transfer.left() > 0) {
+        const ssize_t sent = ::sendmsg(socket, &transfer.header, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (sent < 0 && !isAgain(errno))
+            return false;
+        if (sent < 0)
+            wait(POLLOUT);
+        else
+            transfer.advance(static_cast<std::size_t>(sent));
+    }
+    return true;
+}
+
+bool receiveMessage(int socket, CString& message, const SocketWait& wait)
+{
+    std::array<char, 16 * 1024> piece;
+    Length length = 0;
+    std::size_t lengthLeft = sizeof length;
+    message.clear();
+    while (lengthLeft > 0 || message.size() < length) {
+        wait(POLLIN);
+        Transfer transfer(&length, piece.data(), piece.size());
+        transfer.advance(sizeof length - lengthLeft);
+        const ssize_t size = ::recvmsg(socket, &transfer.header, MSG_DONTWAIT);
+        if (size == 0 || (size < 0 && !isAgain(errno)))
+            return false;
+        if (size < 0)
+            continue;
+        const std::size_t ofLength = std::min(lengthLeft, static_cast<std::size_t>(size));
+        lengthLeft -= ofLength;
+        message.append(piece.data(), static_cast<std::size_t>(size) - ofLength);
+    }
+    explicit_bzero(piece.data(), piece.size()); // it may have held a password
+    return true;
+}

@@ -1,0 +1,199 @@
+#include "Database/DriverProcess.h"
+
+#include "Base/Progress.h"
+#include "Base/Secret.h"
+#include "Database/DBException.h"
+#include "Database/DriverHost.h"
+#include "Database/DriverLog.h"
+#include "Database/DriverMessage.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr milliseconds kTick(50);
+constexpr milliseconds kGrace(500);       // for a call that is under way when it is no longer wanted
+constexpr milliseconds kDisconnect(2000); // how long a driver may take to disconnect
+
+bool areThreadsUsed = false;
+
+[[noreturn]] void raise(const char* what, int error)
+{
+    throw CDBException("S1000", 0, CString(what) + ": " + std::strerror(error));
+}
+
+// Blocks every signal, and unblocks them again in the process that asked for it.
+class SignalBlock
+{
+public:
+    SignalBlock()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before);
+    }
+    ~SignalBlock() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
+    SignalBlock(const SignalBlock&) = delete;
+    SignalBlock& operator=(const SignalBlock&) = delete;
+
+private:
+    sigset_t before;
+};
+
+// The program's handlers would remove its files, or report under its name. A fault ends the process as it would any.
+void forgetHandlers()
+{
+    std::set_terminate(std::abort);
+    for (int number = 1; number < NSIG; ++number)
+        std::signal(number, SIG_DFL);
+}
+
+// The program's files, windows and other connections are none of the driver's. Standard error stays for the sanitizers.
+void keepOnly(int socket)
+{
+    if (const int nothing = ::open("/dev/null", O_RDWR); nothing >= 0) {
+        ::dup2(nothing, STDIN_FILENO);
+        ::dup2(nothing, STDOUT_FILENO);
+    }
+    const auto kept = static_cast<unsigned>(socket);
+    ::close_range(STDERR_FILENO + 1, kept - 1, 0);
+    ::close_range(kept + 1, ~0U, 0);
+}
+
+// The driver may never return from a call, so its thread can't notice that the program has gone.
+void endWithProgram(int socket)
+{
+    pollfd end = {socket, 0, 0};
+    while (::poll(&end, 1, -1) < 0) {
+    }
+    ::_exit(EXIT_SUCCESS);
+}
+
+// The process ends without returning to the program's code, of which it is a copy.
+[[noreturn]] void hostDriver(int handed) noexcept
+{
+    forgetHandlers();
+    const int socket = ::fcntl(handed, F_DUPFD, STDERR_FILENO + 2); // close_range() takes no empty range
+    keepOnly(socket);
+    keepOutOfCores();
+    std::thread(endWithProgram, socket).detach();
+    serveDriver(socket);
+    ::_exit(EXIT_SUCCESS);
+}
+
+} // namespace
+
+void DriverProcess::useThreads()
+{
+    areThreadsUsed = true;
+}
+
+DriverProcess::DriverProcess(CString source) : source(std::move(source))
+{
+    int ends[2];
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
+        raise("No pipe to a process for the driver", errno);
+    socket = ends[0];
+    if (areThreadsUsed) {
+        std::thread([other = ends[1]] {
+            serveDriver(other);
+            ::close(other);
+        }).detach();
+        return;
+    }
+    const SignalBlock block; // no handler runs in the new process
+    process = ::fork();
+    const int error = errno;
+    if (process == 0)
+        hostDriver(ends[1]);
+    ::close(ends[1]);
+    if (process > 0)
+        return;
+    ::close(socket);
+    raise("No process for the driver", error);
+}
+
+DriverProcess::~DriverProcess()
+{
+    if (!isCalling)
+        disconnect();
+    end();
+}
+
+CString DriverProcess::call(std::string_view request, milliseconds patience)
+{
+    const auto start = Clock::now();
+    const SocketWait waiting = [&](short events) { wait(events, start, patience); };
+    CString answer;
+    isCalling = true; // and remains so if the call raises
+    if (!sendMessage(socket, request, waiting) || !receiveMessage(socket, answer, waiting))
+        raiseEnd();
+    isCalling = false;
+    return answer;
+}
+
+// A call that is nearly done is not cut off, so that what it does is known; many of them get no more time than one.
+void DriverProcess::wait(short events, Clock::time_point start, milliseconds patience)
+{
+    pollfd ready = {socket, events, 0};
+    while (::poll(&ready, 1, static_cast<int>(std::min(kTick, patience).count())) <= 0) {
+        const auto now = Clock::now();
+        unwantedSince = isStillWanted() ? Clock::time_point::max() : std::min(unwantedSince, now);
+        if (now - start >= patience)
+            throw CDBException("HYT00", 0,
+                               "The database has not answered for " + std::to_string(patience.count() / 1000) +
+                                   " seconds; the connection has been given up");
+        if (unwantedSince != Clock::time_point::max() && now - unwantedSince >= kGrace)
+            throw Cancelled();
+    }
+}
+
+void DriverProcess::raiseEnd()
+{
+    const int status = end();
+    const char* const cause = WIFSIGNALED(status) ? sigdescr_np(WTERMSIG(status)) : nullptr;
+    throw CDBException("08S01", 0,
+                       "The driver of the " + (source.empty() ? "database" : "data source " + source) +
+                           (cause ? CString(" has crashed (") + cause + ")" : " has ended") +
+                           "; the connection is closed");
+}
+
+// The process sees the end of its requests, disconnects and ends, which closes its side of the socket.
+void DriverProcess::disconnect() const
+{
+    ::shutdown(socket, SHUT_WR);
+    pollfd closed = {socket, POLLIN, 0};
+    while (::poll(&closed, 1, static_cast<int>(kDisconnect.count())) < 0 && errno == EINTR) {
+    }
+}
+
+// Returns how the process has ended, as waitpid() tells it; 0 if that isn't known.
+int DriverProcess::end()
+{
+    ::close(std::exchange(socket, -1));
+    const pid_t ended = std::exchange(process, -1);
+    int status = 0;
+    if (ended <= 0)
+        return status;
+    if (::waitpid(ended, &status, WNOHANG) == 0) {
+        ::kill(ended, SIGKILL);
+        while (::waitpid(ended, &status, 0) < 0 && errno == EINTR) {
+        }
+    }
+    removeDriverLog(ended);
+    return status;
+}

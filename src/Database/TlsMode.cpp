@@ -1,0 +1,134 @@
+#include "Database/TlsMode.h"
+
+#include "Database/ConnectSettings.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+#include <optional>
+
+namespace {
+
+// The modes of libpq, each stricter than the one before.
+enum Mode
+{
+    disable,
+    allow,
+    prefer,
+    require,
+    verifyCa,
+    verifyFull
+};
+constexpr std::string_view kModes[] = {"disable", "allow", "prefer", "require", "verify-ca", "verify-full"};
+
+enum class Driver
+{
+    postgres,
+    mariaDb,
+    local, ///< opens files
+    mySql, ///< has modes of its own under SSLmode, and prefers TLS
+    other
+};
+
+constexpr struct
+{
+    Driver driver;
+    const char *name, *library;
+} kDrivers[] = {{Driver::postgres, "postgres", "psqlodbc"},
+                {Driver::mariaDb, "mariadb", "maodbc"},
+                {Driver::local, "sqlite", "sqlite"},
+                {Driver::mySql, "mysql", "myodbc"}};
+
+Driver driverOf(const CString& connection)
+{
+    for (const auto& row : kDrivers)
+        if (hasDriver(connection, {row.name, row.library}))
+            return row.driver;
+    return Driver::other;
+}
+
+std::optional<Mode> modeNamed(std::string_view name)
+{
+    const auto* const found = std::ranges::find(kModes, name);
+    return found == std::end(kModes) ? std::nullopt : std::optional(static_cast<Mode>(found - kModes));
+}
+
+[[noreturn]] void refuse(const CString& what, const CString& value)
+{
+    CString modes;
+    for (const std::string_view each : kModes)
+        modes.append(modes.empty() ? "" : ", ").append(each);
+    throw CDBException("S1009", 0, what + " is \"" + value + "\", and none of " + modes);
+}
+
+// Of several, the strictest counts, since drivers don't agree on whether it is the first or the last.
+std::optional<Mode> ownMode(const CString& connection, bool isOurs)
+{
+    std::vector<CString> values = valuesOf(connection, "SSLmode");
+    std::erase(values, "");
+    if (values.empty())
+        values.push_back(settingOf(connection, "SSLmode"));
+    std::optional<Mode> strictest;
+    for (const CString& value : values) {
+        const std::optional<Mode> mode = modeNamed(lowerAscii(trimmed(value)));
+        if (!mode && isOurs && !value.empty())
+            refuse("SSLmode", value);
+        strictest = std::max(strictest, mode);
+    }
+    return strictest;
+}
+
+Mode modeOfEnvironment(bool isOurs)
+{
+    const char* const variable = std::getenv("PGSSLMODE");
+    const std::optional<Mode> mode = variable ? modeNamed(variable) : prefer;
+    if (!mode && isOurs)
+        refuse("The variable PGSSLMODE", variable);
+    return mode.value_or(verifyFull);
+}
+
+// FORCETLS is no more than a preference, and SSLVERIFY alone keeps the driver from connecting in plain text.
+std::vector<TlsAttempt> mariaDbAttempts(const CString& connection, std::optional<Mode> own)
+{
+    const CString force = settingOf(connection, "FORCETLS"), verify = settingOf(connection, "SSLVERIFY");
+    if (!own && (!verify.empty() || (!force.empty() && force != "0")))
+        return {{""}};
+    switch (own ? *own : force == "0" ? disable : modeOfEnvironment(true)) {
+    case disable:
+        return {{"FORCETLS=0;"}, {"FORCETLS=1;SSLVERIFY=0;", true}};
+    case allow:
+    case prefer:
+        return {{"FORCETLS=1;SSLVERIFY=0;"}, {"FORCETLS=0;SSLVERIFY=0;"}};
+    case require:
+    case verifyCa:
+    case verifyFull:
+        return {{"FORCETLS=1;SSLVERIFY=1;"}};
+    }
+    return {};
+}
+
+} // namespace
+
+bool TlsAttempt::mayHelp(const CDBException& error) const
+{
+    constexpr int kAccessDenied = 1045, kTlsFailed = 2026;
+    return error.queryNativeError() == (isProbe ? kAccessDenied : kTlsFailed);
+}
+
+std::vector<TlsAttempt> tlsAttempts(const CString& connection)
+{
+    const Driver driver = driverOf(connection);
+    if (driver == Driver::local)
+        return {{""}};
+    const bool isOurs = driver == Driver::postgres || driver == Driver::mariaDb;
+    const std::optional<Mode> own = ownMode(connection, isOurs);
+    if (driver == Driver::mariaDb)
+        return mariaDbAttempts(connection, own);
+    if (!isOurs && own >= require)
+        throw CDBException("S1C00", 0,
+                           "This driver isn't known to keep to SSLmode=" + CString(kModes[*own]) +
+                               "; ask for TLS in the words of the driver");
+    if (driver == Driver::mySql || (!isOurs && own) || (!own && !settingOf(connection, "CA").empty()))
+        return {{""}}; // CA is PostgreSQL's abbreviation
+    return {{"SSLmode=" + CString(kModes[own ? *own : modeOfEnvironment(isOurs)]) + ";"}};
+}
