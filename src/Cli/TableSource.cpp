@@ -7,7 +7,9 @@
 #include "Import/MsgBase.h"
 #include "Resources/StringIds.h"
 
+#include <map>
 #include <set>
+#include <stdexcept>
 
 namespace {
 
@@ -16,6 +18,35 @@ struct NoTable
     CString name;
 };
 
+// The names of the tables as an import takes them, each once. What can't be named there is left to the importer to
+// tell.
+CString namesOf(const std::vector<ChosenTable>& tables)
+{
+    CString names;
+    std::set<CString> known;
+    for (const ChosenTable& each : tables)
+        if (each.isNamable() && known.insert(each.table.name).second)
+            names += each.table.name + '\n';
+    return names;
+}
+
+// There can be only one type of a name.
+void requireDifferentNames(const std::vector<ChosenTable>& tables)
+{
+    std::map<CString, const TableName*> known;
+    for (const ChosenTable& each : tables)
+        if (const auto [first, isNew] = known.emplace(each.table.name, &each.table); !isNew)
+            throw std::runtime_error(first->second->text() + " and " + each.table.text() + " would be one type, " +
+                                     each.table.name + "; import them one by one, each with a --base-path of its own");
+}
+
+// With a broker there are two to log on to, and two options for it.
+CString logonHint(const Arguments& arguments, const CDBException& error)
+{
+    const bool isMissing = arguments.usesBroker() && arguments.sourceLogon.user.empty();
+    return isMissing && error.isLogonRefused() ? "; --source-user logs on to the database" : "";
+}
+
 } // namespace
 
 void TableSource::import(MsgBase& message, const Arguments& arguments, const CString& basePath,
@@ -23,35 +54,34 @@ void TableSource::import(MsgBase& message, const Arguments& arguments, const CSt
 {
     keepOutOfCores();
     try {
-        read(message, arguments, basePath);
+        read(dynamic_cast<ODBCMessage&>(message), arguments, basePath);
     } catch (const CDBException& error) {
-        diagnostics.error(error.what());
+        diagnostics.error(error.what() + logonHint(arguments, error));
     } catch (const NoTable& table) {
         diagnostics.error("there is no table called " + table.name);
     }
 }
 
-void TableSource::read(MsgBase& message, const Arguments& arguments, const CString& basePath)
+void TableSource::read(ODBCMessage& message, const Arguments& arguments, const CString& basePath)
 {
     if (!open(arguments))
         return;
-    CString names;
-    for (const CString& table : arguments.tables)
-        names += table + '\n';
-    if ((arguments.tables.empty() && !listTables(names)) || names.empty())
+    std::vector<ChosenTable> tables = pickTables(arguments.tables);
+    if ((arguments.tables.empty() && !listTables(tables)) || tables.empty())
         return;
-    message.parseData(names, basePath);
-    requireTables(message, arguments.tables);
+    message.setChosen(tables);
+    message.parseData(namesOf(tables), basePath);
+    requireTables(message, tables);
 }
 
-// With --create the user and the password are the broker's.
 bool TableSource::open(const Arguments& arguments)
 {
+    const LogonOptions& options = arguments.databaseLogon();
     Secret logon;
-    if (!arguments.logon.user.empty() && !arguments.usesBroker()) {
+    if (!options.user.empty()) {
         Secret password;
-        readPassword(arguments.logon, password.text);
-        logon.text = logonText(arguments.logon.user, password.text);
+        readPassword(options, password.text);
+        logon.text = logonText(options.user, password.text);
     }
     if (database.Open(arguments.sources.front(), CDatabase::readOnly, logon.text))
         return true;
@@ -59,36 +89,65 @@ bool TableSource::open(const Arguments& arguments)
     return false;
 }
 
+// All that are of the type TABLE.
+bool TableSource::listTables(std::vector<ChosenTable>& tables)
+{
+    CTables found(&database);
+    if (!found.Open(nullptr, nullptr, nullptr, "'TABLE'")) {
+        theApp.Error(IDS_NO_DATABASE, IDS_ERROR_TITLE);
+        return false;
+    }
+    for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
+        tables.push_back({found.queryName(), ChosenTable::listed});
+    return true;
+}
+
+// A dot may be part of a name, and it is if there is such a table.
+std::vector<ChosenTable> TableSource::pickTables(const std::vector<CString>& names)
+{
+    std::vector<ChosenTable> tables;
+    std::set<CString> known;
+    for (const CString& each : names) {
+        const CString name(trimmed(each));
+        if (!known.insert(name).second)
+            continue;
+        const bool mayBeQualified = name.find('.') != CString::npos && !isThere(name);
+        const std::optional<TableName> table = mayBeQualified ? qualifiedTable(name) : std::nullopt;
+        tables.push_back(table ? ChosenTable{*table, ChosenTable::exact} : ChosenTable{{"", "", name}});
+    }
+    requireDifferentNames(tables);
+    return tables;
+}
+
+std::optional<TableName> TableSource::qualifiedTable(const CString& name)
+{
+    for (std::size_t dot = name.find('.'); dot != CString::npos; dot = name.find('.', dot + 1)) {
+        CTables tables(&database);
+        tables.Open(nullptr, nullptr, name.substr(dot + 1).c_str(), nullptr); // in any owner and qualifier
+        for (tables.MoveFirst(); !tables.IsEOF(); tables.MoveNext())
+            if (const TableName table = tables.queryName();
+                table.text() == name || (!table.owner.empty() && table.qualifier + "." + table.text() == name))
+                return table;
+    }
+    return std::nullopt;
+}
+
+// Views and their like count too. Without a catalogue of tables everything may be there.
+bool TableSource::isThere(const CString& name)
+{
+    CTables tables(&database);
+    return !tables.Open(nullptr, nullptr, name.c_str(), nullptr) || !tables.IsEOF();
+}
+
 // A table that is asked for by its name is not to be missed in silence. One that has fields is there.
-void TableSource::requireTables(MsgBase& message, const std::vector<CString>& names)
+void TableSource::requireTables(MsgBase& message, const std::vector<ChosenTable>& tables)
 {
     std::set<CString> withFields;
     message.beginEnum();
     while (const Element* table = message.enumNext())
         if (table->queryChildren().size() != 0)
             withFields.insert(table->queryName());
-    for (const CString& name : names)
-        if (const CString table(trimmed(name)); !withFields.contains(table))
-            requireTable(table);
-}
-
-// Views and their like count too.
-void TableSource::requireTable(const CString& name)
-{
-    CTables tables(&database);
-    if (tables.Open(nullptr, nullptr, name.c_str(), nullptr) && tables.IsEOF())
-        throw NoTable{name};
-}
-
-// All that are of the type TABLE, each name ended by a line feed.
-bool TableSource::listTables(CString& names)
-{
-    CTables tables(&database);
-    if (!tables.Open(nullptr, nullptr, nullptr, "'TABLE'")) {
-        theApp.Error(IDS_NO_DATABASE, IDS_ERROR_TITLE);
-        return false;
-    }
-    for (tables.MoveFirst(); !tables.IsEOF(); tables.MoveNext())
-        names += tables.tableName + '\n';
-    return true;
+    for (const ChosenTable& each : tables)
+        if (each.how == ChosenTable::byName && !withFields.contains(each.table.name) && !isThere(each.table.name))
+            throw NoTable{each.table.name};
 }

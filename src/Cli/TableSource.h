@@ -3,8 +3,10 @@
 #include "Cli/Arguments.h"
 #include "Database/MainWindow.h"
 #include "Database/Odbc.h"
+#include "Import/Tables/ODBCMsg.h"
 
-class MsgBase;
+#include <optional>
+#include <vector>
 
 /// The command line's stand-in for the main window, in force as long as it lives: it holds the connection that the
 /// importer of tables reads from. It has to be there before the importer.
@@ -21,11 +23,13 @@ public:
     void import(MsgBase& message, const Arguments& arguments, const CString& basePath, Diagnostics& diagnostics);
 
 private:
-    void read(MsgBase& message, const Arguments& arguments, const CString& basePath);
+    void read(ODBCMessage& message, const Arguments& arguments, const CString& basePath);
     bool open(const Arguments& arguments);
-    void requireTables(MsgBase& message, const std::vector<CString>& names);
-    void requireTable(const CString& name);
-    bool listTables(CString& names);
+    bool listTables(std::vector<ChosenTable>& tables);
+    std::vector<ChosenTable> pickTables(const std::vector<CString>& names);
+    std::optional<TableName> qualifiedTable(const CString& name);
+    bool isThere(const CString& name);
+    void requireTables(MsgBase& message, const std::vector<ChosenTable>& tables);
 
     CDatabase database;
 };

@@ -81,8 +81,9 @@ public:
         emptyTable,
         tableGone,    ///< since the tables were listed
         tableUnnamed, ///< it can't be asked for: its name is empty, blank or of several lines
-        severalOwners,
-        // Details.
+        severalTables,
+        tableHidden, ///< by another one of its name, which was read instead
+                     // Details.
         sgmlException,
         anyContent,
         mixedContent,

@@ -27,7 +27,23 @@ constexpr struct
     {101, 113, Element::typeNumber}, // the intervals
 };
 
+const CString& nameOf(const ChosenTable& chosen)
+{
+    return chosen.table.name;
+}
+
+const char* textOrNull(const CString& text)
+{
+    return text.empty() ? nullptr : text.c_str();
+}
+
 } // namespace
+
+bool ChosenTable::isNamable() const
+{
+    return !trimmed(table.name).empty() && trimmed(table.name, " ") == table.name &&
+           table.name.find('\n') == CString::npos;
+}
 
 std::optional<Element::ElementTypes> elementTypeOf(LONG dataType)
 {
@@ -39,10 +55,17 @@ std::optional<Element::ElementTypes> elementTypeOf(LONG dataType)
 
 ODBCMessage::ODBCMessage() : MsgBase(0), mainWindow(::mainWindow()) {}
 
+void ODBCMessage::setChosen(std::vector<ChosenTable> tables)
+{
+    chosen = std::move(tables);
+    std::ranges::sort(chosen, {}, nameOf);
+}
+
 int ODBCMessage::parse(const CString& source, const CString& basePath, const CString&)
 {
     ProgressMeter progress(Work::tables, static_cast<std::uint64_t>(std::ranges::count(source, '\n')), 1);
     std::uint64_t done = 0;
+    reportUnnamed();
     CColumns columns(mainWindow ? mainWindow->queryDatabase() : nullptr);
     QELStringIterator names(source.c_str());
     names.beginEnum('\n');
@@ -58,27 +81,64 @@ int ODBCMessage::parse(const CString& source, const CString& basePath, const CSt
     return 1;
 }
 
-// Whether the data source says that there is no such table, or view.
-bool ODBCMessage::isGone(const CString& tableName) const
-{
-    CTables tables(mainWindow ? mainWindow->queryDatabase() : nullptr);
-    return tables.Open(nullptr, nullptr, tableName.c_str(), nullptr) && tables.IsEOF();
-}
-
 void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, const CString& basePath)
 {
-    columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
+    const TableName* const exact = exactTable(tableName);
+    if (exact)
+        columns.Open(textOrNull(exact->qualifier), textOrNull(exact->owner), tableName.c_str(), nullptr);
+    else
+        columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
     Element* table = addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
     const SourcePlace place{report.addFile(tableName)};
-    bool isEmpty = true;
+    std::set<TableName> read;
     for (columns.MoveFirst(); !columns.IsEOF(); columns.MoveNext()) {
-        isEmpty = false;
+        if (exact && columns.queryTable() != *exact)
+            continue;
+        read.insert(columns.queryTable());
         if (const auto type = elementTypeOf(columns.dataType))
             addElement(tableName + columns.columnName, basePath, columns.columnName, columns.remarks, *type, table);
         else
             report.add(SourceReport::columnPassedOver, place, columns.columnName + " (" + columns.typeName + ")");
     }
     columns.Close();
-    if (isEmpty)
-        report.add(isGone(tableName) ? SourceReport::tableGone : SourceReport::emptyTable, place, tableName);
+    if (read.empty())
+        report.add(isThere(tableName) ? SourceReport::emptyTable : SourceReport::tableGone, place, tableName);
+    else
+        reportTables(tableName, read);
+}
+
+// The table of which alone the columns are to be read; null if any that matches will do.
+const TableName* ODBCMessage::exactTable(const CString& tableName) const
+{
+    for (const ChosenTable& each : std::ranges::equal_range(chosen, tableName, {}, nameOf))
+        if (each.how == ChosenTable::exact)
+            return &each.table;
+    return nullptr;
+}
+
+bool ODBCMessage::isThere(const CString& tableName) const
+{
+    CTables tables(mainWindow ? mainWindow->queryDatabase() : nullptr);
+    return !tables.Open(nullptr, nullptr, tableName.c_str(), nullptr) || !tables.IsEOF();
+}
+
+void ODBCMessage::reportTables(const CString& tableName, const std::set<TableName>& read)
+{
+    const SourcePlace place{report.addFile(tableName)};
+    if (read.size() > 1) {
+        CString all;
+        for (const TableName& table : read)
+            all += (all.empty() ? "" : ", ") + table.text();
+        report.add(SourceReport::severalTables, place, all);
+    }
+    for (const ChosenTable& each : std::ranges::equal_range(chosen, tableName, {}, nameOf))
+        if (each.how == ChosenTable::listed && !read.contains(each.table))
+            report.add(SourceReport::tableHidden, place, each.table.text());
+}
+
+void ODBCMessage::reportUnnamed()
+{
+    for (const ChosenTable& each : chosen)
+        if (!each.isNamable())
+            report.add(SourceReport::tableUnnamed, {report.addFile("")}, "\"" + each.table.text() + "\"");
 }

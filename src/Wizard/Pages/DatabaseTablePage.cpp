@@ -1,6 +1,6 @@
 #include "Wizard/Pages/DatabaseTablePage.h"
 
-#include "Database/Tables.h"
+#include "Import/Tables/ODBCMsg.h"
 #include "Resources/StringTable.h"
 #include "Ui/ListFilter.h"
 #include "Ui/ListView.h"
@@ -39,8 +39,11 @@ void DatabaseTablePage::OnSetActive()
     tableList->setRows(0, {});
     tables.clear();
     listTables(); // may raise the database's error; the list is empty then
-    tableList->setRows(static_cast<int>(tables.size()),
-                       [this](std::size_t row, std::size_t column) { return tables[row][column]; });
+    tableList->setRows(static_cast<int>(tables.size()), [this](std::size_t row, int column) {
+        const auto& [name, type, remarks] = tables[row];
+        const CString* const texts[] = {&name.name, &type, &name.qualifier, &name.owner, &remarks};
+        return *texts[column];
+    });
 }
 
 void DatabaseTablePage::listTables()
@@ -51,7 +54,7 @@ void DatabaseTablePage::listTables()
         CTables found(wizard->database.get());
         isOpen = found.Open(nullptr, nullptr, nullptr, "'TABLE'", CRecordset::snapshot) != 0;
         for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
-            tables.push_back({found.tableName, found.tableType, found.tableQualifier, found.tableOwner, found.remarks});
+            tables.push_back({found.queryName(), found.tableType, found.remarks});
     });
     if (isOpen)
         return;
@@ -68,11 +71,18 @@ LRESULT DatabaseTablePage::OnWizardNext()
         return -1;
     const WaitCursor wait;
     CString names;
+    std::vector<ChosenTable> chosen;
     wizard->script = {wizard->script.source, wizard->options.queryPath(), wizard->script.sourceUser};
     for (const int row : selected) {
-        wizard->script.tables.push_back(tableList->cell(row, 0));
-        names += wizard->script.tables.back() + '\n';
+        chosen.push_back({tables[static_cast<std::size_t>(row)].name, ChosenTable::listed});
+        const ChosenTable& table = chosen.back();
+        if (!table.isNamable())
+            continue;
+        wizard->script.tables.push_back(table.table.name);
+        names += table.table.name + '\n';
     }
+    if (auto* importer = dynamic_cast<ODBCMessage*>(wizard->message.get()))
+        importer->setChosen(std::move(chosen));
     sheet()->runLong([&] { wizard->message->parseData(names, wizard->options.queryPath()); });
     wizard->options.setEditBack(IDD_DATABASE_TABLE);
     return IDD_EDIT;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Database/Tables.h"
 #include "Wizard/Pages/QELPage.h"
 
-#include <array>
 #include <vector>
 
 class ListView;
@@ -19,8 +19,15 @@ public:
     LRESULT OnWizardBack() override { return IDD_DATA_SOURCE; }
 
 private:
+    struct Row
+    {
+        TableName name;
+        CString type;
+        CString remarks;
+    };
+
     void listTables();
 
     ListView* tableList = nullptr;
-    std::vector<std::array<CString, 5>> tables; // the rows of the list
+    std::vector<Row> tables; // the rows of the list
 };
