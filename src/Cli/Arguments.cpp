@@ -64,7 +64,9 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
                    "                            number, with --full also folders of files\n"
                    "  @FILE                     Take further arguments from this file, one a line\n");
     app.add_flag("--recursive", arguments.isRecursive, "Take the files of folders below a folder, too");
-    app.add_option("-t,--table", arguments.tables, "odbc: import this table, repeatable (default: all)")
+    app.add_option("-t,--table", arguments.tables,
+                   "odbc: import this table, repeatable (default: all); SCHEMA.TABLE or DATABASE.TABLE picks one of "
+                   "several, _ and % match any character and text")
         ->type_name("NAME")
         ->allow_extra_args(false);
 }
@@ -139,6 +141,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     std::vector<CString> words;
     CString answer;
     addSourceOptions(group("Input"), arguments, words);
+    addSourceLogonOptions(app, arguments.sourceLogon);
     addReadingOptions(group("Reading"), arguments);
     addOutputOptions(group("Output"), arguments);
     addLogonOptions(group("Broker"), arguments.logon);
@@ -191,6 +194,10 @@ CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
                (importer.hasFull() && !arguments.full.isWanted ? "; with --full it reads several" : "");
     if (!arguments.logon.user.empty() && !arguments.usesBroker() && !importer.querySource().readsTables)
         return "--user: there is nobody to log on to without --create";
+    if (!arguments.sourceLogon.user.empty() && !importer.querySource().readsTables)
+        return "--source-user: " + word + " reads no tables";
+    if (!arguments.sourceLogon.user.empty() && !arguments.logon.user.empty() && !arguments.usesBroker())
+        return "--user: without --create it is the database's user, as --source-user is";
     if (!arguments.tables.empty() && !importer.querySource().readsTables)
         return "--table: " + word + " reads no tables";
     return {};

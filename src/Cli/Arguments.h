@@ -35,10 +35,17 @@ struct Arguments
     DependencyOptions dependencies;
     ReportOptions report;
     LogonOptions logon;
+    LogonOptions sourceLogon = {"", "", "--source-password-file", " at the database"};
     CreateOptions create;
 
     /// Whether there is a broker to log on to.
     bool usesBroker() const { return !create.address.empty() || diff.isRepository(); }
+
+    /// As whom the data source of tables is opened.
+    const LogonOptions& databaseLogon() const
+    {
+        return sourceLogon.user.empty() && !usesBroker() ? logon : sourceLogon;
+    }
 };
 
 /// Reads the command line. When there is nothing to import (help, version, a mistake) everything that there is to say

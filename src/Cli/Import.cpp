@@ -148,6 +148,7 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
     std::vector<CString> others = files;
     others.push_back(arguments.diff.document == "-" ? "" : arguments.diff.document);
     others.push_back(arguments.logon.passwordFile);
+    others.push_back(arguments.sourceLogon.passwordFile);
     if (arguments.output.empty() || arguments.output == "-")
         others.push_back(kStandardOutput); // which may lead to a file
     if (arguments.report.file == "-")
@@ -184,6 +185,15 @@ TypeSource sourceOf(const MsgUIDescriptor& importer, const CString& source)
     return importer.querySource().readsTables ? tableSource(source) : fileSource(source);
 }
 
+int createOnBroker(MsgBase& message, const MsgUIDescriptor& importer, const CString& source, const Arguments& arguments)
+{
+    const int status =
+        createTypes(message, sourceOf(importer, source), arguments.create, arguments.logon, arguments.verbosity);
+    if (status == kFailed && arguments.logon.user.empty() && !arguments.sourceLogon.user.empty())
+        report("--source-user is the user of the database; --user logs on to the broker");
+    return status;
+}
+
 } // namespace
 
 int runImport(Arguments arguments)
@@ -211,11 +221,9 @@ int runImport(Arguments arguments)
     if (!isReported)
         return arguments.diff.document.empty() ? kNotWritten : failedStatus;
     if (!arguments.create.address.empty())
-        return createTypes(*message,
-                           sourceOf(*importer, arguments.sources.size() > 1 && source != arguments.sources.front()
-                                                   ? source
-                                                   : files.front()),
-                           arguments.create, arguments.logon, arguments.verbosity);
+        return createOnBroker(
+            *message, *importer,
+            arguments.sources.size() > 1 && source != arguments.sources.front() ? source : files.front(), arguments);
     const int status = writeResult(*message, arguments, diagnostics);
     const DependencyOptions& dependencies = arguments.dependencies;
     if (status == kDone && !dependencies.file.empty() &&

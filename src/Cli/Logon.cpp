@@ -11,8 +11,19 @@
 
 void addLogonOptions(CLI::App& app, LogonOptions& options)
 {
-    CLI::Option* const user = app.add_option("--user", options.user, "Log on as this user")->type_name("NAME");
+    CLI::Option* const user =
+        app.add_option("--user", options.user, "Log on as this user (without --create: to the database)")
+            ->type_name("NAME");
     app.add_option("--password-file", options.passwordFile, "Read the password from this file's first line")
+        ->type_name("FILE")
+        ->needs(user);
+}
+
+void addSourceLogonOptions(CLI::App& app, LogonOptions& options)
+{
+    CLI::Option* const user =
+        app.add_option("--source-user", options.user, "odbc: log on to the database as this user")->type_name("NAME");
+    app.add_option("--source-password-file", options.passwordFile, "Read that password from this file's first line")
         ->type_name("FILE")
         ->needs(user);
 }
@@ -21,9 +32,10 @@ void readPassword(const LogonOptions& options, CString& password)
 {
     keepOutOfCores();
     if (options.passwordFile.empty()) {
-        const Asked asked = askTerminal("Password for " + options.user + ": ", password);
+        const Asked asked = askTerminal("Password for " + options.user + options.place + ": ", password);
         if (asked == Asked::noTerminal)
-            throw std::runtime_error("there is no terminal to ask for the password; use --password-file");
+            throw std::runtime_error(CString("there is no terminal to ask for the password; use ") +
+                                     options.fileOption);
         if (asked == Asked::givenUp)
             throw std::runtime_error("no password was given");
         return;

@@ -39,8 +39,9 @@ CString ScriptCommand::text(const MsgBase& message) const
     if (const auto* full = dynamic_cast<const FullMessage*>(&message))
         line += " --full" + option("--root", full->queryRoot());
     line += option("--output", output);
-    if (output.empty()) // the only user that the command takes is then the broker's
-        line += option("--create", address) + option("--user", user) + option("--overwrite", overwrite);
+    if (output.empty()) // --user is then the broker's
+        line += option("--create", address) + option("--user", user) + option("--source-user", sourceUser) +
+                option("--overwrite", overwrite);
     else
         line += option("--user", sourceUser);
     return line;
