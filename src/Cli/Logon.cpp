@@ -23,7 +23,8 @@ void addSourceLogonOptions(CLI::App& app, LogonOptions& options)
 {
     CLI::Option* const user =
         app.add_option("--source-user", options.user, "odbc: log on to the database as this user")->type_name("NAME");
-    app.add_option("--source-password-file", options.passwordFile, "Read that password from this file's first line")
+    app.add_option("--source-password-file", options.passwordFile,
+                   "odbc: read that password from this file's first line")
         ->type_name("FILE")
         ->needs(user);
 }
