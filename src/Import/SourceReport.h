@@ -83,6 +83,7 @@ public:
         tableUnnamed, ///< it can't be asked for: its name is empty, blank or of several lines
         severalTables,
         tableHidden, ///< by another one of its name, which was read instead
+
         // Details.
         sgmlException,
         anyContent,
