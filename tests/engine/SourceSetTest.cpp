@@ -112,6 +112,13 @@ TEST_F(SchemaSets, AmbiguousRootIsRefusedWithItsCandidates)
     }
 }
 
+TEST_F(SchemaSets, ASourceThatIsNoneIsRefused)
+{
+    message.setFurtherFiles({folder.write("a", "<a/>")});
+    EXPECT_EQ(import(kParts), 0);
+    EXPECT_THAT(boxes.take(), testing::ElementsAre(folder.path("a") + " is no schema."));
+}
+
 // The folder of a namespace is the end of its URI, as much as tells it from the others.
 TEST_F(SchemaSets, FoldersAreNamedByTheirUris)
 {

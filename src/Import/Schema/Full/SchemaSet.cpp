@@ -49,8 +49,11 @@ void SchemaSet::load(const CString& fileName)
     loaded.push_back(document);
     if (id)
         parsed.emplace(*id, document);
-    if (tree.documents[document].root == 0)
-        return;
+    if (tree.documents[document].root == 0) {
+        if (document > 0)
+            throw SourceRefusal{fileName + " is no schema.", {fileName, "it is no schema"}};
+        return; // and nothing is declared
+    }
     if (id)
         entered.emplace(std::pair(*id, tree.documents[document].space), document);
     followAll(document);
