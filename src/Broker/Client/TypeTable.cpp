@@ -1,5 +1,7 @@
 #include "Broker/Client/TypeTable.h"
 
+#include "Database/Statement.h"
+
 #include <optional>
 #include <string_view>
 
@@ -23,6 +25,10 @@ constexpr char kProbeSources[] =
     "SELECT name, document, revision, source, source_time, source_revision FROM typeforge_types WHERE false "
     "ON CONFLICT (name) DO UPDATE SET document = excluded.document, source = excluded.source";
 
+constexpr char kMissingRights[] =
+    "SELECT string_agg(needed, ', ') FROM unnest(ARRAY['SELECT', 'INSERT', 'UPDATE']) needed "
+    "WHERE NOT has_table_privilege('typeforge_types', needed)";
+
 // What stands in the way of a statement; nothing if it runs. Raises a busy database's error.
 std::optional<CDBException> attempt(CDatabase& database, const char* sql)
 {
@@ -36,6 +42,27 @@ std::optional<CDBException> attempt(CDatabase& database, const char* sql)
     }
 }
 
+// The rights on the table that the role lacks, ", " between them; empty if it has them or there is no table.
+CString missingRights(CDatabase& database)
+{
+    try {
+        return CStatement(database, kMissingRights).execute().at(0).at(0);
+    } catch (const CDBException& error) {
+        if (isBusy(database, error))
+            throw;
+        return {}; // also where a file has no rights
+    }
+}
+
+// The server's words are on what can't be made where the table is there.
+[[noreturn]] void raiseMissing(CDatabase& database, const CDBException& failure)
+{
+    const CString rights = missingRights(database);
+    if (rights.empty())
+        throw failure;
+    throw CDBException("42501", 0, "The table typeforge_types exists, but this user has no right to " + rights + " it");
+}
+
 // Making the table comes second: it needs a right that whoever only adds types may lack, also where the table is
 // there. Where it fails because another has just made it, the second probe tells.
 void findOrMakeTable(CDatabase& database)
@@ -44,7 +71,7 @@ void findOrMakeTable(CDatabase& database)
         return;
     const std::optional<CDBException> failure = attempt(database, kCreateTable);
     if (const std::optional<CDBException> missing = attempt(database, kProbe))
-        throw failure ? *failure : *missing;
+        raiseMissing(database, failure ? *failure : *missing);
 }
 
 // Each column for itself: another program may be adding them too, or have been interrupted.
