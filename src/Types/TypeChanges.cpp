@@ -35,12 +35,6 @@ CString inWords(const CString& repeats)
     return repeats.empty() ? "once" : repeats == "*" ? "repeated" : repeats;
 }
 
-// As the type's document writes it: one backslash between folder and name, whichever of the two has it.
-std::string_view plainName(std::string_view name)
-{
-    return name.starts_with("\\\\") ? name.substr(1) : name;
-}
-
 // The types of one side by the names under which they are compared.
 class Side
 {
@@ -51,7 +45,7 @@ public:
     {
         names.reserve(structure.size());
         for (std::uint32_t type = 0; type < structure.size(); ++type) {
-            names.push_back(compared(plainName(structure.queryFullName(type))));
+            names.push_back(compared(structure.queryFullName(type)));
             numbers.emplace(names.back(), type);
         }
     }
@@ -208,7 +202,7 @@ CString commonFolder(const TypeStructure& structure)
 {
     std::string_view common;
     for (std::uint32_t type = 0; type < structure.size(); ++type) {
-        const std::string_view name = plainName(structure.queryFullName(type));
+        const std::string_view name = structure.queryFullName(type);
         if (type == 0)
             common = name;
         const std::size_t same = static_cast<std::size_t>(std::ranges::mismatch(common, name).in1 - common.begin());

@@ -13,6 +13,12 @@ bool holdsComponent(const Element& element)
     return element.queryType() == Element::typeTable || element.queryType() == Element::typeArray;
 }
 
+// One backslash between folder and name, whichever of the two has it.
+std::string_view plainName(std::string_view name)
+{
+    return name.starts_with("\\\\") ? name.substr(1) : name;
+}
+
 } // namespace
 
 std::string_view shortName(std::string_view fullName)
@@ -25,7 +31,7 @@ TypeStructure::TypeStructure(MsgBase& message)
     const auto count = static_cast<std::size_t>(message.beginEnum());
     index.reserve(count);
     while (const Element* element = message.enumNext()) {
-        types.push_back({element, size(), element->queryPath() + element->queryName()});
+        types.push_back({element, size(), CString(plainName(element->queryPath() + element->queryName()))});
         index.store(&types.back());
     }
     numberElements();
@@ -54,7 +60,7 @@ std::size_t TypeStructure::slotOf(const Element* element) const
 
 std::uint32_t TypeStructure::find(std::string_view fullName) const
 {
-    const Type* type = index.find(fullName);
+    const Type* type = index.find(plainName(fullName));
     return type ? type->number : kNone;
 }
 

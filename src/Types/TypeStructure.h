@@ -51,7 +51,7 @@ public:
     std::uint32_t size() const { return static_cast<std::uint32_t>(types.size()); }
     const Element& operator[](std::uint32_t type) const { return *types[type].element; }
 
-    /// Folder and name.
+    /// Folder and name, with one backslash between them where both have one.
     const CString& queryFullName(std::uint32_t type) const { return types[type].fullName; }
 
     /// The type of that full name, the last one where several have it, or kNone.
