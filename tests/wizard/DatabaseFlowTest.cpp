@@ -1,3 +1,4 @@
+#include "TestFolders.h"
 #include "Ui/ListView.h"
 #include "support/Servers.h"
 #include "support/Types.h"
@@ -126,6 +127,22 @@ TEST_F(DatabaseFlow, AsksForTheLogonShowsTheDriversWordsAndGoesOn)
     choose(IDC_DATA_SOURCES, 1);
     choose(IDC_TABLES, 0);
     EXPECT_EQ(desk.page(), IDD_EDIT);
+}
+
+TEST_F(DatabaseFlow, ADriverThatCrashesIsABoxAndTheNextTryWorks)
+{
+    start("[Shaky]\nDriver=" TEST_BUILD_DIR "/libtest_driver.so\n");
+    setenv("TEST_DRIVER_CRASHES", "", 1);
+    choose(IDC_DATA_SOURCES, 0);
+    EXPECT_THAT(desk.boxes.take(),
+                testing::ElementsAre("The driver of the data source Shaky has crashed (Aborted); the connection is "
+                                     "closed (SQLSTATE 08S01)"));
+    unsetenv("TEST_DRIVER_CRASHES");
+    if (desk.page() == IDD_DATABASE_TABLE)
+        desk.click("back");
+    choose(IDC_DATA_SOURCES, 0);
+    EXPECT_EQ(desk.page(), IDD_DATABASE_TABLE);
+    EXPECT_THAT(desk.boxes.take(), testing::IsEmpty());
 }
 
 } // namespace

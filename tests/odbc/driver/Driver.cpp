@@ -1,6 +1,7 @@
 // An ODBC driver for one connection, whose answers a test writes by hand. "Rows=FILE" of the connection string names
 // them: a line for each row, its values apart by tabs, an empty one null; a line "!TEXT" is a fetch that fails with
-// TEXT. "Without=N" takes the function with ODBC's number N out of it, "Statements=0" its statements.
+// TEXT. "Without=N" takes the function with ODBC's number N out of it, "Statements=0" its statements. With
+// TEST_DRIVER_CRASHES in the environment its catalogue ends the process.
 
 #include <sql.h>
 #include <sqlext.h>
@@ -69,6 +70,8 @@ SQLRETURN SQLColumns(SQLHSTMT statement, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMA
                      SQLSMALLINT)
 {
     auto& [rows, columns, executing] = *static_cast<Statement*>(statement);
+    if (std::getenv("TEST_DRIVER_CRASHES"))
+        std::abort();
     executing = !executing;
     if (!executing)
         rows.open(word("Rows"));

@@ -1,0 +1,114 @@
+#include "TestFolders.h"
+#include "odbc/Import.h"
+#include "support/ImportCommand.h"
+#include "support/Servers.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Case
+{
+    CString arguments;
+    Answer answer;
+};
+
+// Each case is the import of "$source", which its answer calls S.
+void expectAnswers(const TempDir& folder, const CString& source, const std::vector<Case>& cases)
+{
+    for (const auto& [arguments, expected] : cases) {
+        Answer answer = runShell(folder, "source='" + source +
+                                             "'; logon='--user typeforge --password-file password'; export "
+                                             "XDG_DATA_HOME=$PWD; $import odbc \"$source\" " +
+                                             arguments);
+        for (std::size_t at; (at = answer.err.find(source)) != CString::npos;)
+            answer.err.replace(at, source.size(), "S");
+        EXPECT_EQ(expected, answer) << arguments;
+    }
+}
+
+CString typeOf(const CString& field)
+{
+    return "<BROKERTYPEDESCRIPTION NAME=\"\\t\"><ROW><FIELD NAME=\"" + field +
+           "\" TYPE=\"Number\"/></ROW></BROKERTYPEDESCRIPTION>";
+}
+
+void execute(const DatabaseServer& server, const CString& database, const CString& sql)
+{
+    CDatabase connection;
+    connection.Open(server.connection(database), CDatabase::readWrite, server.logon());
+    connection.ExecuteSQL(sql);
+}
+
+} // namespace
+
+TEST(TableChoice, PicksTheTableOfASchemaAndTellsTheOthers)
+{
+    const PostgresServer server;
+    execute(server, "postgres",
+            "CREATE SCHEMA a; CREATE SCHEMA b; CREATE TABLE a.t (x int); CREATE TABLE b.t (y int); CREATE TABLE "
+            "\"a.dot\" (z int); CREATE TABLE a.dot (n int); CREATE TABLE u (v int); CREATE TABLE a.u (w int)");
+    const TempDir folder;
+    folder.write("password", server.password);
+    const CString ofSource = "--source-user typeforge --source-password-file password ", program = "typeforge-import: ";
+    expectAnswers(folder, server.connection("postgres"),
+                  {{"$logon -t a.t --type t", {0, typeOf("x"), ""}},
+                   {"$logon -t postgres.b.t --type t", {0, typeOf("y"), ""}},
+                   {"$logon -t a.dot -l", {0, "\\a.dot\t\n", ""}},
+                   {"$logon -t t -l --report - -q",
+                    {0, "\\t\t\n",
+                     "1 loss\nt: columns of several tables in one record: a.t, b.t\n\n1 record of several tables\n1 "
+                     "type, 2 fields: 2 typed, 0 left text\n"}},
+                   {"$logon --strict",
+                    {1, "",
+                     "t: error: columns of several tables in one record: a.t, b.t\n"
+                     "u: error: table instead of which another of its name was read: a.u\n"}},
+                   {"$logon -t c.t -q", {1, "", "S: error: there is no table called c.t\n"}},
+                   {"$logon -t a.t -t b.t",
+                    {1, "",
+                     program + "a.t and b.t would be one type, t; import them one by one, each with a --base-path of "
+                               "its own\n"}},
+                   {"-t a.t --create local " + ofSource, {0, "t created successfully\n", ""}},
+                   {"-t a.t --create local $logon",
+                    {1, "",
+                     "S: error: connection to server at \"127.0.0.1\", port " + std::to_string(server.port) +
+                         " failed: fe_sendauth: no password supplied (SQLSTATE 08001); --source-user logs on to the "
+                         "database\n"}},
+                   {"$logon " + ofSource,
+                    {2, "",
+                     program + "--user: without --create it is the database's user, as --source-user is\nTry "
+                               "typeforge-import --help\n"}}});
+}
+
+TEST(TableChoice, PicksTheTableOfADatabase)
+{
+    const MariaDbServer server;
+    execute(server, "", "CREATE DATABASE one");
+    execute(server, "", "CREATE DATABASE two");
+    execute(server, "one", "CREATE TABLE t (x int)");
+    execute(server, "two", "CREATE TABLE t (y int)");
+    const TempDir folder;
+    folder.write("password", server.password);
+    expectAnswers(folder, server.connection(""),
+                  {{"$logon -t one.t --type t", {0, typeOf("x"), ""}},
+                   {"$logon -t two.t --type t", {0, typeOf("y"), ""}},
+                   {"$logon -t t -l",
+                    {0, "\\t\t\n", "S: warning: 1 loss: 1 record of several tables; --report FILE lists it\n"}}});
+    expectAnswers(folder, server.connection("two"), {{"$logon -t t --type t", {0, typeOf("y"), ""}}});
+}
+
+TEST(TableChoice, TellsTablesThatCantBeNamed)
+{
+    const TempDir folder;
+    const CString source = "Driver=SQLite3;Database=" + folder.path("odd") + ";";
+    for (const CString name : {"", " ", "two\nlines", " led", "z", "a_", "aa"})
+        Connected(source).database.ExecuteSQL("CREATE TABLE \"" + name + "\" (x int)");
+    const CString left = "S: error: table whose name can't be asked for: ";
+    expectAnswers(folder, source,
+                  {{"-l -t aa -t z", {0, "\\z\t\n\\aa\t\n", ""}},
+                   {"-l --strict",
+                    {1, "",
+                     left + "\"\"\n" + left + "\" \"\n" + left + "\" led\"\n" + left +
+                         "\"two lines\"\na_: error: columns of several tables in one record: a_, aa\n"}},
+                   {"-t a_ -q -o d; $import odbc \"$source\" -t a_ -q --diff d", {0, "", ""}}});
+}
