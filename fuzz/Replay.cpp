@@ -1,8 +1,10 @@
-// Stands in for the fuzzer in a plain build: hands every file of the folders that are named to the target, once.
+// Stands in for the fuzzer in a plain build: hands every file of the folders that are named to the target, once. Each
+// is named before that, so that the last name is the one where a target ends or hangs.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <string>
 
@@ -12,9 +14,12 @@ int main(int argc, char** argv)
 {
     std::size_t count = 0;
     for (int i = 1; i < argc; ++i) {
-        for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
+        const std::filesystem::directory_iterator folder(argv[i]);
+        for (const std::filesystem::path& file : std::set<std::filesystem::path>(begin(folder), end(folder))) {
+            std::printf("%s\n", file.c_str());
+            std::fflush(stdout);
             std::ostringstream bytes;
-            bytes << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+            bytes << std::ifstream(file, std::ios::binary).rdbuf();
             const std::string input = bytes.str();
             LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
             ++count;
