@@ -278,6 +278,9 @@ removed table \sys\rosettanet\r\t_b [type-removed]
 not compatible: it breaks readers
 )",
           ""}},
+        {"echo '<!ELEMENT r (b+)>' >s.dtd; $import s.dtd -q --diff r.xml",
+         {1, "removed field \\sys\\rosettanet\\r\\r.a: String [field-removed]\nnot compatible: it breaks readers\n",
+          ""}},
         // Another folder is one line, and types are compared as if they were in the same.
         {"$import r.dtd -b '\\acme' --diff - <r.xml",
          {1,

@@ -111,6 +111,11 @@ const Rule kRules[] = {
      "<z:element name='b' xmlns:y='http://www.w3.org/1999/XMLSchema' "
      "type='y:long'/></z:all></z:complexType></z:schema>",
      "r(a:Number b:Number)"},
+    {"PrefixBoundInAnElementEndsWithIt",
+     ROOT(SEQUENCE("<annotation xmlns:t='urn:o'><appinfo xmlns:t='urn:p'/></annotation>"
+                   "<element name='a' xmlns:t='http://www.w3.org/2001/XMLSchema' type='t:int'/>"
+                   "<element name='b' type='t:S'/>")) TYPE("S", SEQUENCE("<element name='x'/>")),
+     "S(x:String) r(a:Number b:S)"},
     {"ForeignMarkupIsNoSchema",
      ROOT(SEQUENCE("<x:element xmlns:x='urn:x' name='lost'><element name='lost'/></x:element><annotation><appinfo>"
                    "<element name='lost'/></appinfo></annotation><element name='a'/>")),

@@ -5,6 +5,7 @@
 #include <QGraphicsView>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QRegularExpression>
 #include <QTreeView>
 #include <gmock/gmock.h>
 
@@ -166,6 +167,12 @@ TEST(TypeWindow, FindsRoundTheEndsAndCopies)
     seen.push_back(QApplication::clipboard()->text().toStdString());
     EXPECT_EQ(seen, (Texts{"104", "195", "104Went on from the start.", "195Went on from the end.",
                            "There is no \"no such\".", "FIELD"}));
+
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    answerFileDialog(desk.dir.path("a.xml"));
+    desk.window<QAbstractButton>("save")->click();
+    const QString shown = text.toPlainText(); // each tag on a line of its own, as the file has them not
+    EXPECT_EQ(TempDir::read(desk.dir.path("a.xml")), QString(shown).remove(QRegularExpression("\n *")).toStdString());
 }
 
 TEST(PictureOfTypes, IsZoomedMovedAndSaved)
