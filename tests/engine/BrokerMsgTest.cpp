@@ -50,7 +50,7 @@ class Broker : public Importing<BrokerMessage>
 TEST_F(Broker, GivesTypes)
 {
     for (const Case& row : kDocuments)
-        EXPECT_EQ(typesOfFile("<p:Main xmlns:p='u'>\r\n" + row.in + "</p:Main>"), row.out) << row.name;
+        EXPECT_EQ(typesOfFile("<p:Main xmlns:p='u'>\r\n" + row.in + "</p:Main>"), row.out) << row;
     EXPECT_EQ(message.queryMainTypeName(), "Main");
 }
 

@@ -86,7 +86,7 @@ const Case kLoads[] = {
 TEST(DomLoad, GivesExactly)
 {
     for (const Case& row : kLoads)
-        EXPECT_EQ(loaded(row.in), row.out) << row.name;
+        EXPECT_EQ(loaded(row.in), row.out) << row;
 }
 
 TEST(DomLoad, TellsTheSystemsReason)
@@ -96,7 +96,7 @@ TEST(DomLoad, TellsTheSystemsReason)
     for (const auto& [path, reason] :
          {std::pair(folder.path("none"), "No such file or directory"), std::pair(folder.path(), "Is a directory")}) {
         EXPECT_FALSE(document.load(path));
-        EXPECT_EQ(document.parseError().reason, reason);
+        EXPECT_EQ(document.parseError().reason, reason) << path;
         EXPECT_EQ(document.parseError().line + document.parseError().linepos, 0);
     }
 }

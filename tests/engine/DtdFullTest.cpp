@@ -170,7 +170,7 @@ TEST_P(DtdRule, GivesTypesAndReport)
         folder.write(name, text);
     EXPECT_EQ(import(GetParam().dtd), 1);
     EXPECT_EQ(fullTypesOf(message), GetParam().types) << GetParam().dtd;
-    EXPECT_EQ(reportOf(message, folder.path()), GetParam().report);
+    EXPECT_EQ(reportOf(message, folder.path()), GetParam().report) << GetParam().dtd;
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, DtdRule, testing::ValuesIn(kRules), [](const auto& row) { return row.param.name; });

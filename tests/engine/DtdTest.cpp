@@ -70,7 +70,7 @@ TEST_F(Dtd, GivesTypes)
     for (const Case& row : kDtds) {
         DTDMessage fresh;
         EXPECT_EQ(fresh.parseData(row.in, "\\b\\") + fresh.parseData(row.in, "\\b\\"), 2) << "nothing stays";
-        EXPECT_EQ(typesOf(fresh), row.out) << row.name << ": " << row.in;
+        EXPECT_EQ(typesOf(fresh), row.out) << row;
         boxes.take();
     }
 }
@@ -82,7 +82,7 @@ TEST_F(Dtd, AttlistThatCannotBeSplitIsReportedAndTheRestGoesOn)
                                          std::pair(" x>", "y:R(z:S)"), std::pair(" >", "y:R(z:S)")}) {
         EXPECT_EQ(message.parseData(CString("<!ATTLIST") + attlist + "<!ELEMENT y (z)>", "\\"), 1);
         EXPECT_THAT(boxes.take(), testing::ElementsAre(CString("Can not parse DTD statement:\n") + attlist));
-        EXPECT_EQ(typesOf(message), types);
+        EXPECT_EQ(typesOf(message), types) << attlist;
     }
 }
 

@@ -87,7 +87,7 @@ TEST(QELString, ChangesLeaveTextAndStorage)
     for (const Change& row : kChanges) {
         S s(row.start.c_str());
         row.change(s);
-        EXPECT_EQ(in(s), row.text) << row.name;
+        EXPECT_EQ(in(s), row.text) << row.name << ": " << row.start;
         EXPECT_EQ(s.queryCapacity(), row.capacity) << row.name;
     }
 }
@@ -183,7 +183,7 @@ TEST(QELString, SplitsAtFirstOrLast)
         const int right = s.splitr('=', a, b);
         result = result + " " + nstr(right) + " " + parts();
         s.splitName('=', a, b);
-        EXPECT_STREQ(result + " " + parts(), row[1]);
+        EXPECT_STREQ(result + " " + parts(), row[1]) << row[0];
     }
 }
 
@@ -213,7 +213,7 @@ TEST(QELStringIterator, HandsOutEveryPart)
     for (const auto& row : rows) {
         QELStringIterator parts(row[0]);
         parts.beginEnum(',');
-        EXPECT_EQ(partsOf(parts), row[1]);
+        EXPECT_EQ(partsOf(parts), row[1]) << row[0];
     }
 }
 

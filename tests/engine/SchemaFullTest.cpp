@@ -335,7 +335,7 @@ TEST_P(SchemaRule, GivesTypes)
     for (const auto& [name, content] : GetParam().others)
         folder.write(name, content);
     message.setRoot(GetParam().root);
-    EXPECT_EQ(typesOfSchema(GetParam().schema), GetParam().types);
+    EXPECT_EQ(typesOfSchema(GetParam().schema), GetParam().types) << GetParam().schema;
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, SchemaRule, testing::ValuesIn(kRules), [](const auto& row) { return row.param.name; });

@@ -94,7 +94,7 @@ TEST_F(SchemaInclude, GraphBecomesTheModel)
             writeSchema(dir, name, declarations);
         writeSchema(dir, "p.xsd", PARTY("name"));
         EXPECT_EQ(message.parseFile(writeSchema(dir, row.mainName, row.mainFile), "\\"), 1) << row.name;
-        EXPECT_EQ(modelOf(message), row.model) << row.name;
+        EXPECT_EQ(modelOf(message), row.model) << row.name << ": " << row.mainFile;
     }
 }
 

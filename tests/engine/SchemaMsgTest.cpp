@@ -147,8 +147,8 @@ TEST_F(SchemaMsg, DeclarationsBecomeTheModel)
         SchemaMessage fresh;
         const int status = fresh.parseFile(writeSchema(folder, "a.xsd", row.schema), "\\");
         EXPECT_EQ(status, row.boxes == std::vector<CString>{kNoRoot} ? 0 : 1) << row.name;
-        EXPECT_EQ(modelOf(fresh), row.model) << row.name;
-        EXPECT_EQ(boxes.take(), row.boxes) << row.name;
+        EXPECT_EQ(modelOf(fresh), row.model) << row.name << ": " << row.schema;
+        EXPECT_EQ(boxes.take(), row.boxes) << row.name << ": " << row.schema;
     }
 }
 

@@ -34,7 +34,7 @@ class XMLData : public Importing<XMLDataMessage>
 TEST_F(XMLData, GivesTypes)
 {
     for (const Case& row : kInstances)
-        EXPECT_EQ(typesOfFile(row.in), row.out) << row.name;
+        EXPECT_EQ(typesOfFile(row.in), row.out) << row;
 }
 
 TEST_F(XMLData, NamesMainTypeAndFolderAfterTheRootsTag)

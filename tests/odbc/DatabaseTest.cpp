@@ -93,7 +93,7 @@ TEST(Database, TablesOfEachKindBecomeRecordsUnderAnyName)
               CString("CREATE TABLE \"it's\" (\"100%\" int)"), CString("CREATE TABLE a_b (x int)"),
               CString("CREATE TABLE \"aXb\" (y date)")})
             window.database.ExecuteSQL(statement);
-        EXPECT_EQ(importTables("t\n"), "t(a:N b:N c:N d:N e:N f:S g:S h:S i:T j:T k:T" + row.fields);
+        EXPECT_EQ(importTables("t\n"), "t(a:N b:N c:N d:N e:N f:S g:S h:S i:T j:T k:T" + row.fields) << row.kind;
         EXPECT_EQ(importTables("größe € x\nit's\n"), "it's(100%:N)größe € x(ein feld:N a\"b:N)") << row.kind;
         EXPECT_THAT(importTables("a_b\n"), testing::AnyOf("a_b(x:N y:T)", "a_b(y:T x:N)")) << "a pattern";
     }
@@ -297,8 +297,9 @@ TEST(Database, ARefusedLogonIsToldFromOtherFailures)
         EXPECT_THAT([&] { database.Open(failure.source, CDatabase::readOnly, failure.logon); },
                     testing::Throws<CDBException>(testing::AllOf(
                         testing::Property(&CDBException::what, testing::EndsWith(" (SQLSTATE " + failure.state + ")")),
-                        testing::Property(&CDBException::isLogonRefused, failure.refused))));
-        EXPECT_FALSE(database.IsOpen());
+                        testing::Property(&CDBException::isLogonRefused, failure.refused))))
+            << failure.source;
+        EXPECT_FALSE(database.IsOpen()) << failure.source;
     }
 }
 
@@ -439,5 +440,6 @@ TEST(Database, TheCommandLineImportsADataSource)
           "(SQLSTATE IM002)\n"}},
     };
     for (const auto& run : cases)
-        EXPECT_EQ(runShell(folder, "export ODBCINI=cli.ini; setsid -w $import odbc " + run.arguments), run.answer);
+        EXPECT_EQ(runShell(folder, "export ODBCINI=cli.ini; setsid -w $import odbc " + run.arguments), run.answer)
+            << run.arguments;
 }

@@ -73,7 +73,7 @@ TEST_F(Recordset, CutsLongTextsBetweenCharacters)
     CTables tables(&window.database);
     tables.Open(nullptr, nullptr, nullptr, nullptr);
     for (const auto& [given, kept] : cases) {
-        EXPECT_EQ(tables.tableName, kept);
+        EXPECT_EQ(tables.tableName, kept) << given;
         tables.MoveNext();
     }
 }
@@ -94,7 +94,7 @@ TEST_F(Recordset, NamesEndAtTheFirstEmptyOneAndLoseTheSpacesAroundThem)
 {
     const Connected window(catalogue(kColumn));
     for (const auto& [names, records] : {std::pair(" x \ny", "y(a:S)x(a:S)"), {"x\n\ny\n", "x(a:S)"}, {"", ""}})
-        EXPECT_EQ(importTables(names), records);
+        EXPECT_EQ(importTables(names), records) << names;
 }
 
 TEST_F(Recordset, WithoutTheCatalogueATableIsARecordWithoutFields)

@@ -6,11 +6,18 @@
 
 #include <gmock/gmock.h>
 
+#include <ostream>
+
 /// A row of a table of cases: the fault it catches, what goes in and what must come out.
 struct Case
 {
     const char* name;
     CString in, out;
+
+    friend std::ostream& operator<<(std::ostream& stream, const Case& row)
+    {
+        return stream << row.name << ": " << row.in.substr(0, 1000);
+    }
 };
 
 /// An importer with a folder for its files; a box that the test doesn't take fails it.

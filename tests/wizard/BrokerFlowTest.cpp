@@ -112,7 +112,7 @@ TEST(LoginPage, ChecksItsFieldsAndMovesTheFocus)
         BrokerDesk desk;
         desk.logOn(row.server, row.port, row.user, row.password);
         desk.click("next");
-        SCOPED_TRACE(testing::PrintToString(&row - kLogons));
+        SCOPED_TRACE(testing::Message() << row.server << ':' << row.port << ' ' << (row.user ? row.user : "trusted"));
         EXPECT_EQ(desk.page(), row.page);
         EXPECT_EQ(desk.boxes.take(), row.box ? Texts{row.box} : Texts{});
         if (row.focus != 0) {

@@ -49,7 +49,7 @@ TEST(ImporterPage, ListsTheImportersAndTakesTheBasePath)
         EXPECT_EQ(desk.text(IDC_OBJECT_PATH), "\\sys\\rosettanet\\");
         desk.control<QLineEdit>(IDC_OBJECT_PATH).setText(typed);
         desk.click("next");
-        EXPECT_EQ(desk.wizard().options.queryPath(), path);
+        EXPECT_EQ(desk.wizard().options.queryPath(), path) << typed;
         desk.click("back");
     }
 }
@@ -355,6 +355,7 @@ TEST(List, FiltersSortsAndCopies)
 {
     const std::pair<const char*, const char*> cells[] = {{"b", ""}, {"A", ""}, {"c", "like b"}};
     for (const Arrangement& row : kArrangements) {
+        SCOPED_TRACE(testing::Message() << row.clicks << " clicks, filter " << row.filter);
         ListView list({{"Name", 50}, {"Description", 50}}, "Rows");
         ListFilter filter(list, "row");
         list.setRows(3, [&](int at, int column) { return column == 0 ? cells[at].first : cells[at].second; });
@@ -408,7 +409,7 @@ TEST(List, SelectsByKeyboardAlone)
             QTest::keyClicks(QApplication::focusWidget(), row.filter);
         }
         QTest::keyClick(QApplication::focusWidget(), row.key);
-        EXPECT_EQ(list->selectedRow(), row.selected) << row.rows;
+        EXPECT_EQ(list->selectedRow(), row.selected) << row.rows << " rows, filter " << row.filter;
         EXPECT_EQ(filter->findChild<QLabel*>("count")->text(), row.count);
     }
 }
