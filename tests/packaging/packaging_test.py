@@ -59,10 +59,13 @@ class Packaging(unittest.TestCase):
 
     def test_the_desktop_accepts_its_files(self):
         manual = "man --warnings --local-file -Tutf8 -Z ./typeforge"
-        for command in ["desktop-file-validate org.typeforge.typeforge.desktop", manual + ".1", manual + "-import.1",
-                        "appstreamcli validate --no-net org.typeforge.typeforge.metainfo.xml"]:
+        for command in ["desktop-file-validate org.typeforge.typeforge.desktop", manual + ".1", manual + "-import.1"]:
             status, out, err = run(*command.split())
             self.assertEqual((0, ""), (status, err), command + "\n" + out)
+        # There is no home page to name, which newer versions warn of.
+        _, out, err = run("appstreamcli", "validate", "--no-net", "org.typeforge.typeforge.metainfo.xml")
+        self.assertIn("Validation ", out + err)
+        self.assertEqual([], [row for row in out.split("\n") if re.match("[EW]: ", row) and "url-homepage-missing" not in row])
 
     def test_help_pages_lead_to_one_another(self):
         carried = re.findall(r"<file>help/(.*)</file>", read(SOURCE + "/src/Resources/wizard.qrc"))
