@@ -162,10 +162,10 @@ SourceTypes::Index FullMessage::recordOf(SourceTypes& types, Index candidate)
     const SourceTypes::Candidate& element = types.candidates[candidate];
     if (element.isAbstract || element.hasAbstractType)
         report.add(SourceReport::mainTypeAbstract, element.place, element.name);
-    if (element.type.kind == SourceTypes::kindRecord)
+    if (element.type.kind == SourceTypes::kindRecord && element.repeats == 0)
         return element.type.index;
+    const SourceTypes::Field value{"value", {}, element.type, SourceTypes::roleValue, element.repeats};
     const Index record = types.addRecord({element.name, {}, element.place, SourceTypes::kNone, element.space});
-    const SourceTypes::Field value{"value", {}, element.type, SourceTypes::roleValue};
     types.setFields(record, std::span(&value, 1));
     return record;
 }
@@ -192,12 +192,10 @@ Element* FullMessage::declareType(Declaring& declaring, Index space, std::string
 void FullMessage::declareRecord(Declaring& declaring, Index index)
 {
     for (const SourceTypes::Field& field : declaring.types.fieldsOf(index)) {
-        const SourceTypes::Type component =
-            field.type.kind == SourceTypes::kindTable ? declaring.types.tables[field.type.index].component : field.type;
-        if (component.kind == SourceTypes::kindEnumeration && !declaring.enumerations[component.index])
-            declareEnumeration(declaring, component.index);
+        if (field.type.kind == SourceTypes::kindEnumeration && !declaring.enumerations[field.type.index])
+            declareEnumeration(declaring, field.type.index);
         if (field.type.kind == SourceTypes::kindTable && !declaring.tables[field.type.index])
-            declareTable(declaring, field.type.index);
+            declareTables(declaring, field.type.index);
     }
     const SourceTypes::Record& record = declaring.types.records[index];
     Element* row = declareType(declaring, record.space, record.name, record.description, Element::typeRow);
@@ -214,6 +212,20 @@ void FullMessage::declareEnumeration(Declaring& declaring, Index index)
     for (const std::string_view constant : declaring.types.constantsOf(index))
         model.addElement({}, declaring.paths[enumeration.space], declaring.name.assign(constant), Element::typeString,
                          type);
+}
+
+// What tables inside each other hold comes before them.
+void FullMessage::declareTables(Declaring& declaring, Index outer)
+{
+    std::vector<Index> tables;
+    SourceTypes::Type component{SourceTypes::kindTable, outer};
+    for (; component.kind == SourceTypes::kindTable; component = declaring.types.tables[component.index].component)
+        tables.push_back(component.index);
+    if (component.kind == SourceTypes::kindEnumeration && !declaring.enumerations[component.index])
+        declareEnumeration(declaring, component.index);
+    for (auto table = tables.rbegin(); table != tables.rend(); ++table)
+        if (!declaring.tables[*table])
+            declareTable(declaring, *table);
 }
 
 // A table holds its component as its child, or the ordering would put it before that. A child has the path of its type,

@@ -70,6 +70,7 @@ private:
     Index recordOf(SourceTypes& types, Index candidate);
     void declareRecord(Declaring& declaring, Index record);
     void declareEnumeration(Declaring& declaring, Index enumeration);
+    void declareTables(Declaring& declaring, Index outer);
     void declareTable(Declaring& declaring, Index table);
     void declareField(Declaring& declaring, const SourceTypes::Field& field, Element* record);
     static const CString& typeName(Declaring& declaring, SourceTypes::Type type);

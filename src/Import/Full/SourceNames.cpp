@@ -99,8 +99,9 @@ void SourceNames::nameType(Field& field, Index record)
 {
     if (field.type.kind == SourceTypes::kindEnumeration)
         nameEnumeration(field.type.index, types.records[record].place, record);
-    if (field.repeats)
-        nameTable(field, record);
+    CString prefix;
+    for (std::uint16_t depth = 0; depth < field.repeats; ++depth)
+        nameTable(field, prefix += kTablePrefix, record);
 }
 
 void SourceNames::nameUnused()
@@ -122,13 +123,14 @@ void SourceNames::nameEnumeration(Index index, SourcePlace place, Index home)
         noteChange(place, wanted, enumeration.name);
 }
 
-void SourceNames::nameTable(Field& field, Index record)
+// `prefix` has a "t_" for each table inside each other.
+void SourceNames::nameTable(Field& field, std::string_view prefix, Index record)
 {
     const Index space = types.records[record].space;
     const auto [known, isNew] =
         tables.try_emplace({field.name, field.type, space}, static_cast<Index>(types.tables.size()));
     if (isNew)
-        types.tables.push_back({unique(kTablePrefix, field.name, record, space), field.type, space});
+        types.tables.push_back({unique(prefix, field.name, record, space), field.type, space});
     field.type = {SourceTypes::kindTable, known->second};
 }
 

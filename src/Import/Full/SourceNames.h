@@ -54,7 +54,7 @@ private:
     void nameFields(Index record);
     void nameType(Field& field, Index record);
     void nameEnumeration(Index enumeration, SourcePlace place, Index home);
-    void nameTable(Field& field, Index record);
+    void nameTable(Field& field, std::string_view prefix, Index record);
     std::string_view unique(std::string_view prefix, std::string_view name, Index home, Index space);
     void noteChange(SourcePlace place, std::string_view from, std::string_view to);
 

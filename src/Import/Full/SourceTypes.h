@@ -49,9 +49,9 @@ public:
     {
         std::string_view name; ///< as the source says it; lives as long as the types, see keep()
         std::string_view description{};
-        Type type;
+        Type type{};
         Role role = roleElement;
-        bool repeats = false;
+        std::uint16_t repeats = 0; ///< how many tables inside each other hold its values
     };
 
     struct Record
@@ -91,10 +91,11 @@ public:
         bool isAbstract = false;
         SourcePlace place{};
         bool hasAbstractType = false;
-        std::string_view uri{}; ///< its namespace
-        Index source = 0;       ///< the source of a set that declares it; kNone: a document that a source names does
-        bool isType = false;    ///< a type rather than an element; it is a main type only where it is asked for
-        Index space = 0;        ///< see spaceOf()
+        std::string_view uri{};    ///< its namespace
+        Index source = 0;          ///< the source of a set that declares it; kNone: a document that a source names does
+        bool isType = false;       ///< a type rather than an element; it is a main type only where it is asked for
+        Index space = 0;           ///< see spaceOf()
+        std::uint16_t repeats = 0; ///< as of a field
     };
 
     /// A namespace in which types have their names to themselves.

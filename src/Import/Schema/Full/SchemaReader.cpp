@@ -1,11 +1,11 @@
 #include "Import/Schema/Full/SchemaReader.h"
 
+#include "Import/Full/Descriptions.h"
+
 #include <algorithm>
 #include <array>
 
 namespace {
-
-constexpr std::size_t kLongestDescription = 255;
 
 /// 0, 1, or 2 for more often; what makes no sense counts as 1.
 std::uint8_t occursOf(std::string_view value)
@@ -19,28 +19,6 @@ std::uint8_t occursOf(std::string_view value)
     if (value.empty())
         return 0;
     return value == "1" ? 1 : 2;
-}
-
-/// Appends `text` with each run of white space as one space, as long as there is room for it.
-void appendCollapsed(CString& out, std::string_view text)
-{
-    constexpr std::size_t longestCharacter = 4;
-    for (std::size_t i = 0; i < text.size() && out.size() <= longestCharacter * kLongestDescription; ++i) {
-        if (kWhitespace.find(text[i]) == std::string_view::npos)
-            out += text[i];
-        else if (!out.empty() && out.back() != ' ')
-            out += ' ';
-    }
-}
-
-/// The first characters of a text in UTF-8.
-std::string_view firstCharacters(std::string_view text, std::size_t count)
-{
-    const auto isFirstByte = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
-    std::size_t at = 0;
-    while (at < text.size() && (!isFirstByte(text[at]) || count-- > 0))
-        ++at;
-    return text.substr(0, at);
 }
 
 } // namespace
@@ -161,7 +139,7 @@ void SchemaReader::text(std::string_view text)
 void SchemaReader::keepDocumentation()
 {
     SchemaNode& node = tree.nodes[open.back().lastChild];
-    const std::string_view said = trimmed(firstCharacters(documentation, kLongestDescription));
+    const std::string_view said = shortDescription(documentation);
     if (said.empty() || node.documentation != 0)
         return;
     node.documentation = static_cast<std::uint32_t>(tree.documentations.size());
