@@ -4,6 +4,7 @@
 #include "Base/KeyedTable.h"
 
 #include <deque>
+#include <optional>
 
 /// Texts by number: equal texts have equal numbers, which rise from 0, the empty text.
 class NameTable
@@ -22,6 +23,13 @@ public:
         const auto id = static_cast<Id>(names.size());
         index.store(&names.emplace_back(Name{texts.keep(text), id}), hash);
         return id;
+    }
+
+    /// The number of a text that has one.
+    std::optional<Id> find(std::string_view text) const
+    {
+        const Name* known = index.find(text, keyHash(text));
+        return known ? std::optional(known->id) : std::nullopt;
     }
 
     /// Valid as long as the table.

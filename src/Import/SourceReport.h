@@ -84,7 +84,11 @@ public:
         severalTables,
         tableHidden, ///< by another one of its name, which was read instead
 
-        // Details.
+        kindsDiffer,       ///< of one value: it is a record if one of them is, else text
+        furtherProperties, ///< of any name, beside fields
+        keyTwice,          ///< in one object: the last one holds
+        bytesPassedOver,   ///< a field that no type can hold
+                         // Details.
         sgmlException,
         anyContent,
         mixedContent,

@@ -1,0 +1,255 @@
+// Reads JSON and YAML into a tree.
+#include "Import/Json/JsonScanner.h"
+#include "Import/Json/JsonTree.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <optional>
+#include <utility>
+#include <yaml.h>
+
+namespace {
+
+using Index = JsonNode::Index;
+
+Index readJson(std::string_view text, JsonBuilder& builder)
+{
+    JsonScanner scanner(text);
+    for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
+        switch (token) {
+        case JsonScanner::key:
+            builder.key(scanner.text());
+            break;
+        case JsonScanner::objectBegin:
+        case JsonScanner::arrayBegin:
+            builder.add(token == JsonScanner::objectBegin ? JsonNode::object : JsonNode::array, {}, scanner.line(),
+                        scanner.column());
+            break;
+        case JsonScanner::objectEnd:
+        case JsonScanner::arrayEnd:
+            builder.end();
+            break;
+        default:
+            builder.add(token == JsonScanner::string    ? JsonNode::string
+                        : token == JsonScanner::number  ? JsonNode::number
+                        : token == JsonScanner::boolean ? JsonNode::boolean
+                                                        : JsonNode::null,
+                        token == JsonScanner::null ? std::string_view() : scanner.text(), scanner.line(),
+                        scanner.column());
+        }
+    }
+    return builder.root();
+}
+
+bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words)
+{
+    for (const std::string_view word : words)
+        if (text == word)
+            return true;
+    return false;
+}
+
+// What a plain scalar is by YAML's core schema (https://yaml.org/spec/1.2.2/#103-core-schema).
+JsonNode::Kind kindOfPlain(std::string_view text)
+{
+    if (isOneOf(text, {"", "~", "null", "Null", "NULL"}))
+        return JsonNode::null;
+    if (isOneOf(text, {"true", "True", "TRUE", "false", "False", "FALSE"}))
+        return JsonNode::boolean;
+    if (text.front() == '-' || text.front() == '+')
+        text.remove_prefix(1);
+    if (isOneOf(text, {".inf", ".Inf", ".INF", ".nan", ".NaN", ".NAN"}))
+        return JsonNode::number;
+    const bool isPrefixed = text.starts_with("0x") || text.starts_with("0o");
+    if (isPrefixed)
+        return text.size() > 2 && text.find_first_not_of("0123456789abcdefABCDEF", 2) == text.npos ? JsonNode::number
+                                                                                                   : JsonNode::string;
+    std::size_t digits = 0, at = 0;
+    const auto skip = [&] {
+        for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at)
+            ++digits;
+    };
+    skip();
+    if (at < text.size() && text[at] == '.') {
+        ++at;
+        skip();
+    }
+    if (digits == 0)
+        return JsonNode::string;
+    if (at < text.size() && lowerAscii(text[at]) == 'e') {
+        at += at + 1 < text.size() && (text[at + 1] == '-' || text[at + 1] == '+') ? 2 : 1;
+        digits = 0;
+        skip();
+    }
+    return digits > 0 && at == text.size() ? JsonNode::number : JsonNode::string;
+}
+
+/// Reads the one document of a YAML stream. Aliases are nodes that stand for others, so nothing is expanded.
+class YamlReader
+{
+public:
+    YamlReader(std::string_view text, JsonBuilder& builder, JsonTree& tree) : builder(builder), tree(tree)
+    {
+        if (!yaml_parser_initialize(&parser))
+            throw std::bad_alloc();
+        yaml_parser_set_input_string(&parser, reinterpret_cast<const unsigned char*>(text.data()), text.size());
+    }
+    ~YamlReader() { yaml_parser_delete(&parser); }
+    YamlReader(const YamlReader&) = delete;
+    YamlReader& operator=(const YamlReader&) = delete;
+
+    Index read()
+    {
+        for (bool isOver = false; !isOver;) {
+            yaml_event_t event;
+            if (!yaml_parser_parse(&parser, &event))
+                fail(parser.problem ? parser.problem : "no YAML", parser.problem_mark);
+            const std::unique_ptr<yaml_event_t, void (*)(yaml_event_t*)> owner(&event, yaml_event_delete);
+            isOver = event.type == YAML_STREAM_END_EVENT;
+            take(event);
+        }
+        return builder.root();
+    }
+
+private:
+    // Where the next scalar of a mapping is a key.
+    struct Mapping
+    {
+        bool isKeyNext = true;
+        Index merged = 0; // the member "<<": mappings whose members are taken over
+        bool isMergeNext = false;
+    };
+
+    [[noreturn]] static void fail(const CString& reason, const yaml_mark_t& mark)
+    {
+        throw JsonFault{reason, static_cast<std::uint32_t>(mark.line + 1), static_cast<std::uint32_t>(mark.column + 1)};
+    }
+
+    static std::string_view textOf(const unsigned char* text)
+    {
+        return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
+    }
+
+    bool isKey() const { return !open.empty() && open.back() && open.back()->isKeyNext; }
+
+    void take(const yaml_event_t& event)
+    {
+        switch (event.type) {
+        case YAML_DOCUMENT_START_EVENT:
+            if (builder.root() != 0)
+                fail("a second document begins, and one is read", event.start_mark);
+            break;
+        case YAML_SCALAR_EVENT:
+            takeScalar(event);
+            break;
+        case YAML_ALIAS_EVENT:
+            takeAlias(event);
+            break;
+        case YAML_MAPPING_START_EVENT:
+            begin(JsonNode::object, textOf(event.data.mapping_start.anchor), event.start_mark);
+            break;
+        case YAML_SEQUENCE_START_EVENT:
+            begin(JsonNode::array, textOf(event.data.sequence_start.anchor), event.start_mark);
+            break;
+        case YAML_MAPPING_END_EVENT:
+        case YAML_SEQUENCE_END_EVENT:
+            if (open.back() && open.back()->merged != 0)
+                merge(open.back()->merged);
+            builder.end();
+            open.pop_back();
+            break;
+        default:
+            break;
+        }
+    }
+
+    Index add(JsonNode::Kind kind, std::string_view text, const yaml_mark_t& mark)
+    {
+        const Index made = builder.add(kind, text, static_cast<std::uint32_t>(mark.line + 1),
+                                       static_cast<std::uint32_t>(mark.column + 1));
+        if (!open.empty() && open.back()) {
+            Mapping& mapping = *open.back();
+            mapping.isKeyNext = true;
+            if (std::exchange(mapping.isMergeNext, false))
+                mapping.merged = made;
+        }
+        return made;
+    }
+
+    // https://yaml.org/type/merge.html
+    void merge(Index member)
+    {
+        builder.drop(member);
+        const Index source = tree.target(member);
+        if (tree.is(source, JsonNode::object))
+            builder.merge(source);
+        else if (tree.is(source, JsonNode::array))
+            for (Index at = tree[source].firstChild; at != 0; at = tree[at].next)
+                builder.merge(tree.target(at));
+    }
+
+    void takeScalar(const yaml_event_t& event)
+    {
+        const auto& scalar = event.data.scalar;
+        const std::string_view text(reinterpret_cast<const char*>(scalar.value), scalar.length);
+        if (isKey()) {
+            builder.key(text);
+            open.back()->isKeyNext = false;
+            open.back()->isMergeNext = text == "<<" && scalar.style == YAML_PLAIN_SCALAR_STYLE;
+            return;
+        }
+        const bool isText = scalar.style != YAML_PLAIN_SCALAR_STYLE || textOf(scalar.tag) == YAML_STR_TAG;
+        const JsonNode::Kind kind = isText ? JsonNode::string : kindOfPlain(text);
+        keepAnchor(textOf(scalar.anchor), add(kind, kind == JsonNode::null ? "" : text, event.start_mark));
+    }
+
+    void takeAlias(const yaml_event_t& event)
+    {
+        const auto found = anchors.find(tree.names.intern(textOf(event.data.alias.anchor)));
+        if (isKey())
+            fail("a key that is no text", event.start_mark);
+        if (found == anchors.end() || builder.isOpen(found->second))
+            fail("an alias of nothing that stands before it", event.start_mark);
+        tree[add(JsonNode::alias, {}, event.start_mark)].firstChild = tree.target(found->second);
+    }
+
+    void begin(JsonNode::Kind kind, std::string_view anchor, const yaml_mark_t& mark)
+    {
+        if (isKey())
+            fail("a key that is no text", mark);
+        if (open.size() == JsonScanner::kMaxDepth)
+            fail("more than " + std::to_string(JsonScanner::kMaxDepth) + " levels of nesting, which is the bound",
+                 mark);
+        keepAnchor(anchor, add(kind, {}, mark));
+        open.push_back(kind == JsonNode::object ? std::optional(Mapping()) : std::nullopt);
+    }
+
+    void keepAnchor(std::string_view anchor, Index node)
+    {
+        if (!anchor.empty())
+            anchors[tree.names.intern(anchor)] = node;
+    }
+
+    yaml_parser_t parser;
+    JsonBuilder& builder;
+    JsonTree& tree;
+    std::vector<std::optional<Mapping>> open; // nothing for a sequence
+    std::unordered_map<NameTable::Id, Index> anchors;
+};
+
+bool endsWith(std::string_view name, std::string_view ending)
+{
+    return name.size() >= ending.size() && isSameAscii(name.substr(name.size() - ending.size()), ending);
+}
+
+} // namespace
+
+JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, JsonBuilder& builder)
+{
+    const bool isNamedYaml = endsWith(fileName, ".yaml") || endsWith(fileName, ".yml");
+    std::string_view start = text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
+    start.remove_prefix(std::min(start.size(), start.find_first_not_of(" \t\r\n")));
+    const bool isJson = start.empty() || start.front() == '{' || start.front() == '[' || endsWith(fileName, ".json");
+    return isNamedYaml || !isJson ? YamlReader(text, builder, tree).read() : readJson(text, builder);
+}

@@ -1,0 +1,308 @@
+#include "Import/Json/JsonScanner.h"
+
+#include "Base/Utf8.h"
+#include "Files/File.h"
+#include "Files/FileMessage.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+namespace {
+
+constexpr std::size_t kBuffer = 1 << 18;
+constexpr std::size_t kLongText = 1 << 12; // what is kept of a longer string
+constexpr std::size_t kLongestCharacter = 4;
+
+// The bytes that a string doesn't simply go on with.
+constexpr auto kSpecial = [] {
+    std::array<bool, 256> special{};
+    for (std::size_t c = 0; c < special.size(); ++c)
+        special[c] = c < ' ' || c == '"' || c == '\\' || c >= 0x80;
+    return special;
+}();
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+} // namespace
+
+JsonScanner::JsonScanner(std::string_view text) : data(text)
+{
+    if (data.starts_with("\xEF\xBB\xBF"))
+        at = 3;
+    lineOffset = at;
+}
+
+JsonScanner::JsonScanner(InputFile& file) : file(&file), buffer(kBuffer)
+{
+    while (data.size() < 3 && refill()) {
+    }
+    if (data.starts_with("\xEF\xBB\xBF"))
+        at = 3;
+    lineOffset = at;
+}
+
+// Reads on behind what the buffer still has to keep; a token that fills it makes it larger.
+bool JsonScanner::refill()
+{
+    if (!file)
+        return false;
+    const std::size_t from = std::min(kept, at), left = data.size() - from;
+    std::copy_n(data.data() + from, left, buffer.data());
+    if (left == buffer.size())
+        buffer.resize(2 * buffer.size());
+    const ssize_t size = file->read(buffer.data() + left, buffer.size() - left);
+    if (size < 0)
+        fail(inWords(errno));
+    consumed += from;
+    at -= from;
+    kept = kept == CString::npos ? kept : 0;
+    data = {buffer.data(), left + static_cast<std::size_t>(size)};
+    return size > 0;
+}
+
+void JsonScanner::fail(const CString& reason)
+{
+    throw JsonFault{reason, lines, static_cast<std::uint32_t>(offset() - lineOffset + 1)};
+}
+
+void JsonScanner::skipSpace()
+{
+    while (!isAtEnd()) {
+        const char c = data[at];
+        if (c == '\n') {
+            ++lines;
+            lineOffset = offset() + 1;
+        } else if (c != ' ' && c != '\t' && c != '\r') {
+            return;
+        }
+        ++at;
+    }
+}
+
+JsonScanner::Token JsonScanner::next()
+{
+    skipSpace();
+    if (isObject.empty() && (state == afterValue || file)) {
+        if (isAtEnd())
+            return end;
+        if (!file)
+            fail("text behind the end");
+        state = value;
+    }
+    if (state == afterValue) {
+        if (peek() != ',')
+            return close();
+        ++at;
+        skipSpace();
+        state = isObject.back() ? nextKey : value;
+    }
+    notePlace();
+    if (state == firstKey || state == nextKey)
+        return state == firstKey && peek() == '}' ? close() : scanKey();
+    return state == firstValue && peek() == ']' ? close() : scanValue();
+}
+
+void JsonScanner::notePlace()
+{
+    tokenLine = lines;
+    tokenColumn = static_cast<std::uint32_t>(offset() - lineOffset + 1);
+}
+
+// The key is copied where looking for the colon might move it.
+JsonScanner::Token JsonScanner::scanKey()
+{
+    if (peek() != '"')
+        fail("a key is expected");
+    scanString(true);
+    if (file && (at == data.size() || data[at] != ':') && token.data() != unescaped.data())
+        token = unescaped.assign(token);
+    skipSpace();
+    if (peek() != ':')
+        fail("a colon is expected behind the key");
+    ++at;
+    state = value;
+    return key;
+}
+
+JsonScanner::Token JsonScanner::scanValue()
+{
+    const char c = peek();
+    if (c == '{' || c == '[')
+        return open(c == '{');
+    state = afterValue;
+    if (c == '"') {
+        scanString(false);
+        return string;
+    }
+    kept = at;
+    Token kind = number;
+    if (c == 't' || c == 'f' || c == 'n') {
+        scanWord(c == 't' ? "true" : c == 'f' ? "false" : "null");
+        kind = c == 'n' ? null : boolean;
+    } else {
+        scanNumber();
+    }
+    token = data.substr(kept, at - kept);
+    kept = CString::npos;
+    return kind;
+}
+
+JsonScanner::Token JsonScanner::open(bool object)
+{
+    if (isObject.size() == kMaxDepth)
+        fail("more than " + std::to_string(kMaxDepth) + " levels of nesting, which is the bound");
+    ++at;
+    isObject.push_back(object);
+    state = object ? firstKey : firstValue;
+    return object ? objectBegin : arrayBegin;
+}
+
+JsonScanner::Token JsonScanner::close()
+{
+    const bool object = isObject.back();
+    if (peek() != (object ? '}' : ']'))
+        fail(isAtEnd() ? CString("the text ends too early")
+                       : CString("a comma or \"") + (object ? "}" : "]") + "\" is expected");
+    notePlace();
+    ++at;
+    isObject.pop_back();
+    state = afterValue;
+    return object ? objectEnd : arrayEnd;
+}
+
+// A text without escapes stays where it stands; the others, and the beginnings of long ones, are put together.
+void JsonScanner::scanString(bool isKey)
+{
+    const std::size_t longest = file && !isKey ? kLongText : CString::npos;
+    bool isPieced = false;
+    unescaped.clear();
+    kept = ++at;
+    const auto takePiece = [&] {
+        if (unescaped.size() < longest)
+            unescaped.append(data, kept, at - kept);
+        isPieced = true;
+    };
+    for (;;) {
+        if (data.size() - at < kLongestCharacter && longest != CString::npos) {
+            takePiece();
+            kept = at;
+        }
+        if (isAtEnd())
+            fail("the text ends in a string");
+        const std::size_t size = data.size();
+        while (at < size && !kSpecial[static_cast<unsigned char>(data[at])])
+            ++at;
+        if (at == size)
+            continue;
+        const char c = data[at];
+        if (c == '"')
+            break;
+        if (c == '\\') {
+            takePiece();
+            scanEscape();
+            kept = at;
+        } else if (static_cast<unsigned char>(c) < ' ') {
+            fail("a control character in a string");
+        } else {
+            while (data.size() - at < kLongestCharacter && refill()) {
+            }
+            if (decodeUtf8(data, at) == kNoUtf8)
+                fail("the bytes are no UTF-8");
+        }
+    }
+    if (isPieced)
+        takePiece();
+    token = isPieced ? std::string_view(unescaped) : data.substr(kept, at - kept);
+    kept = CString::npos;
+    ++at;
+}
+
+// A surrogate without its other half becomes U+FFFD.
+void JsonScanner::scanEscape()
+{
+    constexpr std::string_view letters = "\"\\/bfnrt", meanings = "\"\\/\b\f\n\r\t";
+    constexpr std::uint32_t replacement = 0xFFFD;
+    kept = at++;
+    const char c = peek();
+    if (c != 'u') {
+        const std::size_t which = letters.find(c);
+        if (isAtEnd() || which == std::string_view::npos)
+            fail("an escape that JSON doesn't know");
+        unescaped += meanings[which];
+        ++at;
+        return;
+    }
+    ++at;
+    std::uint32_t code = scanHex();
+    const bool isHigh = code >= 0xD800 && code < 0xDC00;
+    while (isHigh && data.size() - at < 2 && refill()) {
+    }
+    if (isHigh && data.substr(at).starts_with("\\u")) {
+        at += 2;
+        const std::uint32_t low = scanHex();
+        if (low >= 0xDC00 && low < 0xE000) {
+            code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
+        } else {
+            appendUtf8(unescaped, replacement);
+            code = low;
+        }
+    }
+    appendUtf8(unescaped, code >= 0xD800 && code < 0xE000 ? replacement : code);
+}
+
+std::uint32_t JsonScanner::scanHex()
+{
+    std::uint32_t code = 0;
+    for (int i = 0; i < 4; ++i, ++at) {
+        const char c = lowerAscii(peek());
+        if (!isDigit(c) && (c < 'a' || c > 'f'))
+            fail("four hexadecimal digits are expected");
+        code = code << 4 | static_cast<std::uint32_t>(isDigit(c) ? c - '0' : c - 'a' + 10);
+    }
+    return code;
+}
+
+void JsonScanner::scanNumber()
+{
+    if (peek() == '-')
+        ++at;
+    if (isAtEnd())
+        fail("the text ends too early");
+    if (!isDigit(peek()))
+        fail("a value is expected");
+    if (peek() == '0')
+        ++at;
+    else
+        scanDigits();
+    if (peek() == '.') {
+        ++at;
+        scanDigits();
+    }
+    if (lowerAscii(peek()) == 'e') {
+        ++at;
+        if (peek() == '+' || peek() == '-')
+            ++at;
+        scanDigits();
+    }
+}
+
+void JsonScanner::scanDigits()
+{
+    if (!isDigit(peek()))
+        fail("a digit is expected");
+    while (isDigit(peek()))
+        ++at;
+}
+
+void JsonScanner::scanWord(std::string_view word)
+{
+    for (const char c : word) {
+        if (peek() != c || isAtEnd())
+            fail("a value is expected");
+        ++at;
+    }
+}

@@ -1,0 +1,228 @@
+#include "Import/Json/JsonTree.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace {
+
+using Index = JsonNode::Index;
+
+constexpr std::size_t kMaxNodes = 8'000'000;
+constexpr std::size_t kFewMembers = 16;
+constexpr std::size_t kFarBehind = 10'000; // in an array; a pointer counts no further
+
+constexpr std::string_view kWords[] = {
+#define WORD(name) #name,
+    JSON_WORDS(WORD)
+#undef WORD
+        "$ref",
+    "$dynamicRef",
+    "$recursiveRef",
+    "$schema",
+    "$id",
+    "$anchor",
+    "$dynamicAnchor",
+    "$defs",
+    "if",
+    "else",
+    "enum",
+    "const",
+    "default",
+    "not",
+    "namespace",
+    "null",
+    "date-time"};
+static_assert(std::size(kWords) + 1 == static_cast<std::size_t>(JsonWord::wordCount));
+
+std::uint64_t memberKey(Index object, NameTable::Id key)
+{
+    return static_cast<std::uint64_t>(object) << 32 | key;
+}
+
+} // namespace
+
+JsonTree::JsonTree() : nodes(1)
+{
+    for (const std::string_view word : kWords)
+        names.intern(word);
+}
+
+JsonNode::Index JsonTree::find(Index object, NameTable::Id key) const
+{
+    object = target(object);
+    if (nodes[object].kind != JsonNode::object)
+        return 0;
+    if (nodes[object].isLarge) {
+        const auto found = members.find(memberKey(object, key));
+        return found == members.end() ? 0 : target(found->second);
+    }
+    Index at = nodes[object].firstChild;
+    while (at != 0 && nodes[at].key != key)
+        at = nodes[at].next;
+    return target(at);
+}
+
+JsonNode::Index JsonTree::find(Index object, std::string_view key) const
+{
+    const auto known = names.find(key);
+    return known ? find(object, *known) : 0;
+}
+
+JsonNode::Index JsonTree::find(Index object, JsonWord key, JsonNode::Kind kind) const
+{
+    const Index found = find(object, key);
+    return nodes[found].kind == kind ? found : 0;
+}
+
+std::string_view JsonTree::textOf(Index object, JsonWord key) const
+{
+    return text(find(object, key, JsonNode::string));
+}
+
+JsonNode::Index JsonTree::add(JsonNode::Kind kind, Index parent, Index last, NameTable::Id key, Index place)
+{
+    const auto made = static_cast<Index>(nodes.size());
+    JsonNode node;
+    node.kind = kind;
+    node.parent = parent;
+    node.key = key;
+    node.document = nodes[place].document;
+    node.line = nodes[place].line;
+    node.column = nodes[place].column;
+    nodes.push_back(node);
+    if (last != 0)
+        nodes[last].next = made;
+    else if (parent != 0)
+        nodes[parent].firstChild = made;
+    return made;
+}
+
+void JsonTree::index(Index object)
+{
+    nodes[object].isLarge = true;
+    for (Index at = nodes[object].firstChild; at != 0; at = nodes[at].next)
+        members[memberKey(object, nodes[at].key)] = at;
+}
+
+CString JsonTree::pointerTo(Index node) const
+{
+    std::vector<CString> steps;
+    for (; nodes[node].parent != 0; node = nodes[node].parent) {
+        const Index parent = nodes[node].parent;
+        CString step;
+        if (nodes[parent].kind == JsonNode::object) {
+            for (const char c : key(node))
+                step += c == '~' ? "~0" : c == '/' ? "~1" : CString(1, c);
+        } else {
+            std::size_t position = 0;
+            for (Index at = nodes[parent].firstChild; at != node && at != 0 && position < kFarBehind;
+                 at = nodes[at].next)
+                ++position;
+            step = std::to_string(position);
+        }
+        steps.push_back(std::move(step));
+    }
+    CString pointer = "#";
+    for (auto step = steps.rbegin(); step != steps.rend(); ++step)
+        pointer += "/" + *step;
+    return pointer;
+}
+
+JsonBuilder::JsonBuilder(JsonTree& tree, const SourceTypes& types, SourceReport& report, std::uint32_t document) :
+    tree(tree), types(types), report(report), document(document)
+{}
+
+JsonNode::Index JsonBuilder::add(JsonNode::Kind kind, std::string_view text, std::uint32_t line, std::uint32_t column)
+{
+    if (tree.size() > kMaxNodes)
+        types.refuse(std::to_string(kMaxNodes) + " values");
+    Level* const level = open.empty() ? nullptr : &open.back();
+    const Index made = tree.add(kind, level ? level->node : 0, level ? level->last : 0, nextKey, 0);
+    nextKey = 0;
+    JsonNode& node = tree[made];
+    node.text = text.empty() ? 0 : tree.names.intern(text);
+    node.document = document;
+    node.line = line;
+    node.column = column;
+    if (level) {
+        level->last = made;
+        ++level->count;
+    }
+    if (first == 0)
+        first = made;
+    if (kind == JsonNode::object || kind == JsonNode::array)
+        open.push_back({made});
+    return made;
+}
+
+void JsonBuilder::addAlias(Index target, std::uint32_t line, std::uint32_t column)
+{
+    const Index made = add(JsonNode::alias, {}, line, column);
+    tree[made].firstChild = tree.target(target);
+}
+
+// What is merged stands before the keys of the mapping itself, which so hold; the earlier of several sources, too.
+void JsonBuilder::merge(Index source)
+{
+    Level& level = open.back();
+    std::unordered_set<NameTable::Id> met;
+    for (Index at = tree[level.node].firstChild; at != 0; at = tree[at].next)
+        met.insert(tree[at].key);
+    for (Index at = tree[source].firstChild; at != 0; at = tree[at].next)
+        if (met.insert(tree[at].key).second) {
+            nextKey = tree[at].key;
+            addAlias(at, tree[at].line, tree[at].column);
+        }
+}
+
+void JsonBuilder::drop(Index member)
+{
+    Level& level = open.back();
+    Index before = 0;
+    for (Index at = tree[level.node].firstChild; at != member; at = tree[at].next)
+        before = at;
+    (before == 0 ? tree[level.node].firstChild : tree[before].next) = tree[member].next;
+    if (level.last == member)
+        level.last = before;
+    --level.count;
+}
+
+void JsonBuilder::end()
+{
+    const Level level = open.back();
+    open.pop_back();
+    if (tree[level.node].kind == JsonNode::object && level.count > 1)
+        dropDuplicates(level);
+}
+
+bool JsonBuilder::isOpen(Index node) const
+{
+    return std::ranges::find(open, node, &Level::node) != open.end();
+}
+
+void JsonBuilder::dropDuplicates(const Level& level)
+{
+    std::vector<Index> all;
+    for (Index at = tree[level.node].firstChild; at != 0; at = tree[at].next)
+        all.push_back(at);
+    std::unordered_set<NameTable::Id> met;
+    std::vector<Index> kept;
+    for (auto at = all.rbegin(); at != all.rend(); ++at) {
+        const NameTable::Id key = tree[*at].key;
+        const bool isLast = all.size() <= kFewMembers
+                                ? std::ranges::none_of(kept, [&](Index later) { return tree[later].key == key; })
+                                : met.insert(key).second;
+        if (isLast)
+            kept.push_back(*at);
+        else
+            report.add(SourceReport::keyTwice, tree.placeOf(*at), tree.key(*at));
+    }
+    Index next = 0;
+    for (const Index at : kept) {
+        tree[at].next = next;
+        next = at;
+    }
+    tree[level.node].firstChild = next;
+    if (kept.size() > kFewMembers)
+        tree.index(level.node);
+}
