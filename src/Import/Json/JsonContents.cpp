@@ -1,0 +1,328 @@
+#include "Import/Json/JsonContents.h"
+
+#include "Base/Progress.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+using Index = JsonNode::Index;
+using Kind = JsonContent::Kind;
+
+constexpr std::size_t kFewFields = 16;
+constexpr std::size_t kMaxKept = 4'000'000;   // fields and constants
+constexpr std::size_t kMaxSteps = 20'000'000; // schemas that are made of many others can be many
+
+} // namespace
+
+bool JsonContents::isDeclared(Index schema) const
+{
+    const Index parent = tree[schema].parent;
+    if (parent == 0)
+        return documents.rootOf(schema) == schema;
+    const JsonWord key = tree.keyOf(parent);
+    return tree.is(parent, JsonNode::object) &&
+           (key == JsonWord::defs || key == JsonWord::definitions || key == JsonWord::schemas);
+}
+
+void JsonContents::step(std::size_t count)
+{
+    steps += count;
+    if (steps > kMaxSteps)
+        types.refuse(std::to_string(kMaxSteps) + " parts of schemas");
+    if (fields.size() + constants.size() > kMaxKept)
+        types.refuse(std::to_string(kMaxKept) + " fields in parts of schemas");
+}
+
+JsonContent JsonContents::of(Index schema)
+{
+    schema = tree.target(schema);
+    const auto known = contents.find(schema);
+    if (known != contents.end())
+        return known->second;
+    enter(schema);
+    while (!frames.empty()) {
+        cancelPoint.pass();
+        Frame& frame = frames.back();
+        if (frame.next == frame.parts.size()) {
+            finish();
+            continue;
+        }
+        const Part part = frame.parts[frame.next];
+        const Index node = tree.target(part.node);
+        if (part.how == own) {
+            ++frame.next;
+            addOwnFields(frame, node);
+        } else if (const auto done = contents.find(node); done != contents.end()) {
+            ++frame.next;
+            join(frame, done->second, part.how, node);
+        } else {
+            enter(node);
+        }
+    }
+    return contents.at(schema);
+}
+
+void JsonContents::enter(Index schema)
+{
+    step();
+    if (!inHand.emplace(schema, true).second) {
+        const SourcePlace place = tree.placeOf(schema);
+        const CString words = tree.pointerTo(schema) + " is made of itself, without an object between";
+        frames.clear();
+        throw SourceRefusal{words + ".", {report.fileNameOf(place.file), words, place.line, place.column}};
+    }
+    Frame& frame = frames.emplace_back();
+    frame.node = schema;
+    if (tree.is(schema, JsonNode::array))
+        readMembers(schema, either, frame.parts);
+    else if (tree.is(schema, JsonNode::object))
+        readSchema(frame);
+}
+
+/// The schema that stands for all of them; 0 for none.
+JsonNode::Index JsonContents::choiceOf(const std::vector<Index>& schemas)
+{
+    if (schemas.size() < 2)
+        return schemas.empty() ? 0 : schemas.front();
+    const Index choice = tree.add(JsonNode::array, 0, 0, 0, schemas.front());
+    Index last = 0;
+    for (const Index schema : schemas)
+        last = addAlias(choice, last, JsonWord::none, schema);
+    return choice;
+}
+
+JsonNode::Index JsonContents::addAlias(Index parent, Index last, JsonWord key, Index target)
+{
+    const Index alias = tree.add(JsonNode::alias, parent, last, static_cast<NameTable::Id>(key), target);
+    tree[alias].firstChild = tree.target(target);
+    return alias;
+}
+
+/// Keeps what the last frame has come to. The type is another schema's where that says all of it, unless this one has a
+/// name of its own.
+void JsonContents::finish()
+{
+    Frame& frame = frames.back();
+    if (frame.mapping != 0 && frame.content.kind == JsonContent::record)
+        overrideDiscriminator(frame);
+    JsonContent content = frame.content;
+    if (!frame.isBorrowed && content.kind == JsonContent::record) {
+        content.first = static_cast<std::uint32_t>(fields.size());
+        content.count = static_cast<std::uint32_t>(frame.fields.size());
+        for (const MergedField& field : frame.fields)
+            fields.push_back({field.name, mergedOf(field.schema, field.more)});
+    } else if (!frame.isBorrowed && content.kind == JsonContent::enumeration) {
+        content.first = static_cast<std::uint32_t>(constants.size());
+        content.count = static_cast<std::uint32_t>(frame.constants.size());
+        constants.insert(constants.end(), frame.constants.begin(), frame.constants.end());
+    }
+    const bool isOthers = content.owner != 0 && (frame.isReference || !isDeclared(frame.node));
+    if (!isOthers)
+        content.owner = frame.node;
+    contents[frame.node] = content;
+    inHand.erase(frame.node);
+    frames.pop_back();
+}
+
+void JsonContents::overrideDiscriminator(Frame& frame)
+{
+    makeOwn(frame);
+    const Index schema = tree.add(JsonNode::object, 0, 0, 0, frame.mapping);
+    const Index listed =
+        tree.add(JsonNode::array, schema, 0, static_cast<NameTable::Id>(JsonWord::enumWord), frame.mapping);
+    Index last = 0;
+    for (Index at = tree[frame.mapping].firstChild; at != 0; at = tree[at].next) {
+        last = tree.add(JsonNode::string, listed, last, 0, at);
+        tree[last].text = tree[at].key;
+    }
+    for (MergedField& field : frame.fields)
+        if (field.name == frame.discriminator)
+            field = {{frame.discriminator, schema}, {}};
+    addField(frame, {frame.discriminator, schema}, maybe);
+}
+
+void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index part)
+{
+    if (added.kind == JsonContent::none)
+        return;
+    if (frame.content.kind == JsonContent::none)
+        take(frame, added);
+    else if (how == either)
+        joinEither(frame, added, part);
+    else
+        joinBoth(frame, added, how, part);
+}
+
+void JsonContents::take(Frame& frame, const JsonContent& added)
+{
+    frame.content = added;
+    frame.isBorrowed = true;
+    frame.fields.clear();
+    frame.many.clear();
+    frame.constants.clear();
+}
+
+/// Makes what is borrowed the frame's own, to be added to.
+void JsonContents::makeOwn(Frame& frame)
+{
+    frame.content.owner = 0;
+    if (!std::exchange(frame.isBorrowed, false))
+        return;
+    const JsonContent& content = frame.content;
+    step(content.count);
+    if (content.kind == JsonContent::enumeration)
+        frame.constants.assign(constants.begin() + content.first, constants.begin() + content.first + content.count);
+    if (content.kind == JsonContent::record)
+        for (std::uint32_t i = 0; i < content.count; ++i)
+            addField(frame, fields[content.first + i], both);
+}
+
+void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Index part)
+{
+    const Kind kind = frame.content.kind;
+    if (kind == JsonContent::none)
+        return take(frame, added);
+    const bool isEmpty = kind == JsonContent::record && frame.isBorrowed && frame.content.count == 0;
+    const bool addsNothing = added.kind == JsonContent::record && added.count == 0;
+    if ((kind == JsonContent::record || kind == JsonContent::map) && addsNothing)
+        return;
+    if (isEmpty && (added.kind == JsonContent::record || added.kind == JsonContent::map))
+        return take(frame, added);
+    if (kind == JsonContent::record && added.kind == JsonContent::record) {
+        makeOwn(frame);
+        step(added.count);
+        for (std::uint32_t i = 0; i < added.count; ++i)
+            addField(frame, fields[added.first + i], how);
+        return;
+    }
+    if (how == maybe)
+        return;
+    const bool isRefined =
+        kind == JsonContent::text && (added.kind == JsonContent::enumeration || added.kind == JsonContent::time);
+    if (isRefined)
+        return take(frame, added);
+    if (added.kind == JsonContent::text && (kind == JsonContent::enumeration || kind == JsonContent::time))
+        return;
+    if (kind == added.kind && (kind == JsonContent::map || kind == JsonContent::array)) {
+        const Index items = frame.content.items;
+        frame.content.items =
+            items == 0 || added.items == 0 ? items + added.items : mergedOf(items, std::array{Part{added.items, both}});
+        frame.content.owner = 0;
+        return;
+    }
+    if (kind == added.kind && kind != JsonContent::enumeration)
+        return;
+    if (kind == JsonContent::record && added.kind == JsonContent::map)
+        return documents.note(SourceReport::furtherProperties, part);
+    const bool isSame =
+        kind == added.kind && frame.isBorrowed && std::ranges::equal(constantsOf(frame.content), constantsOf(added));
+    if (!isSame)
+        documents.note(kind == JsonContent::map ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
+    if (kind != JsonContent::record && !(kind == JsonContent::map && added.kind != JsonContent::record))
+        take(frame, added);
+}
+
+void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part)
+{
+    const Kind kind = frame.content.kind;
+    if (kind == JsonContent::none)
+        return take(frame, added);
+    if (kind == added.kind) {
+        if (kind == JsonContent::record) {
+            makeOwn(frame);
+            step(added.count);
+            for (std::uint32_t i = 0; i < added.count; ++i)
+                addField(frame, fields[added.first + i], either);
+        } else if (kind == JsonContent::enumeration) {
+            makeOwn(frame);
+            step(added.count);
+            for (const NameTable::Id constant : constantsOf(added))
+                addField(frame, {constant, 0}, own);
+        } else if (kind == JsonContent::map || kind == JsonContent::array) {
+            const Index items = frame.content.items;
+            frame.content.owner = 0;
+            frame.content.isAlsoLeaf |= added.isAlsoLeaf;
+            frame.content.items =
+                items == 0 || added.items == 0 ? 0 : mergedOf(items, std::array{Part{added.items, either}});
+        }
+        return;
+    }
+    const auto isObject = [](Kind one) { return one == JsonContent::record || one == JsonContent::map; };
+    if (isObject(kind) || isObject(added.kind)) {
+        const bool isBoth = isObject(kind) && isObject(added.kind);
+        documents.note(isBoth ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
+        if (!isObject(kind) || (kind == JsonContent::map && added.kind == JsonContent::record))
+            take(frame, added);
+        return;
+    }
+    if (kind == JsonContent::array || added.kind == JsonContent::array) {
+        if (kind != JsonContent::array)
+            take(frame, added);
+        frame.content.owner = 0;
+        frame.content.isAlsoLeaf = true;
+        return;
+    }
+    if (kind == JsonContent::number || added.kind == JsonContent::number)
+        documents.note(SourceReport::kindsDiffer, part);
+    JsonContent text;
+    text.kind = JsonContent::text;
+    take(frame, text);
+}
+
+void JsonContents::addOwnFields(Frame& frame, Index properties)
+{
+    if (tree[properties].firstChild == 0)
+        return;
+    if (frame.content.kind == JsonContent::none)
+        frame.content.kind = JsonContent::record;
+    if (frame.content.kind != JsonContent::record) {
+        documents.note(SourceReport::kindsDiffer, properties);
+        JsonContent record;
+        record.kind = JsonContent::record;
+        take(frame, record);
+    }
+    makeOwn(frame);
+    for (Index at = tree[properties].firstChild; at != 0; at = tree[at].next) {
+        step();
+        const Index schema = tree.target(at);
+        if (tree.is(schema, JsonNode::boolean) && tree.text(schema) == "false")
+            documents.note(SourceReport::elementNotAllowed, at, tree.key(at));
+        else
+            addField(frame, {tree[at].key, schema}, both);
+    }
+}
+
+/// Adds a field, or says more of the one that has its name; `own`: a constant.
+void JsonContents::addField(Frame& frame, JsonField field, How how)
+{
+    const bool isConstant = how == own;
+    const std::size_t size = isConstant ? frame.constants.size() : frame.fields.size();
+    const auto nameAt = [&](std::size_t i) { return isConstant ? frame.constants[i] : frame.fields[i].name; };
+    std::size_t at = size;
+    if (size < kFewFields) {
+        for (at = 0; at < size && nameAt(at) != field.name;)
+            ++at;
+    } else {
+        for (std::size_t i = frame.many.size(); i < size; ++i)
+            frame.many.emplace(nameAt(i), i);
+        if (const auto known = frame.many.find(field.name); known != frame.many.end())
+            at = known->second;
+    }
+    if (at < size) {
+        if (!isConstant && frame.fields[at].schema != field.schema &&
+            !sayTheSame(frame.fields[at].schema, field.schema))
+            frame.fields[at].more.push_back({field.schema, how});
+        return;
+    }
+    if (isConstant) {
+        frame.constants.push_back(field.name);
+    } else {
+        MergedField& added = frame.fields.emplace_back();
+        added.name = field.name;
+        added.schema = field.schema;
+    }
+}

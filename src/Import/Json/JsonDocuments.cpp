@@ -1,0 +1,289 @@
+#include "Import/Json/JsonDocuments.h"
+
+#include "Base/Progress.h"
+#include "Files/File.h"
+#include "Files/FileMessage.h"
+#include "Import/Json/JsonScanner.h"
+#include "Resources/StringTable.h"
+
+#include <algorithm>
+
+namespace {
+
+using Index = JsonNode::Index;
+
+constexpr std::size_t kMaxPointers = 10'000; // that are told
+
+std::uint64_t keyOf(Index resource, NameTable::Id text)
+{
+    return static_cast<std::uint64_t>(resource) << 32 | text;
+}
+
+std::size_t schemeLength(std::string_view uri)
+{
+    const std::size_t end = uri.find_first_of(":/?#");
+    return end == uri.npos || uri[end] != ':' || end < 2 ? 0 : end + 1;
+}
+
+// A reference against its base (RFC 3986, 5.2), dots taken out.
+CString resolveUri(std::string_view base, std::string_view reference)
+{
+    if (schemeLength(reference) > 0 || base.empty())
+        return CString(reference);
+    const std::size_t scheme = schemeLength(base);
+    std::size_t path = scheme;
+    if (base.substr(scheme).starts_with("//"))
+        path = std::min(base.find('/', scheme + 2), base.size());
+    CString resolved(reference.starts_with("//")  ? base.substr(0, scheme)
+                     : reference.starts_with('/') ? base.substr(0, path)
+                                                  : base.substr(0, std::max(path, base.rfind('/') + 1)));
+    while (!reference.empty()) {
+        const std::size_t slash = std::min(reference.find('/'), reference.size());
+        const std::string_view segment = reference.substr(0, slash);
+        if (segment == ".." && resolved.size() > path + 1)
+            resolved.resize(resolved.rfind('/', resolved.size() - 2) + 1);
+        else if (segment != "." && segment != "..")
+            resolved.append(reference.substr(0, slash + 1));
+        reference.remove_prefix(std::min(slash + 1, reference.size()));
+    }
+    return resolved;
+}
+
+// Percent escapes of a URI, or those of a pointer's step, decoded.
+CString decoded(std::string_view text)
+{
+    CString out;
+    const auto digit = [](char c) {
+        return static_cast<int>(std::string_view("0123456789abcdef").find(lowerAscii(c)));
+    };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isEscape =
+            text[i] == '%' && i + 2 < text.size() && digit(text[i + 1]) >= 0 && digit(text[i + 2]) >= 0;
+        out += isEscape ? static_cast<char>(digit(text[i + 1]) * 16 + digit(text[i + 2])) : text[i];
+        i += isEscape ? 2 : 0;
+    }
+    return out;
+}
+
+} // namespace
+
+JsonNode::Index JsonDocuments::load(const CString& fileName)
+{
+    documents.reserve(8);
+    Index root = 0;
+    try {
+        root = read(fileName, fileName, kMaxNamedFile);
+    } catch (const JsonFault& fault) {
+        throw SourceRefusal{formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(fault.line),
+                                       static_cast<long>(fault.column), fault.reason.c_str()),
+                            {"", fault.reason, fault.line, fault.column}};
+    }
+    if (root == 0)
+        throw SourceRefusal{fileName + " holds no value.", {"", "it holds no value"}};
+    if (const auto id = identify(fileName))
+        parsed.emplace(*id, root);
+    return root;
+}
+
+JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& shownName, std::size_t most)
+{
+    const std::uint32_t number = report.addFile(shownName);
+    documents.resize(number + 1);
+    CString text;
+    if (const FileCause cause = readFile(fileName, text, most); cause != FileCause::none)
+        throw SourceRefusal{cantOpen(shownName, cause), {shownName, inWords(fileName, cause)}};
+    beginWork(Work::reading);
+    const auto first = static_cast<Index>(tree.size());
+    JsonBuilder builder(tree, types, report, number);
+    const Index root = readJsonTree(fileName, text, tree, builder);
+    Document& document = documents[number];
+    document.root = root;
+    document.folder = folderOf(fileName);
+    document.uri = document.folder + fileName.substr(fileName.rfind('/') + 1);
+    document.ignoresSiblings = number > 0 && documents[0].ignoresSiblings;
+    const std::string_view version = tree.textOf(root, JsonWord::schemaVersion);
+    const auto says = [version](const char* words) { return version.find(words) != version.npos; };
+    const bool isDraft4 = says("draft-04") || says("draft-03");
+    if (isDraft4 || says("draft-06") || says("draft-07"))
+        document.ignoresSiblings = true;
+    else if (!version.empty())
+        document.ignoresSiblings = false;
+    resources.try_emplace(document.uri, root);
+    findIdentifiers(first, isDraft4);
+    return root;
+}
+
+void JsonDocuments::setIgnoresSiblings(bool ignores)
+{
+    documents[0].ignoresSiblings = ignores;
+}
+
+// A schema's identifier counts before those of the schemas inside it, wherever it stands among its members.
+void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
+{
+    std::vector<Index> identified;
+    for (Index at = std::max<Index>(first, 1); at < tree.size(); ++at) {
+        const JsonNode& node = tree[at];
+        if (node.kind != JsonNode::string || node.parent == 0)
+            continue;
+        const JsonWord key = tree.keyOf(at);
+        if (key == JsonWord::dollarId || key == JsonWord::anchor || key == JsonWord::dynamicAnchor ||
+            (isDraft4 && key == JsonWord::id))
+            identified.push_back(at);
+    }
+    std::ranges::stable_sort(identified, {}, [this](Index at) {
+        return std::pair(tree[at].parent, tree.keyOf(at) != JsonWord::dollarId && tree.keyOf(at) != JsonWord::id);
+    });
+    for (const Index at : identified)
+        keepIdentifier(at, isDraft4);
+}
+
+void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
+{
+    const Index schema = tree[node].parent;
+    std::string_view identifier = tree.text(node);
+    const JsonWord key = tree.keyOf(node);
+    if (key == JsonWord::anchor || key == JsonWord::dynamicAnchor) {
+        anchors.try_emplace(keyOf(resourceOf(schema), tree[node].text), schema);
+    } else if (identifier.starts_with('#')) {
+        anchors.try_emplace(keyOf(resourceOf(schema), tree.names.intern(CString(identifier.substr(1)))), schema);
+    } else if (!identifier.empty() && (!isDraft4 || key == JsonWord::id)) {
+        const Index around = resourceOf(tree[schema].parent == 0 ? schema : tree[schema].parent);
+        const std::string_view name = identifier.substr(0, identifier.find('#'));
+        const CString uri = resolveUri(uriOf(around), name);
+        tree[schema].isResource = true;
+        uris[schema] = uri;
+        resources.try_emplace(uri, schema);
+    }
+}
+
+const CString& JsonDocuments::uriOf(Index resource) const
+{
+    const auto found = uris.find(resource);
+    return found == uris.end() ? documents[tree[resource].document].uri : found->second;
+}
+
+// The nearest schema around a node that has an identifier of its own, else the whole document.
+JsonNode::Index JsonDocuments::resourceOf(Index node) const
+{
+    while (!tree[node].isResource && tree[node].parent != 0)
+        node = tree[node].parent;
+    return node;
+}
+
+JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference)
+{
+    const std::uint64_t key = keyOf(resourceOf(holder), reference);
+    auto known = resolved.find(key);
+    if (known == resolved.end()) {
+        Resolved found;
+        lookUp(holder, tree.names[reference], found);
+        known = resolved.emplace(key, found).first;
+    }
+    const auto [node, fault] = known->second;
+    if (node == 0)
+        note(fault, holder, tree.names[reference]);
+    return node;
+}
+
+void JsonDocuments::lookUp(Index holder, std::string_view reference, Resolved& found)
+{
+    const std::size_t hash = std::min(reference.find('#'), reference.size());
+    const std::string_view uri = reference.substr(0, hash);
+    const std::string_view fragment = reference.substr(std::min(hash + 1, reference.size()));
+    const Index own = resourceOf(holder);
+    const Index resource = uri.empty() ? own : findDocument(holder, own, uri, found.fault);
+    if (resource == 0)
+        return;
+    found.node = tree.target(followFragment(resource, fragment));
+    if (found.node == 0) // which many write of the whole document, whatever schema has an identifier
+        found.node = tree.target(followFragment(rootOf(resource), fragment));
+}
+
+JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::string_view uri,
+                                            SourceReport::Construct& fault)
+{
+    const auto known = resources.find(resolveUri(uriOf(resource), uri));
+    if (known != resources.end())
+        return known->second;
+    const CString path = localPath(uri);
+    const CString folder = documents[tree[holder].document].folder;
+    const auto file = path.empty() ? std::nullopt : finder.find(folder, path);
+    if (!file) {
+        fault = path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing;
+        return 0;
+    }
+    if (parsed.try_emplace(file->id, 0).second)
+        parsed[file->id] = readNamed(*file, path, holder);
+    return parsed[file->id];
+}
+
+JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& path, Index holder)
+{
+    const SourcePlace from = tree.placeOf(holder);
+    const CString fromName = report.fileNameOf(from.file);
+    const CString shownName = shownFrom(fromName, documents[from.file].folder, path, file);
+    const CString named = " (named in " + placeInWords(fromName, from.line, from.column) + ")";
+    try {
+        return read(file.name, shownName, kMaxNamedFile);
+    } catch (const JsonFault& fault) {
+        report.add(SourceReport::moduleIllFormed, {report.fileCount() - 1, fault.line, fault.column},
+                   fault.reason + named);
+    } catch (const SourceRefusal& refusal) {
+        report.add(SourceReport::moduleUnreadable, from, path + ": " + refusal.fault.reason);
+    }
+    return 0;
+}
+
+JsonNode::Index JsonDocuments::followFragment(Index resource, std::string_view fragment) const
+{
+    if (fragment.empty())
+        return resource;
+    if (fragment.starts_with('/'))
+        return followPointer(resource, decoded(fragment));
+    const auto name = tree.names.find(decoded(fragment));
+    const auto found = name ? anchors.find(keyOf(resource, *name)) : anchors.end();
+    return found == anchors.end() ? 0 : found->second;
+}
+
+JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointer) const
+{
+    Index at = from;
+    while (!pointer.empty() && at != 0) {
+        pointer.remove_prefix(1);
+        const std::size_t end = std::min(pointer.find('/'), pointer.size());
+        CString step;
+        for (std::size_t i = 0; i < end; ++i) {
+            const bool isEscape = pointer[i] == '~' && i + 1 < end && (pointer[i + 1] == '0' || pointer[i + 1] == '1');
+            step += !isEscape ? pointer[i] : pointer[i + 1] == '0' ? '~' : '/';
+            i += isEscape ? 1 : 0;
+        }
+        pointer.remove_prefix(end);
+        if (tree.is(at, JsonNode::array)) {
+            const bool isNumber = !step.empty() && step.size() < 8 && step.find_first_not_of("0123456789") == step.npos;
+            Index child = isNumber ? tree[at].firstChild : 0;
+            for (int position = isNumber ? std::stoi(step) : 0; position > 0 && child != 0; --position)
+                child = tree[child].next;
+            at = tree.target(child);
+        } else {
+            at = tree.find(at, std::string_view(step));
+        }
+    }
+    return at;
+}
+
+CString JsonDocuments::nameOf(Index node) const
+{
+    const CString& fileName = report.fileNameOf(tree[node].document);
+    const std::size_t start = fileName.rfind('/') + 1;
+    return fileName.substr(start, fileName.rfind('.') - start);
+}
+
+void JsonDocuments::note(SourceReport::Construct construct, Index node, std::string_view name)
+{
+    CString words(name);
+    const bool isReference = tree.keyOf(node) == JsonWord::ref; // which is told by the schema that holds it
+    if (++noted <= kMaxPointers)
+        words += (words.empty() ? "" : " at ") + tree.pointerTo(isReference ? tree[node].parent : node);
+    report.add(construct, tree.placeOf(node), words);
+}

@@ -1,0 +1,262 @@
+// What the keywords of one schema say, each by itself.
+#include "Import/Json/JsonContents.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+void JsonContents::readMembers(Index holder, How how, std::vector<Part>& parts) const
+{
+    for (Index at = tree[holder].firstChild; at != 0; at = tree[at].next)
+        parts.push_back({tree.target(at), how});
+}
+
+void JsonContents::readSchema(Frame& frame)
+{
+    const Index schema = frame.node;
+    const Index reference = tree.find(schema, JsonWord::ref, JsonNode::string);
+    if (reference != 0 && documents.ignoresSiblings(schema))
+        return readReference(frame, reference);
+    Own own;
+    for (Index at = tree[schema].firstChild; at != 0; at = tree[at].next)
+        readKeyword(frame, at, own);
+    const bool saysMore = frame.parts.size() != 1 || own.type != 0 || own.isListed || own.hasItems ||
+                          !own.mapValues.empty() || own.format != 0;
+    frame.isReference = frame.isReference && !saysMore;
+    std::ranges::stable_partition(frame.parts, [](const Part& part) { return part.how != maybe; });
+    readOwn(frame, own);
+}
+
+void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
+{
+    const Index node = tree.target(child);
+    const bool isObject = tree.is(node, JsonNode::object), isArray = tree.is(node, JsonNode::array);
+    switch (const JsonWord key = tree.keyOf(child); key) {
+    case JsonWord::ref:
+    case JsonWord::dynamicRef:
+    case JsonWord::recursiveRef:
+        if (tree.is(node, JsonNode::string))
+            readReference(frame, child);
+        break;
+    case JsonWord::allOf:
+        if (isArray)
+            readMembers(node, both, frame.parts);
+        break;
+    case JsonWord::oneOf:
+    case JsonWord::anyOf:
+        report.count(SourceReport::alternatives);
+        if (isArray)
+            frame.parts.push_back({node, both});
+        break;
+    case JsonWord::ifWord:
+    case JsonWord::then:
+    case JsonWord::elseWord:
+        frame.parts.push_back({node, maybe});
+        break;
+    case JsonWord::dependentSchemas:
+    case JsonWord::dependencies:
+        if (isObject)
+            for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
+                if (tree.is(tree.target(at), JsonNode::object)) // else names of properties
+                    frame.parts.push_back({tree.target(at), maybe});
+        break;
+    case JsonWord::properties:
+        if (isObject) {
+            frame.parts.push_back({node, JsonContents::own});
+            own.hasProperties = own.hasProperties || tree[node].firstChild != 0;
+            countOptional(frame.node, node);
+        }
+        break;
+    case JsonWord::type:
+        own.type = node;
+        break;
+    case JsonWord::format:
+        own.format = tree.is(node, JsonNode::string) ? tree[node].text : 0;
+        break;
+    case JsonWord::enumWord:
+        own.isListed = isArray;
+        for (Index at = isArray ? tree[node].firstChild : 0; at != 0; at = tree[at].next)
+            own.values.push_back(tree.target(at));
+        break;
+    case JsonWord::constWord:
+        own.isListed = true;
+        own.values.assign(1, node);
+        break;
+    case JsonWord::items:
+    case JsonWord::prefixItems:
+        own.hasItems = true;
+        if (isArray)
+            for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
+                own.items.push_back(tree.target(at));
+        else if (isObject)
+            own.items.push_back(node);
+        break;
+    case JsonWord::additionalProperties:
+    case JsonWord::unevaluatedProperties:
+        if (isObject)
+            own.mapValues.push_back(node);
+        break;
+    case JsonWord::patternProperties:
+        for (Index at = isObject ? tree[node].firstChild : 0; at != 0; at = tree[at].next)
+            own.mapValues.push_back(tree.target(at));
+        break;
+    case JsonWord::discriminator:
+        readDiscriminator(frame, node);
+        break;
+    default:
+        countDetail(key);
+    }
+}
+
+void JsonContents::readReference(Frame& frame, Index child)
+{
+    const Index node = tree.target(child);
+    const Index target = documents.resolve(child, tree[node].text);
+    if (target == 0)
+        frame.content.kind = JsonContent::text;
+    else
+        frame.parts.push_back({target, both});
+    frame.isReference = true;
+}
+
+void JsonContents::readDiscriminator(Frame& frame, Index node)
+{
+    const Index name = tree.find(node, JsonWord::propertyName, JsonNode::string);
+    frame.mapping = tree.find(node, JsonWord::mapping, JsonNode::object);
+    frame.discriminator = tree[name].text;
+}
+
+void JsonContents::countDetail(JsonWord key)
+{
+    switch (key) {
+    case JsonWord::pattern:
+    case JsonWord::minimum:
+    case JsonWord::maximum:
+    case JsonWord::exclusiveMinimum:
+    case JsonWord::exclusiveMaximum:
+    case JsonWord::minLength:
+    case JsonWord::maxLength:
+    case JsonWord::multipleOf:
+    case JsonWord::minProperties:
+    case JsonWord::maxProperties:
+    case JsonWord::propertyNames:
+    case JsonWord::contains:
+    case JsonWord::notWord:
+        return report.count(SourceReport::facet);
+    case JsonWord::minItems:
+    case JsonWord::maxItems:
+    case JsonWord::uniqueItems:
+        return report.count(SourceReport::occurrenceBounds);
+    case JsonWord::defaultWord:
+        return report.count(SourceReport::defaultValue);
+    case JsonWord::nullable:
+        return report.count(SourceReport::nillable);
+    default:
+        return;
+    }
+}
+
+void JsonContents::countOptional(Index schema, Index properties)
+{
+    std::size_t all = 0, required = 0;
+    for (Index at = tree[properties].firstChild; at != 0; at = tree[at].next)
+        ++all;
+    const Index names = tree.find(schema, JsonWord::required, JsonNode::array);
+    for (Index at = tree[names].firstChild; at != 0; at = tree[at].next)
+        required += tree.is(at, JsonNode::string) && tree.find(properties, tree[at].text) != 0 ? 1 : 0;
+    report.count(SourceReport::optionality, all - std::min(all, required));
+}
+
+/// The content of the schema's own keywords: its types are alternatives, those that it doesn't name follow from what it
+/// says of them.
+void JsonContents::readOwn(Frame& frame, Own& own)
+{
+    if (own.hasProperties && !own.mapValues.empty()) {
+        documents.note(SourceReport::furtherProperties, frame.node);
+        own.mapValues.clear();
+    }
+    std::vector<JsonWord> wanted;
+    if (tree.is(own.type, JsonNode::string))
+        wanted.push_back(tree.wordOf(tree[own.type].text));
+    for (Index at = tree.is(own.type, JsonNode::array) ? tree[own.type].firstChild : 0; at != 0; at = tree[at].next)
+        if (const JsonWord word = tree.wordOf(tree[at].text); word == JsonWord::nullWord)
+            report.count(SourceReport::nillable);
+        else
+            wanted.push_back(word);
+    const auto texts = static_cast<std::size_t>(std::ranges::count(wanted, JsonWord::string));
+    if (own.isListed && (texts > 0 || wanted.empty()))
+        return join(frame, contentOfValues(frame, own, texts > 0 && texts == wanted.size()), both, frame.node);
+    if (own.type == 0) {
+        if (own.hasProperties || !own.mapValues.empty())
+            wanted.push_back(JsonWord::object);
+        else if (own.hasItems)
+            wanted.push_back(JsonWord::array);
+        else if (own.format != 0)
+            wanted.push_back(JsonWord::string);
+    }
+    JsonContent before = std::exchange(frame.content, {});
+    for (const JsonWord type : wanted)
+        if (type != JsonWord::nullWord)
+            joinEither(frame, contentOfType(type, frame, own), frame.node);
+    if (before.kind != JsonContent::none)
+        joinBoth(frame, before, both, frame.node);
+}
+
+JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
+{
+    JsonContent content;
+    content.owner = frame.node;
+    switch (type) {
+    case JsonWord::integer:
+    case JsonWord::number:
+        content.kind = JsonContent::number;
+        break;
+    case JsonWord::object:
+        content.kind = own.mapValues.empty() ? JsonContent::record : JsonContent::map;
+        content.items = choiceOf(own.mapValues);
+        break;
+    case JsonWord::array:
+        content.kind = JsonContent::array;
+        content.items = choiceOf(own.items);
+        break;
+    default:
+        const JsonWord format = tree.wordOf(own.format);
+        const bool isTime = format == JsonWord::dateTime || format == JsonWord::date || format == JsonWord::time;
+        content.kind = isTime && type == JsonWord::string ? JsonContent::time : JsonContent::text;
+    }
+    return content;
+}
+
+/// An enumeration of the values that are listed, when they are texts; null aside. `isText`: whatever they look like.
+JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isText)
+{
+    JsonContent content;
+    content.owner = frame.node;
+    content.first = static_cast<std::uint32_t>(constants.size());
+    std::size_t numbers = 0, texts = 0, others = 0;
+    std::unordered_map<NameTable::Id, bool> met;
+    for (const Index value : own.values) {
+        const JsonNode::Kind kind = tree[value].kind;
+        const bool isScalar = kind == JsonNode::number || kind == JsonNode::boolean;
+        if (kind == JsonNode::string || (isText && isScalar))
+            ++texts;
+        else if (kind == JsonNode::number)
+            ++numbers;
+        else if (kind != JsonNode::null)
+            ++others;
+        if ((kind == JsonNode::string || isScalar) && met.emplace(tree[value].text, true).second)
+            constants.push_back(tree[value].text);
+    }
+    step(own.values.size());
+    if (texts > 0 && numbers == 0 && others == 0) {
+        content.kind = JsonContent::enumeration;
+        content.count = static_cast<std::uint32_t>(constants.size() - content.first);
+        return content;
+    }
+    constants.resize(content.first);
+    if (numbers + others + texts > 0)
+        content.kind = numbers > 0 && texts == 0 && others == 0 ? JsonContent::number : JsonContent::text;
+    if ((numbers > 0) + (texts > 0) + (others > 0) > 1)
+        documents.note(SourceReport::kindsDiffer, frame.node);
+    return content;
+}

@@ -1,0 +1,119 @@
+// Schemas that are made of others, where several describe one value.
+#include "Import/Json/JsonContents.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+using Index = JsonNode::Index;
+
+constexpr int kLongestChain = 100; // of references
+constexpr int kMaxRank = 4;        // of schemas made of others
+
+} // namespace
+
+/// What a schema that is nothing but a reference leads to, else the schema itself.
+JsonNode::Index JsonContents::baseOf(Index schema)
+{
+    for (int i = 0; i < kLongestChain; ++i) {
+        schema = tree.target(schema);
+        const Index reference = tree.find(schema, JsonWord::ref, JsonNode::string);
+        if (reference == 0)
+            break;
+        constexpr JsonWord remarks[] = {JsonWord::none,        JsonWord::ref,     JsonWord::title,
+                                        JsonWord::description, JsonWord::example, JsonWord::examples,
+                                        JsonWord::defaultWord, JsonWord::nullable};
+        bool isPlain = !tree[schema].isLarge;
+        if (!documents.ignoresSiblings(schema))
+            for (Index at = isPlain ? tree[schema].firstChild : 0; at != 0; at = tree[at].next)
+                isPlain = isPlain && std::ranges::find(remarks, tree.keyOf(at)) != std::end(remarks);
+        const Index target = isPlain ? documents.resolve(reference, tree[reference].text) : 0;
+        if (target == 0)
+            break;
+        schema = target;
+    }
+    return schema;
+}
+
+/// A schema that says what all say of one value. Runs of alternatives, and of what holds together, are one each.
+JsonNode::Index JsonContents::mergedOf(Index first, std::span<const Part> more)
+{
+    Index schema = first;
+    for (std::size_t i = 0; i < more.size();) {
+        Merged merged{more[i].how, {}};
+        std::unordered_set<Index> met;
+        const auto add = [&](Index member) {
+            member = baseOf(member);
+            const auto known = madeOf.find(member);
+            if (known == madeOf.end() || known->second.how != merged.how) {
+                if (known != madeOf.end())
+                    merged.rank = std::max(merged.rank, known->second.rank + 1);
+                if (met.insert(member).second)
+                    merged.members.push_back(member);
+                return;
+            }
+            merged.rank = std::max(merged.rank, known->second.rank);
+            for (const Index inner : known->second.members)
+                if (met.insert(inner).second)
+                    merged.members.push_back(inner);
+        };
+        add(schema);
+        for (; i < more.size() && more[i].how == merged.how; ++i)
+            add(more[i].node);
+        step(merged.members.size());
+        if (merged.rank > kMaxRank)
+            documents.note(SourceReport::kindsDiffer, merged.members.front());
+        schema = merged.rank > kMaxRank || merged.members.size() == 1 ? merged.members.front() : makeMerged(merged);
+    }
+    return schema;
+}
+
+JsonNode::Index JsonContents::makeMerged(const Merged& merged)
+{
+    std::vector<Index> key = merged.members;
+    std::ranges::sort(merged.how == maybe ? std::span(key).subspan(1) : std::span(key));
+    const auto [known, isNew] = merges.try_emplace({merged.how, std::move(key)}, 0);
+    if (!isNew)
+        return known->second;
+    const Index place = merged.members.front();
+    const Index schema = tree.add(merged.how == either ? JsonNode::array : JsonNode::object, 0, 0, 0, place);
+    known->second = schema;
+    Index holder = schema, last = 0;
+    if (merged.how != either)
+        holder = tree.add(JsonNode::array, schema, 0, static_cast<NameTable::Id>(JsonWord::allOf), place);
+    for (const Index member : merged.members) {
+        const bool isCondition = merged.how == maybe && last != 0;
+        if (isCondition && holder != schema)
+            last = std::exchange(holder, schema);
+        last = addAlias(isCondition ? schema : holder, last, isCondition ? JsonWord::then : JsonWord::none, member);
+    }
+    madeOf.emplace(schema, merged);
+    return schema;
+}
+
+/// Whether two schemas are plainly alike: leaves of one type.
+bool JsonContents::sayTheSame(Index one, Index other) const
+{
+    NameTable::Id oneType = 0, otherType = 0, oneFormat = 0, otherFormat = 0;
+    return isLeafOf(one, oneType, oneFormat) && isLeafOf(other, otherType, otherFormat) && oneType == otherType &&
+           oneFormat == otherFormat;
+}
+
+bool JsonContents::isLeafOf(Index schema, NameTable::Id& type, NameTable::Id& format) const
+{
+    constexpr JsonWord leaves[] = {JsonWord::string, JsonWord::number, JsonWord::integer, JsonWord::boolean};
+    if (tree[schema].isLarge)
+        return false;
+    for (Index at = tree[schema].firstChild; at != 0; at = tree[at].next) {
+        const JsonWord key = tree.keyOf(at);
+        if (key == JsonWord::type && tree.is(at, JsonNode::string))
+            type = tree[at].text;
+        else if (key == JsonWord::format && tree.is(at, JsonNode::string))
+            format = tree[at].text;
+        else if (key != JsonWord::title && key != JsonWord::description && key != JsonWord::none)
+            return false;
+    }
+    return std::ranges::find(leaves, tree.wordOf(type)) != std::end(leaves);
+}

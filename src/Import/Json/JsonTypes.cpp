@@ -1,0 +1,225 @@
+#include "Import/Json/JsonTypes.h"
+
+#include "Import/Full/Descriptions.h"
+
+#include <algorithm>
+
+namespace {
+
+using Index = JsonNode::Index;
+
+constexpr std::uint16_t kMaxDepth = 100; // of tables inside each other
+
+// Up to the first full stop, or what serves as one, that white space and no small letter follow: "e.g." ends none.
+std::string_view firstSentence(std::string_view text)
+{
+    for (std::size_t at = 0; (at = text.find_first_of(".!?\n", at)) != text.npos; ++at) {
+        if (text[at] == '\n' && text.substr(at + 1).starts_with('\n'))
+            return text.substr(0, at);
+        const std::size_t next = std::min(text.find_first_not_of(kWhitespace, at + 1), text.size());
+        const bool goesOn = next < text.size() && (next == at + 1 || (text[next] >= 'a' && text[next] <= 'z'));
+        if (text[at] != '\n' && !goesOn)
+            return text.substr(0, at + 1);
+    }
+    return text;
+}
+
+} // namespace
+
+JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceTypes::Index home)
+{
+    schema = tree.target(schema);
+    JsonContent content = contents.of(schema);
+    Shape shape;
+    bool isAlsoLeaf = false;
+    for (; content.kind == JsonContent::array;
+         content = content.items == 0 ? JsonContent() : contents.of(content.items)) {
+        isAlsoLeaf |= content.isAlsoLeaf;
+        if (++shape.depth > kMaxDepth) {
+            documents.note(SourceReport::cutShort, schema,
+                           "more than " + std::to_string(kMaxDepth) + " arrays inside each other");
+            return {};
+        }
+    }
+    const bool isObject =
+        content.kind == JsonContent::map || (content.kind == JsonContent::record && content.count > 0);
+    if (isAlsoLeaf)
+        documents.note(SourceReport::kindsDiffer, schema);
+    if (isAlsoLeaf && !isObject)
+        return {};
+    if (isObject) {
+        shape.type = recordOf(content, name, home);
+        shape.depth += content.kind == JsonContent::map ? 1 : 0;
+    } else if (content.kind == JsonContent::enumeration) {
+        shape.type = enumerationOf(content, name);
+    } else if (content.kind == JsonContent::number || content.kind == JsonContent::time) {
+        shape.type.kind = content.kind == JsonContent::number ? SourceTypes::kindNumber : SourceTypes::kindTime;
+    } else if (content.kind == JsonContent::record) {
+        documents.note(SourceReport::anyContent, schema);
+    }
+    return shape;
+}
+
+std::string_view JsonTypes::fit(std::string_view name, Index place)
+{
+    CString made = toXmlText(name);
+    std::ranges::replace(made, '\\', '_'); // which parts the folders of types
+    if (made.empty())
+        made = "_";
+    if (made != name)
+        report.add(SourceReport::nameMadeFit, tree.placeOf(place), CString(name) + " is " + made);
+    return types.keep(made);
+}
+
+std::string_view JsonTypes::nameOf(Index schema)
+{
+    const auto [known, isNew] = names.try_emplace(schema);
+    if (!isNew)
+        return known->second;
+    std::string_view name;
+    if (contents.isDeclared(schema)) {
+        CString title;
+        appendCollapsed(title, trimmed(tree.textOf(schema, JsonWord::title)));
+        if (tree[schema].parent != 0)
+            name = fit(tree.key(schema), schema);
+        else
+            name = types.keep(toXmlName(title.empty() ? documents.nameOf(schema) : title));
+    }
+    return names[schema] = name;
+}
+
+// Whether a schema's key is a name that the document gives it, whatever field refers to it.
+bool JsonTypes::isCalledByItsKey(Index schema) const
+{
+    const Index parent = tree[schema].parent;
+    return tree.is(parent, JsonNode::object) &&
+           (tree.keyOf(parent) == JsonWord::properties || tree.keyOf(schema) == JsonWord::none);
+}
+
+SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_view name, SourceTypes::Index home)
+{
+    const auto [known, isNew] = records.try_emplace(content.owner);
+    if (!isNew)
+        return known->second;
+    const std::string_view own = nameOf(content.owner);
+    if (own.empty() && isCalledByItsKey(content.owner))
+        name = fit(tree.key(content.owner), content.owner);
+    const SourceTypes::Index record =
+        types.addRecord({own.empty() ? name : own, describe(content.owner), tree.placeOf(content.owner),
+                         own.empty() ? home : SourceTypes::kNone});
+    pending.push_back({content, record});
+    return records[content.owner] = {SourceTypes::kindRecord, record};
+}
+
+SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::string_view name)
+{
+    const std::string_view own = nameOf(content.owner);
+    const std::string_view called = own.empty() ? name : own;
+    std::vector<std::string_view> constants;
+    const std::uint64_t key = static_cast<std::uint64_t>(content.first) << 32 | tree.names.intern(called);
+    const auto [known, isNew] = enumerations.try_emplace(key, SourceTypes::kNone);
+    if (isNew) {
+        for (const NameTable::Id constant : contents.constantsOf(content))
+            constants.push_back(types.keep(tree.names[constant]));
+        known->second =
+            types.addEnumeration(called, constants, !own.empty(), describe(content.owner), tree.placeOf(content.owner));
+    }
+    return {SourceTypes::kindEnumeration, known->second};
+}
+
+void JsonTypes::finish()
+{
+    for (std::size_t i = 0; i < pending.size(); ++i)
+        readFields(Pending(pending[i]));
+}
+
+void JsonTypes::readFields(const Pending& record)
+{
+    fields.clear();
+    if (record.content.kind == JsonContent::map) {
+        fields.push_back({"key"});
+        fields.push_back(record.content.items == 0 ? SourceTypes::Field{"value"}
+                                                   : fieldOf("value", record.content.items, record.record));
+    } else {
+        const auto content = contents.fieldsOf(record.content);
+        inHand.assign(content.begin(), content.end());
+        for (const JsonField& field : inHand) {
+            cancelPoint.pass();
+            std::string_view& name = keptNames[field.name];
+            if (name.empty())
+                name = fit(tree.names[field.name], field.schema);
+            fields.push_back(fieldOf(name, field.schema, record.record));
+        }
+    }
+    types.setFields(record.record, fields);
+}
+
+SourceTypes::Field JsonTypes::fieldOf(std::string_view name, Index schema, SourceTypes::Index record)
+{
+    const Shape shape = shapeOf(schema, name, record);
+    SourceTypes::Field field{name, describe(schema), shape.type};
+    field.repeats = shape.depth;
+    return field;
+}
+
+/// The title, or the first sentence of the description; of what a schema refers to when it has none itself.
+std::string_view JsonTypes::describe(Index schema)
+{
+    constexpr int longestChain = 20;
+    for (int i = 0; i < longestChain && schema != 0; ++i) {
+        schema = tree.target(schema);
+        Index said = tree.find(schema, JsonWord::title, JsonNode::string);
+        const bool isTitle = said != 0;
+        if (!isTitle)
+            said = tree.find(schema, JsonWord::description, JsonNode::string);
+        if (said != 0) {
+            const auto [known, isNew] = descriptions.try_emplace(tree[said].text);
+            if (isNew) {
+                CString words;
+                appendCollapsed(words, isTitle ? tree.text(said) : firstSentence(tree.text(said)));
+                known->second = types.keep(shortDescription(words));
+            }
+            return known->second;
+        }
+        const Index reference = tree.find(schema, JsonWord::ref, JsonNode::string);
+        schema = reference == 0 ? 0 : documents.resolve(reference, tree[reference].text);
+    }
+    return {};
+}
+
+void JsonTypes::declareMembers(Index holder, bool asCandidates)
+{
+    if (!tree.is(holder, JsonNode::object))
+        return;
+    for (Index at = tree[holder].firstChild; at != 0; at = tree[at].next) {
+        const Index schema = tree.target(at);
+        if (asCandidates)
+            addCandidate(schema, tree.key(at));
+        else
+            shapeOf(schema, fit(tree.key(at), at));
+    }
+}
+
+void JsonTypes::addCandidate(Index schema, std::string_view name)
+{
+    schema = tree.target(schema);
+    const std::string_view own = nameOf(schema);
+    const std::string_view called = own.empty() ? fit(name, schema) : own;
+    addCandidate(shapeOf(schema, called), called, tree.placeOf(schema));
+}
+
+void JsonTypes::addBody(Index schema, const CString& name)
+{
+    const std::string_view called = fit(name, schema);
+    if (const Shape shape = shapeOf(schema, called); shape.type.kind == SourceTypes::kindRecord)
+        addCandidate(shape, called, tree.placeOf(tree.target(schema)));
+}
+
+void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace place)
+{
+    const bool isRecord = shape.type.kind == SourceTypes::kindRecord && shape.depth == 0;
+    if (isRecord && !candidates.insert(shape.type.index).second)
+        return;
+    const std::string_view called = isRecord ? types.records[shape.type.index].name : name;
+    types.addCandidate({called, shape.type, false, place, false, shape.depth});
+}

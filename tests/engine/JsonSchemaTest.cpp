@@ -1,0 +1,258 @@
+#include "Import/Json/JsonSchemaMsg.h"
+#include "support/FullTypes.h"
+#include "support/Importing.h"
+
+namespace {
+
+struct Rule
+{
+    const char* name;
+    CString schema; // a property list of the record "r", unless it begins with a brace
+    const char* types;
+    std::vector<std::pair<const char*, CString>> others = {};
+    const char* root = "";
+};
+
+CString documentOf(const CString& schema)
+{
+    return schema.starts_with('{') ? schema : "{\"title\":\"r\",\"properties\":{" + schema + "}}";
+}
+
+#define A_REF R"("$ref":"#/$defs/A")"
+#define A_RECORD R"("A":{"properties":{"x":{"type":"number"}}})"
+
+const Rule kRules[] = {
+    {"LeavesAreFieldsOfTheirKind",
+     R"("a":{"type":"integer"},"b":{"type":"number"},"c":{"type":"string"},"d":{"type":"boolean"},"e":{"type":"null"},"f":{},
+        "g":true,"h":false,"i":{"type":"string","format":"date-time"},"j":{"type":"string","format":"date"},
+        "k":{"type":"string","format":"time"},"l":{"type":"string","format":"uri"},"m":{"type":"integer","format":"date"})",
+     "r(a:Number b:Number c:String d:String e:String f:String g:String i:Time j:Time k:Time l:String m:Number)"},
+    {"NullIsNoKind",
+     R"("a":{"type":["null","integer"]},"b":{"anyOf":[{"type":"null"},{"type":"string","format":"date"}]})",
+     "r(a:Number b:Time)"},
+    {"TypesThatDiffer",
+     R"("a":{"type":["integer","number"]},"b":{"type":["string","integer"]},"c":{"type":["string","object"],"properties":{"x":{}}},
+        "d":{"type":["array","string"]})",
+     "c(x:String) r(a:Number b:String c:c d:String)"},
+    {"ListedValues",
+     R"("a":{"enum":["x","y","x"]},"b":{"const":"z"},"c":{"enum":[1,2]},"d":{"enum":["x",1]},"e":{"enum":["x",null]},
+        "f":{"type":"integer","enum":["1"]},"g":{"enum":[true]},"h":{"enum":[]})",
+     "e{x} b{z} a{x|y} r(a:a b:b c:Number d:String e:e f:Number g:String h:String)"},
+    {"Arrays",
+     R"("a":{"type":"array","items":{"type":"integer"}},"b":{"items":{"items":{"properties":{"x":{}}}}},"c":{"type":"array"},
+        "d":{"type":"array","items":{"enum":["p"]}})",
+     "d{p} t_c[String] t_a[Number] b(x:String) t_b[b] t_t_b[t_b] t_d[d] r(a:t_a b:t_t_b c:t_c d:t_d)"},
+    {"ListsOfItems",
+     R"("a":{"prefixItems":[{"type":"integer"},{"type":"number"}]},"b":{"items":[{"type":"string"},{"type":"number"}]},
+        "c":{"items":[{"properties":{"x":{}}}],"additionalItems":{"properties":{"y":{}}}})",
+     "t_b[String] t_a[Number] c(x:String) t_c[c] r(a:t_a b:t_b c:t_c)"},
+    {"PropertiesOfAnyName",
+     R"("a":{"type":"object","additionalProperties":{"type":"number"}},"b":{"patternProperties":{"^x":{"type":"array"}}},
+        "c":{"properties":{"x":{}},"additionalProperties":{"type":"string"}},"d":{"type":"object"},
+        "e":{"type":"array","items":{"additionalProperties":{"enum":["k"]}}},"f":{"type":"object","additionalProperties":true})",
+     "value{k} c(x:String) t_value[String] a(key:String value:Number) b(key:String value:t_value) e(key:String "
+     "value:value) t_a[a] t_b[b] t_e[e] t_t_e[t_e] r(a:t_a b:t_b c:c d:String e:t_t_e f:String)"},
+    {"References",
+     R"({"title":"r","properties":{"a":{)" A_REF R"(},"b":{)" A_REF R"(},"c":{"type":"array","items":{)" A_REF
+     R"(}},"d":{"$ref":"#/$defs/E"},"e":{"$ref":"#/$defs/I"},"f":{"$ref":"#"},
+        "g":{"$ref":"#/$defs/None"},"h":{"$ref":"#/properties/i"},"i":{"properties":{"y":{}}}},"$defs":{)" A_RECORD
+     R"(,"E":{"enum":["x"]},"I":{"type":"integer"}}})",
+     "i(y:String) A(x:Number) E{x} t_c[A] r(a:A b:A c:t_c d:E e:Number f:r g:String h:i i:i)"},
+    {"NestedReferencesAndAnchors",
+     R"({"$id":"http://x/r.json","title":"r","properties":{"a":{"$ref":"#named"},"b":{"$ref":"http://x/b.json"},
+        "c":{"$ref":"b.json#/$defs/C"},"d":{"$dynamicRef":"#d"}},
+        "$defs":{"A":{"$anchor":"named","type":"number"},"D":{"$dynamicAnchor":"d","type":"number"},
+        "B":{"$id":"b.json","properties":{"x":{"$ref":"#/$defs/C"}},"$defs":{"C":{"type":"number"}}}}})",
+     "B(x:Number) r(a:Number b:B c:Number d:Number)"},
+    {"IdentifiersOfDraft4",
+     R"({"$schema":"http://json-schema.org/draft-04/schema#","id":"http://x/r.json","title":"r","properties":{
+        "a":{"$ref":"#named"},"b":{"$ref":"b.json"}},"definitions":{"A":{"id":"#named","type":"number"},
+        "B":{"id":"b.json","type":"number"}}})",
+     "r(a:Number b:Number)"},
+    {"Escapes",
+     R"({"title":"r","properties":{"a":{"$ref":"#/$defs/a~1b~0%25"},"\u0062\n":{"type":"number"}},"$defs":{"a/b~%":{"type":"number"}}})",
+     "r(a:Number b\n:Number)"},
+    {"SiblingsOfAReference",
+     R"({"title":"r","properties":{"a":{)" A_REF R"(,"properties":{"y":{}}},"b":{)" A_REF
+     R"(,"description":"d"}},"$defs":{)" A_RECORD "}}",
+     "A(x:Number) a(x:Number y:String) r(a:a b:A)"},
+    {"SiblingsDontCountUpToDraft7",
+     R"({"$schema":"http://json-schema.org/draft-07/schema#","title":"r","properties":{"a":{)" A_REF
+     R"(,"properties":{"y":{}}}},"$defs":{)" A_RECORD "}}",
+     "A(x:Number) r(a:A)"},
+    {"OtherDocuments",
+     R"("a":{"$ref":"B.json"},"b":{"$ref":"b.json#/definitions/C"},"c":{"$ref":"none.json"},"d":{"$ref":"http://x/y"},
+        "e":{"$ref":"d.yaml#/D"},"f":{"$ref":"bad.json"})",
+     "D(z:Number) B(x:String) r(a:B b:Number c:String d:String e:D f:String)",
+     {{"b.json", R"({"title":"B","properties":{"x":{"$ref":"sub/e.json"}},"definitions":{"C":{"type":"number"}}})"},
+      {"d.yaml", "D:\n  properties:\n    z: {type: number}\n"},
+      {"bad.json", "{"}}},
+    {"AllOf",
+     R"({"title":"r","allOf":[{)" A_REF
+     R"(},{"properties":{"y":{},"x":{"type":"number"}}}],"properties":{"z":{}},"$defs":{)" A_RECORD "}}",
+     "r(x:Number y:String z:String) A(x:Number)"},
+    {"OneMeaningAlone",
+     R"({"title":"r","properties":{"a":{"allOf":[{)" A_REF
+     R"(}],"description":"d"},"b":{"oneOf":[{"type":"null"},{)" A_REF R"(}]}},"$defs":{)" A_RECORD "}}",
+     "A(x:Number) r(a:A b:A)"},
+    {"TheLaterKindHolds",
+     R"("a":{"allOf":[{"type":"string"},{"type":"number"}]},"b":{"allOf":[{"type":"string"},{"enum":["x"]}]})",
+     "b{x} r(a:Number b:b)"},
+    {"Alternatives",
+     R"("a":{"oneOf":[{"properties":{"k":{"const":"p"},"x":{}}},{"properties":{"k":{"const":"q"},"y":{"properties":{"u":{}}}}},
+        {"properties":{"y":{"properties":{"v":{}}}}}]},"b":{"anyOf":[{"type":"number"},{"type":"integer"}]},
+        "c":{"anyOf":[{"enum":["x"]},{"const":"y"}]},"d":{"anyOf":[{"type":"string"},{"properties":{"x":{}}}]},
+        "e":{"anyOf":[{"type":"string"},{"type":"array","items":{"type":"string"}}]},
+        "f":{"anyOf":[{"type":"string"},{"type":"array","items":{"properties":{"x":{}}}}]})",
+     "c{x|y} f(x:String) d(x:String) k{p|q} y(u:String v:String) a(k:k x:String y:y) t_f[f] r(a:a b:Number c:c d:d "
+     "e:String f:t_f)"},
+    {"Conditions",
+     R"({"title":"r","if":{"properties":{"a":{"const":"x"}}},"then":{"properties":{"b":{}}},"else":{"properties":{"c":{}}},
+        "properties":{"a":{"enum":["x","y"]}},"dependentSchemas":{"a":{"properties":{"d":{}}}},"dependencies":{"a":["b"]}})",
+     "a{x|y} r(a:a b:String c:String d:String)"},
+    {"RecordsThatHoldEachOther",
+     R"({"title":"r","allOf":[{"$ref":"#/$defs/B"},{"properties":{"n":{"$ref":"#"}}}],
+        "$defs":{"B":{"properties":{"n":{"$ref":"#/$defs/B"},"l":{"type":"array","items":{"$ref":"#"}}}}}})",
+     "t_l[r] n(n:n l:t_l) r(n:n l:t_l) B(n:B l:t_l)"},
+    {"DefinitionsAlone",
+     R"({"definitions":{"A":{"properties":{"x":{"$ref":"#/definitions/B"}}},"B":{"properties":{"y":{}}},"E":{"enum":["z"]}}})",
+     "B(y:String) E{z} A(x:B)"},
+    {"ChosenMainType",
+     R"({"title":"r","properties":{"a":{}},"$defs":{"B":{"properties":{"y":{}}},"C":{"properties":{"z":{}}}}})",
+     "B(y:String)",
+     {},
+     "B"},
+    {"AnArrayIsAValue", R"({"title":"r","type":"array","items":{"properties":{"x":{}}}})",
+     "r_2(x:String) t_value[r_2] r(value:t_value)"},
+    {"TakenNames",
+     R"("a":{"properties":{"k":{"properties":{"x":{}}}}},"k":{"properties":{"y":{}}},"":{},"p\\q":{"properties":{"z":{}}})",
+     "p_q(z:String) k(y:String) a_k(x:String) a(k:a_k) r(a:a k:k _:String p_q:p_q)"},
+    {"Numbers", R"("a":{"type":"number","maximum":1e99999,"minimum":-123456789012345678901234567890.5E-7})",
+     "r(a:Number)"},
+    {"Yaml",
+     "# YAML\ntitle: r\nproperties:\n  a: &n {type: integer}\n  b: *n\n  c:\n    <<: *n\n    title: C\n  on: {enum: "
+     "[yes, 'no']}\n",
+     "on{yes|no} r(a:Number b:Number c:Number on:on)"},
+};
+
+class JsonSchema : public Importing<JsonSchemaMessage>
+{
+protected:
+    int importSchema(const CString& schema)
+    {
+        return message.parseFile(folder.write(schema.starts_with('#') ? "x.yaml" : "x.json", schema), "\\b\\");
+    }
+};
+class JsonSchemaRule : public JsonSchema, public testing::WithParamInterface<Rule>
+{};
+
+TEST_P(JsonSchemaRule, GivesTypes)
+{
+    for (const auto& [name, content] : GetParam().others)
+        folder.write(name, content);
+    message.setRoot(GetParam().root);
+    const CString& schema = GetParam().schema;
+    EXPECT_EQ(importSchema(schema.starts_with('#') ? schema : documentOf(schema)), 1);
+    EXPECT_EQ(fullTypesOf(message), GetParam().types);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, JsonSchemaRule, testing::ValuesIn(kRules),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
+{
+    folder.write("bad.json", "{\n  \"a\" 1}");
+    EXPECT_EQ(importSchema(R"({"title":"r","required":["a"],"properties":{
+  "a":{"$ref":"#/$defs/None"},"b":{"$ref":"none.json"},"c":{"$ref":"bad.json#/x"},
+  "d":{"properties":{"x":{"minLength":1,"default":"x"}},"additionalProperties":{"type":"string"}},
+  "e":{"type":["string","integer"]},"f":{"type":"object"},"f":{"oneOf":[{"type":"number"},{"type":"null"}]},
+  "g\\h":{"type":"string"},"h":{"allOf":[{"type":"string"},{"type":"integer","maximum":9}]},"i":false}})"),
+              1);
+    EXPECT_EQ(reportOf(message, folder.path()), R"(8 losses
+x.json:4:41: key given twice: f
+x.json:2:15: reference to nothing that was read: #/$defs/None at #/properties/a
+x.json:2:43: module or document not there: none.json at #/properties/b
+bad.json:2:7: document not well-formed: a colon is expected behind the key (named in x.json:2:68)
+x.json:2:68: reference to nothing that was read: bad.json#/x at #/properties/c
+x.json:3:7: further properties of any name: #/properties/d
+x.json:4:7: values of kinds that differ: #/properties/e
+x.json:5:60: values of kinds that differ: #/properties/h/allOf/1
+
+15 details
+x.json:5:97: element that may not occur: i at #/properties/i
+x.json:5:10: name made fit: g\h is g_h
+
+2 reference to nothing that was read
+2 values of kinds that differ
+1 module or document not there
+1 document not well-formed
+1 further properties of any name
+1 key given twice
+9 optional
+2 facet
+1 element that may not occur
+1 name made fit
+1 choice between alternatives
+1 default
+)");
+}
+
+TEST_F(JsonSchema, DescribesByTitleOrFirstSentence)
+{
+    EXPECT_EQ(importSchema(R"({"title":" The\n r ","description":"no","properties":{
+        "a":{"description":"It is 1.5 long, e.g. so. No more."},"b":{"$ref":"#/$defs/B"},"c":{"title":"C","description":"no"}},
+        "$defs":{"B":{"description":"Of B","type":"number"}}})"),
+              1);
+    CString said;
+    message.beginEnum();
+    while (const Element* type = message.enumNext())
+        for (const Element* child : type->queryChildren())
+            said += child->queryDescription() + ";";
+    EXPECT_EQ(said, "It is 1.5 long, e.g. so.;Of B;C;");
+    EXPECT_EQ(message.queryMainTypeName(), "The_r");
+}
+
+struct Refusal
+{
+    const char* name;
+    CString schema;
+    const char* says;
+    const char* root = "";
+};
+
+const Refusal kRefusals[] = {
+    {"NoJson", "{\"a\":\n  tru}", "Error on line 2, column 6.\nError text is 'a value is expected'."},
+    {"Empty", " ", "Error on line 1, column 2.\nError text is 'the text ends too early'."},
+    {"TextBehindTheEnd", "{} x", "Error on line 1, column 4.\nError text is 'text behind the end'."},
+    {"CommaTooMany", "[1,]", "Error on line 1, column 4.\nError text is 'a value is expected'."},
+    {"NoUtf8", "{\"\xff\":1}", "Error on line 1, column 3.\nError text is 'the bytes are no UTF-8'."},
+    {"TooDeep", times(1001, "[") + times(1001, "]"),
+     "Error on line 1, column 1001.\nError text is 'more than 1000 levels of nesting, which is the bound'."},
+    {"NoYaml", "#\na: [", "Error on line 3, column 1.\nError text is 'did not find expected node content'."},
+    {"YamlInsideItself", "# \na: &a [*a]",
+     "Error on line 2, column 8.\nError text is 'an alias of nothing that stands before it'."},
+    {"SecondYaml", "# \na: 1\n---\nb: 1",
+     "Error on line 3, column 1.\nError text is 'a second document begins, and one is read'."},
+    {"NoSchema", "[{}]", "$ declares no element, type or enumeration."},
+    {"MadeOfItself", R"({"allOf":[{"$ref":"#/$defs/A"}],"$defs":{"A":{"anyOf":[{"type":"null"},{"$ref":"#"}]}}})",
+     "# is made of itself, without an object between."},
+    {"NoSuchMainType", R"({"properties":{"a":{}}})", "There is no element called B.", "B"},
+};
+
+class JsonSchemaRefusal : public JsonSchema, public testing::WithParamInterface<Refusal>
+{};
+
+TEST_P(JsonSchemaRefusal, NamesTheFault)
+{
+    message.setRoot(GetParam().root);
+    EXPECT_EQ(importSchema(GetParam().schema), 0);
+    CString says = GetParam().says;
+    if (says.starts_with('$'))
+        says = folder.path() + "x.json" + says.substr(1);
+    EXPECT_THAT(boxes.take(), testing::ElementsAre(says));
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, JsonSchemaRefusal, testing::ValuesIn(kRefusals),
+                         [](const auto& row) { return row.param.name; });
+
+} // namespace
