@@ -1,0 +1,349 @@
+#include "Import/Json/AvroTypes.h"
+
+#include "Import/Full/Descriptions.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+using Index = JsonNode::Index;
+
+constexpr std::uint16_t kMaxDepth = 100; // of arrays inside each other
+
+bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words)
+{
+    return std::ranges::find(words, text) != words.end();
+}
+
+bool isNamedType(std::string_view type)
+{
+    return isOneOf(type, {"record", "error", "enum", "fixed"});
+}
+
+} // namespace
+
+// Names are told apart by their namespaces: that in a name with dots, else the type's own, else the one around it.
+NameTable::Id AvroTypes::fullNameOf(std::string_view name, NameTable::Id space)
+{
+    if (space == 0 || name.find('.') != name.npos)
+        return tree.names.intern(name);
+    return tree.names.intern(CString(tree.names[space]) + "." + CString(name));
+}
+
+void AvroTypes::declareAll(Scoped top)
+{
+    std::vector<Scoped> waiting{top};
+    while (!waiting.empty()) {
+        Scoped at = waiting.back();
+        waiting.pop_back();
+        at.schema = tree.target(at.schema);
+        if (!tree.is(at.schema, JsonNode::object) && !tree.is(at.schema, JsonNode::array))
+            continue;
+        if (!declared.insert(at.schema).second)
+            continue;
+        const auto first = static_cast<std::ptrdiff_t>(waiting.size());
+        const auto wait = [&](Index holder, bool isField) {
+            for (Index child = tree[holder].firstChild; child != 0; child = tree[child].next)
+                waiting.push_back({isField ? tree.find(child, JsonWord::type) : child, at.space});
+        };
+        if (tree.is(at.schema, JsonNode::array)) {
+            wait(at.schema, false);
+        } else {
+            declare(at);
+            for (const JsonWord word : {JsonWord::type, JsonWord::items, JsonWord::values})
+                waiting.push_back({tree.find(at.schema, word), at.space});
+            wait(tree.find(at.schema, JsonWord::fields, JsonNode::array), true);
+        }
+        std::reverse(waiting.begin() + first, waiting.end());
+    }
+}
+
+void AvroTypes::declare(Scoped& at)
+{
+    const std::string_view name = tree.textOf(at.schema, JsonWord::name);
+    if (name.empty() || !isNamedType(tree.textOf(at.schema, JsonWord::type)))
+        return;
+    if (const std::size_t dot = name.rfind('.'); dot != name.npos)
+        at.space = tree.names.intern(CString(name.substr(0, dot)));
+    else if (const Index own = tree.find(at.schema, JsonWord::namespaceWord, JsonNode::string); own != 0)
+        at.space = tree[own].text;
+    if (!named.emplace(fullNameOf(name, at.space), at).second)
+        documents.note(SourceReport::declaredTwice, at.schema, name);
+    spaces[at.schema] = at.space;
+    order.push_back(at);
+}
+
+void AvroTypes::addCandidate(Index schema, std::string_view name)
+{
+    declareAll({schema, 0});
+    const Index several = tree.is(schema, JsonNode::array) ? schema : 0;
+    for (Index at = tree[several].firstChild; at != 0; at = tree[at].next)
+        if (const Sorted sorted = sort({{at, 0}}); !sorted.records.empty())
+            if (const auto shape = shapeOf({{at, 0}}, name, SourceTypes::kNone))
+                names.addCandidate(*shape, name, tree.placeOf(at));
+    if (several == 0)
+        if (const auto shape = shapeOf({{schema, 0}}, name, SourceTypes::kNone))
+            names.addCandidate(*shape, name, tree.placeOf(schema));
+    for (const Scoped at : std::exchange(order, {}))
+        shapeOf({at}, name, SourceTypes::kNone);
+}
+
+void AvroTypes::addAllCandidates()
+{
+    for (const auto& [schemas, type] : records)
+        if (schemas.size() == 1)
+            names.addCandidate({type, 0}, {}, tree.placeOf(schemas.front()));
+}
+
+void AvroTypes::readProtocol(Index protocol)
+{
+    const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);
+    const Index declarations = tree.find(protocol, JsonWord::types, JsonNode::array);
+    declareAll({declarations, tree[space].text});
+    for (const Scoped at : std::exchange(order, {}))
+        shapeOf({at}, {}, SourceTypes::kNone);
+    const Index messages = tree.find(protocol, JsonWord::messages, JsonNode::object);
+    for (Index at = tree[messages].firstChild; at != 0; at = tree[at].next) {
+        const Index message = tree.target(at);
+        const CString name(tree.key(at));
+        const Index request = tree.find(message, JsonWord::request, JsonNode::array);
+        if (tree[request].firstChild != 0) {
+            const SourceTypes::Type type =
+                recordOf({{request, tree[space].text}}, false, names.fit(name + "Request", at), SourceTypes::kNone);
+            names.addCandidate({type, 0}, {}, tree.placeOf(at));
+        }
+        const Index response = tree.find(message, JsonWord::response);
+        if (response != 0 && !sort({{response, tree[space].text}}).records.empty())
+            if (const auto shape =
+                    shapeOf({{response, tree[space].text}}, names.fit(name + "Response", at), SourceTypes::kNone))
+                names.addCandidate(*shape, name + "Response", tree.placeOf(at));
+    }
+    if (tree[messages].firstChild == 0)
+        addAllCandidates();
+}
+
+/// The type of a value with these alternatives; nothing for one of bytes.
+std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternatives, std::string_view name,
+                                                   SourceTypes::Index home)
+{
+    const Index place = alternatives.empty() ? 0 : alternatives.front().schema;
+    Shape shape;
+    for (;;) {
+        const Sorted sorted = sort(std::move(alternatives));
+        const bool isObject = !sorted.records.empty() || !sorted.maps.empty();
+        const int sorts =
+            !sorted.records.empty() + !sorted.maps.empty() + !sorted.arrays.empty() + !sorted.leaves.empty();
+        if (sorts > 1)
+            documents.note(SourceReport::kindsDiffer, place);
+        if (isObject) {
+            const bool isMap = sorted.records.empty();
+            shape.type = recordOf(isMap ? sorted.maps : sorted.records, isMap, name, home);
+            shape.depth += isMap ? 1 : 0;
+            return shape;
+        }
+        if (sorts > 1)
+            return Shape();
+        if (sorted.arrays.empty()) {
+            const auto leaf = leafOf(sorted.leaves, name);
+            if (!leaf)
+                return std::nullopt;
+            shape.type = *leaf;
+            return shape;
+        }
+        if (++shape.depth > kMaxDepth) {
+            documents.note(SourceReport::cutShort, place, "arrays inside each other");
+            return Shape();
+        }
+        alternatives.clear();
+        for (const Scoped& array : sorted.arrays)
+            alternatives.push_back({tree.find(array.schema, JsonWord::items), array.space});
+    }
+}
+
+/// Unions taken apart, names followed, null left out; each once.
+AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
+{
+    Sorted sorted;
+    std::unordered_set<Index> met;
+    std::ranges::reverse(alternatives);
+    while (!alternatives.empty()) {
+        Scoped at = alternatives.back();
+        alternatives.pop_back();
+        at.schema = tree.target(at.schema);
+        if (!met.insert(at.schema).second)
+            continue;
+        const Index inner = tree.find(at.schema, JsonWord::type);
+        if (tree.is(at.schema, JsonNode::array)) {
+            const auto first = static_cast<std::ptrdiff_t>(alternatives.size());
+            for (Index member = tree[at.schema].firstChild; member != 0; member = tree[member].next)
+                alternatives.push_back({member, at.space});
+            std::reverse(alternatives.begin() + first, alternatives.end());
+        } else if (tree.is(inner, JsonNode::object) || tree.is(inner, JsonNode::array)) {
+            alternatives.push_back({inner, at.space});
+        } else {
+            const std::string_view type = tree.text(tree.is(at.schema, JsonNode::string) ? at.schema : inner);
+            const auto found = named.find(fullNameOf(type, at.space));
+            const auto global = found == named.end() ? named.find(tree.names.intern(CString(type))) : found;
+            if (isNamedType(type) || global == named.end())
+                sortOut(at, type, sorted);
+            else
+                alternatives.push_back(global->second);
+        }
+    }
+    return sorted;
+}
+
+void AvroTypes::sortOut(Scoped at, std::string_view type, Sorted& sorted)
+{
+    if (const auto known = spaces.find(at.schema); known != spaces.end())
+        at.space = known->second;
+    if (type == "record" || type == "error")
+        sorted.records.push_back(at);
+    else if (type == "map")
+        sorted.maps.push_back(at);
+    else if (type == "array")
+        sorted.arrays.push_back(at);
+    else if (type != "null")
+        sorted.leaves.push_back(at);
+}
+
+/// The record of these schemas: their own if it is one, else one with the fields of all.
+SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool isMap, std::string_view name,
+                                      SourceTypes::Index home)
+{
+    std::vector<Index> key;
+    for (const Scoped& schema : schemas)
+        key.push_back(schema.schema);
+    std::ranges::sort(key);
+    const auto [known, isNew] = records.try_emplace(std::move(key));
+    if (!isNew)
+        return known->second;
+    const Index schema = schemas.front().schema;
+    const std::string_view full = schemas.size() == 1 && !isMap ? tree.textOf(schema, JsonWord::name) : "";
+    const std::string_view own = full.empty() ? name : names.fit(full.substr(full.rfind('.') + 1), schema);
+    const SourceTypes::Index record =
+        types.addRecord({own, describe(schema), tree.placeOf(schema), full.empty() ? home : SourceTypes::kNone});
+    pending.push_back({schemas, record, isMap});
+    return known->second = {SourceTypes::kindRecord, record};
+}
+
+/// The kind of a schema that is no object and no array; nothing for bytes.
+std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema) const
+{
+    const bool isPlain = tree.is(schema, JsonNode::string);
+    const std::string_view type = isPlain ? tree.text(schema) : tree.textOf(schema, JsonWord::type);
+    const std::string_view logical = tree.textOf(schema, JsonWord::logicalType);
+    if (logical == "date" || logical.starts_with("time-") || logical.starts_with("timestamp-") ||
+        logical.starts_with("local-timestamp-"))
+        return SourceTypes::kindTime;
+    if (logical == "decimal" || logical == "big-decimal" || isOneOf(type, {"int", "long", "float", "double"}))
+        return SourceTypes::kindNumber;
+    if (type == "bytes")
+        return std::nullopt;
+    return type == "enum" ? SourceTypes::kindEnumeration : SourceTypes::kindText;
+}
+
+std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& leaves, std::string_view name)
+{
+    std::optional<SourceTypes::Kind> shared;
+    bool isShared = true, isBytes = false, isNumber = false;
+    for (const Scoped& leaf : leaves) {
+        const std::string_view type = tree.text(leaf.schema);
+        const bool isKnown =
+            isOneOf(type, {"", "int", "long", "float", "double", "bytes", "string", "boolean", "null"});
+        if (tree.is(leaf.schema, JsonNode::string) && !isKnown)
+            documents.note(SourceReport::unresolvedReference, leaf.schema, type);
+        const auto kind = kindOf(leaf.schema);
+        if (!kind) {
+            isBytes = true;
+            continue;
+        }
+        isShared = isShared && (!shared || *shared == *kind);
+        isNumber = isNumber || *kind == SourceTypes::kindNumber;
+        shared = kind;
+    }
+    if (isBytes && !shared)
+        return std::nullopt;
+    if (isBytes || (!isShared && isNumber))
+        documents.note(SourceReport::kindsDiffer, leaves.front().schema);
+    if (!shared || !isShared || isBytes)
+        return SourceTypes::Type();
+    return *shared == SourceTypes::kindEnumeration ? enumerationOf(leaves, name) : SourceTypes::Type{*shared};
+}
+
+SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, std::string_view name)
+{
+    std::vector<std::string_view> constants;
+    std::unordered_set<NameTable::Id> met;
+    for (const Scoped& leaf : leaves) {
+        const Index symbols = tree.find(leaf.schema, JsonWord::symbols, JsonNode::array);
+        for (Index at = tree[symbols].firstChild; at != 0; at = tree[at].next)
+            if (tree.is(at, JsonNode::string) && met.insert(tree[at].text).second)
+                constants.push_back(types.keep(tree.text(at)));
+    }
+    const Index schema = leaves.front().schema;
+    const std::string_view full = leaves.size() == 1 ? tree.textOf(schema, JsonWord::name) : "";
+    const std::string_view own = full.empty() ? name : names.fit(full.substr(full.rfind('.') + 1), schema);
+    if (constants.empty())
+        return {};
+    return {SourceTypes::kindEnumeration,
+            types.addEnumeration(own, constants, !full.empty(), describe(schema), tree.placeOf(schema))};
+}
+
+void AvroTypes::finish()
+{
+    for (std::size_t i = 0; i < pending.size(); ++i)
+        readFields(Pending(pending[i]));
+}
+
+/// A field that several of the record's schemas have is of all their types.
+void AvroTypes::readFields(const Pending& record)
+{
+    struct Known
+    {
+        std::string_view name;
+        std::string_view description;
+        std::vector<Scoped> alternatives;
+    };
+    std::vector<Known> known;
+    std::unordered_map<std::string_view, std::size_t> byName;
+    std::vector<SourceTypes::Field> fields;
+    if (record.isMap) {
+        fields.push_back({"key"});
+        known.push_back({"value", {}, {}});
+        for (const Scoped& map : record.schemas)
+            known.back().alternatives.push_back({tree.find(map.schema, JsonWord::values), map.space});
+    } else {
+        for (const Scoped& schema : record.schemas) {
+            const bool isList = tree.is(schema.schema, JsonNode::array);
+            const Index list = isList ? schema.schema : tree.find(schema.schema, JsonWord::fields, JsonNode::array);
+            for (Index at = tree[list].firstChild; at != 0; at = tree[at].next) {
+                const Index field = tree.target(at);
+                report.count(SourceReport::defaultValue, tree.find(field, JsonWord::defaultWord) != 0);
+                report.count(SourceReport::facet,
+                             (tree.find(field, JsonWord::order) != 0) + (tree.find(field, JsonWord::aliases) != 0));
+                const auto [place, isNew] = byName.try_emplace(tree.textOf(field, JsonWord::name), known.size());
+                if (isNew)
+                    known.push_back({names.fit(place->first, field), describe(field), {}});
+                known[place->second].alternatives.push_back({tree.find(field, JsonWord::type), schema.space});
+            }
+        }
+    }
+    for (Known& field : known) {
+        const Index place = field.alternatives.front().schema;
+        const auto shape = shapeOf(std::move(field.alternatives), field.name, record.record);
+        if (shape)
+            fields.push_back({field.name, field.description, shape->type, SourceTypes::roleElement, shape->depth});
+        else
+            documents.note(SourceReport::bytesPassedOver, place, field.name);
+    }
+    types.setFields(record.record, fields);
+}
+
+std::string_view AvroTypes::describe(Index schema)
+{
+    CString words;
+    appendCollapsed(words, tree.textOf(schema, JsonWord::doc));
+    return types.keep(shortDescription(words));
+}

@@ -1,0 +1,35 @@
+#include "Import/Json/JsonDataMsg.h"
+
+#include "Files/File.h"
+#include "Files/FileMessage.h"
+#include "Import/Json/JsonShapes.h"
+#include "Resources/StringTable.h"
+
+namespace {
+
+void readFileInto(JsonShapes& shapes, const CString& fileName, std::uint32_t number)
+{
+    InputFile file(fileName);
+    if (file.queryError() != 0)
+        throw SourceRefusal{cantOpen(fileName, fileCauseOf(file.queryError())), {fileName, inWords(file.queryError())}};
+    try {
+        JsonScanner scanner(file);
+        shapes.read(scanner, number);
+    } catch (const JsonFault& fault) {
+        throw SourceRefusal{formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(fault.line),
+                                       static_cast<long>(fault.column), fault.reason.c_str()),
+                            {fileName, fault.reason, fault.line, fault.column}};
+    }
+}
+
+} // namespace
+
+void JsonDataMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
+{
+    JsonShapes shapes;
+    readFileInto(shapes, source, report.addFile(source));
+    for (const CString& further : furtherFiles)
+        readFileInto(shapes, further, report.addFile(further));
+    const std::size_t start = fileName.rfind('/') + 1;
+    shapes.declare(types.keep(toXmlName(fileName.substr(start, fileName.rfind('.') - start))), types, report);
+}

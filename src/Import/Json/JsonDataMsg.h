@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Import/Full/FullMessage.h"
+
+/// The importer of messages in JSON as examples of their kind: one or several, also one a line.
+class JsonDataMessage : public FullMessage
+{
+public:
+    JsonDataMessage() : FullMessage(m_descr) {}
+
+    static MsgBase* New() { return new JsonDataMessage; }
+
+    int isFileMode() const override { return 1; }
+    bool setFurtherFiles(const std::vector<CString>& files) override
+    {
+        furtherFiles = files;
+        return true;
+    }
+    CString queryUses(const CString&) const override { return {}; }
+
+    static MsgUIDescriptor m_descr;
+
+protected:
+    /// `source` is the name of the first file.
+    void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
+
+private:
+    std::vector<CString> furtherFiles;
+};

@@ -1,0 +1,240 @@
+#include "Import/Json/JsonShapes.h"
+
+#include "Base/Progress.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kMaxShapes = 2'000'000;
+
+// Takes a number of so many digits, between two bounds, off the text.
+bool takeNumber(std::string_view& text, std::size_t digits, int least, int most)
+{
+    if (text.size() < digits)
+        return false;
+    int number = 0;
+    for (std::size_t i = 0; i < digits; ++i) {
+        if (text[i] < '0' || text[i] > '9')
+            return false;
+        number = number * 10 + (text[i] - '0');
+    }
+    text.remove_prefix(digits);
+    return number >= least && number <= most;
+}
+
+bool takeMark(std::string_view& text, char mark)
+{
+    if (!text.starts_with(mark))
+        return false;
+    text.remove_prefix(1);
+    return true;
+}
+
+bool takeTime(std::string_view& text)
+{
+    if (!takeNumber(text, 2, 0, 24) || !takeMark(text, ':') || !takeNumber(text, 2, 0, 59))
+        return false;
+    if (takeMark(text, ':') && !takeNumber(text, 2, 0, 60))
+        return false;
+    if (takeMark(text, '.') || takeMark(text, ',')) {
+        const std::size_t end = std::min(text.find_first_not_of("0123456789"), text.size());
+        if (end == 0)
+            return false;
+        text.remove_prefix(end);
+    }
+    if (takeMark(text, 'Z') || takeMark(text, 'z') || text.empty())
+        return true;
+    return (takeMark(text, '+') || takeMark(text, '-')) && takeNumber(text, 2, 0, 23) &&
+           (takeMark(text, ':') || !text.empty()) && takeNumber(text, 2, 0, 59);
+}
+
+// A date, a time or both as ISO 8601 writes them in full.
+bool isIsoTime(std::string_view text)
+{
+    constexpr std::size_t shortest = 5, longest = 40;
+    if (text.size() < shortest || text.size() > longest || text[0] < '0' || text[0] > '9')
+        return false;
+    if (text[2] == ':')
+        return takeTime(text) && text.empty();
+    if (!takeNumber(text, 4, 0, 9999) || !takeMark(text, '-') || !takeNumber(text, 2, 1, 12) || !takeMark(text, '-') ||
+        !takeNumber(text, 2, 1, 31))
+        return false;
+    return text.empty() ||
+           ((takeMark(text, 'T') || takeMark(text, 't') || takeMark(text, ' ')) && takeTime(text) && text.empty());
+}
+
+} // namespace
+
+void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber)
+{
+    // A container that is open, and its member that came last.
+    struct Open
+    {
+        Index shape;
+        Index last = 0;
+        bool isArray = false;
+    };
+    file = fileNumber;
+    std::vector<Open> open;
+    Index at = 0; // the shape of the next value
+    CancelPoint cancelPoint(1 << 16);
+    for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
+        cancelPoint.pass();
+        if (token == JsonScanner::key) {
+            Open& object = open.back();
+            object.last = memberOf(object.shape, object.last, scanner.text());
+            at = shapes[object.last].target == 0 ? object.last : shapes[object.last].target;
+            continue;
+        }
+        if (token == JsonScanner::objectEnd || token == JsonScanner::arrayEnd) {
+            open.pop_back();
+            continue;
+        }
+        if (open.empty())
+            at = 0;
+        else if (open.back().isArray)
+            at = itemsOf(open.back().shape);
+        switch (token) {
+        case JsonScanner::objectBegin:
+            note(at, isObject, scanner);
+            open.push_back({at});
+            break;
+        case JsonScanner::arrayBegin:
+            note(at, Kind::isArray, scanner);
+            open.push_back({at, 0, true});
+            break;
+        case JsonScanner::number:
+            note(at, isNumber, scanner);
+            break;
+        case JsonScanner::string:
+            note(at, isIsoTime(scanner.text()) ? isTime : isText, scanner);
+            break;
+        case JsonScanner::boolean:
+            note(at, isText, scanner);
+            break;
+        default:
+            break; // null is of any kind
+        }
+    }
+}
+
+void JsonShapes::note(Index index, Kind kind, const JsonScanner& scanner)
+{
+    Shape& shape = shapes[index];
+    if ((shape.kinds & kind) != 0)
+        return;
+    const SourcePlace place{file, scanner.line(), scanner.column()};
+    (shape.kinds == 0 ? shape.place : shape.otherPlace) = place;
+    shape.kinds = static_cast<std::uint8_t>(shape.kinds | kind);
+}
+
+JsonShapes::Index JsonShapes::add(Index parent, NameTable::Id key)
+{
+    if (shapes.size() == kMaxShapes)
+        throw JsonFault{"more than " + std::to_string(kMaxShapes) + " keys in different places, which is the bound"};
+    Shape& shape = shapes.emplace_back();
+    shape.parent = parent;
+    shape.key = key;
+    return static_cast<Index>(shapes.size() - 1);
+}
+
+JsonShapes::Index JsonShapes::itemsOf(Index array)
+{
+    if (shapes[array].items == 0) {
+        const Index items = add(array, 0);
+        shapes[array].items = items;
+    }
+    return shapes[array].items;
+}
+
+// Most objects have the keys of the last one of their shape, in that order. A member inside one of the same key is of
+// its shape: lists of lists of nodes so come to an end.
+JsonShapes::Index JsonShapes::memberOf(Index object, Index before, std::string_view key)
+{
+    const Index guess = before == 0 ? shapes[object].first : shapes[before].follower;
+    if (guess != 0 && names[shapes[guess].key] == key)
+        return guess;
+    const NameTable::Id id = names.intern(key);
+    const std::uint64_t place = static_cast<std::uint64_t>(object) << 32 | id;
+    const auto [known, isNew] = members.try_emplace(place, 0);
+    if (isNew) {
+        const Index member = add(object, id);
+        members[place] = member;
+        Shape& holder = shapes[object];
+        (holder.last == 0 ? holder.first : shapes[holder.last].next) = member;
+        holder.last = member;
+        for (Index around = object; around != 0 && shapes[member].target == 0; around = shapes[around].parent)
+            if (shapes[around].key == id && id != 0 && shapes[around].target == 0)
+                shapes[member].target = around;
+    }
+    const Index member = isNew ? shapes[object].last : known->second;
+    if (before != 0)
+        shapes[before].follower = member;
+    return member;
+}
+
+void JsonShapes::declare(std::string_view name, SourceTypes& types, SourceReport& report)
+{
+    std::uint16_t depth = 0;
+    const SourceTypes::Type type = typeOf(0, depth, name, SourceTypes::kNone, types, report);
+    if (shapes[0].kinds != 0)
+        types.addCandidate({name, type, false, shapes[0].place, false, depth});
+    std::vector<SourceTypes::Field> fields;
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        const Index object = pending[i];
+        fields.clear();
+        for (Index at = shapes[object].first; at != 0; at = shapes[at].next) {
+            const std::string_view called = nameOf(at, types, report);
+            std::uint16_t tables = 0;
+            const Index shape = shapes[at].target == 0 ? at : shapes[at].target;
+            const SourceTypes::Type field = typeOf(shape, tables, called, records[object], types, report);
+            fields.push_back({called, {}, field, SourceTypes::roleElement, tables});
+        }
+        types.setFields(records[object], fields);
+    }
+}
+
+std::string_view JsonShapes::nameOf(Index member, SourceTypes& types, SourceReport& report)
+{
+    const std::string_view key = names[shapes[member].key];
+    CString made = toXmlText(key);
+    std::ranges::replace(made, '\\', '_'); // which parts the folders of types
+    if (made.empty())
+        made = "_";
+    if (made != key)
+        report.add(SourceReport::nameMadeFit, shapes[member].place, CString(key) + " is " + made);
+    return types.keep(made);
+}
+
+SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string_view name, SourceTypes::Index home,
+                                     SourceTypes& types, SourceReport& report)
+{
+    constexpr std::uint16_t deepest = 100;
+    bool isLeafToo = false;
+    const Index whole = at;
+    for (; (shapes[at].kinds & (isArray | isObject)) == isArray && depth < deepest; at = shapes[at].items, ++depth) {
+        isLeafToo |= shapes[at].kinds != isArray;
+        if (shapes[at].items == 0)
+            return ++depth, SourceTypes::Type();
+    }
+    const std::uint8_t kinds = shapes[at].kinds;
+    const bool isRecord = (kinds & isObject) != 0 && shapes[at].first != 0;
+    const bool differs = (kinds & (kinds - 1)) != 0 && kinds != (isTime | isText);
+    if (differs || isLeafToo)
+        report.add(SourceReport::kindsDiffer, differs ? shapes[at].otherPlace : shapes[whole].otherPlace, name);
+    if (depth == deepest)
+        report.add(SourceReport::cutShort, shapes[whole].place, CString(name) + ", arrays inside each other");
+    if (!isRecord && (isLeafToo || depth == deepest))
+        depth = 0;
+    if (!isRecord)
+        return {kinds == isNumber && !isLeafToo ? SourceTypes::kindNumber
+                : kinds == isTime && !isLeafToo ? SourceTypes::kindTime
+                                                : SourceTypes::kindText};
+    const auto [known, isNew] = records.try_emplace(at);
+    if (isNew) {
+        known->second = types.addRecord({name, {}, shapes[at].place, home});
+        pending.push_back(at);
+    }
+    return {SourceTypes::kindRecord, known->second};
+}

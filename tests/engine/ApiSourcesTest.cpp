@@ -1,0 +1,120 @@
+#include "Import/Json/AvroMsg.h"
+#include "Import/Json/JsonDataMsg.h"
+#include "Import/Json/OpenApiMsg.h"
+#include "support/FullTypes.h"
+#include "support/Importing.h"
+
+namespace {
+
+struct Rule
+{
+    const char* name;
+    CString source;
+    const char* types;
+    const char* root = "";
+};
+
+const Rule kApis[] = {
+    {"BodiesAreMessages",
+     R"({"openapi":"3.0.1","paths":{"/a":{"post":{"operationId":"make","requestBody":{"content":{"application/json":{"schema":{
+        "type":"object","properties":{"x":{"$ref":"#/components/schemas/P","nullable":true}}}}}},"responses":{"200":{"$ref":"#/components/responses/R"}}}},
+        "/b/{id}":{"get":{"responses":{"200":{"content":{"a/b":{"schema":{"type":"array","items":{"$ref":"#/components/schemas/P"}}}}}}}}},
+        "components":{"schemas":{"P":{"properties":{"n":{"type":"integer"}}},"Unused":{"enum":["u"]}},
+        "responses":{"R":{"content":{"application/json":{"schema":{"properties":{"y":{"type":"string"}}}}}}}}})",
+     "makeResponse(y:String) P(n:Number) Unused{u} makeRequest(x:P)"},
+    {"SchemasAlone",
+     "openapi: 3.1.0\ninfo: {title: t}\ncomponents:\n  schemas:\n    A:\n      properties:\n        b: {$ref: "
+     "'#/components/schemas/B', description: d}\n    B: {type: object, properties: {c: {type: [integer, 'null']}}}\n",
+     "B(c:Number) A(b:B)"},
+    {"DiscriminatorsAreEnumerations",
+     R"({"openapi":"3.0.0","paths":{},"components":{"schemas":{"Pet":{"type":"object","properties":{"kind":{"type":"string"}},
+        "discriminator":{"propertyName":"kind","mapping":{"c":"#/components/schemas/Cat","d":"Dog"}}},
+        "Cat":{"allOf":[{"$ref":"#/components/schemas/Pet"},{"properties":{"m":{"type":"number"}}}]}}}})",
+     "kind{c|d} Pet(kind:kind) Cat(kind:kind m:Number)"},
+    {"ChannelsOfVersion2",
+     R"({"asyncapi":"2.6.0","channels":{"a/b":{"publish":{"message":{"oneOf":[{"$ref":"#/components/messages/M"},{"name":"N",
+        "payload":{"type":"object","properties":{"n":{}}}}]}}}},"components":{"messages":{"M":{"headers":{"properties":{"h":{"type":"integer"}}},
+        "payload":{"$ref":"#/components/schemas/S"}}},"schemas":{"S":{"properties":{"s":{}}}}}})",
+     "N(n:String) MHeaders(h:Number) S(s:String)"},
+    {"ChannelsOfVersion3",
+     R"({"asyncapi":"3.0.0","channels":{"c":{"messages":{"M":{"payload":{"schemaFormat":"application/vnd.apache.avro;version=1.9.0",
+        "schema":{"type":"record","name":"Rec","fields":[{"name":"x","type":"int"}]}}}}}}})",
+     "Rec(x:Number)"},
+};
+
+const Rule kAvro[] = {
+    {"Records",
+     R"({"type":"record","name":"r","namespace":"n","fields":[{"name":"a","type":"long"},{"name":"b","type":["null","string"],"default":null},
+        {"name":"c","type":{"type":"enum","name":"E","symbols":["X","Y"]}},{"name":"d","type":{"type":"array","items":{"type":"array","items":"n.r"}}},
+        {"name":"e","type":{"type":"map","values":"E"}},{"name":"f","type":"boolean"},{"name":"g","type":{"type":"fixed","name":"F","size":2}},
+        {"name":"h","type":"F"}]})",
+     "t_d[r] E{X|Y} e(key:String value:E) t_t_d[t_d] t_e[e] r(a:Number b:String c:E d:t_t_d e:t_e f:String g:String "
+     "h:String)"},
+    {"LogicalTypes",
+     R"({"type":"record","name":"r","fields":[{"name":"a","type":{"type":"int","logicalType":"date"}},{"name":"b","type":{"type":"long","logicalType":"local-timestamp-micros"}},
+        {"name":"c","type":{"type":"bytes","logicalType":"decimal","precision":4}},{"name":"d","type":{"type":"string","logicalType":"uuid"}},
+        {"name":"e","type":{"type":"fixed","name":"D","size":12,"logicalType":"duration"}},{"name":"f","type":"bytes"},{"name":"g","type":{"type":"int","logicalType":"time-millis"}}]})",
+     "r(a:Time b:Time c:Number d:String e:String g:Time)"},
+    {"Unions",
+     R"({"type":"record","name":"r","fields":[{"name":"a","type":["null",{"type":"record","name":"A","fields":[{"name":"x","type":"int"},{"name":"y","type":"string"}]},
+        {"type":"record","name":"B","fields":[{"name":"y","type":"string"},{"name":"z","type":"int"}]}]},{"name":"b","type":["int","double"]},
+        {"name":"c","type":["int","string"]},{"name":"d","type":["A","null"]},{"name":"e","type":[{"type":"array","items":"int"},"null"]}]})",
+     "t_e[Number] A(x:Number y:String) a(x:Number y:String z:Number) r(a:a b:Number c:String d:A e:t_e) B(y:String "
+     "z:Number)"},
+    {"SeveralAtTheTop",
+     R"([{"type":"record","name":"a","fields":[{"name":"x","type":"b"}]},{"type":"record","name":"b","fields":[{"name":"y","type":"int"}]}])",
+     "b(y:Number) a(x:b)"},
+    {"Protocols",
+     R"({"protocol":"P","namespace":"n","types":[{"type":"record","name":"A","fields":[{"name":"x","type":"int"}]},{"type":"enum","name":"E","symbols":["Z"]}],
+        "messages":{"send":{"request":[{"name":"a","type":"A"},{"name":"k","type":"string"}],"response":"A"}}})",
+     "A(x:Number) E{Z} sendRequest(a:A k:String)"},
+};
+
+const Rule kExamples[] = {
+    {"Kinds",
+     R"({"a":1,"b":"x","c":true,"d":null,"e":"2024-01-31","f":"2024-01-31T10:00:00.5+02:00","g":"10:30","h":"2024-13-01"})",
+     "x(a:Number b:String c:String d:String e:Time f:Time g:Time h:String)"},
+    {"AllExamplesTogether", "{\"a\":1}\n{\"b\":{\"c\":[1]}}\n{\"b\":{\"c\":[\"x\"],\"d\":[[{\"e\":1}]]}}",
+     "t_c[String] d(e:Number) t_d[d] t_t_d[t_d] b(c:t_c d:t_t_d) x(a:Number b:b)"},
+    {"TimesOnlyWhereAllAre", "{\"a\":\"2024-01-31\"} {\"a\":\"soon\"}", "x(a:String)"},
+    {"KindsThatDiffer", R"([{"a":1,"b":{"c":1},"d":1},{"a":"x","b":2,"d":[1]}])",
+     "b(c:Number) x_2(a:String b:b d:String) t_value[x_2] x(value:t_value)"},
+    {"NodesOfNodes", R"({"n":{"v":1,"n":{"v":2,"n":{"w":1}}},"l":[{"l":[{"l":[],"k":"x"}]}]})",
+     "t_l[l] n(v:Number n:n w:Number) l(l:t_l k:String) x(n:n l:t_l)"},
+    {"Empty", R"({"a":{},"b":[],"c":[[]]})", "t_c[String] t_b[String] t_t_c[t_c] x(a:String b:t_b c:t_t_c)"},
+};
+
+template <class Message>
+class Rows : public Importing<Message>, public testing::WithParamInterface<Rule>
+{
+protected:
+    void check()
+    {
+        this->message.setRoot(this->GetParam().root);
+        EXPECT_EQ(this->import(this->GetParam().source), 1);
+        EXPECT_EQ(fullTypesOf(this->message), this->GetParam().types);
+    }
+};
+using OpenApiRule = Rows<OpenApiMessage>;
+using AvroRule = Rows<AvroMessage>;
+using JsonDataRule = Rows<JsonDataMessage>;
+
+TEST_P(OpenApiRule, GivesTypes)
+{
+    check();
+}
+TEST_P(AvroRule, GivesTypes)
+{
+    check();
+}
+TEST_P(JsonDataRule, GivesTypes)
+{
+    check();
+}
+
+const auto kNameOf = [](const auto& row) { return row.param.name; };
+INSTANTIATE_TEST_SUITE_P(Rows, OpenApiRule, testing::ValuesIn(kApis), kNameOf);
+INSTANTIATE_TEST_SUITE_P(Rows, AvroRule, testing::ValuesIn(kAvro), kNameOf);
+INSTANTIATE_TEST_SUITE_P(Rows, JsonDataRule, testing::ValuesIn(kExamples), kNameOf);
+
+} // namespace
