@@ -52,16 +52,17 @@ void takeWords(const std::vector<CString>& words, Arguments& arguments)
         throw CLI::ValidationError(words.front(), "what is its source?");
     const CString& first = words.front();
     if (!arguments.importer && words.size() > 1 && first != "-" && testReadable(first) == FileCause::fileNotFound)
-        throw CLI::ValidationError(shownSource(first), "neither an importer (dtd, xml, xsd, btd, odbc) nor a file");
+        throw CLI::ValidationError(shownSource(first), "neither an importer (see --importers) nor a file");
 }
 
 void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
 {
     app.add_option("SOURCE", words,
-                   "  IMPORTER                  dtd, xml, xsd, btd or odbc (default: by the source)\n"
+                   "  IMPORTER                  dtd, xml, xsd, btd, odbc, jsonschema, openapi, avro or\n"
+                   "                            json (default: by the source)\n"
                    "  SOURCE                    A file, - for standard input; for odbc a data source\n"
-                   "                            name or a connection string; for xml and --full any\n"
-                   "                            number, with --full also folders of files\n"
+                   "                            name or a connection string; for xml, json and --full\n"
+                   "                            any number, with --full also folders of files\n"
                    "  @FILE                     Take further arguments from this file, one a line\n");
     app.add_flag("--recursive", arguments.isRecursive, "Take the files of folders below a folder, too");
     app.add_option("-t,--table", arguments.tables,
@@ -189,6 +190,8 @@ CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
     if (arguments.full.isWanted && !importer.hasFull())
         return "--full: " + word + " has no full reading";
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, importer));
+    if (const char* const option = arguments.full.optionOfFull(); *option != 0 && !readsInFull(*message))
+        return CString(option) + " requires --full";
     if (arguments.sources.size() > 1 && !message->setFurtherFiles({}))
         return word + " reads one source at a time" +
                (importer.hasFull() && !arguments.full.isWanted ? "; with --full it reads several" : "");

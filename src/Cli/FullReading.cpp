@@ -26,41 +26,50 @@ void addFolders(const std::vector<CString>& given, FullOptions& options)
 
 } // namespace
 
+const char* FullOptions::optionOfFull() const
+{
+    return !roots.empty()     ? "--root"
+           : !layout.empty()  ? "--folders"
+           : !folders.empty() ? "--folder"
+           : !name.empty()    ? "--name"
+                              : "";
+}
+
 void addFullOptions(CLI::App& app, FullOptions& options)
 {
-    CLI::Option* const full = app.add_flag("--full", options.isWanted, "dtd, xsd: Read by all rules of the language");
+    app.add_flag("--full", options.isWanted, "dtd, xsd: Read by all rules of the language");
     app.add_option("--root", options.roots, "With --full: import only what NAME reaches (repeats)")
         ->type_name("NAME")
-        ->allow_extra_args(false)
-        ->needs(full);
+        ->allow_extra_args(false);
     app.add_option("--folders", options.layout, "With --full: place types by main type or namespace")
         ->type_name("main|namespace")
-        ->check(CLI::IsMember({"main", "namespace"}))
-        ->needs(full);
+        ->check(CLI::IsMember({"main", "namespace"}));
     app.add_option_function<std::vector<CString>>(
            "--folder", [&options](const std::vector<CString>& given) { addFolders(given, options); },
            "With --full: place this namespace there (repeats)")
         ->type_name("URI=NAME")
-        ->allow_extra_args(false)
-        ->needs(full);
-    app.add_option("--name", options.name, "With --full: name the whole (default: the main type)")
-        ->type_name("NAME")
-        ->needs(full);
+        ->allow_extra_args(false);
+    app.add_option("--name", options.name, "With --full: name the whole (default: the main type)")->type_name("NAME");
 }
 
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer)
 {
-    if (!options.isWanted)
-        return importer.create();
-    FullMessage* message = importer.createFull();
-    message->setRoots(options.roots);
-    message->setName(options.name);
+    MsgBase* const message = options.isWanted ? importer.createFull() : importer.create();
+    auto* const full = dynamic_cast<FullMessage*>(message);
+    if (!full)
+        return message;
+    full->setRoots(options.roots);
+    full->setName(options.name);
     if (!options.layout.empty())
-        message->setLayout(options.layout == "main" ? FullMessage::Layout::byMainType
-                                                    : FullMessage::Layout::byNamespace);
+        full->setLayout(options.layout == "main" ? FullMessage::Layout::byMainType : FullMessage::Layout::byNamespace);
     for (const auto& [uri, folder] : options.folders)
-        message->setFolder(uri, folder);
+        full->setFolder(uri, folder);
     return message;
+}
+
+bool readsInFull(const MsgBase& importer)
+{
+    return dynamic_cast<const FullMessage*>(&importer) != nullptr;
 }
 
 void nameWayOut(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics)

@@ -20,10 +20,16 @@ struct FullOptions
     CString layout;                     ///< "main", "namespace", or "" for what is usual
     std::map<CString, CString> folders; ///< by namespace
     CString name;                       ///< of the whole; "": the main type's
+
+    /// The first option that is given and wants a full reading; "" if there is none.
+    const char* optionOfFull() const;
 };
 
-/// Adds --full and the option that goes with it.
+/// Adds --full and the options that go with it.
 void addFullOptions(CLI::App& app, FullOptions& options);
+
+/// Whether an importer reads by all rules of its language.
+bool readsInFull(const MsgBase& importer);
 
 /// A new importer for the reading as it is wanted, owned by the caller.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer);

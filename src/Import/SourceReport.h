@@ -82,8 +82,7 @@ public:
         tableGone,    ///< since the tables were listed
         tableUnnamed, ///< it can't be asked for: its name is empty, blank or of several lines
         severalTables,
-        tableHidden, ///< by another one of its name, which was read instead
-
+        tableHidden,       ///< by another one of its name, which was read instead
         kindsDiffer,       ///< of one value: it is a record if one of them is, else text
         furtherProperties, ///< of any name, beside fields
         keyTwice,          ///< in one object: the last one holds

@@ -97,6 +97,16 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd r.dtd -l -b 'acme\\' | cut -f1", {0, "acme\\r\\t_b\nacme\\r\\r\n", ""}},
         {"$import --version", {0, "typeforge-import " TYPEFORGE_VERSION "\n", ""}},
 
+        // JSON is told by its keys, also where it comes in YAML or from a pipe.
+        {R"(echo '{"title":"r","properties":{"a":{"$ref":"#/$defs/A"}},"$defs":{"A":{"properties":{"x":{}}}}}' >j.json;)"
+         "$import j.json -l -v; printf 'title: r\\nproperties:\\n  a: {}\\n' | $import - -l -b '' | cut -f1",
+         {0, "\\sys\\json\\r\\A\tA (Automatically created)\n\\sys\\json\\r\\r\tr\n\\r\\r\n",
+          "j.json: note: read as a source for jsonschema\n"}},
+        {"$import jsonschema j.json --root A -l | cut -f1", {0, "\\sys\\json\\A\\A\n", ""}},
+        {"printf '{\"a\":\\n 1,}' >f.json; $import jsonschema f.json",
+         {1, "", "f.json:2:4: error: a key is expected\n"}},
+        {"$import jsonschema j.json --full", {2, "", mistake("--full: jsonschema has no full reading")}},
+
         // Faults at their places. What fails nothing is a warning, and what the full reading knows of the source is
         // named.
         {"echo '<r>' >e.xml; $import xml e.xml", {1, "", "e.xml:2:1: error: Premature end of data in tag r line 1\n"}},
@@ -460,7 +470,7 @@ not compatible: it breaks readers
 
         // Mistakes.
         {"$import dtd", {2, "", mistake("dtd: what is its source?")}},
-        {"$import doc r.dtd", {2, "", mistake("doc: neither an importer (dtd, xml, xsd, btd, odbc) nor a file")}},
+        {"$import doc r.dtd", {2, "", mistake("doc: neither an importer (see --importers) nor a file")}},
         {"$import dtd r.dtd r.dtd", {2, "", mistake("dtd reads one source at a time; with --full it reads several")}},
         {"$import --nonsense", {2, "", mistake("The following argument was not expected: --nonsense")}},
         {"$import", {2, "", mistake("SOURCE is required")}},
@@ -487,7 +497,7 @@ not compatible: it breaks readers
           mistake("d/x: it would be read and written, or written twice") +
               says("can't write d/x/../x: Not a directory")}},
         {"$import 'DSN=a;PWD = secret' x",
-         {2, "", mistake("DSN=a;PWD =***: neither an importer (dtd, xml, xsd, btd, odbc) nor a file")}},
+         {2, "", mistake("DSN=a;PWD =***: neither an importer (see --importers) nor a file")}},
         {"$import r.dtd --user u", {2, "", mistake("--user: there is nobody to log on to without --create")}},
     };
     folder.write("wide", wide);

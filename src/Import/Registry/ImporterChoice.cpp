@@ -2,6 +2,7 @@
 
 #include "Files/File.h"
 #include "Files/KeptPipe.h"
+#include "Import/Json/JsonKind.h"
 #include "Import/Registry/ForeignSource.h"
 
 #include <algorithm>
@@ -17,7 +18,8 @@ struct Ending
     std::string_view importer;
 };
 
-constexpr Ending kEndings[] = {{".dtd", "dtd"}, {".mod", "dtd"}, {".ent", "dtd"}, {".xsd", "xsd"}};
+constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},   {".ent", "dtd"},    {".xsd", "xsd"},
+                               {".avsc", "avro"}, {".avpr", "avro"}, {".jsonl", "json"}, {".ndjson", "json"}};
 
 bool endsWith(std::string_view name, std::string_view ending)
 {
@@ -100,7 +102,7 @@ std::string_view wordFor(std::string_view text)
     if (text.starts_with("<!") || text.starts_with("%"))
         return "dtd";
     if (!text.starts_with("<"))
-        return "";
+        return importerOfJson(text);
     const std::string_view root = nameOf(text);
     if (root == "schema")
         return "xsd";

@@ -2,6 +2,10 @@
 #include "Import/Btd/BrokerMsg.h"
 #include "Import/Dtd/DTDFullMsg.h"
 #include "Import/Dtd/DTDMsg.h"
+#include "Import/Json/AvroMsg.h"
+#include "Import/Json/JsonDataMsg.h"
+#include "Import/Json/JsonSchemaMsg.h"
+#include "Import/Json/OpenApiMsg.h"
 #include "Import/Schema/Full/SchemaFullMsg.h"
 #include "Import/Schema/Literal/SchemaMsg.h"
 #include "Import/Tables/ODBCMsg.h"
@@ -20,9 +24,23 @@ MsgUIDescriptor BrokerMessage::m_descr("\\", IDS_BTD_NAME, IDS_BTD_DESCRIPTION, 
                                        {"btd", IDS_FILTER_XML, false, true});
 MsgUIDescriptor ODBCMessage::m_descr("\\", IDS_ODBC_NAME, IDS_ODBC_DESCRIPTION, ODBCMessage::New, IDD_DATA_SOURCE,
                                      nullptr, {"odbc", 0, true});
+MsgUIDescriptor JsonSchemaMessage::m_descr("\\sys\\json\\", IDS_JSON_SCHEMA_NAME, IDS_JSON_SCHEMA_DESCRIPTION,
+                                           JsonSchemaMessage::New, IDD_SOURCE, nullptr,
+                                           {"jsonschema", IDS_FILTER_JSON_SCHEMA});
 
-MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr,    &XMLDataMessage::m_descr, &SchemaMessage::m_descr,
-                             &BrokerMessage::m_descr, &ODBCMessage::m_descr,    nullptr};
+MsgUIDescriptor OpenApiMessage::m_descr("\\sys\\json\\", IDS_OPENAPI_NAME, IDS_OPENAPI_DESCRIPTION, OpenApiMessage::New,
+                                        IDD_SOURCE, nullptr, {"openapi", IDS_FILTER_OPENAPI});
+MsgUIDescriptor AvroMessage::m_descr("\\sys\\json\\", IDS_AVRO_NAME, IDS_AVRO_DESCRIPTION, AvroMessage::New, IDD_SOURCE,
+                                     nullptr, {"avro", IDS_FILTER_AVRO});
+
+MsgUIDescriptor JsonDataMessage::m_descr("\\sys\\json\\", IDS_JSON_DATA_NAME, IDS_JSON_DATA_DESCRIPTION,
+                                         JsonDataMessage::New, IDD_SOURCE, nullptr, {"json", IDS_FILTER_JSON_DATA});
+
+MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr,      &XMLDataMessage::m_descr,
+                             &SchemaMessage::m_descr,   &BrokerMessage::m_descr,
+                             &ODBCMessage::m_descr,     &JsonSchemaMessage::m_descr,
+                             &OpenApiMessage::m_descr,  &AvroMessage::m_descr,
+                             &JsonDataMessage::m_descr, nullptr};
 
 MsgUIDescriptor* importerNamed(std::string_view word)
 {

@@ -37,7 +37,7 @@ CString ScriptCommand::text(const MsgBase& message) const
     for (const CString& table : tables)
         line += option("--table", table);
     if (const auto* full = dynamic_cast<const FullMessage*>(&message))
-        line += " --full" + option("--root", full->queryRoot());
+        line += (importer.hasFull() ? " --full" : "") + option("--root", full->queryRoot());
     line += option("--output", output);
     if (output.empty()) // --user is then the broker's
         line += option("--create", address) + option("--user", user) + option("--source-user", sourceUser) +
