@@ -182,18 +182,18 @@ x.json:5:60: values of kinds that differ: #/properties/h/allOf/1
 x.json:5:97: element that may not occur: i at #/properties/i
 x.json:5:10: name made fit: g\h is g_h
 
-2 reference to nothing that was read
-2 values of kinds that differ
-1 module or document not there
+2 references became text
+2 values of several kinds
+1 document not found
 1 document not well-formed
-1 further properties of any name
+1 further properties left out
 1 key given twice
-9 optional
-2 facet
+9 optional parts
+2 facets
 1 element that may not occur
 1 name made fit
-1 choice between alternatives
-1 default
+1 choice
+1 default value
 )");
 }
 

@@ -1,0 +1,8 @@
+#include "Import.h"
+#include "Import/Json/JsonSchemaMsg.h"
+
+void fuzz(std::string_view input)
+{
+    JsonSchemaMessage importer;
+    importBytes(importer, input);
+}
