@@ -178,8 +178,10 @@ void JsonShapes::declare(std::string_view name, SourceTypes& types, SourceReport
 {
     std::uint16_t depth = 0;
     const SourceTypes::Type type = typeOf(0, depth, name, SourceTypes::kNone, types, report);
+    SourceTypes::Candidate whole{name, type, false, shapes[0].place};
+    whole.repeats = depth;
     if (shapes[0].kinds != 0)
-        types.addCandidate({name, type, false, shapes[0].place, false, depth});
+        types.addCandidate(whole);
     std::vector<SourceTypes::Field> fields;
     for (std::size_t i = 0; i < pending.size(); ++i) {
         const Index object = pending[i];

@@ -221,5 +221,7 @@ void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace pla
     if (isRecord && !candidates.insert(shape.type.index).second)
         return;
     const std::string_view called = isRecord ? types.records[shape.type.index].name : name;
-    types.addCandidate({called, shape.type, false, place, false, shape.depth});
+    SourceTypes::Candidate candidate{called, shape.type, false, place};
+    candidate.repeats = shape.depth;
+    types.addCandidate(candidate);
 }
