@@ -87,7 +87,7 @@ public:
         furtherProperties, ///< of any name, beside fields
         keyTwice,          ///< in one object: the last one holds
         bytesPassedOver,   ///< a field that no type can hold
-                         // Details.
+                           // Details.
         sgmlException,
         anyContent,
         mixedContent,
