@@ -4,6 +4,7 @@ import itertools
 import json
 import os
 import pathlib
+import sqlite3
 import subprocess
 import tempfile
 import unittest
@@ -31,7 +32,9 @@ class Json(unittest.TestCase):
                 "q": "<!ELEMENT r (s*, j)><!ATTLIST r k (y|m) 'y'><!ELEMENT j (t)><!ELEMENT s (t)>"}
         for name, text in dtds.items():
             (self.folder / f"{name}.dtd").write_text(text, encoding="utf-8")
-        sources = [["btd", "array.btd"], ["r.dtd", "--full"], ["q.dtd", "--full"], ["r.dtd"], ["Driver=SQLite3;Database=:memory:"]]
+        sources = [["btd", "array.btd"], ["r.dtd", "--full"], ["q.dtd", "--full"], ["r.dtd"], ["Driver=SQLite3;Database=t.db"]]
+        with sqlite3.connect(self.folder / "t.db") as database:
+            database.execute("CREATE TABLE t (a INTEGER, b BLOB)")  # a loss without a line
         for file in sorted((ROOT / "examples").glob("*.*")):
             sources += [[str(file), "--full"] if file.suffix in (".dtd", ".xsd") else [str(file)]]
         self.sources = [source + ["--allow-empty", "-q"] for source in sources]
