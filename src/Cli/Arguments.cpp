@@ -58,11 +58,11 @@ void takeWords(const std::vector<CString>& words, Arguments& arguments)
 void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
 {
     app.add_option("SOURCE", words,
-                   "  IMPORTER                  dtd, xml, xsd, btd, odbc, jsonschema, openapi, avro or\n"
-                   "                            json (default: by the source)\n"
+                   "  IMPORTER                  dtd, xml, xsd, btd, odbc, jsonschema, openapi,\n"
+                   "                            avro or json (default: by the source)\n"
                    "  SOURCE                    A file, - for standard input; for odbc a data source\n"
-                   "                            name or a connection string; for xml, json and --full\n"
-                   "                            any number, with --full also folders of files\n"
+                   "                            name or a connection string; for xml, json and\n"
+                   "                            --full any number, with --full also folders\n"
                    "  @FILE                     Take further arguments from this file, one a line\n");
     app.add_flag("--recursive", arguments.isRecursive, "Take the files of folders below a folder, too");
     app.add_option("-t,--table", arguments.tables,

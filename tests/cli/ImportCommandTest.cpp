@@ -95,6 +95,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd r.dtd --type a", {1, "", "r.dtd: error: there is no type called a\n"}},
         {"$import dtd r.dtd -l -b acme | cut -f1", {0, "acme\\r\\t_b\nacme\\r\\r\n", ""}},
         {"$import dtd r.dtd -l -b 'acme\\' | cut -f1", {0, "acme\\r\\t_b\nacme\\r\\r\n", ""}},
+        {"$import --help | awk 'length > 80'", {0, "", ""}},
         {"$import --version", {0, "typeforge-import " TYPEFORGE_VERSION "\n", ""}},
 
         // JSON is told by its keys, also where it comes in YAML or from a pipe.
