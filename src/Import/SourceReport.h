@@ -93,7 +93,8 @@ public:
         mixedContent,
         anyElement,
         anyAttribute,
-        abstractType,
+        abstractType,   ///< with the types derived from it
+        sectionLeftOut, ///< that an entity could have read
         listType,
         unionOfKinds,
         elementNotAllowed,
@@ -107,6 +108,7 @@ public:
         alternatives,     ///< a choice between fields
         anyOrder,
         facet,
+        documentationCut, ///< text that describes nothing, or only in part
         nillable,
         defaultValue,
         derivationLimit, ///< final, block

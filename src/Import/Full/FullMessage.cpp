@@ -135,6 +135,8 @@ std::vector<SourceTypes::Index> FullMessage::chooseMain(SourceTypes& types, cons
     for (const Index candidate : chosen)
         if (const Index record = recordOf(types, candidate); !std::ranges::count(records, record)) {
             types.records[record].name = types.candidates[candidate].name;
+            if (const std::string_view said = types.candidates[candidate].description; !said.empty())
+                types.records[record].description = said;
             records.push_back(record);
         }
     return records;
@@ -164,8 +166,9 @@ SourceTypes::Index FullMessage::recordOf(SourceTypes& types, Index candidate)
         report.add(SourceReport::mainTypeAbstract, element.place, element.name);
     if (element.type.kind == SourceTypes::kindRecord && element.repeats == 0)
         return element.type.index;
+    const Index record =
+        types.addRecord({element.name, element.description, element.place, SourceTypes::kNone, element.space});
     const SourceTypes::Field value{"value", {}, element.type, SourceTypes::roleValue, element.repeats};
-    const Index record = types.addRecord({element.name, {}, element.place, SourceTypes::kNone, element.space});
     types.setFields(record, std::span(&value, 1));
     return record;
 }
@@ -209,9 +212,15 @@ void FullMessage::declareEnumeration(Declaring& declaring, Index index)
     const SourceTypes::Enumeration& enumeration = declaring.types.enumerations[index];
     Element* type =
         declareType(declaring, enumeration.space, enumeration.name, enumeration.description, Element::typeEnum);
-    for (const std::string_view constant : declaring.types.constantsOf(index))
-        model.addElement({}, declaring.paths[enumeration.space], declaring.name.assign(constant), Element::typeString,
-                         type);
+    const CString& path = declaring.paths[enumeration.space];
+    const std::span<const std::string_view> constants = declaring.types.constantsOf(index);
+    for (std::size_t i = 0; i < constants.size(); ++i) {
+        declaring.name = constants[i];
+        if (const std::string_view said = declaring.types.describeConstant(index, i); said.empty())
+            model.addElement({}, path, declaring.name, Element::typeString, type);
+        else
+            addElement("", path, declaring.name, declaring.description.assign(said), Element::typeString, type);
+    }
 }
 
 // What tables inside each other hold comes before them.

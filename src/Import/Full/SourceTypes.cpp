@@ -66,7 +66,7 @@ void SourceTypes::checkFields(std::size_t count) const
 
 SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<const std::string_view> added,
                                                bool isNamed, std::string_view description, SourcePlace place,
-                                               Index space)
+                                               Index space, std::span<const std::string_view> descriptions)
 {
     std::size_t hash = keyHash(name) + space;
     for (const std::string_view constant : added)
@@ -81,6 +81,10 @@ SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<
     Enumeration made{name, description, isNamed, place, space};
     made.firstConstant = static_cast<Index>(constants.size());
     made.constantCount = static_cast<Index>(added.size());
+    if (!descriptions.empty()) {
+        constantDescriptions.resize(constants.size());
+        constantDescriptions.insert(constantDescriptions.end(), descriptions.begin(), descriptions.end());
+    }
     constants.insert(constants.end(), added.begin(), added.end());
     enumerations.push_back(made);
     const auto index = static_cast<Index>(enumerations.size() - 1);

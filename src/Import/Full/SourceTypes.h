@@ -96,6 +96,7 @@ public:
         bool isType = false;       ///< a type rather than an element; it is a main type only where it is asked for
         Index space = 0;           ///< see spaceOf()
         std::uint16_t repeats = 0; ///< as of a field
+        std::string_view description{};
     };
 
     /// A namespace in which types have their names to themselves.
@@ -144,9 +145,10 @@ public:
     }
 
     /// The enumeration of these constants under this name, which is made when there is none like it yet. A million
-    /// constants in all are the bound.
+    /// constants in all are the bound. `descriptions` has one for each constant, or none at all.
     Index addEnumeration(std::string_view name, std::span<const std::string_view> constants, bool isNamed,
-                         std::string_view description = {}, SourcePlace place = {}, Index space = 0);
+                         std::string_view description = {}, SourcePlace place = {}, Index space = 0,
+                         std::span<const std::string_view> descriptions = {});
 
     /// Counts text that the types take: 256 MB in all are the bound, what passes it throws SourceRefusal.
     void spend(std::size_t bytes);
@@ -173,6 +175,13 @@ public:
                                             enumerations[enumeration].constantCount);
     }
 
+    /// The description of one of them, counted from 0; empty if it has none.
+    std::string_view describeConstant(Index enumeration, std::size_t constant) const
+    {
+        const std::size_t at = enumerations[enumeration].firstConstant + constant;
+        return at < constantDescriptions.size() ? constantDescriptions[at] : std::string_view();
+    }
+
     std::vector<Record> records;
     std::vector<Enumeration> enumerations;
     std::vector<Table> tables;
@@ -192,5 +201,6 @@ private:
     std::deque<CString> texts;
     std::vector<Field> fields;
     std::vector<std::string_view> constants;
+    std::vector<std::string_view> constantDescriptions; // shorter where the last ones have none
     std::unordered_multimap<std::size_t, Index> enumerationsByHash;
 };

@@ -188,24 +188,25 @@ void SchemaContents::addElement(Index particle, std::uint8_t times)
         const bool isQualified =
             node.is(SchemaNode::saysForm) ? node.is(SchemaNode::isQualified) : document.elementsQualified;
         if (node.hasName())
-            addOccurrence({isQualified ? document.space : 0, node.name}, particle, times);
+            addOccurrence({isQualified ? document.space : 0, node.name}, particle, times, 0);
         return;
     }
     const SchemaName name = tree.referenceOf(particle);
     const Index declaration = set.find(SchemaSet::element, name, particle);
     if (declaration == 0) {
         set.note(SourceReport::unresolvedReference, particle);
-        addOccurrence(name, 0, times);
+        addOccurrence(name, 0, times, node.documentation);
     } else {
-        addSubstitutes(name, declaration, times);
+        addSubstitutes(name, declaration, times, node.documentation);
     }
 }
 
-/// The head and all that may stand for it, those with members of their own included; none that is abstract.
-void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uint8_t times)
+/// The head and all that may stand for it, those with members of their own included; none that is abstract. The head
+/// alone is what the reference documents.
+void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uint8_t times, std::uint32_t documentation)
 {
     if (!tree[declaration].is(SchemaNode::isAbstract))
-        addOccurrence(head, declaration, times);
+        addOccurrence(head, declaration, times, documentation);
     if (set.membersOf(head).empty())
         return;
     std::vector<Index> heads{declaration};
@@ -218,7 +219,7 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uin
             inHand[member] = true;
             heads.push_back(member);
             if (!tree[member].is(SchemaNode::isAbstract))
-                addOccurrence(set.nameOf(member), member, times);
+                addOccurrence(set.nameOf(member), member, times, 0);
         }
     for (const Index member : heads)
         inHand[member] = false;
@@ -227,12 +228,12 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uin
 /// Two occurrences of one name add up when the innermost group that holds both is a sequence; of a choice only one can
 /// be there. Neighbouring ones are enough to look at: what holds two that lie further apart is the group of one of the
 /// pairs between them.
-void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint8_t times)
+void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint8_t times, std::uint32_t documentation)
 {
     ++clock;
     SchemaField* field = elements.find(name);
     if (!field) {
-        elements.add({name, declaration, SourceTypes::roleElement, times > 1});
+        elements.add({name, declaration, SourceTypes::roleElement, times > 1, documentation});
         lastSeen.push_back(clock);
         if (kept.size() + elements.all.size() > kMaxFields)
             set.refuse(std::to_string(kMaxFields) + " fields");
@@ -240,6 +241,8 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint
     }
     if (!sayTheSame(field->declaration, declaration))
         set.note(SourceReport::mergedByName, declaration);
+    if (field->documentation == 0)
+        field->documentation = documentation;
     std::size_t& seen = lastSeen[elements.positionOf(*field)];
     const auto after = std::ranges::upper_bound(frames, seen, {}, &Frame::entered);
     field->repeats |= times > 1 || !(after - 1)->isChoice;
@@ -306,7 +309,7 @@ void SchemaContents::visitAttribute(Index attribute)
         const bool isQualified =
             node.is(SchemaNode::saysForm) ? node.is(SchemaNode::isQualified) : document.attributesQualified;
         if (node.hasName())
-            addAttribute({isQualified ? document.space : 0, node.name}, attribute, isProhibited);
+            addAttribute({isQualified ? document.space : 0, node.name}, attribute, isProhibited, 0);
         return;
     }
     const SchemaName name = tree.referenceOf(attribute);
@@ -314,19 +317,19 @@ void SchemaContents::visitAttribute(Index attribute)
     const bool isOfXml = name.space == SchemaTree::kXmlNamespace && isXmlAttribute(tree.text(name.local));
     if (declaration == 0 && !isOfXml)
         set.note(SourceReport::unresolvedReference, attribute);
-    addAttribute(name, declaration, isProhibited);
+    addAttribute(name, declaration, isProhibited, node.documentation);
 }
 
 /// What an attribute says holds for an inherited one of its name, too.
-void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isProhibited)
+void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation)
 {
     SchemaField* field = attributes.find(name);
     if (field && attributes.positionOf(*field) >= inherited && !sayTheSame(field->declaration, declaration))
         set.note(SourceReport::mergedByName, declaration);
     if (field)
-        *field = {isProhibited ? SchemaName() : name, declaration, SourceTypes::roleAttribute, false};
+        *field = {isProhibited ? SchemaName() : name, declaration, SourceTypes::roleAttribute, false, documentation};
     else if (!isProhibited)
-        attributes.add({name, declaration, SourceTypes::roleAttribute, false});
+        attributes.add({name, declaration, SourceTypes::roleAttribute, false, documentation});
 }
 
 void SchemaContents::spendStep()

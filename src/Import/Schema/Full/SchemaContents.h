@@ -11,6 +11,7 @@ struct SchemaField
     SchemaNode::Index declaration = 0; ///< 0 for a reference to nothing that was read
     SourceTypes::Role role = SourceTypes::roleElement;
     bool repeats = false;
+    std::uint32_t documentation = 0; ///< at the reference
 };
 
 /// The elements and attributes of complex types: what they inherit, what their groups hold and what may stand for the
@@ -66,11 +67,11 @@ private:
     void visitParticle(Index particle);
     void enterGroup(Index reference, std::uint8_t times);
     void addElement(Index particle, std::uint8_t times);
-    void addOccurrence(SchemaName name, Index declaration, std::uint8_t times);
-    void addSubstitutes(SchemaName head, Index declaration, std::uint8_t times);
+    void addOccurrence(SchemaName name, Index declaration, std::uint8_t times, std::uint32_t documentation);
+    void addSubstitutes(SchemaName head, Index declaration, std::uint8_t times, std::uint32_t documentation);
     void walkAttributes(Index holder);
     void visitAttribute(Index attribute);
-    void addAttribute(SchemaName name, Index declaration, bool isProhibited);
+    void addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation);
     bool sayTheSame(Index one, Index other) const;
     void spendStep();
     Content keep();

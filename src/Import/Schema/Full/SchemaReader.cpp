@@ -1,6 +1,5 @@
 #include "Import/Schema/Full/SchemaReader.h"
 
-#include "Import/Full/Descriptions.h"
 
 #include <algorithm>
 #include <array>
@@ -19,6 +18,13 @@ std::uint8_t occursOf(std::string_view value)
     if (value.empty())
         return 0;
     return value == "1" ? 1 : 2;
+}
+
+/// Whether documentation of such a statement describes a type, a field or a constant.
+bool isDescribed(SchemaTag tag)
+{
+    return tag == SchemaTag::element || tag == SchemaTag::attribute || tag == SchemaTag::complexType ||
+           tag == SchemaTag::simpleType || tag == SchemaTag::enumeration;
 }
 
 } // namespace
@@ -52,6 +58,7 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
     const SchemaTag tag = statements.enter(name, attributes);
     if (documented > 0) {
         ++documented;
+        documentation.enter(name.local);
         return;
     }
     if (skipped > 0) {
@@ -99,7 +106,7 @@ void SchemaReader::startOther(SchemaTag tag)
     if (tag == SchemaTag::annotation && !open.empty() && open.back().node != 0) {
         open.push_back({0, open.back().node, shadowedBefore, true});
     } else if (tag == SchemaTag::documentation && !open.empty() && open.back().isAnnotation) {
-        documentation.clear();
+        documentation.begin();
         documented = 1;
     } else {
         skipped = 1;
@@ -114,6 +121,8 @@ void SchemaReader::endElement()
     if (documented > 0) {
         if (--documented == 0)
             keepDocumentation();
+        else
+            documentation.leave();
     } else if (skipped > 0) {
         --skipped;
     } else {
@@ -131,7 +140,7 @@ void SchemaReader::leaveScope(std::size_t before)
 void SchemaReader::text(std::string_view text)
 {
     if (documented > 0)
-        appendCollapsed(documentation, text);
+        documentation.text(text);
     else
         statements.text(text);
 }
@@ -139,8 +148,11 @@ void SchemaReader::text(std::string_view text)
 void SchemaReader::keepDocumentation()
 {
     SchemaNode& node = tree.nodes[open.back().lastChild];
-    const std::string_view said = shortDescription(documentation);
-    if (said.empty() || node.documentation != 0)
+    const std::string_view said = documentation.query();
+    const bool isWanted = isDescribed(node.tag) && node.documentation == 0;
+    if (!said.empty() && (!isWanted || documentation.isCut()))
+        statements.count(SourceReport::documentationCut);
+    if (said.empty() || !isWanted)
         return;
     node.documentation = static_cast<std::uint32_t>(tree.documentations.size());
     tree.documentations.push_back(tree.texts.keep(said));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Import/Schema/Full/SchemaDocumentation.h"
 #include "Import/Schema/Full/SchemaTree.h"
 #include "Import/Schema/SchemaStatements.h"
 #include "Xml/XmlParser.h"
@@ -70,6 +71,6 @@ private:
     SchemaStatements statements;
     std::size_t skipped = 0;    // how many elements are open that hold nothing to read
     std::size_t documented = 0; // how many are open from an xs:documentation on
-    CString documentation;
+    SchemaDocumentation documentation;
     std::vector<ImpossibleName> impossibleNames;
 };

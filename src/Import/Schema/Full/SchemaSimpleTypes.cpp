@@ -153,7 +153,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::unite(Index type)
         if (!lists.insert(member.firstConstant).second)
             continue;
         for (std::uint32_t i = 0; i < member.constantCount; ++i)
-            addConstant(constants[member.firstConstant + i]);
+            addConstant(constants[member.firstConstant + i], documentations[member.firstConstant + i]);
     }
     value.constantCount = static_cast<std::uint32_t>(constants.size()) - value.firstConstant;
     return value;
@@ -169,13 +169,13 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::narrow(Value base, Index restriction
     value.firstConstant = static_cast<std::uint32_t>(constants.size());
     ++constantLists;
     for (; at != 0; at = tree.firstOf(tree[at].next, SchemaTag::enumeration))
-        addConstant(tree[at].name);
+        addConstant(tree[at].name, tree[at].documentation);
     value.constantCount = static_cast<std::uint32_t>(constants.size()) - value.firstConstant;
     return value;
 }
 
 /// Adds a constant to the list in hand, once.
-void SchemaSimpleTypes::addConstant(NameTable::Id constant)
+void SchemaSimpleTypes::addConstant(NameTable::Id constant, std::uint32_t documentation)
 {
     constantSeen.resize(std::max<std::size_t>(constantSeen.size(), constant + 1));
     if (std::exchange(constantSeen[constant], constantLists) == constantLists)
@@ -183,4 +183,5 @@ void SchemaSimpleTypes::addConstant(NameTable::Id constant)
     if (constants.size() == kMaxConstants)
         set.refuse(std::to_string(kMaxConstants) + " constants");
     constants.push_back(constant);
+    documentations.push_back(documentation);
 }

@@ -30,6 +30,12 @@ public:
         return std::span(constants).subspan(value.firstConstant, value.constantCount);
     }
 
+    /// The documentation of each of them; 0 for none.
+    std::span<const std::uint32_t> documentationsOf(const Value& value) const
+    {
+        return std::span(documentations).subspan(value.firstConstant, value.constantCount);
+    }
+
 private:
     struct Part // of which a type is made: another one, or a value that is known
     {
@@ -49,13 +55,14 @@ private:
     void noteList(Index type, Index list);
     Value unite(Index type);
     Value narrow(Value base, Index restriction);
-    void addConstant(NameTable::Id constant);
+    void addConstant(NameTable::Id constant, std::uint32_t documentation);
 
     SchemaSet& set;
     const SchemaTree& tree;
     std::unordered_map<Index, Value> values; // also of those in hand, which count as text
     std::vector<NameTable::Id> constants;
-    std::vector<std::uint32_t> constantSeen; // by name: the list in hand when it was met
+    std::vector<std::uint32_t> documentations; // of the constants
+    std::vector<std::uint32_t> constantSeen;   // by name: the list in hand when it was met
     std::uint32_t constantLists = 0;
     std::vector<Part> parts; // of the type in hand
     std::vector<Index> waiting;

@@ -59,6 +59,7 @@ void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
         const Declared& type = declared(component);
         candidate.hasAbstractType = tree[type.complexType].is(SchemaNode::isAbstract);
         candidate.type = typeOf(type, component, node.name, SourceTypes::kNone);
+        candidate.description = keepDocumentation(node.documentation != 0 ? node.documentation : type.documentation);
     }
     types.addCandidate(candidate);
 }
@@ -84,7 +85,9 @@ void SchemaTypes::readFields(Pending record)
     for (const SchemaField& field : inHand) {
         cancelPoint.pass();
         const Declared& type = declared(field.declaration);
-        const std::uint32_t said = field.declaration == 0 ? 0 : tree[field.declaration].documentation;
+        std::uint32_t said = field.documentation;
+        if (said == 0)
+            said = tree[field.declaration].documentation;
         fields.push_back(
             {keep(field.name.local), keepDocumentation(said != 0 ? said : type.documentation),
              typeOf(type, field.declaration != 0 ? field.declaration : record.type, field.name.local, record.record),
@@ -161,8 +164,14 @@ SourceTypes::Type SchemaTypes::typeOf(const Value& value, Index declaration, Nam
         constants.clear();
         for (const NameTable::Id constant : simple.constantsOf(value))
             constants.push_back(keep(constant));
-        known->second = types.addEnumeration(keep(name), constants, isNamed, keepDocumentation(named.documentation),
-                                             set.placeOf(value.named), spaceOf(isNamed ? value.named : declaration));
+        const std::span<const std::uint32_t> said = simple.documentationsOf(value);
+        descriptions.clear();
+        if (std::ranges::any_of(said, [](std::uint32_t documentation) { return documentation != 0; }))
+            for (const std::uint32_t documentation : said)
+                descriptions.push_back(keepDocumentation(documentation));
+        known->second =
+            types.addEnumeration(keep(name), constants, isNamed, keepDocumentation(named.documentation),
+                                 set.placeOf(value.named), spaceOf(isNamed ? value.named : declaration), descriptions);
     }
     return {SourceTypes::kindEnumeration, known->second};
 }

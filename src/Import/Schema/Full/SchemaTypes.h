@@ -64,5 +64,6 @@ private:
     std::vector<SchemaField> inHand;
     std::vector<SourceTypes::Field> fields;
     std::vector<std::string_view> constants;
-    CancelPoint cancelPoint{4096}; // passed by each field
+    std::vector<std::string_view> descriptions; // of the constants
+    CancelPoint cancelPoint{4096};              // passed by each field
 };

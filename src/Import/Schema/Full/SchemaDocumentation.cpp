@@ -1,0 +1,71 @@
+#include "Import/Schema/Full/SchemaDocumentation.h"
+
+#include "Import/Full/Descriptions.h"
+
+namespace {
+
+bool isBlank(std::string_view text)
+{
+    return text.find_first_not_of(kWhitespace) == text.npos;
+}
+
+// Appends with white space as one space, at the front too: other text may come before it.
+void appendPart(CString& out, std::string_view text)
+{
+    if (out.empty() && !text.empty() && kWhitespace.find(text.front()) != kWhitespace.npos)
+        out = ' ';
+    appendCollapsed(out, text);
+}
+
+} // namespace
+
+void SchemaDocumentation::begin()
+{
+    whole.clear();
+    open = met = firstNumber = 0;
+    holdsText = false;
+    definition.clear();
+    firstText.clear();
+}
+
+void SchemaDocumentation::enter(std::string_view local)
+{
+    if (open == parts.size())
+        parts.emplace_back();
+    Part& part = parts[open++];
+    part.text.clear();
+    part.number = ++met;
+    part.holdsText = false;
+    part.isDefinition = local == "Definition" || local == "definition";
+}
+
+// Of elements inside each other that hold text directly, the outer one counts.
+void SchemaDocumentation::leave()
+{
+    const Part& part = parts[--open];
+    const std::string_view said = trimmed(part.text);
+    if (part.isDefinition && definition.empty())
+        definition = said;
+    const bool isSentence = part.holdsText && said.find(' ') != said.npos;
+    if (isSentence && (firstNumber == 0 || part.number < firstNumber)) {
+        firstNumber = part.number;
+        firstText = said;
+    }
+    if (open > 0)
+        appendPart(parts[open - 1].text, part.text);
+}
+
+void SchemaDocumentation::text(std::string_view text)
+{
+    appendCollapsed(whole, text);
+    if (open > 0)
+        appendPart(parts[open - 1].text, text);
+    bool& isHeld = open > 0 ? parts[open - 1].holdsText : holdsText;
+    isHeld = isHeld || !isBlank(text);
+}
+
+std::string_view SchemaDocumentation::query() const
+{
+    const CString& structured = definition.empty() ? firstText : definition;
+    return shortDescription(holdsText || structured.empty() ? whole : structured);
+}
