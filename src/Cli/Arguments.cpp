@@ -5,6 +5,7 @@
 #include "Cli/HelpText.h"
 #include "Cli/Output.h"
 #include "Files/File.h"
+#include "Import/Full/FullMessage.h"
 #include "Import/MsgBase.h"
 #include "Resources/StringTable.h"
 
@@ -192,6 +193,9 @@ CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, importer));
     if (const char* const option = arguments.full.optionOfFull(); *option != 0 && !readsInFull(*message))
         return CString(option) + " requires --full";
+    if (auto* const full = dynamic_cast<FullMessage*>(message.get());
+        !arguments.full.entities.empty() && (!full || !full->setEntities({})))
+        return "--entity: " + word + " has no parameter entities";
     if (arguments.sources.size() > 1 && !message->setFurtherFiles({}))
         return word + " reads one source at a time" +
                (importer.hasFull() && !arguments.full.isWanted ? "; with --full it reads several" : "");

@@ -1,11 +1,15 @@
 #include "Cli/FullReading.h"
 
 #include "Cli/Diagnostics.h"
+#include "Files/File.h"
+#include "Files/FileFinder.h"
 #include "Import/Full/FullMessage.h"
 
 #include <CLI/CLI.hpp>
 
+#include <cstdlib>
 #include <memory>
+#include <sstream>
 
 namespace {
 
@@ -24,6 +28,28 @@ void addFolders(const std::vector<CString>& given, FullOptions& options)
     }
 }
 
+void addEntities(const std::vector<CString>& given, FullOptions& options)
+{
+    for (const CString& text : given) {
+        const std::size_t end = text.find('=');
+        if (end == CString::npos || !isXmlName(text.substr(0, end)))
+            throw CLI::ValidationError("--entity", "it takes NAME=VALUE");
+        options.entities.emplace_back(text.substr(0, end), text.substr(end + 1));
+    }
+}
+
+// What the environment names comes behind what the command line names.
+std::vector<CString> catalogsOf(const FullOptions& options)
+{
+    std::vector<CString> files = options.catalogs;
+    const char* const given = std::getenv("XML_CATALOG_FILES");
+    std::istringstream words(given ? given : "");
+    for (CString word; words >> word;)
+        if (const CString path = localPath(word); testReadable(path) == FileCause::none)
+            files.push_back(path);
+    return files;
+}
+
 } // namespace
 
 const char* FullOptions::optionOfFull() const
@@ -37,7 +63,7 @@ const char* FullOptions::optionOfFull() const
 
 void addFullOptions(CLI::App& app, FullOptions& options)
 {
-    app.add_flag("--full", options.isWanted, "dtd, xsd: Read by all rules of the language");
+    CLI::Option* const full = app.add_flag("--full", options.isWanted, "dtd, xsd: Read by all rules of the language");
     app.add_option("--root", options.roots, "With --full: import only what NAME reaches (repeats)")
         ->type_name("NAME")
         ->allow_extra_args(false);
@@ -49,6 +75,16 @@ void addFullOptions(CLI::App& app, FullOptions& options)
            "With --full: place this namespace there (repeats)")
         ->type_name("URI=NAME")
         ->allow_extra_args(false);
+    app.add_option("--catalog", options.catalogs, "With --full: find documents by this XML catalogue (repeats)")
+        ->type_name("FILE")
+        ->allow_extra_args(false)
+        ->needs(full);
+    app.add_option_function<std::vector<CString>>(
+           "--entity", [&options](const std::vector<CString>& given) { addEntities(given, options); },
+           "With dtd --full: declare this parameter entity first (repeats)")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false)
+        ->needs(full);
     app.add_option("--name", options.name, "With --full: name the whole (default: the main type)")->type_name("NAME");
 }
 
@@ -64,12 +100,29 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
         full->setLayout(options.layout == "main" ? FullMessage::Layout::byMainType : FullMessage::Layout::byNamespace);
     for (const auto& [uri, folder] : options.folders)
         full->setFolder(uri, folder);
+    if (options.isWanted) {
+        full->setCatalogs(catalogsOf(options));
+        full->setEntities(options.entities);
+    }
     return message;
 }
 
 bool readsInFull(const MsgBase& importer)
 {
     return dynamic_cast<const FullMessage*>(&importer) != nullptr;
+}
+
+void nameSwitches(const MsgBase& message, Diagnostics& diagnostics)
+{
+    const auto* const full = dynamic_cast<const FullMessage*>(&message);
+    if (!full || full->querySwitches().empty())
+        return;
+    CString others;
+    for (const CString& name : full->querySwitches())
+        if (&name != &full->querySwitches().front())
+            others += (others.empty() ? "" : ", ") + name;
+    diagnostics.warning("all its sections are left out; --entity " + full->querySwitches().front() +
+                        "=INCLUDE reads one" + (others.empty() ? "" : ", others go by " + others));
 }
 
 void nameWayOut(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics)

@@ -16,10 +16,12 @@ class App;
 struct FullOptions
 {
     bool isWanted = false;
-    std::vector<CString> roots;         ///< the main types; empty: the source's own choice
-    CString layout;                     ///< "main", "namespace", or "" for what is usual
-    std::map<CString, CString> folders; ///< by namespace
-    CString name;                       ///< of the whole; "": the main type's
+    std::vector<CString> roots;                        ///< the main types; empty: the source's own choice
+    CString layout;                                    ///< "main", "namespace", or "" for what is usual
+    std::map<CString, CString> folders;                ///< by namespace
+    CString name;                                      ///< of the whole; "": the main type's
+    std::vector<CString> catalogs;                     ///< files
+    std::vector<std::pair<CString, CString>> entities; ///< of parameters, with their values
 
     /// The first option that is given and wants a full reading; "" if there is none.
     const char* optionOfFull() const;
@@ -33,6 +35,9 @@ bool readsInFull(const MsgBase& importer);
 
 /// A new importer for the reading as it is wanted, owned by the caller.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer);
+
+/// Says which entities have sections read, of a source all of whose sections were left out.
+void nameSwitches(const MsgBase& message, Diagnostics& diagnostics);
 
 /// Says in one line that the importer's full reading knows more of the source, and of what; nothing when it doesn't.
 void nameWayOut(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);

@@ -110,6 +110,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
         message.parseFile(files.front(), basePath);
     diagnostics.finish();
     nameLosses(message.queryReport(), arguments.report, diagnostics);
+    nameSwitches(message, diagnostics);
     const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
         nameEmpty(importer, files.front(), diagnostics);
@@ -149,6 +150,7 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
     others.push_back(arguments.diff.document == "-" ? "" : arguments.diff.document);
     others.push_back(arguments.logon.passwordFile);
     others.push_back(arguments.sourceLogon.passwordFile);
+    others.insert(others.end(), arguments.full.catalogs.begin(), arguments.full.catalogs.end());
     if (arguments.output.empty() || arguments.output == "-")
         others.push_back(kStandardOutput); // which may lead to a file
     if (arguments.report.file == "-")

@@ -76,6 +76,8 @@ constexpr Row kRows[] = {
     {"any-element", "any element", detail, "any element", "any elements"},
     {"any-attribute", "any attribute", detail, "any attribute", "any attributes"},
     {"abstract-type", "abstract type", detail, "abstract type", "abstract types"},
+    {"derived-type", "type that may stand for an abstract one", detail, "type for an abstract one",
+     "types for abstract ones"},
     {"section-left-out", "section that entities leave out", detail, "section left out", "sections left out"},
     {"list-type", "list", detail, "list", "lists"},
     {"union-type", "union of several kinds", detail, "union", "unions"},

@@ -93,7 +93,8 @@ public:
         mixedContent,
         anyElement,
         anyAttribute,
-        abstractType,   ///< with the types derived from it
+        abstractType,
+        derivedType,    ///< may stand for an abstract one in a message
         sectionLeftOut, ///< that an entity could have read
         listType,
         unionOfKinds,

@@ -208,8 +208,7 @@ TEST_F(ImportCommand, AnswersExactly)
           "-: error: this is RELAX NG in its compact form; convert it with trang, then import the "
           "schema\n"}},
         {"printf '<w:definitions xmlns:w=\"http://schemas.xmlsoap.org/wsdl/\"/>' >w.wsdl; $import w.wsdl",
-         {1, "",
-          "w.wsdl: error: this is WSDL; save the schema inside its types element as a file, then import that\n"}},
+         {1, "", "w.wsdl: error: this is WSDL; import its messages with xsd --full\n"}},
         {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},
         {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; $import m.txt",
          {1, "",
@@ -236,6 +235,27 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import xsd --full set", {1, "", says("set: the folder holds no source for xsd")}},
         {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
         {"$import dtd --full r.dtd --folder u", {2, "", mistake("--folder: it takes URI=NAME")}},
+
+        // Catalogues, and entities in front of a DTD.
+        {"mkdir d; echo '<!ELEMENT s (t)>' >d/m; printf '<!ENTITY %% m PUBLIC \"-//M\">%%m;<!ELEMENT r (s)>' >m.dtd; "
+         "echo '<catalog xmlns=\"urn:oasis:names:tc:entity:xmlns:xml:catalog\"><public publicId=\"-//M\" uri=\"m\"/>"
+         "</catalog>' >d/c.xml; $import dtd --full m.dtd -l -q --catalog d/c.xml; XML_CATALOG_FILES='none d/c.xml' "
+         "$import dtd --full m.dtd -l -q; $import dtd --full m.dtd -l -q; $import dtd --full m.dtd --catalog none; "
+         "$import dtd --full m.dtd --catalog r.dtd",
+         {1,
+          "\\sys\\rosettanet\\r\\s\ts (Automatically created)\n\\sys\\rosettanet\\r\\r\tr (Automatically created)\n"
+          "\\sys\\rosettanet\\r\\s\ts (Automatically created)\n\\sys\\rosettanet\\r\\r\tr (Automatically created)\n"
+          "\\sys\\rosettanet\\r\\r\tr (Automatically created)\n",
+          "none: error: No such file or directory\nr.dtd:1:2: error: StartTag: invalid element name\n"}},
+        {"printf '<!ENTITY %% a \"IGNORE\"><!ENTITY %% b \"IGNORE\"><![%%a;[<!ELEMENT a (c)>]]><![ %%b; [<!ELEMENT b "
+         "(c)>]]>"
+         "<![%%a;[<!ELEMENT d (c)>]]>' >t.dtd; $import dtd --full t.dtd; $import dtd --full t.dtd -l --entity "
+         "a=INCLUDE -q;"
+         "$import xsd --full x.xsd --entity a=b; $import dtd --full t.dtd --entity a",
+         {2, "\\sys\\rosettanet\\a\\d\td (Automatically created)\n\\sys\\rosettanet\\a\\a\ta (Automatically created)\n",
+          "t.dtd: error: it declares no element, type or enumeration\nt.dtd: warning: all its sections are left out; "
+          "--entity a=INCLUDE reads one, others go by b\n" +
+              mistake("--entity: xsd has no parameter entities") + mistake("--entity: it takes NAME=VALUE")}},
 
         // Reports.
         {"$import dtd r.dtd --full --root r --report - -l", {0, kList, "2 types, 2 fields: 0 typed, 2 left text\n"}},

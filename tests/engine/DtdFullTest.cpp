@@ -112,7 +112,9 @@ const Rule kRules[] = {
      "<![ IGNORE [<![ INCLUDE [ <!ELEMENT b (no)> ]]> ' ]]>\n<![%u;[<!ELEMENT b (c)>]]><![MAYBE[<!ELEMENT c EMPTY>]]>",
      "b(c:String) r(a:String b:b)",
      "3 losses\nx:3:4: entity declared nowhere: u\nx:3:1: section with an unknown key: %u;\nx:3:27: section with an "
-     "unknown key: MAYBE\n\n2 sections not understood\n1 undeclared entity\n"},
+     "unknown key: MAYBE\n\n1 detail\nx:2:27: section that entities leave out: key\n\n2 sections not understood\n1 "
+     "undeclared "
+     "entity\n1 section left out\n"},
     {"AnIgnoredSectionEndsWithItsOwnEnd",
      "<![IGNORE[<![INCLUDE[<!ELEMENT r (no)>]]><!ELEMENT r (no)>]]><!ELEMENT r (a)><!ELEMENT a EMPTY>", "r(a:String)"},
     {"LinesInsideAndBehindAnEntity",

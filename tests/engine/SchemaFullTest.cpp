@@ -299,6 +299,37 @@ const Rule kRules[] = {
      "<s:attribute name='Target' use='default' value='Production'/><s:attribute value='x' name='b' use='fixed'/>"
      "</s:complexType></s:element></s:schema>",
      "r(Target:String b:String)"},
+    {"AnAttributeThatMayNotOccurInADraft",
+     "<?xml version='1.0'?><s:schema xmlns:s='http://www.w3.org/1999/XMLSchema'><s:element name='r'><s:complexType>"
+     "<s:attribute name='a' maxOccurs='0'/><s:attribute name='b' minOccurs='1' maxOccurs='1'/>"
+     "</s:complexType></s:element></s:schema>",
+     "r(b:String)"},
+    {"TypesDerivedFromAnAbstractOne",
+     "<include schemaLocation='d'/>" ROOT(SEQUENCE("<element name='a' type='t:A'/><element name='b' type='t:B'/>"))
+         TYPE("B", SEQUENCE("<element name='y'/>")) "<complexType name='A' abstract='true'><sequence><element "
+                                                    "name='x'/></sequence></complexType>",
+     "D(x:String d:String) B(y:String) A(x:String) r(a:A b:B) E(x:String d:String e:D)",
+     {{"d", other(TYPE("C", EXTENSION("o:B", "")) TYPE("D", EXTENSION("o:A", SEQUENCE("<element name='d'/>")))
+                      TYPE("E", EXTENSION("o:D", SEQUENCE("<element name='e' type='o:D'/>"))),
+                  "urn:t")}}},
+    {"TypesForAnAbstractRootType",
+     "<element name='r' type='t:A'/><complexType name='A' abstract='true'/><complexType name='N' "
+     "abstract='true'/>" TYPE("D", EXTENSION("t:A", SEQUENCE("<element name='d'/>"))) TYPE("M", EXTENSION("t:N", "")),
+     "D(d:String) r(value:String)",
+     {},
+     "r"},
+    {"OneOfThemAsTheMainType",
+     "<element name='r' type='t:A'/><complexType name='A' abstract='true'/>" TYPE(
+         "D", EXTENSION("t:A", SEQUENCE("<element name='d'/>"))),
+     "D(d:String)",
+     {},
+     "D"},
+    {"TheMainDocumentKeepsItsNames",
+     "<import namespace='urn:o' schemaLocation='o'/><element name='r' xmlns:o='urn:o'><complexType><sequence>"
+     "<element name='a' type='o:T'/><element name='b' type='t:T'/></sequence></complexType></element>" TYPE(
+         "T", SEQUENCE("<element name='own'/>")),
+     "T(own:String) T_2(x:String) r(a:T_2 b:T)",
+     {{"o", other(TYPE("T", SEQUENCE("<element name='x'/>")))}}},
     {"NegativeIntegersAndTimeStamps",
      ROOT("<attribute name='a' type='negativeInteger'/><attribute name='b' type='dateTimeStamp'/>"),
      "r(a:Number b:Time)"},
@@ -449,39 +480,46 @@ TEST_F(SchemaFull, TakesDescriptionsFromDocumentation)
              "1") "</element><element ref='t:a'/><element ref='t:b'/>"
                   "<element ref='t:c'>" SAID("3") "</element><element ref='t:none'>" SAID(
                       "4") "</element>") "<attribute ref='t:d'>" SAID("5") "</attribute>") "<element name='a' "
-                                                                                           "type='t:T'>" SAID("2") "</"
-                                                                                                                   "ele"
-                                                                                                                   "men"
-                                                                                                                   "t><"
-                                                                                                                   "ele"
-                                                                                                                   "men"
-                                                                                                                   "t "
-                                                                                                                   "nam"
-                                                                                                                   "e='"
-                                                                                                                   "b' "
-                                                                                                                   "typ"
-                                                                                                                   "e='"
-                                                                                                                   "t:"
-                                                                                                                   "T'/"
-                                                                                                                   "><"
-                                                                                                                   "ele"
-                                                                                                                   "men"
-                                                                                                                   "t "
-                                                                                                                   "nam"
-                                                                                                                   "e='"
-                                                                                                                   "c'/"
-                                                                                                                   ">"
-                                                                                                                   "<at"
-                                                                                                                   "tri"
-                                                                                                                   "but"
-                                                                                                                   "e "
-                                                                                                                   "nam"
-                                                                                                                   "e='"
-                                                                                                                   "d'/"
-                                                                                                                   ">" SIMPLE(
-                                                                                                                       "T",
-                                                                                                                       SAID(
-                                                                                                                           "6") "<restriction base='string'/>"),
+                                                                                           "type='t:T'>" SAID(
+                                                                                               "2") "</"
+                                                                                                    "ele"
+                                                                                                    "men"
+                                                                                                    "t><"
+                                                                                                    "ele"
+                                                                                                    "men"
+                                                                                                    "t "
+                                                                                                    "nam"
+                                                                                                    "e='"
+                                                                                                    "b' "
+                                                                                                    "typ"
+                                                                                                    "e='"
+                                                                                                    "t:"
+                                                                                                    "T'/"
+                                                                                                    "><"
+                                                                                                    "ele"
+                                                                                                    "men"
+                                                                                                    "t "
+                                                                                                    "nam"
+                                                                                                    "e='"
+                                                                                                    "c'/"
+                                                                                                    ">"
+                                                                                                    "<at"
+                                                                                                    "tri"
+                                                                                                    "but"
+                                                                                                    "e "
+                                                                                                    "nam"
+                                                                                                    "e='"
+                                                                                                    "d'/"
+                                                                                                    ">" SIMPLE(
+                                                                                                        "T",
+                                                                                                        SAID(
+                                                                                                            "6") "<rest"
+                                                                                                                 "ricti"
+                                                                                                                 "on "
+                                                                                                                 "base="
+                                                                                                                 "'stri"
+                                                                                                                 "ng'/"
+                                                                                                                 ">"),
          "-;-;-;1;6;3;4;5;", 0},
         // Of a substitution group the head alone is what the reference is about.
         {ROOT(SEQUENCE("<element ref='t:h'>" SAID(
@@ -510,9 +548,8 @@ TEST_F(SchemaFull, TakesDescriptionsFromDocumentation)
          "The big R.;-;", 1},
         {"<element name='r'>" COMPONENT("<c:Type>BIE</c:Type><c:Definition> </c:Definition>") "</element>", "BIE;-;",
          0},
-        {"<element name='r'>" COMPONENT("<c:Type>") + times(300, "long ") +
-             "</c:Type>"
-             "<c:Definition>Short.</c:Definition></c:Component></documentation></annotation></element>",
+        {"<element name='r'><annotation><documentation><c xmlns:c='urn:c'><c:Type>" + times(300, "long ") +
+             "</c:Type><c:Definition>Short.</c:Definition></c></documentation></annotation></element>",
          "Short.;-;", 1},
         // What describes nothing is counted.
         {"<annotation><documentation>S</documentation></annotation>" ROOT(

@@ -42,7 +42,7 @@ DTDEntities::Entity* DTDEntities::add(std::string_view name, SourcePlace place)
     const std::size_t hash = keyHash(name);
     if (entities.find(name, hash))
         return nullptr;
-    Entity& entity = owned.emplace_back(Entity{name, {{}, place}, {}});
+    Entity& entity = owned.emplace_back(Entity{name, {{}, place}, {}, {}});
     entities.store(&entity, hash);
     return &entity;
 }
@@ -59,10 +59,12 @@ void DTDEntities::declare(std::string_view name, std::string_view value, SourceP
         replaceReferences(*entity, value);
 }
 
-void DTDEntities::declareModule(std::string_view name, std::string_view systemId, SourcePlace place)
+void DTDEntities::declareModule(std::string_view name, std::string_view publicId, std::string_view systemId,
+                                SourcePlace place)
 {
     if (Entity* entity = add(name, place)) {
         entity->isModule = true;
+        entity->publicId = publicId;
         entity->systemId = systemId;
     }
 }
@@ -134,17 +136,31 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
     return entity->text;
 }
 
+// The file of a module; `path` is then the one by which it was found, else that of its system identifier.
+std::optional<FoundFile> DTDEntities::find(const Entity& entity, CString& path)
+{
+    if (const auto listed = catalogs.findExternal(entity.publicId, entity.systemId))
+        if (auto file = finder.find({}, *listed)) {
+            path = *listed;
+            return file;
+        }
+    path = localPath(entity.systemId);
+    return finder.find(folders.at(entity.value.start.file), path);
+}
+
 // The file that a module names, or null.
 DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
 {
     const std::uint32_t declaring = entity.value.start.file;
     const CString& folder = folders.at(declaring);
-    const CString path = localPath(entity.systemId);
-    const auto found = finder.find(folder, path);
+    CString path;
+    const auto found = find(entity, path);
     if (!found) {
         const bool isRemote = path.empty() && !entity.systemId.empty();
         report.add(isRemote ? SourceReport::moduleRemote : SourceReport::moduleMissing, where,
-                   entity.systemId.empty() ? entity.name : entity.systemId);
+                   !entity.systemId.empty()   ? entity.systemId
+                   : !entity.publicId.empty() ? entity.publicId
+                                              : entity.name);
         return nullptr;
     }
     if (const auto known = filesById.find(found->id); known != filesById.end())

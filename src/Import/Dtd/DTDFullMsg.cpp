@@ -35,10 +35,15 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
         return file;
     };
     for (Index i = 0; i < files.size(); ++i) {
-        DTDEntities entities(types, report);
+        DTDEntities entities(types, report, queryCatalogs());
         const std::string_view text = i == 0 ? std::string_view(source) : types.adopt(textOf(files[i]));
-        DTDTokens tokens(entities, entities.addMain(files[i], text), report);
+        DTDEntities::Text& main = entities.addMain(files[i], text);
+        for (const auto& [name, value] : declared)
+            entities.declare(name, types.adopt(CString(value)), main.start);
+        DTDTokens tokens(entities, main, report);
         reader.read(tokens);
+        for (const std::string_view entity : tokens.querySwitches())
+            addSwitch(entity);
         for (Index other = 0; files.size() > 1 && other < files.size(); ++other)
             if (owners[other] == other && ownerOf(i) != other && entities.hasRead(files[other]))
                 owners[other] = i;

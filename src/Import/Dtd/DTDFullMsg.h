@@ -14,6 +14,15 @@ public:
     bool setFurtherFiles(const std::vector<CString>& files) override { return keepFurtherFiles(files); }
     CString queryUses(const CString& fileName) const override { return usesOfDtd(fileName); }
 
+    bool setEntities(const std::vector<std::pair<CString, CString>>& wanted) override
+    {
+        declared = wanted;
+        return true;
+    }
+
 protected:
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
+
+private:
+    std::vector<std::pair<CString, CString>> declared; // entities
 };

@@ -355,14 +355,14 @@ void DTDReader::readEntity()
         return senseless("ENTITY without a name");
     const std::string_view name = token.text;
     tokens->next();
-    std::string_view systemId;
-    const bool isModule = readExternalId(systemId);
+    std::string_view publicId, systemId;
+    const bool isModule = readExternalId(publicId, systemId);
     if (!isModule && token.kind == DTDTokens::tokenWord)
         tokens->next(); // SGML's CDATA, SDATA and their like
     if (!isModule && token.kind != DTDTokens::tokenLiteral)
         return senseless(name);
     if (isOfParameter && isModule)
-        tokens->entities().declareModule(name, systemId, tokens->place());
+        tokens->entities().declareModule(name, publicId, systemId, tokens->place());
     else if (isOfParameter)
         tokens->entities().declare(name, token.text, tokens->literalPlace());
     readEntityEnd(name, !isOfParameter);
@@ -381,15 +381,17 @@ void DTDReader::readEntityEnd(std::string_view name, bool hasNotation)
 }
 
 // "SYSTEM place", "PUBLIC id place", in SGML "PUBLIC id". False for anything else.
-bool DTDReader::readExternalId(std::string_view& systemId)
+bool DTDReader::readExternalId(std::string_view& publicId, std::string_view& systemId)
 {
     const DTDTokens::Token& token = tokens->token();
     const bool isPublic = token.kind == DTDTokens::tokenWord && isKeyword(token.text, "PUBLIC");
     if (!isPublic && (token.kind != DTDTokens::tokenWord || !isKeyword(token.text, "SYSTEM")))
         return false;
     tokens->next();
-    if (isPublic && token.kind == DTDTokens::tokenLiteral)
+    if (isPublic && token.kind == DTDTokens::tokenLiteral) {
+        publicId = token.text;
         tokens->next();
+    }
     if (token.kind == DTDTokens::tokenLiteral)
         systemId = token.text;
     return true;
@@ -405,10 +407,10 @@ void DTDReader::readDoctype()
 {
     const std::string_view root = tokens->token().text;
     tokens->next();
-    std::string_view systemId, external;
-    if (readExternalId(systemId)) {
+    std::string_view publicId, systemId, external;
+    if (readExternalId(publicId, systemId)) {
         external = types.adopt("DOCTYPE " + CString(root)); // as no entity can be called
-        tokens->entities().declareModule(external, systemId, tokens->place());
+        tokens->entities().declareModule(external, publicId, systemId, tokens->place());
     }
     while (!tokens->token().isEnd() && !tokens->token().isMark('['))
         tokens->next();

@@ -72,7 +72,7 @@ private:
     void readAttlist();
     void readEntity();
     void readEntityEnd(std::string_view name, bool hasNotation);
-    bool readExternalId(std::string_view& systemId);
+    bool readExternalId(std::string_view& publicId, std::string_view& systemId);
     void readNotation();
     void readDoctype();
     bool readNames();

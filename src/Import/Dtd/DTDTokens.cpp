@@ -10,6 +10,7 @@ namespace {
 constexpr CharSet kBlank(" \t\r\n");
 constexpr CharSet kMarkup("%<]");
 constexpr std::ptrdiff_t kLongKey = 200;
+constexpr std::size_t kManySwitches = 20;    // no more are named
 constexpr unsigned kDeclarationsATick = 256; // between two reports of the progress
 
 const char* find(const char* from, const char* end, std::string_view what)
@@ -206,12 +207,26 @@ void DTDTokens::readSection()
         isIgnored |= current.text == "IGNORE" || current.text == "ignore";
         isKnown |= current.text == "INCLUDE" || current.text == "include";
     }
+    const std::string_view key = trimmed({start, static_cast<std::size_t>(open - start)});
     if (!current.isMark('['))
-        report.add(SourceReport::senselessDeclaration, declaration, "section without '['");
-    else if (isIgnored)
+        return report.add(SourceReport::senselessDeclaration, declaration, "section without '['");
+    if (key.starts_with('%'))
+        noteKey(dtdNameAt(key.substr(1)), !isIgnored);
+    if (isIgnored)
         skipSection();
     else if (openSection(); !isKnown)
-        report.add(SourceReport::unknownSection, declaration, trimmed({start, static_cast<std::size_t>(open - start)}));
+        report.add(SourceReport::unknownSection, declaration, key);
+}
+
+// A section that is read or left out by an entity.
+void DTDTokens::noteKey(std::string_view key, bool isRead)
+{
+    hasReadSection |= isRead;
+    if (isRead)
+        return;
+    report.add(SourceReport::sectionLeftOut, declaration, key);
+    if (!std::ranges::count(switches, key) && switches.size() < kManySwitches)
+        switches.push_back(key);
 }
 
 void DTDTokens::openSection()

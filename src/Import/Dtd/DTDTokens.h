@@ -62,6 +62,12 @@ public:
     /// Whether `c` is the next character but blanks.
     bool peek(char c) const;
 
+    /// The entities that leave out sections, when there were sections by entities and all were left out.
+    std::vector<std::string_view> querySwitches() const
+    {
+        return hasReadSection ? std::vector<std::string_view>() : switches;
+    }
+
     /// Reads to the end of the declaration.
     void skipDeclaration();
 
@@ -98,6 +104,7 @@ private:
     void setMark(char mark);
     bool stands(std::string_view text) const;
     void openSection();
+    void noteKey(std::string_view key, bool isRead);
     void noteOpenSection();
     SourcePlace placeIn(Frame& frame) const;
 
@@ -106,6 +113,8 @@ private:
     std::vector<Frame> frames;
     std::size_t base = 0;     // how many frames there were when the declaration began
     std::size_t sections = 0; // that are open
+    std::vector<std::string_view> switches;
+    bool hasReadSection = false; // because of an entity
     enum
     {
         none,

@@ -8,6 +8,7 @@
 #include "Import/Full/SpaceFolders.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace {
 
@@ -22,6 +23,23 @@ CString nameOfFile(const CString& fileName)
     if (!isXmlName(name))
         name.insert(0, 1, '_');
     return isXmlName(name) ? name : "_";
+}
+
+// What a message chooses a type from comes with it.
+void visitChoices(const SourceTypes& types, RecordOrder& order)
+{
+    std::unordered_multimap<SourceTypes::Index, SourceTypes::Index> choicesOf(types.choosers.begin(),
+                                                                              types.choosers.end());
+    std::vector<bool> isVisited(types.choices.size());
+    for (std::size_t i = 0; i < order.query().size(); ++i) {
+        const auto [first, last] = choicesOf.equal_range(order.query()[i]);
+        for (auto chooser = first; chooser != last; ++chooser)
+            if (!isVisited[chooser->second]) {
+                isVisited[chooser->second] = true;
+                for (const SourceTypes::Index record : types.choices[chooser->second])
+                    order.visit(record);
+            }
+    }
 }
 
 SourceTypes::Index spaceOf(const SourceTypes& types, SourceTypes::Type type)
@@ -39,6 +57,13 @@ SourceTypes::Index spaceOf(const SourceTypes& types, SourceTypes::Type type)
 }
 
 } // namespace
+
+// The records of the main types, and the documents whose elements these are.
+struct FullMessage::MainTypes
+{
+    std::vector<Index> records;
+    std::vector<std::uint32_t> files;
+};
 
 // What one import declares from.
 struct FullMessage::Declaring
@@ -75,26 +100,32 @@ void FullMessage::forget()
 {
     mainType.clear();
     mainTypes.clear();
+    switches.clear();
+    ownRoots.clear();
+    catalogs.clear();
 }
 
 void FullMessage::import(const CString& source, const CString& fileName, const CString& basePath)
 {
     const bool bySpace = layout == Layout::byNamespace || (layout == Layout::automatic && !furtherFiles.empty());
     SourceTypes types(fileName, bySpace ? &folders : nullptr);
+    for (const CString& file : catalogFiles)
+        catalogs.load(file);
     read(source, fileName, types, report);
     beginWork(Work::arranging);
     if (types.empty())
         throw SourceRefusal{fileName + " declares no element, type or enumeration.",
                             {"", "it declares no element, type or enumeration"}};
-    const std::vector<Index> main = chooseMain(types, fileName);
+    const MainTypes main = chooseMain(types, fileName);
     RecordOrder order(types);
-    for (const Index record : main)
+    for (const Index record : main.records)
         order.visit(record);
-    for (Index record = 0; roots.empty() && record < types.records.size(); ++record)
+    visitChoices(types, order);
+    for (Index record = 0; queryRoots().empty() && record < types.records.size(); ++record)
         order.visit(record);
     SourceNames names(types, report);
-    names.name(order.query(), main);
-    if (roots.empty())
+    names.name(order.query(), main.records, main.files);
+    if (queryRoots().empty())
         names.nameUnused();
     Declaring declaring{types,
                         {basePath + mainType + "\\"},
@@ -110,7 +141,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
             path = basePath + path + (path.empty() ? "" : "\\");
     }
     types.spend(std::ranges::max(declaring.paths, {}, &CString::size).size() * types.fieldCount());
-    for (Index enumeration = 0; roots.empty() && enumeration < types.enumerations.size(); ++enumeration)
+    for (Index enumeration = 0; queryRoots().empty() && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
             declareEnumeration(declaring, enumeration);
     for (const Index record : order.query())
@@ -122,7 +153,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
 }
 
 // Settles the name of the whole and answers the records of the main types.
-std::vector<SourceTypes::Index> FullMessage::chooseMain(SourceTypes& types, const CString& fileName)
+FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString& fileName)
 {
     const std::vector<Index> chosen = chooseCandidates(types, fileName);
     if (chosen.empty())
@@ -131,15 +162,17 @@ std::vector<SourceTypes::Index> FullMessage::chooseMain(SourceTypes& types, cons
         mainType = types.candidates[chosen.front()].name;
     if (!givenName.empty())
         mainType = toXmlText(givenName);
-    std::vector<Index> records;
-    for (const Index candidate : chosen)
-        if (const Index record = recordOf(types, candidate); !std::ranges::count(records, record)) {
+    MainTypes main;
+    for (const Index candidate : chosen) {
+        main.files.push_back(types.candidates[candidate].place.file);
+        if (const Index record = recordOf(types, candidate); !std::ranges::count(main.records, record)) {
             types.records[record].name = types.candidates[candidate].name;
             if (const std::string_view said = types.candidates[candidate].description; !said.empty())
                 types.records[record].description = said;
-            records.push_back(record);
+            main.records.push_back(record);
         }
-    return records;
+    }
+    return main;
 }
 
 // The elements that are asked for, else one for each source.
@@ -150,10 +183,10 @@ std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes&
         const MainElement choice(types, source == 0 ? fileName : furtherFiles[source - 1], source);
         for (const Index candidate : choice.queryAll())
             mainTypes.emplace_back(types.candidates[candidate].name);
-        if (roots.empty() && choice.query() != SourceTypes::kNone)
+        if (queryRoots().empty() && choice.query() != SourceTypes::kNone)
             chosen.push_back(choice.query());
     }
-    for (const CString& root : roots)
+    for (const CString& root : queryRoots())
         chosen.push_back(candidateCalled(root, types));
     return chosen;
 }
@@ -164,7 +197,11 @@ SourceTypes::Index FullMessage::recordOf(SourceTypes& types, Index candidate)
     const SourceTypes::Candidate& element = types.candidates[candidate];
     if (element.isAbstract || element.hasAbstractType)
         report.add(SourceReport::mainTypeAbstract, element.place, element.name);
-    if (element.type.kind == SourceTypes::kindRecord && element.repeats == 0)
+    const bool isRecord = element.type.kind == SourceTypes::kindRecord && element.repeats == 0;
+    if (element.choice != SourceTypes::kNone)
+        types.choosers.emplace_back(isRecord ? element.type.index : static_cast<Index>(types.records.size()),
+                                    element.choice);
+    if (isRecord)
         return element.type.index;
     const Index record =
         types.addRecord({element.name, element.description, element.place, SourceTypes::kNone, element.space});

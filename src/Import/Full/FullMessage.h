@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Import/Full/Catalogs.h"
 #include "Import/Full/SourceTypes.h"
 #include "Import/MsgBase.h"
 
@@ -35,6 +36,15 @@ public:
     /// The name of the whole, instead of the first main type's; "" for that one.
     void setName(const CString& name) { givenName = name; }
 
+    /// The catalogues by which documents and modules are found, in this order.
+    void setCatalogs(const std::vector<CString>& files) { catalogFiles = files; }
+
+    /// Parameter entities, each with its value, that are declared in front of a DTD. False if the source has none.
+    virtual bool setEntities(const std::vector<std::pair<CString, CString>>&) { return false; }
+
+    /// The entities that leave out sections of the last source, when all its sections were left out.
+    const std::vector<CString>& querySwitches() const { return switches; }
+
     /// The elements that could well be the main type, the one that the source's own choice falls on first.
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
 
@@ -53,7 +63,12 @@ protected:
         return true;
     }
     const std::vector<CString>& queryFurtherFiles() const { return furtherFiles; }
-    const std::vector<CString>& queryRoots() const { return roots; }
+    const std::vector<CString>& queryRoots() const { return roots.empty() ? ownRoots : roots; }
+
+    /// For read(): the main types that the source itself names, which hold where none are asked for.
+    void setOwnRoots(const std::vector<CString>& names) { ownRoots = names; }
+    const Catalogs& queryCatalogs() const { return catalogs; }
+    void addSwitch(std::string_view entity) { switches.emplace_back(entity); }
 
     /// Says what `source` (what parse() was given) declares. Throws SourceRefusal where it can't be imported.
     virtual void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) = 0;
@@ -65,7 +80,8 @@ private:
     void onCancelled() override { forget(); }
     void forget();
     void import(const CString& source, const CString& fileName, const CString& basePath);
-    std::vector<Index> chooseMain(SourceTypes& types, const CString& fileName);
+    struct MainTypes;
+    MainTypes chooseMain(SourceTypes& types, const CString& fileName);
     std::vector<Index> chooseCandidates(const SourceTypes& types, const CString& fileName);
     Index recordOf(SourceTypes& types, Index candidate);
     void declareRecord(Declaring& declaring, Index record);
@@ -80,9 +96,13 @@ private:
     MsgUIDescriptor& row;
     std::vector<CString> furtherFiles;
     std::vector<CString> roots;
+    std::vector<CString> ownRoots;
     Layout layout = Layout::automatic;
     SourceTypes::Folders folders;
     CString givenName;
     CString mainType;
     std::vector<CString> mainTypes;
+    std::vector<CString> catalogFiles;
+    Catalogs catalogs{report};
+    std::vector<CString> switches;
 };

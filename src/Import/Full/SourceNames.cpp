@@ -42,11 +42,13 @@ private:
     std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
 };
 
-void SourceNames::name(const std::vector<Index>& order, std::span<const Index> first)
+void SourceNames::name(const std::vector<Index>& order, std::span<const Index> first,
+                       std::span<const std::uint32_t> ownFiles)
 {
     isNamed.assign(types.enumerations.size(), false);
     spaces.resize(types.spaces.size());
-    // In the order of declaration, so that of two with one name the first keeps it.
+    // In the order of declaration, so that of two with one name the first keeps it; what the main types' documents
+    // declare goes before the others.
     std::vector<bool> isWanted(types.records.size());
     for (const Index record : order)
         isWanted[record] = true;
@@ -55,9 +57,13 @@ void SourceNames::name(const std::vector<Index>& order, std::span<const Index> f
             isWanted[record] = false;
             nameRecord(record);
         }
-    for (Index record = 0; record < types.records.size(); ++record)
-        if (isWanted[record])
-            nameRecord(record);
+    std::vector<bool> isOwn(report.fileCount() + 1);
+    for (const std::uint32_t file : ownFiles)
+        isOwn[file] = true;
+    for (const bool isOwnTurn : {true, false})
+        for (Index record = 0; record < types.records.size(); ++record)
+            if (isWanted[record] && isOwn[types.records[record].place.file] == isOwnTurn)
+                nameRecord(record);
     CancelPoint cancelPoint(1024);
     for (const Index record : order) {
         cancelPoint.pass();

@@ -15,8 +15,10 @@ class SourceNames
 public:
     SourceNames(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
-    /// Names the records `order`, their fields, and what those use. The records `first` are named before the others.
-    void name(const std::vector<SourceTypes::Index>& order, std::span<const SourceTypes::Index> first);
+    /// Names the records `order`, their fields, and what those use. The records `first` are named before the others,
+    /// and those that the files `ownFiles` declare before those of other files.
+    void name(const std::vector<SourceTypes::Index>& order, std::span<const SourceTypes::Index> first,
+              std::span<const std::uint32_t> ownFiles);
 
     /// Names the declared enumerations that no field has, behind all others.
     void nameUnused();

@@ -97,6 +97,7 @@ public:
         Index space = 0;           ///< see spaceOf()
         std::uint16_t repeats = 0; ///< as of a field
         std::string_view description{};
+        Index choice = kNone; ///< among `choices`, if its type is abstract
     };
 
     /// A namespace in which types have their names to themselves.
@@ -186,6 +187,8 @@ public:
     std::vector<Enumeration> enumerations;
     std::vector<Table> tables;
     std::vector<Candidate> candidates;
+    std::vector<std::vector<Index>> choices;       ///< the records that may stand for one of an abstract type
+    std::vector<std::pair<Index, Index>> choosers; ///< records, each with a choice that its fields offer
     std::vector<Space> spaces{{}};
     std::vector<std::pair<std::string_view, std::string_view>>
         prefixes{}; ///< that the sources declare, with their URIs

@@ -30,7 +30,7 @@ struct Vocabulary
 };
 
 constexpr std::string_view kRelaxNg = "this is RELAX NG; convert it with trang, then import the schema";
-constexpr std::string_view kWsdl = "this is WSDL; save the schema inside its types element as a file, then import that";
+constexpr std::string_view kWsdl = "this is WSDL; import its messages with xsd --full";
 
 constexpr Vocabulary kVocabularies[] = {
     {"http://relaxng.org/ns/structure/", kRelaxNg},

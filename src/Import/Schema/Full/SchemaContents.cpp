@@ -302,8 +302,8 @@ void SchemaContents::visitAttribute(Index attribute)
 {
     const SchemaNode& node = tree[attribute];
     const SchemaDocument& document = tree.documentOf(attribute);
-    const bool isProhibited = node.is(SchemaNode::isProhibited);
-    if (isProhibited && !isRestriction) // that says nothing
+    const bool isProhibited = node.is(SchemaNode::isProhibited) || node.occurs == 0; // the latter in the drafts
+    if (isProhibited && !isRestriction)                                              // that says nothing
         return;
     if (!node.is(SchemaNode::isReference)) {
         const bool isQualified =

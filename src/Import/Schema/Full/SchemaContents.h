@@ -26,6 +26,9 @@ public:
     /// The fields of a complex type, elements first; valid until the next call.
     std::span<const SchemaField> of(Index type);
 
+    /// Counts a step of work that a schema can make grow as its square; what passes 20,000,000 is refused.
+    void spendStep();
+
 private:
     // A type's fields among all.
     struct Content
@@ -73,7 +76,6 @@ private:
     void visitAttribute(Index attribute);
     void addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation);
     bool sayTheSame(Index one, Index other) const;
-    void spendStep();
     Content keep();
 
     SchemaSet& set;

@@ -6,10 +6,12 @@ SchemaFullMessage::SchemaFullMessage() : FullMessage(*importerNamed("xsd")) {}
 
 void SchemaFullMessage::read(const CString& source, const CString&, SourceTypes& types, SourceReport& report)
 {
-    SchemaSet set(types, report);
+    SchemaSet set(types, report, queryCatalogs());
     set.load(source);
     for (const CString& file : queryFurtherFiles())
         set.load(file);
-    SchemaTypes(set, types).read(set.finish(), queryRoots());
+    const auto sources = set.finish();
+    setOwnRoots(set.queryMessages());
+    SchemaTypes(set, types).read(sources, queryRoots());
     set.reportNotes();
 }

@@ -70,6 +70,26 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
         enter(tag);
     else
         startOther(tag);
+    if (isNode && tag == SchemaTag::attribute && !open.empty() && open.back().node + 1 == tree.nodes.size())
+        makeArray(attributes);
+}
+
+/// The items of an array of SOAP's encoding (https://www.w3.org/TR/SOAP/#_Toc478383522): an attribute of the array's
+/// type says of which type they are.
+void SchemaReader::makeArray(XmlAttributes attributes)
+{
+    for (std::size_t i = 0; i < attributes.size(); ++i) {
+        const char* const uri = attributes.uriOf(i);
+        if (attributes[i].name.local != std::string_view("arrayType") || !uri ||
+            uri != std::string_view("http://schemas.xmlsoap.org/wsdl/"))
+            continue;
+        SchemaNode& node = tree.nodes.back();
+        node.tag = SchemaTag::element;
+        node.name = tree.names.intern("item");
+        node.flags = 0;
+        node.occurs = 2;
+        node.reference = resolve(attributes[i].value.substr(0, attributes[i].value.find('[')));
+    }
 }
 
 void SchemaReader::enter(SchemaTag tag)
@@ -184,6 +204,10 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
         break;
     case SchemaAttribute::schemaLocation:
         node.name = tree.names.intern(trimmed(value));
+        break;
+    case SchemaAttribute::nameSpace:
+        if (node.tag == SchemaTag::import)
+            node.reference.space = tree.names.intern(trimmed(value));
         break;
     case SchemaAttribute::value: // the drafts write an attribute's default there
         if (node.tag == SchemaTag::enumeration)

@@ -53,6 +53,7 @@ private:
     static constexpr NameTable::Id kUndeclared = ~0U;
 
     void enter(SchemaTag tag);
+    void makeArray(XmlAttributes attributes);
     void startOther(SchemaTag tag);
     void readAttribute(SchemaNode& node, const SchemaStatements::Attribute& attribute);
     void readRootAttribute(const SchemaStatements::Attribute& attribute);

@@ -37,26 +37,78 @@ std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
 
 void SchemaSet::load(const CString& fileName)
 {
+    std::vector<CString> files{fileName};
+    for (std::size_t i = 0; i < files.size(); ++i)
+        loadOne(CString(files[i]), files);
+}
+
+/// Reads one file, and adds those that it imports, as a WSDL.
+void SchemaSet::loadOne(const CString& fileName, std::vector<CString>& files)
+{
     const auto id = identify(fileName);
     if (const auto known = id ? parsed.find(*id) : parsed.end(); known != parsed.end()) {
         loaded.push_back(known->second);
         return;
     }
-    XmlDocument xml;
-    if (!read(fileName, fileName, xml, kAnySize))
-        throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
-    const auto document = static_cast<std::uint32_t>(tree.documents.size() - 1);
+    const auto document = static_cast<std::uint32_t>(tree.documents.size());
+    const std::vector<WsdlReader::Import> imports = readSource(fileName);
     loaded.push_back(document);
     if (id)
         parsed.emplace(*id, document);
-    if (tree.documents[document].root == 0) {
-        if (document > 0)
-            throw SourceRefusal{fileName + " is no schema.", {fileName, "it is no schema"}};
-        return; // and nothing is declared
-    }
-    if (id)
+    if (id && tree.documents[document].root != 0)
         entered.emplace(std::pair(*id, tree.documents[document].space), document);
-    followAll(document);
+    const auto end = static_cast<std::uint32_t>(tree.documents.size()); // of a WSDL's schemas
+    for (std::uint32_t at = document; at < end; ++at) {
+        if (at > document)
+            loaded.push_back(at);
+        if (tree.documents[at].root != 0)
+            followAll(at);
+    }
+    const CString folder = tree.documents[document].folder;
+    for (const WsdlReader::Import& import : imports) {
+        const CString path = localPath(import.location);
+        if (const auto file = path.empty() ? std::nullopt : finder.find(folder, path))
+            files.push_back(file->name);
+        else
+            report.add(path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing, import.place,
+                       import.location);
+    }
+}
+
+/// Reads the file of a source, and returns what it imports, as a WSDL.
+std::vector<WsdlReader::Import> SchemaSet::readSource(const CString& fileName)
+{
+    const auto number = static_cast<std::uint32_t>(tree.documents.size());
+    SchemaDocument& document = tree.documents.emplace_back();
+    document.folder = folderOf(fileName);
+    document.file = report.addFile(fileName);
+    WsdlReader reader(tree, report);
+    XmlDocument xml;
+    if (!xml.streamFile(fileName, reader))
+        throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
+    reader.finish();
+    if (number > 0 && !reader.holdsWsdl() && tree.documents[number].root == 0)
+        throw SourceRefusal{fileName + " is no schema.", {fileName, "it is no schema"}};
+    for (std::uint32_t at = number; at < tree.documents.size(); ++at)
+        firstOfFile.push_back(at);
+    for (const auto& [node, name] : reader.queryImpossibleNames())
+        note(SourceReport::impossibleName, node, name);
+    messages.insert(messages.end(), reader.queryRoots().begin(), reader.queryRoots().end());
+    return reader.queryImports();
+}
+
+std::vector<CString> SchemaSet::queryMessages()
+{
+    std::vector<CString> names;
+    std::unordered_set<Index> met;
+    for (const auto& [name, place] : messages) {
+        const Index declared = find(element, name, 0);
+        if (declared == 0)
+            report.add(SourceReport::unresolvedReference, place, tree.text(name.local));
+        else if (met.insert(declared).second)
+            names.push_back("{" + CString(tree.text(name.space)) + "}" + CString(tree.text(name.local)));
+    }
+    return names;
 }
 
 /// Declares what a document holds, and all that it names.
@@ -136,20 +188,42 @@ bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocum
     return true;
 }
 
+/// The document that a reference means: by the catalogues, else by its location, else by its namespace. `path` is the
+/// one by which it was found, else that of its location.
+std::optional<FoundFile> SchemaSet::locate(Index reference, CString& path)
+{
+    const SchemaNode& node = tree[reference];
+    const CString& folder = tree.documentOf(reference).folder;
+    const std::string_view location = tree.text(node.name);
+    const CString own = localPath(location);
+    const auto listed = [&](std::string_view uri) {
+        path = uri.empty() ? CString() : catalogs.findUri(uri).value_or(CString());
+        return finder.find({}, path);
+    };
+    auto file = listed(location);
+    if (!file && !own.empty() && !own.starts_with('/'))
+        file = listed("file://" + folder + own);
+    if (!file && !own.empty())
+        file = finder.find(folder, path = own);
+    if (!file && node.tag == SchemaTag::import)
+        file = listed(tree.text(node.reference.space));
+    if (!file)
+        path = own;
+    return file;
+}
+
 /// Enters the document that an include, import or redefine names, when that is new in its namespace.
 void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
 {
     const SchemaNode& node = tree[reference];
     const SchemaDocument& from = tree.documentOf(reference);
-    if (!node.hasName()) // which an import may leave out, and for the others has been said
-        return;
     const NameTable::Id includer = node.tag == SchemaTag::import ? 0 : from.space;
-    const CString path = localPath(tree.text(node.name));
-    if (path.empty())
-        return note(SourceReport::moduleRemote, reference);
-    const auto file = finder.find(from.folder, path);
+    CString path;
+    const auto file = locate(reference, path);
+    if (!file && !node.hasName()) // which an import may leave out, and for the others has been said
+        return;
     if (!file)
-        return note(SourceReport::moduleMissing, reference);
+        return note(path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing, reference);
     const auto [known, isNew] = parsed.try_emplace(file->id, static_cast<std::uint32_t>(tree.documents.size()));
     if (isNew)
         readNamed(*file, path, reference);
@@ -230,7 +304,8 @@ SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
 
 std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
 {
-    return SchemaTree::isSchemaLanguage(name.space) ? ::builtInKind(tree.text(name.local)) : std::nullopt;
+    const bool isKnown = SchemaTree::isSchemaLanguage(name.space) || name.space == SchemaTree::kSoapEncoding;
+    return isKnown ? ::builtInKind(tree.text(name.local)) : std::nullopt;
 }
 
 void SchemaSet::collectMembers()
@@ -327,6 +402,8 @@ std::vector<std::uint32_t> SchemaSet::includedDocuments(std::uint32_t main) cons
 
 void SchemaSet::note(SourceReport::Construct construct, Index node, NameTable::Id name)
 {
+    if (construct == SourceReport::unresolvedContent && tree[node].reference.space == SchemaTree::kSoapEncoding)
+        return; // the base of arrays
     notes.emplace_back(node, construct, name);
     if (notes.size() < manyNotes)
         return;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Files/FileFinder.h"
+#include "Import/Full/Catalogs.h"
 #include "Import/Full/SourceTypes.h"
 #include "Import/Schema/Full/SchemaTree.h"
+#include "Import/Schema/Full/WsdlReader.h"
 
 #include <array>
 #include <map>
@@ -31,7 +33,9 @@ public:
         kindCount
     };
 
-    SchemaSet(const SourceTypes& types, SourceReport& report) : types(types), report(report) {}
+    SchemaSet(const SourceTypes& types, SourceReport& report, const Catalogs& catalogs) :
+        types(types), report(report), catalogs(catalogs)
+    {}
 
     /// Reads a schema and the documents that it names, each once; local regular files only, and what can't be had goes
     /// into the report. Called again, reads one more schema of the same set. Throws SourceRefusal when the schema
@@ -63,6 +67,10 @@ public:
     /// which the namespaces are met.
     std::vector<Index> componentsCalled(std::string_view name);
 
+    /// The elements that the messages of the WSDLs among the sources are, each once, as "{URI}name"; what isn't
+    /// declared is reported.
+    std::vector<CString> queryMessages();
+
     /// The full name of a component at the top.
     SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
 
@@ -70,6 +78,11 @@ public:
 
     /// Notes what is not carried over, by `name` or else the node's own or the one that it refers to.
     void note(SourceReport::Construct construct, Index node, NameTable::Id name = 0);
+
+    void noteText(SourceReport::Construct construct, Index node, std::string_view name)
+    {
+        note(construct, node, tree.names.intern(name));
+    }
 
     /// Moves what was noted into the report, in the order of reading, each place once.
     void reportNotes();
@@ -95,8 +108,11 @@ private:
     static std::uint64_t keyOf(SchemaName name) { return static_cast<std::uint64_t>(name.space) << 32 | name.local; }
 
     void followAll(std::uint32_t document);
+    void loadOne(const CString& fileName, std::vector<CString>& files);
+    std::vector<WsdlReader::Import> readSource(const CString& fileName);
     bool read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most);
     void follow(Index reference, std::vector<Following>& waiting);
+    std::optional<FoundFile> locate(Index reference, CString& path);
     void readNamed(const FoundFile& file, const CString& path, Index reference);
     std::uint32_t copy(std::uint32_t document, NameTable::Id space);
     void declareAll(std::uint32_t document, std::vector<Following>& waiting);
@@ -109,9 +125,11 @@ private:
     SchemaTree tree;
     const SourceTypes& types;
     SourceReport& report;
+    const Catalogs& catalogs;
     FileFinder finder;
     std::map<FileId, std::uint32_t> parsed; // the first document of each file
     std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
+    std::vector<WsdlReader::Root> messages; // of WSDLs
     std::vector<std::uint32_t> loaded;      // by load()
     std::vector<std::uint32_t> firstOfFile; // the document of the file of each, by document
     std::unordered_map<Index, std::uint32_t> documentsByReference;

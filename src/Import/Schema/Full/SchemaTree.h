@@ -105,6 +105,7 @@ public:
     static bool isSchemaLanguage(NameTable::Id space) { return space >= 1 && space <= 3; }
     static constexpr NameTable::Id kXmlNamespace = 4;
     static constexpr NameTable::Id kValueName = 5; ///< the text "value"
+    static constexpr NameTable::Id kSoapEncoding = 6;
 
     /// Takes back all nodes from `first` on.
     void dropFrom(Index first) { nodes.resize(first); }

@@ -27,8 +27,46 @@ void SchemaTypes::read(const std::vector<std::optional<std::uint32_t>>& sources,
         if (source)
             for (const auto& [prefix, space] : tree.documents[*source].prefixes)
                 types.prefixes.emplace_back(keep(prefix), keep(space));
-    for (std::size_t i = 0; i < pending.size(); ++i)
-        readFields(pending[i]);
+    std::size_t read = 0;
+    for (std::size_t choice = 0; choice <= choices.size(); ++choice) { // a choice brings records, and these choices
+        if (choice > 0)
+            readChoice(static_cast<SourceTypes::Index>(choice - 1));
+        for (; read < pending.size(); ++read)
+            readFields(pending[read]);
+    }
+}
+
+/// The number of the choice that a field offers whose type is abstract; kNone for another one.
+SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
+{
+    if (!tree[complexType].is(SchemaNode::isAbstract) || derived.of(complexType).empty())
+        return SourceTypes::kNone;
+    const auto [known, isNew] = choicesByType.try_emplace(complexType, static_cast<SourceTypes::Index>(choices.size()));
+    if (isNew) {
+        choices.push_back(complexType);
+        types.choices.emplace_back();
+    }
+    return known->second;
+}
+
+/// Reads the types that may stand for an abstract one, and those that are derived from them.
+void SchemaTypes::readChoice(SourceTypes::Index choice)
+{
+    std::vector<Index> bases{choices[choice]};
+    std::unordered_set<Index> met{choices[choice]};
+    for (std::size_t i = 0; i < bases.size(); ++i)
+        for (const Index type : derived.of(bases[i])) {
+            if (!met.insert(type).second)
+                continue;
+            bases.push_back(type);
+            contents.spendStep();
+            const SourceTypes::Type record = recordOf(type, SourceTypes::kNone);
+            if (record.kind == SourceTypes::kindRecord)
+                types.choices[choice].push_back(record.index);
+            if (reported.insert(type).second)
+                set.noteText(SourceReport::derivedType, choices[choice],
+                             CString(tree.text(tree[type].name)) + " for " + CString(tree.text(tree[bases[i]].name)));
+        }
 }
 
 void SchemaTypes::readComponent(Index component, SourceTypes::Index source)
@@ -59,6 +97,7 @@ void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
         const Declared& type = declared(component);
         candidate.hasAbstractType = tree[type.complexType].is(SchemaNode::isAbstract);
         candidate.type = typeOf(type, component, node.name, SourceTypes::kNone);
+        candidate.choice = choiceOf(type.complexType);
         candidate.description = keepDocumentation(node.documentation != 0 ? node.documentation : type.documentation);
     }
     types.addCandidate(candidate);
@@ -92,6 +131,8 @@ void SchemaTypes::readFields(Pending record)
             {keep(field.name.local), keepDocumentation(said != 0 ? said : type.documentation),
              typeOf(type, field.declaration != 0 ? field.declaration : record.type, field.name.local, record.record),
              field.role, field.repeats});
+        if (const SourceTypes::Index choice = choiceOf(type.complexType); choice != SourceTypes::kNone)
+            types.choosers.emplace_back(record.record, choice);
     }
     types.setFields(record.record, fields);
 }

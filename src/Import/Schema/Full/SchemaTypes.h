@@ -1,15 +1,18 @@
 #pragma once
 
 #include "Base/Progress.h"
+#include "Import/Schema/Full/DerivedTypes.h"
 #include "Import/Schema/Full/SchemaContents.h"
 #include "Import/Schema/Full/SchemaSimpleTypes.h"
+
+#include <unordered_set>
 
 /// Says what a schema declares: the records, enumerations and elements of its main document and all that they reach.
 class SchemaTypes
 {
 public:
     SchemaTypes(SchemaSet& set, SourceTypes& types) :
-        set(set), tree(set.queryTree()), types(types), simple(set), contents(set)
+        set(set), tree(set.queryTree()), types(types), simple(set), contents(set), derived(set)
     {}
 
     /// Reads what `sources` declare, documents of the set as SchemaSet::finish() tells them. `roots` name elements and
@@ -39,6 +42,8 @@ private:
     void addCandidate(Index component, SourceTypes::Index source);
     SourceTypes::Index spaceOf(Index node);
     void readFields(Pending pending);
+    SourceTypes::Index choiceOf(Index complexType);
+    void readChoice(SourceTypes::Index choice);
     const Declared& declared(Index declaration);
     bool resolve(Index declaration, Declared& out);
     SourceTypes::Type typeOf(const Declared& declared, Index declaration, NameTable::Id fieldName,
@@ -53,6 +58,10 @@ private:
     SourceTypes& types;
     SchemaSimpleTypes simple;
     SchemaContents contents;
+    DerivedTypes derived;
+    std::vector<Index> choices; // the abstract type of each
+    std::unordered_map<Index, SourceTypes::Index> choicesByType;
+    std::unordered_set<Index> reported;                   // derived types
     std::unordered_map<Index, SourceTypes::Type> records; // by complex type; text for one that holds nothing
     std::vector<Pending> pending;
     std::unordered_map<std::uint64_t, SourceTypes::Index> enumerations; // by first constant and name

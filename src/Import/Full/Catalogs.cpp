@@ -1,0 +1,329 @@
+#include "Import/Full/Catalogs.h"
+
+#include "Xml/XMLDoc.h"
+#include "Xml/XmlParser.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kMaxCatalogs = 1'000;
+constexpr std::size_t kLongestIdentifier = 4'096; // longer ones stand in no catalogue
+constexpr std::uint32_t kNoCatalog = ~0U;
+
+constexpr std::string_view kSpace = "urn:oasis:names:tc:entity:xmlns:xml:catalog";
+constexpr std::size_t kMaxEntries = 100'000;
+
+CString valueOf(XmlAttributes attributes, std::string_view name, bool isOfXml = false)
+{
+    for (std::size_t i = 0; i < attributes.size(); ++i)
+        if (attributes[i].name.local == name && (attributes[i].name.prefix != nullptr) == isOfXml)
+            return CString(trimmed(attributes[i].value));
+    return {};
+}
+
+} // namespace
+
+/// Reads the entries of one catalogue.
+class CatalogReader : public XmlHandler
+{
+public:
+    /// `folder` is what the catalogue lies in, `file` its number in the report.
+    CatalogReader(Catalogs& catalogs, std::uint32_t number, const CString& folder, std::uint32_t file) :
+        catalogs(catalogs), number(number), file(file), open{{{folder, false}, true}}
+    {}
+
+    void scope(const XmlScope& scope) override;
+    void startElement(XmlName name, XmlAttributes attributes) override;
+    void endElement() override { open.pop_back(); }
+    bool wantsText() const override { return false; }
+    bool wantsScopes() const override { return true; }
+
+    /// Whether the document was a catalogue.
+    bool isCatalog() const { return isOne; }
+
+private:
+    // An element that is open, or the document.
+    struct Level
+    {
+        Catalogs::Base base;
+        bool prefersPublic;
+    };
+
+    void add(Catalogs::Kind kind, const CString& key, const CString& target);
+
+    Catalogs& catalogs;
+    const std::uint32_t number; // of the catalogue
+    const std::uint32_t file;
+    std::vector<Level> open;
+    SourcePlace place;
+    bool isOurs = false; // the element that begins
+    bool isOne = false;
+};
+
+void CatalogReader::scope(const XmlScope& scope)
+{
+    isOurs = scope.uri && scope.uri == kSpace;
+    place = {file, static_cast<std::uint32_t>(scope.place.line), static_cast<std::uint32_t>(scope.place.column)};
+}
+
+void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
+{
+    using Kind = Catalogs::Kind;
+    struct Row
+    {
+        std::string_view element;
+        Kind kind;
+        std::string_view key;
+        std::string_view target;
+    };
+    static constexpr Row kRows[] = {
+        {"public", Kind::publicIdentifier, "publicId", "uri"},
+        {"system", Kind::system, "systemId", "uri"},
+        {"rewriteSystem", Kind::rewriteSystem, "systemIdStartString", "rewritePrefix"},
+        {"systemSuffix", Kind::systemSuffix, "systemIdSuffix", "uri"},
+        {"delegatePublic", Kind::delegatePublic, "publicIdStartString", "catalog"},
+        {"delegateSystem", Kind::delegateSystem, "systemIdStartString", "catalog"},
+        {"uri", Kind::uri, "name", "uri"},
+        {"rewriteURI", Kind::rewriteUri, "uriStartString", "rewritePrefix"},
+        {"uriSuffix", Kind::uriSuffix, "uriSuffix", "uri"},
+        {"delegateURI", Kind::delegateUri, "uriStartString", "catalog"},
+        {"nextCatalog", Kind::nextCatalog, "", "catalog"},
+    };
+    Level level = open.back();
+    if (open.size() == 1)
+        isOne = isOurs && name.local == std::string_view("catalog");
+    if (const CString base = valueOf(attributes, "base", true); !base.empty()) {
+        const CString path = localPath(base);
+        const bool isWhole = path.starts_with('/');
+        if (path.empty())
+            level.base.isRemote = true;
+        else if (isWhole || !level.base.isRemote)
+            level.base = {(isWhole ? CString() : level.base.folder) + path.substr(0, path.rfind('/') + 1), false};
+    }
+    if (const CString prefer = valueOf(attributes, "prefer"); !prefer.empty())
+        level.prefersPublic = prefer != "system";
+    open.push_back(level);
+    const auto* const row = std::ranges::find(kRows, std::string_view(name.local), &Row::element);
+    if (!isOne || !isOurs || row == std::end(kRows))
+        return;
+    CString key = row->key.empty() ? CString() : valueOf(attributes, row->key);
+    if (row->kind == Kind::publicIdentifier || row->kind == Kind::delegatePublic)
+        key = Catalogs::normalizedPublicId(key);
+    add(row->kind, key, valueOf(attributes, row->target));
+}
+
+void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& target)
+{
+    const bool isNext = kind == Catalogs::nextCatalog;
+    if ((key.empty() && !isNext) || (target.empty() && kind != Catalogs::rewriteSystem && kind != Catalogs::rewriteUri))
+        return catalogs.report.add(SourceReport::senselessDeclaration, place, "catalogue entry");
+    if (++catalogs.entryCount > kMaxEntries)
+        throw XmlRefusal{"more than 100000 catalogue entries"};
+    const bool isDelegate =
+        kind == Catalogs::delegateSystem || kind == Catalogs::delegatePublic || kind == Catalogs::delegateUri;
+    Catalogs::Table& table = catalogs.catalogs[number].tables[kind];
+    const bool isNew =
+        isNext ||
+        table.entries.try_emplace(key, Catalogs::Entry{target, open.back().base, open.back().prefersPublic, {}}).second;
+    if (!isNext)
+        table.lengths.insert(key.size());
+    if (isNew && (isNext || isDelegate))
+        catalogs.waiting.push_back({number, kind, key, target, open.back().base, place});
+}
+
+/// With each run of white space as one space.
+CString Catalogs::normalizedPublicId(std::string_view publicId)
+{
+    CString normalized;
+    for (const char c : trimmed(publicId)) {
+        const bool isBlank = kWhitespace.find(c) != kWhitespace.npos;
+        if (!isBlank || normalized.back() != ' ')
+            normalized += isBlank ? ' ' : c;
+    }
+    return normalized;
+}
+
+/// The absolute path that a reference means; "" for one that is not local.
+CString Catalogs::pathOf(const CString& reference, const Base& base)
+{
+    const CString path = localPath(reference);
+    if (path.empty() || path.starts_with('/'))
+        return path;
+    return base.isRemote ? CString() : base.folder + path;
+}
+
+void Catalogs::clear()
+{
+    catalogs.clear();
+    given.clear();
+    known.clear();
+    waiting.clear();
+    entryCount = 0;
+}
+
+void Catalogs::load(const CString& fileName)
+{
+    const auto id = identify(fileName);
+    const std::uint32_t catalog = read({fileName, id.value_or(FileId())}, fileName, nullptr);
+    given.push_back(catalog);
+    for (std::size_t i = 0; i < waiting.size(); ++i)
+        readNamed(Named(waiting[i])); // reading adds others
+    waiting.clear();
+}
+
+/// Reads one catalogue, unless that has been done. kNoCatalog for one that `named` names and that can't be read.
+std::uint32_t Catalogs::read(const FoundFile& file, const CString& shownName, const Named* named)
+{
+    const auto number = static_cast<std::uint32_t>(catalogs.size());
+    if (file.id != FileId())
+        if (const auto [place, isNew] = known.try_emplace(file.id, number); !isNew)
+            return place->second;
+    if (number == kMaxCatalogs)
+        throw SourceRefusal{shownName + ": there are more than " + std::to_string(kMaxCatalogs) + " catalogues.",
+                            {shownName, "more than " + std::to_string(kMaxCatalogs) + " catalogues"}};
+    catalogs.emplace_back();
+    CatalogReader reader(*this, number, folderOf(file.name), report.addFile(shownName));
+    XmlDocument xml;
+    const bool isRead = xml.streamFile(file.name, reader, kMaxNamedFile) != 0;
+    if (isRead && reader.isCatalog())
+        return number;
+    if (!named && !isRead)
+        throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
+    if (!named)
+        throw SourceRefusal{shownName + " is no XML catalogue.", {shownName, "it is no XML catalogue"}};
+    report.add(isRead ? SourceReport::moduleUnreadable : SourceReport::moduleIllFormed, named->place, named->reference);
+    catalogs.back() = {};
+    return kNoCatalog;
+}
+
+void Catalogs::readNamed(const Named& named)
+{
+    const CString path = pathOf(named.reference, named.base);
+    if (path.empty())
+        return report.add(SourceReport::moduleRemote, named.place, named.reference);
+    const auto file = finder.find({}, path);
+    if (!file)
+        return report.add(SourceReport::moduleMissing, named.place, named.reference);
+    const std::uint32_t catalog = read(*file, file->name, &named);
+    if (catalog == kNoCatalog)
+        return;
+    Catalog& from = catalogs[named.from];
+    if (named.kind == nextCatalog)
+        from.next.push_back(catalog);
+    else
+        from.tables[named.kind].entries[named.key].catalog = catalog;
+}
+
+std::optional<CString> Catalogs::findExternal(std::string_view publicId, std::string_view systemId) const
+{
+    return askAll({publicId, trimmed(systemId), {}, {}});
+}
+
+std::optional<CString> Catalogs::findUri(std::string_view uri) const
+{
+    uri = trimmed(uri);
+    if (auto found = askAll({{}, {}, uri, {}}))
+        return found;
+    return askAll({{}, uri, {}, {}});
+}
+
+std::optional<CString> Catalogs::askAll(Question question) const
+{
+    const auto isTooLong = [](std::string_view text) { return text.size() > kLongestIdentifier; };
+    if (catalogs.empty() || isTooLong(question.publicId) || isTooLong(question.systemId) || isTooLong(question.uri))
+        return std::nullopt;
+    const CString publicId = normalizedPublicId(question.publicId);
+    question.publicId = publicId;
+    question.isAsked.assign(catalogs.size(), false);
+    for (const std::uint32_t catalog : given) {
+        if (auto found = ask(catalog, question))
+            return found;
+        if (question.isOver)
+            return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+/// Asks a catalogue and those that it names as next ones, in depth.
+std::optional<CString> Catalogs::ask(std::uint32_t catalog, Question& question) const
+{
+    std::vector<std::uint32_t> open{catalog};
+    while (!open.empty()) {
+        const std::uint32_t at = open.back();
+        open.pop_back();
+        if (question.isAsked[at])
+            continue;
+        question.isAsked[at] = true;
+        if (auto found = askOne(catalogs[at], question))
+            return found;
+        if (question.isOver)
+            return std::nullopt;
+        open.insert(open.end(), catalogs[at].next.rbegin(), catalogs[at].next.rend());
+    }
+    return std::nullopt;
+}
+
+/// In the order of the specification: what names it whole, then the longest beginning or end.
+std::optional<CString> Catalogs::askOne(const Catalog& catalog, Question& question) const
+{
+    const auto& tables = catalog.tables;
+    std::optional<CString> found;
+    const auto isSettled = [&](Kind whole, Kind rewrite, Kind suffix, Kind delegate, std::string_view text) {
+        return (found = askTable(tables[whole], text)) || (found = askRewrite(tables[rewrite], text)) ||
+               (found = askSuffix(tables[suffix], text)) || (found = askDelegates(tables[delegate], text, question)) ||
+               question.isOver;
+    };
+    if (!question.uri.empty() && isSettled(uri, rewriteUri, uriSuffix, delegateUri, question.uri))
+        return found;
+    if (!question.systemId.empty() && isSettled(system, rewriteSystem, systemSuffix, delegateSystem, question.systemId))
+        return found;
+    if (question.publicId.empty())
+        return std::nullopt;
+    const auto& publicIds = tables[publicIdentifier].entries;
+    const auto entry = publicIds.find(CString(question.publicId));
+    if (entry != publicIds.end() && (question.systemId.empty() || entry->second.prefersPublic))
+        return pathOf(entry->second.target, entry->second.base);
+    return askDelegates(tables[delegatePublic], question.publicId, question);
+}
+
+std::optional<CString> Catalogs::askTable(const Table& table, std::string_view text) const
+{
+    const auto entry = table.entries.find(CString(text));
+    return entry == table.entries.end() ? std::nullopt
+                                        : std::optional(pathOf(entry->second.target, entry->second.base));
+}
+
+std::optional<CString> Catalogs::askRewrite(const Table& table, std::string_view text) const
+{
+    for (const std::size_t length : table.lengths)
+        if (length <= text.size())
+            if (const auto entry = table.entries.find(CString(text.substr(0, length))); entry != table.entries.end())
+                return pathOf(entry->second.target + CString(text.substr(length)), entry->second.base);
+    return std::nullopt;
+}
+
+std::optional<CString> Catalogs::askSuffix(const Table& table, std::string_view text) const
+{
+    for (const std::size_t length : table.lengths)
+        if (length <= text.size())
+            if (auto found = askTable(table, text.substr(text.size() - length)))
+                return found;
+    return std::nullopt;
+}
+
+/// Where a delegate is named, only such ones are asked.
+std::optional<CString> Catalogs::askDelegates(const Table& table, std::string_view text, Question& question) const
+{
+    for (const std::size_t length : table.lengths) {
+        if (length > text.size())
+            continue;
+        const auto entry = table.entries.find(CString(text.substr(0, length)));
+        if (entry == table.entries.end() || !entry->second.catalog)
+            continue;
+        if (auto found = ask(*entry->second.catalog, question))
+            return found;
+        question.isOver = true;
+    }
+    return std::nullopt;
+}

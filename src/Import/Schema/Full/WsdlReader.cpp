@@ -1,0 +1,221 @@
+#include "Import/Schema/Full/WsdlReader.h"
+
+#include <algorithm>
+#include <span>
+
+namespace {
+
+bool isWsdlNamespace(const char* uri)
+{
+    const std::string_view space = uri ? uri : "";
+    return space == "http://schemas.xmlsoap.org/wsdl/" || space == "http://www.w3.org/ns/wsdl" ||
+           space == "http://www.w3.org/2006/01/wsdl";
+}
+
+std::string_view valueOf(XmlAttributes attributes, std::string_view name)
+{
+    for (std::size_t i = 0; i < attributes.size(); ++i)
+        if (!attributes[i].name.prefix && attributes[i].name.local == name)
+            return trimmed(attributes[i].value);
+    return {};
+}
+
+std::string_view textOf(const unsigned char* text)
+{
+    return text ? reinterpret_cast<const char*>(text) : "";
+}
+
+} // namespace
+
+WsdlReader::WsdlReader(SchemaTree& tree, SourceReport& report) :
+    tree(tree), report(report), document(static_cast<std::uint32_t>(tree.documents.size() - 1)),
+    schema(std::make_unique<SchemaReader>(tree, report))
+{}
+
+void WsdlReader::scope(const XmlScope& scope)
+{
+    if (schema && depth > 0)
+        return schema->scope(scope);
+    begun = scope;
+    ownDeclared.assign(scope.declarations, scope.declarations + 2 * scope.count);
+}
+
+void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
+{
+    if (schema && depth > 0) {
+        ++depth;
+        return schema->startElement(name, attributes);
+    }
+    const std::string_view local = name.local;
+    if (open.empty())
+        isWsdl = isWsdlNamespace(begun.uri) && (local == "definitions" || local == "description");
+    if (!isWsdl || (local == "schema" && schemaEditionOf(begun.uri) != SchemaEdition::none))
+        return beginSchema(name, attributes);
+    open.push_back(declared.size());
+    declared.insert(declared.end(), ownDeclared.begin(), ownDeclared.end());
+    if (isWsdlNamespace(begun.uri))
+        readStatement(local, attributes);
+}
+
+/// A schema of a WSDL knows the prefixes that are declared around it.
+void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes)
+{
+    if (isWsdl) {
+        SchemaDocument& made = tree.documents.emplace_back();
+        made.folder = tree.documents[document].folder;
+        made.file = tree.documents[document].file;
+        schema = std::make_unique<SchemaReader>(tree, report);
+        schema->scope({nullptr, declared.data(), declared.size() / 2, begun.place});
+    }
+    depth = 1;
+    schema->scope({begun.uri, ownDeclared.data(), begun.count, begun.place});
+    schema->startElement(name, attributes);
+}
+
+void WsdlReader::endElement()
+{
+    if (depth > 0) {
+        schema->endElement();
+        if (--depth == 0 && isWsdl)
+            endSchema();
+        return;
+    }
+    declared.resize(open.back());
+    open.pop_back();
+}
+
+void WsdlReader::endSchema()
+{
+    tree.documents.back().end = static_cast<Index>(tree.size());
+    finished.push_back(std::move(schema));
+}
+
+void WsdlReader::text(std::string_view text)
+{
+    if (depth > 0)
+        schema->text(text);
+}
+
+void WsdlReader::entityLeftOut(std::string_view name, XmlPlace place)
+{
+    if (depth > 0)
+        schema->entityLeftOut(name, place);
+}
+
+void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
+{
+    const SourcePlace place{tree.documents[document].file, static_cast<std::uint32_t>(begun.place.line),
+                            static_cast<std::uint32_t>(begun.place.column)};
+    const SchemaName element = resolve(valueOf(attributes, "element"));
+    if (open.size() == 1) {
+        target = tree.names.intern(valueOf(attributes, "targetNamespace"));
+    } else if (local == "import" || local == "include") {
+        if (const std::string_view location = valueOf(attributes, "location"); !location.empty())
+            imports.push_back({CString(location), place});
+    } else if (local == "message") {
+        message = tree.names.intern(valueOf(attributes, "name"));
+    } else if (local == "part" && message != 0) {
+        const std::string_view name = valueOf(attributes, "name");
+        const SchemaName type = resolve(valueOf(attributes, "type"));
+        if (element.local == 0 && type.local == 0)
+            report.add(SourceReport::unresolvedReference, place, name);
+        else if (type.local != 0 && !isXmlName(name))
+            report.add(SourceReport::nameMissing, place, "part");
+        else
+            parts.push_back({message, tree.names.intern(name), element, type, place});
+    } else if ((local == "input" || local == "output" || local == "fault") && element.local != 0) {
+        parts.push_back({0, 0, element, {}, place}); // of WSDL 2.0
+    }
+}
+
+/// What a QName means here. None for one that isn't there, "#any" and its like, and for an undeclared prefix.
+SchemaName WsdlReader::resolve(std::string_view qualified) const
+{
+    const std::size_t colon = qualified.find(':');
+    const std::string_view prefix = colon == qualified.npos ? "" : qualified.substr(0, colon);
+    const std::string_view local = qualified.substr(colon == qualified.npos ? 0 : colon + 1);
+    if (!isXmlName(local))
+        return {};
+    for (std::size_t i = declared.size(); i > 0; i -= 2)
+        if (textOf(declared[i - 2]) == prefix)
+            return {tree.names.intern(trimmed(textOf(declared[i - 1]))), tree.names.intern(local)};
+    return prefix.empty() ? SchemaName{0, tree.names.intern(local)} : SchemaName();
+}
+
+void WsdlReader::finish()
+{
+    if (!isWsdl)
+        finished.push_back(std::move(schema));
+    for (const auto& reader : finished) {
+        reader->finish();
+        impossibleNames.insert(impossibleNames.end(), reader->queryImpossibleNames().begin(),
+                               reader->queryImpossibleNames().end());
+    }
+    if (!isWsdl) {
+        tree.documents[document].end = static_cast<Index>(tree.size());
+        return;
+    }
+    tree.documents[document].end = tree.documents[document].root = 0;
+    makeMessages();
+}
+
+/// A message of one element is that element. One whose parts have types is a record of them, made as a schema would
+/// declare it.
+void WsdlReader::makeMessages()
+{
+    SchemaDocument made;
+    made.folder = tree.documents[document].folder;
+    made.file = tree.documents[document].file;
+    made.space = target;
+    made.hasTarget = target != 0;
+    const auto number = static_cast<std::uint32_t>(tree.documents.size());
+    Index lastMessage = 0;
+    for (std::size_t first = 0, end; first < parts.size(); first = end) {
+        const NameTable::Id name = parts[first].message;
+        for (end = first + 1; end < parts.size() && name != 0 && parts[end].message == name;)
+            ++end;
+        const auto own = std::span(parts).subspan(first, end - first);
+        if (std::ranges::none_of(own, [](const Part& part) { return part.type.local != 0; })) {
+            for (const Part& part : own)
+                roots.push_back({part.element, part.place});
+            continue;
+        }
+        if (made.root == 0) {
+            tree.documents.push_back(made);
+            made.root = tree.documents[number].root = addNode(SchemaTag::schema, 0, 0, own.front());
+        }
+        lastMessage = addNode(SchemaTag::element, made.root, lastMessage, own.front());
+        tree.nodes[lastMessage].name = name;
+        roots.push_back({{target, name}, own.front().place});
+        const Index type = addNode(SchemaTag::complexType, lastMessage, 0, own.front());
+        const Index sequence = addNode(SchemaTag::sequence, type, 0, own.front());
+        Index last = 0;
+        for (const Part& part : own) {
+            last = addNode(SchemaTag::element, sequence, last, part);
+            SchemaNode& node = tree.nodes[last];
+            const bool isReference = part.type.local == 0;
+            node.name = isReference ? 0 : part.name;
+            node.reference = isReference ? part.element : part.type;
+            node.flags = isReference ? SchemaNode::isReference : 0;
+        }
+    }
+    if (made.root != 0)
+        tree.documents[number].end = static_cast<Index>(tree.size());
+}
+
+WsdlReader::Index WsdlReader::addNode(SchemaTag tag, Index parent, Index before, const Part& part)
+{
+    SchemaNode node;
+    node.tag = tag;
+    node.parent = parent;
+    node.line = part.place.line;
+    node.column = part.place.column;
+    node.document = static_cast<std::uint32_t>(tree.documents.size() - 1);
+    const auto at = static_cast<Index>(tree.size());
+    tree.nodes.push_back(node);
+    if (before != 0)
+        tree.nodes[before].next = at;
+    else if (parent != 0)
+        tree.nodes[parent].firstChild = at;
+    return at;
+}

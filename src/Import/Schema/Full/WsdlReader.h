@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Import/Schema/Full/SchemaReader.h"
+
+#include <memory>
+
+/// Reads a file into the tree: a schema, or the schemas and messages of a WSDL (https://www.w3.org/TR/wsdl,
+/// https://www.w3.org/TR/wsdl20/), each schema as a document of its own behind an empty one for the file.
+class WsdlReader : public XmlHandler
+{
+public:
+    /// The document of the file is the tree's last one, and empty.
+    WsdlReader(SchemaTree& tree, SourceReport& report);
+
+    void scope(const XmlScope& scope) override;
+    void startElement(XmlName name, XmlAttributes attributes) override;
+    void endElement() override;
+    void text(std::string_view text) override;
+    void cdata(std::string_view data) override { text(data); }
+    void entityLeftOut(std::string_view name, XmlPlace place) override;
+    bool wantsScopes() const override { return true; }
+
+    /// Reports what the documents say that no type gets, and makes elements of messages whose parts have types.
+    void finish();
+
+    bool holdsWsdl() const { return isWsdl; }
+
+    /// A name that no document can carry, see SchemaReader.
+    const std::vector<SchemaReader::ImpossibleName>& queryImpossibleNames() const { return impossibleNames; }
+
+    /// The elements that the messages are, in their order, and where that is said.
+    struct Root
+    {
+        SchemaName name;
+        SourcePlace place;
+    };
+    const std::vector<Root>& queryRoots() const { return roots; }
+
+    /// The other files that a WSDL imports or includes.
+    struct Import
+    {
+        CString location;
+        SourcePlace place;
+    };
+    const std::vector<Import>& queryImports() const { return imports; }
+
+private:
+    using Index = SchemaNode::Index;
+
+    // A part of a message, of an element or else of a type.
+    struct Part
+    {
+        NameTable::Id message;
+        NameTable::Id name;
+        SchemaName element;
+        SchemaName type;
+        SourcePlace place;
+    };
+
+    void beginSchema(XmlName name, XmlAttributes attributes);
+    void endSchema();
+    void readStatement(std::string_view local, XmlAttributes attributes);
+    void addRoot(SchemaName name);
+    void makeMessages();
+    Index addNode(SchemaTag tag, Index parent, Index before, const Part& part);
+    SchemaName resolve(std::string_view qualified) const;
+
+    SchemaTree& tree;
+    SourceReport& report;
+    const std::uint32_t document;
+    std::unique_ptr<SchemaReader> schema; // that is open, of a WSDL; or all of the file
+    std::size_t depth = 0;                // of open elements in it
+    std::vector<std::unique_ptr<SchemaReader>> finished;
+    bool isWsdl = false;
+    std::vector<std::size_t> open;                 // elements around schemas: how many declarations there were
+    std::vector<const unsigned char*> declared;    // prefixes and URIs of those
+    std::vector<const unsigned char*> ownDeclared; // of the element that begins
+    XmlScope begun{};                              // that element
+    NameTable::Id target = 0;
+    NameTable::Id message = 0; // that is open
+    std::vector<Part> parts;
+    std::vector<Root> roots;
+    std::vector<Import> imports;
+    std::vector<SchemaReader::ImpossibleName> impossibleNames;
+};

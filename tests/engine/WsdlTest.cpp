@@ -1,0 +1,99 @@
+#include "Import/Schema/Full/SchemaFullMsg.h"
+#include "support/FullTypes.h"
+#include "support/Importing.h"
+
+namespace {
+
+#define MESSAGE(name, parts) "<message name='" name "'>" parts "</message>"
+#define PART(name, says) "<part name='" name "' " says "/>"
+#define ELEMENT(name, fields)                                                                                          \
+    "<s:element name='" name "'><s:complexType><s:sequence>" fields "</s:sequence></s:complexType></s:element>"
+
+CString wsdl(const CString& content)
+{
+    return "<definitions xmlns='http://schemas.xmlsoap.org/wsdl/' xmlns:s='http://www.w3.org/2001/XMLSchema' "
+           "xmlns:t='urn:t' xmlns:u='urn:u' xmlns:e='http://schemas.xmlsoap.org/soap/encoding/' "
+           "xmlns:w='http://schemas.xmlsoap.org/wsdl/' targetNamespace='urn:w'>" +
+           content + "</definitions>";
+}
+
+CString types(const CString& content, const CString& space = "urn:t")
+{
+    return "<types><s:schema targetNamespace='" + space + "' elementFormDefault='qualified'>" + content +
+           "</s:schema></types>";
+}
+
+struct Row
+{
+    const char* name;
+    CString source;
+    const char* types;
+    const char* losses = "";
+    std::vector<std::pair<const char*, CString>> others = {};
+};
+
+const Row kRows[] = {
+    {"ElementsThatPartsName",
+     wsdl(types(ELEMENT("a", "<s:element name='x' type='t:X'/>") ELEMENT("b", "<s:element name='y'/>") ELEMENT(
+              "c", "") "<s:complexType name='X'><s:sequence><s:element name='z' type='s:int'/></s:sequence>"
+                       "</s:complexType>") +
+          MESSAGE("In", PART("p", "element='t:b'")) MESSAGE("Out", PART("p", "element='t:a'"))
+              MESSAGE("Again", PART("p", "element='t:a'"))),
+     "X(z:Number) b(y:String) a(x:X)"},
+    {"PartsOfTypesMakeARecord",
+     wsdl(types("<s:complexType name='X'><s:sequence><s:element name='z'/></s:sequence></s:complexType>"
+                "<s:element name='f'/>") +
+          MESSAGE("Get", PART("id", "type='s:int'") PART("x", "type='t:X'") PART("f", "element='t:f'"))),
+     "X(z:String) Get(id:Number x:X f:String)"},
+    {"SchemasKnowEachOther",
+     wsdl("<types><s:schema targetNamespace='urn:t'><s:import namespace='urn:u'/>" ELEMENT(
+         "a", "<s:element name='x' type='u:X'/>") "</s:schema><s:schema targetNamespace='urn:u'><s:complexType "
+                                                  "name='X'><s:sequence><s:element name='z'/></s:sequence>"
+                                                  "</s:complexType></s:schema></types>" MESSAGE(
+                                                      "M", PART("p", "element='t:a'"))),
+     "X(z:String) a(x:X)"},
+    {"ArraysOfSoapAreTables",
+     wsdl(types("<s:complexType name='L'><s:complexContent><s:restriction base='e:Array'><s:attribute "
+                "ref='e:arrayType' w:arrayType='s:int[]'/></s:restriction></s:complexContent></s:complexType>") +
+          MESSAGE("M", PART("p", "type='t:L'") PART("q", "type='e:string'"))),
+     "t_item[Number] L(item:t_item) M(p:L q:String)"},
+    {"OtherFiles",
+     wsdl("<import namespace='urn:w' location='b.wsdl'/><types><s:schema targetNamespace='urn:t'><s:include "
+          "schemaLocation='a.xsd'/></s:schema></types>"),
+     "a(x:String)",
+     "",
+     {{"a.xsd",
+       "<s:schema xmlns:s='http://www.w3.org/2001/XMLSchema'>" ELEMENT("a", "<s:element name='x'/>") "</s:schema>"},
+      {"b.wsdl", wsdl(MESSAGE("M", PART("p", "element='t:a'")))}}},
+    {"WhatIsNotThere",
+     wsdl("<import location='none.wsdl'/>" + types(ELEMENT("a", "<s:element name='x'/>")) +
+          MESSAGE("M", PART("p", "element='t:none'")) MESSAGE("N", PART("p", "element='t:a'"))),
+     "a(x:String)", "2 losses: 1 document not found, 1 reference became text"},
+    {"PartsThatSayNothing",
+     wsdl(types(ELEMENT("a", "<s:element name='x'/>")) +
+          MESSAGE("M", PART("p", "") PART("", "type='s:int'") PART("q", "type='s:int'") PART("r", "element='x:a'"))),
+     "M(q:Number)", "3 losses: 2 references became text, 1 missing name"},
+    {"Version2",
+     "<d:description xmlns:d='http://www.w3.org/ns/wsdl' xmlns:s='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t'>"
+     "<d:types><s:schema targetNamespace='urn:t'>" ELEMENT("a", "<s:element name='x'/>") ELEMENT(
+         "b", "<s:element name='y'/>") "</s:schema></d:types><d:interface><d:operation><d:input element='#none'/>"
+                                       "<d:output element='t:b'/></d:operation></d:interface></d:description>",
+     "b(y:String)"},
+    {"WithoutMessagesItIsASet", wsdl(types(ELEMENT("a", "<s:element name='x'/>"))), "a(x:String)"},
+};
+
+class Wsdl : public Importing<SchemaFullMessage>, public testing::WithParamInterface<Row>
+{};
+
+TEST_P(Wsdl, GivesTheTypesOfItsMessages)
+{
+    for (const auto& [name, content] : GetParam().others)
+        folder.write(name, content);
+    EXPECT_EQ(message.parseFile(folder.write("x.wsdl", GetParam().source), "\\b\\"), 1);
+    EXPECT_EQ(fullTypesOf(message), GetParam().types);
+    EXPECT_EQ(message.queryReport().lossesInWords(), GetParam().losses);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, Wsdl, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
+
+} // namespace
