@@ -54,13 +54,16 @@ enum InNames : std::uint8_t
     anywhereInNames
 };
 
-// What each character of ASCII is in a name.
-constexpr std::array<InNames, 128> kAsciiInNames = [] {
+constexpr std::array<InNames, 128> makeAsciiInNames()
+{
     std::array<InNames, 128> table{};
     for (char32_t c = 0; c < table.size(); ++c)
         table[c] = isIn(kNameStart, c) ? anywhereInNames : isIn(kNameRest, c) ? notFirstInNames : notInNames;
     return table;
-}();
+}
+
+// What each character of ASCII is in a name.
+constexpr std::array<InNames, 128> kAsciiInNames = makeAsciiInNames();
 
 using Eight = std::uint64_t; // eight characters at a time
 

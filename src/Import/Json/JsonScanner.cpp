@@ -14,13 +14,16 @@ constexpr std::size_t kBuffer = 1 << 18;
 constexpr std::size_t kLongText = 1 << 12; // what is kept of a longer string
 constexpr std::size_t kLongestCharacter = 4;
 
-// The bytes that a string doesn't simply go on with.
-constexpr auto kSpecial = [] {
+constexpr std::array<bool, 256> makeSpecial()
+{
     std::array<bool, 256> special{};
     for (std::size_t c = 0; c < special.size(); ++c)
         special[c] = c < ' ' || c == '"' || c == '\\' || c >= 0x80;
     return special;
-}();
+}
+
+// The bytes that a string doesn't simply go on with.
+constexpr std::array<bool, 256> kSpecial = makeSpecial();
 
 bool isDigit(char c)
 {

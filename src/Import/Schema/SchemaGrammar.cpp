@@ -251,15 +251,18 @@ SchemaEdition schemaEditionOf(const char* uri)
                : SchemaEdition::none;
 }
 
-constinit const std::array<SchemaGrammar::Rule, static_cast<std::size_t>(SchemaTag::count)> SchemaGrammar::rules = [] {
-    std::array<Rule, static_cast<std::size_t>(SchemaTag::count)> all{};
+constexpr SchemaGrammar::Rules SchemaGrammar::makeRules()
+{
+    Rules all{};
     for (std::size_t i = 0; i < all.size(); ++i) {
         const Words attributes = kRules[i].attributes | Words{Word::id};
         all[i] = {(kRules[i].children | Tags{Tag::annotation}).bits, attributes.bits,
                   (attributes | kRules[i].ofDrafts).bits};
     }
     return all;
-}();
+}
+
+constinit const SchemaGrammar::Rules SchemaGrammar::rules = makeRules();
 
 std::uint8_t SchemaGrammar::lookUpTag(const char* local)
 {

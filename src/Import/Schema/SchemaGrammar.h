@@ -145,7 +145,9 @@ private:
         std::uint64_t attributes;
         std::uint64_t draftAttributes;
     };
-    static const std::array<Rule, static_cast<std::size_t>(SchemaTag::count)> rules;
+    using Rules = std::array<Rule, static_cast<std::size_t>(SchemaTag::count)>;
+    static constexpr Rules makeRules();
+    static const Rules rules;
 
     // By address: what the same address said before, as long as no other took its slot.
     class Cache

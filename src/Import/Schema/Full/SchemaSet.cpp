@@ -46,8 +46,8 @@ void SchemaSet::load(const CString& fileName)
 void SchemaSet::loadOne(const CString& fileName, std::vector<CString>& files)
 {
     const auto id = identify(fileName);
-    if (const auto known = id ? parsed.find(*id) : parsed.end(); known != parsed.end()) {
-        loaded.push_back(known->second);
+    if (id && parsed.contains(*id)) {
+        loaded.push_back(parsed.at(*id));
         return;
     }
     const auto document = static_cast<std::uint32_t>(tree.documents.size());
