@@ -1,6 +1,5 @@
 #include "Import/Schema/Full/SchemaReader.h"
 
-
 #include <algorithm>
 #include <array>
 
