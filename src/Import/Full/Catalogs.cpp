@@ -264,7 +264,7 @@ std::optional<CString> Catalogs::ask(std::uint32_t catalog, Question& question) 
     return std::nullopt;
 }
 
-/// In the order of the specification: what names it whole, then the longest beginning or end.
+/// In the order that the standard gives: what names it whole, then the longest beginning or end.
 std::optional<CString> Catalogs::askOne(const Catalog& catalog, Question& question) const
 {
     const auto& tables = catalog.tables;
