@@ -35,20 +35,21 @@ inline int freePort()
 /// is silent, with both ends still connected, or breaks.
 class Line
 {
+    const int door = socket(AF_INET, SOCK_STREAM, 0);
+
 public:
-    explicit Line(int target) : port(freePort())
+    explicit Line(int target) : port(openDoor())
     {
-        const sockaddr_in near = at(port);
-        const int reuse = 1;
-        setsockopt(door, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
-        bind(door, reinterpret_cast<const sockaddr*>(&near), sizeof near);
-        listen(door, 1);
         forwarder = std::thread([=, this] { forward(target); });
+        while (!started) // a fork while a thread starts can leave AddressSanitizer's allocator locked in the child
+            std::this_thread::yield();
     }
     ~Line()
     {
         ended = true;
+        shutdown(door, SHUT_RDWR); // nobody may have come
         forwarder.join();
+        close(door);
     }
 
     const int port;
@@ -65,8 +66,19 @@ private:
     {
         return {AF_INET, htons(static_cast<std::uint16_t>(port)), {htonl(INADDR_LOOPBACK)}, {}};
     }
+    // Returns a port that the system has chosen, so that nobody else can have it.
+    int openDoor() const
+    {
+        sockaddr_in near = at(0);
+        socklen_t length = sizeof near;
+        bind(door, reinterpret_cast<const sockaddr*>(&near), length);
+        listen(door, 1);
+        getsockname(door, reinterpret_cast<sockaddr*>(&near), &length);
+        return ntohs(near.sin_port);
+    }
     void forward(int target)
     {
+        started = true;
         const sockaddr_in far = at(target);
         const int server = socket(AF_INET, SOCK_STREAM, 0);
         connect(server, reinterpret_cast<const sockaddr*>(&far), sizeof far);
@@ -83,11 +95,12 @@ private:
                     [[maybe_unused]] const ssize_t written = write(ends[1 - i].fd, bytes, std::max<ssize_t>(count, 0));
                 }
         }
-        for (const int end : {ends[0].fd, server, door})
+        shutdown(door, SHUT_RDWR); // a second connection is refused
+        for (const int end : {ends[0].fd, server})
             close(end);
     }
 
-    const int door = socket(AF_INET, SOCK_STREAM, 0);
+    std::atomic<bool> started = false;
     std::atomic<bool> ended = false;
     std::atomic<long> received = 0;
     std::thread forwarder;
