@@ -33,7 +33,7 @@ constexpr SourceReport::Sort kSorts[] = {SourceReport::loss, SourceReport::detai
 CString placeOf(const SourceReport& report, const SourceReport::Entry& entry)
 {
     const CString place = placeInWords(report.fileNameOf(entry.place.file), entry.place.line, entry.place.column);
-    return place.empty() ? place : place + ": ";
+    return place.empty() ? place : shownText(place) + ": ";
 }
 
 CString headingOf(SourceReport::Sort sort, std::size_t total)

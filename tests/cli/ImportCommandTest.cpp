@@ -220,6 +220,11 @@ TEST_F(ImportCommand, AnswersExactly)
         {"printf 'a, b\nc\n' >c.txt; $import c.txt",
          {1, "", "c.txt: error: its importer can't be told; name it in front of the source\n"}},
 
+        {"f=$(printf 'x\\033\\ty.dtd'); printf '<!ELEMENT r (a)>' >\"$f\"; $import dtd --full \"$f\" -q -o /dev/null "
+         "--report - "
+         "2>&1 | sed -n 2p; rm \"$f\"",
+         {0, "x  y.dtd:1:14: reference to nothing that was read: a\n", ""}},
+
         // Sets of sources.
         {"mkdir -p set/below; for i in 1 2; do echo \"<!ELEMENT r$i (s)><!ELEMENT s (t)><!ELEMENT t EMPTY>\" "
          ">set/$i.dtd; "
