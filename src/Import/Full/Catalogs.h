@@ -8,9 +8,9 @@
 #include <set>
 #include <unordered_map>
 
-/// XML Catalogs (https://www.oasis-open.org/committees/entity/spec.html): which local files stand for public and system
-/// identifiers, and for URIs. Nothing is fetched over a network, and no other catalogue than the given ones and those
-/// that they name is read. 1,000 catalogues and 100,000 entries are the bounds.
+/// XML Catalogs (OASIS Standard 1.1, 2005): which local files stand for public and system identifiers, and for URIs.
+/// Nothing is fetched over a network, and no other catalogue than the given ones and those that they name is read.
+/// 1,000 catalogues and 100,000 entries are the bounds.
 class Catalogs
 {
 public:

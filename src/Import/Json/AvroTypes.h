@@ -2,8 +2,8 @@
 
 #include "Import/Json/JsonTypes.h"
 
-/// Says what Avro schemas declare (https://avro.apache.org/docs/1.11.1/specification/). Named types are known by their
-/// full names, and are declared before they are referred to.
+/// Says what Avro schemas declare (Apache Avro 1.11.1). Named types are known by their full names, and are declared
+/// before they are referred to.
 class AvroTypes
 {
 public:

@@ -50,7 +50,7 @@ bool isOneOf(std::string_view text, std::initializer_list<std::string_view> word
     return false;
 }
 
-// What a plain scalar is by YAML's core schema (https://yaml.org/spec/1.2.2/#103-core-schema).
+// What a plain scalar is by YAML's core schema (YAML 1.2.2, 10.3).
 JsonNode::Kind kindOfPlain(std::string_view text)
 {
     if (isOneOf(text, {"", "~", "null", "Null", "NULL"}))
