@@ -49,7 +49,7 @@ public:
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
 
     /// What a file uses that the literal reading of its kind doesn't know, in words; "" when that is nothing.
-    virtual CString queryUses(const CString& fileName) const = 0;
+    virtual CString queryUses(const CString&) const { return {}; }
 
     int parse(const CString& source, const CString& basePath, const CString& fileName) final;
     CString queryMainTypeName() const override { return mainType; }

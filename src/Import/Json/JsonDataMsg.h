@@ -16,7 +16,6 @@ public:
         furtherFiles = files;
         return true;
     }
-    CString queryUses(const CString&) const override { return {}; }
 
     static MsgUIDescriptor m_descr;
 

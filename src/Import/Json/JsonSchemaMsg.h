@@ -11,7 +11,6 @@ public:
     static MsgBase* New() { return new JsonSchemaMessage; }
 
     int isFileMode() const override { return 1; }
-    CString queryUses(const CString&) const override { return {}; }
 
     static MsgUIDescriptor m_descr;
 
