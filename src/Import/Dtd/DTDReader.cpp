@@ -31,13 +31,6 @@ void DTDReader::read(DTDTokens& source)
     ++sourceCount;
 }
 
-void DTDReader::finish(std::span<const Index> owners)
-{
-    for (Element& element : elements)
-        element.source = owners[element.source];
-    makeRecords();
-}
-
 void DTDReader::readDeclaration()
 {
     tokens->next();
@@ -419,8 +412,10 @@ void DTDReader::readDoctype()
 
 // All records before the first field: a field names the record of its element, which may stand anywhere. An element
 // that is only referred to is text, and is told.
-void DTDReader::makeRecords()
+void DTDReader::finish(std::span<const Index> owners)
 {
+    for (Element& element : elements)
+        element.source = owners[element.source];
     std::vector<Index> order = declared;
     for (const Element& element : elements)
         if (!element.isDeclared && element.isName) {

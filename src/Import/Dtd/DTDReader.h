@@ -93,7 +93,6 @@ private:
     void senseless(std::string_view what) { note(SourceReport::senselessDeclaration, what); }
     void note(SourceReport::Construct construct, std::string_view name);
 
-    void makeRecords();
     SourceTypes::Type typeOf(const Element& element) const;
     void makeFields(const Element& element, std::vector<SourceTypes::Field>& fields);
 
