@@ -131,6 +131,8 @@ TEST_F(SchemaSets, FoldersAreNamedByTheirUris)
          {"a-types", "http-x-b-types", "http-x-b-types_2"}},
         {{"1", ":"}, {"1", "_"}},
         {{"urn:set", "urn:x:mine", "urn:y"}, {"mine", "x-mine", "y"}},
+        {{"a" + times(100'000, "/x"), "b" + times(100'000, "/x")},
+         {"x" + times(15, "-x"), "x" + times(15, "-x") + "_2"}},
     };
     for (const auto& [uris, names] : rows) {
         message.setFolder("urn:set", "mine");

@@ -11,7 +11,9 @@ bool isLetter(char c)
     return std::isalpha(static_cast<unsigned char>(c)) || static_cast<unsigned char>(c) >= 0x80;
 }
 
-// A URI in its parts, last one first. Empty ones say nothing.
+constexpr std::size_t kMostParts = 16; // more tell nothing to a reader
+
+// The last parts of a URI, last one first. Empty ones say nothing.
 std::vector<std::string_view> partsOf(std::string_view uri)
 {
     std::vector<std::string_view> parts;
@@ -22,6 +24,7 @@ std::vector<std::string_view> partsOf(std::string_view uri)
         uri.remove_prefix(std::min(end + 1, uri.size()));
     }
     std::ranges::reverse(parts);
+    parts.resize(std::min(parts.size(), kMostParts));
     return parts;
 }
 
