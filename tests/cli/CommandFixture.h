@@ -1,0 +1,61 @@
+#pragma once
+
+#include "support/ImportCommand.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+
+/// In the folder of each test: r.dtd, a record r with a field a and a table b; and old, a file with the text "old".
+class ImportCommand : public testing::Test
+{
+protected:
+    ImportCommand()
+    {
+        folder.write("r.dtd", "<!ELEMENT r (a, b+)><!ELEMENT a EMPTY><!ELEMENT b EMPTY>");
+        folder.write("old", "old");
+        for (int i = 0; i < 2000; ++i)
+            wide += ",a" + std::to_string(i);
+        wide += ")>";
+    }
+
+    Answer run(const std::string& line) const { return runShell(folder, line); }
+
+    // The folder's names, so that a left-over shows.
+    std::string names() const
+    {
+        std::set<std::string> sorted;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+            sorted.insert(entry.path().filename());
+        std::string all;
+        for (const std::string& name : sorted)
+            all += name + " ";
+        return all;
+    }
+
+    TempDir folder;
+    std::string wide = "<!ELEMENT r (a"; // a type of 150 kB
+};
+
+/// The types of r.dtd as a list.
+inline const std::string kList = "\\sys\\rosettanet\\r\\t_b\tt_b (Automatically created)\n"
+                                 "\\sys\\rosettanet\\r\\r\tr (Automatically created)\n";
+
+/// A line of shell, and what it must answer.
+struct Case
+{
+    const char* line;
+    Answer answer;
+};
+
+inline std::string says(const std::string& text)
+{
+    return "typeforge-import: " + text + "\n";
+}
+
+/// What is said of a command line that is off.
+inline std::string mistake(const std::string& text)
+{
+    return says(text) + "Try typeforge-import --help\n";
+}

@@ -1,0 +1,111 @@
+#include "CommandFixture.h"
+
+namespace {
+
+TEST_F(ImportCommand, TellsWhatDiffers)
+{
+    const Case rows[] = {
+        // Differences from earlier types, as diff(1) ends: 0, 1, 2.
+        {"$import r.dtd -o r.xml; $import r.dtd --diff r.xml && $import r.dtd --diff r.xml --json",
+         {0, "{\"version\":1,\"same\":true,\"compatible\":true,\"for\":\"readers\",\"changes\":[]}\n", ""}},
+        {"echo '<!ELEMENT r (a*, b, c)><!ELEMENT c (d)>' >d.dtd; $import d.dtd -q -b '\\sys\\rosettanet' --diff r.xml",
+         {1,
+          R"(added record \sys\rosettanet\r\c [type-added]
+added table \sys\rosettanet\r\t_a [type-added]
+changed repetition of \sys\rosettanet\r\r.a: once to repeated [repetition-changed]
+changed repetition of \sys\rosettanet\r\r.b: repeated to once [repetition-changed]
+added field \sys\rosettanet\r\r.c: \sys\rosettanet\r\c [field-added]
+removed table \sys\rosettanet\r\t_b [type-removed]
+not compatible: it breaks readers
+)",
+          ""}},
+        {"echo '<!ELEMENT r (b+)>' >s.dtd; $import s.dtd -q --diff r.xml",
+         {1, "removed field \\sys\\rosettanet\\r\\r.a: String [field-removed]\nnot compatible: it breaks readers\n",
+          ""}},
+        // Another folder is one line, and types are compared as if they were in the same.
+        {"$import r.dtd -b '\\acme' --diff - <r.xml",
+         {1,
+          "changed base path: \\sys\\rosettanet\\r\\ to \\acme\\r\\ [folder-changed]\n"
+          "not compatible: it breaks readers\n",
+          ""}},
+        {"sed 's/r (/s (/' r.dtd >s.dtd; $import s.dtd --diff r.xml | head -1; $import s.dtd -b '\\' --diff r.xml | "
+         "head -1",
+         {0,
+          "changed main element: \\sys\\rosettanet\\r\\ to \\sys\\rosettanet\\s\\ [folder-changed]\n"
+          "changed base path and main element: \\sys\\rosettanet\\r\\ to \\s\\ [folder-changed]\n",
+          ""}},
+        {"$import r.dtd -b '\\acme' --diff r.xml --ignore-folders; $import - -b '\\acme' --diff - <r.dtd",
+         {2, "", mistake("--diff: standard input can't be the source and the document, too")}},
+        {"printf '<!ELEMENT r (a, b, c+)>' >c.dtd; $import c.dtd -q --diff r.xml | grep -c breaks; $import r.dtd -o "
+         "r2.xml;"
+         "printf '<!ELEMENT r (a)>' >e.dtd; $import e.dtd -q --diff r.xml --allow type-removed",
+         {1,
+          "1\nremoved field \\sys\\rosettanet\\r\\r.b: String* [field-removed]\n"
+          "removed table \\sys\\rosettanet\\r\\t_b [type-removed, allowed]\nnot compatible: it breaks readers\n",
+          ""}},
+        {"$import e.dtd -q --diff r.xml --allow type-removed --allow field-removed | tail -1",
+         {0, "compatible: it breaks no readers\n", ""}},
+        {"$import e.dtd -q --diff r.xml --allow x", {2, "", mistake("--allow: no change is called x")}},
+        // A constant that comes breaks readers, one that goes breaks writers.
+        {"e() { printf '<!ELEMENT r (t)><!ATTLIST r k (%s) #IMPLIED>' \"$1\" >k.dtd; shift; $import k.dtd -q --full "
+         "\"$@\" | tail "
+         "-1; }; e 'y|n' -o k.xml; for who in readers writers both; do e 'y|n|u' --diff k.xml --compatible $who; "
+         "e y --diff k.xml --compatible $who; done",
+         {0,
+          "not compatible: it breaks readers\ncompatible: it breaks no readers\ncompatible: only additions\n"
+          "not compatible: it breaks writers\nnot compatible: it breaks readers or writers\n"
+          "not compatible: it breaks readers or writers\n",
+          ""}},
+        {"printf '<!ATTLIST r j (a|b) #IMPLIED k (y|n) #IMPLIED v CDATA #IMPLIED><!ELEMENT r (s?)><!ELEMENT s (t)>' "
+         ">f1.dtd; $import "
+         "f1.dtd -q --full -o f1.xml;"
+         "printf '<!ATTLIST r j (b|c) #IMPLIED k (y|m) #IMPLIED s CDATA #IMPLIED><!ELEMENT r (k)><!ELEMENT k (t)>' "
+         ">f2.dtd;"
+         "$import f2.dtd -q --full --diff f1.xml --json | sed -E 's/,\"(place|breaks)\":(\\{[^}]*\\}|\\[[^]]*\\])//g'",
+         {0, R"({"version":1,"same":false,"compatible":false,"for":"readers","changes":[
+  {"id":"type-added","change":"added","what":"enumeration","name":"\\sys\\rosettanet\\r\\r_k","allowed":false},
+  {"id":"constant-added","change":"added","what":"constant","name":"\\sys\\rosettanet\\r\\j.c","allowed":false},
+  {"id":"constant-removed","change":"removed","what":"constant","name":"\\sys\\rosettanet\\r\\j.a","allowed":false},
+  {"id":"kind-changed","change":"changed","what":"kind","name":"\\sys\\rosettanet\\r\\k","from":"enumeration","to":"record","allowed":false},
+  {"id":"field-added","change":"added","what":"field","name":"\\sys\\rosettanet\\r\\r.k","to":"\\sys\\rosettanet\\r\\k","allowed":false},
+  {"id":"type-changed","change":"changed","what":"type","name":"\\sys\\rosettanet\\r\\r.r_k","from":"\\sys\\rosettanet\\r\\k","to":"\\sys\\rosettanet\\r\\r_k","allowed":false},
+  {"id":"field-added","change":"added","what":"field","name":"\\sys\\rosettanet\\r\\r.r_s","to":"String","allowed":false},
+  {"id":"field-removed","change":"removed","what":"field","name":"\\sys\\rosettanet\\r\\r.s","from":"\\sys\\rosettanet\\r\\s","allowed":false},
+  {"id":"field-removed","change":"removed","what":"field","name":"\\sys\\rosettanet\\r\\r.r_v","from":"String","allowed":false},
+  {"id":"type-removed","change":"removed","what":"record","name":"\\sys\\rosettanet\\r\\s","allowed":false}]}
+)",
+          ""}},
+        // Two fields of one name.
+        {"printf '<x><BROKERTYPEDESCRIPTION NAME=\"\\\\a\\\\R\"><ROW><FIELD NAME=\"f\" TYPE=\"String\"/><FIELD "
+         "NAME=\"f\" "
+         "TYPE=\"String\"/></ROW></BROKERTYPEDESCRIPTION></x>' >w.btd; "
+         "$import btd w.btd -q -o w2.btd; $import btd w.btd -q --diff w2.btd",
+         {0, "", ""}},
+        {"$import r.dtd --diff none", {2, "", "none: error: No such file or directory\n"}},
+        {"echo '<a/>' >a.xml; $import r.dtd --diff a.xml", {2, "", "a.xml: error: it is no document of types\n"}},
+        {"$import odbc x --user u --password-file none --diff r.xml",
+         {2, "", says("can't open none: No such file or directory")}},
+        {"printf '<!ELEMENT M (a\\344)><!ELEMENT a\\344 (x)>' >l.dtd; $import l.dtd -q -o l.xml; $import l.dtd -q "
+         "--diff "
+         "l.xml &&"
+         "$import l.dtd -q --list --json | grep -c '\"a\u00e4\",\"folder' && $import l.dtd -q --type a\u00e4 "
+         ">/dev/null",
+         {0, "1\n", ""}},
+        {"$import none --diff r.xml", {2, "", "none: error: No such file or directory\n"}},
+        // A name moves no cursor and begins no line.
+        {"printf '<!ELEMENT a\\033[1m\\177\\302\\233\\nb(c)><!ELEMENT c EMPTY>' >e.dtd; $import e.dtd -q -l; "
+         "$import e.dtd -q --diff r.xml --ignore-folders | head -1; $import e.dtd -q --graph | grep title; "
+         "$import e.dtd -o e.xml",
+         {0,
+          "\\sys\\rosettanet\\a\uFFFD[1m   b\\a\uFFFD[1m   b\ta\uFFFD[1m   b (Automatically created)\n"
+          "added record \\sys\\rosettanet\\a\uFFFD[1m   b\\a\uFFFD[1m   b [type-added]\n"
+          "    t0 [label=\"<title> a\uFFFD[1m   b|<r0> c : String\\l\"]\n",
+          "e.dtd: warning: 1 loss: 1 impossible name; --report FILE lists it\n"
+          "e.dtd: warning: the root element of the document is called a\uFFFD_1m___b, since a\uFFFD[1m   b can't be an "
+          "element's name\n"}},
+    };
+    for (const Case& row : rows)
+        EXPECT_EQ(run(row.line), row.answer) << row.line;
+}
+
+} // namespace
