@@ -30,6 +30,7 @@ struct Row
     const char* types;
     const char* losses = "";
     std::vector<std::pair<const char*, CString>> others = {};
+    const char* main = nullptr; // the main types that may be chosen
 };
 
 const Row kRows[] = {
@@ -79,7 +80,16 @@ const Row kRows[] = {
          "b", "<s:element name='y'/>") "</s:schema></d:types><d:interface><d:operation><d:input element='#none'/>"
                                        "<d:output element='t:b'/></d:operation></d:interface></d:description>",
      "b(y:String)"},
-    {"WithoutMessagesItIsASet", wsdl(types(ELEMENT("a", "<s:element name='x'/>"))), "a(x:String)"},
+    {"WithoutMessagesItIsASet",
+     wsdl(types(ELEMENT("a", "<s:element name='x'/>")) +
+          types(ELEMENT(
+              "b", "<s:element name='x'/><s:element name='y' type='t:X'/>") "<s:complexType name='X'>"
+                                                                            "<s:sequence><s:element "
+                                                                            "name='z'/></s:sequence></s:complexType>")),
+     "a(x:String) X(z:String) b(x:String y:X)",
+     "",
+     {},
+     "b a "},
 };
 
 class Wsdl : public Importing<SchemaFullMessage>, public testing::WithParamInterface<Row>
@@ -92,6 +102,12 @@ TEST_P(Wsdl, GivesTheTypesOfItsMessages)
     EXPECT_EQ(message.parseFile(folder.write("x.wsdl", GetParam().source), "\\b\\"), 1);
     EXPECT_EQ(fullTypesOf(message), GetParam().types);
     EXPECT_EQ(message.queryReport().lossesInWords(), GetParam().losses);
+    CString main;
+    for (const CString& name : message.queryMainTypes())
+        main += name + " ";
+    if (GetParam().main) {
+        EXPECT_EQ(main, GetParam().main);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, Wsdl, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });

@@ -40,6 +40,7 @@ void SchemaSet::load(const CString& fileName)
     std::vector<CString> files{fileName};
     for (std::size_t i = 0; i < files.size(); ++i)
         loadOne(CString(files[i]), files);
+    ++loads;
 }
 
 /// Reads one file, and adds those that it imports, as a WSDL.
@@ -47,12 +48,12 @@ void SchemaSet::loadOne(const CString& fileName, std::vector<CString>& files)
 {
     const auto id = identify(fileName);
     if (id && parsed.contains(*id)) {
-        loaded.push_back(parsed.at(*id));
+        loaded.push_back({parsed.at(*id), loads});
         return;
     }
     const auto document = static_cast<std::uint32_t>(tree.documents.size());
     const std::vector<WsdlReader::Import> imports = readSource(fileName);
-    loaded.push_back(document);
+    loaded.push_back({document, loads});
     if (id)
         parsed.emplace(*id, document);
     if (id && tree.documents[document].root != 0)
@@ -60,7 +61,7 @@ void SchemaSet::loadOne(const CString& fileName, std::vector<CString>& files)
     const auto end = static_cast<std::uint32_t>(tree.documents.size()); // of a WSDL's schemas
     for (std::uint32_t at = document; at < end; ++at) {
         if (at > document)
-            loaded.push_back(at);
+            loaded.push_back({at, loads});
         if (tree.documents[at].root != 0)
             followAll(at);
     }
@@ -134,7 +135,7 @@ void SchemaSet::followAll(std::uint32_t document)
     }
 }
 
-std::vector<std::optional<std::uint32_t>> SchemaSet::finish()
+std::vector<SchemaSet::Source> SchemaSet::finish()
 {
     collectMembers();
     struct Links // from a file to those that it names, each by its first document
@@ -148,17 +149,18 @@ std::vector<std::optional<std::uint32_t>> SchemaSet::finish()
     for (const auto& [reference, document] : documentsByReference)
         links.targets[firstOfFile[tree[reference].document]].push_back(firstOfFile[document]);
     StrongComponents<Links> components(links, tree.documents.size());
-    for (const std::uint32_t document : loaded)
-        components.visit(document);
+    for (const Source& source : loaded)
+        components.visit(source.document);
     std::vector<bool> isNamed(components.componentCount()); // by another, or has a source already
     for (const std::uint32_t document : components.query())
         for (const std::uint32_t target : links.targets[document])
             if (components.componentOf(target) != components.componentOf(document))
                 isNamed[components.componentOf(target)] = true;
-    std::vector<std::optional<std::uint32_t>> sources;
-    for (const std::uint32_t document : loaded) {
-        const std::uint32_t component = components.componentOf(document);
-        sources.push_back(isNamed[component] ? std::nullopt : std::optional(document));
+    std::vector<Source> sources;
+    for (const Source& source : loaded) {
+        const std::uint32_t component = components.componentOf(source.document);
+        if (!isNamed[component])
+            sources.push_back(source);
         isNamed[component] = true;
     }
     return sources;

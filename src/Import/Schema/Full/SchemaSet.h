@@ -42,10 +42,16 @@ public:
     /// itself can't be read, or one of them that is there.
     void load(const CString& fileName);
 
-    /// To be called once all is loaded. The documents that load() was called for, in this order; nothing for one that
-    /// another of the set names, and for one that isn't the first of the same file; of those that name each other the
-    /// first stays.
-    std::vector<std::optional<std::uint32_t>> finish();
+    /// A document whose components are those of a source.
+    struct Source
+    {
+        std::uint32_t document;
+        std::uint32_t number; ///< of the source, in the order of load()
+    };
+
+    /// To be called once all is loaded. The documents of the sources, several for a WSDL, but for those that another
+    /// one of the set names, and that aren't the first of the same file; of those that name each other the first stays.
+    std::vector<Source> finish();
 
     /// What `name` means where `from` stands; 0 when there is none. Inside a redefinition its own name means what it
     /// redefines.
@@ -130,7 +136,8 @@ private:
     std::map<FileId, std::uint32_t> parsed; // the first document of each file
     std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
     std::vector<WsdlReader::Root> messages; // of WSDLs
-    std::vector<std::uint32_t> loaded;      // by load()
+    std::vector<Source> loaded;
+    std::uint32_t loads = 0;                // before the one in hand
     std::vector<std::uint32_t> firstOfFile; // the document of the file of each, by document
     std::unordered_map<Index, std::uint32_t> documentsByReference;
     std::array<Names, kindCount> symbols;

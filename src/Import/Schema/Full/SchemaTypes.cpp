@@ -5,28 +5,24 @@
 #include <algorithm>
 #include <unordered_set>
 
-void SchemaTypes::read(const std::vector<std::optional<std::uint32_t>>& sources, const std::vector<CString>& roots)
+void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots)
 {
     std::unordered_set<Index> met;
-    for (std::size_t source = 0; source < sources.size(); ++source)
-        if (sources[source])
-            for (const Index component : set.componentsOf(*sources[source]))
-                if (met.insert(component).second)
-                    readComponent(component, static_cast<SourceTypes::Index>(source));
-    const auto sourceOf = [&](Index component) {
-        const auto found = std::ranges::find_if(sources, [&](const auto& document) {
-            return document && tree.documents[*document].space == tree.documentOf(component).space;
-        });
-        return found == sources.end() ? SourceTypes::kNone : static_cast<SourceTypes::Index>(found - sources.begin());
-    };
+    std::unordered_map<NameTable::Id, std::uint32_t> sourcesBySpace;
+    for (const auto& [document, number] : sources) {
+        for (const Index component : set.componentsOf(document))
+            if (met.insert(component).second)
+                readComponent(component, number);
+        sourcesBySpace.try_emplace(tree.documents[document].space, number);
+        for (const auto& [prefix, space] : tree.documents[document].prefixes)
+            types.prefixes.emplace_back(keep(prefix), keep(space));
+    }
     for (const CString& root : roots)
         for (const Index component : set.componentsCalled(localNameOf(root)))
-            if (met.insert(component).second || tree[component].tag == SchemaTag::complexType)
-                addCandidate(component, sourceOf(component));
-    for (const auto& source : sources)
-        if (source)
-            for (const auto& [prefix, space] : tree.documents[*source].prefixes)
-                types.prefixes.emplace_back(keep(prefix), keep(space));
+            if (met.insert(component).second || tree[component].tag == SchemaTag::complexType) {
+                const auto source = sourcesBySpace.find(tree.documentOf(component).space);
+                addCandidate(component, source == sourcesBySpace.end() ? SourceTypes::kNone : source->second);
+            }
     std::size_t read = 0;
     for (std::size_t choice = 0; choice <= choices.size(); ++choice) { // a choice brings records, and these choices
         if (choice > 0)

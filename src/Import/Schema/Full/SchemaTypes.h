@@ -17,7 +17,7 @@ public:
 
     /// Reads what `sources` declare, documents of the set as SchemaSet::finish() tells them. `roots` name elements and
     /// complex types that are read in any case.
-    void read(const std::vector<std::optional<std::uint32_t>>& sources, const std::vector<CString>& roots);
+    void read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots);
 
 private:
     using Index = SchemaNode::Index;
