@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr std::size_t kMaxReplayed = 1'000'000;
+
 bool isWsdlNamespace(const char* uri)
 {
     const std::string_view space = uri ? uri : "";
@@ -64,6 +66,9 @@ void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes)
         SchemaDocument& made = tree.documents.emplace_back();
         made.folder = tree.documents[document].folder;
         made.file = tree.documents[document].file;
+        replayed += declared.size() / 2;
+        if (replayed > kMaxReplayed)
+            throw XmlRefusal{"more than 1000000 prefixes around the schemas of a WSDL"};
         schema = std::make_unique<SchemaReader>(tree, report);
         schema->scope({nullptr, declared.data(), declared.size() / 2, begun.place});
     }

@@ -69,6 +69,7 @@ private:
     SourceReport& report;
     const std::uint32_t document;
     std::unique_ptr<SchemaReader> schema; // that is open, of a WSDL; or all of the file
+    std::size_t replayed = 0;             // prefixes that schemas were told of
     std::size_t depth = 0;                // of open elements in it
     std::vector<std::unique_ptr<SchemaReader>> finished;
     bool isWsdl = false;
