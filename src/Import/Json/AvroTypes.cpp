@@ -10,6 +10,7 @@ namespace {
 using Index = JsonNode::Index;
 
 constexpr std::uint16_t kMaxDepth = 100; // of arrays inside each other
+constexpr std::size_t kMaxSteps = 20'000'000;
 
 bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words)
 {
@@ -168,6 +169,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
     std::unordered_set<Index> met;
     std::ranges::reverse(alternatives);
     while (!alternatives.empty()) {
+        spendStep();
         Scoped at = alternatives.back();
         alternatives.pop_back();
         at.schema = tree.target(at.schema);
@@ -192,6 +194,14 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
         }
     }
     return sorted;
+}
+
+// Unions that many fields share, by aliases or by messages, are taken apart for each.
+void AvroTypes::spendStep()
+{
+    cancelPoint.pass();
+    if (++steps > kMaxSteps)
+        types.refuse(std::to_string(kMaxSteps) + " parts of types");
 }
 
 void AvroTypes::sortOut(Scoped at, std::string_view type, Sorted& sorted)
@@ -319,6 +329,7 @@ void AvroTypes::readFields(const Pending& record)
             const bool isList = tree.is(schema.schema, JsonNode::array);
             const Index list = isList ? schema.schema : tree.find(schema.schema, JsonWord::fields, JsonNode::array);
             for (Index at = tree[list].firstChild; at != 0; at = tree[at].next) {
+                spendStep();
                 const Index field = tree.target(at);
                 report.count(SourceReport::defaultValue, tree.find(field, JsonWord::defaultWord) != 0);
                 report.count(SourceReport::facet,

@@ -54,6 +54,7 @@ private:
     NameTable::Id fullNameOf(std::string_view name, NameTable::Id space);
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
     Sorted sort(std::vector<Scoped> alternatives);
+    void spendStep();
     void sortOut(Scoped at, std::string_view type, Sorted& sorted);
     SourceTypes::Type recordOf(const std::vector<Scoped>& schemas, bool isMap, std::string_view name,
                                SourceTypes::Index home);
@@ -75,4 +76,6 @@ private:
     std::unordered_set<Index> declared;
     std::map<std::vector<Index>, SourceTypes::Type> records; // by what they are made of
     std::vector<Pending> pending;
+    std::size_t steps = 0;
+    CancelPoint cancelPoint{4096}; // passed by each step
 };

@@ -13,6 +13,7 @@ namespace {
 using Index = JsonNode::Index;
 
 constexpr std::size_t kMaxPointers = 10'000; // that are told
+constexpr std::size_t kMaxDigits = 4;        // of the position in an array that a pointer is followed to
 
 std::uint64_t keyOf(Index resource, NameTable::Id text)
 {
@@ -49,7 +50,7 @@ CString resolveUri(std::string_view base, std::string_view reference)
     return resolved;
 }
 
-// Percent escapes of a URI, or those of a pointer's step, decoded.
+// The percent escapes of a URI decoded.
 CString decoded(std::string_view text)
 {
     CString out;
@@ -260,7 +261,8 @@ JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointe
         }
         pointer.remove_prefix(end);
         if (tree.is(at, JsonNode::array)) {
-            const bool isNumber = !step.empty() && step.size() < 8 && step.find_first_not_of("0123456789") == step.npos;
+            const bool isNumber =
+                !step.empty() && step.size() <= kMaxDigits && step.find_first_not_of("0123456789") == step.npos;
             Index child = isNumber ? tree[at].firstChild : 0;
             for (int position = isNumber ? std::stoi(step) : 0; position > 0 && child != 0; --position)
                 child = tree[child].next;

@@ -166,13 +166,24 @@ void JsonBuilder::merge(Index source)
 {
     Level& level = open.back();
     std::unordered_set<NameTable::Id> met;
-    for (Index at = tree[level.node].firstChild; at != 0; at = tree[at].next)
+    countMerged(); // a mapping without members costs, too
+    for (Index at = tree[level.node].firstChild; at != 0; at = tree[at].next) {
+        countMerged();
         met.insert(tree[at].key);
-    for (Index at = tree[source].firstChild; at != 0; at = tree[at].next)
+    }
+    for (Index at = tree[source].firstChild; at != 0; at = tree[at].next) {
+        countMerged();
         if (met.insert(tree[at].key).second) {
             nextKey = tree[at].key;
             addAlias(at, tree[at].line, tree[at].column);
         }
+    }
+}
+
+void JsonBuilder::countMerged()
+{
+    if (++merged > kMaxNodes)
+        types.refuse(std::to_string(kMaxNodes) + " merged values");
 }
 
 void JsonBuilder::drop(Index member)

@@ -177,6 +177,7 @@ private:
     };
 
     void dropDuplicates(const Level& level);
+    void countMerged();
 
     JsonTree& tree;
     const SourceTypes& types;
@@ -185,6 +186,7 @@ private:
     std::vector<Level> open;
     NameTable::Id nextKey = 0;
     Index first = 0;
+    std::size_t merged = 0; // looked at while merging
 };
 
 /// Reads one document into the tree and returns its value: YAML if its name ends so or it begins like no JSON. Throws

@@ -14,11 +14,14 @@ constexpr std::uint16_t kMaxDepth = 100; // of tables inside each other
 std::string_view firstSentence(std::string_view text)
 {
     for (std::size_t at = 0; (at = text.find_first_of(".!?\n", at)) != text.npos; ++at) {
-        if (text[at] == '\n' && text.substr(at + 1).starts_with('\n'))
-            return text.substr(0, at);
+        if (text[at] == '\n') {
+            if (text.substr(at + 1).starts_with('\n'))
+                return text.substr(0, at);
+            continue;
+        }
         const std::size_t next = std::min(text.find_first_not_of(kWhitespace, at + 1), text.size());
         const bool goesOn = next < text.size() && (next == at + 1 || (text[next] >= 'a' && text[next] <= 'z'));
-        if (text[at] != '\n' && !goesOn)
+        if (!goesOn)
             return text.substr(0, at + 1);
     }
     return text;
