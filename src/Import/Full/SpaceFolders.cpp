@@ -79,9 +79,10 @@ std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
     for (std::size_t i = 0; i < names.size(); ++i)
         if (i == 0 || !spaces[i].folder.empty())
             taken.insert(names[i]);
+    std::map<CString, int> lastNumbers;
     for (std::size_t i = 1; i < names.size(); ++i)
         if (const CString plain = names[i]; spaces[i].folder.empty())
-            for (int number = 2; !taken.insert(names[i]).second; ++number)
-                names[i] = plain + "_" + std::to_string(number);
+            while (!taken.insert(names[i]).second)
+                names[i] = plain + "_" + std::to_string(++lastNumbers.try_emplace(plain, 1).first->second);
     return names;
 }
