@@ -83,16 +83,18 @@ public:
         }
     }
 
-private:
+    /// How often a `minOccurs` or `maxOccurs` lets something occur.
     enum class Occurrence : std::uint8_t
     {
         none,
         once,
         often,
         unbounded,
-        senseless
+        senseless ///< no number
     };
+    static Occurrence occurrenceOf(std::string_view value);
 
+private:
     // A statement that is open.
     struct Level
     {
@@ -114,7 +116,6 @@ private:
     {
         return {file, static_cast<std::uint32_t>(at.line), static_cast<std::uint32_t>(at.column)};
     }
-    static Occurrence occurrenceOf(std::string_view value);
     void find(SourceReport::Construct construct, XmlPlace at, CString name);
     void flush();
     void read(SchemaTag tag, XmlName name, XmlAttributes attributes);

@@ -8,15 +8,10 @@ namespace {
 /// 0, 1, or 2 for more often; what makes no sense counts as 1.
 std::uint8_t occursOf(std::string_view value)
 {
-    value = trimmed(value);
-    if (value == "unbounded")
-        return 2;
-    if (value.empty() || value.find_first_not_of("0123456789") != std::string_view::npos)
-        return 1;
-    value.remove_prefix(std::min(value.find_first_not_of('0'), value.size()));
-    if (value.empty())
-        return 0;
-    return value == "1" ? 1 : 2;
+    using Occurrence = SchemaStatements::Occurrence;
+    const Occurrence most = SchemaStatements::occurrenceOf(trimmed(value));
+    const bool isMore = most == Occurrence::often || most == Occurrence::unbounded;
+    return most == Occurrence::none ? 0 : isMore ? 2 : 1;
 }
 
 /// Whether documentation of such a statement describes a type, a field or a constant.
