@@ -17,12 +17,6 @@ constexpr std::size_t kSmallExpansion = 16 << 20;
 
 } // namespace
 
-bool DTDEntities::hasRead(const CString& fileName) const
-{
-    const auto id = identify(fileName);
-    return id && filesById.contains(*id);
-}
-
 DTDEntities::Text& DTDEntities::addMain(const CString& fileName, std::string_view bytes)
 {
     CString room;

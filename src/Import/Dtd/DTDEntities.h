@@ -40,7 +40,7 @@ public:
     void close(Text& text) { text.isOpen = false; }
 
     /// Whether a file has been read, as the DTD itself or a module of it.
-    bool hasRead(const CString& fileName) const;
+    bool hasRead(FileId file) const { return filesById.contains(file); }
 
 private:
     struct Entity

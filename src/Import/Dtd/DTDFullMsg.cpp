@@ -27,6 +27,9 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
     DTDReader reader(types, report);
     std::vector<CString> files{fileName};
     files.insert(files.end(), queryFurtherFiles().begin(), queryFurtherFiles().end());
+    std::vector<std::optional<FileId>> ids;
+    for (const CString& file : files)
+        ids.push_back(files.size() > 1 ? identify(file) : std::nullopt);
     std::vector<Index> owners(files.size()); // of a module of another DTD the one that names it
     std::iota(owners.begin(), owners.end(), 0);
     const auto ownerOf = [&](Index file) {
@@ -45,7 +48,7 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
         for (const std::string_view entity : tokens.querySwitches())
             addSwitch(entity);
         for (Index other = 0; files.size() > 1 && other < files.size(); ++other)
-            if (owners[other] == other && ownerOf(i) != other && entities.hasRead(files[other]))
+            if (owners[other] == other && ownerOf(i) != other && ids[other] && entities.hasRead(*ids[other]))
                 owners[other] = i;
     }
     for (Index& owner : owners)
