@@ -11,6 +11,7 @@ struct Rule
     const char* name;
     CString source;
     const char* types;
+    const char* losses = "";
     const char* root = "";
 };
 
@@ -40,6 +41,10 @@ const Rule kApis[] = {
      R"({"asyncapi":"3.0.0","channels":{"c":{"messages":{"M":{"payload":{"schemaFormat":"application/vnd.apache.avro;version=1.9.0",
         "schema":{"type":"record","name":"Rec","fields":[{"name":"x","type":"int"}]}}}}}}})",
      "Rec(x:Number)"},
+    {"ASchemaAsRoot",
+     R"({"openapi":"3.0.0","paths":{"/a":{"get":{"operationId":"o","responses":{"200":{"content":{"a/b":{"schema":{"properties":{"x":{}}}}}}}}}},
+        "components":{"schemas":{"A":{"properties":{"b":{"$ref":"#/components/schemas/B"}}},"B":{"properties":{"c":{}}}}}})",
+     "B(c:String) A(b:B)", "", "A"},
 };
 
 const Rule kAvro[] = {
@@ -54,13 +59,14 @@ const Rule kAvro[] = {
      R"({"type":"record","name":"r","fields":[{"name":"a","type":{"type":"int","logicalType":"date"}},{"name":"b","type":{"type":"long","logicalType":"local-timestamp-micros"}},
         {"name":"c","type":{"type":"bytes","logicalType":"decimal","precision":4}},{"name":"d","type":{"type":"string","logicalType":"uuid"}},
         {"name":"e","type":{"type":"fixed","name":"D","size":12,"logicalType":"duration"}},{"name":"f","type":"bytes"},{"name":"g","type":{"type":"int","logicalType":"time-millis"}}]})",
-     "r(a:Time b:Time c:Number d:String e:String g:Time)"},
+     "r(a:Time b:Time c:Number d:String e:String g:Time)", "1 loss: 1 field of bytes left out"},
     {"Unions",
      R"({"type":"record","name":"r","fields":[{"name":"a","type":["null",{"type":"record","name":"A","fields":[{"name":"x","type":"int"},{"name":"y","type":"string"}]},
         {"type":"record","name":"B","fields":[{"name":"y","type":"string"},{"name":"z","type":"int"}]}]},{"name":"b","type":["int","double"]},
         {"name":"c","type":["int","string"]},{"name":"d","type":["A","null"]},{"name":"e","type":[{"type":"array","items":"int"},"null"]}]})",
      "t_e[Number] A(x:Number y:String) a(x:Number y:String z:Number) r(a:a b:Number c:String d:A e:t_e) B(y:String "
-     "z:Number)"},
+     "z:Number)",
+     "1 loss: 1 value of several kinds"},
     {"SeveralAtTheTop",
      R"([{"type":"record","name":"a","fields":[{"name":"x","type":"b"}]},{"type":"record","name":"b","fields":[{"name":"y","type":"int"}]}])",
      "b(y:Number) a(x:b)"},
@@ -68,6 +74,9 @@ const Rule kAvro[] = {
      R"({"protocol":"P","namespace":"n","types":[{"type":"record","name":"A","fields":[{"name":"x","type":"int"}]},{"type":"enum","name":"E","symbols":["Z"]}],
         "messages":{"send":{"request":[{"name":"a","type":"A"},{"name":"k","type":"string"}],"response":"A"}}})",
      "A(x:Number) E{Z} sendRequest(a:A k:String)"},
+    {"ANestedRecordAsRoot",
+     R"({"type":"record","name":"r","fields":[{"name":"a","type":{"type":"record","name":"A","fields":[{"name":"x","type":"int"}]}}]})",
+     "A(x:Number)", "", "A"},
 };
 
 const Rule kExamples[] = {
@@ -75,10 +84,10 @@ const Rule kExamples[] = {
      R"({"a":1,"b":"x","c":true,"d":null,"e":"2024-01-31","f":"2024-01-31T10:00:00.5+02:00","g":"10:30","h":"2024-13-01"})",
      "x(a:Number b:String c:String d:String e:Time f:Time g:Time h:String)"},
     {"AllExamplesTogether", "{\"a\":1}\n{\"b\":{\"c\":[1]}}\n{\"b\":{\"c\":[\"x\"],\"d\":[[{\"e\":1}]]}}",
-     "t_c[String] d(e:Number) t_d[d] t_t_d[t_d] b(c:t_c d:t_t_d) x(a:Number b:b)"},
+     "t_c[String] d(e:Number) t_d[d] t_t_d[t_d] b(c:t_c d:t_t_d) x(a:Number b:b)", "1 loss: 1 value of several kinds"},
     {"TimesOnlyWhereAllAre", "{\"a\":\"2024-01-31\"} {\"a\":\"soon\"}", "x(a:String)"},
     {"KindsThatDiffer", R"([{"a":1,"b":{"c":1},"d":1},{"a":"x","b":2,"d":[1]}])",
-     "b(c:Number) x_2(a:String b:b d:String) t_value[x_2] x(value:t_value)"},
+     "b(c:Number) x_2(a:String b:b d:String) t_value[x_2] x(value:t_value)", "3 losses: 3 values of several kinds"},
     {"NodesOfNodes", R"({"n":{"v":1,"n":{"v":2,"n":{"w":1}}},"l":[{"l":[{"l":[],"k":"x"}]}]})",
      "t_l[l] n(v:Number n:n w:Number) l(l:t_l k:String) x(n:n l:t_l)"},
     {"Empty", R"({"a":{},"b":[],"c":[[]]})", "t_c[String] t_b[String] t_t_c[t_c] x(a:String b:t_b c:t_t_c)"},
@@ -93,6 +102,7 @@ protected:
         this->message.setRoot(this->GetParam().root);
         EXPECT_EQ(this->import(this->GetParam().source), 1);
         EXPECT_EQ(fullTypesOf(this->message), this->GetParam().types);
+        EXPECT_EQ(this->message.queryReport().lossesInWords(), this->GetParam().losses);
     }
 };
 using OpenApiRule = Rows<OpenApiMessage>;

@@ -133,6 +133,10 @@ const Rule kRules[] = {
      "# YAML\ntitle: r\nproperties:\n  a: &n {type: integer}\n  b: *n\n  c:\n    <<: *n\n    title: C\n  on: {enum: "
      "[yes, 'no']}\n",
      "on{yes|no} r(a:Number b:Number c:Number on:on)"},
+    {"YamlMergesTheFirstOfSeveralBehindOwnKeys",
+     "# YAML\ntitle: r\ndefinitions:\n  x: &x {type: integer}\n  y: &y {type: string, format: date}\nproperties:\n"
+     "  a: {<<: [*x, *y]}\n  b: {type: string, <<: [*x, *y]}\n  c: {<<: [*y, *x]}\n",
+     "r(a:Number b:Time c:Time)"},
 };
 
 class JsonSchema : public Importing<JsonSchemaMessage>
