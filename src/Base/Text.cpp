@@ -127,6 +127,16 @@ bool isSameAscii(std::string_view a, std::string_view b)
            std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
 }
 
+bool endsWithAscii(std::string_view text, std::string_view ending)
+{
+    return text.size() >= ending.size() && isSameAscii(text.substr(text.size() - ending.size()), ending);
+}
+
+bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words)
+{
+    return std::ranges::find(words, text) != words.end();
+}
+
 CString formatText(const char* format, ...)
 {
     va_list arguments;

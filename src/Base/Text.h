@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <list>
 #include <string>
 #include <string_view>
@@ -34,6 +35,11 @@ CString upperAscii(std::string_view text);
 
 /// True for texts that differ in nothing but the case of ASCII letters.
 bool isSameAscii(std::string_view a, std::string_view b);
+
+/// True if `text` ends with `ending`, but for the case of ASCII letters.
+bool endsWithAscii(std::string_view text, std::string_view ending);
+
+bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words);
 
 /// printf into a text of any length.
 [[gnu::format(printf, 1, 2)]] CString formatText(const char* format, ...);

@@ -12,11 +12,6 @@ using Index = JsonNode::Index;
 constexpr std::uint16_t kMaxDepth = 100; // of arrays inside each other
 constexpr std::size_t kMaxSteps = 20'000'000;
 
-bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words)
-{
-    return std::ranges::find(words, text) != words.end();
-}
-
 bool isNamedType(std::string_view type)
 {
     return isOneOf(type, {"record", "error", "enum", "fixed"});

@@ -13,9 +13,6 @@ class Marks
 public:
     void add(std::string_view key, std::string_view value)
     {
-        const auto isOneOf = [](std::string_view text, std::initializer_list<std::string_view> words) {
-            return std::ranges::find(words, text) != words.end();
-        };
         isOpenApi |= isOneOf(key, {"openapi", "asyncapi", "swagger"});
         isAvro |= (key == "type" && isOneOf(value, {"record", "error", "enum", "fixed"})) || key == "protocol";
         isSchema |= (key == "$schema" && value.find("json-schema.org") != value.npos) ||

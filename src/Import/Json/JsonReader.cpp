@@ -42,14 +42,6 @@ Index readJson(std::string_view text, JsonBuilder& builder)
     return builder.root();
 }
 
-bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words)
-{
-    for (const std::string_view word : words)
-        if (text == word)
-            return true;
-    return false;
-}
-
 // What a plain scalar is by YAML's core schema (YAML 1.2.2, 10.3).
 JsonNode::Kind kindOfPlain(std::string_view text)
 {
@@ -238,18 +230,14 @@ private:
     std::unordered_map<NameTable::Id, Index> anchors;
 };
 
-bool endsWith(std::string_view name, std::string_view ending)
-{
-    return name.size() >= ending.size() && isSameAscii(name.substr(name.size() - ending.size()), ending);
-}
-
 } // namespace
 
 JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, JsonBuilder& builder)
 {
-    const bool isNamedYaml = endsWith(fileName, ".yaml") || endsWith(fileName, ".yml");
+    const bool isNamedYaml = endsWithAscii(fileName, ".yaml") || endsWithAscii(fileName, ".yml");
     std::string_view start = text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
     start.remove_prefix(std::min(start.size(), start.find_first_not_of(" \t\r\n")));
-    const bool isJson = start.empty() || start.front() == '{' || start.front() == '[' || endsWith(fileName, ".json");
+    const bool isJson =
+        start.empty() || start.front() == '{' || start.front() == '[' || endsWithAscii(fileName, ".json");
     return isNamedYaml || !isJson ? YamlReader(text, builder, tree).read() : readJson(text, builder);
 }

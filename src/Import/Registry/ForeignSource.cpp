@@ -107,11 +107,6 @@ Words firstWords(std::string_view text, const Comments& comments)
     return words;
 }
 
-bool isOneOf(std::string_view word, std::initializer_list<std::string_view> words)
-{
-    return std::ranges::find(words, word) != words.end();
-}
-
 bool isRelaxCompact(std::string_view text)
 {
     const auto [first, second, third] = firstWords(text, {"#", {}});

@@ -21,13 +21,6 @@ struct Ending
 constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},   {".ent", "dtd"},    {".xsd", "xsd"},
                                {".avsc", "avro"}, {".avpr", "avro"}, {".jsonl", "json"}, {".ndjson", "json"}};
 
-bool endsWith(std::string_view name, std::string_view ending)
-{
-    const auto same = [](char left, char right) { return (left | 0x20) == (right | 0x20); };
-    return name.size() >= ending.size() &&
-           std::equal(ending.begin(), ending.end(), name.end() - static_cast<std::ptrdiff_t>(ending.size()), same);
-}
-
 // Without NUL bytes, so that names in UTF-16 can be told too.
 CString startOf(const CString& fileName)
 {
@@ -121,7 +114,7 @@ struct Told
 Told tell(const CString& fileName)
 {
     const auto* named = std::find_if(std::begin(kEndings), std::end(kEndings),
-                                     [&](const Ending& row) { return endsWith(fileName, row.ending); });
+                                     [&](const Ending& row) { return endsWithAscii(fileName, row.ending); });
     const std::string_view ending = named != std::end(kEndings) ? named->importer : "";
     const CString start = startOf(fileName);
     const std::string_view content = contentOf(start);
@@ -135,7 +128,7 @@ Told tell(const CString& fileName)
         return {ending, {}};
     if (const std::string_view foreign = foreignText(content, fileName); !foreign.empty())
         return {{}, foreign};
-    return {endsWith(fileName, ".xml") ? "xml" : "", {}}; // a long prolog, or no XML, to be told
+    return {endsWithAscii(fileName, ".xml") ? "xml" : "", {}}; // a long prolog, or no XML, to be told
 }
 
 } // namespace
