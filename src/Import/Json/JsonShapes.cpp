@@ -1,6 +1,7 @@
 #include "Import/Json/JsonShapes.h"
 
 #include "Base/Progress.h"
+#include "Import/Json/JsonTypes.h"
 
 #include <algorithm>
 
@@ -187,7 +188,7 @@ void JsonShapes::declare(std::string_view name, SourceTypes& types, SourceReport
         const Index object = pending[i];
         fields.clear();
         for (Index at = shapes[object].first; at != 0; at = shapes[at].next) {
-            const std::string_view called = nameOf(at, types, report);
+            const std::string_view called = JsonTypes::fit(names[shapes[at].key], shapes[at].place, types, report);
             std::uint16_t tables = 0;
             const Index shape = shapes[at].target == 0 ? at : shapes[at].target;
             const SourceTypes::Type field = typeOf(shape, tables, called, records[object], types, report);
@@ -195,18 +196,6 @@ void JsonShapes::declare(std::string_view name, SourceTypes& types, SourceReport
         }
         types.setFields(records[object], fields);
     }
-}
-
-std::string_view JsonShapes::nameOf(Index member, SourceTypes& types, SourceReport& report)
-{
-    const std::string_view key = names[shapes[member].key];
-    CString made = toXmlText(key);
-    std::ranges::replace(made, '\\', '_'); // which parts the folders of types
-    if (made.empty())
-        made = "_";
-    if (made != key)
-        report.add(SourceReport::nameMadeFit, shapes[member].place, CString(key) + " is " + made);
-    return types.keep(made);
 }
 
 SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string_view name, SourceTypes::Index home,

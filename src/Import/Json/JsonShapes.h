@@ -53,7 +53,6 @@ private:
     void note(Index shape, Kind kind, const JsonScanner& scanner);
     SourceTypes::Type typeOf(Index shape, std::uint16_t& depth, std::string_view name, SourceTypes::Index home,
                              SourceTypes& types, SourceReport& report);
-    std::string_view nameOf(Index member, SourceTypes& types, SourceReport& report);
 
     std::uint32_t file = 0;
     NameTable names;

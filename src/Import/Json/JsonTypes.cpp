@@ -63,14 +63,14 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
     return shape;
 }
 
-std::string_view JsonTypes::fit(std::string_view name, Index place)
+std::string_view JsonTypes::fit(std::string_view name, SourcePlace place, SourceTypes& types, SourceReport& report)
 {
     CString made = toXmlText(name);
     std::ranges::replace(made, '\\', '_'); // which parts the folders of types
     if (made.empty())
         made = "_";
     if (made != name)
-        report.add(SourceReport::nameMadeFit, tree.placeOf(place), CString(name) + " is " + made);
+        report.add(SourceReport::nameMadeFit, place, CString(name) + " is " + made);
     return types.keep(made);
 }
 

@@ -47,8 +47,9 @@ public:
     /// Gives all records their fields.
     void finish();
 
-    /// A name as the types can have it.
-    std::string_view fit(std::string_view name, Index place);
+    /// A name as the types can have it; a change is noted.
+    std::string_view fit(std::string_view name, Index place) { return fit(name, tree.placeOf(place), types, report); }
+    static std::string_view fit(std::string_view name, SourcePlace place, SourceTypes& types, SourceReport& report);
 
 private:
     struct Pending
