@@ -167,6 +167,12 @@ CString folderOf(const CString& fileName)
     return name.ends_with('/') ? name : name + '/';
 }
 
+std::string_view stemOf(std::string_view fileName)
+{
+    fileName.remove_prefix(fileName.rfind('/') + 1);
+    return fileName.substr(0, fileName.rfind('.'));
+}
+
 std::optional<FileId> identify(const CString& fileName)
 {
     struct stat status;

@@ -65,5 +65,8 @@ CString shownFrom(const CString& from, const CString& folder, const CString& pat
 /// The folder that a file lies in, links resolved, with a final slash; the current one for standard input and devices.
 CString folderOf(const CString& fileName);
 
+/// A file's name without its folder and what stands behind the last dot.
+std::string_view stemOf(std::string_view fileName);
+
 /// The identity of what `fileName` names, whatever it is; nothing when there is no such file.
 std::optional<FileId> identify(const CString& fileName);

@@ -15,8 +15,7 @@ namespace {
 // What is left of a file's name without folder and suffix, as an XML name.
 CString nameOfFile(const CString& fileName)
 {
-    const std::size_t start = fileName.rfind('/') + 1;
-    CString name = fileName.substr(start, fileName.rfind('.') - start);
+    CString name(stemOf(fileName));
     for (char& c : name)
         if (!isXmlName(CString("_") + c) && static_cast<unsigned char>(c) < 0x80)
             c = '_';

@@ -1,5 +1,7 @@
 #include "Import/Full/MainElement.h"
 
+#include "Files/FileFinder.h"
+
 #include <algorithm>
 #include <cctype>
 
@@ -52,8 +54,7 @@ MainElement::MainElement(const SourceTypes& types, const CString& fileName, Inde
     }
     if (!ranked.empty()) {
         findSources();
-        const std::size_t start = fileName.rfind('/') + 1;
-        measureAll(std::string_view(fileName).substr(start, fileName.rfind('.') - start));
+        measureAll(stemOf(fileName));
     } else if (first != SourceTypes::kNone) {
         all.push_back(first);
     }

@@ -1,6 +1,7 @@
 #include "Import/Json/JsonDataMsg.h"
 
 #include "Files/File.h"
+#include "Files/FileFinder.h"
 #include "Files/FileMessage.h"
 #include "Import/Json/JsonShapes.h"
 #include "Resources/StringTable.h"
@@ -30,6 +31,5 @@ void JsonDataMessage::read(const CString& source, const CString& fileName, Sourc
     readFileInto(shapes, source, report.addFile(source));
     for (const CString& further : furtherFiles)
         readFileInto(shapes, further, report.addFile(further));
-    const std::size_t start = fileName.rfind('/') + 1;
-    shapes.declare(types.keep(toXmlName(fileName.substr(start, fileName.rfind('.') - start))), types, report);
+    shapes.declare(types.keep(toXmlName(stemOf(fileName))), types, report);
 }

@@ -276,9 +276,7 @@ JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointe
 
 CString JsonDocuments::nameOf(Index node) const
 {
-    const CString& fileName = report.fileNameOf(tree[node].document);
-    const std::size_t start = fileName.rfind('/') + 1;
-    return fileName.substr(start, fileName.rfind('.') - start);
+    return CString(stemOf(report.fileNameOf(tree[node].document)));
 }
 
 void JsonDocuments::note(SourceReport::Construct construct, Index node, std::string_view name)
