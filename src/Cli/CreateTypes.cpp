@@ -67,7 +67,7 @@ const char* wouldBe(ResultKind kind, const CString& overwrite)
 
 CString typesOf(int count, const CString& source)
 {
-    return std::to_string(count) + (count == 1 ? " type of " : " types of ") + source;
+    return countInWords(static_cast<std::size_t>(count), "type", "types") + " of " + source;
 }
 
 // Says which types other sources had created otherwise, a line for each of those.
