@@ -1,6 +1,6 @@
 #include "Import/Schema/Full/SchemaSet.h"
 
-#include "Base/StrongComponents.h"
+#include "Import/Full/DocumentLinks.h"
 #include "Import/Schema/Full/SchemaReader.h"
 #include "Import/Schema/SchemaBuiltIns.h"
 #include "Import/Schema/SchemaDocuments.h"
@@ -138,31 +138,15 @@ void SchemaSet::followAll(std::uint32_t document)
 std::vector<SchemaSet::Source> SchemaSet::finish()
 {
     collectMembers();
-    struct Links // from a file to those that it names, each by its first document
-    {
-        std::vector<std::vector<std::uint32_t>> targets;
-
-        std::size_t degree(std::uint32_t document) const { return targets[document].size(); }
-        std::uint32_t target(std::uint32_t document, std::size_t link) const { return targets[document][link]; }
-    };
-    Links links{std::vector<std::vector<std::uint32_t>>(tree.documents.size())};
+    DocumentLinks links; // between files, each by its first document
     for (const auto& [reference, document] : documentsByReference)
-        links.targets[firstOfFile[tree[reference].document]].push_back(firstOfFile[document]);
-    StrongComponents<Links> components(links, tree.documents.size());
+        links.add(firstOfFile[tree[reference].document], firstOfFile[document]);
+    std::vector<std::uint32_t> documents;
     for (const Source& source : loaded)
-        components.visit(source.document);
-    std::vector<bool> isNamed(components.componentCount()); // by another, or has a source already
-    for (const std::uint32_t document : components.query())
-        for (const std::uint32_t target : links.targets[document])
-            if (components.componentOf(target) != components.componentOf(document))
-                isNamed[components.componentOf(target)] = true;
+        documents.push_back(source.document);
     std::vector<Source> sources;
-    for (const Source& source : loaded) {
-        const std::uint32_t component = components.componentOf(source.document);
-        if (!isNamed[component])
-            sources.push_back(source);
-        isNamed[component] = true;
-    }
+    for (const std::size_t top : links.findTops(documents))
+        sources.push_back(loaded[top]);
     return sources;
 }
 
