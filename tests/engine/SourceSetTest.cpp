@@ -1,4 +1,7 @@
 #include "Import/Dtd/DTDFullMsg.h"
+#include "Import/Json/AvroMsg.h"
+#include "Import/Json/JsonSchemaMsg.h"
+#include "Import/Json/OpenApiMsg.h"
 #include "Import/Schema/Full/SchemaFullMsg.h"
 #include "support/Importing.h"
 
@@ -88,6 +91,9 @@ protected:
 
 using SchemaSets = Sets<SchemaFullMessage>;
 using DtdSets = Sets<DTDFullMessage>;
+using JsonSchemaSets = Sets<JsonSchemaMessage>;
+using OpenApiSets = Sets<OpenApiMessage>;
+using AvroSets = Sets<AvroMessage>;
 
 TEST_F(SchemaSets, AreOneImport)
 {
@@ -170,6 +176,67 @@ TEST_F(DtdSets, AreOneImport)
         EXPECT_EQ(namesOf(files, row), row.types) << row.name;
         EXPECT_EQ(message.queryReport().countsInWords(SourceReport::loss).size(), 0u);
     }
+}
+
+TEST_F(JsonSchemaSets, AreOneImport)
+{
+    const auto schema = [](const CString& name, const CString& property) {
+        return "{'$id':'http://x/" + name + "','title':'" + name + "','properties':{'v':{}" + property + "}}";
+    };
+    Files files = {
+        {"a.json", schema("A", ",'p':{'$ref':'P'}")},
+        {"b.json", schema("B", ",'p':{'$ref':'p.json'}")},
+        {"p.json", schema("P", "")},
+        {"q.json", schema("Q", ",'r':{'$ref':'r.json'}")},
+        {"r.json", schema("R", ",'q':{'$ref':'q.json'}")},
+    };
+    for (auto& [name, bytes] : files)
+        std::ranges::replace(bytes, '\'', '"');
+    const Row rows[] = {
+        {"ByIdentifierOrFile", {"p.json", "b.json", "a.json", "a.json"}, R"(B: \P \B \A)"},
+        {"OfThoseThatNameEachOtherTheFirstIsOne", {"r.json", "q.json"}, R"(R: \Q \R)"},
+        {"ARootOfAnySource", {"a.json", "q.json"}, R"(Q: \R \Q)", {"Q"}},
+        {"ByMainType", {"b.json", "a.json"}, R"(B: \B\P \B\B \B\A)", {}, FullMessage::Layout::byMainType},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(namesOf(files, row), row.types) << row.name;
+    message.setFurtherFiles({folder.write("c.json", "{\n]")});
+    EXPECT_EQ(message.parseFile(folder.path("a.json"), ""), 0);
+    EXPECT_EQ(boxes.take().size(), 1u);
+}
+
+TEST_F(OpenApiSets, AreOneImport)
+{
+    const Files files = {
+        {"a", "openapi: 3.0.0\npaths: {/a: {get: {operationId: o, requestBody: {content: {a/b: {schema: {$ref: "
+              "'s#/components/schemas/S'}}}}}}}\n"},
+        {"b", "asyncapi: 2.0.0\nchannels: {c: {publish: {message: {name: M, payload: {properties: {m: {}}}}}}}\n"},
+        {"s", "openapi: 3.0.0\ncomponents: {schemas: {S: {properties: {v: {}}}}}\n"},
+    };
+    const Row row = {"", {"s", "a", "b"}, R"(S: \M \S)"};
+    EXPECT_EQ(namesOf(files, row), row.types);
+}
+
+TEST_F(AvroSets, AreOneImport)
+{
+    const Files files = {
+        {"a",
+         R"({"type":"record","name":"R","namespace":"x.a","fields":[{"name":"p","type":"x.p.P"},{"name":"m","type":{"type":"map",
+            "values":"int"}}]})"},
+        {"b", R"({"type":"record","name":"R","namespace":"x.b","fields":[{"name":"p","type":"x.p.P"}]})"},
+        {"p",
+         R"([{"type":"record","name":"P","namespace":"x.p","fields":[{"name":"e","type":{"type":"enum","name":"E","symbols":["S"]}}]}])"},
+    };
+    const Row rows[] = {
+        {"NamespacesAreFolders", {"a", "b", "p"}, R"(R: \x.a\m \x.p\E \x.p\P \x.a\t_m \x.a\R \x.b\R)"},
+        {"ByMainTypeNamesGiveWay",
+         {"p", "b", "a"},
+         R"(R: \R\m \R\E \R\P \R\R \R\t_m \R\R_2)",
+         {},
+         FullMessage::Layout::byMainType},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(namesOf(files, row), row.types) << row.name;
 }
 
 } // namespace

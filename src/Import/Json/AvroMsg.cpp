@@ -2,16 +2,20 @@
 
 #include "Import/Json/AvroTypes.h"
 
-void AvroMessage::read(const CString& source, const CString&, SourceTypes& types, SourceReport& report)
+void AvroMessage::readDocuments(std::span<const Index> roots, JsonDocuments& documents, JsonTypes& names,
+                                SourceTypes& types, SourceReport& report)
 {
-    JsonDocuments documents(types, report);
-    const JsonNode::Index root = documents.load(source);
-    JsonTypes names(documents, types, report);
     AvroTypes avro(documents, names, types, report);
-    if (documents.tree.find(root, JsonWord::protocol) != 0)
-        avro.readProtocol(root);
-    else
-        avro.addCandidate(root, names.fit(toXmlName(documents.nameOf(root)), root));
+    for (const Index root : roots)
+        avro.declareAll(root);
+    for (Index source = 0; source < roots.size(); ++source) {
+        names.setSource(source);
+        const Index root = roots[source];
+        if (documents.tree.find(root, JsonWord::protocol) != 0)
+            avro.readProtocol(root);
+        else if (root != 0)
+            avro.addCandidate(root, names.fit(toXmlName(documents.nameOf(root)), root));
+    }
     if (!queryRoot().empty())
         avro.addAllCandidates();
     avro.finish();

@@ -1,20 +1,18 @@
 #pragma once
 
-#include "Import/Full/FullMessage.h"
+#include "Import/Json/JsonMessage.h"
 
 /// The importer of Avro schemas and protocols.
-class AvroMessage : public FullMessage
+class AvroMessage : public JsonMessage
 {
 public:
-    AvroMessage() : FullMessage(m_descr) {}
+    AvroMessage() : JsonMessage(m_descr) {}
 
     static MsgBase* New() { return new AvroMessage; }
-
-    int isFileMode() const override { return 1; }
 
     static MsgUIDescriptor m_descr;
 
 protected:
-    /// `source` is the name of the file.
-    void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
+    void readDocuments(std::span<const Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
+                       SourceReport& report) override;
 };

@@ -27,6 +27,13 @@ NameTable::Id AvroTypes::fullNameOf(std::string_view name, NameTable::Id space)
     return tree.names.intern(CString(tree.names[space]) + "." + CString(name));
 }
 
+void AvroTypes::declareAll(Index document)
+{
+    const bool isProtocol = tree.find(document, JsonWord::protocol) != 0;
+    const Index space = isProtocol ? tree.find(document, JsonWord::namespaceWord, JsonNode::string) : 0;
+    declareAll({isProtocol ? tree.find(document, JsonWord::types, JsonNode::array) : document, tree[space].text});
+}
+
 void AvroTypes::declareAll(Scoped top)
 {
     std::vector<Scoped> waiting{top};
@@ -95,8 +102,7 @@ void AvroTypes::addAllCandidates()
 void AvroTypes::readProtocol(Index protocol)
 {
     const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);
-    const Index declarations = tree.find(protocol, JsonWord::types, JsonNode::array);
-    declareAll({declarations, tree[space].text});
+    declareAll(protocol);
     for (const Scoped at : std::exchange(order, {}))
         shapeOf({at}, {}, SourceTypes::kNone);
     const Index messages = tree.find(protocol, JsonWord::messages, JsonNode::object);
@@ -184,8 +190,10 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
             const auto global = found == named.end() ? named.find(tree.names.intern(CString(type))) : found;
             if (isNamedType(type) || global == named.end())
                 sortOut(at, type, sorted);
-            else
+            else {
+                documents.link(at.schema, global->second.schema);
                 alternatives.push_back(global->second);
+            }
         }
     }
     return sorted;
@@ -227,8 +235,12 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool i
     const Index schema = schemas.front().schema;
     const std::string_view full = schemas.size() == 1 && !isMap ? tree.textOf(schema, JsonWord::name) : "";
     const std::string_view own = full.empty() ? name : names.fit(full.substr(full.rfind('.') + 1), schema);
-    const SourceTypes::Index record =
-        types.addRecord({own, describe(schema), tree.placeOf(schema), full.empty() ? home : SourceTypes::kNone});
+    SourceTypes::Record row{own, describe(schema), tree.placeOf(schema)};
+    if (!full.empty())
+        row.space = types.spaceOf(tree.names[schemas.front().space]);
+    else if (row.home = home; home != SourceTypes::kNone)
+        row.space = types.records[home].space;
+    const SourceTypes::Index record = types.addRecord(row);
     pending.push_back({schemas, record, isMap});
     return known->second = {SourceTypes::kindRecord, record};
 }
@@ -292,8 +304,9 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
     const std::string_view own = full.empty() ? name : names.fit(full.substr(full.rfind('.') + 1), schema);
     if (constants.empty())
         return {};
+    const SourceTypes::Index space = types.spaceOf(tree.names[leaves.front().space]);
     return {SourceTypes::kindEnumeration,
-            types.addEnumeration(own, constants, !full.empty(), describe(schema), tree.placeOf(schema))};
+            types.addEnumeration(own, constants, !full.empty(), describe(schema), tree.placeOf(schema), space)};
 }
 
 void AvroTypes::finish()

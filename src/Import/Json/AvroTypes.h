@@ -14,6 +14,9 @@ public:
         documents(documents), tree(documents.tree), names(names), types(types), report(report)
     {}
 
+    /// Lets schemas refer to the named types in `document`, a schema or a protocol, wherever they stand.
+    void declareAll(Index document);
+
     /// Declares the named types in `schema`. A message may start with the records among them that stand at its top, or
     /// with a value of any other sort, which is called `name`.
     void addCandidate(Index schema, std::string_view name);

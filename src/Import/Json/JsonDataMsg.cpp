@@ -29,7 +29,7 @@ void JsonDataMessage::read(const CString& source, const CString& fileName, Sourc
 {
     JsonShapes shapes;
     readFileInto(shapes, source, report.addFile(source));
-    for (const CString& further : furtherFiles)
+    for (const CString& further : furtherExamples)
         readFileInto(shapes, further, report.addFile(further));
     shapes.declare(types.keep(toXmlName(stemOf(fileName))), types, report);
 }

@@ -13,7 +13,7 @@ public:
     int isFileMode() const override { return 1; }
     bool setFurtherFiles(const std::vector<CString>& files) override
     {
-        furtherFiles = files;
+        furtherExamples = files;
         return true;
     }
 
@@ -24,5 +24,5 @@ protected:
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 
 private:
-    std::vector<CString> furtherFiles;
+    std::vector<CString> furtherExamples;
 };

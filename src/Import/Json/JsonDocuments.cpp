@@ -70,23 +70,26 @@ CString decoded(std::string_view text)
 
 JsonNode::Index JsonDocuments::load(const CString& fileName)
 {
-    documents.reserve(8);
+    const auto id = identify(fileName);
+    if (id && parsed.contains(*id))
+        return 0;
     Index root = 0;
     try {
-        root = read(fileName, fileName, kMaxNamedFile);
+        root = read(fileName, fileName, kMaxNamedFile, false);
     } catch (const JsonFault& fault) {
         throw SourceRefusal{formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(fault.line),
                                        static_cast<long>(fault.column), fault.reason.c_str()),
-                            {"", fault.reason, fault.line, fault.column}};
+                            {fileName, fault.reason, fault.line, fault.column}};
     }
     if (root == 0)
-        throw SourceRefusal{fileName + " holds no value.", {"", "it holds no value"}};
-    if (const auto id = identify(fileName))
+        throw SourceRefusal{fileName + " holds no value.", {fileName, "it holds no value"}};
+    if (id)
         parsed.emplace(*id, root);
     return root;
 }
 
-JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& shownName, std::size_t most)
+JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& shownName, std::size_t most,
+                                    bool ignoresSiblings)
 {
     const std::uint32_t number = report.addFile(shownName);
     documents.resize(number + 1);
@@ -101,7 +104,7 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     document.root = root;
     document.folder = folderOf(fileName);
     document.uri = document.folder + fileName.substr(fileName.rfind('/') + 1);
-    document.ignoresSiblings = number > 0 && documents[0].ignoresSiblings;
+    document.ignoresSiblings = ignoresSiblings;
     const std::string_view version = tree.textOf(root, JsonWord::schemaVersion);
     const auto says = [version](const char* words) { return version.find(words) != version.npos; };
     const bool isDraft4 = says("draft-04") || says("draft-03");
@@ -112,11 +115,6 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     resources.try_emplace(document.uri, root);
     findIdentifiers(first, isDraft4);
     return root;
-}
-
-void JsonDocuments::setIgnoresSiblings(bool ignores)
-{
-    documents[0].ignoresSiblings = ignores;
 }
 
 // A schema's identifier counts before those of the schemas inside it, wherever it stands among its members.
@@ -179,6 +177,8 @@ JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference)
     if (known == resolved.end()) {
         Resolved found;
         lookUp(holder, tree.names[reference], found);
+        if (found.node != 0)
+            link(holder, found.node);
         known = resolved.emplace(key, found).first;
     }
     const auto [node, fault] = known->second;
@@ -226,7 +226,7 @@ JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& p
     const CString shownName = shownFrom(fromName, documents[from.file].folder, path, file);
     const CString named = " (named in " + placeInWords(fromName, from.line, from.column) + ")";
     try {
-        return read(file.name, shownName, kMaxNamedFile);
+        return read(file.name, shownName, kMaxNamedFile, ignoresSiblings(holder));
     } catch (const JsonFault& fault) {
         report.add(SourceReport::moduleIllFormed, {report.fileCount() - 1, fault.line, fault.column},
                    fault.reason + named);
@@ -272,6 +272,21 @@ JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointe
         }
     }
     return at;
+}
+
+std::vector<std::size_t> JsonDocuments::findTops(std::span<const Index> roots) const
+{
+    std::vector<std::size_t> positions;
+    std::vector<DocumentLinks::Index> given;
+    for (std::size_t i = 0; i < roots.size(); ++i)
+        if (roots[i] != 0) {
+            positions.push_back(i);
+            given.push_back(tree[roots[i]].document);
+        }
+    std::vector<std::size_t> tops = links.findTops(given);
+    for (std::size_t& top : tops)
+        top = positions[top];
+    return tops;
 }
 
 CString JsonDocuments::nameOf(Index node) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Files/FileFinder.h"
+#include "Import/Full/DocumentLinks.h"
 #include "Import/Json/JsonTree.h"
 
 #include <map>
@@ -14,7 +15,7 @@ public:
 
     JsonDocuments(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
-    /// Reads the source and returns its value, which is never 0. Throws SourceRefusal.
+    /// Reads a source and returns its value; 0 if the file was read before. Throws SourceRefusal.
     Index load(const CString& fileName);
 
     /// What the `reference` that stands at `holder` leads to, by identifiers and anchors, else by file and pointer
@@ -24,8 +25,14 @@ public:
     /// Whether a "$ref" is all that counts in its schema, as up to draft 7.
     bool ignoresSiblings(Index node) const { return documents[tree[node].document].ignoresSiblings; }
 
-    /// Says that for the main document and those that say nothing themselves.
-    void setIgnoresSiblings(bool ignores);
+    /// Says that for the document of `node`, and for those that it refers to and that say nothing themselves.
+    void setIgnoresSiblings(Index node, bool ignores) { documents[tree[node].document].ignoresSiblings = ignores; }
+
+    /// Notes that what stands at `holder` is told by what stands at `node`.
+    void link(Index holder, Index node) { links.add(tree[holder].document, tree[node].document); }
+
+    /// Those of these values, by position and in order, whose documents no other one refers to. 0 is none.
+    std::vector<std::size_t> findTops(std::span<const Index> roots) const;
 
     /// The value that the document of `node` is.
     Index rootOf(Index node) const { return documents[tree[node].document].root; }
@@ -54,7 +61,7 @@ private:
         SourceReport::Construct fault = SourceReport::unresolvedReference;
     };
 
-    Index read(const CString& fileName, const CString& shownName, std::size_t most);
+    Index read(const CString& fileName, const CString& shownName, std::size_t most, bool ignoresSiblings);
     void findIdentifiers(Index first, bool isDraft4);
     void keepIdentifier(Index node, bool isDraft4);
     const CString& uriOf(Index resource) const;
@@ -68,6 +75,7 @@ private:
     SourceTypes& types;
     SourceReport& report;
     FileFinder finder;
+    DocumentLinks links;
     std::vector<Document> documents;                      // by their numbers in the report
     std::map<FileId, Index> parsed;                       // the value of each file; 0 for one that can't be read
     std::unordered_map<CString, Index> resources;         // by URI

@@ -1,20 +1,18 @@
 #pragma once
 
-#include "Import/Full/FullMessage.h"
+#include "Import/Json/JsonMessage.h"
 
 /// The importer of JSON Schemas, drafts 4 to 2020-12, in JSON or YAML.
-class JsonSchemaMessage : public FullMessage
+class JsonSchemaMessage : public JsonMessage
 {
 public:
-    JsonSchemaMessage() : FullMessage(m_descr) {}
+    JsonSchemaMessage() : JsonMessage(m_descr) {}
 
     static MsgBase* New() { return new JsonSchemaMessage; }
-
-    int isFileMode() const override { return 1; }
 
     static MsgUIDescriptor m_descr;
 
 protected:
-    /// `source` is the name of the file.
-    void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
+    void readDocuments(std::span<const Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
+                       SourceReport& report) override;
 };

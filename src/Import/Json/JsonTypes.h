@@ -24,6 +24,9 @@ public:
         documents(documents), tree(documents.tree), types(types), contents(documents, types, report), report(report)
     {}
 
+    /// The document, by its position in the set, that the next candidates are noted for.
+    void setSource(Index position) { source = position; }
+
     /// The type of what `schema` describes. What has no name of its own is called `name`; `home` is the record inside
     /// which it stands.
     Shape shapeOf(Index schema, std::string_view name, SourceTypes::Index home = SourceTypes::kNone);
@@ -75,7 +78,8 @@ private:
     std::unordered_map<Index, std::string_view> names;
     std::unordered_map<NameTable::Id, std::string_view> keptNames;
     std::unordered_map<NameTable::Id, std::string_view> descriptions;
-    std::unordered_set<SourceTypes::Index> candidates; // records
+    std::unordered_set<std::uint64_t> candidates; // by source and record
+    Index source = 0;
     std::vector<Pending> pending;
     std::vector<JsonField> inHand;
     std::vector<SourceTypes::Field> fields;

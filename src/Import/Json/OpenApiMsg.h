@@ -1,20 +1,18 @@
 #pragma once
 
-#include "Import/Full/FullMessage.h"
+#include "Import/Json/JsonMessage.h"
 
 /// The importer of API descriptions: OpenAPI 3 and AsyncAPI 2 and 3, in JSON or YAML.
-class OpenApiMessage : public FullMessage
+class OpenApiMessage : public JsonMessage
 {
 public:
-    OpenApiMessage() : FullMessage(m_descr) {}
+    OpenApiMessage() : JsonMessage(m_descr) {}
 
     static MsgBase* New() { return new OpenApiMessage; }
-
-    int isFileMode() const override { return 1; }
 
     static MsgUIDescriptor m_descr;
 
 protected:
-    /// `source` is the name of the file.
-    void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
+    void readDocuments(std::span<const Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
+                       SourceReport& report) override;
 };
