@@ -5,7 +5,13 @@ set(CPACK_COMPONENTS_ALL typeforge-import)
 if(TYPEFORGE_WIZARD)
     list(APPEND CPACK_COMPONENTS_ALL typeforge)
 endif()
-set(CPACK_PACKAGE_CONTACT "The Typeforge developers <developers@typeforge.org>")
+# Whoever builds the packages answers for them: named as Debian's own tools do it, else the author of the commit.
+if(NOT "$ENV{DEBEMAIL}" STREQUAL "")
+    set(CPACK_PACKAGE_CONTACT "$ENV{DEBFULLNAME} <$ENV{DEBEMAIL}>")
+else()
+    execute_process(COMMAND git -C ${CMAKE_SOURCE_DIR} log -1 "--format=%an <%ae>"
+        OUTPUT_VARIABLE CPACK_PACKAGE_CONTACT OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+endif()
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -48,9 +54,10 @@ set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_SUGGESTS "odbc-postgresql, odbc-mariadb, tdso
 
 # Each package says what it is under and what became different (Debian Policy 12.5, 12.7).
 find_program(GZIP gzip REQUIRED)
+configure_file(changelog.in changelog @ONLY)
 set(changelog ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz)
-add_custom_command(OUTPUT ${changelog} DEPENDS changelog
-    COMMAND ${GZIP} -9nc ${CMAKE_CURRENT_SOURCE_DIR}/changelog > ${changelog})
+add_custom_command(OUTPUT ${changelog} DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/changelog
+    COMMAND ${GZIP} -9nc ${CMAKE_CURRENT_BINARY_DIR}/changelog > ${changelog})
 add_custom_target(debian_changelog ALL DEPENDS ${changelog})
 foreach(part ${CPACK_COMPONENTS_ALL})
     install(FILES copyright ${changelog} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${part} COMPONENT ${part})
