@@ -199,7 +199,7 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
             addField(frame, fields[added.first + i], how);
         return;
     }
-    if (how == maybe)
+    if (how == maybe && !(kind == JsonContent::map && added.kind == JsonContent::record))
         return;
     const bool isRefined =
         kind == JsonContent::text && (added.kind == JsonContent::enumeration || added.kind == JsonContent::time);
