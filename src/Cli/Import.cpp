@@ -12,8 +12,7 @@
 #include "Import/GenerationTime.h"
 #include "Import/MsgBase.h"
 #include "Import/Registry/ImporterChoice.h"
-
-#include <filesystem>
+#include "Import/Registry/SourceSet.h"
 
 namespace {
 
@@ -173,12 +172,8 @@ void takeFolders(Arguments& arguments)
         return;
     const std::vector<CString> given = std::move(arguments.sources);
     arguments.sources = withoutFolders(given, arguments.importer, arguments.isRecursive);
-    if (given.size() > 1 || arguments.sources.size() < 2 || !arguments.full.name.empty())
-        return;
-    CString folder = std::filesystem::absolute(given.front()).lexically_normal().string();
-    while (folder.ends_with('/'))
-        folder.pop_back();
-    arguments.full.name = folder.substr(folder.rfind('/') + 1);
+    if (arguments.full.name.empty())
+        arguments.full.name = nameOfSet(given, arguments.sources);
 }
 
 // Several files go by the first of them.

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Base/Text.h"
+
+#include <vector>
+
+class MsgUIDescriptor;
+
+/// `sources` with each folder replaced by the files in it that are called like the sources of `importer` (null: of any
+/// that reads in full), sorted by name; with `isRecursive` also by those in folders below, links to folders left out.
+/// Throws std::runtime_error for a folder that can't be read or holds none.
+std::vector<CString> withoutFolders(const std::vector<CString>& sources, const MsgUIDescriptor* importer,
+                                    bool isRecursive);
+
+/// The name of what is read from `files`, which withoutFolders() made of `given`: the folder's, if one folder holds
+/// several; else "", and the main type names it.
+CString nameOfSet(const std::vector<CString>& given, const std::vector<CString>& files);
