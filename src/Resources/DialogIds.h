@@ -57,7 +57,17 @@ enum ControlId : int
     IDC_FULL_READING = 1103,
     IDC_MAIN_ELEMENT = 1104,
     IDC_DETAILS = 1105,
-    IDC_NOT_CARRIED_OVER = 1106
+    IDC_NOT_CARRIED_OVER = 1106,
+    IDC_FOLDER_LAYOUT = 1107, // of several sources
+    IDC_CHOOSE_FOLDER = 1108,
+    IDC_PREVIEW = 1131,
+    IDC_COUNTS = 1132, // of a source's types
+    IDC_COUNT_TYPES = 1133,
+    IDC_READ_IN_FULL = 1134,
+    IDC_OUTPUT_STATE = 1135,
+    IDC_DONE = 1136, // what was, on the last page
+    IDC_OPEN_FOLDER = 1137,
+    IDC_VIEW_FILE = 1138
 };
 
 // Resource ids of the pictures and the icon.

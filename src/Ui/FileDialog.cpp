@@ -4,6 +4,8 @@
 
 #include <QFileDialog>
 
+#include <algorithm>
+
 namespace {
 
 // Some of the platform's dialogs match patterns by letter case, so each stands there both ways.
@@ -35,6 +37,22 @@ CString chooseFileToOpen(QWidget* owner, const FileQuestion& question)
     return fromUi(QFileDialog::getOpenFileName(owner, toUi(question.title), startOf(question),
                                                filterRows(question.filters), nullptr,
                                                QFileDialog::HideNameFilterDetails));
+}
+
+std::vector<CString> chooseFilesToOpen(QWidget* owner, const FileQuestion& question)
+{
+    std::vector<CString> names;
+    for (const QString& name :
+         QFileDialog::getOpenFileNames(owner, toUi(question.title), startOf(question), filterRows(question.filters),
+                                       nullptr, QFileDialog::HideNameFilterDetails))
+        names.push_back(fromUi(name));
+    std::ranges::sort(names);
+    return names;
+}
+
+CString chooseFolder(QWidget* owner, const CString& title, const CString& start)
+{
+    return fromUi(QFileDialog::getExistingDirectory(owner, toUi(title), toUi(start)));
 }
 
 CString chooseFileToSave(QWidget* owner, const FileQuestion& question)

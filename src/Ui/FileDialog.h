@@ -25,5 +25,12 @@ struct FileQuestion
 /// Asks for an existing file with the platform's dialog. "" when the user cancels.
 CString chooseFileToOpen(QWidget* owner, const FileQuestion& question);
 
-/// The same for a file to write, which need not exist; the dialog itself asks before it takes an existing one.
+/// The same for one or several, in the order of their names. None if the user cancels.
+std::vector<CString> chooseFilesToOpen(QWidget* owner, const FileQuestion& question);
+
+/// Asks for a folder. "" if the user cancels.
+CString chooseFolder(QWidget* owner, const CString& title, const CString& start);
+
+/// The same as chooseFileToOpen() for a file to write, which need not exist; the dialog itself asks before it takes an
+/// existing one.
 CString chooseFileToSave(QWidget* owner, const FileQuestion& question);

@@ -4,17 +4,20 @@
 #include "Files/File.h"
 #include "Files/FileMessage.h"
 #include "Import/Registry/ImporterChoice.h"
+#include "Import/Registry/SourceSet.h"
 #include "Resources/StringTable.h"
 #include "Ui/CoverText.h"
 #include "Ui/DraggedFiles.h"
 #include "Ui/ModalBox.h"
 #include "Ui/UiText.h"
+#include "Wizard/Run/SourceList.h"
 #include "Wizard/WindowLayout.h"
 
 #include <QDropEvent>
 #include <QIcon>
 
 #include <algorithm>
+#include <stdexcept>
 
 // Nothing refers to the pictures and help pages by name, so out of a library they are only linked in when asked for.
 [[maybe_unused]] static const int resources = [] {
@@ -30,6 +33,45 @@ int rowOf(const MsgUIDescriptor* importer)
     while (g_amud[row] != importer)
         ++row;
     return row;
+}
+
+// The importer for a file, or for the first source in a folder, where `preferred` goes before; null if there is none.
+MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
+{
+    if (!isFolder(name))
+        return importerFor(name);
+    for (const MsgUIDescriptor* wanted : {preferred, static_cast<MsgUIDescriptor*>(nullptr)})
+        try {
+            return importerFor(withoutFolders({name}, wanted, false).front());
+        } catch (const std::runtime_error&) {
+            continue; // it holds none of these
+        }
+    return nullptr;
+}
+
+CString whyNoImporter(const CString& name)
+{
+    if (isFolder(name))
+        return "it holds no DTD and no schema. Choose the folder that does, or the files themselves.";
+    const FileCause cause = testReadable(name);
+    const std::string_view foreign = foreignAdvice(name);
+    if (cause != FileCause::none)
+        return inWords(name, cause);
+    return foreign.empty()
+               ? "no importer knows it by its name or its start. If it is a source all the same, choose its "
+                 "importer in the list, press Next, and name it there."
+               : CString(foreign);
+}
+
+void nameAside(const std::vector<CString>& files, bool readsSeveral)
+{
+    if (files.empty())
+        return;
+    CString text = readsSeveral ? "Files of one kind are imported together. Left aside:"
+                                : "One file is imported at a time. Left aside:";
+    for (const CString& file : files)
+        text += "\n" + file;
+    theApp.Error(text, IDS_ERROR_TITLE);
 }
 
 } // namespace
@@ -60,27 +102,28 @@ QELWizard::~QELWizard()
 
 void QELWizard::openFiles(const QStringList& files)
 {
-    const CString fileName = absoluteName(fromUi(files.front()));
-    MsgUIDescriptor* const importer = importerFor(fileName);
+    MsgUIDescriptor* const shown = activePage() == &sourcePage ? message->queryDescriptor() : nullptr;
+    MsgUIDescriptor* const preferred = shown && shown->hasFull() ? shown : nullptr;
+    const CString first = absoluteName(fromUi(files.front()));
+    MsgUIDescriptor* const importer = importerOf(first, preferred);
+    const bool isOneOfMany = importer && readsSeveral(*importer);
+    std::vector<CString> together = {first}, aside;
+    for (const QString& file : files.mid(1)) {
+        const CString name = absoluteName(fromUi(file));
+        (isOneOfMany && importerOf(name, importer) == importer ? together : aside).push_back(name);
+    }
     if (importer == nullptr) {
-        const FileCause cause = testReadable(fileName);
-        const std::string_view foreign = foreignAdvice(fileName);
-        const CString reason = cause != FileCause::none ? inWords(fileName, cause)
-                               : foreign.empty()        ? "No source that an importer knows"
-                                                        : CString(foreign);
-        theApp.Error(loadText(IDS_SELECT_SOURCE), IDS_ERROR_TITLE, fileName + ": " + reason);
+        theApp.Error(loadText(IDS_SELECT_SOURCE), IDS_ERROR_TITLE, first + ": " + whyNoImporter(first));
     } else {
         show();
-        if (activePage() != &sourcePage || message->queryDescriptor() != importer) {
+        if (shown != importer) {
             options.setLastImporterSel(rowOf(importer));
             showPage(IDD_SOURCE_TYPE);
             next();
         }
-        sourcePage.takeFile(fileName);
+        sourcePage.takeFile(textOfSources(together));
     }
-    if (files.size() > 1)
-        theApp.Error("One file is imported at a time. Left aside:\n" + fromUi(files.mid(1).join('\n')),
-                     IDS_ERROR_TITLE);
+    nameAside(aside, isOneOfMany);
 }
 
 void QELWizard::OnPageMade(WizardPage& page)

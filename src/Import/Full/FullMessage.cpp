@@ -106,7 +106,7 @@ void FullMessage::forget()
 
 void FullMessage::import(const CString& source, const CString& fileName, const CString& basePath)
 {
-    const bool bySpace = layout == Layout::byNamespace || (layout == Layout::automatic && !furtherFiles.empty());
+    const bool bySpace = laysOutByNamespace();
     SourceTypes types(fileName, bySpace ? &folders : nullptr);
     for (const CString& file : catalogFiles)
         catalogs.load(file);

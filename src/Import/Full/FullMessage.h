@@ -29,6 +29,13 @@ public:
         byNamespace ///< each in the folder of its namespace, where it has its name to itself
     };
     void setLayout(Layout wanted) { layout = wanted; }
+    Layout queryLayout() const { return layout; }
+
+    /// Whether the types of the next import lie by namespace.
+    bool laysOutByNamespace() const
+    {
+        return layout == Layout::byNamespace || (layout == Layout::automatic && !furtherFiles.empty());
+    }
 
     /// The folder for the types of a namespace, where they lie by namespace; "" is the base path itself.
     void setFolder(const CString& uri, const CString& folder) { folders[uri] = folder; }

@@ -130,11 +130,16 @@ void EditPage::showTypes()
     types.reserve(static_cast<std::size_t>(wizard->message->beginEnum()));
     while (Element* element = wizard->message->enumNext())
         types.push_back(element);
+    const FullMessage* const full = wizard->fullMessage();
+    const bool showsFolders = full && full->laysOutByNamespace();
+    const std::size_t base = toXmlText(wizard->options.queryPath()).size();
     typeList->setRows(
         static_cast<int>(types.size()),
-        [this](int row, int column) {
+        [this, showsFolders, base](int row, int column) {
             const Element* element = types[static_cast<std::size_t>(row)];
-            return column == 0 ? element->queryName() : element->queryDescription();
+            if (column != 0)
+                return element->queryDescription();
+            return showsFolders ? element->queryPath().substr(base) + element->queryName() : element->queryName();
         },
         [this](int row) -> const ListRows::Mark& {
             return kindMark(types[static_cast<std::size_t>(row)]->queryType());
@@ -147,7 +152,7 @@ void EditPage::chooseMain(const CString& name)
 {
     clear(); // the elements go
     wizard->fullMessage()->setRoot(name);
-    const auto import = [this]() -> LRESULT { return wizard->importFile(wizard->options.queryInputFile()) ? 0 : -1; };
+    const auto import = [this]() -> LRESULT { return wizard->importAgain() ? 0 : -1; };
     if (sheet()->ask(import) == -1)
         return sheet()->back(); // there are no types left to look at
     readingRow->showCount(*wizard->fullMessage());

@@ -40,11 +40,12 @@ void FilePage::OnInitDialog()
     setAcceptDrops(true);
 }
 
-void FilePage::addRow(QWidget* control)
+void FilePage::addRow(QWidget* row, bool isHigh)
 {
     auto* grid = static_cast<QGridLayout*>(layout());
-    grid->addWidget(control, grid->rowCount(), 1, 1, 2);
-    grid->setRowStretch(grid->rowCount(), 1);
+    grid->addWidget(row, rows, 0, 1, 3);
+    grid->setRowStretch(rows, isHigh ? 1 : 0);
+    ++rows;
 }
 
 void FilePage::OnSetActive()
@@ -67,17 +68,17 @@ void FilePage::UpdateData(bool save)
 void FilePage::OnPickfile()
 {
     UpdateData(true);
-    if (const CString chosen = chooseFile(); !chosen.empty())
-        fileName = chosen;
-    takeFolder();
+    const CString chosen = chooseFile();
+    takeFile(chosen.empty() ? fileName : chosen);
     fileCombo->setFocus(); // so that Return goes on, and doesn't browse again
 }
 
 // The folder follows the file name, whether it has just been chosen or was there before.
 void FilePage::takeFolder()
 {
-    if (const std::size_t slash = fileName.rfind('/'); slash != CString::npos) {
-        setFolder(fileName.substr(0, std::max<std::size_t>(slash, 1)));
+    const CString named = namedFile();
+    if (const std::size_t slash = named.rfind('/'); slash != CString::npos) {
+        setFolder(named.substr(0, std::max<std::size_t>(slash, 1)));
         folderText = enterFolder();
     }
     UpdateData(false);

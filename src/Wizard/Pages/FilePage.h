@@ -16,7 +16,7 @@ public:
     void OnSetActive() override;
 
     /// Fills the name of a file in, as if it had been chosen with Browse.
-    void takeFile(const CString& chosen);
+    virtual void takeFile(const CString& chosen);
 
 protected:
     /// The id of the combo box.
@@ -40,8 +40,13 @@ protected:
     /// Reads the controls into the members when `save`, else shows the members.
     void UpdateData(bool save);
 
-    /// Puts a control below the others.
-    void addRow(QWidget* control);
+    /// Puts controls below the others: a row that takes the room that is left if `isHigh`.
+    void addRow(QWidget* row, bool isHigh = false);
+
+    /// The name that the folder is taken from when a file has been chosen.
+    virtual CString namedFile() const { return fileName; }
+
+    QComboBox& combo() const { return *fileCombo; }
 
     void OnPickfile();
 
@@ -56,4 +61,5 @@ private:
 
     QComboBox* fileCombo = nullptr;
     PathLabel* folderLabel = nullptr;
+    int rows = 2; // of the layout
 };

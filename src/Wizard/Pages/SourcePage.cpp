@@ -1,14 +1,22 @@
 #include "Wizard/Pages/SourcePage.h"
 
 #include "Base/MessageBox.h"
+#include "Base/QELApp.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
 #include "Import/Full/FullReadingHint.h"
 #include "Resources/StringTable.h"
 #include "Ui/FileDialog.h"
+#include "Ui/PlainText.h"
+#include "Wizard/Run/SourceList.h"
 #include "Wizard/Run/WizardRun.h"
 
 #include <QCheckBox>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 
 #include <algorithm>
 
@@ -64,15 +72,42 @@ SourcePage::SourcePage() : FilePage(IDD_SOURCE, "Typeforge - Select source", IDS
 void SourcePage::OnInitDialog()
 {
     FilePage::OnInitDialog();
+    combo().lineEdit()->setMaxLength(QELOptions::kMaxSourceSet);
     fullCheck = withId(IDC_FULL_READING, new QCheckBox("Read in &full (namespaces, entities, derived types)"));
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
     addRow(fullCheck);
+    addRow(makeSetRow());
+    connect(fullCheck, &QCheckBox::toggled, setRow, &QWidget::setVisible);
+}
+
+QWidget* SourcePage::makeSetRow()
+{
+    layoutCombo = withId(IDC_FOLDER_LAYOUT, new QComboBox);
+    for (const char* choice : {"by namespace for several files", "by main type", "by namespace"})
+        layoutCombo->addItem(choice);
+    layoutCombo->setCurrentIndex(static_cast<int>(wizard->options.queryLayout()));
+    layoutCombo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    QLabel* label = plainLabel("Folders of &types:");
+    label->setBuddy(layoutCombo);
+    auto* folderButton = withId(IDC_CHOOSE_FOLDER, new QPushButton("Read a f&older ..."));
+    folderButton->setToolTip(plainToolTip("Reads all sources of a folder as one"));
+    connect(folderButton, &QPushButton::clicked, this, &SourcePage::pickFolder);
+    setRow = new QWidget;
+    auto* row = new QHBoxLayout(setRow);
+    row->setContentsMargins({});
+    row->addWidget(label);
+    row->addWidget(layoutCombo, 1);
+    row->addWidget(folderButton);
+    return setRow;
 }
 
 void SourcePage::OnSetActive()
 {
     FilePage::OnSetActive();
-    fullCheck->setVisible(wizard->message->queryDescriptor()->hasFull());
+    const bool hasFull = wizard->message->queryDescriptor()->hasFull();
+    fullCheck->setVisible(hasFull);
+    fullCheck->setChecked(wizard->options.queryFullReading() != 0);
+    setRow->setVisible(hasFull && fullCheck->isChecked());
 }
 
 /// Changes the importer for the one of its row that reads as it was asked for.
@@ -82,24 +117,73 @@ void SourcePage::chooseReading()
     if (!row.hasFull())
         return;
     wizard->options.setFullReading(fullCheck->isChecked());
+    wizard->options.setLayout(static_cast<FullMessage::Layout>(layoutCombo->currentIndex()));
     if (fullCheck->isChecked())
         wizard->message.reset(row.createFull());
     else if (wizard->fullMessage())
         wizard->message.reset(row.create());
 }
 
+// Why these can't be imported as they are chosen; "" if they can.
+CString SourcePage::obstacleOf(const std::vector<CString>& names) const
+{
+    const bool hasFull = wizard->message->queryDescriptor()->hasFull();
+    const bool readsFull = hasFull && fullCheck->isChecked();
+    for (const CString& name : names) {
+        const FileCause cause = testReadable(name);
+        if (cause != FileCause::none && !(readsFull && isFolder(name)))
+            return (names.size() > 1 ? name + ": " : CString()) + inWords(name, cause);
+    }
+    if (names.size() == 1 || readsFull)
+        return {};
+    if (hasFull)
+        return "Several files are read as one in full only. Check \"Read in full\", or choose one file.";
+    return wizard->message->setFurtherFiles({}) ? "" : "This importer reads one file at a time. Choose one of them.";
+}
+
 LRESULT SourcePage::OnWizardNext()
 {
     UpdateData(true);
-    if (const FileCause cause = testReadable(fileName); cause != FileCause::none)
-        return stay(IDS_SELECT_SOURCE, inWords(fileName, cause));
-    wizard->options.addInputFile(fileName);
+    const std::vector<CString> names = sourcesIn(fileName);
+    if (const CString obstacle = obstacleOf(names); !obstacle.empty())
+        return stay(IDS_SELECT_SOURCE, obstacle);
+    const bool isSet = names.size() > 1 || isFolder(names.front());
+    wizard->options.setSetLast(isSet);
+    if (isSet)
+        wizard->options.setSourceSet(fileName);
+    else
+        wizard->options.addInputFile(fileName);
     chooseReading();
-    const WayOut hint(*wizard, fileName);
-    if (!wizard->importFile(fileName))
+    const WayOut hint(*wizard, names.front());
+    if (!wizard->importSources(names))
         return -1; // the importer has said why
     wizard->options.setEditBack(IDD_SOURCE);
     return IDD_EDIT;
+}
+
+CString SourcePage::namedFile() const
+{
+    return sourcesIn(fileName).front();
+}
+
+void SourcePage::takeFile(const CString& chosen)
+{
+    if (chosen.size() > QELOptions::kMaxSourceSet) {
+        theApp.Error("These are too many files to name. Put them into a folder, and choose that.", IDS_ERROR_TITLE);
+        return;
+    }
+    FilePage::takeFile(chosen);
+    const bool isSet = sourcesIn(chosen).size() > 1 || isFolder(chosen);
+    if (isSet && wizard->message->queryDescriptor()->hasFull())
+        fullCheck->setChecked(true); // there is no other way to read it
+}
+
+void SourcePage::pickFolder()
+{
+    if (const CString folder = chooseFolder(this, "Select a folder of sources", wizard->options.queryInputFolder());
+        !folder.empty())
+        takeFile(folder);
+    combo().setFocus();
 }
 
 void SourcePage::fillFiles(QComboBox& combo)
@@ -109,8 +193,10 @@ void SourcePage::fillFiles(QComboBox& combo)
 
 CString SourcePage::chooseFile()
 {
-    return chooseFileToOpen(this,
-                            {loadText(IDS_SELECT_SOURCE), fileFilters(), wizard->options.queryInputFolder(), fileName});
+    const FileQuestion question = {loadText(IDS_SELECT_SOURCE), fileFilters(), wizard->options.queryInputFolder(),
+                                   namedFile()};
+    return readsSeveral(*wizard->message->queryDescriptor()) ? textOfSources(chooseFilesToOpen(this, question))
+                                                             : chooseFileToOpen(this, question);
 }
 
 void SourcePage::OnDrop(const QStringList& files)

@@ -2,9 +2,12 @@
 
 #include "Wizard/Pages/FilePage.h"
 
-class QCheckBox;
+#include <vector>
 
-/// Chooses the input file and runs the importer on it.
+class QCheckBox;
+class QComboBox;
+
+/// Chooses the input file, or several files and folders that are one source, and runs the importer on them.
 class SourcePage : public FilePage
 {
 public:
@@ -14,6 +17,7 @@ public:
     void OnSetActive() override;
     LRESULT OnWizardNext() override;
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
+    void takeFile(const CString& chosen) override;
 
 protected:
     int comboId() const override { return IDC_INPUT_FILE; }
@@ -22,9 +26,16 @@ protected:
     void OnDrop(const QStringList& files) override;
     void setFolder(const CString& folder) override;
     CString enterFolder() override;
+    CString namedFile() const override;
 
 private:
+    QWidget* makeSetRow();
+    void pickFolder();
     void chooseReading();
+    CString obstacleOf(const std::vector<CString>& names) const;
+
 
     QCheckBox* fullCheck = nullptr;
+    QWidget* setRow = nullptr; // what matters to several files alone
+    QComboBox* layoutCombo = nullptr;
 };

@@ -82,6 +82,12 @@ void QELOptions::getValues()
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "LastOutputMode", lastOutputSel);
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "UseTrustedLogon", useTrustedLogon);
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "FullReading", fullReading);
+    reg.getInt(HKEY_CURRENT_USER, kProgramKey, "FolderLayout", layout);
+    layout = std::clamp(layout, 0, static_cast<int>(FullMessage::Layout::byNamespace));
+    reg.getInt(HKEY_CURRENT_USER, kProgramKey, "SourceSetLast", setLast);
+    for (const auto& [name, value] : reg.queryValues(HKEY_CURRENT_USER, kProgramKey))
+        if (name == "SourceSet")
+            setSourceSet(value.bytes.c_str());
 }
 
 void QELOptions::flushValues()
@@ -100,6 +106,16 @@ void QELOptions::flushValues()
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "LastOutputMode", lastOutputSel);
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "UseTrustedLogon", useTrustedLogon);
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "FullReading", fullReading);
+    reg.setInt(HKEY_CURRENT_USER, kProgramKey, "FolderLayout", layout);
+    reg.setInt(HKEY_CURRENT_USER, kProgramKey, "SourceSetLast", setLast);
+    if (!sourceSet.empty())
+        storeText(reg, kProgramKey, "SourceSet", sourceSet);
+}
+
+void QELOptions::setSourceSet(const CString& text)
+{
+    if (text.size() <= kMaxSourceSet)
+        sourceSet = text;
 }
 
 void QELOptions::addInputFile(const CString& file)
@@ -124,7 +140,13 @@ void QELOptions::addBrokerIP(CString address)
 
 CString QELOptions::fillInputFile(CComboBox& combo)
 {
-    return FillCombo(combo, inputFiles);
+    const CString newest = FillCombo(combo, inputFiles);
+    if (sourceSet.empty())
+        return newest;
+    const bool isFirst = setLast != 0 || inputFiles.empty();
+    combo.insertItem(isFirst ? 0 : 1, toUi(sourceSet));
+    combo.setCurrentIndex(0);
+    return isFirst ? sourceSet : newest;
 }
 
 CString QELOptions::fillOutputFile(CComboBox& combo)

@@ -2,6 +2,7 @@
 
 #include "Base/Text.h"
 #include "Broker/ResultKind.h"
+#include "Import/Full/FullMessage.h"
 #include "Ui/Controls.h"
 
 #include <vector>
@@ -57,6 +58,17 @@ public:
     void setLastOutputSel(int mode) { lastOutputSel = mode; }
     int queryFullReading() const { return fullReading; }
     void setFullReading(int full) { fullReading = full; }
+    FullMessage::Layout queryLayout() const { return static_cast<FullMessage::Layout>(layout); }
+    void setLayout(FullMessage::Layout wanted) { layout = static_cast<int>(wanted); }
+
+    /// What names several files, or a folder, that were read as one source last; "" if there was no such source. It is
+    /// the one that was read last of all if isSetLast().
+    const CString& querySourceSet() const { return sourceSet; }
+    static constexpr int kMaxSourceSet = 100'000; ///< bytes of the text
+    bool isSetLast() const { return setLast != 0; }
+    void setSourceSet(const CString& text);
+    void setSetLast(bool isLast) { setLast = isLast ? 1 : 0; }
+
     int queryUseTrustedLogon() const { return useTrustedLogon; }
     void setUseTrustedLogon(int trusted) { useTrustedLogon = trusted; }
 
@@ -85,6 +97,9 @@ private:
     int lastImporterSel = 0;
     int lastOutputSel = 0; // of OutputPage::OutputMode
     int fullReading = 0;
+    int layout = 0; // of FullMessage::Layout
+    int setLast = 0;
+    CString sourceSet;
     int useTrustedLogon = 0;
     CString pwd;
     CString basePath;

@@ -32,12 +32,18 @@ CString ScriptCommand::text(const MsgBase& message) const
 {
     MsgUIDescriptor& importer = *message.queryDescriptor();
     CString line = CString("typeforge-import ") + importer.querySource().word + " " + quoted(source);
+    for (const CString& further : furtherSources)
+        line += " " + quoted(further);
     if (basePath != importer.getBasePath())
         line += option("--base-path", basePath);
     for (const CString& table : tables)
         line += option("--table", table);
-    if (const auto* full = dynamic_cast<const FullMessage*>(&message))
-        line += (importer.hasFull() ? " --full" : "") + option("--root", full->queryRoot());
+    if (const auto* full = dynamic_cast<const FullMessage*>(&message)) {
+        line += importer.hasFull() ? " --full" : "";
+        if (full->queryLayout() != FullMessage::Layout::automatic)
+            line += option("--folders", full->queryLayout() == FullMessage::Layout::byMainType ? "main" : "namespace");
+        line += option("--root", full->queryRoot());
+    }
     line += option("--output", output);
     if (output.empty()) // --user is then the broker's
         line += option("--create", address) + option("--user", user) + option("--source-user", sourceUser) +

@@ -10,7 +10,7 @@ class MsgBase;
 /// a password is none of it.
 struct ScriptCommand
 {
-    CString source; ///< a file by its name from the root, or a data source
+    CString source; ///< a file or a folder by its name from the root, or a data source
     CString basePath = {};
     CString sourceUser = {}; ///< who was logged on to the data source; empty: nobody had to be
     std::vector<CString> tables = {};
@@ -18,6 +18,7 @@ struct ScriptCommand
     CString address = {};   ///< of the broker
     CString user = {};      ///< of the broker; empty: the user that runs the program
     CString overwrite = {}; ///< the word of the command line for the answers that were given; empty: nothing was asked
+    std::vector<CString> furtherSources = {}; ///< files and folders that are read as one source with `source`
 
     /// The command line of `typeforge-import` that does the same with an importer of the same kind, as a shell takes
     /// it.

@@ -3,6 +3,7 @@
 #include "Base/QELApp.h"
 #include "Base/Secret.h"
 #include "Database/ConnectString.h"
+#include "Import/Registry/SourceSet.h"
 #include "Resources/StringTable.h"
 #include "Ui/ModalBox.h"
 #include "Ui/WaitCursor.h"
@@ -10,6 +11,7 @@
 #include "Ui/WizardSheet.h"
 #include "Wizard/Run/DataSourceLogon.h"
 
+#include <span>
 #include <unistd.h>
 
 CString WizardRun::setCurrentFolder(WhichFolder which)
@@ -24,19 +26,36 @@ CString WizardRun::setCurrentFolder(WhichFolder which)
     return fillText(loadText(IDS_CURRENT_FOLDER), folder);
 }
 
-bool WizardRun::importFile(const CString& fileName)
+bool WizardRun::importSources(const std::vector<CString>& names)
 {
     setCurrentFolder(folderInput);
-    script = {absoluteName(fileName), options.queryPath()};
+    sources = names;
+    script = {absoluteName(names.front()), options.queryPath()};
+    for (const CString& further : std::span(names).subspan(1))
+        script.furtherSources.push_back(absoluteName(further));
     const WaitCursor wait;
     const ImportMessages together;
     message->wantReport();
     int isRead = 0;
-    sheet.runLong([&] { isRead = message->parseFile(fileName, options.queryPath()); });
+    sheet.runLong([&] { isRead = readSources(); });
     if (!isRead)
         return false;
     setCurrentFolder(folderCWD);
     return true;
+}
+
+// In the thread of the long work.
+int WizardRun::readSources()
+{
+    std::vector<CString> files = sources;
+    FullMessage* const full = fullMessage();
+    if (full && full->queryDescriptor()->hasFull()) {
+        files = withoutFolders(sources, full->queryDescriptor(), false);
+        full->setName(nameOfSet(sources, files));
+        full->setLayout(options.queryLayout());
+    }
+    message->setFurtherFiles({files.begin() + 1, files.end()});
+    return message->parseFile(files.front(), options.queryPath());
 }
 
 bool WizardRun::openDatabase()

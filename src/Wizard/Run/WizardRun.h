@@ -31,9 +31,13 @@ public:
     /// is; the start folder's, and no change, when there is no such folder.
     CString setCurrentFolder(WhichFolder which);
 
-    /// Runs the importer on a file, a bare name being one of the input folder. False when that failed, which the
-    /// importer has then said. Raises Cancelled.
-    bool importFile(const CString& fileName);
+    /// Runs the importer on a file, or on several files and folders as one source; a bare name is one of the input
+    /// folder. A full reading takes the layout of the options. False if that failed, which the user has been told.
+    /// Raises Cancelled.
+    bool importSources(const std::vector<CString>& names);
+
+    /// The same once more, with what was imported last.
+    bool importAgain() { return importSources(std::vector<CString>(sources)); }
 
     /// Opens the data source that is in `script`. Asks for user and password as often as they are refused. False if
     /// it can't be opened, which has then been said, or the user gives up. Raises CDBException and Cancelled.
@@ -46,8 +50,8 @@ public:
     /// nothing, there is no such reading, or it is the one that was chosen.
     CString usesOfFull(const CString& fileName) const;
 
-    /// Takes the first of the files as the source: chooses its importer and shows the input page with its name filled
-    /// in. Files that can't be taken, and the other ones, are named in a message.
+    /// Takes files and folders as the source: chooses the importer of the first and shows the input page with the names
+    /// filled in. What can't be taken, or not with the first, is named in a message.
     virtual void openFiles(const QStringList& files) = 0;
 
     CDatabase* queryDatabase() override { return database.get(); }
@@ -59,5 +63,8 @@ public:
     QFont titleFont;                     ///< of the large texts on the first and the last page
 
 private:
+    int readSources();
+
     WizardSheet& sheet;
+    std::vector<CString> sources; // as they were given last
 };
