@@ -1,5 +1,7 @@
 #include "Base/MessageBox.h"
 
+#include "Base/BackgroundWork.h"
+
 #include <cstdio>
 #include <utility>
 
@@ -30,7 +32,9 @@ void showMessageBox(const CString& text, const CString& title, const CString& de
 {
     const CString* const outer = std::exchange(currentDetails, &details); // a box may come up over another one
     const SourceFault* const outerFault = std::exchange(currentFault, fault);
-    if (const MessageBoxHandler& handler = currentHandler())
+    if (const BackgroundWork* const work = BackgroundWork::ofThread())
+        work->messages(text, title);
+    else if (const MessageBoxHandler& handler = currentHandler())
         handler(text, title);
     currentDetails = outer;
     currentFault = outerFault;

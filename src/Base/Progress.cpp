@@ -1,5 +1,7 @@
 #include "Base/Progress.h"
 
+#include "Base/BackgroundWork.h"
+
 #include <utility>
 
 namespace {
@@ -10,7 +12,7 @@ ProgressHandler& currentHandler()
     return handler;
 }
 
-Progress last;
+thread_local Progress last;
 
 } // namespace
 
@@ -28,6 +30,8 @@ bool tellProgress(const Progress& progress)
 
 bool isStillWanted()
 {
+    if (const BackgroundWork* const work = BackgroundWork::ofThread())
+        return work->isWanted();
     const ProgressHandler& handler = currentHandler();
     return !handler || handler(last);
 }
