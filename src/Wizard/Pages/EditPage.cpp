@@ -56,6 +56,7 @@ void EditPage::OnInitDialog()
     readingRow = new ReadingRow;
     connect(readingRow, &ReadingRow::mainElementChosen, this, &EditPage::chooseMain);
     connect(readingRow, &ReadingRow::detailsWanted, this, &EditPage::showReport);
+    connect(readingRow, &ReadingRow::fullWanted, this, &EditPage::readInFull);
     column->insertWidget(1, readingRow); // above, but behind the list for Tab
     addMenuRow("&View ...", &EditPage::OnEdit);
     addMenuRow("View in a &window of Typeforge", &EditPage::showDocument);
@@ -116,10 +117,12 @@ void EditPage::addMenuRow(const QString& text, void (EditPage::*action)())
 void EditPage::OnSetActive()
 {
     // What only the full reading knows has left the literal one without a type.
-    const CString uses = wizard->message->beginEnum() == 0 ? wizard->usesOfFull(wizard->script.source) : "";
+    const bool isLiteral = wizard->message->queryDescriptor()->hasFull() && !wizard->fullMessage();
+    const CString uses = isLiteral ? wizard->usedByFull : CString();
     wayOut->setText(tr("Read it in full, by the check box on the page before: it uses %1.").arg(toUi(uses)));
-    wayOut->setHidden(uses.empty());
+    wayOut->setHidden(uses.empty() || wizard->message->beginEnum() != 0);
     readingRow->showReading(*wizard->message, wizard->fullMessage());
+    readingRow->offerFull(!uses.empty());
     showTypes();
 }
 
@@ -157,6 +160,18 @@ void EditPage::chooseMain(const CString& name)
         return sheet()->back(); // there are no types left to look at
     readingRow->showCount(*wizard->fullMessage());
     showTypes();
+}
+
+void EditPage::readInFull()
+{
+    clear();              // the elements go
+    typeList->setFocus(); // the button goes
+    wizard->message.reset(wizard->message->queryDescriptor()->createFull());
+    const auto import = [this]() -> LRESULT { return wizard->importAgain() ? 0 : -1; };
+    if (sheet()->ask(import) == -1)
+        return sheet()->back(); // there are no types left to look at
+    wizard->options.setFullReading(1);
+    OnSetActive();
 }
 
 LRESULT EditPage::OnWizardBack()

@@ -46,6 +46,7 @@ private:
 
     void showTypes();
     void chooseMain(const CString& name);
+    void readInFull();
     void showReport();
     void clear();
     void view(const CString& name, const CString& text, DocumentWindow::Kind kind);

@@ -14,7 +14,7 @@
 
 ReadingRow::ReadingRow() :
     mainElementLabel(plainLabel(tr("&Main element:"))), mainElement(new QComboBox), count(new ElidedLabel),
-    details(new QPushButton(tr("&Details")))
+    readInFull(new QPushButton(tr("Read in &full"))), details(new QPushButton(tr("&Details")))
 {
     mainElement->setObjectName(QString::number(IDC_MAIN_ELEMENT));
     mainElement->setMaxVisibleItems(20);
@@ -27,6 +27,8 @@ ReadingRow::ReadingRow() :
     connect(mainElement, &QComboBox::activated, this, [this](int index) {
         Q_EMIT mainElementChosen(index == 0 ? CString() : fromUi(mainElement->itemText(index)));
     });
+    readInFull->setObjectName(QString::number(IDC_READ_IN_FULL));
+    connect(readInFull, &QPushButton::clicked, this, &ReadingRow::fullWanted);
     connect(details, &QPushButton::clicked, this, &ReadingRow::detailsWanted);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins({});
@@ -34,6 +36,7 @@ ReadingRow::ReadingRow() :
     row->addWidget(mainElement);
     row->addStretch(); // where there is no count
     row->addWidget(count, 1);
+    row->addWidget(readInFull);
     row->addWidget(details);
 }
 
@@ -42,6 +45,12 @@ void ReadingRow::showReading(const MsgBase& message, const FullMessage* full)
     showMainElements(full);
     showCount(message);
     setVisible(!mainElement->isHidden() || !details->isHidden());
+}
+
+void ReadingRow::offerFull(bool isOffered)
+{
+    readInFull->setVisible(isOffered);
+    setVisible(isOffered || !mainElement->isHidden() || !details->isHidden());
 }
 
 void ReadingRow::showMainElements(const FullMessage* full)

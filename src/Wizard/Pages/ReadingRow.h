@@ -25,11 +25,15 @@ public:
     /// Shows what an import left out.
     void showCount(const MsgBase& message);
 
+    /// Offers the full reading, or doesn't.
+    void offerFull(bool isOffered);
+
 Q_SIGNALS:
     /// The user has chosen a main element; "" is the source's own choice.
     void mainElementChosen(const CString& name);
 
     void detailsWanted();
+    void fullWanted();
 
 private:
     void showMainElements(const FullMessage* full);
@@ -37,5 +41,6 @@ private:
     QLabel* mainElementLabel;
     QComboBox* mainElement;
     QLabel* count;
+    QPushButton* readInFull;
     QPushButton* details;
 };

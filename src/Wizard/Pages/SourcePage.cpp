@@ -8,15 +8,18 @@
 #include "Resources/StringTable.h"
 #include "Ui/FileDialog.h"
 #include "Ui/PlainText.h"
+#include "Wizard/Pages/PreviewPane.h"
 #include "Wizard/Run/SourceList.h"
 #include "Wizard/Run/WizardRun.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScopeGuard>
 
 #include <algorithm>
 
@@ -75,9 +78,11 @@ void SourcePage::OnInitDialog()
     combo().lineEdit()->setMaxLength(QELOptions::kMaxSourceSet);
     fullCheck = withId(IDC_FULL_READING, new QCheckBox("Read in &full (namespaces, entities, derived types)"));
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
-    addRow(fullCheck);
+    pane = new PreviewPane(fullCheck);
+    addRow(pane, true);
     addRow(makeSetRow());
     connect(fullCheck, &QCheckBox::toggled, setRow, &QWidget::setVisible);
+    connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::lookAhead);
 }
 
 QWidget* SourcePage::makeSetRow()
@@ -108,6 +113,26 @@ void SourcePage::OnSetActive()
     fullCheck->setVisible(hasFull);
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
     setRow->setVisible(hasFull && fullCheck->isChecked());
+    lookAhead();
+}
+
+void SourcePage::hideEvent(QHideEvent* event)
+{
+    if (!event->spontaneous() && pane)
+        pane->stop();
+}
+
+// Shows what comes of the source that is named, if there is one.
+void SourcePage::lookAhead()
+{
+    if (!isVisible())
+        return;
+    UpdateData(true);
+    SourcePreview::Source source{wizard->message->queryDescriptor(), {}, wizard->options.queryPath()};
+    if (!fileName.empty())
+        for (const CString& name : sourcesIn(fileName))
+            source.names.push_back(absoluteName(name));
+    pane->showSource(source);
 }
 
 /// Changes the importer for the one of its row that reads as it was asked for.
@@ -153,6 +178,8 @@ LRESULT SourcePage::OnWizardNext()
         wizard->options.setSourceSet(fileName);
     else
         wizard->options.addInputFile(fileName);
+    pane->stop();
+    const auto goOn = qScopeGuard([this] { lookAhead(); }); // while the page stays
     chooseReading();
     const WayOut hint(*wizard, names.front());
     if (!wizard->importSources(names))

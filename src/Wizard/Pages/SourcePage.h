@@ -4,6 +4,7 @@
 
 #include <vector>
 
+class PreviewPane;
 class QCheckBox;
 class QComboBox;
 
@@ -20,6 +21,7 @@ public:
     void takeFile(const CString& chosen) override;
 
 protected:
+    void hideEvent(QHideEvent* event) override;
     int comboId() const override { return IDC_INPUT_FILE; }
     void fillFiles(QComboBox& combo) override;
     CString chooseFile() override;
@@ -34,7 +36,9 @@ private:
     void chooseReading();
     CString obstacleOf(const std::vector<CString>& names) const;
 
+    void lookAhead();
 
+    PreviewPane* pane = nullptr;
     QCheckBox* fullCheck = nullptr;
     QWidget* setRow = nullptr; // what matters to several files alone
     QComboBox* layoutCombo = nullptr;

@@ -55,7 +55,10 @@ int WizardRun::readSources()
         full->setLayout(options.queryLayout());
     }
     message->setFurtherFiles({files.begin() + 1, files.end()});
-    return message->parseFile(files.front(), options.queryPath());
+    const int isRead = message->parseFile(files.front(), options.queryPath());
+    const bool isPoor = message->beginEnum() == 0 || message->queryReport().queryTotal(SourceReport::loss) != 0;
+    usedByFull = isRead && isPoor ? usesOfFull(files.front()) : CString();
+    return isRead;
 }
 
 bool WizardRun::openDatabase()

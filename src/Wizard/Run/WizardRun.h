@@ -60,7 +60,8 @@ public:
     QELOptions options;
     std::unique_ptr<CDatabase> database; ///< the data source that was opened last; null until one is
     ScriptCommand script;                ///< what has been done since the importer was chosen
-    QFont titleFont;                     ///< of the large texts on the first and the last page
+    CString usedByFull; ///< what the source that was imported uses that only the full reading knows; see usesOfFull()
+    QFont titleFont;    ///< of the large texts on the first and the last page
 
 private:
     int readSources();

@@ -1,0 +1,128 @@
+#include "Wizard/Pages/PreviewPane.h"
+
+#include "Resources/DialogIds.h"
+#include "Ui/PlainText.h"
+#include "Wizard/Windows/XmlHighlighter.h"
+
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr qsizetype kMaxReason = 100; // characters
+constexpr int kPatience = 300;        // ms in which the next key may come
+
+QString counted(quint64 number, const char* singular, const char* plural)
+{
+    return QLocale().toString(number) + ' ' + (number == 1 ? singular : plural);
+}
+
+QString inWords(const SourcePreview::Count& count, const char* noLoss)
+{
+    if (!count.isKnown)
+        return "counting ...";
+    if (count.fails())
+        return "no types, " +
+               (count.failure.size() > kMaxReason ? count.failure.left(kMaxReason) + " ..." : count.failure);
+    return counted(static_cast<quint64>(count.types), "type", "types") + ", " +
+           (count.losses == 0 ? QString(noLoss) : counted(count.losses, "loss", "losses"));
+}
+
+} // namespace
+
+PreviewPane::PreviewPane(QWidget* reading) :
+    text(new QPlainTextEdit), counts(plainLabel()), countButton(new QPushButton("C&ount types"))
+{
+    text->setObjectName(QString::number(IDC_PREVIEW));
+    text->setAccessibleName("Start of the source");
+    text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    text->setReadOnly(true);
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    text->setTabChangesFocus(true);
+    text->setPlaceholderText("This is no text.");
+    QSizePolicy place(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    place.setRetainSizeWhenHidden(true);
+    text->setSizePolicy(place);
+    text->setMinimumHeight(fontMetrics().height() * 3);
+    text->hide();
+    new XmlHighlighter(text->document(), palette());
+    counts->setObjectName(QString::number(IDC_COUNTS));
+    counts->setWordWrap(true);
+    counts->setMinimumHeight(counts->fontMetrics().lineSpacing() * 2);
+    countButton->setObjectName(QString::number(IDC_COUNT_TYPES));
+    countButton->hide();
+    auto* row = new QHBoxLayout;
+    row->addWidget(counts, 1);
+    row->addWidget(countButton);
+    row->addWidget(reading);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins({});
+    column->addWidget(text, 1);
+    column->addLayout(row);
+    delay.setSingleShot(true);
+    delay.setInterval(kPatience);
+    connect(&delay, &QTimer::timeout, this, [this] { start(false); });
+    connect(countButton, &QPushButton::clicked, this, [this] { start(true); });
+    connect(&preview, &SourcePreview::begun, this, &PreviewPane::showText);
+    connect(&preview, &SourcePreview::counted, this, &PreviewPane::showCounts);
+}
+
+// The text stays until there is another one, so that the page doesn't flicker while a name is typed.
+void PreviewPane::showSource(const SourcePreview::Source& wanted)
+{
+    stop();
+    source = wanted;
+    counts->clear();
+    countButton->hide();
+    if (source.names.empty())
+        text->hide();
+    else
+        delay.start();
+}
+
+void PreviewPane::stop()
+{
+    delay.stop();
+    preview.drop();
+}
+
+void PreviewPane::start(bool isWanted)
+{
+    if (isWanted)
+        text->setFocus(); // the button goes
+    preview.start(source, isWanted);
+}
+
+void PreviewPane::showText(const QString& start, quint64 size, bool isCounted)
+{
+    if (start != text->toPlainText())
+        text->setPlainText(start);
+    text->setHidden(size == 0);
+    countButton->setHidden(size == 0 || isCounted);
+    if (size == 0)
+        counts->clear();
+    else if (isCounted)
+        counts->setText("Counting types ...");
+    else
+        counts->setText("The source has " +
+                        QLocale().formattedDataSize(static_cast<qint64>(size), 0, QLocale::DataSizeSIFormat) + '.');
+}
+
+void PreviewPane::showCounts(const SourcePreview::Count& literal, const SourcePreview::Count& full)
+{
+    QString words;
+    if (!source.importer->hasFull())
+        words = inWords(literal, "no losses") + '.';
+    else if (literal.isKnown)
+        words = "As it stands: " + inWords(literal, "no losses") +
+                ".\nIn full: " + inWords(full, literal.fails() ? "no losses" : "none") + '.';
+    else
+        words = "In full: " + inWords(full, "no losses") + '.';
+    counts->setText(words);
+}

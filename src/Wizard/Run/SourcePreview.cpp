@@ -1,0 +1,172 @@
+#include "Wizard/Run/SourcePreview.h"
+
+#include "Base/BackgroundWork.h"
+#include "Base/Progress.h"
+#include "Base/QELApp.h"
+#include "Files/File.h"
+#include "Import/Registry/SourceSet.h"
+#include "Ui/UiText.h"
+#include "Wizard/Run/SourceList.h"
+
+#include <QStringDecoder>
+
+#include <atomic>
+#include <filesystem>
+#include <sys/resource.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kMaxShown = 1 << 16; // bytes
+constexpr qsizetype kMaxLines = 200;
+constexpr qsizetype kMaxLine = 500; // characters: what is longer takes long to lay out
+
+// Sources are 8-bit text, but for what says otherwise at its start.
+QString decoded(const QByteArray& bytes)
+{
+    const auto encoding = QStringConverter::encodingForData(bytes);
+    return encoding ? QString(QStringDecoder(*encoding).decode(bytes)) : QString::fromUtf8(bytes);
+}
+
+// "" for what is no text.
+QString firstLines(const CString& fileName)
+{
+    InputFile file(fileName);
+    QByteArray bytes(kMaxShown, Qt::Uninitialized);
+    qsizetype size = 0;
+    while (size < bytes.size()) {
+        const ssize_t got = file.queryError() == 0 ? file.read(bytes.data() + size, bytes.size() - size) : 0;
+        if (got <= 0)
+            break;
+        size += got;
+    }
+    bytes.truncate(size);
+    const QString text = decoded(bytes);
+    if (text.contains(QChar::Null))
+        return {};
+    QStringList lines;
+    for (const QString& line : text.split('\n').mid(0, kMaxLines))
+        lines.append(line.size() > kMaxLine ? line.left(kMaxLine) + " ..." : line);
+    return lines.join('\n');
+}
+
+std::uint64_t sizeOf(const std::vector<CString>& files)
+{
+    std::uint64_t size = 0;
+    for (const CString& file : files) {
+        std::error_code failure;
+        const std::uintmax_t own = std::filesystem::file_size(file, failure);
+        size += failure ? 0 : own;
+    }
+    return size;
+}
+
+// Empty if one of them can't be read.
+std::vector<CString> readableFiles(const SourcePreview::Source& source)
+{
+    std::vector<CString> files;
+    try {
+        files = source.importer->hasFull() ? withoutFolders(source.names, source.importer, false) : source.names;
+    } catch (const std::exception&) {
+        return {};
+    }
+    for (const CString& file : files)
+        if (testReadable(file) != FileCause::none)
+            return {};
+    return files;
+}
+
+} // namespace
+
+// One look at a source, from start() until it is dropped.
+struct SourcePreview::Job
+{
+    std::atomic<bool> isWanted = true;
+};
+
+SourcePreview::~SourcePreview()
+{
+    drop();
+    if (worker.joinable())
+        worker.join();
+}
+
+void SourcePreview::drop()
+{
+    if (current)
+        current->isWanted = false;
+    current.reset();
+}
+
+// The thread before ends first, so that there is never more than one at work.
+void SourcePreview::start(const Source& source, bool isWanted)
+{
+    drop();
+    current = std::make_shared<Job>();
+    worker = std::thread([this, source, isWanted, job = current, before = std::move(worker)]() mutable {
+        if (before.joinable())
+            before.join();
+        ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), 10); // of this thread
+        look(source, isWanted, job);
+    });
+}
+
+// In the thread of the work, as all that follows.
+void SourcePreview::look(const Source& source, bool isWanted, const std::shared_ptr<Job>& job)
+{
+    const std::vector<CString> files = readableFiles(source);
+    const std::uint64_t size = sizeOf(files);
+    const bool isCounted = size > 0 && (isWanted || size <= kSmall);
+    tell(job, [this, text = files.empty() ? QString() : firstLines(files.front()), size, isCounted] {
+        Q_EMIT begun(text, size, isCounted);
+    });
+    if (!isCounted)
+        return;
+    Count literal, full;
+    const bool hasFull = source.importer->hasFull();
+    if (!hasFull || (source.names.size() == 1 && !isFolder(source.names.front())))
+        literal = count(std::unique_ptr<MsgBase>(source.importer->create()), source, files, *job);
+    tell(job, [this, literal, full] { Q_EMIT counted(literal, full); });
+    if (!hasFull)
+        return;
+    full = count(std::unique_ptr<MsgBase>(source.importer->createFull()), source, files, *job);
+    tell(job, [this, literal, full] { Q_EMIT counted(literal, full); });
+}
+
+SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, const Source& source,
+                                          const std::vector<CString>& files, const Job& job)
+{
+    Count count;
+    const BackgroundWork background([&job] { return job.isWanted.load(); },
+                                    [&count](const CString& text, const CString&) {
+                                        if (count.failure.isEmpty())
+                                            count.failure = toUi(text).section('\n', 0, 0);
+                                    });
+    try {
+        if (!message->setFurtherFiles({files.begin() + 1, files.end()}) && files.size() > 1)
+            return count;
+        message->parseFile(files.front(), source.basePath);
+        count.types = message->beginEnum();
+        count.losses = message->queryReport().queryTotal(SourceReport::loss);
+        count.isKnown = true;
+    } catch (const Cancelled&) {
+        // nobody hears of it
+    } catch (const std::exception& error) {
+        count.failure = wordsOf(error);
+        count.isKnown = true;
+    }
+    return count;
+}
+
+// Nothing is told of a source that has been dropped meanwhile.
+void SourcePreview::tell(const std::shared_ptr<Job>& job, std::function<void()> signal)
+{
+    QMetaObject::invokeMethod(
+        this,
+        [job, signal = std::move(signal)] {
+            if (job->isWanted)
+                signal();
+        },
+        Qt::QueuedConnection);
+}
