@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -15,18 +16,36 @@ CopyRow::CopyRow(const QString& caption, const QString& button) : field(new QLin
     field->setReadOnly(true);
     field->setAccessibleName(caption);
     QLabel* label = plainLabel(caption);
-    auto* copy = new QPushButton(button);
-    copy->setObjectName("copyCommand");
-    connect(copy, &QPushButton::clicked, field, [this] { QGuiApplication::clipboard()->setText(field->text()); });
+    auto* copyButton = new QPushButton(button);
+    copyButton->setObjectName("copyCommand");
+    connect(copyButton, &QPushButton::clicked, this, &CopyRow::copy);
+    field->installEventFilter(this);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(label);
     row->addWidget(field, 1);
-    row->addWidget(copy);
+    row->addWidget(copyButton);
 }
 
 void CopyRow::setText(const QString& text)
 {
-    field->setText(text);
+    constexpr qsizetype most = 2'000; // characters that a field shows at once
+    whole = text;
+    field->setText(text.size() <= most ? text : text.left(most / 2) + " ... " + text.right(most / 2));
     field->setCursorPosition(0);
+}
+
+void CopyRow::copy() const
+{
+    QGuiApplication::clipboard()->setText(whole);
+}
+
+// Whoever copies all that the field shows wants all of it.
+bool CopyRow::eventFilter(QObject* target, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress || !static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy) ||
+        field->selectedText() != field->text())
+        return QWidget::eventFilter(target, event);
+    copy();
+    return true;
 }

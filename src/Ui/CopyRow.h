@@ -4,7 +4,8 @@
 
 class QLineEdit;
 
-/// One line of text that can be read and selected, with a button that copies it.
+/// One line of text that can be read and selected, with a button that copies it. A long text is shown shortened in the
+/// middle, and copied whole.
 class CopyRow : public QWidget
 {
 public:
@@ -13,6 +14,12 @@ public:
 
     void setText(const QString& text);
 
+protected:
+    bool eventFilter(QObject* target, QEvent* event) override;
+
 private:
+    void copy() const;
+
     QLineEdit* field;
+    QString whole;
 };

@@ -14,6 +14,12 @@ QSize PathLabel::minimumSizeHint() const
     return {0, fontMetrics().height()};
 }
 
+int PathLabel::heightForWidth(int width) const
+{
+    constexpr int flags = static_cast<int>(Qt::TextWordWrap) | static_cast<int>(Qt::TextWrapAnywhere);
+    return fontMetrics().boundingRect(0, 0, width, QWIDGETSIZE_MAX, flags, text()).height();
+}
+
 void PathLabel::paintEvent(QPaintEvent*)
 {
     QTextOption wrapping(Qt::AlignLeft | Qt::AlignTop);

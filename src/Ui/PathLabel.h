@@ -9,6 +9,7 @@ public:
     PathLabel();
 
     QSize minimumSizeHint() const override;
+    int heightForWidth(int width) const override; ///< for whoever sets its size policy so
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -174,7 +174,11 @@ void WizardSheet::cancel()
 void WizardSheet::reject()
 {
     constexpr qint64 reaction = 500; // milliseconds
-    if (!work && (!sinceWork.isValid() || sinceWork.hasExpired(reaction)))
+    if (work || (sinceWork.isValid() && !sinceWork.hasExpired(reaction)))
+        return;
+    if (finishButton->isVisible())
+        finish(); // all is done, so leaving gives nothing up
+    else
         QDialog::reject();
 }
 
@@ -289,7 +293,8 @@ void WizardSheet::activate(int index)
     settleMnemonics();
     leadTabToChosenButtons(page);
     QWidget* first = firstTabStop(page);
-    (first != nullptr ? first : finishButton->isHidden() ? nextButton : finishButton)->setFocus();
+    QWidget* const onward = finishButton->isHidden() ? nextButton : finishButton;
+    (first != nullptr && onward == nextButton ? first : onward)->setFocus();
 }
 
 // A page's control keeps its letter; a button of the sheet that has the same one moves to another.

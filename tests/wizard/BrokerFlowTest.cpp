@@ -148,7 +148,7 @@ TEST(LoginPage, ShowsEachFailureAndKeepsTheChoices)
         EXPECT_EQ(desk.boxes.take(), Texts{text});
     }
     EXPECT_EQ(desk.results(), (Texts{"a created successfully", "b modifed", "r - creation error"})); // codes 0, 1, 99
-    EXPECT_EQ(desk.text(IDC_TOTALS), "3 types: 1 created, 1 modified, 1 failed");
+    EXPECT_EQ(desk.text(IDC_TOTALS), "3 types: 1 created, 1 replaced, 1 failed");
     desk.press(IDC_FAILURES_ONLY);
     desk.press(IDC_COPY);
     EXPECT_EQ(QApplication::clipboard()->text(), "r - creation error\n");
@@ -211,14 +211,15 @@ TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
             EXPECT_THAT(question,
                         testing::MatchesRegex("\\\\sys\\\\rosettanet\\\\r\\\\[abr] already exists.\nOverwrite[?]"));
         EXPECT_EQ(desk.results(), lines);
-        const QString command = desk.wizard().activePage()->findChild<QLineEdit*>("command")->text();
-        EXPECT_THAT(command.toStdString(), testing::EndsWith(CString("r.dtd --create=local:1") + overwrite));
+        EXPECT_THAT(desk.wizard().script.text(*desk.wizard().message),
+                    testing::EndsWith(CString("r.dtd --create=local:1") + overwrite));
         desk.click("back");
     }
     desk.create({IDC_NO_TO_ALL});
     EXPECT_EQ(desk.wizard().findChild<QProgressBar*>("1042")->value(), 3);
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_FINISH);
+    EXPECT_EQ(desk.text(IDC_DONE), "On the broker local:1: 3 types: 3 skipped.");
     desk.click("back");
     EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
     EXPECT_NE(desk.wizard().message, nullptr); // a new one, of the same importer

@@ -1,10 +1,10 @@
 #include "Wizard/Pages/CreateResultPage.h"
 
 #include "Resources/StringTable.h"
-#include "Ui/CopyRow.h"
 #include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 #include "Ui/WizardSheet.h"
+#include "Wizard/Run/ResultTotals.h"
 #include "Wizard/Run/WizardRun.h"
 #include "Wizard/Windows/SaveFile.h"
 
@@ -15,34 +15,16 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
-#include <QLocale>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <utility>
 
 namespace {
 
 bool isFailure(ResultKind kind)
 {
     return kind == ResultKind::failed || kind == ResultKind::reason || kind == ResultKind::left;
-}
-
-// "1,200 types: 1,198 created, 2 failed"
-QString totalsOf(const std::vector<ResultKind>& kinds)
-{
-    static constexpr std::pair<ResultKind, const char*> words[] = {
-        {ResultKind::created, "created"}, {ResultKind::modified, "modified"}, {ResultKind::skipped, "skipped"},
-        {ResultKind::failed, "failed"},   {ResultKind::left, "not created"},  {ResultKind::unknown, "unknown"}};
-    const QLocale locale;
-    QStringList parts;
-    for (const auto& [kind, word] : words)
-        if (const auto count = std::count(kinds.begin(), kinds.end(), kind); count != 0)
-            parts.append(locale.toString(qlonglong(count)) + ' ' + word);
-    const auto types = std::ssize(kinds) - std::count(kinds.begin(), kinds.end(), ResultKind::reason);
-    return locale.toString(qlonglong(types)) + (types == 1 ? " type" : " types") + (parts.isEmpty() ? "" : ": ") +
-           parts.join(", ");
 }
 
 } // namespace
@@ -62,8 +44,6 @@ void CreateResultPage::OnInitDialog()
     auto* column = new QVBoxLayout(this);
     column->addWidget(group);
     column->addLayout(makeButtons());
-    command = new CopyRow("In a script:", "Cop&y command");
-    column->addWidget(command);
 }
 
 QHBoxLayout* CreateResultPage::makeButtons()
@@ -86,8 +66,7 @@ void CreateResultPage::OnSetActive()
 {
     wizard->options.fillResultList(*resultBox);
     const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
-    totals->setText(totalsOf(kinds));
-    command->setText(toUi(wizard->script.text(*wizard->message)));
+    totals->setText(totalsInWords(kinds));
     failuresOnly->setChecked(false);
     failuresOnly->setEnabled(std::any_of(kinds.begin(), kinds.end(), isFailure));
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);

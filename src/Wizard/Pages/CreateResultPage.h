@@ -2,7 +2,6 @@
 
 #include "Wizard/Pages/QELPage.h"
 
-class CopyRow;
 class QCheckBox;
 class QHBoxLayout;
 class QLabel;
@@ -30,5 +29,4 @@ private:
     QListWidget* resultBox = nullptr;
     QLabel* totals = nullptr;
     QCheckBox* failuresOnly = nullptr;
-    CopyRow* command = nullptr;
 };

@@ -3,27 +3,77 @@
 #include "Resources/StringTable.h"
 #include "Ui/CopyRow.h"
 #include "Ui/CoverText.h"
+#include "Ui/PathLabel.h"
 #include "Ui/UiText.h"
+#include "Ui/Viewer.h"
 #include "Ui/WizardSheet.h"
+#include "Wizard/Run/ResultTotals.h"
 #include "Wizard/Run/WizardRun.h"
 
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLocale>
+#include <QPushButton>
 #include <QVBoxLayout>
+
+#include <filesystem>
 
 FinishPage::FinishPage() : QELPage(IDD_FINISH, "Typeforge - Finish") {}
 
 void FinishPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
+    QLabel* text = withId(IDC_FINISHED, coverText(loadText(IDS_FINISHED), wizard->titleFont));
+    QSizePolicy asHighAsNeeded(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    asHighAsNeeded.setHeightForWidth(true);
+    text->setSizePolicy(asHighAsNeeded);
+    done = withId(IDC_DONE, new PathLabel);
+    done->setSizePolicy(asHighAsNeeded);
+    done->setForegroundRole(QPalette::Text); // on the picture's ground
+    openFolder = withId(IDC_OPEN_FOLDER, new QPushButton("&Open folder"));
+    viewFile = withId(IDC_VIEW_FILE, new QPushButton("&View file"));
+    connect(openFolder, &QPushButton::clicked, this,
+            [this] { view(std::filesystem::path(wizard->script.output).parent_path().string()); });
+    connect(viewFile, &QPushButton::clicked, this, [this] { view(wizard->script.output); });
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(openFolder);
+    buttons->addWidget(viewFile);
+    buttons->addStretch();
     auto* column = new QVBoxLayout(this);
-    column->addWidget(withId(IDC_FINISHED, coverText(loadText(IDS_FINISHED), wizard->titleFont)), 1);
+    column->addWidget(text);
+    column->addSpacing(fontMetrics().height() / 2);
+    column->addWidget(done);
+    column->addLayout(buttons);
+    column->addStretch();
     command = new CopyRow("In a script:", "&Copy");
     column->addWidget(command);
 }
 
 void FinishPage::OnSetActive()
 {
+    done->setText(whatWasDone());
+    for (QPushButton* button : {openFolder, viewFile})
+        button->setVisible(!wizard->script.output.empty());
     command->setText(toUi(wizard->script.text(*wizard->message)));
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext | WizardSheet::buttonFinish);
+}
+
+QString FinishPage::whatWasDone() const
+{
+    const ScriptCommand& script = wizard->script;
+    if (script.output.empty())
+        return tr("On the broker %1: %2.").arg(toUi(script.address), totalsInWords(wizard->options.queryResultKinds()));
+    const int count = wizard->message->beginEnum();
+    const qint64 size = QFileInfo(toUi(script.output)).size();
+    return tr("%L1 %2 written to %3 (%4).")
+        .arg(count)
+        .arg(count == 1 ? tr("type was") : tr("types were"), toUi(script.output),
+             QLocale().formattedDataSize(size, 1, QLocale::DataSizeSIFormat));
+}
+
+void FinishPage::view(const CString& name)
+{
+    showInViewer(name, this, [name] { stay("No program could be started that shows " + name); });
 }
 
 BOOL FinishPage::OnWizardFinish()

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "Broker/ResultKind.h"
+
+#include <QString>
+
+#include <vector>
+
+/// What became of the types of a creation, by the kinds of its lines: "1,200 types: 1,198 created, 2 failed".
+QString totalsInWords(const std::vector<ResultKind>& kinds);
