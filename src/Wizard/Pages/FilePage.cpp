@@ -23,6 +23,7 @@ void FilePage::OnInitDialog()
     fileCombo = withId(comboId(), newRecentCombo());
     fileCombo->lineEdit()->setCompleter(new PathCompleter(*fileCombo->lineEdit()));
     fileCombo->lineEdit()->setAcceptDrops(false);
+    connect(fileCombo, &QComboBox::editTextChanged, this, [this] { markField(false); });
     fileCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     fillFiles(*fileCombo);
     QLabel* label = plainLabel("File:");
@@ -48,8 +49,21 @@ void FilePage::addRow(QWidget* row, bool isHigh)
     ++rows;
 }
 
+LRESULT FilePage::stayAtFile(const CString& text, const CString& details)
+{
+    markField(true);
+    fileCombo->setFocus();
+    return stay(text, details);
+}
+
+void FilePage::markField(bool isWrong)
+{
+    fileCombo->lineEdit()->setStyleSheet(isWrong ? "QLineEdit { border: 2px solid #d32f2f; }" : "");
+}
+
 void FilePage::OnSetActive()
 {
+    markField(false);
     folderText = enterFolder();
     folderLabel->setText(toUi(folderText));
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);

@@ -40,6 +40,10 @@ protected:
     /// Reads the controls into the members when `save`, else shows the members.
     void UpdateData(bool save);
 
+    /// Shows an error of the file that is named, like stay(), with the focus on its name and a red frame around that
+    /// until it is changed.
+    LRESULT stayAtFile(const CString& text, const CString& details);
+
     /// Puts controls below the others: a row that takes the room that is left if `isHigh`.
     void addRow(QWidget* row, bool isHigh = false);
 
@@ -58,6 +62,7 @@ protected:
 
 private:
     void takeFolder();
+    void markField(bool isWrong);
 
     QComboBox* fileCombo = nullptr;
     PathLabel* folderLabel = nullptr;

@@ -2,15 +2,99 @@
 
 #include "Files/AtomicFile.h"
 #include "Files/FileMessage.h"
+#include "Import/Registry/ImporterChoice.h"
 #include "Resources/StringTable.h"
 #include "Ui/FileDialog.h"
+#include "Ui/PlainText.h"
+#include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
 #include "Ui/WizardSheet.h"
 #include "Wizard/Run/WizardRun.h"
 
+#include <QComboBox>
+#include <QDateTime>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLocale>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace {
+
+// Beside the source; a data source has no place, so the folder is the one of the last output.
+CString outputNameFor(const MsgBase& message, CString source)
+{
+    const CString ending = "-types.xml";
+    if (message.queryDescriptor()->querySource().readsTables) {
+        std::ranges::replace(source, '/', '_');
+        return source + ending;
+    }
+    while (source.ends_with('/'))
+        source.pop_back();
+    const std::filesystem::path path(source);
+    return (path.parent_path() / (path.stem().string() + ending)).string();
+}
+
+// What stands in the way of a new file; "" if that is nothing.
+QString stateInWords(const CString& fileName)
+{
+    const QFileInfo file(toUi(fileName));
+    if (fileName.empty() || !file.exists())
+        return {};
+    if (file.isDir())
+        return "This is a folder. Add the name of a file.";
+    const QDateTime time = file.lastModified();
+    const QString day = time.date() == QDate::currentDate() ? QString() : time.date().toString(Qt::ISODate) + ' ';
+    const QString words = "The file exists, " + QLocale().formattedDataSize(file.size(), 1, QLocale::DataSizeSIFormat) +
+                          ", of " + day + time.time().toString("HH:mm") + "; it ";
+    const MsgUIDescriptor* const importer = importerFor(fileName);
+    const bool isTypes = importer && importer->querySource().namesFolders;
+    return words + (isTypes ? "will be replaced." : "is not a type document, and will be replaced.");
+}
+
+} // namespace
+
 OutputFile::OutputFile() :
     FilePage(IDD_OUTPUT_FILE, "Typeforge - Select output file", IDS_OUTPUT_FILE_TITLE, IDS_OUTPUT_FILE_SUBTITLE)
 {}
+
+void OutputFile::OnInitDialog()
+{
+    FilePage::OnInitDialog();
+    state = withId(IDC_OUTPUT_STATE, plainLabel());
+    state->setWordWrap(true);
+    addRow(state);
+    delay.setSingleShot(true);
+    delay.setInterval(150);
+    connect(&delay, &QTimer::timeout, this, &OutputFile::showState);
+    connect(&combo(), &QComboBox::editTextChanged, &delay, qOverload<>(&QTimer::start));
+}
+
+void OutputFile::OnSetActive()
+{
+    FilePage::OnSetActive();
+    suggest();
+    showState();
+}
+
+// Nobody has used a name yet, and what is in the field is nobody's own.
+void OutputFile::suggest()
+{
+    UpdateData(true);
+    if (combo().count() > 0 || fileName != suggested)
+        return;
+    suggested = outputNameFor(*wizard->message, wizard->script.source);
+    fileName = suggested;
+    UpdateData(false);
+}
+
+void OutputFile::showState()
+{
+    delay.stop();
+    UpdateData(true);
+    state->setText(stateInWords(fileName));
+}
 
 LRESULT OutputFile::OnWizardNext()
 {
@@ -25,7 +109,9 @@ LRESULT OutputFile::OnWizardNext()
         cause = file.commit();
     });
     if (cause != FileCause::none)
-        return stay(cantOpen(fileName, cause), inWords(fileName, cause));
+        return stayAtFile(cantOpen(fileName, cause), fileName.empty()
+                                                         ? "The name of the file is missing. Type it, or press Browse."
+                                                         : inWords(fileName, cause));
     wizard->script.output = absoluteName(fileName);
     wizard->setCurrentFolder(WizardRun::folderCWD);
     return IDD_FINISH;
