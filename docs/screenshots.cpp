@@ -12,7 +12,9 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QStyleFactory>
@@ -55,6 +57,7 @@ public:
         fill(IDC_INPUT_FILE, "orders.dtd");
         keepDialog("error", &QDialog::reject, [this] { sheet.next(); });
         fill(IDC_INPUT_FILE, "order.dtd");
+        waitForCounts();
         keep("inputfile");
         sheet.next();
         control<ListView>(IDC_TYPES).selectRow(2);
@@ -117,6 +120,19 @@ private:
     Control& control(int id)
     {
         return *sheet.activePage()->findChild<Control*>(QString::number(id));
+    }
+
+    // They come in the background.
+    void waitForCounts()
+    {
+        QElapsedTimer since;
+        since.start();
+        const auto isCounting = [this] {
+            const QString words = control<QLabel>(IDC_COUNTS).text();
+            return words.isEmpty() || words.contains("ounting");
+        };
+        while (isCounting() && !since.hasExpired(5000))
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     }
 
     void fill(int id, const char* text) { control<QComboBox>(id).setEditText(text); }

@@ -19,8 +19,11 @@ void CQELApp::Error(const CString& text, UINT titleId, const CString& details)
 
 void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault)
 {
-    const bool isSaid = text.find(fault.reason) != CString::npos;
-    showMessageBox(text, loadText(titleId), isSaid ? CString() : fault.reason, &fault);
+    const auto isSaid = [&text](const CString& words) { return words.empty() || text.find(words) != CString::npos; };
+    CString details = isSaid(fault.reason) ? CString() : fault.reason;
+    if (!isSaid(fault.file))
+        details += (details.empty() ? "In the file " : "\nIn the file ") + fault.file;
+    showMessageBox(text, loadText(titleId), details, &fault);
 }
 
 const char* wordsOf(const std::exception& error)

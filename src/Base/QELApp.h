@@ -19,8 +19,8 @@ public:
     /// driver or the broker; who shows the text may show them under it.
     void Error(const CString& text, UINT titleId, const CString& details = {});
 
-    /// The same for what a source is to blame for; `fault` says it in parts, of which the reason is a detail where the
-    /// text lacks it.
+    /// The same for what a source is to blame for; `fault` says it in parts, of which the reason and the file are
+    /// details if the text lacks them.
     void Error(const CString& text, UINT titleId, const SourceFault& fault);
 
     /// Opens the help topic of the page whose dialog id is in the low 16 bits of `data`, the default topic for a

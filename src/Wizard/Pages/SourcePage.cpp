@@ -56,7 +56,8 @@ private:
         CString details = queryMessageDetails();
         const CString uses = isErrorOfLiteralReading(text) ? wizard.usesOfFull(fileName) : CString();
         if (!uses.empty())
-            details = "Read it in full, by the check box on this page: it uses " + uses + ".";
+            details = "Read it in full, by the check box on this page: it uses " + uses + "." +
+                      (details.empty() ? "" : "\n") + details;
         const MessageBoxHandler own = setMessageBoxHandler(before);
         showMessageBox(text, title, details);
         setMessageBoxHandler(own);
@@ -154,6 +155,8 @@ CString SourcePage::obstacleOf(const std::vector<CString>& names) const
 {
     const bool hasFull = wizard->message->queryDescriptor()->hasFull();
     const bool readsFull = hasFull && fullCheck->isChecked();
+    if (names.front().empty())
+        return "The name of the file is missing. Type it, or press Browse.";
     for (const CString& name : names) {
         const FileCause cause = testReadable(name);
         if (cause != FileCause::none && !(readsFull && isFolder(name)))
@@ -171,7 +174,7 @@ LRESULT SourcePage::OnWizardNext()
     UpdateData(true);
     const std::vector<CString> names = sourcesIn(fileName);
     if (const CString obstacle = obstacleOf(names); !obstacle.empty())
-        return stay(IDS_SELECT_SOURCE, obstacle);
+        return stayAtFile(loadText(IDS_SELECT_SOURCE), obstacle);
     const bool isSet = names.size() > 1 || isFolder(names.front());
     wizard->options.setSetLast(isSet);
     if (isSet)

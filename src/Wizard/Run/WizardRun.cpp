@@ -2,7 +2,10 @@
 
 #include "Base/QELApp.h"
 #include "Base/Secret.h"
+#include "Database/ConnectSettings.h"
 #include "Database/ConnectString.h"
+#include "Files/File.h"
+#include "Files/FileMessage.h"
 #include "Import/Registry/SourceSet.h"
 #include "Resources/StringTable.h"
 #include "Ui/ModalBox.h"
@@ -12,7 +15,25 @@
 #include "Wizard/Run/DataSourceLogon.h"
 
 #include <span>
+#include <stdexcept>
 #include <unistd.h>
+
+namespace {
+
+// A driver's words don't always say of which source they are, nor that a file is missing.
+CString whyNotOpen(const CString& source, const CString& words)
+{
+    if (words.find(source) != CString::npos)
+        return words;
+    const CString connection = "DSN=" + source + ";";
+    CString text = "The data source " + source + " can't be opened";
+    if (const CString file = settingOf(connection, "Database"); hasDriver(connection, {"sqlite"}) && !file.empty())
+        if (const FileCause cause = testReadable(file); cause != FileCause::none)
+            text += ". Its file is " + file + ": " + inWords(file, cause);
+    return text + ".\n" + words;
+}
+
+} // namespace
 
 CString WizardRun::setCurrentFolder(WhichFolder which)
 {
@@ -78,7 +99,7 @@ bool WizardRun::openDatabase()
             return isOpen;
         } catch (const CDBException& error) {
             if (!error.isLogonRefused())
-                throw;
+                throw std::runtime_error(whyNotOpen(script.source, error.what()));
             reason = error.what();
         }
         CString& user = script.sourceUser;
