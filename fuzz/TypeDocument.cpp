@@ -19,7 +19,7 @@ void look(const TypeStructure& types, std::uint32_t type)
     require(types.parts(type).size() == types.partCount(type));
     require(types.reach(type, 50, isWhole).front() == type);
     for (const TypePart& part : types.parts(type))
-        types.contentOf(part.typeName);
+        types.contentOf(part);
     for (const std::uint32_t user : types.users(type))
         require(user < types.size());
 }

@@ -2,7 +2,24 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 CString jsonText(std::string_view text)
 {
-    return nlohmann::json(toXmlText(text)).dump();
+    CString out;
+    appendJson(out, text);
+    return out;
+}
+
+// Nearly all texts are names, in which only the backslash of a folder is escaped.
+void appendJson(CString& out, std::string_view text)
+{
+    if (!isPlainXmlText(text)) {
+        out += nlohmann::json(toXmlText(text)).dump();
+        return;
+    }
+    out += '"';
+    for (std::size_t at; (at = text.find('\\')) != text.npos; text.remove_prefix(at + 1))
+        out.append(text.substr(0, at)).append("\\\\");
+    out.append(text) += '"';
 }

@@ -15,6 +15,21 @@ using LONG = std::int32_t;
 using DWORD = std::uint32_t;
 using LRESULT = long;
 
+/// A text in two pieces, the second often empty: what is only written need not be joined first.
+struct TextPieces
+{
+    template <class Text>
+    TextPieces(const Text& text) : first(text)
+    {}
+    TextPieces(std::string_view first, std::string_view rest) : first(first), rest(rest) {}
+
+    /// The whole, which lies in `room` if there are two.
+    std::string_view joined(CString& room) const { return rest.empty() ? first : room.assign(first).append(rest); }
+
+    std::string_view first;
+    std::string_view rest{};
+};
+
 /// White space as importers trim it: space, tab, line feed, carriage return, vertical tab, form feed.
 inline constexpr std::string_view kWhitespace = " \t\n\r\v\f";
 

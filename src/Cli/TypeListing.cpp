@@ -12,46 +12,53 @@
 
 namespace {
 
-CString member(const char* name, const CString& value)
+// `"name":` and the value, with a comma in front unless it is the first of its object.
+void addMember(CString& out, std::string_view name, std::string_view value)
 {
-    return CString("\"") + name + "\":" + jsonText(value);
+    out.append(out.ends_with('{') ? "\"" : ",\"").append(name).append("\":");
+    appendJson(out, value);
 }
 
 // The type as its document names it, and what that comes to behind tables and arrays.
-CString typeMembers(const TypeStructure& structure, const CString& typeName)
+void addType(CString& out, const TypeStructure& structure, const TypePart& part)
 {
-    const TypeContent content = structure.contentOf(typeName);
-    return member("type", content.typeName) + ",\"repeats\":" + (content.repeats.empty() ? "false" : "true") + "," +
-           member("declared", typeName);
+    const TypeContent content = structure.contentOf(part);
+    addMember(out, "type", content.typeName);
+    out.append(content.repeats.empty() ? ",\"repeats\":false" : ",\"repeats\":true");
+    addMember(out, "declared", part.typeName);
 }
 
-CString jsonOf(const TypeStructure& structure, const TypePart& part)
+void addPart(CString& out, const TypeStructure& structure, const TypePart& part)
 {
-    if (part.kind == TypePart::constant)
-        return "{" + member("name", part.name) + "," + member("description", part.description) + "}";
-    return "{" + member("name", part.name) + "," + typeMembers(structure, part.typeName) + "," +
-           member("description", part.description) + "}";
+    CString room;
+    addMember(out, "name", part.name);
+    if (part.kind != TypePart::constant)
+        addType(out, structure, part);
+    addMember(out, "description", part.description().joined(room));
+    out += '}';
 }
 
-// An array has a size, "5" if its source names none; a table has none.
-CString sizeOf(const Element& type)
+// What a type is made of: a table's component stands for itself, parts of others are a list. An array has a size, "5"
+// if its source names none.
+void addContent(CString& out, const TypeStructure& structure, std::uint32_t type)
 {
-    if (type.queryType() != Element::typeArray)
-        return {};
-    return "," + member("size", type.querySize().empty() ? "5" : type.querySize());
-}
-
-// What a type is made of: a table's component stands for itself, parts of others are a list.
-CString contentOf(const TypeStructure& structure, std::uint32_t type)
-{
-    const std::vector<TypePart> parts = structure.parts(type);
-    if (parts.size() == 1 && parts[0].kind == TypePart::component)
-        return sizeOf(structure[type]) + ",\"component\":{" + typeMembers(structure, parts[0].typeName) + "}";
-    CString list;
-    for (const TypePart& part : parts)
-        list += (list.empty() ? "\n    " : ",\n    ") + jsonOf(structure, part);
-    const bool isEnumeration = structure[type].queryType() == Element::typeEnum;
-    return CString(isEnumeration ? ",\"constants\":[" : ",\"fields\":[") + list + "]";
+    const Element& element = structure[type];
+    const Element::ElementTypes kind = element.queryType();
+    const std::span<const TypePart> parts = structure.parts(type);
+    if (kind == Element::typeTable || kind == Element::typeArray) {
+        if (kind == Element::typeArray)
+            addMember(out, "size", element.querySize().empty() ? "5" : std::string_view(element.querySize()));
+        out += ",\"component\":{";
+        addType(out, structure, parts.front());
+        out += '}';
+        return;
+    }
+    out += kind == Element::typeEnum ? ",\"constants\":[" : ",\"fields\":[";
+    for (const TypePart& part : parts) {
+        out += out.ends_with('[') ? "\n    {" : ",\n    {";
+        addPart(out, structure, part);
+    }
+    out += ']';
 }
 
 CString nameOf(const Element& type)
@@ -113,13 +120,20 @@ void writeJsonList(MsgBase& message, Output& output)
 {
     const TypeStructure structure(message);
     const CString main = message.queryMainTypeName();
-    output.write("{\"version\":1,\"main\":" + (main.empty() ? "null" : jsonText(main)) + ",\"types\":[");
-    for (std::uint32_t type = 0; type < structure.size(); ++type)
-        output.write(CString(type == 0 ? "\n  {" : ",\n  {") + member("name", structure[type].queryName()) + "," +
-                     member("folder", structure[type].queryPath()) + "," + member("kind", structure.kindOf(type)) +
-                     "," + member("description", structure[type].queryDescription()) + contentOf(structure, type) +
-                     "}");
-    output.write("]}\n");
+    CString out = "{\"version\":1,\"main\":" + (main.empty() ? "null" : jsonText(main)) + ",\"types\":[";
+    CString room;
+    for (std::uint32_t type = 0; type < structure.size(); ++type) {
+        out += out.ends_with('[') ? "\n  {" : ",\n  {";
+        addMember(out, "name", structure[type].queryName());
+        addMember(out, "folder", structure[type].queryPath());
+        addMember(out, "kind", structure.kindOf(type));
+        addMember(out, "description", structure[type].queryDescriptionPieces().joined(room));
+        addContent(out, structure, type);
+        out += '}';
+        output.write(out);
+        out.clear();
+    }
+    output.write(out + "]}\n");
 }
 
 void writeGraph(MsgBase& message, Output& output)

@@ -13,7 +13,7 @@ int BrokerTypeDescription::openContent(const char (&tag)[N], State opened)
 }
 
 template <std::size_t N>
-void BrokerTypeDescription::openItem(const char (&tag)[N], std::string_view name, std::string_view description)
+void BrokerTypeDescription::openItem(const char (&tag)[N], std::string_view name, TextPieces description)
 {
     if (hasItems)
         text.append("/>");
@@ -22,21 +22,21 @@ void BrokerTypeDescription::openItem(const char (&tag)[N], std::string_view name
     hasItems = true;
     text.append(tag);
     text.attribute(" NAME=\"", name);
-    if (!description.empty())
+    if (!description.first.empty())
         text.attribute(" DESCRIPTION=\"", description);
 }
 
-BrokerTypeDescription::BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path,
+BrokerTypeDescription::BrokerTypeDescription(std::string_view name, TextPieces description, std::string_view path,
                                              XmlText& text) :
     text(text)
 {
     text.clear();
     text.append("<BROKERTYPEDESCRIPTION");
     if (path.ends_with('\\'))
-        text.attribute(" NAME=\"", path, name);
+        text.attribute(" NAME=\"", {path, name});
     else
-        text.attribute(" NAME=\"", CString(path) + '\\', name);
-    if (!description.empty())
+        text.attribute(" NAME=\"", {CString(path) + '\\', name});
+    if (!description.first.empty())
         text.attribute(" DESCRIPTION=\"", description);
 }
 
@@ -50,7 +50,7 @@ int BrokerTypeDescription::addRow()
     return openContent("ROW", stateRow);
 }
 
-int BrokerTypeDescription::addField(std::string_view name, std::string_view description, std::string_view type)
+int BrokerTypeDescription::addField(std::string_view name, TextPieces description, TextPieces type)
 {
     if (state != stateRow)
         return 0;
@@ -64,7 +64,7 @@ int BrokerTypeDescription::addEnum()
     return openContent("ENUM", stateEnum);
 }
 
-int BrokerTypeDescription::addConstant(std::string_view name, std::string_view description)
+int BrokerTypeDescription::addConstant(std::string_view name, TextPieces description)
 {
     if (state != stateEnum)
         return 0;
@@ -72,7 +72,7 @@ int BrokerTypeDescription::addConstant(std::string_view name, std::string_view d
     return 1;
 }
 
-int BrokerTypeDescription::addArray(std::string_view size, std::string_view componentType)
+int BrokerTypeDescription::addArray(std::string_view size, TextPieces componentType)
 {
     if (!openContent("ARRAY", stateArray))
         return 0;
@@ -81,7 +81,7 @@ int BrokerTypeDescription::addArray(std::string_view size, std::string_view comp
     return 1;
 }
 
-int BrokerTypeDescription::addTable(std::string_view componentType)
+int BrokerTypeDescription::addTable(TextPieces componentType)
 {
     if (!openContent("TABLE", stateTable))
         return 0;
@@ -117,7 +117,7 @@ void BrokerTypeDescription::appendEnd(Text& out) const
         out.append("</BROKERTYPEDESCRIPTION>");
 }
 
-void BrokerTypeDescription::addComponent(std::string_view componentType)
+void BrokerTypeDescription::addComponent(TextPieces componentType)
 {
     text.append("><COMPONENT");
     hasItems = true;

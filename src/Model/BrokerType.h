@@ -13,7 +13,7 @@ class BrokerTypeDescription
 public:
     /// NAME is `path` and `name`, with one backslash between; DESCRIPTION is written where there is one. The document
     /// is written into `text`, which must outlive the builder; what it held is lost.
-    BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path, XmlText& text);
+    BrokerTypeDescription(std::string_view name, TextPieces description, std::string_view path, XmlText& text);
 
     /// The same with a text of its own.
     BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path);
@@ -22,17 +22,17 @@ public:
 
     /// An empty ROW, which takes fields.
     int addRow();
-    int addField(std::string_view name, std::string_view description, std::string_view type);
+    int addField(std::string_view name, TextPieces description, TextPieces type);
 
     /// An empty ENUM, which takes constants.
     int addEnum();
-    int addConstant(std::string_view name, std::string_view description);
+    int addConstant(std::string_view name, TextPieces description);
 
     /// An ARRAY of SIZE `size` with its COMPONENT.
-    int addArray(std::string_view size, std::string_view componentType);
+    int addArray(std::string_view size, TextPieces componentType);
 
     /// A TABLE with its COMPONENT.
-    int addTable(std::string_view componentType);
+    int addTable(TextPieces componentType);
 
     /// Replaces `out` with the text of the document: no declaration, no white space between tags.
     void queryXML(CString& out) const;
@@ -54,8 +54,8 @@ private:
     template <std::size_t N>
     int openContent(const char (&tag)[N], State opened);
     template <std::size_t N>
-    void openItem(const char (&tag)[N], std::string_view name, std::string_view description);
-    void addComponent(std::string_view componentType);
+    void openItem(const char (&tag)[N], std::string_view name, TextPieces description);
+    void addComponent(TextPieces componentType);
     template <class Text>
     void appendEnd(Text& out) const;
 

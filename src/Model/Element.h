@@ -75,6 +75,9 @@ public:
     const CString& queryPath() const { return path->text; }
     const CString& queryName() const { return name->text; }
     const CString& queryDescription() const;
+
+    /// The same without keeping a generated one.
+    TextPieces queryDescriptionPieces() const;
     const CString& queryBaseName() const { return baseName().text; }
     const CString& queryKnownType() const;
     bool hasKnownType() const { return knownType != nullptr; }
@@ -113,13 +116,13 @@ public:
     /// False for the children of a record that its document has no field for: enumerations and arrays.
     bool isField() const { return type != typeEnum && type != typeArray; }
 
-    /// What the document of `record` says of this child as its field. Description and type may lie in `room`.
+    /// What the document of `record` says of this child as its field.
     const CString& queryFieldName() const { return type == typeTable ? queryBaseName() : queryName(); }
-    std::string_view queryFieldDescription(CString& room) const;
-    std::string_view queryFieldType(const Element& record, CString& room) const;
+    TextPieces queryFieldDescription() const;
+    TextPieces queryFieldType(const Element& record) const;
 
     /// The type that a table or an array holds, as its document names it.
-    CString queryComponentType() const;
+    TextPieces queryComponentType() const;
 
     /// The mark of the ordering pass: whether the element stands in its model's list.
     bool isPlaced() const { return placed; }

@@ -5,11 +5,11 @@
 
 namespace {
 
-std::string_view generated(std::string_view name, CString& room)
+// "%s (Automatically created)" of a name.
+TextPieces generated(std::string_view name)
 {
-    static const char* const format = loadText(IDS_AUTOMATIC);
-    fillText(room, format, name);
-    return room;
+    static const std::string_view suffix = std::string_view(loadText(IDS_AUTOMATIC)).substr(2);
+    return {name, suffix};
 }
 
 } // namespace
@@ -17,17 +17,12 @@ std::string_view generated(std::string_view name, CString& room)
 std::string_view Element::asXML()
 {
     static XmlText text; // an import asks for very many types in a row: kept for their room
-    static CString description, fieldType;
-    const auto describe = [](const Element& element) {
-        return element.isDescribedByName ? generated(element.name->text, description)
-                                         : std::string_view(element.queryDescription());
-    };
-    BrokerTypeDescription builder(name->text, describe(*this), path->text, text);
+    BrokerTypeDescription builder(name->text, queryDescriptionPieces(), path->text, text);
     switch (type) {
     case typeEnum:
         builder.addEnum();
         for (const Element* child : children)
-            builder.addConstant(child->name->text, describe(*child));
+            builder.addConstant(child->name->text, child->queryDescriptionPieces());
         break;
     case typeArray:
         if (querySize().empty())
@@ -39,8 +34,7 @@ std::string_view Element::asXML()
         prefetch(children);
         for (const Element* child : children)
             if (child->isField())
-                builder.addField(child->queryFieldName(), child->queryFieldDescription(description),
-                                 child->queryFieldType(*this, fieldType));
+                builder.addField(child->queryFieldName(), child->queryFieldDescription(), child->queryFieldType(*this));
         break;
     case typeTable:
         builder.addTable(queryComponentType());
@@ -51,25 +45,28 @@ std::string_view Element::asXML()
     return builder.finish();
 }
 
-CString Element::queryComponentType() const
+TextPieces Element::queryComponentType() const
 {
-    return knownType ? knownType->text : path->text + queryBaseName();
+    return knownType ? TextPieces(knownType->text) : TextPieces(path->text, queryBaseName());
 }
 
-std::string_view Element::queryFieldDescription(CString& room) const
+TextPieces Element::queryDescriptionPieces() const
 {
-    if (type == typeTable || isDescribedByName)
-        return generated(queryFieldName(), room);
-    return queryDescription();
+    return isDescribedByName ? generated(name->text) : TextPieces(queryDescription());
 }
 
-std::string_view Element::queryFieldType(const Element& record, CString& room) const
+TextPieces Element::queryFieldDescription() const
+{
+    return type == typeTable || isDescribedByName ? generated(queryFieldName()) : TextPieces(queryDescription());
+}
+
+TextPieces Element::queryFieldType(const Element& record) const
 {
     switch (type) {
     case typeRow:
-        return room.assign(record.path->text).append(queryBaseName());
+        return {record.path->text, queryBaseName()};
     case typeTable:
-        return room.assign(record.path->text).append(name->text);
+        return {record.path->text, name->text};
     case typeString:
         return "String";
     case typeNumber:

@@ -23,7 +23,7 @@ struct Totals
             for (const TypePart& part : structure.parts(type))
                 if (part.kind == TypePart::field) {
                     ++fields;
-                    texts += structure.contentOf(part.typeName).typeName == "String";
+                    texts += structure.contentOf(part).typeName == "String";
                 }
     }
 };

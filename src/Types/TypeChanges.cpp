@@ -9,8 +9,6 @@
 
 namespace {
 
-using Numbers = std::unordered_map<std::string_view, std::size_t, KeyHash>;
-
 struct ChangeRow
 {
     const char* id;
@@ -39,22 +37,38 @@ CString inWords(const CString& repeats)
 class Side
 {
 public:
+    struct Type
+    {
+        std::string_view name;
+        std::uint32_t number;
+    };
+
     /// Types in `from` are compared as if they were in `to`.
     Side(const TypeStructure& structure, const CString& from, const CString& to) :
         structure(structure), from(from), to(to)
     {
-        names.reserve(structure.size());
+        types.reserve(structure.size()); // they must stay where they are
+        byName.reserve(structure.size());
         for (std::uint32_t type = 0; type < structure.size(); ++type) {
-            names.push_back(compared(structure.queryFullName(type)));
-            numbers.emplace(names.back(), type);
+            const Type& added = types.emplace_back(Type{compared(structure.queryFullName(type)), type});
+            if (const std::uint32_t hash = keyHash(added.name); !byName.find(added.name, hash))
+                byName.store(&added, hash);
         }
     }
 
-    const TypeStructure& structure;
-    std::vector<std::string_view> names; // by type
-    Numbers numbers;                     // the first type of a name: that one counts
+    /// The first type of a name, which is the one that counts, or null.
+    const Type* find(std::string_view name) const { return byName.find(name); }
 
-    CString contentName(std::string_view typeName) { return CString(compared(typeName)); }
+    /// Whether a type of this side is compared under that name.
+    bool isCalled(std::string_view own, std::string_view name) const
+    {
+        if (from == to || !own.starts_with(from))
+            return own == name;
+        return name.starts_with(to) && name.substr(to.size()) == own.substr(from.size());
+    }
+
+    const TypeStructure& structure;
+    std::vector<Type> types;
 
 private:
     std::string_view compared(std::string_view name)
@@ -66,6 +80,7 @@ private:
 
     const CString& from;
     const CString& to;
+    KeyedTable<const Type, &Type::name> byName;
     std::deque<CString> moved;
 };
 
@@ -86,7 +101,7 @@ struct PartKeyHash
 // The parts of one type, in their order and by their keys.
 struct Parts
 {
-    explicit Parts(std::vector<TypePart> list);
+    explicit Parts(std::span<const TypePart> list);
 
     const TypePart* find(const PartKey& key) const
     {
@@ -94,14 +109,14 @@ struct Parts
         return found == numbers.end() ? nullptr : &all[found->second];
     }
 
-    std::vector<TypePart> all;
+    std::span<const TypePart> all;
     std::vector<PartKey> keys;
     std::unordered_map<PartKey, std::size_t, PartKeyHash> numbers;
 };
 
-Parts::Parts(std::vector<TypePart> list) : all(std::move(list))
+Parts::Parts(std::span<const TypePart> list) : all(list)
 {
-    Numbers met;
+    std::unordered_map<std::string_view, std::size_t, KeyHash> met;
     for (const TypePart& part : all) {
         keys.push_back({part.name, met[part.name]++});
         numbers.emplace(keys.back(), numbers.size());
@@ -116,13 +131,13 @@ CString shownType(std::string_view name)
 
 CString shownPart(const TypePart& part)
 {
-    return part.name.empty() && part.kind != TypePart::component ? kUnnamed : part.name;
+    return CString(part.name.empty() && part.kind != TypePart::component ? kUnnamed : part.name);
 }
 
 CString contentOf(const TypeStructure& structure, const TypePart& part)
 {
-    const TypeContent content = structure.contentOf(part.typeName);
-    return content.typeName + content.repeats;
+    const TypeContent content = structure.contentOf(part);
+    return CString(content.typeName) + content.repeats;
 }
 
 class Comparison
@@ -134,32 +149,47 @@ public:
 
     void compareTypes()
     {
-        for (std::uint32_t type = 0; type < after.names.size(); ++type) {
-            const std::string_view name = after.names[type];
-            if (after.numbers.at(name) != type)
+        for (const Side::Type& type : after.types) {
+            if (after.find(type.name) != &type)
                 continue;
-            if (const auto known = before.numbers.find(name); known != before.numbers.end())
-                compareType(static_cast<std::uint32_t>(known->second), type);
+            if (const Side::Type* const known = before.find(type.name))
+                compareType(known->number, type);
             else
-                changes.push_back({TypeChange::typeAdded, after.structure.kindOf(type), shownType(name), {}, {}, {}});
-        }
-        for (std::uint32_t type = 0; type < before.names.size(); ++type)
-            if (const std::string_view name = before.names[type];
-                before.numbers.at(name) == type && !after.numbers.contains(name))
                 changes.push_back(
-                    {TypeChange::typeRemoved, before.structure.kindOf(type), shownType(name), {}, {}, {}});
+                    {TypeChange::typeAdded, after.structure.kindOf(type.number), shownType(type.name), {}, {}, {}});
+        }
+        for (const Side::Type& type : before.types)
+            if (before.find(type.name) == &type && !after.find(type.name))
+                changes.push_back(
+                    {TypeChange::typeRemoved, before.structure.kindOf(type.number), shownType(type.name), {}, {}, {}});
     }
 
 private:
-    void compareType(std::uint32_t old, std::uint32_t now)
+    void compareType(std::uint32_t old, const Side::Type& now)
     {
-        const CString name = shownType(after.names[now]);
-        const std::string_view oldKind = before.structure.kindOf(old), kind = after.structure.kindOf(now);
+        const std::string_view oldKind = before.structure.kindOf(old), kind = after.structure.kindOf(now.number);
         if (kind != oldKind) { // their parts have nothing in common
-            changes.push_back({TypeChange::kindChanged, "kind", name, {}, CString(oldKind), CString(kind)});
+            changes.push_back(
+                {TypeChange::kindChanged, "kind", shownType(now.name), {}, CString(oldKind), CString(kind)});
             return;
         }
-        const Parts oldParts(before.structure.parts(old)), parts(after.structure.parts(now));
+        const std::span<const TypePart> oldParts = before.structure.parts(old),
+                                        parts = after.structure.parts(now.number);
+        if (!std::ranges::equal(oldParts, parts, [this](const auto& was, const auto& is) { return isSame(was, is); }))
+            compareParts(Parts(oldParts), Parts(parts), shownType(now.name));
+    }
+
+    // Whether two parts have one name and one content: nearly always, and told without making keys of them.
+    bool isSame(const TypePart& old, const TypePart& now) const
+    {
+        if (old.name != now.name)
+            return false;
+        const TypeContent was = before.structure.contentOf(old), is = after.structure.contentOf(now);
+        return before.isCalled(was.typeName, is.typeName) && was.repeats == is.repeats;
+    }
+
+    void compareParts(const Parts& oldParts, const Parts& parts, const CString& name)
+    {
         for (std::size_t i = 0; i < parts.all.size(); ++i) {
             const TypePart& part = parts.all[i];
             if (const TypePart* known = oldParts.find(parts.keys[i]))
@@ -185,9 +215,10 @@ private:
 
     void comparePart(const CString& type, const TypePart& old, const TypePart& now)
     {
-        const TypeContent was = before.structure.contentOf(old.typeName), is = after.structure.contentOf(now.typeName);
-        if (before.contentName(was.typeName) != is.typeName)
-            changes.push_back({TypeChange::contentChanged, "type", type, shownPart(now), was.typeName, is.typeName});
+        const TypeContent was = before.structure.contentOf(old), is = after.structure.contentOf(now);
+        if (!before.isCalled(was.typeName, is.typeName))
+            changes.push_back({TypeChange::contentChanged, "type", type, shownPart(now), CString(was.typeName),
+                               CString(is.typeName)});
         if (was.repeats != is.repeats)
             changes.push_back({TypeChange::repetitionChanged, "repetition", type, shownPart(now), inWords(was.repeats),
                                inWords(is.repeats)});

@@ -50,7 +50,7 @@ TypeGraph::TypeGraph(const TypeStructure& structure, std::span<const std::uint32
     for (std::size_t from = 0; from < boxes.size(); ++from) {
         Box& box = boxes[from];
         for (const TypePart& part : structure.parts(box.type)) {
-            const TypeContent content = structure.contentOf(part.typeName);
+            const TypeContent content = structure.contentOf(part);
             const std::size_t to = content.type == TypeStructure::kNone ? none : boxOf[content.type];
             const bool isHidden = box.rows.size() == maxRows;
             if (to != none && (!isHidden || std::exchange(lastHidden[to], from) != from))
@@ -58,7 +58,7 @@ TypeGraph::TypeGraph(const TypeStructure& structure, std::span<const std::uint32
             if (isHidden)
                 ++box.hidden;
             else
-                box.rows.push_back({part.name, CString(shortName(content.typeName)) + content.repeats});
+                box.rows.push_back({CString(part.name), CString(shortName(content.typeName)) + content.repeats});
         }
     }
 }

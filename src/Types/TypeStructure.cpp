@@ -3,7 +3,7 @@
 #include "Import/MsgBase.h"
 
 #include <algorithm>
-#include <bit>
+#include <array>
 #include <utility>
 
 namespace {
@@ -26,36 +26,29 @@ std::string_view shortName(std::string_view fullName)
     return fullName.substr(fullName.rfind('\\') + 1); // npos + 1 is 0
 }
 
+TextPieces TypePart::description() const
+{
+    if (!element)
+        return "";
+    return kind == field ? element->queryFieldDescription() : element->queryDescriptionPieces();
+}
+
 TypeStructure::TypeStructure(MsgBase& message)
 {
     const auto count = static_cast<std::size_t>(message.beginEnum());
     index.reserve(count);
+    CString room;
     while (const Element* element = message.enumNext()) {
-        types.push_back({element, size(), CString(plainName(element->queryPath() + element->queryName()))});
+        types.push_back({element, size(), CString(plainName(element->queryPath() + element->queryName())),
+                         holdsComponent(*element) ? CString(element->queryComponentType().joined(room)) : CString()});
         index.store(&types.back());
+        if (const std::uint32_t number = element->queryNumber(); number != Element::kNoNumber) {
+            numbers.resize(std::max<std::size_t>(numbers.size(), number + std::size_t{1}), kNone);
+            numbers[number] = types.back().number;
+        }
     }
-    numberElements();
-    collectUsers();
-    numbers = {};
-}
-
-// A table of its own: in a KeyedTable each look-up would wait for memory three times instead of once, and there are as
-// many as there are fields. Left without entries where two types have the same name, which only names can settle.
-void TypeStructure::numberElements()
-{
-    numbers.resize(std::bit_ceil(types.size() * 2 + 1));
-    if (index.size() == types.size())
-        for (const Type& type : types)
-            numbers[slotOf(type.element)] = {type.element, type.number};
-}
-
-std::size_t TypeStructure::slotOf(const Element* element) const
-{
-    const std::uint64_t hash = reinterpret_cast<std::uintptr_t>(element) / alignof(Element) * 0x9E3779B97F4A7C15;
-    std::size_t slot = (hash >> 32) & (numbers.size() - 1);
-    while (numbers[slot].element && numbers[slot].element != element)
-        slot = (slot + 1) & (numbers.size() - 1);
-    return slot;
+    if (index.size() != types.size()) // only names tell which type is meant
+        numbers.clear();
 }
 
 std::uint32_t TypeStructure::find(std::string_view fullName) const
@@ -70,24 +63,43 @@ const char* TypeStructure::kindOf(std::uint32_t type) const
     return kKinds[(*this)[type].queryType()];
 }
 
-std::vector<TypePart> TypeStructure::parts(std::uint32_t type) const
+std::span<const TypePart> TypeStructure::parts(std::uint32_t type) const
 {
+    partsInHand.clear();
+    typeNamesInHand.clear();
     const Element& element = (*this)[type];
-    if (holdsComponent(element))
-        return {{TypePart::component, {}, {}, element.queryComponentType()}};
-    std::vector<TypePart> parts;
-    parts.reserve(element.queryChildren().size());
-    const bool isRecord = element.queryType() == Element::typeRow;
-    CString description, typeName;
-    for (const Element* child : element.queryChildren()) {
-        if (!isRecord)
-            parts.push_back({TypePart::constant, child->queryName(), child->queryDescription(), {}});
-        else if (child->isField())
-            parts.push_back({TypePart::field, child->queryFieldName(),
-                             CString(child->queryFieldDescription(description)),
-                             CString(child->queryFieldType(element, typeName))});
+    if (holdsComponent(element)) {
+        const CString& component = types[type].component;
+        partsInHand.push_back({TypePart::component, nullptr, {}, component, find(component)});
+        return partsInHand;
     }
-    return parts;
+    const bool isRecord = element.queryType() == Element::typeRow;
+    prefetch(element.queryChildren());
+    for (const Element* child : element.queryChildren())
+        if (!isRecord)
+            partsInHand.push_back({TypePart::constant, child, child->queryName(), {}, kNone});
+        else if (child->isField())
+            partsInHand.push_back(partOf(*child, element));
+    return partsInHand;
+}
+
+// A type that is a child itself, as nearly all are, is found without making its full name.
+TypePart TypeStructure::partOf(const Element& child, const Element& record) const
+{
+    TypePart part{TypePart::field, &child, child.queryFieldName(), {}, kNone};
+    if (child.isTypeOfItsOwn()) {
+        part.type = numberOf(child, record);
+        if (part.type != kNone) {
+            part.typeName = types[part.type].fullName;
+            return part;
+        }
+        part.typeName = child.queryFieldType(record).joined(typeNamesInHand.emplace_back());
+    } else {
+        part.typeName = child.queryFieldType(record).first;
+    }
+    if (part.typeName.find('\\') != part.typeName.npos) // as in all full names
+        part.type = find(part.typeName);
+    return part;
 }
 
 std::size_t TypeStructure::partCount(std::uint32_t type) const
@@ -102,59 +114,31 @@ std::size_t TypeStructure::partCount(std::uint32_t type) const
         std::count_if(children.begin(), children.end(), [](const Element* child) { return child->isField(); }));
 }
 
-template <class Action>
-void TypeStructure::forEachTypeName(std::uint32_t type, const Action& action) const
-{
-    const Element& element = (*this)[type];
-    if (holdsComponent(element))
-        return action(element.queryComponentType());
-    if (element.queryType() != Element::typeRow)
-        return;
-    CString room;
-    for (const Element* child : element.queryChildren())
-        if (child->isField())
-            action(child->queryFieldType(element, room));
-}
-
-// The type that a record has a field of through `child`, where the child is that type: nearly always, and found
-// without making its full name. Else kNone.
+// The type that a record has a field of through `child`, where the child is that type and of that very name. Else
+// kNone.
 std::uint32_t TypeStructure::numberOf(const Element& child, const Element& record) const
 {
     const bool namesItself = child.queryType() == Element::typeTable || &child.queryBaseName() == &child.queryName();
-    if (!namesItself || child.queryPath() != record.queryPath())
+    if (!namesItself || child.queryPath() != record.queryPath() || child.queryNumber() >= numbers.size())
         return kNone;
-    return numbers[slotOf(&child)].number;
-}
-
-template <class Action>
-void TypeStructure::forEachUse(std::uint32_t user, const Action& action) const
-{
-    const Element& element = (*this)[user];
-    if (element.queryType() != Element::typeRow)
-        return forEachTypeName(user, [&](std::string_view typeName) { action(find(typeName)); });
-    CString room;
-    for (const Element* child : element.queryChildren()) {
-        if (!child->isField())
-            continue;
-        const std::uint32_t known = child->isTypeOfItsOwn() ? numberOf(*child, element) : kNone;
-        action(known != kNone ? known : find(child->queryFieldType(element, room)));
-    }
+    const std::uint32_t number = numbers[child.queryNumber()];
+    const std::size_t length = child.queryPath().size() + child.queryName().size();
+    return number != kNone && types[number].fullName.size() == length ? number : kNone;
 }
 
 // Counted first, so that all users stand in one list: most types have one or two.
-void TypeStructure::collectUsers()
+void TypeStructure::collectUsers() const
 {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> uses; // who is used, by whom
     std::vector<std::uint32_t> lastUser(size(), kNone);
     firstUser.assign(size() + 1, 0);
-    for (std::uint32_t user = 0; user < size(); ++user) {
-        forEachUse(user, [&](std::uint32_t used) {
-            if (used == kNone || std::exchange(lastUser[used], user) == user)
-                return;
-            uses.emplace_back(used, user);
-            ++firstUser[used + 1];
-        });
-    }
+    for (std::uint32_t user = 0; user < size(); ++user)
+        for (const TypePart& part : parts(user)) {
+            if (part.type == kNone || std::exchange(lastUser[part.type], user) == user)
+                continue;
+            uses.emplace_back(part.type, user);
+            ++firstUser[part.type + 1];
+        }
     for (std::uint32_t type = 0; type < size(); ++type)
         firstUser[type + 1] += firstUser[type];
     userList.resize(uses.size());
@@ -165,21 +149,24 @@ void TypeStructure::collectUsers()
 
 std::span<const std::uint32_t> TypeStructure::users(std::uint32_t type) const
 {
+    if (firstUser.empty())
+        collectUsers();
     return std::span(userList).subspan(firstUser[type], firstUser[type + 1] - firstUser[type]);
 }
 
-TypeContent TypeStructure::contentOf(std::string_view typeName) const
+TypeContent TypeStructure::contentOf(const TypePart& part) const
 {
     constexpr std::size_t kDeepest = 16; // levels of tables in tables; more are of no use to anybody who looks
-    TypeContent content{CString(typeName), find(typeName), {}};
-    std::vector<std::uint32_t> passed;
-    while (content.type != kNone && passed.size() < kDeepest) {
-        const Element& element = (*this)[content.type];
-        if (!holdsComponent(element) || std::find(passed.begin(), passed.end(), content.type) != passed.end())
+    TypeContent content{part.typeName, part.type, {}};
+    std::array<std::uint32_t, kDeepest> passed;
+    for (std::size_t level = 0; content.type != kNone && level < kDeepest; ++level) {
+        const Element& element = *types[content.type].element;
+        const auto end = passed.begin() + level;
+        if (!holdsComponent(element) || std::find(passed.begin(), end, content.type) != end)
             break;
-        passed.push_back(content.type);
+        *end = content.type;
         content.repeats += element.queryType() == Element::typeTable ? "*" : "[" + element.querySize() + "]";
-        content.typeName = element.queryComponentType();
+        content.typeName = types[content.type].component;
         content.type = find(content.typeName);
     }
     return content;
@@ -192,15 +179,15 @@ std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t
     seen[start] = true;
     isWhole = true;
     for (std::size_t at = 0; at < reached.size() && isWhole; ++at)
-        forEachTypeName(reached[at], [&](std::string_view typeName) {
-            const std::uint32_t type = contentOf(typeName).type;
+        for (const TypePart& part : parts(reached[at])) {
+            const std::uint32_t type = contentOf(part).type;
             if (type == kNone || seen[type])
-                return;
+                continue;
             isWhole = reached.size() < limit;
             if (!isWhole)
-                return;
+                break;
             seen[type] = true;
             reached.push_back(type);
-        });
+        }
     return reached;
 }

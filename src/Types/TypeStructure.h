@@ -11,7 +11,8 @@
 
 class MsgBase;
 
-/// One thing that a type is made of, as the type's document says it.
+/// One thing that a type is made of, as the type's document says it. Valid until the next call of
+/// TypeStructure::parts().
 struct TypePart
 {
     enum Kind
@@ -22,17 +23,20 @@ struct TypePart
     };
 
     Kind kind;
-    CString name;
-    CString description;
-    CString typeName; ///< "String", "Number", "Time", or the full name of a type
+    const Element* element; ///< null for a component
+    std::string_view name;
+    std::string_view typeName; ///< "String", "Number", "Time", or the full name of a type
+    std::uint32_t type;        ///< the type of this import with that name, TypeStructure::kNone for any other
+
+    TextPieces description() const;
 };
 
-/// What a type name stands for once tables and arrays have been followed to what they hold.
+/// What a type name stands for once tables and arrays have been followed to what they hold. Valid as long as that name.
 struct TypeContent
 {
-    CString typeName;   ///< "String", "Number", "Time", or a full name
-    std::uint32_t type; ///< the type of this import with that name, TypeStructure::kNone for any other
-    CString repeats;    ///< "" for what is there once, "*" for a table, "[5]" for an array, the outermost first
+    std::string_view typeName; ///< "String", "Number", "Time", or a full name
+    std::uint32_t type;        ///< as in TypePart
+    CString repeats;           ///< "" for what is there once, "*" for a table, "[5]" for an array, the outermost first
 };
 
 /// A type's name without its folder.
@@ -60,8 +64,8 @@ public:
     /// "record", "table", "array" or "enumeration".
     const char* kindOf(std::uint32_t type) const;
 
-    /// Fields, constants or the component, in the order of the document.
-    std::vector<TypePart> parts(std::uint32_t type) const;
+    /// Fields, constants or the component, in the order of the document. The next call takes their place.
+    std::span<const TypePart> parts(std::uint32_t type) const;
 
     /// How many parts there are, without making them.
     std::size_t partCount(std::uint32_t type) const;
@@ -69,8 +73,8 @@ public:
     /// The types that name this one in a part, each once, in the import's order.
     std::span<const std::uint32_t> users(std::uint32_t type) const;
 
-    /// Follows tables and arrays from a type name to what they hold. The way ends at one that holds itself.
-    TypeContent contentOf(std::string_view typeName) const;
+    /// Follows tables and arrays from a part's type to what they hold. The way ends at one that holds itself.
+    TypeContent contentOf(const TypePart& part) const;
 
     /// The types that `start` reaches through its parts, nearest first and itself at the head; tables and arrays on the
     /// way are passed through. At most `limit`; `isWhole` becomes false where there are more.
@@ -82,26 +86,18 @@ private:
         const Element* element;
         std::uint32_t number;
         CString fullName;
+        CString component; // the type that a table or an array holds
     };
 
-    struct NumberedElement
-    {
-        const Element* element = nullptr; // of a free slot
-        std::uint32_t number = kNone;
-    };
-
-    template <class Action>
-    void forEachTypeName(std::uint32_t type, const Action& action) const;
-    template <class Action>
-    void forEachUse(std::uint32_t user, const Action& action) const;
+    TypePart partOf(const Element& child, const Element& record) const;
     std::uint32_t numberOf(const Element& child, const Element& record) const;
-    void numberElements();
-    std::size_t slotOf(const Element* element) const;
-    void collectUsers();
+    void collectUsers() const;
 
     std::deque<Type> types; // stay where they are: the index points to them
     KeyedTable<const Type, &Type::fullName> index;
-    std::vector<NumberedElement> numbers; // a hash table by element, while users are collected
-    std::vector<std::uint32_t> firstUser; // of each type, in `userList`; one more marks the end
-    std::vector<std::uint32_t> userList;
+    std::vector<std::uint32_t> numbers;           // of the types, by the numbers of elements; none of equal names
+    mutable std::vector<TypePart> partsInHand;    // of the last call
+    mutable std::deque<CString> typeNamesInHand;  // those of parts in hand that stand nowhere else
+    mutable std::vector<std::uint32_t> firstUser; // of each type, in `userList`; one more marks the end; collected late
+    mutable std::vector<std::uint32_t> userList;
 };

@@ -12,7 +12,7 @@ void XmlText::grow(std::size_t more)
     capacity = newCapacity;
 }
 
-void XmlText::appendValue(std::string_view value)
+void XmlText::appendEscaped(std::string_view value)
 {
     CString escaped;
     appendXmlValue(escaped, isXmlText(value) ? value : std::string_view(toXmlText(value)));

@@ -26,25 +26,13 @@ public:
     /// The value of an attribute and the quote behind it; `open` is what stands before it, as in ` NAME="`. The value
     /// is made fit for XML (toXmlText), and what can't stand in it is written as a reference.
     template <std::size_t N>
-    void attribute(const char (&open)[N], std::string_view value)
+    void attribute(const char (&open)[N], TextPieces value)
     {
-        char* at = room(N + value.size());
-        std::memcpy(at, open, N - 1);
-        size += N - 1;
-        if (isPlainXmlText(value))
-            put(at + N - 1, value);
-        else
-            appendValue(value);
+        append(open);
+        appendValue(value.first);
+        if (!value.rest.empty())
+            appendValue(value.rest);
         append("\"");
-    }
-
-    /// The same for a value in two parts.
-    template <std::size_t N>
-    void attribute(const char (&open)[N], std::string_view value, std::string_view rest)
-    {
-        attribute(open, value);
-        --size; // its closing quote
-        attribute("", rest);
     }
 
 private:
@@ -61,8 +49,16 @@ private:
         size += text.size();
     }
 
+    void appendValue(std::string_view value)
+    {
+        if (isPlainXmlText(value))
+            append(value);
+        else
+            appendEscaped(value);
+    }
+
     void grow(std::size_t more);
-    void appendValue(std::string_view value);
+    void appendEscaped(std::string_view value);
 
     std::unique_ptr<char[]> buffer; // what is not used of it was never touched, so it takes no memory
     std::size_t capacity = 0;

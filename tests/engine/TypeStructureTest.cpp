@@ -14,14 +14,15 @@ CString structureOf(MsgBase& message)
     CString text;
     for (std::uint32_t type = 0; type < structure.size(); ++type) {
         text += CString(structure.kindOf(type)) + " " + structure.queryFullName(type) + ":";
-        const std::vector<TypePart> parts = structure.parts(type);
+        const std::span<const TypePart> parts = structure.parts(type);
         EXPECT_EQ(parts.size(), structure.partCount(type));
         for (const TypePart& part : parts) {
-            const TypeContent content = structure.contentOf(part.typeName);
-            text += " " + part.name + "=" + part.typeName +
-                    (structure.find(part.typeName) == TypeStructure::kNone ? "" : "!");
+            const TypeContent content = structure.contentOf(part);
+            text.append(" ").append(part.name).append("=").append(part.typeName);
+            text += structure.find(part.typeName) == TypeStructure::kNone ? "" : "!";
+            EXPECT_EQ(structure.find(part.typeName), part.type);
             if (content.typeName != part.typeName)
-                text += "(" + content.typeName + content.repeats + ")";
+                text.append("(").append(content.typeName).append(content.repeats).append(")");
         }
         for (const std::uint32_t user : structure.users(type))
             text += " <" + CString(shortName(structure.queryFullName(user)));

@@ -96,17 +96,17 @@ void TypeTreeModel::addPart(Node& node, const TypePart& part) const
 {
     Node& child = add(node);
     child.name = part.kind == TypePart::component ? tr("(each)") : toUi(part.name);
-    child.description = toUi(part.description);
+    CString room;
+    child.description = toUi(part.description().joined(room));
     if (part.kind == TypePart::constant) {
         child.type = tr("constant");
         return;
     }
-    const TypeContent content = structure->contentOf(part.typeName);
+    const TypeContent content = structure->contentOf(part);
     child.type = typeText(content);
-    const std::uint32_t named = structure->find(part.typeName);
-    child.target = content.type == TypeStructure::kNone ? named : content.type;
-    if (named != TypeStructure::kNone)
-        child.mark = &kindMark((*structure)[named].queryType()).icon;
+    child.target = content.type == TypeStructure::kNone ? part.type : content.type;
+    if (part.type != TypeStructure::kNone)
+        child.mark = &kindMark((*structure)[part.type].queryType()).icon;
     openTo(child, content.type);
     if (child.below != Node::Below::nothing && structure->partCount(content.type) == 0)
         child.below = Node::Below::nothing;
