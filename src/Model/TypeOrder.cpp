@@ -126,9 +126,24 @@ TypeOrder::Index TypeOrder::nextChildOf(Index element)
 {
     const std::span<const Index> children = graph.children(element);
     for (Index& placed = progress[element].children; placed < children.size(); ++placed)
-        if (nodes[children[placed]].climb != kPlaced)
+        if (nodes[children[placed]].climb != kPlaced && !placeLeaf(children[placed]))
             return children[placed];
     return kNone;
+}
+
+// Most elements are fields of one record, whose turn comes when that is placed. They cost a step, but aren't entered.
+bool TypeOrder::placeLeaf(Index leaf)
+{
+    Element* const element = graph[leaf];
+    const ElementList& parents = element->queryParents();
+    const bool isTheirTurn = parents.size() == 0 || (parents.size() == 1 && parents[0]->isPlaced());
+    if (shortcuts || stepsLeft < kStepsOfAFrame || element->queryChildren().size() > 0 || !isTheirTurn)
+        return false;
+    stepsLeft -= kStepsOfAFrame;
+    nodes[leaf].climb = kPlaced;
+    element->setPlaced(true);
+    list.addFirst(element);
+    return true;
 }
 
 void TypeOrder::useShortcuts()

@@ -56,6 +56,7 @@ private:
     Index nextParentInClimb(const Frame& frame);
     Index findParent(const Frame& frame);
     Index nextChildOf(Index element);
+    bool placeLeaf(Index leaf);
     void useShortcuts();
 
     TypeList& list;
