@@ -14,7 +14,7 @@ class MsgBase
 {
 public:
     /// 1 merges by name: a name seen twice is one element. 0: every addElement() makes a new one.
-    explicit MsgBase(int mergeByName) : model(mergeByName != 0) {}
+    explicit MsgBase(int mergeByName) : MsgBase(mergeByName, {}) {}
     virtual ~MsgBase() = default;
     MsgBase(const MsgBase&) = delete;
     MsgBase& operator=(const MsgBase&) = delete;
@@ -71,6 +71,9 @@ public:
     CString& getBasePath() { return queryDescriptor()->getBasePath(); }
 
 protected:
+    /// `fieldPrefix` stands in front of the usage keys of fields, see UsageTable.
+    MsgBase(int mergeByName, std::string_view fieldPrefix) : model(mergeByName != 0, fieldPrefix) {}
+
     /// The import in hand has been cancelled, in parse() or afterwards: all but the model, which is emptied, is to be
     /// as it was before.
     virtual void onCancelled() {}
@@ -79,7 +82,7 @@ protected:
     void onAfterParse() { model.arrange(); }
 
     Element* findElement(const CString& name) const { return model.findElement(name); }
-    ChildElement* findUsage(const CString& usageKey) const { return model.findUsage(usageKey); }
+    ChildElement* findUsage(const CString& usageKey) { return model.findUsage(usageKey); }
     void orderList(Element* element) { model.place(*element); }
     void addToOrderedList(Element* element) { model.addToOrder(element); }
 

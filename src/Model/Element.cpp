@@ -134,9 +134,12 @@ int Element::appendChild(Element* child)
 
 // A common field has very many parents. As long as all links of the two go both ways, the children, the shorter list,
 // answer for the parents too.
-void Element::link(Element* child)
+void Element::link(Element* child, bool isNew)
 {
-    const bool isNew = appendChild(child);
+    if (isNew && !isPrimitive())
+        children.append(child, names().memory);
+    else
+        isNew = appendChild(child);
     if (isLinkedByHand || child->isLinkedByHand)
         child->parents.add(this, names().memory);
     else if (isNew)

@@ -96,6 +96,7 @@ public:
 
     /// The known type as a name of the element's model, or null.
     Name* queryKnownName() const { return knownType; }
+    void setDescription(std::string_view newDescription);
     void asAttribute() { isAttribute = 1; }
 
     /// Does nothing for null or for a parent that is already listed.
@@ -141,6 +142,7 @@ public:
 
 private:
     friend class TypeModel;
+    friend class UsageTable;
 
     // For TypeModel, which has the names and the memory for the lists.
     Element(Name& path, Name& name, ElementTypes type) : type(type), name(&name), path(&path) {}
@@ -158,11 +160,10 @@ private:
     const Name& baseName() const { return more && more->baseName ? *more->baseName : *name; }
     Rare& rare() const; // made when it isn't there
     int appendChild(Element* child);
-    void link(Element* child); // both ways
+    void link(Element* child, bool isNew); // both ways; a new child has no links
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
     void setName(Name& newName);
-    void setDescription(std::string_view newDescription);
     void describeByName();
 
     // A row of the model, of which an import has very many: so texts are names of the pool, and what few elements have
@@ -204,10 +205,11 @@ public:
 
 private:
     friend class TypeModel;
+    friend class UsageTable;
 
     void addInstance() { ++instances; }
 
-    Fingerprint usageKey; // the key itself may be as long as the source
+    Fingerprint usageKey; // the key itself may be as long as the source; empty as long as it isn't needed
     Element* element;
     Element* parent;
     unsigned int instances = 1;

@@ -12,9 +12,8 @@ Name& Name::behind(std::size_t size)
     return *rest;
 }
 
-Name& NamePool::intern(std::string_view text)
+Name& NamePool::intern(std::string_view text, std::uint32_t hash)
 {
-    const std::uint32_t hash = keyHash(text);
     if (Name* const known = names.find(text, hash))
         return *known;
     if (!isXmlText(text)) // so no name is equal to it as it is

@@ -17,53 +17,77 @@ Element* TypeModel::findElement(std::string_view name) const
     return known ? known->element : nullptr;
 }
 
-ChildElement* TypeModel::findUsage(const Fingerprint& usageKey) const
-{
-    return usageKey.isEmpty() ? nullptr : usages.find(usageKey);
-}
-
 Element* TypeModel::addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
                                const CString& description, Element::ElementTypes type, Element* parent)
 {
-    const auto [element, isNew] = findOrMake(path, name, type);
-    if (isNew)
-        element->setDescription(description);
-    addUsage(usageKey, element, parent);
-    return element;
+    const Declared made = findOrMake(pathNamed(path), names.intern(name), type);
+    if (made.isFirst)
+        made.element->setDescription(description);
+    count(usages.declare(usageKey, made.element, parent), made, parent);
+    return made.element;
 }
 
 Element* TypeModel::addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
                                Element::ElementTypes type, Element* parent)
 {
-    const auto [element, isNew] = findOrMake(path, name, type);
-    if (isNew)
-        element->describeByName();
-    addUsage(usageKey, element, parent);
-    return element;
+    const Declared made = findOrMake(pathNamed(path), names.intern(name), type);
+    count(usages.declare(usageKey, made.element, parent), made, parent);
+    return made.element;
 }
 
 void TypeModel::addUsage(const Fingerprint& usageKey, Element* element, Element* parent)
 {
-    cancelPoint.pass();
-    if (ChildElement* usage = findUsage(usageKey)) {
-        usage->addInstance();
-        if (usage->element == element && usage->parent == parent && !(parent && parent->isLinkedByHand))
-            return; // linked when the usage was made
-    } else {
-        usages.store(
-            std::pmr::polymorphic_allocator<>(&names.memory).new_object<ChildElement>(usageKey, element, parent));
-    }
-    if (parent)
-        parent->link(element);
+    count(usages.declare(usageKey, element, parent), {element, false}, parent);
 }
 
-std::pair<Element*, bool> TypeModel::findOrMake(const CString& path, std::string_view name, Element::ElementTypes type)
+TypeModel::Declared TypeModel::addRecord(const CString& path, std::string_view name, bool isAlone)
 {
-    Name& known = names.intern(name);
-    if (known.element && !name.empty())
-        return {known.element, false};
+    const Declared made = findOrMake(pathNamed(path), names.intern(name), Element::typeRow);
+    return {made.element, count(usages.declareRecord(made.element, isAlone), made, nullptr)};
+}
+
+TypeModel::Declared TypeModel::addField(Element* record, Name& name, Element::ElementTypes type)
+{
+    const Declared made = findOrMake(*record->path, name, type);
+    return {made.element, count(usages.declareField(made.element, record), made, record)};
+}
+
+void TypeModel::addFieldUsage(Element* record, Element* field)
+{
+    count(usages.declareField(field, record), {field, false}, record);
+}
+
+Element* TypeModel::addPart(Element* parent, Name& path, Name& name, Element::ElementTypes type)
+{
+    cancelPoint.pass();
+    const Declared made = findOrMake(path, name, type);
+    parent->link(made.element, made.isFirst);
+    return made.element;
+}
+
+void TypeModel::reserveFields(Element* record, std::size_t count)
+{
+    record->children.reserve(static_cast<std::uint32_t>(count), names.memory);
+}
+
+// Links a usage that has been declared, unless the known one is linked. Returns whether it is the first of its key.
+bool TypeModel::count(UsageTable::Declared usage, const Declared& made, Element* parent)
+{
+    cancelPoint.pass();
+    const auto [known, isFirst] = usage;
+    if (parent && (isFirst || known->element != made.element || known->parent != parent || parent->isLinkedByHand))
+        parent->link(made.element, made.isFirst);
+    return isFirst;
+}
+
+// With the generated description, if it is made.
+TypeModel::Declared TypeModel::findOrMake(Name& path, Name& name, Element::ElementTypes type)
+{
+    if (name.element && !name.text.empty())
+        return {name.element, false};
     void* const place = names.memory.allocate(sizeof(Element), alignof(Element));
-    Element* const element = own(new (place) Element(pathNamed(path), known, type));
+    Element* const element = own(new (place) Element(path, name, type));
+    element->describeByName();
     store(element);
     return {element, true};
 }
@@ -97,7 +121,7 @@ void TypeModel::arrange()
     order.clear(); // no other element is placed
     makeTables();
     TypeOrder placing(order, ownedElements);
-    for (const ChildElement* usage : usages)
+    for (const ChildElement* usage : usages.query())
         placing.place(*usage->element);
 }
 
@@ -110,9 +134,8 @@ void TypeModel::place(const Element& element)
 void TypeModel::makeTables()
 {
     CString tableName;
-    for (std::size_t i = 0; i < usages.size(); ++i) {
+    for (ChildElement* const usage : usages.query()) {
         cancelPoint.pass();
-        ChildElement* usage = usages[i];
         if (usage->instances <= 1 || usage->element->isAttribute)
             continue;
         Element* element = usage->element;

@@ -1,61 +1,15 @@
-#include "Xml/DomTree.h"
-#include "Xml/XmlParser.h"
-
-#include <functional>
-#include <unordered_map>
-#include <vector>
+#include "Xml/DomBuilder.h"
 
 namespace {
+
+constexpr std::size_t kManyPieces = 512; // nodes whose memory is then used again
 
 bool isBlank(std::string_view text)
 {
     return text.find_first_not_of(" \t\n\r") == std::string_view::npos;
 }
 
-/// Makes nodes of what the parser says.
-class DomBuilder : public XmlHandler
-{
-public:
-    explicit DomBuilder(DomTree& target) : tree(target), parent(&target.queryDocument()) {}
-
-    void scope(const XmlScope& scope) override
-    {
-        place = {static_cast<std::uint32_t>(scope.place.line), static_cast<std::uint32_t>(scope.place.column)};
-    }
-    bool wantsScopes() const override { return true; }
-    void startElement(XmlName name, XmlAttributes attributes) override;
-    void endElement() override;
-    void text(std::string_view piece) override { pending += piece; }
-    void cdata(std::string_view text) override { add(DomKind::cdata, "#cdata-section", keep(text)); }
-    void comment(std::string_view text) override { add(DomKind::comment, "#comment", keep(text)); }
-    void instruction(std::string_view target, std::string_view data) override
-    {
-        add(DomKind::instruction, keep(target), keep(data));
-    }
-
-private:
-    struct HashName
-    {
-        std::size_t operator()(const XmlName& name) const
-        {
-            return std::hash<const void*>()(name.local) * 31 + std::hash<const void*>()(name.prefix);
-        }
-    };
-
-    std::string_view keep(std::string_view text) { return tree.queryArena().keep(text); }
-    DomName nameOf(const XmlName& name);
-    DomTreeNode* create(DomKind kind, DomName name, std::string_view value);
-    void add(DomKind kind, std::string_view name, std::string_view value);
-    void flushText();
-
-    DomTree& tree;
-    DomTreeNode* parent;
-    DomPlace place;  // of the last start tag
-    CString pending; // the text whose end hasn't been seen yet
-    std::unordered_map<XmlName, DomName, HashName> names;
-    std::size_t depth = 0;
-    std::vector<std::pair<std::size_t, bool>> spaces; // depth of each xml:space in force, and whether it preserves
-};
+} // namespace
 
 // The same names come again and again: each is stored once for all its nodes.
 DomName DomBuilder::nameOf(const XmlName& name)
@@ -63,7 +17,7 @@ DomName DomBuilder::nameOf(const XmlName& name)
     const auto [place, isNew] = names.try_emplace(name);
     if (isNew) {
         const CString qualified = name.prefix ? CString(name.prefix) + ":" + name.local : name.local;
-        place->second = {keep(qualified),
+        place->second = {tree.queryArena().keep(qualified),
                          static_cast<std::uint32_t>(name.prefix ? std::string_view(name.prefix).size() + 1 : 0)};
     }
     return place->second;
@@ -71,25 +25,29 @@ DomName DomBuilder::nameOf(const XmlName& name)
 
 DomTreeNode* DomBuilder::create(DomKind kind, DomName name, std::string_view value)
 {
-    DomTreeNode* const node = tree.create(kind, name, value);
+    DomTree& target = treeInHand();
+    DomTreeNode* const node = target.create(kind, name, target.queryArena().keep(value));
     node->place = place;
+    ++pieceCount;
     return node;
 }
 
 void DomBuilder::startElement(XmlName name, XmlAttributes attributes)
 {
     flushText();
-    ++depth;
+    DomTree& target = treeInHand();
     DomTreeNode* const element = create(DomKind::element, nameOf(name), {});
+    if (depth++ == 0)
+        root = IXMLDOMNode(element);
     DomNode** last = &element->firstAttribute;
     for (std::size_t i = 0; i < attributes.size(); ++i) {
         const XmlAttribute attribute = attributes[i];
-        *last = tree.createAttribute(nameOf(attribute.name), keep(attribute.value));
+        *last = target.createAttribute(nameOf(attribute.name), target.queryArena().keep(attribute.value));
         if ((*last)->name == "xml:space")
             spaces.emplace_back(depth, attribute.value == "preserve");
         last = &(*last)->next;
     }
-    DomTree::link(*parent, *element);
+    link(*element);
     parent = element;
 }
 
@@ -99,13 +57,37 @@ void DomBuilder::endElement()
     while (!spaces.empty() && spaces.back().first == depth)
         spaces.pop_back();
     --depth;
-    parent = parent->parent;
+    DomTreeNode& element = *parent;
+    parent = element.parent;
+    finish(element);
 }
 
 void DomBuilder::add(DomKind kind, std::string_view name, std::string_view value)
 {
     flushText();
-    DomTree::link(*parent, *create(kind, {name, 0}, value));
+    DomTreeNode& node = *create(kind, {name, 0}, value);
+    link(node);
+    finish(node);
+}
+
+void DomBuilder::link(DomTreeNode& node)
+{
+    if (take && depth == 1 + (node.kind == DomKind::element))
+        node.parent = parent; // which does not keep it
+    else
+        DomTree::link(*parent, node);
+}
+
+// All of a node has been read.
+void DomBuilder::finish(DomTreeNode& node)
+{
+    if (!take || depth != 1)
+        return;
+    take(IXMLDOMNode(&node));
+    if (pieceCount < kManyPieces)
+        return;
+    pieces.clear();
+    pieceCount = 0;
 }
 
 // Pieces of text that nothing stands between are one node. White space alone is none, unless it is to be preserved.
@@ -114,12 +96,13 @@ void DomBuilder::flushText()
     if (pending.empty())
         return;
     const bool preserve = !spaces.empty() && spaces.back().second;
-    if (preserve || !isBlank(pending))
-        DomTree::link(*parent, *create(DomKind::text, {"#text", 0}, keep(pending)));
+    if (preserve || !isBlank(pending)) {
+        DomTreeNode& node = *create(DomKind::text, {"#text", 0}, pending);
+        link(node);
+        finish(node);
+    }
     pending.clear();
 }
-
-} // namespace
 
 bool buildDom(DomTree& tree, const CString& fileName)
 {

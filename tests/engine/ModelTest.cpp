@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <random>
 
 namespace {
 
@@ -13,6 +14,7 @@ class Declared final : public MsgBase
 public:
     using Declare = std::function<void(Declared&)>;
 
+    using MsgBase::model;
     using MsgBase::onAfterParse;
     using MsgBase::orderList;
 
@@ -61,6 +63,34 @@ TEST(Model, RepeatedUsageBecomesATable)
     message.enumNext();
     EXPECT_EQ(message.enumNext()->queryDescription(), "t_item (Automatically created)");
     EXPECT_EQ(message.beginEnum(), 3);
+}
+
+// Records come back, hold each other, and have names that make two keys one text.
+TEST(Model, FieldsAreToldApartByNamesAsByKeys)
+{
+    for (unsigned seed = 0; seed < 500; ++seed) {
+        const auto declare = [seed](Declared& m, bool byNames) {
+            std::minstd_rand random(seed + 1);
+            const std::vector<CString> names{"a", "b", "c", "d", seed % 3 == 0 ? "a.b" : "e", seed % 5 == 0 ? "" : "f"};
+            const auto draw = [&] { return names[random() % names.size()]; };
+            for (unsigned records = 1 + random() % 8; records > 0; --records) {
+                const CString name = draw();
+                Element* const record = byNames ? m.model.addRecord("\\f\\", name).element
+                                                : m.model.addElement(name, "\\f\\", name, Element::typeRow, nullptr);
+                for (unsigned fields = random() % 6; fields > 0; --fields) {
+                    const CString field = draw();
+                    if (byNames)
+                        m.model.addField(record, m.model.queryNames().intern(field), Element::typeString);
+                    else
+                        m.model.addElement(name + "." + field, "\\f\\", field, Element::typeString, record);
+                }
+            }
+        };
+        for (const int merges : {0, 1})
+            EXPECT_EQ(typesOfDeclared([&](Declared& m) { declare(m, true); }, merges),
+                      typesOfDeclared([&](Declared& m) { declare(m, false); }, merges))
+                << seed;
+    }
 }
 
 TEST(Model, PrimitivesThatRepeatNameTheirWord)

@@ -1,5 +1,6 @@
 #include "Import/Btd/BrokerMsg.h"
 
+#include "Xml/DomBuilder.h"
 #include "Xml/XMLDoc.h"
 
 #include <algorithm>
@@ -14,46 +15,52 @@ const BrokerMessage::Content BrokerMessage::kContents[] = {
 
 int BrokerMessage::parse(const CString& source, const CString&, const CString&)
 {
-    XmlDocument document;
-    if (!document.setFile(source))
-        return fail(document.queryParseError(), document.queryFault());
-    const IXMLDOMElement root = document.getElement();
-    if (!root)
-        return 0;
     report.addFile(source);
-    mainTypeName = root.baseName();
-    IXMLDOMNodeList types = root.childNodes();
-    IXMLDOMNode type = types.nextNode();
-    if (!type)
-        return 0;
-    while (type && readType(type))
-        type = types.nextNode();
-    CString name;
-    while (type && (type = types.nextNode())) {
-        if (type.baseName().empty()) // no element
-            continue;
-        readAttributes(type, {{"NAME", &name}});
-        note(SourceReport::declarationPassedOver, type, name + " behind a type without content");
+    DomTree tree;
+    bool isEmpty = true, isOver = false;
+    DomBuilder builder(tree, [&](const IXMLDOMNode& child) {
+        isEmpty = false;
+        if (isOver)
+            passOver(child);
+        else
+            isOver = !readType(child);
+    });
+    XmlDocument document;
+    if (!document.streamFile(source, builder)) {
+        clear();
+        return fail(document.queryParseError(), document.queryFault());
     }
-    return 1;
+    mainTypeName = builder.queryRoot().baseName();
+    return !isEmpty;
+}
+
+void BrokerMessage::passOver(const IXMLDOMNode& type)
+{
+    if (type.baseName().empty()) // no element
+        return;
+    std::string_view name;
+    readAttributes(type, {{"NAME", &name}});
+    note(SourceReport::declarationPassedOver, type, CString(name) + " behind a type without content");
 }
 
 // False for a type without content, which ends the import.
 bool BrokerMessage::readType(const IXMLDOMNode& node)
 {
     Type type;
-    CString description;
+    std::string_view description;
     readAttributes(node, {{"NAME", &type.name}, {"DESCRIPTION", &description}});
     type.folder = "\\";
     const std::size_t backslash = type.name.rfind('\\');
-    if (backslash != CString::npos && backslash > 0) {
+    if (backslash != type.name.npos && backslash > 0) {
         type.folder = type.name.substr(0, backslash + 1);
-        type.name.erase(0, backslash + 1);
+        type.name.remove_prefix(backslash + 1);
     }
     noteUnnamed(type.name, node, "type in the folder ", type);
-    const RunningHash key = keyOf(RunningHash(type.name));
-    noteTwin(key, node, type.name);
-    type.element = model.addElement(key, type.folder, type.name, description, Element::typeRow, nullptr);
+    const auto [element, isFirst] = model.addRecord(type.folder, type.name, keepsTwins);
+    if (!isFirst)
+        note(SourceReport::declaredTwice, node, type.name);
+    type.element = element;
+    type.element->setDescription(description);
     IXMLDOMNodeList contents = node.childNodes();
     IXMLDOMNode content = contents.nextNode();
     if (!content)
@@ -79,9 +86,9 @@ void BrokerMessage::readContent(const IXMLDOMNode& content, Type& type)
 // The component isn't read: an array has no known type, so its component is the type of its own name.
 void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
 {
-    CString size, componentType;
+    std::string_view size, componentType;
     readAttributes(content, {{"SIZE", &size}});
-    type.element->setSize(size);
+    type.element->setSize(CString(size));
     for (IXMLDOMNode component = content.firstChild(); component; component = component.nextSibling()) {
         readAttributes(component, {{"TYPE", &componentType}});
         if (componentType != type.fullName())
@@ -93,33 +100,42 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
 void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
 {
     RunningHash key(type.name);
-    CString name, description;
+    std::string_view name, description;
     for (IXMLDOMNode constant = content.firstChild(); constant; constant = constant.nextSibling()) {
         readAttributes(constant, {{"NAME", &name}, {"DESCRIPTION", &description}});
         noteUnnamed(name, constant, "constant of ", type);
         key.append(".").append(name);
-        model.addElement(key, type.folder, name, description, Element::typeString, type.element);
+        model.addElement(key, type.folder, name, Element::typeString, type.element)->setDescription(description);
     }
 }
 
+// The places of all names are asked for first: they lie anywhere in a large table, and so wait for it only once.
 void BrokerMessage::readFields(const IXMLDOMNode& content, const Type& type)
 {
-    const RunningHash prefix("." + type.name + ".");
-    CString name, description, knownType;
+    NamePool& names = model.queryNames();
+    std::size_t count = 0;
+    for (IXMLDOMNode field = content.firstChild(); field; field = field.nextSibling(), ++count)
+        if (const IXMLDOMNode name = field.attributes().getNamedItem("NAME"))
+            names.prefetch(keyHash(name.nodeValue()));
+    model.reserveFields(type.element, count);
+    std::string_view name, description, knownType;
     for (IXMLDOMNode field = content.firstChild(); field; field = field.nextSibling()) {
         readAttributes(field, {{"NAME", &name}, {"DESCRIPTION", &description}, {"TYPE", &knownType}});
         noteUnnamed(name, field, "field of ", type);
         noteUnnamed(knownType, field, "type of a field of ", type);
-        const RunningHash key = keyOf(RunningHash(prefix).append(name));
-        noteTwin(key, field, name);
-        model.addElement(key, type.folder, name, description, Element::typeOther, type.element)
-            ->setKnownType(knownType);
+        const auto [element, isFirst] =
+            keepsTwins ? TypeModel::Declared{model.addPart(type.element, names.intern(name), Element::typeOther), true}
+                       : model.addField(type.element, names.intern(name), Element::typeOther);
+        if (!isFirst)
+            note(SourceReport::declaredTwice, field, name);
+        element->setDescription(description);
+        element->setKnownType(knownType);
     }
 }
 
 void BrokerMessage::readTable(const IXMLDOMNode& content, const Type& type)
 {
-    CString componentType;
+    std::string_view componentType;
     const IXMLDOMNode component = content.firstChild();
     if (component)
         readAttributes(component, {{"TYPE", &componentType}});
@@ -132,22 +148,16 @@ void BrokerMessage::readTable(const IXMLDOMNode& content, const Type& type)
 void BrokerMessage::readAttributes(const IXMLDOMNode& node, std::initializer_list<Wanted> wanted)
 {
     for (const Wanted& attribute : wanted)
-        attribute.value->clear();
+        *attribute.value = {};
     IXMLDOMNamedNodeMap attributes = node.attributes();
     while (const IXMLDOMNode attribute = attributes.nextNode()) {
         const std::string_view name = attribute.nodeName();
         const auto* const known = std::ranges::find(wanted, name, &Wanted::name);
         if (known != wanted.end())
-            known->value->assign(attribute.nodeValue());
+            *known->value = attribute.nodeValue();
         else
             note(SourceReport::unknownAttribute, node, CString(name) + " of " + CString(node.nodeName()));
     }
-}
-
-// What tells a usage from all others: of twins, too, if they are to be kept.
-RunningHash BrokerMessage::keyOf(RunningHash key)
-{
-    return keepsTwins ? key.append("\n").append(std::to_string(++keys)) : key;
 }
 
 void BrokerMessage::note(SourceReport::Construct construct, const IXMLDOMNode& node, std::string_view name)
@@ -155,14 +165,8 @@ void BrokerMessage::note(SourceReport::Construct construct, const IXMLDOMNode& n
     report.add(construct, {0, node.place().line, node.place().column}, name);
 }
 
-void BrokerMessage::noteUnnamed(const CString& name, const IXMLDOMNode& node, const char* what, const Type& type)
+void BrokerMessage::noteUnnamed(std::string_view name, const IXMLDOMNode& node, const char* what, const Type& type)
 {
     if (name.empty())
         note(SourceReport::nameMissing, node, what + type.fullName());
-}
-
-void BrokerMessage::noteTwin(const Fingerprint& key, const IXMLDOMNode& node, std::string_view name)
-{
-    if (model.findUsage(key))
-        note(SourceReport::declaredTwice, node, name);
 }

@@ -8,7 +8,7 @@
 class BrokerMessage : public MsgBase
 {
 public:
-    BrokerMessage() : MsgBase(0) {}
+    BrokerMessage() : MsgBase(0, ".") {}
 
     static MsgBase* New() { return new BrokerMessage; }
 
@@ -28,18 +28,18 @@ private:
     struct Type
     {
         CString folder;
-        CString name;
+        std::string_view name;
         Element* element = nullptr;
         bool hasContent = false; // of a known kind
 
-        CString fullName() const { return folder + name; }
+        CString fullName() const { return CString(folder).append(name); }
     };
 
     // An attribute that an element of the document may have, and what takes its value.
     struct Wanted
     {
         std::string_view name;
-        CString* value;
+        std::string_view* value;
     };
 
     // What a content element of a type says: its tag, the kind that it makes of the type, and how the rest is read.
@@ -51,20 +51,18 @@ private:
     };
 
     bool readType(const IXMLDOMNode& node);
+    void passOver(const IXMLDOMNode& type);
     void readContent(const IXMLDOMNode& content, Type& type);
     void readArray(const IXMLDOMNode& content, const Type& type);
     void readConstants(const IXMLDOMNode& content, const Type& type);
     void readFields(const IXMLDOMNode& content, const Type& type);
     void readTable(const IXMLDOMNode& content, const Type& type);
     void readAttributes(const IXMLDOMNode& node, std::initializer_list<Wanted> wanted);
-    RunningHash keyOf(RunningHash key);
     void note(SourceReport::Construct construct, const IXMLDOMNode& node, std::string_view name);
-    void noteTwin(const Fingerprint& key, const IXMLDOMNode& node, std::string_view name);
-    void noteUnnamed(const CString& name, const IXMLDOMNode& node, const char* what, const Type& type);
+    void noteUnnamed(std::string_view name, const IXMLDOMNode& node, const char* what, const Type& type);
 
     static const Content kContents[];
 
     CString mainTypeName; // the root's local name
     bool keepsTwins = false;
-    std::size_t keys = 0; // that were made for twins
 };

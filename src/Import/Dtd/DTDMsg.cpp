@@ -83,6 +83,7 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     CString copy;
     Text parsed(withoutNul(source, copy));
     text = &parsed;
+    isFit = isXmlText(parsed.whole);
     sourceName = fileName;
     report.addFile(fileName);
     DTDNotes(parsed.whole, parsed.places, report, isReportWanted).read();
@@ -363,7 +364,8 @@ void DTDMessage::declareAll(const CString& path)
 void DTDMessage::declareRecord(DTDElement& record, const CString& path)
 {
     RunningHash key(record.queryName());
-    Element* row = model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
+    Element* row = isFit ? model.addRecord(path, record.queryName()).element
+                         : model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
     noteName(record, record, *row);
     key.append(".");
     while (DTDElement* child = record.enumNext())
@@ -376,16 +378,20 @@ void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHas
 {
     std::string_view name = child.queryName();
     const Modifiers mark = getModifiers(name); // takes the mark off the name
-    const Fingerprint key = usageKey.append(name);
+    const auto addUsage = [&] {
+        isFit ? model.addFieldUsage(record, child.element) : model.addUsage(usageKey, child.element, record);
+    };
+    usageKey.append(name);
     if (child.element) {
-        model.addUsage(key, child.element, record);
+        addUsage();
     } else {
-        child.element = model.addElement(key, path, name, Element::typeString, record);
+        child.element = isFit ? model.addField(record, model.queryNames().intern(name), Element::typeString).element
+                              : model.addElement(usageKey, path, name, Element::typeString, record);
         DTDElement* const unmarked = name.size() == child.queryName().size() ? &child : dtdElements.find(name);
         noteName(unmarked ? *unmarked : child, child, *child.element);
     }
     if (mark == modStar || mark == modPlus)
-        model.addUsage(key, child.element, record);
+        addUsage();
 }
 
 // Reports a name that no element or attribute of a document can have, or that is of no element that is declared; once,

@@ -135,5 +135,6 @@ private:
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
     Arena memory; // of the entries and of the names that don't stand in the text as they are
     Text* text = nullptr;
-    CString joined; // a name that does not stand in the text as it is; kept for its room
+    bool isFit = false; // no two names of the text become one in a document
+    CString joined;     // a name that does not stand in the text as it is; kept for its room
 };

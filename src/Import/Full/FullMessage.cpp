@@ -8,6 +8,7 @@
 #include "Import/Full/SpaceFolders.h"
 
 #include <algorithm>
+#include <array>
 #include <unordered_map>
 
 namespace {
@@ -71,12 +72,16 @@ struct FullMessage::Declaring
     std::vector<CString> paths;     // by namespace
     std::vector<bool> enumerations; // those that are declared
     std::vector<bool> tables;
-    Element* first;                       // type
+    NamePool& names;
+    std::vector<Name*> pathNames;         // the paths
+    std::array<Name*, 3> plainNames;      // of the types without an index, by kind
+    std::vector<Name*> recordNames;       // full names of records that a field has had, else null
+    std::vector<std::uint32_t> hashes;    // of the names of the fields in hand
     CString name, description, knownType; // kept for their room
 
-    const CString& fullName(Index space, std::string_view shortName)
+    Name& fullName(Index space, std::string_view shortName)
     {
-        return knownType.assign(paths[space]).append(shortName);
+        return names.intern(knownType.assign(paths[space]).append(shortName));
     }
 };
 
@@ -130,7 +135,12 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
                         {basePath + mainType + "\\"},
                         std::vector<bool>(types.enumerations.size()),
                         std::vector<bool>(types.tables.size()),
-                        nullptr,
+                        model.queryNames(),
+                        {},
+                        {&model.queryNames().intern("String"), &model.queryNames().intern("Number"),
+                         &model.queryNames().intern("Time")},
+                        std::vector<Name*>(types.records.size()),
+                        {},
                         {},
                         {},
                         {}};
@@ -139,16 +149,14 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         for (CString& path : declaring.paths)
             path = basePath + path + (path.empty() ? "" : "\\");
     }
+    for (const CString& path : declaring.paths)
+        declaring.pathNames.push_back(&declaring.names.intern(path));
     types.spend(std::ranges::max(declaring.paths, {}, &CString::size).size() * types.fieldCount());
     for (Index enumeration = 0; queryRoots().empty() && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
             declareEnumeration(declaring, enumeration);
     for (const Index record : order.query())
         declareRecord(declaring, record);
-    // What has no key shares one usage, which stands where the first of it was declared: before the types that the last
-    // of it, a field, must come after. So it is left to a type that comes first anyway.
-    if (declaring.first)
-        model.addUsage({}, declaring.first, nullptr);
 }
 
 // Settles the name of the whole and answers the records of the main types.
@@ -222,8 +230,6 @@ Element* FullMessage::declareType(Declaring& declaring, Index space, std::string
         element = model.addElement(key, path, declaring.name, type, nullptr);
     else
         element = model.addElement(key, path, declaring.name, declaring.description.assign(description), type, nullptr);
-    if (!declaring.first)
-        declaring.first = element;
     return element;
 }
 
@@ -238,8 +244,7 @@ void FullMessage::declareRecord(Declaring& declaring, Index index)
     }
     const SourceTypes::Record& record = declaring.types.records[index];
     Element* row = declareType(declaring, record.space, record.name, record.description, Element::typeRow);
-    for (const SourceTypes::Field& field : declaring.types.fieldsOf(index))
-        declareField(declaring, field, row);
+    declareFields(declaring, declaring.types.fieldsOf(index), row);
 }
 
 void FullMessage::declareEnumeration(Declaring& declaring, Index index)
@@ -248,14 +253,12 @@ void FullMessage::declareEnumeration(Declaring& declaring, Index index)
     const SourceTypes::Enumeration& enumeration = declaring.types.enumerations[index];
     Element* type =
         declareType(declaring, enumeration.space, enumeration.name, enumeration.description, Element::typeEnum);
-    const CString& path = declaring.paths[enumeration.space];
+    Name& path = *declaring.pathNames[enumeration.space];
     const std::span<const std::string_view> constants = declaring.types.constantsOf(index);
     for (std::size_t i = 0; i < constants.size(); ++i) {
-        declaring.name = constants[i];
-        if (const std::string_view said = declaring.types.describeConstant(index, i); said.empty())
-            model.addElement({}, path, declaring.name, Element::typeString, type);
-        else
-            addElement("", path, declaring.name, declaring.description.assign(said), Element::typeString, type);
+        Element* const constant = model.addPart(type, path, declaring.names.intern(constants[i]), Element::typeString);
+        if (const std::string_view said = declaring.types.describeConstant(index, i); !said.empty())
+            constant->setDescription(said);
     }
 }
 
@@ -280,41 +283,47 @@ void FullMessage::declareTable(Declaring& declaring, Index index)
     declaring.tables[index] = true;
     const SourceTypes::Table& table = declaring.types.tables[index];
     Element* type = declareType(declaring, table.space, table.name, {}, Element::typeTable);
-    const CString& component = typeName(declaring, table.component);
+    Name& component = typeName(declaring, table.component);
     type->setKnownType(component);
-    const CString& path = declaring.paths[spaceOf(declaring.types, table.component)];
-    model.addElement({}, path, declaring.name, Element::typeOther, type)->setKnownType(component);
+    Name& path = *declaring.pathNames[spaceOf(declaring.types, table.component)];
+    model.addPart(type, path, declaring.names.intern(table.name), Element::typeOther)->setKnownType(component);
 }
 
-// No key: a field that repeats has its table already, and nothing is declared twice.
-void FullMessage::declareField(Declaring& declaring, const SourceTypes::Field& field, Element* record)
+// A field that repeats has its table already, so each occurs once. Their names lie anywhere in a large table: they are
+// all looked for before the first is declared.
+void FullMessage::declareFields(Declaring& declaring, std::span<const SourceTypes::Field> fields, Element* record)
 {
-    declaring.name = field.name;
-    const CString& path = declaring.paths[spaceOf(declaring.types, field.type)];
-    Element* element;
-    if (field.description.empty())
-        element = model.addElement({}, path, declaring.name, Element::typeOther, record);
-    else
-        element = addElement("", path, declaring.name, declaring.description.assign(field.description),
-                             Element::typeOther, record);
-    element->setKnownType(typeName(declaring, field.type));
+    declaring.hashes.clear();
+    for (const SourceTypes::Field& field : fields) {
+        declaring.hashes.push_back(keyHash(field.name));
+        declaring.names.prefetch(declaring.hashes.back());
+    }
+    model.reserveFields(record, fields.size());
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        Name& name = declaring.names.intern(fields[i].name, declaring.hashes[i]);
+        Name& path = *declaring.pathNames[spaceOf(declaring.types, fields[i].type)];
+        Element* const element = model.addPart(record, path, name, Element::typeOther);
+        if (!fields[i].description.empty())
+            element->setDescription(fields[i].description);
+        element->setKnownType(typeName(declaring, fields[i].type));
+    }
 }
 
-const CString& FullMessage::typeName(Declaring& declaring, SourceTypes::Type type)
+Name& FullMessage::typeName(Declaring& declaring, SourceTypes::Type type)
 {
     const SourceTypes& types = declaring.types;
     const Index space = spaceOf(types, type);
     switch (type.kind) {
     case SourceTypes::kindText:
-        return declaring.knownType = "String";
     case SourceTypes::kindNumber:
-        return declaring.knownType = "Number";
     case SourceTypes::kindTime:
-        return declaring.knownType = "Time";
+        return *declaring.plainNames[type.kind];
     case SourceTypes::kindEnumeration:
         return declaring.fullName(space, types.enumerations[type.index].name);
     case SourceTypes::kindRecord:
-        return declaring.fullName(space, types.records[type.index].name);
+        if (!declaring.recordNames[type.index])
+            declaring.recordNames[type.index] = &declaring.fullName(space, types.records[type.index].name);
+        return *declaring.recordNames[type.index];
     default:
         return declaring.fullName(space, types.tables[type.index].name);
     }

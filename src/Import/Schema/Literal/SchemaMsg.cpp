@@ -131,18 +131,16 @@ std::size_t SchemaMessage::countFields() const
     return count;
 }
 
-/// An entry with children becomes a record. All of its fields are known before the first is declared: their usages lie
-/// anywhere in a large table, and so wait for it but once.
+/// An entry with children becomes a record. The names of all of its fields are looked for before the first is declared:
+/// they lie anywhere in a large table, and so wait for it only once.
 void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check)
 {
     if (!entry.queryChildren())
         return;
     const bool mayMiss = entry.queryPull() == SchemaElement::pulledAsChild;
-    const CString name =
-        entry.queryName() == table.queryRootTypeName() ? table.queryMainType() : CString(entry.queryName());
-    RunningHash key(name);
-    Element* record = model.addElement(key, path, name, Element::typeRow, nullptr);
-    key.append(".");
+    const bool isRoot = entry.queryName() == table.queryRootTypeName();
+    const std::string_view name = isRoot ? std::string_view(table.queryMainType()) : entry.queryName();
+    Element* const record = model.addRecord(path, name).element;
     fields.clear();
     for (const SchemaElement* child : *entry.queryChildren()) {
         Field& field = fields.emplace_back();
@@ -151,28 +149,29 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
         if (!field.declared)
             report.add(SourceReport::declarationPassedOver, child->queryPlace(), child->queryName());
         field.mark = getModifiers(*child);
-        field.usageKey = RunningHash(key).append(field.name);
-        model.prefetchUsage(field.usageKey);
+        field.hash = keyHash(field.name);
+        model.queryNames().prefetch(field.hash);
     }
     for (const Field& field : fields) {
-        const Element* element = declareField(field, path, record);
+        const Element* element = declareField(field, record);
         if (field.declared)
             check.add(*field.declared, *element, entry);
     }
 }
 
 /// A repeated field is declared twice: the model makes a table of a usage that it has seen more than once.
-Element* SchemaMessage::declareField(const Field& field, const CString& path, Element* record)
+Element* SchemaMessage::declareField(const Field& field, Element* record)
 {
     Element* element = nullptr;
     std::string_view typeName = field.typeName;
     const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName);
+    Name& name = model.queryNames().intern(field.name, field.hash);
     for (int instances = field.mark == modStar ? 2 : 1; instances > 0; --instances) {
-        element = model.addElement(field.usageKey, path, field.name, kind, record);
+        element = model.addField(record, name, kind).element;
         if (typeName.empty())
             continue;
         const bool isOurs = typeName != "AnonymousType" && kind != Element::typeString;
-        element->setKnownType(isOurs ? path + CString(typeName) : "String");
+        element->setKnownType(isOurs ? record->queryPath() + CString(typeName) : "String");
         element->setType(Element::typeOther);
     }
     return element;

@@ -38,7 +38,7 @@ private:
     struct Field
     {
         const SchemaElement* declared; // null if it is missing
-        Fingerprint usageKey;
+        std::uint32_t hash = 0;        // of the name
         std::string_view name;
         std::string_view typeName;
         Modifiers mark = modNone;
@@ -53,7 +53,7 @@ private:
     int doParse(const SchemaOutline& outline, const CString& source);
     std::size_t countFields() const;
     void declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check);
-    Element* declareField(const Field& field, const CString& path, Element* record);
+    Element* declareField(const Field& field, Element* record);
     static int getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName);
     Element::ElementTypes getBrokerType(std::string_view& typeName) const;
     static Modifiers getModifiers(const SchemaElement& entry) { return entry.isMarked() ? modStar : modNone; }

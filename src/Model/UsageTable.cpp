@@ -1,0 +1,123 @@
+#include "Model/UsageTable.h"
+
+#include <memory_resource>
+
+UsageTable::Declared UsageTable::declare(const Fingerprint& key, Element* element, Element* parent)
+{
+    ChildElement* const known = byKey.find(key);
+    if (!known) {
+        byKey.store(append(key, element, parent));
+        return {usages.back(), true};
+    }
+    if (key.isEmpty())
+        *known = ChildElement(key, element, parent);
+    else
+        known->addInstance();
+    return {known, key.isEmpty()};
+}
+
+UsageTable::Declared UsageTable::declareRecord(Element* record, bool isAlone)
+{
+    if (isAlone)
+        return {append({}, record, nullptr), true};
+    Name& name = *record->name;
+    if (!hasKeys && (name.text.empty() || name.text.find('.') != CString::npos))
+        makeKeys();
+    if (hasKeys)
+        return declare(name.text, record, nullptr);
+    if (name.recordUsage != Name::kNone) {
+        usages[name.recordUsage]->addInstance();
+        reopen(name);
+        return {usages[name.recordUsage], false};
+    }
+    name.recordUsage = static_cast<std::uint32_t>(usages.size());
+    return {append({}, record, nullptr), true};
+}
+
+UsageTable::Declared UsageTable::declareField(Element* field, Element* record)
+{
+    if (hasKeys)
+        return declare(keyOf({{}, field, record}), field, record);
+    if (ChildElement* const known = findField(*field, *record)) {
+        known->addInstance();
+        return {known, false};
+    }
+    field->name->lastUsage = static_cast<std::uint32_t>(usages.size());
+    ChildElement* const made = append({}, field, record);
+    if (record->name->isReopened)
+        reopened.emplace(Pair(record->name, field->name), made);
+    return {made, true};
+}
+
+ChildElement* UsageTable::append(const Fingerprint& key, Element* element, Element* parent)
+{
+    usages.push_back(std::pmr::polymorphic_allocator<>(&names.memory).new_object<ChildElement>(key, element, parent));
+    return usages.back();
+}
+
+ChildElement* UsageTable::findField(const Element& field, const Element& record) const
+{
+    if (field.name->lastUsage != Name::kNone)
+        if (ChildElement* const last = usages[field.name->lastUsage]; last->parent->name == record.name)
+            return last;
+    if (!record.name->isReopened)
+        return nullptr;
+    const auto known = reopened.find({record.name, field.name});
+    return known == reopened.end() ? nullptr : known->second;
+}
+
+// Other records may have used its fields' names since.
+void UsageTable::reopen(Name& record)
+{
+    if (record.isReopened)
+        return;
+    record.isReopened = true;
+    for (std::size_t i = record.recordUsage + 1; i < usages.size() && usages[i]->parent; ++i) {
+        if (usages[i]->parent->name != &record)
+            break;
+        if (usages[i]->usageKey.isEmpty()) // no constant
+            reopened.emplace(Pair(&record, usages[i]->element->name), usages[i]);
+    }
+}
+
+// From here on every usage is looked up by its key.
+void UsageTable::makeKeys()
+{
+    hasKeys = true;
+    for (ChildElement* const usage : usages) {
+        if (!usage->usageKey.isEmpty() || byKey.find({}) == usage)
+            continue;
+        usage->usageKey = keyOf(*usage);
+        byKey.store(usage);
+    }
+}
+
+Fingerprint UsageTable::keyOf(const ChildElement& usage) const
+{
+    const CString& name = usage.element->queryBaseName(); // also of what has become a table
+    if (!usage.parent)
+        return name;
+    return RunningHash(fieldPrefix).append(usage.parent->queryName()).append(".").append(name);
+}
+
+ChildElement* UsageTable::find(const Fingerprint& key)
+{
+    if (!hasKeys)
+        makeKeys();
+    return key.isEmpty() ? nullptr : byKey.find(key);
+}
+
+void UsageTable::clear()
+{
+    usages.clear();
+    byKey.clear();
+    reopened.clear();
+    hasKeys = false;
+}
+
+std::size_t UsageTable::PairHash::operator()(const Pair& pair) const
+{
+    return (reinterpret_cast<std::uintptr_t>(pair.first) ^ reinterpret_cast<std::uintptr_t>(pair.second) * 3) *
+               0x9E3779B97F4A7C15 >>
+           20;
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Xml/Dom.h"
+#include "Xml/DomTree.h"
+#include "Xml/XmlParser.h"
+
+#include <functional>
+#include <unordered_map>
+#include <vector>
+
+/// Makes nodes of what the parser says.
+class DomBuilder : public XmlHandler
+{
+public:
+    /// Gets a child of the root, which lasts no longer than the call.
+    using TakeChild = std::function<void(const IXMLDOMNode&)>;
+
+    /// Builds a whole document in `tree`, which is empty. With `take` only the root element stays there: each child of
+    /// it is handed over as soon as it has been read.
+    explicit DomBuilder(DomTree& tree, TakeChild take = {}) :
+        tree(tree), take(std::move(take)), parent(&tree.queryDocument())
+    {}
+
+    IXMLDOMNode queryRoot() const { return root; }
+
+    void scope(const XmlScope& scope) override
+    {
+        place = {static_cast<std::uint32_t>(scope.place.line), static_cast<std::uint32_t>(scope.place.column)};
+    }
+    bool wantsScopes() const override { return true; }
+    void startElement(XmlName name, XmlAttributes attributes) override;
+    void endElement() override;
+    void text(std::string_view piece) override { pending += piece; }
+    void cdata(std::string_view text) override { add(DomKind::cdata, "#cdata-section", text); }
+    void comment(std::string_view text) override { add(DomKind::comment, "#comment", text); }
+    void instruction(std::string_view target, std::string_view data) override
+    {
+        add(DomKind::instruction, treeInHand().queryArena().keep(target), data);
+    }
+
+private:
+    struct HashName
+    {
+        std::size_t operator()(const XmlName& name) const
+        {
+            return std::hash<const void*>()(name.local) * 31 + std::hash<const void*>()(name.prefix);
+        }
+    };
+
+    DomTree& treeInHand() { return take && depth > 0 ? pieces : tree; }
+    DomName nameOf(const XmlName& name);
+    DomTreeNode* create(DomKind kind, DomName name, std::string_view value);
+    void add(DomKind kind, std::string_view name, std::string_view value);
+    void link(DomTreeNode& node);
+    void finish(DomTreeNode& node);
+    void flushText();
+
+    DomTree& tree;
+    DomTree pieces; // children of the root that are handed over
+    std::size_t pieceCount = 0;
+    TakeChild take;
+    DomTreeNode* parent;
+    IXMLDOMNode root;
+    DomPlace place;  // of the last start tag
+    CString pending; // the text whose end hasn't been seen yet
+    std::unordered_map<XmlName, DomName, HashName> names;
+    std::size_t depth = 0;
+    std::vector<std::pair<std::size_t, bool>> spaces; // depth of each xml:space in force, and whether it preserves
+};
