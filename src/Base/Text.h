@@ -34,7 +34,14 @@ struct TextPieces
 inline constexpr std::string_view kWhitespace = " \t\n\r\v\f";
 
 /// `text` without the characters of `set` at either end; a view into `text`.
-std::string_view trimmed(std::string_view text, std::string_view set = kWhitespace);
+std::string_view trimmed(std::string_view text, std::string_view set);
+
+/// The same for white space. Nearly every text comes back as it is, which is told by its two ends.
+inline std::string_view trimmed(std::string_view text)
+{
+    const bool isTight = !text.empty() && text.front() > ' ' && text.back() > ' ';
+    return isTight ? text : trimmed(text, kWhitespace);
+}
 
 /// Letters of ASCII in the other case; every other byte stays, so that UTF-8 does.
 constexpr char lowerAscii(char c)

@@ -57,8 +57,8 @@ bool isOnlyChild(Tag holder, Tag tag)
 
 SchemaStatements::Occurrence SchemaStatements::occurrenceOf(std::string_view value)
 {
-    if (value == "1")
-        return Occurrence::once;
+    if (value.size() == 1 && value.front() >= '0' && value.front() <= '9') // nearly always
+        return value.front() == '0' ? Occurrence::none : value.front() == '1' ? Occurrence::once : Occurrence::often;
     if (value == "unbounded")
         return Occurrence::unbounded;
     if (value.empty() || value.find_first_not_of("0123456789") != value.npos)
@@ -161,7 +161,7 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
         if (!isItsOwn) {
             find(SourceReport::unknownAttribute, shown(called) + " in " + shown(name));
             isMisspelt = true;
-        } else if (word == Word::name && !value.empty() && value.front() > ' ') {
+        } else if ((word == Word::name || word == Word::type) && !value.empty() && value.front() > ' ') {
             said |= bitOf(word);
         } else {
             checkValue(known.back(), called);
@@ -184,8 +184,7 @@ std::string_view SchemaStatements::valueOf(SchemaAttribute name) const
 
 void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
 {
-    const bool isTight = !attribute.value.empty() && attribute.value.front() > ' ' && attribute.value.back() > ' ';
-    const std::string_view value = isTight ? attribute.value : trimmed(attribute.value);
+    const std::string_view value = trimmed(attribute.value);
     bool makesSense = true;
     switch (attribute.name) {
     case Word::minOccurs:

@@ -63,8 +63,10 @@ public:
     /// Appends the key of a child by the entry that has it; the same one may stand more than once.
     void addChild(SchemaElement* child)
     {
-        if (!children)
+        if (!children) {
             children = std::make_unique<Children>();
+            children->reserve(8); // most records have some
+        }
         children->push_back(child);
     }
 
