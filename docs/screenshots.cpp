@@ -99,7 +99,10 @@ public:
     {
         sheet.back();
         ListView& importers = control<ListView>(IDC_IMPORTERS);
-        importers.selectRow(importers.rowCount() - 1);
+        int row = 0;
+        while (!g_amud[row]->querySource().readsTables)
+            ++row;
+        importers.selectRow(row);
         Q_EMIT importers.chosen();
         sheet.next();
         control<ListView>(IDC_DATA_SOURCES).selectRow(1);
