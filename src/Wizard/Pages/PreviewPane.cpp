@@ -54,7 +54,7 @@ PreviewPane::PreviewPane(QWidget* reading) :
     new XmlHighlighter(text->document(), palette());
     counts->setObjectName(QString::number(IDC_COUNTS));
     counts->setWordWrap(true);
-    counts->setMinimumHeight(counts->fontMetrics().lineSpacing() * 2);
+    counts->setMinimumHeight(counts->fontMetrics().lineSpacing() * 3);
     countButton->setObjectName(QString::number(IDC_COUNT_TYPES));
     countButton->hide();
     auto* row = new QHBoxLayout;

@@ -18,15 +18,20 @@
 
 namespace {
 
-constexpr std::size_t kMaxShown = 1 << 16; // bytes
+constexpr qsizetype kMaxShown = 1 << 16; // bytes
 constexpr qsizetype kMaxLines = 200;
 constexpr qsizetype kMaxLine = 500; // characters: what is longer takes long to lay out
 
-// Sources are 8-bit text, but for what says otherwise at its start.
-QString decoded(const QByteArray& bytes)
+// Text as the importers read it; "" for what is none. A character may be cut off at the end.
+QString decoded(QByteArray bytes)
 {
-    const auto encoding = QStringConverter::encodingForData(bytes);
-    return encoding ? QString(QStringDecoder(*encoding).decode(bytes)) : QString::fromUtf8(bytes);
+    if (const auto encoding = QStringConverter::encodingForData(bytes))
+        return QStringDecoder(*encoding).decode(bytes);
+    if (bytes.contains('\0'))
+        return {};
+    while (bytes.size() > kMaxShown - 4 && static_cast<unsigned char>(bytes.back()) >= 0x80)
+        bytes.chop(1);
+    return toUi(toXmlText({bytes.data(), static_cast<std::size_t>(bytes.size())}));
 }
 
 // "" for what is no text.
@@ -36,17 +41,15 @@ QString firstLines(const CString& fileName)
     QByteArray bytes(kMaxShown, Qt::Uninitialized);
     qsizetype size = 0;
     while (size < bytes.size()) {
-        const ssize_t got = file.queryError() == 0 ? file.read(bytes.data() + size, bytes.size() - size) : 0;
+        const ssize_t got =
+            file.queryError() == 0 ? file.read(bytes.data() + size, static_cast<std::size_t>(bytes.size() - size)) : 0;
         if (got <= 0)
             break;
         size += got;
     }
     bytes.truncate(size);
-    const QString text = decoded(bytes);
-    if (text.contains(QChar::Null))
-        return {};
     QStringList lines;
-    for (const QString& line : text.split('\n').mid(0, kMaxLines))
+    for (const QString& line : decoded(bytes).split('\n').mid(0, kMaxLines))
         lines.append(line.size() > kMaxLine ? line.left(kMaxLine) + " ..." : line);
     return lines.join('\n');
 }
@@ -108,7 +111,11 @@ void SourcePreview::start(const Source& source, bool isWanted)
         if (before.joinable())
             before.join();
         ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), 10); // of this thread
-        look(source, isWanted, job);
+        try {
+            look(source, isWanted, job);
+        } catch (const std::exception&) {
+            return; // there is no memory even to say so
+        }
     });
 }
 
