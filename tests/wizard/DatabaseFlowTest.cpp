@@ -129,6 +129,16 @@ TEST_F(DatabaseFlow, AsksForTheLogonShowsTheDriversWordsAndGoesOn)
     EXPECT_EQ(desk.page(), IDD_EDIT);
 }
 
+TEST_F(DatabaseFlow, NamesTheSourceAndTheFileThatIsMissing)
+{
+    start("[Gone]\nDriver=SQLite3\nDatabase=/no/such/shop.db\n");
+    choose(IDC_DATA_SOURCES, 0);
+    EXPECT_THAT(desk.boxes.take(),
+                testing::ElementsAre(testing::MatchesRegex("The data source Gone can't be opened. Its file is "
+                                                           "/no/such/shop.db: No such file or directory[.]\n.*")));
+    EXPECT_EQ(desk.page(), IDD_DATA_SOURCE);
+}
+
 TEST_F(DatabaseFlow, ADriverThatCrashesIsABoxAndTheNextTryWorks)
 {
     start("[Shaky]\nDriver=" TEST_BUILD_DIR "/libtest_driver.so\n");
