@@ -10,6 +10,7 @@
 #include "Wizard/Run/WizardRun.h"
 
 #include <QDropEvent>
+#include <QFrame>
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QMimeData>
@@ -17,13 +18,34 @@
 
 #include <algorithm>
 
+namespace {
+
+// Hidden; what it lies over gets the clicks.
+QFrame* newRedFrame()
+{
+    auto* frame = new QFrame;
+    frame->setObjectName("redFrame");
+    frame->setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
+    frame->setLineWidth(2);
+    frame->setAttribute(Qt::WA_TransparentForMouseEvents);
+    frame->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    QPalette red = frame->palette();
+    red.setColor(QPalette::WindowText, QColor(211, 47, 47));
+    frame->setPalette(red);
+    frame->hide();
+    return frame;
+}
+
+} // namespace
+
 void FilePage::OnInitDialog()
 {
     QELPage::OnInitDialog();
     fileCombo = withId(comboId(), newRecentCombo());
     fileCombo->lineEdit()->setCompleter(new PathCompleter(*fileCombo->lineEdit()));
     fileCombo->lineEdit()->setAcceptDrops(false);
-    connect(fileCombo, &QComboBox::editTextChanged, this, [this] { markField(false); });
+    redFrame = newRedFrame();
+    connect(fileCombo, &QComboBox::editTextChanged, redFrame, &QWidget::hide);
     fileCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     fillFiles(*fileCombo);
     QLabel* label = plainLabel("File:");
@@ -35,35 +57,31 @@ void FilePage::OnInitDialog()
     auto* grid = new QGridLayout(this);
     grid->addWidget(label, 0, 0);
     grid->addWidget(fileCombo, 0, 1);
+    grid->addWidget(redFrame, 0, 1);
     grid->addWidget(browse, 0, 2);
     grid->addWidget(folderLabel, 1, 1, 1, 2);
     grid->setColumnStretch(1, 1);
     setAcceptDrops(true);
 }
 
-void FilePage::addRow(QWidget* row, bool isHigh)
+void FilePage::addRow(QWidget* row, bool isHigh, int column)
 {
     auto* grid = static_cast<QGridLayout*>(layout());
-    grid->addWidget(row, rows, 0, 1, 3);
+    grid->addWidget(row, rows, column, 1, 3 - column);
     grid->setRowStretch(rows, isHigh ? 1 : 0);
     ++rows;
 }
 
 LRESULT FilePage::stayAtFile(const CString& text, const CString& details)
 {
-    markField(true);
+    redFrame->show();
     fileCombo->setFocus();
     return stay(text, details);
 }
 
-void FilePage::markField(bool isWrong)
-{
-    fileCombo->lineEdit()->setStyleSheet(isWrong ? "QLineEdit { border: 2px solid #d32f2f; }" : "");
-}
-
 void FilePage::OnSetActive()
 {
-    markField(false);
+    redFrame->hide();
     folderText = enterFolder();
     folderLabel->setText(toUi(folderText));
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);

@@ -4,6 +4,7 @@
 
 class PathLabel;
 class QComboBox;
+class QFrame;
 
 /// The base of the two pages that choose a file: a combo box with the recent ones, Browse, and the folder in which a
 /// name without a path is looked for. A file that is dropped on the page is chosen.
@@ -44,8 +45,9 @@ protected:
     /// until it is changed.
     LRESULT stayAtFile(const CString& text, const CString& details);
 
-    /// Puts controls below the others: a row that takes the room that is left if `isHigh`.
-    void addRow(QWidget* row, bool isHigh = false);
+    /// Puts controls below the others, from that column on: 1 is that of the file's name. A row takes the room that is
+    /// left if `isHigh`.
+    void addRow(QWidget* row, bool isHigh = false, int column = 0);
 
     /// The name that the folder is taken from when a file has been chosen.
     virtual CString namedFile() const { return fileName; }
@@ -62,9 +64,9 @@ protected:
 
 private:
     void takeFolder();
-    void markField(bool isWrong);
 
     QComboBox* fileCombo = nullptr;
+    QFrame* redFrame = nullptr; // lies over it
     PathLabel* folderLabel = nullptr;
     int rows = 2; // of the layout
 };

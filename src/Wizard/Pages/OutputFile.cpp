@@ -64,7 +64,8 @@ void OutputFile::OnInitDialog()
     FilePage::OnInitDialog();
     state = withId(IDC_OUTPUT_STATE, plainLabel());
     state->setWordWrap(true);
-    addRow(state);
+    state->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    addRow(state, true, 1);
     delay.setSingleShot(true);
     delay.setInterval(150);
     connect(&delay, &QTimer::timeout, this, &OutputFile::showState);
