@@ -12,6 +12,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 constexpr qsizetype kMaxReason = 100; // characters
@@ -54,7 +56,6 @@ PreviewPane::PreviewPane(QWidget* reading) :
     new XmlHighlighter(text->document(), palette());
     counts->setObjectName(QString::number(IDC_COUNTS));
     counts->setWordWrap(true);
-    counts->setMinimumHeight(counts->fontMetrics().lineSpacing() * 3);
     countButton->setObjectName(QString::number(IDC_COUNT_TYPES));
     countButton->hide();
     auto* row = new QHBoxLayout;
@@ -92,6 +93,21 @@ void PreviewPane::stop()
     preview.drop();
 }
 
+// A page that scrolls gives a text the least height that it asks for, whatever its width needs.
+void PreviewPane::setCounts(const QString& words)
+{
+    counts->setText(words);
+    counts->setMinimumHeight(0); // which heightForWidth() goes by, too
+    counts->setMinimumHeight(
+        std::max(counts->fontMetrics().lineSpacing() * 3, counts->heightForWidth(counts->width())));
+}
+
+void PreviewPane::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    setCounts(counts->text());
+}
+
 void PreviewPane::start(bool isWanted)
 {
     if (isWanted)
@@ -108,10 +124,10 @@ void PreviewPane::showText(const QString& start, quint64 size, bool isCounted)
     if (size == 0)
         counts->clear();
     else if (isCounted)
-        counts->setText("Counting types ...");
+        setCounts("Counting types ...");
     else
-        counts->setText("The source has " +
-                        QLocale().formattedDataSize(static_cast<qint64>(size), 0, QLocale::DataSizeSIFormat) + '.');
+        setCounts("The source has " +
+                  QLocale().formattedDataSize(static_cast<qint64>(size), 0, QLocale::DataSizeSIFormat) + '.');
 }
 
 void PreviewPane::showCounts(const SourcePreview::Count& literal, const SourcePreview::Count& full)
@@ -124,5 +140,5 @@ void PreviewPane::showCounts(const SourcePreview::Count& literal, const SourcePr
                 ".\nIn full: " + inWords(full, literal.fails() ? "no losses" : "none") + '.';
     else
         words = "In full: " + inWords(full, "no losses") + '.';
-    counts->setText(words);
+    setCounts(words);
 }

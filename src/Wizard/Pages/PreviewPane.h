@@ -23,8 +23,12 @@ public:
     /// Drops what is being counted.
     void stop();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void start(bool isWanted);
+    void setCounts(const QString& words);
     void showText(const QString& text, quint64 size, bool isCounted);
     void showCounts(const SourcePreview::Count& literal, const SourcePreview::Count& full);
 
