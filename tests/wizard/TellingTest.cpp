@@ -51,7 +51,7 @@ TEST(SourcePage, ShowsWhatWouldComeOfTheSource)
             const CString words = desk.text(IDC_COUNTS);
             return text.isVisible() && words.ends_with('.') && words.find("count") == CString::npos;
         };
-        EXPECT_EQ(QTest::qWaitFor(isTold, row.content ? 5000 : 600), row.content != nullptr);
+        EXPECT_EQ(QTest::qWaitFor(isTold, row.content ? 20'000 : 600), row.content != nullptr);
         EXPECT_THAT(desk.text(IDC_COUNTS), testing::MatchesRegex(row.counts));
         if (row.content) {
             EXPECT_EQ(text.toPlainText().toStdString(), toXmlText(row.content));
@@ -79,17 +79,17 @@ TEST(SourcePage, DropsWhatItCountsWhenTheChoiceChanges)
     QElapsedTimer since;
     since.start();
     desk.type(IDC_INPUT_FILE, large);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return button.isVisible(); }, 3000)) << desk.text(IDC_COUNTS);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return button.isVisible(); }, 20'000)) << desk.text(IDC_COUNTS);
     EXPECT_EQ(desk.text(IDC_COUNTS), "The source has 50 MB.");
     button.click();
     EXPECT_TRUE(QTest::qWaitFor([&] { return desk.text(IDC_COUNTS) == "Counting types ..."; }));
     EXPECT_FALSE(button.isVisible());
     desk.type(IDC_INPUT_FILE, many);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return desk.text(IDC_COUNTS) == "Counting types ..."; }, 3000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return desk.text(IDC_COUNTS) == "Counting types ..."; }, 20'000));
     desk.type(IDC_INPUT_FILE, desk.source);
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_EDIT);
-    EXPECT_LT(since.elapsed(), 8000);
+    EXPECT_LT(since.elapsed(), 30'000);
     EXPECT_EQ(desk.boxes.take(), Texts{});
 }
 
