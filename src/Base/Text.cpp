@@ -79,20 +79,23 @@ Eight eightAt(const char* bytes)
     return eight;
 }
 
-// A high bit for each of the eight that is zero, and perhaps for some above the first such.
-Eight zeros(Eight eight)
+using Sixteen [[gnu::vector_size(16)]] = signed char;
+
+Sixteen sixteenOf(Eight first, Eight second)
 {
-    return (eight - every(1)) & ~eight & every(0x80);
+    const Eight both[] = {first, second};
+    Sixteen sixteen;
+    std::memcpy(&sixteen, both, sizeof sixteen);
+    return sixteen;
 }
 
-// Nonzero when one of the eight is a control character, no ASCII, or one of & < > ".
-Eight specials(Eight eight)
+// True if one of the sixteen is a control character, no ASCII, or one of & < > ".
+bool hasSpecial(Sixteen sixteen)
 {
-    const Eight controls = (eight - every(0x20)) & ~eight & every(0x80);
-    const Eight others = eight & every(0x80);
-    const Eight ampersandOrQuote = zeros((eight | every('&' ^ '"')) ^ every('&'));
-    const Eight angles = zeros((eight | every('<' ^ '>')) ^ every('>'));
-    return controls | others | ampersandOrQuote | angles;
+    const Sixteen specials = (sixteen < ' ') | ((sixteen | ('&' ^ '"')) == '&') | ((sixteen | ('<' ^ '>')) == '>');
+    Eight halves[2];
+    std::memcpy(halves, &specials, sizeof halves);
+    return (halves[0] | halves[1]) != 0;
 }
 
 } // namespace
@@ -181,12 +184,16 @@ bool isPlainXmlText(std::string_view bytes)
     if (left < sizeof(Eight)) {
         Eight few = every(' ');
         std::memcpy(&few, at, left);
-        return specials(few) == 0;
+        return !hasSpecial(sixteenOf(few, few));
     }
-    for (; left > sizeof(Eight); at += sizeof(Eight), left -= sizeof(Eight))
-        if (specials(eightAt(at)) != 0)
+    for (; left > sizeof(Sixteen); at += sizeof(Sixteen), left -= sizeof(Sixteen))
+        if (hasSpecial(sixteenOf(eightAt(at), eightAt(at + sizeof(Eight)))))
             return false;
-    return specials(eightAt(at + left - sizeof(Eight))) == 0;
+    if (left < sizeof(Eight)) { // the last eight have been looked at in part
+        at -= sizeof(Eight) - left;
+        left = sizeof(Eight);
+    }
+    return !hasSpecial(sixteenOf(eightAt(at), eightAt(at + left - sizeof(Eight))));
 }
 
 bool isXmlText(std::string_view bytes)
