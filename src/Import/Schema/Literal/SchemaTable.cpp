@@ -144,7 +144,8 @@ struct SchemaTable::TypeWalk
     Record record;
     SchemaOutline::Tag list = SchemaOutline::element;
     Index field = SchemaOutline::kNone;
-    bool isEntered = false; // the type inside the field has been read
+    Index ahead = SchemaOutline::kNone; // the field whose memory is asked for next
+    bool isEntered = false;             // the type inside the field has been read
 };
 
 /// The complex types directly inside `container`, with all that is nested in them. What is nested is read before the
@@ -187,7 +188,7 @@ void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
     if (walk.record.entry && walk.record.entry->queryChildren())
         report->add(SourceReport::mergedByName, place, name);
     walk.list = SchemaOutline::element;
-    walk.field = outline.getNode(walk.type, SchemaOutline::element);
+    enterList(outline, walk, outline.getNode(walk.type, SchemaOutline::element));
 }
 
 /// Goes on from the elements of the type in hand to its attributes, from these to the next type. False at the end.
@@ -195,7 +196,7 @@ bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
 {
     if (walk.list == SchemaOutline::element) {
         walk.list = SchemaOutline::attribute;
-        walk.field = outline.getChildNode(walk.type, SchemaOutline::attribute);
+        enterList(outline, walk, outline.getChildNode(walk.type, SchemaOutline::attribute));
         return true;
     }
     walk.type = outline.getNextSibling(walk.type);
@@ -205,29 +206,38 @@ bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
     return true;
 }
 
+/// In a large table each look-up waits for the memory. It is asked for a field's some fields before its turn.
+void SchemaTable::enterList(const SchemaOutline& outline, TypeWalk& walk, Index first) const
+{
+    constexpr int kAhead = 3;
+    walk.field = walk.ahead = first;
+    for (int i = 0; i < kAhead; ++i)
+        prefetchNext(outline, walk);
+}
+
+void SchemaTable::prefetchNext(const SchemaOutline& outline, TypeWalk& walk) const
+{
+    if (walk.ahead == SchemaOutline::kNone)
+        return;
+    const std::string_view name = outline[walk.ahead].markedName();
+    if (walk.record.entry)
+        schemaElements.prefetch(keyHash(RunningHash(walk.record.key).append(name)));
+    schemaElements.prefetch(keyHash(name));
+    walk.ahead = outline.getNextSibling(walk.ahead);
+}
+
 /// Registers the field in hand and turns to the next one.
 void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& field = outline[walk.field];
-    const Index next = outline.getNextSibling(walk.field);
-    if (next != SchemaOutline::kNone)
-        prefetchEntry(outline[next], walk);
+    prefetchNext(outline, walk);
     // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
     const std::string_view name = field.markedName();
     if (!name.empty())
         addSchemaElement(sayingOf(outline, walk.field, name), walk.record);
     outline.markRead(walk.field);
-    walk.field = next;
+    walk.field = outline.getNextSibling(walk.field);
     walk.isEntered = false;
-}
-
-/// In a large table each look-up waits for the memory. It is asked for the next field's while this one is registered.
-void SchemaTable::prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const
-{
-    const std::string_view name = field.markedName();
-    if (walk.record.entry)
-        schemaElements.prefetch(keyHash(RunningHash(walk.record.key).append(name)));
-    schemaElements.prefetch(keyHash(name));
 }
 
 /// What a declaration says, under the name that it is registered by.

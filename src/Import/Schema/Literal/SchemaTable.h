@@ -80,7 +80,8 @@ private:
     void enterType(const SchemaOutline& outline, TypeWalk& walk);
     bool nextList(const SchemaOutline& outline, TypeWalk& walk);
     void processTag(const SchemaOutline& outline, TypeWalk& walk);
-    void prefetchEntry(const SchemaDeclaration& field, const TypeWalk& walk) const;
+    void enterList(const SchemaOutline& outline, TypeWalk& walk, Index first) const;
+    void prefetchNext(const SchemaOutline& outline, TypeWalk& walk) const;
     SchemaElement* addSchemaElement(const SchemaSaying& said, const Record& parent);
     SchemaSaying sayingOf(const SchemaOutline& outline, Index at, std::string_view name) const;
     bool meanTheSame(std::string_view oneType, std::string_view otherType) const;
