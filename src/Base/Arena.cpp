@@ -1,14 +1,18 @@
 #include "Base/Arena.h"
 
+#include "Base/LargePages.h"
+
 #include <new>
 #include <sys/mman.h>
 
 namespace {
 
 // Smaller chunks come from the heap, which has them at hand. Each is half as large again as the one before: all of a
-// chunk is put into memory at once, which is quicker than page by page, while what stays unused of it is little.
+// chunk is put into memory at once, which is quicker than page by page, while what stays unused of it is little. The
+// largest ones have large pages.
 constexpr std::size_t kMapped = 1 << 18;
-constexpr std::size_t kPopulated = 1 << 22;
+constexpr std::size_t kLarge = 1 << 22;
+constexpr std::size_t kLargePage = 1 << 21;
 
 class ChunkMemory : public std::pmr::memory_resource
 {
@@ -16,8 +20,10 @@ class ChunkMemory : public std::pmr::memory_resource
     {
         if (bytes < kMapped)
             return std::pmr::new_delete_resource()->allocate(bytes, alignment);
-        const int populate = bytes < kPopulated ? MAP_POPULATE : 0;
-        void* chunk = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | populate, -1, 0);
+        if (bytes >= kLarge)
+            return allocateLarge(bytes);
+        const int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE;
+        void* chunk = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, flags, -1, 0);
         if (chunk == MAP_FAILED)
             throw std::bad_alloc();
         return chunk;
@@ -27,6 +33,8 @@ class ChunkMemory : public std::pmr::memory_resource
     {
         if (bytes < kMapped)
             std::pmr::new_delete_resource()->deallocate(chunk, bytes, alignment);
+        else if (bytes >= kLarge)
+            std::free(chunk);
         else
             ::munmap(chunk, bytes);
     }
@@ -35,6 +43,18 @@ class ChunkMemory : public std::pmr::memory_resource
 };
 
 } // namespace
+
+void* allocateLarge(std::size_t bytes)
+{
+    const bool isLarge = bytes >= kLarge;
+    void* const memory = isLarge ? std::aligned_alloc(kLargePage, (bytes + kLargePage - 1) / kLargePage * kLargePage)
+                                 : std::malloc(bytes);
+    if (!memory)
+        throw std::bad_alloc();
+    if (isLarge)
+        ::madvise(memory, bytes, MADV_HUGEPAGE); // where there are none, small pages do
+    return memory;
+}
 
 Arena::Arena() :
     std::pmr::monotonic_buffer_resource([] {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Fingerprint.h"
+#include "Base/LargePages.h"
 
 #include <functional>
 #include <utility>
@@ -96,6 +97,8 @@ private:
         std::uint32_t entry = kFree;
     };
 
+    using Slots = std::vector<Slot, LargePages<Slot>>;
+
     static Key keyOf(const T& value) { return std::invoke(KeyOf, value); }
 
     std::size_t slotOf(const Key& key, std::uint32_t hash) const
@@ -109,7 +112,7 @@ private:
 
     void growTo(std::size_t size)
     {
-        std::vector<Slot> larger(size);
+        Slots larger(size);
         for (const Slot& slot : slots) {
             if (slot.entry == kFree)
                 continue;
@@ -121,6 +124,6 @@ private:
         slots = std::move(larger);
     }
 
-    std::vector<T*> entries;
-    std::vector<Slot> slots; // a power of two
+    std::vector<T*, LargePages<T*>> entries;
+    Slots slots; // a power of two
 };

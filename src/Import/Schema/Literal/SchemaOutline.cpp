@@ -347,7 +347,7 @@ void SchemaOutline::reportUnread(SourceReport& report) const
 
 void SchemaOutline::keepTextsOnly()
 {
-    entries = std::vector<Entry>(); // not {}, which would keep the room
+    entries = decltype(entries)(); // not {}, which would keep the room
     places = decltype(places)();
     typeNames.reset();
 }

@@ -151,7 +151,7 @@ private:
     const std::vector<Index>& mainTypes() const;
 
     Arena texts;
-    std::vector<Entry> entries;
+    std::vector<Entry, LargePages<Entry>> entries;
     std::array<std::array<std::vector<Index>, kTags>, 2> places; // by prefix, "xsd:" first, and by tag; rising
     std::vector<Level> open;
     std::vector<Location> schemaLocations;
