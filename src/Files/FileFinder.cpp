@@ -20,31 +20,6 @@ constexpr std::size_t kMaxLooks = 200'000;
 constexpr std::size_t kLongestShown = 1'000;
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
-int hexDigit(char c)
-{
-    static constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
-    const std::size_t at = kDigits.find(c);
-    return at == std::string_view::npos ? -1 : static_cast<int>(at < 16 ? at : at - 6);
-}
-
-/// What does not make an escape stays as it is.
-CString decoded(std::string_view text)
-{
-    CString out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const int high = text[i] == '%' && i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
-        const int low = high >= 0 ? hexDigit(text[i + 2]) : -1;
-        if (low < 0) {
-            out += text[i];
-        } else {
-            out += static_cast<char>(high * 16 + low);
-            i += 2;
-        }
-    }
-    return out;
-}
-
 /// The scheme in front of the first colon, "" when the reference has none.
 std::string_view schemeOf(std::string_view reference)
 {
@@ -125,6 +100,23 @@ std::optional<FileId> lookAt(const CString& name, int& error)
 
 } // namespace
 
+CString withoutEscapes(std::string_view uri)
+{
+    const auto digit = [](char c) {
+        const std::size_t at = std::string_view("0123456789abcdef").find(lowerAscii(c));
+        return at == std::string_view::npos ? -1 : static_cast<int>(at);
+    };
+    CString out;
+    out.reserve(uri.size());
+    for (std::size_t i = 0; i < uri.size(); ++i) {
+        const int high = uri[i] == '%' && i + 2 < uri.size() ? digit(uri[i + 1]) : -1;
+        const int low = high >= 0 ? digit(uri[i + 2]) : -1;
+        out += low < 0 ? uri[i] : static_cast<char>(high * 16 + low);
+        i += low < 0 ? 0 : 2;
+    }
+    return out;
+}
+
 CString localPath(std::string_view reference)
 {
     CString slashed(trimmed(reference));
@@ -137,7 +129,7 @@ CString localPath(std::string_view reference)
     }
     if (!dropHost(rest))
         return {};
-    CString path = decoded(rest);
+    CString path = withoutEscapes(rest);
     return path.find('\0') == CString::npos ? path : CString();
 }
 

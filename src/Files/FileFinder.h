@@ -13,6 +13,9 @@
 /// another scheme than file, another host, an escape that stands for a NUL.
 CString localPath(std::string_view reference);
 
+/// The bytes that the percent escapes of a URI (RFC 3986) stand for, in their places. What makes no escape stays.
+CString withoutEscapes(std::string_view uri);
+
 /// What makes two names the same file: device and inode.
 using FileId = std::pair<unsigned long, unsigned long>;
 

@@ -226,7 +226,7 @@ private:
     int line() const { return parser->inputTab[0]->line; } // in the document, not in the text of an entity
     XmlPlace tagStart(const xmlParserCtxt& context) const;
     XmlPlace referenceStart(const void* context, std::string_view name) const;
-    void fail(const char* reason);
+    void fail(std::string_view reason);
     static void stop(void* context);
 
     Source& source;
@@ -351,7 +351,7 @@ void Parse::onError(void* run, xmlErrorPtr error)
 }
 
 // The first failure is the one that counts.
-void Parse::fail(const char* reason)
+void Parse::fail(std::string_view reason)
 {
     if (first)
         return;

@@ -44,6 +44,16 @@ public:
         return {{text(row[0]), text(row[1])}, {text(row[3]), static_cast<std::size_t>(row[4] - row[3])}};
     }
 
+    /// The value of the attribute of that name with or without a prefix, trimmed; empty if there is none.
+    std::string_view valueOf(std::string_view local, bool hasPrefix = false) const
+    {
+        for (std::size_t i = 0; i < count; ++i)
+            if (const XmlAttribute attribute = (*this)[i];
+                attribute.name.local == local && (attribute.name.prefix != nullptr) == hasPrefix)
+                return trimmed(attribute.value);
+        return {};
+    }
+
     /// The namespace of an attribute's name; null for none.
     const char* uriOf(std::size_t index) const { return text(rows[kRowSize * index + 2]); }
 
@@ -79,7 +89,7 @@ inline constexpr std::size_t kMaxXmlName = 4096;
 /// Thrown by a handler that refuses the document; becomes the error of the place that has been read.
 struct XmlRefusal
 {
-    const char* reason;
+    CString reason;
 };
 
 /// What a document holds, in its order. Names are split at their prefix whether that is declared or not; entities are

@@ -50,22 +50,6 @@ CString resolveUri(std::string_view base, std::string_view reference)
     return resolved;
 }
 
-// The percent escapes of a URI decoded.
-CString decoded(std::string_view text)
-{
-    CString out;
-    const auto digit = [](char c) {
-        return static_cast<int>(std::string_view("0123456789abcdef").find(lowerAscii(c)));
-    };
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isEscape =
-            text[i] == '%' && i + 2 < text.size() && digit(text[i + 1]) >= 0 && digit(text[i + 2]) >= 0;
-        out += isEscape ? static_cast<char>(digit(text[i + 1]) * 16 + digit(text[i + 2])) : text[i];
-        i += isEscape ? 2 : 0;
-    }
-    return out;
-}
-
 } // namespace
 
 JsonNode::Index JsonDocuments::load(const CString& fileName)
@@ -241,8 +225,8 @@ JsonNode::Index JsonDocuments::followFragment(Index resource, std::string_view f
     if (fragment.empty())
         return resource;
     if (fragment.starts_with('/'))
-        return followPointer(resource, decoded(fragment));
-    const auto name = tree.names.find(decoded(fragment));
+        return followPointer(resource, withoutEscapes(fragment));
+    const auto name = tree.names.find(withoutEscapes(fragment));
     const auto found = name ? anchors.find(keyOf(resource, *name)) : anchors.end();
     return found == anchors.end() ? 0 : found->second;
 }
