@@ -31,6 +31,9 @@ const Row kRows[] = {
     {"Public", "<public publicId='-//A//B  C' uri='x'/>", "-//A//B C", "", "", "x"},
     {"WhiteSpaceOfAPublicIdentifier", "<public publicId='-//A//B C' uri='x'/>", "\n-//A//B\n  C ", "", "", "x"},
     {"PublicBesideAnUnknownSystem", "<public publicId='p' uri='x'/>", "p", "s", "", "x"},
+    {"AUrnAsASystemIdentifier", "<public publicId='-//A//B C' uri='x'/>", "", "urn:publicid:-:A:B+C", "", "x"},
+    {"AUrnAsAUri", "<public publicId='A::B' uri='x'/>", "", "", "urn:publicid:A;B", "x"},
+    {"AUrnInAnEntry", "<public publicId='urn:publicid:-:A:B%2Fc' uri='x'/>", "-//A//B/c", "s", "", "x"},
     {"PreferSystem", "<public publicId='p' uri='x'/>", "p", "s", "", "none", "prefer='system'"},
     {"PreferSystemWithoutOne", "<public publicId='p' uri='x'/>", "p", "", "", "x", "prefer='system'"},
     {"AGroupPrefers", "<group prefer='public'><public publicId='p' uri='x'/></group>", "p", "s", "", "x",
@@ -60,6 +63,9 @@ const Row kRows[] = {
     {"ADelegate", "<delegateSystem systemIdStartString='n' catalog='next.xml'/>", "", "n", "", "sub/n"},
     {"ADelegateOfPublicIdentifiers", "<delegatePublic publicIdStartString='-//' catalog='next.xml'/>", "-//N", "", "",
      "sub/p"},
+    {"ADelegateOfPublicIdentifiersIsNotPreferred",
+     "<delegatePublic publicIdStartString='-//' catalog='next.xml'/><nextCatalog catalog='next.xml'/>", "-//N", "n", "",
+     "sub/n", "prefer='system'"},
 };
 
 class CatalogRow : public testing::TestWithParam<Row>

@@ -14,12 +14,19 @@ constexpr std::uint32_t kNoCatalog = ~0U;
 constexpr std::string_view kSpace = "urn:oasis:names:tc:entity:xmlns:xml:catalog";
 constexpr std::size_t kMaxEntries = 100'000;
 
-CString valueOf(XmlAttributes attributes, std::string_view name, bool isOfXml = false)
+// A public identifier in the form of a URN (RFC 3151).
+bool isPublicUrn(std::string_view text)
 {
-    for (std::size_t i = 0; i < attributes.size(); ++i)
-        if (attributes[i].name.local == name && (attributes[i].name.prefix != nullptr) == isOfXml)
-            return CString(trimmed(attributes[i].value));
-    return {};
+    constexpr std::string_view scheme = "urn:publicid:";
+    return isSameAscii(trimmed(text).substr(0, scheme.size()), scheme);
+}
+
+CString fromUrn(std::string_view urn)
+{
+    CString publicId;
+    for (const char c : trimmed(urn).substr(std::string_view("urn:publicid:").size()))
+        publicId += c == '+' ? " " : c == ':' ? "//" : c == ';' ? "::" : CString(1, c);
+    return withoutEscapes(publicId);
 }
 
 } // namespace
@@ -93,7 +100,7 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
     Level level = open.back();
     if (open.size() == 1)
         isOne = isOurs && name.local == std::string_view("catalog");
-    if (const CString base = valueOf(attributes, "base", true); !base.empty()) {
+    if (const std::string_view base = attributes.valueOf("base", true); !base.empty()) {
         const CString path = localPath(base);
         const bool isWhole = path.starts_with('/');
         if (path.empty())
@@ -101,16 +108,16 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
         else if (isWhole || !level.base.isRemote)
             level.base = {(isWhole ? CString() : level.base.folder) + path.substr(0, path.rfind('/') + 1), false};
     }
-    if (const CString prefer = valueOf(attributes, "prefer"); !prefer.empty())
+    if (const std::string_view prefer = attributes.valueOf("prefer"); !prefer.empty())
         level.prefersPublic = prefer != "system";
     open.push_back(level);
     const auto* const row = std::ranges::find(kRows, std::string_view(name.local), &Row::element);
     if (!isOne || !isOurs || row == std::end(kRows))
         return;
-    CString key = row->key.empty() ? CString() : valueOf(attributes, row->key);
+    CString key(row->key.empty() ? "" : attributes.valueOf(row->key));
     if (row->kind == Kind::publicIdentifier || row->kind == Kind::delegatePublic)
         key = Catalogs::normalizedPublicId(key);
-    add(row->kind, key, valueOf(attributes, row->target));
+    add(row->kind, key, CString(attributes.valueOf(row->target)));
 }
 
 void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& target)
@@ -119,7 +126,7 @@ void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& 
     if ((key.empty() && !isNext) || (target.empty() && kind != Catalogs::rewriteSystem && kind != Catalogs::rewriteUri))
         return catalogs.report.add(SourceReport::senselessDeclaration, place, "catalogue entry");
     if (++catalogs.entryCount > kMaxEntries)
-        throw XmlRefusal{"more than 100000 catalogue entries"};
+        throw XmlRefusal{"more than " + std::to_string(kMaxEntries) + " catalogue entries"};
     const bool isDelegate =
         kind == Catalogs::delegateSystem || kind == Catalogs::delegatePublic || kind == Catalogs::delegateUri;
     Catalogs::Table& table = catalogs.catalogs[number].tables[kind];
@@ -132,11 +139,12 @@ void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& 
         catalogs.waiting.push_back({number, kind, key, target, open.back().base, place});
 }
 
-/// With each run of white space as one space.
+/// With each run of white space as one space; a URN as what it stands for.
 CString Catalogs::normalizedPublicId(std::string_view publicId)
 {
+    const CString plain = isPublicUrn(publicId) ? fromUrn(publicId) : CString(publicId);
     CString normalized;
-    for (const char c : trimmed(publicId)) {
+    for (const char c : trimmed(plain)) {
         const bool isBlank = kWhitespace.find(c) != kWhitespace.npos;
         if (!isBlank || normalized.back() != ' ')
             normalized += isBlank ? ' ' : c;
@@ -217,12 +225,16 @@ void Catalogs::readNamed(const Named& named)
 
 std::optional<CString> Catalogs::findExternal(std::string_view publicId, std::string_view systemId) const
 {
+    if (isPublicUrn(systemId))
+        return findExternal(publicId.empty() ? systemId : publicId, {});
     return askAll({publicId, trimmed(systemId), {}, {}});
 }
 
 std::optional<CString> Catalogs::findUri(std::string_view uri) const
 {
     uri = trimmed(uri);
+    if (isPublicUrn(uri))
+        return findExternal(uri, {});
     if (auto found = askAll({{}, {}, uri, {}}))
         return found;
     return askAll({{}, uri, {}, {}});
@@ -284,7 +296,7 @@ std::optional<CString> Catalogs::askOne(const Catalog& catalog, Question& questi
     const auto entry = publicIds.find(CString(question.publicId));
     if (entry != publicIds.end() && (question.systemId.empty() || entry->second.prefersPublic))
         return pathOf(entry->second.target, entry->second.base);
-    return askDelegates(tables[delegatePublic], question.publicId, question);
+    return askDelegates(tables[delegatePublic], question.publicId, question, true);
 }
 
 std::optional<CString> Catalogs::askTable(const Table& table, std::string_view text) const
@@ -313,13 +325,15 @@ std::optional<CString> Catalogs::askSuffix(const Table& table, std::string_view 
 }
 
 /// Where a delegate is named, only such ones are asked.
-std::optional<CString> Catalogs::askDelegates(const Table& table, std::string_view text, Question& question) const
+std::optional<CString> Catalogs::askDelegates(const Table& table, std::string_view text, Question& question,
+                                              bool isPublic) const
 {
     for (const std::size_t length : table.lengths) {
         if (length > text.size())
             continue;
         const auto entry = table.entries.find(CString(text.substr(0, length)));
-        if (entry == table.entries.end() || !entry->second.catalog)
+        if (entry == table.entries.end() || !entry->second.catalog ||
+            (isPublic && !entry->second.prefersPublic && !question.systemId.empty()))
             continue;
         if (auto found = ask(*entry->second.catalog, question))
             return found;

@@ -103,7 +103,8 @@ private:
     std::optional<CString> askTable(const Table& table, std::string_view text) const;
     std::optional<CString> askRewrite(const Table& table, std::string_view text) const;
     std::optional<CString> askSuffix(const Table& table, std::string_view text) const;
-    std::optional<CString> askDelegates(const Table& table, std::string_view text, Question& question) const;
+    std::optional<CString> askDelegates(const Table& table, std::string_view text, Question& question,
+                                        bool isPublic = false) const;
     std::optional<CString> askAll(Question question) const;
 
     SourceReport& report;
