@@ -54,14 +54,14 @@ SchemaField& SchemaContents::Fields::add(const SchemaField& field)
     return all.emplace_back(field);
 }
 
-SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), inHand(tree.size()) {}
+SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), contents(tree), inHand(tree.size()) {}
 
 /// A chain of bases is worked out from its far end.
 std::span<const SchemaField> SchemaContents::of(Index type)
 {
     std::vector<Index> chain;
     Index base = type;
-    while (base != 0 && contents.try_emplace(base).second) {
+    while (base != 0 && contents.insert(base).second) {
         chain.push_back(base);
         base = baseOf(base);
     }
@@ -69,7 +69,7 @@ std::span<const SchemaField> SchemaContents::of(Index type)
         build(chain.back(), base);
         base = chain.back();
     }
-    const Content& content = contents[type];
+    const Content& content = *contents.find(type);
     return std::span(kept).subspan(content.first, content.elements + content.attributes);
 }
 
@@ -97,11 +97,11 @@ void SchemaContents::build(Index type, Index base)
     isRestriction = tree[derivation].tag == SchemaTag::restriction;
     clock = 1; // before it: what is inherited
     if (base != 0)
-        inherit(contents[base], !isRestriction);
+        inherit(*contents.find(base), !isRestriction);
     inherited = attributes.all.size();
     walkParticles(derivation == 0 ? type : derivation);
     walkAttributes(derivation == 0 ? type : derivation);
-    contents[type] = keep();
+    contents.insert(type).first = keep();
 }
 
 void SchemaContents::inherit(const Content& base, bool withElements)

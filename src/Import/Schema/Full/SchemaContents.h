@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Import/Schema/Full/NodeTable.h"
 #include "Import/Schema/Full/SchemaSet.h"
 
 #include <span>
@@ -80,7 +81,7 @@ private:
 
     SchemaSet& set;
     const SchemaTree& tree;
-    std::unordered_map<Index, Content> contents; // also of the types in hand, which count as empty
+    NodeTable<Content> contents; // also of the types in hand, which count as empty
     std::vector<SchemaField> kept;
 
     // Of the type in hand.

@@ -52,23 +52,23 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
     waiting.assign(1, type);
     while (!waiting.empty()) {
         const Index top = waiting.back();
-        const auto [known, isNew] = values.try_emplace(top);
-        if (!isNew && known->second.firstConstant != kInHand) {
+        auto [known, isNew] = values.insert(top);
+        if (!isNew && known.firstConstant != kInHand) {
             waiting.pop_back();
             continue;
         }
         collectParts(top);
         if (isNew) {
-            known->second.firstConstant = kInHand;
+            known.firstConstant = kInHand;
             for (const Part& part : parts)
-                if (part.type != 0 && !values.contains(part.type))
+                if (part.type != 0 && !values.find(part.type))
                     waiting.push_back(part.type);
         } else {
             waiting.pop_back();
-            known->second = combine(top);
+            known = combine(top);
         }
     }
-    return values.find(type)->second;
+    return *values.find(type);
 }
 
 /// What the value of a type is worked out from.
@@ -93,8 +93,8 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::valueOf(const Part& part) const
 {
     if (part.type == 0)
         return part.value;
-    const auto known = values.find(part.type);
-    return known == values.end() || known->second.firstConstant == kInHand ? Value() : known->second;
+    const Value* const known = values.find(part.type);
+    return !known || known->firstConstant == kInHand ? Value() : *known;
 }
 
 /// The text of a complex type that doesn't hold text alone: between its elements, or as in what it extends.

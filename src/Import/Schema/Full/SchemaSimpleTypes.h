@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Import/Schema/Full/NodeTable.h"
 #include "Import/Schema/Full/SchemaSet.h"
 
 #include <span>
@@ -20,7 +21,7 @@ public:
         std::uint32_t constantCount = 0;
     };
 
-    explicit SchemaSimpleTypes(SchemaSet& set) : set(set), tree(set.queryTree()) {}
+    explicit SchemaSimpleTypes(SchemaSet& set) : set(set), tree(set.queryTree()), values(tree) {}
 
     /// What a simple type is, or the text of a complex type.
     Value of(Index type);
@@ -59,7 +60,7 @@ private:
 
     SchemaSet& set;
     const SchemaTree& tree;
-    std::unordered_map<Index, Value> values; // also of those in hand, which count as text
+    NodeTable<Value> values; // also of those in hand, which count as text
     std::vector<NameTable::Id> constants;
     std::vector<std::uint32_t> documentations; // of the constants
     std::vector<std::uint32_t> constantSeen;   // by name: the list in hand when it was met

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+/// Numbers by keys that are numbers.
+class NumberTable
+{
+public:
+    /// Stores a value under a key that has none yet. Returns the key's value, which may be replaced until the next
+    /// call, and whether it is new.
+    std::pair<std::uint32_t&, bool> insert(std::uint64_t key, std::uint32_t value)
+    {
+        if ((count + 1) * 2 > slots.size())
+            grow();
+        Slot& slot = slots[placeOf(key)];
+        const bool isNew = !slot.isTaken;
+        if (isNew) {
+            slot = {key, value, true};
+            ++count;
+        }
+        return {slot.value, isNew};
+    }
+
+    /// Null for a key without a value. Valid until the next insert().
+    const std::uint32_t* find(std::uint64_t key) const
+    {
+        if (slots.empty())
+            return nullptr;
+        const Slot& slot = slots[placeOf(key)];
+        return slot.isTaken ? &slot.value : nullptr;
+    }
+
+private:
+    // Open addressing, linear probing.
+    struct Slot
+    {
+        std::uint64_t key = 0;
+        std::uint32_t value = 0;
+        bool isTaken = false;
+    };
+
+    // Keys are mixed, since they differ in few bits (Fibonacci hashing).
+    std::size_t placeOf(std::uint64_t key) const
+    {
+        const std::uint64_t mixed = (key ^ key >> 29) * 0x9E3779B97F4A7C15;
+        std::size_t at = static_cast<std::size_t>(mixed >> 32) & (slots.size() - 1);
+        while (slots[at].isTaken && slots[at].key != key)
+            at = (at + 1) & (slots.size() - 1);
+        return at;
+    }
+
+    void grow()
+    {
+        std::vector<Slot> before(slots.empty() ? 16 : slots.size() * 2);
+        before.swap(slots);
+        for (const Slot& slot : before)
+            if (slot.isTaken)
+                slots[placeOf(slot.key)] = slot;
+    }
+
+    std::vector<Slot> slots; // a power of two
+    std::size_t count = 0;
+};
