@@ -1,11 +1,11 @@
 // A WSDL, and the files that it names.
 #include "Import.h"
-#include "Import/Schema/Full/SchemaFullMsg.h"
+#include "Import/Schema/Full/WsdlMsg.h"
 
 void fuzz(std::string_view input)
 {
     static Folder folder;
     folder.writeDocuments(".xsd", input);
-    SchemaFullMessage importer;
+    WsdlMessage importer;
     importFile(importer, folder.path + "a.xsd");
 }

@@ -59,11 +59,11 @@ void takeWords(const std::vector<CString>& words, Arguments& arguments)
 void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
 {
     app.add_option("SOURCE", words,
-                   "  IMPORTER                  dtd, xml, xsd, btd, odbc, jsonschema, openapi,\n"
-                   "                            avro or json (default: by the source)\n"
+                   "  IMPORTER                  dtd, xml, xsd, btd, odbc, wsdl, jsonschema,\n"
+                   "                            openapi, avro or json (default: by the source)\n"
                    "  SOURCE                    A file, - for standard input; for odbc a data source\n"
-                   "                            name or a connection string; for xml, json and\n"
-                   "                            --full any number, with --full also folders\n"
+                   "                            name or a connection string; for xml, json, wsdl and\n"
+                   "                            --full any number, for wsdl and --full also folders\n"
                    "  @FILE                     Take further arguments from this file, one a line\n");
     app.add_flag("--recursive", arguments.isRecursive, "Take the files of folders below a folder, too");
     app.add_option("-t,--table", arguments.tables,
@@ -188,11 +188,13 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
 CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
 {
     const CString word = importer.querySource().word;
-    if (arguments.full.isWanted && !importer.hasFull())
+    if (arguments.full.isWanted && !importer.readsSets())
         return "--full: " + word + " has no full reading";
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, importer));
     if (const char* const option = arguments.full.optionOfFull(); *option != 0 && !readsInFull(*message))
         return CString(option) + " requires --full";
+    if (!arguments.full.catalogs.empty() && !importer.readsSets())
+        return "--catalog: " + word + " reads no catalogues";
     if (auto* const full = dynamic_cast<FullMessage*>(message.get());
         !arguments.full.entities.empty() && (!full || !full->setEntities({})))
         return "--entity: " + word + " has no parameter entities";

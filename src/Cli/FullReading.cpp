@@ -3,11 +3,13 @@
 #include "Cli/Diagnostics.h"
 #include "Files/File.h"
 #include "Files/FileFinder.h"
+#include "Files/FileMessage.h"
 #include "Import/Full/FullMessage.h"
 
 #include <CLI/CLI.hpp>
 
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <sstream>
 
@@ -38,14 +40,20 @@ void addEntities(const std::vector<CString>& given, FullOptions& options)
     }
 }
 
+// The references to catalogues that the environment holds.
+std::vector<CString> environmentCatalogs()
+{
+    const char* const given = std::getenv("XML_CATALOG_FILES");
+    std::istringstream words(given ? given : "");
+    return {std::istream_iterator<CString>(words), {}};
+}
+
 // What the environment names comes behind what the command line names.
 std::vector<CString> catalogsOf(const FullOptions& options)
 {
     std::vector<CString> files = options.catalogs;
-    const char* const given = std::getenv("XML_CATALOG_FILES");
-    std::istringstream words(given ? given : "");
-    for (CString word; words >> word;)
-        if (const CString path = localPath(word); testReadable(path) == FileCause::none)
+    for (const CString& reference : environmentCatalogs())
+        if (const CString path = localPath(reference); testReadable(path) == FileCause::none)
             files.push_back(path);
     return files;
 }
@@ -54,11 +62,19 @@ std::vector<CString> catalogsOf(const FullOptions& options)
 
 const char* FullOptions::optionOfFull() const
 {
-    return !roots.empty()     ? "--root"
-           : !layout.empty()  ? "--folders"
-           : !folders.empty() ? "--folder"
-           : !name.empty()    ? "--name"
-                              : "";
+    return !roots.empty()      ? "--root"
+           : !layout.empty()   ? "--folders"
+           : !folders.empty()  ? "--folder"
+           : !name.empty()     ? "--name"
+           : !catalogs.empty() ? "--catalog"
+                               : "";
+}
+
+CString FullOptions::mistakeFor(std::size_t sourceCount) const
+{
+    const bool isByNamespace = layout == "namespace" || (layout.empty() && sourceCount > 1);
+    const CString option = !folders.empty() ? "--folder" : "";
+    return option.empty() || isByNamespace ? "" : option + " requires --folders namespace";
 }
 
 void addFullOptions(CLI::App& app, FullOptions& options)
@@ -77,8 +93,7 @@ void addFullOptions(CLI::App& app, FullOptions& options)
         ->allow_extra_args(false);
     app.add_option("--catalog", options.catalogs, "With --full: find documents by this XML catalogue (repeats)")
         ->type_name("FILE")
-        ->allow_extra_args(false)
-        ->needs(full);
+        ->allow_extra_args(false);
     app.add_option_function<std::vector<CString>>(
            "--entity", [&options](const std::vector<CString>& given) { addEntities(given, options); },
            "With dtd --full: declare this parameter entity first (repeats)")
@@ -90,7 +105,7 @@ void addFullOptions(CLI::App& app, FullOptions& options)
 
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer)
 {
-    MsgBase* const message = options.isWanted ? importer.createFull() : importer.create();
+    MsgBase* const message = options.isWanted && importer.hasFull() ? importer.createFull() : importer.create();
     auto* const full = dynamic_cast<FullMessage*>(message);
     if (!full)
         return message;
@@ -100,16 +115,28 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
         full->setLayout(options.layout == "main" ? FullMessage::Layout::byMainType : FullMessage::Layout::byNamespace);
     for (const auto& [uri, folder] : options.folders)
         full->setFolder(uri, folder);
-    if (options.isWanted) {
+    if (importer.readsSets())
         full->setCatalogs(catalogsOf(options));
-        full->setEntities(options.entities);
-    }
+    full->setEntities(options.entities);
     return message;
 }
 
 bool readsInFull(const MsgBase& importer)
 {
     return dynamic_cast<const FullMessage*>(&importer) != nullptr;
+}
+
+void nameMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics)
+{
+    if (!readsInFull(message) || !message.queryDescriptor()->readsSets())
+        return;
+    for (const CString& reference : environmentCatalogs()) {
+        const CString path = localPath(reference);
+        const FileCause cause = path.empty() ? FileCause::none : testReadable(path);
+        if (path.empty() || cause != FileCause::none)
+            diagnostics.warning("XML_CATALOG_FILES: " + reference + ": " +
+                                (path.empty() ? "no local file" : inWords(path, cause)));
+    }
 }
 
 void nameSwitches(const MsgBase& message, Diagnostics& diagnostics)

@@ -25,6 +25,9 @@ struct FullOptions
 
     /// The first option that is given and wants a full reading; "" if there is none.
     const char* optionOfFull() const;
+
+    /// Why an option has no effect on so many sources; "" if all have.
+    CString mistakeFor(std::size_t sourceCount) const;
 };
 
 /// Adds --full and the options that go with it.
@@ -35,6 +38,9 @@ bool readsInFull(const MsgBase& importer);
 
 /// A new importer for the reading as it is wanted, owned by the caller.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer);
+
+/// Says which catalogues that the environment names can't be read, of a source read in full with catalogues.
+void nameMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics);
 
 /// Says which entities have sections read, of a source all of whose sections were left out.
 void nameSwitches(const MsgBase& message, Diagnostics& diagnostics);

@@ -109,6 +109,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
         message.parseFile(files.front(), basePath);
     diagnostics.finish();
     nameLosses(message.queryReport(), arguments.report, diagnostics);
+    nameMissingCatalogs(message, diagnostics);
     nameSwitches(message, diagnostics);
     const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
@@ -168,7 +169,7 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
 // A set that a folder holds goes by its name.
 void takeFolders(Arguments& arguments)
 {
-    if (!arguments.full.isWanted)
+    if (!arguments.full.isWanted && !(arguments.importer && arguments.importer->querySource().isSet))
         return;
     const std::vector<CString> given = std::move(arguments.sources);
     arguments.sources = withoutFolders(given, arguments.importer, arguments.isRecursive);
@@ -206,6 +207,8 @@ int runImport(Arguments arguments)
     if (!importer)
         return failedStatus;
     if (const CString mistake = mistakeFor(arguments, *importer); !mistake.empty())
+        return reportMistake(mistake);
+    if (const CString mistake = arguments.full.mistakeFor(files.size()); !mistake.empty())
         return reportMistake(mistake);
     if (const CString file = fileOfTwoEnds(arguments, files); !file.empty())
         return reportMistake(file + ": it would be read and written, or written twice");

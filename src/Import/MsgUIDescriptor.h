@@ -12,6 +12,7 @@ struct ImporterSource
     unsigned int filterId = 0; ///< string-table id of the file filter's label, its pattern's follows it; 0: no files
     bool readsTables = false;  ///< the source is a data source, not a file
     bool namesFolders = false; ///< the source says where its types lie; a base path has no effect
+    bool isSet = false;        ///< read in full without being asked to, several files or folders as one source
 };
 
 /// What the program says of an importer before there is one: its names, its default base path, the page that follows
@@ -41,6 +42,9 @@ public:
     /// A new importer for the full reading, owned by the caller; null when hasFull() is false.
     FullMessage* createFull() const { return fullFactory ? fullFactory() : nullptr; }
     bool hasFull() const { return fullFactory != nullptr; }
+
+    /// Whether a reading in full takes several files or folders as one source, and finds documents by catalogues.
+    bool readsSets() const { return hasFull() || source.isSet; }
 
 private:
     CString name;

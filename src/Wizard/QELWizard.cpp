@@ -52,7 +52,7 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
 CString whyNoImporter(const CString& name)
 {
     if (isFolder(name))
-        return "it holds no DTD and no schema. Choose the folder that does, or the files themselves.";
+        return "it holds no DTD, schema or WSDL. Choose the folder that does, or the files themselves.";
     const FileCause cause = testReadable(name);
     const std::string_view foreign = foreignAdvice(name);
     if (cause != FileCause::none)
@@ -103,7 +103,7 @@ QELWizard::~QELWizard()
 void QELWizard::openFiles(const QStringList& files)
 {
     MsgUIDescriptor* const shown = activePage() == &sourcePage ? message->queryDescriptor() : nullptr;
-    MsgUIDescriptor* const preferred = shown && shown->hasFull() ? shown : nullptr;
+    MsgUIDescriptor* const preferred = shown && shown->readsSets() ? shown : nullptr;
     const CString first = absoluteName(fromUi(files.front()));
     MsgUIDescriptor* const importer = importerOf(first, preferred);
     const bool isOneOfMany = importer && readsSeveral(*importer);

@@ -154,8 +154,17 @@ TEST_F(ImportCommand, AnswersExactly)
          {1, "",
           "-: error: this is RELAX NG in its compact form; convert it with trang, then import the "
           "schema\n"}},
-        {"printf '<w:definitions xmlns:w=\"http://schemas.xmlsoap.org/wsdl/\"/>' >w.wsdl; $import w.wsdl",
-         {1, "", "w.wsdl: error: this is WSDL; import its messages with xsd --full\n"}},
+        // A WSDL is told by its root, and read in full without being asked to.
+        {"mkdir w; printf '<w:definitions xmlns:w=\"http://schemas.xmlsoap.org/wsdl/\"><w:message name=\"M\"><w:part "
+         "name=\"p\" type=\"x:int\" xmlns:x=\"http://www.w3.org/2001/XMLSchema\"/></w:message></w:definitions>' "
+         ">w/w.xml; cp w/w.xml w/v.WSDL; echo '<a/>' >w/a.xsd; $import w/w.xml -l -v; $import wsdl w -l --root M -q; "
+         "$import w --full -l -q; $import --full wsdl - --name n -q -l <w/w.xml",
+         {0,
+          "\\sys\\xml\\M\\M\tM (Automatically created)\n\\sys\\xml\\M\\M\tM (Automatically created)\n"
+          "\\sys\\xml\\M\\M\tM (Automatically created)\n\\sys\\xml\\n\\M\tM (Automatically created)\n",
+          "w/w.xml: note: read as a source for wsdl\n"}},
+        {"$import wsdl i.xsd", {1, "", "i.xsd: error: it is no WSDL\n"}},
+        {"$import jsonschema j.json --catalog c", {2, "", mistake("--catalog: jsonschema reads no catalogues")}},
         {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},
         {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; $import m.txt",
          {1, "",
@@ -187,8 +196,11 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import xsd --full set", {1, "", says("set: the folder holds no source for xsd")}},
         {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
         {"$import dtd --full r.dtd --folder u", {2, "", mistake("--folder: it takes URI=NAME")}},
+        {"$import dtd --full r.dtd --folder u=v", {2, "", mistake("--folder requires --folders namespace")}},
 
         // Catalogues, and entities in front of a DTD.
+        {"XML_CATALOG_FILES=none $import dtd --full r.dtd -l",
+         {0, kList, "r.dtd: warning: XML_CATALOG_FILES: none: No such file or directory\n"}},
         {"mkdir d; echo '<!ELEMENT s (t)>' >d/m; printf '<!ENTITY %% m PUBLIC \"-//M\">%%m;<!ELEMENT r (s)>' >m.dtd; "
          "echo '<catalog xmlns=\"urn:oasis:names:tc:entity:xmlns:xml:catalog\"><public publicId=\"-//M\" uri=\"m\"/>"
          "</catalog>' >d/c.xml; $import dtd --full m.dtd -l -q --catalog d/c.xml; XML_CATALOG_FILES='none d/c.xml' "

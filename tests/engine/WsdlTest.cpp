@@ -1,4 +1,4 @@
-#include "Import/Schema/Full/SchemaFullMsg.h"
+#include "Import/Schema/Full/WsdlMsg.h"
 #include "support/FullTypes.h"
 #include "support/Importing.h"
 
@@ -58,6 +58,34 @@ const Row kRows[] = {
                 "ref='e:arrayType' w:arrayType='s:int[]'/></s:restriction></s:complexContent></s:complexType>") +
           MESSAGE("M", PART("p", "type='t:L'") PART("q", "type='e:string'"))),
      "t_item[Number] L(item:t_item) M(p:L q:String)"},
+    {"ArraysOfArraysAreRecordsOfTables",
+     wsdl(types("<s:complexType name='L'><s:complexContent><s:restriction base='e:Array'><s:attribute "
+                "ref='e:arrayType' w:arrayType='s:int[][2,2]'/></s:restriction></s:complexContent></s:complexType>") +
+          MESSAGE("M", PART("p", "type='t:L'"))),
+     "t_item[Number] item(item:t_item) t_L_item[item] L(item:t_L_item) M(p:L)"},
+    {"ArraysOfSoap12",
+     wsdl(types("<s:complexType name='L'><s:complexContent><s:restriction base='f:Array' "
+                "xmlns:f='http://www.w3.org/2003/05/soap-encoding'><s:sequence><s:element name='i' type='e:base64' "
+                "maxOccurs='unbounded'/></s:sequence></s:restriction></s:complexContent></s:complexType>") +
+          MESSAGE("M", PART("p", "type='t:L'"))),
+     "t_i[String] L(i:t_i) M(p:L)"},
+    {"MessagesMayBeCalledLikeElements",
+     wsdl(types("<s:element name='M'><s:complexType><s:sequence><s:element name='x'/></s:sequence></s:complexType>"
+                "</s:element>",
+                "urn:w") +
+          MESSAGE("M", PART("p", "element='v:M' xmlns:v='urn:w'") PART("q", "type='s:int'"))),
+     "M_2(x:String) M(M:M_2 q:Number)"},
+    {"TwoMessagesOfOneName", wsdl(MESSAGE("M", PART("p", "type='s:int'")) MESSAGE("M", PART("q", "type='s:int'"))),
+     "M(p:Number)", "1 loss: 1 second declaration left out"},
+    {"TwoMessagesOfOneType",
+     wsdl(types("<s:complexType name='T'><s:sequence><s:element name='x'/></s:sequence></s:complexType>"
+                "<s:element name='a' type='t:T'/><s:element name='b' type='t:T'/>") +
+          MESSAGE("M", PART("p", "element='t:a'")) MESSAGE("N", PART("p", "element='t:b'"))),
+     "b(x:String) a(x:String)"},
+    {"OtherLanguagesAmongTheTypes",
+     wsdl("<types><grammar xmlns='http://relaxng.org/ns/structure/1.0'/></types>" MESSAGE("M",
+                                                                                          PART("p", "type='s:int'"))),
+     "M(p:Number)", "1 loss: 1 declaration passed over"},
     {"OtherFiles",
      wsdl("<import namespace='urn:w' location='b.wsdl'/><types><s:schema targetNamespace='urn:t'><s:include "
           "schemaLocation='a.xsd'/></s:schema></types>"),
@@ -66,6 +94,11 @@ const Row kRows[] = {
      {{"a.xsd",
        "<s:schema xmlns:s='http://www.w3.org/2001/XMLSchema'>" ELEMENT("a", "<s:element name='x'/>") "</s:schema>"},
       {"b.wsdl", wsdl(MESSAGE("M", PART("p", "element='t:a'")))}}},
+    {"OtherFilesThatAreNone",
+     wsdl("<import location='b.wsdl'/><import location='c.wsdl'/>" MESSAGE("M", PART("p", "type='s:int'"))),
+     "M(p:Number)",
+     "2 losses: 1 document not readable, 1 document not well-formed",
+     {{"b.wsdl", "<definitions"}, {"c.wsdl", "<a/>"}}},
     {"WhatIsNotThere",
      wsdl("<import location='none.wsdl'/>" + types(ELEMENT("a", "<s:element name='x'/>")) +
           MESSAGE("M", PART("p", "element='t:none'")) MESSAGE("N", PART("p", "element='t:a'"))),
@@ -80,6 +113,14 @@ const Row kRows[] = {
          "b", "<s:element name='y'/>") "</s:schema></d:types><d:interface><d:operation><d:input element='#none'/>"
                                        "<d:output element='t:b'/></d:operation></d:interface></d:description>",
      "b(y:String)"},
+    {"Version2ImportsAmongItsTypes",
+     "<description xmlns='http://www.w3.org/ns/wsdl' xmlns:s='http://www.w3.org/2001/XMLSchema'><types><s:import "
+     "namespace='urn:a' schemaLocation='a.xsd'/></types><interface><operation><input element='a:a' xmlns:a='urn:a'/>"
+     "<output element='#other'/><output element='#any'/></operation></interface></description>",
+     "a(x:String)",
+     "1 loss: 1 declaration passed over",
+     {{"a.xsd", "<s:schema xmlns:s='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:a'>" ELEMENT(
+                    "a", "<s:element name='x'/>") "</s:schema>"}}},
     {"WithoutMessagesItIsASet",
      wsdl(types(ELEMENT("a", "<s:element name='x'/>")) +
           types(ELEMENT(
@@ -92,7 +133,7 @@ const Row kRows[] = {
      "b a "},
 };
 
-class Wsdl : public Importing<SchemaFullMessage>, public testing::WithParamInterface<Row>
+class Wsdl : public Importing<WsdlMessage>, public testing::WithParamInterface<Row>
 {};
 
 TEST_P(Wsdl, GivesTheTypesOfItsMessages)

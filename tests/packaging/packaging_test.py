@@ -52,7 +52,7 @@ class Packaging(unittest.TestCase):
         zsh += "_files() { print -r -- files $@; }; compadd() { shift; print -r -- $@; }; words=(" + BUILD + "/typeforge-import %s); CURRENT=%d; "
         self.assertEqual((0, "--overwrite[" + said.replace(":", "\\:") + "]:all|none|ask:(all none ask)"),
                          (lambda done: (done[0], [row for row in done[1].split("\n") if "overwrite" in row][-1]))(run("zsh", "-fc", zsh % ("''", 2) + "_typeforge_import")))
-        for line, place, offered in [("-l ''", 3, "dtd xml xsd btd odbc jsonschema openapi avro json\nfiles"), ("-l -o a xsd ''", 6, "files -g (#i)(*.XSD|*.XML)")]:
+        for line, place, offered in [("-l ''", 3, "dtd xml xsd btd odbc wsdl jsonschema openapi avro json\nfiles"), ("-l -o a xsd ''", 6, "files -g (#i)(*.XSD|*.XML)")]:
             self.assertEqual((0, offered + "\n", ""), run("zsh", "-fc", zsh % (line, place) + "_typeforge_import_sources"), line)
         for line, place, is_offered in [("odbc --f", 3, False), ("dtd --f", 3, True), ("--f", 2, True)]:
             self.assertEqual(is_offered, "--full[" in run("zsh", "-fc", zsh % (line, place) + "_typeforge_import")[1], line)

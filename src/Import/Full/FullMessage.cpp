@@ -63,6 +63,7 @@ struct FullMessage::MainTypes
 {
     std::vector<Index> records;
     std::vector<std::uint32_t> files;
+    bool isAskedFor = false; // by the caller, or the sources themselves: nothing but what they reach is imported
 };
 
 // What one import declares from.
@@ -105,7 +106,6 @@ void FullMessage::forget()
     mainType.clear();
     mainTypes.clear();
     switches.clear();
-    ownRoots.clear();
     catalogs.clear();
 }
 
@@ -125,11 +125,11 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     for (const Index record : main.records)
         order.visit(record);
     visitChoices(types, order);
-    for (Index record = 0; queryRoots().empty() && record < types.records.size(); ++record)
+    for (Index record = 0; !main.isAskedFor && record < types.records.size(); ++record)
         order.visit(record);
     SourceNames names(types, report);
     names.name(order.query(), main.records, main.files);
-    if (queryRoots().empty())
+    if (!main.isAskedFor)
         names.nameUnused();
     Declaring declaring{types,
                         {basePath + mainType + "\\"},
@@ -152,7 +152,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     for (const CString& path : declaring.paths)
         declaring.pathNames.push_back(&declaring.names.intern(path));
     types.spend(std::ranges::max(declaring.paths, {}, &CString::size).size() * types.fieldCount());
-    for (Index enumeration = 0; queryRoots().empty() && enumeration < types.enumerations.size(); ++enumeration)
+    for (Index enumeration = 0; !main.isAskedFor && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
             declareEnumeration(declaring, enumeration);
     for (const Index record : order.query())
@@ -162,39 +162,70 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
 // Settles the name of the whole and answers the records of the main types.
 FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString& fileName)
 {
-    const std::vector<Index> chosen = chooseCandidates(types, fileName);
+    MainTypes main;
+    const std::vector<Index> chosen = chooseCandidates(types, fileName, main.isAskedFor);
     if (chosen.empty())
         mainType = nameOfFile(fileName);
     else
         mainType = types.candidates[chosen.front()].name;
     if (!givenName.empty())
         mainType = toXmlText(givenName);
-    MainTypes main;
+    std::unordered_map<Index, Index> met; // records, each with its first candidate
     for (const Index candidate : chosen) {
-        main.files.push_back(types.candidates[candidate].place.file);
-        if (const Index record = recordOf(types, candidate); !std::ranges::count(main.records, record)) {
-            types.records[record].name = types.candidates[candidate].name;
-            if (const std::string_view said = types.candidates[candidate].description; !said.empty())
-                types.records[record].description = said;
-            main.records.push_back(record);
+        const SourceTypes::Candidate& element = types.candidates[candidate];
+        main.files.push_back(element.place.file);
+        Index record = recordOf(types, candidate);
+        if (const auto [first, isNew] = met.try_emplace(record, candidate); !isNew) {
+            const SourceTypes::Candidate& other = types.candidates[first->second];
+            if (element.name == other.name && element.space == other.space)
+                continue;
+            record = copyFor(types, element, record);
         }
+        types.records[record].name = element.name;
+        if (!element.description.empty())
+            types.records[record].description = element.description;
+        main.records.push_back(record);
     }
     return main;
 }
 
-// The elements that are asked for, else one for each source.
-std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes& types, const CString& fileName)
+// A record of the same fields for another main element of its type.
+SourceTypes::Index FullMessage::copyFor(SourceTypes& types, const SourceTypes::Candidate& element, Index record)
+{
+    const std::span<const SourceTypes::Field> own = types.fieldsOf(record);
+    const std::vector<SourceTypes::Field> fields(own.begin(), own.end());
+    SourceTypes::Record made = types.records[record];
+    made.space = element.space;
+    made.place = element.place;
+    made.fieldCount = 0;
+    const Index copy = types.addRecord(made);
+    types.setFields(copy, fields);
+    return copy;
+}
+
+// The elements that are asked for, else those that the sources name, else one for each source.
+std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes& types, const CString& fileName,
+                                                              bool& areAskedFor)
 {
     std::vector<Index> chosen;
+    for (Index i = 0; roots.empty() && i < types.candidates.size(); ++i)
+        if (types.candidates[i].message != SourceTypes::kNone)
+            chosen.push_back(i);
+    std::ranges::sort(chosen, {}, [&](Index i) { return types.candidates[i].message; });
+    areAskedFor = !roots.empty() || !chosen.empty();
+    MainElement choice(types);
     for (Index source = 0; source <= furtherFiles.size(); ++source) {
-        const MainElement choice(types, source == 0 ? fileName : furtherFiles[source - 1], source);
-        for (const Index candidate : choice.queryAll())
+        const std::vector<Index> all = choice.choose(source == 0 ? fileName : furtherFiles[source - 1], source);
+        for (const Index candidate : all)
             mainTypes.emplace_back(types.candidates[candidate].name);
-        if (queryRoots().empty() && choice.query() != SourceTypes::kNone)
-            chosen.push_back(choice.query());
+        if (!areAskedFor && !all.empty())
+            chosen.push_back(all.front());
     }
-    for (const CString& root : queryRoots())
-        chosen.push_back(candidateCalled(root, types));
+    if (roots.empty())
+        return chosen;
+    const RootNames names(types);
+    for (const CString& root : roots)
+        chosen.push_back(names.find(root));
     return chosen;
 }
 

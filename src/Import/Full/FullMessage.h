@@ -70,10 +70,7 @@ protected:
         return true;
     }
     const std::vector<CString>& queryFurtherFiles() const { return furtherFiles; }
-    const std::vector<CString>& queryRoots() const { return roots.empty() ? ownRoots : roots; }
-
-    /// For read(): the main types that the source itself names, which hold where none are asked for.
-    void setOwnRoots(const std::vector<CString>& names) { ownRoots = names; }
+    const std::vector<CString>& queryRoots() const { return roots; }
     const Catalogs& queryCatalogs() const { return catalogs; }
     void addSwitch(std::string_view entity) { switches.emplace_back(entity); }
 
@@ -89,8 +86,9 @@ private:
     void import(const CString& source, const CString& fileName, const CString& basePath);
     struct MainTypes;
     MainTypes chooseMain(SourceTypes& types, const CString& fileName);
-    std::vector<Index> chooseCandidates(const SourceTypes& types, const CString& fileName);
+    std::vector<Index> chooseCandidates(const SourceTypes& types, const CString& fileName, bool& areAskedFor);
     Index recordOf(SourceTypes& types, Index candidate);
+    static Index copyFor(SourceTypes& types, const SourceTypes::Candidate& element, Index record);
     void declareRecord(Declaring& declaring, Index record);
     void declareEnumeration(Declaring& declaring, Index enumeration);
     void declareTables(Declaring& declaring, Index outer);
@@ -103,7 +101,6 @@ private:
     MsgUIDescriptor& row;
     std::vector<CString> furtherFiles;
     std::vector<CString> roots;
-    std::vector<CString> ownRoots;
     Layout layout = Layout::automatic;
     SourceTypes::Folders folders;
     CString givenName;

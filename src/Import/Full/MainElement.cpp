@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <utility>
 
 namespace {
 
@@ -40,50 +41,71 @@ bool hasFields(const SourceTypes& types, SourceTypes::Type type)
 
 } // namespace
 
-MainElement::MainElement(const SourceTypes& types, const CString& fileName, Index source) :
-    types(types), seen(types.records.size())
+MainElement::MainElement(const SourceTypes& types) : types(types), order(types), seen(types.records.size())
 {
-    Index first = SourceTypes::kNone;
     for (Index i = 0; i < types.candidates.size(); ++i) {
-        const SourceTypes::Candidate& candidate = types.candidates[i];
-        if (candidate.source != source || candidate.isType)
+        if (types.candidates[i].isType || types.candidates[i].source == SourceTypes::kNone)
             continue;
-        first = std::min(first, i);
+        bySource.push_back(i);
+        if (types.candidates[i].type.kind == SourceTypes::kindRecord)
+            order.visit(types.candidates[i].type.index);
+    }
+    std::ranges::stable_sort(bySource, {}, [&](Index i) { return types.candidates[i].source; });
+    ledToBy.resize(order.componentCount());
+}
+
+std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Index source)
+{
+    while (next < bySource.size() && types.candidates[bySource[next]].source < source)
+        ++next;
+    const std::size_t first = next;
+    ranked.clear();
+    for (; next < bySource.size() && types.candidates[bySource[next]].source == source; ++next) {
+        const SourceTypes::Candidate& candidate = types.candidates[bySource[next]];
         if (!candidate.isAbstract && hasFields(types, candidate.type))
-            ranked.push_back(i);
+            ranked.push_back(bySource[next]);
     }
-    if (!ranked.empty()) {
-        findSources();
-        measureAll(stemOf(fileName));
-    } else if (first != SourceTypes::kNone) {
-        all.push_back(first);
-    }
+    if (first == next)
+        return {};
+    if (ranked.empty())
+        return {bySource[first]};
+    findSources();
+    return measureAll(stemOf(fileName));
 }
 
 // What others lead to can't reach more than they do. So of each group of records that hold each other, one that nobody
 // else leads to, a single member is measured, for the first element that stands for it.
 void MainElement::findSources()
 {
-    RecordOrder order(types);
+    const Index turn = ++walks;
+    waiting.clear();
+    const auto visit = [&](Index record) {
+        if (std::exchange(seen[record], turn) != turn)
+            waiting.push_back(record);
+    };
     for (const Index candidate : ranked)
-        order.visit(types.candidates[candidate].type.index);
-    std::vector<bool> isLedTo(order.componentCount());
-    for (const Index record : order.query()) {
+        visit(types.candidates[candidate].type.index);
+    stepsLeft = 0;
+    for (std::size_t i = 0; i < waiting.size(); ++i) {
+        const Index record = waiting[i];
         stepsLeft += 1 + types.records[record].fieldCount;
         for (const SourceTypes::Field& field : types.fieldsOf(record))
-            if (field.type.kind == SourceTypes::kindRecord &&
-                order.componentOf(field.type.index) != order.componentOf(record))
-                isLedTo[order.componentOf(field.type.index)] = true;
+            if (field.type.kind == SourceTypes::kindRecord) {
+                if (order.componentOf(field.type.index) != order.componentOf(record))
+                    ledToBy[order.componentOf(field.type.index)] = turn;
+                visit(field.type.index);
+            }
     }
     stepsLeft *= kStepsPerReference;
-    for (const Index candidate : ranked)
-        if (const Index component = order.componentOf(types.candidates[candidate].type.index); !isLedTo[component]) {
-            isLedTo[component] = true; // the others of this component reach the same
+    sources.clear();
+    for (const Index candidate : ranked) {
+        const Index component = order.componentOf(types.candidates[candidate].type.index);
+        if (std::exchange(ledToBy[component], turn) != turn) // the others of this component reach the same
             sources.push_back(candidate);
-        }
+    }
 }
 
-void MainElement::measureAll(std::string_view fileName)
+std::vector<SourceTypes::Index> MainElement::measureAll(std::string_view fileName)
 {
     Index best = sources.front(), named = SourceTypes::kNone;
     std::size_t most = 0, mostNamed = 0;
@@ -99,27 +121,30 @@ void MainElement::measureAll(std::string_view fileName)
                 mostNamed = size;
                 named = candidate;
             }
+    std::vector<Index> all;
     all.push_back(mostNamed * 2 >= most && named != SourceTypes::kNone ? named : best);
     for (const Index candidate : sources)
         if (candidate != all.front())
             all.push_back(candidate);
+    return all;
 }
 
 // How many records can be reached from one, itself included; 0 when the steps are used up.
 std::size_t MainElement::measure(Index record)
 {
     std::size_t reached = 0;
+    const Index turn = ++walks;
     waiting.assign(1, record);
-    seen[record] = ++measurings;
+    seen[record] = turn;
     while (!waiting.empty() && stepsLeft > 0) {
         const Index at = waiting.back();
         waiting.pop_back();
         ++reached;
         for (const SourceTypes::Field& field : types.fieldsOf(at)) {
             stepsLeft -= stepsLeft > 0;
-            if (field.type.kind != SourceTypes::kindRecord || seen[field.type.index] == measurings)
+            if (field.type.kind != SourceTypes::kindRecord || seen[field.type.index] == turn)
                 continue;
-            seen[field.type.index] = measurings;
+            seen[field.type.index] = turn;
             waiting.push_back(field.type.index);
         }
     }

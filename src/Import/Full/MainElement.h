@@ -10,26 +10,27 @@ class MainElement
 public:
     using Index = SourceTypes::Index;
 
-    /// Chooses among the elements that the source of this number declares.
-    MainElement(const SourceTypes& types, const CString& fileName, Index source);
+    explicit MainElement(const SourceTypes& types);
 
-    /// The main element as an index of `types.candidates`; kNone when there is none.
-    Index query() const { return all.empty() ? SourceTypes::kNone : all.front(); }
-
-    /// All that could well be it, the chosen one first, then in the order of declaration.
-    const std::vector<Index>& queryAll() const { return all; }
+    /// All that could well be the main element among those that the source of this number declares, as indexes of
+    /// `types.candidates`: the chosen one first, then in the order of declaration. Empty if there is none. Sources are
+    /// asked for in the order of their numbers, each once.
+    std::vector<Index> choose(const CString& fileName, Index source);
 
 private:
     void findSources();
-    void measureAll(std::string_view fileName);
+    std::vector<Index> measureAll(std::string_view fileName);
     std::size_t measure(Index record);
 
     const SourceTypes& types;
-    std::vector<Index> ranked;  // the candidates of the best rank
-    std::vector<Index> sources; // of these the ones that no other leads to, and those that the file's name names
-    std::vector<Index> all;
-    std::vector<Index> seen; // by record: the measuring that came by last
+    RecordOrder order;           // of all records that candidates reach
+    std::vector<Index> bySource; // candidates, those of one source side by side
+    std::size_t next = 0;        // among them
+    std::vector<Index> ledToBy;  // by component: the walk that led there from another one last
+    std::vector<Index> ranked;   // the candidates of the best rank, of the source in hand
+    std::vector<Index> sources;  // of these the ones that no other leads to, and those that the file's name names
+    std::vector<Index> seen;     // by record: the walk that came by last
     std::vector<Index> waiting;
-    Index measurings = 0;
+    Index walks = 0;
     std::size_t stepsLeft = 0;
 };

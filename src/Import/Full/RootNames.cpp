@@ -1,6 +1,7 @@
 #include "Import/Full/RootNames.h"
 
 #include <algorithm>
+#include <set>
 
 namespace {
 
@@ -11,15 +12,6 @@ constexpr std::size_t kShown = 20; // how many candidates a refusal names
 [[noreturn]] void refuse(const CString& words)
 {
     throw SourceRefusal{CString(1, static_cast<char>(words[0] - 'a' + 'A')) + words.substr(1) + ".", {"", words}};
-}
-
-std::vector<Index> candidatesCalled(std::string_view name, const std::string_view* uri, const SourceTypes& types)
-{
-    std::vector<Index> found;
-    for (Index i = 0; i < types.candidates.size(); ++i)
-        if (types.candidates[i].name == name && (!uri || types.candidates[i].uri == *uri))
-            found.push_back(i);
-    return found;
 }
 
 // Keeps those that a test holds for, if it does for any.
@@ -39,29 +31,46 @@ std::string_view localNameOf(std::string_view root)
     return root.substr(root.rfind(':') + 1);
 }
 
-SourceTypes::Index candidateCalled(std::string_view root, const SourceTypes& types)
+RootNames::RootNames(const SourceTypes& types) : types(types)
 {
-    std::vector<Index> found = candidatesCalled(root, nullptr, types);
+    for (Index i = 0; i < types.candidates.size(); ++i)
+        byName.push_back(i);
+    std::ranges::stable_sort(byName, {}, [&](Index i) { return types.candidates[i].name; });
+}
+
+std::vector<SourceTypes::Index> RootNames::allCalled(std::string_view name) const
+{
+    const auto found = std::ranges::equal_range(byName, name, {}, [&](Index i) { return types.candidates[i].name; });
+    return {found.begin(), found.end()};
+}
+
+SourceTypes::Index RootNames::find(std::string_view root) const
+{
+    std::vector<Index> found = allCalled(root);
     const std::string_view local = localNameOf(root);
     if (found.empty() && local != root) {
         std::string_view space = root.substr(0, root.size() - local.size() - 1);
-        const auto prefix =
-            std::ranges::find(types.prefixes, space, &std::pair<std::string_view, std::string_view>::first);
+        std::set<std::string_view> uris; // a prefix may stand for another namespace in each source
         if (root.starts_with('{'))
-            space.remove_prefix(1);
-        else if (prefix != types.prefixes.end())
-            space = prefix->second;
+            uris.insert(space.substr(1));
         else
+            for (const auto& [prefix, uri] : types.prefixes)
+                if (prefix == space)
+                    uris.insert(uri);
+        if (uris.empty())
             refuse("there is no prefix called " + CString(space));
-        found = candidatesCalled(local, &space, types);
+        found = allCalled(local);
+        std::erase_if(found, [&](Index i) { return !uris.contains(types.candidates[i].uri); });
     }
     prefer(found, types, [](const auto& candidate) { return candidate.source != SourceTypes::kNone; });
     prefer(found, types, [](const auto& candidate) { return !candidate.isType; });
+    prefer(found, types, [](const auto& candidate) { return candidate.message != SourceTypes::kNone; });
     if (found.empty())
         refuse("there is no element called " + CString(root));
     if (found.size() == 1)
         return found.front();
-    CString words = "there are several elements called " + CString(root);
+    CString words = CString("there are several ") + (types.candidates[found.front()].isType ? "types" : "elements") +
+                    " called " + CString(root);
     for (std::size_t i = 0; i < std::min(found.size(), kShown); ++i) {
         const SourceTypes::Candidate& candidate = types.candidates[found[i]];
         words += (i == 0 ? ": {" : ", {") + CString(candidate.uri) + "}" + CString(candidate.name);

@@ -97,7 +97,8 @@ public:
         Index space = 0;           ///< see spaceOf()
         std::uint16_t repeats = 0; ///< as of a field
         std::string_view description{};
-        Index choice = kNone; ///< among `choices`, if its type is abstract
+        Index message = kNone; ///< its number among the main types that the sources themselves name, if it is one
+        Index choice = kNone;  ///< among `choices`, if its type is abstract
     };
 
     /// A namespace in which types have their names to themselves.

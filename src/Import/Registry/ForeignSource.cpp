@@ -29,14 +29,8 @@ struct Vocabulary
     std::string_view advice;
 };
 
-constexpr std::string_view kRelaxNg = "this is RELAX NG; convert it with trang, then import the schema";
-constexpr std::string_view kWsdl = "this is WSDL; import its messages with xsd --full";
-
 constexpr Vocabulary kVocabularies[] = {
-    {"http://relaxng.org/ns/structure/", kRelaxNg},
-    {"http://schemas.xmlsoap.org/wsdl/", kWsdl},
-    {"http://www.w3.org/ns/wsdl", kWsdl},
-    {"http://www.w3.org/2006/01/wsdl", kWsdl},
+    {"http://relaxng.org/ns/structure/", "this is RELAX NG; convert it with trang, then import the schema"},
 };
 
 // The value of an attribute of a tag, as it is written; empty if there is none.
@@ -57,14 +51,6 @@ std::string_view attributeOf(std::string_view tag, std::string_view name)
             return trimmed(tag.substr(1, end - 1));
         tag.remove_prefix(end + 1);
     }
-}
-
-// The namespace of the element that the text begins with.
-std::string_view spaceOf(std::string_view text)
-{
-    const std::string_view name = text.substr(1, text.find_first_of(" \t\r\n/>", 1) - 1);
-    const std::size_t colon = name.find(':');
-    return attributeOf(text, colon == name.npos ? "xmlns" : "xmlns:" + CString(name.substr(0, colon)));
 }
 
 // How a language writes what isn't part of its statements.
@@ -183,14 +169,21 @@ constexpr Language kLanguages[] = {
 
 } // namespace
 
+std::string_view namespaceOf(std::string_view text)
+{
+    if (!text.starts_with("<"))
+        return {};
+    const std::string_view name = text.substr(1, text.find_first_of(" \t\r\n/>", 1) - 1);
+    const std::size_t colon = name.find(':');
+    return attributeOf(text, colon == name.npos ? "xmlns" : "xmlns:" + CString(name.substr(0, colon)));
+}
+
 std::string_view foreignSource(std::string_view start, std::string_view content)
 {
     for (const Signature& signature : kSignatures)
         if (start.starts_with(signature.first))
             return signature.advice;
-    if (!content.starts_with("<"))
-        return {};
-    const std::string_view space = spaceOf(content);
+    const std::string_view space = namespaceOf(content);
     for (const Vocabulary& vocabulary : kVocabularies)
         if (space.starts_with(vocabulary.space))
             return vocabulary.advice;

@@ -4,6 +4,7 @@
 #include "Files/KeptPipe.h"
 #include "Import/Json/JsonKind.h"
 #include "Import/Registry/ForeignSource.h"
+#include "Import/Schema/Full/WsdlReader.h"
 
 #include <algorithm>
 #include <fstream>
@@ -18,8 +19,9 @@ struct Ending
     std::string_view importer;
 };
 
-constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},   {".ent", "dtd"},    {".xsd", "xsd"},
-                               {".avsc", "avro"}, {".avpr", "avro"}, {".jsonl", "json"}, {".ndjson", "json"}};
+constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},    {".ent", "dtd"},
+                               {".xsd", "xsd"},   {".wsdl", "wsdl"},  {".avsc", "avro"},
+                               {".avpr", "avro"}, {".jsonl", "json"}, {".ndjson", "json"}};
 
 // Without NUL bytes, so that names in UTF-16 can be told too.
 CString startOf(const CString& fileName)
@@ -120,6 +122,8 @@ Told tell(const CString& fileName)
     const std::string_view content = contentOf(start);
     if (const std::string_view foreign = foreignSource(start, content); !foreign.empty())
         return {{}, foreign};
+    if (isWsdlNamespace(namespaceOf(content)))
+        return {"wsdl", {}};
     if (!ending.empty() && !isPipe(fileName))
         return {ending, {}};
     if (const std::string_view word = wordFor(content); !word.empty())

@@ -7,6 +7,7 @@
 #include "Import/Json/JsonSchemaMsg.h"
 #include "Import/Json/OpenApiMsg.h"
 #include "Import/Schema/Full/SchemaFullMsg.h"
+#include "Import/Schema/Full/WsdlMsg.h"
 #include "Import/Schema/Literal/SchemaMsg.h"
 #include "Import/Tables/ODBCMsg.h"
 #include "Import/XmlData/XMLDataMsg.h"
@@ -24,6 +25,8 @@ MsgUIDescriptor BrokerMessage::m_descr("\\", IDS_BTD_NAME, IDS_BTD_DESCRIPTION, 
                                        {"btd", IDS_FILTER_XML, false, true});
 MsgUIDescriptor ODBCMessage::m_descr("\\", IDS_ODBC_NAME, IDS_ODBC_DESCRIPTION, ODBCMessage::New, IDD_DATA_SOURCE,
                                      nullptr, {"odbc", 0, true});
+MsgUIDescriptor WsdlMessage::m_descr("\\sys\\xml\\", IDS_WSDL_NAME, IDS_WSDL_DESCRIPTION, WsdlMessage::New, IDD_SOURCE,
+                                     nullptr, {"wsdl", IDS_FILTER_WSDL, false, false, true});
 MsgUIDescriptor JsonSchemaMessage::m_descr("\\sys\\json\\", IDS_JSON_SCHEMA_NAME, IDS_JSON_SCHEMA_DESCRIPTION,
                                            JsonSchemaMessage::New, IDD_SOURCE, nullptr,
                                            {"jsonschema", IDS_FILTER_JSON_SCHEMA});
@@ -36,11 +39,17 @@ MsgUIDescriptor AvroMessage::m_descr("\\sys\\json\\", IDS_AVRO_NAME, IDS_AVRO_DE
 MsgUIDescriptor JsonDataMessage::m_descr("\\sys\\json\\", IDS_JSON_DATA_NAME, IDS_JSON_DATA_DESCRIPTION,
                                          JsonDataMessage::New, IDD_SOURCE, nullptr, {"json", IDS_FILTER_JSON_DATA});
 
-MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr,      &XMLDataMessage::m_descr,
-                             &SchemaMessage::m_descr,   &BrokerMessage::m_descr,
-                             &ODBCMessage::m_descr,     &JsonSchemaMessage::m_descr,
-                             &OpenApiMessage::m_descr,  &AvroMessage::m_descr,
-                             &JsonDataMessage::m_descr, nullptr};
+MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr,
+                             &XMLDataMessage::m_descr,
+                             &SchemaMessage::m_descr,
+                             &BrokerMessage::m_descr,
+                             &ODBCMessage::m_descr,
+                             &WsdlMessage::m_descr,
+                             &JsonSchemaMessage::m_descr,
+                             &OpenApiMessage::m_descr,
+                             &AvroMessage::m_descr,
+                             &JsonDataMessage::m_descr,
+                             nullptr};
 
 MsgUIDescriptor* importerNamed(std::string_view word)
 {

@@ -8,16 +8,14 @@
 
 namespace {
 
-// Whether a file is called like the sources of `importer`, or of any that reads several files in full: a module is
-// none.
-bool isSourceName(const CString& name, const MsgUIDescriptor* importer)
+// The importer of sets whose sources are called like this file; null if there is none. A module is no source.
+const MsgUIDescriptor* importerBySuffix(const CString& name)
 {
     const std::size_t dot = name.rfind('.');
     for (MsgUIDescriptor** row = g_amud; *row && dot != CString::npos; ++row)
-        if ((!importer || *row == importer) && (*row)->hasFull() &&
-            isSameAscii(std::string_view(name).substr(dot + 1), (*row)->querySource().word))
-            return true;
-    return false;
+        if ((*row)->readsSets() && isSameAscii(std::string_view(name).substr(dot + 1), (*row)->querySource().word))
+            return *row;
+    return nullptr;
 }
 
 template <class Iterator>
@@ -26,8 +24,14 @@ std::vector<CString> filesIn(const CString& folder, const MsgUIDescriptor* impor
     std::vector<CString> files;
     for (const std::filesystem::directory_entry& entry : Iterator(folder)) {
         std::error_code failure;
-        if (isSourceName(entry.path().filename().string(), importer) && entry.is_regular_file(failure))
-            files.push_back(entry.path().string());
+        const MsgUIDescriptor* const own = importerBySuffix(entry.path().filename().string());
+        if (!own || (importer && own != importer) || !entry.is_regular_file(failure))
+            continue;
+        if (!importer && own->querySource().isSet) { // which names what lies beside it
+            importer = own;
+            files.clear();
+        }
+        files.push_back(entry.path().string());
     }
     std::ranges::sort(files);
     return files;

@@ -153,8 +153,9 @@ void SourcePage::chooseReading()
 // Why these can't be imported as they are chosen; "" if they can.
 CString SourcePage::obstacleOf(const std::vector<CString>& names) const
 {
-    const bool hasFull = wizard->message->queryDescriptor()->hasFull();
-    const bool readsFull = hasFull && fullCheck->isChecked();
+    const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
+    const bool hasFull = row.hasFull();
+    const bool readsFull = row.querySource().isSet || (hasFull && fullCheck->isChecked());
     if (names.front().empty())
         return "The name of the file is missing. Type it, or press Browse.";
     for (const CString& name : names) {

@@ -70,7 +70,7 @@ std::vector<CString> readableFiles(const SourcePreview::Source& source)
 {
     std::vector<CString> files;
     try {
-        files = source.importer->hasFull() ? withoutFolders(source.names, source.importer, false) : source.names;
+        files = source.importer->readsSets() ? withoutFolders(source.names, source.importer, false) : source.names;
     } catch (const std::exception&) {
         return {};
     }

@@ -70,7 +70,7 @@ int WizardRun::readSources()
 {
     std::vector<CString> files = sources;
     FullMessage* const full = fullMessage();
-    if (full && full->queryDescriptor()->hasFull()) {
+    if (full && full->queryDescriptor()->readsSets()) {
         files = withoutFolders(sources, full->queryDescriptor(), false);
         full->setName(nameOfSet(sources, files));
         full->setLayout(options.queryLayout());

@@ -4,14 +4,14 @@
 
 SchemaFullMessage::SchemaFullMessage() : FullMessage(*importerNamed("xsd")) {}
 
-void SchemaFullMessage::read(const CString& source, const CString&, SourceTypes& types, SourceReport& report)
+void SchemaFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
     SchemaSet set(types, report, queryCatalogs());
     set.load(source);
     for (const CString& file : queryFurtherFiles())
         set.load(file);
+    check(set, fileName);
     const auto sources = set.finish();
-    setOwnRoots(set.queryMessages());
-    SchemaTypes(set, types).read(sources, queryRoots());
+    SchemaTypes(set, types).read(sources, queryRoots(), set.findMessages());
     set.reportNotes();
 }

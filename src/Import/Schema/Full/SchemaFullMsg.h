@@ -3,11 +3,14 @@
 #include "Import/Full/FullMessage.h"
 #include "Import/Schema/Full/SchemaUses.h"
 
+class SchemaSet;
+
 /// The importer of XML Schema files that reads them in full: namespaces, documents, derived types.
 class SchemaFullMessage : public FullMessage
 {
 public:
     SchemaFullMessage();
+    explicit SchemaFullMessage(MsgUIDescriptor& row) : FullMessage(row) {}
 
     static FullMessage* New() { return new SchemaFullMessage; }
 
@@ -16,6 +19,9 @@ public:
     CString queryUses(const CString& fileName) const override { return usesOfSchema(fileName); }
 
 protected:
+    /// Throws SourceRefusal if what was read from `fileName` and the further files is nothing for the importer.
+    virtual void check(const SchemaSet&, const CString& /*fileName*/) const {}
+
     /// `source` is the name of the schema file.
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 };

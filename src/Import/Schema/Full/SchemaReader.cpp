@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr std::size_t kMaxRanks = 8; // of arrays in arrays
+
 /// 0, 1, or 2 for more often; what makes no sense counts as 1.
 std::uint8_t occursOf(std::string_view value)
 {
@@ -77,12 +79,36 @@ void SchemaReader::makeArray(XmlAttributes attributes)
         if (attributes[i].name.local != std::string_view("arrayType") || !uri ||
             uri != std::string_view("http://schemas.xmlsoap.org/wsdl/"))
             continue;
-        SchemaNode& node = tree.nodes.back();
-        node.tag = SchemaTag::element;
-        node.name = tree.names.intern("item");
-        node.flags = 0;
-        node.occurs = 2;
-        node.reference = resolve(attributes[i].value.substr(0, attributes[i].value.find('[')));
+        const std::string_view value = attributes[i].value;
+        const std::size_t sizes = std::min(value.find('['), value.size());
+        const auto ranks = static_cast<std::size_t>(std::ranges::count(value.substr(sizes), '['));
+        if (ranks > kMaxRanks)
+            statements.find(SourceReport::cutShort, CString(value.substr(0, kMaxRanks)));
+        SchemaNode item = tree.nodes.back();
+        item.tag = SchemaTag::element;
+        item.name = tree.names.intern("item");
+        item.flags = 0;
+        item.occurs = 2;
+        tree.nodes.back() = item;
+        for (std::size_t rank = 1; rank < std::min(ranks, kMaxRanks); ++rank)
+            holdInLast(item);
+        tree.nodes.back().reference = resolve(value.substr(0, sizes));
+    }
+}
+
+/// Makes the last element one of a type of its own that holds `item`, which is the last one then.
+void SchemaReader::holdInLast(SchemaNode item)
+{
+    for (const SchemaTag tag : {SchemaTag::complexType, SchemaTag::sequence, SchemaTag::element}) {
+        const auto place = static_cast<Index>(tree.nodes.size());
+        SchemaNode node = item;
+        node.tag = tag;
+        node.parent = place - 1;
+        node.next = 0;
+        node.name = tag == SchemaTag::element ? item.name : 0;
+        node.occurs = tag == SchemaTag::element ? item.occurs : 1;
+        tree.nodes.back().firstChild = place;
+        tree.nodes.push_back(node);
     }
 }
 
@@ -255,7 +281,7 @@ std::uint32_t SchemaReader::readList(std::string_view value)
 NameTable::Id SchemaReader::nameOf(std::string_view text)
 {
     const NameTable::Id name = tree.names.intern(text);
-    if (name == 0 || isXmlName(text))
+    if (name == 0 || tree.isXmlName(name))
         return name;
     impossibleNames.push_back({static_cast<Index>(tree.nodes.size()), name});
     return 0;
@@ -268,7 +294,8 @@ SchemaName SchemaReader::resolve(std::string_view qualified)
     const std::size_t colon = qualified.rfind(':');
     const std::string_view prefix = colon == std::string_view::npos ? "" : qualified.substr(0, colon);
     const NameTable::Id local = nameOf(qualified.substr(colon == std::string_view::npos ? 0 : colon + 1));
-    const NameTable::Id id = tree.names.intern(prefix);
+    const NameTable::Id id = prefix == tree.text(lastPrefix) ? lastPrefix : tree.names.intern(prefix);
+    lastPrefix = id;
     const NameTable::Id space = id < spaces.size() ? spaces[id] : kUndeclared;
     if (space != kUndeclared)
         return {space, local};

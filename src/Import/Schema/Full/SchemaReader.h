@@ -54,6 +54,7 @@ private:
 
     void enter(SchemaTag tag);
     void makeArray(XmlAttributes attributes);
+    void holdInLast(SchemaNode item);
     void startOther(SchemaTag tag);
     void readAttribute(SchemaNode& node, const SchemaStatements::Attribute& attribute);
     void readRootAttribute(const SchemaStatements::Attribute& attribute);
@@ -67,6 +68,7 @@ private:
     const std::uint32_t document;
     std::vector<Level> open;
     std::vector<NameTable::Id> spaces; // by prefix
+    NameTable::Id lastPrefix = 0;      // that was resolved
     std::vector<Shadowed> shadowed;
     std::size_t shadowedBefore = 0; // the element that begins
     SchemaStatements statements;

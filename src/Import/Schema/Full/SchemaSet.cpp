@@ -1,12 +1,10 @@
 #include "Import/Schema/Full/SchemaSet.h"
 
-#include "Import/Full/DocumentLinks.h"
 #include "Import/Schema/Full/SchemaReader.h"
 #include "Import/Schema/SchemaBuiltIns.h"
 #include "Import/Schema/SchemaDocuments.h"
 
 #include <algorithm>
-#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -35,83 +33,6 @@ std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
 
 } // namespace
 
-void SchemaSet::load(const CString& fileName)
-{
-    std::vector<CString> files{fileName};
-    for (std::size_t i = 0; i < files.size(); ++i)
-        loadOne(CString(files[i]), files);
-    ++loads;
-}
-
-/// Reads one file, and adds those that it imports, as a WSDL.
-void SchemaSet::loadOne(const CString& fileName, std::vector<CString>& files)
-{
-    const auto id = identify(fileName);
-    if (id && parsed.contains(*id)) {
-        loaded.push_back({parsed.at(*id), loads});
-        return;
-    }
-    const auto document = static_cast<std::uint32_t>(tree.documents.size());
-    const std::vector<WsdlReader::Import> imports = readSource(fileName);
-    loaded.push_back({document, loads});
-    if (id)
-        parsed.emplace(*id, document);
-    if (id && tree.documents[document].root != 0)
-        entered.emplace(std::pair(*id, tree.documents[document].space), document);
-    const auto end = static_cast<std::uint32_t>(tree.documents.size()); // of a WSDL's schemas
-    for (std::uint32_t at = document; at < end; ++at) {
-        if (at > document)
-            loaded.push_back({at, loads});
-        if (tree.documents[at].root != 0)
-            followAll(at);
-    }
-    const CString folder = tree.documents[document].folder;
-    for (const WsdlReader::Import& import : imports) {
-        const CString path = localPath(import.location);
-        if (const auto file = path.empty() ? std::nullopt : finder.find(folder, path))
-            files.push_back(file->name);
-        else
-            report.add(path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing, import.place,
-                       import.location);
-    }
-}
-
-/// Reads the file of a source, and returns what it imports, as a WSDL.
-std::vector<WsdlReader::Import> SchemaSet::readSource(const CString& fileName)
-{
-    const auto number = static_cast<std::uint32_t>(tree.documents.size());
-    SchemaDocument& document = tree.documents.emplace_back();
-    document.folder = folderOf(fileName);
-    document.file = report.addFile(fileName);
-    WsdlReader reader(tree, report);
-    XmlDocument xml;
-    if (!xml.streamFile(fileName, reader))
-        throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
-    reader.finish();
-    if (number > 0 && !reader.holdsWsdl() && tree.documents[number].root == 0)
-        throw SourceRefusal{fileName + " is no schema.", {fileName, "it is no schema"}};
-    for (std::uint32_t at = number; at < tree.documents.size(); ++at)
-        firstOfFile.push_back(at);
-    for (const auto& [node, name] : reader.queryImpossibleNames())
-        note(SourceReport::impossibleName, node, name);
-    messages.insert(messages.end(), reader.queryRoots().begin(), reader.queryRoots().end());
-    return reader.queryImports();
-}
-
-std::vector<CString> SchemaSet::queryMessages()
-{
-    std::vector<CString> names;
-    std::unordered_set<Index> met;
-    for (const auto& [name, place] : messages) {
-        const Index declared = find(element, name, 0);
-        if (declared == 0)
-            report.add(SourceReport::unresolvedReference, place, tree.text(name.local));
-        else if (met.insert(declared).second)
-            names.push_back("{" + CString(tree.text(name.space)) + "}" + CString(tree.text(name.local)));
-    }
-    return names;
-}
-
 /// Declares what a document holds, and all that it names.
 void SchemaSet::followAll(std::uint32_t document)
 {
@@ -133,21 +54,6 @@ void SchemaSet::followAll(std::uint32_t document)
         top.redefine = tree[reference].tag == SchemaTag::redefine ? reference : 0;
         follow(reference, waiting); // may move `top`
     }
-}
-
-std::vector<SchemaSet::Source> SchemaSet::finish()
-{
-    collectMembers();
-    DocumentLinks links; // between files, each by its first document
-    for (const auto& [reference, document] : documentsByReference)
-        links.add(firstOfFile[tree[reference].document], firstOfFile[document]);
-    std::vector<std::uint32_t> documents;
-    for (const Source& source : loaded)
-        documents.push_back(source.document);
-    std::vector<Source> sources;
-    for (const std::size_t top : links.findTops(documents))
-        sources.push_back(loaded[top]);
-    return sources;
 }
 
 /// Reads one file into a new document, which messages show as `shownName`. False when that can't be, which `xml` then
@@ -174,25 +80,22 @@ bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocum
     return true;
 }
 
-/// The document that a reference means: by the catalogues, else by its location, else by its namespace. `path` is the
-/// one by which it was found, else that of its location.
-std::optional<FoundFile> SchemaSet::locate(Index reference, CString& path)
+/// The document that is meant: by the catalogues, else by its location, else by its namespace. `path` is the one by
+/// which it was found, else that of its location.
+std::optional<FoundFile> SchemaSet::locate(const Location& wanted, CString& path)
 {
-    const SchemaNode& node = tree[reference];
-    const CString& folder = tree.documentOf(reference).folder;
-    const std::string_view location = tree.text(node.name);
-    const CString own = localPath(location);
+    const CString own = localPath(wanted.location);
     const auto listed = [&](std::string_view uri) {
         path = uri.empty() ? CString() : catalogs.findUri(uri).value_or(CString());
         return finder.find({}, path);
     };
-    auto file = listed(location);
+    auto file = listed(wanted.location);
     if (!file && !own.empty() && !own.starts_with('/'))
-        file = listed("file://" + folder + own);
+        file = listed("file://" + wanted.folder + own);
     if (!file && !own.empty())
-        file = finder.find(folder, path = own);
-    if (!file && node.tag == SchemaTag::import)
-        file = listed(tree.text(node.reference.space));
+        file = finder.find(wanted.folder, path = own);
+    if (!file)
+        file = listed(wanted.space);
     if (!file)
         path = own;
     return file;
@@ -205,7 +108,8 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
     const SchemaDocument& from = tree.documentOf(reference);
     const NameTable::Id includer = node.tag == SchemaTag::import ? 0 : from.space;
     CString path;
-    const auto file = locate(reference, path);
+    const NameTable::Id wanted = node.tag == SchemaTag::import ? node.reference.space : 0;
+    const auto file = locate({tree.text(node.name), from.folder, tree.text(wanted)}, path);
     if (!file && !node.hasName()) // which an import may leave out, and for the others has been said
         return;
     if (!file)
@@ -263,35 +167,37 @@ void SchemaSet::declare(Index component, bool redefines)
     const auto kind = kindOf(tree[component].tag);
     if (!kind || !tree[component].hasName())
         return;
-    const auto [place, isFirst] = symbols[*kind].try_emplace(keyOf(nameOf(component)), component);
+    const auto [place, isFirst] = symbols[*kind].insert(keyOf(nameOf(component)), component);
     if (isFirst)
         return;
     if (redefines)
-        redefined[component] = std::exchange(place->second, component);
+        redefined[component] = std::exchange(place, component);
     else
         note(SourceReport::declaredTwice, component);
 }
 
 SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
 {
-    const auto found = symbols[kind].find(keyOf(name));
-    if (found == symbols[kind].end())
+    const Index* const found = symbols[kind].find(keyOf(name));
+    if (!found)
         return 0;
-    if (redefined.empty() || !redefined.contains(found->second))
-        return found->second;
+    if (redefined.empty() || !redefined.contains(*found))
+        return *found;
     // The redefinition that `from` stands in, if it is one of this name: there may be a row of them.
     Index component = from;
     while (component != 0 && tree[tree[component].parent].tag != SchemaTag::redefine)
         component = tree[component].parent;
     const bool isOwnName = component != 0 && kindOf(tree[component].tag) == kind && nameOf(component) == name;
     const auto earlier = isOwnName ? redefined.find(component) : redefined.end();
-    return earlier == redefined.end() ? found->second : earlier->second;
+    return earlier == redefined.end() ? *found : earlier->second;
 }
 
 std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
 {
-    const bool isKnown = SchemaTree::isSchemaLanguage(name.space) || name.space == SchemaTree::kSoapEncoding;
-    return isKnown ? ::builtInKind(tree.text(name.local)) : std::nullopt;
+    const bool isSoap = SchemaTree::isSoapEncoding(name.space);
+    if (isSoap && tree.text(name.local) == "base64")
+        return SourceTypes::kindText;
+    return isSoap || SchemaTree::isSchemaLanguage(name.space) ? ::builtInKind(tree.text(name.local)) : std::nullopt;
 }
 
 void SchemaSet::collectMembers()
@@ -321,7 +227,6 @@ const std::vector<SchemaSet::Index>& SchemaSet::membersOf(SchemaName head) const
 std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
 {
     std::vector<Index> components;
-    std::unordered_set<Index> met;
     const auto holdsAny = [&] {
         return std::ranges::any_of(components, [&](Index at) { return tree[at].tag != SchemaTag::simpleType; });
     };
@@ -330,9 +235,7 @@ std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
             const auto kind = kindOf(tree[at].tag);
             if (!tree[at].hasName() || (kind != element && kind != type))
                 continue;
-            const Index holder = find(*kind, nameOf(at), 0);
-            if (met.insert(holder).second)
-                components.push_back(holder);
+            components.push_back(find(*kind, nameOf(at), 0));
         }
     };
     const auto topOf = [&](std::uint32_t document) { return tree[tree.documents[document].root].firstChild; };
@@ -357,13 +260,10 @@ std::vector<SchemaSet::Index> SchemaSet::componentsCalled(std::string_view name)
 {
     const NameTable::Id local = tree.names.intern(name);
     std::vector<Index> found;
-    std::unordered_set<NameTable::Id> met;
-    for (const SchemaDocument& document : tree.documents)
-        if (document.root != 0 && met.insert(document.space).second)
-            for (const Kind kind : {element, type})
-                if (const Index at = find(kind, {document.space, local}, 0);
-                    at != 0 && tree[at].tag != SchemaTag::simpleType)
-                    found.push_back(at);
+    for (const NameTable::Id space : spaces)
+        for (const Kind kind : {element, type})
+            if (const Index at = find(kind, {space, local}, 0); at != 0 && tree[at].tag != SchemaTag::simpleType)
+                found.push_back(at);
     return found;
 }
 
@@ -388,7 +288,7 @@ std::vector<std::uint32_t> SchemaSet::includedDocuments(std::uint32_t main) cons
 
 void SchemaSet::note(SourceReport::Construct construct, Index node, NameTable::Id name)
 {
-    if (construct == SourceReport::unresolvedContent && tree[node].reference.space == SchemaTree::kSoapEncoding)
+    if (construct == SourceReport::unresolvedContent && SchemaTree::isSoapEncoding(tree[node].reference.space))
         return; // the base of arrays
     notes.emplace_back(node, construct, name);
     if (notes.size() < manyNotes)

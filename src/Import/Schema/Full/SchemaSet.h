@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/NumberTable.h"
 #include "Files/FileFinder.h"
 #include "Import/Full/Catalogs.h"
 #include "Import/Full/SourceTypes.h"
@@ -66,16 +67,25 @@ public:
 
     /// The elements, complex types and simple types at the top of a document, or of those it includes when it has no
     /// element and no complex type itself; what stands inside a redefinition isn't its own. Empty when those have none
-    /// either.
+    /// either. What is declared twice comes twice.
     std::vector<Index> componentsOf(std::uint32_t document) const;
 
     /// The element and the complex type of that name at the top of any document, in each namespace, in the order in
     /// which the namespaces are met.
     std::vector<Index> componentsCalled(std::string_view name);
 
-    /// The elements that the messages of the WSDLs among the sources are, each once, as "{URI}name"; what isn't
-    /// declared is reported.
-    std::vector<CString> queryMessages();
+    /// Whether a WSDL is among the sources.
+    bool holdsWsdl() const { return hasWsdl; }
+
+    /// An element that a message of a WSDL is, and the number of that source.
+    struct Message
+    {
+        Index element;
+        std::uint32_t source;
+    };
+
+    /// The messages of the WSDLs among the sources, each element once. What isn't declared is reported.
+    std::vector<Message> findMessages();
 
     /// The full name of a component at the top.
     SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
@@ -107,18 +117,35 @@ private:
         Index redefine;  // the one whose document is being read, when that is a redefine
     };
 
+    // A file that was given, or that a WSDL names.
+    struct SourceFile
+    {
+        CString name;
+        CString shownName;
+        SourcePlace namedAt;
+        CString location; // as it is written there; "" if it was given
+    };
+
+    // Where a document names another one.
+    struct Location
+    {
+        std::string_view location; // a reference
+        const CString& folder;     // that it is relative to
+        std::string_view space;    // of the other one, if that is said
+    };
+
     using Note = std::tuple<Index, SourceReport::Construct, NameTable::Id>; // of a node, and how it is called
 
-    using Names = std::unordered_map<std::uint64_t, Index>;
+    using Names = NumberTable;
 
     static std::uint64_t keyOf(SchemaName name) { return static_cast<std::uint64_t>(name.space) << 32 | name.local; }
 
     void followAll(std::uint32_t document);
-    void loadOne(const CString& fileName, std::vector<CString>& files);
-    std::vector<WsdlReader::Import> readSource(const CString& fileName);
+    void loadOne(const SourceFile& file, std::vector<SourceFile>& files);
+    std::vector<WsdlReader::Import> readSource(const SourceFile& file);
     bool read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most);
     void follow(Index reference, std::vector<Following>& waiting);
-    std::optional<FoundFile> locate(Index reference, CString& path);
+    std::optional<FoundFile> locate(const Location& wanted, CString& path);
     void readNamed(const FoundFile& file, const CString& path, Index reference);
     std::uint32_t copy(std::uint32_t document, NameTable::Id space);
     void declareAll(std::uint32_t document, std::vector<Following>& waiting);
@@ -135,8 +162,10 @@ private:
     FileFinder finder;
     std::map<FileId, std::uint32_t> parsed; // the first document of each file
     std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
-    std::vector<WsdlReader::Root> messages; // of WSDLs
+    bool hasWsdl = false;
+    std::vector<std::pair<WsdlReader::Root, std::uint32_t>> messages; // of WSDLs, with the number of the source
     std::vector<Source> loaded;
+    std::vector<NameTable::Id> spaces;      // of the documents, each once
     std::uint32_t loads = 0;                // before the one in hand
     std::vector<std::uint32_t> firstOfFile; // the document of the file of each, by document
     std::unordered_map<Index, std::uint32_t> documentsByReference;

@@ -4,7 +4,8 @@ SchemaTree::SchemaTree() : nodes(1), listed(1), documentations(1)
 {
     for (const std::string_view known :
          {"http://www.w3.org/2001/XMLSchema", "http://www.w3.org/2000/10/XMLSchema", "http://www.w3.org/1999/XMLSchema",
-          "http://www.w3.org/XML/1998/namespace", "value", "http://schemas.xmlsoap.org/soap/encoding/"})
+          "http://www.w3.org/XML/1998/namespace", "value", "http://schemas.xmlsoap.org/soap/encoding/",
+          "http://www.w3.org/2003/05/soap-encoding"})
         names.intern(known);
 }
 

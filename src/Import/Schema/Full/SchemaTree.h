@@ -3,6 +3,7 @@
 #include "Base/NameTable.h"
 #include "Import/Schema/SchemaGrammar.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -91,6 +92,16 @@ public:
     }
 
     std::string_view text(NameTable::Id id) const { return names[id]; }
+
+    /// Whether a document can carry the name.
+    bool isXmlName(NameTable::Id name)
+    {
+        checked.resize(std::max<std::size_t>(checked.size(), name + 1));
+        if (checked[name] == 0)
+            checked[name] = ::isXmlName(names[name]) ? 1 : 2;
+        return checked[name] == 1;
+    }
+
     std::string_view documentation(Index at) const { return documentations[nodes[at].documentation]; }
     const SchemaDocument& documentOf(Index at) const { return documents[nodes[at].document]; }
 
@@ -105,7 +116,9 @@ public:
     static bool isSchemaLanguage(NameTable::Id space) { return space >= 1 && space <= 3; }
     static constexpr NameTable::Id kXmlNamespace = 4;
     static constexpr NameTable::Id kValueName = 5; ///< the text "value"
-    static constexpr NameTable::Id kSoapEncoding = 6;
+
+    /// True for the namespaces of the encodings of SOAP 1.1 and 1.2.
+    static bool isSoapEncoding(NameTable::Id space) { return space == 6 || space == 7; }
 
     /// Takes back all nodes from `first` on.
     void dropFrom(Index first) { nodes.resize(first); }
@@ -122,4 +135,6 @@ public:
 
 private:
     SchemaName adopted(Index at, SchemaName name) const;
+
+    std::vector<char> checked; // names: 1 for one of XML, 2 for none
 };

@@ -4,22 +4,30 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
-void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots)
+void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots,
+                       const std::vector<SchemaSet::Message>& messages)
 {
-    std::unordered_set<Index> met;
+    std::vector<char> isMet(tree.size());
+    const auto meet = [&isMet](Index component) { return std::exchange(isMet[component], 1) == 0; };
+    for (const SchemaSet::Message& message : messages)
+        messageNumbers.emplace(message.element, static_cast<SourceTypes::Index>(messageNumbers.size()));
     std::unordered_map<NameTable::Id, std::uint32_t> sourcesBySpace;
     for (const auto& [document, number] : sources) {
         for (const Index component : set.componentsOf(document))
-            if (met.insert(component).second)
+            if (meet(component))
                 readComponent(component, number);
         sourcesBySpace.try_emplace(tree.documents[document].space, number);
         for (const auto& [prefix, space] : tree.documents[document].prefixes)
             types.prefixes.emplace_back(keep(prefix), keep(space));
     }
+    for (const auto& [element, source] : messages)
+        if (meet(element))
+            addCandidate(element, source);
     for (const CString& root : roots)
         for (const Index component : set.componentsCalled(localNameOf(root)))
-            if (met.insert(component).second || tree[component].tag == SchemaTag::complexType) {
+            if (meet(component) || tree[component].tag == SchemaTag::complexType) {
                 const auto source = sourcesBySpace.find(tree.documentOf(component).space);
                 addCandidate(component, source == sourcesBySpace.end() ? SourceTypes::kNone : source->second);
             }
@@ -86,6 +94,8 @@ void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
     candidate.uri = keep(tree.documentOf(component).space);
     candidate.source = source;
     candidate.space = spaceOf(component);
+    if (const auto message = messageNumbers.find(component); message != messageNumbers.end())
+        candidate.message = message->second;
     candidate.isType = node.tag == SchemaTag::complexType;
     if (candidate.isType) {
         candidate.type = recordOf(component, SourceTypes::kNone);
@@ -196,7 +206,7 @@ SourceTypes::Type SchemaTypes::typeOf(const Value& value, Index declaration, Nam
     const SchemaNode& named = tree[value.named];
     const NameTable::Id name = isNamed ? named.name : fieldName;
     const auto [known, isNew] =
-        enumerations.try_emplace(static_cast<std::uint64_t>(value.firstConstant) << 32 | name, SourceTypes::kNone);
+        enumerations.insert(static_cast<std::uint64_t>(value.firstConstant) << 32 | name, SourceTypes::kNone);
     if (isNew) {
         constants.clear();
         for (const NameTable::Id constant : simple.constantsOf(value))
@@ -206,24 +216,24 @@ SourceTypes::Type SchemaTypes::typeOf(const Value& value, Index declaration, Nam
         if (std::ranges::any_of(said, [](std::uint32_t documentation) { return documentation != 0; }))
             for (const std::uint32_t documentation : said)
                 descriptions.push_back(keepDocumentation(documentation));
-        known->second =
+        known =
             types.addEnumeration(keep(name), constants, isNamed, keepDocumentation(named.documentation),
                                  set.placeOf(value.named), spaceOf(isNamed ? value.named : declaration), descriptions);
     }
-    return {SourceTypes::kindEnumeration, known->second};
+    return {SourceTypes::kindEnumeration, known};
 }
 
 /// The record of a complex type: named like it, else like the element that it is declared in.
 SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index home)
 {
-    const auto [known, isNew] = records.try_emplace(complexType);
+    auto [known, isNew] = records.insert(complexType);
     if (!isNew)
-        return known->second;
+        return known;
     const SchemaNode& node = tree[complexType];
     const SchemaNode& named = node.hasName() ? node : tree[node.parent];
     const Value text = simple.of(complexType);
     if (!text.isThere && contents.of(complexType).empty())
-        return known->second;
+        return known;
     const std::uint32_t said = node.documentation != 0 ? node.documentation : named.documentation;
     const SourceTypes::Index record =
         types.addRecord({keep(named.name), keepDocumentation(said), set.placeOf(complexType),
@@ -233,7 +243,7 @@ SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index ho
         set.note(SourceReport::abstractType, complexType);
     if (text.isMixed)
         set.note(SourceReport::mixedContent, complexType);
-    return known->second = {SourceTypes::kindRecord, record};
+    return known = {SourceTypes::kindRecord, record};
 }
 
 std::string_view SchemaTypes::keep(NameTable::Id name)

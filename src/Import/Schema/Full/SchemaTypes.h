@@ -12,12 +12,13 @@ class SchemaTypes
 {
 public:
     SchemaTypes(SchemaSet& set, SourceTypes& types) :
-        set(set), tree(set.queryTree()), types(types), simple(set), contents(set), derived(set)
+        set(set), tree(set.queryTree()), types(types), simple(set), contents(set), derived(set), records(tree)
     {}
 
     /// Reads what `sources` declare, documents of the set as SchemaSet::finish() tells them. `roots` name elements and
-    /// complex types that are read in any case.
-    void read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots);
+    /// complex types that are read in any case; `messages` become main types.
+    void read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots,
+              const std::vector<SchemaSet::Message>& messages);
 
 private:
     using Index = SchemaNode::Index;
@@ -59,12 +60,13 @@ private:
     SchemaSimpleTypes simple;
     SchemaContents contents;
     DerivedTypes derived;
-    std::vector<Index> choices; // the abstract type of each
+    std::unordered_map<Index, SourceTypes::Index> messageNumbers; // by element
+    std::vector<Index> choices;                                   // the abstract type of each
     std::unordered_map<Index, SourceTypes::Index> choicesByType;
-    std::unordered_set<Index> reported;                   // derived types
-    std::unordered_map<Index, SourceTypes::Type> records; // by complex type; text for one that holds nothing
+    std::unordered_set<Index> reported;   // derived types
+    NodeTable<SourceTypes::Type> records; // by complex type; text for one that holds nothing
     std::vector<Pending> pending;
-    std::unordered_map<std::uint64_t, SourceTypes::Index> enumerations; // by first constant and name
+    NumberTable enumerations;                      // by first constant and name
     std::unordered_map<Index, Declared> fromHeads; // elements that have the type of their substitution group's head
     Declared lastDeclared;
     std::vector<std::string_view> keptNames;

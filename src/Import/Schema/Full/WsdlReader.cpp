@@ -7,27 +7,23 @@ namespace {
 
 constexpr std::size_t kMaxReplayed = 1'000'000;
 
-bool isWsdlNamespace(const char* uri)
-{
-    const std::string_view space = uri ? uri : "";
-    return space == "http://schemas.xmlsoap.org/wsdl/" || space == "http://www.w3.org/ns/wsdl" ||
-           space == "http://www.w3.org/2006/01/wsdl";
-}
-
-std::string_view valueOf(XmlAttributes attributes, std::string_view name)
-{
-    for (std::size_t i = 0; i < attributes.size(); ++i)
-        if (!attributes[i].name.prefix && attributes[i].name.local == name)
-            return trimmed(attributes[i].value);
-    return {};
-}
-
 std::string_view textOf(const unsigned char* text)
 {
     return text ? reinterpret_cast<const char*>(text) : "";
 }
 
+bool isStatement(const XmlScope& scope)
+{
+    return scope.uri && isWsdlNamespace(scope.uri);
+}
+
 } // namespace
+
+bool isWsdlNamespace(std::string_view uri)
+{
+    return uri == "http://schemas.xmlsoap.org/wsdl/" || uri == "http://www.w3.org/ns/wsdl" ||
+           uri == "http://www.w3.org/2006/01/wsdl";
+}
 
 WsdlReader::WsdlReader(SchemaTree& tree, SourceReport& report) :
     tree(tree), report(report), document(static_cast<std::uint32_t>(tree.documents.size() - 1)),
@@ -50,13 +46,27 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
     }
     const std::string_view local = name.local;
     if (open.empty())
-        isWsdl = isWsdlNamespace(begun.uri) && (local == "definitions" || local == "description");
+        isWsdl = isStatement(begun) && (local == "definitions" || local == "description");
     if (!isWsdl || (local == "schema" && schemaEditionOf(begun.uri) != SchemaEdition::none))
         return beginSchema(name, attributes);
     open.push_back(declared.size());
     declared.insert(declared.end(), ownDeclared.begin(), ownDeclared.end());
-    if (isWsdlNamespace(begun.uri))
+    if (open.size() == 2)
+        isInTypes = isStatement(begun) && local == "types";
+    if (isStatement(begun))
         readStatement(local, attributes);
+    else if (isInTypes && open.size() == 3)
+        readOther(name, attributes);
+}
+
+/// What stands among the schemas: an import of one, as WSDL 2.0 has it, or another language.
+void WsdlReader::readOther(XmlName name, XmlAttributes attributes)
+{
+    const bool isImport = schemaEditionOf(begun.uri) != SchemaEdition::none && name.local == std::string_view("import");
+    if (isImport)
+        addImport(attributes.valueOf("schemaLocation"), attributes.valueOf("namespace"), here());
+    else
+        report.add(SourceReport::declarationPassedOver, here(), name.local);
 }
 
 /// A schema of a WSDL knows the prefixes that are declared around it.
@@ -68,7 +78,7 @@ void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes)
         made.file = tree.documents[document].file;
         replayed += declared.size() / 2;
         if (replayed > kMaxReplayed)
-            throw XmlRefusal{"more than 1000000 prefixes around the schemas of a WSDL"};
+            throw XmlRefusal{"more than " + std::to_string(kMaxReplayed) + " prefixes around the schemas of a WSDL"};
         schema = std::make_unique<SchemaReader>(tree, report);
         schema->scope({nullptr, declared.data(), declared.size() / 2, begun.place});
     }
@@ -107,30 +117,69 @@ void WsdlReader::entityLeftOut(std::string_view name, XmlPlace place)
         schema->entityLeftOut(name, place);
 }
 
+/// The place of the element that begins.
+SourcePlace WsdlReader::here() const
+{
+    return {tree.documents[document].file, static_cast<std::uint32_t>(begun.place.line),
+            static_cast<std::uint32_t>(begun.place.column)};
+}
+
 void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
 {
-    const SourcePlace place{tree.documents[document].file, static_cast<std::uint32_t>(begun.place.line),
-                            static_cast<std::uint32_t>(begun.place.column)};
-    const SchemaName element = resolve(valueOf(attributes, "element"));
-    if (open.size() == 1) {
-        target = tree.names.intern(valueOf(attributes, "targetNamespace"));
-    } else if (local == "import" || local == "include") {
-        if (const std::string_view location = valueOf(attributes, "location"); !location.empty())
-            imports.push_back({CString(location), place});
-    } else if (local == "message") {
-        message = tree.names.intern(valueOf(attributes, "name"));
-    } else if (local == "part" && message != 0) {
-        const std::string_view name = valueOf(attributes, "name");
-        const SchemaName type = resolve(valueOf(attributes, "type"));
-        if (element.local == 0 && type.local == 0)
-            report.add(SourceReport::unresolvedReference, place, name);
-        else if (type.local != 0 && !isXmlName(name))
-            report.add(SourceReport::nameMissing, place, "part");
-        else
-            parts.push_back({message, tree.names.intern(name), element, type, place});
-    } else if ((local == "input" || local == "output" || local == "fault") && element.local != 0) {
-        parts.push_back({0, 0, element, {}, place}); // of WSDL 2.0
-    }
+    const SourcePlace place = here();
+    if (open.size() == 1)
+        target = tree.names.intern(attributes.valueOf("targetNamespace"));
+    if (open.size() == 2)
+        message = 0;
+    if (open.size() == 2 && (local == "import" || local == "include"))
+        addImport(attributes.valueOf("location"), attributes.valueOf("namespace"), place);
+    else if (open.size() == 2 && local == "message")
+        beginMessage(attributes.valueOf("name"), place);
+    else if (open.size() == 3 && local == "part" && message != 0)
+        readPart(attributes, place);
+    else if (local == "input" || local == "output" || local == "fault")
+        readContent(local, attributes, place);
+}
+
+void WsdlReader::addImport(std::string_view location, std::string_view space, SourcePlace place)
+{
+    if (!location.empty())
+        imports.push_back({CString(location), CString(space), place});
+}
+
+/// Of two messages of one name the first one holds.
+void WsdlReader::beginMessage(std::string_view name, SourcePlace place)
+{
+    const NameTable::Id id = tree.names.intern(name);
+    if (!messageNames.insert(id).second)
+        return report.add(SourceReport::declaredTwice, place, name);
+    message = static_cast<std::uint32_t>(messages.size());
+    messages.push_back(id);
+}
+
+void WsdlReader::readPart(XmlAttributes attributes, SourcePlace place)
+{
+    const std::string_view name = attributes.valueOf("name");
+    const SchemaName element = resolve(attributes.valueOf("element"));
+    const SchemaName type = resolve(attributes.valueOf("type"));
+    if (element.local == 0 && type.local == 0)
+        report.add(SourceReport::unresolvedReference, place, name);
+    else if (type.local != 0 && !isXmlName(name))
+        report.add(SourceReport::nameMissing, place, "part");
+    else
+        parts.push_back({message, tree.names.intern(name), element, type, place});
+}
+
+/// What a message of WSDL 2.0 holds: an element, or by a word starting with "#" none, any one, or no XML.
+void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, SourcePlace place)
+{
+    const std::string_view content = attributes.valueOf("element");
+    if (const SchemaName element = resolve(content); element.local != 0)
+        parts.push_back({0, 0, element, {}, place});
+    else if (content == "#any")
+        report.add(SourceReport::anyElement, place, local);
+    else if (!content.empty() && content != "#none")
+        report.add(SourceReport::declarationPassedOver, place, CString(local) + " " + CString(content));
 }
 
 /// What a QName means here. None for one that isn't there, "#any" and its like, and for an undeclared prefix.
@@ -164,8 +213,8 @@ void WsdlReader::finish()
     makeMessages();
 }
 
-/// A message of one element is that element. One whose parts have types is a record of them, made as a schema would
-/// declare it.
+/// A message of one element is that element. One whose parts have types is an element that holds them, made as a schema
+/// would declare it, but that a schema's own may be called like it.
 void WsdlReader::makeMessages()
 {
     SchemaDocument made;
@@ -173,39 +222,36 @@ void WsdlReader::makeMessages()
     made.file = tree.documents[document].file;
     made.space = target;
     made.hasTarget = target != 0;
-    const auto number = static_cast<std::uint32_t>(tree.documents.size());
-    Index lastMessage = 0;
+    tree.documents.push_back(made);
     for (std::size_t first = 0, end; first < parts.size(); first = end) {
-        const NameTable::Id name = parts[first].message;
-        for (end = first + 1; end < parts.size() && name != 0 && parts[end].message == name;)
+        const std::uint32_t number = parts[first].message;
+        for (end = first + 1; end < parts.size() && number != 0 && parts[end].message == number;)
             ++end;
         const auto own = std::span(parts).subspan(first, end - first);
-        if (std::ranges::none_of(own, [](const Part& part) { return part.type.local != 0; })) {
+        if (std::ranges::none_of(own, [](const Part& part) { return part.type.local != 0; }))
             for (const Part& part : own)
                 roots.push_back({part.element, part.place});
-            continue;
-        }
-        if (made.root == 0) {
-            tree.documents.push_back(made);
-            made.root = tree.documents[number].root = addNode(SchemaTag::schema, 0, 0, own.front());
-        }
-        lastMessage = addNode(SchemaTag::element, made.root, lastMessage, own.front());
-        tree.nodes[lastMessage].name = name;
-        roots.push_back({{target, name}, own.front().place});
-        const Index type = addNode(SchemaTag::complexType, lastMessage, 0, own.front());
-        const Index sequence = addNode(SchemaTag::sequence, type, 0, own.front());
-        Index last = 0;
-        for (const Part& part : own) {
-            last = addNode(SchemaTag::element, sequence, last, part);
-            SchemaNode& node = tree.nodes[last];
-            const bool isReference = part.type.local == 0;
-            node.name = isReference ? 0 : part.name;
-            node.reference = isReference ? part.element : part.type;
-            node.flags = isReference ? SchemaNode::isReference : 0;
-        }
+        else
+            roots.push_back({{target, messages[number]}, own.front().place, makeMessage(own, messages[number])});
     }
-    if (made.root != 0)
-        tree.documents[number].end = static_cast<Index>(tree.size());
+}
+
+WsdlReader::Index WsdlReader::makeMessage(std::span<const Part> own, NameTable::Id name)
+{
+    const Index element = addNode(SchemaTag::element, 0, 0, own.front());
+    tree.nodes[element].name = name;
+    const Index type = addNode(SchemaTag::complexType, element, 0, own.front());
+    const Index sequence = addNode(SchemaTag::sequence, type, 0, own.front());
+    Index last = 0;
+    for (const Part& part : own) {
+        last = addNode(SchemaTag::element, sequence, last, part);
+        SchemaNode& node = tree.nodes[last];
+        const bool isReference = part.type.local == 0;
+        node.name = isReference ? 0 : part.name;
+        node.reference = isReference ? part.element : part.type;
+        node.flags = isReference ? SchemaNode::isReference : 0;
+    }
+    return element;
 }
 
 WsdlReader::Index WsdlReader::addNode(SchemaTag tag, Index parent, Index before, const Part& part)

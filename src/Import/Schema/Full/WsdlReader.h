@@ -3,6 +3,11 @@
 #include "Import/Schema/Full/SchemaReader.h"
 
 #include <memory>
+#include <span>
+#include <unordered_set>
+
+/// Whether this is the namespace of WSDL 1.1, 2.0, or a draft of that.
+bool isWsdlNamespace(std::string_view uri);
 
 /// Reads a file into the tree: a schema, or the schemas and messages of a WSDL (https://www.w3.org/TR/wsdl,
 /// https://www.w3.org/TR/wsdl20/), each schema as a document of its own behind an empty one for the file.
@@ -33,6 +38,7 @@ public:
     {
         SchemaName name;
         SourcePlace place;
+        SchemaNode::Index made = 0; ///< that one, if it was made of a message's parts; no schema declares it
     };
     const std::vector<Root>& queryRoots() const { return roots; }
 
@@ -40,6 +46,7 @@ public:
     struct Import
     {
         CString location;
+        CString space;
         SourcePlace place;
     };
     const std::vector<Import>& queryImports() const { return imports; }
@@ -50,7 +57,7 @@ private:
     // A part of a message, of an element or else of a type.
     struct Part
     {
-        NameTable::Id message;
+        std::uint32_t message; // its number; 0: the part is one by itself
         NameTable::Id name;
         SchemaName element;
         SchemaName type;
@@ -60,10 +67,16 @@ private:
     void beginSchema(XmlName name, XmlAttributes attributes);
     void endSchema();
     void readStatement(std::string_view local, XmlAttributes attributes);
-    void addRoot(SchemaName name);
+    void readOther(XmlName name, XmlAttributes attributes);
+    void addImport(std::string_view location, std::string_view space, SourcePlace place);
+    void beginMessage(std::string_view name, SourcePlace place);
+    void readPart(XmlAttributes attributes, SourcePlace place);
+    void readContent(std::string_view local, XmlAttributes attributes, SourcePlace place);
     void makeMessages();
+    Index makeMessage(std::span<const Part> own, NameTable::Id name);
     Index addNode(SchemaTag tag, Index parent, Index before, const Part& part);
     SchemaName resolve(std::string_view qualified) const;
+    SourcePlace here() const;
 
     SchemaTree& tree;
     SourceReport& report;
@@ -73,12 +86,15 @@ private:
     std::size_t depth = 0;                // of open elements in it
     std::vector<std::unique_ptr<SchemaReader>> finished;
     bool isWsdl = false;
+    bool isInTypes = false;                        // the last statement at the top
     std::vector<std::size_t> open;                 // elements around schemas: how many declarations there were
     std::vector<const unsigned char*> declared;    // prefixes and URIs of those
     std::vector<const unsigned char*> ownDeclared; // of the element that begins
     XmlScope begun{};                              // that element
     NameTable::Id target = 0;
-    NameTable::Id message = 0; // that is open
+    std::vector<NameTable::Id> messages{0}; // by number
+    std::unordered_set<NameTable::Id> messageNames;
+    std::uint32_t message = 0; // that is open
     std::vector<Part> parts;
     std::vector<Root> roots;
     std::vector<Import> imports;

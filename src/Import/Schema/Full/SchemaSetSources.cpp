@@ -1,0 +1,120 @@
+// The files that an import was given, and those that a WSDL among them imports.
+#include "Import/Full/DocumentLinks.h"
+#include "Import/Schema/Full/SchemaSet.h"
+#include "Import/Schema/SchemaDocuments.h"
+
+#include <unordered_set>
+
+void SchemaSet::load(const CString& fileName)
+{
+    std::vector<SourceFile> files{{fileName, fileName, {}, {}}};
+    for (std::size_t i = 0; i < files.size(); ++i)
+        loadOne(SourceFile(files[i]), files);
+    ++loads;
+}
+
+/// Reads one file, and adds those that it imports, as a WSDL.
+void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
+{
+    const auto id = identify(file.name);
+    if (id && parsed.contains(*id)) {
+        loaded.push_back({parsed.at(*id), loads});
+        return;
+    }
+    const auto document = static_cast<std::uint32_t>(tree.documents.size());
+    const std::vector<WsdlReader::Import> imports = readSource(file);
+    loaded.push_back({document, loads});
+    if (id)
+        parsed.emplace(*id, document);
+    if (id && tree.documents[document].root != 0)
+        entered.emplace(std::pair(*id, tree.documents[document].space), document);
+    const auto end = static_cast<std::uint32_t>(tree.documents.size()); // of a WSDL's schemas
+    for (std::uint32_t at = document; at < end; ++at) {
+        if (at > document)
+            loaded.push_back({at, loads});
+        if (tree.documents[at].root != 0)
+            followAll(at);
+    }
+    const CString folder = tree.documents[document].folder;
+    for (const WsdlReader::Import& import : imports) {
+        CString path;
+        if (const auto found = locate({import.location, folder, import.space}, path))
+            files.push_back(
+                {found->name, shownFrom(file.shownName, folder, path, *found), import.place, import.location});
+        else
+            report.add(path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing, import.place,
+                       import.location);
+    }
+}
+
+/// Reads a file, and returns what it imports, as a WSDL. One that a WSDL names and that is no schema is left out.
+std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
+{
+    const bool isGiven = file.location.empty();
+    const auto number = static_cast<std::uint32_t>(tree.documents.size());
+    const auto first = static_cast<Index>(tree.size());
+    SchemaDocument& document = tree.documents.emplace_back();
+    document.folder = folderOf(file.name);
+    document.file = report.addFile(file.shownName);
+    WsdlReader reader(tree, report);
+    XmlDocument xml;
+    const bool isRead = xml.streamFile(file.name, reader, isGiven ? kAnySize : kMaxNamedFile) != 0;
+    if (!isRead && isGiven)
+        throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
+    if (isRead)
+        reader.finish();
+    const bool isSchema = isRead && (reader.holdsWsdl() || tree.documents[number].root != 0);
+    if (!isSchema && isGiven && number > 0)
+        throw SourceRefusal{file.name + " is no schema.", {file.name, "it is no schema"}};
+    for (std::uint32_t at = number; at < tree.documents.size(); ++at)
+        firstOfFile.push_back(at);
+    if (!isSchema && !isGiven) {
+        if (isRead)
+            report.add(SourceReport::moduleUnreadable, file.namedAt, file.location);
+        else
+            reportUnread({tree.documents[number].file, file.namedAt, file.location}, xml, report);
+        for (std::uint32_t at = number; at < tree.documents.size(); ++at)
+            tree.documents[at].root = 0;
+        tree.dropFrom(first);
+        return {};
+    }
+    for (const auto& [node, name] : reader.queryImpossibleNames())
+        note(SourceReport::impossibleName, node, name);
+    hasWsdl = hasWsdl || reader.holdsWsdl();
+    for (const WsdlReader::Root& root : reader.queryRoots())
+        messages.emplace_back(root, loads);
+    return reader.queryImports();
+}
+
+std::vector<SchemaSet::Message> SchemaSet::findMessages()
+{
+    std::vector<Message> found;
+    std::unordered_set<Index> met;
+    for (const auto& [root, source] : messages) {
+        const Index declared = root.made != 0 ? root.made : find(element, root.name, 0);
+        if (declared == 0)
+            report.add(SourceReport::unresolvedReference, root.place, tree.text(root.name.local));
+        else if (met.insert(declared).second)
+            found.push_back({declared, source});
+    }
+    return found;
+}
+
+std::vector<SchemaSet::Source> SchemaSet::finish()
+{
+    collectMembers();
+    std::unordered_set<NameTable::Id> met;
+    for (const SchemaDocument& document : tree.documents)
+        if (document.root != 0 && met.insert(document.space).second)
+            spaces.push_back(document.space);
+    DocumentLinks links; // between files, each by its first document
+    for (const auto& [reference, document] : documentsByReference)
+        links.add(firstOfFile[tree[reference].document], firstOfFile[document]);
+    std::vector<std::uint32_t> documents;
+    for (const Source& source : loaded)
+        documents.push_back(source.document);
+    std::vector<Source> sources;
+    for (const std::size_t top : links.findTops(documents))
+        sources.push_back(loaded[top]);
+    return sources;
+}
