@@ -66,6 +66,7 @@ const char* FullOptions::optionOfFull() const
            : !layout.empty()   ? "--folders"
            : !folders.empty()  ? "--folder"
            : !name.empty()     ? "--name"
+           : mergesEqual       ? "--merge-equal"
            : !catalogs.empty() ? "--catalog"
                                : "";
 }
@@ -73,7 +74,7 @@ const char* FullOptions::optionOfFull() const
 CString FullOptions::mistakeFor(std::size_t sourceCount) const
 {
     const bool isByNamespace = layout == "namespace" || (layout.empty() && sourceCount > 1);
-    const CString option = !folders.empty() ? "--folder" : "";
+    const CString option = mergesEqual ? "--merge-equal" : !folders.empty() ? "--folder" : "";
     return option.empty() || isByNamespace ? "" : option + " requires --folders namespace";
 }
 
@@ -91,6 +92,7 @@ void addFullOptions(CLI::App& app, FullOptions& options)
            "With --full: place this namespace there (repeats)")
         ->type_name("URI=NAME")
         ->allow_extra_args(false);
+    app.add_flag("--merge-equal", options.mergesEqual, "With --folders namespace: put equal types into one folder");
     app.add_option("--catalog", options.catalogs, "With --full: find documents by this XML catalogue (repeats)")
         ->type_name("FILE")
         ->allow_extra_args(false);
@@ -111,6 +113,7 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
         return message;
     full->setRoots(options.roots);
     full->setName(options.name);
+    full->setMergesEqual(options.mergesEqual);
     if (!options.layout.empty())
         full->setLayout(options.layout == "main" ? FullMessage::Layout::byMainType : FullMessage::Layout::byNamespace);
     for (const auto& [uri, folder] : options.folders)

@@ -19,6 +19,7 @@ struct FullOptions
     std::vector<CString> roots;                        ///< the main types; empty: the source's own choice
     CString layout;                                    ///< "main", "namespace", or "" for what is usual
     std::map<CString, CString> folders;                ///< by namespace
+    bool mergesEqual = false;                          ///< types of several namespaces
     CString name;                                      ///< of the whole; "": the main type's
     std::vector<CString> catalogs;                     ///< files
     std::vector<std::pair<CString, CString>> entities; ///< of parameters, with their values

@@ -197,6 +197,10 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
         {"$import dtd --full r.dtd --folder u", {2, "", mistake("--folder: it takes URI=NAME")}},
         {"$import dtd --full r.dtd --folder u=v", {2, "", mistake("--folder requires --folders namespace")}},
+        {"$import dtd --full set/1.dtd r.dtd --folders main --merge-equal",
+         {2, "", mistake("--merge-equal requires --folders namespace")}},
+        {"$import dtd --full r.dtd set/1.dtd --merge-equal -l -b a -q | cut -f 1",
+         {0, "a\\s\na\\t_b\na\\r\na\\r1\n", ""}},
 
         // Catalogues, and entities in front of a DTD.
         {"XML_CATALOG_FILES=none $import dtd --full r.dtd -l",

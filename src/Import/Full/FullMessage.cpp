@@ -2,6 +2,7 @@
 
 #include "Base/Fingerprint.h"
 #include "Base/Progress.h"
+#include "Import/Full/EqualTypes.h"
 #include "Import/Full/MainElement.h"
 #include "Import/Full/RootNames.h"
 #include "Import/Full/SourceNames.h"
@@ -120,7 +121,9 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     if (types.empty())
         throw SourceRefusal{fileName + " declares no element, type or enumeration.",
                             {"", "it declares no element, type or enumeration"}};
-    const MainTypes main = chooseMain(types, fileName);
+    MainTypes main = chooseMain(types, fileName);
+    if (bySpace && mergesEqual)
+        mergeEqualTypes(types, main.records);
     RecordOrder order(types);
     for (const Index record : main.records)
         order.visit(record);

@@ -40,6 +40,10 @@ public:
     /// The folder for the types of a namespace, where they lie by namespace; "" is the base path itself.
     void setFolder(const CString& uri, const CString& folder) { folders[uri] = folder; }
 
+    /// Whether types of the same name and content in several namespaces become one, in the folder `common`, where they
+    /// lie by namespace.
+    void setMergesEqual(bool on) { mergesEqual = on; }
+
     /// The name of the whole, instead of the first main type's; "" for that one.
     void setName(const CString& name) { givenName = name; }
 
@@ -103,6 +107,7 @@ private:
     std::vector<CString> roots;
     Layout layout = Layout::automatic;
     SourceTypes::Folders folders;
+    bool mergesEqual = false;
     CString givenName;
     CString mainType;
     std::vector<CString> mainTypes;

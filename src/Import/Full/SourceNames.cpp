@@ -2,6 +2,9 @@
 
 #include "Base/Progress.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 constexpr std::size_t kFewFields = 16;
@@ -64,11 +67,25 @@ void SourceNames::name(const std::vector<Index>& order, std::span<const Index> f
         for (Index record = 0; record < types.records.size(); ++record)
             if (isWanted[record] && isOwn[types.records[record].place.file] == isOwnTurn)
                 nameRecord(record);
+    if (types.common != SourceTypes::kNone)
+        findSharedTables(order);
     CancelPoint cancelPoint(1024);
     for (const Index record : order) {
         cancelPoint.pass();
         nameFields(record);
     }
+}
+
+void SourceNames::findSharedTables(const std::vector<Index>& order)
+{
+    std::unordered_map<TableKey, Index, TableHash> firstSpaces;
+    for (const Index record : order)
+        for (const Field& field : std::as_const(types).fieldsOf(record)) {
+            const TableKey key{field.name, field.type, 0};
+            const Index space = types.records[record].space;
+            if (field.repeats > 0 && firstSpaces.try_emplace(key, space).first->second != space)
+                sharedTables.insert(key);
+        }
 }
 
 void SourceNames::nameRecord(Index index)
@@ -105,9 +122,11 @@ void SourceNames::nameType(Field& field, Index record)
 {
     if (field.type.kind == SourceTypes::kindEnumeration)
         nameEnumeration(field.type.index, types.records[record].place, record);
+    const bool isShared = field.repeats > 0 && sharedTables.contains({field.name, field.type, 0});
+    const Index space = isShared ? types.common : types.records[record].space;
     CString prefix;
     for (std::uint16_t depth = 0; depth < field.repeats; ++depth)
-        nameTable(field, prefix += kTablePrefix, record);
+        nameTable(field, prefix += kTablePrefix, record, space);
 }
 
 void SourceNames::nameUnused()
@@ -130,9 +149,8 @@ void SourceNames::nameEnumeration(Index index, SourcePlace place, Index home)
 }
 
 // `prefix` has a "t_" for each table inside each other.
-void SourceNames::nameTable(Field& field, std::string_view prefix, Index record)
+void SourceNames::nameTable(Field& field, std::string_view prefix, Index record, Index space)
 {
-    const Index space = types.records[record].space;
     const auto [known, isNew] =
         tables.try_emplace({field.name, field.type, space}, static_cast<Index>(types.tables.size()));
     if (isNew)

@@ -52,11 +52,12 @@ private:
         std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
     };
 
+    void findSharedTables(const std::vector<Index>& order);
     void nameRecord(Index record);
     void nameFields(Index record);
     void nameType(Field& field, Index record);
     void nameEnumeration(Index enumeration, SourcePlace place, Index home);
-    void nameTable(Field& field, std::string_view prefix, Index record);
+    void nameTable(Field& field, std::string_view prefix, Index record, Index space);
     std::string_view unique(std::string_view prefix, std::string_view name, Index home, Index space);
     void noteChange(SourcePlace place, std::string_view from, std::string_view to);
 
@@ -64,5 +65,6 @@ private:
     SourceReport& report;
     std::vector<Space> spaces;
     std::unordered_map<TableKey, Index, TableHash> tables;
-    std::vector<bool> isNamed; // by enumeration
+    std::unordered_set<TableKey, TableHash> sharedTables; // of several namespaces, under 0 for each
+    std::vector<bool> isNamed;                            // by enumeration
 };

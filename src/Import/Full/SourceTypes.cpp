@@ -31,15 +31,46 @@ SourceTypes::Index SourceTypes::spaceOf(std::string_view uri)
         return known->second;
     const std::string_view kept = keep(uri);
     const auto given = folders->find(CString(uri));
-    const CString folder = given == folders->end() ? CString() : given->second;
-    std::size_t space = 0;
-    if (!folder.empty())
-        space = static_cast<std::size_t>(std::ranges::find(spaces, folder, &Space::folder) - spaces.begin());
-    else if (given == folders->end() && !uri.empty())
-        space = spaces.size();
-    if (space == spaces.size())
-        spaces.push_back({kept, folder});
-    return spacesByUri.emplace(kept, static_cast<Index>(space)).first->second;
+    Index space = 0;
+    if (given != folders->end()) {
+        space = spaceIn(given->second);
+    } else if (!uri.empty()) {
+        space = static_cast<Index>(spaces.size());
+        spaces.push_back({kept, {}});
+    }
+    return spacesByUri.emplace(kept, space).first->second;
+}
+
+SourceTypes::Index SourceTypes::spaceIn(const CString& folder)
+{
+    if (folder.empty())
+        return 0;
+    const auto known = std::ranges::find(spaces, folder, &Space::folder);
+    if (known != spaces.end())
+        return static_cast<Index>(known - spaces.begin());
+    spaces.push_back({{}, folder});
+    return static_cast<Index>(spaces.size() - 1);
+}
+
+void SourceTypes::renumber(std::span<const Index> newRecords, std::span<const Index> newEnumerations)
+{
+    const auto renumberType = [&](Type& type) {
+        if (type.kind == kindRecord)
+            type.index = newRecords[type.index];
+        else if (type.kind == kindEnumeration)
+            type.index = newEnumerations[type.index];
+    };
+    for (Field& field : fields)
+        renumberType(field.type);
+    for (Candidate& candidate : candidates)
+        renumberType(candidate.type);
+    for (Record& record : records)
+        record.home = record.home == kNone ? kNone : newRecords[record.home];
+    for (std::vector<Index>& choice : choices)
+        for (Index& record : choice)
+            record = newRecords[record];
+    for (auto& [record, choice] : choosers)
+        record = newRecords[record];
 }
 
 SourceTypes::Index SourceTypes::addRecord(const Record& record)

@@ -120,6 +120,12 @@ public:
     /// all namespaces are kept together.
     Index spaceOf(std::string_view uri);
 
+    /// The namespace whose types lie in a folder, which is made where there is none.
+    Index spaceIn(const CString& folder);
+
+    /// Gives each record and each enumeration the number that it has in these, wherever one is referred to.
+    void renumber(std::span<const Index> newRecords, std::span<const Index> newEnumerations);
+
     /// A copy of `text` that lives as long as the types.
     std::string_view keep(std::string_view text);
 
@@ -191,6 +197,7 @@ public:
     std::vector<std::vector<Index>> choices;       ///< the records that may stand for one of an abstract type
     std::vector<std::pair<Index, Index>> choosers; ///< records, each with a choice that its fields offer
     std::vector<Space> spaces{{}};
+    Index common = kNone; ///< the one for what several declare alike, if that is to be one type
     std::vector<std::pair<std::string_view, std::string_view>>
         prefixes{}; ///< that the sources declare, with their URIs
 
