@@ -138,9 +138,10 @@ bool CreationRun::isOpen(const CreatedType& outcome) const
 void CreationRun::settle(const Element& type, const CString& document, CreatedType outcome)
 {
     try {
-        if (isOpen(outcome) && isCancelled)
+        if (!isCancelled)
+            outcome = decide(type, document, std::move(outcome));
+        if (isCancelled && isOpen(outcome))
             return addLeft(type);
-        outcome = decide(type, document, std::move(outcome));
     } catch (const ClientError& error) {
         return addFailure(type, error.what());
     }
@@ -161,7 +162,8 @@ CreatedType CreationRun::decide(const Element& type, const CString& document, Cr
         const OverwriteChoice choice = callbacks.ask(overwriteQuestion(type), detailsOf(outcome));
         yesToAll |= choice == OverwriteChoice::yesToAll;
         noToAll |= choice == OverwriteChoice::noToAll;
-        if (choice == OverwriteChoice::no || choice == OverwriteChoice::noToAll)
+        isCancelled |= choice == OverwriteChoice::stop;
+        if (choice != OverwriteChoice::yes && choice != OverwriteChoice::yesToAll)
             break;
         const VornExisting yes = yesToAll ? VornExisting::replace : VornExisting::replaceFound;
         outcome =

@@ -14,13 +14,15 @@
 class Element;
 class MsgBase;
 
-/// The answers to the question whether an existing type is to be replaced, as the overwrite dialog numbers them.
+/// The answers to the question whether an existing type is to be replaced, as the overwrite dialog numbers them. `stop`
+/// ends the run: neither this type nor any after it is created.
 enum class OverwriteChoice : int
 {
     yes = 0,
     yesToAll = 1,
     no = 2,
-    noToAll = 3
+    noToAll = 3,
+    stop = 4
 };
 
 /// What a creation run is to do.
@@ -40,7 +42,8 @@ struct OtherSource
 };
 
 /// Creates the types of one import in a broker's repository, in their order. A type that fails doesn't stop it. If the
-/// handler of its progress says no, the types that are left get a line each, and no more.
+/// handler of its progress says no, or a question is answered with `stop`, the types that are left get a line each, and
+/// no more.
 class CreationRun
 {
 public:
@@ -57,7 +60,7 @@ public:
     /// Creates every type of `message`, in enumeration order, and answers how many failed. To all holds for this run.
     int run(MsgBase& message);
 
-    /// Whether the last run has left types out because nobody wanted it to go on.
+    /// Whether the last run has left types out because it was cancelled or stopped.
     bool wasCancelled() const { return isCancelled; }
 
     /// The other sources that the last run has met, in the order in which it met them.

@@ -52,6 +52,10 @@ enum ControlId : int
     IDC_FAILURES_ONLY = 1112,
     IDC_COPY = 1113,
     IDC_SAVE = 1114,
+    IDC_STOP = 1121, // of the overwrite dialog
+    IDC_SELECTED_COUNT = 1122,
+    IDC_SELECTED_ONLY = 1123,
+    IDC_HINT = 1124,
     IDC_SOURCE_USER = 1101, // of the logon dialog of a data source
     IDC_SOURCE_PASSWORD = 1102,
     IDC_FULL_READING = 1103,

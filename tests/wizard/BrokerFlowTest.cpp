@@ -202,6 +202,10 @@ TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
         {{IDC_YES, IDC_NO, 0}, {"a modifed", "b skipped", "r skipped"}, " --overwrite=ask"},
         {{IDC_YES_TO_ALL}, {"a modifed", "b modifed", "r modifed"}, " --overwrite=all"},
         {{IDC_NO, IDC_NO_TO_ALL}, {"a skipped", "b skipped", "r skipped"}, " --overwrite=ask"},
+        {{IDC_YES, IDC_STOP},
+         {"a modifed", "b not created, since the creation was cancelled",
+          "r not created, since the creation was cancelled"},
+         " --overwrite=ask"},
     };
     BrokerDesk desk;
     desk.logOn("local", "1", nullptr, "");

@@ -23,6 +23,7 @@ OverWriteDlg::OverWriteDlg(CWnd* owner) : QDialog(owner)
     addButton(IDC_YES_TO_ALL, "Yes to &all", &OverWriteDlg::OnYestoall);
     addButton(IDC_NO, "&No", &OverWriteDlg::OnNo);
     addButton(IDC_NO_TO_ALL, "No &to all", &OverWriteDlg::OnNotoall);
+    addButton(IDC_STOP, "&Stop", &OverWriteDlg::OnStop);
 }
 
 void OverWriteDlg::addButton(int id, const char* label, void (OverWriteDlg::*handler)())
@@ -32,7 +33,8 @@ void OverWriteDlg::addButton(int id, const char* label, void (OverWriteDlg::*han
     button->setAutoDefault(false);
     button->setDefault(id == IDC_NO);
     connect(button, &QPushButton::clicked, this, handler);
-    static_cast<QGridLayout*>(layout())->addWidget(button, 1, id - IDC_YES);
+    auto* grid = static_cast<QGridLayout*>(layout());
+    grid->addWidget(button, 1, grid->count());
     if (id == IDC_NO)
         button->setFocus();
 }
@@ -42,7 +44,7 @@ int OverWriteDlg::DoModal()
     auto* question =
         new MessageTexts(toUi(text), toUi(details)); // which breaks a long name, and scrolls where it is too long yet
     question->setObjectName(QString::number(IDC_OVERWRITE_TEXT));
-    static_cast<QGridLayout*>(layout())->addWidget(question, 0, 0, 1, 4);
+    static_cast<QGridLayout*>(layout())->addWidget(question, 0, 0, 1, -1);
     setAccessibleDescription(question->wholeText());
     const QSize room = screen()->availableSize();
     const int letter = fontMetrics().averageCharWidth(); // 4 dialog units

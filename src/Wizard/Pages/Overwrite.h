@@ -18,6 +18,7 @@ public:
     void OnYestoall() { answer(OverwriteChoice::yesToAll); }
     void OnNo() { answer(OverwriteChoice::no); }
     void OnNotoall() { answer(OverwriteChoice::noToAll); }
+    void OnStop() { answer(OverwriteChoice::stop); }
 
     OverwriteChoice choice = OverwriteChoice::no;
     CString text;    ///< the question
