@@ -6,6 +6,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -16,7 +17,7 @@ using std::chrono::steady_clock;
 namespace {
 
 constexpr milliseconds kAtHand(50); // the window is not missed for so long
-constexpr milliseconds kShown(300); // from here on the work is shown
+constexpr milliseconds kShown(500); // from here on the work is shown
 constexpr milliseconds kRefresh(100);
 
 LongWork* current = nullptr; // set and read in the window's thread, and by its work
@@ -215,6 +216,8 @@ bool LongWork::eventFilter(QObject* target, QEvent* event)
         return false;
     if (event->type() == QEvent::Close || isEscape(*event))
         cancel();
-    event->setAccepted(event->type() != QEvent::Close && event->type() != QEvent::DragEnter);
+    // A key that a widget behind the button takes for itself is no letter of the button's any more.
+    static constexpr QEvent::Type declined[] = {QEvent::Close, QEvent::DragEnter, QEvent::ShortcutOverride};
+    event->setAccepted(std::find(std::begin(declined), std::end(declined), event->type()) == std::end(declined));
     return true;
 }

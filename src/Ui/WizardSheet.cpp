@@ -31,10 +31,12 @@
 
 namespace {
 
-constexpr const char* kBack = "< &Back";
-constexpr const char* kNext = "&Next >";
-constexpr const char* kFinish = "&Finish";
+// These letters are the same on every page, so no page has a control with one of them.
+constexpr const char* kBack = "< Bac&k";
+constexpr const char* kNext = "Ne&xt >";
 constexpr const char* kCancel = "&Cancel";
+
+constexpr const char* kFinish = "&Finish";
 constexpr const char* kHelp = "&Help";
 
 // A dialog unit is a quarter of the average width of the letters and an eighth of the font's height. What a font gives
@@ -182,17 +184,18 @@ void WizardSheet::reject()
         QDialog::reject();
 }
 
-void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBar)
+void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBar, const QString& server)
 {
+    pace = {};
     LongWork inHand(*cancelButton);
     connect(&inHand, &LongWork::lasts, this, [&] { setNavigation(false); });
     for (const auto signal : {&LongWork::lasts, &LongWork::goesOn})
-        connect(&inHand, signal, this, [&] { showProgress(inHand, ownBar); });
+        connect(&inHand, signal, this, [&] { showProgress(inHand, ownBar, server); });
     const QPointer<QWidget> focus = focusWidget(); // it gets lost while nothing but Cancel can have it
     const auto end = [&] {
         if (progressRow->isHidden())
             return;
-        showProgress(inHand, ownBar);
+        showProgress(inHand, ownBar, server);
         setNavigation(true);
         if (focus)
             focus->setFocus();
@@ -210,12 +213,14 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBa
     end();
 }
 
-void WizardSheet::showProgress(const LongWork& inHand, QProgressBar* ownBar)
+void WizardSheet::showProgress(const LongWork& inHand, QProgressBar* ownBar, const QString& server)
 {
     const Progress progress = inHand.query();
     const bool isKnown = progress.total != 0;
+    const bool isWaiting = progress.work == Work::waiting && !server.isEmpty();
+    const QString words = toUi(progressText(progress)) + (isWaiting ? tr(" from %1").arg(server) : pace.left(progress));
     progressRow->setBarVisible(!ownBar || progress.work != Work::creating);
-    progressRow->show(inHand.isCancelled() ? "Cancelling ..." : toUi(progressText(progress)),
+    progressRow->show(inHand.isCancelled() ? "Cancelling ..." : words,
                       isKnown ? double(progress.done) / double(progress.total) : -1);
     cancelButton->setEnabled(!inHand.isCancelled());
     if (ownBar && isKnown && progress.work == Work::creating)
@@ -297,15 +302,13 @@ void WizardSheet::activate(int index)
     (first != nullptr && onward == nextButton ? first : onward)->setFocus();
 }
 
-// A page's control keeps its letter; a button of the sheet that has the same one moves to another.
+// A page's control keeps its letter; Finish or Help moves to another if it has the same one.
 void WizardSheet::settleMnemonics()
 {
     QString taken = mnemonicsOf(activePage());
-    for (const auto& [button, text] : {std::pair(backButton, kBack),
-                                       {nextButton, kNext},
-                                       {finishButton, kFinish},
-                                       {cancelButton, kCancel},
-                                       {helpButton, kHelp}})
+    for (const char* text : {kBack, kNext, kCancel})
+        taken += QString(text)[QString(text).indexOf('&') + 1];
+    for (const auto& [button, text] : {std::pair(finishButton, kFinish), {helpButton, kHelp}})
         if (!button->isHidden())
             setTextWithMnemonic(*button, text, taken);
 }

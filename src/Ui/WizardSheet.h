@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Text.h"
+#include "Ui/WorkPace.h"
 
 #include <QDialog>
 #include <QElapsedTimer>
@@ -73,8 +74,9 @@ public:
 
     /// Does something that may take long in a thread of its own, and returns when it is done; what it raises is raised
     /// here. After a while a row in place of the buttons tells how far it has come, and Cancel ends it: Cancelled is
-    /// raised then. `ownBar` is a bar of the page's that shows the same while types are created.
-    void runLong(const std::function<void()>& work, QProgressBar* ownBar = nullptr);
+    /// raised then. `ownBar` is a bar of the page's that shows the same while types are created; `server` is what is
+    /// waited for where an answer is, "" if nothing is.
+    void runLong(const std::function<void()>& work, QProgressBar* ownBar = nullptr, const QString& server = {});
 
     /// Shows the first page when the sheet becomes visible.
     void setVisible(bool visible) override;
@@ -105,7 +107,7 @@ private:
     void help();
     void cancel();
     void reject() override;
-    void showProgress(const LongWork& work, QProgressBar* ownBar);
+    void showProgress(const LongWork& work, QProgressBar* ownBar, const QString& server);
     void setNavigation(bool visible);
     void layOut();
     void go(LRESULT answer, int step);
@@ -124,6 +126,7 @@ private:
     QWidget* navigation; // the buttons that lead to other pages
     ProgressRow* progressRow;
     LongWork* work = nullptr; // in hand
+    WorkPace pace;            // of it
     QElapsedTimer sinceWork;  // that could be cancelled
     std::vector<WizardPage*> pages;
     UINT startPage;

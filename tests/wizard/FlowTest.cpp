@@ -1,7 +1,5 @@
 #include "wizard/Desk.h"
 
-#include <QAccessible>
-
 namespace {
 
 constexpr int kFileRoad[] = {IDD_FIRST, IDD_SOURCE_TYPE, IDD_SOURCE, IDD_EDIT, IDD_OUTPUT, IDD_OUTPUT_FILE, IDD_FINISH};
@@ -123,30 +121,11 @@ TEST(Keyboard, LeadsThroughAPageAndToItsLetters)
         names.push_back(QApplication::focusWidget()->objectName());
     EXPECT_EQ(names, (std::vector<QString>{"1041", "1019", "1103", "back", "next", "cancel", "help", "1041"}));
     desk.walkTo(IDD_OUTPUT);
-    press(Qt::Key_B, Qt::AltModifier); // the page's own letter goes before the Back button's
+    press(Qt::Key_B, Qt::AltModifier); // the page's own letter, and not the Back button's
     EXPECT_TRUE(QTest::qWaitFor([&] { return desk.control<QAbstractButton>(IDC_TO_BROKER).isChecked(); }));
     EXPECT_EQ(desk.page(), IDD_OUTPUT);
-}
-
-// A combo box is named by the label beside it, every other control by itself.
-bool hasSpokenName(QWidget* control)
-{
-    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(control);
-    return qobject_cast<QComboBox*>(control) != nullptr ? !spoken->relations(QAccessible::Label).empty()
-                                                        : !spoken->text(QAccessible::Name).isEmpty();
-}
-
-TEST(Keyboard, FindsEveryControlNamedForAScreenReader)
-{
-    Desk desk;
-    for (const int page : kFileRoad) {
-        desk.walkTo(page);
-        for (QWidget* control : desk.wizard().findChildren<QWidget*>())
-            if (control->isVisible() && (control->focusPolicy() & Qt::TabFocus) && control->focusProxy() == nullptr &&
-                qobject_cast<QComboBox*>(control->parentWidget()) == nullptr) {
-                EXPECT_TRUE(hasSpokenName(control)) << page << ": " << control->objectName().toStdString();
-            }
-    }
+    press(Qt::Key_K, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desk.page() == IDD_EDIT; }));
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "Base/ProgressText.h"
 #include "Base/QELApp.h"
 #include "Ui/ModalBox.h"
+#include "Ui/WorkPace.h"
 #include "support/Servers.h"
 #include "wizard/Desk.h"
 
@@ -56,6 +57,11 @@ void pressEscape(Desk& desk)
     QTest::keyClick(desk.wizard().focusWidget(), Qt::Key_Escape);
 }
 
+void pressAltC(Desk& desk)
+{
+    QTest::keyClick(desk.wizard().windowHandle(), Qt::Key_C, Qt::AltModifier);
+}
+
 // Counts tables until it is cancelled.
 void countTables()
 {
@@ -73,12 +79,15 @@ TEST(LongWork, LetsInputReachNothingButItsCancel)
         [](Desk& desk) { desk.click("cancel"); },
         [](Desk& desk) { QTest::keyClick(desk.wizard().findChild<QAbstractButton*>("cancel"), Qt::Key_Space); },
         [](Desk& desk) { desk.wizard().close(); },
+        pressAltC,
     };
     for (const auto& cancel : ways) {
         Desk desk;
         desk.walkTo(IDD_SOURCE);
         auto& field = *desk.control<QComboBox>(IDC_INPUT_FILE).lineEdit();
         const QString before = field.text();
+        desk.wizard().activateWindow(); // or no letter works
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&desk.wizard()));
         field.setFocus();
         const int width = desk.wizard().width();
         const Watcher watcher(desk, [&] {
@@ -132,6 +141,10 @@ TEST(LongWork, ShowsItsBoxesInTheWindowAndNothingWhenItIsQuick)
 TEST(LongWork, SaysHowMuchInUnitsThatFit)
 {
     EXPECT_EQ(progressText({Work::reading, 300, 1'234'567}), "Reading: 1 kB of 1.2 MB");
+    const std::pair<double, const char*> rows[] = {
+        {0.1, ", about 5 s left"}, {89, ", about 90 s left"}, {100, ", about 2 min left"}, {6000, ", about 2 h left"}};
+    for (const auto& [seconds, words] : rows)
+        EXPECT_EQ(WorkPace::inWords(seconds), words);
 }
 
 TEST(LongWork, LeavesTheSourcePageWithAnEmptyImporter)
@@ -238,8 +251,10 @@ TEST(LongWork, GoesOnToTheResultsOfACreationThatStops)
     Line silent(server.port);
     silent.left = bytes - 1000;
     {
+        desk.wizard().activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&desk.wizard()));
         const Watcher watcher(
-            desk, [&] { pressEscape(desk); }, &silent);
+            desk, [&] { pressAltC(desk); }, &silent);
         create(silent);
         EXPECT_THAT(watcher.text, testing::StartsWith("Creating types: "));
     }

@@ -49,8 +49,9 @@ void CreateResultPage::OnInitDialog()
 QHBoxLayout* CreateResultPage::makeButtons()
 {
     totals = withId(IDC_TOTALS, plainLabel());
+    totals->setWordWrap(true); // so that the buttons stay in view
     failuresOnly = withId(IDC_FAILURES_ONLY, new QCheckBox("Failures &only"));
-    auto* copyButton = withId(IDC_COPY, new QPushButton("&Copy"));
+    auto* copyButton = withId(IDC_COPY, new QPushButton("Co&py"));
     auto* saveButton = withId(IDC_SAVE, new QPushButton("&Save ..."));
     connect(failuresOnly, &QCheckBox::toggled, this, &CreateResultPage::showFailuresOnly);
     connect(copyButton, &QPushButton::clicked, this, &CreateResultPage::copy);

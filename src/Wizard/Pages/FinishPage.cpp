@@ -45,7 +45,7 @@ void FinishPage::OnInitDialog()
     column->addWidget(done);
     column->addLayout(buttons);
     column->addStretch();
-    command = new CopyRow("In a script:", "&Copy");
+    command = new CopyRow("In a script:", "Co&py");
     column->addWidget(command);
 }
 

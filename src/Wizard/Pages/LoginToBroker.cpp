@@ -178,7 +178,7 @@ LRESULT LoginToBroker::OnWizardNext()
             else
                 reason = session.queryDescription();
         },
-        progress);
+        progress, toUi(server));
     if (!failure.empty())
         return stay(failure, reason);
     ScriptCommand& script = wizard->script;

@@ -9,6 +9,7 @@
 #include "Import/Registry/SourceSet.h"
 #include "Resources/StringTable.h"
 #include "Ui/ModalBox.h"
+#include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
 #include "Ui/WizardPage.h"
 #include "Ui/WizardSheet.h"
@@ -93,7 +94,8 @@ bool WizardRun::openDatabase()
             const WaitCursor wait;
             bool isOpen = false;
             sheet.runLong(
-                [&] { isOpen = database->Open(dataSourceText(script.source), CDatabase::readOnly, logon.text); });
+                [&] { isOpen = database->Open(dataSourceText(script.source), CDatabase::readOnly, logon.text); },
+                nullptr, toUi(script.source));
             if (!isOpen)
                 theApp.Error(IDS_SELECT_DATASOURCE, IDS_ERROR_TITLE);
             return isOpen;

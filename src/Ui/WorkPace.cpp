@@ -1,0 +1,28 @@
+#include "Ui/WorkPace.h"
+
+#include <QObject>
+
+#include <cmath>
+
+QString WorkPace::left(const Progress& now)
+{
+    constexpr qint64 soon = 5000; // milliseconds
+    if (!since.isValid() || now.work != first.work || now.total != first.total || now.done < first.done) {
+        first = now;
+        since.start();
+    }
+    if (now.total == 0 || now.done <= first.done || now.done >= now.total || !since.hasExpired(soon))
+        return {};
+    const double pace = double(now.done - first.done) / (double(since.elapsed()) / 1000);
+    return inWords(double(now.total - now.done) / pace);
+}
+
+// In steps that a text can keep for a while.
+QString WorkPace::inWords(double seconds)
+{
+    if (seconds < 90)
+        return QObject::tr(", about %1 s left").arg(std::ceil(seconds / 5) * 5);
+    if (seconds < 90 * 60)
+        return QObject::tr(", about %1 min left").arg(std::ceil(seconds / 60));
+    return QObject::tr(", about %1 h left").arg(std::ceil(seconds / 3600));
+}
