@@ -1,10 +1,15 @@
 #include "Ui/RecentCombo.h"
 
-QComboBox* newRecentCombo()
+#include "Ui/ComboBox.h"
+
+#include <QLineEdit>
+
+QComboBox* newRecentCombo(const QString& label)
 {
-    auto* combo = new QComboBox;
+    auto* combo = new ComboBox(label);
     combo->setEditable(true);
     combo->setInsertPolicy(QComboBox::NoInsert);
     combo->setCompleter(nullptr);
+    combo->lineEdit()->setAccessibleName(combo->accessibleName());
     return combo;
 }

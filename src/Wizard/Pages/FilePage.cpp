@@ -41,7 +41,7 @@ QFrame* newRedFrame()
 void FilePage::OnInitDialog()
 {
     QELPage::OnInitDialog();
-    fileCombo = withId(comboId(), newRecentCombo());
+    fileCombo = withId(comboId(), newRecentCombo("File:"));
     fileCombo->lineEdit()->setCompleter(new PathCompleter(*fileCombo->lineEdit()));
     fileCombo->lineEdit()->setAcceptDrops(false);
     redFrame = newRedFrame();

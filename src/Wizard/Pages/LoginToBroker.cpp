@@ -76,7 +76,7 @@ void LoginToBroker::OnInitDialog()
 
 QWidget* LoginToBroker::makeServerGroup()
 {
-    serverCombo = withId(IDC_SERVER, newRecentCombo());
+    serverCombo = withId(IDC_SERVER, newRecentCombo("&Name"));
     server = wizard->options.fillBrokerIP(*serverCombo);
     serverCombo->lineEdit()->setPlaceholderText("local, or the name or address of a server");
     connect(serverCombo->lineEdit(), &QLineEdit::textEdited, this, &LoginToBroker::suggestLogon);
@@ -96,7 +96,7 @@ QWidget* LoginToBroker::makeLogonGroup()
     brokerButton = withId(IDC_LOGON_BROKER, new QRadioButton("Use Broker &logon"));
     connect(trustedButton, &QRadioButton::clicked, this, &LoginToBroker::OnLogonTrusted);
     connect(brokerButton, &QRadioButton::clicked, this, &LoginToBroker::OnLogonBroker);
-    userCombo = withId(IDC_USER, newRecentCombo());
+    userCombo = withId(IDC_USER, newRecentCombo("Broker &username"));
     userCombo->setValidator(new UpperCase(userCombo));
     user = wizard->options.fillUser(*userCombo);
     for (int i = 0; i < userCombo->count(); ++i)

@@ -2,19 +2,19 @@
 
 #include "Import/Full/FullMessage.h"
 #include "Resources/DialogIds.h"
+#include "Ui/ComboBox.h"
 #include "Ui/ElidedLabel.h"
 #include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 
-#include <QComboBox>
 #include <QHBoxLayout>
 #include <QPushButton>
 
 #include <algorithm>
 
 ReadingRow::ReadingRow() :
-    mainElementLabel(plainLabel(tr("&Main element:"))), mainElement(new QComboBox), count(new ElidedLabel),
-    readInFull(new QPushButton(tr("Read in &full"))), details(new QPushButton(tr("&Details")))
+    mainElementLabel(plainLabel(tr("&Main element:"))), mainElement(new ChoiceCombo(mainElementLabel->text())),
+    count(new ElidedLabel), readInFull(new QPushButton(tr("Read in &full"))), details(new QPushButton(tr("&Details")))
 {
     mainElement->setObjectName(QString::number(IDC_MAIN_ELEMENT));
     mainElement->setMaxVisibleItems(20);
@@ -24,7 +24,7 @@ ReadingRow::ReadingRow() :
     count->setObjectName(QString::number(IDC_NOT_CARRIED_OVER));
     count->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     details->setObjectName(QString::number(IDC_DETAILS));
-    connect(mainElement, &QComboBox::activated, this, [this](int index) {
+    connect(mainElement, &ChoiceCombo::chosen, this, [this](int index) {
         Q_EMIT mainElementChosen(index == 0 ? CString() : fromUi(mainElement->itemText(index)));
     });
     readInFull->setObjectName(QString::number(IDC_READ_IN_FULL));
@@ -59,7 +59,7 @@ void ReadingRow::showMainElements(const FullMessage* full)
     if (full) {
         for (const CString& name : full->queryMainTypes())
             mainElement->addItem(toUi(name));
-        mainElement->setCurrentIndex(std::max(0, mainElement->findText(toUi(full->queryRoot()))));
+        mainElement->setChosen(std::max(0, mainElement->findText(toUi(full->queryRoot()))));
     }
     const bool isChoice = mainElement->count() > 1;
     mainElementLabel->setVisible(isChoice);

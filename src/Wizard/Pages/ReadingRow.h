@@ -4,9 +4,9 @@
 
 #include <QWidget>
 
+class ChoiceCombo;
 class FullMessage;
 class MsgBase;
-class QComboBox;
 class QLabel;
 class QPushButton;
 
@@ -39,7 +39,7 @@ private:
     void showMainElements(const FullMessage* full);
 
     QLabel* mainElementLabel;
-    QComboBox* mainElement;
+    ChoiceCombo* mainElement;
     QLabel* count;
     QPushButton* readInFull;
     QPushButton* details;

@@ -1,0 +1,127 @@
+#include "Ui/ComboBox.h"
+
+#include <QAbstractItemView>
+#include <QAccessibleWidget>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QScopedValueRollback>
+#include <QWheelEvent>
+
+#include <utility>
+
+namespace {
+
+// What the toolkit says of a combo box, but with the label as its name; there the name is what the box shows, which is
+// nothing for an empty one.
+class SpokenComboBox : public QAccessibleWidget
+{
+public:
+    explicit SpokenComboBox(QComboBox& comboBox) : QAccessibleWidget(&comboBox, QAccessible::ComboBox), box(comboBox) {}
+
+    int childCount() const override { return box.isEditable() ? 2 : 1; }
+
+    QAccessibleInterface* child(int index) const override
+    {
+        QWidget* const parts[] = {box.view(), box.lineEdit()};
+        return index >= 0 && index < childCount() ? QAccessible::queryAccessibleInterface(parts[index]) : nullptr;
+    }
+
+    int indexOfChild(const QAccessibleInterface* part) const override
+    {
+        return part->object() == box.view() ? 0 : part->object() == box.lineEdit() ? 1 : -1;
+    }
+
+    QString text(QAccessible::Text kind) const override
+    {
+        return kind == QAccessible::Value ? box.currentText() : QAccessibleWidget::text(kind);
+    }
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State now = QAccessibleWidget::state();
+        now.expandable = true;
+        now.expanded = isOpen();
+        now.editable = box.isEditable();
+        return now;
+    }
+
+    QStringList actionNames() const override { return {showMenuAction(), pressAction()}; }
+
+    void doAction(const QString& action) override
+    {
+        if (actionNames().contains(action))
+            isOpen() ? box.hidePopup() : box.showPopup();
+    }
+
+private:
+    bool isOpen() const { return box.view()->isVisible(); }
+
+    QComboBox& box;
+};
+
+QAccessibleInterface* speak(const QString& className, QObject* object)
+{
+    auto* box = className == "ComboBox" ? qobject_cast<ComboBox*>(object) : nullptr;
+    return box ? new SpokenComboBox(*box) : nullptr;
+}
+
+} // namespace
+
+ComboBox::ComboBox(const QString& label)
+{
+    [[maybe_unused]] static const bool once = (QAccessible::installFactory(speak), true);
+    setAccessibleName(QString(label).remove('&'));
+    setFocusPolicy(Qt::StrongFocus); // which the wheel doesn't give
+}
+
+void ComboBox::wheelEvent(QWheelEvent* event)
+{
+    if (hasFocus())
+        QComboBox::wheelEvent(event);
+    else
+        event->ignore(); // it scrolls the page
+}
+
+ChoiceCombo::ChoiceCombo(const QString& label) : ComboBox(label)
+{
+    connect(this, &QComboBox::activated, this, [this](int index) {
+        if (!isLed)
+            choose(index);
+    });
+}
+
+void ChoiceCombo::setChosen(int index)
+{
+    chosenIndex = index;
+    setCurrentIndex(index);
+}
+
+void ChoiceCombo::choose(int index)
+{
+    if (index != std::exchange(chosenIndex, index))
+        Q_EMIT chosen(index);
+}
+
+void ChoiceCombo::keyPressEvent(QKeyEvent* event)
+{
+    const bool isPending = currentIndex() != chosenIndex;
+    if (isPending && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        return choose(currentIndex());
+    if (isPending && event->key() == Qt::Key_Escape)
+        return setCurrentIndex(chosenIndex);
+    const QScopedValueRollback<bool> led(isLed, true);
+    ComboBox::keyPressEvent(event);
+}
+
+void ChoiceCombo::wheelEvent(QWheelEvent* event)
+{
+    const QScopedValueRollback<bool> led(isLed, true);
+    ComboBox::wheelEvent(event);
+}
+
+void ChoiceCombo::focusOutEvent(QFocusEvent* event)
+{
+    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
+        setCurrentIndex(chosenIndex);
+    ComboBox::focusOutEvent(event);
+}
