@@ -3,8 +3,45 @@
 #include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 
+#include <QFont>
+
 #include <algorithm>
 #include <numeric>
+
+namespace {
+
+char lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+bool isAscii(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
+}
+
+} // namespace
+
+// A text that is looked for in any letter case. Of letters that aren't ASCII the toolkit knows the cases, at ten times
+// the cost.
+class ListRows::Wanted
+{
+public:
+    explicit Wanted(const QString& wanted) : text(wanted), bytes(fromUi(wanted.toLower())), isPlain(isAscii(bytes)) {}
+
+    bool isIn(std::string_view cell) const
+    {
+        if (!isAscii(cell))
+            return toUi(cell).contains(text, Qt::CaseInsensitive);
+        return isPlain && std::search(cell.begin(), cell.end(), bytes.begin(), bytes.end(),
+                                      [](char c, char w) { return lower(c) == w; }) != cell.end();
+    }
+
+private:
+    QString text;
+    CString bytes;
+    bool isPlain;
+};
 
 ListRows::ListRows(QStringList columnTitles, QObject* parent) :
     QAbstractTableModel(parent), titles(std::move(columnTitles))
@@ -15,16 +52,20 @@ void ListRows::setRows(int newCount, CellText newCells, RowMark newMarks)
     count = newCount;
     cells = std::move(newCells);
     marks = std::move(newMarks);
-    arrange({}, -1, Qt::AscendingOrder);
+    arrange({}, nullptr, -1, Qt::AscendingOrder);
 }
 
-void ListRows::arrange(const QString& text, int column, Qt::SortOrder order)
+void ListRows::arrange(const QString& text, const std::vector<int>* among, int column, Qt::SortOrder order)
 {
     beginResetModel();
-    shown.resize(static_cast<std::size_t>(count));
-    std::iota(shown.begin(), shown.end(), 0);
+    if (among) {
+        shown = *among;
+    } else {
+        shown.resize(static_cast<std::size_t>(count));
+        std::iota(shown.begin(), shown.end(), 0);
+    }
     if (!text.isEmpty())
-        std::erase_if(shown, [&](int row) { return !contains(row, text); });
+        std::erase_if(shown, [this, wanted = Wanted(text)](int row) { return !contains(row, wanted); });
     if (column >= 0)
         sortShown(column, order);
     places.assign(static_cast<std::size_t>(count), -1);
@@ -33,10 +74,10 @@ void ListRows::arrange(const QString& text, int column, Qt::SortOrder order)
     endResetModel();
 }
 
-bool ListRows::contains(int row, const QString& text) const
+bool ListRows::contains(int row, const Wanted& wanted) const
 {
     for (int column = 0; column < titles.size(); ++column)
-        if (toUi(cells(row, column)).contains(text, Qt::CaseInsensitive))
+        if (wanted.isIn(cells(row, column)))
             return true;
     return false;
 }
@@ -79,6 +120,11 @@ QVariant ListRows::data(const QModelIndex& index, int role) const
         return {};
     if (role == Qt::DecorationRole)
         return marks(row).icon;
+    if (role == Qt::FontRole && marks(row).isStrong) {
+        QFont bold;
+        bold.setBold(true);
+        return bold;
+    }
     if (role == Qt::AccessibleTextRole)
         return toUi(cells(row, 0)) + ", " + marks(row).word;
     return role == Qt::ToolTipRole ? plainToolTip(marks(row).word) : QVariant();

@@ -21,6 +21,7 @@ public:
     {
         QIcon icon;
         QString word;
+        bool isStrong = false; ///< the row's first cell is in bold letters
     };
     using RowMark = std::function<const Mark&(int row)>;
 
@@ -30,8 +31,8 @@ public:
     void setRows(int count, CellText cells, RowMark marks);
 
     /// Shows the rows of which any cell contains `text`, in any letter case, ordered by a column; -1 is their own
-    /// order.
-    void arrange(const QString& text, int column, Qt::SortOrder order);
+    /// order. `among`: only rows of these; null: of all.
+    void arrange(const QString& text, const std::vector<int>* among, int column, Qt::SortOrder order);
 
     int queryCount() const { return count; }
 
@@ -49,7 +50,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
-    bool contains(int row, const QString& text) const;
+    class Wanted;
+    bool contains(int row, const Wanted& wanted) const;
     void sortShown(int column, Qt::SortOrder order);
 
     QStringList titles;

@@ -79,12 +79,15 @@ void ListView::setRows(int count, CellText cells, RowMark marks)
 {
     const QScopedValueRollback<bool> own(byUser, false);
     filter.clear();
+    among.reset();
+    hiddenSelected.clear();
     {
         const QSignalBlocker quiet(header()); // the rows are put in order below
         header()->setSortIndicator(-1, Qt::AscendingOrder);
     }
     rows->setRows(count, std::move(cells), std::move(marks));
     Q_EMIT shownRowsChanged(filter);
+    Q_EMIT selectedRowsChanged();
 }
 
 void ListView::setFilter(const QString& text)
@@ -96,13 +99,29 @@ void ListView::setFilter(const QString& text)
     Q_EMIT shownRowsChanged(filter);
 }
 
+void ListView::setSelectedOnly(bool only)
+{
+    if (only == among.has_value())
+        return;
+    among.reset();
+    if (only)
+        among = selectedRows();
+    arrange();
+    Q_EMIT shownRowsChanged(filter);
+}
+
 void ListView::arrange()
 {
     const std::vector<int> selected = selectedRows();
     const int current = currentIndex().isValid() ? rows->rowAt(currentIndex().row()) : -1;
     {
         const QScopedValueRollback<bool> own(byUser, false);
-        rows->arrange(filter, header()->sortIndicatorSection(), header()->sortIndicatorOrder());
+        rows->arrange(filter, among ? &*among : nullptr, header()->sortIndicatorSection(),
+                      header()->sortIndicatorOrder());
+        hiddenSelected.clear();
+        if (selectionMode() != SingleSelection)
+            std::copy_if(selected.begin(), selected.end(), std::back_inserter(hiddenSelected),
+                         [this](int row) { return !rows->indexOf(row).isValid(); });
         selectionModel()->setCurrentIndex(rows->indexOf(current), QItemSelectionModel::NoUpdate);
         selectionModel()->select(selectionOf(*rows, selected), QItemSelectionModel::Select);
         scrollTo(currentIndex());
@@ -119,7 +138,7 @@ int ListView::selectedRow() const
 
 std::vector<int> ListView::selectedRows() const
 {
-    std::vector<int> selected;
+    std::vector<int> selected = hiddenSelected;
     for (const QModelIndex& index : selectionModel()->selectedRows())
         selected.push_back(rows->rowAt(index.row()));
     std::sort(selected.begin(), selected.end());
@@ -129,9 +148,12 @@ std::vector<int> ListView::selectedRows() const
 void ListView::selectRow(int row)
 {
     const QScopedValueRollback<bool> own(byUser, false);
+    hiddenSelected.clear();
     clearSelection();
-    if (row >= 0 && row < queryCount() && !rows->indexOf(row).isValid())
+    if (row >= 0 && row < queryCount() && !rows->indexOf(row).isValid()) {
+        setSelectedOnly(false);
         setFilter({});
+    }
     setCurrentIndex(rows->indexOf(row)); // an index that is not valid for a row that there is not
 }
 
@@ -168,6 +190,18 @@ void ListView::shareWidth()
         rest -= share;
     }
     sharesWidth = true; // each of these steps looked like one of the user's
+}
+
+void ListView::setShares(const std::vector<int>& percents)
+{
+    const bool isShared = sharesWidth;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        columns[i].percent = percents[i];
+        setColumnHidden(static_cast<int>(i), percents[i] == 0); // which looks like a step of the user's
+    }
+    sharesWidth = isShared;
+    if (sharesWidth)
+        shareWidth();
 }
 
 QList<int> ListView::queryWidths() const
@@ -218,6 +252,7 @@ void ListView::mouseReleaseEvent(QMouseEvent* event)
 void ListView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
 {
     QTreeView::selectionChanged(selected, deselected);
+    Q_EMIT selectedRowsChanged();
     if (byUser)
         Q_EMIT chosen();
 }

@@ -1,8 +1,8 @@
 #include "Ui/ProgressRow.h"
 
+#include "Ui/Announce.h"
 #include "Ui/ElidedLabel.h"
 
-#include <QAccessible>
 #include <QHBoxLayout>
 #include <QProgressBar>
 
@@ -34,8 +34,6 @@ void ProgressRow::show(const QString& words, double part)
     bar->setRange(0, part < 0 ? 0 : steps);
     bar->setValue(static_cast<int>(part * steps));
     setVisible(true);
-    if (!isNew)
-        return;
-    QAccessibleEvent announcement(text, QAccessible::Alert);
-    QAccessible::updateAccessibility(&announcement);
+    if (isNew)
+        announce(*text);
 }

@@ -73,6 +73,7 @@ TEST_F(DatabaseFlow, LeadsFromTheDataSourceToTheTypes)
     EXPECT_EQ(rowsOf(IDC_DATA_SOURCES), "First|SQLite3\nSecond|SQLite3\n");
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_DATA_SOURCE) << "nothing is selected";
+    EXPECT_EQ(desk.text(IDC_HINT), "Select a data source to go on.");
     choose(IDC_DATA_SOURCES, 1);
     EXPECT_EQ(rowsOf(IDC_TABLES), "other|TABLE|||\n");
     desk.click("back");
@@ -81,6 +82,15 @@ TEST_F(DatabaseFlow, LeadsFromTheDataSourceToTheTypes)
     EXPECT_EQ(rowsOf(IDC_TABLES), "a|TABLE|||\nb|TABLE|||\n");
     desk.click("next");
     EXPECT_THAT(desk.boxes.take(), testing::ElementsAre("Please select a table before continuing"));
+    EXPECT_EQ(desk.text(IDC_SELECTED_COUNT), "None selected. Select at least one table to go on.");
+    for (const char* filter : {"a", "b", ""}) {
+        list(IDC_TABLES).setFilter(filter);
+        list(IDC_TABLES).setCurrentIndex(list(IDC_TABLES).model()->index(0, 0)); // at last a, alone
+    }
+    EXPECT_EQ(desk.text(IDC_SELECTED_COUNT), "1 of 2 selected");
+    desk.press(IDC_SELECTED_ONLY);
+    EXPECT_EQ(rowsOf(IDC_TABLES), "a|TABLE|||\n");
+    desk.press(IDC_SELECTED_ONLY);
     list(IDC_TABLES).selectAll();
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_EDIT);

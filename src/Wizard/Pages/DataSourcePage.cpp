@@ -1,11 +1,14 @@
 #include "Wizard/Pages/DataSourcePage.h"
 
 #include "Resources/StringTable.h"
+#include "Ui/Announce.h"
 #include "Ui/ListView.h"
+#include "Ui/PlainText.h"
 #include "Ui/WizardSheet.h"
 #include "Wizard/Run/WizardRun.h"
 
 #include <QGroupBox>
+#include <QLabel>
 #include <QVBoxLayout>
 
 DataSourcePage::DataSourcePage() :
@@ -21,7 +24,12 @@ void DataSourcePage::OnInitDialog()
     connect(dataSourceList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
     auto* group = new QGroupBox("Available &datasources");
     group->setFocusProxy(dataSourceList); // the group's letter leads there
-    (new QVBoxLayout(group))->addWidget(dataSourceList);
+    hint = withId(IDC_HINT, plainLabel());
+    hint->setWordWrap(true);
+    connect(dataSourceList, &ListView::selectedRowsChanged, hint, &QLabel::hide);
+    auto* rows = new QVBoxLayout(group);
+    rows->addWidget(dataSourceList);
+    rows->addWidget(hint);
     (new QVBoxLayout(this))->addWidget(group);
 }
 
@@ -35,13 +43,24 @@ void DataSourcePage::OnSetActive()
     });
     if (selectedSource != -1)
         dataSourceList->selectRow(selectedSource);
+    if (sources.empty())
+        showHint(tr("There are no data sources on this computer. Help says how to set one up."));
+}
+
+void DataSourcePage::showHint(const QString& text)
+{
+    hint->setText(text);
+    hint->show();
+    announce(*hint);
 }
 
 LRESULT DataSourcePage::OnWizardNext()
 {
     const int row = dataSourceList->selectedRow();
-    if (row < 0)
+    if (row < 0) {
+        showHint(tr("Select a data source to go on."));
         return -1;
+    }
     selectedSource = row;
     wizard->script = {dataSourceList->cell(row, 0)};
     return wizard->openDatabase() ? IDD_DATABASE_TABLE : -1;

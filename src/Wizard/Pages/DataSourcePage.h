@@ -5,6 +5,7 @@
 #include "Wizard/Pages/QELPage.h"
 
 class ListView;
+class QLabel;
 
 /// Chooses a data source and opens it as the wizard's database.
 class DataSourcePage : public QELPage
@@ -18,7 +19,10 @@ public:
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
 
 private:
+    void showHint(const QString& text);
+
     ListView* dataSourceList = nullptr;
+    QLabel* hint = nullptr;
     std::vector<DataSource> sources; // the rows of the list
     int selectedSource = -1;         // the row when Next was last pressed
 };

@@ -2,13 +2,20 @@
 
 #include "Import/Tables/ODBCMsg.h"
 #include "Resources/StringTable.h"
+#include "Ui/Announce.h"
 #include "Ui/ListFilter.h"
 #include "Ui/ListView.h"
+#include "Ui/PlainText.h"
+#include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
 #include "Ui/WizardSheet.h"
 #include "Wizard/Run/WizardRun.h"
 
+#include <QCheckBox>
 #include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
 #include <QVBoxLayout>
 
 DatabaseTablePage::DatabaseTablePage() :
@@ -31,11 +38,35 @@ void DatabaseTablePage::OnInitDialog()
     auto* rows = new QVBoxLayout(group);
     rows->addWidget(tableList);
     rows->insertWidget(0, new ListFilter(*tableList, "table")); // above, but behind the list for Tab
+    rows->addLayout(makeSelectionRow());
     (new QVBoxLayout(this))->addWidget(group);
+}
+
+QHBoxLayout* DatabaseTablePage::makeSelectionRow()
+{
+    selectedCount = withId(IDC_SELECTED_COUNT, plainLabel());
+    selectedCount->setWordWrap(true); // rather than widening the window
+    selectedOnly = withId(IDC_SELECTED_ONLY, new QCheckBox("Show &only these"));
+    connect(tableList, &ListView::selectedRowsChanged, this, &DatabaseTablePage::showSelection);
+    connect(selectedOnly, &QCheckBox::toggled, tableList, &ListView::setSelectedOnly);
+    auto* row = new QHBoxLayout;
+    row->addWidget(selectedCount, 1);
+    row->addWidget(selectedOnly);
+    return row;
+}
+
+void DatabaseTablePage::showSelection()
+{
+    const QLocale locale;
+    const std::size_t count = tableList->selectedRows().size();
+    selectedCount->setText(
+        tr("%1 of %2 selected").arg(locale.toString(qulonglong(count)), locale.toString(tableList->queryCount())));
+    selectedOnly->setEnabled(count != 0 || selectedOnly->isChecked());
 }
 
 void DatabaseTablePage::OnSetActive()
 {
+    selectedOnly->setChecked(false);
     tableList->setRows(0, {});
     tables.clear();
     listTables(); // may raise the database's error; the list is empty then
@@ -50,12 +81,14 @@ void DatabaseTablePage::listTables()
 {
     const WaitCursor wait;
     bool isOpen = false;
-    sheet()->runLong([&] {
-        CTables found(wizard->database.get());
-        isOpen = found.Open(nullptr, nullptr, nullptr, "'TABLE'", CRecordset::snapshot) != 0;
-        for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
-            tables.push_back({found.queryName(), found.tableType, found.remarks});
-    });
+    sheet()->runLong(
+        [&] {
+            CTables found(wizard->database.get());
+            isOpen = found.Open(nullptr, nullptr, nullptr, "'TABLE'", CRecordset::snapshot) != 0;
+            for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
+                tables.push_back({found.queryName(), found.tableType, found.remarks});
+        },
+        nullptr, toUi(wizard->script.source));
     if (isOpen)
         return;
     const PlainCursor plain;
@@ -65,8 +98,11 @@ void DatabaseTablePage::listTables()
 LRESULT DatabaseTablePage::OnWizardNext()
 {
     const std::vector<int> selected = tableList->selectedRows();
-    if (selected.empty())
+    if (selected.empty()) {
+        selectedCount->setText(tr("None selected. Select at least one table to go on."));
+        announce(*selectedCount);
         return stay(IDS_SELECT_TABLE);
+    }
     if (!wizard->database->IsOpen() && !wizard->openDatabase()) // it was given up
         return -1;
     const WaitCursor wait;
@@ -83,7 +119,8 @@ LRESULT DatabaseTablePage::OnWizardNext()
     }
     if (auto* importer = dynamic_cast<ODBCMessage*>(wizard->message.get()))
         importer->setChosen(std::move(chosen));
-    sheet()->runLong([&] { wizard->message->parseData(names, wizard->options.queryPath()); });
+    sheet()->runLong([&] { wizard->message->parseData(names, wizard->options.queryPath()); }, nullptr,
+                     toUi(wizard->script.source));
     wizard->options.setEditBack(IDD_DATABASE_TABLE);
     return IDD_EDIT;
 }

@@ -6,6 +6,9 @@
 #include <vector>
 
 class ListView;
+class QCheckBox;
+class QHBoxLayout;
+class QLabel;
 
 /// Chooses tables of the wizard's database and imports them.
 class DatabaseTablePage : public QELPage
@@ -26,8 +29,12 @@ private:
         CString remarks;
     };
 
+    QHBoxLayout* makeSelectionRow();
+    void showSelection();
     void listTables();
 
     ListView* tableList = nullptr;
+    QLabel* selectedCount = nullptr;
+    QCheckBox* selectedOnly = nullptr;
     std::vector<Row> tables; // the rows of the list
 };
