@@ -3,6 +3,7 @@
 #include "TestFolders.h"
 #include "Ui/ListFilter.h"
 #include "Ui/ModalBox.h"
+#include "Ui/RecentCombo.h"
 #include "Ui/WaitCursor.h"
 #include "Wizard/QEL.h"
 #include "Wizard/WindowLayout.h"
@@ -17,12 +18,14 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QTextEdit>
 #include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -71,8 +74,35 @@ TEST(ImporterPage, KeepsTheImporterWithTheRow)
         QTest::mouseClick(list.viewport(), button, {}, list.visualRect(list.model()->index(other, 0)).center());
         EXPECT_EQ(desk.wizard().message->queryDescriptor(), g_amud[other]);
     }
+    desk.control<QLineEdit>(IDC_OBJECT_PATH).setText("\\typed\\");
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, row);
+    EXPECT_EQ(desk.text(IDC_OBJECT_PATH), "\\sys\\rosettanet\\");
+    QTest::qWait(QApplication::doubleClickInterval());
+    desk.control<QLineEdit>(IDC_OBJECT_PATH).setText("\\typed again");
     QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, row);
     EXPECT_EQ(desk.page(), IDD_SOURCE);
+    EXPECT_EQ(desk.wizard().options.queryPath(), "\\typed again\\");
+}
+
+TEST(Combo, FollowsTheWheelOnlyWithTheFocus)
+{
+    for (const bool hasFocus : {false, true}) {
+        QWidget window;
+        auto* column = new QVBoxLayout(&window);
+        auto* combo = newRecentCombo("&Name");
+        auto* other = new QLineEdit;
+        for (QWidget* control : std::initializer_list<QWidget*>{combo, other})
+            column->addWidget(control);
+        combo->addItems({"a", "b"});
+        window.show();
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        (hasFocus ? static_cast<QWidget*>(combo) : other)->setFocus();
+        QWheelEvent notch({5, 5}, combo->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton, {}, Qt::NoScrollPhase,
+                          false);
+        QApplication::sendEvent(combo, &notch);
+        EXPECT_EQ(combo->currentText(), hasFocus ? "b" : "a");
+    }
 }
 
 TEST(SourcePage, BrowsesFromTheFolderOfTheFile)
@@ -215,6 +245,10 @@ TEST(TypesPage, ShowsATypeInAFileOfItsOwnForTheRun)
     auto& list = desk.control<ListView>(IDC_TYPES);
     ASSERT_EQ(list.rowCount(), 2);
     EXPECT_EQ(list.cell(1, 0) + ", " + list.cell(1, 1), "order, order (Automatically created)");
+    EXPECT_EQ(list.selectedRow(), 1); // the main type
+    EXPECT_TRUE(list.model()->index(1, 0).data(Qt::FontRole).value<QFont>().bold());
+    EXPECT_EQ(list.model()->index(1, 0).data(Qt::AccessibleTextRole), "order, record, main type");
+    list.clearSelection();
     desk.press(IDC_VIEW);
     EXPECT_EQ(desk.boxes.take(), Texts{"Please select a type to view"});
     const QPoint second = list.visualRect(list.model()->index(1, 0)).center();
@@ -254,29 +288,35 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     EXPECT_EQ(list.rowCount(), 3);
     EXPECT_EQ(desk.text(IDC_NOT_CARRIED_OVER), "1 detail was not carried over");
     desk.press(IDC_DETAILS);
-    const Texts files = viewFiles(desk.dir.path("start"));
-    ASSERT_EQ(files.size(), 1u);
-    EXPECT_EQ(TempDir::read(files[0]),
+    EXPECT_EQ(viewFiles(desk.dir.path("start")), Texts{});
+    EXPECT_EQ(desk.wizard().findChild<QPlainTextEdit*>("document")->toPlainText().toStdString(),
               "1 detail\n" + desk.source +
                   ":1:52: content ANY: d\n\n1 content ANY\n3 types, 4 fields: 2 typed, 2 left text\n");
-    EXPECT_TRUE(files[0].ends_with(".txt"));
 
     auto& main = desk.control<QComboBox>(IDC_MAIN_ELEMENT);
     EXPECT_EQ(std::pair(main.count(), main.currentText()), std::pair(2, QString("a")));
     main.setFocus();
     QTest::keyClick(&main, Qt::Key_Down);
+    EXPECT_EQ(list.rowCount(), 3); // the key leads there, Enter takes it
+    QTest::keyClick(&main, Qt::Key_Escape);
+    EXPECT_EQ(main.currentText(), "a");
+    QTest::keyClick(&main, Qt::Key_Down);
+    QTest::keyClick(&main, Qt::Key_Return);
     ASSERT_EQ(list.rowCount(), 2);
     EXPECT_EQ(list.cell(0, 0) + " " + list.cell(1, 0), "c b");
     desk.click("next");
     desk.click("back");
     EXPECT_EQ(std::pair(main.count(), main.currentText()), std::pair(2, QString("b")));
     QTest::keyClick(&main, Qt::Key_Up);
+    QTest::keyClick(&main, Qt::Key_Return);
     EXPECT_EQ(list.rowCount(), 3);
     EXPECT_LE(desk.wizard().activePage()->minimumSizeHint().width(), 500); // half of a small screen
     std::filesystem::rename(desk.source, desk.dir.path("in/gone"));
-    QTest::keyClick(&main, Qt::Key_Down); // the import fails, and leaves nothing to go on with
+    QTest::keyClick(&main, Qt::Key_Down);
+    QTest::keyClick(&main, Qt::Key_Return); // the import fails, and the former one stays
     EXPECT_EQ(desk.boxes.take(), Texts{"Can't open file " + desk.source + ", error = 2"});
-    EXPECT_EQ(desk.page(), IDD_SOURCE);
+    EXPECT_EQ(std::pair(list.rowCount(), main.currentText()), std::pair(3, QString("a")));
+    desk.click("back");
     std::filesystem::rename(desk.dir.path("in/gone"), desk.source);
     desk.press(IDC_FULL_READING);
     desk.click("next");
@@ -390,6 +430,41 @@ struct Pressed
     {3, "", Qt::Key_End, 2, "3 rows"}, {3, "1", Qt::Key_Return, 1, "1 of 3 rows"},
 };
 
+// What is selected while other rows are hidden: a key of each step is a filter, "*" selects all that is shown, "1" the
+// first of it alone, "!" leaves the selected rows, "?" shows the others again.
+TEST(List, KeepsHiddenRowsSelectedWhereThereCanBeSeveral)
+{
+    const std::tuple<QAbstractItemView::SelectionMode, const char*, std::vector<int>, int> rows[] = {
+        {QAbstractItemView::ExtendedSelection, "a*b", {0, 2}, 2},
+        {QAbstractItemView::ExtendedSelection, "a*b1", {0, 1, 2}, 2},
+        {QAbstractItemView::ExtendedSelection, "a*b1 ", {0, 1, 2}, 4},
+        {QAbstractItemView::ExtendedSelection, "a*b1 1", {0}, 4},
+        {QAbstractItemView::ExtendedSelection, "a*b1!", {0, 1, 2}, 1},
+        {QAbstractItemView::ExtendedSelection, "a* !", {0, 2}, 2},
+        {QAbstractItemView::ExtendedSelection, "a* !1", {0}, 2},
+        {QAbstractItemView::ExtendedSelection, "a* !?", {0, 2}, 4},
+        {QAbstractItemView::SingleSelection, "a1b", {}, 2},
+    };
+    for (const auto& [mode, steps, selected, shown] : rows) {
+        const char* const names[] = {"a0", "b1", "a2", "b3"};
+        ListView list({{"Name", 50}}, "Rows");
+        list.setSelectionMode(mode);
+        list.setRows(4, [&](int at, int) { return names[at]; });
+        for (const char step : std::string_view(steps)) {
+            if (step == '*')
+                list.selectAll();
+            else if (step == '1')
+                list.selectionModel()->select(list.model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
+            else if (step == '!' || step == '?')
+                list.setSelectedOnly(step == '!');
+            else
+                list.setFilter(QString(QChar(step)).trimmed());
+        }
+        EXPECT_EQ(list.selectedRows(), selected) << steps;
+        EXPECT_EQ(list.rowCount(), shown) << steps;
+    }
+}
+
 // A row that has the keyboard's position, and isn't selected, is the first one that a key selects.
 TEST(List, SelectsByKeyboardAlone)
 {
@@ -420,17 +495,17 @@ TEST(OutputFilePage, RefusesADeviceAndReplacesAFile)
     Desk desk;
     desk.walkTo(IDD_OUTPUT_FILE);
     const CString old = desk.dir.write("out/there.xml", "old");
-    for (const CString& name : {CString("/dev/full"), old}) {
+    for (const CString& name : {CString(), CString("/dev/full"), old}) {
         desk.type(IDC_OUTPUT_FILE, name);
         desk.click("next");
     }
-    EXPECT_EQ(desk.boxes.take(), Texts{"Can't open file /dev/full, error = 1"});
+    EXPECT_EQ(desk.boxes.take(), (Texts{"Can't open file , error = 2", "Can't open file /dev/full, error = 1"}));
     CString document;
     desk.wizard().message->getXML(document);
     EXPECT_EQ(TempDir::read(old), document);
     CComboBox combo;
     EXPECT_EQ(desk.wizard().options.fillOutputFile(combo), old);
-    EXPECT_EQ(combo.count(), 2); // also the name that couldn't be written
+    EXPECT_EQ(combo.count(), 2); // also the name that couldn't be written, but no empty one
 }
 
 constexpr const char* kOrder = "<order><line/></order>";

@@ -100,7 +100,8 @@ void OutputFile::showState()
 LRESULT OutputFile::OnWizardNext()
 {
     UpdateData(true);
-    wizard->options.addOutputFile(fileName);
+    if (!fileName.empty())
+        wizard->options.addOutputFile(fileName);
     const WaitCursor wait;
     FileCause cause = FileCause::none;
     sheet()->runLong([&] {

@@ -6,6 +6,7 @@
 #include "Ui/WizardSheet.h"
 #include "Wizard/Run/WizardRun.h"
 
+#include <QApplication>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QVBoxLayout>
@@ -26,7 +27,7 @@ void SourceTypePage::OnInitDialog()
         return column == 0 ? g_amud[row]->getName() : g_amud[row]->getDescription();
     });
     connect(importerList, &ListView::chosen, this, &SourceTypePage::OnClickSource);
-    connect(importerList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
+    connect(importerList, &ListView::doubleClicked, this, &SourceTypePage::OnDblclkSource);
     auto* column = new QVBoxLayout(this);
     column->addWidget(importerList, 1);
     column->addWidget(makePathGroup());
@@ -54,12 +55,25 @@ void SourceTypePage::OnClickSource()
 {
     wizard->message.reset();
     const int row = importerList->selectedRow();
+    if (fromUi(pathEdit->text()) != objectPath) {
+        typedPath = pathEdit->text();
+        sinceTyped.start();
+    }
     if (row < 0)
         return;
     wizard->options.setLastImporterSel(row);
     wizard->message.reset(g_amud[row]->create());
     objectPath = wizard->message->getBasePath();
     pathEdit->setText(toUi(objectPath));
+}
+
+// The first of the two clicks has shown the importer's path in place of the one that was typed.
+void SourceTypePage::OnDblclkSource()
+{
+    const bool isReplaced = fromUi(pathEdit->text()) == objectPath;
+    if (isReplaced && sinceTyped.isValid() && !sinceTyped.hasExpired(QApplication::doubleClickInterval()))
+        pathEdit->setText(typedPath);
+    sheet()->next();
 }
 
 LRESULT SourceTypePage::OnWizardNext()

@@ -2,6 +2,8 @@
 
 #include "Wizard/Pages/QELPage.h"
 
+#include <QElapsedTimer>
+
 class ListView;
 class QLineEdit;
 
@@ -19,10 +21,13 @@ public:
 private:
     /// Makes the importer of the selected row; none when there is none.
     void OnClickSource();
+    void OnDblclkSource();
     QWidget* makePathGroup();
 
     ListView* importerList = nullptr;
     int importerCount = 0;
     QLineEdit* pathEdit = nullptr;
     CString objectPath;
+    QString typedPath;        // what the last click has replaced
+    QElapsedTimer sinceTyped; // since that click; not valid where none has replaced what was typed
 };
