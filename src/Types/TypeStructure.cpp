@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -172,22 +173,54 @@ TypeContent TypeStructure::contentOf(const TypePart& part) const
     return content;
 }
 
-std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t limit, bool& isWhole) const
+// The types that are one step away.
+template <class Action>
+void TypeStructure::forEachReached(std::uint32_t type, Way way, const Action& action) const
+{
+    if (way == Way::uses) {
+        for (const TypePart& part : parts(type))
+            if (const std::uint32_t held = contentOf(part).type; held != kNone)
+                action(held);
+        return;
+    }
+    std::vector<std::uint32_t> holders{type}; // with the tables and arrays on the way
+    std::unordered_set<std::uint32_t> passed{type};
+    for (std::size_t at = 0; at < holders.size(); ++at)
+        for (const std::uint32_t user : users(holders[at]))
+            if (!holdsComponent((*this)[user]))
+                action(user);
+            else if (passed.insert(user).second)
+                holders.push_back(user);
+}
+
+std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t limit, bool& isWhole, Way way,
+                                                std::size_t depth) const
 {
     std::vector<std::uint32_t> reached{start};
-    std::vector<bool> seen(size());
-    seen[start] = true;
+    std::vector<bool> isReached(size());
+    isReached[start] = true;
     isWhole = true;
-    for (std::size_t at = 0; at < reached.size() && isWhole; ++at)
-        for (const TypePart& part : parts(reached[at])) {
-            const std::uint32_t type = contentOf(part).type;
-            if (type == kNone || seen[type])
-                continue;
-            isWhole = reached.size() < limit;
-            if (!isWhole)
-                break;
-            seen[type] = true;
-            reached.push_back(type);
-        }
+    for (const Way each : {Way::uses, Way::users}) {
+        if (way != each && way != Way::both)
+            continue;
+        std::vector<bool> isSeen(size());
+        isSeen[start] = true;
+        std::vector<std::uint32_t> level{start}, next;
+        for (std::size_t step = 0; step < depth && !level.empty(); ++step, level.swap(next), next.clear())
+            for (std::size_t at = 0; at < level.size() && isWhole; ++at)
+                forEachReached(level[at], each, [&](std::uint32_t type) {
+                    if (!isWhole || isSeen[type])
+                        return;
+                    isSeen[type] = true;
+                    next.push_back(type);
+                    if (isReached[type])
+                        return;
+                    isWhole = reached.size() < limit;
+                    if (!isWhole)
+                        return;
+                    isReached[type] = true;
+                    reached.push_back(type);
+                });
+    }
     return reached;
 }

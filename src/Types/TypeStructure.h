@@ -76,9 +76,20 @@ public:
     /// Follows tables and arrays from a part's type to what they hold. The way ends at one that holds itself.
     TypeContent contentOf(const TypePart& part) const;
 
-    /// The types that `start` reaches through its parts, nearest first and itself at the head; tables and arrays on the
-    /// way are passed through. At most `limit`; `isWhole` becomes false where there are more.
-    std::vector<std::uint32_t> reach(std::uint32_t start, std::size_t limit, bool& isWhole) const;
+    /// Which way reach() goes from a type.
+    enum class Way
+    {
+        uses,  ///< to what its parts hold
+        users, ///< to the types that hold it
+        both   ///< each way by itself
+    };
+
+    static constexpr std::size_t kAnyDepth = static_cast<std::size_t>(-1);
+
+    /// The types that `start` reaches in at most `depth` steps, nearest first and itself at the head; tables and arrays
+    /// between two are no steps and not among them. At most `limit`; `isWhole` becomes false where there are more.
+    std::vector<std::uint32_t> reach(std::uint32_t start, std::size_t limit, bool& isWhole, Way way = Way::uses,
+                                     std::size_t depth = kAnyDepth) const;
 
 private:
     struct Type
@@ -89,6 +100,8 @@ private:
         CString component; // the type that a table or an array holds
     };
 
+    template <class Action>
+    void forEachReached(std::uint32_t type, Way way, const Action& action) const;
     TypePart partOf(const Element& child, const Element& record) const;
     std::uint32_t numberOf(const Element& child, const Element& record) const;
     void collectUsers() const;
