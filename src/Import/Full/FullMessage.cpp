@@ -87,6 +87,19 @@ struct FullMessage::Declaring
     }
 };
 
+std::unique_ptr<FullMessage> FullMessage::createAnother() const
+{
+    // Some kinds of source have no other reading than the full one.
+    std::unique_ptr<FullMessage> another(row.hasFull() ? row.createFull() : dynamic_cast<FullMessage*>(row.create()));
+    another->furtherFiles = furtherFiles;
+    another->roots = roots;
+    another->layout = layout;
+    another->folders = folders;
+    another->givenName = givenName;
+    another->catalogFiles = catalogFiles;
+    return another;
+}
+
 int FullMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
     forget();

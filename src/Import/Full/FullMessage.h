@@ -4,6 +4,8 @@
 #include "Import/Full/SourceTypes.h"
 #include "Import/MsgBase.h"
 
+#include <memory>
+
 /// The base of the importers that read a source in full, by the rules of its language. An importer says what its source
 /// declares, read(); this names it, chooses the main type and declares it all in the model.
 class FullMessage : public MsgBase
@@ -20,6 +22,9 @@ public:
     /// The same for one, or none with "".
     void setRoot(const CString& name) { roots.assign(name.empty() ? 0 : 1, name); }
     CString queryRoot() const { return roots.empty() ? CString() : roots.front(); }
+
+    /// Makes an importer with the same settings that has imported nothing yet.
+    std::unique_ptr<FullMessage> createAnother() const;
 
     /// How types are laid out below the base path.
     enum class Layout
