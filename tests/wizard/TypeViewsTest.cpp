@@ -1,10 +1,16 @@
+#include "Base/Progress.h"
+#include "Wizard/Windows/Diagram.h"
+#include "Wizard/Windows/DiagramFile.h"
+#include "Wizard/Windows/DiagramScene.h"
 #include "wizard/Desk.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QGraphicsView>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QTreeView>
 #include <gmock/gmock.h>
@@ -117,7 +123,12 @@ TEST(StructureOfAType, AnswersAtOnceForFiftyThousandTypes)
     }
     QTest::keyClick(&desk.tree(), Qt::Key_Asterisk); // would open without end
     desk.button("showPicture").click();
-    EXPECT_EQ(desk.window<QLabel>("status")->text(), "The nearest 200 types; it reaches more.");
+    EXPECT_EQ(desk.window<QLabel>("status")->text().toStdString(),
+              "3 types; a double click on one goes on from there.");
+    auto& depth = *desk.window<QComboBox>("depth");
+    depth.setCurrentIndex(3);
+    Q_EMIT depth.activated(3);
+    EXPECT_EQ(desk.window<QLabel>("status")->text(), "The nearest 200 types; there are more.");
 }
 
 TEST(TypeWindow, ComesUpWhereNoViewerStarts)
@@ -197,6 +208,106 @@ TEST(PictureOfTypes, IsZoomedMovedAndSaved)
     const CString svg = TempDir::read(desk.dir.path("p.svg"));
     for (const char* text : {">b*</text>", ">String</text>", ">a</text>"})
         EXPECT_THAT(svg, testing::HasSubstr(text));
+}
+
+// A user before a picture, who clicks at boxes.
+struct PictureDesk : TypesDesk
+{
+    explicit PictureDesk(const std::string& dtd, int row) : TypesDesk(dtd, row) { button("showPicture").click(); }
+
+    QGraphicsView& view() { return *window<QGraphicsView>("picture"); }
+    const Diagram& diagram() { return dynamic_cast<DiagramScene&>(*view().scene()).queryDiagram(); }
+    CString status() { return window<QLabel>("status")->text().toStdString(); }
+    CString title() { return window<QWidget>("diagramWindow")->windowTitle().toStdString(); }
+    QPoint place(std::size_t box) { return view().mapFromScene(diagram().areaOf(box).center()); }
+    void click(std::size_t box) { QTest::mouseClick(view().viewport(), Qt::LeftButton, {}, place(box)); }
+    void enter(std::size_t box) { QTest::mouseDClick(view().viewport(), Qt::LeftButton, {}, place(box)); }
+    void choose(const char* combo, int index)
+    {
+        window<QComboBox>(combo)->setCurrentIndex(index);
+        Q_EMIT window<QComboBox>(combo)->activated(index);
+    }
+};
+
+TEST(PictureOfTypes, LeadsFromTypeToTypeAndSelectsThem)
+{
+    PictureDesk desk(kCycle, 2);
+    EXPECT_EQ(desk.status(), "3 types");
+    desk.click(1);
+    EXPECT_EQ(desk.selected(), "b");
+    EXPECT_EQ(desk.wizard().activePage()->findChild<QLabel*>("structureTitle")->text(), "b");
+    QTest::keyClick(&desk.view(), Qt::Key_Right, Qt::ControlModifier);
+    EXPECT_EQ(desk.selected(), "d");
+    QTest::keyClick(&desk.view(), Qt::Key_Return);
+    EXPECT_EQ(desk.title() + ": " + desk.status(), "d - Typeforge picture: No other type");
+    desk.choose("way", 1);
+    desk.choose("depth", 0);
+    EXPECT_EQ(desk.status(), "2 types; a double click on one goes on from there.");
+    desk.enter(1);
+    EXPECT_EQ(desk.title(), "b - Typeforge picture");
+    for (const char* before : {"d", "a"}) {
+        desk.window<QAbstractButton>("pictureBack")->click();
+        EXPECT_EQ(desk.title(), before + CString(" - Typeforge picture"));
+    }
+    EXPECT_FALSE(desk.window<QAbstractButton>("pictureBack")->isEnabled());
+    desk.Desk::click("next");
+    desk.enter(1);
+    EXPECT_EQ(desk.status(), "These types were imported anew, or left; the picture is of those before.");
+}
+
+// A root of many children, each of which holds one of its own.
+std::string wideDtd(int children)
+{
+    std::string root = "<!ELEMENT r (c0", others;
+    for (int i = 0; i < children; ++i) {
+        root += i == 0 ? "" : ",c" + std::to_string(i);
+        others += "<!ELEMENT c" + std::to_string(i) + " (x" + std::to_string(i) + ")><!ELEMENT x" + std::to_string(i) +
+                  " (y)>";
+    }
+    return root + ")>" + others;
+}
+
+TEST(PictureOfTypes, OpensWithTheNeighboursWhereThereIsMuch)
+{
+    PictureDesk desk(wideDtd(35), 0); // 71 types; row 0 is an x, which one c uses
+    EXPECT_EQ(desk.status(), "No other type");
+    desk.select(desk.list().rowCount() - 1);
+    delete desk.window<QWidget>("diagramWindow");
+    desk.button("showPicture").click();
+    EXPECT_EQ(desk.status(), "36 types; a double click on one goes on from there.");
+    desk.choose("depth", 1);
+    EXPECT_EQ(desk.diagram().boxCount(), 71u);
+}
+
+TEST(PictureOfTypes, BoundsAndCancelsAPng)
+{
+    std::string chain;
+    for (int i = 0; i < 190; ++i)
+        chain += "<!ELEMENT an_element_with_a_long_name_" + std::to_string(i) + " (an_element_with_a_long_name_" +
+                 std::to_string(i + 1) + ")>";
+    PictureDesk desk(chain, 189);
+    desk.choose("depth", 3);
+    double scale = 0;
+    EXPECT_EQ(pngSize(desk.diagram(), scale).width(), 16000);
+    EXPECT_LT(scale, 1);
+    const ProgressHandler before = setProgressHandler([](const Progress&) { return false; });
+    EXPECT_THROW(drawPng(desk.diagram()), Cancelled);
+    setProgressHandler(before);
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    answerFileDialog(desk.dir.path("large.png"));
+    QTimer user; // who takes the SVG that is offered
+    QObject::connect(&user, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || box->objectName() != "largePicture")
+            return;
+        user.stop();
+        answerFileDialog(desk.dir.path("large.svg"));
+        QTest::mouseClick(box->defaultButton(), Qt::LeftButton);
+    });
+    user.start(5);
+    desk.window<QAbstractButton>("save")->click();
+    EXPECT_EQ(desk.status(), "Saved as " + desk.dir.path("large.svg") + ".");
+    EXPECT_FALSE(std::filesystem::exists(desk.dir.path("large.png")));
 }
 
 } // namespace

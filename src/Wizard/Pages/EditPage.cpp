@@ -4,6 +4,7 @@
 #include "Files/FileMessage.h"
 #include "Resources/StringTable.h"
 #include "Types/ReportText.h"
+#include "Ui/ElidedLabel.h"
 #include "Ui/ListFilter.h"
 #include "Ui/ListView.h"
 #include "Ui/PlainText.h"
@@ -24,6 +25,7 @@
 #include <QSplitter>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -35,6 +37,19 @@ CString temporaryFolder()
         if (const char* folder = std::getenv(variable); folder != nullptr && *folder != '\0')
             return folder;
     return ".";
+}
+
+// The description of a type, which may lie in `room`. Who looks at all types would make the model keep the generated
+// ones, so these are asked for as those of fields; but a table's field is described by what the table holds.
+std::string_view descriptionOf(const Element& type, CString& room)
+{
+    return type.queryType() == Element::typeTable ? type.queryDescription() : type.queryFieldDescription(room);
+}
+
+bool saysMoreThanName(const Element& type)
+{
+    CString room;
+    return descriptionOf(type, room) != fillText(loadText(IDS_AUTOMATIC), type.queryName());
 }
 
 } // namespace
@@ -61,6 +76,7 @@ void EditPage::OnInitDialog()
     addMenuRow("&View ...", &EditPage::OnEdit);
     addMenuRow("View in a &window of Typeforge", &EditPage::showDocument);
     addMenuRow("&Picture ...", &EditPage::showPicture);
+    addMenuRow("&Structure", &EditPage::togglePane);
 }
 
 QWidget* EditPage::makeLists()
@@ -68,20 +84,30 @@ QWidget* EditPage::makeLists()
     typeList = withId(IDC_TYPES, new ListView({{loadText(IDS_COLUMN_NAME), 30}, {loadText(IDS_COLUMN_DESCRIPTION), 65}},
                                               "Generated types"));
     connect(typeList, &ListView::doubleClicked, this, &EditPage::OnDblclkEdit);
-    connect(typeList, &ListView::chosen, this, &EditPage::showStructure);
+    connect(typeList, &ListView::selectedRowsChanged, this, &EditPage::showStructure);
     auto* list = new QWidget;
     auto* column = new QVBoxLayout(list);
     column->setContentsMargins({});
     column->addWidget(typeList);
     column->insertWidget(0, new ListFilter(*typeList, "type")); // above, but behind the list for Tab
     pane = new StructurePane;
-    pane->hide();
+    paneTitle = new ElidedLabel;
+    paneTitle->setObjectName("structureTitle");
+    QFont bold = paneTitle->font();
+    bold.setBold(true);
+    paneTitle->setFont(bold);
+    paneSide = new QWidget;
+    auto* paneColumn = new QVBoxLayout(paneSide);
+    paneColumn->setContentsMargins({});
+    paneColumn->addWidget(paneTitle);
+    paneColumn->addWidget(pane);
+    paneSide->hide();
     connect(pane, &StructurePane::jumped, this, &EditPage::jumpTo);
     auto* splitter = new QSplitter;
     splitter->setObjectName("lists");
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(list);
-    splitter->addWidget(pane);
+    splitter->addWidget(paneSide);
     for (int i = 0; i < splitter->count(); ++i)
         splitter->setStretchFactor(i, 1);
     return splitter;
@@ -92,8 +118,7 @@ QHBoxLayout* EditPage::makeButtons()
     paneButton = new QPushButton("&Structure");
     paneButton->setObjectName("showStructure");
     paneButton->setCheckable(true);
-    connect(paneButton, &QPushButton::toggled, pane, &QWidget::setVisible);
-    connect(paneButton, &QPushButton::toggled, this, &EditPage::showStructure);
+    connect(paneButton, &QPushButton::toggled, this, &EditPage::showPane);
     auto* picture = new QPushButton("&Picture ...");
     picture->setObjectName("showPicture");
     connect(picture, &QPushButton::clicked, this, &EditPage::showPicture);
@@ -130,9 +155,17 @@ void EditPage::showTypes()
 {
     structure.reset();
     types.clear();
+    sheet()->runLong([this] {
+        const auto made = std::make_shared<TypeStructure>(*wizard->message);
+        descriptionsSayMore = false;
+        for (std::uint32_t type = 0; type < made->size() && !descriptionsSayMore; ++type)
+            descriptionsSayMore = saysMoreThanName((*made)[type]);
+        structure = made;
+    });
     types.reserve(static_cast<std::size_t>(wizard->message->beginEnum()));
     while (Element* element = wizard->message->enumNext())
         types.push_back(element);
+    findMain();
     const FullMessage* const full = wizard->fullMessage();
     const bool showsFolders = full && full->laysOutByNamespace();
     const std::size_t base = toXmlText(wizard->options.queryPath()).size();
@@ -140,36 +173,64 @@ void EditPage::showTypes()
         static_cast<int>(types.size()),
         [this, showsFolders, base](int row, int column) {
             const Element* element = types[static_cast<std::size_t>(row)];
+            CString room;
             if (column != 0)
-                return element->queryDescription();
+                return CString(descriptionOf(*element, room));
             return showsFolders ? element->queryPath().substr(base) + element->queryName() : element->queryName();
         },
         [this](int row) -> const ListRows::Mark& {
-            return kindMark(types[static_cast<std::size_t>(row)]->queryType());
+            return row == mainRow ? mainMark : kindMark(types[static_cast<std::size_t>(row)]->queryType());
         });
-    showStructure();
+    typeList->selectRow(mainRow);
+    showPane(!paneSide->isHidden());
 }
 
-// Imports once more, from another main element.
+// Marks the record of the main type's name; -1 where there is none, as with tables. Types come after their parts, so
+// of several it is the last.
+void EditPage::findMain()
+{
+    const CString name = wizard->message->queryMainTypeName();
+    const auto isMain = [&name](const Element* type) {
+        return type->queryType() == Element::typeRow && type->queryName() == name;
+    };
+    const auto found = std::find_if(types.rbegin(), types.rend(), isMain);
+    mainRow = static_cast<int>(types.rend() - found) - 1;
+    if (mainRow < 0)
+        return;
+    mainMark = kindMark((*found)->queryType());
+    mainMark.word += tr(", main type");
+    mainMark.isStrong = true;
+}
+
+// Imports once more, by another importer. The former import stays until the new one is there, and where that fails or
+// is cancelled, which false says.
+bool EditPage::importBy(FullMessage* other)
+{
+    std::unique_ptr<MsgBase> former = std::exchange(wizard->message, std::unique_ptr<MsgBase>(other));
+    const auto import = [this]() -> LRESULT { return wizard->importAgain() ? 0 : -1; };
+    if (sheet()->ask(import) == -1) {
+        wizard->message = std::move(former);
+        return false;
+    }
+    clear(); // it shows the former elements
+    return true;
+}
+
 void EditPage::chooseMain(const CString& name)
 {
-    clear(); // the elements go
-    wizard->fullMessage()->setRoot(name);
-    const auto import = [this]() -> LRESULT { return wizard->importAgain() ? 0 : -1; };
-    if (sheet()->ask(import) == -1)
-        return sheet()->back(); // there are no types left to look at
-    readingRow->showCount(*wizard->fullMessage());
+    std::unique_ptr<FullMessage> another = wizard->fullMessage()->createAnother();
+    another->setRoot(name);
+    if (!importBy(another.release()))
+        return readingRow->showReading(*wizard->message, wizard->fullMessage());
+    readingRow->showCount(*wizard->message);
     showTypes();
 }
 
 void EditPage::readInFull()
 {
-    clear();              // the elements go
     typeList->setFocus(); // the button goes
-    wizard->message.reset(wizard->message->queryDescriptor()->createFull());
-    const auto import = [this]() -> LRESULT { return wizard->importAgain() ? 0 : -1; };
-    if (sheet()->ask(import) == -1)
-        return sheet()->back(); // there are no types left to look at
+    if (!importBy(wizard->message->queryDescriptor()->createFull()))
+        return;
     wizard->options.setFullReading(1);
     OnSetActive();
 }
@@ -189,9 +250,9 @@ void EditPage::hideEvent(QHideEvent* event)
 
 void EditPage::clear()
 {
-    typeList->setRows(0, {});
     pane->showType(nullptr, 0);
     structure.reset();
+    typeList->setRows(0, {});
 }
 
 // The pane comes and goes where the window passes the width that has room for it; in between, the user decides.
@@ -216,32 +277,24 @@ void EditPage::OnEdit()
     const int row = queryRow();
     if (row < 0)
         return;
-    CString document;
+    const CString name = types[static_cast<std::size_t>(row)]->queryName();
+    CString document, fileName;
     types[static_cast<std::size_t>(row)]->asXML(document);
-    view(types[static_cast<std::size_t>(row)]->queryName(), document, DocumentWindow::ofType);
+    const FileCause cause = tempFiles.add(temporaryFolder(), document, fileName);
+    if (cause != FileCause::none) {
+        stay(cantOpen(fileName, cause), inWords(fileName, cause));
+        return;
+    }
+    showInViewer(fileName, this, [this, name, document] {
+        (new DocumentWindow(sheet(), name, document, tr("No viewer for XML files could be started.")))->show();
+    });
 }
 
 void EditPage::showReport()
 {
     CString report;
     writeReport(*wizard->message, ReportFormat::text, [&report](std::string_view piece) { report.append(piece); });
-    view(fromUi(tr("What was not read")), report, DocumentWindow::ofReport);
-}
-
-void EditPage::view(const CString& name, const CString& text, DocumentWindow::Kind kind)
-{
-    const bool isReport = kind == DocumentWindow::ofReport;
-    CString fileName;
-    const FileCause cause = tempFiles.add(temporaryFolder(), text, fileName, isReport ? ".txt" : ".xml");
-    if (cause != FileCause::none) {
-        stay(cantOpen(fileName, cause), inWords(fileName, cause));
-        return;
-    }
-    showInViewer(fileName, this, [this, name, text, kind, isReport] {
-        const QString note = isReport ? tr("No viewer for text files could be started.")
-                                      : tr("No viewer for XML files could be started.");
-        (new DocumentWindow(sheet(), name, text, note, kind))->show();
-    });
+    (new DocumentWindow(sheet(), fromUi(tr("What was not read")), report, {}, DocumentWindow::ofReport))->show();
 }
 
 void EditPage::OnDblclkEdit()
@@ -262,28 +315,43 @@ void EditPage::showDocument()
 
 void EditPage::showPicture()
 {
-    if (const int row = queryRow(); row >= 0)
-        (new DiagramWindow(sheet(), queryStructure(), static_cast<std::uint32_t>(row)))->show();
+    const int row = queryRow();
+    if (row < 0)
+        return;
+    auto* window = new DiagramWindow(sheet(), structure);
+    connect(window, &DiagramWindow::typeChosen, this, &EditPage::jumpTo);
+    window->open(static_cast<std::uint32_t>(row));
+}
+
+void EditPage::togglePane()
+{
+    paneButton->toggle();
+}
+
+// Beside the pane the list has room for names, and for descriptions that say more than these.
+void EditPage::showPane(bool visible)
+{
+    paneSide->setVisible(visible);
+    typeList->setShares(!visible              ? std::vector{30, 65}
+                        : descriptionsSayMore ? std::vector{75, 20}
+                                              : std::vector{95, 0});
+    showStructure();
 }
 
 void EditPage::showStructure()
 {
     const int row = typeList->selectedRow();
-    if (row < 0 || pane->isHidden())
-        pane->showType(nullptr, 0);
-    else
-        pane->showType(&queryStructure(), static_cast<std::uint32_t>(row));
+    if (row < 0 || !structure || paneSide->isHidden()) {
+        paneTitle->setText(tr("No type is selected"));
+        return pane->showType(nullptr, 0);
+    }
+    const auto type = static_cast<std::uint32_t>(row);
+    paneTitle->setText(toUi(shortName(structure->queryFullName(type))));
+    pane->setAccessibleName(tr("Structure of %1").arg(paneTitle->text()));
+    pane->showType(structure.get(), type);
 }
 
 void EditPage::jumpTo(std::uint32_t type)
 {
     typeList->selectRow(static_cast<int>(type));
-    showStructure();
-}
-
-const TypeStructure& EditPage::queryStructure()
-{
-    if (!structure)
-        structure = std::make_unique<TypeStructure>(*wizard->message);
-    return *structure;
 }

@@ -2,12 +2,14 @@
 
 #include "Files/TemporaryFiles.h"
 #include "Types/TypeStructure.h"
+#include "Ui/ListRows.h"
 #include "Wizard/Pages/QELPage.h"
 #include "Wizard/Windows/DocumentWindow.h"
 
 #include <memory>
 #include <vector>
 
+class FullMessage;
 class ListView;
 class QHBoxLayout;
 class QLabel;
@@ -40,24 +42,31 @@ private:
     int queryRow();
     void showDocument();
     void showPicture();
+    void togglePane();
+    void showPane(bool visible);
     void showStructure();
     void jumpTo(std::uint32_t type);
-    const TypeStructure& queryStructure();
 
     void showTypes();
+    void findMain();
+    bool importBy(FullMessage* other);
     void chooseMain(const CString& name);
     void readInFull();
     void showReport();
     void clear();
-    void view(const CString& name, const CString& text, DocumentWindow::Kind kind);
 
     QLabel* wayOut = nullptr;
     ReadingRow* readingRow = nullptr;
     ListView* typeList = nullptr;
     StructurePane* pane = nullptr;
+    QWidget* paneSide = nullptr; // the pane with its title
+    QLabel* paneTitle = nullptr;
     QPushButton* paneButton = nullptr;
-    std::vector<Element*> types;              // the list's rows; the importer owns them
-    std::unique_ptr<TypeStructure> structure; // of these types; made when it is first asked for
-    bool isWide = false;                      // there is room for the pane, and for the list as it is without
+    std::vector<Element*> types; // the list's rows; the importer owns them
+    int mainRow = -1;            // of the main type, -1 where there is none
+    ListRows::Mark mainMark;
+    std::shared_ptr<const TypeStructure> structure; // of these types
+    bool descriptionsSayMore = false;               // than the names, of these types
+    bool isWide = false;                            // there is room for the pane, and for the list as it is without
     TemporaryFiles tempFiles;
 };

@@ -1,150 +1,96 @@
 #include "Wizard/Windows/DiagramScene.h"
 
-#include "Ui/GraphLayout.h"
-#include "Ui/UiText.h"
+#include "Wizard/Windows/Diagram.h"
 
-#include <QFontMetricsF>
-#include <QGraphicsPathItem>
-#include <QGraphicsSimpleTextItem>
+#include <QGraphicsItem>
+#include <QPainter>
+#include <QStyleOptionGraphicsItem>
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
 namespace {
 
-constexpr double kPadding = 8;
-constexpr double kWidestText = 260; // of a name or a type; longer ones are cut in the middle
-
-// Routing takes Graphviz the square of what there is to route. So in a web of more arrows only the first that leads to
-// each box is routed, which places the boxes; the others are drawn as plain curves.
-constexpr std::size_t kMostRouted = 250;
-
-std::vector<TypeGraph::Arrow> takeUnrouted(TypeGraph& graph)
+class BoxItem : public QGraphicsItem
 {
-    if (graph.arrows.size() <= kMostRouted)
-        return {};
-    std::vector<char> isReached(graph.boxes.size());
-    const auto isFirst = [&](const TypeGraph::Arrow& arrow) {
-        return arrow.from < arrow.to && !std::exchange(isReached[arrow.to], 1); // boxes come nearest first
-    };
-    const auto rest = std::stable_partition(graph.arrows.begin(), graph.arrows.end(), isFirst);
-    std::vector<TypeGraph::Arrow> unrouted(rest, graph.arrows.end());
-    graph.arrows.erase(rest, graph.arrows.end());
-    return unrouted;
-}
+public:
+    BoxItem(const DiagramScene& shownIn, std::size_t boxNumber) : scene(shownIn), box(boxNumber)
+    {
+        setFlag(ItemUsesExtendedStyleOption); // or all of a long box is drawn for a part of it
+        setZValue(1);                         // above the arrows
+    }
 
-QColor mix(const QColor& a, const QColor& b, int percentOfB)
-{
-    const auto channel = [percentOfB](int x, int y) { return x + (y - x) * percentOfB / 100; };
-    return {channel(a.red(), b.red()), channel(a.green(), b.green()), channel(a.blue(), b.blue())};
-}
+    QRectF boundingRect() const override { return scene.queryDiagram().areaOf(box).adjusted(-4, -4, 4, 4); }
 
-QString hiddenText(std::size_t count)
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) override
+    {
+        const double scale = QStyleOptionGraphicsItem::levelOfDetailFromTransform(painter->worldTransform());
+        scene.queryDiagram().drawBox(*painter, box, option->exposedRect, scale, scene.queryChosen() == box);
+    }
+
+private:
+    const DiagramScene& scene;
+    std::size_t box;
+};
+
+class ArrowItem : public QGraphicsItem
 {
-    return QObject::tr("... %1 more").arg(count);
-}
+public:
+    ArrowItem(const Diagram& drawn, std::size_t arrowNumber) : diagram(drawn), arrow(arrowNumber) {}
+
+    QRectF boundingRect() const override { return diagram.areaOfArrow(arrow); }
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidget*) override
+    {
+        diagram.drawArrow(*painter, arrow);
+    }
+
+private:
+    const Diagram& diagram;
+    std::size_t arrow;
+};
 
 } // namespace
 
-DiagramScene::DiagramScene(const TypeGraph& graph, const QPalette& colours, const QFont& textFont) :
-    palette(colours), font(textFont), titleFont(textFont)
+DiagramScene::DiagramScene(std::shared_ptr<const Diagram> drawn, const QColor& ground) : diagram(std::move(drawn))
 {
-    titleFont.setBold(true);
-    rowHeight = std::ceil(QFontMetricsF(titleFont).height() + kPadding / 2);
-    setBackgroundBrush(palette.base());
-    TypeGraph routed = graph;
-    const std::vector<TypeGraph::Arrow> unrouted = takeUnrouted(routed);
-    std::vector<GraphBox> sizes;
-    for (const TypeGraph::Box& box : graph.boxes)
-        sizes.push_back(measure(box));
-    const std::optional<GraphLayout> layout = layOutGraph(routed.toDot(), sizes);
-    if (!layout)
-        return;
-    for (const TypeGraph::Arrow& arrow : unrouted)
-        drawPlainArrow(arrow, *layout);
-    for (const GraphLayout::Arrow& arrow : layout->arrows)
-        drawArrow(arrow.line, arrow.tip);
-    for (std::size_t i = 0; i < graph.boxes.size(); ++i)
-        drawBox(graph.boxes[i], layout->boxes[i]);
-    start = layout->boxes.front();
-    setSceneRect(itemsBoundingRect().marginsAdded({kPadding, kPadding, kPadding, kPadding}));
+    setBackgroundBrush(ground);
+    for (std::size_t arrow = 0; arrow < diagram->arrowCount(); ++arrow)
+        addItem(new ArrowItem(*diagram, arrow));
+    for (std::size_t box = 0; box < diagram->boxCount(); ++box)
+        addItem(boxes.emplace_back(new BoxItem(*this, box)));
+    setSceneRect(diagram->queryArea());
 }
 
-GraphBox DiagramScene::measure(const TypeGraph::Box& box) const
+void DiagramScene::choose(std::size_t box)
 {
-    const QFontMetricsF metrics(font);
-    const auto width = [&metrics](const CString& text) {
-        return text.empty() ? 0 : std::min(metrics.horizontalAdvance(toUi(text)), kWidestText);
-    };
-    double widest = std::min(QFontMetricsF(titleFont).horizontalAdvance(toUi(box.title)), 2 * kWidestText);
-    for (const TypeGraph::Row& row : box.rows)
-        widest = std::max(widest, width(row.name) + 2 * kPadding + width(row.type));
-    if (box.hidden > 0)
-        widest = std::max(widest, metrics.horizontalAdvance(hiddenText(box.hidden)));
-    const std::size_t rows = 1 + box.rows.size() + (box.hidden > 0);
-    return {{std::ceil(widest + 2 * kPadding), rowHeight * static_cast<double>(rows)}, rows};
+    boxes[chosen]->update();
+    chosen = box;
+    boxes[chosen]->update();
 }
 
-void DiagramScene::drawBox(const TypeGraph::Box& box, const QRectF& area)
+std::optional<std::size_t> DiagramScene::boxAt(const QPointF& point) const
 {
-    const QColor frame = mix(palette.color(QPalette::Base), palette.color(QPalette::Text), 50);
-    const QColor head = mix(palette.color(QPalette::Base), palette.color(QPalette::Highlight), 30);
-    QRectF row(area.topLeft(), QSizeF(area.width(), rowHeight));
-    addRect(area, QPen(frame), palette.base());
-    addRect(row, QPen(frame), head);
-    drawText(toUi(box.title), titleFont, palette.color(QPalette::Text), row, false);
-    for (const TypeGraph::Row& part : box.rows) {
-        row.translate(0, rowHeight);
-        drawRow(part, row);
+    for (std::size_t box = 0; box < boxes.size(); ++box)
+        if (diagram->areaOf(box).contains(point))
+            return box;
+    return {};
+}
+
+// What lies aside counts twice, so that a key leads along a row or a column first.
+std::optional<std::size_t> DiagramScene::boxTowards(int key) const
+{
+    std::optional<std::size_t> nearest;
+    double shortest = 0;
+    for (std::size_t box = 0; box < boxes.size(); ++box) {
+        const QPointF way = diagram->areaOf(box).center() - diagram->areaOf(chosen).center();
+        const bool isSideways = key == Qt::Key_Left || key == Qt::Key_Right;
+        const bool isBackwards = key == Qt::Key_Left || key == Qt::Key_Up;
+        const double along = (isSideways ? way.x() : way.y()) * (isBackwards ? -1 : 1);
+        const double distance = along + 2 * std::abs(isSideways ? way.y() : way.x());
+        if (box == chosen || along <= 0 || (nearest && distance >= shortest))
+            continue;
+        nearest = box;
+        shortest = distance;
     }
-    if (box.hidden > 0)
-        drawText(hiddenText(box.hidden), font, palette.color(QPalette::Text), row.translated(0, rowHeight), false);
-}
-
-void DiagramScene::drawRow(const TypeGraph::Row& row, const QRectF& area)
-{
-    const QColor quiet = mix(palette.color(QPalette::Base), palette.color(QPalette::Text), 70);
-    drawText(toUi(row.name), font, palette.color(QPalette::Text), area, false);
-    drawText(toUi(row.type), font, quiet, area, true);
-}
-
-void DiagramScene::drawText(const QString& text, const QFont& textFont, const QColor& tone, const QRectF& area,
-                            bool right)
-{
-    if (text.isEmpty())
-        return;
-    const QFontMetricsF metrics(textFont);
-    const double widest = textFont.bold() ? 2 * kWidestText : kWidestText;
-    auto* item = addSimpleText(metrics.elidedText(text, Qt::ElideMiddle, widest), textFont);
-    item->setBrush(tone);
-    const double width = item->boundingRect().width();
-    item->setPos(right ? area.right() - kPadding - width : area.left() + kPadding,
-                 area.center().y() - item->boundingRect().height() / 2);
-}
-
-void DiagramScene::drawArrow(const QPainterPath& line, const QPointF& tip)
-{
-    const QColor tone = mix(palette.color(QPalette::Base), palette.color(QPalette::Text), 65);
-    addPath(line, QPen(tone, 1.2));
-    const QLineF head(line.currentPosition(), tip);
-    if (head.length() == 0)
-        return;
-    QLineF foot = head.normalVector();
-    foot.setLength(3.5);
-    const QPointF side = foot.p2() - foot.p1();
-    addPolygon(QPolygonF({tip, head.p1() + side, head.p1() - side}), QPen(tone), tone);
-}
-
-void DiagramScene::drawPlainArrow(const TypeGraph::Arrow& arrow, const GraphLayout& layout)
-{
-    constexpr double head = 10;
-    const QRectF& from = layout.boxes[arrow.from];
-    const QRectF& to = layout.boxes[arrow.to];
-    const QPointF start(from.right(), from.top() + rowHeight * (static_cast<double>(arrow.row) + 1.5));
-    const QPointF tip(to.left(), to.top() + rowHeight / 2);
-    const double bend = std::max(40.0, std::abs(tip.x() - start.x()) / 3);
-    QPainterPath line(start);
-    line.cubicTo(start + QPointF(bend, 0), tip - QPointF(head + bend, 0), tip - QPointF(head, 0));
-    drawArrow(line, tip);
+    return nearest;
 }

@@ -1,36 +1,34 @@
 #pragma once
 
-#include "Types/TypeGraph.h"
-
-#include <QFont>
 #include <QGraphicsScene>
-#include <QPalette>
 
-struct GraphBox;
-struct GraphLayout;
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
 
-/// The picture of a graph of types: boxes with a title and a row for each part, and arrows between them, in the tones
-/// of a palette.
+class Diagram;
+
+/// A diagram to look at, one of whose boxes is chosen.
 class DiagramScene : public QGraphicsScene
 {
 public:
-    /// Empty where the graph can't be laid out.
-    DiagramScene(const TypeGraph& graph, const QPalette& palette, const QFont& font);
+    explicit DiagramScene(std::shared_ptr<const Diagram> diagram, const QColor& ground);
 
-    /// Where the first box is.
-    const QRectF& queryStart() const { return start; }
+    const Diagram& queryDiagram() const { return *diagram; }
+
+    /// The chosen box; the first one at the start.
+    std::size_t queryChosen() const { return chosen; }
+    void choose(std::size_t box);
+
+    /// The box at that point.
+    std::optional<std::size_t> boxAt(const QPointF& point) const;
+
+    /// The box nearest to the chosen one in the direction of an arrow key.
+    std::optional<std::size_t> boxTowards(int key) const;
 
 private:
-    GraphBox measure(const TypeGraph::Box& box) const;
-    void drawBox(const TypeGraph::Box& box, const QRectF& area);
-    void drawRow(const TypeGraph::Row& row, const QRectF& area);
-    void drawText(const QString& text, const QFont& font, const QColor& tone, const QRectF& area, bool right);
-    void drawArrow(const QPainterPath& line, const QPointF& tip);
-    void drawPlainArrow(const TypeGraph::Arrow& arrow, const GraphLayout& layout);
-
-    QPalette palette;
-    QFont font;
-    QFont titleFont;
-    double rowHeight;
-    QRectF start;
+    std::shared_ptr<const Diagram> diagram;
+    std::vector<QGraphicsItem*> boxes;
+    std::size_t chosen = 0;
 };

@@ -1,11 +1,17 @@
 #include "Wizard/Windows/DiagramView.h"
 
+#include "Wizard/Windows/Diagram.h"
+#include "Wizard/Windows/DiagramScene.h"
+
+#include <QApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 constexpr double kStep = 1.25;
@@ -15,11 +21,27 @@ constexpr double kLegible = 0.45;
 constexpr double kMargin = 20;
 } // namespace
 
-DiagramView::DiagramView(QGraphicsScene* scene, const QRectF& startArea) : QGraphicsView(scene), start(startArea)
+DiagramView::DiagramView()
 {
     setDragMode(ScrollHandDrag);
     setRenderHint(QPainter::Antialiasing);
     setFrameShape(QFrame::NoFrame);
+}
+
+void DiagramView::showDiagram(std::shared_ptr<const Diagram> diagram)
+{
+    delete diagramScene;
+    diagramScene = new DiagramScene(std::move(diagram), palette().color(QPalette::Base));
+    diagramScene->setParent(this);
+    setScene(diagramScene);
+    opens = fits = true;
+    fit();
+}
+
+void DiagramView::choose(std::size_t box)
+{
+    diagramScene->choose(box);
+    Q_EMIT boxChosen(box);
 }
 
 void DiagramView::zoom(double factor)
@@ -60,7 +82,19 @@ void DiagramView::wheelEvent(QWheelEvent* event)
 
 void DiagramView::keyPressEvent(QKeyEvent* event)
 {
+    if (diagramScene && (event->modifiers() & Qt::ControlModifier)) {
+        if (const auto box = diagramScene->boxTowards(event->key())) {
+            choose(*box);
+            ensureVisible(diagramScene->queryDiagram().areaOf(*box));
+        }
+        return;
+    }
     switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (diagramScene)
+            Q_EMIT boxEntered(diagramScene->queryChosen());
+        return;
     case Qt::Key_Plus:
     case Qt::Key_Equal:
         return zoom(kStep);
@@ -83,17 +117,51 @@ void DiagramView::keyPressEvent(QKeyEvent* event)
     }
 }
 
+// A press that doesn't drag the picture is a click.
+void DiagramView::mousePressEvent(QMouseEvent* event)
+{
+    pressed = event->pos();
+    QGraphicsView::mousePressEvent(event);
+}
+
+void DiagramView::mouseReleaseEvent(QMouseEvent* event)
+{
+    QGraphicsView::mouseReleaseEvent(event);
+    const bool isClick = (event->pos() - pressed).manhattanLength() < QApplication::startDragDistance();
+    if (!diagramScene || !isClick || event->button() != Qt::LeftButton)
+        return;
+    if (const auto box = diagramScene->boxAt(mapToScene(event->pos())))
+        choose(*box);
+}
+
+void DiagramView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    pressed = {-QApplication::startDragDistance(), 0}; // its release is no click
+    if (!diagramScene || event->button() != Qt::LeftButton)
+        return;
+    if (const auto box = diagramScene->boxAt(mapToScene(event->pos())))
+        Q_EMIT boxEntered(*box);
+}
+
 void DiagramView::resizeEvent(QResizeEvent* event)
 {
     QGraphicsView::resizeEvent(event);
+    fit();
+}
+
+void DiagramView::fit()
+{
+    if (!diagramScene)
+        return;
     const bool first = opens;
     if (fits)
         showAll();
     opens = first;
     if (opens && transform().m11() < kLegible) {
         resetTransform();
+        const QRectF& start = diagramScene->queryDiagram().areaOf(0);
         const QSizeF seen = viewport()->size();
-        centerOn(start.left() + seen.width() / 2 - kMargin,
+        centerOn(std::min(start.center().x(), start.left() + seen.width() / 2 - kMargin),
                  std::min(start.center().y(), start.top() - kMargin + seen.height() / 2));
     }
 }

@@ -1,92 +1,94 @@
 #include "Wizard/Windows/DiagramWindow.h"
 
-#include "Types/TypeStructure.h"
+#include "Base/Progress.h"
+#include "Resources/StringIds.h"
+#include "Resources/StringTable.h"
+#include "Ui/ComboBox.h"
 #include "Ui/ElidedLabel.h"
+#include "Ui/LongWork.h"
+#include "Ui/ModalBox.h"
 #include "Ui/PlainText.h"
+#include "Ui/ProgressRow.h"
 #include "Ui/UiText.h"
-#include "Ui/WaitCursor.h"
-#include "Wizard/Windows/DiagramScene.h"
+#include "Wizard/Windows/Diagram.h"
+#include "Wizard/Windows/DiagramFile.h"
 #include "Wizard/Windows/DiagramView.h"
 #include "Wizard/Windows/SaveFile.h"
 
-#include <QBuffer>
 #include <QHBoxLayout>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
-#include <QSvgGenerator>
 #include <QVBoxLayout>
-
-#include <algorithm>
-#include <cmath>
 
 namespace {
 
 constexpr std::size_t kMostTypes = 200;
+constexpr std::size_t kManyTypes = 60; // more are shown only when they are asked for
 constexpr std::size_t kMostRows = 40;
+constexpr int kAllDepths = 3; // the row of the list behind 1, 2 and 3
 
-void renderSvg(QGraphicsScene& scene, const QString& title, QIODevice& out)
-{
-    QSvgGenerator svg;
-    svg.setOutputDevice(&out);
-    if (title == title.toHtmlEscaped()) // or the picture is no XML
-        svg.setTitle(title);
-    svg.setSize(scene.sceneRect().size().toSize());
-    svg.setViewBox(QRectF({}, scene.sceneRect().size()));
-    QPainter painter(&svg);
-    scene.render(&painter);
-}
-
-// Twice the size on the screen, for printing, as far as that gives a picture that programs can open.
-void renderPng(QGraphicsScene& scene, QIODevice& out)
-{
-    constexpr double kMostPixels = 100e6;
-    const QSizeF size = scene.sceneRect().size();
-    const double scale = std::min(2.0, std::sqrt(kMostPixels / (size.width() * size.height())));
-    QImage image((size * scale).toSize().expandedTo({1, 1}), QImage::Format_RGB32);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    scene.render(&painter);
-    painter.end();
-    image.save(&out, "PNG");
-}
+// Raised where a picture is too large for a PNG, and the user wants an SVG.
+struct SvgWanted
+{};
 
 } // namespace
 
-DiagramWindow::DiagramWindow(QWidget* owner, const TypeStructure& structure, std::uint32_t type) :
-    QWidget(owner, Qt::Window), name(toUi(shortName(structure.queryFullName(type)))), status(new ElidedLabel)
+DiagramWindow::DiagramWindow(QWidget* owner, const std::shared_ptr<const TypeStructure>& shownStructure) :
+    QWidget(owner, Qt::Window), structure(shownStructure), view(new DiagramView), status(new ElidedLabel)
 {
-    const WaitCursor wait;
     setObjectName("diagramWindow");
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(plainTitle(tr("%1 - Typeforge picture").arg(name)));
-    bool isWhole = true;
-    const std::vector<std::uint32_t> types = structure.reach(type, kMostTypes, isWhole);
-    scene = new DiagramScene(TypeGraph(structure, types, kMostRows), palette(), font());
-    scene->setParent(this);
-    view = new DiagramView(scene, scene->queryStart());
     view->setObjectName("picture");
-    const QString count = scene->items().isEmpty() ? tr("Graphviz can't lay this picture out.")
-                          : !isWhole               ? tr("The nearest %1 types; it reaches more.").arg(types.size())
-                          : types.size() == 1      ? tr("It reaches no other type.")
-                                                   : tr("%1 types").arg(types.size());
     status->setObjectName("status");
-    status->setText(count);
-    view->setAccessibleName(tr("Picture of the types that %1 reaches").arg(name));
-    view->setAccessibleDescription(count);
+    connect(view, &DiagramView::boxChosen, this, &DiagramWindow::choose);
+    connect(view, &DiagramView::boxEntered, this, &DiagramWindow::goTo);
     auto* column = new QVBoxLayout(this);
+    column->addLayout(makeChoiceRow());
     column->addWidget(view);
     column->addWidget(status);
-    column->addLayout(makeButtonRow());
+    column->addWidget(makeButtons());
     new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
+    for (const QKeySequence& key : {QKeySequence(Qt::ALT | Qt::Key_Left), QKeySequence(Qt::Key_Backspace)})
+        new QShortcut(key, this, this, &DiagramWindow::goBack);
     const QSize wanted(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36);
     resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // what is left is for the frame
     view->setFocus();
 }
 
-QHBoxLayout* DiagramWindow::makeButtonRow()
+QHBoxLayout* DiagramWindow::makeChoiceRow()
 {
+    backButton = new QPushButton(tr("&Back"));
+    backButton->setObjectName("pictureBack");
+    backButton->setToolTip(plainToolTip(tr("The picture before this one (Alt+Left)")));
+    backButton->setEnabled(false);
+    connect(backButton, &QPushButton::clicked, this, &DiagramWindow::goBack);
     auto* row = new QHBoxLayout;
+    row->addWidget(backButton);
+    row->addStretch();
+    const auto addCombo = [&](const char* objectName, const QString& label, const QStringList& choices) {
+        auto* combo = new ComboBox(label);
+        combo->setObjectName(objectName);
+        combo->addItems(choices);
+        connect(combo, &QComboBox::activated, this, &DiagramWindow::redraw);
+        QLabel* words = plainLabel(label);
+        words->setBuddy(combo);
+        row->addWidget(words);
+        row->addWidget(combo);
+        return combo;
+    };
+    way = addCombo("way", tr("S&how:"), {tr("What it uses"), tr("Who uses it"), tr("Both")});
+    depth = addCombo("depth", tr("&Depth:"), {"1", "2", "3", tr("Any")});
+    depth->setCurrentIndex(kAllDepths);
+    return row;
+}
+
+QWidget* DiagramWindow::makeButtons()
+{
+    buttons = new QWidget;
+    auto* row = new QHBoxLayout(buttons);
+    row->setContentsMargins({});
     row->addStretch();
     const auto addButton = [&](const char* objectName, const QString& title, const QString& tip, auto action) {
         auto* button = new QPushButton(title);
@@ -101,26 +103,217 @@ QHBoxLayout* DiagramWindow::makeButtonRow()
     addButton("zoomOut", tr("Zoom &out"), "-", [this] { view->zoom(1 / kStep); });
     addButton("showAll", tr("Show &all"), "0", [this] { view->showAll(); });
     QPushButton* saveButton =
-        addButton("save", tr("&Save ..."), tr("Saves the picture as SVG or PNG"), &DiagramWindow::save);
+        addButton("save", tr("&Save ..."), tr("Saves the picture as SVG or PNG"), qOverload<>(&DiagramWindow::save));
     connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, saveButton, &QPushButton::click);
     addButton("close", tr("C&lose"), QKeySequence(Qt::Key_Escape).toString(QKeySequence::NativeText), &QWidget::close);
-    return row;
+
+    work = new QWidget;
+    progress = new ProgressRow;
+    cancelButton = new QPushButton(tr("&Cancel"));
+    cancelButton->setObjectName("cancelWork");
+    auto* workRow = new QHBoxLayout(work);
+    workRow->setContentsMargins({});
+    workRow->addWidget(progress, 1);
+    workRow->addWidget(cancelButton);
+    work->hide();
+
+    auto* both = new QWidget;
+    auto* column = new QVBoxLayout(both);
+    column->setContentsMargins({});
+    column->addWidget(buttons);
+    column->addWidget(work);
+    return both;
+}
+
+// False if it was cancelled.
+bool DiagramWindow::runLong(const std::function<void()>& call)
+{
+    LongWork inHand(*cancelButton);
+    const auto tell = [&] {
+        const Progress now = inHand.query();
+        progress->show(inHand.isCancelled() ? tr("Cancelling ...") : tr("Drawing the picture ..."),
+                       now.total == 0 ? -1 : double(now.done) / double(now.total));
+    };
+    connect(cancelButton, &QPushButton::clicked, &inHand, &LongWork::cancel);
+    connect(&inHand, &LongWork::goesOn, this, tell);
+    connect(&inHand, &LongWork::lasts, this, [&] {
+        buttons->hide();
+        work->show();
+        tell();
+        show(); // of a picture that opens
+        cancelButton->setFocus();
+    });
+    bool isDone = true;
+    try {
+        inHand.run(call);
+    } catch (const Cancelled&) {
+        isDone = false;
+    }
+    const bool wasShown = !work->isHidden();
+    work->hide();
+    buttons->show();
+    if (wasShown)
+        view->setFocus();
+    return isDone;
+}
+
+void DiagramWindow::open(std::uint32_t type)
+{
+    bool isWhole = true;
+    structure.lock()->reach(type, kManyTypes, isWhole);
+    if (!isWhole) {
+        depth->setCurrentIndex(0);
+        way->setCurrentIndex(static_cast<int>(TypeStructure::Way::both));
+    }
+    if (draw(type))
+        show();
+    else
+        close();
+}
+
+bool DiagramWindow::draw(std::uint32_t type)
+{
+    if (!areTypesThere())
+        return false;
+    bool isWhole = true;
+    std::size_t count = 0;
+    std::shared_ptr<const Diagram> drawn;
+    const auto types = structure.lock(); // stay while they are drawn
+    const bool isDone =
+        runLong([&, chosenWay = TypeStructure::Way(way->currentIndex()),
+                 steps = depth->currentIndex() == kAllDepths ? TypeStructure::kAnyDepth
+                                                             : static_cast<std::size_t>(depth->currentIndex()) + 1,
+                 tones = palette(), letters = font()] {
+            beginWork(Work::arranging);
+            const std::vector<std::uint32_t> around = types->reach(type, kMostTypes, isWhole, chosenWay, steps);
+            count = around.size();
+            drawn = std::make_shared<const Diagram>(TypeGraph(*types, around, kMostRows), tones, letters);
+            checkWanted();
+        });
+    if (!isDone)
+        return false;
+    shown = type;
+    diagram = drawn;
+    name = toUi(shortName(types->queryFullName(type)));
+    setWindowTitle(plainTitle(tr("%1 - Typeforge picture").arg(name)));
+    view->showDiagram(diagram);
+    status->setText(diagram->isEmpty() ? tr("Graphviz can't lay this picture out.") : countOf(count, isWhole));
+    view->setAccessibleName(tr("Picture of the types around %1").arg(name));
+    view->setAccessibleDescription(status->text());
+    backButton->setEnabled(!earlier.empty());
+    return true;
+}
+
+QString DiagramWindow::countOf(std::size_t types, bool isWhole) const
+{
+    if (!isWhole)
+        return tr("The nearest %1 types; there are more.").arg(types);
+    const QString count = types == 1 ? tr("No other type") : tr("%1 types").arg(types);
+    return depth->currentIndex() == kAllDepths ? count : tr("%1; a double click on one goes on from there.").arg(count);
+}
+
+void DiagramWindow::redraw()
+{
+    draw(shown);
+}
+
+void DiagramWindow::goTo(std::size_t box)
+{
+    const std::uint32_t type = diagram->typeOf(box);
+    if (type == shown)
+        return;
+    earlier.push_back(shown);
+    if (!draw(type))
+        earlier.pop_back();
+}
+
+void DiagramWindow::goBack()
+{
+    if (earlier.empty())
+        return;
+    const std::uint32_t type = earlier.back();
+    earlier.pop_back();
+    if (!draw(type))
+        earlier.push_back(type);
+}
+
+void DiagramWindow::choose(std::size_t box)
+{
+    if (areTypesThere())
+        Q_EMIT typeChosen(diagram->typeOf(box));
+}
+
+bool DiagramWindow::areTypesThere()
+{
+    if (!structure.expired())
+        return true;
+    for (QWidget* control : std::initializer_list<QWidget*>{backButton, depth, way})
+        control->setEnabled(false);
+    status->setText(tr("These types were imported anew, or left; the picture is of those before."));
+    return false;
 }
 
 void DiagramWindow::save()
 {
-    const CString fileName =
-        saveUnderChosenName(*this, "Save the picture", {{"SVG pictures", "*.svg"}, {"PNG pictures", "*.png"}},
-                            fromUi(name) + ".svg", [this](const CString& chosen) {
-                                const WaitCursor wait;
-                                QBuffer bytes;
-                                bytes.open(QIODevice::WriteOnly);
-                                if (toUi(chosen).endsWith(".png", Qt::CaseInsensitive))
-                                    renderPng(*scene, bytes);
-                                else
-                                    renderSvg(*scene, windowTitle(), bytes);
-                                return CString(bytes.data().constData(), static_cast<std::size_t>(bytes.size()));
-                            });
+    CString fileName;
+    try {
+        try {
+            fileName = save(false);
+        } catch (const SvgWanted&) {
+            fileName = save(true);
+        }
+    } catch (const Cancelled&) {
+        return status->setText(tr("The picture was not saved."));
+    } catch (const std::exception& error) {
+        ModalBox(*this).show(error.what(), loadText(IDS_ERROR_TITLE), {});
+    }
     if (!fileName.empty())
         status->setText(tr("Saved as %1.").arg(toUi(fileName)));
+}
+
+// Returns the file's name; "" if there is none.
+CString DiagramWindow::save(bool isSvgOnly)
+{
+    std::vector<FileFilter> filters = {{"SVG pictures", "*.svg"}, {"PNG pictures", "*.png"}};
+    if (isSvgOnly)
+        filters.pop_back();
+    return saveUnderChosenName(*this, "Save the picture", filters, fromUi(name) + ".svg",
+                               [this](const CString& chosen) { return bytesFor(chosen); });
+}
+
+// Raises Cancelled and SvgWanted.
+CString DiagramWindow::bytesFor(const CString& fileName)
+{
+    const bool isPng = toUi(fileName).endsWith(".png", Qt::CaseInsensitive);
+    if (isPng && wantsSvgInstead())
+        throw SvgWanted();
+    QByteArray bytes;
+    const QString title = windowTitle();
+    if (!runLong([&] { bytes = isPng ? drawPng(*diagram) : drawSvg(*diagram, title); }))
+        throw Cancelled();
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
+// Asks if the picture is too large for a PNG in which everything can be read. Raises Cancelled.
+bool DiagramWindow::wantsSvgInstead()
+{
+    double scale = 1;
+    const QSize size = pngSize(*diagram, scale);
+    if (scale >= 1)
+        return false;
+    QMessageBox box(QMessageBox::NoIcon, plainTitle(tr("Save the picture")), {}, QMessageBox::Cancel, this);
+    box.setObjectName("largePicture");
+    box.setTextFormat(Qt::PlainText);
+    box.setText(tr("The picture is too large for a PNG of its size. At %1 x %2 pixels it is %3 % of that, and small "
+                   "letters may not be legible. An SVG keeps all of it.")
+                    .arg(size.width())
+                    .arg(size.height())
+                    .arg(static_cast<int>(scale * 100)));
+    auto* svg = box.addButton(tr("Save as S&VG ..."), QMessageBox::AcceptRole);
+    auto* png = box.addButton(tr("Save a smaller &PNG"), QMessageBox::AcceptRole);
+    box.setDefaultButton(svg);
+    box.exec();
+    if (box.clickedButton() == svg || box.clickedButton() == png)
+        return box.clickedButton() == svg;
+    throw Cancelled();
 }

@@ -1,0 +1,187 @@
+#include "Wizard/Windows/Diagram.h"
+
+#include "Base/Progress.h"
+#include "Ui/GraphLayout.h"
+#include "Ui/UiText.h"
+
+#include <QFontMetricsF>
+#include <QObject>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr double kPadding = 8;
+constexpr double kWidestText = 260; // of a name or a type; longer ones are cut in the middle
+constexpr double kLegible = 0.3;    // below this scale letters are dots
+
+// Routing takes Graphviz the square of what there is to route. So in a web of more arrows only the first that leads to
+// each box is routed, which places the boxes; the others are drawn as plain curves.
+constexpr std::size_t kMostRouted = 250;
+
+std::vector<TypeGraph::Arrow> takeUnrouted(TypeGraph& graph)
+{
+    if (graph.arrows.size() <= kMostRouted)
+        return {};
+    std::vector<char> isReached(graph.boxes.size());
+    const auto isFirst = [&](const TypeGraph::Arrow& arrow) {
+        return arrow.from < arrow.to && !std::exchange(isReached[arrow.to], 1); // boxes come nearest first
+    };
+    const auto rest = std::stable_partition(graph.arrows.begin(), graph.arrows.end(), isFirst);
+    std::vector<TypeGraph::Arrow> unrouted(rest, graph.arrows.end());
+    graph.arrows.erase(rest, graph.arrows.end());
+    return unrouted;
+}
+
+QColor mix(const QColor& a, const QColor& b, int percentOfB)
+{
+    const auto channel = [percentOfB](int x, int y) { return x + (y - x) * percentOfB / 100; };
+    return {channel(a.red(), b.red()), channel(a.green(), b.green()), channel(a.blue(), b.blue())};
+}
+
+} // namespace
+
+Diagram::Fonts::Fonts(const QFont& like)
+{
+    text.fromString(like.toString());
+    title.fromString(like.toString());
+    title.setBold(true);
+}
+
+Diagram::Diagram(const TypeGraph& graph, const QPalette& palette, const QFont& textFont) :
+    fonts(textFont), base(palette.color(QPalette::Base)), text(palette.color(QPalette::Text)),
+    quiet(mix(base, text, 70)), frame(mix(base, text, 50)), head(mix(base, palette.color(QPalette::Highlight), 30)),
+    line(mix(base, text, 65)), chosen(palette.color(QPalette::Highlight))
+{
+    rowHeight = std::ceil(QFontMetricsF(fonts.title).height() + kPadding / 2);
+    TypeGraph routed = graph;
+    const std::vector<TypeGraph::Arrow> unrouted = takeUnrouted(routed);
+    std::vector<GraphBox> sizes;
+    for (const TypeGraph::Box& box : graph.boxes) {
+        boxes.push_back(measure(box));
+        sizes.push_back({boxes.back().area.size(), boxes.back().rows.size()});
+    }
+    const std::optional<GraphLayout> layout = layOutGraph(routed.toDot(), sizes);
+    if (!layout) {
+        boxes.clear();
+        return;
+    }
+    for (std::size_t i = 0; i < boxes.size(); ++i)
+        area |= boxes[i].area = layout->boxes[i];
+    for (const TypeGraph::Arrow& arrow : unrouted)
+        addPlainArrow(arrow);
+    for (const GraphLayout::Arrow& arrow : layout->arrows)
+        arrows.push_back({arrow.line, arrow.tip});
+    for (const Arrow& arrow : arrows)
+        area |= arrow.line.boundingRect();
+    area.adjust(-kPadding, -kPadding, kPadding, kPadding);
+}
+
+// The size of the box, and what of its texts there is room for.
+Diagram::Box Diagram::measure(const TypeGraph::Box& box) const
+{
+    const QFontMetricsF metrics(fonts.text), titleMetrics(fonts.title);
+    Box measured{box.type, {}, {}};
+    const QString title = titleMetrics.elidedText(toUi(box.title), Qt::ElideMiddle, 2 * kWidestText);
+    measured.rows.push_back({title, {}, 0});
+    double widest = titleMetrics.horizontalAdvance(title);
+    const auto cut = [&](const CString& words) {
+        return metrics.elidedText(toUi(words), Qt::ElideMiddle, kWidestText);
+    };
+    for (const TypeGraph::Row& row : box.rows) {
+        const QString name = cut(row.name), type = cut(row.type);
+        measured.rows.push_back({name, type, metrics.horizontalAdvance(type)});
+        widest = std::max(widest, metrics.horizontalAdvance(name) + 2 * kPadding + measured.rows.back().typeWidth);
+    }
+    if (box.hidden > 0) {
+        measured.rows.push_back({QObject::tr("... %1 more").arg(box.hidden), {}, 0});
+        widest = std::max(widest, metrics.horizontalAdvance(measured.rows.back().name));
+    }
+    measured.area.setSize({std::ceil(widest + 2 * kPadding), rowHeight * static_cast<double>(measured.rows.size())});
+    return measured;
+}
+
+void Diagram::addPlainArrow(const TypeGraph::Arrow& arrow)
+{
+    constexpr double headLength = 10;
+    const QRectF &from = boxes[arrow.from].area, &to = boxes[arrow.to].area;
+    const QPointF start(from.right(), from.top() + rowHeight * (static_cast<double>(arrow.row) + 1.5));
+    const QPointF tip(to.left(), to.top() + rowHeight / 2);
+    const double bend = std::max(40.0, std::abs(tip.x() - start.x()) / 3);
+    QPainterPath way(start);
+    way.cubicTo(start + QPointF(bend, 0), tip - QPointF(headLength + bend, 0), tip - QPointF(headLength, 0));
+    arrows.push_back({way, tip});
+}
+
+void Diagram::drawBox(QPainter& painter, const Box& box, const Fonts& own, const QRectF& exposed, double scale,
+                      bool isChosen) const
+{
+    QRectF place(box.area.topLeft(), QSizeF(box.area.width(), rowHeight));
+    painter.fillRect(box.area, base);
+    painter.fillRect(place, head);
+    const auto last = static_cast<double>(box.rows.size() - 1);
+    const auto rowAt = [&](double y) { return std::clamp(std::floor((y - box.area.top()) / rowHeight), 0.0, last); };
+    painter.setFont(own.title);
+    drawRow(painter, box.rows.front(), place, scale);
+    painter.setFont(own.text);
+    const auto end = static_cast<std::size_t>(rowAt(exposed.bottom()));
+    for (auto row = std::max<std::size_t>(1, static_cast<std::size_t>(rowAt(exposed.top()))); row <= end; ++row) {
+        place.moveTop(box.area.top() + rowHeight * static_cast<double>(row));
+        drawRow(painter, box.rows[row], place, scale);
+    }
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(isChosen ? QPen(chosen, std::max(3.0, 2 / scale)) : QPen(frame));
+    painter.drawRect(box.area);
+    painter.setPen(frame);
+    painter.drawLine(box.area.topLeft() + QPointF(0, rowHeight), box.area.topRight() + QPointF(0, rowHeight));
+}
+
+void Diagram::drawRow(QPainter& painter, const Row& row, const QRectF& place, double scale) const
+{
+    const QRectF inner = place.adjusted(kPadding, 0, -kPadding, 0);
+    if (scale < kLegible) {
+        const double width = std::min(inner.width() / 2, 6.0 * static_cast<double>(row.name.size()));
+        painter.fillRect(QRectF(inner.left(), inner.center().y() - rowHeight / 8, width, rowHeight / 4), frame);
+        return;
+    }
+    const QFontMetricsF metrics(painter.font());
+    const double line0 = inner.center().y() + (metrics.ascent() - metrics.descent()) / 2;
+    painter.setPen(text);
+    painter.drawText(QPointF(inner.left(), line0), row.name);
+    painter.setPen(quiet);
+    if (!row.type.isEmpty())
+        painter.drawText(QPointF(inner.right() - row.typeWidth, line0), row.type);
+}
+
+void Diagram::drawArrow(QPainter& painter, std::size_t number) const
+{
+    const auto& [way, tip] = arrows[number];
+    painter.setPen(QPen(line, 1.2));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(way);
+    const QLineF point(way.currentPosition(), tip);
+    if (point.length() == 0)
+        return;
+    QLineF foot = point.normalVector();
+    foot.setLength(3.5);
+    const QPointF side = foot.p2() - foot.p1();
+    painter.setBrush(line);
+    painter.drawPolygon(QPolygonF({tip, point.p1() + side, point.p1() - side}));
+}
+
+void Diagram::draw(QPainter& painter) const
+{
+    const Fonts own(fonts.text);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(area, base);
+    ProgressMeter meter(Work::writing, boxes.size(), 1);
+    for (std::size_t arrow = 0; arrow < arrows.size(); ++arrow)
+        drawArrow(painter, arrow);
+    for (std::size_t box = 0; box < boxes.size(); ++box) {
+        meter.step(box);
+        drawBox(painter, boxes[box], own, boxes[box].area, 1, false);
+    }
+}

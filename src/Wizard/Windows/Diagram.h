@@ -1,0 +1,89 @@
+#pragma once
+
+#include "Types/TypeGraph.h"
+
+#include <QFont>
+#include <QPainterPath>
+#include <QPalette>
+#include <QRectF>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+class QPainter;
+
+/// The picture of a graph of types: boxes with a title and a row for each part, and arrows between them, in the tones
+/// of a palette. It doesn't change once it is made. The window's thread draws parts of it, any thread the whole.
+class Diagram
+{
+public:
+    /// Lays the graph out, which takes a second for some hundred boxes. Empty if Graphviz can't do it.
+    Diagram(const TypeGraph& graph, const QPalette& palette, const QFont& font);
+
+    bool isEmpty() const { return boxes.empty(); }
+
+    /// The whole picture, with a margin around it.
+    const QRectF& queryArea() const { return area; }
+
+    std::size_t boxCount() const { return boxes.size(); }
+    std::size_t arrowCount() const { return arrows.size(); }
+    const QRectF& areaOf(std::size_t box) const { return boxes[box].area; }
+    QRectF areaOfArrow(std::size_t arrow) const { return arrows[arrow].line.boundingRect().adjusted(-6, -6, 12, 6); }
+    std::uint32_t typeOf(std::size_t box) const { return boxes[box].type; }
+
+    /// Draws a box, as far as its rows lie in `exposed`. At a small `scale` texts that nobody could read are left as
+    /// lines. A chosen box has a broad frame.
+    void drawBox(QPainter& painter, std::size_t box, const QRectF& exposed, double scale, bool isChosen) const
+    {
+        drawBox(painter, boxes[box], fonts, exposed, scale, isChosen);
+    }
+
+    void drawArrow(QPainter& painter, std::size_t arrow) const;
+
+    /// Draws everything for a file, with all texts. Tells the progress; raises Cancelled.
+    void draw(QPainter& painter) const;
+
+private:
+    // A font that two threads share is none that both may use at a time.
+    struct Fonts
+    {
+        explicit Fonts(const QFont& like);
+
+        QFont text;
+        QFont title;
+    };
+
+    struct Row
+    {
+        QString name; // as far as there is room for them
+        QString type;
+        double typeWidth;
+    };
+
+    struct Box
+    {
+        std::uint32_t type;
+        QRectF area;
+        std::vector<Row> rows; // the title first
+    };
+
+    struct Arrow
+    {
+        QPainterPath line; // to the foot of the head
+        QPointF tip;
+    };
+
+    Box measure(const TypeGraph::Box& box) const;
+    void addPlainArrow(const TypeGraph::Arrow& arrow);
+    void drawBox(QPainter& painter, const Box& box, const Fonts& fonts, const QRectF& exposed, double scale,
+                 bool isChosen) const;
+    void drawRow(QPainter& painter, const Row& row, const QRectF& place, double scale) const;
+
+    Fonts fonts;
+    QColor base, text, quiet, frame, head, line, chosen;
+    double rowHeight;
+    std::vector<Box> boxes;
+    std::vector<Arrow> arrows;
+    QRectF area;
+};

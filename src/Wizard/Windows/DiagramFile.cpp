@@ -1,0 +1,70 @@
+#include "Wizard/Windows/DiagramFile.h"
+
+#include "Base/Progress.h"
+#include "Wizard/Windows/Diagram.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QPainter>
+#include <QSvgGenerator>
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+namespace {
+
+// Fails as soon as the work is not wanted any more: packing a large picture takes seconds, and nothing else ends it.
+class WantedBuffer : public QBuffer
+{
+protected:
+    qint64 writeData(const char* bytes, qint64 size) override
+    {
+        return isStillWanted() ? QBuffer::writeData(bytes, size) : -1;
+    }
+};
+
+} // namespace
+
+QSize pngSize(const Diagram& diagram, double& scale)
+{
+    constexpr double kLargest = 100e6; // pixels, which take 4 bytes each
+    const QSizeF size = diagram.queryArea().size();
+    scale = std::min({2.0, kMostPixels / size.width(), kMostPixels / size.height(),
+                      std::sqrt(kLargest / (size.width() * size.height()))});
+    return (size * scale).toSize().expandedTo({1, 1}).boundedTo({kMostPixels, kMostPixels});
+}
+
+QByteArray drawPng(const Diagram& diagram)
+{
+    double scale = 1;
+    QImage image(pngSize(diagram, scale), QImage::Format_RGB32);
+    if (image.isNull())
+        throw std::runtime_error("There is too little memory for the picture; save it as SVG.");
+    QPainter painter(&image);
+    painter.scale(scale, scale);
+    painter.translate(-diagram.queryArea().topLeft());
+    diagram.draw(painter);
+    painter.end();
+    WantedBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    image.save(&bytes, "PNG");
+    checkWanted();
+    return bytes.data();
+}
+
+QByteArray drawSvg(const Diagram& diagram, const QString& title)
+{
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    QSvgGenerator svg;
+    svg.setOutputDevice(&bytes);
+    if (title == title.toHtmlEscaped()) // or the picture is no XML
+        svg.setTitle(title);
+    svg.setSize(diagram.queryArea().size().toSize());
+    svg.setViewBox(diagram.queryArea());
+    QPainter painter(&svg);
+    diagram.draw(painter);
+    painter.end();
+    return bytes.data();
+}
