@@ -8,9 +8,19 @@
 #include <QFontInfo>
 #include <QFontMetricsF>
 
+namespace {
+constexpr const char* kIsCoverText = "isCoverText";
+}
+
+bool isCoverText(const QLabel& label)
+{
+    return label.property(kIsCoverText).toBool();
+}
+
 QLabel* coverText(const CString& text, const QFont& font)
 {
     QLabel* label = plainLabel(toUi(text));
+    label->setProperty(kIsCoverText, true);
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setFont(font);

@@ -1,10 +1,14 @@
 #include "Ui/WizardPage.h"
 
+#include "Ui/CoverText.h"
 #include "Ui/Pictures.h"
 #include "Ui/UiText.h"
 #include "Ui/WizardSheet.h"
 
+#include <QLabel>
 #include <QPainter>
+
+#include <algorithm>
 
 WizardPage::WizardPage(int id, Look pageLook, const CString& pageCaption, const CString& pageTitle,
                        const CString& pageSubtitle) :
@@ -20,5 +24,18 @@ void WizardPage::paintEvent(QPaintEvent* event)
     if (look != Look::cover || owner == nullptr)
         return;
     QPainter painter(this);
-    paintWatermark(painter, rect(), owner->queryWatermark());
+    if (hasRoomForPicture())
+        paintWatermark(painter, rect(), owner->queryWatermark());
+    else
+        painter.fillRect(rect(), owner->queryWatermark().pixelColor(0, 0));
+}
+
+// The picture's drawing begins at that height of the page; a text that reaches there would lie over it.
+bool WizardPage::hasRoomForPicture() const
+{
+    const int drawing = height() * 56 / 100;
+    const auto labels = findChildren<QLabel*>();
+    return std::none_of(labels.begin(), labels.end(), [drawing](const QLabel* label) {
+        return isCoverText(*label) && label->y() + label->heightForWidth(label->width()) > drawing;
+    });
 }

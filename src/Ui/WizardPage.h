@@ -58,6 +58,8 @@ protected:
 private:
     friend class WizardSheet;
 
+    bool hasRoomForPicture() const;
+
     int dialogId;
     Look look;
     QString caption;
