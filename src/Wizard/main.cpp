@@ -6,7 +6,9 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <optional>
 
 namespace {
 
@@ -33,6 +35,27 @@ bool answersInText(int argc, char* argv[])
     return false;
 }
 
+QStringList startMessages; // of the toolkit
+
+// The toolkit aborts where it finds no display, after several lines of its own.
+void takeStartMessage(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    if (type != QtFatalMsg)
+        return startMessages.append(text);
+    std::fputs("typeforge: no display to open a window on; typeforge-import does the same without one\n", stderr);
+    std::_Exit(1);
+}
+
+// Returns when the display is open; ends the program if there is none.
+void openDisplay(int& argc, char* argv[], std::optional<QApplication>& application)
+{
+    const QtMessageHandler before = qInstallMessageHandler(takeStartMessage);
+    application.emplace(argc, argv);
+    qInstallMessageHandler(before);
+    for (const QString& text : startMessages)
+        std::fprintf(stderr, "%s\n", qUtf8Printable(text));
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -40,7 +63,8 @@ int main(int argc, char* argv[])
     takeClosedStreams();
     if (answersInText(argc, argv))
         return 0;
-    QApplication application(argc, argv);
+    std::optional<QApplication> application;
+    openDisplay(argc, argv, application);
     for (const QString& argument : QApplication::arguments().mid(1)) // the toolkit has taken its own out
         if (argument.startsWith('-')) {
             std::fprintf(stderr, "typeforge: unknown option %s (typeforge --help shows what there is)\n",
