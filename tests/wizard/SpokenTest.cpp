@@ -14,19 +14,16 @@ namespace {
 const std::map<int, CString> kPages = {
     {IDD_FIRST, "CheckBox Hide this screen the next time"},
     {IDD_SOURCE_TYPE, "Tree Importers; EditableText Path for objects"},
-    {IDD_SOURCE,
-     "ComboBox File:; EditableText File:; Button Browse; CheckBox Read in full (namespaces, entities, derived "
-     "types)"},
-    {IDD_EDIT, "Tree Generated types; EditableText Filter for types; ComboBox Main element:; Button Details; CheckBox "
-               "Structure; Button Picture ...; Button View ..."},
+    {IDD_SOURCE, "ComboBox File:; EditableText File:; Button Browse; CheckBox Read in full (namespaces, entities, "
+                 "derived types); ComboBox Folders of types:; Button Read a folder ..."},
+    {IDD_EDIT, "Tree Generated types; EditableText Filter for types; CheckBox Structure; Button Picture ...; Button "
+               "View ...; ComboBox Main element:; Button Details"},
     {IDD_OUTPUT, "RadioButton Output to file in local or network folder"},
     {IDD_OUTPUT_FILE, "ComboBox File:; EditableText File:; Button Browse"},
-    {IDD_FINISH, "EditableText In a script:; Button Copy"},
+    {IDD_FINISH, "Button Open folder; Button View file; EditableText In a script:; Button Copy"},
     {IDD_LOGIN, "ComboBox Name; EditableText Name; EditableText Port; RadioButton Use Broker logon; ComboBox Broker "
                 "username; EditableText Broker username; EditableText Broker password"},
-    {IDD_CREATE_RESULT,
-     "List Result of type creation; CheckBox Failures only; Button Copy; Button Save ...; EditableText "
-     "In a script:; Button Copy command"},
+    {IDD_CREATE_RESULT, "List Result of type creation; CheckBox Failures only; Button Copy; Button Save ..."},
     {IDD_DATA_SOURCE, "Tree Available data sources"},
     {IDD_DATABASE_TABLE, "Tree Available tables; EditableText Filter for tables; CheckBox Show only these"},
 };

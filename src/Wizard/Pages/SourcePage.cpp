@@ -6,6 +6,7 @@
 #include "Files/FileMessage.h"
 #include "Import/Full/FullReadingHint.h"
 #include "Resources/StringTable.h"
+#include "Ui/ComboBox.h"
 #include "Ui/FileDialog.h"
 #include "Ui/PlainText.h"
 #include "Wizard/Pages/PreviewPane.h"
@@ -88,14 +89,14 @@ void SourcePage::OnInitDialog()
 
 QWidget* SourcePage::makeSetRow()
 {
-    layoutCombo = withId(IDC_FOLDER_LAYOUT, new QComboBox);
+    layoutCombo = withId(IDC_FOLDER_LAYOUT, new ComboBox("Folders of &types:"));
     for (const char* choice : {"by namespace for several files", "by main type", "by namespace"})
         layoutCombo->addItem(choice);
     layoutCombo->setCurrentIndex(static_cast<int>(wizard->options.queryLayout()));
     layoutCombo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     QLabel* label = plainLabel("Folders of &types:");
     label->setBuddy(layoutCombo);
-    auto* folderButton = withId(IDC_CHOOSE_FOLDER, new QPushButton("Read a f&older ..."));
+    auto* folderButton = withId(IDC_CHOOSE_FOLDER, new QPushButton("Read a fo&lder ..."));
     folderButton->setToolTip(plainToolTip("Reads all sources of a folder as one"));
     connect(folderButton, &QPushButton::clicked, this, &SourcePage::pickFolder);
     setRow = new QWidget;
