@@ -39,17 +39,10 @@ CString temporaryFolder()
     return ".";
 }
 
-// The description of a type, which may lie in `room`. Who looks at all types would make the model keep the generated
-// ones, so these are asked for as those of fields; but a table's field is described by what the table holds.
-std::string_view descriptionOf(const Element& type, CString& room)
-{
-    return type.queryType() == Element::typeTable ? type.queryDescription() : type.queryFieldDescription(room);
-}
-
 bool saysMoreThanName(const Element& type)
 {
     CString room;
-    return descriptionOf(type, room) != fillText(loadText(IDS_AUTOMATIC), type.queryName());
+    return type.queryDescriptionPieces().joined(room) != fillText(loadText(IDS_AUTOMATIC), type.queryName());
 }
 
 } // namespace
@@ -160,6 +153,8 @@ void EditPage::showTypes()
         descriptionsSayMore = false;
         for (std::uint32_t type = 0; type < made->size() && !descriptionsSayMore; ++type)
             descriptionsSayMore = saysMoreThanName((*made)[type]);
+        if (made->size() != 0)
+            made->users(0); // collects them for all types
         structure = made;
     });
     types.reserve(static_cast<std::size_t>(wizard->message->beginEnum()));
@@ -175,7 +170,7 @@ void EditPage::showTypes()
             const Element* element = types[static_cast<std::size_t>(row)];
             CString room;
             if (column != 0)
-                return CString(descriptionOf(*element, room));
+                return CString(element->queryDescriptionPieces().joined(room));
             return showsFolders ? element->queryPath().substr(base) + element->queryName() : element->queryName();
         },
         [this](int row) -> const ListRows::Mark& {

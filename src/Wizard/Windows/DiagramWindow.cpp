@@ -175,21 +175,19 @@ bool DiagramWindow::draw(std::uint32_t type)
 {
     if (!areTypesThere())
         return false;
+    const auto types = structure.lock();
+    const std::size_t steps = depth->currentIndex() == kAllDepths ? TypeStructure::kAnyDepth
+                                                                  : static_cast<std::size_t>(depth->currentIndex()) + 1;
     bool isWhole = true;
-    std::size_t count = 0;
+    const std::vector<std::uint32_t> around =
+        types->reach(type, kMostTypes, isWhole, TypeStructure::Way(way->currentIndex()), steps);
+    const TypeGraph graph(*types, around, kMostRows);
     std::shared_ptr<const Diagram> drawn;
-    const auto types = structure.lock(); // stay while they are drawn
-    const bool isDone =
-        runLong([&, chosenWay = TypeStructure::Way(way->currentIndex()),
-                 steps = depth->currentIndex() == kAllDepths ? TypeStructure::kAnyDepth
-                                                             : static_cast<std::size_t>(depth->currentIndex()) + 1,
-                 tones = palette(), letters = font()] {
-            beginWork(Work::arranging);
-            const std::vector<std::uint32_t> around = types->reach(type, kMostTypes, isWhole, chosenWay, steps);
-            count = around.size();
-            drawn = std::make_shared<const Diagram>(TypeGraph(*types, around, kMostRows), tones, letters);
-            checkWanted();
-        });
+    const bool isDone = runLong([&, tones = palette(), letters = font()] {
+        beginWork(Work::arranging);
+        drawn = std::make_shared<const Diagram>(graph, tones, letters);
+        checkWanted();
+    });
     if (!isDone)
         return false;
     shown = type;
@@ -197,7 +195,7 @@ bool DiagramWindow::draw(std::uint32_t type)
     name = toUi(shortName(types->queryFullName(type)));
     setWindowTitle(plainTitle(tr("%1 - Typeforge picture").arg(name)));
     view->showDiagram(diagram);
-    status->setText(diagram->isEmpty() ? tr("Graphviz can't lay this picture out.") : countOf(count, isWhole));
+    status->setText(diagram->isEmpty() ? tr("Graphviz can't lay this picture out.") : countOf(around.size(), isWhole));
     view->setAccessibleName(tr("Picture of the types around %1").arg(name));
     view->setAccessibleDescription(status->text());
     backButton->setEnabled(!earlier.empty());
