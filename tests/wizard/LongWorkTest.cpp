@@ -151,7 +151,7 @@ TEST(LongWork, LeavesTheSourcePageWithAnEmptyImporter)
 {
     Desk desk;
     CString dtd;
-    for (int i = 0; i < 300000; ++i)
+    for (int i = 0; i < 600000; ++i)
         dtd += "<!ELEMENT e" + std::to_string(i) + " (f, g, h" + std::to_string(i) + "*)>";
     desk.source = desk.dir.write("in/large.dtd", dtd);
     desk.walkTo(IDD_SOURCE);
@@ -164,6 +164,39 @@ TEST(LongWork, LeavesTheSourcePageWithAnEmptyImporter)
     EXPECT_EQ(desk.wizard().message->beginEnum(), 0);
     desk.source = desk.dir.path("in/order.dtd");
     desk.walkTo(IDD_EDIT);
+}
+
+TEST(LongWork, BringsTheFormerMainElementBack)
+{
+    constexpr int groups = 500, members = 500;
+    Desk desk;
+    CString all = "(g0", dtd;
+    for (int group = 0; group < groups; ++group) {
+        const CString number = std::to_string(group);
+        all += group == 0 ? "" : ",g" + number;
+        dtd += "<!ELEMENT g" + number + " (x";
+        for (int i = 0; i < members; ++i)
+            dtd += ",e" + std::to_string(group * members + i);
+        dtd += ")>";
+    }
+    for (int i = 0; i < groups * members; ++i)
+        dtd += "<!ELEMENT e" + std::to_string(i) + " (f,h*)>";
+    desk.source = desk.dir.write("in/two.dtd", "<!ELEMENT a " + all + ")><!ELEMENT b " + all + ")>" + dtd);
+    desk.wizard().options.setFullReading(1);
+    desk.walkTo(IDD_EDIT);
+    const int types = desk.control<ListView>(IDC_TYPES).rowCount();
+    auto& main = desk.control<QComboBox>(IDC_MAIN_ELEMENT);
+    ASSERT_EQ(main.count(), 2);
+    main.setFocus();
+    {
+        const Watcher watcher(desk, [&] { pressEscape(desk); });
+        main.setCurrentIndex(1);
+        Q_EMIT main.activated(1);
+    }
+    EXPECT_EQ(desk.page(), IDD_EDIT);
+    EXPECT_EQ(main.currentText(), "a");
+    EXPECT_EQ(desk.control<ListView>(IDC_TYPES).rowCount(), types);
+    EXPECT_EQ(desk.wizard().message->beginEnum(), types);
 }
 
 // The line to the server falls silent in the middle of what is done.
