@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLayout>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
@@ -80,6 +81,19 @@ void ModalBox::show(const CString& text, const CString& title, const CString& de
     const PlainCursor arrow;
     box.exec();
     series.hidden = box.checkBox() != nullptr && box.checkBox()->isChecked();
+}
+
+int ModalBox::ask(const QString& title, const QString& question, const QStringList& answers) const
+{
+    QMessageBox box(QMessageBox::NoIcon, plainTitle(title), {}, QMessageBox::Cancel, owner);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(question);
+    QList<QAbstractButton*> buttons;
+    for (const QString& answer : answers)
+        buttons.append(box.addButton(answer, QMessageBox::AcceptRole));
+    box.setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
+    box.exec();
+    return static_cast<int>(buttons.indexOf(box.clickedButton()));
 }
 
 ImportMessages::ImportMessages()

@@ -2,6 +2,9 @@
 
 #include "Base/Text.h"
 
+#include <QString>
+#include <QStringList>
+
 class QWidget;
 
 /// Shows one message in a modal box owned by a window: title, text, details in smaller letters where it has any, an OK
@@ -15,6 +18,10 @@ public:
 
     void operator()(const CString& text, const CString& title) const;
     void show(const CString& text, const CString& title, const CString& details) const; ///< in the window's thread
+
+    /// Asks a question with a button for each answer, the first the default, and Cancel. Returns the answer's number,
+    /// -1 for Cancel.
+    int ask(const QString& title, const QString& question, const QStringList& answers) const;
 
 private:
     QWidget* owner;

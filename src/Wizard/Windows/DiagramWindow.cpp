@@ -16,7 +16,6 @@
 #include "Wizard/Windows/SaveFile.h"
 
 #include <QHBoxLayout>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
@@ -299,19 +298,14 @@ bool DiagramWindow::wantsSvgInstead()
     const QSize size = pngSize(*diagram, scale);
     if (scale >= 1)
         return false;
-    QMessageBox box(QMessageBox::NoIcon, plainTitle(tr("Save the picture")), {}, QMessageBox::Cancel, this);
-    box.setObjectName("largePicture");
-    box.setTextFormat(Qt::PlainText);
-    box.setText(tr("The picture is too large for a PNG of its size. At %1 x %2 pixels it is %3 % of that, and small "
-                   "letters may not be legible. An SVG keeps all of it.")
-                    .arg(size.width())
-                    .arg(size.height())
-                    .arg(static_cast<int>(scale * 100)));
-    auto* svg = box.addButton(tr("Save as S&VG ..."), QMessageBox::AcceptRole);
-    auto* png = box.addButton(tr("Save a smaller &PNG"), QMessageBox::AcceptRole);
-    box.setDefaultButton(svg);
-    box.exec();
-    if (box.clickedButton() == svg || box.clickedButton() == png)
-        return box.clickedButton() == svg;
-    throw Cancelled();
+    const QString question = tr("The picture is too large for a PNG of its size. At %1 x %2 pixels it is %3 % of that, "
+                                "and small letters may not be legible. An SVG keeps all of it.")
+                                 .arg(size.width())
+                                 .arg(size.height())
+                                 .arg(static_cast<int>(scale * 100));
+    const int answer =
+        ModalBox(*this).ask(tr("Save the picture"), question, {tr("Save as S&VG ..."), tr("Save a smaller &PNG")});
+    if (answer < 0)
+        throw Cancelled();
+    return answer == 0;
 }
