@@ -94,6 +94,7 @@ std::unique_ptr<FullMessage> FullMessage::createAnother() const
     another->furtherFiles = furtherFiles;
     another->roots = roots;
     another->layout = layout;
+    another->mergesEqual = mergesEqual;
     another->folders = folders;
     another->givenName = givenName;
     another->catalogFiles = catalogFiles;
