@@ -4,14 +4,15 @@
 #include <memory_resource>
 #include <string_view>
 
-/// Memory that only grows and goes at once, in growing chunks: a large one is mapped with its pages in place, which
-/// costs the kernel a fraction of what faulting them in one by one does (mmap(2), MAP_POPULATE). Throws std::bad_alloc.
+/// Memory that only grows and is freed all at once, in growing chunks. Large chunks are mapped with their pages in
+/// place, which costs the kernel a fraction of faulting them in one by one (mmap(2), MAP_POPULATE). Throws
+/// std::bad_alloc.
 class Arena : public std::pmr::monotonic_buffer_resource
 {
 public:
     Arena();
 
-    /// A copy of a text, or of one in pieces, that lasts as long as the arena or until release().
+    /// Returns a copy of a text, or of its pieces joined. Valid as long as the arena, or until release().
     std::string_view keep(std::string_view text) { return keep({text}); }
 
     std::string_view keep(std::initializer_list<std::string_view> pieces)

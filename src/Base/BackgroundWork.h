@@ -4,8 +4,8 @@
 
 #include <functional>
 
-/// While one lives, the thread that made it works in the background: its work goes on as long as `isWanted` says so,
-/// its messages go to `messages`, and the handlers of progress and messages hear of neither.
+/// A scope in which the thread that created it works in the background: its work continues while `isWanted` returns
+/// true, its messages go to `messages`, and the handlers of progress and messages are not called.
 class BackgroundWork
 {
 public:
@@ -16,7 +16,7 @@ public:
     BackgroundWork(const BackgroundWork&) = delete;
     BackgroundWork& operator=(const BackgroundWork&) = delete;
 
-    /// That of this thread; null if it works for somebody who waits.
+    /// Returns the scope of the calling thread, null if it has none.
     static const BackgroundWork* ofThread();
 
     const std::function<bool()> isWanted;

@@ -13,13 +13,14 @@ struct Mark
     const char* encoding;
 };
 
+// Byte order marks (https://www.w3.org/TR/xml/#sec-guessing). UTF-32 is not supported.
 constexpr Mark kMarks[] = {{"\xEF\xBB\xBF", "UTF-8"}, {"\xFF\xFE", "UTF-16LE"}, {"\xFE\xFF", "UTF-16BE"}};
 
 constexpr std::string_view kBlank = " \t\r\n";
 constexpr std::string_view kEncodingName = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
-constexpr std::size_t kLongDeclaration = 1000;
+constexpr std::size_t kLongDeclaration = 1000; // bytes; only the start of a file is searched
 
-// What stands behind `encoding =` in an XML or text declaration, "" where there is none.
+// Returns the name behind `encoding =` in an XML or text declaration, empty if there is none.
 CString declaredEncoding(std::string_view bytes)
 {
     std::string_view text = bytes.substr(std::min(bytes.find_first_not_of(kBlank), bytes.size()), kLongDeclaration);
@@ -34,14 +35,14 @@ CString declaredEncoding(std::string_view bytes)
     return name.find_first_not_of(kEncodingName) == name.npos ? CString(name) : CString();
 }
 
-// False for an encoding that isn't known and for bytes that aren't in it.
+// Returns false if the encoding is unknown or the bytes are not valid in it.
 bool convert(std::string_view bytes, const CString& encoding, CString& out)
 {
     const iconv_t converter = ::iconv_open("UTF-8", encoding.c_str());
     if (converter == reinterpret_cast<iconv_t>(-1))
         return false;
     const std::unique_ptr<void, int (*)(iconv_t)> owner(converter, ::iconv_close);
-    out.resize(bytes.size() + 16);
+    out.resize(bytes.size() + 16);                // enough for ASCII; grows on E2BIG
     char* from = const_cast<char*>(bytes.data()); // iconv() reads it only
     std::size_t fromLeft = bytes.size(), size = 0;
     while (fromLeft > 0) {
@@ -58,7 +59,7 @@ bool convert(std::string_view bytes, const CString& encoding, CString& out)
     return true;
 }
 
-// Makes a text that may hold anything one that XML can hold.
+// Returns the text made fit for XML: itself if it is already, else a view of `room`.
 std::string_view withoutControls(std::string_view text, CString& room)
 {
     if (isXmlText(text))

@@ -2,7 +2,8 @@
 
 #include "Base/Text.h"
 
-/// The bytes of a file as UTF-8: by their byte order mark, else by the encoding that their XML or text declaration
-/// names, else as UTF-8 where they are valid, else as Windows-1252. The answer is a view of `bytes` where that changes
-/// nothing, else of `room`, which then holds the text. NUL reads as a space, other control characters as U+FFFD.
+/// Returns the bytes of a file as UTF-8. The encoding comes from the byte order mark, else from the XML or text
+/// declaration. If there is none, or the bytes are not valid in it, they are read as UTF-8 if they are valid UTF-8,
+/// else as Windows-1252. The result is a view of `bytes` if nothing has to change, else of `room`, which then holds the
+/// text. NUL becomes a space, any other control character U+FFFD.
 std::string_view decodeText(std::string_view bytes, CString& room);

@@ -6,14 +6,15 @@
 #include <cstdint>
 #include <cstring>
 
-/// What stands for a text that may be too long to keep or to compare: 128 bits under a seed that each process draws for
-/// itself, so that nobody can choose texts that meet. That of the empty text is all zero.
+/// A 128-bit hash that stands for a text too long to store or to compare. Each process draws its own random seed, so no
+/// source can be made to collide on purpose. The fingerprint of the empty text is all zero.
 struct Fingerprint
 {
     Fingerprint() = default;
     Fingerprint(std::string_view text);
     Fingerprint(const CString& text) : Fingerprint(std::string_view(text)) {}
 
+    /// Returns whether this is the fingerprint of the empty text.
     bool isEmpty() const { return *this == Fingerprint(); }
 
     friend bool operator==(const Fingerprint&, const Fingerprint&) = default;
@@ -22,15 +23,16 @@ struct Fingerprint
     std::uint64_t second = 0;
 };
 
-/// The fingerprint of a text that comes in pieces, the same however it is cut. To carry on from a text takes a copy,
-/// and time linear in what is new. Eight bytes at a time are multiplied by the seed and folded (the step of wyhash,
-/// https://github.com/wangyi-fudan/wyhash), once for each half.
+/// Computes the fingerprint of a text that arrives in pieces; how it is cut does not matter. A copy continues from the
+/// text so far, in time linear in what is appended. Each block of eight bytes is multiplied by the seed and folded,
+/// once for each half of the result (the step of wyhash, https://github.com/wangyi-fudan/wyhash).
 class RunningHash
 {
 public:
     RunningHash() = default;
     explicit RunningHash(std::string_view text) { append(text); }
 
+    /// Appends a piece of the text.
     RunningHash& append(std::string_view text)
     {
         const char* at = text.data();
@@ -42,6 +44,7 @@ public:
         return *this;
     }
 
+    /// Returns the fingerprint of the text so far. More can be appended afterwards.
     operator Fingerprint() const
     {
         Fingerprint out;
@@ -72,7 +75,7 @@ private:
         return number;
     }
 
-    // One to seven bytes as the low ones of a number.
+    // Returns one to seven bytes as the low bytes of a number. Reads overlap instead of looping over the bytes.
     static std::uint64_t few(const char* bytes, std::size_t n)
     {
         const auto byteAt = [bytes](std::size_t i) {
@@ -83,6 +86,7 @@ private:
         return load<std::uint32_t>(bytes) | std::uint64_t{load<std::uint32_t>(bytes + n - 4)} << 8 * (n - 4);
     }
 
+    // Returns the high half of the 128-bit product XOR its low half, so that every bit of both factors counts.
     static std::uint64_t fold(std::uint64_t a, std::uint64_t b)
     {
         __extension__ using Wide = unsigned __int128;
@@ -90,7 +94,7 @@ private:
         return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
     }
 
-    // `n` bytes, at most eight, behind those that wait for their block to be full.
+    // Adds `n` bytes, at most eight, behind those of the block that is not yet full.
     void add(std::uint64_t bytes, std::size_t n)
     {
         const std::size_t waiting = length % kBlock;
@@ -105,11 +109,11 @@ private:
 
     std::uint64_t first = seed.second;
     std::uint64_t second = seed.first;
-    std::uint64_t rest = 0; // of the last block
+    std::uint64_t rest = 0; // bytes of the last block, not yet hashed
     std::uint64_t length = 0;
 };
 
 inline Fingerprint::Fingerprint(std::string_view text)
 {
-    *this = RunningHash(text); // a delegating constructor is beyond what clang-tidy 14 follows
+    *this = RunningHash(text); // assigned, because clang-tidy 14 can't follow a delegating constructor here
 }

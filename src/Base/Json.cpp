@@ -11,7 +11,7 @@ CString jsonText(std::string_view text)
     return out;
 }
 
-// Nearly all texts are names, in which only the backslash of a folder is escaped.
+// Fast path: nearly all texts are names, in which only the backslash of a folder needs an escape.
 void appendJson(CString& out, std::string_view text)
 {
     if (!isPlainXmlText(text)) {

@@ -2,8 +2,8 @@
 
 #include "Base/Text.h"
 
-/// A text as JSON writes it (RFC 8259), quotes included, made fit as for a document (toXmlText).
+/// Returns a text as a JSON string (RFC 8259), quotes included, made fit for XML first (toXmlText).
 CString jsonText(std::string_view text);
 
-/// Appends the same to `out`.
+/// Appends the JSON string to `out`.
 void appendJson(CString& out, std::string_view text);

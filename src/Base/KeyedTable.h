@@ -7,27 +7,28 @@
 #include <utility>
 #include <vector>
 
-/// The hash under which KeyedTable stores a key. A caller that looks the same key up in several tables computes it
-/// once.
+/// Returns the hash under which KeyedTable stores a key. A caller that looks the same key up in several tables computes
+/// it once.
 inline std::uint32_t keyHash(const Fingerprint& key)
 {
     return static_cast<std::uint32_t>(key.first);
 }
 
-/// The same for the hash tables of the C++ library, whose own hash of a text is known to whoever writes the source.
+/// The same hash for the hash tables of the C++ library. Their own hash of a text has no secret seed, so a source could
+/// be written to make its names collide.
 struct KeyHash
 {
     std::size_t operator()(std::string_view key) const { return keyHash(key); }
 };
 
-/// A string-keyed table of pointers that iterates in the order in which the keys were first stored. The key is not
-/// stored: `KeyOf(value)` reads it from the value, so it must not change while the value is in the table. Owns nothing.
-/// A key that is more than a text brings its own keyHash().
+/// A hash table of pointers with text keys that iterates in the order in which the keys were first stored. The key is
+/// not stored: `KeyOf(value)` reads it from the value, so it must not change while the value is in the table. Owns
+/// nothing. A key type other than a text needs its own keyHash().
 template <class T, auto KeyOf, class Key = std::string_view>
 class KeyedTable
 {
 public:
-    /// The value under `key`, or null.
+    /// Returns the value under `key`, or null. `hash` must be keyHash(key), here and below.
     T* find(const Key& key) const { return find(key, keyHash(key)); }
 
     T* find(const Key& key, std::uint32_t hash) const
@@ -38,11 +39,12 @@ public:
         return slots[at].entry == kFree ? nullptr : entries[slots[at].entry];
     }
 
-    /// Stores `value` under its key, in the place of the value that was there before.
+    /// Stores `value` under its key. Replaces the value of an equal key, at its index.
     void store(T* value) { store(value, keyHash(keyOf(*value))); }
 
     void store(T* value, std::uint32_t hash)
     {
+        // At most three quarters full, so that probes stay short.
         if ((entries.size() + 1) * 4 > slots.size() * 3)
             growTo(slots.empty() ? 16 : slots.size() * 2);
         const std::size_t at = slotOf(keyOf(*value), hash);
@@ -54,7 +56,7 @@ public:
         entries.push_back(value);
     }
 
-    /// Makes room for `count` keys at once: a table that grows on the way there moves each key once more.
+    /// Makes room for `count` keys at once. Growing step by step would move each key again and again.
     void reserve(std::size_t count)
     {
         entries.reserve(count);
@@ -65,7 +67,7 @@ public:
             growTo(size);
     }
 
-    /// Asks the memory for the place where a key of this hash is looked for.
+    /// Prefetches the slot where the lookup of a key of this hash begins.
     void prefetch(std::uint32_t hash) const
     {
         if (!slots.empty())
@@ -81,7 +83,8 @@ public:
     std::size_t size() const { return entries.size(); }
     bool empty() const { return entries.empty(); }
 
-    /// The value stored under the index-th key. Valid while values are added, so a walk by index sees the new ones too.
+    /// Returns the value of the index-th key. Valid while values are added, so a walk by index reaches the new ones
+    /// too.
     T* operator[](std::size_t index) const { return entries[index]; }
     auto begin() const { return entries.begin(); }
     auto end() const { return entries.end(); }
@@ -89,8 +92,8 @@ public:
 private:
     static constexpr std::uint32_t kFree = 0xFFFFFFFF;
 
-    // Open addressing, linear probing. The hash stands beside the index, so that a probe seldom has to
-    // follow the pointer, and growing never does.
+    // Open addressing, linear probing. The hash lies beside the index, so a probe seldom follows the pointer, and
+    // growing never does.
     struct Slot
     {
         std::uint32_t hash = 0;

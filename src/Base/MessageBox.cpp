@@ -14,10 +14,12 @@ void writeToStandardError(const CString& text, const CString& title)
 
 MessageBoxHandler& currentHandler()
 {
+    // Constructed on first use, because other units may set a handler during their own initialisation.
     static MessageBoxHandler handler = writeToStandardError;
     return handler;
 }
 
+// Of the message being shown. Thread-local, because an import can run in a thread beside the window's.
 thread_local const CString* currentDetails = nullptr;
 thread_local const SourceFault* currentFault = nullptr;
 
@@ -30,7 +32,7 @@ MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler)
 
 void showMessageBox(const CString& text, const CString& title, const CString& details, const SourceFault* fault)
 {
-    const CString* const outer = std::exchange(currentDetails, &details); // a box may come up over another one
+    const CString* const outer = std::exchange(currentDetails, &details); // handlers may show messages
     const SourceFault* const outerFault = std::exchange(currentFault, fault);
     if (const BackgroundWork* const work = BackgroundWork::ofThread())
         work->messages(text, title);

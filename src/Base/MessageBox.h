@@ -4,31 +4,30 @@
 
 #include <functional>
 
-/// Shows one message to the user and returns when the user has taken note of it.
+/// Shows one message to the user and returns when the user has closed it.
 using MessageBoxHandler = std::function<void(const CString& text, const CString& title)>;
 
-/// Sets who shows messages from now on and returns the one before. Until the first call a message goes to standard
-/// error as "TITLE: TEXT". The wizard installs its modal box, the command line its own line, a test records.
+/// Sets the handler of all later messages and returns the one before. The default handler writes "TITLE: TEXT" to
+/// standard error. The wizard installs a modal box, the command line its diagnostics, tests a recorder.
 MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler);
 
-/// What a message says of a source, in parts, for who shows it in a form of its own.
+/// What a message says about a source, in parts, for a handler with a format of its own.
 struct SourceFault
 {
-    CString file;           ///< as it was given; "" where the import knows of none
+    CString file;           ///< as the user gave it; empty if unknown
     CString reason;         ///< without file and place
-    long line = 0;          ///< counted from 1; 0 where none is known
-    long column = 0;        ///< the same, in bytes
-    bool isWarning = false; ///< the import goes on
+    long line = 0;          ///< from 1; 0 if unknown
+    long column = 0;        ///< from 1, in bytes; 0 if unknown
+    bool isWarning = false; ///< true if the import continues
 };
 
-/// Hands a message to the handler in force. `details` is why it came to it, in the words of the system, a driver or the
-/// broker; it is no part of the text, as `fault` isn't.
+/// Passes a message to the current handler. `details` is the cause in the words of the system, a driver or the broker.
+/// Neither `details` nor `fault` is part of the text.
 void showMessageBox(const CString& text, const CString& title, const CString& details = {},
                     const SourceFault* fault = nullptr);
 
-/// For a handler: the details of the message that it is handed, "" where it has none. They are those of the thread that
-/// the message comes from.
+/// Returns the details of the message that the calling thread is showing, empty if it has none. For a handler.
 const CString& queryMessageDetails();
 
-/// The same for what it says of a source; null where that is nothing.
+/// Returns the source fault of that message, null if it has none. For a handler.
 const SourceFault* queryMessageFault();

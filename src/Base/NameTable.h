@@ -6,7 +6,7 @@
 #include <deque>
 #include <optional>
 
-/// Texts by number: equal texts have equal numbers, which rise from 0, the empty text.
+/// Interns texts: equal texts have equal numbers. Numbers count up from 0, which is the empty text.
 class NameTable
 {
 public:
@@ -14,7 +14,7 @@ public:
 
     NameTable() { intern({}); }
 
-    /// The number of a text, which is copied when it is new.
+    /// Returns the number of a text. A new text is copied.
     Id intern(std::string_view text)
     {
         const std::size_t hash = keyHash(text);
@@ -25,14 +25,14 @@ public:
         return id;
     }
 
-    /// The number of a text that has one.
+    /// Returns the number of a text, or nothing if it was never interned.
     std::optional<Id> find(std::string_view text) const
     {
         const Name* known = index.find(text, keyHash(text));
         return known ? std::optional(known->id) : std::nullopt;
     }
 
-    /// Valid as long as the table.
+    /// Returns the text of a number. Valid as long as the table.
     std::string_view operator[](Id id) const { return index[id]->text; }
 
     std::size_t size() const { return names.size(); }

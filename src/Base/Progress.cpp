@@ -12,6 +12,7 @@ ProgressHandler& currentHandler()
     return handler;
 }
 
+// Kept for polls by work that has nothing new to report.
 thread_local Progress last;
 
 } // namespace

@@ -3,56 +3,58 @@
 #include <cstdint>
 #include <functional>
 
-/// What takes long. Each is counted in units of its own.
+/// The kinds of long work. Each is counted in its own unit.
 enum class Work
 {
-    waiting,   ///< for a database or a broker: nothing to count
-    reading,   ///< a source: bytes
-    arranging, ///< what has been read into types: elements
-    tables,    ///< of a database, being read
-    writing,   ///< types into a document
-    creating   ///< types in a broker
+    waiting,   ///< for a database or a broker; not counted
+    reading,   ///< a source, in bytes
+    arranging, ///< source declarations into types, in elements
+    tables,    ///< of a database, in tables
+    writing,   ///< a document, in types
+    creating   ///< in a broker, in types
 };
 
-/// How far a work has come.
+/// How far a work has come, in the unit of its kind.
 struct Progress
 {
     Work work = Work::waiting;
     std::uint64_t done = 0;
-    std::uint64_t total = 0; ///< 0: not known
+    std::uint64_t total = 0; ///< 0 if unknown
 };
 
-/// Takes note of how far the work in hand has come, and answers whether it is to go on. It is called in the thread that
-/// does the work, many times a second.
+/// Receives the progress of the current work and returns whether to continue. It is called many times a second, in the
+/// thread that does the work.
 using ProgressHandler = std::function<bool(const Progress&)>;
 
-/// Sets who is told of long work from now on and returns the one before. Without one nobody is told and all work goes
-/// on. To be called while nothing works.
+/// Sets the handler and returns the one before. An empty handler lets all work continue. Call it only while no work
+/// runs.
 ProgressHandler setProgressHandler(ProgressHandler handler);
 
-/// Ends a work that is not to go on; what it has made so far goes. It is no failure, so nobody who catches
-/// std::exception to tell of one gets it.
+/// Thrown to cancel a work; what the work has built so far is dropped. It does not derive from std::exception, so
+/// handlers that report failures don't catch it.
 struct Cancelled
 {};
 
-/// Tells the handler and answers whether the work is to go on.
+/// Passes `progress` to the handler and returns whether to continue.
 bool tellProgress(const Progress& progress);
 
-/// Tells the same as the last time once more, for who waits meanwhile.
+/// Polls the handler again with the last progress and returns whether to continue.
 bool isStillWanted();
 
-/// Raises Cancelled when it isn't.
+/// Throws Cancelled unless isStillWanted().
 void checkWanted();
 
-/// Tells that a work begins that nobody counts. Raises Cancelled.
+/// Reports the start of a work whose steps are not counted. Throws Cancelled.
 void beginWork(Work work);
 
-/// For a loop that nobody counts: raises Cancelled at one of each `stride` passes, when the work isn't wanted any more.
+/// For a loop whose steps are not counted: polls the handler once in `stride` passes and throws Cancelled if it
+/// refuses.
 class CancelPoint
 {
 public:
     explicit CancelPoint(unsigned stride) : stride(stride), left(stride) {}
 
+    /// Counts one pass.
     void pass()
     {
         if (--left == 0)
@@ -66,14 +68,14 @@ private:
     unsigned left;
 };
 
-/// For a loop: tells how far it has come each `stride` steps, and costs a count in between.
+/// For a counted loop: reports the progress once in `stride` steps. Other steps cost one decrement.
 class ProgressMeter
 {
 public:
-    /// Tells of the start. Raises Cancelled, as step() does.
+    /// Reports the start. Throws Cancelled, as step() does. `total` is 0 if unknown.
     ProgressMeter(Work work, std::uint64_t total, unsigned stride);
 
-    /// One step; `done` of the total is behind.
+    /// Counts one step; `done` is the part of the total that is finished.
     void step(std::uint64_t done)
     {
         if (--left == 0)

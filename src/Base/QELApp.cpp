@@ -29,6 +29,6 @@ void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault)
 const char* wordsOf(const std::exception& error)
 {
     const bool isMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
-    const bool isLength = dynamic_cast<const std::length_error*>(&error) != nullptr; // more than could ever be there
+    const bool isLength = dynamic_cast<const std::length_error*>(&error) != nullptr; // a size that no memory could hold
     return isMemory || isLength ? "There is not enough memory" : error.what();
 }

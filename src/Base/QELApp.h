@@ -8,27 +8,27 @@
 class CQELApp
 {
 public:
-    /// Runs the wizard from start to end; answers 0, so that the process ends. Defined with the wizard: a program
+    /// Runs the wizard from start to end. Always returns 0, so that the process ends. Defined in the wizard: a program
     /// without a window never calls it and links without it.
     BOOL InitInstance();
 
     /// Shows the text `textId` of the string table under the title `titleId` and returns when the user has closed it.
     void Error(UINT textId, UINT titleId);
 
-    /// Shows a finished text under the title `titleId`. `details` is the reason behind it in the words of the system, a
-    /// driver or the broker; who shows the text may show them under it.
+    /// Shows a finished text under the title `titleId`. `details` is the cause in the words of the system, a driver or
+    /// the broker; the message handler may show it below the text.
     void Error(const CString& text, UINT titleId, const CString& details = {});
 
-    /// The same for what a source is to blame for; `fault` says it in parts, of which the reason and the file are
-    /// details if the text lacks them.
+    /// Shows an error caused by a source, with its parts in `fault`. Its reason and its file become the details if the
+    /// text lacks them.
     void Error(const CString& text, UINT titleId, const SourceFault& fault);
 
-    /// Opens the help topic of the page whose dialog id is in the low 16 bits of `data`, the default topic for a
-    /// dialog without one. Acts only when `command` is the context-help command, 1. Defined with the wizard.
+    /// Opens the help topic of the page whose dialog id is in the low 16 bits of `data`, or the default topic if that
+    /// dialog has none. Does nothing unless `command` is 1, the context-help command. Defined in the wizard.
     void WinHelp(DWORD data, UINT command);
 };
 
 extern CQELApp theApp;
 
-/// What an exception says to the user. Takes no memory, so that it can say that there is none.
+/// Returns the text of an exception for the user. Allocates nothing, so it works when memory has run out.
 const char* wordsOf(const std::exception& error);

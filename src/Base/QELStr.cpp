@@ -25,8 +25,8 @@ int indexOf(std::size_t position)
     return position == std::string_view::npos ? -1 : static_cast<int>(position);
 }
 
-// `text` without the characters of `set` at its start, and at its end. A table knows the set here as in strspn, so
-// that a long set costs no more than a short one.
+// Return `text` without the characters of `set` at its start, or at its end. The set is looked up in a table, as in
+// strspn(), so a long set costs no more than a short one.
 std::string_view withoutLeading(const QELString& text, const char* set)
 {
     return viewOf(text).substr(std::strspn(text, set));
@@ -85,7 +85,7 @@ QELString& QELString::operator=(const char* s)
 QELString& QELString::assign(const char* s, unsigned int n)
 {
     const std::size_t used = s ? strnlen(s, n) : 0;
-    // When the storage grows, `s` doesn't lie in it: a part of the text needs no more room than the text.
+    // If the storage grows, `s` does not lie in it, because a part of the text always fits.
     reserve(used, used + 1);
     setText(s, static_cast<unsigned int>(used));
     return *this;
@@ -135,7 +135,7 @@ unsigned int QELString::sprintf(const char* format, ...)
     va_list again;
     va_copy(again, arguments);
     int written = std::vsnprintf(output, kFormatBuffer, format, arguments);
-    // The first run has told the size that it needs.
+    // The first run returned the length that the output needs.
     if (written >= static_cast<int>(kFormatBuffer)) {
         heapBuffer.resize(static_cast<std::size_t>(written) + 1);
         output = heapBuffer.data();
@@ -143,7 +143,7 @@ unsigned int QELString::sprintf(const char* format, ...)
     }
     va_end(again);
     va_end(arguments);
-    // From a buffer of its own, since the arguments may be the string itself.
+    // Formatted into a separate buffer, because the arguments may be the string itself.
     assign(output, static_cast<unsigned int>(std::max(written, 0)));
     return length();
 }
@@ -153,7 +153,7 @@ unsigned int QELString::length() const
     return static_cast<unsigned int>(std::strlen(text));
 }
 
-// Makes the storage `size` bytes large where a text of `newLength` characters doesn't fit.
+// Makes the storage `size` bytes large if a text of `newLength` characters doesn't fit.
 void QELString::reserve(unsigned long newLength, unsigned long size)
 {
     if (newLength < capacity)
@@ -181,7 +181,7 @@ void QELString::setText(const char* s, unsigned int n)
     text[n] = '\0';
 }
 
-// Makes the text `width` characters long by spaces at index `at`, where it is shorter.
+// Pads the text with spaces at index `at` to `width` characters. Does nothing if it is that long already.
 void QELString::insertSpaces(unsigned int at, unsigned int width)
 {
     reserve(width, width + 1UL);
@@ -196,8 +196,9 @@ QELString& QELString::operator+=(const QELString& other)
 {
     const unsigned long head = length();
     const unsigned long tail = other.length();
+    // Twice the size, so that appending in a loop takes linear time in total.
     reserve(head + tail, (head + tail) * 2 + 1);
-    std::memcpy(text + head, other.text, tail); // read after growing: `other` may be this string
+    std::memcpy(text + head, other.text, tail); // read after growing, because `other` may be this string
     text[head + tail] = '\0';
     return *this;
 }
@@ -333,7 +334,7 @@ int QELString::splitAt(int separator, QELString& left, QELString& right) const
 {
     const bool found = separator >= 0;
     const unsigned int end = found ? static_cast<unsigned int>(separator) : length();
-    // Copied first: `left` or `right` may be this string.
+    // Copied first, because `left` or `right` may be this string.
     const QELString before(text, end);
     const QELString after(text + end + found);
     left = before;
@@ -345,7 +346,7 @@ void QELString::splitName(char sep, QELString& path, QELString& name) const
 {
     if (splitr(sep, path, name))
         return;
-    name = path; // which is the whole text now
+    name = path; // splitr() left the whole text in `path`
     path = "";
 }
 

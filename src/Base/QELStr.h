@@ -2,23 +2,23 @@
 
 #include <list>
 
-/// An 8-bit text. Up to 19 characters lie inside the object, longer ones on the heap; storage never shrinks. All
-/// operations work byte by byte, letters are those of ASCII, and every argument may be the string itself or point
-/// into it. A text of 2 GB or more is refused with std::length_error, since indices are int.
+/// An 8-bit text. Up to 19 characters lie inside the object, longer texts on the heap; the storage never shrinks. All
+/// operations work byte by byte, only ASCII letters have a case, and every argument may be the string itself or point
+/// into it. A text of 2 GB or more throws std::length_error, because indices are int.
 class QELString final
 {
 public:
     QELString();
     QELString(const QELString& other);
     QELString(const char* s);                 ///< null gives the empty text
-    QELString(const char* s, unsigned int n); ///< the first n characters, fewer when `s` is shorter
+    QELString(const char* s, unsigned int n); ///< the first n characters, fewer if `s` is shorter
     QELString(char ch);                       ///< NUL gives the empty text
     ~QELString();
 
     QELString& operator=(const QELString& other);
     QELString& operator=(const char* s); ///< null gives the empty text
 
-    /// Replaces the text by the first n characters of `s`, fewer when `s` is shorter; null gives the empty text.
+    /// Replaces the text by the first n characters of `s`, fewer if `s` is shorter; null gives the empty text.
     QELString& assign(const char* s, unsigned int n);
 
     /// Makes the text empty, with room for at least n characters.
@@ -26,28 +26,29 @@ public:
 
     operator const char*() const { return text; }
 
-    /// 1 when the text is empty, else 0. Virtual as a part of the layout; the destructor isn't, so the class is final.
+    /// Returns 1 if the text is empty, else 0. Virtual as a part of the layout; the destructor isn't, so the class is
+    /// final.
     virtual int isNull() const;
 
-    /// The size in bytes of the storage in use, terminator included.
+    /// Returns the size of the storage in bytes, terminator included.
     unsigned int queryCapacity() const { return capacity; }
 
-    char operator[](unsigned int i) const; ///< at or past the end, NUL
-    char& operator[](unsigned int i);      ///< at or past the end, the terminating NUL, which must stay NUL
+    char operator[](unsigned int i) const; ///< NUL at or past the end
+    char& operator[](unsigned int i);      ///< at or past the end the terminating NUL, which must stay NUL
 
-    /// The text from index `from` on, at most `count` characters of it. A negative index or count is taken from the
-    /// end: the length is added, and what is still negative is 0.
+    /// Returns the text from index `from` on, at most `count` characters. A negative index or count is taken from the
+    /// end: the length is added, and a result below 0 becomes 0.
     QELString operator()(int from) const;
     QELString operator()(int from, int count) const;
 
-    /// Replaces the text by the formatted output and returns its length. A failure of the formatter (a wide character
-    /// that the locale can't hold) gives the empty text.
+    /// Replaces the text by the formatted output and returns its length. If the formatter fails (a wide character
+    /// outside the locale), the text becomes empty and the length 0.
     [[gnu::format(printf, 2, 3)]] unsigned int sprintf(const char* format, ...);
 
     QELString& operator+=(const QELString& other);
     QELString& operator+=(char ch);
 
-    // As unsigned bytes; a text that the other one starts with is the smaller.
+    // Compare as unsigned bytes. A proper prefix is smaller than the whole text.
     int operator==(const QELString& other) const;
     int operator!=(const QELString& other) const;
     int operator<(const QELString& other) const;
@@ -64,7 +65,7 @@ public:
     void ltrim(unsigned int width);  ///< removes leading spaces, then pads with spaces on the right up to `width`
     void rtrim(unsigned int width);  ///< removes trailing spaces, then pads with spaces on the left up to `width`
 
-    /// Keeps the first n characters and answers 1; 0, and no change, when the text is shorter than n.
+    /// Keeps the first n characters and returns 1. Returns 0 without a change if the text is shorter than n.
     int truncate(unsigned int n);
 
     void cutl(unsigned int n); ///< removes the first n characters, at most all
@@ -72,18 +73,20 @@ public:
 
     void lowerCase();
     void upperCase();
-    void initial(); ///< behind leading spaces, the first character upper case and the rest lower case
+    void initial(); ///< after leading spaces, makes the first character upper case and the rest lower case
 
-    /// Cuts at the first `sep`: 1 and the texts before and after it; without one 0, the whole text and an empty one.
+    /// Cuts at the first `sep` and returns 1, with the texts before and after it. Without a `sep` returns 0, with the
+    /// whole text in `left` and an empty `right`.
     int splitl(char sep, QELString& left, QELString& right) const;
 
-    /// The same at the last `sep`.
+    /// Does the same at the last `sep`.
     int splitr(char sep, QELString& left, QELString& right) const;
 
-    /// Cuts at the last `sep` as splitr() does; without one `path` is empty and `name` the whole text.
+    /// Cuts at the last `sep` as splitr() does. Without a `sep`, `path` is empty and `name` the whole text.
     void splitName(char sep, QELString& path, QELString& name) const;
 
-    /// Field n, from 0, of the text cut at every `sep`, without the spaces at its ends; empty when there is none.
+    /// Returns field n, from 0, of the text cut at every `sep`, without the spaces at its ends. Empty if there is no
+    /// such field.
     QELString queryField(char sep, unsigned int n) const;
 
 private:
@@ -98,14 +101,15 @@ private:
 
     char buffer[kInline];
     unsigned int capacity = kInline;
-    char* text = buffer; // `buffer`, or a heap block that is owned
+    char* text = buffer; // `buffer`, or an owned heap block
 };
 
+/// Returns the length in bytes.
 unsigned int len(const QELString& s);
 
 QELString operator+(const QELString& left, const QELString& right);
 
-// Each answers the index of the match, or -1; an empty `sub` is never found.
+// Each returns the index of the match, or -1. An empty `sub` is never found.
 int find(const QELString& s, const QELString& sub);
 int find(const QELString& s, char ch);
 int findr(const QELString& s, const QELString& sub); ///< the last occurrence
@@ -113,14 +117,14 @@ int findr(const QELString& s, char ch);              ///< the last occurrence
 int findAny(const QELString& s, const char* set);    ///< the first character that occurs in `set`
 int findAny(const QELString& s, const QELString& set);
 
-// Changed copies.
+// Each returns a changed copy. The trim functions remove spaces only.
 QELString upperCase(const QELString& s);
 QELString lowerCase(const QELString& s);
 QELString trim(const QELString& s);
 QELString ltrim(const QELString& s);
 QELString rtrim(const QELString& s);
 
-// A number in decimal.
+// Each returns a number in decimal.
 QELString nstr(short v);
 QELString nstr(unsigned short v);
 QELString nstr(int v);
@@ -128,7 +132,7 @@ QELString nstr(unsigned int v);
 QELString nstr(long v);
 QELString nstr(unsigned long v);
 
-/// Cuts a copy of a string at a separator and hands the parts out one by one, without the spaces at their ends. A text
+/// Cuts a copy of a string at a separator and returns the parts one by one, without the spaces at their ends. A text
 /// with k separators has k + 1 parts, empty ones included.
 class QELStringIterator
 {
@@ -137,11 +141,11 @@ public:
     QELStringIterator(const QELStringIterator&) = delete;
     QELStringIterator& operator=(const QELStringIterator&) = delete;
 
-    /// Starts anew, with `sep`, which must not be NUL.
+    /// Starts again, with `sep`, which must not be NUL.
     void beginEnum(char sep);
 
-    /// Copies the next part into `out` and answers 1 when a further one follows. 0 with the last part; 0 also, and
-    /// `out` left alone, when there is none left or beginEnum() was not called.
+    /// Copies the next part into `out` and returns 1 if another part follows, 0 if it was the last. Returns 0 and
+    /// leaves `out` alone if no part is left or beginEnum() was not called.
     int enumNext(QELString& out);
 
 private:

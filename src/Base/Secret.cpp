@@ -8,7 +8,8 @@
 
 namespace {
 
-// The allocator keeps up to seven freed blocks of each small size for the next call, and doesn't overwrite those.
+// glibc keeps up to seven freed blocks of each small size for reuse (the tcache), and M_PERTURB does not overwrite
+// those. Allocating one more than that of each size reaches them all.
 void wipeKeptBlocks()
 {
     constexpr std::size_t kStep = 16, kLargest = 1032;
@@ -24,9 +25,10 @@ void wipeKeptBlocks()
     }
 }
 
+// Not inlined, so that its array lies below the caller's frame, where the earlier calls were.
 [[gnu::noinline]] void wipeStack()
 {
-    std::array<char, 128 * 1024> below; // where the calls before have been
+    std::array<char, 128 * 1024> below; // the part of the stack that earlier calls used
     explicit_bzero(below.data(), below.size());
 }
 
@@ -34,14 +36,15 @@ void wipeKeptBlocks()
 
 void wipe(CString& secret)
 {
-    secret.resize(secret.capacity()); // never a new allocation
+    secret.resize(secret.capacity()); // within the capacity, so it never reallocates
+    // A memset() of memory that is not read again could be optimised away.
     explicit_bzero(secret.data(), secret.size());
     secret.clear();
 }
 
 MemoryWipe::MemoryWipe()
 {
-    mallopt(M_PERTURB, 0xff);
+    mallopt(M_PERTURB, 0xff); // glibc then overwrites each freed block
 }
 
 MemoryWipe::~MemoryWipe()

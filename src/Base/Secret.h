@@ -2,10 +2,10 @@
 
 #include "Base/Text.h"
 
-/// Empties a text that held a password, and leaves none of its bytes in memory, those past its end included.
+/// Empties a text that held a password and overwrites its whole storage, the bytes past its end included.
 void wipe(CString& secret);
 
-/// A text that is wiped when it goes out of sight. Build it in place: a copy, or growth, leaves bytes behind.
+/// A text that is wiped when it goes out of scope. Build it in place: a copy, or growth, leaves bytes behind.
 struct Secret
 {
     CString text;
@@ -17,8 +17,8 @@ struct Secret
     Secret& operator=(const Secret&) = delete;
 };
 
-/// For calls of libraries that copy a password and don't wipe it: what they free while one lives is overwritten, and at
-/// its end what they have left on the stack and in the small blocks that the allocator keeps at hand.
+/// A scope around calls of libraries that copy a password and don't wipe it. Blocks that they free in the scope are
+/// overwritten. The end of the scope wipes the stack below it and the small blocks that the allocator keeps for reuse.
 class MemoryWipe
 {
 public:
@@ -28,6 +28,6 @@ public:
     MemoryWipe& operator=(const MemoryWipe&) = delete;
 };
 
-/// From here on the process leaves no core dump, whatever ends it, and only its own user's debugger with the right to
-/// trace anything can look into it.
+/// Disables core dumps of this process (prctl(2), PR_SET_DUMPABLE). Only a debugger with CAP_SYS_PTRACE can attach to
+/// it.
 void keepOutOfCores();

@@ -6,7 +6,7 @@
 
 namespace {
 
-// What no name or address has: it would end a value of a connection string, or start a quoted one.
+// Characters that no name or address has. They would end a value of a connection string, or begin a quoted one.
 constexpr std::string_view kForeign = ";{}=[]\"'";
 
 bool isIPv6(std::string_view text)
@@ -40,6 +40,7 @@ CString ServerAddress::asText() const
 
 std::optional<ServerAddress> readServerAddress(std::string_view text, unsigned defaultPort)
 {
+    // First, because the colons of a bare IPv6 address would be taken for that of a port.
     if (isIPv6(text) && isServer(text))
         return ServerAddress{CString(text), defaultPort};
     const bool isBracketed = text.starts_with('[');

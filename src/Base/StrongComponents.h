@@ -6,12 +6,12 @@
 #include <cstdint>
 #include <vector>
 
-/// The strongly connected components of a graph, and an order in which a node comes behind those that it leads to, but
-/// for what leads back to itself (R. Tarjan, Depth-first search and linear graph algorithms, 1972). Walks without
-/// recursion, in time linear in the links.
+/// Finds the strongly connected components of a graph (R. Tarjan, Depth-first search and linear graph algorithms,
+/// 1972), and an order in which every node follows the nodes that it links to, except links that close a circle. Walks
+/// without recursion, in time linear in the links.
 ///
-/// `Graph` answers degree(node), and target(node, i), the node that the i-th link leads to or kNone where it leads to
-/// none.
+/// `Graph` has degree(node), the number of a node's links, and target(node, i), the node at the end of its i-th link,
+/// or kNone if the link leads nowhere.
 template <class Graph>
 class StrongComponents
 {
@@ -23,7 +23,7 @@ public:
         graph(graph), component(nodeCount, kNone), number(nodeCount), lowest(nodeCount)
     {}
 
-    /// Adds `start` and all nodes that it reaches, as far as they aren't there yet. Cancelled may be raised.
+    /// Adds `start` and all nodes that it reaches and that were not visited before. Throws Cancelled.
     void visit(Index start)
     {
         if (number[start] != 0)
@@ -46,10 +46,10 @@ public:
         }
     }
 
-    /// The nodes visited so far, in order.
+    /// Returns the nodes visited so far, in order.
     const std::vector<Index>& query() const { return order; }
 
-    /// The same number for two nodes that reach each other, kNone for one that wasn't visited.
+    /// Returns the component of a node, kNone if it was not visited. Two nodes that reach each other have the same one.
     Index componentOf(Index node) const { return component[node]; }
     Index componentCount() const { return components; }
 
@@ -87,8 +87,8 @@ private:
     Graph graph;
     std::vector<Index> order;
     std::vector<Index> component;
-    std::vector<Index> number;  // in the order of the first visit, from 1; 0: not visited
-    std::vector<Index> lowest;  // the lowest number that is reached and has no component yet
+    std::vector<Index> number;  // by first visit, from 1; 0 if not visited
+    std::vector<Index> lowest;  // the lowest number reached that has no component yet
     std::vector<Index> pending; // visited, without a component yet
     std::vector<Step> steps;
     CancelPoint cancelPoint{1 << 16};

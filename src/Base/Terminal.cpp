@@ -18,8 +18,8 @@ void noteSignal(int number)
     caughtSignal = number;
 }
 
-// Holds off what would end the process while the terminal is silent, so that it can be given its echo back first. The
-// signals get through only while waitFor() waits, so none can slip in before the waiting and be waited for.
+// Blocks the signals that would end or stop the process while the echo is off, so that the echo is restored first. They
+// are delivered only inside ppoll(), so none can arrive just before the wait and be missed.
 class HeldSignals
 {
 public:
@@ -43,13 +43,13 @@ public:
             sigaction(kHeld[i], &actions[i], nullptr);
         sigprocmask(SIG_SETMASK, &before, nullptr);
         if (caughtSignal)
-            raise(caughtSignal);
+            raise(caughtSignal); // only recorded until now
     }
 
     HeldSignals(const HeldSignals&) = delete;
     HeldSignals& operator=(const HeldSignals&) = delete;
 
-    // True when there is something to read, false when a signal came first.
+    // Returns true if there is something to read, false if a signal came first.
     bool waitFor(int descriptor) const
     {
         pollfd readable = {descriptor, POLLIN, 0};
@@ -62,7 +62,7 @@ private:
     sigset_t before;
 };
 
-// A terminal that doesn't show what is typed.
+// The terminal of the process with its echo turned off.
 class SilentTerminal
 {
 public:
@@ -72,7 +72,7 @@ public:
             return;
         termios silent = before;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        usable = tcsetattr(descriptor, TCSAFLUSH, &silent) == 0;
+        usable = tcsetattr(descriptor, TCSAFLUSH, &silent) == 0; // drops input typed before the prompt
     }
 
     ~SilentTerminal()
@@ -89,7 +89,7 @@ public:
     bool isUsable() const { return usable; }
     bool write(std::string_view text) const { return ::write(descriptor, text.data(), text.size()) >= 0; }
 
-    // One character at a time, so that no buffer keeps what was typed.
+    // Reads one character at a time, so that no buffer keeps what was typed.
     bool readLine(const HeldSignals& signals, CString& line) const
     {
         char c = 0;
@@ -109,12 +109,12 @@ private:
 
 Asked askOnce(const CString& prompt, CString& secret, bool& wasStopped)
 {
-    const HeldSignals signals; // above the terminal, which has to be itself again when the signal goes on
+    const HeldSignals signals; // first, so that the echo is restored before the signal is raised again
     const SilentTerminal terminal;
     wipe(secret);
     if (!terminal.isUsable())
         return Asked::noTerminal;
-    secret.reserve(1024); // no growth, it would leave copies behind
+    secret.reserve(1024); // growing would leave copies behind
     const bool isAnswered = terminal.write(prompt) && terminal.readLine(signals, secret);
     wasStopped = caughtSignal == SIGTSTP;
     terminal.write("\n");
@@ -127,6 +127,7 @@ Asked askOnce(const CString& prompt, CString& secret, bool& wasStopped)
 
 Asked askTerminal(const CString& prompt, CString& secret)
 {
+    // Asks again after a stop, because the shell may have used the terminal meanwhile.
     for (;;) {
         bool wasStopped = false;
         const Asked asked = askOnce(prompt, secret, wasStopped);
@@ -135,10 +136,10 @@ Asked askTerminal(const CString& prompt, CString& secret)
     }
 }
 
-// With the wrong mode, so that who reads or writes there is told (EBADF) as without a stream.
+// Opened with the wrong mode, so that a read or write there fails with EBADF, as without a stream.
 void takeClosedStreams()
 {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (fcntl(stream, F_GETFD) < 0)
-            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY); // the lowest that is free: this one
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY); // takes the lowest free number
 }

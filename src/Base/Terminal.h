@@ -2,17 +2,19 @@
 
 #include "Base/Text.h"
 
+/// The outcome of askTerminal().
 enum class Asked
 {
-    answered,
-    givenUp, ///< by the end of the input
-    noTerminal
+    answered,  ///< a line was read, which may be empty
+    givenUp,   ///< the input ended, or a signal came
+    noTerminal ///< the process has no terminal
 };
 
-/// Asks on the terminal of the process and reads one line into `secret` without showing what is typed. A signal that
-/// ends or stops the process finds the terminal as it was; once it goes on it asks anew.
+/// Writes `prompt` to the terminal of the process and reads one line into `secret` without echo. `secret` is empty
+/// unless the result is `answered`. A signal that ends or stops the process finds the echo restored; a stopped process
+/// asks again when it continues.
 Asked askTerminal(const CString& prompt, CString& secret);
 
-/// Opens nothing in place of standard input, output and error where the process was started without them. Else the next
-/// file or connection that is opened would be one of them, and be sent what they are sent.
+/// Opens /dev/null as standard input, output or error if the process was started without them. Otherwise the next file
+/// or connection would get that number, and with it whatever is written there.
 void takeClosedStreams();

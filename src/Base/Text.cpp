@@ -12,7 +12,8 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-// Windows-1252 for 0x80 to 0x9F; the five bytes it leaves open are the C1 controls of the same value.
+// The characters of Windows-1252 for 0x80 to 0x9F. The five bytes that it leaves undefined become the C1 controls of
+// the same value.
 constexpr std::array<char16_t, 32> kWindows1252 = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                                    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                                    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
@@ -31,7 +32,8 @@ struct CodeRange
     char32_t last;
 };
 
-// https://www.w3.org/TR/xml/#NT-NameStartChar, and what may only follow (NameChar).
+// The characters that begin a name (https://www.w3.org/TR/xml/#NT-NameStartChar), and those that may only follow
+// (NameChar).
 constexpr CodeRange kNameStart[] = {{':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},
                                     {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
                                     {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
@@ -62,7 +64,7 @@ constexpr std::array<InNames, 128> makeAsciiInNames()
     return table;
 }
 
-// What each character of ASCII is in a name.
+// Where each ASCII character may stand in a name. A table, because nearly all names are ASCII.
 constexpr std::array<InNames, 128> kAsciiInNames = makeAsciiInNames();
 
 using Eight = std::uint64_t; // eight characters at a time
@@ -154,6 +156,7 @@ CString formatText(const char* format, ...)
     va_start(arguments, format);
     va_list again;
     va_copy(again, arguments);
+    // The first run only measures.
     const int length = std::vsnprintf(nullptr, 0, format, arguments);
     va_end(arguments);
     CString out(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
@@ -207,7 +210,7 @@ bool isPlainXmlText(std::string_view bytes)
 bool isXmlText(std::string_view bytes)
 {
     for (std::size_t at = 0; at < bytes.size();) {
-        if (bytes.size() - at >= sizeof(Eight)) { // nearly every text is plain ASCII
+        if (bytes.size() - at >= sizeof(Eight)) { // fast path: nearly every text is plain ASCII
             const Eight eight = eightAt(bytes.data() + at);
             if (((eight | (eight - every(0x20))) & every(0x80)) == 0) {
                 at += sizeof eight;
@@ -252,6 +255,8 @@ bool appendCharacter(CString& out, std::uint32_t code)
 
 CString shownText(std::string_view text)
 {
+    // C1 controls, line separators and bidirectional controls (https://unicode.org/reports/tr9/). They could make a
+    // terminal show another text than the one that was written.
     static constexpr CodeRange hidden[] = {{0x80, 0x9F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
     CString shown(text);
     std::replace_if(
@@ -286,7 +291,7 @@ bool isXmlName(std::string_view text)
 {
     for (std::size_t at = 0; at < text.size();) {
         const bool isFirst = at == 0;
-        if (const auto c = static_cast<unsigned char>(text[at]); c < 0x80) { // as nearly all are
+        if (const auto c = static_cast<unsigned char>(text[at]); c < 0x80) { // fast path: nearly all are ASCII
             if (kAsciiInNames[c] == notInNames || (isFirst && kAsciiInNames[c] == notFirstInNames))
                 return false;
             ++at;

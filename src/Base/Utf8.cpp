@@ -13,6 +13,7 @@ char32_t decodeUtf8(std::string_view text, std::size_t& at)
     if (lead < 0x80)
         return static_cast<unsigned char>(text[at++]);
     const std::size_t length = utf8Length(static_cast<char>(lead));
+    // 0xC0 and 0xC1 only begin overlong forms; leads above 0xF4 would exceed U+10FFFF.
     if (lead < 0xC2 || lead > 0xF4 || text.size() - at < length)
         return kNoUtf8;
     char32_t code = lead & (0x7F >> length);
@@ -57,6 +58,7 @@ bool isUtf8(std::string_view bytes)
 
 void dropCutCharacter(std::string_view& text)
 {
+    // Goes back over at most three continuation bytes.
     std::size_t start = text.size(); // of the last character
     while (start > 0 && text.size() - start < 4 && (text[start - 1] & 0xC0) == 0x80)
         --start;

@@ -3,21 +3,21 @@
 #include <string>
 #include <string_view>
 
-/// What decodeUtf8() answers where the bytes are no UTF-8.
+/// The result of decodeUtf8() if the bytes are not UTF-8.
 inline constexpr char32_t kNoUtf8 = 0xFFFFFFFF;
 
-/// How many bytes the character takes that starts with `lead`; 1 for a byte that starts none.
+/// Returns the length in bytes, 1 to 4, of the character that starts with `lead`; 1 for a byte that starts none.
 std::size_t utf8Length(char lead);
 
-/// Decodes one character at `at` and moves past it. kNoUtf8, and no move, where the bytes are no UTF-8, overlong forms
-/// and surrogates included (RFC 3629).
+/// Returns the character at `at` and moves `at` past it. If the bytes are not UTF-8 (RFC 3629), overlong forms and
+/// surrogates included, returns kNoUtf8 and leaves `at`. `at` must be less than the size.
 char32_t decodeUtf8(std::string_view text, std::size_t& at);
 
-/// Takes a character that a cut has left incomplete off the end of `text`.
+/// Removes an incomplete character at the end of `text`, which a cut has left there.
 void dropCutCharacter(std::string_view& text);
 
-/// Appends a character, which must be one.
+/// Appends a character as UTF-8. `code` must be a valid code point.
 void appendUtf8(std::string& out, char32_t code);
 
-/// True when decodeUtf8() takes all of it.
+/// Returns whether all of the bytes are UTF-8.
 bool isUtf8(std::string_view bytes);
