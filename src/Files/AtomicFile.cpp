@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
 
-// The permissions that a new file would get here.
+// Returns the permissions that a new file gets under the process's umask. umask(2) can't be read without being set.
 mode_t newFileMode()
 {
     const mode_t mask = ::umask(0);
@@ -24,7 +24,7 @@ mode_t newFileMode()
     return 0666 & ~mask;
 }
 
-// Who may do what with a file beyond its permissions: its ACL, which a folder may give to new ones too.
+// Returns whether a file has an ACL beside its permissions. A folder's default ACL gives one to new files too.
 bool hasAcl(const CString& fileName)
 {
     return ::getxattr(fileName.c_str(), "system.posix_acl_access", nullptr, 0) > 0;
@@ -43,9 +43,9 @@ bool appendZeros(int file, off_t from, off_t to)
     return true;
 }
 
-// Gives a file its new size before any of its bytes is overwritten, so that a full disk leaves it as it was, and
-// nothing of the old file is ever behind the end of the new one. A file that may not be read can't be asked where it
-// has room already, so what knows no better way gets zeros at its end.
+// Gives a file its new size before any byte is overwritten. A full disk then leaves the old file intact, and no old
+// byte can remain behind the end of the new content. A file system without fallocate(2) gets zeros at the end of the
+// file; holes before it are not looked for, because the file may not be readable.
 bool resize(int file, off_t size)
 {
     struct stat before = {};
@@ -89,7 +89,7 @@ void AtomicFile::open(const CString& fileName, Special special)
             out.reset(::open(fileName.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
         return out.isOpen() ? void() : fail();
     }
-    // A file that may not be written isn't replaced either, though its folder would allow it.
+    // A read-only file is not replaced, even if its folder would allow it.
     if (replaces && ::access(fileName.c_str(), W_OK) != 0)
         return fail();
     target = behindLinks(fileName);
@@ -103,15 +103,17 @@ void AtomicFile::open(const CString& fileName, Special special)
         fail();
 }
 
-// Whoever had no right on the old file has none on the new one. Owner and group go before the mode, some bits of which
-// they clear.
+// Gives the new file the owner, group and permissions of the old one, so that no user gains a right. Returns false if
+// the system refuses or either file has an ACL. chown() comes before chmod(), because it clears the setuid and setgid
+// bits.
 bool AtomicFile::takeRights(const struct stat& old) const
 {
     return !hasAcl(target) && !hasAcl(temporary.queryName()) && ::fchown(out.get(), old.st_uid, old.st_gid) == 0 &&
            ::fchmod(out.get(), old.st_mode & 07777) == 0;
 }
 
-// What goes over a file where it stands waits in memory until it is whole.
+// Opens a file in memory for the new content, so that the old file is overwritten in place only when the new one is
+// complete. Restores errno, so that fail() reports why the temporary file was not possible.
 bool AtomicFile::openMemory()
 {
     const int error = errno;
@@ -169,6 +171,7 @@ void AtomicFile::keepUnchanged(off_t from, off_t count)
 bool AtomicFile::isUnchanged() const
 {
     struct stat before = {}, written = {};
+    // O_NONBLOCK, in case the name has become a pipe meanwhile.
     const Descriptor old(::open(target.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     if (!replaces || !old.isOpen() || ::fstat(old.get(), &before) != 0 || ::fstat(out.get(), &written) != 0 ||
         !S_ISREG(before.st_mode) || before.st_size != written.st_size)
@@ -182,6 +185,7 @@ bool AtomicFile::isUnchanged() const
             return false;
         const off_t from = std::clamp<off_t>(ignoredFrom - at, 0, size),
                     end = std::clamp<off_t>(ignoredEnd - at, 0, size);
+        // The ignored range is copied from the other side, so that it compares equal.
         std::copy(left + from, left + end, right + from);
         if (!std::equal(left, left + size, right))
             return false;
@@ -194,6 +198,7 @@ bool AtomicFile::place()
 {
     if (!temporary.exists())
         return overwrite();
+    // Before the rename, or a crash could leave an empty file under the name.
     if (::fsync(out.get()) != 0)
         return false;
     return temporary.renameTo(target) || (replaces && overwrite());
@@ -202,6 +207,7 @@ bool AtomicFile::place()
 bool AtomicFile::overwrite() const
 {
     struct stat written = {};
+    // Without O_TRUNC, so that a full disk leaves the old content.
     const Descriptor file(::open(target.c_str(), O_WRONLY | O_CLOEXEC));
     return file.isOpen() && ::fstat(out.get(), &written) == 0 && resize(file.get(), written.st_size) &&
            copy(out.get(), file.get(), written.st_size) && ::fsync(file.get()) == 0;

@@ -7,39 +7,41 @@
 
 #include <sys/types.h>
 
-/// A file that appears whole or not at all: what is written goes into a temporary file beside it, which takes the
-/// name's place on commit(). A symbolic link is followed, an existing file keeps its owner, group and permissions.
-/// Without commit() the old file is still there, untouched.
+/// A file that appears whole or not at all: the content goes into a temporary file beside it, which commit() renames. A
+/// symbolic link is followed. An existing file keeps its owner, group and permissions, and stays untouched without a
+/// commit().
 ///
-/// An existing file that can't be replaced so, since its folder may not be written, something is mounted on it, its
-/// owner or group is for others to give, or an ACL says more, is overwritten where it stands; only then, and only by a
-/// fault of the disk or by the end of the process, it can be left with a beginning of the new file and the rest of the
-/// old one, in the new one's length.
+/// Some existing files can't be replaced by a rename: the folder is not writable, something is mounted on the file, the
+/// process may not set its owner or group, or an ACL is involved. Such a file is overwritten in place. Only then can a
+/// disk fault or the end of the process leave a mixture: the beginning of the new content, the rest of the old one, and
+/// the new length.
 class AtomicFile
 {
 public:
-    /// What becomes of a name that is no regular file, as a pipe or a device.
+    /// What to do if the name is not a regular file but, for example, a pipe or a device.
     enum class Special
     {
-        refused, ///< at once, with `generic`
-        written  ///< directly
+        refused, ///< fails at once: accessDenied for a folder, else generic
+        written  ///< is written directly
     };
 
+    /// Opens the file for writing; queryCause() tells whether that failed.
     explicit AtomicFile(const CString& fileName, Special special = Special::refused);
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// Appends bytes; after a failure does nothing.
+    /// Appends bytes. Does nothing after a failure.
     void write(std::string_view bytes);
 
-    /// Has commit() leave an existing file as it is, with its inode and time, if it holds the same bytes.
-    /// `ignoredCount` bytes from `ignoredFrom` on may differ.
+    /// Makes commit() keep an existing file, with its inode and time, if it holds the same bytes. `ignoredCount` bytes
+    /// from offset `ignoredFrom` on may differ.
     void keepUnchanged(off_t ignoredFrom, off_t ignoredCount);
 
-    /// Brings everything to the disk and puts the file in its place. `none`, or the first failure of the whole run.
+    /// Syncs the content to the disk and puts the file in its place. Returns `none`, or the cause of the first failure
+    /// since the object was opened.
     FileCause commit();
 
-    /// `none` while nothing has failed, the opening included.
+    /// Returns `none` if nothing has failed yet, the opening included.
     FileCause queryCause() const { return cause; }
 
 private:
@@ -52,9 +54,9 @@ private:
     bool place();
     bool overwrite() const;
 
-    CString target;          // where the file goes, links followed; empty when it is written directly
-    TemporaryFile temporary; // beside the target; not there for what is overwritten where it stands
-    bool replaces = false;   // there is a file that may be written
+    CString target;          // where the file goes, links resolved; empty if written directly
+    TemporaryFile temporary; // beside the target; absent if the target is overwritten in place
+    bool replaces = false;   // true if a writable file exists
     bool keepsUnchanged = false;
     off_t ignoredFrom = 0, ignoredEnd = 0;
     CString buffer; // gathers small writes

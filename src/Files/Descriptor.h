@@ -2,10 +2,11 @@
 
 #include <string_view>
 
-/// An open file of the system's, closed with the object; -1 where there is none.
+/// Owns an open file descriptor and closes it; -1 if there is none.
 class Descriptor
 {
 public:
+    /// Takes ownership of `opened`.
     explicit Descriptor(int opened = -1) : fd(opened) {}
     ~Descriptor() { close(); }
     Descriptor(const Descriptor&) = delete;
@@ -14,13 +15,14 @@ public:
     int get() const { return fd; }
     bool isOpen() const { return fd >= 0; }
 
-    /// Takes a new one in the place of the one before.
+    /// Closes the descriptor and takes ownership of `opened`.
     void reset(int opened);
 
-    /// False with errno when what was written has not all arrived; nothing is open from then on in any case.
+    /// Closes the descriptor. Returns false with errno if written bytes may be lost; the descriptor is closed in any
+    /// case.
     bool close();
 
-    /// Writes all of it, or answers false with errno.
+    /// Writes all of the bytes. Returns false with errno on failure, when a part may have been written.
     bool write(std::string_view bytes) const;
 
 private:

@@ -13,13 +13,14 @@
 namespace {
 
 constexpr std::size_t kFirstPiece = 1 << 16;
-constexpr std::size_t kLargestPiece = 8 << 20; // that is waited for at once
+constexpr std::size_t kLargestPiece = 8 << 20; // for one read(), so that cancelling takes effect soon
 
-// The errno value that says why what was opened is not read from; 0 when it may be.
+// Returns the errno value why an opened file must not be read, 0 if it may.
 int refusal(int descriptor, const struct stat& state)
 {
     if (S_ISDIR(state.st_mode))
         return EISDIR;
+    // Device 1:3 is /dev/null on Linux.
     const bool isNull = S_ISCHR(state.st_mode) && state.st_rdev == makedev(1, 3);
     const bool isDevice = S_ISCHR(state.st_mode) || S_ISBLK(state.st_mode);
     return isDevice && !isNull && ::isatty(descriptor) == 0 ? ENOTSUP : 0;
@@ -42,11 +43,12 @@ InputFile::InputFile(const CString& fileName, std::size_t most) :
         return;
     if (size > most)
         error = EOVERFLOW;
-    left = size > 0 ? size : most + 1; // a file that says 0 may have more
+    left = size > 0 ? size : most + 1; // a file of size 0 may be a pipe or of /proc, and have more
 }
 
 ssize_t InputFile::read(char* out, std::size_t room)
 {
+    // At the limit, a file of known size ends; one without a size, as a pipe, is too long.
     if (left == 0) {
         errno = EOVERFLOW;
         return size > 0 ? 0 : -1;
@@ -67,7 +69,7 @@ FileCause readFile(const CString& fileName, CString& out, std::size_t most)
     if (file.queryError() != 0)
         return fileCauseOf(file.queryError());
     std::size_t used = 0;
-    std::size_t room = file.querySize() > 0 ? file.querySize() + 1 : kFirstPiece; // one more shows the end
+    std::size_t room = file.querySize() > 0 ? file.querySize() + 1 : kFirstPiece; // the extra byte detects the end
     for (;;) {
         out.resize(room);
         const ssize_t count = file.read(out.data() + used, std::min(room - used, kLargestPiece));
@@ -92,6 +94,7 @@ FileCause testReadable(const CString& fileName)
     struct stat state = {};
     if (::stat(openedFile(fileName).c_str(), &state) != 0)
         return fileCauseOf(errno);
+    // Opening one of these could block.
     if (S_ISFIFO(state.st_mode) || S_ISCHR(state.st_mode) || S_ISBLK(state.st_mode) || S_ISSOCK(state.st_mode))
         return fileCauseOf(ENOTSUP);
     return fileCauseOf(InputFile(fileName).queryError());

@@ -8,38 +8,40 @@
 #include <limits>
 #include <sys/types.h>
 
-/// The most bytes that a file may have which a source names. What the user names may have any size.
+/// The size limit, in bytes, of a file that a source names. A file that the user names may have any size.
 inline constexpr std::size_t kMaxNamedFile = 64 << 20;
 inline constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max();
 
-/// A file or a pipe that is open for reading. A folder is refused (EISDIR), and a device that might never end
-/// (ENOTSUP): all but terminals and the null device. A file that is longer than `most` bytes is refused too
-/// (EOVERFLOW); with a bound, what is appended while it is read isn't read.
+/// A file or pipe that is open for reading. Fails for a folder (EISDIR) and for a device other than a terminal or the
+/// null device, because it might never end (ENOTSUP). Fails for a file longer than `most` bytes (EOVERFLOW). With a
+/// limit, bytes that are appended during the read are not read.
 class InputFile
 {
 public:
+    /// Opens a file; queryError() tells whether that failed.
     explicit InputFile(const CString& fileName, std::size_t most = kAnySize);
 
-    /// The errno value that says why nothing is open, else 0.
+    /// Returns the errno value of the failure to open, 0 if the file is open.
     int queryError() const { return error; }
 
-    /// How many bytes there are, as far as the system knows: 0 for a pipe.
+    /// Returns the size in bytes that the system reports; 0 for a pipe.
     std::size_t querySize() const { return size; }
 
-    /// Like read(2): 0 at the end, -1 with errno.
+    /// Reads as read(2) does: returns the number of bytes, 0 at the end, -1 with errno. Reading past the limit fails
+    /// with EOVERFLOW.
     ssize_t read(char* out, std::size_t room);
 
 private:
     Descriptor descriptor;
     int error = 0;
     std::size_t size = 0;
-    std::size_t left = kAnySize; // of the bound
+    std::size_t left = kAnySize; // bytes left of the limit
 };
 
-/// Reads a whole file or pipe of at most `most` bytes into `out`, which is empty on failure. Raises Cancelled when
-/// nobody wants it any more.
+/// Reads a whole file or pipe of at most `most` bytes into `out`. Returns `none`, or the cause of a failure with `out`
+/// empty. Throws Cancelled if the progress handler refuses.
 FileCause readFile(const CString& fileName, CString& out, std::size_t most = kAnySize);
 
-/// `none` when it is a regular file that can be opened for reading, else why not. Answers at once: a pipe, which would
-/// be waited for, isn't opened.
+/// Returns `none` if the file can be opened for reading, else the cause. Returns at once: a pipe or device is not
+/// opened, since opening it could block, and counts as `generic`.
 FileCause testReadable(const CString& fileName);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The causes that message 2210 names by number.
+/// The numbers of the causes in message 2210.
 enum class FileCause : unsigned
 {
     none = 0,
@@ -20,5 +20,5 @@ enum class FileCause : unsigned
     endOfFile = 14
 };
 
-/// The cause that an errno value stands for; `generic` for one that has no number of its own, `none` for 0.
+/// Returns the cause of an errno value: `none` for 0, `generic` for a value without a number of its own.
 FileCause fileCauseOf(int error);

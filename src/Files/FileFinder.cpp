@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxLooks = 200'000;
+constexpr std::size_t kMaxLooks = 200'000; // for each finder, so that a source can't keep it busy
 constexpr std::size_t kLongestShown = 1'000;
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
@@ -29,7 +29,7 @@ std::string_view schemeOf(std::string_view reference)
     return kLetters.find(reference[0]) == std::string_view::npos ? std::string_view() : reference.substr(0, colon);
 }
 
-/// Takes "//host" off; false when that is another host than this one.
+/// Removes "//host" from the front. Returns false if that is another host than this one.
 bool dropHost(std::string_view& reference)
 {
     if (!reference.starts_with("//"))
@@ -45,13 +45,14 @@ FileId idOf(const struct stat& status)
     return {status.st_dev, status.st_ino};
 }
 
-/// True for the errors that say that there is nothing; after the others there may be something that can't be looked at.
+/// Returns whether an errno value says that nothing is there. Other errors mean that there may be something that the
+/// process can't look at.
 bool meansMissing(int error)
 {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
-// The folder as it is a part of the name. What comes through a descriptor lies nowhere: the current folder stands in.
+// Returns the folder as written in the name. A descriptor's file has no folder, so the current one stands in.
 CString writtenFolderOf(const CString& fileName)
 {
     const bool isDescriptor =
@@ -59,8 +60,9 @@ CString writtenFolderOf(const CString& fileName)
     return isDescriptor ? "" : fileName.substr(0, fileName.rfind('/') + 1);
 }
 
-// Opens a name without its content. What a process has open has no place of its own, so the links of /proc that lead
-// there, as /dev/stdin does, are not followed (ELOOP) where the system knows how.
+// Opens a name without access to its content (O_PATH). Links of /proc that lead to an open file, as /dev/stdin does,
+// are not followed (ELOOP), because an open file has no folder with other files. Kernels without openat2(2), and
+// sandboxes that forbid it, follow them.
 int openPlace(const CString& name)
 {
     struct open_how how = {};
@@ -71,7 +73,8 @@ int openPlace(const CString& name)
     return isKnown ? static_cast<int>(opened) : ::open(name.c_str(), O_PATH | O_CLOEXEC);
 }
 
-// Whether a file is the kernel's own, so that reading it may have no end or an effect. /dev/shm is a place for files.
+// Returns whether a file belongs to the kernel, so that reading it might never end or have an effect. /dev/shm holds
+// ordinary files. Returns true if the system doesn't say.
 bool isOfKernel(int place)
 {
     struct statfs system = {};
@@ -82,8 +85,8 @@ bool isOfKernel(int place)
     return name.starts_with("/sys/") || (name.starts_with("/dev/") && !name.starts_with("/dev/shm/"));
 }
 
-// What lies under a name: the id of a regular file that may be read; else nothing, with an errno value, 0 where there
-// is something else.
+// Returns the id of the regular file under a name. Returns nothing, with an errno value in `error`, if there is none
+// that may be read; `error` is 0 if something else is there.
 std::optional<FileId> lookAt(const CString& name, int& error)
 {
     const Descriptor place(openPlace(name));
@@ -151,7 +154,7 @@ CString folderOf(const CString& fileName)
 {
     const CString folder = writtenFolderOf(fileName);
     std::error_code failure;
-    // Resolved, so that a long chain of "../x/y.xsd" does not pile up a path that is too long to open.
+    // Resolved, because a long chain of "../x/y.xsd" would grow into a path too long to open.
     const std::filesystem::path resolved = std::filesystem::canonical(folder.empty() ? "." : folder, failure);
     if (failure)
         return folder.empty() ? "./" : folder;
@@ -194,12 +197,13 @@ std::optional<FoundFile> FileFinder::search(const CString& folder, const CString
     isBlind = !meansMissing(error);
     if (auto found = findInAnyCase(folder, path))
         return found;
+    // If something was hidden, the exact name counts as found; opening it then reports the error.
     return isBlind ? std::optional(FoundFile{name, {}}) : std::nullopt;
 }
 
-/// Goes through the path component by component with every folder that it can mean so far. Those are told apart by what
-/// they are, so that "a/../a/../a" beside an "A" is not followed in all its combinations, and have one name each, which
-/// gets no longer by it.
+/// Walks the path component by component, with every folder that the components so far can mean. Folders are told apart
+/// by identity, so "a/../a/../a" beside an "A" is not followed in all its combinations. Each folder has one name, so
+/// names don't grow on the way.
 std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::string_view path)
 {
     std::vector<FoundFile> found{{path.starts_with('/') ? "/" : folder, {}}};
@@ -247,7 +251,7 @@ std::vector<CString> FileFinder::namesLike(const FoundFile& folder, std::string_
     const auto [first, last] = list(folder).equal_range(lowerAscii(component));
     for (auto name = first; name != last; ++name)
         names.push_back(name->second);
-    // The name as it was given comes first.
+    // The exact name comes first, the others in byte order, so that the result does not depend on the listing's order.
     std::sort(names.begin(), names.end(), [component](const CString& a, const CString& b) {
         return std::pair(a != component, std::string_view(a)) < std::pair(b != component, std::string_view(b));
     });
@@ -266,7 +270,8 @@ const FileFinder::Names& FileFinder::list(const FoundFile& folder)
             const CString name = entry->path().filename().string();
             listing->second.names.emplace(lowerAscii(name), name);
         }
-        // A folder that may not be listed may still have given the file by its own name.
+        // EACCES is no blind spot: a folder that can't be listed still opens a file by its exact name, which was tried
+        // before.
         listing->second.isBlind = failure && !meansMissing(failure.value()) && failure.value() != EACCES;
     }
     isBlind |= listing->second.isBlind;

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-/// The path of the local file that a schemaLocation names, relative to the document that holds it or absolute: the URI
-/// reference (RFC 3986) without fragment and query, `\` read as `/`, percent escapes decoded. Empty when it names none:
-/// another scheme than file, another host, an escape that stands for a NUL.
+/// Returns the path of the local file that a schemaLocation names, absolute or relative to the document that holds it.
+/// `reference` is a URI reference (RFC 3986); its fragment and query are dropped, `\` counts as `/`, and percent
+/// escapes are decoded. Empty if it names no local file: a scheme other than file, another host, or an escaped NUL.
 CString localPath(std::string_view reference);
 
 /// The bytes that the percent escapes of a URI (RFC 3986) stand for, in their places. What makes no escape stays.
@@ -19,23 +19,24 @@ CString withoutEscapes(std::string_view uri);
 /// What makes two names the same file: device and inode.
 using FileId = std::pair<unsigned long, unsigned long>;
 
-/// A regular file that was found, by the name under which it can be opened.
+/// A regular file that was found. `name` opens it.
 struct FoundFile
 {
     CString name;
     FileId id;
 };
 
-/// Finds files by names that may be off in the case of their letters. Remembers what it has found and missed. After
-/// 200,000 looks at files and names in folders it takes names only as they are given.
+/// Finds files by names whose letters may have the wrong case. Caches what it has found and missed. After 200,000
+/// looked-up files and listed names it only tries exact names, so that a source can't keep it busy.
 class FileFinder
 {
 public:
-    /// The regular file `path`, relative to `folder` (which ends in a slash) or absolute. When there is none, the one
-    /// whose name differs only in the case of ASCII letters; of several the first one by its folders and its name from
-    /// the left, each as given before all others, those in the order of their bytes. Nothing else is found: no folder,
-    /// device or pipe, and no file of /proc, /sys or /dev, whatever link leads there. What the system doesn't let us
-    /// look at counts as found, since it may be there.
+    /// Returns the regular file `path`, absolute or relative to `folder`, which ends in a slash. If there is none,
+    /// returns a file whose name differs only in the case of ASCII letters. Among several, each component is compared
+    /// from the left: the exact name comes first, then byte order.
+    ///
+    /// Returns nothing for a folder, device or pipe, and for a file of /proc, /sys or /dev, whatever link leads there.
+    /// A file that the system doesn't let the process look at counts as found, because it may exist.
     std::optional<FoundFile> find(const CString& folder, const CString& path);
 
 private:
@@ -53,23 +54,23 @@ private:
         bool isBlind = false;
     };
 
-    std::unordered_map<CString, std::optional<FoundFile>> known; // by the name as it is given
-    std::map<FileId, Listing> listings;                          // each folder is read once
-    std::map<FileId, CString> folderNames;                       // the first one of each
+    std::unordered_map<CString, std::optional<FoundFile>> known; // cache, by the name as given
+    std::map<FileId, Listing> listings;                          // each folder is listed once
+    std::map<FileId, CString> folderNames;                       // the first name under which each folder was found
     std::size_t looks = 0;
-    bool isBlind = false; // the system has kept something from the search in hand
+    bool isBlind = false; // true if the system hid something from the current search
 };
 
-/// The name under which a message shows a file that was found as `path` (see FileFinder::find()) from another one,
-/// which is shown as `from` and lies in `folder`: beside `from` if `path` is relative, without needless "./". Absolute
-/// where a chain of files would make the name very long.
+/// Returns the name under which a message shows a file that FileFinder::find() found as `path`. The file was named by
+/// another one, which is shown as `from` and lies in `folder`. A relative `path` is shown relative to `from`, without
+/// needless "./". Absolute if a chain of files would make the name very long.
 CString shownFrom(const CString& from, const CString& folder, const CString& path, const FoundFile& file);
 
-/// The folder that a file lies in, links resolved, with a final slash; the current one for standard input and devices.
+/// Returns the folder of a file, links resolved, with a final slash; the current folder for standard input and devices.
 CString folderOf(const CString& fileName);
 
-/// A file's name without its folder and what stands behind the last dot.
+/// Returns a file's name without its folder and without the last dot and what follows it.
 std::string_view stemOf(std::string_view fileName);
 
-/// The identity of what `fileName` names, whatever it is; nothing when there is no such file.
+/// Returns the id of whatever `fileName` names; nothing if it does not exist.
 std::optional<FileId> identify(const CString& fileName);

@@ -13,7 +13,8 @@ CString cantOpen(const CString& fileName, FileCause cause)
     return formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause));
 }
 
-// A number stands for several errors; the first of them has it said, but a folder is one that can be told.
+// A cause stands for several errno values, and the first one's text is used. A folder is the exception, because it can
+// be recognised.
 CString inWords(const CString& fileName, FileCause cause)
 {
     constexpr int errors[] = {ENOENT, ENOTDIR, EMFILE, EACCES, EBADF, EIO, ETXTBSY, EAGAIN, ENOSPC};

@@ -21,7 +21,8 @@ struct Kept
 
 std::list<Kept> g_kept;
 
-// Without a name; -1 with errno.
+// Returns the descriptor of a new file without a name, -1 with errno. Descriptors below 3 are avoided, because they
+// would be taken for the standard streams.
 int makeFile()
 {
     std::FILE* const file = std::tmpfile();
@@ -51,6 +52,7 @@ bool copyAll(int from, const Descriptor& to)
 int copyToFile(int descriptor)
 {
     const Descriptor copy(makeFile());
+    // Duplicated, because `copy` closes its own descriptor.
     return copy.isOpen() && copyAll(descriptor, copy) ? ::fcntl(copy.get(), F_DUPFD_CLOEXEC, 3) : -1;
 }
 

@@ -2,19 +2,20 @@
 
 #include "Base/Text.h"
 
-/// Copies what a descriptor gives up to its end into a file without a name, which is read from its start. Returns the
-/// copy's descriptor, or -1 with errno. The caller owns it.
+/// Copies everything from a descriptor, up to its end, into a file without a name. Returns a descriptor of the copy, or
+/// -1 with errno. The caller owns it. Its offset is at the end; opening it again through /proc/self/fd reads from the
+/// start.
 int copyToFile(int descriptor);
 
-/// Whether a name leads to a pipe, which can be read only once.
+/// Returns whether a name leads to a pipe, which can be read only once.
 bool isPipe(const CString& fileName);
 
-/// Reads a pipe to its end and keeps what came until the program ends: each InputFile of that name reads it from now
-/// on. Returns false with errno if that fails.
+/// Reads a pipe to its end and keeps the bytes until the program ends. From then on, each InputFile of that name reads
+/// them. Returns false with errno on failure.
 bool keepPipe(const CString& fileName);
 
-/// Has each InputFile of that name read `text` from now on. Returns false with errno if that fails.
+/// Makes each InputFile of that name read `text` from now on. Returns false with errno on failure.
 bool keepText(const CString& fileName, std::string_view text);
 
-/// The file to open for a name: that of what was kept, else the name itself.
+/// Returns the file to open for a name: its kept copy if there is one, else the name itself.
 CString openedFile(const CString& fileName);

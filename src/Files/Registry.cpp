@@ -6,7 +6,7 @@
 
 namespace {
 
-SettingsStore* gathering = nullptr; // the store of the transaction in hand
+SettingsStore* gathering = nullptr; // the store of the current transaction
 
 bool queryValue(const char* key, const char* name, SettingsValue& value)
 {
@@ -25,7 +25,8 @@ bool change(Change set)
     return store.save();
 }
 
-// A text as scanf's %d and %u read it, which take a number as far as it goes; other types by their first four bytes.
+// Returns a value as an integer. A text is read as scanf's %d and %u read it: leading digits count, the rest is
+// ignored. Other types give their first four bytes.
 std::uint32_t asInteger(const SettingsValue& value)
 {
     if (value.type == SettingsValue::Type::text)

@@ -3,35 +3,37 @@
 #include "Base/Text.h"
 #include "Files/SettingsStore.h"
 
-/// The hives that settings live in. There is one, the current user's.
+/// The roots of the settings. There is one, the current user's.
 enum HKEY
 {
     HKEY_CURRENT_USER
 };
 
-/// Reads and writes single settings. Every operation answers true on success.
+/// Reads and writes single settings. Every operation that returns bool returns true on success.
 class Registry
 {
 public:
+    /// Stores a text. Fails if the settings can't be written.
     bool setString(HKEY root, const char* key, const char* name, char* value);
 
-    /// Fills `buffer` with a zero-terminated text, with zeros on failure. A value that doesn't fit, its terminating
-    /// zero included, is a failure. The value's type is not checked.
+    /// Fills `buffer` with a zero-terminated text. Fails, with zeros in `buffer`, if the value doesn't exist or doesn't
+    /// fit, terminating zero included. `bufferSize` is in bytes. The value's type is not checked.
     bool getString(HKEY root, const char* key, const char* name, char* buffer, int bufferSize);
 
-    /// Sets `out` to 0 on failure. A text is read as a decimal number.
+    /// Reads a number into `out`, which is 0 on failure. A text is read as a decimal number.
     bool getInt(HKEY root, const char* key, const char* name, int& out);
     bool getUInt(HKEY root, const char* key, const char* name, unsigned int& out);
 
+    /// Stores a number. Fails if the settings can't be written.
     bool setInt(HKEY root, const char* key, const char* name, int value);
 
     /// Returns the values of a key with their names, in the order in which they were first stored.
     std::vector<std::pair<CString, SettingsValue>> queryValues(HKEY root, const char* key);
 };
 
-/// While it lives, settings are read from the file as it was at its start, with what was set since. What was set is
-/// written at once when it goes, so that the settings are stored all together or not at all. Without one the file is
-/// read for each value, and written for each.
+/// A transaction on the settings. While it lives, all reads see the file as it was at the start, plus the changes
+/// since. The destructor writes the changes at once, so that all of them are stored or none; a failure is not reported.
+/// Without a transaction, each read and each write accesses the file.
 class SettingsTransaction
 {
 public:

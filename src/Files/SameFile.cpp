@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Whether names that differ in case alone are one name in a folder.
+// Returns whether a folder treats names that differ only in case as one name.
 bool ignoresCase(const fs::path& folder)
 {
     const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -44,7 +44,7 @@ CString behindLinks(const CString& fileName)
 {
     std::error_code ignored;
     fs::path target = fileName;
-    for (int links = 0; links < 40 && fs::is_symlink(target, ignored); ++links)
+    for (int links = 0; links < 40 && fs::is_symlink(target, ignored); ++links) // the kernel's own limit (ELOOP)
         target = target.parent_path() / fs::read_symlink(target, ignored);
     return target;
 }

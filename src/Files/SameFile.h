@@ -2,10 +2,10 @@
 
 #include "Base/Text.h"
 
-/// Where a name leads when it is a symbolic link, also when nothing is there yet. A link in a circle comes back as it
-/// is.
+/// Returns the target of a symbolic link, also if nothing exists there yet, and any other name unchanged. A link in a
+/// circle is followed 40 times, like in the kernel, and the last link returned.
 CString behindLinks(const CString& fileName);
 
-/// True if both names lead to one regular file, or would once it is there: whatever links, hard links and folders the
-/// names take, and in folders that ignore case. Pipes and devices are no files.
+/// Returns whether both names lead to the same regular file, or would once it exists: through links, hard links and
+/// folders, and in folders that ignore case. Returns false for pipes and devices.
 bool isSameFile(const CString& one, const CString& other);

@@ -20,16 +20,15 @@ constexpr const char* kLatin1 = "latin-1";
 
 struct SettingsStore::Document
 {
-    CString fileName; // empty when the user has no folder for settings
+    CString fileName; // empty if the user has no settings folder
     Json root = Json::object();
     bool isChanged = false;
 };
 
 namespace {
 
-// Builds the tree in time that grows with the text: ordered_json itself looks through all keys of an object for each
-// new one. Nothing of ours lies deeper than the parts of a value. What does is dropped, so that no file can nest deeper
-// than the writer's recursion bears.
+// Builds the tree in linear time; ordered_json itself scans all keys of an object for each new one. Containers deeper
+// than the settings' own format are dropped, so that no file can exceed the writer's recursion.
 class Builder : public nlohmann::json_sax<Json>
 {
 public:
@@ -58,8 +57,8 @@ private:
     struct Container
     {
         Json* json;
-        CString key = {};                                   // of the next value
-        std::unordered_map<CString, std::size_t> keys = {}; // the place of each
+        CString key = {};                                   // the key of the next value
+        std::unordered_map<CString, std::size_t> keys = {}; // the index of each key
     };
 
     bool begin(Json container)
@@ -88,7 +87,7 @@ private:
         return true;
     }
 
-    // Of values with the same key the last one counts, in the place of the first.
+    // Adds a value to the innermost open container. If a key repeats, the last value replaces the first, in its place.
     Json* place(Json value)
     {
         if (open.empty())
@@ -105,17 +104,18 @@ private:
 
     Json root;
     std::vector<Container> open;
-    std::size_t dropped = 0; // containers that are open inside of one another
+    std::size_t dropped = 0; // open containers that are being dropped
 };
 
-// Discarded when the text is no JSON.
+// Returns the parsed text, a discarded value if it is not JSON.
 Json parseSettings(const CString& text)
 {
     Builder builder;
     return Json::sax_parse(text, &builder) ? builder.take() : Json(Json::value_t::discarded);
 }
 
-// Opening anything but a regular file might wait for ever, and so might reading one that has no end in sight.
+// Returns whether a file is missing, or small and regular. Opening another kind could block for ever, and reading it
+// could never end.
 bool isFitToRead(const CString& fileName)
 {
     std::error_code failure;
@@ -135,7 +135,7 @@ bool toLatin1(std::string_view text, CString& out)
     return true;
 }
 
-// JSON holds nothing but UTF-8.
+// Returns a text as JSON, which holds only UTF-8: other bytes are stored as characters U+0000 to U+00FF.
 Json fromText(const CString& text)
 {
     if (isUtf8(text))
@@ -192,7 +192,7 @@ SettingsStore::SettingsStore() : document(std::make_unique<Document>())
             return;
         document->root = Json::object();
     }
-    std::error_code ignored; // set aside for its owner to mend: the next save would write over it
+    std::error_code ignored; // kept for its owner to repair, since the next save would overwrite it
     std::filesystem::rename(document->fileName, document->fileName + ".bad", ignored);
 }
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
-/// One value of the settings as the registry calls see it: its type and its bytes, a text with its terminating zero, a
-/// 32-bit integer in little-endian order.
+/// One value of the settings as the registry calls see it: its type and its bytes. A text has its terminating zero, an
+/// integer is 32 bits in little-endian order.
 struct SettingsValue
 {
     enum class Type
@@ -19,11 +19,11 @@ struct SettingsValue
     CString bytes;
 };
 
-/// The per-user settings, a JSON file with one object for each registry key and its values in the order in which they
-/// were first written: `$XDG_CONFIG_HOME/typeforge/settings.json`, by default below ~/.config. A file that isn't there
-/// or can't be read counts as empty; one that can't be parsed, has more than 4 MB or is no regular file does too, and
-/// is kept aside as `settings.json.bad`. A text that is not UTF-8 is stored as {"latin-1": TEXT}, its bytes as
-/// characters.
+/// The per-user settings: the JSON file `$XDG_CONFIG_HOME/typeforge/settings.json`, by default below ~/.config. It
+/// holds one object for each registry key, with values in the order in which they were first written. A missing or
+/// unreadable file counts as empty. A file that can't be parsed, is larger than 4 MB or is not a regular file counts as
+/// empty too, and is renamed to `settings.json.bad`. A text that is not UTF-8 is stored as {"latin-1": TEXT}, its bytes
+/// as characters.
 class SettingsStore
 {
 public:
@@ -33,21 +33,23 @@ public:
     SettingsStore(const SettingsStore&) = delete;
     SettingsStore& operator=(const SettingsStore&) = delete;
 
+    /// Returns whether the key exists, even without values.
     bool hasKey(const CString& key) const;
 
-    /// False when there is no such value. Anything that is neither text nor a 32-bit integer counts as none.
+    /// Reads a value. Returns false if it doesn't exist, or is neither a text nor a 32-bit integer.
     bool getValue(const CString& key, const CString& name, SettingsValue& out) const;
 
-    /// The key's values with their names, in order.
+    /// Returns the key's values with their names, in order.
     std::vector<std::pair<CString, SettingsValue>> queryValues(const CString& key) const;
 
+    /// Sets a value in memory; save() writes it. Creates the key if needed.
     void setText(const CString& key, const CString& name, const CString& value);
     void setInteger(const CString& key, const CString& name, std::int32_t value);
 
-    /// True once a value has been set.
+    /// Returns whether a value has been set since the file was read.
     bool isChanged() const;
 
-    /// Writes the file whole, at once. False when that fails; the old file is then still there.
+    /// Replaces the file in one step. Returns false on failure; the old file then stays.
     bool save() const;
 
 private:

@@ -13,18 +13,19 @@ namespace {
 
 constexpr int kEndingSignals[] = {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGPIPE, SIGXFSZ, SIGXCPU};
 
-// A signal can come at any moment, so what its handler reads is a chain that only ever changes by one store. A file is
-// in the chain before it exists, under a name that is still a pattern: there is no moment at which it would be missed.
-std::atomic<TemporaryFile*> chain = nullptr; // newest first
+// The list of all temporary files, newest first. A signal can come at any moment, so the list only ever changes by one
+// store. A file joins the list before it exists, while its name is still a pattern, so that a signal between its
+// creation and its entry can't miss it.
+std::atomic<TemporaryFile*> chain = nullptr;
 
-// The disposition is the default one again by now, so the process ends as it would have done.
+// SA_RESETHAND has restored the default action, so raising the signal again ends the process with the right status.
 void endBySignal(int signal)
 {
     TemporaryFile::deleteAll();
     std::raise(signal);
 }
 
-// A signal that is ignored (as under nohup) stays so.
+// Installs the handler for signals with the default action. An ignored signal (as under nohup) stays ignored.
 void watchForTheEnd()
 {
     struct sigaction action = {};
@@ -36,7 +37,7 @@ void watchForTheEnd()
     std::atexit(TemporaryFile::deleteAll);
 }
 
-// The folder's absolute name with a slash at its end, so that it lasts when the current folder changes.
+// Returns the folder's absolute name with a final slash, so that it stays valid if the current folder changes.
 CString lasting(const CString& folder)
 {
     const std::filesystem::path given = folder.empty() ? "." : folder;
@@ -85,7 +86,7 @@ bool TemporaryFile::renameTo(const CString& target)
     return true;
 }
 
-// Takes the file out of the chain.
+// Removes the file from the list.
 void TemporaryFile::forget()
 {
     if (chain == this) {

@@ -2,8 +2,8 @@
 
 #include "Base/Text.h"
 
-/// A file that exists as long as the object, unless it is given a lasting name. It is deleted also when the process is
-/// ended by a signal that lets it (an interrupt, a hang-up, a limit), or by exit().
+/// A file that exists as long as the object, unless it is renamed. It is also deleted by exit() and if a signal that
+/// can be caught ends the process (an interrupt, a hang-up, a resource limit).
 class TemporaryFile
 {
 public:
@@ -12,20 +12,22 @@ public:
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    /// Makes a new file, readable by the user alone, in `folder` ("": the current one): `prefix`, six characters of its
-    /// own, `suffix`. Once for each object. Answers its descriptor, for reading and writing, or -1 with errno.
+    /// Creates a file that only the user can read, in `folder` (empty: the current one). Its name is `prefix`, six
+    /// random characters and `suffix`. Call it once for each object. Returns a descriptor for reading and writing,
+    /// which the caller owns, or -1 with errno.
     int create(const CString& folder, const char* prefix, const char* suffix = "");
 
-    /// Deletes the file. Does nothing when it isn't there.
+    /// Deletes the file. Does nothing if it does not exist.
     void remove();
 
-    /// Puts the file in the place of `target`. False with errno when that fails; it is then still there.
+    /// Renames the file to `target` and replaces what is there. Returns false with errno on failure; the file then
+    /// stays.
     bool renameTo(const CString& target);
 
-    /// The absolute name that the file has, or would have got where it can't be made; "" before create().
+    /// Returns the file's absolute name, the intended one if it can't be created; empty before create().
     const CString& queryName() const { return name; }
 
-    /// False before create(), where that failed, and once the file has its lasting name or was removed.
+    /// Returns whether the file exists: false before create(), if create() failed, and after renameTo() or remove().
     bool exists() const { return isMade; }
 
     /// Deletes the files of all objects. Safe in a signal handler.

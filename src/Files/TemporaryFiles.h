@@ -5,12 +5,12 @@
 
 #include <list>
 
-/// Files that exist as long as the object, readable by the user alone.
+/// Files that exist as long as the object and that only the user can read.
 class TemporaryFiles
 {
 public:
-    /// Makes a new file `folder`/QEL_*`suffix` that holds `bytes`. `name` becomes its absolute name, also when it can't
-    /// be made.
+    /// Creates a file `folder`/QEL_*`suffix` that holds `bytes`. Sets `name` to its absolute name, also on failure.
+    /// Returns `none`, or the cause of the failure.
     FileCause add(const CString& folder, std::string_view bytes, CString& name, const char* suffix = ".xml");
 
 private:

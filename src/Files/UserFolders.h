@@ -3,12 +3,12 @@
 #include "Base/Text.h"
 
 // The folders of the user that runs the program, by the XDG base directories
-// (https://specifications.freedesktop.org/basedir/latest: a relative path counts as unset). Absolute, without a slash
-// at the end; "" where the user has none.
+// (https://specifications.freedesktop.org/basedir/latest, which ignores relative paths). Absolute, without a final
+// slash; empty if the user has none.
 
 CString homeFolder();
-CString settingsFolder(); ///< $XDG_CONFIG_HOME or ~/.config, and in it "typeforge"; it may not be there yet
-CString dataFolder();     ///< the same for $XDG_DATA_HOME or ~/.local/share
+CString settingsFolder(); ///< "typeforge" in $XDG_CONFIG_HOME or ~/.config; it may not exist yet
+CString dataFolder();     ///< the same in $XDG_DATA_HOME or ~/.local/share
 
-/// The name that the user logs on with; "" where the user has no account.
+/// Returns the user's login name; empty if there is no account.
 CString loginName();
