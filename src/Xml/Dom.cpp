@@ -9,7 +9,7 @@ namespace {
 constexpr LONG kNullPointer = static_cast<LONG>(0x80004003);
 constexpr LONG kFailed = static_cast<LONG>(0x80004005);
 
-// Null for an attribute, which has neither children nor a place in the tree.
+// Returns the node with its tree links, null for an attribute, which has no children and no place in the tree.
 DomTreeNode* treeNode(DomNode* node)
 {
     return node->kind == DomKind::attribute ? nullptr : static_cast<DomTreeNode*>(node);
@@ -36,6 +36,7 @@ void append(DomTreeNode& parent, DomTreeNode& child)
 {
     bool fits = (parent.kind == DomKind::element || parent.kind == DomKind::document) && child.parent &&
                 child.parent->kind == DomKind::unplaced && !isDocumentElementTwice(parent, child);
+    // The walk to the root finds both a circle and the tree that the parent belongs to.
     const DomTreeNode* top = &parent;
     for (; fits && top->parent; top = top->parent)
         fits = top != &child;

@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr std::size_t kManyPieces = 512; // nodes whose memory is then used again
+constexpr std::size_t kManyPieces = 512; // nodes after which their memory is reused
 
 bool isBlank(std::string_view text)
 {
@@ -11,7 +11,7 @@ bool isBlank(std::string_view text)
 
 } // namespace
 
-// The same names come again and again: each is stored once for all its nodes.
+// Stores each name once, because most nodes repeat a few names. Interned names compare by address.
 DomName DomBuilder::nameOf(const XmlName& name)
 {
     const auto [place, isNew] = names.try_emplace(name);
@@ -73,12 +73,12 @@ void DomBuilder::add(DomKind kind, std::string_view name, std::string_view value
 void DomBuilder::link(DomTreeNode& node)
 {
     if (take && depth == 1 + (node.kind == DomKind::element))
-        node.parent = parent; // which does not keep it
+        node.parent = parent; // the parent does not list it
     else
         DomTree::link(*parent, node);
 }
 
-// All of a node has been read.
+// Passes on a complete child of the root.
 void DomBuilder::finish(DomTreeNode& node)
 {
     if (!take || depth != 1)
@@ -90,7 +90,7 @@ void DomBuilder::finish(DomTreeNode& node)
     pieceCount = 0;
 }
 
-// Pieces of text that nothing stands between are one node. White space alone is none, unless it is to be preserved.
+// Adds the pending pieces as one text node. White space alone makes no node unless it is preserved.
 void DomBuilder::flushText()
 {
     if (pending.empty())

@@ -8,15 +8,15 @@
 #include <unordered_map>
 #include <vector>
 
-/// Makes nodes of what the parser says.
+/// Builds the tree from the parser's events.
 class DomBuilder : public XmlHandler
 {
 public:
-    /// Gets a child of the root, which lasts no longer than the call.
+    /// Receives a child of the root, which is valid until the call returns.
     using TakeChild = std::function<void(const IXMLDOMNode&)>;
 
-    /// Builds a whole document in `tree`, which is empty. With `take` only the root element stays there: each child of
-    /// it is handed over as soon as it has been read.
+    /// Builds a document in `tree`, which must be empty. With `take`, only the root element stays there, and each of
+    /// its children is passed to `take` as soon as it is complete.
     explicit DomBuilder(DomTree& tree, TakeChild take = {}) :
         tree(tree), take(std::move(take)), parent(&tree.queryDocument())
     {}
@@ -56,14 +56,14 @@ private:
     void flushText();
 
     DomTree& tree;
-    DomTree pieces; // children of the root that are handed over
+    DomTree pieces; // children of the root that are passed on
     std::size_t pieceCount = 0;
     TakeChild take;
     DomTreeNode* parent;
     IXMLDOMNode root;
     DomPlace place;  // of the last start tag
-    CString pending; // the text whose end hasn't been seen yet
+    CString pending; // text that more pieces may follow
     std::unordered_map<XmlName, DomName, HashName> names;
     std::size_t depth = 0;
-    std::vector<std::pair<std::size_t, bool>> spaces; // depth of each xml:space in force, and whether it preserves
+    std::vector<std::pair<std::size_t, bool>> spaces; // xml:space in scope: element depth, "preserve" or not
 };

@@ -9,7 +9,7 @@
 
 class DomTree;
 
-/// A qualified name and how much of it is the prefix with its colon.
+/// A qualified name, and the length in bytes of its prefix with the colon; 0 without a prefix.
 struct DomName
 {
     std::string_view text;
@@ -25,10 +25,10 @@ enum class DomKind : std::uint8_t
     comment,
     instruction,
     document, ///< the root of a tree
-    unplaced  ///< the parent of nodes that stand nowhere yet; they are not among its children
+    unplaced  ///< the parent of nodes that have no place yet; they are not among its children
 };
 
-/// What all nodes have. An attribute has no more.
+/// The part that all nodes have. Attributes have only this, which saves memory.
 struct DomNode
 {
     std::string_view name;
@@ -38,10 +38,10 @@ struct DomNode
     DomKind kind = DomKind::element;
 };
 
-/// A node with a place in the tree.
+/// A node with links to its parent and children.
 struct DomTreeNode : DomNode
 {
-    DomPlace place; ///< of an element's start tag, for other nodes of one that is near; unknown if it was not read
+    DomPlace place; ///< of an element's start tag, or near another node; unknown if the node was not read
     DomTreeNode* parent = nullptr;
     DomTreeNode* firstChild = nullptr;
     DomTreeNode* lastChild = nullptr;
@@ -50,13 +50,14 @@ struct DomTreeNode : DomNode
     DomTreeNode* nextSibling() const { return static_cast<DomTreeNode*>(next); }
 };
 
-/// The node where a climb through parents ends, and the tree that it ends in.
+/// The root at the end of a walk through parents, and its tree.
 struct DomRoot : DomTreeNode
 {
     DomTree* tree = nullptr;
 };
 
-/// The nodes of one document and the storage that they lie in. Nodes have no destructors and own nothing.
+/// The nodes of one document and the storage that they lie in. Nodes have no destructors and own nothing, so the arena
+/// frees them all at once.
 class DomTree
 {
 public:
@@ -64,20 +65,20 @@ public:
     DomTree(const DomTree&) = delete;
     DomTree& operator=(const DomTree&) = delete;
 
-    /// Forgets all nodes.
+    /// Frees all nodes and the parse error.
     void clear();
 
-    /// A node that stands nowhere yet. The texts must be literals or lie in the arena.
+    /// Return a new node without a place in the tree. The texts must be literals or lie in the arena.
     DomTreeNode* create(DomKind kind, DomName name, std::string_view value);
     DomNode* createAttribute(DomName name, std::string_view value);
 
-    /// A copy of a qualified name.
+    /// Returns a qualified name, copied into the arena.
     DomName keepName(std::string_view qualified);
 
-    /// Puts a node that stands nowhere behind the last child of `parent`.
+    /// Appends a node without a place as the last child of `parent`.
     static void link(DomTreeNode& parent, DomTreeNode& child);
 
-    /// The end of the climb from a node.
+    /// Returns the root of the node's tree: the document's, or `unplaced`.
     static DomRoot& rootOf(DomTreeNode& node);
 
     Arena& queryArena() { return arena; }
@@ -91,8 +92,8 @@ private:
     DomRoot unplaced;
 };
 
-/// Appends `node` and all that is in it to `out` as XML text.
+/// Appends `node` with its content to `out` as XML.
 void writeDom(const DomNode& node, CString& out);
 
-/// Fills an empty tree with a file, or sets its parseError and answers false.
+/// Fills an empty tree from a file. On failure empties it, sets its parseError and returns false.
 bool buildDom(DomTree& tree, const CString& fileName);

@@ -31,7 +31,8 @@ void writeInstruction(const DomNode& node, CString& out)
     out += "?>";
 }
 
-// What stands where the node begins; the end tag of an element with content is left to the caller.
+// Writes the text at which a node begins. The caller writes the end tag of an element with content, so that no depth of
+// nesting needs recursion.
 void writeNode(const DomNode& node, CString& out)
 {
     switch (node.kind) {

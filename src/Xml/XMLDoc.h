@@ -4,34 +4,34 @@
 #include "Xml/Dom.h"
 #include "Xml/XmlParser.h"
 
-/// The one doorway through which importers read XML files: one DOM document, the file loaded into it, and its failure
-/// worded for the user.
+/// Reads XML files for importers: one DOM document, the file loaded into it, and the failure worded for the user.
 class XmlDocument
 {
 public:
-    /// The object can be used in any case: without a document every load answers 0 and queryParseError() tells why.
+    /// Always usable: if there is no memory for a document, every load returns 0 and queryParseError() says why.
     XmlDocument();
 
-    /// Loads a file in the place of what was there. 1, or 0 with queryParseError().
+    /// Replaces the document by a file's. Returns 1, or 0 with a queryParseError().
     int setFile(const CString& fileName);
 
-    /// Hands a file of at most `most` bytes to `handler` while it is read, with no tree made of it. Answers as
-    /// setFile() does.
+    /// Parses a file of at most `most` bytes into calls of `handler`, without building a tree. Returns as setFile()
+    /// does.
     int streamFile(const CString& fileName, XmlHandler& handler, std::size_t most = kAnySize);
 
-    /// The root element, or null.
+    /// Returns the root element, or null.
     IXMLDOMElement getElement() const;
 
-    /// A reference of its own to the document, null when there is none.
+    /// Returns another reference to the document, null if there is none.
     IXMLDOMDocument queryDocument() const { return document; }
 
-    /// Message 2207 with line, column and reason of the last failure; empty after a success.
+    /// Returns message 2207 with line, column and reason of the last failure; empty after a success.
     const CString& queryParseError() const { return errorText; }
 
-    /// The last failure in parts.
+    /// Returns the last failure in parts.
     const SourceFault& queryFault() const { return fault; }
 
-    /// What kept the system from reading the file at the last failure, as an errno value; 0 when it was the document.
+    /// Returns the errno value with which the system failed to read the file; 0 if the document was at fault or the
+    /// load succeeded.
     int querySystemError() const { return systemError; }
 
 private:

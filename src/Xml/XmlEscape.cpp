@@ -6,7 +6,7 @@ namespace {
 
 using Escapes = std::array<const char*, 256>;
 
-// In attribute values white space other than blanks would be read back as a blank.
+// Attribute-value normalisation turns unescaped white space into blanks when the value is read back.
 constexpr Escapes attributeEscapes()
 {
     Escapes escapes = {};
@@ -20,6 +20,8 @@ constexpr Escapes attributeEscapes()
     return escapes;
 }
 
+// A literal carriage return would be read back as a line feed (https://www.w3.org/TR/xml/#sec-line-ends), and "]]>"
+// must not occur in content.
 constexpr Escapes textEscapes()
 {
     Escapes escapes = {};

@@ -20,10 +20,10 @@ namespace {
 
 constexpr std::size_t kMaxDepth = 200'000;
 constexpr int kMaxAttributes = 10'000;
-constexpr int kMaxNamespaces = 4'096; // in scope at once
-constexpr int kMaxNames = 100'000;    // different ones; libxml2 looks them up in a table that doesn't grow with them
-constexpr std::size_t kFreeComparisons = 100'000'000; // of libxml2's, in lists that it walks for each of their members
-constexpr std::size_t kMaxComparisons = 64;           // for each byte that has been read
+constexpr int kMaxNamespaces = 4'096;                 // in scope at once
+constexpr int kMaxNames = 100'000;                    // different ones; libxml2's hash table for them has a fixed size
+constexpr std::size_t kFreeComparisons = 100'000'000; // of members of a list, which libxml2 does pairwise
+constexpr std::size_t kMaxComparisons = 64;           // per byte read
 constexpr std::size_t kFreeExpansion = 1'000'000;
 constexpr std::size_t kMaxExpansionRatio = 10;
 constexpr int kPointersPerAttribute = XmlAttributes::kRowSize;
@@ -38,9 +38,9 @@ std::string_view view(const xmlChar* characters)
     return characters ? text(characters) : std::string_view();
 }
 
-// Stands in for every external entity, whether on disk or on the network: nothing is opened, and it is empty. Were it
-// missing instead, libxml2 would forget that an entity which the document uses may be declared in there. There is one
-// loader for the whole process.
+// Replaces every external entity, on disk or on the network, by an empty one, so that nothing is opened. A loader that
+// failed instead would make libxml2 forget that an undeclared entity may be declared in there. libxml2 has one loader
+// for the whole process.
 xmlParserInputPtr emptyExternalEntity(const char*, const char*, xmlParserCtxtPtr context)
 {
     return xmlNewStringInputStream(context, BAD_CAST "");
@@ -56,7 +56,8 @@ void setUpLibrary()
     static_cast<void>(once);
 }
 
-// What libxml2 says of a document past one of its bounds names an option of its own.
+// Returns libxml2's reason without its advice to set XML_PARSE_HUGE, which the user can't follow. The reason then says
+// that a bound was passed.
 CString reasonInWords(std::string_view reason)
 {
     constexpr std::string_view option = "XML_PARSE_HUGE", kinds[] = {"too long", "too big", "Huge ", "huge ", option};
@@ -81,21 +82,21 @@ bool isAscii(std::string_view text)
     return (all & 0x8080808080808080) == 0;
 }
 
-// How many characters of UTF-8 begin in the text.
+// Returns the number of UTF-8 characters that begin in the text.
 int charactersIn(std::string_view text)
 {
     auto count = static_cast<int>(text.size());
-    if (isAscii(text)) // nearly always
+    if (isAscii(text)) // the usual case
         return count;
     std::uint64_t eight;
     for (; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
         std::memcpy(&eight, text.data(), sizeof eight);
-        count -= std::popcount(eight >> 7 & ~(eight >> 6) & 0x0101010101010101); // bytes that begin with 10
+        count -= std::popcount(eight >> 7 & ~(eight >> 6) & 0x0101010101010101); // continuation bytes, 10xxxxxx
     }
     return count - static_cast<int>(std::ranges::count_if(text, [](unsigned char c) { return (c & 0xC0) == 0x80; }));
 }
 
-// The bytes of a document: those of a file, read in pieces that are larger than the ones libxml2 asks for, or a text.
+// The bytes of a document: of a text, or of a file, which is read in larger pieces than libxml2 asks for.
 class Source
 {
 public:
@@ -104,13 +105,13 @@ public:
         file.emplace(fileName, most);
         error = file->queryError();
         if (!error)
-            fill(); // so that a file that can't be read is known before anything is parsed
+            fill(); // reports an unreadable file before anything is parsed
     }
 
     explicit Source(std::string_view document) : bytes(document.data()), filled(document.size()), count(document.size())
     {}
 
-    // Like read(2), which is only called when nothing is left of the last piece.
+    // Reads as read(2) does. Calls the system only if the last piece is used up.
     int read(char* out, int room)
     {
         if (at == filled && !fill())
@@ -121,10 +122,10 @@ public:
         return static_cast<int>(piece);
     }
 
-    // The errno value of what went wrong, or 0.
+    // Returns the errno value of a failure, or 0.
     int queryError() const { return error; }
 
-    // How many bytes have been read, and how many there are, as far as the system knows: 0 for a pipe.
+    // Return the number of bytes read so far, and the size that the system reports: 0 for a pipe.
     std::size_t queryCount() const { return count; }
     std::size_t querySize() const { return file ? file->querySize() : 0; }
 
@@ -145,7 +146,7 @@ private:
         return got > 0;
     }
 
-    std::optional<InputFile> file; // nothing for a text
+    std::optional<InputFile> file; // empty for a text
     int error = 0;
     std::unique_ptr<char[]> buffer;
     const char* bytes = nullptr;
@@ -154,8 +155,8 @@ private:
     std::size_t count = 0;
 };
 
-// Errors of the decoder, and those before there is a parser, know no context: the handler is libxml2's own one for this
-// thread, put back afterwards.
+// Sets libxml2's error handler for this thread and restores the old one. A handler of the parser context would not get
+// errors of the decoder and errors before the context exists.
 class ErrorsTo
 {
 public:
@@ -173,8 +174,8 @@ private:
     void* beforeData;
 };
 
-// One run of the parser. libxml2's callbacks get the context that is parsing (an entity's content has one of its own)
-// and find the run in its _private.
+// One run of the parser. libxml2 passes the current context to its callbacks (an entity's content has a context of its
+// own); its _private member leads to this object.
 class Parse
 {
 public:
@@ -223,7 +224,7 @@ private:
     void checkBounds(int attributes);
     bool tell();
     bool hasRest() const;
-    int line() const { return parser->inputTab[0]->line; } // in the document, not in the text of an entity
+    int line() const { return parser->inputTab[0]->line; } // of the document, even inside an entity
     XmlPlace tagStart(const xmlParserCtxt& context) const;
     XmlPlace referenceStart(const void* context, std::string_view name) const;
     void fail(std::string_view reason);
@@ -235,12 +236,12 @@ private:
     std::unique_ptr<xmlParserCtxt, FreeContext> parser;
     std::optional<IXMLDOMParseError> first;
     std::exception_ptr thrown; // by the handler
-    bool outOfMemory = false;  // the library was
+    bool outOfMemory = false;  // in libxml2
     std::size_t depth = 0;
     std::size_t expanded = 0;
     std::size_t comparisons = 0;
     std::size_t lastTagEnd = 0;
-    std::size_t bars = 0; // '|' since the last '>', before the first element
+    std::size_t bars = 0; // '|' since the last '>', in the prolog
     bool inProlog = true;
     unsigned pieces = 0;
 };
@@ -263,7 +264,7 @@ xmlSAXHandler Parse::callbacks(bool withText)
         sax.characters = onText;
         sax.cdataBlock = onCdata;
     }
-    sax.ignorableWhitespace = sax.characters; // equal, or libxml2 guesses which blanks matter
+    sax.ignorableWhitespace = sax.characters; // the same callback, or libxml2 guesses which blanks matter
     return sax;
 }
 
@@ -275,9 +276,9 @@ std::optional<IXMLDOMParseError> Parse::run()
     if (!parser)
         throw std::bad_alloc();
     parser->_private = this;
-    // Without limits on the length of texts, values and names, until the document declares an entity.
+    // XML_PARSE_HUGE lifts the limits on the length of texts, values and names until the document declares an entity.
     xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_HUGE);
-    // Without XML_PARSE_NOENT, which would ask the loader for external entities.
+    // Set directly, because XML_PARSE_NOENT would also load external entities.
     parser->replaceEntities = 1;
 
     xmlParseDocument(parser.get());
@@ -292,7 +293,7 @@ std::optional<IXMLDOMParseError> Parse::run()
     return first;
 }
 
-// True when the parser stopped before the end of the file: at a NUL byte, or at bytes that are not in the document's
+// Returns whether the parser stopped before the end of the file, at a NUL byte or at bytes outside of the document's
 // encoding. libxml2 takes both for the end.
 bool Parse::hasRest() const
 {
@@ -300,9 +301,9 @@ bool Parse::hasRest() const
     return input.cur < input.end || (input.buf && input.buf->raw && xmlBufUse(input.buf->raw) > 0);
 }
 
-// Runs on every few thousand bytes, also in the middle of a start tag: libxml2 compares each attribute and namespace
-// with all the others of its tag, so a flood must be stopped before its end. The room for attributes doubles as they
-// come. After an error the rest isn't read.
+// Reads the next bytes and checks the bounds, every few thousand bytes and also inside a start tag. libxml2 compares
+// each attribute and namespace with all others of its tag, so a flood must be stopped before the tag ends. maxatts, the
+// room for attributes, doubles as they come. After an error the rest is not read.
 int Parse::onRead(void* run, char* out, int room)
 {
     Parse& self = *static_cast<Parse*>(run);
@@ -318,7 +319,7 @@ int Parse::onRead(void* run, char* out, int room)
     return size;
 }
 
-// False when nobody wants the rest.
+// Reports the progress, once in 16 pieces. Returns false if the parse was cancelled.
 bool Parse::tell()
 {
     constexpr unsigned piecesATick = 16;
@@ -329,8 +330,8 @@ bool Parse::tell()
     return false;
 }
 
-// libxml2 compares each value of an enumeration with all that stand before it, and says nothing until it has them all.
-// So they are counted as they are read, by what separates them.
+// Counts the values of enumerations by the '|' between them. libxml2 compares each value with all before it, and calls
+// back only when it has them all, so they are counted as they are read.
 void Parse::noteEnumerations(std::string_view piece)
 {
     for (const char c : piece) {
@@ -369,7 +370,8 @@ void Parse::stop(void* context)
     xmlStopParser(current);
 }
 
-// libxml2's limits on lengths and depth guard against entities. A document that has none may hold a text of any length.
+// Restores libxml2's limits on lengths and depth, which guard against entities. A document without entities may hold a
+// text of any length.
 void Parse::onEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicId,
                                 const xmlChar* systemId, xmlChar* content)
 {
@@ -391,6 +393,7 @@ xmlEntityPtr Parse::onParameterEntity(void* context, const xmlChar* name)
 {
     Parse& self = of(context);
     xmlEntityPtr entity = xmlSAX2GetParameterEntity(context, name);
+    // A parameter entity can hold the values of an enumeration.
     if (entity && entity->content) {
         const std::string_view content = view(entity->content);
         self.compare(static_cast<std::size_t>(std::count(content.begin(), content.end(), '|')));
@@ -398,7 +401,7 @@ xmlEntityPtr Parse::onParameterEntity(void* context, const xmlChar* name)
     return self.counted(context, entity);
 }
 
-// Each reference is asked for here, the ones inside other entities too, so this is the whole of what gets expanded.
+// Counts the size of an entity at each reference, inside other entities too, which adds up to the whole expansion.
 xmlEntityPtr Parse::counted(void* context, xmlEntityPtr entity)
 {
     if (!entity || entity->etype == XML_INTERNAL_PREDEFINED_ENTITY)
@@ -411,7 +414,7 @@ xmlEntityPtr Parse::counted(void* context, xmlEntityPtr entity)
     return nullptr;
 }
 
-// The end of the parse comes when the document has grown far beyond what was read of it.
+// Counts expanded bytes and fails if they exceed the bound.
 void Parse::expand(std::size_t bytes)
 {
     expanded += bytes;
@@ -420,7 +423,7 @@ void Parse::expand(std::size_t bytes)
              "bound");
 }
 
-// Notes that a list was made in which each member was compared with all before it.
+// Counts the comparisons of a list in which each member is compared with all before it. Fails if they exceed the bound.
 void Parse::compare(std::size_t members)
 {
     comparisons += members * members / 2;
@@ -428,8 +431,8 @@ void Parse::compare(std::size_t members)
         fail("The document has too many lists with too many members: 64 comparisons for each byte are the bound");
 }
 
-// Where the start tag begins that has just been read. libxml2 knows where it ends, and has all of it in memory. There
-// is no second "<" in a well-formed tag.
+// Returns where the last start tag begins. libxml2 only knows its end, but keeps all of it in memory. A well-formed tag
+// contains no second "<".
 XmlPlace Parse::tagStart(const xmlParserCtxt& context) const
 {
     const xmlParserInput& input = *parser->inputTab[0];
@@ -439,18 +442,18 @@ XmlPlace Parse::tagStart(const xmlParserCtxt& context) const
     if (!begin)
         return {input.line, input.col};
     const std::string_view tag(text(begin), static_cast<std::size_t>(input.cur - begin));
-    if (tag.size() < static_cast<std::size_t>(input.col)) // nearly always: it stands on one line
+    if (tag.size() < static_cast<std::size_t>(input.col)) // the usual case: it fits on one line
         return {input.line, input.col - charactersIn(tag)};
     const int line = input.line - static_cast<int>(std::ranges::count(tag, '\n'));
     std::string_view before(text(input.base), static_cast<std::size_t>(begin - input.base));
     const std::size_t lineEnd = before.rfind('\n');
-    if (lineEnd == before.npos && input.consumed > 0) // the beginning of the line isn't in memory any more
+    if (lineEnd == before.npos && input.consumed > 0) // the start of the line has left the buffer
         return {line, 0};
     before.remove_prefix(lineEnd + 1);
     return {line, charactersIn(before) + 1};
 }
 
-// Where the reference "&name;" begins that has just been read.
+// Returns where the last reference "&name;" begins.
 XmlPlace Parse::referenceStart(const void* context, std::string_view name) const
 {
     const xmlParserInput& input = *parser->inputTab[0];
@@ -458,7 +461,8 @@ XmlPlace Parse::referenceStart(const void* context, std::string_view name) const
     return {input.line, isOfDocument ? std::max(0, input.col - charactersIn(name) - 2) : input.col};
 }
 
-// False for a start tag that is no longer than a name may be. To measure each name would cost more than to walk it.
+// Returns false for a start tag that is no longer than a name may be. Measuring every name would cost more than reading
+// it.
 bool Parse::mayHoldLongNames(const xmlParserCtxt& context)
 {
     if (&context != parser.get()) // the text of an entity
@@ -489,7 +493,8 @@ void Parse::checkBounds(int attributes)
         fail("The elements are nested more than 200,000 levels deep, which is the bound");
 }
 
-// An exception must not pass through libxml2: it is kept, and thrown again when the parser has returned.
+// Calls the handler and catches its exceptions, because an exception must not unwind C code. run() throws them again
+// when the parser has returned.
 template <class Call>
 void Parse::guarded(void* context, Call call)
 {
@@ -512,6 +517,7 @@ void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* p
                            const xmlChar** rows)
 {
     Parse& self = of(context);
+    // Default attributes repeat text of the internal subset at each element, so they count as expansion.
     if (defaulted != 0) {
         std::size_t bytes = 0;
         for (int i = attributes - defaulted; i < attributes; ++i)
@@ -555,7 +561,7 @@ void Parse::onCdata(void* context, const xmlChar* characters, int length)
     self.guarded(context, [&] { self.handler.cdata({text(characters), static_cast<std::size_t>(length)}); });
 }
 
-// Those of the internal subset are none of the document's nodes.
+// Comments of the internal subset are not nodes of the document.
 void Parse::onComment(void* context, const xmlChar* characters)
 {
     Parse& self = of(context);

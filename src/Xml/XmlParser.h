@@ -6,20 +6,20 @@
 #include <cstddef>
 #include <optional>
 
-/// Why a document could not be loaded: the first error that makes it not well-formed.
+/// The first error that makes a document not well-formed, or the system's error.
 struct IXMLDOMParseError
 {
-    CString reason; ///< empty when nothing failed
-    LONG line = 0;  ///< from 1; 0 when the file could not be read, the reason is then the system's
-    LONG linepos = 0;
-    int systemError = 0; ///< the errno value where the file could not be read, or there was no memory for it
+    CString reason;      ///< empty if nothing failed
+    LONG line = 0;       ///< from 1; 0 if the file could not be read, and the reason is the system's
+    LONG linepos = 0;    ///< the column, as `line`
+    int systemError = 0; ///< the errno value if the file could not be read; ENOMEM without memory; else 0
 };
 
-/// A name in a document. Both parts are interned: while one parse lasts, equal names are equal pointers.
+/// A name in a document. Both parts are interned: during one parse, equal names are equal pointers.
 struct XmlName
 {
     const char* local;
-    const char* prefix; ///< null for a name without one
+    const char* prefix; ///< null if there is none
 
     friend bool operator==(const XmlName&, const XmlName&) = default;
 };
@@ -30,8 +30,8 @@ struct XmlAttribute
     std::string_view value;
 };
 
-/// The attributes of a start tag, those that the internal subset supplies after the written ones, namespace
-/// declarations left out. Valid while startElement() runs.
+/// The attributes of a start tag, without namespace declarations. Those that the internal subset supplies come last.
+/// Valid until startElement() returns.
 class XmlAttributes
 {
 public:
@@ -62,74 +62,77 @@ public:
 private:
     static const char* text(const unsigned char* bytes) { return reinterpret_cast<const char*>(bytes); }
 
-    const unsigned char** rows; // as libxml2 hands them over: name, prefix, namespace, value, its end
+    const unsigned char** rows; // libxml2's rows: name, prefix, namespace, value, end of value
     std::size_t count;
 };
 
-/// A place in a document, as the parser counts; in the text of an entity that of the outermost reference.
+/// A place in a document; inside an entity's text, the place of the outermost reference.
 struct XmlPlace
 {
     int line;   ///< from 1
-    int column; ///< from 1, in characters; 0 if it is no longer known
+    int column; ///< from 1, in characters; 0 if unknown
 };
 
-/// What a start tag says of namespaces (https://www.w3.org/TR/xml-names/), and where it begins. Texts are interned as
-/// those of names are.
+/// The namespaces of a start tag (https://www.w3.org/TR/xml-names/), and where it begins. Texts are interned like
+/// names.
 struct XmlScope
 {
-    const char* uri;                    ///< the namespace of the element; null for none
-    const unsigned char** declarations; ///< prefix (null for the default) and URI, one after the other, `count` times
+    const char* uri;                    ///< the namespace of the element; null if it has none
+    const unsigned char** declarations; ///< `count` pairs: prefix (null for the default) and URI
     std::size_t count;
     XmlPlace place; ///< of its "<"
 };
 
-/// The longest name that a document may use, in bytes, its prefix and colon included.
+/// The longest allowed name, in bytes, prefix and colon included.
 inline constexpr std::size_t kMaxXmlName = 4096;
 
-/// Thrown by a handler that refuses the document; becomes the error of the place that has been read.
+/// Thrown by a handler that refuses the document. `reason` becomes the parse error at the current place.
 struct XmlRefusal
 {
     CString reason;
 };
 
-/// What a document holds, in its order. Names are split at their prefix whether that is declared or not; entities are
-/// expanded, and one that is not known is left out. Texts are UTF-8 and valid while the call runs.
+/// Receives the content of a document in order. Names are split at their prefix whether it is declared or not. Entities
+/// are expanded; unknown ones are left out. Texts are UTF-8 and valid until the call returns.
 class XmlHandler
 {
 public:
     virtual ~XmlHandler() = default;
 
+    /// Called at each start tag, and endElement() at its end tag. An empty element has both.
     virtual void startElement(XmlName name, XmlAttributes attributes) = 0;
     virtual void endElement() = 0;
 
-    /// Comes before each startElement(), for a handler that wantsScopes(). Valid while the call runs.
+    /// Called before each startElement() if wantsScopes(). Valid until it returns.
     virtual void scope(const XmlScope&) {}
 
-    /// A piece of character data; one text can come in many.
+    /// A piece of character data; one text can arrive in several pieces.
     virtual void text(std::string_view) {}
     virtual void cdata(std::string_view) {}
     virtual void comment(std::string_view) {}
     virtual void instruction(std::string_view /*target*/, std::string_view /*data*/) {}
 
-    /// A reference to an entity that is not known, or lies outside of the document, and so is left out.
+    /// Called for a reference to an entity that is unknown or external, which is left out.
     virtual void entityLeftOut(std::string_view /*name*/, XmlPlace) {}
 
-    /// False keeps text() and cdata() from being called at all.
+    /// Returns whether text() and cdata() are called. Leaving them out is faster.
     virtual bool wantsText() const { return true; }
 
-    /// True has scope() called.
+    /// Returns whether scope() is called.
     virtual bool wantsScopes() const { return false; }
 };
 
-/// Reads an XML 1.0 document as a stream and hands it to `handler`. Answers nothing when it was well-formed
-/// (https://www.w3.org/TR/xml/#sec-well-formed), else its first error; the handler has then got what stands before it.
-/// External entities and subsets are never read. Entity expansion is bounded (ten times what has been read, and a
-/// million bytes), so are nesting (256 levels in a document that declares entities, 200,000 else), what one start tag
-/// may hold (10,000 attributes), names (4,096 bytes, and 100,000 different ones) and lists in which each member is
-/// compared with all others (attributes, enumerations; 64 times for each byte that has been read): what passes a bound
-/// is an error with its place. A file of more than `most` bytes is not read.
+/// Parses an XML 1.0 document as a stream into calls of `handler`. Returns nothing if it is well-formed
+/// (https://www.w3.org/TR/xml/#sec-well-formed), else its first error; the handler has then received the content before
+/// the error. A file of more than `most` bytes is not read. External entities and subsets are never read. An exception
+/// of the handler ends the parse and passes through; XmlRefusal and std::bad_alloc become the error instead.
+///
+/// Bounds, whose violation is an error with its place: entity expansion (ten times the bytes read, and a million
+/// bytes); nesting (200,000 levels, 256 in a document that declares entities); attributes of one tag (10,000); names
+/// (4,096 bytes, and 100,000 different ones); namespaces in scope (4,096); and lists whose members libxml2 compares
+/// pairwise, that is attributes and enumerations (64 comparisons for each byte read).
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler,
                                               std::size_t most = kAnySize);
 
-/// The same for a document that is in memory.
+/// Parses a document in memory in the same way. Throws std::bad_alloc.
 std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler);

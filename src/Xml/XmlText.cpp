@@ -4,6 +4,7 @@
 
 void XmlText::grow(std::size_t more)
 {
+    // Twice the size, so that appending takes linear time in total.
     const std::size_t newCapacity = (size + more) * 2;
     auto larger = std::make_unique_for_overwrite<char[]>(newCapacity);
     if (size > 0)

@@ -5,15 +5,17 @@
 #include <cstring>
 #include <memory>
 
-/// XML as it is written: a text that grows, with room that is kept from one document to the next. The pieces that never
-/// change are literals, so that they are copied without a call.
+/// A buffer for writing XML. Its storage is reused from one document to the next. Constant pieces are passed as
+/// literals, so that their length is known and the copy is inlined.
 class XmlText
 {
 public:
+    /// Empties the text and keeps the storage.
     void clear() { size = 0; }
+    /// Returns the text. Valid until the next change.
     std::string_view view() const { return {buffer.get(), size}; }
 
-    /// A text that is XML already.
+    /// Appends text that is XML already.
     void append(std::string_view text) { put(room(text.size()), text); }
 
     template <std::size_t N>
@@ -23,8 +25,8 @@ public:
         size += N - 1;
     }
 
-    /// The value of an attribute and the quote behind it; `open` is what stands before it, as in ` NAME="`. The value
-    /// is made fit for XML (toXmlText), and what can't stand in it is written as a reference.
+    /// Appends an attribute: `open` is the text before the value, like ` NAME="`; the closing quote is added. The value
+    /// is made fit for XML (toXmlText) and escaped.
     template <std::size_t N>
     void attribute(const char (&open)[N], TextPieces value)
     {
@@ -60,7 +62,7 @@ private:
     void grow(std::size_t more);
     void appendEscaped(std::string_view value);
 
-    std::unique_ptr<char[]> buffer; // what is not used of it was never touched, so it takes no memory
+    std::unique_ptr<char[]> buffer; // untouched pages of the unused part take no memory
     std::size_t capacity = 0;
     std::size_t size = 0;
 };
