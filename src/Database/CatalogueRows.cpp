@@ -27,6 +27,7 @@ void run(void* statement, unsigned short function, CatalogueRows::Arguments& arg
         return argument ? reinterpret_cast<SQLCHAR*>(argument->data()) : nullptr;
     });
     const auto call = function == SQL_API_SQLTABLES ? SQLTables : SQLColumns;
+    // ODBC: an asynchronous call is repeated with the same arguments until it is done.
     SQLRETURN outcome;
     do
         outcome = call(statement, text[0], SQL_NTS, text[1], SQL_NTS, text[2], SQL_NTS, text[3], SQL_NTS);
@@ -44,7 +45,8 @@ CatalogueRows::CatalogueRows(std::string_view shape)
 
 void CatalogueRows::append(void* statement, unsigned short function, Arguments arguments, CString& out)
 {
-    // What any driver can do, since all rows are read at once. A driver that knows only that may refuse to be told.
+    // Asks for the simplest cursor, which every driver has; it is enough, because all rows are read at once. Failures
+    // are ignored: a driver that has no other cursor may reject the option.
     SQLSetStmtAttr(statement, SQL_ATTR_CURSOR_TYPE, reinterpret_cast<SQLPOINTER>(SQL_CURSOR_FORWARD_ONLY),
                    SQL_IS_UINTEGER);
     SQLSetStmtAttr(statement, SQL_ATTR_CONCURRENCY, reinterpret_cast<SQLPOINTER>(SQL_CONCUR_READ_ONLY),
@@ -71,7 +73,7 @@ void CatalogueRows::bind(void* statement)
 bool CatalogueRows::fetch(void* statement)
 {
     for (Column& column : columns)
-        column.indicator = SQL_NULL_DATA; // what a driver then leaves alone is null
+        column.indicator = SQL_NULL_DATA; // a column that the driver leaves alone is null
     const SQLRETURN outcome = SQLFetch(statement);
     if (outcome == SQL_NO_DATA)
         return false;
@@ -90,7 +92,7 @@ void CatalogueRows::store(CString& out) const
             putNumber(out, number);
             continue;
         }
-        // The driver's word on the length counts only where it says less than the terminator.
+        // A text ends at the driver's length or at its terminator, whichever comes first.
         std::size_t width = isNull                  ? 0
                             : column.indicator >= 0 ? static_cast<std::size_t>(column.indicator)
                                                     : kTextWidth;

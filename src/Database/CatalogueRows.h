@@ -7,27 +7,27 @@
 #include <string_view>
 #include <vector>
 
-/// Reads the rows of ODBC's catalogue functions, in the process of the driver.
+/// Reads the rows of ODBC's catalogue functions. Runs in the driver's process.
 class CatalogueRows
 {
 public:
     using Arguments = std::array<std::optional<CString>, 4>;
 
-    /// `shape` is that of a row, as CFieldExchange::shape() returns it.
+    /// `shape` is the shape of a row, as CFieldExchange::shape() returns it.
     explicit CatalogueRows(std::string_view shape);
 
-    /// Runs the function of ODBC's number on a statement and appends all rows to `out`, as CFieldExchange::load() takes
-    /// them. Raises CDBException.
+    /// Runs SQLTables or SQLColumns, given by its SQL_API number, on a statement and appends all rows to `out`, packed
+    /// as CFieldExchange::load() reads them. Throws CDBException.
     void append(void* statement, unsigned short function, Arguments arguments, CString& out);
 
 private:
-    static constexpr std::size_t kTextWidth = 255; // bytes; longer texts are cut between two characters
+    static constexpr std::size_t kTextWidth = 255; // bytes; longer texts are cut between characters
 
     struct Column
     {
         bool isText;
-        long indicator;                          // the value's length, or that it is null; set by each fetch
-        std::array<char, kTextWidth + 1> buffer; // for either kind
+        long indicator;                          // the value's length or SQL_NULL_DATA, set by each fetch
+        std::array<char, kTextWidth + 1> buffer; // of a text or a number
     };
 
     void bind(void* statement);

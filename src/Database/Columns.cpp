@@ -7,22 +7,25 @@
 
 namespace {
 
-// So many tables are asked for by themselves: a list of all takes a server longer than a few of these.
+// The number of tables that are looked up singly. The next lookup lists all tables instead, which takes a server longer
+// than a few single ones.
 constexpr int kSingleTables = 12;
 
 constexpr char kAny = '\x80';
 
-// A name in which each character that a database may compare by rules of its own is `kAny`: those that aren't ASCII.
+// Returns a name in lower case, with `kAny` for each character outside of ASCII, because a database may compare those
+// by its own collation.
 CString comparable(std::string_view name)
 {
     CString text;
     for (const char c : name)
-        if ((c & 0xC0) != 0x80) // not within a character
+        if ((c & 0xC0) != 0x80) // skips continuation bytes
             text += c & 0x80 ? kAny : lowerAscii(c);
     return text;
 }
 
-// Whether the database may take a name for one that matches the pattern. It goes by single characters, as LIKE does.
+// Returns whether the database may match a name with a pattern. Compares characters as LIKE does. A pattern with "%" or
+// an escape may match any name.
 bool mayMatch(std::string_view pattern, std::string_view name)
 {
     return pattern.find_first_of("%\\") != pattern.npos || std::ranges::equal(pattern, name, [](char a, char b) {
@@ -30,7 +33,7 @@ bool mayMatch(std::string_view pattern, std::string_view name)
            });
 }
 
-// The tables that match the pattern, or all, with their qualifiers.
+// Returns the tables that match `pattern`, or all if it is null, with their qualifiers.
 std::vector<std::pair<CString, CString>> listTables(CDatabase* database, const char* pattern)
 {
     std::vector<std::pair<CString, CString>> found;
@@ -56,14 +59,16 @@ std::set<CString> CColumns::qualifiersOf(const char* table)
     return qualifiers;
 }
 
-// To some drivers null isn't any: PostgreSQL's looks in the schemas of the search path, unless a pattern asks for all;
-// MariaDB's, which has databases as qualifiers and no owners, in the current one, and takes no pattern.
+// Looks again everywhere if the first lookup finds nothing, because null does not mean "any" to some drivers.
+// PostgreSQL's only looks in the schemas of the search path, unless the owner is a pattern. MariaDB's has databases as
+// qualifiers and no owners. It only looks in the current database and takes no pattern, so each qualifier is looked up.
 int CColumns::Open(const char* qualifier, const char* owner, const char* table, const char* column, UINT type)
 {
     const Arguments asked = {argument(qualifier), argument(owner), argument(table), argument(column)};
     const int isOpen = openCatalogue(SQL_API_SQLCOLUMNS, {asked}, type);
     if (!isOpen || !IsEOF() || qualifier || owner || !table)
         return isOpen;
+    // Nothing found where the driver looks by itself.
     std::vector<Arguments> elsewhere;
     if (queryDatabase()->hasOwners())
         elsewhere.push_back({asked[0], "%", asked[2], asked[3]});

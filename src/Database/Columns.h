@@ -8,17 +8,16 @@
 #include <utility>
 #include <vector>
 
-/// The columns of tables, as the catalogue of a data source lists them (SQLColumns).
+/// The columns of tables, as a data source's catalogue lists them (SQLColumns).
 class CColumns : public CRecordset
 {
 public:
     explicit CColumns(CDatabase* openOn) : CRecordset(openOn) {}
 
-    /// Each text is a name, or null if it isn't given; table and column name are patterns, in which "_" stands for a
-    /// character and "%" for any text. Without qualifier and owner the driver decides where it looks; if it finds
-    /// nothing there, the columns of any owner and qualifier are listed. 1 when open, 0 when the driver can't list
-    /// columns; errors are raised. For many tables use one object: it remembers in which databases a server has which
-    /// tables.
+    /// Opens the list of columns. Each text is a name, or null if not given; table and column are patterns, in which
+    /// "_" stands for one character and "%" for any text. Without qualifier and owner, the driver decides where to
+    /// look; if it finds nothing, any owner and qualifier match. Returns 1 if open, 0 if the driver can't list columns;
+    /// throws CDBException on errors. Use one object for many tables: it caches which databases have which tables.
     int Open(const char* qualifier, const char* owner, const char* table, const char* column, UINT type = snapshot);
 
     TableName queryTable() const { return {tableQualifier, tableOwner, tableName}; } ///< of the current row
@@ -27,7 +26,7 @@ public:
     CString tableOwner;
     CString tableName;
     CString columnName;
-    LONG dataType = 0; ///< ODBC's code of the SQL type
+    LONG dataType = 0; ///< ODBC's number of the SQL type
     CString typeName;
     LONG precision = 0;
     LONG length = 0;
@@ -43,5 +42,5 @@ private:
     std::set<CString> qualifiersOf(const char* table);
 
     int askedTables = 0;
-    std::vector<std::pair<CString, CString>> listed; // tables and their qualifiers
+    std::vector<std::pair<CString, CString>> listed; // tables and their qualifiers, a cache
 };

@@ -6,7 +6,8 @@
 
 namespace {
 
-// Where a value that may stand in braces, in which a brace of its own is doubled, can end at the earliest.
+// Returns the position of the brace that ends a value in braces, in which "}}" stands for a brace; 0 for a value
+// without braces, npos if no brace ends it.
 std::size_t endOfBraces(std::string_view text)
 {
     std::size_t at = text.starts_with('{') ? text.find('}') : 0;

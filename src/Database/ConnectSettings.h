@@ -6,29 +6,29 @@
 #include <string_view>
 #include <vector>
 
-// Reads the words of connection strings, as "Server=…;Port=…;", as drivers do.
+// Reads the words of connection strings ("Server=…;Port=…;") in the same way as drivers.
 
-/// A word as it stands in a connection string, with its value and semicolon; and the value alone. Views into the
-/// string.
+/// A word of a connection string, complete with value and semicolon, and its value alone. Views into the string.
 struct ConnectWord
 {
     std::string_view whole, value;
 };
 
-/// The first word of that name, in any letter case; an empty one if there is none.
+/// Returns the first word of a name, in any letter case; an empty word if there is none.
 ConnectWord wordOf(std::string_view connection, std::string_view name);
 
-/// The values of all words of that name, without white space and braces around them.
+/// Returns the values of all words of a name, without white space and braces around them.
 std::vector<CString> valuesOf(std::string_view connection, std::string_view name);
 
-/// A value without the white space and the braces around it.
+/// Returns a value without white space and braces around it.
 CString withoutBraces(std::string_view value);
 
-/// What an entry of the files of data sources and drivers says; "" if it says nothing.
+/// Returns an entry of an ODBC file, "odbc.ini" or "odbcinst.ini"; empty if it is missing. Cut at 1,023 bytes.
 CString profileText(const CString& section, const char* entry, const char* file);
 
-/// What a source says of itself: in the connection string, or in the data source or file that it names; "" for nothing.
+/// Returns a setting of a source: from the connection string, else from the file or data source that it names; empty if
+/// none has it.
 CString settingOf(const CString& connection, const char* word);
 
-/// Whether the driver of a source, or the library of that driver, has one of these in its name.
+/// Returns whether the name of a source's driver, or of the driver's library, contains one of `parts`, in lower case.
 bool hasDriver(const CString& connection, std::initializer_list<const char*> parts);

@@ -14,10 +14,11 @@
 
 namespace {
 
-// SQLite's, in milliseconds. While another program has the database locked, opening it takes three times as long.
+// SQLite's lock timeout in milliseconds. Opening a database that another program has locked takes three times as long.
 constexpr std::string_view kLockTimeout = "Timeout=3400;";
 
-// Braces keep what a driver would decode or end the value at; a brace within is doubled.
+// Appends a value in braces, inside which drivers neither decode anything nor see the end of the value. A brace within
+// is doubled.
 void appendBraced(CString& out, const CString& value)
 {
     out += '{';
@@ -31,8 +32,8 @@ bool isPlain(const CString& value)
     return std::ranges::all_of(value, [](unsigned char c) { return c < 128 && std::isalnum(c); });
 }
 
-// The user's file of data sources where the driver manager passes over it, since it can't append to it; else "". The
-// driver is found in it all the same, and would take defaults of its own for the rest.
+// Returns the user's odbc.ini if the driver manager ignores it because it can't append to it, else empty. The driver
+// itself is still found there, but would use its defaults for everything else.
 CString passedOverFile()
 {
     const char* const variable = std::getenv("ODBCINI");
@@ -54,23 +55,23 @@ bool isInUsersFile(const CString& dataSource)
 CString logonText(const CString& user, const CString& password)
 {
     CString text;
-    text.reserve(2 * (user.size() + password.size()) + sizeof "UID={};PWD={};"); // no growth: it would leave copies
+    text.reserve(2 * (user.size() + password.size()) + sizeof "UID={};PWD={};"); // growing would leave copies
     text += "UID=";
     if (user.starts_with('{') || user.find(';') != CString::npos)
         appendBraced(text, user);
     else
-        text += user; // PostgreSQL's driver takes braces for a part of it
+        text += user; // PostgreSQL's driver would take braces for a part of it
     text += ";PWD=";
     if (isPlain(password))
         text += password;
     else
-        appendBraced(text, password); // PostgreSQL's driver decodes %41 and + outside of them
+        appendBraced(text, password); // PostgreSQL's driver decodes %41 and + without them
     text += ';';
     return text;
 }
 
-// The driver manager and the drivers each read the name in a way of their own where it is not as simple as this, and
-// open the first source whose name differs in letter case alone.
+// Rejects a name that the driver manager and the drivers would not read alike. They open the first source whose name
+// matches in any letter case.
 CString dataSourceText(const CString& name)
 {
     std::vector<DataSource> sources;
@@ -90,18 +91,19 @@ CString dataSourceText(const CString& name)
     return "DSN=" + name + ";";
 }
 
-// MariaDB's driver takes the login timeout from the connection string alone; others pass over words they don't know.
+// MariaDB's driver only takes the login timeout from the connection string; other drivers ignore words that they don't
+// know.
 CString connectionWords(const CString& connection, bool onlyReading, std::chrono::seconds loginPatience)
 {
     CString words = "CONN_TIMEOUT=" + std::to_string(loginPatience.count()) + ";";
     if (onlyReading)
-        words += "NoCreat=1;"; // SQLite's
+        words += "NoCreat=1;"; // so SQLite does not create the file
     if (onlyReading && hasDriver(connection, {"sqlite"}) && settingOf(connection, "Timeout").empty())
         words += kLockTimeout;
     return words;
 }
 
-// In front no driver overlooks it, however it reads the braces of other values.
+// The data source goes to the front, where every driver finds it, however it reads the braces of other values.
 CString plainConnection(const CString& connection)
 {
     CString source, rest = connection;

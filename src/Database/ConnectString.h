@@ -4,20 +4,20 @@
 
 #include <chrono>
 
-/// "UID=…;PWD=…;" as drivers want it. It holds the password: wipe() it after use.
+/// Returns "UID=…;PWD=…;", quoted so that drivers read it right. It holds the password: wipe() it after use.
 CString logonText(const CString& user, const CString& password);
 
-/// The connection string for a data source by its name. Raises CDBException for a name that there is not, or that a
-/// driver would take for another one.
+/// Returns the connection string for a data source by name. Throws CDBException for an unknown name, and for one that a
+/// driver would take for another.
 CString dataSourceText(const CString& name);
 
-/// What has to stand in the connection string of a source beside its own words, the logon and those for TLS: time
-/// limits, and that reading makes no file.
+/// Returns the words to append to a source's connection string, besides the logon and TLS: time limits, and for SQLite
+/// a file that is only opened, not created, when reading.
 CString connectionWords(const CString& connection, bool onlyReading, std::chrono::seconds loginPatience);
 
-/// A connection string as all drivers read it the same: its first data source is named in front, as dataSourceText()
-/// does it, which may raise CDBException; any other is left out.
+/// Returns a connection string that all drivers read alike: its first data source is named in front, any other is
+/// removed. Throws CDBException as dataSourceText() does.
 CString plainConnection(const CString& connection);
 
-/// The name of the data source in a connection string; "" if it names none.
+/// Returns the name of the data source in a connection string; empty if it names none.
 CString dataSourceOf(const CString& connection);

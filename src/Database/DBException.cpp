@@ -12,15 +12,15 @@
 
 namespace {
 
-// A driver may quote a whole statement of its own; its start is enough for a message box.
+// Diagnostics are cut here. A driver may quote a whole statement, and its start is enough for a message box.
 constexpr std::size_t kMessageSize = 512;
 
-// How PostgreSQL's servers, in their languages, say that they don't take the user or the password. The role's name has
-// been dropped from between its blanks.
+// Parts of the messages with which PostgreSQL servers refuse a user or a password, in their languages. Names in quotes
+// are removed first, which leaves two blanks behind "role".
 constexpr const char* kRefusals[] = {"pass",   "auth", "autent", "парол", "подлинности",    "автентиф",
                                      "ავთენტ", "認証", "认证",   "인증",  "role  does not", "role  is not"};
 
-// The marks around a name, as the languages have them.
+// The quotation marks around names, by language.
 constexpr std::pair<std::string_view, std::string_view> kQuotes[] = {
     {"\"", "\""}, {"»", "«"}, {"«", "»"}, {"„", "“"}, {"“", "”"}};
 
@@ -74,7 +74,7 @@ void CDBException::raise(short handleKind, void* handle)
             firstNative = native;
         }
         const std::string_view message = driverText(reinterpret_cast<const char*>(buffer.data()), buffer.size());
-        if (text.find(message) == text.npos) // some drivers say it twice
+        if (text.find(message) == text.npos) // some drivers repeat a message
             text.append(text.empty() ? "" : "\n").append(message);
     }
     throw CDBException(firstState, firstNative, text.empty() ? "The driver gave no reason" : text);

@@ -4,28 +4,29 @@
 
 #include <stdexcept>
 
-/// What a driver or the driver manager said of a call that failed. what() is the driver's text with the SQLSTATE, fit
-/// to be shown.
+/// Thrown if a call of a driver or the driver manager fails. what() is the driver's text with the SQLSTATE, fit to be
+/// shown.
 class CDBException : public std::runtime_error
 {
 public:
+    /// `state` is the SQLSTATE, `text` the driver's text.
     CDBException(const CString& state, int nativeError, const CString& text);
 
-    /// The five characters of the SQLSTATE; those of ODBC 2 where the versions differ (S1000, not HY000).
+    /// Returns the five characters of the SQLSTATE, in the ODBC 2 form where the versions differ (S1000, not HY000).
     const CString& queryState() const { return state; }
 
-    /// What was said, without the SQLSTATE.
+    /// Returns the driver's text without the SQLSTATE.
     const CString& queryText() const { return text; }
 
-    /// The database's own number of the error, 0 where it has none.
+    /// Returns the database's own error number, 0 if it has none.
     int queryNativeError() const { return nativeError; }
 
-    /// True when another user or password may help. Not every driver has the SQLSTATE for it, so the server's words
-    /// count too; names in them (of hosts, users, databases) don't.
+    /// Returns whether another user or password may help. Not every driver sets the SQLSTATE for it, so the server's
+    /// text is searched too, without the names in it (of hosts, users, databases).
     bool isLogonRefused() const;
 
-    /// Throws what is known of the last call on a handle, of the kind that ODBC numbers 1 to 4. It has to be the next
-    /// thing done with the handle: every call replaces the diagnostics.
+    /// Throws the diagnostics of the last call on a handle. `handleKind` is an SQL_HANDLE constant. Call it right after
+    /// the failure, because every call on the handle replaces the diagnostics.
     [[noreturn]] static void raise(short handleKind, void* handle);
 
 private:
@@ -34,6 +35,6 @@ private:
     int nativeError;
 };
 
-/// A driver's text out of a buffer, up to its zero: without the white space that drivers end it with, and without the
-/// last character where the buffer's end has cut it.
+/// Returns a driver's text in a buffer, up to its zero. Trailing white space is removed, and an incomplete last
+/// character if the text fills the buffer.
 std::string_view driverText(const char* buffer, std::size_t capacity);

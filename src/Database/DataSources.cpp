@@ -19,7 +19,7 @@ bool listDataSources(std::vector<DataSource>& out)
         return CString(driverText(reinterpret_cast<const char*>(buffer.data()), buffer.size()));
     };
     for (SQLUSMALLINT direction = SQL_FETCH_FIRST;; direction = SQL_FETCH_NEXT) {
-        name[0] = description[0] = 0; // a manager may leave an empty one as it was
+        name[0] = description[0] = 0; // a manager may leave an empty text unset
         if (!SQL_SUCCEEDED(SQLDataSources(environment.get(), direction, name.data(), SQLSMALLINT(name.size()), nullptr,
                                           description.data(), SQLSMALLINT(description.size()), nullptr)))
             return true;

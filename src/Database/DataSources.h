@@ -10,6 +10,6 @@ struct DataSource
     CString description;
 };
 
-/// Appends the data sources of user and system that the driver manager knows, names cut to 49 bytes and descriptions to
-/// 299. False when there is no ODBC environment to ask.
+/// Appends the data sources of user and system that the driver manager knows. Names are cut to 49 bytes, descriptions
+/// to 299. Returns false if there is no ODBC environment.
 bool listDataSources(std::vector<DataSource>& out);

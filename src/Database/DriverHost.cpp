@@ -15,7 +15,7 @@
 
 namespace {
 
-// The calls take unsigned characters that they don't change.
+// Returns a text as ODBC's functions take it: unsigned, and not const although they don't change it.
 SQLCHAR* sqlText(const CString& text)
 {
     return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str()));
@@ -105,7 +105,8 @@ void DriverHost::open(MessageReader& request, CString& answer)
     environment = allocateEnvironment();
     connection = allocateConnection(environment.get(), isReadOnly, loginSeconds);
     const bool isOpen = connection && connect(connection.get(), text.text);
-    // SQLite's driver opens any file and lists no tables in one that is no database. To read something tells.
+    // SQLite's driver opens any file and finds no tables in one that isn't a database. Reading something reports the
+    // error.
     if (isOpen && isReadOnly && isSqlite())
         execute("PRAGMA schema_version");
     putNumber(answer, isOpen);
@@ -161,7 +162,7 @@ void DriverHost::run(MessageReader& request, CString& answer)
     runStatement(prepared[sql].get(), std::move(values), answer);
 }
 
-// Empty when the driver has none to give.
+// Returns null if the driver can't allocate a statement.
 StatementHandle DriverHost::allocateStatement() const
 {
     SQLHANDLE raw = SQL_NULL_HANDLE;
@@ -178,7 +179,7 @@ StatementHandle DriverHost::requireStatement() const
     return statement;
 }
 
-// 0 when the driver doesn't tell.
+// Returns a number of SQLGetInfo(), 0 if the driver doesn't report it.
 unsigned DriverHost::number(unsigned short question) const
 {
     SQLUINTEGER answer = 0;
@@ -192,7 +193,7 @@ bool DriverHost::isSqlite() const
     return std::string_view(reinterpret_cast<const char*>(name.data())) == "SQLite";
 }
 
-// Not every driver has the SQLSTATEs of a lost connection in each place.
+// Returns whether the connection is lost. Not every driver sets the SQLSTATE for it, so its attribute is read too.
 bool DriverHost::isLost(const CString& state) const
 {
     if (state.starts_with("08"))
@@ -212,7 +213,7 @@ void serveDriver(int socket)
         }
     };
     DriverHost host;
-    Secret request; // which may hold a password
+    Secret request; // may hold a password
     while (receiveMessage(socket, request.text, wait)) {
         const CString answer = host.answer(request.text);
         wipe(request.text);

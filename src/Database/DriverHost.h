@@ -8,41 +8,41 @@
 
 class MessageReader;
 
-/// What a driver's process is asked for. Each request starts with one of these numbers; what follows, and what the
-/// answer holds behind DriverOutcome::done, stands with it as (request) -> (answer).
+/// The requests to a driver's process. A request is one of these numbers with its arguments; a successful answer is
+/// DriverOutcome::done with its results. Both are given here as (arguments) -> (results).
 enum class DriverRequest : std::int32_t
 {
-    open,    ///< (is it read only, seconds for the logon, connection string) -> (is it open, usage of owners, usage of
-             ///< qualifiers)
-    execute, ///< (SQL) -> ()
-    catalogue, ///< (function, shape of a row, then calls of four times (is it given, text)) -> (CatalogueOutcome, rows)
+    open,      ///< (read only, logon seconds, connection string) -> (is open, owner usage, qualifier usage)
+    execute,   ///< (SQL) -> ()
+    catalogue, ///< (function, row shape, then for each call 4 times (is given, text)) -> (CatalogueOutcome, rows)
     prepare,   ///< (SQL) -> ()
     run        ///< (SQL as prepared, then values) -> (number of columns, then the rows' texts)
 };
 
-/// A request that its arguments can be appended to.
+/// Returns the start of a request; append its arguments with putNumber() and putText().
 CString startRequest(DriverRequest request);
 
-/// What an answer starts with.
+/// The first number of an answer.
 enum class DriverOutcome : std::int32_t
 {
     done,
-    raised, ///< a CDBException: (is the connection lost, SQLSTATE, native error, text)
+    raised, ///< a CDBException: (connection lost, SQLSTATE, native error, text)
     noMemory
 };
 
+/// The first result of DriverRequest::catalogue.
 enum class CatalogueOutcome : std::int32_t
 {
-    noStatement, ///< the driver has none to give
+    noStatement, ///< the driver can't allocate a statement
     listed,
     unsupported ///< the driver lacks the function
 };
 
-/// One connection in the process of its driver: the only place where drivers are called.
+/// One connection in its driver's process. Drivers are called nowhere else.
 class DriverHost
 {
 public:
-    /// Carries out a request and returns the answer.
+    /// Carries out a request and returns the answer. A CDBException and a lack of memory become answers too.
     CString answer(std::string_view request);
 
 private:
@@ -59,10 +59,10 @@ private:
     bool isSqlite() const;
     bool isLost(const CString& state) const;
 
-    EnvironmentHandle environment; // above the connection, which has to go first
+    EnvironmentHandle environment; // above the connection, which must be freed first
     ConnectionHandle connection;
-    std::map<CString, StatementHandle> prepared; // by their SQL
+    std::map<CString, StatementHandle> prepared; // by SQL text
 };
 
-/// Carries out what comes over the socket, up to its end, and disconnects.
+/// Carries out the requests from a socket until it closes, then disconnects.
 void serveDriver(int socket);

@@ -12,10 +12,10 @@
 
 namespace {
 
-// In front of each message; both ends are of one program.
+// Precedes each message, in native byte order, because both ends run the same program.
 using Length = std::uint64_t;
 
-// A message and its length in one call of the system.
+// The rest of a message and its length, transferred by one sendmsg(2) or recvmsg(2).
 struct Transfer
 {
     Transfer(const Length* length, const char* message, std::size_t size) :
@@ -131,6 +131,6 @@ bool receiveMessage(int socket, CString& message, const SocketWait& wait)
         lengthLeft -= ofLength;
         message.append(piece.data(), static_cast<std::size_t>(size) - ofLength);
     }
-    explicit_bzero(piece.data(), piece.size()); // it may have held a password
+    explicit_bzero(piece.data(), piece.size()); // may have held a password
     return true;
 }

@@ -6,24 +6,25 @@
 #include <optional>
 #include <string_view>
 
-// What the program and a driver's process say to each other: messages of numbers and texts, one behind the other.
+// The messages between the program and a driver's process: numbers and texts, one after the other.
 
-/// Appends to a message.
+/// Append a number or a text to a message.
 void putNumber(CString& message, std::int32_t number);
 void putText(CString& message, std::string_view text);
 void putOptionalText(CString& message, const std::optional<CString>& text);
 
-/// Takes a message apart. Raises CDBException if the message ends before what is asked for.
+/// Reads the parts of a message in order. Throws CDBException if the message ends too early.
 class MessageReader
 {
 public:
     explicit MessageReader(std::string_view message) : left(message) {}
 
+    /// Return the next part of the message, which must be of that kind.
     std::int32_t number();
     std::string_view text(); ///< a view into the message
     std::optional<CString> optionalText();
     bool isAtEnd() const { return left.empty(); }
-    std::size_t size() const { return left.size(); } ///< the bytes that have not been taken yet
+    std::size_t size() const { return left.size(); } ///< unread bytes
 
 private:
     std::string_view take(std::size_t size);
@@ -31,9 +32,9 @@ private:
     std::string_view left;
 };
 
-/// Returns once the socket is ready for `events` of poll(); may raise whatever ends the wait.
+/// Returns when the socket is ready for `events` of poll(2). May throw to end the wait.
 using SocketWait = std::function<void(short events)>;
 
-/// Sends a whole message, or receives one. False if the other side has gone.
+/// Send or receive a whole message. Return false if the other side has closed the socket.
 bool sendMessage(int socket, std::string_view message, const SocketWait& wait);
 bool receiveMessage(int socket, CString& message, const SocketWait& wait);

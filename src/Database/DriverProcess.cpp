@@ -26,8 +26,8 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr milliseconds kTick(50);
-constexpr milliseconds kGrace(500);       // for a call that is under way when it is no longer wanted
-constexpr milliseconds kDisconnect(2000); // how long a driver may take to disconnect
+constexpr milliseconds kGrace(500);       // for a call to complete after it was cancelled
+constexpr milliseconds kDisconnect(2000); // for a driver to disconnect
 
 bool areThreadsUsed = false;
 
@@ -36,7 +36,7 @@ bool areThreadsUsed = false;
     throw CDBException("S1000", 0, CString(what) + ": " + std::strerror(error));
 }
 
-// Blocks every signal, and unblocks them again in the process that asked for it.
+// Blocks all signals in its scope. A forked process never leaves the scope, so they stay blocked there.
 class SignalBlock
 {
 public:
@@ -54,7 +54,8 @@ private:
     sigset_t before;
 };
 
-// The program's handlers would remove its files, or report under its name. A fault ends the process as it would any.
+// Resets the handlers of signals and of std::terminate(). The program's own would remove its files or report a fault in
+// its name; here a fault just ends the process.
 void forgetHandlers()
 {
     std::set_terminate(std::abort);
@@ -62,7 +63,8 @@ void forgetHandlers()
         std::signal(number, SIG_DFL);
 }
 
-// The program's files, windows and other connections are none of the driver's. Standard error stays for the sanitizers.
+// Closes all descriptors but the socket, so that the driver has none of the program's files, windows and connections.
+// Standard error stays open for the sanitizers.
 void keepOnly(int socket)
 {
     if (const int nothing = ::open("/dev/null", O_RDWR); nothing >= 0) {
@@ -74,7 +76,8 @@ void keepOnly(int socket)
     ::close_range(kept + 1, ~0U, 0);
 }
 
-// The driver may never return from a call, so its thread can't notice that the program has gone.
+// Ends the process when the program has closed its side of the socket. The driver's thread can't do that, because it
+// may never return from a call.
 void endWithProgram(int socket)
 {
     pollfd end = {socket, 0, 0};
@@ -83,11 +86,11 @@ void endWithProgram(int socket)
     ::_exit(EXIT_SUCCESS);
 }
 
-// The process ends without returning to the program's code, of which it is a copy.
+// Serves the driver in the forked process. Never returns to the program's code, of which the process has a copy.
 [[noreturn]] void hostDriver(int handed) noexcept
 {
     forgetHandlers();
-    const int socket = ::fcntl(handed, F_DUPFD, STDERR_FILENO + 2); // close_range() takes no empty range
+    const int socket = ::fcntl(handed, F_DUPFD, STDERR_FILENO + 2); // a gap, as close_range() rejects empty ranges
     keepOnly(socket);
     keepOutOfCores();
     std::thread(endWithProgram, socket).detach();
@@ -115,7 +118,7 @@ DriverProcess::DriverProcess(CString source) : source(std::move(source))
         }).detach();
         return;
     }
-    const SignalBlock block; // no handler runs in the new process
+    const SignalBlock block; // the program's handlers must not run in the new process
     process = ::fork();
     const int error = errno;
     if (process == 0)
@@ -139,14 +142,15 @@ CString DriverProcess::call(std::string_view request, milliseconds patience)
     const auto start = Clock::now();
     const SocketWait waiting = [&](short events) { wait(events, start, patience); };
     CString answer;
-    isCalling = true; // and remains so if the call raises
+    isCalling = true; // stays true if the call throws
     if (!sendMessage(socket, request, waiting) || !receiveMessage(socket, answer, waiting))
         raiseEnd();
     isCalling = false;
     return answer;
 }
 
-// A call that is nearly done is not cut off, so that what it does is known; many of them get no more time than one.
+// Waits for the socket, the time limit or a cancellation. A cancelled call gets kGrace to complete, so that its effect
+// is known. Later calls share that time, or a series of them would never end.
 void DriverProcess::wait(short events, Clock::time_point start, milliseconds patience)
 {
     pollfd ready = {socket, events, 0};
@@ -172,7 +176,8 @@ void DriverProcess::raiseEnd()
                            "; the connection is closed");
 }
 
-// The process sees the end of its requests, disconnects and ends, which closes its side of the socket.
+// Ends the requests and waits until the process has disconnected, which closes its side of the socket, at most
+// kDisconnect.
 void DriverProcess::disconnect() const
 {
     ::shutdown(socket, SHUT_WR);
@@ -181,7 +186,7 @@ void DriverProcess::disconnect() const
     }
 }
 
-// Returns how the process has ended, as waitpid() tells it; 0 if that isn't known.
+// Ends the process, by SIGKILL if it still runs, and returns its status as waitpid(2) reports it; 0 if unknown.
 int DriverProcess::end()
 {
     ::close(std::exchange(socket, -1));

@@ -6,27 +6,27 @@
 #include <string_view>
 #include <sys/types.h>
 
-/// The process in which the driver of one connection works. A driver may crash, and may wait for a silent server for
-/// ever; here neither ends or stops the program.
+/// A process for the driver of one connection. A driver may crash, or wait for a silent server for ever; in its own
+/// process it can't end or block the program.
 class DriverProcess
 {
 public:
-    /// Starts the process, a fork of this one. `source` is the data source's name for messages, or empty. Raises
-    /// CDBException if the system gives no process.
+    /// Forks the process. `source` is the data source's name for messages, or empty. Throws CDBException if the system
+    /// can't create a process.
     explicit DriverProcess(CString source);
 
-    /// Lets the driver disconnect, for a short time; a process in the middle of a call is killed.
+    /// Gives the driver two seconds to disconnect, then kills the process. In the middle of a call the process is
+    /// killed at once.
     ~DriverProcess();
 
     DriverProcess(const DriverProcess&) = delete;
     DriverProcess& operator=(const DriverProcess&) = delete;
 
-    /// Sends a request and returns the answer of DriverHost. Raises CDBException if none has come after `patience` or
-    /// the process has ended, and Cancelled if it is no longer wanted (isStillWanted()); no further call can follow
-    /// then.
+    /// Sends a request and returns DriverHost's answer. Throws CDBException if none arrives within `patience` or the
+    /// process has ended, and Cancelled if the progress handler refuses. No further call is allowed after an exception.
     CString call(std::string_view request, std::chrono::milliseconds patience);
 
-    /// From now on drivers work in threads of this process, where a fuzzer sees which code they reach.
+    /// Makes later drivers run in threads of this process, where a fuzzer can measure their coverage.
     static void useThreads();
 
 private:
@@ -39,7 +39,7 @@ private:
 
     const CString source;
     int socket = -1;
-    pid_t process = -1; // none with threads, and once it has ended
+    pid_t process = -1; // -1 with threads, and after the end
     bool isCalling = false;
     Clock::time_point unwantedSince = Clock::time_point::max();
 };

@@ -18,5 +18,6 @@ using EnvironmentHandle = std::unique_ptr<void, FreeEnvironment>;
 using ConnectionHandle = std::unique_ptr<void, FreeConnection>;
 using StatementHandle = std::unique_ptr<void, FreeStatement>;
 
-/// A new environment, of ODBC 2: drivers answer dates as 9, 10 and 11. Empty when there is none to give.
+/// Returns a new ODBC 2 environment, in which drivers report date types as 9, 10 and 11. Null if the driver manager
+/// can't allocate one.
 EnvironmentHandle allocateEnvironment();

@@ -2,18 +2,19 @@
 
 class CDatabase;
 
-/// What the engine may ask of the program's main window. The wizard's sheet is one; the command line has none.
+/// The interface of the program's main window to the engine. The wizard's sheet implements it; the command line has
+/// none.
 class MainWindow
 {
 public:
     virtual ~MainWindow() = default;
 
-    /// The open ODBC connection of the run, or null when no data source has been opened.
+    /// Returns the run's open ODBC connection, or null if no data source is open.
     virtual CDatabase* queryDatabase() = 0;
 };
 
-/// The main window in force, or null.
+/// Returns the current main window, or null.
 MainWindow* mainWindow();
 
-/// Sets the main window; null when it goes. It must outlive its being set.
+/// Sets the main window, which must stay valid until another one or null is set.
 void setMainWindow(MainWindow* window);

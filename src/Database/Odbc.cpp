@@ -20,13 +20,13 @@ CString sourceText(const CString& source)
     return plainConnection(source.starts_with(kFrameworkPrefix) ? source.substr(kFrameworkPrefix.size()) : source);
 }
 
-// Without the words for TLS, for which room is left.
+// Appends the connection string without the words for TLS.
 void buildConnectString(CString& out, const CString& source, CDatabase::Access access, const CString& logon,
                         std::chrono::seconds loginPatience)
 {
-    Secret own(sourceText(source)); // it may hold a password of its own
+    Secret own(sourceText(source)); // may hold a password
     const CString words = connectionWords(own.text, access == CDatabase::readOnly, loginPatience);
-    out.reserve(own.text.size() + logon.size() + words.size() + 100); // no growth: it would leave copies
+    out.reserve(own.text.size() + logon.size() + words.size() + 100); // growing would leave copies
     out += own.text;
     if (!out.ends_with(';'))
         out += ';';
@@ -54,6 +54,7 @@ bool CDatabase::Open(const CString& source, Access access, const CString& logon)
     } catch (const CDBException& error) {
         if (attempts.size() == 1 || !attempts[1].mayHelp(error))
             throw;
+        // A probe only finds out why the server refused the user; it is never used as the connection.
         if (attempts[1].isProbe) {
             if (canConnect(words.text, access, attempts[1]))
                 throw CDBException("08004", 0,
@@ -67,7 +68,7 @@ bool CDatabase::Open(const CString& source, Access access, const CString& logon)
 bool CDatabase::connect(const CString& words, Access access, const TlsAttempt& attempt)
 {
     Secret request(startRequest(DriverRequest::open));
-    request.text.reserve(words.size() + attempt.words.size() + 100); // no growth: it would leave copies
+    request.text.reserve(words.size() + attempt.words.size() + 100); // growing would leave copies
     putNumber(request.text, access == readOnly);
     putNumber(request.text, static_cast<std::int32_t>(loginPatience.count()));
     putText(request.text, Secret(words + attempt.words).text);

@@ -56,6 +56,7 @@ int CRecordset::openCatalogue(unsigned short function, const std::vector<Argumen
 #endif
     if (outcome != CatalogueOutcome::listed)
         return 0;
+    // The rows stay packed, and moveTo() unpacks one at a time: a catalogue can have very many.
     rows = answer.erase(0, answer.size() - reader.size());
     beginOfFile = endOfFile = rows->empty();
     MoveFirst();

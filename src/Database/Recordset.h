@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// Where a recordset names its members, in the order of the result's columns. Texts are cut at 255 bytes, between two
+/// The list of a recordset's members, in the order of the result's columns. Texts are cut at 255 bytes, between
 /// characters.
 class CFieldExchange
 {
@@ -16,10 +16,10 @@ public:
     void text(CString& member) { fields.push_back({&member, nullptr}); }
     void number(LONG& member) { fields.push_back({nullptr, &member}); }
 
-    /// A letter for each column: t for a text, n for a number.
+    /// Returns a letter for each column: t for a text, n for a number.
     CString shape() const;
 
-    /// Puts the first of these rows into the members and returns how many bytes it takes.
+    /// Loads the first row of `rows` into the members and returns its length in bytes.
     std::size_t load(std::string_view rows) const;
 
 private:
@@ -32,8 +32,8 @@ private:
     std::vector<Field> fields;
 };
 
-/// The rows of a result, all read when it is opened, so that what was read stays as it was: a static snapshot. Every
-/// recordset is read-only. Errors of the database are raised as CDBException.
+/// The rows of a result, read at once when it is opened: a static, read-only snapshot. Errors of the database throw
+/// CDBException.
 class CRecordset
 {
 public:
@@ -43,23 +43,23 @@ public:
     CRecordset(const CRecordset&) = delete;
     CRecordset& operator=(const CRecordset&) = delete;
 
-    /// Forgets the rows; the members keep their last values.
+    /// Drops the rows; the members keep their last values.
     void Close();
 
     bool IsOpen() const { return rows.has_value(); }
     bool IsBOF() const { return beginOfFile; }
-    bool IsEOF() const { return endOfFile; } ///< also true for a recordset that is not open
+    bool IsEOF() const { return endOfFile; } ///< also true if not open
     UINT queryOpenType() const { return openType; }
 
-    /// Go to the first row or one further, and put its values into the members. Without a row nothing happens.
+    /// Go to the first or next row and load it into the members. Do nothing without a row.
     void MoveFirst();
     void MoveNext();
 
 protected:
-    /// `openOn` is the open connection, or null, on which nothing opens.
+    /// `openOn` is the connection; with null, opening always fails.
     explicit CRecordset(CDatabase* openOn) : database(openOn) {}
 
-    /// Names the members, in the order of the result's columns.
+    /// Lists the members in the order of the result's columns.
     virtual void DoFieldExchange(CFieldExchange& exchange) = 0;
 
     using Argument = std::optional<CString>;
@@ -67,8 +67,9 @@ protected:
 
     static Argument argument(const char* text) { return text ? Argument(text) : Argument(); }
 
-    /// Runs the catalogue function of ODBC's number once for each of `calls`, with four texts or nulls, reads all rows
-    /// and goes to the first. 0 when the driver lacks the function or has no statement to give.
+    /// Runs a catalogue function, given by its SQL_API number, once for each of `calls`, with four texts or nulls.
+    /// Reads all rows and goes to the first. Returns 1, or 0 if the driver lacks the function, can't allocate a
+    /// statement or the connection isn't open.
     int openCatalogue(unsigned short function, const std::vector<Arguments>& calls, UINT type);
 
     CDatabase* queryDatabase() const { return database; }
@@ -78,8 +79,8 @@ private:
 
     CDatabase* database;
     CFieldExchange fields;
-    std::optional<CString> rows; // packed one behind the other; none when not open
-    std::size_t next = 0;        // where the row behind the current one starts
+    std::optional<CString> rows; // packed, one after the other; empty if not open
+    std::size_t next = 0;        // the offset of the next row
     UINT openType = snapshot;
     bool beginOfFile = true;
     bool endOfFile = true;

@@ -6,17 +6,17 @@
 #include <initializer_list>
 #include <vector>
 
-/// One statement of SQL with question marks for its values, prepared once and run as often as wanted.
+/// An SQL statement with question marks for its values, prepared once and run any number of times.
 class CStatement
 {
 public:
     using Rows = std::vector<std::vector<CString>>;
 
-    /// The database must outlive it. Raises CDBException, as execute() does.
+    /// Prepares the statement. The database must outlive it. Throws CDBException, as execute() does.
     CStatement(CDatabase& database, const CString& sql);
 
-    /// Runs it with texts in place of the question marks, in their order, and returns the rows of its result, each
-    /// column as a text, however long; a null is empty.
+    /// Runs the statement with a text for each question mark, in order, and returns the rows of its result. Each column
+    /// is a text of any length; null becomes empty.
     Rows execute(std::initializer_list<std::string_view> values = {});
 
 private:

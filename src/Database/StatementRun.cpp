@@ -18,13 +18,13 @@ void check(SQLRETURN result, SQLHANDLE statement)
         CDBException::raise(SQL_HANDLE_STMT, statement);
 }
 
-// A column of the row in hand, in as many pieces as it takes.
+// Returns a column of the current row, read in as many pieces as needed.
 CString readText(SQLHANDLE statement, SQLUSMALLINT column)
 {
     CString text;
     std::array<char, 4096> piece;
     for (;;) {
-        SQLLEN left = 0; // of the value, this piece included
+        SQLLEN left = 0; // bytes left of the value, this piece included
         const SQLRETURN result =
             SQLGetData(statement, column, SQL_C_CHAR, piece.data(), static_cast<SQLLEN>(piece.size()), &left);
         if (result == SQL_NO_DATA)
@@ -34,7 +34,7 @@ CString readText(SQLHANDLE statement, SQLUSMALLINT column)
             return {};
         const std::size_t capacity = piece.size() - 1;
         const bool last = result == SQL_SUCCESS || (left >= 0 && static_cast<std::size_t>(left) <= capacity);
-        text.append(piece.data(), strnlen(piece.data(), capacity)); // shorter where a driver keeps a character whole
+        text.append(piece.data(), strnlen(piece.data(), capacity)); // may be shorter: drivers keep characters whole
         if (last)
             return text;
     }
@@ -75,9 +75,9 @@ void runStatement(SQLHANDLE statement, std::vector<CString> values, CString& out
     SQLFreeStmt(statement, SQL_CLOSE);
     bind(statement, values, lengths);
     const SQLRETURN result = SQLExecute(statement);
-    if (result != SQL_NO_DATA) { // the answer to a change that met no row
+    if (result != SQL_NO_DATA) { // SQL_NO_DATA: a change that affected no row
         check(result, statement);
         fetchAll(statement, out);
     }
-    SQLFreeStmt(statement, SQL_RESET_PARAMS); // the values end with this run
+    SQLFreeStmt(statement, SQL_RESET_PARAMS); // the bound values end with this run
 }

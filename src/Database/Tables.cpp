@@ -3,7 +3,8 @@
 #include <sql.h>
 #include <sqlext.h>
 
-// A name without an owner is one of the search path to PostgreSQL's driver; without a name, null is any owner to it.
+// PostgreSQL's driver looks for a name without an owner only in the search path, so "%" asks for any owner. Without a
+// name, null already means any owner.
 int CTables::Open(const char* qualifier, const char* owner, const char* table, const char* tableTypes, UINT type)
 {
     const CDatabase* const database = queryDatabase();

@@ -5,7 +5,7 @@
 
 #include <compare>
 
-/// A table, as a catalogue names it. Qualifier and owner are empty where a database has none.
+/// A table's full name in a catalogue. Qualifier and owner are empty if the database has none.
 struct TableName
 {
     CString qualifier;
@@ -15,7 +15,7 @@ struct TableName
     bool operator==(const TableName&) const = default;
     auto operator<=>(const TableName&) const = default;
 
-    /// "OWNER.NAME", or "QUALIFIER.NAME" where a database has no owners.
+    /// Returns "OWNER.NAME", or "QUALIFIER.NAME" if there is no owner, or the bare name.
     CString text() const
     {
         const CString& place = owner.empty() ? qualifier : owner;
@@ -29,11 +29,11 @@ class CTables : public CRecordset
 public:
     explicit CTables(CDatabase* openOn) : CRecordset(openOn) {}
 
-    /// Each text is a pattern, or null for any; `tableType` a list of quoted types. 1 when open, 0 when the driver
-    /// can't list tables; errors are raised.
+    /// Opens the list of tables. Each text is a pattern, or null for any; `tableTypes` is a list of types in quotes.
+    /// Returns 1 if open, 0 if the driver can't list tables; throws CDBException on errors.
     int Open(const char* qualifier, const char* owner, const char* table, const char* tableTypes, UINT type = snapshot);
 
-    /// The recordset is always made on an open connection, so there is none to name.
+    /// Returns an empty text: the connection is always given to the constructor.
     CString GetDefaultConnect() const { return {}; }
 
     TableName queryName() const { return {tableQualifier, tableOwner, tableName}; } ///< of the current row

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The modes of libpq, each stricter than the one before.
+// The sslmode values of libpq, from lax to strict.
 enum Mode
 {
     disable,
@@ -26,7 +26,7 @@ enum class Driver
     postgres,
     mariaDb,
     local, ///< opens files
-    mySql, ///< has modes of its own under SSLmode, and prefers TLS
+    mySql, ///< has its own values for SSLmode, and prefers TLS
     other
 };
 
@@ -61,7 +61,8 @@ std::optional<Mode> modeNamed(std::string_view name)
     throw CDBException("S1009", 0, what + " is \"" + value + "\", and none of " + modes);
 }
 
-// Of several, the strictest counts, since drivers don't agree on whether it is the first or the last.
+// Returns the source's SSLmode, nothing if it has none. Of several, the strictest counts, because drivers don't agree
+// on whether the first or the last one does.
 std::optional<Mode> ownMode(const CString& connection, bool isOurs)
 {
     std::vector<CString> values = valuesOf(connection, "SSLmode");
@@ -87,7 +88,8 @@ Mode modeOfEnvironment(bool isOurs)
     return mode.value_or(verifyFull);
 }
 
-// FORCETLS is no more than a preference, and SSLVERIFY alone keeps the driver from connecting in plain text.
+// Returns the attempts for MariaDB's driver. FORCETLS alone is only a preference; SSLVERIFY keeps the driver from
+// connecting in plain text.
 std::vector<TlsAttempt> mariaDbAttempts(const CString& connection, std::optional<Mode> own)
 {
     const CString force = settingOf(connection, "FORCETLS"), verify = settingOf(connection, "SSLVERIFY");

@@ -5,20 +5,20 @@
 
 #include <vector>
 
-/// A way of connecting to a source with TLS, or without.
+/// One way to connect to a source, with or without TLS.
 struct TlsAttempt
 {
-    CString words; ///< for the end of the connection string, where they count more than those in front
+    CString words; ///< for the end of the connection string, where they override earlier ones
 
-    /// Whether a connection that comes about is closed again, and only tells that the server takes the user over TLS.
+    /// True if the connection is closed at once, and only shows that the server takes the user over TLS.
     bool isProbe = false;
 
-    /// Whether this way is worth trying where the one before it has ended in `error`.
+    /// Returns whether to try this way after the one before it failed with `error`.
     bool mayHelp(const CDBException& error) const;
 };
 
-/// The ways to connect that a source's SSLmode leaves, the best one first: SSLmode of the connection string or of the
-/// data source's entry, else the variable PGSSLMODE, else "prefer". Each driver that can gets TLS preferred. One that
-/// can't be told to require TLS is never connected without it. Raises CDBException for a mode that isn't known, or that
-/// the driver isn't known to keep.
+/// Returns the ways to connect that a source's SSLmode allows, best first. The mode comes from the connection string or
+/// the data source, else from the environment variable PGSSLMODE, else it is "prefer". Every driver that can is asked
+/// to prefer TLS. A driver that can't be told to require TLS is never connected without it. Throws CDBException for an
+/// unknown mode, and for one that the driver isn't known to respect.
 std::vector<TlsAttempt> tlsAttempts(const CString& connection);
