@@ -3,41 +3,41 @@
 #include "Xml/XmlText.h"
 
 /// Builds the BROKERTYPEDESCRIPTION document of one broker type: its full name, its description, and at most one
-/// content element with what belongs into it. Every add operation answers 1, or 0 and changes nothing when the content
-/// element that was added (or that there is none yet) doesn't accept it.
+/// content element. Every add function returns 1; it returns 0 and changes nothing if the current content element, or
+/// its absence, doesn't allow the addition.
 ///
-/// The document is written as text as it grows, not built as a tree first: an import has as many fields as its source,
-/// and the nodes of each would cost several times what writing it does.
+/// The document is written as text, not built as a tree first: an import has as many fields as its source, and a tree
+/// node for each costs several times the writing.
 class BrokerTypeDescription
 {
 public:
-    /// NAME is `path` and `name`, with one backslash between; DESCRIPTION is written where there is one. The document
-    /// is written into `text`, which must outlive the builder; what it held is lost.
+    /// NAME is `path` and `name`, with one backslash between them. An empty description leaves DESCRIPTION out.
+    /// Replaces the content of `text`, which must outlive the builder.
     BrokerTypeDescription(std::string_view name, TextPieces description, std::string_view path, XmlText& text);
 
-    /// The same with a text of its own.
+    /// Does the same with an internal buffer.
     BrokerTypeDescription(std::string_view name, std::string_view description, std::string_view path);
     BrokerTypeDescription(const BrokerTypeDescription&) = delete;
     BrokerTypeDescription& operator=(const BrokerTypeDescription&) = delete;
 
-    /// An empty ROW, which takes fields.
+    /// Adds an empty ROW, then its fields. `type` is the name of the field's type.
     int addRow();
     int addField(std::string_view name, TextPieces description, TextPieces type);
 
-    /// An empty ENUM, which takes constants.
+    /// Adds an empty ENUM, then its constants.
     int addEnum();
     int addConstant(std::string_view name, TextPieces description);
 
-    /// An ARRAY of SIZE `size` with its COMPONENT.
+    /// Adds an ARRAY with SIZE `size` and its COMPONENT.
     int addArray(std::string_view size, TextPieces componentType);
 
-    /// A TABLE with its COMPONENT.
+    /// Adds a TABLE with its COMPONENT.
     int addTable(TextPieces componentType);
 
-    /// Replaces `out` with the text of the document: no declaration, no white space between tags.
+    /// Replaces `out` with the document: no declaration, no white space between tags. The builder can continue.
     void queryXML(CString& out) const;
 
-    /// The same as a view into the text that the builder writes into. Nothing can be added afterwards.
+    /// Completes the document and returns a view of the builder's text. Nothing can be added afterwards.
     std::string_view finish();
 
 private:
@@ -60,7 +60,7 @@ private:
     void appendEnd(Text& out) const;
 
     XmlText ownText;
-    XmlText& text;            // all but the end; the tag written last is still without its '>'
+    XmlText& text;            // the document so far; the last tag still lacks its '>'
     std::string_view content; // the tag of the content element
     bool hasItems = false;
     State state = stateEmpty;

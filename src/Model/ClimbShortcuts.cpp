@@ -23,7 +23,7 @@ struct WaysUp
 ClimbShortcuts::ClimbShortcuts(LinkGraph& graph) : graph(graph)
 {
     CancelPoint cancelPoint(kElementsATick);
-    for (Index element = 0; element < graph.size(); ++element) { // they may become more on the way
+    for (Index element = 0; element < graph.size(); ++element) { // read() can add elements
         cancelPoint.pass();
         graph.read(element);
     }
@@ -51,7 +51,8 @@ void ClimbShortcuts::findCycles()
         isInCycle.push_back(members[component[element]] > 1);
 }
 
-// Half of the elements have the height 0, a quarter 1, and so on. A source can't know which.
+// Half of the elements have height 0, a quarter 1, and so on. Heights are random, so no source can be built for the
+// worst case.
 void ClimbShortcuts::giveHeights()
 {
     std::mt19937 random(std::random_device{}());
@@ -75,13 +76,14 @@ ClimbShortcuts::Index ClimbShortcuts::topOf(Index element)
     return element;
 }
 
-// The next element on the way up from a passed one that is at least so high, or ends the way because it isn't passed;
-// kNone when there is none.
+// Returns the next element on the way up from a passed element that is at least `level` high or is not passed; kNone if
+// there is none.
 ClimbShortcuts::Index ClimbShortcuts::next(Index element, Index level)
 {
     Index& kept = shortcuts[towers[element] + level];
     if (kept != kNone && !placed[kept])
         return kept;
+    // The recursion is at most as deep as there are levels, 32.
     if (level == 0)
         return kept = firstParent(element);
     Index above = next(element, level - 1);
@@ -90,7 +92,7 @@ ClimbShortcuts::Index ClimbShortcuts::next(Index element, Index level)
     return kept = above;
 }
 
-// The first parent that isn't placed.
+// Returns the first parent outside of the element's cycle that isn't placed, kNone if all are.
 ClimbShortcuts::Index ClimbShortcuts::firstParent(Index element)
 {
     const auto parents = graph.parents(element);

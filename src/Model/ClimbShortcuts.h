@@ -2,27 +2,28 @@
 
 #include "Model/LinkGraph.h"
 
-/// Where climbs end that many others went before. Outside of cycles an element is placed behind all its parents only,
-/// so the way up from it, to its first parent that isn't placed and so on, stays the same until the last element on it
-/// is placed. Elements of random height keep the next one on the way that is as high as they are, for each height, as
-/// in a skip list (W. Pugh, Skip lists, 1990): the end of a way is found in steps of the logarithm of its length.
+/// A skip list over parent chains: finds the topmost unplaced ancestor in O(log n) steps. Outside of cycles, an element
+/// is placed after all its parents. The way up from it, to its first unplaced parent and so on, therefore stays the
+/// same until the last element on it is placed. Elements have random heights, as in a skip list (W. Pugh, Skip lists,
+/// 1990), and keep for each level the next element on the way that is at least as high.
 class ClimbShortcuts
 {
 public:
     using Index = LinkGraph::Index;
 
-    /// Reads all of the graph.
+    /// Reads the whole graph. Throws Cancelled.
     explicit ClimbShortcuts(LinkGraph& graph);
 
     void setPlaced(Index element) { placed[element] = true; }
 
-    /// False for an element of a cycle of several: inside it a way depends on where it came from.
+    /// Returns whether climbs pass this element by shortcuts. False in a cycle of several elements, because there the
+    /// way depends on where the climb came from; see passCycles().
     bool isPassed(Index element) const { return passesCycles || !isInCycle[element]; }
 
-    /// From now on elements of cycles are passed like others: parents in the same cycle don't count as such.
+    /// Makes climbs pass elements of cycles too. Parents in the same cycle are then ignored.
     void passCycles() { passesCycles = true; }
 
-    /// The end of the way up from an element that isn't placed: the first that has no parent left to place, or that
+    /// Returns the end of the way up from an unplaced element: the first element without an unplaced parent, or that
     /// isn't passed.
     Index topOf(Index element);
 
@@ -39,8 +40,8 @@ private:
     std::vector<Index> component;
     std::vector<bool> isInCycle;
     std::vector<bool> placed;
-    std::vector<Index> parentsDone; // of each element: parents that are placed, or of the same component
-    std::vector<Index> towers;      // where each element's shortcuts start
-    std::vector<Index> shortcuts;   // by level, the lowest leads to the next parent; kNone: not known
+    std::vector<Index> parentsDone; // per element, its leading parents that are placed or in its cycle
+    std::vector<Index> towers;      // the offset of each element's shortcuts
+    std::vector<Index> shortcuts;   // by level; level 0 is the next parent; kNone if unknown
     bool passesCycles = false;
 };

@@ -6,7 +6,7 @@ namespace {
 
 const CString kEmpty;
 
-// True when `description` is the generated one, "%s (Automatically created)", of `name`.
+// Returns whether `description` is the generated one of `name`, "%s (Automatically created)".
 bool isGenerated(std::string_view description, std::string_view name)
 {
     static const std::string_view suffix = std::string_view(loadText(IDS_AUTOMATIC)).substr(2);
@@ -14,7 +14,7 @@ bool isGenerated(std::string_view description, std::string_view name)
            description.ends_with(suffix);
 }
 
-// The path of an element that stands alone, in a pool of its own.
+// Returns the path of an element without a model, in a new pool that the element owns.
 Name& pathInOwnPool(std::string_view path)
 {
     return (new NamePool)->intern(path.ends_with('\\') ? path : CString(path) + '\\');
@@ -96,6 +96,7 @@ void Element::setName(Name& newName)
 
 void Element::setDescription(std::string_view newDescription)
 {
+    // Nearly all descriptions are generated ones, so those are only flagged, not stored.
     isDescribedByName = isGenerated(newDescription, name->text);
     if (more)
         more->description = nullptr;
@@ -132,8 +133,8 @@ int Element::appendChild(Element* child)
     return 1;
 }
 
-// A common field has very many parents. As long as all links of the two go both ways, the children, the shorter list,
-// answer for the parents too.
+// A common field has very many parents, and searching them would be slow. While all links of both elements go both
+// ways, the shorter list of children tells whether the link exists.
 void Element::link(Element* child, bool isNew)
 {
     if (isNew && !isPrimitive())

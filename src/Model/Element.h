@@ -2,21 +2,21 @@
 
 #include "Model/NamePool.h"
 
-/// Elements in the order in which they were added, each at most once. Owns none of them, and lies in memory that is
-/// only given back as a whole. Most elements have one parent, which takes no memory beside the list itself.
+/// A list of elements in the order in which they were added, each at most once. Does not own them; its memory comes
+/// from an arena and is never freed singly. Most elements have one parent, which is stored without an allocation.
 class ElementList
 {
 public:
-    /// Appends `element`, with room from `memory`. False, and no change, when it is already listed.
+    /// Appends `element`, with room from `memory`. Returns false and changes nothing if it is already listed.
     bool add(Element* element, std::pmr::memory_resource& memory);
 
-    /// Appends an element that is known not to be listed, which spares the search.
+    /// Appends an element that must not be listed yet, without a search.
     void append(Element* element, std::pmr::memory_resource& memory);
 
-    /// Makes room for `size` elements at once, if the list is empty.
+    /// Makes room for `size` elements if the list is empty; else does nothing.
     void reserve(std::uint32_t size, std::pmr::memory_resource& memory);
 
-    /// Puts `replacement` where `old` stands; does nothing when `old` is not listed.
+    /// Puts `replacement` in the place of `old`. Does nothing if `old` is not listed.
     void replace(Element* old, Element* replacement);
 
     std::size_t size() const { return count; }
@@ -36,8 +36,8 @@ private:
     std::uint32_t& entered() const { return index()[slotCount()]; }
     std::size_t firstSlot(const Element* element) const;
 
-    // Room for `capacity` elements, or in the list itself for one; in a list too long to walk, behind them a hash table
-    // of positions, and how many of its slots are taken, by items or by what was replaced.
+    // Storage for `capacity` elements, or for one element in `single`. In a long list, a hash table of positions
+    // follows the elements, and the number of its used slots, stale ones of replaced elements included.
     union {
         Element* single = nullptr;
         Element** items;
@@ -47,36 +47,38 @@ private:
     std::uint32_t isIndexed : 1 = 0;
 };
 
-/// One node of an imported message: a type of its own (a record, table, enumeration or array) or a field. Importers
-/// make elements only through TypeModel, which owns them all.
+/// One node of an imported message: a type (a record, table, enumeration or array) or a field. Importers create
+/// elements only through TypeModel, which owns them all.
 class Element
 {
 public:
     enum ElementTypes : int
     {
-        typeEnum = 0,   ///< its children are its constants
+        typeEnum = 0,   ///< its children are the constants
         typeArray = 1,  ///< fixed size, see setSize()
-        typeRow = 2,    ///< a record; its children are its fields
+        typeRow = 2,    ///< a record; its children are the fields
         typeTable = 3,  ///< a repeated component
         typeString = 4, ///< text field
         typeNumber = 5, ///< number field
         typeDate = 6,   ///< date and time field
-        typeOther = 7   ///< field whose type is named by the known type
+        typeOther = 7   ///< field of the type that the known type names
     };
 
-    /// `path` gets a final backslash where it lacks one; `parent` may be null.
+    /// `path` gets a final backslash if it has none; `parent` may be null.
     Element(const CString& path, const CString& name, const CString& description, ElementTypes type, Element* parent);
 
-    /// Copies what the element says of itself; children, parents and size start empty.
+    /// Copies the element without its children, parents and size.
     Element(const Element& other);
     ~Element();
     Element& operator=(const Element&) = delete;
 
+    /// Return the element's properties. Texts are empty if not set; the path ends with a backslash. The base name is
+    /// the name before the element became a table.
     const CString& queryPath() const { return path->text; }
     const CString& queryName() const { return name->text; }
     const CString& queryDescription() const;
 
-    /// The same without keeping a generated one.
+    /// Returns the description without storing a generated one.
     TextPieces queryDescriptionPieces() const;
     const CString& queryBaseName() const { return baseName().text; }
     const CString& queryKnownType() const;
@@ -91,64 +93,64 @@ public:
     void setSize(const CString& newSize) { rare().size = &names().intern(newSize); }
     void setKnownType(std::string_view newKnownType);
 
-    /// The same for a name of the element's model, which spares the search.
+    /// Does the same with a name of the element's model, without a search.
     void setKnownType(Name& newKnownType) { knownType = newKnownType.text.empty() ? nullptr : &newKnownType; }
 
-    /// The known type as a name of the element's model, or null.
+    /// Returns the known type as a name of the element's model, or null.
     Name* queryKnownName() const { return knownType; }
     void setDescription(std::string_view newDescription);
     void asAttribute() { isAttribute = 1; }
 
-    /// Does nothing for null or for a parent that is already listed.
+    /// Adds a parent. Does nothing for null and for a listed parent.
     void addParent(Element* parent);
 
-    /// 0 when `child` is already listed. Otherwise appends it, which makes a primitive element a record, and answers 1.
+    /// Appends `child` and returns 1; a primitive element becomes a record. Returns 0 if `child` is already listed.
     int addChild(Element* child);
 
-    /// Puts `table` in the place of `oldChild`; does nothing when that is no child.
+    /// Puts `table` in the place of `oldChild`. Does nothing if that is not a child.
     void toTable(Element* oldChild, Element* table);
 
-    /// Replaces `out` with the type as one BROKERTYPEDESCRIPTION document. An array without a size gets the size "5".
+    /// Replaces `out` with the type's BROKERTYPEDESCRIPTION document. An array without a size gets the size "5".
     void asXML(CString& out) { out = asXML(); }
 
-    /// The same without a copy; the next document of any element takes its place.
+    /// Returns the same as a view, valid until the next call for any element.
     std::string_view asXML();
 
-    /// False for the children of a record that its document has no field for: enumerations and arrays.
+    /// Returns whether a record's document has a field for this child. Enumerations and arrays have none.
     bool isField() const { return type != typeEnum && type != typeArray; }
 
-    /// What the document of `record` says of this child as its field.
+    /// Return what the document of `record` writes for this child as a field.
     const CString& queryFieldName() const { return type == typeTable ? queryBaseName() : queryName(); }
     TextPieces queryFieldDescription() const;
     TextPieces queryFieldType(const Element& record) const;
 
-    /// The type that a table or an array holds, as its document names it.
+    /// Returns the component type of a table or an array, as its document names it.
     TextPieces queryComponentType() const;
 
-    /// The mark of the ordering pass: whether the element stands in its model's list.
+    /// Returns whether the ordering has put the element into its model's list.
     bool isPlaced() const { return placed; }
     void setPlaced(bool isPlaced) { placed = isPlaced; }
 
-    /// Marks the element's name as one of the listed ones, or no more.
+    /// Marks the element's name as listed or not.
     void setListed(bool isListed) { name->isListed = isListed; }
 
-    /// Which of its model's elements this is, from 0; kNoNumber for one that stands in no model.
+    /// Returns the element's number in its model, from 0; kNoNumber if it is in none.
     std::uint32_t queryNumber() const { return number; }
     void setNumber(std::uint32_t newNumber) { number = newNumber; }
     static constexpr std::uint32_t kNoNumber = 0xFFFFFFFF;
 
-    /// True for the kinds that are written as documents of their own, 0 to 3.
+    /// Returns whether the element is a type with a document of its own: kinds 0 to 3.
     bool isTypeOfItsOwn() const { return type >= typeEnum && type <= typeTable; }
 
 private:
     friend class TypeModel;
     friend class UsageTable;
 
-    // For TypeModel, which has the names and the memory for the lists.
+    // For TypeModel, which interns names and allocates in its own arena.
     Element(Name& path, Name& name, ElementTypes type) : type(type), name(&name), path(&path) {}
     Element(const Element& other, Name& path, Name& name);
 
-    // What most elements don't have. Null: not set; a generated description is only made when it is asked for.
+    // Data that most elements lack. Null if not set. A generated description is only built on demand.
     struct Rare
     {
         const Name* baseName = nullptr;
@@ -158,21 +160,21 @@ private:
 
     NamePool& names() const { return path->pool; }
     const Name& baseName() const { return more && more->baseName ? *more->baseName : *name; }
-    Rare& rare() const; // made when it isn't there
+    Rare& rare() const; // created on first use
     int appendChild(Element* child);
-    void link(Element* child, bool isNew); // both ways; a new child has no links
+    void link(Element* child, bool isNew); // in both directions; a new child has no links yet
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
     void setName(Name& newName);
     void describeByName();
 
-    // A row of the model, of which an import has very many: so texts are names of the pool, and what few elements have
-    // costs a pointer. Nothing in it needs a destructor, unless the element stands alone.
+    // An import has very many elements, so each is small: texts are names of the pool, and rare data costs one pointer.
+    // No member needs a destructor, unless the element owns its pool.
     ElementTypes type : 8;
     bool isAttribute : 1 = false;
     bool placed : 1 = false;
-    bool isDescribedByName : 1 = false; // by the generated description
-    bool isLinkedByHand : 1 = false;    // has got a parent or a child that need not have got it too
+    bool isDescribedByName : 1 = false; // has the generated description
+    bool isLinkedByHand : 1 = false;    // may have a link that only goes one way
     bool ownsNames : 1 = false;
     std::uint32_t number = kNoNumber;
     Name* name;
@@ -183,14 +185,14 @@ private:
     mutable Rare* more = nullptr;
 };
 
-/// Asks for the memory of elements that a loop is about to look at: they lie anywhere, and so wait only once.
+/// Prefetches the elements that a loop is about to visit. They are scattered in memory, so their cache misses overlap.
 inline void prefetch(const ElementList& elements)
 {
     for (std::size_t i = 0; i < elements.size() && i < 16; ++i)
         __builtin_prefetch(elements[i]);
 }
 
-/// One usage of an element under a parent, and how often it occurred.
+/// One usage of an element under a parent, and its number of occurrences.
 class ChildElement
 {
 public:
@@ -198,6 +200,7 @@ public:
         usageKey(usageKey), element(element), parent(parent)
     {}
 
+    /// Return the key, the element, the parent, which is null at the top, and the number of occurrences.
     const Fingerprint& queryUsageKey() const { return usageKey; }
     Element* queryElement() const { return element; }
     Element* queryParent() const { return parent; }
@@ -209,7 +212,7 @@ private:
 
     void addInstance() { ++instances; }
 
-    Fingerprint usageKey; // the key itself may be as long as the source; empty as long as it isn't needed
+    Fingerprint usageKey; // hashed, because the key can be as long as the source; empty until needed
     Element* element;
     Element* parent;
     unsigned int instances = 1;

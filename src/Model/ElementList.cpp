@@ -4,7 +4,7 @@
 
 namespace {
 
-// Up to this many entries a walk over the list is quicker than an index, and most lists stay below it.
+// Up to this length, a linear search is faster than an index. Most lists stay below it.
 constexpr std::uint32_t kWalked = 16;
 
 } // namespace
@@ -46,7 +46,7 @@ void ElementList::replace(Element* old, Element* replacement)
         return;
     (capacity == 0 ? single : items[position]) = replacement;
     if (isIndexed)
-        enter(position); // the slot of `old` stays, and keeps the probes behind it whole
+        enter(position); // the slot of `old` stays, so that probes go on past it
 }
 
 std::uint32_t ElementList::positionOf(const Element* element) const
@@ -64,6 +64,7 @@ void ElementList::moveTo(std::uint32_t newCapacity, bool withIndex, std::pmr::me
 {
     const std::size_t indexSize = withIndex ? 4 * std::size_t{newCapacity} + 1 : 0;
     const std::size_t bytes = newCapacity * sizeof(void*) + indexSize * sizeof(std::uint32_t);
+    // The old storage is not freed: the arena frees everything at once.
     auto* const larger = static_cast<Element**>(memory.allocate(bytes, alignof(Element*)));
     std::copy(begin(), end(), larger);
     items = larger;
@@ -83,7 +84,7 @@ void ElementList::buildIndex()
 
 void ElementList::enter(std::uint32_t position)
 {
-    if (entered() == 3 * capacity) { // of them at most `capacity` by items
+    if (entered() == 3 * capacity) { // at most `capacity` of them are live
         buildIndex();
         return;
     }
@@ -96,6 +97,7 @@ void ElementList::enter(std::uint32_t position)
 
 std::size_t ElementList::firstSlot(const Element* element) const
 {
+    // Fibonacci hashing (D. Knuth, The Art of Computer Programming, 6.4). The low bits of an address are always zero.
     const std::size_t number = reinterpret_cast<std::uintptr_t>(element) / alignof(Element);
     return number * 0x9E3779B97F4A7C15 >> 20 & (slotCount() - 1);
 }

@@ -1,11 +1,11 @@
-// The document of one type.
+// Writes the document of one type.
 #include "Model/BrokerType.h"
 #include "Model/Element.h"
 #include "Resources/StringTable.h"
 
 namespace {
 
-// "%s (Automatically created)" of a name.
+// Returns the generated description of a name, "%s (Automatically created)".
 TextPieces generated(std::string_view name)
 {
     static const std::string_view suffix = std::string_view(loadText(IDS_AUTOMATIC)).substr(2);
@@ -16,7 +16,7 @@ TextPieces generated(std::string_view name)
 
 std::string_view Element::asXML()
 {
-    static XmlText text; // an import asks for very many types in a row: kept for their room
+    static XmlText text; // reused, because an import writes very many types in a row
     BrokerTypeDescription builder(name->text, queryDescriptionPieces(), path->text, text);
     switch (type) {
     case typeEnum:

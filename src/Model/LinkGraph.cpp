@@ -7,6 +7,7 @@ LinkGraph::LinkGraph(std::span<Element* const> owned) : owned(owned), links(owne
 
 LinkGraph::~LinkGraph()
 {
+    // These elements belong to no model, and a later graph numbers them again.
     for (Element* element : others)
         element->setNumber(Element::kNoNumber);
 }

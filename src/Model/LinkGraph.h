@@ -5,14 +5,14 @@
 #include <span>
 #include <vector>
 
-/// The links between the elements of a model as numbers: an ordering may go over them many times, and pointers to
-/// elements would take it all over the memory. The links must not change in the meantime.
+/// The links between a model's elements as numbers in compact arrays. The ordering walks them many times, and pointers
+/// to elements would scatter its reads over memory. The links must not change while this lives.
 class LinkGraph
 {
 public:
     using Index = std::uint32_t;
 
-    /// `owned` by their numbers; what they are linked to and has no number joins them when the links are read.
+    /// `owned` are the elements by number. Linked elements without a number join when links are read.
     explicit LinkGraph(std::span<Element* const> owned);
     ~LinkGraph();
     LinkGraph(const LinkGraph&) = delete;
@@ -24,10 +24,10 @@ public:
         return element < owned.size() ? owned[element] : others[element - owned.size()];
     }
 
-    /// Reads the links of an element, unless they have been read. What the others below answer is valid from then on.
+    /// Reads the links of an element, once. The functions below are valid after it.
     void read(Index element);
 
-    /// In the order in which they were added. Valid until more is read.
+    /// Return the parents or children in the order in which they were added. Valid until the next read().
     std::span<const Index> parents(Index element) const
     {
         return {targets.data() + links[element].parents, targets.data() + links[element].children};
@@ -37,11 +37,11 @@ public:
         return {targets.data() + links[element].children, targets.data() + links[element].end};
     }
 
-    /// Whether one of the children has a known type.
+    /// Returns whether one of the children has a known type.
     bool hasKnownChild(Index element) const { return links[element].hasKnownChild; }
 
 private:
-    // Where an element's parents, and behind them its children, stand among the targets.
+    // The range of an element's parents in `targets`, followed by that of its children.
     struct Links
     {
         Index parents = 0;
@@ -54,7 +54,7 @@ private:
     Index numberOf(Element* element);
 
     std::span<Element* const> owned;
-    std::vector<Element*> others; // numbered from behind the last one owned on
+    std::vector<Element*> others; // the other elements, numbered after `owned`
     std::vector<Links> links;
     std::vector<Index> targets;
 };

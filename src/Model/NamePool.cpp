@@ -16,7 +16,7 @@ Name& NamePool::intern(std::string_view text, std::uint32_t hash)
 {
     if (Name* const known = names.find(text, hash))
         return *known;
-    if (!isXmlText(text)) // so no name is equal to it as it is
+    if (!isXmlText(text)) // stored names are always fit for XML
         return intern(toXmlText(text));
     Name* const name = std::pmr::polymorphic_allocator<>(&memory).new_object<Name>(text, *this);
     names.store(name, hash);
@@ -25,6 +25,7 @@ Name& NamePool::intern(std::string_view text, std::uint32_t hash)
 
 void NamePool::clear()
 {
+    // The texts of names can lie on the heap, which releasing the arena would leak.
     for (Name* const name : names)
         std::destroy_at(name);
     names.clear();

@@ -35,7 +35,7 @@ void TypeList::forget()
     types = 0;
 }
 
-// A known type names a type of the child's folder by what is left of it behind the folder.
+// A known type is a full name, so the child's folder is cut off before the lookup.
 bool TypeList::refersToListed(const Element& element)
 {
     for (const Element* child : element.queryChildren())

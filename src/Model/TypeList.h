@@ -4,23 +4,23 @@
 
 #include <deque>
 
-/// A model's elements in output order: a component before the types that use it.
+/// A model's elements in output order: components before the types that use them.
 class TypeList
 {
 public:
-    /// Puts an element at the head, or at the tail when one of its children's known types names a listed element.
+    /// Puts an element at the head, or at the tail if the known type of one of its children names a listed element.
     void add(Element* element);
 
-    /// Puts an element at the head: add() of one whose children have no known types.
+    /// Puts an element at the head. Equals add() if none of its children has a known type.
     void addFirst(Element* element);
 
-    /// Empties the list; its elements are placed and listed no more.
+    /// Empties the list and marks its elements as neither placed nor listed.
     void clear();
 
-    /// Empties the list without looking at its elements, which are gone.
+    /// Empties the list without touching its elements, which may be freed already.
     void forget();
 
-    /// How many of the elements are types of their own.
+    /// Returns the number of elements that are types.
     int typeCount() const { return types; }
 
     std::size_t size() const { return elements.size(); }

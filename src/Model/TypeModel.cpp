@@ -70,7 +70,8 @@ void TypeModel::reserveFields(Element* record, std::size_t count)
     record->children.reserve(static_cast<std::uint32_t>(count), names.memory);
 }
 
-// Links a usage that has been declared, unless the known one is linked. Returns whether it is the first of its key.
+// Links the element of a usage to its parent, unless a known usage has linked it. Returns whether the usage is the
+// first of its key.
 bool TypeModel::count(UsageTable::Declared usage, const Declared& made, Element* parent)
 {
     cancelPoint.pass();
@@ -80,11 +81,12 @@ bool TypeModel::count(UsageTable::Declared usage, const Declared& made, Element*
     return isFirst;
 }
 
-// With the generated description, if it is made.
+// Returns the element of a name and whether it was created, which gives it the generated description.
 TypeModel::Declared TypeModel::findOrMake(Name& path, Name& name, Element::ElementTypes type)
 {
     if (name.element && !name.text.empty())
         return {name.element, false};
+    // Placed in the arena, which frees elements without running destructors.
     void* const place = names.memory.allocate(sizeof(Element), alignof(Element));
     Element* const element = own(new (place) Element(path, name, type));
     element->describeByName();
@@ -94,7 +96,7 @@ TypeModel::Declared TypeModel::findOrMake(Name& path, Name& name, Element::Eleme
 
 Name& TypeModel::pathNamed(const CString& path)
 {
-    const auto isLast = [&] { // `path` may lack the backslash that the element's has
+    const auto isLast = [&] { // `path` may lack the final backslash
         return std::string_view(lastPath->text).substr(0, path.size()) == path &&
                lastPath->text.size() == path.size() + !path.ends_with('\\');
     };
@@ -118,7 +120,7 @@ Element* TypeModel::own(Element* element)
 
 void TypeModel::arrange()
 {
-    order.clear(); // no other element is placed
+    order.clear(); // resets every placed mark
     makeTables();
     TypeOrder placing(order, ownedElements);
     for (const ChildElement* usage : usages.query())
@@ -130,7 +132,7 @@ void TypeModel::place(const Element& element)
     TypeOrder(order, ownedElements).place(element);
 }
 
-// Whether a usage repeats is only known when all have been declared. From then on it is one of the table.
+// Whether a usage repeats is only known when all are declared. Such a usage then becomes one of the table.
 void TypeModel::makeTables()
 {
     CString tableName;

@@ -4,14 +4,14 @@
 
 namespace {
 
-// What climbs inside cycles may cost. In a large web of cycles each passes nearly all that waits, the square of their
-// number in all. When this is used up, the elements of a cycle are placed as they are come by.
+// The budget of steps in cycles. In a large web of cycles each climb passes nearly all waiting elements, which is
+// quadratic. When the budget is used up, the elements of a cycle are placed as they are reached.
 constexpr std::size_t kStepsInCycles = 100'000'000;
 
-// A step up counts for what it costs: it is come by again on the way back, and then looks at its children.
+// The cost of a step up, which is visited again on the way back and then looks at its children.
 constexpr std::size_t kStepsOfAFrame = 8;
 
-constexpr unsigned kFramesATick = 4096; // between two reports of the progress
+constexpr unsigned kFramesATick = 4096; // frames between two progress reports
 
 } // namespace
 
@@ -19,6 +19,7 @@ TypeOrder::TypeOrder(TypeList& list, std::span<Element* const> elements) :
     list(list), graph(elements), nodes(elements.size()), progress(elements.size()),
     told(Work::arranging, elements.size(), kFramesATick), stepsLeft(kStepsOfAFrame * (1000 + 4 * elements.size()))
 {
+    // Elements of an earlier ordering keep their places.
     for (std::size_t i = 0; i < list.size(); ++i)
         if (list[i]->isPlaced() && list[i]->queryNumber() < graph.size())
             nodes[list[i]->queryNumber()].climb = kPlaced;
@@ -50,8 +51,8 @@ void TypeOrder::place(const Element& start)
     }
 }
 
-// An element that waits in one climb may be entered again by another further up, and again. All is done there, and the
-// frames before the last of an element have nothing left to do when their turn comes.
+// Pushes an element. An element that waits in one climb can be entered again by a later one, which does all the work;
+// its earlier frames are stale then. Stale frames are removed from time to time, to bound the stack.
 void TypeOrder::enter(Index element, Index climb)
 {
     if (frames.size() > 4 * nodes.size())
@@ -62,7 +63,7 @@ void TypeOrder::enter(Index element, Index climb)
     frames.push_back({element, climb});
 }
 
-// For the first time.
+// Reads the links of an element at its first visit.
 void TypeOrder::meet(Index element)
 {
     graph.read(element);
@@ -86,7 +87,7 @@ void TypeOrder::markPlaced(Frame& frame)
         shortcuts->setPlaced(frame.element);
 }
 
-// The next parent to place, or one further up that comes before it; kNone when the element's turn has come.
+// Returns the next parent to place, or an ancestor that comes before it; kNone if the element can be placed.
 TypeOrder::Index TypeOrder::nextParentOf(const Frame& frame)
 {
     if (!shortcuts || !shortcuts->isPassed(frame.element)) {
@@ -99,8 +100,8 @@ TypeOrder::Index TypeOrder::nextParentOf(const Frame& frame)
     return top == frame.element ? kNone : top;
 }
 
-// The next parent that isn't placed and isn't on the climb in hand. None of the others bears the number of a later
-// climb: a climb places all that it comes by before an earlier one goes on.
+// Returns the next parent that is neither placed nor on the current climb. No other parent has the number of a later
+// climb: a climb places everything it reaches before an earlier one continues.
 TypeOrder::Index TypeOrder::nextParentInClimb(const Frame& frame)
 {
     stepsLeft -= kStepsOfAFrame;
@@ -131,7 +132,7 @@ TypeOrder::Index TypeOrder::nextChildOf(Index element)
     return kNone;
 }
 
-// Most elements are fields of one record, whose turn comes when that is placed. They cost a step, but aren't entered.
+// Most elements are fields of one record and can be placed once the record is. They cost a step, but are not pushed.
 bool TypeOrder::placeLeaf(Index leaf)
 {
     Element* const element = graph[leaf];

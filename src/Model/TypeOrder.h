@@ -7,41 +7,42 @@
 
 #include <memory>
 
-/// Places the elements of a model in its list: the ancestors of an element before it, then the element, then its
-/// descendants; each once.
+/// Places the elements of a model in its list, each once: first an element's ancestors, then the element, then its
+/// descendants.
 ///
-/// A climb leads from an element to its first parent that isn't placed, and so on up; the descent to a child starts a
-/// new one. Where parents form a cycle, a parent from which the climb in hand has already come is passed over.
+/// A climb leads from an element to its first unplaced parent, and so on up. Each descent to a child starts a new
+/// climb. In a cycle, a parent from which the current climb came is skipped. No recursion, so deep sources can't
+/// overflow the stack.
 class TypeOrder
 {
 public:
-    /// `elements` by their numbers. Their links must not change as long as this lives.
+    /// `elements` are ordered by number. Their links must not change while this lives.
     TypeOrder(TypeList& list, std::span<Element* const> elements);
 
-    /// Places an element and all that it leads to; nothing when it is placed. Tells the progress, so Cancelled may be
-    /// raised.
+    /// Places an element and everything linked to it. Does nothing if it is placed. Reports progress, so it throws
+    /// Cancelled.
     void place(const Element& element);
 
 private:
     using Index = LinkGraph::Index;
     static constexpr Index kNone = 0xFFFFFFFF, kPlaced = kNone;
 
-    // What a climb looks at, and no more, so that much of it stays in the processor's memory.
+    // The data that climbs read, kept small so that many nodes fit into the processor's cache.
     struct Node
     {
-        Index climb = 0;  // the last that came by, or kPlaced
-        Index parent = 0; // the first that may not be placed yet; the element itself where none is known
+        Index climb = 0;  // the last climb that reached it, or kPlaced
+        Index parent = 0; // the first parent that may be unplaced; itself if none is known
     };
 
-    // How many parents and children of an element are known to be placed: the first so many, which are never looked at
-    // again, since there may be very many.
+    // The number of leading parents and children that are placed. They are never visited again, because an element can
+    // have very many.
     struct Progress
     {
         Index parents = 0;
         Index children = 0;
     };
 
-    // An element in hand. When it is placed its climb becomes kPlaced here too.
+    // An element being placed. Its climb becomes kPlaced here too.
     struct Frame
     {
         Index element;
@@ -67,5 +68,5 @@ private:
     ProgressMeter told;
     Index lastClimb = 0;
     std::size_t stepsLeft;
-    std::unique_ptr<ClimbShortcuts> shortcuts; // once there have been many steps
+    std::unique_ptr<ClimbShortcuts> shortcuts; // null until many steps were made
 };

@@ -66,7 +66,8 @@ ChildElement* UsageTable::findField(const Element& field, const Element& record)
     return known == reopened.end() ? nullptr : known->second;
 }
 
-// Other records may have used its fields' names since.
+// Moves the fields of a repeated record to `reopened`, because later records may have replaced the last usage of their
+// names.
 void UsageTable::reopen(Name& record)
 {
     if (record.isReopened)
@@ -75,12 +76,12 @@ void UsageTable::reopen(Name& record)
     for (std::size_t i = record.recordUsage + 1; i < usages.size() && usages[i]->parent; ++i) {
         if (usages[i]->parent->name != &record)
             break;
-        if (usages[i]->usageKey.isEmpty()) // no constant
+        if (usages[i]->usageKey.isEmpty()) // constants have keys
             reopened.emplace(Pair(&record, usages[i]->element->name), usages[i]);
     }
 }
 
-// From here on every usage is looked up by its key.
+// Computes the keys of all usages. From then on, every lookup goes by key.
 void UsageTable::makeKeys()
 {
     hasKeys = true;
@@ -94,7 +95,7 @@ void UsageTable::makeKeys()
 
 Fingerprint UsageTable::keyOf(const ChildElement& usage) const
 {
-    const CString& name = usage.element->queryBaseName(); // also of what has become a table
+    const CString& name = usage.element->queryBaseName(); // the name before a field became a table
     if (!usage.parent)
         return name;
     return RunningHash(fieldPrefix).append(usage.parent->queryName()).append(".").append(name);

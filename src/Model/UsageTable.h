@@ -7,34 +7,35 @@
 #include <utility>
 #include <vector>
 
-/// The usages of a model, in the order in which their keys were first declared. A usage declared under a key that is
-/// known counts as one more instance of the known one.
+/// The usages of a model, in the order in which their keys were first declared. A usage under a known key counts as
+/// another instance of that one.
 ///
-/// The key of a record is its name; the key of a field is the record's name, "." and the field's name, behind a prefix
-/// of the importer. As long as no record's name has a "." in it, two such keys are equal only if their names are. Then
-/// they are not made at all: the last usage of each name is kept with it, and fields of one record come in a row.
+/// A record's key is its name; a field's key is a prefix of the importer, the record's name, "." and the field's name.
+/// If no record's name contains a ".", two keys are equal only if their names are. Keys are then not computed at all:
+/// each name stores its last usage, and the fields of a record are declared one after the other.
 class UsageTable
 {
 public:
-    /// What declare() returns: the usage, and whether it was made by this call.
+    /// The result of declare(): the usage, and whether this call created it.
     using Declared = std::pair<ChildElement*, bool>;
 
-    /// Usages lie in the memory of `names`, which has the names of all elements that are declared.
+    /// Usages lie in the memory of `names`, which must hold the names of all declared elements.
     UsageTable(NamePool& names, std::string_view fieldPrefix) : names(names), fieldPrefix(fieldPrefix) {}
 
-    /// Declares a usage under a key. The empty key is never known: its last usage stands in the place of the first.
+    /// Declares a usage under a key. An empty key always creates one, and the last such usage takes the place of the
+    /// first.
     Declared declare(const Fingerprint& key, Element* element, Element* parent);
 
-    /// Declares a record at the top. One that `isAlone` has no key.
+    /// Declares a record at the top. If it `isAlone`, it has no key.
     Declared declareRecord(Element* record, bool isAlone);
 
-    /// Declares a field of a record. Fields belong to the record that was declared last.
+    /// Declares a field of a record, which must be the last record declared.
     Declared declareField(Element* field, Element* record);
 
-    /// The usage of a key, or null. Null for the empty key.
+    /// Returns the usage of a key, null if there is none or the key is empty.
     ChildElement* find(const Fingerprint& key);
 
-    /// Makes room for so many usages at once.
+    /// Makes room for `count` usages at once.
     void reserve(std::size_t count) { usages.reserve(count); }
 
     void clear();
@@ -58,6 +59,6 @@ private:
     std::string_view fieldPrefix;
     std::vector<ChildElement*> usages;
     KeyedTable<ChildElement, &ChildElement::queryUsageKey, Fingerprint> byKey;
-    std::unordered_map<Pair, ChildElement*, PairHash> reopened; // fields of records that were declared more than once
-    bool hasKeys = false;                                       // all usages have keys
+    std::unordered_map<Pair, ChildElement*, PairHash> reopened; // fields of repeated records
+    bool hasKeys = false;                                       // true once all usages have keys
 };
