@@ -9,7 +9,7 @@
 
 namespace {
 
-// An object that an operation of `parent` handed out; it holds the parent's library.
+// Takes ownership of an object that an operation of `parent` returned. The object keeps the parent's library loaded.
 template <class Interface, class Parent>
 VornObject<Interface> own(Interface* object, const VornObject<Parent>& parent)
 {
@@ -20,7 +20,7 @@ VornObject<Interface> own(Interface* object, const VornObject<Parent>& parent)
 
 BrokerSession::~BrokerSession()
 {
-    const MemoryWipe wipe; // the client's libraries have kept the password up to here
+    const MemoryWipe wipe; // the client's libraries have held the password until now
     reading.reset();
     creation.reset();
     repository.reset();
@@ -48,12 +48,12 @@ CString BrokerSession::open(const char* classId, const CString& serverName, unsi
     server = createVornObject(classId, &description);
     if (!server)
         return loadText(IDS_NO_CLIENT);
-    const auto address = readServerAddress(serverName, port); // what is none is for the client to refuse
+    const auto address = readServerAddress(serverName, port); // the client rejects a bad address
     const CString failure = logOn(address ? address->asText() : formatText("%s:%u", serverName.c_str(), port), account);
     return failure.empty() ? openRepository() : failure;
 }
 
-// An address that the client won't have counts as one where no broker is.
+// An address that the client rejects is reported as "no broker there".
 CString BrokerSession::logOn(const CString& address, const BrokerAccount* account)
 {
     VornResult result = server->PutAddress(address.c_str());
@@ -100,6 +100,8 @@ std::vector<CreatedType> BrokerSession::createTypes(const std::vector<CString>& 
         texts.push_back(document.c_str());
     std::vector<VornOutcome> outcomes(texts.size());
     std::uint32_t done = 0;
+    // A client that settles no type would make the run endless, so that counts as a failure. Its count is bounded,
+    // because clients are built elsewhere.
     if (creation->createTypes(texts.data(), static_cast<std::uint32_t>(texts.size()), source.c_str(), existing.changed,
                               existing.unchanged, outcomes.data(), &done) != VornResult::done ||
         done == 0)

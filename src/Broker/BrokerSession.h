@@ -5,41 +5,41 @@
 #include <stdexcept>
 #include <vector>
 
-/// What a client said of an operation that failed; what() is its description, "" where it gave none.
+/// Thrown if an operation of the client fails. what() is the client's description, empty if it gave none.
 class ClientError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// A broker user, as far as one isn't logged on as the user that runs the program.
+/// The broker user to log on as, if that is not the user that runs the program.
 struct BrokerAccount
 {
     const CString& user;
     const CString& password;
 };
 
-/// What became of a type. Codes are the client's.
+/// The outcome for one type. The codes are the client's.
 struct CreatedType
 {
     static constexpr unsigned created = 0, replaced = 1, exists = 2, unchanged = 3, refused = 99;
 
     unsigned code = created;
 
-    /// Where the type that existed before came from, and when; "" where that isn't known.
+    /// The source and time of the type that existed before; empty if unknown.
     CString source = {};
     CString time = {};
-    bool isSourceKept = false; ///< false where the repository keeps no sources
+    bool isSourceKept = false; ///< false if the repository stores no sources
 };
 
-/// What becomes of types that exist.
+/// What to do with types that exist.
 struct ExistingTypes
 {
     VornExisting changed;   ///< with another document
     VornExisting unchanged; ///< with the same one
 };
 
-/// The client's objects for one creation run, released with it.
+/// The client's objects for one creation run. Releases them in the right order and wipes the password.
 class BrokerSession
 {
 public:
@@ -48,35 +48,36 @@ public:
     BrokerSession(const BrokerSession&) = delete;
     BrokerSession& operator=(const BrokerSession&) = delete;
 
-    /// Creates the client, logs on (without an account: as the user that runs the program) and opens the repository.
-    /// `server` may name a port itself, which goes before `port`: readServerAddress(). Answers "", or the text for the
-    /// error box.
+    /// Creates the client, logs on and opens the repository. Without an account, logs on as the user that runs the
+    /// program. A port in `server` overrides `port`, see readServerAddress(). Returns an empty text, or the text for
+    /// the error box.
     CString open(const CString& server, unsigned port, const BrokerAccount* account);
 
-    /// The same for a repository that is only read: nothing there is made or changed, and createTypes() tells what it
-    /// would do. Raises ClientError for a client that lacks that.
+    /// Does the same for reading only: nothing in the repository is created or changed, and createTypes() returns what
+    /// it would do. Throws ClientError if the client lacks this.
     CString openForReading(const CString& server, unsigned port, const BrokerAccount* account);
 
-    /// Why open() failed, for whom the text for the error box tells too little: the client's own words, or the system's
-    /// where there is no client. "" where they are in the text, and where there are none.
+    /// Returns the details of a failure of open(): the client's own words, or the system's if the client can't be
+    /// loaded. Empty if the error box says all, or there are none.
     const CString& queryDescription() const { return description; }
 
-    /// Creates one type by the repository itself and returns the client's code. Raises ClientError.
+    /// Creates one type through the repository itself and returns the client's code. Throws ClientError.
     unsigned createType(const CString& document, bool overwrite);
 
-    /// False for a client that knows of no sources: it creates one type at a time, and unchanged ones are none to it.
+    /// Returns whether the client has IVornCreation. Without it, types are created one at a time, without sources, and
+    /// an unchanged type counts as existing.
     bool hasCreation() const { return creation != nullptr; }
 
-    /// Creates types from their documents in their order, as IVornCreation::createTypes() does, and returns what became
-    /// of the first ones. Raises ClientError.
+    /// Creates types from their documents, in order, as IVornCreation::createTypes() does. Returns the outcomes of the
+    /// first ones, at least one. Throws ClientError.
     std::vector<CreatedType> createTypes(const std::vector<CString>& documents, const CString& source,
                                          ExistingTypes existing);
 
-    /// The documents of the types in a folder, of a repository that is open for reading. Raises ClientError.
+    /// Returns the documents of the types in a folder. Needs openForReading(). Throws ClientError.
     std::vector<CString> readFolder(const CString& folder);
 
-    /// Returns when the types that were created outlive a crash of the server, if the client can tell. Raises
-    /// ClientError if some may be lost.
+    /// Waits until the created types survive a crash of the server, if the client supports it. Throws ClientError if
+    /// some may be lost.
     void finish();
 
 private:

@@ -8,9 +8,10 @@
 
 namespace {
 
-// Many are quicker than one by one. Few enough that the end of a window is never waited for.
+// The largest number of types in one call. Calls with many types are faster; the limit keeps each call short, so that
+// progress and cancelling work.
 constexpr std::size_t kLargestWindow = 512;
-constexpr std::size_t kLargestText = 1 << 20; // of the documents of a window
+constexpr std::size_t kLargestText = 1 << 20; // bytes of documents in one call
 
 struct ResultLine
 {
@@ -34,7 +35,7 @@ const ResultLine& resultLineOf(unsigned code)
     return line != std::end(kResultLines) ? *line : unknown;
 }
 
-// A driver's words may take several lines.
+// Returns a text on one line, because a driver's message may have several.
 CString asOneLine(CString text)
 {
     std::replace_if(
@@ -84,7 +85,7 @@ void CreationRun::begin(MsgBase& message)
         types.push_back(type);
 }
 
-// Returns how many types it has dealt with.
+// Creates the next window of types and returns how many of them are settled.
 std::size_t CreationRun::createNext(std::size_t first)
 {
     std::vector<CreatedType> outcomes;
@@ -97,6 +98,8 @@ std::size_t CreationRun::createNext(std::size_t first)
         return 1;
     }
     const bool isWhole = outcomes.size() == documents.size() && !isOpen(outcomes.back());
+    // The window doubles while all of its types are settled, and starts at one type again when one needs an answer,
+    // because documents after that type are written and sent in vain.
     window = isWhole && session.hasCreation() ? std::min(2 * window, kLargestWindow) : 1;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         isCancelled = i > 0 && (isCancelled || !tellProgress(progress));
@@ -110,6 +113,7 @@ std::vector<CreatedType> CreationRun::createWindow(std::size_t first)
 {
     const std::size_t end = std::min(first + window, types.size());
     std::size_t size = 0, count = 0;
+    // Resized, not cleared, so that the texts of the last window are reused.
     documents.resize(end - first);
     while (count < documents.size() && size < kLargestText) {
         types[first + count]->asXML(documents[count]);
@@ -126,7 +130,7 @@ VornExisting CreationRun::ruleFor(bool isUnchanged) const
     return yesToAll ? VornExisting::replace : VornExisting::stop;
 }
 
-// Nobody has decided yet what becomes of the type.
+// Returns whether the user still has to decide about an existing type.
 bool CreationRun::isOpen(const CreatedType& outcome) const
 {
     if (!session.hasCreation())
@@ -155,7 +159,8 @@ void CreationRun::settle(const Element& type, const CString& document, CreatedTy
     errorCount += outcome.code == CreatedType::refused;
 }
 
-// A type that somebody else has replaced meanwhile is another question.
+// Asks what to do with an existing type until it is settled. Asks again if another program has replaced it meanwhile,
+// because that is another type.
 CreatedType CreationRun::decide(const Element& type, const CString& document, CreatedType outcome)
 {
     while (isOpen(outcome)) {

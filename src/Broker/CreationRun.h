@@ -25,20 +25,20 @@ enum class OverwriteChoice : int
     stop = 4
 };
 
-/// What a creation run is to do.
+/// The options of a creation run.
 struct CreationOptions
 {
     TypeSource source = {};       ///< of the types
-    bool leavesUnchanged = false; ///< a type that exists with the same document is left without a question
-    bool isDryRun = false;        ///< nothing is created: lines that say so are the type's name alone
+    bool leavesUnchanged = false; ///< keep a type that exists with the same document, without asking
+    bool isDryRun = false;        ///< nothing is created; result lines are only the names of the types
 };
 
-/// The types of another source that a run has met: they exist, and were different.
+/// Counts the types that existed from another source with another document.
 struct OtherSource
 {
-    CString name;     ///< "" if it isn't known
-    int replaced = 0; ///< how many were replaced
-    int kept = 0;     ///< how many were not
+    CString name;     ///< empty if unknown
+    int replaced = 0; ///< number of types replaced
+    int kept = 0;     ///< number of types kept
 };
 
 /// Creates the types of one import in a broker's repository, in their order. A type that fails doesn't stop it. If the
@@ -47,26 +47,27 @@ struct OtherSource
 class CreationRun
 {
 public:
-    /// What the run wants of its surroundings. Both must be set.
+    /// The callbacks of a run. Both must be set.
     struct Callbacks
     {
-        /// A type exists. The details name the other source that it came from; "" if there is none.
+        /// Asks whether to replace an existing type. `details` name its other source; empty if it has none.
         std::function<OverwriteChoice(const CString& question, const CString& details)> ask;
-        std::function<void(const CString& line, ResultKind kind)> addResult; ///< a line for the list of results
+        std::function<void(const CString& line, ResultKind kind)> addResult; ///< adds a line to the list of results
     };
 
     CreationRun(BrokerSession& session, Callbacks callbacks, CreationOptions options = {});
 
-    /// Creates every type of `message`, in enumeration order, and answers how many failed. To all holds for this run.
+    /// Creates every type of `message`, in enumeration order, and returns the number of failures. A choice "to all"
+    /// applies to this run only.
     int run(MsgBase& message);
 
     /// Whether the last run has left types out because it was cancelled or stopped.
     bool wasCancelled() const { return isCancelled; }
 
-    /// The other sources that the last run has met, in the order in which it met them.
+    /// Returns the other sources that the last run found, in the order in which it found them.
     const std::vector<OtherSource>& queryOtherSources() const { return otherSources; }
 
-    /// False if the last run has met types whose sources the repository doesn't keep.
+    /// Returns false if the last run found types in a repository that stores no sources.
     bool areSourcesKept() const { return sourcesKept; }
 
 private:
@@ -88,11 +89,11 @@ private:
     const Callbacks callbacks;
     const CreationOptions options;
     std::vector<Element*> types;
-    std::vector<CString> documents; // of the window
-    std::size_t window = 1;         // how many types are handed to the client at once
+    std::vector<CString> documents; // of the current window
+    std::size_t window = 1;         // the number of types in one call
     Progress progress;
     std::vector<OtherSource> otherSources;
-    std::map<CString, std::size_t> sourceIndex; // into otherSources
+    std::map<CString, std::size_t> sourceIndex; // indices into otherSources
     bool sourcesKept = true;
     int errorCount = 0;
     bool yesToAll = false;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What a line of the list of results says of the creation of a type.
+/// The kinds of lines in the list of results.
 enum class ResultKind
 {
     created,
@@ -8,7 +8,7 @@ enum class ResultKind
     skipped,
     unchanged, ///< it exists with the same document
     failed,
-    left,   ///< not begun, since the creation was cancelled
-    reason, ///< of the failure that the line before names
-    unknown ///< an answer that the program doesn't know
+    left,   ///< not created, because the run was cancelled
+    reason, ///< of the failure in the line before
+    unknown ///< the client returned an unknown code
 };

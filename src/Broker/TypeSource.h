@@ -4,22 +4,23 @@
 
 #include <vector>
 
-/// The source that types come from, as a repository keeps it.
+/// The source of types, as a repository stores it.
 struct TypeSource
 {
-    CString name = {};     ///< the full name of a file, a connection string without secrets; "" if there is none
-    bool isLasting = true; ///< false for a pipe: the same name stands for something else the next time
+    CString name = {};     ///< full name of a file, or connection string without secrets; empty if none
+    bool isLasting = true; ///< false for a pipe: next time the same name means another source
 
-    /// Whether a type that a repository has from `other` comes from this source.
+    /// Returns whether `other`, the stored source of a type, is this source.
     bool isSame(const CString& other) const { return isLasting && !name.empty() && name == other; }
 };
 
-/// A file or a folder as a source, by its full name; standard input and pipes are not lasting.
+/// Returns a file or folder as a source, by its full name. Standard input and pipes are not lasting.
 TypeSource fileSource(const CString& file);
 
-/// A data source, by its name or a connection string.
+/// Returns a data source by name as a source. For a connection string, the name is left empty, because it may hold
+/// secrets.
 TypeSource tableSource(const CString& source);
 
-/// What a source is called beside others: a file without its folder, unless one of the others has that name, too;
-/// "unknown source" for "". `others` may hold the source itself.
+/// Returns the shortest clear name of a source among `others`: a file without its folder, unless another source has
+/// that name too; "unknown source" for an empty one. `others` may contain the source itself.
 CString shortName(const CString& source, const std::vector<CString>& others);

@@ -14,7 +14,8 @@ namespace {
 
 constexpr char kShippedClient[] = "libvornclient.so";
 
-// By their full paths, since a bare name would be looked for in folders that others may write to.
+// Returns the client that comes with the program by its full path. A bare name would be searched in folders that others
+// may write to.
 CString shippedLibrary()
 {
     std::error_code failed;
@@ -25,13 +26,13 @@ CString shippedLibrary()
     return program / TYPEFORGE_CLIENT_FOLDER / kShippedClient;
 }
 
-// Whether others than the user and root could put another thing there. In a sticky folder they can't touch what isn't
-// theirs, but they can put libraries beside.
+// Returns whether users other than this one and root could replace a file or folder. In a sticky folder they can't
+// replace what isn't theirs, but they can add libraries to it.
 bool isOpenToOthers(const std::filesystem::path& path, bool mayBeSticky)
 {
     struct stat link = {}, state = {};
     if (::lstat(path.c_str(), &link) != 0 || ::stat(path.c_str(), &state) != 0)
-        return false; // nor can it be loaded
+        return false; // then it can't be loaded either
     for (const uid_t owner : {link.st_uid, state.st_uid})
         if (owner != 0 && owner != ::geteuid())
             return true;
@@ -39,7 +40,8 @@ bool isOpenToOthers(const std::filesystem::path& path, bool mayBeSticky)
     return isWritable && !(mayBeSticky && (state.st_mode & S_ISVTX) != 0);
 }
 
-// What lets others decide what the library is: itself, or a folder on the way. "" if nothing does. It runs as the user.
+// Returns the part of the path that lets others replace the library: itself or a folder above; empty if none does. The
+// library runs with the user's rights.
 CString openPartOf(const std::filesystem::path& library)
 {
     for (std::filesystem::path part = library; part.has_relative_path(); part = part.parent_path())
@@ -48,7 +50,7 @@ CString openPartOf(const std::filesystem::path& library)
     return {};
 }
 
-// Why a library isn't loaded; "" if it may be. Both the name that is given and the file that it leads to count.
+// Returns why a library is not loaded; empty if it may be. Checks the given name and the file that it leads to.
 CString distrust(const CString& library)
 {
     if (!library.starts_with('/'))
@@ -70,6 +72,7 @@ std::optional<CString> namedLibrary(const CString& classId)
 
 std::shared_ptr<void> openLibrary(const CString& fileName)
 {
+    // RTLD_NOW: a missing symbol is reported here, not by a crash in a later call.
     void* const handle = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle)
         return {};
@@ -105,7 +108,7 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
         why = fileName + ": not a client with interfaces of version " + std::to_string(kVornInterfaceVersion);
         return {};
     }
-    // A client may have been made without: its calls can't be cancelled then.
+    // Optional: without it, the client's calls can't be cancelled.
     if (const auto setQuestion = findFunction<decltype(vornSetQuestion)>(library, "vornSetQuestion"))
         setQuestion(isStillWanted);
     VornObject<IVornIntegrationServer> object{create(classId.c_str()), VornRelease{std::move(library)}};

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-/// Releases an object of a client library, and then the library when it was its last object.
+/// Releases an object of a client library, and unloads the library with its last object.
 struct VornRelease
 {
     std::shared_ptr<void> library;
@@ -17,17 +17,17 @@ struct VornRelease
     }
 };
 
-/// Owns an object of a client library and holds the library as long as the object lives.
+/// Owns an object of a client library and keeps the library loaded.
 template <class Interface>
 using VornObject = std::unique_ptr<Interface, VornRelease>;
 
-/// Creates the object of a class: out of the library that the settings name under the class of servers
-/// (SOFTWARE\Classes\CLSID\{...}\InprocServer32), else out of the client that comes with the program. Null when there
-/// is no such library, its interfaces are of another version, or it doesn't know the class; `reason` then says which,
-/// for people who set up clients.
+/// Creates an object of a class. The library is the one that the settings name for the server class
+/// (SOFTWARE\Classes\CLSID\{...}\InprocServer32), else the client that comes with the program. Returns null if the
+/// library is missing or can be replaced by other users, has interfaces of another version or lacks the class. `reason`
+/// then says which, for administrators of clients.
 VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString* reason = nullptr);
 
-/// The same as vornQueryInterface(); null also if the library hasn't got that function.
+/// Calls vornQueryInterface(). Returns null also if the library lacks that function.
 IVornObject* queryInterface(const VornObject<IVornRepository>& repository, const char* name);
 
 template <class Interface>

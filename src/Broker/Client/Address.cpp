@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kLocal = "local";
 
-// What would end a value of a connection string, or start a quoted one.
+// Characters that would end a value of a connection string, or begin a quoted one.
 constexpr std::string_view kNotInValue = ";{}=\r\n";
 
 [[noreturn]] void raise(const fs::path& file)
@@ -24,7 +24,8 @@ constexpr std::string_view kNotInValue = ";{}=\r\n";
     throw std::system_error(errno, std::generic_category(), file.string());
 }
 
-// For the user alone, whatever the umask says and whoever made them.
+// Creates the folder and the file if needed and makes both private to the user, whatever the umask is and whoever
+// created them.
 void makePrivate(const fs::path& folder, const fs::path& file)
 {
     fs::create_directories(folder.parent_path());
@@ -74,8 +75,8 @@ CString Address::connectString(bool isForReading) const
 {
     if (isLocal() && isForReading)
         return "Driver=SQLite3;Database=" + localFile().string() + ";Timeout=5000;NoCreat=1;";
-    // A reader doesn't wait for a writer with a write-ahead log, and one commit costs no wait for the disk; what was
-    // committed outlives the end of the process, however it ends. The driver waits twice the time for a lock: 10 s.
+    // With a write-ahead log, readers don't wait for a writer, and a commit doesn't wait for the disk. Commits survive
+    // the end of the process, however it ends. The driver waits twice the timeout for a lock: 10 s.
     if (isLocal()) {
         const fs::path file = localFile();
         makePrivate(file.parent_path(), file);

@@ -2,25 +2,25 @@
 
 #include "Base/ServerAddress.h"
 
-/// Where a repository lies, and how its database is called on.
+/// The address of a repository and the connection string of its database.
 class Address
 {
 public:
-    /// Reads "server:port". The server "local" is a database file of the user's own; every other one a PostgreSQL
-    /// server. Raises std::invalid_argument for a text that is no such thing.
+    /// Reads "server:port". The server "local" means a database file of the user; any other name is a PostgreSQL
+    /// server. Throws std::invalid_argument for any other text.
     explicit Address(const CString& text);
 
-    /// True for the user's own file, which asks for no user and no password.
+    /// Returns whether this is the user's own file, which needs no user and password.
     bool isLocal() const;
 
-    /// The connection string, without user and password. Makes the local file and its folder where there are none yet,
-    /// for the user alone, unless that is only to be read; raises std::system_error where that fails.
+    /// Returns the connection string, without user and password. Creates a missing local file and its folder, private
+    /// to the user, unless `isForReading`. Throws std::system_error if that fails.
     CString connectString(bool isForReading) const;
 
-    /// False for a local file that nobody has made yet.
+    /// Returns false for a local file that does not exist yet, else true.
     bool isThere() const;
 
-    /// The package that brings the driver.
+    /// Returns the name of Debian's package with the driver.
     const char* driverPackage() const { return isLocal() ? "libsqliteodbc" : "odbc-postgresql"; }
 
 private:

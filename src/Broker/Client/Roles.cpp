@@ -8,7 +8,7 @@
 
 namespace {
 
-// UTF-8 for this thread, as long as it lives.
+// Sets this thread's character type locale to UTF-8 in its scope.
 class Utf8Locale
 {
 public:
@@ -27,7 +27,7 @@ private:
     const locale_t own, before;
 };
 
-// Empty for a text that isn't of the locale.
+// Returns a text as wide characters, empty if it is not valid in the locale.
 std::wstring widen(const CString& text)
 {
     std::wstring wide(text.size() + 1, L'\0');

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-/// The roles of a PostgreSQL server that a broker's user may mean: first the one that is called so. The server keeps
-/// letter case, and folds what isn't quoted to lower case, letters of ASCII alone; a user without a small letter may
-/// have been written where all letters are turned to capitals. Any other is meant as it stands.
+/// Returns the PostgreSQL roles that a broker user may mean, the exact name first. The server keeps the case of quoted
+/// role names and folds unquoted ones to lower case, ASCII letters only. A user name without a small letter may have
+/// been turned to capitals on its way, so its lower-case forms follow. Any other name is only tried as it is.
 std::vector<CString> rolesOf(const CString& user);

@@ -7,21 +7,21 @@
 #include <string_view>
 #include <vector>
 
-/// A type to be stored, under its full name. The document is somebody else's.
+/// A type to store, by its full name. Does not own the document.
 struct NamedDocument
 {
     CString name;
     std::string_view document;
 };
 
-/// Where types come from, and when.
+/// The source of types and the time of their creation.
 struct SourceMark
 {
-    CString source; ///< "" if it isn't known
+    CString source; ///< empty if unknown
     CString time;   ///< in UTC, "2026-01-31T23:59:59Z"
 };
 
-/// What became of a type.
+/// The outcome for one type.
 struct StoredType
 {
     enum Code : unsigned
@@ -30,44 +30,46 @@ struct StoredType
         replaced = 1,
         exists = 2,
         unchanged = 3, ///< exists with the same document
-        refused = 99   ///< the document is none of a type
+        refused = 99   ///< the document does not describe a type
     };
 
     Code code = created;
     SourceMark mark = {}; ///< of the type that existed before
 };
 
-/// What is done with a type that exists.
+/// What to do with existing types.
 struct ExistingRules
 {
     VornExisting changed;   ///< with another document
     VornExisting unchanged; ///< with the same one
 
+    /// Returns the rule for a type whose document is the same or another.
     VornExisting ruleFor(bool isSame) const { return isSame ? unchanged : changed; }
 };
 
-/// Whether a creation goes no further than a type of which this has become.
+/// Returns whether a creation stops at a type with this outcome.
 inline bool stops(const StoredType& type, ExistingRules rules)
 {
     const bool exists = type.code == StoredType::exists || type.code == StoredType::unchanged;
     return exists && rules.ruleFor(type.code == StoredType::unchanged) != VornExisting::keep;
 }
 
-/// Where a creation stores types.
+/// The storage of a creation.
 class TypeStorage
 {
 public:
     virtual ~TypeStorage() = default;
 
+    /// Returns whether the sources of types are stored.
     virtual bool keepsSources() const = 0;
 
-    /// Stores types in their order, each by transactions of its own, and returns what became of the first ones, at
-    /// least of one: up to one that the rules stop at, or that the next one fails behind. A type is replaced only as it
-    /// was found, so nothing that others store meanwhile is lost. Raises CDBException if the first one fails.
+    /// Stores types in order, each in transactions of its own. Returns the outcomes of the first ones, at least one: up
+    /// to a type where the rules stop, or before a type that fails. Replaces a type only if it is still as found, so no
+    /// concurrent change is lost. Throws CDBException if the first type fails.
     virtual std::vector<StoredType> store(std::span<const NamedDocument> types, const CString& source,
                                           ExistingRules rules) = 0;
 
-    /// Returns when all that was stored is on the server's disk: a crash of the server until then may lose the types
-    /// that were stored last. Raises CDBException.
+    /// Waits until everything stored is on the server's disk; before that, a crash of the server may lose the last
+    /// types. Throws CDBException.
     virtual void finish() {}
 };

@@ -7,8 +7,8 @@
 
 namespace {
 
-// Settings of the session carry the types to the program on the server and the outcomes back: it takes no parameters.
-// No text of a type or a source has these characters, which XML doesn't allow.
+// Session settings carry the types to the program on the server and the outcomes back, because a DO block takes no
+// parameters. XML doesn't allow these separators, so they are in no type and no source.
 constexpr char kEnd = '\x01';
 constexpr char kPartEnd = '\x02';
 constexpr char kGive[] = "SELECT length(set_config('typeforge.batch', ?, false)), "
@@ -36,7 +36,7 @@ CString packed(std::span<const NamedDocument> types, const SourceMark& mark, Exi
     return text;
 }
 
-// The text up to `end`, which is taken off with it.
+// Returns the text up to `end` and removes both from the front.
 std::string_view takePart(std::string_view& text, char end)
 {
     const std::size_t length = std::min(text.find(end), text.size());
@@ -70,7 +70,7 @@ std::vector<StoredType> TypeBatch::store(std::span<const NamedDocument> types, c
     give.execute({packed(types, mark, rules)});
     try {
         database.ExecuteSQL(program);
-    } catch (const CDBException&) { // those before the one that failed are stored
+    } catch (const CDBException&) { // types before the failed one are stored
         if (!database.IsOpen())
             throw;
     }

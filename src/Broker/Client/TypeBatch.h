@@ -8,15 +8,15 @@
 #include <span>
 #include <vector>
 
-/// Stores many types on a PostgreSQL server in a few round trips, each type still by a transaction of its own.
+/// Stores many types on a PostgreSQL server in a few round trips, each type still in a transaction of its own.
 class TypeBatch
 {
 public:
-    /// The database must outlive it. Raises CDBException.
+    /// Prepares the statements. The database must outlive this. Throws CDBException.
     TypeBatch(CDatabase& database, const TypeTable& table);
 
-    /// Returns what became of the first types: up to one that exists and that the rules stop at, or that fails. Raises
-    /// CDBException if the server can't be asked.
+    /// Stores types and returns the outcomes of the first ones: up to an existing type where the rules stop, or a type
+    /// that fails. May be empty. Throws CDBException if the connection fails.
     std::vector<StoredType> store(std::span<const NamedDocument> types, const SourceMark& mark, ExistingRules rules);
 
 private:

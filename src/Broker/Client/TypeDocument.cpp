@@ -9,7 +9,7 @@ bool isCalled(XmlName name, std::string_view wanted)
     return !name.prefix && name.local == wanted;
 }
 
-// Takes the name from the root and counts the elements right below it.
+// Reads the name from the root and counts the elements directly below it.
 class TypeReader final : public XmlHandler
 {
 public:

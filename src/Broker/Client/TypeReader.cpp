@@ -10,10 +10,11 @@ namespace {
 
 constexpr char kProbe[] = "SELECT name, document, revision FROM typeforge_types WHERE false";
 constexpr char kProbeSources[] = "SELECT source, source_time, source_revision FROM typeforge_types WHERE false";
+// Not with LIKE, to which `_` and `\` in names are special.
 constexpr char kReadFolder[] = "SELECT name, document FROM typeforge_types "
                                "WHERE substr(name, 1, length(CAST(? AS TEXT))) = ? ORDER BY name";
 
-// Whether an error says that the table or a column is missing, in the words of either database.
+// Returns whether an error says that the table or a column is missing, for either database.
 bool isMissing(const CDBException& error)
 {
     const CString& state = error.queryState();

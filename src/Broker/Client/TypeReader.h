@@ -6,20 +6,20 @@
 #include <memory>
 #include <vector>
 
-/// Reads the type repository in a database, and changes nothing there: neither the table nor a type.
+/// Reads the type repository in a database. Never changes it, neither the table nor a type.
 class TypeReader final : public TypeStorage
 {
 public:
-    /// A null database, and one without the table of types, hold no types. Raises CDBException.
+    /// A null database, or one without the table, counts as an empty repository. Throws CDBException.
     TypeReader(std::shared_ptr<CDatabase> database, TypeTable::Place place);
 
     bool keepsSources() const override { return table.keepsSources; }
 
-    /// Returns what TypeStore::store() would, and stores nothing.
+    /// Returns what TypeStore::store() would, without storing anything.
     std::vector<StoredType> store(std::span<const NamedDocument> types, const CString& source,
                                   ExistingRules rules) override;
 
-    /// The documents of the types right in a folder, in the order of their names. Raises CDBException.
+    /// Returns the documents of the types directly in a folder, ordered by name. Throws CDBException.
     std::vector<CString> readFolder(const CString& folder) const;
 
 private:

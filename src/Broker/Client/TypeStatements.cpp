@@ -2,9 +2,11 @@
 
 namespace {
 
-// The SQLite driver doesn't hand out the rows of a statement that begins with INSERT or UPDATE; WITH it takes.
+// SQLite's driver returns no rows for a statement that begins with INSERT or UPDATE, but does for one that begins with
+// WITH.
 constexpr char kType[] = "WITH type (name, document, source, source_time) AS (SELECT ?, ?, ?, ?) ";
 
+// WHERE true resolves an ambiguity of SQLite's grammar (https://www.sqlite.org/lang_upsert.html, "Parsing Ambiguity").
 CString insertOr(const TypeTable& table)
 {
     return CString(kType) + "INSERT INTO typeforge_types (name, document, revision" +

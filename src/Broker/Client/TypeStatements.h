@@ -2,20 +2,22 @@
 
 #include "Broker/Client/TypeTable.h"
 
-// The statements on a repository's table. Both databases take the same SQL. Parameters in brackets.
+// The statements on a repository's table. Both databases use the same SQL. Parameters are listed in brackets.
 
-/// Stores a type that isn't there [name, document, source, time]; no row if it exists.
+/// Inserts a type [name, document, source, time]. Its result is no row if the type exists.
 CString insertStatement(const TypeTable& table);
 
-/// The same, and replaces one that exists; returns its revision, 0 for one that was created.
+/// Inserts or replaces a type, with the same parameters. Its result is the revision, 0 if created.
 CString upsertStatement(const TypeTable& table);
 
-/// Returns what is known of a type [document, name]: revision, whether its document is the same (1 or 0), source, time.
+/// Finds a type [document, name]. Its result is the revision, whether the document is the same (1 or 0), source and
+/// time.
 CString findStatement(const TypeTable& table);
 
-/// Replaces a type [name, document, source, time, revision] if it has that revision yet; no row if it hasn't.
+/// Replaces a type [name, document, source, time, revision] if it still has that revision. Its result is no row
+/// otherwise.
 CString updateStatement(const TypeTable& table);
 
-/// PostgreSQL's program that stores the types of the session's setting typeforge.batch, each by a transaction of its
-/// own, and puts what became of each into typeforge.told; see TypeBatch. It ends at the first type that fails.
+/// Returns the PostgreSQL program that stores the types in the session setting typeforge.batch, each in a transaction
+/// of its own, and writes the outcomes to typeforge.told; see TypeBatch. It ends at the first type that fails.
 CString batchProgram(const TypeTable& table);

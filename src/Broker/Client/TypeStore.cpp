@@ -9,11 +9,11 @@
 
 namespace {
 
-// Fewer are sooner stored one by one: the server compiles its program anew for each batch.
+// Fewer types are stored faster one by one, because the server compiles the program for each batch.
 constexpr std::size_t kLeastBatch = 32;
 
-// A commit waits for the disk if it is synchronous and there is something to write, which the message is. All earlier
-// commits reach the disk before it. Where the administrator asks for more than `on` the server goes on doing so.
+// Commits synchronously, which waits until this and all earlier commits are on disk. The logical message gives the
+// commit something to write. A stronger setting of the administrator than `on` is kept.
 constexpr char kFinish[] = "SELECT set_config('synchronous_commit', "
                            "CASE reset_val WHEN 'off' THEN 'on' ELSE reset_val END, true), "
                            "pg_logical_emit_message(true, 'typeforge', '') "
@@ -63,16 +63,16 @@ std::vector<StoredType> TypeStore::store(std::span<const NamedDocument> types, c
             return stored;
     std::vector<StoredType> stored = {storeOne(types.front(), mark, rules)};
     if (isBatch && !stops(stored.back(), rules))
-        hasBatches = false; // which should have stored that type, too
+        hasBatches = false; // the batch should have stored that type
     try {
         while (!isBatch && stored.size() < types.size() && !stops(stored.back(), rules))
             stored.push_back(storeOne(types[stored.size()], mark, rules));
-    } catch (const CDBException&) { // the next call tells it
+    } catch (const CDBException&) { // the next call will throw it
     }
     return stored;
 }
 
-// Returns nothing if the first type needs storeOne(), or the server refuses such a program.
+// Stores types as a batch. Returns nothing if the first type needs storeOne(), or if the server refuses the program.
 std::vector<StoredType> TypeStore::storeBatch(std::span<const NamedDocument> types, const SourceMark& mark,
                                               ExistingRules rules)
 {
@@ -88,7 +88,8 @@ std::vector<StoredType> TypeStore::storeBatch(std::span<const NamedDocument> typ
     }
 }
 
-// Ends, since another program has stored the type in between each time that it goes round.
+// Stores one type. Repeats if another program changed the type between two statements. It ends, because each repetition
+// is caused by a change of another program.
 StoredType TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules)
 {
     for (;;) {
@@ -115,6 +116,7 @@ CStatement::Rows TypeStore::run(std::unique_ptr<CStatement>& statement, CString 
 {
     if (busy)
         throw *busy;
+    // Set before the call, because a failed one can have stored something.
     isPending = true;
     try {
         if (!statement)

@@ -13,23 +13,23 @@
 
 class TypeBatch;
 
-/// The type repository in a database. Where the database was found locked or silent every further call fails at once.
+/// The type repository in a database. If the database is locked or silent once, every later call fails at once instead
+/// of waiting again.
 class TypeStore final : public TypeStorage
 {
 public:
-    /// Opens the table of types. Raises CDBException; also where the rights for changing it are missing.
+    /// Opens the table of types. Throws CDBException, also if the user lacks the rights to change it.
     TypeStore(std::shared_ptr<CDatabase> database, TypeTable::Place place);
 
-    /// Does what finish() does, but tells no failure.
+    /// Calls finish() and ignores a failure.
     ~TypeStore() override;
     TypeStore(const TypeStore&) = delete;
     TypeStore& operator=(const TypeStore&) = delete;
 
     bool keepsSources() const override { return table.keepsSources; }
 
-    /// Stores a type of no known source by one statement, which is a transaction of its own: of two that create the
-    /// same type at the same moment, one has it created and the other finds it existing. Raises CDBException, and
-    /// nothing is stored then.
+    /// Stores a type without a source in one statement, which is a transaction of its own: if two programs create the
+    /// same type at once, one creates it and the other finds it. Throws CDBException if nothing was stored.
     StoredType::Code store(const NamedDocument& type, bool overwrite);
 
     std::vector<StoredType> store(std::span<const NamedDocument> types, const CString& source,
@@ -37,7 +37,7 @@ public:
     void finish() override;
 
 private:
-    /// A type as it was found.
+    /// A type at the revision that was found.
     struct Found
     {
         CString name, revision;
@@ -50,12 +50,12 @@ private:
                                        ExistingRules rules);
     StoredType storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules);
 
-    std::shared_ptr<CDatabase> database; // above the statements, which have to go first
+    std::shared_ptr<CDatabase> database; // above the statements, which must be freed first
     const TypeTable table;
     std::unique_ptr<CStatement> insert, upsert, find, update;
     std::unique_ptr<TypeBatch> batch;
-    bool hasBatches;                  // of a server that knows them
-    std::optional<CDBException> busy; // as the database was found to be
-    Found stoppedAt;                  // the type that the rules stopped at last
-    bool isPending = false;           // something was stored that may not be on the server's disk
+    bool hasBatches;                  // the server supports TypeBatch
+    std::optional<CDBException> busy; // the error that later calls repeat
+    Found stoppedAt;                  // the type at which the rules stopped last
+    bool isPending = false;           // types may not be on the server's disk yet
 };

@@ -7,8 +7,8 @@
 
 namespace {
 
-// The revision counts how often the type has been replaced. The source is that of one revision: a program that knows
-// nothing of sources replaces a type and leaves them as they are.
+// The revision counts the replacements of a type. The source belongs to source_revision: an earlier version of the
+// program replaces a type without updating the source.
 constexpr char kCreateTable[] = "CREATE TABLE IF NOT EXISTS typeforge_types "
                                 "(name TEXT PRIMARY KEY, document TEXT NOT NULL, revision INTEGER NOT NULL, "
                                 "source TEXT, source_time TEXT, source_revision INTEGER)";
@@ -16,7 +16,7 @@ constexpr const char* kAddColumns[] = {"ALTER TABLE typeforge_types ADD COLUMN s
                                        "ALTER TABLE typeforge_types ADD COLUMN source_time TEXT",
                                        "ALTER TABLE typeforge_types ADD COLUMN source_revision INTEGER"};
 
-// These store nothing, yet need the table and every right that the other statements need.
+// These statements store nothing, but need the table and all rights that the other statements need.
 constexpr char kProbe[] = "INSERT INTO typeforge_types (name, document, revision) "
                           "SELECT name, document, revision FROM typeforge_types WHERE false "
                           "ON CONFLICT (name) DO UPDATE SET document = excluded.document";
@@ -29,7 +29,7 @@ constexpr char kMissingRights[] =
     "SELECT string_agg(needed, ', ') FROM unnest(ARRAY['SELECT', 'INSERT', 'UPDATE']) needed "
     "WHERE NOT has_table_privilege('typeforge_types', needed)";
 
-// What stands in the way of a statement; nothing if it runs. Raises a busy database's error.
+// Runs a statement and returns its error, nothing if it succeeds. Throws the error of a busy database.
 std::optional<CDBException> attempt(CDatabase& database, const char* sql)
 {
     try {
@@ -42,7 +42,7 @@ std::optional<CDBException> attempt(CDatabase& database, const char* sql)
     }
 }
 
-// The rights on the table that the role lacks, ", " between them; empty if it has them or there is no table.
+// Returns the rights on the table that the role lacks, separated by ", "; empty if it has them or there is no table.
 CString missingRights(CDatabase& database)
 {
     try {
@@ -50,11 +50,11 @@ CString missingRights(CDatabase& database)
     } catch (const CDBException& error) {
         if (isBusy(database, error))
             throw;
-        return {}; // also where a file has no rights
+        return {}; // a file, for example, has no rights
     }
 }
 
-// The server's words are on what can't be made where the table is there.
+// Throws the missing rights if the table exists, because the server's error would then be about creating it.
 [[noreturn]] void raiseMissing(CDatabase& database, const CDBException& failure)
 {
     const CString rights = missingRights(database);
@@ -63,8 +63,8 @@ CString missingRights(CDatabase& database)
     throw CDBException("42501", 0, "The table typeforge_types exists, but this user has no right to " + rights + " it");
 }
 
-// Making the table comes second: it needs a right that whoever only adds types may lack, also where the table is
-// there. Where it fails because another has just made it, the second probe tells.
+// Creates the table only if the probe fails, because users who only add types may lack the right to create it. If
+// another program creates it at the same moment, the second probe succeeds.
 void findOrMakeTable(CDatabase& database)
 {
     if (!attempt(database, kProbe))
@@ -74,10 +74,10 @@ void findOrMakeTable(CDatabase& database)
         raiseMissing(database, failure ? *failure : *missing);
 }
 
-// Each column for itself: another program may be adding them too, or have been interrupted.
+// Adds each column separately, because another program may be adding them too, or have been interrupted.
 void addSourceColumns(CDatabase& database, TypeTable::Place place)
 {
-    if (place == TypeTable::Place::server) // whoever waits for the table makes all others wait
+    if (place == TypeTable::Place::server) // a lock request in the queue blocks all others
         database.ExecuteSQL("SET lock_timeout = '1s'");
     for (const char* column : kAddColumns)
         attempt(database, column);

@@ -2,7 +2,7 @@
 
 #include "Database/Odbc.h"
 
-/// The table of a repository, a row for each type. A table of an earlier version has no columns for the sources.
+/// The table of a repository, with a row for each type. Tables of an earlier version have no source columns.
 struct TypeTable
 {
     enum class Place
@@ -11,19 +11,20 @@ struct TypeTable
         server ///< PostgreSQL
     };
 
-    /// Finds the table, or makes it where the database has none yet, and adds the columns for the sources where it
-    /// lacks them. Raises CDBException; also where the rights for changing types are missing.
+    /// Finds the table or creates it, and adds missing source columns. Throws CDBException, also if the user lacks the
+    /// rights to change types.
     TypeTable(CDatabase& database, Place place);
 
-    /// A table of that form, for reading alone: nothing is made and no right is asked for.
+    /// Describes an existing table for reading; accesses nothing.
     TypeTable(Place place, bool keepsSources) : place(place), keepsSources(keepsSources) {}
 
     const Place place;
-    bool keepsSources = false; ///< false where the columns are missing and can't be added
+    bool keepsSources = false; ///< false if the source columns are missing and can't be added
 
-    /// `text` if the table keeps sources, else "": for statements that differ in that.
+    /// Returns `text` if the table stores sources, else an empty text: for parts of statements.
     const char* ifSources(const char* text) const { return keepsSources ? text : ""; }
 };
 
-/// A database that another program has locked, or that is silent: no use in asking it anything else.
+/// Returns whether another program has locked the database, or its connection was closed after a time limit or a
+/// failure. Further statements would only wait again.
 bool isBusy(const CDatabase& database, const CDBException& error);

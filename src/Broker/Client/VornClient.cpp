@@ -20,13 +20,14 @@
 
 namespace {
 
-// The driver manager's state when it can't load a driver, or knows none of that name.
+// The driver manager's SQLSTATE if it can't load a driver or doesn't know it.
 constexpr const char* kNoDriver = "01000";
 
-// The driver opens a locked file too, once it has waited for 10 s, only to wait again with each statement.
+// A local file that takes longer to open is locked: SQLite's driver waits 10 s, opens it all the same, and would wait
+// again with each statement.
 constexpr std::chrono::seconds kLockWait(9);
 
-// What all objects share. An exception ends here, as the description of a client error.
+// The base of all objects. Turns exceptions into client errors with a description, because none may leave the library.
 template <class Interface>
 class ClientObject : public Interface
 {
@@ -56,7 +57,7 @@ protected:
         try {
             description = text;
         } catch (const std::exception&) {
-            description.clear(); // no memory for it
+            description.clear(); // out of memory
         }
     }
 
@@ -64,7 +65,7 @@ private:
     CString description;
 };
 
-// The full name that a document gives, "" for one that is none of a type.
+// Returns a document with its type's full name, which is empty if it does not describe a type.
 NamedDocument named(const char* document)
 {
     return {queryTypeName(document).value_or(""), document};
@@ -82,6 +83,7 @@ public:
             types.clear();
             for (std::uint32_t i = 0; i < count; ++i)
                 types.push_back(named(documents[i]));
+            // Types before a refused document are stored first; the refused one then begins the next call.
             const auto refused = std::ranges::find(types, "", &NamedDocument::name);
             if (refused == types.begin())
                 stored = {{StoredType::refused}};
@@ -109,7 +111,7 @@ private:
 
     std::shared_ptr<TypeStorage> store;
     std::vector<NamedDocument> types;
-    std::vector<StoredType> stored; // by the last call
+    std::vector<StoredType> stored; // of the last call; outcomes point into it
 };
 
 class Reading final : public ClientObject<IVornReading>
@@ -132,19 +134,19 @@ public:
 
 private:
     std::shared_ptr<TypeReader> reader;
-    std::vector<CString> texts; // of the last call
+    std::vector<CString> texts; // of the last call; the caller's pointers lead here
     std::vector<const char*> pointers;
 };
 
-// Any repository: what vornQueryInterface() asks.
+// The base of both repositories, for vornQueryInterface().
 class AnyRepository : public ClientObject<IVornRepository>
 {
 public:
-    /// Null for a name that is not known.
+    /// Returns a new object of an interface, null if the name is unknown.
     virtual IVornObject* queryInterface(std::string_view name) const = 0;
 };
 
-// One that is only read. A creation in it stores nothing.
+// A repository for reading. Its IVornCreation stores nothing.
 class ReadRepository final : public AnyRepository
 {
 public:
@@ -212,7 +214,7 @@ public:
     }
 
 private:
-    std::shared_ptr<CDatabase> database; // the repository's too, which may live longer; null if there is none to read
+    std::shared_ptr<CDatabase> database; // shared with the repositories, which may live longer; null if there is none
     const TypeTable::Place place;
     const bool readsOnly;
 };
@@ -236,7 +238,7 @@ public:
         return attempt([&] {
             const Secret secret{password};
             VornResult result = VornResult::failed;
-            CString reason; // of the role that was named
+            CString reason; // of the first role, the one that the user named
             for (const CString& role : rolesOf(user)) {
                 const Secret logon{logonText(role, secret.text)};
                 result = connect(logon.text, connection);
