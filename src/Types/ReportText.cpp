@@ -42,7 +42,7 @@ CString headingOf(SourceReport::Sort sort, std::size_t total)
                                       : countInWords(total, "detail", "details");
 }
 
-// What the bound on places has left to the counts.
+// Returns the line for places that were only counted, because the list of places had reached its bound.
 CString unlistedInWords(SourceReport::Sort sort, std::size_t times)
 {
     return "... and " + std::to_string(times) + " more, past the bound of " +
@@ -79,7 +79,7 @@ CString jsonOf(const SourceReport& report, const SourceReport::Entry& entry)
            ",\"name\":" + jsonText(CString(entry.name)) + "}";
 }
 
-// The counts of some sorts as members of one object.
+// Returns the counts of the given sorts as one object.
 CString jsonCounts(const SourceReport& report, std::initializer_list<SourceReport::Sort> sorts)
 {
     CString members;

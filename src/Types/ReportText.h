@@ -6,14 +6,14 @@
 
 class MsgBase;
 
-/// The forms in which a report can be had.
+/// The output formats of a report.
 enum class ReportFormat
 {
-    text, ///< losses, then details: a line with their number, a line a place ("FILE:LINE:COL: CONSTRUCT: NAME"), an
-          ///< empty line; then a line a construct with its count, losses first, and the totals
-    json  ///< one object with "places", "counts", the same by sort as "losses" and "details", "unlisted" and "totals"
+    text, ///< losses, then details: a line with their number, a line for each place ("FILE:LINE:COL: CONSTRUCT: NAME"),
+          ///< an empty line; then a line for each construct with its count, losses first, and the totals
+    json  ///< one object with "places", "counts", the counts again as "losses" and "details", "unlisted", "totals"
 };
 
-/// Writes what the last import of `message` did not carry over, and what it did: how many types there are, and fields,
-/// those of a type of their own and those left text.
+/// Writes the report of the last import of `message`: what it did not carry over, and totals of types and fields.
+/// Fields count as typed or left as text.
 void writeReport(MsgBase& message, ReportFormat format, const std::function<void(std::string_view)>& out);

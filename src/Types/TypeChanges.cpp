@@ -19,7 +19,7 @@ struct ChangeRow
 constexpr ChangeRow kChanges[] = {
     {"type-added", false, false},       {"type-removed", true, true},
     {"kind-changed", true, true},       {"field-added", false, false},
-    {"field-removed", true, true},      {"constant-added", true, false}, // for those who switch on it
+    {"field-removed", true, true},      {"constant-added", true, false}, // readers may switch on it
     {"constant-removed", false, true},  {"type-changed", true, true},
     {"repetition-changed", true, true}, {"folder-changed", true, true},
 };
@@ -33,7 +33,7 @@ CString inWords(const CString& repeats)
     return repeats.empty() ? "once" : repeats == "*" ? "repeated" : repeats;
 }
 
-// The types of one side by the names under which they are compared.
+// The types of one side, by the names under which they are compared.
 class Side
 {
 public:
@@ -43,11 +43,11 @@ public:
         std::uint32_t number;
     };
 
-    /// Types in `from` are compared as if they were in `to`.
+    /// Types in the folder `from` are compared as if they were in `to`.
     Side(const TypeStructure& structure, const CString& from, const CString& to) :
         structure(structure), from(from), to(to)
     {
-        types.reserve(structure.size()); // they must stay where they are
+        types.reserve(structure.size()); // must not move
         byName.reserve(structure.size());
         for (std::uint32_t type = 0; type < structure.size(); ++type) {
             const Type& added = types.emplace_back(Type{compared(structure.queryFullName(type)), type});
@@ -56,10 +56,10 @@ public:
         }
     }
 
-    /// The first type of a name, which is the one that counts, or null.
+    /// Returns the first type of a name, which is the one that is compared, or null.
     const Type* find(std::string_view name) const { return byName.find(name); }
 
-    /// Whether a type of this side is compared under that name.
+    /// Returns whether a type of this side is compared under a name.
     bool isCalled(std::string_view own, std::string_view name) const
     {
         if (from == to || !own.starts_with(from))
@@ -84,7 +84,7 @@ private:
     std::deque<CString> moved;
 };
 
-// A name, and how many parts of the type come before with the same one.
+// The identity of a part: its name, and the number of earlier parts of the type with the same name.
 struct PartKey
 {
     std::string_view name;
@@ -98,7 +98,7 @@ struct PartKeyHash
     std::size_t operator()(const PartKey& key) const { return KeyHash()(key.name) + key.before; }
 };
 
-// The parts of one type, in their order and by their keys.
+// The parts of one type, in order and by key.
 struct Parts
 {
     explicit Parts(std::span<const TypePart> list);
@@ -123,7 +123,7 @@ Parts::Parts(std::span<const TypePart> list) : all(list)
     }
 }
 
-// A type by its folder and name.
+// Returns a type's full name for the user.
 CString shownType(std::string_view name)
 {
     return CString(name) + (name.empty() || name.ends_with('\\') ? kUnnamed : "");
@@ -168,7 +168,7 @@ private:
     void compareType(std::uint32_t old, const Side::Type& now)
     {
         const std::string_view oldKind = before.structure.kindOf(old), kind = after.structure.kindOf(now.number);
-        if (kind != oldKind) { // their parts have nothing in common
+        if (kind != oldKind) { // parts of different kinds are not comparable
             changes.push_back(
                 {TypeChange::kindChanged, "kind", shownType(now.name), {}, CString(oldKind), CString(kind)});
             return;
@@ -179,7 +179,7 @@ private:
             compareParts(Parts(oldParts), Parts(parts), shownType(now.name));
     }
 
-    // Whether two parts have one name and one content: nearly always, and told without making keys of them.
+    // Returns whether two parts have the same name and content. The usual case, which needs no keys.
     bool isSame(const TypePart& old, const TypePart& now) const
     {
         if (old.name != now.name)
@@ -228,7 +228,7 @@ private:
     Side& after;
 };
 
-// The deepest folder that all types lie in, with a backslash at its end; empty if there is none.
+// Returns the deepest folder that contains all types, with a final backslash; empty if there is none.
 CString commonFolder(const TypeStructure& structure)
 {
     std::string_view common;

@@ -7,51 +7,51 @@
 
 class TypeStructure;
 
-/// One difference between the types that there were and those that there are.
+/// One difference between the old and the new types.
 struct TypeChange
 {
     enum Id
     {
         typeAdded,
         typeRemoved,
-        kindChanged, ///< a record that is a table now, or the like
+        kindChanged, ///< for example, a record that became a table
         fieldAdded,
         fieldRemoved,
         constantAdded,
         constantRemoved,
-        contentChanged,    ///< the type of a field, or of what a table or an array holds
-        repetitionChanged, ///< a table where a field was, or the like
-        folderChanged,     ///< of all types; its own line before the rest
+        contentChanged,    ///< the type of a field, or the component of a table or an array
+        repetitionChanged, ///< for example, a field that became a table
+        folderChanged,     ///< of all types; reported once, before the rest
         idCount
     };
 
     Id id;
-    CString what; ///< what it is ("record", "field", "constant" ...), or what of it has changed: "kind", "type",
-                  ///< "repetition"
+    CString what; ///< what was added or removed ("record", "field" ...), or what changed: "kind", "type", "repetition"
     CString type; ///< the full name of the type
-    CString part; ///< the name of its field or constant; empty for the type itself, and for what a table holds
-    CString from; ///< for what was removed or changed; empty for a type and for a constant
-    CString to;   ///< the same for what was added or changed
+    CString part; ///< the name of the field or constant; empty for the type itself and for a component
+    CString from; ///< the old value, if removed or changed; empty for types and constants
+    CString to;   ///< the new value, if added or changed; empty for types and constants
 };
 
-/// Whose programs a change of types may break.
+/// The programs that a change may break.
 enum class Reader
 {
-    readers, ///< read messages of the new types and know the old ones
-    writers, ///< write messages of the old types for who knows the new ones
+    readers, ///< know the old types and read messages of the new ones
+    writers, ///< write messages of the old types to programs that know the new ones
     both
 };
 
-/// The word for a change, by which it is allowed on the command line ("field-removed").
+/// Returns the id of a change as the command line takes it ("field-removed").
 const char* idOf(TypeChange::Id id);
 
-/// Whether a change breaks those programs. Optionality has no place in the model, so a field that was added does not.
+/// Returns whether a change breaks those programs. An added field breaks none, because the model doesn't say whether a
+/// field is required.
 bool breaks(TypeChange::Id id, Reader reader);
 
-/// The change of that word; idCount if there is none.
+/// Returns the change with that id, idCount if there is none.
 TypeChange::Id changeCalled(std::string_view text);
 
-/// A folder of each side. Types are compared by their names below it.
+/// One folder for each side. Types are compared by their names below it.
 struct TypeFolders
 {
     CString before;
@@ -60,12 +60,11 @@ struct TypeFolders
     bool areEqual() const { return before == after; }
 };
 
-/// The deepest folder that holds all types of each side, where that explains why the sides have no full name in common:
-/// another base path or main element. Two empty folders in any other case.
+/// Returns the deepest folders that contain all types of each side, if that explains why the sides have no full name in
+/// common: another base path or main element. Returns two empty folders otherwise.
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after);
 
-/// How the types `after` differ from `before`, in the order of `after`, removed types last. Types are told by their
-/// full names, those in `folders.before` by the name that they have in `folders.after`, parts by theirs; descriptions
-/// and the order of parts count for nothing.
+/// Returns the differences, in the order of `after`, removed types last. Types are matched by full name, with
+/// `folders.before` replaced by `folders.after`, and parts by name. Descriptions and the order of parts are ignored.
 std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStructure& after,
                                     const TypeFolders& folders = {});

@@ -6,12 +6,12 @@
 
 namespace {
 
-// A text inside the label of a record node: https://graphviz.org/doc/info/shapes.html#record
+// Returns a text escaped for the label of a record node: https://graphviz.org/doc/info/shapes.html#record
 CString labelText(std::string_view text)
 {
     CString label;
     for (const char c : text) {
-        if (c == '&') // or an entity is read
+        if (c == '&') // Graphviz reads entities
             label += "&amp;";
         else if (static_cast<unsigned char>(c) < ' ')
             label += ' ';
@@ -46,13 +46,14 @@ TypeGraph::TypeGraph(const TypeStructure& structure, std::span<const std::uint32
         boxOf[type] = boxes.size();
         boxes.push_back({type, CString(shortName(structure.queryFullName(type))), {}, 0});
     }
-    std::vector<std::size_t> lastHidden(boxes.size(), none); // of each box: the last to which a hidden part leads
+    std::vector<std::size_t> lastHidden(boxes.size(), none); // per target: the last box with an arrow from hidden parts
     for (std::size_t from = 0; from < boxes.size(); ++from) {
         Box& box = boxes[from];
         for (const TypePart& part : structure.parts(box.type)) {
             const TypeContent content = structure.contentOf(part);
             const std::size_t to = content.type == TypeStructure::kNone ? none : boxOf[content.type];
             const bool isHidden = box.rows.size() == maxRows;
+            // One arrow leads from the hidden parts to each box, however many of them have that type.
             if (to != none && (!isHidden || std::exchange(lastHidden[to], from) != from))
                 arrows.push_back({from, box.rows.size(), to});
             if (isHidden)

@@ -9,37 +9,36 @@
 
 class TypeStructure;
 
-/// Types as boxes with a row for each part, and an arrow from every row to the box of the type that it holds. What
-/// repeats has a "*" behind its type, an array its size in brackets; the tables and arrays themselves are not drawn
-/// between the two.
+/// Types as boxes with a row for each part, and an arrow from each row to the box of its type. Tables and arrays are
+/// not drawn: the row's type gets a "*" for a table and the size in brackets for an array.
 struct TypeGraph
 {
     struct Row
     {
-        CString name; ///< "" for the component of a table or an array
-        CString type; ///< "" for a constant; without its folder
+        CString name; ///< empty for a component
+        CString type; ///< without its folder; empty for a constant
     };
 
     struct Box
     {
-        std::uint32_t type; ///< number in the structure
+        std::uint32_t type; ///< its number in the structure
         CString title;
         std::vector<Row> rows;
-        std::size_t hidden; ///< parts for which there is no row; their arrows start at a row behind the last one
+        std::size_t hidden; ///< number of parts without a row; their arrows start at a row after the last
     };
 
     struct Arrow
     {
-        std::size_t from; ///< box
-        std::size_t row;  ///< of it, its rows.size() for the hidden ones
-        std::size_t to;   ///< box
+        std::size_t from; ///< index of a box
+        std::size_t row;  ///< index of its row; rows.size() for hidden parts
+        std::size_t to;   ///< index of a box
     };
 
-    /// The graph of `types`, in their order. A box has at most `maxRows` rows.
+    /// Builds the graph of `types`, in that order. A box has at most `maxRows` rows.
     TypeGraph(const TypeStructure& structure, std::span<const std::uint32_t> types, std::size_t maxRows);
 
-    /// The graph in the DOT language (https://graphviz.org/doc/info/lang.html): box i is the node "t<i>", its title the
-    /// port "title", its row i the port "r<i>".
+    /// Returns the graph in the DOT language (https://graphviz.org/doc/info/lang.html). Box i is the node "t<i>", with
+    /// a port "title" and a port "r<j>" for its row j.
     CString toDot() const;
 
     std::vector<Box> boxes;

@@ -14,7 +14,7 @@ bool holdsComponent(const Element& element)
     return element.queryType() == Element::typeTable || element.queryType() == Element::typeArray;
 }
 
-// One backslash between folder and name, whichever of the two has it.
+// Returns a full name with one backslash at its start. The root folder and a name may both have one.
 std::string_view plainName(std::string_view name)
 {
     return name.starts_with("\\\\") ? name.substr(1) : name;
@@ -48,7 +48,7 @@ TypeStructure::TypeStructure(MsgBase& message)
             numbers[number] = types.back().number;
         }
     }
-    if (index.size() != types.size()) // only names tell which type is meant
+    if (index.size() != types.size()) // only names can tell equal ones apart
         numbers.clear();
 }
 
@@ -84,7 +84,7 @@ std::span<const TypePart> TypeStructure::parts(std::uint32_t type) const
     return partsInHand;
 }
 
-// A type that is a child itself, as nearly all are, is found without making its full name.
+// Fast path: nearly every type is the child itself and found without its full name.
 TypePart TypeStructure::partOf(const Element& child, const Element& record) const
 {
     TypePart part{TypePart::field, &child, child.queryFieldName(), {}, kNone};
@@ -98,7 +98,7 @@ TypePart TypeStructure::partOf(const Element& child, const Element& record) cons
     } else {
         part.typeName = child.queryFieldType(record).first;
     }
-    if (part.typeName.find('\\') != part.typeName.npos) // as in all full names
+    if (part.typeName.find('\\') != part.typeName.npos) // all full names have one
         part.type = find(part.typeName);
     return part;
 }
@@ -115,8 +115,7 @@ std::size_t TypeStructure::partCount(std::uint32_t type) const
         std::count_if(children.begin(), children.end(), [](const Element* child) { return child->isField(); }));
 }
 
-// The type that a record has a field of through `child`, where the child is that type and of that very name. Else
-// kNone.
+// Returns the type of a field if that is the child itself and has its name; else kNone.
 std::uint32_t TypeStructure::numberOf(const Element& child, const Element& record) const
 {
     const bool namesItself = child.queryType() == Element::typeTable || &child.queryBaseName() == &child.queryName();
@@ -127,10 +126,11 @@ std::uint32_t TypeStructure::numberOf(const Element& child, const Element& recor
     return number != kNone && types[number].fullName.size() == length ? number : kNone;
 }
 
-// Counted first, so that all users stand in one list: most types have one or two.
+// Collects the users of all types in one array, sorted by counting: most types have one or two, so a list for each
+// would waste memory.
 void TypeStructure::collectUsers() const
 {
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> uses; // who is used, by whom
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> uses; // used type, user
     std::vector<std::uint32_t> lastUser(size(), kNone);
     firstUser.assign(size() + 1, 0);
     for (std::uint32_t user = 0; user < size(); ++user)
@@ -157,7 +157,7 @@ std::span<const std::uint32_t> TypeStructure::users(std::uint32_t type) const
 
 TypeContent TypeStructure::contentOf(const TypePart& part) const
 {
-    constexpr std::size_t kDeepest = 16; // levels of tables in tables; more are of no use to anybody who looks
+    constexpr std::size_t kDeepest = 16; // levels of nested tables; deeper ones can't be shown usefully
     TypeContent content{part.typeName, part.type, {}};
     std::array<std::uint32_t, kDeepest> passed;
     for (std::size_t level = 0; content.type != kNone && level < kDeepest; ++level) {

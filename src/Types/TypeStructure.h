@@ -11,8 +11,7 @@
 
 class MsgBase;
 
-/// One thing that a type is made of, as the type's document says it. Valid until the next call of
-/// TypeStructure::parts().
+/// One part of a type, as the type's document describes it. Valid until the next TypeStructure::parts().
 struct TypePart
 {
     enum Kind
@@ -26,54 +25,55 @@ struct TypePart
     const Element* element; ///< null for a component
     std::string_view name;
     std::string_view typeName; ///< "String", "Number", "Time", or the full name of a type
-    std::uint32_t type;        ///< the type of this import with that name, TypeStructure::kNone for any other
+    std::uint32_t type;        ///< its number in this import, or TypeStructure::kNone
 
     TextPieces description() const;
 };
 
-/// What a type name stands for once tables and arrays have been followed to what they hold. Valid as long as that name.
+/// The content of a type name, with tables and arrays resolved to their components. Valid as long as that name.
 struct TypeContent
 {
     std::string_view typeName; ///< "String", "Number", "Time", or a full name
     std::uint32_t type;        ///< as in TypePart
-    CString repeats;           ///< "" for what is there once, "*" for a table, "[5]" for an array, the outermost first
+    CString repeats;           ///< "*" for each table, "[5]" for each array, outermost first; empty if neither
 };
 
-/// A type's name without its folder.
+/// Returns a type's name without its folder.
 std::string_view shortName(std::string_view fullName);
 
-/// The types of one import, numbered in its order: what each is made of and who uses it. Names are looked up through an
-/// index that is built once, so an answer costs what it tells, however many types there are. Valid until the importer
-/// parses again.
+/// The types of one import, numbered in its order, with their parts and users. Lookups use an index that is built once,
+/// so a call costs time in proportion to its result, however many types there are. Valid until the importer parses
+/// again.
 class TypeStructure
 {
 public:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF; ///< no type of this import
 
+    /// Reads the types of the last import. `message` must outlive it.
     explicit TypeStructure(MsgBase& message);
 
     std::uint32_t size() const { return static_cast<std::uint32_t>(types.size()); }
     const Element& operator[](std::uint32_t type) const { return *types[type].element; }
 
-    /// Folder and name, with one backslash between them where both have one.
+    /// Returns the type's full name: its folder and name. A double backslash at the start becomes one.
     const CString& queryFullName(std::uint32_t type) const { return types[type].fullName; }
 
-    /// The type of that full name, the last one where several have it, or kNone.
+    /// Returns the type of a full name, the last one if several have it, or kNone.
     std::uint32_t find(std::string_view fullName) const;
 
-    /// "record", "table", "array" or "enumeration".
+    /// Returns "record", "table", "array" or "enumeration".
     const char* kindOf(std::uint32_t type) const;
 
-    /// Fields, constants or the component, in the order of the document. The next call takes their place.
+    /// Returns the fields, the constants or the component, in the order of the document. Valid until the next call.
     std::span<const TypePart> parts(std::uint32_t type) const;
 
-    /// How many parts there are, without making them.
+    /// Returns the number of parts without building them.
     std::size_t partCount(std::uint32_t type) const;
 
-    /// The types that name this one in a part, each once, in the import's order.
+    /// Returns the types with a part of this type, each once, in the import's order.
     std::span<const std::uint32_t> users(std::uint32_t type) const;
 
-    /// Follows tables and arrays from a part's type to what they hold. The way ends at one that holds itself.
+    /// Resolves a part's type through tables and arrays to its content. Stops at a table that contains itself.
     TypeContent contentOf(const TypePart& part) const;
 
     /// Which way reach() goes from a type.
@@ -97,7 +97,7 @@ private:
         const Element* element;
         std::uint32_t number;
         CString fullName;
-        CString component; // the type that a table or an array holds
+        CString component; // the component type of a table or an array
     };
 
     template <class Action>
@@ -106,11 +106,11 @@ private:
     std::uint32_t numberOf(const Element& child, const Element& record) const;
     void collectUsers() const;
 
-    std::deque<Type> types; // stay where they are: the index points to them
+    std::deque<Type> types; // a deque, because the index points into it
     KeyedTable<const Type, &Type::fullName> index;
-    std::vector<std::uint32_t> numbers;           // of the types, by the numbers of elements; none of equal names
+    std::vector<std::uint32_t> numbers;           // types by element number; empty if two types have the same name
     mutable std::vector<TypePart> partsInHand;    // of the last call
     mutable std::deque<CString> typeNamesInHand;  // those of parts in hand that stand nowhere else
-    mutable std::vector<std::uint32_t> firstUser; // of each type, in `userList`; one more marks the end; collected late
+    mutable std::vector<std::uint32_t> firstUser; // of each type, in `userList`, and the end; collected on demand
     mutable std::vector<std::uint32_t> userList;
 };
