@@ -3,6 +3,6 @@
 #include <QComboBox>
 #include <QListWidget>
 
-// The platform's controls, as far as signatures name them.
+// The platform's controls that signatures use.
 using CComboBox = QComboBox;
 using CListBox = QListWidget;

@@ -4,12 +4,11 @@
 
 class QLineEdit;
 
-/// One line of text that can be read and selected, with a button that copies it. A long text is shown shortened in the
-/// middle, and copied whole.
+/// A line of read-only text with a button that copies it. A long text is elided in the middle, but copied whole.
 class CopyRow : public QWidget
 {
 public:
-    /// `caption` says what the text is; `button` is the button's label.
+    /// `caption` names the text; `button` is the button's label.
     CopyRow(const QString& caption, const QString& button);
 
     void setText(const QString& text);

@@ -24,12 +24,12 @@ QLabel* coverText(const CString& text, const QFont& font)
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setFont(font);
-    label->setForegroundRole(QPalette::Text); // it stands on the base colour, not on the window's
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding); // the text takes the room, it doesn't make it
+    label->setForegroundRole(QPalette::Text);                           // the page's background is Base, not Window
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding); // takes the free room, requests none
     return label;
 }
 
-// A font that is asked for by name and isn't there can come back as any other, a chancery hand for instance: ask first.
+// Looks the family up first, because Qt may replace a missing font by any other, for instance a script.
 QFont coverFont(const CString& family, int height)
 {
     QFont font;

@@ -4,7 +4,7 @@
 
 #include <QLabel>
 
-/// The large text of a page on the watermark. It wraps, and starts at the top.
+/// Returns a new label with the large text of a cover page. It wraps, and starts at the top.
 QLabel* coverText(const CString& text, const QFont& font);
 
 /// Whether a label was made by coverText().

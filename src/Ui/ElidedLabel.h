@@ -2,8 +2,8 @@
 
 #include <QLabel>
 
-/// A label of one line that ends in dots where its text is too long, rather than widen the window. The tool tip is the
-/// whole text then.
+/// A label of one line that is elided if its text is too long, so that it does not widen the window. The tool tip then
+/// shows the whole text.
 class ElidedLabel : public QLabel
 {
 public:

@@ -8,13 +8,13 @@
 
 namespace {
 
-// Some of the platform's dialogs match patterns by letter case, so each stands there both ways.
+// Some platform dialogs match patterns with letter case, so each pattern is listed in both cases.
 QString filterRows(const std::vector<FileFilter>& filters)
 {
     QStringList rows;
     for (const FileFilter& filter : filters) {
         QStringList patterns = toUi(filter.patterns).split(';');
-        patterns.replaceInStrings("*.*", "*"); // which the dialog takes to the letter: a name may have no dot
+        patterns.replaceInStrings("*.*", "*"); // "*.*" would leave out names without a dot
         QStringList both = patterns;
         for (const QString& pattern : patterns)
             both.append(pattern.toLower());

@@ -6,23 +6,23 @@
 
 class QWidget;
 
-/// A row of a file dialog's list of kinds: what it says, and its patterns ("*.XSD;*.XML"), letter case being no matter.
+/// A row of a file dialog's list of file types: its label and its patterns ("*.XSD;*.XML"), which ignore letter case.
 struct FileFilter
 {
     CString label;
     CString patterns;
 };
 
-/// What a file dialog starts with.
+/// The settings of a file dialog.
 struct FileQuestion
 {
     CString title;
     std::vector<FileFilter> filters;
     CString folder;
-    CString name; ///< of a file in the folder, or with a path of its own; may be empty
+    CString name; ///< preset file name, in the folder or with a path; may be empty
 };
 
-/// Asks for an existing file with the platform's dialog. "" when the user cancels.
+/// Asks for an existing file with the platform's dialog. Returns its name, empty if the user cancels.
 CString chooseFileToOpen(QWidget* owner, const FileQuestion& question);
 
 /// The same for one or several, in the order of their names. None if the user cancels.

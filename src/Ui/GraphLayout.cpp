@@ -13,15 +13,15 @@ struct CloseGraph
     void operator()(Agraph_t* graph) const { agclose(graph); }
 };
 
-// Graphviz's memory of plugins and fonts. It is never given back: the plugin that measures texts compares the next
-// font's name with the last one's, where that lay in the context before.
+// Returns Graphviz's context with its plugins and fonts. It is never freed: the plugin that measures texts compares the
+// next font name with the last one, by a pointer into the earlier context.
 GVC_t* graphviz()
 {
     static GVC_t* const context = gvContext();
     return context;
 }
 
-// Graphviz's functions take texts that they don't change as char*.
+// Sets an attribute. Graphviz takes constant texts as char*.
 void set(void* object, const char* name, const CString& value, const char* otherwise = "")
 {
     agsafeset(object, const_cast<char*>(name), const_cast<char*>(value.c_str()), const_cast<char*>(otherwise));
@@ -32,7 +32,7 @@ Agnode_t* nodeOf(Agraph_t* graph, std::size_t box)
     return agnode(graph, const_cast<char*>(("t" + std::to_string(box)).c_str()), 0);
 }
 
-// The box has the size that the caller draws it in, so its rows only matter as ports, and their texts need no fonts.
+// Gives a node the size of its box. The rows only serve as ports, so their texts need no fonts.
 void shape(Agnode_t* node, const GraphBox& box)
 {
     constexpr double pointsPerInch = 72;
@@ -46,8 +46,8 @@ void shape(Agnode_t* node, const GraphBox& box)
     set(node, "height", std::to_string(box.size.height() / pointsPerInch));
 }
 
-// Puts the boxes at the ends of the ways, of which there are many in one column, into several columns, so that the
-// picture comes out about as wide as high.
+// Distributes leaf boxes over several columns, because many of them in one column would make a tall picture. The result
+// is about as wide as high.
 void spreadEnds(Agraph_t* graph, const std::vector<GraphBox>& boxes)
 {
     std::vector<Agedge_t*> ends;
@@ -65,7 +65,7 @@ void spreadEnds(Agraph_t* graph, const std::vector<GraphBox>& boxes)
         set(ends[i], "minlen", std::to_string(1 + static_cast<int>(i) % columns), "1");
 }
 
-// Graphviz counts upwards from the lower edge.
+// Converts a point. Graphviz's y axis starts at the lower edge and points upwards.
 QPointF placeOf(const pointf& point, double height)
 {
     return {point.x, height - point.y};
@@ -101,7 +101,7 @@ GraphLayout read(Agraph_t* graph, const std::vector<GraphBox>& boxes)
 
 std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<GraphBox>& boxes)
 {
-    agseterr(AGMAX); // its messages would go to standard error
+    agseterr(AGMAX); // Graphviz would write messages to standard error
     GVC_t* const context = graphviz();
     const std::unique_ptr<Agraph_t, CloseGraph> graph(agmemread(dot.c_str()));
     if (!context || !graph)
@@ -110,7 +110,7 @@ std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<Gra
         shape(nodeOf(graph.get(), i), boxes[i]);
     spreadEnds(graph.get(), boxes);
     set(graph.get(), "ranksep", "0.9");
-    // Where the optimal places take long to find, good ones do: so many rounds for each box.
+    // Limits the rounds of the optimisation for each box: good positions suffice if the best ones take long to find.
     for (const char* rounds : {"nslimit", "nslimit1"})
         set(graph.get(), rounds, "2");
     set(graph.get(), "mclimit", "0.5");

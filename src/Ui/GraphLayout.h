@@ -8,12 +8,12 @@
 #include <optional>
 #include <vector>
 
-/// Where the boxes and arrows of a graph go, in points from the upper left corner.
+/// The positions of a graph's boxes and arrows, in points from the upper left corner.
 struct GraphLayout
 {
     struct Arrow
     {
-        QPainterPath line; ///< ends at the foot of the head
+        QPainterPath line; ///< ends at the base of the arrow head
         QPointF tip;
     };
 
@@ -21,7 +21,7 @@ struct GraphLayout
     std::vector<Arrow> arrows;
 };
 
-/// A box to place: as high as its rows together, which are all of one height and of which the first is the title.
+/// A box to place. Its rows all have the same height and fill the box; the first one is the title.
 struct GraphBox
 {
     QSizeF size;
@@ -29,6 +29,6 @@ struct GraphBox
 };
 
 /// Lays a graph out with Graphviz's "dot". In `dot` (https://graphviz.org/doc/info/lang.html) box i is the node "t<i>",
-/// with the ports "title" and "r0" and so on from top to bottom. Nothing where Graphviz can't do it, as without its
-/// plugins.
+/// with the ports "title", "r0", "r1" and so on from top to bottom. Returns nothing if Graphviz fails, for instance
+/// without its plugins.
 std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<GraphBox>& boxes);

@@ -24,7 +24,7 @@ HeaderBand::HeaderBand(int headerId, QWidget* parent) :
     titleLabel->setFont(bold);
     for (QLabel* label : {titleLabel, subtitleLabel}) {
         label->setParent(this);
-        label->setForegroundRole(QPalette::Text); // the band's ground is the base colour, not the window's
+        label->setForegroundRole(QPalette::Text); // the band's background is Base, not Window
     }
     subtitleLabel->setWordWrap(true);
     subtitleLabel->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -48,8 +48,8 @@ void HeaderBand::setTexts(const QString& title, const QString& subtitle)
     layOut();
 }
 
-// The right end is left to the picture's drawing, which is about as wide as the band is high. Where large letters in a
-// narrow window make the band higher than that, the text goes over the drawing.
+// Returns the width of the subtitle. The right end is reserved for the drawing, which is about as wide as the band is
+// high. If large letters in a narrow window make the band higher than that, the text covers the drawing.
 int HeaderBand::textWidth(int width, int height) const
 {
     return width - indent() - std::min(height * 21 / 20, width * 3 / 10);
@@ -71,7 +71,7 @@ int HeaderBand::heightAt(int width) const
 
 void HeaderBand::layOut()
 {
-    const int bandWidth = parentWidget()->width(); // also right while the band is hidden
+    const int bandWidth = parentWidget()->width(); // valid even while the band is hidden
     const int height = heightAt(bandWidth);
     const int titleHeight = titleLabel->sizeHint().height();
     const int wide = textWidth(bandWidth, height);
@@ -89,7 +89,7 @@ void HeaderBand::paintEvent(QPaintEvent*)
     painter.drawLine(rect().bottomLeft(), rect().bottomRight());
 }
 
-// Keeps the text readable where it goes over the drawing.
+// Dims the drawing below the text, so that the text stays readable.
 void HeaderBand::paintVeil(QPainter& painter) const
 {
     const int edge = indent() + textWidth(width(), height());

@@ -6,19 +6,19 @@
 
 class QLabel;
 
-/// The band at the top of interior pages: title and subtitle on the header picture. It is as high as the longest of
-/// the subtitles needs at its width, so that the page below keeps its place from page to page.
+/// The band at the top of interior pages: title and subtitle on the header picture. Its height fits the longest
+/// subtitle at the current width, so that the page below doesn't move between pages.
 class HeaderBand : public QWidget
 {
 public:
     HeaderBand(int pictureId, QWidget* parent);
 
-    /// Takes a page's subtitle into account for the height.
+    /// Adds a page's subtitle to those that determine the height.
     void addSubtitle(const QString& subtitle);
 
     void setTexts(const QString& title, const QString& subtitle);
 
-    /// The height that it will have at that width.
+    /// Returns the height in pixels at a width.
     int heightAt(int width) const;
 
 protected:

@@ -16,7 +16,7 @@ ListFilter::ListFilter(ListView& filteredList, const QString& rowNoun) :
     field->setObjectName("filter");
     field->setPlaceholderText("Filter (Ctrl+F)");
     field->setAccessibleName("Filter for " + noun + 's');
-    field->setAcceptDrops(false); // a file is for the page
+    field->setAcceptDrops(false); // dropped files are for the page
     field->setClearButtonEnabled(true);
     field->installEventFilter(this);
     count->setObjectName("count");

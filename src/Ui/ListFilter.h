@@ -6,12 +6,12 @@ class ListView;
 class QLabel;
 class QLineEdit;
 
-/// The field that filters a list, and how many of its rows are shown. Ctrl+F leads to the field from anywhere beside
-/// it, Return and the Down key from there to the list, and Esc empties it.
+/// A field that filters a list, with the number of rows shown. Ctrl+F moves to the field, Return and Down from the
+/// field to the list. Esc clears the field.
 class ListFilter : public QWidget
 {
 public:
-    /// `noun` is what a row is; its plural ends in s.
+    /// `noun` names a row, in the singular; its plural must end in s.
     ListFilter(ListView& list, const QString& noun);
 
 protected:

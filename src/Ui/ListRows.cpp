@@ -82,7 +82,7 @@ bool ListRows::contains(int row, const Wanted& wanted) const
     return false;
 }
 
-// Rows that are equal keep their own order, both ways.
+// Equal rows keep their own order in both directions.
 void ListRows::sortShown(int column, Qt::SortOrder order)
 {
     std::vector<QString> keys(static_cast<std::size_t>(count));

@@ -9,14 +9,14 @@
 #include <functional>
 #include <vector>
 
-/// The rows of a ListView, in the order in which they are shown. A row has a number of its own, its place among all
-/// rows as they were set; sorting and filtering change which rows are shown where, and leave the numbers.
+/// The rows of a ListView, in the order in which they are shown. A row's number is its index as it was set; sorting and
+/// filtering don't change it.
 class ListRows : public QAbstractTableModel
 {
 public:
     using CellText = std::function<CString(int row, int column)>;
 
-    /// What stands before a row's first cell, and the word for it.
+    /// The icon before a row's first cell, and its name for screen readers.
     struct Mark
     {
         QIcon icon;
@@ -27,7 +27,7 @@ public:
 
     ListRows(QStringList titles, QObject* parent);
 
-    /// Has `count` rows, all shown in their own order.
+    /// Sets `count` rows and shows all of them, in their own order.
     void setRows(int count, CellText cells, RowMark marks);
 
     /// Shows the rows of which any cell contains `text`, in any letter case, ordered by a column; -1 is their own
@@ -36,10 +36,10 @@ public:
 
     int queryCount() const { return count; }
 
-    /// The number of the row that is shown at that place.
+    /// Returns the number of the row at a place.
     int rowAt(int place) const { return shown[static_cast<std::size_t>(place)]; }
 
-    /// Where a row is shown; an index that is not valid where it isn't.
+    /// Returns the index of a row, an invalid one if it isn't shown.
     QModelIndex indexOf(int row) const;
 
     CString cell(int row, int column) const { return cells(row, column); }

@@ -23,7 +23,8 @@ QStringList titlesOf(const std::vector<ListView::Column>& columns)
     return titles;
 }
 
-// Whole rows, neighbours together: each range of a selection costs a look at all others.
+// Returns a selection of whole rows, with neighbours merged into ranges: adding a range costs a comparison with all
+// others.
 QItemSelection selectionOf(const ListRows& rows, const std::vector<int>& numbers)
 {
     std::vector<int> places;
@@ -189,7 +190,7 @@ void ListView::shareWidth()
         header()->resizeSection(static_cast<int>(i), share);
         rest -= share;
     }
-    sharesWidth = true; // each of these steps looked like one of the user's
+    sharesWidth = true; // the steps above looked like changes by the user
 }
 
 void ListView::setShares(const std::vector<int>& percents)
@@ -219,8 +220,8 @@ void ListView::setWidths(const QList<int>& widths)
     sharesWidth = false;
 }
 
-// A row may have the keyboard's position alone. It is the first one that a cursor key selects: where it is the only row
-// there is nowhere to move.
+// If a row is current but not selected, the first cursor key selects it, because in a list of one row no key could move
+// to it.
 void ListView::keyPressEvent(QKeyEvent* event)
 {
     static constexpr int keys[] = {Qt::Key_Up,  Qt::Key_Down,   Qt::Key_Home,
@@ -245,7 +246,7 @@ void ListView::mousePressEvent(QMouseEvent* event)
 void ListView::mouseReleaseEvent(QMouseEvent* event)
 {
     QTreeView::mouseReleaseEvent(event);
-    if (isVisible()) // a double click may have led to another page
+    if (isVisible()) // a double click may have changed the page
         Q_EMIT chosen();
 }
 

@@ -12,9 +12,9 @@
 /// length is there at once. One row can be selected, unless setSelectionMode() says otherwise; a selected row is
 /// selected over its whole width.
 ///
-/// A click on a column's title sorts by it, a second one the other way round, a third one gives the rows back their own
-/// order. Ctrl+C copies names, the first cells: those of the selected rows, else of all that are shown. Rows are told
-/// by their numbers in the order in which they were set, wherever they are shown.
+/// A click on a column's title sorts by it, a second one in reverse, and a third one restores the rows' own order.
+/// Ctrl+C copies the first cells, which are the names, of the selected rows, or of all shown rows if none is selected.
+/// Row numbers are indices in the order in which rows were set, whatever is shown.
 class ListView : public QTreeView
 {
     Q_OBJECT
@@ -30,8 +30,8 @@ public:
 
     ListView(std::vector<Column> columns, const CString& accessibleName);
 
-    /// Shows `count` rows whose cells `cells` answers, all of them and in this order. `marks`, where there is one,
-    /// answers what stands before a row's name. No row is selected afterwards.
+    /// Shows `count` rows, all in this order. `cells` returns a cell's text; `marks`, if set, returns the icon before a
+    /// row's name. Clears the selection.
     void setRows(int count, CellText cells, RowMark marks = {});
 
     /// Shows only the rows of which a cell contains the text, in any letter case; "" shows all. What is selected and
@@ -48,14 +48,14 @@ public:
 
     CString cell(int row, int column) const { return rows->cell(row, column); }
 
-    /// The first selected row, -1 when there is none.
+    /// Returns the first selected row, -1 if there is none.
     int selectedRow() const;
 
     /// All selected rows, the hidden ones too, by their numbers in order.
     std::vector<int> selectedRows() const;
 
-    /// Selects that row alone and moves the keyboard's position there; a filter that hides it is dropped. For a row
-    /// that there is not, none is selected.
+    /// Selects only this row and makes it current; drops a filter that hides it. Clears the selection if there is no
+    /// such row.
     void selectRow(int row);
 
     /// Gives the columns other widths in per cent of the list, as far as the user has not changed them. A column of 0
@@ -67,11 +67,11 @@ public:
     void setWidths(const QList<int>& widths);
 
 Q_SIGNALS:
-    /// The selection has changed, by whatever the user did, or he has clicked in the list, with any button, on a row or
-    /// beside (which leaves none selected).
+    /// Emitted if the user changes the selection, or clicks in the list with any button. A click beside the rows clears
+    /// the selection.
     void chosen();
 
-    /// Other rows are shown than before; `filter` is the text that they contain.
+    /// Emitted if a filter changes which rows are shown; `filter` is its text.
     void shownRowsChanged(const QString& filter);
 
     /// Other rows may be selected than before, by whatever cause.

@@ -20,7 +20,7 @@ constexpr milliseconds kAtHand(50); // the window is not missed for so long
 constexpr milliseconds kShown(500); // from here on the work is shown
 constexpr milliseconds kRefresh(100);
 
-LongWork* current = nullptr; // set and read in the window's thread, and by its work
+LongWork* current = nullptr; // set in the window's thread, read there and in the work's
 
 bool isInput(const QEvent& event)
 {
@@ -63,7 +63,8 @@ bool isEscape(const QEvent& event)
     }
 }
 
-// Of the keys, those that press a button; others lead away from it.
+// Returns whether an event may reach a button: any but a key that doesn't press it, because other keys move the focus
+// away.
 bool pressesButton(const QEvent& event)
 {
     if (event.type() != QEvent::KeyPress && event.type() != QEvent::KeyRelease)
@@ -110,7 +111,7 @@ void LongWork::run(const std::function<void()>& work)
         std::rethrow_exception(raised);
 }
 
-// In the thread of the work.
+// Runs in the thread of the work.
 std::exception_ptr LongWork::attempt(const std::function<void()>& work)
 {
     std::exception_ptr raised;
@@ -128,7 +129,7 @@ std::exception_ptr LongWork::attempt(const std::function<void()>& work)
     return raised;
 }
 
-// In the thread of the work.
+// Runs in the thread of the work.
 bool LongWork::note(const Progress& now)
 {
     const std::lock_guard lock(mutex);
@@ -148,7 +149,7 @@ void LongWork::cancel()
     Q_EMIT goesOn();
 }
 
-// What is done soon is waited for with no event let in, so that nothing looks or comes different from a plain call.
+// Waits a short time without an event loop, so that short work behaves like a plain call.
 void LongWork::waitAtHand()
 {
     const auto end = steady_clock::now() + kAtHand;
@@ -160,7 +161,7 @@ void LongWork::waitAtHand()
     }
 }
 
-// Until the work is shown, input waits for what comes next; from then on it is dropped.
+// Waits in an event loop. Input stays queued until the progress is shown; from then on the event filter drops it.
 void LongWork::waitInLoop()
 {
     if (isOver())
@@ -176,7 +177,7 @@ void LongWork::waitInLoop()
     while (!isOver())
         loop.exec(refresh.isActive() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
     if (refresh.isActive())
-        QCoreApplication::processEvents(); // what was meant for the work is none of the wizard's
+        QCoreApplication::processEvents(); // drops input meant for the work
     qApp->removeEventFilter(this);
 }
 
@@ -199,7 +200,7 @@ bool LongWork::isOver() const
 
 bool LongWork::mayPass(const QObject* target, const QEvent& event) const
 {
-    const QWidget* const box = QApplication::activeModalWidget(); // which the work has raised
+    const QWidget* const box = QApplication::activeModalWidget(); // shown by the work
     if (!box)
         return target == &cancelButton && pressesButton(event);
     if (!target->isWidgetType())
@@ -208,7 +209,7 @@ bool LongWork::mayPass(const QObject* target, const QEvent& event) const
     return window == box || window->windowType() == Qt::Popup;
 }
 
-// Windows hand their events on to widgets, where they come by once more.
+// Filters events of widgets and shortcuts. Native windows pass their events on to widgets, so those come by here again.
 bool LongWork::eventFilter(QObject* target, QEvent* event)
 {
     const bool concerns = target->isWidgetType() || event->type() == QEvent::Shortcut;

@@ -14,13 +14,12 @@
 
 class QAbstractButton;
 
-/// Calls something in the window's thread and waits for it; what it raises is raised here. For what work shows and
-/// asks.
+/// Runs `call` in the window's thread, waits for it and rethrows its exceptions. For what long work shows and asks.
 void inWindowThread(std::function<void()> call);
 
-/// Does one long work in a thread of its own, while the window goes on to paint, to move and to change its size. What
-/// the user does meanwhile with any window reaches nothing but `cancelButton`; Escape and closing a window do what that
-/// does. The boxes that the work raises by inWindowThread() are used as ever.
+/// Runs one long work in a thread of its own, while the window still paints, moves and resizes. Input reaches only
+/// `cancelButton`; Escape and closing a window act like that button. Boxes that the work shows through inWindowThread()
+/// work as usual.
 class LongWork : public QObject
 {
     Q_OBJECT
@@ -29,23 +28,23 @@ public:
     explicit LongWork(QAbstractButton& cancelButton);
     ~LongWork() override;
 
-    /// Returns when the work is done; what it raises is raised here, Cancelled where it was cancelled. Work that is
-    /// done at once is done as if it had been called.
+    /// Runs the work and returns when it is done. Rethrows its exceptions, and Cancelled if it was cancelled. Short
+    /// work looks like a plain call.
     void run(const std::function<void()>& work);
 
-    /// Has the work end as soon as it next tells how far it has come.
+    /// Cancels the work at its next progress report.
     void cancel();
 
     bool isCancelled() const { return cancelled; }
 
-    /// How far the work has come.
+    /// Returns the last reported progress.
     Progress query() const;
 
 Q_SIGNALS:
-    /// The work takes long enough to be shown; from now on it can be cancelled.
+    /// Emitted once the work has taken long enough to show its progress. From then on it can be cancelled.
     void lasts();
 
-    /// Some time has passed since.
+    /// Emitted regularly afterwards, and when the work is cancelled.
     void goesOn();
 
 protected:
@@ -67,7 +66,7 @@ private:
     LongWork* const outer;
     mutable std::mutex mutex;
     std::condition_variable changed;
-    std::optional<Call> wanted; // in the window's thread
+    std::optional<Call> wanted; // to be run in the window's thread
     bool isDone = false;
     Progress progress;
     std::atomic<bool> cancelled = false;

@@ -13,7 +13,8 @@
 
 namespace {
 
-// The lines as they break at that width. A field that hears of it sets the width back to what it has itself.
+// Returns the height of a text wrapped at a width. Signals are blocked, because the field would reset the width to its
+// own.
 int heightAt(const QTextEdit& text, int width)
 {
     const QSignalBlocker quiet(text.document()->documentLayout());
@@ -21,7 +22,8 @@ int heightAt(const QTextEdit& text, int width)
     return static_cast<int>(std::ceil(text.document()->size().height()));
 }
 
-// Looking for the places where a word may be broken takes time with the square of the word's length.
+// Returns the wrap mode. Qt's search for break points is quadratic in a word's length, so texts with very long words
+// wrap anywhere.
 QTextOption::WrapMode wrapModeFor(const QString& text)
 {
     constexpr int longWord = 1000;
@@ -54,14 +56,14 @@ QTextEdit* MessageTexts::addText(const QString& text, const char* accessibleName
 {
     auto* edit = new QTextEdit;
     edit->setWordWrapMode(wrapModeFor(text));
-    edit->setPlainText(text); // a server's or a file's words: no markup
+    edit->setPlainText(text); // text of a server or a file, so no markup
     edit->document()->setDocumentMargin(0);
     edit->setReadOnly(true);
     edit->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     edit->setTabChangesFocus(true);
     edit->setAccessibleName(accessibleName);
     edit->setFrameStyle(QFrame::NoFrame);
-    edit->viewport()->setAutoFillBackground(false); // it stands on the box like a label
+    edit->viewport()->setAutoFillBackground(false); // looks like a label
     edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     layout()->addWidget(edit);
     return edit;

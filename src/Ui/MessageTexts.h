@@ -5,18 +5,18 @@
 class QTextEdit;
 
 /// The texts of a message box: the message and, below it in smaller letters, its details. Both can be selected, and
-/// scroll where they need more room than they get.
+/// scroll if there is too little room.
 class MessageTexts : public QWidget
 {
 public:
-    /// Without details there is no part for them.
+    /// Empty details take no room.
     MessageTexts(const QString& message, const QString& details);
 
-    /// As wide as the message wants to be but not wider than `width`, and as high as the texts then are but not higher
-    /// than `height`; `least` is a width that it takes in any case.
+    /// Sets a fixed size in pixels. With details the width is `width`, else the message's natural width between `least`
+    /// and `width`. The height is that of the texts at this width, at most `height`.
     void fitInto(int least, int width, int height);
 
-    /// Both texts, to be copied.
+    /// Returns both texts, for copying.
     QString wholeText() const;
 
 private:

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The letter behind the first single '&'; a null character when there is none. "&&" is an ampersand.
+// Returns the letter after the first single '&', a null character if there is none. "&&" is an ampersand.
 QChar mnemonicOf(const QString& text)
 {
     for (qsizetype i = 0; i + 1 < text.size(); ++i) {
@@ -20,7 +20,7 @@ QChar mnemonicOf(const QString& text)
     return {};
 }
 
-// The text of a control that can answer to a letter.
+// Returns the text of a control that can have a mnemonic, else an empty one.
 QString labelOf(const QWidget* control)
 {
     if (const auto* button = qobject_cast<const QAbstractButton*>(control))

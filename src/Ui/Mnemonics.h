@@ -5,16 +5,15 @@
 class QAbstractButton;
 class QWidget;
 
-/// The letters (lower case) that controls inside `page` answer to with Alt.
+/// Returns the letters, in lower case, that activate controls inside `page` with Alt.
 QString mnemonicsOf(const QWidget* page);
 
-/// Sets the button's text with the first letter marked that is not in `taken`, the one that `text` marks before all
-/// others, and adds it there. Without a free letter none is marked.
+/// Sets the button's text and marks a mnemonic that is not in `taken`: the one that `text` marks if it is free, else
+/// the first free letter. Adds it to `taken`. Marks none if no letter is free.
 void setTextWithMnemonic(QAbstractButton& button, const QString& text, QString& taken);
 
-/// Has Tab stop at the radio button that is chosen, of all that stand together inside `page`. From there on the toolkit
-/// keeps to the one that the user moves to.
+/// Makes Tab stop at the checked radio button of each group inside `page`. Later Qt follows the user's choice.
 void leadTabToChosenButtons(const QWidget* page);
 
-/// The control inside `page` that Tab reaches first; null when there is none.
+/// Returns the first control inside `page` in Tab order; null if there is none.
 QWidget* firstTabStop(const QWidget* page);

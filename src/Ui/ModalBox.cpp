@@ -32,7 +32,8 @@ struct Series
 
 Series series;
 
-// The box's own label grows with its text, past the edge of the screen. It keeps the text, and shows nothing.
+// Replaces the box's own label, which grows with its text past the edge of the screen. The label keeps the text and
+// shows nothing.
 void replaceLabel(QMessageBox& box, MessageTexts* texts)
 {
     auto* label = box.findChild<QLabel*>("qt_msgbox_label");
@@ -40,7 +41,8 @@ void replaceLabel(QMessageBox& box, MessageTexts* texts)
     label->hide();
 }
 
-// A window manager cuts a title that is longer than the window, so room for the title and its buttons is held open.
+// Sizes the box for the screen, with room for the title and its buttons, because window managers cut a title that is
+// wider than its window.
 void fitToScreen(const QMessageBox& box, MessageTexts* texts)
 {
     const QSize screen = box.screen()->availableSize();

@@ -7,17 +7,17 @@
 
 class QWidget;
 
-/// Shows one message in a modal box owned by a window: title, text, details in smaller letters where it has any, an OK
-/// button, no icon. However long they are, the box takes at most 60 % of the screen's free height, and title and button
-/// stay in view; the texts scroll then. They can be selected, and Ctrl+C copies them whole. A MessageBoxHandler, for
-/// long work too.
+/// Shows one message in a modal box of a window: title, text, details in smaller letters if there are any, an OK
+/// button, no icon. The box takes at most 60 % of the screen's free height; longer texts scroll, so that title and
+/// button stay visible. The texts can be selected, and Ctrl+C copies them whole. It is a MessageBoxHandler that long
+/// work can call too.
 class ModalBox
 {
 public:
     explicit ModalBox(QWidget& ownerWindow) : owner(&ownerWindow) {}
 
     void operator()(const CString& text, const CString& title) const;
-    void show(const CString& text, const CString& title, const CString& details) const; ///< in the window's thread
+    void show(const CString& text, const CString& title, const CString& details) const; ///< only in the window's thread
 
     /// Asks a question with a button for each answer, the first the default, and Cancel. Returns the answer's number,
     /// -1 for Cancel.
@@ -27,8 +27,7 @@ private:
     QWidget* owner;
 };
 
-/// While one lives, the boxes that are shown belong to one import. From the second on, a box offers to hide the further
-/// ones.
+/// The scope of one import's boxes. From the second on, a box offers to hide the further ones of the import.
 class ImportMessages
 {
 public:

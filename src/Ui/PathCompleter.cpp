@@ -8,10 +8,11 @@
 PathCompleter::PathCompleter(QLineEdit& field) : QCompleter(&field), names(new QStringListModel(this))
 {
     setModel(names);
-    connect(&field, &QLineEdit::textEdited, this, &PathCompleter::offer); // comes before the field asks for completions
+    connect(&field, &QLineEdit::textEdited, this, &PathCompleter::offer); // before the field asks for completions
 }
 
-// While its list is open, no letter with Alt reaches the window. So there is none where nothing is left to complete.
+// Fills the list of completions. It stays empty if nothing is left to complete, because an open list keeps mnemonics
+// from the window.
 void PathCompleter::offer(const QString& typed)
 {
     const QString start = typed.left(typed.lastIndexOf('/') + 1);

@@ -5,12 +5,12 @@
 class QLineEdit;
 class QStringListModel;
 
-/// Completes what is typed in a field as the path of a file, relative ones from the current folder. What is already the
-/// name of a file is left alone.
+/// Completes the path typed in a field; relative paths start at the current folder. Offers nothing if the text is the
+/// name of a file already.
 class PathCompleter : public QCompleter
 {
 public:
-    /// Belongs to the field, which is to be given it as its completer.
+    /// Is owned by the field, whose completer it must become.
     explicit PathCompleter(QLineEdit& field);
 
 private:

@@ -2,7 +2,7 @@
 
 #include <QLabel>
 
-/// A label for a text that may hold a long path: it wraps anywhere rather than widen the window.
+/// A label for a text with a long path. It wraps anywhere, so that it does not widen the window.
 class PathLabel : public QLabel
 {
 public:

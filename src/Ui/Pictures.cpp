@@ -6,8 +6,8 @@
 #include <algorithm>
 
 namespace {
-// Turns lightness over and leaves the distances of the channels from it: near white, a hue taken by itself is noise.
-// What white becomes has to be the ground that the palette's text was chosen for; black stays short of glaring.
+// Inverts the lightness and keeps the differences between the channels, because near white the hue itself is noise.
+// White must become the background of the palette's text; black must not become glaring.
 QRgb darkTone(QRgb tone, int ground)
 {
     constexpr int kBrightest = 230;

@@ -9,12 +9,12 @@
 QLabel* plainLabel(const QString& text)
 {
     auto* label = new QLabel;
-    label->setTextFormat(Qt::PlainText); // before there is text
+    label->setTextFormat(Qt::PlainText); // before the text is set
     label->setText(text);
     return label;
 }
 
-// A tool tip has no format that could be set. One that is wide wraps only as rich text.
+// A tool tip's format can't be set, and a wide one only wraps as rich text.
 QString plainToolTip(const QString& text)
 {
     constexpr int wide = 80;
@@ -25,13 +25,13 @@ QString plainToolTip(const QString& text)
     return "<div style=\"white-space: pre-wrap\">" + shown.toHtmlEscaped() + "</div>";
 }
 
-// "[*]" stands for the mark of an unsaved document, and twice for itself.
+// Qt replaces "[*]" by the mark of an unsaved document; doubled, it is literal.
 QString plainTitle(QString text)
 {
     return text.replace("[*]", "[*][*]");
 }
 
-// Only a valid answer keeps the document from opening the file itself.
+// The result must be valid, or the document opens the file itself.
 void closeRichText()
 {
     QTextDocument::setDefaultResourceProvider([](const QUrl& url) -> QVariant {

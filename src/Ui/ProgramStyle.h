@@ -2,8 +2,8 @@
 
 #include <QProxyStyle>
 
-/// The desktop's style, mended where it lets a control disappear: the toolkit's own one draws check boxes and radio
-/// buttons that aren't chosen in black on a dark ground, and some desktops' palettes the texts in empty fields.
+/// The desktop's style, corrected where controls become invisible: Qt's own style draws unchecked check boxes and radio
+/// buttons in black on a dark background, and some palettes hide the placeholder texts.
 class ProgramStyle : public QProxyStyle
 {
 public:

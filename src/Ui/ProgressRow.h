@@ -5,16 +5,16 @@
 class QLabel;
 class QProgressBar;
 
-/// Says what long work is about and how far it has come, in words and with a bar.
+/// Shows the progress of long work as text and as a bar.
 class ProgressRow : public QWidget
 {
 public:
     ProgressRow();
 
-    /// `part` of the whole, from 0 to 1; below 0 where it isn't known.
+    /// Shows the finished part, from 0 to 1; negative if unknown.
     void show(const QString& text, double part);
 
-    /// Without the bar, where one stands elsewhere.
+    /// Hides the bar, if the page shows one of its own.
     void setBarVisible(bool visible);
 
 private:

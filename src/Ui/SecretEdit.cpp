@@ -12,7 +12,7 @@ void makeSecret(QLineEdit& field)
 
 void takeSecret(QLineEdit& field, CString& secret)
 {
-    QString typed = field.text(); // shares the field's own text, and is its only holder once the field is cleared
+    QString typed = field.text(); // shares the field's text, and is its only owner after clear()
     field.clear();
     QByteArray bytes = typed.toUtf8();
     wipe(secret);

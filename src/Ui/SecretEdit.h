@@ -4,8 +4,8 @@
 
 class QLineEdit;
 
-/// Makes the field one for a password: nothing of it is shown, suggested or remembered.
+/// Makes a field a password field: its text is not shown, suggested or remembered.
 void makeSecret(QLineEdit& field);
 
-/// Moves what is typed in the field into `secret`. The field is empty afterwards, and the text that it held is wiped.
+/// Moves the field's text into `secret`. The field is empty afterwards, and its old text is wiped.
 void takeSecret(QLineEdit& field, CString& secret);

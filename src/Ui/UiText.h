@@ -4,13 +4,13 @@
 
 #include <QString>
 
-/// 8-bit text for a control. Bytes that are no UTF-8 show as U+FFFD.
+/// Returns 8-bit text as Qt's. Invalid UTF-8 becomes U+FFFD.
 inline QString toUi(std::string_view text)
 {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// What a control holds, as 8-bit text.
+/// Returns Qt's text as UTF-8.
 inline CString fromUi(const QString& text)
 {
     return text.toStdString();

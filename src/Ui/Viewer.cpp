@@ -11,8 +11,8 @@
 
 namespace {
 
-// A viewer can outlive the wizard, and a QProcess that is destroyed ends its program: the ones that still run when the
-// wizard ends are left here.
+// The running viewers. A viewer can outlive the wizard, but QProcess's destructor would kill it, so the objects are
+// leaked at the end.
 std::unordered_set<QProcess*>& running()
 {
     static auto& processes = *new std::unordered_set<QProcess*>;
@@ -27,8 +27,8 @@ void forget(QProcess* viewer)
 
 } // namespace
 
-// A viewer can write whatever it likes and isn't to end with the wizard: it gets no terminal of ours, and a session of
-// its own.
+// The viewer gets no terminal and a session of its own, so that it can't write to the wizard's terminal or end with the
+// wizard.
 void showInViewer(const CString& fileName, QObject* context, std::function<void()> whenNoneStarts)
 {
     constexpr int kPatience = 30'000; // ms

@@ -6,8 +6,8 @@
 
 class QObject;
 
-/// Opens a file in what the user views its kind with, through `xdg-open`, or through the program that the environment
-/// variable TYPEFORGE_VIEWER names. Doesn't wait. `whenNoneStarts` is called where the program can't be started, or
-/// ends with a failure within half a minute: xdg-open tries one viewer after the other before it gives up. It is not
-/// called once `context` is gone.
+/// Opens a file in the user's viewer for its type, through `xdg-open`, or through the program in the environment
+/// variable TYPEFORGE_VIEWER. Returns at once. Calls `whenNoneStarts` if the program can't be started, or fails within
+/// half a minute, because xdg-open tries several viewers before it gives up. Does not call it after `context` is
+/// destroyed.
 void showInViewer(const CString& fileName, QObject* context, std::function<void()> whenNoneStarts);

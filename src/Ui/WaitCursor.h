@@ -3,7 +3,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 
-/// Shows the wait cursor while it lives.
+/// Shows the wait cursor in its scope.
 class WaitCursor
 {
 public:
@@ -13,7 +13,7 @@ public:
     WaitCursor& operator=(const WaitCursor&) = delete;
 };
 
-/// Shows the arrow while it lives: for a box that comes up in the middle of long work.
+/// Shows the arrow cursor in its scope: for a box during long work.
 class PlainCursor
 {
 public:

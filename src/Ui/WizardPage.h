@@ -26,28 +26,28 @@ public:
     const QString& queryTitle() const { return title; }
     const QString& querySubtitle() const { return subtitle; }
 
-    /// Called once, before the page is shown for the first time: makes the controls.
+    /// Called once, before the page is first shown. Creates the controls.
     virtual void OnInitDialog() {}
 
     /// Called each time the page is shown: fills the controls, sets the buttons.
     virtual void OnSetActive() {}
 
-    /// The dialog id of the page to show next, 0 for the neighbouring page, -1 to stay.
+    /// Returns the dialog id of the next page, 0 for the neighbouring page, -1 to stay.
     virtual LRESULT OnWizardNext() { return 0; }
 
-    /// The same for the way back.
+    /// Returns the same for the previous page.
     virtual LRESULT OnWizardBack() { return 0; }
 
-    /// Nonzero closes the sheet with the OK result.
+    /// Returns nonzero to close the sheet with the OK result.
     virtual BOOL OnWizardFinish() { return 1; }
 
-    /// The sheet that the page has been added to.
+    /// Returns the sheet of the page, null before AddPage().
     WizardSheet* sheet() const { return owner; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
-    /// Gives a control its numeric id.
+    /// Gives a control its numeric id and returns it.
     template <class Control>
     static Control* withId(int id, Control* control)
     {

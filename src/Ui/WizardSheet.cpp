@@ -39,8 +39,8 @@ constexpr const char* kCancel = "&Cancel";
 constexpr const char* kFinish = "&Finish";
 constexpr const char* kHelp = "&Help";
 
-// A dialog unit is a quarter of the average width of the letters and an eighth of the font's height. What a font gives
-// as its average width counts other characters too and comes out narrower.
+// Converts dialog units: a quarter of the average letter width and an eighth of the font's height. The average width
+// that a font reports includes other characters and is too narrow.
 QSize dialogUnits(const QFontMetrics& metrics, int width, int height)
 {
     const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
@@ -172,7 +172,7 @@ void WizardSheet::cancel()
         reject();
 }
 
-// What was meant for the work that has just ended doesn't close the sheet.
+// Ignores a cancellation right after long work has ended, because it was meant for the work.
 void WizardSheet::reject()
 {
     constexpr qint64 reaction = 500; // milliseconds
@@ -227,7 +227,7 @@ void WizardSheet::showProgress(const LongWork& inHand, QProgressBar* ownBar, con
         ownBar->setValue(static_cast<int>(progress.done));
 }
 
-// The progress takes the place of the other buttons. Were both shown for a moment, the window would grow for good.
+// Hides the buttons before the progress appears. If both were visible for a moment, the window would grow for good.
 void WizardSheet::setNavigation(bool visible)
 {
     if (visible)
@@ -239,7 +239,7 @@ void WizardSheet::setNavigation(bool visible)
         QGuiApplication::restoreOverrideCursor();
     } else {
         cancelButton->setFocus();
-        QGuiApplication::setOverrideCursor(Qt::BusyCursor); // there is something to click at
+        QGuiApplication::setOverrideCursor(Qt::BusyCursor); // not the wait cursor: Cancel can be clicked
     }
 }
 
@@ -248,7 +248,7 @@ void WizardSheet::help()
     OnHelp(activePage()->queryDialogId());
 }
 
-// An exception must not pass through the event loop; what it says is shown and the page stays.
+// Qt's event loop must not see exceptions: the error is shown and the page stays.
 LRESULT WizardSheet::ask(const std::function<LRESULT()>& handler)
 {
     try {
@@ -256,7 +256,7 @@ LRESULT WizardSheet::ask(const std::function<LRESULT()>& handler)
     } catch (const std::exception& error) {
         OnPageError(error);
     } catch (const Cancelled&) {
-        // all is as before
+        // the page stays as it was
     }
     return -1;
 }
@@ -292,7 +292,7 @@ void WizardSheet::activate(int index)
         page->OnSetActive();
     } catch (const std::exception& error) {
         OnPageError(error);
-    } catch (const Cancelled&) { // what the page was to show: back to where it was asked for
+    } catch (const Cancelled&) { // cancelled while filling the page: back to the page before
         return activate(before);
     }
     settleMnemonics();
@@ -319,7 +319,7 @@ void WizardSheet::setVisible(bool visible)
         started = true;
         activate(static_cast<int>(startPage));
         const QSize frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight));
-        if (!testAttribute(Qt::WA_Resized)) // by whoever knows better
+        if (!testAttribute(Qt::WA_Resized)) // keeps a size set by the caller
             resize(sizeHint().boundedTo(screen()->availableSize() - frame));
     }
     QDialog::setVisible(visible);

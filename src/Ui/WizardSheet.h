@@ -20,19 +20,19 @@ class QPushButton;
 class QStackedWidget;
 class WizardPage;
 
-// The platform's window types, as far as signatures name them.
+// The platform's window types that signatures use.
 using CWnd = QWidget;
 using HBITMAP = int;             ///< the resource number of a picture
-using HPALETTE = std::nullptr_t; ///< there are none: a picture brings its own colours
+using HPALETTE = std::nullptr_t; ///< unused: a picture brings its own colours
 
 /// A dialog of pages with the buttons Back, Next, Finish, Cancel and Help ("back", "next", "finish", "cancel", "help").
-/// Each page says which page follows on Next and on Back. Pages are made by their owner and only shown here.
+/// Each page returns which page follows on Next and on Back. Does not own the pages.
 class WizardSheet : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// The buttons that a page may enable; Cancel and Help always are. Finish takes the place of Next.
+    /// The buttons that a page can enable; Cancel and Help always are. Finish replaces Next.
     enum Buttons
     {
         buttonBack = 1,
@@ -49,27 +49,28 @@ public:
 
     WizardSheet(const CString& caption, CWnd* parent, UINT startPage, HBITMAP watermark, HBITMAP header);
 
-    /// Appends a page; its place is its sheet index. The page must live as long as the sheet is shown.
+    /// Appends a page; its position is its sheet index. The page must outlive the sheet's use.
     void AddPage(WizardPage& page);
 
-    /// The sheet index of the page that is shown first.
+    /// Sets the sheet index of the first page.
     void setStartPage(UINT index) { startPage = index; }
 
-    /// Runs the sheet until it closes, on an event loop of its own, so that other windows stay usable.
+    /// Runs the sheet until it closes and returns one of Results. It has an event loop of its own, so that other
+    /// windows stay usable.
     int DoModal();
 
     /// Enables exactly these buttons (of Buttons) and makes Next or Finish the default.
     void SetWizardButtons(int buttons);
 
-    /// The page that is shown; null before the sheet is shown for the first time.
+    /// Returns the current page; null before the sheet is first shown.
     WizardPage* activePage() const;
 
-    /// What the buttons do. A page may call next() for a double click.
+    /// The actions of the buttons. A page may call next() for a double click.
     void back();
     void next();
     void finish();
 
-    /// Answers what `handler` does, and -1 where that raises something: Cancelled, or what is shown then.
+    /// Returns the result of `handler`, or -1 if it throws. Shows the exception, unless it is Cancelled.
     LRESULT ask(const std::function<LRESULT()>& handler);
 
     /// Does something that may take long in a thread of its own, and returns when it is done; what it raises is raised
@@ -81,25 +82,25 @@ public:
     /// Shows the first page when the sheet becomes visible.
     void setVisible(bool visible) override;
 
-    /// 340 x 190 dialog units for the page, and what stands around it.
+    /// Returns the size for a page of 340 x 190 dialog units and the frame around it.
     QSize sizeHint() const override;
 
-    /// The picture behind a page without a header, in the tones of the palette.
+    /// Returns the picture behind cover pages, in the tones of the palette.
     const QImage& queryWatermark() const { return watermark; }
 
 protected:
     void changeEvent(QEvent* event) override;
 
-    /// A page has been shown for the first time; its controls have just been made.
+    /// Called when a page's controls were created, before it is first shown.
     virtual void OnPageMade(WizardPage& page) = 0;
 
-    /// Shows the page of that dialog id, whatever page is shown.
+    /// Shows the page with a dialog id, whatever page is current.
     void showPage(int dialogId) { go(dialogId, 0); }
 
-    /// The Help button or F1 on the page `dialogId`.
+    /// Called for the Help button or F1 on the page `dialogId`.
     virtual void OnHelp(int dialogId) = 0;
 
-    /// A page's handler has thrown; the sheet stays where it is.
+    /// Called if a page's handler has thrown; the page stays.
     virtual void OnPageError(const std::exception& error) = 0;
 
 private:
@@ -123,7 +124,7 @@ private:
     QPushButton* finishButton;
     QPushButton* cancelButton;
     QPushButton* helpButton;
-    QWidget* navigation; // the buttons that lead to other pages
+    QWidget* navigation; // the buttons that change the page
     ProgressRow* progressRow;
     LongWork* work = nullptr; // in hand
     WorkPace pace;            // of it
