@@ -19,7 +19,7 @@ const HelpId helpIds[] = {
 
 namespace {
 
-// False where the screen can't be asked.
+// Returns whether the screen has fewer than 9 bits per pixel; false if unknown.
 bool isLowColour()
 {
     const QScreen* screen = QGuiApplication::primaryScreen();

@@ -1,11 +1,11 @@
 #pragma once
 
-/// Which topic of the help explains a page.
+/// The help topic of a page.
 struct HelpId
 {
     int dialogId;
     int topic;
 };
 
-/// One row for each page, ended by a row whose dialog id is 0; that row's topic, 0, is the default topic.
+/// One row for each page. The last row has the dialog id 0 and the default topic, 0.
 extern const HelpId helpIds[];

@@ -19,7 +19,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-// Nothing refers to the pictures and help pages by name, so out of a library they are only linked in when asked for.
+// Nothing refers to the pictures and help pages by name, so from a library the linker only takes them on demand.
 [[maybe_unused]] static const int resources = [] {
     Q_INIT_RESOURCE(wizard);
     return 0;
@@ -85,7 +85,7 @@ QELWizard::QELWizard(UINT captionId, CWnd* parent, UINT startPage, HBITMAP water
     setMainWindow(this);
     options.getValues();
     titleFont = coverFont("Comic Sans MS", 20);
-    // The order is the sheet's: an answer of 0 leads to the neighbour.
+    // The order matters: a handler's result of 0 leads to the neighbouring page.
     WizardPage* const pages[] = {&firstPage,     &sourceTypePage,   &dataSourcePage, &databaseTablePage,
                                  &sourcePage,    &editPage,         &outputPage,     &outputFile,
                                  &loginToBroker, &createResultPage, &finishPage};
@@ -131,7 +131,7 @@ void QELWizard::OnPageMade(WizardPage& page)
     restoreWidths(page);
 }
 
-// Files are taken on the pages before the types.
+// Accepts files on the pages before the list of types.
 void QELWizard::dragEnterEvent(QDragEnterEvent* event)
 {
     constexpr int pages[] = {IDD_FIRST, IDD_SOURCE_TYPE, IDD_DATA_SOURCE, IDD_DATABASE_TABLE, IDD_SOURCE};

@@ -18,7 +18,7 @@
 class QELWizard : public WizardSheet, public WizardRun
 {
 public:
-    /// Loads the options and adds the pages. Starts on the importer page where the welcome page is to be hidden.
+    /// Loads the options and adds the pages. Starts on the importer page if the welcome page is hidden.
     QELWizard(UINT captionId, CWnd* parent, UINT startPage, HBITMAP watermark, HPALETTE palette, HBITMAP header);
     ~QELWizard() override;
 

@@ -27,7 +27,7 @@ void storeText(const CString& name, const QString& value)
         Registry().setString(HKEY_CURRENT_USER, kKey, name.c_str(), text.data());
 }
 
-// "120 300"; empty for a text that is anything else, a column or a part too few included.
+// Returns the `count` numbers of a text like "120 300"; empty for any other text.
 QList<int> numbersOf(const QString& text, int count)
 {
     QList<int> numbers;
@@ -77,6 +77,6 @@ void storeLayout(const QWidget& window)
     for (const auto* list : window.findChildren<ListView*>())
         storeText(nameOf(*list), textOf(list->queryWidths()));
     for (const auto* splitter : window.findChildren<QSplitter*>())
-        if (const QList<int> sizes = splitter->sizes(); !sizes.contains(0)) // all parts of it have been seen
+        if (const QList<int> sizes = splitter->sizes(); !sizes.contains(0)) // all its parts are visible
             storeText(nameOf(*splitter), textOf(sizes));
 }

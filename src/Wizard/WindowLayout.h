@@ -2,13 +2,13 @@
 
 class QWidget;
 
-// What the user has made of the windows, kept with the settings under keys of its own.
+// The sizes and positions of windows and columns that the user has chosen, stored in the settings.
 
-/// Gives the window the place and size that it had, where they still fit the screens.
+/// Restores a window's position and size, if they still fit the screens.
 void restoreGeometry(QWidget& window);
 
-/// Gives the columns of the lists inside `page`, and its splitters, the widths that they had.
+/// Restores the widths of columns and splitters inside `page`.
 void restoreWidths(const QWidget& page);
 
-/// Stores all of that for a window and everything in it. A failure is not reported.
+/// Stores the layout of a window and everything in it. A failure is not reported.
 void storeLayout(const QWidget& window);

@@ -22,7 +22,8 @@ constexpr char kHelp[] =
     "\n"
     "typeforge-import does the same in a script.\n";
 
-// True where the first argument that counts asks for a text and no window, which has then been shown.
+// Prints the text for the first --help or --version before "--". Returns whether there was one, so that no window
+// opens.
 bool answersInText(int argc, char* argv[])
 {
     for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i) {

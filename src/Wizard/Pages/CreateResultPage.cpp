@@ -37,7 +37,7 @@ void CreateResultPage::OnInitDialog()
     resultBox = withId(IDC_RESULTS, new QListWidget);
     resultBox->setSelectionMode(QAbstractItemView::NoSelection);
     resultBox->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    resultBox->setUniformItemSizes(true); // of many thousand lines only those that show are measured
+    resultBox->setUniformItemSizes(true); // measures only visible lines of many thousand
     resultBox->setAccessibleName("Result of type creation");
     auto* group = new QGroupBox("Result of type creation");
     (new QVBoxLayout(group))->addWidget(resultBox);

@@ -7,7 +7,7 @@ class QHBoxLayout;
 class QLabel;
 class QListWidget;
 
-/// Shows the lines of the last creation run, or those of failures alone, with the totals. What is shown can be copied
+/// Shows the result lines of the last creation run, or only the failures, with totals. The shown lines can be copied
 /// and saved.
 class CreateResultPage : public QELPage
 {

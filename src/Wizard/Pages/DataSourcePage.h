@@ -24,5 +24,5 @@ private:
     ListView* dataSourceList = nullptr;
     QLabel* hint = nullptr;
     std::vector<DataSource> sources; // the rows of the list
-    int selectedSource = -1;         // the row when Next was last pressed
+    int selectedSource = -1;         // the row at the last click on Next, -1 before
 };

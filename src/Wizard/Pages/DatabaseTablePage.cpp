@@ -34,7 +34,7 @@ void DatabaseTablePage::OnInitDialog()
     tableList->setSelectionMode(QAbstractItemView::ExtendedSelection);
     connect(tableList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
     auto* group = new QGroupBox("Available &tables");
-    group->setFocusProxy(tableList); // the group's letter leads there
+    group->setFocusProxy(tableList); // target of the group's mnemonic
     auto* rows = new QVBoxLayout(group);
     rows->addWidget(tableList);
     rows->insertWidget(0, new ListFilter(*tableList, "table")); // above, but behind the list for Tab
@@ -69,7 +69,7 @@ void DatabaseTablePage::OnSetActive()
     selectedOnly->setChecked(false);
     tableList->setRows(0, {});
     tables.clear();
-    listTables(); // may raise the database's error; the list is empty then
+    listTables(); // may throw, and then leaves the list empty
     tableList->setRows(static_cast<int>(tables.size()), [this](std::size_t row, int column) {
         const auto& [name, type, remarks] = tables[row];
         const CString* const texts[] = {&name.name, &type, &name.qualifier, &name.owner, &remarks};

@@ -52,7 +52,7 @@ EditPage::EditPage() : QELPage(IDD_EDIT, "Typeforge - Generated types", IDS_EDIT
 void EditPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
-    wayOut = plainLabel(); // the first for Tab, where it is shown, so that nobody misses it
+    wayOut = plainLabel(); // first in Tab order, so that it is not missed
     wayOut->setObjectName("wayOut");
     wayOut->setWordWrap(true);
     wayOut->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -65,7 +65,7 @@ void EditPage::OnInitDialog()
     connect(readingRow, &ReadingRow::mainElementChosen, this, &EditPage::chooseMain);
     connect(readingRow, &ReadingRow::detailsWanted, this, &EditPage::showReport);
     connect(readingRow, &ReadingRow::fullWanted, this, &EditPage::readInFull);
-    column->insertWidget(1, readingRow); // above, but behind the list for Tab
+    column->insertWidget(1, readingRow); // above the lists, but after them in Tab order
     addMenuRow("&View ...", &EditPage::OnEdit);
     addMenuRow("View in a &window of Typeforge", &EditPage::showDocument);
     addMenuRow("&Picture ...", &EditPage::showPicture);
@@ -82,7 +82,7 @@ QWidget* EditPage::makeLists()
     auto* column = new QVBoxLayout(list);
     column->setContentsMargins({});
     column->addWidget(typeList);
-    column->insertWidget(0, new ListFilter(*typeList, "type")); // above, but behind the list for Tab
+    column->insertWidget(0, new ListFilter(*typeList, "type")); // above the list, but after it in Tab order
     pane = new StructurePane;
     paneTitle = new ElidedLabel;
     paneTitle->setObjectName("structureTitle");
@@ -129,12 +129,12 @@ void EditPage::addMenuRow(const QString& text, void (EditPage::*action)())
 {
     auto* row = new QAction(text, typeList);
     connect(row, &QAction::triggered, this, action);
-    typeList->insertAction(typeList->actions().last(), row); // copying stays the last one
+    typeList->insertAction(typeList->actions().last(), row); // keeps the copy action last
 }
 
 void EditPage::OnSetActive()
 {
-    // What only the full reading knows has left the literal one without a type.
+    // If the literal reading found no types, the file may use constructs that only the full reading knows.
     const bool isLiteral = wizard->message->queryDescriptor()->hasFull() && !wizard->fullMessage();
     const CString uses = isLiteral ? wizard->usedByFull : CString();
     wayOut->setText(tr("Read it in full, by the check box on the page before: it uses %1.").arg(toUi(uses)));
@@ -235,8 +235,8 @@ LRESULT EditPage::OnWizardBack()
     return wizard->options.queryEditBack();
 }
 
-// The next import frees the elements while the page is out of sight. Qt 6.8 hides a page before it was ever shown, too,
-// when there is nothing to clear yet.
+// The next import frees the elements while the page is hidden. Qt 6.8 also hides a page that was never shown, when
+// there is nothing to clear.
 void EditPage::hideEvent(QHideEvent* event)
 {
     if (!event->spontaneous() && typeList)
@@ -250,7 +250,7 @@ void EditPage::clear()
     typeList->setRows(0, {});
 }
 
-// The pane comes and goes where the window passes the width that has room for it; in between, the user decides.
+// Shows or hides the pane when the window passes the width that has room for it. Otherwise the user's choice stays.
 void EditPage::resizeEvent(QResizeEvent* event)
 {
     QELPage::resizeEvent(event);
@@ -258,7 +258,7 @@ void EditPage::resizeEvent(QResizeEvent* event)
         paneButton->setChecked(isWide);
 }
 
-// -1 where none is selected, which the user has been told then.
+// Returns the selected row. Returns -1 if none is selected, after telling the user.
 int EditPage::queryRow()
 {
     const int row = typeList->selectedRow();

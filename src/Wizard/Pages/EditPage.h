@@ -17,8 +17,8 @@ class QPushButton;
 class ReadingRow;
 class StructurePane;
 
-/// Lists the types of the import, shows the document of one in the user's viewer or in a window of the program's own,
-/// its structure in a pane beside the list, and a picture of what it reaches.
+/// Lists the types of the import. Shows a type's document in the user's viewer or in a window of the program, its
+/// structure in a pane beside the list, and a picture of the types that it reaches.
 class EditPage : public QELPage
 {
 public:

@@ -102,10 +102,10 @@ void FilePage::OnPickfile()
     UpdateData(true);
     const CString chosen = chooseFile();
     takeFile(chosen.empty() ? fileName : chosen);
-    fileCombo->setFocus(); // so that Return goes on, and doesn't browse again
+    fileCombo->setFocus(); // Return then continues instead of browsing again
 }
 
-// The folder follows the file name, whether it has just been chosen or was there before.
+// Sets the folder from the file name, which may be new or old.
 void FilePage::takeFolder()
 {
     const CString named = namedFile();

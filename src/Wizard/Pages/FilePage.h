@@ -6,8 +6,8 @@ class PathLabel;
 class QComboBox;
 class QFrame;
 
-/// The base of the two pages that choose a file: a combo box with the recent ones, Browse, and the folder in which a
-/// name without a path is looked for. A file that is dropped on the page is chosen.
+/// The base of the two pages that choose a file: a combo box with recent files, Browse, and the folder for names
+/// without a path. A file dropped on the page is chosen.
 class FilePage : public QELPage
 {
 public:
@@ -16,29 +16,29 @@ public:
     void OnInitDialog() override;
     void OnSetActive() override;
 
-    /// Fills the name of a file in, as if it had been chosen with Browse.
+    /// Takes a file name as if it had been chosen with Browse.
     virtual void takeFile(const CString& chosen);
 
 protected:
-    /// The id of the combo box.
+    /// Returns the id of the combo box.
     virtual int comboId() const = 0;
 
     /// Fills the combo box with the recent files.
     virtual void fillFiles(QComboBox& combo) = 0;
 
-    /// Shows the file dialog; "" when the user cancels.
+    /// Shows the file dialog and returns the name, empty if the user cancels.
     virtual CString chooseFile() = 0;
 
-    /// Files have been dropped on the page.
+    /// Called when files are dropped on the page; there is at least one.
     virtual void OnDrop(const QStringList& files) { takeFile(files.front().toStdString()); }
 
-    /// Remembers the folder that a file was chosen in.
+    /// Stores the folder of the chosen file.
     virtual void setFolder(const CString& folder) = 0;
 
-    /// Makes the remembered folder the current one and answers the text that names it.
+    /// Makes the stored folder the current one and returns the text that shows it.
     virtual CString enterFolder() = 0;
 
-    /// Reads the controls into the members when `save`, else shows the members.
+    /// Reads the controls into the members if `save`, else writes the members to the controls.
     void UpdateData(bool save);
 
     /// Shows an error of the file that is named, like stay(), with the focus on its name and a red frame around that

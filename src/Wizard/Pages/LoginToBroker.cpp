@@ -25,7 +25,7 @@
 
 namespace {
 
-// Letter by letter, so that the text keeps its length and the cursor its place.
+// Converts letter by letter, so that the text keeps its length and the cursor its position.
 QString upperCase(QString text)
 {
     for (QChar& c : text)
@@ -33,7 +33,7 @@ QString upperCase(QString text)
     return text;
 }
 
-// Lets everything in, as upper case.
+// Accepts any text and turns it to upper case.
 class UpperCase : public QValidator
 {
 public:
@@ -140,8 +140,8 @@ void LoginToBroker::OnLogonBroker()
     userCombo->setEnabled(true);
 }
 
-// The local repository asks nobody who he is. Where the name goes on, as "localhost", what was chosen before comes
-// back.
+// Selects the trusted logon for "local", because the local repository needs no user. Restores the earlier choice if the
+// name changes again, for example to "localhost".
 void LoginToBroker::suggestLogon(const QString& typed)
 {
     if (typed != "local") {
@@ -164,7 +164,7 @@ LRESULT LoginToBroker::OnWizardNext()
     }
     storeChoices();
     CString failure, reason;
-    std::optional<int> errors; // none of a run that was cancelled
+    std::optional<int> errors; // nothing if the run was cancelled
     const bool isTrusted = logonSel == LogonKind::trusted;
     wizard->script.overwrite.clear();
     sheet()->runLong(
@@ -193,7 +193,8 @@ LRESULT LoginToBroker::OnWizardNext()
     return IDD_CREATE_RESULT;
 }
 
-// Reads the controls; false, with the focus there, when the port is no number. An empty port is 0, a blank field.
+// Reads the controls. Returns false and focuses the port if it is not a number. An empty port becomes 0, which
+// blankField() reports.
 bool LoginToBroker::UpdateData()
 {
     server = fromUi(serverCombo->currentText());
@@ -237,7 +238,7 @@ void LoginToBroker::storeChoices()
     options.setUseTrustedLogon(logonSel == LogonKind::trusted);
 }
 
-// In the thread of the long work.
+// Runs in the thread of the long work.
 std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
 {
     QELOptions& options = wizard->options;
@@ -268,7 +269,7 @@ OverwriteChoice LoginToBroker::ask(const CString& question, const CString& detai
     dialog.details = details;
     const PlainCursor arrow;
     dialog.DoModal();
-    CString& word = wizard->script.overwrite; // what the first answer says of all of them
+    CString& word = wizard->script.overwrite; // the first answer decides for all
     if (word.empty())
         word = dialog.choice == OverwriteChoice::yesToAll  ? "all"
                : dialog.choice == OverwriteChoice::noToAll ? "none"

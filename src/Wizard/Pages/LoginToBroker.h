@@ -27,7 +27,7 @@ public:
     void OnLogonBroker();
 
 private:
-    /// What is chosen, as the radio buttons are numbered.
+    /// The choice, numbered like the radio buttons.
     enum class LogonKind : int
     {
         none = -1,
@@ -56,5 +56,5 @@ private:
     CString password;
     CString user;
     LogonKind logonSel = LogonKind::none;
-    bool isSuggested = false; // the trusted logon, by the server's name
+    bool isSuggested = false; // the trusted logon was suggested by the server's name
 };

@@ -105,7 +105,7 @@ LRESULT OutputFile::OnWizardNext()
     const WaitCursor wait;
     FileCause cause = FileCause::none;
     sheet()->runLong([&] {
-        AtomicFile file(fileName); // an older file stays as it is until the new one is whole
+        AtomicFile file(fileName); // keeps an older file until the new one is complete
         if (file.queryCause() == FileCause::none)
             wizard->message->writeXML([&file](std::string_view text) { file.write(text); });
         cause = file.commit();

@@ -8,7 +8,7 @@ class QButtonGroup;
 class OutputPage : public QELPage
 {
 public:
-    /// As the settings keep it.
+    /// Numbered as in the settings.
     enum OutputMode : int
     {
         toFile = 0,

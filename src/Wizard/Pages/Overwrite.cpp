@@ -42,7 +42,7 @@ void OverWriteDlg::addButton(int id, const char* label, void (OverWriteDlg::*han
 int OverWriteDlg::DoModal()
 {
     auto* question =
-        new MessageTexts(toUi(text), toUi(details)); // which breaks a long name, and scrolls where it is too long yet
+        new MessageTexts(toUi(text), toUi(details)); // breaks a long name, and scrolls a text that is still too long
     question->setObjectName(QString::number(IDC_OVERWRITE_TEXT));
     static_cast<QGridLayout*>(layout())->addWidget(question, 0, 0, 1, -1);
     setAccessibleDescription(question->wholeText());

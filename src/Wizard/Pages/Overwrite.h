@@ -5,13 +5,13 @@
 
 #include <QDialog>
 
-/// Asks whether a type that exists is to be replaced.
+/// Asks whether to replace an existing type.
 class OverWriteDlg : public QDialog
 {
 public:
     explicit OverWriteDlg(CWnd* owner);
 
-    /// Shows `text` and returns when the dialog has closed, with the OK result when it was by a button.
+    /// Shows the dialog. Returns the OK result if a button closed it, with the answer in `choice`.
     int DoModal();
 
     void OnYes() { answer(OverwriteChoice::yes); }
@@ -22,7 +22,7 @@ public:
 
     OverwriteChoice choice = OverwriteChoice::no;
     CString text;    ///< the question
-    CString details; ///< shown below it; "": there are none
+    CString details; ///< shown below it; empty for none
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -9,18 +9,18 @@ class QLabel;
 class QPlainTextEdit;
 class QPushButton;
 
-/// Shows how a source begins and, below that, how many types and losses each reading of it gives. Both are looked up in
-/// the background.
+/// Shows the beginning of a source and, below it, the number of types and losses with each reading. Both are determined
+/// in the background.
 class PreviewPane : public QWidget
 {
 public:
     /// `reading` is the control that chooses the reading; it stands beside the counts.
     explicit PreviewPane(QWidget* reading);
 
-    /// Shows another source, after a moment in which the user may go on typing. Without a name none is shown.
+    /// Shows another source, after a short delay for further typing. Shows none for an empty name.
     void showSource(const SourcePreview::Source& source);
 
-    /// Drops what is being counted.
+    /// Cancels the counting.
     void stop();
 
 protected:

@@ -6,7 +6,7 @@
 
 class WizardRun;
 
-/// The base of the wizard's pages: a page that knows the wizard's shared state.
+/// The base of the wizard's pages: a page with access to the wizard's state.
 class QELPage : public WizardPage
 {
 public:
@@ -19,10 +19,10 @@ public:
     void OnInitDialog() override;
 
 protected:
-    /// Shows the text `textId` of the string table as an error, with the reason behind it as its details, and answers
-    /// -1: the page stays.
+    /// Shows an error, by its text or its id in the string table, with the cause as its details. Returns -1, which
+    /// makes the page stay.
     static LRESULT stay(UINT textId, const CString& details = {});
     static LRESULT stay(const CString& text, const CString& details = {});
 
-    WizardRun* wizard = nullptr; // taken when the dialog is initialised
+    WizardRun* wizard = nullptr; // set by OnInitDialog()
 };

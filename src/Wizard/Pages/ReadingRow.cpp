@@ -34,7 +34,7 @@ ReadingRow::ReadingRow() :
     row->setContentsMargins({});
     row->addWidget(mainElementLabel);
     row->addWidget(mainElement);
-    row->addStretch(); // where there is no count
+    row->addStretch(); // takes the room of a hidden count
     row->addWidget(count, 1);
     row->addWidget(readInFull);
     row->addWidget(details);
@@ -66,7 +66,7 @@ void ReadingRow::showMainElements(const FullMessage* full)
     mainElement->setVisible(isChoice);
 }
 
-// Without losses, details are worth a row only if there are places to look at.
+// If nothing was lost, details only count if there are places to look at.
 void ReadingRow::showCount(const MsgBase& message)
 {
     const SourceReport& report = message.queryReport();

@@ -10,8 +10,8 @@ class MsgBase;
 class QLabel;
 class QPushButton;
 
-/// What the review page says of how the source was read: how much of it was not carried over, and for a full reading
-/// the main element, to choose another where several could be it. Hidden where there is nothing to say.
+/// The review page's row about how the source was read: what was not carried over, and after a full reading the main
+/// element, with a choice if several are possible. Hidden if it has nothing to show.
 class ReadingRow : public QWidget
 {
     Q_OBJECT
@@ -19,17 +19,17 @@ class ReadingRow : public QWidget
 public:
     ReadingRow();
 
-    /// Shows a new import; `full` is the same one where it was read in full, else null.
+    /// Shows a new import. `full` is the same object if the source was read in full, else null.
     void showReading(const MsgBase& message, const FullMessage* full);
 
-    /// Shows what an import left out.
+    /// Shows how much an import left out.
     void showCount(const MsgBase& message);
 
     /// Offers the full reading, or doesn't.
     void offerFull(bool isOffered);
 
 Q_SIGNALS:
-    /// The user has chosen a main element; "" is the source's own choice.
+    /// Emitted when the user chooses a main element; empty means the source's own choice.
     void mainElementChosen(const CString& name);
 
     void detailsWanted();

@@ -26,7 +26,7 @@
 
 namespace {
 
-// All types, each importer's own kind once, all files.
+// Returns the file types: all types, each importer's own kind once, all files.
 std::vector<FileFilter> fileFilters()
 {
     std::vector<UINT> labels = {IDS_FILTER_ALL_TYPES};
@@ -38,11 +38,12 @@ std::vector<FileFilter> fileFilters()
     labels.push_back(IDS_FILTER_ALL_FILES);
     std::vector<FileFilter> filters;
     for (const UINT label : labels)
-        filters.push_back({loadText(label), loadText(label + 1)}); // a pattern's id follows its label's
+        filters.push_back({loadText(label), loadText(label + 1)}); // the pattern's id follows the label's
     return filters;
 }
 
-// While one lives, an error that comes of what the literal reading doesn't know names the way out in its details.
+// In its scope, an error caused by a construct that the literal reading doesn't know suggests the full reading in its
+// details.
 class WayOut
 {
 public:
@@ -137,7 +138,7 @@ void SourcePage::lookAhead()
     pane->showSource(source);
 }
 
-/// Changes the importer for the one of its row that reads as it was asked for.
+/// Switches to the reading of the importer that the check box asks for.
 void SourcePage::chooseReading()
 {
     const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
@@ -188,7 +189,7 @@ LRESULT SourcePage::OnWizardNext()
     chooseReading();
     const WayOut hint(*wizard, names.front());
     if (!wizard->importSources(names))
-        return -1; // the importer has said why
+        return -1; // the importer has shown the error
     wizard->options.setEditBack(IDD_SOURCE);
     return IDD_EDIT;
 }

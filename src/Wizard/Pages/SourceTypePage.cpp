@@ -37,7 +37,7 @@ QWidget* SourceTypePage::makePathGroup()
 {
     auto* group = new QGroupBox("&Path for objects");
     pathEdit = withId(IDC_OBJECT_PATH, new QLineEdit);
-    pathEdit->setAcceptDrops(false); // a file is for the page
+    pathEdit->setAcceptDrops(false); // dropped files are for the page
     pathEdit->setAccessibleName("Path for objects");
     (new QVBoxLayout(group))->addWidget(pathEdit);
     return group;

@@ -7,8 +7,8 @@
 class ListView;
 class QLineEdit;
 
-/// Chooses the importer and the base path of the types. The wizard's importer always belongs to the selected row, and
-/// is a fresh one each time the page is shown.
+/// Chooses the importer and the base path of the types. The wizard's importer always belongs to the selected row; each
+/// time the page is shown, a new one is created.
 class SourceTypePage : public QELPage
 {
 public:
@@ -19,7 +19,7 @@ public:
     LRESULT OnWizardNext() override;
 
 private:
-    /// Makes the importer of the selected row; none when there is none.
+    /// Creates the importer of the selected row; null if none is selected.
     void OnClickSource();
     void OnDblclkSource();
     QWidget* makePathGroup();

@@ -6,15 +6,15 @@
 
 class QLineEdit;
 
-/// Asks for the user and the password that a data source wants.
+/// Asks for the user and the password of a data source.
 class DataSourceLogon : public QDialog
 {
 public:
-    /// `reason` is the driver's text for the logon that was refused, `user` the one that it was refused to, if any.
+    /// `reason` is the driver's text for the refused logon, `user` its user; both may be empty.
     DataSourceLogon(QWidget* parent, const CString& source, const CString& reason, const CString& user);
 
-    /// Shows the dialog. True when the user has confirmed it; `user` is then the one that was typed, and `logon` what
-    /// CDatabase::Open() takes, with the password.
+    /// Shows the dialog. Returns true if the user confirms it; `user` is then the one typed, and `logon` the text for
+    /// CDatabase::Open(), which holds the password.
     bool ask(CString& user, CString& logon);
 
 private:

@@ -20,7 +20,7 @@ constexpr const char* kUsersKey = "SOFTWARE\\ZANTH\\QEL\\Users";
 constexpr const char* kBrokersKey = "SOFTWARE\\ZANTH\\QEL\\Broker";
 
 constexpr std::size_t kMaxEntries = 15;
-constexpr std::size_t kMaxRead = 1'000; // of what others have stored
+constexpr std::size_t kMaxRead = 1'000; // entries; other programs may have stored more
 constexpr std::size_t kMaxPath = 260;   // bytes, the terminating zero included
 constexpr std::size_t kMaxName = 10;
 constexpr unsigned int kDefaultPort = 7250;
@@ -193,7 +193,7 @@ void AddUnique(const CString& text, CStringList& list, int atHead)
     const auto found = std::find(list.begin(), list.end(), text);
     list.insert(atHead != 0 ? list.begin() : list.end(), text);
     if (found != list.end())
-        list.erase(found); // last: `text` may be the one found
+        list.erase(found); // last, because `text` may be that entry
     while (list.size() > kMaxEntries)
         list.pop_back();
 }

@@ -9,22 +9,22 @@
 
 class Registry;
 
-/// The user's choices that the pages share. What of them lasts beyond the run is loaded by getValues() and stored by
-/// flushValues().
+/// The user's choices that the pages share. getValues() loads the lasting ones, flushValues() stores them.
 class QELOptions
 {
 public:
-    /// Takes the current folder; reads no settings.
+    /// Stores the current folder. Reads no settings.
     QELOptions();
     ~QELOptions();
 
     /// Loads every setting. A missing one gets its default.
     void getValues();
 
-    /// Stores every setting, all at once; a failure is not reported.
+    /// Stores all settings in one transaction. A failure is not reported.
     void flushValues();
 
-    // The recent entries, newest first. Adding puts a text at the head; filling answers the entry that is then shown.
+    // The recent entries, newest first. Adding puts a text at the head. Filling fills a combo box and returns the entry
+    // that it shows.
     void addInputFile(const CString& file);
     void addOutputFile(const CString& file);
     void addUser(const CString& user);
@@ -35,13 +35,13 @@ public:
     CString fillBrokerIP(CComboBox& combo);
     CString queryInputFile();
 
-    // The lines of the last creation run, and what each of them says.
+    // The result lines of the last creation run, and their kinds.
     void clearResultList();
     void addResult(const CString& line, ResultKind kind = ResultKind::unknown);
     void fillResultList(CListBox& box) const;
     const std::vector<ResultKind>& queryResultKinds() const { return resultKinds; }
 
-    /// The folder that the program was started in; the file pages return to it.
+    /// Returns the folder in which the program was started. The file pages return to it.
     const CString& queryCWD() const { return cwd; }
 
     int queryHideWelcome() const { return hideWelcome; }
@@ -72,15 +72,15 @@ public:
     int queryUseTrustedLogon() const { return useTrustedLogon; }
     void setUseTrustedLogon(int trusted) { useTrustedLogon = trusted; }
 
-    /// The broker password typed in this run; never stored.
+    /// Returns the broker password typed in this run. It is never stored.
     const CString& queryPwd() const { return pwd; }
     void setPwd(const CString& password);
 
-    /// The base path of the generated types, as confirmed for this import.
+    /// Returns the base path of the generated types, as confirmed for this import.
     const CString& queryPath() const { return basePath; }
     void setPath(const CString& path) { basePath = path; }
 
-    /// The dialog id of the page that Back on the review page returns to.
+    /// Returns the dialog id of the page to which Back on the review page leads.
     long queryEditBack() const { return editBack; }
     void setEditBack(long dialogId) { editBack = dialogId; }
 
@@ -108,19 +108,19 @@ private:
     std::vector<ResultKind> resultKinds; // of its lines
 };
 
-/// Puts `text` at the head (`atHead` nonzero) or the tail of `list`, its first equal entry removed, and cuts the list
-/// to 15 entries.
+/// Puts `text` at the head (`atHead` nonzero) or the tail of `list` and removes its first equal entry. Cuts the list to
+/// 15 entries.
 void AddUnique(const CString& text, CStringList& list, int atHead);
 
-/// Inserts the entries before those of the combo box, selects the head entry and answers it; "" for an empty list.
+/// Inserts the entries before those of the combo box, selects the head entry and returns it; empty for an empty list.
 CString FillCombo(CComboBox& combo, CStringList& list);
 
-/// The head entry; "" for an empty list.
+/// Returns the head entry; empty for an empty list.
 CString QueryTop(CStringList& list);
 
-/// Appends the values of a settings key. Names of more than 9 bytes, texts of more than 259 and a list of 1,000 entries
-/// end the reading.
+/// Appends the values of a settings key. Stops at a name of more than 9 bytes, a text of more than 259, or 1,000
+/// entries.
 void FillFromReg(CStringList& list, const char* key);
 
-/// Stores the entries as the values "a", "b", "c", … of a settings key; other values that it has stay.
+/// Stores the entries as the values "a", "b", "c", … of a settings key. Its other values stay.
 void FlushToReg(Registry& reg, CStringList& list, const char* key);

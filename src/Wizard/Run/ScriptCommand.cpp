@@ -7,8 +7,8 @@
 
 namespace {
 
-// https://pubs.opengroup.org/onlinepubs/9699919799/utilities/V3_chap02.html#tag_18_02: between single quotes every
-// character but that quote stands for itself.
+// Returns a word quoted for a shell. Between single quotes every character but that quote is literal:
+// https://pubs.opengroup.org/onlinepubs/9699919799/utilities/V3_chap02.html#tag_18_02
 CString quoted(const CString& word)
 {
     constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_./:@%+,=";
@@ -20,7 +20,7 @@ CString quoted(const CString& word)
     return text + "'";
 }
 
-// As one word, so that a value may start with a dash.
+// Returns an option and its value as one word, so that the value may begin with a dash.
 CString option(const char* name, const CString& value)
 {
     return value.empty() ? CString() : CString(" ") + name + "=" + quoted(value);
@@ -45,7 +45,7 @@ CString ScriptCommand::text(const MsgBase& message) const
         line += option("--root", full->queryRoot());
     }
     line += option("--output", output);
-    if (output.empty()) // --user is then the broker's
+    if (output.empty()) // --user is the broker's then
         line += option("--create", address) + option("--user", user) + option("--source-user", sourceUser) +
                 option("--overwrite", overwrite);
     else

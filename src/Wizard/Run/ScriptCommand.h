@@ -6,24 +6,24 @@
 
 class MsgBase;
 
-/// What the wizard has done since the importer was chosen, as far as a script would have to say it. The pages note it;
-/// a password is none of it.
+/// The steps of the wizard since the importer was chosen, as a script needs them. The pages record them. Holds no
+/// password.
 struct ScriptCommand
 {
-    CString source; ///< a file or a folder by its name from the root, or a data source
+    CString source; ///< a file or folder by its absolute name, or a data source
     CString basePath = {};
-    CString sourceUser = {}; ///< who was logged on to the data source; empty: nobody had to be
+    CString sourceUser = {}; ///< the user of the data source; empty if it needed no logon
     std::vector<CString> tables = {};
-    CString output = {};    ///< the file that was written, by its name from the root; empty: created in the broker
+    CString output = {};    ///< the file written, by its absolute name; empty if created in the broker
     CString address = {};   ///< of the broker
-    CString user = {};      ///< of the broker; empty: the user that runs the program
-    CString overwrite = {}; ///< the word of the command line for the answers that were given; empty: nothing was asked
-    std::vector<CString> furtherSources = {}; ///< files and folders that are read as one source with `source`
+    CString user = {};      ///< of the broker; empty for the user that runs the program
+    CString overwrite = {}; ///< the command line's word for the answers given; empty if nothing was asked
+    std::vector<CString> furtherSources = {}; ///< files and folders read as one source with `source`
 
-    /// The command line of `typeforge-import` that does the same with an importer of the same kind, as a shell takes
-    /// it.
+    /// Returns the command line of `typeforge-import` that does the same with an importer of the same kind, quoted for
+    /// a shell.
     CString text(const MsgBase& message) const;
 };
 
-/// The name of a file from the root, whatever the current folder is later.
+/// Returns a file's absolute name, which does not depend on the current folder.
 CString absoluteName(const CString& fileName);

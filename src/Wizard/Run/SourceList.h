@@ -6,14 +6,14 @@
 
 class MsgUIDescriptor;
 
-/// The files and folders that the text of a file field names. Several stand in double quotes, with a blank between
-/// them and a quote inside a name doubled; every other text, and the name of an existing file, is one name.
+/// Returns the files and folders that the text of a file field names. Several names are in double quotes, separated by
+/// blanks, with a quote inside a name doubled. Any other text, and the name of an existing file, is one name.
 std::vector<CString> sourcesIn(const CString& text);
 
-/// The text that names these; "" for none.
+/// Returns the text for these names; empty for none.
 CString textOfSources(const std::vector<CString>& names);
 
-/// Whether an importer, or the full reading of its kind of source, reads several files as one source.
+/// Returns whether an importer, or the full reading of its kind of source, reads several files as one source.
 bool readsSeveral(const MsgUIDescriptor& importer);
 
 bool isFolder(const CString& name);

@@ -8,8 +8,8 @@
 #include <memory>
 #include <thread>
 
-/// Looks at a source before it is imported, in a thread of its own: how it begins, and how many types and losses an
-/// import of it has by each of its importer's readings.
+/// Previews a source before the import, in a thread of its own: its first lines, and the number of types and losses
+/// with each reading of its importer.
 class SourcePreview : public QObject
 {
     Q_OBJECT
@@ -22,13 +22,13 @@ public:
         CString basePath;
     };
 
-    /// How an import ends by one reading.
+    /// The result of an import with one reading.
     struct Count
     {
-        bool isKnown = false; ///< false: it has not been read so yet, or can't be
+        bool isKnown = false; ///< false if not read in this way yet, or not possible
         int types = 0;
         std::size_t losses = 0;
-        QString failure; ///< the first line of the error; "" if there was none
+        QString failure; ///< the first line of the error; empty if none
 
         bool fails() const { return types == 0 && !failure.isEmpty(); }
     };
@@ -36,21 +36,21 @@ public:
     SourcePreview() = default;
     ~SourcePreview() override; ///< waits for the thread, which ends soon
 
-    /// The bytes up to which a source is counted without being asked to.
+    /// The largest source, in bytes, that is counted without a request.
     static constexpr std::uint64_t kSmall = 50'000'000;
 
-    /// Drops what was in hand and looks at another source. What is larger than kSmall is counted only with `isWanted`.
+    /// Cancels the current preview and starts another. A source larger than kSmall is only counted if `isWanted`.
     void start(const Source& source, bool isWanted = false);
 
-    /// Drops what is in hand; nothing more is told of it.
+    /// Cancels the current preview; emits no more signals for it.
     void drop();
 
 Q_SIGNALS:
-    /// The source begins with `text`, its first lines; "" if it can't be shown as text. Comes first, and alone if there
-    /// is no such source (`size` is 0 then). `isCounted` says whether counts follow.
+    /// Emitted first, with the first lines of the source; `text` is empty if it can't be shown as text. The only signal
+    /// if the source doesn't exist (`size` is 0 then). `isCounted` says whether counts follow.
     void begun(const QString& text, quint64 size, bool isCounted);
 
-    /// What is known so far. Comes once for each reading.
+    /// Emitted once for each reading, with the results so far.
     void counted(const SourcePreview::Count& literal, const SourcePreview::Count& full);
 
 private:

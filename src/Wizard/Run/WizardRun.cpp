@@ -85,7 +85,7 @@ int WizardRun::readSources()
 
 bool WizardRun::openDatabase()
 {
-    database.reset(); // closed before the next one opens: a source may allow one connection only
+    database.reset(); // closed first, because a source may allow only one connection
     database = std::make_unique<CDatabase>();
     Secret logon;
     for (;;) {

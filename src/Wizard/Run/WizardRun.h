@@ -13,7 +13,7 @@
 
 class WizardSheet;
 
-/// The state of one run of the wizard, which its pages share, and the steps that more than one page takes.
+/// The state of one run of the wizard, shared by its pages, and the steps that several pages take.
 class WizardRun : public MainWindow
 {
 public:
@@ -24,44 +24,44 @@ public:
         folderOutput = 2
     };
 
-    /// Work that takes long is done on `sheet`.
+    /// `sheet` runs long work.
     explicit WizardRun(WizardSheet& sheet) : sheet(sheet) {}
 
-    /// Changes the process's current folder (an empty one: the start folder) and returns the text that says where it
-    /// is; the start folder's, and no change, when there is no such folder.
+    /// Changes the process's current folder; an empty name means the start folder. Returns the text that shows the
+    /// folder. If the folder doesn't exist, changes nothing and returns the start folder's text.
     CString setCurrentFolder(WhichFolder which);
 
-    /// Runs the importer on a file, or on several files and folders as one source; a bare name is one of the input
-    /// folder. A full reading takes the layout of the options. False if that failed, which the user has been told.
-    /// Raises Cancelled.
+    /// Runs the importer on a file, or on several files and folders as one source; a bare name is looked up in the
+    /// input folder. A full reading uses the layout of the options. Returns false on failure, which the user has been
+    /// shown. Throws Cancelled.
     bool importSources(const std::vector<CString>& names);
 
-    /// The same once more, with what was imported last.
+    /// Runs the last import again.
     bool importAgain() { return importSources(std::vector<CString>(sources)); }
 
-    /// Opens the data source that is in `script`. Asks for user and password as often as they are refused. False if
-    /// it can't be opened, which has then been said, or the user gives up. Raises CDBException and Cancelled.
+    /// Opens the data source in `script`. Asks for user and password until they are accepted. Returns false if it can't
+    /// be opened, after showing why, or if the user gives up. Throws CDBException and Cancelled.
     bool openDatabase();
 
-    /// The importer, when it is one that reads its source in full; else null.
+    /// Returns the importer if it reads its source in full, else null.
     FullMessage* fullMessage() const;
 
-    /// What a file uses that only the full reading of the importer's kind of source knows, in words. "" if that is
-    /// nothing, there is no such reading, or it is the one that was chosen.
+    /// Returns the constructs of a file that only the full reading supports, in words. Empty if there are none, there
+    /// is no such reading, or it is the current one.
     CString usesOfFull(const CString& fileName) const;
 
-    /// Takes files and folders as the source: chooses the importer of the first and shows the input page with the names
-    /// filled in. What can't be taken, or not with the first, is named in a message.
+    /// Takes files and folders as the source: chooses the importer of the first one and shows the input page with their
+    /// names. A message lists those that can't be imported, or not with the first one.
     virtual void openFiles(const QStringList& files) = 0;
 
     CDatabase* queryDatabase() override { return database.get(); }
 
-    std::unique_ptr<MsgBase> message; ///< the importer that was chosen; null when none is
+    std::unique_ptr<MsgBase> message; ///< the chosen importer; null if none
     QELOptions options;
-    std::unique_ptr<CDatabase> database; ///< the data source that was opened last; null until one is
-    ScriptCommand script;                ///< what has been done since the importer was chosen
-    CString usedByFull; ///< what the source that was imported uses that only the full reading knows; see usesOfFull()
-    QFont titleFont;    ///< of the large texts on the first and the last page
+    std::unique_ptr<CDatabase> database; ///< the last opened data source; null before
+    ScriptCommand script;                ///< the steps since the importer was chosen
+    CString usedByFull;                  ///< constructs of the last source that need the full reading, see usesOfFull()
+    QFont titleFont;                     ///< of the large texts on the first and the last page
 
 private:
     int readSources();

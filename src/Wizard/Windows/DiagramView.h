@@ -24,7 +24,7 @@ public:
 
     void zoom(double factor);
 
-    /// Shows the whole picture, not larger than its own size.
+    /// Shows the whole picture, not enlarged.
     void showAll();
 
     void showOwnSize();

@@ -52,7 +52,7 @@ DiagramWindow::DiagramWindow(QWidget* owner, const std::shared_ptr<const TypeStr
     for (const QKeySequence& key : {QKeySequence(Qt::ALT | Qt::Key_Left), QKeySequence(Qt::Key_Backspace)})
         new QShortcut(key, this, this, &DiagramWindow::goBack);
     const QSize wanted(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36);
-    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // what is left is for the frame
+    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // leaves room for the frame
     view->setFocus();
 }
 

@@ -21,7 +21,8 @@
 
 namespace {
 
-// The document with each tag on a line of its own. It holds no text, and its values no '<' or '>'.
+// Returns a type's document with each tag on a line of its own. Such documents contain no text, and no '<' or '>' in
+// values.
 CString indented(std::string_view document)
 {
     CString lines;
@@ -57,7 +58,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
     text->setReadOnly(true);
-    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard); // with a cursor to read by
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard); // shows a cursor
     text->setTabChangesFocus(true);
     text->setPlainText(toUi(isType ? indented(document) : document));
     if (isType)
@@ -69,7 +70,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     column->addLayout(makeButtonRow());
     new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
     const QSize wanted(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 30);
-    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // what is left is for the frame
+    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // leaves room for the frame
     text->setFocus();
 }
 
@@ -122,7 +123,7 @@ QHBoxLayout* DocumentWindow::makeButtonRow()
     return row;
 }
 
-// Goes on at the other end where there is nothing more on this side.
+// Searches on from the other end if nothing more is found.
 void DocumentWindow::find(bool backward)
 {
     const QString wanted = findEdit->text();

@@ -9,8 +9,8 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 
-/// Shows the document of a type, indented and coloured, or a report as it is, to read, search, copy and save. A window
-/// of its own beside the wizard, which goes when it is closed or when its owner goes.
+/// A window that shows the document of a type, indented and coloured, or a report as it is, to read, search, copy and
+/// save. It stays open beside the wizard until it or its owner is closed.
 class DocumentWindow : public QWidget
 {
 public:
@@ -20,8 +20,7 @@ public:
         ofReport
     };
 
-    /// `document` is a type's document, `name` the type's name, or those of a report. `note` says why the window came
-    /// up, "" for nothing.
+    /// `document` and `name` are a type's, or a report's. `note` explains why the window appeared; empty for nothing.
     DocumentWindow(QWidget* owner, const CString& name, const CString& document, const QString& note,
                    Kind kind = ofType);
 

@@ -13,7 +13,7 @@
 #include <iterator>
 
 namespace {
-// By topic number; what has no page of its own gets the first one.
+// By topic number; other numbers get the first page.
 constexpr const char* kPages[] = {"index",  "welcome", "results", "datasource", "tables",    "types",
                                   "finish", "login",   "output",  "outputfile", "inputfile", "importer"};
 
@@ -54,7 +54,7 @@ HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser(new
     connect(browser, &QTextBrowser::sourceChanged, this,
             [this] { setWindowTitle(plainTitle(browser->documentTitle())); });
     const QSize wanted(fontMetrics().averageCharWidth() * 100, fontMetrics().height() * 38);
-    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // what is left is for the frame
+    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // leaves room for the frame
 }
 
 void HelpWindow::showTopic(int topic)

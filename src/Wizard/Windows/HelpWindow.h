@@ -4,11 +4,11 @@
 
 class QTextBrowser;
 
-/// The help, page by page, in a window of its own that stays open beside the wizard.
+/// A window with the help pages that stays open beside the wizard.
 class HelpWindow : public QWidget
 {
 public:
-    /// A window that belongs to the owner: it goes when the owner goes, and a modal owner doesn't lock it.
+    /// Is destroyed with its owner. A modal owner doesn't block it.
     explicit HelpWindow(QWidget* owner);
 
     /// Shows the page of a topic, 1 to 11; any other number shows the contents.
@@ -18,5 +18,5 @@ private:
     QTextBrowser* browser;
 };
 
-/// Opens the topic in the owner's help window, which is made when first asked for.
+/// Shows a topic in the owner's help window, which is created on first use.
 void showHelp(QWidget* owner, int topic);

@@ -6,7 +6,7 @@
 
 namespace {
 
-// A square of 16 units with a round edge, in a colour that stands out on a light ground and on a dark one.
+// A rounded square of 16 units, in a colour that stands out on light and dark backgrounds.
 struct Kind
 {
     const char* word;
@@ -14,7 +14,7 @@ struct Kind
     std::array<QRectF, 4> strokes; // in white
 };
 
-// By Element::ElementTypes.
+// Indexed by Element::ElementTypes.
 const Kind kKinds[] = {
     {"enumeration", QColor(0x8e, 0x5c, 0xc4), {QRectF(4, 4, 2, 2), {4, 7, 2, 2}, {4, 10, 2, 2}, {8, 7, 4, 2}}},
     {"array", QColor(0xc0, 0x7a, 0x1c), {QRectF(4, 4, 2, 8), {10, 4, 2, 8}, {7, 7, 2, 2}, {}}},
@@ -42,7 +42,7 @@ ListRows::Mark markOf(const Kind& kind)
 {
     ListRows::Mark mark;
     mark.word = kind.word;
-    for (const int size : {16, 24, 32, 48}) // for letters and screens of other sizes
+    for (const int size : {16, 24, 32, 48}) // for larger fonts and dense screens
         mark.icon.addPixmap(draw(kind, size));
     return mark;
 }

@@ -3,5 +3,5 @@
 #include "Model/Element.h"
 #include "Ui/ListRows.h"
 
-/// The picture and the word for the kind of a type of its own: record, table, array, enumeration.
+/// Returns the icon and the name of a type's kind: record, table, array or enumeration.
 const ListRows::Mark& kindMark(Element::ElementTypes type);

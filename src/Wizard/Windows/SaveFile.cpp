@@ -14,7 +14,7 @@
 CString saveUnderChosenName(QWidget& owner, const CString& title, const std::vector<FileFilter>& filters,
                             CString suggested, const std::function<CString(const CString& fileName)>& bytes)
 {
-    std::replace(suggested.begin(), suggested.end(), '/', '_'); // a type's name may hold it
+    std::replace(suggested.begin(), suggested.end(), '/', '_'); // type names may contain it
     const CString fileName = chooseFileToSave(&owner, {title, filters, fromUi(QDir::currentPath()), suggested});
     if (fileName.empty())
         return {};

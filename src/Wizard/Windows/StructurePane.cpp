@@ -27,8 +27,8 @@ void StructurePane::showType(const TypeStructure* structure, std::uint32_t type)
         expand(tree->index(tree->rowCount() - 1, 0));
 }
 
-// Enter leads to the type instead of to the next page. "*" would open everything, which is without end where types hold
-// each other.
+// Enter jumps to the type instead of the next page. "*" is ignored: it would expand everything, without end if types
+// contain each other.
 void StructurePane::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)

@@ -15,11 +15,11 @@ class StructurePane : public QTreeView
 public:
     StructurePane();
 
-    /// Shows a type, a number in `structure`, which must live until the next call; null shows nothing.
+    /// Shows a type by its number in `structure`, which must live until the next call; null shows nothing.
     void showType(const TypeStructure* structure, std::uint32_t type);
 
 Q_SIGNALS:
-    /// The user wants to see the type of that number: by Enter on a row that names it, or a double click there.
+    /// Emitted when the user follows a row to another type, by Enter or a double click; `type` is its number.
     void jumped(std::uint32_t type);
 
 protected:

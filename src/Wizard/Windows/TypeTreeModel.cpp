@@ -23,8 +23,8 @@ struct TypeTreeModel::Node
     QString name;
     QString type;
     QString description;
-    std::uint32_t target = TypeStructure::kNone; // where a jump from here leads
-    std::uint32_t held = TypeStructure::kNone;   // the type that stands here on the way down
+    std::uint32_t target = TypeStructure::kNone; // the type that a jump shows
+    std::uint32_t held = TypeStructure::kNone;   // the type whose parts or users are below
     const QIcon* mark = nullptr;
     Below below = Below::nothing;
     bool isFetched = false;
@@ -33,7 +33,7 @@ struct TypeTreeModel::Node
 
 namespace {
 
-// "table of array [5] of Line"
+// Returns a content in words, for example "table of array [5] of Line".
 QString typeText(const TypeContent& content)
 {
     QString text;
@@ -46,7 +46,7 @@ QString typeText(const TypeContent& content)
                                                             : shortName(content.typeName));
 }
 
-// As wide as a mark, so that all types begin in one line.
+// Returns an empty icon as wide as a mark, so that all names are aligned.
 const QIcon& noMark()
 {
     static const QIcon icon = [] {
@@ -112,7 +112,7 @@ void TypeTreeModel::addPart(Node& node, const TypePart& part) const
         child.below = Node::Below::nothing;
 }
 
-// The ground under the parts: who uses the type, and who uses those.
+// Adds the node below the parts that lists the users of the type, and theirs.
 void TypeTreeModel::addUsersNode(Node& node) const
 {
     Node& users = add(node);
@@ -136,7 +136,7 @@ void TypeTreeModel::addUsers(Node& node) const
     }
 }
 
-// Lets a row be opened to what `type` has, unless that stands above already.
+// Makes a row expandable to the parts of `type`, unless that type is an ancestor already.
 void TypeTreeModel::openTo(Node& node, std::uint32_t type) const
 {
     if (type == TypeStructure::kNone)

@@ -10,19 +10,19 @@
 class TypeStructure;
 struct TypePart;
 
-/// The structure of one type as a tree of two columns: its fields, constants or component with what they hold, and
-/// behind them the types that use it. What a type of the import has below it is made when it is opened; a type that
-/// stands above itself on the way says so and can't be opened.
+/// The structure of one type as a tree of two columns: its fields, constants or component with their types, then the
+/// types that use it. Children are created when a row is expanded. A type inside itself is marked and can't be
+/// expanded.
 class TypeTreeModel : public QAbstractItemModel
 {
 public:
     explicit TypeTreeModel(QObject* parent);
     ~TypeTreeModel() override;
 
-    /// Shows `type`, a number in `newStructure`, which must live until the next call; null shows nothing.
+    /// Shows a type by its number in `newStructure`, which must live until the next call; null shows nothing.
     void setType(const TypeStructure* newStructure, std::uint32_t type);
 
-    /// The number of the type that a row leads to, TypeStructure::kNone where it leads to none.
+    /// Returns the number of the type that a row leads to, TypeStructure::kNone if none.
     std::uint32_t targetOf(const QModelIndex& index) const;
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;

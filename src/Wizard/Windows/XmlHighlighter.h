@@ -5,8 +5,7 @@
 
 class QPalette;
 
-/// Colours tags, attribute names and values of XML text whose tags each stand on one line. The colours are chosen for
-/// the palette's ground.
+/// Colours tags, attribute names and values of XML with one tag on a line. The colours suit the palette's background.
 class XmlHighlighter : public QSyntaxHighlighter
 {
 public:
