@@ -63,7 +63,7 @@ void DTDEntities::declareModule(std::string_view name, std::string_view publicId
     }
 }
 
-// In an entity's value a reference stands for text alone, so that parts of a name can come from one.
+// An entity's value replaces references by text alone (XML 1.0, 4.4.5), so part of a name can come from an entity.
 void DTDEntities::replaceReferences(Entity& entity, std::string_view value)
 {
     CString out;
@@ -80,8 +80,8 @@ void DTDEntities::replaceReferences(Entity& entity, std::string_view value)
     entity.value.isMade = true;
 }
 
-// Replaces what stands at the start of `rest` and answers how much that is. What is no reference to a text that is
-// known stays.
+// Replaces the reference at the start of `rest`, or copies one character of it; returns how many bytes that took. A
+// reference to an unknown entity, to a module or to the entity itself stays as it is.
 std::size_t DTDEntities::replaceOne(Entity& entity, std::string_view rest, CString& out)
 {
     const std::string_view name = rest[0] == '%' ? dtdNameAt(rest.substr(1)) : std::string_view();
@@ -130,7 +130,8 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
     return entity->text;
 }
 
-// The file of a module; `path` is then the one by which it was found, else that of its system identifier.
+// Returns the file of a module, if there is one. `path` is set to the path that led to it, else to the path of the
+// system identifier.
 std::optional<FoundFile> DTDEntities::find(const Entity& entity, CString& path)
 {
     if (const auto listed = catalogs.findExternal(entity.publicId, entity.systemId))
@@ -142,7 +143,7 @@ std::optional<FoundFile> DTDEntities::find(const Entity& entity, CString& path)
     return finder.find(folders.at(entity.value.start.file), path);
 }
 
-// The file that a module names, or null.
+// Returns the text of the file that a module names; null if it is missing, which the report then says.
 DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
 {
     const std::uint32_t declaring = entity.value.start.file;
@@ -161,7 +162,7 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
         return known->second;
     CString bytes, room;
     const FileCause cause = readFile(found->name, bytes, kMaxNamedFile);
-    if (cause == FileCause::fileNotFound) { // in a folder that can't be listed
+    if (cause == FileCause::fileNotFound) { // the folder can't be listed, so find() couldn't tell
         report.add(SourceReport::moduleMissing, where, entity.systemId);
         return nullptr;
     }

@@ -5,41 +5,46 @@
 #include "Import/Full/Catalogs.h"
 #include "Import/Full/SourceTypes.h"
 
-/// The parameter entities of a DTD, and the local files that they name. A file is found by the catalogues, else as a
-/// schemaLocation is, relative to the one that declares the entity, and read once. Texts live as long as the types.
+/// The parameter entities of a DTD, and the local files that they name. A file is found through the catalogues, else
+/// like a schemaLocation, relative to the file that declares the entity. Each file is read once. Texts live as long as
+/// the types.
 ///
-/// Bounds: entities nest at most 40 deep; where their text comes to more than 16 MB, it may be a hundred times what was
-/// read. What passes them throws SourceRefusal. An entity that is inside itself, and a file, is left out there.
+/// Bounds: entities nest at most 40 deep. Once their text exceeds 16 MB, it may be at most 100 times the text read.
+/// Exceeding a bound throws SourceRefusal. An entity or a file that refers to itself is left out at that reference.
 class DTDEntities
 {
 public:
-    /// What can be read: a file, or the value of an entity.
+    /// A readable text: a file, or the value of an entity.
     struct Text
     {
         std::string_view text;
         SourcePlace start;
-        bool isOpen = false; ///< is being read
-        bool isMade = false; ///< from others, so that lines and columns in it are those of no file
+        bool isOpen = false; ///< being read now; opening it again would be a loop
+        bool isMade = false; ///< put together from other entities, so its lines and columns are not those of a file
     };
 
     DTDEntities(SourceTypes& types, SourceReport& report, const Catalogs& catalogs) :
         types(types), report(report), catalogs(catalogs)
     {}
 
-    /// The DTD itself.
+    /// Adds the DTD itself. `bytes` may be in any encoding that decodeText() knows; they must outlive this object.
     Text& addMain(const CString& fileName, std::string_view bytes);
 
-    /// Declares an entity by its value, in which character references and the entities known so far are replaced (XML
-    /// 1.0, 4.4.5), or by the file that holds it. The first declaration of a name holds.
+    /// Declares an entity by its value. Character references and the entities known so far are replaced in it (XML 1.0,
+    /// 4.4.5). If the name is declared already, the first declaration holds.
     void declare(std::string_view name, std::string_view value, SourcePlace place);
+    /// Declares an entity by the file that holds it; the file is opened at the first reference. The first declaration
+    /// holds.
     void declareModule(std::string_view name, std::string_view publicId, std::string_view systemId, SourcePlace place);
 
-    /// The text to be read for a reference, or null when there is none, which has then been noted; a module is looked
-    /// for, and missed, once. `depth` is how many entities the reference stands in.
+    /// Returns the text to read for a reference; null if there is none, which the report then says. A module is looked
+    /// for once, and reported as missing once. `depth` is the number of entities around the reference. Call close() at
+    /// the text's end.
     Text* open(std::string_view name, std::size_t depth, SourcePlace where);
+    /// Ends the reading of a text that open() returned.
     void close(Text& text) { text.isOpen = false; }
 
-    /// Whether a file has been read, as the DTD itself or a module of it.
+    /// Returns whether a file has been read, as the DTD itself or as a module of it.
     bool hasRead(FileId file) const { return filesById.contains(file); }
 
 private:
@@ -47,10 +52,10 @@ private:
     {
         std::string_view name;
         Text value;
-        std::string_view publicId; // of a module
+        std::string_view publicId; // set for a module only
         std::string_view systemId;
-        Text* text = nullptr;  // null for a module that isn't loaded, or isn't there
-        std::size_t depth = 1; // how deep entities nest in it
+        Text* text = nullptr;  // null for a module that isn't loaded or is missing
+        std::size_t depth = 1; // levels of entities nested in it
         bool isModule = false;
         bool isMissing = false;
 
@@ -72,7 +77,7 @@ private:
     KeyedTable<Entity, &Entity::queryName> entities;
     std::deque<Text> files;
     std::map<FileId, Text*> filesById;
-    std::map<std::uint32_t, CString> folders; // by the number of the file that lies there
+    std::map<std::uint32_t, CString> folders; // keyed by the number of a file; the folder that the file lies in
     FileFinder finder;
     std::size_t read = 0;
     std::size_t expanded = 0;

@@ -30,7 +30,7 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
     std::vector<std::optional<FileId>> ids;
     for (const CString& file : files)
         ids.push_back(files.size() > 1 ? identify(file) : std::nullopt);
-    std::vector<Index> owners(files.size()); // of a module of another DTD the one that names it
+    std::vector<Index> owners(files.size()); // by file: the DTD that includes it as a module, else the file itself
     std::iota(owners.begin(), owners.end(), 0);
     const auto ownerOf = [&](Index file) {
         while (owners[file] != file)

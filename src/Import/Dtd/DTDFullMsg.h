@@ -24,5 +24,5 @@ protected:
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 
 private:
-    std::vector<std::pair<CString, CString>> declared; // entities
+    std::vector<std::pair<CString, CString>> declared; // entities declared by the caller, ahead of the DTD's own
 };

@@ -20,10 +20,10 @@ constexpr CharSet kMarks("*+?");
 constexpr CharSet kWhite(kWhitespace);
 constexpr std::size_t kKeywordLength = 7;
 constexpr std::size_t kMaxMainType = 4096;
-constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; real texts whose ends drift reach 90 MB
-constexpr std::size_t kMaxOverlap = 16;         // times the text
-constexpr std::size_t kExcerpt = 200;           // what a message tells of a statement
-constexpr unsigned kStepsATick = 1024;          // statements and names between two reports of the progress
+constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; with drifting ends, real DTDs reach 90 MB
+constexpr std::size_t kMaxOverlap = 16;         // times the size of the text
+constexpr std::size_t kExcerpt = 200;           // bytes of a statement that a message quotes
+constexpr unsigned kStepsATick = 1024;          // statements and names between two progress reports
 
 bool isTextKeyword(std::string_view name)
 {
@@ -37,7 +37,7 @@ std::string_view withoutMarks(std::string_view piece)
     return piece;
 }
 
-// A NUL byte reads as a space. The copy is made only for a text that holds one.
+// Returns the source with NUL bytes read as spaces. Copies it only if it holds one.
 std::string_view withoutNul(const CString& source, CString& copy)
 {
     if (source.find('\0') == CString::npos)
@@ -68,7 +68,7 @@ int DTDElement::beginEnum()
 DTDElement* DTDElement::enumNext()
 {
     if (cursor + 2 < children.size())
-        __builtin_prefetch(children[cursor + 2]); // children lie anywhere
+        __builtin_prefetch(children[cursor + 2]); // children are scattered in memory
     return cursor < children.size() ? children[cursor++] : nullptr;
 }
 
@@ -102,7 +102,7 @@ void DTDMessage::onCancelled()
     mainType = mainBefore;
 }
 
-// What was of use for one parse.
+// Releases what a single parse needed.
 void DTDMessage::forget()
 {
     dtdElements.clear();
@@ -114,7 +114,7 @@ bool DTDMessage::isComment(std::size_t start) const
     return text->whole.substr(start, kCommentStart.size()) == kCommentStart;
 }
 
-// The end of the statement that starts at `start`, searched from `from` on.
+// Returns the end of the statement that starts at `start`, searched from `from` on.
 std::size_t DTDMessage::endFrom(std::size_t start, std::size_t from) const
 {
     if (!isComment(start))
@@ -129,7 +129,7 @@ int DTDMessage::scan()
     std::size_t from = 0, read = 0;
     for (std::size_t start = text->whole.find('<'); start != kNowhere; start = text->whole.find('<', start + 1)) {
         std::size_t end = endFrom(start, from);
-        if (end != kNowhere && end < start) // stray ends have put the ends behind the starts
+        if (end != kNowhere && end < start) // after stray ends the ends lag behind the starts
             end = endFrom(start, start);
         if (end == kNowhere)
             return 1;
@@ -148,7 +148,7 @@ int DTDMessage::scan()
     return 1;
 }
 
-// The text of the message is fixed; which bound is passed is said beside it.
+// The message's text is fixed, so the exceeded bound is stated in the fault beside it.
 int DTDMessage::refuse(std::string_view statement, const CString& bound)
 {
     std::string_view start = statement.substr(0, kExcerpt);
@@ -159,7 +159,7 @@ int DTDMessage::refuse(std::string_view statement, const CString& bound)
                                                      "a bound is passed, since " + bound + ": " + CString(start))));
 }
 
-// What is said of the statement that begins at `at`, or at the '<' before.
+// Returns the fault for the statement that begins at `at`, or at the last '<' before it.
 SourceFault DTDMessage::faultAt(std::size_t at, const CString& words)
 {
     const std::size_t start = text->whole.rfind('<', at);
@@ -167,10 +167,10 @@ SourceFault DTDMessage::faultAt(std::size_t at, const CString& words)
     return {sourceName, words, place.line, place.column};
 }
 
-// One statement, from its '<' to behind its '>'. Both handlers run when both keywords occur.
+// Parses one statement, from its '<' to behind its '>'. Both handlers run if both keywords occur.
 int DTDMessage::doParse(std::size_t start, std::size_t end)
 {
-    const auto behind = [end](std::size_t keyword) { // the place behind the keyword, when it lies in the statement
+    const auto behind = [end](std::size_t keyword) { // the position behind the keyword, if that lies in the statement
         return keyword != kNowhere && keyword + kKeywordLength <= end ? keyword + kKeywordLength : kNowhere;
     };
     if (const std::size_t element = behind(text->elementKeyword.from(start)); element != kNowhere)
@@ -181,7 +181,7 @@ int DTDMessage::doParse(std::size_t start, std::size_t end)
     return 1;
 }
 
-// What stands behind the keyword: a name up to the first space or '(', then the content model.
+// Parses an ELEMENT behind its keyword: a name up to the first space or '(', then the content model.
 int DTDMessage::doParseElement(std::size_t start, std::size_t end)
 {
     const std::size_t nameStart = std::min(text->nameStart.from(start), end);
@@ -204,7 +204,7 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
     return 1;
 }
 
-// True when the first piece of the content model is empty or says that the element holds text.
+// Returns true if the first piece of the content model is empty or declares text content.
 bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end)
 {
     const std::size_t close = lastCloseBefore(end);
@@ -231,8 +231,8 @@ std::size_t DTDMessage::lastCloseBefore(std::size_t end)
     return text->lastClose;
 }
 
-// A content model: names, and groups of names. The ends of the groups in hand are kept on a stack of our own, since a
-// model may nest as deep as the text is long.
+// Parses a content model: names, and groups of names. The ends of the open groups are kept on a stack of our own,
+// because a model may nest as deep as the text is long.
 void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* parent)
 {
     const DTDGroups& groups = text->groups;
@@ -247,7 +247,7 @@ void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* pa
             formatField(text->whole.substr(start, open - start), {}, parent);
         start = open + 1;
         if (open == levelEnd) {
-            ends.pop_back(); // and on behind the ')' that ended this level
+            ends.pop_back(); // continue behind the ')' that ended this level
         } else if (const DTDGroups::Close* close = groups.closeOf(next, levelEnd); !close) {
             continue; // the group runs to the end of this level
         } else if (close->mark < levelEnd) {
@@ -259,7 +259,7 @@ void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* pa
     }
 }
 
-// A flat list of names; parentheses left over from groups fall away at the ends of its pieces.
+// Adds the names of a flat list. Parentheses left over from groups are trimmed from its pieces.
 void DTDMessage::formatField(std::string_view content, std::string_view mark, DTDElement* parent)
 {
     while (!content.empty()) {
@@ -277,7 +277,8 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
     }
 }
 
-// Element and attribute name are read; type and default are skipped by length. What is left is read as a next pair.
+// Reads pairs of element and attribute name, and skips type and default by their usual length. The rest is read as the
+// next pair, so the words of other types and defaults are taken for names.
 void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
 {
     const std::string_view statement = text->whole.substr(start, end - start);
@@ -309,7 +310,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
         DTDElement& field = addAttribute(element, attribute);
         DTDElement& record = addPiece(element, nullptr);
         record.addChild(&field);
-        if (left < statement.size()) { // what is no element has been taken for one
+        if (left < statement.size()) { // a type or default has been taken for an element
             note(SourceReport::inventedType, record, placeOf(element), element);
             field.isNoted = true;
         }
@@ -318,7 +319,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
     }
 }
 
-// The entry of `child`, made when it is new; `parent` gets it as a child.
+// Returns the entry of `child`, added if it is new, and appends it to the children of `parent`, if there is one.
 DTDElement& DTDMessage::addDTDElement(std::string_view child, std::size_t place, DTDElement* parent)
 {
     const std::uint32_t hash = keyHash(child);
@@ -332,7 +333,7 @@ DTDElement& DTDMessage::addDTDElement(std::string_view child, std::size_t place,
     return *entry;
 }
 
-// The same for a name that does not stand in the text as it is.
+// Like addDTDElement(), for a name with a mark appended that the text doesn't contain.
 DTDElement& DTDMessage::addMarked(std::string_view piece, std::string_view mark, DTDElement* parent)
 {
     joined.assign(piece).append(mark);
@@ -340,7 +341,7 @@ DTDElement& DTDMessage::addMarked(std::string_view piece, std::string_view mark,
                          parent);
 }
 
-// The entry of an attribute. Its two names need not be of one encoding, so each is made fit by itself.
+// Returns the entry of an attribute. Its two names may differ in encoding, so each is converted by itself.
 DTDElement& DTDMessage::addAttribute(std::string_view element, std::string_view attribute)
 {
     joined.assign(element).append("_").append(attribute);
@@ -372,12 +373,12 @@ void DTDMessage::declareRecord(DTDElement& record, const CString& path)
         declareField(*child, path, key, row);
 }
 
-// A mark that repeats is said by declaring the usage twice: the model makes a table of a usage that it has seen
-// twice. `usageKey` is what the keys of all fields of the record begin with.
+// A repeating mark declares the usage twice: the model makes a table of a usage that it sees twice. `usageKey` holds
+// the common start of the keys of the record's fields.
 void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record)
 {
     std::string_view name = child.queryName();
-    const Modifiers mark = getModifiers(name); // takes the mark off the name
+    const Modifiers mark = getModifiers(name); // strips the mark
     const auto addUsage = [&] {
         isFit ? model.addFieldUsage(record, child.element) : model.addUsage(usageKey, child.element, record);
     };
@@ -394,8 +395,8 @@ void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHas
         addUsage();
 }
 
-// Reports a name that no element or attribute of a document can have, or that is of no element that is declared; once,
-// by the place that mentions it first. What an entity would have said has been reported.
+// Reports a name that is not an XML name, or that no declaration belongs to: once, at the place that mentions it first.
+// A name with a '%' is skipped, because the unexpanded entity has been reported.
 void DTDMessage::noteName(DTDElement& entry, const DTDElement& mention, const Element& element)
 {
     const CString& name = element.queryName();
@@ -414,7 +415,7 @@ void DTDMessage::note(SourceReport::Construct construct, DTDElement& entry, std:
     report.add(construct, text->places.at(place), name);
 }
 
-// Takes all marks off the end of a name; one that repeats counts more than a '?'.
+// Strips all marks off the end of a name. A repeating mark takes precedence over '?'.
 DTDMessage::Modifiers DTDMessage::getModifiers(std::string_view& name)
 {
     Modifiers found = modNone;

@@ -7,8 +7,7 @@
 
 #include <vector>
 
-/// One name that a DTD mentions, and the names that it holds. Texts are views: they live as long as the text that is
-/// being parsed.
+/// A name that a DTD mentions, with the names of its children. Names are views into the text that is being parsed.
 class DTDElement
 {
 public:
@@ -18,40 +17,40 @@ public:
 
     std::string_view queryName() const { return name; }
 
-    /// Appends a child; the same one may stand more than once. That it repeats is known when it stands twice: a third
-    /// place, and all that statements give again which span each other, would only take room.
+    /// Appends a child. The same child may be appended again: two entries are enough to show that it repeats, so
+    /// further ones are dropped to bound the memory of statements that overlap.
     void addChild(DTDElement* child);
 
-    /// Puts the cursor on the first child; nonzero when there is one.
+    /// Moves the cursor to the first child. Returns nonzero if there is one.
     int beginEnum();
 
-    /// The child under the cursor, or null at the end.
+    /// Returns the child under the cursor and moves on; null at the end.
     DTDElement* enumNext();
 
-    /// What the message model has for the name, marks taken off; null until it was declared.
+    /// The model's element for the name without its marks; null until it is declared.
     Element* element = nullptr;
 
-    std::size_t place = 0;    ///< in the text, of what mentions it first
-    bool isDeclared = false;  ///< by an ELEMENT
-    bool isAttribute = false; ///< is the field of one
-    bool isNoted = false;     ///< the report has been told of it
+    std::size_t place = 0;    ///< offset of its first mention in the text
+    bool isDeclared = false;  ///< by an ELEMENT statement
+    bool isAttribute = false; ///< the field of an attribute
+    bool isNoted = false;     ///< reported already
 
 private:
     std::string_view name;
     std::pmr::vector<DTDElement*> children;
     std::size_t cursor = 0;
-    const DTDElement* lastParent = nullptr; // the one that got this name last as a child
-    unsigned timesThere = 0;                // how often, since another one did
+    const DTDElement* lastParent = nullptr; // the parent that was given this child last
+    unsigned timesThere = 0;                // how often that parent was given it in a row
 };
 
-/// The importer of DTD files. It reads ELEMENT and ATTLIST declarations and nothing else: every name that has children
-/// or attributes becomes a record, a child marked '*' or '+' repeats, each attribute is a text field.
+/// The importer of DTD files. It reads ELEMENT and ATTLIST declarations only. A name with children or attributes
+/// becomes a record. A child marked '*' or '+' repeats. Each attribute is a text field.
 ///
-/// Statements run from the k-th '<' to the k-th '>', so where one of them stands inside a comment or an entity value,
-/// starts and ends drift apart and a statement spans several declarations. Names of such statements are registered as
-/// they stand, but no part of the text is scanned anew for each statement. Where statements span each other so often
-/// that together they are 16 times the text, and 128 MB, the import fails; so it does when the name of the main type,
-/// which is in the folder of every type, has more than 4,096 bytes.
+/// Statements run from the k-th '<' to the k-th '>'. A '<' or '>' in a comment or an entity value therefore makes
+/// starts and ends drift apart, and a statement then spans several declarations. Names in such statements are
+/// registered as written, but no part of the text is scanned again for each statement. The import fails if overlapping
+/// statements come to more than 128 MB and 16 times the text, or if the main type's name, which is in the folder of
+/// every type, exceeds 4,096 bytes.
 class DTDMessage : public MsgBase
 {
 public:
@@ -77,8 +76,8 @@ private:
         modOptional = 4
     };
 
-    // What one parse knows of its text. Keywords, and what follows them, come in growing order from statement to
-    // statement, so one search of each kind serves them all.
+    // The state of one parse. Positions of keywords, and of what follows them, grow from statement to statement, so one
+    // forward search of each kind serves all statements.
     struct Text
     {
         explicit Text(std::string_view whole);
@@ -130,10 +129,10 @@ private:
     static Modifiers getModifiers(std::string_view& name);
 
     CString sourceName;
-    CString mainType;   // the first element that this importer ever read
-    CString mainBefore; // what that was before the import in hand
+    CString mainType;   // the first element that this importer has read, over all its imports
+    CString mainBefore; // its value before the current import, restored if that is cancelled
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
-    Arena memory; // of the entries and of the names that don't stand in the text as they are
+    Arena memory; // holds the entries, and the names that the text doesn't contain as they are
     Text* text = nullptr;
     bool isFit = false; // no two names of the text become one in a document
     CString joined;     // a name that does not stand in the text as it is; kept for its room

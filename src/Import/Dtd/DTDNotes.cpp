@@ -10,7 +10,7 @@ constexpr CharSet kBlank(" \t\r\n");
 constexpr CharSet kBeforeKeyword(" \t\r\n!");
 constexpr std::size_t kLongKey = 200;
 
-// Whether the keyword stands at `at` as a word of its own.
+// Returns whether the keyword stands at `at` as a whole word, in capitals or not.
 bool isKeywordAt(std::string_view text, std::size_t at, std::string_view keyword)
 {
     const std::string_view found = text.substr(at, keyword.size());
@@ -19,7 +19,7 @@ bool isKeywordAt(std::string_view text, std::size_t at, std::string_view keyword
            (behind >= text.size() || kDtdDelimiter.has(text[behind]));
 }
 
-// "ENTITY name" or "ENTITY % name" of a declaration whose keyword begins at `at`.
+// Returns "ENTITY name" or "ENTITY % name" for a declaration whose keyword begins at `at`.
 CString entityInWords(std::string_view text, std::size_t at)
 {
     const std::string_view keyword = dtdNameAt(text.substr(at));
@@ -52,7 +52,7 @@ void DTDNotes::read()
     }
 }
 
-// Words that stand between statements may have been meant to be some.
+// Reports words between statements: they may be damaged statements.
 void DTDNotes::readBetween(std::size_t start, std::size_t end)
 {
     for (; start < end; ++start)
@@ -60,7 +60,6 @@ void DTDNotes::readBetween(std::size_t start, std::size_t end)
             return note(SourceReport::unknownStatement, start, trimmed(text.substr(start, end - start)));
 }
 
-// Behind what begins at a '%'.
 std::size_t DTDNotes::readReference(std::size_t at)
 {
     const std::string_view name = dtdNameAt(text.substr(at + 1));
@@ -70,7 +69,6 @@ std::size_t DTDNotes::readReference(std::size_t at)
     return behind + (behind < text.size() && text[behind] == ';');
 }
 
-// Behind what begins at a '<'.
 std::size_t DTDNotes::readStatement(std::size_t at)
 {
     const std::size_t keyword = at + 2;
@@ -90,7 +88,7 @@ std::size_t DTDNotes::readStatement(std::size_t at)
     return text.substr(keyword, 1) == "[" ? readSection(at) : readUnknown(at);
 }
 
-// The literal reading takes a '<' inside a comment for the start of a statement.
+// Reports a '<' in a comment, because the literal reading takes it for the start of a statement.
 std::size_t DTDNotes::readComment(std::size_t at)
 {
     const std::size_t end = text.find("-->", at + 2);
@@ -112,7 +110,7 @@ std::size_t DTDNotes::readInstruction(std::size_t at)
     return next == kNowhere ? text.size() : at + next;
 }
 
-// The start of a conditional section; what is in it is read whatever its key says.
+// Reads the start of a conditional section. Its contents are read whatever its key says.
 std::size_t DTDNotes::readSection(std::size_t at)
 {
     const std::string_view key =
@@ -125,7 +123,8 @@ std::size_t DTDNotes::readSection(std::size_t at)
     return behind + (behind < text.size() && text[behind] == '[');
 }
 
-// A declaration of elements or attributes. Nearly all have nothing in them but names and marks.
+// Reads a declaration of elements or attributes. Nearly all contain only names and marks, which needs no look at each
+// character.
 std::size_t DTDNotes::readDeclaration(std::size_t at, bool hasLiterals)
 {
     const std::size_t end = closeFrom(at);
@@ -138,11 +137,11 @@ std::size_t DTDNotes::readDeclaration(std::size_t at, bool hasLiterals)
     return end + 1;
 }
 
-// A declaration that is looked at character by character. Literals hold markup in those of entities alone.
+// Reads a declaration character by character. Only literals of entities may hold markup.
 std::size_t DTDNotes::readLong(std::size_t at, std::size_t keyword, bool isOfEntity)
 {
     const std::string_view word = dtdNameAt(text.substr(keyword));
-    bool isNameToCome = isOfEntity; // and a '%' in front of it
+    bool isNameToCome = isOfEntity; // a '%' before the name of an entity is no reference
     for (std::size_t place = keyword + word.size(); place < text.size();) {
         const char c = text[place];
         if (c == '>') {
@@ -166,8 +165,8 @@ std::size_t DTDNotes::readLong(std::size_t at, std::size_t keyword, bool isOfEnt
     return text.size();
 }
 
-// Behind the literal at `place` of the declaration at `at`. One that has lost its second quote ends with the first, or
-// seems to end where another one begins, whose text follows at once.
+// Returns the position behind the literal at `place` of the declaration at `at`. A literal without its second quote
+// either finds none, or ends at the first quote of the next literal, whose text follows without a delimiter.
 std::size_t DTDNotes::readLiteral(std::size_t at, std::size_t place, bool mayHoldMarkup)
 {
     const char quote = text[place];
@@ -182,8 +181,8 @@ std::size_t DTDNotes::readLiteral(std::size_t at, std::size_t place, bool mayHol
     return isWhole ? end + 1 : place + 1;
 }
 
-// What begins with a '<' and is no statement of a DTD. What has only lost its '!', or has a blank before its keyword,
-// is read all the same.
+// Reads what begins with a '<' but is no statement. An ELEMENT or ATTLIST without its '!', or with a blank before its
+// keyword, is read as one, as the literal reading does.
 std::size_t DTDNotes::readUnknown(std::size_t at)
 {
     const std::size_t start = std::min(kBeforeKeyword.out(text, at + 1), text.size());

@@ -2,21 +2,22 @@
 
 #include "Import/Dtd/DTDText.h"
 
-/// Notes what the literal reading of a DTD does not understand in its text: references to parameter entities,
-/// conditional sections, statements that are unknown, cut short or hidden, quotes that are lost. A text without any of
-/// that costs a few searches for single characters.
+/// Reports what the literal reading of a DTD does not understand: references to parameter entities, conditional
+/// sections, unknown, unterminated or hidden statements, unbalanced quotes. A text without any of these costs a few
+/// searches for single characters.
 class DTDNotes
 {
 public:
-    /// `isDetailed` also notes and counts what the model has no place for.
+    /// `isDetailed` also reports and counts what the model can't represent.
     DTDNotes(std::string_view text, TextPlaces& places, SourceReport& report, bool isDetailed) :
         text(text), places(places), report(report), isDetailed(isDetailed)
     {}
 
+    /// Reads the whole text.
     void read();
 
 private:
-    // Each returns the place behind what begins at `at`.
+    // Each returns the position behind the construct that begins at `at`.
     std::size_t readReference(std::size_t at);
     std::size_t readStatement(std::size_t at);
     std::size_t readComment(std::size_t at);
@@ -36,7 +37,8 @@ private:
     TextPlaces& places;
     SourceReport& report;
     bool isDetailed;
-    std::size_t reference = 0; // the next '%'
-    std::size_t close = 0;     // a '>', see closeFrom()
+    std::size_t reference = 0; // position of the next '%'
+    std::size_t close = 0;     // position of a '>', see closeFrom()
+    // By kind of quote: whether another may follow. False saves searching to the end of the text for each literal.
     bool hasQuote[2] = {true, true};
 };

@@ -4,13 +4,13 @@
 
 namespace {
 
-// `text` in capitals is `word`: SGML reads its keywords in any case.
+// Compares in capitals: keywords of SGML have no case. `word` is in capitals.
 bool isKeyword(std::string_view text, std::string_view word)
 {
     return std::ranges::equal(text, word, {}, [](char c) { return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : int{c}; });
 }
 
-// A declaration of a namespace says nothing of the data.
+// Namespace declarations are no data, so they become no fields.
 bool isNamespace(std::string_view attribute)
 {
     return attribute == "xmlns" || attribute.starts_with("xmlns:");
@@ -40,10 +40,10 @@ void DTDReader::readDeclaration()
     });
     if (known != std::end(kDeclarations))
         (this->*known->read)();
-    else if (!tokens->keyword().empty() || !tokens->token().isEnd()) // "<!>" says nothing
+    else if (!tokens->keyword().empty() || !tokens->token().isEnd()) // "<!>" declares nothing
         note(SourceReport::unknownStatement, tokens->keyword().empty() ? "<!" : tokens->keyword());
     if (tokens->token().isMark('['))
-        return; // what stands in the brackets are declarations
+        return; // the brackets hold declarations
     tokens->skipDeclaration();
     if (tokens->token().kind == DTDTokens::tokenMissing && !isNoted)
         note(SourceReport::unterminated, tokens->keyword());
@@ -66,7 +66,7 @@ DTDReader::Element& DTDReader::elementNamed(std::string_view name)
     return made;
 }
 
-// The names that a declaration is for: one, or in SGML a group of them. False when there is none.
+// Reads the names that a declaration is for: one, or in SGML a group of names. Returns false if there is none.
 bool DTDReader::readNames()
 {
     names.clear();
@@ -94,7 +94,7 @@ void DTDReader::readElement()
     const auto isMinimization = [](const DTDTokens::Token& token) {
         return token.isMark('-') || (token.kind == DTDTokens::tokenWord && isKeyword(token.text, "O"));
     };
-    while (isMinimization(tokens->token())) // of SGML: which tags may be left out
+    while (isMinimization(tokens->token())) // of SGML: whether the start or end tag may be omitted
         tokens->next();
     bool holdsText = false;
     model.clear();
@@ -110,7 +110,8 @@ void DTDReader::readElement()
         declareElement(elementNamed(name), first, holdsText);
 }
 
-// What an element may hold. An entity that isn't there may have said it.
+// Reads the content of an element. If there is none, a missing entity may have held it. Returns false if it is
+// unreadable.
 bool DTDReader::readContent(bool& holdsText)
 {
     const DTDTokens::Token& token = tokens->token();
@@ -129,7 +130,7 @@ bool DTDReader::readContent(bool& holdsText)
     return isKnown;
 }
 
-// A content model, from its first '('. False when it doesn't come to an end.
+// Reads a content model from its first '('. A model that doesn't end is reported, and what was read so far stands.
 bool DTDReader::readGroup(bool& holdsText)
 {
     std::size_t depth = 0;
@@ -140,7 +141,7 @@ bool DTDReader::readGroup(bool& holdsText)
             senseless(names.front());
             for (; depth > 0; --depth)
                 model.endGroup(false);
-            return true; // what was said so far stands
+            return true; // what was read so far stands
         }
         lacksConnector |=
             isBehindItem && (token.kind == DTDTokens::tokenWord || token.isMark('(')) && !token.isBehindUnknown;
@@ -192,8 +193,8 @@ void DTDReader::readChild()
         senseless(child.name);
 }
 
-// The mark behind a name or a group; true when it says that there may be more than one. A '+' before a '(' begins an
-// inclusion.
+// Reads the mark behind a name or a group. Returns true if the mark means more than one. A '+' before a '(' is no mark,
+// because it begins an SGML inclusion.
 bool DTDReader::readMark()
 {
     const bool isStar = tokens->token().isMark('*'), isOptional = isStar || tokens->token().isMark('?');
@@ -204,7 +205,8 @@ bool DTDReader::readMark()
     return repeats;
 }
 
-// What stands behind the content: SGML's "+(a|b)" and "-(a|b)", which may or may not come anywhere inside, or nothing.
+// Reads what follows the content: an SGML exception, "+(a|b)" or "-(a|b)", which allows or forbids elements anywhere
+// inside, or nothing.
 void DTDReader::readException()
 {
     if (tokens->token().isMark('+') || tokens->token().isMark('-'))
@@ -231,7 +233,7 @@ void DTDReader::declareElement(Element& element, Index firstContent, bool holdsT
     declared.push_back(element.index);
 }
 
-// Sources of a set share modules, whose declarations they repeat.
+// The DTDs of a set share modules, so the same declaration comes several times and is no fault.
 bool DTDReader::isSame(const Element& element, Index firstContent, bool holdsText) const
 {
     const auto known = std::span(contents).subspan(element.firstContent, element.contentCount);
@@ -251,7 +253,8 @@ void DTDReader::readAttlist()
         }
 }
 
-// One attribute: its name, its type and its default. An entity that isn't there may have held the type, or both.
+// Reads an attribute: its name, type and default. A missing entity may have held the type, or both. Returns false if
+// there is no name.
 bool DTDReader::readAttribute()
 {
     if (tokens->token().kind != DTDTokens::tokenWord || !isXmlName(tokens->token().text))
@@ -307,7 +310,7 @@ void DTDReader::readDefault()
         tokens->next();
     if (isReserved && !isFixed)
         return;
-    // A word behind an entity that isn't there, which may have held the default, is the next attribute.
+    // A word behind a missing entity is the next attribute, because the entity may have held the default.
     const bool isWord = token.kind == DTDTokens::tokenWord && !token.isBehindUnknown;
     if (!isWord && token.kind != DTDTokens::tokenLiteral)
         return;
@@ -335,7 +338,8 @@ void DTDReader::addAttribute(Element& element, std::string_view name, SourceType
     element.lastAttribute = index;
 }
 
-// "% name value", "% name SYSTEM place", "% name PUBLIC id place"; without the '%' it is one for documents.
+// Reads "% name value", "% name SYSTEM place" or "% name PUBLIC id place". Without the '%' it is a general entity,
+// which documents use.
 void DTDReader::readEntity()
 {
     const bool isOfParameter = tokens->token().isMark('%');
@@ -351,7 +355,7 @@ void DTDReader::readEntity()
     std::string_view publicId, systemId;
     const bool isModule = readExternalId(publicId, systemId);
     if (!isModule && token.kind == DTDTokens::tokenWord)
-        tokens->next(); // SGML's CDATA, SDATA and their like
+        tokens->next(); // SGML's data types: CDATA, SDATA and others
     if (!isModule && token.kind != DTDTokens::tokenLiteral)
         return senseless(name);
     if (isOfParameter && isModule)
@@ -361,19 +365,20 @@ void DTDReader::readEntity()
     readEntityEnd(name, !isOfParameter);
 }
 
-// A literal that has lost its second quote reaches up to the first quote of another one, whose text follows.
+// Reads the end of an ENTITY. A literal without its second quote ends at the first quote of another one, whose text
+// then follows and is reported.
 void DTDReader::readEntityEnd(std::string_view name, bool hasNotation)
 {
     tokens->endLiterals();
     if (tokens->token().kind == DTDTokens::tokenLiteral)
         tokens->next();
-    while (hasNotation && tokens->token().kind == DTDTokens::tokenWord) // NDATA and the notation
+    while (hasNotation && tokens->token().kind == DTDTokens::tokenWord) // NDATA and the name of the notation
         tokens->next();
     if (!tokens->token().isEnd())
         senseless(name);
 }
 
-// "SYSTEM place", "PUBLIC id place", in SGML "PUBLIC id". False for anything else.
+// Reads "SYSTEM place", "PUBLIC id place" or SGML's "PUBLIC id". Returns false for anything else.
 bool DTDReader::readExternalId(std::string_view& publicId, std::string_view& systemId)
 {
     const DTDTokens::Token& token = tokens->token();
@@ -395,14 +400,15 @@ void DTDReader::readNotation()
     report.count(SourceReport::notation);
 }
 
-// A document: of its own declarations, in brackets, the first of a name hold before those of the DTD that it names.
+// Reads a DOCTYPE. The declarations in its brackets come first, so they take precedence over those of the DTD that it
+// names (XML 1.0, 2.8).
 void DTDReader::readDoctype()
 {
     const std::string_view root = tokens->token().text;
     tokens->next();
     std::string_view publicId, systemId, external;
     if (readExternalId(publicId, systemId)) {
-        external = types.adopt("DOCTYPE " + CString(root)); // as no entity can be called
+        external = types.adopt("DOCTYPE " + CString(root)); // a space keeps the name apart from those of entities
         tokens->entities().declareModule(external, publicId, systemId, tokens->place());
     }
     while (!tokens->token().isEnd() && !tokens->token().isMark('['))
@@ -410,8 +416,8 @@ void DTDReader::readDoctype()
     tokens->endWithDoctype(external);
 }
 
-// All records before the first field: a field names the record of its element, which may stand anywhere. An element
-// that is only referred to is text, and is told.
+// Adds all records before the first field, because a field names the record of its element, which may be declared
+// later. An element that is only referred to becomes text, and is reported.
 void DTDReader::finish(std::span<const Index> owners)
 {
     for (Element& element : elements)

@@ -4,17 +4,18 @@
 #include "Import/Dtd/DTDTokens.h"
 #include "Import/Full/ContentModel.h"
 
-/// Reads the declarations of a DTD and says what types they make: an element that may hold others, or has attributes,
-/// is a record, its children and attributes the fields. The first declaration of a name holds.
+/// Reads the declarations of a DTD and makes types of them. An element with children or attributes is a record, its
+/// children and attributes are the fields. The first declaration of a name holds.
 class DTDReader
 {
 public:
     DTDReader(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
-    /// Reads one DTD; called again, one more of the same set.
+    /// Reads one DTD. Further calls add further DTDs of the same set.
     void read(DTDTokens& source);
 
-    /// Makes the types, once all is read. What a source declares counts for its owner, by number.
+    /// Makes the types after everything is read. `owners` holds, by the number of a DTD in order of reading, the number
+    /// of the DTD that its declarations count for.
     void finish(std::span<const SourceTypes::Index> owners);
 
 private:
@@ -30,7 +31,7 @@ private:
     struct Element
     {
         std::string_view name;
-        SourcePlace place; // of its declaration, else of what refers to it first, else of its attributes
+        SourcePlace place; // of its declaration, else of the first reference to it, else of its attributes
         Index index;
         bool isName;
         Index firstContent = 0;
@@ -38,9 +39,9 @@ private:
         Index firstAttribute = SourceTypes::kNone;
         Index lastAttribute = SourceTypes::kNone;
         Index record = SourceTypes::kNone;
-        Index source = 0; // that declares it
+        Index source = 0; // number of the DTD that declares it
         bool isDeclared = false;
-        bool isReferred = false; // another one holds it
+        bool isReferred = false; // some element holds it
         bool holdsText = false;
 
         std::string_view queryName() const { return name; }
@@ -59,7 +60,7 @@ private:
     {
         AttributeKey key;
         SourceTypes::Type type;
-        Index next; // of the same element
+        Index next; // index of the element's next attribute, or kNone
         Index source;
 
         AttributeKey queryKey() const { return key; }
@@ -96,19 +97,19 @@ private:
     SourceTypes::Type typeOf(const Element& element) const;
     void makeFields(const Element& element, std::vector<SourceTypes::Field>& fields);
 
-    DTDTokens* tokens = nullptr; // of the source in hand
-    Index sourceCount = 0;       // before it
+    DTDTokens* tokens = nullptr; // of the current DTD
+    Index sourceCount = 0;       // DTDs read before the current one
     SourceTypes& types;
     SourceReport& report;
-    std::deque<Element> elements; // in the order in which they are met
+    std::deque<Element> elements; // in order of first mention
     KeyedTable<Element, &Element::queryName> elementsByName;
     std::vector<Index> declared; // in the order of declaration
     std::vector<ContentModel::Entry> contents;
     std::deque<Attribute> attributes;
     KeyedTable<Attribute, &Attribute::queryKey, AttributeKey> attributesByKey;
     ContentModel model;
-    CancelPoint cancelPoint{4096};       // passed by each field
-    std::vector<std::string_view> names; // that the declaration in hand is for
+    CancelPoint cancelPoint{4096};       // passed at each field
+    std::vector<std::string_view> names; // the names that the current declaration is for
     std::vector<std::string_view> constants;
-    bool isNoted = false; // the report has the declaration in hand
+    bool isNoted = false; // the current declaration has been reported
 };

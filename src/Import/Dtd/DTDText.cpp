@@ -8,7 +8,7 @@
 
 namespace {
 
-// How far a pattern can be moved on when the text's character under its last place is the index (Horspool's rule).
+// Returns, by the character under the pattern's last place, how far the pattern can be moved on (Horspool's algorithm).
 constexpr std::array<unsigned char, 256> shiftsOf(std::string_view word)
 {
     std::array<unsigned char, 256> shifts{};
@@ -77,8 +77,8 @@ SourcePlace TextPlaces::at(std::size_t offset)
 DTDGroups::DTDGroups(std::string_view text)
 {
     static constexpr CharSet structure("()*+,|&");
-    std::vector<std::size_t> open; // groups that wait for their ')'
-    std::size_t unmarked = 0;      // the first ')' that waits for the next mark or separator
+    std::vector<std::size_t> open; // groups without a ')' so far
+    std::size_t unmarked = 0;      // the first ')' that may still get a mark
     CancelPoint cancelPoint(1 << 16);
     for (std::size_t at = structure.in(text); at != kNowhere; at = structure.in(text, at + 1)) {
         cancelPoint.pass();

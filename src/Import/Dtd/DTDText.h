@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-/// "Nothing found", as the standard library's searches say it.
+/// "Not found", as in the standard library.
 inline constexpr std::size_t kNowhere = std::string_view::npos;
 
-/// A set of bytes that is asked about at every character.
+/// A set of bytes, with constant-time lookup.
 class CharSet
 {
 public:
@@ -21,11 +21,12 @@ public:
 
     constexpr bool has(char c) const { return members[static_cast<unsigned char>(c)]; }
 
-    /// The first character of the set (`in`) or out of it (`out`) from `from` on, or kNowhere.
+    /// Returns the first character from `from` on that is in the set; kNowhere if there is none.
     std::size_t in(std::string_view text, std::size_t from = 0) const { return find(text, from, true); }
+    /// The same for the first character that is not in the set.
     std::size_t out(std::string_view text, std::size_t from = 0) const { return find(text, from, false); }
 
-    /// `text` without the characters of the set at either end.
+    /// Returns `text` without characters of the set at either end.
     std::string_view trim(std::string_view text) const
     {
         while (!text.empty() && has(text.front()))
@@ -47,23 +48,24 @@ private:
     bool members[256] = {};
 };
 
-/// What ends a name in a declaration.
+/// The characters that end a name in a declaration.
 inline constexpr CharSet kDtdDelimiter(" \t\r\n()|,&*?+\"'<>%;#[]");
 
-/// The name at the start of `text`, as far as one can stand in a reference.
+/// Returns the name at the start of `text`, up to the first delimiter; empty if there is none.
 inline std::string_view dtdNameAt(std::string_view text)
 {
     return text.substr(0, kDtdDelimiter.in(text));
 }
 
-/// Finds the next place of something in a text for starts that only ever grow: what lies between the last start and the
-/// last find is never looked at twice. `Search(text, from)` answers a position or kNowhere.
+/// A search whose starting positions only grow. Text between the last start and the last match is never searched again,
+/// so all searches together are linear. `Search(text, from)` returns a position or kNowhere.
 template <auto Search>
 class ForwardSearch
 {
 public:
     explicit ForwardSearch(std::string_view text) : text(text) {}
 
+    /// Returns the first match at `start` or behind it, or kNowhere. `start` must not be less than in the last call.
     std::size_t from(std::size_t start)
     {
         if (!searched || found < start) {
@@ -79,22 +81,22 @@ private:
     bool searched = false;
 };
 
-/// Places in a text: lines and columns, both counted from 1, columns in bytes. Lines are only looked for once a place
-/// is asked for.
+/// Converts offsets in a text to lines and columns. Both count from 1, columns in bytes. Lines are indexed on the first
+/// call.
 class TextPlaces
 {
 public:
     explicit TextPlaces(std::string_view text) : text(text) {}
 
-    /// The place in the first file of the report.
+    /// Returns the place of an offset, in file 0 of the report.
     SourcePlace at(std::size_t offset);
 
 private:
     std::string_view text;
-    std::vector<std::size_t> starts; // of the lines
+    std::vector<std::size_t> starts; // offsets of the lines
 };
 
-/// The parentheses of a text, matched once for all content models in it.
+/// The parentheses of a text, matched once for all its content models.
 class DTDGroups
 {
 public:
@@ -102,38 +104,39 @@ public:
     struct Close
     {
         std::size_t at;
-        std::size_t mark = kNowhere; ///< the first '*' or '+' behind it, when no separator stands before that
+        std::size_t mark = kNowhere; ///< the first '*' or '+' behind it, unless a separator comes before; else kNowhere
     };
 
     explicit DTDGroups(std::string_view text);
 
     std::size_t size() const { return groups.size(); }
+    /// Returns the position of the '(' of a group.
     std::size_t openOf(std::size_t index) const { return groups[index].open; }
 
-    /// Where a group ends in a text that is cut at `end`: at the ')' where the depth is back to what it was, and where
-    /// there are too few, at the last one behind the group's '('. Null when there is none at all.
+    /// Returns the end of a group in a text that is cut at `end`: its matching ')' if that lies before `end`, else the
+    /// last ')' between its '(' and `end`. Null if there is none.
     const Close* closeOf(std::size_t index, std::size_t end) const;
 
-    /// The index of the first group that opens at `start` or behind it; size() when there is none.
+    /// Returns the index of the first group that opens at `start` or behind it; size() if there is none.
     std::size_t firstFrom(std::size_t start) const;
 
 private:
     struct Group
     {
         std::size_t open;
-        std::size_t close = kNowhere; // an index
+        std::size_t close = kNowhere; // index of its ')' in `closes`, or kNowhere
     };
 
-    std::vector<Group> groups; // in the order of `open`
-    std::vector<Close> closes; // in the order of `at`
+    std::vector<Group> groups; // sorted by `open`
+    std::vector<Close> closes; // sorted by `at`
 };
 
-/// Positions of the two keywords; letters of either case match.
+/// Return the position of a keyword from `from` on, in upper or lower case; kNowhere if there is none.
 std::size_t findElementKeyword(std::string_view text, std::size_t from);
 std::size_t findAttlistKeyword(std::string_view text, std::size_t from);
 
-/// The first character from `from` on that is no white space, or kNowhere.
+/// Returns the first character from `from` on that is no white space, or kNowhere.
 std::size_t skipWhitespace(std::string_view text, std::size_t from);
 
-/// The first space or '(' from `from` on, or kNowhere: where the name of an element ends.
+/// Returns the first space or '(' from `from` on, which ends the name of an element, or kNowhere.
 std::size_t findNameEnd(std::string_view text, std::size_t from);

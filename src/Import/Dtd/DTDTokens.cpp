@@ -10,8 +10,8 @@ namespace {
 constexpr CharSet kBlank(" \t\r\n");
 constexpr CharSet kMarkup("%<]");
 constexpr std::ptrdiff_t kLongKey = 200;
-constexpr std::size_t kManySwitches = 20;    // no more are named
-constexpr unsigned kDeclarationsATick = 256; // between two reports of the progress
+constexpr std::size_t kManySwitches = 20;    // more switches are not suggested
+constexpr unsigned kDeclarationsATick = 256; // declarations between two progress reports
 
 const char* find(const char* from, const char* end, std::string_view what)
 {
@@ -118,7 +118,7 @@ bool DTDTokens::nextDeclaration()
     }
 }
 
-// What is neither markup nor blank. Where it has a letter, it may have been meant to be markup.
+// Skips what is neither markup nor blank. Reports it if it contains a letter, because it may be damaged markup.
 void DTDTokens::skipStray()
 {
     Frame& frame = frames.back();
@@ -144,7 +144,7 @@ void DTDTokens::endWithDoctype(std::string_view external)
     externalEntity = external;
 }
 
-// What follows is the document itself.
+// Leaves the DOCTYPE. What follows in the main text is the document, so the rest is skipped.
 void DTDTokens::leaveDoctype()
 {
     doctype = none;
@@ -157,7 +157,8 @@ void DTDTokens::leaveDoctype()
         push(*text);
 }
 
-// Up to "-->". SGML allows blanks before the '>'; most who write that have lost their comment's end, so it is noted.
+// Skips a comment, up to "-->". SGML allows blanks before the '>', but in practice that is a damaged end, so it is
+// reported.
 void DTDTokens::skipComment()
 {
     Frame& frame = frames.back();
@@ -174,7 +175,7 @@ void DTDTokens::skipComment()
     frame.at = close + 3;
 }
 
-// In XML up to "?>", in SGML up to '>'. One that a declaration begins in has lost its end.
+// Skips an instruction, up to "?>" in XML and up to '>' in SGML. If a declaration begins inside it, its end is missing.
 void DTDTokens::skipInstruction()
 {
     Frame& frame = frames.back();
@@ -185,7 +186,7 @@ void DTDTokens::skipInstruction()
         frame.at = at + 1;
         return;
     }
-    const char* const limit = at; // no other instruction is passed over
+    const char* const limit = at; // where the next instruction begins, at the latest
     for (at = frame.at + 2; at < limit && *at != '>' && !(*at == '<' && at + 1 < limit && at[1] == '!');)
         ++at;
     if (at == limit || *at == '<')
@@ -193,7 +194,8 @@ void DTDTokens::skipInstruction()
     frame.at = at < limit && *at == '>' ? at + 1 : at;
 }
 
-// A conditional section: what holds is read on; what doesn't is skipped with the sections inside it.
+// Reads the start of a conditional section. The contents of an included one are read on; an ignored one is skipped with
+// its nested sections.
 void DTDTokens::readSection()
 {
     Frame& frame = frames.back();
@@ -218,7 +220,7 @@ void DTDTokens::readSection()
         report.add(SourceReport::unknownSection, declaration, key);
 }
 
-// A section that is read or left out by an entity.
+// Reports a section that an entity switches off, and keeps the entity as a switch to suggest.
 void DTDTokens::noteKey(std::string_view key, bool isRead)
 {
     hasReadSection |= isRead;
@@ -304,7 +306,7 @@ const DTDTokens::Token& DTDTokens::next()
     }
 }
 
-// False when the '%' is none of a reference and has become a token.
+// Opens the text of a reference. Returns false if the '%' begins no reference and has become a token.
 bool DTDTokens::readReference()
 {
     Frame& frame = frames.back();
@@ -324,7 +326,8 @@ bool DTDTokens::readReference()
     return true;
 }
 
-// SGML's comments inside declarations, its minimization ("- O") and exclusions ("-(a|b)"). False when there is a token.
+// Reads a '-': SGML's comment inside a declaration, minimization ("- O") or exclusion ("-(a|b)"). Returns false if
+// there is a token.
 bool DTDTokens::readDash()
 {
     Frame& frame = frames.back();
@@ -347,7 +350,7 @@ bool DTDTokens::readDash()
     return false;
 }
 
-// A comment in the declaration, or the next one, which is left where it is. False when there is a token.
+// Skips a comment in the declaration, or stops before the next declaration. Returns false if there is a token.
 bool DTDTokens::readLess()
 {
     if (stands("<!--") && frames.back().hasCommentEnd) {

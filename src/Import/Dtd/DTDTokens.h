@@ -3,26 +3,26 @@
 #include "Base/Progress.h"
 #include "Import/Dtd/DTDEntities.h"
 
-/// A DTD as declarations, and these as tokens: comments, instructions and sections that don't count are gone,
-/// references to parameter entities are replaced. What XML and SGML (ISO 8879) write is understood side by side.
+/// The tokens of a DTD, declaration by declaration. Skips comments, instructions and ignored sections, and replaces
+/// references to parameter entities. Understands XML and SGML (ISO 8879) side by side.
 class DTDTokens
 {
 public:
     enum Kind : std::uint8_t
     {
         tokenEnd,      ///< the declaration's '>'
-        tokenMissing,  ///< the declaration stops without one: the text ends, or the next begins
-        tokenWord,     ///< a name, a number, a keyword
-        tokenReserved, ///< a word with '#' in front, which `text` lacks
-        tokenLiteral,  ///< what stands in quotes
-        tokenMark      ///< any other character
+        tokenMissing,  ///< the declaration has none: the text ends, or the next declaration begins
+        tokenWord,     ///< a name, a number or a keyword
+        tokenReserved, ///< a word after a '#'; `text` is without the '#'
+        tokenLiteral,  ///< a quoted text; `text` is without the quotes
+        tokenMark      ///< any other character, in `mark`
     };
 
     struct Token
     {
         Kind kind = tokenMissing;
         char mark = '\0';
-        bool isBehindUnknown = false; ///< an entity that isn't there stood before it
+        bool isBehindUnknown = false; ///< a missing entity stood before it
         std::string_view text;
 
         bool isMark(char c) const { return kind == tokenMark && mark == c; }
@@ -33,36 +33,37 @@ public:
 
     DTDEntities& entities() { return entityTable; }
 
-    /// Goes to the next declaration and reads its keyword, as it is written. False at the end.
+    /// Moves to the next declaration and reads its keyword. Returns false at the end of the DTD.
     bool nextDeclaration();
+    /// Returns the keyword as it is written; empty for "<!>".
     std::string_view keyword() const { return word; }
 
-    /// The DOCTYPE of a document has been read, up to its '[' or '>': the declarations end where it ends. Those of the
-    /// entity `external`, if it names one, come behind them.
+    /// Ends the declarations with the current DOCTYPE, which has been read up to its '[' or '>'. The declarations of
+    /// the entity `external` then follow, unless it is empty.
     void endWithDoctype(std::string_view external);
 
-    /// Where the declaration begins.
+    /// Returns the place of the declaration's '<'.
     SourcePlace place() const { return declaration; }
 
-    /// Where the text of the literal begins that was read last in the declaration of an entity.
+    /// Returns the place of the last literal's text; only set in declarations of entities.
     SourcePlace literalPlace() const { return literal; }
 
-    /// Where the word in hand begins.
+    /// Returns the place of the current word.
     SourcePlace wordPlace();
 
     const Token& token() const { return current; }
 
-    /// Reads the next token of the declaration; at its end stays there. Literals may hold markup in the declaration of
-    /// an entity alone, see endLiterals(); elsewhere one that does has lost its second quote.
+    /// Reads the next token of the declaration; stays at its end. Literals may hold markup only in declarations of
+    /// entities; elsewhere a '<!' in a literal means that its second quote is missing.
     const Token& next();
 
-    /// From now on a literal of the declaration in hand that holds markup has lost its second quote.
+    /// From now on, a '<!' in a literal of the current declaration means that its second quote is missing.
     void endLiterals() { mayHoldMarkup = false; }
 
-    /// Whether `c` is the next character but blanks.
+    /// Returns whether `c` is the next character that is no blank.
     bool peek(char c) const;
 
-    /// The entities that leave out sections, when there were sections by entities and all were left out.
+    /// Returns the entities that switch sections off; empty unless all sections with an entity as key were left out.
     std::vector<std::string_view> querySwitches() const
     {
         return hasReadSection ? std::vector<std::string_view>() : switches;
@@ -72,17 +73,17 @@ public:
     void skipDeclaration();
 
 private:
-    // A text that is being read.
+    // A text that is being read; entities nest as a stack of frames.
     struct Frame
     {
         DTDEntities::Text* text;
         const char* at;
         const char* end;
-        const char* counted; // up to here lines are counted
+        const char* counted; // lines are counted up to here
         const char* lineStart;
         std::uint32_t line;
-        std::uint32_t column; // of lineStart
-        // False: none is to come, so that it is not looked for again.
+        std::uint32_t column; // column of lineStart
+        // False once a search for it failed, so the search is not repeated: that would take quadratic time.
         bool hasCommentEnd = true;
         bool hasDashes = true;
         bool hasQuote[2] = {true, true};
@@ -111,21 +112,21 @@ private:
     DTDEntities& entityTable;
     SourceReport& report;
     std::vector<Frame> frames;
-    std::size_t base = 0;     // how many frames there were when the declaration began
-    std::size_t sections = 0; // that are open
+    std::size_t base = 0;     // number of frames when the declaration began; it ends in the same one
+    std::size_t sections = 0; // number of open sections
     std::vector<std::string_view> switches;
-    bool hasReadSection = false; // because of an entity
+    bool hasReadSection = false; // a section with an entity as key has been read
     enum
     {
         none,
         ended,
         inBrackets
     } doctype = none;
-    std::string_view externalEntity; // of the DOCTYPE
+    std::string_view externalEntity; // stands for the DTD that the DOCTYPE names
     SourcePlace declaration, literal, section;
     std::string_view word;
     Token current;
     bool mayHoldMarkup = false;
-    ProgressMeter told; // in bytes of the main text
+    ProgressMeter told; // progress, in bytes of the main text
     CancelPoint cancelPoint{4096};
 };

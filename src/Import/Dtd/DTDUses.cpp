@@ -10,7 +10,8 @@ namespace {
 
 constexpr CharSet kBlank(" \t\r\n");
 
-// Whether one of the pieces that begin with `start` and stop before `end` passes `test`, which gets what is between.
+// Returns whether `test` accepts one of the pieces between `start` and the next `end`; it gets the piece without blanks
+// at its ends.
 template <class Test>
 bool hasPiece(std::string_view text, std::string_view start, std::string_view end, Test test)
 {
@@ -26,7 +27,7 @@ bool hasPiece(std::string_view text, std::string_view start, std::string_view en
     return false;
 }
 
-// An ATTLIST that the literal reading takes: element, attribute, CDATA, #IMPLIED.
+// Returns whether an ATTLIST has the form that the literal reading takes: element, attribute, CDATA, #IMPLIED.
 bool isPlainAttlist(std::string_view declaration)
 {
     for (int names = 0; names < 2; ++names)

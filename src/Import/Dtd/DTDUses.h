@@ -2,6 +2,6 @@
 
 #include "Base/Text.h"
 
-/// What a DTD uses that the literal reading doesn't know, as words for a sentence ("parameter entities, comments with
-/// markup"). Empty if there is nothing, or the file can't be read.
+/// Returns what a DTD uses that the literal reading doesn't support, in words for a sentence ("parameter entities,
+/// comments with markup"). Empty if there is nothing, or if the file can't be read.
 CString usesOfDtd(const CString& fileName);
