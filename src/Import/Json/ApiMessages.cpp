@@ -6,11 +6,11 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr int kLongestChain = 100; // of references
-constexpr int kMaxCallbacks = 10;  // inside each other
+constexpr int kLongestChain = 100; // of references; guards against cycles
+constexpr int kMaxCallbacks = 10;  // callbacks nested in each other
 constexpr std::string_view kMethods[] = {"get", "put", "post", "delete", "options", "head", "patch", "trace", "query"};
 
-// A name for what has none: letters and digits of the words that tell it.
+// Returns a name made of the letters and digits of a path or channel, for an operation or message without one.
 CString nameOf(std::string_view words)
 {
     CString name;
@@ -27,7 +27,8 @@ CString nameOf(std::string_view words)
 
 } // namespace
 
-// Everything but a schema may be a reference to its like.
+// Returns what a reference object leads to, else the node itself; 0 if it leads nowhere. Everything but a schema may be
+// such a reference.
 JsonNode::Index ApiMessages::follow(Index node)
 {
     node = tree.target(node);
@@ -83,7 +84,7 @@ void ApiMessages::readOperation(Index operation, std::string_view name)
     --depth;
 }
 
-// Of each media type.
+// A body has one schema for each media type.
 void ApiMessages::readBody(Index body, const CString& name)
 {
     const Index contents = tree.find(body, JsonWord::content, JsonNode::object);
@@ -107,7 +108,8 @@ void ApiMessages::readAsyncApi(Index root)
     }
 }
 
-// Version 2 has the messages in the operations of a channel, several as alternatives; version 3 in the channel.
+// In version 2 the operations of a channel hold its messages, several as alternatives. In version 3 the channel holds
+// them.
 void ApiMessages::readChannel(Index channel, std::string_view name)
 {
     const CString called = nameOf(name);
@@ -127,7 +129,7 @@ void ApiMessages::readChannel(Index channel, std::string_view name)
         readMessage(follow(at), tree.key(at));
 }
 
-/// A message is called by its name, else by its identifier, else by its key or channel.
+// Adds a message, named by its identifier or its name, else by its key or channel.
 void ApiMessages::readMessage(Index message, std::string_view name)
 {
     if (!tree.is(message, JsonNode::object) || !isNew(message))

@@ -3,8 +3,8 @@
 #include "Import/Json/AvroTypes.h"
 #include "Import/Json/JsonTypes.h"
 
-/// Finds the messages of an API description, which a message type may start with: the bodies of its operations, the
-/// payloads and headers of its channels. What describes several is read once.
+/// Finds the messages of an API description and adds them as candidates for main types: the bodies of operations, the
+/// payloads and headers of channels. An item that several places refer to is read once.
 class ApiMessages
 {
 public:
@@ -14,10 +14,10 @@ public:
         documents(documents), tree(documents.tree), schemas(schemas), avro(avro)
     {}
 
-    /// The bodies of an OpenAPI document's operations.
+    /// Adds the bodies of an OpenAPI document's operations, with those of webhooks and callbacks.
     void readOpenApi(Index root);
 
-    /// The messages of an AsyncAPI document's channels, operations and components.
+    /// Adds the messages of an AsyncAPI document's channels and components.
     void readAsyncApi(Index root);
 
 private:
@@ -35,6 +35,6 @@ private:
     JsonTree& tree;
     JsonTypes& schemas;
     AvroTypes& avro;
-    std::unordered_set<Index> met;
-    int depth = 0; // of callbacks
+    std::unordered_set<Index> met; // nodes that have been read
+    int depth = 0;                 // nesting of callbacks
 };

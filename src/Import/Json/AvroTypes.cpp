@@ -9,7 +9,7 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::uint16_t kMaxDepth = 100; // of arrays inside each other
+constexpr std::uint16_t kMaxDepth = 100; // of nested arrays
 constexpr std::size_t kMaxSteps = 20'000'000;
 
 bool isNamedType(std::string_view type)
@@ -19,7 +19,8 @@ bool isNamedType(std::string_view type)
 
 } // namespace
 
-// Names are told apart by their namespaces: that in a name with dots, else the type's own, else the one around it.
+// Returns the full name of a type. The namespace is that in a name with dots, else the type's own, else the enclosing
+// one.
 NameTable::Id AvroTypes::fullNameOf(std::string_view name, NameTable::Id space)
 {
     if (space == 0 || name.find('.') != name.npos)
@@ -125,7 +126,7 @@ void AvroTypes::readProtocol(Index protocol)
         addAllCandidates();
 }
 
-/// The type of a value with these alternatives; nothing for one of bytes.
+// Returns the type of a value with these alternatives; nothing if it holds bytes only, which have no type.
 std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternatives, std::string_view name,
                                                    SourceTypes::Index home)
 {
@@ -163,7 +164,7 @@ std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternati
     }
 }
 
-/// Unions taken apart, names followed, null left out; each once.
+// Splits unions, follows names and leaves out null. Each schema comes once.
 AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
 {
     Sorted sorted;
@@ -199,7 +200,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
     return sorted;
 }
 
-// Unions that many fields share, by aliases or by messages, are taken apart for each.
+// Bounds the work: unions that many fields or messages share are split again for each.
 void AvroTypes::spendStep()
 {
     cancelPoint.pass();
@@ -221,7 +222,7 @@ void AvroTypes::sortOut(Scoped at, std::string_view type, Sorted& sorted)
         sorted.leaves.push_back(at);
 }
 
-/// The record of these schemas: their own if it is one, else one with the fields of all.
+// Returns the record of these schemas: that of the only schema, else one with the fields of all.
 SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool isMap, std::string_view name,
                                       SourceTypes::Index home)
 {
@@ -245,7 +246,7 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool i
     return known->second = {SourceTypes::kindRecord, record};
 }
 
-/// The kind of a schema that is no object and no array; nothing for bytes.
+// Returns the kind of a schema that is no object and no array; nothing for bytes.
 std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema) const
 {
     const bool isPlain = tree.is(schema, JsonNode::string);
@@ -315,7 +316,7 @@ void AvroTypes::finish()
         readFields(Pending(pending[i]));
 }
 
-/// A field that several of the record's schemas have is of all their types.
+// Reads the fields of a record. A field that several schemas declare gets the alternatives of all.
 void AvroTypes::readFields(const Pending& record)
 {
     struct Known

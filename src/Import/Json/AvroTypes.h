@@ -2,8 +2,8 @@
 
 #include "Import/Json/JsonTypes.h"
 
-/// Says what Avro schemas declare (Apache Avro 1.11.1). Named types are known by their full names, and are declared
-/// before they are referred to.
+/// Makes types of Avro schemas (Apache Avro 1.11.1). Named types are identified by their full names, and are declared
+/// before anything refers to them.
 class AvroTypes
 {
 public:
@@ -14,37 +14,38 @@ public:
         documents(documents), tree(documents.tree), names(names), types(types), report(report)
     {}
 
-    /// Lets schemas refer to the named types in `document`, a schema or a protocol, wherever they stand.
+    /// Declares the named types in `document`, a schema or a protocol, so that schemas may refer to them from anywhere.
     void declareAll(Index document);
 
-    /// Declares the named types in `schema`. A message may start with the records among them that stand at its top, or
-    /// with a value of any other sort, which is called `name`.
+    /// Declares the named types in `schema`. Its records at the top become candidates for main types; so does a value
+    /// of any other kind, under `name`.
     void addCandidate(Index schema, std::string_view name);
 
-    /// The types of a protocol; the requests and responses of its messages are what a message may start with.
+    /// Reads the types of a protocol. The requests and responses of its messages become candidates; without messages,
+    /// all types.
     void readProtocol(Index protocol);
 
-    /// Lets a message start with any named type.
+    /// Makes all named records candidates.
     void addAllCandidates();
 
-    /// Gives all records their fields.
+    /// Reads the fields of all records. Call it last.
     void finish();
 
 private:
-    // A schema, and the namespace in which it stands.
+    // A schema, and its enclosing namespace.
     struct Scoped
     {
         Index schema = 0;
         NameTable::Id space = 0;
     };
 
-    // What the alternatives of a value are, sorted out.
+    // The alternatives of a value by kind.
     struct Sorted
     {
         std::vector<Scoped> records, maps, arrays, leaves;
     };
 
-    // A record that waits for its fields: those of records, or the value of a map, or the parameters of a message.
+    // A record whose fields are not yet read: those of records, the value of a map, or the parameters of a message.
     struct Pending
     {
         std::vector<Scoped> schemas;
@@ -74,10 +75,10 @@ private:
     SourceTypes& types;
     SourceReport& report;
     std::unordered_map<NameTable::Id, Scoped> named; // by full name
-    std::vector<Scoped> order;
+    std::vector<Scoped> order;                       // named types in order of declaration, until they are read
     std::unordered_map<Index, NameTable::Id> spaces; // of named types
     std::unordered_set<Index> declared;
-    std::map<std::vector<Index>, SourceTypes::Type> records; // by what they are made of
+    std::map<std::vector<Index>, SourceTypes::Type> records; // by the sorted schemas that they come from
     std::vector<Pending> pending;
     std::size_t steps = 0;
     CancelPoint cancelPoint{4096}; // passed by each step

@@ -13,8 +13,8 @@ using Index = JsonNode::Index;
 using Kind = JsonContent::Kind;
 
 constexpr std::size_t kFewFields = 16;
-constexpr std::size_t kMaxKept = 4'000'000;   // fields and constants
-constexpr std::size_t kMaxSteps = 20'000'000; // schemas that are made of many others can be many
+constexpr std::size_t kMaxKept = 4'000'000;   // of fields and constants
+constexpr std::size_t kMaxSteps = 20'000'000; // bounds schemas that combine many others
 
 } // namespace
 
@@ -83,7 +83,7 @@ void JsonContents::enter(Index schema)
         readSchema(frame);
 }
 
-/// The schema that stands for all of them; 0 for none.
+// Returns a schema that is the choice between all; 0 if there are none.
 JsonNode::Index JsonContents::choiceOf(const std::vector<Index>& schemas)
 {
     if (schemas.size() < 2)
@@ -102,8 +102,8 @@ JsonNode::Index JsonContents::addAlias(Index parent, Index last, JsonWord key, I
     return alias;
 }
 
-/// Keeps what the last frame has come to. The type is another schema's where that says all of it, unless this one has a
-/// name of its own.
+// Stores the content of the last frame. If a single other schema provides all of it, its type is used, unless this
+// schema has a name of its own.
 void JsonContents::finish()
 {
     Frame& frame = frames.back();
@@ -166,7 +166,7 @@ void JsonContents::take(Frame& frame, const JsonContent& added)
     frame.constants.clear();
 }
 
-/// Makes what is borrowed the frame's own, to be added to.
+// Copies borrowed fields and constants into the frame, so that others can be added.
 void JsonContents::makeOwn(Frame& frame)
 {
     frame.content.owner = 0;
@@ -296,7 +296,7 @@ void JsonContents::addOwnFields(Frame& frame, Index properties)
     }
 }
 
-/// Adds a field, or says more of the one that has its name; `own`: a constant.
+// Adds a field, or a further schema to the field of the same name. With `own` it adds a constant.
 void JsonContents::addField(Frame& frame, JsonField field, How how)
 {
     const bool isConstant = how == own;

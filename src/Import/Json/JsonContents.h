@@ -6,38 +6,38 @@
 #include <map>
 #include <span>
 
-/// A property that a schema knows.
+/// A property of a schema.
 struct JsonField
 {
     NameTable::Id name = 0;
     JsonNode::Index schema = 0;
 };
 
-/// What the values of a schema are.
+/// The values that a schema describes.
 struct JsonContent
 {
     enum Kind : std::uint8_t
     {
-        none, ///< the schema says nothing of it
+        none, ///< the schema restricts nothing
         text,
         number,
         time,
         enumeration,
-        record, ///< maybe without fields
-        map,    ///< an object with properties of any name
+        record, ///< an object with known properties; may have none
+        map,    ///< an object whose properties have any name
         array
     };
 
     Kind kind = none;
-    bool isAlsoLeaf = false;   ///< an array, or else a text or number
-    JsonNode::Index owner = 0; ///< the schema whose type it is
-    JsonNode::Index items = 0; ///< the schema of an array's items or a map's values; 0 for any
-    std::uint32_t first = 0;   ///< of the fields or constants
+    bool isAlsoLeaf = false;   ///< an array, or a single text or number
+    JsonNode::Index owner = 0; ///< the schema that the type belongs to
+    JsonNode::Index items = 0; ///< schema of an array's items or a map's values; 0 allows any
+    std::uint32_t first = 0;   ///< index of the first field or constant
     std::uint32_t count = 0;
 };
 
-/// The contents of schemas: what references lead to and what allOf, oneOf, anyOf and conditions say together. Each
-/// schema's is worked out once, without recursion. An array of schemas is the choice between them.
+/// Works out the contents of schemas: follows references and combines allOf, oneOf, anyOf and conditions. Each schema
+/// is worked out once, without recursion. An array of schemas stands for the choice between them.
 class JsonContents
 {
 public:
@@ -47,30 +47,31 @@ public:
         documents(documents), tree(documents.tree), types(types), report(report)
     {}
 
-    /// What a schema says. Throws SourceRefusal where one is made of itself.
+    /// Returns the content of a schema. Throws SourceRefusal if a schema consists of itself.
     JsonContent of(Index schema);
 
-    /// The fields of a record and the constants of an enumeration; valid until the next of().
+    /// Returns the fields of a record. Valid until the next call of of().
     std::span<const JsonField> fieldsOf(const JsonContent& record) const
     {
         return std::span(fields).subspan(record.first, record.count);
     }
+    /// Returns the constants of an enumeration. Valid until the next call of of().
     std::span<const NameTable::Id> constantsOf(const JsonContent& enumeration) const
     {
         return std::span(constants).subspan(enumeration.first, enumeration.count);
     }
 
-    /// Whether a schema is declared by name, or a document.
+    /// Returns whether a schema is declared by name, or is the whole document.
     bool isDeclared(Index schema) const;
 
 private:
-    // How a part joins what there is of its schema already.
+    // How a part combines with the content so far.
     enum How : std::uint8_t
     {
-        both,   // it holds beside that
-        either, // it is another alternative
-        maybe,  // it holds at times: adds what is missing
-        own     // not a schema: the properties of this one
+        both,   // applies in addition
+        either, // is an alternative
+        maybe,  // applies under a condition: only adds missing fields
+        own     // is no schema but the properties of this one
     };
 
     struct Part
@@ -79,42 +80,42 @@ private:
         How how;
     };
 
-    // A field, and what is said of it further.
+    // A field with further schemas of the same name.
     struct MergedField : JsonField
     {
         std::vector<Part> more;
     };
 
-    // What a schema is made of that was made here.
+    // The parts of a schema that mergedOf() has made.
     struct Merged
     {
         How how;
         std::vector<Index> members;
-        int rank = 0; // how many such schemas are inside each other
+        int rank = 0; // nesting of such schemas
     };
 
-    // A schema whose parts are being looked at.
+    // A schema whose parts are being combined.
     struct Frame
     {
         Index node;
         std::vector<Part> parts;
         std::size_t next = 0;
         JsonContent content;
-        bool isBorrowed = false; // fields and constants are still those of the only part that has any
+        bool isBorrowed = false; // fields and constants still belong to the only part that has any
         bool isReference = false;
-        Index mapping = 0; // of a discriminator
+        Index mapping = 0; // the mapping of its discriminator, or 0
         NameTable::Id discriminator = 0;
         std::vector<MergedField> fields;
-        std::unordered_map<NameTable::Id, std::size_t> many;
+        std::unordered_map<NameTable::Id, std::size_t> many; // index by name, if there are many
         std::vector<NameTable::Id> constants;
     };
 
-    // What one schema says itself of its values, collected from its keywords.
+    // The content of a schema by its own keywords.
     struct Own
     {
         Index type = 0;
         NameTable::Id format = 0;
-        std::vector<Index> values; // that are listed
+        std::vector<Index> values; // of enum or const
         bool isListed = false;
         bool hasItems = false;
         bool hasProperties = false;
@@ -156,11 +157,11 @@ private:
     const SourceTypes& types;
     SourceReport& report;
     std::unordered_map<Index, JsonContent> contents;
-    std::unordered_map<Index, bool> inHand;
+    std::unordered_map<Index, bool> inHand; // schemas in progress; meeting one again is a cycle
     std::vector<JsonField> fields;
     std::vector<NameTable::Id> constants;
     std::unordered_map<Index, Merged> madeOf;
-    std::map<std::pair<How, std::vector<Index>>, Index> merges; // by what they are made of, in order
+    std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
     std::vector<Frame> frames;
     std::size_t steps = 0;
     CancelPoint cancelPoint{4096};

@@ -2,7 +2,7 @@
 
 #include "Import/Full/FullMessage.h"
 
-/// The importer of messages in JSON as examples of their kind: one or several, also one a line.
+/// The importer of JSON messages, which are examples of their type. A file holds one or several, also one a line.
 class JsonDataMessage : public FullMessage
 {
 public:
@@ -20,7 +20,7 @@ public:
     static MsgUIDescriptor m_descr;
 
 protected:
-    /// `source` is the name of the first file.
+    /// `source` is the name of the first file, not its content.
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 
 private:

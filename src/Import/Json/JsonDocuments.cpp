@@ -12,21 +12,22 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::size_t kMaxPointers = 10'000; // that are told
-constexpr std::size_t kMaxDigits = 4;        // of the position in an array that a pointer is followed to
+constexpr std::size_t kMaxPointers = 10'000; // that the report shows; building one walks up the tree
+constexpr std::size_t kMaxDigits = 4;        // in the array index of a pointer; bounds the walk
 
 std::uint64_t keyOf(Index resource, NameTable::Id text)
 {
     return static_cast<std::uint64_t>(resource) << 32 | text;
 }
 
+// Returns the length of a URI's scheme with its colon; 0 if there is none. A single letter is no scheme but a drive.
 std::size_t schemeLength(std::string_view uri)
 {
     const std::size_t end = uri.find_first_of(":/?#");
     return end == uri.npos || uri[end] != ':' || end < 2 ? 0 : end + 1;
 }
 
-// A reference against its base (RFC 3986, 5.2), dots taken out.
+// Resolves a reference against its base (RFC 3986, 5.2), with dot segments removed.
 CString resolveUri(std::string_view base, std::string_view reference)
 {
     if (schemeLength(reference) > 0 || base.empty())
@@ -101,7 +102,8 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     return root;
 }
 
-// A schema's identifier counts before those of the schemas inside it, wherever it stands among its members.
+// Registers the identifiers of a document. A schema's own identifier comes before those inside it, which are relative
+// to it, wherever it stands among the members.
 void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
 {
     std::vector<Index> identified;
@@ -146,7 +148,7 @@ const CString& JsonDocuments::uriOf(Index resource) const
     return found == uris.end() ? documents[tree[resource].document].uri : found->second;
 }
 
-// The nearest schema around a node that has an identifier of its own, else the whole document.
+// Returns the nearest schema around a node that has its own identifier, else the document's root.
 JsonNode::Index JsonDocuments::resourceOf(Index node) const
 {
     while (!tree[node].isResource && tree[node].parent != 0)
@@ -181,7 +183,7 @@ void JsonDocuments::lookUp(Index holder, std::string_view reference, Resolved& f
     if (resource == 0)
         return;
     found.node = tree.target(followFragment(resource, fragment));
-    if (found.node == 0) // which many write of the whole document, whatever schema has an identifier
+    if (found.node == 0) // many documents write pointers from the root, although a schema between has an identifier
         found.node = tree.target(followFragment(rootOf(resource), fragment));
 }
 
@@ -281,7 +283,7 @@ CString JsonDocuments::nameOf(Index node) const
 void JsonDocuments::note(SourceReport::Construct construct, Index node, std::string_view name)
 {
     CString words(name);
-    const bool isReference = tree.keyOf(node) == JsonWord::ref; // which is told by the schema that holds it
+    const bool isReference = tree.keyOf(node) == JsonWord::ref; // reported at the schema that holds it
     if (++noted <= kMaxPointers)
         words += (words.empty() ? "" : " at ") + tree.pointerTo(isReference ? tree[node].parent : node);
     report.add(construct, tree.placeOf(node), words);

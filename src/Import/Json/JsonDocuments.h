@@ -7,7 +7,7 @@
 #include <map>
 #include <optional>
 
-/// The documents of one import and what references in them lead to. Another document is a local file, read once.
+/// The documents of one import, with their references resolved. Other documents are local files, each read once.
 class JsonDocuments
 {
 public:
@@ -15,32 +15,32 @@ public:
 
     JsonDocuments(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
-    /// Reads a source and returns its value; 0 if the file was read before. Throws SourceRefusal.
+    /// Reads a source and returns its root; 0 if the file was read before. Throws SourceRefusal if it can't be read.
     Index load(const CString& fileName);
 
-    /// What the `reference` that stands at `holder` leads to, by identifiers and anchors, else by file and pointer
-    /// (RFC 6901). 0, and a loss, if that is nothing.
+    /// Returns the node that `reference` leads to: by identifier or anchor, else by file and JSON pointer (RFC 6901).
+    /// `holder` is the node that the reference stands in. Returns 0 and reports a loss if there is none.
     Index resolve(Index holder, NameTable::Id reference);
 
-    /// Whether a "$ref" is all that counts in its schema, as up to draft 7.
+    /// Returns whether a "$ref" replaces all other keywords of its schema, as up to draft 7.
     bool ignoresSiblings(Index node) const { return documents[tree[node].document].ignoresSiblings; }
 
-    /// Says that for the document of `node`, and for those that it refers to and that say nothing themselves.
+    /// Sets that for the document of `node`. Documents it refers to inherit it, unless they declare a version.
     void setIgnoresSiblings(Index node, bool ignores) { documents[tree[node].document].ignoresSiblings = ignores; }
 
-    /// Notes that what stands at `holder` is told by what stands at `node`.
+    /// Records that the document of `holder` refers to that of `node`.
     void link(Index holder, Index node) { links.add(tree[holder].document, tree[node].document); }
 
-    /// Those of these values, by position and in order, whose documents no other one refers to. 0 is none.
+    /// Returns the positions, in order, of those roots whose documents no other document refers to. Zeros are skipped.
     std::vector<std::size_t> findTops(std::span<const Index> roots) const;
 
-    /// The value that the document of `node` is.
+    /// Returns the root of the document of `node`.
     Index rootOf(Index node) const { return documents[tree[node].document].root; }
 
-    /// The name of the document's file without folder and suffix.
+    /// Returns the name of the document's file without folder and suffix.
     CString nameOf(Index node) const;
 
-    /// Notes what is not carried over, called `name` or else by its place in the document.
+    /// Reports a loss at `node`, with `name` and the node's JSON pointer.
     void note(SourceReport::Construct construct, Index node, std::string_view name = {});
 
     JsonTree tree;
@@ -50,11 +50,11 @@ private:
     {
         Index root = 0;
         CString folder;
-        CString uri; // by which relative identifiers are resolved
+        CString uri; // the base of relative identifiers
         bool ignoresSiblings = false;
     };
 
-    // What a reference leads to, or why to nothing.
+    // The target of a reference, else the reason why there is none.
     struct Resolved
     {
         Index node = 0;
@@ -76,10 +76,10 @@ private:
     SourceReport& report;
     FileFinder finder;
     DocumentLinks links;
-    std::vector<Document> documents;                      // by their numbers in the report
-    std::map<FileId, Index> parsed;                       // the value of each file; 0 for one that can't be read
+    std::vector<Document> documents;                      // by number in the report
+    std::map<FileId, Index> parsed;                       // root by file; 0 if the file can't be read
     std::unordered_map<CString, Index> resources;         // by URI
-    std::unordered_map<Index, CString> uris;              // of embedded resources
+    std::unordered_map<Index, CString> uris;              // of schemas with an identifier
     std::unordered_map<std::uint64_t, Index> anchors;     // by resource and name
     std::unordered_map<std::uint64_t, Resolved> resolved; // by resource and reference
     std::size_t noted = 0;

@@ -1,4 +1,4 @@
-// What the keywords of one schema say, each by itself.
+// JsonContents: the meaning of each keyword by itself.
 #include "Import/Json/JsonContents.h"
 
 #include <algorithm>
@@ -57,7 +57,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
     case JsonWord::dependencies:
         if (isObject)
             for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
-                if (tree.is(tree.target(at), JsonNode::object)) // else names of properties
+                if (tree.is(tree.target(at), JsonNode::object)) // else an array of property names
                     frame.parts.push_back({tree.target(at), maybe});
         break;
     case JsonWord::properties:
@@ -167,8 +167,8 @@ void JsonContents::countOptional(Index schema, Index properties)
     report.count(SourceReport::optionality, all - std::min(all, required));
 }
 
-/// The content of the schema's own keywords: its types are alternatives, those that it doesn't name follow from what it
-/// says of them.
+// Combines the schema's own keywords. Its types are alternatives; without a "type" the type follows from the other
+// keywords.
 void JsonContents::readOwn(Frame& frame, Own& own)
 {
     if (own.hasProperties && !own.mapValues.empty()) {
@@ -227,7 +227,8 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
     return content;
 }
 
-/// An enumeration of the values that are listed, when they are texts; null aside. `isText`: whatever they look like.
+// Returns an enumeration of the listed values if they are texts; null is left out. With `isText`, numbers and booleans
+// count as texts, too.
 JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isText)
 {
     JsonContent content;

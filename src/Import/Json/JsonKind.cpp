@@ -7,7 +7,7 @@
 
 namespace {
 
-// What the keys at the top of a document, or of the first one of a list, say of it.
+// The kind of a document, by the keys at its top or at the top of its first list item.
 class Marks
 {
 public:
@@ -33,7 +33,7 @@ private:
     bool looksLikeSchema = false;
 };
 
-// Stops at the end of what there is, or at a fault, which the importer will tell.
+// Scans what is there of the document. A fault only ends the scan, because the importer will report it.
 std::string_view wordForJson(std::string_view text)
 {
     Marks marks;
@@ -57,7 +57,7 @@ std::string_view wordForJson(std::string_view text)
     return marks.word().empty() ? "json" : marks.word();
 }
 
-// By the lines that aren't indented.
+// Only lines without indentation count.
 std::string_view wordForYaml(std::string_view text)
 {
     Marks marks;

@@ -2,6 +2,6 @@
 
 #include <string_view>
 
-/// The word of the importer for a document in JSON or YAML, by the keys at its top: "openapi", "avro", "jsonschema", or
-/// "json" for any other JSON; "" when it is neither. `start` is its beginning.
+/// Returns the id of the importer for a document in JSON or YAML, by the keys at its top: "openapi", "avro",
+/// "jsonschema", or "json" for any other JSON; empty if it is neither. `start` is the document's beginning.
 std::string_view importerOfJson(std::string_view start);

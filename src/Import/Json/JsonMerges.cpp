@@ -1,4 +1,4 @@
-// Schemas that are made of others, where several describe one value.
+// JsonContents: schemas that are made of others, because several describe one value.
 #include "Import/Json/JsonContents.h"
 
 #include <algorithm>
@@ -9,12 +9,12 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr int kLongestChain = 100; // of references
-constexpr int kMaxRank = 4;        // of schemas made of others
+constexpr int kLongestChain = 100; // of references; guards against cycles
+constexpr int kMaxRank = 4;        // nesting of made schemas; bounds their growth
 
 } // namespace
 
-/// What a schema that is nothing but a reference leads to, else the schema itself.
+// Returns the target of a schema that is only a reference, apart from remarks; else the schema itself.
 JsonNode::Index JsonContents::baseOf(Index schema)
 {
     for (int i = 0; i < kLongestChain; ++i) {
@@ -37,7 +37,8 @@ JsonNode::Index JsonContents::baseOf(Index schema)
     return schema;
 }
 
-/// A schema that says what all say of one value. Runs of alternatives, and of what holds together, are one each.
+// Returns one schema that combines all. Each run of alternatives, and each run of schemas that apply together, becomes
+// one schema.
 JsonNode::Index JsonContents::mergedOf(Index first, std::span<const Part> more)
 {
     Index schema = first;
@@ -93,7 +94,7 @@ JsonNode::Index JsonContents::makeMerged(const Merged& merged)
     return schema;
 }
 
-/// Whether two schemas are plainly alike: leaves of one type.
+// Returns whether two schemas are leaves of the same type and format; cheaper than merging them.
 bool JsonContents::sayTheSame(Index one, Index other) const
 {
     NameTable::Id oneType = 0, otherType = 0, oneFormat = 0, otherFormat = 0;

@@ -3,8 +3,8 @@
 #include "Import/Full/FullMessage.h"
 #include "Import/Json/JsonTypes.h"
 
-/// The base of the importers of schemas in JSON or YAML, one document or a set. A document of a set that another one
-/// refers to has no main type of its own.
+/// The base of the importers of schemas in JSON or YAML. Reads one document or a set. A document that others of the set
+/// refer to gets no main type of its own.
 class JsonMessage : public FullMessage
 {
 public:
@@ -16,11 +16,11 @@ public:
 protected:
     using Index = JsonNode::Index;
 
-    /// Says what the documents with these values declare; 0 stands for one that was given before. What a message may
-    /// start with is noted under the document's position, see JsonTypes::setSource().
+    /// Makes types of documents. `roots` holds a root for each document of the set; 0 if the same file was given
+    /// before. Candidates for main types are added under the document's position, see JsonTypes::setSource().
     virtual void readDocuments(std::span<const Index> roots, JsonDocuments& documents, JsonTypes& schemas,
                                SourceTypes& types, SourceReport& report) = 0;
 
-    /// `source` is the name of the first file.
+    /// `source` is the name of the first file, not its content.
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) final;
 };

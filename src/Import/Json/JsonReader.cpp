@@ -1,4 +1,4 @@
-// Reads JSON and YAML into a tree.
+// Reads JSON and YAML documents into a tree.
 #include "Import/Json/JsonScanner.h"
 #include "Import/Json/JsonTree.h"
 
@@ -42,7 +42,7 @@ Index readJson(std::string_view text, JsonBuilder& builder)
     return builder.root();
 }
 
-// What a plain scalar is by YAML's core schema (YAML 1.2.2, 10.3).
+// Returns the kind of a plain scalar in YAML's core schema (YAML 1.2.2, 10.3.2).
 JsonNode::Kind kindOfPlain(std::string_view text)
 {
     if (isOneOf(text, {"", "~", "null", "Null", "NULL"}))
@@ -77,7 +77,8 @@ JsonNode::Kind kindOfPlain(std::string_view text)
     return digits > 0 && at == text.size() ? JsonNode::number : JsonNode::string;
 }
 
-/// Reads the one document of a YAML stream. Aliases are nodes that stand for others, so nothing is expanded.
+/// Reads the only document of a YAML stream. An alias becomes a node that refers to its anchor's node, so a document of
+/// nested aliases ("billion laughs") doesn't grow.
 class YamlReader
 {
 public:
@@ -105,11 +106,11 @@ public:
     }
 
 private:
-    // Where the next scalar of a mapping is a key.
+    // An open mapping; its scalars alternate between keys and values.
     struct Mapping
     {
         bool isKeyNext = true;
-        Index merged = 0; // the member "<<": mappings whose members are taken over
+        Index merged = 0; // the member "<<", whose mappings are merged in; 0 if there is none
         bool isMergeNext = false;
     };
 
@@ -169,7 +170,7 @@ private:
         return made;
     }
 
-    // https://yaml.org/type/merge.html
+    // Merges the value of "<<": a mapping or a list of mappings (https://yaml.org/type/merge.html).
     void merge(Index member)
     {
         builder.drop(member);
@@ -226,7 +227,7 @@ private:
     yaml_parser_t parser;
     JsonBuilder& builder;
     JsonTree& tree;
-    std::vector<std::optional<Mapping>> open; // nothing for a sequence
+    std::vector<std::optional<Mapping>> open; // empty for a sequence
     std::unordered_map<NameTable::Id, Index> anchors;
 };
 

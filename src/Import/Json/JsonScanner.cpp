@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::size_t kBuffer = 1 << 18;
-constexpr std::size_t kLongText = 1 << 12; // what is kept of a longer string
+constexpr std::size_t kLongText = 1 << 12; // bytes kept of a longer string that is no key
 constexpr std::size_t kLongestCharacter = 4;
 
 constexpr std::array<bool, 256> makeSpecial()
@@ -22,7 +22,7 @@ constexpr std::array<bool, 256> makeSpecial()
     return special;
 }
 
-// The bytes that a string doesn't simply go on with.
+// The bytes that end a run of plain characters in a string.
 constexpr std::array<bool, 256> kSpecial = makeSpecial();
 
 bool isDigit(char c)
@@ -48,7 +48,8 @@ JsonScanner::JsonScanner(InputFile& file) : file(&file), buffer(kBuffer)
     lineOffset = at;
 }
 
-// Reads on behind what the buffer still has to keep; a token that fills it makes it larger.
+// Reads more of the file. The buffer keeps the bytes from `kept` on, and grows if a token fills it. Returns false at
+// the end.
 bool JsonScanner::refill()
 {
     if (!file)
@@ -115,7 +116,7 @@ void JsonScanner::notePlace()
     tokenColumn = static_cast<std::uint32_t>(offset() - lineOffset + 1);
 }
 
-// The key is copied where looking for the colon might move it.
+// Scans a key and its colon. The key is copied if looking for the colon might refill the buffer and so move it.
 JsonScanner::Token JsonScanner::scanKey()
 {
     if (peek() != '"')
@@ -177,7 +178,8 @@ JsonScanner::Token JsonScanner::close()
     return object ? objectEnd : arrayEnd;
 }
 
-// A text without escapes stays where it stands; the others, and the beginnings of long ones, are put together.
+// Scans a string. Without escapes the token is a view of the text. Otherwise its pieces are joined in `unescaped`, as
+// is the beginning of a long string of a file.
 void JsonScanner::scanString(bool isKey)
 {
     const std::size_t longest = file && !isKey ? kLongText : CString::npos;
@@ -224,7 +226,7 @@ void JsonScanner::scanString(bool isKey)
     ++at;
 }
 
-// A surrogate without its other half becomes U+FFFD.
+// Scans an escape. A surrogate without its other half becomes U+FFFD.
 void JsonScanner::scanEscape()
 {
     constexpr std::string_view letters = "\"\\/bfnrt", meanings = "\"\\/\b\f\n\r\t";

@@ -7,7 +7,7 @@
 
 class InputFile;
 
-/// Why a text is no JSON or YAML, and where.
+/// The reason why a text is not JSON or YAML, with its place.
 struct JsonFault
 {
     CString reason;
@@ -15,8 +15,8 @@ struct JsonFault
     std::uint32_t column = 0; ///< counted from 1, in bytes
 };
 
-/// Reads JSON (RFC 8259) token by token, without recursion. Numbers, strings and keys may have any length. The first
-/// fault is thrown as a JsonFault.
+/// Scans JSON (RFC 8259) token by token, without recursion. Numbers, strings and keys may have any length. Throws the
+/// first fault as a JsonFault.
 class JsonScanner
 {
 public:
@@ -34,27 +34,28 @@ public:
         null
     };
 
-    /// Containers nest this deep at most.
+    /// The maximum nesting of arrays and objects.
     static constexpr std::size_t kMaxDepth = 1000;
 
-    /// Reads one value. The text outlives the scanner.
+    /// Scans one value. The text must outlive the scanner.
     explicit JsonScanner(std::string_view text);
 
-    /// Reads a file of any number of values, one after another, in constant memory. Of a long string that is no key
-    /// only the beginning is kept.
+    /// Scans a file with any number of values, one after another. Memory is bounded by the longest key or number; of a
+    /// long string, only the first 4 KiB are kept.
     explicit JsonScanner(InputFile& file);
 
-    /// The next token; `end` behind the last value.
+    /// Returns the next token; `end` after the last value. Throws JsonFault.
     Token next();
 
-    /// A key or string without quotes and escapes, a number or boolean as written. Valid until the next call.
+    /// Returns a key or string without quotes and escapes, or a number or boolean as written. Valid until the next call
+    /// of next().
     std::string_view text() const { return token; }
 
-    /// Where the token begins.
+    /// Return the place of the token, counted from 1; columns in bytes.
     std::uint32_t line() const { return tokenLine; }
     std::uint32_t column() const { return tokenColumn; }
 
-    /// How many bytes have been read.
+    /// Returns the number of bytes scanned so far.
     std::uint64_t offset() const { return consumed + at; }
 
 private:
@@ -84,11 +85,11 @@ private:
     char peek() { return isAtEnd() ? '\0' : data[at]; }
     [[noreturn]] void fail(const CString& reason);
 
-    std::string_view data; // the text, or what of the file is in the buffer
+    std::string_view data; // the text, or the part of the file in the buffer
     InputFile* file = nullptr;
     std::vector<char> buffer;
     std::size_t at = 0;
-    std::size_t kept = CString::npos; // from here on the bytes of the buffer are still needed
+    std::size_t kept = CString::npos; // start of the bytes that refill() must keep; npos if none
     std::uint64_t consumed = 0;       // bytes of the file before the buffer
     std::uint64_t lineOffset = 0;
     std::uint32_t lines = 1;
@@ -96,6 +97,6 @@ private:
     std::uint32_t tokenColumn = 1;
     std::string_view token;
     CString unescaped;
-    std::vector<bool> isObject; // of the open containers
+    std::vector<bool> isObject; // for each open container
     State state = value;
 };

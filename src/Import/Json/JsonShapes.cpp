@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kMaxShapes = 2'000'000;
 
-// Takes a number of so many digits, between two bounds, off the text.
+// Removes a number of `digits` digits from the start. Returns false unless it is between `least` and `most`.
 bool takeNumber(std::string_view& text, std::size_t digits, int least, int most)
 {
     if (text.size() < digits)
@@ -50,7 +50,7 @@ bool takeTime(std::string_view& text)
            (takeMark(text, ':') || !text.empty()) && takeNumber(text, 2, 0, 59);
 }
 
-// A date, a time or both as ISO 8601 writes them in full.
+// Returns whether a text is a date, a time or both in the extended format of ISO 8601.
 bool isIsoTime(std::string_view text)
 {
     constexpr std::size_t shortest = 5, longest = 40;
@@ -69,7 +69,7 @@ bool isIsoTime(std::string_view text)
 
 void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber)
 {
-    // A container that is open, and its member that came last.
+    // An open container, and the member that came last in it.
     struct Open
     {
         Index shape;
@@ -115,7 +115,7 @@ void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber)
             note(at, isText, scanner);
             break;
         default:
-            break; // null is of any kind
+            break; // null fits any kind
         }
     }
 }
@@ -149,8 +149,9 @@ JsonShapes::Index JsonShapes::itemsOf(Index array)
     return shapes[array].items;
 }
 
-// Most objects have the keys of the last one of their shape, in that order. A member inside one of the same key is of
-// its shape: lists of lists of nodes so come to an end.
+// Returns the shape of a member, added if it is new. The guess succeeds for most objects, because they repeat the keys
+// and the order of the last one. A member nested in one of the same key shares that one's shape, so recursive data such
+// as trees gets a recursive type instead of endless nesting.
 JsonShapes::Index JsonShapes::memberOf(Index object, Index before, std::string_view key)
 {
     const Index guess = before == 0 ? shapes[object].first : shapes[before].follower;

@@ -7,17 +7,17 @@
 #include <unordered_map>
 #include <vector>
 
-/// The shapes of example messages: which keys and kinds of values they have where, all examples together. Takes as much
-/// memory as the shapes do, whatever the number and size of the examples.
+/// Collects the shapes of example messages: the keys and kinds of values at each place, over all examples. Memory grows
+/// with the number of different shapes, not with the examples.
 class JsonShapes
 {
 public:
     JsonShapes() : shapes(1) {}
 
-    /// Takes all values of a file. Throws JsonFault.
+    /// Adds all values of a file; `file` is its number in the report. Throws JsonFault.
     void read(JsonScanner& scanner, std::uint32_t file);
 
-    /// Declares the shapes as types, the whole one as what a message starts with, called `name`.
+    /// Adds the shapes as types. The shape of whole messages becomes the candidate for the main type, under `name`.
     void declare(std::string_view name, SourceTypes& types, SourceReport& report);
 
 private:
@@ -34,17 +34,17 @@ private:
 
     struct Shape
     {
-        std::uint8_t kinds = 0; // that were met
+        std::uint8_t kinds = 0; // a set of Kind
         NameTable::Id key = 0;
         Index parent = 0;
-        Index items = 0; // of an array; 0: none were met
-        Index first = 0; // of the members, in the order in which they were met
+        Index items = 0; // shape of an array's items; 0 if there were none
+        Index first = 0; // of the members, in order of first occurrence
         Index last = 0;
-        Index next = 0;         // member of the same object
-        Index target = 0;       // for a member that holds what one around it of the same key holds: that one
-        Index follower = 0;     // what came behind it last time
+        Index next = 0;         // the next member of the same object
+        Index target = 0;       // the enclosing member of the same key, whose shape is shared; else 0
+        Index follower = 0;     // the member that followed last time
         SourcePlace place;      // of the first value
-        SourcePlace otherPlace; // of the first one of another kind
+        SourcePlace otherPlace; // of the first value of another kind
     };
 
     Index add(Index parent, NameTable::Id key);
@@ -56,8 +56,8 @@ private:
 
     std::uint32_t file = 0;
     NameTable names;
-    std::vector<Shape> shapes; // the first one is that of whole messages
-    std::unordered_map<std::uint64_t, Index> members;
+    std::vector<Shape> shapes;                        // the first one is for whole messages
+    std::unordered_map<std::uint64_t, Index> members; // by object and key
     std::unordered_map<Index, SourceTypes::Index> records;
-    std::vector<Index> pending;
+    std::vector<Index> pending; // objects whose fields are not yet declared
 };

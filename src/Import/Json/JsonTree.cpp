@@ -9,7 +9,7 @@ using Index = JsonNode::Index;
 
 constexpr std::size_t kMaxNodes = 8'000'000;
 constexpr std::size_t kFewMembers = 16;
-constexpr std::size_t kFarBehind = 10'000; // in an array; a pointer counts no further
+constexpr std::size_t kFarBehind = 10'000; // in an array; pointers don't count further, which keeps them linear
 
 constexpr std::string_view kWords[] = {
 #define WORD(name) #name,
@@ -161,12 +161,13 @@ void JsonBuilder::addAlias(Index target, std::uint32_t line, std::uint32_t colum
     tree[made].firstChild = tree.target(target);
 }
 
-// What is merged stands before the keys of the mapping itself, which so hold; the earlier of several sources, too.
+// Adds merged members before the mapping's own keys. Of duplicate keys the last one stays, so own keys take precedence;
+// among several sources the earlier one does.
 void JsonBuilder::merge(Index source)
 {
     Level& level = open.back();
     std::unordered_set<NameTable::Id> met;
-    countMerged(); // a mapping without members costs, too
+    countMerged(); // a mapping without members has a cost, too
     for (Index at = tree[level.node].firstChild; at != 0; at = tree[at].next) {
         countMerged();
         met.insert(tree[at].key);

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-/// The keys and words that the readings know, by number in every tree's table of names.
+/// The keys and values that the readers know. Their numbers are the same in each tree's table of names.
 // clang-format off
 #define JSON_WORDS(WORD) \
     WORD(additionalProperties) WORD(allOf) WORD(anyOf) WORD(array) WORD(boolean) WORD(components) WORD(content) \
@@ -28,11 +28,11 @@
 
 enum class JsonWord : std::uint32_t
 {
-    none, // the empty text
+    none, // the empty text, or one that is no JsonWord
 #define WORD(name) name,
     JSON_WORDS(WORD)
 #undef WORD
-    // Words that C++ can't name so.
+    // Words that aren't identifiers in C++.
     ref,
     dynamicRef,
     recursiveRef,
@@ -53,7 +53,7 @@ enum class JsonWord : std::uint32_t
     wordCount
 };
 
-/// A value of a document. Values are known by their index; 0 is none.
+/// A value of a document. Values are identified by their index; 0 is none.
 struct JsonNode
 {
     using Index = std::uint32_t;
@@ -67,24 +67,24 @@ struct JsonNode
         string,
         array,
         object,
-        alias ///< stands for `firstChild`
+        alias ///< refers to the node `firstChild`
     };
 
     Kind kind = none;
-    bool isLarge = false;    ///< an object whose members are found by a table
-    bool isResource = false; ///< a schema with an identifier of its own
-    Index parent = 0;        ///< of an alias made for a reading: 0
-    Index firstChild = 0;    ///< in the order of the document
-    Index next = 0;          ///< the next of the same parent
-    NameTable::Id key = 0;   ///< of an object's member
+    bool isLarge = false;    ///< an object whose members are in a hash table
+    bool isResource = false; ///< a schema with its own identifier
+    Index parent = 0;        ///< 0 for a root, and for nodes that a reader has made
+    Index firstChild = 0;    ///< in document order
+    Index next = 0;          ///< the next child of the same parent
+    NameTable::Id key = 0;   ///< of a member of an object
     NameTable::Id text = 0;  ///< of a string, number or boolean
     std::uint32_t document = 0;
     std::uint32_t line = 0;
     std::uint32_t column = 0;
 };
 
-/// The values of JSON and YAML documents, flat, with the places where they stand. No walk over it needs recursion, and
-/// freeing it neither.
+/// The values of JSON and YAML documents as rows of an array, with their places. Neither walking nor freeing it needs
+/// recursion.
 class JsonTree
 {
 public:
@@ -96,39 +96,40 @@ public:
     JsonNode& operator[](Index node) { return nodes[node]; }
     std::size_t size() const { return nodes.size(); }
 
-    /// What an alias stands for, else the node itself.
+    /// Returns the node that an alias refers to, else the node itself.
     Index target(Index node) const { return nodes[node].kind == JsonNode::alias ? nodes[node].firstChild : node; }
 
-    /// The member of an object under `key`, aliases followed; 0 if there is none, or no object.
+    /// Returns the member of an object under `key`, aliases followed; 0 if there is none, or if `object` is no object.
     Index find(Index object, NameTable::Id key) const;
     Index find(Index object, JsonWord key) const { return find(object, static_cast<NameTable::Id>(key)); }
     Index find(Index object, std::string_view key) const;
 
-    /// The same when the value is of a kind; 0 for any other.
+    /// The same for a value of kind `kind`; 0 if it is of another kind.
     Index find(Index object, JsonWord key, JsonNode::Kind kind) const;
 
-    /// The text of a string under `key`; "" if there is none.
+    /// Returns the text of the string under `key`; empty if there is none.
     std::string_view textOf(Index object, JsonWord key) const;
 
     JsonWord keyOf(Index node) const { return wordOf(nodes[node].key); }
     bool is(Index node, JsonNode::Kind kind) const { return nodes[node].kind == kind; }
 
-    /// The text as a word; one that no reading knows is `none`.
+    /// Returns the text as a word; `none` if it isn't a JsonWord.
     JsonWord wordOf(NameTable::Id text) const
     {
         return text < static_cast<NameTable::Id>(JsonWord::wordCount) ? static_cast<JsonWord>(text) : JsonWord::none;
     }
+    /// Return the text or the key of a node; empty if it has none.
     std::string_view text(Index node) const { return names[nodes[node].text]; }
     std::string_view key(Index node) const { return names[nodes[node].key]; }
 
-    /// A new node behind the last child of `parent`, `last` (0 if it has none); `parent` 0: on its own. It keeps the
-    /// place of `place`.
+    /// Adds a node as the next child of `parent` and returns it. `last` is the parent's last child so far, or 0.
+    /// Without a parent (0) it stands by itself. Its place is that of the node `place`.
     Index add(JsonNode::Kind kind, Index parent, Index last, NameTable::Id key, Index place);
 
-    /// The JSON pointer of a node (RFC 6901), "#" in front.
+    /// Returns the JSON pointer of a node (RFC 6901) as a URI fragment, with "#" in front.
     CString pointerTo(Index node) const;
 
-    /// Puts all members of an object into the table by which they are found.
+    /// Puts the members of an object into the hash table; for large objects.
     void index(Index object);
 
     SourcePlace placeOf(Index node) const { return {nodes[node].document, nodes[node].line, nodes[node].column}; }
@@ -137,35 +138,39 @@ public:
 
 private:
     std::vector<JsonNode> nodes;
-    std::unordered_map<std::uint64_t, Index> members; // of large objects
+    std::unordered_map<std::uint64_t, Index> members; // of large objects, by object and key
 };
 
-/// Fills a tree with one document's values as they are read. Of two members with one key the last one stays, a loss.
+/// Adds the values of one document to a tree, as they are read. Of duplicate keys the last one stays, and the others
+/// are reported.
 class JsonBuilder
 {
 public:
     using Index = JsonNode::Index;
 
-    /// The report has the document as `document`. More values than the bound are refused by `types`.
+    /// `document` is the document's number in the report. Throws SourceRefusal through `types` beyond the maximum
+    /// number of values.
     JsonBuilder(JsonTree& tree, const SourceTypes& types, SourceReport& report, std::uint32_t document);
 
+    /// Sets the key of the next value.
     void key(std::string_view text) { nextKey = tree.names.intern(text); }
 
-    /// Adds a value; an array or object is open until end().
+    /// Adds a value and returns it. An array or object stays open until end().
     Index add(JsonNode::Kind kind, std::string_view text, std::uint32_t line, std::uint32_t column);
     void addAlias(Index target, std::uint32_t line, std::uint32_t column);
     void end();
 
-    /// Takes a member out of the object that is open.
+    /// Removes a member from the open object.
     void drop(Index member);
 
-    /// Adds the members of `source` to the object that is open, but those whose keys it has.
+    /// Adds aliases of the members of `source` to the open object, except for keys that it has.
     void merge(Index source);
 
+    /// Returns whether a node is an array or object that is still open.
     bool isOpen(Index node) const;
     std::size_t depth() const { return open.size(); }
 
-    /// The document's value; 0 when there is none.
+    /// Returns the root of the document; 0 if there is none.
     Index root() const { return first; }
 
 private:
@@ -186,9 +191,9 @@ private:
     std::vector<Level> open;
     NameTable::Id nextKey = 0;
     Index first = 0;
-    std::size_t merged = 0; // looked at while merging
+    std::size_t merged = 0; // members visited by merges, over the whole document
 };
 
-/// Reads one document into the tree and returns its value: YAML if its name ends so or it begins like no JSON. Throws
-/// JsonFault.
+/// Reads one document into the tree and returns its root. It is YAML if the file name ends with ".yaml" or ".yml", or
+/// if neither the name nor the beginning suggests JSON. Throws JsonFault.
 JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, JsonBuilder& builder);

@@ -8,9 +8,10 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::uint16_t kMaxDepth = 100; // of tables inside each other
+constexpr std::uint16_t kMaxDepth = 100; // of nested tables
 
-// Up to the first full stop, or what serves as one, that white space and no small letter follow: "e.g." ends none.
+// Returns the text up to its first sentence end or empty line. A full stop ends a sentence if white space follows and
+// then no small letter, so "e.g." doesn't.
 std::string_view firstSentence(std::string_view text)
 {
     for (std::size_t at = 0; (at = text.find_first_of(".!?\n", at)) != text.npos; ++at) {
@@ -66,7 +67,7 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
 std::string_view JsonTypes::fit(std::string_view name, SourcePlace place, SourceTypes& types, SourceReport& report)
 {
     CString made = toXmlText(name);
-    std::ranges::replace(made, '\\', '_'); // which parts the folders of types
+    std::ranges::replace(made, '\\', '_'); // it separates the folders of types
     if (made.empty())
         made = "_";
     if (made != name)
@@ -91,7 +92,7 @@ std::string_view JsonTypes::nameOf(Index schema)
     return names[schema] = name;
 }
 
-// Whether a schema's key is a name that the document gives it, whatever field refers to it.
+// Returns whether the document names a schema by its key, so that this name is used whichever field refers to it.
 bool JsonTypes::isCalledByItsKey(Index schema) const
 {
     const Index parent = tree[schema].parent;
@@ -165,7 +166,7 @@ SourceTypes::Field JsonTypes::fieldOf(std::string_view name, Index schema, Sourc
     return field;
 }
 
-/// The title, or the first sentence of the description; of what a schema refers to when it has none itself.
+// Returns the title, else the first sentence of the description; if there is neither, that of the referenced schema.
 std::string_view JsonTypes::describe(Index schema)
 {
     constexpr int longestChain = 20;

@@ -4,14 +4,13 @@
 
 #include <unordered_set>
 
-/// Says what JSON Schemas declare: the records and enumerations of the schemas that it is asked for, and all that they
-/// reach.
+/// Makes types of JSON Schemas: the records and enumerations of the requested schemas, and of all they refer to.
 class JsonTypes
 {
 public:
     using Index = JsonNode::Index;
 
-    /// The type of a value; in tables inside each other when `depth` isn't 0.
+    /// The type of a value. `depth` is the number of nested tables around it; 0 for none.
     struct Shape
     {
         SourceTypes::Type type;
@@ -24,33 +23,35 @@ public:
         documents(documents), tree(documents.tree), types(types), contents(documents, types, report), report(report)
     {}
 
-    /// The document, by its position in the set, that the next candidates are noted for.
+    /// Sets the position in the set of the document that further candidates count for.
     void setSource(Index position) { source = position; }
 
-    /// The type of what `schema` describes. What has no name of its own is called `name`; `home` is the record inside
-    /// which it stands.
+    /// Returns the type of a schema. A schema without its own name is called `name`, inside the record `home`, if that
+    /// is given.
     Shape shapeOf(Index schema, std::string_view name, SourceTypes::Index home = SourceTypes::kNone);
 
-    /// Declares the schemas that the members of `holder` are, so that they are imported whoever uses them; with
-    /// `asCandidates` a message may start with them, too.
+    /// Adds the types of all schemas under `holder`, so that unused ones are imported as well. With `asCandidates` they
+    /// become candidates for main types.
     void declareMembers(Index holder, bool asCandidates);
 
-    /// Lets a message start with what `schema` describes, which is called `name` when it has no name of its own.
+    /// Makes the type of a schema a candidate for a main type. It is called `name` if it has no name of its own.
     void addCandidate(Index schema, std::string_view name);
 
-    /// The same for the body of a message: a schema that is declared keeps its name, a leaf is no message.
+    /// The same for the body of a message. Only records become candidates.
     void addBody(Index schema, const CString& name);
 
-    /// The same for a type that was read otherwise.
+    /// The same for a type that was made elsewhere.
     void addCandidate(Shape shape, std::string_view name, SourcePlace place);
 
-    /// The name of a schema that is declared: its key, else its title, else its document; "" for any other.
+    /// Returns the name of a declared schema: its key, else its title, else the name of its document. Empty for other
+    /// schemas.
     std::string_view nameOf(Index schema);
 
-    /// Gives all records their fields.
+    /// Reads the fields of all records. Call it last.
     void finish();
 
-    /// A name as the types can have it; a change is noted.
+    /// Returns a name with what types can't have replaced; a changed name is reported. The view lives as long as the
+    /// types.
     std::string_view fit(std::string_view name, Index place) { return fit(name, tree.placeOf(place), types, report); }
     static std::string_view fit(std::string_view name, SourcePlace place, SourceTypes& types, SourceReport& report);
 
@@ -73,12 +74,12 @@ private:
     SourceTypes& types;
     JsonContents contents;
     SourceReport& report;
-    std::unordered_map<Index, SourceTypes::Type> records;               // by owner
-    std::unordered_map<std::uint64_t, SourceTypes::Index> enumerations; // by owner and name
+    std::unordered_map<Index, SourceTypes::Type> records;               // by the owner of the content
+    std::unordered_map<std::uint64_t, SourceTypes::Index> enumerations; // by first constant and name
     std::unordered_map<Index, std::string_view> names;
-    std::unordered_map<NameTable::Id, std::string_view> keptNames;
-    std::unordered_map<NameTable::Id, std::string_view> descriptions;
-    std::unordered_set<std::uint64_t> candidates; // by source and record
+    std::unordered_map<NameTable::Id, std::string_view> keptNames;    // fitted field names
+    std::unordered_map<NameTable::Id, std::string_view> descriptions; // by the text that they are taken from
+    std::unordered_set<std::uint64_t> candidates;                     // by source and record
     Index source = 0;
     std::vector<Pending> pending;
     std::vector<JsonField> inHand;
