@@ -4,7 +4,7 @@
 
 #include <vector>
 
-/// The arguments of a command line, without the program's name. "@FILE" stands for the lines of that file, an argument
-/// each, empty ones left out; an argument of the file itself, or behind "--", that begins with "@" is taken as it is.
-/// Throws std::runtime_error if a file can't be read.
+/// Returns the arguments of a command line without the program's name. "@FILE" is replaced by the non-empty lines of
+/// that file, one argument each. Such a line is taken as it is, even if it begins with "@"; so is every argument after
+/// "--". Throws std::runtime_error if a file can't be read.
 std::vector<CString> argumentsOf(int argc, char** argv);

@@ -18,7 +18,7 @@
 
 namespace {
 
-// For the completion of the shell, which so offers what there is.
+// Returns the output of --importers; shell completion reads its columns.
 CString importerList()
 {
     CString list;
@@ -30,7 +30,8 @@ CString importerList()
     return list;
 }
 
-// An unset variable of a script, in nearly every case. Only the root of the repository has no name.
+// Rejects options with an empty value, usually an unset variable in a script. Only --base-path may be empty: the root
+// of the repository has no name.
 void refuseEmptyNames(const CLI::App& app)
 {
     for (const CLI::Option* option : app.get_options())
@@ -40,7 +41,7 @@ void refuseEmptyNames(const CLI::App& app)
                     throw CLI::ValidationError(option->get_name(), "a name is missing");
 }
 
-// What stands without an option: an importer and its sources, or sources alone.
+// Splits the positional arguments into the importer, if the first one names it, and the sources.
 void takeWords(const std::vector<CString>& words, Arguments& arguments)
 {
     if (words.empty())
@@ -98,7 +99,7 @@ void addOutputOptions(CLI::App& app, Arguments& arguments)
     addDependencyOptions(app, arguments.dependencies);
 }
 
-// What is asked of the program itself goes to `answer`.
+// Adds the options under "Other". The output of --importers and --completion goes to `answer`.
 void addOtherOptions(CLI::App& app, Arguments& arguments, CString& answer)
 {
     CLI::Option* const quiet = app.add_flag_callback(
@@ -151,7 +152,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     addOtherOptions(group("Other"), arguments, answer);
     try {
         std::vector<CString> given = argumentsOf(argc, argv);
-        std::ranges::reverse(given); // the order that the library asks for
+        std::ranges::reverse(given); // parse(vector) expects the last argument first
         app.parse(std::move(given));
         refuseEmptyNames(app);
         takeWords(words, arguments);
@@ -179,7 +180,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     }
     arguments.diff.asJson = arguments.json;
     if (!arguments.diff.document.empty())
-        failedStatus = kUsage; // 1 says that something differs
+        failedStatus = kUsage; // status 1 means that something differs
     arguments.hasBasePath = app.count("--base-path") > 0;
     arguments.hasType = app.count("--type") > 0;
     return true;

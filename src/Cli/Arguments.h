@@ -11,23 +11,23 @@
 
 class MsgUIDescriptor;
 
-/// What the command line asks for.
+/// The options and sources of a command line.
 struct Arguments
 {
-    MsgUIDescriptor* importer = nullptr; ///< null: the source tells
-    std::vector<CString> sources;        ///< files, "-" for standard input; for tables a data source
-    bool isRecursive = false;            ///< folders as sources stand for those below, too
-    CString basePath;                    ///< as given; only when hasBasePath
+    MsgUIDescriptor* importer = nullptr; ///< null: chosen by the source
+    std::vector<CString> sources;        ///< files, "-" for standard input; for odbc a data source
+    bool isRecursive = false;            ///< folders as sources include their subfolders
+    CString basePath;                    ///< as given; only if hasBasePath
     bool hasBasePath = false;
-    std::vector<CString> tables; ///< the tables to import; empty: all
+    std::vector<CString> tables; ///< names of tables to import; empty: all
     CString output;              ///< empty: standard output
     bool list = false;
-    bool json = false; ///< the list, or the differences
+    bool json = false; ///< for the list or the differences
     bool graph = false;
-    bool pretty = false; ///< the one type, indented
-    CString type;        ///< the one type to write; only when hasType
+    bool pretty = false; ///< indent the document of `type`
+    CString type;        ///< the only type to write; only if hasType
     bool hasType = false;
-    bool always = false; ///< write a file also if it holds the same already
+    bool always = false; ///< write the file even if nothing changed
     bool allowEmpty = false;
     Verbosity verbosity = Verbosity::normal;
     FullOptions full;
@@ -38,22 +38,23 @@ struct Arguments
     LogonOptions sourceLogon = {"", "", "--source-password-file", " at the database"};
     CreateOptions create;
 
-    /// Whether there is a broker to log on to.
+    /// Returns whether the command needs a logon to a broker.
     bool usesBroker() const { return !create.address.empty() || diff.isRepository(); }
 
-    /// As whom the data source of tables is opened.
+    /// Returns the logon for a data source of tables: --source-user, else --user if no broker needs that.
     const LogonOptions& databaseLogon() const
     {
         return sourceLogon.user.empty() && !usesBroker() ? logon : sourceLogon;
     }
 };
 
-/// Reads the command line. When there is nothing to import (help, version, a mistake) everything that there is to say
-/// has been said and `exitStatus` is set: kDone, or kUsage for a mistake; the answer is then false.
+/// Parses the command line. Returns false if there is nothing to import. The output or error has then been written, and
+/// `exitStatus` is set: kDone after --help, --version and the like, kNotWritten if their output failed, kUsage for an
+/// invalid command line.
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus);
 
-/// Why the command line is invalid for this importer; "" if it is valid.
+/// Returns why the command line is invalid for this importer; empty if it is valid.
 CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer);
 
-/// Reports a mistake on the command line; answers kUsage.
+/// Reports an invalid command line to standard error. Returns kUsage.
 int reportMistake(std::string_view mistake);

@@ -17,7 +17,8 @@ namespace {
 
 constexpr unsigned kDefaultPort = 7250;
 
-// Whether a document describes a type without a kind, which ends the list of types for those who read it.
+// Returns whether a document describes a type without a kind. Readers of a list of types stop at such a type, so it has
+// to come last.
 bool hasNoContent(const CString& document)
 {
     return document.find('<', document.find('<') + 1) == document.rfind("</") || document.ends_with("/>");

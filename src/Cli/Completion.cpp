@@ -10,14 +10,14 @@
 
 namespace {
 
-// An option, as a shell completes it.
+// An option, with what shell completion needs of it.
 struct Row
 {
-    CString shortName; // "o"
-    CString longName;  // "output"
+    CString shortName; // without dash, "o"
+    CString longName;  // without dashes, "output"
     CString description;
-    CString value;  // what stands behind it, by name; empty for nothing
-    CString choice; // the words that can, blanks between
+    CString value;  // name of its value, "FILE"; empty for a flag
+    CString choice; // the possible words, separated by blanks; empty for any value
 
     CString names(const char* separator) const
     {
@@ -26,8 +26,8 @@ struct Row
     bool isFile() const { return value == "FILE"; }
     bool hasValue() const { return !value.empty(); }
 
-    /// The importers that the option is not for, "xml|btd"; empty if it is for all. The description names those that it
-    /// is for, "dtd, xsd: Read by ...".
+    /// Returns the importers that the option doesn't apply to, "xml|btd"; empty if it applies to all. The description
+    /// names those it applies to: "dtd, xsd: Read by ...".
     CString otherImporters() const
     {
         const CString named = " " + description.substr(0, description.find(':')) + ",";
@@ -44,7 +44,7 @@ struct Row
     }
 };
 
-// Puts a backslash before each of `characters`.
+// Returns `text` with a backslash before each of `characters`.
 CString escaped(std::string_view text, std::string_view characters)
 {
     CString out;
@@ -65,7 +65,7 @@ std::vector<Row> rowsOf(const CLI::App& app)
         row.longName = option->get_lnames().front();
         row.description = option->get_description();
         const CString type = option->get_items_expected_max() == 0 ? "" : option->get_type_name();
-        row.value = type.substr(0, type.find(':')); // behind it stand the checks
+        row.value = type.substr(0, type.find(':')); // CLI11 appends the validators' names after it
         if (row.value.find('|') != CString::npos) {
             row.choice = row.value;
             std::replace(row.choice.begin(), row.choice.end(), '|', ' ');
@@ -84,8 +84,8 @@ CString joined(const std::vector<Row>& rows, const char* separator, const std::f
     return all;
 }
 
-// Each "%s" is filled in turn: options with a value; options that are not for all importers; files, words to choose
-// from, other values, all other options.
+// The "%s" are filled in order: options with a value; options of some importers; options with a file; options with a
+// choice; options with another value; all other options.
 constexpr char kBash[] = R"sh(# Completion of typeforge-import for bash.
 _typeforge_import()
 {
@@ -127,11 +127,11 @@ constexpr char kBashChoice[] = R"sh(        %s)
             return ;;
 )sh";
 
-// Filled with the importers that have not got an option, and its names.
+// Filled with the importers without the option, and the option's names.
 constexpr char kBashOption[] = R"sh(    [[ $word == @(%s) ]] || options+="%s "
 )sh";
 
-// Filled with options with a value; options that are not for all importers, and all others.
+// Filled with options with a value; options of some importers; all other options.
 constexpr char kZsh[] = R"sh(#compdef typeforge-import
 # Completion of typeforge-import for zsh.
 _typeforge_import_word()
@@ -170,11 +170,11 @@ _typeforge_import()
 _typeforge_import "$@"
 )sh";
 
-// Filled with the importers that have not got an option, and the option.
+// Filled with the importers without the option, and the option.
 constexpr char kZshOption[] = R"sh(    [[ $word == (%s) ]] || options+=(%s)
 )sh";
 
-// Filled with options with a value, and with all options.
+// Filled with options with a value, and all options.
 constexpr char kFish[] = R"sh(# Completion of typeforge-import for fish.
 function __typeforge_import_word
     set -l words (commandline -opc)
@@ -223,7 +223,7 @@ CString forBash(const std::vector<Row>& rows)
                           joined(rows, " | ", isOther), options});
 }
 
-// Inside single quotes, in the words of _arguments.
+// Escapes a text for a single-quoted argument of zsh's _arguments.
 CString zshText(std::string_view text)
 {
     CString out;

@@ -6,7 +6,6 @@ namespace CLI {
 class App;
 }
 
-/// The script that completes command lines in a shell, "bash", "zsh" or "fish". All it knows of the options comes from
-/// `app`: their names, what they are for, and by the names of their types what stands behind them ("FILE", or words
-/// with "|" between).
+/// Returns the completion script for a shell: "bash", "zsh" or "fish". Options come from `app`: their names, their
+/// descriptions, and their values by the names of their types ("FILE", or a choice of words separated by "|").
 CString completionFor(const CLI::App& app, const CString& shell);

@@ -18,12 +18,14 @@ namespace {
 
 constexpr char kWayOut[] = "; --base-path keeps them apart";
 
-// What a line on standard input answers; anything else, and its end, is a no, as is closing the dialog.
+// Asks on standard error and reads a line of standard input. Anything but y, a or x is a no, as is the end of input,
+// like closing the dialog of the wizard.
 OverwriteChoice ask(const CString& question, const CString& details)
 {
     if (!details.empty())
         std::cerr << shownText(details) << '\n';
-    const std::size_t last = question.rfind('\n') + 1; // the question itself; line breaks before may be of names
+    const std::size_t last =
+        question.rfind('\n') + 1; // start of the question itself; names in front may hold line breaks
     std::cerr << (last ? shownText(question.substr(0, last - 1)) + "\n" : CString()) << shownText(question.substr(last))
               << " [y]es, yes to [a]ll, [n]o, no to all [x]: " << std::flush;
     std::string answer;
@@ -49,7 +51,7 @@ OverwriteChoice choose(const CString& overwrite, const CString& question, const 
     return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
 }
 
-// What a dry run says behind a type.
+// Returns what a dry run writes after a type; empty for an unchanged one.
 const char* wouldBe(ResultKind kind, const CString& overwrite)
 {
     switch (kind) {
@@ -70,7 +72,7 @@ CString typesOf(int count, const CString& source)
     return countInWords(static_cast<std::size_t>(count), "type", "types") + " of " + source;
 }
 
-// Says which types other sources had created otherwise, a line for each of those.
+// Reports, for each other source, which of its types this run has replaced or found different.
 void reportOtherSources(const CreationRun& run, const CString& source, bool isKeptToo, bool isDryRun)
 {
     std::vector<CString> names = {source};
@@ -115,7 +117,7 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
                 Verbosity verbosity)
 {
     keepOutOfCores();
-    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone keeps no type from being created
+    std::signal(SIGPIPE, SIG_IGN); // if the reader of the output ends, types are still created
     BrokerSession session;
     if (!openBroker(session, options.address, logon, options.isDryRun))
         return kFailed;

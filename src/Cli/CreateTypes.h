@@ -10,21 +10,21 @@ namespace CLI {
 class App;
 }
 
-/// Where the command line wants the types created, and how.
+/// The options of --create.
 struct CreateOptions
 {
-    CString address; ///< "SERVER[:PORT]"; empty when nothing is to be created
+    CString address; ///< "SERVER[:PORT]"; empty: create nothing
     bool trusted = false;
-    bool isDryRun = false; ///< nothing is created, but each type gets the line of what would become of it
-    CString overwrite;     ///< "all", "none" or "ask"; empty: "ask" on a terminal, elsewhere "none" with a hint
+    bool isDryRun = false; ///< create nothing, but print for each type what would happen
+    CString overwrite;     ///< "all", "none" or "ask"; empty: "ask" on a terminal, else "none" with a hint
 };
 
-/// Adds --create and the options that go with it alone, after those that it excludes.
+/// Adds --create and the options that require it. Call it after the options that --create excludes.
 void addCreateOptions(CLI::App& app, CreateOptions& options);
 
-/// Creates the types of `message`, which come from `source`, and writes one line for each to standard output; a type
-/// that exists with the same document is left as it is. Without a user in `logon` the current user logs on. Lines that
-/// can't be written don't keep a type from being created. Returns the exit status, of a dry run the one that it would
-/// be.
+/// Creates the types of `message` in a broker, and prints one line for each. A type that exists with the same document
+/// is left unchanged. `source` is recorded as the origin of the types. Without a user in `logon` the current user logs
+/// on. If lines can't be printed, types are still created. Returns the exit status; a dry run returns the status that a
+/// real run would.
 int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions& options, const LogonOptions& logon,
                 Verbosity verbosity);

@@ -12,8 +12,8 @@
 
 namespace {
 
-// As compilers write names: GNU make and ninja take a backslash off a blank, '#' and ':', and one of two '$'. A
-// backslash is itself but in front of such a character.
+// Escapes a name as compilers do. GNU make and ninja remove a backslash before a blank or '#', and one of two '$'.
+// Other backslashes stay, so those in front of a blank are doubled.
 CString escaped(const CString& name)
 {
     CString out;
@@ -34,7 +34,7 @@ bool canBeNamed(const CString& name)
     return name.find_first_of("\r\n") == CString::npos;
 }
 
-// Each file once, in the order of reading. Standard input is no file that could change.
+// Returns each file once, in the order of reading. Standard input is skipped, because it is no file that could change.
 std::vector<CString> filesOf(const SourceReport& report)
 {
     std::vector<CString> files;
@@ -68,7 +68,7 @@ bool writeDependencies(const SourceReport& report, const CString& target, const 
             return false;
         }
         rule += " \\\n  " + escaped(file);
-        if (options.hasPhony && &file != &files.front()) // the rule of the main file would hide that it is gone
+        if (options.hasPhony && &file != &files.front()) // a rule for the main file would hide that it was deleted
             phony += "\n" + escaped(file) + ":\n";
     }
     Output output(options.file);

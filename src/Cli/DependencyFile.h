@@ -7,16 +7,16 @@ namespace CLI {
 class App;
 }
 
-/// Where the command line wants the files named that an import has read.
+/// The options of --depfile.
 struct DependencyOptions
 {
-    CString file;          ///< empty: nowhere
-    bool hasPhony = false; ///< with an empty rule for each file, so that make goes on when one is gone
+    CString file;          ///< empty: write none
+    bool hasPhony = false; ///< add an empty rule for each file, so that make continues after one is deleted
 };
 
-/// Adds --depfile and the option that goes with it.
+/// Adds --depfile and --depfile-phony.
 void addDependencyOptions(CLI::App& app, DependencyOptions& options);
 
-/// Writes a rule by which `target` depends on every file that the import of `report` has read, as GNU make and ninja
-/// read it. False if it can't be written, which has been reported; so has a name that no rule can hold.
+/// Writes a rule for GNU make and ninja by which `target` depends on every file that the import has read. Returns false
+/// on failure, which has been reported. A name with a line break is a failure, because no rule can hold it.
 bool writeDependencies(const SourceReport& report, const CString& target, const DependencyOptions& options);

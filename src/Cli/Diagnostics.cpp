@@ -15,14 +15,15 @@ ExitStatus failedStatus = kFailed;
 namespace {
 
 constexpr std::size_t kMaxWarnings = 20;
-constexpr std::size_t kMaxText = 160; // of one that has several lines
+constexpr std::size_t kMaxText = 160; // characters shown of a text with several lines
 
 bool isControl(char c)
 {
     return static_cast<unsigned char>(c) < ' ';
 }
 
-// On one line. A text of several lines is a statement of the source, or more; its beginning tells which.
+// Returns a text as one line. A text of several lines quotes a statement of the source, so its beginning is enough to
+// identify it.
 CString onOneLine(std::string_view text)
 {
     text = trimmed(text);

@@ -6,63 +6,65 @@
 #include <string_view>
 #include <unordered_set>
 
-/// What the end of the program tells.
+/// The exit statuses, except those of --diff.
 enum ExitStatus : int
 {
     kDone = 0,
-    kFailed = 1, ///< the source was refused, the import failed, or no type came of it
+    kFailed = 1, ///< the source was rejected, the import failed, or no types resulted
     kUsage = 2,  ///< invalid command line
     kNotWritten = 3,
-    kNotCreated = 4 ///< some of the types
+    kNotCreated = 4 ///< some of the types could not be created
 };
 
-/// The status of what could not be done: kFailed, or with --diff, where 1 is no failure, kUsage. The command line sets
-/// it.
+/// The exit status of a failure: kFailed, or kUsage with --diff, because 1 then means a difference. parseArguments()
+/// sets it.
 extern ExitStatus failedStatus;
 
-/// How much is said on standard error.
+/// The amount of output on standard error.
 enum class Verbosity
 {
-    quiet, ///< errors alone
+    quiet, ///< errors only
     normal,
     verbose
 };
 
-/// A source as it may be shown: a connection string ends where its password stands.
+/// Returns a source as it may be shown: a connection string is cut before its password.
 CString shownSource(const CString& source);
 
-/// Writes one line to standard error, under the program's name: for what no source is to blame for. Takes no memory.
+/// Writes one line to standard error, after the program's name, for errors not caused by a source. Allocates no memory,
+/// so it works when memory has run out.
 void report(std::string_view text);
 
-/// Says on standard error what is wrong with the sources of an import, a line each: "FILE:LINE:COL: error: REASON", as
-/// compilers do, "warning" where the import goes on. While it lives the message boxes of the import come here.
+/// Reports problems with the sources of an import to standard error, one a line: "FILE:LINE:COL: error: REASON", as
+/// compilers do, or "warning" if the import continues. While it lives, it receives the message boxes of the import.
 class Diagnostics
 {
 public:
-    /// `source` is to blame where a message names no file.
+    /// `source` stands in for the file name if a fault has none.
     Diagnostics(const CString& source, Verbosity verbosity);
     ~Diagnostics();
     Diagnostics(const Diagnostics&) = delete;
     Diagnostics& operator=(const Diagnostics&) = delete;
 
-    /// Says one thing, the same warning once. Without Verbosity::verbose that is 20 warnings at most; finish() tells
-    /// how many more there were.
+    /// Reports one fault; a repeated warning is skipped. Without Verbosity::verbose at most 20 warnings are shown;
+    /// finish() reports how many were not.
     void add(const SourceFault& fault);
     void error(const CString& reason) { add({source, reason}); }
 
-    /// A warning beyond the bound, of `file` or, if that is empty, the source.
+    /// Reports a warning that doesn't count towards the 20. It is about `file` or, if that is empty, the source.
     void warning(const CString& reason, const CString& file = {});
 
-    /// Says what is of use to who asked for all, Verbosity::verbose.
+    /// Reports a note; only shown with Verbosity::verbose.
     void note(const CString& reason) const;
 
+    /// Reports how many warnings were not shown, if any.
     void finish();
 
     bool isVerbose() const { return verbosity == Verbosity::verbose; }
 
     bool hasErrors() const { return errors > 0; }
 
-    /// An error that the full reading may not have run into has come by.
+    /// Returns whether an error occurred that may not occur in the full reading.
     bool hasLiteralError() const { return isLiteralError; }
 
 private:
@@ -70,7 +72,7 @@ private:
     Verbosity verbosity;
     std::size_t errors = 0;
     std::size_t warnings = 0;
-    std::unordered_set<std::uint64_t> told; // hashes of the warnings
+    std::unordered_set<std::uint64_t> told; // hashes of the warnings shown
     bool isLiteralError = false;
     MessageBoxHandler before;
 };

@@ -25,7 +25,7 @@ Reader readerOf(const DiffOptions& options)
                                              : Reader::both;
 }
 
-// "added", "removed" or "changed", which an id ends with.
+// Returns the last word of an id: "added", "removed" or "changed".
 std::string_view sortOf(TypeChange::Id id)
 {
     const std::string_view word = idOf(id);
@@ -37,7 +37,7 @@ CString nameOf(const TypeChange& change)
     return change.part.empty() ? change.type : change.type + "." + change.part;
 }
 
-// The differences between two sets of types, and what they come to.
+// The differences between two sets of types, with the verdict on them.
 class Differences
 {
 public:
@@ -84,7 +84,7 @@ public:
     }
 
 private:
-    // What of the folder differs: its last part is called after the main element.
+    // Returns which parts of the folder differ. Its last part is named after the main element.
     static CString partOfFolder(const TypeFolders& folders)
     {
         const auto parentOf = [](const CString& folder) {
@@ -111,7 +111,8 @@ private:
             line += ": " + change.from + " to " + change.to;
         else if (sort == "changed")
             line += " of " + nameOf(change) + ": " + change.from + " to " + change.to;
-        else if (const CString& content = change.from + change.to; content.empty()) // one of them is
+        else if (const CString& content = change.from + change.to;
+                 content.empty()) // for an added or removed part only one of them is set
             line += " " + nameOf(change);
         else
             line += " " + nameOf(change) + ": " + content;

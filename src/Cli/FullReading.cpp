@@ -15,7 +15,7 @@
 
 namespace {
 
-// A folder may lie in another one; it needs no backslashes around it.
+// Parses "URI=NAME" arguments. NAME may be nested folders; backslashes around it are removed.
 void addFolders(const std::vector<CString>& given, FullOptions& options)
 {
     for (const CString& text : given) {

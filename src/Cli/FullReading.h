@@ -12,7 +12,7 @@ namespace CLI {
 class App;
 }
 
-/// How the command line wants a source read in full.
+/// The options of the full reading.
 struct FullOptions
 {
     bool isWanted = false;
@@ -24,20 +24,20 @@ struct FullOptions
     std::vector<CString> catalogs;                     ///< files
     std::vector<std::pair<CString, CString>> entities; ///< of parameters, with their values
 
-    /// The first option that is given and wants a full reading; "" if there is none.
+    /// Returns the first given option that requires a full reading; "" if there is none.
     const char* optionOfFull() const;
 
     /// Why an option has no effect on so many sources; "" if all have.
     CString mistakeFor(std::size_t sourceCount) const;
 };
 
-/// Adds --full and the options that go with it.
+/// Adds --full and its options.
 void addFullOptions(CLI::App& app, FullOptions& options);
 
-/// Whether an importer reads by all rules of its language.
+/// Returns whether an importer reads by all rules of its language.
 bool readsInFull(const MsgBase& importer);
 
-/// A new importer for the reading as it is wanted, owned by the caller.
+/// Returns a new importer, configured by `options`. The caller owns it.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer);
 
 /// Says which catalogues that the environment names can't be read, of a source read in full with catalogues.
@@ -46,5 +46,5 @@ void nameMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics);
 /// Says which entities have sections read, of a source all of whose sections were left out.
 void nameSwitches(const MsgBase& message, Diagnostics& diagnostics);
 
-/// Says in one line that the importer's full reading knows more of the source, and of what; nothing when it doesn't.
+/// If the full reading supports more of what the source uses, warns and says what.
 void nameWayOut(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);

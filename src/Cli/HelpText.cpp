@@ -4,12 +4,12 @@
 
 namespace {
 
-constexpr std::size_t kColumn = 28; // where descriptions begin
-constexpr std::size_t kColumns = 80;
+constexpr std::size_t kColumn = 28;  // column of the descriptions
+constexpr std::size_t kColumns = 80; // width of a line
 
 constexpr const char* kGroups[] = {"Input", "Reading", "Output", "Broker", "Other"};
 
-// A text that goes on below its own beginning where the line is full.
+// Returns a text wrapped to the column of the descriptions.
 CString wrapped(std::string_view text)
 {
     CString lines;
@@ -29,7 +29,7 @@ CString lineOf(const CLI::Option& option)
     line += "--" + option.get_lnames().front();
     if (option.get_items_expected_max() > 0) {
         const CString type = option.get_type_name();
-        line += " " + type.substr(0, type.find(":{")); // behind it stand the words to choose from
+        line += " " + type.substr(0, type.find(":{")); // CLI11 appends the words of a choice after it
     }
     if (line.size() + 2 > kColumn)
         line += "\n" + CString(kColumn, ' ');

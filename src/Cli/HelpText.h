@@ -4,7 +4,7 @@
 
 #include <string>
 
-/// What --help prints: the options in their groups, one line each, in 80 columns.
+/// The text of --help: options in groups, wrapped to 80 columns.
 class HelpText : public CLI::FormatterBase
 {
 public:

@@ -24,7 +24,8 @@ CString basePathOf(const Arguments& arguments, MsgBase& importer)
     return path;
 }
 
-// The type of that short name, else the one of that full name, else null. A name may be in the encoding of its source.
+// Returns the type with this short name, else with this full name, else null. The name may be in the encoding of the
+// source.
 Element* findType(MsgBase& message, const CString& asked)
 {
     const CString name = toXmlText(asked);
@@ -40,7 +41,7 @@ Element* findType(MsgBase& message, const CString& asked)
     return byFullName;
 }
 
-// Not every name of a type can be that of an element.
+// Warns if the root element isn't named after the main type, because not every type name is an XML name.
 void warnOfTag(const MsgBase& message, Diagnostics& diagnostics)
 {
     const CString mainType = message.queryMainTypeName(), tag = message.queryFrameTag();
@@ -72,7 +73,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     } else if (arguments.graph) {
         writeGraph(message, output);
     } else {
-        if (!arguments.always && !isTimeFixed()) // the time alone is no change
+        if (!arguments.always && !isTimeFixed()) // a new time of generation alone is no change
             output.keepUnchanged(static_cast<off_t>(kBeforeTime.size()), static_cast<off_t>(kTimeLength));
         warnOfTag(message, diagnostics);
         message.writeXML([&output](std::string_view piece) { output.write(piece); });
@@ -80,7 +81,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     return output.finish() ? kDone : kNotWritten;
 }
 
-// An import without a type is nearly always one of the wrong file, or by the wrong importer.
+// Reports an import without types. It nearly always means a wrong file or importer, so the error names a better one.
 void nameEmpty(const MsgUIDescriptor& importer, const CString& file, Diagnostics& diagnostics)
 {
     const bool isFile = !importer.querySource().readsTables;
@@ -93,7 +94,7 @@ void nameEmpty(const MsgUIDescriptor& importer, const CString& file, Diagnostics
     diagnostics.error("no type came of it" + hint);
 }
 
-// True when there is something to write. What isn't has been said.
+// Imports the sources. Returns whether there are types to write; if not, that has been reported.
 bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Arguments& arguments,
                    const std::vector<CString>& files, TableSource& tables, Diagnostics& diagnostics)
 {
@@ -119,7 +120,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     return !diagnostics.hasErrors();
 }
 
-// The one importer for all files; null where there is none, which has been said.
+// Returns the importer common to all files; null if there is none, which has been reported.
 MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diagnostics)
 {
     MsgUIDescriptor* const importer = importerOf(files.front(), diagnostics);
@@ -134,7 +135,8 @@ MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diag
     return importer;
 }
 
-// A source is looked at before it is read if its importer isn't told, and after a literal reading that failed.
+// Returns the files to read. They are read twice if the importer has to be chosen by content, or if the full reading's
+// hint may look at them after a failure.
 std::vector<CString> sourceFiles(const Arguments& arguments)
 {
     const MsgUIDescriptor* const importer = arguments.importer;
@@ -143,7 +145,7 @@ std::vector<CString> sourceFiles(const Arguments& arguments)
     return filesOf(arguments.sources, !importer || (importer->hasFull() && !arguments.full.isWanted));
 }
 
-// The file that would be written though it is read or written for another end, too; "" where there is none.
+// Returns the first output file that is also an input, or an output twice; "" if there is none.
 CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& files)
 {
     std::vector<CString> others = files;
@@ -152,7 +154,7 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
     others.push_back(arguments.sourceLogon.passwordFile);
     others.insert(others.end(), arguments.full.catalogs.begin(), arguments.full.catalogs.end());
     if (arguments.output.empty() || arguments.output == "-")
-        others.push_back(kStandardOutput); // which may lead to a file
+        others.push_back(kStandardOutput); // which may be redirected to a file
     if (arguments.report.file == "-")
         others.push_back("/dev/stderr");
     for (const CString& written : {arguments.output, arguments.report.file, arguments.dependencies.file}) {
@@ -166,7 +168,7 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
     return {};
 }
 
-// A set that a folder holds goes by its name.
+// Replaces folders by their files. If a single folder is given, it names the set.
 void takeFolders(Arguments& arguments)
 {
     if (!arguments.full.isWanted && !(arguments.importer && arguments.importer->querySource().isSet))
@@ -177,7 +179,7 @@ void takeFolders(Arguments& arguments)
         arguments.full.name = nameOfSet(given, arguments.sources);
 }
 
-// Several files go by the first of them.
+// Returns the origin to record. Several files are recorded under the first.
 TypeSource sourceOf(const MsgUIDescriptor& importer, const CString& source)
 {
     return importer.querySource().readsTables ? tableSource(source) : fileSource(source);

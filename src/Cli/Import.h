@@ -2,6 +2,6 @@
 
 #include "Cli/Arguments.h"
 
-/// Runs one import and writes what was asked for. Answers the exit status, an ExitStatus or, for --diff, that of
-/// diff(1); what went wrong has been reported.
+/// Runs one import and writes its result. Returns the exit status: an ExitStatus or, with --diff, that of diff(1).
+/// Errors have been reported.
 int runImport(Arguments arguments);

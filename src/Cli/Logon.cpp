@@ -43,7 +43,7 @@ void readPassword(const LogonOptions& options, CString& password)
     }
     if (const FileCause cause = readFile(options.passwordFile, password); cause != FileCause::none)
         throw std::runtime_error("can't open " + options.passwordFile + ": " + inWords(options.passwordFile, cause));
-    const std::size_t length = password.find_first_of("\r\n"); // the rest of what was read is wiped
+    const std::size_t length = password.find_first_of("\r\n"); // wipes the rest of the file, too
     Secret line{CString(std::string_view(password).substr(0, length))};
     wipe(password);
     password.swap(line.text);

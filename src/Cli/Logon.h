@@ -6,21 +6,21 @@ namespace CLI {
 class App;
 }
 
-/// As whom the command line wants to log on.
+/// The options of a logon.
 struct LogonOptions
 {
-    CString user;         ///< empty: none was given
-    CString passwordFile; ///< empty: the terminal is asked
-    const char* fileOption = "--password-file";
-    const char* place = ""; ///< where, in the question for the password
+    CString user;                               ///< empty: not given
+    CString passwordFile;                       ///< empty: ask on the terminal
+    const char* fileOption = "--password-file"; ///< its option, for messages
+    const char* place = "";                     ///< where to log on, for the prompt
 };
 
-/// Adds --user and --password-file, which are the broker's if types are created there, else the data source's.
+/// Adds --user and --password-file. They apply to the broker if the command uses one, else to the data source.
 void addLogonOptions(CLI::App& app, LogonOptions& options);
 
-/// Adds --source-user and --source-password-file, which are always the data source's.
+/// Adds --source-user and --source-password-file, which apply to the data source.
 void addSourceLogonOptions(CLI::App& app, LogonOptions& options);
 
-/// Reads the password: the first line of the file, or what the terminal is given. Raises std::runtime_error if there
-/// is none. The process is kept out of core dumps from here on.
+/// Reads a password from the first line of the file, or from the terminal. Throws std::runtime_error if there is none.
+/// From then on the process writes no core dump.
 void readPassword(const LogonOptions& options, CString& password);

@@ -4,32 +4,33 @@
 
 #include <memory>
 
-/// Where the command line writes: a file, which appears whole or not at all, or standard output.
+/// An output of the command: a file that is replaced as a whole or not at all, or standard output.
 class Output
 {
 public:
-    /// "" and "-" stand for standard output, as does /dev/stdout, so that a file behind it is added to.
+    /// "" and "-" are standard output. So is /dev/stdout: if it is redirected to a file, output goes into the open
+    /// file instead of replacing it.
     explicit Output(const CString& fileName);
 
-    /// Leaves a file as it is that already holds the bytes written; see AtomicFile::keepUnchanged().
+    /// Keeps a file unchanged if it already holds the bytes written; see AtomicFile::keepUnchanged().
     void keepUnchanged(off_t ignoredFrom = 0, off_t ignoredCount = 0);
 
     void write(std::string_view bytes);
 
-    /// Whether people see what is written as it comes.
+    /// Returns whether standard output is a terminal, read by people.
     bool isTerminal() const;
 
-    /// Ends the output; `none` when all of it has arrived.
+    /// Ends the output. Returns `none` if all of it was written.
     FileCause commit();
 
-    /// The same; false when something is lost, which has then been reported.
+    /// The same. Returns false on failure, which has been reported.
     bool finish();
 
 private:
     CString fileName;
-    std::unique_ptr<AtomicFile> file; // none for standard output
+    std::unique_ptr<AtomicFile> file; // null for standard output
     FileCause cause = FileCause::none;
 };
 
-/// Reports that a file, "-" for standard output, can't be written.
+/// Reports that a file can't be written; "-" is standard output.
 void reportUnwritten(const CString& fileName, FileCause cause);

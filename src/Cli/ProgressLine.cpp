@@ -29,7 +29,8 @@ ProgressLine::~ProgressLine()
     setProgressHandler(before);
 }
 
-// Types that are being created have lines of their own.
+// Shows progress at most every kRefresh. The creation of types prints lines itself, so nothing is shown if those go to
+// a terminal.
 bool ProgressLine::show(const Progress& progress)
 {
     const auto now = steady_clock::now();

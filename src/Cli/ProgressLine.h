@@ -4,8 +4,8 @@
 
 #include <chrono>
 
-/// While one lives, work that takes long tells on a terminal how far it has come: one line of standard error, written
-/// over and over, that is gone in the end. Nothing is shown where standard error is no terminal.
+/// While an object of this class lives, long work shows its progress on standard error: one line that is overwritten,
+/// and erased at the end. Nothing is shown if standard error is no terminal.
 class ProgressLine
 {
 public:
@@ -14,12 +14,12 @@ public:
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    /// Takes the line away, for who writes one to stay. It comes back.
+    /// Erases the line, so that a lasting one can be written. The next progress shows it again.
     static void clear();
 
 private:
     bool show(const Progress& progress);
 
     const ProgressHandler before;
-    std::chrono::steady_clock::time_point next; // when it is to be written again
+    std::chrono::steady_clock::time_point next; // time of the next refresh
 };

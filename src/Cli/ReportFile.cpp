@@ -18,7 +18,7 @@ SourceFault faultOf(const SourceReport& report, const SourceReport::Entry& entry
             static_cast<long>(entry.place.column), isWarning};
 }
 
-// Where the places of losses are to be seen.
+// Returns the hint that says where losses are listed with their places.
 CString whereListed(const ReportOptions& options, std::size_t losses)
 {
     const CString report = options.file.empty() ? "--report FILE" : options.file == "-" ? "the report" : options.file;

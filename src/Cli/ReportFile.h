@@ -9,21 +9,23 @@ namespace CLI {
 class App;
 }
 
-/// Where the command line wants to be told what was not carried over, and how.
+/// The options of --report, and --strict.
 struct ReportOptions
 {
-    CString file; ///< empty: nowhere, "-": standard error
+    CString file; ///< empty: write none; "-": standard error
     CString format = "text";
-    bool isStrict = false; ///< losses are errors
+    bool isStrict = false; ///< treat losses as errors
 };
 
-/// Adds --report and the options that go with it, and --strict.
+/// Adds --report, its options and --strict.
 void addReportOptions(CLI::App& app, ReportOptions& options);
 
-/// Writes the report of an import to where it is wanted. False when that can't be, which has then been reported.
+/// Writes the report of an import, if one is wanted. Returns false on failure, which has been reported, except on
+/// standard error.
 bool writeReport(MsgBase& message, const ReportOptions& options);
 
-/// Says what an import has lost: with --strict each loss as an error, else all in one warning, with --verbose each loss
-/// before it. `other` is what was imported if the report to be written isn't of that.
+/// Reports the losses of an import: with --strict each loss as an error, else all in one warning. With --verbose, those
+/// that the import itself doesn't show come before it. `other` names the document if the report isn't about the
+/// import's source.
 void nameLosses(const SourceReport& report, const ReportOptions& options, Diagnostics& diagnostics,
                 const CString& other = {});

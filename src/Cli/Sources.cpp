@@ -14,13 +14,13 @@
 
 namespace {
 
-// A file is opened anew, from its start, by each who reads it; a pipe is read once; a socket can't be opened at all,
-// nor what another user opened and handed on.
+// Returns whether kStandardInput can be opened by its readers, `twice` or once. A regular file can be opened again from
+// its start; a pipe can be read once; a socket can't be opened, nor can a file that only another user may open.
 bool canBeOpened(bool twice)
 {
     struct stat state = {};
     if (::fstat(STDIN_FILENO, &state) != 0)
-        return true; // and fails there
+        return true; // closed: opening it fails with its own error
     if (::access(kStandardInput, R_OK) != 0)
         return false;
     if (S_ISREG(state.st_mode))
@@ -28,7 +28,7 @@ bool canBeOpened(bool twice)
     return !twice && !S_ISSOCK(state.st_mode);
 }
 
-// Puts a file without a name in the place of standard input, with all that comes from there.
+// Replaces standard input by an unnamed file that holds all of its data.
 void copyStandardInput()
 {
     const Descriptor copy(copyToFile(STDIN_FILENO));

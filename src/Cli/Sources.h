@@ -7,10 +7,9 @@
 class Diagnostics;
 class MsgUIDescriptor;
 
-/// The files that sources of the command line stand for: "-" is standard input. With `isReadTwice`, standard input and
-/// pipes are copied, since they can be read only once.
+/// Returns the files to open for the sources of the command line; "-" is standard input. With `isReadTwice`, standard
+/// input and pipes are copied, because they can be read only once. Throws std::runtime_error if that fails.
 std::vector<CString> filesOf(const std::vector<CString>& sources, bool isReadTwice);
 
-/// The importer for a source, where the command line names none; null where that can't be told, which has then been
-/// said.
+/// Returns the importer for a source, chosen by its content and name. Null if there is none, which has been reported.
 MsgUIDescriptor* importerOf(const CString& file, Diagnostics& diagnostics);

@@ -18,8 +18,8 @@ struct NoTable
     CString name;
 };
 
-// The names of the tables as an import takes them, each once. What can't be named there is left to the importer to
-// tell.
+// Returns the names of the tables as an import takes them, each once. Names that it can't take are left out; the
+// importer reports them.
 CString namesOf(const std::vector<ChosenTable>& tables)
 {
     CString names;
@@ -30,7 +30,7 @@ CString namesOf(const std::vector<ChosenTable>& tables)
     return names;
 }
 
-// There can be only one type of a name.
+// Throws std::runtime_error if two tables would become types of the same name.
 void requireDifferentNames(const std::vector<ChosenTable>& tables)
 {
     std::map<CString, const TableName*> known;
@@ -40,7 +40,7 @@ void requireDifferentNames(const std::vector<ChosenTable>& tables)
                                      each.table.name + "; import them one by one, each with a --base-path of its own");
 }
 
-// With a broker there are two to log on to, and two options for it.
+// Returns a hint if the database refuses the logon and only --user was given, which applies to the broker.
 CString logonHint(const Arguments& arguments, const CDBException& error)
 {
     const bool isMissing = arguments.usesBroker() && arguments.sourceLogon.user.empty();
@@ -89,7 +89,7 @@ bool TableSource::open(const Arguments& arguments)
     return false;
 }
 
-// All that are of the type TABLE.
+// Lists all tables whose type is TABLE.
 bool TableSource::listTables(std::vector<ChosenTable>& tables)
 {
     CTables found(&database);
@@ -102,7 +102,7 @@ bool TableSource::listTables(std::vector<ChosenTable>& tables)
     return true;
 }
 
-// A dot may be part of a name, and it is if there is such a table.
+// Looks up the given names. A name with a dot is a table's whole name if there is such a table, else a qualified name.
 std::vector<ChosenTable> TableSource::pickTables(const std::vector<CString>& names)
 {
     std::vector<ChosenTable> tables;
@@ -123,7 +123,7 @@ std::optional<TableName> TableSource::qualifiedTable(const CString& name)
 {
     for (std::size_t dot = name.find('.'); dot != CString::npos; dot = name.find('.', dot + 1)) {
         CTables tables(&database);
-        tables.Open(nullptr, nullptr, name.substr(dot + 1).c_str(), nullptr); // in any owner and qualifier
+        tables.Open(nullptr, nullptr, name.substr(dot + 1).c_str(), nullptr); // with any owner and qualifier
         for (tables.MoveFirst(); !tables.IsEOF(); tables.MoveNext())
             if (const TableName table = tables.queryName();
                 table.text() == name || (!table.owner.empty() && table.qualifier + "." + table.text() == name))
@@ -132,14 +132,16 @@ std::optional<TableName> TableSource::qualifiedTable(const CString& name)
     return std::nullopt;
 }
 
-// Views and their like count too. Without a catalogue of tables everything may be there.
+// Returns whether there is a table, view or the like of this name. True if the driver can't list tables, because it may
+// exist.
 bool TableSource::isThere(const CString& name)
 {
     CTables tables(&database);
     return !tables.Open(nullptr, nullptr, name.c_str(), nullptr) || !tables.IsEOF();
 }
 
-// A table that is asked for by its name is not to be missed in silence. One that has fields is there.
+// Throws NoTable for a requested table that doesn't exist. A type with fields proves that its table exists, which saves
+// a query.
 void TableSource::requireTables(MsgBase& message, const std::vector<ChosenTable>& tables)
 {
     std::set<CString> withFields;

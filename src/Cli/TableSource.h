@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
-/// The command line's stand-in for the main window, in force as long as it lives: it holds the connection that the
-/// importer of tables reads from. It has to be there before the importer.
+/// Stands in for the main window while the command runs: it holds the connection that the importer of tables reads
+/// from. It must be constructed before the importer and outlive it.
 class TableSource : public MainWindow
 {
 public:
@@ -18,8 +18,8 @@ public:
 
     CDatabase* queryDatabase() override { return &database; }
 
-    /// Opens the data source and imports the tables that were asked for. What fails of it is said; a password that
-    /// can't be read is raised.
+    /// Opens the data source and imports the requested tables. Failures have been reported; throws std::runtime_error
+    /// if the password can't be read.
     void import(MsgBase& message, const Arguments& arguments, const CString& basePath, Diagnostics& diagnostics);
 
 private:

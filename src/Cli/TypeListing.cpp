@@ -19,7 +19,7 @@ void addMember(CString& out, std::string_view name, std::string_view value)
     appendJson(out, value);
 }
 
-// The type as its document names it, and what that comes to behind tables and arrays.
+// Returns the type as the document names it, and the type that its tables and arrays hold.
 void addType(CString& out, const TypeStructure& structure, const TypePart& part)
 {
     const TypeContent content = structure.contentOf(part);
@@ -72,7 +72,7 @@ std::size_t countCharacters(std::string_view text)
     return static_cast<std::size_t>(std::ranges::count_if(text, isStart));
 }
 
-// The document has no text, and no '<' in an attribute, so that "><" only stands between two tags.
+// Indents a document. It has no text nodes and no '<' in attributes, so "><" occurs only between two tags.
 CString indented(std::string_view document)
 {
     CString out;
@@ -139,7 +139,7 @@ void writeJsonList(MsgBase& message, Output& output)
 void writeGraph(MsgBase& message, Output& output)
 {
     const TypeStructure structure(message);
-    std::vector<std::uint32_t> types; // tables and arrays are the arrows' business
+    std::vector<std::uint32_t> types; // tables and arrays become arrows
     for (std::uint32_t type = 0; type < structure.size(); ++type)
         if (const auto kind = structure[type].queryType(); kind == Element::typeRow || kind == Element::typeEnum)
             types.push_back(type);

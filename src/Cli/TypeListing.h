@@ -4,18 +4,18 @@ class Element;
 class MsgBase;
 class Output;
 
-/// False if no type has a name: `btd` makes such types of other documents.
+/// Returns whether any type has a name. `btd` makes types without a name of documents that aren't its own.
 bool holdsTypes(MsgBase& message);
 
-/// The types of an import, in its order, a line each: folder and name, a tab, the description. `isAligned` puts the
-/// descriptions into a column, for people.
+/// Writes the types of an import in its order, one a line: folder and name, a tab, the description. With `isAligned`
+/// descriptions start in one column, for people.
 void writeList(MsgBase& message, bool isAligned, Output& output);
 
-/// The same as one JSON object, with all that the types are made of.
+/// Writes the same as one JSON object, with the parts of the types.
 void writeJsonList(MsgBase& message, Output& output);
 
-/// The same as a graph in the DOT language.
+/// Writes the types as a graph in the DOT language.
 void writeGraph(MsgBase& message, Output& output);
 
-/// The document of one type. `isIndented` gives each element a line of its own, for people.
+/// Writes the document of one type. With `isIndented` each element is on a line of its own, for people.
 void writeType(Element& type, bool isIndented, Output& output);

@@ -22,8 +22,8 @@ namespace {
     std::abort();
 }
 
-// Before all else: memory can run out before main(), where the command line's library makes its objects, and in
-// functions that let no exception through.
+// Sets the terminate handler before all else. Memory can run out before main(), when CLI11 constructs its static
+// objects, and in noexcept functions.
 [[gnu::constructor(101)]] void reportWhatNobodyCatches()
 {
     std::set_terminate(endWithReport);
