@@ -24,8 +24,7 @@ OverwriteChoice ask(const CString& question, const CString& details)
 {
     if (!details.empty())
         std::cerr << shownText(details) << '\n';
-    const std::size_t last =
-        question.rfind('\n') + 1; // start of the question itself; names in front may hold line breaks
+    const std::size_t last = question.rfind('\n') + 1; // the question itself; names before it may hold line breaks
     std::cerr << (last ? shownText(question.substr(0, last - 1)) + "\n" : CString()) << shownText(question.substr(last))
               << " [y]es, yes to [a]ll, [n]o, no to all [x]: " << std::flush;
     std::string answer;

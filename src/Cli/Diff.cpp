@@ -111,8 +111,7 @@ private:
             line += ": " + change.from + " to " + change.to;
         else if (sort == "changed")
             line += " of " + nameOf(change) + ": " + change.from + " to " + change.to;
-        else if (const CString& content = change.from + change.to;
-                 content.empty()) // for an added or removed part only one of them is set
+        else if (const CString& content = change.from + change.to; content.empty()) // one of them is always empty
             line += " " + nameOf(change);
         else
             line += " " + nameOf(change) + ": " + content;

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr const char* kVariable = "SOURCE_DATE_EPOCH";
-constexpr long long kFirst = -62167219200, kLast = 253402300799; // the years 0 to 9999
+constexpr long long kFirst = -62167219200, kLast = 253402300799; // start of the year 0 and end of the year 9999
 
 std::optional<std::time_t> fixedTime()
 {

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t kAhead = 8; // how far ahead a walk over all elements asks for their memory
+constexpr std::size_t kAhead = 8; // elements that enumNext() prefetches ahead
 
 } // namespace
 
@@ -23,7 +23,7 @@ int MsgBase::parseFile(const CString& fileName, const CString& basePath)
     }
     return orEmpty([&] {
         const int result = parse(isFileMode() ? fileName : source, toXmlText(basePath), fileName);
-        source = {}; // the ordering needs room of its own
+        source = {}; // frees it, because arranging needs memory of its own
         onAfterParse();
         return result;
     });
@@ -79,7 +79,8 @@ Element* MsgBase::addElement(const CString& usageKey, const CString& path, const
 Element* MsgBase::addAttribute(const CString& usageKey, const CString& path, const CString& name,
                                const CString& description, Element::ElementTypes type, Element* parent)
 {
-    const CString fullName = parent->queryName() + "_" + toXmlText(name); // each name is made fit by itself
+    // The two names may differ in encoding, so each is converted by itself.
+    const CString fullName = parent->queryName() + "_" + toXmlText(name);
     Element* element = addElement(usageKey, path, fullName, description, type, parent);
     element->asAttribute();
     return element;

@@ -7,63 +7,65 @@
 
 #include <functional>
 
-/// The base of every importer and the container of one import. An importer implements parse() and declares in it what
-/// it finds, by addElement() and addAttribute(); afterwards usages that occurred more than once become tables, and the
-/// types can be enumerated, component types before the types that use them.
+/// The base of all importers; holds the result of one import. An importer overrides parse() and declares there what the
+/// source contains, by addElement() and addAttribute(). Afterwards repeated usages become tables, and the types can be
+/// enumerated in dependency order.
 class MsgBase
 {
 public:
-    /// 1 merges by name: a name seen twice is one element. 0: every addElement() makes a new one.
+    /// 1 merges by name: all elements of a name are one. 0 makes a new element for each call of addElement().
     explicit MsgBase(int mergeByName) : MsgBase(mergeByName, {}) {}
     virtual ~MsgBase() = default;
     MsgBase(const MsgBase&) = delete;
     MsgBase& operator=(const MsgBase&) = delete;
 
-    /// Declares the elements of a source: the file's contents, or its name when isFileMode() is nonzero, or the text
-    /// given to parseData(). Types are placed under `basePath`; `fileName` is "" for parseData(). Nonzero on success; a
-    /// failure has been shown by the importer itself.
+    /// Declares the elements of a source: `source` is the file's contents or, if isFileMode(), its name, or the text
+    /// given to parseData(). Types are placed under `basePath`; `fileName` is "" for parseData(). Returns nonzero on
+    /// success; on failure the importer has shown a message.
     virtual int parse(const CString& source, const CString& basePath, const CString& fileName) = 0;
+    /// Returns nonzero if parse() gets the name of the file instead of its contents.
     virtual int isFileMode() const { return 0; }
+    /// Returns the name of the main type; empty if there is none.
     virtual CString queryMainTypeName() const = 0;
     virtual MsgUIDescriptor* queryDescriptor() const = 0;
 
-    /// Clears the model and imports a file. 0 when it can't be opened (message 2210), else what parse() answered. The
-    /// model is empty when Cancelled is raised.
+    /// Clears the model and imports a file. Returns 0 if the file can't be opened (message 2210), else the result of
+    /// parse(). If Cancelled is thrown, the model is empty.
     int parseFile(const CString& fileName, const CString& basePath);
 
-    /// Further files that parseFile() reads after its own, all as one source. False where an importer reads one alone.
+    /// Sets further files that parseFile() reads after its own, all as one source. Returns false if the importer reads
+    /// only one file.
     virtual bool setFurtherFiles(const std::vector<CString>&) { return false; }
 
-    /// Has details noted in the report, too, which takes a literal reading a look at the source of its own. Losses are
-    /// noted always.
+    /// Also reports details, which costs a literal reading an extra look at the source. Losses are always reported.
     void wantReport() { isReportWanted = true; }
 
-    /// What of the last source was not carried over into the types.
+    /// Returns what of the last source was not carried over into the types.
     const SourceReport& queryReport() const { return report; }
 
-    /// Clears the model and imports `data`; answers what parse() answered. The same holds.
+    /// The same as parseFile() for a text instead of a file.
     int parseData(const CString& data, const CString& basePath);
 
-    /// The name of the message document's root element: the main type's, each character that can't stand at its place
-    /// in a tag replaced by "_", and no longer than a reader takes it (kMaxXmlName).
+    /// Returns the name of the message document's root element: the main type's name with each invalid character
+    /// replaced by "_", cut to the maximum length of a name (kMaxXmlName).
     CString queryFrameTag() const;
 
-    /// Replaces `out` with the message document: header, main element, the documents of all types.
+    /// Sets `out` to the message document: header, main element and the documents of all types.
     void getXML(CString& out);
 
-    /// The message document in pieces, in order, so that it never has to be in memory whole.
+    /// Writes the message document in pieces, in order, so that it is never whole in memory.
     void writeXML(const std::function<void(std::string_view)>& write);
 
-    int beginEnum();     ///< puts the cursor before the first type and answers how many there are
-    Element* enumNext(); ///< the next type, or null at the end and from then on
+    int beginEnum();     ///< moves the cursor before the first type; returns the number of types
+    Element* enumNext(); ///< returns the next type; null at the end and from then on
 
-    /// Declares one occurrence of an element under `parent` (null at the top) and returns the element. A usage key that
-    /// occurs again says that the element repeats inside its parent.
+    /// Declares one occurrence of an element under `parent` (null at the top) and returns the element. If a usage key
+    /// occurs again, the element repeats in its parent.
     Element* addElement(const CString& usageKey, const CString& path, const CString& name, const CString& description,
                         Element::ElementTypes type, Element* parent);
 
-    /// The same for an attribute of `parent`, which must not be null: the element's name is the parent's name, "_" and
-    /// `name`, and it never becomes a table.
+    /// The same for an attribute of `parent`, which must not be null. The element is named after the parent, "_" and
+    /// `name`, and never becomes a table.
     Element* addAttribute(const CString& usageKey, const CString& path, const CString& name, const CString& description,
                           Element::ElementTypes type, Element* parent);
 
@@ -74,8 +76,8 @@ protected:
     /// `fieldPrefix` stands in front of the usage keys of fields, see UsageTable.
     MsgBase(int mergeByName, std::string_view fieldPrefix) : model(mergeByName != 0, fieldPrefix) {}
 
-    /// The import in hand has been cancelled, in parse() or afterwards: all but the model, which is emptied, is to be
-    /// as it was before.
+    /// Called after an import was cancelled, in parse() or later. Restores the importer's state from before the import;
+    /// the model is cleared afterwards.
     virtual void onCancelled() {}
 
     void clear(); ///< empties the model
@@ -86,8 +88,8 @@ protected:
     void orderList(Element* element) { model.place(*element); }
     void addToOrderedList(Element* element) { model.addToOrder(element); }
 
-    /// Shows `text` under the title "Typeforge Error" and answers 0, the result of an import that failed. `fault` says
-    /// it in parts.
+    /// Shows `text` under the title "Typeforge Error" and returns 0, the result of a failed import. `fault` holds the
+    /// same in parts.
     static int fail(const CString& text, const SourceFault& fault);
 
     TypeModel model;

@@ -1,4 +1,4 @@
-// The message document: what MsgBase writes of a whole import.
+// MsgBase: writing the message document.
 #include "Base/Progress.h"
 #include "Base/Utf8.h"
 #include "Import/GenerationTime.h"

@@ -5,7 +5,7 @@
 class FullMessage;
 class MsgBase;
 
-/// Where an importer's source comes from, and what the command line calls the importer.
+/// The source of an importer, and its name on the command line.
 struct ImporterSource
 {
     const char* word = "";     ///< on the command line
@@ -15,8 +15,7 @@ struct ImporterSource
     bool isSet = false;        ///< read in full without being asked to, several files or folders as one source
 };
 
-/// What the program says of an importer before there is one: its names, its default base path, the page that follows
-/// the choice of it, and how to make one.
+/// The static description of an importer: its names, default base path, next page of the wizard, and factories.
 class MsgUIDescriptor
 {
 public:
@@ -24,22 +23,22 @@ public:
     using Factory = MsgBase* (*)();
     using FullFactory = FullMessage* (*)();
 
-    /// `fullFactory` makes the importer that reads the same kind of source by all the rules of its language; null where
-    /// there is none.
+    /// `fullFactory` makes the importer that reads the same kind of source by all rules of its language; null if there
+    /// is none.
     MsgUIDescriptor(const CString& basePath, unsigned int nameId, unsigned int descriptionId, Factory factory,
                     long nextPage, FullFactory fullFactory = nullptr, const ImporterSource& source = {});
 
-    /// Name and description come from the string table on first request.
+    /// Return the name and the description; both are loaded from the string table on first use.
     CString& getName();
     CString& getDescription();
     long queryNextPage() const { return nextPage; }
     CString& getBasePath() { return basePath; }
     const ImporterSource& querySource() const { return source; }
 
-    /// A new importer, owned by the caller.
+    /// Returns a new importer, owned by the caller.
     MsgBase* create() const { return factory(); }
 
-    /// A new importer for the full reading, owned by the caller; null when hasFull() is false.
+    /// Returns a new importer for the full reading, owned by the caller; null if hasFull() is false.
     FullMessage* createFull() const { return fullFactory ? fullFactory() : nullptr; }
     bool hasFull() const { return fullFactory != nullptr; }
 
@@ -58,8 +57,8 @@ private:
     ImporterSource source;
 };
 
-/// The importers in display order, ended by null.
+/// All importers in display order, followed by null.
 extern MsgUIDescriptor* g_amud[];
 
-/// The importer that the command line calls `word`; null when none is called so.
+/// Returns the importer with this name on the command line; null if there is none.
 MsgUIDescriptor* importerNamed(std::string_view word);

@@ -9,7 +9,7 @@
 namespace {
 
 constexpr std::size_t kMaxName = 200;
-constexpr std::size_t kBytesToNote = 40; // in the set of what is noted
+constexpr std::size_t kBytesToNote = 40; // bytes that an entry takes in `noted`, roughly
 
 using Row = SourceReport::Row;
 constexpr auto loss = SourceReport::loss, detail = SourceReport::detail;
@@ -106,7 +106,7 @@ constexpr Row kRows[] = {
 };
 static_assert(std::size(kRows) == SourceReport::constructCount);
 
-// The beginning of a name on one line, cut between two characters of UTF-8.
+// Returns the first kMaxName bytes of a name on one line, not cut inside a UTF-8 sequence.
 CString shortened(std::string_view name)
 {
     std::string_view start = name.substr(0, kMaxName);
@@ -137,7 +137,7 @@ std::uint32_t SourceReport::addFile(const CString& fileName)
     return static_cast<std::uint32_t>(files.size() - 1);
 }
 
-// Without a column several of a kind may well stand at one place.
+// Repetitions are dropped only if the column is known, because several equal constructs may be on one line.
 void SourceReport::add(Construct construct, SourcePlace place, std::string_view name)
 {
     const Sort sort = rowFor(construct).sort;
@@ -179,7 +179,7 @@ std::vector<SourceReport::Count> SourceReport::queryCounts(Sort sort) const
 
 std::vector<CString> SourceReport::countsInWords(Sort sort) const
 {
-    std::vector<Count> kinds; // of several constructs with equal words the first
+    std::vector<Count> kinds; // for constructs with equal words, the first
     for (const Count& count : queryCounts(sort)) {
         const auto known = std::ranges::find_if(kinds, [&](const Count& kind) {
             return std::string_view(rowFor(kind.construct).plural) == rowFor(count.construct).plural;

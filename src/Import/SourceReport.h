@@ -9,27 +9,28 @@
 #include <unordered_set>
 #include <vector>
 
-/// Where a source says something.
+/// A place in a source.
 struct SourcePlace
 {
-    std::uint32_t file = 0;   ///< as SourceReport::addFile() numbered it
+    std::uint32_t file = 0;   ///< number from SourceReport::addFile()
     std::uint32_t line = 0;   ///< counted from 1; 0 if unknown
     std::uint32_t column = 0; ///< counted from 1, in bytes; 0 if unknown
 };
 
-/// Ends an import: thrown by what reads a source where that can't be imported at all. `text` is what the user is shown,
-/// `fault` the same in parts, its file that of the import where it names none.
+/// Ends an import; thrown by readers if a source can't be imported at all. `text` is the message to the user, `fault`
+/// the same in parts. A fault without a file is about the file of the import.
 struct SourceRefusal
 {
     CString text;
     SourceFault fault;
 };
 
-/// What of a source was not carried over into the types: each construct with its place, and how often it occurred.
+/// The constructs of a source that were not carried over into the types, with their places and counts.
 ///
-/// Each construct is a loss or a detail. A loss changes what types mean, and has a place always. A detail is what the
-/// model has no room for; some details are only counted. The same construct at the same place with the same name is
-/// noted once. Places are kept up to a bound for each sort; counts are always complete.
+/// Each construct is a loss or a detail. A loss changes the meaning of types, and always has a place. A detail is
+/// something that the model can't represent; some details are only counted. Repetitions of a construct at the same
+/// place with the same name are dropped. Places are kept up to a memory bound for each sort; counts are always
+/// complete.
 class SourceReport
 {
 public:
@@ -48,21 +49,21 @@ public:
         moduleIllFormed,
         moduleRemote,
         entityUndeclared,
-        unresolvedReference, ///< to a type or an element: what refers to it is text
-        unresolvedContent,   ///< to what fields come from, a group or a base type: there are none of it
+        unresolvedReference, ///< to a type or an element; the reference became text
+        unresolvedContent,   ///< to a group or a base type; its fields are missing
         unknownSection,
-        unknownStatement,   ///< or misspelt, as xs:elem
+        unknownStatement,   ///< or a misspelt one, as xs:elem
         unknownAttribute,   ///< of a statement, as nam=
-        misplacedStatement, ///< known, but without an effect where it stands
+        misplacedStatement, ///< known, but without effect at its place
         senselessValue,     ///< of an attribute
         unterminated,       ///< a comment or a declaration
         senselessDeclaration,
-        statementUnreadable, ///< shown in a message of its own
+        statementUnreadable, ///< the importer also shows a message
         insideItself,        ///< the same
-        inventedType,        ///< made of what is no declaration of it
+        inventedType,        ///< made of text that doesn't declare one
         declaredTwice,
         mainTypeAbstract,
-        cutShort, ///< by a bound; the name says by which
+        cutShort, ///< by a bound, which the name states
         impossibleName,
         entityNotExpanded,
         declarationPassedOver,
@@ -73,19 +74,19 @@ public:
         substitutionPassedOver,
         textPassedOver, ///< beside fields
         typeUnknown,
-        mergedByName, ///< with a declaration of the same name that says something else
+        mergedByName, ///< with a different declaration of the same name
         repetitionPassedOver,
-        inventedRepetition, ///< a table of what occurs once
+        inventedRepetition, ///< a table of something that occurs once
         nameMissing,        ///< of a type, a field or a constant of a type document
         columnPassedOver,
         emptyTable,
         tableGone,    ///< since the tables were listed
-        tableUnnamed, ///< it can't be asked for: its name is empty, blank or of several lines
+        tableUnnamed, ///< the name can't be passed on: it is empty, blank or has several lines
         severalTables,
-        tableHidden,       ///< by another one of its name, which was read instead
-        kindsDiffer,       ///< of one value: it is a record if one of them is, else text
+        tableHidden,       ///< by another table of the same name, which was read instead
+        kindsDiffer,       ///< of one value: a record if one of the kinds is, else text
         furtherProperties, ///< of any name, beside fields
-        keyTwice,          ///< in one object: the last one holds
+        keyTwice,          ///< in one object: the last one stays
         bytesPassedOver,   ///< a field that no type can hold
                            // Details.
         sgmlException,
@@ -94,22 +95,22 @@ public:
         anyElement,
         anyAttribute,
         abstractType,
-        derivedType,    ///< may stand for an abstract one in a message
-        sectionLeftOut, ///< that an entity could have read
+        derivedType,    ///< may replace an abstract type in a message
+        sectionLeftOut, ///< which an entity could include
         listType,
         unionOfKinds,
         elementNotAllowed,
         nameChanged,
         nameMadeFit,            ///< for a place that can't hold it
-        attributeDeclaredTwice, ///< which XML allows: the first one holds
-        entityPassedOver,       ///< the declaration of an entity that nothing read refers to, or of a notation
+        attributeDeclaredTwice, ///< which XML allows: the first one stays
+        entityPassedOver,       ///< the declaration of an entity that nothing refers to, or of a notation
                                 // Details that are only counted.
         optionality,
         occurrenceBounds, ///< other than once, at most once and any number
-        alternatives,     ///< a choice between fields
+        alternatives,     ///< other than one, optional or any number
         anyOrder,
         facet,
-        documentationCut, ///< text that describes nothing, or only in part
+        documentationCut, ///< text that was dropped or shortened
         nillable,
         defaultValue,
         derivationLimit, ///< final, block
@@ -121,36 +122,37 @@ public:
         constructCount
     };
 
-    /// How much the places of each sort may take. Losses are to be complete for every source that means well.
+    /// Memory for the places of each sort. The bound for losses is large, so that lists of losses are complete for any
+    /// plausible source.
     static constexpr std::size_t kMaxMegabytes[sortCount] = {64, 2};
 
     /// A row of the table of constructs.
     struct Row
     {
-        const char* id;       ///< what one is called for other programs; never changes
-        const char* words;    ///< what one is called in the report
-        Sort sort;            ///< a loss has places
-        const char* singular; ///< what one that is counted is called: "reference became text"
-        const char* plural;   ///< the same of several; equal words are counted together
-        bool isShown = false; ///< the importer itself shows each in a message
+        const char* id;       ///< the stable id in JSON reports
+        const char* words;    ///< the name in text reports
+        Sort sort;            ///< losses always have places
+        const char* singular; ///< the words after a count of one: "reference became text"
+        const char* plural;   ///< the words after other counts; constructs with equal words are counted together
+        bool isShown = false; ///< the importer also shows each one in a message
     };
 
     static const Row& rowFor(Construct construct);
     static const char* wordsFor(Construct construct) { return rowFor(construct).words; }
     static bool isLoss(Construct construct) { return rowFor(construct).sort == loss; }
 
-    /// The number under which places refer to a file of that name.
+    /// Adds a file and returns its number for SourcePlace::file.
     std::uint32_t addFile(const CString& fileName);
     const CString& fileNameOf(std::uint32_t file) const { return files[file]; }
     std::uint32_t fileCount() const { return static_cast<std::uint32_t>(files.size()); }
 
-    /// Notes a construct at its place. Of a long name only the beginning is kept.
+    /// Adds a construct at a place. A long name is cut.
     void add(Construct construct, SourcePlace place, std::string_view name);
 
-    /// Notes a detail that is only counted.
+    /// Counts a detail without a place.
     void count(Construct construct, std::size_t times = 1) { counts[construct] += times; }
 
-    /// A construct at its place. The name lasts until clear().
+    /// A construct with its place. The name is valid until clear().
     struct Entry
     {
         std::string_view name;
@@ -158,16 +160,16 @@ public:
         Construct construct;
     };
 
-    /// What the entry says: "CONSTRUCT: NAME".
+    /// Returns the entry as text: "CONSTRUCT: NAME".
     static CString inWords(const Entry& entry);
 
-    /// The places of one sort in the order in which they were noted, as far as its bound goes.
+    /// Returns the places of one sort in the order of add(), up to the memory bound.
     const std::deque<Entry>& queryEntries(Sort sort) const { return places[sort].entries; }
 
-    /// How many more there were than queryEntries() holds, past the bound.
+    /// Returns how many places were dropped at the memory bound.
     std::size_t queryUnlisted(Sort sort) const { return places[sort].unlisted; }
 
-    /// How many of one sort occurred, with and without places.
+    /// Returns how many constructs of one sort occurred, with and without places.
     std::size_t queryTotal(Sort sort) const;
 
     struct Count
@@ -176,23 +178,24 @@ public:
         std::size_t times;
     };
 
-    /// The constructs of one sort that occurred, most frequent first.
+    /// Returns the constructs of one sort that occurred, most frequent first.
     std::vector<Count> queryCounts(Sort sort) const;
 
-    /// The same in words, constructs with equal ones together: "2 references became text".
+    /// Returns the same in words, constructs with equal words together: "2 references became text".
     std::vector<CString> countsInWords(Sort sort) const;
 
-    /// The losses in one line: "3 losses: 2 references became text, 1 document not found"; "" if there are none.
+    /// Returns the losses in one line: "3 losses: 2 references became text, 1 document not found"; empty if there are
+    /// none.
     CString lossesInWords() const;
 
-    /// Empties the report.
+    /// Removes everything.
     void clear();
 
 private:
     struct Places
     {
         std::deque<Entry> entries;
-        std::size_t bytes = 0; // that they take, roughly
+        std::size_t bytes = 0; // memory of the entries, roughly
         std::size_t unlisted = 0;
     };
 

@@ -43,7 +43,7 @@ void BrokerMessage::passOver(const IXMLDOMNode& type)
     note(SourceReport::declarationPassedOver, type, CString(name) + " behind a type without content");
 }
 
-// False for a type without content, which ends the import.
+// Reads one type. Returns false for a type without content, which ends the import.
 bool BrokerMessage::readType(const IXMLDOMNode& node)
 {
     Type type;
@@ -70,7 +70,7 @@ bool BrokerMessage::readType(const IXMLDOMNode& node)
     return true;
 }
 
-// The last content element decides the kind; the fields and constants of all stay.
+// Reads a content element. If there are several, the last one decides the kind; the fields and constants of all stay.
 void BrokerMessage::readContent(const IXMLDOMNode& content, Type& type)
 {
     const auto* const known = std::find_if(std::begin(kContents), std::end(kContents),
@@ -83,7 +83,8 @@ void BrokerMessage::readContent(const IXMLDOMNode& content, Type& type)
     (this->*known->read)(content, type);
 }
 
-// The component isn't read: an array has no known type, so its component is the type of its own name.
+// Reads an array. Its component is skipped: an array has no known type, so the component in the document is named after
+// the array.
 void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
 {
     std::string_view size, componentType;
@@ -96,7 +97,8 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
     }
 }
 
-// Each constant's key holds the type's name and all constants before it, so no two of an enumeration are the same.
+// Reads the constants of an enumeration. The key of each includes the type's name and all constants before it, so no
+// two of an enumeration are equal.
 void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
 {
     RunningHash key(type.name);

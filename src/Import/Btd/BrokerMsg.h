@@ -3,8 +3,8 @@
 #include "Import/MsgBase.h"
 #include "Xml/Dom.h"
 
-/// The importer of BROKERTYPEDESCRIPTION documents, as the output page writes them: a root that holds one description
-/// for each type. What a document says of folders stands; the base path plays no part.
+/// The importer of BROKERTYPEDESCRIPTION documents, as the output page writes them: a root with one description for
+/// each type. The folders are those of the document; the base path is ignored.
 class BrokerMessage : public MsgBase
 {
 public:
@@ -17,14 +17,14 @@ public:
     CString queryMainTypeName() const override { return mainTypeName; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 
-    /// Has types, and fields of one type, that share a name be so many of them from now on. Else they are one that
+    /// Keeps types, and fields of one type, apart although they share a name. By default they are merged into one that
     /// repeats.
     void keepTwins() { keepsTwins = true; }
 
     static MsgUIDescriptor m_descr;
 
 private:
-    // The type that is being read, and where it lies.
+    // The type that is being read, with its folder.
     struct Type
     {
         CString folder;
@@ -35,14 +35,14 @@ private:
         CString fullName() const { return CString(folder).append(name); }
     };
 
-    // An attribute that an element of the document may have, and what takes its value.
+    // An attribute that an element may have, and the variable that receives its value.
     struct Wanted
     {
         std::string_view name;
         std::string_view* value;
     };
 
-    // What a content element of a type says: its tag, the kind that it makes of the type, and how the rest is read.
+    // A kind of content element: its tag, the kind of type it makes, and its handler.
     struct Content
     {
         std::string_view tag;
@@ -63,6 +63,6 @@ private:
 
     static const Content kContents[];
 
-    CString mainTypeName; // the root's local name
+    CString mainTypeName; // local name of the root
     bool keepsTwins = false;
 };

@@ -10,7 +10,8 @@
 
 namespace {
 
-// SQL types by ODBC's codes, those of ODBC 2 and 3 side by side. Bits, binaries and GUIDs have no row.
+// SQL data types by their ODBC codes, of ODBC 2 and 3. Bits, binaries and GUIDs are missing, so their columns are left
+// out.
 constexpr struct
 {
     LONG first, last;
@@ -107,7 +108,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         reportTables(tableName, read);
 }
 
-// The table of which alone the columns are to be read; null if any that matches will do.
+// Returns the only table whose columns are to be read; null if all tables that match the name are.
 const TableName* ODBCMessage::exactTable(const CString& tableName) const
 {
     for (const ChosenTable& each : std::ranges::equal_range(chosen, tableName, {}, nameOf))

@@ -10,23 +10,24 @@
 class CColumns;
 class MainWindow;
 
-/// A table that is to be imported.
+/// A table to import.
 struct ChosenTable
 {
     TableName table;
     enum How
     {
-        byName, ///< any table will do that its name matches as a pattern; owner and qualifier aren't known
-        listed, ///< the same, but the catalogue lists it as this one
-        exact   ///< no other table's columns are read
+        byName, ///< given by name: all tables match that the name matches as a pattern
+        listed, ///< the same, but the catalogue lists this table
+        exact   ///< read the columns of this table only
     } how = byName;
 
-    /// Whether the source of an import, a list of lines whose ends are trimmed, can name it.
+    /// Returns whether the name can be a line of ODBCMessage::parse()'s source, which trims spaces and ends at line
+    /// feeds.
     bool isNamable() const;
 };
 
-/// The importer of table definitions. Each table becomes a record, its columns fields; columns of a type that is
-/// neither text nor number nor time are left out.
+/// The importer of table definitions. Each table becomes a record, its columns become fields. Columns that are neither
+/// text nor number nor time are left out.
 class ODBCMessage : public MsgBase
 {
 public:
@@ -34,14 +35,13 @@ public:
 
     static MsgBase* New() { return new ODBCMessage; }
 
-    /// `source` holds table names, each ended by a line feed, up to the first empty one; they are read from the main
-    /// window's open connection. Always 1; an error of the database is raised as CDBException. A table name is a
-    /// pattern to the data source, and the columns of all tables that match it go into the one record.
-    ///
-    /// A record into which the columns of several tables go is a loss.
+    /// `source` holds table names, each ended by a line feed, up to the first empty one. The tables are read through
+    /// the main window's connection. Returns 1; throws CDBException on a database error. The data source takes a name
+    /// as a pattern, so the columns of all matching tables go into one record. If several match, that is reported as a
+    /// loss.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
-    /// Says which tables the names in the source of an import stand for, from now on. A table that can't be named
-    /// there, or instead of which another one of its name is read, is a loss of the import.
+    /// Sets the tables that the names stand for in further imports. A table is a loss if its name can't be given, or if
+    /// another table of the same name is read instead.
     void setChosen(std::vector<ChosenTable> tables);
 
     CString queryMainTypeName() const override { return "ODBC"; }
@@ -57,8 +57,8 @@ private:
     void reportUnnamed();
 
     std::vector<ChosenTable> chosen;
-    MainWindow* mainWindow; // of the moment in which the importer was made
+    MainWindow* mainWindow; // set at construction
 };
 
-/// What a column of the SQL type with ODBC's code `dataType` becomes; nothing when it is left out.
+/// Returns the kind of field for a column with this ODBC data type; nothing if such columns are left out.
 std::optional<Element::ElementTypes> elementTypeOf(LONG dataType);

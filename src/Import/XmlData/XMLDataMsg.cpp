@@ -29,7 +29,7 @@ int XMLDataMessage::parse(const CString& source, const CString& basePath, const 
     return 1;
 }
 
-// Nothing is declared before the document is known to be well-formed.
+// Declares everything. Called after reading, so that a document that isn't well-formed declares nothing.
 void XMLDataMessage::doParse(XMLDataWalk& walk)
 {
     const bool isBody = !furtherFiles.empty();
@@ -42,7 +42,8 @@ void XMLDataMessage::doParse(XMLDataWalk& walk)
             .append(pair.queryName())
             .append(".")
             .append(std::to_string(declaration.sequence));
-        const bool isMarked = pair.key.isAttribute && !isBody; // or no element of that name could be a table
+        // In a set, a marked attribute would keep an element of the same name from becoming a table.
+        const bool isMarked = pair.key.isAttribute && !isBody;
         const bool repeats = declaration.repeats && (isMarked || !pair.key.isAttribute);
         for (int instances = repeats ? 2 : 1; instances > 0; --instances) {
             Element* element = model.addElement(usageKey, typeFolder, pair.item->name, Element::typeString, parent);

@@ -5,11 +5,11 @@
 class XMLDataWalk;
 
 /// The importer of XML instance documents. Each element name becomes one element of the model, each attribute a field
-/// of its element; what holds attributes or elements is a record, and what occurs more than once directly under one
-/// node repeats. Values are not looked at: every leaf is a text field.
+/// of its element. Elements with attributes or child elements become records. Children that occur more than once in one
+/// parent repeat. Values are ignored: every leaf is a text field.
 ///
-/// Several documents are one body of examples: their types are the union, and a field repeats where it repeats in one
-/// of them. The first one's root is the main type.
+/// Several documents are read as one set of examples: the types are their union, and a field repeats if it does in any
+/// document. The main type is the root that comes first by name.
 class XMLDataMessage : public MsgBase
 {
 public:
@@ -29,6 +29,6 @@ private:
     void doParse(XMLDataWalk& walk);
 
     std::vector<CString> furtherFiles;
-    CString mainTypeName; // the root's tag, prefix included
-    CString typeFolder;   // of all types
+    CString mainTypeName; // tag of the root with its prefix
+    CString typeFolder;   // folder of all types
 };

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-// The document stands under no element, but has the sequence number 0, which is the root's too: the root's attributes
-// and its children have keys in common.
+// The document itself is a node without an element. It has sequence number 0, as the root has, so the root's attributes
+// and its children share keys.
 XMLDataWalk::XMLDataWalk(SourceReport& report, bool isBody) :
     report(report), isBody(isBody), pairs(1), latest(&pairs.front())
 {}
@@ -12,10 +12,10 @@ void XMLDataWalk::beginDocument(std::uint32_t number)
 {
     file = number;
     open.assign(1, {nullptr, rootTag.empty() ? 0 : ++lastSequence, 0, 0});
-    pairsByKey.clear(); // the names were the last document's
+    pairsByKey.clear(); // keys refer to names interned by the previous parser
 }
 
-// Of several the first by name, in whatever order their documents come.
+// With several documents, the first tag by name is the root, whatever their order.
 void XMLDataWalk::takeRoot(CString tag)
 {
     if (rootTag.empty() || tag < rootTag)
@@ -52,7 +52,7 @@ std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
 {
     std::sort(declarations.begin(), declarations.end(),
               [](const Declaration& a, const Declaration& b) { return a.moment < b.moment; });
-    // The model that is made of them will need room of its own.
+    // Frees memory before the caller builds the model.
     itemsByName = {};
     pairsByKey = {};
     usagesByKey = {};
@@ -69,7 +69,7 @@ void XMLDataWalk::occur(Pair& pair)
         beginUsage(pair);
     } else {
         repeatUsage(usage, pair);
-        if (!pair.isLinked) { // the key is another pair's: what is new here is the link alone
+        if (!pair.isLinked) { // the key belongs to another pair, so only the link is new
             if (usage.declaration == kNotKept)
                 keep(usage);
             declarations.push_back({lastMoment, &pair, usage.sequence, false});
@@ -115,7 +115,7 @@ bool XMLDataWalk::isOpen(const Usage& usage) const
     return usage.pair && usage.depth < open.size() && open[usage.depth].sequence == usage.sequence;
 }
 
-// What was undecided is known now: a usage that didn't occur again will not any more.
+// Closes a node. Undecided usages that haven't repeated by now occurred once.
 void XMLDataWalk::closeNode()
 {
     const Node& node = open.back();
@@ -133,7 +133,8 @@ void XMLDataWalk::closeNode()
     open.pop_back();
 }
 
-// Most nodes hold what the last one of their name held, in that order: what comes is likely to be what came last time.
+// Returns the pair of a name under a parent. The guess usually succeeds, because most nodes repeat the contents of the
+// previous node of the same name.
 XMLDataWalk::Pair& XMLDataWalk::pairOf(Item* parent, const char* local, bool isAttribute)
 {
     const PairKey key{parent, local, file, isAttribute};
@@ -150,9 +151,9 @@ XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)
 {
     const CString parentName = key.parent ? key.parent->name : CString();
     Item& item = itemNamed(key.isAttribute ? parentName + "_" + key.local : CString(key.local));
-    const char* const separator = !isBody ? "." : key.isAttribute ? "@" : "/"; // the last two are in no name
+    const char* const separator = !isBody ? "." : key.isAttribute ? "@" : "/"; // '@' and '/' occur in no name
     Usage& usage = usageOf(RunningHash(parentName).append(separator).append(key.local));
-    const bool isKnown = isBody && usage.pair; // by an earlier document
+    const bool isKnown = isBody && usage.pair; // from an earlier document
     Pair& pair = isKnown ? *usage.pair : pairs.emplace_back(Pair{key, &item, &usage});
     pair.key = key;
     pairsByKey.store(&pair, hash);

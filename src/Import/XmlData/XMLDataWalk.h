@@ -9,23 +9,23 @@
 #include <limits>
 #include <vector>
 
-/// Walks an instance document as it is read, and keeps of it what the message model will look different for.
+/// Reads an instance document as a stream, and keeps only what changes the model.
 ///
-/// Every occurrence of an element or attribute is a usage, named by a key that ends in the sequence number of the node
-/// that it stands under; so keys are as many as the document is long. Afterwards, however, only this shows of a usage:
-/// that it linked an element to a parent first, that it marked an element as an attribute, or that it is an element's
-/// first one that occurred once, or its first one that occurred more than once. Those are kept, at most a few for
-/// each pair of names, with the moment of their first occurrence: declared in that order they give the model that all
-/// usages give. A key can't come back once its node has ended, so the keys of the open nodes are all that is looked at.
+/// Every occurrence of an element or attribute is a usage. Its key ends in the sequence number of its parent node, so
+/// there are as many keys as nodes. A usage only changes the model if it first links an element to a parent, first
+/// marks an element as an attribute, or is the element's first usage that occurs once, or the first that occurs more
+/// than once. Only those are kept, a few for each pair of names, with the moment of their first occurrence. Declared in
+/// that order, they give the same model as all usages. A key can't recur once its node has ended, so only the keys of
+/// open nodes are looked up.
 ///
-/// Several documents can be walked as one body of examples. A key is then one pair's alone, and of each pair it is kept
-/// that it occurred more than once somewhere, so what there is doesn't hang on the order of the documents.
+/// Several documents can be read as one set of examples. Each key then belongs to one pair. Of each pair it is kept
+/// whether it ever occurred more than once, so the result doesn't depend on the order of the documents.
 class XMLDataWalk : public XmlHandler
 {
     static constexpr std::size_t kNotKept = std::numeric_limits<std::size_t>::max();
 
 public:
-    /// An element of the model; `name` is its key there.
+    /// An element of the model; `name` is its key in the model.
     struct Item
     {
         static constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
@@ -33,19 +33,18 @@ public:
         const CString& queryName() const { return name; }
 
         CString name;
-        std::uint64_t firstOnce = kNever;     ///< when its first usage that occurred once was made
-        std::uint64_t firstRepeated = kNever; ///< the same for one that occurred more than once
+        std::uint64_t firstOnce = kNever;     ///< moment of its first usage that occurred once
+        std::uint64_t firstRepeated = kNever; ///< moment of its first usage that occurred more than once
     };
 
     struct Pair;
 
-    /// The latest usage of a key, with the sequence number that makes its whole key and the depth of the node that has
-    /// it.
+    /// The latest usage of a key, with the sequence number that completes the key, and the depth of its parent node.
     struct Usage
     {
         const Fingerprint& queryKey() const { return key; }
 
-        /// Field by field: a whole one would go through the stack, which has to be waited for at every element.
+        /// Assigns field by field: assigning a temporary would go through the stack, which stalls at every element.
         void begin(Pair& newPair, std::uint64_t newSequence, std::uint64_t newMoment, std::size_t newDepth)
         {
             pair = &newPair;
@@ -56,7 +55,7 @@ public:
             repeats = false;
         }
 
-        Fingerprint key; ///< all but the sequence number
+        Fingerprint key; ///< without the sequence number
         Pair* pair = nullptr;
         std::uint64_t sequence = 0;
         std::uint64_t moment = 0;
@@ -65,11 +64,11 @@ public:
         bool repeats = false;
     };
 
-    /// A name under a parent, either of a child element or of an attribute. The parent is null for the root.
+    /// The name of a child element or an attribute under a parent; the parent is null for the root.
     struct PairKey
     {
         Item* parent;
-        const char* local; ///< interned, and gone with the parser
+        const char* local; ///< interned; valid while the parser lives
         std::uint32_t document;
         bool isAttribute;
 
@@ -80,7 +79,7 @@ public:
     {
         const PairKey& queryKey() const { return key; }
 
-        /// The name itself, without that of the parent.
+        /// Returns the name without that of the parent.
         std::string_view queryName() const
         {
             const std::string_view name = item->name;
@@ -89,25 +88,25 @@ public:
 
         PairKey key;
         Item* item;
-        Usage* usage;             ///< of this key; other pairs may have the same
-        Pair* follower = nullptr; ///< what came after it last time
+        Usage* usage;             ///< of this pair's key; other pairs may share it
+        Pair* follower = nullptr; ///< the pair that came after it last time
         bool isLinked = false;
-        bool isKeptRepeated = false; ///< of a body of examples: a declaration of it that repeats is kept
+        bool isKeptRepeated = false; ///< in a set: a repeating declaration of it is kept
     };
 
-    /// Something to be declared: a usage, or a mere link under a key that another usage has.
+    /// An element to declare: for a usage, or only for a link under a key that another usage has.
     struct Declaration
     {
         std::uint64_t moment;
         const Pair* pair;
-        std::uint64_t sequence; ///< the number in the usage's key
+        std::uint64_t sequence; ///< of the key
         bool repeats;
     };
 
-    /// `isBody`: of examples. What is left out goes into `report`.
+    /// `isBody` reads several documents as one set. Losses go into `report`.
     XMLDataWalk(SourceReport& report, bool isBody);
 
-    /// Comes before each document, which the report has as `file`.
+    /// Call it before each document; `file` is its number in the report.
     void beginDocument(std::uint32_t file);
 
     void entityLeftOut(std::string_view name, XmlPlace place) override;
@@ -115,10 +114,10 @@ public:
     void endElement() override;
     bool wantsText() const override { return false; }
 
-    /// The tag of the root, prefix included; of several documents' the first by name.
+    /// Returns the tag of the root with its prefix; of several documents the first by name.
     const CString& queryRootTag() const { return rootTag; }
 
-    /// What the documents declare, in the order of its moments. Called once, at the end.
+    /// Returns the declarations in the order of their moments. Call it once, at the end.
     std::vector<Declaration> takeDeclarations();
 
 private:
@@ -126,7 +125,7 @@ private:
     {
         Item* item;
         std::uint64_t sequence;
-        std::size_t shadowed; // how many there were when it began
+        std::size_t shadowed; // sizes of `shadowed` and `undecided` when the node began
         std::size_t undecided;
     };
 
@@ -148,19 +147,18 @@ private:
     CString rootTag;
     std::deque<Item> items;
     KeyedTable<Item, &Item::queryName> itemsByName;
-    std::deque<Pair> pairs; // behind one that stands before all
+    std::deque<Pair> pairs; // the first one is a sentinel before all
     KeyedTable<Pair, &Pair::queryKey, PairKey> pairsByKey;
-    Pair* latest; // the one that was come by last
+    Pair* latest; // the pair that occurred last
     std::deque<Usage> usages;
     KeyedTable<Usage, &Usage::queryKey, Fingerprint> usagesByKey;
-    std::vector<Node> open; // from the root to the node in hand
+    std::vector<Node> open; // from the root to the current node
 
-    // A node inside another one of its name has the same keys but for the sequence number. What the outer one knows
-    // under such a key is laid aside here and put back when the inner one ends, since the outer one goes on.
+    // A node nested in one of the same name has the same keys except for the sequence number. The outer node's usages
+    // of such keys are saved here, and restored when the inner one ends.
     std::vector<std::pair<Usage*, Usage>> shadowed;
 
-    // That a usage occurred once is only known when its node ends. Until then those wait here that may turn out to be
-    // their element's first of that kind.
+    // Usages that may be their element's first one that occurs once. That is only known when their node ends.
     std::vector<Usage*> undecided;
 
     std::vector<Declaration> declarations;
@@ -168,7 +166,7 @@ private:
     std::uint64_t lastSequence = 0;
 };
 
-/// Names are interned, so their addresses say which they are.
+/// Hashes addresses: names are interned, so equal names have equal addresses.
 inline std::uint32_t keyHash(const XMLDataWalk::PairKey& key)
 {
     const std::uint64_t mixed =
