@@ -14,7 +14,8 @@ constexpr auto kText = SourceTypes::kindText;
 constexpr auto kNumber = SourceTypes::kindNumber;
 constexpr auto kTime = SourceTypes::kindTime;
 
-// https://www.w3.org/TR/xmlschema11-2/#built-in-datatypes and those of the drafts before, by name.
+// The built-in types of https://www.w3.org/TR/xmlschema11-2/#built-in-datatypes and of the drafts before, sorted by
+// name.
 constexpr BuiltIn kBuiltIns[] = {{"CDATA", kText},
                                  {"ENTITIES", kText},
                                  {"ENTITY", kText},

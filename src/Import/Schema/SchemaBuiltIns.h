@@ -4,6 +4,6 @@
 
 #include <optional>
 
-/// The kind of a type that XML Schema has built in, by its local name, in any of the editions of 1999 to 2012; nothing
-/// when none has such a type.
+/// Returns the kind of a built-in type of XML Schema by its local name, in any edition from 1999 to 2012; nothing if no
+/// edition has such a type.
 std::optional<SourceTypes::Kind> builtInKind(std::string_view name);

@@ -15,7 +15,7 @@ struct TagWord
     Tag tag;
 };
 
-// The statements of all editions. Facets of the drafts stand here too: like all facets they leave a type what it is.
+// The statements of all editions, facets of the drafts included: like all facets they don't affect types.
 constexpr TagWord kTags[] = {
     {"all", Tag::all},
     {"alternative", Tag::alternative},
@@ -133,7 +133,7 @@ constexpr AttributeWord kAttributes[] = {
 };
 static_assert(std::ranges::is_sorted(kAttributes, {}, &AttributeWord::word));
 
-// A set of tags or of attributes, each a bit.
+// A set of tags or attributes, one bit each.
 template <class Of>
 class Set
 {
@@ -160,9 +160,9 @@ using Words = Set<Word>;
 struct TagRule
 {
     Tag tag;
-    Tags children;            // besides annotations
-    Words attributes;         // besides `id`
-    Words ofDrafts = Words{}; // attributes that mean nothing else there
+    Tags children;            // in addition to annotations
+    Words attributes;         // in addition to `id`
+    Words ofDrafts = Words{}; // further attributes in the drafts
 };
 
 constexpr Tags kParticles{Tag::element, Tag::group, Tag::sequence, Tag::choice, Tag::all, Tag::any};
@@ -175,8 +175,8 @@ constexpr Words kOccurs{Word::minOccurs, Word::maxOccurs};
 constexpr Words kAny{Word::nameSpace, Word::processContents, Word::notNamespace, Word::notQName};
 constexpr Words kNothing{};
 
-// By tag. The order of statements is nobody's concern, and a statement that has an effect at a place where the language
-// doesn't allow it may stand there.
+// Sorted by tag. The order of statements is not checked. A statement that has an effect at a place is accepted there,
+// even if the language doesn't allow it.
 constexpr TagRule kRules[] = {
     {Tag::none, {}, {}},
     {Tag::schema,

@@ -4,14 +4,15 @@
 #include <cstdint>
 #include <string_view>
 
-/// What a statement of the schema language is (https://www.w3.org/TR/xmlschema11-1/); those of one effect have one tag.
+/// The kinds of statements in the schema language (https://www.w3.org/TR/xmlschema11-1/). Statements of the same effect
+/// share a tag.
 enum class SchemaTag : std::uint8_t
 {
-    none, ///< unknown
+    none, ///< no statement of the language
     schema,
     include,
     import,
-    redefine, ///< or override
+    redefine, ///< also override
     element,
     attribute,
     complexType,
@@ -30,25 +31,26 @@ enum class SchemaTag : std::uint8_t
     unionOf,
     list,
     enumeration,
-    // Those above have a part in types.
+    // The statements above affect types.
     annotation,
     documentation,
     appinfo,
-    facet,      ///< but an enumeration
-    constraint, ///< unique, key, keyref
-    path,       ///< selector, field
+    facet,      ///< any except enumeration
+    constraint, ///< unique, key and keyref
+    path,       ///< selector and field
     notation,
     alternative,
     assertion,
     openContent,
-    // No statements, but what decides about the statements inside: a restriction by what it restricts, `ref`.
+    // No statements, but rules for the statements inside: a restriction depends on its context, and a statement with
+    // `ref` holds only annotations.
     simpleRestriction,
     textRestriction,
     reference,
     count
 };
 
-/// An attribute of a statement, by its name.
+/// The attributes of statements, by name.
 enum class SchemaAttribute : std::uint8_t
 {
     unknown,
@@ -101,7 +103,7 @@ enum class SchemaAttribute : std::uint8_t
     count
 };
 
-/// The editions of the schema language, told apart by their namespaces.
+/// The editions of the schema language, by namespace.
 enum class SchemaEdition : std::uint8_t
 {
     none,
@@ -109,27 +111,28 @@ enum class SchemaEdition : std::uint8_t
     current
 };
 
-/// The edition whose namespace this is; none for null and for other namespaces.
+/// Returns the edition with this namespace URI; `none` for null and for other namespaces.
 SchemaEdition schemaEditionOf(const char* uri);
 
-/// The words of the schema language, for one parse: it looks them up once for each interned name.
+/// Looks up the words of the schema language during one parse. Interned names are cached by address.
 class SchemaGrammar
 {
 public:
-    /// `local` is a name's local part as the parser has interned it.
+    /// Returns the tag or attribute with this local name, which must be interned by the parser; `none` or `unknown` if
+    /// there is none.
     SchemaTag tagOf(const char* local) { return static_cast<SchemaTag>(tags.find(local, lookUpTag)); }
     SchemaAttribute attributeOf(const char* local)
     {
         return static_cast<SchemaAttribute>(attributes.find(local, lookUpAttribute));
     }
 
-    /// Whether a statement has an effect directly inside of another.
+    /// Returns whether a statement has an effect directly inside another.
     static bool mayHold(SchemaTag holder, SchemaTag statement)
     {
         return (rules[static_cast<std::size_t>(holder)].children >> static_cast<int>(statement) & 1) != 0;
     }
 
-    /// Whether the statement has that attribute.
+    /// Returns whether the statement has that attribute in an edition.
     static bool mayHave(SchemaTag statement, SchemaAttribute attribute, SchemaEdition edition)
     {
         const Rule& rule = rules[static_cast<std::size_t>(statement)];
@@ -138,7 +141,7 @@ public:
     }
 
 private:
-    // What goes with a tag, each a bit.
+    // The sets that go with a tag, one bit for each member.
     struct Rule
     {
         std::uint64_t children;
@@ -149,7 +152,7 @@ private:
     static constexpr Rules makeRules();
     static const Rules rules;
 
-    // By address: what the same address said before, as long as no other took its slot.
+    // A direct-mapped cache keyed by the address of a name.
     class Cache
     {
     public:

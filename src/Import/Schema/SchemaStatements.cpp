@@ -8,8 +8,8 @@ namespace {
 using Tag = SchemaTag;
 using Word = SchemaAttribute;
 
-constexpr std::size_t kManyFindings = 10'000; // beyond them the report takes them at once
-constexpr std::size_t kLongestValue = 100;    // of what a message shows
+constexpr std::size_t kManyFindings = 10'000; // findings kept before they are passed to the report
+constexpr std::size_t kLongestValue = 100;    // bytes of a value that a message shows
 
 bool isBoolean(std::string_view value)
 {
@@ -32,7 +32,7 @@ CString shown(XmlName name)
     return name.prefix ? CString(name.prefix) + ":" + name.local : CString(name.local);
 }
 
-// The tags of which a statement has at most one, when `holder` has any.
+// Returns whether a statement may have only one child of the kinds that `tag` belongs to.
 bool isOnlyChild(Tag holder, Tag tag)
 {
     switch (holder) {
@@ -78,7 +78,7 @@ bool SchemaStatements::isTrue(std::string_view value)
 void SchemaStatements::scope(const XmlScope& scope)
 {
     start = scope.place;
-    if (scope.uri != lastUri) // nearly never
+    if (scope.uri != lastUri) // rarely: namespaces are interned
         edition = schemaEditionOf(scope.uri);
     lastUri = scope.uri;
 }
@@ -140,7 +140,7 @@ void SchemaStatements::text(std::string_view text)
     find(SourceReport::unknownStatement, CString(said.substr(0, kLongestValue)));
 }
 
-/// Looks the attributes up and at what they say.
+// Reads the attributes of a statement and checks their values.
 void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attributes)
 {
     known.clear();
@@ -169,7 +169,7 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
     }
 }
 
-/// An attribute that is another language's may stand anywhere; those of this one have no prefix.
+// Attributes of other languages may stand anywhere; those of this language have no prefix.
 void SchemaStatements::checkForeign(XmlName called, const char* uri, XmlName statement)
 {
     if (ignored == 0 && schemaEditionOf(uri) != SchemaEdition::none)
@@ -226,7 +226,7 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         details[SourceReport::derivationLimit] += !value.empty();
         break;
     case Word::content:
-        makesSense = value == "elementOnly" || value == "empty"; // the others hold text
+        makesSense = value == "elementOnly" || value == "empty"; // the other values mean text content
         break;
     case Word::defaultAttributes:
         find(SourceReport::declarationPassedOver, shown(called) + "=" + CString(value));
@@ -240,12 +240,12 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         said |= bitOf(attribute.name);
 }
 
-/// Settles what may stand in the statement that begins.
+// Checks the statement that begins, and determines what it may hold.
 void SchemaStatements::enterStatement(SchemaTag tag, Level& level)
 {
     Level& holder = open.back();
     holder.hasChild |= tag < Tag::enumeration;
-    if (tag == Tag::element && has(Word::name) && !has(Word::ref)) { // nearly always
+    if (tag == Tag::element && has(Word::name) && !has(Word::ref)) { // the most frequent case
         level.hasChild = has(Word::type);
         return;
     }
@@ -265,10 +265,10 @@ void SchemaStatements::enterStatement(SchemaTag tag, Level& level)
     holder.hasContent |= tag == Tag::simpleContent || tag == Tag::complexContent;
 }
 
-/// What a statement must say and doesn't, as a text behind its word; "" for its name, null if there is nothing.
+// Returns the part that a statement lacks, as text to append to its word; "" for the name, null if nothing is missing.
 const char* SchemaStatements::missingIn(SchemaTag tag, SchemaTag holder, bool isTop) const
 {
-    const bool isRestricted = holder == Tag::simpleType || holder == Tag::simpleContent; // maybe by a type inside
+    const bool isRestricted = holder == Tag::simpleType || holder == Tag::simpleContent; // by a type inside, possibly
     switch (tag) {
     case Tag::element:
     case Tag::attribute:
@@ -295,7 +295,7 @@ const char* SchemaStatements::missingIn(SchemaTag tag, SchemaTag holder, bool is
     }
 }
 
-/// Whether a statement stands beside one of which only one can hold.
+// Returns whether a statement comes second although only one is allowed.
 bool SchemaStatements::isTooMany(const Level& holder, SchemaTag tag) const
 {
     const bool isSecond = holder.hasChild && isOnlyChild(holder.holder, tag);

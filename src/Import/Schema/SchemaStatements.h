@@ -9,13 +9,13 @@
 #include <string_view>
 #include <vector>
 
-/// Takes the start tags of one schema document: says which statements they are, finds what the language doesn't know or
-/// what has no effect where it stands, and counts the details that no reading carries over. What it has found gets into
-/// the report by finish(), so that a document that is left out leaves nothing there.
+/// Checks the statements of one schema document as they are parsed: identifies them, finds unknown ones and those
+/// without effect at their place, and counts the details that no reading carries over. finish() passes the findings to
+/// the report, so that a document that is left out adds nothing to it.
 class SchemaStatements
 {
 public:
-    /// An attribute of the language, without a prefix, on a statement.
+    /// An attribute of the language, which has no prefix.
     struct Attribute
     {
         SchemaAttribute name;
@@ -23,56 +23,59 @@ public:
         bool isItsOwn; ///< false if the statement has no such attribute
     };
 
-    /// `file` is the document's number in the report. Statements are known by their namespaces; where `knowsPrefixes`,
-    /// by the prefixes xs and xsd too.
+    /// `file` is the document's number in the report. Statements are identified by their namespace; with
+    /// `knowsPrefixes` also by the prefixes xs and xsd.
     SchemaStatements(SourceReport& report, std::uint32_t file, bool knowsPrefixes) :
         report(report), file(file), knowsPrefixes(knowsPrefixes)
     {}
 
-    /// Comes before each enter(), as XmlHandler::scope() does.
+    /// Call it before each enter(), like XmlHandler::scope().
     void scope(const XmlScope& scope);
 
-    /// Takes a start tag. none for one that is no statement.
+    /// Enters a start tag. Returns `none` if it is no statement.
     SchemaTag enter(XmlName name, XmlAttributes attributes);
+    /// Leaves the element that was entered last.
     void leave();
 
-    /// Takes character data that stands in no documentation.
+    /// Takes character data outside of documentation.
     void text(std::string_view text);
 
-    /// An entity that was left out of the document.
+    /// Reports an entity that was left out of the document.
     void entityLeftOut(std::string_view name, XmlPlace at) { find(SourceReport::entityNotExpanded, at, CString(name)); }
 
-    /// What the statement that was entered last says, as far as the language knows it. Until the next enter().
+    /// Returns the attributes of the last statement that the language knows. Valid until the next enter().
     const std::vector<Attribute>& attributes() const { return known; }
+    /// Returns the value of an attribute of the last statement; empty if it has none.
     std::string_view valueOf(SchemaAttribute name) const;
 
-    /// Whether the statement has that attribute and says something there; false for one that is ignored.
+    /// Returns whether the statement has that attribute with a value; false if the statement is ignored.
     bool has(SchemaAttribute attribute) const { return (said & bitOf(attribute)) != 0; }
 
-    /// Whether it may occur at all, and more than once.
+    /// Return whether the statement may occur at all, and more than once.
     bool mayOccur() const { return most != Occurrence::none; }
     bool mayRepeat() const { return most == Occurrence::often || most == Occurrence::unbounded; }
 
-    /// What decides what may stand in it: its tag, or what that means here.
+    /// Returns the tag that determines what the statement may hold: its own, or a special one for its context.
     SchemaTag holder() const { return open.back().holder; }
 
-    /// Whether the statement that was entered last has no effect: it stands in a documentation, or inside of something
-    /// that was found to be wrong.
+    /// Returns whether the last statement has no effect, because it is inside documentation or inside a faulty
+    /// statement.
     bool isIgnored() const { return ignored > 0; }
 
-    /// Where the start tag stands that was entered last.
+    /// Returns the place of the last start tag.
     SourcePlace place() const { return placeOf(start); }
 
-    /// Notes something at that place.
+    /// Adds a finding at that place.
     void find(SourceReport::Construct construct, CString name) { find(construct, start, std::move(name)); }
     void count(SourceReport::Construct detail) { ++details[detail]; }
 
-    /// Reports all that was found: the document is a part of the schema.
+    /// Reports all findings. Call it if the document is part of the schema.
     void finish();
 
+    /// Returns whether an attribute's value is "true" or "1".
     static bool isTrue(std::string_view value);
 
-    /// Calls `take` with each name of a list.
+    /// Calls `take` with each name of a list separated by white space.
     template <class Take>
     static void forEachName(std::string_view list, Take take)
     {
@@ -83,25 +86,25 @@ public:
         }
     }
 
-    /// How often a `minOccurs` or `maxOccurs` lets something occur.
+    /// The values of `minOccurs` and `maxOccurs`.
     enum class Occurrence : std::uint8_t
     {
         none,
         once,
         often,
         unbounded,
-        senseless ///< no number
+        senseless ///< not a number
     };
     static Occurrence occurrenceOf(std::string_view value);
 
 private:
-    // A statement that is open.
+    // An open statement.
     struct Level
     {
         XmlName name;
-        SchemaTag holder = SchemaTag::none; // what decides what may stand in it
-        bool hasChild = false;              // or an attribute that says the same
-        bool hasContent = false;            // simpleContent or complexContent
+        SchemaTag holder = SchemaTag::none; // see holder()
+        bool hasChild = false;              // has a child, or an attribute in its place
+        bool hasContent = false;            // has simpleContent or complexContent
         XmlPlace start{};
     };
 
@@ -132,15 +135,15 @@ private:
     const bool knowsPrefixes;
     SchemaGrammar grammar;
     std::vector<Level> open;
-    std::size_t ignored = 0; // how many elements are open from one on whose content has no effect
+    std::size_t ignored = 0; // number of open elements without effect
     std::vector<Attribute> known;
-    std::uint64_t said = 0; // the attributes that say something, by bit
+    std::uint64_t said = 0; // the attributes with a value, one bit each
     Occurrence least = Occurrence::once, most = Occurrence::once;
-    bool isMisspelt = false; // one of the attributes is unknown
-    bool hasText = false;    // that was found, since the last tag
-    XmlName current{};       // what was entered last
+    bool isMisspelt = false; // has an unknown attribute
+    bool hasText = false;    // text was reported since the last tag
+    XmlName current{};       // the last start tag
     XmlPlace start{};
-    const char* lastUri = nullptr; // equal ones are one
+    const char* lastUri = nullptr; // compared by address, as namespaces are interned
     SchemaEdition edition = SchemaEdition::none;
     std::vector<Finding> findings;
     std::array<std::size_t, SourceReport::constructCount> details{};

@@ -7,31 +7,31 @@
 #include <deque>
 #include <set>
 
-/// Finds the documents that make up a schema: what a schema file includes, imports and redefines, and what those do in
-/// turn. They come depth first in document order, local files only, each once however it is named.
+/// Finds the documents of a schema: those that a schema file includes, imports and redefines, and those that they refer
+/// to in turn. They come depth first in document order. Only local files count; each comes once, whatever its name.
 class SchemaCache
 {
 public:
     using Locations = std::vector<SchemaOutline::Location>;
 
-    /// Where a document is named, and what that led to.
+    /// A schemaLocation, and the file that it leads to.
     struct Document
     {
-        CString name;      ///< of the file; "" where there is none
-        CString shownName; ///< of the same in messages
+        CString name;      ///< of the file; empty if there is none
+        CString shownName; ///< the same for messages
         SourcePlace place;
-        std::string_view location; ///< as it is written
+        std::string_view location; ///< the schemaLocation as written
     };
 
-    /// Adds what a document names, by schemaLocation, relative to that document, which messages show as `shownName`.
-    /// The texts must live as long as the walk. The first one to be added is the schema's own; it will not come again.
+    /// Adds the schemaLocations of a document, relative to its file. Messages call it `shownName`. The texts must
+    /// outlive the walk. The first document added is the schema itself, which next() never returns.
     void add(const CString& fileName, const CString& shownName, const Locations& locations);
 
-    /// The next file to be read, whose locations are then to be added; nothing at the end.
+    /// Returns the next document, for which add() is to be called; nothing at the end.
     std::optional<Document> next();
 
 private:
-    // Of a document whose locations wait.
+    // A document with locations that are still waiting.
     struct Holder
     {
         CString folder;
@@ -45,7 +45,7 @@ private:
         std::string_view location;
     };
 
-    std::vector<Reference> waiting; // the next one last; an include may lie ten thousand documents deep
+    std::vector<Reference> waiting; // a stack: includes may nest ten thousand deep
     std::deque<Holder> holders;
     std::set<FileId> met;
     FileFinder finder;

@@ -6,41 +6,41 @@
 #include <memory>
 #include <vector>
 
-/// Why an entry has another type than its declaration says.
+/// The reason why an entry's type isn't the declared one.
 enum class SchemaTypeLoss : std::uint8_t
 {
     none,
-    innerType, ///< the simple type inside it is more than the text that it becomes
-    otherType  ///< an earlier declaration of the same name holds
+    innerType, ///< the simple type inside is not text, but becomes text
+    otherType  ///< an earlier declaration of the same name takes precedence
 };
 
-/// What a schema says where it declares something. Texts are views: they live as long as the documents of the import.
+/// The contents of a declaration. Texts are views that live as long as the documents of the import.
 struct SchemaSaying
 {
     SourcePlace place{};
-    std::string_view name{}; ///< for a repeated element followed by "*"
+    std::string_view name{}; ///< followed by "*" if it repeats
     std::string_view type{};
-    bool isReference = false;  ///< it is read through `ref`
-    bool isSingle = false;     ///< it doesn't repeat when it is declared twice
-    bool isInRepeated = false; ///< it stands in a group that repeats
+    bool isReference = false;  ///< read through `ref`
+    bool isSingle = false;     ///< doesn't repeat if declared twice
+    bool isInRepeated = false; ///< in a repeated group
     SchemaTypeLoss loss = SchemaTypeLoss::none;
 };
 
-/// One entry of a table: a declaration that was read, and what was declared inside it. Its key is the parent's key
-/// followed directly by the name, with no separator, so that "Or" with "derline" and "Order" with "line" are one key.
+/// An entry of a table: a declaration with the declarations inside it. Its key is the parent's key followed directly by
+/// the name, without a separator, so "Or" with "derline" and "Order" with "line" share a key.
 class SchemaElement
 {
 public:
-    /// `parentName` is the text of the parent's key; empty for an entry without a parent.
+    /// `parentName` is the text of the parent's key; empty without a parent.
     SchemaElement(const Fingerprint& key, std::string_view parentName, const SchemaSaying& said);
 
     const Fingerprint& queryKey() const { return key; }
 
-    /// The declared name; for a repeated element followed by "*".
+    /// Returns the declared name; followed by "*" if it repeats.
     std::string_view queryName() const { return {name, nameSize}; }
     std::string_view queryType() const { return {type, typeSize}; }
 
-    /// Takes the type of an earlier declaration, which may be another one than its own.
+    /// Sets the type of an earlier declaration; `isOther` says that it differs from its own.
     void setType(std::string_view earlier, bool isOther)
     {
         type = earlier.data();
@@ -55,12 +55,12 @@ public:
 
     SchemaTypeLoss queryLoss() const { return loss; }
 
-    /// True when the text of the key, without white space at its ends, is longer than the "*" that it ends with.
+    /// Returns whether the trimmed text of the key ends with "*" and is longer than that.
     bool isMarked() const { return marked; }
 
     using Children = std::vector<SchemaElement*>;
 
-    /// Appends the key of a child by the entry that has it; the same one may stand more than once.
+    /// Appends a child. The same entry may be appended several times.
     void addChild(SchemaElement* child)
     {
         if (!children) {
@@ -70,25 +70,25 @@ public:
         children->push_back(child);
     }
 
-    /// Null without children.
+    /// Returns the children; null if there are none.
     Children* queryChildren() const { return children.get(); }
 
-    /// How an entry of the include table got into the element table too.
+    /// How an entry of the include table was added to the element table.
     enum Pull : std::uint8_t
     {
         notPulled,
         pulledAsType,
-        pulledAsChild ///< its own children may be missing there
+        pulledAsChild ///< but its own children may be missing from that table
     };
     void setPull(Pull how) { pull = how; }
     Pull queryPull() const { return pull; }
 
 private:
-    // Large tables wait for each entry, so one fits into a cache line.
+    // In large tables each access to an entry is a cache miss, so an entry fits into one cache line.
     Fingerprint key;
     const char* name;
     const char* type;
-    std::uint32_t nameSize; // of a document, which is shorter than 4 GB
+    std::uint32_t nameSize; // a document is smaller than 4 GB
     std::uint32_t typeSize;
     std::unique_ptr<Children> children; // most entries have none
     SourcePlace place;

@@ -7,7 +7,7 @@ namespace {
 constexpr std::size_t kAhead = 8;
 constexpr std::string_view kAnonymousType = "AnonymousType";
 
-// The field's name without the mark of what repeats.
+// Returns the field's name without the mark of a repeated one.
 std::string_view nameOf(const SchemaElement& declared)
 {
     std::string_view name = trimmed(declared.queryName());
@@ -24,7 +24,7 @@ void SchemaFieldCheck::reportAll(std::string_view path)
     for (std::size_t i = 0; i < fields.size(); ++i) {
         cancelPoint.pass();
         if (i + kAhead < fields.size())
-            __builtin_prefetch(fields[i + kAhead].element); // they lie anywhere
+            __builtin_prefetch(fields[i + kAhead].element); // elements are scattered in memory
         if (fields[i].plainKind == Element::typeOther || fields[i].element->queryType() != fields[i].plainKind)
             report(fields[i], path);
     }
@@ -71,7 +71,7 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& decla
                                   : meaningOfType(declared.queryType(), name, declared.isMarked());
 }
 
-/// A reference takes the type of an element that was read before it, and is text otherwise.
+// A reference takes the type of an element that was read before it; without one it is text.
 SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfReference(const SchemaElement& declared, std::string_view name)
 {
     const SchemaElement* const target = table.findAny(Fingerprint(name));
@@ -83,7 +83,7 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfReference(const SchemaEleme
     return meaning;
 }
 
-/// What a field of this type means, and whether the literal reading knows that.
+// Returns the meaning of a field of this type, with a loss if the literal reading doesn't support it.
 SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type, std::string_view name, bool repeats)
 {
     if (type.empty() || type == kAnonymousType)
@@ -104,7 +104,7 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type,
     return {Element::typeString, {}, isDeclared ? SourceReport::typeUnknown : SourceReport::unresolvedReference, type};
 }
 
-/// Of the built-in types decimal and date are known; the others become text, and so do all that repeat.
+// The literal reading supports decimal and date. All other built-in types become text, as do all repeated fields.
 SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfBuiltIn(std::string_view type, bool repeats) const
 {
     const std::string_view local = type.substr(type.find(':') + 1);
@@ -124,7 +124,7 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfBuiltIn(std::string_view ty
     }
 }
 
-/// Whether the element, which all fields of that name share, is what a declaration means.
+// Returns whether the element matches a declaration. All fields of a name share one element.
 bool SchemaFieldCheck::isAsMeant(const Element& element, std::string_view name, const Meaning& meaning,
                                  std::string_view path) const
 {

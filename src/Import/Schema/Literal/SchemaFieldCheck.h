@@ -6,9 +6,9 @@
 #include <optional>
 #include <unordered_map>
 
-/// Compares what a schema says of its fields with what the model has of them, and reports where the two differ: types
-/// that the literal reading doesn't know became text, and of fields of one name in several records the last one with a
-/// type of its own decides for all.
+/// Compares the declared fields of a schema with those of the model, and reports the differences. Types that the
+/// literal reading doesn't support became text. If fields of one name in several records have different types, the last
+/// one with its own type decides for all.
 class SchemaFieldCheck
 {
 public:
@@ -16,7 +16,7 @@ public:
         table(table), kinds(kinds), sourceReport(report)
     {}
 
-    /// Notes that `declared` became a field of `record`.
+    /// Records that `declared` became the field `field` of `record`.
     void add(const SchemaElement& declared, const Element& field, const SchemaElement& record)
     {
         fields.push_back({&declared, &field, &record, plainKindOf(declared)});
@@ -24,7 +24,8 @@ public:
 
     void reserve(std::size_t count) { fields.reserve(count); }
 
-    /// Reports the differences, when all records are declared in the folder `path` and no table is made yet.
+    /// Reports the differences. Call it after all records are declared in the folder `path`, and before tables are
+    /// made.
     void reportAll(std::string_view path);
 
 private:
@@ -36,18 +37,18 @@ private:
         Element::ElementTypes plainKind;
     };
 
-    // The kind of what nearly all fields are: single, and of a type that is known by its name. typeOther for the
+    // Returns the kind of nearly all fields: single, with a built-in type that is identified by name. typeOther for all
     // others.
     static Element::ElementTypes plainKindOf(const SchemaElement& declared);
     void report(const Field& field, std::string_view path);
 
-    // What a declaration should have become.
+    // The correct result of a declaration.
     struct Meaning
     {
-        Element::ElementTypes kind = Element::typeString; // typeRow: the record of the field's own name, if it is one
-        std::string_view record{};                        // for typeOther
-        std::optional<SourceReport::Construct> loss{};    // why it is text instead
-        std::string_view lost{};                          // of which name
+        Element::ElementTypes kind = Element::typeString; // typeRow: the record of the field's own name, if any
+        std::string_view record{};                        // name of the record for typeOther
+        std::optional<SourceReport::Construct> loss{};    // why it became text
+        std::string_view lost{};                          // the name to report
     };
 
     Meaning meaningOf(const SchemaElement& declared, std::string_view name);
@@ -60,5 +61,5 @@ private:
     SchemaKinds& kinds;
     SourceReport& sourceReport;
     std::vector<Field> fields;
-    std::unordered_map<const Element*, const SchemaElement*> repeated; // the first record in which it repeats
+    std::unordered_map<const Element*, const SchemaElement*> repeated; // the first record in which an element repeats
 };

@@ -34,7 +34,7 @@ void SchemaKinds::addPart(Index type, Part part)
     parts.push_back(part);
 }
 
-// A type waits on a stack of its own for its parts: a source can derive without end.
+// Works out kinds with a stack of waiting types instead of recursion, because derivations may nest without bound.
 SchemaKinds::Kind SchemaKinds::kindOf(Index type)
 {
     std::vector<Index> waiting{type};

@@ -9,8 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
-/// The simple types of all documents of a schema, as far as it takes to say of which kind their values are. The literal
-/// reading makes text of all of them; this tells which of them were more.
+/// The simple types of all documents of a schema, as far as needed to tell the kind of their values. The literal
+/// reading makes text of all simple types; this class identifies those that are not text.
 class SchemaKinds
 {
 public:
@@ -22,44 +22,45 @@ public:
         text,
         number,
         time,
-        listed, ///< one of several constants
-        unknown ///< of a type that is nowhere declared
+        listed, ///< an enumeration
+        unknown ///< a type that isn't declared
     };
 
     void clear();
 
-    /// A prefix that stands for the schema language; "" for names without one.
+    /// Adds a prefix that is bound to the schema language; "" for names without prefix.
     void addLanguagePrefix(std::string_view prefix) { languagePrefixes.emplace(prefix); }
 
-    /// A simple type; "" is the name of one that stands inside a declaration or another type.
+    /// Adds a simple type and returns it. The name is "" if it is anonymous.
     Index add(std::string_view name);
 
-    /// What a type restricts, or a member of its union.
+    /// Adds the type that a type restricts, or a member of its union.
     void addPart(Index type, std::string_view typeName) { addPart(type, {texts.keep(typeName), kNone, kNone}); }
     void addPart(Index type, Index inner) { addPart(type, {{}, inner, kNone}); }
 
     void setList(Index type) { types[type].isList = true; }
     void setListed(Index type) { types[type].isListed = true; }
 
-    /// How many there are; takes back all but the first ones, which a document that is left out has added.
+    /// Return or reduce the number of types. resize() removes those of a document that was left out.
     std::size_t size() const { return types.size(); }
     void resize(std::size_t count);
 
-    /// The kind of a simple type, when all documents have been read: that of its parts where they agree, else text.
+    /// Returns the kind of a simple type: that of its parts if they agree, else text. Call it after all documents are
+    /// read.
     Kind kindOf(Index type);
 
-    /// The kind of the type that is called so, built in or declared.
+    /// Returns the kind of the type with this name, built-in or declared.
     Kind kindOf(std::string_view typeName);
 
-    /// The same of a type of the schema language; unknown for any other.
+    /// Returns the kind of a built-in type; unknown for any other.
     Kind builtInKindOf(std::string_view typeName) const;
 
 private:
     struct Part
     {
-        std::string_view typeName; // or else
+        std::string_view typeName; // empty if `inner` is set
         Index inner;
-        Index next; // of the same type
+        Index next; // the type's next part
     };
 
     struct Type
@@ -68,8 +69,8 @@ private:
         Kind kind = text;
         bool isList = false;
         bool isListed = false;
-        bool isMet = false;   // it is being resolved, and counts as text till then
-        bool isKnown = false; // it has been
+        bool isMet = false;   // in progress; counts as text if it refers to itself
+        bool isKnown = false; // its kind is worked out
     };
 
     void addPart(Index type, Part part);

@@ -17,7 +17,7 @@ int SchemaMessage::parse(const CString& source, const CString& basePath, const C
     } catch (const SourceRefusal& refusal) {
         fail(refusal.text, refusal.fault);
     }
-    table.clear(); // the texts of the tables go with the outlines
+    table.clear(); // its texts are freed with the outlines
     return result;
 }
 
@@ -27,7 +27,7 @@ void SchemaMessage::onCancelled()
     table.setNames(namesBefore);
 }
 
-/// The two passes. The file is read once for both.
+// Runs both passes. The file is parsed once for both.
 int SchemaMessage::import(const CString& source, const CString& basePath, const CString& fileName,
                           SchemaTable::Outlines& outlines)
 {
@@ -44,7 +44,7 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
     return doParse(main, source);
 }
 
-/// Reads a document into an outline of its own, which is the last one then; none if that can't be.
+// Reads a document into a new outline at the end of `outlines`. Returns false, without an outline, on failure.
 bool SchemaMessage::readFile(const CString& fileName, std::uint32_t file, XmlDocument& document,
                              SchemaTable::Outlines& outlines)
 {
@@ -60,8 +60,8 @@ bool SchemaMessage::readFile(const CString& fileName, std::uint32_t file, XmlDoc
     return false;
 }
 
-/// Reads the documents that the schema names, behind its own outline. What is missing or not well-formed is left out;
-/// what is there and can't be read ends the import, by SourceRefusal.
+// Reads the documents that the schema refers to. A missing or ill-formed one is left out. One that exists but can't be
+// read ends the import by SourceRefusal.
 void SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines& outlines)
 {
     SchemaCache cache;
@@ -82,7 +82,7 @@ void SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines&
     }
 }
 
-/// The documents that a schema with a namespace names are not read.
+// Reports the documents of a schema with a target namespace, which the literal reading skips.
 void SchemaMessage::passOver(const SchemaOutline& outline)
 {
     for (const SchemaOutline::Location& location : outline.locations())
@@ -116,11 +116,11 @@ void SchemaMessage::noteMain(const SchemaOutline& outline)
     if (outline[main].isAbstract || (type != SchemaOutline::kNone && outline[type].isAbstract))
         report.add(SourceReport::mainTypeAbstract, outline.placeOf(main), outline[main].name());
     const SchemaElement* const record = table.find(Fingerprint(table.queryMainType()));
-    if (!record || !record->queryChildren()) // without fields there is no type
+    if (!record || !record->queryChildren()) // without fields no type results
         report.add(SourceReport::declarationPassedOver, outline.placeOf(main), outline[main].name());
 }
 
-/// How many usages the records will have: each is one itself.
+// Returns the number of usages: one for each record and each of its fields.
 std::size_t SchemaMessage::countFields() const
 {
     std::size_t count = 0;
@@ -159,7 +159,7 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
     }
 }
 
-/// A repeated field is declared twice: the model makes a table of a usage that it has seen more than once.
+// Declares a repeated field twice: the model makes a table of a usage that occurs more than once.
 Element* SchemaMessage::declareField(const Field& field, Element* record)
 {
     Element* element = nullptr;
@@ -177,8 +177,8 @@ Element* SchemaMessage::declareField(const Field& field, Element* record)
     return element;
 }
 
-/// Name and type of a declaration; both are empty when there is none. A repeated one brings no type. Nonzero when there
-/// is a type.
+// Sets name and type of a declaration; both are empty if there is none. A repeated one has no type. Returns nonzero if
+// there is a type.
 int SchemaMessage::getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName)
 {
     typeName = fieldName = {};
@@ -190,7 +190,7 @@ int SchemaMessage::getType(const SchemaElement* entry, std::string_view& typeNam
     return !typeName.empty();
 }
 
-/// Trims `name`; 1 when it then ended with a '*', which is removed.
+// Trims `name` and removes a '*' at its end. Returns 1 if there was one.
 int SchemaMessage::removeModifiers(std::string_view& name)
 {
     name = trimmed(name);
@@ -200,8 +200,8 @@ int SchemaMessage::removeModifiers(std::string_view& name)
     return 1;
 }
 
-/// The kind of a field of this type. The name of a built-in type is emptied: the kind says all. For any other, typeDate
-/// says no more than that it is a type of the schema.
+// Returns the kind of a field of this type. The name of a built-in type is cleared, because the kind is sufficient. For
+// other types typeDate only means that the schema declares the type.
 Element::ElementTypes SchemaMessage::getBrokerType(std::string_view& typeName) const
 {
     for (const std::string_view prefix : {"xsd:", "xs:"}) {

@@ -6,9 +6,9 @@
 
 class XmlDocument;
 
-/// The importer of XML Schema files. Complex types become records, the elements and attributes declared in them fields;
-/// schema tags are known by the literal prefixes "xsd:" and "xs:", namespaces are not resolved. SchemaTable holds what
-/// the file declares; this makes the model of it.
+/// The importer of XML Schema files. Complex types become records, their elements and attributes become fields.
+/// Statements are identified by the literal prefixes "xsd:" and "xs:"; namespaces are not resolved. SchemaTable holds
+/// the declarations, and this class makes the model of them.
 class SchemaMessage : public MsgBase
 {
 public:
@@ -16,7 +16,7 @@ public:
 
     static MsgBase* New() { return new SchemaMessage; }
 
-    /// `source` is the name of the schema file. 0 when it can't be loaded or has no main element.
+    /// `source` is the name of the schema file. Returns 0 if it can't be loaded or has no main element.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
     int isFileMode() const override { return 1; }
     CString queryMainTypeName() const override { return table.queryMainType(); }
@@ -34,7 +34,7 @@ private:
         modStar = 1
     };
 
-    // A field that is about to be declared. The texts are the documents'.
+    // A field before its declaration. Texts are views into the documents.
     struct Field
     {
         const SchemaElement* declared; // null if it is missing
@@ -61,7 +61,7 @@ private:
 
     SchemaTable table;
     SchemaKinds kinds;
-    SchemaTable::Names namesBefore; // the import in hand
+    SchemaTable::Names namesBefore; // before the current import, restored if it is cancelled
     CString baseFolder;
-    std::vector<Field> fields; // of the record in hand
+    std::vector<Field> fields; // of the current record
 };

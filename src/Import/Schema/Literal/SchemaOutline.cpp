@@ -5,7 +5,7 @@
 namespace {
 
 constexpr std::array<std::string_view, 2> kPrefixes{"xsd", "xs"};
-constexpr std::size_t kFarAround = 100; // real schemas don't nest any further
+constexpr std::size_t kFarAround = 100; // levels to look up for a name; real schemas don't nest deeper
 
 std::optional<SchemaOutline::Tag> declarationOf(SchemaTag tag)
 {
@@ -26,7 +26,7 @@ bool isCalled(XmlName name, std::string_view unprefixed)
     return !name.prefix && name.local == unprefixed;
 }
 
-/// True for "unbounded" and for a text that begins with a decimal integer greater than 1, of any length.
+// Returns true for "unbounded", and for a text that begins with a decimal integer greater than 1, of any length.
 bool isMany(std::string_view maxOccurs)
 {
     if (maxOccurs == "unbounded")
@@ -99,10 +99,10 @@ void SchemaOutline::startRoot(XmlAttributes attributes)
     open.push_back({kRoot});
 }
 
-/// The place of a literal prefix among the two; behind them for any other.
+// Returns the index of a prefix in kPrefixes; its size for any other.
 std::size_t SchemaOutline::prefixOf(XmlName name)
 {
-    if (name.prefix != lastPrefix) // nearly never
+    if (name.prefix != lastPrefix) // rarely: prefixes are interned
         lastPrefixAt = name.prefix
                            ? static_cast<std::size_t>(std::ranges::find(kPrefixes, name.prefix) - kPrefixes.begin())
                            : kPrefixes.size();
@@ -110,7 +110,7 @@ std::size_t SchemaOutline::prefixOf(XmlName name)
     return lastPrefixAt;
 }
 
-/// What the tables have no part of, and what changes the types that way.
+// Reports statements that the tables have no place for although they affect types.
 void SchemaOutline::notePassedOver(XmlName name, SchemaTag tag, Level& level)
 {
     const std::string_view base = statements.valueOf(SchemaAttribute::base);
@@ -132,7 +132,7 @@ void SchemaOutline::notePassedOver(XmlName name, SchemaTag tag, Level& level)
         level.isRepeated = statements.mayRepeat() || open.back().isRepeated;
         return;
     case SchemaTag::group:
-    case SchemaTag::attributeGroup: // where it is declared it is nothing yet
+    case SchemaTag::attributeGroup: // a declaration alone has no effect
         if (!reference.empty())
             statements.find(SourceReport::groupPassedOver, CString(reference));
         return;
@@ -189,7 +189,7 @@ void SchemaOutline::noteSimpleType(SchemaTag tag, Level& level)
     }
 }
 
-/// What a declaration that is read says besides.
+// Reports further properties of a declaration that the tables have no place for.
 void SchemaOutline::noteDeclaration(SchemaTag tag)
 {
     const SchemaDeclaration& declaration = entries.back().declaration;
@@ -211,7 +211,7 @@ bool SchemaOutline::saysMixed() const
            SchemaStatements::isTrue(statements.valueOf(SchemaAttribute::mixed));
 }
 
-/// What the statement that has been entered is called, or else what stands around it.
+// Returns the name of the current statement, else that of the nearest enclosing declaration.
 CString SchemaOutline::nameAround() const
 {
     for (const SchemaAttribute attribute : {SchemaAttribute::name, SchemaAttribute::ref})
@@ -223,8 +223,7 @@ CString SchemaOutline::nameAround() const
     return {};
 }
 
-/// Any prefix will do: which one a document binds to XML Schema is its own affair, and nothing else has these names at
-/// the top of a schema.
+// Accepts any prefix: documents choose it, and nothing else has these names at the top of a schema.
 void SchemaOutline::noteLocation(XmlName name, XmlAttributes attributes)
 {
     const std::string_view local = name.local;
@@ -235,7 +234,7 @@ void SchemaOutline::noteLocation(XmlName name, XmlAttributes attributes)
             schemaLocations.push_back({texts.keep(attributes[i].value), statements.place()});
 }
 
-/// Links a declaration with its parent and its siblings.
+// Adds a declaration, and links it with its parent and siblings.
 SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
 {
     const auto place = static_cast<Index>(entries.size());
@@ -244,7 +243,7 @@ SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
     entry.declaration.line = statements.place().line;
     entry.declaration.column = statements.place().column;
     entry.tag = tag;
-    entry.isRead = statements.isIgnored(); // it need not be reported again
+    entry.isRead = statements.isIgnored(); // ignored statements have been reported
     Level& parent = open.back();
     entry.declaration.isSingle = parent.isChoice || tag == attribute;
     entry.declaration.isInRepeated = parent.isRepeated;
@@ -257,7 +256,7 @@ SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
     return place;
 }
 
-/// Names become names of types and folders, so they have the same bound as those of the document itself.
+// Names become names of types and folders, so they have the same bound as names in XML.
 std::string_view SchemaOutline::keepName(std::string_view name)
 {
     if (name.size() > kMaxXmlName)
@@ -294,7 +293,8 @@ SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
     out.isReference = out.name().empty();
     if (out.isReference)
         out.nameAndMark = reference;
-    // "REF" is how the importer marks a declaration that is read through `ref`, so one of that name counts as such.
+    // The importer marks a declaration that is read through `ref` by "REF", so a declaration of that name counts as
+    // one.
     if (!out.hasType && !out.isReference && out.name() != "REF")
         out.type = "AnonymousType";
     return out;

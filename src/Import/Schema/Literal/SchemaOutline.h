@@ -13,32 +13,32 @@
 /// One declaration of a schema document: an element, an attribute or a complex type. Texts are views into the outline.
 struct SchemaDeclaration
 {
-    /// What a repeated declaration is marked with.
+    /// The mark of a repeated declaration.
     static constexpr std::string_view kMark = "*";
 
-    /// Its `name`, or its `ref` where it has no name.
+    /// Returns the `name`, else the `ref`.
     std::string_view name() const { return nameAndMark.substr(0, nameAndMark.size() - kMark.size()); }
 
-    /// The name, followed by the mark when it repeats.
+    /// Returns the name, with the mark if it repeats.
     std::string_view markedName() const { return repeats ? nameAndMark : name(); }
 
-    std::string_view nameAndMark = kMark; ///< kept together, so that either is a view
-    std::string_view type;      ///< its `type`; without one "AnonymousType", or empty when it is read through `ref`
-    bool hasAttributes = false; ///< any at all
-    bool hasType = false;       ///< a `type` is written
-    bool isReference = false;   ///< it has no name of its own
-    bool repeats = false;       ///< its `maxOccurs` is greater than 1 or "unbounded"
-    bool isAbstract = false;    ///< it says so
-    bool isSingle = false;      ///< it doesn't repeat when it is declared twice
-    bool isInRepeated = false;  ///< it stands in a group that repeats
-    std::uint32_t line = 0;     ///< in its document, from 1
-    std::uint32_t column = 0;   ///< the same; 0 if unknown
-    SchemaKinds::Index simpleType = SchemaKinds::kNone; ///< the one that stands inside it
+    std::string_view nameAndMark = kMark; ///< in one text, so that both are views
+    std::string_view type;      ///< the `type`; without one "AnonymousType", or empty if it is read through `ref`
+    bool hasAttributes = false; ///< of any kind
+    bool hasType = false;       ///< has a `type`
+    bool isReference = false;   ///< has no `name`
+    bool repeats = false;       ///< `maxOccurs` is greater than 1 or "unbounded"
+    bool isAbstract = false;    ///< `abstract` is true
+    bool isSingle = false;      ///< doesn't repeat if declared twice
+    bool isInRepeated = false;  ///< in a repeated group
+    std::uint32_t line = 0;     ///< counted from 1
+    std::uint32_t column = 0;   ///< counted from 1; 0 if unknown
+    SchemaKinds::Index simpleType = SchemaKinds::kNone; ///< the simple type inside
 };
 
-/// The declarations of one schema document, as far as they are read: what is called xsd:element, xs:element and so on,
-/// by these literal names, at any depth. It is filled while the document is read; searches answer what a walk over the
-/// document would, without walking.
+/// The declarations of one schema document that the literal reading supports: xsd:element, xs:element and so on, by
+/// these literal names, at any depth. It is filled while the document is parsed. Searches return what a walk over the
+/// document would, without a walk.
 class SchemaOutline : public XmlHandler
 {
 public:
@@ -49,19 +49,19 @@ public:
         complexType
     };
 
-    /// A place in the outline; they rise in document order. kRoot is the document's root element, whatever it is.
+    /// The index of a declaration, in document order. kRoot is the document's root element, whatever its name.
     using Index = unsigned;
     static constexpr Index kRoot = 0;
     static constexpr Index kNone = ~0U;
 
-    /// What the schema includes, imports or redefines.
+    /// A document that the schema includes, imports or redefines.
     struct Location
     {
         std::string_view text; ///< the schemaLocation
         SourcePlace place;
     };
 
-    /// `file` is the document's number in the report. Its simple types go into `kinds`.
+    /// `file` is the document's number in the report. Simple types are added to `kinds`.
     SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKinds& kinds);
 
     void scope(const XmlScope& scope) override;
@@ -71,47 +71,48 @@ public:
     bool wantsText() const override { return false; }
     bool wantsScopes() const override { return true; }
 
-    /// Reports what was found in the document, when it is a part of the schema.
+    /// Reports the findings in the document. Call it if the document is part of the schema.
     void finish() { statements.finish(); }
 
     SourcePlace placeOf(Index at) const { return {file, entries[at].declaration.line, entries[at].declaration.column}; }
 
-    /// How many declarations there are, and the root.
+    /// Returns the number of declarations, the root included.
     std::size_t size() const { return entries.size(); }
 
     const SchemaDeclaration& operator[](Index at) const { return entries[at].declaration; }
 
-    /// The first descendant, at any depth, called "xsd:" + tag; if there is none, the first one called "xs:" + tag.
+    /// Returns the first descendant, at any depth, named "xsd:" + tag; if there is none, the first named "xs:" + tag;
+    /// else kNone.
     Index getNode(Index from, Tag tag) const;
 
-    /// The first direct child of either name.
+    /// Returns the first child with either prefix; kNone if there is none.
     Index getChildNode(Index parent, Tag tag) const { return entries[parent].firstChild[tag]; }
 
-    /// The first following sibling of either name and of the same tag.
+    /// Returns the next sibling with either prefix and the same tag; kNone if there is none.
     Index getNextSibling(Index from) const { return entries[from].nextSibling; }
 
-    /// True when the document holds a complex type, at any depth.
+    /// Returns whether the document has a complex type, at any depth.
     bool holdsTypes() const { return !mainTypes().empty(); }
 
-    /// True when one of the xsd:complexType of the document, or of its xs:complexType where it has none of those, is
-    /// called `name`.
+    /// Returns whether an xsd:complexType is named `name`; in a document without any, whether an xs:complexType is.
     bool holdsTypeNamed(std::string_view name) const;
 
-    /// The complex type at the top that a declaration names, or the one inside it; kNone if there is none.
+    /// Returns the complex type that a declaration names or holds; kNone if there is none. A named one must be at the
+    /// top.
     Index typeOf(Index declaration) const;
 
-    /// Where documents are that the schema includes, imports or redefines, in document order.
+    /// Returns the documents that the schema includes, imports or redefines, in document order.
     const std::vector<Location>& locations() const { return schemaLocations; }
 
-    /// Notes that an element or attribute was taken into account.
+    /// Records that an element or attribute was used.
     void markRead(Index at) const { entries[at].isRead = true; }
 
-    /// Reports the elements and attributes that were not.
+    /// Reports the elements and attributes that were not used.
     void reportUnread(SourceReport& report) const;
 
     bool hasTargetNamespace() const { return isTargeted; }
 
-    /// Gives back what only reading needs; what was read refers to the texts.
+    /// Frees everything except the texts, which the table's entries refer to.
     void keepTextsOnly();
 
 private:
@@ -120,21 +121,21 @@ private:
     struct Entry
     {
         SchemaDeclaration declaration;
-        Index end = 0; // behind the last descendant
+        Index end = 0; // index behind the last descendant
         Index nextSibling = kNone;
         Tag tag = complexType;
         mutable bool isRead = false;
         std::array<Index, kTags> firstChild{kNone, kNone, kNone};
     };
 
-    // An element of the document that is still open.
+    // An open element of the document.
     struct Level
     {
-        Index place = kNone; // kNone for one that is no declaration
+        Index place = kNone; // kNone if it is no declaration
         std::array<Index, kTags> lastChild{kNone, kNone, kNone};
-        SchemaKinds::Index simpleType = SchemaKinds::kNone; // the one that it is, or says something of
-        bool isChoice = false;                              // or a group inside one
-        bool isRepeated = false;                            // the same
+        SchemaKinds::Index simpleType = SchemaKinds::kNone; // the type that it is, or that it contributes to
+        bool isChoice = false;                              // a choice, or a group inside one
+        bool isRepeated = false;                            // repeats, or a group inside one that does
     };
 
     void startRoot(XmlAttributes attributes);
@@ -158,7 +159,7 @@ private:
     SchemaStatements statements;
     SchemaKinds& kinds;
     std::uint32_t file;
-    const char* lastPrefix = nullptr; // equal ones are one
+    const char* lastPrefix = nullptr; // compared by address, as prefixes are interned
     std::size_t lastPrefixAt;
     bool isTargeted = false;
     mutable std::optional<std::unordered_set<std::string_view, KeyHash>> typeNames;

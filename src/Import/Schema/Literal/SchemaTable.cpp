@@ -8,14 +8,14 @@ namespace {
 constexpr std::string_view kAnonymousType = "AnonymousType";
 constexpr std::string_view kStringType = "xsd:string";
 
-/// True for a declaration whose type stands inside it.
+// Returns whether a declaration has its type inside.
 bool holdsType(const SchemaOutline& outline, SchemaOutline::Index at)
 {
     return outline[at].type == kAnonymousType &&
            outline.getNode(at, SchemaOutline::complexType) != SchemaOutline::kNone;
 }
 
-/// The type as it is registered: one that should stand inside the declaration and doesn't is text.
+// Returns the type to register. A declaration that lacks both a type and one inside is text.
 std::string_view typeOf(const SchemaOutline& outline, SchemaOutline::Index at)
 {
     const std::string_view type = outline[at].type;
@@ -47,9 +47,9 @@ void SchemaTable::readMain(const SchemaOutline& main)
     main.reportUnread(*report);
 }
 
-/// Takes the schema and the documents that it names into the table: first the top-level elements of each, then the
-/// complex types. A schema with a target namespace doesn't get that far. True when the schema stands alone and reading
-/// it once more would give the same table again, and nothing to show.
+// Adds the schema and the documents that it refers to: first the top-level elements of each, then the complex types. A
+// schema with a target namespace is skipped. Returns true if a second pass would give the same table and no messages,
+// because the schema refers to no other document.
 bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
 {
     const SchemaOutline& main = outlines.front();
@@ -69,12 +69,12 @@ bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
         included->reportUnread(*report);
         included->keepTextsOnly();
     }
-    // The names in force while the main element's own type was read.
+    // Whether the names are the same as when the main element's own type was read.
     const bool sameNames = !hadRootType || earlierMainType == mainType;
     return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
 }
 
-/// Makes what the include pass has read the include table, and leaves the element table empty.
+// Turns the table of the include pass into the include table, and leaves the element table empty.
 void SchemaTable::copyElementList()
 {
     std::swap(includedElements, schemaElements);
@@ -96,8 +96,8 @@ void SchemaTable::clear()
     mainElement = SchemaOutline::kNone;
 }
 
-/// The name of the main element: the first one at the top that has no type, whose own type is then read, or the type of
-/// which is among the document's complex types.
+// Returns the name of the main element: the first element at the top that has no type attribute, whose own type is then
+// read, or whose type is among the document's complex types.
 std::string_view SchemaTable::getRootTag(const SchemaOutline& outline)
 {
     for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
@@ -121,8 +121,8 @@ std::string_view SchemaTable::getRootTag(const SchemaOutline& outline)
     return {};
 }
 
-/// The elements at the top. An anonymous type is only looked for below the first complex type inside the element, so
-/// the one of the main element, which getRootTag() has read, is the only one that is read whole.
+// Adds the elements at the top. An anonymous type is only searched below the first complex type in the element, so only
+// that of the main element, which getRootTag() has read, is read as a whole.
 void SchemaTable::processElement(const SchemaOutline& outline)
 {
     for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
@@ -136,10 +136,10 @@ void SchemaTable::processElement(const SchemaOutline& outline)
     }
 }
 
-/// The complex types of one container, of which `type` is in hand: its elements, then its attributes.
+// The state of reading the complex types of a container. Of the current type, elements come first, then attributes.
 struct SchemaTable::TypeWalk
 {
-    std::string_view owner; // the name of types that have none
+    std::string_view owner; // name for anonymous types
     Index type;
     Record record;
     SchemaOutline::Tag list = SchemaOutline::element;
@@ -148,8 +148,8 @@ struct SchemaTable::TypeWalk
     bool isEntered = false;             // the type inside the field has been read
 };
 
-/// The complex types directly inside `container`, with all that is nested in them. What is nested is read before the
-/// declaration that holds it is registered; the walks in hand are kept here, not on the stack.
+// Reads the complex types directly inside `container`, with everything nested in them. Nested types are read before the
+// declaration that holds them is added. The walks are on a stack of our own, because types may nest without bound.
 void SchemaTable::processComplexType(const SchemaOutline& outline, Index container, std::string_view parentName)
 {
     std::vector<TypeWalk> walks;
@@ -175,8 +175,8 @@ void SchemaTable::processComplexType(const SchemaOutline& outline, Index contain
     }
 }
 
-/// Registers the complex type in hand as a record and turns to its first element. That is the first one at any depth;
-/// its siblings follow, and those that stand in another group than it are never read.
+// Adds the current complex type as a record, and moves to its first element at any depth. Only that element's siblings
+// follow; elements in other groups are not read.
 void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& type = outline[walk.type];
@@ -191,7 +191,7 @@ void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
     enterList(outline, walk, outline.getNode(walk.type, SchemaOutline::element));
 }
 
-/// Goes on from the elements of the type in hand to its attributes, from these to the next type. False at the end.
+// Moves from the elements of the current type to its attributes, then to the next type. Returns false at the end.
 bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
 {
     if (walk.list == SchemaOutline::element) {
@@ -251,7 +251,7 @@ SchemaSaying SchemaTable::sayingOf(const SchemaOutline& outline, Index at, std::
     return said;
 }
 
-/// Whether two types of declarations make the same of them. What has none of its own takes the one of its record.
+// Returns whether two types have the same effect. A declaration without a type takes that of its record.
 bool SchemaTable::meanTheSame(std::string_view oneType, std::string_view otherType) const
 {
     if (oneType == otherType || oneType.empty() || otherType.empty())
@@ -260,8 +260,8 @@ bool SchemaTable::meanTheSame(std::string_view oneType, std::string_view otherTy
     return kind != SchemaKinds::unknown && kind == kinds->builtInKindOf(otherType);
 }
 
-/// Registers a declaration once and attaches it to its parent. Answers the entry, or null when the declaration is
-/// called like its parent. A type that is already registered under the name alone wins.
+// Adds a declaration once, and appends it to its parent. Returns the entry; null if it has the name of its parent. A
+// type that is already registered under the name alone takes precedence.
 SchemaElement* SchemaTable::addSchemaElement(const SchemaSaying& said, const Record& parent)
 {
     cancelPoint.pass();
@@ -285,15 +285,15 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaSaying& said, const Rec
     } else if (entry->queryName() != said.name || !meanTheSame(entry->queryType(), said.type)) {
         report->add(SourceReport::mergedByName, said.place, said.name);
     } else if (parent.entry && said.isSingle && !said.isInRepeated && !entry->isMarked()) {
-        report->add(SourceReport::inventedRepetition, said.place, said.name); // two usages make a table
+        report->add(SourceReport::inventedRepetition, said.place, said.name); // two usages become a table
     }
     if (parent.entry)
         parent.entry->addChild(entry);
     return entry;
 }
 
-/// Pulls from the include table every entry that is named as a type and missing, with its children. One walk does: what
-/// is pulled goes to the end of the table, so the walk comes to it, and an entry that it has passed needs nothing more.
+// Pulls from the include table every missing entry that is named as a type, with its children. One walk is enough:
+// pulled entries are appended to the table, so the walk reaches them, and earlier entries need nothing more.
 void SchemaTable::mergeLists()
 {
     for (const SchemaElement* entry : schemaElements) {
@@ -319,7 +319,7 @@ void SchemaTable::pull(const Fingerprint& type)
         return;
     for (SchemaElement*& child : *included->queryChildren()) {
         if (SchemaElement* own = schemaElements.find(child->queryKey())) {
-            child = own; // that is whom the key stands for from here on
+            child = own; // the key refers to this entry from now on
         } else if (child->queryPull() == SchemaElement::notPulled) {
             child->setPull(SchemaElement::pulledAsChild);
             pulled.push_back(child);
@@ -327,7 +327,7 @@ void SchemaTable::pull(const Fingerprint& type)
     }
 }
 
-/// What stands under `key` in the element table, what was pulled included; null when nothing does.
+// Returns the entry for `key` in the element table, pulled ones included; null if there is none.
 const SchemaElement* SchemaTable::find(const Fingerprint& key) const
 {
     if (const SchemaElement* own = schemaElements.find(key))

@@ -9,56 +9,55 @@
 #include <deque>
 #include <tuple>
 
-/// What a schema declares, by the names under which it was read; the outlines hold the texts. It is read in two passes:
-/// the first over the schema together with every document that it includes, imports or redefines, the second over the
-/// schema alone, which then pulls from the first what it names as a type without declaring it.
+/// The declarations of a schema by name; the outlines hold the texts. A schema is read in two passes. The first covers
+/// the schema and every document that it includes, imports or redefines. The second covers the schema alone, and then
+/// pulls types from the first that are named but not declared.
 class SchemaTable
 {
 public:
-    /// The schema itself, and behind it the documents that it names.
+    /// The schema itself, followed by the documents that it refers to.
     using Outlines = std::deque<SchemaOutline>;
     using Entries = KeyedTable<SchemaElement, &SchemaElement::queryKey, Fingerprint>;
 
-    /// The first pass, for a schema that is a file, and the search for the main element. Main element and root type of
-    /// the schema before stay in force until then. What can't be read is shown, by the names of the files in `report`,
-    /// and left out; the report gets what is passed over.
+    /// Runs the first pass, if the schema is a file, and finds the main element. Until then the main element and root
+    /// type of the previous schema stay in effect. `report` gets the losses.
     void readIncluded(Outlines& outlines, bool isFile, SchemaKinds& kinds, SourceReport& report);
 
-    /// The second pass, over the same schema.
+    /// Runs the second pass over the same schema.
     void readMain(const SchemaOutline& main);
 
-    /// Forgets all but the names of main element and root type.
+    /// Removes everything except the names of main element and root type.
     void clear();
 
-    /// The names that stay from one schema to the next: the main element, the one before it, the root type.
+    /// The names that stay from one schema to the next: main element, the previous one, root type.
     using Names = std::array<CString, 3>;
     Names queryNames() const { return {mainType, earlierMainType, rootTypeName}; }
     void setNames(const Names& names) { std::tie(mainType, earlierMainType, rootTypeName) = std::tuple_cat(names); }
 
-    /// The main element's name; empty when there is none.
+    /// Returns the main element's name; empty if there is none.
     const CString& queryMainType() const { return mainType; }
 
-    /// The type that the main element names; it is filed under the main element's name.
+    /// Returns the type that the main element names; its entry has the main element's name.
     const CString& queryRootTypeName() const { return rootTypeName; }
 
-    /// The entries in order: what the schema declares, then what was pulled.
+    /// Return the entries in order: the declarations of the schema, then the pulled ones.
     const Entries& queryDeclared() const { return schemaElements; }
     const std::deque<SchemaElement*>& queryPulled() const { return pulled; }
 
-    /// The entry of a key, declared or pulled; null when there is none.
+    /// Returns the entry for a key, declared or pulled; null if there is none.
     const SchemaElement* find(const Fingerprint& key) const;
 
-    /// The same, also of what no type has pulled.
+    /// The same; also finds included entries that were not pulled.
     const SchemaElement* findAny(const Fingerprint& key) const;
 
-    /// The main element, in the schema's outline; kNone when there is none.
+    /// Returns the main element in the schema's outline; kNone if there is none.
     SchemaOutline::Index queryMainElement() const { return mainElement; }
 
 private:
     using Index = SchemaOutline::Index;
     struct TypeWalk;
 
-    // A complex type in hand: its name, which is its key, and its entry, null where it was refused.
+    // The current complex type: its name, which is its key, and its entry, null if it was rejected.
     struct Record
     {
         std::string_view name;
@@ -66,7 +65,7 @@ private:
         SchemaElement* entry = nullptr;
     };
 
-    // The include pass and what comes of it.
+    // The include pass and its results.
     bool getSchemaIncludeList(Outlines& outlines);
     void copyElementList();
     void mergeLists();
@@ -86,18 +85,18 @@ private:
     SchemaSaying sayingOf(const SchemaOutline& outline, Index at, std::string_view name) const;
     bool meanTheSame(std::string_view oneType, std::string_view otherType) const;
 
-    SourceReport* report = nullptr;          // of the import in hand
-    SchemaKinds* kinds = nullptr;            // the same
-    Entries schemaElements;                  // of the pass in hand
+    SourceReport* report = nullptr;          // of the current import
+    SchemaKinds* kinds = nullptr;            // of the current import
+    Entries schemaElements;                  // of the current pass
     Entries includedElements;                // of the include pass
-    std::deque<SchemaElement*> pulled;       // the end of the element table: entries that stand in both
+    std::deque<SchemaElement*> pulled;       // included entries that belong to the element table as well, at its end
     std::deque<SchemaElement> ownedElements; // of both tables
-    CancelPoint cancelPoint{4096};           // passed by each declaration
-    int cyclicReferences = 0;                // how many it has shown
+    CancelPoint cancelPoint{4096};           // passed at each declaration
+    int cyclicReferences = 0;                // reported so far
     Index mainElement = SchemaOutline::kNone;
-    bool isWhole = false; // the second pass would find what the first has found
+    bool isWhole = false; // the second pass would find the same
     CString rootTypeName; // stays from one schema to the next
     CString mainType;
-    CString earlierMainType;   // that of the schema before
-    std::string_view mainName; // `mainType`, in a text that lives as long as the import
+    CString earlierMainType;   // of the previous schema
+    std::string_view mainName; // `mainType`, as a text that lives as long as the import
 };
