@@ -1,4 +1,4 @@
-// bench_dtd FILE...: the steps of a DTD import in one process: the parse with the ordering, and the writing.
+// bench_dtd FILE...: measures the steps of a DTD import in one process: parsing with ordering, and writing.
 #include "Files/File.h"
 #include "Import/Dtd/DTDMsg.h"
 

@@ -1,5 +1,4 @@
-// bench_dtd_peer parse|scan FILE: what importing a DTD is measured beside: libxml2's own DTD parser, and a bare look at
-// every '<' and '>' of the same bytes.
+// bench_dtd_peer parse|scan FILE: the peers of the DTD import: libxml2's DTD parser, and a bare scan for '<' and '>'.
 #include "Files/File.h"
 
 #include <libxml/parser.h>

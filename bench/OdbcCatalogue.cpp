@@ -1,6 +1,6 @@
-// What `typeforge-import odbc` costs beside a bare loop of the catalogue calls that it can't do without: 1,000 tables
-// of 50 columns, in SQLite and in PostgreSQL. Both are whole processes, run in turn; their wall clock times count,
-// since the time goes into driver and server.
+// Compares `typeforge-import odbc` with a bare loop of the catalogue calls that it needs: 1,000 tables of 50 columns,
+// in SQLite and in PostgreSQL. Both run alternately as whole processes. Wall clock times count, because the time is
+// spent in driver and server.
 //
 //     build/bench_odbc_catalogue [TABLES [COLUMNS]]
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kRuns = 7;
 
-// The bare loop: every row is fetched, and of each the three values that an importer needs.
+// The bare loop: fetches every row with the three columns that an importer needs.
 int runBare(const std::string& connection)
 {
     SQLHENV environment;

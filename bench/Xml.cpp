@@ -1,5 +1,5 @@
-// bench_xml FILE...: what the XML layer costs on a file, step by step: the bare callbacks, the walk that XML data are
-// read with, the tree, and the tree written back.
+// bench_xml FILE...: measures the layers of reading XML, step by step: the bare callbacks, the walk of the XML data
+// importer, the tree, and writing the tree.
 #include "Import/XmlData/XMLDataWalk.h"
 #include "Xml/Dom.h"
 #include "Xml/XmlParser.h"

@@ -1,4 +1,4 @@
-// screenshots FOLDER EXAMPLES light|dark: walks the wizard through an import and keeps a picture of every page in
+// screenshots FOLDER EXAMPLES light|dark: walks the wizard through an import and saves a picture of every page in
 // FOLDER.
 
 #include "Base/MessageBox.h"
@@ -46,7 +46,7 @@ public:
         sheet.show();
     }
 
-    /// From the welcome page to the list of types.
+    /// Walks from the welcome page to the list of types.
     void source()
     {
         keep("welcome");
@@ -76,10 +76,10 @@ public:
         keep("finish");
     }
 
-    /// Twice, so that the second time there is something to ask. Then the finish page again.
+    /// Creates the types twice, so that the second time asks about existing ones, and returns to the finish page.
     void toBroker()
     {
-        sheet.back(); // to the importer page, where the same import starts anew
+        sheet.back(); // to the importer page, where the same import starts again
         for (int page = 0; page < 3; ++page)
             sheet.next();
         control<QRadioButton>(IDC_TO_BROKER).setChecked(true);
@@ -148,7 +148,7 @@ private:
         window.grab().save(QString("%1/%2-%3.png").arg(folder, name, suffix));
     }
 
-    // Does what brings dialogs up, keeps the last one and answers all of them.
+    // Runs an action that opens dialogs, saves a picture of the last one, and closes all of them by `answer`.
     void keepDialog(const QString& name, void (QDialog::*answer)(), const std::function<void()>& action)
     {
         QTimer timer;
@@ -178,7 +178,7 @@ int main(int argc, char* argv[])
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QApplication::setPalette(palette(tone == "dark"));
 
-    // Pictures name the folder that they were made in.
+    // The pictures show the name of the current folder.
     const QString work = "/tmp/orders";
     QDir().mkpath(work);
     QDir::setCurrent(work);

@@ -1,4 +1,4 @@
-// XML catalogues, which name each other, and identifiers that are looked for in them.
+// XML catalogues that refer to each other, and identifiers to look up in them.
 #include "Folder.h"
 #include "Import/Full/Catalogs.h"
 #include "Target.h"

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <map>
 
-/// A folder of this process in memory, where the system has one there, which goes with it.
+/// A temporary folder of this process, in memory if the system has /dev/shm; removed at exit.
 class Folder
 {
 public:
@@ -25,7 +25,7 @@ public:
     Folder(const Folder&) = delete;
     Folder& operator=(const Folder&) = delete;
 
-    /// Gives a file these contents. A file that has them already isn't touched, so nobody else may write it.
+    /// Sets the contents of a file. An unchanged file isn't written again, so nobody else may write it.
     void write(const CString& name, std::string_view bytes)
     {
         const auto [known, isNew] = written.try_emplace(name, bytes);
@@ -35,7 +35,7 @@ public:
         std::ofstream(path + name, std::ios::binary) << bytes;
     }
 
-    /// Documents stand behind one another, parted by a form feed: a, b, c and d, and `suffix`.
+    /// Splits documents at form feeds, and writes them as a, b, c and d with `suffix`.
     void writeDocuments(const CString& suffix, std::string_view bytes)
     {
         for (char name = 'a'; name <= 'd'; ++name) {

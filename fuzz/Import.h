@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Ends the program when something is wrong with the document of an import, see documentFault().
+/// Aborts if the document of an import is faulty, see documentFault().
 inline void checkDocument(MsgBase& importer, bool hasAllTypes = true)
 {
     if (const CString fault = documentFault(importer, hasAllTypes); !fault.empty()) {
@@ -17,7 +17,7 @@ inline void checkDocument(MsgBase& importer, bool hasAllTypes = true)
     }
 }
 
-/// Imports a file and checks the document.
+/// Imports a file and checks its document.
 inline void importFile(MsgBase& importer, const CString& fileName, bool hasAllTypes = true)
 {
     setMessageBoxHandler([](const CString&, const CString&) {});
@@ -25,7 +25,7 @@ inline void importFile(MsgBase& importer, const CString& fileName, bool hasAllTy
         checkDocument(importer, hasAllTypes);
 }
 
-/// The same with bytes as the file.
+/// The same for a file with these bytes.
 inline void importBytes(MsgBase& importer, std::string_view bytes, bool hasAllTypes = true)
 {
     static Folder folder;

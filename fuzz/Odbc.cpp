@@ -1,4 +1,4 @@
-// A data source whose driver says what the input says: tables, columns, the rows of a statement, failures.
+// A data source whose driver takes its results from the input: tables, columns, rows of a statement, failures.
 #include "Database/MainWindow.h"
 #include "Database/Statement.h"
 #include "Database/Tables.h"
@@ -16,7 +16,7 @@ struct Source : MainWindow
         ::setenv("ODBCINI", "/dev/null", 1);
         DriverProcess::useThreads();
         open();
-        void* const driver = ::dlopen(FUZZ_DRIVER, RTLD_NOW); // which is loaded
+        void* const driver = ::dlopen(FUZZ_DRIVER, RTLD_NOW); // already loaded, so this only gets its handle
         answer = reinterpret_cast<void (*)(const char*, std::size_t)>(::dlsym(driver, "setAnswers"));
         setMainWindow(this);
     }
@@ -46,7 +46,7 @@ CString tableNames(CDatabase& database)
 void fuzz(std::string_view input)
 {
     static Source source;
-    if (!source.database.IsOpen()) { // the input before has lost the connection
+    if (!source.database.IsOpen()) { // lost by the previous input
         source.answer("", 0);
         source.open();
     }

@@ -1,5 +1,5 @@
-// Stands in for the fuzzer in a plain build: hands every file of the folders that are named to the target, once. Each
-// is named before that, so that the last name is the one where a target ends or hangs.
+// Replaces the fuzzer in a plain build: passes each file in the given folders to the target once. Names are printed in
+// advance, so the last one printed is the input on which a target crashes or hangs.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>

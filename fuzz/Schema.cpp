@@ -7,5 +7,5 @@ void fuzz(std::string_view input)
     folder.writeDocuments(".xsd", input);
     SchemaMessage importer;
     importFile(importer, folder.path + "a.xsd");
-    importFile(importer, folder.path + "b.xsd"); // what the first import leaves behind is part of the second
+    importFile(importer, folder.path + "b.xsd"); // state left by the first import is part of the second
 }

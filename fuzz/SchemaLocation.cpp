@@ -1,4 +1,4 @@
-// Locations of schemas, looked for in a folder with names that differ in case alone, and links that lead around.
+// Schema locations, looked up in a folder with names that differ only in case, and with symbolic links in a loop.
 #include "Files/FileFinder.h"
 #include "Folder.h"
 #include "Target.h"
@@ -27,7 +27,7 @@ void fuzz(std::string_view input)
     if (path.find('\0') != CString::npos)
         std::abort();
     if (path.starts_with('/'))
-        return; // elsewhere than in the tree
+        return; // outside of the tree
     FileFinder finder;
     const auto found = finder.find(tree.path, path);
     if (found && (!std::filesystem::is_regular_file(found->name) || identify(found->name) != found->id))

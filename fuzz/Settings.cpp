@@ -1,4 +1,4 @@
-// A settings file that others wrote: what can be read of it is still there, and the same, when it has been saved.
+// A settings file with foreign contents: after saving, all readable values are unchanged.
 #include "Files/SettingsStore.h"
 #include "Folder.h"
 #include "Target.h"

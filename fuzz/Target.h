@@ -2,5 +2,5 @@
 
 #include <string_view>
 
-/// What a target does with one input. Ends the program where something is wrong.
+/// Runs a target on one input. Aborts if something is wrong.
 void fuzz(std::string_view input);

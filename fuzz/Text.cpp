@@ -1,4 +1,4 @@
-// The string toolkit beside the C++ library's string: each step of the input changes one of either in the same way.
+// The string toolkit against std::string: each step of the input changes both in the same way.
 #include "Base/QELStr.h"
 #include "Target.h"
 
@@ -14,7 +14,7 @@ struct Pair
     std::string theirs;
 };
 
-// What a step works with: a number, a character that is no NUL, and a text of the input.
+// The operands of a step: a number, a character other than NUL, and a text from the input.
 struct Operands
 {
     unsigned number;
@@ -41,7 +41,7 @@ void split(Pair& text, const Operands& with)
     const std::size_t at = text.theirs.find(with.character);
     if (text.ours.splitl(with.character, left, right) != (at != std::string::npos))
         std::abort();
-    text.ours.splitr(with.character, text.ours, right); // into itself
+    text.ours.splitr(with.character, text.ours, right); // result and source are the same
     text.theirs = text.theirs.substr(0, text.theirs.rfind(with.character));
 }
 
@@ -59,7 +59,7 @@ void joinFields(Pair& text, const Operands& with)
     text.ours = field;
 }
 
-constexpr unsigned kMost = 1 << 12; // characters; doubling ends there
+constexpr unsigned kMost = 1 << 12; // maximum number of characters for doubling
 
 using Step = void (*)(Pair&, const Operands&);
 const Step kSteps[] = {

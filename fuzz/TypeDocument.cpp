@@ -1,4 +1,4 @@
-// Types that were read back: each has to be one that a repository takes, and that a window can show.
+// Types that were imported from a document: each must be valid for a repository, and for the windows.
 #include "Broker/Client/TypeDocument.h"
 
 #include "Import.h"

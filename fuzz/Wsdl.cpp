@@ -1,4 +1,4 @@
-// A WSDL, and the files that it names.
+// A WSDL file, and the files that it refers to.
 #include "Import.h"
 #include "Import/Schema/Full/WsdlMsg.h"
 

@@ -1,6 +1,6 @@
-// An ODBC driver that answers with the bytes that setAnswers() was given: rows of any number, values of any bytes with
-// no zero behind them, lengths that are lies, and failures at any place. It keeps to the buffers that it is given; one
-// that didn't could not be helped. When the bytes are used up there is nothing more.
+// An ODBC driver that returns the bytes given to setAnswers(): any number of rows, values of any bytes without a
+// terminator, false lengths, and failures anywhere. It respects the sizes of buffers, because no caller could survive
+// an overflow. After the last byte there is no more data.
 
 #include <sql.h>
 #include <sqlext.h>
@@ -74,7 +74,7 @@ void setAnswers(const char* bytes, std::size_t size)
 
 SQLRETURN SQLAllocHandle(SQLSMALLINT, SQLHANDLE, SQLHANDLE* out)
 {
-    *out = new Statement; // of other kinds too, where nobody looks into it
+    *out = new Statement; // also for other kinds of handles, which are never read
     return SQL_SUCCESS;
 }
 SQLRETURN SQLFreeHandle(SQLSMALLINT, SQLHANDLE handle)
@@ -155,8 +155,7 @@ SQLRETURN SQLError(SQLHENV, SQLHDBC, SQLHSTMT, SQLCHAR* state, SQLINTEGER* nativ
         return SQL_NO_DATA;
     std::memcpy(state, next() % 2 ? "08001" : "HY000", 6);
     *native = 7;
-    // The driver manager counts on a zero, and converts texts in a way that loses it behind bytes that are no
-    // characters.
+    // The driver manager expects a terminator, and its conversion loses it after invalid characters.
     std::transform(message.begin(), message.end(), text, [](char c) { return c & 0x60 ? c & 0x7F : '?'; });
     text[message.size()] = 0;
     *length = static_cast<SQLSMALLINT>(message.size());

@@ -58,7 +58,7 @@ TEST_F(Client, IsNotLoadedWhereOthersMayWriteIt)
         fs::permissions(part, before);
     }
     for (const fs::path& part : {library, library.parent_path(), link})
-        if (::lchown(part.c_str(), 65534, gid_t(-1)) == 0) { // which root alone may do
+        if (::lchown(part.c_str(), 65534, gid_t(-1)) == 0) { // only root may do that
             EXPECT_FALSE(loads(link)) << part;
             EXPECT_EQ(::lchown(part.c_str(), ::geteuid(), gid_t(-1)), 0);
         }
@@ -128,7 +128,7 @@ TEST(ServerAddress, IsReadInOneWay)
     }
 }
 
-// The client that ships, against a server of its own.
+// The client that is shipped, with a server of its own.
 class Postgres : public Home
 {
 protected:
@@ -176,7 +176,7 @@ TEST_F(Postgres, FailsInItsOwnWords)
 
     const CString denied = "Repository Error (ERROR: permission denied for ";
     EXPECT_EQ(denied + "schema public", open(session, "GUEST", "guest").substr(0, denied.size() + 13));
-    EXPECT_EQ("", open(session, server.user, server.password)); // makes the table
+    EXPECT_EQ("", open(session, server.user, server.password)); // creates the table
     execute("GRANT SELECT, INSERT ON typeforge_types TO guest");
     EXPECT_EQ(
         "Repository Error (The table typeforge_types exists, but this user has no right to UPDATE it (SQLSTATE 42501))",
@@ -185,9 +185,9 @@ TEST_F(Postgres, FailsInItsOwnWords)
     EXPECT_EQ("", open(session, "guest", "guest"));
 }
 
-#ifndef __SANITIZE_ADDRESS__ // whose allocator keeps what is freed, to tell late uses of it
+#ifndef __SANITIZE_ADDRESS__ // its allocator keeps freed memory to detect later use
 
-// How often the two halves of a text stand in the process's memory as one.
+// Returns how often the two halves of a text occur in the process's memory as one text.
 int countInMemory(std::string_view first, std::string_view second)
 {
     std::ifstream maps("/proc/self/maps"), memory("/proc/self/mem", std::ios::binary);
@@ -201,7 +201,7 @@ int countInMemory(std::string_view first, std::string_view second)
         memory.clear();
         for (std::size_t at = 0; (at = bytes.find(first, at)) != bytes.npos; ++at)
             found += bytes.compare(at + first.size(), second.size(), second) == 0;
-        explicit_bzero(bytes.data(), bytes.size()); // it may hold what is looked for
+        explicit_bzero(bytes.data(), bytes.size()); // it may hold the searched text
     }
     return found;
 }
@@ -216,7 +216,7 @@ TEST_F(Postgres, PasswordIsNowhereInMemoryWhenTheSessionIsOver)
         password.text.append("never-").append("seen");
         BrokerSession session;
         EXPECT_EQ("", open(session, "guest", password.text));
-        EXPECT_LT(0, countInMemory("never-", "seen")); // that of this test; the driver is another process
+        EXPECT_LT(0, countInMemory("never-", "seen")); // the test's own copy; the driver runs in another process
     }
     EXPECT_EQ(0, countInMemory("never-", "seen"));
 }
@@ -235,7 +235,7 @@ TEST_F(Postgres, GoneInTheMiddleLeavesWholeTypesAndSaysWhy)
                     "AND pid <> pg_backend_pid()");
         return true;
     });
-    ASSERT_EQ(10u, cut.lines.size()); // two of each type that failed, and one for what nobody has confirmed
+    ASSERT_EQ(10u, cut.lines.size()); // two for each failed type, and one for unconfirmed types
     EXPECT_EQ("e2 created successfully", cut.lines[2]);
     EXPECT_EQ("e3 - creation error", cut.lines[3]);
     EXPECT_NE(CString::npos, cut.lines[4].find("terminating connection")) << cut.lines[4];
@@ -263,7 +263,7 @@ TEST_F(Postgres, ACrashLeavesTheFirstTypesAndNothingIsLostOnceARunHasEnded)
         BrokerSession session;
         ASSERT_EQ("", open(session, server.user, server.password));
         const Creation run(session, types.message, [&](int done) {
-            if (done == 1000 && isCrashInside) // some types reach the disk by themselves
+            if (done == 1000 && isCrashInside) // by then some types have reached the disk
                 std::this_thread::sleep_for(std::chrono::seconds(1));
             if (done == 2500 && isCrashInside)
                 server.crash();
@@ -272,7 +272,7 @@ TEST_F(Postgres, ACrashLeavesTheFirstTypesAndNothingIsLostOnceARunHasEnded)
         EXPECT_EQ(isCrashInside, run.errors != 0);
         if (!isCrashInside)
             server.crash();
-        server.startAgain("-c wal_writer_delay=10s"); // so that nothing else brings the types to the disk
+        server.startAgain("-c wal_writer_delay=10s"); // nothing else may flush types to the disk
         const auto rows = rowsOf(server.connection("typeforge"), server.logon());
         EXPECT_GT(rows.size(), isCrashInside ? 0 : 3000);
         EXPECT_LE(rows.size(), isCrashInside ? 3000 : 3001);

@@ -12,7 +12,7 @@
 
 using Lines = std::vector<CString>;
 
-/// A home of the test's own: folders for settings and data, where nothing else has written.
+/// A fixture with empty folders for settings and data.
 class Home : public testing::Test
 {
 protected:
@@ -29,7 +29,7 @@ protected:
         ASSERT_TRUE(settings.save());
     }
 
-    /// A DTD of `count` records, e0, e1, … in this order, and the document root over them.
+    /// Writes a DTD with `count` records e0, e1, ... in this order, and a document root over them.
     CString dtdOf(int count, const CString& name = "types.dtd") const
     {
         CString records, fields;
@@ -45,13 +45,13 @@ protected:
     TempDir home;
 };
 
-/// The types of a DTD file, imported.
+/// The imported types of a DTD file.
 class Types
 {
 public:
     explicit Types(const CString& dtdFile) { EXPECT_TRUE(message.parseFile(dtdFile, "\\sys\\")); }
 
-    /// The full name and the document of each type, in the order of creation.
+    /// Returns the full name and the document of each type, in the order of creation.
     std::vector<std::pair<CString, CString>> all()
     {
         std::vector<std::pair<CString, CString>> types;
@@ -67,7 +67,7 @@ public:
     DTDMessage message;
 };
 
-/// One creation run that keeps the types that exist, and all that it said.
+/// A creation run that keeps existing types, with its lines.
 struct Creation
 {
     Creation(
@@ -76,7 +76,7 @@ struct Creation
         const ProgressHandler before = setProgressHandler([&](const Progress& progress) {
             EXPECT_EQ(progress.work, Work::creating);
             const int done = static_cast<int>(progress.done);
-            return std::exchange(steps, done) == done || onDone(done); // asked again while a driver is waited for
+            return std::exchange(steps, done) == done || onDone(done); // polled again while a driver is waited for
         });
         CreationRun run(session, {[](const CString&, const CString&) { return OverwriteChoice::noToAll; },
                                   [this](const CString& line, ResultKind) { lines.push_back(line); }});
@@ -89,7 +89,7 @@ struct Creation
     int errors = 0;
 };
 
-/// The rows of a repository, in the order in which they came.
+/// Returns the rows of a repository in the order of insertion.
 inline std::vector<std::pair<CString, CString>> rowsOf(const CString& source, const CString& logon = {})
 {
     CDatabase database;

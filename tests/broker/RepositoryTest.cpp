@@ -7,7 +7,7 @@
 #include <set>
 #include <sstream>
 
-// The client that ships, over both of its databases.
+// The client that is shipped, with both of its databases.
 
 namespace {
 
@@ -34,7 +34,7 @@ protected:
 
     void open(BrokerSession& session) const
     {
-        const BrokerAccount account{"TYPEFORGE", postgres().password}; // as the wizard gives users
+        const BrokerAccount account{"TYPEFORGE", postgres().password}; // the wizard passes user names in capitals
         ASSERT_EQ("", isLocal() ? session.open("local", 7250, nullptr)
                                 : session.open("127.0.0.1", static_cast<unsigned>(postgres().port), &account));
     }
@@ -51,13 +51,13 @@ protected:
     void execute(const CString& sql) const
     {
         if (isLocal())
-            home.write("data/typeforge/types.db.lock", ""); // makes the folder
+            home.write("data/typeforge/types.db.lock", ""); // creates the folder
         CDatabase connection;
         connection.Open(database(), CDatabase::readWrite, logon());
         connection.ExecuteSQL(sql);
     }
 
-    /// What becomes of one type: the code, and what is told of the source of the one that existed.
+    /// Returns the code of creating one type, and the recorded source of the existing type.
     static CString create(BrokerSession& session, const CString& document, const CString& source, VornExisting rule)
     {
         const CreatedType type = session.createTypes({document}, source, {rule, VornExisting::keep}).front();
@@ -67,7 +67,7 @@ protected:
     Boxes boxes;
 };
 
-// What a dry run and a comparison go by.
+// Dry runs and comparisons depend on it.
 TEST_P(Repository, IsReadWithoutBeingTouched)
 {
     const auto read = [&](BrokerSession& session) {
@@ -145,7 +145,7 @@ TEST_P(Repository, CodeTellsWhatBecameOfAType)
     EXPECT_EQ(kept, rows());
 }
 
-// A repository of an earlier version gets the columns for the sources, unless the role may not add them.
+// A repository of an earlier version gets the columns for sources, unless the role has no right to add them.
 TEST_P(Repository, KeepsWhereATypeCameFrom)
 {
     const CString type = "<BROKERTYPEDESCRIPTION NAME=\"\\a\\b\"><", end = "/></BROKERTYPEDESCRIPTION>";
@@ -159,11 +159,11 @@ TEST_P(Repository, KeepsWhereATypeCameFrom)
         {"ROW", "/x/2", VornExisting::replace, "3 /x/1", "3 none kept"},
         {"ENUM", "/x/2", VornExisting::stop, "2 /x/1", "2 none kept"},
         {"ENUM", "/x/2", VornExisting::replaceFound, "1 /x/1", "1 none kept"},
-        {"TABLE", "/x/3", VornExisting::replaceFound, "2 /x/2", "2 none kept"}, // it isn't what was found before
+        {"TABLE", "/x/3", VornExisting::replaceFound, "2 /x/2", "2 none kept"}, // not the type that was found before
         {"TABLE", "/x/3", VornExisting::replaceFound, "1 /x/2", "1 none kept"},
         {"ARRAY", "/x/4", VornExisting::keep, "2 /x/3", "2 none kept"},
         {"ARRAY", "/x/4", VornExisting::replace, "1 /x/3", "1 none kept"},
-        {"", "", VornExisting::replace, "", ""}, // by a program that knows nothing of sources
+        {"", "", VornExisting::replace, "", ""}, // a program that doesn't record sources
         {"ROW", "/x/5", VornExisting::replace, "1 ", "1 none kept"},
     };
     const CString earlier = "CREATE TABLE typeforge_types "
@@ -239,7 +239,7 @@ TEST_P(Repository, TwoAtOnceLoseNothing)
         EXPECT_EQ(all, second);
         int told = 0;
         for (const char* name : {"one.told", "two.told"})
-            told += std::atoi(TempDir::read(home.path(name)).erase(0, 18).c_str()); // behind the program's name
+            told += std::atoi(TempDir::read(home.path(name)).erase(0, 18).c_str()); // after the program's name
         EXPECT_EQ(isSame ? 0 : 400, told);
     }
 }

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <set>
 
-/// In the folder of each test: r.dtd, a record r with a field a and a table b; and old, a file with the text "old".
+/// A fixture whose folder holds r.dtd, a record r with a field a and a table b, and old, a file with the text "old".
 class ImportCommand : public testing::Test
 {
 protected:
@@ -22,7 +22,7 @@ protected:
 
     Answer run(const std::string& line) const { return runShell(folder, line); }
 
-    // The folder's names, so that a left-over shows.
+    // Returns the names in the folder, so that a left-over file is noticed.
     std::string names() const
     {
         std::set<std::string> sorted;
@@ -38,11 +38,11 @@ protected:
     std::string wide = "<!ELEMENT r (a"; // a type of 150 kB
 };
 
-/// The types of r.dtd as a list.
+/// The list of the types of r.dtd.
 inline const std::string kList = "\\sys\\rosettanet\\r\\t_b\tt_b (Automatically created)\n"
                                  "\\sys\\rosettanet\\r\\r\tr (Automatically created)\n";
 
-/// A line of shell, and what it must answer.
+/// A shell command, and its expected outcome.
 struct Case
 {
     const char* line;
@@ -54,7 +54,7 @@ inline std::string says(const std::string& text)
     return "typeforge-import: " + text + "\n";
 }
 
-/// What is said of a command line that is off.
+/// Returns the output for an invalid command line.
 inline std::string mistake(const std::string& text)
 {
     return says(text) + "Try typeforge-import --help\n";

@@ -5,7 +5,7 @@ namespace {
 TEST_F(ImportCommand, TellsWhatDiffers)
 {
     const Case rows[] = {
-        // Differences from earlier types, as diff(1) ends: 0, 1, 2.
+        // Differences from an earlier document, with the exit statuses of diff(1): 0, 1 and 2.
         {"$import r.dtd -o r.xml; $import r.dtd --diff r.xml && $import r.dtd --diff r.xml --json",
          {0, "{\"version\":1,\"same\":true,\"compatible\":true,\"for\":\"readers\",\"changes\":[]}\n", ""}},
         {"echo '<!ELEMENT r (a*, b, c)><!ELEMENT c (d)>' >d.dtd; $import d.dtd -q -b '\\sys\\rosettanet' --diff r.xml",
@@ -22,7 +22,7 @@ not compatible: it breaks readers
         {"echo '<!ELEMENT r (b+)>' >s.dtd; $import s.dtd -q --diff r.xml",
          {1, "removed field \\sys\\rosettanet\\r\\r.a: String [field-removed]\nnot compatible: it breaks readers\n",
           ""}},
-        // Another folder is one line, and types are compared as if they were in the same.
+        // Another folder is one line; types are compared as if they were in the same folder.
         {"$import r.dtd -b '\\acme' --diff - <r.xml",
          {1,
           "changed base path: \\sys\\rosettanet\\r\\ to \\acme\\r\\ [folder-changed]\n"
@@ -46,7 +46,7 @@ not compatible: it breaks readers
         {"$import e.dtd -q --diff r.xml --allow type-removed --allow field-removed | tail -1",
          {0, "compatible: it breaks no readers\n", ""}},
         {"$import e.dtd -q --diff r.xml --allow x", {2, "", mistake("--allow: no change is called x")}},
-        // A constant that comes breaks readers, one that goes breaks writers.
+        // An added constant breaks readers, a removed one breaks writers.
         {"e() { printf '<!ELEMENT r (t)><!ATTLIST r k (%s) #IMPLIED>' \"$1\" >k.dtd; shift; $import k.dtd -q --full "
          "\"$@\" | tail "
          "-1; }; e 'y|n' -o k.xml; for who in readers writers both; do e 'y|n|u' --diff k.xml --compatible $who; "
@@ -75,7 +75,7 @@ not compatible: it breaks readers
   {"id":"type-removed","change":"removed","what":"record","name":"\\sys\\rosettanet\\r\\s","allowed":false}]}
 )",
           ""}},
-        // Two fields of one name.
+        // Two fields of the same name.
         {"printf '<x><BROKERTYPEDESCRIPTION NAME=\"\\\\a\\\\R\"><ROW><FIELD NAME=\"f\" TYPE=\"String\"/><FIELD "
          "NAME=\"f\" "
          "TYPE=\"String\"/></ROW></BROKERTYPEDESCRIPTION></x>' >w.btd; "
@@ -92,7 +92,7 @@ not compatible: it breaks readers
          ">/dev/null",
          {0, "1\n", ""}},
         {"$import none --diff r.xml", {2, "", "none: error: No such file or directory\n"}},
-        // A name moves no cursor and begins no line.
+        // A name can't move the cursor or begin a line.
         {"printf '<!ELEMENT a\\033[1m\\177\\302\\233\\nb(c)><!ELEMENT c EMPTY>' >e.dtd; $import e.dtd -q -l; "
          "$import e.dtd -q --diff r.xml --ignore-folders | head -1; $import e.dtd -q --graph | grep title; "
          "$import e.dtd -o e.xml",

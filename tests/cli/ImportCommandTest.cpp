@@ -21,7 +21,7 @@ const std::string kDocument =
     "</r>";
 
 const std::string kDisk = TEST_BUILD_DIR "/libtest_disk.so";
-const std::string kNoLinkOrder = " ASAN_OPTIONS=verify_asan_link_order=0"; // a library goes before the sanitizer's
+const std::string kNoLinkOrder = " ASAN_OPTIONS=verify_asan_link_order=0"; // a library is loaded before the sanitizer's
 
 TEST_F(ImportCommand, AnswersExactly)
 {
@@ -36,7 +36,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import -l dtd r.dtd --output old && cat old", {0, kList, ""}},
         {"$import dtd r.dtd --type t_b", {0, kTable, ""}},
         {R"($import dtd r.dtd --type '\sys\rosettanet\r\r')", {0, kRecord, ""}},
-        // A short name goes before a full one.
+        // A short name takes precedence over a full one.
         {R"(printf '<!ELEMENT r (\\r\\r)><!ELEMENT \\r\\r (x)>' >t.dtd; $import dtd t.dtd -q -b '' --type '\r\r' | head -c 40)",
          {0, R"-(<BROKERTYPEDESCRIPTION NAME="\r\\r\r" DE)-", ""}},
         {"$import dtd r.dtd --type a", {1, "", "r.dtd: error: there is no type called a\n"}},
@@ -45,7 +45,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import --help | awk 'length > 80'", {0, "", ""}},
         {"$import --version", {0, "typeforge-import " TYPEFORGE_VERSION "\n", ""}},
 
-        // JSON is told by its keys, also where it comes in YAML or from a pipe.
+        // JSON is identified by its keys, in YAML and from a pipe as well.
         {R"(echo '{"title":"r","properties":{"a":{"$ref":"#/$defs/A"}},"$defs":{"A":{"properties":{"x":{}}}}}' >j.json;)"
          "$import j.json -l -v; printf 'title: r\\nproperties:\\n  a: {}\\n' | $import - -l -b '' | cut -f1",
          {0, "\\sys\\json\\r\\A\tA (Automatically created)\n\\sys\\json\\r\\r\tr\n\\r\\r\n",
@@ -55,8 +55,8 @@ TEST_F(ImportCommand, AnswersExactly)
          {1, "", "f.json:2:4: error: a key is expected\n"}},
         {"$import jsonschema j.json --full", {2, "", mistake("--full: jsonschema has no full reading")}},
 
-        // Faults at their places. What fails nothing is a warning, and what the full reading knows of the source is
-        // named.
+        // Faults with their places. A fault that doesn't end the import is a warning. Constructs that the full reading
+        // supports are named.
         {"echo '<r>' >e.xml; $import xml e.xml", {1, "", "e.xml:2:1: error: Premature end of data in tag r line 1\n"}},
         {"printf '<!-- <a> -->\n<!ENTITY %% a \"b\">\n  <!ATTLIST r b NMTOKEN #IMPLIED>' >f.dtd; $import ./f.dtd -o "
          "/dev/null "
@@ -105,7 +105,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import r.dtd -o r.btd && $import btd r.btd -b '\\x' -l",
          {0, kList, "r.btd: warning: --base-path has no effect: the document says where its types lie\n"}},
 
-        // Nothing comes of it.
+        // Imports without types.
         {"echo '<r><s t=\"1\"/></r>' >o.xml; $import dtd o.xml -o old; echo $?; cat old",
          {0, "1\n" + kList,
           "o.xml: warning: 3 losses: 3 statements not understood; --report FILE lists them\n"
@@ -117,7 +117,7 @@ TEST_F(ImportCommand, AnswersExactly)
         // Sources.
         {"$import -l <r.dtd -", {0, kList, ""}},
         {"cat r.dtd | $import - -l -o - -v", {0, kList, "-: note: read as a source for dtd\n"}},
-        // A file of which something was read before.
+        // A file that has been read in part.
         {"(echo '<!ELEMENT q (z)>'; cat r.dtd) >q.dtd; { read -r first; $import dtd - -l; } <q.dtd", {0, kList, ""}},
         {"echo '<r>' | $import xml -", {1, "", "-:2:1: error: Premature end of data in tag r line 1\n"}},
         {"$import 'Driver=SQLite3;Database=none;Password=x'",
@@ -125,7 +125,8 @@ TEST_F(ImportCommand, AnswersExactly)
         {"echo '<r><s/><s/></r>' >a.xml; echo '<r u=\"1\"><t><u/></t></r>' >b.xml; $import a.xml b.xml -l | cut -f1 | "
          "sort",
          {0, "\\sys\\xml\\r\\r\n\\sys\\xml\\r\\t\n\\sys\\xml\\r\\t_s\n", ""}},
-        // Each document's own types are in the union, whatever the order, and what repeats in one record does in all.
+        // The union has the types of each document, whatever the order. A field that repeats in one document repeats in
+        // the union.
         {"echo '<r><p><s/><s/></p></r>' >c.xml; $import a.xml b.xml c.xml -o t.xml; $import c.xml b.xml a.xml --diff "
          "t.xml;"
          "$import a.xml -o a.btd; $import a.xml b.xml c.xml --diff a.btd",
@@ -143,7 +144,7 @@ TEST_F(ImportCommand, AnswersExactly)
          {0, "1\n", ""}},
         {"$import a.xml b.xml r.dtd", {1, "", "r.dtd: error: it is no source for xml, as a.xml is\n"}},
         {"$import old", {1, "", "old: error: its importer can't be told; name it in front of the source\n"}},
-        // What no importer reads is named with the way to import it.
+        // A format without an importer is named, with a way to import it.
         {"printf '<grammar xmlns=\"http://relaxng.org/ns/structure/1.0\"/>' >g.xml; $import g.xml",
          {1, "", "g.xml: error: this is RELAX NG; convert it with trang, then import the schema\n"}},
         {"printf '<?xml version=\"1.0\"?><!-- > --><r:start a=\"x>y\"\n xmlns:r = "
@@ -264,7 +265,7 @@ TEST_F(ImportCommand, AnswersExactly)
           "1 type, 1 field: 0 typed, 1 left text\n"}},
         {"$import dtd r.dtd --report none/x", {3, "", says("can't write none/x: No such file or directory")}},
 
-        // For other programs.
+        // Output for other programs.
         {"printf '<!ELEMENT r (s*)><!ATTLIST r k (y|n) #IMPLIED><!ELEMENT s (t)>' >g.dtd; $import g.dtd -q --full "
          "--list "
          "--json",
@@ -280,7 +281,7 @@ TEST_F(ImportCommand, AnswersExactly)
     {"name":"r_k","type":"\\sys\\rosettanet\\r\\k","repeats":false,"declared":"\\sys\\rosettanet\\r\\k","description":"r_k (Automatically created)"}]}]}
 )-",
           ""}},
-        // For people.
+        // Output for people.
         {"$import r.dtd --type t_b --pretty",
          {0,
           R"-(<BROKERTYPEDESCRIPTION NAME="\sys\rosettanet\r\t_b" DESCRIPTION="t_b (Automatically created)">
@@ -295,7 +296,7 @@ TEST_F(ImportCommand, AnswersExactly)
           "\\sys\\rosettanet\\r\\t_b  t_b (Automatically created)\n\\sys\\rosettanet\\r\\r    r (Automatically "
           "created)\n",
           ""}},
-        // For make and ninja, which read the names that a shell would have to quote.
+        // Output for make and ninja, with names that a shell would have to quote.
         {"mkdir 'a b'; cp r.dtd 'a b/$#.dtd'; printf '<!ENTITY %% m SYSTEM \"r.dtd\"> %%m; %%m; %%n;' >k.dtd; "
          "$import 'a b/$#.dtd' -o 'o t' --depfile r.d; cat r.d; $import k.dtd --full -q -o o --depfile r.d "
          "--depfile-phony; "
@@ -304,7 +305,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"cp r.dtd \"$(printf 'x\\ny')\"; $import dtd x* -o o --depfile r.d",
          {3, "", says("can't write r.d: no rule can hold the name of a file with a line break")}},
         {"$import r.dtd -o r.d --depfile r.d", {2, "", mistake("r.d: it would be read and written, or written twice")}},
-        // A file that holds the same already keeps inode and time.
+        // A file with the same contents keeps inode and time.
         {"at() { stat -c '%i %Y' k.x; }; $import r.dtd -o k.x; "
          "sed 's/at 20../at 1999/' -i k.x; touch -d 2001-01-01 k.x; b=$(at); $import r.dtd -o k.x; [ \"$b\" = "
          "\"$(at)\" ] && "
@@ -316,7 +317,7 @@ TEST_F(ImportCommand, AnswersExactly)
          {2, "",
           mistake("SOURCE_DATE_EPOCH: '1e9' is no number of seconds since 1970 up to the year 9999") +
               mistake("SOURCE_DATE_EPOCH: '253402300800' is no number of seconds since 1970 up to the year 9999")}},
-        // Arguments in a file.
+        // Arguments from a file.
         {"printf 'dtd\\r\\n\\nr.dtd\\n--list' >args; $import @args", {0, kList, ""}},
         {"$import r.dtd @none", {2, "", mistake("can't open none: No such file or directory")}},
         {"cp r.dtd @r; $import -l dtd -- @r", {0, kList, ""}},
@@ -346,20 +347,20 @@ TEST_F(ImportCommand, AnswersExactly)
               says("can't write standard output: No space left on device") + "3\n"}},
         {"$import r.dtd -o /dev/null --report - 2>/dev/full", {3, "", ""}},
         {"$import dtd r.dtd >&-", {3, "", says("can't write standard output: Bad file descriptor")}},
-        // Pipes are read and written, and what standard output leads to is added to.
+        // Pipes are read and written. Standard output is written into the open file.
         {"mkfifo p q; cat r.dtd >p & cat q & $import dtd p -l -o q; wait", {0, kList, ""}},
         {"echo >new; $import dtd r.dtd -l -o /dev/stdout >>new; cat new", {0, "\n" + kList, ""}},
-        // What a pipe is called says nothing of what comes, and whoever reads it again reads the same.
+        // The name of a pipe doesn't suggest its contents. A second reader gets the same bytes.
         {"mkfifo x.dtd; cat i.xsd >x.dtd & $import x.dtd -v 2>&1 | head -1; cat r.dtd | $import -l /dev/fd/0; rm "
          "x.dtd; "
          "mkfifo x.dtd; cat f.xsd >x.dtd & $import xsd x.dtd",
          {1, "x.dtd: note: read as a source for xsd\n" + kList,
           "x.dtd: error: this document does not contain a root element\n"
           "x.dtd: warning: read it with --full: it uses a target namespace, a prefix other than xs\n"}},
-        // A large piece behind small ones.
+        // A large piece after small ones.
         {"export SOURCE_DATE_EPOCH=0; $import dtd wide -q >a; $import dtd wide -q -o b; cmp a b", {0, "", ""}},
 
-        // Mistakes.
+        // Invalid command lines.
         {"$import dtd", {2, "", mistake("dtd: what is its source?")}},
         {"$import doc r.dtd", {2, "", mistake("doc: neither an importer (see --importers) nor a file")}},
         {"$import dtd r.dtd r.dtd", {2, "", mistake("dtd reads one source at a time; with --full it reads several")}},
@@ -409,10 +410,10 @@ TEST_F(ImportCommand, RefusesACommandLineThatIsOff)
     EXPECT_EQ(names(), "old r.dtd ");
 }
 
-// The folder is the same afterwards, the file that was to be replaced included.
+// The folder is unchanged afterwards, including the file to be replaced.
 TEST_F(ImportCommand, FailureLeavesNoFile)
 {
-    const std::string full = "trap '' XFSZ; ulimit -f 1; "; // a limit on the size of files stands for a full disk
+    const std::string full = "trap '' XFSZ; ulimit -f 1; "; // a limit on file sizes stands in for a full disk
     const struct
     {
         std::string line;
@@ -431,21 +432,22 @@ TEST_F(ImportCommand, FailureLeavesNoFile)
     }
 }
 
-// The name changes hands when all is on the disk; until then it has the old file, which others may have by other names.
+// The name refers to the new file only after that is on the disk. Until then it refers to the old file, which other
+// hard links keep.
 TEST_F(ImportCommand, PutsAFileIntoItsPlaceWhenItIsWhole)
 {
     EXPECT_EQ(run("ln old other; LD_PRELOAD=" + kDisk + kNoLinkOrder + " $import r.dtd -l -o old; cat other old"),
               (Answer{0, "old" + kList, "fsync\nrename\n"}));
-    if (geteuid() == 0) { // nothing can be made in /proc, the current folder
+    if (geteuid() == 0) { // no file can be created in /proc, the current folder
         EXPECT_EQ(run("file=$PWD/r.dtd; out=/typeforge-test-$$; cd /proc; $import $file -l -o $out; cat $out; rm $out"),
                   (Answer{0, kList, ""}));
     }
 }
 
-// What may not be written stays; what may, in a folder that may not, is written where it stands.
+// A file without write permission stays. A writable file in a folder without write permission is overwritten in place.
 TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
 {
-    // Root may do it all, so root becomes somebody else, with a program that anybody can reach.
+    // Root may write everything, so root becomes another user, with a program that every user can reach.
     fs::copy_file(TEST_BUILD_DIR "/typeforge-import", folder.path("import"));
     fs::copy_file(kDisk, folder.path("disk.so"));
     const std::string disk = "$as env LD_PRELOAD=$PWD/disk.so " + kNoLinkOrder;
@@ -485,7 +487,7 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
     EXPECT_EQ(names(), "disk.so import old r.dtd wide ");
 }
 
-// On a terminal, long work has a line that is written over and gone in the end.
+// On a terminal, long work shows a line that is overwritten and erased at the end.
 TEST_F(ImportCommand, TellsHowFarLongWorkHasCome)
 {
     const Answer answer = run("mkfifo slow; (printf '<x>'; yes '<a/>' | head -c 500000; sleep 1.3;"

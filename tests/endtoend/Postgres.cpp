@@ -1,5 +1,5 @@
-// A PostgreSQL server for a script: runs each argument as a statement, prints port, user and password, a line each, and
-// ends with its standard input.
+// A PostgreSQL server for a script: executes each argument as a statement, prints port, user and password on a line
+// each, and stops at the end of standard input.
 
 #include "support/Servers.h"
 

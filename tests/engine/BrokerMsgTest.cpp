@@ -85,7 +85,7 @@ std::multiset<CString> documentsOf(MsgBase& message)
     return documents;
 }
 
-// What was written reads back and gives the same documents under the same main element.
+// A written document can be imported again, and gives the same documents under the same main element.
 TEST_F(Broker, RoundTripKeepsEveryDocument)
 {
     DTDMessage dtd;

@@ -21,7 +21,7 @@ struct Row
     const char* name;
     CString entries;
     CString publicId, systemId, uri;
-    CString path; // in the catalogue's folder; "none" where there is no entry, "remote" where it names no local file
+    CString path; // in the catalogue's folder; "none" without an entry, "remote" if it isn't a local file
     CString attributes = "";
 };
 

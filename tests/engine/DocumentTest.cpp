@@ -1,4 +1,4 @@
-// Whatever a source names its types, each document of it can be read, and each type that it refers to is there.
+// Whatever the names in a source, the document is well-formed and all referenced types exist.
 #include "Import/Btd/BrokerMsg.h"
 #include "Import/Dtd/DTDFullMsg.h"
 #include "Import/Dtd/DTDMsg.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-// In Latin-1, EUC-JP, both UTF-8 and Latin-1, as controls of all kinds, as what is no character, as markup, as no name.
+// Latin-1, EUC-JP, both UTF-8 and Latin-1, control characters, no characters, markup, invalid names.
 constexpr const char* kNames[] = {"Auftr\xE4ge",
                                   "\xB6\xC8\xCC\xB3",
                                   "\xC3\xA4\xE4",
@@ -39,7 +39,7 @@ constexpr const char* kNames[] = {"Auftr\xE4ge",
                                   "a\xA0",
                                   "x\xF0\x9F\x98\x80"};
 
-// Sources of several importers, in which "~" is one name and "^" the next one.
+// Sources for several importers; "~" is replaced by a name and "^" by the next one.
 constexpr const char* kSources[] = {
     "<!ELEMENT ~ (^*, ~?)><!ELEMENT ^ (~+)><!ATTLIST ~ ^ CDATA #IMPLIED>",
     "<?xml version='1.0' encoding='ISO-8859-1'?><~ ^='1'><^/><^ ~='2'/></~>",

@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// The document as XML text, or "LINE:COLUMN reason" of its error.
+// Returns the document as XML text, or its error as "LINE:COLUMN reason".
 std::string loaded(const std::string& bytes)
 {
     const TempDir folder;
@@ -59,7 +59,7 @@ const Case kLoads[] = {
     {"ValuesAreEscaped", "<a b='&lt;&gt;&amp;&quot;&#9;&#10;&#13;'/>", "<a b=\"&lt;&gt;&amp;&quot;&#9;&#10;&#13;\"/>"},
     {"TextIsEscaped", "<a>&lt;&gt;&amp;\"\t&#13;</a>", "<a>&lt;&gt;&amp;\"\t&#13;</a>"},
     {"InstructionsAndComments", "<?i?><a><?t d ?><!-- c --></a>", "<?i?><a><?t d ?><!-- c --></a>"},
-    // The first error, with its place.
+    // The first error with its place.
     {"TheCascadeIsLeftOut", "<a>\n\n  <b></c>\n<d e=1/></a>", "3:10 Opening and ending tag mismatch: b line 3 and c"},
     {"UndeclaredPrefixIsNotTheFault", "<p:a>\n<&></p:a>", "2:2 StartTag: invalid element name"},
     {"UnknownEntity", "<a>\n&e;</a>", "2:4 Entity 'e' not defined"},

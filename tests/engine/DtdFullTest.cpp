@@ -149,7 +149,7 @@ const Rule kRules[] = {
     {"ALeafIsARecordOfItsValue", "<!ELEMENT a (#PCDATA)>", "a(value:String)"},
     {"WithoutAnElementTheFileNamesTheFolder", "<!ATTLIST a b (c) #IMPLIED>", "b{c} a(a_b:b)",
      "1 loss\nx:1:1: type that nobody declares: a\n\n1 detail\n\n1 invented type\n1 optional part\n"},
-    // Each file by its own encoding: a byte order mark, what is declared, UTF-8, else Windows-1252.
+    // Each file has its own encoding: a byte order mark, a declared one, UTF-8, else Windows-1252.
     {"FileByFileAnEncoding",
      LATIN1 "<!ENTITY % m SYSTEM 'm'>%m;<!ENTITY % n SYSTEM 'n'>%n;<!ENTITY % o SYSTEM 'o'>%o;"
             "<!ENTITY % q SYSTEM 'q'>%q;<!ELEMENT \xE4 (a, b, c, d)>",
@@ -188,9 +188,9 @@ TEST_F(DtdMain, IsChosenByReach)
         const char* main;
     } const rows[] = {
         {"x", "<!ELEMENT leaf EMPTY><!ELEMENT c (d)>" + chain, "", "a"},
-        {"x", chain + "<!ELEMENT f (g)><!ELEMENT g (h)><!ELEMENT h (i)>", "", "a"}, // of equals the first
-        {"1.2-B.dtd", chain, "", "b"},                                              // two of three
-        {"1.2-C.dtd", chain, "", "a"},                                              // one of three
+        {"x", chain + "<!ELEMENT f (g)><!ELEMENT g (h)><!ELEMENT h (i)>", "", "a"}, // the first of equals
+        {"1.2-B.dtd", chain, "", "b"},                                              // two of three words
+        {"1.2-C.dtd", chain, "", "a"},                                              // one of three words
         {"ab_bc.b2.dtd", chain, "", "a"},                                           // no word
         {"x", "<!ELEMENT a (b)><!ELEMENT b (a)><!ELEMENT c (b)>", "", "c"},
         {"x.1.dtd", "<!ATTLIST a b CDATA #IMPLIED>", "", "x.1"},
@@ -203,10 +203,10 @@ TEST_F(DtdMain, IsChosenByReach)
         EXPECT_EQ(message.parseFile(folder.write(row.file, row.dtd), "\\"), 1);
         EXPECT_EQ(message.queryMainTypeName(), row.main) << row.file << " " << row.dtd;
     }
-    EXPECT_EQ(fullTypesOf(message), "leaf(value:String)"); // what the root reaches
+    EXPECT_EQ(fullTypesOf(message), "leaf(value:String)"); // only what the root reaches
 }
 
-// Sources that grow, nest or repeat beyond all bounds, and the words of their refusal; those without pass.
+// Sources that exceed bounds by growth, nesting or repetition, with the refusal; rows without one pass.
 TEST_F(DtdMain, RefusesWhatPassesABound)
 {
     const auto numbered = [](std::size_t from, std::size_t to,

@@ -53,11 +53,11 @@ const Case kDtds[] = {
     {"AttlistNamesTheOtherKeyword", "<!ATTLIST element id CDATA #IMPLIED>", "element:R(element_id:S)"},
     {"SecondAttributeReadsAsThePair", "<!ATTLIST x a CDATA #IMPLIED b CDATA #IMPLIED>", "b:R(b_CDATA:S) x:R(x_a:S)"},
     {"NamesInEucJp", "<!ELEMENT \xB6\xC8\xCC\xB3 (\xCC\xBE)><!ELEMENT \xCC\xBE (\xC0\xAB)>",
-     "\xCC\xBE:R(\u00C0\u00AB:S) \u00B6\u00C8\u00CC\u00B3:R(\xCC\xBE:R)"}, // one of them is UTF-8, too
+     "\xCC\xBE:R(\u00C0\u00AB:S) \u00B6\u00C8\u00CC\u00B3:R(\xCC\xBE:R)"}, // one of them is also valid UTF-8
     {"EachNameIsOfAnEncodingOfItsOwn",
      "<!ELEMENT \xE4 (\u00E4*, \x8D)><!ELEMENT \u00E4 (\xC3)><!ATTLIST \u00E4 \xE4 CDATA #IMPLIED>",
      "\u00E4:R(t_\u00E4:t \xC2\x8D:S \u00C3:S \u00E4_\u00E4:S) t_\u00E4:t(\u00E4:R)"},
-    // A usage key is the record's name, a dot and the field's: names with dots can meet.
+    // A usage key is the record's name, a dot and the field's name, so names with dots can collide.
     {"DotsInNames", "<!ELEMENT a (b.c)><!ELEMENT a.b (c)>",
      "a.b:R(c:S) t_b.c:t=String(b.c:S=String) a:R(t_b.c:t=String)"},
 };
@@ -96,7 +96,7 @@ TEST_F(Dtd, MainTypeStaysAndFolderFollowsIt)
     EXPECT_EQ(typesOf(message), "second:R(b:S b.c:S)");
 }
 
-// The base path, the main type and the names inside it need not be of one encoding.
+// The base path, the main type and the names in it may differ in encoding.
 TEST_F(Dtd, NamesOfTheFolderAreReadOneByOne)
 {
     CString document;
@@ -131,7 +131,7 @@ TEST_F(Dtd, FileThatCannotBeOpened)
     EXPECT_EQ(message.enumNext(), nullptr);
 }
 
-// Each would take minutes, gigabytes or the stack if a statement were scanned for itself or a group were a call.
+// Guards against scanning per statement, which takes minutes or gigabytes, and against recursion by groups.
 TEST_F(Dtd, LargeAndCrookedTextsEndSoon)
 {
     constexpr int kRefused = -1;

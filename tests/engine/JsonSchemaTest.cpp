@@ -7,7 +7,7 @@ namespace {
 struct Rule
 {
     const char* name;
-    CString schema; // a property list of the record "r", unless it begins with a brace
+    CString schema; // properties of the record "r", unless it begins with a brace
     const char* types;
     std::vector<std::pair<const char*, CString>> others = {};
     const char* root = "";

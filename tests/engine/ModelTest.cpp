@@ -8,7 +8,7 @@
 
 namespace {
 
-// An importer whose source is what the test declares.
+// An importer whose source is the declarations of the test.
 class Declared final : public MsgBase
 {
 public:
@@ -131,7 +131,7 @@ TEST(Model, ReferenceToAListedTypePutsATypeAtTheEnd)
               "Last:R(y:S) Party:R(x:S) Order:R(customer:O=\\f\\Party)");
 }
 
-// The children of each element by number; element 0 is declared first.
+// The children of each element by number. Element 0 is declared first.
 using Web = std::vector<std::vector<int>>;
 
 CString orderOf(const Web& web)
@@ -151,7 +151,7 @@ TEST(Model, OrdersWebsAndCycles)
     EXPECT_EQ(orderOf({{1}, {2}, {3}}), "d:R() c:R(d:R) b:R(c:R) a:R(b:R)");
     EXPECT_EQ(orderOf({{1, 2}, {3}, {3}}), "d:R() c:R(d:R) b:R(d:R) a:R(b:R c:R)");
     EXPECT_EQ(orderOf({{0}}), "a:R(a:R)");
-    // Climbing from a: its parent is c, c's is b, and b's is a, from which the climb came.
+    // The climb from a: its parent is c, whose parent is b, whose parent is a, where the climb started.
     EXPECT_EQ(orderOf({{1}, {2}, {0}}), "a:R(b:R) c:R(a:R) b:R(c:R)");
     EXPECT_EQ(orderOf({{1}, {0, 2}, {1}}), "b:R(a:R c:R) a:R(b:R) c:R(b:R)");
 }
@@ -184,7 +184,7 @@ std::vector<CString> namesOf(MsgBase& message)
 
 TEST(Model, OrdersAsTheClimbsSayAtAnySize)
 {
-    // e1 holds x2, x3 and so on, ei holds xi and the e before it: each descent climbs through all that waits.
+    // e1 holds x2, x3 and so on; ei holds xi and e(i-1). Each descent climbs through all waiting elements.
     constexpr int count = 10'000;
     Declared message([](Declared& m) {
         const auto holds = [&m](const CString& parent, const CString& child) {
@@ -209,7 +209,7 @@ TEST(Model, OrdersAsTheClimbsSayAtAnySize)
 
 TEST(Model, PutsComponentsFirstOutsideOfAGreatCycle)
 {
-    // Everything holds everything, more than climbs can go through; and each has a user that no other leads to.
+    // Everything holds everything, more than the climb budget covers, and each element has a user outside the cycle.
     constexpr int count = 1000;
     Declared message([](Declared& m) {
         std::vector<Element*> all;
@@ -236,7 +236,7 @@ TEST(Model, TakesLinksThatAnImporterMade)
 {
     Declared message([](Declared& m) {
         Element *a = m.add("a", "a", nullptr, Element::typeRow), *b = m.add("b", "b", nullptr, Element::typeRow);
-        a->addChild(b); // but b doesn't know of it, and would be placed last
+        a->addChild(b); // but b has no link back, so it would be placed last
         m.add("a.b", "b", a);
         Element* c = m.add("c", "c", nullptr, Element::typeRow);
         c->addParent(b);
@@ -278,7 +278,7 @@ TEST(Element, ListsOfAnyLengthHoldEachOnce)
     for (const auto& child : many)
         EXPECT_EQ(row.addChild(child.get()), 1);
     row.toTable(many[500].get(), &table);
-    row.toTable(many[500].get(), &row); // no child any more
+    row.toTable(many[500].get(), &row); // no longer a child
     EXPECT_EQ(row.queryChildren()[500], &table);
     EXPECT_EQ(row.addChild(&table) + row.addChild(many[7].get()), 0);
     EXPECT_EQ(row.addChild(many[500].get()), 1);
@@ -297,7 +297,7 @@ TEST(Documents, EachKindOfType)
     } rows[] = {
         {Element::typeEnum, {}, "<ENUM/>"},
         {Element::typeRow, {&b}, "<ROW/>"},
-        // Not UTF-8, so read as Windows-1252; a control character can't stand in XML at all.
+        // Not UTF-8, so read as Windows-1252. XML has no control characters.
         {Element::typeRow,
          {&a},
          "<ROW><FIELD " + described + " TYPE=\"\\x\\&lt;&amp;&quot;&#9;\xEF\xBF\xBD\xC3\xB6\"/></ROW>"},
@@ -347,7 +347,7 @@ TEST(Documents, TextsMadeFitForXml)
     const char* const rows[][2] = {
         {"gr\xC3\xB6\xC3\x9F!", "gr\xC3\xB6\xC3\x9F!"},
         {"\x80\x99\x81", "\xE2\x82\xAC\xE2\x84\xA2\xC2\x81"},
-        {"\xC3\xB6\xF6", "\xC3\x83\xC2\xB6\xC3\xB6"}, // the whole value, not a byte of it
+        {"\xC3\xB6\xF6", "\xC3\x83\xC2\xB6\xC3\xB6"}, // the whole value, not a single byte
         {"\xED\xA0\x80", "\xC3\xAD\xC2\xA0\xE2\x82\xAC"},
         {"\xEF\xBF\xBF\v", "\xEF\xBF\xBD\xEF\xBF\xBD"},
         {"\xF0\x9F\x99\x82 and more", "\xF0\x9F\x99\x82 and more"},

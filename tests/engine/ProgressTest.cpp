@@ -57,7 +57,7 @@ std::unique_ptr<MsgBase> importerOf(const Source& source)
     return std::unique_ptr<MsgBase>(source.isFull ? (*row)->createFull() : (*row)->create());
 }
 
-// Has the work end at one of its reports; 0 lets it go on. Counts them, and wants none to tell of more than there is.
+// A handler that cancels the work at one of its reports (0: never), counts them and checks their bounds.
 class EndAt
 {
 public:
@@ -100,7 +100,7 @@ TEST(Cancelling, LeavesTheImporterEmptyAndAsItWas)
                 EXPECT_THROW(message->parseFile(file, "\\b\\"), Cancelled);
             }
             EXPECT_EQ(message->beginEnum(), 0);
-            if (CString("dtd") == source.importer) { // whose main type is the first that it ever read
+            if (CString("dtd") == source.importer) { // its main type is the first that it has ever read
                 message->parseFile(other, "\\b\\");
                 EXPECT_EQ(message->queryMainTypeName(), "other");
                 continue;

@@ -23,7 +23,7 @@ QELString withRoom(const char* text, unsigned int room)
     return s;
 }
 
-// What an operation makes of a text, and how large the storage is then.
+// An operation on a text, with the result and the capacity afterwards.
 struct Change
 {
     const char* name;
@@ -50,7 +50,7 @@ const Change kChanges[] = {
     {"AppendNulChangesNothing", "ab", [](S& s) { s += '\0'; }, "ab"},
     {"ClearMakesRoom", "ab", [](S& s) { s.clear(20); }, "", 21},
     {"PaddingTakesTheWidth", "ab", [](S& s) { s.ltrim(22); }, "ab" + Text(20, ' '), 23},
-    // The argument is the string itself, or lies in it.
+    // The argument is the string itself or a part of it.
     {"AssignItself", "ab", [](S& s) { s = static_cast<const S&>(s); }, "ab"},
     {"AppendItself", "twelve chars", [](S& s) { s += static_cast<const S&>(s); }, "twelve charstwelve chars", 49},
     {"AssignItsMiddle", "abcdef", [](S& s) { s.assign(in(s, 2), 3); }, "cde"},
@@ -105,7 +105,7 @@ TEST(QELString, TakesPartsByIndex)
 {
     const S s("abcdef");
     EXPECT_STREQ(s(-3) + "|" + s(-10) + "|" + s(10), "def|abcdef|");
-    // A negative count is taken from the length of the whole text.
+    // A negative count is added to the length of the whole text.
     EXPECT_STREQ(s(1, 2) + "|" + s(4, 10) + "|" + s(0, -1) + "|" + s(2, -1) + "|" + s(INT_MIN, INT_MIN),
                  "bc|ef|abcde|cdef|");
     EXPECT_EQ((Text{s[5], s[6], s[UINT_MAX]}), Text("f\0\0", 3));

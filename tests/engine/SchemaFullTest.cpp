@@ -14,8 +14,8 @@ namespace {
     "<restriction base='" base "'><enumeration value='" a "'/><enumeration value='" b "'/></restriction>"
 #define SIMPLE(name, content) "<simpleType name='" name "'>" content "</simpleType>"
 
-// The main document declares a target namespace, t, and binds the schema language to no prefix; unless it begins with
-// a tag of its own.
+// The main document has the target namespace t and no prefix for the schema language, unless it begins with its own XML
+// declaration.
 CString documentOf(const CString& content)
 {
     if (content.starts_with("<?xml"))
@@ -46,7 +46,7 @@ struct Rule
 };
 
 const Rule kRules[] = {
-    // What both languages share.
+    // Rules common to both languages.
     {"ALeafIsAFieldOfItsKind",
      ROOT(SEQUENCE("<element name='a' type='int'/><element name='b' type='date'/><element name='c' type='string'/>"
                    "<element name='d'/>")),
@@ -440,7 +440,7 @@ x.xsd:2:32: name changed: b is r_b
 #define SAID(text) "<annotation><documentation>" text "</documentation></annotation>"
 #define COMPONENT(content) SAID("<c:Component xmlns:c='urn:c'>\n" content "\n</c:Component>")
 
-// The descriptions of all types, each before those of its fields or constants; the generated ones as "-".
+// Returns the descriptions of all types, each before those of its fields or constants; generated ones as "-".
 CString descriptionsOf(MsgBase& message)
 {
     CString text;
@@ -466,7 +466,7 @@ TEST_F(SchemaFull, TakesDescriptionsFromDocumentation)
         CString descriptions;
         std::size_t cut; // documentations
     } rows[] = {
-        // The first one, whose text counts whatever stands in it; what is too long is cut.
+        // The first documentation counts, with the text of nested elements. A long text is cut.
         {"<element name='r'><annotation><appinfo>no</appinfo><documentation/><documentation> Of\n <b>the</b>\tR "
          "</documentation><documentation>no</documentation></annotation>" SEQUENCE("") "</element>",
          "Of the R;-;", 1},
@@ -475,7 +475,7 @@ TEST_F(SchemaFull, TakesDescriptionsFromDocumentation)
          e + ";-;", 1},
         {"<element name='r'>" + ("<annotation><documentation> " + e + "\n</documentation></annotation>") + "</element>",
          e + ";-;", 0},
-        // At the reference, the declaration, the type, in this order.
+        // Precedence: the reference, the declaration, the type.
         {ROOT(SEQUENCE("<element ref='t:a'>" SAID(
              "1") "</element><element ref='t:a'/><element ref='t:b'/>"
                   "<element ref='t:c'>" SAID("3") "</element><element ref='t:none'>" SAID(
@@ -521,11 +521,11 @@ TEST_F(SchemaFull, TakesDescriptionsFromDocumentation)
                                                                                                                  "ng'/"
                                                                                                                  ">"),
          "-;-;-;1;6;3;4;5;", 0},
-        // Of a substitution group the head alone is what the reference is about.
+        // In a substitution group, a reference is about the head only.
         {ROOT(SEQUENCE("<element ref='t:h'>" SAID(
              "1") "</element>")) "<element name='h'/><element name='m' substitutionGroup='t:h'>" SAID("2") "</element>",
          "-;1;2;", 0},
-        // The main element's goes before its type's.
+        // The main element takes precedence over its type.
         {"<element name='r' type='t:R'>" SAID("1") "</element>" TYPE("R", SAID("2") SEQUENCE("<element name='a'/>")),
          "1;-;", 0},
         {"<element name='r' type='t:R'/>" TYPE("R", SAID("2") SEQUENCE("<element name='a'/>")), "2;-;", 0},
@@ -551,7 +551,7 @@ TEST_F(SchemaFull, TakesDescriptionsFromDocumentation)
         {"<element name='r'><annotation><documentation><c xmlns:c='urn:c'><c:Type>" + times(300, "long ") +
              "</c:Type><c:Definition>Short.</c:Definition></c></documentation></annotation></element>",
          "Short.;-;", 1},
-        // What describes nothing is counted.
+        // Documentation without a target is counted.
         {"<annotation><documentation>S</documentation></annotation>" ROOT(
              "<sequence>" SAID("Q") "<element name='a'/></sequence>"),
          "-;-;", 2},
@@ -566,12 +566,12 @@ TEST_F(SchemaFull, TakesDescriptionsFromDocumentation)
     }
 }
 
-// What leads back to itself is cut, what grows beyond all bounds is refused.
+// Recursion is cut, and growth beyond the bounds is refused.
 struct Bound
 {
     const char* name;
     CString (*schema)();
-    const char* types; // none: it is refused, and not because of its main file's declarations
+    const char* types; // null: refused, but not because of the declarations of the main file
     const char* box = "";
 };
 

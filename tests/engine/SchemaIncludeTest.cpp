@@ -17,12 +17,12 @@ namespace {
 
 #define INCLUDE(location) "<xsd:include schemaLocation='" location "'/>"
 #define PARTY(field) RECORD("Party", FIELD(field))
-// Needs the type Party from elsewhere.
+// Needs the type Party from another document.
 #define MAIN NESTED("Main", FIELD("c", "type='Party'"))
 #define FOUND "Main{c:=Party} Party{name:String}"
 #define MISSING "Main{c:=String}"
 
-// Beside the main file and the others there is always p.xsd, with the Party that FOUND shows.
+// In addition to the main file and the others there is p.xsd, with the Party of FOUND.
 struct Graph
 {
     const char* name;
@@ -98,7 +98,7 @@ TEST_F(SchemaInclude, GraphBecomesTheModel)
     }
 }
 
-// As where the right to read it is missing, a device fails or files run out.
+// The same applies to a missing read permission, a failing device or too many open files.
 TEST_F(SchemaInclude, ThatIsTooLargeFailsTheImport)
 {
     std::filesystem::resize_file(folder.write("b.xsd", ""), kMaxNamedFile + 1);
@@ -124,8 +124,7 @@ TEST_F(SchemaInclude, FileOfTheKernelIsNone)
         ::close(opened);
 }
 
-// A file that grows is read as far as it went, and one that is missing is looked for once, in a time that grows with
-// its name.
+// A growing file is read up to its size at the start. A missing file is looked for once, in time linear in its name.
 TEST_F(SchemaInclude, EndsWhateverFilesDo)
 {
     const CString log = folder.write("log", "old");
@@ -141,12 +140,12 @@ TEST_F(SchemaInclude, EndsWhateverFilesDo)
     EXPECT_FALSE(finder.find(folder.path(), "late"));
     std::filesystem::create_directory(folder.path("d"));
     const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 300; ++i) // 12 s, when each step starts from the root
+    for (int i = 0; i < 300; ++i) // takes 12 s if each step starts at the root
         EXPECT_FALSE(finder.find(folder.path(), times(500, "d/.././") + std::to_string(i)));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
-// Shown as the main file was given and as the source wrote it.
+// The path is relative to the main file as given and contains the location as written.
 TEST_F(SchemaInclude, FaultOfAnIncludedDocumentHasItsOwnPlace)
 {
     writeSchema(folder, "sub/b.xsd", INCLUDE("./../C.xsd") "\n<xsd:elem/>" INCLUDE("no.xsd"));
@@ -189,8 +188,8 @@ TEST_F(SchemaInclude, CyclicDeclarationOfAnIncludedDocumentShowsInTheIncludePass
     EXPECT_THAT(boxes.take(), ElementsAre("Incorrect XSD file: cyclic references"));
 }
 
-// Ten thousand types, each of which needs the next; the files that hold them include one another in a row, and lie in
-// two folders in turn, so that a path that is only ever added to would get too long.
+// Ten thousand types, each of which needs the next. The files include one another in a chain, and alternate between two
+// folders, so a path that only grows would become too long.
 TEST_F(SchemaInclude, LongChainOfTypesIsPulledThroughAsManyFiles)
 {
     constexpr int kFiles = 1000;

@@ -10,13 +10,13 @@ namespace {
 #define SIMPLE(name, base, facets)                                                                                     \
     "<xs:simpleType" name "><xs:restriction base='" base "'>" facets "</xs:restriction></xs:simpleType>"
 #define CODES "<xs:enumeration value='a'/><xs:enumeration value='b'/>"
-// The main element; its fields stand from the second line on.
+// The main element; its fields begin on the second line.
 #define MAIN(fields)                                                                                                   \
     "<xs:element name='M'><xs:complexType>" SEQUENCE("\n" fields ELEMENT("name='z'")) "</xs:complexType></"            \
                                                                                       "xs:element>\n"
 #define RECORD TYPE("R", SEQUENCE(ELEMENT("name='x'")))
 
-// What the readings lose of a schema, at LINE:COL in the words of the report; the full one the same if `full` is "=".
+// The losses of the readings as LINE:COL and the report's words. `full` is "=" if the full reading has the same.
 struct Loss
 {
     const char* name;
@@ -39,7 +39,7 @@ const Loss kLosses[] = {
                     "<xs:explicitTimezone value='required'/>"
                     "<xs:assertion test='1'/>") "<xs:notation name='n' public='p' system='s'/>",
      ""},
-    // Statements that the language doesn't have, or not there.
+    // Statements that the language lacks, or doesn't allow at that place.
     {"UnknownStatement", MAIN("<!--\xc3\xa9--><xs:elem name='\xc3\xa9\xc3\xa9'><xs:nothing/></xs:elem>"),
      "2:9 statement that is unknown: xs:elem"},
     {"ForeignStatement", MAIN("<x:element xmlns:x='urn:x' name='a'/>"), "2:1 statement that is unknown: x:element"},
@@ -105,7 +105,7 @@ const Loss kLosses[] = {
      "<!DOCTYPE s [<!ENTITY e SYSTEM 'e.xml'>]><xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>\n\n &e;" MAIN(
          "") "</xs:schema>",
      "3:2 entity not expanded: e"},
-    // What only the literal reading loses.
+    // Losses of the literal reading only.
     {"TypesThatBecomeText",
      MAIN(ELEMENT("name='a' type='xs:int'") "\n" ELEMENT("name='b' type='t:R' xmlns:t=''") "\n" ELEMENT(
          "name='c' type='E'") "\n<xs:element name='d'>" SIMPLE("", "xs:decimal",

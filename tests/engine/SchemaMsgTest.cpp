@@ -136,7 +136,7 @@ TEST_F(SchemaMsg, OrderBecomesItsRecordsInOneFolder)
     for (Element* type = message.enumNext(); type; type = message.enumNext())
         EXPECT_EQ(type->queryPath() + type->queryDescription(),
                   "\\sys\\xml\\Order\\" + type->queryName() + " (Automatically created)");
-    // The type of an earlier main element stays known.
+    // The root type of the earlier schema stays known.
     ASSERT_EQ(importSchema(kMain + RECORD("OrderType", FIELD("b"))), 1);
     EXPECT_EQ(modelOf(message), "Main{a:String b:String}");
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Other programs know constructs by their ids. Equal words of the summing line mean one thing.
+// Other programs identify constructs by id. In the summary, equal words have one meaning.
 TEST(SourceReport, EachConstructHasAnIdAndWordsOfItsOwn)
 {
     std::set<std::string_view> ids, words;
@@ -52,7 +52,7 @@ TEST(SourceReport, TheSameAtTheSamePlaceComesOnce)
     EXPECT_EQ(report.queryEntries(SourceReport::loss).size(), 8U);
 }
 
-// Details that fill their room leave that of losses alone.
+// Details that fill their memory bound don't reduce that of losses.
 TEST(SourceReport, CountsWhatItsBoundLeavesOut)
 {
     SourceReport report;

@@ -11,7 +11,7 @@ namespace {
 
 using Files = std::vector<std::pair<const char*, CString>>;
 
-// A schema of the namespace urn:NAME, whose prefix is NAME; "" has none.
+// Returns a schema of the namespace urn:NAME with the prefix NAME; "" has none.
 CString schema(const CString& name, const CString& content)
 {
     CString tag = "<schema xmlns='http://www.w3.org/2001/XMLSchema'";
@@ -36,12 +36,12 @@ struct Row
 {
     const char* name;
     std::vector<const char*> sources;
-    CString types; // the frame, then the full names
+    CString types; // the root tag, then the full names
     std::vector<CString> roots = {};
     FullMessage::Layout layout = FullMessage::Layout::automatic;
 };
 
-// Every file is a source at one time, and a document that another one names at another.
+// Each file is once a source, and once a document that another one refers to.
 const Files kFiles = {
     {"a", schema("a", kImport + element("D", kField))},
     {"b", schema("b", kImport + element("D", kField + "<element name='g' type='int'/>"))},
@@ -125,10 +125,10 @@ TEST_F(SchemaSets, ASourceThatIsNoneIsRefused)
     EXPECT_THAT(boxes.take(), testing::ElementsAre(folder.path("a") + " is no schema."));
 }
 
-// The folder of a namespace is the end of its URI, as much as tells it from the others.
+// The folder of a namespace is the shortest end of its URI that is unique.
 TEST_F(SchemaSets, FoldersAreNamedByTheirUris)
 {
-    using Names = std::vector<CString>; // in the order of their bytes
+    using Names = std::vector<CString>; // sorted bytewise
     const std::pair<Names, Names> rows[] = {
         {{"urn:iso:std:iso:20022:tech:xsd:pacs.008.001.08"}, {"pacs.008.001.08"}},
         {{"http://www.opengis.net/gml/3.2", "http://www.opengis.net/gml"}, {"gml", "gml-3.2"}},

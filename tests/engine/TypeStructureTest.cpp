@@ -7,7 +7,7 @@
 
 namespace {
 
-// Each type in a line: its kind and name, its parts with what they hold, and behind "<" who uses it.
+// Returns each type on a line: kind and name, its parts with their types, and its users after "<".
 CString structureOf(MsgBase& message)
 {
     const TypeStructure structure(message);

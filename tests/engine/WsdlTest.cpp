@@ -30,7 +30,7 @@ struct Row
     const char* types;
     const char* losses = "";
     std::vector<std::pair<const char*, CString>> others = {};
-    const char* main = nullptr; // the main types that may be chosen
+    const char* main = nullptr; // the main types to choose from
 };
 
 const Row kRows[] = {

@@ -20,7 +20,7 @@ const Case kInstances[] = {
     {"TheSecondParentKeepsThePlainElement", "<r><a><b/><b/></a><c><b/><b/></c></r>",
      "c:R(b:S=String) t_b:t=String(b:S=String) a:R(t_b:t=String) r:R(a:R c:R)"},
     {"PrefixesFallAway", "<p:r xmlns:p='u' xmlns:q='v'><p:a/><q:a q:b='1'/></p:r>", "a:R(a_b:S) t_a:t(a:R) r:R(t_a:t)"},
-    // Attributes are keyed with the number of the node that their element stands in, so names can meet.
+    // Attribute keys end in the sequence number of the element's parent, so keys can collide.
     {"AttributeKeyTakesTheChilds", "<r b='1'><b/><b/></r>", "r:R(r_b:S b:S)"},
     {"ChildKeyTakesTheAttributes", "<a><b/><a b='1'/></a>", "t_b:t=String(b:S=String) a:R(t_b:t=String a:R a_b:S)"},
     {"EntitiesAndDefaultsCount", "<!DOCTYPE r [<!ENTITY e '<a/><a/>'><!ATTLIST r d CDATA 'x'>]><r>&e;</r>",
@@ -61,10 +61,10 @@ TEST_F(XMLData, FaultAtTheLastByteLeavesNothing)
                              "Error on line 0, column 0.\nError text is 'No such file or directory'."));
 }
 
-// Few names, so that they meet in every way: under themselves, as attributes, with dots and underscores.
+// Few names, so that they collide in every way: nested in themselves, as attributes, with dots and underscores.
 constexpr const char* kNames[] = {"a", "b", "a.b", "a_b", "t_a", "b.a", "t_b"};
 
-// The walk as it is described, over the tree, with every usage declared.
+// A reference implementation: walks the tree and declares every usage.
 class LiteralWalk : public MsgBase
 {
 public:
@@ -92,7 +92,7 @@ private:
         const auto described = [](const CString& what) { return fillText(loadText(IDS_AUTOMATIC), what); };
         Element* element = addElement((parent ? parent->queryName() : CString()) + "." + name + number, path, name,
                                       described(name), Element::typeString, parent);
-        for (const CString attribute : kNames) { // of which there is one at most
+        for (const CString attribute : kNames) { // at most one has the name
             if (!node.attributes().getNamedItem(attribute))
                 continue;
             addAttribute(name + "." + attribute + number, path, attribute, described(name + "_" + attribute),

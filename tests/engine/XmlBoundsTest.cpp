@@ -1,4 +1,4 @@
-// What an XML file must not be able to do: reach for other files or the network, or grow far beyond its own size.
+// Attacks by an XML file: access to other files or the network, and growth far beyond its own size.
 #include "Xml/Dom.h"
 #include "Xml/XmlParser.h"
 #include "support/Importing.h"
@@ -14,7 +14,7 @@ namespace {
 
 using testing::HasSubstr;
 
-// Counts what it is given.
+// Counts its callbacks.
 struct Counter : XmlHandler
 {
     std::size_t elements = 0, attributes = 0, texts = 0, ended = 0, deepest = 0;
@@ -33,7 +33,7 @@ struct Counter : XmlHandler
 class XmlBounds : public testing::Test
 {
 protected:
-    // The error as "LINE reason", or "" for a document that was read whole.
+    // Returns the error as "LINE reason"; "" if the document was read to its end.
     std::string read(const std::string& bytes)
     {
         counter = {};
@@ -80,7 +80,7 @@ TEST_F(XmlBounds, ExternalEntityInAValueIsAnError)
     EXPECT_THAT(read("<!DOCTYPE a [<!ENTITY u SYSTEM 'secret'>]>\n<a b='&u;'/>"), HasSubstr("2 Attribute references"));
 }
 
-// A document of ten entities, each ten times the one before: ten thousand million bytes.
+// Returns a document of ten entities, each ten times the previous one: ten thousand million bytes.
 std::string bomb(const std::string& innermost, const std::string& use)
 {
     std::string subset = "<!DOCTYPE a [\n<!ENTITY e0 '" + innermost + "'>\n";

@@ -15,7 +15,7 @@
 
 namespace {
 
-// The one of all tests.
+// Returns the instance shared by all tests.
 template <class Thing>
 Thing& the()
 {
@@ -23,7 +23,7 @@ Thing& the()
     return thing;
 }
 
-// What a data source's entry says of a database on a server.
+// Returns the entry of a data source for a server's database.
 CString entryOf(const DatabaseServer& server, const CString& database)
 {
     CString entry = server.connection(database);
@@ -32,7 +32,7 @@ CString entryOf(const DatabaseServer& server, const CString& database)
     return entry;
 }
 
-// How a source is connected with: "TLS", "plain" or the SQLSTATE of the failure.
+// Returns the protection of a connection: "TLS", "plain" or the SQLSTATE of the failure.
 CString protectionOf(const CString& source, const CString& logon)
 {
     try {
@@ -50,10 +50,10 @@ CString protectionOf(const CString& source, const CString& logon)
     }
 }
 
-// A kind of database is named as the one that its server has from the start.
+// Kinds of databases are named after the database that their servers start with.
 const CString sqlite = "sqlite", postgres = "postgres", mariaDb = "mysql";
 
-// A connection on a database of that kind that holds nothing else.
+// Returns a connection to an empty database of a kind.
 int freshCount = 0;
 
 CString nameOfFresh()
@@ -123,7 +123,7 @@ TEST(Database, TakesTablesOutOfEverySchemaAndDatabase)
     second.database.ExecuteSQL("CREATE TABLE here (y date)");
     EXPECT_EQ(importTables("here\n"), "here(y:T)") << "of the current database";
     Connected third = freshDatabase(mariaDb);
-    CString many; // so many that the catalogue is read as a whole
+    CString many; // so many that the whole catalogue is read
     for (int i = 0; i < 20; ++i)
         many += "none\n";
     for (const CString& before : {CString(), many})
@@ -138,8 +138,8 @@ TEST(Database, AServerThatFallsSilentIsGivenUp)
         freshDatabase(kind);
         const auto& server =
             kind == postgres ? static_cast<DatabaseServer&>(the<PostgresServer>()) : the<MariaDbServer>();
-        for (const long bytes : {0, 40, 300}) {        // before, in and after the first answer of the server
-            static auto& lines = *new std::list<Line>; // not closed: what waits for them is left to itself
+        for (const long bytes : {0, 40, 300}) {        // before, in and after the server's first answer
+            static auto& lines = *new std::list<Line>; // leaked: abandoned connections still wait for it
             Line& line = lines.emplace_back(server.port);
             Connected window(server.connection(kind, line.port), server.logon());
             window.database.patience = std::chrono::milliseconds(300);
@@ -153,7 +153,7 @@ TEST(Database, AServerThatFallsSilentIsGivenUp)
     }
 }
 
-// The driver of MariaDB crashes where its connection breaks inside a call of the catalogue.
+// The MariaDB driver crashes if its connection breaks during a catalogue call.
 TEST(Database, AConnectionThatBreaksAnywhereIsAnErrorAndTheNextOneWorks)
 {
     constexpr int kCuts = 50;
@@ -163,7 +163,7 @@ TEST(Database, AConnectionThatBreaksAnywhereIsAnErrorAndTheNextOneWorks)
         const auto& server =
             kind == postgres ? static_cast<DatabaseServer&>(the<PostgresServer>()) : the<MariaDbServer>();
         long whole = 0;
-        for (int cut = kCuts; cut >= 0; --cut) { // the first one isn't cut
+        for (int cut = kCuts; cut >= 0; --cut) { // the first connection isn't cut
             Line line(server.port);
             line.breaks = true;
             if (cut < kCuts)
@@ -197,7 +197,7 @@ TEST(Database, AServerThatIsSilentFromTheStartIsGivenUpByItsDriver)
     }
 }
 
-// What asks for TLS never gets plain text; what doesn't has it where the server has.
+// A connection that demands TLS never falls back to plain text. Others use TLS if the server offers it.
 TEST(Database, TlsIsPreferredAndKeptWhereItIsAskedFor)
 {
     const PostgresServer postgresTls(Tls::required);
@@ -224,7 +224,7 @@ TEST(Database, TlsIsPreferredAndKeptWhereItIsAskedFor)
         {mariaDbTls.connection(mariaDb), "TLS"},
         {mariaDbTls.connection(mariaDb) + "SSLmode=disable;", "plain"},
         {mariaDbTls.connection(mariaDb) + "FORCETLS=0;", "plain"},
-        {mariaDbTls.connection(mariaDb) + "SSLmode=require;", "S1000"}, // the driver can't, without the certificate
+        {mariaDbTls.connection(mariaDb) + "SSLmode=require;", "S1000"}, // the driver can't, without a certificate
         {mariaDbTls.connection(mariaDb) + "SSLmode=require;" + authority, "TLS"},
         {mariaDbTls.connection(mariaDb) + "SSLmode=verify-full;", "S1000"},
         {mariaDbTls.connection(mariaDb) + "SSLmode=verify-full;" + authority, "TLS"},
@@ -250,7 +250,7 @@ TEST(Database, AUserWhoIsTakenOverTlsAloneIsNotAskedForThePasswordAgain)
                     testing::Throws<CDBException>(testing::Property(&CDBException::isLogonRefused, isRefused)));
 }
 
-// Each character at both ends and in the middle.
+// Each character is at both ends and in the middle.
 TEST(Database, APasswordMayHoldAnyCharacter)
 {
     for (const CString& kind : {postgres, mariaDb}) {
@@ -259,7 +259,7 @@ TEST(Database, APasswordMayHoldAnyCharacter)
         Connected owner(server.connection(kind), server.logon());
         owner.database.ExecuteSQL(kind == postgres ? "CREATE ROLE guest LOGIN" : "CREATE USER guest");
         for (char c = ' '; c < 127; ++c) {
-            if (std::isalnum(c) || (c == ' ' && kind == mariaDb)) // whose driver takes white space off the ends
+            if (std::isalnum(c) || (c == ' ' && kind == mariaDb)) // its driver trims white space
                 continue;
             const CString password = {c, 'a', c, '4', '1', c};
             CString literal;
@@ -303,7 +303,7 @@ TEST(Database, ARefusedLogonIsToldFromOtherFailures)
     }
 }
 
-// Debian's odbcinst.ini lets PostgreSQL's driver keep one.
+// Debian's odbcinst.ini makes PostgreSQL's driver write a log.
 TEST(Database, LeavesNoLogOfADriverBehind)
 {
     freshDatabase(postgres).database.Close();
@@ -326,7 +326,7 @@ TEST(Database, AServerThatGoesLeavesAnErrorAndAConnectionThatCloses)
     EXPECT_EQ(importTables("t\n"), "t()");
 }
 
-// Another source, or a driver's idea of one, would be tables that nobody asked for.
+// A different source, or a default of the driver, would import the wrong tables.
 TEST(Database, ANameOpensItsDataSourceOrNone)
 {
     const struct
@@ -341,7 +341,7 @@ TEST(Database, ANameOpensItsDataSourceOrNone)
              "\nDatabase=mysql\n#",
          "SELECT database()", the<MariaDbServer>().logon()},
     };
-    char n = '1'; // in every name: what was read of a source is remembered by its name
+    char n = '1'; // in every name, because data sources are cached by name
     for (const auto& [entry, question, logon] : drivers) {
         const TempDir folder;
         const CString x(1, n++);
@@ -363,7 +363,7 @@ TEST(Database, ANameOpensItsDataSourceOrNone)
                 refused += name + "\n";
             }
         EXPECT_EQ(refused, "X" + x + "\n " + x + "\n" + x + "]x\n{" + x + "\n" + x + ";x\n;" + x + "\n" + x + ";\n");
-        const CString braced = question.ends_with("current_database()") ? "x={}};x};" : ""; // others don't know braces
+        const CString braced = question.ends_with("current_database()") ? "x={}};x};" : ""; // not in other drivers
         const std::pair<CString, bool> connections[] = {{braced + "DSN={Sales (EU)" + x + "};", true},
                                                         {"dsn= {" + x + "}}x} ;", true},
                                                         {"DSN= x" + x + " ;", true},
@@ -389,7 +389,7 @@ TEST(Database, ListsDataSourcesCutToTheirWidths)
     EXPECT_EQ(listed, "Aufträge=SQLite3\n" + CString(49, 'n') + "=" + CString(299, 'd') + "\n");
 }
 
-// The program as a whole: status, standard error and what it wrote.
+// The whole program: exit status, standard error and output.
 TEST(Database, TheCommandLineImportsADataSource)
 {
     const TempDir folder;

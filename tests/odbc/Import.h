@@ -6,10 +6,10 @@
 
 #include <cstdlib>
 
-/// Listing data sources makes a file of the user's where there is none; the tests' own is empty.
+/// Listing data sources would create a file in the user's home if there is none. The tests use an empty one.
 inline const int kOdbcIniIsSet = setenv("ODBCINI", "/dev/null", 1);
 
-/// A main window that has nothing but a connection.
+/// A main window that only has a connection.
 struct Connected : MainWindow
 {
     explicit Connected(const CString& source, const CString& logon = {})
@@ -23,8 +23,8 @@ struct Connected : MainWindow
     CDatabase database;
 };
 
-/// What an import of `tables`, each ended by a line feed, gives: "NAME(FIELD:TYPE …)" for each record, the types as
-/// "S", "N", "T" and "t" for a table, each with the description right behind it.
+/// Returns the result of importing `tables`, each ended by a line feed: "NAME(FIELD:TYPE ...)" for each record. Types
+/// are "S", "N", "T", or "t" for a table, each followed by the description.
 inline CString importTables(const CString& tables)
 {
     ODBCMessage message;

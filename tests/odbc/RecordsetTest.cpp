@@ -9,7 +9,7 @@
 
 #include <tuple>
 
-// Catalogues written by hand, which a driver of the tests' own hands out.
+// Handwritten catalogues, returned by a test driver.
 class Recordset : public testing::Test
 {
 protected:

@@ -13,7 +13,7 @@ struct Case
     Answer answer;
 };
 
-// Each case is the import of "$source", which its answer calls S.
+// Each case is an import of "$source"; its expected output calls that S.
 void expectAnswers(const TempDir& folder, const CString& source, const std::vector<Case>& cases)
 {
     for (const auto& [arguments, expected] : cases) {

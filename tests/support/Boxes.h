@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-/// Records the message boxes of a test. A box that nobody took by the end fails the test, so none goes unseen.
+/// Records the message boxes of a test. A box that the test hasn't taken at the end fails it, so none is overlooked.
 class Boxes
 {
 public:
@@ -21,10 +21,10 @@ public:
     Boxes(const Boxes&) = delete;
     Boxes& operator=(const Boxes&) = delete;
 
-    /// The boxes since the last call, oldest first.
+    /// Returns the boxes since the last call, oldest first.
     std::vector<CString> take() { return std::exchange(texts, {}); }
 
-    CString details; ///< of the last one
+    CString details; ///< of the last box
 
 private:
     std::vector<CString> texts;

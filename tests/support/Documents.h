@@ -5,9 +5,9 @@
 
 #include <set>
 
-/// What is wrong with the message document of an import: it isn't well-formed, or a TYPE in it is neither a kind nor a
-/// type's NAME. Empty if nothing is. An importer that takes over the types that its source names need not have them
-/// all.
+/// Returns the fault of an import's message document: it isn't well-formed, or a TYPE in it is neither a kind nor the
+/// NAME of a type. Empty if there is none. With `hasAllTypes` false, a TYPE may be missing: the importer copies type
+/// names from its source.
 inline CString documentFault(MsgBase& importer, bool hasAllTypes = true)
 {
     struct Names : XmlHandler

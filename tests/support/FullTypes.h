@@ -3,8 +3,8 @@
 #include "Import/Full/FullMessage.h"
 #include "Types/ReportText.h"
 
-/// The types of an import in full, in their order: "record(field:type ...)", "enumeration{constant|...}" and
-/// "table[component]". Types of the import's own folder are shown by their short names.
+/// Returns the types of a full import in order: "record(field:type ...)", "enumeration{constant|...}" and
+/// "table[component]". Types of the import's own folder have short names.
 inline CString fullTypesOf(MsgBase& message)
 {
     const auto known = [](const Element& element) {
@@ -31,7 +31,7 @@ inline CString fullTypesOf(MsgBase& message)
     return text;
 }
 
-/// The report of an import as it is written, without the folder that its files lie in and without the totals.
+/// Returns the report of an import as text, without the folder of its files and without the totals.
 inline CString reportOf(MsgBase& message, const CString& folder)
 {
     CString text;

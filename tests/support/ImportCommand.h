@@ -6,7 +6,7 @@
 #include <ostream>
 #include <sys/wait.h>
 
-/// What a command answered: its exit status and all that it wrote.
+/// The outcome of a command: its exit status and output.
 struct Answer
 {
     int status = 0;
@@ -19,7 +19,7 @@ struct Answer
     }
 };
 
-/// Runs a line of shell in a folder. In it $import is the typeforge-import that was built.
+/// Runs a shell command in a folder. In it, $import is the built typeforge-import.
 inline Answer runShell(const TempDir& folder, const std::string& line)
 {
     const TempDir output;

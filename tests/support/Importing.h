@@ -8,7 +8,7 @@
 
 #include <ostream>
 
-/// A row of a table of cases: the fault it catches, what goes in and what must come out.
+/// A row of a table of cases: the fault it catches, the input and the expected output.
 struct Case
 {
     const char* name;
@@ -20,7 +20,7 @@ struct Case
     }
 };
 
-/// An importer with a folder for its files; a box that the test doesn't take fails it.
+/// A fixture with an importer and a folder for its files. A box that the test doesn't take fails it.
 template <class Message>
 class Importing : public testing::Test
 {
@@ -29,7 +29,7 @@ protected:
     {
         return message.parseFile(folder.write("x", bytes), basePath);
     }
-    /// The types that a file of these bytes gives; see typesOf().
+    /// Returns the types of a file with these bytes; see typesOf().
     CString typesOfFile(const CString& bytes)
     {
         EXPECT_EQ(import(bytes), 1);

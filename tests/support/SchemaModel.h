@@ -9,15 +9,15 @@
 #include <numeric>
 #include <set>
 
-/// Writes a schema document around `declarations` and answers its path.
+/// Writes a schema document around `declarations` and returns its path.
 inline CString writeSchema(const TempDir& dir, const CString& name, const CString& declarations)
 {
     return dir.write(name,
                      "<xsd:schema xmlns:xsd='http://www.w3.org/2001/XMLSchema'>" + declarations + "</xsd:schema>");
 }
 
-/// The records of an import with their fields, sorted by name: "Order{number:Number t_line:table} line{sku:String}". A
-/// field of a named type shows "=" and that type, short when it is of the same folder.
+/// Returns the records of an import with their fields, sorted by name: "Order{number:Number t_line:table}
+/// line{sku:String}". A field of a named type shows "=" and that type, with its short name if it is in the same folder.
 inline CString modelOf(MsgBase& message)
 {
     static const char* const kKinds[] = {"enum", "array", "row", "table", "String", "Number", "Time", "="};

@@ -16,10 +16,10 @@
 #include <thread>
 #include <unistd.h>
 
-// Real database servers for a test: each in a temporary folder, on a loopback port of its own, gone with the object or
-// with the test's process, whichever ends first.
+// Real database servers for tests. Each has a temporary folder and its own loopback port, and ends with the object or
+// the test's process, whichever ends first.
 
-/// A port of 127.0.0.1 that nobody listens on.
+/// Returns a free port of 127.0.0.1.
 inline int freePort()
 {
     sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
@@ -31,8 +31,8 @@ inline int freePort()
     return ntohs(address.sin_port);
 }
 
-/// A line to a server of this machine, good for one connection, over which no more than `left` bytes come back: then it
-/// is silent, with both ends still connected, or breaks.
+/// A proxy for one connection to a local server. After `left` bytes from the server it falls silent, with both ends
+/// connected, or breaks the connection.
 class Line
 {
     const int door = socket(AF_INET, SOCK_STREAM, 0);
@@ -47,7 +47,7 @@ public:
     ~Line()
     {
         ended = true;
-        shutdown(door, SHUT_RDWR); // nobody may have come
+        shutdown(door, SHUT_RDWR); // there may be no connection
         forwarder.join();
         close(door);
     }
@@ -56,7 +56,7 @@ public:
     std::atomic<long> left = kEndless;
     std::atomic<bool> breaks = false;
 
-    /// How many bytes have come back.
+    /// Returns the number of bytes received from the server.
     long queryReceived() const { return received; }
 
 private:
@@ -66,7 +66,7 @@ private:
     {
         return {AF_INET, htons(static_cast<std::uint16_t>(port)), {htonl(INADDR_LOOPBACK)}, {}};
     }
-    // Returns a port that the system has chosen, so that nobody else can have it.
+    // Returns a port chosen by the system, so that it is free.
     int openDoor() const
     {
         sockaddr_in near = at(0);
@@ -95,7 +95,7 @@ private:
                     [[maybe_unused]] const ssize_t written = write(ends[1 - i].fd, bytes, std::max<ssize_t>(count, 0));
                 }
         }
-        shutdown(door, SHUT_RDWR); // a second connection is refused
+        shutdown(door, SHUT_RDWR); // refuses a second connection
         for (const int end : {ends[0].fd, server})
             close(end);
     }
@@ -106,24 +106,25 @@ private:
     std::thread forwarder;
 };
 
-/// What both servers do: own a folder, run as a user of their own where the test is root, be ready when the object is.
+/// The parts common to both servers: a folder, a user of its own if the test runs as root, and waiting until the server
+/// is ready.
 class DatabaseServer
 {
 public:
     ~DatabaseServer() { stop(); }
 
-    /// Ends the server at once; connections to it break.
+    /// Stops the server immediately; connections to it break.
     void stop()
     {
-        if (process > 0 && kill(process, SIGQUIT) == 0) // killed outright, PostgreSQL would leave shared memory behind
+        if (process > 0 && kill(process, SIGQUIT) == 0) // SIGKILL would make PostgreSQL leave shared memory behind
             waitpid(process, nullptr, 0);
         process = -1;
     }
 
-    /// Kills the server with all its processes; only what it has handed to the system is kept.
+    /// Kills the server with all its processes. Only data passed to the system is kept.
     void crash()
     {
-        kill(process, SIGSTOP); // it would start again what is killed below it
+        kill(process, SIGSTOP); // or it would restart its killed children
         const std::string id = std::to_string(process);
         std::istringstream children(TempDir::read("/proc/" + id + "/task/" + id + "/children"));
         for (pid_t child; children >> child;)
@@ -136,7 +137,7 @@ public:
     const int port = freePort();
     const std::string user = "typeforge", password = "pass;word}=1";
 
-    /// A whole connection string for the database `name`, without user and password; over a Line where one is given.
+    /// Returns a connection string for the database `name` without user and password; through a Line's port, if given.
     std::string connection(const std::string& name, int line = 0) const
     {
         return "Driver={" + driver + "};Server=127.0.0.1;Port=" + std::to_string(line ? line : port) +
@@ -155,7 +156,7 @@ protected:
             throw std::runtime_error("no user " + account);
     }
 
-    // A key and a certificate for 127.0.0.1 that nobody has signed: the files key.pem and cert.pem.
+    // Creates a self-signed certificate for 127.0.0.1 and its key: the files cert.pem and key.pem.
     void makeCertificate()
     {
         prepare("openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=127.0.0.1 -addext "
@@ -192,7 +193,7 @@ private:
     pid_t process = -1;
 };
 
-/// Whether a server has TLS, and takes nothing else.
+/// Whether a server offers or requires TLS.
 enum class Tls
 {
     none,
@@ -200,7 +201,7 @@ enum class Tls
     required
 };
 
-/// PostgreSQL with its superuser `user`.
+/// PostgreSQL with the superuser `user`.
 class PostgresServer : public DatabaseServer
 {
 public:
@@ -219,7 +220,7 @@ public:
         startAgain();
     }
 
-    /// Starts it after its end, with options of the command line.
+    /// Starts the server again after its end, with command-line options.
     void startAgain(const std::string& options = "")
     {
         start(programs + "postgres" + data + settings + " -h 127.0.0.1 -p " + std::to_string(port) + " " + options,
@@ -232,7 +233,7 @@ private:
     std::string settings = " -c fsync=off -c unix_socket_directories=";
 };
 
-/// MariaDB with an account `user` that may do everything.
+/// MariaDB with an account `user` that has all rights.
 class MariaDbServer : public DatabaseServer
 {
 public:

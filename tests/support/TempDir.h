@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-/// A folder that lives as long as the object.
+/// A temporary folder, removed with the object.
 class TempDir
 {
 public:
@@ -26,7 +26,7 @@ public:
 
     std::string path(const std::string& name = {}) const { return folder + "/" + name; }
 
-    /// Writes a file, with the folders it lies in, and answers its path.
+    /// Writes a file, creating its folders, and returns its path.
     std::string write(const std::string& name, const std::string& bytes) const
     {
         std::filesystem::create_directories(std::filesystem::path(path(name)).parent_path());

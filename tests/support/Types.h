@@ -2,8 +2,8 @@
 
 #include "Import/MsgBase.h"
 
-/// The types of an import in their order: "NAME(CHILD:KIND …)", the kinds being those of Element::ElementTypes as one
-/// of "EARtSNTO" each, the known type behind a "=", and an array's size in brackets.
+/// Returns the types of an import in order: "NAME(CHILD:KIND ...)". Kinds are those of Element::ElementTypes as letters
+/// of "EARtSNTO", followed by "=" and the known type, and by an array's size in brackets.
 inline CString typesOf(MsgBase& message)
 {
     const auto kindOf = [](const Element& element) {

@@ -17,7 +17,7 @@ namespace {
 
 constexpr char kBlank[] = "This field cannot be left blank - please enter a value.";
 
-// A desk before the login page, whose repository `local` is empty. The types are t_line and order.
+// A desk at the login page, with an empty repository `local`. The types are t_line and order.
 class BrokerDesk : public Desk
 {
 public:
@@ -29,7 +29,7 @@ public:
         walkTo(IDD_LOGIN);
     }
 
-    /// The client that is loaded from now on.
+    /// Sets the client library to be loaded from now on.
     static void useClient(const char* library)
     {
         SettingsStore settings;
@@ -55,8 +55,8 @@ public:
         return lines;
     }
 
-    // Clicks Next on the login page and answers each overwrite dialog by a button of it, 0 closes it. Answers the
-    // dialogs' texts.
+    // Clicks Next on the login page and clicks the given buttons of the overwrite dialogs; 0 closes a dialog. Returns
+    // the texts of the dialogs.
     Texts create(std::vector<int> answers)
     {
         Texts questions;
@@ -68,7 +68,7 @@ public:
             EXPECT_EQ(dialog->windowTitle(), "Overwrite confirmation");
             EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::ArrowCursor);
             QString texts;
-            for (const auto* edit : dialog->findChildren<QTextEdit*>()) // the question, then details
+            for (const auto* edit : dialog->findChildren<QTextEdit*>()) // the question, then the details
                 texts += (texts.isEmpty() ? "" : "|") + edit->toPlainText();
             questions.push_back(texts.toStdString());
             const int button = answers.at(questions.size() - 1);
@@ -85,7 +85,7 @@ public:
     }
 };
 
-// What is typed, and what Next does about it: the box, the control with the focus, the page.
+// The typed values, and the effect of Next: the box, the focused control, the page.
 struct Logon
 {
     const char *server, *port, *user, *password;
@@ -175,10 +175,10 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
     EXPECT_TRUE(user.isEnabled());
     desk.press(IDC_LOGON_TRUSTED);
     QTest::keyClick(server, Qt::Key_Backspace);
-    EXPECT_FALSE(user.isEnabled()); // which was the user's own choice
+    EXPECT_FALSE(user.isEnabled()); // because the user chose the trusted logon
     desk.click("back");
     EXPECT_EQ(desk.page(), IDD_OUTPUT);
-    EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), IDC_TO_BROKER); // what was chosen before
+    EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), IDC_TO_BROKER); // the earlier choice
 }
 
 TEST(OverwriteDialog, ShowsTheWholeOfALongName)
@@ -226,7 +226,7 @@ TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
     EXPECT_EQ(desk.text(IDC_DONE), "On the broker local:1: 3 types: 3 skipped.");
     desk.click("back");
     EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
-    EXPECT_NE(desk.wizard().message, nullptr); // a new one, of the same importer
+    EXPECT_NE(desk.wizard().message, nullptr); // a new importer of the same kind
     EXPECT_EQ(desk.wizard().message->beginEnum(), 0);
 }
 
@@ -244,7 +244,7 @@ TEST(BrokerRoad, NamesTheOtherSourceOfAChangedType)
     const Texts questions = desk.create({IDC_YES, IDC_NO, IDC_NO});
     EXPECT_THAT(questions[0], testing::MatchesRegex(".*Overwrite[?][|]The existing type is a different one, of " +
                                                     first + " \\(20[-0-9]+T[0-9:]+Z\\)[.]"));
-    EXPECT_THAT(questions[1], testing::EndsWith("Overwrite?")); // the same type
+    EXPECT_THAT(questions[1], testing::EndsWith("Overwrite?")); // this type is the same in both
 }
 
 } // namespace

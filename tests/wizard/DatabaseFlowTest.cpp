@@ -12,7 +12,7 @@
 
 namespace {
 
-/// A user on the data source page, with the data sources of an ini file of the test's own.
+/// A desk at the data source page, with the data sources of the test's own ini file.
 class DatabaseFlow : public testing::Test
 {
 protected:
@@ -46,11 +46,11 @@ protected:
         list(id).selectRow(row);
         desk.click("next");
     }
-    // Answers the logon dialogs that come up, one after the other; an empty password cancels.
+    // Fills in the logon dialogs that appear, one after the other; an empty password cancels.
     void answerLogons(const std::vector<std::pair<CString, CString>>& answers, std::size_t at = 0)
     {
         QTimer::singleShot(5, &desk.wizard(), [=, this] {
-            if (QApplication::activeModalWidget() == nullptr) // the source is still being tried
+            if (QApplication::activeModalWidget() == nullptr) // still connecting
                 return answerLogons(answers, at);
             const QWidget& dialog = *QApplication::activeModalWidget();
             const auto& [user, password] = answers[at];
@@ -117,7 +117,7 @@ TEST_F(DatabaseFlow, AsksForTheLogonShowsTheDriversWordsAndGoesOn)
     answerLogons({{"", ""}});
     choose(IDC_DATA_SOURCES, 2);
     EXPECT_EQ(desk.page(), IDD_DATA_SOURCE) << "the user has cancelled";
-    answerLogons({{server.user, "wrong"}, {"", server.password}}); // the user stands there yet
+    answerLogons({{server.user, "wrong"}, {"", server.password}}); // the user name is still filled in
     choose(IDC_DATA_SOURCES, 2);
     EXPECT_EQ(rowsOf(IDC_TABLES), "t|TABLE|postgres|public|\n");
     choose(IDC_TABLES, 0);

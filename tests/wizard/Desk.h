@@ -19,7 +19,7 @@
 
 using Texts = std::vector<CString>;
 
-/// Answers the next file dialog: with a file, or by cancelling.
+/// Handles the next file dialog: chooses a file, or cancels.
 inline void answerFileDialog(const std::string& file)
 {
     QTimer::singleShot(100, [file] {
@@ -32,8 +32,8 @@ inline void answerFileDialog(const std::string& file)
     });
 }
 
-/// A user before a wizard: own settings, own start folder, and the wizard's boxes recorded. The wizard starts on the
-/// first call of wizard(), so that a test can write settings before.
+/// A user of the wizard: own settings, own current folder, and the wizard's boxes recorded. The first call of wizard()
+/// starts the wizard, so a test can write settings before.
 class Desk
 {
 public:
@@ -61,16 +61,16 @@ public:
         return *running;
     }
 
-    /// Ends the wizard, if it runs; the next call of wizard() is a new run.
+    /// Ends the wizard if it runs; the next call of wizard() starts it again.
     void end() { running.reset(); }
 
-    /// The dialog id of the page that is shown; 0 when the wizard has closed.
+    /// Returns the dialog id of the current page; 0 if the wizard is closed.
     int page() { return wizard().isVisible() ? wizard().activePage()->queryDialogId() : 0; }
 
     /// Clicks a button of the sheet: "back", "next", "finish", "cancel" or "help".
     void click(const char* button) { QTest::mouseClick(wizard().findChild<QAbstractButton*>(button), Qt::LeftButton); }
 
-    /// A control of the page that is shown.
+    /// Returns a control of the current page.
     template <class Control>
     Control& control(int id)
     {
@@ -80,17 +80,17 @@ public:
         return *found;
     }
 
-    /// Clicks a button of the page.
+    /// Clicks a button of the current page.
     void press(int id) { control<QAbstractButton>(id).click(); }
 
-    /// What a combo box, a field or a label of the page shows.
+    /// Returns the text of a combo box, field or label of the current page.
     CString text(int id)
     {
         const QVariant chosen = control<QWidget>(id).property("currentText");
         return (chosen.isValid() ? chosen : control<QWidget>(id).property("text")).toString().toStdString();
     }
 
-    /// Selects an importer by its name, as by keyboard.
+    /// Selects an importer by name, as the keyboard does.
     void choose(const CString& importer)
     {
         auto& list = control<ListView>(IDC_IMPORTERS);
@@ -105,7 +105,7 @@ public:
         control<QComboBox>(combo).setEditText(QString::fromStdString(text));
     }
 
-    /// Walks from the first page to `target` on the file road, `source` being imported by `importer`.
+    /// Walks from the first page to `target`, importing the file `source` by `importer`.
     void walkTo(int target)
     {
         while (page() != target) {

@@ -4,7 +4,7 @@ namespace {
 
 constexpr int kFileRoad[] = {IDD_FIRST, IDD_SOURCE_TYPE, IDD_SOURCE, IDD_EDIT, IDD_OUTPUT, IDD_OUTPUT_FILE, IDD_FINISH};
 
-// One row of the flow: on a page, with a text typed into the field it has, a button leads to a page; 0 is the end.
+// A step of the flow: on a page, with a text typed into its field, a button leads to a page; 0 is the end.
 const struct Step
 {
     int from;
@@ -72,7 +72,7 @@ TEST(Flow, StartsOnTheWelcomePageUntilItIsHidden)
     EXPECT_TRUE(desk.control<QAbstractButton>(IDC_HIDE_WELCOME).isChecked());
 }
 
-// A second run begins with what the first one ended with.
+// The second run starts with the choices of the first.
 TEST(Flow, FinishStoresWhatWasChosen)
 {
     Desk desk;
@@ -113,10 +113,10 @@ TEST(Keyboard, LeadsThroughAPageAndToItsLetters)
     ASSERT_TRUE(QTest::qWaitForWindowActive(&desk.wizard()));
     press(Qt::Key_Return);
     EXPECT_EQ(QApplication::focusWidget()->objectName().toInt(), IDC_IMPORTERS);
-    press(Qt::Key_Down); // another importer, and the first again: each key makes one
+    press(Qt::Key_Down); // another importer, then the first again: each key creates one
     press(Qt::Key_Up);
     press(Qt::Key_Return);
-    std::vector<QString> names; // Tab goes through the page, then through the buttons, and comes back
+    std::vector<QString> names; // Tab visits the page, then the buttons, and wraps around
     for (int i = 0; i < 8; ++i, press(Qt::Key_Tab))
         names.push_back(QApplication::focusWidget()->objectName());
     EXPECT_EQ(names, (std::vector<QString>{"1041", "1019", "1103", "back", "next", "cancel", "help", "1041"}));

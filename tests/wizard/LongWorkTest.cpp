@@ -19,8 +19,8 @@
 
 namespace {
 
-// A user who waits for the row that tells of long work, and for a line to fall silent where there is one, then does
-// something, once; and how long that takes to show.
+// A user who waits for the row that shows long work, and for a line to fall silent if there is one, and then acts once.
+// Checks at the end that the row appeared, and that the work ended soon after the act.
 class Watcher
 {
 public:
@@ -101,12 +101,12 @@ TEST(LongWork, LetsInputReachNothingButItsCancel)
         EXPECT_THROW(desk.wizard().runLong(countTables), Cancelled);
         EXPECT_THAT(watcher.text, testing::MatchesRegex("Reading tables: 1,[0-9]{3} of 5,000"));
         EXPECT_EQ(field.text(), before);
-        EXPECT_EQ(desk.wizard().width(), width); // no wider for good
+        EXPECT_EQ(desk.wizard().width(), width); // the row may not widen the window
         EXPECT_EQ(desk.page(), IDD_SOURCE);
         EXPECT_TRUE(field.hasFocus() || desk.wizard().focusWidget() == field.parentWidget());
         EXPECT_TRUE(desk.wizard().findChild<QPushButton*>("next")->isDefault());
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-        pressEscape(desk); // too soon to be meant for the wizard
+        pressEscape(desk); // too early to be meant for the wizard
         EXPECT_TRUE(desk.wizard().isVisible());
     }
 }
@@ -210,10 +210,10 @@ TEST(LongWork, AnswersBeforeASilentDatabase)
         owner.ExecuteSQL("CREATE TABLE table_with_a_long_name_" + std::to_string(i) + " (x int)");
     Desk desk;
     desk.importer = "ODBC importer";
-    const auto read = [&](long bytes, int silentOn) { // answers how many have come, by page
+    const auto read = [&](long bytes, int silentOn) { // returns the bytes received, by page
         Line line(server.port);
         line.left = bytes;
-        const CString name = "Server" + std::to_string(bytes); // what was read of a source is remembered by its name
+        const CString name = "Server" + std::to_string(bytes); // data sources are cached by name
         setenv("ODBCINI",
                desk.dir
                    .write(name, "[" + name + "]\nDriver=PostgreSQL Unicode\nServername=127.0.0.1\nDatabase=postgres\n" +
@@ -243,8 +243,8 @@ TEST(LongWork, AnswersBeforeASilentDatabase)
     };
     const std::vector<long> counts = read(1'000'000, 0);
     EXPECT_EQ(desk.page(), IDD_EDIT);
-    read(100, IDD_DATA_SOURCE);             // while it logs on
-    read(counts[0] - 100, IDD_DATA_SOURCE); // while it lists the tables
+    read(100, IDD_DATA_SOURCE);             // during the logon
+    read(counts[0] - 100, IDD_DATA_SOURCE); // while listing the tables
     read(counts[1] - 100, IDD_DATABASE_TABLE);
     EXPECT_EQ(desk.wizard().message->beginEnum(), 0);
 }
@@ -270,8 +270,8 @@ TEST(LongWork, GoesOnToTheResultsOfACreationThatStops)
     CDatabase owner;
     owner.Open(server.connection("postgres"), CDatabase::readWrite, server.logon());
     owner.ExecuteSQL("CREATE DATABASE typeforge");
-    owner.ExecuteSQL("CREATE ROLE \"TYPEFORGE\" SUPERUSER LOGIN PASSWORD '" + server.password + "'"); // found at once
-    long bytes = 0; // of the answers to a whole creation; the first one makes the table too
+    owner.ExecuteSQL("CREATE ROLE \"TYPEFORGE\" SUPERUSER LOGIN PASSWORD '" + server.password + "'"); // logs on at once
+    long bytes = 0; // received in a whole creation; the first run also creates the table
     for (int run = 0; run < 2; ++run) {
         Line whole(server.port);
         create(whole);
@@ -299,7 +299,7 @@ TEST(LongWork, GoesOnToTheResultsOfACreationThatStops)
     {
         const auto* bar = desk.wizard().findChild<QWidget*>("progressBar");
         const auto cancel = [&] {
-            EXPECT_TRUE(bar->isVisible()); // the page's own isn't yet
+            EXPECT_TRUE(bar->isVisible()); // the page's own bar isn't visible yet
             pressEscape(desk);
         };
         const Watcher watcher(desk, cancel, &dead);

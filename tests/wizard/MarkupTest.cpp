@@ -13,7 +13,7 @@
 
 namespace {
 
-// A picture that tells whether it was opened, and the markup that would show it and a style sheet of the same name.
+// A picture that records whether it was opened, and markup that refers to it as an image and as a style sheet.
 class Bait
 {
 public:
@@ -30,7 +30,7 @@ public:
     bool wasOpened() const
     {
         for (QWidget* window : QApplication::topLevelWidgets())
-            window->grab(); // what is painted is laid out
+            window->grab(); // painting lays out the text
         char events[4096];
         return read(watch, events, sizeof events) > 0;
     }
@@ -87,7 +87,7 @@ TEST(Markup, OfAServerOpensNothing)
     const TempDir dir;
     const Bait bait(dir);
     const std::string& text = bait.markup();
-    ElidedLabel label(QString::fromStdString(text)); // as the progress of long work
+    ElidedLabel label(QString::fromStdString(text)); // as for the progress of long work
     label.resize(20, 20);
     label.show();
     showToolTip(label, {5, 5});

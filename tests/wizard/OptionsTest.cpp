@@ -18,7 +18,7 @@ CString loginName()
     return ::getpwuid(::geteuid())->pw_name;
 }
 
-// A folder for settings; the file is written below its config/typeforge.
+// A fixture with a folder for settings; the file is in its config/typeforge.
 class Settings : public testing::Test
 {
 protected:
@@ -50,7 +50,7 @@ protected:
 
 using Texts = std::vector<std::string>;
 
-// A settings file that is no good counts as empty, and stays at hand where it couldn't be read at all.
+// An invalid settings file counts as empty. A file that couldn't be read at all is kept.
 TEST_F(Settings, AreDefaultsWhereTheFileIsBad)
 {
     const std::string deep = "{\"a\":" + std::string(200000, '[') + std::string(200000, ']') + "}";
@@ -86,7 +86,7 @@ TEST_F(Settings, AreDefaultsWhereTheFileIsBad)
     }
 }
 
-// Nothing waits for a pipe that stands where the file should be.
+// Reading doesn't wait for a pipe in place of the file.
 TEST_F(Settings, AreDefaultsWhereTheFileIsAPipe)
 {
     const std::string file = write("");
@@ -102,7 +102,7 @@ TEST_F(Settings, AreWrittenWholeAndComeBack)
     QELOptions options = load();
     options.setHideWelcome(1);
     options.setInputFolder("/in/größe");
-    options.setOutputFolder("/out/\xff"); // no UTF-8
+    options.setOutputFolder("/out/\xff"); // not UTF-8
     options.addInputFile("a.dtd");
     options.addInputFile("b.dtd");
     options.addOutputFile("c.xml");
@@ -152,7 +152,7 @@ TEST_F(Settings, ListEndsBeforeWhatIsTooLong)
     }
 }
 
-// In time that grows with the file, whatever shape it has.
+// Takes linear time, whatever the structure of the file.
 TEST_F(Settings, AreReadAtOnceWhereThereAreMany)
 {
     CString values, objects;
@@ -169,7 +169,7 @@ TEST_F(Settings, AreReadAtOnceWhereThereAreMany)
         options.addInputFile("b");
         options.flushValues();
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
-        EXPECT_NE(read().find("99999"), std::string::npos); // what isn't ours stays
+        EXPECT_NE(read().find("99999"), std::string::npos); // foreign keys stay
         EXPECT_EQ(shown(&QELOptions::fillInputFile, options).front(), "b");
     }
 }
@@ -185,7 +185,7 @@ TEST_F(Settings, AreReadByTheRulesOfTheRegistry)
         bool found;
         const char* text;
     } texts[] = {{"text", 5, true, "four"},
-                 {"text", 4, false, ""},          // the end doesn't fit
+                 {"text", 4, false, ""},          // no room for the terminator
                  {"number", 5, true, "\x02\x01"}, // as bytes
                  {"", 5, false, ""}};
     for (const auto& row : texts) {
@@ -206,7 +206,7 @@ TEST_F(Settings, AreReadByTheRulesOfTheRegistry)
     }
 }
 
-// A place that can't be written leaves the wizard unharmed and what was there before in place.
+// If settings can't be written, the wizard works on and the existing file stays.
 TEST_F(Settings, ThatCantBeStoredAreLeftAlone)
 {
     dir.write("config/typeforge", "a file where the folder should be");
@@ -228,7 +228,7 @@ TEST(RecentList, KeepsFifteenNewestFirstEachOnce)
     EXPECT_EQ(list, (CStringList{"server1", "Server1"}));
 }
 
-// Starts a process that stores settings again and again, each time all of them with one number.
+// Starts a process that keeps storing settings, each time with one number in all of them.
 pid_t startStoring()
 {
     const pid_t child = ::fork();
@@ -244,14 +244,14 @@ pid_t startStoring()
     }
 }
 
-// Two wizards store at once and are killed in the middle of it.
+// Two wizards store at the same time and are killed while doing so.
 TEST_F(Settings, AreOldOrNewWheneverTheProcessIsKilled)
 {
     std::minstd_rand random(std::random_device{}());
     for (int round = 0; round < 50; ++round) {
         const pid_t wizards[] = {startStoring(), startStoring()};
         while (!std::filesystem::exists(dir.path("config/typeforge/settings.json")))
-            ::usleep(1000); // on a busy machine it may be long until the first are there
+            ::usleep(1000); // on a busy machine the first file may take long
         ::usleep(500 + random() % 10000);
         for (const pid_t wizard : wizards) {
             ::kill(wizard, SIGKILL);

@@ -60,7 +60,7 @@ TEST(ImporterPage, ListsTheImportersAndTakesTheBasePath)
 TEST(ImporterPage, KeepsTheImporterWithTheRow)
 {
     Desk desk;
-    desk.wizard().options.setLastImporterSel(99); // a row that is gone
+    desk.wizard().options.setLastImporterSel(99); // a row that no longer exists
     desk.click("next");
     EXPECT_EQ(desk.wizard().message, nullptr);
     auto& list = desk.control<ListView>(IDC_IMPORTERS);
@@ -186,7 +186,7 @@ TEST(SourcePage, StaysWhereAnImportFails)
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
-// The importers that read in full offer it, and an error that the literal reading ends with names the way there.
+// The importers with a full reading offer it, and the errors that end a literal reading point to it.
 TEST(SourcePage, OffersTheFullReading)
 {
     Desk desk;
@@ -217,7 +217,7 @@ TEST(SourcePage, OffersTheFullReading)
     EXPECT_FALSE(full.isVisible());
 }
 
-// A viewer that notes what it was given, and what it found there.
+// Installs a viewer that records the names and permissions of its files.
 std::string noteViews(Desk& desk)
 {
     const std::string notes = desk.dir.path("notes");
@@ -269,7 +269,7 @@ TEST(TypesPage, ShowsATypeInAFileOfItsOwnForTheRun)
                 testing::ElementsAre(testing::MatchesRegex("Can't open file /no/such/folder/QEL_.*\\.xml, error = 2")));
     qunsetenv("TMP");
     qunsetenv("TEMP");
-    desk.press(IDC_VIEW); // without both, the current folder
+    desk.press(IDC_VIEW); // without either, the current folder
     EXPECT_EQ(viewFiles(desk.dir.path("start")).size(), 3u);
     desk.end();
     EXPECT_EQ(viewFiles(desk.dir.path("start")), Texts{});
@@ -330,7 +330,7 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     EXPECT_EQ(wayOut->text(), "Read it in full, by the check box on the page before: it uses parameter entities.");
 }
 
-// View files by a name that is relative while they are made, and an output file that isn't whole yet.
+// View files whose name is relative to the folder at creation, and an output file that isn't complete yet.
 TEST(TypesPage, TakesTheFilesInHandAlongWhereASignalEndsIt)
 {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
@@ -376,17 +376,17 @@ TEST(TypesPage, HasFiftyThousandTypesAndForgetsThemOnTheWayBack)
     EXPECT_FALSE(list.visualRect(list.model()->index(49999, 0)).isEmpty());
     desk.click("back");
     EXPECT_EQ(list.rowCount(), 0);
-    desk.click("back"); // the elements are freed here
+    desk.click("back"); // frees the elements
     desk.wizard().grab();
     EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
 }
 
 struct Arrangement
 {
-    int clicks; // on the first title
+    int clicks; // on the first column's title
     const char* filter;
     const char* shown;
-    int selected; // of the third row, which is selected at first
+    int selected; // afterwards; row 2 is selected before
 } const kArrangements[] = {
     {0, "", "b\nA\nc", 2}, {1, "", "A\nb\nc", 2}, {2, "", "c\nb\nA", 2},
     {3, "", "b\nA\nc", 2}, {2, "B", "c\nb", 2},   {0, "a", "A", -1},
@@ -413,7 +413,7 @@ TEST(List, FiltersSortsAndCopies)
         list.clearSelection();
         QTest::keySequence(&list, QKeySequence::Copy);
         EXPECT_EQ(QApplication::clipboard()->text(), row.shown);
-        list.selectRow(0); // also where the filter hides it
+        list.selectRow(0); // even if the filter hides it
         EXPECT_EQ(list.selectedRow(), 0);
     }
 }
@@ -422,7 +422,7 @@ struct Pressed
 {
     int rows;
     const char* filter;
-    Qt::Key key; // in the field where a filter is typed, else in the list
+    Qt::Key key; // goes to the field if a filter is typed, else to the list
     int selected;
     const char* count;
 } const kPressed[] = {
@@ -514,7 +514,7 @@ struct Opened
 {
     const char* name;
     const char* content;
-    const char* importer; // its word, null where there is none
+    const char* importer; // its word; null if there is none
 } const kOpened[] = {
     {"a.DTD", "", "dtd"},
     {"a.xsd", kOrder, "xsd"},
@@ -590,12 +590,12 @@ TEST(Sheet, HelpLeadsToThePagesTopic)
     desk.click("back");
     desk.click("help");
     EXPECT_NE(window->windowTitle().toStdString(), topic);
-    theApp.WinHelp(0x10000 + IDD_OUTPUT_FILE, 1); // by the low half
-    theApp.WinHelp(IDD_OUTPUT, 2);                // not the context-help command
+    theApp.WinHelp(0x10000 + IDD_OUTPUT_FILE, 1); // the low half is the page
+    theApp.WinHelp(IDD_OUTPUT, 2);                // not the context help command
     EXPECT_EQ(window->windowTitle().toStdString(), topic);
 }
 
-// Three boxes of one import, the second with its check box ticked; then one of the next import.
+// Three boxes of one import, the second with its check box ticked, then a box of the next import.
 TEST(MessageBox, OffersToHideTheRestOfAnImport)
 {
     Desk desk;
@@ -626,7 +626,7 @@ TEST(MessageBox, OffersToHideTheRestOfAnImport)
         for (const CString& text : import)
             theApp.Error(text, IDS_ERROR_TITLE);
     }
-    const CString statement(100000, 'x'); // as a real source can have
+    const CString statement(100000, 'x'); // as long as real sources have
     theApp.Error(statement, IDS_ERROR_TITLE, statement);
     EXPECT_EQ(seen, (Texts{"1", "2 [ ]", "3 [ ]", "5", statement + " (" + statement + ")"}));
     setMessageBoxHandler(recorder);

@@ -20,7 +20,7 @@ namespace {
 const char* const kCycle =
     "<!ELEMENT a (b*, c)><!ELEMENT b (a, d)><!ELEMENT c EMPTY><!ELEMENT d (e)><!ELEMENT e EMPTY>";
 
-// A user on the page of types, one of which is selected, with its structure beside the list.
+// A user on the page of types, with one selected and its structure beside the list.
 struct TypesDesk : Desk
 {
     explicit TypesDesk(const std::string& dtd = kCycle, int row = 0)
@@ -28,7 +28,7 @@ struct TypesDesk : Desk
         source = dir.write("in/views.dtd", dtd);
         walkTo(IDD_EDIT);
         button("showStructure").setChecked(true);
-        QApplication::processEvents(); // which gives the pane its width
+        QApplication::processEvents(); // gives the pane its width
         select(row);
     }
 
@@ -45,7 +45,7 @@ struct TypesDesk : Desk
     }
 };
 
-// What a person sees of the tree who opens rows down to that depth: "name:type" and in brackets what opens below.
+// Returns what the tree shows with rows opened down to `depth`: "name:type", with the rows below in brackets.
 CString opened(const QTreeView& tree, const QModelIndex& index, int depth)
 {
     QAbstractItemModel& model = *tree.model();
@@ -121,7 +121,7 @@ TEST(StructureOfAType, AnswersAtOnceForFiftyThousandTypes)
         QTest::keyClick(&desk.tree(), Qt::Key_Right);
         QTest::keyClick(&desk.tree(), Qt::Key_Down);
     }
-    QTest::keyClick(&desk.tree(), Qt::Key_Asterisk); // would open without end
+    QTest::keyClick(&desk.tree(), Qt::Key_Asterisk); // would expand without end
     desk.button("showPicture").click();
     EXPECT_EQ(desk.window<QLabel>("status")->text().toStdString(),
               "3 types; a double click on one goes on from there.");
@@ -167,7 +167,7 @@ TEST(TypeWindow, FindsRoundTheEndsAndCopies)
         seen.push_back(std::to_string(text.textCursor().selectionStart()) + status.text().toStdString());
     }
     const int width = desk.window<QWidget>("documentWindow")->minimumSizeHint().width();
-    EXPECT_LE(width, 450); // of a small screen, twice its size
+    EXPECT_LE(width, 450); // a small screen is twice as wide
     desk.window<QLineEdit>("find")->setText(QString(180, 'x'));
     desk.window<QAbstractButton>("findNext")->click();
     EXPECT_EQ(desk.window<QWidget>("documentWindow")->minimumSizeHint().width(), width);
@@ -182,7 +182,7 @@ TEST(TypeWindow, FindsRoundTheEndsAndCopies)
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     answerFileDialog(desk.dir.path("a.xml"));
     desk.window<QAbstractButton>("save")->click();
-    const QString shown = text.toPlainText(); // each tag on a line of its own, as the file has them not
+    const QString shown = text.toPlainText(); // one tag a line, unlike the file
     EXPECT_EQ(TempDir::read(desk.dir.path("a.xml")), QString(shown).remove(QRegularExpression("\n *")).toStdString());
 }
 

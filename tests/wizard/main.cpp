@@ -4,11 +4,11 @@
 
 #include <csignal>
 
-// The pages are driven without a display.
+// Drives the pages without a display.
 int main(int argc, char* argv[])
 {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
-        std::signal(signal, SIG_DFL); // whoever started the tests may ignore them
+        std::signal(signal, SIG_DFL); // they may be ignored by the parent process
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -2,7 +2,7 @@
 
 #include <string>
 
-// A client that fails as the server's name in its address says, "logon-error" for instance, and else succeeds.
+// A client that fails if the address names an error, such as "logon-error", and succeeds otherwise.
 
 namespace {
 
@@ -31,7 +31,7 @@ protected:
     std::string mode;
 };
 
-// Answers its calls with the codes 0, 1, 99, 5, then an error, then 0.
+// Returns the codes 0, 1, 99, 5, then an error, then 0.
 class TestRepository final : public TestObject<IVornRepository>
 {
 public:

@@ -1,5 +1,5 @@
-// Preloaded into a program: names on standard error what brings files to the disk. DISK_FAILS and DISK_KILLS name a
-// call that fails with EIO, or that the process doesn't survive.
+// Preloaded into a program: reports the calls that bring files to the disk to standard error. DISK_FAILS and DISK_KILLS
+// name a call that fails with EIO, or that kills the process.
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>

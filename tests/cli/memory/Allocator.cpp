@@ -1,5 +1,5 @@
-// Preloaded into a program: counts its allocations and lets one of them fail. FAILING_ALLOCATION is its number, from 1;
-// without it the count is written into the file ALLOCATION_COUNT at the end.
+// Preloaded into a program: counts its allocations and fails one of them. FAILING_ALLOCATION is its number, counted
+// from 1. Without it the count is written to the file ALLOCATION_COUNT at exit.
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
@@ -85,7 +85,7 @@ int posix_memalign(void** out, std::size_t alignment, std::size_t size)
     return memory ? 0 : ENOMEM;
 }
 
-// Large pieces of an arena are mapped.
+// Arenas map large blocks.
 void* mmap(void* address, std::size_t size, int protection, int flags, int file, off_t offset)
 {
     if (failsNow())

@@ -1,7 +1,7 @@
-// An ODBC driver for one connection, whose answers a test writes by hand. "Rows=FILE" of the connection string names
-// them: a line for each row, its values apart by tabs, an empty one null; a line "!TEXT" is a fetch that fails with
-// TEXT. "Without=N" takes the function with ODBC's number N out of it, "Statements=0" its statements. With
-// TEST_DRIVER_CRASHES in the environment its catalogue ends the process.
+// An ODBC driver for one connection, with handwritten results. "Rows=FILE" in the connection string names them: a line
+// for each row, its values separated by tabs, an empty value null. A line "!TEXT" is a fetch that fails with TEXT.
+// "Without=N" removes the function with ODBC's number N, "Statements=0" its statements. With TEST_DRIVER_CRASHES in the
+// environment a catalogue call ends the process.
 
 #include <sql.h>
 #include <sqlext.h>
@@ -41,7 +41,7 @@ SQLRETURN SQLAllocHandle(SQLSMALLINT kind, SQLHANDLE, SQLHANDLE* out)
 {
     if (kind == SQL_HANDLE_STMT && word("Statements") == "0")
         return SQL_ERROR;
-    *out = new Statement; // of other kinds too, where nobody looks into it
+    *out = new Statement; // also for other kinds of handles, which are never read
     return SQL_SUCCESS;
 }
 SQLRETURN SQLFreeHandle(SQLSMALLINT, SQLHANDLE handle)
@@ -75,7 +75,7 @@ SQLRETURN SQLColumns(SQLHSTMT statement, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMA
     executing = !executing;
     if (!executing)
         rows.open(word("Rows"));
-    return executing ? SQL_STILL_EXECUTING : SQL_SUCCESS; // the first call is still at work
+    return executing ? SQL_STILL_EXECUTING : SQL_SUCCESS; // the first call is still executing
 }
 SQLRETURN SQLTables(SQLHSTMT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*,
                     SQLSMALLINT) __attribute__((alias("SQLColumns")));
