@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Times whole commands on files, in turn, and prints medians.
+"""Measures whole commands on files, alternately, and prints medians.
 
-compare.py [-n RUNS] FILE... -- NAME=COMMAND...   In COMMAND, {} stands for the file. The last column is the CPU time
-(user and system) against that of the first command on the same file, pair by pair; growth is against the file before.
+compare.py [-n RUNS] FILE... -- NAME=COMMAND...   In COMMAND, {} is replaced by the file. The last column is the CPU
+time (user and system) relative to the first command on the same file, pair by pair; growth is relative to the previous
+file.
 """
 import argparse
 import os
@@ -12,7 +13,7 @@ import sys
 
 
 def run(command):
-    """CPU seconds and peak memory in bytes of one run."""
+    """Returns the CPU seconds and the peak memory in bytes of one run."""
     pid = os.fork()
     if pid == 0:
         null = os.open(os.devnull, os.O_RDWR)

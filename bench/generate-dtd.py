@@ -1,10 +1,9 @@
 #!/usr/bin/env python3
 """Writes a DTD of N declarations to standard output: generate-dtd.py N [--web]
 
-Records in a tree, as message definitions are: each holds text elements of its own, some from a pool that many records
-share, records declared behind it, and an attribute; a comment says what each declaration is for. About 130 bytes a
-declaration. With --web every record refers to records anywhere in the file, before it or behind it, so that nearly all
-of them form one great cycle.
+Records form a tree, as in message definitions. Each has text elements of its own, some from a pool that many records
+share, records declared after it, an attribute and a comment; about 130 bytes a declaration. With --web every record
+refers to records anywhere in the file, so that nearly all of them form one large cycle.
 """
 import random
 import sys

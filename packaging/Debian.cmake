@@ -5,7 +5,7 @@ set(CPACK_COMPONENTS_ALL typeforge-import)
 if(TYPEFORGE_WIZARD)
     list(APPEND CPACK_COMPONENTS_ALL typeforge)
 endif()
-# Whoever builds the packages answers for them: named as Debian's own tools do it, else the author of the commit.
+# The maintainer is the builder of the packages, given by Debian's variables; else the author of the commit.
 if(NOT "$ENV{DEBEMAIL}" STREQUAL "")
     set(CPACK_PACKAGE_CONTACT "$ENV{DEBFULLNAME} <$ENV{DEBEMAIL}>")
 else()
@@ -29,10 +29,10 @@ that a message broker needs: records, tables, enumerations and arrays. It
 writes them to a file or creates them in the broker's repository.
 .
 This package holds the command alone, which needs no graphical desktop.")
-# Without the SQLite driver there is no repository \"local\".
+# The SQLite driver is needed for the repository \"local\".
 set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_RECOMMENDS "libsqliteodbc")
 set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_SUGGESTS "odbc-postgresql, odbc-mariadb, tdsodbc, unixodbc")
-# Builds before the parts were packaged on their own had all in one.
+# Older builds had both components in one package.
 set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_REPLACES "typeforge (<< ${version})")
 set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_BREAKS "typeforge (<< ${version})")
 
@@ -46,13 +46,13 @@ or tables of a database. It shows every type before it goes anywhere, and
 writes all of them into one file or creates them in the broker's repository.
 .
 This package holds the wizard; typeforge-import is its command for scripts.")
-# The windows come through plugins, which the linker doesn't know of.
+# Qt loads platform plugins at run time, so dpkg-shlibdeps doesn't find them.
 set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_DEPENDS "typeforge-import (= ${version}), qt6-qpa-plugins")
 set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_RECOMMENDS
     "qt6-gtk-platformtheme | qt6-xdgdesktopportal-platformtheme, qt6-wayland, xdg-utils, libsqliteodbc")
 set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_SUGGESTS "odbc-postgresql, odbc-mariadb, tdsodbc, unixodbc")
 
-# Each package says what it is under and what became different (Debian Policy 12.5, 12.7).
+# Each package has its licence and its changelog (Debian Policy 12.5, 12.7).
 find_program(GZIP gzip REQUIRED)
 configure_file(changelog.in changelog @ONLY)
 set(changelog ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz)

@@ -1,4 +1,4 @@
-"""Creating types from the command line: what a killed run leaves, where a password doesn't go, what is asked."""
+"""Creating types from the command line: killed runs, secrecy of passwords, prompts."""
 import os
 import pty
 import resource
@@ -49,7 +49,7 @@ class Create(unittest.TestCase):
                    "".join("<!ELEMENT e%d (x,y,z)>" % i for i in range(count)))
         documents = self.run_import("many.dtd")[1]
         for kill in range(KILLS):
-            lines = 500 * kill // KILLS  # that have been read before; the pipe and its reader hold less than the rest
+            lines = 500 * kill // KILLS  # lines read before the kill; a pipe holds less than the others
             shutil.rmtree(self.folder + "/typeforge", ignore_errors=True)
             with self.subTest(lines=lines), self.start("many.dtd", "--create", "local", pipesize=4096) as running:
                 for _ in range(lines):
@@ -90,7 +90,7 @@ class Create(unittest.TestCase):
             try:
                 while piece := os.read(terminal, 1000):
                     screen += piece
-            except OSError:  # what the terminal of a process that has ended answers
+            except OSError:  # reading the terminal of a process that has ended
                 pass
             self.assertNotIn(b"never", screen)
             self.assertIn(end, screen.decode())
@@ -186,7 +186,7 @@ class Create(unittest.TestCase):
                 self.assertEqual("a - creation error\n%sr - creation error\n%s" % (reason, reason), running.communicate("a\n")[0])
                 self.assertEqual("Driver=SQLite3;Database=%s: error: %s" % (tables, reason), reading.communicate()[1])
                 self.assertEqual(4, running.wait())
-            self.assertLess(time.monotonic() - start, 18)  # it is 10 s, and 10 s more for each further one
+            self.assertLess(time.monotonic() - start, 18)  # a wait takes 10 s, and each further one 10 s more
             start = time.monotonic()
             self.assertEqual((1, "", "typeforge-import: Repository Error (%s)\n" % reason.rstrip()),
                              self.run_import("pair.dtd", "--create", "local"))
@@ -210,7 +210,7 @@ class Create(unittest.TestCase):
                                               for name in ("", "/types.db")])
 
     def test_a_missing_driver_is_named_with_its_package(self):
-        self.environment["ODBCSYSINI"] = self.folder  # where no driver is known
+        self.environment["ODBCSYSINI"] = self.folder  # no driver is registered there
         for server, driver, package in ("local", "SQLite3", "libsqliteodbc"), ("[::1]", "PostgreSQL Unicode", "odbc-postgresql"):
             said = ("typeforge-import: Unable to establish a connection to Broker: [unixODBC][Driver Manager]Can't open lib "
                     f"'{driver}' : file not found (SQLSTATE 01000); the package is {package}\n")

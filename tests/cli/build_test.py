@@ -1,4 +1,4 @@
-"""The build projects of examples/ build, notice a changed schema, and refuse one that breaks readers."""
+"""The build projects of examples/ build, rebuild after a schema change, and reject a change that breaks readers."""
 import os
 import pathlib
 import shutil
@@ -25,7 +25,7 @@ class Build(unittest.TestCase):
     def change(self, file, old, new):
         path = self.examples / file
         path.write_text(path.read_text(encoding="utf-8").replace(old, new, 1), encoding="utf-8")
-        later = path.stat().st_mtime_ns + 2 * 10**9  # what was built has a time of this second, too
+        later = path.stat().st_mtime_ns + 2 * 10**9  # built files may have a time within this second
         os.utime(path, ns=(later, later))
 
     def test_make(self):

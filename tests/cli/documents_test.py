@@ -1,4 +1,4 @@
-"""Runs each command that README.md and docs/ show behind a "$" and compares what it prints with the lines shown below it."""
+"""Runs each command after a "$" in README.md and docs/ and compares its output with the lines shown below it."""
 
 import os
 import pathlib
@@ -13,7 +13,7 @@ DOCUMENTS = [ROOT / "README.md", ROOT / "CONTRIBUTING.md", ROOT / "CHANGELOG.md"
 
 
 def shown_commands(text):
-    """Pairs of a command and the lines below it."""
+    """Returns pairs of a command and the lines below it."""
     commands, is_below = [], False
     for line in text.splitlines():
         if line.startswith(INDENT + "$ "):

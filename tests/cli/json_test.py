@@ -1,4 +1,4 @@
-"""Each form of JSON that the command line writes is what its schema in docs/ says."""
+"""Each form of JSON that the command line writes conforms to its schema in docs/."""
 
 import itertools
 import json

@@ -1,7 +1,7 @@
-"""Imports with each importer of files where one allocation fails: a clear error and no file, or the whole file.
+"""Imports in which one allocation fails: each ends with a clear error and no file, or with the whole file.
 
-The driver manager of databases doesn't look at what it was given and dies of it, so tables aren't tried.
-Some of the allocations, evenly spread and others each time; TYPEFORGE_ALLOCATIONS=all takes every one of them.
+Tables are left out, because the ODBC driver manager doesn't check its allocations and crashes. The tests fail some
+allocations, evenly spread and different in each run; TYPEFORGE_ALLOCATIONS=all fails each of them.
 """
 import concurrent.futures
 import os
@@ -24,7 +24,7 @@ class Memory(unittest.TestCase):
         self.folder = pathlib.Path(folder.name)
 
     def run_import(self, arguments, name, **environment):
-        """The exit status, what was said, and what the output file holds."""
+        """Returns the exit status, standard error and the contents of the output file."""
         place = self.folder / name
         place.mkdir()
         run = subprocess.run([BUILD + "/typeforge-import", *arguments, "-o", "out"], cwd=place, timeout=60,

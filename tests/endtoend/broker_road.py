@@ -1,4 +1,4 @@
-"""From the welcome page to types in a repository, and again over types that exist, with the keyboard alone."""
+"""Creates types in a repository, new and existing ones, from the welcome page on by keyboard only."""
 import os
 import pathlib
 import sqlite3
@@ -23,7 +23,7 @@ class BrokerRoad(WizardTest):
         self.choose_importer("dtd", "Select source")
         self.type(self.source)
         self.next("Generated types", "Select output mode")
-        self.key("Down")  # a letter with Alt would take its time to arrive at the radio button
+        self.key("Down")  # an Alt key would reach the radio button later
         self.key("Return")
         self.expect_page(LOGIN)
 
@@ -36,7 +36,7 @@ class BrokerRoad(WizardTest):
         self.key("Return")
 
     def check(self, rows):
-        """Creates and replaces; the revision of a row tells how often it was replaced."""
+        """Creates and replaces types; the revision of a row counts its replacements."""
         documents = sorted(self.imported("dtd", self.source, "--type", name).decode() for name in ["r"] + self.names)
         first = self.imported("dtd", self.source, "--list").decode().split("\t")[0]
         for answers, first_replaced, rest_replaced in [

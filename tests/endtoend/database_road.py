@@ -1,4 +1,4 @@
-"""From the welcome page to a written file with the keyboard alone, out of databases."""
+"""Writes a file from databases, from the welcome page on by keyboard only."""
 import pathlib
 import sqlite3
 import unittest
@@ -35,7 +35,7 @@ class DatabaseRoad(WizardTest):
         port, user, password = self.postgres(*TABLES)
         self.to_data_sources("[S]\nDriver=PostgreSQL Unicode\nServername=127.0.0.1\nDatabase=postgres\nPort=" + port)
         refused = None
-        for fields in ((user, "wrong"), (password,)):  # the user stands there yet
+        for fields in ((user, "wrong"), (password,)):  # the user name is still filled in
             wait_until("the logon", lambda: self.window("Log on to S") not in ("", refused))
             self.expect_title("Log on to S")
             refused = self.window("Log on to S")

@@ -1,4 +1,4 @@
-"""From the welcome page to a written file with the keyboard alone, for each kind of file."""
+"""Writes a file from each kind of source file, from the welcome page on by keyboard only."""
 import os
 import subprocess
 import unittest
@@ -14,7 +14,7 @@ class FileRoad(WizardTest):
             self.assertEqual((0, start, ""), (ran.returncode, ran.stdout[:len(start)], ran.stderr))
 
     def walk(self, importer, source):
-        """From the importer page to the finish page; gives the written file."""
+        """Walks from the importer page to the finish page. Returns the written file."""
         self.choose_importer(importer, "Select source")
         self.type(source)
         return self.write(importer + "-types.xml")
@@ -25,7 +25,7 @@ class FileRoad(WizardTest):
         self.next("Select source type")
         self.key("F1")
         self.expect_title("Choosing an importer - Typeforge help")
-        self.expect_page("Select source type")  # which goes on beside the help window
+        self.expect_page("Select source type")  # the wizard stays usable beside the help window
         for importer, folder, name in [("dtd", EXAMPLES, "order.dtd"), ("xsd", EXAMPLES, "order.xsd"),
                                        ("btd", self.home, "dtd-types.xml"), ("xml", EXAMPLES, "order.xml")]:
             with self.subTest(importer):
@@ -37,9 +37,9 @@ class FileRoad(WizardTest):
         self.assertTrue(self.window("Choosing an importer - Typeforge help"))
         self.end("alt+f")
         self.environment["TYPEFORGE_VIEWER"] = "false"
-        self.start("Select source type")  # the next run starts with the importer and the file of the first
+        self.start("Select source type")  # the next run starts with the last importer and file
         self.next("Select source", "Generated types")
-        self.key("Down", "Tab", "Tab", "space", "shift+Tab", "End", "Return")  # from a type's structure to who uses it
+        self.key("Down", "Tab", "Tab", "space", "shift+Tab", "End", "Return")  # from a type's structure to its users
         for keys, window in [(["alt+v"], "t_Line - Typeforge type"), (["alt+p"], "t_Line - Typeforge picture")]:
             self.key(*keys)
             self.expect_title(window)

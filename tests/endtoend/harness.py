@@ -1,4 +1,4 @@
-"""Drives the built wizard in a real window, as a person at the keyboard does.
+"""Drives the built wizard in a real window by keyboard, as a user does.
 
 Every test case gets a home folder of its own; the display and its window manager are started once for the process.
 TYPEFORGE_BUILD names the folder with the programs.
@@ -16,11 +16,11 @@ import unittest
 BUILD = os.environ["TYPEFORGE_BUILD"]
 HERE = os.path.dirname(os.path.abspath(__file__))
 EXAMPLES = os.path.join(os.path.dirname(os.path.dirname(HERE)), "examples")
-PATIENCE = 60  # seconds; only a failure ever waits that long
+PATIENCE = 60  # seconds; only failures take that long
 
 
 def wait_until(what, condition):
-    """Polls for the condition's first true answer and gives it."""
+    """Polls a condition and returns its first true result."""
     deadline = time.monotonic() + PATIENCE
     while time.monotonic() < deadline:
         answer = condition()
@@ -31,13 +31,13 @@ def wait_until(what, condition):
 
 
 def ask(*command):
-    """What the command prints, or nothing where it fails."""
+    """Returns the output of a command; empty if it fails."""
     done = subprocess.run(command, capture_output=True, text=True, timeout=PATIENCE)
     return done.stdout.strip() if done.returncode == 0 else ""
 
 
 def setUpModule():
-    """Starts a display, on a number that the server finds free itself, with a window manager."""
+    """Starts a display, on a free number chosen by the server, with a window manager."""
     def start(*command, **how):
         process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **how)
         atexit.register(process.wait)
@@ -48,12 +48,12 @@ def setUpModule():
     with os.fdopen(reader) as numbers:
         os.environ["DISPLAY"] = ":" + numbers.readline().strip()
     start("openbox", "--sm-disable")
-    # Windows mapped before the window manager runs would never get the focus.
+    # A window mapped before the window manager runs never gets the focus.
     wait_until("the window manager", lambda: ask("xdotool", "get_desktop"))
 
 
 class WizardTest(unittest.TestCase):
-    """A test case with one wizard. Titles are whole window titles; those of pages go without what they start with."""
+    """A test case with one wizard. Titles are full window titles; page titles are given without their common prefix."""
 
     def setUp(self):
         self.home = tempfile.mkdtemp(prefix="typeforge-")
@@ -74,11 +74,11 @@ class WizardTest(unittest.TestCase):
         self.expect_page(page)
 
     def window(self, title):
-        """The visible window of that title, or nothing."""
+        """Returns the visible window with that title; empty if there is none."""
         return ask("xdotool", "search", "--onlyvisible", "--name", "^" + re.escape(title) + "$").split("\n")[0]
 
     def expect_title(self, title):
-        """Waits until a window of that title is there and has the keyboard."""
+        """Waits until a window with that title has the keyboard focus."""
         def focused():
             self.assertIsNone(self.wizard.poll(), "the wizard ended where '%s' was expected" % title)
             window = self.window(title)
@@ -92,7 +92,7 @@ class WizardTest(unittest.TestCase):
         self.expect_title("Typeforge - " + title)
 
     def expect_error(self, page):
-        """Waits for the error box, closes it, and wants to be on that page."""
+        """Waits for the error box, closes it, and expects that page."""
         self.expect_title("Typeforge Error")
         self.key("Return")
         wait_until("the end of the error", lambda: not self.window("Typeforge Error"))
@@ -102,42 +102,42 @@ class WizardTest(unittest.TestCase):
         subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], check=True, timeout=PATIENCE)
 
     def type(self, *texts):
-        """Types over whatever the field with the focus holds, and the fields after it."""
+        """Replaces the contents of the focused field, and of the fields after it."""
         for text in texts:
             self.key(*["Tab"] if text is not texts[0] else [], "ctrl+a")
             subprocess.run(["xdotool", "type", "--clearmodifiers", "--delay", "4", text], check=True, timeout=PATIENCE)
 
     def next(self, *pages):
-        """Presses Next and waits for the page of that title, for each of them."""
+        """For each title, presses Next and waits for that page."""
         for page in pages:
             self.key("alt+n")
             self.expect_page(page)
 
     def choose_importer(self, name, page):
-        """On the importer page: picks the importer that typeforge-import calls so, and goes on to that page."""
+        """On the importer page: selects the importer with this name on the command line, and continues to that page."""
         names = [line.split("\t")[0] for line in self.imported("--importers").decode().splitlines()]
         self.key("Home", *["Down"] * names.index(name))
         self.next(page)
 
     def end(self, key):
-        """Presses the key that ends the program, and wants a clean end."""
+        """Presses the key that ends the program, and expects exit status 0."""
         self.key(key)
         self.assertEqual(0, self.wizard.wait(PATIENCE), pathlib.Path(self.home, "wizard.log").read_text())
 
     def write(self, name="types.xml"):
-        """From the page before that of the types to the last page; gives the written file."""
+        """Walks from the page before the types to the last page. Returns the written file."""
         self.next("Generated types", "Select output mode", "Select output file")
         self.type(os.path.join(self.home, name))
         self.next("Finish")
         return pathlib.Path(self.home, name).read_bytes()
 
     def imported(self, *arguments):
-        """What typeforge-import prints for these arguments."""
+        """Returns the output of typeforge-import for these arguments."""
         return subprocess.run([BUILD + "/typeforge-import", *arguments], env=self.environment, stdout=subprocess.PIPE,
                               timeout=PATIENCE, check=True).stdout
 
     def postgres(self, *statements):
-        """Starts a server and runs the statements in it; gives its port, user and password."""
+        """Starts a server and executes the statements. Returns its port, user and password."""
         server = subprocess.Popen([BUILD + "/test_postgres", *statements], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                   text=True)
         self.addCleanup(server.communicate)

@@ -1,4 +1,4 @@
-"""What is installed beside the programs fits them, and the tools of the desktop accept it."""
+"""The installed manuals, completions and desktop files match the programs, and are valid."""
 import os
 import re
 import subprocess
@@ -41,7 +41,7 @@ class Packaging(unittest.TestCase):
                                      ("dtd a -o ''", 4, "files "), ("btd a --overwrite n", 4, "none")]:
             self.assertEqual((0, offered + "\n", ""), run("bash", "-c", script % (line, place)), line)
 
-        # The shells themselves; bash-completion's part is what the rows above stand in for.
+        # Tries the shells themselves. The rows above replace functions of bash-completion.
         said = "Replace existing types: all, none or ask (default: ask on a terminal, else keep)"
         load = "source (" + BUILD + "/typeforge-import --completion fish | psub); complete -C '" + BUILD + "/typeforge-import "
         self.assertEqual((0, "none\t" + said + "\n", ""), run("fish", "-c", load + "dtd a --overwrite n'"))
@@ -62,7 +62,7 @@ class Packaging(unittest.TestCase):
         for command in ["desktop-file-validate org.typeforge.typeforge.desktop", manual + ".1", manual + "-import.1"]:
             status, out, err = run(*command.split())
             self.assertEqual((0, ""), (status, err), command + "\n" + out)
-        # There is no home page to name, which newer versions warn of.
+        # There is no home page; newer versions warn of that.
         _, out, err = run("appstreamcli", "validate", "--no-net", "org.typeforge.typeforge.metainfo.xml")
         self.assertIn("Validation ", out + err)
         self.assertEqual([], [row for row in out.split("\n") if re.match("[EW]: ", row) and "url-homepage-missing" not in row])
@@ -71,7 +71,7 @@ class Packaging(unittest.TestCase):
         carried = re.findall(r"<file>help/(.*)</file>", read(SOURCE + "/src/Resources/wizard.qrc"))
         self.assertEqual(sorted(os.listdir(HELP)), sorted(carried))
         pages = ["index.html"]
-        for page in pages:  # which grows on the way
+        for page in pages:  # the list grows during the loop
             text = read(HELP + page)
             self.assertIn('href="help.css"', text)
             pages += sorted(set(re.findall(r'<a href="([^"]*)"', text)) - set(pages))
