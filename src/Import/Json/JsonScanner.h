@@ -41,7 +41,7 @@ public:
     explicit JsonScanner(std::string_view text);
 
     /// Scans a file with any number of values, one after another. Memory is bounded by the longest key or number; of a
-    /// long string, only the first 4 KiB are kept.
+    /// long string only the beginning is kept, up to the size of the buffer.
     explicit JsonScanner(InputFile& file);
 
     /// Returns the next token; `end` after the last value. Throws JsonFault.
