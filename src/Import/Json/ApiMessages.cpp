@@ -129,7 +129,7 @@ void ApiMessages::readChannel(Index channel, std::string_view name)
         readMessage(follow(at), tree.key(at));
 }
 
-// Adds a message, named by its identifier or its name, else by its key or channel.
+// Adds a message. Its name is the `name`, else the `messageId`, else its key or channel.
 void ApiMessages::readMessage(Index message, std::string_view name)
 {
     if (!tree.is(message, JsonNode::object) || !isNew(message))
