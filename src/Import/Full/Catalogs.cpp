@@ -8,7 +8,7 @@
 namespace {
 
 constexpr std::size_t kMaxCatalogs = 1'000;
-constexpr std::size_t kLongestIdentifier = 4'096; // longer ones stand in no catalogue
+constexpr std::size_t kLongestIdentifier = 4'096; // longer identifiers aren't looked up
 constexpr std::uint32_t kNoCatalog = ~0U;
 
 constexpr std::string_view kSpace = "urn:oasis:names:tc:entity:xmlns:xml:catalog";
@@ -31,11 +31,11 @@ CString fromUrn(std::string_view urn)
 
 } // namespace
 
-/// Reads the entries of one catalogue.
+// Reads the entries of one catalogue into Catalogs.
 class CatalogReader : public XmlHandler
 {
 public:
-    /// `folder` is what the catalogue lies in, `file` its number in the report.
+    /// `folder` is the catalogue's folder, `file` its number in the report.
     CatalogReader(Catalogs& catalogs, std::uint32_t number, const CString& folder, std::uint32_t file) :
         catalogs(catalogs), number(number), file(file), open{{{folder, false}, true}}
     {}
@@ -46,11 +46,11 @@ public:
     bool wantsText() const override { return false; }
     bool wantsScopes() const override { return true; }
 
-    /// Whether the document was a catalogue.
+    /// Returns whether the document is a catalogue.
     bool isCatalog() const { return isOne; }
 
 private:
-    // An element that is open, or the document.
+    // The state of an open element, or of the document.
     struct Level
     {
         Catalogs::Base base;
@@ -60,12 +60,12 @@ private:
     void add(Catalogs::Kind kind, const CString& key, const CString& target);
 
     Catalogs& catalogs;
-    const std::uint32_t number; // of the catalogue
+    const std::uint32_t number; // number of the catalogue
     const std::uint32_t file;
     std::vector<Level> open;
     SourcePlace place;
-    bool isOurs = false; // the element that begins
-    bool isOne = false;
+    bool isOurs = false; // the element that begins is in the namespace of catalogues
+    bool isOne = false;  // the root is a catalogue
 };
 
 void CatalogReader::scope(const XmlScope& scope)
@@ -152,7 +152,7 @@ CString Catalogs::normalizedPublicId(std::string_view publicId)
     return normalized;
 }
 
-/// The absolute path that a reference means; "" for one that is not local.
+// Returns the absolute path that a reference leads to; "" if it is not local.
 CString Catalogs::pathOf(const CString& reference, const Base& base)
 {
     const CString path = localPath(reference);
@@ -176,11 +176,12 @@ void Catalogs::load(const CString& fileName)
     const std::uint32_t catalog = read({fileName, id.value_or(FileId())}, fileName, nullptr);
     given.push_back(catalog);
     for (std::size_t i = 0; i < waiting.size(); ++i)
-        readNamed(Named(waiting[i])); // reading adds others
+        readNamed(Named(waiting[i])); // reading adds further ones
     waiting.clear();
 }
 
-/// Reads one catalogue, unless that has been done. kNoCatalog for one that `named` names and that can't be read.
+// Reads one catalogue, unless it is known, and returns its number. `named` is null for a given catalogue; for another
+// one kNoCatalog is returned if it can't be read, which the report says.
 std::uint32_t Catalogs::read(const FoundFile& file, const CString& shownName, const Named* named)
 {
     const auto number = static_cast<std::uint32_t>(catalogs.size());
@@ -257,7 +258,7 @@ std::optional<CString> Catalogs::askAll(Question question) const
     return std::nullopt;
 }
 
-/// Asks a catalogue and those that it names as next ones, in depth.
+// Searches a catalogue and its next catalogues, depth first.
 std::optional<CString> Catalogs::ask(std::uint32_t catalog, Question& question) const
 {
     std::vector<std::uint32_t> open{catalog};
@@ -276,7 +277,7 @@ std::optional<CString> Catalogs::ask(std::uint32_t catalog, Question& question) 
     return std::nullopt;
 }
 
-/// In the order that the standard gives: what names it whole, then the longest beginning or end.
+// Searches one catalogue in the standard's order: exact matches, then the longest prefix or suffix, then delegates.
 std::optional<CString> Catalogs::askOne(const Catalog& catalog, Question& question) const
 {
     const auto& tables = catalog.tables;

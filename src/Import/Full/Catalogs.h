@@ -8,25 +8,27 @@
 #include <set>
 #include <unordered_map>
 
-/// XML Catalogs (OASIS Standard 1.1, 2005): which local files stand for public and system identifiers, and for URIs.
-/// Nothing is fetched over a network, and no other catalogue than the given ones and those that they name is read.
-/// 1,000 catalogues and 100,000 entries are the bounds.
+/// XML Catalogs (OASIS Standard 1.1, 2005): map public and system identifiers and URIs to local files. Nothing is
+/// fetched over a network. Only the given catalogues and those that they refer to are read; at most 1,000 catalogues
+/// with 100,000 entries.
 class Catalogs
 {
 public:
     explicit Catalogs(SourceReport& report) : report(report) {}
 
-    /// Reads a catalogue and those that it names, each once. Throws SourceRefusal if it can't be read or is none; one
-    /// that another one names is then left out, which the report says.
+    /// Reads a catalogue and those that it refers to, each once. Throws SourceRefusal if it can't be read or is no
+    /// catalogue. A faulty catalogue that another one refers to is left out and reported.
     void load(const CString& fileName);
 
+    /// Removes all catalogues.
     void clear();
 
-    /// The absolute path for an external identifier; either may be empty. Nothing if no catalogue has an entry for it;
-    /// "" if the entry names no local file.
+    /// Returns the absolute path for an external identifier; one of the two parts may be empty. Nothing if no catalogue
+    /// has an entry for it; "" if the entry leads to no local file.
     std::optional<CString> findExternal(std::string_view publicId, std::string_view systemId) const;
 
-    /// The same for a URI: a namespace, or the location of a document, which may be listed as a system identifier, too.
+    /// The same for a URI: a namespace, or the location of a document, which is also searched among the system
+    /// identifiers.
     std::optional<CString> findUri(std::string_view uri) const;
 
 private:
@@ -48,7 +50,7 @@ private:
         kindCount
     };
 
-    // What relative references are relative to: a folder, or a place elsewhere.
+    // The base of relative references: a folder, or a remote location.
     struct Base
     {
         CString folder;
@@ -57,17 +59,17 @@ private:
 
     struct Entry
     {
-        CString target; // a reference
+        CString target; // as written
         Base base;
         bool prefersPublic = true;
-        std::optional<std::uint32_t> catalog; // of a delegate, once that has been read
+        std::optional<std::uint32_t> catalog; // number of a delegate, once it has been read
     };
 
-    // The entries of one kind; of two for the same the first one holds.
+    // The entries of one kind. The first entry for a key takes precedence.
     struct Table
     {
         std::unordered_map<CString, Entry> entries;
-        std::set<std::size_t, std::greater<>> lengths; // of their keys
+        std::set<std::size_t, std::greater<>> lengths; // lengths of the keys, longest first
     };
 
     struct Catalog
@@ -76,13 +78,13 @@ private:
         std::vector<std::uint32_t> next;
     };
 
-    // A catalogue that another one names.
+    // A reference from one catalogue to another.
     struct Named
     {
         std::uint32_t from;
         Kind kind;
         CString key;
-        CString reference; // as it is written
+        CString reference; // as written
         Base base;
         SourcePlace place;
     };
@@ -91,7 +93,7 @@ private:
     {
         std::string_view publicId, systemId, uri;
         std::vector<bool> isAsked; // by catalogue
-        bool isOver = false;       // what was found, or that nothing was, is final
+        bool isOver = false;       // the result is final
     };
 
     static CString normalizedPublicId(std::string_view publicId);
@@ -109,9 +111,9 @@ private:
 
     SourceReport& report;
     std::vector<Catalog> catalogs;
-    std::vector<std::uint32_t> given; // in their order
-    std::map<FileId, std::uint32_t> known;
-    std::vector<Named> waiting;
+    std::vector<std::uint32_t> given;      // in the given order
+    std::map<FileId, std::uint32_t> known; // number of the catalogue by file
+    std::vector<Named> waiting;            // references that haven't been read yet
     std::size_t entryCount = 0;
     FileFinder finder;
 };

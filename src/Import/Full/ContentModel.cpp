@@ -21,8 +21,8 @@ void ContentModel::endGroup(bool repeats)
     open.pop_back();
 }
 
-// A name has one entry in a content, however often it is met. Stamps say which entries are this content's, so that none
-// has to be cleared for the next one.
+// A name has one entry in a content, however often it occurs. Stamps mark the entries of the current content, so
+// nothing has to be cleared for the next one.
 void ContentModel::add(std::uint32_t name, bool repeats)
 {
     if (name >= stamp.size()) {
@@ -43,9 +43,9 @@ void ContentModel::add(std::uint32_t name, bool repeats)
     groupsBegin.push_back(0);
 }
 
-// Whether a name that was met earlier and one that is met now can stand in one content. The innermost open group that
-// holds both decides. (To ask that of neighbours is enough: the outermost group of any two is that of two neighbours
-// between them.)
+// Returns whether an earlier name and the current one can occur together: the innermost open group around both decides.
+// Comparing neighbouring occurrences is sufficient, because the innermost group of two distant ones is that of a pair
+// of neighbours between them.
 bool ContentModel::canFollow(std::uint32_t earlier) const
 {
     const auto behind = std::partition_point(open.begin(), open.end(),

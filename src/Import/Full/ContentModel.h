@@ -6,16 +6,16 @@
 #include <span>
 #include <vector>
 
-/// Flattens one content model: which names it holds, in the order in which they first occur, and which of them may
-/// occur more than once: by their own mark, by that of a group around them, or twice where both can stand together. The
-/// reader hands over groups and names as it meets them; names are numbers from 0, as dense as can be.
+/// Flattens one content model: collects its names in order of first occurrence, and finds those that may occur more
+/// than once. A name repeats by its own mark, by that of a group around it, or if it occurs twice where both can be
+/// present. Readers add groups and names in document order. Names are numbers from 0, as dense as possible.
 class ContentModel
 {
 public:
     enum Group : std::uint8_t
     {
-        undecided, ///< its first connector will tell; till then a sequence
-        sequence,  ///< also what may come in any order
+        undecided, ///< decided by its first connector; a sequence until then
+        sequence,  ///< or content in any order
         choice
     };
 
@@ -27,12 +27,13 @@ public:
         friend bool operator==(const Entry&, const Entry&) = default;
     };
 
-    /// Begins a content model anew.
+    /// Starts a new content model.
     void clear();
 
+    /// Starts a group inside the current one.
     void beginGroup(Group kind) { open.push_back({position(), kind}); }
 
-    /// Says what the innermost group is. False if that was not left open.
+    /// Sets the kind of the innermost group. Returns false if it is known already.
     bool decide(Group kind)
     {
         if (open.empty() || open.back().kind != undecided)
@@ -41,18 +42,19 @@ public:
         return true;
     }
 
-    /// Ends the group that was begun last; `repeats` when the whole group may.
+    /// Ends the innermost group; `repeats` if the whole group may occur more than once.
     void endGroup(bool repeats);
 
+    /// Adds a name; `repeats` if it may occur more than once by its own mark.
     void add(std::uint32_t name, bool repeats);
 
-    /// What the content holds, once all groups have been ended. Valid until the next clear().
+    /// Returns the names of the content. Call it after all groups have ended. Valid until the next clear().
     std::span<const Entry> finish();
 
 private:
     struct OpenGroup
     {
-        std::uint32_t start; // how many names had been met
+        std::uint32_t start; // number of names before the group
         Group kind;
     };
 
@@ -60,11 +62,11 @@ private:
     bool canFollow(std::uint32_t earlier) const;
 
     std::vector<OpenGroup> open;
-    std::vector<std::uint32_t> met;        // the entry that each name met belongs to
-    std::vector<std::int32_t> groupsBegin; // by position: how many groups that repeat begin there, less those that end
+    std::vector<std::uint32_t> met;        // the entry of each occurrence
+    std::vector<std::int32_t> groupsBegin; // by position: repeating groups that start there, minus those that end there
     std::vector<Entry> entries;
-    std::vector<std::uint32_t> entryOf; // by name: its entry + 1, when `stamp` is the current one
+    std::vector<std::uint32_t> entryOf; // by name: its entry, if `stamp` is the current one
     std::vector<std::uint32_t> stamp;
-    std::vector<std::uint32_t> last; // by entry: where it was met last
+    std::vector<std::uint32_t> last; // by entry: position of its last occurrence
     std::uint32_t current = 0;
 };

@@ -4,7 +4,7 @@ namespace {
 
 constexpr std::size_t kLongestDescription = 255;
 
-/// The first characters of a text in UTF-8.
+// Returns the first `count` characters of a UTF-8 text.
 std::string_view firstCharacters(std::string_view text, std::size_t count)
 {
     const auto isFirstByte = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };

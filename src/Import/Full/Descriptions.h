@@ -2,8 +2,9 @@
 
 #include "Base/Text.h"
 
-/// Appends `text` to a description with each run of white space as one space, as long as there is room for it.
+/// Appends `text` to a description with each run of white space as one space, until the description is long enough for
+/// shortDescription().
 void appendCollapsed(CString& out, std::string_view text);
 
-/// What a type carries of a description that was collected so: its first 255 characters, trimmed.
+/// Returns the description of a type: the first 255 characters of a text collected by appendCollapsed(), trimmed.
 std::string_view shortDescription(std::string_view collapsed);

@@ -32,7 +32,7 @@ std::vector<std::size_t> DocumentLinks::findTops(std::span<const Index> given) c
     StrongComponents components(graph, std::max(named.size(), last + 1));
     for (const Index document : given)
         components.visit(document);
-    std::vector<bool> isNamed(components.componentCount()); // from outside, or has a top already
+    std::vector<bool> isNamed(components.componentCount()); // from another component, or has a top already
     for (const Index document : components.query())
         for (std::size_t link = 0; link < graph.degree(document); ++link)
             if (const Index other = graph.target(document, link);

@@ -4,19 +4,19 @@
 #include <span>
 #include <vector>
 
-/// Which documents of a set name which others, by the numbers of the documents.
+/// The references between the documents of a set. Documents are numbers.
 class DocumentLinks
 {
 public:
     using Index = std::uint32_t;
 
-    /// Notes that `document` names `other`.
+    /// Records that `document` refers to `other`.
     void add(Index document, Index other);
 
-    /// Those of `given`, by their positions in it, that no document of another one names, in their order; of documents
-    /// that name each other in a circle the first.
+    /// Returns the positions in `given`, in order, of the documents that no document outside of their own cycle refers
+    /// to. Of the documents in a cycle, only the first one is returned.
     std::vector<std::size_t> findTops(std::span<const Index> given) const;
 
 private:
-    std::vector<std::vector<Index>> named; // by document
+    std::vector<std::vector<Index>> named; // targets of references, by document
 };

@@ -14,7 +14,7 @@
 
 namespace {
 
-// What is left of a file's name without folder and suffix, as an XML name.
+// Returns the file's name without folder and suffix, as an XML name.
 CString nameOfFile(const CString& fileName)
 {
     CString name(stemOf(fileName));
@@ -26,7 +26,7 @@ CString nameOfFile(const CString& fileName)
     return isXmlName(name) ? name : "_";
 }
 
-// What a message chooses a type from comes with it.
+// Adds the types that a message may choose by xsi:type to the order.
 void visitChoices(const SourceTypes& types, RecordOrder& order)
 {
     std::unordered_multimap<SourceTypes::Index, SourceTypes::Index> choicesOf(types.choosers.begin(),
@@ -59,7 +59,7 @@ SourceTypes::Index spaceOf(const SourceTypes& types, SourceTypes::Type type)
 
 } // namespace
 
-// The records of the main types, and the documents whose elements these are.
+// The records of the main types, and the files that declare their elements.
 struct FullMessage::MainTypes
 {
     std::vector<Index> records;
@@ -67,7 +67,7 @@ struct FullMessage::MainTypes
     bool isAskedFor = false; // by the caller, or the sources themselves: nothing but what they reach is imported
 };
 
-// What one import declares from.
+// The state of declaring one import in the model.
 struct FullMessage::Declaring
 {
     SourceTypes& types;
@@ -115,7 +115,7 @@ int FullMessage::parse(const CString& source, const CString& basePath, const CSt
     }
 }
 
-// What the last import has left beside the model.
+// Clears the results of the last import outside of the model.
 void FullMessage::forget()
 {
     mainType.clear();
@@ -176,7 +176,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         declareRecord(declaring, record);
 }
 
-// Settles the name of the whole and answers the records of the main types.
+// Sets the name of the whole, and returns the records of the main types.
 FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString& fileName)
 {
     MainTypes main;
@@ -246,7 +246,7 @@ std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes&
     return chosen;
 }
 
-// The record of a main type; a leaf gets one that holds its value.
+// Returns the record of a main type. A leaf gets a record with the field "value".
 SourceTypes::Index FullMessage::recordOf(SourceTypes& types, Index candidate)
 {
     const SourceTypes::Candidate& element = types.candidates[candidate];
@@ -281,7 +281,7 @@ Element* FullMessage::declareType(Declaring& declaring, Index space, std::string
     return element;
 }
 
-// What its fields refer to is declared before it.
+// Declares a record, after the enumerations and tables that its fields use.
 void FullMessage::declareRecord(Declaring& declaring, Index index)
 {
     for (const SourceTypes::Field& field : declaring.types.fieldsOf(index)) {
@@ -310,7 +310,7 @@ void FullMessage::declareEnumeration(Declaring& declaring, Index index)
     }
 }
 
-// What tables inside each other hold comes before them.
+// Declares nested tables from the inside out.
 void FullMessage::declareTables(Declaring& declaring, Index outer)
 {
     std::vector<Index> tables;
@@ -324,8 +324,8 @@ void FullMessage::declareTables(Declaring& declaring, Index outer)
             declareTable(declaring, *table);
 }
 
-// A table holds its component as its child, or the ordering would put it before that. A child has the path of its type,
-// by which the ordering tells that type's name.
+// Declares a table. Its component is also a child of it, because the order would otherwise put the table first. A child
+// has the path of its type, which identifies the type for the order.
 void FullMessage::declareTable(Declaring& declaring, Index index)
 {
     declaring.tables[index] = true;

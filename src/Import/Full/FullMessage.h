@@ -11,15 +11,15 @@
 class FullMessage : public MsgBase
 {
 public:
-    /// `row` is the importer that this one reads for.
+    /// `row` is the table row of the importer.
     explicit FullMessage(MsgUIDescriptor& row) : MsgBase(0), row(row) {}
 
-    /// Makes these the main types, and imports only what they reach; none leave the choice to the source. Each is an
-    /// element, else a type that is declared at the top; "{URI}name", or "prefix:name" with a prefix that the source
-    /// declares, names one of several that are called alike.
+    /// Sets the main types, and limits the import to the types that they reach. Without names the source's own choice
+    /// is used. A name is that of an element, else of a top-level type; "{URI}name", or "prefix:name" with a prefix
+    /// declared by the source, selects one of several of the same name.
     void setRoots(const std::vector<CString>& names) { roots = names; }
 
-    /// The same for one, or none with "".
+    /// The same for a single main type; "" for none.
     void setRoot(const CString& name) { roots.assign(name.empty() ? 0 : 1, name); }
     CString queryRoot() const { return roots.empty() ? CString() : roots.front(); }
 
@@ -29,9 +29,9 @@ public:
     /// How types are laid out below the base path.
     enum class Layout
     {
-        automatic,  ///< byNamespace for several sources, byMainType for one
+        automatic,  ///< byNamespace for several sources, else byMainType
         byMainType, ///< all in the folder of the main type
-        byNamespace ///< each in the folder of its namespace, where it has its name to itself
+        byNamespace ///< each in the folder of its namespace; names are unique only there
     };
     void setLayout(Layout wanted) { layout = wanted; }
     Layout queryLayout() const { return layout; }
@@ -42,7 +42,7 @@ public:
         return layout == Layout::byNamespace || (layout == Layout::automatic && !furtherFiles.empty());
     }
 
-    /// The folder for the types of a namespace, where they lie by namespace; "" is the base path itself.
+    /// Sets the folder of a namespace, used with Layout::byNamespace; "" is the base path itself.
     void setFolder(const CString& uri, const CString& folder) { folders[uri] = folder; }
 
     /// Whether types of the same name and content in several namespaces become one, in the folder `common`, where they
@@ -52,19 +52,20 @@ public:
     /// The name of the whole, instead of the first main type's; "" for that one.
     void setName(const CString& name) { givenName = name; }
 
-    /// The catalogues by which documents and modules are found, in this order.
+    /// Sets the catalogues for finding documents and modules, in order of precedence.
     void setCatalogs(const std::vector<CString>& files) { catalogFiles = files; }
 
-    /// Parameter entities, each with its value, that are declared in front of a DTD. False if the source has none.
+    /// Sets parameter entities with their values, which are declared before a DTD. Returns false if sources of this
+    /// kind have none.
     virtual bool setEntities(const std::vector<std::pair<CString, CString>>&) { return false; }
 
-    /// The entities that leave out sections of the last source, when all its sections were left out.
+    /// Returns the entities that switch sections off; empty unless all sections of the last source were left out.
     const std::vector<CString>& querySwitches() const { return switches; }
 
-    /// The elements that could well be the main type, the one that the source's own choice falls on first.
+    /// Returns the names of possible main types, the source's own choice first.
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
 
-    /// What a file uses that the literal reading of its kind doesn't know, in words; "" when that is nothing.
+    /// Returns what a file uses that the literal reading doesn't support, in words; empty if there is nothing.
     virtual CString queryUses(const CString&) const { return {}; }
 
     int parse(const CString& source, const CString& basePath, const CString& fileName) final;
@@ -72,7 +73,7 @@ public:
     MsgUIDescriptor* queryDescriptor() const override { return &row; }
 
 protected:
-    /// For an importer that reads several files as one source: what setFurtherFiles() was given.
+    /// Keeps the files of setFurtherFiles(), for importers that read several files as one source. Returns true.
     bool keepFurtherFiles(const std::vector<CString>& files)
     {
         furtherFiles = files;
@@ -81,9 +82,11 @@ protected:
     const std::vector<CString>& queryFurtherFiles() const { return furtherFiles; }
     const std::vector<CString>& queryRoots() const { return roots; }
     const Catalogs& queryCatalogs() const { return catalogs; }
+    /// Adds an entity to querySwitches().
     void addSwitch(std::string_view entity) { switches.emplace_back(entity); }
 
-    /// Says what `source` (what parse() was given) declares. Throws SourceRefusal where it can't be imported.
+    /// Adds the declarations of `source`, which is what parse() was given, to `types`. Throws SourceRefusal if it can't
+    /// be imported.
     virtual void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) = 0;
 
 private:

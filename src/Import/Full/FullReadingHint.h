@@ -2,8 +2,8 @@
 
 #include "Base/Text.h"
 
-/// Whether the text of an error is one that a literal reading ends with when its source needs the full reading.
+/// Returns whether an error text is one that ends a literal reading because the source needs the full reading.
 bool isErrorOfLiteralReading(std::string_view text);
 
-/// Appends `words` to a list of what a source uses, if `isUsed`.
+/// Appends `words` to a list of used constructs if `isUsed`.
 void addUse(CString& uses, bool isUsed, const char* words);

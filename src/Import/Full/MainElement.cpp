@@ -8,7 +8,7 @@
 
 namespace {
 
-// How often each reference may be followed to find out what can be reached from where.
+// The budget for measuring: how often each reference may be followed on average.
 constexpr std::size_t kStepsPerReference = 20;
 
 bool isLetterOrDigit(char c)
@@ -21,7 +21,7 @@ bool isSameLetter(char a, char b)
     return lowerAscii(a) == lowerAscii(b);
 }
 
-// Whether `name` stands in `text` as a word of its own, in any case.
+// Returns whether `text` contains `name` as a whole word, in any case.
 bool hasWord(std::string_view text, std::string_view name)
 {
     for (auto from = text.begin();; ++from) {
@@ -73,8 +73,8 @@ std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Ind
     return measureAll(stemOf(fileName));
 }
 
-// What others lead to can't reach more than they do. So of each group of records that hold each other, one that nobody
-// else leads to, a single member is measured, for the first element that stands for it.
+// Finds the candidates to measure. A record that others refer to reaches no more than they do, so it is enough to
+// measure one member of each cycle that nothing outside refers to, for the first element that it belongs to.
 void MainElement::findSources()
 {
     const Index turn = ++walks;
@@ -114,7 +114,7 @@ std::vector<SourceTypes::Index> MainElement::measureAll(std::string_view fileNam
             most = size;
             best = candidate;
         }
-    stepsLeft = std::max(stepsLeft, types.records.size()); // at least one name gets its chance
+    stepsLeft = std::max(stepsLeft, types.records.size()); // enough for at least one named candidate
     for (const Index candidate : ranked)
         if (hasWord(fileName, types.candidates[candidate].name))
             if (const std::size_t size = measure(types.candidates[candidate].type.index); size > mostNamed) {
@@ -129,7 +129,7 @@ std::vector<SourceTypes::Index> MainElement::measureAll(std::string_view fileNam
     return all;
 }
 
-// How many records can be reached from one, itself included; 0 when the steps are used up.
+// Returns the number of records that can be reached from one, itself included; 0 if the budget is exhausted.
 std::size_t MainElement::measure(Index record)
 {
     std::size_t reached = 0;

@@ -2,9 +2,9 @@
 
 #include "Import/Full/RecordOrder.h"
 
-/// Chooses the element that messages start with: the one from which the most records can be reached; of equals the
-/// first that is declared. One whose name is a word of the file's name goes before when it reaches at least half as
-/// many. Elements without fields, and abstract ones, come last.
+/// Chooses the main element: the one from which the most records can be reached; of equals the first declared. An
+/// element whose name is a word of the file's name takes precedence if it reaches at least half as many. Elements
+/// without fields, and abstract ones, come last.
 class MainElement
 {
 public:

@@ -3,7 +3,7 @@
 #include "Base/StrongComponents.h"
 #include "Import/Full/SourceTypes.h"
 
-/// The links of a record lead to the records that its fields hold.
+/// The graph of records: each field that holds a record is an edge.
 struct RecordLinks
 {
     const SourceTypes& types;
@@ -16,8 +16,8 @@ struct RecordLinks
     }
 };
 
-/// Puts records in order, components before what uses them, and finds those that hold each other. Only there does one
-/// come before a component of its own.
+/// Orders records so that components come before their users, and finds cycles of records. Only inside a cycle may a
+/// record come before a component of its own.
 class RecordOrder : public StrongComponents<RecordLinks>
 {
 public:

@@ -7,7 +7,7 @@ namespace {
 
 using Index = SourceTypes::Index;
 
-constexpr std::size_t kShown = 20; // how many candidates a refusal names
+constexpr std::size_t kShown = 20; // candidates that an error lists
 
 [[noreturn]] void refuse(const CString& words)
 {

@@ -2,7 +2,7 @@
 
 #include "Import/Full/SourceTypes.h"
 
-/// The name of an element or type without its namespace, of "name", "prefix:name" or "{URI}name".
+/// Returns the local part of "name", "prefix:name" or "{URI}name".
 std::string_view localNameOf(std::string_view root);
 
 /// Finds candidates by the names that users call them by. The types must not change meanwhile.

@@ -12,11 +12,11 @@ constexpr std::string_view kTablePrefix = "t_";
 
 } // namespace
 
-// The names of one record's fields. Few are looked for one by one.
+// The field names of one record. Few names are searched linearly.
 class SourceNames::FieldNames
 {
 public:
-    /// False when the name is there already.
+    /// Adds a name. Returns false if it is taken.
     bool add(std::string_view name)
     {
         if (names.size() < kFewFields) {
@@ -33,7 +33,7 @@ public:
         return true;
     }
 
-    /// The name with the number that is its turn.
+    /// Returns the name with its next number appended.
     CString numbered(std::string_view name)
     {
         return CString(name) + "_" + std::to_string(++lastNumbers.try_emplace(name, 1).first->second);
@@ -50,8 +50,8 @@ void SourceNames::name(const std::vector<Index>& order, std::span<const Index> f
 {
     isNamed.assign(types.enumerations.size(), false);
     spaces.resize(types.spaces.size());
-    // In the order of declaration, so that of two with one name the first keeps it; what the main types' documents
-    // declare goes before the others.
+    // Names are given in order of declaration, so the first of equal names keeps it. Records declared in the files of
+    // the main types come first.
     std::vector<bool> isWanted(types.records.size());
     for (const Index record : order)
         isWanted[record] = true;
@@ -97,7 +97,7 @@ void SourceNames::nameRecord(Index index)
         noteChange(record.place, wanted, record.name);
 }
 
-// Elements first, then attributes, then the text: the later give way.
+// Names the fields of a record: elements first, then attributes, then the text, so the later ones change.
 void SourceNames::nameFields(Index index)
 {
     const SourceTypes::Record record = types.records[index];
@@ -158,7 +158,8 @@ void SourceNames::nameTable(Field& field, std::string_view prefix, Index record,
     field.type = {SourceTypes::kindTable, known->second};
 }
 
-// `prefix` and `name`; when that is taken, with the name of the record `home` between them; then with a number.
+// Returns `prefix` and `name` as one name. If that is taken, the name of the record `home` is inserted; then a number
+// is appended.
 std::string_view SourceNames::unique(std::string_view prefix, std::string_view name, Index home, Index space)
 {
     auto& [taken, lastNumbers] = spaces[space];

@@ -6,21 +6,21 @@
 #include <unordered_map>
 #include <unordered_set>
 
-/// Gives the types of a source their final names, each once in its namespace: records first, then enumerations and
-/// tables as they are met walking the records. A name that is taken gets the name of its record and "_" in front, then
-/// a number. Within a record elements keep their names, an attribute called like one gets the record's name in front,
-/// and "value" yields. What a name had to give way to is noted in the report.
+/// Gives the types of a source their final names, unique in each namespace: records first, then enumerations and tables
+/// in the order of the records' fields. A taken name gets the name of its record and "_" as prefix, then a number. In a
+/// record elements keep their names, an attribute named like an element gets the record's name as prefix, and the text
+/// field "value" changes last. Changes are reported.
 class SourceNames
 {
 public:
     SourceNames(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
-    /// Names the records `order`, their fields, and what those use. The records `first` are named before the others,
-    /// and those that the files `ownFiles` declare before those of other files.
+    /// Names the records in `order`, their fields, and the types of these. The records `first` are named first, then
+    /// those declared in the files `ownFiles`, then the others.
     void name(const std::vector<SourceTypes::Index>& order, std::span<const SourceTypes::Index> first,
               std::span<const std::uint32_t> ownFiles);
 
-    /// Names the declared enumerations that no field has, behind all others.
+    /// Names the declared enumerations that no field uses. Call it after name().
     void nameUnused();
 
 private:
@@ -28,7 +28,7 @@ private:
     using Field = SourceTypes::Field;
     class FieldNames;
 
-    // Fields of one name and one type share a table in their namespace.
+    // Fields of the same name and type share a table in each namespace.
     struct TableKey
     {
         std::string_view name;
@@ -45,7 +45,7 @@ private:
         }
     };
 
-    // The names of one namespace.
+    // The names taken in one namespace.
     struct Space
     {
         std::unordered_set<std::string_view, KeyHash> taken;
@@ -63,7 +63,7 @@ private:
 
     SourceTypes& types;
     SourceReport& report;
-    std::vector<Space> spaces;
+    std::vector<Space> spaces; // by namespace
     std::unordered_map<TableKey, Index, TableHash> tables;
     std::unordered_set<TableKey, TableHash> sharedTables; // of several namespaces, under 0 for each
     std::vector<bool> isNamed;                            // by enumeration

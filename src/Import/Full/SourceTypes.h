@@ -11,8 +11,8 @@
 #include <unordered_map>
 
 /// The types that a source declares, by index, before they have their final names: records with fields, enumerations,
-/// and the elements that a message may start with. A reader fills it; SourceNames names, MainElement chooses,
-/// FullMessage declares.
+/// and candidates for main types. Readers fill it, MainElement chooses the main type, SourceNames gives names, and
+/// FullMessage declares the types.
 class SourceTypes
 {
 public:
@@ -26,10 +26,10 @@ public:
         kindTime,
         kindEnumeration,
         kindRecord,
-        kindTable ///< made of fields that repeat when they are named; not for readers
+        kindTable ///< made by SourceNames for repeating fields; readers don't use it
     };
 
-    /// A kind; for the last three with the index of what it is.
+    /// A kind; the last three kinds have the index of the type.
     struct Type
     {
         Kind kind = kindText;
@@ -40,18 +40,18 @@ public:
 
     enum Role : std::uint8_t
     {
-        roleValue, ///< the text beside fields
+        roleValue, ///< the text in addition to fields
         roleElement,
         roleAttribute
     };
 
     struct Field
     {
-        std::string_view name; ///< as the source says it; lives as long as the types, see keep()
+        std::string_view name; ///< as in the source; a view that lives as long as the types, see keep()
         std::string_view description{};
         Type type{};
         Role role = roleElement;
-        std::uint16_t repeats = 0; ///< how many tables inside each other hold its values
+        std::uint16_t repeats = 0; ///< number of nested tables around its values
     };
 
     struct Record
@@ -59,7 +59,7 @@ public:
         std::string_view name;
         std::string_view description{};
         SourcePlace place{};
-        Index home = kNone; ///< the record inside which it is declared, whose name goes before a name that is taken
+        Index home = kNone; ///< the record that contains its declaration, used to make a taken name unique
         Index space = 0;    ///< see spaceOf()
         Index firstField = 0;
         Index fieldCount = 0;
@@ -69,7 +69,7 @@ public:
     {
         std::string_view name;
         std::string_view description{};
-        bool isNamed = false; ///< has the name of a declared type, and is imported even when no field has it
+        bool isNamed = false; ///< has the name of a declared type, so it is imported even if no field uses it
         SourcePlace place{};  ///< of that type
         Index space = 0;      ///< see spaceOf()
         Index firstConstant = 0;
@@ -78,12 +78,12 @@ public:
 
     struct Table
     {
-        std::string_view name; ///< with its "t_"
+        std::string_view name; ///< with the prefix "t_"
         Type component;
-        Index space = 0; ///< of the records whose fields are of it
+        Index space = 0; ///< namespace of the records that use it
     };
 
-    /// What a message may start with: an element that is declared at the top.
+    /// A candidate for the main type: an element that is declared at the top.
     struct Candidate
     {
         std::string_view name;
@@ -92,32 +92,31 @@ public:
         SourcePlace place{};
         bool hasAbstractType = false;
         std::string_view uri{};    ///< its namespace
-        Index source = 0;          ///< the source of a set that declares it; kNone: a document that a source names does
-        bool isType = false;       ///< a type rather than an element; it is a main type only where it is asked for
+        Index source = 0;          ///< number of the source that declares it; kNone: a document that a source refers to
+        bool isType = false;       ///< a type instead of an element; only a main type if requested
         Index space = 0;           ///< see spaceOf()
-        std::uint16_t repeats = 0; ///< as of a field
+        std::uint16_t repeats = 0; ///< see Field::repeats
         std::string_view description{};
         Index message = kNone; ///< its number among the main types that the sources themselves name, if it is one
         Index choice = kNone;  ///< among `choices`, if its type is abstract
     };
 
-    /// A namespace in which types have their names to themselves.
+    /// A namespace, in which type names are unique.
     struct Space
     {
         std::string_view uri;
-        CString folder; ///< as the caller wants it; "" where the URI says it
+        CString folder; ///< set by the caller; "" derives it from the URI
     };
 
-    /// The folders that namespaces get by their URIs; types of URIs that share a folder share their names.
+    /// Folders by namespace URI. URIs with the same folder share a namespace.
     using Folders = std::map<CString, CString>;
 
-    /// `sourceName` is what a refusal names. With `folders` the namespaces of types are kept apart.
+    /// `sourceName` is used in error messages. With `folders` namespaces are kept apart.
     explicit SourceTypes(const CString& sourceName, const Folders* folders = nullptr) :
         sourceName(sourceName), folders(folders)
     {}
 
-    /// The index in `spaces` of a namespace, in which a type has its name to itself. 0, which is none, where types of
-    /// all namespaces are kept together.
+    /// Returns the index of a namespace in `spaces`. Always 0 (no namespace) if namespaces are not kept apart.
     Index spaceOf(std::string_view uri);
 
     /// The namespace whose types lie in a folder, which is made where there is none.
@@ -129,20 +128,21 @@ public:
     /// A copy of `text` that lives as long as the types.
     std::string_view keep(std::string_view text);
 
-    /// The same for `first`, "_" and `second`.
+    /// The same for `first` + "_" + `second`.
     std::string_view join(std::string_view first, std::string_view second);
 
-    /// Keeps a whole text as long as the types live.
+    /// Takes over a text, and returns a view that lives as long as the types.
     std::string_view adopt(CString&& text) { return texts.emplace_back(std::move(text)); }
 
-    /// A record without fields; it gets them by setFields(), so that a type may refer to one that is still being read.
+    /// Adds a record without fields and returns its index. setFields() adds the fields later, so that a type may refer
+    /// to a record that is still being read.
     Index addRecord(const Record& record);
 
-    /// Gives a record its fields, in their order, each name once in its namespace; once for each record. A million
-    /// fields in all are the bound: what passes it throws SourceRefusal.
+    /// Sets the fields of a record in their order; call it once for each record. Throws SourceRefusal beyond a million
+    /// fields in total.
     void setFields(Index record, std::span<const Field> fields);
 
-    /// Throws SourceRefusal when `count` more fields would pass the bound.
+    /// Throws SourceRefusal if `count` more fields would exceed that bound.
     void checkFields(std::size_t count) const;
 
     /// Throws SourceRefusal: the source has more than `what`.
@@ -152,21 +152,21 @@ public:
         throw SourceRefusal{sourceName + ": " + reason + ".", {"", reason}};
     }
 
-    /// The enumeration of these constants under this name, which is made when there is none like it yet. A million
-    /// constants in all are the bound. `descriptions` has one for each constant, or none at all.
+    /// Returns the enumeration with this name and these constants, added if it is new. Throws SourceRefusal beyond a
+    /// million constants in total. `descriptions` has one text for each constant, or is empty.
     Index addEnumeration(std::string_view name, std::span<const std::string_view> constants, bool isNamed,
                          std::string_view description = {}, SourcePlace place = {}, Index space = 0,
                          std::span<const std::string_view> descriptions = {});
 
-    /// Counts text that the types take: 256 MB in all are the bound, what passes it throws SourceRefusal.
+    /// Adds to the memory used for names. Throws SourceRefusal beyond 256 MB in total.
     void spend(std::size_t bytes);
 
-    /// Notes an element that a message may start with, in the order of declaration.
+    /// Adds a candidate for the main type; call it in order of declaration.
     void addCandidate(const Candidate& candidate) { candidates.push_back(candidate); }
 
     std::size_t fieldCount() const { return fields.size(); }
 
-    /// True when there is nothing to import.
+    /// Returns true if there is nothing to import.
     bool empty() const { return records.empty() && enumerations.empty() && candidates.empty(); }
 
     std::span<Field> fieldsOf(Index record)
@@ -183,7 +183,7 @@ public:
                                             enumerations[enumeration].constantCount);
     }
 
-    /// The description of one of them, counted from 0; empty if it has none.
+    /// Returns the description of a constant, counted from 0; empty if it has none.
     std::string_view describeConstant(Index enumeration, std::size_t constant) const
     {
         const std::size_t at = enumerations[enumeration].firstConstant + constant;
@@ -194,8 +194,8 @@ public:
     std::vector<Enumeration> enumerations;
     std::vector<Table> tables;
     std::vector<Candidate> candidates;
-    std::vector<std::vector<Index>> choices;       ///< the records that may stand for one of an abstract type
-    std::vector<std::pair<Index, Index>> choosers; ///< records, each with a choice that its fields offer
+    std::vector<std::vector<Index>> choices;       ///< the records that may replace an abstract type, for each choice
+    std::vector<std::pair<Index, Index>> choosers; ///< pairs of a record and the index of a choice of one of its fields
     std::vector<Space> spaces{{}};
     Index common = kNone; ///< the one for what several declare alike, if that is to be one type
     std::vector<std::pair<std::string_view, std::string_view>>
@@ -212,6 +212,6 @@ private:
     std::deque<CString> texts;
     std::vector<Field> fields;
     std::vector<std::string_view> constants;
-    std::vector<std::string_view> constantDescriptions; // shorter where the last ones have none
+    std::vector<std::string_view> constantDescriptions; // may be shorter than `constants`
     std::unordered_multimap<std::size_t, Index> enumerationsByHash;
 };

@@ -11,9 +11,9 @@ bool isLetter(char c)
     return std::isalpha(static_cast<unsigned char>(c)) || static_cast<unsigned char>(c) >= 0x80;
 }
 
-constexpr std::size_t kMostParts = 16; // more tell nothing to a reader
+constexpr std::size_t kMostParts = 16; // further parts don't help readers
 
-// The last parts of a URI, last one first. Empty ones say nothing.
+// Returns the parts of a URI without empty ones, last one first, at most kMostParts.
 std::vector<std::string_view> partsOf(std::string_view uri)
 {
     std::vector<std::string_view> parts;
@@ -28,7 +28,7 @@ std::vector<std::string_view> partsOf(std::string_view uri)
     return parts;
 }
 
-// How many of the last parts make the folder's name.
+// Returns how many of the last parts form the folder's name.
 std::size_t countLast(const std::vector<std::string_view>& parts)
 {
     const auto found = std::ranges::find_if(parts, [](std::string_view part) { return isLetter(part.front()); });
@@ -53,7 +53,7 @@ std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
         std::size_t count = 0;
     };
     std::vector<CString> names(spaces.size());
-    std::vector<Row> rows(spaces.size()); // without parts where the name is given
+    std::vector<Row> rows(spaces.size()); // without parts if the folder is given
     for (std::size_t i = 1; i < spaces.size(); ++i) {
         names[i] = spaces[i].folder;
         if (!names[i].empty())
@@ -62,7 +62,7 @@ std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
         rows[i].count = countLast(rows[i].parts);
         names[i] = joinLast(rows[i].parts, rows[i].count);
     }
-    // All that share a name take one part more, as long as one of them has any.
+    // Namespaces that share a name get one more part, as long as any of them has one.
     for (bool isLonger = true; isLonger;) {
         std::map<CString, std::vector<std::size_t>> users;
         for (std::size_t i = 0; i < names.size(); ++i)

@@ -2,7 +2,7 @@
 
 #include "Import/Full/SourceTypes.h"
 
-/// The folder of each namespace, without a backslash behind it, "" for the first one, which is none: what the caller
-/// wants, else the last part of the URI that begins with a letter, joined to the parts behind it by "-". Where several
-/// come to the same name, the parts before tell them apart.
+/// Returns the folder of each namespace, without a backslash at the end; "" for the first one, which is no namespace.
+/// It is the folder set by the caller, else the last part of the URI that begins with a letter, joined to the parts
+/// after it by "-". If several would be equal, preceding parts are added, and then numbers.
 std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces);
