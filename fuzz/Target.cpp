@@ -1,9 +1,9 @@
-// The entry of every target, for libFuzzer or Replay.cpp.
+// The entry point of every target, called by libFuzzer or Replay.cpp.
 #include "Target.h"
 
 #include <cstdint>
 
-// Larger inputs show what small ones do, and take longer.
+// Larger inputs show the same faults as small ones, but take longer.
 constexpr std::size_t kMaxInput = 16 << 10;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

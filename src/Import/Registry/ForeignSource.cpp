@@ -11,7 +11,7 @@ constexpr std::size_t kLinesLookedAt = 20;
 
 struct Signature
 {
-    std::string_view first; // bytes of the file
+    std::string_view first; // the first bytes of the file
     std::string_view advice;
 };
 
@@ -25,7 +25,7 @@ constexpr Signature kSignatures[] = {
 
 struct Vocabulary
 {
-    std::string_view space; // the beginning of the root's namespace
+    std::string_view space; // prefix of the root's namespace
     std::string_view advice;
 };
 
@@ -33,7 +33,7 @@ constexpr Vocabulary kVocabularies[] = {
     {"http://relaxng.org/ns/structure/", "this is RELAX NG; convert it with trang, then import the schema"},
 };
 
-// The value of an attribute of a tag, as it is written; empty if there is none.
+// Returns the value of an attribute of a tag, as written; empty if there is none.
 std::string_view attributeOf(std::string_view tag, std::string_view name)
 {
     tag.remove_prefix(std::min(tag.size(), tag.find_first_of(" \t\r\n")));
@@ -57,7 +57,7 @@ std::string_view attributeOf(std::string_view tag, std::string_view name)
 struct Comments
 {
     std::string_view line;
-    std::string_view begin; // empty: there is none of several lines
+    std::string_view begin; // empty if there are no block comments
 };
 
 using Words = std::array<std::string_view, 3>;
@@ -68,7 +68,7 @@ bool isLetter(char c)
            c == '.' || c == ':' || static_cast<unsigned char>(c) >= 0x80;
 }
 
-// The first words and marks of a text.
+// Returns the first words and marks of a text outside of comments.
 Words firstWords(std::string_view text, const Comments& comments)
 {
     Words words;
@@ -118,7 +118,7 @@ bool isAvroIdl(std::string_view text)
     return (first == "protocol" && third == "{") || (first == "@" && text.find("protocol ") != text.npos);
 }
 
-// How many separators stand in a line outside of quotes.
+// Returns the number of separators in a line, outside of quotes.
 std::size_t countOutsideQuotes(std::string_view line, char separator)
 {
     bool isQuoted = false;
@@ -128,7 +128,7 @@ std::size_t countOutsideQuotes(std::string_view line, char separator)
     }));
 }
 
-// Whether the first lines have the same number of columns, at least two.
+// Returns whether the first lines have the same number of columns, at least two.
 bool isCsv(std::string_view text)
 {
     if (std::ranges::any_of(
@@ -140,7 +140,7 @@ bool isCsv(std::string_view text)
             const std::size_t end = rest.find('\n');
             const std::string_view line = rest.substr(0, end);
             rest.remove_prefix(end == rest.npos ? rest.size() : end + 1);
-            if (trimmed(line).empty() || (rest.empty() && lines > 1)) // the last one may have been cut off
+            if (trimmed(line).empty() || (rest.empty() && lines > 1)) // the last line may be cut off
                 continue;
             const std::size_t count = countOutsideQuotes(line, separator);
             if (count == 0 || (lines > 0 && count != columns))

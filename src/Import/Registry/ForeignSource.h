@@ -2,11 +2,10 @@
 
 #include <string_view>
 
-/// What sources of well-known formats that no importer reads are, and what to do with them, as a sentence without its
-/// full stop: "this is RELAX NG; convert it with trang, then import the schema". Empty for all other sources.
-
-/// `start` is the beginning of a file, which its first bytes or its root element's namespace tell. `content` is `start`
-/// behind byte order mark, comments and DOCTYPE.
+/// Identifies sources of well-known formats without an importer. Returns the format with advice, as a sentence without
+/// its full stop: "this is RELAX NG; convert it with trang, then import the schema". Empty for other sources. `start`
+/// is the beginning of a file, identified by its first bytes or the root element's namespace. `content` is `start`
+/// after byte order mark, comments and DOCTYPE.
 std::string_view foreignSource(std::string_view start, std::string_view content);
 
 /// The namespace of the element that the text begins with; empty if it has none, or the text begins otherwise.

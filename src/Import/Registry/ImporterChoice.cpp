@@ -23,7 +23,7 @@ constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},    {".ent", "
                                {".xsd", "xsd"},   {".wsdl", "wsdl"},  {".avsc", "avro"},
                                {".avpr", "avro"}, {".jsonl", "json"}, {".ndjson", "json"}};
 
-// Without NUL bytes, so that names in UTF-16 can be told too.
+// Returns the beginning of a file without NUL bytes, so that names in UTF-16 can be recognised.
 CString startOf(const CString& fileName)
 {
     CString start(kLookedAt, '\0');
@@ -32,14 +32,14 @@ CString startOf(const CString& fileName)
     return start;
 }
 
-// Takes what stands up to `end`, and `end`, off the text; all of it where there is no end.
+// Removes the text up to `end` and `end` itself; everything if `end` is missing.
 void skipPast(std::string_view& text, std::string_view end)
 {
     const std::size_t found = text.find(end);
     text.remove_prefix(found == text.npos ? text.size() : found + end.size());
 }
 
-// What otherwise ends it may stand in a literal, and in a subset in brackets, with its comments and instructions.
+// Skips a DOCTYPE. A '>' may also occur in its literals, and in comments and instructions of its internal subset.
 void skipDoctype(std::string_view& text)
 {
     for (int brackets = 0; !text.empty();) {
@@ -60,7 +60,7 @@ void skipDoctype(std::string_view& text)
     }
 }
 
-// Takes white space, comments, instructions and a DOCTYPE off the text.
+// Skips white space, comments, instructions and a DOCTYPE.
 void skipProlog(std::string_view& text)
 {
     for (;;) {
@@ -82,7 +82,7 @@ std::string_view nameOf(std::string_view tag)
     return name.substr(name.find(':') + 1);
 }
 
-// The text behind its byte order mark and prolog.
+// Returns the text after its byte order mark and prolog.
 std::string_view contentOf(std::string_view text)
 {
     text.remove_prefix(std::min(text.size(), text.find_first_not_of("\xEF\xBB\xBF\xFF\xFE")));
@@ -90,7 +90,7 @@ std::string_view contentOf(std::string_view text)
     return text;
 }
 
-// By the content behind the prolog.
+// Returns the importer for the content after the prolog; empty if it isn't recognised.
 std::string_view wordFor(std::string_view text)
 {
     constexpr std::string_view type = "BROKERTYPEDESCRIPTION";
@@ -106,7 +106,8 @@ std::string_view wordFor(std::string_view text)
     return root == type || (text.starts_with("<") && nameOf(text) == type) ? "btd" : "xml";
 }
 
-// What can be told of a file: the importer's word, or what it is otherwise. Both empty when that can't be told.
+// The result of identifying a file: the name of its importer, or the advice for its format. Both are empty if it is
+// unknown.
 struct Told
 {
     std::string_view importer;
@@ -132,7 +133,8 @@ Told tell(const CString& fileName)
         return {ending, {}};
     if (const std::string_view foreign = foreignText(content, fileName); !foreign.empty())
         return {{}, foreign};
-    return {endsWithAscii(fileName, ".xml") ? "xml" : "", {}}; // a long prolog, or no XML, to be told
+    // The prolog may be too long to recognise the content.
+    return {endsWithAscii(fileName, ".xml") ? "xml" : "", {}};
 }
 
 } // namespace

@@ -8,5 +8,5 @@
 /// when the file can't be read or is none of these. Looks at its first 64 kB.
 MsgUIDescriptor* importerFor(const CString& fileName);
 
-/// What a file is that no importer reads, and what to do with it (see ForeignSource.h); empty if that can't be told.
+/// Returns the format of a file without an importer, with advice (see ForeignSource.h); empty if it isn't recognised.
 std::string_view foreignAdvice(const CString& fileName);

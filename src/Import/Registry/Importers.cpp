@@ -1,4 +1,4 @@
-// The table of importers. Wizard, command line and its completion take all that they know of an importer from here.
+// The table of importers, used by the wizard, the command line and its completion.
 #include "Import/Btd/BrokerMsg.h"
 #include "Import/Dtd/DTDFullMsg.h"
 #include "Import/Dtd/DTDMsg.h"
@@ -14,7 +14,8 @@
 #include "Resources/DialogIds.h"
 #include "Resources/StringIds.h"
 
-// Base path, name, description, factory, next page, full reading; then word, file filter, and whether it reads tables.
+// Columns: base path, name, description, factory, next page, full reading; then name on the command line, file filter,
+// whether it reads tables, whether the source sets the folders.
 MsgUIDescriptor DTDMessage::m_descr("\\sys\\rosettanet\\", IDS_DTD_NAME, IDS_DTD_DESCRIPTION, DTDMessage::New,
                                     IDD_SOURCE, DTDFullMessage::New, {"dtd", IDS_FILTER_DTD});
 MsgUIDescriptor XMLDataMessage::m_descr("\\sys\\xml\\", IDS_XMLDATA_NAME, IDS_XMLDATA_DESCRIPTION, XMLDataMessage::New,

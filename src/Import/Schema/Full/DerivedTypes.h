@@ -2,8 +2,8 @@
 
 #include "Import/Schema/Full/SchemaSet.h"
 
-/// The named complex types that are derived from others, in all documents that were read: what a message may choose by
-/// xsi:type (https://www.w3.org/TR/xmlschema-1/#xsi_type).
+/// The named complex types derived from others, in all documents read. A message may choose them by xsi:type
+/// (https://www.w3.org/TR/xmlschema-1/#xsi_type).
 class DerivedTypes
 {
 public:
@@ -11,7 +11,7 @@ public:
 
     explicit DerivedTypes(const SchemaSet& set) : set(set) {}
 
-    /// Those that are derived from `type` directly, in the order of declaration.
+    /// Returns the types derived from `type` directly, in order of declaration.
     const std::vector<Index>& of(Index type);
 
 private:
@@ -19,5 +19,5 @@ private:
 
     const SchemaSet& set;
     bool isCollected = false;
-    std::unordered_map<Index, std::vector<Index>> derived; // by base
+    std::unordered_map<Index, std::vector<Index>> derived; // by base type
 };

@@ -6,20 +6,22 @@ namespace {
 
 constexpr std::size_t kFewFields = 16;
 constexpr std::size_t kMaxFields = 1'000'000;
-constexpr std::size_t kMaxSteps = 20'000'000; // through particles; groups that hold groups can be many
+constexpr std::size_t kMaxSteps = 20'000'000; // visited particles; nested groups can multiply them
 
 std::uint64_t keyOf(SchemaName name)
 {
     return static_cast<std::uint64_t>(name.space) << 32 | name.local;
 }
 
-/// The attributes that need no declaration (https://www.w3.org/TR/xml/, /xmlbase/, /xml-id/).
+// Returns whether an attribute of the XML namespace needs no declaration (https://www.w3.org/TR/xml/, /xmlbase/,
+// /xml-id/).
 bool isXmlAttribute(std::string_view local)
 {
     return local == "lang" || local == "space" || local == "base" || local == "id";
 }
 
-/// How often something occurs that occurs `inner` times in what occurs `outer` times; 2 stands for more than once.
+// Returns how often something occurs that occurs `inner` times in something that occurs `outer` times; 2 means more
+// than once.
 std::uint8_t multiplied(std::uint8_t outer, std::uint8_t inner)
 {
     return static_cast<std::uint8_t>(std::min(2, outer * inner));
@@ -30,7 +32,7 @@ std::uint8_t multiplied(std::uint8_t outer, std::uint8_t inner)
 void SchemaContents::Fields::clear()
 {
     all.clear();
-    if (!many.empty()) // clearing goes over the room that the largest one took
+    if (!many.empty()) // clear() takes time in the capacity, which the largest type has determined
         many = {};
 }
 
@@ -56,7 +58,7 @@ SchemaField& SchemaContents::Fields::add(const SchemaField& field)
 
 SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), contents(tree), inHand(tree.size()) {}
 
-/// A chain of bases is worked out from its far end.
+// Works out a chain of base types from its far end, without recursion.
 std::span<const SchemaField> SchemaContents::of(Index type)
 {
     std::vector<Index> chain;
@@ -73,7 +75,7 @@ std::span<const SchemaField> SchemaContents::of(Index type)
     return std::span(kept).subspan(content.first, content.elements + content.attributes);
 }
 
-/// The complex type that one is derived from; 0 for none.
+// Returns the complex type that a type is derived from; 0 if there is none.
 SchemaContents::Index SchemaContents::baseOf(Index type)
 {
     const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);
@@ -95,7 +97,7 @@ void SchemaContents::build(Index type, Index base)
     attributes.clear();
     lastSeen.clear();
     isRestriction = tree[derivation].tag == SchemaTag::restriction;
-    clock = 1; // before it: what is inherited
+    clock = 1; // 0 is before it: inherited elements
     if (base != 0)
         inherit(*contents.find(base), !isRestriction);
     inherited = attributes.all.size();
@@ -130,7 +132,7 @@ void SchemaContents::walkParticles(Index holder)
     while (!frames.empty()) {
         Frame& frame = frames.back();
         if (frame.next == 0) {
-            inHand[frame.group] = false; // of no group: of the node that is none
+            inHand[frame.group] = false; // node 0 if the frame is not a group
             frames.pop_back();
             continue;
         }
@@ -166,7 +168,7 @@ void SchemaContents::visitParticle(Index particle)
     }
 }
 
-/// A group inside itself is left out.
+// Enters a group definition. A group inside itself is left out.
 void SchemaContents::enterGroup(Index reference, std::uint8_t times)
 {
     if (!tree[reference].is(SchemaNode::isReference))
@@ -201,8 +203,8 @@ void SchemaContents::addElement(Index particle, std::uint8_t times)
     }
 }
 
-/// The head and all that may stand for it, those with members of their own included; none that is abstract. The head
-/// alone is what the reference documents.
+// Adds the head of a substitution group and all its members, indirect ones included, except abstract ones. The
+// documentation of the reference belongs to the head only.
 void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uint8_t times, std::uint32_t documentation)
 {
     if (!tree[declaration].is(SchemaNode::isAbstract))
@@ -225,9 +227,9 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uin
         inHand[member] = false;
 }
 
-/// Two occurrences of one name add up when the innermost group that holds both is a sequence; of a choice only one can
-/// be there. Neighbouring ones are enough to look at: what holds two that lie further apart is the group of one of the
-/// pairs between them.
+// Adds an element. Two occurrences of one name add up if the innermost group around both is a sequence; in a choice
+// only one of them can be present. Comparing neighbouring occurrences is sufficient, because the innermost group of two
+// distant ones is that of a pair of neighbours between them.
 void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint8_t times, std::uint32_t documentation)
 {
     ++clock;
@@ -249,7 +251,7 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint
     seen = clock;
 }
 
-/// Whether two declarations of one name have the same type, as far as that can be seen without reading it.
+// Returns whether two declarations of one name have the same type, as far as that can be told without reading it.
 bool SchemaContents::sayTheSame(Index one, Index other) const
 {
     if (one == other || one == 0 || other == 0)
@@ -264,7 +266,7 @@ bool SchemaContents::sayTheSame(Index one, Index other) const
     return type == otherType || (kind && kind == set.builtInKind(otherType));
 }
 
-/// A group of attributes adds nothing the second time.
+// Walks the attributes of a type. An attribute group that is referred to again adds nothing.
 void SchemaContents::walkAttributes(Index holder)
 {
     std::vector<Index> groups;
@@ -302,8 +304,8 @@ void SchemaContents::visitAttribute(Index attribute)
 {
     const SchemaNode& node = tree[attribute];
     const SchemaDocument& document = tree.documentOf(attribute);
-    const bool isProhibited = node.is(SchemaNode::isProhibited) || node.occurs == 0; // the latter in the drafts
-    if (isProhibited && !isRestriction)                                              // that says nothing
+    const bool isProhibited = node.is(SchemaNode::isProhibited) || node.occurs == 0; // maxOccurs of 0 in the drafts
+    if (isProhibited && !isRestriction)                                              // without an effect there
         return;
     if (!node.is(SchemaNode::isReference)) {
         const bool isQualified =
@@ -320,7 +322,7 @@ void SchemaContents::visitAttribute(Index attribute)
     addAttribute(name, declaration, isProhibited, node.documentation);
 }
 
-/// What an attribute says holds for an inherited one of its name, too.
+// Adds an attribute. It replaces an inherited one of the same name.
 void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation)
 {
     SchemaField* field = attributes.find(name);

@@ -5,18 +5,18 @@
 
 #include <span>
 
-/// A field of a complex type, before its own type is known.
+/// A field of a complex type, whose own type is not yet known.
 struct SchemaField
 {
     SchemaName name;
-    SchemaNode::Index declaration = 0; ///< 0 for a reference to nothing that was read
+    SchemaNode::Index declaration = 0; ///< 0 if the reference leads to nothing
     SourceTypes::Role role = SourceTypes::roleElement;
     bool repeats = false;
-    std::uint32_t documentation = 0; ///< at the reference
+    std::uint32_t documentation = 0; ///< number of the documentation at the reference; 0 if there is none
 };
 
-/// The elements and attributes of complex types: what they inherit, what their groups hold and what may stand for the
-/// head of a substitution group. Each type's are worked out once, without recursion.
+/// Works out the elements and attributes of complex types: inherited ones, those of groups, and the members of
+/// substitution groups. Each type is worked out once, without recursion.
 class SchemaContents
 {
 public:
@@ -24,14 +24,14 @@ public:
 
     explicit SchemaContents(SchemaSet& set);
 
-    /// The fields of a complex type, elements first; valid until the next call.
+    /// Returns the fields of a complex type, elements first. Valid until the next call.
     std::span<const SchemaField> of(Index type);
 
-    /// Counts a step of work that a schema can make grow as its square; what passes 20,000,000 is refused.
+    /// Counts a step of work that may be quadratic in the schema. Throws SourceRefusal beyond 20,000,000 steps.
     void spendStep();
 
 private:
-    // A type's fields among all.
+    // The fields of a type, as a range of `kept`.
     struct Content
     {
         std::size_t first = 0;
@@ -39,17 +39,17 @@ private:
         std::size_t attributes = 0;
     };
 
-    // A group whose particles are being walked, of whatever sort; the whole content is one, too.
+    // A group whose particles are being walked: a sequence, choice, all or group definition, or the whole content.
     struct Frame
     {
-        Index next;      // the next particle
-        Index group = 0; // the definition, for what is held by reference
+        Index next;      // the next particle to visit
+        Index group = 0; // the group definition, if entered by reference
         bool isChoice = false;
         std::uint8_t times = 1;
-        std::size_t entered = 0; // when, by `clock`
+        std::size_t entered = 0; // value of `clock` at its start
     };
 
-    // Fields that are found by name: few are looked for one by one.
+    // Fields with lookup by name; few fields are searched linearly.
     class Fields
     {
     public:
@@ -84,15 +84,15 @@ private:
     NodeTable<Content> contents; // also of the types in hand, which count as empty
     std::vector<SchemaField> kept;
 
-    // Of the type in hand.
+    // State of the current type.
     Fields elements;
     Fields attributes;
-    std::size_t inherited = 0; // of the attributes
+    std::size_t inherited = 0; // number of inherited attributes
     bool isRestriction = false;
-    std::vector<std::size_t> lastSeen; // by element: when it occurred last
+    std::vector<std::size_t> lastSeen; // by element: time of its last occurrence
     std::vector<Frame> frames;
     std::size_t clock = 0;
     std::vector<Index> waiting;
-    std::vector<bool> inHand; // by node: groups
+    std::vector<bool> inHand; // by node: groups that have been entered
     std::size_t steps = 0;
 };

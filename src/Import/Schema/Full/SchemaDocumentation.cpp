@@ -9,7 +9,7 @@ bool isBlank(std::string_view text)
     return text.find_first_not_of(kWhitespace) == text.npos;
 }
 
-// Appends with white space as one space, at the front too: other text may come before it.
+// Appends text with each run of white space as one space, also at the start, because other text may come before it.
 void appendPart(CString& out, std::string_view text)
 {
     if (out.empty() && !text.empty() && kWhitespace.find(text.front()) != kWhitespace.npos)
@@ -39,7 +39,7 @@ void SchemaDocumentation::enter(std::string_view local)
     part.isDefinition = local == "Definition" || local == "definition";
 }
 
-// Of elements inside each other that hold text directly, the outer one counts.
+// Ends an element. Of nested elements that contain text directly, the outermost counts.
 void SchemaDocumentation::leave()
 {
     const Part& part = parts[--open];

@@ -5,42 +5,42 @@
 #include <string_view>
 #include <vector>
 
-/// Collects the text of one xs:documentation and settles what of it describes a type. Text beside elements is taken
-/// whole. Of one that is made of elements alone, as standards structure it, that is the first element called
-/// Definition, else the first one with text of several words.
+/// Collects the text of one xs:documentation and chooses the description of a type. Documentation with text outside of
+/// elements is used whole. If it consists of elements only, as in standards, the first element named Definition is
+/// used, else the first one with text of several words.
 class SchemaDocumentation
 {
 public:
-    /// Begins anew.
+    /// Starts a new documentation.
     void begin();
 
-    /// Takes the tags of the elements inside, and the text.
+    /// Handle the start and end tags of the elements inside, and the text.
     void enter(std::string_view local);
     void leave();
     void text(std::string_view text);
 
-    /// The description: 255 characters at most, empty if there is no text. Valid until begin().
+    /// Returns the description, at most 255 characters; empty if there is no text. Valid until begin().
     std::string_view query() const;
 
-    /// Whether query() leaves out a part of the text.
+    /// Returns whether query() leaves out a part of the text.
     bool isCut() const { return query() != trimmed(whole); }
 
 private:
-    // An element that is open.
+    // An open element.
     struct Part
     {
         CString text;
-        std::size_t number = 0; // counted from 1 in the order of the start tags
-        bool holdsText = false; // directly
+        std::size_t number = 0; // in the order of start tags, from 1
+        bool holdsText = false; // contains text directly
         bool isDefinition = false;
     };
 
     CString whole;
-    std::vector<Part> parts; // the first `open` ones are open; the others are kept for their room
+    std::vector<Part> parts; // the first `open` ones are open elements; the others are kept to reuse their memory
     std::size_t open = 0;
-    std::size_t met = 0; // elements
+    std::size_t met = 0; // number of start tags
     bool holdsText = false;
     CString definition;
     CString firstText;
-    std::size_t firstNumber = 0; // of the element that `firstText` is of
+    std::size_t firstNumber = 0; // number of the element with `firstText`
 };

@@ -16,7 +16,7 @@ std::uint8_t occursOf(std::string_view value)
     return most == Occurrence::none ? 0 : isMore ? 2 : 1;
 }
 
-/// Whether documentation of such a statement describes a type, a field or a constant.
+// Returns whether documentation of such a statement describes a type, a field or a constant.
 bool isDescribed(SchemaTag tag)
 {
     return tag == SchemaTag::element || tag == SchemaTag::attribute || tag == SchemaTag::complexType ||
@@ -70,8 +70,8 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
         makeArray(attributes);
 }
 
-/// The items of an array of SOAP's encoding (https://www.w3.org/TR/SOAP/#_Toc478383522): an attribute of the array's
-/// type says of which type they are.
+// Reads an array of SOAP's encoding (https://www.w3.org/TR/SOAP/#_Toc478383522): the attribute wsdl:arrayType gives the
+// type of the items. The attribute becomes a repeated element "item".
 void SchemaReader::makeArray(XmlAttributes attributes)
 {
     for (std::size_t i = 0; i < attributes.size(); ++i) {
@@ -140,7 +140,7 @@ void SchemaReader::enter(SchemaTag tag)
     open.push_back({place, 0, shadowedBefore, false});
 }
 
-/// What is no node: annotations are looked into for the first documentation of the element around them.
+// Enters a statement that makes no node. An annotation is searched for the first documentation of its element.
 void SchemaReader::startOther(SchemaTag tag)
 {
     if (tag == SchemaTag::annotation && !open.empty() && open.back().node != 0) {
@@ -152,7 +152,7 @@ void SchemaReader::startOther(SchemaTag tag)
         skipped = 1;
     }
     if (skipped > 0 || documented > 0)
-        leaveScope(shadowedBefore); // nothing in there is resolved
+        leaveScope(shadowedBefore); // names inside aren't resolved
 }
 
 void SchemaReader::endElement()
@@ -229,7 +229,7 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
         if (node.tag == SchemaTag::import)
             node.reference.space = tree.names.intern(trimmed(value));
         break;
-    case SchemaAttribute::value: // the drafts write an attribute's default there
+    case SchemaAttribute::value: // in the drafts an attribute's default
         if (node.tag == SchemaTag::enumeration)
             node.name = tree.names.intern(value);
         break;
@@ -277,7 +277,7 @@ std::uint32_t SchemaReader::readList(std::string_view value)
     return first;
 }
 
-/// A name by number. One that no document can carry is noted, and none.
+// Returns a name as a number. A name that XML doesn't allow is kept for the report; 0 is returned for it.
 NameTable::Id SchemaReader::nameOf(std::string_view text)
 {
     const NameTable::Id name = tree.names.intern(text);
@@ -287,7 +287,7 @@ NameTable::Id SchemaReader::nameOf(std::string_view text)
     return 0;
 }
 
-/// What a QName stands for where it is written. One with a prefix that nobody declares stands for nothing there is.
+// Resolves a QName in the current scope. With an undeclared prefix the name leads to nothing.
 SchemaName SchemaReader::resolve(std::string_view qualified)
 {
     qualified = trimmed(qualified);

@@ -5,11 +5,11 @@
 #include "Import/Schema/SchemaStatements.h"
 #include "Xml/XmlParser.h"
 
-/// Reads one document of a schema into the tree. Tags are known by their namespace, whatever the prefix.
+/// Reads one document of a schema into the tree. Tags are identified by their namespace, whatever their prefix.
 class SchemaReader : public XmlHandler
 {
 public:
-    /// The document is the tree's last one, and empty.
+    /// The document is the last one of the tree and has no nodes yet.
     SchemaReader(SchemaTree& tree, SourceReport& report);
 
     void scope(const XmlScope& scope) override;
@@ -20,10 +20,10 @@ public:
     void entityLeftOut(std::string_view name, XmlPlace place) override { statements.entityLeftOut(name, place); }
     bool wantsScopes() const override { return true; }
 
-    /// Reports what the document says that no type gets.
+    /// Reports the findings in the document.
     void finish() { statements.finish(); }
 
-    /// A name that no document can carry, and the node in which it stands; what is called so has no name.
+    /// A name that XML doesn't allow, with its node, which counts as unnamed.
     struct ImpossibleName
     {
         SchemaNode::Index node;
@@ -34,16 +34,16 @@ public:
 private:
     using Index = SchemaNode::Index;
 
-    // An element that is open. One that is no node passes its children on to nobody.
+    // An open element. Children of an element without a node are skipped.
     struct Level
     {
         Index node = 0;
         Index lastChild = 0;
-        std::size_t shadowed = 0; // how many declarations of namespaces were in force when it began
+        std::size_t shadowed = 0; // size of `shadowed` at its start
         bool isAnnotation = false;
     };
 
-    // A prefix that an open element declares, and what it stood for before.
+    // A prefix declared by an open element, with its previous namespace.
     struct Shadowed
     {
         NameTable::Id prefix;
@@ -70,10 +70,10 @@ private:
     std::vector<NameTable::Id> spaces; // by prefix
     NameTable::Id lastPrefix = 0;      // that was resolved
     std::vector<Shadowed> shadowed;
-    std::size_t shadowedBefore = 0; // the element that begins
+    std::size_t shadowedBefore = 0; // size of `shadowed` before the element that begins
     SchemaStatements statements;
-    std::size_t skipped = 0;    // how many elements are open that hold nothing to read
-    std::size_t documented = 0; // how many are open from an xs:documentation on
+    std::size_t skipped = 0;    // number of open elements that are skipped
+    std::size_t documented = 0; // number of open elements from an xs:documentation on
     SchemaDocumentation documentation;
     std::vector<ImpossibleName> impossibleNames;
 };

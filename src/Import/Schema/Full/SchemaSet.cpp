@@ -40,7 +40,7 @@ void SchemaSet::followAll(std::uint32_t document)
     declareAll(document, waiting);
     while (!waiting.empty()) {
         Following& top = waiting.back();
-        if (top.redefine != 0) { // its document, and what that names, has been read
+        if (top.redefine != 0) { // its document, with all that it refers to, has been read
             for (Index at = tree[top.redefine].firstChild; at != 0; at = tree[at].next)
                 declare(at, true);
             top.redefine = 0;
@@ -101,7 +101,7 @@ std::optional<FoundFile> SchemaSet::locate(const Location& wanted, CString& path
     return file;
 }
 
-/// Enters the document that an include, import or redefine names, when that is new in its namespace.
+// Enters the document of an include, import or redefine, if it is new in its namespace.
 void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
 {
     const SchemaNode& node = tree[reference];
@@ -118,7 +118,7 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
     if (isNew)
         readNamed(*file, path, reference);
     std::uint32_t document = known->second;
-    if (tree.documents[document].root == 0) // which has been said
+    if (tree.documents[document].root == 0) // reported before
         return;
     const NameTable::Id space = tree.documents[document].hasTarget ? tree.documents[document].space : includer;
     const auto [place, isFirst] = entered.try_emplace(std::pair(file->id, space), document);
@@ -132,7 +132,7 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
     documentsByReference[reference] = place->second;
 }
 
-/// Reads the document that `reference` names as `path`. One that is no schema is left out.
+// Reads the document at `path` that `reference` names. A document that is no schema is left out.
 void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index reference)
 {
     const SchemaDocument from = tree.documentOf(reference);
@@ -144,7 +144,7 @@ void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index refe
         note(SourceReport::moduleUnreadable, reference);
 }
 
-/// A document without a namespace that is included from two declares two sets of components.
+// Copies a document. One without a namespace declares its components again in each namespace that includes it.
 std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
 {
     copied += tree.documents[document].end - tree.documents[document].root;
@@ -267,7 +267,7 @@ std::vector<SchemaSet::Index> SchemaSet::componentsCalled(std::string_view name)
     return found;
 }
 
-/// A document, what it includes and redefines, and what those do.
+// Returns a document with all documents that it includes or redefines, directly or indirectly.
 std::vector<std::uint32_t> SchemaSet::includedDocuments(std::uint32_t main) const
 {
     std::vector<std::uint32_t> documents{main};
@@ -315,7 +315,7 @@ void SchemaSet::reportNotes()
     notes.clear();
 }
 
-/// The node itself, or the nearest around it, that has a name; not looked for any further than real schemas nest.
+// Returns the node or its nearest ancestor that has a name. The search is limited to the depth of real schemas.
 SchemaSet::Index SchemaSet::namedAround(Index node) const
 {
     for (int steps = 0; steps < kNearby && !tree[node].hasName(); ++steps)

@@ -17,8 +17,8 @@
 class XmlDocument;
 
 /// The components of a schema and of all that it includes, imports and redefines
-/// (https://www.w3.org/TR/xmlschema-1/#layer2), found by kind, namespace and name. Of two that are declared alike the
-/// first one holds.
+/// (https://www.w3.org/TR/xmlschema-1/#layer2), by kind, namespace and name. If two have the same key, the first one
+/// takes precedence.
 class SchemaSet
 {
 public:
@@ -38,31 +38,31 @@ public:
         types(types), report(report), catalogs(catalogs)
     {}
 
-    /// Reads a schema and the documents that it names, each once; local regular files only, and what can't be had goes
-    /// into the report. Called again, reads one more schema of the same set. Throws SourceRefusal when the schema
-    /// itself can't be read, or one of them that is there.
+    /// Reads a schema and the documents that it refers to, each once. These must be local regular files; missing ones
+    /// are reported. Further calls add further schemas of the same set. Throws SourceRefusal if the schema itself, or
+    /// an existing document, can't be read.
     void load(const CString& fileName);
 
-    /// A document whose components are those of a source.
+    /// A document whose components belong to a source.
     struct Source
     {
         std::uint32_t document;
-        std::uint32_t number; ///< of the source, in the order of load()
+        std::uint32_t number; ///< number of the source, in the order of load()
     };
 
-    /// To be called once all is loaded. The documents of the sources, several for a WSDL, but for those that another
-    /// one of the set names, and that aren't the first of the same file; of those that name each other the first stays.
+    /// Returns the documents of the sources; a WSDL has several. Leaves out those that another one of the set refers
+    /// to, and repetitions of a file; of documents in a cycle the first one stays. Call it after all is loaded.
     std::vector<Source> finish();
 
-    /// What `name` means where `from` stands; 0 when there is none. Inside a redefinition its own name means what it
-    /// redefines.
+    /// Returns the component that `name` refers to at `from`; 0 if there is none. Inside a redefinition its own name
+    /// refers to the redefined component.
     Index find(Kind kind, SchemaName name, Index from) const;
 
-    /// The kind of the type that `name` means when the language has that built in, whatever is declared: the schema of
-    /// schemas declares such types too.
+    /// Returns the kind of a built-in type; nothing for other names. Built-in types take precedence over declared ones,
+    /// because the schema for schemas declares them, too.
     std::optional<SourceTypes::Kind> builtInKind(SchemaName name) const;
 
-    /// The elements whose substitution group `head` heads, in the order of declaration.
+    /// Returns the members of the substitution group of `head`, in order of declaration.
     const std::vector<Index>& membersOf(SchemaName head) const;
 
     /// The elements, complex types and simple types at the top of a document, or of those it includes when it has no
@@ -70,8 +70,8 @@ public:
     /// either. What is declared twice comes twice.
     std::vector<Index> componentsOf(std::uint32_t document) const;
 
-    /// The element and the complex type of that name at the top of any document, in each namespace, in the order in
-    /// which the namespaces are met.
+    /// Returns the elements and complex types of that name at the top of any document, in the order in which their
+    /// namespaces are first used.
     std::vector<Index> componentsCalled(std::string_view name);
 
     /// Whether a WSDL is among the sources.
@@ -87,12 +87,12 @@ public:
     /// The messages of the WSDLs among the sources, each element once. What isn't declared is reported.
     std::vector<Message> findMessages();
 
-    /// The full name of a component at the top.
+    /// Returns the full name of a component at the top.
     SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
 
     SourcePlace placeOf(Index node) const { return {tree.documentOf(node).file, tree[node].line, tree[node].column}; }
 
-    /// Notes what is not carried over, by `name` or else the node's own or the one that it refers to.
+    /// Keeps a loss or detail for reportNotes(), with `name`, else the name of the node or of its reference.
     void note(SourceReport::Construct construct, Index node, NameTable::Id name = 0);
 
     void noteText(SourceReport::Construct construct, Index node, std::string_view name)
@@ -100,7 +100,7 @@ public:
         note(construct, node, tree.names.intern(name));
     }
 
-    /// Moves what was noted into the report, in the order of reading, each place once.
+    /// Passes everything kept by note() to the report, in the order of reading, without repetitions.
     void reportNotes();
 
     /// Throws SourceRefusal: the schema has more than `what`.
@@ -109,12 +109,12 @@ public:
     const SchemaTree& queryTree() const { return tree; }
 
 private:
-    // A document whose references to others are being followed.
+    // A document whose references are being followed.
     struct Following
     {
         std::uint32_t document;
-        Index reference; // the next one
-        Index redefine;  // the one whose document is being read, when that is a redefine
+        Index reference; // the next reference
+        Index redefine;  // the reference whose document is being read, if it is a redefine
     };
 
     // A file that was given, or that a WSDL names.
@@ -160,7 +160,7 @@ private:
     SourceReport& report;
     const Catalogs& catalogs;
     FileFinder finder;
-    std::map<FileId, std::uint32_t> parsed; // the first document of each file
+    std::map<FileId, std::uint32_t> parsed; // first document by file
     std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
     bool hasWsdl = false;
     std::vector<std::pair<WsdlReader::Root, std::uint32_t>> messages; // of WSDLs, with the number of the source
@@ -170,9 +170,9 @@ private:
     std::vector<std::uint32_t> firstOfFile; // the document of the file of each, by document
     std::unordered_map<Index, std::uint32_t> documentsByReference;
     std::array<Names, kindCount> symbols;
-    std::unordered_map<Index, Index> redefined; // by what redefines it
+    std::unordered_map<Index, Index> redefined; // the redefined component by its redefinition
     std::unordered_map<std::uint64_t, std::vector<Index>> members;
-    std::size_t copied = 0; // nodes
+    std::size_t copied = 0; // number of copied nodes
     std::vector<Note> notes;
-    std::size_t manyNotes = 100'000; // from here on they are looked through for repetitions
+    std::size_t manyNotes = 100'000; // from this size on repetitions are removed
 };

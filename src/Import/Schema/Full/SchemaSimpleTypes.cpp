@@ -28,7 +28,7 @@ SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from
     return {declared, {}};
 }
 
-/// The restriction or extension that says what the text of a type is; 0 when none does.
+// Returns the restriction or extension that determines the text of a type; 0 if there is none.
 SchemaSimpleTypes::Index SchemaSimpleTypes::derivationOf(Index type) const
 {
     if (tree[type].tag == SchemaTag::simpleType)
@@ -45,8 +45,8 @@ bool SchemaSimpleTypes::saysMixed(Index complexType) const
     return tree[isSaidThere ? content : complexType].is(SchemaNode::isMixed);
 }
 
-// What a type derives from comes before it, on a stack of its own: a source can derive without end. What is met again
-// while it is in hand derives from itself, and isn't waited for.
+// Works out a type after its base types, with a stack instead of recursion, because derivations may nest without bound.
+// A type that is derived from itself isn't waited for.
 SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
 {
     waiting.assign(1, type);
@@ -71,7 +71,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
     return *values.find(type);
 }
 
-/// What the value of a type is worked out from.
+// Collects the types and values from which the value of a type is worked out.
 void SchemaSimpleTypes::collectParts(Index type)
 {
     parts.clear();
@@ -97,7 +97,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::valueOf(const Part& part) const
     return !known || known->firstConstant == kInHand ? Value() : *known;
 }
 
-/// The text of a complex type that doesn't hold text alone: between its elements, or as in what it extends.
+// Returns the text of a complex type with elements: text between its elements, or that of its base type.
 SchemaSimpleTypes::Value SchemaSimpleTypes::inherit(Index complexType) const
 {
     if (saysMixed(complexType))
@@ -118,7 +118,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
         noteList(type, list);
     value.isThere = true;
     value.isMixed = false;
-    // Those of the schema language itself are nobody's types.
+    // Types of the schema for schemas are no types of the user.
     const bool isNamed = tree[type].tag == SchemaTag::simpleType && tree[type].hasName() &&
                          !SchemaTree::isSchemaLanguage(tree.documentOf(type).space);
     if (value.kind == SourceTypes::kindEnumeration && isNamed)
@@ -126,7 +126,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
     return value;
 }
 
-/// A list is text, whatever its items are.
+// Reports a list, which becomes text whatever its items are.
 void SchemaSimpleTypes::noteList(Index type, Index list)
 {
     set.note(SourceReport::listType, type);
@@ -134,7 +134,7 @@ void SchemaSimpleTypes::noteList(Index type, Index list)
         partNamed(tree.referenceOf(list), list);
 }
 
-/// The members' kind when they agree.
+// Returns the common kind of a union's members; text if they differ.
 SchemaSimpleTypes::Value SchemaSimpleTypes::unite(Index type)
 {
     Value value = valueOfKind(parts.empty() ? SourceTypes::kindText : valueOf(parts.front()).kind);
@@ -159,7 +159,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::unite(Index type)
     return value;
 }
 
-/// A restriction of text by a list of values is an enumeration; of anything else it changes nothing.
+// Narrows a value: a restriction of text by enumeration values is an enumeration. Other restrictions have no effect.
 SchemaSimpleTypes::Value SchemaSimpleTypes::narrow(Value base, Index restriction)
 {
     Index at = tree.childOf(restriction, SchemaTag::enumeration);
@@ -174,7 +174,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::narrow(Value base, Index restriction
     return value;
 }
 
-/// Adds a constant to the list in hand, once.
+// Adds a constant to the current list, once.
 void SchemaSimpleTypes::addConstant(NameTable::Id constant, std::uint32_t documentation)
 {
     constantSeen.resize(std::max<std::size_t>(constantSeen.size(), constant + 1));

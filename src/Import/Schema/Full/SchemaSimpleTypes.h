@@ -5,7 +5,8 @@
 
 #include <span>
 
-/// The kinds of a schema's simple types, and of the text in its complex ones: each worked out once, without recursion.
+/// Works out the kinds of a schema's simple types, and of the text in its complex types. Each is worked out once,
+/// without recursion.
 class SchemaSimpleTypes
 {
 public:
@@ -13,17 +14,17 @@ public:
 
     struct Value
     {
-        bool isThere = false; ///< false for a complex type that holds no text
+        bool isThere = false; ///< false for a complex type without text
         SourceTypes::Kind kind = SourceTypes::kindText;
-        bool isMixed = false;            ///< it stands between elements
-        Index named = 0;                 ///< the type that lists the constants; 0 where it has no name
-        std::uint32_t firstConstant = 0; ///< for an enumeration
+        bool isMixed = false;            ///< the text is between elements
+        Index named = 0;                 ///< the type that declares the constants; 0 if it is anonymous
+        std::uint32_t firstConstant = 0; ///< of an enumeration
         std::uint32_t constantCount = 0;
     };
 
     explicit SchemaSimpleTypes(SchemaSet& set) : set(set), tree(set.queryTree()), values(tree) {}
 
-    /// What a simple type is, or the text of a complex type.
+    /// Returns the value of a simple type, or of the text of a complex type.
     Value of(Index type);
 
     std::span<const NameTable::Id> constantsOf(const Value& value) const
@@ -31,20 +32,20 @@ public:
         return std::span(constants).subspan(value.firstConstant, value.constantCount);
     }
 
-    /// The documentation of each of them; 0 for none.
+    /// Returns the documentation numbers of the constants; 0 for none.
     std::span<const std::uint32_t> documentationsOf(const Value& value) const
     {
         return std::span(documentations).subspan(value.firstConstant, value.constantCount);
     }
 
 private:
-    struct Part // of which a type is made: another one, or a value that is known
+    struct Part // what a type is made of: another type, or a known value
     {
         Index type = 0;
         Value value;
     };
 
-    static constexpr std::uint32_t kInHand = ~0U; // as the first constant: the value is still to come
+    static constexpr std::uint32_t kInHand = ~0U; // in firstConstant: the value is not yet known
 
     bool saysMixed(Index complexType) const;
     Value inherit(Index complexType) const;
@@ -62,9 +63,9 @@ private:
     const SchemaTree& tree;
     NodeTable<Value> values; // also of those in hand, which count as text
     std::vector<NameTable::Id> constants;
-    std::vector<std::uint32_t> documentations; // of the constants
-    std::vector<std::uint32_t> constantSeen;   // by name: the list in hand when it was met
+    std::vector<std::uint32_t> documentations; // by constant
+    std::vector<std::uint32_t> constantSeen;   // by name: number of the last list with it
     std::uint32_t constantLists = 0;
-    std::vector<Part> parts; // of the type in hand
+    std::vector<Part> parts; // of the current type
     std::vector<Index> waiting;
 };

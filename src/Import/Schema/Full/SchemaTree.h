@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-/// A name with its namespace (https://www.w3.org/TR/xml-names/, expanded name), both by number.
+/// A name with its namespace (expanded name, https://www.w3.org/TR/xml-names/), both as numbers.
 struct SchemaName
 {
     NameTable::Id space = 0;
@@ -17,7 +17,7 @@ struct SchemaName
     friend bool operator==(const SchemaName&, const SchemaName&) = default;
 };
 
-/// A statement of a schema document (https://www.w3.org/TR/xmlschema-1/) that has a part in types.
+/// A statement of a schema document (https://www.w3.org/TR/xmlschema-1/) that affects types.
 struct SchemaNode
 {
     using Index = std::uint32_t;
@@ -26,22 +26,22 @@ struct SchemaNode
     {
         isAbstract = 1,
         isMixed = 2,
-        saysMixed = 4, ///< `mixed` is written, whatever it says
+        saysMixed = 4, ///< has the attribute `mixed`
         isProhibited = 8,
-        isReference = 16, ///< `reference` is its `ref`
-        isQualified = 32, ///< by its own `form`
+        isReference = 16, ///< `reference` holds its `ref`
+        isQualified = 32, ///< according to its own `form`
         saysForm = 64
     };
 
     SchemaTag tag = SchemaTag::none;
-    std::uint8_t occurs = 1; ///< by its own `maxOccurs`: 0, 1, or 2 for more often
+    std::uint8_t occurs = 1; ///< its own `maxOccurs`: 0, 1, or 2 for more
     std::uint16_t flags = 0;
     Index parent = 0;
-    Index next = 0; ///< the next sibling; 0: none
+    Index next = 0; ///< the next sibling, or 0
     Index firstChild = 0;
     NameTable::Id name = 0; ///< `name`, an enumeration's `value`, or the `schemaLocation`
     SchemaName reference;   ///< `ref`, `type`, `base` or `itemType`
-    std::uint32_t list = 0; ///< where `memberTypes` or `substitutionGroup` begin among the listed names
+    std::uint32_t list = 0; ///< index in `listed` of its `memberTypes` or `substitutionGroup`
     std::uint32_t documentation = 0;
     std::uint32_t line = 0;
     std::uint32_t column = 0;
@@ -54,18 +54,18 @@ struct SchemaNode
 /// One document of a schema, in one namespace.
 struct SchemaDocument
 {
-    CString folder;             ///< in which references to other documents are looked up
+    CString folder;             ///< base of relative references
     std::uint32_t file = 0;     ///< its number in the report
-    SchemaNode::Index root = 0; ///< 0: it could not be read
-    SchemaNode::Index end = 0;  ///< behind its last node
+    SchemaNode::Index root = 0; ///< 0 if it could not be read
+    SchemaNode::Index end = 0;  ///< index behind its last node
     NameTable::Id space = 0;
-    std::vector<std::pair<NameTable::Id, NameTable::Id>> prefixes; ///< that its root declares, with their namespaces
-    bool hasTarget = false;                                        ///< it says its namespace itself
+    std::vector<std::pair<NameTable::Id, NameTable::Id>> prefixes; ///< declared by its root, with their namespaces
+    bool hasTarget = false;                                        ///< declares its own namespace
     bool elementsQualified = false;
     bool attributesQualified = false;
 };
 
-/// The nodes of all documents of a schema, each document's side by side in document order, and their texts.
+/// The nodes of all documents of a schema, with their texts. Nodes of a document are adjacent and in document order.
 class SchemaTree
 {
 public:
@@ -76,7 +76,7 @@ public:
     const SchemaNode& operator[](Index at) const { return nodes[at]; }
     std::size_t size() const { return nodes.size(); }
 
-    /// The first child that has one of these tags, from `from` on; 0 when there is none.
+    /// Returns the first sibling from `from` on with one of these tags; 0 if there is none.
     template <class... Tags>
     Index firstOf(Index from, Tags... tags) const
     {
@@ -105,14 +105,15 @@ public:
     std::string_view documentation(Index at) const { return documentations[nodes[at].documentation]; }
     const SchemaDocument& documentOf(Index at) const { return documents[nodes[at].document]; }
 
-    /// What the node's `ref`, `type` or `base` names: a document without a namespace takes that of its includer.
+    /// Returns the name in the node's `ref`, `type` or `base`. In a document without namespace, an unprefixed name is
+    /// in the includer's namespace.
     SchemaName referenceOf(Index at) const { return adopted(at, nodes[at].reference); }
 
-    /// The names in its `memberTypes` or `substitutionGroup`.
+    /// Returns the names in its `memberTypes` or `substitutionGroup`.
     std::vector<SchemaName> listOf(Index at) const;
     SchemaName firstListed(Index at) const { return adopted(at, listed[nodes[at].list]); }
 
-    /// True for the namespaces of XML Schema of 2001, 2000/10 and 1999.
+    /// Returns true for the namespaces of XML Schema of 2001, 2000/10 and 1999.
     static bool isSchemaLanguage(NameTable::Id space) { return space >= 1 && space <= 3; }
     static constexpr NameTable::Id kXmlNamespace = 4;
     static constexpr NameTable::Id kValueName = 5; ///< the text "value"
@@ -120,15 +121,15 @@ public:
     /// True for the namespaces of the encodings of SOAP 1.1 and 1.2.
     static bool isSoapEncoding(NameTable::Id space) { return space == 6 || space == 7; }
 
-    /// Takes back all nodes from `first` on.
+    /// Removes all nodes from `first` on.
     void dropFrom(Index first) { nodes.resize(first); }
 
-    /// Copies the nodes of a document for another namespace. Answers the new document.
+    /// Copies the nodes of a document into another namespace. Returns the number of the new document.
     std::uint32_t adopt(std::uint32_t document, NameTable::Id space);
 
     NameTable names;
-    std::vector<SchemaNode> nodes;  // the first one is none
-    std::vector<SchemaName> listed; // lists, each ended by an empty name
+    std::vector<SchemaNode> nodes;  // node 0 is none
+    std::vector<SchemaName> listed; // lists of names, each ended by an empty name
     std::vector<std::string_view> documentations;
     std::vector<SchemaDocument> documents;
     Arena texts;

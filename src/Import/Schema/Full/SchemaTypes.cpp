@@ -32,7 +32,7 @@ void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std:
                 addCandidate(component, source == sourcesBySpace.end() ? SourceTypes::kNone : source->second);
             }
     std::size_t read = 0;
-    for (std::size_t choice = 0; choice <= choices.size(); ++choice) { // a choice brings records, and these choices
+    for (std::size_t choice = 0; choice <= choices.size(); ++choice) { // a choice adds records, and these add choices
         if (choice > 0)
             readChoice(static_cast<SourceTypes::Index>(choice - 1));
         for (; read < pending.size(); ++read)
@@ -40,7 +40,7 @@ void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std:
     }
 }
 
-/// The number of the choice that a field offers whose type is abstract; kNone for another one.
+// Returns the index of the choice of a field whose type is abstract; kNone for other types.
 SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
 {
     if (!tree[complexType].is(SchemaNode::isAbstract) || derived.of(complexType).empty())
@@ -53,7 +53,7 @@ SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
     return known->second;
 }
 
-/// Reads the types that may stand for an abstract one, and those that are derived from them.
+// Reads the types that may replace an abstract one: those derived from it, directly or indirectly.
 void SchemaTypes::readChoice(SourceTypes::Index choice)
 {
     std::vector<Index> bases{choices[choice]};
@@ -86,7 +86,7 @@ void SchemaTypes::readComponent(Index component, SourceTypes::Index source)
     }
 }
 
-/// What a message may start with: an element, or a complex type that is asked for.
+// Adds a candidate for the main type: an element, or a requested complex type.
 void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
 {
     const SchemaNode& node = tree[component];
@@ -109,7 +109,7 @@ void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
     types.addCandidate(candidate);
 }
 
-/// The namespace of the document that a node stands in, as the types keep it.
+// Returns the index in SourceTypes of the namespace of a node's document.
 SourceTypes::Index SchemaTypes::spaceOf(Index node)
 {
     const NameTable::Id uri = tree.documentOf(node).space;
@@ -143,10 +143,10 @@ void SchemaTypes::readFields(Pending record)
     types.setFields(record.record, fields);
 }
 
-/// The type of an element or attribute; text for none. Valid until the next call.
+// Returns the type of an element or attribute; text if it has none. Valid until the next call.
 const SchemaTypes::Declared& SchemaTypes::declared(Index declaration)
 {
-    // Elements without a type are of the one of their substitution group's head, or of its head's.
+    // Elements without a type have that of their substitution group's head, or of the head's head.
     std::vector<Index> chain;
     lastDeclared = {};
     for (Index at = declaration; at != 0 && !resolve(at, lastDeclared);) {
@@ -164,7 +164,7 @@ const SchemaTypes::Declared& SchemaTypes::declared(Index declaration)
     return lastDeclared;
 }
 
-/// False for a declaration that says nothing of a type.
+// Sets `out` to the type of a declaration. Returns false if the declaration has none.
 bool SchemaTypes::resolve(Index declaration, Declared& out)
 {
     Index type = tree.childOf(declaration, SchemaTag::complexType, SchemaTag::simpleType);
@@ -197,7 +197,7 @@ SourceTypes::Type SchemaTypes::typeOf(const Declared& declared, Index declaratio
                                      : recordOf(declared.complexType, home);
 }
 
-/// An enumeration without a name lies where the element or attribute does that is of it.
+// Returns the type of a value. An anonymous enumeration belongs to the namespace of the declaration that uses it.
 SourceTypes::Type SchemaTypes::typeOf(const Value& value, Index declaration, NameTable::Id fieldName)
 {
     if (value.kind != SourceTypes::kindEnumeration)
@@ -223,7 +223,8 @@ SourceTypes::Type SchemaTypes::typeOf(const Value& value, Index declaration, Nam
     return {SourceTypes::kindEnumeration, known};
 }
 
-/// The record of a complex type: named like it, else like the element that it is declared in.
+// Returns the record of a complex type, added if it is new. It is named after the type, else after the declaration
+// around it.
 SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index home)
 {
     auto [known, isNew] = records.insert(complexType);

@@ -7,7 +7,7 @@
 
 #include <unordered_set>
 
-/// Says what a schema declares: the records, enumerations and elements of its main document and all that they reach.
+/// Makes types of a schema: the records, enumerations and elements of its sources, and all that these reach.
 class SchemaTypes
 {
 public:
@@ -24,7 +24,7 @@ private:
     using Index = SchemaNode::Index;
     using Value = SchemaSimpleTypes::Value;
 
-    // What a declaration is of: a complex type, or else a value.
+    // The type of a declaration: a complex type, else a value.
     struct Declared
     {
         Index complexType = 0;
@@ -32,7 +32,7 @@ private:
         std::uint32_t documentation = 0; // of the type
     };
 
-    // A record that waits for its fields.
+    // A record whose fields are not yet read.
     struct Pending
     {
         Index type;
@@ -71,10 +71,10 @@ private:
     Declared lastDeclared;
     std::vector<std::string_view> keptNames;
     std::vector<std::string_view> keptDocumentations;
-    std::vector<SourceTypes::Index> spaces; // by the number of the URI, and 1 more; 0: not known yet
+    std::vector<SourceTypes::Index> spaces; // by number of the URI: the index + 1; 0 if not yet known
     std::vector<SchemaField> inHand;
     std::vector<SourceTypes::Field> fields;
     std::vector<std::string_view> constants;
-    std::vector<std::string_view> descriptions; // of the constants
-    CancelPoint cancelPoint{4096};              // passed by each field
+    std::vector<std::string_view> descriptions; // of the current constants
+    CancelPoint cancelPoint{4096};              // passed at each field
 };

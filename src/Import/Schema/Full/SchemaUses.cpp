@@ -5,7 +5,7 @@
 
 namespace {
 
-// The root of a schema.
+// Reads the root of a schema.
 struct SchemaRoot : XmlHandler
 {
     void startElement(XmlName name, XmlAttributes attributes) override

@@ -69,7 +69,7 @@ void WsdlReader::readOther(XmlName name, XmlAttributes attributes)
         report.add(SourceReport::declarationPassedOver, here(), name.local);
 }
 
-/// A schema of a WSDL knows the prefixes that are declared around it.
+// Starts a schema. Inside a WSDL it inherits the prefixes declared around it.
 void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes)
 {
     if (isWsdl) {
@@ -182,7 +182,8 @@ void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, S
         report.add(SourceReport::declarationPassedOver, place, CString(local) + " " + CString(content));
 }
 
-/// What a QName means here. None for one that isn't there, "#any" and its like, and for an undeclared prefix.
+// Resolves a QName in the current scope. Returns an empty name for a missing one, for "#any" and the like, and for an
+// undeclared prefix.
 SchemaName WsdlReader::resolve(std::string_view qualified) const
 {
     const std::size_t colon = qualified.find(':');

@@ -10,11 +10,11 @@
 bool isWsdlNamespace(std::string_view uri);
 
 /// Reads a file into the tree: a schema, or the schemas and messages of a WSDL (https://www.w3.org/TR/wsdl,
-/// https://www.w3.org/TR/wsdl20/), each schema as a document of its own behind an empty one for the file.
+/// https://www.w3.org/TR/wsdl20/). Each schema of a WSDL is a document of its own, after an empty one for the file.
 class WsdlReader : public XmlHandler
 {
 public:
-    /// The document of the file is the tree's last one, and empty.
+    /// The document of the file is the last one of the tree and has no nodes yet.
     WsdlReader(SchemaTree& tree, SourceReport& report);
 
     void scope(const XmlScope& scope) override;
@@ -25,15 +25,15 @@ public:
     void entityLeftOut(std::string_view name, XmlPlace place) override;
     bool wantsScopes() const override { return true; }
 
-    /// Reports what the documents say that no type gets, and makes elements of messages whose parts have types.
+    /// Reports the findings in the documents, and makes elements of messages with typed parts.
     void finish();
 
     bool holdsWsdl() const { return isWsdl; }
 
-    /// A name that no document can carry, see SchemaReader.
+    /// Returns the names that XML doesn't allow, see SchemaReader.
     const std::vector<SchemaReader::ImpossibleName>& queryImpossibleNames() const { return impossibleNames; }
 
-    /// The elements that the messages are, in their order, and where that is said.
+    /// An element that a message consists of, and the place of the message's part.
     struct Root
     {
         SchemaName name;
@@ -42,7 +42,7 @@ public:
     };
     const std::vector<Root>& queryRoots() const { return roots; }
 
-    /// The other files that a WSDL imports or includes.
+    /// Another file that a WSDL imports or includes.
     struct Import
     {
         CString location;
@@ -54,7 +54,7 @@ public:
 private:
     using Index = SchemaNode::Index;
 
-    // A part of a message, of an element or else of a type.
+    // A part of a message, with an element or else a type.
     struct Part
     {
         std::uint32_t message; // its number; 0: the part is one by itself
@@ -81,9 +81,9 @@ private:
     SchemaTree& tree;
     SourceReport& report;
     const std::uint32_t document;
-    std::unique_ptr<SchemaReader> schema; // that is open, of a WSDL; or all of the file
-    std::size_t replayed = 0;             // prefixes that schemas were told of
-    std::size_t depth = 0;                // of open elements in it
+    std::unique_ptr<SchemaReader> schema; // the open schema of a WSDL, or that of the whole file
+    std::size_t replayed = 0;             // prefixes passed on to schemas
+    std::size_t depth = 0;                // open elements inside the schema
     std::vector<std::unique_ptr<SchemaReader>> finished;
     bool isWsdl = false;
     bool isInTypes = false;                        // the last statement at the top
