@@ -125,7 +125,7 @@ private:
         return *sheet.activePage()->findChild<Control*>(QString::number(id));
     }
 
-    // They come in the background.
+    // Waits for the counts of types, which come from a thread in the background.
     void waitForCounts()
     {
         QElapsedTimer since;

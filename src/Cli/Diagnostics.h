@@ -60,8 +60,10 @@ public:
     /// Reports how many warnings were not shown, if any.
     void finish();
 
+    /// Returns whether notes and all warnings are shown.
     bool isVerbose() const { return verbosity == Verbosity::verbose; }
 
+    /// Returns whether an error was reported.
     bool hasErrors() const { return errors > 0; }
 
     /// Returns whether an error occurred that may not occur in the full reading.

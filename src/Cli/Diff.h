@@ -23,6 +23,7 @@ struct DiffOptions
     bool asJson = false;
     bool ignoreFolders = false; ///< accept another base path or main element
 
+    /// Returns whether `document` names a repository.
     bool isRepository() const { return document.starts_with(kBroker); }
 };
 

@@ -15,6 +15,7 @@ public:
     /// Keeps a file unchanged if it already holds the bytes written; see AtomicFile::keepUnchanged().
     void keepUnchanged(off_t ignoredFrom = 0, off_t ignoredCount = 0);
 
+    /// Appends bytes. After a failure it does nothing; commit() returns the first failure.
     void write(std::string_view bytes);
 
     /// Returns whether standard output is a terminal, read by people.

@@ -32,6 +32,7 @@ public:
     CString& getName();
     CString& getDescription();
     long queryNextPage() const { return nextPage; }
+    /// Returns the default base path, which the caller may change.
     CString& getBasePath() { return basePath; }
     const ImporterSource& querySource() const { return source; }
 
@@ -40,6 +41,7 @@ public:
 
     /// Returns a new importer for the full reading, owned by the caller; null if hasFull() is false.
     FullMessage* createFull() const { return fullFactory ? fullFactory() : nullptr; }
+    /// Returns whether there is an importer for the full reading.
     bool hasFull() const { return fullFactory != nullptr; }
 
     /// Whether a reading in full takes several files or folders as one source, and finds documents by catalogues.

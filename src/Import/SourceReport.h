@@ -137,12 +137,14 @@ public:
         bool isShown = false; ///< the importer also shows each one in a message
     };
 
+    /// Returns the row of a construct in the table of constructs.
     static const Row& rowFor(Construct construct);
     static const char* wordsFor(Construct construct) { return rowFor(construct).words; }
     static bool isLoss(Construct construct) { return rowFor(construct).sort == loss; }
 
     /// Adds a file and returns its number for SourcePlace::file.
     std::uint32_t addFile(const CString& fileName);
+    /// Returns the name of a file by its number.
     const CString& fileNameOf(std::uint32_t file) const { return files[file]; }
     std::uint32_t fileCount() const { return static_cast<std::uint32_t>(files.size()); }
 

@@ -16,7 +16,7 @@ struct Listed
 } const kListed[] = {
     {"a b.xsd", {"a b.xsd"}},      {R"("a b.xsd" "c")", {"a b.xsd", "c"}},
     {R"("a"   "b" )", {"a", "b"}}, {R"("say ""x""" "b")", {R"(say "x")", "b"}},
-    {R"("a")", {R"("a")"}}, // as it may be called
+    {R"("a")", {R"("a")"}}, // a valid file name
     {R"("a" b)", {R"("a" b)"}},    {R"("a" "b)", {R"("a" "b)"}},
     {R"("" "b")", {R"("" "b")"}},  {"", {""}},
 };
@@ -50,7 +50,7 @@ struct Set
 {
     std::vector<const char*> opened; // below "in"
     int layout;
-    const char* text; // in the field, IN for that folder; null where the import can't begin
+    const char* text; // in the field, with IN for that folder; null if the import can't begin
     Texts types;
     const char* box = "";
 } const kSets[] = {
@@ -85,7 +85,7 @@ TEST(SourceSet, IsReadAsOneAndRemembered)
         desk.dir.write("in/j.json", "{\"x\": 1}");
         std::filesystem::create_directories(in + "/none");
         desk.wizard().options.setLayout(static_cast<FullMessage::Layout>(row.layout));
-        desk.wizard().options.setFullReading(row.opened.size() == 1 && row.text); // what only that reads checks it
+        desk.wizard().options.setFullReading(row.opened.size() == 1 && row.text); // several sources check it
         QStringList files;
         for (const char* name : row.opened)
             files.append(QString::fromStdString(in + "/" + name));

@@ -1,4 +1,4 @@
-// What the pages tell before and after something is done.
+// The information on the pages before and after an action.
 #include "TestFolders.h"
 #include "Ui/CopyRow.h"
 #include "wizard/Desk.h"
@@ -63,7 +63,7 @@ TEST(SourcePage, ShowsWhatWouldComeOfTheSource)
     }
 }
 
-// A large source is counted only when that is asked for, and none holds the page up.
+// A large source is counted only on request, and counting never blocks the page.
 TEST(SourcePage, DropsWhatItCountsWhenTheChoiceChanges)
 {
     Desk desk;
@@ -120,7 +120,7 @@ TEST(OutputFilePage, SuggestsANameAndSaysWhatWouldBeReplaced)
     desk.source = desk.dir.write("in/other.v2.dtd", "<!ELEMENT a (b)>");
     desk.walkTo(IDD_OUTPUT);
     desk.click("next");
-    EXPECT_EQ(desk.text(IDC_OUTPUT_FILE), desk.dir.path("in/other.v2-types.xml")); // nobody has changed it
+    EXPECT_EQ(desk.text(IDC_OUTPUT_FILE), desk.dir.path("in/other.v2-types.xml")); // the suggestion is unchanged
     const std::pair<CString, const char*> states[] = {
         {suggested, "The file exists, [0-9.]+ .*, of [0-9:]+; it will be replaced[.]"},
         {desk.source, "The file exists, 16 bytes, of [0-9:]+; it is not a type document, and will be replaced[.]"},

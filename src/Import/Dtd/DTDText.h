@@ -13,12 +13,14 @@ inline constexpr std::size_t kNowhere = std::string_view::npos;
 class CharSet
 {
 public:
+    /// The set of the bytes in `characters`.
     constexpr explicit CharSet(std::string_view characters)
     {
         for (const char c : characters)
             members[static_cast<unsigned char>(c)] = true;
     }
 
+    /// Returns whether the set contains a byte.
     constexpr bool has(char c) const { return members[static_cast<unsigned char>(c)]; }
 
     /// Returns the first character from `from` on that is in the set; kNowhere if there is none.
@@ -107,8 +109,10 @@ public:
         std::size_t mark = kNowhere; ///< the first '*' or '+' behind it, unless a separator comes before; else kNowhere
     };
 
+    /// Matches the parentheses of `text`, in linear time.
     explicit DTDGroups(std::string_view text);
 
+    /// Returns the number of groups, which is that of the '('.
     std::size_t size() const { return groups.size(); }
     /// Returns the position of the '(' of a group.
     std::size_t openOf(std::size_t index) const { return groups[index].open; }

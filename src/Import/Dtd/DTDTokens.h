@@ -31,6 +31,7 @@ public:
 
     DTDTokens(DTDEntities& entities, DTDEntities::Text& main, SourceReport& report);
 
+    /// Returns the entities, to declare further ones.
     DTDEntities& entities() { return entityTable; }
 
     /// Moves to the next declaration and reads its keyword. Returns false at the end of the DTD.
@@ -51,6 +52,7 @@ public:
     /// Returns the place of the current word.
     SourcePlace wordPlace();
 
+    /// Returns the current token, as next() has read it.
     const Token& token() const { return current; }
 
     /// Reads the next token of the declaration; stays at its end. Literals may hold markup only in declarations of

@@ -21,6 +21,7 @@ public:
 
     /// The same for a single main type; "" for none.
     void setRoot(const CString& name) { roots.assign(name.empty() ? 0 : 1, name); }
+    /// Returns the first of the requested main types; empty if there are none.
     CString queryRoot() const { return roots.empty() ? CString() : roots.front(); }
 
     /// Makes an importer with the same settings that has imported nothing yet.
@@ -36,7 +37,7 @@ public:
     void setLayout(Layout wanted) { layout = wanted; }
     Layout queryLayout() const { return layout; }
 
-    /// Whether the types of the next import lie by namespace.
+    /// Returns whether the next import places each type in the folder of its namespace.
     bool laysOutByNamespace() const
     {
         return layout == Layout::byNamespace || (layout == Layout::automatic && !furtherFiles.empty());

@@ -164,11 +164,13 @@ public:
     /// Adds a candidate for the main type; call it in order of declaration.
     void addCandidate(const Candidate& candidate) { candidates.push_back(candidate); }
 
+    /// Returns the number of fields of all records.
     std::size_t fieldCount() const { return fields.size(); }
 
     /// Returns true if there is nothing to import.
     bool empty() const { return records.empty() && enumerations.empty() && candidates.empty(); }
 
+    /// Returns the fields of a record, in their order. Valid until the next setFields().
     std::span<Field> fieldsOf(Index record)
     {
         return std::span(fields).subspan(records[record].firstField, records[record].fieldCount);
@@ -177,6 +179,7 @@ public:
     {
         return std::span(fields).subspan(records[record].firstField, records[record].fieldCount);
     }
+    /// Returns the constants of an enumeration, in their order. Valid until the next addEnumeration().
     std::span<const std::string_view> constantsOf(Index enumeration) const
     {
         return std::span(constants).subspan(enumerations[enumeration].firstConstant,

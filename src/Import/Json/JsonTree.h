@@ -94,6 +94,7 @@ public:
 
     const JsonNode& operator[](Index node) const { return nodes[node]; }
     JsonNode& operator[](Index node) { return nodes[node]; }
+    /// Returns the number of nodes, with node 0, which is none.
     std::size_t size() const { return nodes.size(); }
 
     /// Returns the node that an alias refers to, else the node itself.
@@ -110,6 +111,7 @@ public:
     /// Returns the text of the string under `key`; empty if there is none.
     std::string_view textOf(Index object, JsonWord key) const;
 
+    /// Returns the key of a node as a word; `none` if it has none, or if it isn't a JsonWord.
     JsonWord keyOf(Index node) const { return wordOf(nodes[node].key); }
     bool is(Index node, JsonNode::Kind kind) const { return nodes[node].kind == kind; }
 
@@ -132,6 +134,7 @@ public:
     /// Puts the members of an object into the hash table; for large objects.
     void index(Index object);
 
+    /// Returns the place of a node in its document.
     SourcePlace placeOf(Index node) const { return {nodes[node].document, nodes[node].line, nodes[node].column}; }
 
     NameTable names;

@@ -12,6 +12,6 @@ class MsgUIDescriptor;
 std::vector<CString> withoutFolders(const std::vector<CString>& sources, const MsgUIDescriptor* importer,
                                     bool isRecursive);
 
-/// The name of what is read from `files`, which withoutFolders() made of `given`: the folder's, if one folder holds
-/// several; else "", and the main type names it.
+/// Returns the name of the set `files`, the result of withoutFolders() for `given`: the folder's name if a single
+/// folder with several files was given; else "", so that the set is named after its main type.
 CString nameOfSet(const std::vector<CString>& given, const std::vector<CString>& files);

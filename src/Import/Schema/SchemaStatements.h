@@ -67,6 +67,7 @@ public:
 
     /// Adds a finding at that place.
     void find(SourceReport::Construct construct, CString name) { find(construct, start, std::move(name)); }
+    /// Counts a detail for finish().
     void count(SourceReport::Construct detail) { ++details[detail]; }
 
     /// Reports all findings. Call it if the document is part of the schema.
@@ -95,6 +96,7 @@ public:
         unbounded,
         senseless ///< not a number
     };
+    /// Returns the meaning of such a value. Leading zeros are allowed, white space is not.
     static Occurrence occurrenceOf(std::string_view value);
 
 private:

@@ -29,6 +29,7 @@ public:
         SchemaNode::Index node;
         NameTable::Id name;
     };
+    /// Returns the names that XML doesn't allow, in document order.
     const std::vector<ImpossibleName>& queryImpossibleNames() const { return impossibleNames; }
 
 private:

@@ -90,11 +90,13 @@ public:
     /// Returns the full name of a component at the top.
     SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
 
+    /// Returns the place of a node.
     SourcePlace placeOf(Index node) const { return {tree.documentOf(node).file, tree[node].line, tree[node].column}; }
 
     /// Keeps a loss or detail for reportNotes(), with `name`, else the name of the node or of its reference.
     void note(SourceReport::Construct construct, Index node, NameTable::Id name = 0);
 
+    /// The same with a text as the name.
     void noteText(SourceReport::Construct construct, Index node, std::string_view name)
     {
         note(construct, node, tree.names.intern(name));

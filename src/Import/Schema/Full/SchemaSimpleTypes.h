@@ -27,6 +27,7 @@ public:
     /// Returns the value of a simple type, or of the text of a complex type.
     Value of(Index type);
 
+    /// Returns the constants of an enumeration. Valid until the next of().
     std::span<const NameTable::Id> constantsOf(const Value& value) const
     {
         return std::span(constants).subspan(value.firstConstant, value.constantCount);

@@ -103,6 +103,7 @@ public:
     }
 
     std::string_view documentation(Index at) const { return documentations[nodes[at].documentation]; }
+    /// Returns the document of a node.
     const SchemaDocument& documentOf(Index at) const { return documents[nodes[at].document]; }
 
     /// Returns the name in the node's `ref`, `type` or `base`. In a document without namespace, an unprefixed name is
@@ -111,6 +112,7 @@ public:
 
     /// Returns the names in its `memberTypes` or `substitutionGroup`.
     std::vector<SchemaName> listOf(Index at) const;
+    /// Returns the first of these names; empty if there are none.
     SchemaName firstListed(Index at) const { return adopted(at, listed[nodes[at].list]); }
 
     /// Returns true for the namespaces of XML Schema of 2001, 2000/10 and 1999.

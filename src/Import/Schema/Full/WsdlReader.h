@@ -28,6 +28,7 @@ public:
     /// Reports the findings in the documents, and makes elements of messages with typed parts.
     void finish();
 
+    /// Returns whether the file is a WSDL.
     bool holdsWsdl() const { return isWsdl; }
 
     /// Returns the names that XML doesn't allow, see SchemaReader.
@@ -40,6 +41,7 @@ public:
         SourcePlace place;
         SchemaNode::Index made = 0; ///< that one, if it was made of a message's parts; no schema declares it
     };
+    /// Returns the elements of all messages, in their order.
     const std::vector<Root>& queryRoots() const { return roots; }
 
     /// Another file that a WSDL imports or includes.
@@ -49,6 +51,7 @@ public:
         CString space;
         SourcePlace place;
     };
+    /// Returns the files that the WSDL imports or includes, in their order.
     const std::vector<Import>& queryImports() const { return imports; }
 
 private:

@@ -38,6 +38,7 @@ public:
 
     /// Returns the declared name; followed by "*" if it repeats.
     std::string_view queryName() const { return {name, nameSize}; }
+    /// Returns the registered type; empty if it has none.
     std::string_view queryType() const { return {type, typeSize}; }
 
     /// Sets the type of an earlier declaration; `isOther` says that it differs from its own.
@@ -53,6 +54,7 @@ public:
     bool isReference() const { return isReferring; }
     bool isInRepeated() const { return isOfRepeated; }
 
+    /// Returns why the type isn't the declared one.
     SchemaTypeLoss queryLoss() const { return loss; }
 
     /// Returns whether the trimmed text of the key ends with "*" and is longer than that.

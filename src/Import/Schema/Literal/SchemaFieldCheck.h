@@ -22,6 +22,7 @@ public:
         fields.push_back({&declared, &field, &record, plainKindOf(declared)});
     }
 
+    /// Prepares for `count` fields.
     void reserve(std::size_t count) { fields.reserve(count); }
 
     /// Reports the differences. Call it after all records are declared in the folder `path`, and before tables are

@@ -26,6 +26,7 @@ public:
         unknown ///< a type that isn't declared
     };
 
+    /// Removes all types.
     void clear();
 
     /// Adds a prefix that is bound to the schema language; "" for names without prefix.
@@ -38,6 +39,7 @@ public:
     void addPart(Index type, std::string_view typeName) { addPart(type, {texts.keep(typeName), kNone, kNone}); }
     void addPart(Index type, Index inner) { addPart(type, {{}, inner, kNone}); }
 
+    /// Marks a type as a list, or as one with enumeration values.
     void setList(Index type) { types[type].isList = true; }
     void setListed(Index type) { types[type].isListed = true; }
 

@@ -74,6 +74,7 @@ public:
     /// Reports the findings in the document. Call it if the document is part of the schema.
     void finish() { statements.finish(); }
 
+    /// Returns the place of a declaration.
     SourcePlace placeOf(Index at) const { return {file, entries[at].declaration.line, entries[at].declaration.column}; }
 
     /// Returns the number of declarations, the root included.
@@ -110,6 +111,7 @@ public:
     /// Reports the elements and attributes that were not used.
     void reportUnread(SourceReport& report) const;
 
+    /// Returns whether the root has a targetNamespace.
     bool hasTargetNamespace() const { return isTargeted; }
 
     /// Frees everything except the texts, which the table's entries refer to.
