@@ -49,6 +49,7 @@ bool openBroker(BrokerSession& session, const CString& address, const LogonOptio
 
 bool keepRepository(MsgBase& message, const CString& document, const LogonOptions& logon)
 {
+    // A password may be in memory from here on.
     keepOutOfCores();
     BrokerSession session;
     if (!openBroker(session, document.substr(kBroker.size()), logon, true))
@@ -60,6 +61,7 @@ bool keepRepository(MsgBase& message, const CString& document, const LogonOption
     std::vector<CString> documents;
     for (const CString& folder : folders)
         std::ranges::move(session.readFolder(folder), std::back_inserter(documents));
+    // A type without a kind would end the list for its reader.
     std::stable_partition(documents.begin(), documents.end(), [](const CString& each) { return !hasNoContent(each); });
     CString text = "<types>";
     for (const CString& each : documents)

@@ -115,6 +115,7 @@ void addCreateOptions(CLI::App& app, CreateOptions& options)
 int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions& options, const LogonOptions& logon,
                 Verbosity verbosity)
 {
+    // A password may be in memory from here on.
     keepOutOfCores();
     std::signal(SIGPIPE, SIG_IGN); // if the reader of the output ends, types are still created
     BrokerSession session;

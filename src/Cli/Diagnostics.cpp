@@ -70,6 +70,7 @@ CString shownSource(const CString& source)
     CString upper = source;
     std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
     std::size_t end = source.size();
+    // Everything after the first password is hidden: it may be quoted and contain separators.
     for (const std::string_view word : {"PWD", "PASSWORD"})
         for (std::size_t at = upper.find(word); at < end; at = upper.find(word, at + 1))
             if (const std::size_t sign = upper.find_first_not_of(kWhitespace, at + word.size());

@@ -52,6 +52,7 @@ CString logonHint(const Arguments& arguments, const CDBException& error)
 void TableSource::import(MsgBase& message, const Arguments& arguments, const CString& basePath,
                          Diagnostics& diagnostics)
 {
+    // A password may be in memory from here on.
     keepOutOfCores();
     try {
         read(dynamic_cast<ODBCMessage&>(message), arguments, basePath);

@@ -21,6 +21,7 @@ int MsgBase::parseFile(const CString& fileName, const CString& basePath)
         if (cause != FileCause::none)
             return fail(cantOpen(fileName, cause), {fileName, inWords(fileName, cause)});
     }
+    // If the import is cancelled, no half-filled model stays.
     return orEmpty([&] {
         const int result = parse(isFileMode() ? fileName : source, toXmlText(basePath), fileName);
         source = {}; // frees it, because arranging needs memory of its own

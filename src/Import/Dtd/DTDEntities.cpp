@@ -22,6 +22,7 @@ DTDEntities::Text& DTDEntities::addMain(const CString& fileName, std::string_vie
     CString room;
     std::string_view text = decodeText(bytes, room);
     if (text.data() == room.data() && !room.empty())
+        // A converted text must live as long as the types, because names are views of it.
         text = types.adopt(std::move(room));
     read += text.size();
     Text& file = files.emplace_back(Text{text, {report.addFile(fileName), 1, 1}, true});
@@ -89,6 +90,7 @@ std::size_t DTDEntities::replaceOne(Entity& entity, std::string_view rest, CStri
     if (const Entity* known = name.empty() ? nullptr : entities.find(name); known && known != &entity && known->text) {
         if (!known->isModule) {
             entity.depth = std::max(entity.depth, known->depth + 1);
+            // Large values are charged while they grow; replaceReferences() charges the whole only at its end.
             if (out.size() > kSmallExpansion)
                 spend(known->value.text.size());
             out.append(known->value.text);

@@ -29,6 +29,7 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
     files.insert(files.end(), queryFurtherFiles().begin(), queryFurtherFiles().end());
     std::vector<std::optional<FileId>> ids;
     for (const CString& file : files)
+        // Identities are only needed to recognise a DTD of the set as a module of another one.
         ids.push_back(files.size() > 1 ? identify(file) : std::nullopt);
     std::vector<Index> owners(files.size()); // by file: the DTD that includes it as a module, else the file itself
     std::iota(owners.begin(), owners.end(), 0);
@@ -47,6 +48,7 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
         reader.read(tokens);
         for (const std::string_view entity : tokens.querySwitches())
             addSwitch(entity);
+        // A DTD that this one has read as a module counts for this one.
         for (Index other = 0; files.size() > 1 && other < files.size(); ++other)
             if (owners[other] == other && ownerOf(i) != other && ids[other] && entities.hasRead(*ids[other]))
                 owners[other] = i;

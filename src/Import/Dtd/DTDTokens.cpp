@@ -43,6 +43,7 @@ SourcePlace DTDTokens::placeIn(Frame& frame) const
     if (frame.text->isMade)
         return frame.text->start;
     const char* const at = std::max(frame.counted, frame.at);
+    // Lines are counted from the last place on, so that all places together take linear time.
     if (const auto lines = std::count(frame.counted, at, '\n'); lines > 0) {
         frame.line += static_cast<std::uint32_t>(lines);
         frame.column = 1;

@@ -168,6 +168,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     }
     for (const CString& path : declaring.paths)
         declaring.pathNames.push_back(&declaring.names.intern(path));
+    // Each field may hold the path of its type.
     types.spend(std::ranges::max(declaring.paths, {}, &CString::size).size() * types.fieldCount());
     for (Index enumeration = 0; !main.isAskedFor && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)

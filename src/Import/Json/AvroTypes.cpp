@@ -89,6 +89,7 @@ void AvroTypes::addCandidate(Index schema, std::string_view name)
     if (several == 0)
         if (const auto shape = shapeOf({{schema, 0}}, name, SourceTypes::kNone))
             names.addCandidate(*shape, name, tree.placeOf(schema));
+    // Named types that nothing refers to are imported as well.
     for (const Scoped at : std::exchange(order, {}))
         shapeOf({at}, name, SourceTypes::kNone);
 }

@@ -37,6 +37,8 @@ void JsonContents::step(std::size_t count)
         types.refuse(std::to_string(kMaxKept) + " fields in parts of schemas");
 }
 
+// Works out the parts of a schema before the schema itself, with a stack of frames instead of recursion, because
+// schemas may nest without bound.
 JsonContent JsonContents::of(Index schema)
 {
     schema = tree.target(schema);
@@ -128,6 +130,7 @@ void JsonContents::finish()
     frames.pop_back();
 }
 
+// Replaces the discriminator property by an enumeration of the mapping's keys.
 void JsonContents::overrideDiscriminator(Frame& frame)
 {
     makeOwn(frame);
@@ -157,6 +160,7 @@ void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index p
         joinBoth(frame, added, how, part);
 }
 
+// Borrows the content of a part. Its fields are copied only when others are added, see makeOwn().
 void JsonContents::take(Frame& frame, const JsonContent& added)
 {
     frame.content = added;
@@ -181,6 +185,9 @@ void JsonContents::makeOwn(Frame& frame)
             addField(frame, fields[content.first + i], both);
 }
 
+// Combines two contents that both apply. Fields of records add up, text is narrowed by an enumeration or a time, and
+// items are merged. If the kinds conflict, objects take precedence over other kinds and records over maps; of other
+// kinds the later one is used.
 void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Index part)
 {
     const Kind kind = frame.content.kind;
@@ -226,6 +233,8 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         take(frame, added);
 }
 
+// Combines two alternatives. Records and enumerations are united, and items are merged. If the kinds differ, objects
+// take precedence over arrays and arrays over leaves; different leaves become text.
 void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part)
 {
     const Kind kind = frame.content.kind;

@@ -158,6 +158,7 @@ JsonNode::Index JsonDocuments::resourceOf(Index node) const
 
 JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference)
 {
+    // Cached by resource, because the same reference leads elsewhere in another one.
     const std::uint64_t key = keyOf(resourceOf(holder), reference);
     auto known = resolved.find(key);
     if (known == resolved.end()) {

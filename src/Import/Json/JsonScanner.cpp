@@ -90,6 +90,7 @@ void JsonScanner::skipSpace()
 JsonScanner::Token JsonScanner::next()
 {
     skipSpace();
+    // A text holds a single value, a file any number of them.
     if (isObject.empty() && (state == afterValue || file)) {
         if (isAtEnd())
             return end;
@@ -192,6 +193,7 @@ void JsonScanner::scanString(bool isKey)
         isPieced = true;
     };
     for (;;) {
+        // Takes the bytes before a refill, which then needn't keep them.
         if (data.size() - at < kLongestCharacter && longest != CString::npos) {
             takePiece();
             kept = at;

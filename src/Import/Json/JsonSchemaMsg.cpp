@@ -8,6 +8,7 @@ void JsonSchemaMessage::readDocuments(std::span<const Index> roots, JsonDocument
         schemas.setSource(source);
         const Index root = roots[source];
         const JsonTypes::Shape shape = schemas.shapeOf(root, schemas.nameOf(root));
+        // A document without a type of its own only holds definitions, which become the candidates instead.
         const bool isPlain = shape == JsonTypes::Shape() && tree.find(root, JsonWord::type) == 0;
         if (!isPlain)
             schemas.addCandidate(root, {});

@@ -222,6 +222,7 @@ void JsonTypes::addBody(Index schema, const CString& name)
 void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace place)
 {
     const bool isRecord = shape.type.kind == SourceTypes::kindRecord && shape.depth == 0;
+    // Several operations may share a body.
     if (isRecord && !candidates.insert(static_cast<std::uint64_t>(source) << 32 | shape.type.index).second)
         return;
     const std::string_view called = isRecord ? types.records[shape.type.index].name : name;

@@ -21,6 +21,7 @@ void OpenApiMessage::readDocuments(std::span<const Index> roots, JsonDocuments& 
             refuse("it is Swagger 2.0; convert it to OpenAPI 3 first");
         if (version.empty() && tree.find(root, JsonWord::asyncapi) == 0)
             refuse("it is no OpenAPI and no AsyncAPI document");
+        // In OpenAPI 3.0 a "$ref" replaces its siblings; 3.1 follows JSON Schema 2020-12.
         documents.setIgnoresSiblings(root, version.starts_with("3.0"));
         schemas.setSource(source);
         const std::size_t before = types.candidates.size();

@@ -93,6 +93,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
     const SourcePlace place{report.addFile(tableName)};
     std::set<TableName> read;
     for (columns.MoveFirst(); !columns.IsEOF(); columns.MoveNext()) {
+        // The driver takes the name as a pattern, so it may list columns of other tables.
         if (exact && columns.queryTable() != *exact)
             continue;
         read.insert(columns.queryTable());

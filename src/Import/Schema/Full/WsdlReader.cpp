@@ -210,6 +210,7 @@ void WsdlReader::finish()
         tree.documents[document].end = static_cast<Index>(tree.size());
         return;
     }
+    // The file of a WSDL is no schema itself; its schemas are documents of their own.
     tree.documents[document].end = tree.documents[document].root = 0;
     makeMessages();
 }

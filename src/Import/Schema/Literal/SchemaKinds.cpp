@@ -58,6 +58,7 @@ SchemaKinds::Kind SchemaKinds::kindOf(Index type)
 
 SchemaKinds::Kind SchemaKinds::combine(const Type& type) const
 {
+    // A list is text, whatever its items are.
     if (type.isList)
         return text;
     Kind kind = text;
