@@ -31,6 +31,7 @@ std::vector<CString> argumentsOf(int argc, char** argv)
     std::vector<CString> arguments;
     bool areTaken = true;
     for (const std::string_view argument : std::span(argv, static_cast<std::size_t>(argc)).subspan(argc > 0)) {
+        // Behind "--" there are only sources, so a name may begin with '@'.
         areTaken = areTaken && argument != "--";
         if (areTaken && argument.size() > 1 && argument.front() == '@')
             addLines(CString(argument.substr(1)), arguments);

@@ -160,6 +160,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
             throw CLI::ValidationError("--json", "there is no JSON of it without --list or --diff");
         if (arguments.diff.document == "-" && std::ranges::find(arguments.sources, "-") != arguments.sources.end())
             throw CLI::ValidationError("--diff", "standard input can't be the source and the document, too");
+        // Without a named importer, this is checked when the importer has been chosen.
         if (const CString mistake = arguments.importer ? mistakeFor(arguments, *arguments.importer) : "";
             !mistake.empty())
             throw CLI::ValidationError(mistake);

@@ -46,6 +46,7 @@ std::string HelpText::make_help(const CLI::App* app, std::string name, CLI::AppF
                    app->get_description() + "\n";
     for (const char* group : kGroups) {
         text += CString("\n") + group + ":\n";
+        // The description of the positional argument holds all lines about it.
         if (group == kGroups[0])
             for (const CLI::Option* option : app->get_options([](const CLI::Option* o) { return !o->nonpositional(); }))
                 text += option->get_description();

@@ -222,6 +222,7 @@ int runImport(Arguments arguments)
         return failedStatus;
     if (!isReported)
         return arguments.diff.document.empty() ? kNotWritten : failedStatus;
+    // The types of a folder's files are recorded under the folder.
     if (!arguments.create.address.empty())
         return createOnBroker(
             *message, *importer,

@@ -105,6 +105,7 @@ void writeList(MsgBase& message, bool isAligned, Output& output)
     constexpr std::size_t maxColumn = 60;
     std::size_t column = 0;
     message.beginEnum();
+    // A few long names don't move the column of all others.
     while (const Element* type = isAligned ? message.enumNext() : nullptr)
         column = std::max(column, std::min(countCharacters(nameOf(*type)), maxColumn));
     message.beginEnum();

@@ -266,6 +266,7 @@ bool DTDReader::readAttribute()
         type = readAttributeType(name);
         readDefault();
     }
+    // The declaration of a namespace is no data.
     if (!isNamespace(name))
         for (const std::string_view element : names)
             addAttribute(elementNamed(element), name, type);

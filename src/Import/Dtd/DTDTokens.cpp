@@ -152,6 +152,7 @@ void DTDTokens::leaveDoctype()
     while (frames.size() > 1)
         pop();
     frames.front().at = frames.front().end;
+    // The external subset comes after the internal one, whose declarations take precedence (XML 1.0, 2.8).
     if (externalEntity.empty())
         return;
     if (DTDEntities::Text* text = entityTable.open(externalEntity, 0, declaration))
@@ -203,6 +204,7 @@ void DTDTokens::readSection()
     declaration = placeIn(frame);
     frame.at += 3;
     const char* const start = frame.at;
+    // The key is kept as it is written, because the tokens that follow no longer show its entity.
     const char* const open = std::find(start, start + std::min(frame.end - start, kLongKey), '[');
     base = frames.size();
     bool isIgnored = false, isKnown = false;
@@ -266,6 +268,7 @@ const DTDTokens::Token& DTDTokens::next()
         while (frame.at < frame.end && kBlank.has(*frame.at))
             ++frame.at;
         if (frame.at == frame.end) {
+            // A declaration goes on behind a reference in it, but not behind the text in which it began.
             if (frames.size() > base) {
                 pop();
                 continue;
@@ -385,6 +388,7 @@ void DTDTokens::readQuoted(char quote)
     }
     const char* const start = frame.at + 1;
     const char* at = hasQuote ? start : frame.end;
+    // Only the value of an entity may contain "<!". Elsewhere the second quote is missing.
     while (at < frame.end && *at != quote && (mayHoldMarkup || *at != '<' || at + 1 == frame.end || at[1] != '!'))
         ++at;
     if (at == frame.end)

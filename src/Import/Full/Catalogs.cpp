@@ -265,6 +265,7 @@ std::optional<CString> Catalogs::ask(std::uint32_t catalog, Question& question) 
     while (!open.empty()) {
         const std::uint32_t at = open.back();
         open.pop_back();
+        // Catalogues may name each other.
         if (question.isAsked[at])
             continue;
         question.isAsked[at] = true;

@@ -272,6 +272,7 @@ Element* FullMessage::declareType(Declaring& declaring, Index space, std::string
     declaring.name = name;
     const CString& path = declaring.paths[space];
     RunningHash key(name);
+    // Types of different namespaces may share a name.
     if (space != 0)
         key.append(path);
     Element* element;

@@ -48,6 +48,7 @@ SourceTypes::Index RootNames::find(std::string_view root) const
 {
     std::vector<Index> found = allCalled(root);
     const std::string_view local = localNameOf(root);
+    // The name itself comes first, because names in a DTD may contain colons.
     if (found.empty() && local != root) {
         std::string_view space = root.substr(0, root.size() - local.size() - 1);
         std::set<std::string_view> uris; // a prefix may stand for another namespace in each source
@@ -62,6 +63,7 @@ SourceTypes::Index RootNames::find(std::string_view root) const
         found = allCalled(local);
         std::erase_if(found, [&](Index i) { return !uris.contains(types.candidates[i].uri); });
     }
+    // Elements of the sources come before those of other documents, and elements before types.
     prefer(found, types, [](const auto& candidate) { return candidate.source != SourceTypes::kNone; });
     prefer(found, types, [](const auto& candidate) { return !candidate.isType; });
     prefer(found, types, [](const auto& candidate) { return candidate.message != SourceTypes::kNone; });

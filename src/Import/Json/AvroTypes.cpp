@@ -59,6 +59,7 @@ void AvroTypes::declareAll(Scoped top)
                 waiting.push_back({tree.find(at.schema, word), at.space});
             wait(tree.find(at.schema, JsonWord::fields, JsonNode::array), true);
         }
+        // The stack is filled in reverse, so that types are declared in the order of the document.
         std::reverse(waiting.begin() + first, waiting.end());
     }
 }
@@ -123,6 +124,7 @@ void AvroTypes::readProtocol(Index protocol)
                     shapeOf({{response, tree[space].text}}, names.fit(name + "Response", at), SourceTypes::kNone))
                 names.addCandidate(*shape, name + "Response", tree.placeOf(at));
     }
+    // A protocol without messages only declares types.
     if (tree[messages].firstChild == 0)
         addAllCandidates();
 }
@@ -284,6 +286,7 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
     }
     if (isBytes && !shared)
         return std::nullopt;
+    // Different kinds become text. That is only worth a report if numbers or bytes are lost by it.
     if (isBytes || (!isShared && isNumber))
         documents.note(SourceReport::kindsDiffer, leaves.front().schema);
     if (!shared || !isShared || isBytes)
@@ -304,6 +307,7 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
     const Index schema = leaves.front().schema;
     const std::string_view full = leaves.size() == 1 ? tree.textOf(schema, JsonWord::name) : "";
     const std::string_view own = full.empty() ? name : names.fit(full.substr(full.rfind('.') + 1), schema);
+    // An enumeration without symbols can't be declared, so it becomes text.
     if (constants.empty())
         return {};
     const SourceTypes::Index space = types.spaceOf(tree.names[leaves.front().space]);
@@ -314,6 +318,7 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
 void AvroTypes::finish()
 {
     for (std::size_t i = 0; i < pending.size(); ++i)
+        // Copied, because reading fields appends further records.
         readFields(Pending(pending[i]));
 }
 

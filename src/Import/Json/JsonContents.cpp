@@ -288,6 +288,7 @@ void JsonContents::addOwnFields(Frame& frame, Index properties)
         return;
     if (frame.content.kind == JsonContent::none)
         frame.content.kind = JsonContent::record;
+    // Properties make a schema an object, whatever its other parts say.
     if (frame.content.kind != JsonContent::record) {
         documents.note(SourceReport::kindsDiffer, properties);
         JsonContent record;
@@ -312,6 +313,7 @@ void JsonContents::addField(Frame& frame, JsonField field, How how)
     const std::size_t size = isConstant ? frame.constants.size() : frame.fields.size();
     const auto nameAt = [&](std::size_t i) { return isConstant ? frame.constants[i] : frame.fields[i].name; };
     std::size_t at = size;
+    // A few names are compared faster than they are hashed.
     if (size < kFewFields) {
         for (at = 0; at < size && nameAt(at) != field.name;)
             ++at;

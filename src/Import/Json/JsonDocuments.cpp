@@ -92,6 +92,8 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     document.ignoresSiblings = ignoresSiblings;
     const std::string_view version = tree.textOf(root, JsonWord::schemaVersion);
     const auto says = [version](const char* words) { return version.find(words) != version.npos; };
+    // Since draft 2019-09 a "$ref" no longer replaces its siblings. Up to draft 4 the identifier is "id" instead of
+    // "$id".
     const bool isDraft4 = says("draft-04") || says("draft-03");
     if (isDraft4 || says("draft-06") || says("draft-07"))
         document.ignoresSiblings = true;
@@ -201,6 +203,7 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
         fault = path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing;
         return 0;
     }
+    // Entered before it is read, so that a document that fails isn't read again.
     if (parsed.try_emplace(file->id, 0).second)
         parsed[file->id] = readNamed(*file, path, holder);
     return parsed[file->id];
@@ -243,6 +246,7 @@ JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointe
         CString step;
         for (std::size_t i = 0; i < end; ++i) {
             const bool isEscape = pointer[i] == '~' && i + 1 < end && (pointer[i + 1] == '0' || pointer[i + 1] == '1');
+            // The escapes of JSON Pointer (RFC 6901): "~0" is '~', "~1" is '/'.
             step += !isEscape ? pointer[i] : pointer[i + 1] == '0' ? '~' : '/';
             i += isEscape ? 1 : 0;
         }

@@ -23,6 +23,7 @@ void JsonContents::readSchema(Frame& frame)
     const bool saysMore = frame.parts.size() != 1 || own.type != 0 || own.isListed || own.hasItems ||
                           !own.mapValues.empty() || own.format != 0;
     frame.isReference = frame.isReference && !saysMore;
+    // Conditional parts come last, because they only add missing fields.
     std::ranges::stable_partition(frame.parts, [](const Part& part) { return part.how != maybe; });
     readOwn(frame, own);
 }

@@ -55,6 +55,7 @@ JsonNode::Index JsonContents::mergedOf(Index first, std::span<const Part> more)
                     merged.members.push_back(member);
                 return;
             }
+            // Its members are added instead of itself, so that merging again leads to the same schema.
             merged.rank = std::max(merged.rank, known->second.rank);
             for (const Index inner : known->second.members)
                 if (met.insert(inner).second)
@@ -74,6 +75,7 @@ JsonNode::Index JsonContents::mergedOf(Index first, std::span<const Part> more)
 JsonNode::Index JsonContents::makeMerged(const Merged& merged)
 {
     std::vector<Index> key = merged.members;
+    // The order of members doesn't matter, except that the first one of a condition applies in any case.
     std::ranges::sort(merged.how == maybe ? std::span(key).subspan(1) : std::span(key));
     const auto [known, isNew] = merges.try_emplace({merged.how, std::move(key)}, 0);
     if (!isNew)

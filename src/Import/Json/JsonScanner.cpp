@@ -281,6 +281,7 @@ void JsonScanner::scanNumber()
         fail("the text ends too early");
     if (!isDigit(peek()))
         fail("a value is expected");
+    // A zero at the start is the whole integer part (RFC 8259, 6).
     if (peek() == '0')
         ++at;
     else

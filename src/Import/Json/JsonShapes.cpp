@@ -207,16 +207,19 @@ SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string
     const Index whole = at;
     for (; (shapes[at].kinds & (isArray | isObject)) == isArray && depth < deepest; at = shapes[at].items, ++depth) {
         isLeafToo |= shapes[at].kinds != isArray;
+        // An array that was empty in all documents has items of unknown type.
         if (shapes[at].items == 0)
             return ++depth, SourceTypes::Type();
     }
     const std::uint8_t kinds = shapes[at].kinds;
     const bool isRecord = (kinds & isObject) != 0 && shapes[at].first != 0;
+    // A time among texts is just text.
     const bool differs = (kinds & (kinds - 1)) != 0 && kinds != (isTime | isText);
     if (differs || isLeafToo)
         report.add(SourceReport::kindsDiffer, differs ? shapes[at].otherPlace : shapes[whole].otherPlace, name);
     if (depth == deepest)
         report.add(SourceReport::cutShort, shapes[whole].place, CString(name) + ", arrays inside each other");
+    // A value that may also be an array of values becomes text, which doesn't repeat.
     if (!isRecord && (isLeafToo || depth == deepest))
         depth = 0;
     if (!isRecord)

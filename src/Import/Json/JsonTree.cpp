@@ -212,6 +212,7 @@ bool JsonBuilder::isOpen(Index node) const
     return std::ranges::find(open, node, &Level::node) != open.end();
 }
 
+// Keeps the last of the members with one key, as most parsers do (RFC 8259, 4).
 void JsonBuilder::dropDuplicates(const Level& level)
 {
     std::vector<Index> all;
@@ -229,6 +230,7 @@ void JsonBuilder::dropDuplicates(const Level& level)
         else
             report.add(SourceReport::keyTwice, tree.placeOf(*at), tree.key(*at));
     }
+    // The order of `kept` is reversed.
     Index next = 0;
     for (const Index at : kept) {
         tree[at].next = next;

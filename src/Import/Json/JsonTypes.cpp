@@ -49,10 +49,12 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
         content.kind == JsonContent::map || (content.kind == JsonContent::record && content.count > 0);
     if (isAlsoLeaf)
         documents.note(SourceReport::kindsDiffer, schema);
+    // A value that may also be an array of values becomes text, which doesn't repeat.
     if (isAlsoLeaf && !isObject)
         return {};
     if (isObject) {
         shape.type = recordOf(content, name, home);
+        // A map is a table of entries with a key and a value.
         shape.depth += content.kind == JsonContent::map ? 1 : 0;
     } else if (content.kind == JsonContent::enumeration) {
         shape.type = enumerationOf(content, name);
@@ -84,6 +86,7 @@ std::string_view JsonTypes::nameOf(Index schema)
     if (contents.isDeclared(schema)) {
         CString title;
         appendCollapsed(title, trimmed(tree.textOf(schema, JsonWord::title)));
+        // A definition is named by its key, a document by its title or its file.
         if (tree[schema].parent != 0)
             name = fit(tree.key(schema), schema);
         else
@@ -120,6 +123,7 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
     const std::string_view own = nameOf(content.owner);
     const std::string_view called = own.empty() ? name : own;
     std::vector<std::string_view> constants;
+    // A list that schemas share is one enumeration for each name it is used with.
     const std::uint64_t key = static_cast<std::uint64_t>(content.first) << 32 | tree.names.intern(called);
     const auto [known, isNew] = enumerations.try_emplace(key, SourceTypes::kNone);
     if (isNew) {
@@ -134,6 +138,7 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
 void JsonTypes::finish()
 {
     for (std::size_t i = 0; i < pending.size(); ++i)
+        // Copied, because reading fields appends further records.
         readFields(Pending(pending[i]));
 }
 
@@ -170,6 +175,7 @@ SourceTypes::Field JsonTypes::fieldOf(std::string_view name, Index schema, Sourc
 std::string_view JsonTypes::describe(Index schema)
 {
     constexpr int longestChain = 20;
+    // Bounded, because references may form a cycle.
     for (int i = 0; i < longestChain && schema != 0; ++i) {
         schema = tree.target(schema);
         Index said = tree.find(schema, JsonWord::title, JsonNode::string);

@@ -69,6 +69,7 @@ CString nameOfSet(const std::vector<CString>& given, const std::vector<CString>&
 {
     if (given.size() > 1 || files.size() < 2)
         return {};
+    // Made absolute, so that "." and ".." have a name, too.
     CString folder = std::filesystem::absolute(given.front()).lexically_normal().string();
     while (folder.ends_with('/'))
         folder.pop_back();

@@ -94,6 +94,7 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes)
     } else if (!open.empty()) {
         const Level& holder = open.back();
         if (tag == Tag::none) {
+            // Its children aren't reported, because the statement itself already is.
             find(SourceReport::unknownStatement, shown(name));
             ignored = 1;
         } else if (!SchemaGrammar::mayHold(holder.holder, tag) || isTooMany(holder, tag)) {
@@ -108,6 +109,7 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes)
     if (!open.empty())
         enterStatement(tag, level);
     countStatement(tag);
+    // Both may hold any markup, even that of schemas.
     if (tag == Tag::documentation || tag == Tag::appinfo)
         ignored = 1;
     else

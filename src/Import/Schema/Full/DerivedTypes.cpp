@@ -14,6 +14,7 @@ void DerivedTypes::collect()
 {
     const SchemaTree& tree = set.queryTree();
     const auto add = [&](Index type) {
+        // A redefined type is left out; its redefinition has its name.
         if (tree[type].tag != SchemaTag::complexType || set.find(SchemaSet::type, set.nameOf(type), 0) != type)
             return;
         const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);

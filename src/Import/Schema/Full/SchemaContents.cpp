@@ -97,7 +97,8 @@ void SchemaContents::build(Index type, Index base)
     attributes.clear();
     lastSeen.clear();
     isRestriction = tree[derivation].tag == SchemaTag::restriction;
-    clock = 1; // 0 is before it: inherited elements
+    clock = 1; // of inherited elements: in the outermost frame, before any group
+    // A restriction repeats the elements that it keeps, but only the attributes that it changes.
     if (base != 0)
         inherit(*contents.find(base), !isRestriction);
     inherited = attributes.all.size();
@@ -297,6 +298,7 @@ void SchemaContents::walkAttributes(Index holder)
     }
     for (const Index group : groups)
         inHand[group] = false;
+    // Prohibited attributes have lost their names.
     std::erase_if(attributes.all, [](const SchemaField& field) { return field.name.local == 0; });
 }
 

@@ -62,6 +62,7 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
         return;
     }
     const bool isNode = tag != SchemaTag::none && tag <= SchemaTag::enumeration;
+    // Only the root is a schema, and the parent of a node is a node.
     if (isNode && open.empty() == (tag == SchemaTag::schema) && (open.empty() || open.back().node != 0))
         enter(tag);
     else
@@ -226,6 +227,7 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
         node.name = tree.names.intern(trimmed(value));
         break;
     case SchemaAttribute::nameSpace:
+        // Wildcards have this attribute, too.
         if (node.tag == SchemaTag::import)
             node.reference.space = tree.names.intern(trimmed(value));
         break;

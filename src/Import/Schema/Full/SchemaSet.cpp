@@ -106,6 +106,7 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
 {
     const SchemaNode& node = tree[reference];
     const SchemaDocument& from = tree.documentOf(reference);
+    // A document without a namespace takes that of the document that includes it, but not of one that imports it.
     const NameTable::Id includer = node.tag == SchemaTag::import ? 0 : from.space;
     CString path;
     const NameTable::Id wanted = node.tag == SchemaTag::import ? node.reference.space : 0;
@@ -246,6 +247,7 @@ std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
     add(topOf(main));
     const bool holdsOwn = holdsAny();
     addRedefined(main);
+    // A document without elements and complex types of its own stands for those that it includes.
     if (!holdsOwn)
         for (const std::uint32_t document : includedDocuments(main)) {
             add(topOf(document));

@@ -126,6 +126,7 @@ void SchemaTypes::readFields(Pending record)
     if (const Value text = simple.of(record.type); text.isThere)
         fields.push_back({"value", {}, typeOf(text, record.type, SchemaTree::kValueName), SourceTypes::roleValue});
     const std::span<const SchemaField> content = contents.of(record.type);
+    // Copied, because the types of the fields add to the contents.
     inHand.assign(content.begin(), content.end());
     for (const SchemaField& field : inHand) {
         cancelPoint.pass();
@@ -233,6 +234,7 @@ SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index ho
     const SchemaNode& node = tree[complexType];
     const SchemaNode& named = node.hasName() ? node : tree[node.parent];
     const Value text = simple.of(complexType);
+    // A type without fields becomes text.
     if (!text.isThere && contents.of(complexType).empty())
         return known;
     const std::uint32_t said = node.documentation != 0 ? node.documentation : named.documentation;

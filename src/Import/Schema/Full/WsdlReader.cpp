@@ -76,6 +76,7 @@ void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes)
         SchemaDocument& made = tree.documents.emplace_back();
         made.folder = tree.documents[document].folder;
         made.file = tree.documents[document].file;
+        // Each schema reads all prefixes around it, so their product is bounded.
         replayed += declared.size() / 2;
         if (replayed > kMaxReplayed)
             throw XmlRefusal{"more than " + std::to_string(kMaxReplayed) + " prefixes around the schemas of a WSDL"};
