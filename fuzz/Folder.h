@@ -25,7 +25,7 @@ public:
     Folder(const Folder&) = delete;
     Folder& operator=(const Folder&) = delete;
 
-    /// Sets the contents of a file. An unchanged file isn't written again, so nobody else may write it.
+    /// Sets the contents of a file. An unchanged file isn't written again, so no other code may write it.
     void write(const CString& name, std::string_view bytes)
     {
         const auto [known, isNew] = written.try_emplace(name, bytes);

@@ -21,8 +21,8 @@ DTDEntities::Text& DTDEntities::addMain(const CString& fileName, std::string_vie
 {
     CString room;
     std::string_view text = decodeText(bytes, room);
+    // A converted text must live as long as the types, because names are views of it.
     if (text.data() == room.data() && !room.empty())
-        // A converted text must live as long as the types, because names are views of it.
         text = types.adopt(std::move(room));
     read += text.size();
     Text& file = files.emplace_back(Text{text, {report.addFile(fileName), 1, 1}, true});

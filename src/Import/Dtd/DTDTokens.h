@@ -124,7 +124,7 @@ private:
         ended,
         inBrackets
     } doctype = none;
-    std::string_view externalEntity; // stands for the DTD that the DOCTYPE names
+    std::string_view externalEntity; // made for the DTD that the DOCTYPE names; "" if none
     SourcePlace declaration, literal, section;
     std::string_view word;
     Token current;

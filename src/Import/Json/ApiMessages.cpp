@@ -97,6 +97,7 @@ void ApiMessages::readBody(Index body, const CString& name)
 
 void ApiMessages::readAsyncApi(Index root)
 {
+    // Components are read first, so that their messages are named after their keys.
     const Index components = tree.find(root, JsonWord::components);
     const Index messages = tree.find(components, JsonWord::messages, JsonNode::object);
     for (Index at = tree[messages].firstChild; at != 0; at = tree[at].next)
@@ -147,6 +148,7 @@ void ApiMessages::readPayload(Index message, const CString& name)
     Index payload = tree.find(message, JsonWord::payload);
     CString format = lowerAscii(tree.textOf(message, JsonWord::schemaFormat));
     const Index inner = tree.find(payload, JsonWord::schema);
+    // In version 3 a payload may hold its schema beside the format of it.
     if (const Index says = tree.find(payload, JsonWord::schemaFormat, JsonNode::string); says != 0 && inner != 0) {
         format = lowerAscii(tree.text(says));
         payload = inner;

@@ -6,6 +6,7 @@ void AvroMessage::readDocuments(std::span<const Index> roots, JsonDocuments& doc
                                 SourceTypes& types, SourceReport& report)
 {
     AvroTypes avro(documents, names, types, report);
+    // All documents are declared before one is read, because they may use each other's types.
     for (const Index root : roots)
         avro.declareAll(root);
     for (Index source = 0; source < roots.size(); ++source) {
@@ -16,6 +17,7 @@ void AvroMessage::readDocuments(std::span<const Index> roots, JsonDocuments& doc
         else if (root != 0)
             avro.addCandidate(root, names.fit(toXmlName(documents.nameOf(root)), root));
     }
+    // The requested root may be any of the types.
     if (!queryRoot().empty())
         avro.addAllCandidates();
     avro.finish();

@@ -29,6 +29,7 @@ void OpenApiMessage::readDocuments(std::span<const Index> roots, JsonDocuments& 
             messages.readAsyncApi(root);
         else
             messages.readOpenApi(root);
+        // Without messages, the schemas are the candidates for the main type.
         const bool hasMessages = types.candidates.size() > before;
         schemas.declareMembers(tree.find(tree.find(root, JsonWord::components), JsonWord::schemas),
                                !hasMessages || !queryRoot().empty());

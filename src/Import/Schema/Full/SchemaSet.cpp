@@ -247,7 +247,7 @@ std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
     add(topOf(main));
     const bool holdsOwn = holdsAny();
     addRedefined(main);
-    // A document without elements and complex types of its own stands for those that it includes.
+    // If a document has no elements and complex types of its own, those of the included documents are taken.
     if (!holdsOwn)
         for (const std::uint32_t document : includedDocuments(main)) {
             add(topOf(document));
