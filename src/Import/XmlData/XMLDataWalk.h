@@ -18,8 +18,8 @@
 /// that order, they give the same model as all usages. A key can't recur once its node has ended, so only the keys of
 /// open nodes are looked up.
 ///
-/// Several documents can be read as one set of examples. Each key then belongs to one pair. Of each pair it is kept
-/// whether it ever occurred more than once, so the result doesn't depend on the order of the documents.
+/// Several documents can be read as one set of examples. Each key then belongs to one pair. Whether a pair ever
+/// occurred more than once is kept, so the result doesn't depend on the order of the documents.
 class XMLDataWalk : public XmlHandler
 {
     static constexpr std::size_t kNotKept = std::numeric_limits<std::size_t>::max();
