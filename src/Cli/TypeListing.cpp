@@ -12,14 +12,14 @@
 
 namespace {
 
-// `"name":` and the value, with a comma in front unless it is the first of its object.
+// Appends a member of an object: a comma unless it is the first one, `"name":` and the value.
 void addMember(CString& out, std::string_view name, std::string_view value)
 {
     out.append(out.ends_with('{') ? "\"" : ",\"").append(name).append("\":");
     appendJson(out, value);
 }
 
-// Returns the type as the document names it, and the type that its tables and arrays hold.
+// Appends a part's type as the document names it, and the type that its tables and arrays hold.
 void addType(CString& out, const TypeStructure& structure, const TypePart& part)
 {
     const TypeContent content = structure.contentOf(part);
@@ -28,6 +28,7 @@ void addType(CString& out, const TypeStructure& structure, const TypePart& part)
     addMember(out, "declared", part.typeName);
 }
 
+// Appends the members of a field or a constant.
 void addPart(CString& out, const TypeStructure& structure, const TypePart& part)
 {
     CString room;
@@ -38,8 +39,8 @@ void addPart(CString& out, const TypeStructure& structure, const TypePart& part)
     out += '}';
 }
 
-// What a type is made of: a table's component stands for itself, parts of others are a list. An array has a size, "5"
-// if its source names none.
+// Appends the component of a table or array, or the list of parts of another type. An array also has a size; it is "5"
+// if its source names none, as in the document.
 void addContent(CString& out, const TypeStructure& structure, std::uint32_t type)
 {
     const Element& element = structure[type];

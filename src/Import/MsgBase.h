@@ -73,7 +73,7 @@ public:
     CString& getBasePath() { return queryDescriptor()->getBasePath(); }
 
 protected:
-    /// `fieldPrefix` stands in front of the usage keys of fields, see UsageTable.
+    /// `fieldPrefix` begins the usage keys of fields, see UsageTable.
     MsgBase(int mergeByName, std::string_view fieldPrefix) : model(mergeByName != 0, fieldPrefix) {}
 
     /// Called after an import was cancelled, in parse() or later. Restores the importer's state from before the import;

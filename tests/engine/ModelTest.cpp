@@ -65,7 +65,7 @@ TEST(Model, RepeatedUsageBecomesATable)
     EXPECT_EQ(message.beginEnum(), 3);
 }
 
-// Records come back, hold each other, and have names that make two keys one text.
+// Records are declared again, hold each other, and have names that give two declarations the same key.
 TEST(Model, FieldsAreToldApartByNamesAsByKeys)
 {
     for (unsigned seed = 0; seed < 500; ++seed) {

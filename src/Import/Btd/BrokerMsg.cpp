@@ -34,6 +34,7 @@ int BrokerMessage::parse(const CString& source, const CString&, const CString&)
     return !isEmpty;
 }
 
+// Reports a type behind one without content. Such types are not imported.
 void BrokerMessage::passOver(const IXMLDOMNode& type)
 {
     if (type.baseName().empty()) // no element
@@ -111,7 +112,7 @@ void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
     }
 }
 
-// The places of all names are asked for first: they lie anywhere in a large table, and so wait for it only once.
+// Reads the fields of a record. All names are prefetched first, so that the cache misses in their large table overlap.
 void BrokerMessage::readFields(const IXMLDOMNode& content, const Type& type)
 {
     NamePool& names = model.queryNames();

@@ -134,6 +134,6 @@ private:
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
     Arena memory; // holds the entries, and the names that the text doesn't contain as they are
     Text* text = nullptr;
-    bool isFit = false; // no two names of the text become one in a document
-    CString joined;     // a name that does not stand in the text as it is; kept for its room
+    bool isFit = false; // the text needs no conversion, so different names stay different in a document
+    CString joined;     // a buffer for names that the text doesn't contain as they are
 };

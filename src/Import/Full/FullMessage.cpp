@@ -71,15 +71,15 @@ struct FullMessage::MainTypes
 struct FullMessage::Declaring
 {
     SourceTypes& types;
-    std::vector<CString> paths;     // by namespace
-    std::vector<bool> enumerations; // those that are declared
-    std::vector<bool> tables;
+    std::vector<CString> paths;     // folder by namespace
+    std::vector<bool> enumerations; // those declared already
+    std::vector<bool> tables;       // those declared already
     NamePool& names;
-    std::vector<Name*> pathNames;         // the paths
-    std::array<Name*, 3> plainNames;      // of the types without an index, by kind
-    std::vector<Name*> recordNames;       // full names of records that a field has had, else null
-    std::vector<std::uint32_t> hashes;    // of the names of the fields in hand
-    CString name, description, knownType; // kept for their room
+    std::vector<Name*> pathNames;         // folder by namespace, as names
+    std::array<Name*, 3> plainNames;      // names of text, number and time, by kind
+    std::vector<Name*> recordNames;       // full name by record; null until a field has that type
+    std::vector<std::uint32_t> hashes;    // hashes of the names of the current record's fields
+    CString name, description, knownType; // reused buffers
 
     Name& fullName(Index space, std::string_view shortName)
     {
@@ -339,8 +339,9 @@ void FullMessage::declareTable(Declaring& declaring, Index index)
     model.addPart(type, path, declaring.names.intern(table.name), Element::typeOther)->setKnownType(component);
 }
 
-// A field that repeats has its table already, so each occurs once. Their names lie anywhere in a large table: they are
-// all looked for before the first is declared.
+// Declares the fields of a record. Repetition has been turned into tables already, so each field occurs once and needs
+// no usage. All names are prefetched before the first field is declared, so that the cache misses in their large table
+// overlap.
 void FullMessage::declareFields(Declaring& declaring, std::span<const SourceTypes::Field> fields, Element* record)
 {
     declaring.hashes.clear();

@@ -67,7 +67,7 @@ public:
     {
         if (!children) {
             children = std::make_unique<Children>();
-            children->reserve(8); // most records have some
+            children->reserve(8); // most records have several
         }
         children->push_back(child);
     }

@@ -131,8 +131,8 @@ std::size_t SchemaMessage::countFields() const
     return count;
 }
 
-/// An entry with children becomes a record. The names of all of its fields are looked for before the first is declared:
-/// they lie anywhere in a large table, and so wait for it only once.
+// Declares an entry with children as a record. The names of all its fields are prefetched before the first is declared,
+// so that the cache misses in their large table overlap.
 void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check)
 {
     if (!entry.queryChildren())
