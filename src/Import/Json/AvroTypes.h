@@ -66,7 +66,6 @@ private:
     SourceTypes::Type enumerationOf(const std::vector<Scoped>& leaves, std::string_view name);
     std::optional<SourceTypes::Kind> kindOf(Index schema) const;
     void readFields(const Pending& pending);
-    void readMessage(Index message);
     std::string_view describe(Index schema);
 
     JsonDocuments& documents;
