@@ -243,6 +243,8 @@ public:
         if (tls != Tls::none) {
             makeCertificate();
             options = " --ssl-cert=" + certificate() + " --ssl-key=" + folder.path("key.pem");
+        } else {
+            options = " --skip-ssl"; // MariaDB 11.4 and later make a certificate of their own
         }
         if (tls == Tls::required)
             options += " --require-secure-transport=ON";
