@@ -47,13 +47,13 @@ public:
     Side(const TypeStructure& structure, const CString& from, const CString& to) :
         structure(structure), from(from), to(to)
     {
-        types.reserve(structure.size()); // must not move
-        byName.reserve(structure.size());
-        for (std::uint32_t type = 0; type < structure.size(); ++type) {
-            const Type& added = types.emplace_back(Type{compared(structure.queryFullName(type)), type});
-            if (const std::uint32_t hash = keyHash(added.name); !byName.find(added.name, hash))
-                byName.store(&added, hash);
-        }
+        types.reserve(structure.size());
+        for (std::uint32_t type = 0; type < structure.size(); ++type)
+            types.push_back({compared(structure.queryFullName(type)), type});
+        byName.reserve(types.size());
+        for (const Type& type : types)
+            if (const std::uint32_t hash = keyHash(type.name); !byName.find(type.name, hash))
+                byName.store(&type, hash);
     }
 
     /// Returns the first type of a name, which is the one that is compared, or null.

@@ -150,9 +150,10 @@ void TypeStructure::collectUsers() const
 
 std::span<const std::uint32_t> TypeStructure::users(std::uint32_t type) const
 {
-    if (firstUser.empty())
+    if (firstUser.size() <= size())
         collectUsers();
-    return std::span(userList).subspan(firstUser[type], firstUser[type + 1] - firstUser[type]);
+    const auto first = firstUser.begin() + type;
+    return {userList.begin() + first[0], userList.begin() + first[1]};
 }
 
 TypeContent TypeStructure::contentOf(const TypePart& part) const
