@@ -60,6 +60,8 @@ WizardSheet::WizardSheet(const CString& caption, CWnd* parent, UINT start, HBITM
     setWindowFlag(Qt::WindowMinMaxButtonsHint, true);
     backButton = addButton("back", kBack, &WizardSheet::back);
     nextButton = addButton("next", kNext, &WizardSheet::next);
+    backKey = addKey(Qt::Key_B, backButton);
+    nextKey = addKey(Qt::Key_N, nextButton);
     finishButton = addButton("finish", kFinish, &WizardSheet::finish);
     cancelButton = addButton("cancel", kCancel, &WizardSheet::cancel);
     helpButton = addButton("help", kHelp, &WizardSheet::help);
@@ -302,10 +304,23 @@ void WizardSheet::activate(int index)
     (first != nullptr && onward == nextButton ? first : onward)->setFocus();
 }
 
+// Lets a button be pressed by the first letter of its text, too, as in other wizards, while no control has that letter.
+QShortcut* WizardSheet::addKey(Qt::Key letter, QPushButton* button)
+{
+    auto* key = new QShortcut(Qt::ALT | letter, this);
+    connect(key, &QShortcut::activated, button, [button] {
+        if (button->isVisible())
+            button->animateClick();
+    });
+    return key;
+}
+
 // A page's control keeps its letter; Finish or Help moves to another if it has the same one.
 void WizardSheet::settleMnemonics()
 {
     QString taken = mnemonicsOf(activePage());
+    backKey->setEnabled(!taken.contains('b'));
+    nextKey->setEnabled(!taken.contains('n') && !nextButton->isHidden());
     for (const char* text : {kBack, kNext, kCancel})
         taken += QString(text)[QString(text).indexOf('&') + 1];
     for (const auto& [button, text] : {std::pair(finishButton, kFinish), {helpButton, kHelp}})

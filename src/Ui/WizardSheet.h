@@ -17,6 +17,7 @@ class LongWork;
 class ProgressRow;
 class QProgressBar;
 class QPushButton;
+class QShortcut;
 class QStackedWidget;
 class WizardPage;
 
@@ -105,6 +106,7 @@ protected:
 
 private:
     QPushButton* addButton(const char* name, const QString& text, void (WizardSheet::*action)());
+    QShortcut* addKey(Qt::Key letter, QPushButton* button);
     void help();
     void cancel();
     void reject() override;
@@ -124,6 +126,7 @@ private:
     QPushButton* finishButton;
     QPushButton* cancelButton;
     QPushButton* helpButton;
+    QShortcut *backKey, *nextKey;
     QWidget* navigation; // the buttons that change the page
     ProgressRow* progressRow;
     LongWork* work = nullptr; // in hand

@@ -39,7 +39,7 @@ class FileRoad(WizardTest):
         self.environment["TYPEFORGE_VIEWER"] = "false"
         self.start("Select source type")  # the next run starts with the last importer and file
         self.next("Select source", "Generated types")
-        self.key("Down", "Tab", "Tab", "space", "shift+Tab", "End", "Return")  # from a type's structure to its users
+        self.key("Home", "Tab", "Tab", "space", "shift+Tab", "End", "Return")  # from a type's structure to its users
         for keys, window in [(["alt+v"], "t_Line - Typeforge type"), (["alt+p"], "t_Line - Typeforge picture")]:
             self.key(*keys)
             self.expect_title(window)
