@@ -55,11 +55,12 @@ set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_SUGGESTS "odbc-postgresql, odbc-mariadb, tdso
 # Each package has its licence and its changelog (Debian Policy 12.5, 12.7).
 find_program(GZIP gzip REQUIRED)
 configure_file(changelog.in changelog @ONLY)
-set(changelog ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz)
-add_custom_command(OUTPUT ${changelog} DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/changelog
-    COMMAND ${GZIP} -9nc ${CMAKE_CURRENT_BINARY_DIR}/changelog > ${changelog})
-add_custom_target(debian_changelog ALL DEPENDS ${changelog})
+set(changelogs ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz)
+add_custom_command(OUTPUT ${changelogs} DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/changelog ${CMAKE_SOURCE_DIR}/CHANGELOG.md
+    COMMAND ${GZIP} -9nc ${CMAKE_CURRENT_BINARY_DIR}/changelog > changelog.Debian.gz
+    COMMAND ${GZIP} -9nc ${CMAKE_SOURCE_DIR}/CHANGELOG.md > changelog.gz)
+add_custom_target(debian_changelog ALL DEPENDS ${changelogs})
 foreach(part ${CPACK_COMPONENTS_ALL})
-    install(FILES copyright ${changelog} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${part} COMPONENT ${part})
+    install(FILES copyright ${changelogs} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${part} COMPONENT ${part})
 endforeach()
 include(CPack)
