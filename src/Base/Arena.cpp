@@ -7,9 +7,9 @@
 
 namespace {
 
-// Smaller chunks come from the heap, which has them at hand. Each is half as large again as the one before: all of a
-// chunk is put into memory at once, which is quicker than page by page, while what stays unused of it is little. The
-// largest ones have large pages.
+// Smaller chunks come from the heap, where freed ones are reused. Chunks grow by half each: a mapped chunk is populated
+// at once, which is faster than page by page, and a small factor wastes little of it. The largest chunks use large
+// pages.
 constexpr std::size_t kMapped = 1 << 18;
 constexpr std::size_t kLarge = 1 << 22;
 constexpr std::size_t kLargePage = 1 << 21;
@@ -52,7 +52,7 @@ void* allocateLarge(std::size_t bytes)
     if (!memory)
         throw std::bad_alloc();
     if (isLarge)
-        ::madvise(memory, bytes, MADV_HUGEPAGE); // where there are none, small pages do
+        ::madvise(memory, bytes, MADV_HUGEPAGE); // only a hint: ignored if the system has no large pages
     return memory;
 }
 

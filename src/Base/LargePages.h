@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdlib>
 
-/// Memory of `bytes` bytes, to be given back by std::free(). Throws std::bad_alloc. For much of it the system is asked
-/// for large pages (madvise(2), MADV_HUGEPAGE): in a table that is read at random each look-up waits for its memory
-/// alone then, not for the page tables that lead there.
+/// Returns `bytes` bytes, which the caller frees with std::free(). Throws std::bad_alloc. Large blocks ask for large
+/// pages (madvise(2), MADV_HUGEPAGE), because a random access to a large table would otherwise also miss in the page
+/// tables.
 void* allocateLarge(std::size_t bytes);
 
 /// The allocator of tables that may be large.

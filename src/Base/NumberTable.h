@@ -4,12 +4,12 @@
 #include <utility>
 #include <vector>
 
-/// Numbers by keys that are numbers.
+/// A hash table from numbers to numbers.
 class NumberTable
 {
 public:
-    /// Stores a value under a key that has none yet. Returns the key's value, which may be replaced until the next
-    /// call, and whether it is new.
+    /// Stores `value` if the key has none yet. Returns a reference to the value of the key, valid until the next call,
+    /// and whether it is new.
     std::pair<std::uint32_t&, bool> insert(std::uint64_t key, std::uint32_t value)
     {
         if ((count + 1) * 2 > slots.size())
@@ -23,7 +23,7 @@ public:
         return {slot.value, isNew};
     }
 
-    /// Null for a key without a value. Valid until the next insert().
+    /// Returns the value of a key, or null. Valid until the next insert().
     const std::uint32_t* find(std::uint64_t key) const
     {
         if (slots.empty())
@@ -41,7 +41,7 @@ private:
         bool isTaken = false;
     };
 
-    // Keys are mixed, since they differ in few bits (Fibonacci hashing).
+    // Keys are multiplied, because they differ in few bits (Fibonacci hashing).
     std::size_t placeOf(std::uint64_t key) const
     {
         const std::uint64_t mixed = (key ^ key >> 29) * 0x9E3779B97F4A7C15;

@@ -91,7 +91,7 @@ Sixteen sixteenOf(Eight first, Eight second)
     return sixteen;
 }
 
-// True if one of the sixteen is a control character, no ASCII, or one of & < > ".
+// Returns whether one of the sixteen bytes is a control character, not ASCII, or one of & < > ".
 bool hasSpecial(Sixteen sixteen)
 {
     const Sixteen specials = (sixteen < ' ') | ((sixteen | ('&' ^ '"')) == '&') | ((sixteen | ('<' ^ '>')) == '>');
@@ -200,7 +200,7 @@ bool isPlainXmlText(std::string_view bytes)
     for (; left > sizeof(Sixteen); at += sizeof(Sixteen), left -= sizeof(Sixteen))
         if (hasSpecial(sixteenOf(eightAt(at), eightAt(at + sizeof(Eight)))))
             return false;
-    if (left < sizeof(Eight)) { // the last eight have been looked at in part
+    if (left < sizeof(Eight)) { // go back, over some bytes that are checked already
         at -= sizeof(Eight) - left;
         left = sizeof(Eight);
     }

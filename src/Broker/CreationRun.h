@@ -41,9 +41,8 @@ struct OtherSource
     int kept = 0;     ///< number of types kept
 };
 
-/// Creates the types of one import in a broker's repository, in their order. A type that fails doesn't stop it. If the
-/// handler of its progress says no, or a question is answered with `stop`, the types that are left get a line each, and
-/// no more.
+/// Creates the types of one import in a broker's repository, in order. A type that fails doesn't stop the run. If the
+/// progress handler refuses or a question is answered with `stop`, the remaining types only get a line each.
 class CreationRun
 {
 public:
@@ -61,7 +60,7 @@ public:
     /// applies to this run only.
     int run(MsgBase& message);
 
-    /// Whether the last run has left types out because it was cancelled or stopped.
+    /// Returns whether the last run left out types because it was cancelled or stopped.
     bool wasCancelled() const { return isCancelled; }
 
     /// Returns the other sources that the last run found, in the order in which it found them.

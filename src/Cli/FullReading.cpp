@@ -40,7 +40,7 @@ void addEntities(const std::vector<CString>& given, FullOptions& options)
     }
 }
 
-// The references to catalogues that the environment holds.
+// Returns the catalogues in the environment variable XML_CATALOG_FILES, as written there.
 std::vector<CString> environmentCatalogs()
 {
     const char* const given = std::getenv("XML_CATALOG_FILES");
@@ -48,7 +48,7 @@ std::vector<CString> environmentCatalogs()
     return {std::istream_iterator<CString>(words), {}};
 }
 
-// What the environment names comes behind what the command line names.
+// Returns the catalogues to use: those of the command line, then the readable ones of the environment.
 std::vector<CString> catalogsOf(const FullOptions& options)
 {
     std::vector<CString> files = options.catalogs;

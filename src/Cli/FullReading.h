@@ -19,7 +19,7 @@ struct FullOptions
     std::vector<CString> roots;                        ///< the main types; empty: the source's own choice
     CString layout;                                    ///< "main", "namespace", or "" for what is usual
     std::map<CString, CString> folders;                ///< by namespace
-    bool mergesEqual = false;                          ///< types of several namespaces
+    bool mergesEqual = false;                          ///< merge equal types of several namespaces
     CString name;                                      ///< of the whole; "": the main type's
     std::vector<CString> catalogs;                     ///< files
     std::vector<std::pair<CString, CString>> entities; ///< of parameters, with their values
@@ -27,7 +27,7 @@ struct FullOptions
     /// Returns the first given option that requires a full reading; "" if there is none.
     const char* optionOfFull() const;
 
-    /// Why an option has no effect on so many sources; "" if all have.
+    /// Returns why an option has no effect on this number of sources; "" if all have one.
     CString mistakeFor(std::size_t sourceCount) const;
 };
 
@@ -40,11 +40,11 @@ bool readsInFull(const MsgBase& importer);
 /// Returns a new importer, configured by `options`. The caller owns it.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer);
 
-/// Says which catalogues that the environment names can't be read, of a source read in full with catalogues.
+/// After a full reading that uses catalogues, warns about those of the environment that can't be read.
 void nameMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics);
 
-/// Says which entities have sections read, of a source all of whose sections were left out.
+/// If all sections of the source were left out, notes which entities would include some.
 void nameSwitches(const MsgBase& message, Diagnostics& diagnostics);
 
-/// If the full reading supports more of what the source uses, warns and says what.
+/// Warns if the full reading supports more of what the source uses, and names it.
 void nameWayOut(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);

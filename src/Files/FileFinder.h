@@ -13,7 +13,7 @@
 /// escapes are decoded. Empty if it names no local file: a scheme other than file, another host, or an escaped NUL.
 CString localPath(std::string_view reference);
 
-/// The bytes that the percent escapes of a URI (RFC 3986) stand for, in their places. What makes no escape stays.
+/// Returns a URI (RFC 3986) with its percent escapes decoded. A "%" that begins no escape stays.
 CString withoutEscapes(std::string_view uri);
 
 /// What makes two names the same file: device and inode.

@@ -12,7 +12,7 @@ struct ImporterSource
     unsigned int filterId = 0; ///< string-table id of the file filter's label, its pattern's follows it; 0: no files
     bool readsTables = false;  ///< the source is a data source, not a file
     bool namesFolders = false; ///< the source says where its types lie; a base path has no effect
-    bool isSet = false;        ///< read in full without being asked to, several files or folders as one source
+    bool isSet = false;        ///< always read in full, several files or folders as one source
 };
 
 /// The static description of an importer: its names, default base path, next page of the wizard, and factories.
@@ -44,7 +44,8 @@ public:
     /// Returns whether there is an importer for the full reading.
     bool hasFull() const { return fullFactory != nullptr; }
 
-    /// Whether a reading in full takes several files or folders as one source, and finds documents by catalogues.
+    /// Returns whether the full reading reads several files or folders as one source, and finds documents by
+    /// catalogues.
     bool readsSets() const { return hasFull() || source.isSet; }
 
 private:

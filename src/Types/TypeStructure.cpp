@@ -174,7 +174,7 @@ TypeContent TypeStructure::contentOf(const TypePart& part) const
     return content;
 }
 
-// The types that are one step away.
+// Calls `action` with each type that is one step away.
 template <class Action>
 void TypeStructure::forEachReached(std::uint32_t type, Way way, const Action& action) const
 {
@@ -184,7 +184,7 @@ void TypeStructure::forEachReached(std::uint32_t type, Way way, const Action& ac
                 action(held);
         return;
     }
-    std::vector<std::uint32_t> holders{type}; // with the tables and arrays on the way
+    std::vector<std::uint32_t> holders{type}; // including the tables and arrays passed on the way
     std::unordered_set<std::uint32_t> passed{type};
     for (std::size_t at = 0; at < holders.size(); ++at)
         for (const std::uint32_t user : users(holders[at]))

@@ -76,18 +76,19 @@ public:
     /// Resolves a part's type through tables and arrays to its content. Stops at a table that contains itself.
     TypeContent contentOf(const TypePart& part) const;
 
-    /// Which way reach() goes from a type.
+    /// The directions of reach().
     enum class Way
     {
-        uses,  ///< to what its parts hold
-        users, ///< to the types that hold it
-        both   ///< each way by itself
+        uses,  ///< to the types of its parts
+        users, ///< to the types that use it
+        both   ///< in both directions, without changing direction on the way
     };
 
     static constexpr std::size_t kAnyDepth = static_cast<std::size_t>(-1);
 
-    /// The types that `start` reaches in at most `depth` steps, nearest first and itself at the head; tables and arrays
-    /// between two are no steps and not among them. At most `limit`; `isWhole` becomes false where there are more.
+    /// Returns the types that `start` reaches in at most `depth` steps, itself first, then the nearest first. Tables
+    /// and arrays on the way are no steps and not in the result. Returns at most `limit` types; `isWhole` is set to
+    /// false if there are more.
     std::vector<std::uint32_t> reach(std::uint32_t start, std::size_t limit, bool& isWhole, Way way = Way::uses,
                                      std::size_t depth = kAnyDepth) const;
 
@@ -110,7 +111,7 @@ private:
     KeyedTable<const Type, &Type::fullName> index;
     std::vector<std::uint32_t> numbers;           // types by element number; empty if two types have the same name
     mutable std::vector<TypePart> partsInHand;    // of the last call
-    mutable std::deque<CString> typeNamesInHand;  // those of parts in hand that stand nowhere else
-    mutable std::vector<std::uint32_t> firstUser; // of each type, in `userList`, and the end; collected on demand
+    mutable std::deque<CString> typeNamesInHand;  // names of `partsInHand` that are stored nowhere else
+    mutable std::vector<std::uint32_t> firstUser; // by type: where its users begin in `userList`; built on demand
     mutable std::vector<std::uint32_t> userList;
 };

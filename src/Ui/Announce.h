@@ -2,5 +2,5 @@
 
 class QWidget;
 
-/// Has a screen reader read out a text that has just appeared or changed; the focus stays where it is.
+/// Makes a screen reader read out a text that has just appeared or changed. The focus stays.
 void announce(QWidget& label);

@@ -11,8 +11,8 @@
 
 namespace {
 
-// What the toolkit says of a combo box, but with the label as its name; there the name is what the box shows, which is
-// nothing for an empty one.
+// Describes a combo box to screen readers as Qt does, but with its label as the name. Qt uses the shown text, which can
+// be empty.
 class SpokenComboBox : public QAccessibleWidget
 {
 public:
@@ -71,7 +71,7 @@ ComboBox::ComboBox(const QString& label)
 {
     [[maybe_unused]] static const bool once = (QAccessible::installFactory(speak), true);
     setAccessibleName(QString(label).remove('&'));
-    setFocusPolicy(Qt::StrongFocus); // which the wheel doesn't give
+    setFocusPolicy(Qt::StrongFocus); // without focus by the wheel
 }
 
 void ComboBox::wheelEvent(QWheelEvent* event)
@@ -79,7 +79,7 @@ void ComboBox::wheelEvent(QWheelEvent* event)
     if (hasFocus())
         QComboBox::wheelEvent(event);
     else
-        event->ignore(); // it scrolls the page
+        event->ignore(); // passed on, so that the page scrolls
 }
 
 ChoiceCombo::ChoiceCombo(const QString& label) : ComboBox(label)

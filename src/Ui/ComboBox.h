@@ -2,22 +2,22 @@
 
 #include <QComboBox>
 
-/// A combo box that the wheel changes only while it has the focus. A screen reader gets the text of its label as its
-/// name, whatever it shows.
+/// A combo box that the wheel changes only while it has the focus. Its name for screen readers is the text of its
+/// label.
 class ComboBox : public QComboBox
 {
     Q_OBJECT
 
 public:
-    /// `label` is the text of the label beside it; its mnemonic is no part of the name.
+    /// `label` is the text of the label beside it. Its mnemonic is removed from the name.
     explicit ComboBox(const QString& label);
 
 protected:
     void wheelEvent(QWheelEvent* event) override;
 };
 
-/// A list to choose from, where a choice costs time. It is made by a click or by Enter; the keys and the wheel only
-/// lead to an entry, and the entry that was chosen before comes back by Escape and when the focus leaves.
+/// A combo box for choices that take time. A click or Enter chooses an entry; keys and the wheel only show it. Escape
+/// and losing the focus show the chosen entry again.
 class ChoiceCombo : public ComboBox
 {
     Q_OBJECT
@@ -25,11 +25,11 @@ class ChoiceCombo : public ComboBox
 public:
     explicit ChoiceCombo(const QString& label);
 
-    /// Shows an entry as the one that is chosen. Does not emit chosen().
+    /// Makes an entry the chosen one, without emitting chosen().
     void setChosen(int index);
 
 Q_SIGNALS:
-    /// The user has chosen another entry than before.
+    /// Emitted if the user chooses another entry.
     void chosen(int index);
 
 protected:
@@ -41,5 +41,5 @@ private:
     void choose(int index);
 
     int chosenIndex = 0;
-    bool isLed = false; // a key or the wheel leads to another entry right now
+    bool isLed = false; // a key or the wheel is being handled
 };

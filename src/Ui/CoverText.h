@@ -7,8 +7,9 @@
 /// Returns a new label with the large text of a cover page. It wraps, and starts at the top.
 QLabel* coverText(const CString& text, const QFont& font);
 
-/// Whether a label was made by coverText().
+/// Returns whether a label was made by coverText().
 bool isCoverText(const QLabel& label);
 
-/// `family` at a line height of `height` units of 1/96 inch; the system's font in that height when it isn't installed.
+/// Returns the font `family` at a line height of `height` units of 1/96 inch; the system's font at that height if it is
+/// not installed.
 QFont coverFont(const CString& family, int height);

@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <QUrl>
 
-/// The names of the files that are dragged, in order; of what lies on servers there is none.
+/// Returns the names of dragged local files, sorted. Remote files are left out.
 inline QStringList draggedFiles(const QMimeData& data)
 {
     QStringList files;

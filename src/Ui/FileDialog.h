@@ -25,10 +25,10 @@ struct FileQuestion
 /// Asks for an existing file with the platform's dialog. Returns its name, empty if the user cancels.
 CString chooseFileToOpen(QWidget* owner, const FileQuestion& question);
 
-/// The same for one or several, in the order of their names. None if the user cancels.
+/// The same for one or several files. Returns their names, sorted; empty if the user cancels.
 std::vector<CString> chooseFilesToOpen(QWidget* owner, const FileQuestion& question);
 
-/// Asks for a folder. "" if the user cancels.
+/// Asks for a folder. Returns its name; empty if the user cancels.
 CString chooseFolder(QWidget* owner, const CString& title, const CString& start);
 
 /// The same as chooseFileToOpen() for a file to write, which need not exist; the dialog itself asks before it takes an

@@ -22,8 +22,8 @@ bool isAscii(std::string_view text)
 
 } // namespace
 
-// A text that is looked for in any letter case. Of letters that aren't ASCII the toolkit knows the cases, at ten times
-// the cost.
+// A text to search for in any letter case. Cells in ASCII are compared by bytes; Qt's comparison costs ten times as
+// much.
 class ListRows::Wanted
 {
 public:

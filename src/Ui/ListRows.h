@@ -21,7 +21,7 @@ public:
     {
         QIcon icon;
         QString word;
-        bool isStrong = false; ///< the row's first cell is in bold letters
+        bool isStrong = false; ///< show the first cell in bold
     };
     using RowMark = std::function<const Mark&(int row)>;
 
@@ -30,8 +30,8 @@ public:
     /// Sets `count` rows and shows all of them, in their own order.
     void setRows(int count, CellText cells, RowMark marks);
 
-    /// Shows the rows of which any cell contains `text`, in any letter case, ordered by a column; -1 is their own
-    /// order. `among`: only rows of these; null: of all.
+    /// Shows the rows with `text` in any cell, in any letter case, sorted by a column; -1 keeps their own order.
+    /// `among` limits the rows; null means all.
     void arrange(const QString& text, const std::vector<int>* among, int column, Qt::SortOrder order);
 
     int queryCount() const { return count; }

@@ -198,7 +198,7 @@ void ListView::setShares(const std::vector<int>& percents)
     const bool isShared = sharesWidth;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         columns[i].percent = percents[i];
-        setColumnHidden(static_cast<int>(i), percents[i] == 0); // which looks like a step of the user's
+        setColumnHidden(static_cast<int>(i), percents[i] == 0); // looks like a change by the user
     }
     sharesWidth = isShared;
     if (sharesWidth)

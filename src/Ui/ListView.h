@@ -7,10 +7,9 @@
 #include <optional>
 #include <vector>
 
-/// A list of rows with columns under a header, each as wide as it says in per cent of the list, or less where a scroll
-/// bar takes from it, until the user makes it otherwise. Cells are asked for when they are seen, so a list of any
-/// length is there at once. One row can be selected, unless setSelectionMode() says otherwise; a selected row is
-/// selected over its whole width.
+/// A list of rows with columns under a header. A column's width is its share of the list in per cent, less if a scroll
+/// bar needs room, until the user changes it. Cells are only requested when they become visible, so lists of any length
+/// appear at once. One row can be selected, unless setSelectionMode() allows several. Selection covers the whole row.
 ///
 /// A click on a column's title sorts by it, a second one in reverse, and a third one restores the rows' own order.
 /// Ctrl+C copies the first cells, which are the names, of the selected rows, or of all shown rows if none is selected.
@@ -34,15 +33,15 @@ public:
     /// row's name. Clears the selection.
     void setRows(int count, CellText cells, RowMark marks = {});
 
-    /// Shows only the rows of which a cell contains the text, in any letter case; "" shows all. What is selected and
-    /// still shown stays so. In a list of which several rows can be selected, rows that are hidden stay selected, too,
-    /// until they are shown again; the user changes only the selection of what is shown.
+    /// Shows only the rows with the text in any cell, in any letter case; "" shows all. Shown rows keep their
+    /// selection. In a list that allows several selected rows, hidden rows stay selected too, and the user only changes
+    /// the selection of shown rows.
     void setFilter(const QString& text);
 
-    /// Shows only the rows that are selected now, as far as they pass the filter; false shows the others again.
+    /// If `only`, shows only the rows that are selected now and pass the filter; else shows the others again.
     void setSelectedOnly(bool only);
 
-    /// How many rows there are, and how many of them are shown.
+    /// Return the number of all rows, and of shown rows.
     int queryCount() const { return rows->queryCount(); }
     int rowCount() const { return rows->rowCount(); }
 
@@ -51,18 +50,17 @@ public:
     /// Returns the first selected row, -1 if there is none.
     int selectedRow() const;
 
-    /// All selected rows, the hidden ones too, by their numbers in order.
+    /// Returns the numbers of all selected rows, hidden ones included, in ascending order.
     std::vector<int> selectedRows() const;
 
     /// Selects only this row and makes it current; drops a filter that hides it. Clears the selection if there is no
     /// such row.
     void selectRow(int row);
 
-    /// Gives the columns other widths in per cent of the list, as far as the user has not changed them. A column of 0
-    /// is hidden.
+    /// Sets the columns' widths in per cent of the list, unless the user has changed them. 0 hides a column.
     void setShares(const std::vector<int>& percents);
 
-    /// The widths of the columns in pixels; empty until the user has changed one.
+    /// Returns the widths of the columns in pixels; empty until the user has changed one.
     QList<int> queryWidths() const;
     void setWidths(const QList<int>& widths);
 
@@ -74,7 +72,7 @@ Q_SIGNALS:
     /// Emitted if a filter changes which rows are shown; `filter` is its text.
     void shownRowsChanged(const QString& filter);
 
-    /// Other rows may be selected than before, by whatever cause.
+    /// Emitted if the selection may have changed, for any reason.
     void selectedRowsChanged();
 
 protected:
@@ -93,8 +91,8 @@ private:
     ListRows* rows;
     std::vector<Column> columns;
     QString filter;
-    std::vector<int> hiddenSelected;       // rows that are selected and not shown
-    std::optional<std::vector<int>> among; // the only ones to show; none: all
+    std::vector<int> hiddenSelected;       // rows that are selected but not shown
+    std::optional<std::vector<int>> among; // rows that setSelectedOnly() shows; nothing if it shows all
     bool byUser = true;                    // false while the program itself selects
-    bool sharesWidth = true;               // until the user changes the width of a column
+    bool sharesWidth = true;               // false once the user has changed a width
 };

@@ -217,7 +217,7 @@ bool LongWork::eventFilter(QObject* target, QEvent* event)
         return false;
     if (event->type() == QEvent::Close || isEscape(*event))
         cancel();
-    // A key that a widget behind the button takes for itself is no letter of the button's any more.
+    // An accepted ShortcutOverride would give the key to a widget instead of the button.
     static constexpr QEvent::Type declined[] = {QEvent::Close, QEvent::DragEnter, QEvent::ShortcutOverride};
     event->setAccepted(std::find(std::begin(declined), std::end(declined), event->type()) == std::end(declined));
     return true;

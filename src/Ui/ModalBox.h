@@ -19,8 +19,8 @@ public:
     void operator()(const CString& text, const CString& title) const;
     void show(const CString& text, const CString& title, const CString& details) const; ///< only in the window's thread
 
-    /// Asks a question with a button for each answer, the first the default, and Cancel. Returns the answer's number,
-    /// -1 for Cancel.
+    /// Asks a question with a button for each answer and Cancel. The first answer is the default. Returns the answer's
+    /// index, -1 for Cancel.
     int ask(const QString& title, const QString& question, const QStringList& answers) const;
 
 private:

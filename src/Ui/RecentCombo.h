@@ -2,6 +2,6 @@
 
 #include <QComboBox>
 
-/// A field to type into, with a list of what was entered there earlier. Nothing is completed: a name that begins like a
-/// recent one is not that one. `label` is the text of the label beside it.
+/// Returns an editable combo box with recent entries. It does not complete typed text, because a new name may begin
+/// like a recent one. `label` is the text of the label beside it.
 QComboBox* newRecentCombo(const QString& label);

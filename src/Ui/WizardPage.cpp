@@ -30,7 +30,7 @@ void WizardPage::paintEvent(QPaintEvent* event)
         painter.fillRect(rect(), owner->queryWatermark().pixelColor(0, 0));
 }
 
-// The picture's drawing begins at that height of the page; a text that reaches there would lie over it.
+// Returns whether all cover texts end above the drawing in the picture, which begins at 56 % of the page's height.
 bool WizardPage::hasRoomForPicture() const
 {
     const int drawing = height() * 56 / 100;

@@ -304,7 +304,8 @@ void WizardSheet::activate(int index)
     (first != nullptr && onward == nextButton ? first : onward)->setFocus();
 }
 
-// Lets a button be pressed by the first letter of its text, too, as in other wizards, while no control has that letter.
+// Makes Alt and the first letter of a button's text press the button as well, as in other wizards, unless a control of
+// the page has that letter.
 QShortcut* WizardSheet::addKey(Qt::Key letter, QPushButton* button)
 {
     auto* key = new QShortcut(Qt::ALT | letter, this);
@@ -315,7 +316,7 @@ QShortcut* WizardSheet::addKey(Qt::Key letter, QPushButton* button)
     return key;
 }
 
-// A page's control keeps its letter; Finish or Help moves to another if it has the same one.
+// Gives Finish and Help mnemonics that no control of the page has, and disables the keys that a control has.
 void WizardSheet::settleMnemonics()
 {
     QString taken = mnemonicsOf(activePage());

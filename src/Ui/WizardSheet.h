@@ -74,10 +74,10 @@ public:
     /// Returns the result of `handler`, or -1 if it throws. Shows the exception, unless it is Cancelled.
     LRESULT ask(const std::function<LRESULT()>& handler);
 
-    /// Does something that may take long in a thread of its own, and returns when it is done; what it raises is raised
-    /// here. After a while a row in place of the buttons tells how far it has come, and Cancel ends it: Cancelled is
-    /// raised then. `ownBar` is a bar of the page's that shows the same while types are created; `server` is what is
-    /// waited for where an answer is, "" if nothing is.
+    /// Runs work that may take long in a thread of its own, and returns when it is done. Rethrows its exceptions. After
+    /// a while, a row in place of the buttons shows the progress; Cancel then ends the work, and Cancelled is thrown.
+    /// `ownBar` is a bar of the page that also shows the creation of types. `server` is the name shown while waiting
+    /// for a server; "" for none.
     void runLong(const std::function<void()>& work, QProgressBar* ownBar = nullptr, const QString& server = {});
 
     /// Shows the first page when the sheet becomes visible.
@@ -129,9 +129,9 @@ private:
     QShortcut *backKey, *nextKey;
     QWidget* navigation; // the buttons that change the page
     ProgressRow* progressRow;
-    LongWork* work = nullptr; // in hand
-    WorkPace pace;            // of it
-    QElapsedTimer sinceWork;  // that could be cancelled
+    LongWork* work = nullptr; // the current one; null if none
+    WorkPace pace;            // of `work`
+    QElapsedTimer sinceWork;  // time since the last work that showed its progress
     std::vector<WizardPage*> pages;
     UINT startPage;
     bool started = false;

@@ -17,7 +17,7 @@ QString WorkPace::left(const Progress& now)
     return inWords(double(now.total - now.done) / pace);
 }
 
-// In steps that a text can keep for a while.
+// Rounds up to steps, so that the text doesn't change all the time.
 QString WorkPace::inWords(double seconds)
 {
     if (seconds < 90)

@@ -5,18 +5,18 @@
 #include <QElapsedTimer>
 #include <QString>
 
-/// How fast long work gets on, from what it says again and again of how far it has come.
+/// Estimates the remaining time of long work from its progress reports.
 class WorkPace
 {
 public:
-    /// Takes note of the progress and returns how much time is left, in words that follow it: ", about 40 s left". ""
-    /// in the first 5 s of each kind of work, and where the end is not known.
+    /// Records a progress and returns the remaining time as words to append: ", about 40 s left". Empty in the first 5
+    /// s of each kind of work, and if the total is unknown.
     QString left(const Progress& now);
 
-    /// The same words for a number of seconds.
+    /// Returns the same words for a number of seconds.
     static QString inWords(double seconds);
 
 private:
-    Progress first; // of this kind of work
+    Progress first; // first report of the current kind of work
     QElapsedTimer since;
 };

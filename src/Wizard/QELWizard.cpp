@@ -35,7 +35,8 @@ int rowOf(const MsgUIDescriptor* importer)
     return row;
 }
 
-// The importer for a file, or for the first source in a folder, where `preferred` goes before; null if there is none.
+// Returns the importer for a file, or for the first source in a folder; `preferred` takes precedence there. Null if
+// there is none.
 MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
 {
     if (!isFolder(name))
@@ -44,7 +45,7 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
         try {
             return importerFor(withoutFolders({name}, wanted, false).front());
         } catch (const std::runtime_error&) {
-            continue; // it holds none of these
+            continue; // the folder has no such source
         }
     return nullptr;
 }

@@ -36,9 +36,10 @@ bool answersInText(int argc, char* argv[])
     return false;
 }
 
-QStringList startMessages; // of the toolkit
+QStringList startMessages; // messages of Qt before the display is open
 
-// The toolkit aborts where it finds no display, after several lines of its own.
+// Keeps Qt's messages. Qt aborts if it finds no display, after several lines of its own; one line of ours replaces
+// them.
 void takeStartMessage(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
     if (type != QtFatalMsg)
@@ -66,7 +67,7 @@ int main(int argc, char* argv[])
         return 0;
     std::optional<QApplication> application;
     openDisplay(argc, argv, application);
-    for (const QString& argument : QApplication::arguments().mid(1)) // the toolkit has taken its own out
+    for (const QString& argument : QApplication::arguments().mid(1)) // Qt has removed its own options
         if (argument.startsWith('-')) {
             std::fprintf(stderr, "typeforge: unknown option %s (typeforge --help shows what there is)\n",
                          qUtf8Printable(argument));

@@ -44,7 +44,8 @@ public:
         return {{text(row[0]), text(row[1])}, {text(row[3]), static_cast<std::size_t>(row[4] - row[3])}};
     }
 
-    /// The value of the attribute of that name with or without a prefix, trimmed; empty if there is none.
+    /// Returns the trimmed value of the attribute with this local name, which has a prefix if `hasPrefix`, else none.
+    /// Empty if there is no such attribute.
     std::string_view valueOf(std::string_view local, bool hasPrefix = false) const
     {
         for (std::size_t i = 0; i < count; ++i)

@@ -155,7 +155,7 @@ TEST_F(ImportCommand, AnswersExactly)
          {1, "",
           "-: error: this is RELAX NG in its compact form; convert it with trang, then import the "
           "schema\n"}},
-        // A WSDL is told by its root, and read in full without being asked to.
+        // A WSDL is identified by its root, and always read in full.
         {"mkdir w; printf '<w:definitions xmlns:w=\"http://schemas.xmlsoap.org/wsdl/\"><w:message name=\"M\"><w:part "
          "name=\"p\" type=\"x:int\" xmlns:x=\"http://www.w3.org/2001/XMLSchema\"/></w:message></w:definitions>' "
          ">w/w.xml; cp w/w.xml w/v.WSDL; echo '<a/>' >w/a.xsd; $import w/w.xml -l -v; $import wsdl w -l --root M -q; "

@@ -11,7 +11,7 @@ namespace {
 
 using Index = SourceTypes::Index;
 
-// Records of few names and few fields, so that many are alike, and some but for what they hold.
+// Few names and fields, so that many records are equal, and some differ only in the records that they hold.
 void addRandomTypes(SourceTypes& types, std::mt19937& random)
 {
     const auto below = [&random](Index most) { return std::uniform_int_distribution<Index>(0, most - 1)(random); };
@@ -47,7 +47,7 @@ bool areAlike(const SourceTypes& types, SourceTypes::Type one, SourceTypes::Type
            std::ranges::equal(types.constantsOf(one.index), types.constantsOf(other.index));
 }
 
-// All pairs count as equal until something tells them apart.
+// A reference implementation: all pairs are equal until a difference is found.
 std::vector<Index> naiveClasses(const SourceTypes& types)
 {
     const std::size_t count = types.records.size();
@@ -87,7 +87,8 @@ TEST(EqualTypes, AreThoseThatNothingTellsApart)
     EXPECT_GT(merged, 1'000u);
 }
 
-// A chain is told apart from its end, each round one record more: what looks at all records each round takes for ever.
+// Each round separates one record, from the end of the chain. An algorithm that visits all records each round takes
+// quadratic time.
 TEST(EqualTypes, OfALongChainAreFound)
 {
     constexpr Index kLength = 200'000;
@@ -106,7 +107,7 @@ TEST(EqualTypes, OfALongChainAreFound)
 struct Row
 {
     const char* name;
-    CString a, b; // what two namespaces declare
+    CString a, b; // the declarations of two namespaces
     const char* types;
 };
 

@@ -121,7 +121,7 @@ TEST(Keyboard, LeadsThroughAPageAndToItsLetters)
         names.push_back(QApplication::focusWidget()->objectName());
     EXPECT_EQ(names, (std::vector<QString>{"1041", "1019", "1103", "back", "next", "cancel", "help", "1041"}));
     desk.walkTo(IDD_OUTPUT);
-    press(Qt::Key_B, Qt::AltModifier); // the page's own letter, and not the Back button's
+    press(Qt::Key_B, Qt::AltModifier); // the page's control has the letter, not Back
     EXPECT_TRUE(QTest::qWaitFor([&] { return desk.control<QAbstractButton>(IDC_TO_BROKER).isChecked(); }));
     EXPECT_EQ(desk.page(), IDD_OUTPUT);
     press(Qt::Key_K, Qt::AltModifier);

@@ -19,8 +19,8 @@
 
 namespace {
 
-// A user who waits for the row that shows long work, and for a line to fall silent if there is one, and then acts once.
-// Checks at the end that the row appeared, and that the work ended soon after the act.
+// Waits for the row that shows long work, and for a silent line if there is one, and then acts once. Checks at the end
+// that the row appeared, and that the work ended soon after the act.
 class Watcher
 {
 public:
@@ -86,7 +86,7 @@ TEST(LongWork, LetsInputReachNothingButItsCancel)
         desk.walkTo(IDD_SOURCE);
         auto& field = *desk.control<QComboBox>(IDC_INPUT_FILE).lineEdit();
         const QString before = field.text();
-        desk.wizard().activateWindow(); // or no letter works
+        desk.wizard().activateWindow(); // mnemonics need an active window
         ASSERT_TRUE(QTest::qWaitForWindowActive(&desk.wizard()));
         field.setFocus();
         const int width = desk.wizard().width();
@@ -199,7 +199,7 @@ TEST(LongWork, BringsTheFormerMainElementBack)
     EXPECT_EQ(desk.wizard().message->beginEnum(), types);
 }
 
-// The line to the server falls silent in the middle of what is done.
+// The line to the server falls silent in the middle of each kind of work.
 TEST(LongWork, AnswersBeforeASilentDatabase)
 {
     PostgresServer server;

@@ -313,7 +313,7 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     EXPECT_LE(desk.wizard().activePage()->minimumSizeHint().width(), 500); // half of a small screen
     std::filesystem::rename(desk.source, desk.dir.path("in/gone"));
     QTest::keyClick(&main, Qt::Key_Down);
-    QTest::keyClick(&main, Qt::Key_Return); // the import fails, and the former one stays
+    QTest::keyClick(&main, Qt::Key_Return); // the import fails, and the previous one stays
     EXPECT_EQ(desk.boxes.take(), Texts{"Can't open file " + desk.source + ", error = 2"});
     EXPECT_EQ(std::pair(list.rowCount(), main.currentText()), std::pair(3, QString("a")));
     desk.click("back");
@@ -430,8 +430,8 @@ struct Pressed
     {3, "", Qt::Key_End, 2, "3 rows"}, {3, "1", Qt::Key_Return, 1, "1 of 3 rows"},
 };
 
-// What is selected while other rows are hidden: a key of each step is a filter, "*" selects all that is shown, "1" the
-// first of it alone, "!" leaves the selected rows, "?" shows the others again.
+// The selection with hidden rows. Each character is a step: a letter or a blank sets the filter, "*" selects all shown
+// rows, "1" only the first of them, "!" shows only selected rows, "?" all again.
 TEST(List, KeepsHiddenRowsSelectedWhereThereCanBeSeveral)
 {
     const std::tuple<QAbstractItemView::SelectionMode, const char*, std::vector<int>, int> rows[] = {
@@ -465,7 +465,7 @@ TEST(List, KeepsHiddenRowsSelectedWhereThereCanBeSeveral)
     }
 }
 
-// A row that has the keyboard's position, and isn't selected, is the first one that a key selects.
+// If a row is current but not selected, the first key selects it.
 TEST(List, SelectsByKeyboardAlone)
 {
     for (const Pressed& row : kPressed) {

@@ -1,4 +1,4 @@
-// What somebody finds on each page who has a screen reader, or the keyboard alone.
+// Each page with a screen reader, and with the keyboard alone.
 #include "Database/Odbc.h"
 #include "Ui/Mnemonics.h"
 #include "wizard/Desk.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-// By page: role and name of every control that Tab leads to, in its order. A combo box comes with the field inside it.
+// By page: role and name of each control in Tab order. An editable combo box includes its field.
 const std::map<int, CString> kPages = {
     {IDD_FIRST, "CheckBox Hide this screen the next time"},
     {IDD_SOURCE_TYPE, "Tree Importers; EditableText Path for objects"},
@@ -42,7 +42,7 @@ CString spoken(const QWidget& page)
     return text;
 }
 
-// Looks at the page that is shown.
+// Checks the current page.
 void look(Desk& desk)
 {
     const QWidget& page = *desk.wizard().activePage();
@@ -54,7 +54,7 @@ void look(Desk& desk)
             letters += button->text()[button->text().indexOf('&') + 1].toLower();
     for (const QChar& letter : letters)
         EXPECT_EQ((taken + letters).count(letter), 1) << desk.page() << ": " << letters.toStdString();
-    EXPECT_TRUE(letters.contains('k') && letters.contains('c')) << desk.page(); // Back and Cancel, as everywhere
+    EXPECT_TRUE(letters.contains('k') && letters.contains('c')) << desk.page(); // the letters of Back and Cancel
 }
 
 TEST(Spoken, EveryControlHasItsNameAndItsLetter)

@@ -210,7 +210,7 @@ TEST(PictureOfTypes, IsZoomedMovedAndSaved)
         EXPECT_THAT(svg, testing::HasSubstr(text));
 }
 
-// A user before a picture, who clicks at boxes.
+// A user with the picture window, who clicks at boxes.
 struct PictureDesk : TypesDesk
 {
     explicit PictureDesk(const std::string& dtd, int row) : TypesDesk(dtd, row) { button("showPicture").click(); }
@@ -255,7 +255,7 @@ TEST(PictureOfTypes, LeadsFromTypeToTypeAndSelectsThem)
     EXPECT_EQ(desk.status(), "These types were imported anew, or left; the picture is of those before.");
 }
 
-// A root of many children, each of which holds one of its own.
+// A root with many children, each with a child of its own.
 std::string wideDtd(int children)
 {
     std::string root = "<!ELEMENT r (c0", others;
@@ -295,7 +295,7 @@ TEST(PictureOfTypes, BoundsAndCancelsAPng)
     setProgressHandler(before);
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     answerFileDialog(desk.dir.path("large.png"));
-    QTimer user; // who takes the SVG that is offered
+    QTimer user; // chooses the offered SVG
     QObject::connect(&user, &QTimer::timeout, [&] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (!box)

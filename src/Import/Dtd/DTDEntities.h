@@ -77,7 +77,7 @@ private:
     KeyedTable<Entity, &Entity::queryName> entities;
     std::deque<Text> files;
     std::map<FileId, Text*> filesById;
-    std::map<std::uint32_t, CString> folders; // keyed by the number of a file; the folder that the file lies in
+    std::map<std::uint32_t, CString> folders; // folder by the number of a file
     FileFinder finder;
     std::size_t read = 0;
     std::size_t expanded = 0;

@@ -14,7 +14,7 @@ constexpr std::uint32_t kNoCatalog = ~0U;
 constexpr std::string_view kSpace = "urn:oasis:names:tc:entity:xmlns:xml:catalog";
 constexpr std::size_t kMaxEntries = 100'000;
 
-// A public identifier in the form of a URN (RFC 3151).
+// Returns whether a public identifier is in the form of a URN (RFC 3151).
 bool isPublicUrn(std::string_view text)
 {
     constexpr std::string_view scheme = "urn:publicid:";
@@ -139,7 +139,7 @@ void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& 
         catalogs.waiting.push_back({number, kind, key, target, open.back().base, place});
 }
 
-/// With each run of white space as one space; a URN as what it stands for.
+// Returns a public identifier with each run of white space as one space. A URN is decoded first.
 CString Catalogs::normalizedPublicId(std::string_view publicId)
 {
     const CString plain = isPublicUrn(publicId) ? fromUrn(publicId) : CString(publicId);

@@ -16,7 +16,7 @@ struct FingerprintHash
     std::size_t operator()(const Fingerprint& text) const { return static_cast<std::size_t>(text.first); }
 };
 
-// Texts one behind the other, so that no two rows of them are the same bytes.
+// Hashes texts and numbers in order. The length of each text is hashed too, so different lists give different bytes.
 class Signature
 {
 public:
@@ -33,7 +33,7 @@ private:
     RunningHash hash;
 };
 
-// Numbers what has the same signature alike, in the order of its first one.
+// Numbers signatures in order of first occurrence; equal ones have the same number.
 class Numbering
 {
 public:
@@ -66,7 +66,7 @@ std::vector<Index> numberEnumerations(const SourceTypes& types)
     return classes;
 }
 
-// What a record is but for the records that it holds.
+// Returns the signature of a record without the records that its fields hold.
 Signature signatureOf(const SourceTypes& types, Index record, const std::vector<Index>& enumerations)
 {
     Signature signature;
@@ -82,9 +82,9 @@ Signature signatureOf(const SourceTypes& types, Index record, const std::vector<
     return signature;
 }
 
-// The coarsest partition of records that is finer than the one by signatures, and in which the fields of all of a block
-// lead to the same blocks: that of the states of an automaton whose letters are the places of fields (J. Hopcroft, An n
-// log n algorithm for minimizing states in a finite automaton, 1971).
+// The coarsest partition of the records in which the records of a block have the same signature, and their fields at
+// each place lead to the same block. This is the minimisation of a finite automaton whose letters are the places of
+// fields (J. Hopcroft, An n log n algorithm for minimizing states in a finite automaton, 1971).
 class Partition
 {
 public:
@@ -95,15 +95,15 @@ public:
 private:
     struct Block
     {
-        Index first; // of its records among all
+        Index first; // index in `members`
         Index end;
-        Index marked = 0; // as many at its front
+        Index marked = 0; // number of marked records, which are moved to the front
     };
 
     // A field that leads to a record.
     struct Link
     {
-        Index place; // of the field among the record's
+        Index place; // index of the field in its record
         Index from;
     };
 
@@ -113,15 +113,15 @@ private:
     void split(Index at);
 
     std::vector<Index> block;   // by record
-    std::vector<Index> members; // records, those of a block side by side
+    std::vector<Index> members; // records by block
     std::vector<Index> position;
     std::vector<Block> blocks;
-    std::vector<Index> waiting;              // blocks by which others are to be split
-    std::vector<Link> links;                 // those to a record side by side
-    std::vector<Index> firstLink;            // by record, and one more
-    std::vector<std::vector<Index>> sources; // by place of a field: those that lead to the splitter
-    std::vector<Index> places;               // that have any
-    std::vector<Index> touched;              // blocks
+    std::vector<Index> waiting;              // blocks that may split others
+    std::vector<Link> links;                 // by target record
+    std::vector<Index> firstLink;            // by target record: its first link; one entry more than records
+    std::vector<std::vector<Index>> sources; // by place: records whose field there leads to the splitter
+    std::vector<Index> places;               // places with such records
+    std::vector<Index> touched;              // blocks with marked records
     CancelPoint cancelPoint{4096};
 };
 
@@ -175,8 +175,8 @@ void Partition::collectLinks(const SourceTypes& types)
     sources.resize(most);
 }
 
-// Splits all blocks of which some records lead to the splitter and others don't. The splitter may be among them, so
-// that its links are collected first.
+// Splits all blocks of which only some records lead to the splitter. The links are collected first, because the
+// splitter may be split too.
 void Partition::refineBy(Index splitter)
 {
     for (Index i = blocks[splitter].first; i < blocks[splitter].end; ++i)
@@ -210,8 +210,8 @@ void Partition::mark(Index record)
     position[record] = to;
 }
 
-// The smaller part of a block becomes a new one, by which others are to be split; so are they by the larger part,
-// unless the whole has split them.
+// Splits a block into its marked and its other records. The smaller part becomes the new block. The larger one keeps
+// the number, so it is still waiting if the whole block was.
 void Partition::split(Index at)
 {
     const Index marked = blocks[at].marked, first = blocks[at].first, end = blocks[at].end;
@@ -228,7 +228,7 @@ void Partition::split(Index at)
     waiting.push_back(number);
 }
 
-// For each the first one of its class.
+// Returns for each element the first one of its class.
 template <class ClassOf>
 std::vector<Index> firstOfEach(std::size_t count, const ClassOf& classOf)
 {
@@ -239,8 +239,8 @@ std::vector<Index> firstOfEach(std::size_t count, const ClassOf& classOf)
     return firsts;
 }
 
-// What is equal and lies in several namespaces is moved to the space `common`; each of it gets the number of the first
-// one, and all others keep theirs. What is left moves up.
+// Moves elements that have equals in another namespace to the namespace `common`, and keeps only the first of them. All
+// others stay. Returns the new index of each element.
 template <class Row>
 std::vector<Index> keepFirst(std::vector<Row>& rows, const std::vector<Index>& firsts, Index common)
 {

@@ -2,19 +2,19 @@
 
 #include "Import/Full/SourceTypes.h"
 
-/// The types of a source that have the same name and the same content all the way down, also where they hold each
-/// other: names, descriptions, fields and their order, and the types of these. Takes time linear in the fields times
-/// the logarithm of the records' number.
+/// Finds the equal types of a source: those with the same name, description and fields in the same order, whose fields
+/// have equal types in turn, cycles included. Takes time linear in the fields times the logarithm of the number of
+/// records.
 struct EqualTypes
 {
     using Index = SourceTypes::Index;
 
     explicit EqualTypes(const SourceTypes& types);
 
-    std::vector<Index> records;      ///< for each the first one that is equal to it, which may be itself
+    std::vector<Index> records;      ///< for each record the first one equal to it, possibly itself
     std::vector<Index> enumerations; ///< the same
 };
 
-/// Makes one of the types that are equal and lie in several namespaces, the first of them, in the folder `common`.
-/// `records`, indexes of some, become those of what is left.
+/// Merges equal types of several namespaces into one, in the folder `common`. `records` are indices of records and are
+/// updated.
 void mergeEqualTypes(SourceTypes& types, std::vector<SourceTypes::Index>& records);

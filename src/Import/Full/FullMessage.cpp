@@ -64,7 +64,7 @@ struct FullMessage::MainTypes
 {
     std::vector<Index> records;
     std::vector<std::uint32_t> files;
-    bool isAskedFor = false; // by the caller, or the sources themselves: nothing but what they reach is imported
+    bool isAskedFor = false; // chosen by the caller or by the sources: only what they reach is imported
 };
 
 // The state of declaring one import in the model.
@@ -89,7 +89,7 @@ struct FullMessage::Declaring
 
 std::unique_ptr<FullMessage> FullMessage::createAnother() const
 {
-    // Some kinds of source have no other reading than the full one.
+    // Some kinds of source only have the full reading.
     std::unique_ptr<FullMessage> another(row.hasFull() ? row.createFull() : dynamic_cast<FullMessage*>(row.create()));
     another->furtherFiles = furtherFiles;
     another->roots = roots;
@@ -188,7 +188,7 @@ FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString
         mainType = types.candidates[chosen.front()].name;
     if (!givenName.empty())
         mainType = toXmlText(givenName);
-    std::unordered_map<Index, Index> met; // records, each with its first candidate
+    std::unordered_map<Index, Index> met; // first candidate by record
     for (const Index candidate : chosen) {
         const SourceTypes::Candidate& element = types.candidates[candidate];
         main.files.push_back(element.place.file);
@@ -207,7 +207,7 @@ FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString
     return main;
 }
 
-// A record of the same fields for another main element of its type.
+// Returns a copy of a record, for another main element of its type.
 SourceTypes::Index FullMessage::copyFor(SourceTypes& types, const SourceTypes::Candidate& element, Index record)
 {
     const std::span<const SourceTypes::Field> own = types.fieldsOf(record);
@@ -221,7 +221,7 @@ SourceTypes::Index FullMessage::copyFor(SourceTypes& types, const SourceTypes::C
     return copy;
 }
 
-// The elements that are asked for, else those that the sources name, else one for each source.
+// Returns the requested elements, else those that the sources name as main types, else one for each source.
 std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes& types, const CString& fileName,
                                                               bool& areAskedFor)
 {

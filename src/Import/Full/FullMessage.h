@@ -6,8 +6,9 @@
 
 #include <memory>
 
-/// The base of the importers that read a source in full, by the rules of its language. An importer says what its source
-/// declares, read(); this names it, chooses the main type and declares it all in the model.
+/// The base of the importers that read a source in full, by the rules of its language. An importer collects the
+/// declarations of its source in read(). This class gives them their names, chooses the main type and declares all
+/// types in the model.
 class FullMessage : public MsgBase
 {
 public:
@@ -24,7 +25,7 @@ public:
     /// Returns the first of the requested main types; empty if there are none.
     CString queryRoot() const { return roots.empty() ? CString() : roots.front(); }
 
-    /// Makes an importer with the same settings that has imported nothing yet.
+    /// Returns a new importer with the same settings and no import yet.
     std::unique_ptr<FullMessage> createAnother() const;
 
     /// How types are laid out below the base path.
@@ -46,11 +47,11 @@ public:
     /// Sets the folder of a namespace, used with Layout::byNamespace; "" is the base path itself.
     void setFolder(const CString& uri, const CString& folder) { folders[uri] = folder; }
 
-    /// Whether types of the same name and content in several namespaces become one, in the folder `common`, where they
-    /// lie by namespace.
+    /// Sets whether equal types of several namespaces are merged into one in the folder `common`. Has an effect only if
+    /// types are laid out by namespace.
     void setMergesEqual(bool on) { mergesEqual = on; }
 
-    /// The name of the whole, instead of the first main type's; "" for that one.
+    /// Sets the name of the whole; "" means that of the first main type.
     void setName(const CString& name) { givenName = name; }
 
     /// Sets the catalogues for finding documents and modules, in order of precedence.

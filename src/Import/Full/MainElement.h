@@ -12,9 +12,9 @@ public:
 
     explicit MainElement(const SourceTypes& types);
 
-    /// All that could well be the main element among those that the source of this number declares, as indexes of
-    /// `types.candidates`: the chosen one first, then in the order of declaration. Empty if there is none. Sources are
-    /// asked for in the order of their numbers, each once.
+    /// Returns the possible main elements among those that source number `source` declares, as indices of
+    /// `types.candidates`: the chosen one first, then in order of declaration. Empty if there are none. Call it once
+    /// for each source, in ascending order.
     std::vector<Index> choose(const CString& fileName, Index source);
 
 private:
@@ -23,13 +23,13 @@ private:
     std::size_t measure(Index record);
 
     const SourceTypes& types;
-    RecordOrder order;           // of all records that candidates reach
-    std::vector<Index> bySource; // candidates, those of one source side by side
-    std::size_t next = 0;        // among them
-    std::vector<Index> ledToBy;  // by component: the walk that led there from another one last
-    std::vector<Index> ranked;   // the candidates of the best rank, of the source in hand
-    std::vector<Index> sources;  // of these the ones that no other leads to, and those that the file's name names
-    std::vector<Index> seen;     // by record: the walk that came by last
+    RecordOrder order;           // the records that candidates reach
+    std::vector<Index> bySource; // candidates by source
+    std::size_t next = 0;        // index in `bySource`
+    std::vector<Index> ledToBy;  // by component: the last walk that led there from another component
+    std::vector<Index> ranked;   // the current source's candidates that are not abstract and have fields
+    std::vector<Index> sources;  // those of `ranked` to measure: roots of the graph, and those named by the file's name
+    std::vector<Index> seen;     // by record: the last walk that passed it
     std::vector<Index> waiting;
     Index walks = 0;
     std::size_t stepsLeft = 0;

@@ -51,7 +51,7 @@ SourceTypes::Index RootNames::find(std::string_view root) const
     // The name itself comes first, because names in a DTD may contain colons.
     if (found.empty() && local != root) {
         std::string_view space = root.substr(0, root.size() - local.size() - 1);
-        std::set<std::string_view> uris; // a prefix may stand for another namespace in each source
+        std::set<std::string_view> uris; // each source may declare the prefix for another namespace
         if (root.starts_with('{'))
             uris.insert(space.substr(1));
         else

@@ -5,16 +5,16 @@
 /// Returns the local part of "name", "prefix:name" or "{URI}name".
 std::string_view localNameOf(std::string_view root);
 
-/// Finds candidates by the names that users call them by. The types must not change meanwhile.
+/// Finds candidates for main types by name. The types must not change while this lives.
 class RootNames
 {
 public:
     explicit RootNames(const SourceTypes& types);
 
-    /// The candidate that `root` names: "name", "{URI}name", or "prefix:name" with a prefix that a source declares. An
-    /// element goes before a type, one of the sources' own before one of a document that they name, and a message's
-    /// before others. Throws
-    /// SourceRefusal where there is none, and with their full names where there are several.
+    /// Returns the candidate with the name `root`: "name", "{URI}name", or "prefix:name" with a prefix that a source
+    /// declares. An element takes precedence over a type, one of the sources over one of a document that they refer to,
+    /// and one of a message over all others. Throws SourceRefusal if there is none, or several; the message then lists
+    /// their full names.
     SourceTypes::Index find(std::string_view root) const;
 
 private:
@@ -23,5 +23,5 @@ private:
     std::vector<Index> allCalled(std::string_view name) const;
 
     const SourceTypes& types;
-    std::vector<Index> byName; // candidates, those of one name in the order of declaration
+    std::vector<Index> byName; // candidates by name, then in order of declaration
 };

@@ -65,6 +65,6 @@ private:
     SourceReport& report;
     std::vector<Space> spaces; // by namespace
     std::unordered_map<TableKey, Index, TableHash> tables;
-    std::unordered_set<TableKey, TableHash> sharedTables; // of several namespaces, under 0 for each
+    std::unordered_set<TableKey, TableHash> sharedTables; // in several namespaces; stored with space 0
     std::vector<bool> isNamed;                            // by enumeration
 };

@@ -97,7 +97,7 @@ public:
         Index space = 0;           ///< see spaceOf()
         std::uint16_t repeats = 0; ///< see Field::repeats
         std::string_view description{};
-        Index message = kNone; ///< its number among the main types that the sources themselves name, if it is one
+        Index message = kNone; ///< its number among the main types that the sources name; kNone if it is none
         Index choice = kNone;  ///< among `choices`, if its type is abstract
     };
 
@@ -119,13 +119,13 @@ public:
     /// Returns the index of a namespace in `spaces`. Always 0 (no namespace) if namespaces are not kept apart.
     Index spaceOf(std::string_view uri);
 
-    /// The namespace whose types lie in a folder, which is made where there is none.
+    /// Returns the namespace whose types are in a folder; added if it is new.
     Index spaceIn(const CString& folder);
 
-    /// Gives each record and each enumeration the number that it has in these, wherever one is referred to.
+    /// Replaces the index of each record and enumeration by its entry in these lists, wherever a type refers to it.
     void renumber(std::span<const Index> newRecords, std::span<const Index> newEnumerations);
 
-    /// A copy of `text` that lives as long as the types.
+    /// Returns a copy of `text` that lives as long as the types.
     std::string_view keep(std::string_view text);
 
     /// The same for `first` + "_" + `second`.
@@ -200,7 +200,7 @@ public:
     std::vector<std::vector<Index>> choices;       ///< the records that may replace an abstract type, for each choice
     std::vector<std::pair<Index, Index>> choosers; ///< pairs of a record and the index of a choice of one of its fields
     std::vector<Space> spaces{{}};
-    Index common = kNone; ///< the one for what several declare alike, if that is to be one type
+    Index common = kNone; ///< the namespace of merged types; kNone if types are not merged
     std::vector<std::pair<std::string_view, std::string_view>>
         prefixes{}; ///< that the sources declare, with their URIs
 

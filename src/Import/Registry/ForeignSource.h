@@ -8,8 +8,9 @@
 /// after byte order mark, comments and DOCTYPE.
 std::string_view foreignSource(std::string_view start, std::string_view content);
 
-/// The namespace of the element that the text begins with; empty if it has none, or the text begins otherwise.
+/// Returns the namespace of the element that the text begins with; empty if it has none, or if the text begins with
+/// something else.
 std::string_view namespaceOf(std::string_view text);
 
-/// For text that no importer knows: told by the end of the file's name, or by its first words.
+/// Does the same for text that no importer knows, identified by the end of the file's name or by its first words.
 std::string_view foreignText(std::string_view start, std::string_view fileName);

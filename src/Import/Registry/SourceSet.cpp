@@ -8,7 +8,8 @@
 
 namespace {
 
-// The importer of sets whose sources are called like this file; null if there is none. A module is no source.
+// Returns the importer of sets whose word is the suffix of this file name; null if there is none. A module is no
+// source.
 const MsgUIDescriptor* importerBySuffix(const CString& name)
 {
     const std::size_t dot = name.rfind('.');
@@ -27,7 +28,7 @@ std::vector<CString> filesIn(const CString& folder, const MsgUIDescriptor* impor
         const MsgUIDescriptor* const own = importerBySuffix(entry.path().filename().string());
         if (!own || (importer && own != importer) || !entry.is_regular_file(failure))
             continue;
-        if (!importer && own->querySource().isSet) { // which names what lies beside it
+        if (!importer && own->querySource().isSet) { // a WSDL refers to the schemas beside it
             importer = own;
             files.clear();
         }

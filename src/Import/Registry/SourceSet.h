@@ -6,9 +6,9 @@
 
 class MsgUIDescriptor;
 
-/// `sources` with each folder replaced by the files in it that are called like the sources of `importer` (null: of any
-/// that reads in full, or if there are WSDLs of these alone), sorted by name; with `isRecursive` also by those in
-/// folders below, links to folders left out. Throws std::runtime_error for a folder that can't be read or holds none.
+/// Returns `sources` with each folder replaced by the source files in it, sorted by name: those with the suffix of
+/// `importer`, or if that is null, of any importer that reads sets, but only the WSDLs if there are some. `isRecursive`
+/// includes subfolders, but no links to folders. Throws std::runtime_error if a folder can't be read or has no source.
 std::vector<CString> withoutFolders(const std::vector<CString>& sources, const MsgUIDescriptor* importer,
                                     bool isRecursive);
 

@@ -49,7 +49,7 @@ void CreateResultPage::OnInitDialog()
 QHBoxLayout* CreateResultPage::makeButtons()
 {
     totals = withId(IDC_TOTALS, plainLabel());
-    totals->setWordWrap(true); // so that the buttons stay in view
+    totals->setWordWrap(true); // a wide text would push the buttons out of view
     failuresOnly = withId(IDC_FAILURES_ONLY, new QCheckBox("Failures &only"));
     auto* copyButton = withId(IDC_COPY, new QPushButton("Co&py"));
     auto* saveButton = withId(IDC_SAVE, new QPushButton("&Save ..."));

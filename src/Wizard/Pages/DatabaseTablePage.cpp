@@ -45,7 +45,7 @@ void DatabaseTablePage::OnInitDialog()
 QHBoxLayout* DatabaseTablePage::makeSelectionRow()
 {
     selectedCount = withId(IDC_SELECTED_COUNT, plainLabel());
-    selectedCount->setWordWrap(true); // rather than widening the window
+    selectedCount->setWordWrap(true); // a long text would widen the window
     selectedOnly = withId(IDC_SELECTED_ONLY, new QCheckBox("Show &only these"));
     connect(tableList, &ListView::selectedRowsChanged, this, &DatabaseTablePage::showSelection);
     connect(selectedOnly, &QCheckBox::toggled, tableList, &ListView::setSelectedOnly);

@@ -154,7 +154,7 @@ void EditPage::showTypes()
         for (std::uint32_t type = 0; type < made->size() && !descriptionsSayMore; ++type)
             descriptionsSayMore = saysMoreThanName((*made)[type]);
         if (made->size() != 0)
-            made->users(0); // collects them for all types
+            made->users(0); // builds the index of users here, in the thread of the work
         structure = made;
     });
     types.reserve(static_cast<std::size_t>(wizard->message->beginEnum()));
@@ -180,8 +180,8 @@ void EditPage::showTypes()
     showPane(!paneSide->isHidden());
 }
 
-// Marks the record of the main type's name; -1 where there is none, as with tables. Types come after their parts, so
-// of several it is the last.
+// Marks the record that is named after the main type; mainRow is -1 if there is none, as with tables. If several have
+// the name, the last one is it, because types come after their parts.
 void EditPage::findMain()
 {
     const CString name = wizard->message->queryMainTypeName();
@@ -197,8 +197,8 @@ void EditPage::findMain()
     mainMark.isStrong = true;
 }
 
-// Imports once more, by another importer. The former import stays until the new one is there, and where that fails or
-// is cancelled, which false says.
+// Imports the source again, by another importer. The previous import is kept until the new one succeeds. Returns false
+// if it fails or is cancelled.
 bool EditPage::importBy(FullMessage* other)
 {
     std::unique_ptr<MsgBase> former = std::exchange(wizard->message, std::unique_ptr<MsgBase>(other));
@@ -207,7 +207,7 @@ bool EditPage::importBy(FullMessage* other)
         wizard->message = std::move(former);
         return false;
     }
-    clear(); // it shows the former elements
+    clear(); // the page still shows elements of the previous import
     return true;
 }
 
@@ -223,7 +223,7 @@ void EditPage::chooseMain(const CString& name)
 
 void EditPage::readInFull()
 {
-    typeList->setFocus(); // the button goes
+    typeList->setFocus(); // the button disappears
     if (!importBy(wizard->message->queryDescriptor()->createFull()))
         return;
     wizard->options.setFullReading(1);
@@ -323,7 +323,8 @@ void EditPage::togglePane()
     paneButton->toggle();
 }
 
-// Beside the pane the list has room for names, and for descriptions that say more than these.
+// Shows or hides the pane. Beside the pane, the list has a column for descriptions only if they say more than the
+// names.
 void EditPage::showPane(bool visible)
 {
     paneSide->setVisible(visible);

@@ -63,10 +63,10 @@ private:
     QLabel* paneTitle = nullptr;
     QPushButton* paneButton = nullptr;
     std::vector<Element*> types; // the list's rows; the importer owns them
-    int mainRow = -1;            // of the main type, -1 where there is none
+    int mainRow = -1;            // row of the main type; -1 if there is none
     ListRows::Mark mainMark;
-    std::shared_ptr<const TypeStructure> structure; // of these types
-    bool descriptionsSayMore = false;               // than the names, of these types
-    bool isWide = false;                            // there is room for the pane, and for the list as it is without
+    std::shared_ptr<const TypeStructure> structure; // of `types`
+    bool descriptionsSayMore = false;               // some descriptions of `types` aren't generated from the names
+    bool isWide = false;                            // the window has room for the pane beside the whole list
     TemporaryFiles tempFiles;
 };

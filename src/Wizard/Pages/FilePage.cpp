@@ -20,7 +20,7 @@
 
 namespace {
 
-// Hidden; what it lies over gets the clicks.
+// Returns a hidden frame, to be put over a field. It lets clicks through.
 QFrame* newRedFrame()
 {
     auto* frame = new QFrame;

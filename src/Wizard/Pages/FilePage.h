@@ -41,15 +41,15 @@ protected:
     /// Reads the controls into the members if `save`, else writes the members to the controls.
     void UpdateData(bool save);
 
-    /// Shows an error of the file that is named, like stay(), with the focus on its name and a red frame around that
-    /// until it is changed.
+    /// Shows an error about the chosen file, like stay(). Focuses its name and puts a red frame around it until the
+    /// name is changed.
     LRESULT stayAtFile(const CString& text, const CString& details);
 
-    /// Puts controls below the others, from that column on: 1 is that of the file's name. A row takes the room that is
-    /// left if `isHigh`.
+    /// Adds controls below the others, from a column on; column 1 is that of the file's name. With `isHigh` the row
+    /// takes the remaining height.
     void addRow(QWidget* row, bool isHigh = false, int column = 0);
 
-    /// The name that the folder is taken from when a file has been chosen.
+    /// Returns the name whose folder is shown after a file has been chosen.
     virtual CString namedFile() const { return fileName; }
 
     QComboBox& combo() const { return *fileCombo; }
@@ -66,7 +66,7 @@ private:
     void takeFolder();
 
     QComboBox* fileCombo = nullptr;
-    QFrame* redFrame = nullptr; // lies over it
+    QFrame* redFrame = nullptr; // over the combo box
     PathLabel* folderLabel = nullptr;
-    int rows = 2; // of the layout
+    int rows = 2; // of the layout, so far
 };

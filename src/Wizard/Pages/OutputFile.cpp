@@ -22,7 +22,7 @@
 
 namespace {
 
-// Beside the source; a data source has no place, so the folder is the one of the last output.
+// Returns the suggested name: beside the source, or for a data source in the folder of the last output.
 CString outputNameFor(const MsgBase& message, CString source)
 {
     const CString ending = "-types.xml";
@@ -36,7 +36,7 @@ CString outputNameFor(const MsgBase& message, CString source)
     return (path.parent_path() / (path.stem().string() + ending)).string();
 }
 
-// What stands in the way of a new file; "" if that is nothing.
+// Returns what exists under the name, and what will happen to it; "" if nothing does.
 QString stateInWords(const CString& fileName)
 {
     const QFileInfo file(toUi(fileName));
@@ -79,7 +79,7 @@ void OutputFile::OnSetActive()
     showState();
 }
 
-// Nobody has used a name yet, and what is in the field is nobody's own.
+// Suggests a name, unless there are recent names or the user has typed one.
 void OutputFile::suggest()
 {
     UpdateData(true);

@@ -93,11 +93,11 @@ void PreviewPane::stop()
     preview.drop();
 }
 
-// A page that scrolls gives a text the least height that it asks for, whatever its width needs.
+// Sets the height explicitly, because a scrolling page ignores heightForWidth().
 void PreviewPane::setCounts(const QString& words)
 {
     counts->setText(words);
-    counts->setMinimumHeight(0); // which heightForWidth() goes by, too
+    counts->setMinimumHeight(0); // because heightForWidth() respects it
     counts->setMinimumHeight(
         std::max(counts->fontMetrics().lineSpacing() * 3, counts->heightForWidth(counts->width())));
 }
@@ -111,7 +111,7 @@ void PreviewPane::resizeEvent(QResizeEvent* event)
 void PreviewPane::start(bool isWanted)
 {
     if (isWanted)
-        text->setFocus(); // the button goes
+        text->setFocus(); // the button disappears
     preview.start(source, isWanted);
 }
 

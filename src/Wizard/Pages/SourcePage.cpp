@@ -152,7 +152,7 @@ void SourcePage::chooseReading()
         wizard->message.reset(row.create());
 }
 
-// Why these can't be imported as they are chosen; "" if they can.
+// Returns why these sources can't be imported with the current choices; "" if they can.
 CString SourcePage::obstacleOf(const std::vector<CString>& names) const
 {
     const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
@@ -185,7 +185,7 @@ LRESULT SourcePage::OnWizardNext()
     else
         wizard->options.addInputFile(fileName);
     pane->stop();
-    const auto goOn = qScopeGuard([this] { lookAhead(); }); // while the page stays
+    const auto goOn = qScopeGuard([this] { lookAhead(); }); // restarts the preview, in case the page stays
     chooseReading();
     const WayOut hint(*wizard, names.front());
     if (!wizard->importSources(names))
@@ -208,7 +208,7 @@ void SourcePage::takeFile(const CString& chosen)
     FilePage::takeFile(chosen);
     const bool isSet = sourcesIn(chosen).size() > 1 || isFolder(chosen);
     if (isSet && wizard->message->queryDescriptor()->hasFull())
-        fullCheck->setChecked(true); // there is no other way to read it
+        fullCheck->setChecked(true); // several sources can only be read in full
 }
 
 void SourcePage::pickFolder()

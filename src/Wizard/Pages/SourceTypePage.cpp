@@ -67,7 +67,7 @@ void SourceTypePage::OnClickSource()
     pathEdit->setText(toUi(objectPath));
 }
 
-// The first of the two clicks has shown the importer's path in place of the one that was typed.
+// Restores a typed path, because the first of the two clicks has replaced it by the importer's.
 void SourceTypePage::OnDblclkSource()
 {
     const bool isReplaced = fromUi(pathEdit->text()) == objectPath;

@@ -28,6 +28,6 @@ private:
     int importerCount = 0;
     QLineEdit* pathEdit = nullptr;
     CString objectPath;
-    QString typedPath;        // what the last click has replaced
-    QElapsedTimer sinceTyped; // since that click; not valid where none has replaced what was typed
+    QString typedPath;        // the typed path that the last click has replaced
+    QElapsedTimer sinceTyped; // time since that click; invalid if none has replaced a path
 };

@@ -61,8 +61,8 @@ public:
     FullMessage::Layout queryLayout() const { return static_cast<FullMessage::Layout>(layout); }
     void setLayout(FullMessage::Layout wanted) { layout = static_cast<int>(wanted); }
 
-    /// What names several files, or a folder, that were read as one source last; "" if there was no such source. It is
-    /// the one that was read last of all if isSetLast().
+    /// Returns the text of the file field for the last source of several files, or of a folder; "" if there was none.
+    /// isSetLast() returns whether the last source of all was such a one.
     const CString& querySourceSet() const { return sourceSet; }
     static constexpr int kMaxSourceSet = 100'000; ///< bytes of the text
     bool isSetLast() const { return setLast != 0; }

@@ -6,5 +6,5 @@
 
 #include <vector>
 
-/// What became of the types of a creation, by the kinds of its lines: "1,200 types: 1,198 created, 2 failed".
+/// Returns the totals of a creation, from the kinds of its lines: "1,200 types: 1,198 created, 2 failed".
 QString totalsInWords(const std::vector<ResultKind>& kinds);

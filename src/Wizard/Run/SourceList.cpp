@@ -9,7 +9,7 @@
 
 namespace {
 
-// The name that starts at `position`, behind which that is moved; "" where none does.
+// Returns the quoted name at `position` and moves `position` behind it; "" if there is none.
 CString nextName(const CString& text, std::size_t& position)
 {
     CString name;
@@ -20,7 +20,7 @@ CString nextName(const CString& text, std::size_t& position)
             return name;
         name += text[position];
     }
-    return {}; // its end is missing
+    return {}; // no closing quote
 }
 
 } // namespace

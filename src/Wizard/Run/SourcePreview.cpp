@@ -20,9 +20,9 @@ namespace {
 
 constexpr qsizetype kMaxShown = 1 << 16; // bytes
 constexpr qsizetype kMaxLines = 200;
-constexpr qsizetype kMaxLine = 500; // characters: what is longer takes long to lay out
+constexpr qsizetype kMaxLine = 500; // characters; laying out longer lines would take long
 
-// Text as the importers read it; "" for what is none. A character may be cut off at the end.
+// Returns the text as the importers read it; "" if the bytes are no text. The end may lack an incomplete character.
 QString decoded(QByteArray bytes)
 {
     if (const auto encoding = QStringConverter::encodingForData(bytes))
@@ -34,7 +34,7 @@ QString decoded(QByteArray bytes)
     return toUi(toXmlText({bytes.data(), static_cast<std::size_t>(bytes.size())}));
 }
 
-// "" for what is no text.
+// Returns the first lines of a file; "" if it is no text.
 QString firstLines(const CString& fileName)
 {
     InputFile file(fileName);
@@ -65,7 +65,7 @@ std::uint64_t sizeOf(const std::vector<CString>& files)
     return size;
 }
 
-// Empty if one of them can't be read.
+// Returns the files of a source; empty if one can't be read.
 std::vector<CString> readableFiles(const SourcePreview::Source& source)
 {
     std::vector<CString> files;
@@ -82,7 +82,7 @@ std::vector<CString> readableFiles(const SourcePreview::Source& source)
 
 } // namespace
 
-// One look at a source, from start() until it is dropped.
+// A preview, from start() until it is dropped.
 struct SourcePreview::Job
 {
     std::atomic<bool> isWanted = true;
@@ -102,7 +102,7 @@ void SourcePreview::drop()
     current.reset();
 }
 
-// The thread before ends first, so that there is never more than one at work.
+// Starts a new thread, which waits for the previous one to end first, so that only one works at a time.
 void SourcePreview::start(const Source& source, bool isWanted)
 {
     drop();
@@ -110,16 +110,16 @@ void SourcePreview::start(const Source& source, bool isWanted)
     worker = std::thread([this, source, isWanted, job = current, before = std::move(worker)]() mutable {
         if (before.joinable())
             before.join();
-        ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), 10); // of this thread
+        ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), 10); // of this thread only
         try {
             look(source, isWanted, job);
         } catch (const std::exception&) {
-            return; // there is no memory even to say so
+            return; // out of memory: nothing can be reported
         }
     });
 }
 
-// In the thread of the work, as all that follows.
+// This and all functions below run in the preview's thread.
 void SourcePreview::look(const Source& source, bool isWanted, const std::shared_ptr<Job>& job)
 {
     const std::vector<CString> files = readableFiles(source);
@@ -158,7 +158,7 @@ SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, cons
         count.losses = message->queryReport().queryTotal(SourceReport::loss);
         count.isKnown = true;
     } catch (const Cancelled&) {
-        // nobody hears of it
+        // the preview was dropped
     } catch (const std::exception& error) {
         count.failure = wordsOf(error);
         count.isKnown = true;
@@ -166,7 +166,7 @@ SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, cons
     return count;
 }
 
-// Nothing is told of a source that has been dropped meanwhile.
+// Emits a signal in the window's thread, unless the preview has been dropped meanwhile.
 void SourcePreview::tell(const std::shared_ptr<Job>& job, std::function<void()> signal)
 {
     QMetaObject::invokeMethod(

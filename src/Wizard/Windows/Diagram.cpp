@@ -16,7 +16,7 @@ namespace {
 
 constexpr double kPadding = 8;
 constexpr double kWidestText = 260; // of a name or a type; longer ones are cut in the middle
-constexpr double kLegible = 0.3;    // below this scale letters are dots
+constexpr double kLegible = 0.3;    // below this scale texts can't be read
 
 // Routing takes Graphviz the square of what there is to route. So in a web of more arrows only the first that leads to
 // each box is routed, which places the boxes; the others are drawn as plain curves.
@@ -80,7 +80,7 @@ Diagram::Diagram(const TypeGraph& graph, const QPalette& palette, const QFont& t
     area.adjust(-kPadding, -kPadding, kPadding, kPadding);
 }
 
-// The size of the box, and what of its texts there is room for.
+// Returns a box with its size, and its texts elided to the maximum width.
 Diagram::Box Diagram::measure(const TypeGraph::Box& box) const
 {
     const QFontMetricsF metrics(fonts.text), titleMetrics(fonts.title);

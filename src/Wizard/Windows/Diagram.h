@@ -13,17 +13,18 @@
 
 class QPainter;
 
-/// The picture of a graph of types: boxes with a title and a row for each part, and arrows between them, in the tones
-/// of a palette. It doesn't change once it is made. The window's thread draws parts of it, any thread the whole.
+/// The picture of a graph of types: boxes with a title and a row for each part, and arrows between them, in the colours
+/// of a palette. It doesn't change after construction. drawBox() and drawArrow() may only be called in the window's
+/// thread, draw() in any thread.
 class Diagram
 {
 public:
-    /// Lays the graph out, which takes a second for some hundred boxes. Empty if Graphviz can't do it.
+    /// Lays the graph out, which takes a second for some hundred boxes. Empty if Graphviz fails.
     Diagram(const TypeGraph& graph, const QPalette& palette, const QFont& font);
 
     bool isEmpty() const { return boxes.empty(); }
 
-    /// The whole picture, with a margin around it.
+    /// Returns the area of the whole picture, with a margin.
     const QRectF& queryArea() const { return area; }
 
     std::size_t boxCount() const { return boxes.size(); }
@@ -32,8 +33,8 @@ public:
     QRectF areaOfArrow(std::size_t arrow) const { return arrows[arrow].line.boundingRect().adjusted(-6, -6, 12, 6); }
     std::uint32_t typeOf(std::size_t box) const { return boxes[box].type; }
 
-    /// Draws a box, as far as its rows lie in `exposed`. At a small `scale` texts that nobody could read are left as
-    /// lines. A chosen box has a broad frame.
+    /// Draws the rows of a box that lie in `exposed`. At a small `scale`, texts too small to read become lines. A
+    /// chosen box gets a broad frame.
     void drawBox(QPainter& painter, std::size_t box, const QRectF& exposed, double scale, bool isChosen) const
     {
         drawBox(painter, boxes[box], fonts, exposed, scale, isChosen);
@@ -41,11 +42,12 @@ public:
 
     void drawArrow(QPainter& painter, std::size_t arrow) const;
 
-    /// Draws everything for a file, with all texts. Tells the progress; raises Cancelled.
+    /// Draws everything for a file, with all texts. Reports progress. Throws Cancelled.
     void draw(QPainter& painter) const;
 
 private:
-    // A font that two threads share is none that both may use at a time.
+    // Each thread needs its own fonts, because copies of a QFont share data that must not be used by two threads at
+    // once.
     struct Fonts
     {
         explicit Fonts(const QFont& like);
@@ -56,7 +58,7 @@ private:
 
     struct Row
     {
-        QString name; // as far as there is room for them
+        QString name; // elided to fit
         QString type;
         double typeWidth;
     };
@@ -70,7 +72,7 @@ private:
 
     struct Arrow
     {
-        QPainterPath line; // to the foot of the head
+        QPainterPath line; // ends at the base of the arrow head
         QPointF tip;
     };
 

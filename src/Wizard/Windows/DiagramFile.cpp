@@ -14,7 +14,8 @@
 
 namespace {
 
-// Fails as soon as the work is not wanted any more: packing a large picture takes seconds, and nothing else ends it.
+// A buffer whose writes fail once the work is cancelled. Compressing a large picture takes seconds, and nothing else
+// can end it.
 class WantedBuffer : public QBuffer
 {
 protected:

@@ -6,13 +6,14 @@
 
 class Diagram;
 
-/// The most pixels that a side of a PNG picture has.
+/// The maximum width and height of a PNG in pixels.
 constexpr int kMostPixels = 16000;
 
-/// The size of a diagram as a PNG: twice its own, for printing, as far as programs open that. `scale` becomes what it
-/// is of its own size.
+/// Returns the size of a diagram as a PNG: twice its own, for printing, or less at the limits of viewers. Sets `scale`
+/// to the factor.
 QSize pngSize(const Diagram& diagram, double& scale);
 
-/// Draws a diagram as a file, in any thread. Tells the progress; raises Cancelled.
+/// Return a diagram as a file. May run in any thread. Report progress. Throw Cancelled; drawPng() also throws
+/// std::runtime_error without memory for the picture.
 QByteArray drawPng(const Diagram& diagram);
 QByteArray drawSvg(const Diagram& diagram, const QString& title);

@@ -16,7 +16,7 @@ class BoxItem : public QGraphicsItem
 public:
     BoxItem(const DiagramScene& shownIn, std::size_t boxNumber) : scene(shownIn), box(boxNumber)
     {
-        setFlag(ItemUsesExtendedStyleOption); // or all of a long box is drawn for a part of it
+        setFlag(ItemUsesExtendedStyleOption); // without it, a part of a box would draw all of it
         setZValue(1);                         // above the arrows
     }
 
@@ -76,7 +76,7 @@ std::optional<std::size_t> DiagramScene::boxAt(const QPointF& point) const
     return {};
 }
 
-// What lies aside counts twice, so that a key leads along a row or a column first.
+// The distance across the key's direction counts twice, so that a key prefers boxes of the same row or column.
 std::optional<std::size_t> DiagramScene::boxTowards(int key) const
 {
     std::optional<std::size_t> nearest;

@@ -9,7 +9,7 @@
 
 class Diagram;
 
-/// A diagram to look at, one of whose boxes is chosen.
+/// The items of a diagram, with a chosen box.
 class DiagramScene : public QGraphicsScene
 {
 public:
@@ -17,14 +17,14 @@ public:
 
     const Diagram& queryDiagram() const { return *diagram; }
 
-    /// The chosen box; the first one at the start.
+    /// Returns the chosen box; at first box 0.
     std::size_t queryChosen() const { return chosen; }
     void choose(std::size_t box);
 
-    /// The box at that point.
+    /// Returns the box at a point, if any.
     std::optional<std::size_t> boxAt(const QPointF& point) const;
 
-    /// The box nearest to the chosen one in the direction of an arrow key.
+    /// Returns the box nearest to the chosen one in the direction of an arrow key, if any.
     std::optional<std::size_t> boxTowards(int key) const;
 
 private:

@@ -117,7 +117,7 @@ void DiagramView::keyPressEvent(QKeyEvent* event)
     }
 }
 
-// A press that doesn't drag the picture is a click.
+// A press and release without dragging is a click.
 void DiagramView::mousePressEvent(QMouseEvent* event)
 {
     pressed = event->pos();
@@ -136,7 +136,7 @@ void DiagramView::mouseReleaseEvent(QMouseEvent* event)
 
 void DiagramView::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    pressed = {-QApplication::startDragDistance(), 0}; // its release is no click
+    pressed = {-QApplication::startDragDistance(), 0}; // so that its release is no click
     if (!diagramScene || event->button() != Qt::LeftButton)
         return;
     if (const auto box = diagramScene->boxAt(mapToScene(event->pos())))

@@ -8,9 +8,9 @@
 class Diagram;
 class DiagramScene;
 
-/// A picture to move about in: the wheel and + and - zoom, 0 shows all of it and 1 its own size, dragging, arrows, Page
-/// Up and Page Down move it, Home and End go to its left and right end. A click chooses a box, a double click enters
-/// it; with the keyboard Ctrl and an arrow chooses the next box that way, and Return enters it.
+/// A view of a diagram. The wheel, + and - zoom; 0 shows the whole picture, 1 its own size. Dragging, arrows, Page Up
+/// and Page Down move it; Home and End go to its left and right end. A click chooses a box, a double click enters it.
+/// Ctrl and an arrow choose the next box in that direction, Return enters it.
 class DiagramView : public QGraphicsView
 {
     Q_OBJECT
@@ -18,13 +18,13 @@ class DiagramView : public QGraphicsView
 public:
     DiagramView();
 
-    /// Shows a diagram whose first box is chosen: the whole picture; where that is too small to read, its own size with
-    /// that box in view.
+    /// Shows a diagram and chooses its first box. Shows the whole picture, or if that would be too small to read, its
+    /// own size at the first box.
     void showDiagram(std::shared_ptr<const Diagram> diagram);
 
     void zoom(double factor);
 
-    /// Shows the whole picture, not enlarged.
+    /// Shows the whole picture, at most in its own size.
     void showAll();
 
     void showOwnSize();
@@ -46,8 +46,8 @@ private:
     void fit();
     void choose(std::size_t box);
 
-    DiagramScene* diagramScene = nullptr; // null until there is a picture
+    DiagramScene* diagramScene = nullptr; // null before the first diagram
     QPoint pressed;
-    bool opens = true; // nobody has zoomed yet
-    bool fits = true;  // the whole picture is to be seen, in any size of the window
+    bool opens = true; // true until the first zoom
+    bool fits = true;  // keep the whole picture visible when the window is resized
 };

@@ -24,11 +24,11 @@
 namespace {
 
 constexpr std::size_t kMostTypes = 200;
-constexpr std::size_t kManyTypes = 60; // more are shown only when they are asked for
+constexpr std::size_t kManyTypes = 60; // more are only shown on request
 constexpr std::size_t kMostRows = 40;
-constexpr int kAllDepths = 3; // the row of the list behind 1, 2 and 3
+constexpr int kAllDepths = 3; // row of the list of depths, after 1, 2 and 3
 
-// Raised where a picture is too large for a PNG, and the user wants an SVG.
+// Thrown if a picture is too large for a PNG and the user chooses an SVG instead.
 struct SvgWanted
 {};
 
@@ -124,7 +124,7 @@ QWidget* DiagramWindow::makeButtons()
     return both;
 }
 
-// False if it was cancelled.
+// Returns false if the work was cancelled.
 bool DiagramWindow::runLong(const std::function<void()>& call)
 {
     LongWork inHand(*cancelButton);
@@ -139,7 +139,7 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
         buttons->hide();
         work->show();
         tell();
-        show(); // of a picture that opens
+        show(); // the window may not have been shown yet
         cancelButton->setFocus();
     });
     bool isDone = true;
@@ -268,7 +268,7 @@ void DiagramWindow::save()
         status->setText(tr("Saved as %1.").arg(toUi(fileName)));
 }
 
-// Returns the file's name; "" if there is none.
+// Returns the name of the saved file; "" if the user cancels the dialog, or on failure.
 CString DiagramWindow::save(bool isSvgOnly)
 {
     std::vector<FileFilter> filters = {{"SVG pictures", "*.svg"}, {"PNG pictures", "*.png"}};
@@ -278,7 +278,7 @@ CString DiagramWindow::save(bool isSvgOnly)
                                [this](const CString& chosen) { return bytesFor(chosen); });
 }
 
-// Raises Cancelled and SvgWanted.
+// Returns the bytes of the file. Throws Cancelled and SvgWanted.
 CString DiagramWindow::bytesFor(const CString& fileName)
 {
     const bool isPng = toUi(fileName).endsWith(".png", Qt::CaseInsensitive);
@@ -291,7 +291,8 @@ CString DiagramWindow::bytesFor(const CString& fileName)
     return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
 }
 
-// Asks if the picture is too large for a PNG in which everything can be read. Raises Cancelled.
+// Returns whether to save an SVG instead. Asks the user if a PNG would have to be smaller than the picture. Throws
+// Cancelled.
 bool DiagramWindow::wantsSvgInstead()
 {
     double scale = 1;

@@ -17,8 +17,8 @@ class QHBoxLayout;
 class QLabel;
 class QPushButton;
 
-/// A picture of the types around one type, to go through, zoom, move and save. A window of its own beside the wizard,
-/// which goes when it is closed or when its owner goes. If the types go, the picture stays, and leads to no other.
+/// A window beside the wizard with a picture of the types around one type, to explore, zoom, move and save. It ends
+/// when it or its owner is closed. If the types are freed, the picture stays, but no other type can be shown.
 class DiagramWindow : public QWidget
 {
     Q_OBJECT
@@ -26,13 +26,13 @@ class DiagramWindow : public QWidget
 public:
     DiagramWindow(QWidget* owner, const std::shared_ptr<const TypeStructure>& structure);
 
-    /// Draws the picture of a type in a thread of its own and shows the window with it. What the type reaches is shown
-    /// whole if it is little, else its neighbours alone. Returns when the picture is there; the window is closed if the
-    /// user cancels that.
+    /// Draws the picture of a type in a thread of its own and then shows the window. Shows all types that it reaches if
+    /// they are few, else only its neighbours. Closes the window if the user cancels.
     void open(std::uint32_t type);
 
 Q_SIGNALS:
-    /// The user has chosen a type of the picture; the structure is still the one that the window was made with.
+    /// Emitted if the user chooses a type of the picture. Its number refers to the structure given to the constructor,
+    /// which still exists.
     void typeChosen(std::uint32_t type);
 
 private:
@@ -52,17 +52,17 @@ private:
     bool wantsSvgInstead();
 
     std::weak_ptr<const TypeStructure> structure;
-    std::vector<std::uint32_t> earlier; // the types that the picture was of before
-    std::uint32_t shown = 0;            // the type that it is of
+    std::vector<std::uint32_t> earlier; // types shown before, for Back
+    std::uint32_t shown = 0;            // the type shown
     std::shared_ptr<const Diagram> diagram;
-    QString name; // of the type
+    QString name; // of the shown type
     DiagramView* view;
     QLabel* status;
     ComboBox* depth;
     ComboBox* way;
     QPushButton* backButton;
     QWidget* buttons;
-    QWidget* work; // in place of the buttons while something takes long
+    QWidget* work; // shown instead of the buttons during long work
     ProgressRow* progress;
     QPushButton* cancelButton;
 };

@@ -5,7 +5,7 @@
 #include <deque>
 #include <utility>
 
-/// What is known of some nodes of a tree, by their indexes. References to values stay valid.
+/// A table of values for nodes of a tree, by their index. References to values stay valid.
 template <class T>
 class NodeTable
 {
@@ -14,7 +14,7 @@ public:
 
     explicit NodeTable(const SchemaTree& tree) : places(tree.size()) {}
 
-    /// The value of a node, and whether it is new.
+    /// Returns the value of a node, added if it is new, and whether it is.
     std::pair<T&, bool> insert(Index node)
     {
         const bool isNew = places[node] == 0;
@@ -25,10 +25,10 @@ public:
         return {values[places[node] - 1], isNew};
     }
 
-    /// Null if the node has none.
+    /// Returns the value of a node, or null.
     const T* find(Index node) const { return places[node] == 0 ? nullptr : &values[places[node] - 1]; }
 
 private:
-    std::vector<std::uint32_t> places; // 1 more than that among the values; 0: none
+    std::vector<std::uint32_t> places; // index in `values` plus 1; 0 if the node has none
     std::deque<T> values;
 };

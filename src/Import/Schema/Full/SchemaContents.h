@@ -81,7 +81,7 @@ private:
 
     SchemaSet& set;
     const SchemaTree& tree;
-    NodeTable<Content> contents; // also of the types in hand, which count as empty
+    NodeTable<Content> contents; // includes types in progress, which count as empty
     std::vector<SchemaField> kept;
 
     // State of the current type.

@@ -19,7 +19,7 @@ public:
     CString queryUses(const CString& fileName) const override { return usesOfSchema(fileName); }
 
 protected:
-    /// Throws SourceRefusal if what was read from `fileName` and the further files is nothing for the importer.
+    /// Throws SourceRefusal if `fileName` and the further files contain nothing for this importer.
     virtual void check(const SchemaSet&, const CString& /*fileName*/) const {}
 
     /// `source` is the name of the schema file.

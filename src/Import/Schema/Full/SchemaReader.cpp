@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxRanks = 8; // of arrays in arrays
+constexpr std::size_t kMaxRanks = 8; // dimensions of nested arrays; further ones are dropped
 
 /// 0, 1, or 2 for more often; what makes no sense counts as 1.
 std::uint8_t occursOf(std::string_view value)
@@ -97,7 +97,7 @@ void SchemaReader::makeArray(XmlAttributes attributes)
     }
 }
 
-/// Makes the last element one of a type of its own that holds `item`, which is the last one then.
+// Gives the last element an anonymous type with one element, `item`, which then is the last node.
 void SchemaReader::holdInLast(SchemaNode item)
 {
     for (const SchemaTag tag : {SchemaTag::complexType, SchemaTag::sequence, SchemaTag::element}) {

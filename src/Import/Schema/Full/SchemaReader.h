@@ -69,7 +69,7 @@ private:
     const std::uint32_t document;
     std::vector<Level> open;
     std::vector<NameTable::Id> spaces; // by prefix
-    NameTable::Id lastPrefix = 0;      // that was resolved
+    NameTable::Id lastPrefix = 0;      // the prefix resolved last
     std::vector<Shadowed> shadowed;
     std::size_t shadowedBefore = 0; // size of `shadowed` before the element that begins
     SchemaStatements statements;

@@ -56,8 +56,8 @@ void SchemaSet::followAll(std::uint32_t document)
     }
 }
 
-/// Reads one file into a new document, which messages show as `shownName`. False when that can't be, which `xml` then
-/// tells of.
+// Reads one file into a new document, which messages call `shownName`. Returns false on failure, with the error in
+// `xml`.
 bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most)
 {
     const auto first = static_cast<Index>(tree.size());
@@ -80,8 +80,8 @@ bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocum
     return true;
 }
 
-/// The document that is meant: by the catalogues, else by its location, else by its namespace. `path` is the one by
-/// which it was found, else that of its location.
+// Returns the file of a document: by the catalogues, else by its location, else by its namespace. `path` is set to the
+// path that led to it, else to that of its location.
 std::optional<FoundFile> SchemaSet::locate(const Location& wanted, CString& path)
 {
     const CString own = localPath(wanted.location);
@@ -184,7 +184,8 @@ SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
         return 0;
     if (redefined.empty() || !redefined.contains(*found))
         return *found;
-    // The redefinition that `from` stands in, if it is one of this name: there may be a row of them.
+    // Finds the redefinition of this name around `from`, if there is one. A component may be redefined several times in
+    // turn.
     Index component = from;
     while (component != 0 && tree[tree[component].parent].tag != SchemaTag::redefine)
         component = tree[component].parent;

@@ -65,26 +65,26 @@ public:
     /// Returns the members of the substitution group of `head`, in order of declaration.
     const std::vector<Index>& membersOf(SchemaName head) const;
 
-    /// The elements, complex types and simple types at the top of a document, or of those it includes when it has no
-    /// element and no complex type itself; what stands inside a redefinition isn't its own. Empty when those have none
-    /// either. What is declared twice comes twice.
+    /// Returns the elements, complex types and simple types at the top of a document, and those inside of
+    /// redefinitions. A component that is declared twice comes twice. If no element or complex type is outside of a
+    /// redefinition, those of the included documents are added. Empty if these have none either.
     std::vector<Index> componentsOf(std::uint32_t document) const;
 
     /// Returns the elements and complex types of that name at the top of any document, in the order in which their
     /// namespaces are first used.
     std::vector<Index> componentsCalled(std::string_view name);
 
-    /// Whether a WSDL is among the sources.
+    /// Returns whether a WSDL is among the sources.
     bool holdsWsdl() const { return hasWsdl; }
 
-    /// An element that a message of a WSDL is, and the number of that source.
+    /// The element of a WSDL's message, and the number of its source.
     struct Message
     {
         Index element;
         std::uint32_t source;
     };
 
-    /// The messages of the WSDLs among the sources, each element once. What isn't declared is reported.
+    /// Returns the messages of the WSDLs among the sources, each element once. Reports elements that are not declared.
     std::vector<Message> findMessages();
 
     /// Returns the full name of a component at the top.
@@ -119,24 +119,24 @@ private:
         Index redefine;  // the reference whose document is being read, if it is a redefine
     };
 
-    // A file that was given, or that a WSDL names.
+    // A file that was given, or that a WSDL refers to.
     struct SourceFile
     {
         CString name;
         CString shownName;
         SourcePlace namedAt;
-        CString location; // as it is written there; "" if it was given
+        CString location; // the location as written in the WSDL; "" if the file was given
     };
 
-    // Where a document names another one.
+    // A reference of a document to another one.
     struct Location
     {
         std::string_view location; // a reference
-        const CString& folder;     // that it is relative to
-        std::string_view space;    // of the other one, if that is said
+        const CString& folder;     // base of a relative location
+        std::string_view space;    // namespace of the other document; "" if unknown
     };
 
-    using Note = std::tuple<Index, SourceReport::Construct, NameTable::Id>; // of a node, and how it is called
+    using Note = std::tuple<Index, SourceReport::Construct, NameTable::Id>; // a node and the name to report
 
     using Names = NumberTable;
 
@@ -167,9 +167,9 @@ private:
     bool hasWsdl = false;
     std::vector<std::pair<WsdlReader::Root, std::uint32_t>> messages; // of WSDLs, with the number of the source
     std::vector<Source> loaded;
-    std::vector<NameTable::Id> spaces;      // of the documents, each once
-    std::uint32_t loads = 0;                // before the one in hand
-    std::vector<std::uint32_t> firstOfFile; // the document of the file of each, by document
+    std::vector<NameTable::Id> spaces;      // namespaces of the documents, each once
+    std::uint32_t loads = 0;                // number of load() calls so far
+    std::vector<std::uint32_t> firstOfFile; // by document: the document that it is a copy of, else itself
     std::unordered_map<Index, std::uint32_t> documentsByReference;
     std::array<Names, kindCount> symbols;
     std::unordered_map<Index, Index> redefined; // the redefined component by its redefinition

@@ -1,4 +1,4 @@
-// The files that an import was given, and those that a WSDL among them imports.
+// SchemaSet: reads the files of an import, and those that a WSDL among them imports.
 #include "Import/Full/DocumentLinks.h"
 #include "Import/Schema/Full/SchemaSet.h"
 #include "Import/Schema/SchemaDocuments.h"
@@ -13,7 +13,7 @@ void SchemaSet::load(const CString& fileName)
     ++loads;
 }
 
-/// Reads one file, and adds those that it imports, as a WSDL.
+// Reads one file. If it is a WSDL, appends the files that it imports to `files`.
 void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
 {
     const auto id = identify(file.name);
@@ -28,7 +28,7 @@ void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
         parsed.emplace(*id, document);
     if (id && tree.documents[document].root != 0)
         entered.emplace(std::pair(*id, tree.documents[document].space), document);
-    const auto end = static_cast<std::uint32_t>(tree.documents.size()); // of a WSDL's schemas
+    const auto end = static_cast<std::uint32_t>(tree.documents.size()); // behind the schemas of a WSDL
     for (std::uint32_t at = document; at < end; ++at) {
         if (at > document)
             loaded.push_back({at, loads});
@@ -47,7 +47,7 @@ void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
     }
 }
 
-/// Reads a file, and returns what it imports, as a WSDL. One that a WSDL names and that is no schema is left out.
+// Reads a file and returns the imports of a WSDL. A file that a WSDL imports and that is no schema is left out.
 std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
 {
     const bool isGiven = file.location.empty();

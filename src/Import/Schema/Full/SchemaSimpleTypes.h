@@ -62,7 +62,7 @@ private:
 
     SchemaSet& set;
     const SchemaTree& tree;
-    NodeTable<Value> values; // also of those in hand, which count as text
+    NodeTable<Value> values; // includes types in progress, which count as text
     std::vector<NameTable::Id> constants;
     std::vector<std::uint32_t> documentations; // by constant
     std::vector<std::uint32_t> constantSeen;   // by name: number of the last list with it

@@ -93,7 +93,7 @@ public:
 
     std::string_view text(NameTable::Id id) const { return names[id]; }
 
-    /// Whether a document can carry the name.
+    /// Returns whether a name is one that XML allows. Caches the result.
     bool isXmlName(NameTable::Id name)
     {
         checked.resize(std::max<std::size_t>(checked.size(), name + 1));
@@ -120,7 +120,7 @@ public:
     static constexpr NameTable::Id kXmlNamespace = 4;
     static constexpr NameTable::Id kValueName = 5; ///< the text "value"
 
-    /// True for the namespaces of the encodings of SOAP 1.1 and 1.2.
+    /// Returns true for the namespaces of the encodings of SOAP 1.1 and 1.2.
     static bool isSoapEncoding(NameTable::Id space) { return space == 6 || space == 7; }
 
     /// Removes all nodes from `first` on.
@@ -139,5 +139,5 @@ public:
 private:
     SchemaName adopted(Index at, SchemaName name) const;
 
-    std::vector<char> checked; // names: 1 for one of XML, 2 for none
+    std::vector<char> checked; // by name: 1 if XML allows it, 2 if not, 0 if not yet checked
 };

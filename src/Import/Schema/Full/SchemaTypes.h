@@ -15,8 +15,8 @@ public:
         set(set), tree(set.queryTree()), types(types), simple(set), contents(set), derived(set), records(tree)
     {}
 
-    /// Reads what `sources` declare, documents of the set as SchemaSet::finish() tells them. `roots` name elements and
-    /// complex types that are read in any case; `messages` become main types.
+    /// Reads the components of `sources`, as SchemaSet::finish() returns them. `roots` are names of elements and
+    /// complex types to read in any case. The elements of `messages` become main types.
     void read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots,
               const std::vector<SchemaSet::Message>& messages);
 
@@ -60,7 +60,7 @@ private:
     SchemaSimpleTypes simple;
     SchemaContents contents;
     DerivedTypes derived;
-    std::unordered_map<Index, SourceTypes::Index> messageNumbers; // by element
+    std::unordered_map<Index, SourceTypes::Index> messageNumbers; // number of the message by element
     std::vector<Index> choices;                                   // the abstract type of each
     std::unordered_map<Index, SourceTypes::Index> choicesByType;
     std::unordered_set<Index> reported;   // derived types

@@ -2,8 +2,8 @@
 
 #include "Import/Schema/Full/SchemaFullMsg.h"
 
-/// The importer of the messages of a WSDL, 1.1 or 2.0. Schemas may stand among its further files, for what the WSDL
-/// imports without saying where it is.
+/// The importer of the messages of a WSDL, 1.1 or 2.0. The further files may be schemas that the WSDL imports without a
+/// location.
 class WsdlMessage : public SchemaFullMessage
 {
 public:

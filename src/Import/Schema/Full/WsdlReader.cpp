@@ -59,7 +59,7 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
         readOther(name, attributes);
 }
 
-/// What stands among the schemas: an import of one, as WSDL 2.0 has it, or another language.
+// Reads an element beside the schemas: an import of a schema, as in WSDL 2.0, or another schema language.
 void WsdlReader::readOther(XmlName name, XmlAttributes attributes)
 {
     const bool isImport = schemaEditionOf(begun.uri) != SchemaEdition::none && name.local == std::string_view("import");
@@ -118,7 +118,7 @@ void WsdlReader::entityLeftOut(std::string_view name, XmlPlace place)
         schema->entityLeftOut(name, place);
 }
 
-/// The place of the element that begins.
+// Returns the place of the element that begins.
 SourcePlace WsdlReader::here() const
 {
     return {tree.documents[document].file, static_cast<std::uint32_t>(begun.place.line),
@@ -148,7 +148,7 @@ void WsdlReader::addImport(std::string_view location, std::string_view space, So
         imports.push_back({CString(location), CString(space), place});
 }
 
-/// Of two messages of one name the first one holds.
+// Starts a message. If two have the same name, the first one takes precedence.
 void WsdlReader::beginMessage(std::string_view name, SourcePlace place)
 {
     const NameTable::Id id = tree.names.intern(name);
@@ -171,7 +171,7 @@ void WsdlReader::readPart(XmlAttributes attributes, SourcePlace place)
         parts.push_back({message, tree.names.intern(name), element, type, place});
 }
 
-/// What a message of WSDL 2.0 holds: an element, or by a word starting with "#" none, any one, or no XML.
+// Reads the content of a WSDL 2.0 message: an element, or one of the words #none, #any and #other.
 void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, SourcePlace place)
 {
     const std::string_view content = attributes.valueOf("element");
@@ -216,8 +216,9 @@ void WsdlReader::finish()
     makeMessages();
 }
 
-/// A message of one element is that element. One whose parts have types is an element that holds them, made as a schema
-/// would declare it, but that a schema's own may be called like it.
+// Turns messages into root elements. A message whose parts are elements becomes these elements. If a part has a type, a
+// new element is made that holds the parts as a sequence. It is in no symbol table, so the schemas may declare an
+// element of the same name.
 void WsdlReader::makeMessages()
 {
     SchemaDocument made;

@@ -6,7 +6,7 @@
 #include <span>
 #include <unordered_set>
 
-/// Whether this is the namespace of WSDL 1.1, 2.0, or a draft of that.
+/// Returns true for the namespaces of WSDL 1.1, of 2.0 and of a draft of 2.0.
 bool isWsdlNamespace(std::string_view uri);
 
 /// Reads a file into the tree: a schema, or the schemas and messages of a WSDL (https://www.w3.org/TR/wsdl,
@@ -39,7 +39,7 @@ public:
     {
         SchemaName name;
         SourcePlace place;
-        SchemaNode::Index made = 0; ///< that one, if it was made of a message's parts; no schema declares it
+        SchemaNode::Index made = 0; ///< the element made of the message's typed parts, which no schema declares; else 0
     };
     /// Returns the elements of all messages, in their order.
     const std::vector<Root>& queryRoots() const { return roots; }
@@ -60,7 +60,7 @@ private:
     // A part of a message, with an element or else a type.
     struct Part
     {
-        std::uint32_t message; // its number; 0: the part is one by itself
+        std::uint32_t message; // number of the message; 0 if the part is a whole message
         NameTable::Id name;
         SchemaName element;
         SchemaName type;
@@ -89,13 +89,13 @@ private:
     std::size_t depth = 0;                // open elements inside the schema
     std::vector<std::unique_ptr<SchemaReader>> finished;
     bool isWsdl = false;
-    bool isInTypes = false;                        // the last statement at the top
+    bool isInTypes = false;                        // inside the `types` element
     std::vector<std::size_t> open;                 // elements around schemas: how many declarations there were
     std::vector<const unsigned char*> declared;    // prefixes and URIs of those
     std::vector<const unsigned char*> ownDeclared; // of the element that begins
     XmlScope begun{};                              // that element
     NameTable::Id target = 0;
-    std::vector<NameTable::Id> messages{0}; // by number
+    std::vector<NameTable::Id> messages{0}; // names of messages by number
     std::unordered_set<NameTable::Id> messageNames;
     std::uint32_t message = 0; // that is open
     std::vector<Part> parts;

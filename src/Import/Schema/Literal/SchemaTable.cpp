@@ -69,7 +69,7 @@ bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
         included->reportUnread(*report);
         included->keepTextsOnly();
     }
-    // Whether the names are the same as when the main element's own type was read.
+    // True if the names are still those with which the main element's own type was read.
     const bool sameNames = !hadRootType || earlierMainType == mainType;
     return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
 }
@@ -144,7 +144,7 @@ struct SchemaTable::TypeWalk
     Record record;
     SchemaOutline::Tag list = SchemaOutline::element;
     Index field = SchemaOutline::kNone;
-    Index ahead = SchemaOutline::kNone; // the field whose memory is asked for next
+    Index ahead = SchemaOutline::kNone; // the next field to prefetch
     bool isEntered = false;             // the type inside the field has been read
 };
 
@@ -206,7 +206,8 @@ bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
     return true;
 }
 
-/// In a large table each look-up waits for the memory. It is asked for a field's some fields before its turn.
+// Starts a list of fields. The entries of the first fields are prefetched, so that cache misses in the large table
+// overlap.
 void SchemaTable::enterList(const SchemaOutline& outline, TypeWalk& walk, Index first) const
 {
     constexpr int kAhead = 3;
@@ -226,7 +227,7 @@ void SchemaTable::prefetchNext(const SchemaOutline& outline, TypeWalk& walk) con
     walk.ahead = outline.getNextSibling(walk.ahead);
 }
 
-/// Registers the field in hand and turns to the next one.
+// Registers the current field and moves to the next one.
 void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& field = outline[walk.field];
@@ -240,7 +241,7 @@ void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
     walk.isEntered = false;
 }
 
-/// What a declaration says, under the name that it is registered by.
+// Returns the contents of a declaration, under the name that it is registered by.
 SchemaSaying SchemaTable::sayingOf(const SchemaOutline& outline, Index at, std::string_view name) const
 {
     const SchemaDeclaration& declaration = outline[at];
