@@ -38,9 +38,8 @@ std::string_view view(const xmlChar* characters)
     return characters ? text(characters) : std::string_view();
 }
 
-// Replaces every external entity, on disk or on the network, by an empty one, so that nothing is opened. A loader that
-// failed instead would make libxml2 forget that an undeclared entity may be declared in there. libxml2 has one loader
-// for the whole process.
+// Opens nothing: every external entity, on disk or on the network, is empty. If loading failed instead, libxml2 would
+// forget that undeclared entities may be declared there. There is one loader for the process.
 xmlParserInputPtr emptyExternalEntity(const char*, const char*, xmlParserCtxtPtr context)
 {
     return xmlNewStringInputStream(context, BAD_CAST "");
@@ -56,8 +55,7 @@ void setUpLibrary()
     static_cast<void>(once);
 }
 
-// Returns libxml2's reason without its advice to set XML_PARSE_HUGE, which the user can't follow. The reason then says
-// that a bound was passed.
+// Returns libxml2's reason without its advice to set XML_PARSE_HUGE. Instead it says that a bound was passed.
 CString reasonInWords(std::string_view reason)
 {
     constexpr std::string_view option = "XML_PARSE_HUGE", kinds[] = {"too long", "too big", "Huge ", "huge ", option};
@@ -155,8 +153,7 @@ private:
     std::size_t count = 0;
 };
 
-// Sets libxml2's error handler for this thread and restores the old one. A handler of the parser context would not get
-// errors of the decoder and errors before the context exists.
+// Sets libxml2's error handler in its scope. That of a parser context would miss errors of the decoder.
 class ErrorsTo
 {
 public:
@@ -293,17 +290,15 @@ std::optional<IXMLDOMParseError> Parse::run()
     return first;
 }
 
-// Returns whether the parser stopped before the end of the file, at a NUL byte or at bytes outside of the document's
-// encoding. libxml2 takes both for the end.
+// Returns whether bytes are left, because libxml2 takes a NUL or bytes outside of the encoding for the end.
 bool Parse::hasRest() const
 {
     const xmlParserInput& input = *parser->input;
     return input.cur < input.end || (input.buf && input.buf->raw && xmlBufUse(input.buf->raw) > 0);
 }
 
-// Reads the next bytes and checks the bounds, every few thousand bytes and also inside a start tag. libxml2 compares
-// each attribute and namespace with all others of its tag, so a flood must be stopped before the tag ends. maxatts, the
-// room for attributes, doubles as they come. After an error the rest is not read.
+// Reads the next bytes and checks the bounds, also inside a start tag, whose attributes and namespaces libxml2 compares
+// pairwise. maxatts, the room for attributes, doubles as they come. Reads nothing after an error.
 int Parse::onRead(void* run, char* out, int room)
 {
     Parse& self = *static_cast<Parse*>(run);
@@ -370,8 +365,7 @@ void Parse::stop(void* context)
     xmlStopParser(current);
 }
 
-// Restores libxml2's limits on lengths and depth, which guard against entities. A document without entities may hold a
-// text of any length.
+// Restores libxml2's limits on lengths and depth. Without entities, texts may have any length.
 void Parse::onEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicId,
                                 const xmlChar* systemId, xmlChar* content)
 {
@@ -461,8 +455,7 @@ XmlPlace Parse::referenceStart(const void* context, std::string_view name) const
     return {input.line, isOfDocument ? std::max(0, input.col - charactersIn(name) - 2) : input.col};
 }
 
-// Returns false for a start tag that is no longer than a name may be. Measuring every name would cost more than reading
-// it.
+// Returns false if the start tag is too short for a long name, because measuring every name would cost too much.
 bool Parse::mayHoldLongNames(const xmlParserCtxt& context)
 {
     if (&context != parser.get()) // the text of an entity
@@ -493,8 +486,7 @@ void Parse::checkBounds(int attributes)
         fail("The elements are nested more than 200,000 levels deep, which is the bound");
 }
 
-// Calls the handler and catches its exceptions, because an exception must not unwind C code. run() throws them again
-// when the parser has returned.
+// Calls the handler and keeps its exception for run(), because an exception must not unwind C code.
 template <class Call>
 void Parse::guarded(void* context, Call call)
 {
