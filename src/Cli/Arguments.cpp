@@ -63,8 +63,9 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
                    "  IMPORTER                  dtd, xml, xsd, btd, odbc, wsdl, jsonschema,\n"
                    "                            openapi, avro or json (default: by the source)\n"
                    "  SOURCE                    A file, - for standard input; for odbc a data source\n"
-                   "                            name or a connection string; for xml, json, wsdl and\n"
-                   "                            --full any number, for wsdl and --full also folders\n"
+                   "                            name or a connection string; any number for all but\n"
+                   "                            btd, odbc, and dtd and xsd without --full; for wsdl\n"
+                   "                            and --full also folders\n"
                    "  @FILE                     Take further arguments from this file, one a line\n");
     app.add_flag("--recursive", arguments.isRecursive, "Take the files of folders below a folder, too");
     app.add_option("-t,--table", arguments.tables,
