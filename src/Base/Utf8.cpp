@@ -1,5 +1,26 @@
 #include "Base/Utf8.h"
 
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+bool isAscii(std::string_view text)
+{
+    std::uint64_t all = 0, eight;
+    for (; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
+        std::memcpy(&eight, text.data(), sizeof eight);
+        all |= eight;
+    }
+    for (const char c : text)
+        all |= static_cast<unsigned char>(c);
+    return (all & 0x8080808080808080) == 0;
+}
+
+} // namespace
+
 std::size_t utf8Length(char lead)
 {
     const auto byte = static_cast<unsigned char>(lead);
@@ -27,6 +48,21 @@ char32_t decodeUtf8(std::string_view text, std::size_t& at)
         return kNoUtf8;
     at += length;
     return code;
+}
+
+std::size_t countCharacters(std::string_view text)
+{
+    std::size_t count = text.size();
+    if (isAscii(text)) // the usual case
+        return count;
+    std::uint64_t eight;
+    for (; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
+        std::memcpy(&eight, text.data(), sizeof eight);
+        // Continuation bytes, 10xxxxxx, begin no character.
+        count -= static_cast<std::size_t>(std::popcount(eight >> 7 & ~(eight >> 6) & 0x0101010101010101));
+    }
+    const auto isContinuation = [](unsigned char c) { return (c & 0xC0) == 0x80; };
+    return count - static_cast<std::size_t>(std::ranges::count_if(text, isContinuation));
 }
 
 void appendUtf8(std::string& out, char32_t code)

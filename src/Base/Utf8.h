@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,9 @@ std::size_t utf8Length(char lead);
 /// Returns the character at `at` and moves `at` past it. If the bytes are not UTF-8 (RFC 3629), overlong forms and
 /// surrogates included, returns kNoUtf8 and leaves `at`. `at` must be less than the size.
 char32_t decodeUtf8(std::string_view text, std::size_t& at);
+
+/// Returns the number of characters that begin in a UTF-8 text.
+std::size_t countCharacters(std::string_view text);
 
 /// Removes an incomplete character at the end of `text`, which a cut has left there.
 void dropCutCharacter(std::string_view& text);

@@ -1,6 +1,7 @@
 #include "Cli/TypeListing.h"
 
 #include "Base/Json.h"
+#include "Base/Utf8.h"
 #include "Cli/Output.h"
 #include "Import/MsgBase.h"
 #include "Types/TypeGraph.h"
@@ -65,12 +66,6 @@ void addContent(CString& out, const TypeStructure& structure, std::uint32_t type
 CString nameOf(const Element& type)
 {
     return shownText(type.queryPath() + type.queryName());
-}
-
-std::size_t countCharacters(std::string_view text)
-{
-    const auto isStart = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
-    return static_cast<std::size_t>(std::ranges::count_if(text, isStart));
 }
 
 // Indents a document. It has no text nodes and no '<' in attributes, so "><" occurs only between two tags.

@@ -1,6 +1,7 @@
 #include "Xml/XmlParser.h"
 
 #include "Base/Progress.h"
+#include "Base/Utf8.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
 
@@ -9,9 +10,7 @@
 #include <libxml/parserInternals.h>
 
 #include <algorithm>
-#include <bit>
 #include <cerrno>
-#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <memory>
@@ -66,32 +65,6 @@ CString reasonInWords(std::string_view reason)
     if (reason.ends_with("use "))
         reason.remove_suffix(4);
     return CString(trimmed(reason, ", ")) + ", which is past a bound for documents that declare entities";
-}
-
-bool isAscii(std::string_view text)
-{
-    std::uint64_t all = 0, eight;
-    for (; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
-        std::memcpy(&eight, text.data(), sizeof eight);
-        all |= eight;
-    }
-    for (const char c : text)
-        all |= static_cast<unsigned char>(c);
-    return (all & 0x8080808080808080) == 0;
-}
-
-// Returns the number of UTF-8 characters that begin in the text.
-int charactersIn(std::string_view text)
-{
-    auto count = static_cast<int>(text.size());
-    if (isAscii(text)) // the usual case
-        return count;
-    std::uint64_t eight;
-    for (; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
-        std::memcpy(&eight, text.data(), sizeof eight);
-        count -= std::popcount(eight >> 7 & ~(eight >> 6) & 0x0101010101010101); // continuation bytes, 10xxxxxx
-    }
-    return count - static_cast<int>(std::ranges::count_if(text, [](unsigned char c) { return (c & 0xC0) == 0x80; }));
 }
 
 // The bytes of a document: of a text, or of a file, which is read in larger pieces than libxml2 asks for.
@@ -437,14 +410,14 @@ XmlPlace Parse::tagStart(const xmlParserCtxt& context) const
         return {input.line, input.col};
     const std::string_view tag(text(begin), static_cast<std::size_t>(input.cur - begin));
     if (tag.size() < static_cast<std::size_t>(input.col)) // the usual case: it fits on one line
-        return {input.line, input.col - charactersIn(tag)};
+        return {input.line, input.col - static_cast<int>(countCharacters(tag))};
     const int line = input.line - static_cast<int>(std::ranges::count(tag, '\n'));
     std::string_view before(text(input.base), static_cast<std::size_t>(begin - input.base));
     const std::size_t lineEnd = before.rfind('\n');
     if (lineEnd == before.npos && input.consumed > 0) // the start of the line has left the buffer
         return {line, 0};
     before.remove_prefix(lineEnd + 1);
-    return {line, charactersIn(before) + 1};
+    return {line, static_cast<int>(countCharacters(before)) + 1};
 }
 
 // Returns where the last reference "&name;" begins.
@@ -452,7 +425,8 @@ XmlPlace Parse::referenceStart(const void* context, std::string_view name) const
 {
     const xmlParserInput& input = *parser->inputTab[0];
     const bool isOfDocument = context == parser.get() && parser->inputNr == 1;
-    return {input.line, isOfDocument ? std::max(0, input.col - charactersIn(name) - 2) : input.col};
+    const auto length = static_cast<int>(countCharacters(name)) + 2;
+    return {input.line, isOfDocument ? std::max(0, input.col - length) : input.col};
 }
 
 // Returns false if the start tag is too short for a long name, because measuring every name would cost too much.
