@@ -2,8 +2,8 @@
 
 #include "Base/Progress.h"
 #include "Base/Utf8.h"
-#include "Files/File.h"
 #include "Files/FileMessage.h"
+#include "Xml/XmlSource.h"
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
@@ -67,65 +67,6 @@ CString reasonInWords(std::string_view reason)
     return CString(trimmed(reason, ", ")) + ", which is past a bound for documents that declare entities";
 }
 
-// The bytes of a document: of a text, or of a file, which is read in larger pieces than libxml2 asks for.
-class Source
-{
-public:
-    Source(const CString& fileName, std::size_t most) : buffer(new char[kSize])
-    {
-        file.emplace(fileName, most);
-        error = file->queryError();
-        if (!error)
-            fill(); // reports an unreadable file before anything is parsed
-    }
-
-    explicit Source(std::string_view document) : bytes(document.data()), filled(document.size()), count(document.size())
-    {}
-
-    // Reads as read(2) does. Calls the system only if the last piece is used up.
-    int read(char* out, int room)
-    {
-        if (at == filled && !fill())
-            return error ? -1 : 0;
-        const std::size_t piece = std::min(static_cast<std::size_t>(room), filled - at);
-        std::memcpy(out, bytes + at, piece);
-        at += piece;
-        return static_cast<int>(piece);
-    }
-
-    // Returns the errno value of a failure, or 0.
-    int queryError() const { return error; }
-
-    // Return the number of bytes read so far, and the size that the system reports: 0 for a pipe.
-    std::size_t queryCount() const { return count; }
-    std::size_t querySize() const { return file ? file->querySize() : 0; }
-
-private:
-    static constexpr std::size_t kSize = 1 << 16;
-
-    bool fill()
-    {
-        if (!file)
-            return false;
-        const ssize_t got = file->read(buffer.get(), kSize);
-        if (got < 0)
-            error = errno;
-        bytes = buffer.get();
-        at = 0;
-        filled = got > 0 ? static_cast<std::size_t>(got) : 0;
-        count += filled;
-        return got > 0;
-    }
-
-    std::optional<InputFile> file; // empty for a text
-    int error = 0;
-    std::unique_ptr<char[]> buffer;
-    const char* bytes = nullptr;
-    std::size_t at = 0;
-    std::size_t filled = 0;
-    std::size_t count = 0;
-};
-
 // Sets libxml2's error handler in its scope. That of a parser context would miss errors of the decoder.
 class ErrorsTo
 {
@@ -149,7 +90,7 @@ private:
 class Parse
 {
 public:
-    Parse(Source& document, XmlHandler& receiver) :
+    Parse(XmlSource& document, XmlHandler& receiver) :
         source(document), handler(receiver), wantsScopes(receiver.wantsScopes())
     {}
 
@@ -200,7 +141,7 @@ private:
     void fail(std::string_view reason);
     static void stop(void* context);
 
-    Source& source;
+    XmlSource& source;
     XmlHandler& handler;
     const bool wantsScopes;
     std::unique_ptr<xmlParserCtxt, FreeContext> parser;
@@ -554,7 +495,7 @@ std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandle
 {
     try {
         setUpLibrary();
-        Source file(fileName, most);
+        XmlSource file(fileName, most);
         std::optional<IXMLDOMParseError> error;
         if (!file.queryError())
             error = Parse(file, handler).run();
@@ -567,6 +508,6 @@ std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandle
 std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler)
 {
     setUpLibrary();
-    Source source(document);
+    XmlSource source(document);
     return Parse(source, handler).run();
 }
