@@ -1,0 +1,122 @@
+#include "support/SchemaFull.h"
+
+#include <functional>
+
+namespace {
+
+// Recursion is cut, and growth beyond the bounds is refused.
+struct Bound
+{
+    const char* name;
+    CString (*schema)();
+    const char* types; // null: refused, but not because of the declarations of the main file
+    const char* box = "";
+};
+
+CString chained(std::size_t count, const std::function<CString(const CString& own, const CString& next)>& link)
+{
+    CString all;
+    for (std::size_t i = 0; i < count; ++i)
+        all += link(std::to_string(i), std::to_string((i + 1) % count));
+    return all;
+}
+
+const Bound kBounds[] = {
+    {"TenThousandExtensions",
+     [] {
+         return chained(10'000, [](const CString& own, const CString& next) {
+             return "<complexType name='T" + own + "'><complexContent><extension base='t:T" + next +
+                    "'><attribute name='a" + own + "'/></extension></complexContent></complexType>";
+         });
+     },
+     "", "more than 1000000 fields, which is the bound."},
+    {"ManyEmptyExtensions",
+     [] {
+         return "<element name='r' type='t:T0'/>" + chained(50'000, [](const CString& own, const CString& next) {
+                    return "<complexType name='T" + own + "'><complexContent><extension base='t:T" + next +
+                           "'/></complexContent></complexType>";
+                });
+     },
+     "r(value:String)"},
+    {"GroupsThatDouble",
+     [] {
+         return ROOT("<group ref='t:g0'/>") + chained(40, [](const CString& own, const CString& next) {
+                    const CString reference = "<group ref='t:g" + next + "'/>";
+                    return "<group name='g" + own + "'><sequence>" + (next == "0" ? "" : reference + reference) +
+                           "</sequence></group>";
+                });
+     },
+     "", "more than 20000000 particles of groups, which is the bound."},
+    {"GroupsInsideEachOther",
+     [] {
+         return ROOT("<group ref='t:g0'/>") +
+                chained(50'000,
+                        [](const CString& own, const CString& next) {
+                            return "<group name='g" + own + "'><sequence><group ref='t:g" + next +
+                                   "'/></sequence></group>";
+                        }) +
+                "<group name='x'/>";
+     },
+     "r(value:String)"},
+    {"ParticlesInsideEachOther",
+     [] {
+         return "<element name='r'><complexType>" + times(50'000, "<choice><sequence>") + "<element name='a'/>" +
+                times(50'000, "</sequence><element name='a'/></choice>") + "</complexType></element>";
+     },
+     "r(a:String)"},
+    {"SimpleTypesOfEachOther",
+     [] {
+         return ROOT("<attribute name='a' type='t:S0'/>") +
+                chained(50'000, [](const CString& own, const CString& next) {
+                    return "<simpleType name='S" + own + "'><union memberTypes='t:S" + next + " t:S" + next +
+                           "'/></simpleType>";
+                });
+     },
+     "r(a:String)"},
+    {"MembersOfEachOthersSubstitutionGroups",
+     [] {
+         return ROOT("<sequence><element ref='t:e0'/></sequence>") +
+                chained(50'000, [](const CString& own, const CString& next) {
+                    return "<element name='e" + own + "' substitutionGroup='t:e" + next + "' abstract='true'/>";
+                });
+     },
+     "r(value:String)"},
+    {"UnionThatRepeatsAMember",
+     [] {
+         return ROOT("<attribute name='a' type='t:U'/>") "<simpleType name='U'><union memberTypes='" +
+                times(400'000, "t:E ") + "'/></simpleType><simpleType name='E'><restriction base='string'>" +
+                times(400'000, "<enumeration value='x'/>") + "</restriction></simpleType>";
+     },
+     "E{x} U{x} r(a:U)"},
+    {"EnumerationUnderManyNames",
+     [] {
+         return chained(1'000,
+                        [](const CString& own, const CString& next) {
+                            return "<simpleType name='S" + own + "'><restriction base='t:S" + next + "'>" +
+                                   (next == "0" ? chained(1'001,
+                                                          [](const CString& constant, const CString&) {
+                                                              return "<enumeration value='" + constant + "'/>";
+                                                          })
+                                                : CString()) +
+                                   "</restriction></simpleType>";
+                        }) +
+                ROOT("<attribute name='a' type='t:S0'/>");
+     },
+     "", "more than 1000000 constants, which is the bound."},
+};
+
+class SchemaBound : public SchemaFull, public testing::WithParamInterface<Bound>
+{};
+
+TEST_P(SchemaBound, Holds)
+{
+    const Bound& bound = GetParam();
+    const CString file = folder.write("x.xsd", documentOf(bound.schema()));
+    EXPECT_EQ(message.parseFile(file, "\\b\\"), *bound.types != '\0');
+    EXPECT_EQ(fullTypesOf(message), bound.types);
+    EXPECT_EQ(boxes.take(), *bound.types ? std::vector<CString>() : std::vector<CString>{file + ": " + bound.box});
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, SchemaBound, testing::ValuesIn(kBounds), [](const auto& row) { return row.param.name; });
+
+} // namespace
