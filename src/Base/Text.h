@@ -23,6 +23,8 @@ struct TextPieces
     {}
     TextPieces(std::string_view first, std::string_view rest) : first(first), rest(rest) {}
 
+    bool empty() const { return first.empty() && rest.empty(); }
+
     /// Returns the whole text, as a view of `room` if there are two pieces.
     std::string_view joined(CString& room) const { return rest.empty() ? first : room.assign(first).append(rest); }
 

@@ -22,7 +22,7 @@ void BrokerTypeDescription::openItem(const char (&tag)[N], std::string_view name
     hasItems = true;
     text.append(tag);
     text.attribute(" NAME=\"", name);
-    if (!description.first.empty())
+    if (!description.empty())
         text.attribute(" DESCRIPTION=\"", description);
 }
 
@@ -36,7 +36,7 @@ BrokerTypeDescription::BrokerTypeDescription(std::string_view name, TextPieces d
         text.attribute(" NAME=\"", {path, name});
     else
         text.attribute(" NAME=\"", {CString(path) + '\\', name});
-    if (!description.first.empty())
+    if (!description.empty())
         text.attribute(" DESCRIPTION=\"", description);
 }
 

@@ -85,6 +85,14 @@ std::multiset<CString> documentsOf(MsgBase& message)
     return documents;
 }
 
+TEST_F(Broker, KeepsTheGeneratedDescriptionOfAnEmptyName)
+{
+    const CString document = "<BROKERTYPEDESCRIPTION NAME=\"\\a\\E\"><ENUM><CONSTANT NAME=\"\" "
+                             "DESCRIPTION=\" (Automatically created)\"/></ENUM></BROKERTYPEDESCRIPTION>";
+    import("<m>" + document + "</m>");
+    EXPECT_THAT(documentsOf(message), testing::ElementsAre(document));
+}
+
 // A written document can be imported again, and gives the same documents under the same main element.
 TEST_F(Broker, RoundTripKeepsEveryDocument)
 {
