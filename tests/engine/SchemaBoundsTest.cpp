@@ -119,4 +119,14 @@ TEST_P(SchemaBound, Holds)
 
 INSTANTIATE_TEST_SUITE_P(Rows, SchemaBound, testing::ValuesIn(kBounds), [](const auto& row) { return row.param.name; });
 
+TEST_F(SchemaFull, CutsArraysInsideEachOtherShort)
+{
+    typesOfSchema(
+        "<complexType name='A'><complexContent><restriction xmlns:e='http://schemas.xmlsoap.org/soap/encoding/' "
+        "base='e:Array'><attribute ref='e:arrayType' xmlns:w='http://schemas.xmlsoap.org/wsdl/' "
+        "w:arrayType='int" +
+        times(9, "[]") + "'/></restriction></complexContent></complexType>");
+    EXPECT_THAT(reportOf(message, folder.path()), testing::HasSubstr(": more than 8 arrays inside each other\n"));
+}
+
 } // namespace

@@ -84,7 +84,8 @@ void SchemaReader::makeArray(XmlAttributes attributes)
         const std::size_t sizes = std::min(value.find('['), value.size());
         const auto ranks = static_cast<std::size_t>(std::ranges::count(value.substr(sizes), '['));
         if (ranks > kMaxRanks)
-            statements.find(SourceReport::cutShort, CString(value.substr(0, kMaxRanks)));
+            statements.find(SourceReport::cutShort,
+                            "more than " + std::to_string(kMaxRanks) + " arrays inside each other");
         SchemaNode item = tree.nodes.back();
         item.tag = SchemaTag::element;
         item.name = tree.names.intern("item");
