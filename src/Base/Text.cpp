@@ -104,14 +104,6 @@ bool hasSpecial(Sixteen sixteen)
 
 std::string_view trimmed(std::string_view text, std::string_view set)
 {
-    if (set.data() == kWhitespace.data()) { // nearly always
-        const auto isBlank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
-        while (!text.empty() && isBlank(text.front()))
-            text.remove_prefix(1);
-        while (!text.empty() && isBlank(text.back()))
-            text.remove_suffix(1);
-        return text;
-    }
     const std::size_t first = text.find_first_not_of(set);
     if (first == std::string_view::npos)
         return text.substr(0, 0);

@@ -38,11 +38,15 @@ inline constexpr std::string_view kWhitespace = " \t\n\r\v\f";
 /// Returns `text` without the characters of `set` at either end, as a view into `text`.
 std::string_view trimmed(std::string_view text, std::string_view set);
 
-/// Trims white space. Nearly every text needs no change, which its first and last character show.
+/// Trims kWhitespace. Nearly every text needs no change, which its first and last character show.
 inline std::string_view trimmed(std::string_view text)
 {
-    const bool isTight = !text.empty() && text.front() > ' ' && text.back() > ' ';
-    return isTight ? text : trimmed(text, kWhitespace);
+    const auto isBlank = [](char c) { return c <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r')); };
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 /// Return ASCII letters in the given case. Other bytes stay, so UTF-8 stays valid.
