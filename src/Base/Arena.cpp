@@ -2,6 +2,7 @@
 
 #include "Base/LargePages.h"
 
+#include <cstdlib>
 #include <new>
 #include <sys/mman.h>
 
@@ -11,8 +12,6 @@ namespace {
 // at once, which is faster than page by page, and a small factor wastes little of it. The largest chunks use large
 // pages.
 constexpr std::size_t kMapped = 1 << 18;
-constexpr std::size_t kLarge = 1 << 22;
-constexpr std::size_t kLargePage = 1 << 21;
 
 class ChunkMemory : public std::pmr::memory_resource
 {
@@ -20,7 +19,7 @@ class ChunkMemory : public std::pmr::memory_resource
     {
         if (bytes < kMapped)
             return std::pmr::new_delete_resource()->allocate(bytes, alignment);
-        if (bytes >= kLarge)
+        if (bytes >= kLargeMemory)
             return allocateLarge(bytes);
         const int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE;
         void* chunk = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, flags, -1, 0);
@@ -33,7 +32,7 @@ class ChunkMemory : public std::pmr::memory_resource
     {
         if (bytes < kMapped)
             std::pmr::new_delete_resource()->deallocate(chunk, bytes, alignment);
-        else if (bytes >= kLarge)
+        else if (bytes >= kLargeMemory)
             std::free(chunk);
         else
             ::munmap(chunk, bytes);
@@ -43,18 +42,6 @@ class ChunkMemory : public std::pmr::memory_resource
 };
 
 } // namespace
-
-void* allocateLarge(std::size_t bytes)
-{
-    const bool isLarge = bytes >= kLarge;
-    void* const memory = isLarge ? std::aligned_alloc(kLargePage, (bytes + kLargePage - 1) / kLargePage * kLargePage)
-                                 : std::malloc(bytes);
-    if (!memory)
-        throw std::bad_alloc();
-    if (isLarge)
-        ::madvise(memory, bytes, MADV_HUGEPAGE); // only a hint: ignored if the system has no large pages
-    return memory;
-}
 
 Arena::Arena() :
     std::pmr::monotonic_buffer_resource([] {
