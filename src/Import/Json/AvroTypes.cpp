@@ -105,7 +105,6 @@ void AvroTypes::addAllCandidates()
 void AvroTypes::readProtocol(Index protocol)
 {
     const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);
-    declareAll(protocol);
     for (const Scoped at : std::exchange(order, {}))
         shapeOf({at}, {}, SourceTypes::kNone);
     const Index messages = tree.find(protocol, JsonWord::messages, JsonNode::object);

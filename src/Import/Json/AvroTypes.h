@@ -21,8 +21,8 @@ public:
     /// of any other kind, under `name`.
     void addCandidate(Index schema, std::string_view name);
 
-    /// Reads the types of a protocol. The requests and responses of its messages become candidates; without messages,
-    /// all types.
+    /// Reads the types of a protocol, which must be declared. The requests and responses of its messages become
+    /// candidates; without messages, all types.
     void readProtocol(Index protocol);
 
     /// Makes all named records candidates.
