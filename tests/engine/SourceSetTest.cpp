@@ -46,6 +46,7 @@ const Files kFiles = {
     {"a", schema("a", kImport + element("D", kField))},
     {"b", schema("b", kImport + element("D", kField + "<element name='g' type='int'/>"))},
     {"p", kParts},
+    {"l", schema("l", "<element name='L' type='int'/><complexType name='T'/>")},
     {"n", schema("", "<include schemaLocation='m'/>" + element("N", "<element name='k' type='string'/>"))},
     {"m", schema("", "<include schemaLocation='n'/>" + element("M", "<element name='h' type='string'/>"))},
     {"c", schema("c", "<include schemaLocation='m'/>" + element("C", "<element ref='c:M'/>"))},
@@ -63,6 +64,8 @@ const Row kSchemas[] = {
     {"ARootByItsUri", {"a", "b"}, R"(D: \p\t_v \p\T \a\D)", {"{urn:a}D"}},
     {"ATypeAsRoot", {"a"}, R"(T: \T\t_v \T\T)", {"T"}},
     {"SeveralRoots", {"a", "b"}, R"(D: \p\t_v \p\T \b\D \a\D)", {"b:D", "a:D"}},
+    {"ARootTwice", {"l"}, R"(L: \L\L)", {"L", "l:L"}},
+    {"TypesOfOneNameAsRoots", {"a", "l"}, R"(T: \l\T \p\t_v \p\T)", {"p:T", "l:T", "p:T"}},
 };
 
 template <class Message>

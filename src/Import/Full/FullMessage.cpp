@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace {
 
@@ -242,8 +243,10 @@ std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes&
     if (roots.empty())
         return chosen;
     const RootNames names(types);
+    std::unordered_set<Index> met;
     for (const CString& root : roots)
-        chosen.push_back(names.find(root));
+        if (const Index candidate = names.find(root); met.insert(candidate).second)
+            chosen.push_back(candidate);
     return chosen;
 }
 

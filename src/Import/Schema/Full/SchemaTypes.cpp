@@ -25,9 +25,10 @@ void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std:
     for (const auto& [element, source] : messages)
         if (meet(element))
             addCandidate(element, source);
+    std::unordered_set<Index> asked; // several roots may have the same local name
     for (const CString& root : roots)
         for (const Index component : set.componentsCalled(localNameOf(root)))
-            if (meet(component) || tree[component].tag == SchemaTag::complexType) {
+            if (asked.insert(component).second && (meet(component) || tree[component].tag == SchemaTag::complexType)) {
                 const auto source = sourcesBySpace.find(tree.documentOf(component).space);
                 addCandidate(component, source == sourcesBySpace.end() ? SourceTypes::kNone : source->second);
             }
