@@ -44,6 +44,9 @@ public:
         return *this;
     }
 
+    /// Returns a hash of a number, by the same seed.
+    static std::uint64_t of(std::uint64_t number) { return fold(number ^ seed.first, seed.second); }
+
     /// Returns the fingerprint of the text so far. More can be appended afterwards.
     operator Fingerprint() const
     {

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "Base/Fingerprint.h"
+
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
 
-/// A hash table from numbers to numbers.
+/// A hash table from numbers to numbers. The hash is seeded, so that no source can provoke collisions.
 class NumberTable
 {
 public:
@@ -41,11 +44,9 @@ private:
         bool isTaken = false;
     };
 
-    // Keys are multiplied, because they differ in few bits (Fibonacci hashing).
     std::size_t placeOf(std::uint64_t key) const
     {
-        const std::uint64_t mixed = (key ^ key >> 29) * 0x9E3779B97F4A7C15;
-        std::size_t at = static_cast<std::size_t>(mixed >> 32) & (slots.size() - 1);
+        std::size_t at = RunningHash::of(key) & (slots.size() - 1);
         while (slots[at].isTaken && slots[at].key != key)
             at = (at + 1) & (slots.size() - 1);
         return at;
