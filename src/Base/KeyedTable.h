@@ -3,6 +3,8 @@
 #include "Base/Fingerprint.h"
 #include "Base/LargePages.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -19,6 +21,13 @@ inline std::uint32_t keyHash(const Fingerprint& key)
 struct KeyHash
 {
     std::size_t operator()(std::string_view key) const { return keyHash(key); }
+};
+
+/// A seeded hash of numbers. That of the C++ library is the number itself, so a source could make pairs of numbers
+/// collide that are joined into one.
+struct NumberHash
+{
+    std::size_t operator()(std::uint64_t number) const noexcept { return RunningHash::of(number); }
 };
 
 /// A hash table of pointers with text keys that iterates in the order in which the keys were first stored. The key is

@@ -76,11 +76,11 @@ private:
     SourceReport& report;
     FileFinder finder;
     DocumentLinks links;
-    std::vector<Document> documents;                      // by number in the report
-    std::map<FileId, Index> parsed;                       // root by file; 0 if the file can't be read
-    std::unordered_map<CString, Index> resources;         // by URI
-    std::unordered_map<Index, CString> uris;              // of schemas with an identifier
-    std::unordered_map<std::uint64_t, Index> anchors;     // by resource and name
-    std::unordered_map<std::uint64_t, Resolved> resolved; // by resource and reference
+    std::vector<Document> documents;                                  // by number in the report
+    std::map<FileId, Index> parsed;                                   // root by file; 0 if the file can't be read
+    std::unordered_map<CString, Index, KeyHash> resources;            // by URI
+    std::unordered_map<Index, CString> uris;                          // of schemas with an identifier
+    std::unordered_map<std::uint64_t, Index, NumberHash> anchors;     // by resource and name
+    std::unordered_map<std::uint64_t, Resolved, NumberHash> resolved; // by resource and reference
     std::size_t noted = 0;
 };

@@ -56,8 +56,8 @@ private:
 
     std::uint32_t file = 0;
     NameTable names;
-    std::vector<Shape> shapes;                        // the first one is for whole messages
-    std::unordered_map<std::uint64_t, Index> members; // by object and key
+    std::vector<Shape> shapes;                                    // the first one is for whole messages
+    std::unordered_map<std::uint64_t, Index, NumberHash> members; // by object and key
     std::unordered_map<Index, SourceTypes::Index> records;
     std::vector<Index> pending; // objects whose fields are not yet declared
 };

@@ -141,7 +141,7 @@ public:
 
 private:
     std::vector<JsonNode> nodes;
-    std::unordered_map<std::uint64_t, Index> members; // of large objects, by object and key
+    std::unordered_map<std::uint64_t, Index, NumberHash> members; // of large objects, by object and key
 };
 
 /// Adds the values of one document to a tree, as they are read. Of duplicate keys the last one stays, and the others

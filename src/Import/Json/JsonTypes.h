@@ -74,12 +74,12 @@ private:
     SourceTypes& types;
     JsonContents contents;
     SourceReport& report;
-    std::unordered_map<Index, SourceTypes::Type> records;               // by the owner of the content
-    std::unordered_map<std::uint64_t, SourceTypes::Index> enumerations; // by first constant and name
+    std::unordered_map<Index, SourceTypes::Type> records;                           // by the owner of the content
+    std::unordered_map<std::uint64_t, SourceTypes::Index, NumberHash> enumerations; // by first constant and name
     std::unordered_map<Index, std::string_view> names;
     std::unordered_map<NameTable::Id, std::string_view> keptNames;    // fitted field names
     std::unordered_map<NameTable::Id, std::string_view> descriptions; // by the text that they are taken from
-    std::unordered_set<std::uint64_t> candidates;                     // by source and record
+    std::unordered_set<std::uint64_t, NumberHash> candidates;         // by source and record
     Index source = 0;
     std::vector<Pending> pending;
     std::vector<JsonField> inHand;

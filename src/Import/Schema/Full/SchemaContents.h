@@ -61,7 +61,7 @@ private:
         std::vector<SchemaField> all;
 
     private:
-        std::unordered_map<std::uint64_t, std::size_t> many;
+        std::unordered_map<std::uint64_t, std::size_t, NumberHash> many;
     };
 
     Index baseOf(Index type);

@@ -173,7 +173,7 @@ private:
     std::unordered_map<Index, std::uint32_t> documentsByReference;
     std::array<Names, kindCount> symbols;
     std::unordered_map<Index, Index> redefined; // the redefined component by its redefinition
-    std::unordered_map<std::uint64_t, std::vector<Index>> members;
+    std::unordered_map<std::uint64_t, std::vector<Index>, NumberHash> members;
     std::size_t copied = 0; // number of copied nodes
     std::vector<Note> notes;
     std::size_t manyNotes = 100'000; // from this size on repetitions are removed
