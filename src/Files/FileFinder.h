@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/KeyedTable.h"
 #include "Base/Text.h"
 
 #include <map>
@@ -54,9 +55,9 @@ private:
         bool isBlind = false;
     };
 
-    std::unordered_map<CString, std::optional<FoundFile>> known; // cache, by the name as given
-    std::map<FileId, Listing> listings;                          // each folder is listed once
-    std::map<FileId, CString> folderNames;                       // the first name under which each folder was found
+    std::unordered_map<CString, std::optional<FoundFile>, KeyHash> known; // cache, by the name as given
+    std::map<FileId, Listing> listings;                                   // each folder is listed once
+    std::map<FileId, CString> folderNames; // the first name under which each folder was found
     std::size_t looks = 0;
     bool isBlind = false; // true if the system hid something from the current search
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/KeyedTable.h"
 #include "Files/FileFinder.h"
 #include "Import/SourceReport.h"
 
@@ -68,7 +69,7 @@ private:
     // The entries of one kind. The first entry for a key takes precedence.
     struct Table
     {
-        std::unordered_map<CString, Entry> entries;
+        std::unordered_map<CString, Entry, KeyHash> entries;
         std::set<std::size_t, std::greater<>> lengths; // lengths of the keys, longest first
     };
 
