@@ -127,8 +127,10 @@ void ListView::arrange()
         selectionModel()->select(selectionOf(*rows, selected), QItemSelectionModel::Select);
         scrollTo(currentIndex());
     }
-    if (selectedRows() != selected)
+    if (selectedRows() != selected) { // the model's reset has deselected rows without a signal
+        Q_EMIT selectedRowsChanged();
         Q_EMIT chosen();
+    }
 }
 
 int ListView::selectedRow() const
