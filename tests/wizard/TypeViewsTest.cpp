@@ -1,7 +1,9 @@
 #include "Base/Progress.h"
+#include "Types/TypeStructure.h"
 #include "Wizard/Windows/Diagram.h"
 #include "Wizard/Windows/DiagramFile.h"
 #include "Wizard/Windows/DiagramScene.h"
+#include "Wizard/Windows/DiagramView.h"
 #include "wizard/Desk.h"
 
 #include <QApplication>
@@ -208,6 +210,20 @@ TEST(PictureOfTypes, IsZoomedMovedAndSaved)
     const CString svg = TempDir::read(desk.dir.path("p.svg"));
     for (const char* text : {">b*</text>", ">String</text>", ">a</text>"})
         EXPECT_THAT(svg, testing::HasSubstr(text));
+}
+
+TEST(PictureOfTypes, HasNoBoxToEnterWithoutALayout)
+{
+    const std::unique_ptr<MsgBase> message(g_amud[0]->create());
+    const TypeGraph graph(TypeStructure(*message), {}, 1);
+    DiagramView view;
+    bool isEntered = false;
+    QObject::connect(&view, &DiagramView::boxEntered, &view, [&] { isEntered = true; });
+    view.showDiagram(std::make_shared<const Diagram>(graph, view.palette(), view.font()));
+    view.zoom(0.1);
+    view.resize(50, 50);
+    QTest::keyClick(&view, Qt::Key_Return);
+    EXPECT_FALSE(isEntered);
 }
 
 // A user with the picture window, who clicks at boxes.

@@ -31,6 +31,9 @@ DiagramView::DiagramView()
 void DiagramView::showDiagram(std::shared_ptr<const Diagram> diagram)
 {
     delete diagramScene;
+    diagramScene = nullptr;
+    if (diagram->isEmpty())
+        return;
     diagramScene = new DiagramScene(std::move(diagram), palette().color(QPalette::Base));
     diagramScene->setParent(this);
     setScene(diagramScene);

@@ -19,7 +19,7 @@ public:
     DiagramView();
 
     /// Shows a diagram and chooses its first box. Shows the whole picture, or if that would be too small to read, its
-    /// own size at the first box.
+    /// own size at the first box. Shows nothing if the diagram is empty.
     void showDiagram(std::shared_ptr<const Diagram> diagram);
 
     void zoom(double factor);
@@ -46,7 +46,7 @@ private:
     void fit();
     void choose(std::size_t box);
 
-    DiagramScene* diagramScene = nullptr; // null before the first diagram
+    DiagramScene* diagramScene = nullptr; // null if there is no picture
     QPoint pressed;
     bool opens = true; // true until the first zoom
     bool fits = true;  // keep the whole picture visible when the window is resized
