@@ -143,6 +143,13 @@ TEST(SourceSet, IsRefusedByAReadingOfOneFile)
     desk.click("next");
     EXPECT_EQ(desk.boxes.take(), Texts{desk.dir.path("empty") + ": the folder holds no source for xsd"});
     EXPECT_EQ(desk.page(), IDD_SOURCE);
+    desk.click("back");
+    desk.importer = "BTD importer";
+    desk.walkTo(IDD_SOURCE);
+    desk.type(IDC_INPUT_FILE, textOfSources({a, b}));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return desk.text(IDC_COUNTS) == "no types, this importer reads one file at a time."; }, 20'000))
+        << desk.text(IDC_COUNTS);
 }
 
 } // namespace

@@ -151,11 +151,13 @@ SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, cons
                                             count.failure = toUi(text).section('\n', 0, 0);
                                     });
     try {
-        if (!message->setFurtherFiles({files.begin() + 1, files.end()}) && files.size() > 1)
-            return count;
-        message->parseFile(files.front(), source.basePath);
-        count.types = message->beginEnum();
-        count.losses = message->queryReport().queryTotal(SourceReport::loss);
+        if (!message->setFurtherFiles({files.begin() + 1, files.end()}) && files.size() > 1) {
+            count.failure = "this importer reads one file at a time";
+        } else {
+            message->parseFile(files.front(), source.basePath);
+            count.types = message->beginEnum();
+            count.losses = message->queryReport().queryTotal(SourceReport::loss);
+        }
         count.isKnown = true;
     } catch (const Cancelled&) {
         // the preview was dropped
