@@ -148,15 +148,17 @@ void EditPage::showTypes()
 {
     structure.reset();
     types.clear();
-    sheet()->runLong([this] {
-        const auto made = std::make_shared<TypeStructure>(*wizard->message);
-        descriptionsSayMore = false;
-        for (std::uint32_t type = 0; type < made->size() && !descriptionsSayMore; ++type)
-            descriptionsSayMore = saysMoreThanName((*made)[type]);
+    std::shared_ptr<TypeStructure> made; // the page's own may be read meanwhile, when the window is resized
+    bool sayMore = false;
+    sheet()->runLong([&] {
+        made = std::make_shared<TypeStructure>(*wizard->message);
+        for (std::uint32_t type = 0; type < made->size() && !sayMore; ++type)
+            sayMore = saysMoreThanName((*made)[type]);
         if (made->size() != 0)
             made->users(0); // builds the index of users here, in the thread of the work
-        structure = made;
     });
+    structure = made;
+    descriptionsSayMore = sayMore;
     types.reserve(static_cast<std::size_t>(wizard->message->beginEnum()));
     while (Element* element = wizard->message->enumNext())
         types.push_back(element);

@@ -99,7 +99,7 @@ void OutputFile::showState()
 
 LRESULT OutputFile::OnWizardNext()
 {
-    UpdateData(true);
+    showState(); // now, because the timer would read the name while the work below uses it
     if (!fileName.empty())
         wizard->options.addOutputFile(fileName);
     const WaitCursor wait;
