@@ -16,7 +16,9 @@
 #include "Wizard/Windows/SaveFile.h"
 
 #include <QHBoxLayout>
+#include <QPointer>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -142,18 +144,19 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
         show(); // the window may not have been shown yet
         cancelButton->setFocus();
     });
-    bool isDone = true;
+    const auto end = qScopeGuard([this, focus = QPointer<QWidget>(focusWidget())] {
+        const bool wasShown = !work->isHidden();
+        work->hide();
+        buttons->show();
+        if (wasShown && focus) // it was lost while nothing but Cancel could have it
+            focus->setFocus();
+    });
     try {
         inHand.run(call);
     } catch (const Cancelled&) {
-        isDone = false;
+        return false;
     }
-    const bool wasShown = !work->isHidden();
-    work->hide();
-    buttons->show();
-    if (wasShown)
-        view->setFocus();
-    return isDone;
+    return true;
 }
 
 void DiagramWindow::open(std::uint32_t type)
