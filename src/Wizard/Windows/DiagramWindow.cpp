@@ -193,6 +193,8 @@ bool DiagramWindow::draw(std::uint32_t type)
     if (!isDone)
         return false;
     shown = type;
+    shownWay = way->currentIndex();
+    shownDepth = depth->currentIndex();
     diagram = drawn;
     name = toUi(shortName(types->queryFullName(type)));
     setWindowTitle(plainTitle(tr("%1 - Typeforge picture").arg(name)));
@@ -212,9 +214,13 @@ QString DiagramWindow::countOf(std::size_t types, bool isWhole) const
     return depth->currentIndex() == kAllDepths ? count : tr("%1; a double click on one goes on from there.").arg(count);
 }
 
+// After a cancellation, the choice is the one of the picture that stays.
 void DiagramWindow::redraw()
 {
-    draw(shown);
+    if (draw(shown))
+        return;
+    way->setCurrentIndex(shownWay);
+    depth->setCurrentIndex(shownDepth);
 }
 
 void DiagramWindow::goTo(std::size_t box)

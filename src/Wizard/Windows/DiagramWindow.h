@@ -54,6 +54,7 @@ private:
     std::weak_ptr<const TypeStructure> structure;
     std::vector<std::uint32_t> earlier; // types shown before, for Back
     std::uint32_t shown = 0;            // the type shown
+    int shownWay = 0, shownDepth = 0;   // the choices of the shown picture
     std::shared_ptr<const Diagram> diagram;
     QString name; // of the shown type
     DiagramView* view;
