@@ -1,5 +1,6 @@
 #include "Ui/ProgressRow.h"
 
+#include "Base/Progress.h"
 #include "Ui/Announce.h"
 #include "Ui/ElidedLabel.h"
 
@@ -25,14 +26,16 @@ void ProgressRow::setBarVisible(bool visible)
     bar->setVisible(visible);
 }
 
-void ProgressRow::show(const QString& words, double part)
+void ProgressRow::show(const QString& words, const Progress& progress)
 {
     constexpr int steps = 1000;
+    const bool isKnown = progress.total != 0;
     const bool isNew = isHidden();
     text->setText(words);
     bar->setAccessibleDescription(words);
-    bar->setRange(0, part < 0 ? 0 : steps);
-    bar->setValue(static_cast<int>(part * steps));
+    bar->setRange(0, isKnown ? steps : 0);
+    if (isKnown)
+        bar->setValue(static_cast<int>(double(progress.done) / double(progress.total) * steps));
     setVisible(true);
     if (isNew)
         announce(*text);

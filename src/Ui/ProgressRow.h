@@ -4,6 +4,7 @@
 
 class QLabel;
 class QProgressBar;
+struct Progress;
 
 /// Shows the progress of long work as text and as a bar.
 class ProgressRow : public QWidget
@@ -11,8 +12,8 @@ class ProgressRow : public QWidget
 public:
     ProgressRow();
 
-    /// Shows the finished part, from 0 to 1; negative if unknown.
-    void show(const QString& text, double part);
+    /// Shows the text, and as the bar the finished part of the progress.
+    void show(const QString& text, const Progress& progress);
 
     /// Hides the bar, if the page shows one of its own.
     void setBarVisible(bool visible);

@@ -218,14 +218,12 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBa
 void WizardSheet::showProgress(const LongWork& inHand, QProgressBar* ownBar, const QString& server)
 {
     const Progress progress = inHand.query();
-    const bool isKnown = progress.total != 0;
     const bool isWaiting = progress.work == Work::waiting && !server.isEmpty();
     const QString words = toUi(progressText(progress)) + (isWaiting ? tr(" from %1").arg(server) : pace.left(progress));
     progressRow->setBarVisible(!ownBar || progress.work != Work::creating);
-    progressRow->show(inHand.isCancelled() ? "Cancelling ..." : words,
-                      isKnown ? double(progress.done) / double(progress.total) : -1);
+    progressRow->show(inHand.isCancelled() ? "Cancelling ..." : words, progress);
     cancelButton->setEnabled(!inHand.isCancelled());
-    if (ownBar && isKnown && progress.work == Work::creating)
+    if (ownBar && progress.total != 0 && progress.work == Work::creating)
         ownBar->setValue(static_cast<int>(progress.done));
 }
 

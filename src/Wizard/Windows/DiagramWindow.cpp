@@ -131,9 +131,7 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
 {
     LongWork inHand(*cancelButton);
     const auto tell = [&] {
-        const Progress now = inHand.query();
-        progress->show(inHand.isCancelled() ? tr("Cancelling ...") : tr("Drawing the picture ..."),
-                       now.total == 0 ? -1 : double(now.done) / double(now.total));
+        progress->show(inHand.isCancelled() ? tr("Cancelling ...") : tr("Drawing the picture ..."), inHand.query());
     };
     connect(cancelButton, &QPushButton::clicked, &inHand, &LongWork::cancel);
     connect(&inHand, &LongWork::goesOn, this, tell);
