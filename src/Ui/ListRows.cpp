@@ -10,11 +10,6 @@
 
 namespace {
 
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
 bool isAscii(std::string_view text)
 {
     return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
@@ -34,7 +29,7 @@ public:
         if (!isAscii(cell))
             return toUi(cell).contains(text, Qt::CaseInsensitive);
         return isPlain && std::search(cell.begin(), cell.end(), bytes.begin(), bytes.end(),
-                                      [](char c, char w) { return lower(c) == w; }) != cell.end();
+                                      [](char c, char w) { return lowerAscii(c) == w; }) != cell.end();
     }
 
 private:
