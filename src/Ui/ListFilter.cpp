@@ -2,6 +2,7 @@
 
 #include "Ui/ListView.h"
 #include "Ui/PlainText.h"
+#include "Ui/UiText.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -36,9 +37,8 @@ ListFilter::ListFilter(ListView& filteredList, const QString& rowNoun) :
 void ListFilter::showCount(const QString& filter)
 {
     field->setText(filter);
-    const QLocale locale;
-    const QString all = locale.toString(list.queryCount()) + ' ' + noun + (list.queryCount() == 1 ? "" : "s");
-    count->setText(filter.isEmpty() ? all : locale.toString(list.rowCount()) + " of " + all);
+    const QString all = shownCount(list.queryCount(), noun, noun + 's');
+    count->setText(filter.isEmpty() ? all : QLocale().toString(list.rowCount()) + " of " + all);
 }
 
 bool ListFilter::eventFilter(QObject*, QEvent* event)

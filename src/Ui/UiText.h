@@ -2,6 +2,7 @@
 
 #include "Base/Text.h"
 
+#include <QLocale>
 #include <QString>
 
 /// Returns 8-bit text as Qt's. Invalid UTF-8 becomes U+FFFD.
@@ -14,4 +15,10 @@ inline QString toUi(std::string_view text)
 inline CString fromUi(const QString& text)
 {
     return text.toStdString();
+}
+
+/// Returns a count with its noun, in the locale's digits: "1 type", "1,200 types".
+inline QString shownCount(qlonglong count, const QString& singular, const QString& plural)
+{
+    return QLocale().toString(count) + ' ' + (count == 1 ? singular : plural);
 }

@@ -63,11 +63,9 @@ QString FinishPage::whatWasDone() const
     const ScriptCommand& script = wizard->script;
     if (script.output.empty())
         return tr("On the broker %1: %2.").arg(toUi(script.address), totalsInWords(wizard->options.queryResultKinds()));
-    const int count = wizard->message->beginEnum();
     const qint64 size = QFileInfo(toUi(script.output)).size();
-    return tr("%L1 %2 written to %3 (%4).")
-        .arg(count)
-        .arg(count == 1 ? tr("type was") : tr("types were"), toUi(script.output),
+    return tr("%1 written to %2 (%3).")
+        .arg(shownCount(wizard->message->beginEnum(), tr("type was"), tr("types were")), toUi(script.output),
              QLocale().formattedDataSize(size, 1, QLocale::DataSizeSIFormat));
 }
 

@@ -2,6 +2,7 @@
 
 #include "Resources/DialogIds.h"
 #include "Ui/PlainText.h"
+#include "Ui/UiText.h"
 #include "Wizard/Windows/XmlHighlighter.h"
 
 #include <QFontDatabase>
@@ -19,11 +20,6 @@ namespace {
 constexpr qsizetype kMaxReason = 100; // characters
 constexpr int kPatience = 300;        // ms in which the next key may come
 
-QString counted(quint64 number, const char* singular, const char* plural)
-{
-    return QLocale().toString(number) + ' ' + (number == 1 ? singular : plural);
-}
-
 QString inWords(const SourcePreview::Count& count, const char* noLoss)
 {
     if (!count.isKnown)
@@ -31,8 +27,8 @@ QString inWords(const SourcePreview::Count& count, const char* noLoss)
     if (count.fails())
         return "no types, " +
                (count.failure.size() > kMaxReason ? count.failure.left(kMaxReason) + " ..." : count.failure);
-    return counted(static_cast<quint64>(count.types), "type", "types") + ", " +
-           (count.losses == 0 ? QString(noLoss) : counted(count.losses, "loss", "losses"));
+    return shownCount(count.types, "type", "types") + ", " +
+           (count.losses == 0 ? noLoss : shownCount(static_cast<qlonglong>(count.losses), "loss", "losses"));
 }
 
 } // namespace

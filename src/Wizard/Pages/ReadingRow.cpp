@@ -75,8 +75,8 @@ void ReadingRow::showCount(const MsgBase& message)
     if (!losses.empty())
         count->setText(toUi(losses));
     else
-        count->setText(left == 1 ? tr("1 detail was not carried over")
-                                 : tr("%L1 details were not carried over").arg(left));
+        count->setText(tr("%1 not carried over")
+                           .arg(shownCount(static_cast<qlonglong>(left), tr("detail was"), tr("details were"))));
     const bool isWorthIt = !losses.empty() || !report.queryEntries(SourceReport::detail).empty();
     count->setVisible(isWorthIt);
     details->setAccessibleDescription(count->text());

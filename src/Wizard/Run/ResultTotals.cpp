@@ -1,6 +1,7 @@
 #include "Wizard/Run/ResultTotals.h"
 
-#include <QLocale>
+#include "Ui/UiText.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -12,12 +13,10 @@ QString totalsInWords(const std::vector<ResultKind>& kinds)
         {ResultKind::created, "created"},     {ResultKind::modified, "replaced"}, {ResultKind::skipped, "skipped"},
         {ResultKind::unchanged, "unchanged"}, {ResultKind::failed, "failed"},     {ResultKind::left, "not created"},
         {ResultKind::unknown, "unknown"}};
-    const QLocale locale;
     QStringList parts;
     for (const auto& [kind, word] : words)
         if (const auto count = std::ranges::count(kinds, kind); count != 0)
-            parts.append(locale.toString(qlonglong(count)) + ' ' + word);
+            parts.append(shownCount(count, word, word));
     const auto types = std::ssize(kinds) - std::ranges::count(kinds, ResultKind::reason);
-    return locale.toString(qlonglong(types)) + (types == 1 ? " type" : " types") + (parts.isEmpty() ? "" : ": ") +
-           parts.join(", ");
+    return shownCount(types, "type", "types") + (parts.isEmpty() ? "" : ": ") + parts.join(", ");
 }
