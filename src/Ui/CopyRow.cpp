@@ -29,7 +29,7 @@ CopyRow::CopyRow(const QString& caption, const QString& button) : field(new QLin
 
 void CopyRow::setText(const QString& text)
 {
-    constexpr qsizetype most = 2'000; // characters that a field shows at once
+    constexpr qsizetype most = 2'000; // characters shown in the field
     whole = text;
     field->setText(text.size() <= most ? text : text.left(most / 2) + " ... " + text.right(most / 2));
     field->setCursorPosition(0);
@@ -40,7 +40,7 @@ void CopyRow::copy() const
     QGuiApplication::clipboard()->setText(whole);
 }
 
-// Whoever copies all that the field shows wants all of it.
+// Copying everything that the field shows copies the whole text.
 bool CopyRow::eventFilter(QObject* target, QEvent* event)
 {
     if (event->type() != QEvent::KeyPress || !static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy) ||

@@ -157,7 +157,7 @@ void ListView::selectRow(int row)
         setSelectedOnly(false);
         setFilter({});
     }
-    setCurrentIndex(rows->indexOf(row)); // an index that is not valid for a row that there is not
+    setCurrentIndex(rows->indexOf(row)); // invalid if there is no such row
 }
 
 void ListView::copyNames() const
@@ -187,8 +187,7 @@ void ListView::shareWidth()
     const int width = contentsRect().width();
     int rest = viewport()->width();
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        const int share =
-            std::min(rest, width * columns[i].percent / 100); // no wider than a scroll bar leaves room for
+        const int share = std::min(rest, width * columns[i].percent / 100); // a scroll bar may need room
         header()->resizeSection(static_cast<int>(i), share);
         rest -= share;
     }

@@ -16,8 +16,8 @@ using std::chrono::steady_clock;
 
 namespace {
 
-constexpr milliseconds kAtHand(50); // the window is not missed for so long
-constexpr milliseconds kShown(500); // from here on the work is shown
+constexpr milliseconds kAtHand(50); // too short for the user to notice
+constexpr milliseconds kShown(500); // after this time, progress is shown
 constexpr milliseconds kRefresh(100);
 
 LongWork* current = nullptr; // set in the window's thread, read there and in the work's

@@ -181,7 +181,7 @@ void WizardSheet::reject()
     if (work || (sinceWork.isValid() && !sinceWork.hasExpired(reaction)))
         return;
     if (finishButton->isVisible())
-        finish(); // all is done, so leaving gives nothing up
+        finish(); // everything is done, so nothing is lost
     else
         QDialog::reject();
 }
@@ -193,7 +193,7 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBa
     connect(&inHand, &LongWork::lasts, this, [&] { setNavigation(false); });
     for (const auto signal : {&LongWork::lasts, &LongWork::goesOn})
         connect(&inHand, signal, this, [&] { showProgress(inHand, ownBar, server); });
-    const QPointer<QWidget> focus = focusWidget(); // it gets lost while nothing but Cancel can have it
+    const QPointer<QWidget> focus = focusWidget(); // while the work runs, only Cancel can have it
     const auto end = [&] {
         if (progressRow->isHidden())
             return;

@@ -155,7 +155,7 @@ TEST(List, FiltersSortsAndCopies)
         list.show();
         list.activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
-        int heard = -1; // the selected row, as the signal tells it
+        int heard = -1; // the selected row at the last signal
         QObject::connect(&list, &ListView::selectedRowsChanged, &list, [&] { heard = list.selectedRow(); });
         list.selectRow(2);
         for (int i = 0; i < row.clicks; ++i)
@@ -185,8 +185,8 @@ struct Pressed
     {3, "", Qt::Key_End, 2, "3 rows"}, {3, "1", Qt::Key_Return, 1, "1 of 3 rows"},
 };
 
-// What is selected while other rows are hidden: a key of each step is a filter, "*" selects all that is shown, "1" the
-// first of it alone, "!" leaves the selected rows, "?" shows the others again.
+// The selection while rows are hidden. Steps: a letter is a filter, "*" selects all shown rows, "1" only the first one,
+// "!" shows only the selected rows, "?" shows the others again.
 TEST(List, KeepsHiddenRowsSelectedWhereThereCanBeSeveral)
 {
     const std::tuple<QAbstractItemView::SelectionMode, const char*, std::vector<int>, int> rows[] = {
@@ -220,7 +220,7 @@ TEST(List, KeepsHiddenRowsSelectedWhereThereCanBeSeveral)
     }
 }
 
-// A row that has the keyboard's position, and isn't selected, is the first one that a key selects.
+// If a row is current but not selected, the first key selects it.
 TEST(List, SelectsByKeyboardAlone)
 {
     for (const Pressed& row : kPressed) {

@@ -37,7 +37,7 @@ void DatabaseTablePage::OnInitDialog()
     group->setFocusProxy(tableList); // target of the group's mnemonic
     auto* rows = new QVBoxLayout(group);
     rows->addWidget(tableList);
-    rows->insertWidget(0, new ListFilter(*tableList, "table")); // above, but behind the list for Tab
+    rows->insertWidget(0, new ListFilter(*tableList, "table")); // above the list, but after it in Tab order
     rows->addLayout(makeSelectionRow());
     (new QVBoxLayout(this))->addWidget(group);
 }
@@ -103,7 +103,7 @@ LRESULT DatabaseTablePage::OnWizardNext()
         announce(*selectedCount);
         return stay(IDS_SELECT_TABLE);
     }
-    if (!wizard->database->IsOpen() && !wizard->openDatabase()) // it was given up
+    if (!wizard->database->IsOpen() && !wizard->openDatabase()) // the user has given up
         return -1;
     const WaitCursor wait;
     CString names;

@@ -148,7 +148,7 @@ void EditPage::showTypes()
 {
     structure.reset();
     types.clear();
-    std::shared_ptr<TypeStructure> made; // the page's own may be read meanwhile, when the window is resized
+    std::shared_ptr<TypeStructure> made; // resizing the window reads the page's own meanwhile
     bool sayMore = false;
     sheet()->runLong([&] {
         made = std::make_shared<TypeStructure>(*wizard->message);

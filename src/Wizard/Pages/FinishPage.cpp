@@ -29,7 +29,7 @@ void FinishPage::OnInitDialog()
     text->setSizePolicy(asHighAsNeeded);
     done = withId(IDC_DONE, new PathLabel);
     done->setSizePolicy(asHighAsNeeded);
-    done->setForegroundRole(QPalette::Text); // on the picture's ground
+    done->setForegroundRole(QPalette::Text); // the page's background is Base, not Window
     openFolder = withId(IDC_OPEN_FOLDER, new QPushButton("&Open folder"));
     viewFile = withId(IDC_VIEW_FILE, new QPushButton("&View file"));
     connect(openFolder, &QPushButton::clicked, this,

@@ -6,8 +6,8 @@ class CopyRow;
 class PathLabel;
 class QPushButton;
 
-/// The last page: says what has been done and offers the command line that does the same. Finish, and Cancel too, store
-/// the options and end; Back starts another import.
+/// The last page: says what was done and offers a command line that does the same. Finish and Cancel both store the
+/// options and end the wizard. Back starts another import.
 class FinishPage : public QELPage
 {
 public:

@@ -6,8 +6,8 @@
 
 class QLabel;
 
-/// Chooses the output file and writes the message document into it. Suggests a name as long as none has been used, and
-/// says what would be replaced.
+/// Chooses the output file and writes the message document to it. Suggests a name until the user has used one, and says
+/// if a file will be replaced.
 class OutputFile : public FilePage
 {
 public:
@@ -30,6 +30,6 @@ private:
     void showState();
 
     QLabel* state = nullptr;
-    QTimer delay; // so that not every key looks at the disk
+    QTimer delay; // avoids a disk access for every key
     CString suggested;
 };

@@ -18,7 +18,7 @@
 namespace {
 
 constexpr qsizetype kMaxReason = 100; // characters
-constexpr int kPatience = 300;        // ms in which the next key may come
+constexpr int kPatience = 300;        // ms to wait for the next key
 
 QString inWords(const SourcePreview::Count& count, const char* noLoss)
 {
@@ -70,7 +70,7 @@ PreviewPane::PreviewPane(QWidget* reading) :
     connect(&preview, &SourcePreview::counted, this, &PreviewPane::showCounts);
 }
 
-// The text stays until there is another one, so that the page doesn't flicker while a name is typed.
+// The old text stays until the new one arrives, so that the page doesn't flicker while a name is typed.
 void PreviewPane::showSource(const SourcePreview::Source& wanted)
 {
     stop();

@@ -9,15 +9,15 @@ class QLabel;
 class QPlainTextEdit;
 class QPushButton;
 
-/// Shows the beginning of a source and, below it, the number of types and losses with each reading. Both are determined
-/// in the background.
+/// Shows the beginning of a source and, below it, the number of types and losses with each reading. A background thread
+/// reads and counts.
 class PreviewPane : public QWidget
 {
 public:
-    /// `reading` is the control that chooses the reading; it stands beside the counts.
+    /// `reading` is the control that chooses the reading; it is placed beside the counts.
     explicit PreviewPane(QWidget* reading);
 
-    /// Shows another source, after a short delay for further typing. Shows none for an empty name.
+    /// Shows another source, after a short delay for further typing. Without names, hides the text.
     void showSource(const SourcePreview::Source& source);
 
     /// Cancels the counting.

@@ -125,7 +125,7 @@ void SourcePage::hideEvent(QHideEvent* event)
         pane->stop();
 }
 
-// Shows what comes of the source that is named, if there is one.
+// Previews the named source. Shows nothing if no source is named.
 void SourcePage::lookAhead()
 {
     if (!isVisible())
@@ -138,7 +138,7 @@ void SourcePage::lookAhead()
     pane->showSource(source);
 }
 
-/// Switches to the reading of the importer that the check box asks for.
+// Switches to the importer's reading that the check box selects.
 void SourcePage::chooseReading()
 {
     const MsgUIDescriptor& row = *wizard->message->queryDescriptor();

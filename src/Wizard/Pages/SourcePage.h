@@ -40,6 +40,6 @@ private:
 
     PreviewPane* pane = nullptr;
     QCheckBox* fullCheck = nullptr;
-    QWidget* setRow = nullptr; // what matters to several files alone
+    QWidget* setRow = nullptr; // the controls for several files
     QComboBox* layoutCombo = nullptr;
 };

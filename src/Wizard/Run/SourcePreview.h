@@ -8,7 +8,7 @@
 #include <memory>
 #include <thread>
 
-/// Previews a source before the import, in a thread of its own: its first lines, and the number of types and losses
+/// Previews a source before the import, in a background thread: its first lines, and the number of types and losses
 /// with each reading of its importer.
 class SourcePreview : public QObject
 {
@@ -18,7 +18,7 @@ public:
     struct Source
     {
         MsgUIDescriptor* importer = nullptr;
-        std::vector<CString> names; ///< files and folders, from the root
+        std::vector<CString> names; ///< absolute names of files and folders
         CString basePath;
     };
 
@@ -34,7 +34,7 @@ public:
     };
 
     SourcePreview() = default;
-    ~SourcePreview() override; ///< waits for the thread, which ends soon
+    ~SourcePreview() override; ///< cancels the preview and waits for its thread
 
     /// The largest source, in bytes, that is counted without a request.
     static constexpr std::uint64_t kSmall = 50'000'000;

@@ -21,7 +21,7 @@
 
 namespace {
 
-// A driver's words don't always say of which source they are, nor that a file is missing.
+// Returns the driver's error with the name of the data source, and why its file can't be read. Drivers often omit both.
 CString whyNotOpen(const CString& source, const CString& words)
 {
     if (words.find(source) != CString::npos)
@@ -66,7 +66,7 @@ bool WizardRun::importSources(const std::vector<CString>& names)
     return true;
 }
 
-// In the thread of the long work.
+// Runs in the thread of the long work.
 int WizardRun::readSources()
 {
     std::vector<CString> files = sources;

@@ -67,5 +67,5 @@ private:
     int readSources();
 
     WizardSheet& sheet;
-    std::vector<CString> sources; // as they were given last
+    std::vector<CString> sources; // of the last import, as given
 };

@@ -18,8 +18,8 @@ constexpr double kPadding = 8;
 constexpr double kWidestText = 260; // of a name or a type; longer ones are cut in the middle
 constexpr double kLegible = 0.3;    // below this scale texts can't be read
 
-// Routing takes Graphviz the square of what there is to route. So in a web of more arrows only the first that leads to
-// each box is routed, which places the boxes; the others are drawn as plain curves.
+// Graphviz's time for routing grows with the square of the arrows. So with more arrows, only the first one to each box
+// is routed, which suffices to place the boxes. The others become plain curves.
 constexpr std::size_t kMostRouted = 250;
 
 std::vector<TypeGraph::Arrow> takeUnrouted(TypeGraph& graph)
@@ -28,7 +28,7 @@ std::vector<TypeGraph::Arrow> takeUnrouted(TypeGraph& graph)
         return {};
     std::vector<char> isReached(graph.boxes.size());
     const auto isFirst = [&](const TypeGraph::Arrow& arrow) {
-        return arrow.from < arrow.to && !std::exchange(isReached[arrow.to], 1); // boxes come nearest first
+        return arrow.from < arrow.to && !std::exchange(isReached[arrow.to], 1); // boxes are sorted by distance
     };
     const auto rest = std::stable_partition(graph.arrows.begin(), graph.arrows.end(), isFirst);
     std::vector<TypeGraph::Arrow> unrouted(rest, graph.arrows.end());

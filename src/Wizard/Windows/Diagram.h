@@ -67,7 +67,7 @@ private:
     {
         std::uint32_t type;
         QRectF area;
-        std::vector<Row> rows; // the title first
+        std::vector<Row> rows; // the first is the title
     };
 
     struct Arrow

@@ -29,7 +29,7 @@ protected:
 
 QSize pngSize(const Diagram& diagram, double& scale)
 {
-    constexpr double kLargest = 100e6; // pixels, which take 4 bytes each
+    constexpr double kLargest = 100e6; // pixels of 4 bytes
     const QSizeF size = diagram.queryArea().size();
     scale = std::min({2.0, kMostPixels / size.width(), kMostPixels / size.height(),
                       std::sqrt(kLargest / (size.width() * size.height()))});
@@ -60,7 +60,7 @@ QByteArray drawSvg(const Diagram& diagram, const QString& title)
     bytes.open(QIODevice::WriteOnly);
     QSvgGenerator svg;
     svg.setOutputDevice(&bytes);
-    if (title == title.toHtmlEscaped()) // or the picture is no XML
+    if (title == title.toHtmlEscaped()) // Qt doesn't escape it
         svg.setTitle(title);
     svg.setSize(diagram.queryArea().size().toSize());
     svg.setViewBox(diagram.queryArea());

@@ -146,7 +146,7 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
         const bool wasShown = !work->isHidden();
         work->hide();
         buttons->show();
-        if (wasShown && focus) // it was lost while nothing but Cancel could have it
+        if (wasShown && focus) // while the work ran, only Cancel could have it
             focus->setFocus();
     });
     try {
@@ -212,7 +212,7 @@ QString DiagramWindow::countOf(std::size_t types, bool isWhole) const
     return depth->currentIndex() == kAllDepths ? count : tr("%1; a double click on one goes on from there.").arg(count);
 }
 
-// After a cancellation, the choice is the one of the picture that stays.
+// If the drawing is cancelled, restores the choices for the picture that stays.
 void DiagramWindow::redraw()
 {
     if (draw(shown))
