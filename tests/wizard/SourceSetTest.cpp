@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -120,6 +121,21 @@ TEST(SourceSet, IsReadAsOneAndRemembered)
         EXPECT_EQ(TempDir::read(desk.settingsFile()).find("InFiles") == CString::npos, isSet);
     }
     qunsetenv("SOURCE_DATE_EPOCH");
+}
+
+TEST(SourceSet, CanBeAFolderWhereTheReadingTakesOne)
+{
+    const std::tuple<const char*, bool, bool> rows[] = {{"DTD importer", true, true},
+                                                        {"DTD importer", false, false},
+                                                        {"WSDL importer", false, true},
+                                                        {"XML data importer", true, false}};
+    for (const auto& [importer, isFull, isOffered] : rows) {
+        Desk desk;
+        desk.importer = importer;
+        desk.wizard().options.setFullReading(isFull);
+        desk.walkTo(IDD_SOURCE);
+        EXPECT_EQ(desk.control<QWidget>(IDC_CHOOSE_FOLDER).isVisible(), isOffered) << importer;
+    }
 }
 
 TEST(SourceSet, IsRefusedByAReadingOfOneFile)

@@ -115,8 +115,15 @@ void SourcePage::OnSetActive()
     const bool hasFull = wizard->message->queryDescriptor()->hasFull();
     fullCheck->setVisible(hasFull);
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
-    setRow->setVisible(hasFull && fullCheck->isChecked());
+    setRow->setVisible(readsFull());
     lookAhead();
+}
+
+// Returns whether the chosen reading is a full one, which takes several files and folders as one source.
+bool SourcePage::readsFull() const
+{
+    const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
+    return row.querySource().isSet || (row.hasFull() && fullCheck->isChecked());
 }
 
 void SourcePage::hideEvent(QHideEvent* event)
@@ -142,10 +149,11 @@ void SourcePage::lookAhead()
 void SourcePage::chooseReading()
 {
     const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
+    if (row.readsSets())
+        wizard->options.setLayout(static_cast<FullMessage::Layout>(layoutCombo->currentIndex()));
     if (!row.hasFull())
         return;
     wizard->options.setFullReading(fullCheck->isChecked());
-    wizard->options.setLayout(static_cast<FullMessage::Layout>(layoutCombo->currentIndex()));
     if (fullCheck->isChecked())
         wizard->message.reset(row.createFull());
     else if (wizard->fullMessage())
@@ -155,19 +163,16 @@ void SourcePage::chooseReading()
 // Returns why these sources can't be imported with the current choices; "" if they can.
 CString SourcePage::obstacleOf(const std::vector<CString>& names) const
 {
-    const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
-    const bool hasFull = row.hasFull();
-    const bool readsFull = row.querySource().isSet || (hasFull && fullCheck->isChecked());
     if (names.front().empty())
         return "The name of the file is missing. Type it, or press Browse.";
     for (const CString& name : names) {
         const FileCause cause = testReadable(name);
-        if (cause != FileCause::none && !(readsFull && isFolder(name)))
+        if (cause != FileCause::none && !(readsFull() && isFolder(name)))
             return (names.size() > 1 ? name + ": " : CString()) + inWords(name, cause);
     }
-    if (names.size() == 1 || readsFull)
+    if (names.size() == 1 || readsFull())
         return {};
-    if (hasFull)
+    if (wizard->message->queryDescriptor()->hasFull())
         return "Several files are read as one in full only. Check \"Read in full\", or choose one file.";
     return wizard->message->setFurtherFiles({}) ? "" : "This importer reads one file at a time. Choose one of them.";
 }

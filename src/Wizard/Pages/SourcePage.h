@@ -33,6 +33,7 @@ protected:
 private:
     QWidget* makeSetRow();
     void pickFolder();
+    bool readsFull() const;
     void chooseReading();
     CString obstacleOf(const std::vector<CString>& names) const;
 
