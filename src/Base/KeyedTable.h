@@ -23,8 +23,8 @@ struct KeyHash
     std::size_t operator()(std::string_view key) const { return keyHash(key); }
 };
 
-/// A seeded hash of numbers. std::hash returns the number itself, so that a source could provoke collisions of keys that
-/// join two numbers.
+/// A seeded hash of numbers. std::hash returns the number itself, so that a source could provoke collisions of keys
+/// that join two numbers.
 struct NumberHash
 {
     std::size_t operator()(std::uint64_t number) const noexcept { return RunningHash::of(number); }

@@ -100,6 +100,13 @@ TEST(TypesPage, ReadsInFullAtOnceWhereThatServes)
     desk.walkTo(IDD_EDIT);
     auto& button = desk.control<QAbstractButton>(IDC_READ_IN_FULL);
     ASSERT_TRUE(button.isVisible());
+    std::filesystem::rename(desk.source, desk.dir.path("in/gone"));
+    button.click();
+    EXPECT_EQ(desk.boxes.take(), Texts{"Can't open file " + desk.source + ", error = 2"});
+    std::filesystem::rename(desk.dir.path("in/gone"), desk.source);
+    desk.click("next");
+    desk.click("back");
+    ASSERT_TRUE(button.isVisible()); // the offer stays
     button.click();
     EXPECT_EQ(desk.control<ListView>(IDC_TYPES).rowCount(), 2);
     EXPECT_FALSE(button.isVisible());

@@ -207,6 +207,7 @@ bool EditPage::importBy(FullMessage* other)
     const auto import = [this]() -> LRESULT { return wizard->importAgain() ? 0 : -1; };
     if (sheet()->ask(import) == -1) {
         wizard->message = std::move(former);
+        wizard->setCurrentFolder(WizardRun::folderCWD); // as after an import that succeeds
         return false;
     }
     clear(); // the page still shows elements of the previous import

@@ -78,8 +78,10 @@ int WizardRun::readSources()
     }
     message->setFurtherFiles({files.begin() + 1, files.end()});
     const int isRead = message->parseFile(files.front(), options.queryPath());
+    if (!isRead)
+        return 0;
     const bool isPoor = message->beginEnum() == 0 || message->queryReport().queryTotal(SourceReport::loss) != 0;
-    usedByFull = isRead && isPoor ? usesOfFull(files.front()) : CString();
+    usedByFull = isPoor ? usesOfFull(files.front()) : CString();
     return isRead;
 }
 
