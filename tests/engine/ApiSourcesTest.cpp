@@ -77,6 +77,12 @@ const Rule kAvro[] = {
     {"ANestedRecordAsRoot",
      R"({"type":"record","name":"r","fields":[{"name":"a","type":{"type":"record","name":"A","fields":[{"name":"x","type":"int"}]}}]})",
      "A(x:Number)", "", "A"},
+    {"AFullNameAsRoot",
+     R"({"type":"record","name":"A","namespace":"n","fields":[{"name":"a","type":{"type":"record","name":"m.A","fields":[{"name":"x","type":"int"}]}}]})",
+     "A(x:Number)", "", "m.A"},
+    {"AnEnumerationAsRoot",
+     R"({"type":"record","name":"r","namespace":"n","fields":[{"name":"a","type":{"type":"enum","name":"E","symbols":["X"]}}]})",
+     "E_E{X} E(value:E_E)", "", "{n}E"},
 };
 
 const Rule kExamples[] = {

@@ -214,10 +214,16 @@ TEST_F(OpenApiSets, AreOneImport)
         {"a", "openapi: 3.0.0\npaths: {/a: {get: {operationId: o, requestBody: {content: {a/b: {schema: {$ref: "
               "'s#/components/schemas/S'}}}}}}}\n"},
         {"b", "asyncapi: 2.0.0\nchannels: {c: {publish: {message: {name: M, payload: {properties: {m: {}}}}}}}\n"},
+        {"c", "openapi: 3.1.0\npaths: {/a: {get: {operationId: c, requestBody: {content: {a/b: {schema: {$ref: "
+              "'s#/components/schemas/S'}}}}}}}\n"},
         {"s", "openapi: 3.0.0\ncomponents: {schemas: {S: {properties: {v: {}}}}}\n"},
     };
-    const Row row = {"", {"s", "a", "b"}, R"(S: \M \S)"};
-    EXPECT_EQ(namesOf(files, row), row.types);
+    const Row rows[] = {
+        {"Messages", {"s", "a", "b"}, R"(S: \M \S)"},
+        {"ARootThatSeveralSourcesUse", {"a", "c"}, R"(S: \S)", {"S"}},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(namesOf(files, row), row.types) << row.name;
 }
 
 TEST_F(AvroSets, AreOneImport)
@@ -237,6 +243,7 @@ TEST_F(AvroSets, AreOneImport)
          R"(R: \R\m \R\E \R\P \R\R \R\t_m \R\R_2)",
          {},
          FullMessage::Layout::byMainType},
+        {"ARootByItsFullName", {"a", "b", "p"}, R"(R: \x.p\E \x.p\P \x.b\R)", {"x.b.R"}},
     };
     for (const Row& row : rows)
         EXPECT_EQ(namesOf(files, row), row.types) << row.name;

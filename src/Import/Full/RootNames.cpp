@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 
 namespace {
 
@@ -48,8 +49,11 @@ SourceTypes::Index RootNames::find(std::string_view root) const
 {
     std::vector<Index> found = allCalled(root);
     const std::string_view local = localNameOf(root);
-    // The name itself comes first, because names in a DTD may contain colons.
-    if (found.empty() && local != root) {
+    // The name itself comes first, because names in a DTD may contain colons, and those in a schema dots.
+    if (const std::size_t dot = root.rfind('.'); found.empty() && local == root && dot != root.npos) {
+        found = allCalled(root.substr(dot + 1));
+        std::erase_if(found, [&](Index i) { return types.candidates[i].uri != root.substr(0, dot); });
+    } else if (found.empty() && local != root) {
         std::string_view space = root.substr(0, root.size() - local.size() - 1);
         std::set<std::string_view> uris; // each source may declare the prefix for another namespace
         if (root.starts_with('{'))
@@ -67,6 +71,12 @@ SourceTypes::Index RootNames::find(std::string_view root) const
     prefer(found, types, [](const auto& candidate) { return candidate.source != SourceTypes::kNone; });
     prefer(found, types, [](const auto& candidate) { return !candidate.isType; });
     prefer(found, types, [](const auto& candidate) { return candidate.message != SourceTypes::kNone; });
+    // A type that several sources refer to is a candidate of each.
+    std::set<std::tuple<SourceTypes::Kind, Index, std::uint16_t, std::string_view>> met;
+    std::erase_if(found, [&](Index i) {
+        const SourceTypes::Candidate& candidate = types.candidates[i];
+        return !met.emplace(candidate.type.kind, candidate.type.index, candidate.repeats, candidate.uri).second;
+    });
     if (found.empty())
         refuse("there is no element called " + CString(root));
     if (found.size() == 1)

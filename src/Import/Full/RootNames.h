@@ -11,10 +11,10 @@ class RootNames
 public:
     explicit RootNames(const SourceTypes& types);
 
-    /// Returns the candidate with the name `root`: "name", "{URI}name", or "prefix:name" with a prefix that a source
-    /// declares. An element takes precedence over a type, one of the sources over one of a document that they refer to,
-    /// and one of a message over all others. Throws SourceRefusal if there is none, or several; the message then lists
-    /// their full names.
+    /// Returns the candidate with the name `root`: "name", "{URI}name", "prefix:name" with a prefix that a source
+    /// declares, or "namespace.name" as in Avro. An element takes precedence over a type, one of the sources over one
+    /// of a document that they refer to, and one of a message over all others. Throws SourceRefusal if there is none,
+    /// or several; the message then lists their full names.
     SourceTypes::Index find(std::string_view root) const;
 
 private:

@@ -19,6 +19,6 @@ void AvroMessage::readDocuments(std::span<const Index> roots, JsonDocuments& doc
     }
     // The requested root may be any of the types.
     if (!queryRoot().empty())
-        avro.addAllCandidates();
+        avro.addNamedTypes();
     avro.finish();
 }

@@ -102,6 +102,34 @@ void AvroTypes::addAllCandidates()
             names.addCandidate({type, 0}, {}, tree.placeOf(schemas.front()));
 }
 
+void AvroTypes::addNamedTypes()
+{
+    std::vector<Scoped> all;
+    for (const auto& [name, type] : named)
+        all.push_back(type);
+    std::ranges::sort(all, {}, &Scoped::schema);
+    std::unordered_map<NameTable::Id, std::string_view> kept;      // namespaces
+    std::unordered_map<SourceTypes::Index, std::string_view> uris; // by record
+    for (const Scoped& at : all) {
+        std::string_view& uri = kept[at.space];
+        if (uri.empty())
+            uri = types.keep(tree.names[at.space]);
+        const std::string_view full = tree.textOf(at.schema, JsonWord::name);
+        const std::string_view name = names.fit(full.substr(full.rfind('.') + 1), at.schema);
+        const auto shape = shapeOf({at}, name, SourceTypes::kNone);
+        if (!shape)
+            continue;
+        names.addCandidate(*shape, name, tree.placeOf(at.schema), uri);
+        if (shape->type.kind == SourceTypes::kindRecord)
+            uris.emplace(shape->type.index, uri);
+    }
+    // Some records are candidates already.
+    for (SourceTypes::Candidate& candidate : types.candidates)
+        if (const auto uri = uris.find(candidate.type.index);
+            candidate.type.kind == SourceTypes::kindRecord && uri != uris.end())
+            candidate.uri = uri->second;
+}
+
 void AvroTypes::readProtocol(Index protocol)
 {
     const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);

@@ -25,8 +25,11 @@ public:
     /// candidates; without messages, all types.
     void readProtocol(Index protocol);
 
-    /// Makes all named records candidates.
+    /// Makes all records candidates.
     void addAllCandidates();
+
+    /// Makes all named types candidates, so that each may be requested by its full name.
+    void addNamedTypes();
 
     /// Reads the fields of all records. Call it last.
     void finish();

@@ -225,7 +225,7 @@ void JsonTypes::addBody(Index schema, const CString& name)
         addCandidate(shape, called, tree.placeOf(tree.target(schema)));
 }
 
-void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace place)
+void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace place, std::string_view uri)
 {
     const bool isRecord = shape.type.kind == SourceTypes::kindRecord && shape.depth == 0;
     // Several operations may share a body.
@@ -235,5 +235,7 @@ void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace pla
     SourceTypes::Candidate candidate{called, shape.type, false, place};
     candidate.repeats = shape.depth;
     candidate.source = source;
+    candidate.uri = uri;
+    candidate.space = uri.empty() ? 0 : types.spaceOf(uri);
     types.addCandidate(candidate);
 }

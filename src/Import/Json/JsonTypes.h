@@ -40,8 +40,8 @@ public:
     /// The same for the body of a message. Only records become candidates.
     void addBody(Index schema, const CString& name);
 
-    /// The same for a type that was made elsewhere.
-    void addCandidate(Shape shape, std::string_view name, SourcePlace place);
+    /// The same for a type of the namespace `uri` that was made elsewhere. `uri` must live as long as the types.
+    void addCandidate(Shape shape, std::string_view name, SourcePlace place, std::string_view uri = {});
 
     /// Returns the name of a declared schema: its key, else its title, else the name of its document. Empty for other
     /// schemas.

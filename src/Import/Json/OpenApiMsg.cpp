@@ -34,6 +34,8 @@ void OpenApiMessage::readDocuments(std::span<const Index> roots, JsonDocuments& 
         schemas.declareMembers(tree.find(tree.find(root, JsonWord::components), JsonWord::schemas),
                                !hasMessages || !queryRoot().empty());
     }
+    if (!queryRoot().empty())
+        avro.addNamedTypes();
     schemas.finish();
     avro.finish();
 }
