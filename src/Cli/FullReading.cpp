@@ -155,6 +155,18 @@ void nameSwitches(const MsgBase& message, Diagnostics& diagnostics)
                         "=INCLUDE reads one" + (others.empty() ? "" : ", others go by " + others));
 }
 
+void nameUnusedOptions(const MsgBase& message, Diagnostics& diagnostics)
+{
+    const auto* const full = dynamic_cast<const FullMessage*>(&message);
+    if (!full)
+        return;
+    for (const CString& uri : full->queryUnusedFolders())
+        diagnostics.warning("--folder " + uri + "=... has no effect" +
+                            (uri.empty() ? "" : ": no type has this namespace"));
+    for (const CString& name : full->queryUnusedEntities())
+        diagnostics.warning("--entity " + name + "=... has no effect: no DTD refers to it or declares it");
+}
+
 void nameWayOut(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics)
 {
     const std::unique_ptr<const FullMessage> full(importer.createFull());

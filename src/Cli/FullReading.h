@@ -46,5 +46,8 @@ void nameMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics);
 /// If all sections of the source were left out, notes which entities would include some.
 void nameSwitches(const MsgBase& message, Diagnostics& diagnostics);
 
+/// Warns about each --folder and --entity that the source has no use for.
+void nameUnusedOptions(const MsgBase& message, Diagnostics& diagnostics);
+
 /// Warns if the full reading supports more of what the source uses, and names it.
 void nameWayOut(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);

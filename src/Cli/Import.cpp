@@ -112,6 +112,8 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     nameLosses(message.queryReport(), arguments.report, diagnostics);
     nameMissingCatalogs(message, diagnostics);
     nameSwitches(message, diagnostics);
+    if (!diagnostics.hasErrors())
+        nameUnusedOptions(message, diagnostics);
     const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
         nameEmpty(importer, files.front(), diagnostics);

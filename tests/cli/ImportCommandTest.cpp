@@ -203,6 +203,14 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd --full r.dtd set/1.dtd --merge-equal -l -b a -q | cut -f 1",
          {0, "a\\s\na\\t_b\na\\r\na\\r1\n", ""}},
 
+        // Options that the source has no use for.
+        {"echo '<!ENTITY % m \"IGNORE\"><![%m;[]]><!ENTITY % d \"\">'$(cat r.dtd) >e.dtd; $import dtd --full r.dtd "
+         "e.dtd "
+         "--folder urn:a=v --entity m=INCLUDE --entity d= --entity n=x -l -b a",
+         {0, "a\\t_b\tt_b (Automatically created)\na\\r\tr (Automatically created)\n",
+          "r.dtd: warning: --folder urn:a=... has no effect: no type has this namespace\n"
+          "r.dtd: warning: --entity n=... has no effect: no DTD refers to it or declares it\n"}},
+
         // Catalogues, and entities in front of a DTD.
         {"XML_CATALOG_FILES=none $import dtd --full r.dtd -l",
          {0, kList, "r.dtd: warning: XML_CATALOG_FILES: none: No such file or directory\n"}},

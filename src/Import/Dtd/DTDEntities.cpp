@@ -35,8 +35,10 @@ DTDEntities::Text& DTDEntities::addMain(const CString& fileName, std::string_vie
 DTDEntities::Entity* DTDEntities::add(std::string_view name, SourcePlace place)
 {
     const std::size_t hash = keyHash(name);
-    if (entities.find(name, hash))
+    if (Entity* const known = entities.find(name, hash)) {
+        known->isUsed = true;
         return nullptr;
+    }
     Entity& entity = owned.emplace_back(Entity{name, {{}, place}, {}, {}});
     entities.store(&entity, hash);
     return &entity;
@@ -87,7 +89,8 @@ std::size_t DTDEntities::replaceOne(Entity& entity, std::string_view rest, CStri
 {
     const std::string_view name = rest[0] == '%' ? dtdNameAt(rest.substr(1)) : std::string_view();
     const std::size_t end = name.size() + 1;
-    if (const Entity* known = name.empty() ? nullptr : entities.find(name); known && known != &entity && known->text) {
+    if (Entity* known = name.empty() ? nullptr : entities.find(name); known && known != &entity && known->text) {
+        known->isUsed = true;
         if (!known->isModule) {
             entity.depth = std::max(entity.depth, known->depth + 1);
             // Large values are charged while they grow; replaceReferences() charges the whole only at its end.
@@ -117,6 +120,7 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
         report.add(SourceReport::entityUndeclared, where, name);
         return nullptr;
     }
+    entity->isUsed = true;
     if (!entity->text && entity->isModule && !entity->isMissing)
         entity->text = load(*entity, where);
     entity->isMissing = !entity->text;

@@ -44,6 +44,9 @@ public:
     /// Ends the reading of a text that open() returned.
     void close(Text& text) { text.isOpen = false; }
 
+    /// Returns whether an entity was referred to, or declared again, since it was declared.
+    bool isUsed(std::string_view name) const { return entities.find(name)->isUsed; }
+
     /// Returns whether a file has been read, as the DTD itself or as a module of it.
     bool hasRead(FileId file) const { return filesById.contains(file); }
 
@@ -58,6 +61,7 @@ private:
         std::size_t depth = 1; // levels of entities nested in it
         bool isModule = false;
         bool isMissing = false;
+        bool isUsed = false;
 
         std::string_view queryName() const { return name; }
     };

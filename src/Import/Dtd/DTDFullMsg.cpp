@@ -38,21 +38,27 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
             file = owners[file];
         return file;
     };
+    std::vector<bool> isUsed(given.size()); // by entity
     for (Index i = 0; i < files.size(); ++i) {
         DTDEntities entities(types, report, queryCatalogs());
         const std::string_view text = i == 0 ? std::string_view(source) : types.adopt(textOf(files[i]));
         DTDEntities::Text& main = entities.addMain(files[i], text);
-        for (const auto& [name, value] : declared)
+        for (const auto& [name, value] : given)
             entities.declare(name, types.adopt(CString(value)), main.start);
         DTDTokens tokens(entities, main, report);
         reader.read(tokens);
         for (const std::string_view entity : tokens.querySwitches())
             addSwitch(entity);
+        for (std::size_t entity = 0; entity < given.size(); ++entity)
+            isUsed[entity] = isUsed[entity] || entities.isUsed(given[entity].first);
         // A DTD that this one has read as a module counts for this one.
         for (Index other = 0; files.size() > 1 && other < files.size(); ++other)
             if (owners[other] == other && ownerOf(i) != other && ids[other] && entities.hasRead(*ids[other]))
                 owners[other] = i;
     }
+    for (std::size_t entity = 0; entity < given.size(); ++entity)
+        if (!isUsed[entity])
+            addUnusedEntity(given[entity].first);
     for (Index& owner : owners)
         owner = ownerOf(owner);
     reader.finish(owners);

@@ -16,7 +16,7 @@ public:
 
     bool setEntities(const std::vector<std::pair<CString, CString>>& wanted) override
     {
-        declared = wanted;
+        given = wanted;
         return true;
     }
 
@@ -24,5 +24,5 @@ protected:
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 
 private:
-    std::vector<std::pair<CString, CString>> declared; // entities declared by the caller, ahead of the DTD's own
+    std::vector<std::pair<CString, CString>> given; // entities declared by the caller, ahead of the DTD's own
 };

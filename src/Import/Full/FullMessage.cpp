@@ -122,6 +122,8 @@ void FullMessage::forget()
     mainType.clear();
     mainTypes.clear();
     switches.clear();
+    unusedEntities.clear();
+    unusedFolders.clear();
     catalogs.clear();
 }
 
@@ -176,6 +178,9 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
             declareEnumeration(declaring, enumeration);
     for (const Index record : order.query())
         declareRecord(declaring, record);
+    for (const auto& [uri, folder] : folders)
+        if (!types.hasSpace(uri))
+            unusedFolders.push_back(uri);
 }
 
 // Sets the name of the whole, and returns the records of the main types.

@@ -64,6 +64,12 @@ public:
     /// Returns the entities that switch sections off; empty unless all sections of the last source were left out.
     const std::vector<CString>& querySwitches() const { return switches; }
 
+    /// Returns the entities of setEntities() that the last source neither refers to nor declares.
+    const std::vector<CString>& queryUnusedEntities() const { return unusedEntities; }
+
+    /// Returns the namespaces of setFolder() that no type of the last source has.
+    const std::vector<CString>& queryUnusedFolders() const { return unusedFolders; }
+
     /// Returns the names of possible main types, the source's own choice first.
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
 
@@ -86,6 +92,8 @@ protected:
     const Catalogs& queryCatalogs() const { return catalogs; }
     /// Adds an entity to querySwitches().
     void addSwitch(std::string_view entity) { switches.emplace_back(entity); }
+    /// Adds an entity to queryUnusedEntities().
+    void addUnusedEntity(const CString& entity) { unusedEntities.push_back(entity); }
 
     /// Adds the declarations of `source`, which is what parse() was given, to `types`. Throws SourceRefusal if it can't
     /// be imported.
@@ -124,4 +132,6 @@ private:
     std::vector<CString> catalogFiles;
     Catalogs catalogs{report};
     std::vector<CString> switches;
+    std::vector<CString> unusedEntities;
+    std::vector<CString> unusedFolders;
 };

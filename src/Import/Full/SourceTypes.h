@@ -119,6 +119,9 @@ public:
     /// Returns the index of a namespace in `spaces`. Always 0 (no namespace) if namespaces are not kept apart.
     Index spaceOf(std::string_view uri);
 
+    /// Returns whether spaceOf() was called for a namespace while namespaces are kept apart.
+    bool hasSpace(std::string_view uri) const { return spacesByUri.contains(uri); }
+
     /// Returns the namespace whose types are in a folder; added if it is new.
     Index spaceIn(const CString& folder);
 
