@@ -1,12 +1,16 @@
 #include "Files/SettingsStore.h"
 
+#include "Base/MessageBox.h"
 #include "Base/Utf8.h"
 #include "Files/AtomicFile.h"
 #include "Files/File.h"
 #include "Files/UserFolders.h"
+#include "Resources/StringIds.h"
+#include "Resources/StringTable.h"
 
 #include <nlohmann/json.hpp>
 
+#include <atomic>
 #include <cstddef>
 #include <filesystem>
 #include <limits>
@@ -114,14 +118,32 @@ Json parseSettings(const CString& text)
     return Json::sax_parse(text, &builder) ? builder.take() : Json(Json::value_t::discarded);
 }
 
-// Returns whether a file is missing, or small and regular. Opening another kind could block for ever, and reading it
-// could never end.
-bool isFitToRead(const CString& fileName)
+// Returns why a file must not be read; empty if it is small and regular, or missing. Opening another kind could block
+// for ever, and reading it could never end.
+CString unfitness(const CString& fileName)
 {
     std::error_code failure;
     const std::filesystem::file_status status = std::filesystem::status(fileName, failure);
-    return !std::filesystem::exists(status) ||
-           (std::filesystem::is_regular_file(status) && std::filesystem::file_size(fileName, failure) <= kMaxFile);
+    if (!std::filesystem::exists(status))
+        return {};
+    if (!std::filesystem::is_regular_file(status))
+        return "it is no regular file";
+    return std::filesystem::file_size(fileName, failure) > kMaxFile ? "it is larger than 4 MB" : "";
+}
+
+// Keeps an unusable file for its owner to repair, since the next save would overwrite it, and tells the user.
+void setAside(const CString& fileName, const CString& reason)
+{
+    static std::atomic_flag isStuck; // the message comes once if the file can't be renamed
+    std::error_code failure;
+    std::filesystem::rename(fileName, fileName + ".bad", failure);
+    if (failure && isStuck.test_and_set())
+        return;
+    const CString fate = failure ? "and can't be renamed (" + failure.message() + ")" : "and is now settings.json.bad";
+    const SourceFault fault{fileName, "the settings are the defaults: " + reason + ", " + fate, 0, 0, true};
+    showMessageBox("The settings are the defaults, because " + fileName + " can't be used: " + reason + ", " + fate +
+                       ".",
+                   loadText(IDS_ERROR_TITLE), {}, &fault);
 }
 
 bool toLatin1(std::string_view text, CString& out)
@@ -183,7 +205,8 @@ SettingsStore::SettingsStore() : document(std::make_unique<Document>())
     if (folder.empty())
         return;
     document->fileName = folder + "/settings.json";
-    if (isFitToRead(document->fileName)) {
+    CString reason = unfitness(document->fileName);
+    if (reason.empty()) {
         CString text;
         if (readFile(document->fileName, text) != FileCause::none)
             return;
@@ -191,9 +214,9 @@ SettingsStore::SettingsStore() : document(std::make_unique<Document>())
         if (document->root.is_object())
             return;
         document->root = Json::object();
+        reason = "it is not well-formed";
     }
-    std::error_code ignored; // kept for its owner to repair, since the next save would overwrite it
-    std::filesystem::rename(document->fileName, document->fileName + ".bad", ignored);
+    setAside(document->fileName, reason);
 }
 
 SettingsStore::~SettingsStore() = default;

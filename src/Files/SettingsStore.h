@@ -22,8 +22,8 @@ struct SettingsValue
 /// The per-user settings: the JSON file `$XDG_CONFIG_HOME/typeforge/settings.json`, by default below ~/.config. It
 /// holds one object for each registry key, with values in the order in which they were first written. A missing or
 /// unreadable file counts as empty. A file that can't be parsed, is larger than 4 MB or is not a regular file counts as
-/// empty too, and is renamed to `settings.json.bad`. A text that is not UTF-8 is stored as {"latin-1": TEXT}, its bytes
-/// as characters.
+/// empty too, and is renamed to `settings.json.bad`, with a message to the user. A text that is not UTF-8 is stored as
+/// {"latin-1": TEXT}, its bytes as characters.
 class SettingsStore
 {
 public:

@@ -11,6 +11,8 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include <vector>
+
 const HelpId helpIds[] = {
     {IDD_FIRST, 1},       {IDD_CREATE_RESULT, 2}, {IDD_DATA_SOURCE, 3},  {IDD_DATABASE_TABLE, 4},
     {IDD_EDIT, 5},        {IDD_FINISH, 6},        {IDD_LOGIN, 7},        {IDD_OUTPUT, 8},
@@ -33,8 +35,13 @@ BOOL CQELApp::InitInstance()
     const bool lowColour = isLowColour();
     const HBITMAP watermark = lowColour ? IDB_WATERMARK_LOW_COLOUR : IDB_WATERMARK;
     const HBITMAP header = lowColour ? IDB_HEADER_LOW_COLOUR : IDB_HEADER;
+    std::vector<CString> early; // messages about the settings, which the wizard reads before it can show a box
+    const MessageBoxHandler before =
+        setMessageBoxHandler([&early](const CString& text, const CString&) { early.push_back(text); });
     QELWizard wizard(IDS_TITLE, nullptr, 0, watermark, nullptr, header);
-    const MessageBoxHandler before = setMessageBoxHandler(ModalBox(wizard));
+    setMessageBoxHandler(ModalBox(wizard));
+    for (const CString& text : early)
+        Error(text, IDS_ERROR_TITLE);
     restoreGeometry(wizard);
     if (const QStringList files = QCoreApplication::arguments().mid(1); !files.isEmpty())
         wizard.openFiles(files);

@@ -62,6 +62,14 @@ class Create(unittest.TestCase):
                     self.assertGreaterEqual(len(kept), lines)
                     self.assertIn("<r>\n" + "".join(kept), documents)
 
+    def test_settings_that_can_not_be_used_are_told(self):
+        os.mkdir(self.folder + "/typeforge")
+        for text, reason in ("{}" + " " * (4 << 20), "it is larger than 4 MB"), ("{", "it is not well-formed"):
+            self.write("typeforge/settings.json", text)
+            status, _, err = self.run_import("pair.dtd", "--create", "local")
+            self.assertEqual((0, f"{self.folder}/typeforge/settings.json: warning: the settings are the defaults: {reason}, "
+                                 "and is now settings.json.bad\n"), (status, err))
+
     def test_a_password_is_in_no_command_line_environment_or_core(self):
         self.write("password", "never seen\n")
         with socket.create_server(("127.0.0.1", 0)) as silent:
