@@ -25,6 +25,24 @@ CString nameOf(std::string_view words)
     return CString(trimmed(name, "_"));
 }
 
+enum class Language
+{
+    jsonSchema,
+    avro,
+    foreign
+};
+
+// Returns the language of a schema by its format in small letters; empty is that of the description itself.
+Language languageOf(std::string_view format)
+{
+    if (format.find("avro") != format.npos)
+        return Language::avro;
+    for (const char* const part : {"asyncapi", "schema+", "openapi"})
+        if (format.find(part) != format.npos)
+            return Language::jsonSchema;
+    return format.empty() ? Language::jsonSchema : Language::foreign;
+}
+
 } // namespace
 
 // Returns what a reference object leads to, else the node itself; 0 if it leads nowhere. Everything but a schema may be
@@ -100,6 +118,9 @@ void ApiMessages::readAsyncApi(Index root)
     // Components are read first, so that their messages are named after their keys.
     const Index components = tree.find(root, JsonWord::components);
     const Index messages = tree.find(components, JsonWord::messages, JsonNode::object);
+    const Index declared = tree.find(components, JsonWord::schemas, JsonNode::object);
+    for (Index at = tree[declared].firstChild; at != 0; at = tree[at].next)
+        readComponent(at);
     for (Index at = tree[messages].firstChild; at != 0; at = tree[at].next)
         readMessage(follow(at), tree.key(at));
     for (const Index holder : {root, components}) {
@@ -138,29 +159,48 @@ void ApiMessages::readMessage(Index message, std::string_view name)
     for (const JsonWord word : {JsonWord::messageId, JsonWord::name})
         if (const std::string_view said = tree.textOf(message, word); !said.empty())
             name = said;
-    readPayload(message, CString(name));
-    if (const Index headers = tree.find(message, JsonWord::headers); headers != 0)
-        schemas.addBody(headers, CString(name) + "Headers");
+    readSchema(tree.find(message, JsonWord::payload), lowerAscii(tree.textOf(message, JsonWord::schemaFormat)),
+               CString(name));
+    readSchema(tree.find(message, JsonWord::headers), {}, CString(name) + "Headers");
 }
 
-void ApiMessages::readPayload(Index message, const CString& name)
+// Returns the schema that a node holds beside its format, also behind a reference, and sets `format`. Returns the node
+// itself if it holds none. Only version 3 has such schemas.
+JsonNode::Index ApiMessages::withoutFormat(Index node, CString& format)
 {
-    Index payload = tree.find(message, JsonWord::payload);
-    CString format = lowerAscii(tree.textOf(message, JsonWord::schemaFormat));
-    const Index inner = tree.find(payload, JsonWord::schema);
-    // In version 3 a payload may hold its schema beside the format of it.
-    if (const Index says = tree.find(payload, JsonWord::schemaFormat, JsonNode::string); says != 0 && inner != 0) {
-        format = lowerAscii(tree.text(says));
-        payload = inner;
-    }
-    if (payload == 0)
+    const Index target = follow(node);
+    const Index says = tree.find(target, JsonWord::schemaFormat, JsonNode::string);
+    const Index schema = tree.find(target, JsonWord::schema);
+    if (says == 0 || schema == 0)
+        return node;
+    format = lowerAscii(tree.text(says));
+    return schema;
+}
+
+// Adds a schema of a message. An empty `format` is that of the description itself.
+void ApiMessages::readSchema(Index schema, CString format, const CString& name)
+{
+    if (schema == 0)
         return;
-    if (format.find("avro") != format.npos) {
-        avro.addCandidate(follow(payload), name);
-    } else if (format.empty() || format.find("asyncapi") != format.npos || format.find("schema+") != format.npos ||
-               format.find("openapi") != format.npos) {
-        schemas.addBody(payload, name);
-    } else {
-        documents.note(SourceReport::moduleUnreadable, payload, format);
-    }
+    if (languageOf(format) != Language::foreign)
+        schema = withoutFormat(schema, format);
+    if (languageOf(format) == Language::avro)
+        avro.addCandidate(follow(schema), name);
+    else if (languageOf(format) == Language::jsonSchema)
+        schemas.addBody(schema, name);
+    else
+        documents.note(SourceReport::moduleUnreadable, schema, format);
+}
+
+// Declares a schema of the components that holds its format.
+void ApiMessages::readComponent(Index node)
+{
+    CString format;
+    const Index schema = withoutFormat(node, format);
+    if (languageOf(format) == Language::avro)
+        avro.declareAll(follow(schema));
+    else if (languageOf(format) == Language::foreign)
+        documents.note(SourceReport::moduleUnreadable, schema, format);
+    else if (schema != node)
+        schemas.shapeOf(schema, schemas.fit(tree.key(node), node));
 }

@@ -29,7 +29,9 @@ private:
     void readBody(Index body, const CString& name);
     void readChannel(Index channel, std::string_view name);
     void readMessage(Index message, std::string_view name);
-    void readPayload(Index message, const CString& name);
+    Index withoutFormat(Index node, CString& format);
+    void readSchema(Index schema, CString format, const CString& name);
+    void readComponent(Index node);
 
     JsonDocuments& documents;
     JsonTree& tree;

@@ -344,6 +344,8 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
 
 void AvroTypes::finish()
 {
+    for (const Scoped at : std::exchange(order, {}))
+        shapeOf({at}, {}, SourceTypes::kNone);
     for (std::size_t i = 0; i < pending.size(); ++i)
         // Copied, because reading fields appends further records.
         readFields(Pending(pending[i]));

@@ -203,6 +203,8 @@ void JsonTypes::declareMembers(Index holder, bool asCandidates)
         return;
     for (Index at = tree[holder].firstChild; at != 0; at = tree[at].next) {
         const Index schema = tree.target(at);
+        if (tree.find(schema, JsonWord::schemaFormat, JsonNode::string) != 0)
+            continue; // holds a schema in another format
         if (asCandidates)
             addCandidate(schema, tree.key(at));
         else
