@@ -64,8 +64,8 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
                    "                            openapi, avro or json (default: by the source)\n"
                    "  SOURCE                    A file, - for standard input; for odbc a data source\n"
                    "                            name or a connection string; any number for all but\n"
-                   "                            btd, odbc, and dtd and xsd without --full; for wsdl\n"
-                   "                            and --full also folders\n"
+                   "                            btd, odbc, and dtd and xsd without --full; folders\n"
+                   "                            for --full, wsdl, jsonschema, openapi, avro and json\n"
                    "  @FILE                     Take further arguments from this file, one a line\n");
     app.add_flag("--recursive", arguments.isRecursive, "Take the files of folders below a folder, too");
     app.add_option("-t,--table", arguments.tables,

@@ -173,10 +173,11 @@ CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& fi
 // Replaces folders by their files. If a single folder is given, it names the set.
 void takeFolders(Arguments& arguments)
 {
-    if (!arguments.full.isWanted && !(arguments.importer && arguments.importer->querySource().isSet))
+    const MsgUIDescriptor* const importer = arguments.importer;
+    if (!arguments.full.isWanted && !(importer && importer->readsFolders() && !importer->hasFull()))
         return;
     const std::vector<CString> given = std::move(arguments.sources);
-    arguments.sources = withoutFolders(given, arguments.importer, arguments.isRecursive);
+    arguments.sources = withoutFolders(given, importer, arguments.isRecursive);
     if (arguments.full.name.empty())
         arguments.full.name = nameOfSet(given, arguments.sources);
 }

@@ -13,6 +13,7 @@ struct ImporterSource
     bool readsTables = false;  ///< the source is a data source, not a file
     bool namesFolders = false; ///< the source says where its types lie; a base path has no effect
     bool isSet = false;        ///< always read in full, several files or folders as one source
+    bool hasFolders = false;   ///< the same, without catalogues; files in folders go by the filter's pattern
 };
 
 /// The static description of an importer: its names, default base path, next page of the wizard, and factories.
@@ -47,6 +48,9 @@ public:
     /// Returns whether the full reading reads several files or folders as one source, and finds documents by
     /// catalogues.
     bool readsSets() const { return hasFull() || source.isSet; }
+
+    /// Returns whether a folder may be the source, which only the full reading reads if hasFull() is true.
+    bool readsFolders() const { return readsSets() || source.hasFolders; }
 
 private:
     CString name;

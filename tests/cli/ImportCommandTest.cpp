@@ -195,6 +195,17 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import set/1.dtd set/2.dtd",
          {2, "", mistake("dtd reads one source at a time; with --full it reads several")}},
         {"$import xsd --full set", {1, "", says("set: the folder holds no source for xsd")}},
+        {"mkdir -p j/below; echo '{\"type\":\"record\",\"name\":\"A\",\"fields\":[]}' >j/a.AVSC; echo '{\"b\":1}' "
+         ">j/below/b.jsonl; "
+         "echo '{\"title\":\"T\",\"properties\":{\"u\":{\"$ref\":\"u.json\"}}}' >j/t.json; echo "
+         "'{\"properties\":{\"v\":{}}}' >j/u.json; "
+         "$import avro j -l; $import jsonschema j -l; $import json j --recursive -q --type j | grep -o 'NAME=\"[^ ]*'; "
+         "$import openapi j; "
+         "$import j --full",
+         {1,
+          "\\sys\\json\\A\\A\tA (Automatically created)\n\\sys\\json\\u\tu (Automatically created)\n\\sys\\json\\T\tT\n"
+          "NAME=\"\\sys\\json\\j\\j\"\nNAME=\"b\"\nNAME=\"title\"\nNAME=\"properties\"\n",
+          "j/t.json: error: it is no OpenAPI and no AsyncAPI document\n" + says("j: the folder holds no source")}},
         {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
         {"$import dtd --full r.dtd --folder u", {2, "", mistake("--folder: it takes URI=NAME")}},
         {"$import dtd --full r.dtd --folder u=v", {2, "", mistake("--folder requires --folders namespace")}},

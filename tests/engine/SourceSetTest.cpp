@@ -216,14 +216,21 @@ TEST_F(OpenApiSets, AreOneImport)
         {"b", "asyncapi: 2.0.0\nchannels: {c: {publish: {message: {name: M, payload: {properties: {m: {}}}}}}}\n"},
         {"c", "openapi: 3.1.0\npaths: {/a: {get: {operationId: c, requestBody: {content: {a/b: {schema: {$ref: "
               "'s#/components/schemas/S'}}}}}}}\n"},
+        {"d", "openapi: 3.0.0\npaths: {/a: {get: {operationId: c, requestBody: {content: {a/b: {schema: {$ref: "
+              "'e#/P'}}}}}}}\ncomponents: {schemas: {Q: {properties: {q: {}}}}}\n"},
+        {"e", "P: {properties: {p: {$ref: 'd#/components/schemas/Q'}}}\n"},
         {"s", "openapi: 3.0.0\ncomponents: {schemas: {S: {properties: {v: {}}}}}\n"},
     };
     const Row rows[] = {
         {"Messages", {"s", "a", "b"}, R"(S: \M \S)"},
         {"ARootThatSeveralSourcesUse", {"a", "c"}, R"(S: \S)", {"S"}},
+        {"APartIsNoSource", {"e", "d"}, R"(P: \Q \P)"},
     };
     for (const Row& row : rows)
         EXPECT_EQ(namesOf(files, row), row.types) << row.name;
+    message.setFurtherFiles({folder.path("e")});
+    EXPECT_EQ(message.parseFile(folder.path("a"), ""), 0);
+    EXPECT_THAT(boxes.take(), testing::ElementsAre(folder.path("e") + ": it is no OpenAPI and no AsyncAPI document."));
 }
 
 TEST_F(AvroSets, AreOneImport)

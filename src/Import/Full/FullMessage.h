@@ -89,6 +89,7 @@ protected:
     }
     const std::vector<CString>& queryFurtherFiles() const { return furtherFiles; }
     const std::vector<CString>& queryRoots() const { return roots; }
+    const CString& queryGivenName() const { return givenName; }
     const Catalogs& queryCatalogs() const { return catalogs; }
     /// Adds an entity to querySwitches().
     void addSwitch(std::string_view entity) { switches.emplace_back(entity); }

@@ -2,8 +2,8 @@
 
 #include "Import/Json/AvroTypes.h"
 
-void AvroMessage::readDocuments(std::span<const Index> roots, JsonDocuments& documents, JsonTypes& names,
-                                SourceTypes& types, SourceReport& report)
+void AvroMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& names, SourceTypes& types,
+                                SourceReport& report)
 {
     AvroTypes avro(documents, names, types, report);
     // All documents are declared before one is read, because they may use each other's types.

@@ -31,5 +31,6 @@ void JsonDataMessage::read(const CString& source, const CString& fileName, Sourc
     readFileInto(shapes, source, report.addFile(source));
     for (const CString& further : furtherExamples)
         readFileInto(shapes, further, report.addFile(further));
-    shapes.declare(types.keep(toXmlName(stemOf(fileName))), types, report);
+    shapes.declare(types.keep(toXmlName(queryGivenName().empty() ? CString(stemOf(fileName)) : queryGivenName())),
+                   types, report);
 }

@@ -17,9 +17,10 @@ protected:
     using Index = JsonNode::Index;
 
     /// Makes types of documents. `roots` holds a root for each document of the set; 0 if the same file was given
-    /// before. Candidates for main types are added under the document's position, see JsonTypes::setSource().
-    virtual void readDocuments(std::span<const Index> roots, JsonDocuments& documents, JsonTypes& schemas,
-                               SourceTypes& types, SourceReport& report) = 0;
+    /// before. Sets the roots of those to 0 that are only parts of others. Candidates for main types are added under
+    /// the document's position, see JsonTypes::setSource().
+    virtual void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
+                               SourceReport& report) = 0;
 
     /// `source` is the name of the first file, not its content.
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) final;

@@ -1,6 +1,6 @@
 #include "Import/Json/JsonSchemaMsg.h"
 
-void JsonSchemaMessage::readDocuments(std::span<const Index> roots, JsonDocuments& documents, JsonTypes& schemas,
+void JsonSchemaMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas,
                                       SourceTypes&, SourceReport&)
 {
     const JsonTree& tree = documents.tree;

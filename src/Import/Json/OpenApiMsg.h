@@ -13,6 +13,6 @@ public:
     static MsgUIDescriptor m_descr;
 
 protected:
-    void readDocuments(std::span<const Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
+    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
                        SourceReport& report) override;
 };

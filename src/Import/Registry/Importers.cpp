@@ -15,7 +15,8 @@
 #include "Resources/StringIds.h"
 
 // Columns: base path, name, description, factory, next page, full reading; then name on the command line, file filter,
-// whether it reads tables, whether the source sets the folders.
+// whether it reads tables, whether the source sets the folders, whether it is always a set, the same without
+// catalogues.
 MsgUIDescriptor DTDMessage::m_descr("\\sys\\rosettanet\\", IDS_DTD_NAME, IDS_DTD_DESCRIPTION, DTDMessage::New,
                                     IDD_SOURCE, DTDFullMessage::New, {"dtd", IDS_FILTER_DTD});
 MsgUIDescriptor XMLDataMessage::m_descr("\\sys\\xml\\", IDS_XMLDATA_NAME, IDS_XMLDATA_DESCRIPTION, XMLDataMessage::New,
@@ -30,15 +31,17 @@ MsgUIDescriptor WsdlMessage::m_descr("\\sys\\xml\\", IDS_WSDL_NAME, IDS_WSDL_DES
                                      nullptr, {"wsdl", IDS_FILTER_WSDL, false, false, true});
 MsgUIDescriptor JsonSchemaMessage::m_descr("\\sys\\json\\", IDS_JSON_SCHEMA_NAME, IDS_JSON_SCHEMA_DESCRIPTION,
                                            JsonSchemaMessage::New, IDD_SOURCE, nullptr,
-                                           {"jsonschema", IDS_FILTER_JSON_SCHEMA});
+                                           {"jsonschema", IDS_FILTER_JSON_SCHEMA, false, false, false, true});
 
 MsgUIDescriptor OpenApiMessage::m_descr("\\sys\\json\\", IDS_OPENAPI_NAME, IDS_OPENAPI_DESCRIPTION, OpenApiMessage::New,
-                                        IDD_SOURCE, nullptr, {"openapi", IDS_FILTER_OPENAPI});
+                                        IDD_SOURCE, nullptr,
+                                        {"openapi", IDS_FILTER_OPENAPI, false, false, false, true});
 MsgUIDescriptor AvroMessage::m_descr("\\sys\\json\\", IDS_AVRO_NAME, IDS_AVRO_DESCRIPTION, AvroMessage::New, IDD_SOURCE,
-                                     nullptr, {"avro", IDS_FILTER_AVRO});
+                                     nullptr, {"avro", IDS_FILTER_AVRO, false, false, false, true});
 
 MsgUIDescriptor JsonDataMessage::m_descr("\\sys\\json\\", IDS_JSON_DATA_NAME, IDS_JSON_DATA_DESCRIPTION,
-                                         JsonDataMessage::New, IDD_SOURCE, nullptr, {"json", IDS_FILTER_JSON_DATA});
+                                         JsonDataMessage::New, IDD_SOURCE, nullptr,
+                                         {"json", IDS_FILTER_JSON_DATA, false, false, false, true});
 
 MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr,
                              &XMLDataMessage::m_descr,

@@ -1,6 +1,7 @@
 #include "Import/Registry/SourceSet.h"
 
 #include "Import/MsgUIDescriptor.h"
+#include "Resources/StringTable.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -8,13 +9,30 @@
 
 namespace {
 
-// Returns the importer of sets whose word is the suffix of this file name; null if there is none. A module is no
-// source.
-const MsgUIDescriptor* importerBySuffix(const CString& name)
+// Returns whether a file in a folder is a source of this importer. Modules and other parts of sets aren't.
+bool isSourceOf(const MsgUIDescriptor& importer, const CString& name)
 {
-    const std::size_t dot = name.rfind('.');
-    for (MsgUIDescriptor** row = g_amud; *row && dot != CString::npos; ++row)
-        if ((*row)->readsSets() && isSameAscii(std::string_view(name).substr(dot + 1), (*row)->querySource().word))
+    const ImporterSource& source = importer.querySource();
+    if (importer.readsSets())
+        return endsWithAscii(name, CString(".") + source.word);
+    // The pattern is a list as "*.JSON;*.YAML".
+    for (std::string_view patterns = loadText(source.filterId + 1); !patterns.empty();) {
+        const std::size_t end = std::min(patterns.find(';'), patterns.size());
+        if (endsWithAscii(name, patterns.substr(0, end).substr(1)))
+            return true;
+        patterns.remove_prefix(std::min(end + 1, patterns.size()));
+    }
+    return false;
+}
+
+// Returns `importer` if a file is a source of it. If that is null, returns the importer of sets that reads the file;
+// null if there is none.
+const MsgUIDescriptor* importerOf(const CString& name, const MsgUIDescriptor* importer)
+{
+    if (importer)
+        return isSourceOf(*importer, name) ? importer : nullptr;
+    for (MsgUIDescriptor** row = g_amud; *row; ++row)
+        if ((*row)->readsSets() && isSourceOf(**row, name))
             return *row;
     return nullptr;
 }
@@ -25,8 +43,8 @@ std::vector<CString> filesIn(const CString& folder, const MsgUIDescriptor* impor
     std::vector<CString> files;
     for (const std::filesystem::directory_entry& entry : Iterator(folder)) {
         std::error_code failure;
-        const MsgUIDescriptor* const own = importerBySuffix(entry.path().filename().string());
-        if (!own || (importer && own != importer) || !entry.is_regular_file(failure))
+        const MsgUIDescriptor* const own = importerOf(entry.path().filename().string(), importer);
+        if (!own || !entry.is_regular_file(failure))
             continue;
         if (!importer && own->querySource().isSet) { // a WSDL refers to the schemas beside it
             importer = own;

@@ -6,7 +6,7 @@
 
 class MsgUIDescriptor;
 
-/// Returns `sources` with each folder replaced by the source files in it, sorted by name: those with the suffix of
+/// Returns `sources` with each folder replaced by the source files in it, sorted by name: those with a suffix of
 /// `importer`, or if that is null, of any importer that reads sets, but only the WSDLs if there are some. `isRecursive`
 /// includes subfolders, but no links to folders. Throws std::runtime_error if a folder can't be read or has no source.
 std::vector<CString> withoutFolders(const std::vector<CString>& sources, const MsgUIDescriptor* importer,
