@@ -5,6 +5,11 @@
 #include "Import/Schema/SchemaDocuments.h"
 #include "Resources/StringTable.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+
 int SchemaMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
     SchemaTable::Outlines outlines;
@@ -51,6 +56,9 @@ bool SchemaMessage::readFile(const CString& fileName, std::uint32_t file, XmlDoc
     const std::size_t most = outlines.empty() ? kAnySize : kMaxNamedFile;
     const std::size_t typesBefore = kinds.size();
     SchemaOutline& outline = outlines.emplace_back(report, file, kinds);
+    std::error_code isUnknown; // the size of a pipe
+    if (const std::uintmax_t size = std::filesystem::file_size(fileName, isUnknown); !isUnknown)
+        outline.reserve(std::min<std::uintmax_t>(size, kMaxNamedFile)); // a sparse file can have any size
     if (document.streamFile(fileName, outline, most)) {
         outline.finish();
         return true;
