@@ -3,7 +3,7 @@
 #include "Base/Fingerprint.h"
 #include "Import/SourceReport.h"
 
-#include <memory>
+#include <memory_resource>
 #include <vector>
 
 /// The reason why an entry's type isn't the declared one.
@@ -60,20 +60,21 @@ public:
     /// Returns whether the trimmed text of the key ends with "*" and is longer than that.
     bool isMarked() const { return marked; }
 
-    using Children = std::vector<SchemaElement*>;
+    using Children = std::pmr::vector<SchemaElement*>;
 
-    /// Appends a child. The same entry may be appended several times.
-    void addChild(SchemaElement* child)
+    /// Appends a child. The same entry may be appended several times. The list lies in `memory`, which must outlive the
+    /// entry and frees it.
+    void addChild(SchemaElement* child, std::pmr::memory_resource& memory)
     {
         if (!children) {
-            children = std::make_unique<Children>();
+            children = std::pmr::polymorphic_allocator<>(&memory).new_object<Children>();
             children->reserve(8); // most records have several
         }
         children->push_back(child);
     }
 
     /// Returns the children; null if there are none.
-    Children* queryChildren() const { return children.get(); }
+    Children* queryChildren() const { return children; }
 
     /// How an entry of the include table was added to the element table.
     enum Pull : std::uint8_t
@@ -92,7 +93,7 @@ private:
     const char* type;
     std::uint32_t nameSize; // a document is smaller than 4 GB
     std::uint32_t typeSize;
-    std::unique_ptr<Children> children; // most entries have none
+    Children* children = nullptr; // most entries have none
     SourcePlace place;
     Pull pull = notPulled;
     bool marked : 1;

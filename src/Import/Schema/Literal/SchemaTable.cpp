@@ -91,7 +91,7 @@ void SchemaTable::clear()
     schemaElements.clear();
     includedElements.clear();
     pulled.clear();
-    ownedElements.clear();
+    memory.release();
     cyclicReferences = 0;
     mainElement = SchemaOutline::kNone;
 }
@@ -279,7 +279,8 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaSaying& said, const Rec
             ++cyclicReferences;
             return nullptr;
         }
-        entry = &ownedElements.emplace_back(key, parent.entry ? parent.name : std::string_view(), said);
+        const std::string_view parentName = parent.entry ? parent.name : std::string_view();
+        entry = std::pmr::polymorphic_allocator<>(&memory).new_object<SchemaElement>(key, parentName, said);
         if (earlier)
             entry->setType(earlier->queryType(), !meanTheSame(said.type, earlier->queryType()));
         schemaElements.store(entry);
@@ -289,7 +290,7 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaSaying& said, const Rec
         report->add(SourceReport::inventedRepetition, said.place, said.name); // two usages become a table
     }
     if (parent.entry)
-        parent.entry->addChild(entry);
+        parent.entry->addChild(entry, memory);
     return entry;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Arena.h"
 #include "Base/KeyedTable.h"
 #include "Base/Progress.h"
 #include "Import/Schema/Literal/SchemaElement.h"
@@ -85,14 +86,14 @@ private:
     SchemaSaying sayingOf(const SchemaOutline& outline, Index at, std::string_view name) const;
     bool meanTheSame(std::string_view oneType, std::string_view otherType) const;
 
-    SourceReport* report = nullptr;          // of the current import
-    SchemaKinds* kinds = nullptr;            // of the current import
-    Entries schemaElements;                  // of the current pass
-    Entries includedElements;                // of the include pass
-    std::deque<SchemaElement*> pulled;       // included entries that belong to the element table as well, at its end
-    std::deque<SchemaElement> ownedElements; // of both tables
-    CancelPoint cancelPoint{4096};           // passed at each declaration
-    int cyclicReferences = 0;                // reported so far
+    SourceReport* report = nullptr;    // of the current import
+    SchemaKinds* kinds = nullptr;      // of the current import
+    Entries schemaElements;            // of the current pass
+    Entries includedElements;          // of the include pass
+    std::deque<SchemaElement*> pulled; // included entries that belong to the element table as well, at its end
+    Arena memory;                      // of the entries of both tables
+    CancelPoint cancelPoint{4096};     // passed at each declaration
+    int cyclicReferences = 0;          // reported so far
     Index mainElement = SchemaOutline::kNone;
     bool isWhole = false; // the second pass would find the same
     CString rootTypeName; // stays from one schema to the next
