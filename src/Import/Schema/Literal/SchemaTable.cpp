@@ -298,6 +298,8 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaSaying& said, const Rec
 // pulled entries are appended to the table, so the walk reaches them, and earlier entries need nothing more.
 void SchemaTable::mergeLists()
 {
+    if (includedElements.empty())
+        return;
     for (const SchemaElement* entry : schemaElements) {
         cancelPoint.pass();
         pull(entry->queryType());
