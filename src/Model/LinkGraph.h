@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/LargePages.h"
 #include "Model/Element.h"
 
 #include <span>
@@ -55,6 +56,6 @@ private:
 
     std::span<Element* const> owned;
     std::vector<Element*> others; // the other elements, numbered after `owned`
-    std::vector<Links> links;
-    std::vector<Index> targets;
+    std::vector<Links, LargePages<Links>> links;
+    std::vector<Index, LargePages<Index>> targets;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/LargePages.h"
 #include "Base/Progress.h"
 #include "Model/ClimbShortcuts.h"
 #include "Model/LinkGraph.h"
@@ -62,8 +63,8 @@ private:
 
     TypeList& list;
     LinkGraph graph;
-    std::vector<Node> nodes;
-    std::vector<Progress> progress;
+    std::vector<Node, LargePages<Node>> nodes;
+    std::vector<Progress, LargePages<Progress>> progress;
     std::vector<Frame> frames; // a stack
     ProgressMeter told;
     Index lastClimb = 0;

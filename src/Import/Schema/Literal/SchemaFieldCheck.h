@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/LargePages.h"
 #include "Import/Schema/Literal/SchemaTable.h"
 #include "Model/Element.h"
 
@@ -61,6 +62,6 @@ private:
     const SchemaTable& table;
     SchemaKinds& kinds;
     SourceReport& sourceReport;
-    std::vector<Field> fields;
+    std::vector<Field, LargePages<Field>> fields;
     std::unordered_map<const Element*, const SchemaElement*> repeated; // the first record in which an element repeats
 };
