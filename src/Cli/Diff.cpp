@@ -5,14 +5,19 @@
 #include "Cli/Output.h"
 #include "Cli/ReportFile.h"
 #include "Cli/TypeListing.h"
+#include "Files/File.h"
 #include "Files/FileMessage.h"
 #include "Import/Btd/BrokerMsg.h"
+#include "Import/GenerationTime.h"
 #include "Types/TypeChanges.h"
 #include "Types/TypeStructure.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <array>
+#include <filesystem>
+#include <system_error>
 
 namespace {
 
@@ -41,8 +46,9 @@ CString nameOf(const TypeChange& change)
 class Differences
 {
 public:
-    Differences(const TypeStructure& before, const TypeStructure& after, const DiffOptions& options) :
-        options(options), reader(readerOf(options))
+    explicit Differences(const DiffOptions& options) : options(options), reader(readerOf(options)) {}
+
+    void compare(const TypeStructure& before, const TypeStructure& after)
     {
         const TypeFolders folders = movedFolders(before, after);
         if (!folders.areEqual() && !options.ignoreFolders)
@@ -152,6 +158,84 @@ private:
     std::vector<TypeChange> changes;
 };
 
+// An earlier document, read in pieces and compared with the one that an import writes.
+class EarlierDocument
+{
+public:
+    explicit EarlierDocument(const CString& fileName) : file(fileName) {}
+
+    /// Moves behind `piece` if the document goes on with it. Returns false if it doesn't, or can't be read.
+    bool passes(std::string_view piece)
+    {
+        while (!piece.empty() && hasMore()) {
+            const std::size_t size = std::min(piece.size(), rest.size());
+            if (rest.substr(0, size) != piece.substr(0, size))
+                return false;
+            rest.remove_prefix(size);
+            piece.remove_prefix(size);
+        }
+        return piece.empty();
+    }
+
+    /// Moves behind the next `size` bytes, whatever they are.
+    void skip(std::size_t size)
+    {
+        for (; size > 0 && hasMore(); --size)
+            rest.remove_prefix(1);
+    }
+
+    bool hasMore()
+    {
+        if (rest.empty())
+            if (const ssize_t size = file.read(buffer.data(), buffer.size()); size > 0)
+                rest = {buffer.data(), static_cast<std::size_t>(size)};
+        return !rest.empty();
+    }
+
+private:
+    InputFile file;
+    std::array<char, 1 << 16> buffer;
+    std::string_view rest; // of the last piece
+};
+
+// Returns whether a file is the document that `message` writes, at whatever time. Such a document has the same types,
+// so it need not be imported.
+bool isDocumentOf(MsgBase& message, const CString& fileName)
+{
+    std::error_code failure;
+    if (!std::filesystem::is_regular_file(fileName, failure) || !holdsTypes(message))
+        return false;
+    EarlierDocument document(fileName);
+    const CString tag = message.queryFrameTag();
+    if (!document.passes(kBeforeTime))
+        return false;
+    document.skip(kTimeLength);
+    if (!document.passes(" -->\r\n<" + tag + ">\r\n"))
+        return false;
+    message.beginEnum();
+    while (Element* const type = message.enumNext())
+        if (!document.passes(type->asXML()))
+            return false;
+    return document.passes("</" + tag + ">") && !document.hasMore();
+}
+
+// Imports the earlier document and compares it. Returns false on failure, which has been reported.
+bool compare(MsgBase& message, const CString& document, const DiffOptions& options, const ReportOptions& report,
+             Diagnostics& diagnostics, Differences& differences)
+{
+    BrokerMessage earlier;
+    earlier.keepTwins();
+    earlier.parseFile(document, earlier.getBasePath());
+    if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository())
+        diagnostics.add({document, "it is no document of types"});
+    else
+        nameLosses(earlier.queryReport(), report, diagnostics, document);
+    if (diagnostics.hasErrors())
+        return false;
+    differences.compare(TypeStructure(earlier), TypeStructure(message));
+    return true;
+}
+
 } // namespace
 
 CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
@@ -181,17 +265,10 @@ int diffTypes(MsgBase& message, const DiffOptions& options, const ReportOptions&
               Diagnostics& diagnostics)
 {
     const CString document = options.document == "-" ? kStandardInput : options.document;
-    BrokerMessage earlier;
-    earlier.keepTwins();
-    earlier.parseFile(document, earlier.getBasePath());
-    if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository())
-        diagnostics.add({document, "it is no document of types"});
-    else
-        nameLosses(earlier.queryReport(), report, diagnostics, document);
-    if (diagnostics.hasErrors())
+    Differences differences(options);
+    const bool isEqual = !options.isRepository() && isDocumentOf(message, document);
+    if (!isEqual && !compare(message, document, options, report, diagnostics, differences))
         return kTrouble;
-    const TypeStructure before(earlier), after(message);
-    const Differences differences(before, after, options);
     options.asJson ? differences.writeJson(output) : differences.writeText(output);
     if (!output.finish())
         return kTrouble;

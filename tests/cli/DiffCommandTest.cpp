@@ -82,6 +82,9 @@ not compatible: it breaks readers
          "$import btd w.btd -q -o w2.btd; $import btd w.btd -q --diff w2.btd",
          {0, "", ""}},
         {"$import r.dtd --diff none", {2, "", "none: error: No such file or directory\n"}},
+        // The same types, but no document: something stands behind the end, or the end is missing.
+        {"(cat r.xml; echo x) >x.xml; $import r.dtd --diff x.xml; head -c -1 r.xml >x.xml; $import r.dtd --diff x.xml",
+         {2, "", "x.xml:4:446: error: Extra content at the end of the document\nx.xml:4:445: error: expected '>'\n"}},
         {"echo '<a/>' >a.xml; $import r.dtd --diff a.xml", {2, "", "a.xml: error: it is no document of types\n"}},
         {"$import odbc x --user u --password-file none --diff r.xml",
          {2, "", says("can't open none: No such file or directory")}},
