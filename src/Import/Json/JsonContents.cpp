@@ -79,10 +79,14 @@ void JsonContents::enter(Index schema)
     }
     Frame& frame = frames.emplace_back();
     frame.node = schema;
-    if (tree.is(schema, JsonNode::array))
+    const bool isMade = tree[schema].parent == 0 && documents.rootOf(schema) != schema;
+    const bool isChoice = isMade || tree.keyOf(schema) == JsonWord::oneOf || tree.keyOf(schema) == JsonWord::anyOf;
+    if (tree.is(schema, JsonNode::array) && isChoice)
         readMembers(schema, either, frame.parts);
     else if (tree.is(schema, JsonNode::object))
         readSchema(frame);
+    else if (!tree.is(schema, JsonNode::boolean))
+        documents.note(SourceReport::senselessValue, schema, tree.text(schema));
 }
 
 // Returns a schema that is the choice between all; 0 if there are none.

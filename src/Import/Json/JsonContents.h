@@ -131,6 +131,7 @@ private:
     void readMembers(Index holder, How how, std::vector<Part>& parts) const;
     void countDetail(JsonWord key);
     void countOptional(Index schema, Index properties);
+    std::vector<JsonWord> typesOf(Index type);
     void readOwn(Frame& frame, Own& own);
     JsonContent contentOfType(JsonWord type, Frame& frame, Own& own);
     JsonContent contentOfValues(Frame& frame, const Own& own, bool isText);

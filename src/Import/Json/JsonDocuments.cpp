@@ -168,6 +168,9 @@ JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference)
         lookUp(holder, tree.names[reference], found);
         if (found.node != 0)
             link(holder, found.node);
+        // A title or a list is there, but no schema.
+        if (!tree.is(found.node, JsonNode::object) && !tree.is(found.node, JsonNode::boolean))
+            found.node = 0;
         known = resolved.emplace(key, found).first;
     }
     const auto [node, fault] = known->second;

@@ -5,6 +5,44 @@
 #include <unordered_map>
 #include <utility>
 
+namespace {
+
+// Returns the kinds of values that a keyword may have, as a set of bits; 0 if it may have any.
+unsigned kindsFor(JsonWord key)
+{
+    constexpr unsigned text = 1u << JsonNode::string, list = 1u << JsonNode::array, object = 1u << JsonNode::object,
+                       schema = object | 1u << JsonNode::boolean;
+    switch (key) {
+    case JsonWord::ref:
+    case JsonWord::dynamicRef:
+    case JsonWord::recursiveRef:
+    case JsonWord::format:
+        return text;
+    case JsonWord::allOf:
+    case JsonWord::oneOf:
+    case JsonWord::anyOf:
+    case JsonWord::prefixItems:
+    case JsonWord::enumWord:
+        return list;
+    case JsonWord::dependentSchemas:
+    case JsonWord::dependencies:
+    case JsonWord::properties:
+    case JsonWord::patternProperties:
+        return object;
+    case JsonWord::additionalProperties:
+    case JsonWord::unevaluatedProperties:
+        return schema;
+    case JsonWord::items:
+        return schema | list;
+    case JsonWord::type:
+        return text | list;
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
 void JsonContents::readMembers(Index holder, How how, std::vector<Part>& parts) const
 {
     for (Index at = tree[holder].firstChild; at != 0; at = tree[at].next)
@@ -32,22 +70,22 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
 {
     const Index node = tree.target(child);
     const bool isObject = tree.is(node, JsonNode::object), isArray = tree.is(node, JsonNode::array);
-    switch (const JsonWord key = tree.keyOf(child); key) {
+    const JsonWord key = tree.keyOf(child);
+    if (const unsigned kinds = kindsFor(key); kinds != 0 && (kinds & 1u << tree[node].kind) == 0)
+        return documents.note(SourceReport::senselessValue, child, tree.key(child));
+    switch (key) {
     case JsonWord::ref:
     case JsonWord::dynamicRef:
     case JsonWord::recursiveRef:
-        if (tree.is(node, JsonNode::string))
-            readReference(frame, child);
+        readReference(frame, child);
         break;
     case JsonWord::allOf:
-        if (isArray)
-            readMembers(node, both, frame.parts);
+        readMembers(node, both, frame.parts);
         break;
     case JsonWord::oneOf:
     case JsonWord::anyOf:
         report.count(SourceReport::alternatives);
-        if (isArray)
-            frame.parts.push_back({node, both});
+        frame.parts.push_back({node, both});
         break;
     case JsonWord::ifWord:
     case JsonWord::then:
@@ -56,27 +94,24 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::dependentSchemas:
     case JsonWord::dependencies:
-        if (isObject)
-            for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
-                if (tree.is(tree.target(at), JsonNode::object)) // else an array of property names
-                    frame.parts.push_back({tree.target(at), maybe});
+        for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
+            if (key != JsonWord::dependencies || !tree.is(tree.target(at), JsonNode::array)) // of property names
+                frame.parts.push_back({tree.target(at), maybe});
         break;
     case JsonWord::properties:
-        if (isObject) {
-            frame.parts.push_back({node, JsonContents::own});
-            own.hasProperties = own.hasProperties || tree[node].firstChild != 0;
-            countOptional(frame.node, node);
-        }
+        frame.parts.push_back({node, JsonContents::own});
+        own.hasProperties = own.hasProperties || tree[node].firstChild != 0;
+        countOptional(frame.node, node);
         break;
     case JsonWord::type:
         own.type = node;
         break;
     case JsonWord::format:
-        own.format = tree.is(node, JsonNode::string) ? tree[node].text : 0;
+        own.format = tree[node].text;
         break;
     case JsonWord::enumWord:
-        own.isListed = isArray;
-        for (Index at = isArray ? tree[node].firstChild : 0; at != 0; at = tree[at].next)
+        own.isListed = true;
+        for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
             own.values.push_back(tree.target(at));
         break;
     case JsonWord::constWord:
@@ -98,7 +133,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
             own.mapValues.push_back(node);
         break;
     case JsonWord::patternProperties:
-        for (Index at = isObject ? tree[node].firstChild : 0; at != 0; at = tree[at].next)
+        for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
             own.mapValues.push_back(tree.target(at));
         break;
     case JsonWord::discriminator:
@@ -168,6 +203,25 @@ void JsonContents::countOptional(Index schema, Index properties)
     report.count(SourceReport::optionality, all - std::min(all, required));
 }
 
+// Returns the types that a schema names, in their order. Null among several is left out.
+std::vector<JsonWord> JsonContents::typesOf(Index type)
+{
+    constexpr JsonWord known[] = {JsonWord::string, JsonWord::number, JsonWord::integer, JsonWord::boolean,
+                                  JsonWord::object, JsonWord::array,  JsonWord::nullWord};
+    std::vector<JsonWord> types;
+    const bool isList = tree.is(type, JsonNode::array);
+    for (Index at = isList ? tree[type].firstChild : type; at != 0; at = isList ? tree[at].next : 0) {
+        const JsonWord word = tree.wordOf(tree[at].text);
+        if (!tree.is(at, JsonNode::string) || std::ranges::find(known, word) == std::end(known))
+            documents.note(SourceReport::senselessValue, at, tree.text(at));
+        if (isList && word == JsonWord::nullWord)
+            report.count(SourceReport::nillable);
+        else
+            types.push_back(word);
+    }
+    return types;
+}
+
 // Combines the schema's own keywords. Its types are alternatives; without a "type" the type follows from the other
 // keywords.
 void JsonContents::readOwn(Frame& frame, Own& own)
@@ -176,14 +230,7 @@ void JsonContents::readOwn(Frame& frame, Own& own)
         documents.note(SourceReport::furtherProperties, frame.node);
         own.mapValues.clear();
     }
-    std::vector<JsonWord> wanted;
-    if (tree.is(own.type, JsonNode::string))
-        wanted.push_back(tree.wordOf(tree[own.type].text));
-    for (Index at = tree.is(own.type, JsonNode::array) ? tree[own.type].firstChild : 0; at != 0; at = tree[at].next)
-        if (const JsonWord word = tree.wordOf(tree[at].text); word == JsonWord::nullWord)
-            report.count(SourceReport::nillable);
-        else
-            wanted.push_back(word);
+    std::vector<JsonWord> wanted = typesOf(own.type);
     const auto texts = static_cast<std::size_t>(std::ranges::count(wanted, JsonWord::string));
     if (own.isListed && (texts > 0 || wanted.empty()))
         return join(frame, contentOfValues(frame, own, texts > 0 && texts == wanted.size()), both, frame.node);
