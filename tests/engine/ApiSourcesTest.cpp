@@ -1,5 +1,6 @@
 #include "Import/Json/AvroMsg.h"
 #include "Import/Json/JsonDataMsg.h"
+#include "Import/Json/JsonSchemaMsg.h"
 #include "Import/Json/OpenApiMsg.h"
 #include "support/FullTypes.h"
 #include "support/Importing.h"
@@ -13,6 +14,15 @@ struct Rule
     const char* types;
     const char* losses = "";
     const char* root = "";
+};
+
+const Rule kSchemas[] = {
+    {"MisspeltStatements",
+     R"({"title":"T","type":"object","properties":{"a":{"type":"strng"},"b":{"$ref":5},"c":{"type":["string",7]},"d":{"properties":["x"]},"e":7,
+        "f":{"$ref":"#/title"},"g":["x"],"h":{"items":"x"},"i":{"allOf":{}},"j":{"enum":"x"},"k":{"if":1},"l":{"unknown":1,"items":true}}})",
+     "t_l[String] T(a:String b:String c:String d:String e:String f:String g:String h:String i:String j:String "
+     "k:String l:t_l)",
+     "11 losses: 10 values not understood, 1 reference became text"},
 };
 
 const Rule kApis[] = {
@@ -75,6 +85,13 @@ const Rule kAvro[] = {
      "t_e[Number] A(x:Number y:String) a(x:Number y:String z:Number) r(a:a b:Number c:String d:A e:t_e) B(y:String "
      "z:Number)",
      "1 loss: 1 value of several kinds"},
+    {"MisspeltStatements",
+     R"({"type":"record","name":"r","fields":[{"name":"a","type":{"type":"Nope"}},{"name":"b"},{"name":"c","type":{"type":"record","name":"C","feilds":[]}},
+        {"name":"d","type":{"type":"map"}},{"name":"e","type":{"type":"array"}},{"name":"f","type":{"type":"enum","name":"E"}},{"type":"int"},
+        {"name":"g","type":null},{"name":"h","type":{"type":"enum","symbols":["X",1]}}]})",
+     "h{X} t_e[String] d(key:String value:String) C() t_d[d] r(a:String b:String c:C d:t_d e:t_e f:String _:Number "
+     "g:String h:h)",
+     "10 losses: 7 declarations not understood, 2 references became text, 1 value not understood"},
     {"SeveralAtTheTop",
      R"([{"type":"record","name":"a","fields":[{"name":"x","type":"b"}]},{"type":"record","name":"b","fields":[{"name":"y","type":"int"}]}])",
      "b(y:Number) a(x:b)"},
@@ -119,10 +136,15 @@ protected:
         EXPECT_EQ(this->message.queryReport().lossesInWords(), this->GetParam().losses);
     }
 };
+using SchemaLoss = Rows<JsonSchemaMessage>;
 using OpenApiRule = Rows<OpenApiMessage>;
 using AvroRule = Rows<AvroMessage>;
 using JsonDataRule = Rows<JsonDataMessage>;
 
+TEST_P(SchemaLoss, GivesTypes)
+{
+    check();
+}
 TEST_P(OpenApiRule, GivesTypes)
 {
     check();
@@ -137,6 +159,7 @@ TEST_P(JsonDataRule, GivesTypes)
 }
 
 const auto kNameOf = [](const auto& row) { return row.param.name; };
+INSTANTIATE_TEST_SUITE_P(Rows, SchemaLoss, testing::ValuesIn(kSchemas), kNameOf);
 INSTANTIATE_TEST_SUITE_P(Rows, OpenApiRule, testing::ValuesIn(kApis), kNameOf);
 INSTANTIATE_TEST_SUITE_P(Rows, AvroRule, testing::ValuesIn(kAvro), kNameOf);
 INSTANTIATE_TEST_SUITE_P(Rows, JsonDataRule, testing::ValuesIn(kExamples), kNameOf);

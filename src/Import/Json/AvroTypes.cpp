@@ -67,7 +67,9 @@ void AvroTypes::declareAll(Scoped top)
 void AvroTypes::declare(Scoped& at)
 {
     const std::string_view name = tree.textOf(at.schema, JsonWord::name);
-    if (name.empty() || !isNamedType(tree.textOf(at.schema, JsonWord::type)))
+    if (!isNamedType(tree.textOf(at.schema, JsonWord::type)))
+        return;
+    if (find(at.schema, JsonWord::name, JsonNode::string) == 0 || name.empty())
         return;
     if (const std::size_t dot = name.rfind('.'); dot != name.npos)
         at.space = tree.names.intern(CString(name.substr(0, dot)));
@@ -77,6 +79,17 @@ void AvroTypes::declare(Scoped& at)
         documents.note(SourceReport::declaredTwice, at.schema, name);
     spaces[at.schema] = at.space;
     order.push_back(at);
+}
+
+// Returns the member that a schema or a field must have; 0 and a loss if it is missing or of another kind.
+JsonNode::Index AvroTypes::find(Index schema, JsonWord key, JsonNode::Kind kind)
+{
+    const Index found = tree.find(schema, key);
+    const bool isRight = found != 0 && (kind == JsonNode::none || tree.is(found, kind));
+    if (!isRight)
+        documents.note(SourceReport::senselessDeclaration, schema,
+                       "no " + CString(tree.names[static_cast<NameTable::Id>(key)]));
+    return isRight ? found : 0;
 }
 
 void AvroTypes::addCandidate(Index schema, std::string_view name)
@@ -190,7 +203,7 @@ std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternati
         }
         alternatives.clear();
         for (const Scoped& array : sorted.arrays)
-            alternatives.push_back({tree.find(array.schema, JsonWord::items), array.space});
+            alternatives.push_back({find(array.schema, JsonWord::items), array.space});
     }
 }
 
@@ -297,11 +310,13 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
     std::optional<SourceTypes::Kind> shared;
     bool isShared = true, isBytes = false, isNumber = false;
     for (const Scoped& leaf : leaves) {
-        const std::string_view type = tree.text(leaf.schema);
-        const bool isKnown =
-            isOneOf(type, {"", "int", "long", "float", "double", "bytes", "string", "boolean", "null"});
-        if (tree.is(leaf.schema, JsonNode::string) && !isKnown)
-            documents.note(SourceReport::unresolvedReference, leaf.schema, type);
+        const bool isObject = tree.is(leaf.schema, JsonNode::object);
+        const Index said = isObject ? find(leaf.schema, JsonWord::type) : leaf.schema;
+        const std::string_view type = tree.text(said);
+        const bool isKnown = isOneOf(type, {"int", "long", "float", "double", "bytes", "string", "boolean", "null"}) ||
+                             (isObject && isNamedType(type));
+        if (said != 0 && (!tree.is(said, JsonNode::string) || !isKnown))
+            documents.note(SourceReport::unresolvedReference, said, type);
         const auto kind = kindOf(leaf.schema);
         if (!kind) {
             isBytes = true;
@@ -326,9 +341,11 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
     std::vector<std::string_view> constants;
     std::unordered_set<NameTable::Id> met;
     for (const Scoped& leaf : leaves) {
-        const Index symbols = tree.find(leaf.schema, JsonWord::symbols, JsonNode::array);
+        const Index symbols = find(leaf.schema, JsonWord::symbols, JsonNode::array);
         for (Index at = tree[symbols].firstChild; at != 0; at = tree[at].next)
-            if (tree.is(at, JsonNode::string) && met.insert(tree[at].text).second)
+            if (!tree.is(at, JsonNode::string))
+                documents.note(SourceReport::senselessValue, at, tree.text(at));
+            else if (met.insert(tree[at].text).second)
                 constants.push_back(types.keep(tree.text(at)));
     }
     const Index schema = leaves.front().schema;
@@ -367,21 +384,22 @@ void AvroTypes::readFields(const Pending& record)
         fields.push_back({"key"});
         known.push_back({"value", {}, {}});
         for (const Scoped& map : record.schemas)
-            known.back().alternatives.push_back({tree.find(map.schema, JsonWord::values), map.space});
+            known.back().alternatives.push_back({find(map.schema, JsonWord::values), map.space});
     } else {
         for (const Scoped& schema : record.schemas) {
             const bool isList = tree.is(schema.schema, JsonNode::array);
-            const Index list = isList ? schema.schema : tree.find(schema.schema, JsonWord::fields, JsonNode::array);
+            const Index list = isList ? schema.schema : find(schema.schema, JsonWord::fields, JsonNode::array);
             for (Index at = tree[list].firstChild; at != 0; at = tree[at].next) {
                 spendStep();
                 const Index field = tree.target(at);
                 report.count(SourceReport::defaultValue, tree.find(field, JsonWord::defaultWord) != 0);
                 report.count(SourceReport::facet,
                              (tree.find(field, JsonWord::order) != 0) + (tree.find(field, JsonWord::aliases) != 0));
-                const auto [place, isNew] = byName.try_emplace(tree.textOf(field, JsonWord::name), known.size());
+                const auto [place, isNew] =
+                    byName.try_emplace(tree.text(find(field, JsonWord::name, JsonNode::string)), known.size());
                 if (isNew)
                     known.push_back({names.fit(place->first, field), describe(field), {}});
-                known[place->second].alternatives.push_back({tree.find(field, JsonWord::type), schema.space});
+                known[place->second].alternatives.push_back({find(field, JsonWord::type), schema.space});
             }
         }
     }

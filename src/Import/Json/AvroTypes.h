@@ -58,6 +58,7 @@ private:
 
     void declareAll(Scoped top);
     void declare(Scoped& at);
+    Index find(Index schema, JsonWord key, JsonNode::Kind kind = JsonNode::none);
     NameTable::Id fullNameOf(std::string_view name, NameTable::Id space);
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
     Sorted sort(std::vector<Scoped> alternatives);
