@@ -23,6 +23,24 @@ const Rule kSchemas[] = {
      "t_l[String] T(a:String b:String c:String d:String e:String f:String g:String h:String i:String j:String "
      "k:String l:t_l)",
      "11 losses: 10 values not understood, 1 reference became text"},
+    {"ConditionsNarrowNothing",
+     R"({"title":"T","properties":{"k":{"type":"string"},"l":{"type":"string","anyOf":[{"const":"A"},{"pattern":"x"}]}},"allOf":[
+        {"if":{"properties":{"k":{"const":"A"}}},"then":{"properties":{"v":{"type":"number"}}}},
+        {"dependentSchemas":{"k":{"properties":{"k":{"const":"B"}}}}},{"anyOf":[{"properties":{"k":{"const":"C"}}},{"properties":{"z":{}}}]},
+        {"anyOf":[{"properties":{"k":{"const":"D"}}},{"not":{"required":["k"]}}]}]})",
+     "T(k:String l:String v:Number z:String)"},
+    {"ConditionsBeforeTheProperties",
+     R"({"title":"T","allOf":[{"if":{"properties":{"k":{"const":"A"},"n":{"properties":{"y":{}}}}}},
+        {"properties":{"k":{"enum":["A","B"]},"n":{"properties":{"x":{}}}}}]})",
+     "k{A|B} n(x:String y:String) T(k:k n:n)"},
+    {"AlternativesThatAllNarrow",
+     R"({"title":"T","properties":{"k":{"type":"string"}},"oneOf":[{"properties":{"k":{"const":"A"}}},{"properties":{"k":{"const":"B"}}}]})",
+     "k{A|B} T(k:k)"},
+    {"ConditionsAreAlternatives",
+     R"({"title":"T","if":{"required":["k"]},"then":{"properties":{"v":{"enum":["a"]},"w":{"type":"string"}}},
+        "else":{"properties":{"v":{"enum":["b"]},"w":{"properties":{"z":{}}}}},
+        "dependentSchemas":{"v":{"properties":{"n":{"type":"number"}}},"w":{"properties":{"n":{"type":"string"}}}}})",
+     "v{a|b} w(z:String) T(v:v w:w n:String)", "2 losses: 2 values of several kinds"},
 };
 
 const Rule kApis[] = {

@@ -115,12 +115,15 @@ void JsonContents::finish()
     Frame& frame = frames.back();
     if (frame.mapping != 0 && frame.content.kind == JsonContent::record)
         overrideDiscriminator(frame);
+    if (frame.objects > 1 && !frame.isBorrowed)
+        for (MergedField& field : frame.fields)
+            field.isConditional = field.isConditional || field.alternatives < frame.objects;
     JsonContent content = frame.content;
     if (!frame.isBorrowed && content.kind == JsonContent::record) {
         content.first = static_cast<std::uint32_t>(fields.size());
         content.count = static_cast<std::uint32_t>(frame.fields.size());
         for (const MergedField& field : frame.fields)
-            fields.push_back({field.name, mergedOf(field.schema, field.more)});
+            fields.push_back({field.name, mergedOf(field.schema, field.more), field.isConditional});
     } else if (!frame.isBorrowed && content.kind == JsonContent::enumeration) {
         content.first = static_cast<std::uint32_t>(constants.size());
         content.count = static_cast<std::uint32_t>(frame.constants.size());
@@ -129,6 +132,7 @@ void JsonContents::finish()
     const bool isOthers = content.owner != 0 && (frame.isReference || !isDeclared(frame.node));
     if (!isOthers)
         content.owner = frame.node;
+    content.isConditional = content.isConditional || frame.allowsAny;
     contents[frame.node] = content;
     inHand.erase(frame.node);
     frames.pop_back();
@@ -149,19 +153,42 @@ void JsonContents::overrideDiscriminator(Frame& frame)
     for (MergedField& field : frame.fields)
         if (field.name == frame.discriminator)
             field = {{frame.discriminator, schema}, {}};
-    addField(frame, {frame.discriminator, schema}, maybe);
+    addField(frame, {frame.discriminator, schema}, both);
 }
 
 void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index part)
 {
-    if (added.kind == JsonContent::none)
+    const bool isObject = added.kind == JsonContent::record || added.kind == JsonContent::map;
+    frame.objects += how == either && isObject ? 1 : 0;
+    const Kind kind = frame.content.kind;
+    if (added.kind == JsonContent::none) {
+        frame.allowsAny = frame.allowsAny || (how == either && !isNull(part));
         return;
-    if (frame.content.kind == JsonContent::none)
+    }
+    if (how == both && added.isConditional)
+        how = maybe;
+    const bool isEmpty = kind == JsonContent::record && frame.isBorrowed && frame.content.count == 0;
+    if (kind == JsonContent::none || (isEmpty && isObject && how == maybe)) {
         take(frame, added);
-    else if (how == either)
+        frame.content.isConditional = frame.content.isConditional || how == maybe;
+    } else if (how == either) {
         joinEither(frame, added, part);
-    else
+    } else if (how == both && frame.content.isConditional && frame.isBorrowed && kind != JsonContent::record) {
+        const JsonContent condition = frame.content;
+        take(frame, added);
+        joinBoth(frame, condition, maybe, part);
+    } else {
+        const bool isConditional = frame.content.isConditional && how == maybe;
         joinBoth(frame, added, how, part);
+        frame.content.isConditional = isConditional;
+    }
+}
+
+// Returns whether a schema without content allows null only, which narrows nothing.
+bool JsonContents::isNull(Index schema) const
+{
+    return tree.find(schema, JsonWord::type) != 0 || tree.find(schema, JsonWord::constWord) != 0 ||
+           tree.find(schema, JsonWord::enumWord) != 0;
 }
 
 // Borrows the content of a part. Its fields are copied only when others are added, see makeOwn().
@@ -186,12 +213,12 @@ void JsonContents::makeOwn(Frame& frame)
         frame.constants.assign(constants.begin() + content.first, constants.begin() + content.first + content.count);
     if (content.kind == JsonContent::record)
         for (std::uint32_t i = 0; i < content.count; ++i)
-            addField(frame, fields[content.first + i], both);
+            addField(frame, fields[content.first + i], content.isConditional ? maybe : both);
 }
 
-// Combines two contents that both apply. Fields of records add up, text is narrowed by an enumeration or a time, and
-// items are merged. If the kinds conflict, objects take precedence over other kinds and records over maps; of other
-// kinds the later one is used.
+// Combines two contents that both apply, the second one under a condition with `maybe`. Fields of records add up, text
+// is narrowed by an enumeration or a time, and items are merged. If the kinds conflict, objects take precedence over
+// other kinds and records over maps; of other kinds the later one is used.
 void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Index part)
 {
     const Kind kind = frame.content.kind;
@@ -210,6 +237,9 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
             addField(frame, fields[added.first + i], how);
         return;
     }
+    // Conditions exclude each other, as "then" and "else" do.
+    if (how == maybe && frame.content.isConditional)
+        return joinEither(frame, added, part);
     if (how == maybe && !(kind == JsonContent::map && added.kind == JsonContent::record))
         return;
     const bool isRefined =
@@ -328,16 +358,36 @@ void JsonContents::addField(Frame& frame, JsonField field, How how)
             at = known->second;
     }
     if (at < size) {
-        if (!isConstant && frame.fields[at].schema != field.schema &&
-            !sayTheSame(frame.fields[at].schema, field.schema))
-            frame.fields[at].more.push_back({field.schema, how});
+        if (!isConstant)
+            mergeField(frame.fields[at], field, how);
         return;
     }
     if (isConstant) {
         frame.constants.push_back(field.name);
     } else {
-        MergedField& added = frame.fields.emplace_back();
-        added.name = field.name;
-        added.schema = field.schema;
+        field.isConditional = field.isConditional || how == maybe;
+        frame.fields.push_back({field, {}, field.isConditional ? 0u : 1u});
     }
+}
+
+// Adds a further schema to a field. Schemas that apply under conditions are alternatives, and follow one that always
+// applies.
+void JsonContents::mergeField(MergedField& known, JsonField field, How how)
+{
+    const bool isConditional = field.isConditional || how == maybe;
+    const bool isSame = known.schema == field.schema || sayTheSame(known.schema, field.schema);
+    if (how == either) {
+        known.alternatives += isConditional ? 0 : 1;
+    } else if (known.isConditional && !isConditional) {
+        known.isConditional = false;
+        for (Part& part : known.more)
+            part.how = maybe;
+        if (!isSame)
+            known.more.insert(known.more.begin(), {std::exchange(known.schema, field.schema), maybe});
+        return;
+    } else if (isConditional) {
+        how = known.isConditional ? either : maybe;
+    }
+    if (!isSame)
+        known.more.push_back({field.schema, how});
 }

@@ -11,6 +11,7 @@ struct JsonField
 {
     NameTable::Id name = 0;
     JsonNode::Index schema = 0;
+    bool isConditional = false; ///< the schema applies under a condition or in some alternatives only
 };
 
 /// The values that a schema describes.
@@ -29,10 +30,11 @@ struct JsonContent
     };
 
     Kind kind = none;
-    bool isAlsoLeaf = false;   ///< an array, or a single text or number
-    JsonNode::Index owner = 0; ///< the schema that the type belongs to
-    JsonNode::Index items = 0; ///< schema of an array's items or a map's values; 0 allows any
-    std::uint32_t first = 0;   ///< index of the first field or constant
+    bool isAlsoLeaf = false;    ///< an array, or a single text or number
+    bool isConditional = false; ///< applies under a condition or in some alternatives only
+    JsonNode::Index owner = 0;  ///< the schema that the type belongs to
+    JsonNode::Index items = 0;  ///< schema of an array's items or a map's values; 0 allows any
+    std::uint32_t first = 0;    ///< index of the first field or constant
     std::uint32_t count = 0;
 };
 
@@ -70,7 +72,7 @@ private:
     {
         both,   // applies in addition
         either, // is an alternative
-        maybe,  // applies under a condition: only adds missing fields
+        maybe,  // applies under a condition: adds missing fields, and narrows no others
         own     // is no schema but the properties of this one
     };
 
@@ -84,6 +86,7 @@ private:
     struct MergedField : JsonField
     {
         std::vector<Part> more;
+        std::size_t alternatives = 1; // that have it, of a choice
     };
 
     // The parts of a schema that mergedOf() has made.
@@ -103,7 +106,9 @@ private:
         JsonContent content;
         bool isBorrowed = false; // fields and constants still belong to the only part that has any
         bool isReference = false;
-        Index mapping = 0; // the mapping of its discriminator, or 0
+        std::size_t objects = 0; // alternatives that are objects
+        bool allowsAny = false;  // in one of the alternatives
+        Index mapping = 0;       // the mapping of its discriminator, or 0
         NameTable::Id discriminator = 0;
         std::vector<MergedField> fields;
         std::unordered_map<NameTable::Id, std::size_t> many; // index by name, if there are many
@@ -145,6 +150,8 @@ private:
     void makeOwn(Frame& frame);
     void addOwnFields(Frame& frame, Index properties);
     void addField(Frame& frame, JsonField field, How how);
+    void mergeField(MergedField& known, JsonField field, How how);
+    bool isNull(Index schema) const;
     bool sayTheSame(Index one, Index other) const;
     bool isLeafOf(Index schema, NameTable::Id& type, NameTable::Id& format) const;
     Index baseOf(Index schema);
