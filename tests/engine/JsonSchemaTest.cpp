@@ -45,7 +45,13 @@ const Rule kRules[] = {
     {"ListsOfItems",
      R"("a":{"prefixItems":[{"type":"integer"},{"type":"number"}]},"b":{"items":[{"type":"string"},{"type":"number"}]},
         "c":{"items":[{"properties":{"x":{}}}],"additionalItems":{"properties":{"y":{}}}})",
-     "t_b[String] t_a[Number] c(x:String) t_c[c] r(a:t_a b:t_b c:t_c)"},
+     "t_b[String] t_a[Number] c(x:String y:String) t_c[c] r(a:t_a b:t_b c:t_c)"},
+    {"FurtherItems",
+     R"("a":{"type":"array","unevaluatedItems":{"properties":{"x":{}}}},"b":{"items":{"properties":{"k":{"type":"string"}}},"contains":{"properties":{
+        "k":{"const":"A"},"y":{}}}},"c":{"contains":{"properties":{"z":{}}}},"d":{"items":{"properties":{"w":{}}},"additionalItems":{"type":"string"}},
+        "e":{"type":"array","contains":{"const":"A"}})",
+     "t_e[String] d(w:String) c(z:String) b(k:String y:String) a(x:String) t_a[a] t_b[b] t_c[c] t_d[d] r(a:t_a b:t_b "
+     "c:t_c d:t_d e:t_e)"},
     {"PropertiesOfAnyName",
      R"("a":{"type":"object","additionalProperties":{"type":"number"}},"b":{"patternProperties":{"^x":{"type":"array"}}},
         "c":{"properties":{"x":{}},"additionalProperties":{"type":"string"}},"d":{"type":"object"},

@@ -125,6 +125,7 @@ private:
         bool hasItems = false;
         bool hasProperties = false;
         std::vector<Index> items;
+        Index contained = 0; // schema of some items, if it may be an object
         std::vector<Index> mapValues;
     };
 
@@ -139,6 +140,7 @@ private:
     std::vector<JsonWord> typesOf(Index type);
     void readOwn(Frame& frame, Own& own);
     JsonContent contentOfType(JsonWord type, Frame& frame, Own& own);
+    bool mayBeObject(Index schema);
     JsonContent contentOfValues(Frame& frame, const Own& own, bool isText);
     Index choiceOf(const std::vector<Index>& schemas);
     void finish();

@@ -2,6 +2,7 @@
 #include "Import/Json/JsonContents.h"
 
 #include <algorithm>
+#include <array>
 #include <unordered_map>
 #include <utility>
 
@@ -31,6 +32,9 @@ unsigned kindsFor(JsonWord key)
         return object;
     case JsonWord::additionalProperties:
     case JsonWord::unevaluatedProperties:
+    case JsonWord::additionalItems:
+    case JsonWord::unevaluatedItems:
+    case JsonWord::contains:
         return schema;
     case JsonWord::items:
         return schema | list;
@@ -126,6 +130,21 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
                 own.items.push_back(tree.target(at));
         else if (isObject)
             own.items.push_back(node);
+        break;
+    case JsonWord::additionalItems:
+        // It has no effect without a list of items.
+        if (isObject && tree.is(tree.find(frame.node, JsonWord::items), JsonNode::array))
+            own.items.push_back(node);
+        break;
+    case JsonWord::unevaluatedItems:
+        own.hasItems = own.hasItems || isObject;
+        if (isObject)
+            own.items.push_back(node);
+        break;
+    case JsonWord::contains:
+        countDetail(key);
+        if (mayBeObject(node))
+            own.contained = node;
         break;
     case JsonWord::additionalProperties:
     case JsonWord::unevaluatedProperties:
@@ -237,7 +256,7 @@ void JsonContents::readOwn(Frame& frame, Own& own)
     if (own.type == 0) {
         if (own.hasProperties || !own.mapValues.empty())
             wanted.push_back(JsonWord::object);
-        else if (own.hasItems)
+        else if (own.hasItems || own.contained != 0)
             wanted.push_back(JsonWord::array);
         else if (own.format != 0)
             wanted.push_back(JsonWord::string);
@@ -266,6 +285,11 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
     case JsonWord::array:
         content.kind = JsonContent::array;
         content.items = choiceOf(own.items);
+        // Some of the items are like the contained one, so it narrows none of them.
+        if (own.contained != 0) {
+            const Index any = content.items != 0 ? content.items : tree.add(JsonNode::object, 0, 0, 0, own.contained);
+            content.items = mergedOf(any, std::array{Part{own.contained, maybe}});
+        }
         break;
     default:
         const JsonWord format = tree.wordOf(own.format);
@@ -273,6 +297,16 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
         content.kind = isTime && type == JsonWord::string ? JsonContent::time : JsonContent::text;
     }
     return content;
+}
+
+// Returns whether a schema says something about objects.
+bool JsonContents::mayBeObject(Index schema)
+{
+    schema = baseOf(schema);
+    for (const JsonWord word : {JsonWord::properties, JsonWord::allOf, JsonWord::anyOf, JsonWord::oneOf})
+        if (tree.find(schema, word) != 0)
+            return true;
+    return false;
 }
 
 // Returns an enumeration of the listed values if they are texts; null is left out. With `isText`, numbers and booleans
