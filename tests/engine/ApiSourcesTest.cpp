@@ -137,6 +137,8 @@ const Rule kExamples[] = {
     {"TimesOnlyWhereAllAre", "{\"a\":\"2024-01-31\"} {\"a\":\"soon\"}", "x(a:String)"},
     {"KindsThatDiffer", R"([{"a":1,"b":{"c":1},"d":1},{"a":"x","b":2,"d":[1]}])",
      "b(c:Number) x_2(a:String b:b d:String) t_value[x_2] x(value:t_value)", "3 losses: 3 values of several kinds"},
+    {"KeysGivenTwice", R"({"a":{"x":1},"a":{"y":2},"b":1,"b":2} {"a":{},"b":1})",
+     "a(x:Number y:Number) x(a:a b:Number)", "2 losses: 2 keys given twice"},
     {"NodesOfNodes", R"({"n":{"v":1,"n":{"v":2,"n":{"w":1}}},"l":[{"l":[{"l":[],"k":"x"}]}]})",
      "t_l[l] n(v:Number n:n w:Number) l(l:t_l k:String) x(n:n l:t_l)"},
     {"Empty", R"({"a":{},"b":[],"c":[[]]})", "t_c[String] t_b[String] t_t_c[t_c] x(a:String b:t_b c:t_t_c)"},

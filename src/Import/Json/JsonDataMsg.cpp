@@ -8,14 +8,14 @@
 
 namespace {
 
-void readFileInto(JsonShapes& shapes, const CString& fileName, std::uint32_t number)
+void readFileInto(JsonShapes& shapes, const CString& fileName, std::uint32_t number, SourceReport& report)
 {
     InputFile file(fileName);
     if (file.queryError() != 0)
         throw SourceRefusal{cantOpen(fileName, fileCauseOf(file.queryError())), {fileName, inWords(file.queryError())}};
     try {
         JsonScanner scanner(file);
-        shapes.read(scanner, number);
+        shapes.read(scanner, number, report);
     } catch (const JsonFault& fault) {
         throw SourceRefusal{formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(fault.line),
                                        static_cast<long>(fault.column), fault.reason.c_str()),
@@ -28,9 +28,9 @@ void readFileInto(JsonShapes& shapes, const CString& fileName, std::uint32_t num
 void JsonDataMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
     JsonShapes shapes;
-    readFileInto(shapes, source, report.addFile(source));
+    readFileInto(shapes, source, report.addFile(source), report);
     for (const CString& further : furtherExamples)
-        readFileInto(shapes, further, report.addFile(further));
+        readFileInto(shapes, further, report.addFile(further), report);
     shapes.declare(types.keep(toXmlName(queryGivenName().empty() ? CString(stemOf(fileName)) : queryGivenName())),
                    types, report);
 }

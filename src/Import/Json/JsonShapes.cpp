@@ -4,6 +4,7 @@
 #include "Import/Json/JsonTypes.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -67,14 +68,14 @@ bool isIsoTime(std::string_view text)
 
 } // namespace
 
-void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber)
+void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber, SourceReport& report)
 {
     // An open container, and the member that came last in it.
     struct Open
     {
         Index shape;
+        std::uint32_t number; // of the object; 0 for an array
         Index last = 0;
-        bool isArray = false;
     };
     file = fileNumber;
     std::vector<Open> open;
@@ -85,6 +86,8 @@ void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber)
         if (token == JsonScanner::key) {
             Open& object = open.back();
             object.last = memberOf(object.shape, object.last, scanner.text());
+            if (std::exchange(shapes[object.last].holder, object.number) == object.number)
+                report.add(SourceReport::keyTwice, {file, scanner.line(), scanner.column()}, scanner.text());
             at = shapes[object.last].target == 0 ? object.last : shapes[object.last].target;
             continue;
         }
@@ -94,16 +97,16 @@ void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber)
         }
         if (open.empty())
             at = 0;
-        else if (open.back().isArray)
+        else if (open.back().number == 0)
             at = itemsOf(open.back().shape);
         switch (token) {
         case JsonScanner::objectBegin:
             note(at, isObject, scanner);
-            open.push_back({at});
+            open.push_back({at, ++objects});
             break;
         case JsonScanner::arrayBegin:
             note(at, Kind::isArray, scanner);
-            open.push_back({at, 0, true});
+            open.push_back({at, 0});
             break;
         case JsonScanner::number:
             note(at, isNumber, scanner);

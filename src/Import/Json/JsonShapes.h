@@ -14,8 +14,9 @@ class JsonShapes
 public:
     JsonShapes() : shapes(1) {}
 
-    /// Adds all values of a file; `file` is its number in the report. Throws JsonFault.
-    void read(JsonScanner& scanner, std::uint32_t file);
+    /// Adds all values of a file; `file` is its number in the report. A key given twice in one object is a loss. Throws
+    /// JsonFault.
+    void read(JsonScanner& scanner, std::uint32_t file, SourceReport& report);
 
     /// Adds the shapes as types. The shape of whole messages becomes the candidate for the main type, under `name`.
     void declare(std::string_view name, SourceTypes& types, SourceReport& report);
@@ -40,11 +41,12 @@ private:
         Index items = 0; // shape of an array's items; 0 if there were none
         Index first = 0; // of the members, in order of first occurrence
         Index last = 0;
-        Index next = 0;         // the next member of the same object
-        Index target = 0;       // the enclosing member of the same key, whose shape is shared; else 0
-        Index follower = 0;     // the member that followed last time
-        SourcePlace place;      // of the first value
-        SourcePlace otherPlace; // of the first value of another kind
+        Index next = 0;           // the next member of the same object
+        Index target = 0;         // the enclosing member of the same key, whose shape is shared; else 0
+        Index follower = 0;       // the member that followed last time
+        std::uint32_t holder = 0; // number of the object that had it last
+        SourcePlace place;        // of the first value
+        SourcePlace otherPlace;   // of the first value of another kind
     };
 
     Index add(Index parent, NameTable::Id key);
@@ -55,6 +57,7 @@ private:
                              SourceTypes& types, SourceReport& report);
 
     std::uint32_t file = 0;
+    std::uint32_t objects = 0; // read so far
     NameTable names;
     std::vector<Shape> shapes;                                    // the first one is for whole messages
     std::unordered_map<std::uint64_t, Index, NumberHash> members; // by object and key
