@@ -88,7 +88,7 @@ void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber, SourceRepo
             object.last = memberOf(object.shape, object.last, scanner.text());
             if (std::exchange(shapes[object.last].holder, object.number) == object.number)
                 report.add(SourceReport::keyTwice, {file, scanner.line(), scanner.column()}, scanner.text());
-            at = shapes[object.last].target == 0 ? object.last : shapes[object.last].target;
+            at = object.last;
             continue;
         }
         if (token == JsonScanner::objectEnd || token == JsonScanner::arrayEnd) {
@@ -101,10 +101,12 @@ void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber, SourceRepo
             at = itemsOf(open.back().shape);
         switch (token) {
         case JsonScanner::objectBegin:
+            at = sharedShape(at, isObject);
             note(at, isObject, scanner);
             open.push_back({at, ++objects});
             break;
         case JsonScanner::arrayBegin:
+            at = sharedShape(at, Kind::isArray);
             note(at, Kind::isArray, scanner);
             open.push_back({at, 0});
             break;
@@ -152,9 +154,20 @@ JsonShapes::Index JsonShapes::itemsOf(Index array)
     return shapes[array].items;
 }
 
+// Returns the shape of an object or array. One nested in another of the same key shares that one's shape, so recursive
+// data such as trees gets a recursive type instead of endless nesting.
+JsonShapes::Index JsonShapes::sharedShape(Index member, Kind kind)
+{
+    Shape& shape = shapes[member];
+    const bool isFirst = shape.target == 0 && (shape.kinds & kind) == 0;
+    for (Index at = isFirst && shape.key != 0 ? shape.parent : 0; at != 0 && shape.target == 0; at = shapes[at].parent)
+        if (shapes[at].key == shape.key && (shapes[at].kinds & kind) != 0)
+            shape.target = at;
+    return shape.target != 0 && (shapes[shape.target].kinds & kind) != 0 ? shape.target : member;
+}
+
 // Returns the shape of a member, added if it is new. The guess succeeds for most objects, because they repeat the keys
-// and the order of the last one. A member nested in one of the same key shares that one's shape, so recursive data such
-// as trees gets a recursive type instead of endless nesting.
+// and the order of the last one.
 JsonShapes::Index JsonShapes::memberOf(Index object, Index before, std::string_view key)
 {
     const Index guess = before == 0 ? shapes[object].first : shapes[before].follower;
@@ -169,9 +182,6 @@ JsonShapes::Index JsonShapes::memberOf(Index object, Index before, std::string_v
         Shape& holder = shapes[object];
         (holder.last == 0 ? holder.first : shapes[holder.last].next) = member;
         holder.last = member;
-        for (Index around = object; around != 0 && shapes[member].target == 0; around = shapes[around].parent)
-            if (shapes[around].key == id && id != 0 && shapes[around].target == 0)
-                shapes[member].target = around;
     }
     const Index member = isNew ? shapes[object].last : known->second;
     if (before != 0)
@@ -195,6 +205,8 @@ void JsonShapes::declare(std::string_view name, SourceTypes& types, SourceReport
             const std::string_view called = JsonTypes::fit(names[shapes[at].key], shapes[at].place, types, report);
             std::uint16_t tables = 0;
             const Index shape = shapes[at].target == 0 ? at : shapes[at].target;
+            if (shape != at && shapes[at].kinds != 0)
+                report.add(SourceReport::kindsDiffer, shapes[at].place, called);
             const SourceTypes::Type field = typeOf(shape, tables, called, records[object], types, report);
             fields.push_back({called, {}, field, SourceTypes::roleElement, tables});
         }

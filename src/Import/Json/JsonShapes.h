@@ -52,6 +52,7 @@ private:
     Index add(Index parent, NameTable::Id key);
     Index memberOf(Index object, Index before, std::string_view key);
     Index itemsOf(Index array);
+    Index sharedShape(Index member, Kind kind);
     void note(Index shape, Kind kind, const JsonScanner& scanner);
     SourceTypes::Type typeOf(Index shape, std::uint16_t& depth, std::string_view name, SourceTypes::Index home,
                              SourceTypes& types, SourceReport& report);
