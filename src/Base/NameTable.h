@@ -3,7 +3,7 @@
 #include "Base/Arena.h"
 #include "Base/KeyedTable.h"
 
-#include <deque>
+#include <memory_resource>
 #include <optional>
 
 /// Interns texts: equal texts have equal numbers. Numbers count up from 0, which is the empty text.
@@ -17,11 +17,13 @@ public:
     /// Returns the number of a text. A new text is copied.
     Id intern(std::string_view text)
     {
-        const std::size_t hash = keyHash(text);
+        const std::uint32_t hash = keyHash(text);
         if (const Name* known = index.find(text, hash))
             return known->id;
-        const auto id = static_cast<Id>(names.size());
-        index.store(&names.emplace_back(Name{texts.keep(text), id}), hash);
+        const auto id = static_cast<Id>(index.size());
+        Name* const made = std::pmr::polymorphic_allocator<>(&memory).new_object<Name>(Name{{}, id});
+        made->text = memory.keep(text); // follows it, so that a lookup misses the processor's cache only once
+        index.store(made, hash);
         return id;
     }
 
@@ -35,7 +37,7 @@ public:
     /// Returns the text of a number. Valid as long as the table.
     std::string_view operator[](Id id) const { return index[id]->text; }
 
-    std::size_t size() const { return names.size(); }
+    std::size_t size() const { return index.size(); }
 
 private:
     struct Name
@@ -44,7 +46,6 @@ private:
         Id id;
     };
 
-    Arena texts;
-    std::deque<Name> names;
+    Arena memory;
     KeyedTable<Name, &Name::text> index;
 };
