@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/LargePages.h"
 #include "Base/NameTable.h"
 #include "Import/Schema/SchemaGrammar.h"
 
@@ -130,8 +131,8 @@ public:
     std::uint32_t adopt(std::uint32_t document, NameTable::Id space);
 
     NameTable names;
-    std::vector<SchemaNode> nodes;  // node 0 is none
-    std::vector<SchemaName> listed; // lists of names, each ended by an empty name
+    std::vector<SchemaNode, LargePages<SchemaNode>> nodes; // node 0 is none
+    std::vector<SchemaName> listed;                        // lists of names, each ended by an empty name
     std::vector<std::string_view> documentations;
     std::vector<SchemaDocument> documents;
     Arena texts;
