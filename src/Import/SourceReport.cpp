@@ -39,7 +39,7 @@ constexpr Row kRows[] = {
     {"declaration-recursive", "declaration inside itself", loss, "declaration inside itself",
      "declarations inside themselves", true},
     {"type-invented", "type that nobody declares", loss, "invented type", "invented types"},
-    {"declared-twice", "declared twice", loss, "second declaration left out", "second declarations left out"},
+    {"declared-twice", "declared twice", loss, "second declaration", "second declarations"},
     {"main-type-abstract", "main type is abstract", loss, "abstract main type", "abstract main types"},
     {"cut-short", "cut short by a bound", loss, "text cut short", "texts cut short"},
     {"name-impossible", "name that no document can carry", loss, "impossible name", "impossible names"},

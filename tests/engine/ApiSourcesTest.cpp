@@ -110,6 +110,16 @@ const Rule kAvro[] = {
      "h{X} t_e[String] d(key:String value:String) C() t_d[d] r(a:String b:String c:C d:t_d e:t_e f:String _:Number "
      "g:String h:h)",
      "10 losses: 7 declarations not understood, 2 references became text, 1 value not understood"},
+    {"EqualDeclarationsAreOneType",
+     R"([{"type":"record","name":"A","namespace":"n","fields":[{"name":"x","type":{"type":"record","name":"S","namespace":"q","doc":"d","fields":[
+        {"name":"s","type":{"type":"enum","name":"E","symbols":["Y"]}},{"name":"t","type":"E"}]}}]},{"type":"record","name":"n.B","fields":[
+        {"name":"y","type":{"type":"record","name":"q.S","fields":[{"name":"s","type":"E"},{"name":"t","type":"q.E"}]}},
+        {"name":"z","type":{"type":"enum","name":"q.E","symbols":["Y"]}}]}])",
+     "E{Y} S(s:E t:E) A(x:S) B(y:S z:E)"},
+    {"OtherDeclarationsOfOneName",
+     R"([{"type":"record","name":"A","fields":[{"name":"x","type":{"type":"fixed","name":"S","size":1}}]},{"type":"record","name":"B","fields":[
+        {"name":"y","type":{"type":"record","name":"S","fields":[{"name":"s","type":"int"}]}}]}])",
+     "A(x:String) S(s:Number) B(y:S)", "1 loss: 1 second declaration"},
     {"SeveralAtTheTop",
      R"([{"type":"record","name":"a","fields":[{"name":"x","type":"b"}]},{"type":"record","name":"b","fields":[{"name":"y","type":"int"}]}])",
      "b(y:Number) a(x:b)"},

@@ -71,7 +71,7 @@ const Rule kRules[] = {
      "f:r(f:a:String f:r_f:b:String)", "3 details\n\n2 default values\n1 optional part\n"},
     {"TheFirstDeclarationHolds", "<!ELEMENT r (a)>\n<!ELEMENT a EMPTY><!ELEMENT r (b)>", "r(a:String)",
      "2 losses\nx:2:19: declared twice: r\nx:2:32: reference to nothing that was read: b\n\n1 reference became text\n1 "
-     "second declaration left out\n"},
+     "second declaration\n"},
     {"AChildThatNobodyDeclares", "<!ELEMENT r (a, b)><!ATTLIST b c CDATA #IMPLIED>", "b(b_c:String) r(a:String b:b)",
      "2 losses\nx:1:14: reference to nothing that was read: a\nx:1:17: reference to nothing that was read: b\n\n1 "
      "detail\n\n2 references became text\n1 optional part\n"},

@@ -393,7 +393,7 @@ x.xsd:2:32: name changed: b is r_b
 2 groups or base types missing
 1 document not found
 1 document not well-formed
-1 second declaration left out
+1 second declaration
 2 facets
 1 mixed content
 1 any element

@@ -57,7 +57,9 @@ private:
     };
 
     void declareAll(Scoped top);
-    void declare(Scoped& at);
+    bool declare(Scoped& at);
+    NameTable::Id spaceOf(Scoped at);
+    bool isSame(Scoped one, Scoped other);
     Index find(Index schema, JsonWord key, JsonNode::Kind kind = JsonNode::none);
     NameTable::Id fullNameOf(std::string_view name, NameTable::Id space);
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
@@ -80,6 +82,7 @@ private:
     std::unordered_map<NameTable::Id, Scoped> named; // by full name
     std::vector<Scoped> order;                       // named types in order of declaration, until they are read
     std::unordered_map<Index, NameTable::Id> spaces; // of named types
+    std::unordered_map<Index, Index> repeated;       // the first of several equal declarations, by the others
     std::unordered_set<Index> declared;
     std::map<std::vector<Index>, SourceTypes::Type> records; // by the sorted schemas that they come from
     std::vector<Pending> pending;
