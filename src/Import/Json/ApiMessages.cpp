@@ -161,7 +161,33 @@ void ApiMessages::readMessage(Index message, std::string_view name)
             name = said;
     readSchema(tree.find(message, JsonWord::payload), lowerAscii(tree.textOf(message, JsonWord::schemaFormat)),
                CString(name));
-    readSchema(tree.find(message, JsonWord::headers), {}, CString(name) + "Headers");
+    readSchema(headersOf(message), {}, CString(name) + "Headers");
+}
+
+// Returns the headers of a message with those of its traits, which come first, so that the message's own hold; 0 if
+// there are none.
+JsonNode::Index ApiMessages::headersOf(Index message)
+{
+    std::vector<Index> found;
+    const auto add = [&](Index holder) {
+        if (const Index headers = tree.find(holder, JsonWord::headers); headers != 0)
+            found.push_back(headers);
+    };
+    const Index traits = tree.find(message, JsonWord::traits, JsonNode::array);
+    for (Index at = tree[traits].firstChild; at != 0; at = tree[at].next)
+        add(follow(at));
+    add(message);
+    if (found.size() < 2)
+        return found.empty() ? 0 : found.front();
+    const Index all = tree.add(JsonNode::object, 0, 0, 0, found.back());
+    const Index parts = tree.add(JsonNode::array, all, 0, static_cast<NameTable::Id>(JsonWord::allOf), found.back());
+    Index last = 0;
+    for (const Index headers : found) {
+        CString format;
+        last = tree.add(JsonNode::alias, parts, last, 0, headers);
+        tree[last].firstChild = tree.target(withoutFormat(headers, format));
+    }
+    return all;
 }
 
 // Returns the schema that a node holds beside its format, also behind a reference, and sets `format`. Returns the node

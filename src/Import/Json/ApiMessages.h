@@ -29,6 +29,7 @@ private:
     void readBody(Index body, const CString& name);
     void readChannel(Index channel, std::string_view name);
     void readMessage(Index message, std::string_view name);
+    Index headersOf(Index message);
     Index withoutFormat(Index node, CString& format);
     void readSchema(Index schema, CString format, const CString& name);
     void readComponent(Index node);
