@@ -8,6 +8,8 @@ namespace {
 using Index = JsonNode::Index;
 
 constexpr std::size_t kMaxNodes = 8'000'000;
+constexpr std::size_t kFreeMerged = 100'000; // members that merges of YAML may visit in any document
+constexpr std::size_t kMaxMerged = 20;       // for each value in addition, so that the work is linear in the text
 constexpr std::size_t kFewMembers = 16;
 constexpr std::size_t kFarBehind = 10'000; // in an array; pointers don't count further, which keeps them linear
 
@@ -134,6 +136,7 @@ JsonBuilder::JsonBuilder(JsonTree& tree, const SourceTypes& types, SourceReport&
 
 JsonNode::Index JsonBuilder::add(JsonNode::Kind kind, std::string_view text, std::uint32_t line, std::uint32_t column)
 {
+    ++values;
     if (tree.size() > kMaxNodes)
         types.refuse(std::to_string(kMaxNodes) + " values");
     Level* const level = open.empty() ? nullptr : &open.back();
@@ -177,14 +180,15 @@ void JsonBuilder::merge(Index source)
         if (met.insert(tree[at].key).second) {
             nextKey = tree[at].key;
             addAlias(at, tree[at].line, tree[at].column);
+            --values;
         }
     }
 }
 
 void JsonBuilder::countMerged()
 {
-    if (++merged > kMaxNodes)
-        types.refuse(std::to_string(kMaxNodes) + " merged values");
+    if (++merged > kFreeMerged + kMaxMerged * values)
+        types.refuse(std::to_string(kMaxMerged) + " merged members for each value of the YAML document");
 }
 
 void JsonBuilder::drop(Index member)

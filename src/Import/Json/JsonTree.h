@@ -194,6 +194,7 @@ private:
     std::vector<Level> open;
     NameTable::Id nextKey = 0;
     Index first = 0;
+    std::size_t values = 0; // added by the reader
     std::size_t merged = 0; // members visited by merges, over the whole document
 };
 
