@@ -51,6 +51,40 @@ CString resolveUri(std::string_view base, std::string_view reference)
     return resolved;
 }
 
+// Where a value stands.
+enum Place : std::uint8_t
+{
+    statement, // is a schema, or part of one
+    names,     // has names as its keys
+    data
+};
+
+// Returns the place of a member by the place of its object.
+Place placeUnder(Place place, JsonWord key)
+{
+    if (place != statement)
+        return place == names ? statement : data;
+    switch (key) {
+    case JsonWord::constWord:
+    case JsonWord::enumWord:
+    case JsonWord::defaultWord:
+    case JsonWord::example:
+    case JsonWord::examples:
+        return data;
+    case JsonWord::properties:
+    case JsonWord::patternProperties:
+    case JsonWord::defs:
+    case JsonWord::definitions:
+    case JsonWord::dependentSchemas:
+    case JsonWord::dependencies:
+    case JsonWord::schemas:
+    case JsonWord::responses:
+        return names;
+    default:
+        return statement;
+    }
+}
+
 } // namespace
 
 JsonNode::Index JsonDocuments::load(const CString& fileName)
@@ -104,14 +138,22 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     return root;
 }
 
-// Registers the identifiers of a document. A schema's own identifier comes before those inside it, which are relative
-// to it, wherever it stands among the members.
+// Registers the identifiers of a document, but not what looks like one in data or beside a "$ref" that replaces it. A
+// schema's own identifier comes before those inside it, which are relative to it, wherever it stands among the members.
 void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
 {
     std::vector<Index> identified;
-    for (Index at = std::max<Index>(first, 1); at < tree.size(); ++at) {
+    std::vector<Place> places(tree.size() - first, statement);
+    for (Index at = first; at < tree.size(); ++at) {
         const JsonNode& node = tree[at];
-        if (node.kind != JsonNode::string || node.parent == 0)
+        if (node.parent == 0)
+            continue;
+        const bool isMember = tree.is(node.parent, JsonNode::object);
+        places[at - first] =
+            isMember ? placeUnder(places[node.parent - first], tree.keyOf(at)) : places[node.parent - first];
+        const bool isReplaced =
+            documents[node.document].ignoresSiblings && tree.find(node.parent, JsonWord::ref, JsonNode::string) != 0;
+        if (node.kind != JsonNode::string || places[node.parent - first] != statement || isReplaced)
             continue;
         const JsonWord key = tree.keyOf(at);
         if (key == JsonWord::dollarId || key == JsonWord::anchor || key == JsonWord::dynamicAnchor ||
