@@ -82,7 +82,8 @@ JsonNode::Kind kindOfPlain(std::string_view text)
 class YamlReader
 {
 public:
-    YamlReader(std::string_view text, JsonBuilder& builder, JsonTree& tree) : builder(builder), tree(tree)
+    YamlReader(std::string_view text, JsonBuilder& builder, JsonTree& tree) :
+        text(text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0)), builder(builder), tree(tree)
     {
         if (!yaml_parser_initialize(&parser))
             throw std::bad_alloc();
@@ -97,7 +98,7 @@ public:
         for (bool isOver = false; !isOver;) {
             yaml_event_t event;
             if (!yaml_parser_parse(&parser, &event))
-                fail(parser.problem ? parser.problem : "no YAML", parser.problem_mark);
+                failToParse();
             const std::unique_ptr<yaml_event_t, void (*)(yaml_event_t*)> owner(&event, yaml_event_delete);
             isOver = event.type == YAML_STREAM_END_EVENT;
             take(event);
@@ -114,9 +115,47 @@ private:
         bool isMergeNext = false;
     };
 
-    [[noreturn]] static void fail(const CString& reason, const yaml_mark_t& mark)
+    [[noreturn]] void fail(const CString& reason, const yaml_mark_t& mark)
     {
-        throw JsonFault{reason, static_cast<std::uint32_t>(mark.line + 1), static_cast<std::uint32_t>(mark.column + 1)};
+        throw JsonFault{reason, static_cast<std::uint32_t>(mark.line + 1), columnOf(mark)};
+    }
+
+    // For bytes that are no text the parser sets the offset instead of the mark.
+    [[noreturn]] void failToParse()
+    {
+        const CString reason = parser.problem ? parser.problem : "no YAML";
+        if (parser.error != YAML_READER_ERROR)
+            fail(reason, parser.problem_mark);
+        const std::string_view before = text.substr(0, parser.problem_offset);
+        throw JsonFault{reason, static_cast<std::uint32_t>(std::ranges::count(before, '\n') + 1),
+                        static_cast<std::uint32_t>(before.size() - (before.rfind('\n') + 1) + 1)};
+    }
+
+    // Moves the cursor to a character by its number.
+    void moveTo(std::size_t character)
+    {
+        const auto isInside = [this] { return offset < text.size() && (text[offset] & 0xC0) == 0x80; };
+        for (; characters < character && offset < text.size(); ++characters)
+            for (++offset; isInside();)
+                ++offset;
+        for (; characters > character; --characters)
+            for (--offset; isInside();)
+                --offset;
+    }
+
+    // Returns the column of a mark in bytes, counted from 1; the parser counts characters. Linear in the text for marks
+    // in order.
+    std::uint32_t columnOf(const yaml_mark_t& mark)
+    {
+        if (parser.encoding != YAML_UTF8_ENCODING)
+            return static_cast<std::uint32_t>(mark.column + 1);
+        if (mark.line != line) {
+            moveTo(mark.index - mark.column);
+            line = mark.line;
+            lineOffset = offset;
+        }
+        moveTo(mark.index);
+        return static_cast<std::uint32_t>(offset - lineOffset + 1);
     }
 
     static std::string_view textOf(const unsigned char* text)
@@ -157,10 +196,9 @@ private:
         }
     }
 
-    Index add(JsonNode::Kind kind, std::string_view text, const yaml_mark_t& mark)
+    Index add(JsonNode::Kind kind, std::string_view value, const yaml_mark_t& mark)
     {
-        const Index made = builder.add(kind, text, static_cast<std::uint32_t>(mark.line + 1),
-                                       static_cast<std::uint32_t>(mark.column + 1));
+        const Index made = builder.add(kind, value, static_cast<std::uint32_t>(mark.line + 1), columnOf(mark));
         if (!open.empty() && open.back()) {
             Mapping& mapping = *open.back();
             mapping.isKeyNext = true;
@@ -225,6 +263,9 @@ private:
     }
 
     yaml_parser_t parser;
+    const std::string_view text;
+    std::size_t characters = 0, offset = 0; // of the cursor
+    std::size_t line = 0, lineOffset = 0;   // that the cursor is in
     JsonBuilder& builder;
     JsonTree& tree;
     std::vector<std::optional<Mapping>> open; // empty for a sequence
