@@ -23,6 +23,10 @@ const Rule kSchemas[] = {
      "t_l[String] T(a:String b:String c:String d:String e:String f:String g:String h:String i:String j:String "
      "k:String l:t_l)",
      "11 losses: 10 values not understood, 1 reference became text"},
+    {"YamlMergesGivenTwice",
+     "# YAML\ntitle: T\ndefinitions: {x: &x {type: integer}, y: &y {title: y}}\nproperties:\n  a: {<<: *x, <<: *y, <<: "
+     "*x}\n",
+     "T(a:Number)", "2 losses: 2 keys given twice"},
     {"ConditionsNarrowNothing",
      R"({"title":"T","properties":{"k":{"type":"string"},"l":{"type":"string","anyOf":[{"const":"A"},{"pattern":"x"}]}},"allOf":[
         {"if":{"properties":{"k":{"const":"A"}}},"then":{"properties":{"v":{"type":"number"}}}},

@@ -111,7 +111,7 @@ private:
     struct Mapping
     {
         bool isKeyNext = true;
-        Index merged = 0; // the member "<<", whose mappings are merged in; 0 if there is none
+        std::vector<Index> merged; // the members "<<", whose mappings are merged in
         bool isMergeNext = false;
     };
 
@@ -186,7 +186,7 @@ private:
             break;
         case YAML_MAPPING_END_EVENT:
         case YAML_SEQUENCE_END_EVENT:
-            if (open.back() && open.back()->merged != 0)
+            if (open.back() && !open.back()->merged.empty())
                 merge(open.back()->merged);
             builder.end();
             open.pop_back();
@@ -203,16 +203,16 @@ private:
             Mapping& mapping = *open.back();
             mapping.isKeyNext = true;
             if (std::exchange(mapping.isMergeNext, false))
-                mapping.merged = made;
+                mapping.merged.push_back(made);
         }
         return made;
     }
 
-    // Merges the value of "<<": a mapping or a list of mappings (https://yaml.org/type/merge.html).
-    void merge(Index member)
+    // Merges the value of the last "<<": a mapping or a list of mappings (https://yaml.org/type/merge.html).
+    void merge(const std::vector<Index>& members)
     {
-        builder.drop(member);
-        const Index source = tree.target(member);
+        builder.drop(members);
+        const Index source = tree.target(members.back());
         if (tree.is(source, JsonNode::object))
             builder.merge(source);
         else if (tree.is(source, JsonNode::array))

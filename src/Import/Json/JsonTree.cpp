@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 namespace {
 
@@ -191,16 +192,24 @@ void JsonBuilder::countMerged()
         types.refuse(std::to_string(kMaxMerged) + " merged members for each value of the YAML document");
 }
 
-void JsonBuilder::drop(Index member)
+void JsonBuilder::drop(std::span<const Index> members)
 {
+    for (const Index duplicate : members.first(members.size() - 1))
+        report.add(SourceReport::keyTwice, tree.placeOf(duplicate), tree.key(duplicate));
     Level& level = open.back();
-    Index before = 0;
-    for (Index at = tree[level.node].firstChild; at != member; at = tree[at].next)
-        before = at;
-    (before == 0 ? tree[level.node].firstChild : tree[before].next) = tree[member].next;
-    if (level.last == member)
-        level.last = before;
-    --level.count;
+    level.last = 0;
+    auto dropped = members.begin();
+    for (Index at = std::exchange(tree[level.node].firstChild, 0); at != 0;) {
+        const Index next = std::exchange(tree[at].next, 0);
+        if (dropped != members.end() && *dropped == at) {
+            ++dropped;
+            --level.count;
+        } else {
+            (level.last == 0 ? tree[level.node].firstChild : tree[level.last].next) = at;
+            level.last = at;
+        }
+        at = next;
+    }
 }
 
 void JsonBuilder::end()

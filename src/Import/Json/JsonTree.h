@@ -4,6 +4,7 @@
 #include "Import/Full/SourceTypes.h"
 #include "Import/SourceReport.h"
 
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -163,8 +164,8 @@ public:
     void addAlias(Index target, std::uint32_t line, std::uint32_t column);
     void end();
 
-    /// Removes a member from the open object.
-    void drop(Index member);
+    /// Removes members of one key from the open object. All but the last are reported as duplicates.
+    void drop(std::span<const Index> members);
 
     /// Adds aliases of the members of `source` to the open object, except for keys that it has.
     void merge(Index source);
