@@ -104,6 +104,8 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     message.setFurtherFiles({files.begin() + 1, files.end()});
     if (!arguments.report.file.empty() || arguments.report.isStrict || arguments.verbosity != Verbosity::quiet)
         message.wantReport();
+    if (arguments.allowEmpty)
+        message.allowEmpty();
     if (importer.querySource().readsTables)
         tables.import(message, arguments, basePath, diagnostics);
     else

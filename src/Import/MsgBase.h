@@ -40,6 +40,9 @@ public:
     /// Also reports details, which costs a literal reading an extra look at the source. Losses are always reported.
     void wantReport() { isReportWanted = true; }
 
+    /// Makes a source without types a success; the literal readings never refuse one.
+    void allowEmpty() { isEmptyAllowed = true; }
+
     /// Returns what of the last source was not carried over into the types.
     const SourceReport& queryReport() const { return report; }
 
@@ -95,6 +98,7 @@ protected:
     TypeModel model;
     SourceReport report;
     bool isReportWanted = false;
+    bool isEmptyAllowed = false;
 
 private:
     template <class Import>

@@ -135,6 +135,8 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         catalogs.load(file);
     read(source, fileName, types, report);
     beginWork(Work::arranging);
+    if (types.empty() && isEmptyAllowed)
+        return;
     if (types.empty())
         throw SourceRefusal{fileName + " declares no element, type or enumeration.",
                             {"", "it declares no element, type or enumeration"}};
