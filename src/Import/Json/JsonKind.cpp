@@ -11,26 +11,46 @@ namespace {
 class Marks
 {
 public:
-    void add(std::string_view key, std::string_view value)
+    // `value` is that of a string. `kind` is the kind of the value; of a YAML document it isn't known, and `end`.
+    void add(std::string_view key, std::string_view value, JsonScanner::Token kind)
     {
+        const auto mayBe = [kind](JsonScanner::Token token) { return kind == token || kind == JsonScanner::end; };
         isOpenApi |= isOneOf(key, {"openapi", "asyncapi", "swagger"});
-        isAvro |= (key == "type" && isOneOf(value, {"record", "error", "enum", "fixed"})) || key == "protocol";
+        isAvro |= key == "type" && isOneOf(value, {"record", "error", "enum", "fixed"});
+        isProtocol |= key == "protocol" && !value.empty();
+        hasTypes |= (key == "types" && mayBe(JsonScanner::arrayBegin)) ||
+                    (key == "messages" && mayBe(JsonScanner::objectBegin));
         isSchema |= (key == "$schema" && value.find("json-schema.org") != value.npos) ||
                     (key == "type" && isOneOf(value, {"object", "array", "string", "number", "integer", "boolean"})) ||
-                    isOneOf(key, {"$defs", "definitions", "allOf", "oneOf", "anyOf", "$ref", "$dynamicRef"});
-        looksLikeSchema |= isOneOf(key, {"properties", "$id", "patternProperties"});
+                    (isOneOf(key, {"$defs", "definitions"}) && mayBe(JsonScanner::objectBegin)) ||
+                    (isOneOf(key, {"allOf", "oneOf", "anyOf"}) && mayBe(JsonScanner::arrayBegin)) ||
+                    (isOneOf(key, {"$id", "$ref", "$dynamicRef"}) && value.find_first_of("#/.:") != value.npos);
+        hasProperties |= isOneOf(key, {"properties", "patternProperties"}) && mayBe(JsonScanner::objectBegin);
+        isOther |= key == "type" && !value.empty();
+    }
+
+    // Adds the kind of a member of "properties", which is a schema: an object or a boolean.
+    void addProperty(JsonScanner::Token kind)
+    {
+        isOther |= kind != JsonScanner::objectBegin && kind != JsonScanner::boolean;
     }
 
     std::string_view word() const
     {
-        return isOpenApi ? "openapi" : isAvro ? "avro" : isSchema || looksLikeSchema ? "jsonschema" : "";
+        return isOpenApi                                 ? "openapi"
+               : isAvro || (isProtocol && hasTypes)      ? "avro"
+               : isSchema || (hasProperties && !isOther) ? "jsonschema"
+                                                         : "";
     }
 
 private:
     bool isOpenApi = false;
     bool isAvro = false;
+    bool isProtocol = false;
+    bool hasTypes = false;
     bool isSchema = false;
-    bool looksLikeSchema = false;
+    bool hasProperties = false;
+    bool isOther = false; // speaks against "properties" as those of a schema
 };
 
 // Scans what is there of the document. A fault only ends the scan, because the importer will report it.
@@ -46,8 +66,11 @@ std::string_view wordForJson(std::string_view text)
             const std::size_t top = isList ? 2 : 1;
             if (token == JsonScanner::key && depth == top)
                 key = scanner.text();
-            else if (depth == top && !key.empty())
-                marks.add(key, token == JsonScanner::string ? scanner.text() : std::string_view());
+            else if (depth == top && !key.empty() && token != JsonScanner::objectEnd && token != JsonScanner::arrayEnd)
+                marks.add(key, token == JsonScanner::string ? scanner.text() : std::string_view(), token);
+            else if (depth == top + 1 && key == "properties" && token <= JsonScanner::null &&
+                     token != JsonScanner::key && token != JsonScanner::objectEnd && token != JsonScanner::arrayEnd)
+                marks.addProperty(token);
             isList |= depth == 0 && token == JsonScanner::arrayBegin;
             depth += token == JsonScanner::objectBegin || token == JsonScanner::arrayBegin ? 1 : 0;
             depth -= token == JsonScanner::objectEnd || token == JsonScanner::arrayEnd ? 1 : 0;
@@ -66,7 +89,8 @@ std::string_view wordForYaml(std::string_view text)
         const std::string_view line = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
         if (const std::size_t colon = line.find(':'); colon != line.npos && line.find_first_of(" \t#") != 0)
-            marks.add(trimmed(line.substr(0, colon), "\"'"), trimmed(trimmed(line.substr(colon + 1)), "\"'"));
+            marks.add(trimmed(line.substr(0, colon), "\"'"), trimmed(trimmed(line.substr(colon + 1)), "\"'"),
+                      JsonScanner::end);
     }
     return marks.word();
 }
