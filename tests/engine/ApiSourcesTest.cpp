@@ -23,6 +23,10 @@ const Rule kSchemas[] = {
      "t_l[String] T(a:String b:String c:String d:String e:String f:String g:String h:String i:String j:String "
      "k:String l:t_l)",
      "11 losses: 10 values not understood, 1 reference became text"},
+    {"IdentifiersGivenTwice",
+     R"({"title":"T","properties":{"a":{"$ref":"http://x/a"},"b":{"$ref":"#n"}},"$defs":{"A":{"$id":"http://x/a","type":"number"},
+        "B":{"$id":"http://x/a"},"C":{"$anchor":"n","type":"number"},"D":{"$anchor":"n"}}})",
+     "T(a:Number b:Number)", "2 losses: 2 second declarations"},
     {"YamlMergesGivenTwice",
      "# YAML\ntitle: T\ndefinitions: {x: &x {type: integer}, y: &y {title: y}}\nproperties:\n  a: {<<: *x, <<: *y, <<: "
      "*x}\n",

@@ -170,20 +170,24 @@ void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
 void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
 {
     const Index schema = tree[node].parent;
-    std::string_view identifier = tree.text(node);
+    const std::string_view identifier = tree.text(node);
     const JsonWord key = tree.keyOf(node);
+    Index known = schema; // the schema that already has this identifier
     if (key == JsonWord::anchor || key == JsonWord::dynamicAnchor) {
-        anchors.try_emplace(keyOf(resourceOf(schema), tree[node].text), schema);
+        known = anchors.try_emplace(keyOf(resourceOf(schema), tree[node].text), schema).first->second;
     } else if (identifier.starts_with('#')) {
-        anchors.try_emplace(keyOf(resourceOf(schema), tree.names.intern(CString(identifier.substr(1)))), schema);
+        const NameTable::Id anchor = tree.names.intern(CString(identifier.substr(1)));
+        known = anchors.try_emplace(keyOf(resourceOf(schema), anchor), schema).first->second;
     } else if (!identifier.empty() && (!isDraft4 || key == JsonWord::id)) {
         const Index around = resourceOf(tree[schema].parent == 0 ? schema : tree[schema].parent);
         const std::string_view name = identifier.substr(0, identifier.find('#'));
         const CString uri = resolveUri(uriOf(around), name);
         tree[schema].isResource = true;
         uris[schema] = uri;
-        resources.try_emplace(uri, schema);
+        known = resources.try_emplace(uri, schema).first->second;
     }
+    if (known != schema)
+        note(SourceReport::declaredTwice, node, tree.text(node));
 }
 
 const CString& JsonDocuments::uriOf(Index resource) const
