@@ -27,6 +27,8 @@ const Rule kSchemas[] = {
      R"({"title":"T","properties":{"a":{"$ref":"http://x/a"},"b":{"$ref":"#n"}},"$defs":{"A":{"$id":"http://x/a","type":"number"},
         "B":{"$id":"http://x/a"},"C":{"$anchor":"n","type":"number"},"D":{"$anchor":"n"}}})",
      "T(a:Number b:Number)", "2 losses: 2 second declarations"},
+    {"Draft3", R"({"$schema":"http://json-schema.org/draft-03/schema#","title":"T","properties":{"a":{"type":"any"}}})",
+     "T(a:String)", "2 losses: 2 values not understood"},
     {"YamlMergesGivenTwice",
      "# YAML\ntitle: T\ndefinitions: {x: &x {type: integer}, y: &y {title: y}}\nproperties:\n  a: {<<: *x, <<: *y, <<: "
      "*x}\n",

@@ -129,6 +129,8 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     // Since draft 2019-09 a "$ref" no longer replaces its siblings. Up to draft 4 the identifier is "id" instead of
     // "$id".
     const bool isDraft4 = says("draft-04") || says("draft-03");
+    if (says("draft-03"))
+        note(SourceReport::senselessValue, tree.find(root, JsonWord::schemaVersion), "draft 3, read as draft 4,");
     if (isDraft4 || says("draft-06") || says("draft-07"))
         document.ignoresSiblings = true;
     else if (!version.empty())
