@@ -95,7 +95,7 @@ const Rule kRules[] = {
      R"(,"properties":{"y":{}}}},"$defs":{)" A_RECORD "}}",
      "A(x:Number) r(a:A)"},
     {"OtherDocuments",
-     R"("a":{"$ref":"B.json"},"b":{"$ref":"b.json#/definitions/C"},"c":{"$ref":"none.json"},"d":{"$ref":"http://x/y"},
+     R"("a":{"$ref":"B.json"},"b":{"$ref":"./none/../b.json#/definitions/C"},"c":{"$ref":"none.json"},"d":{"$ref":"http://x/y"},
         "e":{"$ref":"d.yaml#/D"},"f":{"$ref":"bad.json"})",
      "D(z:Number) B(x:String) r(a:B b:Number c:String d:String e:D f:String)",
      {{"b.json", R"({"title":"B","properties":{"x":{"$ref":"sub/e.json"}},"definitions":{"C":{"type":"number"}}})"},

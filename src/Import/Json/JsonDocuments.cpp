@@ -7,6 +7,7 @@
 #include "Resources/StringTable.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace {
 
@@ -247,7 +248,8 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
     const auto known = resources.find(resolveUri(uriOf(resource), uri));
     if (known != resources.end())
         return known->second;
-    const CString path = localPath(uri);
+    // A URI loses its dot segments before it is a path, so "sub/../b.json" needs no folder "sub".
+    const CString path = std::filesystem::path(localPath(uri)).lexically_normal().string();
     const CString folder = documents[tree[holder].document].folder;
     const auto file = path.empty() ? std::nullopt : finder.find(folder, path);
     if (!file) {
