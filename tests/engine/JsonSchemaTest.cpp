@@ -187,9 +187,10 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "a":{"$ref":"#/$defs/None"},"b":{"$ref":"none.json"},"c":{"$ref":"bad.json#/x"},
   "d":{"properties":{"x":{"minLength":1,"default":"x"}},"additionalProperties":{"type":"string"}},
   "e":{"type":["string","integer"]},"f":{"type":"object"},"f":{"oneOf":[{"type":"number"},{"type":"null"}]},
-  "g\\h":{"type":"string"},"h":{"allOf":[{"type":"string"},{"type":"integer","maximum":9}]},"i":false}})"),
+  "g\\h":{"type":"string"},"h":{"allOf":[{"type":"string"},{"type":"integer","maximum":9}]},"i":false,
+  "j":{"oneOf":[{"properties":{"v":{"type":"string"}}},{"properties":{"v":{"type":"array"}}}]}}})"),
               1);
-    EXPECT_EQ(reportOf(message, folder.path()), R"(8 losses
+    EXPECT_EQ(reportOf(message, folder.path()), R"(9 losses
 x.json:4:41: key given twice: f
 x.json:2:15: reference to nothing that was read: #/$defs/None at #/properties/a
 x.json:2:43: module or document not there: none.json at #/properties/b
@@ -198,22 +199,23 @@ x.json:2:68: reference to nothing that was read: bad.json#/x at #/properties/c
 x.json:3:7: further properties of any name: #/properties/d
 x.json:4:7: values of kinds that differ: #/properties/e
 x.json:5:60: values of kinds that differ: #/properties/h/allOf/1
+x.json:6:36: values of kinds that differ: #/properties/j/oneOf/0/properties/v
 
-15 details
+19 details
 x.json:5:97: element that may not occur: i at #/properties/i
 x.json:5:10: name made fit: g\h is g_h
 
+3 values of several kinds
 2 references became text
-2 values of several kinds
 1 document not found
 1 document not well-formed
 1 further properties left out
 1 key given twice
-9 optional parts
+12 optional parts
+2 choices
 2 facets
 1 element that may not occur
 1 name made fit
-1 choice
 1 default value
 )");
 }

@@ -338,9 +338,22 @@ CString JsonDocuments::nameOf(Index node) const
     return CString(stemOf(report.fileNameOf(tree[node].document)));
 }
 
+// Returns the first of the document's schemas that a made one combines; of other nodes themselves.
+JsonNode::Index JsonDocuments::originOf(Index node) const
+{
+    Index made = node;
+    while (made != 0 && tree[made].parent == 0 && rootOf(made) != made) {
+        while (made != 0 && !tree.is(made, JsonNode::alias))
+            made = tree[made].firstChild;
+        made = tree.target(made);
+    }
+    return made == 0 ? node : made;
+}
+
 void JsonDocuments::note(SourceReport::Construct construct, Index node, std::string_view name)
 {
     CString words(name);
+    node = originOf(node);
     const bool isReference = tree.keyOf(node) == JsonWord::ref; // reported at the schema that holds it
     if (++noted <= kMaxPointers)
         words += (words.empty() ? "" : " at ") + tree.pointerTo(isReference ? tree[node].parent : node);

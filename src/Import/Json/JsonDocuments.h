@@ -69,6 +69,7 @@ private:
     void lookUp(Index holder, std::string_view reference, Resolved& found);
     Index findDocument(Index holder, Index resource, std::string_view uri, SourceReport::Construct& fault);
     Index readNamed(const FoundFile& file, const CString& path, Index holder);
+    Index originOf(Index node) const;
     Index followFragment(Index resource, std::string_view fragment) const;
     Index followPointer(Index from, std::string_view pointer) const;
 
