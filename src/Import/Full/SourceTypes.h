@@ -2,6 +2,7 @@
 
 #include "Base/Arena.h"
 #include "Base/KeyedTable.h"
+#include "Base/LargePages.h"
 #include "Import/SourceReport.h"
 
 #include <deque>
@@ -216,7 +217,7 @@ private:
     std::size_t spent = 0;
     Arena memory;
     std::deque<CString> texts;
-    std::vector<Field> fields;
+    std::vector<Field, LargePages<Field>> fields;
     std::vector<std::string_view> constants;
     std::vector<std::string_view> constantDescriptions; // may be shorter than `constants`
     std::unordered_multimap<std::size_t, Index> enumerationsByHash;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/LargePages.h"
 #include "Import/Schema/Full/NodeTable.h"
 #include "Import/Schema/Full/SchemaSet.h"
 
@@ -82,7 +83,7 @@ private:
     SchemaSet& set;
     const SchemaTree& tree;
     NodeTable<Content> contents; // includes types in progress, which count as empty
-    std::vector<SchemaField> kept;
+    std::vector<SchemaField, LargePages<SchemaField>> kept;
 
     // State of the current type.
     Fields elements;
