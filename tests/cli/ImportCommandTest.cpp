@@ -216,6 +216,23 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd --full r.dtd set/1.dtd --merge-equal -l -b a -q | cut -f 1",
          {0, "a\\s\na\\t_b\na\\r\na\\r1\n", ""}},
 
+        // Losses are those of what the main types reach.
+        {"(echo '<x:schema xmlns:x=\"http://www.w3.org/2001/XMLSchema\"><x:element name=\"A\" "
+         "type=\"D\"/><x:complexType name=\"D\">"
+         "<x:complexContent><x:extension base=\"B\"/></x:complexContent></x:complexType>'; for t in B C; do echo "
+         "\"<x:complexType "
+         "name='$t'><x:sequence><x:element name='$t' type='No$t'/></x:sequence></x:complexType>\"; done; echo "
+         "'<x:element name=\"E\" "
+         "type=\"C\"/></x:schema>') >l.xsd; echo '<!ELEMENT A (D)><!ELEMENT D (B)><!ELEMENT E (C)>' >l.dtd; for root "
+         "in A E; do $import xsd "
+         "--full l.xsd --root $root --strict; $import dtd --full l.dtd --root $root --strict; done; $import xsd --full "
+         "l.xsd -o r",
+         {0, "",
+          "l.xsd:2:37: error: reference to nothing that was read: NoB\nl.dtd:1:30: error: reference to nothing that "
+          "was read: B\n"
+          "l.xsd:3:37: error: reference to nothing that was read: NoC\nl.dtd:1:46: error: reference to nothing that "
+          "was read: C\n"
+          "l.xsd: warning: 2 losses: 2 references became text; --report FILE lists them\n"}},
         // Options that the source has no use for.
         {"echo '<!ENTITY % m \"IGNORE\"><![%m;[]]><!ENTITY % d \"\">'$(cat r.dtd) >e.dtd; $import dtd --full r.dtd "
          "e.dtd "

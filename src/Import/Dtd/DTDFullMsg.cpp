@@ -61,5 +61,5 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
             addUnusedEntity(given[entity].first);
     for (Index& owner : owners)
         owner = ownerOf(owner);
-    reader.finish(owners);
+    reader.finish(owners, queryRoots());
 }

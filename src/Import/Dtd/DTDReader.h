@@ -15,8 +15,9 @@ public:
     void read(DTDTokens& source);
 
     /// Makes the types after everything is read. `owners` holds, by the number of a DTD in order of reading, the number
-    /// of the DTD that its declarations count for.
-    void finish(std::span<const SourceTypes::Index> owners);
+    /// of the DTD that its declarations count for. With `roots`, undeclared elements that these don't reach are not
+    /// reported, because they are not imported.
+    void finish(std::span<const SourceTypes::Index> owners, std::span<const CString> roots);
 
 private:
     using Index = SourceTypes::Index;
@@ -94,6 +95,7 @@ private:
     void senseless(std::string_view what) { note(SourceReport::senselessDeclaration, what); }
     void note(SourceReport::Construct construct, std::string_view name);
 
+    std::vector<bool> findReached(std::span<const CString> roots) const;
     SourceTypes::Type typeOf(const Element& element) const;
     void makeFields(const Element& element, std::vector<SourceTypes::Field>& fields);
 

@@ -102,6 +102,9 @@ public:
         note(construct, node, tree.names.intern(name));
     }
 
+    /// Drops everything kept by note().
+    void dropNotes() { notes.clear(); }
+
     /// Passes everything kept by note() to the report, in the order of reading, without repetitions.
     void reportNotes();
 

@@ -32,6 +32,19 @@ void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std:
                 const auto source = sourcesBySpace.find(tree.documentOf(component).space);
                 addCandidate(component, source == sourcesBySpace.end() ? SourceTypes::kNone : source->second);
             }
+    readPending();
+}
+
+void SchemaTypes::readAlone(const std::vector<Index>& wanted)
+{
+    for (const Index component : wanted)
+        readComponent(component, SourceTypes::kNone);
+    readPending();
+}
+
+// Reads the fields of all records and choices.
+void SchemaTypes::readPending()
+{
     std::size_t read = 0;
     for (std::size_t choice = 0; choice <= choices.size(); ++choice) { // a choice adds records, and these add choices
         if (choice > 0)
@@ -108,6 +121,7 @@ void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
         candidate.description = keepDocumentation(node.documentation != 0 ? node.documentation : type.documentation);
     }
     types.addCandidate(candidate);
+    candidates.push_back(component);
 }
 
 // Returns the index in SourceTypes of the namespace of a node's document.

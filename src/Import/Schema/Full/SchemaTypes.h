@@ -20,6 +20,12 @@ public:
     void read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots,
               const std::vector<SchemaSet::Message>& messages);
 
+    /// Reads only these components and what they reach.
+    void readAlone(const std::vector<SchemaNode::Index>& wanted);
+
+    /// Returns the component of a candidate for the main type, by its number in SourceTypes.
+    SchemaNode::Index componentOf(SourceTypes::Index candidate) const { return candidates[candidate]; }
+
 private:
     using Index = SchemaNode::Index;
     using Value = SchemaSimpleTypes::Value;
@@ -39,6 +45,7 @@ private:
         SourceTypes::Index record;
     };
 
+    void readPending();
     void readComponent(Index component, SourceTypes::Index source);
     void addCandidate(Index component, SourceTypes::Index source);
     SourceTypes::Index spaceOf(Index node);
@@ -66,6 +73,7 @@ private:
     std::unordered_set<Index> reported;   // derived types
     NodeTable<SourceTypes::Type> records; // by complex type; text for one that holds nothing
     std::vector<Pending> pending;
+    std::vector<Index> candidates;                 // the component of each
     NumberTable enumerations;                      // by first constant and name
     std::unordered_map<Index, Declared> fromHeads; // elements that have the type of their substitution group's head
     Declared lastDeclared;

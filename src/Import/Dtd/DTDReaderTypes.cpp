@@ -1,0 +1,79 @@
+// DTDReader: makes the types, after all DTDs have been read.
+#include "Import/Dtd/DTDReader.h"
+
+// Adds all records before the first field, because a field names the record of its element, which may be declared
+// later. An element that is only referred to becomes text, and is reported.
+void DTDReader::finish(std::span<const Index> owners, std::span<const CString> roots)
+{
+    const std::vector<bool> isReached = findReached(roots);
+    for (Element& element : elements)
+        element.source = owners[element.source];
+    std::vector<Index> order = declared;
+    for (const Element& element : elements)
+        if (!element.isDeclared && element.isName) {
+            if (isReached[element.index])
+                report.add(element.isReferred ? SourceReport::unresolvedReference : SourceReport::inventedType,
+                           element.place, element.name);
+            order.push_back(element.index);
+        }
+    for (const Index index : order) {
+        cancelPoint.pass();
+        Element& element = elements[index];
+        if (element.contentCount > 0 || element.firstAttribute != SourceTypes::kNone)
+            element.record = types.addRecord({element.name, {}, element.place});
+        if (element.isDeclared)
+            types.addCandidate({element.name, typeOf(element), false, element.place, false, {}, element.source});
+    }
+    std::vector<SourceTypes::Field> fields;
+    for (const Index index : order)
+        if (elements[index].record != SourceTypes::kNone) {
+            makeFields(elements[index], fields);
+            types.setFields(elements[index].record, fields);
+        }
+}
+
+// Returns for each element whether a root contains it, directly or indirectly; true for all if there are no roots.
+std::vector<bool> DTDReader::findReached(std::span<const CString> roots) const
+{
+    std::vector<bool> isReached(elements.size(), roots.empty());
+    std::vector<Index> waiting;
+    const auto reach = [&](Index element) {
+        if (!isReached[element])
+            waiting.push_back(element);
+        isReached[element] = true;
+    };
+    for (const CString& root : roots)
+        if (const Element* const element = elementsByName.find(root))
+            reach(element->index);
+    while (!waiting.empty()) {
+        const Element& element = elements[waiting.back()];
+        waiting.pop_back();
+        for (Index i = 0; i < element.contentCount; ++i)
+            reach(contents[element.firstContent + i].name);
+    }
+    return isReached;
+}
+
+SourceTypes::Type DTDReader::typeOf(const Element& element) const
+{
+    if (element.record == SourceTypes::kNone)
+        return {};
+    return {SourceTypes::kindRecord, element.record};
+}
+
+void DTDReader::makeFields(const Element& element, std::vector<SourceTypes::Field>& fields)
+{
+    fields.clear();
+    if (element.holdsText)
+        fields.push_back({"value", {}, {}, SourceTypes::roleValue});
+    for (const ContentModel::Entry& entry : std::span(contents).subspan(element.firstContent, element.contentCount)) {
+        cancelPoint.pass();
+        const Element& child = elements[entry.name];
+        fields.push_back({child.name, {}, typeOf(child), SourceTypes::roleElement, entry.repeats});
+    }
+    for (Index at = element.firstAttribute; at != SourceTypes::kNone; at = attributes[at].next) {
+        const Attribute& attribute = attributes[at];
+        fields.push_back(
+            {types.join(element.name, attribute.key.name), {}, attribute.type, SourceTypes::roleAttribute});
+    }
+}
