@@ -1,0 +1,123 @@
+// AvroTypes: the declarations of named types.
+#include "Import/Json/AvroTypes.h"
+
+#include <algorithm>
+#include <utility>
+
+using Index = JsonNode::Index;
+
+// Returns the full name of a type. The namespace is that in a name with dots, else the type's own, else the enclosing
+// one.
+NameTable::Id AvroTypes::fullNameOf(std::string_view name, NameTable::Id space)
+{
+    if (space == 0 || name.find('.') != name.npos)
+        return tree.names.intern(name);
+    return tree.names.intern(CString(tree.names[space]) + "." + CString(name));
+}
+
+void AvroTypes::declareAll(Index document)
+{
+    const bool isProtocol = tree.find(document, JsonWord::protocol) != 0;
+    const Index space = isProtocol ? tree.find(document, JsonWord::namespaceWord, JsonNode::string) : 0;
+    declareAll({isProtocol ? tree.find(document, JsonWord::types, JsonNode::array) : document, tree[space].text});
+}
+
+void AvroTypes::declareAll(Scoped top)
+{
+    std::vector<Scoped> waiting{top};
+    while (!waiting.empty()) {
+        Scoped at = waiting.back();
+        waiting.pop_back();
+        at.schema = tree.target(at.schema);
+        if (!tree.is(at.schema, JsonNode::object) && !tree.is(at.schema, JsonNode::array))
+            continue;
+        if (!declared.insert(at.schema).second)
+            continue;
+        const auto first = static_cast<std::ptrdiff_t>(waiting.size());
+        const auto wait = [&](Index holder, bool isField) {
+            for (Index child = tree[holder].firstChild; child != 0; child = tree[child].next)
+                waiting.push_back({isField ? tree.find(child, JsonWord::type) : child, at.space});
+        };
+        if (tree.is(at.schema, JsonNode::array)) {
+            wait(at.schema, false);
+        } else if (declare(at)) {
+            for (const JsonWord word : {JsonWord::type, JsonWord::items, JsonWord::values})
+                waiting.push_back({tree.find(at.schema, word), at.space});
+            wait(tree.find(at.schema, JsonWord::fields, JsonNode::array), true);
+        }
+        // The stack is filled in reverse, so that types are declared in the order of the document.
+        std::reverse(waiting.begin() + first, waiting.end());
+    }
+}
+
+// Returns the namespace of a named type.
+NameTable::Id AvroTypes::spaceOf(Scoped at)
+{
+    const std::string_view name = tree.textOf(at.schema, JsonWord::name);
+    if (const std::size_t dot = name.rfind('.'); dot != name.npos)
+        return tree.names.intern(CString(name.substr(0, dot)));
+    const Index own = tree.find(at.schema, JsonWord::namespaceWord, JsonNode::string);
+    return own == 0 ? at.space : tree[own].text;
+}
+
+// Declares a schema if it is a named type. Returns false if it repeats an earlier one, which then stands for it.
+bool AvroTypes::declare(Scoped& at)
+{
+    const std::string_view name = tree.textOf(at.schema, JsonWord::name);
+    if (!isNamedType(tree.textOf(at.schema, JsonWord::type)))
+        return true;
+    if (find(at.schema, JsonWord::name, JsonNode::string) == 0 || name.empty())
+        return true;
+    at.space = spaceOf(at);
+    const auto [known, isNew] = named.emplace(fullNameOf(name, at.space), at);
+    if (!isNew && isSame(known->second, at)) {
+        repeated.emplace(at.schema, known->second.schema);
+        return false;
+    }
+    if (!isNew)
+        documents.note(SourceReport::declaredTwice, at.schema, name);
+    spaces[at.schema] = at.space;
+    order.push_back(at);
+    return true;
+}
+
+// Returns whether two schemas describe the same values. The name of a type is the same as its declaration.
+bool AvroTypes::isSame(Scoped one, Scoped other)
+{
+    constexpr JsonWord members[] = {JsonWord::type,    JsonWord::name,   JsonWord::fields,     JsonWord::items,
+                                    JsonWord::symbols, JsonWord::values, JsonWord::logicalType};
+    const auto isNamed = [&](Index schema) { return isNamedType(tree.textOf(schema, JsonWord::type)); };
+    const auto nameOf = [&](Scoped at) {
+        const bool isName = tree.is(at.schema, JsonNode::string);
+        return isName ? fullNameOf(tree.text(at.schema), at.space)
+                      : fullNameOf(tree.textOf(at.schema, JsonWord::name), spaceOf(at));
+    };
+    std::vector<std::pair<Scoped, Scoped>> waiting{{one, other}};
+    while (!waiting.empty()) {
+        spendStep();
+        auto [a, b] = waiting.back();
+        waiting.pop_back();
+        a.schema = tree.target(a.schema);
+        b.schema = tree.target(b.schema);
+        const JsonNode::Kind kind = tree[a.schema].kind, otherKind = tree[b.schema].kind;
+        if (isNamed(a.schema) || isNamed(b.schema) || (kind == JsonNode::string && otherKind == kind)) {
+            if (nameOf(a) != nameOf(b))
+                return false;
+            if (kind == JsonNode::string || otherKind == JsonNode::string)
+                continue;
+            a.space = b.space = spaceOf(a);
+        }
+        if (kind != otherKind || tree[a.schema].text != tree[b.schema].text)
+            return false;
+        for (const JsonWord word : members)
+            if (kind == JsonNode::object)
+                waiting.push_back({{tree.find(a.schema, word), a.space}, {tree.find(b.schema, word), b.space}});
+        Index first = kind == JsonNode::array ? tree[a.schema].firstChild : 0;
+        Index second = kind == JsonNode::array ? tree[b.schema].firstChild : 0;
+        for (; first != 0 && second != 0; first = tree[first].next, second = tree[second].next)
+            waiting.push_back({{first, a.space}, {second, b.space}});
+        if (first != second)
+            return false;
+    }
+    return true;
+}
