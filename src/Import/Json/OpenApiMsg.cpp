@@ -50,10 +50,12 @@ void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& docume
     std::size_t count = 0;
     const std::vector<Index> all = descriptionsFirst(roots, tree, report, count);
     const std::unordered_set<Index> parts(all.begin() + static_cast<std::ptrdiff_t>(count), all.end());
-    // In OpenAPI 3.0 a "$ref" replaces its siblings; 3.1 follows JSON Schema 2020-12. Parts go by the first
-    // description.
-    for (std::size_t i = 0; i < all.size(); ++i)
-        documents.setIgnoresSiblings(all[i], openApiVersionOf(tree, all[i < count ? i : 0]).starts_with("3.0"));
+    // A "$ref" replaces its siblings in OpenAPI 3.0, and in AsyncAPI, whose schemas are of draft 7. OpenAPI 3.1 follows
+    // JSON Schema 2020-12. Parts go by the first description.
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const std::string_view version = openApiVersionOf(tree, all[i < count ? i : 0]);
+        documents.setIgnoresSiblings(all[i], version.empty() || version.starts_with("3.0"));
+    }
     AvroTypes avro(documents, schemas, types, report);
     ApiMessages messages(documents, schemas, avro);
     for (Index source = 0; source < roots.size(); ++source) {
