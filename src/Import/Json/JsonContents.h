@@ -174,5 +174,6 @@ private:
     std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
     std::vector<Frame> frames;
     std::size_t steps = 0;
+    std::size_t made = 0; // nodes of made schemas
     CancelPoint cancelPoint{4096};
 };

@@ -12,6 +12,11 @@ using Index = JsonNode::Index;
 constexpr int kLongestChain = 100; // of references; guards against cycles
 constexpr int kMaxRank = 4;        // nesting of made schemas; bounds their growth
 
+// The nodes of made schemas in any source, and in addition for each of its values. With the second bound the work is
+// linear in the source; real schemas stay far below.
+constexpr std::size_t kFreeMade = 20'000;
+constexpr std::size_t kMadePerValue = 10;
+
 } // namespace
 
 // Returns the target of a schema that is only a reference, apart from remarks; else the schema itself.
@@ -80,6 +85,9 @@ JsonNode::Index JsonContents::makeMerged(const Merged& merged)
     const auto [known, isNew] = merges.try_emplace({merged.how, std::move(key)}, 0);
     if (!isNew)
         return known->second;
+    if (made > kFreeMade + kMadePerValue * (tree.size() - made))
+        types.refuse(std::to_string(kMadePerValue) + " combinations of schemas for each value of the source");
+    made += merged.members.size() + 2;
     const Index place = merged.members.front();
     const Index schema = tree.add(merged.how == either ? JsonNode::array : JsonNode::object, 0, 0, 0, place);
     known->second = schema;
