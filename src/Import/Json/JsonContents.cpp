@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <unordered_set>
 #include <utility>
 
@@ -259,8 +260,9 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return;
     if (kind == JsonContent::record && added.kind == JsonContent::map)
         return documents.note(SourceReport::furtherProperties, part);
-    const bool isSame =
-        kind == added.kind && frame.isBorrowed && std::ranges::equal(constantsOf(frame.content), constantsOf(added));
+    const bool isSame = kind == added.kind && frame.isBorrowed &&
+                        std::ranges::equal(constantsOf(frame.content), constantsOf(added), {}, &JsonConstant::value,
+                                           &JsonConstant::value);
     if (!isSame)
         documents.note(kind == JsonContent::map ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
     if (kind != JsonContent::record && !(kind == JsonContent::map && added.kind != JsonContent::record))
@@ -283,8 +285,8 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
         } else if (kind == JsonContent::enumeration) {
             makeOwn(frame);
             step(added.count);
-            for (const NameTable::Id constant : constantsOf(added))
-                addField(frame, {constant, 0}, own);
+            for (const JsonConstant constant : constantsOf(added))
+                addConstant(frame, constant);
         } else if (kind == JsonContent::map || kind == JsonContent::array) {
             const Index items = frame.content.items;
             frame.content.owner = 0;
@@ -340,34 +342,34 @@ void JsonContents::addOwnFields(Frame& frame, Index properties)
     }
 }
 
-// Adds a field, or a further schema to the field of the same name. With `own` it adds a constant.
+// Returns the position of a name among the rows of a frame; their number if there is none.
+template <class Row, class NameAt>
+std::size_t JsonContents::positionOf(Frame& frame, const std::vector<Row>& rows, NameTable::Id name,
+                                     NameAt nameAt) const
+{
+    // A few names are compared faster than they are hashed.
+    if (rows.size() < kFewFields)
+        return static_cast<std::size_t>(std::ranges::find(rows, name, nameAt) - rows.begin());
+    for (std::size_t i = frame.many.size(); i < rows.size(); ++i)
+        frame.many.emplace(std::invoke(nameAt, rows[i]), i);
+    const auto known = frame.many.find(name);
+    return known == frame.many.end() ? rows.size() : known->second;
+}
+
+void JsonContents::addConstant(Frame& frame, JsonConstant constant)
+{
+    if (positionOf(frame, frame.constants, constant.value, &JsonConstant::value) == frame.constants.size())
+        frame.constants.push_back(constant);
+}
+
+// Adds a field, or a further schema to the field of the same name.
 void JsonContents::addField(Frame& frame, JsonField field, How how)
 {
-    const bool isConstant = how == own;
-    const std::size_t size = isConstant ? frame.constants.size() : frame.fields.size();
-    const auto nameAt = [&](std::size_t i) { return isConstant ? frame.constants[i] : frame.fields[i].name; };
-    std::size_t at = size;
-    // A few names are compared faster than they are hashed.
-    if (size < kFewFields) {
-        for (at = 0; at < size && nameAt(at) != field.name;)
-            ++at;
-    } else {
-        for (std::size_t i = frame.many.size(); i < size; ++i)
-            frame.many.emplace(nameAt(i), i);
-        if (const auto known = frame.many.find(field.name); known != frame.many.end())
-            at = known->second;
-    }
-    if (at < size) {
-        if (!isConstant)
-            mergeField(frame.fields[at], field, how);
-        return;
-    }
-    if (isConstant) {
-        frame.constants.push_back(field.name);
-    } else {
-        field.isConditional = field.isConditional || how == maybe;
-        frame.fields.push_back({field, {}, field.isConditional ? 0u : 1u});
-    }
+    const std::size_t at = positionOf(frame, frame.fields, field.name, &MergedField::name);
+    if (at < frame.fields.size())
+        return mergeField(frame.fields[at], field, how);
+    field.isConditional = field.isConditional || how == maybe;
+    frame.fields.push_back({field, {}, field.isConditional ? 0u : 1u});
 }
 
 // Adds a further schema to a field. Schemas that apply under conditions are alternatives, and follow one that always

@@ -14,6 +14,13 @@ struct JsonField
     bool isConditional = false; ///< the schema applies under a condition or in some alternatives only
 };
 
+/// A constant of an enumeration. `title` is that of the schema that lists it alone; 0 if there is none.
+struct JsonConstant
+{
+    NameTable::Id value = 0;
+    NameTable::Id title = 0;
+};
+
 /// The values that a schema describes.
 struct JsonContent
 {
@@ -58,7 +65,7 @@ public:
         return std::span(fields).subspan(record.first, record.count);
     }
     /// Returns the constants of an enumeration. Valid until the next call of of().
-    std::span<const NameTable::Id> constantsOf(const JsonContent& enumeration) const
+    std::span<const JsonConstant> constantsOf(const JsonContent& enumeration) const
     {
         return std::span(constants).subspan(enumeration.first, enumeration.count);
     }
@@ -112,7 +119,7 @@ private:
         NameTable::Id discriminator = 0;
         std::vector<MergedField> fields;
         std::unordered_map<NameTable::Id, std::size_t> many; // index by name, if there are many
-        std::vector<NameTable::Id> constants;
+        std::vector<JsonConstant> constants;
     };
 
     // The content of a schema by its own keywords.
@@ -152,6 +159,9 @@ private:
     void makeOwn(Frame& frame);
     void addOwnFields(Frame& frame, Index properties);
     void addField(Frame& frame, JsonField field, How how);
+    void addConstant(Frame& frame, JsonConstant constant);
+    template <class Row, class NameAt>
+    std::size_t positionOf(Frame& frame, const std::vector<Row>& rows, NameTable::Id name, NameAt nameAt) const;
     void mergeField(MergedField& known, JsonField field, How how);
     bool isNull(Index schema) const;
     bool sayTheSame(Index one, Index other) const;
@@ -169,7 +179,7 @@ private:
     std::unordered_map<Index, JsonContent> contents;
     std::unordered_map<Index, bool> inHand; // schemas in progress; meeting one again is a cycle
     std::vector<JsonField> fields;
-    std::vector<NameTable::Id> constants;
+    std::vector<JsonConstant> constants;
     std::unordered_map<Index, Merged> madeOf;
     std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
     std::vector<Frame> frames;

@@ -316,6 +316,8 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
     JsonContent content;
     content.owner = frame.node;
     content.first = static_cast<std::uint32_t>(constants.size());
+    const Index named = own.values.size() == 1 ? tree.find(frame.node, JsonWord::title, JsonNode::string) : 0;
+    const NameTable::Id title = tree[named].text;
     std::size_t numbers = 0, texts = 0, others = 0;
     std::unordered_map<NameTable::Id, bool> met;
     for (const Index value : own.values) {
@@ -328,7 +330,7 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
         else if (kind != JsonNode::null)
             ++others;
         if ((kind == JsonNode::string || isScalar) && met.emplace(tree[value].text, true).second)
-            constants.push_back(tree[value].text);
+            constants.push_back({tree[value].text, title});
     }
     step(own.values.size());
     if (texts > 0 && numbers == 0 && others == 0) {
