@@ -223,16 +223,38 @@ x.json:5:10: name made fit: g\h is g_h
 TEST_F(JsonSchema, DescribesByTitleOrFirstSentence)
 {
     EXPECT_EQ(importSchema(R"({"title":" The\n r ","description":"no","properties":{
-        "a":{"description":"It is 1.5 long, e.g. so. No more."},"b":{"$ref":"#/$defs/B"},"c":{"title":"C","description":"no"}},
-        "$defs":{"B":{"description":"Of B","type":"number"}}})"),
+        "a":{"description":"It is 1.5 long, e.g. so. No more."},"b":{"$ref":"#/$defs/B"},"c":{"title":"C","description":"no"},
+        "d":{"oneOf":[{"const":"x","title":"Of x"},{"const":"y"}]}},"$defs":{"B":{"description":"Of B","type":"number"}}})"),
               1);
     CString said;
     message.beginEnum();
     while (const Element* type = message.enumNext())
         for (const Element* child : type->queryChildren())
             said += child->queryDescription() + ";";
-    EXPECT_EQ(said, "It is 1.5 long, e.g. so.;Of B;C;");
+    EXPECT_EQ(said, "Of x;y (Automatically created);It is 1.5 long, e.g. so.;Of B;C;d (Automatically created);");
     EXPECT_EQ(message.queryMainTypeName(), "The_r");
+}
+
+// Returns a mapping of YAML with many keys, and a list of mappings that it is merged into.
+CString manyMerges()
+{
+    CString text = "#\nb: &b {";
+    for (int i = 0; i < 1000; ++i)
+        text += "k" + std::to_string(i) + ": 1, ";
+    return text + "}\na: [" + times(500, "{<<: *b}, ") + "]";
+}
+
+// Returns schemas whose fields combine one another in ever more ways.
+CString manyCombinations()
+{
+    constexpr int count = 200;
+    const auto reference = [](int i) { return "{\"$ref\":\"#/$defs/d" + std::to_string(i % count) + "\"}"; };
+    CString text = "{\"$defs\":{";
+    for (int i = 0; i < count; ++i)
+        text += (i == 0 ? "\"d" : ",\"d") + std::to_string(i) + "\":{\"allOf\":[" +
+                (i % 2 == 0 ? reference(i + 1) : "") + "],\"properties\":{\"x\":" + reference(i * 7 + 3) + ",\"y" +
+                std::to_string(i % 5) + "\":" + reference(i * 11 + 5) + "}}";
+    return text + "}}";
 }
 
 struct Refusal
@@ -265,6 +287,10 @@ const Refusal kRefusals[] = {
     {"NoSchema", "[{}]", "$ declares no element, type or enumeration."},
     {"MadeOfItself", R"({"allOf":[{"$ref":"#/$defs/A"}],"$defs":{"A":{"anyOf":[{"type":"null"},{"$ref":"#"}]}}})",
      "# is made of itself, without an object between."},
+    {"ManyMerges", manyMerges(),
+     "$: more than 100000 merged members and 20 more for each value of the document, which is the bound."},
+    {"ManyCombinations", manyCombinations(),
+     "$: more than 1000 combinations of schemas and 2 more for each value of the source, which is the bound."},
     {"NoSuchMainType", R"({"properties":{"a":{}}})", "There is no element called B.", "B"},
 };
 
@@ -277,7 +303,7 @@ TEST_P(JsonSchemaRefusal, NamesTheFault)
     EXPECT_EQ(importSchema(GetParam().schema), 0);
     CString says = GetParam().says;
     if (says.starts_with('$'))
-        says = folder.path() + "x.json" + says.substr(1);
+        says = folder.path() + (GetParam().schema.starts_with('#') ? "x.yaml" : "x.json") + says.substr(1);
     EXPECT_THAT(boxes.take(), testing::ElementsAre(says));
 }
 

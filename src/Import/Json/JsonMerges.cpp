@@ -12,10 +12,10 @@ using Index = JsonNode::Index;
 constexpr int kLongestChain = 100; // of references; guards against cycles
 constexpr int kMaxRank = 4;        // nesting of made schemas; bounds their growth
 
-// The nodes of made schemas in any source, and in addition for each of its values. With the second bound the work is
-// linear in the source; real schemas stay far below.
-constexpr std::size_t kFreeMade = 20'000;
-constexpr std::size_t kMadePerValue = 10;
+// The nodes of made schemas in any source, and in addition for each of its values, so that the work is linear in the
+// source. Real schemas have at most 0.3 for each value.
+constexpr std::size_t kFreeMade = 1000;
+constexpr std::size_t kMadePerValue = 2;
 
 } // namespace
 
@@ -86,7 +86,8 @@ JsonNode::Index JsonContents::makeMerged(const Merged& merged)
     if (!isNew)
         return known->second;
     if (made > kFreeMade + kMadePerValue * (tree.size() - made))
-        types.refuse(std::to_string(kMadePerValue) + " combinations of schemas for each value of the source");
+        types.refuse(std::to_string(kFreeMade) + " combinations of schemas and " + std::to_string(kMadePerValue) +
+                     " more for each value of the source");
     made += merged.members.size() + 2;
     const Index place = merged.members.front();
     const Index schema = tree.add(merged.how == either ? JsonNode::array : JsonNode::object, 0, 0, 0, place);

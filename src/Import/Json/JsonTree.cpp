@@ -189,7 +189,8 @@ void JsonBuilder::merge(Index source)
 void JsonBuilder::countMerged()
 {
     if (++merged > kFreeMerged + kMaxMerged * values)
-        types.refuse(std::to_string(kMaxMerged) + " merged members for each value of the YAML document");
+        types.refuse(std::to_string(kFreeMerged) + " merged members and " + std::to_string(kMaxMerged) +
+                     " more for each value of the document");
 }
 
 void JsonBuilder::drop(std::span<const Index> members)
