@@ -46,6 +46,10 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import --version", {0, "typeforge-import " TYPEFORGE_VERSION "\n", ""}},
 
         // JSON is identified by its keys, in YAML and from a pipe as well.
+        {R"(echo '{"properties":{"a":1},"geometry":{}}' >g.json; echo '{"protocol":"https","$id":"5"}' >p.json;)"
+         R"(echo '{"type":"Feature","properties":{"a":{}}}' >q.json; echo '[{"properties":{"a":true}}]' >s.json;)"
+         "for i in g p q s; do $import $i.json -l -v 2>&1 | head -1 | grep -o '[a-z]*$'; done",
+         {0, "json\njson\njson\njsonschema\n", ""}},
         {R"(echo '{"title":"r","properties":{"a":{"$ref":"#/$defs/A"}},"$defs":{"A":{"properties":{"x":{}}}}}' >j.json;)"
          "$import j.json -l -v; printf 'title: r\\nproperties:\\n  a: {}\\n' | $import - -l -b '' | cut -f1",
          {0, "\\sys\\json\\r\\A\tA (Automatically created)\n\\sys\\json\\r\\r\tr\n\\r\\r\n",
