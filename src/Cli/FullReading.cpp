@@ -167,9 +167,9 @@ void nameUnusedOptions(const MsgBase& message, Diagnostics& diagnostics)
         diagnostics.warning("--entity " + name + "=... has no effect: no DTD refers to it or declares it");
 }
 
-void nameWayOut(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics)
+void suggestFullReading(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics)
 {
     const std::unique_ptr<const FullMessage> full(importer.createFull());
-    if (const CString uses = full ? full->queryUses(source) : ""; !uses.empty())
-        diagnostics.warning("read it with --full: it uses " + uses);
+    if (const CString unsupported = full ? full->unsupportedByLiteral(source) : ""; !unsupported.empty())
+        diagnostics.warning("read it with --full: it uses " + unsupported);
 }

@@ -50,4 +50,4 @@ void nameSwitches(const MsgBase& message, Diagnostics& diagnostics);
 void nameUnusedOptions(const MsgBase& message, Diagnostics& diagnostics);
 
 /// Warns if the full reading supports more of what the source uses, and names it.
-void nameWayOut(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);
+void suggestFullReading(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);

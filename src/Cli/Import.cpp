@@ -120,7 +120,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
         nameEmpty(importer, files.front(), diagnostics);
     if (!arguments.full.isWanted && (isEmpty || diagnostics.hasLiteralError()))
-        nameWayOut(importer, files.front(), diagnostics);
+        suggestFullReading(importer, files.front(), diagnostics);
     return !diagnostics.hasErrors();
 }
 

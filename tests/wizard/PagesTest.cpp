@@ -284,13 +284,14 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     desk.press(IDC_FULL_READING);
     desk.click("next");
     EXPECT_FALSE(main.isVisible() || desk.control<QWidget>(IDC_DETAILS).isVisible());
-    const auto* wayOut = desk.wizard().activePage()->findChild<QLabel*>("wayOut");
-    EXPECT_FALSE(wayOut->isVisible());
+    const auto* fullReadingHint = desk.wizard().activePage()->findChild<QLabel*>("fullReadingHint");
+    EXPECT_FALSE(fullReadingHint->isVisible());
     desk.dir.write("in/a.dtd", "<!ENTITY % a 'x'>");
     desk.click("back");
     desk.click("next");
-    EXPECT_TRUE(wayOut->isVisible());
-    EXPECT_EQ(wayOut->text(), "Read it in full, by the check box on the page before: it uses parameter entities.");
+    EXPECT_TRUE(fullReadingHint->isVisible());
+    EXPECT_EQ(fullReadingHint->text(),
+              "Read it in full, by the check box on the page before: it uses parameter entities.");
 }
 
 // View files whose name is relative to the folder at creation, and an output file that isn't complete yet.

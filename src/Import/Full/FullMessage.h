@@ -74,7 +74,7 @@ public:
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
 
     /// Returns what a file uses that the literal reading doesn't support, in words; empty if there is nothing.
-    virtual CString queryUses(const CString&) const { return {}; }
+    virtual CString unsupportedByLiteral(const CString&) const { return {}; }
 
     int parse(const CString& source, const CString& basePath, const CString& fileName) final;
     CString queryMainTypeName() const override { return mainType; }

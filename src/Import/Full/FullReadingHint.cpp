@@ -2,10 +2,10 @@
 
 #include "Resources/StringTable.h"
 
-void addUse(CString& uses, bool isUsed, const char* words)
+void addUnsupported(CString& unsupported, bool isUsed, const char* words)
 {
     if (isUsed)
-        uses.append(uses.empty() ? "" : ", ").append(words);
+        unsupported.append(unsupported.empty() ? "" : ", ").append(words);
 }
 
 bool isErrorOfLiteralReading(std::string_view text)

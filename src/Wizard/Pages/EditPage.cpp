@@ -52,13 +52,13 @@ EditPage::EditPage() : QELPage(IDD_EDIT, "Typeforge - Generated types", IDS_EDIT
 void EditPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
-    wayOut = plainLabel(); // first in Tab order, so that it is not missed
-    wayOut->setObjectName("wayOut");
-    wayOut->setWordWrap(true);
-    wayOut->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    wayOut->setFocusPolicy(Qt::StrongFocus);
+    fullReadingHint = plainLabel(); // first in Tab order, so that it is not missed
+    fullReadingHint->setObjectName("fullReadingHint");
+    fullReadingHint->setWordWrap(true);
+    fullReadingHint->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    fullReadingHint->setFocusPolicy(Qt::StrongFocus);
     auto* column = new QVBoxLayout(this);
-    column->addWidget(wayOut);
+    column->addWidget(fullReadingHint);
     column->addWidget(makeLists(), 1);
     column->addLayout(makeButtons());
     readingRow = new ReadingRow;
@@ -136,11 +136,12 @@ void EditPage::OnSetActive()
 {
     // If the literal reading found no types, the file may use constructs that only the full reading knows.
     const bool isLiteral = wizard->message->queryDescriptor()->hasFull() && !wizard->fullMessage();
-    const CString uses = isLiteral ? wizard->usedByFull : CString();
-    wayOut->setText(tr("Read it in full, by the check box on the page before: it uses %1.").arg(toUi(uses)));
-    wayOut->setHidden(uses.empty() || wizard->message->beginEnum() != 0);
+    const CString unsupported = isLiteral ? wizard->unsupportedConstructs : CString();
+    fullReadingHint->setText(
+        tr("Read it in full, by the check box on the page before: it uses %1.").arg(toUi(unsupported)));
+    fullReadingHint->setHidden(unsupported.empty() || wizard->message->beginEnum() != 0);
     readingRow->showReading(*wizard->message, wizard->fullMessage());
-    readingRow->offerFull(!uses.empty());
+    readingRow->offerFull(!unsupported.empty());
     showTypes();
 }
 

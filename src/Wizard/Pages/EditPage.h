@@ -55,7 +55,7 @@ private:
     void showReport();
     void clear();
 
-    QLabel* wayOut = nullptr;
+    QLabel* fullReadingHint = nullptr;
     ReadingRow* readingRow = nullptr;
     ListView* typeList = nullptr;
     StructurePane* pane = nullptr;

@@ -44,21 +44,21 @@ std::vector<FileFilter> fileFilters()
 
 // In its scope, an error caused by a construct that the literal reading doesn't know suggests the full reading in its
 // details.
-class WayOut
+class FullReadingHint
 {
 public:
-    WayOut(const WizardRun& wizard, const CString& fileName) : wizard(wizard), fileName(fileName) {}
-    ~WayOut() { setMessageBoxHandler(before); }
-    WayOut(const WayOut&) = delete;
-    WayOut& operator=(const WayOut&) = delete;
+    FullReadingHint(const WizardRun& wizard, const CString& fileName) : wizard(wizard), fileName(fileName) {}
+    ~FullReadingHint() { setMessageBoxHandler(before); }
+    FullReadingHint(const FullReadingHint&) = delete;
+    FullReadingHint& operator=(const FullReadingHint&) = delete;
 
 private:
     void show(const CString& text, const CString& title) const
     {
         CString details = queryMessageDetails();
-        const CString uses = isErrorOfLiteralReading(text) ? wizard.usesOfFull(fileName) : CString();
-        if (!uses.empty())
-            details = "Read it in full, by the check box on this page: it uses " + uses + "." +
+        const CString unsupported = isErrorOfLiteralReading(text) ? wizard.unsupportedByLiteral(fileName) : CString();
+        if (!unsupported.empty())
+            details = "Read it in full, by the check box on this page: it uses " + unsupported + "." +
                       (details.empty() ? "" : "\n") + details;
         const MessageBoxHandler own = setMessageBoxHandler(before);
         showMessageBox(text, title, details);
@@ -192,7 +192,7 @@ LRESULT SourcePage::OnWizardNext()
     pane->stop();
     const auto goOn = qScopeGuard([this] { lookAhead(); }); // restarts the preview, in case the page stays
     chooseReading();
-    const WayOut hint(*wizard, names.front());
+    const FullReadingHint hint(*wizard, names.front());
     if (!wizard->importSources(names))
         return -1; // the importer has shown the error
     wizard->options.setEditBack(IDD_SOURCE);

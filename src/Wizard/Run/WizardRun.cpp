@@ -81,7 +81,7 @@ int WizardRun::readSources()
     if (!isRead)
         return 0;
     const bool isPoor = message->beginEnum() == 0 || message->queryReport().queryTotal(SourceReport::loss) != 0;
-    usedByFull = isPoor ? usesOfFull(files.front()) : CString();
+    unsupportedConstructs = isPoor ? unsupportedByLiteral(files.front()) : CString();
     return isRead;
 }
 
@@ -117,8 +117,8 @@ FullMessage* WizardRun::fullMessage() const
     return dynamic_cast<FullMessage*>(message.get());
 }
 
-CString WizardRun::usesOfFull(const CString& fileName) const
+CString WizardRun::unsupportedByLiteral(const CString& fileName) const
 {
     const std::unique_ptr<const FullMessage> full(fullMessage() ? nullptr : message->queryDescriptor()->createFull());
-    return full ? full->queryUses(fileName) : CString();
+    return full ? full->unsupportedByLiteral(fileName) : CString();
 }

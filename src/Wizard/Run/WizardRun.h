@@ -48,7 +48,7 @@ public:
 
     /// Returns the constructs of a file that only the full reading supports, in words. Empty if there are none, there
     /// is no such reading, or it is the current one.
-    CString usesOfFull(const CString& fileName) const;
+    CString unsupportedByLiteral(const CString& fileName) const;
 
     /// Takes files and folders as the source: chooses the importer of the first one and shows the input page with their
     /// names. A message lists those that can't be imported, or not with the first one.
@@ -60,7 +60,7 @@ public:
     QELOptions options;
     std::unique_ptr<CDatabase> database; ///< the last opened data source; null before
     ScriptCommand script;                ///< the steps since the importer was chosen
-    CString usedByFull;                  ///< constructs of the last source that need the full reading, see usesOfFull()
+    CString unsupportedConstructs;       ///< of the last source: constructs that need the full reading
     QFont titleFont;                     ///< of the large texts on the first and the last page
 
 private:

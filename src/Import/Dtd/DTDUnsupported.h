@@ -4,4 +4,4 @@
 
 /// Returns what a DTD uses that the literal reading doesn't support, in words for a sentence ("parameter entities,
 /// comments with markup"). Empty if there is nothing, or if the file can't be read.
-CString usesOfDtd(const CString& fileName);
+CString unsupportedInDtd(const CString& fileName);

@@ -1,4 +1,4 @@
-#include "Import/Dtd/DTDUses.h"
+#include "Import/Dtd/DTDUnsupported.h"
 
 #include "Files/File.h"
 #include "Import/Dtd/DTDText.h"
@@ -38,16 +38,16 @@ bool isPlainAttlist(std::string_view declaration)
 
 } // namespace
 
-CString usesOfDtd(const CString& fileName)
+CString unsupportedInDtd(const CString& fileName)
 {
-    CString text, uses;
+    CString text, unsupported;
     if (readFile(fileName, text) != FileCause::none)
         return {};
     const auto isOfParameter = [](std::string_view entity) { return entity.starts_with('%'); };
     const auto hasMarkup = [](std::string_view comment) { return comment.find_first_of("<>") != kNowhere; };
     const auto isOther = [](std::string_view attlist) { return !isPlainAttlist(attlist); };
-    addUse(uses, hasPiece(text, "<!ENTITY", ">", isOfParameter), "parameter entities");
-    addUse(uses, hasPiece(text, "<!--", "-->", hasMarkup), "comments with markup");
-    addUse(uses, hasPiece(text, "<!ATTLIST", ">", isOther), "attributes other than CDATA #IMPLIED");
-    return uses;
+    addUnsupported(unsupported, hasPiece(text, "<!ENTITY", ">", isOfParameter), "parameter entities");
+    addUnsupported(unsupported, hasPiece(text, "<!--", "-->", hasMarkup), "comments with markup");
+    addUnsupported(unsupported, hasPiece(text, "<!ATTLIST", ">", isOther), "attributes other than CDATA #IMPLIED");
+    return unsupported;
 }

@@ -1,4 +1,4 @@
-#include "Import/Schema/Full/SchemaUses.h"
+#include "Import/Schema/Full/SchemaUnsupported.h"
 
 #include "Import/Full/FullReadingHint.h"
 #include "Xml/XmlParser.h"
@@ -28,13 +28,13 @@ struct SchemaRoot : XmlHandler
 
 } // namespace
 
-CString usesOfSchema(const CString& fileName)
+CString unsupportedInSchema(const CString& fileName)
 {
-    CString uses;
+    CString unsupported;
     SchemaRoot root;
     if (parseXmlFile(fileName, root))
         return {};
-    addUse(uses, root.hasTarget, "a target namespace");
-    addUse(uses, root.hasOtherPrefix, "a prefix other than xs");
-    return uses;
+    addUnsupported(unsupported, root.hasTarget, "a target namespace");
+    addUnsupported(unsupported, root.hasOtherPrefix, "a prefix other than xs");
+    return unsupported;
 }
