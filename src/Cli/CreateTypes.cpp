@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr char kWayOut[] = "; --base-path keeps them apart";
+constexpr char kBasePathHint[] = "; --base-path keeps them apart";
 
 // Asks on standard error and reads a line of standard input. Anything but y, a or x is a no, as is the end of input,
 // like closing the dialog of the wizard.
@@ -84,9 +84,9 @@ void reportOtherSources(const CreationRun& run, const CString& source, bool isKe
                    (isDryRun        ? " would be"
                     : replaced == 1 ? " was"
                                     : " were") +
-                   " replaced by " + (replaced == 1 ? "a different one" : "different ones") + kWayOut);
+                   " replaced by " + (replaced == 1 ? "a different one" : "different ones") + kBasePathHint);
         if (kept != 0 && isKeptToo)
-            report(typesOf(kept, shown) + (kept == 1 ? " is different" : " are different") + kWayOut);
+            report(typesOf(kept, shown) + (kept == 1 ? " is different" : " are different") + kBasePathHint);
     }
     if (!run.areSourcesKept())
         report("the repository keeps no sources of types; it does when the owner of its table has created types");

@@ -150,7 +150,7 @@ std::vector<CString> sourceFiles(const Arguments& arguments)
 }
 
 // Returns the first output file that is also an input, or an output twice; "" if there is none.
-CString fileOfTwoEnds(const Arguments& arguments, const std::vector<CString>& files)
+CString conflictingOutput(const Arguments& arguments, const std::vector<CString>& files)
 {
     std::vector<CString> others = files;
     others.push_back(arguments.diff.document == "-" ? "" : arguments.diff.document);
@@ -217,7 +217,7 @@ int runImport(Arguments arguments)
         return reportMistake(mistake);
     if (const CString mistake = arguments.full.mistakeFor(files.size()); !mistake.empty())
         return reportMistake(mistake);
-    if (const CString file = fileOfTwoEnds(arguments, files); !file.empty())
+    if (const CString file = conflictingOutput(arguments, files); !file.empty())
         return reportMistake(file + ": it would be read and written, or written twice");
     TableSource tables;
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, *importer));

@@ -55,30 +55,30 @@ public:
         unknownStatement,   ///< or a misspelt one, as xs:elem
         unknownAttribute,   ///< of a statement, as nam=
         misplacedStatement, ///< known, but without effect at its place
-        senselessValue,     ///< of an attribute
+        invalidValue,       ///< of an attribute
         unterminated,       ///< a comment or a declaration
-        senselessDeclaration,
-        statementUnreadable, ///< the importer also shows a message
-        insideItself,        ///< the same
-        inventedType,        ///< made of text that doesn't declare one
+        malformedDeclaration,
+        statementUnreadable,  ///< the importer also shows a message
+        recursiveDeclaration, ///< the same
+        inventedType,         ///< made of text that doesn't declare one
         declaredTwice,
         mainTypeAbstract,
         cutShort, ///< by a bound, which the name states
         impossibleName,
         entityNotExpanded,
-        declarationPassedOver,
-        groupPassedOver,
-        extensionPassedOver,
-        simpleTypePassedOver,
-        restrictionPassedOver,
-        substitutionPassedOver,
-        textPassedOver, ///< beside fields
+        declarationSkipped,
+        groupSkipped,
+        extensionSkipped,
+        simpleTypeSkipped,
+        restrictionSkipped,
+        substitutionSkipped,
+        textSkipped, ///< beside fields
         typeUnknown,
         mergedByName, ///< with a different declaration of the same name
-        repetitionPassedOver,
+        repetitionSkipped,
         inventedRepetition, ///< a table of something that occurs once
         nameMissing,        ///< of a type, a field or a constant of a type document
-        columnPassedOver,
+        columnSkipped,
         emptyTable,
         tableGone,    ///< since the tables were listed
         tableUnnamed, ///< the name can't be passed on: it is empty, blank or has several lines
@@ -87,7 +87,7 @@ public:
         kindsDiffer,       ///< of one value: a record if one of the kinds is, else text
         furtherProperties, ///< of any name, beside fields
         keyTwice,          ///< in one object: the last one stays
-        bytesPassedOver,   ///< a field that no type can hold
+        bytesSkipped,      ///< a field that no type can hold
                            // Details.
         sgmlException,
         anyContent,
@@ -101,9 +101,9 @@ public:
         unionOfKinds,
         elementNotAllowed,
         nameChanged,
-        nameMadeFit,            ///< for a place that can't hold it
+        nameAdjusted,           ///< for a place that can't hold it
         attributeDeclaredTwice, ///< which XML allows: the first one stays
-        entityPassedOver,       ///< the declaration of an entity that nothing refers to, or of a notation
+        entitySkipped,          ///< the declaration of an entity that nothing refers to, or of a notation
                                 // Details that are only counted.
         optionality,
         occurrenceBounds, ///< other than once, at most once and any number

@@ -41,7 +41,7 @@ void BrokerMessage::passOver(const IXMLDOMNode& type)
         return;
     std::string_view name;
     readAttributes(type, {{"NAME", &name}});
-    note(SourceReport::declarationPassedOver, type, CString(name) + " behind a type without content");
+    note(SourceReport::declarationSkipped, type, CString(name) + " behind a type without content");
 }
 
 // Reads one type. Returns false for a type without content, which ends the import.
@@ -94,7 +94,7 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
     for (IXMLDOMNode component = content.firstChild(); component; component = component.nextSibling()) {
         readAttributes(component, {{"TYPE", &componentType}});
         if (componentType != type.fullName())
-            note(SourceReport::declarationPassedOver, component, "component of the array " + type.fullName());
+            note(SourceReport::declarationSkipped, component, "component of the array " + type.fullName());
     }
 }
 
@@ -145,7 +145,7 @@ void BrokerMessage::readTable(const IXMLDOMNode& content, const Type& type)
     noteUnnamed(componentType, component ? component : content, "component of the table ", type);
     type.element->setKnownType(componentType);
     for (IXMLDOMNode other = component ? component.nextSibling() : component; other; other = other.nextSibling())
-        note(SourceReport::declarationPassedOver, other, "second component of the table " + type.fullName());
+        note(SourceReport::declarationSkipped, other, "second component of the table " + type.fullName());
 }
 
 void BrokerMessage::readAttributes(const IXMLDOMNode& node, std::initializer_list<Wanted> wanted)

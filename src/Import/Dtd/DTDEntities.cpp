@@ -127,7 +127,7 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
     if (!entity->text)
         return nullptr;
     if (entity->text->isOpen) {
-        report.add(SourceReport::senselessDeclaration, where, CString(name) + " inside itself");
+        report.add(SourceReport::malformedDeclaration, where, CString(name) + " inside itself");
         return nullptr;
     }
     checkDepth(depth + entity->depth);

@@ -82,7 +82,7 @@ std::size_t DTDNotes::readStatement(std::size_t at)
         return readDeclaration(at, true);
     if (isKeywordAt(text, keyword, "ENTITY") || isKeywordAt(text, keyword, "NOTATION")) {
         if (isDetailed)
-            note(SourceReport::entityPassedOver, at, entityInWords(text, keyword));
+            note(SourceReport::entitySkipped, at, entityInWords(text, keyword));
         return readLong(at, keyword, true);
     }
     return text.substr(keyword, 1) == "[" ? readSection(at) : readUnknown(at);
@@ -115,7 +115,7 @@ std::size_t DTDNotes::readSection(std::size_t at)
 {
     const std::string_view key =
         text.substr(at + 3, std::min(text.substr(at + 3, kLongKey).find_first_of("[<>"), kLongKey));
-    note(SourceReport::declarationPassedOver, at, "section " + CString(trimmed(key)));
+    note(SourceReport::declarationSkipped, at, "section " + CString(trimmed(key)));
     std::size_t behind = at + 3;
     for (; reference < behind + key.size(); reference = text.find('%', reference + 1))
         readReference(reference);
@@ -177,7 +177,7 @@ std::size_t DTDNotes::readLiteral(std::size_t at, std::size_t place, bool mayHol
                          (end + 1 == text.size() || kDtdDelimiter.has(text[end + 1]) || text[end + 1] == '-') &&
                          (mayHoldMarkup || text.substr(place, end - place).find("<!") == kNowhere);
     if (!isWhole)
-        note(SourceReport::senselessDeclaration, at, "quote without a second one");
+        note(SourceReport::malformedDeclaration, at, "quote without a second one");
     return isWhole ? end + 1 : place + 1;
 }
 

@@ -88,7 +88,7 @@ bool DTDReader::readNames()
 void DTDReader::readElement()
 {
     if (!readNames()) {
-        senseless("ELEMENT without a name");
+        noteMalformed("ELEMENT without a name");
         return;
     }
     const auto isMinimization = [](const DTDTokens::Token& token) {
@@ -99,7 +99,7 @@ void DTDReader::readElement()
     bool holdsText = false;
     model.clear();
     if (!readContent(holdsText)) {
-        senseless(names.front());
+        noteMalformed(names.front());
         return;
     }
     readException();
@@ -138,7 +138,7 @@ bool DTDReader::readGroup(bool& holdsText)
     const DTDTokens::Token& token = tokens->token();
     do {
         if (token.isEnd()) {
-            senseless(names.front());
+            noteMalformed(names.front());
             for (; depth > 0; --depth)
                 model.endGroup(false);
             return true; // what was read so far stands
@@ -157,7 +157,7 @@ bool DTDReader::readGroup(bool& holdsText)
         readGroupMark(mark, depth);
     } while (depth > 0);
     if (lacksConnector)
-        senseless(names.front());
+        noteMalformed(names.front());
     return true;
 }
 
@@ -190,7 +190,7 @@ void DTDReader::readChild()
     if (child.isName)
         model.add(child.index, repeats);
     else
-        senseless(child.name);
+        noteMalformed(child.name);
 }
 
 // Reads the mark behind a name or a group. Returns true if the mark means more than one. A '+' before a '(' is no mark,
@@ -212,7 +212,7 @@ void DTDReader::readException()
     if (tokens->token().isMark('+') || tokens->token().isMark('-'))
         report.add(SourceReport::sgmlException, tokens->place(), names.front());
     else if (!tokens->token().isEnd())
-        senseless(names.front());
+        noteMalformed(names.front());
 }
 
 void DTDReader::declareElement(Element& element, Index firstContent, bool holdsText)
@@ -243,12 +243,12 @@ bool DTDReader::isSame(const Element& element, Index firstContent, bool holdsTex
 void DTDReader::readAttlist()
 {
     if (!readNames()) {
-        senseless("ATTLIST without a name");
+        noteMalformed("ATTLIST without a name");
         return;
     }
     while (!tokens->token().isEnd())
         if (!readAttribute()) {
-            senseless(names.front());
+            noteMalformed(names.front());
             return;
         }
 }
@@ -350,7 +350,7 @@ void DTDReader::readEntity()
         report.count(SourceReport::generalEntity);
     const DTDTokens::Token& token = tokens->token();
     if (token.kind != DTDTokens::tokenWord && (isOfParameter || token.kind != DTDTokens::tokenReserved))
-        return senseless("ENTITY without a name");
+        return noteMalformed("ENTITY without a name");
     const std::string_view name = token.text;
     tokens->next();
     std::string_view publicId, systemId;
@@ -358,7 +358,7 @@ void DTDReader::readEntity()
     if (!isModule && token.kind == DTDTokens::tokenWord)
         tokens->next(); // SGML's data types: CDATA, SDATA and others
     if (!isModule && token.kind != DTDTokens::tokenLiteral)
-        return senseless(name);
+        return noteMalformed(name);
     if (isOfParameter && isModule)
         tokens->entities().declareModule(name, publicId, systemId, tokens->place());
     else if (isOfParameter)
@@ -376,7 +376,7 @@ void DTDReader::readEntityEnd(std::string_view name, bool hasNotation)
     while (hasNotation && tokens->token().kind == DTDTokens::tokenWord) // NDATA and the name of the notation
         tokens->next();
     if (!tokens->token().isEnd())
-        senseless(name);
+        noteMalformed(name);
 }
 
 // Reads "SYSTEM place", "PUBLIC id place" or SGML's "PUBLIC id". Returns false for anything else.

@@ -92,7 +92,7 @@ private:
     void readDefault();
     void addAttribute(Element& element, std::string_view name, SourceTypes::Type type);
     Element& elementNamed(std::string_view name);
-    void senseless(std::string_view what) { note(SourceReport::senselessDeclaration, what); }
+    void noteMalformed(std::string_view what) { note(SourceReport::malformedDeclaration, what); }
     void note(SourceReport::Construct construct, std::string_view name);
 
     std::vector<bool> findReached(std::span<const CString> roots) const;

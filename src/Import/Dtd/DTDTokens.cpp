@@ -173,7 +173,7 @@ void DTDTokens::skipComment()
         return;
     }
     if (find(start, close, "-- >") != close)
-        report.add(SourceReport::senselessDeclaration, placeIn(frame), "comment that \"-- >\" does not end");
+        report.add(SourceReport::malformedDeclaration, placeIn(frame), "comment that \"-- >\" does not end");
     frame.at = close + 3;
 }
 
@@ -214,7 +214,7 @@ void DTDTokens::readSection()
     }
     const std::string_view key = trimmed({start, static_cast<std::size_t>(open - start)});
     if (!current.isMark('['))
-        return report.add(SourceReport::senselessDeclaration, declaration, "section without '['");
+        return report.add(SourceReport::malformedDeclaration, declaration, "section without '['");
     if (key.starts_with('%'))
         noteKey(dtdNameAt(key.substr(1)), !isIgnored);
     if (isIgnored)

@@ -124,7 +124,7 @@ void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& 
 {
     const bool isNext = kind == Catalogs::nextCatalog;
     if ((key.empty() && !isNext) || (target.empty() && kind != Catalogs::rewriteSystem && kind != Catalogs::rewriteUri))
-        return catalogs.report.add(SourceReport::senselessDeclaration, place, "catalogue entry");
+        return catalogs.report.add(SourceReport::malformedDeclaration, place, "catalogue entry");
     if (++catalogs.entryCount > kMaxEntries)
         throw XmlRefusal{"more than " + std::to_string(kMaxEntries) + " catalogue entries"};
     const bool isDelegate =

@@ -344,7 +344,7 @@ void AvroTypes::readFields(const Pending& record)
         if (shape)
             fields.push_back({field.name, field.description, shape->type, SourceTypes::roleElement, shape->depth});
         else
-            documents.note(SourceReport::bytesPassedOver, place, field.name);
+            documents.note(SourceReport::bytesSkipped, place, field.name);
     }
     types.setFields(record.record, fields);
 }

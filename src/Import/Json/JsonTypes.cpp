@@ -73,7 +73,7 @@ std::string_view JsonTypes::fit(std::string_view name, SourcePlace place, Source
     if (made.empty())
         made = "_";
     if (made != name)
-        report.add(SourceReport::nameMadeFit, place, CString(name) + " is " + made);
+        report.add(SourceReport::nameAdjusted, place, CString(name) + " is " + made);
     return types.keep(made);
 }
 

@@ -62,7 +62,7 @@ SchemaStatements::Occurrence SchemaStatements::occurrenceOf(std::string_view val
     if (value == "unbounded")
         return Occurrence::unbounded;
     if (value.empty() || value.find_first_not_of("0123456789") != value.npos)
-        return Occurrence::senseless;
+        return Occurrence::invalid;
     value.remove_prefix(std::min(value.find_first_not_of('0'), value.size()));
     if (value.empty())
         return Occurrence::none;
@@ -126,7 +126,7 @@ void SchemaStatements::leave()
     }
     const Level& level = open.back();
     if ((level.holder == Tag::simpleRestriction || level.holder == Tag::textRestriction) && !level.hasChild)
-        find(SourceReport::senselessDeclaration, level.start, "restriction without base");
+        find(SourceReport::malformedDeclaration, level.start, "restriction without base");
     open.pop_back();
 }
 
@@ -187,18 +187,18 @@ std::string_view SchemaStatements::valueOf(SchemaAttribute name) const
 void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
 {
     const std::string_view value = trimmed(attribute.value);
-    bool makesSense = true;
+    bool isValid = true;
     switch (attribute.name) {
     case Word::minOccurs:
         least = occurrenceOf(value);
-        makesSense = least != Occurrence::senseless && least != Occurrence::unbounded;
+        isValid = least != Occurrence::invalid && least != Occurrence::unbounded;
         break;
     case Word::maxOccurs:
         most = occurrenceOf(value);
-        makesSense = most != Occurrence::senseless;
+        isValid = most != Occurrence::invalid;
         break;
     case Word::use:
-        makesSense = isUse(value, edition);
+        isValid = isUse(value, edition);
         details[SourceReport::optionality] += value == "optional";
         break;
     case Word::nillable:
@@ -207,18 +207,18 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         [[fallthrough]];
     case Word::abstract:
     case Word::mixed:
-        makesSense = isBoolean(value);
+        isValid = isBoolean(value);
         break;
     case Word::form:
     case Word::elementFormDefault:
     case Word::attributeFormDefault:
-        makesSense = value == "qualified" || value == "unqualified";
+        isValid = value == "qualified" || value == "unqualified";
         break;
     case Word::base:
     case Word::itemType:
     case Word::ref:
     case Word::type:
-        makesSense = !value.empty();
+        isValid = !value.empty();
         break;
     case Word::block:
     case Word::final:
@@ -228,16 +228,16 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         details[SourceReport::derivationLimit] += !value.empty();
         break;
     case Word::content:
-        makesSense = value == "elementOnly" || value == "empty"; // the other values mean text content
+        isValid = value == "elementOnly" || value == "empty"; // the other values mean text content
         break;
     case Word::defaultAttributes:
-        find(SourceReport::declarationPassedOver, shown(called) + "=" + CString(value));
+        find(SourceReport::declarationSkipped, shown(called) + "=" + CString(value));
         break;
     default:
         break;
     }
-    if (!makesSense)
-        find(SourceReport::senselessValue, shown(called) + "=\"" + CString(value.substr(0, kLongestValue)) + "\"");
+    if (!isValid)
+        find(SourceReport::invalidValue, shown(called) + "=\"" + CString(value.substr(0, kLongestValue)) + "\"");
     if (!value.empty() || attribute.name == Word::value)
         said |= bitOf(attribute.name);
 }
@@ -253,7 +253,7 @@ void SchemaStatements::enterStatement(SchemaTag tag, Level& level)
     }
     const bool isTop = open.size() == 1 || holder.holder == Tag::redefine;
     if (const char* missing = missingIn(tag, holder.holder, isTop); missing && !isMisspelt)
-        find(*missing ? SourceReport::senselessDeclaration : SourceReport::nameMissing, shown(current) + missing);
+        find(*missing ? SourceReport::malformedDeclaration : SourceReport::nameMissing, shown(current) + missing);
     if (has(Word::ref) && !isTop && (has(Word::name) || has(Word::type)))
         find(SourceReport::unknownAttribute, CString(has(Word::name) ? "name" : "type") + " beside ref");
     if (tag == Tag::restriction && holder.holder == Tag::simpleType)

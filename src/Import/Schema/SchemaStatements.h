@@ -94,7 +94,7 @@ public:
         once,
         often,
         unbounded,
-        senseless ///< not a number
+        invalid ///< not a number
     };
     /// Returns the meaning of such a value. Leading zeros are allowed, white space is not.
     static Occurrence occurrenceOf(std::string_view value);

@@ -100,7 +100,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         if (const auto type = elementTypeOf(columns.dataType))
             addElement(tableName + columns.columnName, basePath, columns.columnName, columns.remarks, *type, table);
         else
-            report.add(SourceReport::columnPassedOver, place, columns.columnName + " (" + columns.typeName + ")");
+            report.add(SourceReport::columnSkipped, place, columns.columnName + " (" + columns.typeName + ")");
     }
     columns.Close();
     if (read.empty())

@@ -66,7 +66,7 @@ void WsdlReader::readOther(XmlName name, XmlAttributes attributes)
     if (isImport)
         addImport(attributes.valueOf("schemaLocation"), attributes.valueOf("namespace"), here());
     else
-        report.add(SourceReport::declarationPassedOver, here(), name.local);
+        report.add(SourceReport::declarationSkipped, here(), name.local);
 }
 
 // Starts a schema. Inside a WSDL it inherits the prefixes declared around it.
@@ -180,7 +180,7 @@ void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, S
     else if (content == "#any")
         report.add(SourceReport::anyElement, place, local);
     else if (!content.empty() && content != "#none")
-        report.add(SourceReport::declarationPassedOver, place, CString(local) + " " + CString(content));
+        report.add(SourceReport::declarationSkipped, place, CString(local) + " " + CString(content));
 }
 
 // Resolves a QName in the current scope. Returns an empty name for a missing one, for "#any" and the like, and for an

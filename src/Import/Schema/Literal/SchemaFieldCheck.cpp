@@ -54,14 +54,14 @@ void SchemaFieldCheck::report(const Field& field, std::string_view path)
     const bool isLaterTable =
         declared.isMarked() && repeated.try_emplace(field.element, field.record).first->second != field.record;
     if (isLaterTable || (declared.isInRepeated() && !declared.isMarked()))
-        sourceReport.add(SourceReport::repetitionPassedOver, declared.queryPlace(), name);
+        sourceReport.add(SourceReport::repetitionSkipped, declared.queryPlace(), name);
 }
 
 SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& declared, std::string_view name)
 {
     switch (declared.queryLoss()) {
     case SchemaTypeLoss::innerType:
-        return {Element::typeString, {}, SourceReport::simpleTypePassedOver, name};
+        return {Element::typeString, {}, SourceReport::simpleTypeSkipped, name};
     case SchemaTypeLoss::otherType:
         return {Element::typeString, {}, SourceReport::mergedByName, name};
     case SchemaTypeLoss::none:

@@ -94,7 +94,7 @@ void SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines&
 void SchemaMessage::passOver(const SchemaOutline& outline)
 {
     for (const SchemaOutline::Location& location : outline.locations())
-        report.add(SourceReport::declarationPassedOver, location.place, location.text);
+        report.add(SourceReport::declarationSkipped, location.place, location.text);
 }
 
 int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
@@ -125,7 +125,7 @@ void SchemaMessage::noteMain(const SchemaOutline& outline)
         report.add(SourceReport::mainTypeAbstract, outline.placeOf(main), outline[main].name());
     const SchemaElement* const record = table.find(Fingerprint(table.queryMainType()));
     if (!record || !record->queryChildren()) // without fields no type results
-        report.add(SourceReport::declarationPassedOver, outline.placeOf(main), outline[main].name());
+        report.add(SourceReport::declarationSkipped, outline.placeOf(main), outline[main].name());
 }
 
 // Returns the number of usages: one for each record and each of its fields.
@@ -155,7 +155,7 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
         field.declared = mayMiss ? table.find(child->queryKey()) : child;
         getType(field.declared, field.typeName, field.name);
         if (!field.declared)
-            report.add(SourceReport::declarationPassedOver, child->queryPlace(), child->queryName());
+            report.add(SourceReport::declarationSkipped, child->queryPlace(), child->queryName());
         field.mark = getModifiers(*child);
         field.hash = keyHash(field.name);
         model.queryNames().prefetch(field.hash);

@@ -119,10 +119,10 @@ void SchemaOutline::notePassedOver(XmlName name, SchemaTag tag, Level& level)
     case SchemaTag::element:
     case SchemaTag::attribute:
     case SchemaTag::complexType:
-        return statements.find(SourceReport::declarationPassedOver, nameAround());
+        return statements.find(SourceReport::declarationSkipped, nameAround());
     case SchemaTag::redefine:
         if (name.local == std::string_view("override"))
-            statements.find(SourceReport::declarationPassedOver,
+            statements.find(SourceReport::declarationSkipped,
                             CString(statements.valueOf(SchemaAttribute::schemaLocation)));
         return;
     case SchemaTag::sequence:
@@ -134,19 +134,19 @@ void SchemaOutline::notePassedOver(XmlName name, SchemaTag tag, Level& level)
     case SchemaTag::group:
     case SchemaTag::attributeGroup: // a declaration alone has no effect
         if (!reference.empty())
-            statements.find(SourceReport::groupPassedOver, CString(reference));
+            statements.find(SourceReport::groupSkipped, CString(reference));
         return;
     case SchemaTag::extension:
-        return statements.find(SourceReport::extensionPassedOver, CString(base));
+        return statements.find(SourceReport::extensionSkipped, CString(base));
     case SchemaTag::restriction:
         if (statements.holder() == SchemaTag::simpleRestriction)
             noteSimpleType(tag, level);
         else if (base.substr(base.find(':') + 1) != "anyType")
-            statements.find(SourceReport::restrictionPassedOver, CString(base));
+            statements.find(SourceReport::restrictionSkipped, CString(base));
         return;
     case SchemaTag::complexContent:
         if (saysMixed())
-            statements.find(SourceReport::textPassedOver, nameAround());
+            statements.find(SourceReport::textSkipped, nameAround());
         return;
     case SchemaTag::any:
         return statements.find(SourceReport::anyElement, nameAround());
@@ -200,9 +200,9 @@ void SchemaOutline::noteDeclaration(SchemaTag tag)
     if (declaration.isAbstract)
         statements.find(SourceReport::abstractType, nameAround());
     if (tag == SchemaTag::complexType && saysMixed())
-        statements.find(SourceReport::textPassedOver, nameAround());
+        statements.find(SourceReport::textSkipped, nameAround());
     if (statements.has(SchemaAttribute::substitutionGroup))
-        statements.find(SourceReport::substitutionPassedOver, nameAround());
+        statements.find(SourceReport::substitutionSkipped, nameAround());
 }
 
 bool SchemaOutline::saysMixed() const
@@ -341,7 +341,7 @@ void SchemaOutline::reportUnread(SourceReport& report) const
 {
     for (const Entry& entry : entries)
         if (entry.tag != complexType && !entry.isRead)
-            report.add(SourceReport::declarationPassedOver, {file, entry.declaration.line, entry.declaration.column},
+            report.add(SourceReport::declarationSkipped, {file, entry.declaration.line, entry.declaration.column},
                        entry.declaration.name());
 }
 

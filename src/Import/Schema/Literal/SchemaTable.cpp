@@ -275,7 +275,7 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaSaying& said, const Rec
             theApp.Error(loadText(IDS_CYCLIC), IDS_ERROR_TITLE,
                          {report->fileNameOf(said.place.file), CString(said.name) + " stands inside itself",
                           static_cast<long>(said.place.line), static_cast<long>(said.place.column), true});
-            report->add(SourceReport::insideItself, said.place, said.name);
+            report->add(SourceReport::recursiveDeclaration, said.place, said.name);
             ++cyclicReferences;
             return nullptr;
         }
