@@ -21,7 +21,7 @@ int BrokerMessage::parse(const CString& source, const CString&, const CString&)
     DomBuilder builder(tree, [&](const IXMLDOMNode& child) {
         isEmpty = false;
         if (isOver)
-            passOver(child);
+            skipType(child);
         else
             isOver = !readType(child);
     });
@@ -35,7 +35,7 @@ int BrokerMessage::parse(const CString& source, const CString&, const CString&)
 }
 
 // Reports a type behind one without content. Such types are not imported.
-void BrokerMessage::passOver(const IXMLDOMNode& type)
+void BrokerMessage::skipType(const IXMLDOMNode& type)
 {
     if (type.baseName().empty()) // no element
         return;

@@ -51,7 +51,7 @@ private:
     };
 
     bool readType(const IXMLDOMNode& node);
-    void passOver(const IXMLDOMNode& type);
+    void skipType(const IXMLDOMNode& type);
     void readContent(const IXMLDOMNode& content, Type& type);
     void readArray(const IXMLDOMNode& content, const Type& type);
     void readConstants(const IXMLDOMNode& content, const Type& type);

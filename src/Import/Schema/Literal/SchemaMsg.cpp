@@ -41,7 +41,7 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
         return fail(document.queryParseError(), document.queryFault());
     const SchemaOutline& main = outlines.front();
     if (main.hasTargetNamespace())
-        passOver(main);
+        reportSkipped(main);
     else if (!fileName.empty())
         readIncluded(fileName, outlines);
     table.readIncluded(outlines, !fileName.empty(), kinds, report);
@@ -91,7 +91,7 @@ void SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines&
 }
 
 // Reports the documents of a schema with a target namespace, which the literal reading skips.
-void SchemaMessage::passOver(const SchemaOutline& outline)
+void SchemaMessage::reportSkipped(const SchemaOutline& outline)
 {
     for (const SchemaOutline::Location& location : outline.locations())
         report.add(SourceReport::declarationSkipped, location.place, location.text);

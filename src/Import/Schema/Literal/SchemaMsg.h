@@ -48,7 +48,7 @@ private:
                SchemaTable::Outlines& outlines);
     bool readFile(const CString& fileName, std::uint32_t file, XmlDocument& document, SchemaTable::Outlines& outlines);
     void readIncluded(const CString& fileName, SchemaTable::Outlines& outlines);
-    void passOver(const SchemaOutline& outline);
+    void reportSkipped(const SchemaOutline& outline);
     void noteMain(const SchemaOutline& outline);
     int doParse(const SchemaOutline& outline, const CString& source);
     std::size_t countFields() const;

@@ -79,7 +79,7 @@ void SchemaOutline::startElement(XmlName name, XmlAttributes attributes)
         if (level.place != kNone)
             noteDeclaration(tag);
         else
-            notePassedOver(name, tag, level);
+            noteSkipped(name, tag, level);
     }
     open.push_back(level);
 }
@@ -111,7 +111,7 @@ std::size_t SchemaOutline::prefixOf(XmlName name)
 }
 
 // Reports statements that the tables have no place for although they affect types.
-void SchemaOutline::notePassedOver(XmlName name, SchemaTag tag, Level& level)
+void SchemaOutline::noteSkipped(XmlName name, SchemaTag tag, Level& level)
 {
     const std::string_view base = statements.valueOf(SchemaAttribute::base);
     const std::string_view reference = statements.valueOf(SchemaAttribute::ref);

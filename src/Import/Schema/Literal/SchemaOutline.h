@@ -151,7 +151,7 @@ private:
     std::string_view keepName(std::string_view name);
     Index enter(Tag tag, XmlAttributes attributes);
     std::size_t prefixOf(XmlName name);
-    void notePassedOver(XmlName name, SchemaTag tag, Level& level);
+    void noteSkipped(XmlName name, SchemaTag tag, Level& level);
     void noteSimpleType(SchemaTag tag, Level& level);
     void noteDeclaration(SchemaTag tag);
     bool saysMixed() const;
