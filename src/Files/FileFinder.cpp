@@ -226,7 +226,7 @@ std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::s
 std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, std::string_view component)
 {
     std::vector<FoundFile> found;
-    std::set<FileId> met;
+    std::set<FileId> visited;
     for (const FoundFile& folder : folders) {
         const CString prefix = folder.name.ends_with('/') ? folder.name : folder.name + '/';
         for (const CString& like : namesLike(folder, component)) {
@@ -236,7 +236,7 @@ std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, s
             struct stat status;
             if (::stat(name.c_str(), &status) != 0)
                 isBlind |= !meansMissing(errno);
-            else if (const FileId id = idOf(status); met.insert(id).second)
+            else if (const FileId id = idOf(status); visited.insert(id).second)
                 found.push_back({S_ISDIR(status.st_mode) ? folderNames.try_emplace(id, name).first->second : name, id});
         }
     }

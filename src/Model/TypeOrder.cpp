@@ -33,7 +33,7 @@ void TypeOrder::place(const Element& start)
     while (!frames.empty()) {
         told.step(list.size());
         Frame& top = frames.back();
-        if (isOld(top)) {
+        if (isStale(top)) {
             frames.pop_back();
             continue;
         }
@@ -56,15 +56,15 @@ void TypeOrder::place(const Element& start)
 void TypeOrder::enter(Index element, Index climb)
 {
     if (frames.size() > 4 * nodes.size())
-        std::erase_if(frames, [this](const Frame& frame) { return isOld(frame); });
+        std::erase_if(frames, [this](const Frame& frame) { return isStale(frame); });
     if (nodes[element].climb == 0)
-        meet(element);
+        readLinks(element);
     nodes[element].climb = climb;
     frames.push_back({element, climb});
 }
 
 // Reads the links of an element at its first visit.
-void TypeOrder::meet(Index element)
+void TypeOrder::readLinks(Index element)
 {
     graph.read(element);
     if (nodes.size() < graph.size()) {

@@ -51,8 +51,8 @@ private:
     };
 
     void enter(Index element, Index climb);
-    void meet(Index element);
-    bool isOld(const Frame& frame) const { return nodes[frame.element].climb != frame.climb; }
+    void readLinks(Index element);
+    bool isStale(const Frame& frame) const { return nodes[frame.element].climb != frame.climb; }
     void markPlaced(Frame& frame);
     Index nextParentOf(const Frame& frame);
     Index nextParentInClimb(const Frame& frame);

@@ -66,22 +66,22 @@ const char* TypeStructure::kindOf(std::uint32_t type) const
 
 std::span<const TypePart> TypeStructure::parts(std::uint32_t type) const
 {
-    partsInHand.clear();
-    typeNamesInHand.clear();
+    lastParts.clear();
+    lastTypeNames.clear();
     const Element& element = (*this)[type];
     if (holdsComponent(element)) {
         const CString& component = types[type].component;
-        partsInHand.push_back({TypePart::component, nullptr, {}, component, find(component)});
-        return partsInHand;
+        lastParts.push_back({TypePart::component, nullptr, {}, component, find(component)});
+        return lastParts;
     }
     const bool isRecord = element.queryType() == Element::typeRow;
     prefetch(element.queryChildren());
     for (const Element* child : element.queryChildren())
         if (!isRecord)
-            partsInHand.push_back({TypePart::constant, child, child->queryName(), {}, kNone});
+            lastParts.push_back({TypePart::constant, child, child->queryName(), {}, kNone});
         else if (child->isField())
-            partsInHand.push_back(partOf(*child, element));
-    return partsInHand;
+            lastParts.push_back(partOf(*child, element));
+    return lastParts;
 }
 
 // Fast path: nearly every type is the child itself and found without its full name.
@@ -94,7 +94,7 @@ TypePart TypeStructure::partOf(const Element& child, const Element& record) cons
             part.typeName = types[part.type].fullName;
             return part;
         }
-        part.typeName = child.queryFieldType(record).joined(typeNamesInHand.emplace_back());
+        part.typeName = child.queryFieldType(record).joined(lastTypeNames.emplace_back());
     } else {
         part.typeName = child.queryFieldType(record).first;
     }

@@ -110,8 +110,8 @@ private:
     std::deque<Type> types; // a deque, because the index points into it
     KeyedTable<const Type, &Type::fullName> index;
     std::vector<std::uint32_t> numbers;           // types by element number; empty if two types have the same name
-    mutable std::vector<TypePart> partsInHand;    // of the last call
-    mutable std::deque<CString> typeNamesInHand;  // names of `partsInHand` that are stored nowhere else
+    mutable std::vector<TypePart> lastParts;      // of the last call
+    mutable std::deque<CString> lastTypeNames;    // names of `lastParts` that are stored nowhere else
     mutable std::vector<std::uint32_t> firstUser; // by type: where its users begin in `userList`; built on demand
     mutable std::vector<std::uint32_t> userList;
 };

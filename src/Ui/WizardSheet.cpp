@@ -189,23 +189,23 @@ void WizardSheet::reject()
 void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBar, const QString& server)
 {
     pace = {};
-    LongWork inHand(*cancelButton);
-    connect(&inHand, &LongWork::lasts, this, [&] { setNavigation(false); });
+    LongWork longWork(*cancelButton);
+    connect(&longWork, &LongWork::lasts, this, [&] { setNavigation(false); });
     for (const auto signal : {&LongWork::lasts, &LongWork::goesOn})
-        connect(&inHand, signal, this, [&] { showProgress(inHand, ownBar, server); });
+        connect(&longWork, signal, this, [&] { showProgress(longWork, ownBar, server); });
     const QPointer<QWidget> focus = focusWidget(); // while the work runs, only Cancel can have it
     const auto end = [&] {
         if (progressRow->isHidden())
             return;
-        showProgress(inHand, ownBar, server);
+        showProgress(longWork, ownBar, server);
         setNavigation(true);
         if (focus)
             focus->setFocus();
         sinceWork.start();
     };
-    work = &inHand;
+    work = &longWork;
     try {
-        inHand.run(call);
+        longWork.run(call);
     } catch (...) {
         work = nullptr;
         end();
@@ -215,14 +215,14 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBa
     end();
 }
 
-void WizardSheet::showProgress(const LongWork& inHand, QProgressBar* ownBar, const QString& server)
+void WizardSheet::showProgress(const LongWork& longWork, QProgressBar* ownBar, const QString& server)
 {
-    const Progress progress = inHand.query();
+    const Progress progress = longWork.query();
     const bool isWaiting = progress.work == Work::waiting && !server.isEmpty();
     const QString words = toUi(progressText(progress)) + (isWaiting ? tr(" from %1").arg(server) : pace.left(progress));
     progressRow->setBarVisible(!ownBar || progress.work != Work::creating);
-    progressRow->show(inHand.isCancelled() ? "Cancelling ..." : words, progress);
-    cancelButton->setEnabled(!inHand.isCancelled());
+    progressRow->show(longWork.isCancelled() ? "Cancelling ..." : words, progress);
+    cancelButton->setEnabled(!longWork.isCancelled());
     if (ownBar && progress.total != 0 && progress.work == Work::creating)
         ownBar->setValue(static_cast<int>(progress.done));
 }

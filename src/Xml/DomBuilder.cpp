@@ -25,7 +25,7 @@ DomName DomBuilder::nameOf(const XmlName& name)
 
 DomTreeNode* DomBuilder::create(DomKind kind, DomName name, std::string_view value)
 {
-    DomTree& target = treeInHand();
+    DomTree& target = currentTree();
     DomTreeNode* const node = target.create(kind, name, target.queryArena().keep(value));
     node->place = place;
     ++pieceCount;
@@ -35,7 +35,7 @@ DomTreeNode* DomBuilder::create(DomKind kind, DomName name, std::string_view val
 void DomBuilder::startElement(XmlName name, XmlAttributes attributes)
 {
     flushText();
-    DomTree& target = treeInHand();
+    DomTree& target = currentTree();
     DomTreeNode* const element = create(DomKind::element, nameOf(name), {});
     if (depth++ == 0)
         root = IXMLDOMNode(element);

@@ -35,7 +35,7 @@ public:
     void comment(std::string_view text) override { add(DomKind::comment, "#comment", text); }
     void instruction(std::string_view target, std::string_view data) override
     {
-        add(DomKind::instruction, treeInHand().queryArena().keep(target), data);
+        add(DomKind::instruction, currentTree().queryArena().keep(target), data);
     }
 
 private:
@@ -47,7 +47,7 @@ private:
         }
     };
 
-    DomTree& treeInHand() { return take && depth > 0 ? pieces : tree; }
+    DomTree& currentTree() { return take && depth > 0 ? pieces : tree; }
     DomName nameOf(const XmlName& name);
     DomTreeNode* create(DomKind kind, DomName name, std::string_view value);
     void add(DomKind kind, std::string_view name, std::string_view value);

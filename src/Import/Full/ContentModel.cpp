@@ -5,7 +5,7 @@
 void ContentModel::clear()
 {
     open.clear();
-    met.clear();
+    occurrences.clear();
     groupsBegin.assign(1, 0);
     entries.clear();
     last.clear();
@@ -39,7 +39,7 @@ void ContentModel::add(std::uint32_t name, bool repeats)
         entry.repeats = entry.repeats || repeats || canFollow(last[entryOf[name]]);
         last[entryOf[name]] = position();
     }
-    met.push_back(entryOf[name]);
+    occurrences.push_back(entryOf[name]);
     groupsBegin.push_back(0);
 }
 
@@ -56,10 +56,10 @@ bool ContentModel::canFollow(std::uint32_t earlier) const
 std::span<const ContentModel::Entry> ContentModel::finish()
 {
     std::int32_t around = 0;
-    for (std::size_t at = 0; at < met.size(); ++at) {
+    for (std::size_t at = 0; at < occurrences.size(); ++at) {
         around += groupsBegin[at];
         if (around > 0)
-            entries[met[at]].repeats = true;
+            entries[occurrences[at]].repeats = true;
     }
     return entries;
 }

@@ -58,11 +58,11 @@ private:
         Group kind;
     };
 
-    std::uint32_t position() const { return static_cast<std::uint32_t>(met.size()); }
+    std::uint32_t position() const { return static_cast<std::uint32_t>(occurrences.size()); }
     bool canFollow(std::uint32_t earlier) const;
 
     std::vector<OpenGroup> open;
-    std::vector<std::uint32_t> met;        // the entry of each occurrence
+    std::vector<std::uint32_t> occurrences; // the entry of each occurrence
     std::vector<std::int32_t> groupsBegin; // by position: repeating groups that start there, minus those that end there
     std::vector<Entry> entries;
     std::vector<std::uint32_t> entryOf; // by name: its entry, if `stamp` is the current one

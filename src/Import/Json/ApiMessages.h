@@ -22,7 +22,7 @@ public:
 
 private:
     Index follow(Index node);
-    bool isNew(Index node) { return met.insert(node).second; }
+    bool isNew(Index node) { return visited.insert(node).second; }
     void readPaths(Index paths, std::string_view prefix);
     void readPathItem(Index item, std::string_view name);
     void readOperation(Index operation, std::string_view name);
@@ -38,6 +38,6 @@ private:
     JsonTree& tree;
     JsonTypes& schemas;
     AvroTypes& avro;
-    std::unordered_set<Index> met; // nodes that have been read
-    int depth = 0;                 // nesting of callbacks
+    std::unordered_set<Index> visited; // nodes that have been read
+    int depth = 0;                     // nesting of callbacks
 };

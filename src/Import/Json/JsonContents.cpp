@@ -72,7 +72,7 @@ JsonContent JsonContents::of(Index schema)
 void JsonContents::enter(Index schema)
 {
     step();
-    if (!inHand.emplace(schema, true).second) {
+    if (!inProgress.emplace(schema, true).second) {
         const SourcePlace place = tree.placeOf(schema);
         const CString words = tree.pointerTo(schema) + " is made of itself, without an object between";
         frames.clear();
@@ -135,7 +135,7 @@ void JsonContents::finish()
         content.owner = frame.node;
     content.isConditional = content.isConditional || frame.allowsAny;
     contents[frame.node] = content;
-    inHand.erase(frame.node);
+    inProgress.erase(frame.node);
     frames.pop_back();
 }
 

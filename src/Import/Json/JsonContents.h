@@ -177,7 +177,7 @@ private:
     const SourceTypes& types;
     SourceReport& report;
     std::unordered_map<Index, JsonContent> contents;
-    std::unordered_map<Index, bool> inHand; // schemas in progress; meeting one again is a cycle
+    std::unordered_map<Index, bool> inProgress; // schemas in progress; meeting one again is a cycle
     std::vector<JsonField> fields;
     std::vector<JsonConstant> constants;
     std::unordered_map<Index, Merged> madeOf;

@@ -158,8 +158,8 @@ void JsonTypes::readFields(const Pending& record)
                                                    : fieldOf("value", record.content.items, record.record));
     } else {
         const auto content = contents.fieldsOf(record.content);
-        inHand.assign(content.begin(), content.end());
-        for (const JsonField& field : inHand) {
+        copiedFields.assign(content.begin(), content.end());
+        for (const JsonField& field : copiedFields) {
             cancelPoint.pass();
             std::string_view& name = keptNames[field.name];
             if (name.empty())

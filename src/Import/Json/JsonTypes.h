@@ -82,7 +82,7 @@ private:
     std::unordered_set<std::uint64_t, NumberHash> candidates;         // by source and record
     Index source = 0;
     std::vector<Pending> pending;
-    std::vector<JsonField> inHand;
+    std::vector<JsonField> copiedFields;
     std::vector<SourceTypes::Field> fields;
     CancelPoint cancelPoint{4096};
 };

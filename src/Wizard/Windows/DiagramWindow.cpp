@@ -129,13 +129,13 @@ QWidget* DiagramWindow::makeButtons()
 // Returns false if the work was cancelled.
 bool DiagramWindow::runLong(const std::function<void()>& call)
 {
-    LongWork inHand(*cancelButton);
+    LongWork longWork(*cancelButton);
     const auto tell = [&] {
-        progress->show(inHand.isCancelled() ? tr("Cancelling ...") : tr("Drawing the picture ..."), inHand.query());
+        progress->show(longWork.isCancelled() ? tr("Cancelling ...") : tr("Drawing the picture ..."), longWork.query());
     };
-    connect(cancelButton, &QPushButton::clicked, &inHand, &LongWork::cancel);
-    connect(&inHand, &LongWork::goesOn, this, tell);
-    connect(&inHand, &LongWork::lasts, this, [&] {
+    connect(cancelButton, &QPushButton::clicked, &longWork, &LongWork::cancel);
+    connect(&longWork, &LongWork::goesOn, this, tell);
+    connect(&longWork, &LongWork::lasts, this, [&] {
         buttons->hide();
         work->show();
         tell();
@@ -150,7 +150,7 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
             focus->setFocus();
     });
     try {
-        inHand.run(call);
+        longWork.run(call);
     } catch (const Cancelled&) {
         return false;
     }

@@ -56,7 +56,8 @@ SchemaField& SchemaContents::Fields::add(const SchemaField& field)
     return all.emplace_back(field);
 }
 
-SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), contents(tree), inHand(tree.size()) {}
+SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), contents(tree), isEntered(tree.size())
+{}
 
 // Works out a chain of base types from its far end, without recursion.
 std::span<const SchemaField> SchemaContents::of(Index type)
@@ -133,7 +134,7 @@ void SchemaContents::walkParticles(Index holder)
     while (!frames.empty()) {
         Frame& frame = frames.back();
         if (frame.next == 0) {
-            inHand[frame.group] = false; // node 0 if the frame is not a group
+            isEntered[frame.group] = false; // node 0 if the frame is not a group
             frames.pop_back();
             continue;
         }
@@ -177,9 +178,9 @@ void SchemaContents::enterGroup(Index reference, std::uint8_t times)
     const Index group = set.find(SchemaSet::group, tree.referenceOf(reference), reference);
     if (group == 0)
         return set.note(SourceReport::unresolvedContent, reference);
-    if (inHand[group])
+    if (isEntered[group])
         return;
-    inHand[group] = true;
+    isEntered[group] = true;
     frames.push_back({tree[group].firstChild, group, false, times, ++clock});
 }
 
@@ -213,19 +214,19 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uin
     if (set.membersOf(head).empty())
         return;
     std::vector<Index> heads{declaration};
-    inHand[declaration] = true;
+    isEntered[declaration] = true;
     for (std::size_t i = 0; i < heads.size(); ++i)
         for (const Index member : set.membersOf(set.nameOf(heads[i]))) {
             spendStep();
-            if (inHand[member])
+            if (isEntered[member])
                 continue;
-            inHand[member] = true;
+            isEntered[member] = true;
             heads.push_back(member);
             if (!tree[member].is(SchemaNode::isAbstract))
                 addOccurrence(set.nameOf(member), member, times, 0);
         }
     for (const Index member : heads)
-        inHand[member] = false;
+        isEntered[member] = false;
 }
 
 // Adds an element. Two occurrences of one name add up if the innermost group around both is a sequence; in a choice
@@ -289,15 +290,15 @@ void SchemaContents::walkAttributes(Index holder)
             const Index group = set.find(SchemaSet::attributeGroup, tree.referenceOf(at), at);
             if (group == 0) {
                 set.note(SourceReport::unresolvedContent, at);
-            } else if (!inHand[group]) {
-                inHand[group] = true;
+            } else if (!isEntered[group]) {
+                isEntered[group] = true;
                 groups.push_back(group);
                 waiting.push_back(tree[group].firstChild);
             }
         }
     }
     for (const Index group : groups)
-        inHand[group] = false;
+        isEntered[group] = false;
     // Prohibited attributes have lost their names.
     std::erase_if(attributes.all, [](const SchemaField& field) { return field.name.local == 0; });
 }

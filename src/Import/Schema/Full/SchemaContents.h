@@ -94,6 +94,6 @@ private:
     std::vector<Frame> frames;
     std::size_t clock = 0;
     std::vector<Index> waiting;
-    std::vector<bool> inHand; // by node: groups that have been entered
+    std::vector<bool> isEntered; // by node: groups that have been entered
     std::size_t steps = 0;
 };

@@ -22,7 +22,7 @@ void appendPart(CString& out, std::string_view text)
 void SchemaDocumentation::begin()
 {
     whole.clear();
-    open = met = firstNumber = 0;
+    open = startTags = firstNumber = 0;
     holdsText = false;
     definition.clear();
     firstText.clear();
@@ -34,7 +34,7 @@ void SchemaDocumentation::enter(std::string_view local)
         parts.emplace_back();
     Part& part = parts[open++];
     part.text.clear();
-    part.number = ++met;
+    part.number = ++startTags;
     part.holdsText = false;
     part.isDefinition = local == "Definition" || local == "definition";
 }

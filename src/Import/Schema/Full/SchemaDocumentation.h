@@ -38,7 +38,7 @@ private:
     CString whole;
     std::vector<Part> parts; // the first `open` ones are open elements; the others are kept to reuse their memory
     std::size_t open = 0;
-    std::size_t met = 0; // number of start tags
+    std::size_t startTags = 0; // seen so far
     bool holdsText = false;
     CString definition;
     CString firstText;

@@ -53,13 +53,13 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
     while (!waiting.empty()) {
         const Index top = waiting.back();
         auto [known, isNew] = values.insert(top);
-        if (!isNew && known.firstConstant != kInHand) {
+        if (!isNew && known.firstConstant != kPending) {
             waiting.pop_back();
             continue;
         }
         collectParts(top);
         if (isNew) {
-            known.firstConstant = kInHand;
+            known.firstConstant = kPending;
             for (const Part& part : parts)
                 if (part.type != 0 && !values.find(part.type))
                     waiting.push_back(part.type);
@@ -94,7 +94,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::valueOf(const Part& part) const
     if (part.type == 0)
         return part.value;
     const Value* const known = values.find(part.type);
-    return !known || known->firstConstant == kInHand ? Value() : *known;
+    return !known || known->firstConstant == kPending ? Value() : *known;
 }
 
 // Returns the text of a complex type with elements: text between its elements, or that of its base type.

@@ -46,7 +46,7 @@ private:
         Value value;
     };
 
-    static constexpr std::uint32_t kInHand = ~0U; // in firstConstant: the value is not yet known
+    static constexpr std::uint32_t kPending = ~0U; // in firstConstant: the value is not yet known
 
     bool saysMixed(Index complexType) const;
     Value inherit(Index complexType) const;

@@ -9,26 +9,26 @@
 void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots,
                        const std::vector<SchemaSet::Message>& messages)
 {
-    std::vector<char> isMet(tree.size());
-    const auto meet = [&isMet](Index component) { return std::exchange(isMet[component], 1) == 0; };
+    std::vector<char> isVisited(tree.size());
+    const auto visit = [&isVisited](Index component) { return std::exchange(isVisited[component], 1) == 0; };
     for (const SchemaSet::Message& message : messages)
         messageNumbers.emplace(message.element, static_cast<SourceTypes::Index>(messageNumbers.size()));
     std::unordered_map<NameTable::Id, std::uint32_t> sourcesBySpace;
     for (const auto& [document, number] : sources) {
         for (const Index component : set.componentsOf(document))
-            if (meet(component))
+            if (visit(component))
                 readComponent(component, number);
         sourcesBySpace.try_emplace(tree.documents[document].space, number);
         for (const auto& [prefix, space] : tree.documents[document].prefixes)
             types.prefixes.emplace_back(keep(prefix), keep(space));
     }
     for (const auto& [element, source] : messages)
-        if (meet(element))
+        if (visit(element))
             addCandidate(element, source);
     std::unordered_set<Index> asked; // several roots may have the same local name
     for (const CString& root : roots)
         for (const Index component : set.componentsCalled(localNameOf(root)))
-            if (asked.insert(component).second && (meet(component) || tree[component].tag == SchemaTag::complexType)) {
+            if (asked.insert(component).second && (visit(component) || tree[component].tag == SchemaTag::complexType)) {
                 const auto source = sourcesBySpace.find(tree.documentOf(component).space);
                 addCandidate(component, source == sourcesBySpace.end() ? SourceTypes::kNone : source->second);
             }
@@ -142,8 +142,8 @@ void SchemaTypes::readFields(Pending record)
         fields.push_back({"value", {}, typeOf(text, record.type, SchemaTree::kValueName), SourceTypes::roleValue});
     const std::span<const SchemaField> content = contents.of(record.type);
     // Copied, because the types of the fields add to the contents.
-    inHand.assign(content.begin(), content.end());
-    for (const SchemaField& field : inHand) {
+    copiedFields.assign(content.begin(), content.end());
+    for (const SchemaField& field : copiedFields) {
         cancelPoint.pass();
         const Declared& type = declared(field.declaration);
         std::uint32_t said = field.documentation;

@@ -80,7 +80,7 @@ private:
     std::vector<std::string_view> keptNames;
     std::vector<std::string_view> keptDocumentations;
     std::vector<SourceTypes::Index> spaces; // by number of the URI: the index + 1; 0 if not yet known
-    std::vector<SchemaField> inHand;
+    std::vector<SchemaField> copiedFields;
     std::vector<SourceTypes::Field> fields;
     std::vector<std::string_view> constants;
     std::vector<std::string_view> descriptions; // of the current constants

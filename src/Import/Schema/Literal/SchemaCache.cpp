@@ -3,7 +3,7 @@
 void SchemaCache::add(const CString& fileName, const CString& shownName, const Locations& locations)
 {
     if (const auto id = identify(fileName))
-        met.insert(*id);
+        visited.insert(*id);
     for (auto location = locations.rbegin(); location != locations.rend(); ++location)
         waiting.push_back({holders.size(), location->place, location->text});
     holders.push_back({folderOf(fileName), shownName});
@@ -19,7 +19,7 @@ std::optional<SchemaCache::Document> SchemaCache::next()
         const auto file = finder.find(folder, path);
         if (!file)
             return Document{{}, {}, reference.place, reference.location};
-        if (met.insert(file->id).second)
+        if (visited.insert(file->id).second)
             return Document{file->name, shownFrom(holder, folder, path, *file), reference.place, reference.location};
     }
     return std::nullopt;

@@ -47,6 +47,6 @@ private:
 
     std::vector<Reference> waiting; // a stack: includes may nest ten thousand deep
     std::deque<Holder> holders;
-    std::set<FileId> met;
+    std::set<FileId> visited;
     FileFinder finder;
 };

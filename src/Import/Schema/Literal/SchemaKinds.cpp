@@ -40,7 +40,7 @@ SchemaKinds::Kind SchemaKinds::kindOf(Index type)
     std::vector<Index> waiting{type};
     while (!waiting.empty()) {
         Type& top = types[waiting.back()];
-        if (top.isMet && !top.isKnown) {
+        if (top.isVisited && !top.isKnown) {
             top.kind = combine(top);
             top.isKnown = true;
         }
@@ -48,9 +48,9 @@ SchemaKinds::Kind SchemaKinds::kindOf(Index type)
             waiting.pop_back();
             continue;
         }
-        top.isMet = true;
+        top.isVisited = true;
         for (Index part = top.firstPart; part != kNone; part = parts[part].next)
-            if (const Index inner = typeOf(parts[part]); inner != kNone && !types[inner].isMet)
+            if (const Index inner = typeOf(parts[part]); inner != kNone && !types[inner].isVisited)
                 waiting.push_back(inner);
     }
     return types[type].kind;

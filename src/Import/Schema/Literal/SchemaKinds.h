@@ -71,8 +71,8 @@ private:
         Kind kind = text;
         bool isList = false;
         bool isListed = false;
-        bool isMet = false;   // in progress; counts as text if it refers to itself
-        bool isKnown = false; // its kind is worked out
+        bool isVisited = false; // in progress; counts as text if it refers to itself
+        bool isKnown = false;   // its kind is worked out
     };
 
     void addPart(Index type, Part part);
