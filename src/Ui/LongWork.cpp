@@ -16,8 +16,8 @@ using std::chrono::steady_clock;
 
 namespace {
 
-constexpr milliseconds kAtHand(50); // too short for the user to notice
-constexpr milliseconds kShown(500); // after this time, progress is shown
+constexpr milliseconds kBriefly(50); // too short for the user to notice
+constexpr milliseconds kShown(500);  // after this time, progress is shown
 constexpr milliseconds kRefresh(100);
 
 LongWork* current = nullptr; // set in the window's thread, read there and in the work's
@@ -103,7 +103,7 @@ void LongWork::run(const std::function<void()>& work)
     const ProgressHandler before = setProgressHandler([this](const Progress& now) { return note(now); });
     std::exception_ptr raised;
     std::thread worker([&] { raised = attempt(work); });
-    waitAtHand();
+    waitBriefly();
     waitInLoop();
     worker.join();
     setProgressHandler(before);
@@ -146,13 +146,13 @@ Progress LongWork::query() const
 void LongWork::cancel()
 {
     cancelled = true;
-    Q_EMIT goesOn();
+    Q_EMIT progressed();
 }
 
 // Waits a short time without an event loop, so that short work behaves like a plain call.
-void LongWork::waitAtHand()
+void LongWork::waitBriefly()
 {
-    const auto end = steady_clock::now() + kAtHand;
+    const auto end = steady_clock::now() + kBriefly;
     std::unique_lock lock(mutex);
     while (changed.wait_until(lock, end, [this] { return isDone || wanted; }) && !isDone) {
         lock.unlock();
@@ -168,9 +168,9 @@ void LongWork::waitInLoop()
         return;
     qApp->installEventFilter(this);
     QTimer refresh;
-    connect(&refresh, &QTimer::timeout, this, &LongWork::goesOn);
-    QTimer::singleShot(kShown - kAtHand, &refresh, [&] {
-        Q_EMIT lasts();
+    connect(&refresh, &QTimer::timeout, this, &LongWork::progressed);
+    QTimer::singleShot(kShown - kBriefly, &refresh, [&] {
+        Q_EMIT becameVisible();
         refresh.start(kRefresh);
         loop.quit();
     });
@@ -198,7 +198,7 @@ bool LongWork::isOver() const
     return isDone;
 }
 
-bool LongWork::mayPass(const QObject* target, const QEvent& event) const
+bool LongWork::isAllowed(const QObject* target, const QEvent& event) const
 {
     const QWidget* const box = QApplication::activeModalWidget(); // shown by the work
     if (!box)
@@ -213,7 +213,7 @@ bool LongWork::mayPass(const QObject* target, const QEvent& event) const
 bool LongWork::eventFilter(QObject* target, QEvent* event)
 {
     const bool concerns = target->isWidgetType() || event->type() == QEvent::Shortcut;
-    if (!concerns || !isInput(*event) || mayPass(target, *event))
+    if (!concerns || !isInput(*event) || isAllowed(target, *event))
         return false;
     if (event->type() == QEvent::Close || isEscape(*event))
         cancel();

@@ -42,10 +42,10 @@ public:
 
 Q_SIGNALS:
     /// Emitted once the work has taken long enough to show its progress. From then on it can be cancelled.
-    void lasts();
+    void becameVisible();
 
     /// Emitted regularly afterwards, and when the work is cancelled.
-    void goesOn();
+    void progressed();
 
 protected:
     bool eventFilter(QObject* target, QEvent* event) override;
@@ -56,11 +56,11 @@ private:
 
     std::exception_ptr attempt(const std::function<void()>& work);
     bool note(const Progress& progress);
-    void waitAtHand();
+    void waitBriefly();
     void waitInLoop();
     void serve();
     bool isOver() const;
-    bool mayPass(const QObject* target, const QEvent& event) const;
+    bool isAllowed(const QObject* target, const QEvent& event) const;
 
     QAbstractButton& cancelButton;
     LongWork* const outer;

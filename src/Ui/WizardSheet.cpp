@@ -190,8 +190,8 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBa
 {
     pace = {};
     LongWork longWork(*cancelButton);
-    connect(&longWork, &LongWork::lasts, this, [&] { setNavigation(false); });
-    for (const auto signal : {&LongWork::lasts, &LongWork::goesOn})
+    connect(&longWork, &LongWork::becameVisible, this, [&] { setNavigation(false); });
+    for (const auto signal : {&LongWork::becameVisible, &LongWork::progressed})
         connect(&longWork, signal, this, [&] { showProgress(longWork, ownBar, server); });
     const QPointer<QWidget> focus = focusWidget(); // while the work runs, only Cancel can have it
     const auto end = [&] {

@@ -134,8 +134,8 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
         progress->show(longWork.isCancelled() ? tr("Cancelling ...") : tr("Drawing the picture ..."), longWork.query());
     };
     connect(cancelButton, &QPushButton::clicked, &longWork, &LongWork::cancel);
-    connect(&longWork, &LongWork::goesOn, this, tell);
-    connect(&longWork, &LongWork::lasts, this, [&] {
+    connect(&longWork, &LongWork::progressed, this, tell);
+    connect(&longWork, &LongWork::becameVisible, this, [&] {
         buttons->hide();
         work->show();
         tell();
