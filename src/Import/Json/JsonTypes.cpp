@@ -21,8 +21,8 @@ std::string_view firstSentence(std::string_view text)
             continue;
         }
         const std::size_t next = std::min(text.find_first_not_of(kWhitespace, at + 1), text.size());
-        const bool goesOn = next < text.size() && (next == at + 1 || (text[next] >= 'a' && text[next] <= 'z'));
-        if (!goesOn)
+        const bool continues = next < text.size() && (next == at + 1 || (text[next] >= 'a' && text[next] <= 'z'));
+        if (!continues)
             return text.substr(0, at + 1);
     }
     return text;

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::size_t kLinesLookedAt = 20;
+constexpr std::size_t kMaxLines = 20;
 
 struct Signature
 {
@@ -136,7 +136,7 @@ bool isCsv(std::string_view text)
         return false;
     return std::ranges::any_of(std::string_view(",;"), [text](char separator) {
         std::size_t columns = 0, lines = 0;
-        for (std::string_view rest = text; !rest.empty() && lines < kLinesLookedAt;) {
+        for (std::string_view rest = text; !rest.empty() && lines < kMaxLines;) {
             const std::size_t end = rest.find('\n');
             const std::string_view line = rest.substr(0, end);
             rest.remove_prefix(end == rest.npos ? rest.size() : end + 1);
@@ -155,7 +155,7 @@ bool isCsv(std::string_view text)
 struct Language
 {
     std::string_view ending;
-    bool (*isIt)(std::string_view text);
+    bool (*matches)(std::string_view text);
     std::string_view advice;
 };
 
@@ -197,7 +197,7 @@ std::string_view foreignText(std::string_view start, std::string_view fileName)
         if (name.ends_with(language.ending))
             return language.advice;
     for (const Language& language : kLanguages)
-        if (language.isIt(start))
+        if (language.matches(start))
             return language.advice;
     return {};
 }

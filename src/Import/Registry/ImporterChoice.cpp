@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::size_t kLookedAt = 1 << 16;
+constexpr std::size_t kMaxLookahead = 1 << 16;
 
 struct Ending
 {
@@ -26,8 +26,9 @@ constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},    {".ent", "
 // Returns the beginning of a file without NUL bytes, so that names in UTF-16 can be recognised.
 CString startOf(const CString& fileName)
 {
-    CString start(kLookedAt, '\0');
-    std::ifstream(openedFile(fileName), std::ios::binary).read(start.data(), static_cast<std::streamsize>(kLookedAt));
+    CString start(kMaxLookahead, '\0');
+    std::ifstream(openedFile(fileName), std::ios::binary)
+        .read(start.data(), static_cast<std::streamsize>(kMaxLookahead));
     std::erase(start, '\0');
     return start;
 }
@@ -108,13 +109,13 @@ std::string_view wordFor(std::string_view text)
 
 // The result of identifying a file: the name of its importer, or the advice for its format. Both are empty if it is
 // unknown.
-struct Told
+struct Identified
 {
     std::string_view importer;
     std::string_view foreign;
 };
 
-Told tell(const CString& fileName)
+Identified identify(const CString& fileName)
 {
     const auto* named = std::find_if(std::begin(kEndings), std::end(kEndings),
                                      [&](const Ending& row) { return endsWithAscii(fileName, row.ending); });
@@ -141,10 +142,10 @@ Told tell(const CString& fileName)
 
 MsgUIDescriptor* importerFor(const CString& fileName)
 {
-    return testReadable(fileName) == FileCause::none ? importerNamed(tell(fileName).importer) : nullptr;
+    return testReadable(fileName) == FileCause::none ? importerNamed(identify(fileName).importer) : nullptr;
 }
 
 std::string_view foreignAdvice(const CString& fileName)
 {
-    return testReadable(fileName) == FileCause::none ? tell(fileName).foreign : "";
+    return testReadable(fileName) == FileCause::none ? identify(fileName).foreign : "";
 }
