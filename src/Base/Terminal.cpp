@@ -20,34 +20,34 @@ void noteSignal(int number)
 
 // Blocks the signals that would end or stop the process while the echo is off, so that the echo is restored first. They
 // are delivered only inside ppoll(), so none can arrive just before the wait and be missed.
-class HeldSignals
+class BlockedSignals
 {
 public:
-    HeldSignals()
+    BlockedSignals()
     {
         caughtSignal = 0;
-        sigset_t held;
-        sigemptyset(&held);
+        sigset_t blocked;
+        sigemptyset(&blocked);
         struct sigaction note = {};
         note.sa_handler = noteSignal;
-        for (std::size_t i = 0; i < kHeld.size(); ++i) {
-            sigaddset(&held, kHeld[i]);
-            sigaction(kHeld[i], &note, &actions[i]);
+        for (std::size_t i = 0; i < kBlocked.size(); ++i) {
+            sigaddset(&blocked, kBlocked[i]);
+            sigaction(kBlocked[i], &note, &actions[i]);
         }
-        sigprocmask(SIG_BLOCK, &held, &before);
+        sigprocmask(SIG_BLOCK, &blocked, &before);
     }
 
-    ~HeldSignals()
+    ~BlockedSignals()
     {
-        for (std::size_t i = 0; i < kHeld.size(); ++i)
-            sigaction(kHeld[i], &actions[i], nullptr);
+        for (std::size_t i = 0; i < kBlocked.size(); ++i)
+            sigaction(kBlocked[i], &actions[i], nullptr);
         sigprocmask(SIG_SETMASK, &before, nullptr);
         if (caughtSignal)
             raise(caughtSignal); // only recorded until now
     }
 
-    HeldSignals(const HeldSignals&) = delete;
-    HeldSignals& operator=(const HeldSignals&) = delete;
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
 
     // Returns true if there is something to read, false if a signal came first.
     bool waitFor(int descriptor) const
@@ -57,8 +57,8 @@ public:
     }
 
 private:
-    static constexpr std::array kHeld = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
-    std::array<struct sigaction, kHeld.size()> actions;
+    static constexpr std::array kBlocked = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
+    std::array<struct sigaction, kBlocked.size()> actions;
     sigset_t before;
 };
 
@@ -90,7 +90,7 @@ public:
     bool write(std::string_view text) const { return ::write(descriptor, text.data(), text.size()) >= 0; }
 
     // Reads one character at a time, so that no buffer keeps what was typed.
-    bool readLine(const HeldSignals& signals, CString& line) const
+    bool readLine(const BlockedSignals& signals, CString& line) const
     {
         char c = 0;
         while (signals.waitFor(descriptor) && read(descriptor, &c, 1) == 1) {
@@ -107,37 +107,37 @@ private:
     bool usable = false;
 };
 
-Asked askOnce(const CString& prompt, CString& secret, bool& wasStopped)
+PromptResult promptOnce(const CString& prompt, CString& secret, bool& wasStopped)
 {
-    const HeldSignals signals; // first, so that the echo is restored before the signal is raised again
+    const BlockedSignals signals; // first, so that the echo is restored before the signal is raised again
     const SilentTerminal terminal;
     wipe(secret);
     if (!terminal.isUsable())
-        return Asked::noTerminal;
+        return PromptResult::noTerminal;
     secret.reserve(1024); // growing would leave copies behind
     const bool isAnswered = terminal.write(prompt) && terminal.readLine(signals, secret);
     wasStopped = caughtSignal == SIGTSTP;
     terminal.write("\n");
     if (!isAnswered)
         wipe(secret);
-    return isAnswered ? Asked::answered : Asked::givenUp;
+    return isAnswered ? PromptResult::answered : PromptResult::interrupted;
 }
 
 } // namespace
 
-Asked askTerminal(const CString& prompt, CString& secret)
+PromptResult promptTerminal(const CString& prompt, CString& secret)
 {
     // Asks again after a stop, because the shell may have used the terminal meanwhile.
     for (;;) {
         bool wasStopped = false;
-        const Asked asked = askOnce(prompt, secret, wasStopped);
+        const PromptResult result = promptOnce(prompt, secret, wasStopped);
         if (!wasStopped)
-            return asked;
+            return result;
     }
 }
 
 // Opened with the wrong mode, so that a read or write there fails with EBADF, as without a stream.
-void takeClosedStreams()
+void openClosedStreams()
 {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (fcntl(stream, F_GETFD) < 0)

@@ -2,19 +2,19 @@
 
 #include "Base/Text.h"
 
-/// The outcome of askTerminal().
-enum class Asked
+/// The outcome of promptTerminal().
+enum class PromptResult
 {
-    answered,  ///< a line was read, which may be empty
-    givenUp,   ///< the input ended, or a signal came
-    noTerminal ///< the process has no terminal
+    answered,    ///< a line was read, which may be empty
+    interrupted, ///< the input ended, or a signal came
+    noTerminal   ///< the process has no terminal
 };
 
 /// Writes `prompt` to the terminal of the process and reads one line into `secret` without echo. `secret` is empty
 /// unless the result is `answered`. A signal that ends or stops the process finds the echo restored; a stopped process
 /// asks again when it continues.
-Asked askTerminal(const CString& prompt, CString& secret);
+PromptResult promptTerminal(const CString& prompt, CString& secret);
 
 /// Opens /dev/null as standard input, output or error if the process was started without them. Otherwise the next file
 /// or connection would get that number, and with it whatever is written there.
-void takeClosedStreams();
+void openClosedStreams();

@@ -33,11 +33,11 @@ void readPassword(const LogonOptions& options, CString& password)
 {
     keepOutOfCores();
     if (options.passwordFile.empty()) {
-        const Asked asked = askTerminal("Password for " + options.user + options.place + ": ", password);
-        if (asked == Asked::noTerminal)
+        const PromptResult asked = promptTerminal("Password for " + options.user + options.place + ": ", password);
+        if (asked == PromptResult::noTerminal)
             throw std::runtime_error(CString("there is no terminal to ask for the password; use ") +
                                      options.fileOption);
-        if (asked == Asked::givenUp)
+        if (asked == PromptResult::interrupted)
             throw std::runtime_error("no password was given");
         return;
     }

@@ -33,7 +33,7 @@ namespace {
 
 int main(int argc, char** argv)
 {
-    takeClosedStreams();
+    openClosedStreams();
     try {
         Arguments arguments;
         int exitStatus = kDone;

@@ -62,7 +62,7 @@ void openDisplay(int& argc, char* argv[], std::optional<QApplication>& applicati
 
 int main(int argc, char* argv[])
 {
-    takeClosedStreams();
+    openClosedStreams();
     if (answersInText(argc, argv))
         return 0;
     std::optional<QApplication> application;
