@@ -40,7 +40,7 @@ public:
         for (; left >= kBlock; at += kBlock, left -= kBlock)
             add(load<std::uint64_t>(at), kBlock);
         if (left > 0)
-            add(few(at, left), left);
+            add(loadPartial(at, left), left);
         return *this;
     }
 
@@ -79,7 +79,7 @@ private:
     }
 
     // Returns one to seven bytes as the low bytes of a number. Reads overlap instead of looping over the bytes.
-    static std::uint64_t few(const char* bytes, std::size_t n)
+    static std::uint64_t loadPartial(const char* bytes, std::size_t n)
     {
         const auto byteAt = [bytes](std::size_t i) {
             return std::uint64_t{static_cast<unsigned char>(bytes[i])} << 8 * i;

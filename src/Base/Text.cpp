@@ -67,35 +67,35 @@ constexpr std::array<InNames, 128> makeAsciiInNames()
 // Where each ASCII character may stand in a name. A table, because nearly all names are ASCII.
 constexpr std::array<InNames, 128> kAsciiInNames = makeAsciiInNames();
 
-using Eight = std::uint64_t; // eight characters at a time
+using Bytes8 = std::uint64_t; // eight characters
 
-constexpr Eight every(unsigned char c)
+constexpr Bytes8 repeated(unsigned char c)
 {
-    return c * Eight{0x0101010101010101};
+    return c * Bytes8{0x0101010101010101};
 }
 
-Eight eightAt(const char* bytes)
+Bytes8 loadBytes8(const char* bytes)
 {
-    Eight eight;
-    std::memcpy(&eight, bytes, sizeof eight);
-    return eight;
+    Bytes8 loaded;
+    std::memcpy(&loaded, bytes, sizeof loaded);
+    return loaded;
 }
 
-using Sixteen [[gnu::vector_size(16)]] = signed char;
+using Bytes16 [[gnu::vector_size(16)]] = signed char;
 
-Sixteen sixteenOf(Eight first, Eight second)
+Bytes16 bytes16Of(Bytes8 first, Bytes8 second)
 {
-    const Eight both[] = {first, second};
-    Sixteen sixteen;
-    std::memcpy(&sixteen, both, sizeof sixteen);
-    return sixteen;
+    const Bytes8 both[] = {first, second};
+    Bytes16 joined;
+    std::memcpy(&joined, both, sizeof joined);
+    return joined;
 }
 
-// Returns whether one of the sixteen bytes is a control character, not ASCII, or one of & < > ".
-bool hasSpecial(Sixteen sixteen)
+// Returns whether one of the bytes is a control character, not ASCII, or one of & < > ".
+bool hasSpecial(Bytes16 bytes)
 {
-    const Sixteen specials = (sixteen < ' ') | ((sixteen | ('&' ^ '"')) == '&') | ((sixteen | ('<' ^ '>')) == '>');
-    Eight halves[2];
+    const Bytes16 specials = (bytes < ' ') | ((bytes | ('&' ^ '"')) == '&') | ((bytes | ('<' ^ '>')) == '>');
+    Bytes8 halves[2];
     std::memcpy(halves, &specials, sizeof halves);
     return (halves[0] | halves[1]) != 0;
 }
@@ -184,33 +184,33 @@ bool isPlainXmlText(std::string_view bytes)
 {
     const char* at = bytes.data();
     std::size_t left = bytes.size();
-    if (left < sizeof(Eight)) {
-        Eight few = every(' ');
-        std::memcpy(&few, at, left);
-        return !hasSpecial(sixteenOf(few, few));
+    if (left < sizeof(Bytes8)) {
+        Bytes8 padded = repeated(' ');
+        std::memcpy(&padded, at, left);
+        return !hasSpecial(bytes16Of(padded, padded));
     }
-    for (; left > sizeof(Sixteen); at += sizeof(Sixteen), left -= sizeof(Sixteen))
-        if (hasSpecial(sixteenOf(eightAt(at), eightAt(at + sizeof(Eight)))))
+    for (; left > sizeof(Bytes16); at += sizeof(Bytes16), left -= sizeof(Bytes16))
+        if (hasSpecial(bytes16Of(loadBytes8(at), loadBytes8(at + sizeof(Bytes8)))))
             return false;
-    if (left < sizeof(Eight)) { // go back, over some bytes that are checked already
-        at -= sizeof(Eight) - left;
-        left = sizeof(Eight);
+    if (left < sizeof(Bytes8)) { // go back, over some bytes that are checked already
+        at -= sizeof(Bytes8) - left;
+        left = sizeof(Bytes8);
     }
-    return !hasSpecial(sixteenOf(eightAt(at), eightAt(at + left - sizeof(Eight))));
+    return !hasSpecial(bytes16Of(loadBytes8(at), loadBytes8(at + left - sizeof(Bytes8))));
 }
 
 bool isXmlText(std::string_view bytes)
 {
     for (std::size_t at = 0; at < bytes.size();) {
-        if (bytes.size() - at >= sizeof(Eight)) { // fast path: nearly every text is plain ASCII
-            const Eight eight = eightAt(bytes.data() + at);
-            if (((eight | (eight - every(0x20))) & every(0x80)) == 0) {
-                at += sizeof eight;
+        if (bytes.size() - at >= sizeof(Bytes8)) { // fast path: nearly every text is plain ASCII
+            const Bytes8 block = loadBytes8(bytes.data() + at);
+            if (((block | (block - repeated(0x20))) & repeated(0x80)) == 0) {
+                at += sizeof block;
                 continue;
             }
         }
         const char32_t code = decodeUtf8(bytes, at);
-        if (code == kNoUtf8 || !isXmlChar(code))
+        if (code == kInvalidUtf8 || !isXmlChar(code))
             return false;
     }
     return true;
@@ -290,7 +290,7 @@ bool isXmlName(std::string_view text)
             continue;
         }
         const char32_t code = decodeUtf8(text, at);
-        if (code == kNoUtf8 || (!isIn(kNameStart, code) && (isFirst || !isIn(kNameRest, code))))
+        if (code == kInvalidUtf8 || (!isIn(kNameStart, code) && (isFirst || !isIn(kNameRest, code))))
             return false;
     }
     return !text.empty();

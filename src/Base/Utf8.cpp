@@ -36,16 +36,16 @@ char32_t decodeUtf8(std::string_view text, std::size_t& at)
     const std::size_t length = utf8Length(static_cast<char>(lead));
     // 0xC0 and 0xC1 only begin overlong forms; leads above 0xF4 would exceed U+10FFFF.
     if (lead < 0xC2 || lead > 0xF4 || text.size() - at < length)
-        return kNoUtf8;
+        return kInvalidUtf8;
     char32_t code = lead & (0x7F >> length);
     for (std::size_t i = 1; i < length; ++i) {
         if ((byte(at + i) & 0xC0) != 0x80)
-            return kNoUtf8;
+            return kInvalidUtf8;
         code = code << 6 | (byte(at + i) & 0x3F);
     }
     const bool overlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
     if (overlong || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
-        return kNoUtf8;
+        return kInvalidUtf8;
     at += length;
     return code;
 }
@@ -87,12 +87,12 @@ void appendUtf8(std::string& out, char32_t code)
 bool isUtf8(std::string_view bytes)
 {
     for (std::size_t at = 0; at < bytes.size();)
-        if (decodeUtf8(bytes, at) == kNoUtf8)
+        if (decodeUtf8(bytes, at) == kInvalidUtf8)
             return false;
     return true;
 }
 
-void dropCutCharacter(std::string_view& text)
+void dropPartialCharacter(std::string_view& text)
 {
     // Goes back over at most three continuation bytes.
     std::size_t start = text.size(); // of the last character

@@ -5,20 +5,20 @@
 #include <string_view>
 
 /// The result of decodeUtf8() if the bytes are not UTF-8.
-inline constexpr char32_t kNoUtf8 = 0xFFFFFFFF;
+inline constexpr char32_t kInvalidUtf8 = 0xFFFFFFFF;
 
 /// Returns the length in bytes, 1 to 4, of the character that starts with `lead`; 1 for a byte that starts none.
 std::size_t utf8Length(char lead);
 
 /// Returns the character at `at` and moves `at` past it. If the bytes are not UTF-8 (RFC 3629), overlong forms and
-/// surrogates included, returns kNoUtf8 and leaves `at`. `at` must be less than the size.
+/// surrogates included, returns kInvalidUtf8 and leaves `at`. `at` must be less than the size.
 char32_t decodeUtf8(std::string_view text, std::size_t& at);
 
 /// Returns the number of characters that begin in a UTF-8 text.
 std::size_t countCharacters(std::string_view text);
 
 /// Removes an incomplete character at the end of `text`, which a cut has left there.
-void dropCutCharacter(std::string_view& text);
+void dropPartialCharacter(std::string_view& text);
 
 /// Appends a character as UTF-8. `code` must be a valid code point.
 void appendUtf8(std::string& out, char32_t code);

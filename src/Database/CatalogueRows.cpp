@@ -99,7 +99,7 @@ void CatalogueRows::store(CString& out) const
         width = std::min(width, kTextWidth);
         std::string_view text(column.buffer.data(), strnlen(column.buffer.data(), width));
         if (text.size() == kTextWidth)
-            dropCutCharacter(text);
+            dropPartialCharacter(text);
         putText(out, text);
     }
 }

@@ -84,6 +84,6 @@ std::string_view driverText(const char* buffer, std::size_t capacity)
 {
     std::string_view text(buffer, strnlen(buffer, capacity - 1));
     if (text.size() == capacity - 1)
-        dropCutCharacter(text);
+        dropPartialCharacter(text);
     return trimmed(text);
 }

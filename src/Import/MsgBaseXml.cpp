@@ -9,7 +9,7 @@ CString MsgBase::queryFrameTag() const
 {
     const CString name = toXmlName(queryMainTypeName());
     std::string_view tag = std::string_view(name).substr(0, kMaxXmlName);
-    dropCutCharacter(tag);
+    dropPartialCharacter(tag);
     return CString(tag);
 }
 

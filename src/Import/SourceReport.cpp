@@ -110,7 +110,7 @@ static_assert(std::size(kRows) == SourceReport::constructCount);
 CString shortened(std::string_view name)
 {
     std::string_view start = name.substr(0, kMaxName);
-    dropCutCharacter(start);
+    dropPartialCharacter(start);
     CString text = shownText(start);
     if (name.size() > kMaxName)
         text += "...";

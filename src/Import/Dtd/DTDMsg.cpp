@@ -153,7 +153,7 @@ int DTDMessage::refuse(std::string_view statement, const CString& bound)
 {
     std::string_view start = statement.substr(0, kExcerpt);
     if (start.size() < statement.size())
-        dropCutCharacter(start);
+        dropPartialCharacter(start);
     return fail(fillText(loadText(IDS_DTD_STATEMENT), start),
                 faultAt(placeOf(statement), fillText(loadText(IDS_DTD_STATEMENT),
                                                      "a bound is passed, since " + bound + ": " + CString(start))));

@@ -217,7 +217,7 @@ void JsonScanner::scanString(bool isKey)
         } else {
             while (data.size() - at < kLongestCharacter && refill()) {
             }
-            if (decodeUtf8(data, at) == kNoUtf8)
+            if (decodeUtf8(data, at) == kInvalidUtf8)
                 fail("the bytes are no UTF-8");
         }
     }
