@@ -23,7 +23,7 @@ ProgressHandler setProgressHandler(ProgressHandler handler)
     return std::exchange(currentHandler(), std::move(handler));
 }
 
-bool tellProgress(const Progress& progress)
+bool reportProgress(const Progress& progress)
 {
     last = progress;
     return isStillWanted();
@@ -37,7 +37,7 @@ bool isStillWanted()
     return !handler || handler(last);
 }
 
-void checkWanted()
+void throwIfCancelled()
 {
     if (!isStillWanted())
         throw Cancelled();
@@ -46,24 +46,24 @@ void checkWanted()
 void beginWork(Work work)
 {
     last = {work};
-    checkWanted();
+    throwIfCancelled();
 }
 
 void CancelPoint::ask()
 {
     left = stride;
-    checkWanted();
+    throwIfCancelled();
 }
 
 ProgressMeter::ProgressMeter(Work work, std::uint64_t total, unsigned stride) :
     work(work), total(total), stride(stride), left(stride)
 {
-    tell(0);
+    report(0);
 }
 
-void ProgressMeter::tell(std::uint64_t done)
+void ProgressMeter::report(std::uint64_t done)
 {
     left = stride;
     last = {work, done, total};
-    checkWanted();
+    throwIfCancelled();
 }

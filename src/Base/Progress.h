@@ -36,13 +36,13 @@ struct Cancelled
 {};
 
 /// Passes `progress` to the handler and returns whether to continue.
-bool tellProgress(const Progress& progress);
+bool reportProgress(const Progress& progress);
 
 /// Polls the handler again with the last progress and returns whether to continue.
 bool isStillWanted();
 
 /// Throws Cancelled unless isStillWanted().
-void checkWanted();
+void throwIfCancelled();
 
 /// Reports the start of a work whose steps are not counted. Throws Cancelled.
 void beginWork(Work work);
@@ -79,11 +79,11 @@ public:
     void step(std::uint64_t done)
     {
         if (--left == 0)
-            tell(done);
+            report(done);
     }
 
 private:
-    void tell(std::uint64_t done);
+    void report(std::uint64_t done);
 
     const Work work;
     const std::uint64_t total;

@@ -26,7 +26,7 @@ void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault)
     showMessageBox(text, loadText(titleId), details, &fault);
 }
 
-const char* wordsOf(const std::exception& error)
+const char* messageOf(const std::exception& error)
 {
     const bool isMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
     const bool isLength = dynamic_cast<const std::length_error*>(&error) != nullptr; // a size that no memory could hold

@@ -31,4 +31,4 @@ public:
 extern CQELApp theApp;
 
 /// Returns the text of an exception for the user. Allocates nothing, so it works when memory has run out.
-const char* wordsOf(const std::exception& error);
+const char* messageOf(const std::exception& error);

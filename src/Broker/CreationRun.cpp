@@ -59,14 +59,14 @@ int CreationRun::run(MsgBase& message)
 {
     begin(message);
     for (std::size_t next = 0; next < types.size();) {
-        isCancelled = isCancelled || !tellProgress(progress);
+        isCancelled = isCancelled || !reportProgress(progress);
         if (!isCancelled)
             next += createNext(next);
         else
             addLeft(*types[next++]);
     }
     if (!isCancelled)
-        tellProgress(progress);
+        reportProgress(progress);
     finish();
     return errorCount;
 }
@@ -102,7 +102,7 @@ std::size_t CreationRun::createNext(std::size_t first)
     // because documents after that type are written and sent in vain.
     window = isWhole && session.hasCreation() ? std::min(2 * window, kLargestWindow) : 1;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        isCancelled = i > 0 && (isCancelled || !tellProgress(progress));
+        isCancelled = i > 0 && (isCancelled || !reportProgress(progress));
         settle(*types[first + i], documents[i], outcomes[i]);
         ++progress.done;
     }

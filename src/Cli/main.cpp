@@ -15,7 +15,7 @@ namespace {
         if (const std::exception_ptr error = std::current_exception())
             std::rethrow_exception(error);
     } catch (const std::exception& error) {
-        report(wordsOf(error));
+        report(messageOf(error));
         TemporaryFile::deleteAll();
         _exit(failedStatus);
     }
@@ -39,7 +39,7 @@ int main(int argc, char** argv)
         int exitStatus = kDone;
         return parseArguments(argc, argv, arguments, exitStatus) ? runImport(arguments) : exitStatus;
     } catch (const std::exception& error) {
-        report(wordsOf(error));
+        report(messageOf(error));
         return failedStatus;
     }
 }

@@ -81,7 +81,7 @@ FileCause readFile(const CString& fileName, CString& out, std::size_t most)
         if (count == 0)
             break;
         used += static_cast<std::size_t>(count);
-        checkWanted();
+        throwIfCancelled();
         if (used == room)
             room *= 2;
     }

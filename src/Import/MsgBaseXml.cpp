@@ -15,8 +15,8 @@ CString MsgBase::queryFrameTag() const
 
 void MsgBase::writeXML(const std::function<void(std::string_view)>& write)
 {
-    constexpr unsigned typesATick = 16;
-    ProgressMeter progress(Work::writing, static_cast<std::uint64_t>(beginEnum()), typesATick);
+    constexpr unsigned typesPerReport = 16;
+    ProgressMeter progress(Work::writing, static_cast<std::uint64_t>(beginEnum()), typesPerReport);
     std::uint64_t written = 0;
     const CString tag = queryFrameTag();
     write(CString(kBeforeTime) + generationTime() + " -->\r\n<" + tag + ">\r\n");

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr unsigned kElementsATick = 4096;
+constexpr unsigned kElementsPerPoll = 4096;
 
 struct WaysUp
 {
@@ -22,7 +22,7 @@ struct WaysUp
 
 ClimbShortcuts::ClimbShortcuts(LinkGraph& graph) : graph(graph)
 {
-    CancelPoint cancelPoint(kElementsATick);
+    CancelPoint cancelPoint(kElementsPerPoll);
     for (Index element = 0; element < graph.size(); ++element) { // read() can add elements
         cancelPoint.pass();
         graph.read(element);

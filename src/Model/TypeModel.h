@@ -86,7 +86,7 @@ public:
     const TypeList& queryOrder() const { return order; }
 
 private:
-    static constexpr unsigned kUsagesATick = 4096;
+    static constexpr unsigned kUsagesPerPoll = 4096;
 
     Element* own(Element* element);
     Declared findOrMake(Name& path, Name& name, Element::ElementTypes type);
@@ -104,5 +104,5 @@ private:
     TypeList order;
     bool mergesByName;
     bool areTablesInAll = false;
-    CancelPoint cancelPoint{kUsagesATick};
+    CancelPoint cancelPoint{kUsagesPerPoll};
 };

@@ -9,15 +9,15 @@ namespace {
 constexpr std::size_t kStepsInCycles = 100'000'000;
 
 // The cost of a step up, which is visited again on the way back and then looks at its children.
-constexpr std::size_t kStepsOfAFrame = 8;
+constexpr std::size_t kStepsPerFrame = 8;
 
-constexpr unsigned kFramesATick = 4096; // frames between two progress reports
+constexpr unsigned kFramesPerReport = 4096; // frames between two progress reports
 
 } // namespace
 
 TypeOrder::TypeOrder(TypeList& list, std::span<Element* const> elements) :
     list(list), graph(elements), nodes(elements.size()), progress(elements.size()),
-    told(Work::arranging, elements.size(), kFramesATick), stepsLeft(kStepsOfAFrame * (1000 + 4 * elements.size()))
+    meter(Work::arranging, elements.size(), kFramesPerReport), stepsLeft(kStepsPerFrame * (1000 + 4 * elements.size()))
 {
     // Elements of an earlier ordering keep their places.
     for (std::size_t i = 0; i < list.size(); ++i)
@@ -31,7 +31,7 @@ void TypeOrder::place(const Element& start)
         return;
     enter(start.queryNumber(), ++lastClimb);
     while (!frames.empty()) {
-        told.step(list.size());
+        meter.step(list.size());
         Frame& top = frames.back();
         if (isStale(top)) {
             frames.pop_back();
@@ -91,7 +91,7 @@ void TypeOrder::markPlaced(Frame& frame)
 TypeOrder::Index TypeOrder::nextParentOf(const Frame& frame)
 {
     if (!shortcuts || !shortcuts->isPassed(frame.element)) {
-        if (stepsLeft >= kStepsOfAFrame)
+        if (stepsLeft >= kStepsPerFrame)
             return nextParentInClimb(frame);
         useShortcuts();
         return nextParentOf(frame);
@@ -104,7 +104,7 @@ TypeOrder::Index TypeOrder::nextParentOf(const Frame& frame)
 // climb: a climb places everything it reaches before an earlier one continues.
 TypeOrder::Index TypeOrder::nextParentInClimb(const Frame& frame)
 {
-    stepsLeft -= kStepsOfAFrame;
+    stepsLeft -= kStepsPerFrame;
     const Index parent = nodes[frame.element].parent;
     return nodes[parent].climb < frame.climb ? parent : findParent(frame);
 }
@@ -138,9 +138,9 @@ bool TypeOrder::placeLeaf(Index leaf)
     Element* const element = graph[leaf];
     const ElementList& parents = element->queryParents();
     const bool isTheirTurn = parents.size() == 0 || (parents.size() == 1 && parents[0]->isPlaced());
-    if (shortcuts || stepsLeft < kStepsOfAFrame || element->queryChildren().size() > 0 || !isTheirTurn)
+    if (shortcuts || stepsLeft < kStepsPerFrame || element->queryChildren().size() > 0 || !isTheirTurn)
         return false;
-    stepsLeft -= kStepsOfAFrame;
+    stepsLeft -= kStepsPerFrame;
     nodes[leaf].climb = kPlaced;
     element->setPlaced(true);
     list.addFirst(element);

@@ -66,7 +66,7 @@ private:
     std::vector<Node, LargePages<Node>> nodes;
     std::vector<Progress, LargePages<Progress>> progress;
     std::vector<Frame> frames; // a stack
-    ProgressMeter told;
+    ProgressMeter meter;
     Index lastClimb = 0;
     std::size_t stepsLeft;
     std::unique_ptr<ClimbShortcuts> shortcuts; // null until many steps were made

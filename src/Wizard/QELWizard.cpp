@@ -155,5 +155,5 @@ void QELWizard::OnHelp(int dialogId)
 
 void QELWizard::OnPageError(const std::exception& error)
 {
-    theApp.Error(wordsOf(error), IDS_ERROR_TITLE);
+    theApp.Error(messageOf(error), IDS_ERROR_TITLE);
 }

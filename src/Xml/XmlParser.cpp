@@ -231,8 +231,8 @@ int Parse::onRead(void* run, char* out, int room)
 // Reports the progress, once in 16 pieces. Returns false if the parse was cancelled.
 bool Parse::tell()
 {
-    constexpr unsigned piecesATick = 16;
-    if (pieces++ % piecesATick != 0 || tellProgress({Work::reading, source.queryCount(), source.querySize()}))
+    constexpr unsigned piecesPerReport = 16;
+    if (pieces++ % piecesPerReport != 0 || reportProgress({Work::reading, source.queryCount(), source.querySize()}))
         return true;
     thrown = std::make_exception_ptr(Cancelled());
     fail("The parse was cancelled");

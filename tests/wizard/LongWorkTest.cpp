@@ -66,7 +66,7 @@ void pressAltC(Desk& desk)
 void countTables()
 {
     for (std::uint64_t done = 0;; ++done) {
-        if (!tellProgress({Work::tables, 1000 + done, 5000}))
+        if (!reportProgress({Work::tables, 1000 + done, 5000}))
             throw Cancelled();
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }

@@ -23,7 +23,7 @@ constexpr std::size_t kMaxMainType = 4096;
 constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; with drifting ends, real DTDs reach 90 MB
 constexpr std::size_t kMaxOverlap = 16;         // times the size of the text
 constexpr std::size_t kExcerpt = 200;           // bytes of a statement that a message quotes
-constexpr unsigned kStepsATick = 1024;          // statements and names between two progress reports
+constexpr unsigned kStepsPerReport = 1024;      // statements and names between two progress reports
 
 bool isTextKeyword(std::string_view name)
 {
@@ -74,7 +74,7 @@ DTDElement* DTDElement::enumNext()
 
 DTDMessage::Text::Text(std::string_view whole) :
     whole(whole), elementKeyword(whole), attlistKeyword(whole), nameStart(whole), nameEnd(whole), firstInModel(whole),
-    behindTextKeyword(whole), groups(whole), told(Work::reading, whole.size(), kStepsATick), places(whole)
+    behindTextKeyword(whole), groups(whole), meter(Work::reading, whole.size(), kStepsPerReport), places(whole)
 {}
 
 int DTDMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
@@ -134,7 +134,7 @@ int DTDMessage::scan()
         if (end == kNowhere)
             return 1;
         from = end + 1;
-        tellAt(from);
+        reportAt(from);
         if (isComment(start))
             continue;
         read += from - start;
@@ -242,7 +242,7 @@ void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* pa
             ++next;
         const std::size_t levelEnd = ends.back();
         const std::size_t open = next < groups.size() ? std::min(groups.openOf(next), levelEnd) : levelEnd;
-        tellAt(start);
+        reportAt(start);
         if (start < open)
             formatField(text->whole.substr(start, open - start), {}, parent);
         start = open + 1;
@@ -267,7 +267,7 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
         const std::string_view piece = kFieldTrim.trim(content.substr(0, separator));
         content.remove_prefix(separator == kNowhere ? content.size() : separator + 1);
         const std::string_view name = withoutMarks(piece);
-        tellAt(static_cast<std::size_t>(piece.data() - text->whole.data()));
+        reportAt(static_cast<std::size_t>(piece.data() - text->whole.data()));
         if (name.empty() || isTextKeyword(name))
             continue;
         if (mark.empty() || piece.ends_with('*') || piece.ends_with('+'))
@@ -293,7 +293,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
     };
     const auto drop = [&rest](std::size_t count) { rest = kBlank.trim(rest.substr(std::min(count, rest.size()))); };
     for (std::size_t left = statement.size(); left >= 2; left = rest.size()) {
-        tellAt(end - left);
+        reportAt(end - left);
         std::string_view element, attribute;
         if (!takeWord(element) || !takeWord(attribute)) {
             const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement);

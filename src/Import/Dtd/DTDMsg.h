@@ -90,7 +90,7 @@ private:
         ForwardSearch<skipWhitespace> firstInModel;
         ForwardSearch<skipWhitespace> behindTextKeyword;
         DTDGroups groups;
-        ProgressMeter told;               // in bytes
+        ProgressMeter meter;              // in bytes
         std::size_t lastClose = kNowhere; // the last ')' before closeSeen
         std::size_t closeSeen = 0;
         TextPlaces places;
@@ -98,7 +98,7 @@ private:
 
     int scan();
     void forget();
-    void tellAt(std::size_t place) { text->told.step(place); }
+    void reportAt(std::size_t place) { text->meter.step(place); }
     bool isComment(std::size_t start) const;
     std::size_t endFrom(std::size_t start, std::size_t from) const;
     int doParse(std::size_t start, std::size_t end);

@@ -10,8 +10,8 @@ namespace {
 constexpr CharSet kBlank(" \t\r\n");
 constexpr CharSet kMarkup("%<]");
 constexpr std::ptrdiff_t kLongKey = 200;
-constexpr std::size_t kManySwitches = 20;    // more switches are not suggested
-constexpr unsigned kDeclarationsATick = 256; // declarations between two progress reports
+constexpr std::size_t kManySwitches = 20;        // more switches are not suggested
+constexpr unsigned kDeclarationsPerReport = 256; // declarations between two progress reports
 
 const char* find(const char* from, const char* end, std::string_view what)
 {
@@ -21,7 +21,7 @@ const char* find(const char* from, const char* end, std::string_view what)
 } // namespace
 
 DTDTokens::DTDTokens(DTDEntities& entities, DTDEntities::Text& main, SourceReport& report) :
-    entityTable(entities), report(report), told(Work::reading, main.text.size(), kDeclarationsATick)
+    entityTable(entities), report(report), meter(Work::reading, main.text.size(), kDeclarationsPerReport)
 {
     push(main);
 }
@@ -79,7 +79,7 @@ bool DTDTokens::stands(std::string_view text) const
 
 bool DTDTokens::nextDeclaration()
 {
-    told.step(static_cast<std::uint64_t>(frames.front().at - frames.front().text->text.data()));
+    meter.step(static_cast<std::uint64_t>(frames.front().at - frames.front().text->text.data()));
     for (;;) {
         if (doctype == ended)
             leaveDoctype();

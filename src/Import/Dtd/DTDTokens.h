@@ -129,6 +129,6 @@ private:
     std::string_view word;
     Token current;
     bool mayHoldMarkup = false;
-    ProgressMeter told; // progress, in bytes of the main text
+    ProgressMeter meter; // progress, in bytes of the main text
     CancelPoint cancelPoint{4096};
 };

@@ -172,7 +172,7 @@ LRESULT LoginToBroker::OnWizardNext()
             BrokerSession session;
             const BrokerAccount account{user, password};
             failure = session.open(server, port, isTrusted ? nullptr : &account);
-            checkWanted();
+            throwIfCancelled();
             if (failure.empty())
                 errors = createTypes(session);
             else

@@ -162,7 +162,7 @@ SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, cons
     } catch (const Cancelled&) {
         // the preview was dropped
     } catch (const std::exception& error) {
-        count.failure = wordsOf(error);
+        count.failure = messageOf(error);
         count.isKnown = true;
     }
     return count;

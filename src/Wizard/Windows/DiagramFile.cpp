@@ -50,7 +50,7 @@ QByteArray drawPng(const Diagram& diagram)
     WantedBuffer bytes;
     bytes.open(QIODevice::WriteOnly);
     image.save(&bytes, "PNG");
-    checkWanted();
+    throwIfCancelled();
     return bytes.data();
 }
 

@@ -186,7 +186,7 @@ bool DiagramWindow::draw(std::uint32_t type)
     const bool isDone = runLong([&, tones = palette(), letters = font()] {
         beginWork(Work::arranging);
         drawn = std::make_shared<const Diagram>(graph, tones, letters);
-        checkWanted();
+        throwIfCancelled();
     });
     if (!isDone)
         return false;
