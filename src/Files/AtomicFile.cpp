@@ -92,13 +92,13 @@ void AtomicFile::open(const CString& fileName, Special special)
     // A read-only file is not replaced, even if its folder would allow it.
     if (replaces && ::access(fileName.c_str(), W_OK) != 0)
         return fail();
-    target = behindLinks(fileName);
+    target = resolveLinks(fileName);
     if (target.empty()) {
         errno = ENOENT;
         return fail();
     }
     out.reset(temporary.create(target.substr(0, target.rfind('/') + 1), ".typeforge-"));
-    const bool isReady = out.isOpen() && (replaces ? takeRights(state) : ::fchmod(out.get(), newFileMode()) == 0);
+    const bool isReady = out.isOpen() && (replaces ? copyPermissions(state) : ::fchmod(out.get(), newFileMode()) == 0);
     if (!isReady && !(replaces && openMemory()))
         fail();
 }
@@ -106,7 +106,7 @@ void AtomicFile::open(const CString& fileName, Special special)
 // Gives the new file the owner, group and permissions of the old one, so that no user gains a right. Returns false if
 // the system refuses or either file has an ACL. chown() comes before chmod(), because it clears the setuid and setgid
 // bits.
-bool AtomicFile::takeRights(const struct stat& old) const
+bool AtomicFile::copyPermissions(const struct stat& old) const
 {
     return !hasAcl(target) && !hasAcl(temporary.queryName()) && ::fchown(out.get(), old.st_uid, old.st_gid) == 0 &&
            ::fchmod(out.get(), old.st_mode & 07777) == 0;

@@ -46,7 +46,7 @@ public:
 
 private:
     void open(const CString& fileName, Special special);
-    bool takeRights(const struct stat& old) const;
+    bool copyPermissions(const struct stat& old) const;
     bool openMemory();
     void fail();
     void flush();

@@ -29,7 +29,7 @@ int refusal(int descriptor, const struct stat& state)
 } // namespace
 
 InputFile::InputFile(const CString& fileName, std::size_t most) :
-    descriptor(::open(openedFile(fileName).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))
+    descriptor(::open(fileToOpen(fileName).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))
 {
     struct stat state = {};
     if (!descriptor.isOpen() || ::fstat(descriptor.get(), &state) != 0)
@@ -92,7 +92,7 @@ FileCause readFile(const CString& fileName, CString& out, std::size_t most)
 FileCause testReadable(const CString& fileName)
 {
     struct stat state = {};
-    if (::stat(openedFile(fileName).c_str(), &state) != 0)
+    if (::stat(fileToOpen(fileName).c_str(), &state) != 0)
         return fileCauseOf(errno);
     // Opening one of these could block.
     if (S_ISFIFO(state.st_mode) || S_ISCHR(state.st_mode) || S_ISBLK(state.st_mode) || S_ISSOCK(state.st_mode))

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxLooks = 200'000; // for each finder, so that a source can't keep it busy
+constexpr std::size_t kMaxLookups = 200'000; // for each finder, so that a source can't keep it busy
 constexpr std::size_t kLongestShown = 1'000;
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
@@ -75,7 +75,7 @@ int openPlace(const CString& name)
 
 // Returns whether a file belongs to the kernel, so that reading it might never end or have an effect. /dev/shm holds
 // ordinary files. Returns true if the system doesn't say.
-bool isOfKernel(int place)
+bool isKernelFile(int place)
 {
     struct statfs system = {};
     if (::fstatfs(place, &system) != 0 || system.f_type == PROC_SUPER_MAGIC || system.f_type == SYSFS_MAGIC)
@@ -87,7 +87,7 @@ bool isOfKernel(int place)
 
 // Returns the id of the regular file under a name. Returns nothing, with an errno value in `error`, if there is none
 // that may be read; `error` is 0 if something else is there.
-std::optional<FileId> lookAt(const CString& name, int& error)
+std::optional<FileId> identifyFile(const CString& name, int& error)
 {
     const Descriptor place(openPlace(name));
     struct stat status;
@@ -96,7 +96,7 @@ std::optional<FileId> lookAt(const CString& name, int& error)
         return std::nullopt;
     }
     error = 0;
-    if (!S_ISREG(status.st_mode) || isOfKernel(place.get()))
+    if (!S_ISREG(status.st_mode) || isKernelFile(place.get()))
         return std::nullopt;
     return idOf(status);
 }
@@ -190,15 +190,15 @@ std::optional<FoundFile> FileFinder::find(const CString& folder, const CString& 
 std::optional<FoundFile> FileFinder::search(const CString& folder, const CString& path, const CString& name)
 {
     int error = 0;
-    if (const auto id = lookAt(name, error))
+    if (const auto id = identifyFile(name, error))
         return FoundFile{name, *id};
     if (error == 0)
         return std::nullopt;
-    isBlind = !meansMissing(error);
+    isIncomplete = !meansMissing(error);
     if (auto found = findInAnyCase(folder, path))
         return found;
     // If something was hidden, the exact name counts as found; opening it then reports the error.
-    return isBlind ? std::optional(FoundFile{name, {}}) : std::nullopt;
+    return isIncomplete ? std::optional(FoundFile{name, {}}) : std::nullopt;
 }
 
 /// Walks the path component by component, with every folder that the components so far can mean. Folders are told apart
@@ -217,7 +217,7 @@ std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::s
     }
     for (const FoundFile& file : found) {
         int ignored = 0;
-        if (lookAt(file.name, ignored))
+        if (identifyFile(file.name, ignored))
             return file;
     }
     return std::nullopt;
@@ -230,12 +230,12 @@ std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, s
     for (const FoundFile& folder : folders) {
         const CString prefix = folder.name.ends_with('/') ? folder.name : folder.name + '/';
         for (const CString& like : namesLike(folder, component)) {
-            if (++looks > kMaxLooks)
+            if (++lookups > kMaxLookups)
                 return {};
             CString name = prefix + like;
             struct stat status;
             if (::stat(name.c_str(), &status) != 0)
-                isBlind |= !meansMissing(errno);
+                isIncomplete |= !meansMissing(errno);
             else if (const FileId id = idOf(status); visited.insert(id).second)
                 found.push_back({S_ISDIR(status.st_mode) ? folderNames.try_emplace(id, name).first->second : name, id});
         }
@@ -265,15 +265,15 @@ const FileFinder::Names& FileFinder::list(const FoundFile& folder)
         std::error_code failure;
         for (std::filesystem::directory_iterator entry(folder.name, failure), end; !failure && entry != end;
              entry.increment(failure)) {
-            if (++looks > kMaxLooks)
+            if (++lookups > kMaxLookups)
                 break;
             const CString name = entry->path().filename().string();
             listing->second.names.emplace(lowerAscii(name), name);
         }
         // EACCES is no blind spot: a folder that can't be listed still opens a file by its exact name, which was tried
         // before.
-        listing->second.isBlind = failure && !meansMissing(failure.value()) && failure.value() != EACCES;
+        listing->second.isIncomplete = failure && !meansMissing(failure.value()) && failure.value() != EACCES;
     }
-    isBlind |= listing->second.isBlind;
+    isIncomplete |= listing->second.isIncomplete;
     return listing->second.names;
 }

@@ -52,14 +52,14 @@ private:
     struct Listing
     {
         Names names;
-        bool isBlind = false;
+        bool isIncomplete = false;
     };
 
     std::unordered_map<CString, std::optional<FoundFile>, KeyHash> known; // cache, by the name as given
     std::map<FileId, Listing> listings;                                   // each folder is listed once
     std::map<FileId, CString> folderNames; // the first name under which each folder was found
-    std::size_t looks = 0;
-    bool isBlind = false; // true if the system hid something from the current search
+    std::size_t lookups = 0;
+    bool isIncomplete = false; // true if the system hid something from the current search
 };
 
 /// Returns the name under which a message shows a file that FileFinder::find() found as `path`. The file was named by

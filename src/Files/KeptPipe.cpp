@@ -11,15 +11,15 @@
 
 namespace {
 
-struct Kept
+struct KeptPipe
 {
     CString name;
     Descriptor copy;
 
-    Kept(const CString& name, int copy) : name(name), copy(copy) {}
+    KeptPipe(const CString& name, int copy) : name(name), copy(copy) {}
 };
 
-std::list<Kept> g_kept;
+std::list<KeptPipe> keptPipes;
 
 // Returns the descriptor of a new file without a name, -1 with errno. Descriptors below 3 are avoided, because they
 // would be taken for the standard streams.
@@ -61,7 +61,7 @@ bool keepText(const CString& fileName, std::string_view text)
     const int file = makeFile();
     if (file < 0)
         return false;
-    return g_kept.emplace_back(fileName, file).copy.write(text);
+    return keptPipes.emplace_back(fileName, file).copy.write(text);
 }
 
 bool isPipe(const CString& fileName)
@@ -76,13 +76,13 @@ bool keepPipe(const CString& fileName)
     const int copy = pipe.isOpen() ? copyToFile(pipe.get()) : -1;
     if (copy < 0)
         return false;
-    g_kept.emplace_back(fileName, copy);
+    keptPipes.emplace_back(fileName, copy);
     return true;
 }
 
-CString openedFile(const CString& fileName)
+CString fileToOpen(const CString& fileName)
 {
-    for (const Kept& kept : g_kept)
+    for (const KeptPipe& kept : keptPipes)
         if (kept.name == fileName)
             return "/proc/self/fd/" + std::to_string(kept.copy.get());
     return fileName;

@@ -18,4 +18,4 @@ bool keepPipe(const CString& fileName);
 bool keepText(const CString& fileName, std::string_view text);
 
 /// Returns the file to open for a name: its kept copy if there is one, else the name itself.
-CString openedFile(const CString& fileName);
+CString fileToOpen(const CString& fileName);

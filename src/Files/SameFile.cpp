@@ -27,7 +27,7 @@ bool ignoresCase(const fs::path& folder)
             system.f_type == CIFS_SUPER_MAGIC || system.f_type == SMB2_SUPER_MAGIC);
 }
 
-bool wouldBeSame(const fs::path& one, const fs::path& other)
+bool wouldBeSameFile(const fs::path& one, const fs::path& other)
 {
     std::error_code failure;
     const fs::path folder = one.has_parent_path() ? one.parent_path() : ".";
@@ -40,7 +40,7 @@ bool wouldBeSame(const fs::path& one, const fs::path& other)
 
 } // namespace
 
-CString behindLinks(const CString& fileName)
+CString resolveLinks(const CString& fileName)
 {
     std::error_code ignored;
     fs::path target = fileName;
@@ -57,5 +57,5 @@ bool isSameFile(const CString& one, const CString& other)
         return false;
     if (isThere)
         return fs::is_regular_file(one, ignored) && fs::equivalent(one, other, ignored);
-    return wouldBeSame(behindLinks(one), behindLinks(other));
+    return wouldBeSameFile(resolveLinks(one), resolveLinks(other));
 }

@@ -120,7 +120,7 @@ Json parseSettings(const CString& text)
 
 // Returns why a file must not be read; empty if it is small and regular, or missing. Opening another kind could block
 // for ever, and reading it could never end.
-CString unfitness(const CString& fileName)
+CString unreadableReason(const CString& fileName)
 {
     std::error_code failure;
     const std::filesystem::file_status status = std::filesystem::status(fileName, failure);
@@ -205,7 +205,7 @@ SettingsStore::SettingsStore() : document(std::make_unique<Document>())
     if (folder.empty())
         return;
     document->fileName = folder + "/settings.json";
-    CString reason = unfitness(document->fileName);
+    CString reason = unreadableReason(document->fileName);
     if (reason.empty()) {
         CString text;
         if (readFile(document->fileName, text) != FileCause::none)

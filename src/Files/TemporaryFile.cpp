@@ -19,17 +19,17 @@ constexpr int kEndingSignals[] = {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGPIPE, SIG
 std::atomic<TemporaryFile*> chain = nullptr;
 
 // SA_RESETHAND has restored the default action, so raising the signal again ends the process with the right status.
-void endBySignal(int signal)
+void deleteAndRaise(int signal)
 {
     TemporaryFile::deleteAll();
     std::raise(signal);
 }
 
 // Installs the handler for signals with the default action. An ignored signal (as under nohup) stays ignored.
-void watchForTheEnd()
+void deleteAtEnd()
 {
     struct sigaction action = {};
-    action.sa_handler = endBySignal;
+    action.sa_handler = deleteAndRaise;
     action.sa_flags = SA_RESETHAND;
     for (const int signal : kEndingSignals)
         if (struct sigaction present = {}; ::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_DFL)
@@ -38,7 +38,7 @@ void watchForTheEnd()
 }
 
 // Returns the folder's absolute name with a final slash, so that it stays valid if the current folder changes.
-CString lasting(const CString& folder)
+CString absoluteFolder(const CString& folder)
 {
     const std::filesystem::path given = folder.empty() ? "." : folder;
     std::error_code failure;
@@ -58,21 +58,21 @@ void TemporaryFile::deleteAll() noexcept
 
 void TemporaryFile::remove()
 {
-    if (isMade)
+    if (isCreated)
         ::unlink(name.c_str());
-    isMade = false;
+    isCreated = false;
     forget();
 }
 
 int TemporaryFile::create(const CString& folder, const char* prefix, const char* suffix)
 {
-    [[maybe_unused]] static const bool watching = (watchForTheEnd(), true);
-    name = lasting(folder) + prefix + "XXXXXX" + suffix;
+    [[maybe_unused]] static const bool watching = (deleteAtEnd(), true);
+    name = absoluteFolder(folder) + prefix + "XXXXXX" + suffix;
     next = chain;
     chain = this;
     const int descriptor = ::mkostemps(name.data(), static_cast<int>(std::strlen(suffix)), O_CLOEXEC);
-    isMade = descriptor >= 0;
-    if (!isMade)
+    isCreated = descriptor >= 0;
+    if (!isCreated)
         forget();
     return descriptor;
 }
@@ -81,7 +81,7 @@ bool TemporaryFile::renameTo(const CString& target)
 {
     if (::rename(name.c_str(), target.c_str()) != 0)
         return false;
-    isMade = false;
+    isCreated = false;
     forget();
     return true;
 }

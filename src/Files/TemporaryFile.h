@@ -28,7 +28,7 @@ public:
     const CString& queryName() const { return name; }
 
     /// Returns whether the file exists: false before create(), if create() failed, and after renameTo() or remove().
-    bool exists() const { return isMade; }
+    bool exists() const { return isCreated; }
 
     /// Deletes the files of all objects. Safe in a signal handler.
     static void deleteAll() noexcept;
@@ -37,6 +37,6 @@ private:
     void forget();
 
     CString name;
-    bool isMade = false;
+    bool isCreated = false;
     TemporaryFile* next = nullptr;
 };

@@ -27,7 +27,7 @@ constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},    {".ent", "
 CString startOf(const CString& fileName)
 {
     CString start(kMaxLookahead, '\0');
-    std::ifstream(openedFile(fileName), std::ios::binary)
+    std::ifstream(fileToOpen(fileName), std::ios::binary)
         .read(start.data(), static_cast<std::streamsize>(kMaxLookahead));
     std::erase(start, '\0');
     return start;
