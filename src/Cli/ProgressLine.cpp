@@ -11,7 +11,7 @@ using std::chrono::steady_clock;
 
 namespace {
 
-constexpr milliseconds kPatience(1000), kRefresh(200);
+constexpr milliseconds kDelay(1000), kRefresh(200);
 constexpr char kErase[] = "\r\033[K"; // to the end of the line (ECMA-48)
 
 bool isThere = false;
@@ -20,7 +20,7 @@ bool isThere = false;
 
 ProgressLine::ProgressLine() :
     before(setProgressHandler([this](const Progress& progress) { return show(progress); })),
-    next(steady_clock::now() + kPatience)
+    next(steady_clock::now() + kDelay)
 {}
 
 ProgressLine::~ProgressLine()

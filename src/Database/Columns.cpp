@@ -9,7 +9,7 @@ namespace {
 
 // The number of tables that are looked up singly. The next lookup lists all tables instead, which takes a server longer
 // than a few single ones.
-constexpr int kSingleTables = 12;
+constexpr int kMaxSingleLookups = 12;
 
 constexpr char kAny = '\x80';
 
@@ -48,8 +48,8 @@ std::vector<std::pair<CString, CString>> listTables(CDatabase* database, const c
 
 std::set<CString> CColumns::qualifiersOf(const char* table)
 {
-    const bool isSingle = askedTables++ < kSingleTables;
-    if (isSingle || askedTables == kSingleTables + 1)
+    const bool isSingle = lookups++ < kMaxSingleLookups;
+    if (isSingle || lookups == kMaxSingleLookups + 1)
         listed = listTables(queryDatabase(), isSingle ? table : nullptr);
     std::set<CString> qualifiers;
     const CString pattern = comparable(table);

@@ -41,6 +41,6 @@ protected:
 private:
     std::set<CString> qualifiersOf(const char* table);
 
-    int askedTables = 0;
+    int lookups = 0;
     std::vector<std::pair<CString, CString>> listed; // tables and their qualifiers, a cache
 };

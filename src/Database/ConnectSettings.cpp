@@ -16,17 +16,17 @@ std::size_t endOfBraces(std::string_view text)
     return at;
 }
 
-CString fileText(const CString& file, const char* word)
+CString fileText(const CString& file, const char* attribute)
 {
     std::array<char, 1024> value = {};
     WORD size = 0;
-    const bool isRead = SQLReadFileDSN(file.c_str(), "ODBC", word, value.data(), WORD{value.size()}, &size);
+    const bool isRead = SQLReadFileDSN(file.c_str(), "ODBC", attribute, value.data(), WORD{value.size()}, &size);
     return isRead ? value.data() : "";
 }
 
 } // namespace
 
-ConnectWord wordOf(std::string_view connection, std::string_view name)
+ConnectAttribute attributeOf(std::string_view connection, std::string_view name)
 {
     while (!connection.empty()) {
         const std::size_t start = std::min(connection.find('='), connection.size() - 1) + 1;
@@ -43,9 +43,10 @@ ConnectWord wordOf(std::string_view connection, std::string_view name)
 std::vector<CString> valuesOf(std::string_view connection, std::string_view name)
 {
     std::vector<CString> values;
-    for (ConnectWord word; !(word = wordOf(connection, name)).whole.empty();) {
-        values.push_back(withoutBraces(word.value));
-        connection.remove_prefix(static_cast<std::size_t>(word.whole.data() - connection.data()) + word.whole.size());
+    for (ConnectAttribute attribute; !(attribute = attributeOf(connection, name)).whole.empty();) {
+        values.push_back(withoutBraces(attribute.value));
+        connection.remove_prefix(static_cast<std::size_t>(attribute.whole.data() - connection.data()) +
+                                 attribute.whole.size());
     }
     return values;
 }
@@ -68,13 +69,13 @@ CString profileText(const CString& section, const char* entry, const char* file)
     return value.data();
 }
 
-CString settingOf(const CString& connection, const char* word)
+CString settingOf(const CString& connection, const char* attribute)
 {
-    CString text = withoutBraces(wordOf(connection, word).value);
-    if (const CString file = withoutBraces(wordOf(connection, "FILEDSN").value); text.empty() && !file.empty())
-        text = fileText(file, word);
-    if (const CString name = withoutBraces(wordOf(connection, "DSN").value); text.empty() && !name.empty())
-        text = profileText(name, word, "odbc.ini");
+    CString text = withoutBraces(attributeOf(connection, attribute).value);
+    if (const CString file = withoutBraces(attributeOf(connection, "FILEDSN").value); text.empty() && !file.empty())
+        text = fileText(file, attribute);
+    if (const CString name = withoutBraces(attributeOf(connection, "DSN").value); text.empty() && !name.empty())
+        text = profileText(name, attribute, "odbc.ini");
     return text;
 }
 

@@ -6,18 +6,18 @@
 #include <string_view>
 #include <vector>
 
-// Reads the words of connection strings ("Server=…;Port=…;") in the same way as drivers.
+// Reads the attributes of connection strings ("Server=…;Port=…;") in the same way as drivers.
 
-/// A word of a connection string, complete with value and semicolon, and its value alone. Views into the string.
-struct ConnectWord
+/// An attribute of a connection string, complete with value and semicolon, and its value alone. Views into the string.
+struct ConnectAttribute
 {
     std::string_view whole, value;
 };
 
-/// Returns the first word of a name, in any letter case; an empty word if there is none.
-ConnectWord wordOf(std::string_view connection, std::string_view name);
+/// Returns the first attribute of a name, in any letter case; empty if there is none.
+ConnectAttribute attributeOf(std::string_view connection, std::string_view name);
 
-/// Returns the values of all words of a name, without white space and braces around them.
+/// Returns the values of all attributes of a name, without white space and braces around them.
 std::vector<CString> valuesOf(std::string_view connection, std::string_view name);
 
 /// Returns a value without white space and braces around it.
@@ -28,7 +28,7 @@ CString profileText(const CString& section, const char* entry, const char* file)
 
 /// Returns a setting of a source: from the connection string, else from the file or data source that it names; empty if
 /// none has it.
-CString settingOf(const CString& connection, const char* word);
+CString settingOf(const CString& connection, const char* attribute);
 
 /// Returns whether the name of a source's driver, or of the driver's library, contains one of `parts`, in lower case.
 bool hasDriver(const CString& connection, std::initializer_list<const char*> parts);

@@ -34,7 +34,7 @@ bool isPlain(const CString& value)
 
 // Returns the user's odbc.ini if the driver manager ignores it because it can't append to it, else empty. The driver
 // itself is still found there, but would use its defaults for everything else.
-CString passedOverFile()
+CString unreadableUserFile()
 {
     const char* const variable = std::getenv("ODBCINI");
     const passwd* const user = ::getpwuid(::getuid());
@@ -42,7 +42,7 @@ CString passedOverFile()
     return ::access(file.c_str(), W_OK) != 0 && errno != ENOENT ? file : "";
 }
 
-bool isInUsersFile(const CString& dataSource)
+bool isInUserFile(const CString& dataSource)
 {
     SQLSetConfigMode(ODBC_USER_DSN);
     const bool is = !profileText(dataSource, "Driver", "odbc.ini").empty();
@@ -78,8 +78,8 @@ CString dataSourceText(const CString& name)
     listDataSources(sources);
     const auto found =
         std::ranges::find_if(sources, [&](const DataSource& source) { return isSameAscii(source.name, name); });
-    const CString unread = passedOverFile();
-    if (found == sources.end() || (!unread.empty() && isInUsersFile(name)))
+    const CString unread = unreadableUserFile();
+    if (found == sources.end() || (!unread.empty() && isInUserFile(name)))
         throw CDBException("IM002", 0,
                            "There is no data source called " + name +
                                (unread.empty() ? "" : "; " + unread + " isn't read, since it can't be written to"));
@@ -91,31 +91,31 @@ CString dataSourceText(const CString& name)
     return "DSN=" + name + ";";
 }
 
-// MariaDB's driver only takes the login timeout from the connection string; other drivers ignore words that they don't
-// know.
-CString connectionWords(const CString& connection, bool onlyReading, std::chrono::seconds loginPatience)
+// MariaDB's driver only takes the login timeout from the connection string; other drivers ignore unknown
+// attributes.
+CString connectionSuffix(const CString& connection, bool isReadOnly, std::chrono::seconds loginTimeout)
 {
-    CString words = "CONN_TIMEOUT=" + std::to_string(loginPatience.count()) + ";";
-    if (onlyReading)
-        words += "NoCreat=1;"; // so SQLite does not create the file
-    if (onlyReading && hasDriver(connection, {"sqlite"}) && settingOf(connection, "Timeout").empty())
-        words += kLockTimeout;
-    return words;
+    CString attributes = "CONN_TIMEOUT=" + std::to_string(loginTimeout.count()) + ";";
+    if (isReadOnly)
+        attributes += "NoCreat=1;"; // so SQLite does not create the file
+    if (isReadOnly && hasDriver(connection, {"sqlite"}) && settingOf(connection, "Timeout").empty())
+        attributes += kLockTimeout;
+    return attributes;
 }
 
 // The data source goes to the front, where every driver finds it, however it reads the braces of other values.
 CString plainConnection(const CString& connection)
 {
     CString source, rest = connection;
-    for (ConnectWord word; !(word = wordOf(rest, "DSN")).whole.empty();) {
-        if (source.empty() && !trimmed(word.value).empty())
-            source = dataSourceText(withoutBraces(word.value));
-        rest.erase(static_cast<std::size_t>(word.whole.data() - rest.data()), word.whole.size());
+    for (ConnectAttribute attribute; !(attribute = attributeOf(rest, "DSN")).whole.empty();) {
+        if (source.empty() && !trimmed(attribute.value).empty())
+            source = dataSourceText(withoutBraces(attribute.value));
+        rest.erase(static_cast<std::size_t>(attribute.whole.data() - rest.data()), attribute.whole.size());
     }
     return source + rest;
 }
 
 CString dataSourceOf(const CString& connection)
 {
-    return withoutBraces(wordOf(connection, "DSN").value);
+    return withoutBraces(attributeOf(connection, "DSN").value);
 }

@@ -11,9 +11,9 @@ CString logonText(const CString& user, const CString& password);
 /// driver would take for another.
 CString dataSourceText(const CString& name);
 
-/// Returns the words to append to a source's connection string, besides the logon and TLS: time limits, and for SQLite
-/// a file that is only opened, not created, when reading.
-CString connectionWords(const CString& connection, bool onlyReading, std::chrono::seconds loginPatience);
+/// Returns the attributes to append to a source's connection string, besides the logon and TLS: time limits, and for
+/// SQLite, when reading, that the file is opened but not created.
+CString connectionSuffix(const CString& connection, bool isReadOnly, std::chrono::seconds loginTimeout);
 
 /// Returns a connection string that all drivers read alike: its first data source is named in front, any other is
 /// removed. Throws CDBException as dataSourceText() does.

@@ -25,7 +25,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr milliseconds kTick(50);
+constexpr milliseconds kPollInterval(50);
 constexpr milliseconds kGrace(500);       // for a call to complete after it was cancelled
 constexpr milliseconds kDisconnect(2000); // for a driver to disconnect
 
@@ -65,7 +65,7 @@ void forgetHandlers()
 
 // Closes all descriptors but the socket, so that the driver has none of the program's files, windows and connections.
 // Standard error stays open for the sanitizers.
-void keepOnly(int socket)
+void closeAllBut(int socket)
 {
     if (const int nothing = ::open("/dev/null", O_RDWR); nothing >= 0) {
         ::dup2(nothing, STDIN_FILENO);
@@ -78,7 +78,7 @@ void keepOnly(int socket)
 
 // Ends the process when the program has closed its side of the socket. The driver's thread can't do that, because it
 // may never return from a call.
-void endWithProgram(int socket)
+void exitWithProgram(int socket)
 {
     pollfd end = {socket, 0, 0};
     while (::poll(&end, 1, -1) < 0) {
@@ -91,9 +91,9 @@ void endWithProgram(int socket)
 {
     forgetHandlers();
     const int socket = ::fcntl(handed, F_DUPFD, STDERR_FILENO + 2); // a gap, as close_range() rejects empty ranges
-    keepOnly(socket);
+    closeAllBut(socket);
     keepOutOfCores();
-    std::thread(endWithProgram, socket).detach();
+    std::thread(exitWithProgram, socket).detach();
     serveDriver(socket);
     ::_exit(EXIT_SUCCESS);
 }
@@ -137,36 +137,36 @@ DriverProcess::~DriverProcess()
     end();
 }
 
-CString DriverProcess::call(std::string_view request, milliseconds patience)
+CString DriverProcess::call(std::string_view request, milliseconds timeout)
 {
     const auto start = Clock::now();
-    const SocketWait waiting = [&](short events) { wait(events, start, patience); };
+    const SocketWait waiting = [&](short events) { wait(events, start, timeout); };
     CString answer;
     isCalling = true; // stays true if the call throws
     if (!sendMessage(socket, request, waiting) || !receiveMessage(socket, answer, waiting))
-        raiseEnd();
+        raiseExit();
     isCalling = false;
     return answer;
 }
 
 // Waits for the socket, the time limit or a cancellation. A cancelled call gets kGrace to complete, so that its effect
 // is known. Later calls share that time, or a series of them would never end.
-void DriverProcess::wait(short events, Clock::time_point start, milliseconds patience)
+void DriverProcess::wait(short events, Clock::time_point start, milliseconds timeout)
 {
     pollfd ready = {socket, events, 0};
-    while (::poll(&ready, 1, static_cast<int>(std::min(kTick, patience).count())) <= 0) {
+    while (::poll(&ready, 1, static_cast<int>(std::min(kPollInterval, timeout).count())) <= 0) {
         const auto now = Clock::now();
         unwantedSince = isStillWanted() ? Clock::time_point::max() : std::min(unwantedSince, now);
-        if (now - start >= patience)
+        if (now - start >= timeout)
             throw CDBException("HYT00", 0,
-                               "The database has not answered for " + std::to_string(patience.count() / 1000) +
+                               "The database has not answered for " + std::to_string(timeout.count() / 1000) +
                                    " seconds; the connection has been given up");
         if (unwantedSince != Clock::time_point::max() && now - unwantedSince >= kGrace)
             throw Cancelled();
     }
 }
 
-void DriverProcess::raiseEnd()
+void DriverProcess::raiseExit()
 {
     const int status = end();
     const char* const cause = WIFSIGNALED(status) ? sigdescr_np(WTERMSIG(status)) : nullptr;

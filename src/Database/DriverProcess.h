@@ -22,9 +22,9 @@ public:
     DriverProcess(const DriverProcess&) = delete;
     DriverProcess& operator=(const DriverProcess&) = delete;
 
-    /// Sends a request and returns DriverHost's answer. Throws CDBException if none arrives within `patience` or the
+    /// Sends a request and returns DriverHost's answer. Throws CDBException if none arrives within `timeout` or the
     /// process has ended, and Cancelled if the progress handler refuses. No further call is allowed after an exception.
-    CString call(std::string_view request, std::chrono::milliseconds patience);
+    CString call(std::string_view request, std::chrono::milliseconds timeout);
 
     /// Makes later drivers run in threads of this process, where a fuzzer can measure their coverage.
     static void useThreads();
@@ -32,8 +32,8 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void wait(short events, Clock::time_point start, std::chrono::milliseconds patience);
-    [[noreturn]] void raiseEnd();
+    void wait(short events, Clock::time_point start, std::chrono::milliseconds timeout);
+    [[noreturn]] void raiseExit();
     void disconnect() const;
     int end();
 

@@ -20,18 +20,18 @@ CString sourceText(const CString& source)
     return plainConnection(source.starts_with(kFrameworkPrefix) ? source.substr(kFrameworkPrefix.size()) : source);
 }
 
-// Appends the connection string without the words for TLS.
+// Appends the connection string without the attributes for TLS.
 void buildConnectString(CString& out, const CString& source, CDatabase::Access access, const CString& logon,
-                        std::chrono::seconds loginPatience)
+                        std::chrono::seconds loginTimeout)
 {
     Secret own(sourceText(source)); // may hold a password
-    const CString words = connectionWords(own.text, access == CDatabase::readOnly, loginPatience);
-    out.reserve(own.text.size() + logon.size() + words.size() + 100); // growing would leave copies
+    const CString suffix = connectionSuffix(own.text, access == CDatabase::readOnly, loginTimeout);
+    out.reserve(own.text.size() + logon.size() + suffix.size() + 100); // growing would leave copies
     out += own.text;
     if (!out.ends_with(';'))
         out += ';';
     out += logon;
-    out += words;
+    out += suffix;
 }
 
 [[noreturn]] void raise(MessageReader& answer)
@@ -46,33 +46,33 @@ void buildConnectString(CString& out, const CString& source, CDatabase::Access a
 bool CDatabase::Open(const CString& source, Access access, const CString& logon)
 {
     Close();
-    Secret words;
-    buildConnectString(words.text, source, access, logon, loginPatience);
-    const std::vector<TlsAttempt> attempts = tlsAttempts(words.text);
+    Secret connection;
+    buildConnectString(connection.text, source, access, logon, loginTimeout);
+    const std::vector<TlsAttempt> attempts = tlsAttempts(connection.text);
     try {
-        return connect(words.text, access, attempts.front());
+        return connect(connection.text, access, attempts.front());
     } catch (const CDBException& error) {
         if (attempts.size() == 1 || !attempts[1].mayHelp(error))
             throw;
         // A probe only finds out why the server refused the user; it is never used as the connection.
         if (attempts[1].isProbe) {
-            if (canConnect(words.text, access, attempts[1]))
+            if (canConnect(connection.text, access, attempts[1]))
                 throw CDBException("08004", 0,
                                    "The server takes this user over TLS alone, which the data source turns off");
             throw;
         }
     }
-    return connect(words.text, access, attempts[1]);
+    return connect(connection.text, access, attempts[1]);
 }
 
-bool CDatabase::connect(const CString& words, Access access, const TlsAttempt& attempt)
+bool CDatabase::connect(const CString& connection, Access access, const TlsAttempt& attempt)
 {
     Secret request(startRequest(DriverRequest::open));
-    request.text.reserve(words.size() + attempt.words.size() + 100); // growing would leave copies
+    request.text.reserve(connection.size() + attempt.attributes.size() + 100); // growing would leave copies
     putNumber(request.text, access == readOnly);
-    putNumber(request.text, static_cast<std::int32_t>(loginPatience.count()));
-    putText(request.text, Secret(words + attempt.words).text);
-    process = std::make_unique<DriverProcess>(dataSourceOf(words));
+    putNumber(request.text, static_cast<std::int32_t>(loginTimeout.count()));
+    putText(request.text, Secret(connection + attempt.attributes).text);
+    process = std::make_unique<DriverProcess>(dataSourceOf(connection));
     try {
         const CString answer = call(request.text);
         MessageReader reader(answer);
@@ -88,10 +88,10 @@ bool CDatabase::connect(const CString& words, Access access, const TlsAttempt& a
     }
 }
 
-bool CDatabase::canConnect(const CString& words, Access access, const TlsAttempt& attempt)
+bool CDatabase::canConnect(const CString& connection, Access access, const TlsAttempt& attempt)
 {
     try {
-        const bool isOpen = connect(words, access, attempt);
+        const bool isOpen = connect(connection, access, attempt);
         Close();
         return isOpen;
     } catch (const CDBException&) {
@@ -110,7 +110,7 @@ CString CDatabase::call(std::string_view request)
         throw CDBException("08003", 0, "The connection to the database is gone");
     CString answer;
     try {
-        answer = process->call(request, patience);
+        answer = process->call(request, timeout);
     } catch (...) {
         Close(); // a late answer would be taken for that of the next request
         throw;

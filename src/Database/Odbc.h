@@ -30,7 +30,7 @@ public:
 
     /// Opens a data source by name, or by connection string if `source` contains '='. `logon` is appended, see
     /// logonText(). Returns false if the driver manager can't even try to connect; throws CDBException if the driver
-    /// fails, or the server is silent for `loginPatience`. The driver never prompts.
+    /// fails, or the server is silent for `loginTimeout`. The driver never prompts.
     bool Open(const CString& source, Access access = readOnly, const CString& logon = {});
 
     /// Disconnects and ends the driver's process, which frees all that the driver had in memory. Does nothing if not
@@ -45,7 +45,7 @@ public:
 
     /// Sends a request to the driver's process and returns the results, see DriverRequest. Throws CDBException on
     /// failure, and Cancelled if the progress handler refuses. The connection is closed if the call was cancelled, took
-    /// longer than `patience`, the driver crashed or the server is gone.
+    /// longer than `timeout`, the driver crashed or the server is gone.
     CString call(std::string_view request);
 
     /// Return whether tables have owners, which most databases call schemas, and qualifiers, which are databases or
@@ -54,14 +54,14 @@ public:
     bool hasQualifiers() const { return qualifierUsage != 0; }
 
     /// The time limit for a logon.
-    std::chrono::seconds loginPatience{15};
+    std::chrono::seconds loginTimeout{15};
 
     /// The time limit for one statement.
-    std::chrono::milliseconds patience = std::chrono::seconds(60);
+    std::chrono::milliseconds timeout = std::chrono::seconds(60);
 
 private:
-    bool connect(const CString& words, Access access, const TlsAttempt& attempt);
-    bool canConnect(const CString& words, Access access, const TlsAttempt& attempt);
+    bool connect(const CString& connection, Access access, const TlsAttempt& attempt);
+    bool canConnect(const CString& connection, Access access, const TlsAttempt& attempt);
 
     std::unique_ptr<DriverProcess> process; // null if not open
     std::int32_t ownerUsage = 0;            // SQL_OWNER_USAGE: a bit for each kind of statement; 0: no owners

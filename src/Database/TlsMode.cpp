@@ -63,7 +63,7 @@ std::optional<Mode> modeNamed(std::string_view name)
 
 // Returns the source's SSLmode, nothing if it has none. Of several, the strictest counts, because drivers don't agree
 // on whether the first or the last one does.
-std::optional<Mode> ownMode(const CString& connection, bool isOurs)
+std::optional<Mode> ownMode(const CString& connection, bool isSupported)
 {
     std::vector<CString> values = valuesOf(connection, "SSLmode");
     std::erase(values, "");
@@ -72,18 +72,18 @@ std::optional<Mode> ownMode(const CString& connection, bool isOurs)
     std::optional<Mode> strictest;
     for (const CString& value : values) {
         const std::optional<Mode> mode = modeNamed(lowerAscii(trimmed(value)));
-        if (!mode && isOurs && !value.empty())
+        if (!mode && isSupported && !value.empty())
             refuse("SSLmode", value);
         strictest = std::max(strictest, mode);
     }
     return strictest;
 }
 
-Mode modeOfEnvironment(bool isOurs)
+Mode modeOfEnvironment(bool isSupported)
 {
     const char* const variable = std::getenv("PGSSLMODE");
     const std::optional<Mode> mode = variable ? modeNamed(variable) : prefer;
-    if (!mode && isOurs)
+    if (!mode && isSupported)
         refuse("The variable PGSSLMODE", variable);
     return mode.value_or(verifyFull);
 }
@@ -122,15 +122,15 @@ std::vector<TlsAttempt> tlsAttempts(const CString& connection)
     const Driver driver = driverOf(connection);
     if (driver == Driver::local)
         return {{""}};
-    const bool isOurs = driver == Driver::postgres || driver == Driver::mariaDb;
-    const std::optional<Mode> own = ownMode(connection, isOurs);
+    const bool isSupported = driver == Driver::postgres || driver == Driver::mariaDb;
+    const std::optional<Mode> own = ownMode(connection, isSupported);
     if (driver == Driver::mariaDb)
         return mariaDbAttempts(connection, own);
-    if (!isOurs && own >= require)
+    if (!isSupported && own >= require)
         throw CDBException("S1C00", 0,
                            "This driver isn't known to keep to SSLmode=" + CString(kModes[*own]) +
                                "; ask for TLS in the words of the driver");
-    if (driver == Driver::mySql || (!isOurs && own) || (!own && !settingOf(connection, "CA").empty()))
+    if (driver == Driver::mySql || (!isSupported && own) || (!own && !settingOf(connection, "CA").empty()))
         return {{""}}; // CA is PostgreSQL's abbreviation
-    return {{"SSLmode=" + CString(kModes[own ? *own : modeOfEnvironment(isOurs)]) + ";"}};
+    return {{"SSLmode=" + CString(kModes[own ? *own : modeOfEnvironment(isSupported)]) + ";"}};
 }

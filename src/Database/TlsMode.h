@@ -8,7 +8,7 @@
 /// One way to connect to a source, with or without TLS.
 struct TlsAttempt
 {
-    CString words; ///< for the end of the connection string, where they override earlier ones
+    CString attributes; ///< for the end of the connection string, where they override earlier ones
 
     /// True if the connection is closed at once, and only shows that the server takes the user over TLS.
     bool isProbe = false;

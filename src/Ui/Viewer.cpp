@@ -31,7 +31,7 @@ void forget(QProcess* viewer)
 // wizard.
 void showInViewer(const CString& fileName, QObject* context, std::function<void()> whenNoneStarts)
 {
-    constexpr int kPatience = 30'000; // ms
+    constexpr int kStartTimeout = 30'000; // ms
     auto* viewer = new QProcess;
     running().insert(viewer);
     viewer->setProgram(qEnvironmentVariable("TYPEFORGE_VIEWER", "xdg-open"));
@@ -50,7 +50,7 @@ void showInViewer(const CString& fileName, QObject* context, std::function<void(
             end(true);
     });
     QObject::connect(viewer, &QProcess::finished, viewer,
-                     [end, deadline = QDeadlineTimer(kPatience)](int status, QProcess::ExitStatus how) {
+                     [end, deadline = QDeadlineTimer(kStartTimeout)](int status, QProcess::ExitStatus how) {
                          end((status != 0 || how != QProcess::NormalExit) && !deadline.hasExpired());
                      });
     viewer->start();

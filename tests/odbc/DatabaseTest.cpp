@@ -142,7 +142,7 @@ TEST(Database, AServerThatFallsSilentIsGivenUp)
             static auto& lines = *new std::list<Line>; // leaked: abandoned connections still wait for it
             Line& line = lines.emplace_back(server.port);
             Connected window(server.connection(kind, line.port), server.logon());
-            window.database.patience = std::chrono::milliseconds(300);
+            window.database.timeout = std::chrono::milliseconds(300);
             line.left = bytes;
             EXPECT_THAT([] { importTables("%\n"); },
                         testing::Throws<CDBException>(testing::Property(&CDBException::queryState, "HYT00")))
@@ -189,8 +189,8 @@ TEST(Database, AServerThatIsSilentFromTheStartIsGivenUpByItsDriver)
         Line line(server.port);
         line.left = 0;
         CDatabase database;
-        database.loginPatience = std::chrono::seconds(1);
-        database.patience = std::chrono::seconds(20);
+        database.loginTimeout = std::chrono::seconds(1);
+        database.timeout = std::chrono::seconds(20);
         EXPECT_THAT([&] { database.Open(server.connection(kind, line.port), CDatabase::readOnly, server.logon()); },
                     testing::Throws<CDBException>(testing::Property(&CDBException::queryState, testing::Ne("HYT00"))))
             << kind;

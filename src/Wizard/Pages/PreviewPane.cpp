@@ -18,7 +18,7 @@
 namespace {
 
 constexpr qsizetype kMaxReason = 100; // characters
-constexpr int kPatience = 300;        // ms to wait for the next key
+constexpr int kTypingDelay = 300;     // ms to wait for the next key
 
 QString inWords(const SourcePreview::Count& count, const char* noLoss)
 {
@@ -63,7 +63,7 @@ PreviewPane::PreviewPane(QWidget* reading) :
     column->addWidget(text, 1);
     column->addLayout(row);
     delay.setSingleShot(true);
-    delay.setInterval(kPatience);
+    delay.setInterval(kTypingDelay);
     connect(&delay, &QTimer::timeout, this, [this] { start(false); });
     connect(countButton, &QPushButton::clicked, this, [this] { start(true); });
     connect(&preview, &SourcePreview::begun, this, &PreviewPane::showText);
