@@ -65,7 +65,7 @@ Element* MsgBase::enumNext()
         if (enumPosition + kAhead < types.size())
             __builtin_prefetch(types[enumPosition + kAhead]);
         Element* element = types[enumPosition++];
-        if (element->isTypeOfItsOwn())
+        if (element->hasOwnDocument())
             return element;
     }
     return nullptr;

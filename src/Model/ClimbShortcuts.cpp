@@ -10,7 +10,7 @@ namespace {
 
 constexpr unsigned kElementsPerPoll = 4096;
 
-struct WaysUp
+struct ParentLinks
 {
     const LinkGraph& graph;
 
@@ -32,12 +32,12 @@ ClimbShortcuts::ClimbShortcuts(LinkGraph& graph) : graph(graph)
     for (Index element = 0; element < graph.size(); ++element)
         placed[element] = graph[element]->isPlaced();
     findCycles();
-    giveHeights();
+    assignHeights();
 }
 
 void ClimbShortcuts::findCycles()
 {
-    StrongComponents components(WaysUp{graph}, graph.size());
+    StrongComponents components(ParentLinks{graph}, graph.size());
     for (Index element = 0; element < graph.size(); ++element)
         components.visit(element);
     std::vector<Index> members(components.componentCount());
@@ -53,7 +53,7 @@ void ClimbShortcuts::findCycles()
 
 // Half of the elements have height 0, a quarter 1, and so on. Heights are random, so no source can be built for the
 // worst case.
-void ClimbShortcuts::giveHeights()
+void ClimbShortcuts::assignHeights()
 {
     std::mt19937 random(std::random_device{}());
     towers.reserve(graph.size() + 1);

@@ -31,7 +31,7 @@ private:
     static constexpr Index kNone = 0xFFFFFFFF;
 
     void findCycles();
-    void giveHeights();
+    void assignHeights();
     Index height(Index element) const { return towers[element + 1] - towers[element] - 1; }
     Index next(Index element, Index level);
     Index firstParent(Index element);

@@ -113,14 +113,14 @@ void Element::describeByName()
 
 void Element::addParent(Element* parent)
 {
-    isLinkedByHand = true;
+    isLinkedManually = true;
     if (parent)
         parents.add(parent, names().memory);
 }
 
 int Element::addChild(Element* child)
 {
-    isLinkedByHand = true;
+    isLinkedManually = true;
     return appendChild(child);
 }
 
@@ -141,7 +141,7 @@ void Element::link(Element* child, bool isNew)
         children.append(child, names().memory);
     else
         isNew = appendChild(child);
-    if (isLinkedByHand || child->isLinkedByHand)
+    if (isLinkedManually || child->isLinkedManually)
         child->parents.add(this, names().memory);
     else if (isNew)
         child->parents.append(this, names().memory);
@@ -149,7 +149,7 @@ void Element::link(Element* child, bool isNew)
 
 void Element::toTable(Element* oldChild, Element* table)
 {
-    isLinkedByHand = true;
+    isLinkedManually = true;
     children.replace(oldChild, table);
 }
 

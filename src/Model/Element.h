@@ -140,7 +140,7 @@ public:
     static constexpr std::uint32_t kNoNumber = 0xFFFFFFFF;
 
     /// Returns whether the element is a type with a document of its own: kinds 0 to 3.
-    bool isTypeOfItsOwn() const { return type >= typeEnum && type <= typeTable; }
+    bool hasOwnDocument() const { return type >= typeEnum && type <= typeTable; }
 
 private:
     friend class TypeModel;
@@ -174,7 +174,7 @@ private:
     bool isAttribute : 1 = false;
     bool placed : 1 = false;
     bool isDescribedByName : 1 = false; // has the generated description
-    bool isLinkedByHand : 1 = false;    // may have a link that only goes one way
+    bool isLinkedManually : 1 = false;  // may have a link that only goes one way
     bool ownsNames : 1 = false;
     std::uint32_t number = kNoNumber;
     Name* name;

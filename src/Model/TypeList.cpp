@@ -16,7 +16,7 @@ void TypeList::addFirst(Element* element)
 
 void TypeList::note(Element* element)
 {
-    types += element->isTypeOfItsOwn();
+    types += element->hasOwnDocument();
     element->setListed(true);
 }
 

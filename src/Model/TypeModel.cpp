@@ -76,7 +76,7 @@ bool TypeModel::count(UsageTable::Declared usage, const Declared& made, Element*
 {
     cancelPoint.pass();
     const auto [known, isFirst] = usage;
-    if (parent && (isFirst || known->element != made.element || known->parent != parent || parent->isLinkedByHand))
+    if (parent && (isFirst || known->element != made.element || known->parent != parent || parent->isLinkedManually))
         parent->link(made.element, made.isFirst);
     return isFirst;
 }
@@ -148,7 +148,7 @@ void TypeModel::makeTables()
         Element* table = name.element;
         if (!table)
             table = makeTable(*usage, name);
-        else if (areTablesInAll && usage->parent && table->type == Element::typeTable)
+        else if (tablesInAllParents && usage->parent && table->type == Element::typeTable)
             usage->parent->toTable(element, table);
         element->addParent(table);
         usage->element = table;

@@ -72,7 +72,7 @@ public:
     ChildElement* findUsage(const Fingerprint& usageKey) { return usages.find(usageKey); }
 
     /// Sets whether a repeated field is a table in each of its records, or only in the first.
-    void tablesInAllParents(bool inAll) { areTablesInAll = inAll; }
+    void setTablesInAllParents(bool inAll) { tablesInAllParents = inAll; }
 
     /// Makes tables of usages that occurred more than once, then orders all used elements. Throws Cancelled.
     void arrange();
@@ -103,6 +103,6 @@ private:
     UsageTable usages;
     TypeList order;
     bool mergesByName;
-    bool areTablesInAll = false;
+    bool tablesInAllParents = false;
     CancelPoint cancelPoint{kUsagesPerPoll};
 };

@@ -137,8 +137,8 @@ bool TypeOrder::placeLeaf(Index leaf)
 {
     Element* const element = graph[leaf];
     const ElementList& parents = element->queryParents();
-    const bool isTheirTurn = parents.size() == 0 || (parents.size() == 1 && parents[0]->isPlaced());
-    if (shortcuts || stepsLeft < kStepsPerFrame || element->queryChildren().size() > 0 || !isTheirTurn)
+    const bool areParentsPlaced = parents.size() == 0 || (parents.size() == 1 && parents[0]->isPlaced());
+    if (shortcuts || stepsLeft < kStepsPerFrame || element->queryChildren().size() > 0 || !areParentsPlaced)
         return false;
     stepsLeft -= kStepsPerFrame;
     nodes[leaf].climb = kPlaced;

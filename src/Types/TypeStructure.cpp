@@ -88,7 +88,7 @@ std::span<const TypePart> TypeStructure::parts(std::uint32_t type) const
 TypePart TypeStructure::partOf(const Element& child, const Element& record) const
 {
     TypePart part{TypePart::field, &child, child.queryFieldName(), {}, kNone};
-    if (child.isTypeOfItsOwn()) {
+    if (child.hasOwnDocument()) {
         part.type = numberOf(child, record);
         if (part.type != kNone) {
             part.typeName = types[part.type].fullName;

@@ -9,7 +9,7 @@
 bool XMLDataMessage::setFurtherFiles(const std::vector<CString>& files)
 {
     furtherFiles = files;
-    model.tablesInAllParents(!files.empty());
+    model.setTablesInAllParents(!files.empty());
     return true;
 }
 
