@@ -142,16 +142,16 @@ void nameMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics)
     }
 }
 
-void nameSwitches(const MsgBase& message, Diagnostics& diagnostics)
+void suggestSectionEntities(const MsgBase& message, Diagnostics& diagnostics)
 {
     const auto* const full = dynamic_cast<const FullMessage*>(&message);
-    if (!full || full->querySwitches().empty())
+    if (!full || full->querySectionEntities().empty())
         return;
     CString others;
-    for (const CString& name : full->querySwitches())
-        if (&name != &full->querySwitches().front())
+    for (const CString& name : full->querySectionEntities())
+        if (&name != &full->querySectionEntities().front())
             others += (others.empty() ? "" : ", ") + name;
-    diagnostics.warning("all its sections are left out; --entity " + full->querySwitches().front() +
+    diagnostics.warning("all its sections are left out; --entity " + full->querySectionEntities().front() +
                         "=INCLUDE reads one" + (others.empty() ? "" : ", others go by " + others));
 }
 

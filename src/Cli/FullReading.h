@@ -44,7 +44,7 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
 void nameMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics);
 
 /// If all sections of the source were left out, notes which entities would include some.
-void nameSwitches(const MsgBase& message, Diagnostics& diagnostics);
+void suggestSectionEntities(const MsgBase& message, Diagnostics& diagnostics);
 
 /// Warns about each --folder and --entity that the source has no use for.
 void nameUnusedOptions(const MsgBase& message, Diagnostics& diagnostics);

@@ -113,7 +113,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     diagnostics.finish();
     nameLosses(message.queryReport(), arguments.report, diagnostics);
     nameMissingCatalogs(message, diagnostics);
-    nameSwitches(message, diagnostics);
+    suggestSectionEntities(message, diagnostics);
     if (!diagnostics.hasErrors())
         nameUnusedOptions(message, diagnostics);
     const bool isEmpty = !holdsTypes(message);

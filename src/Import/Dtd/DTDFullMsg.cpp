@@ -47,8 +47,8 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
             entities.declare(name, types.adopt(CString(value)), main.start);
         DTDTokens tokens(entities, main, report);
         reader.read(tokens);
-        for (const std::string_view entity : tokens.querySwitches())
-            addSwitch(entity);
+        for (const std::string_view entity : tokens.querySectionEntities())
+            addSectionEntity(entity);
         for (std::size_t entity = 0; entity < given.size(); ++entity)
             isUsed[entity] = isUsed[entity] || entities.isUsed(given[entity].first);
         // A DTD that this one has read as a module counts for this one.

@@ -53,9 +53,9 @@ void DTDElement::addChild(DTDElement* child)
 {
     if (child->lastParent != this) {
         child->lastParent = this;
-        child->timesThere = 0;
+        child->repetitions = 0;
     }
-    if (child->timesThere++ < 2)
+    if (child->repetitions++ < 2)
         children.push_back(child);
 }
 
@@ -74,16 +74,16 @@ DTDElement* DTDElement::enumNext()
 
 DTDMessage::Text::Text(std::string_view whole) :
     whole(whole), elementKeyword(whole), attlistKeyword(whole), nameStart(whole), nameEnd(whole), firstInModel(whole),
-    behindTextKeyword(whole), groups(whole), meter(Work::reading, whole.size(), kStepsPerReport), places(whole)
+    afterTextKeyword(whole), groups(whole), meter(Work::reading, whole.size(), kStepsPerReport), places(whole)
 {}
 
 int DTDMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
-    mainBefore = mainType;
+    previousMain = mainType;
     CString copy;
     Text parsed(withoutNul(source, copy));
     text = &parsed;
-    isFit = isXmlText(parsed.whole);
+    needsNoConversion = isXmlText(parsed.whole);
     sourceName = fileName;
     report.addFile(fileName);
     DTDNotes(parsed.whole, parsed.places, report, isReportWanted).read();
@@ -99,7 +99,7 @@ void DTDMessage::onCancelled()
 {
     text = nullptr;
     forget();
-    mainType = mainBefore;
+    mainType = previousMain;
 }
 
 // Releases what a single parse needed.
@@ -216,7 +216,7 @@ bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end)
     for (const std::string_view keyword : {kPcdata, kCdata}) {
         if (whole.substr(first, keyword.size()) != keyword || first + keyword.size() > contentEnd)
             continue;
-        const std::size_t next = text->behindTextKeyword.from(first + keyword.size());
+        const std::size_t next = text->afterTextKeyword.from(first + keyword.size());
         return next >= contentEnd || whole[next] == ',';
     }
     return false;
@@ -365,8 +365,8 @@ void DTDMessage::declareAll(const CString& path)
 void DTDMessage::declareRecord(DTDElement& record, const CString& path)
 {
     RunningHash key(record.queryName());
-    Element* row = isFit ? model.addRecord(path, record.queryName()).element
-                         : model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
+    Element* row = needsNoConversion ? model.addRecord(path, record.queryName()).element
+                                     : model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
     noteName(record, record, *row);
     key.append(".");
     while (DTDElement* child = record.enumNext())
@@ -380,14 +380,16 @@ void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHas
     std::string_view name = child.queryName();
     const Modifiers mark = getModifiers(name); // strips the mark
     const auto addUsage = [&] {
-        isFit ? model.addFieldUsage(record, child.element) : model.addUsage(usageKey, child.element, record);
+        needsNoConversion ? model.addFieldUsage(record, child.element)
+                          : model.addUsage(usageKey, child.element, record);
     };
     usageKey.append(name);
     if (child.element) {
         addUsage();
     } else {
-        child.element = isFit ? model.addField(record, model.queryNames().intern(name), Element::typeString).element
-                              : model.addElement(usageKey, path, name, Element::typeString, record);
+        child.element = needsNoConversion
+                            ? model.addField(record, model.queryNames().intern(name), Element::typeString).element
+                            : model.addElement(usageKey, path, name, Element::typeString, record);
         DTDElement* const unmarked = name.size() == child.queryName().size() ? &child : dtdElements.find(name);
         noteName(unmarked ? *unmarked : child, child, *child.element);
     }

@@ -40,7 +40,7 @@ private:
     std::pmr::vector<DTDElement*> children;
     std::size_t cursor = 0;
     const DTDElement* lastParent = nullptr; // the parent that was given this child last
-    unsigned timesThere = 0;                // how often that parent was given it in a row
+    unsigned repetitions = 0;               // how often that parent was given it in a row
 };
 
 /// The importer of DTD files. It reads ELEMENT and ATTLIST declarations only. A name with children or attributes
@@ -88,7 +88,7 @@ private:
         ForwardSearch<skipWhitespace> nameStart;
         ForwardSearch<findNameEnd> nameEnd;
         ForwardSearch<skipWhitespace> firstInModel;
-        ForwardSearch<skipWhitespace> behindTextKeyword;
+        ForwardSearch<skipWhitespace> afterTextKeyword;
         DTDGroups groups;
         ProgressMeter meter;              // in bytes
         std::size_t lastClose = kNowhere; // the last ')' before closeSeen
@@ -129,11 +129,11 @@ private:
     static Modifiers getModifiers(std::string_view& name);
 
     CString sourceName;
-    CString mainType;   // the first element that this importer has read, over all its imports
-    CString mainBefore; // its value before the current import, restored if that is cancelled
+    CString mainType;     // the first element that this importer has read, over all its imports
+    CString previousMain; // its value before the current import, restored if that is cancelled
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
     Arena memory; // holds the entries, and the names that the text doesn't contain as they are
     Text* text = nullptr;
-    bool isFit = false; // the text needs no conversion, so different names stay different in a document
-    CString joined;     // a buffer for names that the text doesn't contain as they are
+    bool needsNoConversion = false; // so different names stay different in a document
+    CString joined;                 // a buffer for names that the text doesn't contain as they are
 };

@@ -118,7 +118,7 @@ bool DTDReader::readContent(bool& holdsText)
     if (token.isMark('('))
         return readGroup(holdsText);
     if (token.isEnd())
-        return token.isBehindUnknown;
+        return token.followsUnknown;
     const bool isAny = isKeyword(token.text, "ANY");
     if (isAny)
         report.add(SourceReport::anyContent, tokens->place(), names.front());
@@ -144,7 +144,7 @@ bool DTDReader::readGroup(bool& holdsText)
             return true; // what was read so far stands
         }
         lacksConnector |=
-            isBehindItem && (token.kind == DTDTokens::tokenWord || token.isMark('(')) && !token.isBehindUnknown;
+            isBehindItem && (token.kind == DTDTokens::tokenWord || token.isMark('(')) && !token.followsUnknown;
         isBehindItem = token.kind == DTDTokens::tokenWord || token.isMark(')');
         if (token.kind == DTDTokens::tokenWord) {
             readChild();
@@ -262,7 +262,7 @@ bool DTDReader::readAttribute()
     const std::string_view name = tokens->token().text;
     tokens->next();
     SourceTypes::Type type;
-    if (tokens->token().kind != DTDTokens::tokenWord || !tokens->token().isBehindUnknown) {
+    if (tokens->token().kind != DTDTokens::tokenWord || !tokens->token().followsUnknown) {
         type = readAttributeType(name);
         readDefault();
     }
@@ -312,7 +312,7 @@ void DTDReader::readDefault()
     if (isReserved && !isFixed)
         return;
     // A word behind a missing entity is the next attribute, because the entity may have held the default.
-    const bool isWord = token.kind == DTDTokens::tokenWord && !token.isBehindUnknown;
+    const bool isWord = token.kind == DTDTokens::tokenWord && !token.followsUnknown;
     if (!isWord && token.kind != DTDTokens::tokenLiteral)
         return;
     report.count(SourceReport::defaultValue);

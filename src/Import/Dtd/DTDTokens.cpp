@@ -10,7 +10,7 @@ namespace {
 constexpr CharSet kBlank(" \t\r\n");
 constexpr CharSet kMarkup("%<]");
 constexpr std::ptrdiff_t kLongKey = 200;
-constexpr std::size_t kManySwitches = 20;        // more switches are not suggested
+constexpr std::size_t kMaxSectionEntities = 20;  // more are not suggested
 constexpr unsigned kDeclarationsPerReport = 256; // declarations between two progress reports
 
 const char* find(const char* from, const char* end, std::string_view what)
@@ -223,15 +223,15 @@ void DTDTokens::readSection()
         report.add(SourceReport::unknownSection, declaration, key);
 }
 
-// Reports a section that an entity switches off, and keeps the entity as a switch to suggest.
+// Reports a section that an entity leaves out, and keeps the entity for a suggestion.
 void DTDTokens::noteKey(std::string_view key, bool isRead)
 {
     hasReadSection |= isRead;
     if (isRead)
         return;
     report.add(SourceReport::sectionLeftOut, declaration, key);
-    if (!std::ranges::count(switches, key) && switches.size() < kManySwitches)
-        switches.push_back(key);
+    if (!std::ranges::count(sectionEntities, key) && sectionEntities.size() < kMaxSectionEntities)
+        sectionEntities.push_back(key);
 }
 
 void DTDTokens::openSection()
@@ -261,7 +261,7 @@ void DTDTokens::skipSection()
 
 const DTDTokens::Token& DTDTokens::next()
 {
-    current.isBehindUnknown = false;
+    current.followsUnknown = false;
     cancelPoint.pass();
     for (;;) {
         Frame& frame = frames.back();
@@ -326,7 +326,7 @@ bool DTDTokens::readReference()
     if (DTDEntities::Text* text = entityTable.open(name, frames.size() - 1, place))
         push(*text);
     else
-        current.isBehindUnknown = true;
+        current.followsUnknown = true;
     return true;
 }
 

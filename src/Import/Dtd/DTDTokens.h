@@ -22,7 +22,7 @@ public:
     {
         Kind kind = tokenMissing;
         char mark = '\0';
-        bool isBehindUnknown = false; ///< a missing entity stood before it
+        bool followsUnknown = false; ///< a missing entity stood before it
         std::string_view text;
 
         bool isMark(char c) const { return kind == tokenMark && mark == c; }
@@ -66,9 +66,9 @@ public:
     bool peek(char c) const;
 
     /// Returns the entities that switch sections off; empty unless all sections with an entity as key were left out.
-    std::vector<std::string_view> querySwitches() const
+    std::vector<std::string_view> querySectionEntities() const
     {
-        return hasReadSection ? std::vector<std::string_view>() : switches;
+        return hasReadSection ? std::vector<std::string_view>() : sectionEntities;
     }
 
     /// Reads to the end of the declaration.
@@ -116,7 +116,7 @@ private:
     std::vector<Frame> frames;
     std::size_t base = 0;     // number of frames when the declaration began; it ends in the same one
     std::size_t sections = 0; // number of open sections
-    std::vector<std::string_view> switches;
+    std::vector<std::string_view> sectionEntities;
     bool hasReadSection = false; // a section with an entity as key has been read
     enum
     {

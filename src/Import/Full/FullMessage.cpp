@@ -121,7 +121,7 @@ void FullMessage::forget()
 {
     mainType.clear();
     mainTypes.clear();
-    switches.clear();
+    sectionEntities.clear();
     unusedEntities.clear();
     unusedFolders.clear();
     catalogs.clear();

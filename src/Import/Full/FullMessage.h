@@ -61,8 +61,8 @@ public:
     /// kind have none.
     virtual bool setEntities(const std::vector<std::pair<CString, CString>>&) { return false; }
 
-    /// Returns the entities that switch sections off; empty unless all sections of the last source were left out.
-    const std::vector<CString>& querySwitches() const { return switches; }
+    /// Returns the entities that leave out sections; empty unless all sections of the last source were left out.
+    const std::vector<CString>& querySectionEntities() const { return sectionEntities; }
 
     /// Returns the entities of setEntities() that the last source neither refers to nor declares.
     const std::vector<CString>& queryUnusedEntities() const { return unusedEntities; }
@@ -91,8 +91,8 @@ protected:
     const std::vector<CString>& queryRoots() const { return roots; }
     const CString& queryGivenName() const { return givenName; }
     const Catalogs& queryCatalogs() const { return catalogs; }
-    /// Adds an entity to querySwitches().
-    void addSwitch(std::string_view entity) { switches.emplace_back(entity); }
+    /// Adds an entity to querySectionEntities().
+    void addSectionEntity(std::string_view entity) { sectionEntities.emplace_back(entity); }
     /// Adds an entity to queryUnusedEntities().
     void addUnusedEntity(const CString& entity) { unusedEntities.push_back(entity); }
 
@@ -132,7 +132,7 @@ private:
     std::vector<CString> mainTypes;
     std::vector<CString> catalogFiles;
     Catalogs catalogs{report};
-    std::vector<CString> switches;
+    std::vector<CString> sectionEntities;
     std::vector<CString> unusedEntities;
     std::vector<CString> unusedFolders;
 };

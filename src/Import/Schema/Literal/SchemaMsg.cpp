@@ -15,7 +15,7 @@ int SchemaMessage::parse(const CString& source, const CString& basePath, const C
     SchemaTable::Outlines outlines;
     table.clear();
     kinds.clear();
-    namesBefore = table.queryNames();
+    previousNames = table.queryNames();
     int result = 0;
     try {
         result = import(source, basePath, fileName, outlines);
@@ -29,7 +29,7 @@ int SchemaMessage::parse(const CString& source, const CString& basePath, const C
 void SchemaMessage::onCancelled()
 {
     table.clear();
-    table.setNames(namesBefore);
+    table.setNames(previousNames);
 }
 
 // Runs both passes. The file is parsed once for both.

@@ -61,7 +61,7 @@ private:
 
     SchemaTable table;
     SchemaKinds kinds;
-    SchemaTable::Names namesBefore; // before the current import, restored if it is cancelled
+    SchemaTable::Names previousNames; // before the current import, restored if it is cancelled
     CString baseFolder;
     std::vector<Field> fields; // of the current record
 };
