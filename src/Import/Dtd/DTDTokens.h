@@ -65,7 +65,7 @@ public:
     /// Returns whether `c` is the next character that is no blank.
     bool peek(char c) const;
 
-    /// Returns the entities that switch sections off; empty unless all sections with an entity as key were left out.
+    /// Returns the entities that leave out sections; empty unless all sections with an entity as key were left out.
     std::vector<std::string_view> querySectionEntities() const
     {
         return hasReadSection ? std::vector<std::string_view>() : sectionEntities;

@@ -47,7 +47,7 @@ public:
     bool wantsScopes() const override { return true; }
 
     /// Returns whether the document is a catalogue.
-    bool isCatalog() const { return isOne; }
+    bool isCatalog() const { return hasCatalogRoot; }
 
 private:
     // The state of an open element, or of the document.
@@ -64,13 +64,13 @@ private:
     const std::uint32_t file;
     std::vector<Level> open;
     SourcePlace place;
-    bool isOurs = false; // the element that begins is in the namespace of catalogues
-    bool isOne = false;  // the root is a catalogue
+    bool isInCatalogNamespace = false; // the element that begins
+    bool hasCatalogRoot = false;
 };
 
 void CatalogReader::scope(const XmlScope& scope)
 {
-    isOurs = scope.uri && scope.uri == kSpace;
+    isInCatalogNamespace = scope.uri && scope.uri == kSpace;
     place = {file, static_cast<std::uint32_t>(scope.place.line), static_cast<std::uint32_t>(scope.place.column)};
 }
 
@@ -99,7 +99,7 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
     };
     Level level = open.back();
     if (open.size() == 1)
-        isOne = isOurs && name.local == std::string_view("catalog");
+        hasCatalogRoot = isInCatalogNamespace && name.local == std::string_view("catalog");
     if (const std::string_view base = attributes.valueOf("base", true); !base.empty()) {
         const CString path = localPath(base);
         const bool isWhole = path.starts_with('/');
@@ -112,7 +112,7 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
         level.prefersPublic = prefer != "system";
     open.push_back(level);
     const auto* const row = std::ranges::find(kRows, std::string_view(name.local), &Row::element);
-    if (!isOne || !isOurs || row == std::end(kRows))
+    if (!hasCatalogRoot || !isInCatalogNamespace || row == std::end(kRows))
         return;
     CString key(row->key.empty() ? "" : attributes.valueOf(row->key));
     if (row->kind == Kind::publicIdentifier || row->kind == Kind::delegatePublic)
@@ -164,7 +164,7 @@ CString Catalogs::pathOf(const CString& reference, const Base& base)
 void Catalogs::clear()
 {
     catalogs.clear();
-    given.clear();
+    mainCatalogs.clear();
     known.clear();
     waiting.clear();
     entryCount = 0;
@@ -174,7 +174,7 @@ void Catalogs::load(const CString& fileName)
 {
     const auto id = identify(fileName);
     const std::uint32_t catalog = read({fileName, id.value_or(FileId())}, fileName, nullptr);
-    given.push_back(catalog);
+    mainCatalogs.push_back(catalog);
     for (std::size_t i = 0; i < waiting.size(); ++i)
         readNamed(Named(waiting[i])); // reading adds further ones
     waiting.clear();
@@ -228,7 +228,7 @@ std::optional<CString> Catalogs::findExternal(std::string_view publicId, std::st
 {
     if (isPublicUrn(systemId))
         return findExternal(publicId.empty() ? systemId : publicId, {});
-    return askAll({publicId, trimmed(systemId), {}, {}});
+    return lookUpAll({publicId, trimmed(systemId), {}, {}});
 }
 
 std::optional<CString> Catalogs::findUri(std::string_view uri) const
@@ -236,42 +236,42 @@ std::optional<CString> Catalogs::findUri(std::string_view uri) const
     uri = trimmed(uri);
     if (isPublicUrn(uri))
         return findExternal(uri, {});
-    if (auto found = askAll({{}, {}, uri, {}}))
+    if (auto found = lookUpAll({{}, {}, uri, {}}))
         return found;
-    return askAll({{}, uri, {}, {}});
+    return lookUpAll({{}, uri, {}, {}});
 }
 
-std::optional<CString> Catalogs::askAll(Question question) const
+std::optional<CString> Catalogs::lookUpAll(Lookup lookup) const
 {
     const auto isTooLong = [](std::string_view text) { return text.size() > kLongestIdentifier; };
-    if (catalogs.empty() || isTooLong(question.publicId) || isTooLong(question.systemId) || isTooLong(question.uri))
+    if (catalogs.empty() || isTooLong(lookup.publicId) || isTooLong(lookup.systemId) || isTooLong(lookup.uri))
         return std::nullopt;
-    const CString publicId = normalizedPublicId(question.publicId);
-    question.publicId = publicId;
-    question.isAsked.assign(catalogs.size(), false);
-    for (const std::uint32_t catalog : given) {
-        if (auto found = ask(catalog, question))
+    const CString publicId = normalizedPublicId(lookup.publicId);
+    lookup.publicId = publicId;
+    lookup.isVisited.assign(catalogs.size(), false);
+    for (const std::uint32_t catalog : mainCatalogs) {
+        if (auto found = lookUp(catalog, lookup))
             return found;
-        if (question.isOver)
+        if (lookup.isFinished)
             return std::nullopt;
     }
     return std::nullopt;
 }
 
 // Searches a catalogue and its next catalogues, depth first.
-std::optional<CString> Catalogs::ask(std::uint32_t catalog, Question& question) const
+std::optional<CString> Catalogs::lookUp(std::uint32_t catalog, Lookup& lookup) const
 {
     std::vector<std::uint32_t> open{catalog};
     while (!open.empty()) {
         const std::uint32_t at = open.back();
         open.pop_back();
         // Catalogues may name each other.
-        if (question.isAsked[at])
+        if (lookup.isVisited[at])
             continue;
-        question.isAsked[at] = true;
-        if (auto found = askOne(catalogs[at], question))
+        lookup.isVisited[at] = true;
+        if (auto found = lookUpOne(catalogs[at], lookup))
             return found;
-        if (question.isOver)
+        if (lookup.isFinished)
             return std::nullopt;
         open.insert(open.end(), catalogs[at].next.rbegin(), catalogs[at].next.rend());
     }
@@ -279,36 +279,36 @@ std::optional<CString> Catalogs::ask(std::uint32_t catalog, Question& question) 
 }
 
 // Searches one catalogue in the standard's order: exact matches, then the longest prefix or suffix, then delegates.
-std::optional<CString> Catalogs::askOne(const Catalog& catalog, Question& question) const
+std::optional<CString> Catalogs::lookUpOne(const Catalog& catalog, Lookup& lookup) const
 {
     const auto& tables = catalog.tables;
     std::optional<CString> found;
     const auto isSettled = [&](Kind whole, Kind rewrite, Kind suffix, Kind delegate, std::string_view text) {
-        return (found = askTable(tables[whole], text)) || (found = askRewrite(tables[rewrite], text)) ||
-               (found = askSuffix(tables[suffix], text)) || (found = askDelegates(tables[delegate], text, question)) ||
-               question.isOver;
+        return (found = lookUpExact(tables[whole], text)) || (found = lookUpRewrite(tables[rewrite], text)) ||
+               (found = lookUpSuffix(tables[suffix], text)) ||
+               (found = lookUpDelegates(tables[delegate], text, lookup)) || lookup.isFinished;
     };
-    if (!question.uri.empty() && isSettled(uri, rewriteUri, uriSuffix, delegateUri, question.uri))
+    if (!lookup.uri.empty() && isSettled(uri, rewriteUri, uriSuffix, delegateUri, lookup.uri))
         return found;
-    if (!question.systemId.empty() && isSettled(system, rewriteSystem, systemSuffix, delegateSystem, question.systemId))
+    if (!lookup.systemId.empty() && isSettled(system, rewriteSystem, systemSuffix, delegateSystem, lookup.systemId))
         return found;
-    if (question.publicId.empty())
+    if (lookup.publicId.empty())
         return std::nullopt;
     const auto& publicIds = tables[publicIdentifier].entries;
-    const auto entry = publicIds.find(CString(question.publicId));
-    if (entry != publicIds.end() && (question.systemId.empty() || entry->second.prefersPublic))
+    const auto entry = publicIds.find(CString(lookup.publicId));
+    if (entry != publicIds.end() && (lookup.systemId.empty() || entry->second.prefersPublic))
         return pathOf(entry->second.target, entry->second.base);
-    return askDelegates(tables[delegatePublic], question.publicId, question, true);
+    return lookUpDelegates(tables[delegatePublic], lookup.publicId, lookup, true);
 }
 
-std::optional<CString> Catalogs::askTable(const Table& table, std::string_view text) const
+std::optional<CString> Catalogs::lookUpExact(const Table& table, std::string_view text) const
 {
     const auto entry = table.entries.find(CString(text));
     return entry == table.entries.end() ? std::nullopt
                                         : std::optional(pathOf(entry->second.target, entry->second.base));
 }
 
-std::optional<CString> Catalogs::askRewrite(const Table& table, std::string_view text) const
+std::optional<CString> Catalogs::lookUpRewrite(const Table& table, std::string_view text) const
 {
     for (const std::size_t length : table.lengths)
         if (length <= text.size())
@@ -317,29 +317,29 @@ std::optional<CString> Catalogs::askRewrite(const Table& table, std::string_view
     return std::nullopt;
 }
 
-std::optional<CString> Catalogs::askSuffix(const Table& table, std::string_view text) const
+std::optional<CString> Catalogs::lookUpSuffix(const Table& table, std::string_view text) const
 {
     for (const std::size_t length : table.lengths)
         if (length <= text.size())
-            if (auto found = askTable(table, text.substr(text.size() - length)))
+            if (auto found = lookUpExact(table, text.substr(text.size() - length)))
                 return found;
     return std::nullopt;
 }
 
-/// Where a delegate is named, only such ones are asked.
-std::optional<CString> Catalogs::askDelegates(const Table& table, std::string_view text, Question& question,
-                                              bool isPublic) const
+// If a delegate matches, only delegates are searched.
+std::optional<CString> Catalogs::lookUpDelegates(const Table& table, std::string_view text, Lookup& lookup,
+                                                 bool isPublic) const
 {
     for (const std::size_t length : table.lengths) {
         if (length > text.size())
             continue;
         const auto entry = table.entries.find(CString(text.substr(0, length)));
         if (entry == table.entries.end() || !entry->second.catalog ||
-            (isPublic && !entry->second.prefersPublic && !question.systemId.empty()))
+            (isPublic && !entry->second.prefersPublic && !lookup.systemId.empty()))
             continue;
-        if (auto found = ask(*entry->second.catalog, question))
+        if (auto found = lookUp(*entry->second.catalog, lookup))
             return found;
-        question.isOver = true;
+        lookup.isFinished = true;
     }
     return std::nullopt;
 }

@@ -90,31 +90,31 @@ private:
         SourcePlace place;
     };
 
-    struct Question
+    struct Lookup
     {
         std::string_view publicId, systemId, uri;
-        std::vector<bool> isAsked; // by catalogue
-        bool isOver = false;       // the result is final
+        std::vector<bool> isVisited; // by catalogue
+        bool isFinished = false;     // the result is final
     };
 
     static CString normalizedPublicId(std::string_view publicId);
     static CString pathOf(const CString& reference, const Base& base);
     std::uint32_t read(const FoundFile& file, const CString& shownName, const Named* named);
     void readNamed(const Named& named);
-    std::optional<CString> ask(std::uint32_t catalog, Question& question) const;
-    std::optional<CString> askOne(const Catalog& catalog, Question& question) const;
-    std::optional<CString> askTable(const Table& table, std::string_view text) const;
-    std::optional<CString> askRewrite(const Table& table, std::string_view text) const;
-    std::optional<CString> askSuffix(const Table& table, std::string_view text) const;
-    std::optional<CString> askDelegates(const Table& table, std::string_view text, Question& question,
-                                        bool isPublic = false) const;
-    std::optional<CString> askAll(Question question) const;
+    std::optional<CString> lookUp(std::uint32_t catalog, Lookup& lookup) const;
+    std::optional<CString> lookUpOne(const Catalog& catalog, Lookup& lookup) const;
+    std::optional<CString> lookUpExact(const Table& table, std::string_view text) const;
+    std::optional<CString> lookUpRewrite(const Table& table, std::string_view text) const;
+    std::optional<CString> lookUpSuffix(const Table& table, std::string_view text) const;
+    std::optional<CString> lookUpDelegates(const Table& table, std::string_view text, Lookup& lookup,
+                                           bool isPublic = false) const;
+    std::optional<CString> lookUpAll(Lookup lookup) const;
 
     SourceReport& report;
     std::vector<Catalog> catalogs;
-    std::vector<std::uint32_t> given;      // in the given order
-    std::map<FileId, std::uint32_t> known; // number of the catalogue by file
-    std::vector<Named> waiting;            // references that haven't been read yet
+    std::vector<std::uint32_t> mainCatalogs; // those of the caller, in order
+    std::map<FileId, std::uint32_t> known;   // number of the catalogue by file
+    std::vector<Named> waiting;              // references that haven't been read yet
     std::size_t entryCount = 0;
     FileFinder finder;
 };
