@@ -17,13 +17,13 @@ int BrokerMessage::parse(const CString& source, const CString&, const CString&)
 {
     report.addFile(source);
     DomTree tree;
-    bool isEmpty = true, isOver = false;
+    bool isEmpty = true, isFinished = false;
     DomBuilder builder(tree, [&](const IXMLDOMNode& child) {
         isEmpty = false;
-        if (isOver)
+        if (isFinished)
             skipType(child);
         else
-            isOver = !readType(child);
+            isFinished = !readType(child);
     });
     XmlDocument document;
     if (!document.streamFile(source, builder)) {

@@ -51,7 +51,7 @@ MainElement::MainElement(const SourceTypes& types) : types(types), order(types),
             order.visit(types.candidates[i].type.index);
     }
     std::ranges::stable_sort(bySource, {}, [&](Index i) { return types.candidates[i].source; });
-    ledToBy.resize(order.componentCount());
+    lastWalkInto.resize(order.componentCount());
 }
 
 std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Index source)
@@ -92,7 +92,7 @@ void MainElement::findSources()
         for (const SourceTypes::Field& field : types.fieldsOf(record))
             if (field.type.kind == SourceTypes::kindRecord) {
                 if (order.componentOf(field.type.index) != order.componentOf(record))
-                    ledToBy[order.componentOf(field.type.index)] = turn;
+                    lastWalkInto[order.componentOf(field.type.index)] = turn;
                 visit(field.type.index);
             }
     }
@@ -100,7 +100,7 @@ void MainElement::findSources()
     sources.clear();
     for (const Index candidate : ranked) {
         const Index component = order.componentOf(types.candidates[candidate].type.index);
-        if (std::exchange(ledToBy[component], turn) != turn) // the others of this component reach the same
+        if (std::exchange(lastWalkInto[component], turn) != turn) // the others of this component reach the same
             sources.push_back(candidate);
     }
 }

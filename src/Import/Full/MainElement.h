@@ -23,13 +23,13 @@ private:
     std::size_t measure(Index record);
 
     const SourceTypes& types;
-    RecordOrder order;           // the records that candidates reach
-    std::vector<Index> bySource; // candidates by source
-    std::size_t next = 0;        // index in `bySource`
-    std::vector<Index> ledToBy;  // by component: the last walk that led there from another component
-    std::vector<Index> ranked;   // the current source's candidates that are not abstract and have fields
-    std::vector<Index> sources;  // those of `ranked` to measure: roots of the graph, and those named by the file's name
-    std::vector<Index> seen;     // by record: the last walk that passed it
+    RecordOrder order;               // the records that candidates reach
+    std::vector<Index> bySource;     // candidates by source
+    std::size_t next = 0;            // index in `bySource`
+    std::vector<Index> lastWalkInto; // by component: the last walk that led there from another component
+    std::vector<Index> ranked;       // the current source's candidates that are not abstract and have fields
+    std::vector<Index> sources; // those of `ranked` to measure: roots of the graph, and those named by the file's name
+    std::vector<Index> seen;    // by record: the last walk that passed it
     std::vector<Index> waiting;
     Index walks = 0;
     std::size_t stepsLeft = 0;

@@ -8,8 +8,8 @@ namespace {
 using Tag = SchemaTag;
 using Word = SchemaAttribute;
 
-constexpr std::size_t kManyFindings = 10'000; // findings kept before they are passed to the report
-constexpr std::size_t kLongestValue = 100;    // bytes of a value that a message shows
+constexpr std::size_t kMaxFindings = 10'000; // findings kept before they are passed to the report
+constexpr std::size_t kLongestValue = 100;   // bytes of a value that a message shows
 
 bool isBoolean(std::string_view value)
 {
@@ -22,7 +22,7 @@ bool isUse(std::string_view value, SchemaEdition edition)
            (edition == SchemaEdition::draft && (value == "default" || value == "fixed"));
 }
 
-bool isUsualPrefix(const char* prefix)
+bool isCommonPrefix(const char* prefix)
 {
     return prefix && (prefix == std::string_view("xs") || prefix == std::string_view("xsd"));
 }
@@ -85,7 +85,7 @@ void SchemaStatements::scope(const XmlScope& scope)
 
 SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes)
 {
-    const bool isOurs = edition != SchemaEdition::none || (knowsPrefixes && isUsualPrefix(name.prefix));
+    const bool isOurs = edition != SchemaEdition::none || (knowsPrefixes && isCommonPrefix(name.prefix));
     const Tag tag = isOurs ? grammar.tagOf(name.local) : Tag::none;
     current = name;
     hasText = false;
@@ -95,10 +95,10 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes)
         const Level& holder = open.back();
         if (tag == Tag::none) {
             // Its children aren't reported, because the statement itself already is.
-            find(SourceReport::unknownStatement, shown(name));
+            addFinding(SourceReport::unknownStatement, shown(name));
             ignored = 1;
-        } else if (!SchemaGrammar::mayHold(holder.holder, tag) || isTooMany(holder, tag)) {
-            find(SourceReport::misplacedStatement, shown(name) + " inside " + shown(holder.name));
+        } else if (!SchemaGrammar::mayHold(holder.holder, tag) || occursTooOften(holder, tag)) {
+            addFinding(SourceReport::misplacedStatement, shown(name) + " inside " + shown(holder.name));
             ignored = 1;
         }
     }
@@ -126,7 +126,7 @@ void SchemaStatements::leave()
     }
     const Level& level = open.back();
     if ((level.holder == Tag::simpleRestriction || level.holder == Tag::textRestriction) && !level.hasChild)
-        find(SourceReport::malformedDeclaration, level.start, "restriction without base");
+        addFinding(SourceReport::malformedDeclaration, level.start, "restriction without base");
     open.pop_back();
 }
 
@@ -139,7 +139,7 @@ void SchemaStatements::text(std::string_view text)
     if (said.empty())
         return;
     hasText = true;
-    find(SourceReport::unknownStatement, CString(said.substr(0, kLongestValue)));
+    addFinding(SourceReport::unknownStatement, CString(said.substr(0, kLongestValue)));
 }
 
 // Reads the attributes of a statement and checks their values.
@@ -156,12 +156,12 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
             continue;
         }
         const Word word = grammar.attributeOf(called.local);
-        const bool isItsOwn = SchemaGrammar::mayHave(tag, word, edition);
-        known.push_back({word, value, isItsOwn});
+        const bool isAllowed = SchemaGrammar::mayHave(tag, word, edition);
+        known.push_back({word, value, isAllowed});
         if (ignored > 0 || tag == Tag::none)
             continue;
-        if (!isItsOwn) {
-            find(SourceReport::unknownAttribute, shown(called) + " in " + shown(name));
+        if (!isAllowed) {
+            addFinding(SourceReport::unknownAttribute, shown(called) + " in " + shown(name));
             isMisspelt = true;
         } else if ((word == Word::name || word == Word::type) && !value.empty() && value.front() > ' ') {
             said |= bitOf(word);
@@ -175,7 +175,7 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
 void SchemaStatements::checkForeign(XmlName called, const char* uri, XmlName statement)
 {
     if (ignored == 0 && schemaEditionOf(uri) != SchemaEdition::none)
-        find(SourceReport::unknownAttribute, shown(called) + " in " + shown(statement));
+        addFinding(SourceReport::unknownAttribute, shown(called) + " in " + shown(statement));
 }
 
 std::string_view SchemaStatements::valueOf(SchemaAttribute name) const
@@ -231,13 +231,13 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         isValid = value == "elementOnly" || value == "empty"; // the other values mean text content
         break;
     case Word::defaultAttributes:
-        find(SourceReport::declarationSkipped, shown(called) + "=" + CString(value));
+        addFinding(SourceReport::declarationSkipped, shown(called) + "=" + CString(value));
         break;
     default:
         break;
     }
     if (!isValid)
-        find(SourceReport::invalidValue, shown(called) + "=\"" + CString(value.substr(0, kLongestValue)) + "\"");
+        addFinding(SourceReport::invalidValue, shown(called) + "=\"" + CString(value.substr(0, kLongestValue)) + "\"");
     if (!value.empty() || attribute.name == Word::value)
         said |= bitOf(attribute.name);
 }
@@ -253,9 +253,9 @@ void SchemaStatements::enterStatement(SchemaTag tag, Level& level)
     }
     const bool isTop = open.size() == 1 || holder.holder == Tag::redefine;
     if (const char* missing = missingIn(tag, holder.holder, isTop); missing && !isMisspelt)
-        find(*missing ? SourceReport::malformedDeclaration : SourceReport::nameMissing, shown(current) + missing);
+        addFinding(*missing ? SourceReport::malformedDeclaration : SourceReport::nameMissing, shown(current) + missing);
     if (has(Word::ref) && !isTop && (has(Word::name) || has(Word::type)))
-        find(SourceReport::unknownAttribute, CString(has(Word::name) ? "name" : "type") + " beside ref");
+        addFinding(SourceReport::unknownAttribute, CString(has(Word::name) ? "name" : "type") + " beside ref");
     if (tag == Tag::restriction && holder.holder == Tag::simpleType)
         level.holder = Tag::simpleRestriction;
     else if (tag == Tag::restriction && holder.holder == Tag::simpleContent)
@@ -298,7 +298,7 @@ const char* SchemaStatements::missingIn(SchemaTag tag, SchemaTag holder, bool is
 }
 
 // Returns whether a statement comes second although only one is allowed.
-bool SchemaStatements::isTooMany(const Level& holder, SchemaTag tag) const
+bool SchemaStatements::occursTooOften(const Level& holder, SchemaTag tag) const
 {
     const bool isSecond = holder.hasChild && isOnlyChild(holder.holder, tag);
     return tag != Tag::annotation && (isSecond || (holder.hasContent && tag <= Tag::enumeration));
@@ -329,7 +329,7 @@ void SchemaStatements::countStatement(SchemaTag tag)
         ++details[SourceReport::typeAlternative];
         break;
     case Tag::openContent:
-        find(SourceReport::anyElement, shown(current));
+        addFinding(SourceReport::anyElement, shown(current));
         break;
     case Tag::element:
     case Tag::attribute:
@@ -345,9 +345,9 @@ void SchemaStatements::countStatement(SchemaTag tag)
         ++details[SourceReport::occurrenceBounds];
 }
 
-void SchemaStatements::find(SourceReport::Construct construct, XmlPlace at, CString name)
+void SchemaStatements::addFinding(SourceReport::Construct construct, XmlPlace at, CString name)
 {
-    if (findings.size() == kManyFindings)
+    if (findings.size() == kMaxFindings)
         flush();
     findings.push_back({construct, at, std::move(name)});
 }

@@ -20,7 +20,7 @@ public:
     {
         SchemaAttribute name;
         std::string_view value;
-        bool isItsOwn; ///< false if the statement has no such attribute
+        bool isAllowed; ///< false if the statement has no such attribute
     };
 
     /// `file` is the document's number in the report. Statements are identified by their namespace; with
@@ -41,7 +41,10 @@ public:
     void text(std::string_view text);
 
     /// Reports an entity that was left out of the document.
-    void entityLeftOut(std::string_view name, XmlPlace at) { find(SourceReport::entityNotExpanded, at, CString(name)); }
+    void entityLeftOut(std::string_view name, XmlPlace at)
+    {
+        addFinding(SourceReport::entityNotExpanded, at, CString(name));
+    }
 
     /// Returns the attributes of the last statement that the language knows. Valid until the next enter().
     const std::vector<Attribute>& attributes() const { return known; }
@@ -66,7 +69,7 @@ public:
     SourcePlace place() const { return placeOf(start); }
 
     /// Adds a finding at that place.
-    void find(SourceReport::Construct construct, CString name) { find(construct, start, std::move(name)); }
+    void addFinding(SourceReport::Construct construct, CString name) { addFinding(construct, start, std::move(name)); }
     /// Counts a detail for finish().
     void count(SourceReport::Construct detail) { ++details[detail]; }
 
@@ -121,14 +124,14 @@ private:
     {
         return {file, static_cast<std::uint32_t>(at.line), static_cast<std::uint32_t>(at.column)};
     }
-    void find(SourceReport::Construct construct, XmlPlace at, CString name);
+    void addFinding(SourceReport::Construct construct, XmlPlace at, CString name);
     void flush();
     void read(SchemaTag tag, XmlName name, XmlAttributes attributes);
     void checkForeign(XmlName called, const char* uri, XmlName statement);
     void checkValue(const Attribute& attribute, XmlName called);
     void enterStatement(SchemaTag tag, Level& level);
     const char* missingIn(SchemaTag tag, SchemaTag holder, bool isTop) const;
-    bool isTooMany(const Level& holder, SchemaTag tag) const;
+    bool occursTooOften(const Level& holder, SchemaTag tag) const;
     void countStatement(SchemaTag tag);
     static std::uint64_t bitOf(SchemaAttribute attribute) { return std::uint64_t{1} << static_cast<int>(attribute); }
 

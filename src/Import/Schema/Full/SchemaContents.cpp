@@ -190,7 +190,7 @@ void SchemaContents::addElement(Index particle, std::uint8_t times)
     if (!node.is(SchemaNode::isReference)) {
         const SchemaDocument& document = tree.documentOf(particle);
         const bool isQualified =
-            node.is(SchemaNode::saysForm) ? node.is(SchemaNode::isQualified) : document.elementsQualified;
+            node.is(SchemaNode::hasForm) ? node.is(SchemaNode::isQualified) : document.elementsQualified;
         if (node.hasName())
             addOccurrence({isQualified ? document.space : 0, node.name}, particle, times, 0);
         return;
@@ -312,7 +312,7 @@ void SchemaContents::visitAttribute(Index attribute)
         return;
     if (!node.is(SchemaNode::isReference)) {
         const bool isQualified =
-            node.is(SchemaNode::saysForm) ? node.is(SchemaNode::isQualified) : document.attributesQualified;
+            node.is(SchemaNode::hasForm) ? node.is(SchemaNode::isQualified) : document.attributesQualified;
         if (node.hasName())
             addAttribute({isQualified ? document.space : 0, node.name}, attribute, isProhibited, 0);
         return;

@@ -84,8 +84,8 @@ void SchemaReader::makeArray(XmlAttributes attributes)
         const std::size_t sizes = std::min(value.find('['), value.size());
         const auto ranks = static_cast<std::size_t>(std::ranges::count(value.substr(sizes), '['));
         if (ranks > kMaxRanks)
-            statements.find(SourceReport::cutShort,
-                            "more than " + std::to_string(kMaxRanks) + " arrays inside each other");
+            statements.addFinding(SourceReport::cutShort,
+                                  "more than " + std::to_string(kMaxRanks) + " arrays inside each other");
         SchemaNode item = tree.nodes.back();
         item.tag = SchemaTag::element;
         item.name = tree.names.intern("item");
@@ -123,7 +123,7 @@ void SchemaReader::enter(SchemaTag tag)
     node.column = statements.place().column;
     node.document = document;
     for (const SchemaStatements::Attribute& attribute : statements.attributes()) {
-        if (!attribute.isItsOwn)
+        if (!attribute.isAllowed)
             continue;
         if (tag == SchemaTag::schema)
             readRootAttribute(attribute);
@@ -255,13 +255,13 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
         break;
     case SchemaAttribute::mixed:
         set(SchemaStatements::isTrue(value), SchemaNode::isMixed);
-        set(!value.empty(), SchemaNode::saysMixed);
+        set(!value.empty(), SchemaNode::hasMixed);
         break;
     case SchemaAttribute::abstract:
         set(SchemaStatements::isTrue(value), SchemaNode::isAbstract);
         break;
     case SchemaAttribute::form:
-        set(true, SchemaNode::saysForm);
+        set(true, SchemaNode::hasForm);
         set(trimmed(value) == "qualified", SchemaNode::isQualified);
         break;
     default:

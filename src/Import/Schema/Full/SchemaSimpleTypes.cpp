@@ -38,11 +38,11 @@ SchemaSimpleTypes::Index SchemaSimpleTypes::derivationOf(Index type) const
     return tree.childOf(tree.childOf(type, SchemaTag::complexContent), SchemaTag::extension);
 }
 
-bool SchemaSimpleTypes::saysMixed(Index complexType) const
+bool SchemaSimpleTypes::isMixedType(Index complexType) const
 {
     const Index content = tree.childOf(complexType, SchemaTag::complexContent);
-    const bool isSaidThere = content != 0 && tree[content].is(SchemaNode::saysMixed);
-    return tree[isSaidThere ? content : complexType].is(SchemaNode::isMixed);
+    const bool isOnContent = content != 0 && tree[content].is(SchemaNode::hasMixed);
+    return tree[isOnContent ? content : complexType].is(SchemaNode::isMixed);
 }
 
 // Works out a type after its base types, with a stack instead of recursion, because derivations may nest without bound.
@@ -100,7 +100,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::valueOf(const Part& part) const
 // Returns the text of a complex type with elements: text between its elements, or that of its base type.
 SchemaSimpleTypes::Value SchemaSimpleTypes::inherit(Index complexType) const
 {
-    if (saysMixed(complexType))
+    if (isMixedType(complexType))
         return {true, SourceTypes::kindText, true};
     return parts.empty() ? Value() : valueOf(parts.front());
 }

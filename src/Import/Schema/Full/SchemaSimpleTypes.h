@@ -48,7 +48,7 @@ private:
 
     static constexpr std::uint32_t kPending = ~0U; // in firstConstant: the value is not yet known
 
-    bool saysMixed(Index complexType) const;
+    bool isMixedType(Index complexType) const;
     Value inherit(Index complexType) const;
     void collectParts(Index type);
     Index derivationOf(Index type) const;

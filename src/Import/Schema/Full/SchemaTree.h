@@ -27,11 +27,11 @@ struct SchemaNode
     {
         isAbstract = 1,
         isMixed = 2,
-        saysMixed = 4, ///< has the attribute `mixed`
+        hasMixed = 4, ///< has the attribute `mixed`
         isProhibited = 8,
         isReference = 16, ///< `reference` holds its `ref`
         isQualified = 32, ///< according to its own `form`
-        saysForm = 64
+        hasForm = 64
     };
 
     SchemaTag tag = SchemaTag::none;

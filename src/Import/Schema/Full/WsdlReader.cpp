@@ -34,8 +34,8 @@ void WsdlReader::scope(const XmlScope& scope)
 {
     if (schema && depth > 0)
         return schema->scope(scope);
-    begun = scope;
-    ownDeclared.assign(scope.declarations, scope.declarations + 2 * scope.count);
+    elementScope = scope;
+    elementDeclarations.assign(scope.declarations, scope.declarations + 2 * scope.count);
 }
 
 void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
@@ -46,14 +46,14 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
     }
     const std::string_view local = name.local;
     if (open.empty())
-        isWsdl = isStatement(begun) && (local == "definitions" || local == "description");
-    if (!isWsdl || (local == "schema" && schemaEditionOf(begun.uri) != SchemaEdition::none))
+        isWsdl = isStatement(elementScope) && (local == "definitions" || local == "description");
+    if (!isWsdl || (local == "schema" && schemaEditionOf(elementScope.uri) != SchemaEdition::none))
         return beginSchema(name, attributes);
     open.push_back(declared.size());
-    declared.insert(declared.end(), ownDeclared.begin(), ownDeclared.end());
+    declared.insert(declared.end(), elementDeclarations.begin(), elementDeclarations.end());
     if (open.size() == 2)
-        isInTypes = isStatement(begun) && local == "types";
-    if (isStatement(begun))
+        isInTypes = isStatement(elementScope) && local == "types";
+    if (isStatement(elementScope))
         readStatement(local, attributes);
     else if (isInTypes && open.size() == 3)
         readOther(name, attributes);
@@ -62,7 +62,8 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
 // Reads an element beside the schemas: an import of a schema, as in WSDL 2.0, or another schema language.
 void WsdlReader::readOther(XmlName name, XmlAttributes attributes)
 {
-    const bool isImport = schemaEditionOf(begun.uri) != SchemaEdition::none && name.local == std::string_view("import");
+    const bool isImport =
+        schemaEditionOf(elementScope.uri) != SchemaEdition::none && name.local == std::string_view("import");
     if (isImport)
         addImport(attributes.valueOf("schemaLocation"), attributes.valueOf("namespace"), here());
     else
@@ -81,10 +82,10 @@ void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes)
         if (replayed > kMaxReplayed)
             throw XmlRefusal{"more than " + std::to_string(kMaxReplayed) + " prefixes around the schemas of a WSDL"};
         schema = std::make_unique<SchemaReader>(tree, report);
-        schema->scope({nullptr, declared.data(), declared.size() / 2, begun.place});
+        schema->scope({nullptr, declared.data(), declared.size() / 2, elementScope.place});
     }
     depth = 1;
-    schema->scope({begun.uri, ownDeclared.data(), begun.count, begun.place});
+    schema->scope({elementScope.uri, elementDeclarations.data(), elementScope.count, elementScope.place});
     schema->startElement(name, attributes);
 }
 
@@ -121,8 +122,8 @@ void WsdlReader::entityLeftOut(std::string_view name, XmlPlace place)
 // Returns the place of the element that begins.
 SourcePlace WsdlReader::here() const
 {
-    return {tree.documents[document].file, static_cast<std::uint32_t>(begun.place.line),
-            static_cast<std::uint32_t>(begun.place.column)};
+    return {tree.documents[document].file, static_cast<std::uint32_t>(elementScope.place.line),
+            static_cast<std::uint32_t>(elementScope.place.column)};
 }
 
 void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)

@@ -14,11 +14,12 @@ bool endsInMark(std::string_view parentName, std::string_view name)
 
 } // namespace
 
-SchemaElement::SchemaElement(const Fingerprint& key, std::string_view parentName, const SchemaSaying& said) :
-    key(key), name(said.name.data()), type(said.type.data()), nameSize(static_cast<std::uint32_t>(said.name.size())),
-    typeSize(static_cast<std::uint32_t>(said.type.size())), place(said.place),
-    marked(endsInMark(parentName, said.name)), isReferring(said.isReference), isOfRepeated(said.isInRepeated),
-    loss(said.loss)
+SchemaElement::SchemaElement(const Fingerprint& key, std::string_view parentName, const SchemaEntryContent& content) :
+    key(key), name(content.name.data()), type(content.type.data()),
+    nameSize(static_cast<std::uint32_t>(content.name.size())),
+    typeSize(static_cast<std::uint32_t>(content.type.size())), place(content.place),
+    marked(endsInMark(parentName, content.name)), isReferring(content.isReference), isOfRepeated(content.isInRepeated),
+    loss(content.loss)
 {
     static_assert(sizeof(SchemaElement) <= 64);
 }

@@ -15,7 +15,7 @@ enum class SchemaTypeLoss : std::uint8_t
 };
 
 /// The contents of a declaration. Texts are views that live as long as the documents of the import.
-struct SchemaSaying
+struct SchemaEntryContent
 {
     SourcePlace place{};
     std::string_view name{}; ///< followed by "*" if it repeats
@@ -32,7 +32,7 @@ class SchemaElement
 {
 public:
     /// `parentName` is the text of the parent's key; empty without a parent.
-    SchemaElement(const Fingerprint& key, std::string_view parentName, const SchemaSaying& said);
+    SchemaElement(const Fingerprint& key, std::string_view parentName, const SchemaEntryContent& content);
 
     const Fingerprint& queryKey() const { return key; }
 

@@ -5,7 +5,7 @@
 namespace {
 
 constexpr std::array<std::string_view, 2> kPrefixes{"xsd", "xs"};
-constexpr std::size_t kFarAround = 100; // levels to look up for a name; real schemas don't nest deeper
+constexpr std::size_t kMaxNameLevels = 100; // levels to look up for a name; real schemas don't nest deeper
 
 std::optional<SchemaOutline::Tag> declarationOf(SchemaTag tag)
 {
@@ -27,7 +27,7 @@ bool isCalled(XmlName name, std::string_view unprefixed)
 }
 
 // Returns true for "unbounded", and for a text that begins with a decimal integer greater than 1, of any length.
-bool isMany(std::string_view maxOccurs)
+bool mayRepeat(std::string_view maxOccurs)
 {
     if (maxOccurs == "unbounded")
         return true;
@@ -119,11 +119,11 @@ void SchemaOutline::noteSkipped(XmlName name, SchemaTag tag, Level& level)
     case SchemaTag::element:
     case SchemaTag::attribute:
     case SchemaTag::complexType:
-        return statements.find(SourceReport::declarationSkipped, nameAround());
+        return statements.addFinding(SourceReport::declarationSkipped, nameAround());
     case SchemaTag::redefine:
         if (name.local == std::string_view("override"))
-            statements.find(SourceReport::declarationSkipped,
-                            CString(statements.valueOf(SchemaAttribute::schemaLocation)));
+            statements.addFinding(SourceReport::declarationSkipped,
+                                  CString(statements.valueOf(SchemaAttribute::schemaLocation)));
         return;
     case SchemaTag::sequence:
     case SchemaTag::choice:
@@ -134,24 +134,24 @@ void SchemaOutline::noteSkipped(XmlName name, SchemaTag tag, Level& level)
     case SchemaTag::group:
     case SchemaTag::attributeGroup: // a declaration alone has no effect
         if (!reference.empty())
-            statements.find(SourceReport::groupSkipped, CString(reference));
+            statements.addFinding(SourceReport::groupSkipped, CString(reference));
         return;
     case SchemaTag::extension:
-        return statements.find(SourceReport::extensionSkipped, CString(base));
+        return statements.addFinding(SourceReport::extensionSkipped, CString(base));
     case SchemaTag::restriction:
         if (statements.holder() == SchemaTag::simpleRestriction)
             noteSimpleType(tag, level);
         else if (base.substr(base.find(':') + 1) != "anyType")
-            statements.find(SourceReport::restrictionSkipped, CString(base));
+            statements.addFinding(SourceReport::restrictionSkipped, CString(base));
         return;
     case SchemaTag::complexContent:
-        if (saysMixed())
-            statements.find(SourceReport::textSkipped, nameAround());
+        if (isMixed())
+            statements.addFinding(SourceReport::textSkipped, nameAround());
         return;
     case SchemaTag::any:
-        return statements.find(SourceReport::anyElement, nameAround());
+        return statements.addFinding(SourceReport::anyElement, nameAround());
     case SchemaTag::anyAttribute:
-        return statements.find(SourceReport::anyAttribute, nameAround());
+        return statements.addFinding(SourceReport::anyAttribute, nameAround());
     default:
         return noteSimpleType(tag, level);
     }
@@ -179,7 +179,7 @@ void SchemaOutline::noteSimpleType(SchemaTag tag, Level& level)
                                              [&](std::string_view member) { kinds.addPart(level.simpleType, member); });
     case SchemaTag::list:
         kinds.setList(around.simpleType);
-        return statements.find(SourceReport::listType, nameAround());
+        return statements.addFinding(SourceReport::listType, nameAround());
     case SchemaTag::enumeration:
         if (around.simpleType != SchemaKinds::kNone)
             kinds.setListed(around.simpleType);
@@ -194,18 +194,18 @@ void SchemaOutline::noteDeclaration(SchemaTag tag)
 {
     const SchemaDeclaration& declaration = entries.back().declaration;
     if (!declaration.isReference && !isXmlName(declaration.name()))
-        statements.find(SourceReport::impossibleName, CString(declaration.name()));
+        statements.addFinding(SourceReport::impossibleName, CString(declaration.name()));
     if (!statements.mayOccur())
-        statements.find(SourceReport::elementNotAllowed, nameAround());
+        statements.addFinding(SourceReport::elementNotAllowed, nameAround());
     if (declaration.isAbstract)
-        statements.find(SourceReport::abstractType, nameAround());
-    if (tag == SchemaTag::complexType && saysMixed())
-        statements.find(SourceReport::textSkipped, nameAround());
+        statements.addFinding(SourceReport::abstractType, nameAround());
+    if (tag == SchemaTag::complexType && isMixed())
+        statements.addFinding(SourceReport::textSkipped, nameAround());
     if (statements.has(SchemaAttribute::substitutionGroup))
-        statements.find(SourceReport::substitutionSkipped, nameAround());
+        statements.addFinding(SourceReport::substitutionSkipped, nameAround());
 }
 
-bool SchemaOutline::saysMixed() const
+bool SchemaOutline::isMixed() const
 {
     return statements.has(SchemaAttribute::mixed) &&
            SchemaStatements::isTrue(statements.valueOf(SchemaAttribute::mixed));
@@ -217,7 +217,7 @@ CString SchemaOutline::nameAround() const
     for (const SchemaAttribute attribute : {SchemaAttribute::name, SchemaAttribute::ref})
         if (const std::string_view name = statements.valueOf(attribute); !name.empty())
             return CString(name);
-    for (std::size_t i = open.size(); i > 0 && i + kFarAround > open.size(); --i)
+    for (std::size_t i = open.size(); i > 0 && i + kMaxNameLevels > open.size(); --i)
         if (const Index place = open[i - 1].place; place != kNone && !entries[place].declaration.name().empty())
             return CString(entries[place].declaration.name());
     return {};
@@ -269,7 +269,7 @@ SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
     SchemaDeclaration out;
     std::string_view reference = out.nameAndMark;
     out.hasAttributes = attributes.size() > 0;
-    for (const auto& [name, value, isItsOwn] : statements.attributes())
+    for (const auto& [name, value, isAllowed] : statements.attributes())
         switch (name) {
         case SchemaAttribute::name:
             out.nameAndMark = keepName(value);
@@ -282,10 +282,10 @@ SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
             reference = keepName(value);
             break;
         case SchemaAttribute::maxOccurs:
-            out.repeats = isMany(value);
+            out.repeats = mayRepeat(value);
             break;
         case SchemaAttribute::abstract:
-            out.isAbstract = isItsOwn && SchemaStatements::isTrue(value);
+            out.isAbstract = isAllowed && SchemaStatements::isTrue(value);
             break;
         default:
             break;

@@ -154,7 +154,7 @@ private:
     void noteSkipped(XmlName name, SchemaTag tag, Level& level);
     void noteSimpleType(SchemaTag tag, Level& level);
     void noteDeclaration(SchemaTag tag);
-    bool saysMixed() const;
+    bool isMixed() const;
     CString nameAround() const;
     const std::vector<Index>& mainTypes() const;
 

@@ -132,7 +132,7 @@ void SchemaTable::processElement(const SchemaOutline& outline)
             processComplexType(outline, outline.getNode(at, SchemaOutline::complexType), element.name());
         outline.markRead(at);
         if (!element.name().empty())
-            addSchemaElement(sayingOf(outline, at, element.name()), {});
+            addSchemaElement(contentOf(outline, at, element.name()), {});
     }
 }
 
@@ -235,25 +235,26 @@ void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
     // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
     const std::string_view name = field.markedName();
     if (!name.empty())
-        addSchemaElement(sayingOf(outline, walk.field, name), walk.record);
+        addSchemaElement(contentOf(outline, walk.field, name), walk.record);
     outline.markRead(walk.field);
     walk.field = outline.getNextSibling(walk.field);
     walk.isEntered = false;
 }
 
 // Returns the contents of a declaration, under the name that it is registered by.
-SchemaSaying SchemaTable::sayingOf(const SchemaOutline& outline, Index at, std::string_view name) const
+SchemaEntryContent SchemaTable::contentOf(const SchemaOutline& outline, Index at, std::string_view name) const
 {
     const SchemaDeclaration& declaration = outline[at];
-    SchemaSaying said{outline.placeOf(at),     name, typeOf(outline, at), declaration.isReference, declaration.isSingle,
-                      declaration.isInRepeated};
+    SchemaEntryContent content{outline.placeOf(at),  name,
+                               typeOf(outline, at),  declaration.isReference,
+                               declaration.isSingle, declaration.isInRepeated};
     if (declaration.simpleType != SchemaKinds::kNone && kinds->kindOf(declaration.simpleType) != SchemaKinds::text)
-        said.loss = SchemaTypeLoss::innerType;
-    return said;
+        content.loss = SchemaTypeLoss::innerType;
+    return content;
 }
 
 // Returns whether two types have the same effect. A declaration without a type takes that of its record.
-bool SchemaTable::meanTheSame(std::string_view oneType, std::string_view otherType) const
+bool SchemaTable::areSameType(std::string_view oneType, std::string_view otherType) const
 {
     if (oneType == otherType || oneType.empty() || otherType.empty())
         return true;
@@ -263,31 +264,31 @@ bool SchemaTable::meanTheSame(std::string_view oneType, std::string_view otherTy
 
 // Adds a declaration once, and appends it to its parent. Returns the entry; null if it has the name of its parent. A
 // type that is already registered under the name alone takes precedence.
-SchemaElement* SchemaTable::addSchemaElement(const SchemaSaying& said, const Record& parent)
+SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, const Record& parent)
 {
     cancelPoint.pass();
-    const Fingerprint alone(said.name);
-    const Fingerprint key = parent.entry ? Fingerprint(RunningHash(parent.key).append(said.name)) : alone;
+    const Fingerprint alone(content.name);
+    const Fingerprint key = parent.entry ? Fingerprint(RunningHash(parent.key).append(content.name)) : alone;
     SchemaElement* entry = schemaElements.find(key);
     if (!entry) {
         const SchemaElement* const earlier = schemaElements.find(alone);
-        if (parent.name == said.name) {
+        if (parent.name == content.name) {
             theApp.Error(loadText(IDS_CYCLIC), IDS_ERROR_TITLE,
-                         {report->fileNameOf(said.place.file), CString(said.name) + " stands inside itself",
-                          static_cast<long>(said.place.line), static_cast<long>(said.place.column), true});
-            report->add(SourceReport::recursiveDeclaration, said.place, said.name);
+                         {report->fileNameOf(content.place.file), CString(content.name) + " stands inside itself",
+                          static_cast<long>(content.place.line), static_cast<long>(content.place.column), true});
+            report->add(SourceReport::recursiveDeclaration, content.place, content.name);
             ++cyclicReferences;
             return nullptr;
         }
         const std::string_view parentName = parent.entry ? parent.name : std::string_view();
-        entry = std::pmr::polymorphic_allocator<>(&memory).new_object<SchemaElement>(key, parentName, said);
+        entry = std::pmr::polymorphic_allocator<>(&memory).new_object<SchemaElement>(key, parentName, content);
         if (earlier)
-            entry->setType(earlier->queryType(), !meanTheSame(said.type, earlier->queryType()));
+            entry->setType(earlier->queryType(), !areSameType(content.type, earlier->queryType()));
         schemaElements.store(entry);
-    } else if (entry->queryName() != said.name || !meanTheSame(entry->queryType(), said.type)) {
-        report->add(SourceReport::mergedByName, said.place, said.name);
-    } else if (parent.entry && said.isSingle && !said.isInRepeated && !entry->isMarked()) {
-        report->add(SourceReport::inventedRepetition, said.place, said.name); // two usages become a table
+    } else if (entry->queryName() != content.name || !areSameType(entry->queryType(), content.type)) {
+        report->add(SourceReport::mergedByName, content.place, content.name);
+    } else if (parent.entry && content.isSingle && !content.isInRepeated && !entry->isMarked()) {
+        report->add(SourceReport::inventedRepetition, content.place, content.name); // two usages become a table
     }
     if (parent.entry)
         parent.entry->addChild(entry, memory);

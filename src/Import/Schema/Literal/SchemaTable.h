@@ -82,9 +82,9 @@ private:
     void processTag(const SchemaOutline& outline, TypeWalk& walk);
     void enterList(const SchemaOutline& outline, TypeWalk& walk, Index first) const;
     void prefetchNext(const SchemaOutline& outline, TypeWalk& walk) const;
-    SchemaElement* addSchemaElement(const SchemaSaying& said, const Record& parent);
-    SchemaSaying sayingOf(const SchemaOutline& outline, Index at, std::string_view name) const;
-    bool meanTheSame(std::string_view oneType, std::string_view otherType) const;
+    SchemaElement* addSchemaElement(const SchemaEntryContent& content, const Record& parent);
+    SchemaEntryContent contentOf(const SchemaOutline& outline, Index at, std::string_view name) const;
+    bool areSameType(std::string_view oneType, std::string_view otherType) const;
 
     SourceReport* report = nullptr;    // of the current import
     SchemaKinds* kinds = nullptr;      // of the current import
