@@ -112,7 +112,7 @@ std::vector<ChosenTable> TableSource::pickTables(const std::vector<CString>& nam
         const CString name(trimmed(each));
         if (!known.insert(name).second)
             continue;
-        const bool mayBeQualified = name.find('.') != CString::npos && !isThere(name);
+        const bool mayBeQualified = name.find('.') != CString::npos && !tableExists(name);
         const std::optional<TableName> table = mayBeQualified ? qualifiedTable(name) : std::nullopt;
         tables.push_back(table ? ChosenTable{*table, ChosenTable::exact} : ChosenTable{{"", "", name}});
     }
@@ -135,7 +135,7 @@ std::optional<TableName> TableSource::qualifiedTable(const CString& name)
 
 // Returns whether there is a table, view or the like of this name. True if the driver can't list tables, because it may
 // exist.
-bool TableSource::isThere(const CString& name)
+bool TableSource::tableExists(const CString& name)
 {
     CTables tables(&database);
     return !tables.Open(nullptr, nullptr, name.c_str(), nullptr) || !tables.IsEOF();
@@ -151,6 +151,6 @@ void TableSource::requireTables(MsgBase& message, const std::vector<ChosenTable>
         if (table->queryChildren().size() != 0)
             withFields.insert(table->queryName());
     for (const ChosenTable& each : tables)
-        if (each.how == ChosenTable::byName && !withFields.contains(each.table.name) && !isThere(each.table.name))
+        if (each.how == ChosenTable::byName && !withFields.contains(each.table.name) && !tableExists(each.table.name))
             throw NoTable{each.table.name};
 }

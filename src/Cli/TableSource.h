@@ -28,7 +28,7 @@ private:
     bool listTables(std::vector<ChosenTable>& tables);
     std::vector<ChosenTable> pickTables(const std::vector<CString>& names);
     std::optional<TableName> qualifiedTable(const CString& name);
-    bool isThere(const CString& name);
+    bool tableExists(const CString& name);
     void requireTables(MsgBase& message, const std::vector<ChosenTable>& tables);
 
     CDatabase database;

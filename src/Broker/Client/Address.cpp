@@ -66,7 +66,7 @@ bool Address::isLocal() const
     return address.server == kLocal;
 }
 
-bool Address::isThere() const
+bool Address::exists() const
 {
     return !isLocal() || fs::exists(localFile());
 }

@@ -18,7 +18,7 @@ public:
     CString connectString(bool isForReading) const;
 
     /// Returns false for a local file that does not exist yet, else true.
-    bool isThere() const;
+    bool exists() const;
 
     /// Returns the name of Debian's package with the driver.
     const char* driverPackage() const { return isLocal() ? "libsqliteodbc" : "odbc-postgresql"; }

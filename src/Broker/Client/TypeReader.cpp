@@ -23,7 +23,7 @@ bool isMissing(const CDBException& error)
            words.find("no such table") != words.npos || words.find("no such column") != words.npos;
 }
 
-bool isThere(CDatabase& database, const char* probe)
+bool exists(CDatabase& database, const char* probe)
 {
     try {
         database.ExecuteSQL(probe);
@@ -38,8 +38,8 @@ bool isThere(CDatabase& database, const char* probe)
 } // namespace
 
 TypeReader::TypeReader(std::shared_ptr<CDatabase> open, TypeTable::Place place) :
-    database(open && isThere(*open, kProbe) ? std::move(open) : nullptr),
-    table(place, database && isThere(*database, kProbeSources))
+    database(open && exists(*open, kProbe) ? std::move(open) : nullptr),
+    table(place, database && exists(*database, kProbeSources))
 {}
 
 std::vector<StoredType> TypeReader::store(std::span<const NamedDocument> types, const CString&, ExistingRules rules)

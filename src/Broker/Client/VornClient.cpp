@@ -263,7 +263,7 @@ private:
         if (!address)
             throw std::logic_error("There is no address to connect to");
         const auto place = address->isLocal() ? TypeTable::Place::file : TypeTable::Place::server;
-        if (readsOnly && !address->isThere()) {
+        if (readsOnly && !address->exists()) {
             *connection = new Connection(nullptr, place, readsOnly);
             return VornResult::done;
         }

@@ -228,5 +228,5 @@ void ApiMessages::readComponent(Index node)
     else if (languageOf(format) == Language::foreign)
         documents.note(SourceReport::moduleUnreadable, schema, format);
     else if (schema != node)
-        schemas.shapeOf(schema, schemas.fit(tree.key(node), node));
+        schemas.shapeOf(schema, schemas.toModelName(tree.key(node), node));
 }

@@ -15,7 +15,7 @@ void AvroMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents
         if (documents.tree.find(root, JsonWord::protocol) != 0)
             avro.readProtocol(root);
         else if (root != 0)
-            avro.addCandidate(root, names.fit(toXmlName(documents.nameOf(root)), root));
+            avro.addCandidate(root, names.toModelName(toXmlName(documents.nameOf(root)), root));
     }
     // The requested root may be any of the types.
     if (!queryRoot().empty())

@@ -61,7 +61,7 @@ void AvroTypes::addNamedTypes()
         if (uri.empty())
             uri = types.keep(tree.names[at.space]);
         const std::string_view full = tree.textOf(at.schema, JsonWord::name);
-        const std::string_view name = names.fit(full.substr(full.rfind('.') + 1), at.schema);
+        const std::string_view name = names.toModelName(full.substr(full.rfind('.') + 1), at.schema);
         const auto shape = shapeOf({at}, name, SourceTypes::kNone);
         if (!shape)
             continue;
@@ -87,14 +87,14 @@ void AvroTypes::readProtocol(Index protocol)
         const CString name(tree.key(at));
         const Index request = tree.find(message, JsonWord::request, JsonNode::array);
         if (tree[request].firstChild != 0) {
-            const SourceTypes::Type type =
-                recordOf({{request, tree[space].text}}, false, names.fit(name + "Request", at), SourceTypes::kNone);
+            const SourceTypes::Type type = recordOf({{request, tree[space].text}}, false,
+                                                    names.toModelName(name + "Request", at), SourceTypes::kNone);
             names.addCandidate({type, 0}, {}, tree.placeOf(at));
         }
         const Index response = tree.find(message, JsonWord::response);
         if (response != 0 && !sort({{response, tree[space].text}}).records.empty())
-            if (const auto shape =
-                    shapeOf({{response, tree[space].text}}, names.fit(name + "Response", at), SourceTypes::kNone))
+            if (const auto shape = shapeOf({{response, tree[space].text}}, names.toModelName(name + "Response", at),
+                                           SourceTypes::kNone))
                 names.addCandidate(*shape, name + "Response", tree.placeOf(at));
     }
     // A protocol without messages only declares types.
@@ -213,7 +213,7 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool i
         return known->second;
     const Index schema = schemas.front().schema;
     const std::string_view full = schemas.size() == 1 && !isMap ? tree.textOf(schema, JsonWord::name) : "";
-    const std::string_view own = full.empty() ? name : names.fit(full.substr(full.rfind('.') + 1), schema);
+    const std::string_view own = full.empty() ? name : names.toModelName(full.substr(full.rfind('.') + 1), schema);
     SourceTypes::Record row{own, describe(schema), tree.placeOf(schema)};
     if (!full.empty())
         row.space = types.spaceOf(tree.names[schemas.front().space]);
@@ -285,7 +285,7 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
     }
     const Index schema = leaves.front().schema;
     const std::string_view full = leaves.size() == 1 ? tree.textOf(schema, JsonWord::name) : "";
-    const std::string_view own = full.empty() ? name : names.fit(full.substr(full.rfind('.') + 1), schema);
+    const std::string_view own = full.empty() ? name : names.toModelName(full.substr(full.rfind('.') + 1), schema);
     // An enumeration without symbols can't be declared, so it becomes text.
     if (constants.empty())
         return {};
@@ -333,7 +333,7 @@ void AvroTypes::readFields(const Pending& record)
                 const auto [place, isNew] =
                     byName.try_emplace(tree.text(find(field, JsonWord::name, JsonNode::string)), known.size());
                 if (isNew)
-                    known.push_back({names.fit(place->first, field), describe(field), {}});
+                    known.push_back({names.toModelName(place->first, field), describe(field), {}});
                 known[place->second].alternatives.push_back({find(field, JsonWord::type), schema.space});
             }
         }

@@ -290,7 +290,7 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
         } else if (kind == JsonContent::map || kind == JsonContent::array) {
             const Index items = frame.content.items;
             frame.content.owner = 0;
-            frame.content.isAlsoLeaf |= added.isAlsoLeaf;
+            frame.content.mayBeLeaf |= added.mayBeLeaf;
             frame.content.items =
                 items == 0 || added.items == 0 ? 0 : mergedOf(items, std::array{Part{added.items, either}});
         }
@@ -308,7 +308,7 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
         if (kind != JsonContent::array)
             take(frame, added);
         frame.content.owner = 0;
-        frame.content.isAlsoLeaf = true;
+        frame.content.mayBeLeaf = true;
         return;
     }
     if (kind == JsonContent::number || added.kind == JsonContent::number)

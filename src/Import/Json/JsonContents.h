@@ -37,7 +37,7 @@ struct JsonContent
     };
 
     Kind kind = none;
-    bool isAlsoLeaf = false;    ///< an array, or a single text or number
+    bool mayBeLeaf = false;    ///< an array, or a single text or number
     bool isConditional = false; ///< applies under a condition or in some alternatives only
     JsonNode::Index owner = 0;  ///< the schema that the type belongs to
     JsonNode::Index items = 0;  ///< schema of an array's items or a map's values; 0 allows any
@@ -164,7 +164,7 @@ private:
     std::size_t positionOf(Frame& frame, const std::vector<Row>& rows, NameTable::Id name, NameAt nameAt) const;
     void mergeField(MergedField& known, JsonField field, How how);
     bool isNull(Index schema) const;
-    bool sayTheSame(Index one, Index other) const;
+    bool areEquivalent(Index one, Index other) const;
     bool isLeafOf(Index schema, NameTable::Id& type, NameTable::Id& format) const;
     Index baseOf(Index schema);
     Index mergedOf(Index first, std::span<const Part> more);
@@ -180,7 +180,7 @@ private:
     std::unordered_map<Index, bool> inProgress; // schemas in progress; meeting one again is a cycle
     std::vector<JsonField> fields;
     std::vector<JsonConstant> constants;
-    std::unordered_map<Index, Merged> madeOf;
+    std::unordered_map<Index, Merged> mergeInputs;
     std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
     std::vector<Frame> frames;
     std::size_t steps = 0;

@@ -319,7 +319,7 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
     const Index named = own.values.size() == 1 ? tree.find(frame.node, JsonWord::title, JsonNode::string) : 0;
     const NameTable::Id title = tree[named].text;
     std::size_t numbers = 0, texts = 0, others = 0;
-    std::unordered_map<NameTable::Id, bool> met;
+    std::unordered_map<NameTable::Id, bool> visited;
     for (const Index value : own.values) {
         const JsonNode::Kind kind = tree[value].kind;
         const bool isScalar = kind == JsonNode::number || kind == JsonNode::boolean;
@@ -329,7 +329,7 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
             ++numbers;
         else if (kind != JsonNode::null)
             ++others;
-        if ((kind == JsonNode::string || isScalar) && met.emplace(tree[value].text, true).second)
+        if ((kind == JsonNode::string || isScalar) && visited.emplace(tree[value].text, true).second)
             constants.push_back({tree[value].text, title});
     }
     step(own.values.size());

@@ -49,21 +49,21 @@ JsonNode::Index JsonContents::mergedOf(Index first, std::span<const Part> more)
     Index schema = first;
     for (std::size_t i = 0; i < more.size();) {
         Merged merged{more[i].how, {}};
-        std::unordered_set<Index> met;
+        std::unordered_set<Index> visited;
         const auto add = [&](Index member) {
             member = baseOf(member);
-            const auto known = madeOf.find(member);
-            if (known == madeOf.end() || known->second.how != merged.how) {
-                if (known != madeOf.end())
+            const auto known = mergeInputs.find(member);
+            if (known == mergeInputs.end() || known->second.how != merged.how) {
+                if (known != mergeInputs.end())
                     merged.rank = std::max(merged.rank, known->second.rank + 1);
-                if (met.insert(member).second)
+                if (visited.insert(member).second)
                     merged.members.push_back(member);
                 return;
             }
             // Its members are added instead of itself, so that merging again leads to the same schema.
             merged.rank = std::max(merged.rank, known->second.rank);
             for (const Index inner : known->second.members)
-                if (met.insert(inner).second)
+                if (visited.insert(inner).second)
                     merged.members.push_back(inner);
         };
         add(schema);
@@ -101,12 +101,12 @@ JsonNode::Index JsonContents::makeMerged(const Merged& merged)
             last = std::exchange(holder, schema);
         last = addAlias(isCondition ? schema : holder, last, isCondition ? JsonWord::then : JsonWord::none, member);
     }
-    madeOf.emplace(schema, merged);
+    mergeInputs.emplace(schema, merged);
     return schema;
 }
 
 // Returns whether two schemas are leaves of the same type and format; cheaper than merging them.
-bool JsonContents::sayTheSame(Index one, Index other) const
+bool JsonContents::areEquivalent(Index one, Index other) const
 {
     NameTable::Id oneType = 0, otherType = 0, oneFormat = 0, otherFormat = 0;
     return isLeafOf(one, oneType, oneFormat) && isLeafOf(other, otherType, otherFormat) && oneType == otherType &&

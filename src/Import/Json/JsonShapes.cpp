@@ -202,7 +202,8 @@ void JsonShapes::declare(std::string_view name, SourceTypes& types, SourceReport
         const Index object = pending[i];
         fields.clear();
         for (Index at = shapes[object].first; at != 0; at = shapes[at].next) {
-            const std::string_view called = JsonTypes::fit(names[shapes[at].key], shapes[at].place, types, report);
+            const std::string_view called =
+                JsonTypes::toModelName(names[shapes[at].key], shapes[at].place, types, report);
             std::uint16_t tables = 0;
             const Index shape = shapes[at].target == 0 ? at : shapes[at].target;
             if (shape != at && shapes[at].kinds != 0)
@@ -218,10 +219,10 @@ SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string
                                      SourceTypes& types, SourceReport& report)
 {
     constexpr std::uint16_t deepest = 100;
-    bool isLeafToo = false;
+    bool mayBeLeaf = false;
     const Index whole = at;
     for (; (shapes[at].kinds & (isArray | isObject)) == isArray && depth < deepest; at = shapes[at].items, ++depth) {
-        isLeafToo |= shapes[at].kinds != isArray;
+        mayBeLeaf |= shapes[at].kinds != isArray;
         // An array that was empty in all documents has items of unknown type.
         if (shapes[at].items == 0)
             return ++depth, SourceTypes::Type();
@@ -230,16 +231,16 @@ SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string
     const bool isRecord = (kinds & isObject) != 0 && shapes[at].first != 0;
     // A time among texts is just text.
     const bool differs = (kinds & (kinds - 1)) != 0 && kinds != (isTime | isText);
-    if (differs || isLeafToo)
+    if (differs || mayBeLeaf)
         report.add(SourceReport::kindsDiffer, differs ? shapes[at].otherPlace : shapes[whole].otherPlace, name);
     if (depth == deepest)
         report.add(SourceReport::cutShort, shapes[whole].place, CString(name) + ", arrays inside each other");
     // A value that may also be an array of values becomes text, which doesn't repeat.
-    if (!isRecord && (isLeafToo || depth == deepest))
+    if (!isRecord && (mayBeLeaf || depth == deepest))
         depth = 0;
     if (!isRecord)
-        return {kinds == isNumber && !isLeafToo ? SourceTypes::kindNumber
-                : kinds == isTime && !isLeafToo ? SourceTypes::kindTime
+        return {kinds == isNumber && !mayBeLeaf ? SourceTypes::kindNumber
+                : kinds == isTime && !mayBeLeaf ? SourceTypes::kindTime
                                                 : SourceTypes::kindText};
     const auto [known, isNew] = records.try_emplace(at);
     if (isNew) {

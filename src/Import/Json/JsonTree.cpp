@@ -12,7 +12,7 @@ constexpr std::size_t kMaxNodes = 8'000'000;
 constexpr std::size_t kFreeMerged = 100'000; // members that merges of YAML may visit in any document
 constexpr std::size_t kMaxMerged = 20;       // for each value in addition, so that the work is linear in the text
 constexpr std::size_t kFewMembers = 16;
-constexpr std::size_t kFarBehind = 10'000; // in an array; pointers don't count further, which keeps them linear
+constexpr std::size_t kMaxPosition = 10'000; // in an array; pointers don't count further, which keeps them linear
 
 constexpr std::string_view kWords[] = {
 #define WORD(name) #name,
@@ -118,7 +118,7 @@ CString JsonTree::pointerTo(Index node) const
                 step += c == '~' ? "~0" : c == '/' ? "~1" : CString(1, c);
         } else {
             std::size_t position = 0;
-            for (Index at = nodes[parent].firstChild; at != node && at != 0 && position < kFarBehind;
+            for (Index at = nodes[parent].firstChild; at != node && at != 0 && position < kMaxPosition;
                  at = nodes[at].next)
                 ++position;
             step = std::to_string(position);

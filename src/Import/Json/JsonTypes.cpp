@@ -35,10 +35,10 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
     schema = tree.target(schema);
     JsonContent content = contents.of(schema);
     Shape shape;
-    bool isAlsoLeaf = false;
+    bool mayBeLeaf = false;
     for (; content.kind == JsonContent::array;
          content = content.items == 0 ? JsonContent() : contents.of(content.items)) {
-        isAlsoLeaf |= content.isAlsoLeaf;
+        mayBeLeaf |= content.mayBeLeaf;
         if (++shape.depth > kMaxDepth) {
             documents.note(SourceReport::cutShort, schema,
                            "more than " + std::to_string(kMaxDepth) + " arrays inside each other");
@@ -47,10 +47,10 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
     }
     const bool isObject =
         content.kind == JsonContent::map || (content.kind == JsonContent::record && content.count > 0);
-    if (isAlsoLeaf)
+    if (mayBeLeaf)
         documents.note(SourceReport::kindsDiffer, schema);
     // A value that may also be an array of values becomes text, which doesn't repeat.
-    if (isAlsoLeaf && !isObject)
+    if (mayBeLeaf && !isObject)
         return {};
     if (isObject) {
         shape.type = recordOf(content, name, home);
@@ -66,7 +66,8 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
     return shape;
 }
 
-std::string_view JsonTypes::fit(std::string_view name, SourcePlace place, SourceTypes& types, SourceReport& report)
+std::string_view JsonTypes::toModelName(std::string_view name, SourcePlace place, SourceTypes& types,
+                                        SourceReport& report)
 {
     CString made = toXmlText(name);
     std::ranges::replace(made, '\\', '_'); // it separates the folders of types
@@ -88,7 +89,7 @@ std::string_view JsonTypes::nameOf(Index schema)
         appendCollapsed(title, trimmed(tree.textOf(schema, JsonWord::title)));
         // A definition is named by its key, a document by its title or its file.
         if (tree[schema].parent != 0)
-            name = fit(tree.key(schema), schema);
+            name = toModelName(tree.key(schema), schema);
         else
             name = types.keep(toXmlName(title.empty() ? documents.nameOf(schema) : title));
     }
@@ -110,7 +111,7 @@ SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_vi
         return known->second;
     const std::string_view own = nameOf(content.owner);
     if (own.empty() && isCalledByItsKey(content.owner))
-        name = fit(tree.key(content.owner), content.owner);
+        name = toModelName(tree.key(content.owner), content.owner);
     const SourceTypes::Index record =
         types.addRecord({own.empty() ? name : own, describe(content.owner), tree.placeOf(content.owner),
                          own.empty() ? home : SourceTypes::kNone});
@@ -163,7 +164,7 @@ void JsonTypes::readFields(const Pending& record)
             cancelPoint.pass();
             std::string_view& name = keptNames[field.name];
             if (name.empty())
-                name = fit(tree.names[field.name], field.schema);
+                name = toModelName(tree.names[field.name], field.schema);
             fields.push_back(fieldOf(name, field.schema, record.record));
         }
     }
@@ -215,7 +216,7 @@ void JsonTypes::declareMembers(Index holder, bool asCandidates)
         if (asCandidates)
             addCandidate(schema, tree.key(at));
         else
-            shapeOf(schema, fit(tree.key(at), at));
+            shapeOf(schema, toModelName(tree.key(at), at));
     }
 }
 
@@ -223,13 +224,13 @@ void JsonTypes::addCandidate(Index schema, std::string_view name)
 {
     schema = tree.target(schema);
     const std::string_view own = nameOf(schema);
-    const std::string_view called = own.empty() ? fit(name, schema) : own;
+    const std::string_view called = own.empty() ? toModelName(name, schema) : own;
     addCandidate(shapeOf(schema, called), called, tree.placeOf(schema));
 }
 
 void JsonTypes::addBody(Index schema, const CString& name)
 {
-    const std::string_view called = fit(name, schema);
+    const std::string_view called = toModelName(name, schema);
     if (const Shape shape = shapeOf(schema, called); shape.type.kind == SourceTypes::kindRecord)
         addCandidate(shape, called, tree.placeOf(tree.target(schema)));
 }

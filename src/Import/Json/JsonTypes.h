@@ -52,8 +52,12 @@ public:
 
     /// Returns a name with what types can't have replaced; a changed name is reported. The view lives as long as the
     /// types.
-    std::string_view fit(std::string_view name, Index place) { return fit(name, tree.placeOf(place), types, report); }
-    static std::string_view fit(std::string_view name, SourcePlace place, SourceTypes& types, SourceReport& report);
+    std::string_view toModelName(std::string_view name, Index place)
+    {
+        return toModelName(name, tree.placeOf(place), types, report);
+    }
+    static std::string_view toModelName(std::string_view name, SourcePlace place, SourceTypes& types,
+                                        SourceReport& report);
 
 private:
     struct Pending

@@ -104,7 +104,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
     }
     columns.Close();
     if (read.empty())
-        report.add(isThere(tableName) ? SourceReport::emptyTable : SourceReport::tableGone, place, tableName);
+        report.add(tableExists(tableName) ? SourceReport::emptyTable : SourceReport::tableGone, place, tableName);
     else
         reportTables(tableName, read);
 }
@@ -118,7 +118,7 @@ const TableName* ODBCMessage::exactTable(const CString& tableName) const
     return nullptr;
 }
 
-bool ODBCMessage::isThere(const CString& tableName) const
+bool ODBCMessage::tableExists(const CString& tableName) const
 {
     CTables tables(mainWindow ? mainWindow->queryDatabase() : nullptr);
     return !tables.Open(nullptr, nullptr, tableName.c_str(), nullptr) || !tables.IsEOF();

@@ -52,7 +52,7 @@ public:
 private:
     void createFromTable(CColumns& columns, const CString& tableName, const CString& basePath);
     const TableName* exactTable(const CString& tableName) const;
-    bool isThere(const CString& tableName) const;
+    bool tableExists(const CString& tableName) const;
     void reportTables(const CString& tableName, const std::set<TableName>& read);
     void reportUnnamed();
 

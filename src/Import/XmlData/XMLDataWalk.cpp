@@ -16,7 +16,7 @@ void XMLDataWalk::beginDocument(std::uint32_t number)
 }
 
 // With several documents, the first tag by name is the root, whatever their order.
-void XMLDataWalk::takeRoot(CString tag)
+void XMLDataWalk::setRootTag(CString tag)
 {
     if (rootTag.empty() || tag < rootTag)
         rootTag = std::move(tag);
@@ -32,11 +32,11 @@ void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
 {
     const bool isRoot = !open.back().item;
     if (isRoot)
-        takeRoot(name.prefix ? CString(name.prefix) + ":" + name.local : name.local);
+        setRootTag(name.prefix ? CString(name.prefix) + ":" + name.local : name.local);
     Pair& child = pairOf(open.back().item, name.local, false);
-    occur(child);
+    addOccurrence(child);
     for (std::size_t i = 0; i < attributes.size(); ++i)
-        occur(pairOf(child.item, attributes[i].name.local, true));
+        addOccurrence(pairOf(child.item, attributes[i].name.local, true));
     if (isRoot)
         open.back().item = child.item;
     else
@@ -61,7 +61,7 @@ std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
     return std::move(declarations);
 }
 
-void XMLDataWalk::occur(Pair& pair)
+void XMLDataWalk::addOccurrence(Pair& pair)
 {
     ++lastMoment;
     Usage& usage = *pair.usage;

@@ -133,8 +133,8 @@ private:
     Pair& addPair(const PairKey& key, std::uint32_t hash);
     Item& itemNamed(CString name);
     Usage& usageOf(const Fingerprint& key);
-    void takeRoot(CString tag);
-    void occur(Pair& pair);
+    void setRootTag(CString tag);
+    void addOccurrence(Pair& pair);
     void beginUsage(Pair& pair);
     void repeatUsage(Usage& usage, Pair& pair);
     void keep(Usage& usage);

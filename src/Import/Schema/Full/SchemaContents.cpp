@@ -243,7 +243,7 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint
             set.refuse(std::to_string(kMaxFields) + " fields");
         return;
     }
-    if (!sayTheSame(field->declaration, declaration))
+    if (!areEquivalent(field->declaration, declaration))
         set.note(SourceReport::mergedByName, declaration);
     if (field->documentation == 0)
         field->documentation = documentation;
@@ -254,7 +254,7 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint
 }
 
 // Returns whether two declarations of one name have the same type, as far as that can be told without reading it.
-bool SchemaContents::sayTheSame(Index one, Index other) const
+bool SchemaContents::areEquivalent(Index one, Index other) const
 {
     if (one == other || one == 0 || other == 0)
         return true;
@@ -329,7 +329,7 @@ void SchemaContents::visitAttribute(Index attribute)
 void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation)
 {
     SchemaField* field = attributes.find(name);
-    if (field && attributes.positionOf(*field) >= inherited && !sayTheSame(field->declaration, declaration))
+    if (field && attributes.positionOf(*field) >= inherited && !areEquivalent(field->declaration, declaration))
         set.note(SourceReport::mergedByName, declaration);
     if (field)
         *field = {isProhibited ? SchemaName() : name, declaration, SourceTypes::roleAttribute, false, documentation};

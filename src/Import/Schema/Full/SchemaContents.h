@@ -77,7 +77,7 @@ private:
     void walkAttributes(Index holder);
     void visitAttribute(Index attribute);
     void addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation);
-    bool sayTheSame(Index one, Index other) const;
+    bool areEquivalent(Index one, Index other) const;
     Content keep();
 
     SchemaSet& set;
