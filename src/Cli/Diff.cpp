@@ -254,7 +254,7 @@ CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
         ->type_name("ID")
         ->allow_extra_args(false)
         ->check([](const CString& id) {
-            return changeCalled(id) == TypeChange::idCount ? "no change is called " + id : CString();
+            return changeNamed(id) == TypeChange::idCount ? "no change is called " + id : CString();
         })
         ->needs(diff);
     app.add_flag("--ignore-folders", options.ignoreFolders, "Accept another base path or main element")->needs(diff);

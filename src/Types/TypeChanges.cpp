@@ -256,7 +256,7 @@ bool breaks(TypeChange::Id id, Reader reader)
            (reader != Reader::readers && kChanges[id].breaksWriters);
 }
 
-TypeChange::Id changeCalled(std::string_view text)
+TypeChange::Id changeNamed(std::string_view text)
 {
     const auto* const row = std::ranges::find(kChanges, text, &ChangeRow::id);
     return static_cast<TypeChange::Id>(row - std::begin(kChanges));

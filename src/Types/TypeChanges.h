@@ -49,7 +49,7 @@ const char* idOf(TypeChange::Id id);
 bool breaks(TypeChange::Id id, Reader reader);
 
 /// Returns the change with that id, idCount if there is none.
-TypeChange::Id changeCalled(std::string_view text);
+TypeChange::Id changeNamed(std::string_view text);
 
 /// One folder for each side. Types are compared by their names below it.
 struct TypeFolders

@@ -176,9 +176,9 @@ TypeContent TypeStructure::contentOf(const TypePart& part) const
 
 // Calls `action` with each type that is one step away.
 template <class Action>
-void TypeStructure::forEachReached(std::uint32_t type, Way way, const Action& action) const
+void TypeStructure::forEachNeighbour(std::uint32_t type, Direction direction, const Action& action) const
 {
-    if (way == Way::uses) {
+    if (direction == Direction::uses) {
         for (const TypePart& part : parts(type))
             if (const std::uint32_t held = contentOf(part).type; held != kNone)
                 action(held);
@@ -194,22 +194,22 @@ void TypeStructure::forEachReached(std::uint32_t type, Way way, const Action& ac
                 holders.push_back(user);
 }
 
-std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t limit, bool& isWhole, Way way,
-                                                std::size_t depth) const
+std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t limit, bool& isWhole,
+                                                Direction direction, std::size_t depth) const
 {
     std::vector<std::uint32_t> reached{start};
     std::vector<bool> isReached(size());
     isReached[start] = true;
     isWhole = true;
-    for (const Way each : {Way::uses, Way::users}) {
-        if (way != each && way != Way::both)
+    for (const Direction each : {Direction::uses, Direction::users}) {
+        if (direction != each && direction != Direction::both)
             continue;
         std::vector<bool> isSeen(size());
         isSeen[start] = true;
         std::vector<std::uint32_t> level{start}, next;
         for (std::size_t step = 0; step < depth && !level.empty(); ++step, level.swap(next), next.clear())
             for (std::size_t at = 0; at < level.size() && isWhole; ++at)
-                forEachReached(level[at], each, [&](std::uint32_t type) {
+                forEachNeighbour(level[at], each, [&](std::uint32_t type) {
                     if (!isWhole || isSeen[type])
                         return;
                     isSeen[type] = true;

@@ -77,7 +77,7 @@ public:
     TypeContent contentOf(const TypePart& part) const;
 
     /// The directions of reach().
-    enum class Way
+    enum class Direction
     {
         uses,  ///< to the types of its parts
         users, ///< to the types that use it
@@ -89,8 +89,8 @@ public:
     /// Returns the types that `start` reaches in at most `depth` steps, itself first, then the nearest first. Tables
     /// and arrays on the way are no steps and not in the result. Returns at most `limit` types; `isWhole` is set to
     /// false if there are more.
-    std::vector<std::uint32_t> reach(std::uint32_t start, std::size_t limit, bool& isWhole, Way way = Way::uses,
-                                     std::size_t depth = kAnyDepth) const;
+    std::vector<std::uint32_t> reach(std::uint32_t start, std::size_t limit, bool& isWhole,
+                                     Direction direction = Direction::uses, std::size_t depth = kAnyDepth) const;
 
 private:
     struct Type
@@ -102,7 +102,7 @@ private:
     };
 
     template <class Action>
-    void forEachReached(std::uint32_t type, Way way, const Action& action) const;
+    void forEachNeighbour(std::uint32_t type, Direction direction, const Action& action) const;
     TypePart partOf(const Element& child, const Element& record) const;
     std::uint32_t numberOf(const Element& child, const Element& record) const;
     void collectUsers() const;

@@ -256,7 +256,7 @@ TEST(PictureOfTypes, LeadsFromTypeToTypeAndSelectsThem)
     EXPECT_EQ(desk.selected(), "d");
     QTest::keyClick(&desk.view(), Qt::Key_Return);
     EXPECT_EQ(desk.title() + ": " + desk.status(), "d - Typeforge picture: No other type");
-    desk.choose("way", 1);
+    desk.choose("direction", 1);
     desk.choose("depth", 0);
     EXPECT_EQ(desk.status(), "2 types; a double click on one goes on from there.");
     desk.enter(1);

@@ -79,7 +79,7 @@ QHBoxLayout* DiagramWindow::makeChoiceRow()
         row->addWidget(combo);
         return combo;
     };
-    way = addCombo("way", tr("S&how:"), {tr("What it uses"), tr("Who uses it"), tr("Both")});
+    direction = addCombo("direction", tr("S&how:"), {tr("What it uses"), tr("Who uses it"), tr("Both")});
     depth = addCombo("depth", tr("&Depth:"), {"1", "2", "3", tr("Any")});
     depth->setCurrentIndex(kAllDepths);
     return row;
@@ -163,7 +163,7 @@ void DiagramWindow::open(std::uint32_t type)
     structure.lock()->reach(type, kManyTypes, isWhole);
     if (!isWhole) {
         depth->setCurrentIndex(0);
-        way->setCurrentIndex(static_cast<int>(TypeStructure::Way::both));
+        direction->setCurrentIndex(static_cast<int>(TypeStructure::Direction::both));
     }
     if (draw(type))
         show();
@@ -180,7 +180,7 @@ bool DiagramWindow::draw(std::uint32_t type)
                                                                   : static_cast<std::size_t>(depth->currentIndex()) + 1;
     bool isWhole = true;
     const std::vector<std::uint32_t> around =
-        types->reach(type, kMostTypes, isWhole, TypeStructure::Way(way->currentIndex()), steps);
+        types->reach(type, kMostTypes, isWhole, TypeStructure::Direction(direction->currentIndex()), steps);
     const TypeGraph graph(*types, around, kMostRows);
     std::shared_ptr<const Diagram> drawn;
     const bool isDone = runLong([&, tones = palette(), letters = font()] {
@@ -191,7 +191,7 @@ bool DiagramWindow::draw(std::uint32_t type)
     if (!isDone)
         return false;
     shown = type;
-    shownWay = way->currentIndex();
+    shownDirection = direction->currentIndex();
     shownDepth = depth->currentIndex();
     diagram = drawn;
     name = toUi(shortName(types->queryFullName(type)));
@@ -217,7 +217,7 @@ void DiagramWindow::redraw()
 {
     if (draw(shown))
         return;
-    way->setCurrentIndex(shownWay);
+    direction->setCurrentIndex(shownDirection);
     depth->setCurrentIndex(shownDepth);
 }
 
@@ -251,7 +251,7 @@ bool DiagramWindow::areTypesThere()
 {
     if (!structure.expired())
         return true;
-    for (QWidget* control : std::initializer_list<QWidget*>{backButton, depth, way})
+    for (QWidget* control : std::initializer_list<QWidget*>{backButton, depth, direction})
         control->setEnabled(false);
     status->setText(tr("These types were imported anew, or left; the picture is of those before."));
     return false;

@@ -52,15 +52,15 @@ private:
     bool wantsSvgInstead();
 
     std::weak_ptr<const TypeStructure> structure;
-    std::vector<std::uint32_t> earlier; // types shown before, for Back
-    std::uint32_t shown = 0;            // the type shown
-    int shownWay = 0, shownDepth = 0;   // the choices of the shown picture
+    std::vector<std::uint32_t> earlier;     // types shown before, for Back
+    std::uint32_t shown = 0;                // the type shown
+    int shownDirection = 0, shownDepth = 0; // the choices of the shown picture
     std::shared_ptr<const Diagram> diagram;
     QString name; // of the shown type
     DiagramView* view;
     QLabel* status;
     ComboBox* depth;
-    ComboBox* way;
+    ComboBox* direction;
     QPushButton* backButton;
     QWidget* buttons;
     QWidget* work; // shown instead of the buttons during long work
