@@ -29,7 +29,7 @@ struct CreatedType
     /// The source and time of the type that existed before; empty if unknown.
     CString source = {};
     CString time = {};
-    bool isSourceKept = false; ///< false if the repository stores no sources
+    bool isSourceStored = false; ///< false if the repository stores no sources
 };
 
 /// What to do with types that exist.

@@ -51,8 +51,8 @@ CString overwriteQuestion(const Element& type)
 
 } // namespace
 
-CreationRun::CreationRun(BrokerSession& openSession, Callbacks surroundings, CreationOptions runOptions) :
-    session(openSession), callbacks(std::move(surroundings)), options(std::move(runOptions))
+CreationRun::CreationRun(BrokerSession& openSession, Callbacks newCallbacks, CreationOptions runOptions) :
+    session(openSession), callbacks(std::move(newCallbacks)), options(std::move(runOptions))
 {}
 
 int CreationRun::run(MsgBase& message)
@@ -63,7 +63,7 @@ int CreationRun::run(MsgBase& message)
         if (!isCancelled)
             next += createNext(next);
         else
-            addLeft(*types[next++]);
+            addCancelled(*types[next++]);
     }
     if (!isCancelled)
         reportProgress(progress);
@@ -75,7 +75,7 @@ void CreationRun::begin(MsgBase& message)
 {
     errorCount = 0;
     yesToAll = noToAll = isCancelled = false;
-    sourcesKept = true;
+    sourcesStored = true;
     otherSources.clear();
     sourceIndex.clear();
     window = 1;
@@ -103,7 +103,7 @@ std::size_t CreationRun::createNext(std::size_t first)
     window = isWhole && session.hasCreation() ? std::min(2 * window, kLargestWindow) : 1;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         isCancelled = i > 0 && (isCancelled || !reportProgress(progress));
-        settle(*types[first + i], documents[i], outcomes[i]);
+        recordOutcome(*types[first + i], documents[i], outcomes[i]);
         ++progress.done;
     }
     return outcomes.size();
@@ -125,7 +125,7 @@ std::vector<CreatedType> CreationRun::createWindow(std::size_t first)
 
 VornExisting CreationRun::ruleFor(bool isUnchanged) const
 {
-    if (noToAll || (isUnchanged && options.leavesUnchanged))
+    if (noToAll || (isUnchanged && options.keepsUnchanged))
         return VornExisting::keep;
     return yesToAll ? VornExisting::replace : VornExisting::stop;
 }
@@ -139,19 +139,19 @@ bool CreationRun::isOpen(const CreatedType& outcome) const
     return (isUnchanged || outcome.code == CreatedType::exists) && ruleFor(isUnchanged) == VornExisting::stop;
 }
 
-void CreationRun::settle(const Element& type, const CString& document, CreatedType outcome)
+void CreationRun::recordOutcome(const Element& type, const CString& document, CreatedType outcome)
 {
     try {
         if (!isCancelled)
             outcome = decide(type, document, std::move(outcome));
         if (isCancelled && isOpen(outcome))
-            return addLeft(type);
+            return addCancelled(type);
     } catch (const ClientError& error) {
         return addFailure(type, error.what());
     }
     noteSource(outcome);
     const bool isUnchanged = outcome.code == CreatedType::unchanged;
-    if (isUnchanged && options.leavesUnchanged)
+    if (isUnchanged && options.keepsUnchanged)
         return callbacks.addResult(type.queryName() + " unchanged", ResultKind::unchanged);
     const ResultLine& line = resultLineOf(isUnchanged ? CreatedType::exists : outcome.code);
     const bool isNameAlone = options.isDryRun && outcome.code != CreatedType::refused;
@@ -172,7 +172,7 @@ CreatedType CreationRun::decide(const Element& type, const CString& document, Cr
             break;
         const VornExisting yes = yesToAll ? VornExisting::replace : VornExisting::replaceFound;
         outcome =
-            session.createTypes({document}, options.source.name, {yes, options.leavesUnchanged ? ruleFor(true) : yes})
+            session.createTypes({document}, options.source.name, {yes, options.keepsUnchanged ? ruleFor(true) : yes})
                 .front();
         if (!session.hasCreation())
             break;
@@ -182,14 +182,14 @@ CreatedType CreationRun::decide(const Element& type, const CString& document, Cr
 
 bool CreationRun::isOtherSource(const CreatedType& outcome) const
 {
-    return session.hasCreation() && !(outcome.isSourceKept && options.source.isSame(outcome.source));
+    return session.hasCreation() && !(outcome.isSourceStored && options.source.isSame(outcome.source));
 }
 
 CString CreationRun::detailsOf(const CreatedType& outcome) const
 {
     if (outcome.code != CreatedType::exists || !isOtherSource(outcome))
         return {};
-    if (!outcome.isSourceKept)
+    if (!outcome.isSourceStored)
         return "The repository keeps no sources of types.";
     if (outcome.source.empty())
         return "The source of the existing type is not known.";
@@ -201,7 +201,7 @@ void CreationRun::noteSource(const CreatedType& outcome)
     const bool isReplaced = outcome.code == CreatedType::replaced;
     if ((!isReplaced && outcome.code != CreatedType::exists) || !isOtherSource(outcome))
         return;
-    sourcesKept = sourcesKept && outcome.isSourceKept;
+    sourcesStored = sourcesStored && outcome.isSourceStored;
     const auto [place, isNew] = sourceIndex.emplace(outcome.source, otherSources.size());
     if (isNew)
         otherSources.push_back({outcome.source});
@@ -216,9 +216,9 @@ void CreationRun::addFailure(const Element& type, const CString& reason)
     ++errorCount;
 }
 
-void CreationRun::addLeft(const Element& type)
+void CreationRun::addCancelled(const Element& type)
 {
-    callbacks.addResult(type.queryName() + " not created, since the creation was cancelled", ResultKind::left);
+    callbacks.addResult(type.queryName() + " not created, since the creation was cancelled", ResultKind::cancelled);
 }
 
 void CreationRun::finish()

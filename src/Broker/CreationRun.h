@@ -28,9 +28,9 @@ enum class OverwriteChoice : int
 /// The options of a creation run.
 struct CreationOptions
 {
-    TypeSource source = {};       ///< of the types
-    bool leavesUnchanged = false; ///< keep a type that exists with the same document, without asking
-    bool isDryRun = false;        ///< nothing is created; result lines are only the names of the types
+    TypeSource source = {};      ///< of the types
+    bool keepsUnchanged = false; ///< keep a type that exists with the same document, without asking
+    bool isDryRun = false;       ///< nothing is created; result lines are only the names of the types
 };
 
 /// Counts the types that existed from another source with another document.
@@ -67,13 +67,13 @@ public:
     const std::vector<OtherSource>& queryOtherSources() const { return otherSources; }
 
     /// Returns false if the last run found types in a repository that stores no sources.
-    bool areSourcesKept() const { return sourcesKept; }
+    bool areSourcesStored() const { return sourcesStored; }
 
 private:
     void begin(MsgBase& message);
     std::size_t createNext(std::size_t first);
     std::vector<CreatedType> createWindow(std::size_t first);
-    void settle(const Element& type, const CString& document, CreatedType outcome);
+    void recordOutcome(const Element& type, const CString& document, CreatedType outcome);
     CreatedType decide(const Element& type, const CString& document, CreatedType outcome);
     VornExisting ruleFor(bool isUnchanged) const;
     bool isOpen(const CreatedType& outcome) const;
@@ -81,7 +81,7 @@ private:
     CString detailsOf(const CreatedType& outcome) const;
     void noteSource(const CreatedType& outcome);
     void addFailure(const Element& type, const CString& reason);
-    void addLeft(const Element& type);
+    void addCancelled(const Element& type);
     void finish();
 
     BrokerSession& session;
@@ -93,7 +93,7 @@ private:
     Progress progress;
     std::vector<OtherSource> otherSources;
     std::map<CString, std::size_t> sourceIndex; // indices into otherSources
-    bool sourcesKept = true;
+    bool sourcesStored = true;
     int errorCount = 0;
     bool yesToAll = false;
     bool noToAll = false;

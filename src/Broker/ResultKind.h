@@ -8,7 +8,7 @@ enum class ResultKind
     skipped,
     unchanged, ///< it exists with the same document
     failed,
-    left,   ///< not created, because the run was cancelled
-    reason, ///< of the failure in the line before
-    unknown ///< the client returned an unknown code
+    cancelled, ///< not created, because the run was cancelled
+    reason,    ///< of the failure in the line before
+    unknown    ///< the client returned an unknown code
 };

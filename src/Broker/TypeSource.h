@@ -7,14 +7,14 @@
 /// The source of types, as a repository stores it.
 struct TypeSource
 {
-    CString name = {};     ///< full name of a file, or connection string without secrets; empty if none
-    bool isLasting = true; ///< false for a pipe: next time the same name means another source
+    CString name = {};        ///< full name of a file, or connection string without secrets; empty if none
+    bool isPersistent = true; ///< false for a pipe: next time the same name means another source
 
     /// Returns whether `other`, the stored source of a type, is this source.
-    bool isSame(const CString& other) const { return isLasting && !name.empty() && name == other; }
+    bool isSame(const CString& other) const { return isPersistent && !name.empty() && name == other; }
 };
 
-/// Returns a file or folder as a source, by its full name. Standard input and pipes are not lasting.
+/// Returns a file or folder as a source, by its full name. Standard input and pipes are not persistent.
 TypeSource fileSource(const CString& file);
 
 /// Returns a data source by name as a source. For a connection string, the name is left empty, because it may hold

@@ -28,7 +28,7 @@ CString shippedLibrary()
 
 // Returns whether users other than this one and root could replace a file or folder. In a sticky folder they can't
 // replace what isn't theirs, but they can add libraries to it.
-bool isOpenToOthers(const std::filesystem::path& path, bool mayBeSticky)
+bool isWritableByOthers(const std::filesystem::path& path, bool mayBeSticky)
 {
     struct stat link = {}, state = {};
     if (::lstat(path.c_str(), &link) != 0 || ::stat(path.c_str(), &state) != 0)
@@ -42,24 +42,24 @@ bool isOpenToOthers(const std::filesystem::path& path, bool mayBeSticky)
 
 // Returns the part of the path that lets others replace the library: itself or a folder above; empty if none does. The
 // library runs with the user's rights.
-CString openPartOf(const std::filesystem::path& library)
+CString writablePartOf(const std::filesystem::path& library)
 {
     for (std::filesystem::path part = library; part.has_relative_path(); part = part.parent_path())
-        if (isOpenToOthers(part, part != library && part != library.parent_path()))
+        if (isWritableByOthers(part, part != library && part != library.parent_path()))
             return part;
     return {};
 }
 
 // Returns why a library is not loaded; empty if it may be. Checks the given name and the file that it leads to.
-CString distrust(const CString& library)
+CString untrustedReason(const CString& library)
 {
     if (!library.starts_with('/'))
         return library + ": not the full path of a library";
     std::error_code failed;
-    CString open = openPartOf(library);
-    if (open.empty())
-        open = openPartOf(std::filesystem::canonical(library, failed));
-    return open.empty() ? CString() : library + ": not loaded, since others may write " + open;
+    CString writable = writablePartOf(library);
+    if (writable.empty())
+        writable = writablePartOf(std::filesystem::canonical(library, failed));
+    return writable.empty() ? CString() : library + ": not loaded, since others may write " + writable;
 }
 
 std::optional<CString> namedLibrary(const CString& classId)
@@ -92,8 +92,8 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
     CString ignored;
     CString& why = reason != nullptr ? *reason : ignored;
     const std::optional<CString> named = namedLibrary(kVornServerClass);
-    if (const CString doubt = named ? distrust(*named) : CString(); !doubt.empty()) {
-        why = doubt;
+    if (const CString untrusted = named ? untrustedReason(*named) : CString(); !untrusted.empty()) {
+        why = untrusted;
         return {};
     }
     const CString fileName = named ? *named : shippedLibrary();

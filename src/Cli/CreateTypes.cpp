@@ -51,7 +51,7 @@ OverwriteChoice choose(const CString& overwrite, const CString& question, const 
 }
 
 // Returns what a dry run writes after a type; empty for an unchanged one.
-const char* wouldBe(ResultKind kind, const CString& overwrite)
+const char* dryRunText(ResultKind kind, const CString& overwrite)
 {
     switch (kind) {
     case ResultKind::created:
@@ -88,7 +88,7 @@ void reportOtherSources(const CreationRun& run, const CString& source, bool isKe
         if (kept != 0 && isKeptToo)
             report(typesOf(kept, shown) + (kept == 1 ? " is different" : " are different") + kBasePathHint);
     }
-    if (!run.areSourcesKept())
+    if (!run.areSourcesStored())
         report("the repository keeps no sources of types; it does when the owner of its table has created types");
 }
 
@@ -132,7 +132,7 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
     Output lines("");
     FileCause cause = FileCause::none;
     const auto addLine = [&](const CString& line, ResultKind kind) {
-        lines.write(shownText(line) + (options.isDryRun ? wouldBe(kind, overwrite) : "") + "\n");
+        lines.write(shownText(line) + (options.isDryRun ? dryRunText(kind, overwrite) : "") + "\n");
         cause = lines.commit();
     };
     CreationRun run(session, {choice, addLine}, {source, true, options.isDryRun});

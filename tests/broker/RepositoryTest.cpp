@@ -61,7 +61,7 @@ protected:
     static CString create(BrokerSession& session, const CString& document, const CString& source, VornExisting rule)
     {
         const CreatedType type = session.createTypes({document}, source, {rule, VornExisting::keep}).front();
-        return std::to_string(type.code) + " " + (type.isSourceKept ? type.source : "none kept");
+        return std::to_string(type.code) + " " + (type.isSourceStored ? type.source : "none kept");
     }
 
     Boxes boxes;

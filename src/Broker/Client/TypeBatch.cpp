@@ -11,11 +11,11 @@ namespace {
 // parameters. XML doesn't allow these separators, so they are in no type and no source.
 constexpr char kEnd = '\x01';
 constexpr char kPartEnd = '\x02';
-constexpr char kGive[] = "SELECT length(set_config('typeforge.batch', ?, false)), "
-                         "set_config('typeforge.told', '', false)";
-constexpr char kTake[] = "SELECT current_setting('typeforge.told')";
+constexpr char kSetBatch[] = "SELECT length(set_config('typeforge.batch', ?, false)), "
+                             "set_config('typeforge.told', '', false)";
+constexpr char kReadOutcomes[] = "SELECT current_setting('typeforge.told')";
 
-const char* wordFor(VornExisting rule)
+const char* ruleName(VornExisting rule)
 {
     return rule == VornExisting::replace ? "replace" : rule == VornExisting::keep ? "keep" : "stop";
 }
@@ -24,8 +24,8 @@ CString packed(std::span<const NamedDocument> types, const SourceMark& mark, Exi
 {
     CString text;
     const auto add = [&text](std::string_view part) { text.append(part) += kEnd; };
-    add(wordFor(rules.changed));
-    add(wordFor(rules.unchanged));
+    add(ruleName(rules.changed));
+    add(ruleName(rules.unchanged));
     add(mark.source);
     add(mark.time);
     for (const NamedDocument& type : types) {
@@ -45,11 +45,11 @@ std::string_view takePart(std::string_view& text, char end)
     return part;
 }
 
-std::vector<StoredType> unpacked(std::string_view told)
+std::vector<StoredType> unpacked(std::string_view outcomes)
 {
     std::vector<StoredType> types;
-    while (!told.empty()) {
-        std::string_view type = takePart(told, kEnd);
+    while (!outcomes.empty()) {
+        std::string_view type = takePart(outcomes, kEnd);
         const auto code = static_cast<StoredType::Code>(type.front() - '0');
         type.remove_prefix(1);
         const std::string_view source = takePart(type, kPartEnd);
@@ -61,18 +61,18 @@ std::vector<StoredType> unpacked(std::string_view told)
 } // namespace
 
 TypeBatch::TypeBatch(CDatabase& openOn, const TypeTable& table) :
-    database(openOn), program(batchProgram(table)), give(openOn, kGive), take(openOn, kTake)
+    database(openOn), program(batchProgram(table)), setBatch(openOn, kSetBatch), readOutcomes(openOn, kReadOutcomes)
 {}
 
 std::vector<StoredType> TypeBatch::store(std::span<const NamedDocument> types, const SourceMark& mark,
                                          ExistingRules rules)
 {
-    give.execute({packed(types, mark, rules)});
+    setBatch.execute({packed(types, mark, rules)});
     try {
         database.ExecuteSQL(program);
     } catch (const CDBException&) { // types before the failed one are stored
         if (!database.IsOpen())
             throw;
     }
-    return unpacked(take.execute()[0][0]);
+    return unpacked(readOutcomes.execute()[0][0]);
 }

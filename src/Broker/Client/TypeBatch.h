@@ -22,5 +22,5 @@ public:
 private:
     CDatabase& database;
     const CString program;
-    CStatement give, take;
+    CStatement setBatch, readOutcomes;
 };

@@ -10,7 +10,7 @@
 namespace {
 
 // Fewer types are stored faster one by one, because the server compiles the program for each batch.
-constexpr std::size_t kLeastBatch = 32;
+constexpr std::size_t kMinBatch = 32;
 
 // Commits synchronously, which waits until this and all earlier commits are on disk. The logical message gives the
 // commit something to write. A stronger setting of the administrator than `on` is kept.
@@ -57,7 +57,7 @@ std::vector<StoredType> TypeStore::store(std::span<const NamedDocument> types, c
                                          ExistingRules rules)
 {
     const SourceMark mark = {source, timeNow()};
-    const bool isBatch = hasBatches && !busy && types.size() >= kLeastBatch;
+    const bool isBatch = hasBatches && !busy && types.size() >= kMinBatch;
     if (isBatch)
         if (std::vector<StoredType> stored = storeBatch(types, mark, rules); !stored.empty())
             return stored;
@@ -102,12 +102,12 @@ StoredType TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark
         const bool isSame = same == "1";
         const VornExisting rule = rules.ruleFor(isSame);
         const Found found = {type.name, revision};
-        if (rule == VornExisting::replace || (rule == VornExisting::replaceFound && found == stoppedAt)) {
+        if (rule == VornExisting::replace || (rule == VornExisting::replaceFound && found == lastStopped)) {
             if (!run(update, updateStatement, {type.name, type.document, mark.source, mark.time, revision}).empty())
                 return {StoredType::replaced, {source, time}};
             continue;
         }
-        stoppedAt = found;
+        lastStopped = found;
         return {isSame ? StoredType::unchanged : StoredType::exists, {source, time}};
     }
 }

@@ -56,6 +56,6 @@ private:
     std::unique_ptr<TypeBatch> batch;
     bool hasBatches;                  // the server supports TypeBatch
     std::optional<CDBException> busy; // the error that later calls repeat
-    Found stoppedAt;                  // the type at which the rules stopped last
+    Found lastStopped;                // the type at which the rules stopped last
     bool isPending = false;           // types may not be on the server's disk yet
 };

@@ -24,7 +24,7 @@ namespace {
 
 bool isFailure(ResultKind kind)
 {
-    return kind == ResultKind::failed || kind == ResultKind::reason || kind == ResultKind::left;
+    return kind == ResultKind::failed || kind == ResultKind::reason || kind == ResultKind::cancelled;
 }
 
 } // namespace

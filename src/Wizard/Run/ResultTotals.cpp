@@ -10,8 +10,9 @@
 QString totalsInWords(const std::vector<ResultKind>& kinds)
 {
     static constexpr std::pair<ResultKind, const char*> words[] = {
-        {ResultKind::created, "created"},     {ResultKind::modified, "replaced"}, {ResultKind::skipped, "skipped"},
-        {ResultKind::unchanged, "unchanged"}, {ResultKind::failed, "failed"},     {ResultKind::left, "not created"},
+        {ResultKind::created, "created"}, {ResultKind::modified, "replaced"},
+        {ResultKind::skipped, "skipped"}, {ResultKind::unchanged, "unchanged"},
+        {ResultKind::failed, "failed"},   {ResultKind::cancelled, "not created"},
         {ResultKind::unknown, "unknown"}};
     QStringList parts;
     for (const auto& [kind, word] : words)
