@@ -42,7 +42,7 @@ void refuseEmptyNames(const CLI::App& app)
 }
 
 // Splits the positional arguments into the importer, if the first one names it, and the sources.
-void takeWords(const std::vector<CString>& words, Arguments& arguments)
+void assignOperands(const std::vector<CString>& words, Arguments& arguments)
 {
     if (words.empty())
         throw CLI::RequiredError("SOURCE");
@@ -156,15 +156,15 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         std::ranges::reverse(given); // parse(vector) expects the last argument first
         app.parse(std::move(given));
         refuseEmptyNames(app);
-        takeWords(words, arguments);
+        assignOperands(words, arguments);
         if (arguments.json && !arguments.list && arguments.diff.document.empty())
             throw CLI::ValidationError("--json", "there is no JSON of it without --list or --diff");
         if (arguments.diff.document == "-" && std::ranges::find(arguments.sources, "-") != arguments.sources.end())
             throw CLI::ValidationError("--diff", "standard input can't be the source and the document, too");
         // Without a named importer, this is checked when the importer has been chosen.
-        if (const CString mistake = arguments.importer ? mistakeFor(arguments, *arguments.importer) : "";
-            !mistake.empty())
-            throw CLI::ValidationError(mistake);
+        if (const CString usageError = arguments.importer ? usageErrorFor(arguments, *arguments.importer) : "";
+            !usageError.empty())
+            throw CLI::ValidationError(usageError);
     } catch (const CLI::Success& end) {
         std::ostringstream text;
         exitStatus = app.exit(end, text, text);
@@ -173,11 +173,11 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         if (!output.finish())
             exitStatus = kNotWritten;
         return false;
-    } catch (const CLI::ParseError& mistake) {
-        exitStatus = reportMistake(mistake.what());
+    } catch (const CLI::ParseError& usageError) {
+        exitStatus = reportUsageError(usageError.what());
         return false;
     } catch (const std::runtime_error& unreadable) {
-        exitStatus = reportMistake(unreadable.what());
+        exitStatus = reportUsageError(unreadable.what());
         return false;
     }
     arguments.diff.asJson = arguments.json;
@@ -188,13 +188,13 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     return true;
 }
 
-CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
+CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importer)
 {
     const CString word = importer.querySource().word;
     if (arguments.full.isWanted && !importer.readsSets())
         return "--full: " + word + " has no full reading";
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, importer));
-    if (const char* const option = arguments.full.optionOfFull(); *option != 0 && !readsInFull(*message))
+    if (const char* const option = arguments.full.optionOfFull(); *option != 0 && !supportsFullReading(*message))
         return CString(option) + " requires --full";
     if (!arguments.full.catalogs.empty() && !importer.readsSets())
         return "--catalog: " + word + " reads no catalogues";
@@ -215,9 +215,9 @@ CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer)
     return {};
 }
 
-int reportMistake(std::string_view mistake)
+int reportUsageError(std::string_view usageError)
 {
-    report(mistake);
+    report(usageError);
     std::fputs("Try typeforge-import --help\n", stderr);
     return kUsage;
 }

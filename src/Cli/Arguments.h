@@ -54,7 +54,7 @@ struct Arguments
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus);
 
 /// Returns why the command line is invalid for this importer; empty if it is valid.
-CString mistakeFor(const Arguments& arguments, const MsgUIDescriptor& importer);
+CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importer);
 
 /// Reports an invalid command line to standard error. Returns kUsage.
-int reportMistake(std::string_view mistake);
+int reportUsageError(std::string_view usageError);

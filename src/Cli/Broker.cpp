@@ -26,7 +26,7 @@ bool hasNoContent(const CString& document)
 
 } // namespace
 
-CString mistakeInAddress(const CString& address)
+CString addressError(const CString& address)
 {
     return readServerAddress(address, kDefaultPort) ? "" : "not SERVER or SERVER:PORT: " + address;
 }

@@ -7,7 +7,7 @@ class MsgBase;
 struct LogonOptions;
 
 /// Returns why an address is invalid; empty if it is valid. A validator of options.
-CString mistakeInAddress(const CString& address);
+CString addressError(const CString& address);
 
 /// Opens the repository of a broker, only for reading if `isForReading`. Without a user in `logon` the current user
 /// logs on. Returns false if it can't be opened, which has been reported.

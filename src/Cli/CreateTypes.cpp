@@ -99,7 +99,7 @@ void addCreateOptions(CLI::App& app, CreateOptions& options)
     CLI::Option* const create =
         app.add_option("--create", options.address, "Create the types in the broker at this address")
             ->type_name("SERVER[:PORT]")
-            ->check(CLI::Validator(mistakeInAddress, ""))
+            ->check(CLI::Validator(addressError, ""))
             ->excludes("--output", "--list", "--type", "--graph", "--diff");
     app.add_flag("--trusted", options.trusted, "Log on as the current user (default)")
         ->needs(create)

@@ -29,7 +29,7 @@ CString escaped(const CString& name)
     return out;
 }
 
-bool canBeNamed(const CString& name)
+bool isMakefileName(const CString& name)
 {
     return name.find_first_of("\r\n") == CString::npos;
 }
@@ -63,7 +63,7 @@ bool writeDependencies(const SourceReport& report, const CString& target, const 
     CString rule = escaped(target) + ":";
     CString phony;
     for (const CString& file : files) {
-        if (!canBeNamed(file) || !canBeNamed(target)) {
+        if (!isMakefileName(file) || !isMakefileName(target)) {
             ::report("can't write " + options.file + ": no rule can hold the name of a file with a line break");
             return false;
         }

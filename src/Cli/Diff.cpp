@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr int kSame = 0, kDifferent = 1, kTrouble = 2;
+constexpr int kSame = 0, kDifferent = 1, kFailure = 2;
 
 Reader readerOf(const DiffOptions& options)
 {
@@ -134,10 +134,10 @@ private:
         return CString("{\"id\":\"") + idOf(change.id) + "\",\"change\":\"" + CString(sortOf(change.id)) + "\"" +
                member("what", change.what) + member("name", nameOf(change)) + ",\"place\":{\"type\":" + type +
                ",\"part\":" + part + "}" + member("from", change.from) + member("to", change.to) + ",\"breaks\":[" +
-               brokenBy(change.id) + "],\"allowed\":" + (isAllowed(change) ? "true" : "false") + "}";
+               brokenSides(change.id) + "],\"allowed\":" + (isAllowed(change) ? "true" : "false") + "}";
     }
 
-    static CString brokenBy(TypeChange::Id id)
+    static CString brokenSides(TypeChange::Id id)
     {
         const bool readers = breaks(id, Reader::readers), writers = breaks(id, Reader::writers);
         return CString(readers ? "\"readers\"" : "") + (readers && writers ? "," : "") + (writers ? "\"writers\"" : "");
@@ -229,7 +229,7 @@ bool compare(MsgBase& message, const CString& document, const DiffOptions& optio
     if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository())
         diagnostics.add({document, "it is no document of types"});
     else
-        nameLosses(earlier.queryReport(), report, diagnostics, document);
+        reportLosses(earlier.queryReport(), report, diagnostics, document);
     if (diagnostics.hasErrors())
         return false;
     differences.compare(TypeStructure(earlier), TypeStructure(message));
@@ -244,7 +244,7 @@ CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
         app.add_option("--diff", options.document, "Compare with this document, or broker:SERVER[:PORT]")
             ->type_name("FILE")
             ->check([](const CString& document) {
-                return document.starts_with(kBroker) ? mistakeInAddress(document.substr(kBroker.size())) : "";
+                return document.starts_with(kBroker) ? addressError(document.substr(kBroker.size())) : "";
             });
     app.add_option("--compatible", options.compatible, "Whom changes must not break (default: readers)")
         ->type_name("readers|writers|both")
@@ -268,9 +268,9 @@ int diffTypes(MsgBase& message, const DiffOptions& options, const ReportOptions&
     Differences differences(options);
     const bool isEqual = !options.isRepository() && isDocumentOf(message, document);
     if (!isEqual && !compare(message, document, options, report, diagnostics, differences))
-        return kTrouble;
+        return kFailure;
     options.asJson ? differences.writeJson(output) : differences.writeText(output);
     if (!output.finish())
-        return kTrouble;
+        return kFailure;
     return differences.areSame() ? kSame : kDifferent;
 }

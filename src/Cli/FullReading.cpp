@@ -71,7 +71,7 @@ const char* FullOptions::optionOfFull() const
                                : "";
 }
 
-CString FullOptions::mistakeFor(std::size_t sourceCount) const
+CString FullOptions::usageErrorFor(std::size_t sourceCount) const
 {
     const bool isByNamespace = layout == "namespace" || (layout.empty() && sourceCount > 1);
     const CString option = mergesEqual ? "--merge-equal" : !folders.empty() ? "--folder" : "";
@@ -124,14 +124,14 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
     return message;
 }
 
-bool readsInFull(const MsgBase& importer)
+bool supportsFullReading(const MsgBase& importer)
 {
     return dynamic_cast<const FullMessage*>(&importer) != nullptr;
 }
 
-void nameMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics)
+void warnOfMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics)
 {
-    if (!readsInFull(message) || !message.queryDescriptor()->readsSets())
+    if (!supportsFullReading(message) || !message.queryDescriptor()->readsSets())
         return;
     for (const CString& reference : environmentCatalogs()) {
         const CString path = localPath(reference);
@@ -155,7 +155,7 @@ void suggestSectionEntities(const MsgBase& message, Diagnostics& diagnostics)
                         "=INCLUDE reads one" + (others.empty() ? "" : ", others go by " + others));
 }
 
-void nameUnusedOptions(const MsgBase& message, Diagnostics& diagnostics)
+void warnOfUnusedOptions(const MsgBase& message, Diagnostics& diagnostics)
 {
     const auto* const full = dynamic_cast<const FullMessage*>(&message);
     if (!full)

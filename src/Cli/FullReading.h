@@ -28,26 +28,26 @@ struct FullOptions
     const char* optionOfFull() const;
 
     /// Returns why an option has no effect on this number of sources; "" if all have one.
-    CString mistakeFor(std::size_t sourceCount) const;
+    CString usageErrorFor(std::size_t sourceCount) const;
 };
 
 /// Adds --full and its options.
 void addFullOptions(CLI::App& app, FullOptions& options);
 
 /// Returns whether an importer reads by all rules of its language.
-bool readsInFull(const MsgBase& importer);
+bool supportsFullReading(const MsgBase& importer);
 
 /// Returns a new importer, configured by `options`. The caller owns it.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer);
 
 /// After a full reading that uses catalogues, warns about those of the environment that can't be read.
-void nameMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics);
+void warnOfMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics);
 
 /// If all sections of the source were left out, notes which entities would include some.
 void suggestSectionEntities(const MsgBase& message, Diagnostics& diagnostics);
 
 /// Warns about each --folder and --entity that the source has no use for.
-void nameUnusedOptions(const MsgBase& message, Diagnostics& diagnostics);
+void warnOfUnusedOptions(const MsgBase& message, Diagnostics& diagnostics);
 
 /// Warns if the full reading supports more of what the source uses, and names it.
 void suggestFullReading(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);

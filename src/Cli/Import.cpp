@@ -42,7 +42,7 @@ Element* findType(MsgBase& message, const CString& asked)
 }
 
 // Warns if the root element isn't named after the main type, because not every type name is an XML name.
-void warnOfTag(const MsgBase& message, Diagnostics& diagnostics)
+void warnOfChangedTag(const MsgBase& message, Diagnostics& diagnostics)
 {
     const CString mainType = message.queryMainTypeName(), tag = message.queryFrameTag();
     if (tag != mainType && !mainType.empty())
@@ -75,14 +75,14 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     } else {
         if (!arguments.always && !isTimeFixed()) // a new time of generation alone is no change
             output.keepUnchanged(static_cast<off_t>(kBeforeTime.size()), static_cast<off_t>(kTimeLength));
-        warnOfTag(message, diagnostics);
+        warnOfChangedTag(message, diagnostics);
         message.writeXML([&output](std::string_view piece) { output.write(piece); });
     }
     return output.finish() ? kDone : kNotWritten;
 }
 
 // Reports an import without types. It nearly always means a wrong file or importer, so the error names a better one.
-void nameEmpty(const MsgUIDescriptor& importer, const CString& file, Diagnostics& diagnostics)
+void reportNoTypes(const MsgUIDescriptor& importer, const CString& file, Diagnostics& diagnostics)
 {
     const bool isFile = !importer.querySource().readsTables;
     const MsgUIDescriptor* const other = isFile ? importerFor(file) : nullptr;
@@ -111,14 +111,14 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     else
         message.parseFile(files.front(), basePath);
     diagnostics.finish();
-    nameLosses(message.queryReport(), arguments.report, diagnostics);
-    nameMissingCatalogs(message, diagnostics);
+    reportLosses(message.queryReport(), arguments.report, diagnostics);
+    warnOfMissingCatalogs(message, diagnostics);
     suggestSectionEntities(message, diagnostics);
     if (!diagnostics.hasErrors())
-        nameUnusedOptions(message, diagnostics);
+        warnOfUnusedOptions(message, diagnostics);
     const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
-        nameEmpty(importer, files.front(), diagnostics);
+        reportNoTypes(importer, files.front(), diagnostics);
     if (!arguments.full.isWanted && (isEmpty || diagnostics.hasLiteralError()))
         suggestFullReading(importer, files.front(), diagnostics);
     return !diagnostics.hasErrors();
@@ -173,7 +173,7 @@ CString conflictingOutput(const Arguments& arguments, const std::vector<CString>
 }
 
 // Replaces folders by their files. If a single folder is given, it names the set.
-void takeFolders(Arguments& arguments)
+void expandFolders(Arguments& arguments)
 {
     const MsgUIDescriptor* const importer = arguments.importer;
     if (!arguments.full.isWanted && !(importer && importer->readsFolders() && !importer->hasFull()))
@@ -204,26 +204,26 @@ int createOnBroker(MsgBase& message, const MsgUIDescriptor& importer, const CStr
 int runImport(Arguments arguments)
 {
     const ProgressLine progressLine;
-    if (const CString mistake = mistakeInEpoch(); !mistake.empty())
-        return reportMistake(mistake);
+    if (const CString usageError = epochError(); !usageError.empty())
+        return reportUsageError(usageError);
     const CString source = arguments.sources.front();
-    takeFolders(arguments);
+    expandFolders(arguments);
     const std::vector<CString> files = sourceFiles(arguments);
     Diagnostics diagnostics(shownSource(files.front()), arguments.verbosity);
     const MsgUIDescriptor* const importer = arguments.importer ? arguments.importer : importerOf(files, diagnostics);
     if (!importer)
         return failedStatus;
-    if (const CString mistake = mistakeFor(arguments, *importer); !mistake.empty())
-        return reportMistake(mistake);
-    if (const CString mistake = arguments.full.mistakeFor(files.size()); !mistake.empty())
-        return reportMistake(mistake);
+    if (const CString usageError = usageErrorFor(arguments, *importer); !usageError.empty())
+        return reportUsageError(usageError);
+    if (const CString usageError = arguments.full.usageErrorFor(files.size()); !usageError.empty())
+        return reportUsageError(usageError);
     if (const CString file = conflictingOutput(arguments, files); !file.empty())
-        return reportMistake(file + ": it would be read and written, or written twice");
+        return reportUsageError(file + ": it would be read and written, or written twice");
     TableSource tables;
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, *importer));
-    const bool isThere = importSources(*message, *importer, arguments, files, tables, diagnostics);
+    const bool hasTypes = importSources(*message, *importer, arguments, files, tables, diagnostics);
     const bool isReported = writeReport(*message, arguments.report);
-    if (!isThere)
+    if (!hasTypes)
         return failedStatus;
     if (!isReported)
         return arguments.diff.document.empty() ? kNotWritten : failedStatus;

@@ -19,7 +19,7 @@ SourceFault faultOf(const SourceReport& report, const SourceReport::Entry& entry
 }
 
 // Returns the hint that says where losses are listed with their places.
-CString whereListed(const ReportOptions& options, std::size_t losses)
+CString listingHint(const ReportOptions& options, std::size_t losses)
 {
     const CString report = options.file.empty() ? "--report FILE" : options.file == "-" ? "the report" : options.file;
     return "; " + report + (losses == 1 ? " lists it" : " lists them");
@@ -55,15 +55,15 @@ bool writeReport(MsgBase& message, const ReportOptions& options)
     return file.finish();
 }
 
-void nameLosses(const SourceReport& report, const ReportOptions& options, Diagnostics& diagnostics,
-                const CString& other)
+void reportLosses(const SourceReport& report, const ReportOptions& options, Diagnostics& diagnostics,
+                  const CString& other)
 {
     const std::size_t losses = report.queryTotal(SourceReport::loss);
     for (const SourceReport::Entry& entry : report.queryEntries(SourceReport::loss))
         if (options.isStrict || (diagnostics.isVerbose() && !SourceReport::rowFor(entry.construct).isShown))
             diagnostics.add(faultOf(report, entry, !options.isStrict));
     if (losses > 0 && !options.isStrict)
-        diagnostics.warning(report.lossesInWords() + (other.empty() ? whereListed(options, losses) : ""), other);
+        diagnostics.warning(report.lossesInWords() + (other.empty() ? listingHint(options, losses) : ""), other);
     if (const std::size_t unlisted = report.queryUnlisted(SourceReport::loss); unlisted > 0 && options.isStrict)
         diagnostics.error("... and " + countInWords(unlisted, "more loss", "more losses"));
 }

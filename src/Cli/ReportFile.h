@@ -27,5 +27,5 @@ bool writeReport(MsgBase& message, const ReportOptions& options);
 /// Reports the losses of an import: with --strict each loss as an error, else all in one warning. With --verbose, those
 /// that the import itself doesn't show come before it. `other` names the document if the report isn't about the
 /// import's source.
-void nameLosses(const SourceReport& report, const ReportOptions& options, Diagnostics& diagnostics,
-                const CString& other = {});
+void reportLosses(const SourceReport& report, const ReportOptions& options, Diagnostics& diagnostics,
+                  const CString& other = {});

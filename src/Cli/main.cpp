@@ -9,7 +9,7 @@
 
 namespace {
 
-[[noreturn]] void endWithReport()
+[[noreturn]] void reportAndExit()
 {
     try {
         if (const std::exception_ptr error = std::current_exception())
@@ -24,9 +24,9 @@ namespace {
 
 // Sets the terminate handler before all else. Memory can run out before main(), when CLI11 constructs its static
 // objects, and in noexcept functions.
-[[gnu::constructor(101)]] void reportWhatNobodyCatches()
+[[gnu::constructor(101)]] void installTerminateHandler()
 {
-    std::set_terminate(endWithReport);
+    std::set_terminate(reportAndExit);
 }
 
 } // namespace

@@ -39,7 +39,7 @@ bool isTimeFixed()
     return fixedTime().has_value();
 }
 
-CString mistakeInEpoch()
+CString epochError()
 {
     const char* const text = std::getenv(kVariable);
     if (text == nullptr || fixedTime())

@@ -14,4 +14,4 @@ CString generationTime();
 bool isTimeFixed();
 
 /// Returns why SOURCE_DATE_EPOCH is invalid; empty if it is valid or not set.
-CString mistakeInEpoch();
+CString epochError();
