@@ -85,7 +85,7 @@ void ComboBox::wheelEvent(QWheelEvent* event)
 ChoiceCombo::ChoiceCombo(const QString& label) : ComboBox(label)
 {
     connect(this, &QComboBox::activated, this, [this](int index) {
-        if (!isLed)
+        if (!isHandlingInput)
             choose(index);
     });
 }
@@ -109,13 +109,13 @@ void ChoiceCombo::keyPressEvent(QKeyEvent* event)
         return choose(currentIndex());
     if (isPending && event->key() == Qt::Key_Escape)
         return setCurrentIndex(chosenIndex);
-    const QScopedValueRollback<bool> led(isLed, true);
+    const QScopedValueRollback<bool> handling(isHandlingInput, true);
     ComboBox::keyPressEvent(event);
 }
 
 void ChoiceCombo::wheelEvent(QWheelEvent* event)
 {
-    const QScopedValueRollback<bool> led(isLed, true);
+    const QScopedValueRollback<bool> handling(isHandlingInput, true);
     ComboBox::wheelEvent(event);
 }
 

@@ -41,5 +41,5 @@ private:
     void choose(int index);
 
     int chosenIndex = 0;
-    bool isLed = false; // a key or the wheel is being handled
+    bool isHandlingInput = false; // a key or the wheel is being handled
 };

@@ -48,21 +48,21 @@ void shape(Agnode_t* node, const GraphBox& box)
 
 // Distributes leaf boxes over several columns, because many of them in one column would make a tall picture. The result
 // is about as wide as high.
-void spreadEnds(Agraph_t* graph, const std::vector<GraphBox>& boxes)
+void spreadLeaves(Agraph_t* graph, const std::vector<GraphBox>& boxes)
 {
-    std::vector<Agedge_t*> ends;
+    std::vector<Agedge_t*> leafEdges;
     double height = 0, width = 0;
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         Agnode_t* node = nodeOf(graph, i);
         if (agdegree(graph, node, 1, 0) != 1 || agdegree(graph, node, 0, 1) != 0)
             continue;
-        ends.push_back(agfstin(graph, node));
+        leafEdges.push_back(agfstin(graph, node));
         height += boxes[i].size.height();
         width = std::max(width, boxes[i].size.width());
     }
-    const int columns = ends.empty() ? 1 : std::max(1, static_cast<int>(std::sqrt(height / width)));
-    for (std::size_t i = 0; i < ends.size(); ++i)
-        set(ends[i], "minlen", std::to_string(1 + static_cast<int>(i) % columns), "1");
+    const int columns = leafEdges.empty() ? 1 : std::max(1, static_cast<int>(std::sqrt(height / width)));
+    for (std::size_t i = 0; i < leafEdges.size(); ++i)
+        set(leafEdges[i], "minlen", std::to_string(1 + static_cast<int>(i) % columns), "1");
 }
 
 // Converts a point. Graphviz's y axis starts at the lower edge and points upwards.
@@ -108,7 +108,7 @@ std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<Gra
         return {};
     for (std::size_t i = 0; i < boxes.size(); ++i)
         shape(nodeOf(graph.get(), i), boxes[i]);
-    spreadEnds(graph.get(), boxes);
+    spreadLeaves(graph.get(), boxes);
     set(graph.get(), "ranksep", "0.9");
     // Limits the rounds of the optimisation for each box: good positions suffice if the best ones take long to find.
     for (const char* rounds : {"nslimit", "nslimit1"})

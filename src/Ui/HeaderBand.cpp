@@ -84,23 +84,23 @@ void HeaderBand::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     paintHeader(painter, rect(), header);
-    paintVeil(painter);
+    paintFade(painter);
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawLine(rect().bottomLeft(), rect().bottomRight());
 }
 
 // Dims the drawing below the text, so that the text stays readable.
-void HeaderBand::paintVeil(QPainter& painter) const
+void HeaderBand::paintFade(QPainter& painter) const
 {
     const int edge = indent() + textWidth(width(), height());
     if (width() - edge >= height())
         return;
-    QLinearGradient veil(edge, 0, edge + width() / 10, 0);
+    QLinearGradient fade(edge, 0, edge + width() / 10, 0);
     QColor colour = palette().color(QPalette::Base);
-    veil.setColorAt(0, colour);
+    fade.setColorAt(0, colour);
     colour.setAlpha(0);
-    veil.setColorAt(1, colour);
-    painter.fillRect(rect(), veil);
+    fade.setColorAt(1, colour);
+    painter.fillRect(rect(), fade);
 }
 
 void HeaderBand::resizeEvent(QResizeEvent*)

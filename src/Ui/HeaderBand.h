@@ -30,7 +30,7 @@ private:
     int indent() const;
     int textWidth(int width, int height) const;
     void layOut();
-    void paintVeil(QPainter& painter) const;
+    void paintFade(QPainter& painter) const;
 
     int pictureId;
     QImage header;

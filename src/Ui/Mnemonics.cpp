@@ -57,7 +57,7 @@ void setTextWithMnemonic(QAbstractButton& button, const QString& text, QString& 
     button.setText(plain);
 }
 
-void leadTabToChosenButtons(const QWidget* page)
+void setRadioTabStops(const QWidget* page)
 {
     for (const auto* chosen : page->findChildren<QRadioButton*>())
         if (chosen->isChecked())

@@ -13,7 +13,7 @@ QString mnemonicsOf(const QWidget* page);
 void setTextWithMnemonic(QAbstractButton& button, const QString& text, QString& taken);
 
 /// Makes Tab stop at the checked radio button of each group inside `page`. Later Qt follows the user's choice.
-void leadTabToChosenButtons(const QWidget* page);
+void setRadioTabStops(const QWidget* page);
 
 /// Returns the first control inside `page` in Tab order; null if there is none.
 QWidget* firstTabStop(const QWidget* page);

@@ -23,14 +23,14 @@
 
 namespace {
 
-struct Series
+struct MessageSeries
 {
     bool running = false;
     int shown = 0;
     bool hidden = false;
 };
 
-Series series;
+MessageSeries series;
 
 // Replaces the box's own label, which grows with its text past the edge of the screen. The label keeps the text and
 // shows nothing.

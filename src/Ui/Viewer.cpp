@@ -29,7 +29,7 @@ void forget(QProcess* viewer)
 
 // The viewer gets no terminal and a session of its own, so that it can't write to the wizard's terminal or end with the
 // wizard.
-void showInViewer(const CString& fileName, QObject* context, std::function<void()> whenNoneStarts)
+void showInViewer(const CString& fileName, QObject* context, std::function<void()> onFailure)
 {
     constexpr int kStartTimeout = 30'000; // ms
     auto* viewer = new QProcess;
@@ -40,9 +40,9 @@ void showInViewer(const CString& fileName, QObject* context, std::function<void(
     viewer->setStandardOutputFile(QProcess::nullDevice());
     viewer->setStandardErrorFile(QProcess::nullDevice());
     viewer->setChildProcessModifier([] { ::setsid(); });
-    const auto end = [viewer, context = QPointer(context), whenNoneStarts](bool failed) {
+    const auto end = [viewer, context = QPointer(context), onFailure](bool failed) {
         if (failed && context)
-            whenNoneStarts();
+            onFailure();
         forget(viewer);
     };
     QObject::connect(viewer, &QProcess::errorOccurred, viewer, [end](QProcess::ProcessError error) {

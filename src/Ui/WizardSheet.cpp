@@ -186,18 +186,18 @@ void WizardSheet::reject()
         QDialog::reject();
 }
 
-void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBar, const QString& server)
+void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageBar, const QString& server)
 {
     pace = {};
     LongWork longWork(*cancelButton);
     connect(&longWork, &LongWork::becameVisible, this, [&] { setNavigation(false); });
     for (const auto signal : {&LongWork::becameVisible, &LongWork::progressed})
-        connect(&longWork, signal, this, [&] { showProgress(longWork, ownBar, server); });
+        connect(&longWork, signal, this, [&] { showProgress(longWork, pageBar, server); });
     const QPointer<QWidget> focus = focusWidget(); // while the work runs, only Cancel can have it
     const auto end = [&] {
         if (progressRow->isHidden())
             return;
-        showProgress(longWork, ownBar, server);
+        showProgress(longWork, pageBar, server);
         setNavigation(true);
         if (focus)
             focus->setFocus();
@@ -215,16 +215,16 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* ownBa
     end();
 }
 
-void WizardSheet::showProgress(const LongWork& longWork, QProgressBar* ownBar, const QString& server)
+void WizardSheet::showProgress(const LongWork& longWork, QProgressBar* pageBar, const QString& server)
 {
     const Progress progress = longWork.query();
     const bool isWaiting = progress.work == Work::waiting && !server.isEmpty();
     const QString words = toUi(progressText(progress)) + (isWaiting ? tr(" from %1").arg(server) : pace.left(progress));
-    progressRow->setBarVisible(!ownBar || progress.work != Work::creating);
+    progressRow->setBarVisible(!pageBar || progress.work != Work::creating);
     progressRow->show(longWork.isCancelled() ? "Cancelling ..." : words, progress);
     cancelButton->setEnabled(!longWork.isCancelled());
-    if (ownBar && progress.total != 0 && progress.work == Work::creating)
-        ownBar->setValue(static_cast<int>(progress.done));
+    if (pageBar && progress.total != 0 && progress.work == Work::creating)
+        pageBar->setValue(static_cast<int>(progress.done));
 }
 
 // Hides the buttons before the progress appears. If both were visible for a moment, the window would grow for good.
@@ -295,11 +295,11 @@ void WizardSheet::activate(int index)
     } catch (const Cancelled&) { // cancelled while filling the page: back to the page before
         return activate(before);
     }
-    settleMnemonics();
-    leadTabToChosenButtons(page);
+    updateMnemonics();
+    setRadioTabStops(page);
     QWidget* first = firstTabStop(page);
-    QWidget* const onward = finishButton->isHidden() ? nextButton : finishButton;
-    (first != nullptr && onward == nextButton ? first : onward)->setFocus();
+    QWidget* const defaultButton = finishButton->isHidden() ? nextButton : finishButton;
+    (first != nullptr && defaultButton == nextButton ? first : defaultButton)->setFocus();
 }
 
 // Makes Alt and the first letter of a button's text press the button as well, as in other wizards, unless a control of
@@ -315,7 +315,7 @@ QShortcut* WizardSheet::addKey(Qt::Key letter, QPushButton* button)
 }
 
 // Gives Finish and Help mnemonics that no control of the page has, and disables the keys that a control has.
-void WizardSheet::settleMnemonics()
+void WizardSheet::updateMnemonics()
 {
     QString taken = mnemonicsOf(activePage());
     backKey->setEnabled(!taken.contains('b'));

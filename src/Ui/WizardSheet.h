@@ -76,9 +76,9 @@ public:
 
     /// Runs work that may take long in a thread of its own, and returns when it is done. Rethrows its exceptions. After
     /// a while, a row in place of the buttons shows the progress; Cancel then ends the work, and Cancelled is thrown.
-    /// `ownBar` is a bar of the page that also shows the creation of types. `server` is the name shown while waiting
+    /// `pageBar` is a bar of the page that also shows the creation of types. `server` is the name shown while waiting
     /// for a server; "" for none.
-    void runLong(const std::function<void()>& work, QProgressBar* ownBar = nullptr, const QString& server = {});
+    void runLong(const std::function<void()>& work, QProgressBar* pageBar = nullptr, const QString& server = {});
 
     /// Shows the first page when the sheet becomes visible.
     void setVisible(bool visible) override;
@@ -110,12 +110,12 @@ private:
     void help();
     void cancel();
     void reject() override;
-    void showProgress(const LongWork& work, QProgressBar* ownBar, const QString& server);
+    void showProgress(const LongWork& work, QProgressBar* pageBar, const QString& server);
     void setNavigation(bool visible);
     void layOut();
     void go(LRESULT answer, int step);
     void activate(int index);
-    void settleMnemonics();
+    void updateMnemonics();
 
     HBITMAP watermarkId;
     QImage watermark;
