@@ -50,7 +50,7 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
     return nullptr;
 }
 
-CString whyNoImporter(const CString& name)
+CString noImporterReason(const CString& name)
 {
     if (isFolder(name))
         return "it holds no DTD, schema or WSDL. Choose the folder that does, or the files themselves.";
@@ -64,7 +64,7 @@ CString whyNoImporter(const CString& name)
                : CString(foreign);
 }
 
-void nameAside(const std::vector<CString>& files, bool readsSeveral)
+void reportIgnoredFiles(const std::vector<CString>& files, bool readsSeveral)
 {
     if (files.empty())
         return;
@@ -114,7 +114,7 @@ void QELWizard::openFiles(const QStringList& files)
         (isOneOfMany && importerOf(name, importer) == importer ? together : aside).push_back(name);
     }
     if (importer == nullptr) {
-        theApp.Error(loadText(IDS_SELECT_SOURCE), IDS_ERROR_TITLE, first + ": " + whyNoImporter(first));
+        theApp.Error(loadText(IDS_SELECT_SOURCE), IDS_ERROR_TITLE, first + ": " + noImporterReason(first));
     } else {
         show();
         if (shown != importer) {
@@ -124,7 +124,7 @@ void QELWizard::openFiles(const QStringList& files)
         }
         sourcePage.takeFile(textOfSources(together));
     }
-    nameAside(aside, isOneOfMany);
+    reportIgnoredFiles(aside, isOneOfMany);
 }
 
 void QELWizard::OnPageMade(WizardPage& page)

@@ -24,7 +24,7 @@ constexpr char kHelp[] =
 
 // Prints the text for the first --help or --version before "--". Returns whether there was one, so that no window
 // opens.
-bool answersInText(int argc, char* argv[])
+bool printedHelp(int argc, char* argv[])
 {
     for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i) {
         const bool help = std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0;
@@ -63,7 +63,7 @@ void openDisplay(int& argc, char* argv[], std::optional<QApplication>& applicati
 int main(int argc, char* argv[])
 {
     openClosedStreams();
-    if (answersInText(argc, argv))
+    if (printedHelp(argc, argv))
         return 0;
     std::optional<QApplication> application;
     openDisplay(argc, argv, application);

@@ -11,9 +11,9 @@ bool isLetter(char c)
     return std::isalpha(static_cast<unsigned char>(c)) || static_cast<unsigned char>(c) >= 0x80;
 }
 
-constexpr std::size_t kMostParts = 16; // further parts don't help readers
+constexpr std::size_t kMaxParts = 16; // further parts don't help readers
 
-// Returns the parts of a URI without empty ones, last one first, at most kMostParts.
+// Returns the parts of a URI without empty ones, last one first, at most kMaxParts.
 std::vector<std::string_view> partsOf(std::string_view uri)
 {
     std::vector<std::string_view> parts;
@@ -24,7 +24,7 @@ std::vector<std::string_view> partsOf(std::string_view uri)
         uri.remove_prefix(std::min(end + 1, uri.size()));
     }
     std::ranges::reverse(parts);
-    parts.resize(std::min(parts.size(), kMostParts));
+    parts.resize(std::min(parts.size(), kMaxParts));
     return parts;
 }
 

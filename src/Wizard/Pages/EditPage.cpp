@@ -39,7 +39,7 @@ CString temporaryFolder()
     return ".";
 }
 
-bool saysMoreThanName(const Element& type)
+bool hasOwnDescription(const Element& type)
 {
     CString room;
     return type.queryDescriptionPieces().joined(room) != fillText(loadText(IDS_AUTOMATIC), type.queryName());
@@ -150,16 +150,16 @@ void EditPage::showTypes()
     structure.reset();
     types.clear();
     std::shared_ptr<TypeStructure> made; // resizing the window reads the page's own meanwhile
-    bool sayMore = false;
+    bool foundOwnDescription = false;
     sheet()->runLong([&] {
         made = std::make_shared<TypeStructure>(*wizard->message);
-        for (std::uint32_t type = 0; type < made->size() && !sayMore; ++type)
-            sayMore = saysMoreThanName((*made)[type]);
+        for (std::uint32_t type = 0; type < made->size() && !foundOwnDescription; ++type)
+            foundOwnDescription = hasOwnDescription((*made)[type]);
         if (made->size() != 0)
             made->users(0); // builds the index of users here, in the thread of the work
     });
     structure = made;
-    descriptionsSayMore = sayMore;
+    hasOwnDescriptions = foundOwnDescription;
     types.reserve(static_cast<std::size_t>(wizard->message->beginEnum()));
     while (Element* element = wizard->message->enumNext())
         types.push_back(element);
@@ -332,9 +332,7 @@ void EditPage::togglePane()
 void EditPage::showPane(bool visible)
 {
     paneSide->setVisible(visible);
-    typeList->setShares(!visible              ? std::vector{30, 65}
-                        : descriptionsSayMore ? std::vector{75, 20}
-                                              : std::vector{95, 0});
+    typeList->setShares(!visible ? std::vector{30, 65} : hasOwnDescriptions ? std::vector{75, 20} : std::vector{95, 0});
     showStructure();
 }
 

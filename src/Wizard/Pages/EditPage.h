@@ -66,7 +66,7 @@ private:
     int mainRow = -1;            // row of the main type; -1 if there is none
     ListRows::Mark mainMark;
     std::shared_ptr<const TypeStructure> structure; // of `types`
-    bool descriptionsSayMore = false;               // some descriptions of `types` aren't generated from the names
+    bool hasOwnDescriptions = false;                // some descriptions of `types` aren't generated from the names
     bool isWide = false;                            // the window has room for the pane beside the whole list
     TemporaryFiles tempFiles;
 };

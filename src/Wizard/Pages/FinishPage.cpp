@@ -24,11 +24,11 @@ void FinishPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
     QLabel* text = withId(IDC_FINISHED, coverText(loadText(IDS_FINISHED), wizard->titleFont));
-    QSizePolicy asHighAsNeeded(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    asHighAsNeeded.setHeightForWidth(true);
-    text->setSizePolicy(asHighAsNeeded);
+    QSizePolicy fitsContent(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    fitsContent.setHeightForWidth(true);
+    text->setSizePolicy(fitsContent);
     done = withId(IDC_DONE, new PathLabel);
-    done->setSizePolicy(asHighAsNeeded);
+    done->setSizePolicy(fitsContent);
     done->setForegroundRole(QPalette::Text); // the page's background is Base, not Window
     openFolder = withId(IDC_OPEN_FOLDER, new QPushButton("&Open folder"));
     viewFile = withId(IDC_VIEW_FILE, new QPushButton("&View file"));
@@ -51,14 +51,14 @@ void FinishPage::OnInitDialog()
 
 void FinishPage::OnSetActive()
 {
-    done->setText(whatWasDone());
+    done->setText(summary());
     for (QPushButton* button : {openFolder, viewFile})
         button->setVisible(!wizard->script.output.empty());
     command->setText(toUi(wizard->script.text(*wizard->message)));
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext | WizardSheet::buttonFinish);
 }
 
-QString FinishPage::whatWasDone() const
+QString FinishPage::summary() const
 {
     const ScriptCommand& script = wizard->script;
     if (script.output.empty())

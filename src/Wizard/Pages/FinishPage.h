@@ -19,7 +19,7 @@ public:
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
 
 private:
-    QString whatWasDone() const;
+    QString summary() const;
     void view(const CString& name);
 
     PathLabel* done = nullptr;

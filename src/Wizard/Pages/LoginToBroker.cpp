@@ -162,7 +162,7 @@ LRESULT LoginToBroker::OnWizardNext()
         blank->setFocus();
         return stay(IDS_BLANK_FIELD);
     }
-    storeChoices();
+    storeInput();
     CString failure, reason;
     std::optional<int> errors; // nothing if the run was cancelled
     const bool isTrusted = logonSel == LogonKind::trusted;
@@ -228,7 +228,7 @@ QWidget* LoginToBroker::blankField() const
     return blank;
 }
 
-void LoginToBroker::storeChoices()
+void LoginToBroker::storeInput()
 {
     QELOptions& options = wizard->options;
     options.addBrokerIP(server);
@@ -248,7 +248,7 @@ std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
         progress->show();
     });
     options.clearResultList();
-    const auto askThere = [this](const CString& question, const CString& details) {
+    const auto askInWindow = [this](const CString& question, const CString& details) {
         OverwriteChoice choice = OverwriteChoice::no;
         inWindowThread([&] { choice = ask(question, details); });
         return choice;
@@ -256,7 +256,7 @@ std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
     const bool readsTables = wizard->message->queryDescriptor()->querySource().readsTables;
     const CString& source = wizard->script.source;
     CreationRun run(session,
-                    {askThere, [&options](const CString& line, ResultKind kind) { options.addResult(line, kind); }},
+                    {askInWindow, [&options](const CString& line, ResultKind kind) { options.addResult(line, kind); }},
                     {readsTables ? tableSource(source) : fileSource(source)});
     const int errors = run.run(*wizard->message);
     return run.wasCancelled() ? std::nullopt : std::optional(errors);

@@ -40,7 +40,7 @@ private:
     void suggestLogon(const QString& server);
     bool UpdateData();
     QWidget* blankField() const;
-    void storeChoices();
+    void storeInput();
     OverwriteChoice ask(const CString& question, const CString& details);
     std::optional<int> createTypes(BrokerSession& session);
 

@@ -85,7 +85,7 @@ void SourcePage::OnInitDialog()
     addRow(pane, true);
     addRow(makeSetRow());
     connect(fullCheck, &QCheckBox::toggled, setRow, &QWidget::setVisible);
-    connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::lookAhead);
+    connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::updatePreview);
 }
 
 QWidget* SourcePage::makeSetRow()
@@ -116,7 +116,7 @@ void SourcePage::OnSetActive()
     fullCheck->setVisible(hasFull);
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
     setRow->setVisible(readsFull());
-    lookAhead();
+    updatePreview();
 }
 
 // Returns whether the chosen reading is a full one, which takes several files and folders as one source.
@@ -133,7 +133,7 @@ void SourcePage::hideEvent(QHideEvent* event)
 }
 
 // Previews the named source. Shows nothing if no source is named.
-void SourcePage::lookAhead()
+void SourcePage::updatePreview()
 {
     if (!isVisible())
         return;
@@ -161,7 +161,7 @@ void SourcePage::chooseReading()
 }
 
 // Returns why these sources can't be imported with the current choices; "" if they can.
-CString SourcePage::obstacleOf(const std::vector<CString>& names) const
+CString SourcePage::sourceError(const std::vector<CString>& names) const
 {
     if (names.front().empty())
         return "The name of the file is missing. Type it, or press Browse.";
@@ -181,8 +181,8 @@ LRESULT SourcePage::OnWizardNext()
 {
     UpdateData(true);
     const std::vector<CString> names = sourcesIn(fileName);
-    if (const CString obstacle = obstacleOf(names); !obstacle.empty())
-        return stayAtFile(loadText(IDS_SELECT_SOURCE), obstacle);
+    if (const CString error = sourceError(names); !error.empty())
+        return stayAtFile(loadText(IDS_SELECT_SOURCE), error);
     const bool isSet = names.size() > 1 || isFolder(names.front());
     wizard->options.setSetLast(isSet);
     if (isSet)
@@ -190,7 +190,8 @@ LRESULT SourcePage::OnWizardNext()
     else
         wizard->options.addInputFile(fileName);
     pane->stop();
-    const auto goOn = qScopeGuard([this] { lookAhead(); }); // restarts the preview, in case the page stays
+    const auto restartPreview =
+        qScopeGuard([this] { updatePreview(); }); // restarts the preview, in case the page stays
     chooseReading();
     const FullReadingHint hint(*wizard, names.front());
     if (!wizard->importSources(names))

@@ -35,9 +35,9 @@ private:
     void pickFolder();
     bool readsFull() const;
     void chooseReading();
-    CString obstacleOf(const std::vector<CString>& names) const;
+    CString sourceError(const std::vector<CString>& names) const;
 
-    void lookAhead();
+    void updatePreview();
 
     PreviewPane* pane = nullptr;
     QCheckBox* fullCheck = nullptr;

@@ -22,7 +22,7 @@
 namespace {
 
 // Returns the driver's error with the name of the data source, and why its file can't be read. Drivers often omit both.
-CString whyNotOpen(const CString& source, const CString& words)
+CString openErrorText(const CString& source, const CString& words)
 {
     if (words.find(source) != CString::npos)
         return words;
@@ -80,8 +80,8 @@ int WizardRun::readSources()
     const int isRead = message->parseFile(files.front(), options.queryPath());
     if (!isRead)
         return 0;
-    const bool isPoor = message->beginEnum() == 0 || message->queryReport().queryTotal(SourceReport::loss) != 0;
-    unsupportedConstructs = isPoor ? unsupportedByLiteral(files.front()) : CString();
+    const bool isIncomplete = message->beginEnum() == 0 || message->queryReport().queryTotal(SourceReport::loss) != 0;
+    unsupportedConstructs = isIncomplete ? unsupportedByLiteral(files.front()) : CString();
     return isRead;
 }
 
@@ -103,7 +103,7 @@ bool WizardRun::openDatabase()
             return isOpen;
         } catch (const CDBException& error) {
             if (!error.isLogonRefused())
-                throw std::runtime_error(whyNotOpen(script.source, error.what()));
+                throw std::runtime_error(openErrorText(script.source, error.what()));
             reason = error.what();
         }
         CString& user = script.sourceUser;

@@ -20,11 +20,11 @@ constexpr double kLegible = 0.3;    // below this scale texts can't be read
 
 // Graphviz's time for routing grows with the square of the arrows. So with more arrows, only the first one to each box
 // is routed, which suffices to place the boxes. The others become plain curves.
-constexpr std::size_t kMostRouted = 250;
+constexpr std::size_t kMaxRouted = 250;
 
 std::vector<TypeGraph::Arrow> takeUnrouted(TypeGraph& graph)
 {
-    if (graph.arrows.size() <= kMostRouted)
+    if (graph.arrows.size() <= kMaxRouted)
         return {};
     std::vector<char> isReached(graph.boxes.size());
     const auto isFirst = [&](const TypeGraph::Arrow& arrow) {

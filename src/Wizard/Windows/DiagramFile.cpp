@@ -31,9 +31,9 @@ QSize pngSize(const Diagram& diagram, double& scale)
 {
     constexpr double kLargest = 100e6; // pixels of 4 bytes
     const QSizeF size = diagram.queryArea().size();
-    scale = std::min({2.0, kMostPixels / size.width(), kMostPixels / size.height(),
+    scale = std::min({2.0, kMaxPixels / size.width(), kMaxPixels / size.height(),
                       std::sqrt(kLargest / (size.width() * size.height()))});
-    return (size * scale).toSize().expandedTo({1, 1}).boundedTo({kMostPixels, kMostPixels});
+    return (size * scale).toSize().expandedTo({1, 1}).boundedTo({kMaxPixels, kMaxPixels});
 }
 
 QByteArray drawPng(const Diagram& diagram)

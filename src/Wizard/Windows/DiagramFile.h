@@ -7,7 +7,7 @@
 class Diagram;
 
 /// The maximum width and height of a PNG in pixels.
-constexpr int kMostPixels = 16000;
+constexpr int kMaxPixels = 16000;
 
 /// Returns the size of a diagram as a PNG: twice its own, for printing, or less at the limits of viewers. Sets `scale`
 /// to the factor.

@@ -25,9 +25,9 @@
 
 namespace {
 
-constexpr std::size_t kMostTypes = 200;
+constexpr std::size_t kMaxTypes = 200;
 constexpr std::size_t kManyTypes = 60; // more are only shown on request
-constexpr std::size_t kMostRows = 40;
+constexpr std::size_t kMaxRows = 40;
 constexpr int kAllDepths = 3; // row of the list of depths, after 1, 2 and 3
 
 // Thrown if a picture is too large for a PNG and the user chooses an SVG instead.
@@ -180,8 +180,8 @@ bool DiagramWindow::draw(std::uint32_t type)
                                                                   : static_cast<std::size_t>(depth->currentIndex()) + 1;
     bool isWhole = true;
     const std::vector<std::uint32_t> around =
-        types->reach(type, kMostTypes, isWhole, TypeStructure::Direction(direction->currentIndex()), steps);
-    const TypeGraph graph(*types, around, kMostRows);
+        types->reach(type, kMaxTypes, isWhole, TypeStructure::Direction(direction->currentIndex()), steps);
+    const TypeGraph graph(*types, around, kMaxRows);
     std::shared_ptr<const Diagram> drawn;
     const bool isDone = runLong([&, tones = palette(), letters = font()] {
         beginWork(Work::arranging);
