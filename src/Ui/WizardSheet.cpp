@@ -188,7 +188,7 @@ void WizardSheet::reject()
 
 void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageBar, const QString& server)
 {
-    pace = {};
+    remainingTime = {};
     LongWork longWork(*cancelButton);
     connect(&longWork, &LongWork::becameVisible, this, [&] { setNavigation(false); });
     for (const auto signal : {&LongWork::becameVisible, &LongWork::progressed})
@@ -219,7 +219,8 @@ void WizardSheet::showProgress(const LongWork& longWork, QProgressBar* pageBar, 
 {
     const Progress progress = longWork.query();
     const bool isWaiting = progress.work == Work::waiting && !server.isEmpty();
-    const QString words = toUi(progressText(progress)) + (isWaiting ? tr(" from %1").arg(server) : pace.left(progress));
+    const QString words =
+        toUi(progressText(progress)) + (isWaiting ? tr(" from %1").arg(server) : remainingTime.textFor(progress));
     progressRow->setBarVisible(!pageBar || progress.work != Work::creating);
     progressRow->show(longWork.isCancelled() ? "Cancelling ..." : words, progress);
     cancelButton->setEnabled(!longWork.isCancelled());

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Base/Text.h"
-#include "Ui/WorkPace.h"
+#include "Ui/RemainingTime.h"
 
 #include <QDialog>
 #include <QElapsedTimer>
@@ -129,9 +129,9 @@ private:
     QShortcut *backKey, *nextKey;
     QWidget* navigation; // the buttons that change the page
     ProgressRow* progressRow;
-    LongWork* work = nullptr; // the current one; null if none
-    WorkPace pace;            // of `work`
-    QElapsedTimer sinceWork;  // time since the last work that showed its progress
+    LongWork* work = nullptr;    // the current one; null if none
+    RemainingTime remainingTime; // of `work`
+    QElapsedTimer sinceWork;     // time since the last work that showed its progress
     std::vector<WizardPage*> pages;
     UINT startPage;
     bool started = false;

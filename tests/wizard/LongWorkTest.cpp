@@ -4,7 +4,7 @@
 #include "Base/ProgressText.h"
 #include "Base/QELApp.h"
 #include "Ui/ModalBox.h"
-#include "Ui/WorkPace.h"
+#include "Ui/RemainingTime.h"
 #include "support/Servers.h"
 #include "wizard/Desk.h"
 
@@ -144,7 +144,7 @@ TEST(LongWork, SaysHowMuchInUnitsThatFit)
     const std::pair<double, const char*> rows[] = {
         {0.1, ", about 5 s left"}, {89, ", about 90 s left"}, {100, ", about 2 min left"}, {6000, ", about 2 h left"}};
     for (const auto& [seconds, words] : rows)
-        EXPECT_EQ(WorkPace::inWords(seconds), words);
+        EXPECT_EQ(RemainingTime::textFor(seconds), words);
 }
 
 TEST(LongWork, LeavesTheSourcePageWithAnEmptyImporter)

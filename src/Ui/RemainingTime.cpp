@@ -1,10 +1,10 @@
-#include "Ui/WorkPace.h"
+#include "Ui/RemainingTime.h"
 
 #include <QObject>
 
 #include <cmath>
 
-QString WorkPace::left(const Progress& now)
+QString RemainingTime::textFor(const Progress& now)
 {
     constexpr qint64 soon = 5000; // milliseconds
     if (!since.isValid() || now.work != first.work || now.total != first.total || now.done < first.done) {
@@ -14,11 +14,11 @@ QString WorkPace::left(const Progress& now)
     if (now.total == 0 || now.done <= first.done || now.done >= now.total || !since.hasExpired(soon))
         return {};
     const double pace = double(now.done - first.done) / (double(since.elapsed()) / 1000);
-    return inWords(double(now.total - now.done) / pace);
+    return textFor(double(now.total - now.done) / pace);
 }
 
 // Rounds up to steps, so that the text doesn't change all the time.
-QString WorkPace::inWords(double seconds)
+QString RemainingTime::textFor(double seconds)
 {
     if (seconds < 90)
         return QObject::tr(", about %1 s left").arg(std::ceil(seconds / 5) * 5);

@@ -6,15 +6,15 @@
 #include <QString>
 
 /// Estimates the remaining time of long work from its progress reports.
-class WorkPace
+class RemainingTime
 {
 public:
-    /// Records a progress and returns the remaining time as words to append: ", about 40 s left". Empty in the first 5
+    /// Records a progress and returns the remaining time as a text to append: ", about 40 s left". Empty in the first 5
     /// s of each kind of work, and if the total is unknown.
-    QString left(const Progress& now);
+    QString textFor(const Progress& now);
 
-    /// Returns the same words for a number of seconds.
-    static QString inWords(double seconds);
+    /// Returns the same text for a number of seconds.
+    static QString textFor(double seconds);
 
 private:
     Progress first; // first report of the current kind of work
