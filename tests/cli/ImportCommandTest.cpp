@@ -93,10 +93,10 @@ TEST_F(ImportCommand, AnswersExactly)
          "<xs:element name=\"n\" type=\"xs:int\"/><xs:element name=\"u v\" type=\"U\"/></xs:sequence></xs:complexType>"
          "</xs:element></xs:schema>' >i.xsd; $import i.xsd -l -v",
          {0, "\\sys\\xml\\r\\r\tr (Automatically created)\n",
-          "i.xsd: note: read as a source for xsd\ni.xsd:4:37: warning: name that no document can carry: u v\n"
+          "i.xsd: note: read as a source for xsd\ni.xsd:4:37: warning: name that XML can't represent: u v\n"
           "i.xsd:2:1: warning: module or document not there: a.xsd\n"
           "i.xsd:3:1: warning: module or document not local: http://b/c\n"
-          "i.xsd:4:1: warning: type not known, now text: xs:int\n"
+          "i.xsd:4:1: warning: unknown type, imported as text: xs:int\n"
           "i.xsd:4:37: warning: reference to nothing that was read: U\n"
           "i.xsd: warning: 5 losses: 2 references became text, 1 document not found, 1 document not local, 1 "
           "impossible "
@@ -274,13 +274,13 @@ TEST_F(ImportCommand, AnswersExactly)
          "$import n.dtd --report - -o /dev/null",
          {0, "",
           "n.dtd: warning: 6 losses: 3 references became text, 1 impossible name, 1 entity not expanded, 1 declaration "
-          "passed over; the report lists them\n6 losses\n"
-          "n.dtd:2:13: declaration passed over: section IGNORE\nn.dtd:2:23: entity not expanded: e\n"
+          "skipped; the report lists them\n6 losses\n"
+          "n.dtd:2:13: declaration skipped: section IGNORE\nn.dtd:2:23: entity not expanded: e\n"
           "n.dtd:3:14: reference to nothing that was read: a\nn.dtd:3:18: reference to nothing that was read: b\n"
-          "n.dtd:3:21: name that no document can carry: c)\nn.dtd:3:26: reference to nothing that was read: d\n\n"
-          "2 details\nn.dtd:1:1: entity or notation passed over: ENTITY % e\n\n"
-          "3 references became text\n1 impossible name\n1 entity not expanded\n1 declaration passed over\n"
-          "1 entity passed over\n1 optional part\n"
+          "n.dtd:3:21: name that XML can't represent: c)\nn.dtd:3:26: reference to nothing that was read: d\n\n"
+          "2 details\nn.dtd:1:1: entity or notation skipped: ENTITY % e\n\n"
+          "3 references became text\n1 impossible name\n1 entity not expanded\n1 declaration skipped\n"
+          "1 entity skipped\n1 optional part\n"
           "5 types, 4 fields: 0 typed, 4 left text\n"}},
         {"cat i.xsd | $import xsd - -q -o /dev/null --report-format json --report /dev/stdout",
          {0,

@@ -112,14 +112,14 @@ const Rule kRules[] = {
      "<![ IGNORE [<![ INCLUDE [ <!ELEMENT b (no)> ]]> ' ]]>\n<![%u;[<!ELEMENT b (c)>]]><![MAYBE[<!ELEMENT c EMPTY>]]>",
      "b(c:String) r(a:String b:b)",
      "3 losses\nx:3:4: entity declared nowhere: u\nx:3:1: section with an unknown key: %u;\nx:3:27: section with an "
-     "unknown key: MAYBE\n\n1 detail\nx:2:27: section that entities leave out: key\n\n2 sections not understood\n1 "
+     "unknown key: MAYBE\n\n1 detail\nx:2:27: section left out by an entity: key\n\n2 sections not understood\n1 "
      "undeclared "
      "entity\n1 section left out\n"},
     {"AnIgnoredSectionEndsWithItsOwnEnd",
      "<![IGNORE[<![INCLUDE[<!ELEMENT r (no)>]]><!ELEMENT r (no)>]]><!ELEMENT r (a)><!ELEMENT a EMPTY>", "r(a:String)"},
     {"LinesInsideAndBehindAnEntity",
      "<!ENTITY % e '<!ELEMENT a EMPTY>\n\n<!ELMENT r (b)>\n'>%e;\n<!ELEMNT r (c)>\n<!ELEMENT r (a)>", "r(a:String)",
-     "2 losses\nx:3:1: statement that is unknown: ELMENT\nx:5:1: statement that is unknown: ELEMNT\n\n2 statements not "
+     "2 losses\nx:3:1: unknown statement: ELMENT\nx:5:1: unknown statement: ELEMNT\n\n2 statements not "
      "understood\n"},
     {"SgmlsWays",
      "<!ENTITY % t '#PCDATA'>\n<!element (H1|H2) - - (%t|B)* -- it's a heading --><!ELEMENT B - O EMPTY>\n"
@@ -138,7 +138,7 @@ const Rule kRules[] = {
      "10 losses\nx:1:1: declaration that makes no sense: ELEMENT without a name\nx:1:11: declaration that makes no "
      "sense: ELEMENT without a name\nx:2:1: declaration that makes no sense: =\nx:3:1: declaration that makes no "
      "sense: r\nx:3:30: declaration that makes no sense: r\nx:3:53: declaration that makes no sense: b\nx:3:68: "
-     "statement that is unknown: SHORTREF\nx:4:1: declaration that makes no sense: section without '['\nx:4:7: "
+     "unknown statement: SHORTREF\nx:4:1: declaration that makes no sense: section without '['\nx:4:7: "
      "declaration that makes no sense: ENTITY without a name\nx:5:58: comment or declaration without an end: "
      "comment\n\n2 details\n\n8 declarations not understood\n1 statement not understood\n1 comment or declaration "
      "without an end\n1 general entity\n1 notation\n"},
@@ -148,7 +148,7 @@ const Rule kRules[] = {
      "r(a:String)", "1 loss\nx:1:57: module or document not there: no\n\n1 document not found\n"},
     {"ALeafIsARecordOfItsValue", "<!ELEMENT a (#PCDATA)>", "a(value:String)"},
     {"WithoutAnElementTheFileNamesTheFolder", "<!ATTLIST a b (c) #IMPLIED>", "b{c} a(a_b:b)",
-     "1 loss\nx:1:1: type that nobody declares: a\n\n1 detail\n\n1 invented type\n1 optional part\n"},
+     "1 loss\nx:1:1: type without a declaration: a\n\n1 detail\n\n1 invented type\n1 optional part\n"},
     // Each file has its own encoding: a byte order mark, a declared one, UTF-8, else Windows-1252.
     {"FileByFileAnEncoding",
      LATIN1 "<!ENTITY % m SYSTEM 'm'>%m;<!ENTITY % n SYSTEM 'n'>%n;<!ENTITY % o SYSTEM 'o'>%o;"

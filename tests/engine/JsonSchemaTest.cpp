@@ -197,13 +197,13 @@ x.json:2:43: module or document not there: none.json at #/properties/b
 bad.json:2:7: document not well-formed: a colon is expected behind the key (named in x.json:2:68)
 x.json:2:68: reference to nothing that was read: bad.json#/x at #/properties/c
 x.json:3:7: further properties of any name: #/properties/d
-x.json:4:7: values of kinds that differ: #/properties/e
-x.json:5:60: values of kinds that differ: #/properties/h/allOf/1
-x.json:6:36: values of kinds that differ: #/properties/j/oneOf/0/properties/v
+x.json:4:7: values of different kinds: #/properties/e
+x.json:5:60: values of different kinds: #/properties/h/allOf/1
+x.json:6:36: values of different kinds: #/properties/j/oneOf/0/properties/v
 
 19 details
 x.json:5:97: element that may not occur: i at #/properties/i
-x.json:5:10: name made fit: g\h is g_h
+x.json:5:10: name adjusted: g\h is g_h
 
 3 values of several kinds
 2 references became text
@@ -215,7 +215,7 @@ x.json:5:10: name made fit: g\h is g_h
 2 choices
 2 facets
 1 element that may not occur
-1 name made fit
+1 name adjusted
 1 default value
 )");
 }

@@ -367,16 +367,16 @@ TEST_F(SchemaFull, ReportsWhatIsNotCarriedOver)
 b.xsd:1:8: document not well-formed: Couldn't find end of Start Tag schema line 1 (named in x.xsd:1:157)
 x.xsd:1:121: module or document not there: none.xsd
 x.xsd:3:3: reference to nothing that was read: none
-x.xsd:3:76: group or base type that was not read: nog
+x.xsd:3:76: missing group or base type: nog
 x.xsd:6:39: reference to nothing that was read: X
 x.xsd:8:1: declared twice: r
 x.xsd:8:45: reference to nothing that was read: Int
 x.xsd:10:22: reference to nothing that was read: V
-x.xsd:12:1: name that no document can carry: no name
-x.xsd:12:68: group or base type that was not read: W
-x.xsd:13:3: name that no document can carry: a\b
-x.xsd:13:24: name that no document can carry: 1st
-x.xsd:13:57: name that no document can carry: no name
+x.xsd:12:1: name that XML can't represent: no name
+x.xsd:12:68: missing group or base type: W
+x.xsd:13:3: name that XML can't represent: a\b
+x.xsd:13:24: name that XML can't represent: 1st
+x.xsd:13:57: name that XML can't represent: no name
 
 15 details
 x.xsd:2:32: mixed content (order of text lost): r

@@ -81,10 +81,10 @@ const Case kDocuments[] = {
          type("\\a\\t", "<TABLE><C TYPE='String'/></TABLE>") + type("E", "<ENUM><C NAME='x'/></ENUM>") + type("N", ""),
      ""},
     {"Component", type("A", "<ARRAY SIZE='5'><C TYPE='String'/></ARRAY>"),
-     "x:2:30: declaration passed over: component of the array \\A\n"},
-    {"Tag", type("R", "<row/><ROW/>"), "x:2:14: statement that is unknown: row in \\R\n"},
+     "x:2:30: declaration skipped: component of the array \\A\n"},
+    {"Tag", type("R", "<row/><ROW/>"), "x:2:14: unknown statement: row in \\R\n"},
     {"Attribute", type("R", "<ROW><F NAME='a' name='b' TYPE='String'/></ROW>"),
-     "x:2:19: attribute that is unknown: name of F\n"},
+     "x:2:19: unknown attribute: name of F\n"},
     {"Contents", type("R", "<ROW/>\n<ENUM/>"), "x:3:1: declared twice: content of \\R\n"},
     {"Names", type("\\a\\", "<ROW><F/>\n</ROW>"),
      "x:2:2: without a name: type in the folder \\a\\\nx:2:21: without a name: field of \\a\\\n"
@@ -92,11 +92,11 @@ const Case kDocuments[] = {
     {"Constant", type("E", "<ENUM>\n<C/></ENUM>"), "x:3:1: without a name: constant of \\E\n"},
     {"NoComponent", type("t", "<TABLE/>"), "x:2:14: without a name: component of the table \\t\n"},
     {"Components", type("t", "<TABLE><C TYPE='a'/>\n<C TYPE='b'/></TABLE>"),
-     "x:3:1: declaration passed over: second component of the table \\t\n"},
+     "x:3:1: declaration skipped: second component of the table \\t\n"},
     {"Twins", type("R", "<ROW><F NAME='a' TYPE='a'/>\n<F NAME='a' TYPE='b'/></ROW>") + type("\\b\\R", "<ROW/>"),
      "x:3:1: declared twice: a\nx:4:2: declared twice: R\n"},
     {"BehindTheEnd", type("R", "") + type("\\a\\S", "<ROW/>") + "<!-- -->",
-     "x:3:2: declaration passed over: \\a\\S behind a type without content\n"},
+     "x:3:2: declaration skipped: \\a\\S behind a type without content\n"},
 };
 
 class TypeDocument : public Importing<BrokerMessage>

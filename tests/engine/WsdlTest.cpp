@@ -85,7 +85,7 @@ const Row kRows[] = {
     {"OtherLanguagesAmongTheTypes",
      wsdl("<types><grammar xmlns='http://relaxng.org/ns/structure/1.0'/></types>" MESSAGE("M",
                                                                                           PART("p", "type='s:int'"))),
-     "M(p:Number)", "1 loss: 1 declaration passed over"},
+     "M(p:Number)", "1 loss: 1 declaration skipped"},
     {"OtherFiles",
      wsdl("<import namespace='urn:w' location='b.wsdl'/><types><s:schema targetNamespace='urn:t'><s:include "
           "schemaLocation='a.xsd'/></s:schema></types>"),
@@ -118,7 +118,7 @@ const Row kRows[] = {
      "namespace='urn:a' schemaLocation='a.xsd'/></types><interface><operation><input element='a:a' xmlns:a='urn:a'/>"
      "<output element='#other'/><output element='#any'/></operation></interface></description>",
      "a(x:String)",
-     "1 loss: 1 declaration passed over",
+     "1 loss: 1 declaration skipped",
      {{"a.xsd", "<s:schema xmlns:s='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:a'>" ELEMENT(
                     "a", "<s:element name='x'/>") "</s:schema>"}}},
     {"WithoutMessagesItIsASet",

@@ -62,7 +62,7 @@ TEST(TableChoice, PicksTheTableOfASchemaAndTellsTheOthers)
                    {"$logon --strict",
                     {1, "",
                      "t: error: columns of several tables in one record: a.t, b.t\n"
-                     "u: error: table instead of which another of its name was read: a.u\n"}},
+                     "u: error: table hidden by another of its name: a.u\n"}},
                    {"$logon -t c.t -q", {1, "", "S: error: there is no table called c.t\n"}},
                    {"$logon -t a.t -t b.t",
                     {1, "",
@@ -103,7 +103,7 @@ TEST(TableChoice, TellsTablesThatCantBeNamed)
     const CString source = "Driver=SQLite3;Database=" + folder.path("odd") + ";";
     for (const CString name : {"", " ", "two\nlines", " led", "z", "a_", "aa"})
         Connected(source).database.ExecuteSQL("CREATE TABLE \"" + name + "\" (x int)");
-    const CString left = "S: error: table whose name can't be asked for: ";
+    const CString left = "S: error: table whose name can't be looked up: ";
     expectAnswers(folder, source,
                   {{"-l -t aa -t z", {0, "\\z\t\n\\aa\t\n", ""}},
                    {"-l --strict",
