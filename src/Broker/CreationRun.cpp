@@ -190,10 +190,10 @@ CString CreationRun::detailsOf(const CreatedType& outcome) const
     if (outcome.code != CreatedType::exists || !isOtherSource(outcome))
         return {};
     if (!outcome.isSourceStored)
-        return "The repository keeps no sources of types.";
+        return "The repository does not store where its types come from.";
     if (outcome.source.empty())
         return "The source of the existing type is not known.";
-    return "The existing type is a different one, of " + shownText(outcome.source) + " (" + outcome.time + ").";
+    return "The existing type is different and comes from " + shownText(outcome.source) + " (" + outcome.time + ").";
 }
 
 void CreationRun::noteSource(const CreatedType& outcome)

@@ -51,7 +51,7 @@ void assignOperands(const std::vector<CString>& words, Arguments& arguments)
     arguments.importer = importerNamed(words.front());
     arguments.sources.assign(words.begin() + (arguments.importer != nullptr), words.end());
     if (arguments.sources.empty())
-        throw CLI::ValidationError(words.front(), "what is its source?");
+        throw CLI::ValidationError(words.front(), "a source is missing");
     const CString& first = words.front();
     if (!arguments.importer && words.size() > 1 && first != "-" && testReadable(first) == FileCause::fileNotFound)
         throw CLI::ValidationError(shownSource(first), "neither an importer (see --importers) nor a file");
@@ -66,8 +66,8 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
                    "                            name or a connection string; any number for all but\n"
                    "                            btd, odbc, and dtd and xsd without --full; folders\n"
                    "                            for --full, wsdl, jsonschema, openapi, avro and json\n"
-                   "  @FILE                     Take further arguments from this file, one a line\n");
-    app.add_flag("--recursive", arguments.isRecursive, "Take the files of folders below a folder, too");
+                   "  @FILE                     Read further arguments from this file, one per line\n");
+    app.add_flag("--recursive", arguments.isRecursive, "Include the files of subfolders");
     app.add_option("-t,--table", arguments.tables,
                    "odbc: import this table, repeatable (default: all); SCHEMA.TABLE or DATABASE.TABLE picks one of "
                    "several, _ and % match any character and text")
@@ -87,10 +87,8 @@ void addOutputOptions(CLI::App& app, Arguments& arguments)
 {
     app.add_option("-o,--output", arguments.output, "Write to this file (default: standard output)")->type_name("FILE");
     app.add_flag("--always", arguments.always, "Write the file even if nothing changed")->needs("--output");
-    CLI::Option* const list = app.add_flag("-l,--list", arguments.list, "List the types instead, one a line");
-    app.add_option("--type", arguments.type, "Write the document of this type alone")
-        ->type_name("NAME")
-        ->excludes(list);
+    CLI::Option* const list = app.add_flag("-l,--list", arguments.list, "List the types instead, one per line");
+    app.add_option("--type", arguments.type, "Write the document of this type only")->type_name("NAME")->excludes(list);
     app.add_flag("--pretty", arguments.pretty, "With --type: indent it (default on a terminal)")->needs("--type");
     CLI::Option* const graph = app.add_flag("--graph", arguments.graph, "Write a graph of the types instead, in DOT")
                                    ->excludes(list, "--type");
@@ -107,7 +105,7 @@ void addOtherOptions(CLI::App& app, Arguments& arguments, CString& answer)
         "-q,--quiet", [&arguments] { arguments.verbosity = Verbosity::quiet; }, "Print errors only");
     app.add_flag_callback(
            "-v,--verbose", [&arguments] { arguments.verbosity = Verbosity::verbose; },
-           "Print all warnings, and the importer chosen")
+           "Print all warnings and the chosen importer")
         ->excludes(quiet);
 
     app.add_flag_callback(
@@ -116,7 +114,7 @@ void addOtherOptions(CLI::App& app, Arguments& arguments, CString& answer)
             answer = importerList();
             throw CLI::Success();
         },
-        "List the importers: word, file patterns, name");
+        "List the importers with file patterns and names");
     app.add_option_function<CString>(
            "--completion",
            [&app, &answer](const CString& shell) {
@@ -158,9 +156,9 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         refuseEmptyNames(app);
         assignOperands(words, arguments);
         if (arguments.json && !arguments.list && arguments.diff.document.empty())
-            throw CLI::ValidationError("--json", "there is no JSON of it without --list or --diff");
+            throw CLI::ValidationError("--json", "requires --list or --diff");
         if (arguments.diff.document == "-" && std::ranges::find(arguments.sources, "-") != arguments.sources.end())
-            throw CLI::ValidationError("--diff", "standard input can't be the source and the document, too");
+            throw CLI::ValidationError("--diff", "standard input can't be both the source and the document");
         // Without a named importer, this is checked when the importer has been chosen.
         if (const CString usageError = arguments.importer ? usageErrorFor(arguments, *arguments.importer) : "";
             !usageError.empty())
@@ -205,11 +203,11 @@ CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importe
         return word + " reads one source at a time" +
                (importer.hasFull() && !arguments.full.isWanted ? "; with --full it reads several" : "");
     if (!arguments.logon.user.empty() && !arguments.usesBroker() && !importer.querySource().readsTables)
-        return "--user: there is nobody to log on to without --create";
+        return "--user has no effect without --create";
     if (!arguments.sourceLogon.user.empty() && !importer.querySource().readsTables)
         return "--source-user: " + word + " reads no tables";
     if (!arguments.sourceLogon.user.empty() && !arguments.logon.user.empty() && !arguments.usesBroker())
-        return "--user: without --create it is the database's user, as --source-user is";
+        return "--user and --source-user both name the database's user without --create; give one";
     if (!arguments.tables.empty() && !importer.querySource().readsTables)
         return "--table: " + word + " reads no tables";
     return {};

@@ -68,6 +68,6 @@ bool keepRepository(MsgBase& message, const CString& document, const LogonOption
         text += each;
     if (keepText(document, text + "</types>"))
         return true;
-    report("can't keep what " + document + " holds");
+    report("can't store the types of " + document);
     return false;
 }

@@ -46,7 +46,7 @@ OverwriteChoice choose(const CString& overwrite, const CString& question, const 
     if (overwrite == "ask")
         return ask(question, details);
     if (overwrite.empty() && verbosity != Verbosity::quiet)
-        report("types that exist are left alone; to replace them use --overwrite all, to be asked --overwrite ask");
+        report("existing types are kept; use --overwrite all to replace them, or --overwrite ask");
     return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
 }
 
@@ -89,7 +89,8 @@ void reportOtherSources(const CreationRun& run, const CString& source, bool isKe
             report(typesOf(kept, shown) + (kept == 1 ? " is different" : " are different") + kBasePathHint);
     }
     if (!run.areSourcesStored())
-        report("the repository keeps no sources of types; it does when the owner of its table has created types");
+        report("the repository does not store where its types come from; it will once the owner of its table has "
+               "created types");
 }
 
 } // namespace
@@ -104,7 +105,7 @@ void addCreateOptions(CLI::App& app, CreateOptions& options)
     app.add_flag("--trusted", options.trusted, "Log on as the current user (default)")
         ->needs(create)
         ->excludes("--user");
-    app.add_flag("--dry-run", options.isDryRun, "Only print what would become of each type")->needs(create);
+    app.add_flag("--dry-run", options.isDryRun, "Print what would happen to each type; create none")->needs(create);
     app.add_option("--overwrite", options.overwrite,
                    "Replace existing types: all, none or ask (default: ask on a terminal, else keep)")
         ->type_name("all|none|ask")

@@ -51,7 +51,7 @@ std::vector<CString> filesOf(const SourceReport& report)
 void addDependencyOptions(CLI::App& app, DependencyOptions& options)
 {
     CLI::Option* const file =
-        app.add_option("--depfile", options.file, "Write a make rule naming the files that were read")
+        app.add_option("--depfile", options.file, "Write a make rule with the files that were read")
             ->type_name("FILE")
             ->needs("--output");
     app.add_flag("--depfile-phony", options.hasPhony, "Add an empty rule for each further file")->needs(file);

@@ -227,7 +227,7 @@ bool compare(MsgBase& message, const CString& document, const DiffOptions& optio
     earlier.keepTwins();
     earlier.parseFile(document, earlier.getBasePath());
     if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository())
-        diagnostics.add({document, "it is no document of types"});
+        diagnostics.add({document, "it is not a document of types"});
     else
         reportLosses(earlier.queryReport(), report, diagnostics, document);
     if (diagnostics.hasErrors())
@@ -246,7 +246,7 @@ CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
             ->check([](const CString& document) {
                 return document.starts_with(kBroker) ? addressError(document.substr(kBroker.size())) : "";
             });
-    app.add_option("--compatible", options.compatible, "Whom changes must not break (default: readers)")
+    app.add_option("--compatible", options.compatible, "Fail if changes break these (default: readers)")
         ->type_name("readers|writers|both")
         ->check(CLI::IsMember({"readers", "writers", "both"}))
         ->needs(diff);
@@ -254,7 +254,7 @@ CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
         ->type_name("ID")
         ->allow_extra_args(false)
         ->check([](const CString& id) {
-            return changeNamed(id) == TypeChange::idCount ? "no change is called " + id : CString();
+            return changeNamed(id) == TypeChange::idCount ? "there is no change named " + id : CString();
         })
         ->needs(diff);
     app.add_flag("--ignore-folders", options.ignoreFolders, "Accept another base path or main element")->needs(diff);

@@ -80,8 +80,8 @@ CString FullOptions::usageErrorFor(std::size_t sourceCount) const
 
 void addFullOptions(CLI::App& app, FullOptions& options)
 {
-    CLI::Option* const full = app.add_flag("--full", options.isWanted, "dtd, xsd: Read by all rules of the language");
-    app.add_option("--root", options.roots, "With --full: import only what NAME reaches (repeats)")
+    CLI::Option* const full = app.add_flag("--full", options.isWanted, "dtd, xsd: apply all rules of the language");
+    app.add_option("--root", options.roots, "With --full: import only NAME and what it uses (repeats)")
         ->type_name("NAME")
         ->allow_extra_args(false);
     app.add_option("--folders", options.layout, "With --full: place types by main type or namespace")
@@ -102,7 +102,8 @@ void addFullOptions(CLI::App& app, FullOptions& options)
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false)
         ->needs(full);
-    app.add_option("--name", options.name, "With --full: name the whole (default: the main type)")->type_name("NAME");
+    app.add_option("--name", options.name, "With --full: name the document (default: the main type)")
+        ->type_name("NAME");
 }
 
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer)
@@ -152,7 +153,7 @@ void suggestSectionEntities(const MsgBase& message, Diagnostics& diagnostics)
         if (&name != &full->querySectionEntities().front())
             others += (others.empty() ? "" : ", ") + name;
     diagnostics.warning("all its sections are left out; --entity " + full->querySectionEntities().front() +
-                        "=INCLUDE reads one" + (others.empty() ? "" : ", others go by " + others));
+                        "=INCLUDE includes one" + (others.empty() ? "" : "; others depend on " + others));
 }
 
 void warnOfUnusedOptions(const MsgBase& message, Diagnostics& diagnostics)

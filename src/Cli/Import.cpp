@@ -46,8 +46,8 @@ void warnOfChangedTag(const MsgBase& message, Diagnostics& diagnostics)
 {
     const CString mainType = message.queryMainTypeName(), tag = message.queryFrameTag();
     if (tag != mainType && !mainType.empty())
-        diagnostics.warning("the root element of the document is called " + tag + ", since " + mainType +
-                            " can't be an element's name");
+        diagnostics.warning("the document's root element is named " + tag + ", because " + mainType +
+                            " is not an element name in XML");
 }
 
 int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagnostics)
@@ -63,7 +63,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     if (type) {
         writeType(*type, arguments.pretty || output.isTerminal(), output);
     } else if (arguments.hasType) {
-        diagnostics.error("there is no type called " + arguments.type);
+        diagnostics.error("there is no type named " + arguments.type);
         return kFailed;
     } else if (arguments.list) {
         if (arguments.json)
@@ -91,7 +91,7 @@ void reportNoTypes(const MsgUIDescriptor& importer, const CString& file, Diagnos
         hint = CString("; it looks like a source for ") + other->querySource().word;
     else if (const std::string_view foreign = isFile ? foreignAdvice(file) : ""; !foreign.empty())
         hint = "; " + CString(foreign);
-    diagnostics.error("no type came of it" + hint);
+    diagnostics.error("no types were found" + hint);
 }
 
 // Imports the sources. Returns whether there are types to write; if not, that has been reported.
@@ -100,7 +100,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
 {
     const CString basePath = basePathOf(arguments, message);
     if (arguments.hasBasePath && importer.querySource().namesFolders)
-        diagnostics.warning("--base-path has no effect: the document says where its types lie");
+        diagnostics.warning("--base-path has no effect: the document names the folders of its types");
     message.setFurtherFiles({files.begin() + 1, files.end()});
     if (!arguments.report.file.empty() || arguments.report.isStrict || arguments.verbosity != Verbosity::quiet)
         message.wantReport();
@@ -131,7 +131,7 @@ MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diag
     for (std::size_t i = 1; importer && i < files.size(); ++i) {
         const MsgUIDescriptor* const other = importerOf(files[i], diagnostics);
         if (other && other != importer)
-            diagnostics.add({files[i], CString("it is no source for ") + importer->querySource().word + ", as " +
+            diagnostics.add({files[i], CString("it is not a source for ") + importer->querySource().word + ", as " +
                                            shownFile(files.front()) + " is"});
         if (other != importer)
             return nullptr;

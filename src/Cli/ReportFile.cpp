@@ -30,7 +30,7 @@ CString listingHint(const ReportOptions& options, std::size_t losses)
 void addReportOptions(CLI::App& app, ReportOptions& options)
 {
     CLI::Option* const report =
-        app.add_option("--report", options.file, "Write what was left out to this file (- is stderr)")
+        app.add_option("--report", options.file, "Write a report of losses and details to this file (- is stderr)")
             ->type_name("FILE");
     app.add_option("--report-format", options.format, "Format of the report (default: text)")
         ->type_name("text|json")

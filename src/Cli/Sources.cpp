@@ -74,7 +74,7 @@ MsgUIDescriptor* importerOf(const CString& file, Diagnostics& diagnostics)
         const std::string_view foreign = foreignAdvice(file);
         const bool isReadable = cause == FileCause::none || cause == FileCause::generic;
         diagnostics.add({file, !isReadable       ? inWords(file, cause)
-                               : foreign.empty() ? "its importer can't be told; name it in front of the source"
+                               : foreign.empty() ? "its importer is unknown; name one before the source"
                                                  : CString(foreign)});
     }
     return importer;

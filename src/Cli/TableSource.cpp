@@ -36,8 +36,8 @@ void requireDifferentNames(const std::vector<ChosenTable>& tables)
     std::map<CString, const TableName*> known;
     for (const ChosenTable& each : tables)
         if (const auto [first, isNew] = known.emplace(each.table.name, &each.table); !isNew)
-            throw std::runtime_error(first->second->text() + " and " + each.table.text() + " would be one type, " +
-                                     each.table.name + "; import them one by one, each with a --base-path of its own");
+            throw std::runtime_error(first->second->text() + " and " + each.table.text() + " would become one type, " +
+                                     each.table.name + "; import each alone, with its own --base-path");
 }
 
 // Returns a hint if the database refuses the logon and only --user was given, which applies to the broker.
@@ -59,7 +59,7 @@ void TableSource::import(MsgBase& message, const Arguments& arguments, const CSt
     } catch (const CDBException& error) {
         diagnostics.error(error.what() + logonHint(arguments, error));
     } catch (const NoTable& table) {
-        diagnostics.error("there is no table called " + table.name);
+        diagnostics.error("there is no table named " + table.name);
     }
 }
 

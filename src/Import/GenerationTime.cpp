@@ -44,5 +44,5 @@ CString epochError()
     const char* const text = std::getenv(kVariable);
     if (text == nullptr || fixedTime())
         return {};
-    return formatText("%s: '%s' is no number of seconds since 1970 up to the year 9999", kVariable, text);
+    return formatText("%s: '%s' is not a number of seconds from 1970 to the year 9999", kVariable, text);
 }

@@ -11,7 +11,7 @@ struct ImporterSource
     const char* word = "";     ///< on the command line
     unsigned int filterId = 0; ///< string-table id of the file filter's label, its pattern's follows it; 0: no files
     bool readsTables = false;  ///< the source is a data source, not a file
-    bool namesFolders = false; ///< the source says where its types lie; a base path has no effect
+    bool namesFolders = false; ///< the source names the folders of its types; a base path has no effect
     bool isSet = false;        ///< always read in full, several files or folders as one source
     bool hasFolders = false;   ///< the same, without catalogues; files in folders go by the filter's pattern
 };

@@ -109,7 +109,7 @@ class Create(unittest.TestCase):
         create = ["pair.dtd", "--create", "local", "--trusted"]
         self.assertEqual((0, "a created successfully\nr created successfully\n", ""), self.run_import(*create))
         question = "\\sys\\rosettanet\\r\\%s already exists.\nOverwrite? [y]es, yes to [a]ll, [n]o, no to all [x]: "
-        left = "typeforge-import: types that exist are left alone; to replace them use --overwrite all, to be asked --overwrite ask\n"
+        left = "typeforge-import: existing types are kept; use --overwrite all to replace them, or --overwrite ask\n"
         for overwrite, answers, status, a, r, said in [
                 ("all", "", 0, "modifed", "modifed", ""),
                 ("none", "", 0, "skipped", "skipped", ""),
@@ -152,7 +152,7 @@ class Create(unittest.TestCase):
         os.mkdir(self.folder + "/sub")
         end = "; --base-path keeps them apart\n"
         one, more = " was replaced by a different one" + end, " were replaced by different ones" + end
-        left = "types that exist are left alone; to replace them use --overwrite all, to be asked --overwrite ask\n"
+        left = "existing types are kept; use --overwrite all to replace them, or --overwrite ask\n"
         for source, r, a, option, *told in [
                 ("one.dtd", "a", "b", "all"),
                 ("two.dtd", "a", "c", "all", "1 type of one.dtd" + one),
@@ -174,7 +174,7 @@ class Create(unittest.TestCase):
                     *["-q"] if source == "four.dtd" else [], answers=dtd if source == "-" else "")
                 self.assertEqual((0 if option else 4, "".join("typeforge-import: " + line for line in told)), (status, said))
         said = self.run_import("five.dtd", "--create", "local", "--overwrite", "ask")[2]
-        self.assertRegex(said, r"^The existing type is a different one, of %s/four.dtd \(2[-0-9]+T[0-9:]+Z\)\.\n.*a already exists" % self.folder)
+        self.assertRegex(said, r"^The existing type is different and comes from %s/four.dtd \(2[-0-9]+T[0-9:]+Z\)\.\n.*a already exists" % self.folder)
 
     def test_a_lock_of_another_program_is_waited_for_once(self):
         self.run_import("pair.dtd", "--create", "local")

@@ -35,7 +35,7 @@ not compatible: it breaks readers
           "changed base path and main element: \\sys\\rosettanet\\r\\ to \\s\\ [folder-changed]\n",
           ""}},
         {"$import r.dtd -b '\\acme' --diff r.xml --ignore-folders; $import - -b '\\acme' --diff - <r.dtd",
-         {2, "", mistake("--diff: standard input can't be the source and the document, too")}},
+         {2, "", mistake("--diff: standard input can't be both the source and the document")}},
         {"printf '<!ELEMENT r (a, b, c+)>' >c.dtd; $import c.dtd -q --diff r.xml | grep -c breaks; $import r.dtd -o "
          "r2.xml;"
          "printf '<!ELEMENT r (a)>' >e.dtd; $import e.dtd -q --diff r.xml --allow type-removed",
@@ -45,7 +45,7 @@ not compatible: it breaks readers
           ""}},
         {"$import e.dtd -q --diff r.xml --allow type-removed --allow field-removed | tail -1",
          {0, "compatible: it breaks no readers\n", ""}},
-        {"$import e.dtd -q --diff r.xml --allow x", {2, "", mistake("--allow: no change is called x")}},
+        {"$import e.dtd -q --diff r.xml --allow x", {2, "", mistake("--allow: there is no change named x")}},
         // An added constant breaks readers, a removed one breaks writers.
         {"e() { printf '<!ELEMENT r (t)><!ATTLIST r k (%s) #IMPLIED>' \"$1\" >k.dtd; shift; $import k.dtd -q --full "
          "\"$@\" | tail "
@@ -85,7 +85,7 @@ not compatible: it breaks readers
         // The same types, but no document: something stands behind the end, or the end is missing.
         {"(cat r.xml; echo x) >x.xml; $import r.dtd --diff x.xml; head -c -1 r.xml >x.xml; $import r.dtd --diff x.xml",
          {2, "", "x.xml:4:446: error: Extra content at the end of the document\nx.xml:4:445: error: expected '>'\n"}},
-        {"echo '<a/>' >a.xml; $import r.dtd --diff a.xml", {2, "", "a.xml: error: it is no document of types\n"}},
+        {"echo '<a/>' >a.xml; $import r.dtd --diff a.xml", {2, "", "a.xml: error: it is not a document of types\n"}},
         {"$import odbc x --user u --password-file none --diff r.xml",
          {2, "", says("can't open none: No such file or directory")}},
         {"printf '<!ELEMENT M (a\\344)><!ELEMENT a\\344 (x)>' >l.dtd; $import l.dtd -q -o l.xml; $import l.dtd -q "
@@ -104,8 +104,8 @@ not compatible: it breaks readers
           "added record \\sys\\rosettanet\\a\uFFFD[1m   b\\a\uFFFD[1m   b [type-added]\n"
           "    t0 [label=\"<title> a\uFFFD[1m   b|<r0> c : String\\l\"]\n",
           "e.dtd: warning: 1 loss: 1 impossible name; --report FILE lists it\n"
-          "e.dtd: warning: the root element of the document is called a\uFFFD_1m___b, since a\uFFFD[1m   b can't be an "
-          "element's name\n"}},
+          "e.dtd: warning: the document's root element is named a\uFFFD_1m___b, because a\uFFFD[1m   b is not an "
+          "element name in XML\n"}},
     };
     for (const Case& row : rows)
         EXPECT_EQ(run(row.line), row.answer) << row.line;

@@ -39,7 +39,7 @@ TEST_F(ImportCommand, AnswersExactly)
         // A short name takes precedence over a full one.
         {R"(printf '<!ELEMENT r (\\r\\r)><!ELEMENT \\r\\r (x)>' >t.dtd; $import dtd t.dtd -q -b '' --type '\r\r' | head -c 40)",
          {0, R"-(<BROKERTYPEDESCRIPTION NAME="\r\\r\r" DE)-", ""}},
-        {"$import dtd r.dtd --type a", {1, "", "r.dtd: error: there is no type called a\n"}},
+        {"$import dtd r.dtd --type a", {1, "", "r.dtd: error: there is no type named a\n"}},
         {"$import dtd r.dtd -l -b acme | cut -f1", {0, "acme\\r\\t_b\nacme\\r\\r\n", ""}},
         {"$import dtd r.dtd -l -b 'acme\\' | cut -f1", {0, "acme\\r\\t_b\nacme\\r\\r\n", ""}},
         {"$import --help | awk 'length > 80'", {0, "", ""}},
@@ -109,15 +109,15 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import xml /dev/zero", {1, "", "/dev/zero: error: Operation not supported\n"}},
 
         {"$import r.dtd -o r.btd && $import btd r.btd -b '\\x' -l",
-         {0, kList, "r.btd: warning: --base-path has no effect: the document says where its types lie\n"}},
+         {0, kList, "r.btd: warning: --base-path has no effect: the document names the folders of its types\n"}},
 
         // Imports without types.
         {"echo '<r><s t=\"1\"/></r>' >o.xml; $import dtd o.xml -o old; echo $?; cat old",
          {0, "1\n" + kList,
           "o.xml: warning: 3 losses: 3 statements not understood; --report FILE lists them\n"
-          "o.xml: error: no type came of it; it looks like a source for xml\n"}},
-        {"echo '<r/>' >e.xml; $import e.xml", {1, "", "e.xml: error: no type came of it\n"}},
-        {"$import btd e.xml", {1, "", "e.xml: error: no type came of it; it looks like a source for xml\n"}},
+          "o.xml: error: no types were found; it looks like a source for xml\n"}},
+        {"echo '<r/>' >e.xml; $import e.xml", {1, "", "e.xml: error: no types were found\n"}},
+        {"$import btd e.xml", {1, "", "e.xml: error: no types were found; it looks like a source for xml\n"}},
         {"SOURCE_DATE_EPOCH=0 $import btd e.xml --allow-empty | tail -n +3", {0, "<r>\r\n</r>", ""}},
 
         // Sources.
@@ -148,8 +148,8 @@ TEST_F(ImportCommand, AnswersExactly)
         {"printf '<!DOCTYPE r [<!ENTITY a \"]>\"> ] ><r><s><t/></s></r>' >y.xml; $import y.xml --type s | grep -c "
          "'\"t\"'",
          {0, "1\n", ""}},
-        {"$import a.xml b.xml r.dtd", {1, "", "r.dtd: error: it is no source for xml, as a.xml is\n"}},
-        {"$import old", {1, "", "old: error: its importer can't be told; name it in front of the source\n"}},
+        {"$import a.xml b.xml r.dtd", {1, "", "r.dtd: error: it is not a source for xml, as a.xml is\n"}},
+        {"$import old", {1, "", "old: error: its importer is unknown; name one before the source\n"}},
         // A format without an importer is named, with a way to import it.
         {"printf '<grammar xmlns=\"http://relaxng.org/ns/structure/1.0\"/>' >g.xml; $import g.xml",
          {1, "", "g.xml: error: this is RELAX NG; convert it with trang, then import the schema\n"}},
@@ -181,7 +181,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"printf 'PK\\003\\004\\000\\001' >z.dtd; $import z.dtd",
          {1, "", "z.dtd: error: this is a ZIP archive; unpack it, then import a file of it\n"}},
         {"printf 'a, b\nc\n' >c.txt; $import c.txt",
-         {1, "", "c.txt: error: its importer can't be told; name it in front of the source\n"}},
+         {1, "", "c.txt: error: its importer is unknown; name one before the source\n"}},
 
         {"f=$(printf 'x\\033\\ty.dtd'); printf '<!ELEMENT r (a)>' >\"$f\"; $import dtd --full \"$f\" -q -o /dev/null "
          "--report - "
@@ -265,7 +265,7 @@ TEST_F(ImportCommand, AnswersExactly)
          "$import xsd --full x.xsd --entity a=b; $import dtd --full t.dtd --entity a",
          {2, "\\sys\\rosettanet\\a\\d\td (Automatically created)\n\\sys\\rosettanet\\a\\a\ta (Automatically created)\n",
           "t.dtd: error: it declares no element, type or enumeration\nt.dtd: warning: all its sections are left out; "
-          "--entity a=INCLUDE reads one, others go by b\n" +
+          "--entity a=INCLUDE includes one; others depend on b\n" +
               mistake("--entity: xsd has no parameter entities") + mistake("--entity: it takes NAME=VALUE")}},
 
         // Reports.
@@ -357,8 +357,8 @@ TEST_F(ImportCommand, AnswersExactly)
          {1, "written\n1\n0\n", ""}},
         {"SOURCE_DATE_EPOCH=1e9 $import r.dtd; SOURCE_DATE_EPOCH=253402300800 $import r.dtd -l",
          {2, "",
-          mistake("SOURCE_DATE_EPOCH: '1e9' is no number of seconds since 1970 up to the year 9999") +
-              mistake("SOURCE_DATE_EPOCH: '253402300800' is no number of seconds since 1970 up to the year 9999")}},
+          mistake("SOURCE_DATE_EPOCH: '1e9' is not a number of seconds from 1970 to the year 9999") +
+              mistake("SOURCE_DATE_EPOCH: '253402300800' is not a number of seconds from 1970 to the year 9999")}},
         // Arguments from a file.
         {"printf 'dtd\\r\\n\\nr.dtd\\n--list' >args; $import @args", {0, kList, ""}},
         {"$import r.dtd @none", {2, "", mistake("can't open none: No such file or directory")}},
@@ -403,7 +403,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"export SOURCE_DATE_EPOCH=0; $import dtd wide -q >a; $import dtd wide -q -o b; cmp a b", {0, "", ""}},
 
         // Invalid command lines.
-        {"$import dtd", {2, "", mistake("dtd: what is its source?")}},
+        {"$import dtd", {2, "", mistake("dtd: a source is missing")}},
         {"$import doc r.dtd", {2, "", mistake("doc: neither an importer (see --importers) nor a file")}},
         {"$import dtd r.dtd r.dtd", {2, "", mistake("dtd reads one source at a time; with --full it reads several")}},
         {"$import --nonsense", {2, "", mistake("The following argument was not expected: --nonsense")}},
@@ -432,7 +432,7 @@ TEST_F(ImportCommand, AnswersExactly)
               says("can't write d/x/../x: Not a directory")}},
         {"$import 'DSN=a;PWD = secret' x",
          {2, "", mistake("DSN=a;PWD =***: neither an importer (see --importers) nor a file")}},
-        {"$import r.dtd --user u", {2, "", mistake("--user: there is nobody to log on to without --create")}},
+        {"$import r.dtd --user u", {2, "", mistake("--user has no effect without --create")}},
     };
     folder.write("wide", wide);
     for (const Case& row : rows)
@@ -462,7 +462,7 @@ TEST_F(ImportCommand, FailureLeavesNoFile)
         Answer answer;
     } rows[] = {
         {"$import dtd none -o old", {1, "", "none: error: No such file or directory\n"}},
-        {"$import dtd r.dtd --type x -o old", {1, "", "r.dtd: error: there is no type called x\n"}},
+        {"$import dtd r.dtd --type x -o old", {1, "", "r.dtd: error: there is no type named x\n"}},
         {full + "$import dtd wide -q -o old", {3, "", says("can't write old: No space left on device")}},
         {full + "$import dtd wide -q -o new", {3, "", says("can't write new: No space left on device")}},
     };

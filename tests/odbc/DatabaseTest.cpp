@@ -416,13 +416,13 @@ TEST(Database, TheCommandLineImportsADataSource)
         {"Orders -l -t v -b 'x\\y'", {0, "x\\y\\v\t\n", ""}},
         {"Orders -l -t a -t none",
          {1, "",
-          "Orders: error: there is no table called none\nOrders: warning: 1 loss: 1 table no longer there; --report "
+          "Orders: error: there is no table named none\nOrders: warning: 1 loss: 1 table no longer there; --report "
           "FILE lists it\n"}},
         {"Orders -l -t ' ' 2>&-", {2, "", ""}},
-        {"Empty -l; ls", {0, "cli.ini\norders\npassword\n", "Empty: error: no type came of it\n"}},
+        {"Empty -l; ls", {0, "cli.ini\norders\npassword\n", "Empty: error: no types were found\n"}},
         {"Lost -l; ls", {0, "cli.ini\norders\npassword\n", "Lost: error: [SQLite]connect failed (SQLSTATE S1000)\n"}},
         {"Text -l -t a", {1, "", "Text: error: [SQLite]file is not a database (26) (SQLSTATE S1000)\n"}},
-        {"'DSN=Empty;Pwd = {a;b};UID=u'", {1, "", "DSN=Empty;Pwd =***: error: no type came of it\n"}},
+        {"'DSN=Empty;Pwd = {a;b};UID=u'", {1, "", "DSN=Empty;Pwd =***: error: no types were found\n"}},
         {"Orders -t b --report - -q -o /dev/null", {0, "", "1 type, 1 field: 1 typed, 0 left text\n"}},
         {"Other -l", {1, "", "Other: error: There is no data source called Other (SQLSTATE IM002)\n"}},
         {onServer + "-t u --user typeforge --password-file password", {0, "\\u\t\n", ""}},

@@ -51,33 +51,32 @@ TEST(TableChoice, PicksTheTableOfASchemaAndTellsTheOthers)
     const TempDir folder;
     folder.write("password", server.password);
     const CString ofSource = "--source-user typeforge --source-password-file password ", program = "typeforge-import: ";
-    expectAnswers(folder, server.connection("postgres"),
-                  {{"$logon -t a.t --type t", {0, typeOf("x"), ""}},
-                   {"$logon -t postgres.b.t --type t", {0, typeOf("y"), ""}},
-                   {"$logon -t a.dot -l", {0, "\\a.dot\t\n", ""}},
-                   {"$logon -t t -l --report - -q",
-                    {0, "\\t\t\n",
-                     "1 loss\nt: columns of several tables in one record: a.t, b.t\n\n1 record of several tables\n1 "
-                     "type, 2 fields: 2 typed, 0 left text\n"}},
-                   {"$logon --strict",
-                    {1, "",
-                     "t: error: columns of several tables in one record: a.t, b.t\n"
-                     "u: error: table hidden by another of its name: a.u\n"}},
-                   {"$logon -t c.t -q", {1, "", "S: error: there is no table called c.t\n"}},
-                   {"$logon -t a.t -t b.t",
-                    {1, "",
-                     program + "a.t and b.t would be one type, t; import them one by one, each with a --base-path of "
-                               "its own\n"}},
-                   {"-t a.t --create local " + ofSource, {0, "t created successfully\n", ""}},
-                   {"-t a.t --create local $logon",
-                    {1, "",
-                     "S: error: connection to server at \"127.0.0.1\", port " + std::to_string(server.port) +
-                         " failed: fe_sendauth: no password supplied (SQLSTATE 08001); --source-user logs on to the "
-                         "database\n"}},
-                   {"$logon " + ofSource,
-                    {2, "",
-                     program + "--user: without --create it is the database's user, as --source-user is\nTry "
-                               "typeforge-import --help\n"}}});
+    expectAnswers(
+        folder, server.connection("postgres"),
+        {{"$logon -t a.t --type t", {0, typeOf("x"), ""}},
+         {"$logon -t postgres.b.t --type t", {0, typeOf("y"), ""}},
+         {"$logon -t a.dot -l", {0, "\\a.dot\t\n", ""}},
+         {"$logon -t t -l --report - -q",
+          {0, "\\t\t\n",
+           "1 loss\nt: columns of several tables in one record: a.t, b.t\n\n1 record of several tables\n1 "
+           "type, 2 fields: 2 typed, 0 left text\n"}},
+         {"$logon --strict",
+          {1, "",
+           "t: error: columns of several tables in one record: a.t, b.t\n"
+           "u: error: table hidden by another of its name: a.u\n"}},
+         {"$logon -t c.t -q", {1, "", "S: error: there is no table named c.t\n"}},
+         {"$logon -t a.t -t b.t",
+          {1, "", program + "a.t and b.t would become one type, t; import each alone, with its own --base-path\n"}},
+         {"-t a.t --create local " + ofSource, {0, "t created successfully\n", ""}},
+         {"-t a.t --create local $logon",
+          {1, "",
+           "S: error: connection to server at \"127.0.0.1\", port " + std::to_string(server.port) +
+               " failed: fe_sendauth: no password supplied (SQLSTATE 08001); --source-user logs on to the "
+               "database\n"}},
+         {"$logon " + ofSource,
+          {2, "",
+           program + "--user and --source-user both name the database's user without --create; give one\nTry "
+                     "typeforge-import --help\n"}}});
 }
 
 TEST(TableChoice, PicksTheTableOfADatabase)

@@ -242,7 +242,7 @@ TEST(BrokerRoad, NamesTheOtherSourceOfAChangedType)
     desk.walkTo(IDD_LOGIN);
     desk.logOn("local", "1", nullptr, "");
     const Texts questions = desk.create({IDC_YES, IDC_NO, IDC_NO});
-    EXPECT_THAT(questions[0], testing::MatchesRegex(".*Overwrite[?][|]The existing type is a different one, of " +
+    EXPECT_THAT(questions[0], testing::MatchesRegex(".*Overwrite[?][|]The existing type is different and comes from " +
                                                     first + " \\(20[-0-9]+T[0-9:]+Z\\)[.]"));
     EXPECT_THAT(questions[1], testing::EndsWith("Overwrite?")); // this type is the same in both
 }
