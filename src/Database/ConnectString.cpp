@@ -82,7 +82,7 @@ CString dataSourceText(const CString& name)
     if (found == sources.end() || (!unread.empty() && isInUserFile(name)))
         throw CDBException("IM002", 0,
                            "There is no data source called " + name +
-                               (unread.empty() ? "" : "; " + unread + " isn't read, since it can't be written to"));
+                               (unread.empty() ? "" : "; " + unread + " is not read, because it is not writable"));
     const bool another = found->name != name && std::ranges::find(sources, name, &DataSource::name) != sources.end();
     if (another)
         throw CDBException("IM002", 0, "The data source " + found->name + " hides the one called " + name);

@@ -71,7 +71,7 @@ void putOptionalText(CString& message, const std::optional<CString>& text)
 std::string_view MessageReader::take(std::size_t size)
 {
     if (size > left.size())
-        throw CDBException("S1000", 0, "The process of the driver has sent a message that is cut off");
+        throw CDBException("S1000", 0, "The driver's process has sent an incomplete message");
     const std::string_view taken = left.substr(0, size);
     left.remove_prefix(size);
     return taken;

@@ -109,7 +109,7 @@ DriverProcess::DriverProcess(CString source) : source(std::move(source))
 {
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
-        raise("No pipe to a process for the driver", errno);
+        raise("Can't create a pipe to the driver's process", errno);
     socket = ends[0];
     if (areThreadsUsed) {
         std::thread([other = ends[1]] {
@@ -127,7 +127,7 @@ DriverProcess::DriverProcess(CString source) : source(std::move(source))
     if (process > 0)
         return;
     ::close(socket);
-    raise("No process for the driver", error);
+    raise("Can't start a process for the driver", error);
 }
 
 DriverProcess::~DriverProcess()
@@ -160,7 +160,7 @@ void DriverProcess::wait(short events, Clock::time_point start, milliseconds tim
         if (now - start >= timeout)
             throw CDBException("HYT00", 0,
                                "The database has not answered for " + std::to_string(timeout.count() / 1000) +
-                                   " seconds; the connection has been given up");
+                                   " seconds; the connection is closed");
         if (unwantedSince != Clock::time_point::max() && now - unwantedSince >= kGrace)
             throw Cancelled();
     }

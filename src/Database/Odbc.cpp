@@ -58,7 +58,7 @@ bool CDatabase::Open(const CString& source, Access access, const CString& logon)
         if (attempts[1].isProbe) {
             if (canConnect(connection.text, access, attempts[1]))
                 throw CDBException("08004", 0,
-                                   "The server takes this user over TLS alone, which the data source turns off");
+                                   "The server accepts this user over TLS only, which the data source turns off");
             throw;
         }
     }
@@ -126,7 +126,7 @@ CString CDatabase::call(std::string_view request)
             Close();
         raise(reader);
     }
-    throw CDBException("S1000", 0, "The process of the driver has sent an unknown answer");
+    throw CDBException("S1000", 0, "The driver's process has sent an unknown answer");
 }
 
 void CDatabase::ExecuteSQL(const CString& sql)

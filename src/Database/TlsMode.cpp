@@ -128,8 +128,8 @@ std::vector<TlsAttempt> tlsAttempts(const CString& connection)
         return mariaDbAttempts(connection, own);
     if (!isSupported && own >= require)
         throw CDBException("S1C00", 0,
-                           "This driver isn't known to keep to SSLmode=" + CString(kModes[*own]) +
-                               "; ask for TLS in the words of the driver");
+                           "This driver may not apply SSLmode=" + CString(kModes[*own]) +
+                               "; set the driver's own option for TLS");
     if (driver == Driver::mySql || (!isSupported && own) || (!own && !settingOf(connection, "CA").empty()))
         return {{""}}; // CA is PostgreSQL's abbreviation
     return {{"SSLmode=" + CString(kModes[own ? *own : modeOfEnvironment(isSupported)]) + ";"}};

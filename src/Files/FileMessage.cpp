@@ -27,13 +27,13 @@ CString inWords(const CString& fileName, FileCause cause)
         return std::generic_category().message(*error);
     const std::uintmax_t size = std::filesystem::file_size(fileName, ignored);
     return cause == FileCause::generic && !ignored && size > kMaxNamedFile ? inWords(EOVERFLOW)
-                                                                           : "The system refuses it";
+                                                                           : "The system refused access";
 }
 
 CString inWords(int error)
 {
     static_assert(kMaxNamedFile == 64 << 20);
-    return error == EOVERFLOW ? "It has more than 64 MB, the most for a file that a source names"
+    return error == EOVERFLOW ? "It is larger than 64 MB, the limit for a file that a source names"
                               : std::generic_category().message(error);
 }
 

@@ -45,7 +45,7 @@ CString headingOf(SourceReport::Sort sort, std::size_t total)
 // Returns the line for places that were only counted, because the list of places had reached its bound.
 CString unlistedInWords(SourceReport::Sort sort, std::size_t times)
 {
-    return "... and " + std::to_string(times) + " more, past the bound of " +
+    return "... and " + std::to_string(times) + " more, over the limit of " +
            std::to_string(SourceReport::kMaxMegabytes[sort]) + " MB for places\n";
 }
 

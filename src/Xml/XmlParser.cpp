@@ -64,7 +64,7 @@ CString reasonInWords(std::string_view reason)
     reason = reason.substr(0, reason.find(option));
     if (reason.ends_with("use "))
         reason.remove_suffix(4);
-    return CString(trimmed(reason, ", ")) + ", which is past a bound for documents that declare entities";
+    return CString(trimmed(reason, ", ")) + ", which exceeds the limit for documents that declare entities";
 }
 
 // Sets libxml2's error handler in its scope. That of a parser context would miss errors of the decoder.
@@ -328,7 +328,7 @@ void Parse::expand(std::size_t bytes)
     expanded += bytes;
     if (expanded > kFreeExpansion && expanded / kMaxExpansionRatio > source.queryCount())
         fail("The entities and default attributes of the document expand to more than 10 times its size, which is the "
-             "bound");
+             "limit");
 }
 
 // Counts the comparisons of a list in which each member is compared with all before it. Fails if they exceed the bound.
@@ -336,7 +336,7 @@ void Parse::compare(std::size_t members)
 {
     comparisons += members * members / 2;
     if (comparisons > kFreeComparisons && comparisons / kMaxComparisons > source.queryCount())
-        fail("The document has too many lists with too many members: 64 comparisons for each byte are the bound");
+        fail("The document has too many lists with too many members: the limit is 64 comparisons for each byte");
 }
 
 // Returns where the last start tag begins. libxml2 only knows its end, but keeps all of it in memory. A well-formed tag
@@ -386,19 +386,19 @@ void Parse::checkName(const xmlChar* local, const xmlChar* prefix)
 {
     const std::size_t size = prefix ? ::strnlen(text(prefix), kMaxXmlName) + 1 : 0;
     if (size + ::strnlen(text(local), kMaxXmlName + 1) > kMaxXmlName)
-        fail("A name has more than 4,096 bytes, which is the bound");
+        fail("A name has more than 4,096 bytes, which is the limit");
 }
 
 void Parse::checkBounds(int attributes)
 {
     if (attributes > kMaxAttributes)
-        fail("An element has more than 10,000 attributes, which is the bound");
+        fail("An element has more than 10,000 attributes, which is the limit");
     else if (parser->nsNr > 2 * kMaxNamespaces)
-        fail("More than 4,096 namespaces are declared at once, which is the bound");
+        fail("More than 4,096 namespaces are declared at once, which is the limit");
     else if (xmlDictSize(parser->dict) > kMaxNames)
-        fail("The document has more than 100,000 different names, which is the bound");
+        fail("The document has more than 100,000 different names, which is the limit");
     else if (depth >= kMaxDepth)
-        fail("The elements are nested more than 200,000 levels deep, which is the bound");
+        fail("The elements are nested more than 200,000 levels deep, which is the limit");
 }
 
 // Calls the handler and keeps its exception for run(), because an exception must not unwind C code.

@@ -105,7 +105,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd \"$(printf 'a\\033[1mb')\"", {1, "", "a [1mb: error: No such file or directory\n"}},
         {"$import dtd none -o old", {1, "", "none: error: No such file or directory\n"}},
         {"$import dtd .", {1, "", ".: error: Is a directory\n"}},
-        {"$import dtd /dev/zero", {1, "", "/dev/zero: error: The system refuses it\n"}},
+        {"$import dtd /dev/zero", {1, "", "/dev/zero: error: The system refused access\n"}},
         {"$import xml /dev/zero", {1, "", "/dev/zero: error: Operation not supported\n"}},
 
         {"$import r.dtd -o r.btd && $import btd r.btd -b '\\x' -l",
@@ -170,7 +170,7 @@ TEST_F(ImportCommand, AnswersExactly)
           "\\sys\\xml\\M\\M\tM (Automatically created)\n\\sys\\xml\\M\\M\tM (Automatically created)\n"
           "\\sys\\xml\\M\\M\tM (Automatically created)\n\\sys\\xml\\n\\M\tM (Automatically created)\n",
           "w/w.xml: note: read as a source for wsdl\n"}},
-        {"$import wsdl i.xsd", {1, "", "i.xsd: error: it is no WSDL\n"}},
+        {"$import wsdl i.xsd", {1, "", "i.xsd: error: it is not a WSDL\n"}},
         {"$import jsonschema j.json --catalog c", {2, "", mistake("--catalog: jsonschema reads no catalogues")}},
         {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},
         {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; $import m.txt",
@@ -211,7 +211,7 @@ TEST_F(ImportCommand, AnswersExactly)
          {1,
           "\\sys\\json\\A\\A\tA (Automatically created)\n\\sys\\json\\u\tu (Automatically created)\n\\sys\\json\\T\tT\n"
           "NAME=\"\\sys\\json\\j\\j\"\nNAME=\"b\"\nNAME=\"title\"\nNAME=\"properties\"\n",
-          "j/t.json: error: it is no OpenAPI and no AsyncAPI document\n" + says("j: the folder holds no source")}},
+          "j/t.json: error: it is neither an OpenAPI nor an AsyncAPI document\n" + says("j: the folder holds no source")}},
         {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
         {"$import dtd --full r.dtd --folder u", {2, "", mistake("--folder: it takes URI=NAME")}},
         {"$import dtd --full r.dtd --folder u=v", {2, "", mistake("--folder requires --folders namespace")}},

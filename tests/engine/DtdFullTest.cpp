@@ -254,7 +254,7 @@ TEST_F(DtdMain, RefusesWhatPassesABound)
         EXPECT_EQ(message.parseFile(file, "\\"), passes) << dtd.substr(0, 50);
         EXPECT_EQ(boxes.take(), passes
                                     ? std::vector<CString>()
-                                    : std::vector<CString>{file + ": more than " + refusal + ", which is the bound."});
+                                    : std::vector<CString>{file + ": more than " + refusal + ", which is the limit."});
     }
     EXPECT_EQ(message.beginEnum(), 10'000);
 }

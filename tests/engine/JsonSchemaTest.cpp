@@ -194,7 +194,7 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
 x.json:4:41: key given twice: f
 x.json:2:15: reference to nothing that was read: #/$defs/None at #/properties/a
 x.json:2:43: module or document not there: none.json at #/properties/b
-bad.json:2:7: document not well-formed: a colon is expected behind the key (named in x.json:2:68)
+bad.json:2:7: document not well-formed: a colon is expected after the key (named in x.json:2:68)
 x.json:2:68: reference to nothing that was read: bad.json#/x at #/properties/c
 x.json:3:7: further properties of any name: #/properties/d
 x.json:4:7: values of different kinds: #/properties/e
@@ -268,11 +268,11 @@ struct Refusal
 const Refusal kRefusals[] = {
     {"NoJson", "{\"a\":\n  tru}", "Error on line 2, column 6.\nError text is 'a value is expected'."},
     {"Empty", " ", "Error on line 1, column 2.\nError text is 'the text ends too early'."},
-    {"TextBehindTheEnd", "{} x", "Error on line 1, column 4.\nError text is 'text behind the end'."},
+    {"TextBehindTheEnd", "{} x", "Error on line 1, column 4.\nError text is 'text follows the end of the document'."},
     {"CommaTooMany", "[1,]", "Error on line 1, column 4.\nError text is 'a value is expected'."},
-    {"NoUtf8", "{\"\xff\":1}", "Error on line 1, column 3.\nError text is 'the bytes are no UTF-8'."},
+    {"NoUtf8", "{\"\xff\":1}", "Error on line 1, column 3.\nError text is 'the bytes are not UTF-8'."},
     {"TooDeep", times(1001, "[") + times(1001, "]"),
-     "Error on line 1, column 1001.\nError text is 'more than 1000 levels of nesting, which is the bound'."},
+     "Error on line 1, column 1001.\nError text is 'more than 1000 levels of nesting, which is the limit'."},
     {"NoYaml", "#\na: [", "Error on line 3, column 1.\nError text is 'did not find expected node content'."},
     {"YamlOfOtherBytes", "# YAML\na: b\n# caf\xe9\n",
      "Error on line 3, column 6.\nError text is 'incomplete UTF-8 octet sequence'."},
@@ -281,16 +281,16 @@ const Refusal kRefusals[] = {
     {"YamlColumnsInBytes", "# YAML\n\u00e9: {\u00e9\u00e9: 1, <<: *x}",
      "Error on line 2, column 19.\nError text is 'an alias of nothing that stands before it'."},
     {"YamlInsideItself", "# \na: &a [*a]",
-     "Error on line 2, column 8.\nError text is 'an alias of nothing that stands before it'."},
+     "Error on line 2, column 8.\nError text is 'the alias has no anchor before it'."},
     {"SecondYaml", "# \na: 1\n---\nb: 1",
-     "Error on line 3, column 1.\nError text is 'a second document begins, and one is read'."},
+     "Error on line 3, column 1.\nError text is 'a second document begins; only the first is supported'."},
     {"NoSchema", "[{}]", "$ declares no element, type or enumeration."},
     {"MadeOfItself", R"({"allOf":[{"$ref":"#/$defs/A"}],"$defs":{"A":{"anyOf":[{"type":"null"},{"$ref":"#"}]}}})",
-     "# is made of itself, without an object between."},
+     "# refers to itself without an object in between."},
     {"ManyMerges", manyMerges(),
-     "$: more than 100000 merged members and 20 more for each value of the document, which is the bound."},
+     "$: more than 100000 merged members and 20 more for each value of the document, which is the limit."},
     {"ManyCombinations", manyCombinations(),
-     "$: more than 1000 combinations of schemas and 2 more for each value of the source, which is the bound."},
+     "$: more than 1000 combinations of schemas and 2 more for each value of the source, which is the limit."},
     {"NoSuchMainType", R"({"properties":{"a":{}}})", "There is no element called B.", "B"},
 };
 

@@ -29,7 +29,7 @@ const Bound kBounds[] = {
                     "'><attribute name='a" + own + "'/></extension></complexContent></complexType>";
          });
      },
-     "", "more than 1000000 fields, which is the bound."},
+     "", "more than 1000000 fields, which is the limit."},
     {"ManyEmptyExtensions",
      [] {
          return "<element name='r' type='t:T0'/>" + chained(50'000, [](const CString& own, const CString& next) {
@@ -46,7 +46,7 @@ const Bound kBounds[] = {
                            "</sequence></group>";
                 });
      },
-     "", "more than 20000000 particles of groups, which is the bound."},
+     "", "more than 20000000 particles of groups, which is the limit."},
     {"GroupsInsideEachOther",
      [] {
          return ROOT("<group ref='t:g0'/>") +
@@ -102,7 +102,7 @@ const Bound kBounds[] = {
                         }) +
                 ROOT("<attribute name='a' type='t:S0'/>");
      },
-     "", "more than 1000000 constants, which is the bound."},
+     "", "more than 1000000 constants, which is the limit."},
 };
 
 class SchemaBound : public SchemaFull, public testing::WithParamInterface<Bound>

@@ -96,7 +96,7 @@ const Case kDocuments[] = {
     {"Twins", type("R", "<ROW><F NAME='a' TYPE='a'/>\n<F NAME='a' TYPE='b'/></ROW>") + type("\\b\\R", "<ROW/>"),
      "x:3:1: declared twice: a\nx:4:2: declared twice: R\n"},
     {"BehindTheEnd", type("R", "") + type("\\a\\S", "<ROW/>") + "<!-- -->",
-     "x:3:2: declaration skipped: \\a\\S behind a type without content\n"},
+     "x:3:2: declaration skipped: \\a\\S after a type without content\n"},
 };
 
 class TypeDocument : public Importing<BrokerMessage>

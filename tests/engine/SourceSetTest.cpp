@@ -125,7 +125,7 @@ TEST_F(SchemaSets, ASourceThatIsNoneIsRefused)
 {
     message.setFurtherFiles({folder.write("a", "<a/>")});
     EXPECT_EQ(import(kParts), 0);
-    EXPECT_THAT(boxes.take(), testing::ElementsAre(folder.path("a") + " is no schema."));
+    EXPECT_THAT(boxes.take(), testing::ElementsAre(folder.path("a") + " is not a schema."));
 }
 
 // The folder of a namespace is the shortest end of its URI that is unique.
@@ -230,7 +230,7 @@ TEST_F(OpenApiSets, AreOneImport)
         EXPECT_EQ(namesOf(files, row), row.types) << row.name;
     message.setFurtherFiles({folder.path("e")});
     EXPECT_EQ(message.parseFile(folder.path("a"), ""), 0);
-    EXPECT_THAT(boxes.take(), testing::ElementsAre(folder.path("e") + ": it is no OpenAPI and no AsyncAPI document."));
+    EXPECT_THAT(boxes.take(), testing::ElementsAre(folder.path("e") + ": it is neither an OpenAPI nor an AsyncAPI document."));
 }
 
 TEST_F(AvroSets, AreOneImport)

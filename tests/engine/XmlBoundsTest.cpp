@@ -121,10 +121,10 @@ TEST_F(XmlBounds, NestingIsReadUpToItsBound)
     EXPECT_EQ(read(times(200'000, "<a>\n") + times(200'000, "</a>")), "");
     EXPECT_EQ(counter.deepest, 200'000U);
     EXPECT_EQ(read(times(1'000'000, "<a>\n")),
-              "200001 The elements are nested more than 200,000 levels deep, which is the bound");
+              "200001 The elements are nested more than 200,000 levels deep, which is the limit");
     EXPECT_EQ(counter.deepest, 200'000U);
     EXPECT_EQ(read("<!DOCTYPE a [<!ENTITY e ''>]>\n" + times(300, "<a>")),
-              "2 Excessive depth in document: 256, which is past a bound for documents that declare entities");
+              "2 Excessive depth in document: 256, which exceeds the limit for documents that declare entities");
     EXPECT_EQ(read("<a>" + times(200'000, "<b c='") + "'/>"), "1 Unescaped '<' not allowed in attributes values");
 }
 
@@ -139,14 +139,14 @@ TEST_F(XmlBounds, FloodsOfAttributesAndNamespacesAreCutOff)
     EXPECT_EQ(read(flood(10'000, "b")), "");
     EXPECT_EQ(counter.attributes, 10'000U);
     EXPECT_EQ(read("<a>" + times(5, flood(9'000, "b")) + "</a>"),
-              "4 The document has too many lists with too many members: 64 comparisons for each byte are the bound");
+              "4 The document has too many lists with too many members: the limit is 64 comparisons for each byte");
     for (const int count : {10'001, 1'000'000})
-        EXPECT_EQ(read(flood(count, "b")), "2 An element has more than 10,000 attributes, which is the bound");
+        EXPECT_EQ(read(flood(count, "b")), "2 An element has more than 10,000 attributes, which is the limit");
     EXPECT_EQ(read(flood(4'000, "xmlns:b")), "");
     EXPECT_EQ(read(flood(1'000'000, "xmlns:b")),
-              "2 More than 4,096 namespaces are declared at once, which is the bound");
+              "2 More than 4,096 namespaces are declared at once, which is the limit");
     EXPECT_EQ(read(times(5'000, "<a xmlns:b='u'>\n")),
-              "4097 More than 4,096 namespaces are declared at once, which is the bound");
+              "4097 More than 4,096 namespaces are declared at once, which is the limit");
 }
 
 TEST_F(XmlBounds, NamesAreReadUpToTheirBound)
@@ -155,13 +155,13 @@ TEST_F(XmlBounds, NamesAreReadUpToTheirBound)
     EXPECT_EQ(read("<" + name + " " + name + "='1'><p:" + name.substr(2) + "/></" + name + ">"), "");
     for (const std::string& content :
          {"<" + more + "/>", "<p:" + name + "/>", "<b " + more + "='1'/>", "<b><?" + more + "?></b>"})
-        EXPECT_EQ(read("<a>\n" + content + "</a>"), "2 A name has more than 4,096 bytes, which is the bound");
+        EXPECT_EQ(read("<a>\n" + content + "</a>"), "2 A name has more than 4,096 bytes, which is the limit");
     EXPECT_EQ(read("<!DOCTYPE a [<!ATTLIST b " + more + " CDATA '1'>]>\n<a><b/></a>"),
-              "2 A name has more than 4,096 bytes, which is the bound");
+              "2 A name has more than 4,096 bytes, which is the limit");
     std::string names = "<a>\n";
     for (int i = 0; i < 100'001; ++i)
         names += "<n" + std::to_string(i) + "/>";
-    EXPECT_EQ(read(names + "</a>"), "2 The document has more than 100,000 different names, which is the bound");
+    EXPECT_EQ(read(names + "</a>"), "2 The document has more than 100,000 different names, which is the limit");
 }
 
 TEST_F(XmlBounds, ListsThatAreComparedAreCutOff)
@@ -173,7 +173,7 @@ TEST_F(XmlBounds, ListsThatAreComparedAreCutOff)
         return "\n<!ATTLIST a b " + values + ") #IMPLIED>";
     };
     const std::string refusal =
-        "The document has too many lists with too many members: 64 comparisons for each byte are the bound";
+        "The document has too many lists with too many members: the limit is 64 comparisons for each byte";
     EXPECT_EQ(read("<!DOCTYPE a [" + flood(10'000) + "]><a/>"), "");
     EXPECT_EQ(read("<!DOCTYPE a [" + times(300, flood(400)) + "]><a/>"), "");
     EXPECT_EQ(read("<!DOCTYPE a [" + flood(50'000) + "]><a/>"), "2 " + refusal);

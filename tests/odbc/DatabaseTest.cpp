@@ -438,7 +438,7 @@ TEST(Database, TheCommandLineImportsADataSource)
           "require, verify-ca, verify-full (SQLSTATE S1009)\n"}},
         {"Orders -l -t v; chmod 755 .; chmod 444 cli.ini; cp $import import; " + somebody + "./import odbc DSN=Orders",
          {1, "\\v\t\n",
-          "DSN=Orders: error: There is no data source called Orders; cli.ini isn't read, since it can't be written to "
+          "DSN=Orders: error: There is no data source called Orders; cli.ini is not read, because it is not writable "
           "(SQLSTATE IM002)\n"}},
     };
     for (const auto& run : cases)

@@ -47,7 +47,7 @@ protected:
         } catch (const std::exception& error) {
             describe(error.what());
         } catch (const Cancelled&) {
-            describe("The connection has been given up, since the work was cancelled");
+            describe("The connection is closed, because the work was cancelled");
         }
         return VornResult::clientError;
     }
@@ -156,7 +156,7 @@ public:
 
     VornResult createType(const char*, std::int32_t, std::uint32_t*) noexcept override
     {
-        return attempt([]() -> VornResult { throw std::logic_error("The repository is open for reading alone"); });
+        return attempt([]() -> VornResult { throw std::logic_error("The repository is open for reading only"); });
     }
 
     IVornObject* queryInterface(std::string_view name) const override

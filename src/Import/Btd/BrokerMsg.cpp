@@ -41,7 +41,7 @@ void BrokerMessage::skipType(const IXMLDOMNode& type)
         return;
     std::string_view name;
     readAttributes(type, {{"NAME", &name}});
-    note(SourceReport::declarationSkipped, type, CString(name) + " behind a type without content");
+    note(SourceReport::declarationSkipped, type, CString(name) + " after a type without content");
 }
 
 // Reads one type. Returns false for a type without content, which ends the import.

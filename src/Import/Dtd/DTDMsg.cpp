@@ -156,7 +156,7 @@ int DTDMessage::refuse(std::string_view statement, const CString& bound)
         dropPartialCharacter(start);
     return fail(fillText(loadText(IDS_DTD_STATEMENT), start),
                 faultAt(placeOf(statement), fillText(loadText(IDS_DTD_STATEMENT),
-                                                     "a bound is passed, since " + bound + ": " + CString(start))));
+                                                     "a limit is exceeded: " + bound + ": " + CString(start))));
 }
 
 // Returns the fault for the statement that begins at `at`, or at the last '<' before it.

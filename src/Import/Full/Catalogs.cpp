@@ -200,7 +200,7 @@ std::uint32_t Catalogs::read(const FoundFile& file, const CString& shownName, co
     if (!named && !isRead)
         throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
     if (!named)
-        throw SourceRefusal{shownName + " is no XML catalogue.", {shownName, "it is no XML catalogue"}};
+        throw SourceRefusal{shownName + " is not an XML catalogue.", {shownName, "it is not an XML catalogue"}};
     report.add(isRead ? SourceReport::moduleUnreadable : SourceReport::moduleIllFormed, named->place, named->reference);
     catalogs.back() = {};
     return kNoCatalog;

@@ -152,7 +152,7 @@ public:
     /// Throws SourceRefusal: the source has more than `what`.
     [[noreturn]] void refuse(const CString& what) const
     {
-        const CString reason = "more than " + what + ", which is the bound";
+        const CString reason = "more than " + what + ", which is the limit";
         throw SourceRefusal{sourceName + ": " + reason + ".", {"", reason}};
     }
 

@@ -74,7 +74,7 @@ void JsonContents::enter(Index schema)
     step();
     if (!inProgress.emplace(schema, true).second) {
         const SourcePlace place = tree.placeOf(schema);
-        const CString words = tree.pointerTo(schema) + " is made of itself, without an object between";
+        const CString words = tree.pointerTo(schema) + " refers to itself without an object in between";
         frames.clear();
         throw SourceRefusal{words + ".", {report.fileNameOf(place.file), words, place.line, place.column}};
     }

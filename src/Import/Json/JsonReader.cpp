@@ -170,7 +170,7 @@ private:
         switch (event.type) {
         case YAML_DOCUMENT_START_EVENT:
             if (builder.root() != 0)
-                fail("a second document begins, and one is read", event.start_mark);
+                fail("a second document begins; only the first is supported", event.start_mark);
             break;
         case YAML_SCALAR_EVENT:
             takeScalar(event);
@@ -239,18 +239,18 @@ private:
     {
         const auto found = anchors.find(tree.names.intern(textOf(event.data.alias.anchor)));
         if (isKey())
-            fail("a key that is no text", event.start_mark);
+            fail("the key is not text", event.start_mark);
         if (found == anchors.end() || builder.isOpen(found->second))
-            fail("an alias of nothing that stands before it", event.start_mark);
+            fail("the alias has no anchor before it", event.start_mark);
         tree[add(JsonNode::alias, {}, event.start_mark)].firstChild = tree.target(found->second);
     }
 
     void begin(JsonNode::Kind kind, std::string_view anchor, const yaml_mark_t& mark)
     {
         if (isKey())
-            fail("a key that is no text", mark);
+            fail("the key is not text", mark);
         if (open.size() == JsonScanner::kMaxDepth)
-            fail("more than " + std::to_string(JsonScanner::kMaxDepth) + " levels of nesting, which is the bound",
+            fail("more than " + std::to_string(JsonScanner::kMaxDepth) + " levels of nesting, which is the limit",
                  mark);
         keepAnchor(anchor, add(kind, {}, mark));
         open.push_back(kind == JsonNode::object ? std::optional(Mapping()) : std::nullopt);

@@ -95,7 +95,7 @@ JsonScanner::Token JsonScanner::next()
         if (isAtEnd())
             return end;
         if (!file)
-            fail("text behind the end");
+            fail("text follows the end of the document");
         state = value;
     }
     if (state == afterValue) {
@@ -127,7 +127,7 @@ JsonScanner::Token JsonScanner::scanKey()
         token = unescaped.assign(token);
     skipSpace();
     if (peek() != ':')
-        fail("a colon is expected behind the key");
+        fail("a colon is expected after the key");
     ++at;
     state = value;
     return key;
@@ -159,7 +159,7 @@ JsonScanner::Token JsonScanner::scanValue()
 JsonScanner::Token JsonScanner::open(bool object)
 {
     if (isObject.size() == kMaxDepth)
-        fail("more than " + std::to_string(kMaxDepth) + " levels of nesting, which is the bound");
+        fail("more than " + std::to_string(kMaxDepth) + " levels of nesting, which is the limit");
     ++at;
     isObject.push_back(object);
     state = object ? firstKey : firstValue;
@@ -199,7 +199,7 @@ void JsonScanner::scanString(bool isKey)
             kept = at;
         }
         if (isAtEnd())
-            fail("the text ends in a string");
+            fail("the text ends inside a string");
         const std::size_t size = data.size();
         while (at < size && !kSpecial[static_cast<unsigned char>(data[at])])
             ++at;
@@ -213,12 +213,12 @@ void JsonScanner::scanString(bool isKey)
             scanEscape();
             kept = at;
         } else if (static_cast<unsigned char>(c) < ' ') {
-            fail("a control character in a string");
+            fail("a string holds a control character");
         } else {
             while (data.size() - at < kLongestCharacter && refill()) {
             }
             if (decodeUtf8(data, at) == kInvalidUtf8)
-                fail("the bytes are no UTF-8");
+                fail("the bytes are not UTF-8");
         }
     }
     if (isPieced)
@@ -238,7 +238,7 @@ void JsonScanner::scanEscape()
     if (c != 'u') {
         const std::size_t which = letters.find(c);
         if (isAtEnd() || which == std::string_view::npos)
-            fail("an escape that JSON doesn't know");
+            fail("the escape is unknown in JSON");
         unescaped += meanings[which];
         ++at;
         return;

@@ -138,7 +138,7 @@ void JsonShapes::note(Index index, Kind kind, const JsonScanner& scanner)
 JsonShapes::Index JsonShapes::add(Index parent, NameTable::Id key)
 {
     if (shapes.size() == kMaxShapes)
-        throw JsonFault{"more than " + std::to_string(kMaxShapes) + " keys in different places, which is the bound"};
+        throw JsonFault{"more than " + std::to_string(kMaxShapes) + " keys in different places, which is the limit"};
     Shape& shape = shapes.emplace_back();
     shape.parent = parent;
     shape.key = key;

@@ -20,7 +20,7 @@ std::string_view openApiVersionOf(const JsonTree& tree, Index root)
 
 [[noreturn]] void refuseUnknown(const CString& file)
 {
-    refuse(file, "it is no OpenAPI and no AsyncAPI document");
+    refuse(file, "it is neither an OpenAPI nor an AsyncAPI document");
 }
 
 // Returns the descriptions of APIs among the roots, then the other documents, which are parts of descriptions. `count`

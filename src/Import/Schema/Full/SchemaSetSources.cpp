@@ -65,7 +65,7 @@ std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
         reader.finish();
     const bool isSchema = isRead && (reader.holdsWsdl() || tree.documents[number].root != 0);
     if (!isSchema && isGiven && number > 0)
-        throw SourceRefusal{file.name + " is no schema.", {file.name, "it is no schema"}};
+        throw SourceRefusal{file.name + " is not a schema.", {file.name, "it is not a schema"}};
     for (std::uint32_t at = number; at < tree.documents.size(); ++at)
         firstOfFile.push_back(at);
     if (!isSchema && !isGiven) {

@@ -5,5 +5,5 @@
 void WsdlMessage::check(const SchemaSet& set, const CString& fileName) const
 {
     if (!set.holdsWsdl())
-        throw SourceRefusal{fileName + " is no WSDL.", {"", "it is no WSDL"}};
+        throw SourceRefusal{fileName + " is not a WSDL.", {"", "it is not a WSDL"}};
 }

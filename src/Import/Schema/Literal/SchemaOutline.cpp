@@ -260,7 +260,7 @@ SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
 std::string_view SchemaOutline::keepName(std::string_view name)
 {
     if (name.size() > kMaxXmlName)
-        throw XmlRefusal{"A declared name has more than 4,096 bytes, which is the bound"};
+        throw XmlRefusal{"A declared name has more than 4,096 bytes, which is the limit"};
     return texts.keep({name, SchemaDeclaration::kMark});
 }
 
