@@ -254,7 +254,7 @@ CLI::Option* addDiffOptions(CLI::App& app, DiffOptions& options)
         ->type_name("ID")
         ->allow_extra_args(false)
         ->check([](const CString& id) {
-            return changeNamed(id) == TypeChange::idCount ? "there is no change named " + id : CString();
+            return changeNamed(id) == TypeChange::idCount ? "no change is called " + id : CString();
         })
         ->needs(diff);
     app.add_flag("--ignore-folders", options.ignoreFolders, "Accept another base path or main element")->needs(diff);

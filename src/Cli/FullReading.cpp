@@ -172,5 +172,5 @@ void suggestFullReading(const MsgUIDescriptor& importer, const CString& source, 
 {
     const std::unique_ptr<const FullMessage> full(importer.createFull());
     if (const CString unsupported = full ? full->unsupportedByLiteral(source) : ""; !unsupported.empty())
-        diagnostics.warning("read it with --full: it uses " + unsupported);
+        diagnostics.warning("use --full: the source uses " + unsupported);
 }

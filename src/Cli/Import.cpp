@@ -63,7 +63,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     if (type) {
         writeType(*type, arguments.pretty || output.isTerminal(), output);
     } else if (arguments.hasType) {
-        diagnostics.error("there is no type named " + arguments.type);
+        diagnostics.error("there is no type called " + arguments.type);
         return kFailed;
     } else if (arguments.list) {
         if (arguments.json)

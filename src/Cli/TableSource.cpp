@@ -59,7 +59,7 @@ void TableSource::import(MsgBase& message, const Arguments& arguments, const CSt
     } catch (const CDBException& error) {
         diagnostics.error(error.what() + logonHint(arguments, error));
     } catch (const NoTable& table) {
-        diagnostics.error("there is no table named " + table.name);
+        diagnostics.error("there is no table called " + table.name);
     }
 }
 

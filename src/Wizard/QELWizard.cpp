@@ -53,23 +53,22 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
 CString noImporterReason(const CString& name)
 {
     if (isFolder(name))
-        return "it holds no DTD, schema or WSDL. Choose the folder that does, or the files themselves.";
+        return "it contains no DTD, schema or WSDL. Choose a folder that does, or the files themselves.";
     const FileCause cause = testReadable(name);
     const std::string_view foreign = foreignAdvice(name);
     if (cause != FileCause::none)
         return inWords(name, cause);
-    return foreign.empty()
-               ? "no importer knows it by its name or its start. If it is a source all the same, choose its "
-                 "importer in the list, press Next, and name it there."
-               : CString(foreign);
+    return foreign.empty() ? "no importer recognises its name or contents. If it is a source, choose its importer in "
+                             "the list, press Next, and enter its name there."
+                           : CString(foreign);
 }
 
 void reportIgnoredFiles(const std::vector<CString>& files, bool readsSeveral)
 {
     if (files.empty())
         return;
-    CString text = readsSeveral ? "Files of one kind are imported together. Left aside:"
-                                : "One file is imported at a time. Left aside:";
+    CString text =
+        readsSeveral ? "Files of one kind are imported together. Ignored:" : "One file is imported at a time. Ignored:";
     for (const CString& file : files)
         text += "\n" + file;
     theApp.Error(text, IDS_ERROR_TITLE);

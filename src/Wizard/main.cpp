@@ -17,10 +17,10 @@ constexpr char kHelp[] =
     "Turns descriptions of messages into types for a message broker, step by step in a window.\n"
     "With FILE, a DTD, a schema, an XML message or types written earlier, it starts at that file.\n"
     "\n"
-    "  --help     show this and end\n"
-    "  --version  show the version and end\n"
+    "  --help     print this help and exit\n"
+    "  --version  print the version and exit\n"
     "\n"
-    "typeforge-import does the same in a script.\n";
+    "In scripts, use typeforge-import.\n";
 
 // Prints the text for the first --help or --version before "--". Returns whether there was one, so that no window
 // opens.
@@ -44,7 +44,7 @@ void takeStartMessage(QtMsgType type, const QMessageLogContext&, const QString& 
 {
     if (type != QtFatalMsg)
         return startMessages.append(text);
-    std::fputs("typeforge: no display to open a window on; typeforge-import does the same without one\n", stderr);
+    std::fputs("typeforge: there is no display; use typeforge-import instead\n", stderr);
     std::_Exit(1);
 }
 
@@ -69,8 +69,7 @@ int main(int argc, char* argv[])
     openDisplay(argc, argv, application);
     for (const QString& argument : QApplication::arguments().mid(1)) // Qt has removed its own options
         if (argument.startsWith('-')) {
-            std::fprintf(stderr, "typeforge: unknown option %s (typeforge --help shows what there is)\n",
-                         qUtf8Printable(argument));
+            std::fprintf(stderr, "typeforge: unknown option %s; try typeforge --help\n", qUtf8Printable(argument));
             return 2;
         }
     QApplication::setApplicationName("Typeforge");

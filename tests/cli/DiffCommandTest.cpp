@@ -45,7 +45,7 @@ not compatible: it breaks readers
           ""}},
         {"$import e.dtd -q --diff r.xml --allow type-removed --allow field-removed | tail -1",
          {0, "compatible: it breaks no readers\n", ""}},
-        {"$import e.dtd -q --diff r.xml --allow x", {2, "", mistake("--allow: there is no change named x")}},
+        {"$import e.dtd -q --diff r.xml --allow x", {2, "", mistake("--allow: no change is called x")}},
         // An added constant breaks readers, a removed one breaks writers.
         {"e() { printf '<!ELEMENT r (t)><!ATTLIST r k (%s) #IMPLIED>' \"$1\" >k.dtd; shift; $import k.dtd -q --full "
          "\"$@\" | tail "

@@ -39,7 +39,7 @@ TEST_F(ImportCommand, AnswersExactly)
         // A short name takes precedence over a full one.
         {R"(printf '<!ELEMENT r (\\r\\r)><!ELEMENT \\r\\r (x)>' >t.dtd; $import dtd t.dtd -q -b '' --type '\r\r' | head -c 40)",
          {0, R"-(<BROKERTYPEDESCRIPTION NAME="\r\\r\r" DE)-", ""}},
-        {"$import dtd r.dtd --type a", {1, "", "r.dtd: error: there is no type named a\n"}},
+        {"$import dtd r.dtd --type a", {1, "", "r.dtd: error: there is no type called a\n"}},
         {"$import dtd r.dtd -l -b acme | cut -f1", {0, "acme\\r\\t_b\nacme\\r\\r\n", ""}},
         {"$import dtd r.dtd -l -b 'acme\\' | cut -f1", {0, "acme\\r\\t_b\nacme\\r\\r\n", ""}},
         {"$import --help | awk 'length > 80'", {0, "", ""}},
@@ -68,7 +68,7 @@ TEST_F(ImportCommand, AnswersExactly)
          {0, "",
           "./f.dtd:3:3: warning: " + statement +
               "./f.dtd: warning: 3 losses: 2 statements not understood, 1 invented type; --report FILE lists them\n"
-              "./f.dtd: warning: read it with --full: it uses parameter entities, comments with markup, attributes "
+              "./f.dtd: warning: use --full: the source uses parameter entities, comments with markup, attributes "
               "other "
               "than CDATA #IMPLIED\n"}},
         {"$import ./f.dtd -q -o /dev/null --allow-empty", {0, "", ""}},
@@ -87,7 +87,7 @@ TEST_F(ImportCommand, AnswersExactly)
          "f.xsd",
          {1, "",
           "f.xsd: error: this document does not contain a root element\n"
-          "f.xsd: warning: read it with --full: it uses a target namespace, a prefix other than xs\n"}},
+          "f.xsd: warning: use --full: the source uses a target namespace, a prefix other than xs\n"}},
         {"printf '<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\">\n<xs:include schemaLocation=\"a.xsd\"/>\n"
          "<xs:include schemaLocation=\"http://b/c\"/><xs:element name=\"r\"><xs:complexType><xs:sequence>\n"
          "<xs:element name=\"n\" type=\"xs:int\"/><xs:element name=\"u v\" type=\"U\"/></xs:sequence></xs:complexType>"
@@ -398,7 +398,7 @@ TEST_F(ImportCommand, AnswersExactly)
          "mkfifo x.dtd; cat f.xsd >x.dtd & $import xsd x.dtd",
          {1, "x.dtd: note: read as a source for xsd\n" + kList,
           "x.dtd: error: this document does not contain a root element\n"
-          "x.dtd: warning: read it with --full: it uses a target namespace, a prefix other than xs\n"}},
+          "x.dtd: warning: use --full: the source uses a target namespace, a prefix other than xs\n"}},
         // A large piece after small ones.
         {"export SOURCE_DATE_EPOCH=0; $import dtd wide -q >a; $import dtd wide -q -o b; cmp a b", {0, "", ""}},
 
@@ -462,7 +462,7 @@ TEST_F(ImportCommand, FailureLeavesNoFile)
         Answer answer;
     } rows[] = {
         {"$import dtd none -o old", {1, "", "none: error: No such file or directory\n"}},
-        {"$import dtd r.dtd --type x -o old", {1, "", "r.dtd: error: there is no type named x\n"}},
+        {"$import dtd r.dtd --type x -o old", {1, "", "r.dtd: error: there is no type called x\n"}},
         {full + "$import dtd wide -q -o old", {3, "", says("can't write old: No space left on device")}},
         {full + "$import dtd wide -q -o new", {3, "", says("can't write new: No space left on device")}},
     };

@@ -64,7 +64,7 @@ TEST(TableChoice, PicksTheTableOfASchemaAndTellsTheOthers)
           {1, "",
            "t: error: columns of several tables in one record: a.t, b.t\n"
            "u: error: table hidden by another of its name: a.u\n"}},
-         {"$logon -t c.t -q", {1, "", "S: error: there is no table named c.t\n"}},
+         {"$logon -t c.t -q", {1, "", "S: error: there is no table called c.t\n"}},
          {"$logon -t a.t -t b.t",
           {1, "", program + "a.t and b.t would become one type, t; import each alone, with its own --base-path\n"}},
          {"-t a.t --create local " + ofSource, {0, "t created successfully\n", ""}},

@@ -73,7 +73,7 @@ TEST_F(DatabaseFlow, LeadsFromTheDataSourceToTheTypes)
     EXPECT_EQ(rowsOf(IDC_DATA_SOURCES), "First|SQLite3\nSecond|SQLite3\n");
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_DATA_SOURCE) << "nothing is selected";
-    EXPECT_EQ(desk.text(IDC_HINT), "Select a data source to go on.");
+    EXPECT_EQ(desk.text(IDC_HINT), "Select a data source to continue.");
     choose(IDC_DATA_SOURCES, 1);
     EXPECT_EQ(rowsOf(IDC_TABLES), "other|TABLE|||\n");
     desk.click("back");
@@ -82,7 +82,7 @@ TEST_F(DatabaseFlow, LeadsFromTheDataSourceToTheTypes)
     EXPECT_EQ(rowsOf(IDC_TABLES), "a|TABLE|||\nb|TABLE|||\n");
     desk.click("next");
     EXPECT_THAT(desk.boxes.take(), testing::ElementsAre("Please select a table before continuing"));
-    EXPECT_EQ(desk.text(IDC_SELECTED_COUNT), "None selected. Select at least one table to go on.");
+    EXPECT_EQ(desk.text(IDC_SELECTED_COUNT), "None selected. Select at least one table to continue.");
     for (const char* filter : {"a", "b", ""}) {
         list(IDC_TABLES).setFilter(filter);
         list(IDC_TABLES).setCurrentIndex(list(IDC_TABLES).model()->index(0, 0)); // at last a, alone

@@ -164,7 +164,7 @@ TEST(SourcePage, OffersTheFullReading)
     EXPECT_EQ(desk.page(), IDD_SOURCE);
     EXPECT_EQ(desk.boxes.take().size(), 1u);
     EXPECT_THAT(desk.boxes.details,
-                testing::MatchesRegex("Read it in full, by the check box on this page: it uses a target.*"));
+                testing::MatchesRegex("Check \"Read in full\" on this page: the source uses a target.*"));
     full.click();
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_EDIT);
@@ -291,7 +291,7 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     desk.click("next");
     EXPECT_TRUE(fullReadingHint->isVisible());
     EXPECT_EQ(fullReadingHint->text(),
-              "Read it in full, by the check box on the page before: it uses parameter entities.");
+              "Check \"Read in full\" on the page before: the source uses parameter entities.");
 }
 
 // View files whose name is relative to the folder at creation, and an output file that isn't complete yet.

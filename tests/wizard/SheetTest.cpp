@@ -51,8 +51,8 @@ TEST(Sheet, StartsAtAFileThatItIsGiven)
         desk.click("next");
         desk.wizard().openFiles({file.c_str(), "/other"});
         const bool isAlone = row.importer == nullptr || *row.importer == 'b';
-        Texts boxes = {(isAlone ? "One file is imported at a time. Left aside:\n/other"
-                                : "Files of one kind are imported together. Left aside:\n/other")};
+        Texts boxes = {(isAlone ? "One file is imported at a time. Ignored:\n/other"
+                                : "Files of one kind are imported together. Ignored:\n/other")};
         if (row.importer == nullptr)
             boxes.insert(boxes.begin(), "Select source message");
         EXPECT_EQ(desk.boxes.take(), boxes);

@@ -65,9 +65,9 @@ struct Set
      0,
      R"("IN/a.xsd" "IN/b.xsd")",
      {"a\\a", "b\\b"},
-     "Files of one kind are imported together. Left aside:\nIN/o.dtd"},
+     "Files of one kind are imported together. Ignored:\nIN/o.dtd"},
     {{"m.xml", "n.xml"}, 0, R"("IN/m.xml" "IN/n.xml")", {"m"}},
-    {{"j.json", "set"}, 0, "IN/j.json", {"j"}, "Files of one kind are imported together. Left aside:\nIN/set"},
+    {{"j.json", "set"}, 0, "IN/j.json", {"j"}, "Files of one kind are imported together. Ignored:\nIN/set"},
     {{"none"}, 0, nullptr, {}, "Select source message"},
 };
 
@@ -144,9 +144,10 @@ TEST(SourceSet, IsRefusedByAReadingOfOneFile)
     desk.importer = "XML Schema importer";
     const CString a = desk.dir.write("in/a.xsd", schema("a")), b = desk.dir.write("in/b.xsd", schema("b"));
     desk.walkTo(IDD_SOURCE);
-    for (const auto& [text, details] : {std::pair{textOfSources({a, b}), "Several files are read as one in full.*"},
-                                        {textOfSources({a, "/none"}), "/none: No such file or directory"},
-                                        {desk.dir.path("in"), "Is a directory"}}) {
+    for (const auto& [text, details] :
+         {std::pair{textOfSources({a, b}), "Several files can be read together only in full.*"},
+          {textOfSources({a, "/none"}), "/none: No such file or directory"},
+          {desk.dir.path("in"), "Is a directory"}}) {
         desk.type(IDC_INPUT_FILE, text);
         desk.click("next");
         EXPECT_EQ(desk.boxes.take(), Texts{"Select source message"});

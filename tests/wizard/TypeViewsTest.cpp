@@ -125,12 +125,11 @@ TEST(StructureOfAType, AnswersAtOnceForFiftyThousandTypes)
     }
     QTest::keyClick(&desk.tree(), Qt::Key_Asterisk); // would expand without end
     desk.button("showPicture").click();
-    EXPECT_EQ(desk.window<QLabel>("status")->text().toStdString(),
-              "3 types; a double click on one goes on from there.");
+    EXPECT_EQ(desk.window<QLabel>("status")->text().toStdString(), "3 types; double-click a type to continue from it.");
     auto& depth = *desk.window<QComboBox>("depth");
     depth.setCurrentIndex(3);
     Q_EMIT depth.activated(3);
-    EXPECT_EQ(desk.window<QLabel>("status")->text(), "The nearest 200 types; there are more.");
+    EXPECT_EQ(desk.window<QLabel>("status")->text(), "The nearest 200 types are shown; there are more.");
 }
 
 TEST(TypeWindow, ComesUpWhereNoViewerStarts)
@@ -178,7 +177,7 @@ TEST(TypeWindow, FindsRoundTheEndsAndCopies)
     seen.push_back(status.text().toStdString());
     desk.window<QAbstractButton>("copy")->click();
     seen.push_back(QApplication::clipboard()->text().toStdString());
-    EXPECT_EQ(seen, (Texts{"104", "195", "104Went on from the start.", "195Went on from the end.",
+    EXPECT_EQ(seen, (Texts{"104", "195", "104Continued from the start.", "195Continued from the end.",
                            "There is no \"no such\".", "FIELD"}));
 
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
@@ -258,7 +257,7 @@ TEST(PictureOfTypes, LeadsFromTypeToTypeAndSelectsThem)
     EXPECT_EQ(desk.title() + ": " + desk.status(), "d - Typeforge picture: No other type");
     desk.choose("direction", 1);
     desk.choose("depth", 0);
-    EXPECT_EQ(desk.status(), "2 types; a double click on one goes on from there.");
+    EXPECT_EQ(desk.status(), "2 types; double-click a type to continue from it.");
     desk.enter(1);
     EXPECT_EQ(desk.title(), "b - Typeforge picture");
     for (const char* before : {"d", "a"}) {
@@ -268,7 +267,7 @@ TEST(PictureOfTypes, LeadsFromTypeToTypeAndSelectsThem)
     EXPECT_FALSE(desk.window<QAbstractButton>("pictureBack")->isEnabled());
     desk.Desk::click("next");
     desk.enter(1);
-    EXPECT_EQ(desk.status(), "These types were imported anew, or left; the picture is of those before.");
+    EXPECT_EQ(desk.status(), "The types have changed since; this picture shows the earlier ones.");
 }
 
 // A root with many children, each with a child of its own.
@@ -290,7 +289,7 @@ TEST(PictureOfTypes, OpensWithTheNeighboursWhereThereIsMuch)
     desk.select(desk.list().rowCount() - 1);
     delete desk.window<QWidget>("diagramWindow");
     desk.button("showPicture").click();
-    EXPECT_EQ(desk.status(), "36 types; a double click on one goes on from there.");
+    EXPECT_EQ(desk.status(), "36 types; double-click a type to continue from it.");
     desk.choose("depth", 1);
     EXPECT_EQ(desk.diagram().boxCount(), 71u);
 }

@@ -44,7 +44,7 @@ void DataSourcePage::OnSetActive()
     if (selectedSource != -1)
         dataSourceList->selectRow(selectedSource);
     if (sources.empty())
-        showHint(tr("There are no data sources on this computer. Help says how to set one up."));
+        showHint(tr("There are no data sources on this computer. Help explains how to set one up."));
 }
 
 void DataSourcePage::showHint(const QString& text)
@@ -58,7 +58,7 @@ LRESULT DataSourcePage::OnWizardNext()
 {
     const int row = dataSourceList->selectedRow();
     if (row < 0) {
-        showHint(tr("Select a data source to go on."));
+        showHint(tr("Select a data source to continue."));
         return -1;
     }
     selectedSource = row;

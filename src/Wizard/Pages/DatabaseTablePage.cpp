@@ -99,7 +99,7 @@ LRESULT DatabaseTablePage::OnWizardNext()
 {
     const std::vector<int> selected = tableList->selectedRows();
     if (selected.empty()) {
-        selectedCount->setText(tr("None selected. Select at least one table to go on."));
+        selectedCount->setText(tr("None selected. Select at least one table to continue."));
         announce(*selectedCount);
         return stay(IDS_SELECT_TABLE);
     }

@@ -138,7 +138,7 @@ void EditPage::OnSetActive()
     const bool isLiteral = wizard->message->queryDescriptor()->hasFull() && !wizard->fullMessage();
     const CString unsupported = isLiteral ? wizard->unsupportedConstructs : CString();
     fullReadingHint->setText(
-        tr("Read it in full, by the check box on the page before: it uses %1.").arg(toUi(unsupported)));
+        tr("Check \"Read in full\" on the page before: the source uses %1.").arg(toUi(unsupported)));
     fullReadingHint->setHidden(unsupported.empty() || wizard->message->beginEnum() != 0);
     readingRow->showReading(*wizard->message, wizard->fullMessage());
     readingRow->offerFull(!unsupported.empty());

@@ -71,7 +71,7 @@ QString FinishPage::summary() const
 
 void FinishPage::view(const CString& name)
 {
-    showInViewer(name, this, [name] { stay("No program could be started that shows " + name); });
+    showInViewer(name, this, [name] { stay("No program could be started to show " + name); });
 }
 
 BOOL FinishPage::OnWizardFinish()

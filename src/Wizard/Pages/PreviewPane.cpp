@@ -43,7 +43,7 @@ PreviewPane::PreviewPane(QWidget* reading) :
     text->setReadOnly(true);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     text->setTabChangesFocus(true);
-    text->setPlaceholderText("This is no text.");
+    text->setPlaceholderText("This is not text.");
     QSizePolicy place(QSizePolicy::Ignored, QSizePolicy::Ignored);
     place.setRetainSizeWhenHidden(true);
     text->setSizePolicy(place);

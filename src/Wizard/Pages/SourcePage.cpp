@@ -58,7 +58,7 @@ private:
         CString details = queryMessageDetails();
         const CString unsupported = isErrorOfLiteralReading(text) ? wizard.unsupportedByLiteral(fileName) : CString();
         if (!unsupported.empty())
-            details = "Read it in full, by the check box on this page: it uses " + unsupported + "." +
+            details = "Check \"Read in full\" on this page: the source uses " + unsupported + "." +
                       (details.empty() ? "" : "\n") + details;
         const MessageBoxHandler own = setMessageBoxHandler(before);
         showMessageBox(text, title, details);
@@ -173,7 +173,7 @@ CString SourcePage::sourceError(const std::vector<CString>& names) const
     if (names.size() == 1 || readsFull())
         return {};
     if (wizard->message->queryDescriptor()->hasFull())
-        return "Several files are read as one in full only. Check \"Read in full\", or choose one file.";
+        return "Several files can be read together only in full. Check \"Read in full\", or choose one file.";
     return wizard->message->setFurtherFiles({}) ? "" : "This importer reads one file at a time. Choose one of them.";
 }
 
@@ -208,7 +208,7 @@ CString SourcePage::namedFile() const
 void SourcePage::takeFile(const CString& chosen)
 {
     if (chosen.size() > QELOptions::kMaxSourceSet) {
-        theApp.Error("These are too many files to name. Put them into a folder, and choose that.", IDS_ERROR_TITLE);
+        theApp.Error("Too many files are selected. Put them into a folder, and choose the folder.", IDS_ERROR_TITLE);
         return;
     }
     FilePage::takeFile(chosen);

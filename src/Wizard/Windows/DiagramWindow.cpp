@@ -62,7 +62,7 @@ QHBoxLayout* DiagramWindow::makeChoiceRow()
 {
     backButton = new QPushButton(tr("&Back"));
     backButton->setObjectName("pictureBack");
-    backButton->setToolTip(plainToolTip(tr("The picture before this one (Alt+Left)")));
+    backButton->setToolTip(plainToolTip(tr("Back to the previous picture (Alt+Left)")));
     backButton->setEnabled(false);
     connect(backButton, &QPushButton::clicked, this, &DiagramWindow::goBack);
     auto* row = new QHBoxLayout;
@@ -79,7 +79,7 @@ QHBoxLayout* DiagramWindow::makeChoiceRow()
         row->addWidget(combo);
         return combo;
     };
-    direction = addCombo("direction", tr("S&how:"), {tr("What it uses"), tr("Who uses it"), tr("Both")});
+    direction = addCombo("direction", tr("S&how:"), {tr("Types it uses"), tr("Types that use it"), tr("Both")});
     depth = addCombo("depth", tr("&Depth:"), {"1", "2", "3", tr("Any")});
     depth->setCurrentIndex(kAllDepths);
     return row;
@@ -207,9 +207,9 @@ bool DiagramWindow::draw(std::uint32_t type)
 QString DiagramWindow::countOf(std::size_t types, bool isWhole) const
 {
     if (!isWhole)
-        return tr("The nearest %1 types; there are more.").arg(types);
+        return tr("The nearest %1 types are shown; there are more.").arg(types);
     const QString count = types == 1 ? tr("No other type") : tr("%1 types").arg(types);
-    return depth->currentIndex() == kAllDepths ? count : tr("%1; a double click on one goes on from there.").arg(count);
+    return depth->currentIndex() == kAllDepths ? count : tr("%1; double-click a type to continue from it.").arg(count);
 }
 
 // If the drawing is cancelled, restores the choices for the picture that stays.
@@ -253,7 +253,7 @@ bool DiagramWindow::areTypesThere()
         return true;
     for (QWidget* control : std::initializer_list<QWidget*>{backButton, depth, direction})
         control->setEnabled(false);
-    status->setText(tr("These types were imported anew, or left; the picture is of those before."));
+    status->setText(tr("The types have changed since; this picture shows the earlier ones."));
     return false;
 }
 
@@ -306,8 +306,8 @@ bool DiagramWindow::wantsSvgInstead()
     const QSize size = pngSize(*diagram, scale);
     if (scale >= 1)
         return false;
-    const QString question = tr("The picture is too large for a PNG of its size. At %1 x %2 pixels it is %3 % of that, "
-                                "and small letters may not be legible. An SVG keeps all of it.")
+    const QString question = tr("The picture is too large for a PNG in full size. At %1 x %2 pixels it has %3 % of "
+                                "that size, and small text may be illegible. An SVG keeps the full size.")
                                  .arg(size.width())
                                  .arg(size.height())
                                  .arg(static_cast<int>(scale * 100));

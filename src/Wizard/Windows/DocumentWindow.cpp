@@ -141,8 +141,8 @@ void DocumentWindow::find(bool backward)
     if (!found.isNull())
         text->setTextCursor(found);
     status->setText(found.isNull() ? tr("There is no \"%1\".").arg(wanted)
-                    : backward     ? tr("Went on from the end.")
-                                   : tr("Went on from the start."));
+                    : backward     ? tr("Continued from the end.")
+                                   : tr("Continued from the start."));
 }
 
 void DocumentWindow::copy()
