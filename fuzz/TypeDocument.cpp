@@ -15,9 +15,9 @@ void require(bool holds)
 
 void look(const TypeStructure& types, std::uint32_t type)
 {
-    bool isWhole = false;
+    bool isComplete = false;
     require(types.parts(type).size() == types.partCount(type));
-    require(types.reach(type, 50, isWhole).front() == type);
+    require(types.reach(type, 50, isComplete).front() == type);
     for (const TypePart& part : types.parts(type))
         types.contentOf(part);
     for (const std::uint32_t user : types.users(type))

@@ -97,10 +97,10 @@ std::size_t CreationRun::createNext(std::size_t first)
         ++progress.done;
         return 1;
     }
-    const bool isWhole = outcomes.size() == documents.size() && !isOpen(outcomes.back());
+    const bool isComplete = outcomes.size() == documents.size() && !isOpen(outcomes.back());
     // The window doubles while all of its types are settled, and starts at one type again when one needs an answer,
     // because documents after that type are written and sent in vain.
-    window = isWhole && session.hasCreation() ? std::min(2 * window, kLargestWindow) : 1;
+    window = isComplete && session.hasCreation() ? std::min(2 * window, kLargestWindow) : 1;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         isCancelled = i > 0 && (isCancelled || !reportProgress(progress));
         recordOutcome(*types[first + i], documents[i], outcomes[i]);

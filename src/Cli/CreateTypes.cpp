@@ -72,7 +72,7 @@ CString typesOf(int count, const CString& source)
 }
 
 // Reports, for each other source, which of its types this run has replaced or found different.
-void reportOtherSources(const CreationRun& run, const CString& source, bool isKeptToo, bool isDryRun)
+void reportOtherSources(const CreationRun& run, const CString& source, bool reportsKept, bool isDryRun)
 {
     std::vector<CString> names = {source};
     for (const OtherSource& other : run.queryOtherSources())
@@ -85,7 +85,7 @@ void reportOtherSources(const CreationRun& run, const CString& source, bool isKe
                     : replaced == 1 ? " was"
                                     : " were") +
                    " replaced by " + (replaced == 1 ? "a different one" : "different ones") + kBasePathHint);
-        if (kept != 0 && isKeptToo)
+        if (kept != 0 && reportsKept)
             report(typesOf(kept, shown) + (kept == 1 ? " is different" : " are different") + kBasePathHint);
     }
     if (!run.areSourcesStored())
@@ -123,9 +123,9 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
     if (!openBroker(session, options.address, logon, options.isDryRun))
         return kFailed;
     const CString overwrite = options.overwrite.empty() && isatty(STDIN_FILENO) ? "ask" : options.overwrite;
-    bool leftAlone = false;
+    bool keptExisting = false;
     const auto choice = [&](const CString& question, const CString& details) {
-        leftAlone = overwrite.empty();
+        keptExisting = overwrite.empty();
         if (options.isDryRun)
             return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
         return choose(overwrite, question, details, verbosity);
@@ -139,10 +139,10 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
     CreationRun run(session, {choice, addLine}, {source, true, options.isDryRun});
     const int errors = run.run(message);
     if (verbosity != Verbosity::quiet)
-        reportOtherSources(run, source.name, leftAlone, options.isDryRun);
+        reportOtherSources(run, source.name, keptExisting, options.isDryRun);
     if (cause != FileCause::none)
-        reportUnwritten("-", cause);
-    if (errors != 0 || leftAlone)
+        reportWriteError("-", cause);
+    if (errors != 0 || keptExisting)
         return kNotCreated;
     return cause == FileCause::none ? kDone : kNotWritten;
 }

@@ -108,7 +108,7 @@ Diagnostics::~Diagnostics()
 void Diagnostics::add(const SourceFault& fault)
 {
     if (fault.isWarning) {
-        const bool isKnown = fault.column > 0 && !told.insert(hashOf(fault)).second;
+        const bool isKnown = fault.column > 0 && !shownWarnings.insert(hashOf(fault)).second;
         if (verbosity == Verbosity::quiet || isKnown || (++warnings > kMaxWarnings && verbosity == Verbosity::normal))
             return;
     } else {

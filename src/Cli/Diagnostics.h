@@ -74,7 +74,7 @@ private:
     Verbosity verbosity;
     std::size_t errors = 0;
     std::size_t warnings = 0;
-    std::unordered_set<std::uint64_t> told; // hashes of the warnings shown
+    std::unordered_set<std::uint64_t> shownWarnings; // hashes of the warnings shown
     bool isLiteralError = false;
     MessageBoxHandler before;
 };

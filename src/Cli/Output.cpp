@@ -45,11 +45,11 @@ bool Output::finish()
 {
     const FileCause end = commit();
     if (end != FileCause::none)
-        reportUnwritten(file ? fileName : "-", end);
+        reportWriteError(file ? fileName : "-", end);
     return end == FileCause::none;
 }
 
-void reportUnwritten(const CString& fileName, FileCause cause)
+void reportWriteError(const CString& fileName, FileCause cause)
 {
     report("can't write " + (fileName == "-" ? "standard output" : fileName) + ": " + inWords(fileName, cause));
 }

@@ -34,4 +34,4 @@ private:
 };
 
 /// Reports that a file can't be written; "-" is standard output.
-void reportUnwritten(const CString& fileName, FileCause cause);
+void reportWriteError(const CString& fileName, FileCause cause);

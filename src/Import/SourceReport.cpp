@@ -9,7 +9,7 @@
 namespace {
 
 constexpr std::size_t kMaxName = 200;
-constexpr std::size_t kBytesToNote = 40; // bytes that an entry takes in `noted`, roughly
+constexpr std::size_t kBytesToNote = 40; // bytes that an entry takes in `seen`, roughly
 
 using Row = SourceReport::Row;
 constexpr auto loss = SourceReport::loss, detail = SourceReport::detail;
@@ -147,7 +147,7 @@ void SourceReport::add(Construct construct, SourcePlace place, std::string_view 
         ++kept.unlisted;
         return;
     }
-    if (place.column > 0 && !noted.insert(hashOf(construct, place, name)).second)
+    if (place.column > 0 && !seen.insert(hashOf(construct, place, name)).second)
         return;
     ++counts[construct];
     kept.entries.push_back({names.keep(shortened(name)), place, construct});
@@ -212,7 +212,7 @@ void SourceReport::clear()
 {
     files.clear();
     places = {};
-    noted.clear();
+    seen.clear();
     names.release();
     counts = {};
 }

@@ -203,7 +203,7 @@ private:
 
     std::deque<CString> files;
     Arena names;
-    std::unordered_set<std::uint64_t> noted; // hashes of the entries
+    std::unordered_set<std::uint64_t> seen; // hashes of the entries
     std::array<Places, sortCount> places;
     std::array<std::size_t, constructCount> counts{};
 };

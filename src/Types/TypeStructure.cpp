@@ -194,13 +194,13 @@ void TypeStructure::forEachNeighbour(std::uint32_t type, Direction direction, co
                 holders.push_back(user);
 }
 
-std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t limit, bool& isWhole,
+std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t limit, bool& isComplete,
                                                 Direction direction, std::size_t depth) const
 {
     std::vector<std::uint32_t> reached{start};
     std::vector<bool> isReached(size());
     isReached[start] = true;
-    isWhole = true;
+    isComplete = true;
     for (const Direction each : {Direction::uses, Direction::users}) {
         if (direction != each && direction != Direction::both)
             continue;
@@ -208,16 +208,16 @@ std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t
         isSeen[start] = true;
         std::vector<std::uint32_t> level{start}, next;
         for (std::size_t step = 0; step < depth && !level.empty(); ++step, level.swap(next), next.clear())
-            for (std::size_t at = 0; at < level.size() && isWhole; ++at)
+            for (std::size_t at = 0; at < level.size() && isComplete; ++at)
                 forEachNeighbour(level[at], each, [&](std::uint32_t type) {
-                    if (!isWhole || isSeen[type])
+                    if (!isComplete || isSeen[type])
                         return;
                     isSeen[type] = true;
                     next.push_back(type);
                     if (isReached[type])
                         return;
-                    isWhole = reached.size() < limit;
-                    if (!isWhole)
+                    isComplete = reached.size() < limit;
+                    if (!isComplete)
                         return;
                     isReached[type] = true;
                     reached.push_back(type);

@@ -212,8 +212,8 @@ bool LongWork::isAllowed(const QObject* target, const QEvent& event) const
 // Filters events of widgets and shortcuts. Native windows pass their events on to widgets, so those come by here again.
 bool LongWork::eventFilter(QObject* target, QEvent* event)
 {
-    const bool concerns = target->isWidgetType() || event->type() == QEvent::Shortcut;
-    if (!concerns || !isInput(*event) || isAllowed(target, *event))
+    const bool isRelevant = target->isWidgetType() || event->type() == QEvent::Shortcut;
+    if (!isRelevant || !isInput(*event) || isAllowed(target, *event))
         return false;
     if (event->type() == QEvent::Close || isEscape(*event))
         cancel();

@@ -6,12 +6,12 @@
 
 QString RemainingTime::textFor(const Progress& now)
 {
-    constexpr qint64 soon = 5000; // milliseconds
+    constexpr qint64 minElapsed = 5000; // milliseconds
     if (!since.isValid() || now.work != first.work || now.total != first.total || now.done < first.done) {
         first = now;
         since.start();
     }
-    if (now.total == 0 || now.done <= first.done || now.done >= now.total || !since.hasExpired(soon))
+    if (now.total == 0 || now.done <= first.done || now.done >= now.total || !since.hasExpired(minElapsed))
         return {};
     const double pace = double(now.done - first.done) / (double(since.elapsed()) / 1000);
     return textFor(double(now.total - now.done) / pace);

@@ -44,12 +44,12 @@ record \b\a\a: b=\b\a\t_b!(\b\a\b*) c=String c2=\b\a\c2! <b
 table \b\a\t_b: =\b\a\b! <a
 )");
     const TypeStructure structure(message);
-    bool isWhole = false;
+    bool isComplete = false;
     const std::uint32_t a = structure.find("\\b\\a\\a");
-    EXPECT_EQ(structure.reach(a, 3, isWhole).size(), 3u);
-    EXPECT_TRUE(isWhole);
-    const std::vector<std::uint32_t> nearest = structure.reach(a, 2, isWhole);
-    EXPECT_FALSE(isWhole);
+    EXPECT_EQ(structure.reach(a, 3, isComplete).size(), 3u);
+    EXPECT_TRUE(isComplete);
+    const std::vector<std::uint32_t> nearest = structure.reach(a, 2, isComplete);
+    EXPECT_FALSE(isComplete);
     EXPECT_EQ(TypeGraph(structure, nearest, 2).toDot(), R"(digraph types {
     rankdir=LR
     node [shape=record]

@@ -129,8 +129,8 @@ std::size_t DTDNotes::readDeclaration(std::size_t at, bool hasLiterals)
 {
     const std::size_t end = closeFrom(at);
     const std::string_view declaration = text.substr(at + 2, end - at - 2);
-    const bool isWhole = end != kNowhere && end < reference && declaration.find('<') == kNowhere;
-    if (!isWhole || (hasLiterals && (declaration.find('"') != kNowhere || declaration.find('\'') != kNowhere)))
+    const bool isComplete = end != kNowhere && end < reference && declaration.find('<') == kNowhere;
+    if (!isComplete || (hasLiterals && (declaration.find('"') != kNowhere || declaration.find('\'') != kNowhere)))
         return readLong(at, at + 2, false);
     if (isDetailed)
         countDetails(declaration);
@@ -141,7 +141,7 @@ std::size_t DTDNotes::readDeclaration(std::size_t at, bool hasLiterals)
 std::size_t DTDNotes::readLong(std::size_t at, std::size_t keyword, bool isOfEntity)
 {
     const std::string_view word = dtdNameAt(text.substr(keyword));
-    bool isNameToCome = isOfEntity; // a '%' before the name of an entity is no reference
+    bool expectsName = isOfEntity; // a '%' before the name of an entity is no reference
     for (std::size_t place = keyword + word.size(); place < text.size();) {
         const char c = text[place];
         if (c == '>') {
@@ -155,11 +155,11 @@ std::size_t DTDNotes::readLong(std::size_t at, std::size_t keyword, bool isOfEnt
         }
         if (c == '"' || c == '\'')
             place = readLiteral(at, place, isOfEntity);
-        else if (c == '%' && !isNameToCome)
+        else if (c == '%' && !expectsName)
             place = readReference(place);
         else
             ++place;
-        isNameToCome = isNameToCome && kBlank.has(c);
+        expectsName = expectsName && kBlank.has(c);
     }
     note(SourceReport::unterminated, at, word);
     return text.size();
@@ -173,12 +173,12 @@ std::size_t DTDNotes::readLiteral(std::size_t at, std::size_t place, bool mayHol
     bool& isThere = hasQuote[quote == '"'];
     const std::size_t end = isThere ? text.find(quote, place + 1) : kNowhere;
     isThere = end != kNowhere;
-    const bool isWhole = isThere &&
-                         (end + 1 == text.size() || kDtdDelimiter.has(text[end + 1]) || text[end + 1] == '-') &&
-                         (mayHoldMarkup || text.substr(place, end - place).find("<!") == kNowhere);
-    if (!isWhole)
+    const bool isComplete = isThere &&
+                            (end + 1 == text.size() || kDtdDelimiter.has(text[end + 1]) || text[end + 1] == '-') &&
+                            (mayHoldMarkup || text.substr(place, end - place).find("<!") == kNowhere);
+    if (!isComplete)
         note(SourceReport::malformedDeclaration, at, "quote without a second one");
-    return isWhole ? end + 1 : place + 1;
+    return isComplete ? end + 1 : place + 1;
 }
 
 // Reads what begins with a '<' but is no statement. An ELEMENT or ATTLIST without its '!', or with a blank before its

@@ -134,7 +134,7 @@ bool DTDReader::readContent(bool& holdsText)
 bool DTDReader::readGroup(bool& holdsText)
 {
     std::size_t depth = 0;
-    bool isBehindItem = false, lacksConnector = false;
+    bool followsItem = false, lacksConnector = false;
     const DTDTokens::Token& token = tokens->token();
     do {
         if (token.isEnd()) {
@@ -144,8 +144,8 @@ bool DTDReader::readGroup(bool& holdsText)
             return true; // what was read so far stands
         }
         lacksConnector |=
-            isBehindItem && (token.kind == DTDTokens::tokenWord || token.isMark('(')) && !token.followsUnknown;
-        isBehindItem = token.kind == DTDTokens::tokenWord || token.isMark(')');
+            followsItem && (token.kind == DTDTokens::tokenWord || token.isMark('(')) && !token.followsUnknown;
+        followsItem = token.kind == DTDTokens::tokenWord || token.isMark(')');
         if (token.kind == DTDTokens::tokenWord) {
             readChild();
             continue;

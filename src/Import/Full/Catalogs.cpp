@@ -102,11 +102,11 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
         hasCatalogRoot = isInCatalogNamespace && name.local == std::string_view("catalog");
     if (const std::string_view base = attributes.valueOf("base", true); !base.empty()) {
         const CString path = localPath(base);
-        const bool isWhole = path.starts_with('/');
+        const bool isAbsolute = path.starts_with('/');
         if (path.empty())
             level.base.isRemote = true;
-        else if (isWhole || !level.base.isRemote)
-            level.base = {(isWhole ? CString() : level.base.folder) + path.substr(0, path.rfind('/') + 1), false};
+        else if (isAbsolute || !level.base.isRemote)
+            level.base = {(isAbsolute ? CString() : level.base.folder) + path.substr(0, path.rfind('/') + 1), false};
     }
     if (const std::string_view prefer = attributes.valueOf("prefer"); !prefer.empty())
         level.prefersPublic = prefer != "system";
@@ -283,14 +283,14 @@ std::optional<CString> Catalogs::lookUpOne(const Catalog& catalog, Lookup& looku
 {
     const auto& tables = catalog.tables;
     std::optional<CString> found;
-    const auto isSettled = [&](Kind whole, Kind rewrite, Kind suffix, Kind delegate, std::string_view text) {
+    const auto isDone = [&](Kind whole, Kind rewrite, Kind suffix, Kind delegate, std::string_view text) {
         return (found = lookUpExact(tables[whole], text)) || (found = lookUpRewrite(tables[rewrite], text)) ||
                (found = lookUpSuffix(tables[suffix], text)) ||
                (found = lookUpDelegates(tables[delegate], text, lookup)) || lookup.isFinished;
     };
-    if (!lookup.uri.empty() && isSettled(uri, rewriteUri, uriSuffix, delegateUri, lookup.uri))
+    if (!lookup.uri.empty() && isDone(uri, rewriteUri, uriSuffix, delegateUri, lookup.uri))
         return found;
-    if (!lookup.systemId.empty() && isSettled(system, rewriteSystem, systemSuffix, delegateSystem, lookup.systemId))
+    if (!lookup.systemId.empty() && isDone(system, rewriteSystem, systemSuffix, delegateSystem, lookup.systemId))
         return found;
     if (lookup.publicId.empty())
         return std::nullopt;

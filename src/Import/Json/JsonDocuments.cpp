@@ -355,7 +355,7 @@ void JsonDocuments::note(SourceReport::Construct construct, Index node, std::str
     CString words(name);
     node = originOf(node);
     const bool isReference = tree.keyOf(node) == JsonWord::ref; // reported at the schema that holds it
-    if (++noted <= kMaxPointers)
+    if (++pointers <= kMaxPointers)
         words += (words.empty() ? "" : " at ") + tree.pointerTo(isReference ? tree[node].parent : node);
     report.add(construct, tree.placeOf(node), words);
 }

@@ -83,5 +83,5 @@ private:
     std::unordered_map<Index, CString> uris;                          // of schemas with an identifier
     std::unordered_map<std::uint64_t, Index, NumberHash> anchors;     // by resource and name
     std::unordered_map<std::uint64_t, Resolved, NumberHash> resolved; // by resource and reference
-    std::size_t noted = 0;
+    std::size_t pointers = 0;
 };

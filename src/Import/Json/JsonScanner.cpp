@@ -184,13 +184,13 @@ JsonScanner::Token JsonScanner::close()
 void JsonScanner::scanString(bool isKey)
 {
     const std::size_t longest = file && !isKey ? kLongText : CString::npos;
-    bool isPieced = false;
+    bool hasEscapes = false;
     unescaped.clear();
     kept = ++at;
     const auto takePiece = [&] {
         if (unescaped.size() < longest)
             unescaped.append(data, kept, at - kept);
-        isPieced = true;
+        hasEscapes = true;
     };
     for (;;) {
         // Takes the bytes before a refill, which then needn't keep them.
@@ -221,9 +221,9 @@ void JsonScanner::scanString(bool isKey)
                 fail("the bytes are not UTF-8");
         }
     }
-    if (isPieced)
+    if (hasEscapes)
         takePiece();
-    token = isPieced ? std::string_view(unescaped) : data.substr(kept, at - kept);
+    token = hasEscapes ? std::string_view(unescaped) : data.substr(kept, at - kept);
     kept = CString::npos;
     ++at;
 }
@@ -245,10 +245,10 @@ void JsonScanner::scanEscape()
     }
     ++at;
     std::uint32_t code = scanHex();
-    const bool isHigh = code >= 0xD800 && code < 0xDC00;
-    while (isHigh && data.size() - at < 2 && refill()) {
+    const bool isHighSurrogate = code >= 0xD800 && code < 0xDC00;
+    while (isHighSurrogate && data.size() - at < 2 && refill()) {
     }
-    if (isHigh && data.substr(at).starts_with("\\u")) {
+    if (isHighSurrogate && data.substr(at).starts_with("\\u")) {
         at += 2;
         const std::uint32_t low = scanHex();
         if (low >= 0xDC00 && low < 0xE000) {

@@ -204,10 +204,10 @@ void EditPage::findMain()
 // if it fails or is cancelled.
 bool EditPage::importBy(FullMessage* other)
 {
-    std::unique_ptr<MsgBase> former = std::exchange(wizard->message, std::unique_ptr<MsgBase>(other));
+    std::unique_ptr<MsgBase> previous = std::exchange(wizard->message, std::unique_ptr<MsgBase>(other));
     const auto import = [this]() -> LRESULT { return wizard->importAgain() ? 0 : -1; };
     if (sheet()->ask(import) == -1) {
-        wizard->message = std::move(former);
+        wizard->message = std::move(previous);
         wizard->setCurrentFolder(WizardRun::folderCWD); // as after an import that succeeds
         return false;
     }

@@ -64,11 +64,11 @@ void FilePage::OnInitDialog()
     setAcceptDrops(true);
 }
 
-void FilePage::addRow(QWidget* row, bool isHigh, int column)
+void FilePage::addRow(QWidget* row, bool isTall, int column)
 {
     auto* grid = static_cast<QGridLayout*>(layout());
     grid->addWidget(row, rows, column, 1, 3 - column);
-    grid->setRowStretch(rows, isHigh ? 1 : 0);
+    grid->setRowStretch(rows, isTall ? 1 : 0);
     ++rows;
 }
 

@@ -45,9 +45,9 @@ protected:
     /// name is changed.
     LRESULT stayAtFile(const CString& text, const CString& details);
 
-    /// Adds controls below the others, from a column on; column 1 is that of the file's name. With `isHigh` the row
+    /// Adds controls below the others, from a column on; column 1 is that of the file's name. With `isTall` the row
     /// takes the remaining height.
-    void addRow(QWidget* row, bool isHigh = false, int column = 0);
+    void addRow(QWidget* row, bool isTall = false, int column = 0);
 
     /// Returns the name whose folder is shown after a file has been chosen.
     virtual CString namedFile() const { return fileName; }

@@ -77,8 +77,8 @@ void ReadingRow::showCount(const MsgBase& message)
     else
         count->setText(tr("%1 not carried over")
                            .arg(shownCount(static_cast<qlonglong>(left), tr("detail was"), tr("details were"))));
-    const bool isWorthIt = !losses.empty() || !report.queryEntries(SourceReport::detail).empty();
-    count->setVisible(isWorthIt);
+    const bool hasReport = !losses.empty() || !report.queryEntries(SourceReport::detail).empty();
+    count->setVisible(hasReport);
     details->setAccessibleDescription(count->text());
-    details->setVisible(isWorthIt);
+    details->setVisible(hasReport);
 }

@@ -111,9 +111,9 @@ void Diagram::addPlainArrow(const TypeGraph::Arrow& arrow)
     const QPointF start(from.right(), from.top() + rowHeight * (static_cast<double>(arrow.row) + 1.5));
     const QPointF tip(to.left(), to.top() + rowHeight / 2);
     const double bend = std::max(40.0, std::abs(tip.x() - start.x()) / 3);
-    QPainterPath way(start);
-    way.cubicTo(start + QPointF(bend, 0), tip - QPointF(headLength + bend, 0), tip - QPointF(headLength, 0));
-    arrows.push_back({way, tip});
+    QPainterPath path(start);
+    path.cubicTo(start + QPointF(bend, 0), tip - QPointF(headLength + bend, 0), tip - QPointF(headLength, 0));
+    arrows.push_back({path, tip});
 }
 
 void Diagram::drawBox(QPainter& painter, const Box& box, const Fonts& own, const QRectF& exposed, double scale,
@@ -158,11 +158,11 @@ void Diagram::drawRow(QPainter& painter, const Row& row, const QRectF& place, do
 
 void Diagram::drawArrow(QPainter& painter, std::size_t number) const
 {
-    const auto& [way, tip] = arrows[number];
+    const auto& [path, tip] = arrows[number];
     painter.setPen(QPen(line, 1.2));
     painter.setBrush(Qt::NoBrush);
-    painter.drawPath(way);
-    const QLineF point(way.currentPosition(), tip);
+    painter.drawPath(path);
+    const QLineF point(path.currentPosition(), tip);
     if (point.length() == 0)
         return;
     QLineF foot = point.normalVector();

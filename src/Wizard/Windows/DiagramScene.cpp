@@ -82,11 +82,11 @@ std::optional<std::size_t> DiagramScene::boxTowards(int key) const
     std::optional<std::size_t> nearest;
     double shortest = 0;
     for (std::size_t box = 0; box < boxes.size(); ++box) {
-        const QPointF way = diagram->areaOf(box).center() - diagram->areaOf(chosen).center();
+        const QPointF offset = diagram->areaOf(box).center() - diagram->areaOf(chosen).center();
         const bool isSideways = key == Qt::Key_Left || key == Qt::Key_Right;
         const bool isBackwards = key == Qt::Key_Left || key == Qt::Key_Up;
-        const double along = (isSideways ? way.x() : way.y()) * (isBackwards ? -1 : 1);
-        const double distance = along + 2 * std::abs(isSideways ? way.y() : way.x());
+        const double along = (isSideways ? offset.x() : offset.y()) * (isBackwards ? -1 : 1);
+        const double distance = along + 2 * std::abs(isSideways ? offset.y() : offset.x());
         if (box == chosen || along <= 0 || (nearest && distance >= shortest))
             continue;
         nearest = box;

@@ -159,9 +159,9 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
 
 void DiagramWindow::open(std::uint32_t type)
 {
-    bool isWhole = true;
-    structure.lock()->reach(type, kManyTypes, isWhole);
-    if (!isWhole) {
+    bool isComplete = true;
+    structure.lock()->reach(type, kManyTypes, isComplete);
+    if (!isComplete) {
         depth->setCurrentIndex(0);
         direction->setCurrentIndex(static_cast<int>(TypeStructure::Direction::both));
     }
@@ -178,9 +178,9 @@ bool DiagramWindow::draw(std::uint32_t type)
     const auto types = structure.lock();
     const std::size_t steps = depth->currentIndex() == kAllDepths ? TypeStructure::kAnyDepth
                                                                   : static_cast<std::size_t>(depth->currentIndex()) + 1;
-    bool isWhole = true;
+    bool isComplete = true;
     const std::vector<std::uint32_t> around =
-        types->reach(type, kMaxTypes, isWhole, TypeStructure::Direction(direction->currentIndex()), steps);
+        types->reach(type, kMaxTypes, isComplete, TypeStructure::Direction(direction->currentIndex()), steps);
     const TypeGraph graph(*types, around, kMaxRows);
     std::shared_ptr<const Diagram> drawn;
     const bool isDone = runLong([&, tones = palette(), letters = font()] {
@@ -197,16 +197,17 @@ bool DiagramWindow::draw(std::uint32_t type)
     name = toUi(shortName(types->queryFullName(type)));
     setWindowTitle(plainTitle(tr("%1 - Typeforge picture").arg(name)));
     view->showDiagram(diagram);
-    status->setText(diagram->isEmpty() ? tr("Graphviz can't lay this picture out.") : countOf(around.size(), isWhole));
+    status->setText(diagram->isEmpty() ? tr("Graphviz can't lay this picture out.")
+                                       : countOf(around.size(), isComplete));
     view->setAccessibleName(tr("Picture of the types around %1").arg(name));
     view->setAccessibleDescription(status->text());
     backButton->setEnabled(!earlier.empty());
     return true;
 }
 
-QString DiagramWindow::countOf(std::size_t types, bool isWhole) const
+QString DiagramWindow::countOf(std::size_t types, bool isComplete) const
 {
-    if (!isWhole)
+    if (!isComplete)
         return tr("The nearest %1 types are shown; there are more.").arg(types);
     const QString count = types == 1 ? tr("No other type") : tr("%1 types").arg(types);
     return depth->currentIndex() == kAllDepths ? count : tr("%1; double-click a type to continue from it.").arg(count);

@@ -45,7 +45,7 @@ private:
     void goBack();
     void choose(std::size_t box);
     bool areTypesThere();
-    QString countOf(std::size_t types, bool isWhole) const;
+    QString countOf(std::size_t types, bool isComplete) const;
     void save();
     CString save(bool isSvgOnly);
     CString bytesFor(const CString& fileName);

@@ -65,9 +65,9 @@ void WsdlReader::readOther(XmlName name, XmlAttributes attributes)
     const bool isImport =
         schemaEditionOf(elementScope.uri) != SchemaEdition::none && name.local == std::string_view("import");
     if (isImport)
-        addImport(attributes.valueOf("schemaLocation"), attributes.valueOf("namespace"), here());
+        addImport(attributes.valueOf("schemaLocation"), attributes.valueOf("namespace"), currentPlace());
     else
-        report.add(SourceReport::declarationSkipped, here(), name.local);
+        report.add(SourceReport::declarationSkipped, currentPlace(), name.local);
 }
 
 // Starts a schema. Inside a WSDL it inherits the prefixes declared around it.
@@ -120,7 +120,7 @@ void WsdlReader::entityLeftOut(std::string_view name, XmlPlace place)
 }
 
 // Returns the place of the element that begins.
-SourcePlace WsdlReader::here() const
+SourcePlace WsdlReader::currentPlace() const
 {
     return {tree.documents[document].file, static_cast<std::uint32_t>(elementScope.place.line),
             static_cast<std::uint32_t>(elementScope.place.column)};
@@ -128,7 +128,7 @@ SourcePlace WsdlReader::here() const
 
 void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
 {
-    const SourcePlace place = here();
+    const SourcePlace place = currentPlace();
     if (open.size() == 1)
         target = tree.names.intern(attributes.valueOf("targetNamespace"));
     if (open.size() == 2)

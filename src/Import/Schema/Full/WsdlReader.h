@@ -79,7 +79,7 @@ private:
     Index makeMessage(std::span<const Part> own, NameTable::Id name);
     Index addNode(SchemaTag tag, Index parent, Index before, const Part& part);
     SchemaName resolve(std::string_view qualified) const;
-    SourcePlace here() const;
+    SourcePlace currentPlace() const;
 
     SchemaTree& tree;
     SourceReport& report;

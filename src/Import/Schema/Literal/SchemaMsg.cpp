@@ -145,14 +145,14 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
 {
     if (!entry.queryChildren())
         return;
-    const bool mayMiss = entry.queryPull() == SchemaElement::pulledAsChild;
+    const bool mayBeMissing = entry.queryPull() == SchemaElement::pulledAsChild;
     const bool isRoot = entry.queryName() == table.queryRootTypeName();
     const std::string_view name = isRoot ? std::string_view(table.queryMainType()) : entry.queryName();
     Element* const record = model.addRecord(path, name).element;
     fields.clear();
     for (const SchemaElement* child : *entry.queryChildren()) {
         Field& field = fields.emplace_back();
-        field.declared = mayMiss ? table.find(child->queryKey()) : child;
+        field.declared = mayBeMissing ? table.find(child->queryKey()) : child;
         getType(field.declared, field.typeName, field.name);
         if (!field.declared)
             report.add(SourceReport::declarationSkipped, child->queryPlace(), child->queryName());

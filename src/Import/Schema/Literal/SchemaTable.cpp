@@ -30,8 +30,8 @@ void SchemaTable::readIncluded(Outlines& outlines, bool isFile, SchemaKinds& sim
     kinds = &simpleTypes;
     earlierMainType = mainType;
     mainName = earlierMainType;
-    isWhole = isFile && getSchemaIncludeList(outlines);
-    if (isWhole)
+    isComplete = isFile && getSchemaIncludeList(outlines);
+    if (isComplete)
         return;
     copyElementList();
     setMainType(getRootTag(outlines.front()));
@@ -39,7 +39,7 @@ void SchemaTable::readIncluded(Outlines& outlines, bool isFile, SchemaKinds& sim
 
 void SchemaTable::readMain(const SchemaOutline& main)
 {
-    if (!isWhole) {
+    if (!isComplete) {
         processElement(main);
         processComplexType(main, SchemaOutline::kRoot, {});
     }

@@ -95,8 +95,8 @@ private:
     CancelPoint cancelPoint{4096};     // passed at each declaration
     int cyclicReferences = 0;          // reported so far
     Index mainElement = SchemaOutline::kNone;
-    bool isWhole = false; // the second pass would find the same
-    CString rootTypeName; // stays from one schema to the next
+    bool isComplete = false; // the second pass would find the same
+    CString rootTypeName;    // stays from one schema to the next
     CString mainType;
     CString earlierMainType;   // of the previous schema
     std::string_view mainName; // `mainType`, as a text that lives as long as the import
