@@ -17,10 +17,10 @@ struct FullOptions
 {
     bool isWanted = false;
     std::vector<CString> roots;                        ///< the main types; empty: the source's own choice
-    CString layout;                                    ///< "main", "namespace", or "" for what is usual
+    CString layout;                                    ///< "main", "namespace", or "" for the default
     std::map<CString, CString> folders;                ///< by namespace
     bool mergesEqual = false;                          ///< merge equal types of several namespaces
-    CString name;                                      ///< of the whole; "": the main type's
+    CString name;                                      ///< of the document; "": the main type's
     std::vector<CString> catalogs;                     ///< files
     std::vector<std::pair<CString, CString>> entities; ///< of parameters, with their values
 

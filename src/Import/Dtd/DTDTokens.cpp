@@ -119,7 +119,7 @@ bool DTDTokens::nextDeclaration()
     }
 }
 
-// Skips what is neither markup nor blank. Reports it if it contains a letter, because it may be damaged markup.
+// Skips text that is neither markup nor blank. Reports it if it contains a letter, because it may be damaged markup.
 void DTDTokens::skipStray()
 {
     Frame& frame = frames.back();
@@ -268,7 +268,7 @@ const DTDTokens::Token& DTDTokens::next()
         while (frame.at < frame.end && kBlank.has(*frame.at))
             ++frame.at;
         if (frame.at == frame.end) {
-            // A declaration goes on behind a reference in it, but not behind the text in which it began.
+            // A declaration continues after a reference in it, but not after the text in which it began.
             if (frames.size() > base) {
                 pop();
                 continue;

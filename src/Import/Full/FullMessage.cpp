@@ -185,7 +185,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
             unusedFolders.push_back(uri);
 }
 
-// Sets the name of the whole, and returns the records of the main types.
+// Sets the name of the document, and returns the records of the main types.
 FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString& fileName)
 {
     MainTypes main;

@@ -51,7 +51,7 @@ public:
     /// types are laid out by namespace.
     void setMergesEqual(bool on) { mergesEqual = on; }
 
-    /// Sets the name of the whole; "" means that of the first main type.
+    /// Sets the name of the document; "" means that of the first main type.
     void setName(const CString& name) { givenName = name; }
 
     /// Sets the catalogues for finding documents and modules, in order of precedence.

@@ -53,7 +53,7 @@ private:
     bool isOther = false; // speaks against "properties" as those of a schema
 };
 
-// Scans what is there of the document. A fault only ends the scan, because the importer will report it.
+// Scans the available part of the document. A fault only ends the scan, because the importer will report it.
 std::string_view wordForJson(std::string_view text)
 {
     Marks marks;

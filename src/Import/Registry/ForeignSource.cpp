@@ -53,7 +53,7 @@ std::string_view attributeOf(std::string_view tag, std::string_view name)
     }
 }
 
-// How a language writes what isn't part of its statements.
+// A language's syntax for comments and quoted text.
 struct Comments
 {
     std::string_view line;
