@@ -65,7 +65,7 @@ struct FullMessage::MainTypes
 {
     std::vector<Index> records;
     std::vector<std::uint32_t> files;
-    bool isAskedFor = false; // chosen by the caller or by the sources: only what they reach is imported
+    bool isRequested = false; // chosen by the caller or by the sources: only what they reach is imported
 };
 
 // The state of declaring one import in the model.
@@ -147,11 +147,11 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     for (const Index record : main.records)
         order.visit(record);
     visitChoices(types, order);
-    for (Index record = 0; !main.isAskedFor && record < types.records.size(); ++record)
+    for (Index record = 0; !main.isRequested && record < types.records.size(); ++record)
         order.visit(record);
     SourceNames names(types, report);
     names.name(order.query(), main.records, main.files);
-    if (!main.isAskedFor)
+    if (!main.isRequested)
         names.nameUnused();
     Declaring declaring{types,
                         {basePath + mainType + "\\"},
@@ -175,7 +175,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         declaring.pathNames.push_back(&declaring.names.intern(path));
     // Each field may hold the path of its type.
     types.spend(std::ranges::max(declaring.paths, {}, &CString::size).size() * types.fieldCount());
-    for (Index enumeration = 0; !main.isAskedFor && enumeration < types.enumerations.size(); ++enumeration)
+    for (Index enumeration = 0; !main.isRequested && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
             declareEnumeration(declaring, enumeration);
     for (const Index record : order.query())
@@ -189,7 +189,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
 FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString& fileName)
 {
     MainTypes main;
-    const std::vector<Index> chosen = chooseCandidates(types, fileName, main.isAskedFor);
+    const std::vector<Index> chosen = chooseCandidates(types, fileName, main.isRequested);
     if (chosen.empty())
         mainType = nameOfFile(fileName);
     else
@@ -231,20 +231,20 @@ SourceTypes::Index FullMessage::copyFor(SourceTypes& types, const SourceTypes::C
 
 // Returns the requested elements, else those that the sources name as main types, else one for each source.
 std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes& types, const CString& fileName,
-                                                              bool& areAskedFor)
+                                                              bool& areRequested)
 {
     std::vector<Index> chosen;
     for (Index i = 0; roots.empty() && i < types.candidates.size(); ++i)
         if (types.candidates[i].message != SourceTypes::kNone)
             chosen.push_back(i);
     std::ranges::sort(chosen, {}, [&](Index i) { return types.candidates[i].message; });
-    areAskedFor = !roots.empty() || !chosen.empty();
+    areRequested = !roots.empty() || !chosen.empty();
     MainElement choice(types);
     for (Index source = 0; source <= furtherFiles.size(); ++source) {
         const std::vector<Index> all = choice.choose(source == 0 ? fileName : furtherFiles[source - 1], source);
         for (const Index candidate : all)
             mainTypes.emplace_back(types.candidates[candidate].name);
-        if (!areAskedFor && !all.empty())
+        if (!areRequested && !all.empty())
             chosen.push_back(all.front());
     }
     if (roots.empty())

@@ -109,7 +109,7 @@ private:
     void import(const CString& source, const CString& fileName, const CString& basePath);
     struct MainTypes;
     MainTypes chooseMain(SourceTypes& types, const CString& fileName);
-    std::vector<Index> chooseCandidates(const SourceTypes& types, const CString& fileName, bool& areAskedFor);
+    std::vector<Index> chooseCandidates(const SourceTypes& types, const CString& fileName, bool& areRequested);
     Index recordOf(SourceTypes& types, Index candidate);
     static Index copyFor(SourceTypes& types, const SourceTypes::Candidate& element, Index record);
     void declareRecord(Declaring& declaring, Index record);
