@@ -164,7 +164,7 @@ void LongWork::waitBriefly()
 // Waits in an event loop. Input stays queued until the progress is shown; from then on the event filter drops it.
 void LongWork::waitInLoop()
 {
-    if (isOver())
+    if (isFinished())
         return;
     qApp->installEventFilter(this);
     QTimer refresh;
@@ -174,7 +174,7 @@ void LongWork::waitInLoop()
         refresh.start(kRefresh);
         loop.quit();
     });
-    while (!isOver())
+    while (!isFinished())
         loop.exec(refresh.isActive() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
     if (refresh.isActive())
         QCoreApplication::processEvents(); // drops input meant for the work
@@ -192,7 +192,7 @@ void LongWork::serve()
         (*call)();
 }
 
-bool LongWork::isOver() const
+bool LongWork::isFinished() const
 {
     const std::lock_guard lock(mutex);
     return isDone;

@@ -59,7 +59,7 @@ private:
     void waitBriefly();
     void waitInLoop();
     void serve();
-    bool isOver() const;
+    bool isFinished() const;
     bool isAllowed(const QObject* target, const QEvent& event) const;
 
     QAbstractButton& cancelButton;

@@ -80,7 +80,7 @@ void DTDEntities::replaceReferences(Entity& entity, std::string_view value)
     checkDepth(entity.depth);
     spend(out.size());
     entity.value.text = types.adopt(std::move(out));
-    entity.value.isMade = true;
+    entity.value.isComposed = true;
 }
 
 // Replaces the reference at the start of `rest`, or copies one character of it; returns how many bytes that took. A

@@ -19,8 +19,8 @@ public:
     {
         std::string_view text;
         SourcePlace start;
-        bool isOpen = false; ///< being read now; opening it again would be a loop
-        bool isMade = false; ///< put together from other entities, so its lines and columns are not those of a file
+        bool isOpen = false;     ///< being read now; opening it again would be a loop
+        bool isComposed = false; ///< put together from other entities, so its lines and columns are not those of a file
     };
 
     DTDEntities(SourceTypes& types, SourceReport& report, const Catalogs& catalogs) :

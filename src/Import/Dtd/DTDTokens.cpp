@@ -40,7 +40,7 @@ void DTDTokens::pop()
 
 SourcePlace DTDTokens::placeIn(Frame& frame) const
 {
-    if (frame.text->isMade)
+    if (frame.text->isComposed)
         return frame.text->start;
     const char* const at = std::max(frame.counted, frame.at);
     // Lines are counted from the last place on, so that all places together take linear time.
@@ -58,7 +58,7 @@ SourcePlace DTDTokens::wordPlace()
 {
     Frame& frame = frames.back();
     SourcePlace place = placeIn(frame);
-    if (!frame.text->isMade)
+    if (!frame.text->isComposed)
         place.column -= static_cast<std::uint32_t>(current.text.size());
     return place;
 }
@@ -384,7 +384,7 @@ void DTDTokens::readQuoted(char quote)
     bool& hasQuote = frame.hasQuote[quote == '"'];
     if (mayHoldMarkup) {
         literal = placeIn(frame);
-        literal.column += !frame.text->isMade;
+        literal.column += !frame.text->isComposed;
     }
     const char* const start = frame.at + 1;
     const char* at = hasQuote ? start : frame.end;

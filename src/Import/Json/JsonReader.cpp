@@ -95,12 +95,12 @@ public:
 
     Index read()
     {
-        for (bool isOver = false; !isOver;) {
+        for (bool isAtEnd = false; !isAtEnd;) {
             yaml_event_t event;
             if (!yaml_parser_parse(&parser, &event))
                 failToParse();
             const std::unique_ptr<yaml_event_t, void (*)(yaml_event_t*)> owner(&event, yaml_event_delete);
-            isOver = event.type == YAML_STREAM_END_EVENT;
+            isAtEnd = event.type == YAML_STREAM_END_EVENT;
             take(event);
         }
         return builder.root();
