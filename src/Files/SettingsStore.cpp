@@ -127,7 +127,7 @@ CString unreadableReason(const CString& fileName)
     if (!std::filesystem::exists(status))
         return {};
     if (!std::filesystem::is_regular_file(status))
-        return "it is no regular file";
+        return "it is not a regular file";
     return std::filesystem::file_size(fileName, failure) > kMaxFile ? "it is larger than 4 MB" : "";
 }
 
