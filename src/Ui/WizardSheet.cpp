@@ -285,6 +285,8 @@ void WizardSheet::activate(int index)
         page->initialised = true;
         OnPageMade(*page);
     }
+    if (QWidget* const leaving = focusWidget())
+        leaving->clearFocus(); // else the focus wanders, and a screen reader reads the controls on its way
     stack->setCurrentIndex(index);
     band->setTexts(page->queryTitle(), page->querySubtitle());
     band->setVisible(page->queryLook() == WizardPage::Look::interior);

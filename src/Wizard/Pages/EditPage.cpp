@@ -57,6 +57,7 @@ void EditPage::OnInitDialog()
     fullReadingHint->setWordWrap(true);
     fullReadingHint->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     fullReadingHint->setFocusPolicy(Qt::StrongFocus);
+    fullReadingHint->hide();
     auto* column = new QVBoxLayout(this);
     column->addWidget(fullReadingHint);
     column->addWidget(makeLists(), 1);
@@ -137,8 +138,9 @@ void EditPage::OnSetActive()
     // If the literal reading found no types, the file may use constructs that only the full reading knows.
     const bool isLiteral = wizard->message->queryDescriptor()->hasFull() && !wizard->fullMessage();
     const CString unsupported = isLiteral ? wizard->unsupportedConstructs : CString();
-    fullReadingHint->setText(
-        tr("Check \"Read in full\" on the page before: the source uses %1.").arg(toUi(unsupported)));
+    if (!unsupported.empty())
+        fullReadingHint->setText(
+            tr("Check \"Read in full\" on the page before: the source uses %1.").arg(toUi(unsupported)));
     fullReadingHint->setHidden(unsupported.empty() || wizard->message->beginEnum() != 0);
     readingRow->showReading(*wizard->message, wizard->fullMessage());
     readingRow->offerFull(!unsupported.empty());
