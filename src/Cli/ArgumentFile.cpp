@@ -26,17 +26,19 @@ void addLines(const CString& fileName, std::vector<CString>& arguments)
 
 } // namespace
 
-std::vector<CString> argumentsOf(int argc, char** argv)
+std::vector<CString> argumentsOf(int argc, char** argv, std::vector<CString>& files)
 {
     std::vector<CString> arguments;
     bool areTaken = true;
     for (const std::string_view argument : std::span(argv, static_cast<std::size_t>(argc)).subspan(argc > 0)) {
         // Behind "--" there are only sources, so a name may begin with '@'.
         areTaken = areTaken && argument != "--";
-        if (areTaken && argument.size() > 1 && argument.front() == '@')
-            addLines(CString(argument.substr(1)), arguments);
-        else
+        if (areTaken && argument.size() > 1 && argument.front() == '@') {
+            files.emplace_back(argument.substr(1));
+            addLines(files.back(), arguments);
+        } else {
             arguments.emplace_back(argument);
+        }
     }
     return arguments;
 }

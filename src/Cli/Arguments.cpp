@@ -150,7 +150,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     addCreateOptions(app, arguments.create);
     addOtherOptions(group("Other"), arguments, answer);
     try {
-        std::vector<CString> given = argumentsOf(argc, argv);
+        std::vector<CString> given = argumentsOf(argc, argv, arguments.argumentFiles);
         std::ranges::reverse(given); // parse(vector) expects the last argument first
         app.parse(std::move(given));
         refuseEmptyNames(app);

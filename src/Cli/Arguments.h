@@ -17,6 +17,7 @@ struct Arguments
     MsgUIDescriptor* importer = nullptr; ///< null: chosen by the source
     std::vector<CString> sources;        ///< files, "-" for standard input; for odbc a data source
     bool isRecursive = false;            ///< folders as sources include their subfolders
+    std::vector<CString> argumentFiles;  ///< of "@FILE"
     CString basePath;                    ///< as given; only if hasBasePath
     bool hasBasePath = false;
     std::vector<CString> tables; ///< names of tables to import; empty: all

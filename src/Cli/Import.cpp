@@ -3,12 +3,12 @@
 #include "Broker/TypeSource.h"
 #include "Cli/Diff.h"
 #include "Cli/Output.h"
+#include "Cli/OutputConflict.h"
 #include "Cli/ProgressLine.h"
 #include "Cli/Sources.h"
 #include "Cli/TableSource.h"
 #include "Cli/TypeListing.h"
 #include "Files/FileMessage.h"
-#include "Files/SameFile.h"
 #include "Import/GenerationTime.h"
 #include "Import/MsgBase.h"
 #include "Import/Registry/ImporterChoice.h"
@@ -149,29 +149,6 @@ std::vector<CString> sourceFiles(const Arguments& arguments)
     return filesOf(arguments.sources, !importer || (importer->hasFull() && !arguments.full.isWanted));
 }
 
-// Returns the first output file that is also an input, or an output twice; "" if there is none.
-CString conflictingOutput(const Arguments& arguments, const std::vector<CString>& files)
-{
-    std::vector<CString> others = files;
-    others.push_back(arguments.diff.document == "-" ? "" : arguments.diff.document);
-    others.push_back(arguments.logon.passwordFile);
-    others.push_back(arguments.sourceLogon.passwordFile);
-    others.insert(others.end(), arguments.full.catalogs.begin(), arguments.full.catalogs.end());
-    if (arguments.output.empty() || arguments.output == "-")
-        others.push_back(kStandardOutput); // which may be redirected to a file
-    if (arguments.report.file == "-")
-        others.push_back("/dev/stderr");
-    for (const CString& written : {arguments.output, arguments.report.file, arguments.dependencies.file}) {
-        if (written.empty() || written == "-")
-            continue;
-        for (const CString& other : others)
-            if (!other.empty() && (written != kStandardOutput || other != written) && isSameFile(written, other))
-                return written;
-        others.push_back(written);
-    }
-    return {};
-}
-
 // Replaces folders by their files. If a single folder is given, it names the set.
 void expandFolders(Arguments& arguments)
 {
@@ -217,11 +194,13 @@ int runImport(Arguments arguments)
         return reportUsageError(usageError);
     if (const CString usageError = arguments.full.usageErrorFor(files.size()); !usageError.empty())
         return reportUsageError(usageError);
-    if (const CString file = conflictingOutput(arguments, files); !file.empty())
+    if (const CString file = conflictingOutput(arguments, *importer, files); !file.empty())
         return reportUsageError(file + ": it would be read and written, or written twice");
     TableSource tables;
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, *importer));
     const bool hasTypes = importSources(*message, *importer, arguments, files, tables, diagnostics);
+    if (const CString file = outputThatWasRead(arguments, *importer, message->queryReport()); !file.empty())
+        return reportUsageError(file + ": the source refers to it, so it can't be an output");
     const bool isReported = writeReport(*message, arguments.report);
     if (!hasTypes)
         return failedStatus;
