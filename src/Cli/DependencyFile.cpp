@@ -12,14 +12,14 @@
 
 namespace {
 
-// Escapes a name as compilers do. GNU make and ninja remove a backslash before a blank or '#', and one of two '$'.
+// Escapes a name as compilers do. GNU make and ninja remove a backslash before a blank, '#' or ':', and one of two '$'.
 // Other backslashes stay, so those in front of a blank are doubled.
 CString escaped(const CString& name)
 {
     CString out;
     std::size_t backslashes = 0;
     for (const char c : name) {
-        if (c == ' ' || c == '\t' || c == '#')
+        if (c == ' ' || c == '\t' || c == '#' || c == ':')
             out.append(backslashes + 1, '\\');
         else if (c == '$')
             out += '$';
@@ -29,9 +29,11 @@ CString escaped(const CString& name)
     return out;
 }
 
-bool isMakefileName(const CString& name)
+// Returns whether make and ninja can read a name in a rule. They have no common way to escape these characters; in a
+// target, '%' makes a pattern.
+bool isMakefileName(const CString& name, bool isTarget)
 {
-    return name.find_first_of("\r\n") == CString::npos;
+    return name.find_first_of(isTarget ? "\r\n*?|&;=%" : "\r\n*?|&;=") == CString::npos;
 }
 
 // Returns each file once, in the order of reading. Standard input is skipped, because it is no file that could change.
@@ -63,8 +65,9 @@ bool writeDependencies(const SourceReport& report, const CString& target, const 
     CString rule = escaped(target) + ":";
     CString phony;
     for (const CString& file : files) {
-        if (!isMakefileName(file) || !isMakefileName(target)) {
-            ::report("can't write " + options.file + ": no rule can hold the name of a file with a line break");
+        if (const bool isFile = !isMakefileName(file, false); isFile || !isMakefileName(target, true)) {
+            ::report("can't write " + options.file + ": make and ninja can't read the name " +
+                     shownFile(isFile ? file : target));
             return false;
         }
         rule += " \\\n  " + escaped(file);

@@ -344,8 +344,12 @@ TEST_F(ImportCommand, AnswersExactly)
          "--depfile-phony; "
          "sed \"s,$PWD/,,\" r.d",
          {0, "o\\ t: \\\n  a\\ b/$$\\#.dtd\no: \\\n  k.dtd \\\n  r.dtd\n\nr.dtd:\n", ""}},
-        {"cp r.dtd \"$(printf 'x\\ny')\"; $import dtd x* -o o --depfile r.d",
-         {3, "", says("can't write r.d: no rule can hold the name of a file with a line break")}},
+        {"for i in \"$(printf 'x\\ny')\" 'x=y' x:y; do cp r.dtd \"$i\"; $import dtd \"$i\" -o o --depfile r.d; done; "
+         "cat r.d; $import r.dtd -o 1% --depfile r.d",
+         {3, "o: \\\n  x\\:y\n",
+          says("can't write r.d: make and ninja can't read the name x\\ny") +
+              says("can't write r.d: make and ninja can't read the name x=y") +
+              says("can't write r.d: make and ninja can't read the name 1%")}},
         {"$import r.dtd -o r.d --depfile r.d", {2, "", mistake("r.d: it would be read and written, or written twice")}},
         // A file with the same contents keeps inode and time.
         {"at() { stat -c '%i %Y' k.x; }; $import r.dtd -o k.x; "
@@ -415,6 +419,19 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import r.dtd -o ./r.dtd", {2, "", mistake("./r.dtd: it would be read and written, or written twice")}},
         {"$import r.dtd --diff r.xml -o ./r.xml",
          {2, "", mistake("./r.xml: it would be read and written, or written twice")}},
+        // An output that is read: the options, a database, a file that the source refers to.
+        {"printf 'r.dtd\\n-o\\nargs\\n' >args; $import @args; wc -l <args",
+         {0, "3\n", mistake("args: it would be read and written, or written twice")}},
+        {"python3 -c \"import sqlite3; sqlite3.connect('o.db').execute('CREATE TABLE t (a INTEGER)')\"; "
+         "$import odbc \"Driver=SQLite3;Database=$PWD/o.db;\" -o o.db; head -c 6 o.db",
+         {0, "SQLite", mistake("o.db: it would be read and written, or written twice")}},
+        {"printf '<!ENTITY %% m SYSTEM \"y.mod\">%%m;<!ELEMENT a (b)>' >y.dtd; echo '<!ELEMENT b EMPTY>' >y.mod; ln -s "
+         "y.mod y; "
+         "for o in '-o y.mod' '-l --report y' '-o o --depfile y.mod'; do $import y.dtd --full -q $o; done; cat y.mod",
+         {0, "<!ELEMENT b EMPTY>\n",
+          mistake("y.mod: the source refers to it, so it can't be an output") +
+              mistake("y: the source refers to it, so it can't be an output") +
+              mistake("y.mod: the source refers to it, so it can't be an output")}},
         {"mkdir -p d/y; $import r.dtd -o d/x --report d/y/../x",
          {2, "", mistake("d/y/../x: it would be read and written, or written twice")}},
         {"ln -s y/../x d/l; $import r.dtd --report d/l -o $PWD/d/x",
