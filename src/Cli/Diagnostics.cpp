@@ -124,10 +124,10 @@ void Diagnostics::warning(const CString& reason, const CString& file)
         writeLine(file.empty() ? source : file, "warning", reason);
 }
 
-void Diagnostics::note(const CString& reason) const
+void Diagnostics::note(const CString& reason, const CString& file) const
 {
     if (verbosity == Verbosity::verbose)
-        writeLine(source, "note", reason);
+        writeLine(file, "note", reason);
 }
 
 void Diagnostics::finish()

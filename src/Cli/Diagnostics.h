@@ -54,8 +54,8 @@ public:
     /// Reports a warning that doesn't count towards the 20. It is about `file` or, if that is empty, the source.
     void warning(const CString& reason, const CString& file = {});
 
-    /// Reports a note; only shown with Verbosity::verbose.
-    void note(const CString& reason) const;
+    /// Reports a note about `file`; only shown with Verbosity::verbose.
+    void note(const CString& reason, const CString& file) const;
 
     /// Reports how many warnings were not shown, if any.
     void finish();

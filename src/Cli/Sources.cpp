@@ -68,7 +68,7 @@ MsgUIDescriptor* importerOf(const CString& file, Diagnostics& diagnostics)
 {
     MsgUIDescriptor* const importer = isConnectionString(file) ? tableImporter() : importerFor(file);
     if (importer) {
-        diagnostics.note(CString("read as a source for ") + importer->querySource().word);
+        diagnostics.note(CString("read as a source for ") + importer->querySource().word, file);
     } else {
         const FileCause cause = testReadable(file);
         const std::string_view foreign = foreignAdvice(file);
