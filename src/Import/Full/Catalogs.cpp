@@ -1,5 +1,6 @@
 #include "Import/Full/Catalogs.h"
 
+#include "Files/FileMessage.h"
 #include "Xml/XMLDoc.h"
 #include "Xml/XmlParser.h"
 
@@ -192,7 +193,8 @@ std::uint32_t Catalogs::read(const FoundFile& file, const CString& shownName, co
         throw SourceRefusal{shownName + ": there are more than " + std::to_string(kMaxCatalogs) + " catalogues.",
                             {shownName, "more than " + std::to_string(kMaxCatalogs) + " catalogues"}};
     catalogs.emplace_back();
-    CatalogReader reader(*this, number, folderOf(file.name), report.addFile(shownName));
+    const std::uint32_t reportFile = report.addFile(shownName);
+    CatalogReader reader(*this, number, folderOf(file.name), reportFile);
     XmlDocument xml;
     const bool isRead = xml.streamFile(file.name, reader, kMaxNamedFile) != 0;
     if (isRead && reader.isCatalog())
@@ -201,7 +203,14 @@ std::uint32_t Catalogs::read(const FoundFile& file, const CString& shownName, co
         throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
     if (!named)
         throw SourceRefusal{shownName + " is not an XML catalogue.", {shownName, "it is not an XML catalogue"}};
-    report.add(isRead ? SourceReport::moduleUnreadable : SourceReport::moduleIllFormed, named->place, named->reference);
+    const SourceFault& fault = xml.queryFault();
+    const auto [from, line, column] = named->place;
+    if (isRead || fault.line == 0) // readable, but no catalogue, or not readable at all
+        report.add(SourceReport::moduleUnreadable, named->place, named->reference);
+    else
+        report.add(SourceReport::moduleIllFormed,
+                   {reportFile, static_cast<std::uint32_t>(fault.line), static_cast<std::uint32_t>(fault.column)},
+                   fault.reason + " (named in " + placeInWords(report.fileNameOf(from), line, column) + ")");
     catalogs.back() = {};
     return kNoCatalog;
 }
