@@ -107,6 +107,9 @@ const Row kRows[] = {
      wsdl(types(ELEMENT("a", "<s:element name='x'/>")) +
           MESSAGE("M", PART("p", "") PART("", "type='s:int'") PART("q", "type='s:int'") PART("r", "element='x:a'"))),
      "M(q:Number)", "3 losses: 2 references became text, 1 missing name"},
+    {"MisspeltStatements",
+     wsdl("<mesage name='M'/>" MESSAGE("N", "<prt/>" PART("q", "type='s:int'")) "<service><prt/></service>"),
+     "N(q:Number)", "2 losses: 2 statements not understood"},
     {"Version2",
      "<d:description xmlns:d='http://www.w3.org/ns/wsdl' xmlns:s='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t'>"
      "<d:types><s:schema targetNamespace='urn:t'>" ELEMENT("a", "<s:element name='x'/>") ELEMENT(

@@ -1,6 +1,7 @@
 #include "Import/Schema/Full/WsdlReader.h"
 
 #include <algorithm>
+#include <iterator>
 #include <span>
 
 namespace {
@@ -15,6 +16,16 @@ std::string_view textOf(const unsigned char* text)
 bool isStatement(const XmlScope& scope)
 {
     return scope.uri && isWsdlNamespace(scope.uri);
+}
+
+// Returns whether WSDL 1.1 or 2.0 has a statement for this place. Below the statements of a description, only those of
+// messages are checked.
+bool isKnownThere(std::string_view local, std::size_t depth, bool isInMessage)
+{
+    constexpr std::string_view known[] = {"types",   "portType", "interface", "binding",
+                                          "service", "message",  "import",    "include"};
+    return depth == 1 || depth > 3 || local == "documentation" ||
+           (depth == 2 ? std::ranges::find(known, local) != std::end(known) : !isInMessage);
 }
 
 } // namespace
@@ -141,6 +152,8 @@ void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
         readPart(attributes, place);
     else if (local == "input" || local == "output" || local == "fault")
         readContent(local, attributes, place);
+    else if (!isKnownThere(local, open.size(), message != 0))
+        report.add(SourceReport::unknownStatement, place, local);
 }
 
 void WsdlReader::addImport(std::string_view location, std::string_view space, SourcePlace place)
