@@ -88,6 +88,15 @@ const Loss kLosses[] = {
      MAIN("<xs:group ref='no'/>") TYPE("D", "<xs:complexContent><xs:extension base='No'/></xs:complexContent>"),
      "2:1 group skipped: no\n3:45 extension skipped: No",
      "2:1 missing group or base type: no\n3:45 missing group or base type: No"},
+    {"CircleOfBases",
+     MAIN(ELEMENT("name='a' type='D'"))
+         TYPE("D", "<xs:complexContent><xs:extension base='E'/></xs:complexContent>") "\n" TYPE(
+             "E", "<xs:complexContent><xs:extension base='D'/></xs:complexContent>") "\n"
+                                                                                     "<xs:simpleType "
+                                                                                     "name='S'><xs:restriction "
+                                                                                     "base='S'/></xs:simpleType>",
+     "3:45 extension skipped: E\n4:45 extension skipped: D\n2:1 reference to nothing that was read: D",
+     "4:45 missing group or base type: D\n5:1 missing group or base type: S"},
     {"ItemAndHeadThatNobodyDeclares",
      MAIN("") "<xs:simpleType name='L'><xs:list itemType='No'/></xs:simpleType>" ELEMENT(
          "name='m' substitutionGroup='no'"),

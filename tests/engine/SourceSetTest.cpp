@@ -230,7 +230,8 @@ TEST_F(OpenApiSets, AreOneImport)
         EXPECT_EQ(namesOf(files, row), row.types) << row.name;
     message.setFurtherFiles({folder.path("e")});
     EXPECT_EQ(message.parseFile(folder.path("a"), ""), 0);
-    EXPECT_THAT(boxes.take(), testing::ElementsAre(folder.path("e") + ": it is neither an OpenAPI nor an AsyncAPI document."));
+    EXPECT_THAT(boxes.take(),
+                testing::ElementsAre(folder.path("e") + ": it is neither an OpenAPI nor an AsyncAPI document."));
 }
 
 TEST_F(AvroSets, AreOneImport)

@@ -68,6 +68,8 @@ std::span<const SchemaField> SchemaContents::of(Index type)
         chain.push_back(base);
         base = baseOf(base);
     }
+    if (std::ranges::find(chain, base) != chain.end()) // the chain is a circle
+        set.note(SourceReport::unresolvedContent, derivationOf(chain.back()));
     for (; !chain.empty(); chain.pop_back()) {
         build(chain.back(), base);
         base = chain.back();
@@ -76,11 +78,17 @@ std::span<const SchemaField> SchemaContents::of(Index type)
     return std::span(kept).subspan(content.first, content.elements + content.attributes);
 }
 
+// Returns the restriction or extension of a type; 0 if there is none.
+SchemaContents::Index SchemaContents::derivationOf(Index type) const
+{
+    const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);
+    return content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
+}
+
 // Returns the complex type that a type is derived from; 0 if there is none.
 SchemaContents::Index SchemaContents::baseOf(Index type)
 {
-    const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);
-    const Index derivation = content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
+    const Index derivation = derivationOf(type);
     const SchemaName name = tree.referenceOf(derivation);
     if (name.local == 0)
         return 0;
@@ -92,8 +100,7 @@ SchemaContents::Index SchemaContents::baseOf(Index type)
 
 void SchemaContents::build(Index type, Index base)
 {
-    const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);
-    const Index derivation = content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
+    const Index derivation = derivationOf(type);
     elements.clear();
     attributes.clear();
     lastSeen.clear();
@@ -179,7 +186,7 @@ void SchemaContents::enterGroup(Index reference, std::uint8_t times)
     if (group == 0)
         return set.note(SourceReport::unresolvedContent, reference);
     if (isEntered[group])
-        return;
+        return set.note(SourceReport::unresolvedContent, reference);
     isEntered[group] = true;
     frames.push_back({tree[group].firstChild, group, false, times, ++clock});
 }
@@ -209,10 +216,14 @@ void SchemaContents::addElement(Index particle, std::uint8_t times)
 // documentation of the reference belongs to the head only.
 void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uint8_t times, std::uint32_t documentation)
 {
-    if (!tree[declaration].is(SchemaNode::isAbstract))
+    const bool isAbstract = tree[declaration].is(SchemaNode::isAbstract);
+    if (!isAbstract)
         addOccurrence(head, declaration, times, documentation);
-    if (set.membersOf(head).empty())
+    if (set.membersOf(head).empty()) {
+        if (isAbstract) // and nothing read may stand there instead
+            set.note(SourceReport::elementNotAllowed, declaration);
         return;
+    }
     std::vector<Index> heads{declaration};
     isEntered[declaration] = true;
     for (std::size_t i = 0; i < heads.size(); ++i)

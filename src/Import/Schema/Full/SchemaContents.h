@@ -65,6 +65,7 @@ private:
         std::unordered_map<std::uint64_t, std::size_t, NumberHash> many;
     };
 
+    Index derivationOf(Index type) const;
     Index baseOf(Index type);
     void build(Index type, Index base);
     void inherit(const Content& base, bool withElements);

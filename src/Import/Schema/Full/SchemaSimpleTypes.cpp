@@ -94,7 +94,11 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::valueOf(const Part& part) const
     if (part.type == 0)
         return part.value;
     const Value* const known = values.find(part.type);
-    return !known || known->firstConstant == kPending ? Value() : *known;
+    if (!known || known->firstConstant != kPending)
+        return known ? *known : Value();
+    if (tree[part.type].tag == SchemaTag::simpleType) // derived from itself; complex types have been reported
+        set.note(SourceReport::unresolvedContent, part.type, tree[part.type].name);
+    return {};
 }
 
 // Returns the text of a complex type with elements: text between its elements, or that of its base type.
