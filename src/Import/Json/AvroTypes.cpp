@@ -20,7 +20,7 @@ JsonNode::Index AvroTypes::find(Index schema, JsonWord key, JsonNode::Kind kind)
     const Index found = tree.find(schema, key);
     const bool isRight = found != 0 && (kind == JsonNode::none || tree.is(found, kind));
     if (!isRight)
-        documents.note(SourceReport::senselessDeclaration, schema,
+        documents.note(SourceReport::malformedDeclaration, schema,
                        "no " + CString(tree.names[static_cast<NameTable::Id>(key)]));
     return isRight ? found : 0;
 }
@@ -279,7 +279,7 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
         const Index symbols = find(leaf.schema, JsonWord::symbols, JsonNode::array);
         for (Index at = tree[symbols].firstChild; at != 0; at = tree[at].next)
             if (!tree.is(at, JsonNode::string))
-                documents.note(SourceReport::senselessValue, at, tree.text(at));
+                documents.note(SourceReport::invalidValue, at, tree.text(at));
             else if (met.insert(tree[at].text).second)
                 constants.push_back(types.keep(tree.text(at)));
     }

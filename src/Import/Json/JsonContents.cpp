@@ -87,7 +87,7 @@ void JsonContents::enter(Index schema)
     else if (tree.is(schema, JsonNode::object))
         readSchema(frame);
     else if (!tree.is(schema, JsonNode::boolean))
-        documents.note(SourceReport::senselessValue, schema, tree.text(schema));
+        documents.note(SourceReport::invalidValue, schema, tree.text(schema));
 }
 
 // Returns a schema that is the choice between all; 0 if there are none.
@@ -377,7 +377,7 @@ void JsonContents::addField(Frame& frame, JsonField field, How how)
 void JsonContents::mergeField(MergedField& known, JsonField field, How how)
 {
     const bool isConditional = field.isConditional || how == maybe;
-    const bool isSame = known.schema == field.schema || sayTheSame(known.schema, field.schema);
+    const bool isSame = known.schema == field.schema || areEquivalent(known.schema, field.schema);
     if (how == either) {
         known.alternatives += isConditional ? 0 : 1;
     } else if (known.isConditional && !isConditional) {

@@ -131,7 +131,7 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     // "$id".
     const bool isDraft4 = says("draft-04") || says("draft-03");
     if (says("draft-03"))
-        note(SourceReport::senselessValue, tree.find(root, JsonWord::schemaVersion), "draft 3, read as draft 4,");
+        note(SourceReport::invalidValue, tree.find(root, JsonWord::schemaVersion), "draft 3, read as draft 4,");
     if (isDraft4 || says("draft-06") || says("draft-07"))
         document.ignoresSiblings = true;
     else if (!version.empty())

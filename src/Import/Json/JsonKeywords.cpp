@@ -76,7 +76,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
     const bool isObject = tree.is(node, JsonNode::object), isArray = tree.is(node, JsonNode::array);
     const JsonWord key = tree.keyOf(child);
     if (const unsigned kinds = kindsFor(key); kinds != 0 && (kinds & 1u << tree[node].kind) == 0)
-        return documents.note(SourceReport::senselessValue, child, tree.key(child));
+        return documents.note(SourceReport::invalidValue, child, tree.key(child));
     switch (key) {
     case JsonWord::ref:
     case JsonWord::dynamicRef:
@@ -232,7 +232,7 @@ std::vector<JsonWord> JsonContents::typesOf(Index type)
     for (Index at = isList ? tree[type].firstChild : type; at != 0; at = isList ? tree[at].next : 0) {
         const JsonWord word = tree.wordOf(tree[at].text);
         if (!tree.is(at, JsonNode::string) || std::ranges::find(known, word) == std::end(known))
-            documents.note(SourceReport::senselessValue, at, tree.text(at));
+            documents.note(SourceReport::invalidValue, at, tree.text(at));
         if (isList && word == JsonWord::nullWord)
             report.count(SourceReport::nillable);
         else

@@ -123,7 +123,7 @@ private:
     // For bytes that are no text the parser sets the offset instead of the mark.
     [[noreturn]] void failToParse()
     {
-        const CString reason = parser.problem ? parser.problem : "no YAML";
+        const CString reason = parser.problem ? parser.problem : "not YAML";
         if (parser.error != YAML_READER_ERROR)
             fail(reason, parser.problem_mark);
         const std::string_view before = text.substr(0, parser.problem_offset);
