@@ -279,7 +279,7 @@ const Refusal kRefusals[] = {
     {"YamlControlCharacter", "# YAML\na: \x01",
      "Error on line 2, column 4.\nError text is 'control characters are not allowed'."},
     {"YamlColumnsInBytes", "# YAML\n\u00e9: {\u00e9\u00e9: 1, <<: *x}",
-     "Error on line 2, column 19.\nError text is 'an alias of nothing that stands before it'."},
+     "Error on line 2, column 19.\nError text is 'the alias has no anchor before it'."},
     {"YamlInsideItself", "# \na: &a [*a]",
      "Error on line 2, column 8.\nError text is 'the alias has no anchor before it'."},
     {"SecondYaml", "# \na: 1\n---\nb: 1",
