@@ -347,7 +347,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"for i in \"$(printf 'x\\ny')\" 'x=y' x:y; do cp r.dtd \"$i\"; $import dtd \"$i\" -o o --depfile r.d; done; "
          "cat r.d; $import r.dtd -o 1% --depfile r.d",
          {3, "o: \\\n  x\\:y\n",
-          says("can't write r.d: make and ninja can't read the name x\\ny") +
+          says("can't write r.d: make and ninja can't read the name x y") +
               says("can't write r.d: make and ninja can't read the name x=y") +
               says("can't write r.d: make and ninja can't read the name 1%")}},
         {"$import r.dtd -o r.d --depfile r.d", {2, "", mistake("r.d: it would be read and written, or written twice")}},
