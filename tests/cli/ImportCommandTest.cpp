@@ -211,7 +211,8 @@ TEST_F(ImportCommand, AnswersExactly)
          {1,
           "\\sys\\json\\A\\A\tA (Automatically created)\n\\sys\\json\\u\tu (Automatically created)\n\\sys\\json\\T\tT\n"
           "NAME=\"\\sys\\json\\j\\j\"\nNAME=\"b\"\nNAME=\"title\"\nNAME=\"properties\"\n",
-          "j/t.json: error: it is neither an OpenAPI nor an AsyncAPI document\n" + says("j: the folder holds no source")}},
+          "j/t.json: error: it is neither an OpenAPI nor an AsyncAPI document\n" +
+              says("j: the folder holds no source")}},
         {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
         {"$import dtd --full r.dtd --folder u", {2, "", mistake("--folder: it takes URI=NAME")}},
         {"$import dtd --full r.dtd --folder u=v", {2, "", mistake("--folder requires --folders namespace")}},
