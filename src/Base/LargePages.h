@@ -22,7 +22,11 @@ struct LargePages
     LargePages(const LargePages<Other>&)
     {}
 
-    T* allocate(std::size_t count) { return static_cast<T*>(allocateLarge(count * sizeof(T))); }
+    T* allocate(std::size_t count)
+    {
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): T may be a pointer
+        return static_cast<T*>(allocateLarge(count * sizeof(T)));
+    }
     void deallocate(T* memory, std::size_t) { std::free(memory); }
 
     friend bool operator==(const LargePages&, const LargePages&) { return true; }

@@ -41,8 +41,8 @@ RootNames::RootNames(const SourceTypes& types) : types(types)
 
 std::vector<SourceTypes::Index> RootNames::allCalled(std::string_view name) const
 {
-    const auto found = std::ranges::equal_range(byName, name, {}, [&](Index i) { return types.candidates[i].name; });
-    return {found.begin(), found.end()};
+    const auto nameAt = [&](Index i) { return types.candidates[i].name; };
+    return {std::ranges::lower_bound(byName, name, {}, nameAt), std::ranges::upper_bound(byName, name, {}, nameAt)};
 }
 
 SourceTypes::Index RootNames::find(std::string_view root) const

@@ -66,7 +66,7 @@ void JsonContents::readSchema(Frame& frame)
                           !own.mapValues.empty() || own.format != 0;
     frame.isReference = frame.isReference && !saysMore;
     // Conditional parts come last, because they only add missing fields.
-    std::ranges::stable_partition(frame.parts, [](const Part& part) { return part.how != maybe; });
+    std::stable_partition(frame.parts.begin(), frame.parts.end(), [](const Part& part) { return part.how != maybe; });
     readOwn(frame, own);
 }
 

@@ -30,12 +30,12 @@ std::vector<Index> descriptionsFirst(std::span<const Index> roots, const JsonTre
 {
     std::vector<Index> all(roots.begin(), roots.end());
     std::erase(all, 0);
-    const auto parts = std::ranges::stable_partition(all, [&](Index root) {
+    const auto parts = std::stable_partition(all.begin(), all.end(), [&](Index root) {
         if (tree.find(root, JsonWord::swagger) != 0)
             refuse(report.fileNameOf(tree[root].document), "it is Swagger 2.0; convert it to OpenAPI 3 first");
         return !openApiVersionOf(tree, root).empty() || tree.find(root, JsonWord::asyncapi) != 0;
     });
-    count = all.size() - parts.size();
+    count = static_cast<std::size_t>(parts - all.begin());
     if (count == 0)
         refuseUnknown(report.fileNameOf(tree[all.front()].document));
     return all;

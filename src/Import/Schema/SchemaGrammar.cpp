@@ -173,7 +173,6 @@ constexpr Tags kContent = kParticles | kAttributeUses | Tags{Tag::openContent, T
 constexpr Tags kFacets{Tag::simpleType, Tag::facet, Tag::enumeration, Tag::assertion};
 constexpr Words kOccurs{Word::minOccurs, Word::maxOccurs};
 constexpr Words kAny{Word::nameSpace, Word::processContents, Word::notNamespace, Word::notQName};
-constexpr Words kNoWords{};
 
 // Sorted by tag. The order of statements is not checked. A statement that has an effect at a place is accepted there,
 // even if the language doesn't allow it.

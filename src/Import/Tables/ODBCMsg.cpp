@@ -7,6 +7,7 @@
 #include "Database/Tables.h"
 
 #include <algorithm>
+#include <span>
 
 namespace {
 
@@ -31,6 +32,12 @@ constexpr struct
 const CString& nameOf(const ChosenTable& chosen)
 {
     return chosen.table.name;
+}
+
+// Returns the tables of a name. `chosen` is sorted by name.
+std::span<const ChosenTable> allCalled(const std::vector<ChosenTable>& chosen, const CString& name)
+{
+    return {std::ranges::lower_bound(chosen, name, {}, nameOf), std::ranges::upper_bound(chosen, name, {}, nameOf)};
 }
 
 const char* textOrNull(const CString& text)
@@ -112,7 +119,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
 // Returns the only table whose columns are to be read; null if all tables that match the name are.
 const TableName* ODBCMessage::exactTable(const CString& tableName) const
 {
-    for (const ChosenTable& each : std::ranges::equal_range(chosen, tableName, {}, nameOf))
+    for (const ChosenTable& each : allCalled(chosen, tableName))
         if (each.how == ChosenTable::exact)
             return &each.table;
     return nullptr;
@@ -133,7 +140,7 @@ void ODBCMessage::reportTables(const CString& tableName, const std::set<TableNam
             all += (all.empty() ? "" : ", ") + table.text();
         report.add(SourceReport::severalTables, place, all);
     }
-    for (const ChosenTable& each : std::ranges::equal_range(chosen, tableName, {}, nameOf))
+    for (const ChosenTable& each : allCalled(chosen, tableName))
         if (each.how == ChosenTable::listed && !read.contains(each.table))
             report.add(SourceReport::tableHidden, place, each.table.text());
 }
