@@ -43,7 +43,9 @@ def setUpModule():
         atexit.register(process.wait)
         atexit.register(process.terminate)
     reader, writer = os.pipe()
-    start("Xvfb", "-displayfd", str(writer), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", pass_fds=[writer])
+    # Without -noreset, the end of the first xdotool resets the server, which may break the window manager's connection.
+    start("Xvfb", "-displayfd", str(writer), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-noreset",
+          pass_fds=[writer])
     os.close(writer)
     with os.fdopen(reader) as numbers:
         os.environ["DISPLAY"] = ":" + numbers.readline().strip()
