@@ -154,13 +154,13 @@ void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
         const bool isMember = tree.is(node.parent, JsonNode::object);
         places[at - first] =
             isMember ? placeUnder(places[node.parent - first], tree.keyOf(at)) : places[node.parent - first];
-        const bool isReplaced =
-            documents[node.document].ignoresSiblings && tree.find(node.parent, JsonWord::ref, JsonNode::string) != 0;
-        if (node.kind != JsonNode::string || places[node.parent - first] != statement || isReplaced)
+        if (node.kind != JsonNode::string || places[node.parent - first] != statement)
             continue;
         const JsonWord key = tree.keyOf(at);
-        if (key == JsonWord::dollarId || key == JsonWord::anchor || key == JsonWord::dynamicAnchor ||
-            (isDraft4 && key == JsonWord::id))
+        const bool isIdentifier = key == JsonWord::dollarId || key == JsonWord::anchor ||
+                                  key == JsonWord::dynamicAnchor || (isDraft4 && key == JsonWord::id);
+        if (isIdentifier &&
+            !(documents[node.document].ignoresSiblings && tree.find(node.parent, JsonWord::ref, JsonNode::string) != 0))
             identified.push_back(at);
     }
     std::ranges::stable_sort(identified, {}, [this](Index at) {
