@@ -14,34 +14,34 @@
 #include "Resources/DialogIds.h"
 #include "Resources/StringIds.h"
 
-// Columns: base path, name, description, factory, next page, full reading; then name on the command line, file filter,
-// whether it reads tables, whether the source sets the folders, whether it is always a set, the same without
-// catalogues.
+// Columns: base path, name, description, factory, next page, full reading; then the source.
 MsgUIDescriptor DTDMessage::m_descr("\\sys\\rosettanet\\", IDS_DTD_NAME, IDS_DTD_DESCRIPTION, DTDMessage::New,
-                                    IDD_SOURCE, DTDFullMessage::New, {"dtd", IDS_FILTER_DTD});
+                                    IDD_SOURCE, DTDFullMessage::New, {.word = "dtd", .filterId = IDS_FILTER_DTD});
 MsgUIDescriptor XMLDataMessage::m_descr("\\sys\\xml\\", IDS_XMLDATA_NAME, IDS_XMLDATA_DESCRIPTION, XMLDataMessage::New,
-                                        IDD_SOURCE, nullptr, {"xml", IDS_FILTER_XML});
+                                        IDD_SOURCE, nullptr, {.word = "xml", .filterId = IDS_FILTER_XML});
 MsgUIDescriptor SchemaMessage::m_descr("\\sys\\xml\\", IDS_SCHEMA_NAME, IDS_SCHEMA_DESCRIPTION, SchemaMessage::New,
-                                       IDD_SOURCE, SchemaFullMessage::New, {"xsd", IDS_FILTER_SCHEMA});
+                                       IDD_SOURCE, SchemaFullMessage::New,
+                                       {.word = "xsd", .filterId = IDS_FILTER_SCHEMA});
 MsgUIDescriptor BrokerMessage::m_descr("\\", IDS_BTD_NAME, IDS_BTD_DESCRIPTION, BrokerMessage::New, IDD_SOURCE, nullptr,
-                                       {"btd", IDS_FILTER_XML, false, true});
+                                       {.word = "btd", .filterId = IDS_FILTER_XML, .namesFolders = true});
 MsgUIDescriptor ODBCMessage::m_descr("\\", IDS_ODBC_NAME, IDS_ODBC_DESCRIPTION, ODBCMessage::New, IDD_DATA_SOURCE,
-                                     nullptr, {"odbc", 0, true});
+                                     nullptr, {.word = "odbc", .readsTables = true});
 MsgUIDescriptor WsdlMessage::m_descr("\\sys\\xml\\", IDS_WSDL_NAME, IDS_WSDL_DESCRIPTION, WsdlMessage::New, IDD_SOURCE,
-                                     nullptr, {"wsdl", IDS_FILTER_WSDL, false, false, true});
-MsgUIDescriptor JsonSchemaMessage::m_descr("\\sys\\json\\", IDS_JSON_SCHEMA_NAME, IDS_JSON_SCHEMA_DESCRIPTION,
-                                           JsonSchemaMessage::New, IDD_SOURCE, nullptr,
-                                           {"jsonschema", IDS_FILTER_JSON_SCHEMA, false, false, false, true});
+                                     nullptr, {.word = "wsdl", .filterId = IDS_FILTER_WSDL, .isSet = true});
+MsgUIDescriptor
+    JsonSchemaMessage::m_descr("\\sys\\json\\", IDS_JSON_SCHEMA_NAME, IDS_JSON_SCHEMA_DESCRIPTION,
+                               JsonSchemaMessage::New, IDD_SOURCE, nullptr,
+                               {.word = "jsonschema", .filterId = IDS_FILTER_JSON_SCHEMA, .hasFolders = true});
 
 MsgUIDescriptor OpenApiMessage::m_descr("\\sys\\json\\", IDS_OPENAPI_NAME, IDS_OPENAPI_DESCRIPTION, OpenApiMessage::New,
                                         IDD_SOURCE, nullptr,
-                                        {"openapi", IDS_FILTER_OPENAPI, false, false, false, true});
+                                        {.word = "openapi", .filterId = IDS_FILTER_OPENAPI, .hasFolders = true});
 MsgUIDescriptor AvroMessage::m_descr("\\sys\\json\\", IDS_AVRO_NAME, IDS_AVRO_DESCRIPTION, AvroMessage::New, IDD_SOURCE,
-                                     nullptr, {"avro", IDS_FILTER_AVRO, false, false, false, true});
+                                     nullptr, {.word = "avro", .filterId = IDS_FILTER_AVRO, .hasFolders = true});
 
 MsgUIDescriptor JsonDataMessage::m_descr("\\sys\\json\\", IDS_JSON_DATA_NAME, IDS_JSON_DATA_DESCRIPTION,
                                          JsonDataMessage::New, IDD_SOURCE, nullptr,
-                                         {"json", IDS_FILTER_JSON_DATA, false, false, false, true});
+                                         {.word = "json", .filterId = IDS_FILTER_JSON_DATA, .hasFolders = true});
 
 MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr,
                              &XMLDataMessage::m_descr,
