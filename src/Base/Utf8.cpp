@@ -5,8 +5,6 @@
 #include <cstdint>
 #include <cstring>
 
-namespace {
-
 bool isAscii(std::string_view text)
 {
     std::uint64_t all = 0, eight;
@@ -18,8 +16,6 @@ bool isAscii(std::string_view text)
         all |= static_cast<unsigned char>(c);
     return (all & 0x8080808080808080) == 0;
 }
-
-} // namespace
 
 std::size_t utf8Length(char lead)
 {

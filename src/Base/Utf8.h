@@ -14,6 +14,9 @@ std::size_t utf8Length(char lead);
 /// surrogates included, returns kInvalidUtf8 and leaves `at`. `at` must be less than the size.
 char32_t decodeUtf8(std::string_view text, std::size_t& at);
 
+/// Returns whether a text consists of ASCII characters.
+bool isAscii(std::string_view text);
+
 /// Returns the number of characters that begin in a UTF-8 text.
 std::size_t countCharacters(std::string_view text);
 

@@ -1,5 +1,6 @@
 #include "Ui/ListRows.h"
 
+#include "Base/Utf8.h"
 #include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 
@@ -7,15 +8,6 @@
 
 #include <algorithm>
 #include <numeric>
-
-namespace {
-
-bool isAscii(std::string_view text)
-{
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
-}
-
-} // namespace
 
 // A text to search for in any letter case. Cells in ASCII are compared by bytes; Qt's comparison costs ten times as
 // much.
