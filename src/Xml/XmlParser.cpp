@@ -3,6 +3,7 @@
 #include "Base/Progress.h"
 #include "Base/Utf8.h"
 #include "Files/FileMessage.h"
+#include "Xml/XmlLimits.h"
 #include "Xml/XmlSource.h"
 
 #include <libxml/SAX2.h>
@@ -17,14 +18,6 @@
 
 namespace {
 
-constexpr std::size_t kMaxDepth = 200'000;
-constexpr int kMaxAttributes = 10'000;
-constexpr int kMaxNamespaces = 4'096;                 // in scope at once
-constexpr int kMaxNames = 100'000;                    // different ones; libxml2's hash table for them has a fixed size
-constexpr std::size_t kFreeComparisons = 100'000'000; // of members of a list, which libxml2 does pairwise
-constexpr std::size_t kMaxComparisons = 64;           // per byte read
-constexpr std::size_t kFreeExpansion = 1'000'000;
-constexpr std::size_t kMaxExpansionRatio = 10;
 constexpr int kPointersPerAttribute = XmlAttributes::kRowSize;
 
 const char* text(const xmlChar* characters)
@@ -54,21 +47,6 @@ void setUpLibrary()
     static_cast<void>(once);
 }
 
-// Returns libxml2's reason without its advice to set XML_PARSE_HUGE. Instead it says that a bound was passed.
-CString reasonInWords(std::string_view reason)
-{
-    constexpr std::string_view option = "XML_PARSE_HUGE", kinds[] = {"too long", "too big", "Huge ", "huge ", option};
-    const auto isIn = [&](std::string_view kind) { return reason.find(kind) != reason.npos; };
-    if (isIn("entity reference loop")) // libxml2 says so of any depth over 40, and of text that grows too much
-        return CString(reason) + ", or entities that exceed the limit of nesting or of expanded text";
-    if (!std::ranges::any_of(kinds, isIn))
-        return CString(reason);
-    reason = reason.substr(0, reason.find(option));
-    if (reason.ends_with("use "))
-        reason.remove_suffix(4);
-    return CString(trimmed(reason, ", ")) + ", which exceeds the limit for documents that declare entities";
-}
-
 // Sets libxml2's error handler in its scope. That of a parser context would miss errors of the decoder.
 class ErrorsTo
 {
@@ -93,7 +71,7 @@ class Parse
 {
 public:
     Parse(XmlSource& document, XmlHandler& receiver) :
-        source(document), handler(receiver), wantsScopes(receiver.wantsScopes())
+        source(document), handler(receiver), wantsScopes(receiver.wantsScopes()), limits(document)
     {}
 
     std::optional<IXMLDOMParseError> run();
@@ -129,18 +107,20 @@ private:
     template <class Call>
     void guarded(void* context, Call call);
     xmlEntityPtr counted(void* context, xmlEntityPtr entity);
-    void expand(std::size_t bytes);
-    void compare(std::size_t members);
-    void noteEnumerations(std::string_view piece);
     bool mayHoldLongNames(const xmlParserCtxt& context);
     void checkName(const xmlChar* local, const xmlChar* prefix);
-    void checkBounds(int attributes);
+    void checkTag(int attributes);
     bool tell();
     bool hasRest() const;
     int line() const { return parser->inputTab[0]->line; } // of the document, even inside an entity
     XmlPlace tagStart(const xmlParserCtxt& context) const;
     XmlPlace referenceStart(const void* context, std::string_view name) const;
     void fail(std::string_view reason);
+    void hold(const char* exceeded)
+    {
+        if (exceeded)
+            fail(exceeded);
+    }
     static void stop(void* context);
 
     XmlSource& source;
@@ -150,11 +130,9 @@ private:
     std::optional<IXMLDOMParseError> first;
     std::exception_ptr thrown; // by the handler
     bool outOfMemory = false;  // in libxml2
+    XmlLimits limits;
     std::size_t depth = 0;
-    std::size_t expanded = 0;
-    std::size_t comparisons = 0;
     std::size_t lastTagEnd = 0;
-    std::size_t bars = 0; // '|' since the last '>', in the prolog
     bool inProlog = true;
     unsigned pieces = 0;
 };
@@ -183,6 +161,7 @@ xmlSAXHandler Parse::callbacks(bool withText)
 
 std::optional<IXMLDOMParseError> Parse::run()
 {
+    setUpLibrary();
     const ErrorsTo here(this, onError);
     xmlSAXHandler sax = callbacks(handler.wantsText());
     parser.reset(xmlCreateIOParserCtxt(&sax, nullptr, onRead, nullptr, this, XML_CHAR_ENCODING_NONE));
@@ -219,14 +198,14 @@ int Parse::onRead(void* run, char* out, int room)
 {
     Parse& self = *static_cast<Parse*>(run);
     if (self.parser)
-        self.checkBounds(self.parser->maxatts / kPointersPerAttribute / 2);
+        self.checkTag(self.parser->maxatts / kPointersPerAttribute / 2);
     if (self.first)
         return 0;
     const int size = self.source.read(out, room);
     if (!self.tell())
         return 0;
     if (self.inProlog && size > 0)
-        self.noteEnumerations({out, static_cast<std::size_t>(size)});
+        self.hold(self.limits.addProlog({out, static_cast<std::size_t>(size)}));
     return size;
 }
 
@@ -239,19 +218,6 @@ bool Parse::tell()
     thrown = std::make_exception_ptr(Cancelled());
     fail("The parse was cancelled");
     return false;
-}
-
-// Counts the values of enumerations by the '|' between them. libxml2 compares each value with all before it, and calls
-// back only when it has them all, so they are counted as they are read.
-void Parse::noteEnumerations(std::string_view piece)
-{
-    for (const char c : piece) {
-        if (c == '>')
-            bars = 0;
-        else if (c == '|')
-            comparisons += ++bars;
-    }
-    compare(0);
 }
 
 void Parse::onError(void* run, xmlErrorPtr error)
@@ -267,7 +233,7 @@ void Parse::fail(std::string_view reason)
 {
     if (first)
         return;
-    first = IXMLDOMParseError{reasonInWords(trimmed(reason))};
+    first = IXMLDOMParseError{XmlLimits::reasonInWords(trimmed(reason))};
     if (parser && parser->inputNr > 0) {
         first->line = line();
         first->linepos = parser->inputTab[0]->col;
@@ -306,7 +272,7 @@ xmlEntityPtr Parse::onParameterEntity(void* context, const xmlChar* name)
     // A parameter entity can hold the values of an enumeration.
     if (entity && entity->content) {
         const std::string_view content = view(entity->content);
-        self.compare(static_cast<std::size_t>(std::count(content.begin(), content.end(), '|')));
+        self.hold(self.limits.addList(static_cast<std::size_t>(std::count(content.begin(), content.end(), '|'))));
     }
     return self.counted(context, entity);
 }
@@ -317,28 +283,11 @@ xmlEntityPtr Parse::counted(void* context, xmlEntityPtr entity)
     if (!entity || entity->etype == XML_INTERNAL_PREDEFINED_ENTITY)
         return entity;
     constexpr std::size_t perReference = 16;
-    expand(perReference + static_cast<std::size_t>(entity->length));
+    hold(limits.addExpansion(perReference + static_cast<std::size_t>(entity->length)));
     if (!first)
         return entity;
     stop(context);
     return nullptr;
-}
-
-// Counts expanded bytes and fails if they exceed the bound.
-void Parse::expand(std::size_t bytes)
-{
-    expanded += bytes;
-    if (expanded > kFreeExpansion && expanded / kMaxExpansionRatio > source.queryCount())
-        fail("The entities and default attributes of the document expand to more than 10 times its size, which is the "
-             "limit");
-}
-
-// Counts the comparisons of a list in which each member is compared with all before it. Fails if they exceed the bound.
-void Parse::compare(std::size_t members)
-{
-    comparisons += members * members / 2;
-    if (comparisons > kFreeComparisons && comparisons / kMaxComparisons > source.queryCount())
-        fail("The document has too many lists with too many members: the limit is 64 comparisons for each byte");
 }
 
 // Returns where the last start tag begins. libxml2 only knows its end, but keeps all of it in memory. A well-formed tag
@@ -386,21 +335,12 @@ bool Parse::mayHoldLongNames(const xmlParserCtxt& context)
 
 void Parse::checkName(const xmlChar* local, const xmlChar* prefix)
 {
-    const std::size_t size = prefix ? ::strnlen(text(prefix), kMaxXmlName) + 1 : 0;
-    if (size + ::strnlen(text(local), kMaxXmlName + 1) > kMaxXmlName)
-        fail("A name has more than 4,096 bytes, which is the limit");
+    hold(XmlLimits::checkName(text(local), text(prefix)));
 }
 
-void Parse::checkBounds(int attributes)
+void Parse::checkTag(int attributes)
 {
-    if (attributes > kMaxAttributes)
-        fail("An element has more than 10,000 attributes, which is the limit");
-    else if (parser->nsNr > 2 * kMaxNamespaces)
-        fail("More than 4,096 namespaces are declared at once, which is the limit");
-    else if (xmlDictSize(parser->dict) > kMaxNames)
-        fail("The document has more than 100,000 different names, which is the limit");
-    else if (depth >= kMaxDepth)
-        fail("The elements are nested more than 200,000 levels deep, which is the limit");
+    hold(XmlLimits::checkTag(attributes, parser->nsNr / 2, xmlDictSize(parser->dict), depth));
 }
 
 // Calls the handler and keeps its exception for run(), because an exception must not unwind C code.
@@ -432,11 +372,11 @@ void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* p
         for (int i = attributes - defaulted; i < attributes; ++i)
             bytes +=
                 static_cast<std::size_t>(rows[i * kPointersPerAttribute + 4] - rows[i * kPointersPerAttribute + 3]) + 1;
-        self.expand(bytes);
+        self.hold(self.limits.addExpansion(bytes));
     }
     self.inProlog = false;
-    self.checkBounds(attributes);
-    self.compare(static_cast<std::size_t>(attributes));
+    self.checkTag(attributes);
+    self.hold(self.limits.addList(static_cast<std::size_t>(attributes)));
     if (self.mayHoldLongNames(*static_cast<xmlParserCtxtPtr>(context)) || defaulted != 0) {
         self.checkName(local, prefix);
         for (int i = 0; i < attributes; ++i)
@@ -486,30 +426,25 @@ void Parse::onInstruction(void* context, const xmlChar* target, const xmlChar* d
         self.guarded(context, [&] { self.handler.instruction(view(target), view(data)); });
 }
 
-IXMLDOMParseError systemFailure(int error)
-{
-    return {inWords(error), 0, 0, error};
-}
-
 } // namespace
 
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler, std::size_t most)
 {
     try {
-        setUpLibrary();
         XmlSource file(fileName, most);
         std::optional<IXMLDOMParseError> error;
         if (!file.queryError())
             error = Parse(file, handler).run();
-        return file.queryError() ? systemFailure(file.queryError()) : error;
+        if (const int failure = file.queryError())
+            return IXMLDOMParseError{inWords(failure), 0, 0, failure};
+        return error;
     } catch (const std::bad_alloc&) {
-        return systemFailure(ENOMEM);
+        return IXMLDOMParseError{inWords(ENOMEM), 0, 0, ENOMEM};
     }
 }
 
 std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler)
 {
-    setUpLibrary();
     XmlSource source(document);
     return Parse(source, handler).run();
 }

@@ -1,0 +1,83 @@
+#include "Xml/XmlLimits.h"
+
+#include "Xml/XmlParser.h"
+#include "Xml/XmlSource.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kMaxDepth = 200'000;
+constexpr int kMaxAttributes = 10'000;
+constexpr int kMaxNamespaces = 4'096;                 // in scope at once
+constexpr int kMaxNames = 100'000;                    // different ones; libxml2's hash table for them has a fixed size
+constexpr std::size_t kFreeComparisons = 100'000'000; // of members of a list
+constexpr std::size_t kMaxComparisons = 64;           // per byte read
+constexpr std::size_t kFreeExpansion = 1'000'000;
+constexpr std::size_t kMaxExpansionRatio = 10;
+
+} // namespace
+
+const char* XmlLimits::addExpansion(std::size_t bytes)
+{
+    expanded += bytes;
+    if (expanded <= kFreeExpansion || expanded / kMaxExpansionRatio <= source.queryCount())
+        return nullptr;
+    return "The entities and default attributes of the document expand to more than 10 times its size, which is the "
+           "limit";
+}
+
+const char* XmlLimits::addList(std::size_t members)
+{
+    comparisons += members * members / 2;
+    if (comparisons <= kFreeComparisons || comparisons / kMaxComparisons <= source.queryCount())
+        return nullptr;
+    return "The document has too many lists with too many members: the limit is 64 comparisons for each byte";
+}
+
+const char* XmlLimits::addProlog(std::string_view piece)
+{
+    for (const char c : piece) {
+        if (c == '>')
+            bars = 0;
+        else if (c == '|')
+            comparisons += ++bars;
+    }
+    return addList(0);
+}
+
+const char* XmlLimits::checkTag(int attributes, int namespaces, int names, std::size_t depth)
+{
+    if (attributes > kMaxAttributes)
+        return "An element has more than 10,000 attributes, which is the limit";
+    if (namespaces > kMaxNamespaces)
+        return "More than 4,096 namespaces are declared at once, which is the limit";
+    if (names > kMaxNames)
+        return "The document has more than 100,000 different names, which is the limit";
+    if (depth >= kMaxDepth)
+        return "The elements are nested more than 200,000 levels deep, which is the limit";
+    return nullptr;
+}
+
+const char* XmlLimits::checkName(const char* local, const char* prefix)
+{
+    const std::size_t size = prefix ? ::strnlen(prefix, kMaxXmlName) + 1 : 0;
+    if (size + ::strnlen(local, kMaxXmlName + 1) <= kMaxXmlName)
+        return nullptr;
+    return "A name has more than 4,096 bytes, which is the limit";
+}
+
+CString XmlLimits::reasonInWords(std::string_view reason)
+{
+    constexpr std::string_view option = "XML_PARSE_HUGE", kinds[] = {"too long", "too big", "Huge ", "huge ", option};
+    const auto isIn = [&](std::string_view kind) { return reason.find(kind) != reason.npos; };
+    if (isIn("entity reference loop")) // libxml2 says so of any depth over 40, and of text that grows too much
+        return CString(reason) + ", or entities that exceed the limit of nesting or of expanded text";
+    if (!std::ranges::any_of(kinds, isIn))
+        return CString(reason);
+    reason = reason.substr(0, reason.find(option));
+    if (reason.ends_with("use "))
+        reason.remove_suffix(4);
+    return CString(trimmed(reason, ", ")) + ", which exceeds the limit for documents that declare entities";
+}

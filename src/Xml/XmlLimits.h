@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Base/Text.h"
+
+#include <cstddef>
+#include <string_view>
+
+class XmlSource;
+
+/// Counts what a document costs libxml2 where that grows faster than the document, and holds it to the limits that
+/// parseXmlFile() names. Each function returns what is wrong once a limit is exceeded, else null.
+class XmlLimits
+{
+public:
+    explicit XmlLimits(const XmlSource& document) : source(document) {}
+
+    /// Counts bytes that the document's own text doesn't hold: those of an entity or of a default attribute.
+    const char* addExpansion(std::size_t bytes);
+
+    /// Counts a list of which libxml2 compares each member with all before it.
+    const char* addList(std::size_t members);
+
+    /// Counts the values of enumerations in a piece of the prolog, by the '|' between them. libxml2 calls back only
+    /// when it has compared them all, so they are counted as they are read.
+    const char* addProlog(std::string_view piece);
+
+    /// Checks a start tag: its attributes, the namespaces in scope, the different names of the document, its depth.
+    static const char* checkTag(int attributes, int namespaces, int names, std::size_t depth);
+
+    /// Checks the length of a name; `prefix` is null if it has none.
+    static const char* checkName(const char* local, const char* prefix);
+
+    /// Returns libxml2's reason of an error; where that advises to set XML_PARSE_HUGE, says that a limit is exceeded.
+    static CString reasonInWords(std::string_view reason);
+
+private:
+    const XmlSource& source;
+    std::size_t expanded = 0;
+    std::size_t comparisons = 0;
+    std::size_t bars = 0; // '|' since the last '>'
+};
