@@ -271,6 +271,8 @@ const Refusal kRefusals[] = {
     {"TextBehindTheEnd", "{} x", "Error on line 1, column 4.\nError text is 'text follows the end of the document'."},
     {"CommaTooMany", "[1,]", "Error on line 1, column 4.\nError text is 'a value is expected'."},
     {"NoUtf8", "{\"\xff\":1}", "Error on line 1, column 3.\nError text is 'the bytes are not UTF-8'."},
+    {"Utf16", CString("\xff\xfe{\0}\0", 6),
+     "Error on line 1, column 1.\nError text is 'a value is expected, in UTF-8'."},
     {"TooDeep", times(1001, "[") + times(1001, "]"),
      "Error on line 1, column 1001.\nError text is 'more than 1000 levels of nesting, which is the limit'."},
     {"NoYaml", "#\na: [", "Error on line 3, column 1.\nError text is 'did not find expected node content'."},

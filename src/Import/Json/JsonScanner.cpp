@@ -280,7 +280,7 @@ void JsonScanner::scanNumber()
     if (isAtEnd())
         fail("the text ends too early");
     if (!isDigit(peek()))
-        fail("a value is expected");
+        fail(static_cast<unsigned char>(peek()) < 0x80 ? "a value is expected" : "a value is expected, in UTF-8");
     // A zero at the start is the whole integer part (RFC 8259, 6).
     if (peek() == '0')
         ++at;
