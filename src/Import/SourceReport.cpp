@@ -140,6 +140,8 @@ std::uint32_t SourceReport::addFile(const CString& fileName)
 // Repetitions are dropped only if the column is known, because several equal constructs may be on one line.
 void SourceReport::add(Construct construct, SourcePlace place, std::string_view name)
 {
+    if (isPaused)
+        return;
     const Sort sort = rowFor(construct).sort;
     Places& kept = places[sort];
     if (kept.bytes >= kMaxMegabytes[sort] << 20) {
@@ -215,4 +217,5 @@ void SourceReport::clear()
     seen.clear();
     names.release();
     counts = {};
+    isPaused = false;
 }

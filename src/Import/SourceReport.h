@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <deque>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 /// A place in a source.
@@ -152,7 +153,10 @@ public:
     void add(Construct construct, SourcePlace place, std::string_view name);
 
     /// Counts a detail without a place.
-    void count(Construct construct, std::size_t times = 1) { counts[construct] += times; }
+    void count(Construct construct, std::size_t times = 1) { counts[construct] += isPaused ? 0 : times; }
+
+    /// Sets whether add() and count() are ignored, and returns the setting before.
+    bool pause(bool on) { return std::exchange(isPaused, on); }
 
     /// A construct with its place. The name is valid until clear().
     struct Entry
@@ -206,4 +210,5 @@ private:
     std::unordered_set<std::uint64_t> seen; // hashes of the entries
     std::array<Places, sortCount> places;
     std::array<std::size_t, constructCount> counts{};
+    bool isPaused = false;
 };

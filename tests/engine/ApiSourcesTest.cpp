@@ -96,6 +96,11 @@ const Rule kApis[] = {
      R"({"openapi":"3.0.0","paths":{"/a":{"get":{"operationId":"o","responses":{"200":{"content":{"a/b":{"schema":{"properties":{"x":{}}}}}}}}}},
         "components":{"schemas":{"A":{"properties":{"b":{"$ref":"#/components/schemas/B"}}},"B":{"properties":{"c":{}}}}}})",
      "B(c:String) A(b:B)", "", "A"},
+    {"LossesOfTheRootAlone",
+     R"({"openapi":"3.0.0","paths":{"/a":{"get":{"operationId":"o","responses":{"200":{"content":{"a/b":{"schema":{"properties":{"x":{"$ref":"#/no"}}}}}}}}}},
+        "components":{"schemas":{"A":{"properties":{"b":{"$ref":"#/components/schemas/B"}}},"B":{"properties":{"c":{"$ref":"#/no"}}},
+        "C":{"properties":{"d":{"$ref":"none.json"},"e":{"$ref":"#/no"}}}}}})",
+     "B(c:String) A(b:B)", "1 loss: 1 reference became text", "A"},
 };
 
 const Rule kAvro[] = {
@@ -148,6 +153,10 @@ const Rule kAvro[] = {
     {"AFullNameAsRoot",
      R"({"type":"record","name":"A","namespace":"n","fields":[{"name":"a","type":{"type":"record","name":"m.A","fields":[{"name":"x","type":"int"}]}}]})",
      "A(x:Number)", "", "m.A"},
+    {"LossesOfTheRootAlone",
+     R"({"type":"record","name":"r","fields":[{"name":"a","type":{"type":"record","name":"A","fields":[{"name":"x","type":"int"},{"name":"y","type":"bytes"}]}},
+        {"name":"b","type":"bytes"},{"name":"c","type":"No"}]})",
+     "A(x:Number)", "1 loss: 1 field of bytes left out", "A"},
     {"AnEnumerationAsRoot",
      R"({"type":"record","name":"r","namespace":"n","fields":[{"name":"a","type":{"type":"enum","name":"E","symbols":["X"]}}]})",
      "E_E{X} E(value:E_E)", "", "{n}E"},

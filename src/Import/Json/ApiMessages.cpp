@@ -227,6 +227,6 @@ void ApiMessages::readComponent(Index node)
         avro.declareAll(follow(schema));
     else if (languageOf(format) == Language::foreign)
         documents.note(SourceReport::moduleUnreadable, schema, format);
-    else if (schema != node)
+    else if (schema != node && schemas.isWanted(tree.target(schema)))
         schemas.shapeOf(schema, schemas.toModelName(tree.key(node), node));
 }

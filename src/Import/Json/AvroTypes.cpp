@@ -37,6 +37,12 @@ void AvroTypes::addCandidate(Index schema, std::string_view name)
         if (const auto shape = shapeOf({{schema, 0}}, name, SourceTypes::kNone))
             names.addCandidate(*shape, name, tree.placeOf(schema));
     // Named types that nothing refers to are imported as well.
+    readDeclared(name);
+}
+
+// Reads the named types that were declared since the last call.
+void AvroTypes::readDeclared(std::string_view name)
+{
     for (const Scoped at : std::exchange(order, {}))
         shapeOf({at}, name, SourceTypes::kNone);
 }
@@ -52,7 +58,8 @@ void AvroTypes::addNamedTypes()
 {
     std::vector<Scoped> all;
     for (const auto& [name, type] : named)
-        all.push_back(type);
+        if (names.isWanted(type.schema))
+            all.push_back(type);
     std::ranges::sort(all, {}, &Scoped::schema);
     std::unordered_map<NameTable::Id, std::string_view> kept;      // namespaces
     std::unordered_map<SourceTypes::Index, std::string_view> uris; // by record
@@ -79,23 +86,22 @@ void AvroTypes::addNamedTypes()
 void AvroTypes::readProtocol(Index protocol)
 {
     const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);
-    for (const Scoped at : std::exchange(order, {}))
-        shapeOf({at}, {}, SourceTypes::kNone);
+    readDeclared({});
     const Index messages = tree.find(protocol, JsonWord::messages, JsonNode::object);
     for (Index at = tree[messages].firstChild; at != 0; at = tree[at].next) {
         const Index message = tree.target(at);
         const CString name(tree.key(at));
         const Index request = tree.find(message, JsonWord::request, JsonNode::array);
-        if (tree[request].firstChild != 0) {
+        if (tree[request].firstChild != 0 && names.isWanted(request)) {
             const SourceTypes::Type type = recordOf({{request, tree[space].text}}, false,
                                                     names.toModelName(name + "Request", at), SourceTypes::kNone);
-            names.addCandidate({type, 0}, {}, tree.placeOf(at));
+            names.addCandidate({type, 0}, {}, tree.placeOf(request));
         }
         const Index response = tree.find(message, JsonWord::response);
-        if (response != 0 && !sort({{response, tree[space].text}}).records.empty())
+        if (response != 0 && names.isWanted(response) && !sort({{response, tree[space].text}}).records.empty())
             if (const auto shape = shapeOf({{response, tree[space].text}}, names.toModelName(name + "Response", at),
                                            SourceTypes::kNone))
-                names.addCandidate(*shape, name + "Response", tree.placeOf(at));
+                names.addCandidate(*shape, name + "Response", tree.placeOf(response));
     }
     // A protocol without messages only declares types.
     if (tree[messages].firstChild == 0)
@@ -107,6 +113,8 @@ std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternati
                                                    SourceTypes::Index home)
 {
     const Index place = alternatives.empty() ? 0 : alternatives.front().schema;
+    if (home == SourceTypes::kNone && !names.isWanted(place))
+        return std::nullopt;
     Shape shape;
     for (;;) {
         const Sorted sorted = sort(std::move(alternatives));
@@ -296,8 +304,7 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
 
 void AvroTypes::finish()
 {
-    for (const Scoped at : std::exchange(order, {}))
-        shapeOf({at}, {}, SourceTypes::kNone);
+    readDeclared({});
     for (std::size_t i = 0; i < pending.size(); ++i)
         // Copied, because reading fields appends further records.
         readFields(Pending(pending[i]));

@@ -62,6 +62,7 @@ private:
     NameTable::Id spaceOf(Scoped at);
     bool isSame(Scoped one, Scoped other);
     Index find(Index schema, JsonWord key, JsonNode::Kind kind = JsonNode::none);
+    void readDeclared(std::string_view name);
     NameTable::Id fullNameOf(std::string_view name, NameTable::Id space);
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
     Sorted sort(std::vector<Scoped> alternatives);

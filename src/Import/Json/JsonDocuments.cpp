@@ -257,8 +257,11 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
         return 0;
     }
     // Entered before it is read, so that a document that fails isn't read again.
-    if (parsed.try_emplace(file->id, 0).second)
+    if (parsed.try_emplace(file->id, 0).second) {
+        const bool wasPaused = report.pause(false); // documents are read once, and their own losses found then
         parsed[file->id] = readNamed(*file, path, holder);
+        report.pause(wasPaused);
+    }
     return parsed[file->id];
 }
 

@@ -33,6 +33,8 @@ std::string_view firstSentence(std::string_view text)
 JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceTypes::Index home)
 {
     schema = tree.target(schema);
+    if (home == SourceTypes::kNone && !isWanted(schema))
+        return {};
     JsonContent content = contents.of(schema);
     Shape shape;
     bool mayBeLeaf = false;
@@ -211,8 +213,9 @@ void JsonTypes::declareMembers(Index holder, bool asCandidates)
         return;
     for (Index at = tree[holder].firstChild; at != 0; at = tree[at].next) {
         const Index schema = tree.target(at);
-        if (tree.find(schema, JsonWord::schemaFormat, JsonNode::string) != 0)
-            continue; // holds a schema in another format
+        const bool isOther = tree.find(schema, JsonWord::schemaFormat, JsonNode::string) != 0; // holds another format
+        if (isOther || !isWanted(schema))
+            continue;
         if (asCandidates)
             addCandidate(schema, tree.key(at));
         else
@@ -230,6 +233,8 @@ void JsonTypes::addCandidate(Index schema, std::string_view name)
 
 void JsonTypes::addBody(Index schema, const CString& name)
 {
+    if (!isWanted(tree.target(schema)))
+        return;
     const std::string_view called = toModelName(name, schema);
     if (const Shape shape = shapeOf(schema, called); shape.type.kind == SourceTypes::kindRecord)
         addCandidate(shape, called, tree.placeOf(tree.target(schema)));

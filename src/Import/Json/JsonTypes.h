@@ -2,6 +2,8 @@
 
 #include "Import/Json/JsonContents.h"
 
+#include <set>
+#include <tuple>
 #include <unordered_set>
 
 /// Makes types of JSON Schemas: the records and enumerations of the requested schemas, and of all they refer to.
@@ -19,15 +21,25 @@ public:
         friend bool operator==(const Shape&, const Shape&) = default;
     };
 
-    JsonTypes(JsonDocuments& documents, SourceTypes& types, SourceReport& report) :
-        documents(documents), tree(documents.tree), types(types), contents(documents, types, report), report(report)
+    /// A place as a key.
+    using PlaceKey = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;
+    using Places = std::set<PlaceKey>;
+    static PlaceKey keyOf(SourcePlace place) { return {place.file, place.line, place.column}; }
+
+    /// With `wanted`, only the candidates at these places are read, and what they refer to.
+    JsonTypes(JsonDocuments& documents, SourceTypes& types, SourceReport& report, const Places* wanted = nullptr) :
+        documents(documents), tree(documents.tree), types(types), contents(documents, types, report), report(report),
+        wanted(wanted)
     {}
+
+    /// Returns whether a schema that no field refers to is read.
+    bool isWanted(Index schema) const { return !wanted || wanted->contains(keyOf(tree.placeOf(schema))); }
 
     /// Sets the position in the set of the document that further candidates count for.
     void setSource(Index position) { source = position; }
 
-    /// Returns the type of a schema. A schema without its own name is called `name`, inside the record `home`, if that
-    /// is given.
+    /// Returns the type of a schema; text if it is not wanted and has no `home`. A schema without its own name is
+    /// called `name`, inside the record `home`, if that is given.
     Shape shapeOf(Index schema, std::string_view name, SourceTypes::Index home = SourceTypes::kNone);
 
     /// Adds the types of all schemas under `holder`, so that unused ones are imported as well. With `asCandidates` they
@@ -78,6 +90,7 @@ private:
     SourceTypes& types;
     JsonContents contents;
     SourceReport& report;
+    const Places* const wanted;
     std::unordered_map<Index, SourceTypes::Type> records;                           // by the owner of the content
     std::unordered_map<std::uint64_t, SourceTypes::Index, NumberHash> enumerations; // by first constant and name
     std::unordered_map<Index, std::string_view> names;
