@@ -160,8 +160,8 @@ void ApiMessages::readMessage(Index message, std::string_view name)
         if (const std::string_view said = tree.textOf(message, word); !said.empty())
             name = said;
     readSchema(tree.find(message, JsonWord::payload), lowerAscii(tree.textOf(message, JsonWord::schemaFormat)),
-               CString(name));
-    readSchema(headersOf(message), {}, CString(name) + "Headers");
+               CString(name), true);
+    readSchema(headersOf(message), {}, CString(name) + "Headers", false);
 }
 
 // Returns the headers of a message with those of its traits, which come first, so that the message's own hold; 0 if
@@ -204,7 +204,7 @@ JsonNode::Index ApiMessages::withoutFormat(Index node, CString& format)
 }
 
 // Adds a schema of a message. An empty `format` is that of the description itself.
-void ApiMessages::readSchema(Index schema, CString format, const CString& name)
+void ApiMessages::readSchema(Index schema, CString format, const CString& name, bool isPayload)
 {
     if (schema == 0)
         return;
@@ -213,7 +213,7 @@ void ApiMessages::readSchema(Index schema, CString format, const CString& name)
     if (languageOf(format) == Language::avro)
         avro.addCandidate(follow(schema), name);
     else if (languageOf(format) == Language::jsonSchema)
-        schemas.addBody(schema, name);
+        schemas.addBody(schema, name, isPayload);
     else
         documents.note(SourceReport::moduleUnreadable, schema, format);
 }

@@ -31,7 +31,7 @@ private:
     void readMessage(Index message, std::string_view name);
     Index headersOf(Index message);
     Index withoutFormat(Index node, CString& format);
-    void readSchema(Index schema, CString format, const CString& name);
+    void readSchema(Index schema, CString format, const CString& name, bool isPayload);
     void readComponent(Index node);
 
     JsonDocuments& documents;

@@ -231,12 +231,20 @@ void JsonTypes::addCandidate(Index schema, std::string_view name)
     addCandidate(shapeOf(schema, called), called, tree.placeOf(schema));
 }
 
-void JsonTypes::addBody(Index schema, const CString& name)
+void JsonTypes::addBody(Index schema, const CString& name, bool hasValue)
 {
     if (!isWanted(tree.target(schema)))
         return;
     const std::string_view called = toModelName(name, schema);
-    if (const Shape shape = shapeOf(schema, called); shape.type.kind == SourceTypes::kindRecord)
+    Shape shape = shapeOf(schema, called);
+    if (hasValue && (shape.type.kind != SourceTypes::kindRecord || shape.depth > 0)) {
+        const SourceTypes::Field value{"value", {}, shape.type, SourceTypes::roleValue, shape.depth};
+        const SourceTypes::Index record =
+            types.addRecord({called, describe(schema), tree.placeOf(tree.target(schema))});
+        types.setFields(record, std::span(&value, 1));
+        shape = {{SourceTypes::kindRecord, record}};
+    }
+    if (shape.type.kind == SourceTypes::kindRecord)
         addCandidate(shape, called, tree.placeOf(tree.target(schema)));
 }
 

@@ -49,8 +49,9 @@ public:
     /// Makes the type of a schema a candidate for a main type. It is called `name` if it has no name of its own.
     void addCandidate(Index schema, std::string_view name);
 
-    /// The same for the body of a message. Only records become candidates.
-    void addBody(Index schema, const CString& name);
+    /// The same for the body of a message. Only records become candidates; with `hasValue` anything else becomes a
+    /// record with the field "value".
+    void addBody(Index schema, const CString& name, bool hasValue = false);
 
     /// The same for a type of the namespace `uri` that was made elsewhere. `uri` must live as long as the types.
     void addCandidate(Shape shape, std::string_view name, SourcePlace place, std::string_view uri = {});
