@@ -112,6 +112,9 @@ const Rule kRules[] = {
     {"TheLaterKindHolds",
      R"("a":{"allOf":[{"type":"string"},{"type":"number"}]},"b":{"allOf":[{"type":"string"},{"enum":["x"]}]})",
      "b{x} r(a:Number b:b)"},
+    {"AnEnumerationNarrowsAnother",
+     R"("a":{"allOf":[{"enum":["x","y"]},{"enum":["y"]}]},"b":{"allOf":[{"enum":["x"]},{"enum":["x","y"]}]})",
+     "b{x} a{y} r(a:a b:b)"},
     {"Alternatives",
      R"("a":{"oneOf":[{"properties":{"k":{"const":"p"},"x":{}}},{"properties":{"k":{"const":"q"},"y":{"properties":{"u":{}}}}},
         {"properties":{"y":{"properties":{"v":{}}}}}]},"b":{"anyOf":[{"type":"number"},{"type":"integer"}]},
@@ -188,7 +191,8 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "d":{"properties":{"x":{"minLength":1,"default":"x"}},"additionalProperties":{"type":"string"}},
   "e":{"type":["string","integer"]},"f":{"type":"object"},"f":{"oneOf":[{"type":"number"},{"type":"null"}]},
   "g\\h":{"type":"string"},"h":{"allOf":[{"type":"string"},{"type":"integer","maximum":9}]},"i":false,
-  "j":{"oneOf":[{"properties":{"v":{"type":"string"}}},{"properties":{"v":{"type":"array"}}}]}}})"),
+  "j":{"oneOf":[{"properties":{"v":{"type":"string"}}},{"properties":{"v":{"type":"array"}}}]},
+  "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]}}})"),
               1);
     EXPECT_EQ(reportOf(message, folder.path()), R"(9 losses
 x.json:4:41: key given twice: f
@@ -201,7 +205,7 @@ x.json:4:7: values of different kinds: #/properties/e
 x.json:5:60: values of different kinds: #/properties/h/allOf/1
 x.json:6:36: values of different kinds: #/properties/j/oneOf/0/properties/v
 
-19 details
+20 details
 x.json:5:97: element that may not occur: i at #/properties/i
 x.json:5:10: name adjusted: g\h is g_h
 
@@ -211,7 +215,7 @@ x.json:5:10: name adjusted: g\h is g_h
 1 document not well-formed
 1 further properties left out
 1 key given twice
-12 optional parts
+13 optional parts
 2 choices
 2 facets
 1 element that may not occur

@@ -17,6 +17,15 @@ constexpr std::size_t kFewFields = 16;
 constexpr std::size_t kMaxKept = 4'000'000;   // of fields and constants
 constexpr std::size_t kMaxSteps = 20'000'000; // bounds schemas that combine many others
 
+// Returns whether an enumeration lists all constants of another.
+bool includes(std::span<const JsonConstant> all, std::span<const JsonConstant> some)
+{
+    std::unordered_set<NameTable::Id> values;
+    for (const JsonConstant& constant : all)
+        values.insert(constant.value);
+    return std::ranges::all_of(some, [&](const JsonConstant& constant) { return values.contains(constant.value); });
+}
+
 } // namespace
 
 bool JsonContents::isDeclared(Index schema) const
@@ -260,10 +269,11 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return;
     if (kind == JsonContent::record && added.kind == JsonContent::map)
         return documents.note(SourceReport::furtherProperties, part);
-    const bool isSame = kind == added.kind && frame.isBorrowed &&
-                        std::ranges::equal(constantsOf(frame.content), constantsOf(added), {}, &JsonConstant::value,
-                                           &JsonConstant::value);
-    if (!isSame)
+    // Of two enumerations the one that the other includes holds.
+    const std::span<const JsonConstant> known = frame.isBorrowed ? constantsOf(frame.content) : frame.constants;
+    if (kind == added.kind && known.size() < added.count && includes(constantsOf(added), known))
+        return;
+    if (kind != added.kind || !includes(known, constantsOf(added)))
         documents.note(kind == JsonContent::map ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
     if (kind != JsonContent::record && !(kind == JsonContent::map && added.kind != JsonContent::record))
         take(frame, added);
