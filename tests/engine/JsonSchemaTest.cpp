@@ -115,6 +115,8 @@ const Rule kRules[] = {
     {"AnEnumerationNarrowsAnother",
      R"("a":{"allOf":[{"enum":["x","y"]},{"enum":["y"]}]},"b":{"allOf":[{"enum":["x"]},{"enum":["x","y"]}]})",
      "b{x} a{y} r(a:a b:b)"},
+    {"Extends", R"({"title":"r","extends":{"properties":{"a":{}}},"properties":{"b":{"extends":[{"type":"number"}]}}})",
+     "r(a:String b:Number)"},
     {"Alternatives",
      R"("a":{"oneOf":[{"properties":{"k":{"const":"p"},"x":{}}},{"properties":{"k":{"const":"q"},"y":{"properties":{"u":{}}}}},
         {"properties":{"y":{"properties":{"v":{}}}}}]},"b":{"anyOf":[{"type":"number"},{"type":"integer"}]},

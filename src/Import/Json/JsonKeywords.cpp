@@ -86,6 +86,12 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
     case JsonWord::allOf:
         readMembers(node, both, frame.parts);
         break;
+    case JsonWord::extends: // of draft 3, and of generators of code
+        if (isArray)
+            readMembers(node, both, frame.parts);
+        else if (isObject)
+            frame.parts.push_back({node, both});
+        break;
     case JsonWord::oneOf:
     case JsonWord::anyOf:
         report.count(SourceReport::alternatives);

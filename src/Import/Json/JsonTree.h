@@ -24,7 +24,8 @@
     WORD(asyncapi) WORD(channels) WORD(callbacks) WORD(messageId) WORD(publish) WORD(subscribe) WORD(nullable) \
     WORD(minItems) WORD(maxItems) WORD(pattern) WORD(minimum) WORD(maximum) WORD(minLength) WORD(maxLength) \
     WORD(multipleOf) WORD(uniqueItems) WORD(exclusiveMinimum) WORD(exclusiveMaximum) WORD(minProperties) \
-    WORD(maxProperties) WORD(additionalItems) WORD(unevaluatedItems) WORD(contains) WORD(propertyNames) WORD(aliases) WORD(order) WORD(info) WORD(traits)
+    WORD(maxProperties) WORD(additionalItems) WORD(unevaluatedItems) WORD(contains) WORD(propertyNames) WORD(aliases) WORD(order) WORD(info) WORD(traits) \
+    WORD(extends)
 // clang-format on
 
 enum class JsonWord : std::uint32_t
