@@ -51,7 +51,8 @@ TEST_F(ImportCommand, AnswersExactly)
          "for i in g p q s; do $import $i.json -l -v 2>&1 | head -1 | grep -o '[a-z]*$'; done",
          {0, "json\njson\njson\njsonschema\n", ""}},
         {R"(echo '{"title":"r","properties":{"a":{"$ref":"#/$defs/A"}},"$defs":{"A":{"properties":{"x":{}}}}}' >j.json;)"
-         "$import j.json -l -v; printf 'title: r\\nproperties:\\n  a: {}\\n' | $import - -l -b '' | cut -f1",
+         "$import j.json -l -v; printf '%%YAML 1.2\\n---\\ntitle: r\\nproperties:\\n  a: {}\\n' | $import - -l -b '' | "
+         "cut -f1",
          {0, "\\sys\\json\\r\\A\tA (Automatically created)\n\\sys\\json\\r\\r\tr\n\\r\\r\n",
           "j.json: note: read as a source for jsonschema\n"}},
         {"$import jsonschema j.json --root A -l | cut -f1", {0, "\\sys\\json\\A\\A\n", ""}},

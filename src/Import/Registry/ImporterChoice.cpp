@@ -95,7 +95,7 @@ std::string_view contentOf(std::string_view text)
 std::string_view wordFor(std::string_view text)
 {
     constexpr std::string_view type = "BROKERTYPEDESCRIPTION";
-    if (text.starts_with("<!") || text.starts_with("%"))
+    if (text.starts_with("<!") || (text.starts_with("%") && !text.starts_with("%YAML ")))
         return "dtd";
     if (!text.starts_with("<"))
         return importerOfJson(text);
