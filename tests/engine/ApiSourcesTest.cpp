@@ -175,6 +175,8 @@ const Rule kExamples[] = {
     {"TimesOnlyWhereAllAre", "{\"a\":\"2024-01-31\"} {\"a\":\"soon\"}", "x(a:String)"},
     {"KindsThatDiffer", R"([{"a":1,"b":{"c":1},"d":1},{"a":"x","b":2,"d":[1]}])",
      "b(c:Number) x_2(a:String b:b d:String) t_value[x_2] x(value:t_value)", "3 losses: 3 values of several kinds"},
+    {"AValueBesideEmptyArrays", R"({"a":[[],1],"b":[]} {"b":1})", "x(a:String b:String)",
+     "2 losses: 2 values of several kinds"},
     {"TextCalledLikeTheObjectAroundIt",
      R"({"c":{"id":1,"c":"text"},"t":{"t":["a"]},"l":[{"l":{"x":1}}],"s":{"s":1}} {"s":{"s":{"s":2}}})",
      "s(s:s) l_l(x:Number) t_t[String] c(id:Number c:String) t(t:t_t) l(l:l_l) t_l[l] x(c:c t:t l:t_l s:s)",

@@ -219,33 +219,34 @@ SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string
                                      SourceTypes& types, SourceReport& report)
 {
     constexpr std::uint16_t deepest = 100;
-    bool mayBeLeaf = false;
-    const Index whole = at;
-    for (; (shapes[at].kinds & (isArray | isObject)) == isArray && depth < deepest; at = shapes[at].items, ++depth) {
-        mayBeLeaf |= shapes[at].kinds != isArray;
-        // An array that was empty in all documents has items of unknown type.
-        if (shapes[at].items == 0)
-            return ++depth, SourceTypes::Type();
+    const Shape unknown; // of the items of arrays that were empty in all documents
+    const Shape* shape = &shapes[at];
+    const Shape* mixed = nullptr; // an array, or a single value
+    for (; (shape->kinds & (isArray | isObject)) == isArray && depth < deepest; ++depth) {
+        if (!mixed && shape->kinds != isArray)
+            mixed = shape;
+        shape = shape->items == 0 ? &unknown : &shapes[shape->items];
     }
-    const std::uint8_t kinds = shapes[at].kinds;
-    const bool isRecord = (kinds & isObject) != 0 && shapes[at].first != 0;
+    const std::uint8_t kinds = shape->kinds;
+    const bool isRecord = (kinds & isObject) != 0 && shape->first != 0;
     // A time among texts is just text.
     const bool differs = (kinds & (kinds - 1)) != 0 && kinds != (isTime | isText);
-    if (differs || mayBeLeaf)
-        report.add(SourceReport::kindsDiffer, differs ? shapes[at].otherPlace : shapes[whole].otherPlace, name);
+    if (differs || mixed)
+        report.add(SourceReport::kindsDiffer, (differs ? shape : mixed)->otherPlace, name);
     if (depth == deepest)
-        report.add(SourceReport::cutShort, shapes[whole].place, CString(name) + ", arrays inside each other");
+        report.add(SourceReport::cutShort, shapes[at].place, CString(name) + ", arrays inside each other");
     // A value that may also be an array of values becomes text, which doesn't repeat.
-    if (!isRecord && (mayBeLeaf || depth == deepest))
+    if (!isRecord && (mixed || depth == deepest))
         depth = 0;
     if (!isRecord)
-        return {kinds == isNumber && !mayBeLeaf ? SourceTypes::kindNumber
-                : kinds == isTime && !mayBeLeaf ? SourceTypes::kindTime
-                                                : SourceTypes::kindText};
-    const auto [known, isNew] = records.try_emplace(at);
+        return {kinds == isNumber && !mixed ? SourceTypes::kindNumber
+                : kinds == isTime && !mixed ? SourceTypes::kindTime
+                                            : SourceTypes::kindText};
+    const auto object = static_cast<Index>(shape - shapes.data());
+    const auto [known, isNew] = records.try_emplace(object);
     if (isNew) {
-        known->second = types.addRecord({name, {}, shapes[at].place, home});
-        pending.push_back(at);
+        known->second = types.addRecord({name, {}, shape->place, home});
+        pending.push_back(object);
     }
     return {SourceTypes::kindRecord, known->second};
 }
