@@ -23,6 +23,9 @@ const Rule kSchemas[] = {
      "t_l[String] T(a:String b:String c:String d:String e:String f:String g:String h:String i:String j:String "
      "k:String l:t_l)",
      "11 losses: 10 values not understood, 1 reference became text"},
+    {"ObjectsAsConstants",
+     R"({"title":"T","properties":{"a":{"const":{"x":1}},"b":{"enum":[true,[]]},"c":{"const":true}}})",
+     "T(a:String b:String c:String)", "2 losses: 2 values not understood"},
     {"IdentifiersGivenTwice",
      R"({"title":"T","properties":{"a":{"$ref":"http://x/a"},"b":{"$ref":"#n"}},"$defs":{"A":{"$id":"http://x/a","type":"number"},
         "B":{"$id":"http://x/a"},"C":{"$anchor":"n","type":"number"},"D":{"$anchor":"n"}}})",

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -293,7 +293,8 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
         content.items = choiceOf(own.items);
         // Some of the items are like the contained one, so it narrows none of them.
         if (own.contained != 0) {
-            const Index any = content.items != 0 ? content.items : tree.add(JsonNode::object, 0, 0, 0, own.contained);
+            const Index any =
+                content.items != 0 ? content.items : tree.add(JsonNode::object, 0, 0, 0, own.contained);
             content.items = mergedOf(any, std::array{Part{own.contained, maybe}});
         }
         break;
@@ -325,7 +326,7 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
     const Index named = own.values.size() == 1 ? tree.find(frame.node, JsonWord::title, JsonNode::string) : 0;
     const NameTable::Id title = tree[named].text;
     std::size_t numbers = 0, texts = 0, others = 0;
-    std::unordered_map<NameTable::Id, bool> visited;
+    std::unordered_set<NameTable::Id> visited;
     for (const Index value : own.values) {
         const JsonNode::Kind kind = tree[value].kind;
         const bool isScalar = kind == JsonNode::number || kind == JsonNode::boolean;
@@ -335,7 +336,9 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
             ++numbers;
         else if (kind != JsonNode::null)
             ++others;
-        if ((kind == JsonNode::string || isScalar) && visited.emplace(tree[value].text, true).second)
+        if (kind == JsonNode::object || kind == JsonNode::array) // no kind has such constants
+            documents.note(SourceReport::invalidValue, value);
+        else if (kind != JsonNode::null && visited.insert(tree[value].text).second)
             constants.push_back({tree[value].text, title});
     }
     step(own.values.size());
