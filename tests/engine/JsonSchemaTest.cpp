@@ -230,14 +230,14 @@ TEST_F(JsonSchema, DescribesByTitleOrFirstSentence)
 {
     EXPECT_EQ(importSchema(R"({"title":" The\n r ","description":"no","properties":{
         "a":{"description":"It is 1.5 long, e.g. so. No more."},"b":{"$ref":"#/$defs/B"},"c":{"title":"C","description":"no"},
-        "d":{"oneOf":[{"const":"x","title":"Of x"},{"const":"y"}]}},"$defs":{"B":{"description":"Of B","type":"number"}}})"),
+        "d":{"oneOf":[{"const":"x","title":"Of x"},{"const":"y"},{"const":"z","description":"Of z. No."}]}},"$defs":{"B":{"description":"Of B","type":"number"}}})"),
               1);
     CString said;
     message.beginEnum();
     while (const Element* type = message.enumNext())
         for (const Element* child : type->queryChildren())
             said += child->queryDescription() + ";";
-    EXPECT_EQ(said, "Of x;y (Automatically created);It is 1.5 long, e.g. so.;Of B;C;d (Automatically created);");
+    EXPECT_EQ(said, "Of x;y (Automatically created);Of z.;It is 1.5 long, e.g. so.;Of B;C;d (Automatically created);");
     EXPECT_EQ(message.queryMainTypeName(), "The_r");
 }
 

@@ -14,11 +14,11 @@ struct JsonField
     bool isConditional = false; ///< the schema applies under a condition or in some alternatives only
 };
 
-/// A constant of an enumeration. `title` is that of the schema that lists it alone; 0 if there is none.
+/// A constant of an enumeration. `schema` lists it alone, and so describes it; 0 if there is none.
 struct JsonConstant
 {
     NameTable::Id value = 0;
-    NameTable::Id title = 0;
+    JsonNode::Index schema = 0;
 };
 
 /// The values that a schema describes.

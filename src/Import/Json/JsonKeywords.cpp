@@ -323,8 +323,8 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
     JsonContent content;
     content.owner = frame.node;
     content.first = static_cast<std::uint32_t>(constants.size());
-    const Index named = own.values.size() == 1 ? tree.find(frame.node, JsonWord::title, JsonNode::string) : 0;
-    const NameTable::Id title = tree[named].text;
+    // A schema that lists one value describes it, but a property's describes the field.
+    const bool isOfValue = own.values.size() == 1 && tree.keyOf(tree[frame.node].parent) != JsonWord::properties;
     std::size_t numbers = 0, texts = 0, others = 0;
     std::unordered_set<NameTable::Id> visited;
     for (const Index value : own.values) {
@@ -339,7 +339,7 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
         if (kind == JsonNode::object || kind == JsonNode::array) // no kind has such constants
             documents.note(SourceReport::invalidValue, value);
         else if (kind != JsonNode::null && visited.insert(tree[value].text).second)
-            constants.push_back({tree[value].text, title});
+            constants.push_back({tree[value].text, isOfValue ? frame.node : 0});
     }
     step(own.values.size());
     if (texts > 0 && numbers == 0 && others == 0) {

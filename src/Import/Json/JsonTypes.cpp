@@ -130,17 +130,15 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
     const std::uint64_t key = static_cast<std::uint64_t>(content.first) << 32 | tree.names.intern(called);
     const auto [known, isNew] = enumerations.try_emplace(key, SourceTypes::kNone);
     if (isNew) {
-        std::vector<std::string_view> titles;
-        // The title of a single constant is that of the whole.
-        const bool hasTitles = content.count > 1;
+        std::vector<std::string_view> described;
+        // The description of a single constant is that of the whole.
+        const bool isDescribed = content.count > 1;
         for (const JsonConstant constant : contents.constantsOf(content)) {
             constants.push_back(types.keep(tree.names[constant.value]));
-            CString title;
-            appendCollapsed(title, tree.names[hasTitles ? constant.title : 0]);
-            titles.push_back(types.keep(shortDescription(title)));
+            described.push_back(isDescribed ? describe(constant.schema) : "");
         }
         known->second = types.addEnumeration(called, constants, !own.empty(), describe(content.owner),
-                                             tree.placeOf(content.owner), 0, titles);
+                                             tree.placeOf(content.owner), 0, described);
     }
     return {SourceTypes::kindEnumeration, known->second};
 }
