@@ -179,13 +179,12 @@ JsonNode::Index ApiMessages::headersOf(Index message)
     add(message);
     if (found.size() < 2)
         return found.empty() ? 0 : found.front();
-    const Index all = tree.add(JsonNode::object, 0, 0, 0, found.back());
-    const Index parts = tree.add(JsonNode::array, all, 0, static_cast<NameTable::Id>(JsonWord::allOf), found.back());
+    const Index all = tree.add(JsonNode::object, 0, 0, JsonWord::none, found.back());
+    const Index parts = tree.add(JsonNode::array, all, 0, JsonWord::allOf, found.back());
     Index last = 0;
     for (const Index headers : found) {
         CString format;
-        last = tree.add(JsonNode::alias, parts, last, 0, headers);
-        tree[last].firstChild = tree.target(withoutFormat(headers, format));
+        last = tree.addAlias(parts, last, JsonWord::none, withoutFormat(headers, format));
     }
     return all;
 }

@@ -104,18 +104,11 @@ JsonNode::Index JsonContents::choiceOf(const std::vector<Index>& schemas)
 {
     if (schemas.size() < 2)
         return schemas.empty() ? 0 : schemas.front();
-    const Index choice = tree.add(JsonNode::array, 0, 0, 0, schemas.front());
+    const Index choice = tree.add(JsonNode::array, 0, 0, JsonWord::none, schemas.front());
     Index last = 0;
     for (const Index schema : schemas)
-        last = addAlias(choice, last, JsonWord::none, schema);
+        last = tree.addAlias(choice, last, JsonWord::none, schema);
     return choice;
-}
-
-JsonNode::Index JsonContents::addAlias(Index parent, Index last, JsonWord key, Index target)
-{
-    const Index alias = tree.add(JsonNode::alias, parent, last, static_cast<NameTable::Id>(key), target);
-    tree[alias].firstChild = tree.target(target);
-    return alias;
 }
 
 // Stores the content of the last frame. If a single other schema provides all of it, its type is used, unless this
@@ -152,12 +145,11 @@ void JsonContents::finish()
 void JsonContents::overrideDiscriminator(Frame& frame)
 {
     makeOwn(frame);
-    const Index schema = tree.add(JsonNode::object, 0, 0, 0, frame.mapping);
-    const Index listed =
-        tree.add(JsonNode::array, schema, 0, static_cast<NameTable::Id>(JsonWord::enumWord), frame.mapping);
+    const Index schema = tree.add(JsonNode::object, 0, 0, JsonWord::none, frame.mapping);
+    const Index listed = tree.add(JsonNode::array, schema, 0, JsonWord::enumWord, frame.mapping);
     Index last = 0;
     for (Index at = tree[frame.mapping].firstChild; at != 0; at = tree[at].next) {
-        last = tree.add(JsonNode::string, listed, last, 0, at);
+        last = tree.add(JsonNode::string, listed, last, JsonWord::none, at);
         tree[last].text = tree[at].key;
     }
     for (MergedField& field : frame.fields)

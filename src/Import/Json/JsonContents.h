@@ -169,7 +169,6 @@ private:
     Index baseOf(Index schema);
     Index mergedOf(Index first, std::span<const Part> more);
     Index makeMerged(const Merged& merged);
-    Index addAlias(Index parent, Index last, JsonWord key, Index target);
     void step(std::size_t count = 1);
 
     JsonDocuments& documents;

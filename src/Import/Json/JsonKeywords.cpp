@@ -294,7 +294,7 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
         // Some of the items are like the contained one, so it narrows none of them.
         if (own.contained != 0) {
             const Index any =
-                content.items != 0 ? content.items : tree.add(JsonNode::object, 0, 0, 0, own.contained);
+                content.items != 0 ? content.items : tree.add(JsonNode::object, 0, 0, JsonWord::none, own.contained);
             content.items = mergedOf(any, std::array{Part{own.contained, maybe}});
         }
         break;

@@ -90,16 +90,18 @@ JsonNode::Index JsonContents::makeMerged(const Merged& merged)
                      " more for each value of the source");
     made += merged.members.size() + 2;
     const Index place = merged.members.front();
-    const Index schema = tree.add(merged.how == either ? JsonNode::array : JsonNode::object, 0, 0, 0, place);
+    const Index schema =
+        tree.add(merged.how == either ? JsonNode::array : JsonNode::object, 0, 0, JsonWord::none, place);
     known->second = schema;
     Index holder = schema, last = 0;
     if (merged.how != either)
-        holder = tree.add(JsonNode::array, schema, 0, static_cast<NameTable::Id>(JsonWord::allOf), place);
+        holder = tree.add(JsonNode::array, schema, 0, JsonWord::allOf, place);
     for (const Index member : merged.members) {
         const bool isCondition = merged.how == maybe && last != 0;
         if (isCondition && holder != schema)
             last = std::exchange(holder, schema);
-        last = addAlias(isCondition ? schema : holder, last, isCondition ? JsonWord::then : JsonWord::none, member);
+        last =
+            tree.addAlias(isCondition ? schema : holder, last, isCondition ? JsonWord::then : JsonWord::none, member);
     }
     mergeInputs.emplace(schema, merged);
     return schema;

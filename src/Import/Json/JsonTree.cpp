@@ -82,13 +82,13 @@ std::string_view JsonTree::textOf(Index object, JsonWord key) const
     return text(find(object, key, JsonNode::string));
 }
 
-JsonNode::Index JsonTree::add(JsonNode::Kind kind, Index parent, Index last, NameTable::Id key, Index place)
+JsonNode::Index JsonTree::add(JsonNode::Kind kind, Index parent, Index last, JsonWord key, Index place)
 {
     const auto made = static_cast<Index>(nodes.size());
     JsonNode node;
     node.kind = kind;
     node.parent = parent;
-    node.key = key;
+    node.key = static_cast<NameTable::Id>(key);
     node.document = nodes[place].document;
     node.line = nodes[place].line;
     node.column = nodes[place].column;
@@ -98,6 +98,13 @@ JsonNode::Index JsonTree::add(JsonNode::Kind kind, Index parent, Index last, Nam
     else if (parent != 0)
         nodes[parent].firstChild = made;
     return made;
+}
+
+JsonNode::Index JsonTree::addAlias(Index parent, Index last, JsonWord key, Index other)
+{
+    const Index alias = add(JsonNode::alias, parent, last, key, other);
+    nodes[alias].firstChild = target(other);
+    return alias;
 }
 
 void JsonTree::index(Index object)
@@ -141,9 +148,9 @@ JsonNode::Index JsonBuilder::add(JsonNode::Kind kind, std::string_view text, std
     if (tree.size() > kMaxNodes)
         types.refuse(std::to_string(kMaxNodes) + " values");
     Level* const level = open.empty() ? nullptr : &open.back();
-    const Index made = tree.add(kind, level ? level->node : 0, level ? level->last : 0, nextKey, 0);
-    nextKey = 0;
+    const Index made = tree.add(kind, level ? level->node : 0, level ? level->last : 0, JsonWord::none, 0);
     JsonNode& node = tree[made];
+    node.key = std::exchange(nextKey, 0);
     node.text = text.empty() ? 0 : tree.names.intern(text);
     node.document = document;
     node.line = line;
@@ -157,12 +164,6 @@ JsonNode::Index JsonBuilder::add(JsonNode::Kind kind, std::string_view text, std
     if (kind == JsonNode::object || kind == JsonNode::array)
         open.push_back({made});
     return made;
-}
-
-void JsonBuilder::addAlias(Index target, std::uint32_t line, std::uint32_t column)
-{
-    const Index made = add(JsonNode::alias, {}, line, column);
-    tree[made].firstChild = tree.target(target);
 }
 
 // Adds merged members before the mapping's own keys. Of duplicate keys the last one stays, so own keys take precedence;
@@ -180,7 +181,7 @@ void JsonBuilder::merge(Index source)
         countMerged();
         if (met.insert(tree[at].key).second) {
             nextKey = tree[at].key;
-            addAlias(at, tree[at].line, tree[at].column);
+            tree[add(JsonNode::alias, {}, tree[at].line, tree[at].column)].firstChild = tree.target(at);
             --values;
         }
     }

@@ -128,7 +128,10 @@ public:
 
     /// Adds a node as the next child of `parent` and returns it. `last` is the parent's last child so far, or 0.
     /// Without a parent (0) it stands by itself. Its place is that of the node `place`.
-    Index add(JsonNode::Kind kind, Index parent, Index last, NameTable::Id key, Index place);
+    Index add(JsonNode::Kind kind, Index parent, Index last, JsonWord key, Index place);
+
+    /// The same for an alias of the node `other`, at its place.
+    Index addAlias(Index parent, Index last, JsonWord key, Index other);
 
     /// Returns the JSON pointer of a node (RFC 6901) as a URI fragment, with "#" in front.
     CString pointerTo(Index node) const;
@@ -162,7 +165,6 @@ public:
 
     /// Adds a value and returns it. An array or object stays open until end().
     Index add(JsonNode::Kind kind, std::string_view text, std::uint32_t line, std::uint32_t column);
-    void addAlias(Index target, std::uint32_t line, std::uint32_t column);
     void end();
 
     /// Removes members of one key from the open object. All but the last are reported as duplicates.
@@ -173,7 +175,6 @@ public:
 
     /// Returns whether a node is an array or object that is still open.
     bool isOpen(Index node) const;
-    std::size_t depth() const { return open.size(); }
 
     /// Returns the root of the document; 0 if there is none.
     Index root() const { return first; }
