@@ -11,21 +11,20 @@
 /// The keys and values that the readers know. Their numbers are the same in each tree's table of names.
 // clang-format off
 #define JSON_WORDS(WORD) \
-    WORD(additionalProperties) WORD(allOf) WORD(anyOf) WORD(array) WORD(boolean) WORD(components) WORD(content) \
-    WORD(contentMediaType) WORD(date) WORD(definitions) WORD(dependencies) WORD(dependentSchemas) \
-    WORD(description) WORD(discriminator) WORD(example) WORD(examples) WORD(fields) WORD(format) WORD(headers) \
-    WORD(id) WORD(integer) WORD(items) WORD(logicalType) WORD(map) WORD(mapping) WORD(message) WORD(messages) \
-    WORD(name) WORD(number) WORD(object) WORD(oneOf) WORD(operationId) WORD(operations) WORD(parameters) \
-    WORD(paths) WORD(patternProperties) WORD(payload) WORD(prefixItems) WORD(properties) WORD(propertyName) \
-    WORD(record) WORD(requestBody) WORD(requestBodies) WORD(required) WORD(responses) WORD(schema) \
-    WORD(schemaFormat) WORD(schemas) WORD(string) WORD(symbols) WORD(then) WORD(time) WORD(title) WORD(type) \
-    WORD(types) WORD(unevaluatedProperties) WORD(value) WORD(values) WORD(webhooks) WORD(fixed) WORD(error) \
-    WORD(protocol) WORD(request) WORD(response) WORD(errors) WORD(bytes) WORD(doc) WORD(openapi) WORD(swagger) \
-    WORD(asyncapi) WORD(channels) WORD(callbacks) WORD(messageId) WORD(publish) WORD(subscribe) WORD(nullable) \
-    WORD(minItems) WORD(maxItems) WORD(pattern) WORD(minimum) WORD(maximum) WORD(minLength) WORD(maxLength) \
-    WORD(multipleOf) WORD(uniqueItems) WORD(exclusiveMinimum) WORD(exclusiveMaximum) WORD(minProperties) \
-    WORD(maxProperties) WORD(additionalItems) WORD(unevaluatedItems) WORD(contains) WORD(propertyNames) WORD(aliases) WORD(order) WORD(info) WORD(traits) \
-    WORD(extends)
+    WORD(additionalProperties) WORD(allOf) WORD(anyOf) WORD(array) WORD(boolean) WORD(components) \
+    WORD(content) WORD(date) WORD(definitions) WORD(dependencies) WORD(dependentSchemas) WORD(description) \
+    WORD(discriminator) WORD(example) WORD(examples) WORD(fields) WORD(format) WORD(headers) WORD(id) \
+    WORD(integer) WORD(items) WORD(logicalType) WORD(mapping) WORD(message) WORD(messages) WORD(name) \
+    WORD(number) WORD(object) WORD(oneOf) WORD(operationId) WORD(paths) WORD(patternProperties) WORD(payload) \
+    WORD(prefixItems) WORD(properties) WORD(propertyName) WORD(requestBody) WORD(required) WORD(responses) \
+    WORD(schema) WORD(schemaFormat) WORD(schemas) WORD(string) WORD(symbols) WORD(then) WORD(time) WORD(title) \
+    WORD(type) WORD(types) WORD(unevaluatedProperties) WORD(values) WORD(webhooks) WORD(protocol) \
+    WORD(request) WORD(response) WORD(doc) WORD(openapi) WORD(swagger) WORD(asyncapi) WORD(channels) \
+    WORD(callbacks) WORD(messageId) WORD(publish) WORD(subscribe) WORD(nullable) WORD(minItems) WORD(maxItems) \
+    WORD(pattern) WORD(minimum) WORD(maximum) WORD(minLength) WORD(maxLength) WORD(multipleOf) \
+    WORD(uniqueItems) WORD(exclusiveMinimum) WORD(exclusiveMaximum) WORD(minProperties) WORD(maxProperties) \
+    WORD(additionalItems) WORD(unevaluatedItems) WORD(contains) WORD(propertyNames) WORD(aliases) WORD(order) \
+    WORD(traits) WORD(extends)
 // clang-format on
 
 enum class JsonWord : std::uint32_t
