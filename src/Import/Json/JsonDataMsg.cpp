@@ -4,7 +4,6 @@
 #include "Files/FileFinder.h"
 #include "Files/FileMessage.h"
 #include "Import/Json/JsonShapes.h"
-#include "Resources/StringTable.h"
 
 namespace {
 
@@ -17,9 +16,7 @@ void readFileInto(JsonShapes& shapes, const CString& fileName, std::uint32_t num
         JsonScanner scanner(file);
         shapes.read(scanner, number, report);
     } catch (const JsonFault& fault) {
-        throw SourceRefusal{formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(fault.line),
-                                       static_cast<long>(fault.column), fault.reason.c_str()),
-                            {fileName, fault.reason, fault.line, fault.column}};
+        throw refusalOf(fileName, fault);
     }
 }
 

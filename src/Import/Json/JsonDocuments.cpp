@@ -4,7 +4,6 @@
 #include "Files/File.h"
 #include "Files/FileMessage.h"
 #include "Import/Json/JsonScanner.h"
-#include "Resources/StringTable.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -97,9 +96,7 @@ JsonNode::Index JsonDocuments::load(const CString& fileName)
     try {
         root = read(fileName, fileName, kMaxNamedFile, false);
     } catch (const JsonFault& fault) {
-        throw SourceRefusal{formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(fault.line),
-                                       static_cast<long>(fault.column), fault.reason.c_str()),
-                            {fileName, fault.reason, fault.line, fault.column}};
+        throw refusalOf(fileName, fault);
     }
     if (root == 0)
         throw SourceRefusal{fileName + " holds no value.", {fileName, "it holds no value"}};

@@ -3,6 +3,7 @@
 #include "Base/Utf8.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
+#include "Resources/StringTable.h"
 
 #include <algorithm>
 #include <array>
@@ -31,6 +32,13 @@ bool isDigit(char c)
 }
 
 } // namespace
+
+SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault)
+{
+    return {formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(fault.line), static_cast<long>(fault.column),
+                       fault.reason.c_str()),
+            {fileName, fault.reason, fault.line, fault.column}};
+}
 
 JsonScanner::JsonScanner(std::string_view text) : data(text)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Text.h"
+#include "Import/SourceReport.h"
 
 #include <cstdint>
 #include <vector>
@@ -14,6 +15,9 @@ struct JsonFault
     std::uint32_t line = 0;   ///< counted from 1
     std::uint32_t column = 0; ///< counted from 1, in bytes
 };
+
+/// Returns the refusal of a file because of a fault in it.
+SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault);
 
 /// Scans JSON (RFC 8259) token by token, without recursion. Numbers, strings and keys may have any length. Throws the
 /// first fault as a JsonFault.
