@@ -155,6 +155,10 @@ const Rule kRules[] = {
      "# YAML\ntitle: r\nproperties:\n  a: &n {type: integer}\n  b: *n\n  c:\n    <<: *n\n    title: C\n  on: {enum: "
      "[yes, 'no']}\n",
      "on{yes|no} r(a:Number b:Number c:Number on:on)"},
+    {"YamlNumbers",
+     "# YAML\ntitle: r\nproperties:\n  a: {enum: [1, -0.5, .5, 1., +1e3, 1E99999, 0x1F, .inf]}\n"
+     "  b: {enum: [nan, 1_0, --1, 1e, .]}\n",
+     "b{nan|1_0|--1|1e|.} r(a:Number b:b)"},
     {"YamlMergesTheFirstOfSeveralBehindOwnKeys",
      "# YAML\ntitle: r\ndefinitions:\n  x: &x {type: integer}\n  y: &y {type: string, format: date}\nproperties:\n"
      "  a: {<<: [*x, *y]}\n  b: {type: string, <<: [*x, *y]}\n  c: {<<: [*y, *x]}\n",

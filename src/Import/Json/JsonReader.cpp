@@ -3,9 +3,11 @@
 #include "Import/Json/JsonTree.h"
 
 #include <algorithm>
+#include <charconv>
 #include <memory>
 #include <new>
 #include <optional>
+#include <system_error>
 #include <utility>
 #include <yaml.h>
 
@@ -57,24 +59,12 @@ JsonNode::Kind kindOfPlain(std::string_view text)
     if (isPrefixed)
         return text.size() > 2 && text.find_first_not_of("0123456789abcdefABCDEF", 2) == text.npos ? JsonNode::number
                                                                                                    : JsonNode::string;
-    std::size_t digits = 0, at = 0;
-    const auto skip = [&] {
-        for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at)
-            ++digits;
-    };
-    skip();
-    if (at < text.size() && text[at] == '.') {
-        ++at;
-        skip();
-    }
-    if (digits == 0)
-        return JsonNode::string;
-    if (at < text.size() && lowerAscii(text[at]) == 'e') {
-        at += at + 1 < text.size() && (text[at + 1] == '-' || text[at + 1] == '+') ? 2 : 1;
-        digits = 0;
-        skip();
-    }
-    return digits > 0 && at == text.size() ? JsonNode::number : JsonNode::string;
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    // It takes "nan" and a second sign, too. A number out of its range is one all the same.
+    const bool isNumber = error != std::errc::invalid_argument && end == text.data() + text.size() &&
+                          (text.front() == '.' || (text.front() >= '0' && text.front() <= '9'));
+    return isNumber ? JsonNode::number : JsonNode::string;
 }
 
 /// Reads the only document of a YAML stream. An alias becomes a node that refers to its anchor's node, so a document of
