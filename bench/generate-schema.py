@@ -1,23 +1,27 @@
 #!/usr/bin/env python3
-"""Writes a schema of many complex types into a folder: generate-schema.py FOLDER TYPES [FILES [distinct]]
+"""Writes a schema of many complex types into a folder: generate-schema.py FOLDER TYPES [FILES [distinct|web]]
 
 main.xsd declares the main element; with FILES other than 0 the types are spread over that many documents that it
 includes. Each type has ten fields: eight elements, of which one refers to the next type and one repeats, and two
-attributes. Types have the names of their fields in common, as vocabularies do; with `distinct` no name comes twice.
+attributes. Types have the names of their fields in common, as vocabularies do; with `distinct` no name comes twice. With
+`web` every second element refers to a type anywhere in the schema, so that nearly all types form one large cycle.
 """
 import os
+import random
 import sys
 
 FIELDS = ["number", "name", "street", "city", "date", "amount"]
 TYPES = ["xs:string", "xs:decimal", "xs:date"]
 DISTINCT = "distinct" in sys.argv[3:]
+WEB = "web" in sys.argv[3:]
 
 
 def complex_type(number, count):
     own = number if DISTINCT else ""
     lines = [f'  <xs:complexType name="Type{number}">', "    <xs:sequence>"]
     for at, field in enumerate(FIELDS):
-        lines.append(f'      <xs:element name="{field}{own}" type="{TYPES[at % 3]}" minOccurs="0"/>')
+        of = f"Type{random.randrange(count)}" if WEB and at % 2 else TYPES[at % 3]
+        lines.append(f'      <xs:element name="{field}{own}" type="{of}" minOccurs="0"/>')
     following = (number + 1) % count
     lines.append(f'      <xs:element name="next{own}" type="Type{following}"/>')
     lines.append(f'      <xs:element name="line{own}" type="xs:string" maxOccurs="unbounded"/>')
@@ -36,6 +40,7 @@ def write_schema(path, parts):
 
 
 def main():
+    random.seed(1)
     folder, count = sys.argv[1], int(sys.argv[2])
     files = int(sys.argv[3]) if len(sys.argv) > 3 else 0
     os.makedirs(folder, exist_ok=True)
