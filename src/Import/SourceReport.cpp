@@ -149,7 +149,7 @@ void SourceReport::add(Construct construct, SourcePlace place, std::string_view 
         ++kept.unlisted;
         return;
     }
-    if (place.column > 0 && !seen.insert(hashOf(construct, place, name)).second)
+    if (place.column > 0 && !seen.insert(hashOf(construct, place, name), 0).second)
         return;
     ++counts[construct];
     kept.entries.push_back({names.keep(shortened(name)), place, construct});
@@ -214,7 +214,7 @@ void SourceReport::clear()
 {
     files.clear();
     places = {};
-    seen.clear();
+    seen = {};
     names.release();
     counts = {};
     isPaused = false;

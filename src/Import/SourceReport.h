@@ -2,11 +2,11 @@
 
 #include "Base/Arena.h"
 #include "Base/MessageBox.h"
+#include "Base/NumberTable.h"
 
 #include <array>
 #include <cstdint>
 #include <deque>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -207,7 +207,7 @@ private:
 
     std::deque<CString> files;
     Arena names;
-    std::unordered_set<std::uint64_t> seen; // hashes of the entries
+    NumberTable seen; // hashes of the entries
     std::array<Places, sortCount> places;
     std::array<std::size_t, constructCount> counts{};
     bool isPaused = false;
