@@ -23,17 +23,17 @@ struct SchemaDeclaration
     std::string_view markedName() const { return repeats ? nameAndMark : name(); }
 
     std::string_view nameAndMark = kMark; ///< in one text, so that both are views
-    std::string_view type;      ///< the `type`; without one "AnonymousType", or empty if it is read through `ref`
-    bool hasAttributes = false; ///< of any kind
-    bool hasType = false;       ///< has a `type`
-    bool isReference = false;   ///< has no `name`
-    bool repeats = false;       ///< `maxOccurs` is greater than 1 or "unbounded"
-    bool isAbstract = false;    ///< `abstract` is true
-    bool isSingle = false;      ///< doesn't repeat if declared twice
-    bool isInRepeated = false;  ///< in a repeated group
-    std::uint32_t line = 0;     ///< counted from 1
-    std::uint32_t column = 0;   ///< counted from 1; 0 if unknown
+    std::string_view type;    ///< the `type`; without one "AnonymousType", or empty if it is read through `ref`
+    std::uint32_t line = 0;   ///< counted from 1
+    std::uint32_t column = 0; ///< counted from 1; 0 if unknown
     SchemaKinds::Index simpleType = SchemaKinds::kNone; ///< the simple type inside
+    bool hasAttributes : 1 = false;                     ///< of any kind
+    bool hasType : 1 = false;                           ///< has a `type`
+    bool isReference : 1 = false;                       ///< has no `name`
+    bool repeats : 1 = false;                           ///< `maxOccurs` is greater than 1 or "unbounded"
+    bool isAbstract : 1 = false;                        ///< `abstract` is true
+    bool isSingle : 1 = false;                          ///< doesn't repeat if declared twice
+    bool isInRepeated : 1 = false;                      ///< in a repeated group
 };
 
 /// The declarations of one schema document that the literal reading supports: xsd:element, xs:element and so on, by
@@ -42,7 +42,7 @@ struct SchemaDeclaration
 class SchemaOutline : public XmlHandler
 {
 public:
-    enum Tag
+    enum Tag : std::uint8_t
     {
         element,
         attribute,
@@ -130,9 +130,9 @@ private:
         SchemaDeclaration declaration;
         Index end = 0; // index behind the last descendant
         Index nextSibling = kNone;
+        std::array<Index, kTags> firstChild{kNone, kNone, kNone};
         Tag tag = complexType;
         mutable bool isRead = false;
-        std::array<Index, kTags> firstChild{kNone, kNone, kNone};
     };
 
     // An open element of the document.
