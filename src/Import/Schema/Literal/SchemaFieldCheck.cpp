@@ -21,12 +21,15 @@ std::string_view nameOf(const SchemaElement& declared)
 void SchemaFieldCheck::reportAll(std::string_view path)
 {
     CancelPoint cancelPoint{4096};
+    auto nextType = types.begin();
     for (std::size_t i = 0; i < fields.size(); ++i) {
         cancelPoint.pass();
         if (i + kAhead < fields.size())
             __builtin_prefetch(fields[i + kAhead].element); // elements are scattered in memory
-        if (fields[i].plainKind == Element::typeOther || fields[i].element->queryType() != fields[i].plainKind)
-            report(fields[i], path);
+        if (fields[i].plainKind == Element::typeOther)
+            report(fields[i], *nextType++, path);
+        else if (fields[i].element->queryType() != fields[i].plainKind)
+            report(fields[i], nullptr, path);
     }
 }
 
@@ -42,11 +45,11 @@ Element::ElementTypes SchemaFieldCheck::plainKindOf(const SchemaElement& declare
     return local == "decimal" ? Element::typeNumber : local == "date" ? Element::typeDate : Element::typeOther;
 }
 
-void SchemaFieldCheck::report(const Field& field, std::string_view path)
+void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std::string_view path)
 {
     const SchemaElement& declared = *field.declared;
     const std::string_view name = nameOf(declared);
-    const Meaning meaning = meaningOf(declared, name);
+    const Meaning meaning = meaningOf(declared, name, type);
     if (meaning.loss)
         sourceReport.add(*meaning.loss, declared.queryPlace(), meaning.lost);
     else if (!isAsMeant(*field.element, name, meaning, path))
@@ -57,7 +60,8 @@ void SchemaFieldCheck::report(const Field& field, std::string_view path)
         sourceReport.add(SourceReport::repetitionSkipped, declared.queryPlace(), name);
 }
 
-SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& declared, std::string_view name)
+SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& declared, std::string_view name,
+                                                      const SchemaElement* type)
 {
     switch (declared.queryLoss()) {
     case SchemaTypeLoss::innerType:
@@ -68,7 +72,7 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& decla
         break;
     }
     return declared.isReference() ? meaningOfReference(declared, name)
-                                  : meaningOfType(declared.queryType(), name, declared.isMarked());
+                                  : meaningOfType(declared.queryType(), type, name, declared.isMarked());
 }
 
 // A reference takes the type of an element that was read before it; without one it is text.
@@ -77,20 +81,21 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfReference(const SchemaEleme
     const SchemaElement* const target = table.findAny(Fingerprint(name));
     if (!target)
         return {Element::typeString, {}, SourceReport::unresolvedReference, name};
-    Meaning meaning = meaningOfType(target->queryType(), name, declared.isMarked());
+    Meaning meaning =
+        meaningOfType(target->queryType(), table.findType(target->queryType()), name, declared.isMarked());
     if (declared.queryType().empty() && meaning.kind != Element::typeString && meaning.kind != Element::typeRow)
         meaning = {Element::typeString, {}, SourceReport::typeUnknown, name};
     return meaning;
 }
 
 // Returns the meaning of a field of this type, with a loss if the literal reading doesn't support it.
-SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type, std::string_view name, bool repeats)
+SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type, const SchemaElement* known,
+                                                          std::string_view name, bool repeats)
 {
     if (type.empty() || type == kAnonymousType)
         return {Element::typeRow};
-    if (type.starts_with("xs:") || type.starts_with("xsd:"))
+    if (SchemaTable::isBuiltIn(type))
         return meaningOfBuiltIn(type, repeats);
-    const SchemaElement* const known = table.find(Fingerprint(type));
     if (known && !repeats)
         return known->queryChildren() ? Meaning{Element::typeOther, type}
                                       : Meaning{Element::typeOther, type, SourceReport::unresolvedReference, type};

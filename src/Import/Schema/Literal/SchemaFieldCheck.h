@@ -17,10 +17,13 @@ public:
         table(table), kinds(kinds), sourceReport(report)
     {}
 
-    /// Records that `declared` became the field `field` of `record`.
-    void add(const SchemaElement& declared, const Element& field, const SchemaElement& record)
+    /// Records that `declared` became the field `field` of `record`. `type` is the table's entry of its type.
+    void add(const SchemaElement& declared, const Element& field, const SchemaElement& record,
+             const SchemaElement* type)
     {
         fields.push_back({&declared, &field, &record, plainKindOf(declared)});
+        if (fields.back().plainKind == Element::typeOther)
+            types.push_back(type);
     }
 
     /// Prepares for `count` fields.
@@ -42,7 +45,7 @@ private:
     // Returns the kind of nearly all fields: single, with a built-in type that is identified by name. typeOther for all
     // others.
     static Element::ElementTypes plainKindOf(const SchemaElement& declared);
-    void report(const Field& field, std::string_view path);
+    void report(const Field& field, const SchemaElement* type, std::string_view path);
 
     // The correct result of a declaration.
     struct Meaning
@@ -53,9 +56,9 @@ private:
         std::string_view lost{};                          // the name to report
     };
 
-    Meaning meaningOf(const SchemaElement& declared, std::string_view name);
+    Meaning meaningOf(const SchemaElement& declared, std::string_view name, const SchemaElement* type);
     Meaning meaningOfReference(const SchemaElement& declared, std::string_view name);
-    Meaning meaningOfType(std::string_view type, std::string_view name, bool repeats);
+    Meaning meaningOfType(std::string_view type, const SchemaElement* known, std::string_view name, bool repeats);
     Meaning meaningOfBuiltIn(std::string_view type, bool repeats) const;
     bool isAsMeant(const Element& element, std::string_view name, const Meaning& meaning, std::string_view path) const;
 
@@ -63,5 +66,6 @@ private:
     SchemaKinds& kinds;
     SourceReport& sourceReport;
     std::vector<Field, LargePages<Field>> fields;
+    std::vector<const SchemaElement*> types;                           // of the fields whose plain kind is typeOther
     std::unordered_map<const Element*, const SchemaElement*> repeated; // the first record in which an element repeats
 };

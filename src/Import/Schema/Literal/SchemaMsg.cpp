@@ -106,6 +106,7 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
     noteMain(outline);
     const CString path = baseFolder + table.queryMainType() + "\\";
     const std::size_t count = countFields();
+    knownTypes.clear();
     SchemaFieldCheck check(table, kinds, report);
     check.reserve(count);
     model.reserveUsages(count);
@@ -113,6 +114,7 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
         declareRecord(*entry, path, check);
     for (const SchemaElement* entry : table.queryPulled())
         declareRecord(*entry, path, check);
+    setKnownTypes();
     check.reportAll(path);
     return 1;
 }
@@ -139,8 +141,8 @@ std::size_t SchemaMessage::countFields() const
     return count;
 }
 
-// Declares an entry with children as a record. The names of all its fields are prefetched before the first is declared,
-// so that the cache misses in their large table overlap.
+// Declares an entry with children as a record. The types of all its fields are looked up, and their names prefetched,
+// before the first is declared, so that the cache misses in the large tables overlap.
 void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check)
 {
     if (!entry.queryChildren())
@@ -154,6 +156,7 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
         Field& field = fields.emplace_back();
         field.declared = mayBeMissing ? table.find(child->queryKey()) : child;
         getType(field.declared, field.typeName, field.name);
+        field.type = field.declared ? table.findType(field.declared->queryType()) : nullptr;
         if (!field.declared)
             report.add(SourceReport::declarationSkipped, child->queryPlace(), child->queryName());
         field.mark = getModifiers(*child);
@@ -163,7 +166,7 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
     for (const Field& field : fields) {
         const Element* element = declareField(field, record);
         if (field.declared)
-            check.add(*field.declared, *element, entry);
+            check.add(*field.declared, *element, entry, field.type);
     }
 }
 
@@ -172,17 +175,25 @@ Element* SchemaMessage::declareField(const Field& field, Element* record)
 {
     Element* element = nullptr;
     std::string_view typeName = field.typeName;
-    const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName);
+    const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName, field.type);
     Name& name = model.queryNames().intern(field.name, field.hash);
     for (int instances = field.mark == modStar ? 2 : 1; instances > 0; --instances) {
         element = model.addField(record, name, kind).element;
         if (typeName.empty())
             continue;
         const bool isOurs = typeName != "AnonymousType" && kind != Element::typeString;
-        element->setKnownType(isOurs ? record->queryPath() + CString(typeName) : "String");
+        knownTypes.push_back({element, isOurs ? typeName : std::string_view()});
         element->setType(Element::typeOther);
     }
     return element;
+}
+
+// Sets the types that fields name. All fields of a name share one element, and the last field decides.
+void SchemaMessage::setKnownTypes()
+{
+    for (auto known = knownTypes.rbegin(); known != knownTypes.rend(); ++known)
+        if (Element& element = *known->element; !element.hasKnownType())
+            element.setKnownType(known->typeName.empty() ? "String" : element.queryPath() + CString(known->typeName));
 }
 
 // Sets name and type of a declaration; both are empty if there is none. A repeated one has no type. Returns nonzero if
@@ -210,16 +221,13 @@ int SchemaMessage::removeModifiers(std::string_view& name)
 
 // Returns the kind of a field of this type. The name of a built-in type is cleared, because the kind is sufficient. For
 // other types typeDate only means that the schema declares the type.
-Element::ElementTypes SchemaMessage::getBrokerType(std::string_view& typeName) const
+Element::ElementTypes SchemaMessage::getBrokerType(std::string_view& typeName, const SchemaElement* type)
 {
-    for (const std::string_view prefix : {"xsd:", "xs:"}) {
-        if (!typeName.starts_with(prefix))
-            continue;
-        const std::string_view builtIn = typeName.substr(prefix.size());
-        typeName = {};
-        if (builtIn == "date")
-            return Element::typeDate;
-        return builtIn == "decimal" ? Element::typeNumber : Element::typeString;
-    }
-    return table.find(typeName) ? Element::typeDate : Element::typeString;
+    if (!SchemaTable::isBuiltIn(typeName))
+        return type ? Element::typeDate : Element::typeString;
+    const std::string_view builtIn = typeName.substr(typeName.find(':') + 1);
+    typeName = {};
+    if (builtIn == "date")
+        return Element::typeDate;
+    return builtIn == "decimal" ? Element::typeNumber : Element::typeString;
 }

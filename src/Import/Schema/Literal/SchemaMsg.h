@@ -34,10 +34,18 @@ private:
         modStar = 1
     };
 
+    // The type to name in an element's fields; empty for text.
+    struct KnownType
+    {
+        Element* element;
+        std::string_view typeName;
+    };
+
     // A field before its declaration. Texts are views into the documents.
     struct Field
     {
         const SchemaElement* declared; // null if it is missing
+        const SchemaElement* type;     // the entry of its type; null for a built-in type and for none
         std::uint32_t hash = 0;        // of the name
         std::string_view name;
         std::string_view typeName;
@@ -55,7 +63,8 @@ private:
     void declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check);
     Element* declareField(const Field& field, Element* record);
     static int getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName);
-    Element::ElementTypes getBrokerType(std::string_view& typeName) const;
+    void setKnownTypes();
+    static Element::ElementTypes getBrokerType(std::string_view& typeName, const SchemaElement* type);
     static Modifiers getModifiers(const SchemaElement& entry) { return entry.isMarked() ? modStar : modNone; }
     static int removeModifiers(std::string_view& name);
 
@@ -64,4 +73,5 @@ private:
     SchemaTable::Names previousNames; // before the current import, restored if it is cancelled
     CString baseFolder;
     std::vector<Field> fields; // of the current record
+    std::vector<KnownType> knownTypes;
 };

@@ -48,7 +48,16 @@ public:
     /// Returns the entry for a key, declared or pulled; null if there is none.
     const SchemaElement* find(const Fingerprint& key) const;
 
-    /// The same; also finds included entries that were not pulled.
+    /// Returns whether the literal reading takes a type for a built-in one.
+    static bool isBuiltIn(std::string_view type) { return type.starts_with("xs:") || type.starts_with("xsd:"); }
+
+    /// Returns the entry of a type; null for a built-in type and if there is none.
+    const SchemaElement* findType(std::string_view type) const
+    {
+        return type.empty() || isBuiltIn(type) ? nullptr : find(type);
+    }
+
+    /// The same as find(); also finds included entries that were not pulled.
     const SchemaElement* findAny(const Fingerprint& key) const;
 
     /// Returns the main element in the schema's outline; kNone if there is none.
