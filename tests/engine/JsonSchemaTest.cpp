@@ -198,7 +198,8 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "e":{"type":["string","integer"]},"f":{"type":"object"},"f":{"oneOf":[{"type":"number"},{"type":"null"}]},
   "g\\h":{"type":"string"},"h":{"allOf":[{"type":"string"},{"type":"integer","maximum":9}]},"i":false,
   "j":{"oneOf":[{"properties":{"v":{"type":"string"}}},{"properties":{"v":{"type":"array"}}}]},
-  "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]}}})"),
+  "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]},
+  "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}]}}})"),
               1);
     EXPECT_EQ(reportOf(message, folder.path()), R"(9 losses
 x.json:4:41: key given twice: f
@@ -211,7 +212,7 @@ x.json:4:7: values of different kinds: #/properties/e
 x.json:5:60: values of different kinds: #/properties/h/allOf/1
 x.json:6:36: values of different kinds: #/properties/j/oneOf/0/properties/v
 
-20 details
+25 details
 x.json:5:97: element that may not occur: i at #/properties/i
 x.json:5:10: name adjusted: g\h is g_h
 
@@ -221,9 +222,9 @@ x.json:5:10: name adjusted: g\h is g_h
 1 document not well-formed
 1 further properties left out
 1 key given twice
-13 optional parts
+16 optional parts
+4 facets
 2 choices
-2 facets
 1 element that may not occur
 1 name adjusted
 1 default value

@@ -78,6 +78,12 @@ JsonContent JsonContents::of(Index schema)
     return contents.at(schema);
 }
 
+void JsonContents::readDropped()
+{
+    for (const Index schema : dropped)
+        of(schema);
+}
+
 void JsonContents::enter(Index schema)
 {
     step();
@@ -380,6 +386,8 @@ void JsonContents::mergeField(MergedField& known, JsonField field, How how)
 {
     const bool isConditional = field.isConditional || how == maybe;
     const bool isSame = known.schema == field.schema || areEquivalent(known.schema, field.schema);
+    if (isSame && known.schema != field.schema)
+        dropped.insert(field.schema);
     if (how == either) {
         known.alternatives += isConditional ? 0 : 1;
     } else if (known.isConditional && !isConditional) {

@@ -4,7 +4,9 @@
 #include "Import/Json/JsonDocuments.h"
 
 #include <map>
+#include <optional>
 #include <span>
+#include <unordered_set>
 
 /// A property of a schema.
 struct JsonField
@@ -69,6 +71,9 @@ public:
     {
         return std::span(constants).subspan(enumeration.first, enumeration.count);
     }
+
+    /// Reads the schemas that were dropped because an equal one stands for them, so that their details count.
+    void readDropped();
 
     /// Returns whether a schema is declared by name, or is the whole document.
     bool isDeclared(Index schema) const;
@@ -142,6 +147,7 @@ private:
     void readReference(Frame& frame, Index child);
     void readDiscriminator(Frame& frame, Index node);
     void readMembers(Index holder, How how, std::vector<Part>& parts) const;
+    static std::optional<SourceReport::Construct> detailOf(JsonWord key);
     void countDetail(JsonWord key);
     void countOptional(Index schema, Index properties);
     std::vector<JsonWord> typesOf(Index type);
@@ -181,6 +187,7 @@ private:
     std::vector<JsonConstant> constants;
     std::unordered_map<Index, Merged> mergeInputs;
     std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
+    std::unordered_set<Index> dropped;                          // leaves for which an equivalent one stands
     std::vector<Frame> frames;
     std::size_t steps = 0;
     std::size_t made = 0; // nodes of made schemas

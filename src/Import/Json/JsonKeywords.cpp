@@ -187,7 +187,8 @@ void JsonContents::readDiscriminator(Frame& frame, Index node)
     frame.discriminator = tree[name].text;
 }
 
-void JsonContents::countDetail(JsonWord key)
+// Returns the detail that a keyword is; nothing for other keywords.
+std::optional<SourceReport::Construct> JsonContents::detailOf(JsonWord key)
 {
     switch (key) {
     case JsonWord::pattern:
@@ -203,18 +204,24 @@ void JsonContents::countDetail(JsonWord key)
     case JsonWord::propertyNames:
     case JsonWord::contains:
     case JsonWord::notWord:
-        return report.count(SourceReport::facet);
+        return SourceReport::facet;
     case JsonWord::minItems:
     case JsonWord::maxItems:
     case JsonWord::uniqueItems:
-        return report.count(SourceReport::occurrenceBounds);
+        return SourceReport::occurrenceBounds;
     case JsonWord::defaultWord:
-        return report.count(SourceReport::defaultValue);
+        return SourceReport::defaultValue;
     case JsonWord::nullable:
-        return report.count(SourceReport::nillable);
+        return SourceReport::nillable;
     default:
-        return;
+        return std::nullopt;
     }
+}
+
+void JsonContents::countDetail(JsonWord key)
+{
+    if (const auto detail = detailOf(key))
+        report.count(*detail);
 }
 
 void JsonContents::countOptional(Index schema, Index properties)

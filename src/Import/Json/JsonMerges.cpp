@@ -107,7 +107,8 @@ JsonNode::Index JsonContents::makeMerged(const Merged& merged)
     return schema;
 }
 
-// Returns whether two schemas are leaves of the same type and format; cheaper than merging them.
+// Returns whether two schemas are leaves of the same type and format. Merging them would cost more, and chains of
+// schemas that give one field ever other bounds would need a merged schema for each step.
 bool JsonContents::areEquivalent(Index one, Index other) const
 {
     NameTable::Id oneType = 0, otherType = 0, oneFormat = 0, otherFormat = 0;
@@ -126,7 +127,7 @@ bool JsonContents::isLeafOf(Index schema, NameTable::Id& type, NameTable::Id& fo
             type = tree[at].text;
         else if (key == JsonWord::format && tree.is(at, JsonNode::string))
             format = tree[at].text;
-        else if (key != JsonWord::title && key != JsonWord::description && key != JsonWord::none)
+        else if (key != JsonWord::title && key != JsonWord::description && key != JsonWord::none && !detailOf(key))
             return false;
     }
     return std::ranges::find(leaves, tree.wordOf(type)) != std::end(leaves);

@@ -148,6 +148,7 @@ void JsonTypes::finish()
     for (std::size_t i = 0; i < pending.size(); ++i)
         // Copied, because reading fields appends further records.
         readFields(Pending(pending[i]));
+    contents.readDropped();
 }
 
 void JsonTypes::readFields(const Pending& record)
