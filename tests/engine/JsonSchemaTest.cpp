@@ -303,7 +303,7 @@ const Refusal kRefusals[] = {
     {"ManyMerges", manyMerges(),
      "$: more than 100000 merged members and 20 more for each value of the document, which is the limit."},
     {"ManyCombinations", manyCombinations(),
-     "$: more than 1000 combinations of schemas and 2 more for each value of the source, which is the limit."},
+     "$: more than 50000 combinations of schemas and 2 more for each value of the source, which is the limit."},
     {"NoSuchMainType", R"({"properties":{"a":{}}})", "There is no element called B.", "B"},
 };
 

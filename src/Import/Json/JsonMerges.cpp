@@ -14,7 +14,7 @@ constexpr int kMaxRank = 4;        // nesting of made schemas; bounds their grow
 
 // The nodes of made schemas in any source, and in addition for each of its values, so that the work is linear in the
 // source. Real schemas have at most 0.3 for each value.
-constexpr std::size_t kFreeMade = 1000;
+constexpr std::size_t kFreeMade = 50'000;
 constexpr std::size_t kMadePerValue = 2;
 
 } // namespace
