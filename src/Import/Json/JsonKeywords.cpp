@@ -84,9 +84,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         readReference(frame, child);
         break;
     case JsonWord::allOf:
-        readMembers(node, both, frame.parts);
-        break;
-    case JsonWord::extends: // of draft 3, and of generators of code
+    case JsonWord::extends: // of draft 3, and of generators of code; it may be a single schema
         if (isArray)
             readMembers(node, both, frame.parts);
         else if (isObject)
