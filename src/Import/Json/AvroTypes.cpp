@@ -61,12 +61,9 @@ void AvroTypes::addNamedTypes()
         if (names.isWanted(type.schema))
             all.push_back(type);
     std::ranges::sort(all, {}, &Scoped::schema);
-    std::unordered_map<NameTable::Id, std::string_view> kept;      // namespaces
     std::unordered_map<SourceTypes::Index, std::string_view> uris; // by record
     for (const Scoped& at : all) {
-        std::string_view& uri = kept[at.space];
-        if (uri.empty())
-            uri = types.keep(tree.names[at.space]);
+        const std::string_view uri = types.keep(tree.names[at.space]);
         const std::string_view full = tree.textOf(at.schema, JsonWord::name);
         const std::string_view name = names.toModelName(full.substr(full.rfind('.') + 1), at.schema);
         const auto shape = shapeOf({at}, name, SourceTypes::kNone);
