@@ -21,7 +21,6 @@ MessageBoxHandler& currentHandler()
 
 // Of the message being shown. Thread-local, because an import can run in a thread beside the window's.
 thread_local const CString* currentDetails = nullptr;
-thread_local const SourceFault* currentFault = nullptr;
 
 } // namespace
 
@@ -30,25 +29,18 @@ MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler)
     return std::exchange(currentHandler(), std::move(handler));
 }
 
-void showMessageBox(const CString& text, const CString& title, const CString& details, const SourceFault* fault)
+void showMessageBox(const CString& text, const CString& title, const CString& details)
 {
     const CString* const outer = std::exchange(currentDetails, &details); // handlers may show messages
-    const SourceFault* const outerFault = std::exchange(currentFault, fault);
     if (const BackgroundWork* const work = BackgroundWork::ofThread())
         work->messages(text, title);
     else if (const MessageBoxHandler& handler = currentHandler())
         handler(text, title);
     currentDetails = outer;
-    currentFault = outerFault;
 }
 
 const CString& queryMessageDetails()
 {
     static const CString none;
     return currentDetails != nullptr ? *currentDetails : none;
-}
-
-const SourceFault* queryMessageFault()
-{
-    return currentFault;
 }

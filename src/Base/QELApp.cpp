@@ -1,5 +1,6 @@
 #include "Base/QELApp.h"
 
+#include "Base/MessageBox.h"
 #include "Resources/StringTable.h"
 
 #include <new>
@@ -17,13 +18,16 @@ void CQELApp::Error(const CString& text, UINT titleId, const CString& details)
     showMessageBox(text, loadText(titleId), details);
 }
 
-void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault)
+void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault, const CString& advice)
 {
-    const auto isSaid = [&text](const CString& words) { return words.empty() || text.find(words) != CString::npos; };
-    CString details = isSaid(fault.reason) ? CString() : fault.reason;
-    if (!isSaid(fault.file))
-        details += (details.empty() ? "In the file " : "\nIn the file ") + fault.file;
-    showMessageBox(text, loadText(titleId), details, &fault);
+    CString details = advice;
+    const auto add = [&](const CString& words, const char* before) {
+        if (!words.empty() && text.find(words) == CString::npos)
+            details += (details.empty() ? "" : "\n") + (before + words);
+    };
+    add(fault.reason, "");
+    add(fault.file, "In the file ");
+    showMessageBox(text, loadText(titleId), details);
 }
 
 const char* messageOf(const std::exception& error)

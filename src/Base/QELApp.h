@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Base/MessageBox.h"
+#include "Base/SourceFault.h"
 
 #include <exception>
 
@@ -19,9 +19,9 @@ public:
     /// the broker; the message handler may show it below the text.
     void Error(const CString& text, UINT titleId, const CString& details = {});
 
-    /// Shows an error caused by a source, with its parts in `fault`. Its reason and its file become the details if the
-    /// text lacks them.
-    void Error(const CString& text, UINT titleId, const SourceFault& fault);
+    /// Shows an error caused by a source, with its parts in `fault`. The details are `advice`, and the fault's reason
+    /// and file if the text lacks them.
+    void Error(const CString& text, UINT titleId, const SourceFault& fault, const CString& advice = {});
 
     /// Opens the help topic of the page whose dialog id is in the low 16 bits of `data`, or the default topic if that
     /// dialog has none. Does nothing unless `command` is 1, the context-help command. Defined in the wizard.

@@ -39,6 +39,9 @@ struct Arguments
     LogonOptions sourceLogon = {"", "", "--source-password-file", " at the database"};
     CreateOptions create;
 
+    /// Returns the exit status of a failure: kFailed, but kUsage with --diff, because 1 then means a difference.
+    ExitStatus failedStatus() const { return diff.document.empty() ? kFailed : kUsage; }
+
     /// Returns whether the command needs a logon to a broker.
     bool usesBroker() const { return !create.address.empty() || diff.isRepository(); }
 

@@ -4,13 +4,12 @@
 #include "Cli/ProgressLine.h"
 #include "Files/FileMessage.h"
 #include "Import/Full/FullReadingHint.h"
+#include "Import/MsgBase.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <utility>
-
-ExitStatus failedStatus = kFailed;
 
 namespace {
 
@@ -90,19 +89,12 @@ void report(std::string_view text)
     std::fprintf(stderr, "%s\n", line);
 }
 
-Diagnostics::Diagnostics(const CString& source, Verbosity verbosity) :
-    source(source), verbosity(verbosity), before(setMessageBoxHandler([this](const CString& text, const CString&) {
-        isLiteralError |= isErrorOfLiteralReading(text);
-        if (const SourceFault* fault = queryMessageFault())
-            add(*fault);
-        else
-            error(text);
-    }))
-{}
-
-Diagnostics::~Diagnostics()
+void Diagnostics::receiveFrom(MsgBase& importer)
 {
-    setMessageBoxHandler(std::move(before));
+    importer.setErrorHandler([this](const CString& text, const SourceFault& fault) {
+        isLiteralError |= isErrorOfLiteralReading(text);
+        add(fault);
+    });
 }
 
 void Diagnostics::add(const SourceFault& fault)

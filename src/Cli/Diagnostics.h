@@ -1,10 +1,12 @@
 #pragma once
 
-#include "Base/MessageBox.h"
+#include "Base/SourceFault.h"
 
 #include <cstdint>
 #include <string_view>
 #include <unordered_set>
+
+class MsgBase;
 
 /// The exit statuses, except those of --diff.
 enum ExitStatus : int
@@ -15,10 +17,6 @@ enum ExitStatus : int
     kNotWritten = 3,
     kNotCreated = 4 ///< some of the types could not be created
 };
-
-/// The exit status of a failure: kFailed, or kUsage with --diff, because 1 then means a difference. parseArguments()
-/// sets it.
-extern ExitStatus failedStatus;
 
 /// The amount of output on standard error.
 enum class Verbosity
@@ -36,15 +34,17 @@ CString shownSource(const CString& source);
 void report(std::string_view text);
 
 /// Reports problems with the sources of an import to standard error, one a line: "FILE:LINE:COL: error: REASON", as
-/// compilers do, or "warning" if the import continues. While it lives, it receives the message boxes of the import.
+/// compilers do, or "warning" if the import continues.
 class Diagnostics
 {
 public:
     /// `source` stands in for the file name if a fault has none.
-    Diagnostics(const CString& source, Verbosity verbosity);
-    ~Diagnostics();
+    Diagnostics(const CString& source, Verbosity verbosity) : source(source), verbosity(verbosity) {}
     Diagnostics(const Diagnostics&) = delete;
     Diagnostics& operator=(const Diagnostics&) = delete;
+
+    /// Receives the errors and warnings of an importer from now on. This object must outlive its imports.
+    void receiveFrom(MsgBase& importer);
 
     /// Reports one fault; a repeated warning is skipped. Without Verbosity::verbose at most 20 warnings are shown;
     /// finish() reports how many were not.
@@ -76,5 +76,4 @@ private:
     std::size_t warnings = 0;
     std::unordered_set<std::uint64_t> shownWarnings; // hashes of the warnings shown
     bool isLiteralError = false;
-    MessageBoxHandler before;
 };

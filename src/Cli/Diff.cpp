@@ -229,6 +229,7 @@ bool compare(MsgBase& message, const CString& document, const DiffOptions& optio
 {
     BrokerMessage earlier;
     earlier.keepTwins();
+    diagnostics.receiveFrom(earlier);
     earlier.parseFile(document, earlier.getBasePath());
     if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository())
         diagnostics.add({document, "it is not a document of types"});

@@ -1,5 +1,6 @@
 #include "Cli/Import.h"
 
+#include "Base/MessageBox.h"
 #include "Broker/TypeSource.h"
 #include "Cli/Diff.h"
 #include "Cli/Output.h"
@@ -13,6 +14,8 @@
 #include "Import/MsgBase.h"
 #include "Import/Registry/ImporterChoice.h"
 #include "Import/Registry/SourceSet.h"
+
+#include <optional>
 
 namespace {
 
@@ -56,7 +59,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     if (!arguments.always)
         output.keepUnchanged();
     if (arguments.diff.isRepository() && !keepRepository(message, arguments.diff.document, arguments.logon))
-        return failedStatus;
+        return arguments.failedStatus();
     if (!arguments.diff.document.empty())
         return diffTypes(message, arguments.diff, arguments.report, output, diagnostics);
     Element* const type = arguments.hasType ? findType(message, arguments.type) : nullptr;
@@ -96,7 +99,7 @@ void reportNoTypes(const MsgUIDescriptor& importer, const CString& file, Diagnos
 
 // Imports the sources. Returns whether there are types to write; if not, that has been reported.
 bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Arguments& arguments,
-                   const std::vector<CString>& files, TableSource& tables, Diagnostics& diagnostics)
+                   const std::vector<CString>& files, TableSource* tables, Diagnostics& diagnostics)
 {
     const CString basePath = basePathOf(arguments, message);
     if (arguments.hasBasePath && importer.querySource().namesFolders)
@@ -106,8 +109,9 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
         message.wantReport();
     if (arguments.allowEmpty)
         message.allowEmpty();
-    if (importer.querySource().readsTables)
-        tables.import(message, arguments, basePath, diagnostics);
+    diagnostics.receiveFrom(message);
+    if (tables)
+        tables->import(message, arguments, basePath, diagnostics);
     else
         message.parseFile(files.front(), basePath);
     diagnostics.finish();
@@ -181,6 +185,10 @@ int createOnBroker(MsgBase& message, const MsgUIDescriptor& importer, const CStr
 int runImport(Arguments arguments)
 {
     const ProgressLine progressLine;
+    setMessageBoxHandler([isQuiet = arguments.verbosity == Verbosity::quiet](const CString& text, const CString&) {
+        if (!isQuiet) // that the settings can't be read, which ends no import
+            report("warning: " + text);
+    });
     if (const CString usageError = epochError(); !usageError.empty())
         return reportUsageError(usageError);
     const CString source = arguments.sources.front();
@@ -189,23 +197,26 @@ int runImport(Arguments arguments)
     Diagnostics diagnostics(shownSource(files.front()), arguments.verbosity);
     const MsgUIDescriptor* const importer = arguments.importer ? arguments.importer : importerOf(files, diagnostics);
     if (!importer)
-        return failedStatus;
+        return arguments.failedStatus();
     if (const CString usageError = usageErrorFor(arguments, *importer); !usageError.empty())
         return reportUsageError(usageError);
     if (const CString usageError = arguments.full.usageErrorFor(files.size()); !usageError.empty())
         return reportUsageError(usageError);
     if (const CString file = conflictingOutput(arguments, *importer, files); !file.empty())
         return reportUsageError(file + ": it would be read and written, or written twice");
-    TableSource tables;
+    std::optional<TableSource> tables;
+    if (importer->querySource().readsTables)
+        tables.emplace();
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, *importer));
-    const bool hasTypes = importSources(*message, *importer, arguments, files, tables, diagnostics);
+    const bool hasTypes =
+        importSources(*message, *importer, arguments, files, tables ? &*tables : nullptr, diagnostics);
     if (const CString file = outputThatWasRead(arguments, *importer, message->queryReport()); !file.empty())
         return reportUsageError(file + ": the source refers to it, so it can't be an output");
     const bool isReported = writeReport(*message, arguments.report);
     if (!hasTypes)
-        return failedStatus;
+        return arguments.failedStatus();
     if (!isReported)
-        return arguments.diff.document.empty() ? kNotWritten : failedStatus;
+        return arguments.diff.document.empty() ? kNotWritten : kUsage;
     // The types of a folder's files are recorded under the folder.
     if (!arguments.create.address.empty())
         return createOnBroker(

@@ -1,11 +1,10 @@
 #include "Cli/TableSource.h"
 
-#include "Base/QELApp.h"
 #include "Base/Secret.h"
 #include "Database/ConnectString.h"
 #include "Database/Tables.h"
 #include "Import/MsgBase.h"
-#include "Resources/StringIds.h"
+#include "Resources/StringTable.h"
 
 #include <map>
 #include <set>
@@ -55,7 +54,7 @@ void TableSource::import(MsgBase& message, const Arguments& arguments, const CSt
     // A password may be in memory from here on.
     keepOutOfCores();
     try {
-        read(dynamic_cast<ODBCMessage&>(message), arguments, basePath);
+        read(dynamic_cast<ODBCMessage&>(message), arguments, basePath, diagnostics);
     } catch (const CDBException& error) {
         diagnostics.error(error.what() + logonHint(arguments, error));
     } catch (const NoTable& table) {
@@ -63,12 +62,15 @@ void TableSource::import(MsgBase& message, const Arguments& arguments, const CSt
     }
 }
 
-void TableSource::read(ODBCMessage& message, const Arguments& arguments, const CString& basePath)
+void TableSource::read(ODBCMessage& message, const Arguments& arguments, const CString& basePath,
+                       Diagnostics& diagnostics)
 {
     if (!open(arguments))
-        return;
+        return diagnostics.error(loadText(IDS_SELECT_DATASOURCE));
     std::vector<ChosenTable> tables = pickTables(arguments.tables);
-    if ((arguments.tables.empty() && !listTables(tables)) || tables.empty())
+    if (arguments.tables.empty() && !listTables(tables))
+        return diagnostics.error(loadText(IDS_NO_DATABASE));
+    if (tables.empty())
         return;
     message.setChosen(tables);
     message.parseData(namesOf(tables), basePath);
@@ -84,20 +86,15 @@ bool TableSource::open(const Arguments& arguments)
         readPassword(options, password.text);
         logon.text = logonText(options.user, password.text);
     }
-    if (database.Open(arguments.sources.front(), CDatabase::readOnly, logon.text))
-        return true;
-    theApp.Error(IDS_SELECT_DATASOURCE, IDS_ERROR_TITLE);
-    return false;
+    return database.Open(arguments.sources.front(), CDatabase::readOnly, logon.text);
 }
 
-// Lists all tables whose type is TABLE.
+// Lists all tables whose type is TABLE. Returns false if the driver can't.
 bool TableSource::listTables(std::vector<ChosenTable>& tables)
 {
     CTables found(&database);
-    if (!found.Open(nullptr, nullptr, nullptr, "'TABLE'")) {
-        theApp.Error(IDS_NO_DATABASE, IDS_ERROR_TITLE);
+    if (!found.Open(nullptr, nullptr, nullptr, "'TABLE'"))
         return false;
-    }
     for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
         tables.push_back({found.queryName(), ChosenTable::listed});
     return true;

@@ -23,7 +23,7 @@ public:
     void import(MsgBase& message, const Arguments& arguments, const CString& basePath, Diagnostics& diagnostics);
 
 private:
-    void read(ODBCMessage& message, const Arguments& arguments, const CString& basePath);
+    void read(ODBCMessage& message, const Arguments& arguments, const CString& basePath, Diagnostics& diagnostics);
     bool open(const Arguments& arguments);
     bool listTables(std::vector<ChosenTable>& tables);
     std::vector<ChosenTable> pickTables(const std::vector<CString>& names);

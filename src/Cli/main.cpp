@@ -9,6 +9,8 @@
 
 namespace {
 
+const Arguments* running = nullptr; // those of main(), for the terminate handler, which has no parameters
+
 [[noreturn]] void reportAndExit()
 {
     try {
@@ -17,7 +19,7 @@ namespace {
     } catch (const std::exception& error) {
         report(messageOf(error));
         TemporaryFile::deleteAll();
-        _exit(failedStatus);
+        _exit(running ? running->failedStatus() : kFailed);
     }
     std::abort();
 }
@@ -34,12 +36,13 @@ namespace {
 int main(int argc, char** argv)
 {
     openClosedStreams();
+    Arguments arguments;
+    running = &arguments;
     try {
-        Arguments arguments;
         int exitStatus = kDone;
         return parseArguments(argc, argv, arguments, exitStatus) ? runImport(arguments) : exitStatus;
     } catch (const std::exception& error) {
         report(messageOf(error));
-        return failedStatus;
+        return arguments.failedStatus();
     }
 }

@@ -140,10 +140,9 @@ void setAside(const CString& fileName, const CString& reason)
     if (failure && isStuck.test_and_set())
         return;
     const CString fate = failure ? "and can't be renamed (" + failure.message() + ")" : "and is now settings.json.bad";
-    const SourceFault fault{fileName, "the settings are the defaults: " + reason + ", " + fate, 0, 0, true};
     showMessageBox("The settings are the defaults, because " + fileName + " can't be used: " + reason + ", " + fate +
                        ".",
-                   loadText(IDS_ERROR_TITLE), {}, &fault);
+                   loadText(IDS_ERROR_TITLE));
 }
 
 bool toLatin1(std::string_view text, CString& out)

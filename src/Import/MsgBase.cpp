@@ -94,8 +94,16 @@ void MsgBase::clear()
     enumPosition = static_cast<std::size_t>(-1);
 }
 
-int MsgBase::fail(const CString& text, const SourceFault& fault)
+void MsgBase::showFault(const CString& text, const SourceFault& fault) const
 {
-    theApp.Error(text, IDS_ERROR_TITLE, fault);
+    if (errorHandler)
+        errorHandler(text, fault);
+    else
+        theApp.Error(text, IDS_ERROR_TITLE, fault);
+}
+
+int MsgBase::fail(const CString& text, const SourceFault& fault) const
+{
+    showFault(text, fault);
     return 0;
 }

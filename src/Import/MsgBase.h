@@ -1,11 +1,12 @@
 #pragma once
 
-#include "Base/MessageBox.h"
+#include "Base/SourceFault.h"
 #include "Import/MsgUIDescriptor.h"
 #include "Import/SourceReport.h"
 #include "Model/TypeModel.h"
 
 #include <functional>
+#include <utility>
 
 /// The base of all importers; holds the result of one import. An importer overrides parse() and declares there what the
 /// source contains, by addElement() and addAttribute(). Afterwards repeated usages become tables, and the types can be
@@ -39,6 +40,12 @@ public:
 
     /// Also reports details, which costs a literal reading an extra look at the source. Losses are always reported.
     void wantReport() { isReportWanted = true; }
+
+    /// Receives the errors and warnings of an import: the text for a message box, and the same in parts.
+    using ErrorHandler = std::function<void(const CString& text, const SourceFault& fault)>;
+
+    /// Sets where errors and warnings go; by default, or for an empty handler, to CQELApp::Error().
+    void setErrorHandler(ErrorHandler handler) { errorHandler = std::move(handler); }
 
     /// Makes a source without types a success; the literal readings never refuse one.
     void allowEmpty() { isEmptyAllowed = true; }
@@ -91,9 +98,11 @@ protected:
     void orderList(Element* element) { model.place(*element); }
     void addToOrderedList(Element* element) { model.addToOrder(element); }
 
-    /// Shows `text` under the title "Typeforge Error" and returns 0, the result of a failed import. `fault` holds the
-    /// same in parts.
-    static int fail(const CString& text, const SourceFault& fault);
+    /// Passes an error or a warning to the handler. `fault` holds the same as `text`, in parts.
+    void showFault(const CString& text, const SourceFault& fault) const;
+
+    /// The same; returns 0, the result of a failed import.
+    int fail(const CString& text, const SourceFault& fault) const;
 
     TypeModel model;
     SourceReport report;
@@ -104,5 +113,6 @@ private:
     template <class Import>
     int orEmpty(Import import);
 
+    ErrorHandler errorHandler;
     std::size_t enumPosition = static_cast<std::size_t>(-1);
 };

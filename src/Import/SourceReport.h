@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Base/Arena.h"
-#include "Base/MessageBox.h"
 #include "Base/NumberTable.h"
+#include "Base/SourceFault.h"
 
 #include <array>
 #include <cstdint>

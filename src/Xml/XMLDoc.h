@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Base/MessageBox.h"
+#include "Base/SourceFault.h"
 #include "Xml/Dom.h"
 #include "Xml/XmlParser.h"
 

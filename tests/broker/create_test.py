@@ -67,8 +67,9 @@ class Create(unittest.TestCase):
         for text, reason in ("{}" + " " * (4 << 20), "it is larger than 4 MB"), ("{", "it is not well-formed"):
             self.write("typeforge/settings.json", text)
             status, _, err = self.run_import("pair.dtd", "--create", "local")
-            self.assertEqual((0, f"{self.folder}/typeforge/settings.json: warning: the settings are the defaults: {reason}, "
-                                 "and is now settings.json.bad\n"), (status, err))
+            self.assertEqual((0, "typeforge-import: warning: The settings are the defaults, because "
+                                 f"{self.folder}/typeforge/settings.json can't be used: {reason}, and is now "
+                                 "settings.json.bad.\n"), (status, err))
 
     def test_a_password_is_in_no_command_line_environment_or_core(self):
         self.write("password", "never seen\n")

@@ -1,7 +1,6 @@
 #include "Import/Dtd/DTDMsg.h"
 
 #include "Base/Progress.h"
-#include "Base/QELApp.h"
 #include "Base/Utf8.h"
 #include "Import/Dtd/DTDNotes.h"
 #include "Resources/StringTable.h"
@@ -302,7 +301,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
             report.add(SourceReport::statementUnreadable,
                        {0, static_cast<std::uint32_t>(fault.line), static_cast<std::uint32_t>(fault.column)},
                        statement);
-            theApp.Error(words, IDS_ERROR_TITLE, fault);
+            showFault(words, fault);
             return;
         }
         if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)

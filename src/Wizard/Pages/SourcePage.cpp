@@ -1,7 +1,7 @@
 #include "Wizard/Pages/SourcePage.h"
 
-#include "Base/MessageBox.h"
 #include "Base/QELApp.h"
+#include "Base/SourceFault.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
 #include "Import/Full/FullReadingHint.h"
@@ -42,34 +42,13 @@ std::vector<FileFilter> fileFilters()
     return filters;
 }
 
-// In its scope, an error caused by a construct that the literal reading doesn't know suggests the full reading in its
-// details.
-class FullReadingHint
+// Returns advice on an error caused by a construct that the literal reading doesn't know; empty for other errors.
+CString fullReadingAdvice(const WizardRun& wizard, const CString& error, const CString& fileName)
 {
-public:
-    FullReadingHint(const WizardRun& wizard, const CString& fileName) : wizard(wizard), fileName(fileName) {}
-    ~FullReadingHint() { setMessageBoxHandler(before); }
-    FullReadingHint(const FullReadingHint&) = delete;
-    FullReadingHint& operator=(const FullReadingHint&) = delete;
-
-private:
-    void show(const CString& text, const CString& title) const
-    {
-        CString details = queryMessageDetails();
-        const CString unsupported = isErrorOfLiteralReading(text) ? wizard.unsupportedByLiteral(fileName) : CString();
-        if (!unsupported.empty())
-            details = "Check \"Read in full\" on this page: the source uses " + unsupported + "." +
-                      (details.empty() ? "" : "\n") + details;
-        const MessageBoxHandler own = setMessageBoxHandler(before);
-        showMessageBox(text, title, details);
-        setMessageBoxHandler(own);
-    }
-
-    const WizardRun& wizard;
-    CString fileName;
-    MessageBoxHandler before =
-        setMessageBoxHandler([this](const CString& text, const CString& title) { show(text, title); });
-};
+    const CString unsupported = isErrorOfLiteralReading(error) ? wizard.unsupportedByLiteral(fileName) : CString();
+    return unsupported.empty() ? unsupported
+                               : "Check \"Read in full\" on this page: the source uses " + unsupported + ".";
+}
 
 } // namespace
 
@@ -193,7 +172,10 @@ LRESULT SourcePage::OnWizardNext()
     const auto restartPreview =
         qScopeGuard([this] { updatePreview(); }); // restarts the preview, in case the page stays
     chooseReading();
-    const FullReadingHint hint(*wizard, names.front());
+    wizard->message->setErrorHandler([this, file = names.front()](const CString& text, const SourceFault& fault) {
+        theApp.Error(text, IDS_ERROR_TITLE, fault, fullReadingAdvice(*wizard, text, file));
+    });
+    const auto forget = qScopeGuard([this] { wizard->message->setErrorHandler({}); });
     if (!wizard->importSources(names))
         return -1; // the importer has shown the error
     wizard->options.setEditBack(IDD_SOURCE);

@@ -10,6 +10,10 @@
 #include <filesystem>
 #include <system_error>
 
+SchemaMessage::SchemaMessage() :
+    MsgBase(1), table([this](const SourceFault& fault) { showFault(loadText(IDS_CYCLIC), fault); })
+{}
+
 int SchemaMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
     SchemaTable::Outlines outlines;

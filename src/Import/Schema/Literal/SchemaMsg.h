@@ -12,7 +12,7 @@ class XmlDocument;
 class SchemaMessage : public MsgBase
 {
 public:
-    SchemaMessage() : MsgBase(1) {}
+    SchemaMessage();
 
     static MsgBase* New() { return new SchemaMessage; }
 

@@ -1,8 +1,5 @@
 #include "Import/Schema/Literal/SchemaTable.h"
 
-#include "Base/QELApp.h"
-#include "Resources/StringTable.h"
-
 namespace {
 
 constexpr std::string_view kAnonymousType = "AnonymousType";
@@ -273,9 +270,8 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, 
     if (!entry) {
         const SchemaElement* const earlier = schemaElements.find(alone);
         if (parent.name == content.name) {
-            theApp.Error(loadText(IDS_CYCLIC), IDS_ERROR_TITLE,
-                         {report->fileNameOf(content.place.file), CString(content.name) + " stands inside itself",
-                          static_cast<long>(content.place.line), static_cast<long>(content.place.column), true});
+            onCycle({report->fileNameOf(content.place.file), CString(content.name) + " stands inside itself",
+                     static_cast<long>(content.place.line), static_cast<long>(content.place.column), true});
             report->add(SourceReport::recursiveDeclaration, content.place, content.name);
             ++cyclicReferences;
             return nullptr;

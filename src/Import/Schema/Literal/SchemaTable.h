@@ -8,7 +8,9 @@
 
 #include <array>
 #include <deque>
+#include <functional>
 #include <tuple>
+#include <utility>
 
 /// The declarations of a schema by name; the outlines hold the texts. A schema is read in two passes. The first covers
 /// the schema and every document that it includes, imports or redefines. The second covers the schema alone, and then
@@ -18,7 +20,11 @@ class SchemaTable
 public:
     /// The schema itself, followed by the documents that it refers to.
     using Outlines = std::deque<SchemaOutline>;
+    /// Receives a declaration that is skipped because it lies directly inside one of its name.
+    using CycleHandler = std::function<void(const SourceFault& fault)>;
     using Entries = KeyedTable<SchemaElement, &SchemaElement::queryKey, Fingerprint>;
+
+    explicit SchemaTable(CycleHandler onCycle) : onCycle(std::move(onCycle)) {}
 
     /// Runs the first pass, if the schema is a file, and finds the main element. Until then the main element and root
     /// type of the previous schema stay in effect. `report` gets the losses.
@@ -95,6 +101,7 @@ private:
     SchemaEntryContent contentOf(const SchemaOutline& outline, Index at, std::string_view name) const;
     bool areSameType(std::string_view oneType, std::string_view otherType) const;
 
+    const CycleHandler onCycle;
     SourceReport* report = nullptr;    // of the current import
     SchemaKinds* kinds = nullptr;      // of the current import
     Entries schemaElements;            // of the current pass

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Base/Text.h"
+
+/// What an error or warning says about a source, in parts.
+struct SourceFault
+{
+    CString file;           ///< as the user gave it; empty if unknown
+    CString reason;         ///< without file and place
+    long line = 0;          ///< from 1; 0 if unknown
+    long column = 0;        ///< from 1, in bytes; 0 if unknown
+    bool isWarning = false; ///< true if the import continues
+};
