@@ -7,6 +7,9 @@
 #include <QFont>
 
 #include <algorithm>
+#include <compare>
+#include <cstdint>
+#include <functional>
 #include <numeric>
 
 // A text to search for in any letter case. Cells in ASCII are compared by bytes; Qt's comparison costs ten times as
@@ -28,6 +31,24 @@ private:
     QString text;
     CString bytes;
     bool isPlain;
+};
+
+// A cell in lower case to sort by.
+struct ListRows::SortKey
+{
+    SortKey(std::string_view cell, int row) :
+        text(isAscii(cell) ? lowerAscii(cell) : fromUi(toUi(cell).toCaseFolded())), row(row)
+    {}
+
+    auto operator<=>(const SortKey& other) const
+    {
+        return start != other.start ? start <=> other.start : text <=> other.text;
+    }
+    bool operator==(const SortKey& other) const { return text == other.text; }
+
+    CString text;
+    std::uint64_t start = 0; // the first bytes that differ between keys; most comparisons need no others
+    int row;
 };
 
 ListRows::ListRows(QStringList columnTitles, QObject* parent) :
@@ -69,17 +90,31 @@ bool ListRows::contains(int row, const Wanted& wanted) const
     return false;
 }
 
+void ListRows::setStarts(std::vector<SortKey>& keys)
+{
+    std::string_view common = keys.empty() ? std::string_view() : keys.front().text;
+    for (const SortKey& key : keys)
+        common = common.substr(0, std::ranges::mismatch(common, key.text).in1 - common.begin());
+    for (SortKey& key : keys)
+        for (std::size_t i = 0; i < sizeof key.start; ++i) {
+            const std::size_t at = common.size() + i;
+            key.start = key.start << 8 | static_cast<unsigned char>(at < key.text.size() ? key.text[at] : '\0');
+        }
+}
+
 // Equal rows keep their own order in both directions.
 void ListRows::sortShown(int column, Qt::SortOrder order)
 {
-    std::vector<QString> keys(static_cast<std::size_t>(count));
+    std::vector<SortKey> keys;
+    keys.reserve(shown.size());
     for (const int row : shown)
-        keys[static_cast<std::size_t>(row)] = toUi(cells(row, column)).toCaseFolded();
-    std::stable_sort(shown.begin(), shown.end(), [&](int left, int right) {
-        if (order == Qt::DescendingOrder)
-            std::swap(left, right);
-        return keys[static_cast<std::size_t>(left)] < keys[static_cast<std::size_t>(right)];
-    });
+        keys.emplace_back(cells(row, column), row);
+    setStarts(keys);
+    if (order == Qt::AscendingOrder)
+        std::ranges::stable_sort(keys);
+    else
+        std::ranges::stable_sort(keys, std::ranges::greater());
+    std::ranges::transform(keys, shown.begin(), &SortKey::row);
 }
 
 QModelIndex ListRows::indexOf(int row) const

@@ -51,7 +51,9 @@ public:
 
 private:
     class Wanted;
+    struct SortKey;
     bool contains(int row, const Wanted& wanted) const;
+    static void setStarts(std::vector<SortKey>& keys);
     void sortShown(int column, Qt::SortOrder order);
 
     QStringList titles;
