@@ -3,11 +3,11 @@
 #include "Ui/ElidedLabel.h"
 #include "Ui/PlainText.h"
 #include "Ui/UiText.h"
-#include "Ui/WaitCursor.h"
 #include "Wizard/Windows/SaveFile.h"
 #include "Wizard/Windows/XmlHighlighter.h"
 
 #include <QClipboard>
+#include <QElapsedTimer>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -48,7 +48,6 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     name(typeName), document(typeDocument), kind(documentKind), text(new QPlainTextEdit), findEdit(new QLineEdit),
     status(new ElidedLabel(note))
 {
-    const WaitCursor wait; // many thousand constants take a second to colour
     setObjectName("documentWindow");
     setAttribute(Qt::WA_DeleteOnClose);
     const bool isType = kind == ofType;
@@ -60,9 +59,14 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     text->setReadOnly(true);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard); // shows a cursor
     text->setTabChangesFocus(true);
-    text->setPlainText(toUi(isType ? indented(document) : document));
+    text->setUndoRedoEnabled(false); // keeps no second copy of the text
     if (isType)
         new XmlHighlighter(text->document(), palette());
+    shown = toUi(isType ? indented(document) : document);
+    connect(&filling, &QTimer::timeout, this, &DocumentWindow::fill);
+    filling.start();
+    fill();
+    text->moveCursor(QTextCursor::Start);
     auto* column = new QVBoxLayout(this);
     column->addLayout(makeFindRow());
     column->addWidget(text);
@@ -123,9 +127,36 @@ QHBoxLayout* DocumentWindow::makeButtonRow()
     return row;
 }
 
-// Searches on from the other end if nothing more is found.
+// Shows more of the text, for a short time. Colouring many thousand lines at once would take seconds.
+void DocumentWindow::fill()
+{
+    constexpr qint64 shortly = 20;     // milliseconds
+    constexpr qsizetype piece = 8'192; // characters
+    QElapsedTimer since;
+    since.start();
+    QTextCursor end(text->document());
+    end.movePosition(QTextCursor::End);
+    while (filled < shown.size() && since.elapsed() < shortly) {
+        const qsizetype line = shown.indexOf('\n', filled + piece) + 1; // whole lines, because each is coloured once
+        const qsizetype next = line > 0 ? line : shown.size();
+        end.insertText(shown.mid(filled, next - filled));
+        filled = next;
+    }
+    if (filled < shown.size())
+        return;
+    filling.stop();
+    if (wantedSearch)
+        find(*wantedSearch);
+}
+
+// Searches on from the other end if nothing more is found. Waits until the whole text is shown.
 void DocumentWindow::find(bool backward)
 {
+    if (filling.isActive()) {
+        wantedSearch = backward;
+        status->setText(tr("Searching ..."));
+        return;
+    }
     const QString wanted = findEdit->text();
     if (wanted.isEmpty()) {
         findEdit->setFocus();
@@ -150,7 +181,7 @@ void DocumentWindow::copy()
     if (text->textCursor().hasSelection())
         text->copy();
     else
-        QGuiApplication::clipboard()->setText(text->toPlainText());
+        QGuiApplication::clipboard()->setText(shown);
     status->setText(tr("Copied."));
 }
 

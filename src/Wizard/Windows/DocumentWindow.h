@@ -2,7 +2,10 @@
 
 #include "Base/Text.h"
 
+#include <QTimer>
 #include <QWidget>
+
+#include <optional>
 
 class QHBoxLayout;
 class QLabel;
@@ -27,6 +30,7 @@ public:
 private:
     QHBoxLayout* makeFindRow();
     QHBoxLayout* makeButtonRow();
+    void fill();
     void find(bool backward);
     void copy();
     void save();
@@ -34,6 +38,10 @@ private:
     CString name;
     CString document;
     Kind kind;
+    QString shown;
+    qsizetype filled = 0; // length of the part of `shown` that is in the window
+    QTimer filling;
+    std::optional<bool> wantedSearch; // the last search before the whole text was there: backward?
     QPlainTextEdit* text;
     QLineEdit* findEdit;
     QLabel* status;
