@@ -22,13 +22,13 @@ struct TypeTreeModel::Node
     int row = 0;
     QString name;
     QString type;
-    QString description;
+    TextPieces description = "";                 // joined when it is shown
     std::uint32_t target = TypeStructure::kNone; // the type that a jump shows
     std::uint32_t held = TypeStructure::kNone;   // the type whose parts or users are below
     const QIcon* mark = nullptr;
     Below below = Below::nothing;
     bool isFetched = false;
-    std::vector<std::unique_ptr<Node>> children;
+    std::vector<Node> children; // reserved in full before the first, because they refer to each other
 };
 
 namespace {
@@ -71,6 +71,7 @@ void TypeTreeModel::setType(const TypeStructure* newStructure, std::uint32_t typ
     root->isFetched = true;
     if (structure) {
         root->held = type;
+        root->children.reserve(structure->partCount(type) + 1);
         addParts(*root);
         addUsersNode(*root);
     }
@@ -79,11 +80,10 @@ void TypeTreeModel::setType(const TypeStructure* newStructure, std::uint32_t typ
 
 TypeTreeModel::Node& TypeTreeModel::add(Node& parent)
 {
-    auto child = std::make_unique<Node>();
-    child->parent = &parent;
-    child->row = static_cast<int>(parent.children.size());
-    parent.children.push_back(std::move(child));
-    return *parent.children.back();
+    Node& child = parent.children.emplace_back();
+    child.parent = &parent;
+    child.row = static_cast<int>(parent.children.size()) - 1;
+    return child;
 }
 
 void TypeTreeModel::addParts(Node& node) const
@@ -96,8 +96,7 @@ void TypeTreeModel::addPart(Node& node, const TypePart& part) const
 {
     Node& child = add(node);
     child.name = part.kind == TypePart::component ? tr("(each)") : toUi(part.name);
-    CString room;
-    child.description = toUi(part.description().joined(room));
+    child.description = part.description();
     if (part.kind == TypePart::constant) {
         child.type = tr("constant");
         return;
@@ -171,7 +170,7 @@ QModelIndex TypeTreeModel::index(int row, int column, const QModelIndex& parent)
 {
     if (!hasIndex(row, column, parent))
         return {};
-    return createIndex(row, column, nodeOf(parent).children[static_cast<std::size_t>(row)].get());
+    return createIndex(row, column, &nodeOf(parent).children[static_cast<std::size_t>(row)]);
 }
 
 QModelIndex TypeTreeModel::parent(const QModelIndex& index) const
@@ -220,9 +219,10 @@ QVariant TypeTreeModel::data(const QModelIndex& index, int role) const
         return index.column() == 0 ? node.name : node.type;
     if (role == Qt::DecorationRole && index.column() == 1 && !node.type.isEmpty())
         return node.mark ? *node.mark : noMark();
-    if (role == Qt::AccessibleDescriptionRole && !node.description.isEmpty())
-        return node.description;
-    return role == Qt::ToolTipRole ? plainToolTip(node.description) : QVariant();
+    CString room;
+    if (role == Qt::AccessibleDescriptionRole && !node.description.empty())
+        return toUi(node.description.joined(room));
+    return role == Qt::ToolTipRole ? plainToolTip(toUi(node.description.joined(room))) : QVariant();
 }
 
 QVariant TypeTreeModel::headerData(int section, Qt::Orientation, int role) const
