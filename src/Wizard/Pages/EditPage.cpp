@@ -214,6 +214,7 @@ bool EditPage::importBy(FullMessage* other)
         return false;
     }
     clear(); // the page still shows elements of the previous import
+    sheet()->runLong([&previous] { previous.reset(); });
     return true;
 }
 
@@ -294,8 +295,15 @@ void EditPage::OnEdit()
 void EditPage::showReport()
 {
     CString report;
-    writeReport(*wizard->message, ReportFormat::text, [&report](std::string_view piece) { report.append(piece); });
-    (new DocumentWindow(sheet(), fromUi(tr("What was not read")), report, {}, DocumentWindow::ofReport))->show();
+    const auto write = [&]() -> LRESULT {
+        sheet()->runLong([&] {
+            writeReport(*wizard->message, ReportFormat::text,
+                        [&report](std::string_view piece) { report.append(piece); });
+        });
+        return 0;
+    };
+    if (sheet()->ask(write) == 0)
+        (new DocumentWindow(sheet(), fromUi(tr("What was not read")), report, {}, DocumentWindow::ofReport))->show();
 }
 
 void EditPage::OnDblclkEdit()
