@@ -25,7 +25,9 @@ QLabel* coverText(const CString& text, const QFont& font)
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setFont(font);
     label->setForegroundRole(QPalette::Text);                           // the page's background is Base, not Window
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding); // takes the free room, requests none
+    QSizePolicy freeRoom(QSizePolicy::Ignored, QSizePolicy::Expanding); // takes the free room, requests no width
+    freeRoom.setHeightForWidth(true);                                   // a page too small for the text scrolls
+    label->setSizePolicy(freeRoom);
     return label;
 }
 

@@ -1,5 +1,7 @@
 #include "wizard/Desk.h"
 
+#include <QLabel>
+
 namespace {
 
 constexpr int kFileRoad[] = {IDD_FIRST, IDD_SOURCE_TYPE, IDD_SOURCE, IDD_EDIT, IDD_OUTPUT, IDD_OUTPUT_FILE, IDD_FINISH};
@@ -54,6 +56,15 @@ TEST(Flow, LeadsOn)
         EXPECT_EQ(desk.boxes.take(), step.box ? Texts{step.box} : Texts{});
         EXPECT_EQ(std::filesystem::exists(desk.settingsFile()), step.from == IDD_FINISH && step.to == 0);
     }
+}
+
+TEST(Flow, ScrollsAWelcomeThatIsTooLongForTheWindow)
+{
+    Desk desk;
+    desk.wizard().resize(300, 200);
+    QApplication::processEvents();
+    const auto& welcome = desk.control<QLabel>(IDC_WELCOME);
+    EXPECT_GE(welcome.height(), welcome.heightForWidth(welcome.width()));
 }
 
 TEST(Flow, StartsOnTheWelcomePageUntilItIsHidden)
