@@ -240,13 +240,14 @@ std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes&
     std::ranges::sort(chosen, {}, [&](Index i) { return types.candidates[i].message; });
     areRequested = !roots.empty() || !chosen.empty();
     MainElement choice(types);
+    std::vector<Index> offered;
     for (Index source = 0; source <= furtherFiles.size(); ++source) {
         const std::vector<Index> all = choice.choose(source == 0 ? fileName : furtherFiles[source - 1], source);
-        for (const Index candidate : all)
-            mainTypes.emplace_back(types.candidates[candidate].name);
+        offered.insert(offered.end(), all.begin(), all.end());
         if (!areRequested && !all.empty())
             chosen.push_back(all.front());
     }
+    mainTypes = rootNamesOf(types, offered);
     if (roots.empty())
         return chosen;
     const RootNames names(types);

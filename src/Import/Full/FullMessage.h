@@ -70,7 +70,7 @@ public:
     /// Returns the namespaces of setFolder() that no type of the last source has.
     const std::vector<CString>& queryUnusedFolders() const { return unusedFolders; }
 
-    /// Returns the names of possible main types, the source's own choice first.
+    /// Returns the names of possible main types as setRoots() takes them, the source's own choice first.
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
 
     /// Returns what a file uses that the literal reading doesn't support, in words; empty if there is nothing.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <set>
 #include <tuple>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace {
 
@@ -30,6 +32,23 @@ std::string_view localNameOf(std::string_view root)
     if (root.starts_with('{') && root.find('}') != std::string_view::npos)
         return root.substr(root.rfind('}') + 1);
     return root.substr(root.rfind(':') + 1);
+}
+
+std::vector<CString> rootNamesOf(const SourceTypes& types, const std::vector<Index>& candidates)
+{
+    std::unordered_map<std::string_view, std::string_view> uris; // the first one by name
+    std::unordered_set<std::string_view> ambiguous;
+    for (const Index i : candidates)
+        if (const auto& [name, uri] = *uris.try_emplace(types.candidates[i].name, types.candidates[i].uri).first;
+            uri != types.candidates[i].uri)
+            ambiguous.insert(name);
+    std::vector<CString> names;
+    for (const Index i : candidates) {
+        const SourceTypes::Candidate& candidate = types.candidates[i];
+        const CString name(candidate.name);
+        names.push_back(ambiguous.contains(candidate.name) ? "{" + CString(candidate.uri) + "}" + name : name);
+    }
+    return names;
 }
 
 RootNames::RootNames(const SourceTypes& types) : types(types)

@@ -5,6 +5,9 @@
 /// Returns the local part of "name", "prefix:name" or "{URI}name".
 std::string_view localNameOf(std::string_view root);
 
+/// Returns the names of candidates that RootNames::find() takes: "{URI}name" if several namespaces have the name.
+std::vector<CString> rootNamesOf(const SourceTypes& types, const std::vector<SourceTypes::Index>& candidates);
+
 /// Finds candidates for main types by name. The types must not change while this lives.
 class RootNames
 {
