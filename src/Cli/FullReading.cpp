@@ -8,10 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include <cstdlib>
-#include <iterator>
 #include <memory>
-#include <sstream>
 
 namespace {
 
@@ -38,24 +35,6 @@ void addEntities(const std::vector<CString>& given, FullOptions& options)
             throw CLI::ValidationError("--entity", "it takes NAME=VALUE");
         options.entities.emplace_back(text.substr(0, end), text.substr(end + 1));
     }
-}
-
-// Returns the catalogues in the environment variable XML_CATALOG_FILES, as written there.
-std::vector<CString> environmentCatalogs()
-{
-    const char* const given = std::getenv("XML_CATALOG_FILES");
-    std::istringstream words(given ? given : "");
-    return {std::istream_iterator<CString>(words), {}};
-}
-
-// Returns the catalogues to use: those of the command line, then the readable ones of the environment.
-std::vector<CString> catalogsOf(const FullOptions& options)
-{
-    std::vector<CString> files = options.catalogs;
-    for (const CString& reference : environmentCatalogs())
-        if (const CString path = localPath(reference); testReadable(path) == FileCause::none)
-            files.push_back(path);
-    return files;
 }
 
 } // namespace
@@ -120,7 +99,7 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
     for (const auto& [uri, folder] : options.folders)
         full->setFolder(uri, folder);
     if (importer.readsSets())
-        full->setCatalogs(catalogsOf(options));
+        full->setCatalogs(withEnvironmentCatalogs(options.catalogs));
     full->setEntities(options.entities);
     return message;
 }

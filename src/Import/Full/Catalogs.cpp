@@ -1,10 +1,14 @@
 #include "Import/Full/Catalogs.h"
 
+#include "Files/File.h"
 #include "Files/FileMessage.h"
 #include "Xml/XMLDoc.h"
 #include "Xml/XmlParser.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <iterator>
+#include <sstream>
 
 namespace {
 
@@ -31,6 +35,21 @@ CString fromUrn(std::string_view urn)
 }
 
 } // namespace
+
+std::vector<CString> environmentCatalogs()
+{
+    const char* const given = std::getenv("XML_CATALOG_FILES");
+    std::istringstream words(given ? given : "");
+    return {std::istream_iterator<CString>(words), {}};
+}
+
+std::vector<CString> withEnvironmentCatalogs(std::vector<CString> files)
+{
+    for (const CString& reference : environmentCatalogs())
+        if (const CString path = localPath(reference); testReadable(path) == FileCause::none)
+            files.push_back(path);
+    return files;
+}
 
 // Reads the entries of one catalogue into Catalogs.
 class CatalogReader : public XmlHandler

@@ -9,6 +9,13 @@
 #include <set>
 #include <unordered_map>
 
+/// Returns the catalogues that the environment variable XML_CATALOG_FILES names, as written there: file names or URIs
+/// separated by blanks.
+std::vector<CString> environmentCatalogs();
+
+/// Returns `files`, then the readable catalogues of the environment, by their paths.
+std::vector<CString> withEnvironmentCatalogs(std::vector<CString> files);
+
 /// XML Catalogs (OASIS Standard 1.1, 2005): map public and system identifiers and URIs to local files. Nothing is
 /// fetched over a network. Only the given catalogues and those that they refer to are read; at most 1,000 catalogues
 /// with 100,000 entries.
