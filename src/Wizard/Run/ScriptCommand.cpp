@@ -28,7 +28,7 @@ CString option(const char* name, const CString& value)
 
 } // namespace
 
-CString ScriptCommand::text(const MsgBase& message) const
+CString ScriptCommand::text(MsgBase& message) const
 {
     MsgUIDescriptor& importer = *message.queryDescriptor();
     CString line = CString("typeforge-import ") + importer.querySource().word + " " + quoted(source);
@@ -44,6 +44,8 @@ CString ScriptCommand::text(const MsgBase& message) const
             line += option("--folders", full->queryLayout() == FullMessage::Layout::byMainType ? "main" : "namespace");
         line += option("--root", full->queryRoot());
     }
+    if (message.beginEnum() == 0)
+        line += " --allow-empty";
     line += option("--output", output);
     if (output.empty()) // --user is the broker's then
         line += option("--create", address) + option("--user", user) + option("--source-user", sourceUser) +

@@ -22,7 +22,7 @@ struct ScriptCommand
 
     /// Returns the command line of `typeforge-import` that does the same with an importer of the same kind, quoted for
     /// a shell.
-    CString text(const MsgBase& message) const;
+    CString text(MsgBase& message) const;
 };
 
 /// Returns a file's absolute name, which does not depend on the current folder.
