@@ -71,7 +71,9 @@ enum ControlId : int
     IDC_OUTPUT_STATE = 1135,
     IDC_DONE = 1136, // what was, on the last page
     IDC_OPEN_FOLDER = 1137,
-    IDC_VIEW_FILE = 1138
+    IDC_VIEW_FILE = 1138,
+    IDC_CATALOGS = 1139,
+    IDC_CHOOSE_CATALOGS = 1140
 };
 
 // Resource ids of the pictures and the icon.

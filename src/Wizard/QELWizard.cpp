@@ -41,9 +41,10 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
 {
     if (!isFolder(name))
         return importerFor(name);
-    for (const MsgUIDescriptor* wanted : {preferred, static_cast<MsgUIDescriptor*>(nullptr)})
+    for (MsgUIDescriptor* wanted : {preferred, static_cast<MsgUIDescriptor*>(nullptr)})
         try {
-            return importerFor(withoutFolders({name}, wanted, false).front());
+            const CString first = withoutFolders({name}, wanted, false).front();
+            return wanted ? wanted : importerFor(first);
         } catch (const std::runtime_error&) {
             continue; // the folder has no such source
         }
@@ -53,7 +54,9 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
 CString noImporterReason(const CString& name)
 {
     if (isFolder(name))
-        return "it contains no DTD, schema or WSDL. Choose a folder that does, or the files themselves.";
+        return "it contains no DTD, XML Schema or WSDL. For a folder of other sources, choose their importer in the "
+               "list, "
+               "press Next, and choose the folder there.";
     const FileCause cause = testReadable(name);
     const std::string_view foreign = foreignAdvice(name);
     if (cause != FileCause::none)
@@ -103,7 +106,7 @@ QELWizard::~QELWizard()
 void QELWizard::openFiles(const QStringList& files)
 {
     MsgUIDescriptor* const shown = activePage() == &sourcePage ? message->queryDescriptor() : nullptr;
-    MsgUIDescriptor* const preferred = shown && shown->readsSets() ? shown : nullptr;
+    MsgUIDescriptor* const preferred = shown && shown->readsFolders() ? shown : nullptr;
     const CString first = absoluteName(fromUi(files.front()));
     MsgUIDescriptor* const importer = importerOf(first, preferred);
     const bool isOneOfMany = importer && readsSeveral(*importer);

@@ -37,6 +37,11 @@ std::string schema(const std::string& name)
            "</schema>";
 }
 
+std::string avro(const std::string& name, const std::string& space)
+{
+    return R"({"type": "record", "name": ")" + name + R"(", "namespace": ")" + space + R"(", "fields": []})";
+}
+
 Texts typesShown(Desk& desk)
 {
     Texts names;
@@ -67,6 +72,8 @@ struct Set
      {"a\\a", "b\\b"},
      "Files of one kind are imported together. Ignored:\nIN/o.dtd"},
     {{"m.xml", "n.xml"}, 0, R"("IN/m.xml" "IN/n.xml")", {"m"}},
+    {{"p.avsc", "avro"}, 0, R"("IN/p.avsc" "IN/avro")", {"n.p\\P", "n.q\\Q"}},
+    {{"p.avsc", "avro"}, 1, R"("IN/p.avsc" "IN/avro")", {"P", "Q"}},
     {{"j.json", "set"}, 0, "IN/j.json", {"j"}, "Files of one kind are imported together. Ignored:\nIN/set"},
     {{"none"}, 0, nullptr, {}, "Select source message"},
 };
@@ -84,6 +91,8 @@ TEST(SourceSet, IsReadAsOneAndRemembered)
         desk.dir.write("in/m.xml", "<m><x/></m>");
         desk.dir.write("in/n.xml", "<m><y/></m>");
         desk.dir.write("in/j.json", "{\"x\": 1}");
+        desk.dir.write("in/p.avsc", avro("P", "n.p"));
+        desk.dir.write("in/avro/q.avsc", avro("Q", "n.q"));
         std::filesystem::create_directories(in + "/none");
         desk.wizard().options.setLayout(static_cast<FullMessage::Layout>(row.layout));
         desk.wizard().options.setFullReading(row.opened.size() == 1 && row.text); // several sources check it
@@ -125,17 +134,82 @@ TEST(SourceSet, IsReadAsOneAndRemembered)
 
 TEST(SourceSet, CanBeAFolderWhereTheReadingTakesOne)
 {
-    const std::tuple<const char*, bool, bool> rows[] = {{"DTD importer", true, true},
-                                                        {"DTD importer", false, false},
-                                                        {"WSDL importer", false, true},
-                                                        {"XML data importer", true, false}};
-    for (const auto& [importer, isFull, isOffered] : rows) {
+    const std::tuple<const char*, bool, bool, bool> rows[] = {{"DTD importer", true, true, true},
+                                                              {"DTD importer", false, false, false},
+                                                              {"WSDL importer", false, true, true},
+                                                              {"JSON Schema importer", false, true, false},
+                                                              {"XML data importer", true, false, false}};
+    for (const auto& [importer, isFull, isOffered, hasCatalogs] : rows) {
         Desk desk;
         desk.importer = importer;
         desk.wizard().options.setFullReading(isFull);
         desk.walkTo(IDD_SOURCE);
         EXPECT_EQ(desk.control<QWidget>(IDC_CHOOSE_FOLDER).isVisible(), isOffered) << importer;
+        EXPECT_EQ(desk.control<QWidget>(IDC_CATALOGS).isVisible(), hasCatalogs) << importer;
     }
+}
+
+TEST(SourceSet, HasAMainElementInEachNamespace)
+{
+    Desk desk;
+    const CString a = desk.dir.write("in/a.xsd", schema("a")), b = desk.dir.write("in/b.xsd", schema("b"));
+    const CString other =
+        desk.dir.write("in/c.xsd", QString::fromStdString(schema("a")).replace("urn:x:a", "urn:x:c").toStdString());
+    desk.source = textOfSources({a, b, other});
+    desk.importer = "XML Schema importer";
+    desk.wizard().options.setFullReading(1);
+    desk.walkTo(IDD_EDIT);
+    auto& main = desk.control<QComboBox>(IDC_MAIN_ELEMENT);
+    Texts names;
+    for (int i = 0; i < main.count(); ++i)
+        names.push_back(main.itemText(i).toStdString());
+    EXPECT_EQ(names, (Texts{"{urn:x:a}a", "b", "{urn:x:c}a"}));
+    main.setCurrentIndex(2);
+    Q_EMIT main.activated(2);
+    EXPECT_EQ(typesShown(desk), (Texts{"c\\a"}));
+    EXPECT_EQ(main.currentText(), "{urn:x:c}a");
+}
+
+TEST(SourceSet, IsFoundByCatalogues)
+{
+    qputenv("SOURCE_DATE_EPOCH", "1700000000");
+    Desk desk;
+    const CString entry =
+        "<catalog xmlns='urn:oasis:names:tc:entity:xmlns:xml:catalog'><public publicId='m' uri='m.mod'/>";
+    const CString catalog = desk.dir.write("in/catalog.xml", entry + "</catalog>");
+    desk.dir.write("in/m.mod", "<!ELEMENT b (c)><!ELEMENT c (#PCDATA)>");
+    desk.source = desk.dir.write("in/a.dtd", "<!ENTITY % m PUBLIC 'm' 'none'>%m;<!ELEMENT a (b)>");
+    desk.wizard().options.setFullReading(1);
+    desk.walkTo(IDD_SOURCE);
+    auto& field = desk.control<QLineEdit>(IDC_CATALOGS);
+    field.setText("none.xml");
+    desk.type(IDC_INPUT_FILE, desk.source);
+    desk.click("next");
+    EXPECT_EQ(desk.boxes.take(), Texts{"Select source message"});
+    EXPECT_EQ(desk.boxes.details, "XML catalogue " + desk.dir.path("start/none.xml") + ": No such file or directory");
+    EXPECT_EQ(desk.wizard().focusWidget(), &field);
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    answerFileDialog(catalog);
+    desk.press(IDC_CHOOSE_CATALOGS);
+    EXPECT_EQ(field.text().toStdString(), catalog);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desk.text(IDC_COUNTS).ends_with("In full: 2 types, none."); }, 20'000))
+        << desk.text(IDC_COUNTS);
+    desk.walkTo(IDD_EDIT);
+    EXPECT_EQ(typesShown(desk), (Texts{"a", "b"}));
+    desk.walkTo(IDD_FINISH);
+    const CString written = TempDir::read(desk.output);
+    const QString command = desk.wizard().activePage()->findChild<QLineEdit*>("command")->text();
+    EXPECT_EQ(std::system(("cd / && " TEST_BUILD_DIR "/" + command.toStdString() + " -q --always").c_str()), 0);
+    EXPECT_EQ(TempDir::read(desk.output), written);
+    for (const CString& remembered : {catalog, CString()}) {
+        desk.walkTo(IDD_FINISH);
+        desk.click("finish");
+        desk.end();
+        desk.walkTo(IDD_SOURCE);
+        EXPECT_EQ(desk.text(IDC_CATALOGS), remembered);
+        desk.control<QLineEdit>(IDC_CATALOGS).clear();
+    }
+    qunsetenv("SOURCE_DATE_EPOCH");
 }
 
 TEST(SourceSet, IsRefusedByAReadingOfOneFile)

@@ -15,7 +15,8 @@ const std::map<int, CString> kPages = {
     {IDD_FIRST, "CheckBox Hide this screen the next time"},
     {IDD_SOURCE_TYPE, "Tree Importers; EditableText Path for objects"},
     {IDD_SOURCE, "ComboBox File:; EditableText File:; Button Browse; CheckBox Read in full (namespaces, entities, "
-                 "derived types); ComboBox Folders of types:; Button Read a folder ..."},
+                 "derived types); ComboBox Folders of types:; Button Read a folder ...; EditableText XML catalogues:; "
+                 "Button Choose ..."},
     {IDD_EDIT, "Tree Generated types; EditableText Filter for types; CheckBox Structure; Button Picture ...; Button "
                "View ...; ComboBox Main element:; Button Details"},
     {IDD_OUTPUT, "RadioButton Output to file in local or network folder"},

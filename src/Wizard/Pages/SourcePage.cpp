@@ -8,7 +8,9 @@
 #include "Resources/StringTable.h"
 #include "Ui/ComboBox.h"
 #include "Ui/FileDialog.h"
+#include "Ui/PathCompleter.h"
 #include "Ui/PlainText.h"
+#include "Ui/UiText.h"
 #include "Wizard/Pages/PreviewPane.h"
 #include "Wizard/Run/SourceList.h"
 #include "Wizard/Run/WizardRun.h"
@@ -42,6 +44,15 @@ std::vector<FileFilter> fileFilters()
     return filters;
 }
 
+// Returns the first catalogue that can't be read, with the reason; "" if all can.
+CString catalogError(const std::vector<CString>& names)
+{
+    for (const CString& name : names)
+        if (const FileCause cause = testReadable(name); cause != FileCause::none)
+            return "XML catalogue " + name + ": " + inWords(name, cause);
+    return {};
+}
+
 // Returns advice on an error caused by a construct that the literal reading doesn't know; empty for other errors.
 CString fullReadingAdvice(const WizardRun& wizard, const CString& error, const CString& fileName)
 {
@@ -63,7 +74,8 @@ void SourcePage::OnInitDialog()
     pane = new PreviewPane(fullCheck);
     addRow(pane, true);
     addRow(makeSetRow());
-    connect(fullCheck, &QCheckBox::toggled, setRow, &QWidget::setVisible);
+    addRow(makeCatalogRow());
+    connect(fullCheck, &QCheckBox::toggled, this, &SourcePage::showSetRows);
     connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::updatePreview);
 }
 
@@ -88,21 +100,49 @@ QWidget* SourcePage::makeSetRow()
     return setRow;
 }
 
+QWidget* SourcePage::makeCatalogRow()
+{
+    QLabel* label = plainLabel("XML catalo&gues:");
+    catalogEdit = withId(IDC_CATALOGS, new QLineEdit(toUi(wizard->options.queryCatalogs())));
+    catalogEdit->setAccessibleName("XML catalogues:");
+    catalogEdit->setPlaceholderText("none");
+    catalogEdit->setMaxLength(QELOptions::kMaxSourceSet);
+    catalogEdit->setCompleter(new PathCompleter(*catalogEdit));
+    catalogEdit->setAcceptDrops(false); // dropped files are for the page
+    label->setBuddy(catalogEdit);
+    connect(catalogEdit, &QLineEdit::textChanged, this, &SourcePage::updatePreview);
+    auto* choose = withId(IDC_CHOOSE_CATALOGS, new QPushButton("Choo&se ..."));
+    choose->setToolTip(plainToolTip("Chooses catalogues that lead to the documents of the source"));
+    connect(choose, &QPushButton::clicked, this, &SourcePage::pickCatalogs);
+    catalogRow = new QWidget;
+    auto* row = new QHBoxLayout(catalogRow);
+    row->setContentsMargins({});
+    row->addWidget(label);
+    row->addWidget(catalogEdit, 1);
+    row->addWidget(choose);
+    return catalogRow;
+}
+
 void SourcePage::OnSetActive()
 {
     FilePage::OnSetActive();
-    const bool hasFull = wizard->message->queryDescriptor()->hasFull();
-    fullCheck->setVisible(hasFull);
+    fullCheck->setVisible(wizard->message->queryDescriptor()->hasFull());
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
-    setRow->setVisible(readsFull());
+    showSetRows();
     updatePreview();
 }
 
-// Returns whether the chosen reading is a full one, which takes several files and folders as one source.
-bool SourcePage::readsFull() const
+// Returns whether the chosen reading takes several files and folders as one source.
+bool SourcePage::takesFolders() const
 {
     const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
-    return row.querySource().isSet || (row.hasFull() && fullCheck->isChecked());
+    return row.readsFolders() && (!row.hasFull() || fullCheck->isChecked());
+}
+
+void SourcePage::showSetRows()
+{
+    setRow->setVisible(takesFolders());
+    catalogRow->setVisible(takesFolders() && wizard->message->queryDescriptor()->readsSets());
 }
 
 void SourcePage::hideEvent(QHideEvent* event)
@@ -117,19 +157,17 @@ void SourcePage::updatePreview()
     if (!isVisible())
         return;
     UpdateData(true);
-    SourcePreview::Source source{wizard->message->queryDescriptor(), {}, wizard->options.queryPath()};
-    if (!fileName.empty())
-        for (const CString& name : sourcesIn(fileName))
-            source.names.push_back(absoluteName(name));
-    pane->showSource(source);
+    pane->showSource({wizard->message->queryDescriptor(), absoluteSourcesIn(fileName), wizard->options.queryPath(),
+                      absoluteSourcesIn(fromUi(catalogEdit->text()))});
 }
 
 // Switches to the importer's reading that the check box selects.
 void SourcePage::chooseReading()
 {
     const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
-    if (row.readsSets())
+    if (row.readsFolders())
         wizard->options.setLayout(static_cast<FullMessage::Layout>(layoutCombo->currentIndex()));
+    wizard->options.setCatalogs(fromUi(catalogEdit->text()));
     if (!row.hasFull())
         return;
     wizard->options.setFullReading(fullCheck->isChecked());
@@ -146,10 +184,10 @@ CString SourcePage::sourceError(const std::vector<CString>& names) const
         return "The name of the file is missing. Type it, or press Browse.";
     for (const CString& name : names) {
         const FileCause cause = testReadable(name);
-        if (cause != FileCause::none && !(readsFull() && isFolder(name)))
+        if (cause != FileCause::none && !(takesFolders() && isFolder(name)))
             return (names.size() > 1 ? name + ": " : CString()) + inWords(name, cause);
     }
-    if (names.size() == 1 || readsFull())
+    if (names.size() == 1 || takesFolders())
         return {};
     if (wizard->message->queryDescriptor()->hasFull())
         return "Several files can be read together only in full. Check \"Read in full\", or choose one file.";
@@ -162,6 +200,12 @@ LRESULT SourcePage::OnWizardNext()
     const std::vector<CString> names = sourcesIn(fileName);
     if (const CString error = sourceError(names); !error.empty())
         return stayAtFile(loadText(IDS_SELECT_SOURCE), error);
+    const CString faultyCatalog =
+        catalogRow->isHidden() ? CString() : catalogError(absoluteSourcesIn(fromUi(catalogEdit->text())));
+    if (!faultyCatalog.empty()) {
+        catalogEdit->setFocus();
+        return stay(loadText(IDS_SELECT_SOURCE), faultyCatalog);
+    }
     const bool isSet = names.size() > 1 || isFolder(names.front());
     wizard->options.setSetLast(isSet);
     if (isSet)
@@ -205,6 +249,18 @@ void SourcePage::pickFolder()
         !folder.empty())
         takeFile(folder);
     combo().setFocus();
+}
+
+void SourcePage::pickCatalogs()
+{
+    const std::vector<CString> files = chooseFilesToOpen(
+        this, {"Select XML catalogues",
+               {{"XML files", "*.XML"}, {loadText(IDS_FILTER_ALL_FILES), loadText(IDS_PATTERN_ALL_FILES)}},
+               wizard->options.queryInputFolder(),
+               ""});
+    if (!files.empty())
+        catalogEdit->setText(toUi(textOfSources(files)));
+    catalogEdit->setFocus();
 }
 
 void SourcePage::fillFiles(QComboBox& combo)

@@ -7,6 +7,7 @@
 class PreviewPane;
 class QCheckBox;
 class QComboBox;
+class QLineEdit;
 
 /// Chooses the input file, or several files and folders that are one source, and runs the importer on them.
 class SourcePage : public FilePage
@@ -32,8 +33,11 @@ protected:
 
 private:
     QWidget* makeSetRow();
+    QWidget* makeCatalogRow();
     void pickFolder();
-    bool readsFull() const;
+    void pickCatalogs();
+    bool takesFolders() const;
+    void showSetRows();
     void chooseReading();
     CString sourceError(const std::vector<CString>& names) const;
 
@@ -43,4 +47,6 @@ private:
     QCheckBox* fullCheck = nullptr;
     QWidget* setRow = nullptr; // the controls for several files
     QComboBox* layoutCombo = nullptr;
+    QWidget* catalogRow = nullptr;
+    QLineEdit* catalogEdit = nullptr;
 };

@@ -88,6 +88,8 @@ void QELOptions::getValues()
     for (const auto& [name, value] : reg.queryValues(HKEY_CURRENT_USER, kProgramKey))
         if (name == "SourceSet")
             setSourceSet(value.bytes.c_str());
+        else if (name == "Catalogs")
+            setCatalogs(value.bytes.c_str());
 }
 
 void QELOptions::flushValues()
@@ -110,12 +112,20 @@ void QELOptions::flushValues()
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "SourceSetLast", setLast);
     if (!sourceSet.empty())
         storeText(reg, kProgramKey, "SourceSet", sourceSet);
+    if (catalogs)
+        storeText(reg, kProgramKey, "Catalogs", *catalogs);
 }
 
 void QELOptions::setSourceSet(const CString& text)
 {
     if (text.size() <= kMaxSourceSet)
         sourceSet = text;
+}
+
+void QELOptions::setCatalogs(const CString& text)
+{
+    if (text.size() <= kMaxSourceSet && (catalogs || !text.empty()))
+        catalogs = text;
 }
 
 void QELOptions::addInputFile(const CString& file)
@@ -183,9 +193,11 @@ void QELOptions::addResult(const CString& line, ResultKind kind)
 
 void QELOptions::fillResultList(CListBox& box) const
 {
-    box.clear();
+    QStringList lines; // added at once, because each insertion updates the view
     for (const CString& line : resultList)
-        box.addItem(toUi(line));
+        lines.append(toUi(line));
+    box.clear();
+    box.addItems(lines);
 }
 
 void AddUnique(const CString& text, CStringList& list, int atHead)

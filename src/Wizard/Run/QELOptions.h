@@ -5,6 +5,7 @@
 #include "Import/Full/FullMessage.h"
 #include "Ui/Controls.h"
 
+#include <optional>
 #include <vector>
 
 class Registry;
@@ -61,13 +62,15 @@ public:
     FullMessage::Layout queryLayout() const { return static_cast<FullMessage::Layout>(layout); }
     void setLayout(FullMessage::Layout wanted) { layout = static_cast<int>(wanted); }
 
-    /// Returns the text of the file field for the last source of several files, or of a folder; "" if there was none.
-    /// isSetLast() returns whether the last source of all was such a one.
-    const CString& querySourceSet() const { return sourceSet; }
+    /// Sets the text of the file field for the last source of several files, or of a folder, and whether the last
+    /// source of all was such a one.
     static constexpr int kMaxSourceSet = 100'000; ///< bytes of the text
-    bool isSetLast() const { return setLast != 0; }
     void setSourceSet(const CString& text);
     void setSetLast(bool isLast) { setLast = isLast ? 1 : 0; }
+
+    /// Returns the text of the field for XML catalogues, in the form of the file field; "" for none.
+    CString queryCatalogs() const { return catalogs.value_or(""); }
+    void setCatalogs(const CString& text);
 
     int queryUseTrustedLogon() const { return useTrustedLogon; }
     void setUseTrustedLogon(int trusted) { useTrustedLogon = trusted; }
@@ -100,6 +103,7 @@ private:
     int layout = 0; // of FullMessage::Layout
     int setLast = 0;
     CString sourceSet;
+    std::optional<CString> catalogs; // nothing if there never were any
     int useTrustedLogon = 0;
     CString pwd;
     CString basePath;

@@ -43,6 +43,8 @@ CString ScriptCommand::text(MsgBase& message) const
         if (full->queryLayout() != FullMessage::Layout::automatic)
             line += option("--folders", full->queryLayout() == FullMessage::Layout::byMainType ? "main" : "namespace");
         line += option("--root", full->queryRoot());
+        for (const CString& catalog : catalogs)
+            line += option("--catalog", catalog);
     }
     if (message.beginEnum() == 0)
         line += " --allow-empty";

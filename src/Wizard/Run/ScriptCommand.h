@@ -19,6 +19,7 @@ struct ScriptCommand
     CString user = {};      ///< of the broker; empty for the user that runs the program
     CString overwrite = {}; ///< the command line's word for the answers given; empty if nothing was asked
     std::vector<CString> furtherSources = {}; ///< files and folders read as one source with `source`
+    std::vector<CString> catalogs = {};       ///< given to a full reading
 
     /// Returns the command line of `typeforge-import` that does the same with an importer of the same kind, quoted for
     /// a shell.

@@ -1,6 +1,7 @@
 #include "Wizard/Run/SourceList.h"
 
 #include "Import/MsgBase.h"
+#include "Wizard/Run/ScriptCommand.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -39,6 +40,15 @@ std::vector<CString> sourcesIn(const CString& text)
         position = std::min(text.find_first_not_of(' ', position), text.size());
     }
     return names.size() > 1 ? names : std::vector<CString>{text};
+}
+
+std::vector<CString> absoluteSourcesIn(const CString& text)
+{
+    std::vector<CString> names;
+    if (!text.empty())
+        for (const CString& name : sourcesIn(text))
+            names.push_back(absoluteName(name));
+    return names;
 }
 
 CString textOfSources(const std::vector<CString>& names)

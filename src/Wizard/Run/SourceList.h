@@ -10,6 +10,9 @@ class MsgUIDescriptor;
 /// blanks, with a quote inside a name doubled. Any other text, and the name of an existing file, is one name.
 std::vector<CString> sourcesIn(const CString& text);
 
+/// The same by absolute names; nothing for an empty text.
+std::vector<CString> absoluteSourcesIn(const CString& text);
+
 /// Returns the text for these names; empty for none.
 CString textOfSources(const std::vector<CString>& names);
 

@@ -70,7 +70,7 @@ std::vector<CString> readableFiles(const SourcePreview::Source& source)
 {
     std::vector<CString> files;
     try {
-        files = source.importer->readsSets() ? withoutFolders(source.names, source.importer, false) : source.names;
+        files = source.importer->readsFolders() ? withoutFolders(source.names, source.importer, false) : source.names;
     } catch (const std::exception&) {
         return {};
     }
@@ -150,6 +150,9 @@ SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, cons
                                         if (count.failure.isEmpty())
                                             count.failure = toUi(text).section('\n', 0, 0);
                                     });
+    if (auto* const fullReading = dynamic_cast<FullMessage*>(message.get());
+        fullReading && source.importer->readsSets())
+        fullReading->setCatalogs(withEnvironmentCatalogs(source.catalogs));
     try {
         if (!message->setFurtherFiles({files.begin() + 1, files.end()}) && files.size() > 1) {
             count.failure = "this importer reads one file at a time";

@@ -20,6 +20,7 @@ public:
         MsgUIDescriptor* importer = nullptr;
         std::vector<CString> names; ///< absolute names of files and folders
         CString basePath;
+        std::vector<CString> catalogs = {}; ///< for the full reading, by absolute names
     };
 
     /// The result of an import with one reading.

@@ -14,6 +14,7 @@
 #include "Ui/WizardPage.h"
 #include "Ui/WizardSheet.h"
 #include "Wizard/Run/DataSourceLogon.h"
+#include "Wizard/Run/SourceList.h"
 
 #include <span>
 #include <stdexcept>
@@ -55,6 +56,8 @@ bool WizardRun::importSources(const std::vector<CString>& names)
     script = {absoluteName(names.front()), options.queryPath()};
     for (const CString& further : std::span(names).subspan(1))
         script.furtherSources.push_back(absoluteName(further));
+    if (fullMessage() && message->queryDescriptor()->readsSets())
+        script.catalogs = absoluteSourcesIn(options.queryCatalogs());
     const WaitCursor wait;
     const ImportMessages together;
     message->wantReport();
@@ -71,10 +74,11 @@ int WizardRun::readSources()
 {
     std::vector<CString> files = sources;
     FullMessage* const full = fullMessage();
-    if (full && full->queryDescriptor()->readsSets()) {
+    if (full && full->queryDescriptor()->readsFolders()) {
         files = withoutFolders(sources, full->queryDescriptor(), false);
         full->setName(nameOfSet(sources, files));
         full->setLayout(options.queryLayout());
+        full->setCatalogs(withEnvironmentCatalogs(script.catalogs));
     }
     message->setFurtherFiles({files.begin() + 1, files.end()});
     const int isRead = message->parseFile(files.front(), options.queryPath());
