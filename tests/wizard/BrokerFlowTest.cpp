@@ -152,6 +152,8 @@ TEST(LoginPage, ShowsEachFailureAndKeepsTheChoices)
     desk.press(IDC_FAILURES_ONLY);
     desk.press(IDC_COPY);
     EXPECT_EQ(QApplication::clipboard()->text(), "r - creation error\n");
+    desk.press(IDC_FAILURES_ONLY);
+    EXPECT_EQ(desk.results().size(), 3);
 }
 
 TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)

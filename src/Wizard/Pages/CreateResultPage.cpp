@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -65,28 +66,36 @@ QHBoxLayout* CreateResultPage::makeButtons()
 
 void CreateResultPage::OnSetActive()
 {
+    {
+        const QSignalBlocker quiet(failuresOnly); // the list is filled below
+        failuresOnly->setChecked(false);
+    }
     wizard->options.fillResultList(*resultBox);
     const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
     totals->setText(totalsInWords(kinds));
-    failuresOnly->setChecked(false);
     failuresOnly->setEnabled(std::any_of(kinds.begin(), kinds.end(), isFailure));
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
 }
 
+// Fills the list again, because hiding each of many thousand rows takes longer.
 void CreateResultPage::showFailuresOnly(bool only)
 {
+    if (!only)
+        return wizard->options.fillResultList(*resultBox);
     const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
-    for (std::size_t i = 0; i < kinds.size(); ++i) {
-        resultBox->setRowHidden(static_cast<int>(i), only && !isFailure(kinds[i]));
-    }
+    QStringList failures;
+    for (std::size_t i = 0; i < kinds.size(); ++i)
+        if (isFailure(kinds[i]))
+            failures.append(resultBox->item(static_cast<int>(i))->text());
+    resultBox->clear();
+    resultBox->addItems(failures);
 }
 
 CString CreateResultPage::shownLines() const
 {
     CString lines;
     for (int row = 0; row < resultBox->count(); ++row)
-        if (!resultBox->isRowHidden(row))
-            lines += fromUi(resultBox->item(row)->text()) + '\n';
+        lines += fromUi(resultBox->item(row)->text()) + '\n';
     return lines;
 }
 
