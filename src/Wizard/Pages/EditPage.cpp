@@ -181,8 +181,8 @@ void EditPage::showTypes()
         [this](int row) -> const ListRows::Mark& {
             return row == mainRow ? mainMark : kindMark(types[static_cast<std::size_t>(row)]->queryType());
         });
+    shareColumns();
     typeList->selectRow(mainRow);
-    showPane(!paneSide->isHidden());
 }
 
 // Marks the record that is named after the main type; mainRow is -1 if there is none, as with tables. If several have
@@ -337,13 +337,19 @@ void EditPage::togglePane()
     paneButton->toggle();
 }
 
-// Shows or hides the pane. Beside the pane, the list has a column for descriptions only if they say more than the
-// names.
 void EditPage::showPane(bool visible)
 {
     paneSide->setVisible(visible);
-    typeList->setShares(!visible ? std::vector{30, 65} : hasOwnDescriptions ? std::vector{75, 20} : std::vector{95, 0});
+    shareColumns();
     showStructure();
+}
+
+// Beside the pane, the list has a column for descriptions only if they say more than the names.
+void EditPage::shareColumns()
+{
+    typeList->setShares(paneSide->isHidden() ? std::vector{30, 65}
+                        : hasOwnDescriptions ? std::vector{75, 20}
+                                             : std::vector{95, 0});
 }
 
 void EditPage::showStructure()

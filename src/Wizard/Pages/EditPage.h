@@ -44,6 +44,7 @@ private:
     void showPicture();
     void togglePane();
     void showPane(bool visible);
+    void shareColumns();
     void showStructure();
     void jumpTo(std::uint32_t type);
 
