@@ -4,6 +4,7 @@
 #include "Wizard/Windows/DiagramFile.h"
 #include "Wizard/Windows/DiagramScene.h"
 #include "Wizard/Windows/DiagramView.h"
+#include "Wizard/Windows/DocumentWindow.h"
 #include "wizard/Desk.h"
 
 #include <QApplication>
@@ -153,6 +154,24 @@ TEST(TypeWindow, ComesUpWhereNoViewerStarts)
     desk.press(IDC_VIEW);
     QTest::qWait(300);
     EXPECT_EQ(desk.window<QWidget>("documentWindow"), nullptr);
+}
+
+// A large document arrives in pieces; copying and searching use all of it.
+TEST(TypeWindow, FillsWithALargeDocument)
+{
+    CString lines;
+    for (int i = 0; i < 50'000; ++i)
+        lines += "line " + std::to_string(i) + "\n";
+    lines += "the end";
+    DocumentWindow window(nullptr, "x", lines, {}, DocumentWindow::ofReport);
+    const auto& text = *window.findChild<QPlainTextEdit*>("document");
+    EXPECT_LT(text.document()->blockCount(), 50'000);
+    window.findChild<QAbstractButton*>("copy")->click();
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), lines);
+    window.findChild<QLineEdit*>("find")->setText("the end");
+    window.findChild<QAbstractButton*>("findNext")->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return text.textCursor().selectedText() == "the end"; }, 20'000));
+    EXPECT_EQ(text.toPlainText().toStdString(), lines);
 }
 
 TEST(TypeWindow, FindsRoundTheEndsAndCopies)

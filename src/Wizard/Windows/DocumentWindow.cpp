@@ -63,9 +63,9 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     if (isType)
         new XmlHighlighter(text->document(), palette());
     shown = toUi(isType ? indented(document) : document);
-    connect(&filling, &QTimer::timeout, this, &DocumentWindow::fill);
+    connect(&filling, &QTimer::timeout, this, [this] { fill(20); });
     filling.start();
-    fill();
+    fill(0);
     text->moveCursor(QTextCursor::Start);
     auto* column = new QVBoxLayout(this);
     column->addLayout(makeFindRow());
@@ -127,21 +127,21 @@ QHBoxLayout* DocumentWindow::makeButtonRow()
     return row;
 }
 
-// Shows more of the text, for a short time. Colouring many thousand lines at once would take seconds.
-void DocumentWindow::fill()
+// Shows more of the text, at least one piece and for about that many milliseconds. Colouring many thousand lines at
+// once would take seconds.
+void DocumentWindow::fill(qint64 time)
 {
-    constexpr qint64 shortly = 20;     // milliseconds
     constexpr qsizetype piece = 8'192; // characters
     QElapsedTimer since;
     since.start();
     QTextCursor end(text->document());
     end.movePosition(QTextCursor::End);
-    while (filled < shown.size() && since.elapsed() < shortly) {
+    do {
         const qsizetype line = shown.indexOf('\n', filled + piece) + 1; // whole lines, because each is coloured once
         const qsizetype next = line > 0 ? line : shown.size();
         end.insertText(shown.mid(filled, next - filled));
         filled = next;
-    }
+    } while (filled < shown.size() && since.elapsed() < time);
     if (filled < shown.size())
         return;
     filling.stop();

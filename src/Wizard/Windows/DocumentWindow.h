@@ -30,7 +30,7 @@ public:
 private:
     QHBoxLayout* makeFindRow();
     QHBoxLayout* makeButtonRow();
-    void fill();
+    void fill(qint64 time);
     void find(bool backward);
     void copy();
     void save();
