@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::string_view kCommentStart = "<!--", kCommentEnd = "-->";
 constexpr std::string_view kPcdata = "#PCDATA", kCdata = "#CDATA", kImplied = "#IMPLIED";
-constexpr CharSet kBlank("\r\n\t ");
 constexpr CharSet kFieldTrim(" ()\r\n\t ");
 constexpr CharSet kSeparators(",|&");
 constexpr CharSet kMarks("*+?");
@@ -187,7 +186,7 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
     const std::size_t nameEnd = std::min(text->nameEnd.from(nameStart), end);
     if (nameStart == end)
         return 1;
-    const std::string_view name = kBlank.trim(text->whole.substr(nameStart, nameEnd - nameStart));
+    const std::string_view name = kDtdBlank.trim(text->whole.substr(nameStart, nameEnd - nameStart));
     if (mainType.empty() && name.size() > kMaxMainType)
         return refuse(text->whole.substr(start, end - start),
                       "the name of the main type has more than " + std::to_string(kMaxMainType) + " bytes");
@@ -281,16 +280,16 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
 void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
 {
     const std::string_view statement = text->whole.substr(start, end - start);
-    std::string_view rest = kBlank.trim(statement);
+    std::string_view rest = kDtdBlank.trim(statement);
     const auto takeWord = [&rest](std::string_view& word) {
-        const std::size_t blank = kBlank.in(rest);
+        const std::size_t blank = kDtdBlank.in(rest);
         if (blank == kNowhere)
             return false;
         word = rest.substr(0, blank);
-        rest = kBlank.trim(rest.substr(blank + 1));
+        rest = kDtdBlank.trim(rest.substr(blank + 1));
         return true;
     };
-    const auto drop = [&rest](std::size_t count) { rest = kBlank.trim(rest.substr(std::min(count, rest.size()))); };
+    const auto drop = [&rest](std::size_t count) { rest = kDtdBlank.trim(rest.substr(std::min(count, rest.size()))); };
     for (std::size_t left = statement.size(); left >= 2; left = rest.size()) {
         reportAt(end - left);
         std::string_view element, attribute;

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr CharSet kBlank(" \t\r\n");
 constexpr CharSet kBeforeKeyword(" \t\r\n!");
 constexpr std::size_t kLongKey = 200;
 
@@ -23,10 +22,10 @@ bool isKeywordAt(std::string_view text, std::size_t at, std::string_view keyword
 CString entityInWords(std::string_view text, std::size_t at)
 {
     const std::string_view keyword = dtdNameAt(text.substr(at));
-    std::size_t name = std::min(kBlank.out(text, at + keyword.size()), text.size());
+    std::size_t name = std::min(kDtdBlank.out(text, at + keyword.size()), text.size());
     const bool isOfParameter = text.substr(name).starts_with('%');
     if (isOfParameter)
-        name = std::min(kBlank.out(text, name + 1), text.size());
+        name = std::min(kDtdBlank.out(text, name + 1), text.size());
     return CString(keyword) + (isOfParameter ? " % " : " ") + CString(dtdNameAt(text.substr(name)));
 }
 
@@ -159,7 +158,7 @@ std::size_t DTDNotes::readLong(std::size_t at, std::size_t keyword, bool isOfEnt
             place = readReference(place);
         else
             ++place;
-        expectsName = expectsName && kBlank.has(c);
+        expectsName = expectsName && kDtdBlank.has(c);
     }
     note(SourceReport::unterminated, at, word);
     return text.size();

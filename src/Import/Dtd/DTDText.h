@@ -50,6 +50,9 @@ private:
     bool members[256] = {};
 };
 
+/// The white space of a DTD.
+inline constexpr CharSet kDtdBlank(" \t\r\n");
+
 /// The characters that end a name in a declaration.
 inline constexpr CharSet kDtdDelimiter(" \t\r\n()|,&*?+\"'<>%;#[]");
 

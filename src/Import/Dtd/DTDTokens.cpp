@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr CharSet kBlank(" \t\r\n");
 constexpr CharSet kMarkup("%<]");
 constexpr std::ptrdiff_t kLongKey = 200;
 constexpr std::size_t kMaxSectionEntities = 20;  // more are not suggested
@@ -66,7 +65,7 @@ SourcePlace DTDTokens::wordPlace()
 bool DTDTokens::peek(char c) const
 {
     const Frame& frame = frames.back();
-    const char* const at = std::find_if_not(frame.at, frame.end, [](char blank) { return kBlank.has(blank); });
+    const char* const at = std::find_if_not(frame.at, frame.end, [](char blank) { return kDtdBlank.has(blank); });
     return at < frame.end && *at == c;
 }
 
@@ -84,7 +83,7 @@ bool DTDTokens::nextDeclaration()
         if (doctype == ended)
             leaveDoctype();
         Frame& frame = frames.back();
-        while (frame.at < frame.end && kBlank.has(*frame.at))
+        while (frame.at < frame.end && kDtdBlank.has(*frame.at))
             ++frame.at;
         if (frame.at == frame.end) {
             if (frames.size() == 1) {
@@ -265,7 +264,7 @@ const DTDTokens::Token& DTDTokens::next()
     cancelPoint.pass();
     for (;;) {
         Frame& frame = frames.back();
-        while (frame.at < frame.end && kBlank.has(*frame.at))
+        while (frame.at < frame.end && kDtdBlank.has(*frame.at))
             ++frame.at;
         if (frame.at == frame.end) {
             // A declaration continues after a reference in it, but not after the text in which it began.
@@ -346,7 +345,7 @@ bool DTDTokens::readDash()
     const char* const behind = frame.at + 1;
     const bool isAlone = behind == frame.end || kDtdDelimiter.has(*behind) || *behind == '-';
     const bool isBeforeO =
-        !isAlone && (*behind == 'o' || *behind == 'O') && behind + 1 < frame.end && kBlank.has(behind[1]);
+        !isAlone && (*behind == 'o' || *behind == 'O') && behind + 1 < frame.end && kDtdBlank.has(behind[1]);
     if (isAlone || isBeforeO)
         setMark('-');
     else

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr CharSet kBlank(" \t\r\n");
-
 // Returns whether `test` accepts one of the pieces between `start` and the next `end`; it gets the piece without blanks
 // at its ends.
 template <class Test>
@@ -20,7 +18,7 @@ bool hasPiece(std::string_view text, std::string_view start, std::string_view en
         const std::size_t close = text.find(end, at);
         if (close == kNowhere)
             return false;
-        if (test(kBlank.trim(text.substr(at, close - at))))
+        if (test(kDtdBlank.trim(text.substr(at, close - at))))
             return true;
         at = close;
     }
@@ -31,9 +29,9 @@ bool hasPiece(std::string_view text, std::string_view start, std::string_view en
 bool isPlainAttlist(std::string_view declaration)
 {
     for (int names = 0; names < 2; ++names)
-        declaration = kBlank.trim(declaration.substr(std::min(kBlank.in(declaration), declaration.size())));
-    const std::size_t blank = std::min(kBlank.in(declaration), declaration.size());
-    return declaration.substr(0, blank) == "CDATA" && kBlank.trim(declaration.substr(blank)) == "#IMPLIED";
+        declaration = kDtdBlank.trim(declaration.substr(std::min(kDtdBlank.in(declaration), declaration.size())));
+    const std::size_t blank = std::min(kDtdBlank.in(declaration), declaration.size());
+    return declaration.substr(0, blank) == "CDATA" && kDtdBlank.trim(declaration.substr(blank)) == "#IMPLIED";
 }
 
 } // namespace
