@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Import/Dtd/DTDUnsupported.h"
 #include "Import/Full/FullMessage.h"
 
 /// The importer of DTDs, XML and SGML, that reads them in full: parameter entities, modules, conditional sections.
@@ -12,7 +11,7 @@ public:
     static FullMessage* New() { return new DTDFullMessage; }
 
     bool setFurtherFiles(const std::vector<CString>& files) override { return keepFurtherFiles(files); }
-    CString unsupportedByLiteral(const CString& fileName) const override { return unsupportedInDtd(fileName); }
+    CString unsupportedByLiteral(const CString& fileName) const override;
 
     bool setEntities(const std::vector<std::pair<CString, CString>>& wanted) override
     {

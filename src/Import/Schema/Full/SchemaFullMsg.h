@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Import/Full/FullMessage.h"
-#include "Import/Schema/Full/SchemaUnsupported.h"
 
 class SchemaSet;
 
@@ -16,7 +15,7 @@ public:
 
     int isFileMode() const override { return 1; }
     bool setFurtherFiles(const std::vector<CString>& files) override { return keepFurtherFiles(files); }
-    CString unsupportedByLiteral(const CString& fileName) const override { return unsupportedInSchema(fileName); }
+    CString unsupportedByLiteral(const CString& fileName) const override;
 
 protected:
     /// Throws SourceRefusal if `fileName` and the further files contain nothing for this importer.
