@@ -32,8 +32,7 @@ std::uint8_t multiplied(std::uint8_t outer, std::uint8_t inner)
 void SchemaContents::Fields::clear()
 {
     all.clear();
-    if (!many.empty()) // clear() takes time in the capacity, which the largest type has determined
-        many = {};
+    many = {};
 }
 
 SchemaField* SchemaContents::Fields::find(SchemaName name)
@@ -42,18 +41,17 @@ SchemaField* SchemaContents::Fields::find(SchemaName name)
         const auto found = std::ranges::find(all, name, &SchemaField::name);
         return found == all.end() ? nullptr : &*found;
     }
-    const auto found = many.find(keyOf(name));
-    return found == many.end() ? nullptr : &all[found->second];
+    const std::uint32_t* const found = many.find(keyOf(name));
+    return found ? &all[*found] : nullptr;
 }
 
-SchemaField& SchemaContents::Fields::add(const SchemaField& field)
+void SchemaContents::Fields::add(const SchemaField& field)
 {
-    if (all.size() == kFewFields)
-        for (std::size_t i = 0; i < all.size(); ++i)
-            many.emplace(keyOf(all[i].name), i);
-    if (all.size() >= kFewFields)
-        many.emplace(keyOf(field.name), all.size());
-    return all.emplace_back(field);
+    all.push_back(field);
+    if (all.size() <= kFewFields)
+        return;
+    for (std::size_t i = all.size() == kFewFields + 1 ? 0 : all.size() - 1; i < all.size(); ++i)
+        many.insert(keyOf(all[i].name), static_cast<std::uint32_t>(i));
 }
 
 SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), contents(tree), isEntered(tree.size())

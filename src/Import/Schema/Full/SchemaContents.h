@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/LargePages.h"
+#include "Base/NumberTable.h"
 #include "Import/Schema/Full/NodeTable.h"
 #include "Import/Schema/Full/SchemaSet.h"
 
@@ -56,13 +57,13 @@ private:
     public:
         void clear();
         SchemaField* find(SchemaName name);
-        SchemaField& add(const SchemaField& field);
+        void add(const SchemaField& field);
         std::size_t positionOf(const SchemaField& field) const { return static_cast<std::size_t>(&field - all.data()); }
 
         std::vector<SchemaField> all;
 
     private:
-        std::unordered_map<std::uint64_t, std::size_t, NumberHash> many;
+        NumberTable many; // positions by name
     };
 
     Index derivationOf(Index type) const;
