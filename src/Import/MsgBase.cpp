@@ -7,7 +7,7 @@
 #include "Files/FileMessage.h"
 #include "Import/GenerationTime.h"
 #include "Resources/StringIds.h"
-#include "Xml/XmlParser.h"
+#include "Xml/XmlLimits.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
 #include "Xml/XmlLimits.h"
 
-#include "Xml/XmlParser.h"
 #include "Xml/XmlSource.h"
 
 #include <algorithm>

@@ -7,6 +7,9 @@
 
 class XmlSource;
 
+/// The longest allowed name, in bytes, prefix and colon included.
+inline constexpr std::size_t kMaxXmlName = 4096;
+
 /// Counts what a document costs libxml2 where that grows faster than the document, and holds it to the limits that
 /// parseXmlFile() names. Each function returns what is wrong once a limit is exceeded, else null.
 class XmlLimits

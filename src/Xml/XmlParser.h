@@ -84,9 +84,6 @@ struct XmlScope
     XmlPlace place; ///< of its "<"
 };
 
-/// The longest allowed name, in bytes, prefix and colon included.
-inline constexpr std::size_t kMaxXmlName = 4096;
-
 /// Thrown by a handler that refuses the document. `reason` becomes the parse error at the current place.
 struct XmlRefusal
 {

@@ -1,5 +1,7 @@
 #include "Import/Schema/Literal/SchemaOutline.h"
 
+#include "Xml/XmlLimits.h"
+
 #include <algorithm>
 
 namespace {
