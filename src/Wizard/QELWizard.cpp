@@ -55,8 +55,7 @@ CString noImporterReason(const CString& name)
 {
     if (isFolder(name))
         return "it contains no DTD, XML Schema or WSDL. For a folder of other sources, choose their importer in the "
-               "list, "
-               "press Next, and choose the folder there.";
+               "list, press Next, and choose the folder there.";
     const FileCause cause = testReadable(name);
     const std::string_view foreign = foreignAdvice(name);
     if (cause != FileCause::none)
