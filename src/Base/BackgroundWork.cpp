@@ -8,8 +8,7 @@ thread_local const BackgroundWork* current = nullptr;
 
 } // namespace
 
-BackgroundWork::BackgroundWork(std::function<bool()> wanted, Messages heard) :
-    isWanted(std::move(wanted)), messages(std::move(heard))
+BackgroundWork::BackgroundWork(std::function<bool()> wanted) : isWanted(std::move(wanted))
 {
     current = this;
 }

@@ -1,7 +1,5 @@
 #include "Base/MessageBox.h"
 
-#include "Base/BackgroundWork.h"
-
 #include <cstdio>
 #include <utility>
 
@@ -32,9 +30,7 @@ MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler)
 void showMessageBox(const CString& text, const CString& title, const CString& details)
 {
     const CString* const outer = std::exchange(currentDetails, &details); // handlers may show messages
-    if (const BackgroundWork* const work = BackgroundWork::ofThread())
-        work->messages(text, title);
-    else if (const MessageBoxHandler& handler = currentHandler())
+    if (const MessageBoxHandler& handler = currentHandler())
         handler(text, title);
     currentDetails = outer;
 }

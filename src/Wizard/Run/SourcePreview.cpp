@@ -54,6 +54,15 @@ QString firstLines(const CString& fileName)
     return lines.join('\n');
 }
 
+// Returns an error in words: its reason and its line, and its file if that isn't the source.
+QString inWords(const SourceFault& fault, const CString& source)
+{
+    QString words = toUi(fault.reason);
+    if (!fault.file.empty() && fault.file != source)
+        words = toUi(std::filesystem::path(fault.file).filename().string()) + ": " + words;
+    return fault.line > 0 ? words + " (line " + QString::number(fault.line) + ")" : words;
+}
+
 std::uint64_t sizeOf(const std::vector<CString>& files)
 {
     std::uint64_t size = 0;
@@ -145,11 +154,11 @@ SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, cons
                                           const std::vector<CString>& files, const Job& job)
 {
     Count count;
-    const BackgroundWork background([&job] { return job.isWanted.load(); },
-                                    [&count](const CString& text, const CString&) {
-                                        if (count.failure.isEmpty())
-                                            count.failure = toUi(text).section('\n', 0, 0);
-                                    });
+    const BackgroundWork background([&job] { return job.isWanted.load(); });
+    message->setErrorHandler([&](const CString&, const SourceFault& fault) {
+        if (!fault.isWarning && count.failure.isEmpty())
+            count.failure = inWords(fault, files.front());
+    });
     if (auto* const fullReading = dynamic_cast<FullMessage*>(message.get());
         fullReading && source.importer->readsSets())
         fullReading->setCatalogs(withEnvironmentCatalogs(source.catalogs));

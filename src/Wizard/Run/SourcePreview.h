@@ -29,7 +29,7 @@ public:
         bool isKnown = false; ///< false if not read in this way yet, or not possible
         int types = 0;
         std::size_t losses = 0;
-        QString failure; ///< the first line of the error; empty if none
+        QString failure; ///< the first error; empty if there is none
 
         bool fails() const { return types == 0 && !failure.isEmpty(); }
     };
