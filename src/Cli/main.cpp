@@ -36,7 +36,7 @@ const Arguments* running = nullptr; // those of main(), for the terminate handle
 int main(int argc, char** argv)
 {
     openClosedStreams();
-    Arguments arguments;
+    static Arguments arguments; // static, because the terminate handler may run after main()
     running = &arguments;
     try {
         int exitStatus = kDone;
