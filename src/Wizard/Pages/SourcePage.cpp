@@ -61,6 +61,20 @@ CString fullReadingAdvice(const WizardRun& wizard, const CString& error, const C
                                : "Check \"Read in full\" on this page: the source uses " + unsupported + ".";
 }
 
+// Returns a row of a label, its field, which takes the free room, and a button.
+QWidget* rowOf(const char* text, QWidget* field, QPushButton* button)
+{
+    QLabel* label = plainLabel(text);
+    label->setBuddy(field);
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins({});
+    layout->addWidget(label);
+    layout->addWidget(field, 1);
+    layout->addWidget(button);
+    return row;
+}
+
 } // namespace
 
 SourcePage::SourcePage() : FilePage(IDD_SOURCE, "Typeforge - Select source", IDS_SOURCE_TITLE, IDS_SOURCE_SUBTITLE) {}
@@ -73,8 +87,10 @@ void SourcePage::OnInitDialog()
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
     pane = new PreviewPane(fullCheck);
     addRow(pane, true);
-    addRow(makeSetRow());
-    addRow(makeCatalogRow());
+    setRow = makeSetRow();
+    catalogRow = makeCatalogRow();
+    addRow(setRow);
+    addRow(catalogRow);
     connect(fullCheck, &QCheckBox::toggled, this, &SourcePage::showSetRows);
     connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::updatePreview);
 }
@@ -86,41 +102,25 @@ QWidget* SourcePage::makeSetRow()
         layoutCombo->addItem(choice);
     layoutCombo->setCurrentIndex(static_cast<int>(wizard->options.queryLayout()));
     layoutCombo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    QLabel* label = plainLabel("Folders of &types:");
-    label->setBuddy(layoutCombo);
     auto* folderButton = withId(IDC_CHOOSE_FOLDER, new QPushButton("Read a fo&lder ..."));
     folderButton->setToolTip(plainToolTip("Reads all sources of a folder as one"));
     connect(folderButton, &QPushButton::clicked, this, &SourcePage::pickFolder);
-    setRow = new QWidget;
-    auto* row = new QHBoxLayout(setRow);
-    row->setContentsMargins({});
-    row->addWidget(label);
-    row->addWidget(layoutCombo, 1);
-    row->addWidget(folderButton);
-    return setRow;
+    return rowOf("Folders of &types:", layoutCombo, folderButton);
 }
 
 QWidget* SourcePage::makeCatalogRow()
 {
-    QLabel* label = plainLabel("XML catalo&gues:");
     catalogEdit = withId(IDC_CATALOGS, new QLineEdit(toUi(wizard->options.queryCatalogs())));
     catalogEdit->setAccessibleName("XML catalogues:");
     catalogEdit->setPlaceholderText("none");
     catalogEdit->setMaxLength(QELOptions::kMaxSourceSet);
     catalogEdit->setCompleter(new PathCompleter(*catalogEdit));
     catalogEdit->setAcceptDrops(false); // dropped files are for the page
-    label->setBuddy(catalogEdit);
     connect(catalogEdit, &QLineEdit::textChanged, this, &SourcePage::updatePreview);
     auto* choose = withId(IDC_CHOOSE_CATALOGS, new QPushButton("Choo&se ..."));
     choose->setToolTip(plainToolTip("Chooses catalogues that lead to the documents of the source"));
     connect(choose, &QPushButton::clicked, this, &SourcePage::pickCatalogs);
-    catalogRow = new QWidget;
-    auto* row = new QHBoxLayout(catalogRow);
-    row->setContentsMargins({});
-    row->addWidget(label);
-    row->addWidget(catalogEdit, 1);
-    row->addWidget(choose);
-    return catalogRow;
+    return rowOf("XML catalo&gues:", catalogEdit, choose);
 }
 
 void SourcePage::OnSetActive()
