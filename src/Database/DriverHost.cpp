@@ -111,7 +111,7 @@ void DriverHost::open(MessageReader& request, CString& answer)
         execute("PRAGMA schema_version");
     putNumber(answer, isOpen);
     for (const SQLUSMALLINT question : {SQL_OWNER_USAGE, SQL_QUALIFIER_USAGE})
-        putNumber(answer, isOpen ? static_cast<std::int32_t>(number(question)) : 0);
+        putNumber(answer, isOpen ? static_cast<std::int32_t>(infoNumber(question)) : 0);
 }
 
 void DriverHost::execute(const CString& sql)
@@ -180,7 +180,7 @@ StatementHandle DriverHost::requireStatement() const
 }
 
 // Returns a number of SQLGetInfo(), 0 if the driver doesn't report it.
-unsigned DriverHost::number(unsigned short question) const
+unsigned DriverHost::infoNumber(unsigned short question) const
 {
     SQLUINTEGER answer = 0;
     return SQL_SUCCEEDED(SQLGetInfo(connection.get(), question, &answer, sizeof answer, nullptr)) ? answer : 0;

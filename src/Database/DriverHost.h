@@ -55,7 +55,7 @@ private:
 
     StatementHandle allocateStatement() const;
     StatementHandle requireStatement() const;
-    unsigned number(unsigned short question) const;
+    unsigned infoNumber(unsigned short question) const;
     bool isSqlite() const;
     bool isLost(const CString& state) const;
 

@@ -140,7 +140,7 @@ DriverProcess::~DriverProcess()
 CString DriverProcess::call(std::string_view request, milliseconds timeout)
 {
     const auto start = Clock::now();
-    const SocketWait waiting = [&](short events) { wait(events, start, timeout); };
+    const SocketWait waiting = [&](short events) { waitFor(events, start, timeout); };
     CString answer;
     isCalling = true; // stays true if the call throws
     if (!sendMessage(socket, request, waiting) || !receiveMessage(socket, answer, waiting))
@@ -151,7 +151,7 @@ CString DriverProcess::call(std::string_view request, milliseconds timeout)
 
 // Waits for the socket, the time limit or a cancellation. A cancelled call gets kGrace to complete, so that its effect
 // is known. Later calls share that time, or a series of them would never end.
-void DriverProcess::wait(short events, Clock::time_point start, milliseconds timeout)
+void DriverProcess::waitFor(short events, Clock::time_point start, milliseconds timeout)
 {
     pollfd ready = {socket, events, 0};
     while (::poll(&ready, 1, static_cast<int>(std::min(kPollInterval, timeout).count())) <= 0) {

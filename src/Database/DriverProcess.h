@@ -32,7 +32,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void wait(short events, Clock::time_point start, std::chrono::milliseconds timeout);
+    void waitFor(short events, Clock::time_point start, std::chrono::milliseconds timeout);
     [[noreturn]] void raiseExit();
     void disconnect() const;
     int end();
