@@ -20,7 +20,7 @@ constexpr std::size_t kMaxLookups = 200'000; // for each finder, so that a sourc
 constexpr std::size_t kLongestShown = 1'000;
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
-/// The scheme in front of the first colon, "" when the reference has none.
+// Returns the scheme before the first colon; "" if the reference has none.
 std::string_view schemeOf(std::string_view reference)
 {
     const std::size_t colon = reference.find_first_of(":/?#");
@@ -29,7 +29,7 @@ std::string_view schemeOf(std::string_view reference)
     return kLetters.find(reference[0]) == std::string_view::npos ? std::string_view() : reference.substr(0, colon);
 }
 
-/// Removes "//host" from the front. Returns false if that is another host than this one.
+// Removes "//host" from the front. Returns false if that is another host than this one.
 bool dropHost(std::string_view& reference)
 {
     if (!reference.starts_with("//"))
@@ -45,8 +45,8 @@ FileId idOf(const struct stat& status)
     return {status.st_dev, status.st_ino};
 }
 
-/// Returns whether an errno value says that nothing is there. Other errors mean that there may be something that the
-/// process can't look at.
+// Returns whether an errno value says that nothing is there. Other errors mean that there may be something that the
+// process can't look at.
 bool meansMissing(int error)
 {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
@@ -201,9 +201,9 @@ std::optional<FoundFile> FileFinder::search(const CString& folder, const CString
     return isIncomplete ? std::optional(FoundFile{name, {}}) : std::nullopt;
 }
 
-/// Walks the path component by component, with every folder that the components so far can mean. Folders are told apart
-/// by identity, so "a/../a/../a" beside an "A" is not followed in all its combinations. Each folder has one name, so
-/// names don't grow on the way.
+// Walks the path component by component, with every folder that the components so far can mean. Folders are compared by
+// identity, so "a/../a/../a" beside an "A" is not followed in all its combinations. Each folder has one name, so names
+// don't grow on the way.
 std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::string_view path)
 {
     std::vector<FoundFile> found{{path.starts_with('/') ? "/" : folder, {}}};

@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::size_t kMaxRanks = 8; // dimensions of nested arrays; further ones are dropped
 
-/// 0, 1, or 2 for more often; what makes no sense counts as 1.
+// Returns 0 or 1, or 2 for more; an invalid value counts as 1.
 std::uint8_t occursOf(std::string_view value)
 {
     using Occurrence = SchemaStatements::Occurrence;

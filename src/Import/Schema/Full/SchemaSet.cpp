@@ -33,7 +33,7 @@ std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
 
 } // namespace
 
-/// Declares what a document holds, and all that it names.
+// Declares the components of a document, and of the documents that it refers to.
 void SchemaSet::followAll(std::uint32_t document)
 {
     std::vector<Following> waiting;
