@@ -213,7 +213,7 @@ bool EditPage::importBy(FullMessage* other)
         wizard->setCurrentFolder(WizardRun::folderCWD); // as after an import that succeeds
         return false;
     }
-    clear(); // the page still shows elements of the previous import
+    clearTypes(); // the page still shows elements of the previous import
     sheet()->runLong([&previous] { previous.reset(); });
     return true;
 }
@@ -247,10 +247,10 @@ LRESULT EditPage::OnWizardBack()
 void EditPage::hideEvent(QHideEvent* event)
 {
     if (!event->spontaneous() && typeList)
-        clear();
+        clearTypes();
 }
 
-void EditPage::clear()
+void EditPage::clearTypes()
 {
     pane->showType(nullptr, 0);
     structure.reset();

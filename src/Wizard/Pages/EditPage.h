@@ -54,7 +54,7 @@ private:
     void chooseMain(const CString& name);
     void readInFull();
     void showReport();
-    void clear();
+    void clearTypes();
 
     QLabel* fullReadingHint = nullptr;
     ReadingRow* readingRow = nullptr;

@@ -14,7 +14,7 @@
 
 ReadingRow::ReadingRow() :
     mainElementLabel(plainLabel(tr("&Main element:"))), mainElement(new ChoiceCombo(mainElementLabel->text())),
-    count(new ElidedLabel), readInFull(new QPushButton(tr("Read in &full"))), details(new QPushButton(tr("&Details")))
+    count(new ElidedLabel), fullButton(new QPushButton(tr("Read in &full"))), details(new QPushButton(tr("&Details")))
 {
     mainElement->setObjectName(QString::number(IDC_MAIN_ELEMENT));
     mainElement->setMaxVisibleItems(20);
@@ -27,8 +27,8 @@ ReadingRow::ReadingRow() :
     connect(mainElement, &ChoiceCombo::chosen, this, [this](int index) {
         Q_EMIT mainElementChosen(index == 0 ? CString() : fromUi(mainElement->itemText(index)));
     });
-    readInFull->setObjectName(QString::number(IDC_READ_IN_FULL));
-    connect(readInFull, &QPushButton::clicked, this, &ReadingRow::fullWanted);
+    fullButton->setObjectName(QString::number(IDC_READ_IN_FULL));
+    connect(fullButton, &QPushButton::clicked, this, &ReadingRow::fullWanted);
     connect(details, &QPushButton::clicked, this, &ReadingRow::detailsWanted);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins({});
@@ -36,7 +36,7 @@ ReadingRow::ReadingRow() :
     row->addWidget(mainElement);
     row->addStretch(); // takes the room of a hidden count
     row->addWidget(count, 1);
-    row->addWidget(readInFull);
+    row->addWidget(fullButton);
     row->addWidget(details);
 }
 
@@ -49,7 +49,7 @@ void ReadingRow::showReading(const MsgBase& message, const FullMessage* full)
 
 void ReadingRow::offerFull(bool isOffered)
 {
-    readInFull->setVisible(isOffered);
+    fullButton->setVisible(isOffered);
     setVisible(isOffered || !mainElement->isHidden() || !details->isHidden());
 }
 

@@ -41,6 +41,6 @@ private:
     QLabel* mainElementLabel;
     ChoiceCombo* mainElement;
     QLabel* count;
-    QPushButton* readInFull;
+    QPushButton* fullButton;
     QPushButton* details;
 };
