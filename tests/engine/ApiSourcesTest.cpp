@@ -56,6 +56,17 @@ const Rule kSchemas[] = {
      "v{a|b} w(z:String) T(v:v w:w n:String)", "2 losses: 2 values of several kinds"},
 };
 
+// Returns an API whose operation has callbacks nested to this depth, each with a message "oN" and a field.
+CString nestedCallbacks(int depth)
+{
+    CString paths;
+    for (int i = depth; i >= 0; --i)
+        paths = R"({"x":{"put":{"operationId":"o)" + std::to_string(i) +
+                R"(","requestBody":{"content":{"j":{"schema":{"properties":{"f":{}}}}}})" +
+                (paths.empty() ? "" : R"(,"callbacks":{"c":)" + paths + "}") + "}}}";
+    return R"({"openapi":"3.0.0","paths":)" + paths + "}";
+}
+
 const Rule kApis[] = {
     {"BodiesAreMessages",
      R"({"openapi":"3.0.1","paths":{"/a":{"post":{"operationId":"make","requestBody":{"content":{"application/json":{"schema":{
@@ -73,6 +84,15 @@ const Rule kApis[] = {
         "discriminator":{"propertyName":"kind","mapping":{"c":"#/components/schemas/Cat","d":"Dog"}}},
         "Cat":{"allOf":[{"$ref":"#/components/schemas/Pet"},{"properties":{"m":{"type":"number"}}}]}}}})",
      "kind{c|d} Pet(kind:kind) Cat(kind:kind m:Number)"},
+    {"ReferencesInACircle",
+     R"({"openapi":"3.0.0","paths":{"/a":{"put":{"requestBody":{"$ref":"#/components/requestBodies/A"}}}},"components":{
+        "requestBodies":{"A":{"$ref":"#/components/requestBodies/B"},"B":{"$ref":"#/components/requestBodies/A"}},"schemas":{"S":{"properties":{"s":{}}}}}})",
+     "S(s:String)", "1 loss: 1 text cut short"},
+    {"CallbacksInCallbacks", nestedCallbacks(11),
+     "o10Request(f:String) o9Request(f:String) o8Request(f:String) o7Request(f:String) o6Request(f:String) "
+     "o5Request(f:String) o4Request(f:String) o3Request(f:String) o2Request(f:String) o1Request(f:String) "
+     "o0Request(f:String)",
+     "1 loss: 1 text cut short"},
     {"ChannelsOfVersion2",
      R"({"asyncapi":"2.6.0","channels":{"a/b":{"publish":{"message":{"oneOf":[{"$ref":"#/components/messages/M"},{"name":"N",
         "payload":{"type":"object","properties":{"n":{"$ref":"#/components/schemas/S","properties":{"no":{}}}}}}]}}}},"components":{"messages":{"M":{"headers":{"properties":{"h":{"type":"integer"}}},

@@ -56,6 +56,7 @@ JsonNode::Index ApiMessages::follow(Index node)
             return node;
         node = documents.resolve(reference, tree[reference].text);
     }
+    documents.note(SourceReport::cutShort, node, "more than " + std::to_string(kLongestChain) + " references in a row");
     return 0;
 }
 
@@ -94,8 +95,11 @@ void ApiMessages::readOperation(Index operation, std::string_view name)
     for (Index at = tree[responses].firstChild; at != 0; at = tree[at].next)
         readBody(follow(at), called + "Response");
     const Index callbacks = tree.find(operation, JsonWord::callbacks, JsonNode::object);
-    if (depth == kMaxCallbacks)
+    if (callbacks != 0 && depth == kMaxCallbacks) {
+        documents.note(SourceReport::cutShort, callbacks,
+                       "more than " + std::to_string(kMaxCallbacks) + " callbacks inside each other");
         return;
+    }
     ++depth;
     for (Index at = tree[callbacks].firstChild; at != 0; at = tree[at].next)
         readPaths(follow(at), called + "_" + CString(tree.key(at)));
