@@ -15,7 +15,7 @@ check_pie_supported()
 if(TYPEFORGE_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
-    add_compile_options(-Wno-maybe-uninitialized) # false positives of GCC 12 in instrumented std::regex
+    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>) # false positives of GCC 12 in instrumented std::regex
 endif()
 if(TYPEFORGE_FUZZ)
     # Leaves out instrumentation that doubles the time of an execution: the dictionaries provide words to compare with,

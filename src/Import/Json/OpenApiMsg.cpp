@@ -35,7 +35,7 @@ void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& docume
     std::erase(all, 0);
     for (const Index root : all)
         refuseUnless(tree.find(root, JsonWord::swagger) == 0, root, "it is Swagger 2.0; convert it to OpenAPI 3 first");
-    std::ranges::stable_partition(all, [&](Index root) { return isDescription(tree, root); });
+    std::stable_partition(all.begin(), all.end(), [&](Index root) { return isDescription(tree, root); });
     refuseUnless(isDescription(tree, all.front()), all.front(), unknown);
     // A "$ref" replaces its siblings in OpenAPI 3.0, and in AsyncAPI, whose schemas are of draft 7. OpenAPI 3.1 follows
     // JSON Schema 2020-12. Parts go by the first description.
