@@ -45,6 +45,14 @@ public:
         }
     }
 
+    /// Removes all files, also those that other code has written.
+    void clear()
+    {
+        for (const auto& entry : std::filesystem::directory_iterator(path))
+            std::filesystem::remove_all(entry);
+        written.clear();
+    }
+
     CString path;
 
 private:
