@@ -88,6 +88,14 @@ bool isUtf8(std::string_view bytes)
     return true;
 }
 
+std::string_view firstCharacters(std::string_view text, std::size_t count)
+{
+    std::size_t at = 0;
+    while (at < text.size() && ((text[at] & 0xC0) == 0x80 || count-- > 0))
+        ++at;
+    return text.substr(0, at);
+}
+
 void dropPartialCharacter(std::string_view& text)
 {
     // Goes back over at most three continuation bytes.

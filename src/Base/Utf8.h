@@ -20,6 +20,9 @@ bool isAscii(std::string_view text);
 /// Returns the number of characters that begin in a UTF-8 text.
 std::size_t countCharacters(std::string_view text);
 
+/// Returns the first `count` characters of a UTF-8 text.
+std::string_view firstCharacters(std::string_view text, std::size_t count);
+
 /// Removes an incomplete character at the end of `text`, which a cut has left there.
 void dropPartialCharacter(std::string_view& text);
 

@@ -1,13 +1,13 @@
 #include "Cli/Diagnostics.h"
 
 #include "Base/Fingerprint.h"
+#include "Base/Utf8.h"
 #include "Cli/ProgressLine.h"
 #include "Files/FileMessage.h"
 #include "Import/Full/FullReadingHint.h"
 #include "Import/MsgBase.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <utility>
 
@@ -37,11 +37,8 @@ CString onOneLine(std::string_view text)
         if (line.size() > 4 * kMaxText)
             break;
     }
-    std::size_t end = 0;
-    for (std::size_t count = 0; end < line.size(); ++end)
-        if ((static_cast<unsigned char>(line[end]) & 0xC0) != 0x80 && ++count > kMaxText)
-            break;
-    return shownText(end < line.size() ? line.substr(0, end) + "..." : line);
+    const std::string_view start = firstCharacters(line, kMaxText);
+    return shownText(start.size() < line.size() ? CString(start) + "..." : line);
 }
 
 std::uint64_t hashOf(const SourceFault& fault)
@@ -66,8 +63,7 @@ void writeLine(const CString& file, const char* kind, const CString& reason, lon
 
 CString shownSource(const CString& source)
 {
-    CString upper = source;
-    std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
+    const CString upper = upperAscii(source);
     std::size_t end = source.size();
     // Everything after the first password is hidden: it may be quoted and contain separators.
     for (const std::string_view word : {"PWD", "PASSWORD"})

@@ -43,12 +43,6 @@ CString narrow(const std::wstring& wide)
     return text;
 }
 
-CString lowerAscii(CString text)
-{
-    std::ranges::transform(text, text.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; });
-    return text;
-}
-
 } // namespace
 
 std::vector<CString> rolesOf(const CString& user)

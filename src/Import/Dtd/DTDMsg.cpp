@@ -12,10 +12,9 @@ namespace {
 
 constexpr std::string_view kCommentStart = "<!--", kCommentEnd = "-->";
 constexpr std::string_view kPcdata = "#PCDATA", kCdata = "#CDATA", kImplied = "#IMPLIED";
-constexpr CharSet kFieldTrim(" ()\r\n\t ");
+constexpr CharSet kFieldTrim(" ()\r\n\t");
 constexpr CharSet kSeparators(",|&");
 constexpr CharSet kMarks("*+?");
-constexpr CharSet kWhite(kWhitespace);
 constexpr std::size_t kKeywordLength = 7;
 constexpr std::size_t kMaxMainType = 4096;
 constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; with drifting ends, real DTDs reach 90 MB
@@ -419,7 +418,7 @@ void DTDMessage::note(SourceReport::Construct construct, DTDElement& entry, std:
 DTDMessage::Modifiers DTDMessage::getModifiers(std::string_view& name)
 {
     Modifiers found = modNone;
-    name = kWhite.trim(name);
+    name = trimmed(name);
     while (name.size() > 1 && kMarks.has(name.back())) {
         const Modifiers mark = name.back() == '*' ? modStar : name.back() == '+' ? modPlus : modOptional;
         if (found == modNone || found == modOptional)

@@ -4,10 +4,10 @@
 
 namespace {
 
-// Compares in capitals: keywords of SGML have no case. `word` is in capitals.
+// Keywords of SGML have no case.
 bool isKeyword(std::string_view text, std::string_view word)
 {
-    return std::ranges::equal(text, word, {}, [](char c) { return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : int{c}; });
+    return isSameAscii(text, word);
 }
 
 // Namespace declarations are no data, so they become no fields.

@@ -53,8 +53,7 @@ std::size_t findAttlistKeyword(std::string_view text, std::size_t from)
 
 std::size_t skipWhitespace(std::string_view text, std::size_t from)
 {
-    static constexpr CharSet blank("\r\n\t ");
-    return blank.out(text, from);
+    return kDtdBlank.out(text, from);
 }
 
 std::size_t findNameEnd(std::string_view text, std::size_t from)

@@ -1,18 +1,10 @@
 #include "Import/Full/Descriptions.h"
 
+#include "Base/Utf8.h"
+
 namespace {
 
 constexpr std::size_t kLongestDescription = 255;
-
-// Returns the first `count` characters of a UTF-8 text.
-std::string_view firstCharacters(std::string_view text, std::size_t count)
-{
-    const auto isFirstByte = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
-    std::size_t at = 0;
-    while (at < text.size() && (!isFirstByte(text[at]) || count-- > 0))
-        ++at;
-    return text.substr(0, at);
-}
 
 } // namespace
 
