@@ -1,10 +1,10 @@
 #include "Cli/Arguments.h"
 
-#include "Cli/ArgumentFile.h"
 #include "Cli/Completion.h"
 #include "Cli/HelpText.h"
 #include "Cli/Output.h"
 #include "Files/File.h"
+#include "Files/FileMessage.h"
 #include "Import/Full/FullMessage.h"
 #include "Import/MsgBase.h"
 #include "Resources/StringTable.h"
@@ -13,10 +13,46 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <span>
 #include <sstream>
 #include <stdexcept>
 
 namespace {
+
+// Appends the non-empty lines of a file.
+void addLines(const CString& fileName, std::vector<CString>& arguments)
+{
+    CString text;
+    if (const FileCause cause = readFile(fileName, text); cause != FileCause::none)
+        throw std::runtime_error("can't open " + fileName + ": " + inWords(fileName, cause));
+    for (std::string_view rest = text; !rest.empty();) {
+        std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        if (line.ends_with('\r'))
+            line.remove_suffix(1);
+        if (!line.empty())
+            arguments.emplace_back(line);
+    }
+}
+
+// Returns the arguments without the program's name, with "@FILE" replaced by the lines of that file. A line is taken as
+// it is, even if it begins with '@'; so is every argument after "--". Appends the names of the files to `files`. Throws
+// std::runtime_error if a file can't be read.
+std::vector<CString> argumentsOf(int argc, char** argv, std::vector<CString>& files)
+{
+    std::vector<CString> arguments;
+    bool areTaken = true;
+    for (const std::string_view argument : std::span(argv, static_cast<std::size_t>(argc)).subspan(argc > 0)) {
+        areTaken = areTaken && argument != "--";
+        if (areTaken && argument.size() > 1 && argument.front() == '@') {
+            files.emplace_back(argument.substr(1));
+            addLines(files.back(), arguments);
+        } else {
+            arguments.emplace_back(argument);
+        }
+    }
+    return arguments;
+}
 
 // Returns the output of --importers; shell completion reads its columns.
 CString importerList()
@@ -190,12 +226,12 @@ CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importe
     if (arguments.full.isWanted && !importer.readsSets())
         return "--full: " + word + " has no full reading";
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, importer));
-    if (const char* const option = arguments.full.optionOfFull(); *option != 0 && !supportsFullReading(*message))
+    auto* const full = dynamic_cast<FullMessage*>(message.get());
+    if (const char* const option = arguments.full.optionOfFull(); *option != 0 && !full)
         return CString(option) + " requires --full";
     if (!arguments.full.catalogs.empty() && !importer.readsSets())
         return "--catalog: " + word + " reads no catalogues";
-    if (auto* const full = dynamic_cast<FullMessage*>(message.get());
-        !arguments.full.entities.empty() && (!full || !full->setEntities({})))
+    if (!arguments.full.entities.empty() && (!full || !full->setEntities({})))
         return "--entity: " + word + " has no parameter entities";
     if (arguments.sources.size() > 1 && !message->setFurtherFiles({}))
         return word + " reads one source at a time" +

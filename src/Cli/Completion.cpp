@@ -68,7 +68,7 @@ std::vector<Row> rowsOf(const CLI::App& app)
         row.value = type.substr(0, type.find(':')); // CLI11 appends the validators' names after it
         if (row.value.find('|') != CString::npos) {
             row.choice = row.value;
-            std::replace(row.choice.begin(), row.choice.end(), '|', ' ');
+            std::ranges::replace(row.choice, '|', ' ');
         }
         rows.push_back(row);
     }

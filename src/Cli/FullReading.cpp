@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <span>
 
 namespace {
 
@@ -37,6 +38,40 @@ void addEntities(const std::vector<CString>& given, FullOptions& options)
     }
 }
 
+// Warns about the catalogues of the environment that can't be read.
+void warnOfMissingCatalogs(Diagnostics& diagnostics)
+{
+    for (const CString& reference : environmentCatalogs()) {
+        const CString path = localPath(reference);
+        const FileCause cause = path.empty() ? FileCause::none : testReadable(path);
+        if (path.empty() || cause != FileCause::none)
+            diagnostics.warning("XML_CATALOG_FILES: " + reference + ": " +
+                                (path.empty() ? "no local file" : inWords(path, cause)));
+    }
+}
+
+// If all sections of the source were left out, warns which entities would include some.
+void suggestEntities(const std::vector<CString>& entities, Diagnostics& diagnostics)
+{
+    if (entities.empty())
+        return;
+    CString others;
+    for (const CString& name : std::span(entities).subspan(1))
+        others += (others.empty() ? "" : ", ") + name;
+    diagnostics.warning("all its sections are left out; --entity " + entities.front() + "=INCLUDE includes one" +
+                        (others.empty() ? "" : "; others depend on " + others));
+}
+
+// Warns about each --folder and --entity that the source has no use for.
+void warnOfUnusedOptions(const FullMessage& message, Diagnostics& diagnostics)
+{
+    for (const CString& uri : message.queryUnusedFolders())
+        diagnostics.warning("--folder " + uri + "=... has no effect" +
+                            (uri.empty() ? "" : ": no type has this namespace"));
+    for (const CString& name : message.queryUnusedEntities())
+        diagnostics.warning("--entity " + name + "=... has no effect: no DTD refers to it or declares it");
+}
+
 } // namespace
 
 const char* FullOptions::optionOfFull() const
@@ -60,7 +95,7 @@ CString FullOptions::usageErrorFor(std::size_t sourceCount) const
 void addFullOptions(CLI::App& app, FullOptions& options)
 {
     CLI::Option* const full = app.add_flag("--full", options.isWanted, "dtd, xsd: apply all rules of the language");
-    app.add_option("--root", options.roots, "With --full: import only NAME and what it uses (repeats)")
+    app.add_option("--root", options.roots, "With --full: import only NAME and what it uses; repeatable")
         ->type_name("NAME")
         ->allow_extra_args(false);
     app.add_option("--folders", options.layout, "With --full: place types by main type or namespace")
@@ -68,16 +103,16 @@ void addFullOptions(CLI::App& app, FullOptions& options)
         ->check(CLI::IsMember({"main", "namespace"}));
     app.add_option_function<std::vector<CString>>(
            "--folder", [&options](const std::vector<CString>& given) { addFolders(given, options); },
-           "With --full: place this namespace there (repeats)")
+           "With --full: place the types of this namespace in this folder; repeatable")
         ->type_name("URI=NAME")
         ->allow_extra_args(false);
     app.add_flag("--merge-equal", options.mergesEqual, "With --folders namespace: put equal types into one folder");
-    app.add_option("--catalog", options.catalogs, "With --full: find documents by this XML catalogue (repeats)")
+    app.add_option("--catalog", options.catalogs, "With --full: find documents by this XML catalogue; repeatable")
         ->type_name("FILE")
         ->allow_extra_args(false);
     app.add_option_function<std::vector<CString>>(
            "--entity", [&options](const std::vector<CString>& given) { addEntities(given, options); },
-           "With dtd --full: declare this parameter entity first (repeats)")
+           "With dtd --full: declare this parameter entity first; repeatable")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false)
         ->needs(full);
@@ -104,47 +139,16 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
     return message;
 }
 
-bool supportsFullReading(const MsgBase& importer)
-{
-    return dynamic_cast<const FullMessage*>(&importer) != nullptr;
-}
-
-void warnOfMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics)
-{
-    if (!supportsFullReading(message) || !message.queryDescriptor()->readsSets())
-        return;
-    for (const CString& reference : environmentCatalogs()) {
-        const CString path = localPath(reference);
-        const FileCause cause = path.empty() ? FileCause::none : testReadable(path);
-        if (path.empty() || cause != FileCause::none)
-            diagnostics.warning("XML_CATALOG_FILES: " + reference + ": " +
-                                (path.empty() ? "no local file" : inWords(path, cause)));
-    }
-}
-
-void suggestSectionEntities(const MsgBase& message, Diagnostics& diagnostics)
-{
-    const auto* const full = dynamic_cast<const FullMessage*>(&message);
-    if (!full || full->querySectionEntities().empty())
-        return;
-    CString others;
-    for (const CString& name : full->querySectionEntities())
-        if (&name != &full->querySectionEntities().front())
-            others += (others.empty() ? "" : ", ") + name;
-    diagnostics.warning("all its sections are left out; --entity " + full->querySectionEntities().front() +
-                        "=INCLUDE includes one" + (others.empty() ? "" : "; others depend on " + others));
-}
-
-void warnOfUnusedOptions(const MsgBase& message, Diagnostics& diagnostics)
+void adviseOnFullReading(const MsgBase& message, Diagnostics& diagnostics)
 {
     const auto* const full = dynamic_cast<const FullMessage*>(&message);
     if (!full)
         return;
-    for (const CString& uri : full->queryUnusedFolders())
-        diagnostics.warning("--folder " + uri + "=... has no effect" +
-                            (uri.empty() ? "" : ": no type has this namespace"));
-    for (const CString& name : full->queryUnusedEntities())
-        diagnostics.warning("--entity " + name + "=... has no effect: no DTD refers to it or declares it");
+    if (message.queryDescriptor()->readsSets())
+        warnOfMissingCatalogs(diagnostics);
+    suggestEntities(full->querySectionEntities(), diagnostics);
+    if (!diagnostics.hasErrors())
+        warnOfUnusedOptions(*full, diagnostics);
 }
 
 void suggestFullReading(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics)

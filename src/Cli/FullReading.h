@@ -34,20 +34,12 @@ struct FullOptions
 /// Adds --full and its options.
 void addFullOptions(CLI::App& app, FullOptions& options);
 
-/// Returns whether an importer reads by all rules of its language.
-bool supportsFullReading(const MsgBase& importer);
-
 /// Returns a new importer, configured by `options`. The caller owns it.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer);
 
-/// After a full reading that uses catalogues, warns about those of the environment that can't be read.
-void warnOfMissingCatalogs(const MsgBase& message, Diagnostics& diagnostics);
-
-/// If all sections of the source were left out, notes which entities would include some.
-void suggestSectionEntities(const MsgBase& message, Diagnostics& diagnostics);
-
-/// Warns about each --folder and --entity that the source has no use for.
-void warnOfUnusedOptions(const MsgBase& message, Diagnostics& diagnostics);
+/// After a full reading, warns about catalogues of the environment that can't be read, about entities that would
+/// include sections if all were left out, and, if the import succeeded, about options that the source has no use for.
+void adviseOnFullReading(const MsgBase& message, Diagnostics& diagnostics);
 
 /// Warns if the full reading supports more of what the source uses, and names it.
 void suggestFullReading(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);

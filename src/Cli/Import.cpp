@@ -32,13 +32,12 @@ CString basePathOf(const Arguments& arguments, MsgBase& importer)
 Element* findType(MsgBase& message, const CString& asked)
 {
     const CString name = toXmlText(asked);
-    const auto isNamed = [&](const CString& text) { return text == name; };
     Element* byFullName = nullptr;
     message.beginEnum();
     while (Element* type = message.enumNext()) {
-        if (isNamed(type->queryName()))
+        if (type->queryName() == name)
             return type;
-        if (!byFullName && isNamed(type->queryPath() + type->queryName()))
+        if (!byFullName && type->queryPath() + type->queryName() == name)
             byFullName = type;
     }
     return byFullName;
@@ -116,10 +115,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
         message.parseFile(files.front(), basePath);
     diagnostics.finish();
     reportLosses(message.queryReport(), arguments.report, diagnostics);
-    warnOfMissingCatalogs(message, diagnostics);
-    suggestSectionEntities(message, diagnostics);
-    if (!diagnostics.hasErrors())
-        warnOfUnusedOptions(message, diagnostics);
+    adviseOnFullReading(message, diagnostics);
     const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
         reportNoTypes(importer, files.front(), diagnostics);
