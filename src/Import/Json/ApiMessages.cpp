@@ -214,7 +214,7 @@ void ApiMessages::readSchema(Index schema, CString format, const CString& name, 
     if (languageOf(format) != Language::foreign)
         schema = withoutFormat(schema, format);
     if (languageOf(format) == Language::avro)
-        avro.addCandidate(follow(schema), name);
+        avro.addCandidate(follow(schema), schemas.toModelName(name, schema));
     else if (languageOf(format) == Language::jsonSchema)
         schemas.addBody(schema, name, isPayload);
     else

@@ -98,7 +98,7 @@ void AvroTypes::readProtocol(Index protocol)
         if (response != 0 && names.isWanted(response) && !sort({{response, tree[space].text}}).records.empty())
             if (const auto shape = shapeOf({{response, tree[space].text}}, names.toModelName(name + "Response", at),
                                            SourceTypes::kNone))
-                names.addCandidate(*shape, name + "Response", tree.placeOf(response));
+                names.addCandidate(*shape, {}, tree.placeOf(response));
     }
     // A protocol without messages only declares types.
     if (tree[messages].firstChild == 0)

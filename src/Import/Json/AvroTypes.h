@@ -18,7 +18,7 @@ public:
     void declareAll(Index document);
 
     /// Declares the named types in `schema`. Its records at the top become candidates for main types; so does a value
-    /// of any other kind, under `name`.
+    /// of any other kind, under `name`, which must live as long as the types.
     void addCandidate(Index schema, std::string_view name);
 
     /// Reads the types of a protocol, which must be declared. The requests and responses of its messages become

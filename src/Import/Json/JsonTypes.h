@@ -53,7 +53,8 @@ public:
     /// record with the field "value".
     void addBody(Index schema, const CString& name, bool hasValue = false);
 
-    /// The same for a type of the namespace `uri` that was made elsewhere. `uri` must live as long as the types.
+    /// The same for a type of the namespace `uri` that was made elsewhere. A record is called by its own name. `name`
+    /// and `uri` must live as long as the types.
     void addCandidate(Shape shape, std::string_view name, SourcePlace place, std::string_view uri = {});
 
     /// Returns the name of a declared schema: its key, else its title, else the name of its document. Empty for other
