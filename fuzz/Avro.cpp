@@ -1,5 +1,5 @@
 #include "Import.h"
-#include "Import/Json/AvroMsg.h"
+#include "Import/Json/JsonMessage.h"
 
 void fuzz(std::string_view input)
 {

@@ -1,5 +1,5 @@
 #include "Import.h"
-#include "Import/Json/OpenApiMsg.h"
+#include "Import/Json/JsonMessage.h"
 
 void fuzz(std::string_view input)
 {

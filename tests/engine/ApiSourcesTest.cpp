@@ -1,7 +1,5 @@
-#include "Import/Json/AvroMsg.h"
 #include "Import/Json/JsonDataMsg.h"
-#include "Import/Json/JsonSchemaMsg.h"
-#include "Import/Json/OpenApiMsg.h"
+#include "Import/Json/JsonMessage.h"
 #include "support/FullTypes.h"
 #include "support/Importing.h"
 

@@ -1,4 +1,4 @@
-#include "Import/Json/JsonSchemaMsg.h"
+#include "Import/Json/JsonMessage.h"
 #include "support/FullTypes.h"
 #include "support/Importing.h"
 

@@ -1,7 +1,5 @@
 #include "Import/Dtd/DTDFullMsg.h"
-#include "Import/Json/AvroMsg.h"
-#include "Import/Json/JsonSchemaMsg.h"
-#include "Import/Json/OpenApiMsg.h"
+#include "Import/Json/JsonMessage.h"
 #include "Import/Schema/Full/SchemaFullMsg.h"
 #include "support/Importing.h"
 

@@ -70,7 +70,7 @@ void ApiMessages::readPaths(Index paths, std::string_view prefix)
 {
     if (!tree.is(paths, JsonNode::object))
         return;
-    for (Index at = tree[paths].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(paths))
         readPathItem(follow(at),
                      prefix.empty() ? CString(tree.key(at)) : CString(prefix) + "_" + CString(tree.key(at)));
 }
@@ -79,7 +79,7 @@ void ApiMessages::readPathItem(Index item, std::string_view name)
 {
     if (!tree.is(item, JsonNode::object) || !isNew(item))
         return;
-    for (Index at = tree[item].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(item))
         if (std::ranges::find(kMethods, tree.key(at)) != std::end(kMethods))
             readOperation(follow(at), CString(tree.key(at)) + "_" + CString(name));
 }
@@ -91,8 +91,7 @@ void ApiMessages::readOperation(Index operation, std::string_view name)
     const std::string_view id = tree.textOf(operation, JsonWord::operationId);
     const CString called = id.empty() ? nameOf(name) : CString(id);
     readBody(follow(tree.find(operation, JsonWord::requestBody)), called + "Request");
-    const Index responses = tree.find(operation, JsonWord::responses, JsonNode::object);
-    for (Index at = tree[responses].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(operation, JsonWord::responses, JsonNode::object))
         readBody(follow(at), called + "Response");
     const Index callbacks = tree.find(operation, JsonWord::callbacks, JsonNode::object);
     if (callbacks != 0 && depth == kMaxCallbacks) {
@@ -101,7 +100,7 @@ void ApiMessages::readOperation(Index operation, std::string_view name)
         return;
     }
     ++depth;
-    for (Index at = tree[callbacks].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(callbacks))
         readPaths(follow(at), called + "_" + CString(tree.key(at)));
     --depth;
 }
@@ -109,8 +108,7 @@ void ApiMessages::readOperation(Index operation, std::string_view name)
 // A body has one schema for each media type.
 void ApiMessages::readBody(Index body, const CString& name)
 {
-    const Index contents = tree.find(body, JsonWord::content, JsonNode::object);
-    for (Index at = tree[contents].firstChild; at != 0; at = tree[at].next) {
+    for (const Index at : tree.childrenOf(body, JsonWord::content, JsonNode::object)) {
         const Index schema = tree.find(tree.target(at), JsonWord::schema);
         if (schema != 0 && isNew(schema))
             schemas.addBody(schema, name);
@@ -121,17 +119,13 @@ void ApiMessages::readAsyncApi(Index root)
 {
     // Components are read first, so that their messages are named after their keys.
     const Index components = tree.find(root, JsonWord::components);
-    const Index messages = tree.find(components, JsonWord::messages, JsonNode::object);
-    const Index declared = tree.find(components, JsonWord::schemas, JsonNode::object);
-    for (Index at = tree[declared].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(components, JsonWord::schemas, JsonNode::object))
         readComponent(at);
-    for (Index at = tree[messages].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(components, JsonWord::messages, JsonNode::object))
         readMessage(follow(at), tree.key(at));
-    for (const Index holder : {root, components}) {
-        const Index channels = tree.find(holder, JsonWord::channels, JsonNode::object);
-        for (Index at = tree[channels].firstChild; at != 0; at = tree[at].next)
+    for (const Index holder : {root, components})
+        for (const Index at : tree.childrenOf(holder, JsonWord::channels, JsonNode::object))
             readChannel(follow(at), tree.key(at));
-    }
 }
 
 // In version 2 the operations of a channel hold its messages, several as alternatives. In version 3 the channel holds
@@ -145,13 +139,12 @@ void ApiMessages::readChannel(Index channel, std::string_view name)
         const std::string_view id = tree.textOf(holder, JsonWord::operationId);
         const CString own = id.empty() ? called : CString(id);
         const Index several = tree.find(message, JsonWord::oneOf, JsonNode::array);
-        for (Index at = tree[several].firstChild; at != 0; at = tree[at].next)
+        for (const Index at : tree.childrenOf(several))
             readMessage(follow(at), own);
         if (several == 0)
             readMessage(message, own);
     }
-    const Index messages = tree.find(channel, JsonWord::messages, JsonNode::object);
-    for (Index at = tree[messages].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(channel, JsonWord::messages, JsonNode::object))
         readMessage(follow(at), tree.key(at));
 }
 
@@ -177,8 +170,7 @@ JsonNode::Index ApiMessages::headersOf(Index message)
         if (const Index headers = tree.find(holder, JsonWord::headers); headers != 0)
             found.push_back(headers);
     };
-    const Index traits = tree.find(message, JsonWord::traits, JsonNode::array);
-    for (Index at = tree[traits].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(message, JsonWord::traits, JsonNode::array))
         add(follow(at));
     add(message);
     if (found.size() < 2)

@@ -35,7 +35,7 @@ void AvroTypes::declareAll(Scoped top)
             continue;
         const auto first = static_cast<std::ptrdiff_t>(waiting.size());
         const auto wait = [&](Index holder, bool isField) {
-            for (Index child = tree[holder].firstChild; child != 0; child = tree[child].next)
+            for (const Index child : tree.childrenOf(holder))
                 waiting.push_back({isField ? tree.find(child, JsonWord::type) : child, at.space});
         };
         if (tree.is(at.schema, JsonNode::array)) {

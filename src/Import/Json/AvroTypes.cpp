@@ -29,7 +29,7 @@ void AvroTypes::addCandidate(Index schema, std::string_view name)
 {
     declareAll({schema, 0});
     const Index several = tree.is(schema, JsonNode::array) ? schema : 0;
-    for (Index at = tree[several].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(several))
         if (const Sorted sorted = sort({{at, 0}}); !sorted.records.empty())
             if (const auto shape = shapeOf({{at, 0}}, name, SourceTypes::kNone))
                 names.addCandidate(*shape, name, tree.placeOf(at));
@@ -64,8 +64,7 @@ void AvroTypes::addNamedTypes()
     std::unordered_map<SourceTypes::Index, std::string_view> uris; // by record
     for (const Scoped& at : all) {
         const std::string_view uri = types.keep(tree.names[at.space]);
-        const std::string_view full = tree.textOf(at.schema, JsonWord::name);
-        const std::string_view name = names.toModelName(full.substr(full.rfind('.') + 1), at.schema);
+        const std::string_view name = simpleNameOf(at.schema);
         const auto shape = shapeOf({at}, name, SourceTypes::kNone);
         if (!shape)
             continue;
@@ -85,7 +84,7 @@ void AvroTypes::readProtocol(Index protocol)
     const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);
     readDeclared({});
     const Index messages = tree.find(protocol, JsonWord::messages, JsonNode::object);
-    for (Index at = tree[messages].firstChild; at != 0; at = tree[at].next) {
+    for (const Index at : tree.childrenOf(messages)) {
         const Index message = tree.target(at);
         const CString name(tree.key(at));
         const Index request = tree.find(message, JsonWord::request, JsonNode::array);
@@ -163,7 +162,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
         const Index inner = tree.find(at.schema, JsonWord::type);
         if (tree.is(at.schema, JsonNode::array)) {
             const auto first = static_cast<std::ptrdiff_t>(alternatives.size());
-            for (Index member = tree[at.schema].firstChild; member != 0; member = tree[member].next)
+            for (const Index member : tree.childrenOf(at.schema))
                 alternatives.push_back({member, at.space});
             std::reverse(alternatives.begin() + first, alternatives.end());
         } else if (tree.is(inner, JsonNode::object) || tree.is(inner, JsonNode::array)) {
@@ -205,6 +204,13 @@ void AvroTypes::sortOut(Scoped at, std::string_view type, Sorted& sorted)
         sorted.leaves.push_back(at);
 }
 
+// Returns the name of a named type without its namespace; empty if the schema has no name.
+std::string_view AvroTypes::simpleNameOf(Index schema)
+{
+    const std::string_view full = tree.textOf(schema, JsonWord::name);
+    return full.empty() ? full : names.toModelName(full.substr(full.rfind('.') + 1), schema);
+}
+
 // Returns the record of these schemas: that of the only schema, else one with the fields of all.
 SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool isMap, std::string_view name,
                                       SourceTypes::Index home)
@@ -217,10 +223,9 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool i
     if (!isNew)
         return known->second;
     const Index schema = schemas.front().schema;
-    const std::string_view full = schemas.size() == 1 && !isMap ? tree.textOf(schema, JsonWord::name) : "";
-    const std::string_view own = full.empty() ? name : names.toModelName(full.substr(full.rfind('.') + 1), schema);
-    SourceTypes::Record row{own, describe(schema), tree.placeOf(schema)};
-    if (!full.empty())
+    const std::string_view own = schemas.size() == 1 && !isMap ? simpleNameOf(schema) : "";
+    SourceTypes::Record row{own.empty() ? name : own, describe(schema), tree.placeOf(schema)};
+    if (!own.empty())
         row.space = types.spaceOf(tree.names[schemas.front().space]);
     else if (row.home = home; home != SourceTypes::kNone)
         row.space = types.records[home].space;
@@ -281,22 +286,20 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
     std::vector<std::string_view> constants;
     std::unordered_set<NameTable::Id> met;
     for (const Scoped& leaf : leaves) {
-        const Index symbols = find(leaf.schema, JsonWord::symbols, JsonNode::array);
-        for (Index at = tree[symbols].firstChild; at != 0; at = tree[at].next)
+        for (const Index at : tree.childrenOf(find(leaf.schema, JsonWord::symbols, JsonNode::array)))
             if (!tree.is(at, JsonNode::string))
                 documents.note(SourceReport::invalidValue, at, tree.text(at));
             else if (met.insert(tree[at].text).second)
                 constants.push_back(types.keep(tree.text(at)));
     }
     const Index schema = leaves.front().schema;
-    const std::string_view full = leaves.size() == 1 ? tree.textOf(schema, JsonWord::name) : "";
-    const std::string_view own = full.empty() ? name : names.toModelName(full.substr(full.rfind('.') + 1), schema);
+    const std::string_view own = leaves.size() == 1 ? simpleNameOf(schema) : "";
     // An enumeration without symbols can't be declared, so it becomes text.
     if (constants.empty())
         return {};
     const SourceTypes::Index space = types.spaceOf(tree.names[leaves.front().space]);
-    return {SourceTypes::kindEnumeration,
-            types.addEnumeration(own, constants, !full.empty(), describe(schema), tree.placeOf(schema), space)};
+    return {SourceTypes::kindEnumeration, types.addEnumeration(own.empty() ? name : own, constants, !own.empty(),
+                                                               describe(schema), tree.placeOf(schema), space)};
 }
 
 void AvroTypes::finish()
@@ -328,7 +331,7 @@ void AvroTypes::readFields(const Pending& record)
         for (const Scoped& schema : record.schemas) {
             const bool isList = tree.is(schema.schema, JsonNode::array);
             const Index list = isList ? schema.schema : find(schema.schema, JsonWord::fields, JsonNode::array);
-            for (Index at = tree[list].firstChild; at != 0; at = tree[at].next) {
+            for (const Index at : tree.childrenOf(list)) {
                 spendStep();
                 const Index field = tree.target(at);
                 report.count(SourceReport::defaultValue, tree.find(field, JsonWord::defaultWord) != 0);

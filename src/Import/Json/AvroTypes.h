@@ -68,6 +68,7 @@ private:
     Sorted sort(std::vector<Scoped> alternatives);
     void spendStep();
     void sortOut(Scoped at, std::string_view type, Sorted& sorted);
+    std::string_view simpleNameOf(Index schema);
     SourceTypes::Type recordOf(const std::vector<Scoped>& schemas, bool isMap, std::string_view name,
                                SourceTypes::Index home);
     std::optional<SourceTypes::Type> leafOf(const std::vector<Scoped>& leaves, std::string_view name);

@@ -17,6 +17,16 @@ constexpr std::size_t kFewFields = 16;
 constexpr std::size_t kMaxKept = 4'000'000;   // of fields and constants
 constexpr std::size_t kMaxSteps = 20'000'000; // bounds schemas that combine many others
 
+bool isObject(Kind kind)
+{
+    return kind == JsonContent::record || kind == JsonContent::map;
+}
+
+bool isRefinedText(Kind kind)
+{
+    return kind == JsonContent::enumeration || kind == JsonContent::time;
+}
+
 // Returns whether an enumeration lists all constants of another.
 bool includes(std::span<const JsonConstant> all, std::span<const JsonConstant> some)
 {
@@ -33,9 +43,8 @@ bool JsonContents::isDeclared(Index schema) const
     const Index parent = tree[schema].parent;
     if (parent == 0)
         return documents.rootOf(schema) == schema;
-    const JsonWord key = tree.keyOf(parent);
     return tree.is(parent, JsonNode::object) &&
-           (key == JsonWord::defs || key == JsonWord::definitions || key == JsonWord::schemas);
+           isOneOf(tree.keyOf(parent), {JsonWord::defs, JsonWord::definitions, JsonWord::schemas});
 }
 
 void JsonContents::step(std::size_t count)
@@ -96,7 +105,7 @@ void JsonContents::enter(Index schema)
     Frame& frame = frames.emplace_back();
     frame.node = schema;
     const bool isMade = tree[schema].parent == 0 && documents.rootOf(schema) != schema;
-    const bool isChoice = isMade || tree.keyOf(schema) == JsonWord::oneOf || tree.keyOf(schema) == JsonWord::anyOf;
+    const bool isChoice = isMade || isOneOf(tree.keyOf(schema), {JsonWord::oneOf, JsonWord::anyOf});
     if (tree.is(schema, JsonNode::array) && isChoice)
         readMembers(schema, either, frame.parts);
     else if (tree.is(schema, JsonNode::object))
@@ -154,7 +163,7 @@ void JsonContents::overrideDiscriminator(Frame& frame)
     const Index schema = tree.add(JsonNode::object, 0, 0, JsonWord::none, frame.mapping);
     const Index listed = tree.add(JsonNode::array, schema, 0, JsonWord::enumWord, frame.mapping);
     Index last = 0;
-    for (Index at = tree[frame.mapping].firstChild; at != 0; at = tree[at].next) {
+    for (const Index at : tree.childrenOf(frame.mapping)) {
         last = tree.add(JsonNode::string, listed, last, JsonWord::none, at);
         tree[last].text = tree[at].key;
     }
@@ -166,8 +175,7 @@ void JsonContents::overrideDiscriminator(Frame& frame)
 
 void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index part)
 {
-    const bool isObject = added.kind == JsonContent::record || added.kind == JsonContent::map;
-    frame.objects += how == either && isObject ? 1 : 0;
+    frame.objects += how == either && isObject(added.kind) ? 1 : 0;
     const Kind kind = frame.content.kind;
     if (added.kind == JsonContent::none) {
         frame.allowsAny = frame.allowsAny || (how == either && !isNull(part));
@@ -175,8 +183,7 @@ void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index p
     }
     if (how == both && added.isConditional)
         how = maybe;
-    const bool isEmpty = kind == JsonContent::record && frame.isBorrowed && frame.content.count == 0;
-    if (kind == JsonContent::none || (isEmpty && isObject && how == maybe)) {
+    if (kind == JsonContent::none || (isEmpty(frame) && isObject(added.kind) && how == maybe)) {
         take(frame, added);
         frame.content.isConditional = frame.content.isConditional || how == maybe;
     } else if (how == either) {
@@ -220,8 +227,17 @@ void JsonContents::makeOwn(Frame& frame)
     if (content.kind == JsonContent::enumeration)
         frame.constants.assign(constants.begin() + content.first, constants.begin() + content.first + content.count);
     if (content.kind == JsonContent::record)
-        for (std::uint32_t i = 0; i < content.count; ++i)
-            addField(frame, fields[content.first + i], content.isConditional ? maybe : both);
+        for (const JsonField& field : fieldsOf(content))
+            addField(frame, field, content.isConditional ? maybe : both);
+}
+
+// Adds the fields of another record.
+void JsonContents::addFields(Frame& frame, const JsonContent& record, How how)
+{
+    makeOwn(frame);
+    step(record.count);
+    for (const JsonField& field : fieldsOf(record))
+        addField(frame, field, how);
 }
 
 // Combines two contents that both apply, the second one under a condition with `maybe`. Fields of records add up, text
@@ -232,29 +248,21 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
     const Kind kind = frame.content.kind;
     if (kind == JsonContent::none)
         return take(frame, added);
-    const bool isEmpty = kind == JsonContent::record && frame.isBorrowed && frame.content.count == 0;
     const bool addsNothing = added.kind == JsonContent::record && added.count == 0;
-    if ((kind == JsonContent::record || kind == JsonContent::map) && addsNothing)
+    if (isObject(kind) && addsNothing)
         return;
-    if (isEmpty && (added.kind == JsonContent::record || added.kind == JsonContent::map))
+    if (isEmpty(frame) && isObject(added.kind))
         return take(frame, added);
-    if (kind == JsonContent::record && added.kind == JsonContent::record) {
-        makeOwn(frame);
-        step(added.count);
-        for (std::uint32_t i = 0; i < added.count; ++i)
-            addField(frame, fields[added.first + i], how);
-        return;
-    }
+    if (kind == JsonContent::record && added.kind == JsonContent::record)
+        return addFields(frame, added, how);
     // Conditions exclude each other, as "then" and "else" do.
     if (how == maybe && frame.content.isConditional)
         return joinEither(frame, added, part);
     if (how == maybe && !(kind == JsonContent::map && added.kind == JsonContent::record))
         return;
-    const bool isRefined =
-        kind == JsonContent::text && (added.kind == JsonContent::enumeration || added.kind == JsonContent::time);
-    if (isRefined)
+    if (kind == JsonContent::text && isRefinedText(added.kind))
         return take(frame, added);
-    if (added.kind == JsonContent::text && (kind == JsonContent::enumeration || kind == JsonContent::time))
+    if (added.kind == JsonContent::text && isRefinedText(kind))
         return;
     if (kind == added.kind && (kind == JsonContent::map || kind == JsonContent::array)) {
         const Index items = frame.content.items;
@@ -286,10 +294,7 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
         return take(frame, added);
     if (kind == added.kind) {
         if (kind == JsonContent::record) {
-            makeOwn(frame);
-            step(added.count);
-            for (std::uint32_t i = 0; i < added.count; ++i)
-                addField(frame, fields[added.first + i], either);
+            addFields(frame, added, either);
         } else if (kind == JsonContent::enumeration) {
             makeOwn(frame);
             step(added.count);
@@ -304,7 +309,6 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
         }
         return;
     }
-    const auto isObject = [](Kind one) { return one == JsonContent::record || one == JsonContent::map; };
     if (isObject(kind) || isObject(added.kind)) {
         const bool isBoth = isObject(kind) && isObject(added.kind);
         documents.note(isBoth ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
@@ -321,9 +325,7 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
     }
     if (kind == JsonContent::number || added.kind == JsonContent::number)
         documents.note(SourceReport::kindsDiffer, part);
-    JsonContent text;
-    text.kind = JsonContent::text;
-    take(frame, text);
+    take(frame, {.kind = JsonContent::text});
 }
 
 void JsonContents::addOwnFields(Frame& frame, Index properties)
@@ -335,12 +337,10 @@ void JsonContents::addOwnFields(Frame& frame, Index properties)
     // Properties make a schema an object, whatever its other parts say.
     if (frame.content.kind != JsonContent::record) {
         documents.note(SourceReport::kindsDiffer, properties);
-        JsonContent record;
-        record.kind = JsonContent::record;
-        take(frame, record);
+        take(frame, {.kind = JsonContent::record});
     }
     makeOwn(frame);
-    for (Index at = tree[properties].firstChild; at != 0; at = tree[at].next) {
+    for (const Index at : tree.childrenOf(properties)) {
         step();
         const Index schema = tree.target(at);
         if (tree.is(schema, JsonNode::boolean) && tree.text(schema) == "false")

@@ -144,9 +144,11 @@ private:
     void enter(Index schema);
     void readSchema(Frame& frame);
     void readKeyword(Frame& frame, Index child, Own& own);
+    void readItems(Index schema, JsonWord key, Index node, Own& own);
     void readReference(Frame& frame, Index child);
     void readDiscriminator(Frame& frame, Index node);
     void readMembers(Index holder, How how, std::vector<Part>& parts) const;
+    void appendTargets(Index holder, std::vector<Index>& targets) const;
     static std::optional<SourceReport::Construct> detailOf(JsonWord key);
     void countDetail(JsonWord key);
     void countOptional(Index schema, Index properties);
@@ -158,11 +160,16 @@ private:
     Index choiceOf(const std::vector<Index>& schemas);
     void finish();
     void overrideDiscriminator(Frame& frame);
+    static bool isEmpty(const Frame& frame)
+    {
+        return frame.isBorrowed && frame.content.kind == JsonContent::record && frame.content.count == 0;
+    }
     void join(Frame& frame, const JsonContent& added, How how, Index part);
     void joinBoth(Frame& frame, const JsonContent& added, How how, Index part);
     void joinEither(Frame& frame, const JsonContent& added, Index part);
     void take(Frame& frame, const JsonContent& added);
     void makeOwn(Frame& frame);
+    void addFields(Frame& frame, const JsonContent& record, How how);
     void addOwnFields(Frame& frame, Index properties);
     void addField(Frame& frame, JsonField field, How how);
     void addConstant(Frame& frame, JsonConstant constant);

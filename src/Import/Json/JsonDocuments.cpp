@@ -64,25 +64,12 @@ Place placeUnder(Place place, JsonWord key)
 {
     if (place != statement)
         return place == names ? statement : data;
-    switch (key) {
-    case JsonWord::constWord:
-    case JsonWord::enumWord:
-    case JsonWord::defaultWord:
-    case JsonWord::example:
-    case JsonWord::examples:
+    using enum JsonWord;
+    if (isOneOf(key, {constWord, enumWord, defaultWord, example, examples}))
         return data;
-    case JsonWord::properties:
-    case JsonWord::patternProperties:
-    case JsonWord::defs:
-    case JsonWord::definitions:
-    case JsonWord::dependentSchemas:
-    case JsonWord::dependencies:
-    case JsonWord::schemas:
-    case JsonWord::responses:
-        return names;
-    default:
-        return statement;
-    }
+    const bool hasNames = isOneOf(
+        key, {properties, patternProperties, defs, definitions, dependentSchemas, dependencies, schemas, responses});
+    return hasNames ? names : statement;
 }
 
 } // namespace
@@ -94,7 +81,7 @@ JsonNode::Index JsonDocuments::load(const CString& fileName)
         return 0;
     Index root = 0;
     try {
-        root = read(fileName, fileName, kMaxNamedFile, false);
+        root = read(fileName, fileName, false);
     } catch (const JsonFault& fault) {
         throw refusalOf(fileName, fault);
     }
@@ -105,13 +92,12 @@ JsonNode::Index JsonDocuments::load(const CString& fileName)
     return root;
 }
 
-JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& shownName, std::size_t most,
-                                    bool ignoresSiblings)
+JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& shownName, bool ignoresSiblings)
 {
     const std::uint32_t number = report.addFile(shownName);
     documents.resize(number + 1);
     CString text;
-    if (const FileCause cause = readFile(fileName, text, most); cause != FileCause::none)
+    if (const FileCause cause = readFile(fileName, text, kMaxNamedFile); cause != FileCause::none)
         throw SourceRefusal{cantOpen(shownName, cause), {shownName, inWords(fileName, cause)}};
     beginWork(Work::reading);
     const auto first = static_cast<Index>(tree.size());
@@ -154,8 +140,8 @@ void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
         if (node.kind != JsonNode::string || places[node.parent - first] != statement)
             continue;
         const JsonWord key = tree.keyOf(at);
-        const bool isIdentifier = key == JsonWord::dollarId || key == JsonWord::anchor ||
-                                  key == JsonWord::dynamicAnchor || (isDraft4 && key == JsonWord::id);
+        const bool isIdentifier = isOneOf(key, {JsonWord::dollarId, JsonWord::anchor, JsonWord::dynamicAnchor}) ||
+                                  (isDraft4 && key == JsonWord::id);
         if (isIdentifier &&
             !(documents[node.document].ignoresSiblings && tree.find(node.parent, JsonWord::ref, JsonNode::string) != 0))
             identified.push_back(at);
@@ -254,12 +240,13 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
         return 0;
     }
     // Entered before it is read, so that a document that fails isn't read again.
-    if (parsed.try_emplace(file->id, 0).second) {
+    const auto [entry, isNew] = parsed.try_emplace(file->id);
+    if (isNew) {
         const bool wasPaused = report.pause(false); // documents are read once, and their own losses found then
-        parsed[file->id] = readNamed(*file, path, holder);
+        entry->second = readNamed(*file, path, holder);
         report.pause(wasPaused);
     }
-    return parsed[file->id];
+    return entry->second;
 }
 
 JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& path, Index holder)
@@ -269,7 +256,7 @@ JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& p
     const CString shownName = shownFrom(fromName, documents[from.file].folder, path, file);
     const CString named = " (named in " + placeInWords(fromName, from.line, from.column) + ")";
     try {
-        return read(file.name, shownName, kMaxNamedFile, ignoresSiblings(holder));
+        return read(file.name, shownName, ignoresSiblings(holder));
     } catch (const JsonFault& fault) {
         report.add(SourceReport::moduleIllFormed, {report.fileCount() - 1, fault.line, fault.column},
                    fault.reason + named);

@@ -61,7 +61,7 @@ private:
         SourceReport::Construct fault = SourceReport::unresolvedReference;
     };
 
-    Index read(const CString& fileName, const CString& shownName, std::size_t most, bool ignoresSiblings);
+    Index read(const CString& fileName, const CString& shownName, bool ignoresSiblings);
     void findIdentifiers(Index first, bool isDraft4);
     void keepIdentifier(Index node, bool isDraft4);
     const CString& uriOf(Index resource) const;

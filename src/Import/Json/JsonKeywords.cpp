@@ -8,49 +8,51 @@
 
 namespace {
 
-// Returns the kinds of values that a keyword may have, as a set of bits; 0 if it may have any.
-unsigned kindsFor(JsonWord key)
+struct Keyword
 {
-    constexpr unsigned text = 1u << JsonNode::string, list = 1u << JsonNode::array, object = 1u << JsonNode::object,
-                       schema = object | 1u << JsonNode::boolean;
-    switch (key) {
-    case JsonWord::ref:
-    case JsonWord::dynamicRef:
-    case JsonWord::recursiveRef:
-    case JsonWord::format:
-        return text;
-    case JsonWord::allOf:
-    case JsonWord::oneOf:
-    case JsonWord::anyOf:
-    case JsonWord::prefixItems:
-    case JsonWord::enumWord:
-        return list;
-    case JsonWord::dependentSchemas:
-    case JsonWord::dependencies:
-    case JsonWord::properties:
-    case JsonWord::patternProperties:
-        return object;
-    case JsonWord::additionalProperties:
-    case JsonWord::unevaluatedProperties:
-    case JsonWord::additionalItems:
-    case JsonWord::unevaluatedItems:
-    case JsonWord::contains:
-        return schema;
-    case JsonWord::items:
-        return schema | list;
-    case JsonWord::type:
-        return text | list;
-    default:
-        return 0;
-    }
-}
+    unsigned kinds = 0;                              // of values that it may have, as a set of bits; 0 for any
+    std::optional<SourceReport::Construct> detail{}; // that it is, if it is only counted
+};
+
+constexpr auto kKeywords = [] {
+    using enum JsonWord;
+    constexpr unsigned isText = 1u << JsonNode::string, isList = 1u << JsonNode::array,
+                       isObject = 1u << JsonNode::object, isSchema = isObject | 1u << JsonNode::boolean;
+    std::array<Keyword, static_cast<std::size_t>(wordCount)> table{};
+    const auto rowOf = [&table](JsonWord key) -> Keyword& { return table[static_cast<std::size_t>(key)]; };
+    for (const JsonWord key : {ref, dynamicRef, recursiveRef, format})
+        rowOf(key).kinds = isText;
+    for (const JsonWord key : {allOf, oneOf, anyOf, prefixItems, enumWord})
+        rowOf(key).kinds = isList;
+    for (const JsonWord key : {dependentSchemas, dependencies, properties, patternProperties})
+        rowOf(key).kinds = isObject;
+    for (const JsonWord key :
+         {additionalProperties, unevaluatedProperties, additionalItems, unevaluatedItems, contains})
+        rowOf(key).kinds = isSchema;
+    rowOf(items).kinds = isSchema | isList;
+    rowOf(type).kinds = isText | isList;
+    for (const JsonWord key : {pattern, minimum, maximum, exclusiveMinimum, exclusiveMaximum, minLength, maxLength,
+                               multipleOf, minProperties, maxProperties, propertyNames, contains, notWord})
+        rowOf(key).detail = SourceReport::facet;
+    for (const JsonWord key : {minItems, maxItems, uniqueItems})
+        rowOf(key).detail = SourceReport::occurrenceBounds;
+    rowOf(defaultWord).detail = SourceReport::defaultValue;
+    rowOf(nullable).detail = SourceReport::nillable;
+    return table;
+}();
 
 } // namespace
 
 void JsonContents::readMembers(Index holder, How how, std::vector<Part>& parts) const
 {
-    for (Index at = tree[holder].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(holder))
         parts.push_back({tree.target(at), how});
+}
+
+void JsonContents::appendTargets(Index holder, std::vector<Index>& targets) const
+{
+    for (const Index at : tree.childrenOf(holder))
+        targets.push_back(tree.target(at));
 }
 
 void JsonContents::readSchema(Frame& frame)
@@ -60,7 +62,7 @@ void JsonContents::readSchema(Frame& frame)
     if (reference != 0 && documents.ignoresSiblings(schema))
         return readReference(frame, reference);
     Own own;
-    for (Index at = tree[schema].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(schema))
         readKeyword(frame, at, own);
     const bool saysMore = frame.parts.size() != 1 || own.type != 0 || own.isListed || own.hasItems ||
                           !own.mapValues.empty() || own.format != 0;
@@ -73,9 +75,10 @@ void JsonContents::readSchema(Frame& frame)
 void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
 {
     const Index node = tree.target(child);
-    const bool isObject = tree.is(node, JsonNode::object), isArray = tree.is(node, JsonNode::array);
+    const bool isObject = tree.is(node, JsonNode::object);
     const JsonWord key = tree.keyOf(child);
-    if (const unsigned kinds = kindsFor(key); kinds != 0 && (kinds & 1u << tree[node].kind) == 0)
+    if (const unsigned kinds = kKeywords[static_cast<std::size_t>(key)].kinds;
+        kinds != 0 && (kinds & 1u << tree[node].kind) == 0)
         return documents.note(SourceReport::invalidValue, child, tree.key(child));
     switch (key) {
     case JsonWord::ref:
@@ -85,7 +88,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::allOf:
     case JsonWord::extends: // of draft 3, and of generators of code; it may be a single schema
-        if (isArray)
+        if (tree.is(node, JsonNode::array))
             readMembers(node, both, frame.parts);
         else if (isObject)
             frame.parts.push_back({node, both});
@@ -102,7 +105,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::dependentSchemas:
     case JsonWord::dependencies:
-        for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
+        for (const Index at : tree.childrenOf(node))
             if (key != JsonWord::dependencies || !tree.is(tree.target(at), JsonNode::array)) // of property names
                 frame.parts.push_back({tree.target(at), maybe});
         break;
@@ -119,8 +122,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::enumWord:
         own.isListed = true;
-        for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
-            own.values.push_back(tree.target(at));
+        appendTargets(node, own.values);
         break;
     case JsonWord::constWord:
         own.isListed = true;
@@ -128,27 +130,10 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::items:
     case JsonWord::prefixItems:
-        own.hasItems = true;
-        if (isArray)
-            for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
-                own.items.push_back(tree.target(at));
-        else if (isObject)
-            own.items.push_back(node);
-        break;
     case JsonWord::additionalItems:
-        // It has no effect without a list of items.
-        if (isObject && tree.is(tree.find(frame.node, JsonWord::items), JsonNode::array))
-            own.items.push_back(node);
-        break;
     case JsonWord::unevaluatedItems:
-        own.hasItems = own.hasItems || isObject;
-        if (isObject)
-            own.items.push_back(node);
-        break;
     case JsonWord::contains:
-        countDetail(key);
-        if (mayBeObject(node))
-            own.contained = node;
+        readItems(frame.node, key, node, own);
         break;
     case JsonWord::additionalProperties:
     case JsonWord::unevaluatedProperties:
@@ -156,8 +141,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
             own.mapValues.push_back(node);
         break;
     case JsonWord::patternProperties:
-        for (Index at = tree[node].firstChild; at != 0; at = tree[at].next)
-            own.mapValues.push_back(tree.target(at));
+        appendTargets(node, own.mapValues);
         break;
     case JsonWord::discriminator:
         readDiscriminator(frame, node);
@@ -165,6 +149,26 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
     default:
         countDetail(key);
     }
+}
+
+// Reads a keyword about the items of an array.
+void JsonContents::readItems(Index schema, JsonWord key, Index node, Own& own)
+{
+    const bool isObject = tree.is(node, JsonNode::object);
+    if (key == JsonWord::contains) {
+        countDetail(key);
+        own.contained = mayBeObject(node) ? node : own.contained;
+        return;
+    }
+    // It has no effect without a list of items.
+    if (key == JsonWord::additionalItems && !tree.is(tree.find(schema, JsonWord::items), JsonNode::array))
+        return;
+    own.hasItems = own.hasItems || isOneOf(key, {JsonWord::items, JsonWord::prefixItems}) ||
+                   (key == JsonWord::unevaluatedItems && isObject);
+    if (isObject)
+        own.items.push_back(node);
+    else if (tree.is(node, JsonNode::array))
+        appendTargets(node, own.items);
 }
 
 void JsonContents::readReference(Frame& frame, Index child)
@@ -188,32 +192,7 @@ void JsonContents::readDiscriminator(Frame& frame, Index node)
 // Returns the detail that a keyword is; nothing for other keywords.
 std::optional<SourceReport::Construct> JsonContents::detailOf(JsonWord key)
 {
-    switch (key) {
-    case JsonWord::pattern:
-    case JsonWord::minimum:
-    case JsonWord::maximum:
-    case JsonWord::exclusiveMinimum:
-    case JsonWord::exclusiveMaximum:
-    case JsonWord::minLength:
-    case JsonWord::maxLength:
-    case JsonWord::multipleOf:
-    case JsonWord::minProperties:
-    case JsonWord::maxProperties:
-    case JsonWord::propertyNames:
-    case JsonWord::contains:
-    case JsonWord::notWord:
-        return SourceReport::facet;
-    case JsonWord::minItems:
-    case JsonWord::maxItems:
-    case JsonWord::uniqueItems:
-        return SourceReport::occurrenceBounds;
-    case JsonWord::defaultWord:
-        return SourceReport::defaultValue;
-    case JsonWord::nullable:
-        return SourceReport::nillable;
-    default:
-        return std::nullopt;
-    }
+    return kKeywords[static_cast<std::size_t>(key)].detail;
 }
 
 void JsonContents::countDetail(JsonWord key)
@@ -227,8 +206,7 @@ void JsonContents::countOptional(Index schema, Index properties)
     std::size_t all = 0, required = 0;
     for (Index at = tree[properties].firstChild; at != 0; at = tree[at].next)
         ++all;
-    const Index names = tree.find(schema, JsonWord::required, JsonNode::array);
-    for (Index at = tree[names].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(schema, JsonWord::required, JsonNode::array))
         required += tree.is(at, JsonNode::string) && tree.find(properties, tree[at].text) != 0 ? 1 : 0;
     report.count(SourceReport::optionality, all - std::min(all, required));
 }
@@ -236,13 +214,13 @@ void JsonContents::countOptional(Index schema, Index properties)
 // Returns the types that a schema names, in their order. Null among several is left out.
 std::vector<JsonWord> JsonContents::typesOf(Index type)
 {
-    constexpr JsonWord known[] = {JsonWord::string, JsonWord::number, JsonWord::integer, JsonWord::boolean,
-                                  JsonWord::object, JsonWord::array,  JsonWord::nullWord};
     std::vector<JsonWord> types;
     const bool isList = tree.is(type, JsonNode::array);
     for (Index at = isList ? tree[type].firstChild : type; at != 0; at = isList ? tree[at].next : 0) {
         const JsonWord word = tree.wordOf(tree[at].text);
-        if (!tree.is(at, JsonNode::string) || std::ranges::find(known, word) == std::end(known))
+        const bool isKnown = isOneOf(word, {JsonWord::string, JsonWord::number, JsonWord::integer, JsonWord::boolean,
+                                            JsonWord::object, JsonWord::array, JsonWord::nullWord});
+        if (!tree.is(at, JsonNode::string) || !isKnown)
             documents.note(SourceReport::invalidValue, at, tree.text(at));
         if (isList && word == JsonWord::nullWord)
             report.count(SourceReport::nillable);

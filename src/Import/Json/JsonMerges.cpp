@@ -27,13 +27,13 @@ JsonNode::Index JsonContents::baseOf(Index schema)
         const Index reference = tree.find(schema, JsonWord::ref, JsonNode::string);
         if (reference == 0)
             break;
-        constexpr JsonWord remarks[] = {JsonWord::none,        JsonWord::ref,     JsonWord::title,
-                                        JsonWord::description, JsonWord::example, JsonWord::examples,
-                                        JsonWord::defaultWord, JsonWord::nullable};
         bool isPlain = !tree[schema].isLarge;
         if (!documents.ignoresSiblings(schema))
             for (Index at = isPlain ? tree[schema].firstChild : 0; at != 0; at = tree[at].next)
-                isPlain = isPlain && std::ranges::find(remarks, tree.keyOf(at)) != std::end(remarks);
+                isPlain = isPlain &&
+                          isOneOf(tree.keyOf(at),
+                                  {JsonWord::none, JsonWord::ref, JsonWord::title, JsonWord::description,
+                                   JsonWord::example, JsonWord::examples, JsonWord::defaultWord, JsonWord::nullable});
         const Index target = isPlain ? documents.resolve(reference, tree[reference].text) : 0;
         if (target == 0)
             break;
@@ -100,8 +100,7 @@ JsonNode::Index JsonContents::makeMerged(const Merged& merged)
         const bool isCondition = merged.how == maybe && last != 0;
         if (isCondition && holder != schema)
             last = std::exchange(holder, schema);
-        last =
-            tree.addAlias(isCondition ? schema : holder, last, isCondition ? JsonWord::then : JsonWord::none, member);
+        last = tree.addAlias(holder, last, isCondition ? JsonWord::then : JsonWord::none, member);
     }
     mergeInputs.emplace(schema, merged);
     return schema;
@@ -118,17 +117,16 @@ bool JsonContents::areEquivalent(Index one, Index other) const
 
 bool JsonContents::isLeafOf(Index schema, NameTable::Id& type, NameTable::Id& format) const
 {
-    constexpr JsonWord leaves[] = {JsonWord::string, JsonWord::number, JsonWord::integer, JsonWord::boolean};
     if (tree[schema].isLarge)
         return false;
-    for (Index at = tree[schema].firstChild; at != 0; at = tree[at].next) {
+    for (const Index at : tree.childrenOf(schema)) {
         const JsonWord key = tree.keyOf(at);
         if (key == JsonWord::type && tree.is(at, JsonNode::string))
             type = tree[at].text;
         else if (key == JsonWord::format && tree.is(at, JsonNode::string))
             format = tree[at].text;
-        else if (key != JsonWord::title && key != JsonWord::description && key != JsonWord::none && !detailOf(key))
+        else if (!isOneOf(key, {JsonWord::title, JsonWord::description, JsonWord::none}) && !detailOf(key))
             return false;
     }
-    return std::ranges::find(leaves, tree.wordOf(type)) != std::end(leaves);
+    return isOneOf(tree.wordOf(type), {JsonWord::string, JsonWord::number, JsonWord::integer, JsonWord::boolean});
 }

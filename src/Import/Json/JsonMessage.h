@@ -25,3 +25,48 @@ protected:
     /// `source` is the name of the first file, not its content.
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) final;
 };
+
+/// The importer of JSON Schemas, drafts 4 to 2020-12, in JSON or YAML.
+class JsonSchemaMessage : public JsonMessage
+{
+public:
+    JsonSchemaMessage() : JsonMessage(m_descr) {}
+
+    static MsgBase* New() { return new JsonSchemaMessage; }
+
+    static MsgUIDescriptor m_descr;
+
+protected:
+    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
+                       SourceReport& report) override;
+};
+
+/// The importer of API descriptions: OpenAPI 3 and AsyncAPI 2 and 3, in JSON or YAML.
+class OpenApiMessage : public JsonMessage
+{
+public:
+    OpenApiMessage() : JsonMessage(m_descr) {}
+
+    static MsgBase* New() { return new OpenApiMessage; }
+
+    static MsgUIDescriptor m_descr;
+
+protected:
+    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
+                       SourceReport& report) override;
+};
+
+/// The importer of Avro schemas and protocols.
+class AvroMessage : public JsonMessage
+{
+public:
+    AvroMessage() : JsonMessage(m_descr) {}
+
+    static MsgBase* New() { return new AvroMessage; }
+
+    static MsgUIDescriptor m_descr;
+
+protected:
+    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
+                       SourceReport& report) override;
+};

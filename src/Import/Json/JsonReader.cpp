@@ -67,8 +67,8 @@ JsonNode::Kind kindOfPlain(std::string_view text)
     return isNumber ? JsonNode::number : JsonNode::string;
 }
 
-/// Reads the only document of a YAML stream. An alias becomes a node that refers to its anchor's node, so a document of
-/// nested aliases ("billion laughs") doesn't grow.
+// Reads the only document of a YAML stream. An alias becomes a node that refers to its anchor's node, so a document of
+// nested aliases ("billion laughs") doesn't grow.
 class YamlReader
 {
 public:
@@ -206,7 +206,7 @@ private:
         if (tree.is(source, JsonNode::object))
             builder.merge(source);
         else if (tree.is(source, JsonNode::array))
-            for (Index at = tree[source].firstChild; at != 0; at = tree[at].next)
+            for (const Index at : tree.childrenOf(source))
                 builder.merge(tree.target(at));
     }
 

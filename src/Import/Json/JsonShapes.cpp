@@ -175,15 +175,14 @@ JsonShapes::Index JsonShapes::memberOf(Index object, Index before, std::string_v
         return guess;
     const NameTable::Id id = names.intern(key);
     const std::uint64_t place = static_cast<std::uint64_t>(object) << 32 | id;
-    const auto [known, isNew] = members.try_emplace(place, 0);
+    const auto [known, isNew] = members.try_emplace(place);
+    const Index member = isNew ? add(object, id) : known->second;
     if (isNew) {
-        const Index member = add(object, id);
-        members[place] = member;
+        known->second = member;
         Shape& holder = shapes[object];
         (holder.last == 0 ? holder.first : shapes[holder.last].next) = member;
         holder.last = member;
     }
-    const Index member = isNew ? shapes[object].last : known->second;
     if (before != 0)
         shapes[before].follower = member;
     return member;

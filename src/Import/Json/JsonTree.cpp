@@ -16,26 +16,11 @@ constexpr std::size_t kMaxPosition = 10'000; // in an array; pointers don't coun
 
 constexpr std::string_view kWords[] = {
 #define WORD(name) #name,
-    JSON_WORDS(WORD)
+#define OTHER_WORD(name, text) text,
+    JSON_WORDS(WORD) JSON_OTHER_WORDS(OTHER_WORD)
+#undef OTHER_WORD
 #undef WORD
-        "$ref",
-    "$dynamicRef",
-    "$recursiveRef",
-    "$schema",
-    "$id",
-    "$anchor",
-    "$dynamicAnchor",
-    "$defs",
-    "if",
-    "else",
-    "enum",
-    "const",
-    "default",
-    "not",
-    "namespace",
-    "null",
-    "date-time"};
-static_assert(std::size(kWords) + 1 == static_cast<std::size_t>(JsonWord::wordCount));
+};
 
 std::uint64_t memberKey(Index object, NameTable::Id key)
 {
@@ -110,7 +95,7 @@ JsonNode::Index JsonTree::addAlias(Index parent, Index last, JsonWord key, Index
 void JsonTree::index(Index object)
 {
     nodes[object].isLarge = true;
-    for (Index at = nodes[object].firstChild; at != 0; at = nodes[at].next)
+    for (const Index at : childrenOf(object))
         members[memberKey(object, nodes[at].key)] = at;
 }
 
@@ -137,10 +122,6 @@ CString JsonTree::pointerTo(Index node) const
         pointer += "/" + *step;
     return pointer;
 }
-
-JsonBuilder::JsonBuilder(JsonTree& tree, const SourceTypes& types, SourceReport& report, std::uint32_t document) :
-    tree(tree), types(types), report(report), document(document)
-{}
 
 JsonNode::Index JsonBuilder::add(JsonNode::Kind kind, std::string_view text, std::uint32_t line, std::uint32_t column)
 {
@@ -173,11 +154,11 @@ void JsonBuilder::merge(Index source)
     Level& level = open.back();
     std::unordered_set<NameTable::Id> met;
     countMerged(); // a mapping without members has a cost, too
-    for (Index at = tree[level.node].firstChild; at != 0; at = tree[at].next) {
+    for (const Index at : tree.childrenOf(level.node)) {
         countMerged();
         met.insert(tree[at].key);
     }
-    for (Index at = tree[source].firstChild; at != 0; at = tree[at].next) {
+    for (const Index at : tree.childrenOf(source)) {
         countMerged();
         if (met.insert(tree[at].key).second) {
             nextKey = tree[at].key;
@@ -231,7 +212,7 @@ bool JsonBuilder::isOpen(Index node) const
 void JsonBuilder::dropDuplicates(const Level& level)
 {
     std::vector<Index> all;
-    for (Index at = tree[level.node].firstChild; at != 0; at = tree[at].next)
+    for (const Index at : tree.childrenOf(level.node))
         all.push_back(at);
     std::unordered_set<NameTable::Id> met;
     std::vector<Index> kept;

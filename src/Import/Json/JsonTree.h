@@ -4,6 +4,9 @@
 #include "Import/Full/SourceTypes.h"
 #include "Import/SourceReport.h"
 
+#include <algorithm>
+#include <initializer_list>
+#include <iterator>
 #include <span>
 #include <unordered_map>
 #include <vector>
@@ -25,34 +28,32 @@
     WORD(uniqueItems) WORD(exclusiveMinimum) WORD(exclusiveMaximum) WORD(minProperties) WORD(maxProperties) \
     WORD(additionalItems) WORD(unevaluatedItems) WORD(contains) WORD(propertyNames) WORD(aliases) WORD(order) \
     WORD(traits) WORD(extends)
-// clang-format on
+
+// Words that aren't identifiers in C++, with their texts.
+#define JSON_OTHER_WORDS(WORD) \
+    WORD(ref, "$ref") WORD(dynamicRef, "$dynamicRef") WORD(recursiveRef, "$recursiveRef") \
+    WORD(schemaVersion, "$schema") WORD(dollarId, "$id") WORD(anchor, "$anchor") \
+    WORD(dynamicAnchor, "$dynamicAnchor") WORD(defs, "$defs") WORD(ifWord, "if") WORD(elseWord, "else") \
+    WORD(enumWord, "enum") WORD(constWord, "const") WORD(defaultWord, "default") WORD(notWord, "not") \
+    WORD(namespaceWord, "namespace") WORD(nullWord, "null") WORD(dateTime, "date-time")
 
 enum class JsonWord : std::uint32_t
 {
     none, // the empty text, or one that is no JsonWord
 #define WORD(name) name,
-    JSON_WORDS(WORD)
+#define OTHER_WORD(name, text) name,
+    JSON_WORDS(WORD) JSON_OTHER_WORDS(OTHER_WORD)
+#undef OTHER_WORD
 #undef WORD
-    // Words that aren't identifiers in C++.
-    ref,
-    dynamicRef,
-    recursiveRef,
-    schemaVersion,
-    dollarId,
-    anchor,
-    dynamicAnchor,
-    defs,
-    ifWord,
-    elseWord,
-    enumWord,
-    constWord,
-    defaultWord,
-    notWord,
-    namespaceWord,
-    nullWord,
-    dateTime,
     wordCount
 };
+// clang-format on
+
+/// Returns whether `word` is one of `words`.
+constexpr bool isOneOf(JsonWord word, std::initializer_list<JsonWord> words)
+{
+    return std::ranges::find(words, word) != words.end();
+}
 
 /// A value of a document. Values are identified by their index; 0 is none.
 struct JsonNode
@@ -98,6 +99,20 @@ public:
     /// Returns the number of nodes, with node 0, which is none.
     std::size_t size() const { return nodes.size(); }
 
+    /// The children of a node, in document order. Other nodes may be added while they are visited.
+    struct Children
+    {
+        const JsonTree& tree;
+        Index at;
+
+        Children begin() const { return *this; }
+        static std::default_sentinel_t end() { return {}; }
+        Index operator*() const { return at; }
+        void operator++() { at = tree[at].next; }
+        bool operator==(std::default_sentinel_t) const { return at == 0; }
+    };
+    Children childrenOf(Index node) const { return {*this, nodes[node].firstChild}; }
+
     /// Returns the node that an alias refers to, else the node itself.
     Index target(Index node) const { return nodes[node].kind == JsonNode::alias ? nodes[node].firstChild : node; }
 
@@ -108,6 +123,12 @@ public:
 
     /// The same for a value of kind `kind`; 0 if it is of another kind.
     Index find(Index object, JsonWord key, JsonNode::Kind kind) const;
+
+    /// Returns the children of the array or object under `key`; none if there is no such value.
+    Children childrenOf(Index object, JsonWord key, JsonNode::Kind kind) const
+    {
+        return childrenOf(find(object, key, kind));
+    }
 
     /// Returns the text of the string under `key`; empty if there is none.
     std::string_view textOf(Index object, JsonWord key) const;
@@ -157,7 +178,9 @@ public:
 
     /// `document` is the document's number in the report. Throws SourceRefusal through `types` beyond the maximum
     /// number of values.
-    JsonBuilder(JsonTree& tree, const SourceTypes& types, SourceReport& report, std::uint32_t document);
+    JsonBuilder(JsonTree& tree, const SourceTypes& types, SourceReport& report, std::uint32_t document) :
+        tree(tree), types(types), report(report), document(document)
+    {}
 
     /// Sets the key of the next value.
     void key(std::string_view text) { nextKey = tree.names.intern(text); }

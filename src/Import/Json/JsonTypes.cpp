@@ -210,7 +210,7 @@ void JsonTypes::declareMembers(Index holder, bool asCandidates)
 {
     if (!tree.is(holder, JsonNode::object))
         return;
-    for (Index at = tree[holder].firstChild; at != 0; at = tree[at].next) {
+    for (const Index at : tree.childrenOf(holder)) {
         const Index schema = tree.target(at);
         const bool isOther = tree.find(schema, JsonWord::schemaFormat, JsonNode::string) != 0; // holds another format
         if (isOther || !isWanted(schema))
