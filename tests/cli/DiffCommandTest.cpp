@@ -81,6 +81,13 @@ not compatible: it breaks readers
          "TYPE=\"String\"/></ROW></BROKERTYPEDESCRIPTION></x>' >w.btd; "
          "$import btd w.btd -q -o w2.btd; $import btd w.btd -q --diff w2.btd",
          {0, "", ""}},
+        // Two enumerations of the same name in two folders. The order of the sources makes no difference.
+        {"for n in a b; do echo \"<schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:$n' "
+         "targetNamespace='urn:$n'><simpleType name='E'><restriction base='string'><enumeration value='c'/>"
+         "</restriction></simpleType><element name='D'><complexType><attribute name='e' type='t:E'/></complexType>"
+         "</element></schema>\" >$n.xsd; done; $import xsd --full a.xsd b.xsd -o s.xml; "
+         "$import xsd --full b.xsd a.xsd --diff s.xml",
+         {0, "", ""}},
         {"$import r.dtd --diff none", {2, "", "none: error: No such file or directory\n"}},
         // The same types, but no document: something stands behind the end, or the end is missing.
         {"(cat r.xml; echo x) >x.xml; $import r.dtd --diff x.xml; head -c -1 r.xml >x.xml; $import r.dtd --diff x.xml",

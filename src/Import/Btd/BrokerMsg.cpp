@@ -99,7 +99,7 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
 }
 
 // Reads the constants of an enumeration. The key of each includes the type's name and all constants before it, so no
-// two of an enumeration are equal.
+// two of an enumeration are equal. Enumerations of one name in two folders may have equal keys.
 void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
 {
     RunningHash key(type.name);
@@ -108,7 +108,10 @@ void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
         readAttributes(constant, {{"NAME", &name}, {"DESCRIPTION", &description}});
         noteUnnamed(name, constant, "constant of ", type);
         key.append(".").append(name);
-        model.addElement(key, type.folder, name, Element::typeString, type.element)->setDescription(description);
+        Element* const element = keepsTwins
+                                     ? model.addPart(type.element, model.queryNames().intern(name), Element::typeString)
+                                     : model.addElement(key, type.folder, name, Element::typeString, type.element);
+        element->setDescription(description);
     }
 }
 
