@@ -166,11 +166,14 @@ TEST_F(DtdSets, AreOneImport)
         {"a", "<!ENTITY % m SYSTEM 'm'>%m;<!ELEMENT A (X, Y)>"},
         {"b", "<!ENTITY % m SYSTEM 'm'>%m;<!ELEMENT B (Y)>"},
         {"c", "<!ENTITY % b SYSTEM 'b'>%b;<!ELEMENT C (B, Y)>"},
+        {"d", "<!ENTITY % x 'X'><!ENTITY % e SYSTEM 'e'>%e;<!ELEMENT D (E)><!ELEMENT X EMPTY>"},
+        {"e", "<!ELEMENT E (%x;)>"},
         {"m", "<!ELEMENT X EMPTY>\n<!ELEMENT Y (X)><!ATTLIST Y v CDATA #IMPLIED>"},
     };
     const Row rows[] = {
         {"SharedModules", {"a", "b"}, R"(A: \Y \A \B)"},
         {"ANamedDtdIsNoSource", {"b", "c"}, R"(C: \Y \B \C)"},
+        {"AModuleHasTheEntitiesOfItsDtd", {"e", "d", "b"}, R"(D: \Y \E \D \B)"},
         {"SeveralRoots", {"a", "c"}, R"(B: \Y \B \A)", {"B", "A"}},
     };
     for (const Row& row : rows) {

@@ -4,10 +4,12 @@
 #include "Files/FileMessage.h"
 #include "Import/Dtd/DTDMsg.h"
 #include "Import/Dtd/DTDReader.h"
+#include "Import/Full/DocumentLinks.h"
 #include "Import/Full/FullReadingHint.h"
 
 #include <algorithm>
 #include <numeric>
+#include <optional>
 
 namespace {
 
@@ -63,45 +65,62 @@ CString DTDFullMessage::unsupportedByLiteral(const CString& fileName) const
     return unsupported;
 }
 
-void DTDFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
+// Returns the numbers of the DTDs that are not modules of another one. Each is read by itself to find out, because the
+// entities of a DTD choose its modules.
+std::vector<std::size_t> DTDFullMessage::findTops(std::span<const CString> files,
+                                                  std::span<const std::string_view> texts)
 {
-    using Index = SourceTypes::Index;
-    DTDReader reader(types, report);
-    std::vector<CString> files{fileName};
-    files.insert(files.end(), queryFurtherFiles().begin(), queryFurtherFiles().end());
     std::vector<std::optional<FileId>> ids;
     for (const CString& file : files)
-        // Identities are only needed to recognise a DTD of the set as a module of another one.
-        ids.push_back(files.size() > 1 ? identify(file) : std::nullopt);
-    std::vector<Index> owners(files.size()); // by file: the DTD that includes it as a module, else the file itself
-    std::iota(owners.begin(), owners.end(), 0);
-    const auto ownerOf = [&](Index file) {
-        while (owners[file] != file)
-            file = owners[file];
-        return file;
-    };
+        ids.push_back(identify(file));
+    DocumentLinks links;
+    std::vector<DocumentLinks::Index> all(files.size());
+    std::iota(all.begin(), all.end(), 0);
+    for (const DocumentLinks::Index i : all) {
+        SourceTypes types(files[i]);
+        SourceReport unused;
+        DTDEntities entities(types, unused, queryCatalogs());
+        DTDTokens tokens(entities, begin(entities, types, files[i], texts[i]), unused);
+        DTDReader(types, unused).read(tokens);
+        for (const DocumentLinks::Index other : all)
+            if (ids[other] && entities.hasRead(*ids[other]))
+                links.add(i, other);
+    }
+    return links.findTops(all);
+}
+
+// Declares the caller's entities, and returns the text of the DTD behind them.
+DTDEntities::Text& DTDFullMessage::begin(DTDEntities& entities, SourceTypes& types, const CString& file,
+                                         std::string_view text) const
+{
+    DTDEntities::Text& main = entities.addMain(file, text);
+    for (const auto& [name, value] : given)
+        entities.declare(name, types.adopt(CString(value)), main.start);
+    return main;
+}
+
+void DTDFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
+{
+    std::vector<CString> files{fileName};
+    files.insert(files.end(), queryFurtherFiles().begin(), queryFurtherFiles().end());
+    std::vector<std::string_view> texts{source};
+    for (const CString& file : queryFurtherFiles())
+        texts.push_back(types.adopt(textOf(file)));
+    DTDReader reader(types, report);
     std::vector<bool> isUsed(given.size()); // by entity
-    for (Index i = 0; i < files.size(); ++i) {
+    std::vector<SourceTypes::Index> sources;
+    for (const std::size_t i : files.size() > 1 ? findTops(files, texts) : std::vector<std::size_t>{0}) {
+        sources.push_back(static_cast<SourceTypes::Index>(i));
         DTDEntities entities(types, report, queryCatalogs());
-        const std::string_view text = i == 0 ? std::string_view(source) : types.adopt(textOf(files[i]));
-        DTDEntities::Text& main = entities.addMain(files[i], text);
-        for (const auto& [name, value] : given)
-            entities.declare(name, types.adopt(CString(value)), main.start);
-        DTDTokens tokens(entities, main, report);
+        DTDTokens tokens(entities, begin(entities, types, files[i], texts[i]), report);
         reader.read(tokens);
         for (const std::string_view entity : tokens.querySectionEntities())
             addSectionEntity(entity);
         for (std::size_t entity = 0; entity < given.size(); ++entity)
             isUsed[entity] = isUsed[entity] || entities.isUsed(given[entity].first);
-        // A DTD that this one has read as a module counts for this one.
-        for (Index other = 0; files.size() > 1 && other < files.size(); ++other)
-            if (owners[other] == other && ownerOf(i) != other && ids[other] && entities.hasRead(*ids[other]))
-                owners[other] = i;
     }
     for (std::size_t entity = 0; entity < given.size(); ++entity)
         if (!isUsed[entity])
             addUnusedEntity(given[entity].first);
-    for (Index& owner : owners)
-        owner = ownerOf(owner);
-    reader.finish(owners, queryRoots());
+    reader.finish(sources, queryRoots());
 }

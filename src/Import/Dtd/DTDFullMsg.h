@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Import/Dtd/DTDEntities.h"
 #include "Import/Full/FullMessage.h"
 
 /// The importer of DTDs, XML and SGML, that reads them in full: parameter entities, modules, conditional sections.
@@ -23,5 +24,9 @@ protected:
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 
 private:
+    std::vector<std::size_t> findTops(std::span<const CString> files, std::span<const std::string_view> texts);
+    DTDEntities::Text& begin(DTDEntities& entities, SourceTypes& types, const CString& file,
+                             std::string_view text) const;
+
     std::vector<std::pair<CString, CString>> given; // entities declared by the caller, ahead of the DTD's own
 };

@@ -14,10 +14,10 @@ public:
     /// Reads one DTD. Further calls add further DTDs of the same set.
     void read(DTDTokens& source);
 
-    /// Makes the types after everything is read. `owners` holds, by the number of a DTD in order of reading, the number
-    /// of the DTD that its declarations count for. With `roots`, undeclared elements that these don't reach are not
+    /// Makes the types after everything is read. `sources` holds, by the number of a DTD in order of reading, its
+    /// number among the sources. With `roots`, undeclared elements that these don't reach are not
     /// reported, because they are not imported.
-    void finish(std::span<const SourceTypes::Index> owners, std::span<const CString> roots);
+    void finish(std::span<const SourceTypes::Index> sources, std::span<const CString> roots);
 
 private:
     using Index = SourceTypes::Index;

@@ -3,11 +3,11 @@
 
 // Adds all records before the first field, because a field names the record of its element, which may be declared
 // later. An element that is only referred to becomes text, and is reported.
-void DTDReader::finish(std::span<const Index> owners, std::span<const CString> roots)
+void DTDReader::finish(std::span<const Index> sources, std::span<const CString> roots)
 {
     const std::vector<bool> isReached = findReached(roots);
     for (Element& element : elements)
-        element.source = owners[element.source];
+        element.source = sources[element.source];
     std::vector<Index> order = declared;
     for (const Element& element : elements)
         if (!element.isDeclared && element.isName) {
