@@ -26,7 +26,9 @@ CString element(const CString& name, const CString& fields)
 }
 
 const CString kParts = schema("p", "<complexType name='T'><sequence><element name='v' type='string' "
-                                   "maxOccurs='9'/></sequence></complexType>");
+                                   "maxOccurs='9'/></sequence></complexType><complexType name='A' abstract='true'>"
+                                   "<attribute name='w'/></complexType><complexType name='B'><complexContent>"
+                                   "<extension base='p:A'/></complexContent></complexType>");
 const CString kImport = "<import namespace='urn:p' schemaLocation='p'/>";
 const CString kField = "<element name='f' type='p:T'/>";
 
@@ -47,6 +49,7 @@ const Files kFiles = {
     {"l", schema("l", "<element name='L' type='int'/><complexType name='T'/>")},
     {"n", schema("", "<include schemaLocation='m'/>" + element("N", "<element name='k' type='string'/>"))},
     {"m", schema("", "<include schemaLocation='n'/>" + element("M", "<element name='h' type='string'/>"))},
+    {"t", schema("t", kImport + "<element name='R' type='p:T'/><element name='Q' type='p:A'/>" + element("S", kField))},
     {"c", schema("c", "<include schemaLocation='m'/>" + element("C", "<element ref='c:M'/>"))},
 };
 
@@ -60,6 +63,12 @@ const Row kSchemas[] = {
     {"OneByNamespace", {"a"}, R"(D: \p\t_v \p\T \a\D)", {}, FullMessage::Layout::byNamespace},
     {"ARootByItsPrefix", {"a", "b"}, R"(D: \p\t_v \p\T \b\D)", {"b:D"}},
     {"ARootByItsUri", {"a", "b"}, R"(D: \p\t_v \p\T \a\D)", {"{urn:a}D"}},
+    {"ATypeOfAnotherNamespaceKeepsItsName",
+     {"t"},
+     R"(R: \p\t_v \t\t_v \t\R \p\T \t\S)",
+     {"R", "S"},
+     FullMessage::Layout::byNamespace},
+    {"AndSoDoThoseThatReplaceIt", {"t"}, R"(Q: \p\B \t\Q)", {"Q"}, FullMessage::Layout::byNamespace},
     {"ATypeAsRoot", {"a"}, R"(T: \T\t_v \T\T)", {"T"}},
     {"SeveralRoots", {"a", "b"}, R"(D: \p\t_v \p\T \b\D \a\D)", {"b:D", "a:D"}},
     {"ARootTwice", {"l"}, R"(L: \L\L)", {"L", "l:L"}},

@@ -44,6 +44,18 @@ void visitChoices(const SourceTypes& types, RecordOrder& order)
     }
 }
 
+// Lets each copy of a record choose the types that the record chooses.
+void copyChoosers(SourceTypes& types, std::span<const std::pair<SourceTypes::Index, SourceTypes::Index>> copies)
+{
+    const std::unordered_multimap<SourceTypes::Index, SourceTypes::Index> choicesOf(types.choosers.begin(),
+                                                                                    types.choosers.end());
+    for (const auto& [record, copy] : copies) {
+        const auto [first, last] = choicesOf.equal_range(record);
+        for (auto chooser = first; chooser != last; ++chooser)
+            types.choosers.emplace_back(copy, chooser->second);
+    }
+}
+
 SourceTypes::Index spaceOf(const SourceTypes& types, SourceTypes::Type type)
 {
     switch (type.kind) {
@@ -196,22 +208,27 @@ FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString
         mainType = types.candidates[chosen.front()].name;
     if (!givenName.empty())
         mainType = toXmlText(givenName);
-    std::unordered_map<Index, Index> met; // first candidate by record
+    std::unordered_map<Index, Index> met;        // first candidate by record
+    std::vector<std::pair<Index, Index>> copies; // pairs of a record and its copy
     for (const Index candidate : chosen) {
         const SourceTypes::Candidate& element = types.candidates[candidate];
         main.files.push_back(element.place.file);
         Index record = recordOf(types, candidate);
-        if (const auto [first, isNew] = met.try_emplace(record, candidate); !isNew) {
-            const SourceTypes::Candidate& other = types.candidates[first->second];
-            if (element.name == other.name && element.space == other.space)
-                continue;
-            record = copyFor(types, element, record);
+        const auto [first, isNew] = met.try_emplace(record, candidate);
+        const SourceTypes::Candidate& other = types.candidates[first->second];
+        if (!isNew && element.name == other.name && element.space == other.space)
+            continue;
+        // A type of another namespace keeps its name there, whichever elements have it.
+        if (!isNew || types.records[record].space != element.space) {
+            copies.emplace_back(record, copyFor(types, element, record));
+            record = copies.back().second;
         }
         types.records[record].name = element.name;
         if (!element.description.empty())
             types.records[record].description = element.description;
         main.records.push_back(record);
     }
+    copyChoosers(types, copies);
     return main;
 }
 

@@ -258,6 +258,9 @@ void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace pla
     candidate.repeats = shape.depth;
     candidate.source = source;
     candidate.uri = uri;
-    candidate.space = uri.empty() ? 0 : types.spaceOf(uri);
+    if (isRecord)
+        candidate.space = types.records[shape.type.index].space;
+    else if (!uri.empty())
+        candidate.space = types.spaceOf(uri);
     types.addCandidate(candidate);
 }
