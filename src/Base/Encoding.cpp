@@ -11,10 +11,16 @@ struct Mark
 {
     std::string_view bytes;
     const char* encoding;
+    std::size_t size; // of the byte order mark in them
 };
 
-// Byte order marks (https://www.w3.org/TR/xml/#sec-guessing). UTF-32 is not supported.
-constexpr Mark kMarks[] = {{"\xEF\xBB\xBF", "UTF-8"}, {"\xFF\xFE", "UTF-16LE"}, {"\xFE\xFF", "UTF-16BE"}};
+// The first bytes of a text (https://www.w3.org/TR/xml/#sec-guessing): a byte order mark, else "<?" or "<!" in UTF-16.
+// UTF-32 is not supported.
+using namespace std::string_view_literals;
+constexpr Mark kMarks[] = {
+    {"\xEF\xBB\xBF", "UTF-8", 3}, {"\xFF\xFE", "UTF-16LE", 2}, {"\xFE\xFF", "UTF-16BE", 2}, {"<\0?\0"sv, "UTF-16LE", 0},
+    {"<\0!\0"sv, "UTF-16LE", 0},  {"\0<\0?"sv, "UTF-16BE", 0}, {"\0<\0!"sv, "UTF-16BE", 0},
+};
 
 constexpr std::string_view kBlank = " \t\r\n";
 constexpr std::string_view kEncodingName = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
@@ -75,7 +81,7 @@ std::string_view decodeText(std::string_view bytes, CString& room)
 {
     for (const Mark& mark : kMarks)
         if (bytes.starts_with(mark.bytes)) {
-            bytes.remove_prefix(mark.bytes.size());
+            bytes.remove_prefix(mark.size);
             return convert(bytes, mark.encoding, room) ? withoutControls(room, room) : withoutControls(bytes, room);
         }
     const CString declared = declaredEncoding(bytes);

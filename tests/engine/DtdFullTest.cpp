@@ -6,9 +6,9 @@ namespace {
 
 #define LATIN1 "<?xml version='1.0' encoding='ISO-8859-1'?>"
 
-CString utf16(const CString& latin1, bool isBigEndian = false)
+CString utf16(const CString& latin1, bool isBigEndian = false, bool isMarked = true)
 {
-    CString text = isBigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    CString text = !isMarked ? "" : isBigEndian ? "\xFE\xFF" : "\xFF\xFE";
     for (const char c : latin1)
         text += isBigEndian ? CString{'\0', c} : CString{c, '\0'};
     return text;
@@ -152,11 +152,15 @@ const Rule kRules[] = {
     // Each file has its own encoding: a byte order mark, a declared one, UTF-8, else Windows-1252.
     {"FileByFileAnEncoding",
      LATIN1 "<!ENTITY % m SYSTEM 'm'>%m;<!ENTITY % n SYSTEM 'n'>%n;<!ENTITY % o SYSTEM 'o'>%o;"
-            "<!ENTITY % q SYSTEM 'q'>%q;<!ELEMENT \xE4 (a, b, c, d)>",
-     "d(\u00F6:String) c(\u017E:String) b(\u00FC:String) a(\u00F6:String) \u00E4(a:a b:b c:c d:d)",
+            "<!ENTITY % q SYSTEM 'q'>%q;<!ENTITY % s SYSTEM 's'>%s;<!ENTITY % t SYSTEM 't'>%t;"
+            "<!ELEMENT \xE4 (a, b, c, d, e, f)>",
+     "f(\u00F6:String) e(\u00F6:String) d(\u00F6:String) c(\u017E:String) b(\u00FC:String) a(\u00F6:String) \u00E4(a:a "
+     "b:b c:c d:d e:e f:f)",
      "",
      {{"m", utf16("<!ELEMENT a (\xF6)><!ELEMENT \xF6 EMPTY>")},
       {"q", utf16("<!ELEMENT d (\xF6)>", true)},
+      {"s", utf16("<!ELEMENT e (\xF6)>", false, false)},
+      {"t", utf16("<?xml encoding='UTF-16'?><!ELEMENT f (\xF6)>", true, false)},
       {"n", "\xEF\xBB\xBF<!ELEMENT b (\u00FC)><!ELEMENT \u00FC EMPTY>"},
       {"o", "<?xml encoding='no'?><!ELEMENT c (\x9E)><!ELEMENT \x9E EMPTY>"}}},
 };
