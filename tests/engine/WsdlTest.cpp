@@ -58,6 +58,18 @@ const Row kRows[] = {
                 "ref='e:arrayType' w:arrayType='s:int[]'/></s:restriction></s:complexContent></s:complexType>") +
           MESSAGE("M", PART("p", "type='t:L'") PART("q", "type='e:string'"))),
      "t_item[Number] L(item:t_item) M(p:L q:String)"},
+    {"ItemsOfAnArrayKeepTheirName",
+     wsdl(types(
+              "<s:complexType name='L'><s:complexContent><s:restriction base='e:Array'><s:sequence><s:element name='i' "
+              "type='s:int' maxOccurs='9'/></s:sequence><s:attribute ref='e:arrayType' w:arrayType='s:int[]'/>"
+              "</s:restriction></s:complexContent></s:complexType>") +
+          MESSAGE("M", PART("p", "type='t:L'"))),
+     "t_i[Number] L(i:t_i) M(p:L)"},
+    {"AnArrayOfUnknownItemsIsALoss",
+     wsdl(types("<s:complexType name='L'><s:complexContent><s:restriction base='e:Array'><s:sequence/></s:restriction>"
+                "</s:complexContent></s:complexType>") +
+          MESSAGE("M", PART("p", "type='t:L'"))),
+     "M(p:String)", "1 loss: 1 group or base type missing"},
     {"ArraysOfArraysAreRecordsOfTables",
      wsdl(types("<s:complexType name='L'><s:complexContent><s:restriction base='e:Array'><s:attribute "
                 "ref='e:arrayType' w:arrayType='s:int[][2,2]'/></s:restriction></s:complexContent></s:complexType>") +

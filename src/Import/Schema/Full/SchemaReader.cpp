@@ -72,7 +72,8 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
 }
 
 // Reads an array of SOAP's encoding (https://www.w3.org/TR/SOAP/#_Toc478383522): the attribute wsdl:arrayType gives the
-// type of the items. The attribute becomes a repeated element "item".
+// type of the items. The attribute becomes a repeated element, named like the one that the content declares for the
+// items, else "item".
 void SchemaReader::makeArray(XmlAttributes attributes)
 {
     for (std::size_t i = 0; i < attributes.size(); ++i) {
@@ -89,6 +90,10 @@ void SchemaReader::makeArray(XmlAttributes attributes)
         SchemaNode item = tree.nodes.back();
         item.tag = SchemaTag::element;
         item.name = tree.names.intern("item");
+        const Index group = tree.childOf(item.parent, SchemaTag::sequence, SchemaTag::all, SchemaTag::choice);
+        if (const Index declared = group == 0 ? 0 : tree.childOf(group, SchemaTag::element); declared != 0)
+            if (tree[declared].hasName())
+                item.name = tree[declared].name;
         item.flags = 0;
         item.occurs = 2;
         tree.nodes.back() = item;

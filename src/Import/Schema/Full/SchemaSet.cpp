@@ -289,10 +289,18 @@ std::vector<std::uint32_t> SchemaSet::includedDocuments(std::uint32_t main) cons
     return documents;
 }
 
+// Returns whether a derivation has elements of its own.
+bool SchemaSet::holdsElements(Index derivation) const
+{
+    const Index group = tree.childOf(derivation, SchemaTag::sequence, SchemaTag::all, SchemaTag::choice);
+    return tree.childOf(derivation, SchemaTag::element) != 0 || (group != 0 && tree[group].firstChild != 0);
+}
+
 void SchemaSet::note(SourceReport::Construct construct, Index node, NameTable::Id name)
 {
-    if (construct == SourceReport::unresolvedContent && SchemaTree::isSoapEncoding(tree[node].reference.space))
-        return; // the base of arrays
+    if (construct == SourceReport::unresolvedContent && SchemaTree::isSoapEncoding(tree[node].reference.space) &&
+        holdsElements(node))
+        return; // an array that declares its items
     notes.emplace_back(node, construct, name);
     if (notes.size() < manyNotes)
         return;

@@ -157,6 +157,7 @@ private:
     void declare(Index component, bool redefines);
     void collectMembers();
     std::vector<std::uint32_t> includedDocuments(std::uint32_t document) const;
+    bool holdsElements(Index derivation) const;
     void sortNotes();
     Index namedAround(Index node) const;
 
