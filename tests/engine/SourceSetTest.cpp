@@ -111,6 +111,29 @@ TEST_F(SchemaSets, AreOneImport)
         EXPECT_EQ(namesOf(kFiles, row), row.types) << row.name;
 }
 
+TEST_F(SchemaSets, ACopyOfADeclarationIsNoLoss)
+{
+    const CString kept = "<complexType name='K'><sequence><element name='k' type='p:T'/></sequence></complexType>";
+    const std::pair<CString, std::size_t> copies[] = {
+        {kept, 0},
+        {"\n<!-- -->" + kept, 0},
+        {"<complexType name='K'><sequence><element name='k' type='p:S'/></sequence></complexType>", 1},
+        {"<complexType name='K'><sequence><element name='k' type='p:T'/><element name='l'/></sequence></complexType>",
+         1},
+        {"<complexType name='K'><sequence/></complexType>", 1},
+        {"<complexType name='K'><choice><element name='k' type='p:T'/></choice></complexType>", 1},
+        {"<complexType name='K' abstract='true'>" + kept.substr(kept.find('>') + 1), 1},
+    };
+    const CString rest = "<simpleType name='T'><restriction base='int'/></simpleType><simpleType name='S'>"
+                         "<restriction base='int'/></simpleType>" +
+                         element("E", "<element name='e' type='p:K'/>");
+    for (const auto& [copy, losses] : copies) {
+        message.setFurtherFiles({folder.write("copy", schema("p", copy))});
+        EXPECT_EQ(message.parseFile(folder.write("first", schema("p", kept + rest)), ""), 1);
+        EXPECT_EQ(message.queryReport().countsInWords(SourceReport::loss).size(), losses) << copy;
+    }
+}
+
 TEST_F(SchemaSets, AmbiguousRootIsRefusedWithItsCandidates)
 {
     for (const auto& [name, bytes] : kFiles)

@@ -173,7 +173,7 @@ void SchemaSet::declare(Index component, bool redefines)
         return;
     if (redefines)
         redefined[component] = std::exchange(place, component);
-    else
+    else if (tree.documentOf(place).file == tree.documentOf(component).file || !tree.areEqual(place, component))
         note(SourceReport::declaredTwice, component);
 }
 

@@ -24,6 +24,28 @@ std::vector<SchemaName> SchemaTree::listOf(Index at) const
     return out;
 }
 
+bool SchemaTree::areEqual(Index one, Index other) const
+{
+    const SchemaDocument& left = documentOf(one);
+    const SchemaDocument& right = documentOf(other);
+    if (left.elementsQualified != right.elementsQualified || left.attributesQualified != right.attributesQualified)
+        return false;
+    // What a component holds lies behind it.
+    const auto isPart = [this](Index at, Index of) { return at < documentOf(of).end && nodes[at].parent >= of; };
+    for (Index i = 0;; ++i) {
+        const bool isLeft = i == 0 || isPart(one + i, one), isRight = i == 0 || isPart(other + i, other);
+        if (!isLeft || !isRight)
+            return isLeft == isRight;
+        const SchemaNode &a = nodes[one + i], &b = nodes[other + i];
+        const bool isSame = a.tag == b.tag && a.occurs == b.occurs && a.flags == b.flags && a.name == b.name &&
+                            (i == 0 || a.parent - one == b.parent - other) &&
+                            referenceOf(one + i) == referenceOf(other + i) && listOf(one + i) == listOf(other + i) &&
+                            documentation(one + i) == documentation(other + i);
+        if (!isSame)
+            return false;
+    }
+}
+
 std::uint32_t SchemaTree::adopt(std::uint32_t document, NameTable::Id space)
 {
     SchemaDocument copy = documents[document];

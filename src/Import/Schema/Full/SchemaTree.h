@@ -116,6 +116,9 @@ public:
     /// Returns the first of these names; empty if there are none.
     SchemaName firstListed(Index at) const { return adopted(at, listed[nodes[at].list]); }
 
+    /// Returns whether two components, with all that they hold, say the same.
+    bool areEqual(Index one, Index other) const;
+
     /// Returns true for the namespaces of XML Schema of 2001, 2000/10 and 1999.
     static bool isSchemaLanguage(NameTable::Id space) { return space >= 1 && space <= 3; }
     static constexpr NameTable::Id kXmlNamespace = 4;
