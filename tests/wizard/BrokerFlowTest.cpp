@@ -42,7 +42,7 @@ public:
         type(IDC_SERVER, server);
         control<QLineEdit>(IDC_PORT).setText(port);
         control<QAbstractButton>(user ? IDC_LOGON_BROKER : IDC_LOGON_TRUSTED).click();
-        control<QComboBox>(IDC_USER).setEditText(user ? user : "");
+        control<QComboBox>(IDC_USER).setEditText(user ? user : "UNUSED");
         control<QLineEdit>(IDC_PASSWORD).setText(password);
     }
 
