@@ -525,6 +525,8 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
          {0, "old", refused("old")}},
         {"chmod 0 x.xsd; for how in '' --full; do $as ./import xsd $how s.xsd; done; rm -f s.xsd x.xsd",
          {0, "", denied + denied}},
+        {"chmod 0 closed; $as ./import xsd hidden.xsd; rm -r closed hidden.xsd",
+         {0, "", "hidden.xsd:1:56: error: closed/x.xsd: Permission denied\n"}},
         {"chmod 0 m.mod; $as ./import dtd --full m.dtd; rm -f m.dtd m.mod",
          {0, "", "m.dtd:2:1: error: m.mod: Permission denied\n"}},
         {"chmod 777 .; chmod 666 old; $as ./import dtd r.dtd -l -o old; stat -c '%u %a' old; cat old",
@@ -543,6 +545,9 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
     folder.write("m.mod", "<!ELEMENT b (#PCDATA)>");
     folder.write("m.dtd", "<!ENTITY % m SYSTEM 'm.mod'>\n%m;<!ELEMENT a (b)>");
     folder.write("x.xsd", "<s/>");
+    folder.write("closed/x.xsd", "<s/>");
+    folder.write("hidden.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
+                               "<xs:include schemaLocation='closed/x.xsd'/></xs:schema>");
     folder.write("s.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>\n"
                           "<xs:include schemaLocation='x.xsd'/></xs:schema>");
     for (const auto& [line, answer] : rows)

@@ -153,11 +153,13 @@ const Rule kRules[] = {
     {"FileByFileAnEncoding",
      LATIN1 "<!ENTITY % m SYSTEM 'm'>%m;<!ENTITY % n SYSTEM 'n'>%n;<!ENTITY % o SYSTEM 'o'>%o;"
             "<!ENTITY % q SYSTEM 'q'>%q;<!ENTITY % s SYSTEM 's'>%s;<!ENTITY % t SYSTEM 't'>%t;"
-            "<!ELEMENT \xE4 (a, b, c, d, e, f)>",
-     "f(\u00F6:String) e(\u00F6:String) d(\u00F6:String) c(\u017E:String) b(\u00FC:String) a(\u00F6:String) \u00E4(a:a "
-     "b:b c:c d:d e:e f:f)",
+            "<!ENTITY % u SYSTEM 'u'>%u;<!ELEMENT \xE4 (a, b, c, d, e, f, g)>",
+     "g(\u043E:String) f(\u00F6:String) e(\u00F6:String) d(\u00F6:String) c(\u017E:String) b(\u00FC:String) "
+     "a(\u00F6:String) \u00E4(a:a b:b c:c d:d e:e f:f g:g)",
      "",
-     {{"m", utf16("<!ELEMENT a (\xF6)><!ELEMENT \xF6 EMPTY>")},
+     {{"u",
+       CString("<?xml encoding='ISO-8859-5'?><!ELEMENT g (\xDE)><!ELEMENT\0\xDE EMPTY>", 63)}, // the zero is a blank
+      {"m", utf16("<!ELEMENT a (\xF6)><!ELEMENT \xF6 EMPTY>")},
       {"q", utf16("<!ELEMENT d (\xF6)>", true)},
       {"s", utf16("<!ELEMENT e (\xF6)>", false, false)},
       {"t", utf16("<?xml encoding='UTF-16'?><!ELEMENT f (\xF6)>", true, false)},
@@ -272,6 +274,12 @@ TEST_F(DtdMain, AnImportLeavesNothingToTheNext)
     EXPECT_EQ(message.queryMainTypes(), std::vector<CString>());
     EXPECT_EQ(message.queryMainTypeName(), "x");
     EXPECT_EQ(fullTypesOf(message), "c(c_d:String)");
+    EXPECT_EQ(import("<!ELEMENT a (b)>"), 1);
+    EXPECT_EQ(message.queryMainTypes(), std::vector<CString>{"a"});
+    message.setCatalogs({"/none"});
+    EXPECT_EQ(import("<!ELEMENT a (b)>"), 0);
+    EXPECT_EQ(message.queryMainTypes(), std::vector<CString>());
+    boxes.take();
 }
 
 TEST_F(DtdMain, NothingToImportIsAnError)

@@ -352,6 +352,7 @@ TEST(Documents, TextsMadeFitForXml)
         {"\xEF\xBF\xBF\v", "\xEF\xBF\xBD\xEF\xBF\xBD"},
         {"\xF0\x9F\x99\x82 and more", "\xF0\x9F\x99\x82 and more"},
         {"\xC0\xAF", "\xC3\x80\xC2\xAF"},
+        {"\xF0\x80\x80\xAF", "\u00F0\u20AC\u20AC\u00AF"},
     };
     for (const auto& [bytes, text] : rows) {
         EXPECT_EQ(toXmlText(bytes), text);

@@ -64,12 +64,14 @@ public:
     explicit EndAt(int report) :
         before(setProgressHandler([this, report](const Progress& progress) {
             EXPECT_TRUE(progress.total == 0 || progress.done <= progress.total);
+            arranges |= progress.work == Work::arranging && progress.total == 0;
             return ++reports != report;
         }))
     {}
     ~EndAt() { setProgressHandler(before); }
 
     int reports = 0;
+    bool arranges = false; // steps that aren't counted
 
 private:
     const ProgressHandler before;
@@ -89,6 +91,7 @@ TEST(Cancelling, LeavesTheImporterEmptyAndAsItWas)
             const EndAt never(0);
             EXPECT_EQ(whole->parseFile(file, "\\b\\"), 1);
             reports = never.reports;
+            EXPECT_EQ(never.arranges, CString("xml btd").find(source.importer) == CString::npos) << source.importer;
         }
         whole->getXML(document);
         EXPECT_GT(reports, 3);
