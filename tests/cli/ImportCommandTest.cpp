@@ -284,6 +284,10 @@ TEST_F(ImportCommand, AnswersExactly)
           "3 references became text\n1 impossible name\n1 entity not expanded\n1 declaration skipped\n"
           "1 entity skipped\n1 optional part\n"
           "5 types, 4 fields: 0 typed, 4 left text\n"}},
+        {"printf '<!ELEMENT r (s, a?, b?)><!ELEMENT s ANY>' | $import dtd --full - -q -o /dev/null --report-format "
+         "json "
+         "--report /dev/stdout | grep '\"details\":{'",
+         {0, " \"details\":{\"optional\":2,\"any-content\":1},\n", ""}},
         {"cat i.xsd | $import xsd - -q -o /dev/null --report-format json --report /dev/stdout",
          {0,
           R"({"version":1,"places":[

@@ -65,6 +65,19 @@ TEST(Model, RepeatedUsageBecomesATable)
     EXPECT_EQ(message.beginEnum(), 3);
 }
 
+// A description of the length of the generated one is kept all the same.
+TEST(Model, GeneratedDescriptionsAreToldFromOthers)
+{
+    for (const CString description : {"r_a (Automatically created)", "r_a (Automatically Created)"}) {
+        Declared message([&](Declared& m) {
+            m.addAttribute("r.a", "\\f\\", "a", description, Element::typeString, m.add("r", "r"));
+        });
+        CString document;
+        message.getXML(document);
+        EXPECT_NE(document.find("DESCRIPTION=\"" + description), CString::npos) << document;
+    }
+}
+
 // Records are declared again, hold each other, and have names that give two declarations the same key.
 TEST(Model, FieldsAreToldApartByNamesAsByKeys)
 {
