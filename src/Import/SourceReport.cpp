@@ -117,6 +117,12 @@ CString shortened(std::string_view name)
     return text;
 }
 
+// Returns whether any component of the source may be missing because of such a construct.
+bool mayHideComponents(SourceReport::Construct construct)
+{
+    return construct <= SourceReport::moduleRemote || construct == SourceReport::unterminated;
+}
+
 std::uint64_t hashOf(SourceReport::Construct construct, SourcePlace place, std::string_view name)
 {
     const std::uint32_t head[] = {construct, place.file, place.line, place.column};
@@ -137,23 +143,67 @@ std::uint32_t SourceReport::addFile(const CString& fileName)
     return static_cast<std::uint32_t>(files.size() - 1);
 }
 
-// Repetitions are dropped only if the column is known, because several equal constructs may be on one line.
 void SourceReport::add(Construct construct, SourcePlace place, std::string_view name)
 {
-    if (isPaused)
+    if (mode == paused)
         return;
-    const Sort sort = rowFor(construct).sort;
-    Places& kept = places[sort];
-    if (kept.bytes >= kMaxMegabytes[sort] << 20) {
-        ++counts[construct];
-        ++kept.unlisted;
-        return;
+    const std::uint64_t hash = hashOf(construct, place, name);
+    if (mode == holding && heldBytes < kMaxMegabytes[loss] << 20) {
+        const Component owner = mayHideComponents(construct) ? 0 : component;
+        heldPlaces.push_back({{names.keep(shortened(name)), place, construct}, hash, owner});
+        heldBytes += sizeof(HeldPlace) + heldPlaces.back().entry.name.size();
+    } else if (countPlace(construct, place, hash)) {
+        list({names.keep(shortened(name)), place, construct});
     }
-    if (place.column > 0 && !seen.insert(hashOf(construct, place, name), 0).second)
-        return;
+}
+
+// Counts a construct, and returns whether to list its place. Repetitions are dropped only if the column is known,
+// because several equal constructs may be on one line.
+bool SourceReport::countPlace(Construct construct, SourcePlace place, std::uint64_t hash)
+{
+    const Sort sort = rowFor(construct).sort;
+    const bool isFull = places[sort].bytes >= kMaxMegabytes[sort] << 20;
+    if (!isFull && place.column > 0 && !seen.insert(hash, 0).second)
+        return false;
     ++counts[construct];
-    kept.entries.push_back({names.keep(shortened(name)), place, construct});
-    kept.bytes += sizeof(Entry) + kept.entries.back().name.size() + kBytesToNote;
+    places[sort].unlisted += isFull;
+    return !isFull;
+}
+
+void SourceReport::list(const Entry& entry)
+{
+    Places& kept = places[rowFor(entry.construct).sort];
+    kept.entries.push_back(entry);
+    kept.bytes += sizeof(Entry) + entry.name.size() + kBytesToNote;
+}
+
+// Adds up the counts of a component, so that a large one takes no more memory.
+void SourceReport::holdBack(Construct construct, std::size_t times)
+{
+    if (times == 0)
+        return;
+    for (auto held = heldCounts.rbegin(); held != heldCounts.rend() && held->component == component; ++held)
+        if (held->construct == construct) {
+            held->times += times;
+            return;
+        }
+    heldCounts.push_back({times, component, construct});
+}
+
+void SourceReport::release(const std::function<bool(Component)>& isReached)
+{
+    const auto isReported = [&](Component owner) { return owner == 0 || !isReached || isReached(owner); };
+    mode = reporting;
+    for (const HeldPlace& held : heldPlaces)
+        if (isReported(held.component) && countPlace(held.entry.construct, held.entry.place, held.hash))
+            list(held.entry);
+    for (const HeldCount& held : heldCounts)
+        if (isReported(held.component))
+            count(held.construct, held.times);
+    heldPlaces.clear();
+    heldCounts.clear();
+    heldBytes = 0;
+    component = 0;
 }
 
 CString SourceReport::inWords(const Entry& entry)
@@ -217,5 +267,9 @@ void SourceReport::clear()
     seen = {};
     names.release();
     counts = {};
-    isPaused = false;
+    mode = reporting;
+    component = 0;
+    heldPlaces.clear();
+    heldBytes = 0;
+    heldCounts.clear();
 }

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -153,10 +154,32 @@ public:
     void add(Construct construct, SourcePlace place, std::string_view name);
 
     /// Counts a detail without a place.
-    void count(Construct construct, std::size_t times = 1) { counts[construct] += isPaused ? 0 : times; }
+    void count(Construct construct, std::size_t times = 1)
+    {
+        if (mode == reporting)
+            counts[construct] += times;
+        else if (mode == holding)
+            holdBack(construct, times);
+    }
 
-    /// Sets whether add() and count() are ignored, and returns the setting before.
-    bool pause(bool on) { return std::exchange(isPaused, on); }
+    /// Sets whether add() and count() are ignored, and returns the setting before. Don't use it with hold().
+    bool pause(bool on) { return std::exchange(mode, on ? paused : reporting) == paused; }
+
+    /// The number that a reader gives to a declaration that types are made of; 0 for the source as a whole.
+    using Component = std::uint32_t;
+
+    /// Holds back what add() and count() get from now on, until release(). Up to 64 MB of places are held; further ones
+    /// are reported at once.
+    void hold() { mode = holding; }
+    bool isHolding() const { return mode == holding; }
+
+    /// Sets the component that the following constructs belong to, and returns the one before. Documents that can't be
+    /// read, and declarations without an end, always belong to the whole source.
+    Component enter(Component number) { return std::exchange(component, number); }
+
+    /// Reports what was held back, in order, for the whole source and for the components that were reached. An empty
+    /// function reports all.
+    void release(const std::function<bool(Component)>& isReached);
 
     /// A construct with its place. The name is valid until clear().
     struct Entry
@@ -205,10 +228,41 @@ private:
         std::size_t unlisted = 0;
     };
 
+    enum Mode : std::uint8_t
+    {
+        reporting,
+        holding,
+        paused
+    };
+
+    // A place that is held back.
+    struct HeldPlace
+    {
+        Entry entry;
+        std::uint64_t hash;
+        Component component;
+    };
+
+    // A count that is held back.
+    struct HeldCount
+    {
+        std::size_t times;
+        Component component;
+        Construct construct;
+    };
+
+    void holdBack(Construct construct, std::size_t times);
+    bool countPlace(Construct construct, SourcePlace place, std::uint64_t hash);
+    void list(const Entry& entry);
+
     std::deque<CString> files;
     Arena names;
     NumberTable seen; // hashes of the entries
     std::array<Places, sortCount> places;
     std::array<std::size_t, constructCount> counts{};
-    bool isPaused = false;
+    Mode mode = reporting;
+    Component component = 0;
+    std::deque<HeldPlace> heldPlaces;
+    std::size_t heldBytes = 0; // memory of these places, roughly
+    std::deque<HeldCount> heldCounts;
 };

@@ -168,4 +168,26 @@ TEST_P(Wsdl, GivesTheTypesOfItsMessages)
 
 INSTANTIATE_TEST_SUITE_P(Rows, Wsdl, testing::ValuesIn(kRows), [](const auto& row) { return row.param.name; });
 
+using WsdlRoot = Importing<WsdlMessage>;
+
+// Without a root the messages are imported, but not what they don't reach.
+TEST_F(WsdlRoot, LimitsTheReport)
+{
+    const CString source = wsdl(types(ELEMENT("a", "<s:element name='x' nillable='1'/>")
+                                          ELEMENT("b", "<s:element name='y' type='t:none' minOccurs='0'/>")) +
+                                MESSAGE("M", PART("p", "element='t:a'")) MESSAGE("O", PART("p", "element='t:none'"))
+                                    MESSAGE("N", PART("q", "type='s:int'") PART("", "type='s:int'") "<prt/>"));
+    const std::pair<const char*, const char*> rows[] = {
+        {"", "3 losses: 1 reference became text, 1 statement not understood, 1 missing name; 1 nillable element"},
+        {"a", "; 1 nillable element"},
+        {"b", "1 loss: 1 reference became text; 1 optional part"},
+        {"N", "2 losses: 1 statement not understood, 1 missing name"},
+    };
+    for (const auto& [root, counts] : rows) {
+        message.setRoot(root);
+        EXPECT_EQ(import(source), 1);
+        EXPECT_EQ(countsOf(message), counts) << root;
+    }
+}
+
 } // namespace

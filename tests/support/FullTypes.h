@@ -42,3 +42,12 @@ inline CString reportOf(MsgBase& message, const CString& folder)
         text.erase(at, folder.size());
     return text;
 }
+
+/// Returns the counts of an import's report: the losses in one line, then each kind of detail.
+inline CString countsOf(const MsgBase& message)
+{
+    CString text = message.queryReport().lossesInWords();
+    for (const CString& detail : message.queryReport().countsInWords(SourceReport::detail))
+        text += "; " + detail;
+    return text;
+}

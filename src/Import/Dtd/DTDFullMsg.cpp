@@ -106,6 +106,8 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
     std::vector<std::string_view> texts{source};
     for (const CString& file : queryFurtherFiles())
         texts.push_back(types.adopt(textOf(file)));
+    if (!queryRoots().empty())
+        report.hold();
     DTDReader reader(types, report);
     std::vector<bool> isUsed(given.size()); // by entity
     std::vector<SourceTypes::Index> sources;

@@ -45,6 +45,7 @@ void DTDReader::readDeclaration()
     if (tokens->token().isMark('['))
         return; // the brackets hold declarations
     tokens->skipDeclaration();
+    report.enter(0);
     if (tokens->token().kind == DTDTokens::tokenMissing && !isNoted)
         note(SourceReport::unterminated, tokens->keyword());
 }
@@ -66,17 +67,45 @@ DTDReader::Element& DTDReader::elementNamed(std::string_view name)
     return made;
 }
 
-// Reads the names that a declaration is for: one, or in SGML a group of names. Returns false if there is none.
+// Reads the names that a declaration is for. What is reported from here on belongs to these. Returns false if there is
+// none, or an impossible one.
 bool DTDReader::readNames()
 {
     names.clear();
+    const bool isRead = readNameGroup();
+    enterComponent(names);
+    return isRead;
+}
+
+// Makes the elements of these names the component that the following constructs belong to, and returns the one before.
+SourceReport::Component DTDReader::enterComponent(std::span<const std::string_view> elementNames)
+{
+    if (!report.isHolding() || elementNames.empty())
+        return report.enter(0);
+    components.insert(components.end(), elementNames.begin(), elementNames.end());
+    components.emplace_back();
+    return report.enter(static_cast<SourceReport::Component>(components.size() - elementNames.size()));
+}
+
+// Reports a construct of one of the elements that a declaration is for.
+void DTDReader::noteFor(const Element& element, SourceReport::Construct construct, std::string_view name)
+{
+    const SourceReport::Component all = enterComponent({&element.name, 1});
+    report.add(construct, tokens->place(), name);
+    report.enter(all);
+}
+
+// Reads one name, or in SGML a group of names.
+bool DTDReader::readNameGroup()
+{
     const bool isGroup = tokens->token().isMark('(');
     if (isGroup)
         tokens->next();
     do {
-        if (tokens->token().kind == DTDTokens::tokenWord && isXmlName(tokens->token().text))
+        const bool isWord = tokens->token().kind == DTDTokens::tokenWord;
+        if (isWord)
             names.push_back(tokens->token().text);
-        else if (!isGroup || tokens->token().kind != DTDTokens::tokenMark)
+        if (isWord ? !isXmlName(names.back()) : !isGroup || tokens->token().kind != DTDTokens::tokenMark)
             return false;
         tokens->next();
     } while (isGroup && !tokens->token().isMark(')'));
@@ -219,7 +248,7 @@ void DTDReader::declareElement(Element& element, Index firstContent, bool holdsT
 {
     if (element.isDeclared) {
         if (element.source == sourceCount || !isSame(element, firstContent, holdsText))
-            report.add(SourceReport::declaredTwice, tokens->place(), element.name);
+            noteFor(element, SourceReport::declaredTwice, element.name);
         return;
     }
     element.source = sourceCount;
@@ -229,7 +258,7 @@ void DTDReader::declareElement(Element& element, Index firstContent, bool holdsT
     element.firstContent = firstContent;
     element.contentCount = static_cast<Index>(contents.size() - firstContent);
     if (holdsText && element.contentCount > 0)
-        report.add(SourceReport::mixedContent, tokens->place(), element.name);
+        noteFor(element, SourceReport::mixedContent, element.name);
     declared.push_back(element.index);
 }
 
@@ -325,8 +354,7 @@ void DTDReader::addAttribute(Element& element, std::string_view name, SourceType
     const std::size_t hash = keyHash(key);
     if (const Attribute* const known = attributesByKey.find(key, hash)) {
         if (known->source == sourceCount || known->type != type)
-            report.add(SourceReport::attributeDeclaredTwice, tokens->place(),
-                       CString(element.name) + " " + CString(name));
+            noteFor(element, SourceReport::attributeDeclaredTwice, CString(element.name) + " " + CString(name));
         return;
     }
     types.checkFields(attributes.size());

@@ -15,8 +15,8 @@ public:
     void read(DTDTokens& source);
 
     /// Makes the types after everything is read. `sources` holds, by the number of a DTD in order of reading, its
-    /// number among the sources. With `roots`, undeclared elements that these don't reach are not
-    /// reported, because they are not imported.
+    /// number among the sources. With `roots`, only the elements that these reach are reported, because the others are
+    /// not imported; the report must have been holding from the start.
     void finish(std::span<const SourceTypes::Index> sources, std::span<const CString> roots);
 
 private:
@@ -78,6 +78,10 @@ private:
     void readNotation();
     void readDoctype();
     bool readNames();
+    bool readNameGroup();
+    SourceReport::Component enterComponent(std::span<const std::string_view> elementNames);
+    void noteFor(const Element& element, SourceReport::Construct construct, std::string_view name);
+    bool isReached(SourceReport::Component component, const std::vector<bool>& reached) const;
     bool readContent(bool& holdsText);
     bool readGroup(bool& holdsText);
     void readGroupMark(char mark, std::size_t& depth);
@@ -110,8 +114,9 @@ private:
     std::deque<Attribute> attributes;
     KeyedTable<Attribute, &Attribute::queryKey, AttributeKey> attributesByKey;
     ContentModel model;
-    CancelPoint cancelPoint{4096};       // passed at each field
-    std::vector<std::string_view> names; // the names that the current declaration is for
+    CancelPoint cancelPoint{4096};            // passed at each field
+    std::vector<std::string_view> names;      // the names that the current declaration is for
+    std::vector<std::string_view> components; // in the report: lists of names, each ended by an empty one
     std::vector<std::string_view> constants;
     bool isNoted = false; // the current declaration has been reported
 };

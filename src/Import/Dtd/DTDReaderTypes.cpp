@@ -5,13 +5,14 @@
 // later. An element that is only referred to becomes text, and is reported.
 void DTDReader::finish(std::span<const Index> sources, std::span<const CString> roots)
 {
-    const std::vector<bool> isReached = findReached(roots);
+    const std::vector<bool> reached = findReached(roots);
+    report.release([&](SourceReport::Component component) { return isReached(component, reached); });
     for (Element& element : elements)
         element.source = sources[element.source];
     std::vector<Index> order = declared;
     for (const Element& element : elements)
         if (!element.isDeclared && element.isName) {
-            if (isReached[element.index])
+            if (reached[element.index])
                 report.add(element.isReferred ? SourceReport::unresolvedReference : SourceReport::inventedType,
                            element.place, element.name);
             order.push_back(element.index);
@@ -52,6 +53,15 @@ std::vector<bool> DTDReader::findReached(std::span<const CString> roots) const
             reach(contents[element.firstContent + i].name);
     }
     return isReached;
+}
+
+// Returns whether one of a component's elements is among the reached ones.
+bool DTDReader::isReached(SourceReport::Component component, const std::vector<bool>& reached) const
+{
+    for (std::size_t i = component - 1; !components[i].empty(); ++i)
+        if (const Element* const element = elementsByName.find(components[i]); element && reached[element->index])
+            return true;
+    return false;
 }
 
 SourceTypes::Type DTDReader::typeOf(const Element& element) const

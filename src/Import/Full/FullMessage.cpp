@@ -121,6 +121,7 @@ int FullMessage::parse(const CString& source, const CString& basePath, const CSt
         import(source, fileName, basePath);
         return 1;
     } catch (const SourceRefusal& refusal) {
+        report.release({}); // nothing was imported, so all that was found counts
         SourceFault fault = refusal.fault;
         if (fault.file.empty())
             fault.file = fileName;

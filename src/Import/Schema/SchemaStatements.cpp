@@ -83,12 +83,14 @@ void SchemaStatements::scope(const XmlScope& scope)
     lastUri = scope.uri;
 }
 
-SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes)
+SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, SourceReport::Component number)
 {
     const bool isOurs = edition != SchemaEdition::none || (knowsPrefixes && isCommonPrefix(name.prefix));
     const Tag tag = isOurs ? grammar.tagOf(name.local) : Tag::none;
     current = name;
     hasText = false;
+    if (number != 0 && isAtTop())
+        enterComponent(tag >= Tag::element && tag <= Tag::attributeGroup ? number : 0);
     if (ignored > 0) {
         ++ignored;
     } else if (!open.empty()) {
@@ -139,6 +141,7 @@ void SchemaStatements::text(std::string_view text)
     if (said.empty())
         return;
     hasText = true;
+    leaveComponent();
     addFinding(SourceReport::unknownStatement, CString(said.substr(0, kLongestValue)));
 }
 
@@ -349,20 +352,48 @@ void SchemaStatements::addFinding(SourceReport::Construct construct, XmlPlace at
 {
     if (findings.size() == kMaxFindings)
         flush();
-    findings.push_back({construct, at, std::move(name)});
+    findings.push_back({construct, at, std::move(name), component});
+}
+
+// Returns whether a component may begin here.
+bool SchemaStatements::isAtTop() const
+{
+    return ignored == 0 && !open.empty() && (open.size() == 1 || open.back().holder == Tag::redefine);
+}
+
+// Sets the component of the following findings and details.
+void SchemaStatements::enterComponent(SourceReport::Component number)
+{
+    for (std::size_t detail = 0; detail < details.size(); ++detail)
+        if (const std::size_t times = std::exchange(details[detail], 0); times > 0)
+            tallies.push_back({component, static_cast<SourceReport::Construct>(detail), times});
+    component = number;
+}
+
+// Leaves the last component if it has ended.
+void SchemaStatements::leaveComponent()
+{
+    if (component != 0 && isAtTop())
+        enterComponent(0);
 }
 
 void SchemaStatements::flush()
 {
-    for (const Finding& finding : findings)
+    for (const Finding& finding : findings) {
+        report.enter(finding.component);
         report.add(finding.construct, placeOf(finding.place), finding.name);
+    }
+    report.enter(0);
     findings.clear();
 }
 
 void SchemaStatements::finish()
 {
     flush();
-    for (std::size_t detail = 0; detail < details.size(); ++detail)
-        if (details[detail] > 0)
-            report.count(static_cast<SourceReport::Construct>(detail), details[detail]);
+    enterComponent(0);
+    for (const Tally& tally : tallies) {
+        report.enter(tally.component);
+        report.count(tally.detail, tally.times);
+    }
+    report.enter(0);
 }

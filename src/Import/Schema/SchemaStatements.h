@@ -32,8 +32,9 @@ public:
     /// Call it before each enter(), like XmlHandler::scope().
     void scope(const XmlScope& scope);
 
-    /// Enters a start tag. Returns `none` if it is no statement.
-    SchemaTag enter(XmlName name, XmlAttributes attributes);
+    /// Enters a start tag. Returns `none` if it is no statement. `component` is the number in the report of what begins
+    /// here if it is a component at the top; 0 if the report doesn't hold constructs by component.
+    SchemaTag enter(XmlName name, XmlAttributes attributes, SourceReport::Component component = 0);
     /// Leaves the element that was entered last.
     void leave();
 
@@ -43,6 +44,7 @@ public:
     /// Reports an entity that was left out of the document.
     void entityLeftOut(std::string_view name, XmlPlace at)
     {
+        leaveComponent();
         addFinding(SourceReport::entityNotExpanded, at, CString(name));
     }
 
@@ -118,6 +120,15 @@ private:
         SourceReport::Construct construct;
         XmlPlace place;
         CString name;
+        SourceReport::Component component;
+    };
+
+    // The details of one component.
+    struct Tally
+    {
+        SourceReport::Component component;
+        SourceReport::Construct detail;
+        std::size_t times;
     };
 
     SourcePlace placeOf(XmlPlace at) const
@@ -126,6 +137,9 @@ private:
     }
     void addFinding(SourceReport::Construct construct, XmlPlace at, CString name);
     void flush();
+    bool isAtTop() const;
+    void enterComponent(SourceReport::Component number);
+    void leaveComponent();
     void read(SchemaTag tag, XmlName name, XmlAttributes attributes);
     void checkForeign(XmlName called, const char* uri, XmlName statement);
     void checkValue(const Attribute& attribute, XmlName called);
@@ -150,6 +164,8 @@ private:
     XmlPlace start{};
     const char* lastUri = nullptr; // compared by address, as namespaces are interned
     SchemaEdition edition = SchemaEdition::none;
+    SourceReport::Component component = 0; // the one at the top that is open, or was last
     std::vector<Finding> findings;
-    std::array<std::size_t, SourceReport::constructCount> details{};
+    std::array<std::size_t, SourceReport::constructCount> details{}; // of this component
+    std::vector<Tally> tallies;                                      // of earlier ones
 };

@@ -90,7 +90,7 @@ SchemaContents::Index SchemaContents::baseOf(Index type)
     const SchemaName name = tree.referenceOf(derivation);
     if (name.local == 0)
         return 0;
-    const Index base = set.find(SchemaSet::type, name, derivation);
+    const Index base = set.reach(SchemaSet::type, name, derivation);
     if (base == 0 && !set.builtInKind(name))
         set.note(SourceReport::unresolvedContent, derivation, name.local);
     return tree[base].tag == SchemaTag::complexType ? base : 0;
@@ -180,7 +180,7 @@ void SchemaContents::enterGroup(Index reference, std::uint8_t times)
 {
     if (!tree[reference].is(SchemaNode::isReference))
         return;
-    const Index group = set.find(SchemaSet::group, tree.referenceOf(reference), reference);
+    const Index group = set.reach(SchemaSet::group, tree.referenceOf(reference), reference);
     if (group == 0)
         return set.note(SourceReport::unresolvedContent, reference);
     if (isEntered[group])
@@ -201,7 +201,7 @@ void SchemaContents::addElement(Index particle, std::uint8_t times)
         return;
     }
     const SchemaName name = tree.referenceOf(particle);
-    const Index declaration = set.find(SchemaSet::element, name, particle);
+    const Index declaration = set.reach(SchemaSet::element, name, particle);
     if (declaration == 0) {
         set.note(SourceReport::unresolvedReference, particle);
         addOccurrence(name, 0, times, node.documentation);
@@ -230,6 +230,7 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uin
             if (isEntered[member])
                 continue;
             isEntered[member] = true;
+            set.reach(member);
             heads.push_back(member);
             if (!tree[member].is(SchemaNode::isAbstract))
                 addOccurrence(set.nameOf(member), member, times, 0);
@@ -296,7 +297,7 @@ void SchemaContents::walkAttributes(Index holder)
             visitAttribute(at);
         } else if (tree[at].is(SchemaNode::isReference)) {
             spendStep();
-            const Index group = set.find(SchemaSet::attributeGroup, tree.referenceOf(at), at);
+            const Index group = set.reach(SchemaSet::attributeGroup, tree.referenceOf(at), at);
             if (group == 0) {
                 set.note(SourceReport::unresolvedContent, at);
             } else if (!isEntered[group]) {
@@ -327,7 +328,7 @@ void SchemaContents::visitAttribute(Index attribute)
         return;
     }
     const SchemaName name = tree.referenceOf(attribute);
-    const Index declaration = set.find(SchemaSet::attribute, name, attribute);
+    const Index declaration = set.reach(SchemaSet::attribute, name, attribute);
     const bool isOfXml = name.space == SchemaTree::kXmlNamespace && isXmlAttribute(tree.text(name.local));
     if (declaration == 0 && !isOfXml)
         set.note(SourceReport::unresolvedReference, attribute);

@@ -45,6 +45,8 @@ CString SchemaFullMessage::unsupportedByLiteral(const CString& fileName) const
 
 void SchemaFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
+    if (!queryRoots().empty() || !queryFurtherFiles().empty()) // one of which may be a WSDL
+        report.hold();
     SchemaSet set(types, report, queryCatalogs());
     set.load(source);
     for (const CString& file : queryFurtherFiles())
@@ -67,8 +69,11 @@ void SchemaFullMessage::read(const CString& source, const CString& fileName, Sou
             if (queryRoots().empty())
                 wanted.push_back(element);
         set.dropNotes();
+        set.recordReached(queryRoots().empty());
         SourceTypes alone(fileName);
         SchemaTypes(set, alone).readAlone(wanted);
+        report.release([&set](SourceReport::Component component) { return set.isReached(component); });
     }
+    report.release({});
     set.reportNotes();
 }

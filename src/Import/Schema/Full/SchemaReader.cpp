@@ -26,7 +26,7 @@ bool isDescribed(SchemaTag tag)
 } // namespace
 
 SchemaReader::SchemaReader(SchemaTree& tree, SourceReport& report) :
-    tree(tree), document(static_cast<std::uint32_t>(tree.documents.size() - 1)),
+    tree(tree), document(static_cast<std::uint32_t>(tree.documents.size() - 1)), holds(report.isHolding()),
     statements(report, tree.documents.back().file, false)
 {}
 
@@ -51,7 +51,7 @@ void SchemaReader::scope(const XmlScope& scope)
 
 void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
 {
-    const SchemaTag tag = statements.enter(name, attributes);
+    const SchemaTag tag = statements.enter(name, attributes, holds ? static_cast<Index>(tree.size()) : 0);
     if (documented > 0) {
         ++documented;
         documentation.enter(name.local);

@@ -9,7 +9,8 @@
 class SchemaReader : public XmlHandler
 {
 public:
-    /// The document is the last one of the tree and has no nodes yet.
+    /// The document is the last one of the tree and has no nodes yet. If the report holds constructs back, a component
+    /// is the number of its node.
     SchemaReader(SchemaTree& tree, SourceReport& report);
 
     void scope(const XmlScope& scope) override;
@@ -72,6 +73,7 @@ private:
     NameTable::Id lastPrefix = 0;      // the prefix resolved last
     std::vector<Shadowed> shadowed;
     std::size_t shadowedBefore = 0; // size of `shadowed` before the element that begins
+    const bool holds;               // the report holds constructs back
     SchemaStatements statements;
     std::size_t skipped = 0;    // number of open elements that are skipped
     std::size_t documented = 0; // number of open elements from an xs:documentation on

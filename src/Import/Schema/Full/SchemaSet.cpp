@@ -12,26 +12,26 @@ namespace {
 constexpr std::size_t kMaxCopied = 1'000'000;
 constexpr int kNearby = 100;
 
-std::optional<SchemaSet::Kind> kindOf(SchemaTag tag)
+} // namespace
+
+std::optional<SchemaSet::Kind> SchemaSet::kindOf(SchemaTag tag)
 {
     switch (tag) {
     case SchemaTag::element:
-        return SchemaSet::element;
+        return element;
     case SchemaTag::attribute:
-        return SchemaSet::attribute;
+        return attribute;
     case SchemaTag::complexType:
     case SchemaTag::simpleType:
-        return SchemaSet::type;
+        return type;
     case SchemaTag::group:
-        return SchemaSet::group;
+        return group;
     case SchemaTag::attributeGroup:
-        return SchemaSet::attributeGroup;
+        return attributeGroup;
     default:
         return std::nullopt;
     }
 }
-
-} // namespace
 
 // Declares the components of a document, and of the documents that it refers to.
 void SchemaSet::followAll(std::uint32_t document)
@@ -317,12 +317,16 @@ void SchemaSet::sortNotes()
 void SchemaSet::reportNotes()
 {
     sortNotes();
+    const std::vector<Index> components = report.isHolding() ? findComponents() : std::vector<Index>();
     for (const auto& [node, construct, name] : notes) {
         const bool isReference =
             construct == SourceReport::unresolvedReference || construct == SourceReport::unresolvedContent;
         const NameTable::Id own = isReference ? tree[node].reference.local : tree[namedAround(node)].name;
+        if (report.isHolding())
+            report.enter(components[node]);
         report.add(construct, placeOf(node), tree.text(name != 0 ? name : own));
     }
+    report.enter(0);
     notes.clear();
 }
 

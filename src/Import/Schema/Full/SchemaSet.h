@@ -12,6 +12,7 @@
 #include <span>
 #include <tuple>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 class XmlDocument;
@@ -57,6 +58,27 @@ public:
     /// Returns the component that `name` refers to at `from`; 0 if there is none. Inside a redefinition its own name
     /// refers to the redefined component.
     Index find(Kind kind, SchemaName name, Index from) const;
+
+    /// Records from now on which components are reached. `withMessages` counts all messages as reached.
+    void recordReached(bool withMessages);
+
+    /// Records that a component at the top is reached; 0 for none. Does nothing before recordReached().
+    void reach(Index component)
+    {
+        if (component != 0 && !reached.empty())
+            markReached(component);
+    }
+
+    /// The same as find(), and records that the component is reached.
+    Index reach(Kind kind, SchemaName name, Index from)
+    {
+        const Index found = find(kind, name, from);
+        reach(found);
+        return found;
+    }
+
+    /// Returns whether a component of the report is reached, or another one of its name, as in redefinitions.
+    bool isReached(SourceReport::Component component) const;
 
     /// Returns the kind of a built-in type; nothing for other names. Built-in types take precedence over declared ones,
     /// because the schema for schemas declares them, too.
@@ -145,6 +167,7 @@ private:
 
     static std::uint64_t keyOf(SchemaName name) { return static_cast<std::uint64_t>(name.space) << 32 | name.local; }
 
+    static std::optional<Kind> kindOf(SchemaTag tag);
     void followAll(std::uint32_t document);
     void loadOne(const SourceFile& file, std::vector<SourceFile>& files);
     std::vector<WsdlReader::Import> readSource(const SourceFile& file);
@@ -160,6 +183,8 @@ private:
     bool holdsElements(Index derivation) const;
     void sortNotes();
     Index namedAround(Index node) const;
+    void markReached(Index component);
+    std::vector<Index> findComponents() const;
 
     SchemaTree tree;
     const SourceTypes& types;
@@ -178,7 +203,10 @@ private:
     std::array<Names, kindCount> symbols;
     std::unordered_map<Index, Index> redefined; // the redefined component by its redefinition
     std::unordered_map<std::uint64_t, std::vector<Index>, NumberHash> members;
-    std::size_t copied = 0; // number of copied nodes
+    std::size_t copied = 0;                            // number of copied nodes
+    std::vector<bool> reached;                         // by node; empty until recordReached()
+    std::unordered_set<NameTable::Id> reachedMessages; // those of WSDLs, by name
+    bool areMessagesReached = false;                   // all of them
     std::vector<Note> notes;
     std::size_t manyNotes = 100'000; // from this size on repetitions are removed
 };

@@ -90,6 +90,7 @@ std::vector<SchemaSet::Message> SchemaSet::findMessages()
 {
     std::vector<Message> found;
     std::unordered_set<Index> met;
+    report.enter(WsdlReader::kMessages);
     for (const auto& [root, source] : messages) {
         const Index declared = root.made != 0 ? root.made : find(element, root.name, 0);
         if (declared == 0)
@@ -97,6 +98,7 @@ std::vector<SchemaSet::Message> SchemaSet::findMessages()
         else if (met.insert(declared).second)
             found.push_back({declared, source});
     }
+    report.enter(0);
     return found;
 }
 

@@ -19,7 +19,7 @@ SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from
 {
     if (const auto builtIn = set.builtInKind(name))
         return {0, valueOfKind(*builtIn)};
-    const Index declared = set.find(SchemaSet::type, name, from);
+    const Index declared = set.reach(SchemaSet::type, name, from);
     if (declared == 0) {
         const SchemaTag around = tree[tree[from].parent].tag;
         const bool isBase = around == SchemaTag::complexContent || around == SchemaTag::simpleContent;

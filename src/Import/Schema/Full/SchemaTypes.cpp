@@ -37,8 +37,10 @@ void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std:
 
 void SchemaTypes::readAlone(const std::vector<Index>& wanted)
 {
-    for (const Index component : wanted)
+    for (const Index component : wanted) {
+        set.reach(component);
         readComponent(component, SourceTypes::kNone);
+    }
     readPending();
 }
 
@@ -77,6 +79,7 @@ void SchemaTypes::readChoice(SourceTypes::Index choice)
             if (!met.insert(type).second)
                 continue;
             bases.push_back(type);
+            set.reach(type);
             contents.spendStep();
             const SourceTypes::Type record = recordOf(type, SourceTypes::kNone);
             if (record.kind == SourceTypes::kindRecord)
@@ -173,7 +176,7 @@ const SchemaTypes::Declared& SchemaTypes::declared(Index declaration)
         }
         chain.push_back(at);
         const bool hasHead = tree[at].tag == SchemaTag::element && tree.firstListed(at).local != 0;
-        at = hasHead ? set.find(SchemaSet::element, tree.firstListed(at), at) : 0;
+        at = hasHead ? set.reach(SchemaSet::element, tree.firstListed(at), at) : 0;
     }
     for (const Index at : chain)
         fromHeads[at] = lastDeclared;
@@ -192,7 +195,7 @@ bool SchemaTypes::resolve(Index declaration, Declared& out)
             out.value = {true, *builtIn};
             return true;
         }
-        type = set.find(SchemaSet::type, name, declaration);
+        type = set.reach(SchemaSet::type, name, declaration);
         if (type == 0) {
             set.note(SourceReport::unresolvedReference, declaration);
             return true;

@@ -57,7 +57,7 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
     }
     const std::string_view local = name.local;
     if (open.empty())
-        isWsdl = isStatement(elementScope) && (local == "definitions" || local == "description");
+        beginFile(local);
     if (!isWsdl || (local == "schema" && schemaEditionOf(elementScope.uri) != SchemaEdition::none))
         return beginSchema(name, attributes);
     open.push_back(declared.size());
@@ -68,6 +68,14 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
         readStatement(local, attributes);
     else if (isInTypes && open.size() == 3)
         readOther(name, attributes);
+}
+
+// Begins the file, which tells whether it is a WSDL. Of a WSDL, only what its messages reach is imported and reported.
+void WsdlReader::beginFile(std::string_view local)
+{
+    isWsdl = isStatement(elementScope) && (local == "definitions" || local == "description");
+    if (isWsdl)
+        report.hold();
 }
 
 // Reads an element beside the schemas: an import of a schema, as in WSDL 2.0, or another schema language.
@@ -144,6 +152,7 @@ void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
         target = tree.names.intern(attributes.valueOf("targetNamespace"));
     if (open.size() == 2)
         message = 0;
+    report.enter(message == 0 ? 0 : kMessages + messages[message]);
     if (open.size() == 2 && (local == "import" || local == "include"))
         addImport(attributes.valueOf("location"), attributes.valueOf("namespace"), place);
     else if (open.size() == 2 && local == "message")
@@ -154,6 +163,7 @@ void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
         readContent(local, attributes, place);
     else if (!isKnownThere(local, open.size(), message != 0))
         report.add(SourceReport::unknownStatement, place, local);
+    report.enter(0);
 }
 
 void WsdlReader::addImport(std::string_view location, std::string_view space, SourcePlace place)
@@ -166,6 +176,7 @@ void WsdlReader::addImport(std::string_view location, std::string_view space, So
 void WsdlReader::beginMessage(std::string_view name, SourcePlace place)
 {
     const NameTable::Id id = tree.names.intern(name);
+    report.enter(kMessages + id);
     if (!messageNames.insert(id).second)
         return report.add(SourceReport::declaredTwice, place, name);
     message = static_cast<std::uint32_t>(messages.size());
@@ -189,6 +200,7 @@ void WsdlReader::readPart(XmlAttributes attributes, SourcePlace place)
 void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, SourcePlace place)
 {
     const std::string_view content = attributes.valueOf("element");
+    report.enter(kMessages);
     if (const SchemaName element = resolve(content); element.local != 0)
         parts.push_back({0, 0, element, {}, place});
     else if (content == "#any")

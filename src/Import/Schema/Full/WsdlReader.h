@@ -31,6 +31,16 @@ public:
     /// Returns whether the file is a WSDL.
     bool holdsWsdl() const { return isWsdl; }
 
+    /// Returns the message that a component of the report is, by the number of its name, or 0 for one of WSDL 2.0;
+    /// nothing if the component is that of a schema.
+    static std::optional<NameTable::Id> messageOf(SourceReport::Component component)
+    {
+        return component < kMessages ? std::nullopt : std::optional(component - kMessages);
+    }
+
+    /// Returns the component of messages that only refer to elements.
+    static constexpr SourceReport::Component kMessages = 0x8000'0000;
+
     /// Returns the names that XML doesn't allow, see SchemaReader.
     const std::vector<SchemaReader::ImpossibleName>& queryImpossibleNames() const { return impossibleNames; }
 
@@ -67,6 +77,7 @@ private:
         SourcePlace place;
     };
 
+    void beginFile(std::string_view local);
     void beginSchema(XmlName name, XmlAttributes attributes);
     void endSchema();
     void readStatement(std::string_view local, XmlAttributes attributes);
