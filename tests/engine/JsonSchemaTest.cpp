@@ -323,4 +323,33 @@ TEST_P(JsonSchemaRefusal, NamesTheFault)
 INSTANTIATE_TEST_SUITE_P(Rows, JsonSchemaRefusal, testing::ValuesIn(kRefusals),
                          [](const auto& row) { return row.param.name; });
 
+TEST_F(JsonSchema, FindsMainTypesInDocumentsThatItRefersTo)
+{
+    folder.write("o.json", R"({"$defs":{"B":{"properties":{"x":{}}},"C":{"properties":{"y":{"$ref":"p.json"}}},
+        "D":{"type":"number"}}})");
+    folder.write("p.json", R"({"title":"D","properties":{"z":{}}})");
+    folder.write("q.json", R"({"Q":{"properties":{"x":{"type":"array","minItems":1}}}})");
+    const CString schema = R"({"title":"r","properties":{"b":{"$ref":"o.json#/$defs/B"},"p":{"$ref":"p.json"},
+        "q":{"$ref":"q.json#/Q"},"e":{"$ref":"#/$defs/None"}},"$defs":{"B":{"properties":{"own":{}}}}})";
+    const std::tuple<CString, const char*, std::size_t> rows[] = {
+        {"B", "B(own:String)", 1},
+        {"{" + folder.path("o.json") + "}B", "B(x:String)", 1},
+        {"C", "D(z:String) C(y:D)", 2},
+        {"{" + folder.path("p.json") + "}D", "D(z:String)", 1},
+        {"Q", "t_x[String] Q(x:t_x)", 2},
+        {"r", "t_x[String] D(z:String) B(x:String) Q(x:t_x) r(b:B p:D q:Q e:String)", 8},
+    };
+    for (const auto& [root, types, details] : rows) {
+        message.setRoot(root);
+        EXPECT_EQ(importSchema(schema), 1) << root;
+        EXPECT_EQ(fullTypesOf(message), types) << root;
+        EXPECT_EQ(message.queryReport().queryTotal(SourceReport::detail), details) << root;
+        EXPECT_EQ(message.queryReport().queryTotal(SourceReport::loss), root == "r") << root;
+    }
+    message.setRoot("D");
+    EXPECT_EQ(importSchema(schema), 0);
+    EXPECT_THAT(boxes.take(), testing::ElementsAre("There are several elements called D: {" + folder.path("o.json") +
+                                                   "}D, {" + folder.path("p.json") + "}D."));
+}
+
 } // namespace

@@ -320,6 +320,15 @@ std::vector<std::size_t> JsonDocuments::findTops(std::span<const Index> roots) c
     return tops;
 }
 
+std::vector<JsonNode::Index> JsonDocuments::findOthers(std::span<const Index> roots) const
+{
+    std::vector<Index> others;
+    for (const Document& document : documents)
+        if (document.root != 0 && std::ranges::find(roots, document.root) == roots.end())
+            others.push_back(document.root);
+    return others;
+}
+
 CString JsonDocuments::nameOf(Index node) const
 {
     return CString(stemOf(report.fileNameOf(tree[node].document)));

@@ -37,6 +37,9 @@ public:
     /// Returns the root of the document of `node`.
     Index rootOf(Index node) const { return documents[tree[node].document].root; }
 
+    /// Returns the roots of the documents that were read, except those in `roots`, in order of reading.
+    std::vector<Index> findOthers(std::span<const Index> roots) const;
+
     /// Returns the name of the document's file without folder and suffix.
     CString nameOf(Index node) const;
 

@@ -32,6 +32,7 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
     report.pause(areRequested);
     JsonTypes schemas(documents, types, report);
     readDocuments(roots, documents, schemas, types, report);
+    addReferred(roots, documents, schemas);
     // A document that others of the set refer to has no main type of its own.
     const std::vector<std::size_t> tops = documents.findTops(roots);
     for (SourceTypes::Candidate& candidate : types.candidates)
@@ -40,6 +41,13 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
     report.pause(false);
     if (!areRequested || types.empty())
         return;
+    // The file tells apart types of the same name. Plain types of the sources are all alike.
+    for (SourceTypes::Candidate& candidate : types.candidates) {
+        const bool isRecord = candidate.type.kind == SourceTypes::kindRecord;
+        const SourcePlace place = isRecord ? types.records[candidate.type.index].place : candidate.place;
+        if (candidate.uri.empty() && (isRecord || candidate.source == SourceTypes::kNone))
+            candidate.uri = report.fileNameOf(place.file);
+    }
     // Only what the requested types reach is imported, so only its losses count. Reading that alone finds them.
     JsonTypes::Places wanted;
     const RootNames names(types);
@@ -48,6 +56,19 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
     SourceTypes alone(fileName);
     JsonTypes requested(documents, alone, report, &wanted);
     readDocuments(roots, documents, requested, alone, report);
+    addReferred(roots, documents, requested);
+}
+
+// Adds the requested types of the documents that the sources refer to.
+void JsonMessage::addReferred(std::span<const Index> roots, const JsonDocuments& documents, JsonTypes& schemas) const
+{
+    if (queryRoots().empty())
+        return;
+    schemas.setSource(SourceTypes::kNone);
+    for (const Index other : documents.findOthers(roots))
+        for (const CString& root : queryRoots())
+            schemas.addDeclared(other, localNameOf(root));
+    schemas.finish();
 }
 
 void JsonSchemaMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas,

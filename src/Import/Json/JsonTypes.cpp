@@ -145,9 +145,9 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
 
 void JsonTypes::finish()
 {
-    for (std::size_t i = 0; i < pending.size(); ++i)
+    for (; finished < pending.size(); ++finished)
         // Copied, because reading fields appends further records.
-        readFields(Pending(pending[i]));
+        readFields(Pending(pending[finished]));
     contents.readDropped();
 }
 
@@ -220,6 +220,23 @@ void JsonTypes::declareMembers(Index holder, bool asCandidates)
         else
             shapeOf(schema, toModelName(tree.key(at), at));
     }
+}
+
+void JsonTypes::addDeclared(Index root, std::string_view name)
+{
+    const auto add = [&](Index schema, std::string_view key) {
+        if (tree.is(schema, JsonNode::object) && isWanted(schema))
+            addCandidate(schema, key);
+    };
+    const bool isPlain = shapeOf(root, nameOf(root)) == Shape() && tree.find(root, JsonWord::type) == 0;
+    if (nameOf(root) == name && !isPlain)
+        add(root, {});
+    for (const Index holder : {tree.find(root, JsonWord::defs), tree.find(root, JsonWord::definitions),
+                               tree.find(tree.find(root, JsonWord::components), JsonWord::schemas)})
+        add(tree.find(holder, name), name);
+    // A part of an API description may hold schemas directly, by name.
+    if (const Index schema = tree.find(root, name); isPlain && tree.keyOf(schema) == JsonWord::none)
+        add(schema, name);
 }
 
 void JsonTypes::addCandidate(Index schema, std::string_view name)

@@ -46,6 +46,9 @@ public:
     /// become candidates for main types.
     void declareMembers(Index holder, bool asCandidates);
 
+    /// Makes the schemas called `name` that the document of `root` declares candidates: itself, and its definitions.
+    void addDeclared(Index root, std::string_view name);
+
     /// Makes the type of a schema a candidate for a main type. It is called `name` if it has no name of its own.
     void addCandidate(Index schema, std::string_view name);
 
@@ -61,7 +64,7 @@ public:
     /// schemas.
     std::string_view nameOf(Index schema);
 
-    /// Reads the fields of all records. Call it last.
+    /// Reads the fields of all records that were added since the last call. Call it last.
     void finish();
 
     /// Returns a name with what types can't have replaced; a changed name is reported. The view lives as long as the
@@ -101,6 +104,7 @@ private:
     std::unordered_set<std::uint64_t, NumberHash> candidates;         // by source and record
     Index source = 0;
     std::vector<Pending> pending;
+    std::size_t finished = 0; // of these
     std::vector<JsonField> copiedFields;
     std::vector<SourceTypes::Field> fields;
     CancelPoint cancelPoint{4096};
