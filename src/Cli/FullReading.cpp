@@ -1,9 +1,6 @@
 #include "Cli/FullReading.h"
 
 #include "Cli/Diagnostics.h"
-#include "Files/File.h"
-#include "Files/FileFinder.h"
-#include "Files/FileMessage.h"
 #include "Import/Full/FullMessage.h"
 
 #include <CLI/CLI.hpp>
@@ -41,13 +38,8 @@ void addEntities(const std::vector<CString>& given, FullOptions& options)
 // Warns about the catalogues of the environment that can't be read.
 void warnOfMissingCatalogs(Diagnostics& diagnostics)
 {
-    for (const CString& reference : environmentCatalogs()) {
-        const CString path = localPath(reference);
-        const FileCause cause = path.empty() ? FileCause::none : testReadable(path);
-        if (path.empty() || cause != FileCause::none)
-            diagnostics.warning("XML_CATALOG_FILES: " + reference + ": " +
-                                (path.empty() ? "no local file" : inWords(path, cause)));
-    }
+    for (const CString& error : environmentCatalogErrors())
+        diagnostics.warning(error);
 }
 
 // If all sections of the source were left out, warns which entities would include some.

@@ -73,7 +73,8 @@ enum ControlId : int
     IDC_OPEN_FOLDER = 1137,
     IDC_VIEW_FILE = 1138,
     IDC_CATALOGS = 1139,
-    IDC_CHOOSE_CATALOGS = 1140
+    IDC_CHOOSE_CATALOGS = 1140,
+    IDC_CATALOG_STATE = 1141
 };
 
 // Resource ids of the pictures and the icon.

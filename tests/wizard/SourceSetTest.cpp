@@ -139,6 +139,7 @@ TEST(SourceSet, CanBeAFolderWhereTheReadingTakesOne)
                                                               {"WSDL importer", false, true, true},
                                                               {"JSON Schema importer", false, true, false},
                                                               {"XML data importer", true, false, false}};
+    qputenv("XML_CATALOG_FILES", "/none http://none");
     for (const auto& [importer, isFull, isOffered, hasCatalogs] : rows) {
         Desk desk;
         desk.importer = importer;
@@ -146,7 +147,10 @@ TEST(SourceSet, CanBeAFolderWhereTheReadingTakesOne)
         desk.walkTo(IDD_SOURCE);
         EXPECT_EQ(desk.control<QWidget>(IDC_CHOOSE_FOLDER).isVisible(), isOffered) << importer;
         EXPECT_EQ(desk.control<QWidget>(IDC_CATALOGS).isVisible(), hasCatalogs) << importer;
+        EXPECT_EQ(desk.control<QWidget>(IDC_CATALOG_STATE).isVisible(), hasCatalogs) << importer;
+        EXPECT_EQ(desk.text(IDC_CATALOG_STATE), "XML_CATALOG_FILES: /none: No such file or directory, and 1 other");
     }
+    qunsetenv("XML_CATALOG_FILES");
 }
 
 TEST(SourceSet, HasAMainElementInEachNamespace)
@@ -181,6 +185,7 @@ TEST(SourceSet, IsFoundByCatalogues)
     desk.source = desk.dir.write("in/a.dtd", "<!ENTITY % m PUBLIC 'm' 'none'>%m;<!ELEMENT a (b)>");
     desk.wizard().options.setFullReading(1);
     desk.walkTo(IDD_SOURCE);
+    EXPECT_FALSE(desk.control<QWidget>(IDC_CATALOG_STATE).isVisible());
     auto& field = desk.control<QLineEdit>(IDC_CATALOGS);
     field.setText("none.xml");
     desk.type(IDC_INPUT_FILE, desk.source);

@@ -51,6 +51,19 @@ std::vector<CString> withEnvironmentCatalogs(std::vector<CString> files)
     return files;
 }
 
+std::vector<CString> environmentCatalogErrors()
+{
+    std::vector<CString> errors;
+    for (const CString& reference : environmentCatalogs()) {
+        const CString path = localPath(reference);
+        const FileCause cause = path.empty() ? FileCause::none : testReadable(path);
+        if (path.empty() || cause != FileCause::none)
+            errors.push_back("XML_CATALOG_FILES: " + reference + ": " +
+                             (path.empty() ? "no local file" : inWords(path, cause)));
+    }
+    return errors;
+}
+
 // Reads the entries of one catalogue into Catalogs.
 class CatalogReader : public XmlHandler
 {

@@ -16,6 +16,9 @@ std::vector<CString> environmentCatalogs();
 /// Returns `files`, then the readable catalogues of the environment, by their paths.
 std::vector<CString> withEnvironmentCatalogs(std::vector<CString> files);
 
+/// Returns a line for each catalogue of the environment that can't be read: the variable, the catalogue and the reason.
+std::vector<CString> environmentCatalogErrors();
+
 /// XML Catalogs (OASIS Standard 1.1, 2005): map public and system identifiers and URIs to local files. Nothing is
 /// fetched over a network. Only the given catalogues and those that they refer to are read; at most 1,000 catalogues
 /// with 100,000 entries.

@@ -4,6 +4,7 @@
 #include "Base/SourceFault.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
+#include "Import/Full/Catalogs.h"
 #include "Import/Full/FullReadingHint.h"
 #include "Resources/StringTable.h"
 #include "Ui/ComboBox.h"
@@ -53,6 +54,16 @@ CString catalogError(const std::vector<CString>& names)
     return {};
 }
 
+// Returns the first catalogue of the environment that can't be read, with the reason, and the number of others; "" if
+// all can.
+CString environmentCatalogError()
+{
+    const std::vector<CString> errors = environmentCatalogErrors();
+    if (errors.size() < 2)
+        return errors.empty() ? "" : errors.front();
+    return errors.front() + ", and " + countInWords(errors.size() - 1, "other", "others");
+}
+
 // Returns advice on an error caused by a construct that the literal reading doesn't know; empty for other errors.
 CString fullReadingAdvice(const WizardRun& wizard, const CString& error, const CString& fileName)
 {
@@ -91,6 +102,9 @@ void SourcePage::OnInitDialog()
     catalogRow = makeCatalogRow();
     addRow(setRow);
     addRow(catalogRow);
+    catalogState = withId(IDC_CATALOG_STATE, plainLabel());
+    catalogState->setWordWrap(true); // a long name would widen the window
+    addRow(catalogState);
     connect(fullCheck, &QCheckBox::toggled, this, &SourcePage::showSetRows);
     connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::updatePreview);
 }
@@ -128,6 +142,7 @@ void SourcePage::OnSetActive()
     FilePage::OnSetActive();
     fullCheck->setVisible(wizard->message->queryDescriptor()->hasFull());
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
+    catalogState->setText(toUi(environmentCatalogError()));
     showSetRows();
     updatePreview();
 }
@@ -143,6 +158,7 @@ void SourcePage::showSetRows()
 {
     setRow->setVisible(takesFolders());
     catalogRow->setVisible(takesFolders() && wizard->message->queryDescriptor()->readsSets());
+    catalogState->setVisible(!catalogRow->isHidden() && !catalogState->text().isEmpty());
 }
 
 void SourcePage::hideEvent(QHideEvent* event)

@@ -7,6 +7,7 @@
 class PreviewPane;
 class QCheckBox;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 
 /// Chooses the input file, or several files and folders that are one source, and runs the importer on them.
@@ -49,4 +50,5 @@ private:
     QComboBox* layoutCombo = nullptr;
     QWidget* catalogRow = nullptr;
     QLineEdit* catalogEdit = nullptr;
+    QLabel* catalogState = nullptr; // the catalogues of the environment that can't be read
 };
