@@ -100,6 +100,14 @@ bool hasSpecial(Bytes16 bytes)
     return (halves[0] | halves[1]) != 0;
 }
 
+// Returns whether a local name can begin at this place of UTF-8 text.
+bool beginsLocalName(std::string_view text, std::size_t at)
+{
+    if (at == text.size() || text[at] == ':')
+        return false;
+    return isIn(kNameStart, decodeUtf8(text, at));
+}
+
 } // namespace
 
 std::string_view trimmed(std::string_view text, std::string_view set)
@@ -271,7 +279,8 @@ CString toXmlName(std::string_view text)
     for (std::size_t at = 0; at < whole.size();) {
         const std::size_t start = at;
         const char32_t code = decodeUtf8(whole, at);
-        if (isIn(kNameStart, code) || (start > 0 && isIn(kNameRest, code)))
+        const bool isColonAlone = code == ':' && start > 0 && !beginsLocalName(whole, at);
+        if (!isColonAlone && (isIn(kNameStart, code) || (start > 0 && isIn(kNameRest, code))))
             name.append(whole, start, at - start);
         else
             name += '_';

@@ -103,6 +103,6 @@ CString shownText(std::string_view text);
 /// Returns whether a text can be the name of an XML element (the Name production of XML 1.0, fifth edition).
 bool isXmlName(std::string_view text);
 
-/// Returns `text` as the name of an XML element: each character that can't stand at its place becomes "_". Returns "_"
-/// for the empty text.
+/// Returns `text` as the name of an XML element: each character that can't stand at its place becomes "_", also a
+/// colon that no local name follows, which parsers with namespaces refuse. Returns "_" for the empty text.
 CString toXmlName(std::string_view text);

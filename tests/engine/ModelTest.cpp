@@ -381,7 +381,10 @@ TEST(Documents, TextsMadeFitForXml)
                                      {"-", "_"},
                                      {"\xE4\u00D7", "\u00E4\u00C3_"},
                                      {":a.1\u00B7", ":a.1\u00B7"},
-                                     {"\u00B7", "_"}})
+                                     {"\u00B7", "_"},
+                                     {"p:a", "p:a"},
+                                     {"a:.b", "a_.b"},
+                                     {"a::b:", "a_:b_"}})
         EXPECT_EQ(toXmlName(text), name);
     for (const auto& [text, shown] : {std::pair("a\x1B[1m\nb\x7F", "a [1m b "),
                                       {"\u00E4\xC2\x9Bm\u2028\u202Ex", "\u00E4 m  x"},
