@@ -118,6 +118,9 @@ TEST_F(ImportCommand, AnswersExactly)
           "o.xml: warning: 3 losses: 3 statements not understood; --report FILE lists them\n"
           "o.xml: error: no types were found; it looks like a source for xml\n"}},
         {"echo '<r/>' >e.xml; $import e.xml", {1, "", "e.xml: error: no types were found\n"}},
+        {"echo '<m><BROKERTYPEDESCRIPTION NAME=\"\"><ROW/></BROKERTYPEDESCRIPTION></m>' >m.xml; $import -q m.xml; rm "
+         "m.xml",
+         {0, "", "m.xml: error: no types were found\n"}},
         {"$import btd e.xml", {1, "", "e.xml: error: no types were found; it looks like a source for xml\n"}},
         {"SOURCE_DATE_EPOCH=0 $import btd e.xml --allow-empty | tail -n +3", {0, "<r>\r\n</r>", ""}},
 
@@ -373,6 +376,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"printf 'dtd\\r\\n\\nr.dtd\\n--list' >args; $import @args", {0, kList, ""}},
         {"$import r.dtd @none", {2, "", mistake("can't open none: No such file or directory")}},
         {"cp r.dtd @r; $import -l dtd -- @r", {0, kList, ""}},
+        {"printf '{\"a&b\":{\"c\":1}}' | $import json - -q --graph | grep -c 'title> a&amp;b|'", {0, "1\n", ""}},
         {"$import g.dtd -q --full --graph",
          {0, R"(digraph types {
     rankdir=LR

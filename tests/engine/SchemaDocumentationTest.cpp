@@ -46,6 +46,9 @@ TEST_F(SchemaFull, TakesDescriptionsFromDocumentation)
          e + ";-;", 1},
         {"<element name='r'>" + ("<annotation><documentation> " + e + "\n</documentation></annotation>") + "</element>",
          e + ";-;", 0},
+        {ROOT("<sequence><element name='x'>" SAID("D") "<complexType><sequence><element name='a'/></sequence>"
+                                                       "</complexType></element></sequence>"),
+         "D;-;-;D;", 0},
         // Precedence: the reference, the declaration, the type.
         {"<element name='r'><complexType><sequence>" + references +
              ("</sequence><attribute ref='t:d'>" SAID("5") "</attribute></complexType></element>") + declarations,

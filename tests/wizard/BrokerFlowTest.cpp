@@ -100,6 +100,7 @@ struct Logon
     {"local", "0", "u", "", kBlank, IDC_PASSWORD},
     {"", "1", nullptr, "", kBlank, IDC_SERVER},
     {"local", "x", nullptr, "", "Please enter a positive integer.", IDC_PORT},
+    {"local", "+5", nullptr, "", "Please enter a positive integer.", IDC_PORT},
     {"local", "-1", "", "", "Please enter a positive integer.", IDC_PORT},
     {"local", "4294967296", "u", "p", "Please enter a positive integer.", IDC_PORT},
     {"127.0.0.1", "1", "u", "p", "Unable to establish a connection to Broker", 0},
