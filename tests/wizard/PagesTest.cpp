@@ -267,6 +267,7 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     QTest::keyClick(&main, Qt::Key_Return);
     ASSERT_EQ(list.rowCount(), 2);
     EXPECT_EQ(list.cell(0, 0) + " " + list.cell(1, 0), "c b");
+    EXPECT_FALSE(desk.control<QWidget>(IDC_NOT_CARRIED_OVER).isVisible()); // the detail is that of another element
     desk.click("next");
     desk.click("back");
     EXPECT_EQ(std::pair(main.count(), main.currentText()), std::pair(2, QString("b")));
