@@ -213,7 +213,8 @@ class Create(unittest.TestCase):
 
     def test_the_repository_is_private_whatever_the_umask(self):
         for mask in 0, 0o777:
-            os.makedirs(self.folder + "/typeforge", 0o755, exist_ok=True)
+            shutil.rmtree(self.folder + "/typeforge", ignore_errors=True)
+            os.makedirs(self.folder + "/typeforge", 0o755)
             self.assertEqual(0, self.run_import("pair.dtd", "--create", "local", "--overwrite", "all", umask=mask)[0])
             self.assertEqual([0o700, 0o600], [os.stat(self.folder + "/typeforge" + name).st_mode & 0o777
                                               for name in ("", "/types.db")])
