@@ -205,7 +205,7 @@ TEST(List, KeepsHiddenRowsSelectedWhereThereCanBeSeveral)
         {QAbstractItemView::SingleSelection, "a1b", {}, 2},
     };
     for (const auto& [mode, steps, selected, shown] : rows) {
-        const char* const names[] = {"a0", "b1", "a2", "b3"};
+        const char* const names[] = {"a0", "b1", "\u00C4A2", "b3"};
         ListView list({{"Name", 50}}, "Rows");
         list.setSelectionMode(mode);
         list.setRows(4, [&](int at, int) { return names[at]; });
