@@ -133,6 +133,10 @@ const Rule kApis[] = {
 };
 
 const Rule kAvro[] = {
+    {"NamesGivenTwice",
+     R"({"type":"record","name":"R","fields":[{"name":"a","type":"int"},{"name":"a","type":"long"},
+        {"name":"e","type":{"type":"enum","name":"E","symbols":["X","Y","X"]}}]})",
+     "E{X|Y} R(a:Number e:E)", "2 losses: 2 second declarations"},
     {"Records",
      R"({"type":"record","name":"r","namespace":"n","fields":[{"name":"a","type":"long"},{"name":"b","type":["null","string"],"default":null},
         {"name":"c","type":{"type":"enum","name":"E","symbols":["X","Y"]}},{"name":"d","type":{"type":"array","items":{"type":"array","items":"n.r"}}},

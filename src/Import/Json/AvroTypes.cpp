@@ -284,14 +284,19 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
 SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, std::string_view name)
 {
     std::vector<std::string_view> constants;
-    std::unordered_set<NameTable::Id> met;
-    for (const Scoped& leaf : leaves) {
-        for (const Index at : tree.childrenOf(find(leaf.schema, JsonWord::symbols, JsonNode::array)))
-            if (!tree.is(at, JsonNode::string))
+    std::unordered_map<NameTable::Id, const Scoped*> met; // by symbol the last enumeration that lists it
+    for (const Scoped& leaf : leaves)
+        for (const Index at : tree.childrenOf(find(leaf.schema, JsonWord::symbols, JsonNode::array))) {
+            if (!tree.is(at, JsonNode::string)) {
                 documents.note(SourceReport::invalidValue, at, tree.text(at));
-            else if (met.insert(tree[at].text).second)
+                continue;
+            }
+            const auto [known, isNew] = met.try_emplace(tree[at].text, &leaf);
+            if (isNew)
                 constants.push_back(types.keep(tree.text(at)));
-    }
+            else if (std::exchange(known->second, &leaf) == &leaf)
+                documents.note(SourceReport::declaredTwice, at, tree.text(at));
+        }
     const Index schema = leaves.front().schema;
     const std::string_view own = leaves.size() == 1 ? simpleNameOf(schema) : "";
     // An enumeration without symbols can't be declared, so it becomes text.
@@ -318,6 +323,7 @@ void AvroTypes::readFields(const Pending& record)
         std::string_view name;
         std::string_view description;
         std::vector<Scoped> alternatives;
+        Index declaredBy = 0; // the last schema that declares the field
     };
     std::vector<Known> known;
     std::unordered_map<std::string_view, std::size_t> byName;
@@ -337,11 +343,14 @@ void AvroTypes::readFields(const Pending& record)
                 report.count(SourceReport::defaultValue, tree.find(field, JsonWord::defaultWord) != 0);
                 report.count(SourceReport::facet,
                              (tree.find(field, JsonWord::order) != 0) + (tree.find(field, JsonWord::aliases) != 0));
-                const auto [place, isNew] =
-                    byName.try_emplace(tree.text(find(field, JsonWord::name, JsonNode::string)), known.size());
+                const std::string_view name = tree.text(find(field, JsonWord::name, JsonNode::string));
+                const auto [place, isNew] = byName.try_emplace(name, known.size());
                 if (isNew)
-                    known.push_back({names.toModelName(place->first, field), describe(field), {}});
-                known[place->second].alternatives.push_back({find(field, JsonWord::type), schema.space});
+                    known.push_back({names.toModelName(name, field), describe(field), {}});
+                Known& declared = known[place->second];
+                if (std::exchange(declared.declaredBy, schema.schema) == schema.schema && !name.empty())
+                    documents.note(SourceReport::declaredTwice, field, name);
+                declared.alternatives.push_back({find(field, JsonWord::type), schema.space});
             }
         }
     }
