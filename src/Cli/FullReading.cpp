@@ -5,8 +5,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
 #include <memory>
 #include <span>
+#include <system_error>
 
 namespace {
 
@@ -146,6 +148,9 @@ void adviseOnFullReading(const MsgBase& message, Diagnostics& diagnostics)
 void suggestFullReading(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics)
 {
     const std::unique_ptr<const FullMessage> full(importer.createFull());
-    if (const CString unsupported = full ? full->unsupportedByLiteral(source) : ""; !unsupported.empty())
+    std::error_code failure;
+    if (full && std::filesystem::is_directory(source, failure))
+        diagnostics.warning("use --full: it reads the files of a folder");
+    else if (const CString unsupported = full ? full->unsupportedByLiteral(source) : ""; !unsupported.empty())
         diagnostics.warning("use --full: the source uses " + unsupported);
 }

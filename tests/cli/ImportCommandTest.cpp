@@ -105,7 +105,9 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd r.dtd --full --root q", {1, "", "r.dtd: error: there is no element called q\n"}},
         {"$import dtd \"$(printf 'a\\033[1mb')\"", {1, "", "a [1mb: error: No such file or directory\n"}},
         {"$import dtd none -o old", {1, "", "none: error: No such file or directory\n"}},
-        {"$import dtd .", {1, "", ".: error: Is a directory\n"}},
+        {"$import dtd .",
+         {1, "", ".: error: Is a directory\n.: warning: use --full: it reads the files of a folder\n"}},
+        {"$import xml .", {1, "", ".: error: Is a directory\n"}},
         {"$import dtd /dev/zero", {1, "", "/dev/zero: error: The system refused access\n"}},
         {"$import xml /dev/zero", {1, "", "/dev/zero: error: Operation not supported\n"}},
 
