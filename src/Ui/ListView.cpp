@@ -237,13 +237,6 @@ void ListView::keyPressEvent(QKeyEvent* event)
     QTreeView::keyPressEvent(event);
 }
 
-void ListView::mousePressEvent(QMouseEvent* event)
-{
-    if (!indexAt(event->pos()).isValid())
-        clearSelection();
-    QTreeView::mousePressEvent(event);
-}
-
 void ListView::mouseReleaseEvent(QMouseEvent* event)
 {
     QTreeView::mouseReleaseEvent(event);
