@@ -136,7 +136,10 @@ class Create(unittest.TestCase):
         self.assertEqual((1, added % "a" + added % "r" + "compatible: only additions\n", ""), self.run_import(*compare))
         self.assertEqual(["pair.dtd"], os.listdir(self.folder))
         self.run_import("pair.dtd", "--create", "local")
+        repository = self.folder + "/typeforge/types.db"
+        os.chmod(repository, 0o640)
         self.assertEqual((0, "", ""), self.run_import(*compare))
+        self.assertEqual(0o640, os.stat(repository).st_mode & 0o777)
         self.write("pair.dtd", "<!ELEMENT r (a,c)><!ELEMENT a (b)><!ELEMENT c (b)><!ELEMENT b ANY>")
         before = self.rows()
         self.assertEqual(1, self.run_import(*compare)[0])

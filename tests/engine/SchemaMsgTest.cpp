@@ -81,6 +81,9 @@ const Declarations kDeclarations[] = {
      kTyped + NESTED("Note", FIELD("x")) FIELD("When", "type='xsd:date'")
                   RECORD("T", "<xsd:element ref='Note'/><xsd:element ref='When'/>"),
      "Main{Note:=String When:Time}"},
+    {"ReferenceToAnAnonymousTypeIsTextAlsoBesideATypeOfThatName",
+     kTyped + NESTED("Note", FIELD("x")) RECORD("AnonymousType", FIELD("y")) RECORD("T", "<xsd:element ref='Note'/>"),
+     "AnonymousType{y:String} Main{Note:=String}"},
     {"ReferenceFromTheMainTypeComesTooEarly",
      NESTED("Main", "<xsd:element ref='Note'/>") "<xsd:element name='Note'><xsd:complexType/></xsd:element>",
      "Main{Note:String}"},

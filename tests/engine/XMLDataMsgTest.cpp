@@ -17,6 +17,7 @@ const Case kInstances[] = {
      "a:R(a_y:S b:S a_x:S c:S) t_a:t(a:R) r:R(t_a:t)"},
     {"TwiceUnderOneIsEnough", "<r><a><b/></a><c><a><b/><b/></a></c></r>",
      "t_b:t=String(b:S=String) a:R(t_b:t=String) c:R(a:R) r:R(a:R c:R)"},
+    {"CountsGoOnBehindANamesakeInside", "<a><b/><a><b/></a><b/></a>", "t_b:t=String(b:S=String) a:R(t_b:t=String a:R)"},
     {"TheSecondParentKeepsThePlainElement", "<r><a><b/><b/></a><c><b/><b/></c></r>",
      "c:R(b:S=String) t_b:t=String(b:S=String) a:R(t_b:t=String) r:R(a:R c:R)"},
     {"PrefixesFallAway", "<p:r xmlns:p='u' xmlns:q='v'><p:a/><q:a q:b='1'/></p:r>", "a:R(a_b:S) t_a:t(a:R) r:R(t_a:t)"},

@@ -53,6 +53,7 @@ TEST(ImporterPage, KeepsTheImporterWithTheRow)
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, row);
     EXPECT_NE(desk.wizard().message, nullptr);
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, beside);
+    EXPECT_EQ(list.selectedRow(), -1);
     EXPECT_EQ(desk.wizard().message, nullptr);
     for (const auto& [button, other] : {std::pair(Qt::RightButton, 1), {Qt::MiddleButton, 2}, {Qt::LeftButton, 0}}) {
         QTest::mouseClick(list.viewport(), button, {}, list.visualRect(list.model()->index(other, 0)).center());
