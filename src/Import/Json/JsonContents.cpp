@@ -258,16 +258,17 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
     // Conditions exclude each other, as "then" and "else" do.
     if (how == maybe && frame.content.isConditional)
         return joinEither(frame, added, part);
-    if (how == maybe && !(kind == JsonContent::map && added.kind == JsonContent::record))
+    const bool isRepeated = kind == added.kind && (kind == JsonContent::map || kind == JsonContent::array);
+    if (how == maybe && !isRepeated && !(kind == JsonContent::map && added.kind == JsonContent::record))
         return;
     if (kind == JsonContent::text && isRefinedText(added.kind))
         return take(frame, added);
     if (added.kind == JsonContent::text && isRefinedText(kind))
         return;
-    if (kind == added.kind && (kind == JsonContent::map || kind == JsonContent::array)) {
+    if (isRepeated) {
         const Index items = frame.content.items;
         frame.content.items =
-            items == 0 || added.items == 0 ? items + added.items : mergedOf(items, std::array{Part{added.items, both}});
+            items == 0 || added.items == 0 ? items + added.items : mergedOf(items, std::array{Part{added.items, how}});
         frame.content.owner = 0;
         return;
     }
