@@ -126,7 +126,7 @@ std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternati
             return shape;
         }
         if (sorts > 1)
-            return Shape();
+            return shape;
         if (sorted.arrays.empty()) {
             const auto leaf = leafOf(sorted.leaves, name);
             if (!leaf)

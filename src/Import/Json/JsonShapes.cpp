@@ -221,9 +221,12 @@ SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string
     const Shape unknown; // of the items of arrays that were empty in all documents
     const Shape* shape = &shapes[at];
     const Shape* mixed = nullptr; // an array, or a single value
+    std::uint16_t mixedDepth = 0;
     for (; (shape->kinds & (isArray | isObject)) == isArray && depth < deepest; ++depth) {
-        if (!mixed && shape->kinds != isArray)
+        if (!mixed && shape->kinds != isArray) {
             mixed = shape;
+            mixedDepth = depth;
+        }
         shape = shape->items == 0 ? &unknown : &shapes[shape->items];
     }
     const std::uint8_t kinds = shape->kinds;
@@ -236,7 +239,7 @@ SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string
         report.add(SourceReport::cutShort, shapes[at].place, CString(name) + ", arrays inside each other");
     // A value that may also be an array of values becomes text, which doesn't repeat.
     if (!isRecord && (mixed || depth == deepest))
-        depth = 0;
+        depth = mixedDepth;
     if (!isRecord)
         return {kinds == isNumber && !mixed ? SourceTypes::kindNumber
                 : kinds == isTime && !mixed ? SourceTypes::kindTime

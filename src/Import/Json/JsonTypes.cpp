@@ -3,6 +3,7 @@
 #include "Import/Full/Descriptions.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -37,10 +38,11 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
         return {};
     JsonContent content = contents.of(schema);
     Shape shape;
-    bool mayBeLeaf = false;
+    std::optional<Shape> leaf; // of a value that may be an array or a single text or number
     for (; content.kind == JsonContent::array;
          content = content.items == 0 ? JsonContent() : contents.of(content.items)) {
-        mayBeLeaf |= content.mayBeLeaf;
+        if (content.mayBeLeaf && !leaf)
+            leaf = shape;
         if (++shape.depth > kMaxDepth) {
             documents.note(SourceReport::cutShort, schema,
                            "more than " + std::to_string(kMaxDepth) + " arrays inside each other");
@@ -49,11 +51,11 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
     }
     const bool isObject =
         content.kind == JsonContent::map || (content.kind == JsonContent::record && content.count > 0);
-    if (mayBeLeaf)
+    if (leaf)
         documents.note(SourceReport::kindsDiffer, schema);
     // A value that may also be an array of values becomes text, which doesn't repeat.
-    if (mayBeLeaf && !isObject)
-        return {};
+    if (leaf && !isObject)
+        return *leaf;
     if (isObject) {
         shape.type = recordOf(content, name, home);
         // A map is a table of entries with a key and a value.
