@@ -104,6 +104,10 @@ const Rule kRules[] = {
      {{"b.json", R"({"title":"B","properties":{"x":{"$ref":"sub/e.json"}},"definitions":{"C":{"type":"number"}}})"},
       {"d.yaml", "D:\n  properties:\n    z: {type: number}\n"},
       {"bad.json", "{"}}},
+    {"EnumerationsOfOtherDocuments",
+     R"("a":{"$ref":"b.json#/E"},"b":{"$ref":"b.json#/E"})",
+     "E{x} r(a:E b:E)",
+     {{"b.json", R"({"E":{"enum":["x"]}})"}}},
     {"AllOf",
      R"({"title":"r","allOf":[{)" A_REF
      R"(},{"properties":{"y":{},"x":{"type":"number"}}}],"properties":{"z":{}},"$defs":{)" A_RECORD "}}",
@@ -145,6 +149,14 @@ const Rule kRules[] = {
      R"({"title":"r","allOf":[{"$ref":"#/$defs/B"},{"properties":{"n":{"$ref":"#"}}}],
         "$defs":{"B":{"properties":{"n":{"$ref":"#/$defs/B"},"l":{"type":"array","items":{"$ref":"#"}}}}}})",
      "t_l[r] n(n:n l:t_l) r(n:n l:t_l) B(n:B l:t_l)"},
+    {"PropertiesCalledLikeKeywords",
+     R"("schemas":{"items":{"properties":{"x":{}}}},"definitions":{"oneOf":[{"properties":{"y":{}}}]},
+        "properties":{"properties":{"properties":{"items":{"properties":{"z":{}}}}}})",
+     "properties_properties(z:String) definitions(y:String) schemas(x:String) t_properties[properties_properties] "
+     "properties(properties:t_properties) t_schemas[schemas] r(schemas:t_schemas definitions:definitions "
+     "properties:properties)"},
+    {"PatternsAreNoNames", R"("m":{"patternProperties":{"^x":{"properties":{"y":{}}},"^z":{"properties":{"y":{}}}}})",
+     "value(y:String) m(key:String value:value) t_m[m] r(m:t_m)"},
     {"DefinitionsAlone",
      R"({"definitions":{"A":{"properties":{"x":{"$ref":"#/definitions/B"}}},"B":{"properties":{"y":{}}},"E":{"enum":["z"]}}})",
      "B(y:String) E{z} A(x:B)"},

@@ -43,8 +43,20 @@ bool JsonContents::isDeclared(Index schema) const
     const Index parent = tree[schema].parent;
     if (parent == 0)
         return documents.rootOf(schema) == schema;
-    return tree.is(parent, JsonNode::object) &&
+    return tree.is(parent, JsonNode::object) && holdsNames(parent) &&
            isOneOf(tree.keyOf(parent), {JsonWord::defs, JsonWord::definitions, JsonWord::schemas});
+}
+
+bool JsonContents::holdsNames(Index object) const
+{
+    // In "properties" a member called "properties" is a schema, whose "properties" hold names again, and so on.
+    bool holds = false;
+    for (; isOneOf(tree.keyOf(object),
+                   {JsonWord::properties, JsonWord::patternProperties, JsonWord::defs, JsonWord::definitions,
+                    JsonWord::dependentSchemas, JsonWord::dependencies, JsonWord::schemas});
+         object = tree[object].parent)
+        holds = !holds;
+    return holds;
 }
 
 void JsonContents::step(std::size_t count)

@@ -78,6 +78,9 @@ public:
     /// Returns whether a schema is declared by name, or is the whole document.
     bool isDeclared(Index schema) const;
 
+    /// Returns whether the keys of an object are names of properties, patterns or definitions, and no keywords.
+    bool holdsNames(Index object) const;
+
 private:
     // How a part combines with the content so far.
     enum How : std::uint8_t

@@ -100,12 +100,17 @@ std::string_view JsonTypes::nameOf(Index schema)
     return names[schema] = name;
 }
 
-// Returns whether the document names a schema by its key, so that this name is used whichever field refers to it.
-bool JsonTypes::isCalledByItsKey(Index schema) const
+// Returns the name of a record or enumeration: the schema's own, else its key if the document names it by that, so that
+// the name is used whichever field refers to it; else `name`, that of the field.
+std::string_view JsonTypes::nameOf(Index schema, std::string_view name)
 {
+    const std::string_view own = nameOf(schema);
     const Index parent = tree[schema].parent;
-    return tree.is(parent, JsonNode::object) &&
-           (tree.keyOf(parent) == JsonWord::properties || tree.keyOf(schema) == JsonWord::none);
+    if (!own.empty() || !tree.is(parent, JsonNode::object))
+        return own.empty() ? name : own;
+    const bool isKeyName =
+        contents.holdsNames(parent) ? tree.keyOf(parent) == JsonWord::properties : tree.keyOf(schema) == JsonWord::none;
+    return isKeyName ? toModelName(tree.key(schema), schema) : name;
 }
 
 SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_view name, SourceTypes::Index home)
@@ -113,20 +118,17 @@ SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_vi
     const auto [known, isNew] = records.try_emplace(content.owner);
     if (!isNew)
         return known->second;
-    const std::string_view own = nameOf(content.owner);
-    if (own.empty() && isCalledByItsKey(content.owner))
-        name = toModelName(tree.key(content.owner), content.owner);
+    const bool isNamed = !nameOf(content.owner).empty();
     const SourceTypes::Index record =
-        types.addRecord({own.empty() ? name : own, describe(content.owner), tree.placeOf(content.owner),
-                         own.empty() ? home : SourceTypes::kNone});
+        types.addRecord({nameOf(content.owner, name), describe(content.owner), tree.placeOf(content.owner),
+                         isNamed ? SourceTypes::kNone : home});
     pending.push_back({content, record});
     return records[content.owner] = {SourceTypes::kindRecord, record};
 }
 
 SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::string_view name)
 {
-    const std::string_view own = nameOf(content.owner);
-    const std::string_view called = own.empty() ? name : own;
+    const std::string_view called = nameOf(content.owner, name);
     std::vector<std::string_view> constants;
     // A list that schemas share is one enumeration for each name it is used with.
     const std::uint64_t key = static_cast<std::uint64_t>(content.first) << 32 | tree.names.intern(called);
@@ -139,7 +141,7 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
             constants.push_back(types.keep(tree.names[constant.value]));
             described.push_back(isDescribed ? describe(constant.schema) : "");
         }
-        known->second = types.addEnumeration(called, constants, !own.empty(), describe(content.owner),
+        known->second = types.addEnumeration(called, constants, !nameOf(content.owner).empty(), describe(content.owner),
                                              tree.placeOf(content.owner), 0, described);
     }
     return {SourceTypes::kindEnumeration, known->second};

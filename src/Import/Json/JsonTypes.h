@@ -83,7 +83,7 @@ private:
         SourceTypes::Index record;
     };
 
-    bool isCalledByItsKey(Index schema) const;
+    std::string_view nameOf(Index schema, std::string_view name);
     SourceTypes::Type recordOf(const JsonContent& content, std::string_view name, SourceTypes::Index home);
     SourceTypes::Type enumerationOf(const JsonContent& content, std::string_view name);
     void readFields(const Pending& pending);
