@@ -234,8 +234,10 @@ TEST_F(JsonSchemaSets, AreOneImport)
         {"ARootOfAnySource", {"a.json", "q.json"}, R"(Q: \R \Q)", {"Q"}},
         {"ByMainType", {"b.json", "a.json"}, R"(B: \B\P \B\B \B\A)", {}, FullMessage::Layout::byMainType},
     };
-    for (const Row& row : rows)
+    for (const Row& row : rows) {
         EXPECT_EQ(namesOf(files, row), row.types) << row.name;
+        EXPECT_EQ(message.queryReport().queryTotal(SourceReport::loss), 0u) << row.name;
+    }
     message.setFurtherFiles({folder.write("c.json", "{\n]")});
     EXPECT_EQ(message.parseFile(folder.path("a.json"), ""), 0);
     EXPECT_EQ(boxes.take().size(), 1u);

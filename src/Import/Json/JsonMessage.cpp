@@ -78,6 +78,8 @@ void JsonSchemaMessage::readDocuments(std::span<Index> roots, JsonDocuments& doc
     for (Index source = 0; source < roots.size(); ++source) {
         schemas.setSource(source);
         const Index root = roots[source];
+        if (root == 0) // the same file again
+            continue;
         const JsonTypes::Shape shape = schemas.shapeOf(root, schemas.nameOf(root));
         // A document without a type of its own only holds definitions, which become the candidates instead.
         const bool isPlain = shape == JsonTypes::Shape() && tree.find(root, JsonWord::type) == 0;
