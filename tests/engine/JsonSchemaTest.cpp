@@ -114,8 +114,9 @@ const Rule kRules[] = {
      "r(x:Number y:String z:String) A(x:Number)"},
     {"OneMeaningAlone",
      R"({"title":"r","properties":{"a":{"allOf":[{)" A_REF
-     R"(}],"description":"d"},"b":{"oneOf":[{"type":"null"},{)" A_REF R"(}]}},"$defs":{)" A_RECORD "}}",
-     "A(x:Number) r(a:A b:A)"},
+     R"(}],"description":"d"},"b":{"oneOf":[{"type":"null"},{)" A_REF R"(}]},"c":{"prefixItems":[{)" A_REF
+     R"(},{)" A_REF R"(}]}},"$defs":{)" A_RECORD "}}",
+     "A(x:Number) t_c[A] r(a:A b:A c:t_c)"},
     {"TheLaterKindHolds",
      R"("a":{"allOf":[{"type":"string"},{"type":"number"}]},"b":{"allOf":[{"type":"string"},{"enum":["x"]}]})",
      "b{x} r(a:Number b:b)"},

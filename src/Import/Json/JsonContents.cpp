@@ -187,6 +187,9 @@ void JsonContents::overrideDiscriminator(Frame& frame)
 
 void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index part)
 {
+    // The same object again changes nothing.
+    if (frame.isBorrowed && isObject(added.kind) && added.owner == frame.content.owner && !frame.content.isConditional)
+        return;
     frame.objects += how == either && isObject(added.kind) ? 1 : 0;
     const Kind kind = frame.content.kind;
     if (added.kind == JsonContent::none) {
