@@ -4,25 +4,27 @@
 #include "Import/Json/JsonTypes.h"
 
 #include <algorithm>
+#include <chrono>
+#include <optional>
 #include <utility>
 
 namespace {
 
 constexpr std::size_t kMaxShapes = 2'000'000;
 
-// Removes a number of `digits` digits from the start. Returns false unless it is between `least` and `most`.
-bool takeNumber(std::string_view& text, std::size_t digits, int least, int most)
+// Removes a number of `digits` digits from the start. Returns nothing unless it is between `least` and `most`.
+std::optional<unsigned> takeNumber(std::string_view& text, std::size_t digits, unsigned least, unsigned most)
 {
     if (text.size() < digits)
-        return false;
-    int number = 0;
+        return std::nullopt;
+    unsigned number = 0;
     for (std::size_t i = 0; i < digits; ++i) {
         if (text[i] < '0' || text[i] > '9')
-            return false;
-        number = number * 10 + (text[i] - '0');
+            return std::nullopt;
+        number = number * 10 + static_cast<unsigned>(text[i] - '0');
     }
     text.remove_prefix(digits);
-    return number >= least && number <= most;
+    return number >= least && number <= most ? std::optional(number) : std::nullopt;
 }
 
 bool takeMark(std::string_view& text, char mark)
@@ -33,9 +35,22 @@ bool takeMark(std::string_view& text, char mark)
     return true;
 }
 
+bool takeDate(std::string_view& text)
+{
+    const auto year = takeNumber(text, 4, 0, 9999);
+    const auto month = takeMark(text, '-') ? takeNumber(text, 2, 1, 12) : std::nullopt;
+    const auto day = takeMark(text, '-') ? takeNumber(text, 2, 1, 31) : std::nullopt;
+    using namespace std::chrono;
+    return year && month && day &&
+           year_month_day(std::chrono::year(static_cast<int>(*year)), std::chrono::month(*month),
+                          std::chrono::day(*day))
+               .ok();
+}
+
 bool takeTime(std::string_view& text)
 {
-    if (!takeNumber(text, 2, 0, 24) || !takeMark(text, ':') || !takeNumber(text, 2, 0, 59))
+    const bool isMidnight = text.starts_with("24:00"); // the end of a day
+    if (!takeNumber(text, 2, 0, isMidnight ? 24 : 23) || !takeMark(text, ':') || !takeNumber(text, 2, 0, 59))
         return false;
     if (takeMark(text, ':') && !takeNumber(text, 2, 0, 60))
         return false;
@@ -47,8 +62,10 @@ bool takeTime(std::string_view& text)
     }
     if (takeMark(text, 'Z') || takeMark(text, 'z') || text.empty())
         return true;
-    return (takeMark(text, '+') || takeMark(text, '-')) && takeNumber(text, 2, 0, 23) &&
-           (takeMark(text, ':') || !text.empty()) && takeNumber(text, 2, 0, 59);
+    if ((!takeMark(text, '+') && !takeMark(text, '-')) || !takeNumber(text, 2, 0, 23))
+        return false;
+    const bool hasMinutes = takeMark(text, ':') || !text.empty();
+    return !hasMinutes || takeNumber(text, 2, 0, 59);
 }
 
 // Returns whether a text is a date, a time or both in the extended format of ISO 8601.
@@ -59,8 +76,7 @@ bool isIsoTime(std::string_view text)
         return false;
     if (text[2] == ':')
         return takeTime(text) && text.empty();
-    if (!takeNumber(text, 4, 0, 9999) || !takeMark(text, '-') || !takeNumber(text, 2, 1, 12) || !takeMark(text, '-') ||
-        !takeNumber(text, 2, 1, 31))
+    if (!takeDate(text))
         return false;
     return text.empty() ||
            ((takeMark(text, 'T') || takeMark(text, 't') || takeMark(text, ' ')) && takeTime(text) && text.empty());
