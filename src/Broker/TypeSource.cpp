@@ -26,11 +26,6 @@ TypeSource fileSource(const CString& file)
     return {toXmlText(full.string()), fs::is_regular_file(status) || fs::is_directory(status)};
 }
 
-TypeSource tableSource(const CString& source)
-{
-    return {source.find('=') == CString::npos ? "DSN=" + toXmlText(source) : CString()};
-}
-
 CString shortName(const CString& source, const std::vector<CString>& others)
 {
     if (source.empty())

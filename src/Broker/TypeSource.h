@@ -7,7 +7,7 @@
 /// The source of types, as a repository stores it.
 struct TypeSource
 {
-    CString name = {};        ///< full name of a file, or connection string without secrets; empty if none
+    CString name = {};        ///< full name of a file, or identityOf() a data source; empty if none
     bool isPersistent = true; ///< false for a pipe: next time the same name means another source
 
     /// Returns whether `other`, the stored source of a type, is this source.
@@ -16,10 +16,6 @@ struct TypeSource
 
 /// Returns a file or folder as a source, by its full name. Standard input and pipes are not persistent.
 TypeSource fileSource(const CString& file);
-
-/// Returns a data source by name as a source. For a connection string, the name is left empty, because it may hold
-/// secrets.
-TypeSource tableSource(const CString& source);
 
 /// Returns the shortest clear name of a source among `others`: a file without its folder, unless another source has
 /// that name too; "unknown source" for an empty one. `others` may contain the source itself.

@@ -9,6 +9,7 @@
 #include "Cli/Sources.h"
 #include "Cli/TableSource.h"
 #include "Cli/TypeListing.h"
+#include "Database/ConnectString.h"
 #include "Files/FileMessage.h"
 #include "Import/GenerationTime.h"
 #include "Import/MsgBase.h"
@@ -164,7 +165,7 @@ void expandFolders(Arguments& arguments)
 // Returns the origin to record. Several files are recorded under the first.
 TypeSource sourceOf(const MsgUIDescriptor& importer, const CString& source)
 {
-    return importer.querySource().readsTables ? tableSource(source) : fileSource(source);
+    return importer.querySource().readsTables ? TypeSource{toXmlText(identityOf(source))} : fileSource(source);
 }
 
 int createOnBroker(MsgBase& message, const MsgUIDescriptor& importer, const CString& source, const Arguments& arguments)

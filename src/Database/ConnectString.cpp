@@ -8,9 +8,11 @@
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <odbcinst.h>
 #include <pwd.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -118,4 +120,23 @@ CString plainConnection(const CString& connection)
 CString dataSourceOf(const CString& connection)
 {
     return withoutBraces(attributeOf(connection, "DSN").value);
+}
+
+CString identityOf(const CString& source)
+{
+    // Drivers read the server's name under either keyword.
+    constexpr std::pair<const char*, const char*> attributes[] = {
+        {"Driver", "Driver"},     {"DSN", "DSN"},   {"FILEDSN", "FILEDSN"},  {"Server", "Server"},
+        {"Servername", "Server"}, {"Port", "Port"}, {"Database", "Database"}};
+    const CString connection = source.find('=') == CString::npos ? "DSN=" + source : source;
+    CString identity;
+    for (const auto& [name, shown] : attributes) {
+        CString value = withoutBraces(attributeOf(connection, name).value);
+        if (value.empty())
+            continue;
+        if (std::string_view(name) == "Database" && hasDriver(connection, {"sqlite"}))
+            value = std::filesystem::absolute(value).lexically_normal().string();
+        identity += CString(identity.empty() ? "" : ";") + shown + "=" + value;
+    }
+    return identity;
 }

@@ -96,6 +96,24 @@ TEST(TableChoice, PicksTheTableOfADatabase)
     expectAnswers(folder, server.connection("two"), {{"$logon -t t --type t", {0, typeOf("y"), ""}}});
 }
 
+TEST(TableChoice, KnowsTheSourceOfStoredTypesByItsDatabase)
+{
+    const TempDir folder;
+    const CString source = "Driver=SQLite3;Database=" + folder.path("one") + ";";
+    Connected(source).database.ExecuteSQL("CREATE TABLE t (x int)");
+    expectAnswers(folder, source, {{"--create local", {0, "t created successfully\n", ""}}});
+    Connected(source).database.ExecuteSQL("ALTER TABLE t ADD y int");
+    Connected("Driver=SQLite3;Database=" + folder.path("two") + ";").database.ExecuteSQL("CREATE TABLE t (x int)");
+    const CString replaced = "t modifed\n";
+    expectAnswers(folder, "PWD=x;database=./one;DRIVER={SQLite3}",
+                  {{"--create local --overwrite all", {0, replaced, ""}}});
+    expectAnswers(folder, "Driver=SQLite3;Database=two",
+                  {{"--create local --overwrite all",
+                    {0, replaced,
+                     "typeforge-import: 1 type of Driver=SQLite3;Database=" + folder.path("one") +
+                         " was replaced by a different one; --base-path keeps them apart\n"}}});
+}
+
 TEST(TableChoice, TellsTablesThatCantBeNamed)
 {
     const TempDir folder;

@@ -6,6 +6,7 @@
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"
 #include "Broker/TypeSource.h"
+#include "Database/ConnectString.h"
 #include "Resources/StringTable.h"
 #include "Ui/LongWork.h"
 #include "Ui/RecentCombo.h"
@@ -257,7 +258,7 @@ std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
     const CString& source = wizard->script.source;
     CreationRun run(session,
                     {askInWindow, [&options](const CString& line, ResultKind kind) { options.addResult(line, kind); }},
-                    {readsTables ? tableSource(source) : fileSource(source)});
+                    {readsTables ? TypeSource{toXmlText(identityOf("DSN=" + source))} : fileSource(source)});
     const int errors = run.run(*wizard->message);
     return run.wasCancelled() ? std::nullopt : std::optional(errors);
 }
