@@ -106,7 +106,9 @@ std::vector<ChosenTable> TableSource::pickTables(const std::vector<CString>& nam
     std::vector<ChosenTable> tables;
     std::set<CString> known;
     for (const CString& each : names) {
-        const CString name(trimmed(each));
+        CString name(trimmed(each));
+        if (name != each && tableExists(each))
+            name = each; // blanks are a part of it
         if (!known.insert(name).second)
             continue;
         const bool mayBeQualified = name.find('.') != CString::npos && !tableExists(name);

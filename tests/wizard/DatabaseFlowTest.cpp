@@ -102,6 +102,31 @@ TEST_F(DatabaseFlow, LeadsFromTheDataSourceToTheTypes)
     EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
 }
 
+TEST_F(DatabaseFlow, OffersACommandThatReadsTheSameTables)
+{
+    qputenv("SOURCE_DATE_EPOCH", "1700000000");
+    CString ini;
+    for (const char* source : {"-d", "@d", "a=b"})
+        ini += sqliteSource(source, "CREATE TABLE \" led\" (x int); CREATE TABLE z (x int)");
+    start(ini);
+    desk.importer = "ODBC importer";
+    for (const int source : {0, 1, 2})
+        for (const int table : {0, 1}) {
+            choose(IDC_DATA_SOURCES, source);
+            choose(IDC_TABLES, table);
+            EXPECT_EQ(desk.wizard().message->beginEnum(), table) << "the name of the first can't be looked up";
+            desk.walkTo(IDD_FINISH);
+            const CString written = TempDir::read(desk.output);
+            std::filesystem::remove(desk.output);
+            const QString command = desk.wizard().activePage()->findChild<QLineEdit*>("command")->text();
+            EXPECT_EQ(std::system((TEST_BUILD_DIR "/" + command.toStdString() + " -q").c_str()), 0);
+            EXPECT_EQ(TempDir::read(desk.output), written);
+            desk.click("back");
+            desk.walkTo(IDD_DATA_SOURCE);
+        }
+    qunsetenv("SOURCE_DATE_EPOCH");
+}
+
 TEST_F(DatabaseFlow, AsksForTheLogonShowsTheDriversWordsAndGoesOn)
 {
     PostgresServer server;

@@ -112,10 +112,10 @@ LRESULT DatabaseTablePage::OnWizardNext()
     for (const int row : selected) {
         chosen.push_back({tables[static_cast<std::size_t>(row)].name, ChosenTable::listed});
         const ChosenTable& table = chosen.back();
-        if (!table.isNamable())
-            continue;
-        wizard->script.tables.push_back(table.table.name);
-        names += table.table.name + '\n';
+        if (!trimmed(table.table.name).empty()) // or the command would import all tables if no name can be looked up
+            wizard->script.tables.push_back(table.table.name);
+        if (table.isNamable())
+            names += table.table.name + '\n';
     }
     if (auto* importer = dynamic_cast<ODBCMessage*>(wizard->message.get()))
         importer->setChosen(std::move(chosen));

@@ -20,6 +20,13 @@ CString quoted(const CString& word)
     return text + "'";
 }
 
+// Returns the name of a data source as the command's argument. A name that would be taken for a connection string, an
+// option or a file of arguments becomes a connection string.
+CString dataSourceArgument(const CString& name)
+{
+    return name.find('=') != CString::npos || name.starts_with('-') || name.starts_with('@') ? "DSN=" + name : name;
+}
+
 // Returns an option and its value as one word, so that the value may begin with a dash.
 CString option(const char* name, const CString& value)
 {
@@ -31,7 +38,8 @@ CString option(const char* name, const CString& value)
 CString ScriptCommand::text(MsgBase& message) const
 {
     MsgUIDescriptor& importer = *message.queryDescriptor();
-    CString line = CString("typeforge-import ") + importer.querySource().word + " " + quoted(source);
+    CString line = CString("typeforge-import ") + importer.querySource().word + " " +
+                   quoted(importer.querySource().readsTables ? dataSourceArgument(source) : source);
     for (const CString& further : furtherSources)
         line += " " + quoted(further);
     if (basePath != importer.getBasePath())
