@@ -254,11 +254,16 @@ TEST_F(OpenApiSets, AreOneImport)
         {"d", "openapi: 3.0.0\npaths: {/a: {get: {operationId: c, requestBody: {content: {a/b: {schema: {$ref: "
               "'e#/P'}}}}}}}\ncomponents: {schemas: {Q: {properties: {q: {}}}}}\n"},
         {"e", "P: {properties: {p: {$ref: 'd#/components/schemas/Q'}}}\n"},
+        {"f", "openapi: 3.0.0\ncomponents: {schemas: {Key: {$ref: 'g'}, R: {properties: {k: {$ref: 'g'}, e: {$ref: "
+              "'h#/e1'}}}, E: {$ref: 'h#/e1'}}}\n"},
+        {"g", "title: G\nproperties: {x: {}}\n"},
+        {"h", "e1: {enum: [x]}\n"},
         {"s", "openapi: 3.0.0\ncomponents: {schemas: {S: {properties: {v: {}}}}}\n"},
     };
     const Row rows[] = {
         {"Messages", {"s", "a", "b"}, R"(S: \M \S)"},
         {"ARootThatSeveralSourcesUse", {"a", "c"}, R"(S: \S)", {"S"}},
+        {"NamesOfTheComponents", {"f"}, R"(R: \R\Key \R\E \R\R)"},
         {"APartIsNoSource", {"e", "d"}, R"(P: \Q \P)"},
     };
     for (const Row& row : rows)

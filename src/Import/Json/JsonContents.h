@@ -78,6 +78,9 @@ public:
     /// Returns whether a schema is declared by name, or is the whole document.
     bool isDeclared(Index schema) const;
 
+    /// Returns the target of a schema that is only a reference, apart from remarks; else the schema itself.
+    Index baseOf(Index schema);
+
     /// Returns whether the keys of an object are names of properties, patterns or definitions, and no keywords.
     bool holdsNames(Index object) const;
 
@@ -182,7 +185,6 @@ private:
     bool isNull(Index schema) const;
     bool areEquivalent(Index one, Index other) const;
     bool isLeafOf(Index schema, NameTable::Id& type, NameTable::Id& format) const;
-    Index baseOf(Index schema);
     Index mergedOf(Index first, std::span<const Part> more);
     Index makeMerged(const Merged& merged);
     void step(std::size_t count = 1);

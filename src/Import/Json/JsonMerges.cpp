@@ -19,7 +19,6 @@ constexpr std::size_t kMadePerValue = 2;
 
 } // namespace
 
-// Returns the target of a schema that is only a reference, apart from remarks; else the schema itself.
 JsonNode::Index JsonContents::baseOf(Index schema)
 {
     for (int i = 0; i < kLongestChain; ++i) {

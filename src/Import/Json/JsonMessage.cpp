@@ -113,6 +113,8 @@ void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& docume
         const std::string_view version = openApiVersionOf(tree, isDescription(tree, root) ? root : all.front());
         documents.setIgnoresSiblings(root, version.empty() || version.starts_with("3.0"));
     }
+    for (const Index root : all)
+        schemas.nameReferred(tree.find(tree.find(root, JsonWord::components), JsonWord::schemas));
     AvroTypes avro(documents, schemas, types, report);
     ApiMessages messages(documents, schemas, avro);
     for (Index source = 0; source < roots.size(); ++source) {

@@ -210,6 +210,18 @@ std::string_view JsonTypes::describe(Index schema)
     return {};
 }
 
+void JsonTypes::nameReferred(Index holder)
+{
+    for (const Index at : tree.childrenOf(tree.is(holder, JsonNode::object) ? holder : 0)) {
+        const bool wasPaused = report.pause(true); // what is missing is reported when types are read
+        const Index schema = contents.baseOf(at);
+        report.pause(wasPaused);
+        const bool hasKey = tree[schema].parent != 0 && contents.isDeclared(schema);
+        if (tree[schema].document != tree[at].document && !hasKey)
+            names.try_emplace(schema, toModelName(tree.key(at), at));
+    }
+}
+
 void JsonTypes::declareMembers(Index holder, bool asCandidates)
 {
     if (!tree.is(holder, JsonNode::object))

@@ -42,6 +42,10 @@ public:
     /// called `name`, inside the record `home`, if that is given.
     Shape shapeOf(Index schema, std::string_view name, SourceTypes::Index home = SourceTypes::kNone);
 
+    /// Names schemas of other documents after the key under `holder` that refers to them. Call it before types are
+    /// read.
+    void nameReferred(Index holder);
+
     /// Adds the types of all schemas under `holder`, so that unused ones are imported as well. With `asCandidates` they
     /// become candidates for main types.
     void declareMembers(Index holder, bool asCandidates);
