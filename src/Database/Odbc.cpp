@@ -1,12 +1,17 @@
 #include "Database/Odbc.h"
 
 #include "Base/Secret.h"
+#include "Database/ConnectSettings.h"
 #include "Database/ConnectString.h"
 #include "Database/DriverHost.h"
 #include "Database/DriverMessage.h"
 #include "Database/TlsMode.h"
 
+#include <cerrno>
+#include <filesystem>
 #include <new>
+#include <system_error>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -32,6 +37,21 @@ void buildConnectString(CString& out, const CString& source, CDatabase::Access a
         out += ';';
     out += logon;
     out += suffix;
+}
+
+// Returns the file of a source whose driver opens a file, with the reason why it can't be opened; empty for other
+// sources, and if it can. The driver's own error has neither.
+CString fileProblem(const CString& connection)
+{
+    if (!hasDriver(connection, {"sqlite"}))
+        return {};
+    const CString file = settingOf(connection, "Database");
+    std::error_code failure;
+    if (std::filesystem::is_directory(file, failure))
+        failure = std::make_error_code(std::errc::is_a_directory);
+    else if (::access(file.c_str(), R_OK) != 0)
+        failure.assign(errno, std::generic_category());
+    return failure && !file.empty() ? "; its file is " + file + ": " + failure.message() : CString();
 }
 
 [[noreturn]] void raise(MessageReader& answer)
@@ -82,6 +102,9 @@ bool CDatabase::connect(const CString& connection, Access access, const TlsAttem
         if (!isOpen)
             Close();
         return isOpen;
+    } catch (const CDBException& error) {
+        Close();
+        throw CDBException(error.queryState(), error.queryNativeError(), error.queryText() + fileProblem(connection));
     } catch (...) {
         Close();
         throw;

@@ -133,7 +133,9 @@ TEST_F(ImportCommand, AnswersExactly)
         {"(echo '<!ELEMENT q (z)>'; cat r.dtd) >q.dtd; { read -r first; $import dtd - -l; } <q.dtd", {0, kList, ""}},
         {"echo '<r>' | $import xml -", {1, "", "-:2:1: error: Premature end of data in tag r line 1\n"}},
         {"$import 'Driver=SQLite3;Database=none;Password=x'",
-         {1, "", "Driver=SQLite3;Database=none;Password=***: error: [SQLite]connect failed (SQLSTATE S1000)\n"}},
+         {1, "",
+          "Driver=SQLite3;Database=none;Password=***: error: [SQLite]connect failed; its file is none: No such file or "
+          "directory (SQLSTATE S1000)\n"}},
         {"echo '<r><s/><s/></r>' >a.xml; echo '<r u=\"1\"><t><u/></t></r>' >b.xml; $import a.xml b.xml -l | cut -f1 | "
          "sort",
          {0, "\\sys\\xml\\r\\r\n\\sys\\xml\\r\\t\n\\sys\\xml\\r\\t_s\n", ""}},

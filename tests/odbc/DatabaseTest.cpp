@@ -420,7 +420,10 @@ TEST(Database, TheCommandLineImportsADataSource)
           "FILE lists it\n"}},
         {"Orders -l -t ' ' 2>&-", {2, "", ""}},
         {"Empty -l; ls", {0, "cli.ini\norders\npassword\n", "Empty: error: no types were found\n"}},
-        {"Lost -l; ls", {0, "cli.ini\norders\npassword\n", "Lost: error: [SQLite]connect failed (SQLSTATE S1000)\n"}},
+        {"Lost -l; ls",
+         {0, "cli.ini\norders\npassword\n",
+          "Lost: error: [SQLite]connect failed; its file is " + folder.path("lost") +
+              ": No such file or directory (SQLSTATE S1000)\n"}},
         {"Text -l -t a", {1, "", "Text: error: [SQLite]file is not a database (26) (SQLSTATE S1000)\n"}},
         {"'DSN=Empty;Pwd = {a;b};UID=u'", {1, "", "DSN=Empty;Pwd =***: error: no types were found\n"}},
         {"Orders -t b --report - -q -o /dev/null", {0, "", "1 type, 1 field: 1 typed, 0 left text\n"}},

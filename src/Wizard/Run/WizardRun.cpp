@@ -2,10 +2,8 @@
 
 #include "Base/QELApp.h"
 #include "Base/Secret.h"
-#include "Database/ConnectSettings.h"
 #include "Database/ConnectString.h"
 #include "Files/File.h"
-#include "Files/FileMessage.h"
 #include "Import/Registry/SourceSet.h"
 #include "Resources/StringTable.h"
 #include "Ui/ModalBox.h"
@@ -22,17 +20,12 @@
 
 namespace {
 
-// Returns the driver's error with the name of the data source, and why its file can't be read. Drivers often omit both.
+// Returns the driver's error with the name of the data source, which drivers often omit.
 CString openErrorText(const CString& source, const CString& words)
 {
-    if (words.find(source) != CString::npos)
-        return words;
-    const CString connection = "DSN=" + source + ";";
-    CString text = "The data source " + source + " can't be opened";
-    if (const CString file = settingOf(connection, "Database"); hasDriver(connection, {"sqlite"}) && !file.empty())
-        if (const FileCause cause = testReadable(file); cause != FileCause::none)
-            text += ". Its file is " + file + ": " + inWords(file, cause);
-    return text + ".\n" + words;
+    const bool isNamed = words.find("data source " + source) != CString::npos ||
+                         words.find("data source called " + source) != CString::npos;
+    return isNamed ? words : "The data source " + source + " can't be opened.\n" + words;
 }
 
 } // namespace
