@@ -222,6 +222,10 @@ TEST_F(ImportCommand, AnswersExactly)
           "j/t.json: error: it is neither an OpenAPI nor an AsyncAPI document\n" +
               says("j: the folder holds no source")}},
         {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
+        {"ln -s none set/.5.dtd; ln -s none set/6.dtd; $import dtd --full set; rm set/6.dtd; $import dtd --full set -b "
+         "a "
+         "-l | cut -f 1",
+         {0, "a\\s\na\\r1\na\\r2\n", "set/6.dtd: error: No such file or directory\n"}},
         {"$import dtd --full r.dtd --folder u", {2, "", mistake("--folder: it takes URI=NAME")}},
         {"$import dtd --full r.dtd --folder u=v", {2, "", mistake("--folder requires --folders namespace")}},
         {"$import dtd --full set/1.dtd r.dtd --folders main --merge-equal",

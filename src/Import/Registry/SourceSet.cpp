@@ -43,8 +43,11 @@ std::vector<CString> filesIn(const CString& folder, const MsgUIDescriptor* impor
     std::vector<CString> files;
     for (const std::filesystem::directory_entry& entry : Iterator(folder)) {
         std::error_code failure;
-        const MsgUIDescriptor* const own = importerOf(entry.path().filename().string(), importer);
-        if (!own || !entry.is_regular_file(failure))
+        const CString name = entry.path().filename().string();
+        const MsgUIDescriptor* const own = importerOf(name, importer);
+        // A link that leads nowhere stays, so that opening it fails with the reason. Editors have hidden ones as locks.
+        const bool isSource = entry.is_regular_file(failure) || (failure && !name.starts_with('.'));
+        if (!own || !isSource)
             continue;
         if (!importer && own->querySource().isSet) { // a WSDL refers to the schemas beside it
             importer = own;
