@@ -181,6 +181,10 @@ const Rule kRules[] = {
      "# YAML\ntitle: r\nproperties:\n  a: {enum: [1, -0.5, .5, 1., +1e3, 1E99999, 0x1F, .inf]}\n"
      "  b: {enum: [nan, 1_0, --1, 1e, .]}\n",
      "b{nan|1_0|--1|1e|.} r(a:Number b:b)"},
+    {"YamlTags",
+     "# YAML\ntitle: r\nproperties:\n  a: {const: !!int '1'}\n  b: {const: !!str 1}\n  c: {const: ! 2}\n  d: {const: "
+     "!x '3'}\n  e: {const: !!null ''}\n",
+     "d{3} c{2} b{1} r(a:Number b:b c:c d:d e:String)"},
     {"YamlMergesTheFirstOfSeveralBehindOwnKeys",
      "# YAML\ntitle: r\ndefinitions:\n  x: &x {type: integer}\n  y: &y {type: string, format: date}\nproperties:\n"
      "  a: {<<: [*x, *y]}\n  b: {type: string, <<: [*x, *y]}\n  c: {<<: [*y, *x]}\n",

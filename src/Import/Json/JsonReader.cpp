@@ -220,7 +220,9 @@ private:
             open.back()->isMergeNext = text == "<<" && scalar.style == YAML_PLAIN_SCALAR_STYLE;
             return;
         }
-        const bool isText = scalar.style != YAML_PLAIN_SCALAR_STYLE || textOf(scalar.tag) == YAML_STR_TAG;
+        const std::string_view tag = textOf(scalar.tag);
+        const bool isTyped = isOneOf(tag, {YAML_NULL_TAG, YAML_BOOL_TAG, YAML_INT_TAG, YAML_FLOAT_TAG});
+        const bool isText = isOneOf(tag, {YAML_STR_TAG, "!"}) || (scalar.style != YAML_PLAIN_SCALAR_STYLE && !isTyped);
         const JsonNode::Kind kind = isText ? JsonNode::string : kindOfPlain(text);
         keepAnchor(textOf(scalar.anchor), add(kind, kind == JsonNode::null ? "" : text, event.start_mark));
     }
