@@ -30,6 +30,9 @@ const Rule kSchemas[] = {
      "T(a:Number b:Number)", "2 losses: 2 second declarations"},
     {"Draft3", R"({"$schema":"http://json-schema.org/draft-03/schema#","title":"T","properties":{"a":{"type":"any"}}})",
      "T(a:String)", "2 losses: 2 values not understood"},
+    {"YamlMergesOfNoMapping",
+     "# YAML\ntitle: T\nproperties:\n  a: {<<: 5, type: integer}\n  b: {<<: [{type: integer}, x]}\n",
+     "T(a:Number b:Number)", "2 losses: 2 values not understood"},
     {"YamlMergesGivenTwice",
      "# YAML\ntitle: T\ndefinitions: {x: &x {type: integer}, y: &y {title: y}}\nproperties:\n  a: {<<: *x, <<: *y, <<: "
      "*x}\n",

@@ -203,11 +203,10 @@ private:
     {
         builder.drop(members);
         const Index source = tree.target(members.back());
-        if (tree.is(source, JsonNode::object))
-            builder.merge(source);
-        else if (tree.is(source, JsonNode::array))
-            for (const Index at : tree.childrenOf(source))
-                builder.merge(tree.target(at));
+        if (!tree.is(source, JsonNode::array))
+            return builder.merge(source);
+        for (const Index at : tree.childrenOf(source))
+            builder.merge(tree.target(at));
     }
 
     void takeScalar(const yaml_event_t& event)

@@ -151,6 +151,8 @@ JsonNode::Index JsonBuilder::add(JsonNode::Kind kind, std::string_view text, std
 // among several sources the earlier one does.
 void JsonBuilder::merge(Index source)
 {
+    if (!tree.is(source, JsonNode::object))
+        return report.add(SourceReport::invalidValue, tree.placeOf(source), "<<");
     Level& level = open.back();
     std::unordered_set<NameTable::Id> met;
     countMerged(); // a mapping without members has a cost, too
