@@ -33,7 +33,7 @@ void copyStandardInput()
 {
     const Descriptor copy(copyToFile(STDIN_FILENO));
     if (!copy.isOpen() || ::dup2(copy.get(), STDIN_FILENO) < 0)
-        throw std::runtime_error("can't copy standard input");
+        throw std::runtime_error("can't copy standard input: " + inWords(errno));
 }
 
 bool isConnectionString(const CString& source)

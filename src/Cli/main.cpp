@@ -4,6 +4,7 @@
 #include "Cli/Import.h"
 #include "Files/TemporaryFile.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -36,7 +37,8 @@ const Arguments* running = nullptr; // those of main(), for the terminate handle
 int main(int argc, char** argv)
 {
     openClosedStreams();
-    static Arguments arguments; // static, because the terminate handler may run after main()
+    std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit on file sizes fails like one on a full disk
+    static Arguments arguments;    // static, because the terminate handler may run after main()
     running = &arguments;
     try {
         int exitStatus = kDone;

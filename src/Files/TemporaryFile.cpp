@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int kEndingSignals[] = {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGPIPE, SIGXFSZ, SIGXCPU};
+constexpr int kEndingSignals[] = {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU};
 
 // The list of all temporary files, newest first. A signal can come at any moment, so the list only ever changes by one
 // store. A file joins the list before it exists, while its name is still a pattern, so that a signal between its

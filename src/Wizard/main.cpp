@@ -5,6 +5,7 @@
 
 #include <QApplication>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -63,6 +64,7 @@ void openDisplay(int& argc, char* argv[], std::optional<QApplication>& applicati
 int main(int argc, char* argv[])
 {
     openClosedStreams();
+    std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit on file sizes fails like one on a full disk
     if (printedHelp(argc, argv))
         return 0;
     std::optional<QApplication> application;
