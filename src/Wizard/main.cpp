@@ -66,7 +66,7 @@ int main(int argc, char* argv[])
     openClosedStreams();
     std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit on file sizes fails like one on a full disk
     if (printedHelp(argc, argv))
-        return 0;
+        return std::fflush(stdout) == 0 ? 0 : 1;
     std::optional<QApplication> application;
     openDisplay(argc, argv, application);
     for (const QString& argument : QApplication::arguments().mid(1)) // Qt has removed its own options

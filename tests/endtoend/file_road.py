@@ -12,6 +12,8 @@ class FileRoad(WizardTest):
         for option, start in [("--help", "Usage: typeforge [FILE]"), ("--version", "typeforge 1.")]:
             ran = subprocess.run([BUILD + "/typeforge", option], env=no_display, capture_output=True, text=True)
             self.assertEqual((0, start, ""), (ran.returncode, ran.stdout[:len(start)], ran.stderr))
+            with open("/dev/full", "w") as full:
+                self.assertEqual(1, subprocess.run([BUILD + "/typeforge", option], env=no_display, stdout=full).returncode)
 
     def walk(self, importer, source):
         """Walks from the importer page to the finish page. Returns the written file."""
