@@ -149,6 +149,12 @@ class Create(unittest.TestCase):
             said = "c would be created\na unchanged\nr %s\n" % fate
             self.assertEqual((status, said, ""), self.run_import(*create, *option))
         self.assertEqual(before, self.rows())
+        with sqlite3.connect(repository) as database:
+            database.execute("ALTER TABLE typeforge_types RENAME COLUMN name TO other")
+        for status, arguments in (1, create), (2, compare):
+            answer = self.run_import(*arguments)
+            self.assertEqual((status, ""), answer[:2])
+            self.assertIn("Repository Error ([SQLite]no such column: name", answer[2])
         for mistake in ["--dry-run"], ["--diff", "broker:"], ["--diff", "broker:a:b"]:
             self.assertEqual(2, self.run_import("pair.dtd", *mistake)[0])
 
@@ -228,6 +234,11 @@ class Create(unittest.TestCase):
             said = ("typeforge-import: Unable to establish a connection to Broker: [unixODBC][Driver Manager]Can't open lib "
                     f"'{driver}' : file not found (SQLSTATE 01000); the package is {package}\n")
             self.assertEqual((1, "", said), self.run_import("pair.dtd", "--create", server, "--trusted"))
+
+    def test_a_data_folder_that_cant_be_created_is_named(self):
+        self.environment["XDG_DATA_HOME"] = "/proc/none/data"
+        said = "typeforge-import: Unable to establish a connection to Broker: /proc/none/data: No such file or directory\n"
+        self.assertEqual((1, "", said), self.run_import("pair.dtd", "--create", "local"))
 
     def test_mistakes_and_failures_have_their_status(self):
         self.write("two", "")

@@ -28,7 +28,9 @@ constexpr std::string_view kNotInValue = ";{}=\r\n";
 // created them.
 void makePrivate(const fs::path& folder, const fs::path& file)
 {
-    fs::create_directories(folder.parent_path());
+    std::error_code failure;
+    if (fs::create_directories(folder.parent_path(), failure); failure)
+        throw std::system_error(failure, folder.parent_path().string());
     if ((mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) || chmod(folder.c_str(), S_IRWXU) != 0)
         raise(folder);
     const int made = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);

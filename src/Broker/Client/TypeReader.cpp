@@ -14,22 +14,24 @@ constexpr char kProbeSources[] = "SELECT source, source_time, source_revision FR
 constexpr char kReadFolder[] = "SELECT name, document FROM typeforge_types "
                                "WHERE substr(name, 1, length(CAST(? AS TEXT))) = ? ORDER BY name";
 
-// Returns whether an error says that the table or a column is missing, for either database.
-bool isMissing(const CDBException& error)
+// How the databases report what is missing: by SQLSTATE, or SQLite in words.
+struct Missing
 {
-    const CString& state = error.queryState();
-    const std::string_view words = error.what();
-    return state == "42P01" || state == "42S02" || state == "42703" || state == "42S22" ||
-           words.find("no such table") != words.npos || words.find("no such column") != words.npos;
-}
+    const char *state, *otherState, *words;
+};
+constexpr Missing kMissingTable = {"42P01", "42S02", "no such table"};
+constexpr Missing kMissingColumn = {"42703", "42S22", "no such column"};
 
-bool exists(CDatabase& database, const char* probe)
+// Runs a probe. Returns false if it fails because of what may be missing.
+bool exists(CDatabase& database, const char* probe, const Missing& missing)
 {
     try {
         database.ExecuteSQL(probe);
         return true;
     } catch (const CDBException& error) {
-        if (!isMissing(error))
+        const CString& state = error.queryState();
+        if (state != missing.state && state != missing.otherState &&
+            error.queryText().find(missing.words) == CString::npos)
             throw;
         return false;
     }
@@ -38,8 +40,8 @@ bool exists(CDatabase& database, const char* probe)
 } // namespace
 
 TypeReader::TypeReader(std::shared_ptr<CDatabase> open, TypeTable::Place place) :
-    database(open && exists(*open, kProbe) ? std::move(open) : nullptr),
-    table(place, database && exists(*database, kProbeSources))
+    database(open && exists(*open, kProbe, kMissingTable) ? std::move(open) : nullptr),
+    table(place, database && exists(*database, kProbeSources, kMissingColumn))
 {}
 
 std::vector<StoredType> TypeReader::store(std::span<const NamedDocument> types, const CString&, ExistingRules rules)
