@@ -104,16 +104,41 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         if (exact && columns.queryTable() != *exact)
             continue;
         read.insert(columns.queryTable());
-        if (const auto type = elementTypeOf(columns.dataType))
+        reportCuts(columns, place);
+        if (const auto type = elementTypeOf(columns.dataType)) {
+            reportSameKey(tableName, columns.columnName, table);
             addElement(tableName + columns.columnName, basePath, columns.columnName, columns.remarks, *type, table);
-        else
+        } else {
             report.add(SourceReport::columnSkipped, place, columns.columnName + " (" + columns.typeName + ")");
+        }
     }
     columns.Close();
     if (read.empty())
         report.add(tableExists(tableName) ? SourceReport::emptyTable : SourceReport::tableGone, place, tableName);
     else
         reportTables(tableName, read);
+}
+
+// Reports texts that the recordset has cut.
+void ODBCMessage::reportCuts(const CColumns& columns, SourcePlace place)
+{
+    constexpr std::size_t longest = 255, characterPart = 3; // bytes; the last character may be dropped in part
+    if (columns.columnName.size() >= longest - characterPart)
+        report.add(SourceReport::cutShort, place, "a column's name, to 255 bytes: " + columns.columnName);
+    if (columns.remarks.size() >= longest - characterPart)
+        report.count(SourceReport::documentationCut);
+}
+
+// Reports a column with the usage key of another record's field, or of a record. AB.C and A.BC have the same, and so do
+// the columns of a table that is chosen twice. What had the key first then becomes a table.
+void ODBCMessage::reportSameKey(const CString& tableName, const CString& columnName, const Element* table)
+{
+    const ChildElement* const usage = findUsage(tableName + columnName);
+    if (!usage || usage->queryParent() == table) // in the same record, the columns are of several tables
+        return;
+    const Element& first = *(usage->queryParent() ? usage->queryParent() : usage->queryElement());
+    report.add(SourceReport::inventedRepetition, {report.addFile(first.queryName())},
+               usage->queryElement()->queryName() + ", because of " + tableName + "." + columnName);
 }
 
 // Returns the only table whose columns are to be read; null if all tables that match the name are.
