@@ -244,6 +244,8 @@ CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importe
         return "--user and --source-user both name the database's user without --create; give one";
     if (!arguments.tables.empty() && !importer.querySource().readsTables)
         return "--table: " + word + " reads no tables";
+    if (!arguments.dependencies.file.empty() && importer.querySource().readsTables)
+        return "--depfile: " + word + " reads no files";
     return {};
 }
 

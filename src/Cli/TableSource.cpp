@@ -6,6 +6,7 @@
 #include "Import/MsgBase.h"
 #include "Resources/StringTable.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -56,7 +57,7 @@ void TableSource::import(MsgBase& message, const Arguments& arguments, const CSt
     try {
         read(dynamic_cast<ODBCMessage&>(message), arguments, basePath, diagnostics);
     } catch (const CDBException& error) {
-        diagnostics.error(error.what() + logonHint(arguments, error));
+        diagnostics.error(shownSource(error.what()) + logonHint(arguments, error)); // may quote the connection string
     } catch (const NoTable& table) {
         diagnostics.error("there is no table called " + table.name);
     }
@@ -113,6 +114,8 @@ std::vector<ChosenTable> TableSource::pickTables(const std::vector<CString>& nam
             continue;
         const bool mayBeQualified = name.find('.') != CString::npos && !tableExists(name);
         const std::optional<TableName> table = mayBeQualified ? qualifiedTable(name) : std::nullopt;
+        if (table && std::ranges::find(tables, *table, &ChosenTable::table) != tables.end())
+            continue; // the same table by another name
         tables.push_back(table ? ChosenTable{*table, ChosenTable::exact} : ChosenTable{{"", "", name}});
     }
     requireDifferentNames(tables);

@@ -424,6 +424,10 @@ TEST(Database, TheCommandLineImportsADataSource)
          {0, "cli.ini\norders\npassword\n",
           "Lost: error: [SQLite]connect failed; its file is " + folder.path("lost") +
               ": No such file or directory (SQLSTATE S1000)\n"}},
+        {"'Driver={none;PWD=secret;Database=orders'",
+         {1, "", "Driver={none;PWD=***: error: [unixODBC][Driver Manager]Can't open lib 'none;PWD=***\n"}},
+        {"Orders -o o --depfile d",
+         {2, "", "typeforge-import: --depfile: odbc reads no files\nTry typeforge-import --help\n"}},
         {"Text -l -t a", {1, "", "Text: error: [SQLite]file is not a database (26) (SQLSTATE S1000)\n"}},
         {"'DSN=Empty;Pwd = {a;b};UID=u'", {1, "", "DSN=Empty;Pwd =***: error: no types were found\n"}},
         {"Orders -t b --report - -q -o /dev/null", {0, "", "1 type, 1 field: 1 typed, 0 left text\n"}},

@@ -55,6 +55,7 @@ TEST(TableChoice, PicksTheTableOfASchemaAndTellsTheOthers)
         folder, server.connection("postgres"),
         {{"$logon -t a.t --type t", {0, typeOf("x"), ""}},
          {"$logon -t postgres.b.t --type t", {0, typeOf("y"), ""}},
+         {"$logon -t a.t -t postgres.a.t --type t", {0, typeOf("x"), ""}},
          {"$logon -t a.dot -l", {0, "\\a.dot\t\n", ""}},
          {"$logon -t t -l --report - -q",
           {0, "\\t\t\n",
@@ -86,11 +87,14 @@ TEST(TableChoice, PicksTheTableOfADatabase)
     execute(server, "", "CREATE DATABASE two");
     execute(server, "one", "CREATE TABLE t (x int)");
     execute(server, "two", "CREATE TABLE t (y int)");
+    execute(server, "one", "CREATE TABLE c (z int COMMENT '" + CString(256, 'c') + "')");
     const TempDir folder;
     folder.write("password", server.password);
     expectAnswers(folder, server.connection(""),
                   {{"$logon -t one.t --type t", {0, typeOf("x"), ""}},
                    {"$logon -t two.t --type t", {0, typeOf("y"), ""}},
+                   {"$logon -t c -l --report - | cut -f1",
+                    {0, "\\c\n", "1 detail\n\n1 documentation cut short\n1 type, 1 field: 1 typed, 0 left text\n"}},
                    {"$logon -t t -l",
                     {0, "\\t\t\n", "S: warning: 1 loss: 1 record of several tables; --report FILE lists it\n"}}});
     expectAnswers(folder, server.connection("two"), {{"$logon -t t --type t", {0, typeOf("y"), ""}}});
@@ -112,6 +116,19 @@ TEST(TableChoice, KnowsTheSourceOfStoredTypesByItsDatabase)
                     {0, replaced,
                      "typeforge-import: 1 type of Driver=SQLite3;Database=" + folder.path("one") +
                          " was replaced by a different one; --base-path keeps them apart\n"}}});
+}
+
+TEST(TableChoice, TellsColumnsOfOneKeyAndTextsThatAreCut)
+{
+    const TempDir folder;
+    const CString source = "Driver=SQLite3;Database=" + folder.path("keys") + ";", cut(255, 'n');
+    for (const CString& table : {CString("ab (c int)"), CString("a (bc int)"), "n (" + cut + "n int)"})
+        Connected(source).database.ExecuteSQL("CREATE TABLE " + table);
+    expectAnswers(
+        folder, source,
+        {{"-t a -t ab --strict", {1, "", "a: error: single field read as repeated: bc, because of ab.c\n"}},
+         {"-t n --strict",
+          {1, "", "n: error: cut short by a bound: a column's name, to 255 bytes: " + CString(169, 'n') + "...\n"}}});
 }
 
 TEST(TableChoice, TellsTablesThatCantBeNamed)
