@@ -294,6 +294,16 @@ CString manyCombinations()
     return text + "}}";
 }
 
+TEST_F(JsonSchema, MergesTheItemsOfManyConditionsOnce)
+{
+    CString schema = R"({"title":"r","properties":{"l":{"items":{"type":"object"}}},"allOf":[{})";
+    for (int i = 0; i < 1000; ++i)
+        schema += R"(,{"then":{"properties":{"l":{"items":{"properties":{"x)" + std::to_string(i) + R"(":{}}}}}}})";
+    EXPECT_EQ(importSchema(schema + "]}"), 1);
+    EXPECT_EQ(message.queryReport().queryTotal(SourceReport::loss), 0u);
+    EXPECT_NE(fullTypesOf(message).find(" x999:String)"), CString::npos);
+}
+
 struct Refusal
 {
     const char* name;

@@ -3,7 +3,6 @@
 #include "Base/Progress.h"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 #include <unordered_set>
 #include <utility>
@@ -148,6 +147,7 @@ void JsonContents::finish()
     if (frame.objects > 1 && !frame.isBorrowed)
         for (MergedField& field : frame.fields)
             field.isConditional = field.isConditional || field.alternatives < frame.objects;
+    mergeItems(frame);
     JsonContent content = frame.content;
     if (!frame.isBorrowed && content.kind == JsonContent::record) {
         content.first = static_cast<std::uint32_t>(fields.size());
@@ -204,6 +204,7 @@ void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index p
     } else if (how == either) {
         joinEither(frame, added, part);
     } else if (how == both && frame.content.isConditional && frame.isBorrowed && kind != JsonContent::record) {
+        mergeItems(frame);
         const JsonContent condition = frame.content;
         take(frame, added);
         joinBoth(frame, condition, maybe, part);
@@ -229,6 +230,12 @@ void JsonContents::take(Frame& frame, const JsonContent& added)
     frame.fields.clear();
     frame.many.clear();
     frame.constants.clear();
+    frame.items.clear();
+}
+
+void JsonContents::mergeItems(Frame& frame)
+{
+    frame.content.items = mergedOf(frame.content.items, std::exchange(frame.items, {}));
 }
 
 // Copies borrowed fields and constants into the frame, so that others can be added.
@@ -281,9 +288,10 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
     if (added.kind == JsonContent::text && isRefinedText(kind))
         return;
     if (isRepeated) {
-        const Index items = frame.content.items;
-        frame.content.items =
-            items == 0 || added.items == 0 ? items + added.items : mergedOf(items, std::array{Part{added.items, how}});
+        if (frame.content.items == 0)
+            frame.content.items = added.items;
+        else if (added.items != 0)
+            frame.items.push_back({added.items, how});
         frame.content.owner = 0;
         return;
     }
@@ -317,11 +325,14 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
             for (const JsonConstant constant : constantsOf(added))
                 addConstant(frame, constant);
         } else if (kind == JsonContent::map || kind == JsonContent::array) {
-            const Index items = frame.content.items;
             frame.content.owner = 0;
             frame.content.mayBeLeaf |= added.mayBeLeaf;
-            frame.content.items =
-                items == 0 || added.items == 0 ? 0 : mergedOf(items, std::array{Part{added.items, either}});
+            if (added.items == 0)
+                frame.content.items = 0;
+            if (frame.content.items == 0)
+                frame.items.clear();
+            else
+                frame.items.push_back({added.items, either});
         }
         return;
     }

@@ -131,6 +131,7 @@ private:
         std::vector<MergedField> fields;
         std::unordered_map<NameTable::Id, std::size_t> many; // index by name, if there are many
         std::vector<JsonConstant> constants;
+        std::vector<Part> items; // further schemas of the items, merged at the end because there may be many
     };
 
     // The content of a schema by its own keywords.
@@ -174,6 +175,7 @@ private:
     void joinBoth(Frame& frame, const JsonContent& added, How how, Index part);
     void joinEither(Frame& frame, const JsonContent& added, Index part);
     void take(Frame& frame, const JsonContent& added);
+    void mergeItems(Frame& frame);
     void makeOwn(Frame& frame);
     void addFields(Frame& frame, const JsonContent& record, How how);
     void addOwnFields(Frame& frame, Index properties);
