@@ -126,7 +126,7 @@ TEST(TableChoice, TellsColumnsOfOneKeyAndTextsThatAreCut)
         Connected(source).database.ExecuteSQL("CREATE TABLE " + table);
     expectAnswers(
         folder, source,
-        {{"-t a -t ab --strict", {1, "", "a: error: single field read as repeated: bc, because of ab.c\n"}},
+        {{"-t a -t ab --strict", {1, "", "ab: error: single field read as repeated: a.bc, because of ab.c\n"}},
          {"-t n --strict",
           {1, "", "n: error: cut short by a bound: a column's name, to 255 bytes: " + CString(169, 'n') + "...\n"}}});
 }

@@ -106,7 +106,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         read.insert(columns.queryTable());
         reportCuts(columns, place);
         if (const auto type = elementTypeOf(columns.dataType)) {
-            reportSameKey(tableName, columns.columnName, table);
+            reportSameKey(tableName, columns.columnName, *table, place);
             addElement(tableName + columns.columnName, basePath, columns.columnName, columns.remarks, *type, table);
         } else {
             report.add(SourceReport::columnSkipped, place, columns.columnName + " (" + columns.typeName + ")");
@@ -131,14 +131,16 @@ void ODBCMessage::reportCuts(const CColumns& columns, SourcePlace place)
 
 // Reports a column with the usage key of another record's field, or of a record. AB.C and A.BC have the same, and so do
 // the columns of a table that is chosen twice. What had the key first then becomes a table.
-void ODBCMessage::reportSameKey(const CString& tableName, const CString& columnName, const Element* table)
+void ODBCMessage::reportSameKey(const CString& tableName, const CString& columnName, const Element& table,
+                                SourcePlace place)
 {
     const ChildElement* const usage = findUsage(tableName + columnName);
-    if (!usage || usage->queryParent() == table) // in the same record, the columns are of several tables
+    if (!usage || usage->queryParent() == &table) // in the same record, the columns are of several tables
         return;
-    const Element& first = *(usage->queryParent() ? usage->queryParent() : usage->queryElement());
-    report.add(SourceReport::inventedRepetition, {report.addFile(first.queryName())},
-               usage->queryElement()->queryName() + ", because of " + tableName + "." + columnName);
+    const Element* const record = usage->queryParent(); // null for a record
+    report.add(SourceReport::inventedRepetition, place,
+               (record ? record->queryName() + "." : CString()) + usage->queryElement()->queryName() + ", because of " +
+                   tableName + "." + columnName);
 }
 
 // Returns the only table whose columns are to be read; null if all tables that match the name are.
