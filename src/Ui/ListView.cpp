@@ -237,6 +237,14 @@ void ListView::keyPressEvent(QKeyEvent* event)
     QTreeView::keyPressEvent(event);
 }
 
+// Clears the selection at a click beside the rows. Qt 6.8 keeps it in a list with a single selection; Qt 6.4 does not.
+void ListView::mousePressEvent(QMouseEvent* event)
+{
+    if (!indexAt(event->pos()).isValid())
+        clearSelection();
+    QTreeView::mousePressEvent(event);
+}
+
 void ListView::mouseReleaseEvent(QMouseEvent* event)
 {
     QTreeView::mouseReleaseEvent(event);
