@@ -60,40 +60,56 @@ JsonNode::Index ApiMessages::follow(Index node)
     return 0;
 }
 
+// Returns a part of the description, also behind a reference; 0 if there is none. What is no object is reported, except
+// an empty part and an extension.
+JsonNode::Index ApiMessages::partOf(Index node)
+{
+    const Index part = follow(node);
+    if (part == 0 || tree.is(part, JsonNode::object))
+        return part;
+    if (!tree.is(part, JsonNode::null) && !tree.key(node).starts_with("x-"))
+        documents.note(SourceReport::invalidValue, part, tree.key(node));
+    return 0;
+}
+
+// Returns the members of the part under `key`.
+JsonTree::Children ApiMessages::membersOf(Index holder, JsonWord key)
+{
+    return tree.childrenOf(partOf(tree.find(holder, key)));
+}
+
 void ApiMessages::readOpenApi(Index root)
 {
-    readPaths(tree.find(root, JsonWord::paths), {});
-    readPaths(tree.find(root, JsonWord::webhooks), {});
+    readPaths(partOf(tree.find(root, JsonWord::paths)), {});
+    readPaths(partOf(tree.find(root, JsonWord::webhooks)), {});
 }
 
 void ApiMessages::readPaths(Index paths, std::string_view prefix)
 {
-    if (!tree.is(paths, JsonNode::object))
-        return;
     for (const Index at : tree.childrenOf(paths))
-        readPathItem(follow(at),
+        readPathItem(partOf(at),
                      prefix.empty() ? CString(tree.key(at)) : CString(prefix) + "_" + CString(tree.key(at)));
 }
 
 void ApiMessages::readPathItem(Index item, std::string_view name)
 {
-    if (!tree.is(item, JsonNode::object) || !isNew(item))
+    if (!isNew(item))
         return;
     for (const Index at : tree.childrenOf(item))
         if (std::ranges::find(kMethods, tree.key(at)) != std::end(kMethods))
-            readOperation(follow(at), CString(tree.key(at)) + "_" + CString(name));
+            readOperation(partOf(at), CString(tree.key(at)) + "_" + CString(name));
 }
 
 void ApiMessages::readOperation(Index operation, std::string_view name)
 {
-    if (!tree.is(operation, JsonNode::object) || !isNew(operation))
+    if (!isNew(operation))
         return;
     const std::string_view id = tree.textOf(operation, JsonWord::operationId);
     const CString called = id.empty() ? nameOf(name) : CString(id);
-    readBody(follow(tree.find(operation, JsonWord::requestBody)), called + "Request");
-    for (const Index at : tree.childrenOf(operation, JsonWord::responses, JsonNode::object))
-        readBody(follow(at), called + "Response");
-    const Index callbacks = tree.find(operation, JsonWord::callbacks, JsonNode::object);
+    readBody(partOf(tree.find(operation, JsonWord::requestBody)), called + "Request");
+    for (const Index at : membersOf(operation, JsonWord::responses))
+        readBody(partOf(at), called + "Response");
+    const Index callbacks = partOf(tree.find(operation, JsonWord::callbacks));
     if (callbacks != 0 && depth == kMaxCallbacks) {
         documents.note(SourceReport::cutShort, callbacks,
                        "more than " + std::to_string(kMaxCallbacks) + " callbacks inside each other");
@@ -101,15 +117,15 @@ void ApiMessages::readOperation(Index operation, std::string_view name)
     }
     ++depth;
     for (const Index at : tree.childrenOf(callbacks))
-        readPaths(follow(at), called + "_" + CString(tree.key(at)));
+        readPaths(partOf(at), called + "_" + CString(tree.key(at)));
     --depth;
 }
 
 // A body has one schema for each media type.
 void ApiMessages::readBody(Index body, const CString& name)
 {
-    for (const Index at : tree.childrenOf(body, JsonWord::content, JsonNode::object)) {
-        const Index schema = tree.find(tree.target(at), JsonWord::schema);
+    for (const Index at : membersOf(body, JsonWord::content)) {
+        const Index schema = tree.find(partOf(at), JsonWord::schema);
         if (schema != 0 && isNew(schema))
             schemas.addBody(schema, name);
     }
@@ -118,14 +134,14 @@ void ApiMessages::readBody(Index body, const CString& name)
 void ApiMessages::readAsyncApi(Index root)
 {
     // Components are read first, so that their messages are named after their keys.
-    const Index components = tree.find(root, JsonWord::components);
-    for (const Index at : tree.childrenOf(components, JsonWord::schemas, JsonNode::object))
+    const Index components = partOf(tree.find(root, JsonWord::components));
+    for (const Index at : membersOf(components, JsonWord::schemas))
         readComponent(at);
-    for (const Index at : tree.childrenOf(components, JsonWord::messages, JsonNode::object))
-        readMessage(follow(at), tree.key(at));
+    for (const Index at : membersOf(components, JsonWord::messages))
+        readMessage(partOf(at), tree.key(at));
     for (const Index holder : {root, components})
-        for (const Index at : tree.childrenOf(holder, JsonWord::channels, JsonNode::object))
-            readChannel(follow(at), tree.key(at));
+        for (const Index at : membersOf(holder, JsonWord::channels))
+            readChannel(partOf(at), tree.key(at));
 }
 
 // In version 2 the operations of a channel hold its messages, several as alternatives. In version 3 the channel holds
@@ -134,24 +150,24 @@ void ApiMessages::readChannel(Index channel, std::string_view name)
 {
     const CString called = nameOf(name);
     for (const JsonWord operation : {JsonWord::publish, JsonWord::subscribe}) {
-        const Index holder = tree.find(channel, operation);
-        const Index message = follow(tree.find(holder, JsonWord::message));
+        const Index holder = partOf(tree.find(channel, operation));
+        const Index message = partOf(tree.find(holder, JsonWord::message));
         const std::string_view id = tree.textOf(holder, JsonWord::operationId);
         const CString own = id.empty() ? called : CString(id);
         const Index several = tree.find(message, JsonWord::oneOf, JsonNode::array);
         for (const Index at : tree.childrenOf(several))
-            readMessage(follow(at), own);
+            readMessage(partOf(at), own);
         if (several == 0)
             readMessage(message, own);
     }
-    for (const Index at : tree.childrenOf(channel, JsonWord::messages, JsonNode::object))
-        readMessage(follow(at), tree.key(at));
+    for (const Index at : membersOf(channel, JsonWord::messages))
+        readMessage(partOf(at), tree.key(at));
 }
 
 // Adds a message. Its name is the `name`, else the `messageId`, else its key or channel.
 void ApiMessages::readMessage(Index message, std::string_view name)
 {
-    if (!tree.is(message, JsonNode::object) || !isNew(message))
+    if (message == 0 || !isNew(message))
         return;
     for (const JsonWord word : {JsonWord::messageId, JsonWord::name})
         if (const std::string_view said = tree.textOf(message, word); !said.empty())

@@ -22,6 +22,8 @@ public:
 
 private:
     Index follow(Index node);
+    Index partOf(Index node);
+    JsonTree::Children membersOf(Index holder, JsonWord key);
     bool isNew(Index node) { return visited.insert(node).second; }
     void readPaths(Index paths, std::string_view prefix);
     void readPathItem(Index item, std::string_view name);
