@@ -91,12 +91,12 @@ const Rule kApis[] = {
      "S(s:String)", "1 loss: 1 text cut short"},
     {"PartsThatAreNoObjects",
      R"({"openapi":"3.1.0","webhooks":"x","paths":{"x-a":5,"/a":null,"/b":5,"/c":{"get":7,"post":{"requestBody":"x","responses":[1]},
-        "put":{"callbacks":5,"responses":{"x-b":5,"200":5,"201":{"content":5},"202":{"content":{"a/b":5,"c/d":{"schema":{"title":"R","properties":{"a":{}}}}}}}}}}})",
-     "R(a:String)", "9 losses: 9 values not understood"},
+        "put":{"callbacks":5,"responses":{"x-b":5,"200":5,"201":{"content":5},"202":{"content":{"a/b":5,"c/d":{"schema":{"properties":{"a":{}}}}}}}}}}})",
+     "put_cResponse(a:String)", "9 losses: 9 values not understood"},
     {"ChannelsThatAreNoObjects",
      R"({"asyncapi":"2.0.0","components":{"messages":5,"schemas":[1]},"channels":{"a":5,"b":{"publish":5,"subscribe":{"message":5}},
-        "c":{"publish":{"message":{"oneOf":[5,{"payload":{"title":"R","properties":{"a":{}}}}]}}}}})",
-     "R(a:String)", "6 losses: 6 values not understood"},
+        "c":{"publish":{"message":{"oneOf":[5,{"payload":{"properties":{"a":{}}}}]}}}}})",
+     "c(a:String)", "6 losses: 6 values not understood"},
     {"CallbacksInCallbacks", nestedCallbacks(11),
      "o10Request(f:String) o9Request(f:String) o8Request(f:String) o7Request(f:String) o6Request(f:String) "
      "o5Request(f:String) o4Request(f:String) o3Request(f:String) o2Request(f:String) o1Request(f:String) "
