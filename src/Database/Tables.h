@@ -13,7 +13,7 @@ struct TableName
     CString name;
 
     bool operator==(const TableName&) const = default;
-    auto operator<=>(const TableName&) const = default;
+    auto operator<=>(const TableName&) const = default; // NOLINT(modernize-use-nullptr): a false positive in version 14
 
     /// Returns "OWNER.NAME", or "QUALIFIER.NAME" if there is no owner, or the bare name.
     CString text() const
