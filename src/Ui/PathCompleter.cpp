@@ -1,9 +1,43 @@
 #include "Ui/PathCompleter.h"
 
-#include <QDir>
+#include "Ui/UiText.h"
+
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QStringListModel>
+
+#include <filesystem>
+
+namespace {
+
+// Returns the files and folders whose names continue the typed path, sorted. In a very large or slow folder, returns
+// those found until the limits.
+QStringList namesAfter(const QString& typed)
+{
+    constexpr qsizetype kMaxNames = 1'000;
+    constexpr qint64 kMaxTime = 30; // ms
+    const QString start = typed.left(typed.lastIndexOf('/') + 1);
+    const CString wanted = fromUi(typed.mid(start.size()));
+    QStringList found;
+    QElapsedTimer since;
+    since.start();
+    std::error_code end; // ends the loop as the last entry does
+    for (std::filesystem::directory_iterator entry(start.isEmpty() ? "." : fromUi(start), end), none;
+         entry != none && found.size() < kMaxNames && !since.hasExpired(kMaxTime); entry.increment(end)) {
+        const CString name = entry->path().filename().string();
+        if (!name.starts_with(wanted) || name.starts_with('.'))
+            continue;
+        std::error_code unknown;
+        const bool isFolder = entry->is_directory(unknown);
+        if (isFolder || entry->is_regular_file(unknown))
+            found.append(start + toUi(name) + (isFolder ? "/" : ""));
+    }
+    found.sort();
+    return found;
+}
+
+} // namespace
 
 PathCompleter::PathCompleter(QLineEdit& field) : QCompleter(&field), names(new QStringListModel(this))
 {
@@ -15,11 +49,5 @@ PathCompleter::PathCompleter(QLineEdit& field) : QCompleter(&field), names(new Q
 // from the window.
 void PathCompleter::offer(const QString& typed)
 {
-    const QString start = typed.left(typed.lastIndexOf('/') + 1);
-    QStringList found;
-    if (!typed.isEmpty() && !QFileInfo(typed).isFile())
-        for (const QFileInfo& entry :
-             QDir(start.isEmpty() ? "." : start).entryInfoList({}, QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name))
-            found.append(start + entry.fileName() + (entry.isDir() ? "/" : ""));
-    names->setStringList(found);
+    names->setStringList(typed.isEmpty() || QFileInfo(typed).isFile() ? QStringList() : namesAfter(typed));
 }

@@ -85,6 +85,15 @@ TEST(SourcePage, BrowsesFromTheFolderOfTheFile)
     EXPECT_EQ(field->completer()->currentCompletion(), "order.dtd");
     QTest::keyClicks(field, "der.dtd");
     EXPECT_EQ(field->completer()->completionCount(), 0);
+    for (int i = 0; i < 2000; ++i)
+        desk.dir.write("in/many/f" + std::to_string(i), "");
+    field->clear();
+    QTest::keyClicks(field, "m");
+    EXPECT_EQ(field->completer()->currentCompletion(), "many/");
+    QTest::keyClicks(field, "any/f");
+    EXPECT_GT(field->completer()->completionCount(), 0);
+    EXPECT_LE(field->completer()->completionCount(), 1000); // more would take long on each key
+    field->setText("order.dtd");
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_EDIT);
     EXPECT_EQ(std::filesystem::current_path(), desk.dir.path("start"));
