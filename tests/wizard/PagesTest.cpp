@@ -290,6 +290,11 @@ TEST(TypesPage, SaysWhatAFullReadingLeftOutAndImportsFromAnotherMainElement)
     QTest::keyClick(&main, Qt::Key_Return); // the import fails, and the previous one stays
     EXPECT_EQ(desk.boxes.take(), Texts{"Can't open file " + desk.source + ", error = 2"});
     EXPECT_EQ(std::pair(list.rowCount(), main.currentText()), std::pair(3, QString("a")));
+    desk.dir.write("in/a.dtd", "<!ELEMENT x (e)><!ELEMENT b (d)><!ELEMENT y (e)>");
+    QTest::keyClick(&main, Qt::Key_Down);
+    QTest::keyClick(&main, Qt::Key_Return);
+    EXPECT_EQ(std::tuple(main.count(), main.itemText(0), main.currentText()),
+              std::tuple(3, QString("x"), QString("b")));
     desk.click("back");
     std::filesystem::rename(desk.dir.path("in/gone"), desk.source);
     desk.press(IDC_FULL_READING);

@@ -222,10 +222,10 @@ void EditPage::chooseMain(const CString& name)
 {
     std::unique_ptr<FullMessage> another = wizard->fullMessage()->createAnother();
     another->setRoot(name);
-    if (!importBy(another.release()))
-        return readingRow->showReading(*wizard->message, wizard->fullMessage());
-    readingRow->showCount(*wizard->message);
-    showTypes();
+    const bool isImported = importBy(another.release());
+    readingRow->showReading(*wizard->message, wizard->fullMessage()); // a changed source may have other main elements
+    if (isImported)
+        showTypes();
 }
 
 void EditPage::readInFull()

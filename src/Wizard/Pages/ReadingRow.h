@@ -22,9 +22,6 @@ public:
     /// Shows a new import. `full` is the same object if the source was read in full, else null.
     void showReading(const MsgBase& message, const FullMessage* full);
 
-    /// Shows how much an import left out.
-    void showCount(const MsgBase& message);
-
     /// Offers the full reading, or doesn't.
     void offerFull(bool isOffered);
 
@@ -37,6 +34,7 @@ Q_SIGNALS:
 
 private:
     void showMainElements(const FullMessage* full);
+    void showCount(const MsgBase& message);
 
     QLabel* mainElementLabel;
     ChoiceCombo* mainElement;
