@@ -56,6 +56,11 @@ TEST(SourcePage, ShowsWhatWouldComeOfTheSource)
         if (row.content) {
             EXPECT_EQ(text.toPlainText().toStdString(), toXmlText(row.content));
         }
+        if (row.content && std::filesystem::remove(desk.text(IDC_INPUT_FILE))) {
+            desk.click("next");
+            EXPECT_EQ(desk.boxes.take(), Texts{"Select source message"});
+            EXPECT_EQ(desk.text(IDC_COUNTS), "") << "the file is gone";
+        }
         desk.type(IDC_INPUT_FILE, "/none");
         EXPECT_EQ(desk.text(IDC_COUNTS), "");
         EXPECT_TRUE(QTest::qWaitFor([&] { return !text.isVisible(); }));

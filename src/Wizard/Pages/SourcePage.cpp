@@ -213,6 +213,9 @@ CString SourcePage::sourceError(const std::vector<CString>& names) const
 LRESULT SourcePage::OnWizardNext()
 {
     UpdateData(true);
+    pane->stop();
+    const auto restartPreview =
+        qScopeGuard([this] { updatePreview(); }); // restarts the preview, in case the page stays
     const std::vector<CString> names = sourcesIn(fileName);
     if (const CString error = sourceError(names); !error.empty())
         return stayAtFile(loadText(IDS_SELECT_SOURCE), error);
@@ -228,9 +231,6 @@ LRESULT SourcePage::OnWizardNext()
         wizard->options.setSourceSet(fileName);
     else
         wizard->options.addInputFile(fileName);
-    pane->stop();
-    const auto restartPreview =
-        qScopeGuard([this] { updatePreview(); }); // restarts the preview, in case the page stays
     chooseReading();
     wizard->message->setErrorHandler([this, file = names.front()](const CString& text, const SourceFault& fault) {
         theApp.Error(text, IDS_ERROR_TITLE, fault, fullReadingAdvice(*wizard, text, file));
