@@ -135,7 +135,9 @@ TEST(OutputFilePage, SuggestsANameAndSaysWhatWouldBeReplaced)
     EXPECT_EQ(desk.text(IDC_OUTPUT_FILE), desk.dir.path("in/other.v2-types.xml")); // the suggestion is unchanged
     const std::pair<CString, const char*> states[] = {
         {suggested, "The file exists, [0-9.]+ .*, of [0-9:]+; it will be replaced[.]"},
-        {desk.source, "The file exists, 16 bytes, of [0-9:]+; it is not a type document, and will be replaced[.]"},
+        {desk.dir.write("in/notes", "<!ELEMENT a (b)>"),
+         "The file exists, 16 bytes, of [0-9:]+; it is not a type document, and will be replaced[.]"},
+        {desk.source, "The file exists, .* will be replaced[.] It is the source of these types; .*"},
         {desk.dir.path("in"), "This is a folder[.] .*"},
         {desk.dir.path("in/new.xml"), ""},
     };

@@ -2,7 +2,9 @@
 
 #include "Files/AtomicFile.h"
 #include "Files/FileMessage.h"
+#include "Files/SameFile.h"
 #include "Import/Registry/ImporterChoice.h"
+#include "Import/Registry/SourceSet.h"
 #include "Resources/StringTable.h"
 #include "Ui/FileDialog.h"
 #include "Ui/PlainText.h"
@@ -19,6 +21,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <stdexcept>
 
 namespace {
 
@@ -36,8 +39,24 @@ CString outputNameFor(const MsgBase& message, CString source)
     return (path.parent_path() / (path.stem().string() + ending)).string();
 }
 
+// Returns whether the types were read from a file, alone or with others.
+bool isSource(const CString& fileName, const WizardRun& wizard)
+{
+    const MsgUIDescriptor& importer = *wizard.message->queryDescriptor();
+    if (importer.querySource().readsTables)
+        return false;
+    std::vector<CString> sources = wizard.script.furtherSources;
+    sources.push_back(wizard.script.source);
+    try {
+        return std::ranges::any_of(withoutFolders(sources, &importer, false),
+                                   [&](const CString& source) { return isSameFile(source, fileName); });
+    } catch (const std::runtime_error&) {
+        return false; // a folder that doesn't exist any more
+    }
+}
+
 // Returns what exists under the name, and what will happen to it; "" if nothing does.
-QString stateInWords(const CString& fileName)
+QString stateInWords(const CString& fileName, const WizardRun& wizard)
 {
     const QFileInfo file(toUi(fileName));
     if (fileName.empty() || !file.exists())
@@ -50,7 +69,8 @@ QString stateInWords(const CString& fileName)
                           ", of " + day + time.time().toString("HH:mm") + "; it ";
     const MsgUIDescriptor* const importer = importerFor(fileName);
     const bool isTypes = importer && importer->querySource().namesFolders;
-    return words + (isTypes ? "will be replaced." : "is not a type document, and will be replaced.");
+    return words + (isTypes ? "will be replaced." : "is not a type document, and will be replaced.") +
+           (isSource(fileName, wizard) ? " It is the source of these types; to keep it, choose another name." : "");
 }
 
 } // namespace
@@ -94,7 +114,7 @@ void OutputFile::showState()
 {
     delay.stop();
     UpdateData(true);
-    state->setText(stateInWords(fileName));
+    state->setText(stateInWords(fileName, *wizard));
 }
 
 LRESULT OutputFile::OnWizardNext()
