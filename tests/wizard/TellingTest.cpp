@@ -190,6 +190,9 @@ TEST(FinishPage, SaysWhatWasDoneAndOpensIt)
     };
     desk.press(IDC_VIEW_FILE);
     EXPECT_TRUE(viewed(desk.output + "\n"));
+    std::filesystem::remove(desk.output);
+    desk.press(IDC_VIEW_FILE);
+    EXPECT_EQ(desk.boxes.take(), Texts{desk.output + " no longer exists."});
     desk.press(IDC_OPEN_FOLDER);
     EXPECT_TRUE(viewed(desk.output + "\n" + desk.output.substr(0, desk.output.rfind('/')) + "\n"));
 }

@@ -71,6 +71,10 @@ QString FinishPage::summary() const
 
 void FinishPage::view(const CString& name)
 {
+    if (!QFileInfo::exists(toUi(name))) {
+        stay(name + " no longer exists.");
+        return;
+    }
     showInViewer(name, this, [name] { stay("No program could be started to show " + name); });
 }
 
