@@ -9,7 +9,7 @@ public:
     PathLabel();
 
     QSize minimumSizeHint() const override;
-    int heightForWidth(int width) const override; ///< used if its size policy says so
+    int heightForWidth(int width) const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

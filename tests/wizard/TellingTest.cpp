@@ -182,7 +182,10 @@ TEST(FinishPage, SaysWhatWasDoneAndOpensIt)
     const std::string viewer = desk.dir.write("viewer", "#!/bin/sh\necho \"$1\" >>" + notes + "\n");
     ::chmod(viewer.c_str(), 0755);
     qputenv("TYPEFORGE_VIEWER", viewer.c_str());
+    desk.output = desk.dir.path(CString(200, 'o') + ".xml");
     desk.walkTo(IDD_FINISH);
+    const auto& done = desk.control<QLabel>(IDC_DONE);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return done.height() >= 2 * done.fontMetrics().height(); })) << done.height();
     EXPECT_THAT(desk.text(IDC_DONE), testing::MatchesRegex("2 types were written to " + desk.output + " \\(.*\\)[.]"));
     EXPECT_EQ(desk.wizard().focusWidget()->objectName(), "finish");
     const auto viewed = [&](const CString& lines) {
