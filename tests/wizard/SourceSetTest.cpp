@@ -226,7 +226,7 @@ TEST(SourceSet, IsRefusedByAReadingOfOneFile)
     for (const auto& [text, details] :
          {std::pair{textOfSources({a, b}), "Several files can be read together only in full.*"},
           {textOfSources({a, "/none"}), "/none: No such file or directory"},
-          {desk.dir.path("in"), "Is a directory"}}) {
+          {desk.dir.path("in"), "A folder can be read only in full. Check \"Read in full\", .*"}}) {
         desk.type(IDC_INPUT_FILE, text);
         desk.click("next");
         EXPECT_EQ(desk.boxes.take(), Texts{"Select source message"});

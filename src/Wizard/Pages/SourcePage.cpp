@@ -199,6 +199,10 @@ CString SourcePage::sourceError(const std::vector<CString>& names) const
     if (names.front().empty())
         return "The name of the file is missing. Type it, or press Browse.";
     for (const CString& name : names) {
+        if (isFolder(name) && !takesFolders())
+            return wizard->message->queryDescriptor()->readsFolders()
+                       ? "A folder can be read only in full. Check \"Read in full\", or choose a file."
+                       : "This is a folder. Choose a file.";
         const FileCause cause = testReadable(name);
         if (cause != FileCause::none && !(takesFolders() && isFolder(name)))
             return (names.size() > 1 ? name + ": " : CString()) + inWords(name, cause);
