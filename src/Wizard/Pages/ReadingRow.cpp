@@ -57,8 +57,10 @@ void ReadingRow::showMainElements(const FullMessage* full)
 {
     mainElement->clear();
     if (full) {
+        QStringList names; // added at once, because each insertion updates the list
         for (const CString& name : full->queryMainTypes())
-            mainElement->addItem(toUi(name));
+            names.append(toUi(name));
+        mainElement->addItems(names);
         mainElement->setChosen(std::max(0, mainElement->findText(toUi(full->queryRoot()))));
     }
     const bool isChoice = mainElement->count() > 1;
