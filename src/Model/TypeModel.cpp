@@ -35,9 +35,9 @@ Element* TypeModel::addElement(const Fingerprint& usageKey, const CString& path,
     return made.element;
 }
 
-void TypeModel::addUsage(const Fingerprint& usageKey, Element* element, Element* parent)
+bool TypeModel::addUsage(const Fingerprint& usageKey, Element* element, Element* parent)
 {
-    count(usages.declare(usageKey, element, parent), {element, false}, parent);
+    return count(usages.declare(usageKey, element, parent), {element, false}, parent);
 }
 
 TypeModel::Declared TypeModel::addRecord(const CString& path, std::string_view name, bool isAlone)
@@ -52,9 +52,9 @@ TypeModel::Declared TypeModel::addField(Element* record, Name& name, Element::El
     return {made.element, count(usages.declareField(made.element, record), made, record)};
 }
 
-void TypeModel::addFieldUsage(Element* record, Element* field)
+bool TypeModel::addFieldUsage(Element* record, Element* field)
 {
-    count(usages.declareField(field, record), {field, false}, record);
+    return count(usages.declareField(field, record), {field, false}, record);
 }
 
 Element* TypeModel::addPart(Element* parent, Name& path, Name& name, Element::ElementTypes type)

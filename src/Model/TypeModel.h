@@ -37,8 +37,9 @@ public:
     Element* addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
                         Element::ElementTypes type, Element* parent);
 
-    /// Adds another usage of an element that addElement() returned, without looking its name up.
-    void addUsage(const Fingerprint& usageKey, Element* element, Element* parent);
+    /// Adds another usage of an element that addElement() returned, without looking its name up. Returns whether the
+    /// usage is the first of its key.
+    bool addUsage(const Fingerprint& usageKey, Element* element, Element* parent);
 
     /// Adds a record at the top, with its name as usage key and the generated description. If it `isAlone`, it has no
     /// key.
@@ -48,8 +49,8 @@ public:
     /// The usage key is the prefix, the record's name, "." and `name`.
     Declared addField(Element* record, Name& name, Element::ElementTypes type);
 
-    /// Adds another usage of a field that addField() returned.
-    void addFieldUsage(Element* record, Element* field);
+    /// Adds another usage of a field that addField() returned. Returns whether the usage is the first of its key.
+    bool addFieldUsage(Element* record, Element* field);
 
     /// Adds an element that occurs once in `parent` and so needs no usage, with the generated description, and returns
     /// it.

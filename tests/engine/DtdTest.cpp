@@ -1,5 +1,6 @@
 #include "Import/Dtd/DTDMsg.h"
 #include "support/Documents.h"
+#include "support/FullTypes.h"
 #include "support/Importing.h"
 
 #include <algorithm>
@@ -72,6 +73,27 @@ TEST_F(Dtd, GivesTypes)
         EXPECT_EQ(fresh.parseData(row.in, "\\b\\") + fresh.parseData(row.in, "\\b\\"), 2) << "nothing stays";
         EXPECT_EQ(typesOf(fresh), row.out) << row;
         boxes.take();
+    }
+}
+
+// Only the first record in which an element repeats has its table.
+const Case kRepetitions[] = {
+    {"InTheFirstRecord", "<!ELEMENT x (a*, b, b)><!ELEMENT y (a, b)>", ""},
+    {"InASecondRecord", "<!ELEMENT x (a*)>\n<!ELEMENT y (b,\n a+)>", "x:3:2: repetition skipped: a\n"},
+    {"OfANameTwice", "<!ELEMENT x (a*)>\n<!ELEMENT y (a, a)>", "x:2:17: repetition skipped: a\n"},
+    {"InOneRecordTwice", "<!ELEMENT x (a*, a*)>", ""},
+    {"WithTheTablesNameTaken", "<!ELEMENT x (a*, t_a)>", "x:1:14: repetition skipped: a\n"},
+    {"InAnotherEncoding", "<!ELEMENT x (\xE4*)>\n<!ELEMENT y (\xE4, \xE4?)>", "x:2:17: repetition skipped: \u00E4\n"},
+};
+
+TEST_F(Dtd, TellsRepetitionsThatTheModelDrops)
+{
+    for (const Case& row : kRepetitions) {
+        import(row.in + "<!ELEMENT a EMPTY><!ELEMENT b EMPTY><!ELEMENT t_a EMPTY><!ELEMENT \xE4 EMPTY>");
+        const CString report = reportOf(message, folder.path());
+        const std::size_t start = report.find('\n') + 1;
+        EXPECT_EQ(row.out.empty() ? "" : report.substr(start, report.find("\n\n") + 1 - start), row.out) << row;
+        EXPECT_EQ(message.queryReport().queryTotal(SourceReport::loss), row.out.empty() ? 0U : 1U) << row;
     }
 }
 

@@ -6,6 +6,7 @@
 #include "Resources/StringTable.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -46,27 +47,21 @@ std::string_view withoutNul(const CString& source, CString& copy)
 
 } // namespace
 
-void DTDElement::addChild(DTDElement* child)
+void DTDElement::addChild(DTDElement* child, std::size_t mention)
 {
     if (child->lastParent != this) {
         child->lastParent = this;
         child->repetitions = 0;
     }
     if (child->repetitions++ < 2)
-        children.push_back(child);
+        children.push_back({child, mention});
 }
 
-int DTDElement::beginEnum()
-{
-    cursor = 0;
-    return !children.empty();
-}
-
-DTDElement* DTDElement::enumNext()
+DTDElement::Child DTDElement::enumNext()
 {
     if (cursor + 2 < children.size())
-        __builtin_prefetch(children[cursor + 2]); // children are scattered in memory
-    return cursor < children.size() ? children[cursor++] : nullptr;
+        __builtin_prefetch(children[cursor + 2].element); // children are scattered in memory
+    return cursor < children.size() ? children[cursor++] : Child{};
 }
 
 DTDMessage::Text::Text(std::string_view whole) :
@@ -103,6 +98,7 @@ void DTDMessage::onCancelled()
 void DTDMessage::forget()
 {
     dtdElements.clear();
+    repeatedFields = {};
     memory.release();
 }
 
@@ -306,7 +302,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
             continue;
         DTDElement& field = addAttribute(element, attribute);
         DTDElement& record = addPiece(element, nullptr);
-        record.addChild(&field);
+        record.addChild(&field, placeOf(attribute));
         if (left < statement.size()) { // a type or default has been taken for an element
             note(SourceReport::inventedType, record, placeOf(element), element);
             field.isNoted = true;
@@ -326,7 +322,7 @@ DTDElement& DTDMessage::addDTDElement(std::string_view child, std::size_t place,
         dtdElements.store(entry, hash);
     }
     if (parent)
-        parent->addChild(entry);
+        parent->addChild(entry, place);
     return *entry;
 }
 
@@ -357,6 +353,7 @@ void DTDMessage::declareAll(const CString& path)
     for (DTDElement* record : dtdElements)
         if (record->beginEnum())
             declareRecord(*record, path);
+    reportRepetitions();
 }
 
 void DTDMessage::declareRecord(DTDElement& record, const CString& path)
@@ -366,32 +363,55 @@ void DTDMessage::declareRecord(DTDElement& record, const CString& path)
                                      : model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
     noteName(record, record, *row);
     key.append(".");
-    while (DTDElement* child = record.enumNext())
-        declareField(*child, path, key, row);
+    for (DTDElement::Child child = record.enumNext(); child.element; child = record.enumNext())
+        declareField(child, path, key, row);
 }
 
 // A repeating mark declares the usage twice: the model makes a table of a usage that it sees twice. `usageKey` holds
 // the common start of the keys of the record's fields.
-void DTDMessage::declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record)
+void DTDMessage::declareField(DTDElement::Child mention, const CString& path, RunningHash usageKey, Element* record)
 {
+    DTDElement& child = *mention.element;
     std::string_view name = child.queryName();
     const Modifiers mark = getModifiers(name); // strips the mark
     const auto addUsage = [&] {
-        needsNoConversion ? model.addFieldUsage(record, child.element)
-                          : model.addUsage(usageKey, child.element, record);
+        return needsNoConversion ? model.addFieldUsage(record, child.element)
+                                 : model.addUsage(usageKey, child.element, record);
     };
     usageKey.append(name);
+    bool isFirst = true;
     if (child.element) {
-        addUsage();
+        isFirst = addUsage();
     } else {
-        child.element = needsNoConversion
-                            ? model.addField(record, model.queryNames().intern(name), Element::typeString).element
-                            : model.addElement(usageKey, path, name, Element::typeString, record);
+        const bool isKnown = !needsNoConversion && model.findUsage(usageKey);
+        const TypeModel::Declared field =
+            needsNoConversion
+                ? model.addField(record, model.queryNames().intern(name), Element::typeString)
+                : TypeModel::Declared{model.addElement(usageKey, path, name, Element::typeString, record), !isKnown};
+        child.element = field.element;
+        isFirst = field.isFirst;
         DTDElement* const unmarked = name.size() == child.queryName().size() ? &child : dtdElements.find(name);
         noteName(unmarked ? *unmarked : child, child, *child.element);
     }
     if (mark == modStar || mark == modPlus)
-        addUsage();
+        isFirst = addUsage();
+    if (!isFirst)
+        repeatedFields.push_back({child.element, record, mention.place});
+}
+
+// Reports fields that repeat and stay single: the model makes one table for each element, in the first record in which
+// it repeats.
+void DTDMessage::reportRepetitions()
+{
+    std::unordered_map<const Element*, const Element*> records; // those with the tables; null if there is no table
+    for (const auto& [element, record, place] : repeatedFields) {
+        const CString& name = element->queryName();
+        const auto [table, isNew] = records.try_emplace(element, record);
+        if (isNew && model.findElement("t_" + name))
+            table->second = nullptr;
+        if (table->second != record)
+            report.add(SourceReport::repetitionSkipped, text->places.at(place), name);
+    }
 }
 
 // Reports a name that is not an XML name, or that no declaration belongs to: once, at the place that mentions it first.

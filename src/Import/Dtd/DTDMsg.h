@@ -17,15 +17,26 @@ public:
 
     std::string_view queryName() const { return name; }
 
+    /// A child, and the offset at which it is mentioned.
+    struct Child
+    {
+        DTDElement* element;
+        std::size_t place;
+    };
+
     /// Appends a child. The same child may be appended again: two entries are enough to show that it repeats, so
     /// further ones are dropped to bound the memory of statements that overlap.
-    void addChild(DTDElement* child);
+    void addChild(DTDElement* child, std::size_t place);
 
     /// Moves the cursor to the first child. Returns nonzero if there is one.
-    int beginEnum();
+    int beginEnum()
+    {
+        cursor = 0;
+        return !children.empty();
+    }
 
-    /// Returns the child under the cursor and moves on; null at the end.
-    DTDElement* enumNext();
+    /// Returns the child under the cursor and moves on; its element is null at the end.
+    Child enumNext();
 
     /// The model's element for the name without its marks; null until it is declared.
     Element* element = nullptr;
@@ -37,7 +48,7 @@ public:
 
 private:
     std::string_view name;
-    std::pmr::vector<DTDElement*> children;
+    std::pmr::vector<Child> children;
     std::size_t cursor = 0;
     const DTDElement* lastParent = nullptr; // the parent that was given this child last
     unsigned repetitions = 0;               // how often that parent was given it in a row
@@ -96,6 +107,13 @@ private:
         TextPlaces places;
     };
 
+    struct RepeatedField
+    {
+        const Element* element;
+        const Element* record;
+        std::size_t place;
+    };
+
     int scan();
     void forget();
     void reportAt(std::size_t place) { text->meter.step(place); }
@@ -121,7 +139,8 @@ private:
     DTDElement& addAttribute(std::string_view element, std::string_view attribute);
     void declareAll(const CString& path);
     void declareRecord(DTDElement& record, const CString& path);
-    void declareField(DTDElement& child, const CString& path, RunningHash usageKey, Element* record);
+    void declareField(DTDElement::Child mention, const CString& path, RunningHash usageKey, Element* record);
+    void reportRepetitions();
     int refuse(std::string_view statement, const CString& bound);
     SourceFault faultAt(std::size_t at, const CString& words);
     void noteName(DTDElement& entry, const DTDElement& mention, const Element& element);
@@ -132,6 +151,7 @@ private:
     CString mainType;     // the first element that this importer has read, over all its imports
     CString previousMain; // its value before the current import, restored if that is cancelled
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
+    std::vector<RepeatedField> repeatedFields;
     Arena memory; // holds the entries, and the names that the text doesn't contain as they are
     Text* text = nullptr;
     bool needsNoConversion = false; // so different names stay different in a document
