@@ -38,6 +38,27 @@ TEST_F(XMLData, GivesTypes)
         EXPECT_EQ(typesOfFile(row.in), row.out) << row;
 }
 
+// Repetitions that are single fields, because another record has the table.
+const Case kRepetitions[] = {
+    {"InOneRecord", "<r><a><b/><b/></a><a><b/><b/></a></r>", ""},
+    {"InASecondRecord", "<r><a><b/><b/></a>\n<c><b/>\n <b/><b/></c></r>", "3:2 b"},
+    {"BehindANamesakeInside", "<r><c><b/><b/></c><a><b/><a><b/></a>\n<b/></a></r>", "2:1 b"},
+    {"OnceBesideAnAttribute", "<r b='1'><b/></r>", ""},
+    {"WithTheTablesNameTaken", "<r><b/><b/><t_b/></r>", "1:8 b"},
+};
+
+TEST_F(XMLData, TellsRepetitionsThatTheModelDrops)
+{
+    for (const Case& row : kRepetitions) {
+        import(row.in);
+        CString told;
+        for (const auto& entry : message.queryReport().queryEntries(SourceReport::loss))
+            told +=
+                std::to_string(entry.place.line) + ":" + std::to_string(entry.place.column) + " " + CString(entry.name);
+        EXPECT_EQ(told, row.out) << row;
+    }
+}
+
 TEST_F(XMLData, NamesMainTypeAndFolderAfterTheRootsTag)
 {
     for (const auto& [basePath, expected] :

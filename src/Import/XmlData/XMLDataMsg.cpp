@@ -51,4 +51,5 @@ void XMLDataMessage::doParse(XMLDataWalk& walk)
                 element->asAttribute();
         }
     }
+    walk.reportRepetitions(model);
 }

@@ -61,6 +61,18 @@ std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
     return std::move(declarations);
 }
 
+// The model makes one table for each element, and a single document puts it only into the record in which the element
+// repeats first. An element called like the table prevents it.
+void XMLDataWalk::reportRepetitions(const TypeModel& model) const
+{
+    for (const Pair& pair : pairs) {
+        if (pair.repeated.line == 0)
+            continue;
+        if ((!isBody && pair.item->table != &pair) || model.findElement("t_" + pair.item->name))
+            report.add(SourceReport::repetitionSkipped, pair.repeated, pair.item->name);
+    }
+}
+
 void XMLDataWalk::addOccurrence(Pair& pair)
 {
     ++lastMoment;
@@ -95,13 +107,18 @@ void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
     if (usage.repeats)
         return;
     usage.repeats = true;
+    if (usage.pair == &pair && pair.repeated.line == 0)
+        pair.repeated = {file, static_cast<std::uint32_t>(place.line), static_cast<std::uint32_t>(place.column)};
     Item& item = *usage.pair->item;
     if (usage.declaration != kNotKept)
         declarations[usage.declaration].repeats = true;
     else if (isBody ? !pair.isKeptRepeated : usage.moment < item.firstRepeated)
         keep(usage);
     pair.isKeptRepeated = true;
-    item.firstRepeated = std::min(item.firstRepeated, usage.moment);
+    if (usage.moment < item.firstRepeated) {
+        item.firstRepeated = usage.moment;
+        item.table = usage.pair;
+    }
 }
 
 void XMLDataWalk::keep(Usage& usage)

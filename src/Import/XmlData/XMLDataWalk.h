@@ -2,6 +2,7 @@
 
 #include "Base/KeyedTable.h"
 #include "Import/SourceReport.h"
+#include "Model/TypeModel.h"
 #include "Xml/XmlParser.h"
 
 #include <cstdint>
@@ -25,6 +26,8 @@ class XMLDataWalk : public XmlHandler
     static constexpr std::size_t kNotKept = std::numeric_limits<std::size_t>::max();
 
 public:
+    struct Pair;
+
     /// An element of the model; `name` is its key in the model.
     struct Item
     {
@@ -35,9 +38,8 @@ public:
         CString name;
         std::uint64_t firstOnce = kNever;     ///< moment of its first usage that occurred once
         std::uint64_t firstRepeated = kNever; ///< moment of its first usage that occurred more than once
+        const Pair* table = nullptr;          ///< the pair of that usage
     };
-
-    struct Pair;
 
     /// The latest usage of a key, with the sequence number that completes the key, and the depth of its parent node.
     struct Usage
@@ -92,6 +94,7 @@ public:
         Pair* follower = nullptr; ///< the pair that came after it last time
         bool isLinked = false;
         bool isKeptRepeated = false; ///< in a set: a repeating declaration of it is kept
+        SourcePlace repeated{};      ///< where it first occurred more than once; line 0 if it never did
     };
 
     /// An element to declare: for a usage, or only for a link under a key that another usage has.
@@ -109,6 +112,8 @@ public:
     /// Call it before each document; `file` is its number in the report.
     void beginDocument(std::uint32_t file);
 
+    void scope(const XmlScope& scope) override { place = scope.place; }
+    bool wantsScopes() const override { return true; }
     void entityLeftOut(std::string_view name, XmlPlace place) override;
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
@@ -119,6 +124,9 @@ public:
 
     /// Returns the declarations in the order of their moments. Call it once, at the end.
     std::vector<Declaration> takeDeclarations();
+
+    /// Reports the elements that repeat and are single fields. `model` holds the declarations.
+    void reportRepetitions(const TypeModel& model) const;
 
 private:
     struct Node
@@ -144,6 +152,7 @@ private:
     SourceReport& report;
     const bool isBody;
     std::uint32_t file = 0;
+    XmlPlace place{}; // of the current start tag
     CString rootTag;
     std::deque<Item> items;
     KeyedTable<Item, &Item::queryName> itemsByName;
