@@ -89,6 +89,10 @@ const Row kRows[] = {
      "M_2(x:String) M(M:M_2 q:Number)"},
     {"TwoMessagesOfOneName", wsdl(MESSAGE("M", PART("p", "type='s:int'")) MESSAGE("M", PART("q", "type='s:int'"))),
      "M(p:Number)", "1 loss: 1 second declaration"},
+    {"MessagesWithoutAValidName",
+     wsdl(MESSAGE("", PART("p", "type='s:int'")) MESSAGE("no name", PART("p", "type='s:int'"))
+              MESSAGE("M", PART("q", "type='s:int'"))),
+     "M(q:Number)", "2 losses: 1 impossible name, 1 missing name"},
     {"TwoMessagesOfOneType",
      wsdl(types("<s:complexType name='T'><s:sequence><s:element name='x'/></s:sequence></s:complexType>"
                 "<s:element name='a' type='t:T'/><s:element name='b' type='t:T'/>") +

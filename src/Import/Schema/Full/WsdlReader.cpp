@@ -172,11 +172,15 @@ void WsdlReader::addImport(std::string_view location, std::string_view space, So
         imports.push_back({CString(location), CString(space), place});
 }
 
-// Starts a message. If two have the same name, the first one takes precedence.
+// Starts a message. One without a valid name is left out. If two have the same name, the first one takes precedence.
 void WsdlReader::beginMessage(std::string_view name, SourcePlace place)
 {
     const NameTable::Id id = tree.names.intern(name);
     report.enter(kMessages + id);
+    if (name.empty())
+        return report.add(SourceReport::nameMissing, place, "message");
+    if (!isXmlName(name))
+        return report.add(SourceReport::impossibleName, place, name);
     if (!messageNames.insert(id).second)
         return report.add(SourceReport::declaredTwice, place, name);
     message = static_cast<std::uint32_t>(messages.size());
