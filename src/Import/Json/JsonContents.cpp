@@ -50,10 +50,7 @@ bool JsonContents::holdsNames(Index object) const
 {
     // In "properties" a member called "properties" is a schema, whose "properties" hold names again, and so on.
     bool holds = false;
-    for (; isOneOf(tree.keyOf(object),
-                   {JsonWord::properties, JsonWord::patternProperties, JsonWord::defs, JsonWord::definitions,
-                    JsonWord::dependentSchemas, JsonWord::dependencies, JsonWord::schemas});
-         object = tree[object].parent)
+    for (; holdsNamedSchemas(tree.keyOf(object)); object = tree[object].parent)
         holds = !holds;
     return holds;
 }

@@ -67,9 +67,7 @@ Place placeUnder(Place place, JsonWord key)
     using enum JsonWord;
     if (isOneOf(key, {constWord, enumWord, defaultWord, example, examples}))
         return data;
-    const bool hasNames = isOneOf(
-        key, {properties, patternProperties, defs, definitions, dependentSchemas, dependencies, schemas, responses});
-    return hasNames ? names : statement;
+    return holdsNamedSchemas(key) || key == responses ? names : statement;
 }
 
 } // namespace

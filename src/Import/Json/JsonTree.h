@@ -55,6 +55,14 @@ constexpr bool isOneOf(JsonWord word, std::initializer_list<JsonWord> words)
     return std::ranges::find(words, word) != words.end();
 }
 
+/// Returns whether the members of a schema's keyword are schemas by name.
+constexpr bool holdsNamedSchemas(JsonWord keyword)
+{
+    using enum JsonWord;
+    return isOneOf(keyword,
+                   {properties, patternProperties, defs, definitions, dependentSchemas, dependencies, schemas});
+}
+
 /// A value of a document. Values are identified by their index; 0 is none.
 struct JsonNode
 {
