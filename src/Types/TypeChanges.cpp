@@ -264,11 +264,16 @@ TypeChange::Id changeNamed(std::string_view text)
 
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after)
 {
-    TypeFolders folders{commonFolder(before), commonFolder(after)};
-    bool haveCommonName = folders.areEqual() || before.size() == 0;
-    for (std::uint32_t type = 0; type < before.size() && !haveCommonName; ++type)
-        haveCommonName = after.find(before.queryFullName(type)) != TypeStructure::kNone;
-    return haveCommonName ? TypeFolders() : folders;
+    const TypeFolders folders{commonFolder(before), commonFolder(after)};
+    bool haveMoved = false;
+    for (std::uint32_t type = 0; type < before.size() && !folders.areEqual(); ++type) {
+        const std::string_view name = before.queryFullName(type);
+        if (after.find(name) != TypeStructure::kNone)
+            return {};
+        const CString moved = folders.after + CString(name.substr(folders.before.size()));
+        haveMoved = haveMoved || after.find(moved) != TypeStructure::kNone;
+    }
+    return haveMoved ? folders : TypeFolders();
 }
 
 std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStructure& after, const TypeFolders& folders)

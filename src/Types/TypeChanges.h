@@ -60,8 +60,8 @@ struct TypeFolders
     bool areEqual() const { return before == after; }
 };
 
-/// Returns the deepest folders that contain all types of each side, if that explains why the sides have no full name in
-/// common: another base path or main element. Returns two empty folders otherwise.
+/// Returns the deepest folders that contain all types of each side, if the sides have no full name in common, but names
+/// below these folders: another base path or main element. Returns two empty folders otherwise.
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after);
 
 /// Returns the differences, in the order of `after`, removed types last. Types are matched by full name, with

@@ -88,6 +88,18 @@ not compatible: it breaks readers
          "</element></schema>\" >$n.xsd; done; $import xsd --full a.xsd b.xsd -o s.xml; "
          "$import xsd --full b.xsd a.xsd --diff s.xml",
          {0, "", ""}},
+        // A second namespace gives the folder of the first another name, which is no move of all types.
+        {"for n in x y; do sed s,urn:.,http://$n/a,g a.xsd >$n.xsd; done; "
+         "$import x.xsd --full --folders namespace -o x.xml; $import xsd --full x.xsd y.xsd --diff x.xml",
+         {1, R"(added enumeration \sys\xml\y-a\E [type-added]
+added enumeration \sys\xml\x-a\E [type-added]
+added record \sys\xml\x-a\D [type-added]
+added record \sys\xml\y-a\D [type-added]
+removed enumeration \sys\xml\a\E [type-removed]
+removed record \sys\xml\a\D [type-removed]
+not compatible: it breaks readers
+)",
+          ""}},
         {"$import r.dtd --diff none", {2, "", "none: error: No such file or directory\n"}},
         // The same types, but no document: something stands behind the end, or the end is missing.
         {"(cat r.xml; echo x) >x.xml; $import r.dtd --diff x.xml; head -c -1 r.xml >x.xml; $import r.dtd --diff x.xml",
