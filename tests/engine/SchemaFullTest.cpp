@@ -34,6 +34,12 @@ const Rule kRules[] = {
      ROOT(SEQUENCE("<element name='a' type='int'/><element name='b' type='date'/><element name='c' type='string'/>"
                    "<element name='d'/>")),
      "r(a:Number b:Time c:String d:String)"},
+    {"NamedTypePrecedesATypeInside",
+     ROOT(SEQUENCE("<element name='a' type='t:S'><complexType><attribute name='y'/></complexType></element>"
+                   "<element name='b' type='string'><simpleType><restriction base='int'/></simpleType></element>"
+                   "<element name='c' type='t:N'/>")) TYPE("S", "<attribute name='x'/>")
+         SIMPLE("N", "<restriction base='int'><simpleType><restriction base='string'/></simpleType></restriction>"),
+     "S(x:String) r(a:S b:String c:Number)"},
     {"RepeatedByItsOwnMark",
      ROOT(SEQUENCE("<element name='a' maxOccurs='2'/><element name='b' maxOccurs='01'/>"
                    "<element name='c' type='int' maxOccurs='unbounded'/><element name='d' minOccurs='0'/>")),

@@ -94,6 +94,7 @@ void SchemaReader::makeArray(XmlAttributes attributes)
         if (const Index declared = group == 0 ? 0 : tree.childOf(group, SchemaTag::element); declared != 0)
             if (tree[declared].hasName())
                 item.name = tree[declared].name;
+        item.reference = {};
         item.flags = 0;
         item.occurs = 2;
         tree.nodes.back() = item;

@@ -76,10 +76,13 @@ void SchemaSimpleTypes::collectParts(Index type)
 {
     parts.clear();
     if (const Index derivation = derivationOf(type); derivation != 0) {
-        const Index inner = tree.childOf(derivation, SchemaTag::simpleType);
+        // Beside a base, a type inside has an effect in simple content only.
+        const bool isNamed = tree[derivation].reference.local != 0;
+        const bool mayHoldType = !isNamed || tree[type].tag == SchemaTag::complexType;
+        const Index inner = mayHoldType ? tree.childOf(derivation, SchemaTag::simpleType) : 0;
         if (inner != 0)
             parts.push_back({inner, {}});
-        else if (tree[derivation].reference.local != 0)
+        else if (isNamed)
             parts.push_back(partNamed(tree.referenceOf(derivation), derivation));
     } else if (const Index all = tree.childOf(type, SchemaTag::unionOf); all != 0) {
         for (const SchemaName name : tree.listOf(all))

@@ -183,13 +183,14 @@ const SchemaTypes::Declared& SchemaTypes::declared(Index declaration)
     return lastDeclared;
 }
 
-// Sets `out` to the type of a declaration. Returns false if the declaration has none.
+// Sets `out` to the type of a declaration: the one it names, else the one inside it. Returns false if it has none.
 bool SchemaTypes::resolve(Index declaration, Declared& out)
 {
-    Index type = tree.childOf(declaration, SchemaTag::complexType, SchemaTag::simpleType);
-    if (type == 0) {
-        if (tree[declaration].reference.local == 0)
-            return false;
+    const bool isNamed = tree[declaration].reference.local != 0;
+    Index type = isNamed ? 0 : tree.childOf(declaration, SchemaTag::complexType, SchemaTag::simpleType);
+    if (!isNamed && type == 0)
+        return false;
+    if (isNamed) {
         const SchemaName name = tree.referenceOf(declaration);
         if (const auto builtIn = set.builtInKind(name)) {
             out.value = {true, *builtIn};
