@@ -72,10 +72,10 @@ std::string_view IXMLDOMNode::nodeValue() const
     return get().value;
 }
 
-DomPlace IXMLDOMNode::place() const
+XmlPlace IXMLDOMNode::place() const
 {
     const DomTreeNode* const node = treeNode(&get());
-    return node ? node->place : DomPlace();
+    return node ? node->place : XmlPlace();
 }
 
 IXMLDOMNamedNodeMap IXMLDOMNode::attributes() const

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Base/Text.h"
-#include "Xml/DomPlace.h"
+#include "Xml/XmlPlace.h"
 
 #include <memory>
 #include <stdexcept>
@@ -60,7 +60,7 @@ public:
 
     /// Returns where an element's start tag was read; for other nodes, a place nearby. Unknown for an attribute, and
     /// for a node that was not read from a file.
-    DomPlace place() const;
+    XmlPlace place() const;
 
     /// Appends `child` as the last child and returns it. It must come from createElement() of the same document and
     /// have no parent yet. Throws ComError otherwise, and if it would become its own ancestor or a second document

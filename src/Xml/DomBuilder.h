@@ -23,10 +23,7 @@ public:
 
     IXMLDOMNode queryRoot() const { return root; }
 
-    void scope(const XmlScope& scope) override
-    {
-        place = {static_cast<std::uint32_t>(scope.place.line), static_cast<std::uint32_t>(scope.place.column)};
-    }
+    void scope(const XmlScope& scope) override { place = scope.place; }
     bool wantsScopes() const override { return true; }
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
@@ -61,7 +58,7 @@ private:
     TakeChild take;
     DomTreeNode* parent;
     IXMLDOMNode root;
-    DomPlace place;  // of the last start tag
+    XmlPlace place;  // of the last start tag
     CString pending; // text that more pieces may follow
     std::unordered_map<XmlName, DomName, HashName> names;
     std::size_t depth = 0;

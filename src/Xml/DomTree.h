@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Base/Arena.h"
-#include "Xml/DomPlace.h"
 #include "Xml/XmlParser.h"
+#include "Xml/XmlPlace.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -41,7 +41,7 @@ struct DomNode
 /// A node with links to its parent and children.
 struct DomTreeNode : DomNode
 {
-    DomPlace place; ///< of an element's start tag, or near another node; unknown if the node was not read
+    XmlPlace place; ///< of an element's start tag, or near another node; unknown if the node was not read
     DomTreeNode* parent = nullptr;
     DomTreeNode* firstChild = nullptr;
     DomTreeNode* lastChild = nullptr;

@@ -30,6 +30,11 @@ std::string_view view(const xmlChar* characters)
     return characters ? text(characters) : std::string_view();
 }
 
+XmlPlace placeAt(int line, int column)
+{
+    return {static_cast<std::uint32_t>(std::max(line, 0)), static_cast<std::uint32_t>(std::max(column, 0))};
+}
+
 // Opens nothing: every external entity, on disk or on the network, is empty. If loading failed instead, libxml2 would
 // forget that undeclared entities may be declared there. There is one loader for the process.
 xmlParserInputPtr emptyExternalEntity(const char*, const char*, xmlParserCtxtPtr context)
@@ -67,7 +72,7 @@ private:
 
 // One run of the parser. libxml2 passes the current context to its callbacks (an entity's content has a context of its
 // own); its _private member leads to this object.
-class Parse
+class Parse final : private XmlLocator
 {
 public:
     Parse(XmlSource& document, XmlHandler& receiver) :
@@ -113,7 +118,7 @@ private:
     bool tell();
     bool hasRest() const;
     int line() const { return parser->inputTab[0]->line; } // of the document, even inside an entity
-    XmlPlace tagStart(const xmlParserCtxt& context) const;
+    XmlPlace tagStart() const override;
     XmlPlace referenceStart(const void* context, std::string_view name) const;
     void fail(std::string_view reason);
     void hold(const char* exceeded)
@@ -127,6 +132,7 @@ private:
     XmlHandler& handler;
     const bool wantsScopes;
     std::unique_ptr<xmlParserCtxt, FreeContext> parser;
+    const void* tagContext = nullptr; // of the last start tag
     std::optional<IXMLDOMParseError> first;
     std::exception_ptr thrown; // by the handler
     bool outOfMemory = false;  // in libxml2
@@ -172,7 +178,7 @@ std::optional<IXMLDOMParseError> Parse::run()
     xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_HUGE);
     // Set directly, because XML_PARSE_NOENT would also load external entities.
     parser->replaceEntities = 1;
-
+    handler.setLocator(*this);
     xmlParseDocument(parser.get());
     if (thrown)
         std::rethrow_exception(thrown);
@@ -290,26 +296,16 @@ xmlEntityPtr Parse::counted(void* context, xmlEntityPtr entity)
     return nullptr;
 }
 
-// Returns where the last start tag begins. libxml2 only knows its end, but keeps all of it in memory. A well-formed tag
-// contains no second "<".
-XmlPlace Parse::tagStart(const xmlParserCtxt& context) const
+// Returns where the last start tag begins, or ends if an entity holds it. libxml2 only knows its end, but keeps all of
+// it in memory.
+XmlPlace Parse::tagStart() const
 {
     const xmlParserInput& input = *parser->inputTab[0];
-    const bool isOfDocument = &context == parser.get() && parser->inputNr == 1;
-    const auto* const begin = static_cast<const xmlChar*>(
-        isOfDocument ? ::memrchr(input.base, '<', static_cast<std::size_t>(input.cur - input.base)) : nullptr);
-    if (!begin)
-        return {input.line, input.col};
-    const std::string_view tag(text(begin), static_cast<std::size_t>(input.cur - begin));
-    if (tag.size() < static_cast<std::size_t>(input.col)) // the usual case: it fits on one line
-        return {input.line, input.col - static_cast<int>(countCharacters(tag))};
-    const int line = input.line - static_cast<int>(std::ranges::count(tag, '\n'));
-    std::string_view before(text(input.base), static_cast<std::size_t>(begin - input.base));
-    const std::size_t lineEnd = before.rfind('\n');
-    if (lineEnd == before.npos && input.consumed > 0) // the start of the line has left the buffer
-        return {line, 0};
-    before.remove_prefix(lineEnd + 1);
-    return {line, static_cast<int>(countCharacters(before)) + 1};
+    const XmlPlace end = placeAt(input.line, input.col);
+    if (tagContext != parser.get() || parser->inputNr != 1)
+        return end;
+    const std::string_view read(text(input.base), static_cast<std::size_t>(input.cur - input.base));
+    return placeOfLastTag(read, end, input.consumed == 0);
 }
 
 // Returns where the last reference "&name;" begins.
@@ -318,7 +314,7 @@ XmlPlace Parse::referenceStart(const void* context, std::string_view name) const
     const xmlParserInput& input = *parser->inputTab[0];
     const bool isOfDocument = context == parser.get() && parser->inputNr == 1;
     const auto length = static_cast<int>(countCharacters(name)) + 2;
-    return {input.line, isOfDocument ? std::max(0, input.col - length) : input.col};
+    return placeAt(input.line, isOfDocument ? input.col - length : input.col);
 }
 
 // Returns false if the start tag is too short for a long name, because measuring every name would cost too much.
@@ -375,6 +371,7 @@ void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* p
         self.hold(self.limits.addExpansion(bytes));
     }
     self.inProlog = false;
+    self.tagContext = context;
     self.checkTag(attributes);
     self.hold(self.limits.addList(static_cast<std::size_t>(attributes)));
     if (self.mayHoldLongNames(*static_cast<xmlParserCtxtPtr>(context)) || defaulted != 0) {
@@ -385,8 +382,7 @@ void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* p
     ++self.depth;
     self.guarded(context, [&] {
         if (self.wantsScopes)
-            self.handler.scope({text(uri), declarations, static_cast<std::size_t>(namespaces),
-                                self.tagStart(*static_cast<xmlParserCtxtPtr>(context))});
+            self.handler.scope({text(uri), declarations, static_cast<std::size_t>(namespaces), self.tagStart()});
         self.handler.startElement({text(local), text(prefix)}, XmlAttributes(rows, attributes));
     });
 }

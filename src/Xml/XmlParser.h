@@ -2,6 +2,7 @@
 
 #include "Base/Text.h"
 #include "Files/File.h"
+#include "Xml/XmlPlace.h"
 
 #include <cstddef>
 #include <optional>
@@ -67,11 +68,15 @@ private:
     std::size_t count;
 };
 
-/// A place in a document; inside an entity's text, the place of the outermost reference.
-struct XmlPlace
+/// Tells a handler where the parser is. Working out a place costs more than most handlers need at each tag.
+class XmlLocator
 {
-    int line;   ///< from 1
-    int column; ///< from 1, in characters; 0 if unknown
+public:
+    /// Returns where the last start tag begins. Call it in startElement() or scope().
+    virtual XmlPlace tagStart() const = 0;
+
+protected:
+    ~XmlLocator() = default;
 };
 
 /// The namespaces of a start tag (https://www.w3.org/TR/xml-names/), and where it begins. Texts are interned like
@@ -96,6 +101,9 @@ class XmlHandler
 {
 public:
     virtual ~XmlHandler() = default;
+
+    /// Called first. The locator is valid until the parse ends.
+    virtual void setLocator(const XmlLocator&) {}
 
     /// Called at each start tag, and endElement() at its end tag. An empty element has both.
     virtual void startElement(XmlName name, XmlAttributes attributes) = 0;

@@ -104,7 +104,7 @@ private:
 void CatalogReader::scope(const XmlScope& scope)
 {
     isInCatalogNamespace = scope.uri && scope.uri == kSpace;
-    place = {file, static_cast<std::uint32_t>(scope.place.line), static_cast<std::uint32_t>(scope.place.column)};
+    place = {file, scope.place.line, scope.place.column};
 }
 
 void CatalogReader::startElement(XmlName name, XmlAttributes attributes)

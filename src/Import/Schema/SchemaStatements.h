@@ -112,7 +112,7 @@ private:
         SchemaTag holder = SchemaTag::none; // see holder()
         bool hasChild = false;              // has a child, or an attribute in its place
         bool hasContent = false;            // has simpleContent or complexContent
-        XmlPlace start{};
+        XmlPlace start;
     };
 
     struct Finding
@@ -131,10 +131,7 @@ private:
         std::size_t times;
     };
 
-    SourcePlace placeOf(XmlPlace at) const
-    {
-        return {file, static_cast<std::uint32_t>(at.line), static_cast<std::uint32_t>(at.column)};
-    }
+    SourcePlace placeOf(XmlPlace at) const { return {file, at.line, at.column}; }
     void addFinding(SourceReport::Construct construct, XmlPlace at, CString name);
     void flush();
     bool isAtTop() const;
@@ -161,7 +158,7 @@ private:
     bool isMisspelt = false; // has an unknown attribute
     bool hasText = false;    // text was reported since the last tag
     XmlName current{};       // the last start tag
-    XmlPlace start{};
+    XmlPlace start;
     const char* lastUri = nullptr; // compared by address, as namespaces are interned
     SchemaEdition edition = SchemaEdition::none;
     SourceReport::Component component = 0; // the one at the top that is open, or was last

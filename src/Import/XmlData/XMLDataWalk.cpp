@@ -24,8 +24,7 @@ void XMLDataWalk::setRootTag(CString tag)
 
 void XMLDataWalk::entityLeftOut(std::string_view name, XmlPlace place)
 {
-    report.add(SourceReport::entityNotExpanded,
-               {file, static_cast<std::uint32_t>(place.line), static_cast<std::uint32_t>(place.column)}, name);
+    report.add(SourceReport::entityNotExpanded, placeOf(place), name);
 }
 
 void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
@@ -108,7 +107,7 @@ void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
         return;
     usage.repeats = true;
     if (usage.pair == &pair && pair.repeated.line == 0)
-        pair.repeated = {file, static_cast<std::uint32_t>(place.line), static_cast<std::uint32_t>(place.column)};
+        pair.repeated = placeOf(locator->tagStart());
     Item& item = *usage.pair->item;
     if (usage.declaration != kNotKept)
         declarations[usage.declaration].repeats = true;

@@ -112,8 +112,7 @@ public:
     /// Call it before each document; `file` is its number in the report.
     void beginDocument(std::uint32_t file);
 
-    void scope(const XmlScope& scope) override { place = scope.place; }
-    bool wantsScopes() const override { return true; }
+    void setLocator(const XmlLocator& theLocator) override { locator = &theLocator; }
     void entityLeftOut(std::string_view name, XmlPlace place) override;
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
@@ -137,6 +136,7 @@ private:
         std::size_t undecided;
     };
 
+    SourcePlace placeOf(XmlPlace place) const { return {file, place.line, place.column}; }
     Pair& pairOf(Item* parent, const char* local, bool isAttribute);
     Pair& addPair(const PairKey& key, std::uint32_t hash);
     Item& itemNamed(CString name);
@@ -152,7 +152,7 @@ private:
     SourceReport& report;
     const bool isBody;
     std::uint32_t file = 0;
-    XmlPlace place{}; // of the current start tag
+    const XmlLocator* locator = nullptr; // of the current document
     CString rootTag;
     std::deque<Item> items;
     KeyedTable<Item, &Item::queryName> itemsByName;

@@ -141,8 +141,7 @@ void WsdlReader::entityLeftOut(std::string_view name, XmlPlace place)
 // Returns the place of the element that begins.
 SourcePlace WsdlReader::currentPlace() const
 {
-    return {tree.documents[document].file, static_cast<std::uint32_t>(elementScope.place.line),
-            static_cast<std::uint32_t>(elementScope.place.column)};
+    return {tree.documents[document].file, elementScope.place.line, elementScope.place.column};
 }
 
 void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
