@@ -136,6 +136,16 @@ const Loss kLosses[] = {
     {"RepetitionInASecondRecord",
      MAIN(ELEMENT("name='a' maxOccurs='2'")) TYPE("P", SEQUENCE("\n" ELEMENT("name='a' maxOccurs='2'"))),
      "4:1 repetition skipped: a", ""},
+    {"DeclaredTwiceInASecondRecord",
+     MAIN(ELEMENT("name='a'") ELEMENT("name='a'"))
+         TYPE("P", SEQUENCE("\n" ELEMENT("name='a'") ELEMENT("name='b'") ELEMENT("name='a'"))),
+     "4:1 repetition skipped: a", ""},
+    {"RepetitionBesideAFieldCalledLikeItsTable", MAIN(ELEMENT("name='t_a'") "\n" ELEMENT("name='a' maxOccurs='2'")),
+     "3:1 repetition skipped: a", ""},
+    {"AlternativesOfOneNameInASecondRecord",
+     MAIN(ELEMENT("name='a'") ELEMENT("name='a'"))
+         TYPE("P", "<xs:choice>" ELEMENT("name='a'") "\n" ELEMENT("name='a'") "</xs:choice>"),
+     "4:1 single field read as repeated: a", ""},
     {"AlternativesOfOneName", MAIN("<xs:choice>" ELEMENT("name='a'") "\n" ELEMENT("name='a'") "</xs:choice>"),
      "3:1 single field read as repeated: a\n3:35 declaration skipped: z", ""},
     {"NamesThatMeanTwoThings",

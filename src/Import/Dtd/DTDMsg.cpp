@@ -3,10 +3,10 @@
 #include "Base/Progress.h"
 #include "Base/Utf8.h"
 #include "Import/Dtd/DTDNotes.h"
+#include "Model/RepeatedFields.h"
 #include "Resources/StringTable.h"
 
 #include <algorithm>
-#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -399,19 +399,12 @@ void DTDMessage::declareField(DTDElement::Child mention, const CString& path, Ru
         repeatedFields.push_back({child.element, record, mention.place});
 }
 
-// Reports fields that repeat and stay single: the model makes one table for each element, in the first record in which
-// it repeats.
 void DTDMessage::reportRepetitions()
 {
-    std::unordered_map<const Element*, const Element*> records; // those with the tables; null if there is no table
-    for (const auto& [element, record, place] : repeatedFields) {
-        const CString& name = element->queryName();
-        const auto [table, isNew] = records.try_emplace(element, record);
-        if (isNew && model.findElement("t_" + name))
-            table->second = nullptr;
-        if (table->second != record)
-            report.add(SourceReport::repetitionSkipped, text->places.at(place), name);
-    }
+    RepeatedFields repetitions(model);
+    for (const auto& [element, record, place] : repeatedFields)
+        if (repetitions.staysSingle(*element, *record))
+            report.add(SourceReport::repetitionSkipped, text->places.at(place), element->queryName());
 }
 
 // Reports a name that is not an XML name, or that no declaration belongs to: once, at the place that mentions it first.

@@ -54,6 +54,10 @@ public:
     bool isReference() const { return isReferring; }
     bool isInRepeated() const { return isOfRepeated; }
 
+    /// Notes that the declaration occurs once more beside the earlier one, not instead of it.
+    void setDeclaredAgain() { declaredAgain = true; }
+    bool isDeclaredAgain() const { return declaredAgain; }
+
     /// Returns why the type isn't the declared one.
     SchemaTypeLoss queryLoss() const { return loss; }
 
@@ -99,5 +103,6 @@ private:
     bool marked : 1;
     bool isReferring : 1;
     bool isOfRepeated : 1;
+    bool declaredAgain : 1 = false;
     SchemaTypeLoss loss;
 };

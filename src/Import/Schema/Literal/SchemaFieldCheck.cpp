@@ -54,9 +54,8 @@ void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std
         sourceReport.add(*meaning.loss, declared.queryPlace(), meaning.lost);
     else if (!isAsMeant(*field.element, name, meaning, path))
         sourceReport.add(SourceReport::mergedByName, declared.queryPlace(), name);
-    const bool isLaterTable =
-        declared.isMarked() && repeated.try_emplace(field.element, field.record).first->second != field.record;
-    if (isLaterTable || (declared.isInRepeated() && !declared.isMarked()))
+    const bool isInRepeated = declared.isInRepeated() && !declared.isMarked();
+    if (isInRepeated || (field.repeats && repetitions.staysSingle(*field.element, *field.record)))
         sourceReport.add(SourceReport::repetitionSkipped, declared.queryPlace(), name);
 }
 

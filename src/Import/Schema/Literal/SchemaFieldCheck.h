@@ -2,10 +2,9 @@
 
 #include "Base/LargePages.h"
 #include "Import/Schema/Literal/SchemaTable.h"
-#include "Model/Element.h"
+#include "Model/RepeatedFields.h"
 
 #include <optional>
-#include <unordered_map>
 
 /// Compares the declared fields of a schema with those of the model, and reports the differences. Types that the
 /// literal reading doesn't support became text. If fields of one name in several records have different types, the last
@@ -13,15 +12,16 @@
 class SchemaFieldCheck
 {
 public:
-    SchemaFieldCheck(const SchemaTable& table, SchemaKinds& kinds, SourceReport& report) :
-        table(table), kinds(kinds), sourceReport(report)
+    SchemaFieldCheck(const SchemaTable& table, SchemaKinds& kinds, const TypeModel& model, SourceReport& report) :
+        table(table), kinds(kinds), sourceReport(report), repetitions(model)
     {}
 
-    /// Records that `declared` became the field `field` of `record`. `type` is the table's entry of its type.
-    void add(const SchemaElement& declared, const Element& field, const SchemaElement& record,
-             const SchemaElement* type)
+    /// Records that `declared` became the field `field` of `record`, which `repeats` in it. `type` is the table's entry
+    /// of its type.
+    void add(const SchemaElement& declared, const Element& field, const Element& record, const SchemaElement* type,
+             bool repeats)
     {
-        fields.push_back({&declared, &field, &record, plainKindOf(declared)});
+        fields.push_back({&declared, &field, &record, repeats ? Element::typeOther : plainKindOf(declared), repeats});
         if (fields.back().plainKind == Element::typeOther)
             types.push_back(type);
     }
@@ -38,8 +38,9 @@ private:
     {
         const SchemaElement* declared;
         const Element* element;
-        const SchemaElement* record;
+        const Element* record;
         Element::ElementTypes plainKind;
+        bool repeats;
     };
 
     // Returns the kind of nearly all fields: single, with a built-in type that is identified by name. typeOther for all
@@ -66,6 +67,6 @@ private:
     SchemaKinds& kinds;
     SourceReport& sourceReport;
     std::vector<Field, LargePages<Field>> fields;
-    std::vector<const SchemaElement*> types;                           // of the fields whose plain kind is typeOther
-    std::unordered_map<const Element*, const SchemaElement*> repeated; // the first record in which an element repeats
+    std::vector<const SchemaElement*> types; // of the fields whose plain kind is typeOther
+    RepeatedFields repetitions;
 };

@@ -111,7 +111,7 @@ int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
     const CString path = baseFolder + table.queryMainType() + "\\";
     const std::size_t count = countFields();
     knownTypes.clear();
-    SchemaFieldCheck check(table, kinds, report);
+    SchemaFieldCheck check(table, kinds, model, report);
     check.reserve(count);
     model.reserveUsages(count);
     for (const SchemaElement* entry : table.queryDeclared())
@@ -168,28 +168,30 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
         model.queryNames().prefetch(field.hash);
     }
     for (const Field& field : fields) {
-        const Element* element = declareField(field, record);
+        const TypeModel::Declared made = declareField(field, record);
         if (field.declared)
-            check.add(*field.declared, *element, entry, field.type);
+            check.add(*field.declared, *made.element, *record, field.type,
+                      !made.isFirst && (field.mark == modStar || field.declared->isDeclaredAgain()));
     }
 }
 
-// Declares a repeated field twice: the model makes a table of a usage that occurs more than once.
-Element* SchemaMessage::declareField(const Field& field, Element* record)
+// Declares a repeated field twice: the model makes a table of a usage that occurs more than once. Returns the last
+// declaration.
+TypeModel::Declared SchemaMessage::declareField(const Field& field, Element* record)
 {
-    Element* element = nullptr;
+    TypeModel::Declared made{};
     std::string_view typeName = field.typeName;
     const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName, field.type);
     Name& name = model.queryNames().intern(field.name, field.hash);
     for (int instances = field.mark == modStar ? 2 : 1; instances > 0; --instances) {
-        element = model.addField(record, name, kind).element;
+        made = model.addField(record, name, kind);
         if (typeName.empty())
             continue;
         const bool isOurs = typeName != "AnonymousType" && kind != Element::typeString;
-        knownTypes.push_back({element, isOurs ? typeName : std::string_view()});
-        element->setType(Element::typeOther);
+        knownTypes.push_back({made.element, isOurs ? typeName : std::string_view()});
+        made.element->setType(Element::typeOther);
     }
-    return element;
+    return made;
 }
 
 // Sets the types that fields name. All fields of a name share one element, and the last field decides.

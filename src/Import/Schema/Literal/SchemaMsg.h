@@ -61,7 +61,7 @@ private:
     int doParse(const SchemaOutline& outline, const CString& source);
     std::size_t countFields() const;
     void declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check);
-    Element* declareField(const Field& field, Element* record);
+    TypeModel::Declared declareField(const Field& field, Element* record);
     static int getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName);
     void setKnownTypes();
     static Element::ElementTypes getBrokerType(std::string_view& typeName, const SchemaElement* type);

@@ -283,7 +283,9 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, 
         schemaElements.store(entry);
     } else if (entry->queryName() != content.name || !areSameType(entry->queryType(), content.type)) {
         report->add(SourceReport::mergedByName, content.place, content.name);
-    } else if (parent.entry && content.isSingle && !content.isInRepeated && !entry->isMarked()) {
+    } else if (!content.isSingle) {
+        entry->setDeclaredAgain();
+    } else if (parent.entry && !content.isInRepeated && !entry->isMarked()) {
         report->add(SourceReport::inventedRepetition, content.place, content.name); // two usages become a table
     }
     if (parent.entry)
