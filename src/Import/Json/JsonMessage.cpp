@@ -43,9 +43,9 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
         return;
     // The file tells apart types of the same name. Plain types of the sources are all alike.
     for (SourceTypes::Candidate& candidate : types.candidates) {
-        const bool isRecord = candidate.type.kind == SourceTypes::kindRecord;
+        const bool isRecord = candidate.type.kind == SourceTypes::kindRecord && !candidate.isType;
         const SourcePlace place = isRecord ? types.records[candidate.type.index].place : candidate.place;
-        if (candidate.uri.empty() && (isRecord || candidate.source == SourceTypes::kNone))
+        if (candidate.uri.empty() && (isRecord || candidate.isType || candidate.source == SourceTypes::kNone))
             candidate.uri = report.fileNameOf(place.file);
     }
     // Only what the requested types reach is imported, so only its losses count. Reading that alone finds them.

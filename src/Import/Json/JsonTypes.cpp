@@ -260,7 +260,13 @@ void JsonTypes::addCandidate(Index schema, std::string_view name)
     schema = tree.target(schema);
     const std::string_view own = nameOf(schema);
     const std::string_view called = own.empty() ? toModelName(name, schema) : own;
-    addCandidate(shapeOf(schema, called), called, tree.placeOf(schema));
+    const Shape shape = shapeOf(schema, called);
+    addCandidate(shape, called, tree.placeOf(schema));
+    // The record of a schema that only refers to another has that one's name. It may be requested by this one, too.
+    if (shape.type.kind == SourceTypes::kindRecord && shape.depth == 0 &&
+        types.records[shape.type.index].name != called)
+        types.addCandidate(
+            {.name = called, .type = shape.type, .place = tree.placeOf(schema), .source = source, .isType = true});
 }
 
 void JsonTypes::addBody(Index schema, const CString& name, bool hasValue)
