@@ -196,7 +196,11 @@ JsonNode::Index ApiMessages::headersOf(Index message)
     Index last = 0;
     for (const Index headers : found) {
         CString format;
-        last = tree.addAlias(parts, last, JsonWord::none, withoutFormat(headers, format));
+        const Index schema = withoutFormat(headers, format);
+        if (languageOf(format) == Language::jsonSchema)
+            last = tree.addAlias(parts, last, JsonWord::none, schema);
+        else
+            documents.note(SourceReport::moduleUnreadable, schema, format);
     }
     return all;
 }
