@@ -153,6 +153,7 @@ private:
     void readKeyword(Frame& frame, Index child, Own& own);
     void readItems(Index schema, JsonWord key, Index node, Own& own);
     void readReference(Frame& frame, Index child);
+    Index referenced(Index child);
     void readDiscriminator(Frame& frame, Index node);
     void readMembers(Index holder, How how, std::vector<Part>& parts) const;
     void appendTargets(Index holder, std::vector<Index>& targets) const;

@@ -173,8 +173,7 @@ void JsonContents::readItems(Index schema, JsonWord key, Index node, Own& own)
 
 void JsonContents::readReference(Frame& frame, Index child)
 {
-    const Index node = tree.target(child);
-    const Index target = documents.resolve(child, tree[node].text);
+    const Index target = referenced(child);
     if (target == 0)
         frame.content.kind = JsonContent::text;
     else

@@ -19,6 +19,18 @@ constexpr std::size_t kMadePerValue = 2;
 
 } // namespace
 
+// Returns the schema that a reference leads to; 0 and a loss if it leads to none. The members of "properties" are
+// schemas, but it is none itself, unless a document that is no schema uses such a key for one.
+JsonNode::Index JsonContents::referenced(Index child)
+{
+    const NameTable::Id reference = tree[tree.target(child)].text;
+    const Index target = documents.resolve(child, reference);
+    if (!holdsNames(target) || tree.find(target, JsonWord::type, JsonNode::string) != 0)
+        return target;
+    documents.note(SourceReport::unresolvedReference, child, tree.names[reference]);
+    return 0;
+}
+
 JsonNode::Index JsonContents::baseOf(Index schema)
 {
     for (int i = 0; i < kLongestChain; ++i) {
@@ -33,7 +45,7 @@ JsonNode::Index JsonContents::baseOf(Index schema)
                           isOneOf(tree.keyOf(at),
                                   {JsonWord::none, JsonWord::ref, JsonWord::title, JsonWord::description,
                                    JsonWord::example, JsonWord::examples, JsonWord::defaultWord, JsonWord::nullable});
-        const Index target = isPlain ? documents.resolve(reference, tree[reference].text) : 0;
+        const Index target = isPlain ? referenced(reference) : 0;
         if (target == 0)
             break;
         schema = target;
