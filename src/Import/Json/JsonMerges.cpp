@@ -25,6 +25,10 @@ JsonNode::Index JsonContents::referenced(Index child)
 {
     const NameTable::Id reference = tree[tree.target(child)].text;
     const Index target = documents.resolve(child, reference);
+    // AsyncAPI 3 has schemas beside their format.
+    if (tree.find(target, JsonWord::schemaFormat, JsonNode::string) != 0)
+        if (const Index schema = tree.find(target, JsonWord::schema); schema != 0)
+            return schema;
     if (!holdsNames(target) || tree.find(target, JsonWord::type, JsonNode::string) != 0)
         return target;
     documents.note(SourceReport::unresolvedReference, child, tree.names[reference]);
