@@ -313,6 +313,12 @@ const Rule kRules[] = {
      "D(d:String)",
      {},
      "D"},
+    {"AnAbstractTypeAsTheMainType",
+     "<complexType name='A' abstract='true'><attribute name='a'/></complexType>" TYPE(
+         "D", EXTENSION("t:A", SEQUENCE("<element name='d'/>"))),
+     "D(d:String a:String) A(a:String)",
+     {},
+     "A"},
     {"TheMainDocumentKeepsItsNames",
      "<import namespace='urn:o' schemaLocation='o'/><element name='r' xmlns:o='urn:o'><complexType><sequence>"
      "<element name='a' type='o:T'/><element name='b' type='t:T'/></sequence></complexType></element>" TYPE(

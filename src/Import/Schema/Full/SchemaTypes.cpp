@@ -116,6 +116,7 @@ void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
     candidate.isType = node.tag == SchemaTag::complexType;
     if (candidate.isType) {
         candidate.type = recordOf(component, SourceTypes::kNone);
+        candidate.choice = choiceOf(component);
     } else {
         const Declared& type = declared(component);
         candidate.hasAbstractType = tree[type.complexType].is(SchemaNode::isAbstract);
