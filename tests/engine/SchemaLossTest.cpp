@@ -146,6 +146,10 @@ const Loss kLosses[] = {
      MAIN(ELEMENT("name='a'") ELEMENT("name='a'"))
          TYPE("P", "<xs:choice>" ELEMENT("name='a'") "\n" ELEMENT("name='a'") "</xs:choice>"),
      "4:1 single field read as repeated: a", ""},
+    {"FieldsCalledLikeTypes",
+     MAIN(ELEMENT("name='R' type='R'") ELEMENT("name='P' type='Q'")) "\n" RECORD "\n" TYPE(
+         "P", SEQUENCE(ELEMENT("name='p'"))) TYPE("Q", SEQUENCE(ELEMENT("name='q'"))),
+     "4:1 declaration skipped: R\n5:1 declaration skipped: P", ""},
     {"AlternativesOfOneName", MAIN("<xs:choice>" ELEMENT("name='a'") "\n" ELEMENT("name='a'") "</xs:choice>"),
      "3:1 single field read as repeated: a\n3:35 declaration skipped: z", ""},
     {"NamesThatMeanTwoThings",

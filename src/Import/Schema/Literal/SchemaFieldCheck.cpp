@@ -20,6 +20,19 @@ std::string_view nameOf(const SchemaElement& declared)
 
 void SchemaFieldCheck::reportAll(std::string_view path)
 {
+    reportFields(path);
+    reportRecords();
+}
+
+void SchemaFieldCheck::reportRecords()
+{
+    for (const auto& [declared, record] : records)
+        if (record->queryType() != Element::typeRow)
+            sourceReport.add(SourceReport::declarationSkipped, declared->queryPlace(), record->queryName());
+}
+
+void SchemaFieldCheck::reportFields(std::string_view path)
+{
     CancelPoint cancelPoint{4096};
     auto nextType = types.begin();
     for (std::size_t i = 0; i < fields.size(); ++i) {

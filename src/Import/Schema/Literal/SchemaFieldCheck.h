@@ -5,16 +5,22 @@
 #include "Model/RepeatedFields.h"
 
 #include <optional>
+#include <utility>
+#include <vector>
 
-/// Compares the declared fields of a schema with those of the model, and reports the differences. Types that the
-/// literal reading doesn't support became text. If fields of one name in several records have different types, the last
-/// one with its own type decides for all.
+/// Compares the declared records and fields of a schema with those of the model, and reports the differences. Types
+/// that the literal reading doesn't support became text. If fields of one name in several records have different types,
+/// the last one with its own type decides for all. A field of a complex type that is called like a record replaces the
+/// record.
 class SchemaFieldCheck
 {
 public:
     SchemaFieldCheck(const SchemaTable& table, SchemaKinds& kinds, const TypeModel& model, SourceReport& report) :
         table(table), kinds(kinds), sourceReport(report), repetitions(model)
     {}
+
+    /// Records that `declared` became the record `record`.
+    void addRecord(const SchemaElement& declared, const Element& record) { records.push_back({&declared, &record}); }
 
     /// Records that `declared` became the field `field` of `record`, which `repeats` in it. `type` is the table's entry
     /// of its type.
@@ -46,6 +52,8 @@ private:
     // Returns the kind of nearly all fields: single, with a built-in type that is identified by name. typeOther for all
     // others.
     static Element::ElementTypes plainKindOf(const SchemaElement& declared);
+    void reportFields(std::string_view path);
+    void reportRecords();
     void report(const Field& field, const SchemaElement* type, std::string_view path);
 
     // The correct result of a declaration.
@@ -66,6 +74,7 @@ private:
     const SchemaTable& table;
     SchemaKinds& kinds;
     SourceReport& sourceReport;
+    std::vector<std::pair<const SchemaElement*, const Element*>> records;
     std::vector<Field, LargePages<Field>> fields;
     std::vector<const SchemaElement*> types; // of the fields whose plain kind is typeOther
     RepeatedFields repetitions;

@@ -155,6 +155,7 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
     const bool isRoot = entry.queryName() == table.queryRootTypeName();
     const std::string_view name = isRoot ? std::string_view(table.queryMainType()) : entry.queryName();
     Element* const record = model.addRecord(path, name).element;
+    check.addRecord(entry, *record);
     fields.clear();
     for (const SchemaElement* child : *entry.queryChildren()) {
         Field& field = fields.emplace_back();
