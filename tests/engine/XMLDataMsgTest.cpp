@@ -38,18 +38,21 @@ TEST_F(XMLData, GivesTypes)
         EXPECT_EQ(typesOfFile(row.in), row.out) << row;
 }
 
-// Repetitions that are single fields, because another record has the table.
-const Case kRepetitions[] = {
+// Repetitions that are single fields, because another record has the table, and what shares an element.
+const Case kLosses[] = {
     {"InOneRecord", "<r><a><b/><b/></a><a><b/><b/></a></r>", ""},
     {"InASecondRecord", "<r><a><b/><b/></a>\n<c><b/>\n <b/><b/></c></r>", "3:2 b"},
     {"BehindANamesakeInside", "<r><c><b/><b/></c><a><b/><a><b/></a>\n<b/></a></r>", "2:1 b"},
     {"OnceBesideAnAttribute", "<r b='1'><b/></r>", ""},
     {"WithTheTablesNameTaken", "<r><b/><b/><t_b/></r>", "1:8 b"},
+    {"OfAnElementCalledLikeAnAttribute", "<r><x b='1'/><x_b/><x_b/></r>", "1:20 x_b"},
+    {"AttributeCalledLikeARecord", "<r><x_b><c/></x_b>\n<x b='1'/></r>", "2:1 x_b"},
+    {"AttributeCalledLikeAnElement", "<r><x_b/><x b='1'/><x b='1'/></r>", ""},
 };
 
-TEST_F(XMLData, TellsRepetitionsThatTheModelDrops)
+TEST_F(XMLData, TellsWhatTheModelDrops)
 {
-    for (const Case& row : kRepetitions) {
+    for (const Case& row : kLosses) {
         import(row.in);
         CString told;
         for (const auto& entry : message.queryReport().queryEntries(SourceReport::loss))

@@ -51,5 +51,5 @@ void XMLDataMessage::doParse(XMLDataWalk& walk)
                 element->asAttribute();
         }
     }
-    walk.reportRepetitions(model);
+    walk.reportLosses(model);
 }

@@ -61,14 +61,21 @@ std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
 }
 
 // The model makes one table for each element, and a single document puts it only into the record in which the element
-// repeats first. An element called like the table prevents it.
-void XMLDataWalk::reportRepetitions(const TypeModel& model) const
+// repeats first. An element called like the table prevents it, and so does an attribute that shares the element.
+void XMLDataWalk::reportLosses(const TypeModel& model) const
 {
     for (const Pair& pair : pairs) {
-        if (pair.repeated.line == 0)
+        if (!pair.item || (!pair.key.isAttribute && pair.repeated.line == 0))
             continue;
-        if ((!isBody && pair.item->table != &pair) || model.findElement("t_" + pair.item->name))
-            report.add(SourceReport::repetitionSkipped, pair.repeated, pair.item->name);
+        const CString& name = pair.item->name;
+        const Element& element = *model.findElement(name);
+        if (pair.key.isAttribute) {
+            if (element.queryType() == Element::typeRow)
+                report.add(SourceReport::mergedByName, pair.first, name);
+        } else if ((!isBody && pair.item->table != &pair) || element.queryIsAttribute() != 0 ||
+                   model.findElement("t_" + name)) {
+            report.add(SourceReport::repetitionSkipped, pair.repeated, name);
+        }
     }
 }
 
@@ -107,7 +114,7 @@ void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
         return;
     usage.repeats = true;
     if (usage.pair == &pair && pair.repeated.line == 0)
-        pair.repeated = placeOf(locator->tagStart());
+        pair.repeated = currentPlace();
     Item& item = *usage.pair->item;
     if (usage.declaration != kNotKept)
         declarations[usage.declaration].repeats = true;
@@ -170,7 +177,9 @@ XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)
     const char* const separator = !isBody ? "." : key.isAttribute ? "@" : "/"; // '@' and '/' occur in no name
     Usage& usage = usageOf(RunningHash(parentName).append(separator).append(key.local));
     const bool isKnown = isBody && usage.pair; // from an earlier document
-    Pair& pair = isKnown ? *usage.pair : pairs.emplace_back(Pair{key, &item, &usage});
+    Pair& pair = isKnown
+                     ? *usage.pair
+                     : pairs.emplace_back(Pair{.key = key, .item = &item, .usage = &usage, .first = currentPlace()});
     pair.key = key;
     pairsByKey.store(&pair, hash);
     return pair;

@@ -94,6 +94,7 @@ public:
         Pair* follower = nullptr; ///< the pair that came after it last time
         bool isLinked = false;
         bool isKeptRepeated = false; ///< in a set: a repeating declaration of it is kept
+        SourcePlace first{};         ///< where it first occurred
         SourcePlace repeated{};      ///< where it first occurred more than once; line 0 if it never did
     };
 
@@ -124,8 +125,9 @@ public:
     /// Returns the declarations in the order of their moments. Call it once, at the end.
     std::vector<Declaration> takeDeclarations();
 
-    /// Reports the elements that repeat and are single fields. `model` holds the declarations.
-    void reportRepetitions(const TypeModel& model) const;
+    /// Reports what `model`, which holds the declarations, doesn't represent: elements that repeat and are single
+    /// fields, and attributes that share the element of a record.
+    void reportLosses(const TypeModel& model) const;
 
 private:
     struct Node
@@ -136,6 +138,7 @@ private:
         std::size_t undecided;
     };
 
+    SourcePlace currentPlace() const { return placeOf(locator->tagStart()); }
     SourcePlace placeOf(XmlPlace place) const { return {file, place.line, place.column}; }
     Pair& pairOf(Item* parent, const char* local, bool isAttribute);
     Pair& addPair(const PairKey& key, std::uint32_t hash);
