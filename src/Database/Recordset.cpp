@@ -6,7 +6,16 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <utility>
+
+namespace {
+
+// The position of TABLE_NAME in the arguments and the rows of SQLTables and SQLColumns.
+constexpr std::size_t kTableName = 2;
+
+} // namespace
 
 CString CFieldExchange::shape() const
 {
@@ -33,12 +42,26 @@ void CRecordset::Close()
     beginOfFile = endOfFile = true;
 }
 
-int CRecordset::openCatalogue(unsigned short function, const std::vector<Arguments>& calls, UINT type)
+int CRecordset::openCatalogue(unsigned short function, std::vector<Arguments> calls, UINT type)
+{
+    openType = type;
+    const int isOpen = run(function, calls);
+    const CString name = calls.front()[kTableName].value_or("");
+    if (!isOpen || !IsEOF() || name.find('\\') == CString::npos)
+        return isOpen;
+    for (Arguments& call : calls)
+        std::ranges::replace(*call[kTableName], '\\', '_');
+    if (!run(function, calls))
+        return 0;
+    keepRowsOf(name);
+    return 1;
+}
+
+int CRecordset::run(unsigned short function, const std::vector<Arguments>& calls)
 {
     Close();
     if (!database || !database->IsOpen())
         return 0;
-    openType = type;
     fields = {};
     DoFieldExchange(fields);
     CString request = startRequest(DriverRequest::catalogue);
@@ -61,6 +84,20 @@ int CRecordset::openCatalogue(unsigned short function, const std::vector<Argumen
     beginOfFile = endOfFile = rows->empty();
     MoveFirst();
     return 1;
+}
+
+void CRecordset::keepRowsOf(const CString& table)
+{
+    CString kept;
+    for (std::string_view rest = *rows; !rest.empty();) {
+        const std::string_view row = rest.substr(0, fields.load(rest));
+        if (fields.textAt(kTableName) == table)
+            kept += row;
+        rest.remove_prefix(row.size());
+    }
+    rows = std::move(kept);
+    beginOfFile = endOfFile = rows->empty();
+    MoveFirst();
 }
 
 void CRecordset::MoveFirst()

@@ -16,6 +16,9 @@ public:
     void text(CString& member) { fields.push_back({&member, nullptr}); }
     void number(LONG& member) { fields.push_back({nullptr, &member}); }
 
+    /// Returns the member of a column of text, counted from 0.
+    const CString& textAt(std::size_t column) const { return *fields[column].text; }
+
     /// Returns a letter for each column: t for a text, n for a number.
     CString shape() const;
 
@@ -68,13 +71,16 @@ protected:
     static Argument argument(const char* text) { return text ? Argument(text) : Argument(); }
 
     /// Runs a catalogue function, given by its SQL_API number, once for each of `calls`, with four texts or nulls.
-    /// Reads all rows and goes to the first. Returns 1, or 0 if the driver lacks the function, can't allocate a
-    /// statement or the connection isn't open.
-    int openCatalogue(unsigned short function, const std::vector<Arguments>& calls, UINT type);
+    /// Reads all rows and goes to the first. Without any row, looks for a table whose name has backslashes itself:
+    /// drivers read them as escapes of a pattern, each by its own rules. All calls have the same table's name. Returns
+    /// 1, or 0 if the driver lacks the function, can't allocate a statement or the connection isn't open.
+    int openCatalogue(unsigned short function, std::vector<Arguments> calls, UINT type);
 
     CDatabase* queryDatabase() const { return database; }
 
 private:
+    int run(unsigned short function, const std::vector<Arguments>& calls);
+    void keepRowsOf(const CString& table);
     void moveTo(std::size_t row);
 
     CDatabase* database;

@@ -90,11 +90,12 @@ TEST(Database, TablesOfEachKindBecomeRecordsUnderAnyName)
         Connected window = freshDatabase(row.kind);
         for (const CString& statement :
              {common + row.more, CString("CREATE TABLE \"größe € x\" (\"ein feld\" int, \"a\"\"b\" int)"),
-              CString("CREATE TABLE \"it's\" (\"100%\" int)"), CString("CREATE TABLE a_b (x int)"),
-              CString("CREATE TABLE \"aXb\" (y date)")})
+              CString("CREATE TABLE \"it's\" (\"100%\" int)"), CString("CREATE TABLE \"\\_\\\\c\" (x int)"),
+              CString("CREATE TABLE a_b (x int)"), CString("CREATE TABLE \"aXb\" (y date)")})
             window.database.ExecuteSQL(statement);
         EXPECT_EQ(importTables("t\n"), "t(a:N b:N c:N d:N e:N f:S g:S h:S i:T j:T k:T" + row.fields) << row.kind;
         EXPECT_EQ(importTables("größe € x\nit's\n"), "it's(100%:N)größe € x(ein feld:N a\"b:N)") << row.kind;
+        EXPECT_EQ(importTables("\\_\\\\c\n"), "\\_\\\\c(x:N)") << row.kind;
         EXPECT_THAT(importTables("a_b\n"), testing::AnyOf("a_b(x:N y:T)", "a_b(y:T x:N)")) << "a pattern";
     }
 }
