@@ -115,7 +115,8 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     else
         message.parseFile(files.front(), basePath);
     diagnostics.finish();
-    reportLosses(message.queryReport(), arguments.report, diagnostics);
+    if (!diagnostics.hasErrors()) // or nothing is written, so nothing is lost
+        reportLosses(message.queryReport(), arguments.report, diagnostics);
     adviseOnFullReading(message, diagnostics);
     const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
