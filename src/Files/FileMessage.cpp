@@ -13,21 +13,23 @@ CString cantOpen(const CString& fileName, FileCause cause)
     return formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause));
 }
 
-// A cause stands for several errno values, and the first one's text is used. A folder is the exception, because it can
-// be recognised.
+// A cause stands for several errno values. The right one is what the system returns for the name again; if it returns
+// another cause or none, the cause's first value is used.
 CString inWords(const CString& fileName, FileCause cause)
 {
     constexpr int errors[] = {ENOENT, ENOTDIR, EMFILE, EACCES, EBADF, EIO, ETXTBSY, EAGAIN, ENOSPC};
-    std::error_code ignored;
-    if (cause == FileCause::accessDenied && std::filesystem::is_directory(fileName, ignored))
-        return std::generic_category().message(EISDIR);
+    std::error_code again;
+    if (std::filesystem::is_directory(fileName, again))
+        again = std::make_error_code(std::errc::is_a_directory);
+    if (again && fileCauseOf(again.value()) == cause)
+        return again.message();
     const auto* const error = std::find_if(std::begin(errors), std::end(errors),
                                            [cause](int candidate) { return fileCauseOf(candidate) == cause; });
     if (error != std::end(errors))
         return std::generic_category().message(*error);
-    const std::uintmax_t size = std::filesystem::file_size(fileName, ignored);
-    return cause == FileCause::generic && !ignored && size > kMaxNamedFile ? inWords(EOVERFLOW)
-                                                                           : "The system refused access";
+    const std::uintmax_t size = std::filesystem::file_size(fileName, again);
+    return cause == FileCause::generic && !again && size > kMaxNamedFile ? inWords(EOVERFLOW)
+                                                                         : "The system refused access";
 }
 
 CString inWords(int error)

@@ -401,6 +401,8 @@ TEST_F(ImportCommand, AnswersExactly)
         // Outputs.
         {"$import dtd r.dtd -o none/x", {3, "", says("can't write none/x: No such file or directory")}},
         {"$import dtd r.dtd -o .", {3, "", says("can't write .: Is a directory")}},
+        {"ln -s l l; $import dtd r.dtd -o l; rm l",
+         {0, "", says("can't write l: Too many levels of symbolic links")}},
         {"$import dtd r.dtd -o /dev/full", {3, "", says("can't write /dev/full: No space left on device")}},
         {"$import dtd r.dtd >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
         {"$import --help >/dev/full", {3, "", says("can't write standard output: No space left on device")}},
