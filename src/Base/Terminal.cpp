@@ -135,11 +135,3 @@ PromptResult promptTerminal(const CString& prompt, CString& secret)
             return result;
     }
 }
-
-// Opened with the wrong mode, so that a read or write there fails with EBADF, as without a stream.
-void openClosedStreams()
-{
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (fcntl(stream, F_GETFD) < 0)
-            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY); // takes the lowest free number
-}

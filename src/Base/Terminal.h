@@ -14,7 +14,3 @@ enum class PromptResult
 /// unless the result is `answered`. A signal that ends or stops the process finds the echo restored; a stopped process
 /// asks again when it continues.
 PromptResult promptTerminal(const CString& prompt, CString& secret);
-
-/// Opens /dev/null as standard input, output or error if the process was started without them. Otherwise the next file
-/// or connection would get that number, and with it whatever is written there.
-void openClosedStreams();

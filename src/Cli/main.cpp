@@ -1,10 +1,9 @@
 #include "Base/QELApp.h"
-#include "Base/Terminal.h"
 #include "Cli/Diagnostics.h"
 #include "Cli/Import.h"
+#include "Files/Descriptor.h"
 #include "Files/TemporaryFile.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -36,9 +35,8 @@ const Arguments* running = nullptr; // those of main(), for the terminate handle
 
 int main(int argc, char** argv)
 {
-    openClosedStreams();
-    std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit on file sizes fails like one on a full disk
-    static Arguments arguments;    // static, because the terminate handler may run after main()
+    turnFileFaultsIntoErrors();
+    static Arguments arguments; // static, because the terminate handler may run after main()
     running = &arguments;
     try {
         int exitStatus = kDone;

@@ -1,6 +1,8 @@
 #include "Files/Descriptor.h"
 
 #include <cerrno>
+#include <csignal>
+#include <fcntl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -27,4 +29,13 @@ bool Descriptor::write(std::string_view bytes) const
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
+}
+
+void turnFileFaultsIntoErrors()
+{
+    // /dev/null, opened with the wrong mode, takes the lowest free number.
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0)
+            ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    std::signal(SIGXFSZ, SIG_IGN);
 }

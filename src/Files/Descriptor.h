@@ -28,3 +28,9 @@ public:
 private:
     int fd;
 };
+
+/// Makes two faults of the process's files errors of the call that meets them. A standard stream that the process was
+/// started without fails with EBADF; otherwise the next file or connection would get its number, and with it whatever
+/// is written there. A write beyond the limit on file sizes fails with EFBIG, like one on a full disk, and ends no
+/// process.
+void turnFileFaultsIntoErrors();

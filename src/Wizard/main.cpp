@@ -1,11 +1,10 @@
 #include "Base/QELApp.h"
-#include "Base/Terminal.h"
+#include "Files/Descriptor.h"
 #include "Ui/PlainText.h"
 #include "Ui/ProgramStyle.h"
 
 #include <QApplication>
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -63,8 +62,7 @@ void openDisplay(int& argc, char* argv[], std::optional<QApplication>& applicati
 
 int main(int argc, char* argv[])
 {
-    openClosedStreams();
-    std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit on file sizes fails like one on a full disk
+    turnFileFaultsIntoErrors();
     if (printedHelp(argc, argv))
         return std::fflush(stdout) == 0 ? 0 : 1;
     std::optional<QApplication> application;
