@@ -38,12 +38,13 @@ bool openBroker(BrokerSession& session, const CString& address, const LogonOptio
         readPassword(logon, password.text);
     const BrokerAccount account{logon.user, password.text};
     const BrokerAccount* const user = logon.user.empty() ? nullptr : &account;
-    const CString failure =
+    CString failure =
         isForReading ? session.openForReading(address, kDefaultPort, user) : session.open(address, kDefaultPort, user);
     if (failure.empty())
         return true;
-    const CString& words = session.queryDescription();
-    report(words.empty() ? failure : failure + ": " + words);
+    if (const CString& words = session.queryDescription(); !words.empty())
+        failure = CString(trimmed(failure, ".")) + ": " + words;
+    report(failure);
     return false;
 }
 
