@@ -25,7 +25,10 @@ void addLines(const CString& fileName, std::vector<CString>& arguments)
     CString text;
     if (const FileCause cause = readFile(fileName, text); cause != FileCause::none)
         throw std::runtime_error("can't open " + fileName + ": " + inWords(fileName, cause));
-    for (std::string_view rest = text; !rest.empty();) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    std::string_view rest = text;
+    rest.remove_prefix(rest.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);
+    while (!rest.empty()) {
         std::string_view line = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
         if (line.ends_with('\r'))

@@ -381,7 +381,7 @@ TEST_F(ImportCommand, AnswersExactly)
           mistake("SOURCE_DATE_EPOCH: '1e9' is not a number of seconds from 1970 to the year 9999") +
               mistake("SOURCE_DATE_EPOCH: '253402300800' is not a number of seconds from 1970 to the year 9999")}},
         // Arguments from a file.
-        {"printf 'dtd\\r\\n\\nr.dtd\\n--list' >args; $import @args", {0, kList, ""}},
+        {"printf '\\357\\273\\277dtd\\r\\n\\nr.dtd\\n--list' >args; $import @args", {0, kList, ""}},
         {"$import r.dtd @none", {2, "", mistake("can't open none: No such file or directory")}},
         {"cp r.dtd @r; $import -l dtd -- @r", {0, kList, ""}},
         {"printf '{\"a&b\":{\"c\":1}}' | $import json - -q --graph | grep -c 'title> a&amp;b|'", {0, "1\n", ""}},
