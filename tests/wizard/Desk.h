@@ -19,15 +19,18 @@
 
 using Texts = std::vector<CString>;
 
-/// Handles the next file dialog: chooses a file, or cancels.
-inline void answerFileDialog(const std::string& file)
+/// Handles the next file dialog: chooses a file, or cancels. Before it accepts the file, it goes down `types` rows in
+/// the list of file types.
+inline void answerFileDialog(const std::string& file, int types = 0)
 {
-    QTimer::singleShot(100, [file] {
+    QTimer::singleShot(100, [file, types] {
         auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
         if (file.empty())
             return dialog->reject();
         dialog->findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(file));
+        for (int i = 0; i < types; ++i)
+            QTest::keyClick(dialog->findChild<QComboBox*>("fileTypeCombo"), Qt::Key_Down);
         QMetaObject::invokeMethod(dialog, "accept");
     });
 }

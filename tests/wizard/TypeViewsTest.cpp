@@ -219,10 +219,15 @@ TEST(PictureOfTypes, IsZoomedMovedAndSaved)
     EXPECT_DOUBLE_EQ(view.transform().m11(), own.m11() * 1.5625);
     QTest::keyClicks(&view, "-0");
     EXPECT_EQ(view.transform(), own);
-    for (const char* name : {"p.svg", "p.PNG"}) {
-        answerFileDialog(desk.dir.path(name));
+    const struct
+    {
+        const char *typed, *saved;
+        int types = 0;
+    } names[] = {{"p.svg", "p.svg"}, {"p.PNG", "p.PNG"}, {"q.svg", "q.png", 1}, {"r", "r.png", 1}, {"s", "s.svg"}};
+    for (const auto& [typed, saved, types] : names) {
+        answerFileDialog(desk.dir.path(typed), types);
         desk.window<QAbstractButton>("save")->click();
-        EXPECT_EQ(desk.window<QLabel>("status")->text().toStdString(), "Saved as " + desk.dir.path(name) + ".");
+        EXPECT_EQ(desk.window<QLabel>("status")->text().toStdString(), "Saved as " + desk.dir.path(saved) + ".");
     }
     EXPECT_EQ(QImage(QString::fromStdString(desk.dir.path("p.PNG"))).size(), (view.sceneRect().size() * 2).toSize());
     const CString svg = TempDir::read(desk.dir.path("p.svg"));
