@@ -5,6 +5,7 @@
 #include "Cli/Output.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
+#include "Files/SameFile.h"
 #include "Import/Full/FullMessage.h"
 #include "Import/MsgBase.h"
 #include "Resources/StringTable.h"
@@ -16,6 +17,7 @@
 #include <span>
 #include <sstream>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace {
 
@@ -94,6 +96,19 @@ void assignOperands(const std::vector<CString>& words, Arguments& arguments)
     const CString& first = words.front();
     if (!arguments.importer && words.size() > 1 && first != "-" && testReadable(first) == FileCause::fileNotFound)
         throw CLI::ValidationError(shownSource(first), "neither an importer (see --importers) nor a file");
+}
+
+// Returns whether the command reads standard input. A terminal doesn't count, because more can be typed there. A file
+// would be read again from its start.
+bool isStandardInputRead(const Arguments& arguments)
+{
+    std::vector<CString> inputs = arguments.sources;
+    inputs.insert(inputs.end(), arguments.argumentFiles.begin(), arguments.argumentFiles.end());
+    inputs.push_back(arguments.logon.passwordFile);
+    inputs.push_back(arguments.sourceLogon.passwordFile);
+    return isatty(STDIN_FILENO) == 0 && std::ranges::any_of(inputs, [](const CString& name) {
+               return name == "-" || (!name.empty() && isSameFile(name, kStandardInput));
+           });
 }
 
 void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
@@ -198,6 +213,8 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
             throw CLI::ValidationError("--json", "requires --list or --diff");
         if (arguments.diff.document == "-" && std::ranges::find(arguments.sources, "-") != arguments.sources.end())
             throw CLI::ValidationError("--diff", "standard input can't be both the source and the document");
+        if (arguments.create.overwrite == "ask" && isStandardInputRead(arguments))
+            throw CLI::ValidationError("--overwrite", "standard input can't hold both an input and the answers");
         // Without a named importer, this is checked when the importer has been chosen.
         if (const CString usageError = arguments.importer ? usageErrorFor(arguments, *arguments.importer) : "";
             !usageError.empty())
