@@ -146,6 +146,12 @@ const Loss kLosses[] = {
      MAIN(ELEMENT("name='a'") ELEMENT("name='a'"))
          TYPE("P", "<xs:choice>" ELEMENT("name='a'") "\n" ELEMENT("name='a'") "</xs:choice>"),
      "4:1 single field read as repeated: a", ""},
+    {"TextCalledLikeAnEarlierType", MAIN("") RECORD TYPE("P", SEQUENCE("\n" ELEMENT("name='R' type='xs:string'"))),
+     "4:1 name declared differently elsewhere: R", ""},
+    {"TextBesideARecordOfItsName",
+     MAIN("<xs:element name='a'><xs:complexType>" SEQUENCE(
+         ELEMENT("name='b'")) "</xs:complexType></xs:element>\n" ELEMENT("name='a' type='xs:string'")),
+     "3:1 name declared differently elsewhere: a", "="},
     {"FieldsCalledLikeTypes",
      MAIN(ELEMENT("name='R' type='R'") ELEMENT("name='P' type='Q'")) "\n" RECORD "\n" TYPE(
          "P", SEQUENCE(ELEMENT("name='p'"))) TYPE("Q", SEQUENCE(ELEMENT("name='q'"))),

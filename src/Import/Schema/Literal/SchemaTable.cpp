@@ -259,6 +259,16 @@ bool SchemaTable::areSameType(std::string_view oneType, std::string_view otherTy
     return kind != SchemaKinds::unknown && kind == kinds->builtInKindOf(otherType);
 }
 
+// Returns whether a field that takes the type of an earlier declaration of its name has the same effect with its own. A
+// complex type, which becomes a record, has no type.
+bool SchemaTable::isAsEarlier(const SchemaEntryContent& content, const SchemaElement& earlier) const
+{
+    const bool isRecord = earlier.queryType().empty() && !earlier.isReference();
+    if (!isRecord || content.type.empty() || content.type == kAnonymousType)
+        return areSameType(content.type, earlier.queryType());
+    return content.type.substr(content.type.find(':') + 1) == earlier.queryName();
+}
+
 // Adds a declaration once, and appends it to its parent. Returns the entry; null if it has the name of its parent. A
 // type that is already registered under the name alone takes precedence.
 SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, const Record& parent)
@@ -279,9 +289,9 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, 
         const std::string_view parentName = parent.entry ? parent.name : std::string_view();
         entry = std::pmr::polymorphic_allocator<>(&memory).new_object<SchemaElement>(key, parentName, content);
         if (earlier)
-            entry->setType(earlier->queryType(), !areSameType(content.type, earlier->queryType()));
+            entry->setType(earlier->queryType(), !isAsEarlier(content, *earlier));
         schemaElements.store(entry);
-    } else if (entry->queryName() != content.name || !areSameType(entry->queryType(), content.type)) {
+    } else if (entry->queryName() != content.name || !isAsEarlier(content, *entry)) {
         report->add(SourceReport::mergedByName, content.place, content.name);
     } else if (!content.isSingle) {
         entry->setDeclaredAgain();

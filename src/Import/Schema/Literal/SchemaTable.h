@@ -100,6 +100,7 @@ private:
     SchemaElement* addSchemaElement(const SchemaEntryContent& content, const Record& parent);
     SchemaEntryContent contentOf(const SchemaOutline& outline, Index at, std::string_view name) const;
     bool areSameType(std::string_view oneType, std::string_view otherType) const;
+    bool isAsEarlier(const SchemaEntryContent& content, const SchemaElement& earlier) const;
 
     const CycleHandler onCycle;
     SourceReport* report = nullptr;    // of the current import
