@@ -47,6 +47,9 @@ const Rule kSchemas[] = {
         {"dependentSchemas":{"k":{"properties":{"k":{"const":"B"}}}}},{"anyOf":[{"properties":{"k":{"const":"C"}}},{"properties":{"z":{}}}]},
         {"anyOf":[{"properties":{"k":{"const":"D"}}},{"not":{"required":["k"]}}]}]})",
      "T(k:String l:String v:Number z:String)"},
+    {"AnAlternativeOfNullNarrowsAll",
+     R"({"title":"T","properties":{"k":{"type":"string"}},"allOf":[{"anyOf":[{"properties":{"k":{"const":"A"}}},{"type":"null"}]}]})",
+     "k{A} T(k:k)"},
     {"ConditionsBeforeTheProperties",
      R"({"title":"T","allOf":[{"if":{"properties":{"k":{"const":"A"},"n":{"properties":{"y":{}}}}}},
         {"properties":{"k":{"enum":["A","B"]},"n":{"properties":{"x":{}}}}}]})",
@@ -82,8 +85,9 @@ const Rule kApis[] = {
      "makeResponse(y:String) P(n:Number) Unused{u} makeRequest(x:P)"},
     {"SchemasAlone",
      "openapi: 3.1.0\ninfo: {title: t}\ncomponents:\n  schemas:\n    A:\n      properties:\n        b: {$ref: "
-     "'#/components/schemas/B', description: d}\n    B: {type: object, properties: {c: {type: [integer, 'null']}}}\n",
-     "B(c:Number) A(b:B)"},
+     "'#/components/schemas/B', properties: {d: {}}}\n    B: {type: object, properties: {c: {type: [integer, "
+     "'null']}}}\n",
+     "B(c:Number) b(c:Number d:String) A(b:b)"},
     {"DiscriminatorsAreEnumerations",
      R"({"openapi":"3.0.0","paths":{},"components":{"schemas":{"Pet":{"type":"object","properties":{"kind":{"type":"string"}},
         "discriminator":{"propertyName":"kind","mapping":{"c":"#/components/schemas/Cat","d":"Dog"}}},
@@ -113,8 +117,9 @@ const Rule kApis[] = {
      "MHeaders(h:Number) S(s:String) N(n:S)"},
     {"ChannelsOfVersion3",
      R"({"asyncapi":"3.0.0","channels":{"c":{"messages":{"M":{"payload":{"schemaFormat":"application/vnd.apache.avro;version=1.9.0",
-        "schema":{"type":"record","name":"Rec","fields":[{"name":"x","type":"int"}]}}}}}}})",
-     "Rec(x:Number)"},
+        "schema":{"type":"record","name":"Rec","fields":[{"name":"x","type":"int"}]}}}}}},"components":{"channels":{"d":{"messages":{"K":{
+        "payload":{"properties":{"k":{}}}}}}}}})",
+     "K(k:String) Rec(x:Number)"},
     {"HeadersOfTraits",
      R"({"asyncapi":"3.0.0","channels":{"c":{"messages":{"M":{"traits":[{"headers":{"properties":{"t":{"type":"integer"}}}},{"$ref":"#/components/messageTraits/T"}],
         "headers":{"schemaFormat":"application/schema+json","schema":{"properties":{"h":{}}}}},"N":{"traits":[{"$ref":"#/components/messageTraits/T"}]}}}},
@@ -141,7 +146,7 @@ const Rule kApis[] = {
         "components":{"schemas":{"A":{"properties":{"b":{"$ref":"#/components/schemas/B"}}},"B":{"properties":{"c":{}}}}}})",
      "B(c:String) A(b:B)", "", "A"},
     {"PayloadsThatAreNoObjects",
-     R"({"asyncapi":"2.0.0","channels":{"a":{"publish":{"message":{"name":"M","payload":{"type":"number"}}}},
+     R"({"asyncapi":"2.0.0","channels":{"a":{"publish":{"message":{"messageId":"I","name":"M","payload":{"type":"number"}}}},
         "b":{"publish":{"message":{"name":"N","headers":{"type":"string"},"payload":{"items":{"enum":["x"]}}}}}}})",
      "N_N{x} M(value:Number) t_value[N_N] N(value:t_value)"},
     {"AvroPayloadsThatAreNoRecords",
@@ -176,9 +181,10 @@ const Rule kAvro[] = {
      R"({"type":"record","name":"r","fields":[{"name":"a","type":["null",{"type":"record","name":"A","fields":[{"name":"x","type":"int"},{"name":"y","type":"string"}]},
         {"type":"record","name":"B","fields":[{"name":"y","type":"string"},{"name":"z","type":"int"}]}]},{"name":"b","type":["int","double"]},
         {"name":"c","type":["int","string"]},{"name":"d","type":["A","null"]},{"name":"e","type":[{"type":"array","items":"int"},"null"]},
-        {"name":"f","type":{"type":"array","items":["int",{"type":"array","items":"int"}]}}]})",
-     "t_f[String] t_e[Number] A(x:Number y:String) a(x:Number y:String z:Number) r(a:a b:Number c:String d:A e:t_e "
-     "f:t_f) B(y:String z:Number)",
+        {"name":"f","type":{"type":"array","items":["int",{"type":"array","items":"int"}]}},{"name":"g","type":["string",{"type":"enum","name":"G",
+        "symbols":["X"]}]}]})",
+     "t_f[String] t_e[Number] A(x:Number y:String) a(x:Number y:String z:Number) G{X} r(a:a b:Number c:String d:A "
+     "e:t_e f:t_f g:String) B(y:String z:Number)",
      "2 losses: 2 values of several kinds"},
     {"MisspeltStatements",
      R"({"type":"record","name":"r","fields":[{"name":"a","type":{"type":"Nope"}},{"name":"b"},{"name":"c","type":{"type":"record","name":"C","feilds":[]}},
@@ -197,6 +203,14 @@ const Rule kAvro[] = {
      R"([{"type":"record","name":"A","fields":[{"name":"x","type":{"type":"fixed","name":"S","size":1}}]},{"type":"record","name":"B","fields":[
         {"name":"y","type":{"type":"record","name":"S","fields":[{"name":"s","type":"int"}]}}]}])",
      "A(x:String) S(s:Number) B(y:S)", "1 loss: 1 second declaration"},
+    {"ADeclarationWithOneMoreField",
+     R"([{"type":"record","name":"A","fields":[{"name":"x","type":{"type":"record","name":"S","fields":[{"name":"s","type":"int"}]}}]},
+        {"type":"record","name":"B","fields":[{"name":"y","type":{"type":"record","name":"S","fields":[{"name":"s","type":"int"},{"name":"t","type":"int"}]}}]}])",
+     "S_2(s:Number t:Number) S(s:Number) A(x:S) B(y:S_2)", "1 loss: 1 second declaration"},
+    {"AnEmptyNamespaceIsNone",
+     R"({"type":"record","name":"A","namespace":"n","fields":[{"name":"a","type":{"type":"record","name":"B","namespace":"","fields":[
+        {"name":"x","type":"int"}]}},{"name":"b","type":"B"},{"name":"c","type":"n.B"}]})",
+     "B(x:Number) A(a:B b:B c:String)", "1 loss: 1 reference became text"},
     {"SeveralAtTheTop",
      R"([{"type":"record","name":"a","fields":[{"name":"x","type":"b"}]},{"type":"record","name":"b","fields":[{"name":"y","type":"int"}]}])",
      "b(y:Number) a(x:b)"},
@@ -241,6 +255,9 @@ const Rule kExamples[] = {
      "a(x:Number y:Number) x(a:a b:Number)", "2 losses: 2 keys given twice"},
     {"NodesOfNodes", R"({"n":{"v":1,"n":{"v":2,"n":{"w":1}}},"l":[{"l":[{"l":[],"k":"x"}]}]})",
      "t_l[l] n(v:Number n:n w:Number) l(l:t_l k:String) x(n:n l:t_l)"},
+    {"KeysAcrossTheEndOfTheBuffer",
+     times((1 << 18) - 3, " ") + R"({"key":1} )" + times((1 << 18) - 12, " ") + R"({"b":)" + times(1 << 18, " ") + "1}",
+     "x(key:Number b:Number)"},
     {"Empty", R"({"a":{},"b":[],"c":[[]]})", "t_c[String] t_b[String] t_t_c[t_c] x(a:String b:t_b c:t_t_c)"},
 };
 

@@ -25,8 +25,9 @@ const Rule kRules[] = {
     {"LeavesAreFieldsOfTheirKind",
      R"("a":{"type":"integer"},"b":{"type":"number"},"c":{"type":"string"},"d":{"type":"boolean"},"e":{"type":"null"},"f":{},
         "g":true,"h":false,"i":{"type":"string","format":"date-time"},"j":{"type":"string","format":"date"},
-        "k":{"type":"string","format":"time"},"l":{"type":"string","format":"uri"},"m":{"type":"integer","format":"date"})",
-     "r(a:Number b:Number c:String d:String e:String f:String g:String i:Time j:Time k:Time l:String m:Number)"},
+        "k":{"type":"string","format":"time"},"l":{"type":"string","format":"uri"},"m":{"type":"integer","format":"date"},"n":{"type":"boolean","format":"date"})",
+     "r(a:Number b:Number c:String d:String e:String f:String g:String i:Time j:Time k:Time l:String m:Number "
+     "n:String)"},
     {"NullIsNoKind",
      R"("a":{"type":["null","integer"]},"b":{"anyOf":[{"type":"null"},{"type":"string","format":"date"}]})",
      "r(a:Number b:Time)"},
@@ -43,8 +44,9 @@ const Rule kRules[] = {
         "d":{"type":"array","items":{"enum":["p"]}})",
      "d{p} t_c[String] t_a[Number] b(x:String) t_b[b] t_t_b[t_b] t_d[d] r(a:t_a b:t_t_b c:t_c d:t_d)"},
     {"ArraysOrLeavesInArrays",
-     R"("a":{"items":{"anyOf":[{"type":"string"},{"items":{"type":"string"}}]}},"b":{"anyOf":[{"type":"string"},{"items":{"type":"string"}}]})",
-     "t_a[String] r(a:t_a b:String)"},
+     R"("a":{"items":{"anyOf":[{"type":"string"},{"items":{"type":"string"}}]}},"b":{"anyOf":[{"type":"string"},{"items":{"type":"string"}}]},
+        "c":{"anyOf":[{"items":{"type":"string"}},{"anyOf":[{"type":"string"},{"items":{"type":"string"}}]}]})",
+     "t_a[String] r(a:t_a b:String c:String)"},
     {"ListsOfItems",
      R"("a":{"prefixItems":[{"type":"integer"},{"type":"number"}]},"b":{"items":[{"type":"string"},{"type":"number"}]},
         "c":{"items":[{"properties":{"x":{}}}],"additionalItems":{"properties":{"y":{}}}})",
@@ -69,10 +71,16 @@ const Rule kRules[] = {
      "i(y:String) A(x:Number) E{x} t_c[A] r(a:A b:A c:t_c d:E e:Number f:r g:String h:i i:i)"},
     {"NestedReferencesAndAnchors",
      R"({"$id":"http://x/r.json","title":"r","properties":{"a":{"$ref":"#named"},"b":{"$ref":"http://x/b.json"},
-        "c":{"$ref":"b.json#/$defs/C"},"d":{"$dynamicRef":"#d"}},
-        "$defs":{"A":{"$anchor":"named","type":"number"},"D":{"$dynamicAnchor":"d","type":"number"},
+        "c":{"$ref":"b.json#/$defs/C"},"d":{"$dynamicRef":"#d"},"e":{"$ref":"#/$defs/C"}},
+        "$defs":{"C":{"type":"string","format":"date"},"A":{"$anchor":"named","type":"number"},"D":{"$dynamicAnchor":"d","type":"number"},
         "B":{"$id":"b.json","properties":{"x":{"$ref":"#/$defs/C"}},"$defs":{"C":{"type":"number"}}}}})",
-     "B(x:Number) r(a:Number b:B c:Number d:Number)"},
+     "B(x:Number) r(a:Number b:B c:Number d:Number e:Time)"},
+    {"PointersFromTheRootInsideASchemaWithAnIdentifier",
+     R"({"title":"r","properties":{"b":{"$ref":"b.json"}},"$defs":{"B":{"$id":"b.json","properties":{"x":{"$ref":"#/$defs/C"}}},"C":{"type":"number"}}})",
+     "B(x:Number) r(b:B)"},
+    {"AListWithoutANameOfItsOwnIsCalledLikeItsFields",
+     R"("a":{"items":{"enum":["x"]}},"b":{"items":{"$ref":"#/properties/a/items"}})",
+     "b{x} a{x} t_a[a] t_b[b] r(a:t_a b:t_b)"},
     {"IdentifiersOfDraft4",
      R"({"$schema":"http://json-schema.org/draft-04/schema#","id":"http://x/r.json","title":"r","properties":{
         "a":{"$ref":"#named"},"b":{"$ref":"b.json"}},"definitions":{"A":{"id":"#named","type":"number"},
@@ -80,15 +88,16 @@ const Rule kRules[] = {
      "r(a:Number b:Number)"},
     {"IdentifiersInDataDontCount",
      R"({"$id":"http://x/r","title":"r","properties":{"b":{"const":{"$id":"http://x/R","properties":{"w":{}}}},"a":{"$ref":"http://x/R"},
-        "default":{"$id":"http://x/D","type":"number"},"c":{"$ref":"http://x/D"}},"$defs":{"R":{"$id":"http://x/R","type":"number"}}})",
-     "r(b:String a:Number default:Number c:Number)"},
+        "default":{"$id":"http://x/D","type":"number"},"c":{"$ref":"http://x/D"},"d":{"example":{"$id":"http://x/E"}},"e":{"$ref":"http://x/E"}},
+        "$defs":{"E":{"$id":"http://x/E","type":"number"},"R":{"$id":"http://x/R","type":"number"}}})",
+     "r(b:String a:Number default:Number c:Number d:String e:Number)"},
     {"IdentifiersBesideAReferenceDontCount",
      R"({"$schema":"http://json-schema.org/draft-07/schema#","$id":"http://x/a/","title":"r","properties":{"a":{"$id":"http://y/","$ref":"b.json"}},
         "definitions":{"b":{"$id":"http://x/a/b.json","type":"number"},"c":{"$id":"http://y/b.json","enum":["wrong"]}}})",
      "r(a:Number) c{wrong}"},
     {"Escapes",
-     R"({"title":"r","properties":{"a":{"$ref":"#/$defs/a~1b~0%25"},"\u0062\n":{"type":"number"}},"$defs":{"a/b~%":{"type":"number"}}})",
-     "r(a:Number b\n:Number)"},
+     R"({"title":"r","properties":{"a":{"$ref":"#/$defs/a~1b~0%25"},"\u0062\n\ud800\u0041":{"type":"number"}},"$defs":{"a/b~%":{"type":"number"}}})",
+     "r(a:Number b\n\uFFFDA:Number)"},
     {"SiblingsOfAReference",
      R"({"title":"r","properties":{"a":{)" A_REF R"(,"properties":{"y":{}}},"b":{)" A_REF
      R"(,"description":"d"}},"$defs":{)" A_RECORD "}}",
@@ -97,6 +106,11 @@ const Rule kRules[] = {
      R"({"$schema":"http://json-schema.org/draft-07/schema#","title":"r","properties":{"a":{)" A_REF
      R"(,"properties":{"y":{}}}},"$defs":{)" A_RECORD "}}",
      "A(x:Number) r(a:A)"},
+    {"SiblingsDontCountInDocumentsThatItRefersTo",
+     R"({"$schema":"http://json-schema.org/draft-06/schema#","title":"r","properties":{"a":{"$ref":"b.json"}}})",
+     "B(x:Number) r(a:B)",
+     {{"b.json",
+       R"({"title":"B","properties":{"x":{"$ref":"#/definitions/N","properties":{"no":{}}}},"definitions":{"N":{"type":"number"}}})"}}},
     {"OtherDocuments",
      R"("a":{"$ref":"B.json"},"b":{"$ref":"./none/../b.json#/definitions/C"},"c":{"$ref":"none.json"},"d":{"$ref":"http://x/y"},
         "e":{"$ref":"d.yaml#/D"},"f":{"$ref":"bad.json"})",
@@ -135,8 +149,8 @@ const Rule kRules[] = {
      "e:String f:t_f)"},
     {"Conditions",
      R"({"title":"r","if":{"properties":{"a":{"const":"x"}}},"then":{"properties":{"b":{}}},"else":{"properties":{"c":{}}},
-        "properties":{"a":{"enum":["x","y"]}},"dependentSchemas":{"a":{"properties":{"d":{}}}},"dependencies":{"a":["b"]}})",
-     "a{x|y} r(a:a b:String c:String d:String)"},
+        "properties":{"a":{"enum":["x","y"]},"z":{}},"dependentSchemas":{"a":{"properties":{"d":{}}}},"dependencies":{"a":["b"]}})",
+     "a{x|y} r(a:a z:String b:String c:String d:String)"},
     {"ConditionsOnItems",
      R"({"title":"r","properties":{"a":{"items":{"properties":{"x":{}}}},"b":{"type":"array"},"c":{"items":{"type":"string"}},
         "d":{"items":{"$ref":"#/$defs/D"}}},"then":{"properties":{"a":{"items":{"properties":{"y":{}}}},
@@ -182,6 +196,7 @@ const Rule kRules[] = {
      "# YAML\ntitle: r\nproperties:\n  a: &n {type: integer}\n  b: *n\n  c:\n    <<: *n\n    title: C\n  on: {enum: "
      "[yes, 'no']}\n",
      "on{yes|no} r(a:Number b:Number c:Number on:on)"},
+    {"AQuotedMergeIsAName", "# YAML\ntitle: r\nproperties:\n  '<<': {type: integer}\n", "r(<<:Number)"},
     {"YamlNumbers",
      "# YAML\ntitle: r\nproperties:\n  a: {enum: [1, -0.5, .5, 1., +1e3, 1E99999, 0x1F, .inf]}\n"
      "  b: {enum: [nan, 1_0, --1, 1e, .]}\n",
@@ -228,7 +243,7 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "d":{"properties":{"x":{"minLength":1,"default":"x"}},"additionalProperties":{"type":"string"}},
   "e":{"type":["string","integer"]},"f":{"type":"object"},"f":{"oneOf":[{"type":"number"},{"type":"null"}]},
   "g\\h":{"type":"string"},"h":{"allOf":[{"type":"string"},{"type":"integer","maximum":9}]},"i":false,
-  "j":{"oneOf":[{"properties":{"v":{"type":"string"}}},{"properties":{"v":{"type":"array"}}}]},
+  "j":{"oneOf":[{"properties":{"~/":{"type":"string"}}},{"properties":{"~/":{"type":"array"}}}]},
   "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]},
   "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}]}}})"),
               1);
@@ -241,7 +256,7 @@ x.json:2:68: reference to nothing that was read: bad.json#/x at #/properties/c
 x.json:3:7: further properties of any name: #/properties/d
 x.json:4:7: values of different kinds: #/properties/e
 x.json:5:60: values of different kinds: #/properties/h/allOf/1
-x.json:6:36: values of different kinds: #/properties/j/oneOf/0/properties/v
+x.json:6:37: values of different kinds: #/properties/j/oneOf/0/properties/~0~1
 
 25 details
 x.json:5:97: element that may not occur: i at #/properties/i
@@ -266,14 +281,15 @@ TEST_F(JsonSchema, DescribesByTitleOrFirstSentence)
 {
     EXPECT_EQ(importSchema(R"({"title":" The\n r ","description":"no","properties":{
         "a":{"description":"It is 1.5 long, e.g. so. No more."},"b":{"$ref":"#/$defs/B"},"c":{"title":"C","description":"no"},
-        "d":{"oneOf":[{"const":"x","title":"Of x"},{"const":"y"},{"const":"z","description":"Of z. No."}]}},"$defs":{"B":{"description":"Of B","type":"number"}}})"),
+        "d":{"oneOf":[{"const":"x","title":"Of x"},{"const":"y"},{"const":"z","description":"Of z. No."}]},"e":{"title":"E","const":"w"}},"$defs":{"B":{"description":"Of B","type":"number"}}})"),
               1);
     CString said;
     message.beginEnum();
     while (const Element* type = message.enumNext())
         for (const Element* child : type->queryChildren())
             said += child->queryDescription() + ";";
-    EXPECT_EQ(said, "Of x;y (Automatically created);Of z.;It is 1.5 long, e.g. so.;Of B;C;d (Automatically created);");
+    EXPECT_EQ(said, "w (Automatically created);Of x;y (Automatically created);Of z.;It is 1.5 long, e.g. so.;Of B;C;d "
+                    "(Automatically created);E;");
     EXPECT_EQ(message.queryMainTypeName(), "The_r");
 }
 

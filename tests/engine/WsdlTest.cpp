@@ -87,6 +87,10 @@ const Row kRows[] = {
                 "urn:w") +
           MESSAGE("M", PART("p", "element='v:M' xmlns:v='urn:w'") PART("q", "type='s:int'"))),
      "M_2(x:String) M(M:M_2 q:Number)"},
+    {"PrefixesEndWithTheirElement",
+     wsdl(types(ELEMENT("a", "<s:element name='x'/>")) + MESSAGE("M", PART("p", "element='v:a' xmlns:v='urn:t'"))
+                                                             MESSAGE("N", PART("p", "element='v:a'"))),
+     "a(x:String)", "1 loss: 1 reference became text"},
     {"TwoMessagesOfOneName", wsdl(MESSAGE("M", PART("p", "type='s:int'")) MESSAGE("M", PART("q", "type='s:int'"))),
      "M(p:Number)", "1 loss: 1 second declaration"},
     {"MessagesWithoutAValidName",
