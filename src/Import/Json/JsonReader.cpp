@@ -6,9 +6,7 @@
 #include <charconv>
 #include <memory>
 #include <new>
-#include <optional>
 #include <system_error>
-#include <utility>
 #include <yaml.h>
 
 namespace {
@@ -97,12 +95,12 @@ public:
     }
 
 private:
-    // An open mapping; its scalars alternate between keys and values.
-    struct Mapping
+    // What comes next in an open sequence or mapping.
+    enum class Next : std::uint8_t
     {
-        bool isKeyNext = true;
-        std::vector<Index> merged; // the members "<<", whose mappings are merged in
-        bool isMergeNext = false;
+        item,
+        key,
+        value
     };
 
     [[noreturn]] void fail(const CString& reason, const yaml_mark_t& mark)
@@ -153,7 +151,7 @@ private:
         return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
     }
 
-    bool isKey() const { return !open.empty() && open.back() && open.back()->isKeyNext; }
+    bool isKey() const { return !open.empty() && open.back() == Next::key; }
 
     void take(const yaml_event_t& event)
     {
@@ -176,8 +174,6 @@ private:
             break;
         case YAML_MAPPING_END_EVENT:
         case YAML_SEQUENCE_END_EVENT:
-            if (open.back() && !open.back()->merged.empty())
-                merge(open.back()->merged);
             builder.end();
             open.pop_back();
             break;
@@ -188,25 +184,9 @@ private:
 
     Index add(JsonNode::Kind kind, std::string_view value, const yaml_mark_t& mark)
     {
-        const Index made = builder.add(kind, value, static_cast<std::uint32_t>(mark.line + 1), columnOf(mark));
-        if (!open.empty() && open.back()) {
-            Mapping& mapping = *open.back();
-            mapping.isKeyNext = true;
-            if (std::exchange(mapping.isMergeNext, false))
-                mapping.merged.push_back(made);
-        }
-        return made;
-    }
-
-    // Merges the value of the last "<<": a mapping or a list of mappings (https://yaml.org/type/merge.html).
-    void merge(const std::vector<Index>& members)
-    {
-        builder.drop(members);
-        const Index source = tree.target(members.back());
-        if (!tree.is(source, JsonNode::array))
-            return builder.merge(source);
-        for (const Index at : tree.childrenOf(source))
-            builder.merge(tree.target(at));
+        if (!open.empty() && open.back() == Next::value)
+            open.back() = Next::key;
+        return builder.add(kind, value, static_cast<std::uint32_t>(mark.line + 1), columnOf(mark));
     }
 
     void takeScalar(const yaml_event_t& event)
@@ -214,9 +194,8 @@ private:
         const auto& scalar = event.data.scalar;
         const std::string_view text(reinterpret_cast<const char*>(scalar.value), scalar.length);
         if (isKey()) {
-            builder.key(text);
-            open.back()->isKeyNext = false;
-            open.back()->isMergeNext = text == "<<" && scalar.style == YAML_PLAIN_SCALAR_STYLE;
+            builder.key(text, text == "<<" && scalar.style == YAML_PLAIN_SCALAR_STYLE);
+            open.back() = Next::value;
             return;
         }
         const std::string_view tag = textOf(scalar.tag);
@@ -244,7 +223,7 @@ private:
             fail("more than " + std::to_string(JsonScanner::kMaxDepth) + " levels of nesting, which is the limit",
                  mark);
         keepAnchor(anchor, add(kind, {}, mark));
-        open.push_back(kind == JsonNode::object ? std::optional(Mapping()) : std::nullopt);
+        open.push_back(kind == JsonNode::object ? Next::key : Next::item);
     }
 
     void keepAnchor(std::string_view anchor, Index node)
@@ -259,7 +238,7 @@ private:
     std::size_t line = 0, lineOffset = 0;   // that the cursor is in
     JsonBuilder& builder;
     JsonTree& tree;
-    std::vector<std::optional<Mapping>> open; // empty for a sequence
+    std::vector<Next> open;
     std::unordered_map<NameTable::Id, Index> anchors;
 };
 

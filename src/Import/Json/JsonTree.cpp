@@ -129,16 +129,22 @@ JsonNode::Index JsonBuilder::add(JsonNode::Kind kind, std::string_view text, std
     if (tree.size() > kMaxNodes)
         types.refuse(std::to_string(kMaxNodes) + " values");
     Level* const level = open.empty() ? nullptr : &open.back();
-    const Index made = tree.add(kind, level ? level->node : 0, level ? level->last : 0, JsonWord::none, 0);
+    const bool isMerged = std::exchange(isNextMerged, false);
+    const bool isMember = level && !isMerged;
+    const Index made = tree.add(kind, isMember ? level->node : 0, isMember ? level->last : 0, JsonWord::none, 0);
     JsonNode& node = tree[made];
     node.key = std::exchange(nextKey, 0);
     node.text = text.empty() ? 0 : tree.names.intern(text);
     node.document = document;
     node.line = line;
     node.column = column;
-    if (level) {
+    if (isMember) {
         level->last = made;
         ++level->count;
+    } else if (isMerged) {
+        node.parent = level->node;
+        if (const Index other = std::exchange(level->merged, made); other != 0)
+            report.add(SourceReport::keyTwice, tree.placeOf(other), tree.key(other));
     }
     if (first == 0)
         first = made;
@@ -147,8 +153,7 @@ JsonNode::Index JsonBuilder::add(JsonNode::Kind kind, std::string_view text, std
     return made;
 }
 
-// Adds merged members before the mapping's own keys. Of duplicate keys the last one stays, so own keys take precedence;
-// among several sources the earlier one does.
+// Adds aliases of the members of a merged mapping, except for keys that the open object has.
 void JsonBuilder::merge(Index source)
 {
     if (!tree.is(source, JsonNode::object))
@@ -177,28 +182,13 @@ void JsonBuilder::countMerged()
                      " more for each value of the document");
 }
 
-void JsonBuilder::drop(std::span<const Index> members)
-{
-    for (const Index duplicate : members.first(members.size() - 1))
-        report.add(SourceReport::keyTwice, tree.placeOf(duplicate), tree.key(duplicate));
-    Level& level = open.back();
-    level.last = 0;
-    auto dropped = members.begin();
-    for (Index at = std::exchange(tree[level.node].firstChild, 0); at != 0;) {
-        const Index next = std::exchange(tree[at].next, 0);
-        if (dropped != members.end() && *dropped == at) {
-            ++dropped;
-            --level.count;
-        } else {
-            (level.last == 0 ? tree[level.node].firstChild : tree[level.last].next) = at;
-            level.last = at;
-        }
-        at = next;
-    }
-}
-
 void JsonBuilder::end()
 {
+    if (const Index source = tree.target(open.back().merged); tree.is(source, JsonNode::array))
+        for (const Index at : tree.childrenOf(source))
+            merge(tree.target(at));
+    else if (source != 0)
+        merge(source);
     const Level level = open.back();
     open.pop_back();
     if (tree[level.node].kind == JsonNode::object && level.count > 1)

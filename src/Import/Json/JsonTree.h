@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <initializer_list>
 #include <iterator>
-#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -190,18 +189,18 @@ public:
         tree(tree), types(types), report(report), document(document)
     {}
 
-    /// Sets the key of the next value.
-    void key(std::string_view text) { nextKey = tree.names.intern(text); }
+    /// Sets the key of the next value. With `isMerge` its members are added to the open object at its end, instead of
+    /// itself, except for keys that the object has; it is a mapping or a list of mappings
+    /// (https://yaml.org/type/merge.html).
+    void key(std::string_view text, bool isMerge = false)
+    {
+        nextKey = tree.names.intern(text);
+        isNextMerged = isMerge;
+    }
 
     /// Adds a value and returns it. An array or object stays open until end().
     Index add(JsonNode::Kind kind, std::string_view text, std::uint32_t line, std::uint32_t column);
     void end();
-
-    /// Removes members of one key from the open object. All but the last are reported as duplicates.
-    void drop(std::span<const Index> members);
-
-    /// Adds aliases of the members of `source` to the open object, except for keys that it has.
-    void merge(Index source);
 
     /// Returns whether a node is an array or object that is still open.
     bool isOpen(Index node) const;
@@ -215,8 +214,10 @@ private:
         Index node;
         Index last = 0;
         std::size_t count = 0;
+        Index merged = 0; // the value of the last merge key
     };
 
+    void merge(Index source);
     void dropDuplicates(const Level& level);
     void countMerged();
 
@@ -226,6 +227,7 @@ private:
     const std::uint32_t document;
     std::vector<Level> open;
     NameTable::Id nextKey = 0;
+    bool isNextMerged = false;
     Index first = 0;
     std::size_t values = 0; // added by the reader
     std::size_t merged = 0; // members visited by merges, over the whole document
