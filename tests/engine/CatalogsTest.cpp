@@ -52,9 +52,12 @@ const Row kRows[] = {
     {"AUriAsASystemIdentifier", "<system systemId='http://a/c' uri='c'/>", "", "", "http://a/c", "c"},
     {"Base", "<group xml:base='d/x'><system xml:base='e/' systemId='s' uri='f'/></group>", "", "s", "", "d/e/f"},
     {"RemoteBase", "<system systemId='s' uri='f'/>", "", "s", "", "remote", "xml:base='http://a/'"},
+    {"ABaseInARemoteOne", "<group xml:base='d/'><system systemId='s' uri='f'/></group>", "", "s", "", "remote",
+     "xml:base='http://a/'"},
     {"RemoteTarget", "<system systemId='s' uri='http://a/f'/>", "", "s", "", "remote"},
     {"OtherNamespacesAreNotLookedAt", "<system xmlns='urn:o' systemId='s' uri='f'/>", "", "s", "", "none"},
     {"Next", "<nextCatalog catalog='next.xml'/><nextCatalog catalog='c.xml'/>", "", "n", "", "sub/n"},
+    {"TheNextInTheirOrder", "<nextCatalog catalog='next.xml'/><nextCatalog catalog='last.xml'/>", "", "n", "", "sub/n"},
     {"OwnEntriesGoBeforeTheNext", "<nextCatalog catalog='next.xml'/><system systemId='n' uri='own'/>", "", "n", "",
      "own"},
     {"ADelegateAloneIsAsked",
@@ -63,6 +66,8 @@ const Row kRows[] = {
     {"ADelegate", "<delegateSystem systemIdStartString='n' catalog='next.xml'/>", "", "n", "", "sub/n"},
     {"ADelegateOfPublicIdentifiers", "<delegatePublic publicIdStartString='-//' catalog='next.xml'/>", "-//N", "", "",
      "sub/p"},
+    {"ADelegateOfPublicIdentifiersWithoutASystemIdentifier",
+     "<delegatePublic publicIdStartString='-//' catalog='next.xml'/>", "-//N", "", "", "sub/p", "prefer='system'"},
     {"ADelegateOfPublicIdentifiersIsNotPreferred",
      "<delegatePublic publicIdStartString='-//' catalog='next.xml'/><nextCatalog catalog='next.xml'/>", "-//N", "n", "",
      "sub/n", "prefer='system'"},
@@ -77,6 +82,7 @@ TEST_P(CatalogRow, FindsAPath)
     const TempDir folder;
     folder.write("next.xml",
                  catalog("<system systemId='n' uri='n'/><public publicId='-//N' uri='p'/>", "xml:base='sub/'"));
+    folder.write("last.xml", catalog("<system systemId='n' uri='last'/>"));
     SourceReport report;
     Catalogs catalogs(report);
     catalogs.load(folder.write("c.xml", catalog(row.entries, row.attributes)));
