@@ -191,17 +191,17 @@ JsonNode::Index ApiMessages::headersOf(Index message)
     add(message);
     if (found.size() < 2)
         return found.empty() ? 0 : found.front();
-    const Index all = tree.add(JsonNode::object, 0, 0, JsonWord::none, found.back());
-    const Index parts = tree.add(JsonNode::array, all, 0, JsonWord::allOf, found.back());
-    Index last = 0;
+    std::vector<Index> parts;
     for (const Index headers : found) {
         CString format;
         const Index schema = withoutFormat(headers, format);
         if (languageOf(format) == Language::jsonSchema)
-            last = tree.addAlias(parts, last, JsonWord::none, schema);
+            parts.push_back(schema);
         else
             documents.note(SourceReport::moduleUnreadable, schema, format);
     }
+    const Index all = tree.add(JsonNode::object, 0, 0, JsonWord::none, found.back());
+    tree.addList(all, JsonWord::allOf, parts, found.back());
     return all;
 }
 

@@ -127,11 +127,7 @@ JsonNode::Index JsonContents::choiceOf(const std::vector<Index>& schemas)
 {
     if (schemas.size() < 2)
         return schemas.empty() ? 0 : schemas.front();
-    const Index choice = tree.add(JsonNode::array, 0, 0, JsonWord::none, schemas.front());
-    Index last = 0;
-    for (const Index schema : schemas)
-        last = tree.addAlias(choice, last, JsonWord::none, schema);
-    return choice;
+    return tree.addList(0, JsonWord::none, schemas, schemas.front());
 }
 
 // Stores the content of the last frame. If a single other schema provides all of it, its type is used, unless this

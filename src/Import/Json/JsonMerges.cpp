@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <unordered_set>
-#include <utility>
 
 namespace {
 
@@ -104,19 +103,19 @@ JsonNode::Index JsonContents::makeMerged(const Merged& merged)
         types.refuse(std::to_string(kFreeMade) + " combinations of schemas and " + std::to_string(kMadePerValue) +
                      " more for each value of the source");
     made += merged.members.size() + 2;
-    const Index place = merged.members.front();
-    const Index schema =
-        tree.add(merged.how == either ? JsonNode::array : JsonNode::object, 0, 0, JsonWord::none, place);
-    known->second = schema;
-    Index holder = schema, last = 0;
-    if (merged.how != either)
-        holder = tree.add(JsonNode::array, schema, 0, JsonWord::allOf, place);
-    for (const Index member : merged.members) {
-        const bool isCondition = merged.how == maybe && last != 0;
-        if (isCondition && holder != schema)
-            last = std::exchange(holder, schema);
-        last = tree.addAlias(holder, last, isCondition ? JsonWord::then : JsonWord::none, member);
+    const std::span all(merged.members);
+    const Index place = all.front();
+    const std::size_t certain = merged.how == maybe ? 1 : all.size(); // of them; the others are conditions
+    Index schema = 0;
+    if (merged.how == either) {
+        schema = tree.addList(0, JsonWord::none, all, place);
+    } else {
+        schema = tree.add(JsonNode::object, 0, 0, JsonWord::none, place);
+        Index last = tree.addList(schema, JsonWord::allOf, all.first(certain), place);
+        for (const Index condition : all.subspan(certain))
+            last = tree.addAlias(schema, last, JsonWord::then, condition);
     }
+    known->second = schema;
     mergeInputs.emplace(schema, merged);
     return schema;
 }

@@ -92,6 +92,15 @@ JsonNode::Index JsonTree::addAlias(Index parent, Index last, JsonWord key, Index
     return alias;
 }
 
+JsonNode::Index JsonTree::addList(Index parent, JsonWord key, std::span<const Index> members, Index place)
+{
+    const Index list = add(JsonNode::array, parent, 0, key, place);
+    Index last = 0;
+    for (const Index member : members)
+        last = addAlias(list, last, JsonWord::none, member);
+    return list;
+}
+
 void JsonTree::index(Index object)
 {
     nodes[object].isLarge = true;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <iterator>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -159,6 +160,9 @@ public:
 
     /// The same for an alias of the node `other`, at its place.
     Index addAlias(Index parent, Index last, JsonWord key, Index other);
+
+    /// Adds an array of aliases of `members`, as the first child of `parent`, or by itself if that is 0.
+    Index addList(Index parent, JsonWord key, std::span<const Index> members, Index place);
 
     /// Returns the JSON pointer of a node (RFC 6901) as a URI fragment, with "#" in front.
     CString pointerTo(Index node) const;
