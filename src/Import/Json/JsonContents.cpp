@@ -42,17 +42,8 @@ bool JsonContents::isDeclared(Index schema) const
     const Index parent = tree[schema].parent;
     if (parent == 0)
         return documents.rootOf(schema) == schema;
-    return tree.is(parent, JsonNode::object) && holdsNames(parent) &&
+    return tree.is(parent, JsonNode::object) && tree[parent].place == JsonNode::names &&
            isOneOf(tree.keyOf(parent), {JsonWord::defs, JsonWord::definitions, JsonWord::schemas});
-}
-
-bool JsonContents::holdsNames(Index object) const
-{
-    // In "properties" a member called "properties" is a schema, whose "properties" hold names again, and so on.
-    bool holds = false;
-    for (; holdsNamedSchemas(tree.keyOf(object)); object = tree[object].parent)
-        holds = !holds;
-    return holds;
 }
 
 void JsonContents::step(std::size_t count)

@@ -81,9 +81,6 @@ public:
     /// Returns the target of a schema that is only a reference, apart from remarks; else the schema itself.
     Index baseOf(Index schema);
 
-    /// Returns whether the keys of an object are names of properties, patterns or definitions, and no keywords.
-    bool holdsNames(Index object) const;
-
 private:
     // How a part combines with the content so far.
     enum How : std::uint8_t

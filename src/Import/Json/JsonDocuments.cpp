@@ -51,23 +51,17 @@ CString resolveUri(std::string_view base, std::string_view reference)
     return resolved;
 }
 
-// Where a value stands.
-enum Place : std::uint8_t
-{
-    statement, // is a schema, or part of one
-    names,     // has names as its keys
-    data
-};
-
 // Returns the place of a member by the place of its object.
-Place placeUnder(Place place, JsonWord key)
+JsonNode::Place placeUnder(JsonNode::Place place, JsonWord key)
 {
-    if (place != statement)
-        return place == names ? statement : data;
     using enum JsonWord;
+    if (place != JsonNode::statement)
+        return place == JsonNode::names ? JsonNode::statement : JsonNode::data;
     if (isOneOf(key, {constWord, enumWord, defaultWord, example, examples}))
-        return data;
-    return holdsNamedSchemas(key) || key == responses ? names : statement;
+        return JsonNode::data;
+    const bool hasNames = isOneOf(
+        key, {properties, patternProperties, defs, definitions, dependentSchemas, dependencies, schemas, responses});
+    return hasNames ? JsonNode::names : JsonNode::statement;
 }
 
 } // namespace
@@ -127,15 +121,13 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
 void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
 {
     std::vector<Index> identified;
-    std::vector<Place> places(tree.size() - first, statement);
     for (Index at = first; at < tree.size(); ++at) {
-        const JsonNode& node = tree[at];
+        JsonNode& node = tree[at];
         if (node.parent == 0)
             continue;
-        const bool isMember = tree.is(node.parent, JsonNode::object);
-        places[at - first] =
-            isMember ? placeUnder(places[node.parent - first], tree.keyOf(at)) : places[node.parent - first];
-        if (node.kind != JsonNode::string || places[node.parent - first] != statement)
+        const JsonNode::Place around = tree[node.parent].place;
+        node.place = tree.is(node.parent, JsonNode::object) ? placeUnder(around, tree.keyOf(at)) : around;
+        if (node.kind != JsonNode::string || around != JsonNode::statement)
             continue;
         const JsonWord key = tree.keyOf(at);
         const bool isIdentifier = isOneOf(key, {JsonWord::dollarId, JsonWord::anchor, JsonWord::dynamicAnchor}) ||

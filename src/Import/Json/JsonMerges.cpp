@@ -28,7 +28,7 @@ JsonNode::Index JsonContents::referenced(Index child)
     if (tree.find(target, JsonWord::schemaFormat, JsonNode::string) != 0)
         if (const Index schema = tree.find(target, JsonWord::schema); schema != 0)
             return schema;
-    if (!holdsNames(target) || tree.find(target, JsonWord::type, JsonNode::string) != 0)
+    if (tree[target].place != JsonNode::names || tree.find(target, JsonWord::type, JsonNode::string) != 0)
         return target;
     documents.note(SourceReport::unresolvedReference, child, tree.names[reference]);
     return 0;

@@ -55,14 +55,6 @@ constexpr bool isOneOf(JsonWord word, std::initializer_list<JsonWord> words)
     return std::ranges::find(words, word) != words.end();
 }
 
-/// Returns whether the members of a schema's keyword are schemas by name.
-constexpr bool holdsNamedSchemas(JsonWord keyword)
-{
-    using enum JsonWord;
-    return isOneOf(keyword,
-                   {properties, patternProperties, defs, definitions, dependentSchemas, dependencies, schemas});
-}
-
 /// A value of a document. Values are identified by their index; 0 is none.
 struct JsonNode
 {
@@ -80,7 +72,16 @@ struct JsonNode
         alias ///< refers to the node `firstChild`
     };
 
+    /// Where a value stands.
+    enum Place : std::uint8_t
+    {
+        statement, ///< is a schema, or part of one
+        names,     ///< has names as its keys, of properties, patterns or definitions
+        data
+    };
+
     Kind kind = none;
+    Place place = statement;
     bool isLarge = false;    ///< an object whose members are in a hash table
     bool isResource = false; ///< a schema with its own identifier
     Index parent = 0;        ///< 0 for a root, and for nodes that a reader has made

@@ -108,8 +108,8 @@ std::string_view JsonTypes::nameOf(Index schema, std::string_view name)
     const Index parent = tree[schema].parent;
     if (!own.empty() || !tree.is(parent, JsonNode::object))
         return own.empty() ? name : own;
-    const bool isKeyName =
-        contents.holdsNames(parent) ? tree.keyOf(parent) == JsonWord::properties : tree.keyOf(schema) == JsonWord::none;
+    const bool isKeyName = tree[parent].place == JsonNode::names ? tree.keyOf(parent) == JsonWord::properties
+                                                                 : tree.keyOf(schema) == JsonWord::none;
     return isKeyName ? toModelName(tree.key(schema), schema) : name;
 }
 
