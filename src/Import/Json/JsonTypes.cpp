@@ -163,10 +163,10 @@ void JsonTypes::readFields(const Pending& record)
         fields.push_back(record.content.items == 0 ? SourceTypes::Field{"value"}
                                                    : fieldOf("value", record.content.items, record.record));
     } else {
-        const auto content = contents.fieldsOf(record.content);
-        copiedFields.assign(content.begin(), content.end());
-        for (const JsonField& field : copiedFields) {
+        for (std::uint32_t i = 0; i < record.content.count; ++i) {
             cancelPoint.pass();
+            // Copied, because working out its schema moves the fields.
+            const JsonField field = contents.fieldsOf(record.content)[i];
             std::string_view& name = keptNames[field.name];
             if (name.empty())
                 name = toModelName(tree.names[field.name], field.schema);

@@ -109,7 +109,6 @@ private:
     Index source = 0;
     std::vector<Pending> pending;
     std::size_t finished = 0; // of these
-    std::vector<JsonField> copiedFields;
     std::vector<SourceTypes::Field> fields;
     CancelPoint cancelPoint{4096};
 };
