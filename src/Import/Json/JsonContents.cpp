@@ -95,7 +95,7 @@ void JsonContents::readDropped()
 void JsonContents::enter(Index schema)
 {
     step();
-    if (!inProgress.emplace(schema, true).second) {
+    if (!inProgress.insert(schema).second) {
         const SourcePlace place = tree.placeOf(schema);
         const CString words = tree.pointerTo(schema) + " refers to itself without an object in between";
         frames.clear();

@@ -194,7 +194,7 @@ private:
     const SourceTypes& types;
     SourceReport& report;
     std::unordered_map<Index, JsonContent> contents;
-    std::unordered_map<Index, bool> inProgress; // schemas in progress; meeting one again is a cycle
+    std::unordered_set<Index> inProgress; // schemas in progress; meeting one again is a cycle
     std::vector<JsonField> fields;
     std::vector<JsonConstant> constants;
     std::unordered_map<Index, Merged> mergeInputs;
