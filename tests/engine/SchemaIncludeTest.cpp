@@ -168,6 +168,15 @@ TEST_F(SchemaInclude, FaultOfAnIncludedDocumentHasItsOwnPlace)
     }
 }
 
+// Types are pulled by the names that fields give, which those inside fields lack.
+TEST_F(SchemaInclude, TypeInsideAFieldOfAPulledTypeIsALoss)
+{
+    writeSchema(folder, "q.xsd", RECORD("Party", NESTED("f", FIELD("lost")) FIELD("name") NESTED("g", "")));
+    EXPECT_EQ(importSchema("a.xsd", INCLUDE("q.xsd") MAIN), 1);
+    EXPECT_EQ(modelOf(message), "Main{c:=Party} Party{f:String name:String g:String}");
+    EXPECT_EQ(message.queryReport().queryEntries(SourceReport::loss).size(), 1U);
+}
+
 TEST_F(SchemaInclude, TargetNamespaceKeepsTheIncludesOut)
 {
     writeSchema(folder, "p.xsd", PARTY("name"));

@@ -105,7 +105,8 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type,
                                                           std::string_view name, bool repeats)
 {
     if (type.empty() || type == kAnonymousType)
-        return {Element::typeRow};
+        return isLeftBehind(name) ? Meaning{Element::typeRow, {}, SourceReport::declarationSkipped, name}
+                                  : Meaning{Element::typeRow};
     if (SchemaTable::isBuiltIn(type))
         return meaningOfBuiltIn(type, repeats);
     if (known && !repeats)
@@ -119,6 +120,15 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type,
     const bool isDeclared = kind != SchemaKinds::unknown || type == table.queryRootTypeName() ||
                             table.findAny(Fingerprint(type.substr(type.find(':') + 1)));
     return {Element::typeString, {}, isDeclared ? SourceReport::typeUnknown : SourceReport::unresolvedReference, type};
+}
+
+// Returns whether a record is only in an included document. Types are pulled from there by the names that fields give,
+// so the types inside the fields of a pulled type stay behind.
+bool SchemaFieldCheck::isLeftBehind(std::string_view record) const
+{
+    const Fingerprint key(record);
+    const SchemaElement* const included = table.find(key) ? nullptr : table.findAny(key);
+    return included && included->queryChildren();
 }
 
 // The literal reading supports decimal and date. All other built-in types become text, as do all repeated fields.

@@ -69,6 +69,7 @@ private:
     Meaning meaningOfReference(const SchemaElement& declared, std::string_view name);
     Meaning meaningOfType(std::string_view type, const SchemaElement* known, std::string_view name, bool repeats);
     Meaning meaningOfBuiltIn(std::string_view type, bool repeats) const;
+    bool isLeftBehind(std::string_view record) const;
     bool isAsMeant(const Element& element, std::string_view name, const Meaning& meaning, std::string_view path) const;
 
     const SchemaTable& table;
