@@ -111,9 +111,14 @@ _typeforge_import()
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options %s" -- "$cur")
     elif [[ ! $word ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "$("$1" --importers | cut -f 1)" -- "$cur"; compgen -f -- "$cur")
+        _filedir
+        mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -W "$("$1" --importers | cut -f 1)" -- "$cur")
     elif [[ $word == odbc ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "$(odbcinst -q -s 2>/dev/null | sed -n 's/^\[\(.*\)\]$/\1/p')" -- "$cur")
+        # Not compgen -W: it splits names at blanks and runs the commands in them.
+        while IFS= read -r i; do
+            printf -v i %q "$i"
+            [[ $i == "$cur"* ]] && COMPREPLY+=("$i")
+        done < <(odbcinst -q -s 2>/dev/null | sed -n 's/^\[\(.*\)\]$/\1/p')
     else
         patterns=$("$1" --importers | awk -F '\t' -v word="$word" '$1 == word { print $2 }')
         patterns=${patterns//\*./} patterns=${patterns,,} patterns=${patterns//;/|}

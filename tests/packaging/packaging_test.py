@@ -2,6 +2,7 @@
 import os
 import re
 import subprocess
+import tempfile
 import unittest
 
 BUILD = os.environ["TYPEFORGE_BUILD"]
@@ -35,8 +36,12 @@ class Packaging(unittest.TestCase):
                   " words=(\"${COMP_WORDS[@]}\"); cword=$COMP_CWORD; }; _filedir() { COMPREPLY=(\"files $1\"); };"
                   " COMP_WORDS=(typeforge-import %s); COMP_CWORD=%d; _typeforge_import " + BUILD + "/typeforge-import;"
                   " echo \"${COMPREPLY[@]}\"")
-        for line, place, offered in [("x", 1, "xml xsd"), ("dtd ''", 2, "files @(dtd)"), ("xsd ", 2, "files @(xsd|xml)"),
-                                     ("dtd a --ov", 3, "--overwrite"), ("-l x", 2, "xml xsd"), ("-o a dtd ''", 4, "files @(dtd)"),
+        sources = tempfile.NamedTemporaryFile("w")
+        self.addCleanup(sources.close)
+        print("[Sales (EU)]\nDriver=SQLite3\n[Sa$(echo run)]\nDriver=SQLite3\n[Other]\nDriver=SQLite3", file=sources, flush=True)
+        script = "export ODBCINI=" + sources.name + "; " + script
+        for line, place, offered in [("x", 1, "files  xml xsd"), ("odbc Sa", 2, "Sales\\ \\(EU\\) Sa\\$\\(echo\\ run\\)"), ("dtd ''", 2, "files @(dtd)"), ("xsd ", 2, "files @(xsd|xml)"),
+                                     ("dtd a --ov", 3, "--overwrite"), ("-l x", 2, "files  xml xsd"), ("-o a dtd ''", 4, "files @(dtd)"),
                                      ("odbc --fu", 2, ""), ("odbc --tab", 2, "--table"),
                                      ("dtd a -o ''", 4, "files "), ("btd a --overwrite n", 4, "none")]:
             self.assertEqual((0, offered + "\n", ""), run("bash", "-c", script % (line, place)), line)
