@@ -131,18 +131,16 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
         return choose(overwrite, question, details, verbosity);
     };
     Output lines("");
-    FileCause cause = FileCause::none;
     const auto addLine = [&](const CString& line, ResultKind kind) {
         lines.write(shownText(line) + (options.isDryRun ? dryRunText(kind, overwrite) : "") + "\n");
-        cause = lines.commit();
+        lines.flush();
     };
     CreationRun run(session, {choice, addLine}, {source, true, options.isDryRun});
     const int errors = run.run(message);
     if (verbosity != Verbosity::quiet)
         reportOtherSources(run, source.name, keptExisting, options.isDryRun);
-    if (cause != FileCause::none)
-        reportWriteError("-", cause);
+    const bool isWritten = lines.finish();
     if (errors != 0 || keptExisting)
         return kNotCreated;
-    return cause == FileCause::none ? kDone : kNotWritten;
+    return isWritten ? kDone : kNotWritten;
 }

@@ -17,8 +17,14 @@ void Output::write(std::string_view bytes)
 {
     if (file)
         file->write(bytes);
-    else if (cause == FileCause::none && std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size())
-        cause = fileCauseOf(errno);
+    else if (error == 0 && std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size())
+        error = errno;
+}
+
+void Output::flush()
+{
+    if (!file && error == 0 && std::fflush(stdout) != 0)
+        error = errno;
 }
 
 void Output::keepUnchanged(off_t ignoredFrom, off_t ignoredCount)
@@ -32,24 +38,13 @@ bool Output::isTerminal() const
     return !file && ::isatty(STDOUT_FILENO) == 1;
 }
 
-FileCause Output::commit()
-{
-    if (file)
-        return file->commit();
-    if (cause == FileCause::none && std::fflush(stdout) != 0)
-        cause = fileCauseOf(errno);
-    return cause;
-}
-
 bool Output::finish()
 {
-    const FileCause end = commit();
-    if (end != FileCause::none)
-        reportWriteError(file ? fileName : "-", end);
-    return end == FileCause::none;
-}
-
-void reportWriteError(const CString& fileName, FileCause cause)
-{
-    report("can't write " + (fileName == "-" ? "standard output" : fileName) + ": " + inWords(fileName, cause));
+    flush();
+    const FileCause cause = file ? file->commit() : FileCause::none;
+    if (cause != FileCause::none)
+        report("can't write " + fileName + ": " + inWords(fileName, cause));
+    else if (error != 0)
+        report("can't write standard output: " + inWords(error));
+    return cause == FileCause::none && error == 0;
 }

@@ -15,23 +15,20 @@ public:
     /// Keeps a file unchanged if it already holds the bytes written; see AtomicFile::keepUnchanged().
     void keepUnchanged(off_t ignoredFrom = 0, off_t ignoredCount = 0);
 
-    /// Appends bytes. After a failure it does nothing; commit() returns the first failure.
+    /// Appends bytes. After a failure it does nothing; finish() reports the first failure.
     void write(std::string_view bytes);
+
+    /// Passes on at once what has been written to standard output.
+    void flush();
 
     /// Returns whether standard output is a terminal, read by people.
     bool isTerminal() const;
 
-    /// Ends the output. Returns `none` if all of it was written.
-    FileCause commit();
-
-    /// The same. Returns false on failure, which has been reported.
+    /// Ends the output. Returns false on failure, which has been reported.
     bool finish();
 
 private:
     CString fileName;
     std::unique_ptr<AtomicFile> file; // null for standard output
-    FileCause cause = FileCause::none;
+    int error = 0;                    // the errno value of the first failure of standard output
 };
-
-/// Reports that a file can't be written; "-" is standard output.
-void reportWriteError(const CString& fileName, FileCause cause);
