@@ -76,19 +76,29 @@ TEST_F(Dtd, GivesTypes)
     }
 }
 
-// Only the first record in which an element repeats has its table.
-const Case kRepetitions[] = {
+// Only the first record in which an element repeats has its table. Names share an element.
+const Case kLosses[] = {
     {"InTheFirstRecord", "<!ELEMENT x (a*, b, b)><!ELEMENT y (a, b)>", ""},
     {"InASecondRecord", "<!ELEMENT x (a*)>\n<!ELEMENT y (b,\n a+)>", "x:3:2: repetition skipped: a\n"},
     {"OfANameTwice", "<!ELEMENT x (a*)>\n<!ELEMENT y (a, a)>", "x:2:17: repetition skipped: a\n"},
     {"InOneRecordTwice", "<!ELEMENT x (a*, a*)>", ""},
     {"WithTheTablesNameTaken", "<!ELEMENT x (a*, t_a)>", "x:1:14: repetition skipped: a\n"},
+    {"OfAlternatives", "<!ELEMENT x (a |\n (a, b))>", "x:2:3: single field read as repeated: a\n"},
+    {"OfAlternativesInASecondRecord", "<!ELEMENT y (a, a)><!ELEMENT x (a | (a, b))>", ""},
+    {"BesideAlternatives", "<!ELEMENT x (a, (a | b))>", ""},
+    {"InTwoDeclarations", "<!ELEMENT x (a)><!ELEMENT x (a, b)>", "x:1:30: single field read as repeated: a\n"},
+    {"OfAnAttribute", "<!ELEMENT x (a)>\n<!ATTLIST x i CDATA #IMPLIED>\n<!ATTLIST x i CDATA #IMPLIED>",
+     "x:3:13: single field read as repeated: x_i\n"},
+    {"AttributeCalledLikeARecord", "<!ELEMENT x (b)><!ELEMENT x_i (a)>\n<!ATTLIST x i CDATA #IMPLIED>",
+     "x:2:13: name declared differently elsewhere: x_i\n"},
+    {"RecordCalledLikeAnAttribute", "<!ATTLIST x i CDATA #IMPLIED>\n<!ELEMENT x_i (a)><!ELEMENT x (a)>",
+     "x:1:13: name declared differently elsewhere: x_i\n"},
     {"InAnotherEncoding", "<!ELEMENT x (\xE4*)>\n<!ELEMENT y (\xE4, \xE4?)>", "x:2:17: repetition skipped: \u00E4\n"},
 };
 
-TEST_F(Dtd, TellsRepetitionsThatTheModelDrops)
+TEST_F(Dtd, TellsWhatTheModelDropsOrInvents)
 {
-    for (const Case& row : kRepetitions) {
+    for (const Case& row : kLosses) {
         import(row.in + "<!ELEMENT a EMPTY><!ELEMENT b EMPTY><!ELEMENT t_a EMPTY><!ELEMENT \xE4 EMPTY>");
         const CString report = reportOf(message, folder.path());
         const std::size_t start = report.find('\n') + 1;

@@ -3,7 +3,6 @@
 #include "Base/Progress.h"
 #include "Base/Utf8.h"
 #include "Import/Dtd/DTDNotes.h"
-#include "Model/RepeatedFields.h"
 #include "Resources/StringTable.h"
 
 #include <algorithm>
@@ -66,7 +65,8 @@ DTDElement::Child DTDElement::enumNext()
 
 DTDMessage::Text::Text(std::string_view whole) :
     whole(whole), elementKeyword(whole), attlistKeyword(whole), nameStart(whole), nameEnd(whole), firstInModel(whole),
-    afterTextKeyword(whole), groups(whole), meter(Work::reading, whole.size(), kStepsPerReport), places(whole)
+    afterTextKeyword(whole), groups(whole), repetitions(whole), meter(Work::reading, whole.size(), kStepsPerReport),
+    places(whole)
 {}
 
 int DTDMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
@@ -98,7 +98,6 @@ void DTDMessage::onCancelled()
 void DTDMessage::forget()
 {
     dtdElements.clear();
-    repeatedFields = {};
     memory.release();
 }
 
@@ -338,22 +337,29 @@ DTDElement& DTDMessage::addMarked(std::string_view piece, std::string_view mark,
 DTDElement& DTDMessage::addAttribute(std::string_view element, std::string_view attribute)
 {
     joined.assign(element).append("_").append(attribute);
-    if (DTDElement* known = dtdElements.find(joined))
-        return *known;
-    if (!isXmlText(joined))
-        joined = toXmlText(element) + "_" + toXmlText(attribute);
-    DTDElement& field = addDTDElement(memory.keep(joined), placeOf(attribute), nullptr);
-    field.isAttribute = true;
-    return field;
+    DTDElement* field = dtdElements.find(joined);
+    if (!field) {
+        if (!isXmlText(joined))
+            joined = toXmlText(element) + "_" + toXmlText(attribute);
+        field = &addDTDElement(memory.keep(joined), placeOf(attribute), nullptr);
+        field->isAttribute = true;
+    }
+    field->attributeAt = std::min(field->attributeAt, placeOf(attribute));
+    return *field;
 }
 
 void DTDMessage::declareAll(const CString& path)
 {
     beginWork(Work::arranging);
-    for (DTDElement* record : dtdElements)
-        if (record->beginEnum())
-            declareRecord(*record, path);
-    reportRepetitions();
+    for (DTDElement* record : dtdElements) {
+        if (!record->beginEnum())
+            continue;
+        declareRecord(*record, path);
+        if (record->attributeAt != kNowhere)
+            report.add(SourceReport::mergedByName, text->places.at(record->attributeAt),
+                       toXmlText(record->queryName()));
+    }
+    text->repetitions.reportAll(model, text->places, report);
 }
 
 void DTDMessage::declareRecord(DTDElement& record, const CString& path)
@@ -393,18 +399,11 @@ void DTDMessage::declareField(DTDElement::Child mention, const CString& path, Ru
         DTDElement* const unmarked = name.size() == child.queryName().size() ? &child : dtdElements.find(name);
         noteName(unmarked ? *unmarked : child, child, *child.element);
     }
-    if (mark == modStar || mark == modPlus)
+    const bool isMarked = mark == modStar || mark == modPlus;
+    if (isMarked)
         isFirst = addUsage();
     if (!isFirst)
-        repeatedFields.push_back({child.element, record, mention.place});
-}
-
-void DTDMessage::reportRepetitions()
-{
-    RepeatedFields repetitions(model);
-    for (const auto& [element, record, place] : repeatedFields)
-        if (repetitions.staysSingle(*element, *record))
-            report.add(SourceReport::repetitionSkipped, text->places.at(place), element->queryName());
+        text->repetitions.add(*child.element, *record, mention.place, isMarked);
 }
 
 // Reports a name that is not an XML name, or that no declaration belongs to: once, at the place that mentions it first.

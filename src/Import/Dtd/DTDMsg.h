@@ -2,7 +2,7 @@
 
 #include "Base/KeyedTable.h"
 #include "Base/Progress.h"
-#include "Import/Dtd/DTDText.h"
+#include "Import/Dtd/DTDRepetitions.h"
 #include "Import/MsgBase.h"
 
 #include <vector>
@@ -41,10 +41,11 @@ public:
     /// The model's element for the name without its marks; null until it is declared.
     Element* element = nullptr;
 
-    std::size_t place = 0;    ///< offset of its first mention in the text
-    bool isDeclared = false;  ///< by an ELEMENT statement
-    bool isAttribute = false; ///< the field of an attribute
-    bool isNoted = false;     ///< reported already
+    std::size_t place = 0;              ///< offset of its first mention in the text
+    bool isDeclared = false;            ///< by an ELEMENT statement
+    bool isAttribute = false;           ///< the field of an attribute
+    std::size_t attributeAt = kNowhere; ///< offset of the first attribute whose field it is
+    bool isNoted = false;               ///< reported already
 
 private:
     std::string_view name;
@@ -101,17 +102,11 @@ private:
         ForwardSearch<skipWhitespace> firstInModel;
         ForwardSearch<skipWhitespace> afterTextKeyword;
         DTDGroups groups;
+        DTDRepetitions repetitions;
         ProgressMeter meter;              // in bytes
         std::size_t lastClose = kNowhere; // the last ')' before closeSeen
         std::size_t closeSeen = 0;
         TextPlaces places;
-    };
-
-    struct RepeatedField
-    {
-        const Element* element;
-        const Element* record;
-        std::size_t place;
     };
 
     int scan();
@@ -140,7 +135,6 @@ private:
     void declareAll(const CString& path);
     void declareRecord(DTDElement& record, const CString& path);
     void declareField(DTDElement::Child mention, const CString& path, RunningHash usageKey, Element* record);
-    void reportRepetitions();
     int refuse(std::string_view statement, const CString& bound);
     SourceFault faultAt(std::size_t at, const CString& words);
     void noteName(DTDElement& entry, const DTDElement& mention, const Element& element);
@@ -151,7 +145,6 @@ private:
     CString mainType;     // the first element that this importer has read, over all its imports
     CString previousMain; // its value before the current import, restored if that is cancelled
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
-    std::vector<RepeatedField> repeatedFields;
     Arena memory; // holds the entries, and the names that the text doesn't contain as they are
     Text* text = nullptr;
     bool needsNoConversion = false; // so different names stay different in a document

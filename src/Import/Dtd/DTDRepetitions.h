@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Import/Dtd/DTDText.h"
+#include "Import/Full/ContentModel.h"
+#include "Model/RepeatedFields.h"
+
+#include <map>
+#include <unordered_set>
+#include <vector>
+
+/// Reports where the model and a DTD differ in what repeats. The literal reading takes each name that a record mentions
+/// again for a repeated one, although `(b, c) | (b, d)` has one b; and the model makes one table for each element.
+class DTDRepetitions
+{
+public:
+    explicit DTDRepetitions(std::string_view text) : text(text) {}
+
+    /// Adds a field that `record` mentions again at the offset `place`, or with a mark that repeats it.
+    void add(const Element& field, const Element& record, std::size_t place, bool isMarked)
+    {
+        fields.push_back({&field, &record, place, isMarked});
+    }
+
+    /// Reports the fields that repeat and stay single, and those that don't repeat and became tables.
+    void reportAll(const TypeModel& model, TextPlaces& places, SourceReport& report);
+
+private:
+    struct Field
+    {
+        const Element* element;
+        const Element* record;
+        std::size_t place;
+        bool isMarked;
+    };
+
+    struct Declaration
+    {
+        std::size_t end;
+        std::unordered_set<std::string_view> repeated; // its names that may occur more than once
+    };
+
+    bool mayRepeat(std::size_t place);
+    Declaration read(std::size_t start);
+
+    std::string_view text;
+    std::vector<Field> fields;
+    ContentModel content;
+    std::map<std::size_t, Declaration> declarations; // by start
+};
