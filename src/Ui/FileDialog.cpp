@@ -3,7 +3,6 @@
 #include "Ui/UiText.h"
 
 #include <QFileDialog>
-#include <QFileInfo>
 
 #include <algorithm>
 
@@ -81,16 +80,11 @@ CString chooseFolder(QWidget* owner, const CString& title, const CString& start)
 
 CString chooseFileToSave(QWidget* owner, const FileQuestion& question)
 {
-    QFileDialog dialog(owner, toUi(question.title));
+    QFileDialog dialog(owner, toUi(question.title), startOf(question));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setSupportedSchemes({"file"});
     dialog.setNameFilters(filterRows(question.filters));
-    const QString start = startOf(question);
-    if (QFileInfo(start).isDir())
-        dialog.setDirectory(start);
-    else
-        dialog.selectFile(start);
     const auto follow = [&] { followFileType(dialog, question.filters); };
     QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
     follow();

@@ -112,6 +112,21 @@ TEST(SourcePage, BrowsesFromTheFolderOfTheFile)
     }
 }
 
+TEST(OutputFilePage, BrowsesForTheBareNameIfItsFolderIsMissing)
+{
+    Desk desk;
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    desk.walkTo(IDD_OUTPUT_FILE);
+    desk.type(IDC_OUTPUT_FILE, "/no/such/x.xml");
+    QString suggested;
+    QTimer::singleShot(100, [&suggested] {
+        suggested = QApplication::activeModalWidget()->findChild<QLineEdit*>("fileNameEdit")->text();
+    });
+    answerFileDialog("");
+    desk.press(IDC_BROWSE);
+    EXPECT_EQ(suggested.toStdString(), "x.xml");
+}
+
 TEST(SourcePage, TakesAFileThatIsDroppedOnIt)
 {
     Desk desk;
