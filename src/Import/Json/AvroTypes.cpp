@@ -47,13 +47,6 @@ void AvroTypes::readDeclared(std::string_view name)
         shapeOf({at}, name, SourceTypes::kNone);
 }
 
-void AvroTypes::addAllCandidates()
-{
-    for (const auto& [schemas, type] : records)
-        if (schemas.size() == 1)
-            names.addCandidate({type, 0}, {}, tree.placeOf(schemas.front()));
-}
-
 void AvroTypes::addNamedTypes()
 {
     std::vector<Scoped> all;
@@ -101,7 +94,9 @@ void AvroTypes::readProtocol(Index protocol)
     }
     // A protocol without messages only declares types.
     if (tree[messages].firstChild == 0)
-        addAllCandidates();
+        for (const auto& [schemas, type] : records)
+            if (schemas.size() == 1)
+                names.addCandidate({type, 0}, {}, tree.placeOf(schemas.front()));
 }
 
 // Returns the type of a value with these alternatives; nothing if it holds bytes only, which have no type.

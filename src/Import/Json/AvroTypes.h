@@ -25,9 +25,6 @@ public:
     /// candidates; without messages, all types.
     void readProtocol(Index protocol);
 
-    /// Makes all records candidates.
-    void addAllCandidates();
-
     /// Makes all named types candidates, so that each may be requested by its full name.
     void addNamedTypes();
 
