@@ -80,13 +80,12 @@ void JsonSchemaMessage::readDocuments(std::span<Index> roots, JsonDocuments& doc
         const Index root = roots[source];
         if (root == 0) // the same file again
             continue;
-        const JsonTypes::Shape shape = schemas.shapeOf(root, schemas.nameOf(root));
-        // A document without a type of its own only holds definitions, which become the candidates instead.
-        const bool isPlain = shape == JsonTypes::Shape() && tree.find(root, JsonWord::type) == 0;
-        if (!isPlain)
+        // Without a type of its own, the definitions become the candidates instead.
+        const bool hasOwn = schemas.hasOwnType(root);
+        if (hasOwn)
             schemas.addCandidate(root, {});
         for (const JsonWord holder : {JsonWord::defs, JsonWord::definitions})
-            schemas.declareMembers(tree.find(root, holder), isPlain || !queryRoot().empty());
+            schemas.declareMembers(tree.find(root, holder), !hasOwn || !queryRoot().empty());
     }
     schemas.finish();
 }

@@ -244,14 +244,14 @@ void JsonTypes::addDeclared(Index root, std::string_view name)
         if (tree.is(schema, JsonNode::object) && isWanted(schema))
             addCandidate(schema, key);
     };
-    const bool isPlain = shapeOf(root, nameOf(root)) == Shape() && tree.find(root, JsonWord::type) == 0;
-    if (nameOf(root) == name && !isPlain)
+    const bool hasOwn = hasOwnType(root);
+    if (nameOf(root) == name && hasOwn)
         add(root, {});
     for (const Index holder : {tree.find(root, JsonWord::defs), tree.find(root, JsonWord::definitions),
                                tree.find(tree.find(root, JsonWord::components), JsonWord::schemas)})
         add(tree.find(holder, name), name);
     // A part of an API description may hold schemas directly, by name.
-    if (const Index schema = tree.find(root, name); isPlain && tree.keyOf(schema) == JsonWord::none)
+    if (const Index schema = tree.find(root, name); !hasOwn && tree.keyOf(schema) == JsonWord::none)
         add(schema, name);
 }
 
