@@ -291,6 +291,12 @@ TEST_F(JsonSchema, DescribesByTitleOrFirstSentence)
     EXPECT_EQ(said, "w (Automatically created);Of x;y (Automatically created);Of z.;It is 1.5 long, e.g. so.;Of B;C;d "
                     "(Automatically created);E;");
     EXPECT_EQ(message.queryMainTypeName(), "The_r");
+    message.setRoot("A");
+    EXPECT_EQ(importSchema(
+                  R"({"$defs":{"A":{"$ref":"#/$defs/B","title":"Of A"},"B":{"title":"Of B","properties":{"x":{}}}}})"),
+              1);
+    message.beginEnum();
+    EXPECT_EQ(message.enumNext()->queryDescription(), "Of A");
 }
 
 // Returns a mapping of YAML with many keys, and a list of mappings that it is merged into.

@@ -265,8 +265,12 @@ void JsonTypes::addCandidate(Index schema, std::string_view name)
     // The record of a schema that only refers to another has that one's name. It may be requested by this one, too.
     if (shape.type.kind == SourceTypes::kindRecord && shape.depth == 0 &&
         types.records[shape.type.index].name != called)
-        types.addCandidate(
-            {.name = called, .type = shape.type, .place = tree.placeOf(schema), .source = source, .isType = true});
+        types.addCandidate({.name = called,
+                            .type = shape.type,
+                            .place = tree.placeOf(schema),
+                            .source = source,
+                            .isType = true,
+                            .description = describe(schema)});
 }
 
 void JsonTypes::addBody(Index schema, const CString& name, bool hasValue)
