@@ -94,6 +94,11 @@ const Case kLosses[] = {
     {"RecordCalledLikeAnAttribute", "<!ATTLIST x i CDATA #IMPLIED>\n<!ELEMENT x_i (a)><!ELEMENT x (a)>",
      "x:1:13: name declared differently elsewhere: x_i\n"},
     {"InAnotherEncoding", "<!ELEMENT x (\xE4*)>\n<!ELEMENT y (\xE4, \xE4?)>", "x:2:17: repetition skipped: \u00E4\n"},
+    {"TextBesideElements", "<!ELEMENT x (#PCDATA|a)*>", "x:1:11: text beside fields skipped: x\n"},
+    {"TextBesideAnAttribute", "<!ELEMENT y (x)>\n<!ELEMENT x (#PCDATA)><!ATTLIST x k CDATA #IMPLIED>",
+     "x:2:11: text beside fields skipped: x\n"},
+    {"AnyBesideAnAttribute", "<!ELEMENT x ANY ><!ATTLIST x k CDATA #IMPLIED>",
+     "x:1:11: text beside fields skipped: x\n"},
 };
 
 TEST_F(Dtd, TellsWhatTheModelDropsOrInvents)

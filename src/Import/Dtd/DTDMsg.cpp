@@ -188,6 +188,9 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
         mainType = toXmlText(name);
     DTDElement& element = addPiece(name, nullptr);
     element.isDeclared = true;
+    const std::string_view content = kDtdBlank.trim(text->whole.substr(nameEnd, std::max(end - 1, nameEnd) - nameEnd));
+    if (content.find(kPcdata) != kNowhere || content.find(kCdata) != kNowhere || content == "ANY")
+        element.textAt = nameStart;
     const std::size_t group = text->groups.firstFrom(nameEnd);
     if (group == text->groups.size() || text->groups.openOf(group) >= end ||
         holdsTextOnly(text->groups.openOf(group), end))
@@ -368,6 +371,8 @@ void DTDMessage::declareRecord(DTDElement& record, const CString& path)
     Element* row = needsNoConversion ? model.addRecord(path, record.queryName()).element
                                      : model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
     noteName(record, record, *row);
+    if (record.textAt != kNowhere) // a record has no field for its text
+        report.add(SourceReport::textSkipped, text->places.at(record.textAt), row->queryName());
     key.append(".");
     for (DTDElement::Child child = record.enumNext(); child.element; child = record.enumNext())
         declareField(child, path, key, row);

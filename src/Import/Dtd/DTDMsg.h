@@ -45,6 +45,7 @@ public:
     bool isDeclared = false;            ///< by an ELEMENT statement
     bool isAttribute = false;           ///< the field of an attribute
     std::size_t attributeAt = kNowhere; ///< offset of the first attribute whose field it is
+    std::size_t textAt = kNowhere;      ///< offset of its declaration if that allows text
     bool isNoted = false;               ///< reported already
 
 private:

@@ -210,8 +210,6 @@ void DTDNotes::countDetails(std::string_view declaration)
         report.count(SourceReport::optionality, count('?') + count('*'));
         report.count(SourceReport::alternatives, has("|"));
         report.count(SourceReport::anyOrder, has("&"));
-        if (has("#PCDATA") && has("|"))
-            report.count(SourceReport::mixedContent);
         return;
     }
     report.count(SourceReport::optionality, has("#IMPLIED"));
