@@ -47,6 +47,9 @@ const Case kLosses[] = {
     {"WithTheTablesNameTaken", "<r><b/><b/><t_b/></r>", "1:8 b"},
     {"OfAnElementCalledLikeAnAttribute", "<r><x b='1'/><x_b/><x_b/></r>", "1:20 x_b"},
     {"AttributeCalledLikeARecord", "<r><x_b><c/></x_b>\n<x b='1'/></r>", "2:1 x_b"},
+    {"OfAChildCalledLikeTheRootsAttribute", "<r b='1'><b/><b/></r>", "1:14 b"},
+    {"InventedByAnAttributeOfItsOwnName", "<r><b>\n<b b='1'/></b></r>", "2:1 b"},
+    {"AttributeCalledLikeAChild", "<r><x b='1'/><y/><x><x_b/></x></r>", "1:21 x_b"},
     {"AttributeCalledLikeAnElement", "<r><x_b/><x b='1'/><x b='1'/></r>", ""},
 };
 

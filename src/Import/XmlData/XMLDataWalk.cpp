@@ -65,17 +65,24 @@ std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
 void XMLDataWalk::reportLosses(const TypeModel& model) const
 {
     for (const Pair& pair : pairs) {
-        if (!pair.item || (!pair.key.isAttribute && pair.repeated.line == 0))
+        if (!pair.item)
             continue;
         const CString& name = pair.item->name;
-        const Element& element = *model.findElement(name);
         if (pair.key.isAttribute) {
-            if (element.queryType() == Element::typeRow)
+            if (model.findElement(name)->queryType() == Element::typeRow)
                 report.add(SourceReport::mergedByName, pair.first, name);
-        } else if ((!isBody && pair.item->table != &pair) || element.queryIsAttribute() != 0 ||
-                   model.findElement("t_" + name)) {
-            report.add(SourceReport::repetitionSkipped, pair.repeated, name);
+            continue;
         }
+        if (pair.item->attributeOf && pair.item->attributeOf == pair.key.parent)
+            report.add(SourceReport::mergedByName, pair.first, name);
+        const bool isRepeated = pair.repeated.line != 0, isFirstTable = pair.item->table == &pair;
+        if (!isRepeated && (isBody || !isFirstTable))
+            continue;
+        const bool hasTable = (isBody || isFirstTable) && model.findElement(name)->queryIsAttribute() == 0 &&
+                              !model.findElement("t_" + name);
+        if (isRepeated != hasTable)
+            report.add(isRepeated ? SourceReport::repetitionSkipped : SourceReport::inventedRepetition,
+                       isRepeated ? pair.repeated : pair.first, name);
     }
 }
 
@@ -110,11 +117,13 @@ void XMLDataWalk::beginUsage(Pair& pair)
 
 void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
 {
+    if (usage.pair != &pair && usage.sharer != &pair)
+        usage.sharer = &pair;
+    else if (pair.repeated.line == 0)
+        pair.repeated = currentPlace();
     if (usage.repeats)
         return;
     usage.repeats = true;
-    if (usage.pair == &pair && pair.repeated.line == 0)
-        pair.repeated = currentPlace();
     Item& item = *usage.pair->item;
     if (usage.declaration != kNotKept)
         declarations[usage.declaration].repeats = true;
@@ -175,6 +184,8 @@ XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)
     const CString parentName = key.parent ? key.parent->name : CString();
     Item& item = itemNamed(key.isAttribute ? parentName + "_" + key.local : CString(key.local));
     const char* const separator = !isBody ? "." : key.isAttribute ? "@" : "/"; // '@' and '/' occur in no name
+    if (key.isAttribute)
+        item.attributeOf = key.parent;
     Usage& usage = usageOf(RunningHash(parentName).append(separator).append(key.local));
     const bool isKnown = isBody && usage.pair; // from an earlier document
     Pair& pair = isKnown

@@ -39,6 +39,7 @@ public:
         std::uint64_t firstOnce = kNever;     ///< moment of its first usage that occurred once
         std::uint64_t firstRepeated = kNever; ///< moment of its first usage that occurred more than once
         const Pair* table = nullptr;          ///< the pair of that usage
+        const Item* attributeOf = nullptr;    ///< the element whose attribute it is
     };
 
     /// The latest usage of a key, with the sequence number that completes the key, and the depth of its parent node.
@@ -55,6 +56,7 @@ public:
             depth = newDepth;
             declaration = kNotKept;
             repeats = false;
+            sharer = nullptr;
         }
 
         Fingerprint key; ///< without the sequence number
@@ -64,6 +66,7 @@ public:
         std::size_t depth = 0;
         std::size_t declaration = kNotKept;
         bool repeats = false;
+        const Pair* sharer = nullptr; ///< another pair that occurred under this key, which counts as a repetition
     };
 
     /// The name of a child element or an attribute under a parent; the parent is null for the root.
@@ -126,7 +129,7 @@ public:
     std::vector<Declaration> takeDeclarations();
 
     /// Reports what `model`, which holds the declarations, doesn't represent: elements that repeat and are single
-    /// fields, and attributes that share the element of a record.
+    /// fields, and attributes that share the element of a record or the field of a child.
     void reportLosses(const TypeModel& model) const;
 
 private:
