@@ -49,6 +49,8 @@ const Case kLosses[] = {
     {"AttributeCalledLikeARecord", "<r><x_b><c/></x_b>\n<x b='1'/></r>", "2:1 x_b"},
     {"OfAChildCalledLikeTheRootsAttribute", "<r b='1'><b/><b/></r>", "1:14 b"},
     {"InventedByAnAttributeOfItsOwnName", "<r><b>\n<b b='1'/></b></r>", "2:1 b"},
+    {"TextBesideAttributes", "<r>\n<a b='1'> 9</a>\n<a>8</a></r>", "2:1 a"},
+    {"TextBesideChildren", "<r><a>8</a>\n<a><![CDATA[9]]><b/></a></r>", "1:4 a"},
     {"AttributeCalledLikeAChild", "<r><x b='1'/><y/><x><x_b/></x></r>", "1:21 x_b"},
     {"AttributeCalledLikeAnElement", "<r><x_b/><x b='1'/><x b='1'/></r>", ""},
 };

@@ -64,6 +64,9 @@ std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
 // repeats first. An element called like the table prevents it, and so does an attribute that shares the element.
 void XMLDataWalk::reportLosses(const TypeModel& model) const
 {
+    for (const Item& item : items)
+        if (item.hasText && model.findElement(item.name)->queryType() == Element::typeRow)
+            report.add(SourceReport::textSkipped, item.first, item.name);
     for (const Pair& pair : pairs) {
         if (!pair.item)
             continue;
@@ -200,7 +203,7 @@ XMLDataWalk::Item& XMLDataWalk::itemNamed(CString name)
 {
     if (Item* const known = itemsByName.find(name))
         return *known;
-    Item& item = items.emplace_back(Item{std::move(name)});
+    Item& item = items.emplace_back(Item{.name = std::move(name), .first = currentPlace()});
     itemsByName.store(&item);
     return item;
 }

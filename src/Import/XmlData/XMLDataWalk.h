@@ -40,6 +40,8 @@ public:
         std::uint64_t firstRepeated = kNever; ///< moment of its first usage that occurred more than once
         const Pair* table = nullptr;          ///< the pair of that usage
         const Item* attributeOf = nullptr;    ///< the element whose attribute it is
+        SourcePlace first{};                  ///< where it first occurred
+        bool hasText = false;
     };
 
     /// The latest usage of a key, with the sequence number that completes the key, and the depth of its parent node.
@@ -120,7 +122,12 @@ public:
     void entityLeftOut(std::string_view name, XmlPlace place) override;
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
-    bool wantsText() const override { return false; }
+    void text(std::string_view text) override
+    {
+        if (Item* const item = open.back().item; item && !item->hasText)
+            item->hasText = !trimmed(text).empty();
+    }
+    void cdata(std::string_view data) override { text(data); }
 
     /// Returns the tag of the root with its prefix; of several documents the first by name.
     const CString& queryRootTag() const { return rootTag; }
@@ -128,8 +135,8 @@ public:
     /// Returns the declarations in the order of their moments. Call it once, at the end.
     std::vector<Declaration> takeDeclarations();
 
-    /// Reports what `model`, which holds the declarations, doesn't represent: elements that repeat and are single
-    /// fields, and attributes that share the element of a record or the field of a child.
+    /// Reports what `model`, which holds the declarations, doesn't represent: text of records, elements that repeat and
+    /// are single fields, and attributes that share the element of a record or the field of a child.
     void reportLosses(const TypeModel& model) const;
 
 private:
