@@ -283,11 +283,14 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return;
     if (kind == JsonContent::record && added.kind == JsonContent::map)
         return documents.note(SourceReport::furtherProperties, part);
-    // Of two enumerations the one that the other includes holds.
-    const std::span<const JsonConstant> known = frame.isBorrowed ? constantsOf(frame.content) : frame.constants;
-    if (kind == added.kind && known.size() < added.count && includes(constantsOf(added), known))
-        return;
-    if (kind != added.kind || !includes(known, constantsOf(added)))
+    bool isNarrower = false;
+    if (kind == added.kind) { // two enumerations: the one that the other includes holds
+        const std::span<const JsonConstant> known = frame.isBorrowed ? constantsOf(frame.content) : frame.constants;
+        if (known.size() < added.count && includes(constantsOf(added), known))
+            return;
+        isNarrower = includes(known, constantsOf(added));
+    }
+    if (!isNarrower)
         documents.note(kind == JsonContent::map ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
     if (kind != JsonContent::record && !(kind == JsonContent::map && added.kind != JsonContent::record))
         take(frame, added);
