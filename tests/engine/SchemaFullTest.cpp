@@ -365,7 +365,7 @@ TEST_F(SchemaFull, ReportsWhatIsNotCarriedOver)
   <element ref='t:none'/><group ref='t:g' maxOccurs='2'/><group ref='t:g'/><group ref='t:nog'/>
   <element name='a' type='t:A' maxOccurs='0'/><element name='b' type='t:A' default='x'/>
 </sequence><attribute name='b' type='t:L'/><attribute name='u' type='t:U'/><anyAttribute/></complexType><key name='k'/></element>
-<complexType name='A' abstract='true'><attribute name='x' type='t:X'/></complexType>
+<complexType name='A' abstract='true'><sequence><element name='y' type='anyType'/></sequence><attribute name='x' type='t:X'/></complexType>
 <group name='g'><choice><any/></choice></group>
 <element name='r'/><complexType name='Lost'><attribute name='x' type='Int'/></complexType>
 <simpleType name='L'><list itemType='t:U'/></simpleType>
@@ -374,13 +374,13 @@ TEST_F(SchemaFull, ReportsWhatIsNotCarriedOver)
 <complexType name='no name'/><complexType name='E'><complexContent><extension base='t:W'><sequence>
   <element name='a\b'/><element ref='t:1st'/></sequence><attribute name='e' type='t:no name'/></extension></complexContent></complexType>)";
     EXPECT_EQ(typesOfSchema(schema),
-              "E(e:String) Lost(x:String) A(x:String) r(value:String none:String b:A r_b:String u:String)");
+              "E(e:String) Lost(x:String) A(y:String x:String) r(value:String none:String b:A r_b:String u:String)");
     EXPECT_EQ(reportOf(message, folder.path()), R"(13 losses
 b.xsd:1:8: document not well-formed: Couldn't find end of Start Tag schema line 1 (named in x.xsd:1:157)
 x.xsd:1:121: module or document not there: none.xsd
 x.xsd:3:3: reference to nothing that was read: none
 x.xsd:3:76: missing group or base type: nog
-x.xsd:6:39: reference to nothing that was read: X
+x.xsd:6:94: reference to nothing that was read: X
 x.xsd:8:1: declared twice: r
 x.xsd:8:45: reference to nothing that was read: Int
 x.xsd:10:22: reference to nothing that was read: V
@@ -390,11 +390,12 @@ x.xsd:13:3: name that XML can't represent: a\b
 x.xsd:13:24: name that XML can't represent: 1st
 x.xsd:13:57: name that XML can't represent: no name
 
-15 details
+16 details
 x.xsd:2:32: mixed content (order of text lost): r
 x.xsd:4:3: element that may not occur: a
 x.xsd:5:76: any attribute: r
 x.xsd:6:1: abstract type: A
+x.xsd:6:49: content ANY: y
 x.xsd:7:25: any element: g
 x.xsd:9:1: list: L
 x.xsd:10:1: union of several kinds: U
@@ -407,6 +408,7 @@ x.xsd:2:32: name changed: b is r_b
 1 document not well-formed
 1 second declaration
 2 facets
+1 content ANY
 1 mixed content
 1 any element
 1 any attribute

@@ -194,6 +194,8 @@ bool SchemaTypes::resolve(Index declaration, Declared& out)
     if (isNamed) {
         const SchemaName name = tree.referenceOf(declaration);
         if (const auto builtIn = set.builtInKind(name)) {
+            if (tree.text(name.local) == "anyType")
+                set.note(SourceReport::anyContent, declaration);
             out.value = {true, *builtIn};
             return true;
         }
