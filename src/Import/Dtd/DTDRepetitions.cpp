@@ -38,8 +38,8 @@ bool DTDRepetitions::mayRepeat(std::size_t place)
 
 DTDRepetitions::Declaration DTDRepetitions::read(std::size_t start)
 {
-    Declaration made{std::min(text.find('>', start), text.size()), {}};
-    const std::string_view all = text.substr(0, made.end);
+    Declaration made{std::min(text.find('<', start + 1), text.size()), {}};
+    const std::string_view all = text.substr(0, std::min(text.find('>', start), made.end));
     std::size_t at = all.find(kKeyword, start);
     if (at == all.npos)
         return made;

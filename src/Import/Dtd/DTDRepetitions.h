@@ -35,7 +35,7 @@ private:
 
     struct Declaration
     {
-        std::size_t end;
+        std::size_t end;                               // at the next '<', because statements may run beyond their '>'
         std::unordered_set<std::string_view> repeated; // its names that may occur more than once
     };
 
