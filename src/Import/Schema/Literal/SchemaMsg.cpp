@@ -43,7 +43,7 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
     XmlDocument document;
     if (!readFile(source, report.addFile(source), document, outlines))
         return fail(document.queryParseError(), document.queryFault());
-    const SchemaOutline& main = outlines.front();
+    SchemaOutline& main = outlines.front();
     if (main.hasTargetNamespace())
         reportSkipped(main);
     else if (!fileName.empty())
@@ -101,13 +101,14 @@ void SchemaMessage::reportSkipped(const SchemaOutline& outline)
         report.add(SourceReport::declarationSkipped, location.place, location.text);
 }
 
-int SchemaMessage::doParse(const SchemaOutline& outline, const CString& source)
+int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
 {
     if (queryMainTypeName().empty())
         return fail(loadText(IDS_NO_ROOT), {source, "this document does not contain a root element"});
     beginWork(Work::arranging);
     table.readMain(outline);
     noteMain(outline);
+    outline.keepTextsOnly(); // the model takes its place
     const CString path = baseFolder + table.queryMainType() + "\\";
     const std::size_t count = countFields();
     knownTypes.clear();

@@ -58,7 +58,7 @@ private:
     void readIncluded(const CString& fileName, SchemaTable::Outlines& outlines);
     void reportSkipped(const SchemaOutline& outline);
     void noteMain(const SchemaOutline& outline);
-    int doParse(const SchemaOutline& outline, const CString& source);
+    int doParse(SchemaOutline& outline, const CString& source);
     std::size_t countFields() const;
     void declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check);
     TypeModel::Declared declareField(const Field& field, Element* record);
