@@ -77,61 +77,17 @@ constexpr TagWord kTags[] = {
 };
 static_assert(std::ranges::is_sorted(kTags, {}, &TagWord::word));
 
-struct AttributeWord
-{
-    std::string_view word;
-    Word attribute;
-};
-
-constexpr AttributeWord kAttributes[] = {
-    {"abstract", Word::abstract},
-    {"appliesToEmpty", Word::appliesToEmpty},
-    {"attributeFormDefault", Word::attributeFormDefault},
-    {"base", Word::base},
-    {"block", Word::block},
-    {"blockDefault", Word::blockDefault},
-    {"content", Word::content},
-    {"default", Word::defaultValue},
-    {"defaultAttributes", Word::defaultAttributes},
-    {"defaultAttributesApply", Word::defaultAttributesApply},
-    {"elementFormDefault", Word::elementFormDefault},
-    {"exact", Word::exact},
-    {"final", Word::final},
-    {"finalDefault", Word::finalDefault},
-    {"fixed", Word::fixed},
-    {"form", Word::form},
-    {"id", Word::id},
-    {"inheritable", Word::inheritable},
-    {"itemType", Word::itemType},
-    {"maxOccurs", Word::maxOccurs},
-    {"memberTypes", Word::memberTypes},
-    {"minOccurs", Word::minOccurs},
-    {"mixed", Word::mixed},
-    {"mode", Word::mode},
-    {"name", Word::name},
-    {"namespace", Word::nameSpace},
-    {"nillable", Word::nillable},
-    {"notNamespace", Word::notNamespace},
-    {"notQName", Word::notQName},
-    {"nullable", Word::nullable},
-    {"processContents", Word::processContents},
-    {"public", Word::publicId},
-    {"ref", Word::ref},
-    {"refer", Word::refer},
-    {"schemaLocation", Word::schemaLocation},
-    {"source", Word::source},
-    {"substitutionGroup", Word::substitutionGroup},
-    {"system", Word::systemId},
-    {"targetNamespace", Word::targetNamespace},
-    {"test", Word::test},
-    {"type", Word::type},
-    {"use", Word::use},
-    {"value", Word::value},
-    {"version", Word::version},
-    {"xpath", Word::xpath},
-    {"xpathDefaultNamespace", Word::xpathDefaultNamespace},
-};
-static_assert(std::ranges::is_sorted(kAttributes, {}, &AttributeWord::word));
+// The words of the attributes, in the order of SchemaAttribute, which is theirs.
+// clang-format off
+constexpr std::string_view kAttributes[] = {
+    "", "abstract", "appliesToEmpty", "attributeFormDefault", "base", "block", "blockDefault", "content", "default",
+    "defaultAttributes", "defaultAttributesApply", "elementFormDefault", "exact", "final", "finalDefault", "fixed",
+    "form", "id", "inheritable", "itemType", "maxOccurs", "memberTypes", "minOccurs", "mixed", "mode", "name",
+    "namespace", "nillable", "notNamespace", "notQName", "nullable", "processContents", "public", "ref", "refer",
+    "schemaLocation", "source", "substitutionGroup", "system", "targetNamespace", "test", "type", "use", "value",
+    "version", "xpath", "xpathDefaultNamespace"};
+// clang-format on
+static_assert(std::size(kAttributes) == static_cast<std::size_t>(Word::count) && std::ranges::is_sorted(kAttributes));
 
 // A set of tags or attributes, one bit each.
 template <class Of>
@@ -231,13 +187,6 @@ constexpr TagRule kRules[] = {
 static_assert(std::size(kRules) == static_cast<std::size_t>(Tag::count));
 static_assert(std::ranges::is_sorted(kRules, {}, &TagRule::tag));
 
-template <class Row, std::size_t N>
-const Row* find(const Row (&rows)[N], std::string_view word)
-{
-    const auto* const found = std::ranges::lower_bound(rows, word, {}, &Row::word);
-    return found != std::end(rows) && found->word == word ? found : nullptr;
-}
-
 } // namespace
 
 SchemaEdition schemaEditionOf(const char* uri)
@@ -265,12 +214,14 @@ constinit const SchemaGrammar::Rules SchemaGrammar::rules = makeRules();
 
 std::uint8_t SchemaGrammar::lookUpTag(const char* local)
 {
-    const TagWord* const found = find(kTags, local);
-    return static_cast<std::uint8_t>(found ? found->tag : SchemaTag::none);
+    const auto* const found = std::ranges::lower_bound(kTags, std::string_view(local), {}, &TagWord::word);
+    const bool isKnown = found != std::end(kTags) && found->word == local;
+    return static_cast<std::uint8_t>(isKnown ? found->tag : SchemaTag::none);
 }
 
 std::uint8_t SchemaGrammar::lookUpAttribute(const char* local)
 {
-    const AttributeWord* const found = find(kAttributes, local);
-    return static_cast<std::uint8_t>(found ? found->attribute : SchemaAttribute::unknown);
+    const auto* const found = std::ranges::lower_bound(kAttributes, std::string_view(local));
+    const bool isKnown = found != std::end(kAttributes) && *found == local;
+    return static_cast<std::uint8_t>(isKnown ? found - std::begin(kAttributes) : 0);
 }

@@ -50,7 +50,7 @@ enum class SchemaTag : std::uint8_t
     count
 };
 
-/// The attributes of statements, by name.
+/// The attributes of statements, in the order of their words.
 enum class SchemaAttribute : std::uint8_t
 {
     unknown,
@@ -61,9 +61,9 @@ enum class SchemaAttribute : std::uint8_t
     block,
     blockDefault,
     content,
+    defaultValue,
     defaultAttributes,
     defaultAttributesApply,
-    defaultValue,
     elementFormDefault,
     exact,
     final,
