@@ -119,14 +119,19 @@ TEST_P(SchemaBound, Holds)
 
 INSTANTIATE_TEST_SUITE_P(Rows, SchemaBound, testing::ValuesIn(kBounds), [](const auto& row) { return row.param.name; });
 
-TEST_F(SchemaFull, CutsArraysInsideEachOtherShort)
+TEST_F(SchemaFull, ReportsTheTypeOfAnArrayThatItCantRead)
 {
-    typesOfSchema(
-        "<complexType name='A'><complexContent><restriction xmlns:e='http://schemas.xmlsoap.org/soap/encoding/' "
-        "base='e:Array'><attribute ref='e:arrayType' xmlns:w='http://schemas.xmlsoap.org/wsdl/' "
-        "w:arrayType='int" +
-        times(9, "[]") + "'/></restriction></complexContent></complexType>");
-    EXPECT_THAT(reportOf(message, folder.path()), testing::HasSubstr(": more than 8 arrays inside each other\n"));
+    const std::pair<CString, const char*> rows[] = {
+        {"int" + times(9, "[]"), "x.xsd:1:239: cut short by a bound: more than 8 arrays inside each other\n"},
+        {"no name[]", "x.xsd:1:239: name that XML can't represent: no name\n"},
+    };
+    for (const auto& [items, reported] : rows) {
+        typesOfSchema(
+            "<complexType name='A'><complexContent><restriction xmlns:e='http://schemas.xmlsoap.org/soap/encoding/' "
+            "base='e:Array'><attribute ref='e:arrayType' xmlns:w='http://schemas.xmlsoap.org/wsdl/' w:arrayType='" +
+            items + "'/></restriction></complexContent></complexType>");
+        EXPECT_THAT(reportOf(message, folder.path()), testing::HasSubstr(reported));
+    }
 }
 
 } // namespace

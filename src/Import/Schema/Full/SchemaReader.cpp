@@ -123,7 +123,7 @@ void SchemaReader::holdInLast(SchemaNode item)
 void SchemaReader::enter(SchemaTag tag)
 {
     const auto place = static_cast<Index>(tree.nodes.size());
-    SchemaNode node;
+    SchemaNode& node = tree.nodes.emplace_back();
     node.tag = tag;
     node.line = statements.place().line;
     node.column = statements.place().column;
@@ -144,7 +144,6 @@ void SchemaReader::enter(SchemaTag tag)
         (parent.lastChild == 0 ? tree.nodes[parent.node].firstChild : tree.nodes[parent.lastChild].next) = place;
         parent.lastChild = place;
     }
-    tree.nodes.push_back(node);
     open.push_back({place, 0, shadowedBefore, false});
 }
 
@@ -292,7 +291,7 @@ NameTable::Id SchemaReader::nameOf(std::string_view text)
     const NameTable::Id name = tree.names.intern(text);
     if (name == 0 || tree.isXmlName(name))
         return name;
-    impossibleNames.push_back({static_cast<Index>(tree.nodes.size()), name});
+    tree.impossibleNames.emplace_back(static_cast<Index>(tree.nodes.size() - 1), name);
     return 0;
 }
 

@@ -24,15 +24,6 @@ public:
     /// Reports the findings in the document.
     void finish() { statements.finish(); }
 
-    /// A name that XML doesn't allow, with its node, which counts as unnamed.
-    struct ImpossibleName
-    {
-        SchemaNode::Index node;
-        NameTable::Id name;
-    };
-    /// Returns the names that XML doesn't allow, in document order.
-    const std::vector<ImpossibleName>& queryImpossibleNames() const { return impossibleNames; }
-
 private:
     using Index = SchemaNode::Index;
 
@@ -78,5 +69,4 @@ private:
     std::size_t skipped = 0;    // number of open elements that are skipped
     std::size_t documented = 0; // number of open elements from an xs:documentation on
     SchemaDocumentation documentation;
-    std::vector<ImpossibleName> impossibleNames;
 };

@@ -75,8 +75,6 @@ bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocum
     if (!isRead)
         return false;
     reader.finish();
-    for (const auto& [node, name] : reader.queryImpossibleNames())
-        note(SourceReport::impossibleName, node, name);
     return true;
 }
 

@@ -78,8 +78,6 @@ std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
         tree.dropFrom(first);
         return {};
     }
-    for (const auto& [node, name] : reader.queryImpossibleNames())
-        note(SourceReport::impossibleName, node, name);
     hasWsdl = hasWsdl || reader.holdsWsdl();
     for (const WsdlReader::Root& root : reader.queryRoots())
         messages.emplace_back(root, loads);
@@ -105,6 +103,8 @@ std::vector<SchemaSet::Message> SchemaSet::findMessages()
 std::vector<SchemaSet::Source> SchemaSet::finish()
 {
     collectMembers();
+    for (const auto& [node, name] : tree.impossibleNames)
+        note(SourceReport::impossibleName, node, name);
     std::unordered_set<NameTable::Id> met;
     for (const SchemaDocument& document : tree.documents)
         if (document.root != 0 && met.insert(document.space).second)

@@ -128,7 +128,11 @@ public:
     static bool isSoapEncoding(NameTable::Id space) { return space == 6 || space == 7; }
 
     /// Removes all nodes from `first` on.
-    void dropFrom(Index first) { nodes.resize(first); }
+    void dropFrom(Index first)
+    {
+        nodes.resize(first);
+        std::erase_if(impossibleNames, [first](const auto& named) { return named.first >= first; });
+    }
 
     /// Copies the nodes of a document into another namespace. Returns the number of the new document.
     std::uint32_t adopt(std::uint32_t document, NameTable::Id space);
@@ -138,6 +142,7 @@ public:
     std::vector<SchemaName> listed;                        // lists of names, each ended by an empty name
     std::vector<std::string_view> documentations;
     std::vector<SchemaDocument> documents;
+    std::vector<std::pair<Index, NameTable::Id>> impossibleNames; // not allowed in XML; their nodes count as unnamed
     Arena texts;
 
 private:

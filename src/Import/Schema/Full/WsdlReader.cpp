@@ -231,11 +231,8 @@ void WsdlReader::finish()
 {
     if (!isWsdl)
         finished.push_back(std::move(schema));
-    for (const auto& reader : finished) {
+    for (const auto& reader : finished)
         reader->finish();
-        impossibleNames.insert(impossibleNames.end(), reader->queryImpossibleNames().begin(),
-                               reader->queryImpossibleNames().end());
-    }
     if (!isWsdl) {
         tree.documents[document].end = static_cast<Index>(tree.size());
         return;

@@ -41,9 +41,6 @@ public:
     /// Returns the component of messages that only refer to elements.
     static constexpr SourceReport::Component kMessages = 0x8000'0000;
 
-    /// Returns the names that XML doesn't allow, see SchemaReader.
-    const std::vector<SchemaReader::ImpossibleName>& queryImpossibleNames() const { return impossibleNames; }
-
     /// An element that a message consists of, and the place of the message's part.
     struct Root
     {
@@ -112,5 +109,4 @@ private:
     std::vector<Part> parts;
     std::vector<Root> roots;
     std::vector<Import> imports;
-    std::vector<SchemaReader::ImpossibleName> impossibleNames;
 };
