@@ -8,11 +8,6 @@ constexpr std::size_t kFewFields = 16;
 constexpr std::size_t kMaxFields = 1'000'000;
 constexpr std::size_t kMaxSteps = 20'000'000; // visited particles; nested groups can multiply them
 
-std::uint64_t keyOf(SchemaName name)
-{
-    return static_cast<std::uint64_t>(name.space) << 32 | name.local;
-}
-
 // Returns whether an attribute of the XML namespace needs no declaration (https://www.w3.org/TR/xml/, /xmlbase/,
 // /xml-id/).
 bool isXmlAttribute(std::string_view local)
@@ -41,7 +36,7 @@ SchemaField* SchemaContents::Fields::find(SchemaName name)
         const auto found = std::ranges::find(all, name, &SchemaField::name);
         return found == all.end() ? nullptr : &*found;
     }
-    const std::uint32_t* const found = many.find(keyOf(name));
+    const std::uint32_t* const found = many.find(name.key());
     return found ? &all[*found] : nullptr;
 }
 
@@ -51,7 +46,7 @@ void SchemaContents::Fields::add(const SchemaField& field)
     if (all.size() <= kFewFields)
         return;
     for (std::size_t i = all.size() == kFewFields + 1 ? 0 : all.size() - 1; i < all.size(); ++i)
-        many.insert(keyOf(all[i].name), static_cast<std::uint32_t>(i));
+        many.insert(all[i].name.key(), static_cast<std::uint32_t>(i));
 }
 
 SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), contents(tree), isEntered(tree.size())
@@ -67,7 +62,7 @@ std::span<const SchemaField> SchemaContents::of(Index type)
         base = baseOf(base);
     }
     if (std::ranges::find(chain, base) != chain.end()) // the chain is a circle
-        set.note(SourceReport::unresolvedContent, derivationOf(chain.back()));
+        set.note(SourceReport::unresolvedContent, tree.derivationOf(chain.back()));
     for (; !chain.empty(); chain.pop_back()) {
         build(chain.back(), base);
         base = chain.back();
@@ -76,17 +71,10 @@ std::span<const SchemaField> SchemaContents::of(Index type)
     return std::span(kept).subspan(content.first, content.elements + content.attributes);
 }
 
-// Returns the restriction or extension of a type; 0 if there is none.
-SchemaContents::Index SchemaContents::derivationOf(Index type) const
-{
-    const Index content = tree.childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent);
-    return content == 0 ? 0 : tree.childOf(content, SchemaTag::extension, SchemaTag::restriction);
-}
-
 // Returns the complex type that a type is derived from; 0 if there is none.
 SchemaContents::Index SchemaContents::baseOf(Index type)
 {
-    const Index derivation = derivationOf(type);
+    const Index derivation = tree.derivationOf(type);
     const SchemaName name = tree.referenceOf(derivation);
     if (name.local == 0)
         return 0;
@@ -98,7 +86,7 @@ SchemaContents::Index SchemaContents::baseOf(Index type)
 
 void SchemaContents::build(Index type, Index base)
 {
-    const Index derivation = derivationOf(type);
+    const Index derivation = tree.derivationOf(type);
     elements.clear();
     attributes.clear();
     lastSeen.clear();

@@ -66,7 +66,6 @@ private:
         NumberTable many; // positions by name
     };
 
-    Index derivationOf(Index type) const;
     Index baseOf(Index type);
     void build(Index type, Index base);
     void inherit(const Content& base, bool withElements);

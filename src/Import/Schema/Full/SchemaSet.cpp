@@ -166,7 +166,7 @@ void SchemaSet::declare(Index component, bool redefines)
     const auto kind = kindOf(tree[component].tag);
     if (!kind || !tree[component].hasName())
         return;
-    const auto [place, isFirst] = symbols[*kind].insert(keyOf(nameOf(component)), component);
+    const auto [place, isFirst] = symbols[*kind].insert(nameOf(component).key(), component);
     if (isFirst)
         return;
     if (redefines)
@@ -177,7 +177,7 @@ void SchemaSet::declare(Index component, bool redefines)
 
 SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
 {
-    const Index* const found = symbols[kind].find(keyOf(name));
+    const Index* const found = symbols[kind].find(name.key());
     if (!found)
         return 0;
     if (redefined.empty() || !redefined.contains(*found))
@@ -209,7 +209,7 @@ void SchemaSet::collectMembers()
             if (tree[at].tag != SchemaTag::element || tree[at].list == 0 || find(element, nameOf(at), at) != at)
                 continue;
             for (const SchemaName head : tree.listOf(at)) {
-                members[keyOf(head)].push_back(at);
+                members[head.key()].push_back(at);
                 if (find(element, head, at) == 0)
                     note(SourceReport::unresolvedReference, at, head.local);
             }
@@ -220,7 +220,7 @@ void SchemaSet::collectMembers()
 const std::vector<SchemaSet::Index>& SchemaSet::membersOf(SchemaName head) const
 {
     static const std::vector<Index> none;
-    const auto found = members.find(keyOf(head));
+    const auto found = members.find(head.key());
     return found == members.end() ? none : found->second;
 }
 

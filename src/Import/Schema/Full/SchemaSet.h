@@ -165,8 +165,6 @@ private:
 
     using Names = NumberTable;
 
-    static std::uint64_t keyOf(SchemaName name) { return static_cast<std::uint64_t>(name.space) << 32 | name.local; }
-
     static std::optional<Kind> kindOf(SchemaTag tag);
     void followAll(std::uint32_t document);
     void loadOne(const SourceFile& file, std::vector<SourceFile>& files);

@@ -15,6 +15,9 @@ struct SchemaName
     NameTable::Id space = 0;
     NameTable::Id local = 0;
 
+    /// Returns both numbers as one, for tables.
+    std::uint64_t key() const { return static_cast<std::uint64_t>(space) << 32 | local; }
+
     friend bool operator==(const SchemaName&, const SchemaName&) = default;
 };
 
@@ -90,6 +93,13 @@ public:
     Index childOf(Index parent, Tags... tags) const
     {
         return firstOf(nodes[parent].firstChild, tags...);
+    }
+
+    /// Returns the restriction or extension of a complex type; 0 if there is none.
+    Index derivationOf(Index type) const
+    {
+        return childOf(childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent), SchemaTag::extension,
+                       SchemaTag::restriction);
     }
 
     std::string_view text(NameTable::Id id) const { return names[id]; }

@@ -59,7 +59,7 @@ void SchemaTypes::readPending()
 // Returns the index of the choice of a field whose type is abstract; kNone for other types.
 SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
 {
-    if (!tree[complexType].is(SchemaNode::isAbstract) || derived.of(complexType).empty())
+    if (!tree[complexType].is(SchemaNode::isAbstract) || derivedFrom(complexType).empty())
         return SourceTypes::kNone;
     const auto [known, isNew] = choicesByType.try_emplace(complexType, static_cast<SourceTypes::Index>(choices.size()));
     if (isNew) {
@@ -75,7 +75,7 @@ void SchemaTypes::readChoice(SourceTypes::Index choice)
     std::vector<Index> bases{choices[choice]};
     std::unordered_set<Index> met{choices[choice]};
     for (std::size_t i = 0; i < bases.size(); ++i)
-        for (const Index type : derived.of(bases[i])) {
+        for (const Index type : derivedFrom(bases[i])) {
             if (!met.insert(type).second)
                 continue;
             bases.push_back(type);
@@ -87,6 +87,39 @@ void SchemaTypes::readChoice(SourceTypes::Index choice)
             if (reported.insert(type).second)
                 set.noteText(SourceReport::derivedType, choices[choice],
                              CString(tree.text(tree[type].name)) + " for " + CString(tree.text(tree[bases[i]].name)));
+        }
+}
+
+// Returns the named types derived from a type directly, in order of declaration. A message may choose them by xsi:type
+// (https://www.w3.org/TR/xmlschema-1/#xsi_type).
+const std::vector<SchemaTypes::Index>& SchemaTypes::derivedFrom(Index type)
+{
+    if (!std::exchange(isDerivedCollected, true))
+        collectDerived();
+    static const std::vector<Index> none;
+    const auto found = derived.find(type);
+    return found == derived.end() ? none : found->second;
+}
+
+// Collects the derived types of all documents.
+void SchemaTypes::collectDerived()
+{
+    const auto add = [&](Index type) {
+        // A redefined type is left out; its redefinition has its name.
+        if (tree[type].tag != SchemaTag::complexType || set.find(SchemaSet::type, set.nameOf(type), 0) != type)
+            return;
+        const Index derivation = tree.derivationOf(type);
+        const SchemaName base = tree.referenceOf(derivation);
+        if (base.local != 0)
+            if (const Index found = set.find(SchemaSet::type, base, derivation); found != 0 && found != type)
+                derived[found].push_back(type);
+    };
+    for (const SchemaDocument& document : tree.documents)
+        for (Index at = tree[document.root].firstChild; at != 0; at = tree[at].next) {
+            add(at);
+            if (tree[at].tag == SchemaTag::redefine)
+                for (Index inner = tree[at].firstChild; inner != 0; inner = tree[inner].next)
+                    add(inner);
         }
 }
 

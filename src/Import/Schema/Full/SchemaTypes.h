@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Base/Progress.h"
-#include "Import/Schema/Full/DerivedTypes.h"
 #include "Import/Schema/Full/SchemaContents.h"
 #include "Import/Schema/Full/SchemaSimpleTypes.h"
 
@@ -12,7 +11,7 @@ class SchemaTypes
 {
 public:
     SchemaTypes(SchemaSet& set, SourceTypes& types) :
-        set(set), tree(set.queryTree()), types(types), simple(set), contents(set), derived(set), records(tree)
+        set(set), tree(set.queryTree()), types(types), simple(set), contents(set), records(tree)
     {}
 
     /// Reads the components of `sources`, as SchemaSet::finish() returns them. `roots` are names of elements and
@@ -52,6 +51,8 @@ private:
     void readFields(Pending pending);
     SourceTypes::Index choiceOf(Index complexType);
     void readChoice(SourceTypes::Index choice);
+    const std::vector<Index>& derivedFrom(Index type);
+    void collectDerived();
     const Declared& declared(Index declaration);
     bool resolve(Index declaration, Declared& out);
     SourceTypes::Type typeOf(const Declared& declared, Index declaration, NameTable::Id fieldName,
@@ -66,7 +67,8 @@ private:
     SourceTypes& types;
     SchemaSimpleTypes simple;
     SchemaContents contents;
-    DerivedTypes derived;
+    std::unordered_map<Index, std::vector<Index>> derived; // by base type
+    bool isDerivedCollected = false;
     std::unordered_map<Index, SourceTypes::Index> messageNumbers; // number of the message by element
     std::vector<Index> choices;                                   // the abstract type of each
     std::unordered_map<Index, SourceTypes::Index> choicesByType;
