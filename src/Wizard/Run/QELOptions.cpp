@@ -128,26 +128,6 @@ void QELOptions::setCatalogs(const CString& text)
         catalogs = text;
 }
 
-void QELOptions::addInputFile(const CString& file)
-{
-    AddUnique(file, inputFiles, 1);
-}
-
-void QELOptions::addOutputFile(const CString& file)
-{
-    AddUnique(file, outputFiles, 1);
-}
-
-void QELOptions::addUser(const CString& user)
-{
-    AddUnique(user, users, 1);
-}
-
-void QELOptions::addBrokerIP(CString address)
-{
-    AddUnique(address, brokerAddresses, 1);
-}
-
 CString QELOptions::fillInputFile(CComboBox& combo)
 {
     const CString newest = FillCombo(combo, inputFiles);
@@ -157,26 +137,6 @@ CString QELOptions::fillInputFile(CComboBox& combo)
     combo.insertItem(isFirst ? 0 : 1, toUi(sourceSet));
     combo.setCurrentIndex(0);
     return isFirst ? sourceSet : newest;
-}
-
-CString QELOptions::fillOutputFile(CComboBox& combo)
-{
-    return FillCombo(combo, outputFiles);
-}
-
-CString QELOptions::fillUser(CComboBox& combo)
-{
-    return FillCombo(combo, users);
-}
-
-CString QELOptions::fillBrokerIP(CComboBox& combo)
-{
-    return FillCombo(combo, brokerAddresses);
-}
-
-CString QELOptions::queryInputFile()
-{
-    return QueryTop(inputFiles);
 }
 
 void QELOptions::clearResultList()

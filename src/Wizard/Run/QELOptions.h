@@ -10,6 +10,23 @@
 
 class Registry;
 
+/// Puts `text` at the head (`atHead` nonzero) or the tail of `list` and removes its first equal entry. Cuts the list to
+/// 15 entries.
+void AddUnique(const CString& text, CStringList& list, int atHead);
+
+/// Inserts the entries before those of the combo box, selects the head entry and returns it; empty for an empty list.
+CString FillCombo(CComboBox& combo, CStringList& list);
+
+/// Returns the head entry; empty for an empty list.
+CString QueryTop(CStringList& list);
+
+/// Appends the values of a settings key. Stops at a name of more than 9 bytes, a text of more than 259, or 1,000
+/// entries.
+void FillFromReg(CStringList& list, const char* key);
+
+/// Stores the entries as the values "a", "b", "c", … of a settings key. Its other values stay.
+void FlushToReg(Registry& reg, CStringList& list, const char* key);
+
 /// The user's choices that the pages share. getValues() loads the lasting ones, flushValues() stores them.
 class QELOptions
 {
@@ -26,15 +43,15 @@ public:
 
     // The recent entries, newest first. Adding puts a text at the head. Filling fills a combo box and returns the entry
     // that it shows.
-    void addInputFile(const CString& file);
-    void addOutputFile(const CString& file);
-    void addUser(const CString& user);
-    void addBrokerIP(CString address);
+    void addInputFile(const CString& file) { AddUnique(file, inputFiles, 1); }
+    void addOutputFile(const CString& file) { AddUnique(file, outputFiles, 1); }
+    void addUser(const CString& user) { AddUnique(user, users, 1); }
+    void addBrokerIP(const CString& address) { AddUnique(address, brokerAddresses, 1); }
     CString fillInputFile(CComboBox& combo);
-    CString fillOutputFile(CComboBox& combo);
-    CString fillUser(CComboBox& combo);
-    CString fillBrokerIP(CComboBox& combo);
-    CString queryInputFile();
+    CString fillOutputFile(CComboBox& combo) { return FillCombo(combo, outputFiles); }
+    CString fillUser(CComboBox& combo) { return FillCombo(combo, users); }
+    CString fillBrokerIP(CComboBox& combo) { return FillCombo(combo, brokerAddresses); }
+    CString queryInputFile() { return QueryTop(inputFiles); }
 
     // The result lines of the last creation run, and their kinds.
     void clearResultList();
@@ -111,20 +128,3 @@ private:
     CStringList resultList;
     std::vector<ResultKind> resultKinds; // of its lines
 };
-
-/// Puts `text` at the head (`atHead` nonzero) or the tail of `list` and removes its first equal entry. Cuts the list to
-/// 15 entries.
-void AddUnique(const CString& text, CStringList& list, int atHead);
-
-/// Inserts the entries before those of the combo box, selects the head entry and returns it; empty for an empty list.
-CString FillCombo(CComboBox& combo, CStringList& list);
-
-/// Returns the head entry; empty for an empty list.
-CString QueryTop(CStringList& list);
-
-/// Appends the values of a settings key. Stops at a name of more than 9 bytes, a text of more than 259, or 1,000
-/// entries.
-void FillFromReg(CStringList& list, const char* key);
-
-/// Stores the entries as the values "a", "b", "c", … of a settings key. Its other values stay.
-void FlushToReg(Registry& reg, CStringList& list, const char* key);
