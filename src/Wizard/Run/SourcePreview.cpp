@@ -10,7 +10,6 @@
 
 #include <QStringDecoder>
 
-#include <atomic>
 #include <filesystem>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -91,37 +90,16 @@ std::vector<CString> readableFiles(const SourcePreview::Source& source)
 
 } // namespace
 
-// A preview, from start() until it is dropped.
-struct SourcePreview::Job
-{
-    std::atomic<bool> isWanted = true;
-};
-
-SourcePreview::~SourcePreview()
-{
-    drop();
-    if (worker.joinable())
-        worker.join();
-}
-
-void SourcePreview::drop()
-{
-    if (current)
-        current->isWanted = false;
-    current.reset();
-}
-
 // Starts a new thread, which waits for the previous one to end first, so that only one works at a time.
 void SourcePreview::start(const Source& source, bool isWanted)
 {
     drop();
-    current = std::make_shared<Job>();
-    worker = std::thread([this, source, isWanted, job = current, before = std::move(worker)]() mutable {
+    worker = std::jthread([this, source, isWanted, before = std::move(worker)](const std::stop_token& dropped) mutable {
         if (before.joinable())
             before.join();
         ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), 10); // of this thread only
         try {
-            look(source, isWanted, job);
+            look(source, isWanted, dropped);
         } catch (const std::exception&) {
             return; // out of memory: nothing can be reported
         }
@@ -129,12 +107,12 @@ void SourcePreview::start(const Source& source, bool isWanted)
 }
 
 // This and all functions below run in the preview's thread.
-void SourcePreview::look(const Source& source, bool isWanted, const std::shared_ptr<Job>& job)
+void SourcePreview::look(const Source& source, bool isWanted, const std::stop_token& dropped)
 {
     const std::vector<CString> files = readableFiles(source);
     const std::uint64_t size = sizeOf(files);
     const bool isCounted = size > 0 && (isWanted || size <= kSmall);
-    tell(job, [this, text = files.empty() ? QString() : firstLines(files.front()), size, isCounted] {
+    tell(dropped, [this, text = files.empty() ? QString() : firstLines(files.front()), size, isCounted] {
         Q_EMIT begun(text, size, isCounted);
     });
     if (!isCounted)
@@ -142,19 +120,19 @@ void SourcePreview::look(const Source& source, bool isWanted, const std::shared_
     Count literal, full;
     const bool hasFull = source.importer->hasFull();
     if (!hasFull || (source.names.size() == 1 && !isFolder(source.names.front())))
-        literal = count(std::unique_ptr<MsgBase>(source.importer->create()), source, files, *job);
-    tell(job, [this, literal, full] { Q_EMIT counted(literal, full); });
+        literal = count(std::unique_ptr<MsgBase>(source.importer->create()), source, files, dropped);
+    tell(dropped, [this, literal, full] { Q_EMIT counted(literal, full); });
     if (!hasFull)
         return;
-    full = count(std::unique_ptr<MsgBase>(source.importer->createFull()), source, files, *job);
-    tell(job, [this, literal, full] { Q_EMIT counted(literal, full); });
+    full = count(std::unique_ptr<MsgBase>(source.importer->createFull()), source, files, dropped);
+    tell(dropped, [this, literal, full] { Q_EMIT counted(literal, full); });
 }
 
 SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, const Source& source,
-                                          const std::vector<CString>& files, const Job& job)
+                                          const std::vector<CString>& files, const std::stop_token& dropped)
 {
     Count count;
-    const BackgroundWork background([&job] { return job.isWanted.load(); });
+    const BackgroundWork background([&dropped] { return !dropped.stop_requested(); });
     message->setErrorHandler([&](const CString&, const SourceFault& fault) {
         if (!fault.isWarning && count.failure.isEmpty())
             count.failure = inWords(fault, files.front());
@@ -181,12 +159,12 @@ SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, cons
 }
 
 // Emits a signal in the window's thread, unless the preview has been dropped meanwhile.
-void SourcePreview::tell(const std::shared_ptr<Job>& job, std::function<void()> signal)
+void SourcePreview::tell(const std::stop_token& dropped, std::function<void()> signal)
 {
     QMetaObject::invokeMethod(
         this,
-        [job, signal = std::move(signal)] {
-            if (job->isWanted)
+        [dropped, signal = std::move(signal)] {
+            if (!dropped.stop_requested())
                 signal();
         },
         Qt::QueuedConnection);

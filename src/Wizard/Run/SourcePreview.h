@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <thread>
 
 /// Previews a source before the import, in a background thread: its first lines, and the number of types and losses
@@ -34,9 +35,6 @@ public:
         bool fails() const { return types == 0 && !failure.isEmpty(); }
     };
 
-    SourcePreview() = default;
-    ~SourcePreview() override; ///< cancels the preview and waits for its thread
-
     /// The largest source, in bytes, that is counted without a request.
     static constexpr std::uint64_t kSmall = 50'000'000;
 
@@ -44,7 +42,7 @@ public:
     void start(const Source& source, bool isWanted = false);
 
     /// Cancels the current preview; emits no more signals for it.
-    void drop();
+    void drop() { worker.request_stop(); }
 
 Q_SIGNALS:
     /// Emitted first, with the first lines of the source; `text` is empty if it can't be shown as text. The only signal
@@ -55,13 +53,10 @@ Q_SIGNALS:
     void counted(const SourcePreview::Count& literal, const SourcePreview::Count& full);
 
 private:
-    struct Job;
-
-    void look(const Source& source, bool isWanted, const std::shared_ptr<Job>& job);
+    void look(const Source& source, bool isWanted, const std::stop_token& dropped);
     static Count count(std::unique_ptr<MsgBase> message, const Source& source, const std::vector<CString>& files,
-                       const Job& job);
-    void tell(const std::shared_ptr<Job>& job, std::function<void()> signal);
+                       const std::stop_token& dropped);
+    void tell(const std::stop_token& dropped, std::function<void()> signal);
 
-    std::shared_ptr<Job> current;
-    std::thread worker;
+    std::jthread worker; // its destructor cancels the preview and waits
 };
