@@ -7,7 +7,6 @@
 #include "Ui/RecentCombo.h"
 #include "Ui/UiText.h"
 #include "Ui/WizardSheet.h"
-#include "Wizard/Run/WizardRun.h"
 
 #include <QDropEvent>
 #include <QFrame>
@@ -47,7 +46,6 @@ void FilePage::OnInitDialog()
     redFrame = newRedFrame();
     connect(fileCombo, &QComboBox::editTextChanged, redFrame, &QWidget::hide);
     fileCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    fillFiles(*fileCombo);
     QLabel* label = plainLabel("File:");
     label->setBuddy(fileCombo);
     auto* browse = withId(IDC_BROWSE, new QPushButton("B&rowse"));
@@ -82,7 +80,7 @@ LRESULT FilePage::stayAtFile(const CString& text, const CString& details)
 void FilePage::OnSetActive()
 {
     redFrame->hide();
-    folderText = enterFolder();
+    folderText = wizard->setCurrentFolder(whichFolder());
     folderLabel->setText(toUi(folderText));
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
 }
@@ -110,8 +108,12 @@ void FilePage::takeFolder()
 {
     const CString named = namedFile();
     if (const std::size_t slash = named.rfind('/'); slash != CString::npos) {
-        setFolder(named.substr(0, std::max<std::size_t>(slash, 1)));
-        folderText = enterFolder();
+        const CString folder = named.substr(0, std::max<std::size_t>(slash, 1));
+        if (whichFolder() == WizardRun::folderInput)
+            wizard->options.setInputFolder(folder);
+        else
+            wizard->options.setOutputFolder(folder);
+        folderText = wizard->setCurrentFolder(whichFolder());
     }
     UpdateData(false);
 }

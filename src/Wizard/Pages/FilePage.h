@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Wizard/Pages/QELPage.h"
+#include "Wizard/Run/WizardRun.h"
 
 class PathLabel;
 class QComboBox;
@@ -23,20 +24,14 @@ protected:
     /// Returns the id of the combo box.
     virtual int comboId() const = 0;
 
-    /// Fills the combo box with the recent files.
-    virtual void fillFiles(QComboBox& combo) = 0;
+    /// Returns which folder holds files without a path.
+    virtual WizardRun::WhichFolder whichFolder() const = 0;
 
     /// Shows the file dialog and returns the name, empty if the user cancels.
     virtual CString chooseFile() = 0;
 
     /// Called when files are dropped on the page; there is at least one.
     virtual void OnDrop(const QStringList& files) { takeFile(files.front().toStdString()); }
-
-    /// Stores the folder of the chosen file.
-    virtual void setFolder(const CString& folder) = 0;
-
-    /// Makes the stored folder the current one and returns the text that shows it.
-    virtual CString enterFolder() = 0;
 
     /// Reads the controls into the members if `save`, else writes the members to the controls.
     void UpdateData(bool save);

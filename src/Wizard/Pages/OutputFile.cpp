@@ -82,6 +82,7 @@ OutputFile::OutputFile() :
 void OutputFile::OnInitDialog()
 {
     FilePage::OnInitDialog();
+    wizard->options.fillOutputFile(combo());
     state = withId(IDC_OUTPUT_STATE, plainLabel());
     state->setWordWrap(true);
     state->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -145,25 +146,10 @@ LRESULT OutputFile::OnWizardBack()
     return IDD_OUTPUT;
 }
 
-void OutputFile::fillFiles(QComboBox& combo)
-{
-    wizard->options.fillOutputFile(combo);
-}
-
 CString OutputFile::chooseFile()
 {
     return chooseFileToSave(this, {loadText(IDS_SELECT_DESTINATION),
                                    {{loadText(IDS_FILTER_ALL_FILES), loadText(IDS_PATTERN_ALL_FILES)}},
                                    wizard->options.queryOutputFolder(),
                                    fileName});
-}
-
-void OutputFile::setFolder(const CString& folder)
-{
-    wizard->options.setOutputFolder(folder);
-}
-
-CString OutputFile::enterFolder()
-{
-    return wizard->setCurrentFolder(WizardRun::folderOutput);
 }

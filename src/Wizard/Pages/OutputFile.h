@@ -20,10 +20,8 @@ public:
 
 protected:
     int comboId() const override { return IDC_OUTPUT_FILE; }
-    void fillFiles(QComboBox& combo) override;
+    WizardRun::WhichFolder whichFolder() const override { return WizardRun::folderOutput; }
     CString chooseFile() override;
-    void setFolder(const CString& folder) override;
-    CString enterFolder() override;
 
 private:
     void suggest();

@@ -93,6 +93,7 @@ SourcePage::SourcePage() : FilePage(IDD_SOURCE, "Typeforge - Select source", IDS
 void SourcePage::OnInitDialog()
 {
     FilePage::OnInitDialog();
+    wizard->options.fillInputFile(combo());
     combo().lineEdit()->setMaxLength(QELOptions::kMaxSourceSet);
     fullCheck = withId(IDC_FULL_READING, new QCheckBox("Read in &full (namespaces, entities, derived types)"));
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
@@ -283,11 +284,6 @@ void SourcePage::pickCatalogs()
     catalogEdit->setFocus();
 }
 
-void SourcePage::fillFiles(QComboBox& combo)
-{
-    wizard->options.fillInputFile(combo);
-}
-
 CString SourcePage::chooseFile()
 {
     const FileQuestion question = {loadText(IDS_SELECT_SOURCE), fileFilters(), wizard->options.queryInputFolder(),
@@ -299,14 +295,4 @@ CString SourcePage::chooseFile()
 void SourcePage::OnDrop(const QStringList& files)
 {
     wizard->openFiles(files);
-}
-
-void SourcePage::setFolder(const CString& folder)
-{
-    wizard->options.setInputFolder(folder);
-}
-
-CString SourcePage::enterFolder()
-{
-    return wizard->setCurrentFolder(WizardRun::folderInput);
 }

@@ -25,11 +25,9 @@ public:
 protected:
     void hideEvent(QHideEvent* event) override;
     int comboId() const override { return IDC_INPUT_FILE; }
-    void fillFiles(QComboBox& combo) override;
+    WizardRun::WhichFolder whichFolder() const override { return WizardRun::folderInput; }
     CString chooseFile() override;
     void OnDrop(const QStringList& files) override;
-    void setFolder(const CString& folder) override;
-    CString enterFolder() override;
     CString namedFile() const override;
 
 private:
