@@ -86,8 +86,7 @@ SchemaKinds::Kind SchemaKinds::builtInKindOf(std::string_view typeName) const
     const std::size_t colon = typeName.find(':');
     const std::string_view prefix = typeName.substr(0, colon == typeName.npos ? 0 : colon);
     const bool isOfLanguage = prefix == "xs" || prefix == "xsd" || languagePrefixes.contains(prefix);
-    const auto kind =
-        isOfLanguage ? builtInKind(typeName.substr(colon == typeName.npos ? 0 : colon + 1)) : std::nullopt;
+    const auto kind = isOfLanguage ? builtInKind(typeName.substr(colon + 1)) : std::nullopt; // npos + 1 is 0
     if (!kind)
         return unknown;
     return *kind == SourceTypes::kindNumber ? number : *kind == SourceTypes::kindTime ? time : text;
@@ -95,7 +94,6 @@ SchemaKinds::Kind SchemaKinds::builtInKindOf(std::string_view typeName) const
 
 SchemaKinds::Index SchemaKinds::typeCalled(std::string_view typeName) const
 {
-    const std::size_t colon = typeName.find(':');
-    const auto found = named.find(typeName.substr(colon == typeName.npos ? 0 : colon + 1));
+    const auto found = named.find(typeName.substr(typeName.find(':') + 1));
     return found == named.end() ? kNone : found->second;
 }

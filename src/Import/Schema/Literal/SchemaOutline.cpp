@@ -23,9 +23,11 @@ std::optional<SchemaOutline::Tag> declarationOf(SchemaTag tag)
     }
 }
 
-bool isCalled(XmlName name, std::string_view unprefixed)
+// Returns the index of a prefix in kPrefixes; its size for any other.
+std::size_t prefixOf(XmlName name)
 {
-    return !name.prefix && name.local == unprefixed;
+    const auto* const found = name.prefix ? std::ranges::find(kPrefixes, name.prefix) : kPrefixes.end();
+    return static_cast<std::size_t>(found - kPrefixes.begin());
 }
 
 // Returns true for "unbounded", and for a text that begins with a decimal integer greater than 1, of any length.
@@ -44,7 +46,7 @@ bool mayRepeat(std::string_view maxOccurs)
 } // namespace
 
 SchemaOutline::SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKinds& kinds) :
-    statements(report, file, true), kinds(kinds), file(file), lastPrefixAt(kPrefixes.size())
+    statements(report, file, true), kinds(kinds), file(file)
 {
     entries.emplace_back();
 }
@@ -65,7 +67,9 @@ void SchemaOutline::startElement(XmlName name, XmlAttributes attributes)
 {
     const SchemaTag tag = statements.enter(name, attributes);
     if (open.empty()) {
-        startRoot(attributes);
+        isTargeted = std::ranges::count(statements.attributes(), SchemaAttribute::targetNamespace,
+                                        &SchemaStatements::Attribute::name) > 0;
+        open.push_back({kRoot});
         return;
     }
     Level level;
@@ -75,7 +79,7 @@ void SchemaOutline::startElement(XmlName name, XmlAttributes attributes)
         level.place = enter(*declaration, attributes);
         places[prefix][*declaration].push_back(level.place);
     } else if (open.size() == 1) {
-        noteLocation(name, attributes);
+        noteLocation(name.local);
     }
     if (!statements.isIgnored()) {
         if (level.place != kNone)
@@ -92,24 +96,6 @@ void SchemaOutline::endElement()
     if (open.back().place != kNone)
         entries[open.back().place].end = static_cast<Index>(entries.size());
     open.pop_back();
-}
-
-void SchemaOutline::startRoot(XmlAttributes attributes)
-{
-    for (std::size_t i = 0; i < attributes.size(); ++i)
-        isTargeted |= isCalled(attributes[i].name, "targetNamespace");
-    open.push_back({kRoot});
-}
-
-// Returns the index of a prefix in kPrefixes; its size for any other.
-std::size_t SchemaOutline::prefixOf(XmlName name)
-{
-    if (name.prefix != lastPrefix) // rarely: prefixes are interned
-        lastPrefixAt = name.prefix
-                           ? static_cast<std::size_t>(std::ranges::find(kPrefixes, name.prefix) - kPrefixes.begin())
-                           : kPrefixes.size();
-    lastPrefix = name.prefix;
-    return lastPrefixAt;
 }
 
 // Reports statements that the tables have no place for although they affect types.
@@ -226,14 +212,13 @@ CString SchemaOutline::nameAround() const
 }
 
 // Accepts any prefix: documents choose it, and nothing else has these names at the top of a schema.
-void SchemaOutline::noteLocation(XmlName name, XmlAttributes attributes)
+void SchemaOutline::noteLocation(std::string_view statement)
 {
-    const std::string_view local = name.local;
-    if (local != "include" && local != "import" && local != "redefine")
+    if (statement != "include" && statement != "import" && statement != "redefine")
         return;
-    for (std::size_t i = 0; i < attributes.size(); ++i)
-        if (isCalled(attributes[i].name, "schemaLocation"))
-            schemaLocations.push_back({texts.keep(attributes[i].value), statements.place()});
+    for (const auto& [name, value, isAllowed] : statements.attributes())
+        if (name == SchemaAttribute::schemaLocation)
+            schemaLocations.push_back({texts.keep(value), statements.place()});
 }
 
 // Adds a declaration, and links it with its parent and siblings.

@@ -145,12 +145,10 @@ private:
         bool isRepeated = false;                            // repeats, or a group inside one that does
     };
 
-    void startRoot(XmlAttributes attributes);
-    void noteLocation(XmlName name, XmlAttributes attributes);
+    void noteLocation(std::string_view statement);
     SchemaDeclaration readDeclaration(XmlAttributes attributes);
     std::string_view keepName(std::string_view name);
     Index enter(Tag tag, XmlAttributes attributes);
-    std::size_t prefixOf(XmlName name);
     void noteSkipped(XmlName name, SchemaTag tag, Level& level);
     void noteSimpleType(SchemaTag tag, Level& level);
     void noteDeclaration(SchemaTag tag);
@@ -166,8 +164,6 @@ private:
     SchemaStatements statements;
     SchemaKinds& kinds;
     std::uint32_t file;
-    const char* lastPrefix = nullptr; // compared by address, as prefixes are interned
-    std::size_t lastPrefixAt;
     bool isTargeted = false;
     mutable std::optional<std::unordered_set<std::string_view, KeyHash>> typeNames;
 };
