@@ -1,13 +1,15 @@
 #include "Import/Schema/Literal/SchemaMsg.h"
 
 #include "Base/Progress.h"
-#include "Import/Schema/Literal/SchemaCache.h"
+#include "Files/FileFinder.h"
 #include "Import/Schema/SchemaDocuments.h"
 #include "Resources/StringTable.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <deque>
 #include <filesystem>
+#include <set>
 #include <system_error>
 
 SchemaMessage::SchemaMessage() :
@@ -72,25 +74,47 @@ bool SchemaMessage::readFile(const CString& fileName, std::uint32_t file, XmlDoc
     return false;
 }
 
-// Reads the documents that the schema refers to. A missing or ill-formed one is left out. One that exists but can't be
-// read ends the import by SourceRefusal.
+// Reads the documents that the schema includes, imports and redefines, and those that they refer to in turn: local
+// files, depth first in document order, each once, whatever its name. A missing or ill-formed one is left out. One that
+// exists but can't be read ends the import by SourceRefusal.
 void SchemaMessage::readIncluded(const CString& fileName, SchemaTable::Outlines& outlines)
 {
-    SchemaCache cache;
-    cache.add(fileName, fileName, outlines.front().locations());
-    while (const auto named = cache.next()) {
-        if (named->name.empty()) {
-            const bool isRemote = localPath(named->location).empty() && !named->location.empty();
-            report.add(isRemote ? SourceReport::moduleRemote : SourceReport::moduleMissing, named->place,
-                       named->location);
-            continue;
+    struct Holder // of locations
+    {
+        CString folder;
+        CString shownName;
+    };
+    std::deque<Holder> holders;
+    std::vector<std::pair<const SchemaOutline::Location*, const Holder*>> waiting; // a stack
+    std::set<FileId> visited;
+    FileFinder finder;
+    const auto add = [&](const CString& name, const CString& shownName) {
+        const Holder& holder = holders.emplace_back(Holder{folderOf(name), shownName});
+        const std::vector<SchemaOutline::Location>& locations = outlines.back().locations();
+        for (auto location = locations.rbegin(); location != locations.rend(); ++location)
+            waiting.emplace_back(&*location, &holder);
+    };
+    if (const auto id = identify(fileName))
+        visited.insert(*id);
+    add(fileName, fileName);
+    while (!waiting.empty()) {
+        const auto [location, holder] = waiting.back();
+        waiting.pop_back();
+        const CString path = localPath(location->text);
+        const auto file = finder.find(holder->folder, path);
+        if (!file) {
+            const bool isRemote = path.empty() && !location->text.empty();
+            report.add(isRemote ? SourceReport::moduleRemote : SourceReport::moduleMissing, location->place,
+                       location->text);
+        } else if (visited.insert(file->id).second) {
+            const CString shownName = shownFrom(holder->shownName, holder->folder, path, *file);
+            const std::uint32_t number = report.addFile(shownName);
+            XmlDocument document;
+            if (readFile(file->name, number, document, outlines))
+                add(file->name, shownName);
+            else
+                reportUnread({number, location->place, location->text}, document, report);
         }
-        XmlDocument document;
-        const std::uint32_t file = report.addFile(named->shownName);
-        if (readFile(named->name, file, document, outlines))
-            cache.add(named->name, named->shownName, outlines.back().locations());
-        else
-            reportUnread({file, named->place, named->location}, document, report);
     }
 }
 
