@@ -12,11 +12,6 @@ constexpr std::string_view kAnonymousType = "AnonymousType";
 void SchemaFieldCheck::reportAll(std::string_view path)
 {
     reportFields(path);
-    reportRecords();
-}
-
-void SchemaFieldCheck::reportRecords()
-{
     for (const auto& [declared, record] : records)
         if (record->queryType() != Element::typeRow)
             sourceReport.add(SourceReport::declarationSkipped, declared->queryPlace(), record->queryName());

@@ -53,7 +53,6 @@ private:
     // others.
     static Element::ElementTypes plainKindOf(const SchemaElement& declared);
     void reportFields(std::string_view path);
-    void reportRecords();
     void report(const Field& field, const SchemaElement* type, std::string_view path);
 
     // The correct result of a declaration.

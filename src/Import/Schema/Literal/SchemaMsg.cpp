@@ -13,7 +13,7 @@
 #include <system_error>
 
 SchemaMessage::SchemaMessage() :
-    MsgBase(1), table([this](const SourceFault& fault) { showFault(loadText(IDS_CYCLIC), fault); })
+    MsgBase(1), table(report, kinds, [this](const SourceFault& fault) { showFault(loadText(IDS_CYCLIC), fault); })
 {}
 
 int SchemaMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
@@ -50,7 +50,7 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
         reportSkipped(main);
     else if (!fileName.empty())
         readIncluded(fileName, outlines);
-    table.readIncluded(outlines, !fileName.empty(), kinds, report);
+    table.readIncluded(outlines, !fileName.empty());
     baseFolder = basePath.ends_with('\\') ? basePath : basePath + "\\";
     return doParse(main, source);
 }

@@ -59,8 +59,8 @@ private:
     void setKnownTypes();
     static Element::ElementTypes getBrokerType(std::string_view& typeName, const SchemaElement* type);
 
-    SchemaTable table;
     SchemaKinds kinds;
+    SchemaTable table;
     SchemaTable::Names previousNames; // before the current import, restored if it is cancelled
     CString baseFolder;
     std::vector<Field> fields; // of the current record

@@ -21,16 +21,14 @@ std::string_view typeOf(const SchemaOutline& outline, SchemaOutline::Index at)
 
 } // namespace
 
-void SchemaTable::readIncluded(Outlines& outlines, bool isFile, SchemaKinds& simpleTypes, SourceReport& sourceReport)
+void SchemaTable::readIncluded(Outlines& outlines, bool isFile)
 {
-    report = &sourceReport;
-    kinds = &simpleTypes;
     earlierMainType = mainType;
     mainName = earlierMainType;
     isComplete = isFile && getSchemaIncludeList(outlines);
     if (isComplete)
         return;
-    copyElementList();
+    std::swap(includedElements, schemaElements);
     setMainType(getRootTag(outlines.front()));
 }
 
@@ -41,7 +39,7 @@ void SchemaTable::readMain(const SchemaOutline& main)
         processComplexType(main, SchemaOutline::kRoot, {});
     }
     mergeLists();
-    main.reportUnread(*report);
+    main.reportUnread(report);
 }
 
 // Adds the schema and the documents that it refers to: first the top-level elements of each, then the complex types. A
@@ -63,18 +61,12 @@ bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
     for (const SchemaOutline& outline : outlines)
         processComplexType(outline, SchemaOutline::kRoot, {});
     for (auto included = outlines.begin() + 1; included != outlines.end(); ++included) {
-        included->reportUnread(*report);
+        included->reportUnread(report);
         included->keepTextsOnly();
     }
     // True if the names are still those with which the main element's own type was read.
     const bool sameNames = !hadRootType || earlierMainType == mainType;
     return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
-}
-
-// Turns the table of the include pass into the include table, and leaves the element table empty.
-void SchemaTable::copyElementList()
-{
-    std::swap(includedElements, schemaElements);
 }
 
 void SchemaTable::setMainType(std::string_view name)
@@ -183,7 +175,7 @@ void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
     const SourcePlace place = outline.placeOf(walk.type);
     walk.record = {name, RunningHash(name), addSchemaElement({place, name}, {})};
     if (walk.record.entry && walk.record.entry->queryChildren())
-        report->add(SourceReport::mergedByName, place, name);
+        report.add(SourceReport::mergedByName, place, name);
     walk.list = SchemaOutline::element;
     enterList(outline, walk, outline.getNode(walk.type, SchemaOutline::element));
 }
@@ -245,7 +237,7 @@ SchemaEntryContent SchemaTable::contentOf(const SchemaOutline& outline, Index at
     SchemaEntryContent content{outline.placeOf(at),  name,
                                typeOf(outline, at),  declaration.isReference,
                                declaration.isSingle, declaration.isInRepeated};
-    if (declaration.simpleType != SchemaKinds::kNone && kinds->kindOf(declaration.simpleType) != SchemaKinds::text)
+    if (declaration.simpleType != SchemaKinds::kNone && kinds.kindOf(declaration.simpleType) != SchemaKinds::text)
         content.loss = SchemaTypeLoss::innerType;
     return content;
 }
@@ -255,8 +247,8 @@ bool SchemaTable::areSameType(std::string_view oneType, std::string_view otherTy
 {
     if (oneType == otherType || oneType.empty() || otherType.empty())
         return true;
-    const SchemaKinds::Kind kind = kinds->builtInKindOf(oneType);
-    return kind != SchemaKinds::unknown && kind == kinds->builtInKindOf(otherType);
+    const SchemaKinds::Kind kind = kinds.builtInKindOf(oneType);
+    return kind != SchemaKinds::unknown && kind == kinds.builtInKindOf(otherType);
 }
 
 // Returns whether a field that takes the type of an earlier declaration of its name has the same effect with its own. A
@@ -280,9 +272,9 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, 
     if (!entry) {
         const SchemaElement* const earlier = schemaElements.find(alone);
         if (parent.name == content.name) {
-            onCycle({report->fileNameOf(content.place.file), CString(content.name) + " stands inside itself",
+            onCycle({report.fileNameOf(content.place.file), CString(content.name) + " stands inside itself",
                      static_cast<long>(content.place.line), static_cast<long>(content.place.column), true});
-            report->add(SourceReport::recursiveDeclaration, content.place, content.name);
+            report.add(SourceReport::recursiveDeclaration, content.place, content.name);
             ++cyclicReferences;
             return nullptr;
         }
@@ -292,11 +284,11 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, 
             entry->setType(earlier->queryType(), !isAsEarlier(content, *earlier));
         schemaElements.store(entry);
     } else if (entry->queryName() != content.name || !isAsEarlier(content, *entry)) {
-        report->add(SourceReport::mergedByName, content.place, content.name);
+        report.add(SourceReport::mergedByName, content.place, content.name);
     } else if (!content.isSingle) {
         entry->setDeclaredAgain();
     } else if (parent.entry && !content.isInRepeated && !entry->isMarked()) {
-        report->add(SourceReport::inventedRepetition, content.place, content.name); // two usages become a table
+        report.add(SourceReport::inventedRepetition, content.place, content.name); // two usages become a table
     }
     if (parent.entry)
         parent.entry->addChild(entry, memory);
@@ -340,7 +332,6 @@ void SchemaTable::pull(const Fingerprint& type)
     }
 }
 
-// Returns the entry for `key` in the element table, pulled ones included; null if there is none.
 const SchemaElement* SchemaTable::find(const Fingerprint& key) const
 {
     if (const SchemaElement* own = schemaElements.find(key))

@@ -24,11 +24,14 @@ public:
     using CycleHandler = std::function<void(const SourceFault& fault)>;
     using Entries = KeyedTable<SchemaElement, &SchemaElement::queryKey, Fingerprint>;
 
-    explicit SchemaTable(CycleHandler onCycle) : onCycle(std::move(onCycle)) {}
+    /// `report` gets the losses.
+    SchemaTable(SourceReport& report, SchemaKinds& kinds, CycleHandler onCycle) :
+        report(report), kinds(kinds), onCycle(std::move(onCycle))
+    {}
 
     /// Runs the first pass, if the schema is a file, and finds the main element. Until then the main element and root
-    /// type of the previous schema stay in effect. `report` gets the losses.
-    void readIncluded(Outlines& outlines, bool isFile, SchemaKinds& kinds, SourceReport& report);
+    /// type of the previous schema stay in effect.
+    void readIncluded(Outlines& outlines, bool isFile);
 
     /// Runs the second pass over the same schema.
     void readMain(const SchemaOutline& main);
@@ -83,7 +86,6 @@ private:
 
     // The include pass and its results.
     bool getSchemaIncludeList(Outlines& outlines);
-    void copyElementList();
     void mergeLists();
     void pull(const Fingerprint& type);
 
@@ -102,9 +104,9 @@ private:
     bool areSameType(std::string_view oneType, std::string_view otherType) const;
     bool isAsEarlier(const SchemaEntryContent& content, const SchemaElement& earlier) const;
 
+    SourceReport& report;
+    SchemaKinds& kinds;
     const CycleHandler onCycle;
-    SourceReport* report = nullptr;    // of the current import
-    SchemaKinds* kinds = nullptr;      // of the current import
     Entries schemaElements;            // of the current pass
     Entries includedElements;          // of the include pass
     std::deque<SchemaElement*> pulled; // included entries that belong to the element table as well, at its end
