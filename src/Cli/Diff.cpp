@@ -15,8 +15,8 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -159,49 +159,6 @@ private:
     std::vector<TypeChange> changes;
 };
 
-// An earlier document, read in pieces and compared with the one that an import writes.
-class EarlierDocument
-{
-public:
-    explicit EarlierDocument(const CString& fileName) : file(fileName) {}
-
-    /// Moves behind `piece` if the document goes on with it. Returns false if it doesn't, or can't be read.
-    bool passes(std::string_view piece)
-    {
-        while (!piece.empty() && hasMore()) {
-            const std::size_t size = std::min(piece.size(), rest.size());
-            if (rest.substr(0, size) != piece.substr(0, size))
-                return false;
-            rest.remove_prefix(size);
-            piece.remove_prefix(size);
-        }
-        return piece.empty();
-    }
-
-    /// The same for the piece that a document begins with, at whatever time it was generated.
-    bool passesStart(std::string_view piece)
-    {
-        if (!passes(piece.substr(0, kBeforeTime.size())))
-            return false;
-        for (std::size_t left = kTimeLength; left > 0 && hasMore(); --left)
-            rest.remove_prefix(1);
-        return passes(piece.substr(kBeforeTime.size() + kTimeLength));
-    }
-
-    bool hasMore()
-    {
-        if (rest.empty())
-            if (const ssize_t size = file.read(buffer.data(), buffer.size()); size > 0)
-                rest = {buffer.data(), static_cast<std::size_t>(size)};
-        return !rest.empty();
-    }
-
-private:
-    InputFile file;
-    std::array<char, 1 << 16> buffer;
-    std::string_view rest; // of the last piece
-};
-
 // Returns whether a file is the document that `message` writes, at whatever time. Such a document has the same types,
 // so it need not be imported.
 bool isDocumentOf(MsgBase& message, const CString& fileName)
@@ -211,16 +168,22 @@ bool isDocumentOf(MsgBase& message, const CString& fileName)
         return false;
     struct Different
     {};
-    EarlierDocument document(fileName);
+    std::ifstream file(fileName, std::ios::binary);
+    CString earlier;
     try {
-        message.writeXML([&document, isStart = true](std::string_view piece) mutable {
-            if (!(std::exchange(isStart, false) ? document.passesStart(piece) : document.passes(piece)))
+        message.writeXML([&, isStart = true](std::string_view piece) mutable {
+            earlier.resize(piece.size());
+            file.read(earlier.data(), static_cast<std::streamsize>(piece.size()));
+            earlier.resize(static_cast<std::size_t>(file.gcount()));
+            if (std::exchange(isStart, false) && earlier.size() > kBeforeTime.size()) // takes over the time
+                earlier.replace(kBeforeTime.size(), kTimeLength, piece, kBeforeTime.size(), kTimeLength);
+            if (earlier != piece)
                 throw Different(); // the rest need not be written
         });
     } catch (const Different&) {
         return false;
     }
-    return !document.hasMore();
+    return file.peek() == std::ifstream::traits_type::eof();
 }
 
 // Imports the earlier document and compares it. Returns false on failure, which has been reported.
