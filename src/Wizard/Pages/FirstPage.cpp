@@ -13,9 +13,8 @@ FirstPage::FirstPage() : QELPage(IDD_FIRST, "Typeforge - Introduction") {}
 void FirstPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
-    hideWelcome = wizard->options.queryHideWelcome();
     hideBox = withId(IDC_HIDE_WELCOME, new QCheckBox("&Hide this screen the next time"));
-    hideBox->setChecked(hideWelcome != 0);
+    hideBox->setChecked(wizard->options.queryHideWelcome() != 0);
     auto* column = new QVBoxLayout(this);
     column->addWidget(withId(IDC_WELCOME, coverText(loadText(IDS_WELCOME), wizard->titleFont)), 1);
     column->addWidget(hideBox);
@@ -29,7 +28,6 @@ void FirstPage::OnSetActive()
 
 LRESULT FirstPage::OnWizardNext()
 {
-    hideWelcome = hideBox->isChecked() ? 1 : 0;
-    wizard->options.setHideWelcome(hideWelcome);
+    wizard->options.setHideWelcome(hideBox->isChecked());
     return IDD_SOURCE_TYPE;
 }

@@ -15,6 +15,5 @@ public:
     LRESULT OnWizardNext() override;
 
 private:
-    int hideWelcome = 0;
     QCheckBox* hideBox = nullptr;
 };

@@ -166,7 +166,6 @@ LRESULT LoginToBroker::OnWizardNext()
     storeInput();
     CString failure, reason;
     std::optional<int> errors; // nothing if the run was cancelled
-    const bool isTrusted = logonSel == LogonKind::trusted;
     wizard->script.overwrite.clear();
     sheet()->runLong(
         [&] {
@@ -202,7 +201,7 @@ bool LoginToBroker::UpdateData()
     user = fromUi(userCombo->currentText());
     wipe(password);
     password = fromUi(passwordEdit->text());
-    logonSel = trustedButton->isChecked() ? LogonKind::trusted : LogonKind::broker;
+    isTrusted = trustedButton->isChecked();
     const QString portText = portEdit->text().trimmed();
     bool isNumber = portText.isEmpty();
     port = isNumber || portText.startsWith('+') ? 0 : portText.toUInt(&isNumber);
@@ -220,7 +219,7 @@ QWidget* LoginToBroker::blankField() const
         blank = serverCombo;
     else if (port == 0)
         blank = portEdit;
-    if (logonSel == LogonKind::trusted)
+    if (isTrusted)
         return blank;
     if (user.empty())
         blank = userCombo;
@@ -236,7 +235,7 @@ void LoginToBroker::storeInput()
     options.setBrokerPort(port);
     options.addUser(user);
     options.setPwd(password);
-    options.setUseTrustedLogon(logonSel == LogonKind::trusted);
+    options.setUseTrustedLogon(isTrusted);
 }
 
 // Runs in the thread of the long work.

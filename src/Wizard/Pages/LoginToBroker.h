@@ -27,14 +27,6 @@ public:
     void OnLogonBroker();
 
 private:
-    /// The choice, numbered like the radio buttons.
-    enum class LogonKind : int
-    {
-        none = -1,
-        trusted = 0, ///< as the user that runs the program
-        broker = 1   ///< with user and password
-    };
-
     QWidget* makeServerGroup();
     QWidget* makeLogonGroup();
     void suggestLogon(const QString& server);
@@ -55,6 +47,6 @@ private:
     CString server;
     CString password;
     CString user;
-    LogonKind logonSel = LogonKind::none;
+    bool isTrusted = false;   // logs on as the user that runs the program
     bool isSuggested = false; // the trusted logon was suggested by the server's name
 };

@@ -23,5 +23,4 @@ public:
 
 private:
     QButtonGroup* choice = nullptr;
-    OutputMode outputSel = toFile;
 };
