@@ -11,6 +11,7 @@
 #include <QStringDecoder>
 
 #include <filesystem>
+#include <fstream>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
@@ -36,17 +37,10 @@ QString decoded(QByteArray bytes)
 // Returns the first lines of a file; "" if it is no text.
 QString firstLines(const CString& fileName)
 {
-    InputFile file(fileName);
     QByteArray bytes(kMaxShown, Qt::Uninitialized);
-    qsizetype size = 0;
-    while (size < bytes.size()) {
-        const ssize_t got =
-            file.queryError() == 0 ? file.read(bytes.data() + size, static_cast<std::size_t>(bytes.size() - size)) : 0;
-        if (got <= 0)
-            break;
-        size += got;
-    }
-    bytes.truncate(size);
+    std::ifstream file(fileName, std::ios::binary);
+    file.read(bytes.data(), bytes.size());
+    bytes.truncate(file.gcount());
     QStringList lines;
     for (const QString& line : decoded(bytes).split('\n').mid(0, kMaxLines))
         lines.append(line.size() > kMaxLine ? line.left(kMaxLine) + " ..." : line);
