@@ -184,18 +184,17 @@ JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference)
 {
     // Cached by resource, because the same reference leads elsewhere in another one.
     const std::uint64_t key = keyOf(resourceOf(holder), reference);
-    auto known = resolved.find(key);
-    if (known == resolved.end()) {
-        Resolved found;
+    const auto [position, isNew] = references.insert(key, static_cast<std::uint32_t>(resolved.size()));
+    if (isNew) {
+        Resolved& found = resolved.emplace_back();
         lookUp(holder, tree.names[reference], found);
         if (found.node != 0)
             link(holder, found.node);
         // A title or a list is there, but no schema.
         if (!tree.is(found.node, JsonNode::object) && !tree.is(found.node, JsonNode::boolean))
             found.node = 0;
-        known = resolved.emplace(key, found).first;
     }
-    const auto [node, fault] = known->second;
+    const auto [node, fault] = resolved[position];
     if (node == 0)
         note(fault, holder, tree.names[reference]);
     return node;

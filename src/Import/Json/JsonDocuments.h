@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/NumberTable.h"
 #include "Files/FileFinder.h"
 #include "Import/Full/DocumentLinks.h"
 #include "Import/Json/JsonTree.h"
@@ -80,11 +81,12 @@ private:
     SourceReport& report;
     FileFinder finder;
     DocumentLinks links;
-    std::vector<Document> documents;                                  // by number in the report
-    std::map<FileId, Index> parsed;                                   // root by file; 0 if the file can't be read
-    std::unordered_map<CString, Index, KeyHash> resources;            // by URI
-    std::unordered_map<Index, CString> uris;                          // of schemas with an identifier
-    std::unordered_map<std::uint64_t, Index, NumberHash> anchors;     // by resource and name
-    std::unordered_map<std::uint64_t, Resolved, NumberHash> resolved; // by resource and reference
+    std::vector<Document> documents;                              // by number in the report
+    std::map<FileId, Index> parsed;                               // root by file; 0 if the file can't be read
+    std::unordered_map<CString, Index, KeyHash> resources;        // by URI
+    std::unordered_map<Index, CString> uris;                      // of schemas with an identifier
+    std::unordered_map<std::uint64_t, Index, NumberHash> anchors; // by resource and name
+    NumberTable references;                                       // positions in `resolved`, by resource and reference
+    std::vector<Resolved> resolved;
     std::size_t pointers = 0;
 };

@@ -191,10 +191,9 @@ JsonShapes::Index JsonShapes::memberOf(Index object, Index before, std::string_v
         return guess;
     const NameTable::Id id = names.intern(key);
     const std::uint64_t place = static_cast<std::uint64_t>(object) << 32 | id;
-    const auto [known, isNew] = members.try_emplace(place);
-    const Index member = isNew ? add(object, id) : known->second;
+    const auto [member, isNew] = members.insert(place, static_cast<Index>(shapes.size()));
     if (isNew) {
-        known->second = member;
+        add(object, id);
         Shape& holder = shapes[object];
         (holder.last == 0 ? holder.first : shapes[holder.last].next) = member;
         holder.last = member;

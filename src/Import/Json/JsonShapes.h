@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/NameTable.h"
+#include "Base/NumberTable.h"
 #include "Import/Full/SourceTypes.h"
 #include "Import/Json/JsonScanner.h"
 
@@ -60,8 +61,8 @@ private:
     std::uint32_t file = 0;
     std::uint32_t objects = 0; // read so far
     NameTable names;
-    std::vector<Shape> shapes;                                    // the first one is for whole messages
-    std::unordered_map<std::uint64_t, Index, NumberHash> members; // by object and key
+    std::vector<Shape> shapes; // the first one is for whole messages
+    NumberTable members;       // by object and key
     std::unordered_map<Index, SourceTypes::Index> records;
     std::vector<Index> pending; // objects whose fields are not yet declared
 };

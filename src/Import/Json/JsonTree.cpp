@@ -41,8 +41,8 @@ JsonNode::Index JsonTree::find(Index object, NameTable::Id key) const
     if (nodes[object].kind != JsonNode::object)
         return 0;
     if (nodes[object].isLarge) {
-        const auto found = members.find(memberKey(object, key));
-        return found == members.end() ? 0 : target(found->second);
+        const Index* const found = members.find(memberKey(object, key));
+        return found ? target(*found) : 0;
     }
     Index at = nodes[object].firstChild;
     while (at != 0 && nodes[at].key != key)
@@ -105,7 +105,7 @@ void JsonTree::index(Index object)
 {
     nodes[object].isLarge = true;
     for (const Index at : childrenOf(object))
-        members[memberKey(object, nodes[at].key)] = at;
+        members.insert(memberKey(object, nodes[at].key), at);
 }
 
 CString JsonTree::pointerTo(Index node) const

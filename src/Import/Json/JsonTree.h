@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/NameTable.h"
+#include "Base/NumberTable.h"
 #include "Import/Full/SourceTypes.h"
 #include "Import/SourceReport.h"
 
@@ -8,7 +9,6 @@
 #include <initializer_list>
 #include <iterator>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 /// The keys and values that the readers know. Their numbers are the same in each tree's table of names.
@@ -178,7 +178,7 @@ public:
 
 private:
     std::vector<JsonNode> nodes;
-    std::unordered_map<std::uint64_t, Index, NumberHash> members; // of large objects, by object and key
+    NumberTable members; // of large objects, by object and key
 };
 
 /// Adds the values of one document to a tree, as they are read. Of duplicate keys the last one stays, and the others

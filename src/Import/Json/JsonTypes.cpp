@@ -132,7 +132,7 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
     std::vector<std::string_view> constants;
     // A list that schemas share is one enumeration for each name it is used with.
     const std::uint64_t key = static_cast<std::uint64_t>(content.first) << 32 | tree.names.intern(called);
-    const auto [known, isNew] = enumerations.try_emplace(key, SourceTypes::kNone);
+    const auto [known, isNew] = enumerations.insert(key, SourceTypes::kNone);
     if (isNew) {
         std::vector<std::string_view> described;
         // The description of a single constant is that of the whole.
@@ -141,10 +141,10 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
             constants.push_back(types.keep(tree.names[constant.value]));
             described.push_back(isDescribed ? describe(constant.schema) : "");
         }
-        known->second = types.addEnumeration(called, constants, !nameOf(content.owner).empty(), describe(content.owner),
-                                             tree.placeOf(content.owner), 0, described);
+        known = types.addEnumeration(called, constants, !nameOf(content.owner).empty(), describe(content.owner),
+                                     tree.placeOf(content.owner), 0, described);
     }
-    return {SourceTypes::kindEnumeration, known->second};
+    return {SourceTypes::kindEnumeration, known};
 }
 
 void JsonTypes::finish()

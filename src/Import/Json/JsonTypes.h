@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/NumberTable.h"
 #include "Import/Json/JsonContents.h"
 
 #include <set>
@@ -106,8 +107,8 @@ private:
     JsonContents contents;
     SourceReport& report;
     const Places* const wanted;
-    std::unordered_map<Index, SourceTypes::Type> records;                           // by the owner of the content
-    std::unordered_map<std::uint64_t, SourceTypes::Index, NumberHash> enumerations; // by first constant and name
+    std::unordered_map<Index, SourceTypes::Type> records; // by the owner of the content
+    NumberTable enumerations;                             // by first constant and name
     std::unordered_map<Index, std::string_view> names;
     std::unordered_map<NameTable::Id, std::string_view> keptNames;    // fitted field names
     std::unordered_map<NameTable::Id, std::string_view> descriptions; // by the text that they are taken from
