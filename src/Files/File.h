@@ -8,7 +8,8 @@
 #include <limits>
 #include <sys/types.h>
 
-/// The size limit, in bytes, of a file that a source names. A file that the user names may have any size.
+/// The size limit, in bytes, of a file that a source names, and of JSON and YAML. Other files that the user names may
+/// have any size.
 inline constexpr std::size_t kMaxNamedFile = 64 << 20;
 inline constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max();
 

@@ -35,7 +35,7 @@ CString inWords(const CString& fileName, FileCause cause)
 CString inWords(int error)
 {
     static_assert(kMaxNamedFile == 64 << 20);
-    return error == EOVERFLOW ? "It is larger than 64 MB, the limit for a file that a source names"
+    return error == EOVERFLOW ? "It is larger than 64 MB, the limit for such a file"
                               : std::generic_category().message(error);
 }
 
