@@ -271,6 +271,10 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return take(frame, added);
     if (added.kind == JsonContent::text && isRefinedText(kind))
         return;
+    if (added.isImplied)
+        return;
+    if (frame.content.isImplied)
+        return take(frame, added);
     if (isRepeated) {
         if (frame.content.items == 0)
             frame.content.items = added.items;

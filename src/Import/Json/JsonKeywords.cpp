@@ -284,6 +284,7 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
         const JsonWord format = tree.wordOf(own.format);
         const bool isTime = format == JsonWord::dateTime || format == JsonWord::date || format == JsonWord::time;
         content.kind = isTime && type == JsonWord::string ? JsonContent::time : JsonContent::text;
+        content.isImplied = own.type == 0;
     }
     return content;
 }
