@@ -41,14 +41,6 @@ bool isConnectionString(const CString& source)
     return source.find('=') != CString::npos && testReadable(source) == FileCause::fileNotFound;
 }
 
-MsgUIDescriptor* tableImporter()
-{
-    MsgUIDescriptor** importer = g_amud;
-    while (!(*importer)->querySource().readsTables)
-        ++importer;
-    return *importer;
-}
-
 } // namespace
 
 std::vector<CString> filesOf(const std::vector<CString>& sources, bool isReadTwice)
@@ -66,7 +58,7 @@ std::vector<CString> filesOf(const std::vector<CString>& sources, bool isReadTwi
 
 MsgUIDescriptor* importerOf(const CString& file, Diagnostics& diagnostics)
 {
-    MsgUIDescriptor* const importer = isConnectionString(file) ? tableImporter() : importerFor(file);
+    MsgUIDescriptor* const importer = isConnectionString(file) ? importerNamed("odbc") : importerFor(file);
     if (importer) {
         diagnostics.note(CString("read as a source for ") + importer->querySource().word, file);
     } else {

@@ -13,11 +13,6 @@
 
 namespace {
 
-struct NoTable
-{
-    CString name;
-};
-
 // Returns the names of the tables as an import takes them, each once. Names that it can't take are left out; the
 // importer reports them.
 CString namesOf(const std::vector<ChosenTable>& tables)
@@ -58,8 +53,6 @@ void TableSource::import(MsgBase& message, const Arguments& arguments, const CSt
         read(dynamic_cast<ODBCMessage&>(message), arguments, basePath, diagnostics);
     } catch (const CDBException& error) {
         diagnostics.error(shownSource(error.what()) + logonHint(arguments, error)); // may quote the connection string
-    } catch (const NoTable& table) {
-        diagnostics.error("there is no table called " + table.name);
     }
 }
 
@@ -75,7 +68,7 @@ void TableSource::read(ODBCMessage& message, const Arguments& arguments, const C
         return;
     message.setChosen(tables);
     message.parseData(namesOf(tables), basePath);
-    requireTables(message, tables);
+    requireTables(message, tables, diagnostics);
 }
 
 bool TableSource::open(const Arguments& arguments)
@@ -143,9 +136,9 @@ bool TableSource::tableExists(const CString& name)
     return !tables.Open(nullptr, nullptr, name.c_str(), nullptr) || !tables.IsEOF();
 }
 
-// Throws NoTable for a requested table that doesn't exist. A type with fields proves that its table exists, which saves
-// a query.
-void TableSource::requireTables(MsgBase& message, const std::vector<ChosenTable>& tables)
+// Reports the first requested table that doesn't exist. A type with fields proves that its table exists, which saves a
+// query.
+void TableSource::requireTables(MsgBase& message, const std::vector<ChosenTable>& tables, Diagnostics& diagnostics)
 {
     std::set<CString> withFields;
     message.beginEnum();
@@ -154,5 +147,5 @@ void TableSource::requireTables(MsgBase& message, const std::vector<ChosenTable>
             withFields.insert(table->queryName());
     for (const ChosenTable& each : tables)
         if (each.how == ChosenTable::byName && !withFields.contains(each.table.name) && !tableExists(each.table.name))
-            throw NoTable{each.table.name};
+            return diagnostics.error("there is no table called " + each.table.name);
 }

@@ -29,7 +29,7 @@ private:
     std::vector<ChosenTable> pickTables(const std::vector<CString>& names);
     std::optional<TableName> qualifiedTable(const CString& name);
     bool tableExists(const CString& name);
-    void requireTables(MsgBase& message, const std::vector<ChosenTable>& tables);
+    void requireTables(MsgBase& message, const std::vector<ChosenTable>& tables, Diagnostics& diagnostics);
 
     CDatabase database;
 };
