@@ -28,15 +28,12 @@ void addLines(const CString& fileName, std::vector<CString>& arguments)
     if (const FileCause cause = readFile(fileName, text); cause != FileCause::none)
         throw std::runtime_error("can't open " + fileName + ": " + inWords(fileName, cause));
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    std::string_view rest = text;
-    rest.remove_prefix(rest.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);
-    while (!rest.empty()) {
-        std::string_view line = rest.substr(0, rest.find('\n'));
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    std::istringstream lines(text.substr(text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0));
+    for (CString line; std::getline(lines, line);) {
         if (line.ends_with('\r'))
-            line.remove_suffix(1);
+            line.pop_back();
         if (!line.empty())
-            arguments.emplace_back(line);
+            arguments.push_back(line);
     }
 }
 
