@@ -305,6 +305,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
         DTDElement& field = addAttribute(element, attribute);
         DTDElement& record = addPiece(element, nullptr);
         record.addChild(&field, placeOf(attribute));
+        field.setAttribute(record, placeOf(attribute));
         if (left < statement.size()) { // a type or default has been taken for an element
             note(SourceReport::inventedType, record, placeOf(element), element);
             field.isNoted = true;
@@ -347,7 +348,6 @@ DTDElement& DTDMessage::addAttribute(std::string_view element, std::string_view 
         field = &addDTDElement(memory.keep(joined), placeOf(attribute), nullptr);
         field->isAttribute = true;
     }
-    field->attributeAt = std::min(field->attributeAt, placeOf(attribute));
     return *field;
 }
 
@@ -375,12 +375,13 @@ void DTDMessage::declareRecord(DTDElement& record, const CString& path)
         report.add(SourceReport::textSkipped, text->places.at(record.textAt), row->queryName());
     key.append(".");
     for (DTDElement::Child child = record.enumNext(); child.element; child = record.enumNext())
-        declareField(child, path, key, row);
+        declareField(child, path, key, record, row);
 }
 
 // A repeating mark declares the usage twice: the model makes a table of a usage that it sees twice. `usageKey` holds
 // the common start of the keys of the record's fields.
-void DTDMessage::declareField(DTDElement::Child mention, const CString& path, RunningHash usageKey, Element* record)
+void DTDMessage::declareField(DTDElement::Child mention, const CString& path, RunningHash usageKey,
+                              const DTDElement& parent, Element* record)
 {
     DTDElement& child = *mention.element;
     std::string_view name = child.queryName();
@@ -401,14 +402,15 @@ void DTDMessage::declareField(DTDElement::Child mention, const CString& path, Ru
                 : TypeModel::Declared{model.addElement(usageKey, path, name, Element::typeString, record), !isKnown};
         child.element = field.element;
         isFirst = field.isFirst;
-        DTDElement* const unmarked = name.size() == child.queryName().size() ? &child : dtdElements.find(name);
-        noteName(unmarked ? *unmarked : child, child, *child.element);
+        noteName(unmarkedOf(child, name), child, *child.element);
     }
     const bool isMarked = mark == modStar || mark == modPlus;
     if (isMarked)
         isFirst = addUsage();
     if (!isFirst)
-        text->repetitions.add(*child.element, *record, mention.place, isMarked);
+        text->repetitions.add(
+            {child.element, record, mention.place, isMarked,
+             name.starts_with(parent.queryName()) ? unmarkedOf(child, name).attributeIn(parent) : kNowhere});
 }
 
 // Reports a name that is not an XML name, or that no declaration belongs to: once, at the place that mentions it first.

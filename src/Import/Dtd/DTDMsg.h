@@ -38,15 +38,28 @@ public:
     /// Returns the child under the cursor and moves on; its element is null at the end.
     Child enumNext();
 
+    /// Sets that the field is that of an attribute of `record`, mentioned at `at`. The first mention holds.
+    void setAttribute(const DTDElement& record, std::size_t at)
+    {
+        if (at < attributeAt) {
+            attributeAt = at;
+            attributeOf = &record;
+        }
+    }
+
+    /// Returns the offset of the attribute of `record` whose field this is; kNowhere if there is none.
+    std::size_t attributeIn(const DTDElement& record) const { return attributeOf == &record ? attributeAt : kNowhere; }
+
     /// The model's element for the name without its marks; null until it is declared.
     Element* element = nullptr;
 
-    std::size_t place = 0;              ///< offset of its first mention in the text
-    bool isDeclared = false;            ///< by an ELEMENT statement
-    bool isAttribute = false;           ///< the field of an attribute
-    std::size_t attributeAt = kNowhere; ///< offset of the first attribute whose field it is
-    std::size_t textAt = kNowhere;      ///< offset of its declaration if that allows text
-    bool isNoted = false;               ///< reported already
+    std::size_t place = 0;                   ///< offset of its first mention in the text
+    bool isDeclared = false;                 ///< by an ELEMENT statement
+    bool isAttribute = false;                ///< the field of an attribute
+    std::size_t attributeAt = kNowhere;      ///< offset of the first attribute whose field it is
+    const DTDElement* attributeOf = nullptr; ///< the record of that attribute
+    std::size_t textAt = kNowhere;           ///< offset of its declaration if that allows text
+    bool isNoted = false;                    ///< reported already
 
 private:
     std::string_view name;
@@ -135,7 +148,14 @@ private:
     DTDElement& addAttribute(std::string_view element, std::string_view attribute);
     void declareAll(const CString& path);
     void declareRecord(DTDElement& record, const CString& path);
-    void declareField(DTDElement::Child mention, const CString& path, RunningHash usageKey, Element* record);
+    void declareField(DTDElement::Child mention, const CString& path, RunningHash usageKey, const DTDElement& parent,
+                      Element* record);
+    // Returns the entry of `child` without its marks, whose name is `name`; `child` if there is none.
+    DTDElement& unmarkedOf(DTDElement& child, std::string_view name)
+    {
+        DTDElement* const unmarked = name.size() == child.queryName().size() ? &child : dtdElements.find(name);
+        return unmarked ? *unmarked : child;
+    }
     int refuse(std::string_view statement, const CString& bound);
     SourceFault faultAt(std::size_t at, const CString& words);
     void noteName(DTDElement& entry, const DTDElement& mention, const Element& element);

@@ -14,13 +14,14 @@ constexpr CharSet kBeforeContent(" \t\r\n(");
 void DTDRepetitions::reportAll(const TypeModel& model, TextPlaces& places, SourceReport& report)
 {
     RepeatedFields inModel(model);
-    for (const auto& [element, record, place, isMarked] : fields) {
+    for (const auto& [element, record, place, isMarked, attribute] : fields) {
         const bool staysSingle = inModel.staysSingle(*element, *record);
         const bool repeats = isMarked || mayRepeat(place);
+        const std::size_t single = repeats ? attribute : place;
         if (staysSingle && repeats)
             report.add(SourceReport::repetitionSkipped, places.at(place), element->queryName());
-        else if (!staysSingle && !repeats && isXmlName(element->queryName())) // others are reported as such
-            report.add(SourceReport::inventedRepetition, places.at(place), element->queryName());
+        else if (!staysSingle && single != kNowhere && isXmlName(element->queryName())) // others are reported as such
+            report.add(SourceReport::inventedRepetition, places.at(single), element->queryName());
     }
 }
 

@@ -15,24 +15,22 @@ class DTDRepetitions
 public:
     explicit DTDRepetitions(std::string_view text) : text(text) {}
 
-    /// Adds a field that `record` mentions again at the offset `place`, or with a mark that repeats it.
-    void add(const Element& field, const Element& record, std::size_t place, bool isMarked)
-    {
-        fields.push_back({&field, &record, place, isMarked});
-    }
-
-    /// Reports the fields that repeat and stay single, and those that don't repeat and became tables.
-    void reportAll(const TypeModel& model, TextPlaces& places, SourceReport& report);
-
-private:
+    /// A field that a record mentions again, or with a mark that repeats it.
     struct Field
     {
         const Element* element;
         const Element* record;
-        std::size_t place;
+        std::size_t place; ///< offset of the name in the text
         bool isMarked;
+        std::size_t attribute; ///< offset of the record's attribute that is the same field; kNowhere if there is none
     };
 
+    void add(const Field& field) { fields.push_back(field); }
+
+    /// Reports the fields that repeat and stay single, and those that don't repeat and became tables, or a part of one.
+    void reportAll(const TypeModel& model, TextPlaces& places, SourceReport& report);
+
+private:
     struct Declaration
     {
         std::size_t end;                               // at the next '<', because statements may run beyond their '>'
