@@ -316,13 +316,14 @@ TEST_F(ImportCommand, AnswersExactly)
  "totals":{"losses":5,"details":0,"types":1,"fields":2,"typed":0,"text":2}}
 )",
           ""}},
-        {"(echo '<xs:schema xmlns:xs=\"urn:s\"><xs:element name=\"r\"><xs:complexType><xs:attribute name=\"a\"/>';"
+        {"(echo '<xs:schema xmlns:xs=\"urn:s\"><xs:element name=\"r\"><xs:complexType><xs:attribute name=\"a\" "
+         "use=\"prohibited\"/>';"
          "echo '</xs:complexType></xs:element><xs:group name=\"g\"><xs:all><xs:any/></xs:all></xs:group><xs:any/>';"
          "echo '</xs:schema>') >g.xsd; $import xsd g.xsd -q --report - -o /dev/null",
          {0, "",
           "1 loss\ng.xsd:2:87: statement that has no effect there: xs:any inside xs:schema\n\n"
-          "2 details\ng.xsd:2:58: any element: (no name)\n\n"
-          "1 statement without effect\n1 any element\n1 content in any order\n"
+          "3 details\ng.xsd:1:66: part that may not occur: a\ng.xsd:2:58: any element: (no name)\n\n"
+          "1 statement without effect\n1 any element\n1 part that may not occur\n1 content in any order\n"
           "1 type, 1 field: 0 typed, 1 left text\n"}},
         {"$import dtd r.dtd --report none/x", {3, "", says("can't write none/x: No such file or directory")}},
 

@@ -263,7 +263,7 @@ x.json:5:60: values of different kinds: #/properties/h/allOf/1
 x.json:6:37: values of different kinds: #/properties/j/oneOf/0/properties/~0~1
 
 25 details
-x.json:5:97: element that may not occur: i at #/properties/i
+x.json:5:97: part that may not occur: i at #/properties/i
 x.json:5:10: name adjusted: g\h is g_h
 
 3 values of several kinds
@@ -275,7 +275,7 @@ x.json:5:10: name adjusted: g\h is g_h
 16 optional parts
 4 facets
 2 choices
-1 element that may not occur
+1 part that may not occur
 1 name adjusted
 1 default value
 )");

@@ -392,7 +392,7 @@ x.xsd:13:57: name that XML can't represent: no name
 
 16 details
 x.xsd:2:32: mixed content (order of text lost): r
-x.xsd:4:3: element that may not occur: a
+x.xsd:4:3: part that may not occur: a
 x.xsd:5:76: any attribute: r
 x.xsd:6:1: abstract type: A
 x.xsd:6:49: content ANY: y
@@ -415,7 +415,7 @@ x.xsd:2:32: name changed: b is r_b
 1 abstract type
 1 list
 1 union
-1 element that may not occur
+1 part that may not occur
 1 name changed
 1 bound of occurrence
 1 choice

@@ -203,6 +203,8 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
     case Word::use:
         isValid = isUse(value, edition);
         details[SourceReport::optionality] += value == "optional";
+        if (value == "prohibited")
+            most = Occurrence::none;
         break;
     case Word::nillable:
     case Word::nullable:
