@@ -122,13 +122,16 @@ TEST(TableChoice, TellsColumnsOfOneKeyAndTextsThatAreCut)
 {
     const TempDir folder;
     const CString source = "Driver=SQLite3;Database=" + folder.path("keys") + ";", cut(255, 'n');
-    for (const CString& table : {CString("ab (c int)"), CString("a (bc int)"), "n (" + cut + "n int)"})
+    for (const CString& table :
+         {CString("ab (c int)"), CString("a (bc int)"), "n (" + cut + "n int)", cut + "n (x int)"})
         Connected(source).database.ExecuteSQL("CREATE TABLE " + table);
     expectAnswers(
         folder, source,
         {{"-t a -t ab --strict", {1, "", "ab: error: single field read as repeated: a.bc, because of ab.c\n"}},
          {"-t n --strict",
-          {1, "", "n: error: cut short by a bound: a column's name, to 255 bytes: " + CString(169, 'n') + "...\n"}}});
+          {1, "", "n: error: cut short by a bound: a column's name, to 255 bytes: " + CString(169, 'n') + "...\n"}},
+         {"-q -o /dev/null --report - 2>&1 | sed -n 4p | cut -d: -f2,3",
+          {0, " cut short by a bound: a table's name, to 255 bytes\n", ""}}});
 }
 
 TEST(TableChoice, TellsTablesThatCantBeNamed)

@@ -40,6 +40,13 @@ std::span<const ChosenTable> allCalled(const std::vector<ChosenTable>& chosen, c
     return {std::ranges::lower_bound(chosen, name, {}, nameOf), std::ranges::upper_bound(chosen, name, {}, nameOf)};
 }
 
+// Returns whether the recordset may have cut a text.
+bool mayBeCut(const CString& text)
+{
+    constexpr std::size_t longest = 255, characterPart = 3; // bytes; the last character may be dropped in part
+    return text.size() >= longest - characterPart && text.size() <= longest;
+}
+
 const char* textOrNull(const CString& text)
 {
     return text.empty() ? nullptr : text.c_str();
@@ -114,18 +121,28 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
     }
     columns.Close();
     if (read.empty())
-        report.add(tableExists(tableName) ? SourceReport::emptyTable : SourceReport::tableGone, place, tableName);
+        reportEmpty(tableName, place);
     else
         reportTables(tableName, read);
+}
+
+// Reports why a table has no columns.
+void ODBCMessage::reportEmpty(const CString& tableName, SourcePlace place)
+{
+    if (tableExists(tableName))
+        report.add(SourceReport::emptyTable, place, tableName);
+    else if (mayBeCut(tableName))
+        report.add(SourceReport::cutShort, place, "a table's name, to 255 bytes: " + tableName);
+    else
+        report.add(SourceReport::tableGone, place, tableName);
 }
 
 // Reports texts that the recordset has cut.
 void ODBCMessage::reportCuts(const CColumns& columns, SourcePlace place)
 {
-    constexpr std::size_t longest = 255, characterPart = 3; // bytes; the last character may be dropped in part
-    if (columns.columnName.size() >= longest - characterPart)
+    if (mayBeCut(columns.columnName))
         report.add(SourceReport::cutShort, place, "a column's name, to 255 bytes: " + columns.columnName);
-    if (columns.remarks.size() >= longest - characterPart)
+    if (mayBeCut(columns.remarks))
         report.count(SourceReport::documentationCut);
 }
 

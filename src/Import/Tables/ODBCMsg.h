@@ -51,6 +51,7 @@ public:
 
 private:
     void createFromTable(CColumns& columns, const CString& tableName, const CString& basePath);
+    void reportEmpty(const CString& tableName, SourcePlace place);
     void reportCuts(const CColumns& columns, SourcePlace place);
     void reportSameKey(const CString& tableName, const CString& columnName, const Element& table, SourcePlace place);
     const TableName* exactTable(const CString& tableName) const;
