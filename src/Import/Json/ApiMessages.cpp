@@ -1,5 +1,7 @@
 #include "Import/Json/ApiMessages.h"
 
+#include "Import/Json/JsonKind.h"
+
 #include <algorithm>
 
 namespace {
@@ -23,24 +25,6 @@ CString nameOf(std::string_view words)
             name += '_';
     }
     return CString(trimmed(name, "_"));
-}
-
-enum class Language
-{
-    jsonSchema,
-    avro,
-    foreign
-};
-
-// Returns the language of a schema by its format in small letters; empty is that of the description itself.
-Language languageOf(std::string_view format)
-{
-    if (format.find("avro") != format.npos)
-        return Language::avro;
-    for (const char* const part : {"asyncapi", "schema+", "openapi"})
-        if (format.find(part) != format.npos)
-            return Language::jsonSchema;
-    return format.empty() ? Language::jsonSchema : Language::foreign;
 }
 
 } // namespace
@@ -195,7 +179,7 @@ JsonNode::Index ApiMessages::headersOf(Index message)
     for (const Index headers : found) {
         CString format;
         const Index schema = withoutFormat(headers, format);
-        if (languageOf(format) == Language::jsonSchema)
+        if (languageOf(format) == SchemaLanguage::jsonSchema)
             parts.push_back(schema);
         else
             documents.note(SourceReport::moduleUnreadable, schema, format);
@@ -223,11 +207,11 @@ void ApiMessages::readSchema(Index schema, CString format, const CString& name, 
 {
     if (schema == 0)
         return;
-    if (languageOf(format) != Language::foreign)
+    if (languageOf(format) != SchemaLanguage::foreign)
         schema = withoutFormat(schema, format);
-    if (languageOf(format) == Language::avro)
+    if (languageOf(format) == SchemaLanguage::avro)
         avro.addCandidate(follow(schema), schemas.toModelName(name, schema));
-    else if (languageOf(format) == Language::jsonSchema)
+    else if (languageOf(format) == SchemaLanguage::jsonSchema)
         schemas.addBody(schema, name, isPayload);
     else
         documents.note(SourceReport::moduleUnreadable, schema, format);
@@ -238,9 +222,9 @@ void ApiMessages::readComponent(Index node)
 {
     CString format;
     const Index schema = withoutFormat(node, format);
-    if (languageOf(format) == Language::avro)
+    if (languageOf(format) == SchemaLanguage::avro)
         avro.declareAll(follow(schema));
-    else if (languageOf(format) == Language::foreign)
+    else if (languageOf(format) == SchemaLanguage::foreign)
         documents.note(SourceReport::moduleUnreadable, schema, format);
     else if (schema != node && schemas.isWanted(tree.target(schema)))
         schemas.shapeOf(schema, schemas.toModelName(tree.key(node), node));

@@ -102,3 +102,13 @@ std::string_view importerOfJson(std::string_view start)
     const std::string_view text = trimmed(start);
     return text.starts_with('{') || text.starts_with('[') ? wordForJson(start) : wordForYaml(start);
 }
+
+SchemaLanguage languageOf(std::string_view format)
+{
+    if (format.find("avro") != format.npos)
+        return SchemaLanguage::avro;
+    for (const char* const part : {"asyncapi", "schema+", "openapi"})
+        if (format.find(part) != format.npos)
+            return SchemaLanguage::jsonSchema;
+    return format.empty() ? SchemaLanguage::jsonSchema : SchemaLanguage::foreign;
+}

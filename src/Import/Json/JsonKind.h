@@ -5,3 +5,14 @@
 /// Returns the id of the importer for a document in JSON or YAML, by the keys at its top: "openapi", "avro",
 /// "jsonschema", or "json" for any other JSON; empty if it is neither. `start` is the document's beginning.
 std::string_view importerOfJson(std::string_view start);
+
+/// The languages of the schemas of an API.
+enum class SchemaLanguage
+{
+    jsonSchema,
+    avro,
+    foreign
+};
+
+/// Returns the language of a schema by its format in small letters; JSON Schema if it is empty.
+SchemaLanguage languageOf(std::string_view format);

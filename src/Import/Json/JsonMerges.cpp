@@ -1,5 +1,6 @@
 // JsonContents: schemas that are made of others, because several describe one value.
 #include "Import/Json/JsonContents.h"
+#include "Import/Json/JsonKind.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -18,16 +19,23 @@ constexpr std::size_t kMadePerValue = 2;
 
 } // namespace
 
-// Returns the schema that a reference leads to; 0 and a loss if it leads to none. The members of "properties" are
+// Returns the schema that a reference leads to; 0 and a loss if it leads to none,
+// or to one in another language. The members of "properties" are
 // schemas, but it is none itself, unless a document that is no schema uses such a key for one.
 JsonNode::Index JsonContents::referenced(Index child)
 {
     const NameTable::Id reference = tree[tree.target(child)].text;
     const Index target = documents.resolve(child, reference);
     // AsyncAPI 3 has schemas beside their format.
-    if (tree.find(target, JsonWord::schemaFormat, JsonNode::string) != 0)
-        if (const Index schema = tree.find(target, JsonWord::schema); schema != 0)
+    if (const std::string_view format = tree.textOf(target, JsonWord::schemaFormat); !format.empty()) {
+        const Index schema = tree.find(target, JsonWord::schema);
+        if (schema != 0 && languageOf(lowerAscii(format)) == SchemaLanguage::jsonSchema)
             return schema;
+        if (schema != 0) {
+            documents.note(SourceReport::typeUnknown, child, CString(tree.names[reference]) + " in " + CString(format));
+            return 0;
+        }
+    }
     if (tree[target].place != JsonNode::names || tree.find(target, JsonWord::type, JsonNode::string) != 0)
         return target;
     documents.note(SourceReport::unresolvedReference, child, tree.names[reference]);
