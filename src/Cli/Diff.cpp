@@ -52,9 +52,10 @@ public:
     void compare(const TypeStructure& before, const TypeStructure& after)
     {
         const TypeFolders folders = movedFolders(before, after);
-        if (!folders.areEqual() && !options.ignoreFolders)
-            changes.push_back(
-                {TypeChange::folderChanged, partOfFolder(folders), {}, {}, folders.before, folders.after});
+        if (!folders.areEqual() && !options.ignoreFolders) {
+            const CString part = partOfFolder(before, after, folders);
+            changes.push_back({TypeChange::folderChanged, part, {}, {}, folders.before, folders.after});
+        }
         const std::vector<TypeChange> found = typeChanges(before, after, folders);
         changes.insert(changes.end(), found.begin(), found.end());
     }
@@ -91,16 +92,24 @@ public:
     }
 
 private:
-    // Returns which parts of the folder differ. Its last part is named after the main element.
-    static CString partOfFolder(const TypeFolders& folders)
+    // Returns whether a folder is named after the main element. In a set with folders by namespace it is not.
+    static bool isOfMainElement(const TypeStructure& types, const CString& folder)
     {
+        return types.find(folder + CString(shortName(folder.substr(0, folder.size() - 1)))) != TypeStructure::kNone;
+    }
+
+    // Returns which parts of the folder differ.
+    static CString partOfFolder(const TypeStructure& before, const TypeStructure& after, const TypeFolders& folders)
+    {
+        if (!isOfMainElement(before, folders.before) && !isOfMainElement(after, folders.after))
+            return "base path";
         const auto parentOf = [](const CString& folder) {
             return folder.substr(0, folder.rfind('\\', folder.size() - 2) + 1);
         };
-        const CString before = parentOf(folders.before), after = parentOf(folders.after);
-        if (before == after)
+        const CString pathBefore = parentOf(folders.before), pathAfter = parentOf(folders.after);
+        if (pathBefore == pathAfter)
             return "main element";
-        return folders.before.substr(before.size()) == folders.after.substr(after.size())
+        return folders.before.substr(pathBefore.size()) == folders.after.substr(pathAfter.size())
                    ? "base path"
                    : "base path and main element";
     }

@@ -34,6 +34,12 @@ not compatible: it breaks readers
           "changed main element: \\sys\\rosettanet\\r\\ to \\sys\\rosettanet\\s\\ [folder-changed]\n"
           "changed base path and main element: \\sys\\rosettanet\\r\\ to \\s\\ [folder-changed]\n",
           ""}},
+        {"$import dtd --full r.dtd s.dtd -b '\\acme' -o rs.xml; $import dtd --full r.dtd s.dtd -b '\\a\\b' --diff "
+         "rs.xml",
+         {1,
+          "changed base path: \\acme\\ to \\a\\b\\ [folder-changed]\n"
+          "not compatible: it breaks readers\n",
+          ""}},
         {"$import r.dtd -b '\\acme' --diff r.xml --ignore-folders; $import - -b '\\acme' --diff - <r.dtd",
          {2, "", mistake("--diff: standard input can't be both the source and the document")}},
         {"printf '<!ELEMENT r (a, b, c+)>' >c.dtd; $import c.dtd -q --diff r.xml | grep -c breaks; $import r.dtd -o "
