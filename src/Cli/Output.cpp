@@ -41,10 +41,9 @@ bool Output::isTerminal() const
 bool Output::finish()
 {
     flush();
-    const FileCause cause = file ? file->commit() : FileCause::none;
-    if (cause != FileCause::none)
-        report("can't write " + fileName + ": " + inWords(fileName, cause));
-    else if (error != 0)
-        report("can't write standard output: " + inWords(error));
-    return cause == FileCause::none && error == 0;
+    if (file && file->commit() != FileCause::none)
+        error = file->queryError();
+    if (error != 0)
+        report("can't write " + (file ? fileName : "standard output") + ": " + inWords(error));
+    return error == 0;
 }

@@ -30,5 +30,5 @@ public:
 private:
     CString fileName;
     std::unique_ptr<AtomicFile> file; // null for standard output
-    int error = 0;                    // the errno value of the first failure of standard output
+    int error = 0;                    // the errno value of the first failure; of a file once it is finished
 };

@@ -125,13 +125,13 @@ bool AtomicFile::openMemory()
 
 void AtomicFile::fail()
 {
-    if (cause == FileCause::none)
-        cause = fileCauseOf(errno);
+    if (error == 0)
+        error = errno;
 }
 
 void AtomicFile::flush()
 {
-    if (cause == FileCause::none && !out.write(buffer))
+    if (error == 0 && !out.write(buffer))
         fail();
     buffer.clear();
 }
@@ -140,7 +140,7 @@ void AtomicFile::write(std::string_view bytes)
 {
     if (buffer.size() + bytes.size() > kBufferSize)
         flush();
-    if (cause != FileCause::none)
+    if (error != 0)
         return;
     if (bytes.size() < kBufferSize)
         buffer.append(bytes);
@@ -151,14 +151,14 @@ void AtomicFile::write(std::string_view bytes)
 FileCause AtomicFile::commit()
 {
     flush();
-    const bool isWritten = cause != FileCause::none || target.empty();
+    const bool isWritten = error != 0 || target.empty();
     if (!isWritten && keepsUnchanged && isUnchanged())
         temporary.remove();
     else if (!isWritten && !place())
         fail();
     if (!out.close())
         fail();
-    return cause;
+    return fileCauseOf(error);
 }
 
 void AtomicFile::keepUnchanged(off_t from, off_t count)

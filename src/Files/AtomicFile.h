@@ -25,7 +25,7 @@ public:
         written  ///< is written directly
     };
 
-    /// Opens the file for writing; queryCause() tells whether that failed.
+    /// Opens the file for writing; queryError() tells whether that failed.
     explicit AtomicFile(const CString& fileName, Special special = Special::refused);
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
@@ -41,8 +41,8 @@ public:
     /// since the object was opened.
     FileCause commit();
 
-    /// Returns `none` if nothing has failed yet, the opening included.
-    FileCause queryCause() const { return cause; }
+    /// Returns the errno value of the first failure, the opening included; 0 if nothing has failed yet.
+    int queryError() const { return error; }
 
 private:
     void open(const CString& fileName, Special special);
@@ -61,5 +61,5 @@ private:
     off_t ignoredFrom = 0, ignoredEnd = 0;
     CString buffer; // gathers small writes
     Descriptor out;
-    FileCause cause = FileCause::none;
+    int error = 0;
 };

@@ -4,11 +4,11 @@
 
 #include <cerrno>
 
-FileCause TemporaryFiles::add(const CString& folder, std::string_view bytes, CString& name, const char* suffix)
+int TemporaryFiles::add(const CString& folder, std::string_view bytes, CString& name, const char* suffix)
 {
     TemporaryFile& file = files.emplace_back();
     Descriptor out(file.create(folder, "QEL_", suffix));
     name = file.queryName();
     const bool whole = out.isOpen() && out.write(bytes) && out.close();
-    return whole ? FileCause::none : fileCauseOf(errno);
+    return whole ? 0 : errno;
 }

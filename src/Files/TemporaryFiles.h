@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Files/FileError.h"
 #include "Files/TemporaryFile.h"
 
 #include <list>
@@ -10,8 +9,8 @@ class TemporaryFiles
 {
 public:
     /// Creates a file `folder`/QEL_*`suffix` that holds `bytes`. Sets `name` to its absolute name, also on failure.
-    /// Returns `none`, or the cause of the failure.
-    FileCause add(const CString& folder, std::string_view bytes, CString& name, const char* suffix = ".xml");
+    /// Returns 0, or the errno value of the failure.
+    int add(const CString& folder, std::string_view bytes, CString& name, const char* suffix = ".xml");
 
 private:
     std::list<TemporaryFile> files;

@@ -282,9 +282,8 @@ void EditPage::OnEdit()
     const CString name = types[static_cast<std::size_t>(row)]->queryName();
     CString document, fileName;
     types[static_cast<std::size_t>(row)]->asXML(document);
-    const FileCause cause = tempFiles.add(temporaryFolder(), document, fileName);
-    if (cause != FileCause::none) {
-        stay(cantOpen(fileName, cause), inWords(fileName, cause));
+    if (const int error = tempFiles.add(temporaryFolder(), document, fileName); error != 0) {
+        stay(cantOpen(fileName, fileCauseOf(error)), inWords(error));
         return;
     }
     showInViewer(fileName, this, [this, name, document] {

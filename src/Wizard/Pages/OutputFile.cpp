@@ -124,17 +124,18 @@ LRESULT OutputFile::OnWizardNext()
     if (!fileName.empty())
         wizard->options.addOutputFile(fileName);
     const WaitCursor wait;
-    FileCause cause = FileCause::none;
+    int error = 0;
     sheet()->runLong([&] {
         AtomicFile file(fileName); // keeps an older file until the new one is complete
-        if (file.queryCause() == FileCause::none)
+        if (file.queryError() == 0)
             wizard->message->writeXML([&file](std::string_view text) { file.write(text); });
-        cause = file.commit();
+        file.commit();
+        error = file.queryError();
     });
-    if (cause != FileCause::none)
-        return stayAtFile(cantOpen(fileName, cause), fileName.empty()
-                                                         ? "The name of the file is missing. Type it, or press Browse."
-                                                         : inWords(fileName, cause));
+    if (error != 0)
+        return stayAtFile(cantOpen(fileName, fileCauseOf(error)),
+                          fileName.empty() ? "The name of the file is missing. Type it, or press Browse."
+                                           : inWords(error));
     wizard->script.output = absoluteName(fileName);
     wizard->setCurrentFolder(WizardRun::folderCWD);
     return IDD_FINISH;

@@ -23,6 +23,6 @@ CString saveUnderChosenName(QWidget& owner, const CString& title, const std::vec
     const FileCause cause = file.commit();
     if (cause == FileCause::none)
         return fileName;
-    ModalBox(owner).show(cantOpen(fileName, cause), loadText(IDS_ERROR_TITLE), inWords(fileName, cause));
+    ModalBox(owner).show(cantOpen(fileName, cause), loadText(IDS_ERROR_TITLE), inWords(file.queryError()));
     return {};
 }
