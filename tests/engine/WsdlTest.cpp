@@ -46,6 +46,15 @@ const Row kRows[] = {
                 "<s:element name='f'/>") +
           MESSAGE("Get", PART("id", "type='s:int'") PART("x", "type='t:X'") PART("f", "element='t:f'"))),
      "X(z:String) Get(id:Number x:X f:String)"},
+    {"OperationsNameMessagesOfAnyFile",
+     wsdl("<import location='b.wsdl'/>" MESSAGE(
+         "M",
+         PART("p",
+              "type='s:int'")) "<portType><operation><input "
+                               "message='w:N'/><output message='M'/><fault message='w:No'/></operation></portType>"),
+     "N(p:String) M(p:Number)",
+     "1 loss: 1 reference became text",
+     {{"b.wsdl", wsdl(MESSAGE("N", PART("p", "type='s:string'")))}}},
     {"SchemasKnowEachOther",
      wsdl("<types><s:schema targetNamespace='urn:t'><s:import namespace='urn:u'/>" ELEMENT(
          "a", "<s:element name='x' type='u:X'/>") "</s:schema><s:schema targetNamespace='urn:u'><s:complexType "

@@ -193,6 +193,8 @@ private:
     std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
     bool hasWsdl = false;
     std::vector<std::pair<WsdlReader::Root, std::uint32_t>> messages; // of WSDLs, with the number of the source
+    std::unordered_set<NameTable::Id> messageNames;
+    std::vector<WsdlReader::MessageUse> messageUses;
     std::vector<Source> loaded;
     std::vector<NameTable::Id> spaces;      // namespaces of the documents, each once
     std::uint32_t loads = 0;                // number of load() calls so far

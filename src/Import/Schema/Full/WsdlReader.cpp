@@ -199,11 +199,14 @@ void WsdlReader::readPart(XmlAttributes attributes, SourcePlace place)
         parts.push_back({message, tree.names.intern(name), element, type, place});
 }
 
-// Reads the content of a WSDL 2.0 message: an element, or one of the words #none, #any and #other.
+// Reads the content of an operation: in WSDL 1.1 the name of a message, in 2.0 an element, or one of the words #none,
+// #any and #other.
 void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, SourcePlace place)
 {
-    const std::string_view content = attributes.valueOf("element");
+    const std::string_view content = attributes.valueOf("element"), named = attributes.valueOf("message");
     report.enter(kMessages);
+    if (!named.empty())
+        uses.push_back({tree.names.intern(named.substr(named.find(':') + 1)), place});
     if (const SchemaName element = resolve(content); element.local != 0)
         parts.push_back({0, 0, element, {}, place});
     else if (content == "#any")

@@ -51,6 +51,18 @@ public:
     /// Returns the elements of all messages, in their order.
     const std::vector<Root>& queryRoots() const { return roots; }
 
+    /// Returns the names of the messages.
+    const std::unordered_set<NameTable::Id>& queryMessageNames() const { return messageNames; }
+
+    /// A message that an operation names, without its prefix.
+    struct MessageUse
+    {
+        NameTable::Id name;
+        SourcePlace place;
+    };
+    /// Returns the messages that operations name, in their order.
+    const std::vector<MessageUse>& queryMessageUses() const { return uses; }
+
     /// Another file that a WSDL imports or includes.
     struct Import
     {
@@ -105,6 +117,7 @@ private:
     NameTable::Id target = 0;
     std::vector<NameTable::Id> messages{0}; // names of messages by number
     std::unordered_set<NameTable::Id> messageNames;
+    std::vector<MessageUse> uses;
     std::uint32_t message = 0; // that is open
     std::vector<Part> parts;
     std::vector<Root> roots;
