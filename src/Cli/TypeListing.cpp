@@ -4,6 +4,7 @@
 #include "Base/Utf8.h"
 #include "Cli/Output.h"
 #include "Import/MsgBase.h"
+#include "Types/IndentedDocument.h"
 #include "Types/TypeGraph.h"
 #include "Types/TypeStructure.h"
 
@@ -68,23 +69,6 @@ CString nameOf(const Element& type)
     return shownText(type.queryPath() + type.queryName());
 }
 
-// Indents a document. It has no text nodes and no '<' in attributes, so "><" occurs only between two tags.
-CString indented(std::string_view document)
-{
-    CString out;
-    std::size_t depth = 0;
-    while (!document.empty()) {
-        const std::string_view tag = document.substr(0, document.find("><") + 1);
-        const std::string_view line = tag.empty() ? document : tag;
-        const bool isEnd = line.starts_with("</");
-        depth -= isEnd;
-        out += CString(2 * depth, ' ').append(line) + "\n";
-        depth += !isEnd && !line.ends_with("/>");
-        document.remove_prefix(line.size());
-    }
-    return out;
-}
-
 } // namespace
 
 bool holdsTypes(MsgBase& message)
@@ -147,5 +131,5 @@ void writeType(Element& type, bool isIndented, Output& output)
 {
     CString document;
     type.asXML(document);
-    output.write(isIndented ? indented(document) : document);
+    output.write(isIndented ? indentedDocument(document) + "\n" : document);
 }

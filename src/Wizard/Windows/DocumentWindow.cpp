@@ -1,5 +1,6 @@
 #include "Wizard/Windows/DocumentWindow.h"
 
+#include "Types/IndentedDocument.h"
 #include "Ui/ElidedLabel.h"
 #include "Ui/PlainText.h"
 #include "Ui/UiText.h"
@@ -18,29 +19,6 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
-
-namespace {
-
-// Returns a type's document with each tag on a line of its own. Such documents contain no text, and no '<' or '>' in
-// values.
-CString indented(std::string_view document)
-{
-    CString lines;
-    std::size_t depth = 0;
-    while (!document.empty()) {
-        const std::size_t end = document.find('>');
-        const std::string_view tag = document.substr(0, end == document.npos ? end : end + 1);
-        document.remove_prefix(tag.size());
-        if (tag.starts_with("</") && depth > 0)
-            --depth;
-        lines.append(lines.empty() ? "" : "\n").append(2 * depth, ' ').append(tag);
-        if (!tag.starts_with("</") && !tag.ends_with("/>"))
-            ++depth;
-    }
-    return lines;
-}
-
-} // namespace
 
 DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CString& typeDocument,
                                const QString& note, Kind documentKind) :
@@ -62,7 +40,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     text->setUndoRedoEnabled(false); // keeps no second copy of the text
     if (isType)
         new XmlHighlighter(text->document(), palette());
-    shown = toUi(isType ? indented(document) : document);
+    shown = toUi(isType ? indentedDocument(document) : document);
     connect(&filling, &QTimer::timeout, this, [this] { fill(20); });
     filling.start();
     fill(0);

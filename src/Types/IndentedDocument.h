@@ -1,0 +1,7 @@
+#pragma once
+
+#include "Base/Text.h"
+
+/// Returns a type's document with each tag on a line of its own, indented. Such documents contain no text, and no '<'
+/// or '>' in values.
+CString indentedDocument(std::string_view document);
