@@ -8,11 +8,18 @@ namespace {
 
 constexpr std::size_t kSize = 1 << 16;
 
+// Returns whether a byte is the first one of several that encode a character in UTF-8.
+bool startsCharacter(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0xC0;
+}
+
 } // namespace
 
 XmlSource::XmlSource(const CString& fileName, std::size_t most) : buffer(new char[kSize])
 {
     file.emplace(fileName, most);
+    bytes = buffer.get();
     error = file->queryError();
     if (!error)
         fill(); // reports an unreadable file before anything is parsed
@@ -20,24 +27,34 @@ XmlSource::XmlSource(const CString& fileName, std::size_t most) : buffer(new cha
 
 int XmlSource::read(char* out, int room)
 {
-    if (at == filled && !fill())
+    constexpr std::size_t lookAhead = 2; // a byte may be held back, and one is looked at
+    if (filled - at <= lookAhead)
+        fill();
+    if (at == filled)
         return error ? -1 : 0;
-    const std::size_t piece = std::min(static_cast<std::size_t>(room), filled - at);
+    // libxml2 2.9.14 takes the first byte of a character for a character if the piece before ended there inside of a
+    // name (xmlCurrentChar). So no piece ends there, and of a file that goes on the last byte is held back.
+    std::size_t piece = std::min(static_cast<std::size_t>(room), filled - at - (isEnded ? 0 : 1));
+    if (piece > 1 && at + piece < filled && startsCharacter(bytes[at + piece]))
+        --piece;
     std::memcpy(out, bytes + at, piece);
     at += piece;
     return static_cast<int>(piece);
 }
 
-bool XmlSource::fill()
+// Reads the next bytes of a file behind those that are left.
+void XmlSource::fill()
 {
-    if (!file)
-        return false;
-    const ssize_t got = file->read(buffer.get(), kSize);
+    if (isEnded)
+        return;
+    filled -= at;
+    std::memmove(buffer.get(), buffer.get() + at, filled);
+    at = 0;
+    const ssize_t got = file->read(buffer.get() + filled, kSize - filled);
     if (got < 0)
         error = errno;
-    bytes = buffer.get();
-    at = 0;
-    filled = got > 0 ? static_cast<std::size_t>(got) : 0;
-    count += filled;
-    return got > 0;
+    isEnded = got <= 0;
+    const std::size_t added = isEnded ? 0 : static_cast<std::size_t>(got);
+    filled += added;
+    count += added;
 }

@@ -16,10 +16,10 @@ public:
 
     /// The text must live as long as the source.
     explicit XmlSource(std::string_view document) :
-        bytes(document.data()), filled(document.size()), count(document.size())
+        bytes(document.data()), filled(document.size()), count(document.size()), isEnded(true)
     {}
 
-    /// Reads as read(2) does. Calls the system only if the last piece is used up.
+    /// Reads as read(2) does. Calls the system only if the last piece is nearly used up.
     int read(char* out, int room);
 
     /// Returns the errno value of a failure, or 0.
@@ -32,7 +32,7 @@ public:
     std::size_t querySize() const { return file ? file->querySize() : 0; }
 
 private:
-    bool fill();
+    void fill();
 
     std::optional<InputFile> file; // empty for a text
     int error = 0;
@@ -41,4 +41,5 @@ private:
     std::size_t at = 0;
     std::size_t filled = 0;
     std::size_t count = 0;
+    bool isEnded = false; // nothing is left to read behind the bytes
 };

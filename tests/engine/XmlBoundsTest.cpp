@@ -181,6 +181,17 @@ TEST_F(XmlBounds, ListsThatAreComparedAreCutOff)
     EXPECT_EQ(read("<!DOCTYPE a [" + two + "\n" + times(10, "%p;%q;") + "]><a/>"), "4 " + refusal);
 }
 
+// libxml2 asks for pieces of 4,000 bytes, and the buffer of a file has 64 kB.
+TEST_F(XmlBounds, PiecesOfTheFileMayEndAnywhereInANameOfSeveralBytesACharacter)
+{
+    const std::string name = times(100, "\u2122");
+    for (const std::size_t end : {4'000, 8'000, 65'536})
+        for (std::size_t i = 0; i < 60; ++i) {
+            const std::string content(end - 2 * name.size() - 16 + i, 'x');
+            EXPECT_EQ(read("<" + name + "><a>" + content + "</a></" + name + ">"), "") << end << " " << i;
+        }
+}
+
 TEST_F(XmlBounds, LongTextsArriveWhole)
 {
     const std::string text = times(5'000'000, "0123456789");
