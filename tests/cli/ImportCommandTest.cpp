@@ -283,6 +283,11 @@ TEST_F(ImportCommand, AnswersExactly)
           "--entity a=INCLUDE includes one; others depend on b\n" +
               mistake("--entity: xsd has no parameter entities") + mistake("--entity: it takes NAME=VALUE")}},
 
+        {"printf '<definitions xmlns=\"http://schemas.xmlsoap.org/wsdl/\"><import "
+         "location=\"no.wsdl\"/></definitions>' "
+         ">d.wsdl; $import d.wsdl",
+         {1, "", "d.wsdl: error: it declares no element, type or enumeration; 1 loss: 1 document not found\n"}},
+
         // Reports.
         {"$import dtd r.dtd --full --root r --report - -l", {0, kList, "2 types, 2 fields: 0 typed, 2 left text\n"}},
         {"printf '<!ENTITY %% e \"<a>\">\n<!-- %%e; --><![IGNORE[%%e;]]>\n<!ELEMENT r (a, (b, c)+, d)*>' >n.dtd;"

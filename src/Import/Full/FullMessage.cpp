@@ -150,9 +150,13 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     beginWork(Work::arranging);
     if (types.empty() && isEmptyAllowed)
         return;
-    if (types.empty())
-        throw SourceRefusal{fileName + " declares no element, type or enumeration.",
-                            {"", "it declares no element, type or enumeration"}};
+    if (types.empty()) {
+        report.release({});
+        const CString losses = report.lossesInWords(); // may be the reason
+        throw SourceRefusal{
+            fileName + " declares no element, type or enumeration.",
+            {"", "it declares no element, type or enumeration" + (losses.empty() ? "" : "; " + losses)}};
+    }
     MainTypes main = chooseMain(types, fileName);
     if (bySpace && mergesEqual)
         mergeEqualTypes(types, main.records);
