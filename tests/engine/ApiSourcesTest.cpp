@@ -115,6 +115,11 @@ const Rule kApis[] = {
         "payload":{"type":"object","properties":{"n":{"$ref":"#/components/schemas/S","properties":{"no":{}}}}}}]}}}},"components":{"messages":{"M":{"headers":{"properties":{"h":{"type":"integer"}}},
         "payload":{"$ref":"#/components/schemas/S"}}},"schemas":{"S":{"properties":{"s":{}}}}}})",
      "MHeaders(h:Number) S(s:String) N(n:S)"},
+    {"ComponentOfVersion2InAnotherLanguage",
+     R"({"asyncapi":"2.6.0","channels":{"c":{"publish":{"message":{"schemaFormat":"application/vnd.apache.avro;version=1.9.0",
+        "payload":{"$ref":"#/components/schemas/R"}}}}},"components":{"schemas":{"R":{"type":"record","name":"Rec",
+        "fields":[{"name":"x","type":"int"}]},"S":{"properties":{"s":{}}}}}})",
+     "S(s:String) Rec(x:Number)"},
     {"ChannelsOfVersion3",
      R"({"asyncapi":"3.0.0","channels":{"c":{"messages":{"M":{"payload":{"schemaFormat":"application/vnd.apache.avro;version=1.9.0",
         "schema":{"type":"record","name":"Rec","fields":[{"name":"x","type":"int"}]}}}}}},"components":{"channels":{"d":{"messages":{"K":{

@@ -209,12 +209,15 @@ void ApiMessages::readSchema(Index schema, CString format, const CString& name, 
         return;
     if (languageOf(format) != SchemaLanguage::foreign)
         schema = withoutFormat(schema, format);
-    if (languageOf(format) == SchemaLanguage::avro)
-        avro.addCandidate(follow(schema), schemas.toModelName(name, schema));
-    else if (languageOf(format) == SchemaLanguage::jsonSchema)
+    if (languageOf(format) == SchemaLanguage::avro) {
+        const Index target = follow(schema);
+        avro.addCandidate(target, schemas.toModelName(name, schema));
+        schemas.leaveOut(target); // version 2 doesn't say the language of components
+    } else if (languageOf(format) == SchemaLanguage::jsonSchema) {
         schemas.addBody(schema, name, isPayload);
-    else
+    } else {
         documents.note(SourceReport::moduleUnreadable, schema, format);
+    }
 }
 
 // Declares a schema of the components that holds its format.

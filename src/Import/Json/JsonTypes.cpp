@@ -228,7 +228,8 @@ void JsonTypes::declareMembers(Index holder, bool asCandidates)
         return;
     for (const Index at : tree.childrenOf(holder)) {
         const Index schema = tree.target(at);
-        const bool isOther = tree.find(schema, JsonWord::schemaFormat, JsonNode::string) != 0; // holds another format
+        const bool isOther = foreign.contains(schema) ||
+                             tree.find(schema, JsonWord::schemaFormat, JsonNode::string) != 0; // holds another format
         if (isOther || !isWanted(schema))
             continue;
         if (asCandidates)

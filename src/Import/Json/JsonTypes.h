@@ -57,6 +57,9 @@ public:
     /// become candidates for main types.
     void declareMembers(Index holder, bool asCandidates);
 
+    /// Keeps declareMembers() from reading a schema, because it is in another language.
+    void leaveOut(Index schema) { foreign.insert(schema); }
+
     /// Makes the schemas called `name` that the document of `root` declares candidates: itself, and its definitions.
     void addDeclared(Index root, std::string_view name);
 
@@ -112,6 +115,7 @@ private:
     std::unordered_map<Index, std::string_view> names;
     std::unordered_map<NameTable::Id, std::string_view> keptNames;    // fitted field names
     std::unordered_map<NameTable::Id, std::string_view> descriptions; // by the text that they are taken from
+    std::unordered_set<Index> foreign;                                // left out by leaveOut()
     std::unordered_set<std::uint64_t, NumberHash> candidates;         // by source and record
     Index source = 0;
     std::vector<Pending> pending;
