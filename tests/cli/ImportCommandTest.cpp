@@ -254,8 +254,7 @@ TEST_F(ImportCommand, AnswersExactly)
           "l.xsd: warning: 2 losses: 2 references became text; --report FILE lists them\n"}},
         // Options that the source has no use for.
         {"echo '<!ENTITY % m \"IGNORE\"><![%m;[]]><!ENTITY % d \"\">'$(cat r.dtd) >e.dtd; $import dtd --full r.dtd "
-         "e.dtd "
-         "--folder urn:a=v --entity m=INCLUDE --entity d= --entity n=x -l -b a",
+         "e.dtd --folder urn:a=v --entity m=INCLUDE --entity d= --entity n=x -l -b a",
          {0, "a\\t_b\tt_b (Automatically created)\na\\r\tr (Automatically created)\n",
           "r.dtd: warning: --folder urn:a=... has no effect: no type has this namespace\n"
           "r.dtd: warning: --entity n=... has no effect: no DTD refers to it or declares it\n"}},
@@ -274,18 +273,14 @@ TEST_F(ImportCommand, AnswersExactly)
           "\\sys\\rosettanet\\r\\r\tr (Automatically created)\n",
           "none: error: No such file or directory\nr.dtd:1:2: error: StartTag: invalid element name\n"}},
         {"printf '<!ENTITY %% a \"IGNORE\"><!ENTITY %% b \"IGNORE\"><![%%a;[<!ELEMENT a (c)>]]><![ %%b; [<!ELEMENT b "
-         "(c)>]]>"
-         "<![%%a;[<!ELEMENT d (c)>]]>' >t.dtd; $import dtd --full t.dtd; $import dtd --full t.dtd -l --entity "
-         "a=INCLUDE -q;"
-         "$import xsd --full x.xsd --entity a=b; $import dtd --full t.dtd --entity a",
+         "(c)>]]><![%%a;[<!ELEMENT d (c)>]]>' >t.dtd; $import dtd --full t.dtd; $import dtd --full t.dtd -l "
+         "--entity a=INCLUDE -q; $import xsd --full x.xsd --entity a=b; $import dtd --full t.dtd --entity a",
          {2, "\\sys\\rosettanet\\a\\d\td (Automatically created)\n\\sys\\rosettanet\\a\\a\ta (Automatically created)\n",
           "t.dtd: error: it declares no element, type or enumeration\nt.dtd: warning: all its sections are left out; "
           "--entity a=INCLUDE includes one; others depend on b\n" +
               mistake("--entity: xsd has no parameter entities") + mistake("--entity: it takes NAME=VALUE")}},
-
-        {"printf '<definitions xmlns=\"http://schemas.xmlsoap.org/wsdl/\"><import "
-         "location=\"no.wsdl\"/></definitions>' "
-         ">d.wsdl; $import d.wsdl",
+        {"printf '<definitions xmlns=\"http://schemas.xmlsoap.org/wsdl/\"><import location=\"no.wsdl\"/>"
+         "</definitions>' >d.wsdl; $import d.wsdl",
          {1, "", "d.wsdl: error: it declares no element, type or enumeration; 1 loss: 1 document not found\n"}},
 
         // Reports.
