@@ -13,8 +13,9 @@ FirstPage::FirstPage() : QELPage(IDD_FIRST, "Typeforge - Introduction") {}
 void FirstPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
+    hideWelcome = wizard->options.queryHideWelcome();
     hideBox = withId(IDC_HIDE_WELCOME, new QCheckBox("&Hide this screen the next time"));
-    hideBox->setChecked(wizard->options.queryHideWelcome() != 0);
+    hideBox->setChecked(hideWelcome != 0);
     auto* column = new QVBoxLayout(this);
     column->addWidget(withId(IDC_WELCOME, coverText(loadText(IDS_WELCOME), wizard->titleFont)), 1);
     column->addWidget(hideBox);
@@ -28,6 +29,7 @@ void FirstPage::OnSetActive()
 
 LRESULT FirstPage::OnWizardNext()
 {
-    wizard->options.setHideWelcome(hideBox->isChecked());
+    hideWelcome = hideBox->isChecked() ? 1 : 0;
+    wizard->options.setHideWelcome(hideWelcome);
     return IDD_SOURCE_TYPE;
 }

@@ -15,5 +15,6 @@ public:
     LRESULT OnWizardNext() override;
 
 private:
+    int hideWelcome = 0;
     QCheckBox* hideBox = nullptr;
 };

@@ -166,6 +166,7 @@ LRESULT LoginToBroker::OnWizardNext()
     storeInput();
     CString failure, reason;
     std::optional<int> errors; // nothing if the run was cancelled
+    const bool isTrusted = logonSel == LogonKind::trusted;
     wizard->script.overwrite.clear();
     sheet()->runLong(
         [&] {
@@ -201,7 +202,7 @@ bool LoginToBroker::UpdateData()
     user = fromUi(userCombo->currentText());
     wipe(password);
     password = fromUi(passwordEdit->text());
-    isTrusted = trustedButton->isChecked();
+    logonSel = trustedButton->isChecked() ? LogonKind::trusted : LogonKind::broker;
     const QString portText = portEdit->text().trimmed();
     bool isNumber = portText.isEmpty();
     port = isNumber || portText.startsWith('+') ? 0 : portText.toUInt(&isNumber);
@@ -219,7 +220,7 @@ QWidget* LoginToBroker::blankField() const
         blank = serverCombo;
     else if (port == 0)
         blank = portEdit;
-    if (isTrusted)
+    if (logonSel == LogonKind::trusted)
         return blank;
     if (user.empty())
         blank = userCombo;
@@ -235,7 +236,7 @@ void LoginToBroker::storeInput()
     options.setBrokerPort(port);
     options.addUser(user);
     options.setPwd(password);
-    options.setUseTrustedLogon(isTrusted);
+    options.setUseTrustedLogon(logonSel == LogonKind::trusted);
 }
 
 // Runs in the thread of the long work.

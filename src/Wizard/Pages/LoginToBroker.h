@@ -27,6 +27,14 @@ public:
     void OnLogonBroker();
 
 private:
+    /// The choice, numbered like the radio buttons.
+    enum class LogonKind : int
+    {
+        none = -1,
+        trusted = 0, ///< as the user that runs the program
+        broker = 1   ///< with user and password
+    };
+
     QWidget* makeServerGroup();
     QWidget* makeLogonGroup();
     void suggestLogon(const QString& server);
@@ -47,6 +55,6 @@ private:
     CString server;
     CString password;
     CString user;
-    bool isTrusted = false;   // logs on as the user that runs the program
+    LogonKind logonSel = LogonKind::none;
     bool isSuggested = false; // the trusted logon was suggested by the server's name
 };

@@ -36,7 +36,7 @@ void OutputPage::OnSetActive()
 
 LRESULT OutputPage::OnWizardNext()
 {
-    const int mode = choice->checkedId();
-    wizard->options.setLastOutputSel(mode);
-    return mode == toBroker ? IDD_LOGIN : IDD_OUTPUT_FILE;
+    outputSel = static_cast<OutputMode>(choice->checkedId());
+    wizard->options.setLastOutputSel(outputSel);
+    return outputSel == toBroker ? IDD_LOGIN : IDD_OUTPUT_FILE;
 }

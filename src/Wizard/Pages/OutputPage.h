@@ -23,4 +23,5 @@ public:
 
 private:
     QButtonGroup* choice = nullptr;
+    OutputMode outputSel = toFile;
 };

@@ -21,7 +21,6 @@ void SourceTypePage::OnInitDialog()
     importerList =
         withId(IDC_IMPORTERS,
                new ListView({{loadText(IDS_COLUMN_NAME), 30}, {loadText(IDS_COLUMN_DESCRIPTION), 65}}, "Importers"));
-    int importerCount = 0;
     while (g_amud[importerCount] != nullptr)
         ++importerCount;
     importerList->setRows(importerCount, [](int row, int column) {

@@ -25,6 +25,7 @@ private:
     QWidget* makePathGroup();
 
     ListView* importerList = nullptr;
+    int importerCount = 0;
     QLineEdit* pathEdit = nullptr;
     CString objectPath;
     QString typedPath;        // the typed path that the last click has replaced
