@@ -28,7 +28,7 @@ void SchemaTable::readIncluded(Outlines& outlines, bool isFile)
     isComplete = isFile && getSchemaIncludeList(outlines);
     if (isComplete)
         return;
-    std::swap(includedElements, schemaElements);
+    copyElementList();
     setMainType(getRootTag(outlines.front()));
 }
 
@@ -67,6 +67,12 @@ bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
     // True if the names are still those with which the main element's own type was read.
     const bool sameNames = !hadRootType || earlierMainType == mainType;
     return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
+}
+
+// Turns the table of the include pass into the include table, and leaves the element table empty.
+void SchemaTable::copyElementList()
+{
+    std::swap(includedElements, schemaElements);
 }
 
 void SchemaTable::setMainType(std::string_view name)

@@ -86,6 +86,7 @@ private:
 
     // The include pass and its results.
     bool getSchemaIncludeList(Outlines& outlines);
+    void copyElementList();
     void mergeLists();
     void pull(const Fingerprint& type);
 
