@@ -183,8 +183,9 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import wsdl i.xsd", {1, "", "i.xsd: error: it is not a WSDL\n"}},
         {"$import jsonschema j.json --catalog c", {2, "", mistake("--catalog: jsonschema reads no catalogues")}},
         {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},
-        {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; $import m.txt",
-         {1, "",
+        {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; printf '//\n{\"type\":\"enum\",\"name\":\"E\","
+         "\"symbols\":[\"A\"]}' >e.txt; $import -l e.txt | cut -c1-11; $import m.txt",
+         {1, "\\sys\\json\\e\n\\sys\\json\\e\n",
           "m.txt: error: this is Protobuf; convert it to JSON Schema with protoc-gen-jsonschema, then import that\n"}},
         {"printf 'a,b\n1,\"x,\"\n' >c.xml; $import c.xml",
          {1, "", "c.xml: error: this is CSV; load it into a database table, then import that with odbc\n"}},

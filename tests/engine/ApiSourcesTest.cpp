@@ -171,6 +171,10 @@ const Rule kApis[] = {
 };
 
 const Rule kAvro[] = {
+    {"Comments",
+     "/* License **/\n// {\n{\"type\":\"record\", // a\n\"name\" /*/ {\n*/ : "
+     "/**/\"R\",\"fields\":[{\"name\":\"a//\",\"type\":\"in\"}]} //",
+     "R(a//:String)", "1 loss: 1 reference became text"},
     {"NamesGivenTwice",
      R"({"type":"record","name":"R","fields":[{"name":"a","type":"int"},{"name":"a","type":"long"},
         {"name":"e","type":{"type":"enum","name":"E","symbols":["X","Y","X"]}}]})",

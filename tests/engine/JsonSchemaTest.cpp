@@ -348,6 +348,8 @@ const Refusal kRefusals[] = {
     {"Empty", " ", "Error on line 1, column 2.\nError text is 'the text ends too early'."},
     {"TextBehindTheEnd", "{} x", "Error on line 1, column 4.\nError text is 'text follows the end of the document'."},
     {"CommaTooMany", "[1,]", "Error on line 1, column 4.\nError text is 'a value is expected'."},
+    {"CommentWithoutEnd", "{}\n/*/", "Error on line 2, column 4.\nError text is 'the text ends in a comment'."},
+    {"Slash", "{ / }", "Error on line 1, column 4.\nError text is 'a comment is expected after \"/\"'."},
     {"NoUtf8", "{\"\xff\":1}", "Error on line 1, column 3.\nError text is 'the bytes are not UTF-8'."},
     {"Utf16", CString("\xff\xfe{\0}\0", 6),
      "Error on line 1, column 1.\nError text is 'a value is expected, in UTF-8'."},

@@ -77,7 +77,7 @@ std::string_view wordForJson(std::string_view text)
         }
     } catch (const JsonFault&) {
     }
-    return marks.word().empty() ? "json" : marks.word();
+    return marks.word();
 }
 
 // Only lines without indentation count.
@@ -100,7 +100,9 @@ std::string_view wordForYaml(std::string_view text)
 std::string_view importerOfJson(std::string_view start)
 {
     const std::string_view text = trimmed(start);
-    return text.starts_with('{') || text.starts_with('[') ? wordForJson(start) : wordForYaml(start);
+    const bool isJson = text.starts_with('{') || text.starts_with('[');
+    const std::string_view word = isJson || beginsWithComment(text) ? wordForJson(start) : wordForYaml(start);
+    return isJson && word.empty() ? "json" : word;
 }
 
 SchemaLanguage languageOf(std::string_view format)

@@ -249,7 +249,7 @@ JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, J
     const bool isNamedYaml = endsWithAscii(fileName, ".yaml") || endsWithAscii(fileName, ".yml");
     std::string_view start = text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
     start.remove_prefix(std::min(start.size(), start.find_first_not_of(" \t\r\n")));
-    const bool isJson =
-        start.empty() || start.front() == '{' || start.front() == '[' || endsWithAscii(fileName, ".json");
+    const bool isJson = start.empty() || start.front() == '{' || start.front() == '[' || beginsWithComment(start) ||
+                        endsWithAscii(fileName, ".json");
     return isNamedYaml || !isJson ? YamlReader(text, builder, tree).read() : readJson(text, builder);
 }

@@ -85,14 +85,37 @@ void JsonScanner::skipSpace()
 {
     while (!isAtEnd()) {
         const char c = data[at];
-        if (c == '\n') {
-            ++lines;
-            lineOffset = offset() + 1;
-        } else if (c != ' ' && c != '\t' && c != '\r') {
+        if (c == '\n')
+            beginLine();
+        else if (c != ' ' && c != '\t' && c != '\r' && c != '/')
+            return;
+        ++at;
+        if (c == '/')
+            skipComment();
+    }
+}
+
+// Skips a comment behind its first character. JSON has none, but parsers of Avro allow them.
+void JsonScanner::skipComment()
+{
+    const char kind = peek();
+    if (kind != '*' && kind != '/')
+        fail("a comment is expected after \"/\"");
+    ++at;
+    for (char before = '\0'; !isAtEnd(); ++at) {
+        const char c = data[at];
+        if (kind == '/' && c == '\n')
+            return;
+        if (kind == '*' && before == '*' && c == '/') {
+            ++at;
             return;
         }
-        ++at;
+        if (c == '\n')
+            beginLine();
+        before = c;
     }
+    if (kind == '*')
+        fail("the text ends in a comment");
 }
 
 JsonScanner::Token JsonScanner::next()

@@ -19,8 +19,14 @@ struct JsonFault
 /// Returns the refusal of a file because of a fault in it.
 SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault);
 
-/// Scans JSON (RFC 8259) token by token, without recursion. Numbers, strings and keys may have any length. Throws the
-/// first fault as a JsonFault.
+/// Returns whether a text begins with a comment that JsonScanner skips.
+inline bool beginsWithComment(std::string_view text)
+{
+    return text.starts_with("/*") || text.starts_with("//");
+}
+
+/// Scans JSON (RFC 8259), with comments as in JavaScript, token by token and without recursion. Numbers, strings and
+/// keys may have any length. Throws the first fault as a JsonFault.
 class JsonScanner
 {
 public:
@@ -83,6 +89,12 @@ private:
     void scanDigits();
     void scanWord(std::string_view word);
     void skipSpace();
+    void skipComment();
+    void beginLine() // behind the line feed at the cursor
+    {
+        ++lines;
+        lineOffset = offset() + 1;
+    }
     void notePlace();
     bool refill();
     bool isAtEnd() { return at == data.size() && !refill(); }
