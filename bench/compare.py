@@ -2,8 +2,8 @@
 """Measures whole commands on files, alternately, and prints medians.
 
 compare.py [-n RUNS] FILE... -- NAME=COMMAND...   In COMMAND, {} is replaced by the file. The last column is the CPU
-time (user and system) relative to the first command on the same file, pair by pair; growth is relative to the previous
-file.
+time (user and system) of the first command on the same file divided by that of this one, pair by pair; growth is
+relative to the previous file.
 """
 import argparse
 import os
