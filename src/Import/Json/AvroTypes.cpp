@@ -29,10 +29,14 @@ void AvroTypes::addCandidate(Index schema, std::string_view name)
 {
     declareAll({schema, 0});
     const Index several = tree.is(schema, JsonNode::array) ? schema : 0;
-    for (const Index at : tree.childrenOf(several))
-        if (const Sorted sorted = sort({{at, 0}}); !sorted.records.empty())
-            if (const auto shape = shapeOf({{at, 0}}, name, SourceTypes::kNone))
-                names.addCandidate(*shape, name, tree.placeOf(at));
+    for (const Index at : tree.childrenOf(several)) {
+        const Sorted sorted = sort({{at, 0}});
+        if (sorted.records.empty() && sorted.leaves.empty())
+            continue;
+        const auto shape = shapeOf({{at, 0}}, name, SourceTypes::kNone); // which reports a name that nothing declares
+        if (shape && !sorted.records.empty())
+            names.addCandidate(*shape, name, tree.placeOf(at));
+    }
     if (several == 0)
         if (const auto shape = shapeOf({{schema, 0}}, name, SourceTypes::kNone))
             names.addCandidate(*shape, name, tree.placeOf(schema));
