@@ -94,7 +94,7 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     beginWork(Work::reading);
     const auto first = static_cast<Index>(tree.size());
     JsonBuilder builder(tree, types, report, number);
-    const Index root = readJsonTree(fileName, text, tree, builder);
+    const Index root = readJsonTree(fileName, text, tree, builder, withComments);
     Document& document = documents[number];
     document.root = root;
     document.folder = folderOf(fileName);

@@ -14,7 +14,10 @@ class JsonDocuments
 public:
     using Index = JsonNode::Index;
 
-    JsonDocuments(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
+    /// `withComments` allows comments in JSON.
+    JsonDocuments(SourceTypes& types, SourceReport& report, bool withComments) :
+        types(types), report(report), withComments(withComments)
+    {}
 
     /// Reads a source and returns its root; 0 if the file was read before. Throws SourceRefusal if it can't be read.
     Index load(const CString& fileName);
@@ -79,6 +82,7 @@ private:
 
     SourceTypes& types;
     SourceReport& report;
+    const bool withComments;
     FileFinder finder;
     DocumentLinks links;
     std::vector<Document> documents;                              // by number in the report

@@ -58,7 +58,7 @@ std::string_view wordForJson(std::string_view text)
 {
     Marks marks;
     try {
-        JsonScanner scanner(text);
+        JsonScanner scanner(text, true);
         std::size_t depth = 0;
         CString key;
         bool isList = false;

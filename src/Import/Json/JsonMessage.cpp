@@ -25,7 +25,7 @@ bool isDescription(const JsonTree& tree, Index root)
 void JsonMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
     const bool areRequested = !queryRoots().empty();
-    JsonDocuments documents(types, report);
+    JsonDocuments documents(types, report, allowsComments());
     std::vector<Index> roots{documents.load(source)};
     for (const CString& file : queryFurtherFiles())
         roots.push_back(documents.load(file));

@@ -22,6 +22,9 @@ protected:
     virtual void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
                                SourceReport& report) = 0;
 
+    /// Returns whether JSON may have comments.
+    virtual bool allowsComments() const { return false; }
+
     /// `source` is the name of the first file, not its content.
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) final;
 
@@ -72,4 +75,5 @@ public:
 protected:
     void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
                        SourceReport& report) override;
+    bool allowsComments() const override { return true; } // as other parsers of Avro do
 };

@@ -13,9 +13,9 @@ namespace {
 
 using Index = JsonNode::Index;
 
-Index readJson(std::string_view text, JsonBuilder& builder)
+Index readJson(std::string_view text, JsonBuilder& builder, bool withComments)
 {
-    JsonScanner scanner(text);
+    JsonScanner scanner(text, withComments);
     for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
         switch (token) {
         case JsonScanner::key:
@@ -244,12 +244,13 @@ private:
 
 } // namespace
 
-JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, JsonBuilder& builder)
+JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, JsonBuilder& builder,
+                             bool withComments)
 {
     const bool isNamedYaml = endsWithAscii(fileName, ".yaml") || endsWithAscii(fileName, ".yml");
     std::string_view start = text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
     start.remove_prefix(std::min(start.size(), start.find_first_not_of(" \t\r\n")));
     const bool isJson = start.empty() || start.front() == '{' || start.front() == '[' || beginsWithComment(start) ||
                         endsWithAscii(fileName, ".json");
-    return isNamedYaml || !isJson ? YamlReader(text, builder, tree).read() : readJson(text, builder);
+    return isNamedYaml || !isJson ? YamlReader(text, builder, tree).read() : readJson(text, builder, withComments);
 }

@@ -40,7 +40,7 @@ SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault)
             {fileName, fault.reason, fault.line, fault.column}};
 }
 
-JsonScanner::JsonScanner(std::string_view text) : data(text)
+JsonScanner::JsonScanner(std::string_view text, bool withComments) : withComments(withComments), data(text)
 {
     if (data.starts_with("\xEF\xBB\xBF"))
         at = 3;
@@ -87,7 +87,7 @@ void JsonScanner::skipSpace()
         const char c = data[at];
         if (c == '\n')
             beginLine();
-        else if (c != ' ' && c != '\t' && c != '\r' && c != '/')
+        else if (c != ' ' && c != '\t' && c != '\r' && (c != '/' || !withComments))
             return;
         ++at;
         if (c == '/')
@@ -95,7 +95,7 @@ void JsonScanner::skipSpace()
     }
 }
 
-// Skips a comment behind its first character. JSON has none, but parsers of Avro allow them.
+// Skips a comment behind its first character.
 void JsonScanner::skipComment()
 {
     const char kind = peek();

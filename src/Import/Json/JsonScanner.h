@@ -19,14 +19,14 @@ struct JsonFault
 /// Returns the refusal of a file because of a fault in it.
 SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault);
 
-/// Returns whether a text begins with a comment that JsonScanner skips.
+/// Returns whether a text begins with a comment as in JavaScript.
 inline bool beginsWithComment(std::string_view text)
 {
     return text.starts_with("/*") || text.starts_with("//");
 }
 
-/// Scans JSON (RFC 8259), with comments as in JavaScript, token by token and without recursion. Numbers, strings and
-/// keys may have any length. Throws the first fault as a JsonFault.
+/// Scans JSON (RFC 8259) token by token, without recursion. Numbers, strings and keys may have any length. Throws the
+/// first fault as a JsonFault.
 class JsonScanner
 {
 public:
@@ -47,8 +47,9 @@ public:
     /// The maximum nesting of arrays and objects.
     static constexpr std::size_t kMaxDepth = 1000;
 
-    /// Scans one value. The text must outlive the scanner.
-    explicit JsonScanner(std::string_view text);
+    /// Scans one value. The text must outlive the scanner. With `withComments` those of JavaScript are skipped; JSON
+    /// has none.
+    explicit JsonScanner(std::string_view text, bool withComments = false);
 
     /// Scans a file with any number of values, one after another. Memory is bounded by the longest key or number; of a
     /// long string only the beginning is kept, up to the size of the buffer.
@@ -101,6 +102,7 @@ private:
     char peek() { return isAtEnd() ? '\0' : data[at]; }
     [[noreturn]] void fail(const CString& reason);
 
+    const bool withComments = false;
     std::string_view data; // the text, or the part of the file in the buffer
     InputFile* file = nullptr;
     std::vector<char> buffer;

@@ -239,5 +239,6 @@ private:
 };
 
 /// Reads one document into the tree and returns its root. It is YAML if the file name ends with ".yaml" or ".yml", or
-/// if neither the name nor the beginning suggests JSON. Throws JsonFault.
-JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, JsonBuilder& builder);
+/// if neither the name nor the beginning suggests JSON. `withComments` allows comments in JSON. Throws JsonFault.
+JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, JsonBuilder& builder,
+                             bool withComments);
