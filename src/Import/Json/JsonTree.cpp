@@ -138,7 +138,7 @@ JsonNode::Index JsonBuilder::add(JsonNode::Kind kind, std::string_view text, std
     if (tree.size() > kMaxNodes)
         types.refuse(std::to_string(kMaxNodes) + " values");
     Level* const level = open.empty() ? nullptr : &open.back();
-    const bool isMerged = std::exchange(isNextMerged, false);
+    const bool isMerged = level && std::exchange(isNextMerged, false);
     const bool isMember = level && !isMerged;
     const Index made = tree.add(kind, isMember ? level->node : 0, isMember ? level->last : 0, JsonWord::none, 0);
     JsonNode& node = tree[made];
