@@ -23,11 +23,3 @@ SchemaElement::SchemaElement(const Fingerprint& key, std::string_view parentName
 {
     static_assert(sizeof(SchemaElement) <= 64);
 }
-
-std::string_view SchemaElement::queryFieldName() const
-{
-    std::string_view name = trimmed(queryName());
-    if (name.ends_with('*'))
-        name.remove_suffix(1);
-    return name;
-}

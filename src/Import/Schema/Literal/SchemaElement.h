@@ -41,11 +41,6 @@ public:
     /// Returns the registered type; empty if it has none.
     std::string_view queryType() const { return {type, typeSize}; }
 
-    /// Returns the name of its field: trimmed, without the mark.
-    std::string_view queryFieldName() const;
-    /// Returns the type that the field names; empty if the name is marked.
-    std::string_view queryFieldType() const { return trimmed(queryName()).ends_with('*') ? "" : queryType(); }
-
     /// Sets the type of an earlier declaration; `isOther` says that it differs from its own.
     void setType(std::string_view earlier, bool isOther)
     {

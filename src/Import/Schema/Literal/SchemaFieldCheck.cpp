@@ -7,6 +7,15 @@ namespace {
 constexpr std::size_t kAhead = 8;
 constexpr std::string_view kAnonymousType = "AnonymousType";
 
+// Returns the field's name without the mark of a repeated one.
+std::string_view nameOf(const SchemaElement& declared)
+{
+    std::string_view name = trimmed(declared.queryName());
+    if (name.ends_with('*'))
+        name.remove_suffix(1);
+    return name;
+}
+
 } // namespace
 
 void SchemaFieldCheck::reportAll(std::string_view path)
@@ -47,7 +56,7 @@ Element::ElementTypes SchemaFieldCheck::plainKindOf(const SchemaElement& declare
 void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std::string_view path)
 {
     const SchemaElement& declared = *field.declared;
-    const std::string_view name = declared.queryFieldName();
+    const std::string_view name = nameOf(declared);
     const Meaning meaning = meaningOf(declared, name, type);
     if (meaning.loss)
         sourceReport.add(*meaning.loss, declared.queryPlace(), meaning.lost);

@@ -185,14 +185,11 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
     for (const SchemaElement* child : *entry.queryChildren()) {
         Field& field = fields.emplace_back();
         field.declared = mayBeMissing ? table.find(child->queryKey()) : child;
-        if (field.declared) {
-            field.name = field.declared->queryFieldName();
-            field.typeName = field.declared->queryFieldType();
-            field.type = table.findType(field.declared->queryType());
-        } else {
+        getType(field.declared, field.typeName, field.name);
+        field.type = field.declared ? table.findType(field.declared->queryType()) : nullptr;
+        if (!field.declared)
             report.add(SourceReport::declarationSkipped, child->queryPlace(), child->queryName());
-        }
-        field.repeats = child->isMarked();
+        field.mark = getModifiers(*child);
         field.hash = keyHash(field.name);
         model.queryNames().prefetch(field.hash);
     }
@@ -200,7 +197,7 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
         const TypeModel::Declared made = declareField(field, record);
         if (field.declared)
             check.add(*field.declared, *made.element, *record, field.type,
-                      !made.isFirst && (field.repeats || field.declared->isDeclaredAgain()));
+                      !made.isFirst && (field.mark == modStar || field.declared->isDeclaredAgain()));
     }
 }
 
@@ -212,7 +209,7 @@ TypeModel::Declared SchemaMessage::declareField(const Field& field, Element* rec
     std::string_view typeName = field.typeName;
     const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName, field.type);
     Name& name = model.queryNames().intern(field.name, field.hash);
-    for (int instances = field.repeats ? 2 : 1; instances > 0; --instances) {
+    for (int instances = field.mark == modStar ? 2 : 1; instances > 0; --instances) {
         made = model.addField(record, name, kind);
         if (typeName.empty())
             continue;
@@ -229,6 +226,29 @@ void SchemaMessage::setKnownTypes()
     for (auto known = knownTypes.rbegin(); known != knownTypes.rend(); ++known)
         if (Element& element = *known->element; !element.hasKnownType())
             element.setKnownType(known->typeName.empty() ? "String" : element.queryPath() + CString(known->typeName));
+}
+
+// Sets name and type of a declaration; both are empty if there is none. A repeated one has no type. Returns nonzero if
+// there is a type.
+int SchemaMessage::getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName)
+{
+    typeName = fieldName = {};
+    if (entry) {
+        fieldName = entry->queryName();
+        if (!removeModifiers(fieldName))
+            typeName = entry->queryType();
+    }
+    return !typeName.empty();
+}
+
+// Trims `name` and removes a '*' at its end. Returns 1 if there was one.
+int SchemaMessage::removeModifiers(std::string_view& name)
+{
+    name = trimmed(name);
+    if (!name.ends_with('*'))
+        return 0;
+    name.remove_suffix(1);
+    return 1;
 }
 
 // Returns the kind of a field of this type. The name of a built-in type is cleared, because the kind is sufficient. For

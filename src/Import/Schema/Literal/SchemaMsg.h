@@ -28,6 +28,12 @@ protected:
     void onCancelled() override;
 
 private:
+    enum Modifiers
+    {
+        modNone = 0,
+        modStar = 1
+    };
+
     // The type to name in an element's fields; empty for text.
     struct KnownType
     {
@@ -38,12 +44,12 @@ private:
     // A field before its declaration. Texts are views into the documents.
     struct Field
     {
-        const SchemaElement* declared;       // null if it is missing
-        const SchemaElement* type = nullptr; // the entry of its type; null for a built-in type and for none
-        std::uint32_t hash = 0;              // of the name
+        const SchemaElement* declared; // null if it is missing
+        const SchemaElement* type;     // the entry of its type; null for a built-in type and for none
+        std::uint32_t hash = 0;        // of the name
         std::string_view name;
         std::string_view typeName;
-        bool repeats = false;
+        Modifiers mark = modNone;
     };
 
     int import(const CString& source, const CString& basePath, const CString& fileName,
@@ -56,8 +62,11 @@ private:
     std::size_t countFields() const;
     void declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check);
     TypeModel::Declared declareField(const Field& field, Element* record);
+    static int getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName);
     void setKnownTypes();
     static Element::ElementTypes getBrokerType(std::string_view& typeName, const SchemaElement* type);
+    static Modifiers getModifiers(const SchemaElement& entry) { return entry.isMarked() ? modStar : modNone; }
+    static int removeModifiers(std::string_view& name);
 
     SchemaKinds kinds;
     SchemaTable table;
