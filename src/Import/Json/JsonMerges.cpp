@@ -19,9 +19,9 @@ constexpr std::size_t kMadePerValue = 2;
 
 } // namespace
 
-// Returns the schema that a reference leads to; 0 and a loss if it leads to none,
-// or to one in another language. The members of "properties" are
-// schemas, but it is none itself, unless a document that is no schema uses such a key for one.
+// Returns the schema that a reference leads to; 0 and a loss if it leads to none, or to one in another language. The
+// members of "properties" are schemas, but it is none itself, unless a document that is no schema uses such a key for
+// one.
 JsonNode::Index JsonContents::referenced(Index child)
 {
     const NameTable::Id reference = tree[tree.target(child)].text;
