@@ -41,8 +41,8 @@ bool Output::isTerminal() const
 bool Output::finish()
 {
     flush();
-    if (file && file->commit() != FileCause::none)
-        error = file->queryError();
+    if (file)
+        error = file->commit();
     if (error != 0)
         report("can't write " + (file ? fileName : "standard output") + ": " + inWords(error));
     return error == 0;

@@ -148,7 +148,7 @@ void AtomicFile::write(std::string_view bytes)
         fail();
 }
 
-FileCause AtomicFile::commit()
+int AtomicFile::commit()
 {
     flush();
     const bool isWritten = error != 0 || target.empty();
@@ -158,7 +158,7 @@ FileCause AtomicFile::commit()
         fail();
     if (!out.close())
         fail();
-    return fileCauseOf(error);
+    return error;
 }
 
 void AtomicFile::keepUnchanged(off_t from, off_t count)

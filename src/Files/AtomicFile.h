@@ -2,7 +2,6 @@
 
 #include "Base/Text.h"
 #include "Files/Descriptor.h"
-#include "Files/FileError.h"
 #include "Files/TemporaryFile.h"
 
 #include <sys/types.h>
@@ -37,9 +36,8 @@ public:
     /// from offset `ignoredFrom` on may differ.
     void keepUnchanged(off_t ignoredFrom, off_t ignoredCount);
 
-    /// Syncs the content to the disk and puts the file in its place. Returns `none`, or the cause of the first failure
-    /// since the object was opened.
-    FileCause commit();
+    /// Syncs the content to the disk and puts the file in its place. Returns queryError().
+    int commit();
 
     /// Returns the errno value of the first failure, the opening included; 0 if nothing has failed yet.
     int queryError() const { return error; }

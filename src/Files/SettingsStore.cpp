@@ -282,5 +282,5 @@ bool SettingsStore::save() const
     AtomicFile file(document->fileName);
     file.write(document->root.dump(2, ' ', false, Json::error_handler_t::replace));
     file.write("\n");
-    return file.commit() == FileCause::none;
+    return file.commit() == 0;
 }

@@ -129,8 +129,7 @@ LRESULT OutputFile::OnWizardNext()
         AtomicFile file(fileName); // keeps an older file until the new one is complete
         if (file.queryError() == 0)
             wizard->message->writeXML([&file](std::string_view text) { file.write(text); });
-        file.commit();
-        error = file.queryError();
+        error = file.commit();
     });
     if (error != 0)
         return stayAtFile(cantOpen(fileName, fileCauseOf(error)),

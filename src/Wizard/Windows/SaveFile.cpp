@@ -20,9 +20,9 @@ CString saveUnderChosenName(QWidget& owner, const CString& title, const std::vec
         return {};
     AtomicFile file(fileName);
     file.write(bytes(fileName));
-    const FileCause cause = file.commit();
-    if (cause == FileCause::none)
+    const int error = file.commit();
+    if (error == 0)
         return fileName;
-    ModalBox(owner).show(cantOpen(fileName, cause), loadText(IDS_ERROR_TITLE), inWords(file.queryError()));
+    ModalBox(owner).show(cantOpen(fileName, fileCauseOf(error)), loadText(IDS_ERROR_TITLE), inWords(error));
     return {};
 }
