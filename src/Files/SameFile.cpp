@@ -7,6 +7,7 @@
 #include <linux/fs.h>
 #include <linux/magic.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <sys/vfs.h>
 #include <system_error>
 
@@ -51,11 +52,11 @@ CString resolveLinks(const CString& fileName)
 
 bool isSameFile(const CString& one, const CString& other)
 {
-    std::error_code ignored;
-    const bool isThere = fs::exists(one, ignored);
-    if (isThere != fs::exists(other, ignored))
+    struct stat first, second;
+    const bool isThere = ::stat(one.c_str(), &first) == 0;
+    if (isThere != (::stat(other.c_str(), &second) == 0))
         return false;
     if (isThere)
-        return fs::is_regular_file(one, ignored) && fs::equivalent(one, other, ignored);
+        return S_ISREG(first.st_mode) && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
     return wouldBeSameFile(resolveLinks(one), resolveLinks(other));
 }
