@@ -156,8 +156,11 @@ std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
 void SchemaSet::declareAll(std::uint32_t document, std::vector<Following>& waiting)
 {
     const Index first = tree[tree.documents[document].root].firstChild;
-    for (Index at = first; at != 0; at = tree[at].next)
+    for (Index at = first; at != 0; at = tree[at].next) {
         declare(at, false);
+        if (tree[at].tag == SchemaTag::element && tree[at].list != 0)
+            substitutes.push_back(at);
+    }
     waiting.push_back({document, first, 0});
 }
 
@@ -202,17 +205,14 @@ std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
 
 void SchemaSet::collectMembers()
 {
-    for (const SchemaDocument& document : tree.documents) {
-        if (document.root == 0)
+    std::ranges::sort(substitutes); // into the order of declaration
+    for (const Index at : substitutes) {
+        if (find(element, nameOf(at), at) != at)
             continue;
-        for (Index at = tree[document.root].firstChild; at != 0; at = tree[at].next) {
-            if (tree[at].tag != SchemaTag::element || tree[at].list == 0 || find(element, nameOf(at), at) != at)
-                continue;
-            for (const SchemaName head : tree.listOf(at)) {
-                members[head.key()].push_back(at);
-                if (find(element, head, at) == 0)
-                    note(SourceReport::unresolvedReference, at, head.local);
-            }
+        for (const SchemaName head : tree.listOf(at)) {
+            members[head.key()].push_back(at);
+            if (find(element, head, at) == 0)
+                note(SourceReport::unresolvedReference, at, head.local);
         }
     }
 }

@@ -202,6 +202,7 @@ private:
     std::unordered_map<Index, std::uint32_t> documentsByReference;
     std::array<Names, kindCount> symbols;
     std::unordered_map<Index, Index> redefined; // the redefined component by its redefinition
+    std::vector<Index> substitutes;             // the elements at the top that name a head
     std::unordered_map<std::uint64_t, std::vector<Index>, NumberHash> members;
     std::size_t copied = 0;                            // number of copied nodes
     std::vector<bool> reached;                         // by node; empty until recordReached()
