@@ -33,6 +33,13 @@ public:
         return true;
     }
 
+    void clear()
+    {
+        names.clear();
+        many.clear();
+        lastNumbers.clear();
+    }
+
     /// Returns the name with its next number appended.
     CString numbered(std::string_view name)
     {
@@ -70,9 +77,11 @@ void SourceNames::name(const std::vector<Index>& order, std::span<const Index> f
     if (types.common != SourceTypes::kNone)
         findSharedTables(order);
     CancelPoint cancelPoint(1024);
+    FieldNames fieldNames;
     for (const Index record : order) {
         cancelPoint.pass();
-        nameFields(record);
+        fieldNames.clear();
+        nameFields(record, fieldNames);
     }
 }
 
@@ -98,10 +107,9 @@ void SourceNames::nameRecord(Index index)
 }
 
 // Names the fields of a record: elements first, then attributes, then the text, so the later ones change.
-void SourceNames::nameFields(Index index)
+void SourceNames::nameFields(Index index, FieldNames& names)
 {
     const SourceTypes::Record record = types.records[index];
-    FieldNames names;
     for (const SourceTypes::Role role : {SourceTypes::roleElement, SourceTypes::roleAttribute, SourceTypes::roleValue})
         for (Field& field : types.fieldsOf(index)) {
             if (field.role != role)

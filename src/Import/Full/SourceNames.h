@@ -54,7 +54,7 @@ private:
 
     void findSharedTables(const std::vector<Index>& order);
     void nameRecord(Index record);
-    void nameFields(Index record);
+    void nameFields(Index record, FieldNames& names);
     void nameType(Field& field, Index record);
     void nameEnumeration(Index enumeration, SourcePlace place, Index home);
     void nameTable(Field& field, std::string_view prefix, Index record, Index space);
