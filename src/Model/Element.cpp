@@ -150,7 +150,7 @@ void Element::link(Element* child, bool isNew)
 void Element::toTable(Element* oldChild, Element* table)
 {
     isLinkedManually = true;
-    children.replace(oldChild, table);
+    children.replace(oldChild, table, names().memory);
 }
 
 void Element::setPrimitiveType()

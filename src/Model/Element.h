@@ -16,8 +16,9 @@ public:
     /// Makes room for `size` elements if the list is empty; else does nothing.
     void reserve(std::uint32_t size, std::pmr::memory_resource& memory);
 
-    /// Puts `replacement` in the place of `old`. Does nothing if `old` is not listed.
-    void replace(Element* old, Element* replacement);
+    /// Puts `replacement` in the place of `old`, with room for an index from `memory`. Does nothing if `old` is not
+    /// listed.
+    void replace(Element* old, Element* replacement, std::pmr::memory_resource& memory);
 
     std::size_t size() const { return count; }
     Element* operator[](std::size_t at) const { return begin()[at]; }

@@ -7,6 +7,9 @@ namespace {
 // Up to this length, a linear search is faster than an index. Most lists stay below it.
 constexpr std::uint32_t kWalked = 16;
 
+// A list of fields is searched once for each field that becomes a table, so an index pays later.
+constexpr std::uint32_t kWalkedToReplace = 256;
+
 } // namespace
 
 bool ElementList::add(Element* element, std::pmr::memory_resource& memory)
@@ -39,8 +42,10 @@ void ElementList::reserve(std::uint32_t size, std::pmr::memory_resource& memory)
         moveTo(size, false, memory);
 }
 
-void ElementList::replace(Element* old, Element* replacement)
+void ElementList::replace(Element* old, Element* replacement, std::pmr::memory_resource& memory)
 {
+    if (!isIndexed && count > kWalkedToReplace)
+        moveTo(capacity, true, memory);
     const std::uint32_t position = positionOf(old);
     if (position == kNone)
         return;
