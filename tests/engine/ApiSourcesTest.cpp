@@ -174,6 +174,7 @@ const Rule kAvro[] = {
     {"UnionOfAFile",
      R"(["null","b.Gone",{"type":"record","name":"R","fields":[{"name":"x","type":"E"}]},{"type":"enum","name":"E","symbols":["A"]}])",
      "E{A} R(x:E)", "1 loss: 1 reference became text"},
+    {"AUnionOfPlainTypes", R"(["null","int"])", "x(value:Number)"},
     {"Comments",
      "/* License **/\n// {\n{\"type\":\"record\", // a\n\"name\" /*/ {\n*/ : "
      "/**/\"R\",\"fields\":[{\"name\":\"a//\",\"type\":\"in\"}]} //",

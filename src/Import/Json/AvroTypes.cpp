@@ -28,8 +28,9 @@ JsonNode::Index AvroTypes::find(Index schema, JsonWord key, JsonNode::Kind kind)
 void AvroTypes::addCandidate(Index schema, std::string_view name)
 {
     declareAll({schema, 0});
-    const Index several = tree.is(schema, JsonNode::array) ? schema : 0;
-    for (const Index at : tree.childrenOf(several)) {
+    // A union with named types declares these. Any other schema is that of one value.
+    const bool isSeveral = tree.is(schema, JsonNode::array) && !order.empty();
+    for (const Index at : tree.childrenOf(isSeveral ? schema : 0)) {
         const Sorted sorted = sort({{at, 0}});
         if (sorted.records.empty() && sorted.leaves.empty())
             continue;
@@ -37,7 +38,7 @@ void AvroTypes::addCandidate(Index schema, std::string_view name)
         if (shape && !sorted.records.empty())
             names.addCandidate(*shape, name, tree.placeOf(at));
     }
-    if (several == 0)
+    if (!isSeveral)
         if (const auto shape = shapeOf({{schema, 0}}, name, SourceTypes::kNone))
             names.addCandidate(*shape, name, tree.placeOf(schema));
     // Named types that nothing refers to are imported as well.
