@@ -76,6 +76,13 @@ void closeAllBut(int socket)
     ::close_range(kept + 1, ~0U, 0);
 }
 
+// The program may have been killed, so that the process removes the log itself.
+[[noreturn]] void exitProcess()
+{
+    removeDriverLog(::getpid());
+    ::_exit(EXIT_SUCCESS);
+}
+
 // Ends the process when the program has closed its side of the socket. The driver's thread can't do that, because it
 // may never return from a call.
 void exitWithProgram(int socket)
@@ -83,7 +90,7 @@ void exitWithProgram(int socket)
     pollfd end = {socket, 0, 0};
     while (::poll(&end, 1, -1) < 0) {
     }
-    ::_exit(EXIT_SUCCESS);
+    exitProcess();
 }
 
 // Serves the driver in the forked process. Never returns to the program's code, of which the process has a copy.
@@ -95,7 +102,7 @@ void exitWithProgram(int socket)
     keepOutOfCores();
     std::thread(exitWithProgram, socket).detach();
     serveDriver(socket);
-    ::_exit(EXIT_SUCCESS);
+    exitProcess();
 }
 
 } // namespace

@@ -9,10 +9,10 @@
 #include <gmock/gmock.h>
 
 #include <cctype>
+#include <csignal>
 #include <filesystem>
 #include <list>
 #include <pwd.h>
-#include <set>
 #include <sstream>
 #include <unistd.h>
 
@@ -73,6 +73,17 @@ Connected freshDatabase(const CString& kind)
     const auto& server = kind == postgres ? static_cast<DatabaseServer&>(the<PostgresServer>()) : the<MariaDbServer>();
     Connected(server.connection(kind), server.logon()).database.ExecuteSQL("CREATE DATABASE " + name);
     return Connected(server.connection(name), server.logon());
+}
+
+// Returns the ends of the names of the logs that the drivers of this process may write, a line each.
+std::string logsOfDrivers()
+{
+    const std::string id = std::to_string(::getpid());
+    std::istringstream children(TempDir::read("/proc/" + id + "/task/" + id + "/children"));
+    std::string logs;
+    for (std::string child; children >> child;)
+        logs += ::getpwuid(::geteuid())->pw_name + child + ".log\n";
+    return logs;
 }
 
 } // namespace
@@ -313,8 +324,7 @@ TEST(Database, ARefusedLogonIsToldFromOtherFailures)
 TEST(Database, LeavesNoLogOfADriverBehind)
 {
     const auto& server = the<PostgresServer>();
-    const std::string id = std::to_string(::getpid()), user = ::getpwuid(::geteuid())->pw_name;
-    std::set<std::string> logs; // of all processes of this program, the drivers' among them
+    std::string logs;
     for (const char* database : {"postgres", "nowhere", "postgres", "postgres", "postgres", "postgres", "postgres"}) {
         CDatabase connection;
         try {
@@ -322,14 +332,30 @@ TEST(Database, LeavesNoLogOfADriverBehind)
         } catch (const CDBException&) {
             EXPECT_STREQ(database, "nowhere");
         }
-        std::istringstream children(TempDir::read("/proc/" + id + "/task/" + id + "/children"));
-        for (std::string child; children >> child;)
-            logs.insert("_" + user + child + ".log");
+        logs += logsOfDrivers();
     }
-    EXPECT_GE(logs.size(), 7U);
-    for (const auto& entry : std::filesystem::directory_iterator("/tmp"))
-        for (const std::string& log : logs)
-            EXPECT_FALSE(entry.path().string().ends_with(log)) << entry.path();
+    TempDir folder;
+    const pid_t killed = ::fork();
+    if (killed == 0)
+        [&]() noexcept { // an exception must not run the other tests here
+            CDatabase connection;
+            connection.Open(server.connection("postgres"), CDatabase::readOnly, server.logon());
+            folder.write("logs", logsOfDrivers());
+            ::raise(SIGKILL);
+        }();
+    ASSERT_EQ(::waitpid(killed, nullptr, 0), killed);
+    logs += TempDir::read(folder.path("logs"));
+    EXPECT_GE(std::ranges::count(logs, '\n'), 8);
+    const auto isThere = [](const std::string& log) {
+        return std::ranges::any_of(std::filesystem::directory_iterator("/tmp"),
+                                   [&](const auto& entry) { return entry.path().string().ends_with(log); });
+    };
+    std::istringstream lines(logs);
+    for (std::string log; lines >> log;) {
+        for (int wait = 0; wait < 500 && isThere(log); ++wait) // the driver of a killed program ends by itself
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_FALSE(isThere(log)) << log;
+    }
 }
 
 TEST(Database, AServerThatGoesLeavesAnErrorAndAConnectionThatCloses)
