@@ -40,8 +40,11 @@ void DTDNotes::read()
 {
     reference = text.find('%');
     close = text.find('>');
+    std::size_t open = text.find('<');
     for (std::size_t behind = 0; behind < text.size();) {
-        const std::size_t at = std::min({text.find('<', behind), reference, text.size()});
+        if (open < behind)
+            open = text.find('<', behind);
+        const std::size_t at = std::min({open, reference, text.size()});
         readBetween(behind, at);
         if (at == text.size())
             return;
