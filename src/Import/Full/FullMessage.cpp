@@ -280,22 +280,15 @@ std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes&
     return chosen;
 }
 
-// Returns the record of a main type. A leaf gets a record with the field "value".
+// Returns the record of a main type.
 SourceTypes::Index FullMessage::recordOf(SourceTypes& types, Index candidate)
 {
     const SourceTypes::Candidate& element = types.candidates[candidate];
     if (element.isAbstract || element.hasAbstractType)
         report.add(SourceReport::mainTypeAbstract, element.place, element.name);
-    const bool isRecord = element.type.kind == SourceTypes::kindRecord && element.repeats == 0;
+    const Index record = types.recordOf(candidate);
     if (element.choice != SourceTypes::kNone)
-        types.choosers.emplace_back(isRecord ? element.type.index : static_cast<Index>(types.records.size()),
-                                    element.choice);
-    if (isRecord)
-        return element.type.index;
-    const Index record =
-        types.addRecord({element.name, element.description, element.place, SourceTypes::kNone, element.space});
-    const SourceTypes::Field value{"value", {}, element.type, SourceTypes::roleValue, element.repeats};
-    types.setFields(record, std::span(&value, 1));
+        types.choosers.emplace_back(record, element.choice);
     return record;
 }
 

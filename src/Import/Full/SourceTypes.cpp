@@ -3,6 +3,7 @@
 #include "Base/KeyedTable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -121,6 +122,18 @@ SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<
     const auto index = static_cast<Index>(enumerations.size() - 1);
     enumerationsByHash.emplace(hash, index);
     return index;
+}
+
+SourceTypes::Index SourceTypes::recordOf(Index candidate)
+{
+    Candidate& element = candidates[candidate];
+    if (element.type.kind != kindRecord || element.repeats > 0) {
+        const Field value{"value", {}, element.type, roleValue, std::exchange(element.repeats, std::uint16_t{0})};
+        element.type = {kindRecord,
+                        addRecord({element.name, element.description, element.place, kNone, element.space})};
+        setFields(element.type.index, std::span(&value, 1));
+    }
+    return element.type.index;
 }
 
 void SourceTypes::spend(std::size_t bytes)

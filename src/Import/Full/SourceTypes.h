@@ -168,6 +168,9 @@ public:
     /// Adds a candidate for the main type; call it in order of declaration.
     void addCandidate(const Candidate& candidate) { candidates.push_back(candidate); }
 
+    /// Returns the record of a candidate. A candidate of any other type gets a record with the field "value".
+    Index recordOf(Index candidate);
+
     /// Returns the number of fields of all records.
     std::size_t fieldCount() const { return fields.size(); }
 

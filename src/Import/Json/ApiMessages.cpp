@@ -202,11 +202,12 @@ JsonNode::Index ApiMessages::withoutFormat(Index node, CString& format)
     return schema;
 }
 
-// Adds a schema of a message. An empty `format` is that of the description itself.
+// Adds a schema of a message. An empty `format` is that of the description itself. A payload always becomes a record.
 void ApiMessages::readSchema(Index schema, CString format, const CString& name, bool isPayload)
 {
     if (schema == 0)
         return;
+    const auto before = static_cast<SourceTypes::Index>(types.candidates.size());
     if (languageOf(format) != SchemaLanguage::foreign)
         schema = withoutFormat(schema, format);
     if (languageOf(format) == SchemaLanguage::avro) {
@@ -218,6 +219,8 @@ void ApiMessages::readSchema(Index schema, CString format, const CString& name, 
     } else {
         documents.note(SourceReport::moduleUnreadable, schema, format);
     }
+    for (SourceTypes::Index added = before; isPayload && added < types.candidates.size(); ++added)
+        types.recordOf(added);
 }
 
 // Declares a schema of the components that holds its format.

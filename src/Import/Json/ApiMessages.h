@@ -10,8 +10,8 @@ class ApiMessages
 public:
     using Index = JsonNode::Index;
 
-    ApiMessages(JsonDocuments& documents, JsonTypes& schemas, AvroTypes& avro) :
-        documents(documents), tree(documents.tree), schemas(schemas), avro(avro)
+    ApiMessages(JsonDocuments& documents, JsonTypes& schemas, AvroTypes& avro, SourceTypes& types) :
+        documents(documents), tree(documents.tree), schemas(schemas), avro(avro), types(types)
     {}
 
     /// Adds the bodies of an OpenAPI document's operations, with those of webhooks and callbacks.
@@ -40,6 +40,7 @@ private:
     JsonTree& tree;
     JsonTypes& schemas;
     AvroTypes& avro;
+    SourceTypes& types;
     std::unordered_set<Index> visited; // nodes that have been read
     int depth = 0;                     // nesting of callbacks
 };

@@ -115,7 +115,7 @@ void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& docume
     for (const Index root : all)
         schemas.nameReferred(tree.find(tree.find(root, JsonWord::components), JsonWord::schemas));
     AvroTypes avro(documents, schemas, types, report);
-    ApiMessages messages(documents, schemas, avro);
+    ApiMessages messages(documents, schemas, avro, types);
     for (Index source = 0; source < roots.size(); ++source) {
         Index& root = roots[source];
         if (!isDescription(tree, root))

@@ -274,21 +274,16 @@ void JsonTypes::addCandidate(Index schema, std::string_view name)
                             .description = describe(schema)});
 }
 
-void JsonTypes::addBody(Index schema, const CString& name, bool hasValue)
+void JsonTypes::addBody(Index schema, const CString& name, bool mayBeValue)
 {
     if (!isWanted(tree.target(schema)))
         return;
     const std::string_view called = toModelName(name, schema);
-    Shape shape = shapeOf(schema, called);
-    if (hasValue && (shape.type.kind != SourceTypes::kindRecord || shape.depth > 0)) {
-        const SourceTypes::Field value{"value", {}, shape.type, SourceTypes::roleValue, shape.depth};
-        const SourceTypes::Index record =
-            types.addRecord({called, describe(schema), tree.placeOf(tree.target(schema))});
-        types.setFields(record, std::span(&value, 1));
-        shape = {{SourceTypes::kindRecord, record}};
-    }
-    if (shape.type.kind == SourceTypes::kindRecord)
+    const Shape shape = shapeOf(schema, called);
+    if (mayBeValue || shape.type.kind == SourceTypes::kindRecord)
         addCandidate(shape, called, tree.placeOf(tree.target(schema)));
+    if (mayBeValue && (shape.type.kind != SourceTypes::kindRecord || shape.depth > 0))
+        types.candidates.back().description = describe(schema);
 }
 
 void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace place, std::string_view uri)

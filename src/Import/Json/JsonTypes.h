@@ -66,9 +66,8 @@ public:
     /// Makes the type of a schema a candidate for a main type. It is called `name` if it has no name of its own.
     void addCandidate(Index schema, std::string_view name);
 
-    /// The same for the body of a message. Only records become candidates; with `hasValue` anything else becomes a
-    /// record with the field "value".
-    void addBody(Index schema, const CString& name, bool hasValue = false);
+    /// The same for the body of a message. Only with `mayBeValue` anything but an object becomes a candidate.
+    void addBody(Index schema, const CString& name, bool mayBeValue = false);
 
     /// The same for a type of the namespace `uri` that was made elsewhere. A record is called by its own name. `name`
     /// and `uri` must live as long as the types.
