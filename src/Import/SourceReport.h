@@ -162,7 +162,8 @@ public:
             holdBack(construct, times);
     }
 
-    /// Sets whether add() and count() are ignored, and returns the setting before. Don't use it with hold().
+    /// Sets whether add() and count() are ignored, and returns the setting before. Ends hold(); what was held back
+    /// stays so until release().
     bool pause(bool on) { return std::exchange(mode, on ? paused : reporting) == paused; }
 
     /// The number that a reader gives to a declaration that types are made of; 0 for the source as a whole.

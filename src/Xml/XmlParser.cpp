@@ -79,7 +79,7 @@ public:
         source(document), handler(receiver), wantsScopes(receiver.wantsScopes()), limits(document)
     {}
 
-    std::optional<IXMLDOMParseError> run();
+    std::optional<IXMLDOMParseError> run(int firstLine = 0);
 
 private:
     struct FreeContext
@@ -165,7 +165,7 @@ xmlSAXHandler Parse::callbacks(bool withText)
     return sax;
 }
 
-std::optional<IXMLDOMParseError> Parse::run()
+std::optional<IXMLDOMParseError> Parse::run(int firstLine)
 {
     setUpLibrary();
     const ErrorsTo here(this, onError);
@@ -175,7 +175,9 @@ std::optional<IXMLDOMParseError> Parse::run()
         throw std::bad_alloc();
     parser->_private = this;
     // XML_PARSE_HUGE lifts the limits on the length of texts, values and names until the document declares an entity.
-    xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_HUGE);
+    xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_HUGE | (firstLine > 0 ? XML_PARSE_IGNORE_ENC : 0));
+    if (firstLine > 0)
+        parser->input->line = firstLine;
     // Set directly, because XML_PARSE_NOENT would also load external entities.
     parser->replaceEntities = 1;
     handler.setLocator(*this);
@@ -439,8 +441,8 @@ std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandle
     }
 }
 
-std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler)
+std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler, int firstLine)
 {
     XmlSource source(document);
-    return Parse(source, handler).run();
+    return Parse(source, handler).run(firstLine);
 }

@@ -140,5 +140,6 @@ public:
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler,
                                               std::size_t most = kAnySize);
 
-/// Parses a document in memory in the same way. Throws std::bad_alloc.
-std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler);
+/// Parses a document in memory in the same way. With `firstLine` it is text inside of another document: lines count
+/// from there, and the encoding that it declares is ignored, because it is UTF-8. Throws std::bad_alloc.
+std::optional<IXMLDOMParseError> parseXmlText(std::string_view document, XmlHandler& handler, int firstLine = 0);

@@ -1,6 +1,7 @@
 #include "Import/Dtd/DTDFullMsg.h"
 #include "Import/Json/JsonMessage.h"
 #include "Import/Schema/Full/SchemaFullMsg.h"
+#include "support/FullTypes.h"
 #include "support/Importing.h"
 
 #include <algorithm>
@@ -272,6 +273,92 @@ TEST_F(OpenApiSets, AreOneImport)
     EXPECT_EQ(message.parseFile(folder.path("a"), ""), 0);
     EXPECT_THAT(boxes.take(),
                 testing::ElementsAre(folder.path("e") + ": it is neither an OpenAPI nor an AsyncAPI document."));
+}
+
+TEST_F(OpenApiSets, HaveSchemasInXml)
+{
+    const Files files = {
+        {"a.yaml", R"(asyncapi: 2.6.0
+channels:
+  c:
+    publish:
+      message:
+        oneOf:
+          - {name: order, schemaFormat: application/xml, payload: {$ref: o.xsd}}
+          - name: Ping
+            schemaFormat: application/xsd+xml;version=1.0
+            payload: |
+              <?xml version='1.0' encoding='latin1'?>
+              <schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:l='urn:l'>
+                <import namespace='urn:l' schemaLocation='l.xsd'/>
+                <element name='Größe' type='l:Line'/>
+                <elem/>
+              </schema>
+          - {name: M, schemaFormat: text/xml, payload: " <a>\n</b>"}
+          - {name: N, schemaFormat: text/xml, payload: {$ref: none.xsd}}
+          - {name: T, schemaFormat: text/xml, payload: {$ref: '#/components/schemas/T'}}
+          - {name: U, payload: {$ref: 'u.xsd#/U'}}
+          - {name: V, schemaFormat: text/xml, payload: {$ref: 'u.xsd#V'}}
+components:
+  schemas:
+    T: "<schema xmlns='http://www.w3.org/2001/XMLSchema'>\n<element name='T' type='int'/><element name='T2' type='T1'/></schema>"
+)"},
+        {"l.xsd", schema("l", "<complexType name='Line'><attribute name='n' type='int'/></complexType>")},
+        {"o.xsd",
+         schema("l", "<include schemaLocation='l.xsd'/>" + element("All", "<element ref='l:Order'/>") +
+                         element("Order", "<element name='x' type='l:Line' maxOccurs='9'/>\n<element ref='l:Gone'/>"))},
+        {"u.xsd", schema("u", element("U", "<element name='u' type='time'/>") + element("W", "<any/>"))},
+    };
+    const Row rows[] = {
+        {"Messages", {"a.yaml"}, R"(Order: \Order\W \Order\T \Order\U \Order\Line \Order\t_x \Order\Order \Order\All)"},
+        {"ByNamespace",
+         {"a.yaml"},
+         R"(Order: \u\W \T \u\U \l\Line \l\t_x \l\Order \l\All)",
+         {},
+         FullMessage::Layout::byNamespace},
+        {"ARoot", {"a.yaml"}, R"(W: \W\W)", {"u:W"}},
+        {"AnElementOfNoMessageAsRoot", {"a.yaml"}, R"(T2: \T2\T2)", {"T2"}},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(namesOf(files, row), row.types) << row.name;
+    EXPECT_EQ(message.parseFile(folder.path("a.yaml"), "\\"), 1);
+    EXPECT_EQ(reportOf(message, folder.path()), R"(6 losses
+a.yaml:15: unknown statement: elem
+a.yaml:17:56: document not well-formed: Opening and ending tag mismatch: a line 1 and b in line 2 of the text
+a.yaml:21:63: reference to nothing that was read: u.xsd#V
+o.xsd:2:1: reference to nothing that was read: Gone
+a.yaml:18:63: module or document not there: none.xsd
+a.yaml:24:8: reference to nothing that was read: T1
+
+3 details
+a.yaml:21:63: choice between alternatives: U or W
+u.xsd:1:254: any element: W
+
+3 references became text
+1 document not found
+1 document not well-formed
+1 statement not understood
+1 any element
+1 bound of occurrence
+1 choice
+)");
+    message.setRoot("l:All");
+    EXPECT_EQ(message.parseFile(folder.path("a.yaml"), "\\"), 1);
+    EXPECT_EQ(reportOf(message, folder.path()), R"(5 losses
+a.yaml:15: unknown statement: elem
+a.yaml:17:56: document not well-formed: Opening and ending tag mismatch: a line 1 and b in line 2 of the text
+a.yaml:18:63: module or document not there: none.xsd
+a.yaml:21:63: reference to nothing that was read: u.xsd#V
+o.xsd:2:1: reference to nothing that was read: Gone
+
+1 detail
+
+2 references became text
+1 document not found
+1 document not well-formed
+1 statement not understood
+1 bound of occurrence
+)");
 }
 
 TEST_F(AvroSets, AreOneImport)

@@ -27,6 +27,18 @@ CString nameOf(std::string_view words)
     return CString(trimmed(name, "_"));
 }
 
+bool isFileNamed(std::string_view reference, std::initializer_list<std::string_view> endings)
+{
+    reference = reference.substr(0, reference.find('#'));
+    return std::ranges::any_of(endings, [&](std::string_view ending) { return endsWithAscii(reference, ending); });
+}
+
+// Returns whether a schema is a reference to a file of XML Schema.
+bool refersToXml(const JsonTree& tree, Index schema)
+{
+    return isFileNamed(tree.textOf(tree.target(schema), JsonWord::ref), {".xsd"});
+}
+
 } // namespace
 
 // Returns what a reference object leads to, else the node itself; 0 if it leads nowhere. Everything but a schema may be
@@ -110,7 +122,11 @@ void ApiMessages::readBody(Index body, const CString& name)
 {
     for (const Index at : membersOf(body, JsonWord::content)) {
         const Index schema = tree.find(partOf(at), JsonWord::schema);
-        if (schema != 0 && isNew(schema))
+        if (schema == 0 || !isNew(schema))
+            continue;
+        if (refersToXml(tree, schema))
+            readXml(schema, {}, name, schemas.querySource());
+        else
             schemas.addBody(schema, name);
     }
 }
@@ -208,8 +224,11 @@ void ApiMessages::readSchema(Index schema, CString format, const CString& name, 
     if (schema == 0)
         return;
     const auto before = static_cast<SourceTypes::Index>(types.candidates.size());
-    if (languageOf(format) != SchemaLanguage::foreign)
+    const auto isXml = [&] { return languageOf(format) == SchemaLanguage::xmlSchema || refersToXml(tree, schema); };
+    if (languageOf(format) != SchemaLanguage::foreign && !isXml())
         schema = withoutFormat(schema, format);
+    if (isXml())
+        return readXml(schema, format, name, schemas.querySource());
     if (languageOf(format) == SchemaLanguage::avro) {
         const Index target = follow(schema);
         avro.addCandidate(target, schemas.toModelName(name, schema));
@@ -223,6 +242,31 @@ void ApiMessages::readSchema(Index schema, CString format, const CString& name, 
         types.recordOf(added);
 }
 
+// Adds a schema in XML Schema: a text, or a reference to one or to a file. A file in JSON or YAML holds parts of the
+// description.
+void ApiMessages::readXml(Index schema, const CString& format, const CString& name, Index source)
+{
+    Index node = tree.target(schema);
+    for (int i = 0; i < kLongestChain && node != 0; ++i) {
+        schemas.leaveOut(node); // see readSchema()
+        const Index reference = tree.find(node, JsonWord::ref, JsonNode::string);
+        const bool isFile = reference != 0 && !tree.text(reference).starts_with('#') &&
+                            !isFileNamed(tree.text(reference), {".json", ".yaml", ".yml"});
+        if (isFile || tree.is(node, JsonNode::string)) {
+            const Index text = isFile ? reference : node;
+            return xml.add(
+                {tree.text(text), isFile, tree[text].isLiteral, tree.placeOf(text), documents.queryFolder(text), name},
+                source);
+        }
+        if (reference == 0)
+            return documents.note(SourceReport::moduleUnreadable, schema, format);
+        node = documents.resolve(reference, tree[reference].text, true);
+    }
+    if (node != 0)
+        documents.note(SourceReport::cutShort, node,
+                       "more than " + std::to_string(kLongestChain) + " references in a row");
+}
+
 // Declares a schema of the components that holds its format.
 void ApiMessages::readComponent(Index node)
 {
@@ -230,6 +274,8 @@ void ApiMessages::readComponent(Index node)
     const Index schema = withoutFormat(node, format);
     if (languageOf(format) == SchemaLanguage::avro)
         avro.declareAll(follow(schema));
+    else if (languageOf(format) == SchemaLanguage::xmlSchema)
+        readXml(schema, format, CString(tree.key(node)), SourceTypes::kNone);
     else if (languageOf(format) == SchemaLanguage::foreign)
         documents.note(SourceReport::moduleUnreadable, schema, format);
     else if (schema != node && schemas.isWanted(tree.target(schema)))

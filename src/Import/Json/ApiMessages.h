@@ -2,6 +2,7 @@
 
 #include "Import/Json/AvroTypes.h"
 #include "Import/Json/JsonTypes.h"
+#include "Import/Schema/Full/MessageSchemas.h"
 
 /// Finds the messages of an API description and adds them as candidates for main types: the bodies of operations, the
 /// payloads and headers of channels. An item that several places refer to is read once.
@@ -10,8 +11,10 @@ class ApiMessages
 public:
     using Index = JsonNode::Index;
 
-    ApiMessages(JsonDocuments& documents, JsonTypes& schemas, AvroTypes& avro, SourceTypes& types) :
-        documents(documents), tree(documents.tree), schemas(schemas), avro(avro), types(types)
+    ApiMessages(JsonDocuments& documents, JsonTypes& schemas, AvroTypes& avro, MessageSchemas& xml,
+                SourceTypes& types) :
+        documents(documents),
+        tree(documents.tree), schemas(schemas), avro(avro), xml(xml), types(types)
     {}
 
     /// Adds the bodies of an OpenAPI document's operations, with those of webhooks and callbacks.
@@ -34,12 +37,14 @@ private:
     Index headersOf(Index message);
     Index withoutFormat(Index node, CString& format);
     void readSchema(Index schema, CString format, const CString& name, bool isPayload);
+    void readXml(Index schema, const CString& format, const CString& name, Index source);
     void readComponent(Index node);
 
     JsonDocuments& documents;
     JsonTree& tree;
     JsonTypes& schemas;
     AvroTypes& avro;
+    MessageSchemas& xml;
     SourceTypes& types;
     std::unordered_set<Index> visited; // nodes that have been read
     int depth = 0;                     // nesting of callbacks

@@ -180,7 +180,7 @@ JsonNode::Index JsonDocuments::resourceOf(Index node) const
     return node;
 }
 
-JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference)
+JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference, bool mayBeText)
 {
     // Cached by resource, because the same reference leads elsewhere in another one.
     const std::uint64_t key = keyOf(resourceOf(holder), reference);
@@ -190,14 +190,14 @@ JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference)
         lookUp(holder, tree.names[reference], found);
         if (found.node != 0)
             link(holder, found.node);
-        // A title or a list is there, but no schema.
-        if (!tree.is(found.node, JsonNode::object) && !tree.is(found.node, JsonNode::boolean))
-            found.node = 0;
     }
     const auto [node, fault] = resolved[position];
-    if (node == 0)
+    // A title or a list may be there, but no schema.
+    const bool isSchema = tree.is(node, JsonNode::object) || tree.is(node, JsonNode::boolean) ||
+                          (mayBeText && tree.is(node, JsonNode::string));
+    if (!isSchema)
         note(fault, holder, tree.names[reference]);
-    return node;
+    return isSchema ? node : 0;
 }
 
 void JsonDocuments::lookUp(Index holder, std::string_view reference, Resolved& found)

@@ -23,8 +23,9 @@ public:
     Index load(const CString& fileName);
 
     /// Returns the node that `reference` leads to: by identifier or anchor, else by file and JSON pointer (RFC 6901).
-    /// `holder` is the node that the reference stands in. Returns 0 and reports a loss if there is none.
-    Index resolve(Index holder, NameTable::Id reference);
+    /// `holder` is the node that the reference stands in. Returns 0 and reports a loss if there is none. Only with
+    /// `mayBeText` it may be a string.
+    Index resolve(Index holder, NameTable::Id reference, bool mayBeText = false);
 
     /// Returns whether a "$ref" replaces all other keywords of its schema, as up to draft 7.
     bool ignoresSiblings(Index node) const { return documents[tree[node].document].ignoresSiblings; }
@@ -46,6 +47,9 @@ public:
 
     /// Returns the name of the document's file without folder and suffix.
     CString nameOf(Index node) const;
+
+    /// Returns the folder of the document of `node`, the base of relative references.
+    const CString& queryFolder(Index node) const { return documents[tree[node].document].folder; }
 
     /// Reports a loss at `node`, with `name` and the node's JSON pointer.
     void note(SourceReport::Construct construct, Index node, std::string_view name = {});

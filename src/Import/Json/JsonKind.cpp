@@ -109,6 +109,9 @@ SchemaLanguage languageOf(std::string_view format)
 {
     if (format.find("avro") != format.npos)
         return SchemaLanguage::avro;
+    // There is no registered name: application/xml, application/xsd+xml and others are in use.
+    if (format.find("xml") != format.npos || format.find("xsd") != format.npos)
+        return SchemaLanguage::xmlSchema;
     for (const char* const part : {"asyncapi", "schema+", "openapi"})
         if (format.find(part) != format.npos)
             return SchemaLanguage::jsonSchema;

@@ -11,6 +11,7 @@ enum class SchemaLanguage
 {
     jsonSchema,
     avro,
+    xmlSchema,
     foreign
 };
 

@@ -29,16 +29,18 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
     std::vector<Index> roots{documents.load(source)};
     for (const CString& file : queryFurtherFiles())
         roots.push_back(documents.load(file));
+    MessageSchemas xml(types, report, queryCatalogs());
     report.pause(areRequested);
     JsonTypes schemas(documents, types, report);
-    readDocuments(roots, documents, schemas, types, report);
+    readDocuments(roots, documents, schemas, xml, types, report);
     addReferred(roots, documents, schemas);
+    report.pause(false);
+    xml.read(types, queryRoots());
     // A document that others of the set refer to has no main type of its own.
     const std::vector<std::size_t> tops = documents.findTops(roots);
     for (SourceTypes::Candidate& candidate : types.candidates)
         if (!std::ranges::binary_search(tops, candidate.source))
             candidate.source = SourceTypes::kNone;
-    report.pause(false);
     if (!areRequested || types.empty())
         return;
     // The file tells apart types of the same name. Plain types of the sources are all alike.
@@ -51,12 +53,16 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
     // Only what the requested types reach is imported, so only its losses count. Reading that alone finds them.
     JsonTypes::Places wanted;
     const RootNames names(types);
-    for (const CString& root : queryRoots())
-        wanted.insert(JsonTypes::keyOf(types.candidates[names.find(root)].place));
+    for (const CString& root : queryRoots()) {
+        const SourceTypes::Index candidate = names.find(root);
+        wanted.insert(JsonTypes::keyOf(types.candidates[candidate].place));
+        xml.want(candidate);
+    }
     SourceTypes alone(fileName);
     JsonTypes requested(documents, alone, report, &wanted);
-    readDocuments(roots, documents, requested, alone, report);
+    readDocuments(roots, documents, requested, xml, alone, report);
     addReferred(roots, documents, requested);
+    xml.readAlone(alone);
 }
 
 // Adds the requested types of the documents that the sources refer to.
@@ -72,7 +78,7 @@ void JsonMessage::addReferred(std::span<const Index> roots, const JsonDocuments&
 }
 
 void JsonSchemaMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas,
-                                      SourceTypes&, SourceReport&)
+                                      MessageSchemas&, SourceTypes&, SourceReport&)
 {
     const JsonTree& tree = documents.tree;
     for (Index source = 0; source < roots.size(); ++source) {
@@ -91,7 +97,7 @@ void JsonSchemaMessage::readDocuments(std::span<Index> roots, JsonDocuments& doc
 }
 
 void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas,
-                                   SourceTypes& types, SourceReport& report)
+                                   MessageSchemas& xml, SourceTypes& types, SourceReport& report)
 {
     const JsonTree& tree = documents.tree;
     const auto refuseUnless = [&](bool isRight, Index root, const CString& reason) {
@@ -115,7 +121,7 @@ void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& docume
     for (const Index root : all)
         schemas.nameReferred(tree.find(tree.find(root, JsonWord::components), JsonWord::schemas));
     AvroTypes avro(documents, schemas, types, report);
-    ApiMessages messages(documents, schemas, avro, types);
+    ApiMessages messages(documents, schemas, avro, xml, types);
     for (Index source = 0; source < roots.size(); ++source) {
         Index& root = roots[source];
         if (!isDescription(tree, root))
@@ -123,13 +129,13 @@ void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& docume
         if (root == 0)
             continue;
         schemas.setSource(source);
-        const std::size_t before = types.candidates.size();
+        const std::size_t before = types.candidates.size() + xml.countMessages();
         if (openApiVersionOf(tree, root).empty())
             messages.readAsyncApi(root);
         else
             messages.readOpenApi(root);
         // Without messages, the schemas are the candidates for the main type.
-        const bool hasMessages = types.candidates.size() > before;
+        const bool hasMessages = types.candidates.size() + xml.countMessages() > before;
         schemas.declareMembers(tree.find(tree.find(root, JsonWord::components), JsonWord::schemas),
                                !hasMessages || !queryRoot().empty());
     }
@@ -141,8 +147,8 @@ void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& docume
         refuseUnless(isDescription(tree, all[top]), all[top], unknown);
 }
 
-void AvroMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& names, SourceTypes& types,
-                                SourceReport& report)
+void AvroMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& names, MessageSchemas&,
+                                SourceTypes& types, SourceReport& report)
 {
     AvroTypes avro(documents, names, types, report);
     // All documents are declared before one is read, because they may use each other's types.

@@ -2,6 +2,7 @@
 
 #include "Import/Full/FullMessage.h"
 #include "Import/Json/JsonTypes.h"
+#include "Import/Schema/Full/MessageSchemas.h"
 
 /// The base of the importers of schemas in JSON or YAML. Reads one document or a set. A document that others of the set
 /// refer to gets no main type of its own.
@@ -18,9 +19,9 @@ protected:
 
     /// Makes types of documents. `roots` holds a root for each document of the set; 0 if the same file was given
     /// before. Sets the roots of those to 0 that are only parts of others. Candidates for main types are added under
-    /// the document's position, see JsonTypes::setSource().
-    virtual void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
-                               SourceReport& report) = 0;
+    /// the document's position, see JsonTypes::setSource(). Schemas in XML Schema are added to `xml`.
+    virtual void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas,
+                               MessageSchemas& xml, SourceTypes& types, SourceReport& report) = 0;
 
     /// Returns whether JSON may have comments.
     virtual bool allowsComments() const { return false; }
@@ -43,8 +44,8 @@ public:
     static MsgUIDescriptor m_descr;
 
 protected:
-    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
-                       SourceReport& report) override;
+    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, MessageSchemas& xml,
+                       SourceTypes& types, SourceReport& report) override;
 };
 
 /// The importer of API descriptions: OpenAPI 3 and AsyncAPI 2 and 3, in JSON or YAML.
@@ -58,8 +59,8 @@ public:
     static MsgUIDescriptor m_descr;
 
 protected:
-    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
-                       SourceReport& report) override;
+    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, MessageSchemas& xml,
+                       SourceTypes& types, SourceReport& report) override;
 };
 
 /// The importer of Avro schemas and protocols.
@@ -73,7 +74,7 @@ public:
     static MsgUIDescriptor m_descr;
 
 protected:
-    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, SourceTypes& types,
-                       SourceReport& report) override;
+    void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas, MessageSchemas& xml,
+                       SourceTypes& types, SourceReport& report) override;
     bool allowsComments() const override { return true; } // as other parsers of Avro do
 };

@@ -202,7 +202,9 @@ private:
         const bool isTyped = isOneOf(tag, {YAML_NULL_TAG, YAML_BOOL_TAG, YAML_INT_TAG, YAML_FLOAT_TAG});
         const bool isText = isOneOf(tag, {YAML_STR_TAG, "!"}) || (scalar.style != YAML_PLAIN_SCALAR_STYLE && !isTyped);
         const JsonNode::Kind kind = isText ? JsonNode::string : kindOfPlain(text);
-        keepAnchor(textOf(scalar.anchor), add(kind, kind == JsonNode::null ? "" : text, event.start_mark));
+        const Index node = add(kind, kind == JsonNode::null ? "" : text, event.start_mark);
+        tree[node].isLiteral = scalar.style == YAML_LITERAL_SCALAR_STYLE;
+        keepAnchor(textOf(scalar.anchor), node);
     }
 
     void takeAlias(const yaml_event_t& event)

@@ -82,13 +82,14 @@ struct JsonNode
 
     Kind kind = none;
     Place place = statement;
-    bool isLarge = false;    ///< an object whose members are in a hash table
-    bool isResource = false; ///< a schema with its own identifier
-    Index parent = 0;        ///< 0 for a root, and for nodes that a reader has made
-    Index firstChild = 0;    ///< in document order
-    Index next = 0;          ///< the next child of the same parent
-    NameTable::Id key = 0;   ///< of a member of an object
-    NameTable::Id text = 0;  ///< of a string, number or boolean
+    bool isLarge : 1 = false;    ///< an object whose members are in a hash table
+    bool isResource : 1 = false; ///< a schema with its own identifier
+    bool isLiteral : 1 = false;  ///< a text whose lines are those of the document, from the line after its own on
+    Index parent = 0;            ///< 0 for a root, and for nodes that a reader has made
+    Index firstChild = 0;        ///< in document order
+    Index next = 0;              ///< the next child of the same parent
+    NameTable::Id key = 0;       ///< of a member of an object
+    NameTable::Id text = 0;      ///< of a string, number or boolean
     std::uint32_t document = 0;
     std::uint32_t line = 0;
     std::uint32_t column = 0;

@@ -38,6 +38,7 @@ public:
 
     /// Sets the position in the set of the document that further candidates count for.
     void setSource(Index position) { source = position; }
+    Index querySource() const { return source; }
 
     /// Returns the type of a schema; text if it is not wanted and has no `home`. A schema without its own name is
     /// called `name`, inside the record `home`, if that is given.

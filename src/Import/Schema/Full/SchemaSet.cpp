@@ -56,26 +56,37 @@ void SchemaSet::followAll(std::uint32_t document)
     }
 }
 
+// Adds a document without nodes.
+void SchemaSet::beginDocument(const CString& folder, std::uint32_t file)
+{
+    SchemaDocument& document = tree.documents.emplace_back();
+    firstOfFile.push_back(static_cast<std::uint32_t>(tree.documents.size() - 1));
+    document.folder = folder;
+    document.file = file;
+    document.end = static_cast<Index>(tree.size());
+}
+
+// Ends the last document, which stays without nodes if it could not be read. Returns `isRead`.
+bool SchemaSet::endDocument(SchemaReader& reader, bool isRead)
+{
+    SchemaDocument& document = tree.documents.back();
+    if (isRead) {
+        reader.finish();
+    } else {
+        tree.dropFrom(document.end);
+        document.root = 0;
+    }
+    document.end = static_cast<Index>(tree.size());
+    return isRead;
+}
+
 // Reads one file into a new document, which messages call `shownName`. Returns false on failure, with the error in
 // `xml`.
 bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most)
 {
-    const auto first = static_cast<Index>(tree.size());
-    SchemaDocument& document = tree.documents.emplace_back();
-    firstOfFile.push_back(static_cast<std::uint32_t>(tree.documents.size() - 1));
-    document.folder = folderOf(fileName);
-    document.file = report.addFile(shownName);
+    beginDocument(folderOf(fileName), report.addFile(shownName));
     SchemaReader reader(tree, report);
-    const bool isRead = xml.streamFile(fileName, reader, most);
-    if (!isRead) {
-        tree.dropFrom(first);
-        document.root = 0;
-    }
-    document.end = static_cast<Index>(tree.size());
-    if (!isRead)
-        return false;
-    reader.finish();
-    return true;
+    return endDocument(reader, xml.streamFile(fileName, reader, most) != 0);
 }
 
 // Returns the file of a document: by the catalogues, else by its location, else by its namespace. `path` is set to the

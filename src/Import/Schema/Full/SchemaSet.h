@@ -44,6 +44,21 @@ public:
     /// an existing document, can't be read.
     void load(const CString& fileName);
 
+    /// A schema inside of a document of another language.
+    struct Embedded
+    {
+        std::string_view text; ///< the schema, or a reference to its file
+        bool isReference;
+        bool isLiteral; ///< the lines of the text are those of the document, from the line after `place` on
+        SourcePlace place;
+        CString folder; ///< of the document, the base of relative references
+        CString name;   ///< what the document calls it
+    };
+
+    /// Reads such a schema and the documents that it refers to. Returns its document; nothing if it is missing or no
+    /// schema, which is reported.
+    std::optional<std::uint32_t> load(const Embedded& schema);
+
     /// A document whose components belong to a source.
     struct Source
     {
@@ -169,7 +184,11 @@ private:
     void followAll(std::uint32_t document);
     void loadOne(const SourceFile& file, std::vector<SourceFile>& files);
     std::vector<WsdlReader::Import> readSource(const SourceFile& file);
+    void beginDocument(const CString& folder, std::uint32_t file);
+    bool endDocument(SchemaReader& reader, bool isRead);
     bool read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most);
+    void readText(const Embedded& schema);
+    std::optional<std::uint32_t> loadReferred(const Embedded& schema);
     void follow(Index reference, std::vector<Following>& waiting);
     std::optional<FoundFile> locate(const Location& wanted, CString& path);
     void readNamed(const FoundFile& file, const CString& path, Index reference);
@@ -191,6 +210,7 @@ private:
     FileFinder finder;
     std::map<FileId, std::uint32_t> parsed; // first document by file
     std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
+    std::map<std::pair<std::string_view, std::uint32_t>, std::uint32_t> texts; // documents by text and file
     bool hasWsdl = false;
     std::vector<std::pair<WsdlReader::Root, std::uint32_t>> messages; // of WSDLs, with the number of the source
     std::unordered_set<NameTable::Id> messageNames;

@@ -1,0 +1,117 @@
+#include "Import/Schema/Full/MessageSchemas.h"
+
+#include <utility>
+
+void MessageSchemas::read(SourceTypes& types, const std::vector<CString>& roots)
+{
+    if (schemas.empty())
+        return;
+    if (!roots.empty())
+        report.hold();
+    std::vector<SchemaSet::Source> sources;
+    std::vector<std::pair<const Schema*, std::uint32_t>> messages; // with their documents
+    std::unordered_map<std::uint32_t, Elements> elements;          // by document
+    for (const Schema& schema : schemas)
+        if (const auto document = set.load(schema.text)) {
+            if (elements.try_emplace(*document).second)
+                sources.push_back({*document, SourceTypes::kNone});
+            if (schema.source != SourceTypes::kNone)
+                messages.emplace_back(&schema, *document);
+        }
+    set.finish();
+    if (!roots.empty())
+        set.reportNotes(); // of the documents themselves
+    const auto first = static_cast<SourceTypes::Index>(types.candidates.size());
+    all.emplace(set, types);
+    all->read(sources, roots, {});
+    for (SourceTypes::Index i = first; i < types.candidates.size(); ++i)
+        candidates.try_emplace(all->componentOf(i - first), i);
+    for (auto& [document, found] : elements)
+        found = elementsOf(document);
+    for (const auto& [message, document] : messages)
+        addMains(types, *message, elements[document]);
+    if (roots.empty())
+        return set.reportNotes();
+    set.dropNotes();
+    report.pause(false);
+}
+
+MessageSchemas::Elements MessageSchemas::elementsOf(std::uint32_t document) const
+{
+    Elements elements;
+    for (const Index at : set.componentsOf(document))
+        if (tree[at].tag == SchemaTag::element) {
+            elements.all.push_back(at);
+            elements.byName.try_emplace(lowerAscii(tree.text(tree[at].name)), at);
+        }
+    return elements;
+}
+
+// Makes the elements that may be the root of a message main types.
+void MessageSchemas::addMains(SourceTypes& types, const Schema& message, Elements& elements)
+{
+    const std::string_view text = message.text.text;
+    const bool hasFragment = message.text.isReference && text.find('#') != text.npos; // which names the root
+    const auto named = elements.byName.find(
+        lowerAscii(hasFragment ? text.substr(text.find_last_of("#/") + 1) : std::string_view(message.text.name)));
+    if (named != elements.byName.end())
+        return addMain(types, named->second, message.source);
+    if (hasFragment)
+        report.add(SourceReport::unresolvedReference, message.text.place, text);
+    if (!elements.sources.insert(message.source).second)
+        return;
+    for (const Index element : elements.all)
+        addMain(types, element, message.source);
+    if (!report.isHolding()) // else the caller has chosen
+        reportChoice(message, elements);
+}
+
+// Reports the elements that nothing refers to, if there are several.
+void MessageSchemas::reportChoice(const Schema& message, const Elements& elements)
+{
+    if (referred.empty()) {
+        referred.insert(0);
+        for (Index at = 1; at < tree.size(); ++at)
+            if (tree[at].tag == SchemaTag::element && tree[at].is(SchemaNode::isReference))
+                referred.insert(set.find(SchemaSet::element, tree.referenceOf(at), at));
+    }
+    CString choice;
+    int alternatives = 0;
+    for (const Index at : elements.all)
+        if (!referred.contains(at) && tree[at].list == 0) // which is no member of a substitution group
+            choice += (alternatives++ == 0 ? "" : " or ") + CString(tree.text(tree[at].name));
+    if (alternatives > 1)
+        report.add(SourceReport::alternatives, message.text.place, choice);
+}
+
+// Makes an element the main type of a message of a source. Several sources may have the same one.
+void MessageSchemas::addMain(SourceTypes& types, Index element, SourceTypes::Index source)
+{
+    const SourceTypes::Index candidate = candidates.at(element);
+    types.recordOf(candidate);
+    if (!mains.emplace(element, source).second)
+        return;
+    SourceTypes::Candidate main = types.candidates[candidate];
+    const bool isFirst = std::exchange(main.source, source) == SourceTypes::kNone;
+    if (isFirst)
+        types.candidates[candidate] = main;
+    else
+        types.addCandidate(main);
+}
+
+void MessageSchemas::want(SourceTypes::Index candidate)
+{
+    for (const auto& [component, known] : candidates)
+        if (known == candidate)
+            wanted.push_back(component);
+}
+
+void MessageSchemas::readAlone(SourceTypes& alone)
+{
+    if (!all)
+        return;
+    set.recordReached(false);
+    SchemaTypes(set, alone).readAlone(wanted);
+    report.release([this](SourceReport::Component component) { return set.isReached(component); });
+    set.reportNotes();
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "Base/KeyedTable.h"
+#include "Import/Schema/Full/SchemaTypes.h"
+
+#include <optional>
+#include <set>
+
+/// The XML Schemas in descriptions of messages in another language. They form one set.
+class MessageSchemas
+{
+public:
+    MessageSchemas(const SourceTypes& types, SourceReport& report, const Catalogs& catalogs) :
+        set(types, report, catalogs), tree(set.queryTree()), report(report)
+    {}
+
+    /// Adds the schema of a message in the description with the number `source`; kNone if no message has it. Its text
+    /// must live as long as this object. Has no effect after read().
+    void add(const SchemaSet::Embedded& schema, SourceTypes::Index source)
+    {
+        if (all)
+            return;
+        schemas.push_back({schema, source});
+        messageCount += source != SourceTypes::kNone;
+    }
+
+    /// Returns how many schemas of messages were added.
+    std::size_t countMessages() const { return messageCount; }
+
+    /// Reads all schemas. The candidates for main types are, for each message, the root element called like it, else
+    /// all elements of its schema. With `roots` the constructs in the schemas are held back until readAlone().
+    void read(SourceTypes& types, const std::vector<CString>& roots);
+
+    /// Adds a requested main type to those of readAlone(), if a schema declares it.
+    void want(SourceTypes::Index candidate);
+
+    /// Reads only the wanted types, and reports what they reach.
+    void readAlone(SourceTypes& alone);
+
+private:
+    using Index = SchemaNode::Index;
+
+    struct Schema
+    {
+        SchemaSet::Embedded text;
+        SourceTypes::Index source;
+    };
+
+    // The elements of a document.
+    struct Elements
+    {
+        std::vector<Index> all;
+        std::unordered_map<CString, Index, KeyHash> byName; // in lower case
+        std::set<SourceTypes::Index> sources;               // with a message that none of them is called like
+    };
+
+    Elements elementsOf(std::uint32_t document) const;
+    void addMains(SourceTypes& types, const Schema& message, Elements& elements);
+    void reportChoice(const Schema& message, const Elements& elements);
+    void addMain(SourceTypes& types, Index element, SourceTypes::Index source);
+
+    SchemaSet set;
+    const SchemaTree& tree;
+    SourceReport& report;
+    std::vector<Schema> schemas;
+    std::size_t messageCount = 0;
+    std::optional<SchemaTypes> all;
+    std::unordered_map<Index, SourceTypes::Index> candidates; // of `all`, by component
+    std::unordered_set<Index> referred;                       // elements that a "ref" names
+    std::set<std::pair<Index, SourceTypes::Index>> mains;     // elements and their sources
+    std::vector<Index> wanted;                                // components
+};
