@@ -246,7 +246,7 @@ CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importe
     auto* const full = dynamic_cast<FullMessage*>(message.get());
     if (const char* const option = arguments.full.optionOfFull(); *option != 0 && !full)
         return CString(option) + " requires --full";
-    if (!arguments.full.catalogs.empty() && !importer.readsSets())
+    if (!arguments.full.catalogs.empty() && !importer.readsCatalogs())
         return "--catalog: " + word + " reads no catalogues";
     if (!arguments.full.entities.empty() && (!full || !full->setEntities({})))
         return "--entity: " + word + " has no parameter entities";

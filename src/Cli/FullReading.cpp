@@ -127,7 +127,7 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
         full->setLayout(options.layout == "main" ? FullMessage::Layout::byMainType : FullMessage::Layout::byNamespace);
     for (const auto& [uri, folder] : options.folders)
         full->setFolder(uri, folder);
-    if (importer.readsSets())
+    if (importer.readsCatalogs())
         full->setCatalogs(withEnvironmentCatalogs(options.catalogs));
     full->setEntities(options.entities);
     return message;
@@ -138,7 +138,7 @@ void adviseOnFullReading(const MsgBase& message, Diagnostics& diagnostics)
     const auto* const full = dynamic_cast<const FullMessage*>(&message);
     if (!full)
         return;
-    if (message.queryDescriptor()->readsSets())
+    if (message.queryDescriptor()->readsCatalogs())
         warnOfMissingCatalogs(diagnostics);
     suggestEntities(full->querySectionEntities(), diagnostics);
     if (!diagnostics.hasErrors())

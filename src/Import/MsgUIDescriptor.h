@@ -13,7 +13,8 @@ struct ImporterSource
     bool readsTables = false;  ///< the source is a data source, not a file
     bool namesFolders = false; ///< the source names the folders of its types; a base path has no effect
     bool isSet = false;        ///< always read in full, several files or folders as one source
-    bool hasFolders = false;   ///< the same, without catalogues; files in folders go by the filter's pattern
+    bool hasFolders = false;   ///< the same; files in folders go by the filter's pattern
+    bool hasCatalogs = false;  ///< finds documents by catalogues, although it has no full reading of its own
 };
 
 /// The static description of an importer: its names, default base path, next page of the wizard, and factories.
@@ -45,9 +46,11 @@ public:
     /// Returns whether there is an importer for the full reading.
     bool hasFull() const { return fullFactory != nullptr; }
 
-    /// Returns whether the full reading reads several files or folders as one source, and finds documents by
-    /// catalogues.
+    /// Returns whether the full reading reads several files or folders as one source.
     bool readsSets() const { return hasFull() || source.isSet; }
+
+    /// Returns whether the full reading finds documents by catalogues.
+    bool readsCatalogs() const { return readsSets() || source.hasCatalogs; }
 
     /// Returns whether a folder may be the source, which only the full reading reads if hasFull() is true.
     bool readsFolders() const { return readsSets() || source.hasFolders; }

@@ -31,9 +31,9 @@ MsgUIDescriptor
                                JsonSchemaMessage::New, IDD_SOURCE, nullptr,
                                {.word = "jsonschema", .filterId = IDS_FILTER_JSON_SCHEMA, .hasFolders = true});
 
-MsgUIDescriptor OpenApiMessage::m_descr("\\sys\\json\\", IDS_OPENAPI_NAME, IDS_OPENAPI_DESCRIPTION, OpenApiMessage::New,
-                                        IDD_SOURCE, nullptr,
-                                        {.word = "openapi", .filterId = IDS_FILTER_OPENAPI, .hasFolders = true});
+MsgUIDescriptor OpenApiMessage::m_descr(
+    "\\sys\\json\\", IDS_OPENAPI_NAME, IDS_OPENAPI_DESCRIPTION, OpenApiMessage::New, IDD_SOURCE, nullptr,
+    {.word = "openapi", .filterId = IDS_FILTER_OPENAPI, .hasFolders = true, .hasCatalogs = true});
 MsgUIDescriptor AvroMessage::m_descr("\\sys\\json\\", IDS_AVRO_NAME, IDS_AVRO_DESCRIPTION, AvroMessage::New, IDD_SOURCE,
                                      nullptr, {.word = "avro", .filterId = IDS_FILTER_AVRO, .hasFolders = true});
 

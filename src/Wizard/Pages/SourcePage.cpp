@@ -158,7 +158,7 @@ bool SourcePage::takesFolders() const
 void SourcePage::showSetRows()
 {
     setRow->setVisible(takesFolders());
-    catalogRow->setVisible(takesFolders() && wizard->message->queryDescriptor()->readsSets());
+    catalogRow->setVisible(takesFolders() && wizard->message->queryDescriptor()->readsCatalogs());
     catalogState->setVisible(!catalogRow->isHidden() && !catalogState->text().isEmpty());
 }
 

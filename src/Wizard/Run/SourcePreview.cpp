@@ -132,7 +132,7 @@ SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, cons
             count.failure = inWords(fault, files.front());
     });
     if (auto* const fullReading = dynamic_cast<FullMessage*>(message.get());
-        fullReading && source.importer->readsSets())
+        fullReading && source.importer->readsCatalogs())
         fullReading->setCatalogs(withEnvironmentCatalogs(source.catalogs));
     try {
         if (!message->setFurtherFiles({files.begin() + 1, files.end()}) && files.size() > 1) {

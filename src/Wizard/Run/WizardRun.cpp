@@ -49,7 +49,7 @@ bool WizardRun::importSources(const std::vector<CString>& names)
     script = {absoluteName(names.front()), options.queryPath()};
     for (const CString& further : std::span(names).subspan(1))
         script.furtherSources.push_back(absoluteName(further));
-    if (fullMessage() && message->queryDescriptor()->readsSets())
+    if (fullMessage() && message->queryDescriptor()->readsCatalogs())
         script.catalogs = absoluteSourcesIn(options.queryCatalogs());
     const WaitCursor wait;
     const ImportMessages together;
