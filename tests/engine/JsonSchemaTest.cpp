@@ -242,6 +242,8 @@ INSTANTIATE_TEST_SUITE_P(Rows, JsonSchemaRule, testing::ValuesIn(kRules),
 TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
 {
     folder.write("bad.json", "{\n  \"a\" 1}");
+    folder.write("x.xsd", "\xEF\xBB\xBF\n<schema/>");
+    folder.write("r.avsc", R"({"type":"record","name":"R","fields":[]})");
     EXPECT_EQ(importSchema(R"({"title":"r","required":["a"],"properties":{
   "a":{"$ref":"#/$defs/None"},"b":{"$ref":"none.json"},"c":{"$ref":"bad.json#/x"},
   "d":{"properties":{"x":{"minLength":1,"default":"x"}},"additionalProperties":{"type":"string"}},
@@ -249,9 +251,10 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "g\\h":{"type":"string"},"h":{"allOf":[{"type":"string"},{"type":"integer","maximum":9}]},"i":false,
   "j":{"oneOf":[{"properties":{"~/":{"type":"string"}}},{"properties":{"~/":{"type":"array"}}}]},
   "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]},
-  "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}]}}})"),
+  "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}]},
+  "n":{"$ref":"x.xsd"},"o":{"$ref":"r.avsc"}}})"),
               1);
-    EXPECT_EQ(reportOf(message, folder.path()), R"(9 losses
+    EXPECT_EQ(reportOf(message, folder.path()), R"(12 losses
 x.json:4:41: key given twice: f
 x.json:2:15: reference to nothing that was read: #/$defs/None at #/properties/a
 x.json:2:43: module or document not there: none.json at #/properties/b
@@ -260,19 +263,23 @@ x.json:2:68: reference to nothing that was read: bad.json#/x at #/properties/c
 x.json:3:7: further properties of any name: #/properties/d
 x.json:4:7: values of different kinds: #/properties/e
 x.json:5:60: values of different kinds: #/properties/h/allOf/1
+x.json:9:15: module or document not readable: x.xsd: it is XML, not JSON or YAML
+x.json:9:15: reference to nothing that was read: x.xsd at #/properties/n
+x.json:9:36: unknown type, imported as text: r.avsc in Avro at #/properties/o
 x.json:6:37: values of different kinds: #/properties/j/oneOf/0/properties/~0~1
 
-25 details
+27 details
 x.json:5:97: part that may not occur: i at #/properties/i
 x.json:5:10: name adjusted: g\h is g_h
 
+4 references became text
 3 values of several kinds
-2 references became text
 1 document not found
+1 document not readable
 1 document not well-formed
 1 further properties left out
 1 key given twice
-16 optional parts
+18 optional parts
 4 facets
 2 choices
 1 part that may not occur

@@ -229,6 +229,8 @@ void ApiMessages::readSchema(Index schema, CString format, const CString& name, 
         schema = withoutFormat(schema, format);
     if (isXml())
         return readXml(schema, format, name, schemas.querySource());
+    if (format.empty() && isAvroType(tree.textOf(follow(schema), JsonWord::type)))
+        format = "avro";
     if (languageOf(format) == SchemaLanguage::avro) {
         const Index target = follow(schema);
         avro.addCandidate(target, schemas.toModelName(name, schema));

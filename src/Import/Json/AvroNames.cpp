@@ -1,5 +1,6 @@
 // AvroTypes: the declarations of named types.
 #include "Import/Json/AvroTypes.h"
+#include "Import/Json/JsonKind.h"
 
 #include <algorithm>
 #include <utility>
@@ -64,7 +65,7 @@ NameTable::Id AvroTypes::spaceOf(Scoped at)
 bool AvroTypes::declare(Scoped& at)
 {
     const std::string_view name = tree.textOf(at.schema, JsonWord::name);
-    if (!isNamedType(tree.textOf(at.schema, JsonWord::type)))
+    if (!isAvroType(tree.textOf(at.schema, JsonWord::type)))
         return true;
     if (find(at.schema, JsonWord::name, JsonNode::string) == 0 || name.empty())
         return true;
@@ -86,7 +87,7 @@ bool AvroTypes::isSame(Scoped one, Scoped other)
 {
     constexpr JsonWord members[] = {JsonWord::type,    JsonWord::name,   JsonWord::fields,     JsonWord::items,
                                     JsonWord::symbols, JsonWord::values, JsonWord::logicalType};
-    const auto isNamed = [&](Index schema) { return isNamedType(tree.textOf(schema, JsonWord::type)); };
+    const auto isNamed = [&](Index schema) { return isAvroType(tree.textOf(schema, JsonWord::type)); };
     const auto nameOf = [&](Scoped at) {
         const bool isName = tree.is(at.schema, JsonNode::string);
         return isName ? fullNameOf(tree.text(at.schema), at.space)

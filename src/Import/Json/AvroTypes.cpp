@@ -1,6 +1,7 @@
 #include "Import/Json/AvroTypes.h"
 
 #include "Import/Full/Descriptions.h"
+#include "Import/Json/JsonKind.h"
 
 #include <algorithm>
 #include <utility>
@@ -171,7 +172,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
             const std::string_view type = tree.text(tree.is(at.schema, JsonNode::string) ? at.schema : inner);
             const auto found = named.find(fullNameOf(type, at.space));
             const auto global = found == named.end() ? named.find(tree.names.intern(CString(type))) : found;
-            if (isNamedType(type) || global == named.end())
+            if (isAvroType(type) || global == named.end())
                 sortOut(at, type, sorted);
             else {
                 documents.link(at.schema, global->second.schema);
@@ -259,7 +260,7 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
         const Index said = isObject ? find(leaf.schema, JsonWord::type) : leaf.schema;
         const std::string_view type = tree.text(said);
         const bool isKnown = isOneOf(type, {"int", "long", "float", "double", "bytes", "string", "boolean", "null"}) ||
-                             (isObject && isNamedType(type));
+                             (isObject && isAvroType(type));
         if (said != 0 && (!tree.is(said, JsonNode::string) || !isKnown))
             documents.note(SourceReport::unresolvedReference, said, type);
         const auto kind = kindOf(leaf.schema);

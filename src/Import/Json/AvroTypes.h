@@ -53,7 +53,6 @@ private:
         bool isMap = false;
     };
 
-    static bool isNamedType(std::string_view type) { return isOneOf(type, {"record", "error", "enum", "fixed"}); }
     void declareAll(Scoped top);
     bool declare(Scoped& at);
     NameTable::Id spaceOf(Scoped at);

@@ -12,6 +12,7 @@ namespace {
 
 using Index = JsonNode::Index;
 
+constexpr std::size_t kStart = 1'000;        // of a file, which tells whether it is XML
 constexpr std::size_t kMaxPointers = 10'000; // that the report shows; building one walks up the tree
 constexpr std::size_t kMaxDigits = 4;        // in the array index of a pointer; bounds the walk
 
@@ -91,6 +92,11 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     CString text;
     if (const FileCause cause = readFile(fileName, text, kMaxNamedFile); cause != FileCause::none)
         throw SourceRefusal{cantOpen(shownName, cause), {shownName, inWords(fileName, cause)}};
+    // In YAML, "<<" is a key.
+    const std::size_t mark = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+    if (const std::string_view start = trimmed(std::string_view(text).substr(mark, kStart));
+        start.starts_with('<') && !start.starts_with("<<"))
+        throw SourceRefusal{shownName + ": it is XML, not JSON or YAML.", {shownName, "it is XML, not JSON or YAML"}};
     beginWork(Work::reading);
     const auto first = static_cast<Index>(tree.size());
     JsonBuilder builder(tree, types, report, number);

@@ -16,7 +16,7 @@ public:
     {
         const auto mayBe = [kind](JsonScanner::Token token) { return kind == token || kind == JsonScanner::end; };
         isOpenApi |= isOneOf(key, {"openapi", "asyncapi", "swagger"});
-        isAvro |= key == "type" && isOneOf(value, {"record", "error", "enum", "fixed"});
+        isAvro |= key == "type" && isAvroType(value);
         isProtocol |= key == "protocol" && !value.empty();
         hasTypes |= (key == "types" && mayBe(JsonScanner::arrayBegin)) ||
                     (key == "messages" && mayBe(JsonScanner::objectBegin));
@@ -103,6 +103,11 @@ std::string_view importerOfJson(std::string_view start)
     const bool isJson = text.starts_with('{') || text.starts_with('[');
     const std::string_view word = isJson || beginsWithComment(text) ? wordForJson(start) : wordForYaml(start);
     return isJson && word.empty() ? "json" : word;
+}
+
+bool isAvroType(std::string_view type)
+{
+    return isOneOf(type, {"record", "error", "enum", "fixed"});
 }
 
 SchemaLanguage languageOf(std::string_view format)

@@ -6,6 +6,9 @@
 /// "jsonschema", or "json" for any other JSON; empty if it is neither. `start` is the document's beginning.
 std::string_view importerOfJson(std::string_view start);
 
+/// Returns whether the type of a schema is one of Avro's with a name, which JSON Schema doesn't have.
+bool isAvroType(std::string_view type);
+
 /// The languages of the schemas of an API.
 enum class SchemaLanguage
 {

@@ -36,6 +36,10 @@ JsonNode::Index JsonContents::referenced(Index child)
             return 0;
         }
     }
+    if (isAvroType(tree.textOf(target, JsonWord::type))) {
+        documents.note(SourceReport::typeUnknown, child, CString(tree.names[reference]) + " in Avro");
+        return 0;
+    }
     if (tree[target].place != JsonNode::names || tree.find(target, JsonWord::type, JsonNode::string) != 0)
         return target;
     documents.note(SourceReport::unresolvedReference, child, tree.names[reference]);
