@@ -75,6 +75,15 @@ CString nestedCallbacks(int depth)
     return R"({"openapi":"3.0.0","paths":)" + paths + "}";
 }
 
+// Returns a message of AsyncAPI in XML Schema: an element of the type "I", which has an attribute.
+CString messageInXml(const CString& element, const CString& attribute)
+{
+    return R"({"schemaFormat":"application/xml","payload":"<x:schema xmlns:x='http://www.w3.org/2001/XMLSchema'><x:element name=')" +
+           element + "'><x:complexType><x:sequence><x:element name='i' type='I'/></x:sequence></x:complexType>" +
+           "</x:element><x:complexType name='I'><x:attribute name='" + attribute +
+           R"('/></x:complexType></x:schema>"})";
+}
+
 const Rule kApis[] = {
     {"BodiesAreMessages",
      R"({"openapi":"3.0.1","paths":{"/a":{"post":{"operationId":"make","requestBody":{"content":{"application/json":{"schema":{
@@ -168,6 +177,10 @@ const Rule kApis[] = {
         "N":{"payload":{"schemaFormat":"application/xml","schema":{"x":1}}}}}},"components":{"schemas":{"J":{"properties":{"j":{}}},
         "A":{"schemaFormat":"application/xml","schema":"<schema xmlns='http://www.w3.org/2001/XMLSchema'><element name='b' type='date'/><element name='c'><complexType><attribute name='d'/></complexType></element></schema>"}}}})",
      "c(d:String) J(j:String) b(value:Time)", "1 loss: 1 document not readable"},
+    {"SchemasInXmlHaveTheirOwnTypes",
+     R"({"asyncapi":"2.0.0","channels":{"c":{"publish":{"message":{"oneOf":[)" + messageInXml("a", "x") + "," +
+         messageInXml("b", "y") + "," + messageInXml("c", "x") + "," + messageInXml("b", "z") + "]}}}}}",
+     "I_3(z:String) I_2(y:String) I(x:String) a(i:I) b(i:I_2) c(i:I) b_2(i:I_3)"},
     {"LossesOfTheRootAlone",
      R"({"openapi":"3.0.0","paths":{"/a":{"get":{"operationId":"o","responses":{"200":{"content":{"a/b":{"schema":{"properties":{"x":{"$ref":"#/no"}}}}}}}}}},
         "components":{"schemas":{"A":{"properties":{"b":{"$ref":"#/components/schemas/B"}}},"B":{"properties":{"c":{"$ref":"#/no"}}},

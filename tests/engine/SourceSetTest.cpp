@@ -361,6 +361,44 @@ o.xsd:2:1: reference to nothing that was read: Gone
 )");
 }
 
+TEST_F(OpenApiSets, SchemasInXmlShareTheirDocuments)
+{
+    const auto api = [](std::vector<CString> schemas) {
+        CString messages;
+        for (const CString& name : schemas)
+            messages += "{schemaFormat: xsd, payload: {$ref: " + name + "}}, ";
+        return "asyncapi: 2.0.0\nchannels: {c: {publish: {message: {oneOf: [" + messages + "]}}}}\n";
+    };
+    const auto root = [](const CString& name, const CString& document) {
+        return schema("t",
+                      "<include schemaLocation='" + document + "'/>" + element(name, "<element name='i' type='t:I'/>"));
+    };
+    const auto type = [](const CString& attribute) {
+        return schema("t", "<complexType name='I'><attribute name='" + attribute + "'/></complexType>");
+    };
+    for (const auto& [name, bytes] :
+         Files{{"a", root("a", "i")},
+               {"b", root("b", "j")},
+               {"c", root("c", "j")},
+               {"i", type("x")},
+               {"j", type("y")},
+               {"d",
+                schema("t", "<redefine schemaLocation='i'><complexType name='I'><complexContent><extension base='t:I'>"
+                            "<attribute name='z'/></extension></complexContent></complexType></redefine>" +
+                                element("d", "<element name='i' type='t:I'/>"))}})
+        folder.write(name, bytes);
+    const std::pair<std::vector<CString>, CString> rows[] = {
+        {{"a", "b", "c", "b"}, "I_2(y:String) I(x:String) a(i:I) b(i:I_2) c(i:I_2)"},
+        {{"b", "c", "a"}, "I_2(x:String) I(y:String) b(i:I) c(i:I) a(i:I_2)"},
+        {{"a", "d"}, "I(x:String z:String) I_2(x:String) a(i:I_2) d(i:I)"},
+    };
+    for (const auto& [schemas, types] : rows) {
+        EXPECT_EQ(message.parseFile(folder.write("x.yaml", api(schemas)), "\\"), 1);
+        EXPECT_EQ(fullTypesOf(message), types);
+        EXPECT_EQ(message.queryReport().queryTotal(SourceReport::loss), 0u);
+    }
+}
+
 TEST_F(AvroSets, AreOneImport)
 {
     const Files files = {

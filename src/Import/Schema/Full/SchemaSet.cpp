@@ -138,6 +138,9 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
         else
             place->second = document = copy(document, space);
         declareAll(document, waiting);
+    } else if (isInScope(place->second) && again.insert(place->second).second) {
+        countCopied(place->second);
+        declareAll(place->second, waiting);
     }
     documentsByReference[reference] = place->second;
 }
@@ -154,12 +157,18 @@ void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index refe
         note(SourceReport::moduleUnreadable, reference);
 }
 
-// Copies a document. One without a namespace declares its components again in each namespace that includes it.
-std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
+// Bounds the declarations that count once more.
+void SchemaSet::countCopied(std::uint32_t document)
 {
     copied += tree.documents[document].end - tree.documents[document].root;
     if (copied > kMaxCopied)
         refuse(std::to_string(kMaxCopied) + " declarations in documents that several namespaces include");
+}
+
+// Copies a document. One without a namespace declares its components again in each namespace that includes it.
+std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
+{
+    countCopied(document);
     firstOfFile.push_back(firstOfFile[document]);
     return tree.adopt(document, space);
 }
@@ -191,7 +200,7 @@ void SchemaSet::declare(Index component, bool redefines)
 
 SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
 {
-    const Index* const found = symbols[kind].find(name.key());
+    const Index* const found = lookUp(kind, name, from);
     if (!found)
         return 0;
     if (redefined.empty() || !redefined.contains(*found))
@@ -206,6 +215,22 @@ SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
     return earlier == redefined.end() ? *found : earlier->second;
 }
 
+// Returns the scope of a document; null if its components are the common ones.
+const SchemaSet::Scope* SchemaSet::scopeOf(std::uint32_t document) const
+{
+    const auto scope = std::ranges::upper_bound(scopes, document, {}, &Scope::end);
+    return scope == scopes.end() || document < scope->begin ? nullptr : &*scope;
+}
+
+// Returns the component of that name in the scope of `from`, else the common one.
+const SchemaSet::Index* SchemaSet::lookUp(Kind kind, SchemaName name, Index from) const
+{
+    if (const Scope* const scope = scopes.empty() ? nullptr : scopeOf(tree[from].document))
+        if (const Index* const own = scope->symbols[kind].find(name.key()))
+            return own;
+    return symbols[kind].find(name.key());
+}
+
 std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
 {
     const bool isSoap = SchemaTree::isSoapEncoding(name.space);
@@ -217,6 +242,7 @@ std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
 void SchemaSet::collectMembers()
 {
     std::ranges::sort(substitutes); // into the order of declaration
+    substitutes.erase(std::unique(substitutes.begin(), substitutes.end()), substitutes.end());
     for (const Index at : substitutes) {
         if (find(element, nameOf(at), at) != at)
             continue;
@@ -246,7 +272,7 @@ std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
             const auto kind = kindOf(tree[at].tag);
             if (!tree[at].hasName() || (kind != element && kind != type))
                 continue;
-            components.push_back(find(*kind, nameOf(at), 0));
+            components.push_back(find(*kind, nameOf(at), tree[at].parent));
         }
     };
     const auto topOf = [&](std::uint32_t document) { return tree[tree.documents[document].root].firstChild; };

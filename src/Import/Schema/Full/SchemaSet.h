@@ -9,6 +9,7 @@
 
 #include <array>
 #include <map>
+#include <set>
 #include <span>
 #include <tuple>
 #include <unordered_map>
@@ -56,7 +57,8 @@ public:
     };
 
     /// Reads such a schema and the documents that it refers to. Returns its document; nothing if it is missing or no
-    /// schema, which is reported.
+    /// schema, which is reported. If it declares a name of an earlier schema differently, its own references lead to
+    /// its own components.
     std::optional<std::uint32_t> load(const Embedded& schema);
 
     /// A document whose components belong to a source.
@@ -179,6 +181,14 @@ private:
     using Note = std::tuple<Index, SourceReport::Construct, NameTable::Id>; // a node and the name to report
 
     using Names = NumberTable;
+    using Symbols = std::array<Names, kindCount>;
+
+    // The components of embedded schemas that are kept apart from the others, and their documents.
+    struct Scope
+    {
+        std::uint32_t begin, end;
+        Symbols symbols;
+    };
 
     static std::optional<Kind> kindOf(SchemaTag tag);
     void followAll(std::uint32_t document);
@@ -192,9 +202,16 @@ private:
     void follow(Index reference, std::vector<Following>& waiting);
     std::optional<FoundFile> locate(const Location& wanted, CString& path);
     void readNamed(const FoundFile& file, const CString& path, Index reference);
+    void countCopied(std::uint32_t document);
     std::uint32_t copy(std::uint32_t document, NameTable::Id space);
     void declareAll(std::uint32_t document, std::vector<Following>& waiting);
     void declare(Index component, bool redefines);
+    template <class Visit>
+    void visitLoaded(std::uint32_t begin, Visit visit) const;
+    void endLoad(std::uint32_t begin, Symbols shared);
+    const Scope* scopeOf(std::uint32_t document) const;
+    bool isInScope(std::uint32_t document) const { return scopeOf(document) != nullptr; }
+    const Index* lookUp(Kind kind, SchemaName name, Index from) const;
     void collectMembers();
     std::vector<std::uint32_t> includedDocuments(std::uint32_t document) const;
     bool holdsElements(Index derivation) const;
@@ -220,7 +237,9 @@ private:
     std::uint32_t loads = 0;                // number of load() calls so far
     std::vector<std::uint32_t> firstOfFile; // by document: the document that it is a copy of, else itself
     std::unordered_map<Index, std::uint32_t> documentsByReference;
-    std::array<Names, kindCount> symbols;
+    Symbols symbols;
+    std::vector<Scope> scopes;                  // in order of their documents
+    std::set<std::uint32_t> again;              // documents of scopes that the schema being loaded refers to
     std::unordered_map<Index, Index> redefined; // the redefined component by its redefinition
     std::vector<Index> substitutes;             // the elements at the top that name a head
     std::unordered_map<std::uint64_t, std::vector<Index>, NumberHash> members;

@@ -3,6 +3,7 @@
 #include "Import/Schema/Full/SchemaSet.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -39,16 +40,64 @@ private:
 
 std::optional<std::uint32_t> SchemaSet::load(const Embedded& schema)
 {
-    if (schema.isReference)
-        return loadReferred(schema);
     const auto document = static_cast<std::uint32_t>(tree.documents.size());
-    const auto [known, isNew] = texts.try_emplace({schema.text, schema.place.file}, document);
-    if (isNew) {
+    Symbols shared = std::exchange(symbols, {});
+    std::optional<std::uint32_t> loaded;
+    if (schema.isReference) {
+        loaded = loadReferred(schema);
+    } else if (const auto [known, isNew] = texts.try_emplace({schema.text, schema.place.file}, document); !isNew) {
+        loaded = known->second;
+    } else {
         readText(schema);
+        loaded = document;
         if (tree.documents[document].root != 0)
             followAll(document);
     }
-    return tree.documents[known->second].root == 0 ? std::nullopt : std::optional(known->second);
+    endLoad(document, std::move(shared));
+    return loaded && tree.documents[*loaded].root == 0 ? std::nullopt : loaded;
+}
+
+// Calls `visit` with each component of the documents from `begin` on, and of those of scopes that they refer to.
+template <class Visit>
+void SchemaSet::visitLoaded(std::uint32_t begin, Visit visit) const
+{
+    std::vector<std::uint32_t> documents(again.begin(), again.end());
+    for (std::uint32_t document = begin; document < tree.documents.size(); ++document)
+        documents.push_back(document);
+    for (const std::uint32_t document : documents)
+        for (Index at = tree[tree.documents[document].root].firstChild; at != 0; at = tree[at].next) {
+            if (const auto kind = kindOf(tree[at].tag); kind && tree[at].hasName())
+                visit(*kind, at);
+            const Index first = tree[at].tag == SchemaTag::redefine ? tree[at].firstChild : 0;
+            for (Index inner = first; inner != 0; inner = tree[inner].next)
+                if (const auto kind = kindOf(tree[inner].tag); kind && tree[inner].hasName())
+                    visit(*kind, inner);
+        }
+}
+
+// Ends the load of the documents from `begin` on. Their components are in `symbols`, with those that they share with
+// scopes. Adds them to the `shared` ones, or makes a scope of them if both have different components of one name.
+void SchemaSet::endLoad(std::uint32_t begin, Symbols shared)
+{
+    bool isApart = false;
+    const auto compare = [&](Kind kind, Index component) {
+        const Index* const other = shared[kind].find(nameOf(component).key());
+        if (!other || *other == component)
+            return;
+        isApart = isApart || isInScope(tree[*other].document) || !tree.areEqual(*other, component);
+        if (tree[tree[component].parent].tag == SchemaTag::redefine)
+            redefined.try_emplace(component, *other);
+    };
+    visitLoaded(begin, compare);
+    std::swap(symbols, shared);
+    if (isApart)
+        scopes.push_back({begin, static_cast<std::uint32_t>(tree.documents.size()), std::move(shared)});
+    else
+        visitLoaded(begin, [&](Kind kind, Index component) {
+            const std::uint64_t key = nameOf(component).key();
+            symbols[kind].insert(key, *shared[kind].find(key));
+        });
+    again.clear();
 }
 
 // Reads a text into a new document. White space before it is allowed.

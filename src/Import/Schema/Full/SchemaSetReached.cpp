@@ -26,7 +26,7 @@ bool SchemaSet::isReached(SourceReport::Component component) const
     if (reached[component])
         return true;
     const auto kind = kindOf(tree[component].tag);
-    return kind && tree[component].hasName() && reached[find(*kind, nameOf(component), 0)];
+    return kind && tree[component].hasName() && reached[find(*kind, nameOf(component), tree[component].parent)];
 }
 
 // Returns for each node the component at the top that contains it; 0 if there is none.

@@ -106,7 +106,8 @@ void SchemaTypes::collectDerived()
 {
     const auto add = [&](Index type) {
         // A redefined type is left out; its redefinition has its name.
-        if (tree[type].tag != SchemaTag::complexType || set.find(SchemaSet::type, set.nameOf(type), 0) != type)
+        if (tree[type].tag != SchemaTag::complexType ||
+            set.find(SchemaSet::type, set.nameOf(type), tree[type].parent) != type)
             return;
         const Index derivation = tree.derivationOf(type);
         const SchemaName base = tree.referenceOf(derivation);
