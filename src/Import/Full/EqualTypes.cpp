@@ -1,20 +1,18 @@
 #include "Import/Full/EqualTypes.h"
 
 #include "Base/Fingerprint.h"
+#include "Base/NumberTable.h"
 #include "Base/Progress.h"
 
-#include <algorithm>
+#include <map>
 #include <numeric>
+#include <set>
+#include <utility>
 
 namespace {
 
 using Index = SourceTypes::Index;
 using Field = SourceTypes::Field;
-
-struct FingerprintHash
-{
-    std::size_t operator()(const Fingerprint& text) const { return static_cast<std::size_t>(text.first); }
-};
 
 // Hashes texts and numbers in order. The length of each text is hashed too, so different lists give different bytes.
 class Signature
@@ -27,30 +25,17 @@ public:
     }
     void add(std::uint64_t number) { hash.append({reinterpret_cast<const char*>(&number), sizeof number}); }
 
-    Fingerprint query() const { return hash; }
+    std::uint64_t query() const { return Fingerprint(hash).first; }
 
 private:
     RunningHash hash;
 };
 
-// Numbers signatures in order of first occurrence; equal ones have the same number.
-class Numbering
+// Returns for each enumeration the first one equal to it.
+std::vector<Index> firstEnumerations(const SourceTypes& types)
 {
-public:
-    Index of(const Signature& signature)
-    {
-        return numbers.try_emplace(signature.query(), static_cast<Index>(numbers.size())).first->second;
-    }
-    std::size_t size() const { return numbers.size(); }
-
-private:
-    std::unordered_map<Fingerprint, Index, FingerprintHash> numbers;
-};
-
-std::vector<Index> numberEnumerations(const SourceTypes& types)
-{
-    Numbering numbering;
-    std::vector<Index> classes;
+    NumberTable firsts; // by signature
+    std::vector<Index> all;
     for (Index at = 0; at < types.enumerations.size(); ++at) {
         Signature signature;
         signature.add(types.enumerations[at].name);
@@ -61,13 +46,13 @@ std::vector<Index> numberEnumerations(const SourceTypes& types)
             signature.add(constants[i]);
             signature.add(types.describeConstant(at, i));
         }
-        classes.push_back(numbering.of(signature));
+        all.push_back(firsts.insert(signature.query(), at).first);
     }
-    return classes;
+    return all;
 }
 
 // Returns the signature of a record without the records that its fields hold.
-Signature signatureOf(const SourceTypes& types, Index record, const std::vector<Index>& enumerations)
+std::uint64_t signatureOf(const SourceTypes& types, Index record, const std::vector<Index>& enumerations)
 {
     Signature signature;
     signature.add(types.records[record].name);
@@ -79,163 +64,63 @@ Signature signatureOf(const SourceTypes& types, Index record, const std::vector<
         signature.add(std::uint64_t{field.repeats} << 16 | std::uint64_t{field.role} << 8 | field.type.kind);
         signature.add(isEnumeration ? enumerations[field.type.index] : 0);
     }
-    return signature;
+    return signature.query();
 }
 
-// The coarsest partition of the records in which the records of a block have the same signature, and their fields at
-// each place lead to the same block. This is the minimisation of a finite automaton whose letters are the places of
-// fields (J. Hopcroft, An n log n algorithm for minimizing states in a finite automaton, 1971).
-class Partition
+// Returns for each record the first one of its class, in the coarsest partition in which the records of a class have
+// the same signature, and their fields at each place lead to the same class. All records begin in one class. When a
+// class splits, its smaller part becomes the new one, so a record moves O(log n) times (J. Hopcroft, An n log n
+// algorithm for minimizing states in a finite automaton, 1971).
+std::vector<Index> firstRecords(const SourceTypes& types, const std::vector<Index>& enumerations)
 {
-public:
-    Partition(const SourceTypes& types, const std::vector<Index>& enumerations);
-
-    Index blockOf(Index record) const { return block[record]; }
-
-private:
-    struct Block
+    struct Use
     {
-        Index first; // index in `members`
-        Index end;
-        Index marked = 0; // number of marked records, which are moved to the front
+        Index user;
+        std::uint64_t place; // of the field in the user, in the upper half
     };
-
-    // A field that leads to a record.
-    struct Link
-    {
-        Index place; // index of the field in its record
-        Index from;
-    };
-
-    void collectLinks(const SourceTypes& types);
-    void refineBy(Index splitter);
-    void mark(Index record);
-    void split(Index at);
-
-    std::vector<Index> block;   // by record
-    std::vector<Index> members; // records by block
-    std::vector<Index> position;
-    std::vector<Block> blocks;
-    std::vector<Index> waiting;              // blocks that may split others
-    std::vector<Link> links;                 // by target record
-    std::vector<Index> firstLink;            // by target record: its first link; one entry more than records
-    std::vector<std::vector<Index>> sources; // by place: records whose field there leads to the splitter
-    std::vector<Index> places;               // places with such records
-    std::vector<Index> touched;              // blocks with marked records
-    CancelPoint cancelPoint{4096};
-};
-
-Partition::Partition(const SourceTypes& types, const std::vector<Index>& enumerations) :
-    members(types.records.size()), position(types.records.size())
-{
-    Numbering numbering;
-    for (Index record = 0; record < types.records.size(); ++record)
-        block.push_back(numbering.of(signatureOf(types, record, enumerations)));
-    std::iota(members.begin(), members.end(), 0);
-    std::ranges::stable_sort(members, {}, [this](Index record) { return block[record]; });
-    blocks.resize(numbering.size(), Block{0, 0});
-    for (Index i = 0; i < members.size(); ++i) {
-        position[members[i]] = i;
-        Block& own = blocks[block[members[i]]];
-        own.first = own.end == 0 ? i : own.first;
-        own.end = i + 1;
+    const std::size_t count = types.records.size();
+    std::vector<Index> classes(count);
+    std::vector<std::uint64_t> sums(count); // of a record's signature and a hash for the class at each place
+    std::vector<std::vector<Use>> uses(count);
+    std::vector<Index> changed(count); // records whose sum may differ from that of others in their class
+    std::iota(changed.begin(), changed.end(), 0);
+    std::vector<std::set<Index>> members{{changed.begin(), changed.end()}}; // by class
+    for (const Index record : changed) {
+        sums[record] = signatureOf(types, record, enumerations);
+        std::uint64_t place = 0;
+        for (const Field& field : types.fieldsOf(record)) {
+            if (field.type.kind == SourceTypes::kindRecord)
+                uses[field.type.index].push_back({record, place << 32});
+            ++place;
+        }
     }
-    collectLinks(types);
-    waiting.resize(blocks.size());
-    std::iota(waiting.begin(), waiting.end(), 0);
-    while (!waiting.empty()) {
-        const Index splitter = waiting.back();
-        waiting.pop_back();
-        refineBy(splitter);
-    }
-}
-
-void Partition::collectLinks(const SourceTypes& types)
-{
-    const auto forEach = [&types](const auto& visit) {
-        for (Index record = 0; record < types.records.size(); ++record) {
-            Index place = 0;
-            for (const Field& field : types.fieldsOf(record)) {
-                if (field.type.kind == SourceTypes::kindRecord)
-                    visit(Link{place, record}, field.type.index);
-                ++place;
+    CancelPoint cancelPoint(4096);
+    while (!changed.empty()) {
+        std::map<std::pair<Index, std::uint64_t>, std::set<Index>> parts; // by class and sum
+        for (const Index record : std::exchange(changed, {}))
+            parts[{classes[record], sums[record]}].insert(record);
+        for (auto& [key, part] : parts) {
+            const Index from = classes[*part.begin()], to = static_cast<Index>(members.size());
+            if (part.size() == members[from].size())
+                continue;
+            for (const Index record : part)
+                members[from].erase(record);
+            if (part.size() > members[from].size())
+                part.swap(members[from]);
+            for (const Index record : part) {
+                classes[record] = to;
+                for (const auto& [user, place] : uses[record]) {
+                    cancelPoint.pass();
+                    sums[user] += RunningHash::of(place | to) - RunningHash::of(place | from);
+                    changed.push_back(user);
+                }
             }
+            members.push_back(std::move(part));
         }
-    };
-    firstLink.resize(types.records.size() + 1);
-    Index most = 0;
-    forEach([&](const Link& link, Index target) {
-        ++firstLink[target + 1];
-        most = std::max(most, link.place + 1);
-    });
-    std::partial_sum(firstLink.begin(), firstLink.end(), firstLink.begin());
-    links.resize(firstLink.back());
-    std::vector<Index> next(firstLink.begin(), firstLink.end() - 1);
-    forEach([&](const Link& link, Index target) { links[next[target]++] = link; });
-    sources.resize(most);
-}
-
-// Splits all blocks of which only some records lead to the splitter. The links are collected first, because the
-// splitter may be split too.
-void Partition::refineBy(Index splitter)
-{
-    for (Index i = blocks[splitter].first; i < blocks[splitter].end; ++i)
-        for (Index at = firstLink[members[i]]; at < firstLink[members[i] + 1]; ++at) {
-            cancelPoint.pass();
-            std::vector<Index>& found = sources[links[at].place];
-            if (found.empty())
-                places.push_back(links[at].place);
-            found.push_back(links[at].from);
-        }
-    for (const Index place : places) {
-        for (const Index record : sources[place])
-            mark(record);
-        sources[place].clear();
-        for (const Index at : touched)
-            split(at);
-        touched.clear();
     }
-    places.clear();
-}
-
-void Partition::mark(Index record)
-{
-    Block& own = blocks[block[record]];
-    if (own.marked == 0)
-        touched.push_back(block[record]);
-    const Index to = own.first + own.marked++;
-    const Index other = members[to];
-    std::swap(members[to], members[position[record]]);
-    position[other] = position[record];
-    position[record] = to;
-}
-
-// Splits a block into its marked and its other records. The smaller part becomes the new block. The larger one keeps
-// the number, so it is still waiting if the whole block was.
-void Partition::split(Index at)
-{
-    const Index marked = blocks[at].marked, first = blocks[at].first, end = blocks[at].end;
-    blocks[at].marked = 0;
-    if (first + marked == end)
-        return;
-    const bool isFront = marked <= end - first - marked;
-    const Block made{isFront ? first : first + marked, isFront ? first + marked : end};
-    (isFront ? blocks[at].first : blocks[at].end) = first + marked;
-    const auto number = static_cast<Index>(blocks.size());
-    for (Index i = made.first; i < made.end; ++i)
-        block[members[i]] = number;
-    blocks.push_back(made);
-    waiting.push_back(number);
-}
-
-// Returns for each element the first one of its class.
-template <class ClassOf>
-std::vector<Index> firstOfEach(std::size_t count, const ClassOf& classOf)
-{
-    std::unordered_map<Index, Index> first;
     std::vector<Index> firsts;
-    for (Index at = 0; at < count; ++at)
-        firsts.push_back(first.try_emplace(classOf(at), at).first->second);
+    for (const Index at : classes)
+        firsts.push_back(*members[at].begin());
     return firsts;
 }
 
@@ -267,13 +152,9 @@ std::vector<Index> keepFirst(std::vector<Row>& rows, const std::vector<Index>& f
 
 } // namespace
 
-EqualTypes::EqualTypes(const SourceTypes& types)
-{
-    const std::vector<Index> classes = numberEnumerations(types);
-    const Partition partition(types, classes);
-    records = firstOfEach(types.records.size(), [&](Index record) { return partition.blockOf(record); });
-    enumerations = firstOfEach(classes.size(), [&](Index enumeration) { return classes[enumeration]; });
-}
+EqualTypes::EqualTypes(const SourceTypes& types) :
+    enumerations(firstEnumerations(types)), records(firstRecords(types, enumerations))
+{}
 
 void mergeEqualTypes(SourceTypes& types, std::vector<Index>& records)
 {

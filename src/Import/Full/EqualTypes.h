@@ -3,16 +3,16 @@
 #include "Import/Full/SourceTypes.h"
 
 /// Finds the equal types of a source: those with the same name, description and fields in the same order, whose fields
-/// have equal types in turn, cycles included. Takes time linear in the fields times the logarithm of the number of
-/// records.
+/// have equal types in turn, cycles included. A field costs time by
+/// the square of the logarithm of the number of records at most.
 struct EqualTypes
 {
     using Index = SourceTypes::Index;
 
     explicit EqualTypes(const SourceTypes& types);
 
-    std::vector<Index> records;      ///< for each record the first one equal to it, possibly itself
-    std::vector<Index> enumerations; ///< the same
+    std::vector<Index> enumerations; ///< for each enumeration the first one equal to it, possibly itself
+    std::vector<Index> records;      ///< the same
 };
 
 /// Merges equal types of several namespaces into one, in the folder `common`. `records` are indices of records and are
