@@ -108,13 +108,13 @@ TEST(Catalogs, TellsWhatItCannotRead)
     EXPECT_THROW(catalogs.load(folder.path("none.xml")), SourceRefusal);
     EXPECT_THROW(catalogs.load(folder.path("bad.xml")), SourceRefusal);
     EXPECT_THROW(catalogs.load(folder.path("other.xml")), SourceRefusal);
-    catalogs.clear();
-    catalogs.load(folder.write("c.xml", catalog("<nextCatalog catalog='none.xml'/><nextCatalog catalog='bad.xml'/>"
-                                                "<nextCatalog catalog='other.xml'/><nextCatalog/>"
-                                                "<nextCatalog catalog='http://a/c.xml'/><system uri='x'/>")));
+    Catalogs others(report);
+    others.load(folder.write("c.xml", catalog("<nextCatalog catalog='none.xml'/><nextCatalog catalog='bad.xml'/>"
+                                              "<nextCatalog catalog='other.xml'/><nextCatalog/>"
+                                              "<nextCatalog catalog='http://a/c.xml'/><system uri='x'/>")));
     EXPECT_EQ(report.lossesInWords(), "6 losses: 2 declarations not understood, 1 document not found, 1 document not "
                                       "readable, 1 document not well-formed, 1 document not local");
-    EXPECT_EQ(catalogs.findExternal("", "s"), std::nullopt);
+    EXPECT_EQ(others.findExternal("", "s"), std::nullopt);
 }
 
 class CatalogOfSchemas : public Importing<SchemaFullMessage>

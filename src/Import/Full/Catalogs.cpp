@@ -34,14 +34,15 @@ CString fromUrn(std::string_view urn)
     return withoutEscapes(publicId);
 }
 
-} // namespace
-
+// Returns the names in XML_CATALOG_FILES: files or URIs, separated by blanks.
 std::vector<CString> environmentCatalogs()
 {
     const char* const given = std::getenv("XML_CATALOG_FILES");
     std::istringstream words(given ? given : "");
     return {std::istream_iterator<CString>(words), {}};
 }
+
+} // namespace
 
 std::vector<CString> withEnvironmentCatalogs(std::vector<CString> files)
 {
@@ -70,7 +71,7 @@ class CatalogReader : public XmlHandler
 public:
     /// `folder` is the catalogue's folder, `file` its number in the report.
     CatalogReader(Catalogs& catalogs, std::uint32_t number, const CString& folder, std::uint32_t file) :
-        catalogs(catalogs), number(number), file(file), open{{{folder, false}, true}}
+        catalogs(catalogs), number(number), file(file), open{{folder, true}}
     {}
 
     void scope(const XmlScope& scope) override;
@@ -135,11 +136,12 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
         hasCatalogRoot = isInCatalogNamespace && name.local == std::string_view("catalog");
     if (const std::string_view base = attributes.valueOf("base", true); !base.empty()) {
         const CString path = localPath(base);
-        const bool isAbsolute = path.starts_with('/');
         if (path.empty())
-            level.base.isRemote = true;
-        else if (isAbsolute || !level.base.isRemote)
-            level.base = {(isAbsolute ? CString() : level.base.folder) + path.substr(0, path.rfind('/') + 1), false};
+            level.base.reset();
+        else if (path.starts_with('/'))
+            level.base = path.substr(0, path.rfind('/') + 1);
+        else if (level.base)
+            *level.base += path.substr(0, path.rfind('/') + 1);
     }
     if (const std::string_view prefer = attributes.valueOf("prefer"); !prefer.empty())
         level.prefersPublic = prefer != "system";
@@ -191,16 +193,7 @@ CString Catalogs::pathOf(const CString& reference, const Base& base)
     const CString path = localPath(reference);
     if (path.empty() || path.starts_with('/'))
         return path;
-    return base.isRemote ? CString() : base.folder + path;
-}
-
-void Catalogs::clear()
-{
-    catalogs.clear();
-    mainCatalogs.clear();
-    known.clear();
-    waiting.clear();
-    entryCount = 0;
+    return base ? *base + path : CString();
 }
 
 void Catalogs::load(const CString& fileName)
@@ -290,19 +283,12 @@ std::optional<CString> Catalogs::lookUpAll(Lookup lookup) const
     const CString publicId = normalizedPublicId(lookup.publicId);
     lookup.publicId = publicId;
     lookup.isVisited.assign(catalogs.size(), false);
-    for (const std::uint32_t catalog : mainCatalogs) {
-        if (auto found = lookUp(catalog, lookup))
-            return found;
-        if (lookup.isFinished)
-            return std::nullopt;
-    }
-    return std::nullopt;
+    return lookUp({mainCatalogs.rbegin(), mainCatalogs.rend()}, lookup);
 }
 
-// Searches a catalogue and its next catalogues, depth first.
-std::optional<CString> Catalogs::lookUp(std::uint32_t catalog, Lookup& lookup) const
+// Searches catalogues, the last one first, and after each its next catalogues.
+std::optional<CString> Catalogs::lookUp(std::vector<std::uint32_t> open, Lookup& lookup) const
 {
-    std::vector<std::uint32_t> open{catalog};
     while (!open.empty()) {
         const std::uint32_t at = open.back();
         open.pop_back();
@@ -378,7 +364,7 @@ std::optional<CString> Catalogs::lookUpDelegates(const Table& table, std::string
         if (entry == table.entries.end() || !entry->second.catalog ||
             (isPublic && !entry->second.prefersPublic && !lookup.systemId.empty()))
             continue;
-        if (auto found = lookUp(*entry->second.catalog, lookup))
+        if (auto found = lookUp({*entry->second.catalog}, lookup))
             return found;
         lookup.isFinished = true;
     }

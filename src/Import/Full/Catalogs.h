@@ -9,11 +9,7 @@
 #include <set>
 #include <unordered_map>
 
-/// Returns the catalogues that the environment variable XML_CATALOG_FILES names, as written there: file names or URIs
-/// separated by blanks.
-std::vector<CString> environmentCatalogs();
-
-/// Returns `files`, then the readable catalogues of the environment, by their paths.
+/// Returns `files`, then the readable catalogues that the environment variable XML_CATALOG_FILES names, by their paths.
 std::vector<CString> withEnvironmentCatalogs(std::vector<CString> files);
 
 /// Returns a line for each catalogue of the environment that can't be read: the variable, the catalogue and the reason.
@@ -30,9 +26,6 @@ public:
     /// Reads a catalogue and those that it refers to, each once. Throws SourceRefusal if it can't be read or is no
     /// catalogue. A faulty catalogue that another one refers to is left out and reported.
     void load(const CString& fileName);
-
-    /// Removes all catalogues.
-    void clear();
 
     /// Returns the absolute path for an external identifier; one of the two parts may be empty. Nothing if no catalogue
     /// has an entry for it; "" if the entry leads to no local file.
@@ -61,12 +54,8 @@ private:
         kindCount
     };
 
-    // The base of relative references: a folder, or a remote location.
-    struct Base
-    {
-        CString folder;
-        bool isRemote = false;
-    };
+    // The folder of relative references; nothing: a remote location.
+    using Base = std::optional<CString>;
 
     struct Entry
     {
@@ -111,7 +100,7 @@ private:
     static CString pathOf(const CString& reference, const Base& base);
     std::uint32_t read(const FoundFile& file, const CString& shownName, const Named* named);
     void readNamed(const Named& named);
-    std::optional<CString> lookUp(std::uint32_t catalog, Lookup& lookup) const;
+    std::optional<CString> lookUp(std::vector<std::uint32_t> open, Lookup& lookup) const;
     std::optional<CString> lookUpOne(const Catalog& catalog, Lookup& lookup) const;
     std::optional<CString> lookUpExact(const Table& table, std::string_view text) const;
     std::optional<CString> lookUpRewrite(const Table& table, std::string_view text) const;

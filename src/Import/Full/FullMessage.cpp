@@ -137,7 +137,7 @@ void FullMessage::forget()
     sectionEntities.clear();
     unusedEntities.clear();
     unusedFolders.clear();
-    catalogs.clear();
+    catalogs.emplace(report);
 }
 
 void FullMessage::import(const CString& source, const CString& fileName, const CString& basePath)
@@ -145,7 +145,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     const bool bySpace = laysOutByNamespace();
     SourceTypes types(fileName, bySpace ? &folders : nullptr);
     for (const CString& file : catalogFiles)
-        catalogs.load(file);
+        catalogs->load(file);
     read(source, fileName, types, report);
     beginWork(Work::arranging);
     if (types.empty() && isEmptyAllowed)

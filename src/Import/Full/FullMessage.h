@@ -90,7 +90,7 @@ protected:
     const std::vector<CString>& queryFurtherFiles() const { return furtherFiles; }
     const std::vector<CString>& queryRoots() const { return roots; }
     const CString& queryGivenName() const { return givenName; }
-    const Catalogs& queryCatalogs() const { return catalogs; }
+    const Catalogs& queryCatalogs() const { return *catalogs; }
     /// Adds an entity to querySectionEntities().
     void addSectionEntity(std::string_view entity) { sectionEntities.emplace_back(entity); }
     /// Adds an entity to queryUnusedEntities().
@@ -131,7 +131,7 @@ private:
     CString mainType;
     std::vector<CString> mainTypes;
     std::vector<CString> catalogFiles;
-    Catalogs catalogs{report};
+    std::optional<Catalogs> catalogs; // those of one import
     std::vector<CString> sectionEntities;
     std::vector<CString> unusedEntities;
     std::vector<CString> unusedFolders;
