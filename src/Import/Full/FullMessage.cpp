@@ -58,16 +58,10 @@ void copyChoosers(SourceTypes& types, std::span<const std::pair<SourceTypes::Ind
 
 SourceTypes::Index spaceOf(const SourceTypes& types, SourceTypes::Type type)
 {
-    switch (type.kind) {
-    case SourceTypes::kindEnumeration:
-        return types.enumerations[type.index].space;
-    case SourceTypes::kindRecord:
-        return types.records[type.index].space;
-    case SourceTypes::kindTable:
-        return types.tables[type.index].space;
-    default:
-        return 0;
-    }
+    return type.kind == SourceTypes::kindEnumeration ? types.enumerations[type.index].space
+           : type.kind == SourceTypes::kindRecord    ? types.records[type.index].space
+           : type.kind == SourceTypes::kindTable     ? types.tables[type.index].space
+                                                     : 0;
 }
 
 } // namespace
@@ -84,15 +78,16 @@ struct FullMessage::MainTypes
 struct FullMessage::Declaring
 {
     SourceTypes& types;
-    std::vector<CString> paths;     // folder by namespace
-    std::vector<bool> enumerations; // those declared already
-    std::vector<bool> tables;       // those declared already
     NamePool& names;
-    std::vector<Name*> pathNames;         // folder by namespace, as names
-    std::array<Name*, 3> plainNames;      // names of text, number and time, by kind
-    std::vector<Name*> recordNames;       // full name by record; null until a field has that type
-    std::vector<std::uint32_t> hashes;    // hashes of the names of the current record's fields
-    CString name, description, knownType; // reused buffers
+    // By kind: the names of text, number and time.
+    std::array<Name*, 3> plainNames{&names.intern("String"), &names.intern("Number"), &names.intern("Time")};
+    std::vector<bool> enumerations = std::vector<bool>(types.enumerations.size()); // those declared already
+    std::vector<bool> tables = std::vector<bool>(types.tables.size());             // the same
+    std::vector<Name*> recordNames = std::vector<Name*>(types.records.size());     // full names that fields have used
+    std::vector<CString> paths{};                                                  // folder by namespace
+    std::vector<Name*> pathNames{};                                                // the same as names
+    std::vector<std::uint32_t> hashes{};        // hashes of the names of the current record's fields
+    CString name{}, description{}, knownType{}; // reused buffers
 
     Name& fullName(Index space, std::string_view shortName)
     {
@@ -170,19 +165,8 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     names.name(order.query(), main.records, main.files);
     if (!main.isRequested)
         names.nameUnused();
-    Declaring declaring{types,
-                        {basePath + mainType + "\\"},
-                        std::vector<bool>(types.enumerations.size()),
-                        std::vector<bool>(types.tables.size()),
-                        model.queryNames(),
-                        {},
-                        {&model.queryNames().intern("String"), &model.queryNames().intern("Number"),
-                         &model.queryNames().intern("Time")},
-                        std::vector<Name*>(types.records.size()),
-                        {},
-                        {},
-                        {},
-                        {}};
+    Declaring declaring{types, model.queryNames()};
+    declaring.paths.push_back(basePath + mainType + "\\");
     if (bySpace) {
         declaring.paths = foldersOf(types.spaces);
         for (CString& path : declaring.paths)
@@ -301,19 +285,16 @@ Element* FullMessage::declareType(Declaring& declaring, Index space, std::string
     // Types of different namespaces may share a name.
     if (space != 0)
         key.append(path);
-    Element* element;
     if (description.empty())
-        element = model.addElement(key, path, declaring.name, type, nullptr);
-    else
-        element = model.addElement(key, path, declaring.name, declaring.description.assign(description), type, nullptr);
-    return element;
+        return model.addElement(key, path, declaring.name, type, nullptr);
+    return model.addElement(key, path, declaring.name, declaring.description.assign(description), type, nullptr);
 }
 
 // Declares a record, after the enumerations and tables that its fields use.
 void FullMessage::declareRecord(Declaring& declaring, Index index)
 {
     for (const SourceTypes::Field& field : declaring.types.fieldsOf(index)) {
-        if (field.type.kind == SourceTypes::kindEnumeration && !declaring.enumerations[field.type.index])
+        if (field.type.kind == SourceTypes::kindEnumeration)
             declareEnumeration(declaring, field.type.index);
         if (field.type.kind == SourceTypes::kindTable && !declaring.tables[field.type.index])
             declareTables(declaring, field.type.index);
@@ -325,6 +306,8 @@ void FullMessage::declareRecord(Declaring& declaring, Index index)
 
 void FullMessage::declareEnumeration(Declaring& declaring, Index index)
 {
+    if (declaring.enumerations[index])
+        return;
     declaring.enumerations[index] = true;
     const SourceTypes::Enumeration& enumeration = declaring.types.enumerations[index];
     Element* type =
@@ -345,7 +328,7 @@ void FullMessage::declareTables(Declaring& declaring, Index outer)
     SourceTypes::Type component{SourceTypes::kindTable, outer};
     for (; component.kind == SourceTypes::kindTable; component = declaring.types.tables[component.index].component)
         tables.push_back(component.index);
-    if (component.kind == SourceTypes::kindEnumeration && !declaring.enumerations[component.index])
+    if (component.kind == SourceTypes::kindEnumeration)
         declareEnumeration(declaring, component.index);
     for (auto table = tables.rbegin(); table != tables.rend(); ++table)
         if (!declaring.tables[*table])
@@ -390,18 +373,14 @@ Name& FullMessage::typeName(Declaring& declaring, SourceTypes::Type type)
 {
     const SourceTypes& types = declaring.types;
     const Index space = spaceOf(types, type);
-    switch (type.kind) {
-    case SourceTypes::kindText:
-    case SourceTypes::kindNumber:
-    case SourceTypes::kindTime:
+    if (type.kind <= SourceTypes::kindTime)
         return *declaring.plainNames[type.kind];
-    case SourceTypes::kindEnumeration:
+    if (type.kind == SourceTypes::kindEnumeration)
         return declaring.fullName(space, types.enumerations[type.index].name);
-    case SourceTypes::kindRecord:
-        if (!declaring.recordNames[type.index])
-            declaring.recordNames[type.index] = &declaring.fullName(space, types.records[type.index].name);
-        return *declaring.recordNames[type.index];
-    default:
+    if (type.kind == SourceTypes::kindTable)
         return declaring.fullName(space, types.tables[type.index].name);
-    }
+    Name*& known = declaring.recordNames[type.index];
+    if (!known)
+        known = &declaring.fullName(space, types.records[type.index].name);
+    return *known;
 }
