@@ -102,8 +102,7 @@ void SourceNames::nameRecord(Index index)
     SourceTypes::Record& record = types.records[index];
     const std::string_view wanted = record.name;
     record.name = unique({}, wanted, record.home, record.space);
-    if (record.name != wanted)
-        noteChange(record.place, wanted, record.name);
+    noteChange(record.place, wanted, record.name);
 }
 
 // Names the fields of a record: elements first, then attributes, then the text, so the later ones change.
@@ -133,8 +132,14 @@ void SourceNames::nameType(Field& field, Index record)
     const bool isShared = field.repeats > 0 && sharedTables.contains({field.name, field.type, 0});
     const Index space = isShared ? types.common : types.records[record].space;
     CString prefix;
-    for (std::uint16_t depth = 0; depth < field.repeats; ++depth)
-        nameTable(field, prefix += kTablePrefix, record, space);
+    for (std::uint16_t depth = 0; depth < field.repeats; ++depth) {
+        prefix += kTablePrefix;
+        const auto [known, isNew] =
+            tables.try_emplace({field.name, field.type, space}, static_cast<Index>(types.tables.size()));
+        if (isNew)
+            types.tables.push_back({unique(prefix, field.name, record, space), field.type, space});
+        field.type = {SourceTypes::kindTable, known->second};
+    }
 }
 
 void SourceNames::nameUnused()
@@ -152,37 +157,27 @@ void SourceNames::nameEnumeration(Index index, SourcePlace place, Index home)
     SourceTypes::Enumeration& enumeration = types.enumerations[index];
     const std::string_view wanted = enumeration.name;
     enumeration.name = unique({}, wanted, home, enumeration.space);
-    if (enumeration.name != wanted)
-        noteChange(place, wanted, enumeration.name);
-}
-
-// `prefix` has a "t_" for each table inside each other.
-void SourceNames::nameTable(Field& field, std::string_view prefix, Index record, Index space)
-{
-    const auto [known, isNew] =
-        tables.try_emplace({field.name, field.type, space}, static_cast<Index>(types.tables.size()));
-    if (isNew)
-        types.tables.push_back({unique(prefix, field.name, record, space), field.type, space});
-    field.type = {SourceTypes::kindTable, known->second};
+    noteChange(place, wanted, enumeration.name);
 }
 
 // Returns `prefix` and `name` as one name. If that is taken, the name of the record `home` is inserted; then a number
 // is appended.
 std::string_view SourceNames::unique(std::string_view prefix, std::string_view name, Index home, Index space)
 {
-    auto& [taken, lastNumbers] = spaces[space];
+    auto& taken = spaces[space];
     std::string_view made = prefix.empty() ? name : types.keep(CString(prefix) + CString(name));
-    if (taken.insert(made).second)
+    if (taken.try_emplace(made, 1).second)
         return made;
     if (home != SourceTypes::kNone)
         made = types.keep(CString(prefix) + CString(types.records[home].name) + "_" + CString(name));
     const std::string_view base = made;
-    while (!taken.insert(made).second)
-        made = types.join(base, std::to_string(++lastNumbers.try_emplace(base, 1).first->second));
+    while (!taken.try_emplace(made, 1).second)
+        made = types.join(base, std::to_string(++taken[base]));
     return made;
 }
 
 void SourceNames::noteChange(SourcePlace place, std::string_view from, std::string_view to)
 {
-    report.add(SourceReport::nameChanged, place, CString(from) + " is " + CString(to));
+    if (to != from)
+        report.add(SourceReport::nameChanged, place, CString(from) + " is " + CString(to));
 }

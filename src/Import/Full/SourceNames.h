@@ -45,25 +45,18 @@ private:
         }
     };
 
-    // The names taken in one namespace.
-    struct Space
-    {
-        std::unordered_set<std::string_view, KeyHash> taken;
-        std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
-    };
-
     void findSharedTables(const std::vector<Index>& order);
     void nameRecord(Index record);
     void nameFields(Index record, FieldNames& names);
     void nameType(Field& field, Index record);
     void nameEnumeration(Index enumeration, SourcePlace place, Index home);
-    void nameTable(Field& field, std::string_view prefix, Index record, Index space);
     std::string_view unique(std::string_view prefix, std::string_view name, Index home, Index space);
     void noteChange(SourcePlace place, std::string_view from, std::string_view to);
 
     SourceTypes& types;
     SourceReport& report;
-    std::vector<Space> spaces; // by namespace
+    // By namespace: the names taken, each with the last number that was appended to it.
+    std::vector<std::unordered_map<std::string_view, unsigned, KeyHash>> spaces;
     std::unordered_map<TableKey, Index, TableHash> tables;
     std::unordered_set<TableKey, TableHash> sharedTables; // in several namespaces; stored with space 0
     std::vector<bool> isNamed;                            // by enumeration
