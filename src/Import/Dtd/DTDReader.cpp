@@ -44,7 +44,8 @@ void DTDReader::readDeclaration()
         note(SourceReport::unknownStatement, tokens->keyword().empty() ? "<!" : tokens->keyword());
     if (tokens->token().isMark('['))
         return; // the brackets hold declarations
-    tokens->skipDeclaration();
+    while (!tokens->token().isEnd())
+        tokens->next();
     report.enter(0);
     if (tokens->token().kind == DTDTokens::tokenMissing && !isNoted)
         note(SourceReport::unterminated, tokens->keyword());

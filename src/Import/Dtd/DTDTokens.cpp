@@ -3,19 +3,13 @@
 #include "Import/Dtd/DTDText.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
 constexpr CharSet kMarkup("%<]");
-constexpr std::ptrdiff_t kLongKey = 200;
+constexpr std::size_t kLongKey = 200;
 constexpr std::size_t kMaxSectionEntities = 20;  // more are not suggested
 constexpr unsigned kDeclarationsPerReport = 256; // declarations between two progress reports
-
-const char* find(const char* from, const char* end, std::string_view what)
-{
-    return std::search(from, end, what.begin(), what.end());
-}
 
 } // namespace
 
@@ -64,16 +58,9 @@ SourcePlace DTDTokens::wordPlace()
 
 bool DTDTokens::peek(char c) const
 {
-    const Frame& frame = frames.back();
-    const char* const at = std::find_if_not(frame.at, frame.end, [](char blank) { return kDtdBlank.has(blank); });
-    return at < frame.end && *at == c;
-}
-
-bool DTDTokens::stands(std::string_view text) const
-{
-    const Frame& frame = frames.back();
-    return static_cast<std::size_t>(frame.end - frame.at) >= text.size() &&
-           std::memcmp(frame.at, text.data(), text.size()) == 0;
+    const std::string_view rest = frames.back().rest();
+    const std::size_t at = kDtdBlank.out(rest);
+    return at != kNowhere && rest[at] == c;
 }
 
 bool DTDTokens::nextDeclaration()
@@ -86,11 +73,13 @@ bool DTDTokens::nextDeclaration()
         while (frame.at < frame.end && kDtdBlank.has(*frame.at))
             ++frame.at;
         if (frame.at == frame.end) {
-            if (frames.size() == 1) {
-                noteOpenSection();
-                return false;
+            if (frames.size() > 1) {
+                pop();
+                continue;
             }
-            pop();
+            if (sections > 0)
+                report.add(SourceReport::unterminated, section, "section");
+            return false;
         } else if (*frame.at == '%') {
             readReference();
         } else if (stands("<!--")) {
@@ -100,7 +89,7 @@ bool DTDTokens::nextDeclaration()
         } else if (stands("<!")) {
             declaration = placeIn(frame);
             frame.at += 2;
-            word = dtdNameAt({frame.at, static_cast<std::size_t>(frame.end - frame.at)});
+            word = dtdNameAt(frame.rest());
             frame.at += word.size();
             base = frames.size();
             mayHoldMarkup = word == "ENTITY" || word == "entity";
@@ -123,19 +112,12 @@ void DTDTokens::skipStray()
 {
     Frame& frame = frames.back();
     const SourcePlace place = placeIn(frame);
-    const char* const start = frame.at++;
-    while (frame.at < frame.end && !kMarkup.has(*frame.at))
-        ++frame.at;
-    const std::string_view stray = trimmed({start, static_cast<std::size_t>(frame.at - start)});
+    std::string_view stray = frame.rest();
+    stray = stray.substr(0, kMarkup.in(stray, 1));
+    frame.at += stray.size();
+    stray = trimmed(stray);
     if (std::ranges::any_of(stray, [](char c) { return !kDtdDelimiter.has(c); }))
         report.add(SourceReport::unknownStatement, place, stray);
-}
-
-void DTDTokens::noteOpenSection()
-{
-    if (sections > 0)
-        report.add(SourceReport::unterminated, section, "section");
-    sections = 0;
 }
 
 void DTDTokens::endWithDoctype(std::string_view external)
@@ -163,36 +145,34 @@ void DTDTokens::leaveDoctype()
 void DTDTokens::skipComment()
 {
     Frame& frame = frames.back();
-    const char* const start = frame.at;
-    const char* const close = frame.hasCommentEnd ? find(std::min(start + 4, frame.end), frame.end, "-->") : frame.end;
-    frame.hasCommentEnd = close != frame.end;
+    const std::string_view rest = frame.rest();
+    const std::size_t close = frame.hasCommentEnd ? rest.find("-->", 4) : kNowhere;
+    frame.hasCommentEnd = close != kNowhere;
     if (!frame.hasCommentEnd) {
         report.add(SourceReport::unterminated, placeIn(frame), "comment");
-        frame.at = std::min(std::find(start, frame.end, '>') + 1, frame.end);
+        frame.at += std::min(rest.find('>'), rest.size() - 1) + 1;
         return;
     }
-    if (find(start, close, "-- >") != close)
+    if (rest.substr(0, close).find("-- >") != kNowhere)
         report.add(SourceReport::malformedDeclaration, placeIn(frame), "comment that \"-- >\" does not end");
-    frame.at = close + 3;
+    frame.at += close + 3;
 }
 
 // Skips an instruction, up to "?>" in XML and up to '>' in SGML. If a declaration begins inside it, its end is missing.
 void DTDTokens::skipInstruction()
 {
     Frame& frame = frames.back();
-    const char* at = frame.at + 2;
-    while (at < frame.end && !(*at == '<' && at + 1 < frame.end && at[1] == '?') && !(*at == '>' && at[-1] == '?'))
-        ++at;
-    if (at < frame.end && *at == '>') {
-        frame.at = at + 1;
+    std::string_view rest = frame.rest();
+    rest = rest.substr(0, rest.find("<?", 2)); // where the next instruction begins, at the latest
+    if (const std::size_t close = rest.find("?>", 1); close != kNowhere) {
+        frame.at += close + 2;
         return;
     }
-    const char* const limit = at; // where the next instruction begins, at the latest
-    for (at = frame.at + 2; at < limit && *at != '>' && !(*at == '<' && at + 1 < limit && at[1] == '!');)
-        ++at;
-    if (at == limit || *at == '<')
+    const std::size_t at = std::min({rest.find('>', 2), rest.find("<!", 2), rest.size()});
+    const bool isClosed = rest.substr(at).starts_with('>');
+    if (!isClosed)
         report.add(SourceReport::unterminated, placeIn(frame), "instruction");
-    frame.at = at < limit && *at == '>' ? at + 1 : at;
+    frame.at += at + isClosed;
 }
 
 // Reads the start of a conditional section. The contents of an included one are read on; an ignored one is skipped with
@@ -202,23 +182,24 @@ void DTDTokens::readSection()
     Frame& frame = frames.back();
     declaration = placeIn(frame);
     frame.at += 3;
-    const char* const start = frame.at;
     // The key is kept as it is written, because the tokens that follow no longer show its entity.
-    const char* const open = std::find(start, start + std::min(frame.end - start, kLongKey), '[');
+    std::string_view key = frame.rest().substr(0, kLongKey);
+    key = trimmed(key.substr(0, key.find('[')));
     base = frames.size();
     bool isIgnored = false, isKnown = false;
     for (next(); current.kind == tokenWord; next()) {
         isIgnored |= current.text == "IGNORE" || current.text == "ignore";
         isKnown |= current.text == "INCLUDE" || current.text == "include";
     }
-    const std::string_view key = trimmed({start, static_cast<std::size_t>(open - start)});
     if (!current.isMark('['))
         return report.add(SourceReport::malformedDeclaration, declaration, "section without '['");
     if (key.starts_with('%'))
         noteKey(dtdNameAt(key.substr(1)), !isIgnored);
     if (isIgnored)
-        skipSection();
-    else if (openSection(); !isKnown)
+        return skipSection();
+    if (sections++ == 0)
+        section = declaration;
+    if (!isKnown)
         report.add(SourceReport::unknownSection, declaration, key);
 }
 
@@ -233,26 +214,15 @@ void DTDTokens::noteKey(std::string_view key, bool isRead)
         sectionEntities.push_back(key);
 }
 
-void DTDTokens::openSection()
-{
-    if (sections++ == 0)
-        section = declaration;
-}
-
 void DTDTokens::skipSection()
 {
     Frame& frame = frames.back();
     std::size_t depth = 1;
     while (depth > 0 && frame.at < frame.end) {
-        if (stands("<![")) {
-            ++depth;
-            frame.at += 3;
-        } else if (stands("]]>")) {
-            --depth;
-            frame.at += 3;
-        } else {
-            ++frame.at;
-        }
+        const bool begins = stands("<!["), ends = stands("]]>");
+        depth += begins;
+        depth -= ends;
+        frame.at += begins || ends ? 3 : 1;
     }
     if (depth > 0)
         report.add(SourceReport::unterminated, declaration, "section");
@@ -275,37 +245,24 @@ const DTDTokens::Token& DTDTokens::next()
             current.kind = tokenMissing;
             return current;
         }
-        switch (*frame.at) {
-        case '%':
-            if (readReference())
+        const char c = *frame.at;
+        if (c == '%' || c == '-' || c == '<') {
+            if (c == '%' ? readReference() : c == '-' ? readDash() : readLess())
                 continue;
-            return current;
-        case '-':
-            if (readDash())
-                continue;
-            return current;
-        case '<':
-            if (readLess())
-                continue;
-            return current;
-        case '>':
+        } else if (c == '>') {
             ++frame.at;
             current.kind = tokenEnd;
-            return current;
-        case '"':
-        case '\'':
-            readQuoted(*frame.at);
-            return current;
-        case '#':
-            readWord(tokenReserved, frame.at + 1);
-            return current;
-        default:
-            if (kDtdDelimiter.has(*frame.at))
-                setMark(*frame.at);
-            else
-                readWord(tokenWord, frame.at);
-            return current;
+        } else if (c == '"' || c == '\'') {
+            readQuoted(c);
+        } else if (c == '#') {
+            ++frame.at;
+            readWord(tokenReserved);
+        } else if (kDtdDelimiter.has(c)) {
+            setMark(c);
+        } else {
+            readWord(tokenWord);
         }
+        return current;
     }
 }
 
@@ -313,7 +270,7 @@ const DTDTokens::Token& DTDTokens::next()
 bool DTDTokens::readReference()
 {
     Frame& frame = frames.back();
-    const std::string_view name = dtdNameAt({frame.at + 1, static_cast<std::size_t>(frame.end - frame.at - 1)});
+    const std::string_view name = dtdNameAt({frame.at + 1, frame.end});
     if (name.empty()) {
         setMark('%');
         return false;
@@ -335,10 +292,10 @@ bool DTDTokens::readDash()
 {
     Frame& frame = frames.back();
     if (stands("--") && frame.hasDashes) {
-        const char* const close = find(frame.at + 2, frame.end, "--");
-        frame.hasDashes = close != frame.end;
+        const std::size_t close = frame.rest().find("--", 2);
+        frame.hasDashes = close != kNowhere;
         if (frame.hasDashes) {
-            frame.at = close + 2;
+            frame.at += close + 2;
             return true;
         }
     }
@@ -349,7 +306,7 @@ bool DTDTokens::readDash()
     if (isAlone || isBeforeO)
         setMark('-');
     else
-        readWord(tokenWord, frame.at);
+        readWord(tokenWord);
     return false;
 }
 
@@ -367,14 +324,12 @@ bool DTDTokens::readLess()
     return false;
 }
 
-void DTDTokens::readWord(Kind kind, const char* start)
+void DTDTokens::readWord(Kind kind)
 {
     Frame& frame = frames.back();
-    frame.at = start;
-    while (frame.at < frame.end && !kDtdDelimiter.has(*frame.at))
-        ++frame.at;
     current.kind = kind;
-    current.text = {start, static_cast<std::size_t>(frame.at - start)};
+    current.text = dtdNameAt(frame.rest());
+    frame.at += current.text.size();
 }
 
 void DTDTokens::readQuoted(char quote)
@@ -397,7 +352,7 @@ void DTDTokens::readQuoted(char quote)
         return;
     }
     current.kind = tokenLiteral;
-    current.text = {start, static_cast<std::size_t>(at - start)};
+    current.text = {start, at};
     frame.at = at + 1;
 }
 
@@ -406,10 +361,4 @@ void DTDTokens::setMark(char mark)
     ++frames.back().at;
     current.kind = tokenMark;
     current.mark = mark;
-}
-
-void DTDTokens::skipDeclaration()
-{
-    while (!current.isEnd())
-        next();
 }

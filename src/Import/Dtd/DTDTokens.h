@@ -71,9 +71,6 @@ public:
         return hasReadSection ? std::vector<std::string_view>() : sectionEntities;
     }
 
-    /// Reads to the end of the declaration.
-    void skipDeclaration();
-
 private:
     // A text that is being read; entities nest as a stack of frames.
     struct Frame
@@ -89,6 +86,8 @@ private:
         bool hasCommentEnd = true;
         bool hasDashes = true;
         bool hasQuote[2] = {true, true};
+
+        std::string_view rest() const { return {at, end}; }
     };
 
     void push(DTDEntities::Text& text);
@@ -102,13 +101,11 @@ private:
     bool readReference();
     bool readDash();
     bool readLess();
-    void readWord(Kind kind, const char* start);
+    void readWord(Kind kind);
     void readQuoted(char quote);
     void setMark(char mark);
-    bool stands(std::string_view text) const;
-    void openSection();
+    bool stands(std::string_view text) const { return frames.back().rest().starts_with(text); }
     void noteKey(std::string_view key, bool isRead);
-    void noteOpenSection();
     SourcePlace placeIn(Frame& frame) const;
 
     DTDEntities& entityTable;
