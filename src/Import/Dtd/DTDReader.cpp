@@ -4,12 +4,6 @@
 
 namespace {
 
-// Keywords of SGML have no case.
-bool isKeyword(std::string_view text, std::string_view word)
-{
-    return isSameAscii(text, word);
-}
-
 // Namespace declarations are no data, so they become no fields.
 bool isNamespace(std::string_view attribute)
 {
@@ -36,7 +30,7 @@ void DTDReader::readDeclaration()
     tokens->next();
     isNoted = false;
     const auto known = std::ranges::find_if(kDeclarations, [&](const Declaration& declaration) {
-        return isKeyword(tokens->keyword(), declaration.keyword);
+        return isSameAscii(tokens->keyword(), declaration.keyword); // keywords of SGML have no case
     });
     if (known != std::end(kDeclarations))
         (this->*known->read)();
@@ -122,7 +116,7 @@ void DTDReader::readElement()
         return;
     }
     const auto isMinimization = [](const DTDTokens::Token& token) {
-        return token.isMark('-') || (token.kind == DTDTokens::tokenWord && isKeyword(token.text, "O"));
+        return token.isMark('-') || (token.kind == DTDTokens::tokenWord && isSameAscii(token.text, "O"));
     };
     while (isMinimization(tokens->token())) // of SGML: whether the start or end tag may be omitted
         tokens->next();
@@ -132,7 +126,11 @@ void DTDReader::readElement()
         noteMalformed(names.front());
         return;
     }
-    readException();
+    // An SGML exception, "+(a|b)" or "-(a|b)", allows or forbids elements anywhere inside.
+    if (tokens->token().isMark('+') || tokens->token().isMark('-'))
+        report.add(SourceReport::sgmlException, tokens->place(), names.front());
+    else if (!tokens->token().isEnd())
+        noteMalformed(names.front());
     const auto entries = model.finish();
     const auto first = static_cast<Index>(contents.size());
     contents.insert(contents.end(), entries.begin(), entries.end());
@@ -149,12 +147,12 @@ bool DTDReader::readContent(bool& holdsText)
         return readGroup(holdsText);
     if (token.isEnd())
         return token.followsUnknown;
-    const bool isAny = isKeyword(token.text, "ANY");
+    const bool isAny = isSameAscii(token.text, "ANY");
     if (isAny)
         report.add(SourceReport::anyContent, tokens->place(), names.front());
-    holdsText =
-        isAny || isKeyword(token.text, "CDATA") || isKeyword(token.text, "RCDATA") || isKeyword(token.text, "PCDATA");
-    const bool isKnown = token.kind <= DTDTokens::tokenReserved && (holdsText || isKeyword(token.text, "EMPTY"));
+    holdsText = isAny || isSameAscii(token.text, "CDATA") || isSameAscii(token.text, "RCDATA") ||
+                isSameAscii(token.text, "PCDATA");
+    const bool isKnown = token.kind <= DTDTokens::tokenReserved && (holdsText || isSameAscii(token.text, "EMPTY"));
     if (isKnown)
         tokens->next();
     return isKnown;
@@ -182,7 +180,7 @@ bool DTDReader::readGroup(bool& holdsText)
         }
         const DTDTokens::Kind kind = token.kind;
         const char mark = kind == DTDTokens::tokenMark ? token.mark : '\0';
-        holdsText |= kind == DTDTokens::tokenReserved && isKeyword(token.text, "PCDATA");
+        holdsText |= kind == DTDTokens::tokenReserved && isSameAscii(token.text, "PCDATA");
         tokens->next();
         readGroupMark(mark, depth);
     } while (depth > 0);
@@ -235,20 +233,15 @@ bool DTDReader::readMark()
     return repeats;
 }
 
-// Reads what follows the content: an SGML exception, "+(a|b)" or "-(a|b)", which allows or forbids elements anywhere
-// inside, or nothing.
-void DTDReader::readException()
-{
-    if (tokens->token().isMark('+') || tokens->token().isMark('-'))
-        report.add(SourceReport::sgmlException, tokens->place(), names.front());
-    else if (!tokens->token().isEnd())
-        noteMalformed(names.front());
-}
-
 void DTDReader::declareElement(Element& element, Index firstContent, bool holdsText)
 {
     if (element.isDeclared) {
-        if (element.source == sourceCount || !isSame(element, firstContent, holdsText))
+        // The DTDs of a set share modules, so the same declaration comes several times and is no fault.
+        const auto all = std::span(contents);
+        const bool isSame =
+            element.holdsText == holdsText &&
+            std::ranges::equal(all.subspan(element.firstContent, element.contentCount), all.subspan(firstContent));
+        if (element.source == sourceCount || !isSame)
             noteFor(element, SourceReport::declaredTwice, element.name);
         return;
     }
@@ -261,13 +254,6 @@ void DTDReader::declareElement(Element& element, Index firstContent, bool holdsT
     if (holdsText && element.contentCount > 0)
         noteFor(element, SourceReport::mixedContent, element.name);
     declared.push_back(element.index);
-}
-
-// The DTDs of a set share modules, so the same declaration comes several times and is no fault.
-bool DTDReader::isSame(const Element& element, Index firstContent, bool holdsText) const
-{
-    const auto known = std::span(contents).subspan(element.firstContent, element.contentCount);
-    return element.holdsText == holdsText && std::ranges::equal(known, std::span(contents).subspan(firstContent));
 }
 
 void DTDReader::readAttlist()
@@ -309,7 +295,7 @@ SourceTypes::Type DTDReader::readAttributeType(std::string_view attribute)
         return readConstants(attribute);
     if (tokens->token().kind != DTDTokens::tokenWord)
         return {};
-    const bool isNotation = isKeyword(tokens->token().text, "NOTATION");
+    const bool isNotation = isSameAscii(tokens->token().text, "NOTATION");
     tokens->next();
     if (isNotation && tokens->token().isMark('('))
         readConstants(attribute);
@@ -335,8 +321,8 @@ void DTDReader::readDefault()
 {
     const DTDTokens::Token& token = tokens->token();
     const bool isReserved = token.kind == DTDTokens::tokenReserved;
-    const bool isFixed = isReserved && isKeyword(token.text, "FIXED");
-    report.count(SourceReport::optionality, isReserved && isKeyword(token.text, "IMPLIED"));
+    const bool isFixed = isReserved && isSameAscii(token.text, "FIXED");
+    report.count(SourceReport::optionality, isReserved && isSameAscii(token.text, "IMPLIED"));
     if (isReserved)
         tokens->next();
     if (isReserved && !isFixed)
@@ -392,19 +378,13 @@ void DTDReader::readEntity()
         tokens->entities().declareModule(name, publicId, systemId, tokens->place());
     else if (isOfParameter)
         tokens->entities().declare(name, token.text, tokens->literalPlace());
-    readEntityEnd(name, !isOfParameter);
-}
-
-// Reads the end of an ENTITY. A literal without its second quote ends at the first quote of another one, whose text
-// then follows and is reported.
-void DTDReader::readEntityEnd(std::string_view name, bool hasNotation)
-{
+    // A literal without its second quote ends at the first quote of another one, whose text then follows.
     tokens->endLiterals();
-    if (tokens->token().kind == DTDTokens::tokenLiteral)
+    if (token.kind == DTDTokens::tokenLiteral)
         tokens->next();
-    while (hasNotation && tokens->token().kind == DTDTokens::tokenWord) // NDATA and the name of the notation
+    while (!isOfParameter && token.kind == DTDTokens::tokenWord) // NDATA and the name of the notation
         tokens->next();
-    if (!tokens->token().isEnd())
+    if (!token.isEnd())
         noteMalformed(name);
 }
 
@@ -412,8 +392,8 @@ void DTDReader::readEntityEnd(std::string_view name, bool hasNotation)
 bool DTDReader::readExternalId(std::string_view& publicId, std::string_view& systemId)
 {
     const DTDTokens::Token& token = tokens->token();
-    const bool isPublic = token.kind == DTDTokens::tokenWord && isKeyword(token.text, "PUBLIC");
-    if (!isPublic && (token.kind != DTDTokens::tokenWord || !isKeyword(token.text, "SYSTEM")))
+    const bool isPublic = token.kind == DTDTokens::tokenWord && isSameAscii(token.text, "PUBLIC");
+    if (!isPublic && (token.kind != DTDTokens::tokenWord || !isSameAscii(token.text, "SYSTEM")))
         return false;
     tokens->next();
     if (isPublic && token.kind == DTDTokens::tokenLiteral) {

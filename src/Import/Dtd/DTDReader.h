@@ -73,7 +73,6 @@ private:
     void readElement();
     void readAttlist();
     void readEntity();
-    void readEntityEnd(std::string_view name, bool hasNotation);
     bool readExternalId(std::string_view& publicId, std::string_view& systemId);
     void readNotation();
     void readDoctype();
@@ -87,9 +86,7 @@ private:
     void readGroupMark(char mark, std::size_t& depth);
     void readChild();
     bool readMark();
-    void readException();
     void declareElement(Element& element, Index firstContent, bool holdsText);
-    bool isSame(const Element& element, Index firstContent, bool holdsText) const;
     bool readAttribute();
     SourceTypes::Type readAttributeType(std::string_view attribute);
     SourceTypes::Type readConstants(std::string_view attribute);
