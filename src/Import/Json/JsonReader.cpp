@@ -15,29 +15,19 @@ using Index = JsonNode::Index;
 
 Index readJson(std::string_view text, JsonBuilder& builder, bool withComments)
 {
+    using enum JsonNode::Kind;
+    constexpr JsonNode::Kind kinds[] = {none, object, none,   array,   none,
+                                        none, string, number, boolean, null}; // by token
     JsonScanner scanner(text, withComments);
     for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
-        switch (token) {
-        case JsonScanner::key:
+        const JsonNode::Kind kind = kinds[token];
+        if (token == JsonScanner::key)
             builder.key(scanner.text());
-            break;
-        case JsonScanner::objectBegin:
-        case JsonScanner::arrayBegin:
-            builder.add(token == JsonScanner::objectBegin ? JsonNode::object : JsonNode::array, {}, scanner.line(),
-                        scanner.column());
-            break;
-        case JsonScanner::objectEnd:
-        case JsonScanner::arrayEnd:
+        else if (kind == none)
             builder.end();
-            break;
-        default:
-            builder.add(token == JsonScanner::string    ? JsonNode::string
-                        : token == JsonScanner::number  ? JsonNode::number
-                        : token == JsonScanner::boolean ? JsonNode::boolean
-                                                        : JsonNode::null,
-                        token == JsonScanner::null ? std::string_view() : scanner.text(), scanner.line(),
+        else
+            builder.add(kind, kind >= boolean && kind <= string ? scanner.text() : "", scanner.line(),
                         scanner.column());
-        }
     }
     return builder.root();
 }
@@ -70,8 +60,7 @@ JsonNode::Kind kindOfPlain(std::string_view text)
 class YamlReader
 {
 public:
-    YamlReader(std::string_view text, JsonBuilder& builder, JsonTree& tree) :
-        text(text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0)), builder(builder), tree(tree)
+    YamlReader(std::string_view text, JsonBuilder& builder, JsonTree& tree) : text(text), builder(builder), tree(tree)
     {
         if (!yaml_parser_initialize(&parser))
             throw std::bad_alloc();
@@ -250,7 +239,9 @@ JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, J
                              bool withComments)
 {
     const bool isNamedYaml = endsWithAscii(fileName, ".yaml") || endsWithAscii(fileName, ".yml");
-    std::string_view start = text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
+    if (text.starts_with("\xEF\xBB\xBF"))
+        text.remove_prefix(3);
+    std::string_view start = text;
     start.remove_prefix(std::min(start.size(), start.find_first_not_of(" \t\r\n")));
     const bool isJson = start.empty() || start.front() == '{' || start.front() == '[' || beginsWithComment(start) ||
                         endsWithAscii(fileName, ".json");

@@ -40,13 +40,6 @@ SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault)
             {fileName, fault.reason, fault.line, fault.column}};
 }
 
-JsonScanner::JsonScanner(std::string_view text, bool withComments) : withComments(withComments), data(text)
-{
-    if (data.starts_with("\xEF\xBB\xBF"))
-        at = 3;
-    lineOffset = at;
-}
-
 JsonScanner::JsonScanner(InputFile& file) : file(&file), buffer(kBuffer)
 {
     while (data.size() < 3 && refill()) {
@@ -78,7 +71,8 @@ bool JsonScanner::refill()
 
 void JsonScanner::fail(const CString& reason)
 {
-    throw JsonFault{reason, lines, static_cast<std::uint32_t>(offset() - lineOffset + 1)};
+    notePlace();
+    throw JsonFault{reason, tokenLine, tokenColumn};
 }
 
 void JsonScanner::skipSpace()
@@ -145,7 +139,7 @@ JsonScanner::Token JsonScanner::next()
 void JsonScanner::notePlace()
 {
     tokenLine = lines;
-    tokenColumn = static_cast<std::uint32_t>(offset() - lineOffset + 1);
+    tokenColumn = static_cast<std::uint32_t>(consumed + at - lineOffset + 1);
 }
 
 // Scans a key and its colon. The key is copied if looking for the colon might refill the buffer and so move it.
@@ -268,7 +262,7 @@ void JsonScanner::scanEscape()
     const char c = peek();
     if (c != 'u') {
         const std::size_t which = letters.find(c);
-        if (isAtEnd() || which == std::string_view::npos)
+        if (which == letters.npos)
             fail("the escape is unknown in JSON");
         unescaped += meanings[which];
         ++at;
@@ -340,7 +334,7 @@ void JsonScanner::scanDigits()
 void JsonScanner::scanWord(std::string_view word)
 {
     for (const char c : word) {
-        if (peek() != c || isAtEnd())
+        if (peek() != c)
             fail("a value is expected");
         ++at;
     }

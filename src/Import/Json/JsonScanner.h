@@ -47,9 +47,9 @@ public:
     /// The maximum nesting of arrays and objects.
     static constexpr std::size_t kMaxDepth = 1000;
 
-    /// Scans one value. The text must outlive the scanner. With `withComments` those of JavaScript are skipped; JSON
-    /// has none.
-    explicit JsonScanner(std::string_view text, bool withComments = false);
+    /// Scans one value. The text has no byte order mark, and must outlive the scanner. With `withComments` those of
+    /// JavaScript are skipped; JSON has none.
+    JsonScanner(std::string_view text, bool withComments) : withComments(withComments), data(text) {}
 
     /// Scans a file with any number of values, one after another. Memory is bounded by the longest key or number; of a
     /// long string only the beginning is kept, up to the size of the buffer.
@@ -65,9 +65,6 @@ public:
     /// Return the place of the token, counted from 1; columns in bytes.
     std::uint32_t line() const { return tokenLine; }
     std::uint32_t column() const { return tokenColumn; }
-
-    /// Returns the number of bytes scanned so far.
-    std::uint64_t offset() const { return consumed + at; }
 
 private:
     enum State : std::uint8_t
@@ -94,7 +91,7 @@ private:
     void beginLine() // behind the line feed at the cursor
     {
         ++lines;
-        lineOffset = offset() + 1;
+        lineOffset = consumed + at + 1;
     }
     void notePlace();
     bool refill();
