@@ -7,14 +7,14 @@
 
 namespace {
 
-void readFileInto(JsonShapes& shapes, const CString& fileName, std::uint32_t number, SourceReport& report)
+void readFileInto(JsonShapes& shapes, const CString& fileName, std::uint32_t number)
 {
     InputFile file(fileName);
     if (file.queryError() != 0)
         throw SourceRefusal{cantOpen(fileName, fileCauseOf(file.queryError())), {fileName, inWords(file.queryError())}};
     try {
         JsonScanner scanner(file);
-        shapes.read(scanner, number, report);
+        shapes.read(scanner, number);
     } catch (const JsonFault& fault) {
         throw refusalOf(fileName, fault);
     }
@@ -24,10 +24,9 @@ void readFileInto(JsonShapes& shapes, const CString& fileName, std::uint32_t num
 
 void JsonDataMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
-    JsonShapes shapes;
-    readFileInto(shapes, source, report.addFile(source), report);
+    JsonShapes shapes(types, report);
+    readFileInto(shapes, source, report.addFile(source));
     for (const CString& further : furtherExamples)
-        readFileInto(shapes, further, report.addFile(further), report);
-    shapes.declare(types.keep(toXmlName(queryGivenName().empty() ? CString(stemOf(fileName)) : queryGivenName())),
-                   types, report);
+        readFileInto(shapes, further, report.addFile(further));
+    shapes.declare(types.keep(toXmlName(queryGivenName().empty() ? CString(stemOf(fileName)) : queryGivenName())));
 }

@@ -84,7 +84,7 @@ bool isIsoTime(std::string_view text)
 
 } // namespace
 
-void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber, SourceReport& report)
+void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber)
 {
     // An open container, and the member that came last in it.
     struct Open
@@ -115,29 +115,19 @@ void JsonShapes::read(JsonScanner& scanner, std::uint32_t fileNumber, SourceRepo
             at = 0;
         else if (open.back().number == 0)
             at = itemsOf(open.back().shape);
-        switch (token) {
-        case JsonScanner::objectBegin:
-            at = sharedShape(at, isObject);
-            note(at, isObject, scanner);
-            open.push_back({at, ++objects});
-            break;
-        case JsonScanner::arrayBegin:
-            at = sharedShape(at, Kind::isArray);
-            note(at, Kind::isArray, scanner);
-            open.push_back({at, 0});
-            break;
-        case JsonScanner::number:
-            note(at, isNumber, scanner);
-            break;
-        case JsonScanner::string:
-            note(at, isIsoTime(scanner.text()) ? isTime : isText, scanner);
-            break;
-        case JsonScanner::boolean:
-            note(at, isText, scanner);
-            break;
-        default:
-            break; // null fits any kind
-        }
+        if (token == JsonScanner::null) // fits any kind
+            continue;
+        const Kind kind = token == JsonScanner::objectBegin                           ? isObject
+                          : token == JsonScanner::arrayBegin                          ? isArray
+                          : token == JsonScanner::number                              ? isNumber
+                          : token == JsonScanner::string && isIsoTime(scanner.text()) ? isTime
+                                                                                      : isText;
+        const bool isContainer = (kind & (isObject | isArray)) != 0;
+        if (isContainer)
+            at = sharedShape(at, kind);
+        note(at, kind, scanner);
+        if (isContainer)
+            open.push_back({at, kind == isObject ? ++objects : 0});
     }
 }
 
@@ -203,14 +193,12 @@ JsonShapes::Index JsonShapes::memberOf(Index object, Index before, std::string_v
     return member;
 }
 
-void JsonShapes::declare(std::string_view name, SourceTypes& types, SourceReport& report)
+void JsonShapes::declare(std::string_view name)
 {
     std::uint16_t depth = 0;
-    const SourceTypes::Type type = typeOf(0, depth, name, SourceTypes::kNone, types, report);
-    SourceTypes::Candidate whole{name, type, false, shapes[0].place};
-    whole.repeats = depth;
+    const SourceTypes::Type type = typeOf(0, depth, name, SourceTypes::kNone);
     if (shapes[0].kinds != 0)
-        types.addCandidate(whole);
+        types.addCandidate({.name = name, .type = type, .place = shapes[0].place, .repeats = depth});
     std::vector<SourceTypes::Field> fields;
     for (std::size_t i = 0; i < pending.size(); ++i) {
         const Index object = pending[i];
@@ -222,15 +210,14 @@ void JsonShapes::declare(std::string_view name, SourceTypes& types, SourceReport
             const Index shape = shapes[at].target == 0 ? at : shapes[at].target;
             if (shape != at && shapes[at].kinds != 0)
                 report.add(SourceReport::kindsDiffer, shapes[at].place, called);
-            const SourceTypes::Type field = typeOf(shape, tables, called, records[object], types, report);
+            const SourceTypes::Type field = typeOf(shape, tables, called, records[object]);
             fields.push_back({called, {}, field, SourceTypes::roleElement, tables});
         }
         types.setFields(records[object], fields);
     }
 }
 
-SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string_view name, SourceTypes::Index home,
-                                     SourceTypes& types, SourceReport& report)
+SourceTypes::Type JsonShapes::typeOf(Index at, std::uint16_t& depth, std::string_view name, SourceTypes::Index home)
 {
     constexpr std::uint16_t deepest = 100;
     const Shape unknown; // of the items of arrays that were empty in all documents

@@ -13,14 +13,14 @@
 class JsonShapes
 {
 public:
-    JsonShapes() : shapes(1) {}
+    JsonShapes(SourceTypes& types, SourceReport& report) : types(types), report(report), shapes(1) {}
 
     /// Adds all values of a file; `file` is its number in the report. A key given twice in one object is a loss. Throws
     /// JsonFault.
-    void read(JsonScanner& scanner, std::uint32_t file, SourceReport& report);
+    void read(JsonScanner& scanner, std::uint32_t file);
 
     /// Adds the shapes as types. The shape of whole messages becomes the candidate for the main type, under `name`.
-    void declare(std::string_view name, SourceTypes& types, SourceReport& report);
+    void declare(std::string_view name);
 
 private:
     using Index = std::uint32_t;
@@ -55,9 +55,10 @@ private:
     Index itemsOf(Index array);
     Index sharedShape(Index member, Kind kind);
     void note(Index shape, Kind kind, const JsonScanner& scanner);
-    SourceTypes::Type typeOf(Index shape, std::uint16_t& depth, std::string_view name, SourceTypes::Index home,
-                             SourceTypes& types, SourceReport& report);
+    SourceTypes::Type typeOf(Index shape, std::uint16_t& depth, std::string_view name, SourceTypes::Index home);
 
+    SourceTypes& types;
+    SourceReport& report;
     std::uint32_t file = 0;
     std::uint32_t objects = 0; // read so far
     NameTable names;
