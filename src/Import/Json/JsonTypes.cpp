@@ -179,9 +179,7 @@ void JsonTypes::readFields(const Pending& record)
 SourceTypes::Field JsonTypes::fieldOf(std::string_view name, Index schema, SourceTypes::Index record)
 {
     const Shape shape = shapeOf(schema, name, record);
-    SourceTypes::Field field{name, describe(schema), shape.type};
-    field.repeats = shape.depth;
-    return field;
+    return {name, describe(schema), shape.type, SourceTypes::roleElement, shape.depth};
 }
 
 // Returns the title, else the first sentence of the description; if there is neither, that of the referenced schema.
@@ -293,13 +291,14 @@ void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace pla
     if (isRecord && !candidates.insert(static_cast<std::uint64_t>(source) << 32 | shape.type.index).second)
         return;
     const std::string_view called = isRecord ? types.records[shape.type.index].name : name;
-    SourceTypes::Candidate candidate{called, shape.type, false, place};
-    candidate.repeats = shape.depth;
-    candidate.source = source;
-    candidate.uri = uri;
-    if (isRecord)
-        candidate.space = types.records[shape.type.index].space;
-    else if (!uri.empty())
-        candidate.space = types.spaceOf(uri);
-    types.addCandidate(candidate);
+    const SourceTypes::Index space = isRecord      ? types.records[shape.type.index].space
+                                     : uri.empty() ? 0
+                                                   : types.spaceOf(uri);
+    types.addCandidate({.name = called,
+                        .type = shape.type,
+                        .place = place,
+                        .uri = uri,
+                        .source = source,
+                        .space = space,
+                        .repeats = shape.depth});
 }
