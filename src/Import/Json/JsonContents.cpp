@@ -3,7 +3,6 @@
 #include "Base/Progress.h"
 
 #include <algorithm>
-#include <functional>
 #include <unordered_set>
 #include <utility>
 
@@ -12,7 +11,6 @@ namespace {
 using Index = JsonNode::Index;
 using Kind = JsonContent::Kind;
 
-constexpr std::size_t kFewFields = 16;
 constexpr std::size_t kMaxKept = 4'000'000;   // of fields and constants
 constexpr std::size_t kMaxSteps = 20'000'000; // bounds schemas that combine many others
 
@@ -212,7 +210,7 @@ void JsonContents::take(Frame& frame, const JsonContent& added)
     frame.content = added;
     frame.isBorrowed = true;
     frame.fields.clear();
-    frame.many.clear();
+    frame.positions = {};
     frame.constants.clear();
     frame.items.clear();
 }
@@ -231,7 +229,7 @@ void JsonContents::makeOwn(Frame& frame)
     const JsonContent& content = frame.content;
     step(content.count);
     if (content.kind == JsonContent::enumeration)
-        frame.constants.assign(constants.begin() + content.first, constants.begin() + content.first + content.count);
+        addConstants(frame, constantsOf(content));
     if (content.kind == JsonContent::record)
         for (const JsonField& field : fieldsOf(content))
             addField(frame, field, content.isConditional ? maybe : both);
@@ -313,8 +311,7 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
         } else if (kind == JsonContent::enumeration) {
             makeOwn(frame);
             step(added.count);
-            for (const JsonConstant constant : constantsOf(added))
-                addConstant(frame, constant);
+            addConstants(frame, constantsOf(added));
         } else if (kind == JsonContent::map || kind == JsonContent::array) {
             frame.content.owner = 0;
             frame.content.mayBeLeaf |= added.mayBeLeaf;
@@ -368,31 +365,18 @@ void JsonContents::addOwnFields(Frame& frame, Index properties)
     }
 }
 
-// Returns the position of a name among the rows of a frame; their number if there is none.
-template <class Row, class NameAt>
-std::size_t JsonContents::positionOf(Frame& frame, const std::vector<Row>& rows, NameTable::Id name,
-                                     NameAt nameAt) const
+void JsonContents::addConstants(Frame& frame, std::span<const JsonConstant> added)
 {
-    // A few names are compared faster than they are hashed.
-    if (rows.size() < kFewFields)
-        return static_cast<std::size_t>(std::ranges::find(rows, name, nameAt) - rows.begin());
-    for (std::size_t i = frame.many.size(); i < rows.size(); ++i)
-        frame.many.emplace(std::invoke(nameAt, rows[i]), i);
-    const auto known = frame.many.find(name);
-    return known == frame.many.end() ? rows.size() : known->second;
-}
-
-void JsonContents::addConstant(Frame& frame, JsonConstant constant)
-{
-    if (positionOf(frame, frame.constants, constant.value, &JsonConstant::value) == frame.constants.size())
-        frame.constants.push_back(constant);
+    for (const JsonConstant constant : added)
+        if (frame.positions.insert(constant.value, 0).second)
+            frame.constants.push_back(constant);
 }
 
 // Adds a field, or a further schema to the field of the same name.
 void JsonContents::addField(Frame& frame, JsonField field, How how)
 {
-    const std::size_t at = positionOf(frame, frame.fields, field.name, &MergedField::name);
-    if (at < frame.fields.size())
+    const auto [at, isNew] = frame.positions.insert(field.name, static_cast<std::uint32_t>(frame.fields.size()));
+    if (!isNew)
         return mergeField(frame.fields[at], field, how);
     field.isConditional = field.isConditional || how == maybe;
     frame.fields.push_back({field, {}, field.isConditional ? 0u : 1u});

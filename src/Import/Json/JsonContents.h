@@ -127,8 +127,8 @@ private:
         Index mapping = 0;       // the mapping of its discriminator, or 0
         NameTable::Id discriminator = 0;
         std::vector<MergedField> fields;
-        std::unordered_map<NameTable::Id, std::size_t> many; // index by name, if there are many
         std::vector<JsonConstant> constants;
+        NumberTable positions;   // of the fields or constants by name
         std::vector<Part> items; // further schemas of the items, merged at the end because there may be many
     };
 
@@ -179,9 +179,7 @@ private:
     void addFields(Frame& frame, const JsonContent& record, How how);
     void addOwnFields(Frame& frame, Index properties);
     void addField(Frame& frame, JsonField field, How how);
-    void addConstant(Frame& frame, JsonConstant constant);
-    template <class Row, class NameAt>
-    std::size_t positionOf(Frame& frame, const std::vector<Row>& rows, NameTable::Id name, NameAt nameAt) const;
+    static void addConstants(Frame& frame, std::span<const JsonConstant> added);
     void mergeField(MergedField& known, JsonField field, How how);
     bool isNull(Index schema) const;
     bool areEquivalent(Index one, Index other) const;
