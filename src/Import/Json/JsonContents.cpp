@@ -104,7 +104,8 @@ void JsonContents::enter(Index schema)
     const bool isMade = tree[schema].parent == 0 && documents.rootOf(schema) != schema;
     const bool isChoice = isMade || isOneOf(tree.keyOf(schema), {JsonWord::oneOf, JsonWord::anyOf});
     if (tree.is(schema, JsonNode::array) && isChoice)
-        readMembers(schema, either, frame.parts);
+        for (const Index at : tree.childrenOf(schema))
+            frame.parts.push_back({at, either});
     else if (tree.is(schema, JsonNode::object))
         readSchema(frame);
     else if (!tree.is(schema, JsonNode::boolean))
@@ -175,7 +176,9 @@ void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index p
     frame.objects += how == either && isObject(added.kind) ? 1 : 0;
     const Kind kind = frame.content.kind;
     if (added.kind == JsonContent::none) {
-        frame.allowsAny = frame.allowsAny || (how == either && !isNull(part));
+        // A schema that allows null only narrows nothing.
+        const bool isNull = tree.hasAny(part, {JsonWord::type, JsonWord::constWord, JsonWord::enumWord});
+        frame.allowsAny = frame.allowsAny || (how == either && !isNull);
         return;
     }
     if (how == both && added.isConditional)
@@ -195,13 +198,6 @@ void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index p
         joinBoth(frame, added, how, part);
         frame.content.isConditional = isConditional;
     }
-}
-
-// Returns whether a schema without content allows null only, which narrows nothing.
-bool JsonContents::isNull(Index schema) const
-{
-    return tree.find(schema, JsonWord::type) != 0 || tree.find(schema, JsonWord::constWord) != 0 ||
-           tree.find(schema, JsonWord::enumWord) != 0;
 }
 
 // Borrows the content of a part. Its fields are copied only when others are added, see makeOwn().
@@ -387,9 +383,13 @@ void JsonContents::addField(Frame& frame, JsonField field, How how)
 void JsonContents::mergeField(MergedField& known, JsonField field, How how)
 {
     const bool isConditional = field.isConditional || how == maybe;
-    const bool isSame = known.schema == field.schema || areEquivalent(known.schema, field.schema);
-    if (isSame && known.schema != field.schema)
+    bool isSame = known.schema == field.schema;
+    // Merging leaves of the same type and format would cost more, and chains of schemas that give one field ever other
+    // bounds would need a merged schema for each step.
+    if (const auto leaf = isSame ? std::nullopt : leafOf(known.schema); leaf && leaf == leafOf(field.schema)) {
+        isSame = true;
         dropped.insert(field.schema);
+    }
     if (how == either) {
         known.alternatives += isConditional ? 0 : 1;
     } else if (known.isConditional && !isConditional) {

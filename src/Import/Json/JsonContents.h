@@ -152,16 +152,12 @@ private:
     void readItems(Index schema, JsonWord key, Index node, Own& own);
     void readReference(Frame& frame, Index child);
     Index referenced(Index child);
-    void readDiscriminator(Frame& frame, Index node);
-    void readMembers(Index holder, How how, std::vector<Part>& parts) const;
     void appendTargets(Index holder, std::vector<Index>& targets) const;
     static std::optional<SourceReport::Construct> detailOf(JsonWord key);
-    void countDetail(JsonWord key);
     void countOptional(Index schema, Index properties);
     std::vector<JsonWord> typesOf(Index type);
     void readOwn(Frame& frame, Own& own);
     JsonContent contentOfType(JsonWord type, Frame& frame, Own& own);
-    bool mayBeObject(Index schema);
     JsonContent contentOfValues(Frame& frame, const Own& own, bool isText);
     Index choiceOf(const std::vector<Index>& schemas);
     void finish();
@@ -181,9 +177,7 @@ private:
     void addField(Frame& frame, JsonField field, How how);
     static void addConstants(Frame& frame, std::span<const JsonConstant> added);
     void mergeField(MergedField& known, JsonField field, How how);
-    bool isNull(Index schema) const;
-    bool areEquivalent(Index one, Index other) const;
-    bool isLeafOf(Index schema, NameTable::Id& type, NameTable::Id& format) const;
+    std::optional<std::pair<NameTable::Id, NameTable::Id>> leafOf(Index schema) const;
     Index mergedOf(Index first, std::span<const Part> more);
     Index makeMerged(const Merged& merged);
     void step(std::size_t count = 1);

@@ -43,12 +43,6 @@ constexpr auto kKeywords = [] {
 
 } // namespace
 
-void JsonContents::readMembers(Index holder, How how, std::vector<Part>& parts) const
-{
-    for (const Index at : tree.childrenOf(holder))
-        parts.push_back({tree.target(at), how});
-}
-
 void JsonContents::appendTargets(Index holder, std::vector<Index>& targets) const
 {
     for (const Index at : tree.childrenOf(holder))
@@ -80,6 +74,8 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
     if (const unsigned kinds = kKeywords[static_cast<std::size_t>(key)].kinds;
         kinds != 0 && (kinds & 1u << tree[node].kind) == 0)
         return documents.note(SourceReport::invalidValue, child, tree.key(child));
+    if (const auto detail = detailOf(key))
+        report.count(*detail);
     switch (key) {
     case JsonWord::ref:
     case JsonWord::dynamicRef:
@@ -88,10 +84,11 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::allOf:
     case JsonWord::extends: // of draft 3, and of generators of code; it may be a single schema
-        if (tree.is(node, JsonNode::array))
-            readMembers(node, both, frame.parts);
-        else if (isObject)
+        if (isObject)
             frame.parts.push_back({node, both});
+        else if (tree.is(node, JsonNode::array))
+            for (const Index at : tree.childrenOf(node))
+                frame.parts.push_back({at, both});
         break;
     case JsonWord::oneOf:
     case JsonWord::anyOf:
@@ -107,7 +104,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
     case JsonWord::dependencies:
         for (const Index at : tree.childrenOf(node))
             if (key != JsonWord::dependencies || !tree.is(tree.target(at), JsonNode::array)) // of property names
-                frame.parts.push_back({tree.target(at), maybe});
+                frame.parts.push_back({at, maybe});
         break;
     case JsonWord::properties:
         frame.parts.push_back({node, JsonContents::own});
@@ -144,10 +141,11 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         appendTargets(node, own.mapValues);
         break;
     case JsonWord::discriminator:
-        readDiscriminator(frame, node);
+        frame.mapping = tree.find(node, JsonWord::mapping, JsonNode::object);
+        frame.discriminator = tree[tree.find(node, JsonWord::propertyName, JsonNode::string)].text;
         break;
     default:
-        countDetail(key);
+        break;
     }
 }
 
@@ -156,8 +154,8 @@ void JsonContents::readItems(Index schema, JsonWord key, Index node, Own& own)
 {
     const bool isObject = tree.is(node, JsonNode::object);
     if (key == JsonWord::contains) {
-        countDetail(key);
-        own.contained = mayBeObject(node) ? node : own.contained;
+        if (tree.hasAny(baseOf(node), {JsonWord::properties, JsonWord::allOf, JsonWord::anyOf, JsonWord::oneOf}))
+            own.contained = node; // may be an object
         return;
     }
     // It has no effect without a list of items.
@@ -181,23 +179,10 @@ void JsonContents::readReference(Frame& frame, Index child)
     frame.isReference = true;
 }
 
-void JsonContents::readDiscriminator(Frame& frame, Index node)
-{
-    const Index name = tree.find(node, JsonWord::propertyName, JsonNode::string);
-    frame.mapping = tree.find(node, JsonWord::mapping, JsonNode::object);
-    frame.discriminator = tree[name].text;
-}
-
 // Returns the detail that a keyword is; nothing for other keywords.
 std::optional<SourceReport::Construct> JsonContents::detailOf(JsonWord key)
 {
     return kKeywords[static_cast<std::size_t>(key)].detail;
-}
-
-void JsonContents::countDetail(JsonWord key)
-{
-    if (const auto detail = detailOf(key))
-        report.count(*detail);
 }
 
 void JsonContents::countOptional(Index schema, Index properties)
@@ -287,16 +272,6 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
         content.isImplied = own.type == 0;
     }
     return content;
-}
-
-// Returns whether a schema says something about objects.
-bool JsonContents::mayBeObject(Index schema)
-{
-    schema = baseOf(schema);
-    for (const JsonWord word : {JsonWord::properties, JsonWord::allOf, JsonWord::anyOf, JsonWord::oneOf})
-        if (tree.find(schema, word) != 0)
-            return true;
-    return false;
 }
 
 // Returns an enumeration of the listed values if they are texts; null is left out. With `isText`, numbers and booleans

@@ -132,19 +132,12 @@ JsonNode::Index JsonContents::makeMerged(const Merged& merged)
     return schema;
 }
 
-// Returns whether two schemas are leaves of the same type and format. Merging them would cost more, and chains of
-// schemas that give one field ever other bounds would need a merged schema for each step.
-bool JsonContents::areEquivalent(Index one, Index other) const
-{
-    NameTable::Id oneType = 0, otherType = 0, oneFormat = 0, otherFormat = 0;
-    return isLeafOf(one, oneType, oneFormat) && isLeafOf(other, otherType, otherFormat) && oneType == otherType &&
-           oneFormat == otherFormat;
-}
-
-bool JsonContents::isLeafOf(Index schema, NameTable::Id& type, NameTable::Id& format) const
+// Returns the type and the format of a schema that is a leaf; nothing for other schemas.
+std::optional<std::pair<NameTable::Id, NameTable::Id>> JsonContents::leafOf(Index schema) const
 {
     if (tree[schema].isLarge)
-        return false;
+        return std::nullopt;
+    NameTable::Id type = 0, format = 0;
     for (const Index at : tree.childrenOf(schema)) {
         const JsonWord key = tree.keyOf(at);
         if (key == JsonWord::type && tree.is(at, JsonNode::string))
@@ -152,7 +145,9 @@ bool JsonContents::isLeafOf(Index schema, NameTable::Id& type, NameTable::Id& fo
         else if (key == JsonWord::format && tree.is(at, JsonNode::string))
             format = tree[at].text;
         else if (!isOneOf(key, {JsonWord::title, JsonWord::description, JsonWord::none}) && !detailOf(key))
-            return false;
+            return std::nullopt;
     }
-    return isOneOf(tree.wordOf(type), {JsonWord::string, JsonWord::number, JsonWord::integer, JsonWord::boolean});
+    const bool isLeaf =
+        isOneOf(tree.wordOf(type), {JsonWord::string, JsonWord::number, JsonWord::integer, JsonWord::boolean});
+    return isLeaf ? std::optional(std::pair(type, format)) : std::nullopt;
 }

@@ -134,6 +134,12 @@ public:
     /// The same for a value of kind `kind`; 0 if it is of another kind.
     Index find(Index object, JsonWord key, JsonNode::Kind kind) const;
 
+    /// Returns whether an object has a member under one of `keys`.
+    bool hasAny(Index object, std::initializer_list<JsonWord> keys) const
+    {
+        return std::ranges::any_of(keys, [&](JsonWord key) { return find(object, key) != 0; });
+    }
+
     /// Returns the children of the array or object under `key`; none if there is no such value.
     Children childrenOf(Index object, JsonWord key, JsonNode::Kind kind) const
     {
