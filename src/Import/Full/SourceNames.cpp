@@ -16,40 +16,32 @@ constexpr std::string_view kTablePrefix = "t_";
 class SourceNames::FieldNames
 {
 public:
-    /// Adds a name. Returns false if it is taken.
-    bool add(std::string_view name)
+    /// Adds a name. If it is taken, returns the last number that was appended to it, else null.
+    unsigned* add(std::string_view name)
     {
-        if (names.size() < kFewFields) {
-            for (const std::string_view known : names)
+        if (many.empty()) {
+            for (auto& [known, last] : few)
                 if (known == name)
-                    return false;
-        } else {
-            if (many.empty())
-                many.insert(names.begin(), names.end());
-            if (!many.insert(name).second)
-                return false;
+                    return &last;
+            few.emplace_back(name, 1);
+            if (few.size() == kFewFields)
+                many.insert(few.begin(), few.end());
+            return nullptr;
         }
-        names.push_back(name);
-        return true;
+        const auto [known, isNew] = many.try_emplace(name, 1);
+        return isNew ? nullptr : &known->second;
     }
 
     void clear()
     {
-        names.clear();
-        many.clear();
-        lastNumbers.clear();
-    }
-
-    /// Returns the name with its next number appended.
-    CString numbered(std::string_view name)
-    {
-        return CString(name) + "_" + std::to_string(++lastNumbers.try_emplace(name, 1).first->second);
+        few.clear();
+        if (!many.empty())
+            many = {}; // clear() would go over all buckets for each record after a large one
     }
 
 private:
-    std::vector<std::string_view> names;
-    std::unordered_set<std::string_view, KeyHash> many;
-    std::unordered_map<std::string_view, unsigned, KeyHash> lastNumbers;
+    std::vector<std::pair<std::string_view, unsigned>> few;
+    std::unordered_map<std::string_view, unsigned, KeyHash> many;
 };
 
 void SourceNames::name(const std::vector<Index>& order, std::span<const Index> first,
@@ -114,11 +106,11 @@ void SourceNames::nameFields(Index index, FieldNames& names)
             if (field.role != role)
                 continue;
             const std::string_view wanted = field.name;
-            if (!names.add(wanted)) {
+            if (names.add(wanted)) {
                 if (role == SourceTypes::roleAttribute)
                     field.name = types.join(record.name, wanted);
-                while (!names.add(field.name))
-                    field.name = types.keep(names.numbered(wanted));
+                while (names.add(field.name))
+                    field.name = types.join(wanted, std::to_string(++*names.add(wanted)));
                 noteChange(record.place, wanted, field.name);
             }
             nameType(field, index);
