@@ -79,7 +79,7 @@ std::vector<std::size_t> DTDFullMessage::findTops(std::span<const CString> files
     for (const DocumentLinks::Index i : all) {
         SourceTypes types(files[i]);
         SourceReport unused;
-        DTDEntities entities(types, unused, queryCatalogs());
+        DTDEntities entities(types, unused, *catalogs);
         DTDTokens tokens(entities, begin(entities, types, files[i], texts[i]), unused);
         DTDReader(types, unused).read(tokens);
         for (const DocumentLinks::Index other : all)
@@ -102,9 +102,9 @@ DTDEntities::Text& DTDFullMessage::begin(DTDEntities& entities, SourceTypes& typ
 void DTDFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
     std::vector<CString> files{fileName};
-    files.insert(files.end(), queryFurtherFiles().begin(), queryFurtherFiles().end());
+    files.insert(files.end(), furtherFiles.begin(), furtherFiles.end());
     std::vector<std::string_view> texts{source};
-    for (const CString& file : queryFurtherFiles())
+    for (const CString& file : furtherFiles)
         texts.push_back(types.adopt(textOf(file)));
     if (!queryRoots().empty())
         report.hold();
@@ -113,16 +113,16 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
     std::vector<SourceTypes::Index> sources;
     for (const std::size_t i : files.size() > 1 ? findTops(files, texts) : std::vector<std::size_t>{0}) {
         sources.push_back(static_cast<SourceTypes::Index>(i));
-        DTDEntities entities(types, report, queryCatalogs());
+        DTDEntities entities(types, report, *catalogs);
         DTDTokens tokens(entities, begin(entities, types, files[i], texts[i]), report);
         reader.read(tokens);
         for (const std::string_view entity : tokens.querySectionEntities())
-            addSectionEntity(entity);
+            sectionEntities.emplace_back(entity);
         for (std::size_t entity = 0; entity < given.size(); ++entity)
             isUsed[entity] = isUsed[entity] || entities.isUsed(given[entity].first);
     }
     for (std::size_t entity = 0; entity < given.size(); ++entity)
         if (!isUsed[entity])
-            addUnusedEntity(given[entity].first);
+            unusedEntities.push_back(given[entity].first);
     reader.finish(sources, queryRoots());
 }

@@ -11,7 +11,6 @@ public:
 
     static FullMessage* New() { return new DTDFullMessage; }
 
-    bool setFurtherFiles(const std::vector<CString>& files) override { return keepFurtherFiles(files); }
     CString unsupportedByLiteral(const CString& fileName) const override;
 
     bool setEntities(const std::vector<std::pair<CString, CString>>& wanted) override

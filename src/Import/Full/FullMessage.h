@@ -76,29 +76,27 @@ public:
     /// Returns what a file uses that the literal reading doesn't support, in words; empty if there is nothing.
     virtual CString unsupportedByLiteral(const CString&) const { return {}; }
 
+    bool setFurtherFiles(const std::vector<CString>& files) override
+    {
+        furtherFiles = files;
+        return true;
+    }
     int parse(const CString& source, const CString& basePath, const CString& fileName) final;
     CString queryMainTypeName() const override { return mainType; }
     MsgUIDescriptor* queryDescriptor() const override { return &row; }
 
 protected:
-    /// Keeps the files of setFurtherFiles(), for importers that read several files as one source. Returns true.
-    bool keepFurtherFiles(const std::vector<CString>& files)
-    {
-        furtherFiles = files;
-        return true;
-    }
-    const std::vector<CString>& queryFurtherFiles() const { return furtherFiles; }
     const std::vector<CString>& queryRoots() const { return roots; }
-    const CString& queryGivenName() const { return givenName; }
-    const Catalogs& queryCatalogs() const { return *catalogs; }
-    /// Adds an entity to querySectionEntities().
-    void addSectionEntity(std::string_view entity) { sectionEntities.emplace_back(entity); }
-    /// Adds an entity to queryUnusedEntities().
-    void addUnusedEntity(const CString& entity) { unusedEntities.push_back(entity); }
 
     /// Adds the declarations of `source`, which is what parse() was given, to `types`. Throws SourceRefusal if it can't
     /// be imported.
     virtual void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) = 0;
+
+    std::vector<CString> furtherFiles;
+    CString givenName;                // of the document; "" means that of the first main type
+    std::optional<Catalogs> catalogs; // those of one import
+    std::vector<CString> sectionEntities;
+    std::vector<CString> unusedEntities;
 
 private:
     using Index = SourceTypes::Index;
@@ -122,17 +120,12 @@ private:
                          Element::ElementTypes type);
 
     MsgUIDescriptor& row;
-    std::vector<CString> furtherFiles;
     std::vector<CString> roots;
     Layout layout = Layout::automatic;
     SourceTypes::Folders folders;
     bool mergesEqual = false;
-    CString givenName;
     CString mainType;
     std::vector<CString> mainTypes;
     std::vector<CString> catalogFiles;
-    std::optional<Catalogs> catalogs; // those of one import
-    std::vector<CString> sectionEntities;
-    std::vector<CString> unusedEntities;
     std::vector<CString> unusedFolders;
 };

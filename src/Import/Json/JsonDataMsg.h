@@ -24,5 +24,5 @@ protected:
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 
 private:
-    std::vector<CString> furtherExamples;
+    std::vector<CString> furtherExamples; // not furtherFiles, because all examples together are one source
 };

@@ -27,9 +27,9 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
     const bool areRequested = !queryRoots().empty();
     JsonDocuments documents(types, report, allowsComments());
     std::vector<Index> roots{documents.load(source)};
-    for (const CString& file : queryFurtherFiles())
+    for (const CString& file : furtherFiles)
         roots.push_back(documents.load(file));
-    MessageSchemas xml(types, report, queryCatalogs());
+    MessageSchemas xml(types, report, *catalogs);
     report.pause(areRequested);
     JsonTypes schemas(documents, types, report);
     readDocuments(roots, documents, schemas, xml, types, report);

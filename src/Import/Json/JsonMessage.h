@@ -12,7 +12,6 @@ public:
     using FullMessage::FullMessage;
 
     int isFileMode() const override { return 1; }
-    bool setFurtherFiles(const std::vector<CString>& files) override { return keepFurtherFiles(files); }
 
 protected:
     using Index = JsonNode::Index;

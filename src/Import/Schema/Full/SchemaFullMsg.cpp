@@ -45,11 +45,11 @@ CString SchemaFullMessage::unsupportedByLiteral(const CString& fileName) const
 
 void SchemaFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
-    if (!queryRoots().empty() || !queryFurtherFiles().empty()) // one of which may be a WSDL
+    if (!queryRoots().empty() || !furtherFiles.empty()) // one of which may be a WSDL
         report.hold();
-    SchemaSet set(types, report, queryCatalogs());
+    SchemaSet set(types, report, *catalogs);
     set.load(source);
-    for (const CString& file : queryFurtherFiles())
+    for (const CString& file : furtherFiles)
         set.load(file);
     check(set, fileName);
     const auto sources = set.finish();

@@ -14,7 +14,6 @@ public:
     static FullMessage* New() { return new SchemaFullMessage; }
 
     int isFileMode() const override { return 1; }
-    bool setFurtherFiles(const std::vector<CString>& files) override { return keepFurtherFiles(files); }
     CString unsupportedByLiteral(const CString& fileName) const override;
 
 protected:
