@@ -17,6 +17,10 @@ public:
     /// to. Of the documents in a cycle, only the first one is returned.
     std::vector<std::size_t> findTops(std::span<const Index> given) const;
 
+    /// The links as a graph, see StrongComponents.
+    std::size_t degree(Index document) const { return document < named.size() ? named[document].size() : 0; }
+    Index target(Index document, std::size_t link) const { return named[document][link]; }
+
 private:
     std::vector<std::vector<Index>> named; // targets of references, by document
 };
