@@ -199,8 +199,7 @@ CString Catalogs::pathOf(const CString& reference, const Base& base)
 void Catalogs::load(const CString& fileName)
 {
     const auto id = identify(fileName);
-    const std::uint32_t catalog = read({fileName, id.value_or(FileId())}, fileName, nullptr);
-    mainCatalogs.push_back(catalog);
+    mainCatalogs.push_back(read({fileName, id.value_or(FileId())}, nullptr));
     for (std::size_t i = 0; i < waiting.size(); ++i)
         readNamed(Named(waiting[i])); // reading adds further ones
     waiting.clear();
@@ -208,17 +207,17 @@ void Catalogs::load(const CString& fileName)
 
 // Reads one catalogue, unless it is known, and returns its number. `named` is null for a given catalogue; for another
 // one kNoCatalog is returned if it can't be read, which the report says.
-std::uint32_t Catalogs::read(const FoundFile& file, const CString& shownName, const Named* named)
+std::uint32_t Catalogs::read(const FoundFile& file, const Named* named)
 {
     const auto number = static_cast<std::uint32_t>(catalogs.size());
     if (file.id != FileId())
         if (const auto [place, isNew] = known.try_emplace(file.id, number); !isNew)
             return place->second;
     if (number == kMaxCatalogs)
-        throw SourceRefusal{shownName + ": there are more than " + std::to_string(kMaxCatalogs) + " catalogues.",
-                            {shownName, "more than " + std::to_string(kMaxCatalogs) + " catalogues"}};
+        throw SourceRefusal{file.name + ": there are more than " + std::to_string(kMaxCatalogs) + " catalogues.",
+                            {file.name, "more than " + std::to_string(kMaxCatalogs) + " catalogues"}};
     catalogs.emplace_back();
-    const std::uint32_t reportFile = report.addFile(shownName);
+    const std::uint32_t reportFile = report.addFile(file.name);
     CatalogReader reader(*this, number, folderOf(file.name), reportFile);
     XmlDocument xml;
     const bool isRead = xml.streamFile(file.name, reader, kMaxNamedFile) != 0;
@@ -227,7 +226,7 @@ std::uint32_t Catalogs::read(const FoundFile& file, const CString& shownName, co
     if (!named && !isRead)
         throw SourceRefusal{xml.queryParseError(), xml.queryFault()};
     if (!named)
-        throw SourceRefusal{shownName + " is not an XML catalogue.", {shownName, "it is not an XML catalogue"}};
+        throw SourceRefusal{file.name + " is not an XML catalogue.", {file.name, "it is not an XML catalogue"}};
     const SourceFault& fault = xml.queryFault();
     const auto [from, line, column] = named->place;
     if (isRead || fault.line == 0) // readable, but no catalogue, or not readable at all
@@ -248,7 +247,7 @@ void Catalogs::readNamed(const Named& named)
     const auto file = finder.find({}, path);
     if (!file)
         return report.add(SourceReport::moduleMissing, named.place, named.reference);
-    const std::uint32_t catalog = read(*file, file->name, &named);
+    const std::uint32_t catalog = read(*file, &named);
     if (catalog == kNoCatalog)
         return;
     Catalog& from = catalogs[named.from];

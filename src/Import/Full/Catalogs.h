@@ -98,7 +98,7 @@ private:
 
     static CString normalizedPublicId(std::string_view publicId);
     static CString pathOf(const CString& reference, const Base& base);
-    std::uint32_t read(const FoundFile& file, const CString& shownName, const Named* named);
+    std::uint32_t read(const FoundFile& file, const Named* named);
     void readNamed(const Named& named);
     std::optional<CString> lookUp(std::vector<std::uint32_t> open, Lookup& lookup) const;
     std::optional<CString> lookUpOne(const Catalog& catalog, Lookup& lookup) const;

@@ -301,7 +301,23 @@ void FullMessage::declareRecord(Declaring& declaring, Index index)
     }
     const SourceTypes::Record& record = declaring.types.records[index];
     Element* row = declareType(declaring, record.space, record.name, record.description, Element::typeRow);
-    declareFields(declaring, declaring.types.fieldsOf(index), row);
+    // Repetition has been turned into tables, so each field occurs once and needs no usage. All names are prefetched
+    // before the first field is declared, so that the cache misses in their large table overlap.
+    const std::span<const SourceTypes::Field> fields = declaring.types.fieldsOf(index);
+    declaring.hashes.clear();
+    for (const SourceTypes::Field& field : fields) {
+        declaring.hashes.push_back(keyHash(field.name));
+        declaring.names.prefetch(declaring.hashes.back());
+    }
+    model.reserveFields(row, fields.size());
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        Name& name = declaring.names.intern(fields[i].name, declaring.hashes[i]);
+        Name& path = *declaring.pathNames[spaceOf(declaring.types, fields[i].type)];
+        Element* const element = model.addPart(row, path, name, Element::typeOther);
+        if (!fields[i].description.empty())
+            element->setDescription(fields[i].description);
+        element->setKnownType(typeName(declaring, fields[i].type));
+    }
 }
 
 void FullMessage::declareEnumeration(Declaring& declaring, Index index)
@@ -330,42 +346,18 @@ void FullMessage::declareTables(Declaring& declaring, Index outer)
         tables.push_back(component.index);
     if (component.kind == SourceTypes::kindEnumeration)
         declareEnumeration(declaring, component.index);
-    for (auto table = tables.rbegin(); table != tables.rend(); ++table)
-        if (!declaring.tables[*table])
-            declareTable(declaring, *table);
-}
-
-// Declares a table. Its component is also a child of it, because the order would otherwise put the table first. A child
-// has the path of its type, which identifies the type for the order.
-void FullMessage::declareTable(Declaring& declaring, Index index)
-{
-    declaring.tables[index] = true;
-    const SourceTypes::Table& table = declaring.types.tables[index];
-    Element* type = declareType(declaring, table.space, table.name, {}, Element::typeTable);
-    Name& component = typeName(declaring, table.component);
-    type->setKnownType(component);
-    Name& path = *declaring.pathNames[spaceOf(declaring.types, table.component)];
-    model.addPart(type, path, declaring.names.intern(table.name), Element::typeOther)->setKnownType(component);
-}
-
-// Declares the fields of a record. Repetition has been turned into tables already, so each field occurs once and needs
-// no usage. All names are prefetched before the first field is declared, so that the cache misses in their large table
-// overlap.
-void FullMessage::declareFields(Declaring& declaring, std::span<const SourceTypes::Field> fields, Element* record)
-{
-    declaring.hashes.clear();
-    for (const SourceTypes::Field& field : fields) {
-        declaring.hashes.push_back(keyHash(field.name));
-        declaring.names.prefetch(declaring.hashes.back());
-    }
-    model.reserveFields(record, fields.size());
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        Name& name = declaring.names.intern(fields[i].name, declaring.hashes[i]);
-        Name& path = *declaring.pathNames[spaceOf(declaring.types, fields[i].type)];
-        Element* const element = model.addPart(record, path, name, Element::typeOther);
-        if (!fields[i].description.empty())
-            element->setDescription(fields[i].description);
-        element->setKnownType(typeName(declaring, fields[i].type));
+    for (auto index = tables.rbegin(); index != tables.rend(); ++index) {
+        if (declaring.tables[*index])
+            continue;
+        declaring.tables[*index] = true;
+        const SourceTypes::Table& table = declaring.types.tables[*index];
+        Element* type = declareType(declaring, table.space, table.name, {}, Element::typeTable);
+        Name& name = typeName(declaring, table.component);
+        type->setKnownType(name);
+        // The component is also a child, because the order would otherwise put the table first. A child has the path
+        // of its type, which identifies the type for the order.
+        Name& path = *declaring.pathNames[spaceOf(declaring.types, table.component)];
+        model.addPart(type, path, declaring.names.intern(table.name), Element::typeOther)->setKnownType(name);
     }
 }
 

@@ -113,8 +113,6 @@ private:
     void declareRecord(Declaring& declaring, Index record);
     void declareEnumeration(Declaring& declaring, Index enumeration);
     void declareTables(Declaring& declaring, Index outer);
-    void declareTable(Declaring& declaring, Index table);
-    void declareFields(Declaring& declaring, std::span<const SourceTypes::Field> fields, Element* record);
     static Name& typeName(Declaring& declaring, SourceTypes::Type type);
     Element* declareType(Declaring& declaring, Index space, std::string_view name, std::string_view description,
                          Element::ElementTypes type);

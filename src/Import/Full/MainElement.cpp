@@ -16,16 +16,12 @@ bool isLetterOrDigit(char c)
     return std::isalnum(static_cast<unsigned char>(c)) || static_cast<unsigned char>(c) >= 0x80;
 }
 
-bool isSameLetter(char a, char b)
-{
-    return lowerAscii(a) == lowerAscii(b);
-}
-
 // Returns whether `text` contains `name` as a whole word, in any case.
 bool hasWord(std::string_view text, std::string_view name)
 {
     for (auto from = text.begin();; ++from) {
-        from = std::search(from, text.end(), name.begin(), name.end(), isSameLetter);
+        from = std::search(from, text.end(), name.begin(), name.end(),
+                           [](char a, char b) { return lowerAscii(a) == lowerAscii(b); });
         if (from == text.end() || name.empty())
             return false;
         const auto behind = from + static_cast<std::ptrdiff_t>(name.size());
@@ -56,8 +52,6 @@ MainElement::MainElement(const SourceTypes& types) : types(types), order(types),
 
 std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Index source)
 {
-    while (next < bySource.size() && types.candidates[bySource[next]].source < source)
-        ++next;
     const std::size_t first = next;
     ranked.clear();
     for (; next < bySource.size() && types.candidates[bySource[next]].source == source; ++next) {

@@ -14,7 +14,7 @@ public:
 
     /// Returns the possible main elements among those that source number `source` declares, as indices of
     /// `types.candidates`: the chosen one first, then in order of declaration. Empty if there are none. Call it once
-    /// for each source, in ascending order.
+    /// for each source, in order.
     std::vector<Index> choose(const CString& fileName, Index source);
 
 private:

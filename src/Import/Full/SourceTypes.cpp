@@ -83,8 +83,12 @@ SourceTypes::Index SourceTypes::addRecord(const Record& record)
 void SourceTypes::setFields(Index record, std::span<const Field> added)
 {
     checkFields(added.size());
-    for (const Field& field : added)
-        spend(2 * field.name.size() + field.description.size() + nameSize(field.type));
+    for (const auto& [name, description, type, role, repeats] : added) {
+        spend(2 * name.size() + description.size());
+        spend(type.kind == kindRecord        ? records[type.index].name.size()
+              : type.kind == kindEnumeration ? enumerations[type.index].name.size()
+                                             : 0);
+    }
     records[record].firstField = static_cast<Index>(fields.size());
     records[record].fieldCount = static_cast<Index>(added.size());
     fields.insert(fields.end(), added.begin(), added.end());
@@ -141,11 +145,4 @@ void SourceTypes::spend(std::size_t bytes)
     spent += bytes;
     if (spent > kMaxTextMegabytes << 20)
         refuse(std::to_string(kMaxTextMegabytes) + " MB of names");
-}
-
-std::size_t SourceTypes::nameSize(Type type) const
-{
-    if (type.kind == kindRecord)
-        return records[type.index].name.size();
-    return type.kind == kindEnumeration ? enumerations[type.index].name.size() : 0;
 }

@@ -212,8 +212,6 @@ public:
         prefixes{}; ///< that the sources declare, with their URIs
 
 private:
-    std::size_t nameSize(Type type) const;
-
     CString sourceName;
     const Folders* folders;
     std::unordered_map<std::string_view, Index, KeyHash> spacesByUri;

@@ -6,11 +6,6 @@
 
 namespace {
 
-bool isLetter(char c)
-{
-    return std::isalpha(static_cast<unsigned char>(c)) || static_cast<unsigned char>(c) >= 0x80;
-}
-
 constexpr std::size_t kMaxParts = 16; // further parts don't help readers
 
 // Returns the parts of a URI without empty ones, last one first, at most kMaxParts.
@@ -26,13 +21,6 @@ std::vector<std::string_view> partsOf(std::string_view uri)
     std::ranges::reverse(parts);
     parts.resize(std::min(parts.size(), kMaxParts));
     return parts;
-}
-
-// Returns how many of the last parts form the folder's name.
-std::size_t countLast(const std::vector<std::string_view>& parts)
-{
-    const auto found = std::ranges::find_if(parts, [](std::string_view part) { return isLetter(part.front()); });
-    return std::min<std::size_t>(static_cast<std::size_t>(found - parts.begin()) + 1, parts.size());
 }
 
 CString joinLast(const std::vector<std::string_view>& parts, std::size_t count)
@@ -54,13 +42,18 @@ std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
     };
     std::vector<CString> names(spaces.size());
     std::vector<Row> rows(spaces.size()); // without parts if the folder is given
+    const auto beginsWithLetter = [](std::string_view part) {
+        return std::isalpha(static_cast<unsigned char>(part[0])) || static_cast<unsigned char>(part[0]) >= 0x80;
+    };
     for (std::size_t i = 1; i < spaces.size(); ++i) {
         names[i] = spaces[i].folder;
         if (!names[i].empty())
             continue;
-        rows[i].parts = partsOf(spaces[i].uri);
-        rows[i].count = countLast(rows[i].parts);
-        names[i] = joinLast(rows[i].parts, rows[i].count);
+        auto& [parts, count] = rows[i];
+        parts = partsOf(spaces[i].uri);
+        const auto last = std::ranges::find_if(parts, beginsWithLetter);
+        count = static_cast<std::size_t>(last - parts.begin()) + (last == parts.end() ? 0 : 1);
+        names[i] = joinLast(parts, count);
     }
     // Namespaces that share a name get one more part, as long as any of them has one.
     for (bool isLonger = true; isLonger;) {
