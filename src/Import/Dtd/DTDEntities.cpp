@@ -136,26 +136,17 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
     return entity->text;
 }
 
-// Returns the file of a module, if there is one. `path` is set to the path that led to it, else to the path of the
-// system identifier.
-std::optional<FoundFile> DTDEntities::find(const Entity& entity, CString& path)
-{
-    if (const auto listed = catalogs.findExternal(entity.publicId, entity.systemId))
-        if (auto file = finder.find({}, *listed)) {
-            path = *listed;
-            return file;
-        }
-    path = localPath(entity.systemId);
-    return finder.find(folders.at(entity.value.start.file), path);
-}
-
 // Returns the text of the file that a module names; null if it is missing, which the report then says.
 DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
 {
     const std::uint32_t declaring = entity.value.start.file;
     const CString& folder = folders.at(declaring);
-    CString path;
-    const auto found = find(entity, path);
+    CString path = catalogs.findExternal(entity.publicId, entity.systemId).value_or("");
+    auto found = finder.find({}, path);
+    if (!found) {
+        path = localPath(entity.systemId);
+        found = finder.find(folder, path);
+    }
     if (!found) {
         const bool isRemote = path.empty() && !entity.systemId.empty();
         report.add(isRemote ? SourceReport::moduleRemote : SourceReport::moduleMissing, where,

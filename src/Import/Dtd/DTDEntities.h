@@ -67,7 +67,6 @@ private:
     };
 
     Entity* add(std::string_view name, SourcePlace place);
-    std::optional<FoundFile> find(const Entity& entity, CString& path);
     Text* load(const Entity& entity, SourcePlace where);
     void replaceReferences(Entity& entity, std::string_view value);
     std::size_t replaceOne(Entity& entity, std::string_view rest, CString& out);

@@ -20,7 +20,6 @@ constexpr std::size_t kMaxMainType = 4096;
 constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; with drifting ends, real DTDs reach 90 MB
 constexpr std::size_t kMaxOverlap = 16;         // times the size of the text
 constexpr std::size_t kExcerpt = 200;           // bytes of a statement that a message quotes
-constexpr unsigned kStepsPerReport = 1024;      // statements and names between two progress reports
 
 bool isTextKeyword(std::string_view name)
 {
@@ -32,16 +31,6 @@ std::string_view withoutMarks(std::string_view piece)
     while (!piece.empty() && kMarks.has(piece.back()))
         piece.remove_suffix(1);
     return piece;
-}
-
-// Returns the source with NUL bytes read as spaces. Copies it only if it holds one.
-std::string_view withoutNul(const CString& source, CString& copy)
-{
-    if (source.find('\0') == CString::npos)
-        return source;
-    copy = source;
-    std::replace(copy.begin(), copy.end(), '\0', ' ');
-    return copy;
 }
 
 } // namespace
@@ -63,17 +52,13 @@ DTDElement::Child DTDElement::enumNext()
     return cursor < children.size() ? children[cursor++] : Child{};
 }
 
-DTDMessage::Text::Text(std::string_view whole) :
-    whole(whole), elementKeyword(whole), attlistKeyword(whole), nameStart(whole), nameEnd(whole), firstInModel(whole),
-    afterTextKeyword(whole), groups(whole), repetitions(whole), meter(Work::reading, whole.size(), kStepsPerReport),
-    places(whole)
-{}
-
 int DTDMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
 {
     previousMain = mainType;
-    CString copy;
-    Text parsed(withoutNul(source, copy));
+    const bool hasNul = source.find('\0') != CString::npos; // which is read as a space
+    CString copy(hasNul ? source : "");
+    std::ranges::replace(copy, '\0', ' ');
+    Text parsed(hasNul ? copy : source);
     text = &parsed;
     needsNoConversion = isXmlText(parsed.whole);
     sourceName = fileName;
@@ -82,14 +67,12 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     const int result = scan();
     if (result)
         declareAll(basePath + mainType + "\\");
-    text = nullptr;
     forget();
     return result;
 }
 
 void DTDMessage::onCancelled()
 {
-    text = nullptr;
     forget();
     mainType = previousMain;
 }
@@ -97,6 +80,7 @@ void DTDMessage::onCancelled()
 // Releases what a single parse needed.
 void DTDMessage::forget()
 {
+    text = nullptr;
     dtdElements.clear();
     memory.release();
 }
@@ -265,10 +249,13 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
         reportAt(static_cast<std::size_t>(piece.data() - text->whole.data()));
         if (name.empty() || isTextKeyword(name))
             continue;
-        if (mark.empty() || piece.ends_with('*') || piece.ends_with('+'))
+        if (mark.empty() || piece.ends_with('*') || piece.ends_with('+')) {
             addPiece(piece, parent);
-        else
-            addMarked(piece, mark, parent);
+        } else { // the text doesn't contain the name with its mark
+            joined.assign(piece).append(mark);
+            addDTDElement(dtdElements.find(joined) ? std::string_view(joined) : memory.keep(joined), placeOf(piece),
+                          parent);
+        }
     }
 }
 
@@ -327,14 +314,6 @@ DTDElement& DTDMessage::addDTDElement(std::string_view child, std::size_t place,
     if (parent)
         parent->addChild(entry, place);
     return *entry;
-}
-
-// Like addDTDElement(), for a name with a mark appended that the text doesn't contain.
-DTDElement& DTDMessage::addMarked(std::string_view piece, std::string_view mark, DTDElement* parent)
-{
-    joined.assign(piece).append(mark);
-    return addDTDElement(dtdElements.find(joined) ? std::string_view(joined) : memory.keep(joined), placeOf(piece),
-                         parent);
 }
 
 // Returns the entry of an attribute. Its two names may differ in encoding, so each is converted by itself.

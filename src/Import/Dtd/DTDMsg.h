@@ -106,21 +106,21 @@ private:
     // forward search of each kind serves all statements.
     struct Text
     {
-        explicit Text(std::string_view whole);
+        explicit Text(std::string_view whole) : whole(whole) {}
 
         std::string_view whole;
-        ForwardSearch<findElementKeyword> elementKeyword;
-        ForwardSearch<findAttlistKeyword> attlistKeyword;
-        ForwardSearch<skipWhitespace> nameStart;
-        ForwardSearch<findNameEnd> nameEnd;
-        ForwardSearch<skipWhitespace> firstInModel;
-        ForwardSearch<skipWhitespace> afterTextKeyword;
-        DTDGroups groups;
-        DTDRepetitions repetitions;
-        ProgressMeter meter;              // in bytes
-        std::size_t lastClose = kNowhere; // the last ')' before closeSeen
+        ForwardSearch<findElementKeyword> elementKeyword{whole};
+        ForwardSearch<findAttlistKeyword> attlistKeyword{whole};
+        ForwardSearch<skipWhitespace> nameStart{whole};
+        ForwardSearch<findNameEnd> nameEnd{whole};
+        ForwardSearch<skipWhitespace> firstInModel{whole};
+        ForwardSearch<skipWhitespace> afterTextKeyword{whole};
+        DTDGroups groups{whole};
+        DTDRepetitions repetitions{whole};
+        ProgressMeter meter{Work::reading, whole.size(), 1024}; // in bytes; reports after 1,024 statements and names
+        std::size_t lastClose = kNowhere;                       // the last ')' before closeSeen
         std::size_t closeSeen = 0;
-        TextPlaces places;
+        TextPlaces places{whole};
     };
 
     int scan();
@@ -144,7 +144,6 @@ private:
     {
         return addDTDElement(piece, placeOf(piece), parent);
     }
-    DTDElement& addMarked(std::string_view piece, std::string_view mark, DTDElement* parent);
     DTDElement& addAttribute(std::string_view element, std::string_view attribute);
     void declareAll(const CString& path);
     void declareRecord(DTDElement& record, const CString& path);

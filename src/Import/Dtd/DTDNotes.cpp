@@ -45,21 +45,17 @@ void DTDNotes::read()
         if (open < behind)
             open = text.find('<', behind);
         const std::size_t at = std::min({open, reference, text.size()});
-        readBetween(behind, at);
+        // Words between statements may be damaged statements.
+        while (behind < at && kDtdDelimiter.has(text[behind]))
+            ++behind;
+        if (behind < at)
+            note(SourceReport::unknownStatement, behind, trimmed(text.substr(behind, at - behind)));
         if (at == text.size())
             return;
         behind = text[at] == '%' ? readReference(at) : readStatement(at);
         if (reference < behind)
             reference = text.find('%', behind);
     }
-}
-
-// Reports words between statements: they may be damaged statements.
-void DTDNotes::readBetween(std::size_t start, std::size_t end)
-{
-    for (; start < end; ++start)
-        if (!kDtdDelimiter.has(text[start]))
-            return note(SourceReport::unknownStatement, start, trimmed(text.substr(start, end - start)));
 }
 
 std::size_t DTDNotes::readReference(std::size_t at)

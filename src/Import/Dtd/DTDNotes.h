@@ -28,7 +28,6 @@ private:
     std::size_t readLiteral(std::size_t at, std::size_t place, bool mayHoldMarkup);
     std::size_t readUnknown(std::size_t at);
 
-    void readBetween(std::size_t start, std::size_t end);
     std::size_t closeFrom(std::size_t at);
     void countDetails(std::string_view declaration);
     void note(SourceReport::Construct construct, std::size_t at, std::string_view name);

@@ -105,14 +105,11 @@ const DTDGroups::Close* DTDGroups::closeOf(std::size_t index, std::size_t end) c
     const Group& group = groups[index];
     if (group.close != kNowhere && closes[group.close].at < end)
         return &closes[group.close];
-    const auto isBefore = [](const Close& close, std::size_t place) { return close.at < place; };
-    const auto behind = std::lower_bound(closes.begin(), closes.end(), end, isBefore);
+    const auto behind = std::ranges::lower_bound(closes, end, {}, &Close::at);
     return behind != closes.begin() && behind[-1].at > group.open ? &behind[-1] : nullptr;
 }
 
 std::size_t DTDGroups::firstFrom(std::size_t start) const
 {
-    const auto opensBefore = [](const Group& group, std::size_t place) { return group.open < place; };
-    return static_cast<std::size_t>(std::lower_bound(groups.begin(), groups.end(), start, opensBefore) -
-                                    groups.begin());
+    return static_cast<std::size_t>(std::ranges::lower_bound(groups, start, {}, &Group::open) - groups.begin());
 }

@@ -193,25 +193,20 @@ void DTDTokens::readSection()
     }
     if (!current.isMark('['))
         return report.add(SourceReport::malformedDeclaration, declaration, "section without '['");
-    if (key.starts_with('%'))
-        noteKey(dtdNameAt(key.substr(1)), !isIgnored);
+    const bool hasEntity = key.starts_with('%');
+    hasReadSection |= hasEntity && !isIgnored;
+    if (hasEntity && isIgnored) {
+        const std::string_view entity = dtdNameAt(key.substr(1));
+        report.add(SourceReport::sectionLeftOut, declaration, entity);
+        if (!std::ranges::count(sectionEntities, entity) && sectionEntities.size() < kMaxSectionEntities)
+            sectionEntities.push_back(entity);
+    }
     if (isIgnored)
         return skipSection();
     if (sections++ == 0)
         section = declaration;
     if (!isKnown)
         report.add(SourceReport::unknownSection, declaration, key);
-}
-
-// Reports a section that an entity leaves out, and keeps the entity for a suggestion.
-void DTDTokens::noteKey(std::string_view key, bool isRead)
-{
-    hasReadSection |= isRead;
-    if (isRead)
-        return;
-    report.add(SourceReport::sectionLeftOut, declaration, key);
-    if (!std::ranges::count(sectionEntities, key) && sectionEntities.size() < kMaxSectionEntities)
-        sectionEntities.push_back(key);
 }
 
 void DTDTokens::skipSection()

@@ -105,7 +105,6 @@ private:
     void readQuoted(char quote);
     void setMark(char mark);
     bool stands(std::string_view text) const { return frames.back().rest().starts_with(text); }
-    void noteKey(std::string_view key, bool isRead);
     SourcePlace placeIn(Frame& frame) const;
 
     DTDEntities& entityTable;
