@@ -215,25 +215,19 @@ void JsonBuilder::dropDuplicates(const Level& level)
     std::vector<Index> all;
     for (const Index at : tree.childrenOf(level.node))
         all.push_back(at);
-    std::unordered_set<NameTable::Id> met;
-    std::vector<Index> kept;
-    for (auto at = all.rbegin(); at != all.rend(); ++at) {
-        const NameTable::Id key = tree[*at].key;
-        const bool isLast = all.size() <= kFewMembers
-                                ? std::ranges::none_of(kept, [&](Index later) { return tree[later].key == key; })
-                                : met.insert(key).second;
-        if (isLast)
-            kept.push_back(*at);
-        else
-            report.add(SourceReport::keyTwice, tree.placeOf(*at), tree.key(*at));
-    }
-    // The order of `kept` is reversed.
+    metIn.resize(tree.names.size());
     Index next = 0;
-    for (const Index at : kept) {
-        tree[at].next = next;
-        next = at;
+    std::size_t kept = 0;
+    for (auto at = all.rbegin(); at != all.rend(); ++at) {
+        if (std::exchange(metIn[tree[*at].key], level.node) == level.node) {
+            report.add(SourceReport::keyTwice, tree.placeOf(*at), tree.key(*at));
+            continue;
+        }
+        tree[*at].next = next;
+        next = *at;
+        ++kept;
     }
     tree[level.node].firstChild = next;
-    if (kept.size() > kFewMembers)
+    if (kept > kFewMembers)
         tree.index(level.node);
 }

@@ -241,8 +241,9 @@ private:
     NameTable::Id nextKey = 0;
     bool isNextMerged = false;
     Index first = 0;
-    std::size_t values = 0; // added by the reader
-    std::size_t merged = 0; // members visited by merges, over the whole document
+    std::vector<Index> metIn; // by key: the last object in which dropDuplicates() met it
+    std::size_t values = 0;   // added by the reader
+    std::size_t merged = 0;   // members visited by merges, over the whole document
 };
 
 /// Reads one document into the tree and returns its root. It is YAML if the file name ends with ".yaml" or ".yml", or
