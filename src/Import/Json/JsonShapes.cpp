@@ -4,6 +4,7 @@
 #include "Import/Json/JsonTypes.h"
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <optional>
 #include <utility>
@@ -12,19 +13,15 @@ namespace {
 
 constexpr std::size_t kMaxShapes = 2'000'000;
 
-// Removes a number of `digits` digits from the start. Returns nothing unless it is between `least` and `most`.
-std::optional<unsigned> takeNumber(std::string_view& text, std::size_t digits, unsigned least, unsigned most)
+// Removes a number of `digits` digits from the start. Returns nothing if there is none, or it is more than `most`.
+std::optional<unsigned> takeNumber(std::string_view& text, std::size_t digits, unsigned most)
 {
-    if (text.size() < digits)
-        return std::nullopt;
     unsigned number = 0;
-    for (std::size_t i = 0; i < digits; ++i) {
-        if (text[i] < '0' || text[i] > '9')
-            return std::nullopt;
-        number = number * 10 + static_cast<unsigned>(text[i] - '0');
-    }
+    const char* const end = text.data() + std::min(digits, text.size());
+    if (text.size() < digits || std::from_chars(text.data(), end, number).ptr != end || number > most)
+        return std::nullopt;
     text.remove_prefix(digits);
-    return number >= least && number <= most ? std::optional(number) : std::nullopt;
+    return number;
 }
 
 bool takeMark(std::string_view& text, char mark)
@@ -37,22 +34,19 @@ bool takeMark(std::string_view& text, char mark)
 
 bool takeDate(std::string_view& text)
 {
-    const auto year = takeNumber(text, 4, 0, 9999);
-    const auto month = takeMark(text, '-') ? takeNumber(text, 2, 1, 12) : std::nullopt;
-    const auto day = takeMark(text, '-') ? takeNumber(text, 2, 1, 31) : std::nullopt;
-    using namespace std::chrono;
+    const auto year = takeNumber(text, 4, 9999);
+    const auto month = takeMark(text, '-') ? takeNumber(text, 2, 12) : std::nullopt;
+    const auto day = takeMark(text, '-') ? takeNumber(text, 2, 31) : std::nullopt;
     return year && month && day &&
-           year_month_day(std::chrono::year(static_cast<int>(*year)), std::chrono::month(*month),
-                          std::chrono::day(*day))
-               .ok();
+           (std::chrono::year(static_cast<int>(*year)) / std::chrono::month(*month) / std::chrono::day(*day)).ok();
 }
 
 bool takeTime(std::string_view& text)
 {
     const bool isMidnight = text.starts_with("24:00"); // the end of a day
-    if (!takeNumber(text, 2, 0, isMidnight ? 24 : 23) || !takeMark(text, ':') || !takeNumber(text, 2, 0, 59))
+    if (!takeNumber(text, 2, isMidnight ? 24 : 23) || !takeMark(text, ':') || !takeNumber(text, 2, 59))
         return false;
-    if (takeMark(text, ':') && !takeNumber(text, 2, 0, 60))
+    if (takeMark(text, ':') && !takeNumber(text, 2, 60))
         return false;
     if (takeMark(text, '.') || takeMark(text, ',')) {
         const std::size_t end = std::min(text.find_first_not_of("0123456789"), text.size());
@@ -62,10 +56,10 @@ bool takeTime(std::string_view& text)
     }
     if (takeMark(text, 'Z') || takeMark(text, 'z') || text.empty())
         return true;
-    if ((!takeMark(text, '+') && !takeMark(text, '-')) || !takeNumber(text, 2, 0, 23))
+    if ((!takeMark(text, '+') && !takeMark(text, '-')) || !takeNumber(text, 2, 23))
         return false;
     const bool hasMinutes = takeMark(text, ':') || !text.empty();
-    return !hasMinutes || takeNumber(text, 2, 0, 59);
+    return !hasMinutes || takeNumber(text, 2, 59);
 }
 
 // Returns whether a text is a date, a time or both in the extended format of ISO 8601.
