@@ -31,9 +31,19 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
         roots.push_back(documents.load(file));
     MessageSchemas xml(types, report, *catalogs);
     report.pause(areRequested);
+    const auto readAll = [&](JsonTypes& schemas, SourceTypes& into) {
+        readDocuments(roots, documents, schemas, xml, into, report);
+        if (!areRequested)
+            return;
+        // The requested types may be those of the documents that the sources refer to.
+        schemas.setSource(SourceTypes::kNone);
+        for (const Index other : documents.findOthers(roots))
+            for (const CString& root : queryRoots())
+                schemas.addDeclared(other, localNameOf(root));
+        schemas.finish();
+    };
     JsonTypes schemas(documents, types, report);
-    readDocuments(roots, documents, schemas, xml, types, report);
-    addReferred(roots, documents, schemas);
+    readAll(schemas, types);
     report.pause(false);
     xml.read(types, queryRoots());
     // A document that others of the set refer to has no main type of its own.
@@ -60,21 +70,8 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
     }
     SourceTypes alone(fileName);
     JsonTypes requested(documents, alone, report, &wanted);
-    readDocuments(roots, documents, requested, xml, alone, report);
-    addReferred(roots, documents, requested);
+    readAll(requested, alone);
     xml.readAlone(alone);
-}
-
-// Adds the requested types of the documents that the sources refer to.
-void JsonMessage::addReferred(std::span<const Index> roots, const JsonDocuments& documents, JsonTypes& schemas) const
-{
-    if (queryRoots().empty())
-        return;
-    schemas.setSource(SourceTypes::kNone);
-    for (const Index other : documents.findOthers(roots))
-        for (const CString& root : queryRoots())
-            schemas.addDeclared(other, localNameOf(root));
-    schemas.finish();
 }
 
 void JsonSchemaMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas,

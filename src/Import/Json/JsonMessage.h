@@ -27,9 +27,6 @@ protected:
 
     /// `source` is the name of the first file, not its content.
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) final;
-
-private:
-    void addReferred(std::span<const Index> roots, const JsonDocuments& documents, JsonTypes& schemas) const;
 };
 
 /// The importer of JSON Schemas, drafts 4 to 2020-12, in JSON or YAML.
