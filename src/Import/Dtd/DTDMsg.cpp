@@ -186,8 +186,8 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
 // Returns true if the first piece of the content model is empty or declares text content.
 bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end)
 {
-    const std::size_t close = lastCloseBefore(end);
-    const std::size_t contentEnd = close != kNowhere && close > open ? close : end;
+    const DTDGroups::Close* const close = text->groups.lastBetween(open, end);
+    const std::size_t contentEnd = close ? close->at : end;
     const std::string_view whole = text->whole;
     const std::size_t first = text->firstInModel.from(open + 1);
     if (first >= contentEnd || whole[first] == ',')
@@ -199,15 +199,6 @@ bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end)
         return next >= contentEnd || whole[next] == ',';
     }
     return false;
-}
-
-std::size_t DTDMessage::lastCloseBefore(std::size_t end)
-{
-    const std::size_t found = text->whole.substr(text->closeSeen, end - text->closeSeen).rfind(')');
-    if (found != kNowhere)
-        text->lastClose = text->closeSeen + found;
-    text->closeSeen = end;
-    return text->lastClose;
 }
 
 // Parses a content model: names, and groups of names. The ends of the open groups are kept on a stack of our own,

@@ -118,8 +118,6 @@ private:
         DTDGroups groups{whole};
         DTDRepetitions repetitions{whole};
         ProgressMeter meter{Work::reading, whole.size(), 1024}; // in bytes; reports after 1,024 statements and names
-        std::size_t lastClose = kNowhere;                       // the last ')' before closeSeen
-        std::size_t closeSeen = 0;
         TextPlaces places{whole};
     };
 
@@ -131,7 +129,6 @@ private:
     int doParse(std::size_t start, std::size_t end);
     int doParseElement(std::size_t start, std::size_t end);
     bool holdsTextOnly(std::size_t open, std::size_t end);
-    std::size_t lastCloseBefore(std::size_t end);
     void doParseField(std::size_t start, std::size_t end, DTDElement* parent);
     void formatField(std::string_view content, std::string_view mark, DTDElement* parent);
     void doParseAttlist(std::size_t start, std::size_t end);

@@ -105,8 +105,13 @@ const DTDGroups::Close* DTDGroups::closeOf(std::size_t index, std::size_t end) c
     const Group& group = groups[index];
     if (group.close != kNowhere && closes[group.close].at < end)
         return &closes[group.close];
+    return lastBetween(group.open, end);
+}
+
+const DTDGroups::Close* DTDGroups::lastBetween(std::size_t start, std::size_t end) const
+{
     const auto behind = std::ranges::lower_bound(closes, end, {}, &Close::at);
-    return behind != closes.begin() && behind[-1].at > group.open ? &behind[-1] : nullptr;
+    return behind != closes.begin() && behind[-1].at > start ? &behind[-1] : nullptr;
 }
 
 std::size_t DTDGroups::firstFrom(std::size_t start) const

@@ -124,6 +124,9 @@ public:
     /// last ')' between its '(' and `end`. Null if there is none.
     const Close* closeOf(std::size_t index, std::size_t end) const;
 
+    /// Returns the last ')' between two positions; null if there is none.
+    const Close* lastBetween(std::size_t start, std::size_t end) const;
+
     /// Returns the index of the first group that opens at `start` or behind it; size() if there is none.
     std::size_t firstFrom(std::size_t start) const;
 
