@@ -109,7 +109,8 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
     if (!queryRoots().empty())
         report.hold();
     DTDReader reader(types, report);
-    std::vector<bool> isUsed(given.size()); // by entity
+    for (const auto& [name, value] : given)
+        unusedEntities.push_back(name);
     std::vector<SourceTypes::Index> sources;
     for (const std::size_t i : files.size() > 1 ? findTops(files, texts) : std::vector<std::size_t>{0}) {
         sources.push_back(static_cast<SourceTypes::Index>(i));
@@ -118,11 +119,7 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
         reader.read(tokens);
         for (const std::string_view entity : tokens.querySectionEntities())
             sectionEntities.emplace_back(entity);
-        for (std::size_t entity = 0; entity < given.size(); ++entity)
-            isUsed[entity] = isUsed[entity] || entities.isUsed(given[entity].first);
+        std::erase_if(unusedEntities, [&](const CString& name) { return entities.isUsed(name); });
     }
-    for (std::size_t entity = 0; entity < given.size(); ++entity)
-        if (!isUsed[entity])
-            unusedEntities.push_back(given[entity].first);
     reader.finish(sources, queryRoots());
 }
