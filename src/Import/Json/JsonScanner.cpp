@@ -89,27 +89,19 @@ void JsonScanner::skipSpace()
     }
 }
 
-// Skips a comment behind its first character.
+// Skips a comment behind its first character. Only a text has comments, and it is never refilled.
 void JsonScanner::skipComment()
 {
     const char kind = peek();
     if (kind != '*' && kind != '/')
         fail("a comment is expected after \"/\"");
-    ++at;
-    for (char before = '\0'; !isAtEnd(); ++at) {
-        const char c = data[at];
-        if (kind == '/' && c == '\n')
-            return;
-        if (kind == '*' && before == '*' && c == '/') {
-            ++at;
-            return;
-        }
-        if (c == '\n')
+    const std::size_t end = kind == '*' ? data.find("*/", at + 1) : data.find('\n', at);
+    for (; at < std::min(end, data.size()); ++at)
+        if (data[at] == '\n')
             beginLine();
-        before = c;
-    }
-    if (kind == '*')
+    if (kind == '*' && end == data.npos)
         fail("the text ends in a comment");
+    at += kind == '*' ? 2 : 0;
 }
 
 JsonScanner::Token JsonScanner::next()
