@@ -253,8 +253,8 @@ std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema) const
 
 std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& leaves, std::string_view name)
 {
-    std::optional<SourceTypes::Kind> shared;
-    bool isShared = true, isBytes = false, isNumber = false;
+    std::set<SourceTypes::Kind> kinds;
+    bool isBytes = false;
     for (const Scoped& leaf : leaves) {
         const bool isObject = tree.is(leaf.schema, JsonNode::object);
         const Index said = isObject ? find(leaf.schema, JsonWord::type) : leaf.schema;
@@ -263,23 +263,20 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
                              (isObject && isAvroType(type));
         if (said != 0 && (!tree.is(said, JsonNode::string) || !isKnown))
             documents.note(SourceReport::unresolvedReference, said, type);
-        const auto kind = kindOf(leaf.schema);
-        if (!kind) {
+        if (const auto kind = kindOf(leaf.schema))
+            kinds.insert(*kind);
+        else
             isBytes = true;
-            continue;
-        }
-        isShared = isShared && (!shared || *shared == *kind);
-        isNumber = isNumber || *kind == SourceTypes::kindNumber;
-        shared = kind;
     }
-    if (isBytes && !shared)
+    if (isBytes && kinds.empty())
         return std::nullopt;
     // Different kinds become text. That is only worth a report if numbers or bytes are lost by it.
-    if (isBytes || (!isShared && isNumber))
+    if (isBytes || (kinds.size() > 1 && kinds.contains(SourceTypes::kindNumber)))
         documents.note(SourceReport::kindsDiffer, leaves.front().schema);
-    if (!shared || !isShared || isBytes)
+    if (isBytes || kinds.size() != 1)
         return SourceTypes::Type();
-    return *shared == SourceTypes::kindEnumeration ? enumerationOf(leaves, name) : SourceTypes::Type{*shared};
+    const SourceTypes::Kind kind = *kinds.begin();
+    return kind == SourceTypes::kindEnumeration ? enumerationOf(leaves, name) : SourceTypes::Type{kind};
 }
 
 SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, std::string_view name)
