@@ -17,7 +17,7 @@ constexpr std::size_t kSmallExpansion = 16 << 20;
 
 } // namespace
 
-DTDEntities::Text& DTDEntities::addMain(const CString& fileName, std::string_view bytes)
+DTDEntities::Text& DTDEntities::addFile(const FoundFile& file, const CString& shownName, std::string_view bytes)
 {
     CString room;
     std::string_view text = decodeText(bytes, room);
@@ -25,11 +25,11 @@ DTDEntities::Text& DTDEntities::addMain(const CString& fileName, std::string_vie
     if (text.data() == room.data() && !room.empty())
         text = types.adopt(std::move(room));
     read += text.size();
-    Text& file = files.emplace_back(Text{text, {report.addFile(fileName), 1, 1}, true});
-    folders.emplace(file.start.file, folderOf(fileName));
-    if (const auto id = identify(fileName))
-        filesById.emplace(*id, &file);
-    return file;
+    Text& added = files.emplace_back(Text{text, {report.addFile(shownName), 1, 1}});
+    folders.emplace(added.start.file, folderOf(file.name));
+    if (file.id != FileId())
+        filesById.emplace(file.id, &added);
+    return added;
 }
 
 DTDEntities::Entity* DTDEntities::add(std::string_view name, SourcePlace place)
@@ -157,7 +157,7 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
     }
     if (const auto known = filesById.find(found->id); known != filesById.end())
         return known->second;
-    CString bytes, room;
+    CString bytes;
     const FileCause cause = readFile(found->name, bytes, kMaxNamedFile);
     if (cause == FileCause::fileNotFound) { // the folder can't be listed, so find() couldn't tell
         report.add(SourceReport::moduleMissing, where, entity.systemId);
@@ -168,14 +168,8 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
                             {report.fileNameOf(where.file),
                              CString(entity.systemId) + ": " + inWords(found->name, cause),
                              static_cast<long>(where.line), static_cast<long>(where.column)}};
-    const std::string_view text = decodeText(bytes, room);
-    const std::string_view kept =
-        text.data() == room.data() ? types.adopt(std::move(room)) : types.adopt(CString(text));
-    read += kept.size();
     const CString shown = shownFrom(report.fileNameOf(declaring), folder, path, *found);
-    const SourcePlace start{report.addFile(shown), 1, 1};
-    folders.emplace(start.file, folderOf(found->name));
-    return filesById[found->id] = &files.emplace_back(Text{kept, start});
+    return &addFile(*found, shown, types.adopt(std::move(bytes)));
 }
 
 void DTDEntities::spend(std::size_t bytes)

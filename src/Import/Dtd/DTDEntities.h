@@ -27,8 +27,9 @@ public:
         types(types), report(report), catalogs(catalogs)
     {}
 
-    /// Adds the DTD itself. `bytes` may be in any encoding that decodeText() knows; they must outlive this object.
-    Text& addMain(const CString& fileName, std::string_view bytes);
+    /// Adds the text of a file, under the name `shownName` in the report. `bytes` may be in any encoding that
+    /// decodeText() knows; they must outlive this object.
+    Text& addFile(const FoundFile& file, const CString& shownName, std::string_view bytes);
 
     /// Declares an entity by its value. Character references and the entities known so far are replaced in it (XML 1.0,
     /// 4.4.5). If the name is declared already, the first declaration holds.

@@ -13,14 +13,6 @@
 
 namespace {
 
-CString textOf(const CString& fileName)
-{
-    CString text;
-    if (const FileCause cause = readFile(fileName, text); cause != FileCause::none)
-        throw SourceRefusal{cantOpen(fileName, cause), {fileName, inWords(fileName, cause)}};
-    return text;
-}
-
 // Returns whether `test` accepts one of the pieces between `start` and the next `end`; it gets the piece without blanks
 // at its ends.
 template <class Test>
@@ -93,7 +85,8 @@ std::vector<std::size_t> DTDFullMessage::findTops(std::span<const CString> files
 DTDEntities::Text& DTDFullMessage::begin(DTDEntities& entities, SourceTypes& types, const CString& file,
                                          std::string_view text) const
 {
-    DTDEntities::Text& main = entities.addMain(file, text);
+    DTDEntities::Text& main = entities.addFile({file, identify(file).value_or(FileId())}, file, text);
+    main.isOpen = true;
     for (const auto& [name, value] : given)
         entities.declare(name, types.adopt(CString(value)), main.start);
     return main;
@@ -104,8 +97,12 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
     std::vector<CString> files{fileName};
     files.insert(files.end(), furtherFiles.begin(), furtherFiles.end());
     std::vector<std::string_view> texts{source};
-    for (const CString& file : furtherFiles)
-        texts.push_back(types.adopt(textOf(file)));
+    for (const CString& file : furtherFiles) {
+        CString text;
+        if (const FileCause cause = readFile(file, text); cause != FileCause::none)
+            throw SourceRefusal{cantOpen(file, cause), {file, inWords(file, cause)}};
+        texts.push_back(types.adopt(std::move(text)));
+    }
     if (!queryRoots().empty())
         report.hold();
     DTDReader reader(types, report);
