@@ -181,7 +181,6 @@ TEST_F(ImportCommand, AnswersExactly)
           "\\sys\\xml\\M\\M\tM (Automatically created)\n\\sys\\xml\\n\\M\tM (Automatically created)\n",
           "w/w.xml: note: read as a source for wsdl\n"}},
         {"$import wsdl i.xsd", {1, "", "i.xsd: error: it is not a WSDL\n"}},
-        {"$import openapi j.json --catalog none", {1, "", "none: error: No such file or directory\n"}},
         {"$import jsonschema j.json --catalog c", {2, "", mistake("--catalog: jsonschema reads no catalogues")}},
         {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},
         {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; printf '//\n{\"type\":\"enum\",\"name\":\"E\","
@@ -267,7 +266,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"mkdir d; echo '<!ELEMENT s (t)>' >d/m; printf '<!ENTITY %% m PUBLIC \"-//M\">%%m;<!ELEMENT r (s)>' >m.dtd; "
          "echo '<catalog xmlns=\"urn:oasis:names:tc:entity:xmlns:xml:catalog\"><public publicId=\"-//M\" uri=\"m\"/>"
          "</catalog>' >d/c.xml; $import dtd --full m.dtd -l -q --catalog d/c.xml; XML_CATALOG_FILES='none d/c.xml' "
-         "$import dtd --full m.dtd -l -q; $import dtd --full m.dtd -l -q; $import dtd --full m.dtd --catalog none; "
+         "$import dtd --full m.dtd -l -q; $import dtd --full m.dtd -l -q; $import openapi m.dtd --catalog none; "
          "$import dtd --full m.dtd --catalog r.dtd",
          {1,
           "\\sys\\rosettanet\\r\\s\ts (Automatically created)\n\\sys\\rosettanet\\r\\r\tr (Automatically created)\n"

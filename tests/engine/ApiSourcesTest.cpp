@@ -174,9 +174,9 @@ const Rule kApis[] = {
      "N(value:Number) t_value[String] ReadingsOfTheLastMonth(value:t_value)"},
     {"PayloadsInXmlSchema",
      R"({"asyncapi":"3.0.0","channels":{"c":{"messages":{"M":{"payload":{"$ref":"#/components/schemas/A"}},"B":{"payload":{"$ref":"#/components/schemas/A"}},
-        "N":{"payload":{"schemaFormat":"application/xml","schema":{"x":1}}}}}},"components":{"schemas":{"J":{"properties":{"j":{}}},
+        "N":{"payload":{"schemaFormat":"application/xml","schema":{"x":1}}},"O":{"payload":{"schemaFormat":"application/xml","schema":{"$ref":""}}}}}},"components":{"schemas":{"J":{"properties":{"j":{}}},
         "A":{"schemaFormat":"application/xml","schema":"<schema xmlns='http://www.w3.org/2001/XMLSchema'><element name='b' type='date'/><element name='c'><complexType><attribute name='d'/></complexType></element></schema>"}}}})",
-     "c(d:String) J(j:String) b(value:Time)", "1 loss: 1 document not readable"},
+     "c(d:String) J(j:String) b(value:Time)", "2 losses: 2 documents not readable"},
     {"SchemasInXmlHaveTheirOwnTypes",
      R"({"asyncapi":"2.0.0","channels":{"c":{"publish":{"message":{"oneOf":[)" + messageInXml("a", "x") + "," +
          messageInXml("b", "y") + "," + messageInXml("c", "x") + "," + messageInXml("b", "z") + "]}}}}}",

@@ -252,7 +252,7 @@ void ApiMessages::readXml(Index schema, const CString& format, const CString& na
     for (int i = 0; i < kLongestChain && node != 0; ++i) {
         schemas.leaveOut(node); // see readSchema()
         const Index reference = tree.find(node, JsonWord::ref, JsonNode::string);
-        const bool isFile = reference != 0 && !tree.text(reference).starts_with('#') &&
+        const bool isFile = !tree.text(reference).empty() && !tree.text(reference).starts_with('#') &&
                             !isFileNamed(tree.text(reference), {".json", ".yaml", ".yml"});
         if (isFile || tree.is(node, JsonNode::string)) {
             const Index text = isFile ? reference : node;

@@ -2,6 +2,12 @@
 
 #include <utility>
 
+namespace {
+
+constexpr std::size_t kMaxComponents = 1'000'000;
+
+} // namespace
+
 void MessageSchemas::read(SourceTypes& types, const std::vector<CString>& roots)
 {
     if (schemas.empty())
@@ -19,6 +25,9 @@ void MessageSchemas::read(SourceTypes& types, const std::vector<CString>& roots)
                 messages.emplace_back(&schema, *document);
         }
     set.finish();
+    std::size_t components = 0;
+    for (auto& [document, found] : elements)
+        found = elementsOf(document, components);
     if (!roots.empty())
         set.reportNotes(); // of the documents themselves
     const auto first = static_cast<SourceTypes::Index>(types.candidates.size());
@@ -26,8 +35,6 @@ void MessageSchemas::read(SourceTypes& types, const std::vector<CString>& roots)
     all->read(sources, roots, {});
     for (SourceTypes::Index i = first; i < types.candidates.size(); ++i)
         candidates.try_emplace(all->componentOf(i - first), i);
-    for (auto& [document, found] : elements)
-        found = elementsOf(document);
     for (const auto& [message, document] : messages)
         addMains(types, *message, elements[document]);
     if (roots.empty())
@@ -36,10 +43,15 @@ void MessageSchemas::read(SourceTypes& types, const std::vector<CString>& roots)
     report.pause(false);
 }
 
-MessageSchemas::Elements MessageSchemas::elementsOf(std::uint32_t document) const
+// Adds to the number of `components`, which is bounded, because many schemas may only include the same one.
+MessageSchemas::Elements MessageSchemas::elementsOf(std::uint32_t document, std::size_t& components) const
 {
     Elements elements;
-    for (const Index at : set.componentsOf(document))
+    const std::vector<Index> all = set.componentsOf(document);
+    components += all.size();
+    if (components > kMaxComponents)
+        set.refuse(std::to_string(kMaxComponents) + " components in the schemas of messages");
+    for (const Index at : all)
         if (tree[at].tag == SchemaTag::element) {
             elements.all.push_back(at);
             elements.byName.try_emplace(lowerAscii(tree.text(tree[at].name)), at);

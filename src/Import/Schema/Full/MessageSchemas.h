@@ -54,7 +54,7 @@ private:
         std::set<SourceTypes::Index> sources;               // with a message that none of them is called like
     };
 
-    Elements elementsOf(std::uint32_t document) const;
+    Elements elementsOf(std::uint32_t document, std::size_t& components) const;
     void addMains(SourceTypes& types, const Schema& message, Elements& elements);
     void reportChoice(const Schema& message, const Elements& elements);
     void addMain(SourceTypes& types, Index element, SourceTypes::Index source);
