@@ -3,6 +3,7 @@
 #include "Base/Progress.h"
 #include "Base/StrongComponents.h"
 
+#include <algorithm>
 #include <bit>
 #include <random>
 
@@ -61,6 +62,14 @@ void ClimbShortcuts::assignHeights()
     for (Index element = 0; element < graph.size(); ++element)
         towers.push_back(towers.back() + 1 + static_cast<Index>(std::countr_zero(random() | 1U << 31)));
     shortcuts.assign(towers.back(), kNone);
+}
+
+// A shortcut may end at an element of a cycle that is lower than its level, because climbs stopped there. Passing it at
+// that level would use shortcuts that the element doesn't have, so all are found again.
+void ClimbShortcuts::passCycles()
+{
+    passesCycles = true;
+    std::ranges::fill(shortcuts, kNone);
 }
 
 ClimbShortcuts::Index ClimbShortcuts::topOf(Index element)

@@ -21,7 +21,7 @@ public:
     bool isPassed(Index element) const { return passesCycles || !isInCycle[element]; }
 
     /// Makes climbs pass elements of cycles too. Parents in the same cycle are then ignored.
-    void passCycles() { passesCycles = true; }
+    void passCycles();
 
     /// Returns the end of the way up from an unplaced element: the first element without an unplaced parent, or that
     /// isn't passed.

@@ -1,5 +1,6 @@
 #include "Import/MsgBase.h"
 #include "Model/BrokerType.h"
+#include "Model/ClimbShortcuts.h"
 #include "support/Importing.h"
 
 #include <algorithm>
@@ -243,6 +244,27 @@ TEST(Model, PutsComponentsFirstOutsideOfAGreatCycle)
             continue;
         EXPECT_NE(std::find(names.begin(), name, name->substr(4)), name) << *name;
     }
+}
+
+// A chain of parents in which every second element is in a cycle with one beside the chain.
+TEST(Model, ShortcutsLeadThroughCyclesOnceTheseArePassed)
+{
+    constexpr LinkGraph::Index count = 3000;
+    std::vector<std::unique_ptr<Element>> all;
+    std::vector<Element*> elements;
+    for (LinkGraph::Index i = 0; i <= count; ++i) {
+        elements.push_back(all.emplace_back(std::make_unique<Element>("", "", "", Element::typeRow, nullptr)).get());
+        elements[i]->setNumber(i);
+    }
+    for (LinkGraph::Index i = 0; i < count; i += 3)
+        for (const auto& [child, parent] : {std::pair(i, i + 1), {i + 1, i + 2}, {i + 2, i + 1}, {i + 1, i + 3}})
+            elements[child]->addParent(elements[parent]);
+    LinkGraph graph(elements);
+    ClimbShortcuts shortcuts(graph);
+    for (LinkGraph::Index i = 0; i < count; i += 3)
+        EXPECT_EQ(shortcuts.topOf(i), i + 1);
+    shortcuts.passCycles();
+    EXPECT_EQ(shortcuts.topOf(0), count);
 }
 
 TEST(Model, TakesLinksThatAnImporterMade)
