@@ -59,27 +59,37 @@ MessageSchemas::Elements MessageSchemas::elementsOf(std::uint32_t document, std:
     return elements;
 }
 
-// Makes the elements that may be the root of a message main types.
+// Makes the elements that may be the root of a message main types. Those that nothing refers to become records, and are
+// reported if there are several.
 void MessageSchemas::addMains(SourceTypes& types, const Schema& message, Elements& elements)
 {
     const std::string_view text = message.text.text;
     const bool hasFragment = message.text.isReference && text.find('#') != text.npos; // which names the root
     const auto named = elements.byName.find(
         lowerAscii(hasFragment ? text.substr(text.find_last_of("#/") + 1) : std::string_view(message.text.name)));
-    if (named != elements.byName.end())
+    if (named != elements.byName.end()) {
+        types.recordOf(candidates.at(named->second));
         return addMain(types, named->second, message.source);
+    }
     if (hasFragment)
         report.add(SourceReport::unresolvedReference, message.text.place, text);
     if (!elements.sources.insert(message.source).second)
         return;
-    for (const Index element : elements.all)
+    CString choice;
+    int alternatives = 0;
+    for (const Index element : elements.all) {
+        if (!isReferred(element)) {
+            types.recordOf(candidates.at(element));
+            choice += (alternatives++ == 0 ? "" : " or ") + CString(tree.text(tree[element].name));
+        }
         addMain(types, element, message.source);
-    if (!report.isHolding()) // else the caller has chosen
-        reportChoice(message, elements);
+    }
+    if (alternatives > 1 && !report.isHolding()) // else the caller has chosen
+        report.add(SourceReport::alternatives, message.text.place, choice);
 }
 
-// Reports the elements that nothing refers to, if there are several.
-void MessageSchemas::reportChoice(const Schema& message, const Elements& elements)
+// Returns whether another declaration refers to an element, or the element is a member of a substitution group.
+bool MessageSchemas::isReferred(Index element)
 {
     if (referred.empty()) {
         referred.insert(0);
@@ -87,22 +97,15 @@ void MessageSchemas::reportChoice(const Schema& message, const Elements& element
             if (tree[at].tag == SchemaTag::element && tree[at].is(SchemaNode::isReference))
                 referred.insert(set.find(SchemaSet::element, tree.referenceOf(at), at));
     }
-    CString choice;
-    int alternatives = 0;
-    for (const Index at : elements.all)
-        if (!referred.contains(at) && tree[at].list == 0) // which is no member of a substitution group
-            choice += (alternatives++ == 0 ? "" : " or ") + CString(tree.text(tree[at].name));
-    if (alternatives > 1)
-        report.add(SourceReport::alternatives, message.text.place, choice);
+    return referred.contains(element) || tree[element].list != 0;
 }
 
 // Makes an element the main type of a message of a source. Several sources may have the same one.
 void MessageSchemas::addMain(SourceTypes& types, Index element, SourceTypes::Index source)
 {
-    const SourceTypes::Index candidate = candidates.at(element);
-    types.recordOf(candidate);
     if (!mains.emplace(element, source).second)
         return;
+    const SourceTypes::Index candidate = candidates.at(element);
     SourceTypes::Candidate main = types.candidates[candidate];
     const bool isFirst = std::exchange(main.source, source) == SourceTypes::kNone;
     if (isFirst)

@@ -56,7 +56,7 @@ private:
 
     Elements elementsOf(std::uint32_t document, std::size_t& components) const;
     void addMains(SourceTypes& types, const Schema& message, Elements& elements);
-    void reportChoice(const Schema& message, const Elements& elements);
+    bool isReferred(Index element);
     void addMain(SourceTypes& types, Index element, SourceTypes::Index source);
 
     SchemaSet set;
