@@ -172,12 +172,19 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
             const std::string_view type = tree.text(tree.is(at.schema, JsonNode::string) ? at.schema : inner);
             const auto found = named.find(fullNameOf(type, at.space));
             const auto global = found == named.end() ? named.find(tree.names.intern(CString(type))) : found;
-            if (isAvroType(type) || global == named.end())
-                sortOut(at, type, sorted);
-            else {
+            if (!isAvroType(type) && global != named.end()) {
                 documents.link(at.schema, global->second.schema);
                 alternatives.push_back(global->second);
+                continue;
             }
+            if (const auto known = spaces.find(at.schema); known != spaces.end())
+                at.space = known->second;
+            std::vector<Scoped>& alike = isOneOf(type, {"record", "error"}) ? sorted.records
+                                         : type == "map"                    ? sorted.maps
+                                         : type == "array"                  ? sorted.arrays
+                                                                            : sorted.leaves;
+            if (type != "null")
+                alike.push_back(at);
         }
     }
     return sorted;
@@ -189,20 +196,6 @@ void AvroTypes::spendStep()
     cancelPoint.pass();
     if (++steps > kMaxSteps)
         types.refuse(std::to_string(kMaxSteps) + " parts of types");
-}
-
-void AvroTypes::sortOut(Scoped at, std::string_view type, Sorted& sorted)
-{
-    if (const auto known = spaces.find(at.schema); known != spaces.end())
-        at.space = known->second;
-    if (type == "record" || type == "error")
-        sorted.records.push_back(at);
-    else if (type == "map")
-        sorted.maps.push_back(at);
-    else if (type == "array")
-        sorted.arrays.push_back(at);
-    else if (type != "null")
-        sorted.leaves.push_back(at);
 }
 
 // Returns the name of a named type without its namespace; empty if the schema has no name.

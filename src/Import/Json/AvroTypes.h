@@ -63,7 +63,6 @@ private:
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
     Sorted sort(std::vector<Scoped> alternatives);
     void spendStep();
-    void sortOut(Scoped at, std::string_view type, Sorted& sorted);
     std::string_view simpleNameOf(Index schema);
     SourceTypes::Type recordOf(const std::vector<Scoped>& schemas, bool isMap, std::string_view name,
                                SourceTypes::Index home);

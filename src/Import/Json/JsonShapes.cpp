@@ -147,10 +147,8 @@ JsonShapes::Index JsonShapes::add(Index parent, NameTable::Id key)
 
 JsonShapes::Index JsonShapes::itemsOf(Index array)
 {
-    if (shapes[array].items == 0) {
-        const Index items = add(array, 0);
-        shapes[array].items = items;
-    }
+    if (shapes[array].items == 0)
+        shapes[array].items = add(array, 0); // done before the left side is evaluated
     return shapes[array].items;
 }
 
