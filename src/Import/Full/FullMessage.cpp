@@ -155,7 +155,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     MainTypes main = chooseMain(types, fileName);
     if (bySpace && mergesEqual)
         mergeEqualTypes(types, main.records);
-    RecordOrder order(types);
+    RecordOrder order({types}, types.records.size());
     for (const Index record : main.records)
         order.visit(record);
     visitChoices(types, order);

@@ -37,7 +37,8 @@ bool hasFields(const SourceTypes& types, SourceTypes::Type type)
 
 } // namespace
 
-MainElement::MainElement(const SourceTypes& types) : types(types), order(types), seen(types.records.size())
+MainElement::MainElement(const SourceTypes& types) :
+    types(types), order({types}, types.records.size()), seen(types.records.size())
 {
     for (Index i = 0; i < types.candidates.size(); ++i) {
         if (types.candidates[i].isType || types.candidates[i].source == SourceTypes::kNone)

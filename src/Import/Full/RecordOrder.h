@@ -18,8 +18,4 @@ struct RecordLinks
 
 /// Orders records so that components come before their users, and finds cycles of records. Only inside a cycle may a
 /// record come before a component of its own.
-class RecordOrder : public StrongComponents<RecordLinks>
-{
-public:
-    explicit RecordOrder(const SourceTypes& types) : StrongComponents(RecordLinks{types}, types.records.size()) {}
-};
+using RecordOrder = StrongComponents<RecordLinks>;
