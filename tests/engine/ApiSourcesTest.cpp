@@ -177,6 +177,10 @@ const Rule kApis[] = {
         "N":{"payload":{"schemaFormat":"application/xml","schema":{"x":1}}},"O":{"payload":{"schemaFormat":"application/xml","schema":{"$ref":""}}}}}},"components":{"schemas":{"J":{"properties":{"j":{}}},
         "A":{"schemaFormat":"application/xml","schema":"<schema xmlns='http://www.w3.org/2001/XMLSchema'><element name='b' type='date'/><element name='c'><complexType><attribute name='d'/></complexType></element></schema>"}}}})",
      "c(d:String) J(j:String) b(value:Time)", "2 losses: 2 documents not readable"},
+    {"AFormatInATrait",
+     R"({"asyncapi":"2.6.0","channels":{"c":{"publish":{"message":{"name":"M","traits":[{},{"$ref":"#/components/messageTraits/T"}],"payload":"int"}}}},
+        "components":{"messageTraits":{"T":{"schemaFormat":"application/vnd.apache.avro"}}}})",
+     "M(value:Number)"},
     {"SchemasInXmlHaveTheirOwnTypes",
      R"({"asyncapi":"2.0.0","channels":{"c":{"publish":{"message":{"oneOf":[)" + messageInXml("a", "x") + "," +
          messageInXml("b", "y") + "," + messageInXml("c", "x") + "," + messageInXml("b", "z") + "]}}}}}",

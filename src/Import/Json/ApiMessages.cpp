@@ -172,8 +172,11 @@ void ApiMessages::readMessage(Index message, std::string_view name)
     for (const JsonWord word : {JsonWord::messageId, JsonWord::name})
         if (const std::string_view said = tree.textOf(message, word); !said.empty())
             name = said;
-    readSchema(tree.find(message, JsonWord::payload), lowerAscii(tree.textOf(message, JsonWord::schemaFormat)),
-               CString(name), true);
+    std::string_view format = tree.textOf(message, JsonWord::schemaFormat);
+    for (const Index at : tree.childrenOf(message, JsonWord::traits, JsonNode::array))
+        if (format.empty()) // of version 2, where a trait may give it
+            format = tree.textOf(follow(at), JsonWord::schemaFormat);
+    readSchema(tree.find(message, JsonWord::payload), lowerAscii(format), CString(name), true);
     readSchema(headersOf(message), {}, CString(name) + "Headers", false);
 }
 
