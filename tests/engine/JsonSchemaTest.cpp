@@ -220,7 +220,8 @@ class JsonSchema : public Importing<JsonSchemaMessage>
 protected:
     int importSchema(const CString& schema)
     {
-        return message.parseFile(folder.write(schema.starts_with('#') ? "x.yaml" : "x.json", schema), "\\b\\");
+        const bool isYaml = schema.starts_with('#') || schema.starts_with("\xEF\xBB\xBF#");
+        return message.parseFile(folder.write(isYaml ? "x.yaml" : "x.json", schema), "\\b\\");
     }
 };
 class JsonSchemaRule : public JsonSchema, public testing::WithParamInterface<Rule>
@@ -362,7 +363,7 @@ const Refusal kRefusals[] = {
     {"TooDeep", times(1001, "[") + times(1001, "]"),
      "Error on line 1, column 1001.\nError text is 'more than 1000 levels of nesting, which is the limit'."},
     {"NoYaml", "#\na: [", "Error on line 3, column 1.\nError text is 'did not find expected node content'."},
-    {"YamlOfOtherBytes", "# YAML\na: b\n# caf\xe9\n",
+    {"YamlOfOtherBytes", "\xEF\xBB\xBF# YAML\na: b\n# caf\xe9\n",
      "Error on line 3, column 6.\nError text is 'incomplete UTF-8 octet sequence'."},
     {"YamlControlCharacter", "# YAML\na: \x01",
      "Error on line 2, column 4.\nError text is 'control characters are not allowed'."},
