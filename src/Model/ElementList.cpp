@@ -1,6 +1,7 @@
 #include "Model/Element.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace {
 
@@ -67,6 +68,8 @@ std::uint32_t ElementList::positionOf(const Element* element) const
 
 void ElementList::moveTo(std::uint32_t newCapacity, bool withIndex, std::pmr::memory_resource& memory)
 {
+    if (withIndex)
+        newCapacity = std::bit_ceil(newCapacity); // the mask of slots needs it
     const std::size_t indexSize = withIndex ? 4 * std::size_t{newCapacity} + 1 : 0;
     const std::size_t bytes = newCapacity * sizeof(void*) + indexSize * sizeof(std::uint32_t);
     // The old storage is not freed: the arena frees everything at once.

@@ -47,6 +47,18 @@ const Case kDocuments[] = {
 class Broker : public Importing<BrokerMessage>
 {};
 
+TEST_F(Broker, LongRecordsAreSearched)
+{
+    CString fields, out = "t_a:t=String(a:O=String) R:R(t_a:t=String";
+    for (int count = 1; count <= 1'000; ++count) {
+        fields += "<X NAME='a' TYPE='String'/>";
+        out += count == 1 ? "" : " a:O=String";
+        if (count % 100 == 0) {
+            EXPECT_EQ(typesOfFile("<x>" + type("R", "<ROW>" + fields + "</ROW>") + "</x>"), out + ")");
+        }
+    }
+}
+
 TEST_F(Broker, GivesTypes)
 {
     for (const Case& row : kDocuments)
