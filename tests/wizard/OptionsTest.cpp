@@ -1,7 +1,6 @@
 #include "Files/Registry.h"
 #include "wizard/Desk.h"
 
-#include <ctime>
 #include <pwd.h>
 #include <random>
 #include <sys/stat.h>
@@ -152,8 +151,7 @@ TEST_F(Settings, ListEndsBeforeWhatIsTooLong)
     }
 }
 
-// Takes linear time, whatever the structure of the file: ten times as many keys cost far less than a hundred times the
-// processor time.
+// Guards against going over all keys for each one, which takes minutes.
 TEST_F(Settings, AreReadAtOnceWhereThereAreMany)
 {
     const struct
@@ -164,23 +162,16 @@ TEST_F(Settings, AreReadAtOnceWhereThereAreMany)
                  {R"({"a": 1)", R"("7")", "}"},
                  {R"({"a": 1)", R"({"a": []})", "}"}};
     for (const auto& [start, value, end] : kinds) {
-        std::clock_t before = 0;
-        for (const int count : {10'000, 100'000}) {
-            CString json = start;
-            for (int i = 0; i < count; ++i)
-                json += ",\"" + std::to_string(i) + "\": " + value;
-            write(json + end);
-            const std::clock_t begun = std::clock();
-            QELOptions options = load();
-            shown(&QELOptions::fillInputFile, options);
-            options.addInputFile("b");
-            options.flushValues();
-            const std::clock_t used = std::clock() - begun;
-            EXPECT_TRUE(before == 0 || used < 40 * before) << used << " after " << before;
-            before = used;
-            EXPECT_NE(read().find(std::to_string(count - 1)), std::string::npos); // foreign keys stay
-            EXPECT_EQ(shown(&QELOptions::fillInputFile, options).front(), "b");
-        }
+        CString json = start;
+        for (int i = 0; i < 100'000; ++i)
+            json += ",\"" + std::to_string(i) + "\": " + value;
+        write(json + end);
+        QELOptions options = load();
+        shown(&QELOptions::fillInputFile, options);
+        options.addInputFile("b");
+        options.flushValues();
+        EXPECT_NE(read().find("99999"), std::string::npos); // foreign keys stay
+        EXPECT_EQ(shown(&QELOptions::fillInputFile, options).front(), "b");
     }
 }
 
