@@ -83,13 +83,14 @@ void closeAllBut(int socket)
     ::_exit(EXIT_SUCCESS);
 }
 
-// Ends the process when the program has closed its side of the socket. The driver's thread can't do that, because it
-// may never return from a call.
+// Ends the process when the program has closed its side of the socket. The driver's thread gets time to disconnect,
+// which may create the log, and to exit; it may never return from a call.
 void exitWithProgram(int socket)
 {
     pollfd end = {socket, 0, 0};
     while (::poll(&end, 1, -1) < 0) {
     }
+    std::this_thread::sleep_for(kDisconnect);
     exitProcess();
 }
 
