@@ -67,12 +67,14 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     const int result = scan();
     if (result)
         declareAll(basePath + mainType + "\\");
+    text = nullptr;
     forget();
     return result;
 }
 
 void DTDMessage::onCancelled()
 {
+    text = nullptr;
     forget();
     mainType = previousMain;
 }
@@ -80,7 +82,6 @@ void DTDMessage::onCancelled()
 // Releases what a single parse needed.
 void DTDMessage::forget()
 {
-    text = nullptr;
     dtdElements.clear();
     memory.release();
 }
