@@ -53,9 +53,7 @@ std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
     const bool isGiven = file.location.empty();
     const auto number = static_cast<std::uint32_t>(tree.documents.size());
     const auto first = static_cast<Index>(tree.size());
-    SchemaDocument& document = tree.documents.emplace_back();
-    document.folder = folderOf(file.name);
-    document.file = report.addFile(file.shownName);
+    beginDocument(folderOf(file.name), report.addFile(file.shownName));
     WsdlReader reader(tree, report);
     XmlDocument xml;
     const bool isRead = xml.streamFile(file.name, reader, isGiven ? kAnySize : kMaxNamedFile) != 0;
@@ -66,7 +64,7 @@ std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
     const bool isSchema = isRead && (reader.holdsWsdl() || tree.documents[number].root != 0);
     if (!isSchema && isGiven && number > 0)
         throw SourceRefusal{file.name + " is not a schema.", {file.name, "it is not a schema"}};
-    for (std::uint32_t at = number; at < tree.documents.size(); ++at)
+    for (std::uint32_t at = number + 1; at < tree.documents.size(); ++at) // further schemas of a WSDL
         firstOfFile.push_back(at);
     if (!isSchema && !isGiven) {
         if (isRead)
