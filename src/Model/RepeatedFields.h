@@ -2,7 +2,7 @@
 
 #include "Model/TypeModel.h"
 
-#include <unordered_map>
+#include <vector>
 
 /// Tells which repeated fields stay single in a model that puts a table into one record only: the first in which the
 /// element repeats. An element that has the table's name prevents it everywhere.
@@ -15,13 +15,17 @@ public:
     /// for the records in the order in which they were declared.
     bool staysSingle(const Element& element, const Element& record)
     {
-        const auto [first, isNew] = records.try_emplace(&element, &record);
-        if (isNew && model.findElement("t_" + element.queryBaseName()))
-            first->second = nullptr;
-        return first->second != &record;
+        const std::uint32_t number = element.queryNumber();
+        if (number >= records.size())
+            records.resize(number + 1, kUnmet);
+        if (records[number] == kUnmet)
+            records[number] = model.findElement("t_" + element.queryBaseName()) ? kNoTable : record.queryNumber();
+        return records[number] != record.queryNumber();
     }
 
 private:
+    static constexpr std::uint32_t kUnmet = Element::kNoNumber, kNoTable = kUnmet - 1;
+
     const TypeModel& model;
-    std::unordered_map<const Element*, const Element*> records; // the one with the table; null if there is no table
+    std::vector<std::uint32_t> records; // by element, the number of the record with its table
 };
