@@ -64,13 +64,20 @@ std::size_t findNameEnd(std::string_view text, std::size_t from)
 
 SourcePlace TextPlaces::at(std::size_t offset)
 {
-    if (starts.empty()) {
-        starts.push_back(0);
-        for (std::size_t end = text.find('\n'); end != kNowhere; end = text.find('\n', end + 1))
-            starts.push_back(end + 1);
-    }
-    const auto line = std::upper_bound(starts.begin(), starts.end(), offset);
-    return {0, static_cast<std::uint32_t>(line - starts.begin()), static_cast<std::uint32_t>(offset - line[-1] + 1)};
+    const auto lineAt = [this](std::size_t end, std::size_t from,
+                               Line line) { // that of `end`; `line` is that of `from`
+        const std::string_view before = text.substr(0, end);
+        for (std::size_t feed = before.find('\n', from); feed != kNowhere; feed = before.find('\n', feed + 1))
+            line = {feed + 1, line.number + 1};
+        return line;
+    };
+    if (lines.empty())
+        lines.push_back({0, 1});
+    for (std::size_t end = lines.size() * kBlock; end <= text.size(); end += kBlock)
+        lines.push_back(lineAt(end, end - kBlock, lines.back()));
+    const std::size_t block = offset / kBlock;
+    const Line line = lineAt(offset, block * kBlock, lines[block]);
+    return {0, line.number, static_cast<std::uint32_t>(offset - line.start + 1)};
 }
 
 DTDGroups::DTDGroups(std::string_view text)

@@ -97,8 +97,17 @@ public:
     SourcePlace at(std::size_t offset);
 
 private:
+    // The line in which a block of the text begins.
+    struct Line
+    {
+        std::size_t start;
+        std::uint32_t number;
+    };
+
+    static constexpr std::size_t kBlock = 1024;
+
     std::string_view text;
-    std::vector<std::size_t> starts; // offsets of the lines
+    std::vector<Line> lines; // by block
 };
 
 /// The parentheses of a text, matched once for all its content models.
