@@ -35,21 +35,28 @@ std::string_view withoutMarks(std::string_view piece)
 
 } // namespace
 
-void DTDElement::addChild(DTDElement* child, std::size_t mention)
+void DTDElement::addChild(DTDElement* child, std::size_t mention, std::pmr::memory_resource& memory)
 {
     if (child->lastParent != this) {
         child->lastParent = this;
         child->repetitions = 0;
     }
-    if (child->repetitions++ < 2)
-        children.push_back({child, mention});
+    if (child->repetitions == 2)
+        return;
+    ++child->repetitions;
+    Child* const added = std::pmr::polymorphic_allocator<>(&memory).new_object<Child>(Child{child, mention});
+    (first ? last->next : first) = added;
+    last = added;
+    ++childCount;
 }
 
-DTDElement::Child DTDElement::enumNext()
+const DTDElement::Child* DTDElement::enumNext()
 {
-    if (cursor + 2 < children.size())
-        __builtin_prefetch(children[cursor + 2].element); // children are scattered in memory
-    return cursor < children.size() ? children[cursor++] : Child{};
+    const Child* const child = cursor;
+    cursor = child ? child->next : nullptr;
+    if (cursor && cursor->next)
+        __builtin_prefetch(cursor->next->element); // children are scattered in memory
+    return child;
 }
 
 int DTDMessage::parse(const CString& source, const CString& basePath, const CString& fileName)
@@ -65,6 +72,7 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     report.addFile(fileName);
     DTDNotes(parsed.whole, parsed.places, report, isReportWanted).read();
     const int result = scan();
+    parsed.groups = DTDGroups({}); // no longer needed
     if (result)
         declareAll(basePath + mainType + "\\");
     text = nullptr;
@@ -283,7 +291,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
             continue;
         DTDElement& field = addAttribute(element, attribute);
         DTDElement& record = addPiece(element, nullptr);
-        record.addChild(&field, placeOf(attribute));
+        record.addChild(&field, placeOf(attribute), memory);
         field.setAttribute(record, placeOf(attribute));
         if (left < statement.size()) { // a type or default has been taken for an element
             note(SourceReport::inventedType, record, placeOf(element), element);
@@ -300,11 +308,11 @@ DTDElement& DTDMessage::addDTDElement(std::string_view child, std::size_t place,
     const std::uint32_t hash = keyHash(child);
     DTDElement* entry = dtdElements.find(child, hash);
     if (!entry) {
-        entry = std::pmr::polymorphic_allocator<>(&memory).new_object<DTDElement>(child, place, &memory);
+        entry = std::pmr::polymorphic_allocator<>(&memory).new_object<DTDElement>(child, place);
         dtdElements.store(entry, hash);
     }
     if (parent)
-        parent->addChild(entry, place);
+        parent->addChild(entry, place, memory);
     return *entry;
 }
 
@@ -345,13 +353,14 @@ void DTDMessage::declareRecord(DTDElement& record, const CString& path)
     if (record.textAt != kNowhere) // a record has no field for its text
         report.add(SourceReport::textSkipped, text->places.at(record.textAt), row->queryName());
     key.append(".");
-    for (DTDElement::Child child = record.enumNext(); child.element; child = record.enumNext())
-        declareField(child, path, key, record, row);
+    model.reserveFields(row, record.queryChildCount());
+    while (const DTDElement::Child* const child = record.enumNext())
+        declareField(*child, path, key, record, row);
 }
 
 // A repeating mark declares the usage twice: the model makes a table of a usage that it sees twice. `usageKey` holds
 // the common start of the keys of the record's fields.
-void DTDMessage::declareField(DTDElement::Child mention, const CString& path, RunningHash usageKey,
+void DTDMessage::declareField(const DTDElement::Child& mention, const CString& path, RunningHash usageKey,
                               const DTDElement& parent, Element* record)
 {
     DTDElement& child = *mention.element;

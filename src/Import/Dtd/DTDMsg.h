@@ -11,32 +11,33 @@
 class DTDElement
 {
 public:
-    DTDElement(std::string_view name, std::size_t place, std::pmr::memory_resource* memory) :
-        place(place), name(name), children(memory)
-    {}
+    DTDElement(std::string_view name, std::size_t place) : place(place), name(name) {}
 
     std::string_view queryName() const { return name; }
 
     /// A child, and the offset at which it is mentioned.
     struct Child
     {
-        DTDElement* element;
-        std::size_t place;
+        DTDElement* element = nullptr;
+        std::size_t place = 0;
+        Child* next = nullptr;
     };
 
-    /// Appends a child. The same child may be appended again: two entries are enough to show that it repeats, so
-    /// further ones are dropped to bound the memory of statements that overlap.
-    void addChild(DTDElement* child, std::size_t place);
+    /// Appends a child, with room from `memory`. The same child may be appended again: two entries are enough to show
+    /// that it repeats, so further ones are dropped to bound the memory of statements that overlap.
+    void addChild(DTDElement* child, std::size_t place, std::pmr::memory_resource& memory);
 
     /// Moves the cursor to the first child. Returns nonzero if there is one.
     int beginEnum()
     {
-        cursor = 0;
-        return !children.empty();
+        cursor = first;
+        return first ? 1 : 0;
     }
 
-    /// Returns the child under the cursor and moves on; its element is null at the end.
-    Child enumNext();
+    std::uint32_t queryChildCount() const { return childCount; }
+
+    /// Returns the child under the cursor and moves on; null at the end.
+    const Child* enumNext();
 
     /// Sets that the field is that of an attribute of `record`, mentioned at `at`. The first mention holds.
     void setAttribute(const DTDElement& record, std::size_t at)
@@ -54,19 +55,21 @@ public:
     Element* element = nullptr;
 
     std::size_t place = 0;                   ///< offset of its first mention in the text
-    bool isDeclared = false;                 ///< by an ELEMENT statement
-    bool isAttribute = false;                ///< the field of an attribute
     std::size_t attributeAt = kNowhere;      ///< offset of the first attribute whose field it is
     const DTDElement* attributeOf = nullptr; ///< the record of that attribute
     std::size_t textAt = kNowhere;           ///< offset of its declaration if that allows text
+    bool isDeclared = false;                 ///< by an ELEMENT statement
+    bool isAttribute = false;                ///< the field of an attribute
     bool isNoted = false;                    ///< reported already
 
 private:
-    std::string_view name;
-    std::pmr::vector<Child> children;
-    std::size_t cursor = 0;
+    std::uint8_t repetitions = 0; // how often the last parent was given this child in a row, up to 2
+    std::uint32_t childCount = 0;
     const DTDElement* lastParent = nullptr; // the parent that was given this child last
-    unsigned repetitions = 0;               // how often that parent was given it in a row
+    std::string_view name;
+    Child* first = nullptr;
+    Child* last = nullptr;
+    const Child* cursor = nullptr;
 };
 
 /// The importer of DTD files. It reads ELEMENT and ATTLIST declarations only. A name with children or attributes
@@ -144,8 +147,8 @@ private:
     DTDElement& addAttribute(std::string_view element, std::string_view attribute);
     void declareAll(const CString& path);
     void declareRecord(DTDElement& record, const CString& path);
-    void declareField(DTDElement::Child mention, const CString& path, RunningHash usageKey, const DTDElement& parent,
-                      Element* record);
+    void declareField(const DTDElement::Child& mention, const CString& path, RunningHash usageKey,
+                      const DTDElement& parent, Element* record);
     // Returns the entry of `child` without its marks, whose name is `name`; `child` if there is none.
     DTDElement& unmarkedOf(DTDElement& child, std::string_view name)
     {

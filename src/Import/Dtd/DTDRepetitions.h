@@ -4,9 +4,9 @@
 #include "Import/Full/ContentModel.h"
 #include "Model/RepeatedFields.h"
 
+#include <deque>
 #include <map>
 #include <unordered_set>
-#include <vector>
 
 /// Reports where the model and a DTD differ in what repeats. The literal reading takes each name that a record mentions
 /// again for a repeated one, although `(b, c) | (b, d)` has one b; and the model makes one table for each element.
@@ -41,7 +41,7 @@ private:
     Declaration read(std::size_t start);
 
     std::string_view text;
-    std::vector<Field> fields;
+    std::deque<Field> fields; // many, and a vector copies them while it grows
     ContentModel content;
     std::map<std::size_t, Declaration> declarations; // by start
 };
