@@ -173,7 +173,7 @@ private:
 bool isDocumentOf(MsgBase& message, const CString& fileName)
 {
     std::error_code failure;
-    if (!std::filesystem::is_regular_file(fileName, failure) || !holdsTypes(message))
+    if (!std::filesystem::is_regular_file(fileName, failure))
         return false;
     struct Different
     {};
@@ -203,7 +203,7 @@ bool compare(MsgBase& message, const CString& document, const DiffOptions& optio
     earlier.keepTwins();
     diagnostics.receiveFrom(earlier);
     earlier.parseFile(document, earlier.getBasePath());
-    if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository())
+    if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository() && !isDocumentOf(earlier, document))
         diagnostics.add({document, "it is not a document of types"});
     else
         reportLosses(earlier.queryReport(), report, diagnostics, document);

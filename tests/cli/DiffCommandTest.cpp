@@ -111,6 +111,9 @@ not compatible: it breaks readers
         {"(cat r.xml; echo x) >x.xml; $import r.dtd --diff x.xml; head -c -1 r.xml >x.xml; $import r.dtd --diff x.xml",
          {2, "", "x.xml:4:446: error: Extra content at the end of the document\nx.xml:4:445: error: expected '>'\n"}},
         {"echo '<a/>' >a.xml; $import r.dtd --diff a.xml", {2, "", "a.xml: error: it is not a document of types\n"}},
+        {"echo null >n.json; $import json n.json --allow-empty -o n.xml; $import json n.json --allow-empty --diff "
+         "n.xml && $import r.dtd --diff n.xml | tail -1",
+         {0, "compatible: only additions\n", ""}},
         {"$import odbc x --user u --password-file none --diff r.xml",
          {2, "", says("can't open none: No such file or directory")}},
         {"printf '<!ELEMENT M (a\\344)><!ELEMENT a\\344 (x)>' >l.dtd; $import l.dtd -q -o l.xml; $import l.dtd -q "
