@@ -85,11 +85,14 @@ void report(std::string_view text)
     std::fprintf(stderr, "%s\n", line);
 }
 
-void Diagnostics::receiveFrom(MsgBase& importer)
+void Diagnostics::receiveFrom(MsgBase& importer, const Advice& advice)
 {
-    importer.setErrorHandler([this](const CString& text, const SourceFault& fault) {
+    importer.setErrorHandler([this, advice](const CString& text, const SourceFault& fault) {
+        SourceFault advised = fault;
+        if (advice && !fault.isWarning && fault.line <= 1 && fault.column <= 1)
+            advised.reason += advice(fault.file.empty() ? source : fault.file);
         isLiteralError |= isErrorOfLiteralReading(text);
-        add(fault);
+        add(advised);
     });
 }
 

@@ -3,6 +3,7 @@
 #include "Base/SourceFault.h"
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 #include <unordered_set>
 
@@ -43,8 +44,12 @@ public:
     Diagnostics(const Diagnostics&) = delete;
     Diagnostics& operator=(const Diagnostics&) = delete;
 
-    /// Receives the errors and warnings of an importer from now on. This object must outlive its imports.
-    void receiveFrom(MsgBase& importer);
+    /// Returns advice on a file, to be appended to an error; empty if there is none.
+    using Advice = std::function<CString(const CString& file)>;
+
+    /// Receives the errors and warnings of an importer from now on. This object must outlive its imports. `advice` is
+    /// asked for after an error at no place, or at the first character, because the file may be of another kind.
+    void receiveFrom(MsgBase& importer, const Advice& advice = {});
 
     /// Reports one fault; a repeated warning is skipped. Without Verbosity::verbose at most 20 warnings are shown;
     /// finish() reports how many were not.

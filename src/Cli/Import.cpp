@@ -16,6 +16,7 @@
 #include "Import/Registry/ImporterChoice.h"
 #include "Import/Registry/SourceSet.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -84,17 +85,17 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     return output.finish() ? kDone : kNotWritten;
 }
 
-// Reports an import without types. It nearly always means a wrong file or importer, so the error names a better one.
-void reportNoTypes(const MsgUIDescriptor& importer, const CString& file, Diagnostics& diagnostics)
+// Returns what a source looks like if it isn't one of this importer, as the end of an error; empty if that is unknown.
+// Most imports without types have a wrong file or importer.
+CString otherKindOf(const CString& file, const MsgUIDescriptor& importer)
 {
-    const bool isFile = !importer.querySource().readsTables;
-    const MsgUIDescriptor* const other = isFile ? importerFor(file) : nullptr;
-    CString hint;
-    if (other && other != &importer)
-        hint = CString("; it looks like a source for ") + other->querySource().word;
-    else if (const std::string_view foreign = isFile ? foreignAdvice(file) : ""; !foreign.empty())
-        hint = "; " + CString(foreign);
-    diagnostics.error("no types were found" + hint);
+    if (importer.querySource().readsTables)
+        return {};
+    const MsgUIDescriptor* const other = importerFor(file);
+    if (other)
+        return other == &importer ? "" : CString("; it looks like a source for ") + other->querySource().word;
+    const std::string_view foreign = foreignAdvice(file);
+    return foreign.empty() ? "" : "; " + CString(foreign);
 }
 
 // Imports the sources. Returns whether there are types to write; if not, that has been reported.
@@ -109,7 +110,11 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
         message.wantReport();
     if (arguments.allowEmpty)
         message.allowEmpty();
-    diagnostics.receiveFrom(message);
+    // With a requested element, the error may be about that alone.
+    diagnostics.receiveFrom(message, [&](const CString& file) {
+        const bool isSource = std::ranges::find(files, file) != files.end();
+        return isSource && arguments.full.roots.empty() ? otherKindOf(file, importer) : CString();
+    });
     if (tables)
         tables->import(message, arguments, basePath, diagnostics);
     else
@@ -120,7 +125,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     adviseOnFullReading(message, diagnostics);
     const bool isEmpty = !holdsTypes(message);
     if (isEmpty && !diagnostics.hasErrors() && !arguments.allowEmpty)
-        reportNoTypes(importer, files.front(), diagnostics);
+        diagnostics.error("no types were found" + otherKindOf(files.front(), importer));
     if (!arguments.full.isWanted && (isEmpty || diagnostics.hasLiteralError()))
         suggestFullReading(importer, files.front(), diagnostics);
     return !diagnostics.hasErrors();

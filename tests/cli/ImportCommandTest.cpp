@@ -180,7 +180,19 @@ TEST_F(ImportCommand, AnswersExactly)
           "\\sys\\xml\\M\\M\tM (Automatically created)\n\\sys\\xml\\M\\M\tM (Automatically created)\n"
           "\\sys\\xml\\M\\M\tM (Automatically created)\n\\sys\\xml\\n\\M\tM (Automatically created)\n",
           "w/w.xml: note: read as a source for wsdl\n"}},
-        {"$import wsdl i.xsd", {1, "", "i.xsd: error: it is not a WSDL\n"}},
+        // An error at no place, or at the start, tells what a source of another importer looks like.
+        {"$import wsdl i.xsd", {1, "", "i.xsd: error: it is not a WSDL; it looks like a source for xsd\n"}},
+        {"$import xsd w/w.xml; $import json w/w.xml; $import dtd --full w/w.xml --root M",
+         {1, "",
+          "w/w.xml: error: this document does not contain a root element; it looks like a source for wsdl\n"
+          "w/w.xml:1:1: error: a value is expected; it looks like a source for wsdl\n"
+          "w/w.xml: error: it declares no element, type or enumeration; 5 losses: 5 statements not understood\n"}},
+        {"echo '{\"type\":\"record\",\"name\":\"R\",\"fields\":[]}' >R.avsc; echo '{\"type\":\"object\"}' >O.json; "
+         "$import jsonschema R.avsc; $import avro R.avsc O.json; $import avro - <R.avsc -l",
+         {0, "\\sys\\json\\R\\R\tR (Automatically created)\n",
+          "R.avsc: error: it declares no element, type or enumeration; 1 loss: 1 value not understood; it looks like a "
+          "source for avro\n"
+          "O.json: error: it is neither a schema nor a protocol of Avro; it looks like a source for jsonschema\n"}},
         {"$import jsonschema j.json --catalog c", {2, "", mistake("--catalog: jsonschema reads no catalogues")}},
         {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},
         {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; printf '//\n{\"type\":\"enum\",\"name\":\"E\","
@@ -222,7 +234,8 @@ TEST_F(ImportCommand, AnswersExactly)
          {1,
           "\\sys\\json\\A\\A\tA (Automatically created)\n\\sys\\json\\u\tu (Automatically created)\n\\sys\\json\\T\tT\n"
           "NAME=\"\\sys\\json\\j\\j\"\nNAME=\"b\"\nNAME=\"title\"\nNAME=\"properties\"\n",
-          "j/t.json: error: it is neither an OpenAPI nor an AsyncAPI document\n" +
+          "j/t.json: error: it is neither an OpenAPI nor an AsyncAPI document; it looks like a source for "
+          "jsonschema\n" +
               says("j: the folder holds no source")}},
         {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
         {"ln -s none set/.5.dtd; ln -s none set/6.dtd; $import dtd --full set; rm set/6.dtd; $import dtd --full set -b "

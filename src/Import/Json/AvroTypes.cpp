@@ -26,6 +26,14 @@ JsonNode::Index AvroTypes::find(Index schema, JsonWord key, JsonNode::Kind kind)
     return isRight ? found : 0;
 }
 
+bool AvroTypes::isSource(Index document)
+{
+    if (tree.find(document, JsonWord::protocol) != 0)
+        return true;
+    const std::vector<Scoped> leaves = sort({{document, 0}}).leaves;
+    return leaves.empty() || std::ranges::any_of(leaves, [this](const Scoped& leaf) { return isKnown(leaf.schema); });
+}
+
 void AvroTypes::addCandidate(Index schema, std::string_view name)
 {
     declareAll({schema, 0});
@@ -244,6 +252,16 @@ std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema) const
     return type == "enum" ? SourceTypes::kindEnumeration : SourceTypes::kindText;
 }
 
+// Returns whether Avro defines the type of a leaf.
+bool AvroTypes::isKnown(Index leaf) const
+{
+    const bool isObject = tree.is(leaf, JsonNode::object);
+    const Index said = isObject ? tree.find(leaf, JsonWord::type) : leaf;
+    const std::string_view type = tree.is(said, JsonNode::string) ? tree.text(said) : "";
+    return isOneOf(type, {"int", "long", "float", "double", "bytes", "string", "boolean", "null"}) ||
+           (isObject && isAvroType(type));
+}
+
 std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& leaves, std::string_view name)
 {
     std::set<SourceTypes::Kind> kinds;
@@ -251,11 +269,8 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
     for (const Scoped& leaf : leaves) {
         const bool isObject = tree.is(leaf.schema, JsonNode::object);
         const Index said = isObject ? find(leaf.schema, JsonWord::type) : leaf.schema;
-        const std::string_view type = tree.text(said);
-        const bool isKnown = isOneOf(type, {"int", "long", "float", "double", "bytes", "string", "boolean", "null"}) ||
-                             (isObject && isAvroType(type));
-        if (said != 0 && (!tree.is(said, JsonNode::string) || !isKnown))
-            documents.note(SourceReport::unresolvedReference, said, type);
+        if (said != 0 && !isKnown(leaf.schema))
+            documents.note(SourceReport::unresolvedReference, said, tree.text(said));
         if (const auto kind = kindOf(leaf.schema))
             kinds.insert(*kind);
         else

@@ -17,6 +17,9 @@ public:
     /// Declares the named types in `document`, a schema or a protocol, so that schemas may refer to them from anywhere.
     void declareAll(Index document);
 
+    /// Returns whether a document is a protocol, or a schema with a type that Avro or a declared name defines.
+    bool isSource(Index document);
+
     /// Declares the named types in `schema`. Its records at the top become candidates for main types; so does a value
     /// of any other kind, under `name`, which must live as long as the types.
     void addCandidate(Index schema, std::string_view name);
@@ -62,6 +65,7 @@ private:
     NameTable::Id fullNameOf(std::string_view name, NameTable::Id space);
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
     Sorted sort(std::vector<Scoped> alternatives);
+    bool isKnown(Index leaf) const;
     void spendStep();
     std::string_view simpleNameOf(Index schema);
     SourceTypes::Type recordOf(const std::vector<Scoped>& schemas, bool isMap, std::string_view name,

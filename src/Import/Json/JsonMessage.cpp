@@ -20,6 +20,12 @@ bool isDescription(const JsonTree& tree, Index root)
     return !openApiVersionOf(tree, root).empty() || tree.find(root, JsonWord::asyncapi) != 0;
 }
 
+[[noreturn]] void refuse(const JsonTree& tree, Index root, const CString& reason, const SourceReport& report)
+{
+    const CString& file = report.fileNameOf(tree[root].document);
+    throw SourceRefusal{file + ": " + reason + ".", {file, reason}};
+}
+
 } // namespace
 
 void JsonMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
@@ -97,10 +103,9 @@ void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& docume
                                    MessageSchemas& xml, SourceTypes& types, SourceReport& report)
 {
     const JsonTree& tree = documents.tree;
-    const auto refuseUnless = [&](bool isRight, Index root, const CString& reason) {
-        const CString& file = report.fileNameOf(tree[root].document);
+    const auto refuseUnless = [&](bool isRight, Index root, const char* reason) {
         if (!isRight)
-            throw SourceRefusal{file + ": " + reason + ".", {file, reason}};
+            refuse(tree, root, reason, report);
     };
     constexpr const char* unknown = "it is neither an OpenAPI nor an AsyncAPI document";
     std::vector<Index> all(roots.begin(), roots.end());
@@ -154,9 +159,13 @@ void AvroMessage::readDocuments(std::span<Index> roots, JsonDocuments& documents
     for (Index source = 0; source < roots.size(); ++source) {
         names.setSource(source);
         const Index root = roots[source];
+        if (root == 0) // the same file again
+            continue;
+        if (!avro.isSource(root))
+            refuse(documents.tree, root, "it is neither a schema nor a protocol of Avro", report);
         if (documents.tree.find(root, JsonWord::protocol) != 0)
             avro.readProtocol(root);
-        else if (root != 0)
+        else
             avro.addCandidate(root, names.toModelName(toXmlName(documents.nameOf(root)), root));
     }
     // The requested root may be any of the types.

@@ -1,6 +1,7 @@
 #include "Import/Json/JsonTypes.h"
 
 #include "Import/Full/Descriptions.h"
+#include "Import/Json/JsonKind.h"
 
 #include <algorithm>
 #include <optional>
@@ -252,6 +253,12 @@ void JsonTypes::addDeclared(Index root, std::string_view name)
     // A part of an API description may hold schemas directly, by name.
     if (const Index schema = tree.find(root, name); !hasOwn && tree.keyOf(schema) == JsonWord::none)
         add(schema, name);
+}
+
+bool JsonTypes::hasOwnType(Index root)
+{
+    const bool isAvro = isAvroType(tree.textOf(root, JsonWord::type));
+    return shapeOf(root, nameOf(root)) != Shape() || (tree.find(root, JsonWord::type) != 0 && !isAvro);
 }
 
 void JsonTypes::addCandidate(Index schema, std::string_view name)

@@ -49,10 +49,7 @@ public:
     void nameReferred(Index holder);
 
     /// Returns whether a document has a type of its own, instead of definitions only, and adds it.
-    bool hasOwnType(Index root)
-    {
-        return shapeOf(root, nameOf(root)) != Shape() || tree.find(root, JsonWord::type) != 0;
-    }
+    bool hasOwnType(Index root);
 
     /// Adds the types of all schemas under `holder`, so that unused ones are imported as well. With `asCandidates` they
     /// become candidates for main types.

@@ -5,6 +5,8 @@
 #include "Import/Schema/Full/SchemaTypes.h"
 #include "Xml/XmlParser.h"
 
+#include <utility>
+
 namespace {
 
 // Reads the root of a schema.
@@ -12,11 +14,10 @@ struct SchemaRoot : XmlHandler
 {
     void startElement(XmlName name, XmlAttributes attributes) override
     {
-        if (isSeen)
+        if (std::exchange(isSeen, true) || name.local != std::string_view("schema"))
             return;
-        isSeen = true;
         const std::string_view prefix = name.prefix ? name.prefix : "";
-        hasOtherPrefix = name.local == std::string_view("schema") && prefix != "xs" && prefix != "xsd";
+        hasOtherPrefix = prefix != "xs" && prefix != "xsd";
         for (std::size_t i = 0; i < attributes.size(); ++i)
             hasTarget |= !attributes[i].name.prefix && attributes[i].name.local == std::string_view("targetNamespace");
     }
