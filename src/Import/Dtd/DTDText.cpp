@@ -64,8 +64,8 @@ std::size_t findNameEnd(std::string_view text, std::size_t from)
 
 SourcePlace TextPlaces::at(std::size_t offset)
 {
-    const auto lineAt = [this](std::size_t end, std::size_t from,
-                               Line line) { // that of `end`; `line` is that of `from`
+    // Returns the line of `end`, given that of `from`.
+    const auto lineAt = [this](std::size_t end, std::size_t from, Line line) {
         const std::string_view before = text.substr(0, end);
         for (std::size_t feed = before.find('\n', from); feed != kNowhere; feed = before.find('\n', feed + 1))
             line = {feed + 1, line.number + 1};
