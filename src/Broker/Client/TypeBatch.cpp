@@ -12,8 +12,8 @@ namespace {
 constexpr char kEnd = '\x01';
 constexpr char kPartEnd = '\x02';
 constexpr char kSetBatch[] = "SELECT length(set_config('typeforge.batch', ?, false)), "
-                             "set_config('typeforge.told', '', false)";
-constexpr char kReadOutcomes[] = "SELECT current_setting('typeforge.told')";
+                             "set_config('typeforge.outcomes', '', false)";
+constexpr char kReadOutcomes[] = "SELECT current_setting('typeforge.outcomes')";
 
 const char* ruleName(VornExisting rule)
 {

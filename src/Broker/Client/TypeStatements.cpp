@@ -54,7 +54,7 @@ DECLARE
     old record;
     rule text;
     code text;
-    told text := '';
+    outcomes text := '';
 BEGIN
     FOR i IN 5 .. cardinality(batch) BY 2 LOOP
         code := '0';
@@ -78,8 +78,8 @@ BEGIN
             END IF;
             code := concat(code, old.source, E'\x02', old.at);
         END IF;
-        told := told || code || E'\x01';
-        PERFORM set_config('typeforge.told', told, false);
+        outcomes := outcomes || code || E'\x01';
+        PERFORM set_config('typeforge.outcomes', outcomes, false);
         COMMIT;
     END LOOP;
 END $typeforge$)";
