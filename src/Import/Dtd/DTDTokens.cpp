@@ -82,11 +82,11 @@ bool DTDTokens::nextDeclaration()
             return false;
         } else if (*frame.at == '%') {
             readReference();
-        } else if (stands("<!--")) {
+        } else if (isNext("<!--")) {
             skipComment();
-        } else if (stands("<![")) {
+        } else if (isNext("<![")) {
             readSection();
-        } else if (stands("<!")) {
+        } else if (isNext("<!")) {
             declaration = placeIn(frame);
             frame.at += 2;
             word = dtdNameAt(frame.rest());
@@ -94,9 +94,9 @@ bool DTDTokens::nextDeclaration()
             base = frames.size();
             mayHoldMarkup = word == "ENTITY" || word == "entity";
             return true;
-        } else if (stands("<?")) {
+        } else if (isNext("<?")) {
             skipInstruction();
-        } else if (sections > 0 && stands("]]>")) {
+        } else if (sections > 0 && isNext("]]>")) {
             --sections;
             frame.at += 3;
         } else if (*frame.at == ']' && doctype == inBrackets && frames.size() == 1) {
@@ -214,7 +214,7 @@ void DTDTokens::skipSection()
     Frame& frame = frames.back();
     std::size_t depth = 1;
     while (depth > 0 && frame.at < frame.end) {
-        const bool begins = stands("<!["), ends = stands("]]>");
+        const bool begins = isNext("<!["), ends = isNext("]]>");
         depth += begins;
         depth -= ends;
         frame.at += begins || ends ? 3 : 1;
@@ -286,7 +286,7 @@ bool DTDTokens::readReference()
 bool DTDTokens::readDash()
 {
     Frame& frame = frames.back();
-    if (stands("--") && frame.hasDashes) {
+    if (isNext("--") && frame.hasDashes) {
         const std::size_t close = frame.rest().find("--", 2);
         frame.hasDashes = close != kNowhere;
         if (frame.hasDashes) {
@@ -308,11 +308,11 @@ bool DTDTokens::readDash()
 // Skips a comment in the declaration, or stops before the next declaration. Returns false if there is a token.
 bool DTDTokens::readLess()
 {
-    if (stands("<!--") && frames.back().hasCommentEnd) {
+    if (isNext("<!--") && frames.back().hasCommentEnd) {
         skipComment();
         return true;
     }
-    if (stands("<!"))
+    if (isNext("<!"))
         current.kind = tokenMissing;
     else
         setMark('<');

@@ -22,7 +22,7 @@ public:
     {
         Kind kind = tokenMissing;
         char mark = '\0';
-        bool followsUnknown = false; ///< a missing entity stood before it
+        bool followsUnknown = false; ///< a missing entity came before it
         std::string_view text;
 
         bool isMark(char c) const { return kind == tokenMark && mark == c; }
@@ -62,7 +62,7 @@ public:
     /// From now on, a '<!' in a literal of the current declaration means that its second quote is missing.
     void endLiterals() { mayHoldMarkup = false; }
 
-    /// Returns whether `c` is the next character that is no blank.
+    /// Returns whether `c` is the next character other than a blank.
     bool peek(char c) const;
 
     /// Returns the entities that leave out sections; empty unless all sections with an entity as key were left out.
@@ -104,7 +104,7 @@ private:
     void readWord(Kind kind);
     void readQuoted(char quote);
     void setMark(char mark);
-    bool stands(std::string_view text) const { return frames.back().rest().starts_with(text); }
+    bool isNext(std::string_view text) const { return frames.back().rest().starts_with(text); }
     SourcePlace placeIn(Frame& frame) const;
 
     DTDEntities& entityTable;
