@@ -27,7 +27,7 @@ int MsgBase::parseFile(const CString& fileName, const CString& basePath)
     // If the import is cancelled, no half-filled model stays.
     return orEmpty([&] {
         const int result = parse(isFileMode() ? fileName : source, toXmlText(basePath), fileName);
-        source = {}; // frees it, because arranging needs memory of its own
+        source = {}; // freed, because arranging needs memory, too
         onAfterParse();
         return result;
     });

@@ -69,8 +69,8 @@ public:
     int beginEnum();     ///< moves the cursor before the first type; returns the number of types
     Element* enumNext(); ///< returns the next type; null at the end and from then on
 
-    /// Declares one occurrence of an element under `parent` (null at the top) and returns the element. If a usage key
-    /// occurs again, the element repeats in its parent.
+    /// Declares one occurrence of an element under `parent` (null for a top-level element) and returns the element. If
+    /// a usage key occurs again, the element repeats in its parent.
     Element* addElement(const CString& usageKey, const CString& path, const CString& name, const CString& description,
                         Element::ElementTypes type, Element* parent);
 

@@ -116,7 +116,7 @@ CString shortened(std::string_view name)
     return text;
 }
 
-// Returns whether any component of the source may be missing because of such a construct.
+// Returns whether such a construct may hide components of the source.
 bool mayHideComponents(SourceReport::Construct construct)
 {
     return construct <= SourceReport::moduleRemote || construct == SourceReport::unterminated;

@@ -34,7 +34,7 @@ int BrokerMessage::parse(const CString& source, const CString&, const CString&)
     return !isEmpty;
 }
 
-// Reports a type behind one without content. Such types are not imported.
+// Reports a type after one without content. Such types are not imported.
 void BrokerMessage::skipType(const IXMLDOMNode& type)
 {
     if (type.baseName().empty()) // no element

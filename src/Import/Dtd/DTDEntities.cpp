@@ -136,7 +136,7 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
     return entity->text;
 }
 
-// Returns the text of the file that a module names; null if it is missing, which the report then says.
+// Returns the text of the file that a module names; null if it is missing, which is reported.
 DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
 {
     const std::uint32_t declaring = entity.value.start.file;

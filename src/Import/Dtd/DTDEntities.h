@@ -32,15 +32,15 @@ public:
     Text& addFile(const FoundFile& file, const CString& shownName, std::string_view bytes);
 
     /// Declares an entity by its value. Character references and the entities known so far are replaced in it (XML 1.0,
-    /// 4.4.5). If the name is declared already, the first declaration holds.
+    /// 4.4.5). The first declaration of a name takes precedence.
     void declare(std::string_view name, std::string_view value, SourcePlace place);
     /// Declares an entity by the file that holds it; the file is opened at the first reference. The first declaration
-    /// holds.
+    /// of a name takes precedence.
     void declareModule(std::string_view name, std::string_view publicId, std::string_view systemId, SourcePlace place);
 
-    /// Returns the text to read for a reference; null if there is none, which the report then says. A module is looked
-    /// for once, and reported as missing once. `depth` is the number of entities around the reference. Call close() at
-    /// the text's end.
+    /// Returns the text to read for a reference; null if there is none, which is reported. A module is looked for once,
+    /// and reported as missing once. `depth` is the number of entities around the reference. Call close() at the text's
+    /// end.
     Text* open(std::string_view name, std::size_t depth, SourcePlace where);
     /// Ends the reading of a text that open() returned.
     void close(Text& text) { text.isOpen = false; }

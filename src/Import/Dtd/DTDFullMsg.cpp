@@ -81,7 +81,7 @@ std::vector<std::size_t> DTDFullMessage::findTops(std::span<const CString> files
     return links.findTops(all);
 }
 
-// Declares the caller's entities, and returns the text of the DTD behind them.
+// Adds the text of the DTD, and declares the caller's entities. Returns the text.
 DTDEntities::Text& DTDFullMessage::begin(DTDEntities& entities, SourceTypes& types, const CString& file,
                                          std::string_view text) const
 {

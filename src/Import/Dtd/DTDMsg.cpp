@@ -152,10 +152,10 @@ SourceFault DTDMessage::faultAt(std::size_t at, const CString& words)
     return {sourceName, words, place.line, place.column};
 }
 
-// Parses one statement, from its '<' to behind its '>'. Both handlers run if both keywords occur.
+// Parses one statement, from its '<' through its '>'. Both handlers run if both keywords occur.
 int DTDMessage::doParse(std::size_t start, std::size_t end)
 {
-    const auto behind = [end](std::size_t keyword) { // the position behind the keyword, if that lies in the statement
+    const auto behind = [end](std::size_t keyword) { // the position after the keyword, if that lies in the statement
         return keyword != kNowhere && keyword + kKeywordLength <= end ? keyword + kKeywordLength : kNowhere;
     };
     if (const std::size_t element = behind(text->elementKeyword.from(start)); element != kNowhere)
@@ -166,7 +166,7 @@ int DTDMessage::doParse(std::size_t start, std::size_t end)
     return 1;
 }
 
-// Parses an ELEMENT behind its keyword: a name up to the first space or '(', then the content model.
+// Parses an ELEMENT from the end of its keyword on: a name up to the first space or '(', then the content model.
 int DTDMessage::doParseElement(std::size_t start, std::size_t end)
 {
     const std::size_t nameStart = std::min(text->nameStart.from(start), end);
@@ -226,7 +226,7 @@ void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* pa
             formatField(text->whole.substr(start, open - start), {}, parent);
         start = open + 1;
         if (open == levelEnd) {
-            ends.pop_back(); // continue behind the ')' that ended this level
+            ends.pop_back(); // continue after the ')' that ended this level
         } else if (const DTDGroups::Close* close = groups.closeOf(next, levelEnd); !close) {
             continue; // the group runs to the end of this level
         } else if (close->mark < levelEnd) {

@@ -39,7 +39,7 @@ public:
     /// Returns the child under the cursor and moves on; null at the end.
     const Child* enumNext();
 
-    /// Sets that the field is that of an attribute of `record`, mentioned at `at`. The first mention holds.
+    /// Marks the field as that of an attribute of `record`, mentioned at `at`. The first mention takes precedence.
     void setAttribute(const DTDElement& record, std::size_t at)
     {
         if (at < attributeAt) {

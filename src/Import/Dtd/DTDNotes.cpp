@@ -9,7 +9,7 @@ namespace {
 constexpr CharSet kBeforeKeyword(" \t\r\n!");
 constexpr std::size_t kLongKey = 200;
 
-// Returns whether the keyword stands at `at` as a whole word, in capitals or not.
+// Returns whether the keyword is at `at` as a whole word, in any letter case.
 bool isKeywordAt(std::string_view text, std::size_t at, std::string_view keyword)
 {
     const std::string_view found = text.substr(at, keyword.size());
@@ -108,7 +108,7 @@ std::size_t DTDNotes::readInstruction(std::size_t at)
     return next == kNowhere ? text.size() : at + next;
 }
 
-// Reads the start of a conditional section. Its contents are read whatever its key says.
+// Reads the start of a conditional section. Its contents are read, whatever its key.
 std::size_t DTDNotes::readSection(std::size_t at)
 {
     const std::string_view key =
@@ -139,7 +139,7 @@ std::size_t DTDNotes::readDeclaration(std::size_t at, bool hasLiterals)
 std::size_t DTDNotes::readLong(std::size_t at, std::size_t keyword, bool isOfEntity)
 {
     const std::string_view word = dtdNameAt(text.substr(keyword));
-    bool expectsName = isOfEntity; // a '%' before the name of an entity is no reference
+    bool expectsName = isOfEntity; // a '%' before the name of an entity is not a reference
     for (std::size_t place = keyword + word.size(); place < text.size();) {
         const char c = text[place];
         if (c == '>') {
@@ -163,7 +163,7 @@ std::size_t DTDNotes::readLong(std::size_t at, std::size_t keyword, bool isOfEnt
     return text.size();
 }
 
-// Returns the position behind the literal at `place` of the declaration at `at`. A literal without its second quote
+// Returns the position after the literal at `place` of the declaration at `at`. A literal without its second quote
 // either finds none, or ends at the first quote of the next literal, whose text follows without a delimiter.
 std::size_t DTDNotes::readLiteral(std::size_t at, std::size_t place, bool mayHoldMarkup)
 {
@@ -179,8 +179,8 @@ std::size_t DTDNotes::readLiteral(std::size_t at, std::size_t place, bool mayHol
     return isComplete ? end + 1 : place + 1;
 }
 
-// Reads what begins with a '<' but is no statement. An ELEMENT or ATTLIST without its '!', or with a blank before its
-// keyword, is read as one, as the literal reading does.
+// Reads what begins with a '<' but is not a statement. An ELEMENT or ATTLIST without its '!', or with a blank before
+// its keyword, is read as one, as the literal reading does.
 std::size_t DTDNotes::readUnknown(std::size_t at)
 {
     const std::size_t start = std::min(kBeforeKeyword.out(text, at + 1), text.size());

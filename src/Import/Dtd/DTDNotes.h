@@ -17,7 +17,7 @@ public:
     void read();
 
 private:
-    // Each returns the position behind the construct that begins at `at`.
+    // Each returns the position after the construct that begins at `at`.
     std::size_t readReference(std::size_t at);
     std::size_t readStatement(std::size_t at);
     std::size_t readComment(std::size_t at);

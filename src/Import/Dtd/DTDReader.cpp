@@ -4,7 +4,7 @@
 
 namespace {
 
-// Namespace declarations are no data, so they become no fields.
+// Namespace declarations are not data, so they get no fields.
 bool isNamespace(std::string_view attribute)
 {
     return attribute == "xmlns" || attribute.starts_with("xmlns:");
@@ -158,7 +158,7 @@ bool DTDReader::readContent(bool& holdsText)
     return isKnown;
 }
 
-// Reads a content model from its first '('. A model that doesn't end is reported, and what was read so far stands.
+// Reads a content model from its first '('. A model that doesn't end is reported; what was read so far is used.
 bool DTDReader::readGroup(bool& holdsText)
 {
     std::size_t depth = 0;
@@ -169,7 +169,7 @@ bool DTDReader::readGroup(bool& holdsText)
             noteMalformed(names.front());
             for (; depth > 0; --depth)
                 model.endGroup(false);
-            return true; // what was read so far stands
+            return true; // what was read so far is used
         }
         lacksConnector |=
             followsItem && (token.kind == DTDTokens::tokenWord || token.isMark('(')) && !token.followsUnknown;
@@ -221,8 +221,8 @@ void DTDReader::readChild()
         noteMalformed(child.name);
 }
 
-// Reads the mark behind a name or a group. Returns true if the mark means more than one. A '+' before a '(' is no mark,
-// because it begins an SGML inclusion.
+// Reads the mark after a name or a group. Returns true if the mark means more than one. A '+' before a '(' is not a
+// mark, because it begins an SGML inclusion.
 bool DTDReader::readMark()
 {
     const bool isStar = tokens->token().isMark('*'), isOptional = isStar || tokens->token().isMark('?');
@@ -236,7 +236,7 @@ bool DTDReader::readMark()
 void DTDReader::declareElement(Element& element, Index firstContent, bool holdsText)
 {
     if (element.isDeclared) {
-        // The DTDs of a set share modules, so the same declaration comes several times and is no fault.
+        // The DTDs of a set share modules, so the same declaration comes several times, which is not a fault.
         const auto all = std::span(contents);
         const bool isSame =
             element.holdsText == holdsText &&
@@ -282,7 +282,7 @@ bool DTDReader::readAttribute()
         type = readAttributeType(name);
         readDefault();
     }
-    // The declaration of a namespace is no data.
+    // The declaration of a namespace is not data.
     if (!isNamespace(name))
         for (const std::string_view element : names)
             addAttribute(elementNamed(element), name, type);
@@ -327,7 +327,7 @@ void DTDReader::readDefault()
         tokens->next();
     if (isReserved && !isFixed)
         return;
-    // A word behind a missing entity is the next attribute, because the entity may have held the default.
+    // A word after a missing entity is the next attribute, because the entity may have held the default.
     const bool isWord = token.kind == DTDTokens::tokenWord && !token.followsUnknown;
     if (!isWord && token.kind != DTDTokens::tokenLiteral)
         return;

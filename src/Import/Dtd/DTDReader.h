@@ -4,8 +4,8 @@
 #include "Import/Dtd/DTDTokens.h"
 #include "Import/Full/ContentModel.h"
 
-/// Reads the declarations of a DTD and makes types of them. An element with children or attributes is a record, its
-/// children and attributes are the fields. The first declaration of a name holds.
+/// Reads the declarations of a DTD and makes types from them. An element with children or attributes is a record, its
+/// children and attributes are the fields. The first declaration of a name takes precedence.
 class DTDReader
 {
 public:
@@ -16,7 +16,7 @@ public:
 
     /// Makes the types after everything is read. `sources` holds, by the number of a DTD in order of reading, its
     /// number among the sources. With `roots`, only the elements that these reach are reported, because the others are
-    /// not imported; the report must have been holding from the start.
+    /// not imported; hold() of the report must have been called before read().
     void finish(std::span<const SourceTypes::Index> sources, std::span<const CString> roots);
 
 private:
@@ -42,7 +42,7 @@ private:
         Index record = SourceTypes::kNone;
         Index source = 0; // number of the DTD that declares it
         bool isDeclared = false;
-        bool isReferred = false; // some element holds it
+        bool isReferred = false; // an element contains it
         bool holdsText = false;
 
         std::string_view queryName() const { return name; }

@@ -21,7 +21,7 @@ constexpr std::array<unsigned char, 256> shiftsOf(std::string_view word)
     return shifts;
 }
 
-// `word` is in capitals.
+// `word` is in upper case.
 std::size_t findWord(std::string_view text, std::size_t from, std::string_view word,
                      const std::array<unsigned char, 256>& shifts)
 {

@@ -70,7 +70,7 @@ class ForwardSearch
 public:
     explicit ForwardSearch(std::string_view text) : text(text) {}
 
-    /// Returns the first match at `start` or behind it, or kNowhere. `start` must not be less than in the last call.
+    /// Returns the first match at `start` or after it, or kNowhere. `start` must not be less than in the last call.
     std::size_t from(std::size_t start)
     {
         if (!searched || found < start) {
@@ -118,7 +118,7 @@ public:
     struct Close
     {
         std::size_t at;
-        std::size_t mark = kNowhere; ///< the first '*' or '+' behind it, unless a separator comes before; else kNowhere
+        std::size_t mark = kNowhere; ///< the first '*' or '+' after it, unless a separator comes before; else kNowhere
     };
 
     /// Matches the parentheses of `text`, in linear time.
@@ -136,7 +136,7 @@ public:
     /// Returns the last ')' between two positions; null if there is none.
     const Close* lastBetween(std::size_t start, std::size_t end) const;
 
-    /// Returns the index of the first group that opens at `start` or behind it; size() if there is none.
+    /// Returns the index of the first group that opens at `start` or after it; size() if there is none.
     std::size_t firstFrom(std::size_t start) const;
 
 private:
@@ -150,11 +150,11 @@ private:
     std::vector<Close> closes; // sorted by `at`
 };
 
-/// Return the position of a keyword from `from` on, in upper or lower case; kNowhere if there is none.
+/// Return the position of a keyword from `from` on, in any letter case; kNowhere if there is none.
 std::size_t findElementKeyword(std::string_view text, std::size_t from);
 std::size_t findAttlistKeyword(std::string_view text, std::size_t from);
 
-/// Returns the first character from `from` on that is no white space, or kNowhere.
+/// Returns the first character from `from` on that is not white space, or kNowhere.
 std::size_t skipWhitespace(std::string_view text, std::size_t from);
 
 /// Returns the first space or '(' from `from` on, which ends the name of an element, or kNowhere.

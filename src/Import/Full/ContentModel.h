@@ -7,7 +7,7 @@
 #include <vector>
 
 /// Flattens one content model: collects its names in order of first occurrence, and finds those that may occur more
-/// than once. A name repeats by its own mark, by that of a group around it, or if it occurs twice where both can be
+/// than once. A name repeats if it or a group around it has a repeating mark, or if it occurs twice and both can be
 /// present. Readers add groups and names in document order. Names are numbers from 0, as dense as possible.
 class ContentModel
 {

@@ -15,7 +15,7 @@ public:
     /// `row` is the table row of the importer.
     explicit FullMessage(MsgUIDescriptor& row) : MsgBase(0), row(row) {}
 
-    /// Sets the main types, and limits the import to the types that they reach. Without names the source's own choice
+    /// Sets the main types, and limits the import to the types that they reach. Without names, the source's own choice
     /// is used. A name is that of an element, else of a top-level type; "{URI}name", "prefix:name" with a prefix
     /// declared by the source, or the full name of an Avro type selects one of several of the same name.
     void setRoots(const std::vector<CString>& names) { roots = names; }

@@ -2,7 +2,7 @@
 
 #include "Import/Full/RecordOrder.h"
 
-/// Chooses the main element: the one from which the most records can be reached; of equals the first declared. An
+/// Chooses the main element: the one from which the most records can be reached; of equal ones, the first declared. An
 /// element whose name is a word of the file's name takes precedence if it reaches at least half as many. Elements
 /// without fields, and abstract ones, come last.
 class MainElement

@@ -84,7 +84,7 @@ public:
         Index space = 0; ///< namespace of the records that use it
     };
 
-    /// A candidate for the main type: an element that is declared at the top.
+    /// A candidate for the main type: a top-level element.
     struct Candidate
     {
         std::string_view name;

@@ -2,7 +2,7 @@
 
 #include "Import/Full/SourceTypes.h"
 
-/// Returns the folder of each namespace, without a backslash at the end; "" for the first one, which is no namespace.
-/// It is the folder set by the caller, else the last part of the URI that begins with a letter, joined to the parts
-/// after it by "-". If several would be equal, preceding parts are added, and then numbers.
+/// Returns the folder of each namespace, without a backslash at the end; "" for the first one, which stands for no
+/// namespace. It is the folder set by the caller, else the last part of the URI that begins with a letter, joined to
+/// the parts after it by "-". If several would be equal, preceding parts are added, and then numbers.
 std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces);

@@ -41,8 +41,8 @@ bool refersToXml(const JsonTree& tree, Index schema)
 
 } // namespace
 
-// Returns what a reference object leads to, else the node itself; 0 if it leads nowhere. Everything but a schema may be
-// such a reference.
+// Returns the target of a reference object, else the node itself; 0 if the reference leads nowhere. Any part except a
+// schema may be a reference object.
 JsonNode::Index ApiMessages::follow(Index node)
 {
     node = tree.target(node);
@@ -56,8 +56,8 @@ JsonNode::Index ApiMessages::follow(Index node)
     return 0;
 }
 
-// Returns a part of the description, also behind a reference; 0 if there is none. What is no object is reported, except
-// an empty part and an extension.
+// Returns a part of the description, references followed; 0 if there is none. A part that is not an object is reported,
+// unless it is empty or an extension.
 JsonNode::Index ApiMessages::partOf(Index node)
 {
     const Index part = follow(node);
@@ -208,7 +208,7 @@ JsonNode::Index ApiMessages::headersOf(Index message)
     return all;
 }
 
-// Returns the schema that a node holds beside its format, also behind a reference, and sets `format`. Returns the node
+// Returns the schema that a node holds beside its format, references followed, and sets `format`. Returns the node
 // itself if it holds none. Only version 3 has such schemas.
 JsonNode::Index ApiMessages::withoutFormat(Index node, CString& format)
 {
@@ -237,7 +237,7 @@ void ApiMessages::readSchema(Index schema, CString format, const CString& name, 
     if (languageOf(format) == SchemaLanguage::avro) {
         const Index target = follow(schema);
         avro.addCandidate(target, schemas.toModelName(name, schema));
-        schemas.leaveOut(target); // version 2 doesn't say the language of components
+        schemas.leaveOut(target); // version 2 doesn't name the language of components
     } else if (languageOf(format) == SchemaLanguage::jsonSchema) {
         schemas.addBody(schema, name, isPayload);
     } else {

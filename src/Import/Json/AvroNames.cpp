@@ -61,7 +61,7 @@ NameTable::Id AvroTypes::spaceOf(Scoped at)
     return own == 0 ? at.space : tree[own].text;
 }
 
-// Declares a schema if it is a named type. Returns false if it repeats an earlier one, which then stands for it.
+// Declares a schema if it is a named type. Returns false if it repeats an earlier one, which then replaces it.
 bool AvroTypes::declare(Scoped& at)
 {
     const std::string_view name = tree.textOf(at.schema, JsonWord::name);
@@ -82,7 +82,7 @@ bool AvroTypes::declare(Scoped& at)
     return true;
 }
 
-// Returns whether two schemas describe the same values. The name of a type is the same as its declaration.
+// Returns whether two schemas describe the same values. The name of a type equals its declaration.
 bool AvroTypes::isSame(Scoped one, Scoped other)
 {
     constexpr JsonWord members[] = {JsonWord::type,    JsonWord::name,   JsonWord::fields,     JsonWord::items,

@@ -236,7 +236,7 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool i
     return known->second = {SourceTypes::kindRecord, record};
 }
 
-// Returns the kind of a schema that is no object and no array; nothing for bytes.
+// Returns the kind of a schema that is neither an object nor an array; nothing for bytes.
 std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema) const
 {
     const bool isPlain = tree.is(schema, JsonNode::string);
@@ -278,7 +278,7 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
     }
     if (isBytes && kinds.empty())
         return std::nullopt;
-    // Different kinds become text. That is only worth a report if numbers or bytes are lost by it.
+    // Different kinds become text. Only lost numbers or bytes are worth a report.
     if (isBytes || (kinds.size() > 1 && kinds.contains(SourceTypes::kindNumber)))
         documents.note(SourceReport::kindsDiffer, leaves.front().schema);
     if (isBytes || kinds.size() != 1)

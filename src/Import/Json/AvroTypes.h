@@ -2,7 +2,7 @@
 
 #include "Import/Json/JsonTypes.h"
 
-/// Makes types of Avro schemas (Apache Avro 1.11.1). Named types are identified by their full names, and are declared
+/// Makes types from Avro schemas (Apache Avro 1.11.1). Named types are identified by their full names, and are declared
 /// before anything refers to them.
 class AvroTypes
 {
@@ -20,8 +20,8 @@ public:
     /// Returns whether a document is a protocol, or a schema with a type that Avro or a declared name defines.
     bool isSource(Index document);
 
-    /// Declares the named types in `schema`. Its records at the top become candidates for main types; so does a value
-    /// of any other kind, under `name`, which must live as long as the types.
+    /// Declares the named types in `schema`. Its top-level records become candidates for main types; so does a value of
+    /// any other kind, under `name`, which must live as long as the types.
     void addCandidate(Index schema, std::string_view name);
 
     /// Reads the types of a protocol, which must be declared. The requests and responses of its messages become

@@ -120,8 +120,8 @@ JsonNode::Index JsonContents::choiceOf(const std::vector<Index>& schemas)
     return tree.addList(0, JsonWord::none, schemas, schemas.front());
 }
 
-// Stores the content of the last frame. If a single other schema provides all of it, its type is used, unless this
-// schema has a name of its own.
+// Stores the content of the last frame. If a single other schema provides all of the content, that schema's type is
+// used, unless this schema has a name of its own.
 void JsonContents::finish()
 {
     Frame& frame = frames.back();
@@ -345,7 +345,7 @@ void JsonContents::addOwnFields(Frame& frame, Index properties)
         return;
     if (frame.content.kind == JsonContent::none)
         frame.content.kind = JsonContent::record;
-    // Properties make a schema an object, whatever its other parts say.
+    // Properties make a schema an object, whatever its other parts are.
     if (frame.content.kind != JsonContent::record) {
         documents.note(SourceReport::kindsDiffer, properties);
         take(frame, {.kind = JsonContent::record});

@@ -49,7 +49,7 @@ struct JsonContent
 };
 
 /// Works out the contents of schemas: follows references and combines allOf, oneOf, anyOf and conditions. Each schema
-/// is worked out once, without recursion. An array of schemas stands for the choice between them.
+/// is worked out once, without recursion. An array of schemas means a choice between them.
 class JsonContents
 {
 public:
@@ -73,7 +73,7 @@ public:
         return std::span(constants).subspan(enumeration.first, enumeration.count);
     }
 
-    /// Reads the schemas that were dropped because an equal one stands for them, so that their details count.
+    /// Reads the schemas that were dropped in favour of an equal one, so that their details count.
     void readDropped();
 
     /// Returns whether a schema is declared by name, or is the whole document.
@@ -89,7 +89,7 @@ private:
         both,   // applies in addition
         either, // is an alternative
         maybe,  // applies under a condition: adds missing fields, and narrows no others
-        own     // is no schema but the properties of this one
+        own     // is not a schema, but the properties of this one
     };
 
     struct Part
@@ -192,7 +192,7 @@ private:
     std::vector<JsonConstant> constants;
     std::unordered_map<Index, Merged> mergeInputs;
     std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
-    std::unordered_set<Index> dropped;                          // leaves for which an equivalent one stands
+    std::unordered_set<Index> dropped;                          // leaves dropped in favour of an equivalent one
     std::vector<Frame> frames;
     std::size_t steps = 0;
     std::size_t made = 0; // nodes of made schemas

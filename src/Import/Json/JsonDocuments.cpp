@@ -21,7 +21,7 @@ std::uint64_t keyOf(Index resource, NameTable::Id text)
     return static_cast<std::uint64_t>(resource) << 32 | text;
 }
 
-// Returns the length of a URI's scheme with its colon; 0 if there is none. A single letter is no scheme but a drive.
+// Returns the length of a URI's scheme with its colon; 0 if there is none. A single letter is a drive, not a scheme.
 std::size_t schemeLength(std::string_view uri)
 {
     const std::size_t end = uri.find_first_of(":/?#");
@@ -123,7 +123,8 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
 }
 
 // Registers the identifiers of a document, but not what looks like one in data or beside a "$ref" that replaces it. A
-// schema's own identifier comes before those inside it, which are relative to it, wherever it stands among the members.
+// schema's own identifier is registered before those inside it, which are relative to it, whatever its place among the
+// members.
 void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
 {
     std::vector<Index> identified;

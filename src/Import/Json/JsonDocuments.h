@@ -23,7 +23,7 @@ public:
     Index load(const CString& fileName);
 
     /// Returns the node that `reference` leads to: by identifier or anchor, else by file and JSON pointer (RFC 6901).
-    /// `holder` is the node that the reference stands in. Returns 0 and reports a loss if there is none. Only with
+    /// `holder` is the node that contains the reference. Returns 0 and reports a loss if there is none. Only with
     /// `mayBeText` it may be a string.
     Index resolve(Index holder, NameTable::Id reference, bool mayBeText = false);
 

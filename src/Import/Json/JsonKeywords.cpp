@@ -158,7 +158,7 @@ void JsonContents::readItems(Index schema, JsonWord key, Index node, Own& own)
             own.contained = node; // may be an object
         return;
     }
-    // It has no effect without a list of items.
+    // additionalItems has no effect without a list of items.
     if (key == JsonWord::additionalItems && !tree.is(tree.find(schema, JsonWord::items), JsonNode::array))
         return;
     own.hasItems = own.hasItems || isOneOf(key, {JsonWord::items, JsonWord::prefixItems}) ||
@@ -258,7 +258,7 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
     case JsonWord::array:
         content.kind = JsonContent::array;
         content.items = choiceOf(own.items);
-        // Some of the items are like the contained one, so it narrows none of them.
+        // Only some of the items match `contains`, so it narrows none of them.
         if (own.contained != 0) {
             const Index any =
                 content.items != 0 ? content.items : tree.add(JsonNode::object, 0, 0, JsonWord::none, own.contained);

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The kind of a document, by the keys at its top or at the top of its first list item.
+// The kind of a document, by its top-level keys or those of its first list item.
 class Marks
 {
 public:

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-/// Returns the id of the importer for a document in JSON or YAML, by the keys at its top: "openapi", "avro",
-/// "jsonschema", or "json" for any other JSON; empty if it is neither. `start` is the document's beginning.
+/// Returns the id of the importer for a document in JSON or YAML, by its top-level keys: "openapi", "avro",
+/// "jsonschema", or "json" for any other JSON; empty for any other text. `start` is the document's beginning.
 std::string_view importerOfJson(std::string_view start);
 
 /// Returns whether the type of a schema is one of Avro's with a name, which JSON Schema doesn't have.
@@ -18,5 +18,5 @@ enum class SchemaLanguage
     foreign
 };
 
-/// Returns the language of a schema by its format in small letters; JSON Schema if it is empty.
+/// Returns the language of a schema by its format in lower case; JSON Schema if the format is empty.
 SchemaLanguage languageOf(std::string_view format);

@@ -20,8 +20,8 @@ constexpr std::size_t kMadePerValue = 2;
 } // namespace
 
 // Returns the schema that a reference leads to; 0 and a loss if it leads to none, or to one in another language. The
-// members of "properties" are schemas, but it is none itself, unless a document that is no schema uses such a key for
-// one.
+// members of "properties" are schemas, but "properties" itself is not, unless a document that is not a schema uses this
+// key for one.
 JsonNode::Index JsonContents::referenced(Index child)
 {
     const NameTable::Id reference = tree[tree.target(child)].text;

@@ -59,7 +59,7 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
             candidate.source = SourceTypes::kNone;
     if (!areRequested || types.empty())
         return;
-    // The file tells apart types of the same name. Plain types of the sources are all alike.
+    // The file distinguishes types of the same name. Plain types of the sources are all alike.
     for (SourceTypes::Candidate& candidate : types.candidates) {
         const bool isRecord = candidate.type.kind == SourceTypes::kindRecord && !candidate.isType;
         const SourcePlace place = isRecord ? types.records[candidate.type.index].place : candidate.place;

@@ -16,9 +16,9 @@ public:
 protected:
     using Index = JsonNode::Index;
 
-    /// Makes types of documents. `roots` holds a root for each document of the set; 0 if the same file was given
-    /// before. Sets the roots of those to 0 that are only parts of others. Candidates for main types are added under
-    /// the document's position, see JsonTypes::setSource(). Schemas in XML Schema are added to `xml`.
+    /// Makes types from documents. `roots` holds a root for each document of the set; 0 if the same file was given
+    /// before. Sets the roots of documents that are only parts of others to 0. Candidates for main types are added
+    /// under the document's position, see JsonTypes::setSource(). Schemas in XML Schema are added to `xml`.
     virtual void readDocuments(std::span<Index> roots, JsonDocuments& documents, JsonTypes& schemas,
                                MessageSchemas& xml, SourceTypes& types, SourceReport& report) = 0;
 

@@ -97,7 +97,7 @@ private:
         throw JsonFault{reason, static_cast<std::uint32_t>(mark.line + 1), columnOf(mark)};
     }
 
-    // For bytes that are no text the parser sets the offset instead of the mark.
+    // For bytes that are not text, the parser sets the offset instead of the mark.
     [[noreturn]] void failToParse()
     {
         const CString reason = parser.problem ? parser.problem : "not YAML";

@@ -89,7 +89,7 @@ void JsonScanner::skipSpace()
     }
 }
 
-// Skips a comment behind its first character. Only a text has comments, and it is never refilled.
+// Skips a comment from its second character on. Only a text has comments, and it is never refilled.
 void JsonScanner::skipComment()
 {
     const char kind = peek();

@@ -88,7 +88,7 @@ private:
     void scanWord(std::string_view word);
     void skipSpace();
     void skipComment();
-    void beginLine() // behind the line feed at the cursor
+    void beginLine() // after the line feed at the cursor
     {
         ++lines;
         lineOffset = consumed + at + 1;

@@ -72,7 +72,7 @@ struct JsonNode
         alias ///< refers to the node `firstChild`
     };
 
-    /// Where a value stands.
+    /// The role of a value's place.
     enum Place : std::uint8_t
     {
         statement, ///< is a schema, or part of one
@@ -126,7 +126,8 @@ public:
     /// Returns the node that an alias refers to, else the node itself.
     Index target(Index node) const { return nodes[node].kind == JsonNode::alias ? nodes[node].firstChild : node; }
 
-    /// Returns the member of an object under `key`, aliases followed; 0 if there is none, or if `object` is no object.
+    /// Returns the member of an object under `key`, aliases followed; 0 if there is none, or if `object` is not an
+    /// object.
     Index find(Index object, NameTable::Id key) const;
     Index find(Index object, JsonWord key) const { return find(object, static_cast<NameTable::Id>(key)); }
     Index find(Index object, std::string_view key) const;
@@ -163,7 +164,7 @@ public:
     std::string_view key(Index node) const { return names[nodes[node].key]; }
 
     /// Adds a node as the next child of `parent` and returns it. `last` is the parent's last child so far, or 0.
-    /// Without a parent (0) it stands by itself. Its place is that of the node `place`.
+    /// Without a parent (0) it is a root. Its place is that of the node `place`.
     Index add(JsonNode::Kind kind, Index parent, Index last, JsonWord key, Index place);
 
     /// The same for an alias of the node `other`, at its place.

@@ -13,7 +13,7 @@ using Index = JsonNode::Index;
 constexpr std::uint16_t kMaxDepth = 100; // of nested tables
 
 // Returns the text up to its first sentence end or empty line. A full stop ends a sentence if white space follows and
-// then no small letter, so "e.g." doesn't.
+// then no lower-case letter, so "e.g." doesn't.
 std::string_view firstSentence(std::string_view text)
 {
     for (std::size_t at = 0; (at = text.find_first_of(".!?\n", at)) != text.npos; ++at) {

@@ -7,7 +7,7 @@
 #include <tuple>
 #include <unordered_set>
 
-/// Makes types of JSON Schemas: the records and enumerations of the requested schemas, and of all they refer to.
+/// Makes types from JSON Schemas: the records and enumerations of the requested schemas, and of all they refer to.
 class JsonTypes
 {
 public:

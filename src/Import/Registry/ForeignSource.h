@@ -12,5 +12,5 @@ std::string_view foreignSource(std::string_view start, std::string_view content)
 /// something else.
 std::string_view namespaceOf(std::string_view text);
 
-/// Does the same for text that no importer knows, identified by the end of the file's name or by its first words.
+/// Does the same for text that no importer knows, identified by the file's suffix or by its first words.
 std::string_view foreignText(std::string_view start, std::string_view fileName);

@@ -174,7 +174,7 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
     }
 }
 
-// Attributes of other languages may stand anywhere; those of this language have no prefix.
+// Attributes of other languages are allowed anywhere; those of this language have no prefix.
 void SchemaStatements::checkForeign(XmlName called, const char* uri, XmlName statement)
 {
     if (ignored == 0 && schemaEditionOf(uri) != SchemaEdition::none)

@@ -32,8 +32,8 @@ public:
     /// Call it before each enter(), like XmlHandler::scope().
     void scope(const XmlScope& scope);
 
-    /// Enters a start tag. Returns `none` if it is no statement. `component` is the number in the report of what begins
-    /// here if it is a component at the top; 0 if the report doesn't hold constructs by component.
+    /// Enters a start tag. Returns `none` if it is not a statement. `component` is the number in the report if a
+    /// top-level component begins here; 0 if the report doesn't hold constructs by component.
     SchemaTag enter(XmlName name, XmlAttributes attributes, SourceReport::Component component = 0);
     /// Leaves the element that was entered last.
     void leave();
@@ -161,7 +161,7 @@ private:
     XmlPlace start;
     const char* lastUri = nullptr; // compared by address, as namespaces are interned
     SchemaEdition edition = SchemaEdition::none;
-    SourceReport::Component component = 0; // the one at the top that is open, or was last
+    SourceReport::Component component = 0; // the open top-level one, else the last one
     std::vector<Finding> findings;
     std::array<std::size_t, SourceReport::constructCount> details{}; // of this component
     std::vector<Tally> tallies;                                      // of earlier ones

@@ -146,8 +146,8 @@ void ODBCMessage::reportCuts(const CColumns& columns, SourcePlace place)
         report.count(SourceReport::documentationCut);
 }
 
-// Reports a column with the usage key of another record's field, or of a record. AB.C and A.BC have the same, and so do
-// the columns of a table that is chosen twice. What had the key first then becomes a table.
+// Reports a column with the usage key of another record's field, or of a record. AB.C and A.BC have the same key, and
+// so do the columns of a table that is chosen twice. The first owner of the key then becomes a table.
 void ODBCMessage::reportSameKey(const CString& tableName, const CString& columnName, const Element& table,
                                 SourcePlace place)
 {

@@ -40,8 +40,8 @@ public:
     /// as a pattern, so the columns of all matching tables go into one record. If several match, that is reported as a
     /// loss.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
-    /// Sets the tables that the names stand for in further imports. A table is a loss if its name can't be given, or if
-    /// another table of the same name is read instead.
+    /// Sets the tables that the names stand for in further imports. A table is a loss if its name can't be a line of
+    /// the source, or if another table of the same name is read instead.
     void setChosen(std::vector<ChosenTable> tables);
 
     CString queryMainTypeName() const override { return "ODBC"; }

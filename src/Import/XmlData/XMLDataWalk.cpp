@@ -61,7 +61,7 @@ std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
 }
 
 // The model makes one table for each element, and a single document puts it only into the record in which the element
-// repeats first. An element called like the table prevents it, and so does an attribute that shares the element.
+// repeats first. An element with the table's name prevents it, and so does an attribute that shares the element.
 void XMLDataWalk::reportLosses(const TypeModel& model) const
 {
     for (const Item& item : items)

@@ -27,8 +27,9 @@ public:
     /// Returns how many schemas of messages were added.
     std::size_t countMessages() const { return messageCount; }
 
-    /// Reads all schemas. The candidates for main types are, for each message, the root element called like it, else
-    /// all elements of its schema. With `roots` the constructs in the schemas are held back until readAlone().
+    /// Reads all schemas. The candidates for main types are, for each message, the root element with the message's
+    /// name, else all elements of its schema. With `roots` the constructs in the schemas are held back until
+    /// readAlone().
     void read(SourceTypes& types, const std::vector<CString>& roots);
 
     /// Adds a requested main type to those of readAlone(), if a schema declares it.
@@ -51,7 +52,7 @@ private:
     {
         std::vector<Index> all;
         std::unordered_map<CString, Index, KeyHash> byName; // in lower case
-        std::set<SourceTypes::Index> sources;               // with a message that none of them is called like
+        std::set<SourceTypes::Index> sources;               // with a message whose name none of them has
     };
 
     Elements elementsOf(std::uint32_t document, std::size_t& components) const;

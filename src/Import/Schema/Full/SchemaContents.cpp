@@ -61,7 +61,7 @@ std::span<const SchemaField> SchemaContents::of(Index type)
         chain.push_back(base);
         base = baseOf(base);
     }
-    if (std::ranges::find(chain, base) != chain.end()) // the chain is a circle
+    if (std::ranges::find(chain, base) != chain.end()) // the chain is a cycle
         set.note(SourceReport::unresolvedContent, tree.derivationOf(chain.back()));
     for (; !chain.empty(); chain.pop_back()) {
         build(chain.back(), base);
@@ -91,7 +91,7 @@ void SchemaContents::build(Index type, Index base)
     attributes.clear();
     lastSeen.clear();
     isRestriction = tree[derivation].tag == SchemaTag::restriction;
-    clock = 1; // of inherited elements: in the outermost frame, before any group
+    clock = 1; // the time of inherited elements: in the outermost frame, before any group
     // A restriction repeats the elements that it keeps, but only the attributes that it changes.
     if (base != 0)
         inherit(*contents.find(base), !isRestriction);
@@ -206,7 +206,7 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uin
     if (!isAbstract)
         addOccurrence(head, declaration, times, documentation);
     if (set.membersOf(head).empty()) {
-        if (isAbstract) // and nothing read may stand there instead
+        if (isAbstract) // and no element that was read may replace it
             set.note(SourceReport::elementNotAllowed, declaration);
         return;
     }
@@ -251,7 +251,7 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint
     seen = clock;
 }
 
-// Returns whether two declarations of one name have the same type, as far as that can be told without reading it.
+// Returns whether two declarations of one name have the same type, as far as that is known without reading the type.
 bool SchemaContents::areEquivalent(Index one, Index other) const
 {
     if (one == other || one == 0 || other == 0)

@@ -120,7 +120,7 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
     CString path;
     const NameTable::Id wanted = node.tag == SchemaTag::import ? node.reference.space : 0;
     const auto file = locate({tree.text(node.name), from.folder, tree.text(wanted)}, path);
-    if (!file && !node.hasName()) // which an import may leave out, and for the others has been said
+    if (!file && !node.hasName()) // an import may omit it; for the others that has been reported
         return;
     if (!file)
         return note(path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing, reference);
@@ -145,7 +145,7 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
     documentsByReference[reference] = place->second;
 }
 
-// Reads the document at `path` that `reference` names. A document that is no schema is left out.
+// Reads the document at `path` that `reference` names. A document that is not a schema is left out.
 void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index reference)
 {
     const SchemaDocument from = tree.documentOf(reference);
@@ -157,7 +157,7 @@ void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index refe
         note(SourceReport::moduleUnreadable, reference);
 }
 
-// Bounds the declarations that count once more.
+// Bounds the declarations that are copied.
 void SchemaSet::countCopied(std::uint32_t document)
 {
     copied += tree.documents[document].end - tree.documents[document].root;

@@ -79,7 +79,7 @@ public:
     /// Records from now on which components are reached. `withMessages` counts all messages as reached.
     void recordReached(bool withMessages);
 
-    /// Records that a component at the top is reached; 0 for none. Does nothing before recordReached().
+    /// Records that a top-level component is reached; 0 for none. Does nothing before recordReached().
     void reach(Index component)
     {
         if (component != 0 && !reached.empty())
@@ -104,12 +104,12 @@ public:
     /// Returns the members of the substitution group of `head`, in order of declaration.
     const std::vector<Index>& membersOf(SchemaName head) const;
 
-    /// Returns the elements, complex types and simple types at the top of a document, and those inside of
-    /// redefinitions. A component that is declared twice comes twice. If no element or complex type is outside of a
-    /// redefinition, those of the included documents are added. Empty if these have none either.
+    /// Returns the top-level elements, complex types and simple types of a document, and those inside of redefinitions.
+    /// A component that is declared twice comes twice. If no element or complex type is outside of a redefinition,
+    /// those of the included documents are added. Empty if these have none either.
     std::vector<Index> componentsOf(std::uint32_t document) const;
 
-    /// Returns the elements and complex types of that name at the top of any document, in the order in which their
+    /// Returns the top-level elements and complex types of that name in any document, in the order in which their
     /// namespaces are first used.
     std::vector<Index> componentsCalled(std::string_view name);
 
@@ -126,7 +126,7 @@ public:
     /// Returns the messages of the WSDLs among the sources, each element once. Reports elements that are not declared.
     std::vector<Message> findMessages();
 
-    /// Returns the full name of a component at the top.
+    /// Returns the full name of a top-level component.
     SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
 
     /// Returns the place of a node.
@@ -241,7 +241,7 @@ private:
     std::vector<Scope> scopes;                  // in order of their documents
     std::set<std::uint32_t> again;              // documents of scopes that the schema being loaded refers to
     std::unordered_map<Index, Index> redefined; // the redefined component by its redefinition
-    std::vector<Index> substitutes;             // the elements at the top that name a head
+    std::vector<Index> substitutes;             // the top-level elements that name a head
     std::unordered_map<std::uint64_t, std::vector<Index>, NumberHash> members;
     std::size_t copied = 0;                            // number of copied nodes
     std::vector<bool> reached;                         // by node; empty until recordReached()

@@ -29,7 +29,7 @@ bool SchemaSet::isReached(SourceReport::Component component) const
     return kind && tree[component].hasName() && reached[find(*kind, nameOf(component), tree[component].parent)];
 }
 
-// Returns for each node the component at the top that contains it; 0 if there is none.
+// Returns for each node the top-level component that contains it; 0 if there is none.
 std::vector<SchemaSet::Index> SchemaSet::findComponents() const
 {
     std::vector<Index> components(tree.size());

@@ -28,7 +28,7 @@ void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
         parsed.emplace(*id, document);
     if (id && tree.documents[document].root != 0)
         entered.emplace(std::pair(*id, tree.documents[document].space), document);
-    const auto end = static_cast<std::uint32_t>(tree.documents.size()); // behind the schemas of a WSDL
+    const auto end = static_cast<std::uint32_t>(tree.documents.size()); // after the schemas of a WSDL
     for (std::uint32_t at = document; at < end; ++at) {
         if (at > document)
             loaded.push_back({at, loads});
@@ -47,7 +47,7 @@ void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
     }
 }
 
-// Reads a file and returns the imports of a WSDL. A file that a WSDL imports and that is no schema is left out.
+// Reads a file and returns the imports of a WSDL. A file that a WSDL imports is left out if it is not a schema.
 std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
 {
     const bool isGiven = file.location.empty();

@@ -125,7 +125,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
         noteList(type, list);
     value.isThere = true;
     value.isMixed = false;
-    // Types of the schema for schemas are no types of the user.
+    // Types of the schema for schemas are not types of the user.
     const bool isNamed = tree[type].tag == SchemaTag::simpleType && tree[type].hasName() &&
                          !SchemaTree::isSchemaLanguage(tree.documentOf(type).space);
     if (value.kind == SourceTypes::kindEnumeration && isNamed)

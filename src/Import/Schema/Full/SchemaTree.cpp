@@ -30,7 +30,7 @@ bool SchemaTree::areEqual(Index one, Index other) const
     const SchemaDocument& right = documentOf(other);
     if (left.elementsQualified != right.elementsQualified || left.attributesQualified != right.attributesQualified)
         return false;
-    // What a component holds lies behind it.
+    // The nodes in a component follow it.
     const auto isPart = [this](Index at, Index of) { return at < documentOf(of).end && nodes[at].parent >= of; };
     for (Index i = 0;; ++i) {
         const bool isLeft = i == 0 || isPart(one + i, one), isRight = i == 0 || isPart(other + i, other);

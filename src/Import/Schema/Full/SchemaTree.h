@@ -61,7 +61,7 @@ struct SchemaDocument
     CString folder;             ///< base of relative references
     std::uint32_t file = 0;     ///< its number in the report
     SchemaNode::Index root = 0; ///< 0 if it could not be read
-    SchemaNode::Index end = 0;  ///< index behind its last node
+    SchemaNode::Index end = 0;  ///< one past its last node
     NameTable::Id space = 0;
     std::vector<std::pair<NameTable::Id, NameTable::Id>> prefixes; ///< declared by its root, with their namespaces
     bool hasTarget = false;                                        ///< declares its own namespace
@@ -126,7 +126,7 @@ public:
     /// Returns the first of these names; empty if there are none.
     SchemaName firstListed(Index at) const { return adopted(at, listed[nodes[at].list]); }
 
-    /// Returns whether two components, with all that they hold, say the same.
+    /// Returns whether two components are equal, with all nodes in them.
     bool areEqual(Index one, Index other) const;
 
     /// Returns true for the namespaces of XML Schema of 2001, 2000/10 and 1999.

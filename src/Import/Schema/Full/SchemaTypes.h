@@ -6,7 +6,7 @@
 
 #include <unordered_set>
 
-/// Makes types of a schema: the records, enumerations and elements of its sources, and all that these reach.
+/// Makes types from a schema: the records, enumerations and elements of its sources, and all that these reach.
 class SchemaTypes
 {
 public:

@@ -70,7 +70,8 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
         readOther(name, attributes);
 }
 
-// Begins the file, which tells whether it is a WSDL. Of a WSDL, only what its messages reach is imported and reported.
+// Begins the file, whose root shows whether it is a WSDL. Of a WSDL, only what its messages reach is imported and
+// reported.
 void WsdlReader::beginFile(std::string_view local)
 {
     isWsdl = isStatement(elementScope) && (local == "definitions" || local == "description");
@@ -240,7 +241,7 @@ void WsdlReader::finish()
         tree.documents[document].end = static_cast<Index>(tree.size());
         return;
     }
-    // The file of a WSDL is no schema itself; its schemas are documents of their own.
+    // The file of a WSDL is not a schema itself; its schemas are documents of their own.
     tree.documents[document].end = tree.documents[document].root = 0;
     makeMessages();
 }

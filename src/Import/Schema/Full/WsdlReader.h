@@ -32,7 +32,7 @@ public:
     bool holdsWsdl() const { return isWsdl; }
 
     /// Returns the message that a component of the report is, by the number of its name, or 0 for one of WSDL 2.0;
-    /// nothing if the component is that of a schema.
+    /// nothing for a component of a schema.
     static std::optional<NameTable::Id> messageOf(SourceReport::Component component)
     {
         return component < kMessages ? std::nullopt : std::optional(component - kMessages);

@@ -41,7 +41,7 @@ public:
     /// Returns the registered type; empty if it has none.
     std::string_view queryType() const { return {type, typeSize}; }
 
-    /// Sets the type of an earlier declaration; `isOther` says that it differs from its own.
+    /// Sets the type of an earlier declaration; `isOther` if it differs from the own one.
     void setType(std::string_view earlier, bool isOther)
     {
         type = earlier.data();
@@ -54,7 +54,7 @@ public:
     bool isReference() const { return isReferring; }
     bool isInRepeated() const { return isOfRepeated; }
 
-    /// Notes that the declaration occurs once more beside the earlier one, not instead of it.
+    /// Records that the declaration occurs in addition to the earlier one, not instead of it.
     void setDeclaredAgain() { declaredAgain = true; }
     bool isDeclaredAgain() const { return declaredAgain; }
 

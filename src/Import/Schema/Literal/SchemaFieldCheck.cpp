@@ -118,7 +118,7 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type,
 }
 
 // Returns whether a record is only in an included document. Types are pulled from there by the names that fields give,
-// so the types inside the fields of a pulled type stay behind.
+// so the types inside the fields of a pulled type are not pulled.
 bool SchemaFieldCheck::isLeftBehind(std::string_view record) const
 {
     const Fingerprint key(record);

@@ -10,8 +10,7 @@
 
 /// Compares the declared records and fields of a schema with those of the model, and reports the differences. Types
 /// that the literal reading doesn't support became text. If fields of one name in several records have different types,
-/// the last one with its own type decides for all. A field of a complex type that is called like a record replaces the
-/// record.
+/// the last one with its own type decides for all. A field of a complex type replaces a record of the same name.
 class SchemaFieldCheck
 {
 public:

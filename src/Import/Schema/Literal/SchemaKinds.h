@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-/// The simple types of all documents of a schema, as far as needed to tell the kind of their values. The literal
+/// The simple types of all documents of a schema, as far as needed to find the kind of their values. The literal
 /// reading makes text of all simple types; this class identifies those that are not text.
 class SchemaKinds
 {

@@ -211,7 +211,7 @@ CString SchemaOutline::nameAround() const
     return {};
 }
 
-// Accepts any prefix: documents choose it, and nothing else has these names at the top of a schema.
+// Accepts any prefix: documents choose it, and no other top-level statement of a schema has these names.
 void SchemaOutline::noteLocation(std::string_view statement)
 {
     if (statement != "include" && statement != "import" && statement != "redefine")

@@ -128,7 +128,7 @@ private:
     struct Entry
     {
         SchemaDeclaration declaration;
-        Index end = 0; // index behind the last descendant
+        Index end = 0; // one past the last descendant
         Index nextSibling = kNone;
         std::array<Index, kTags> firstChild{kNone, kNone, kNone};
         Tag tag = complexType;
@@ -138,7 +138,7 @@ private:
     // An open element of the document.
     struct Level
     {
-        Index place = kNone; // kNone if it is no declaration
+        Index place = kNone; // kNone if it is not a declaration
         std::array<Index, kTags> lastChild{kNone, kNone, kNone};
         SchemaKinds::Index simpleType = SchemaKinds::kNone; // the type that it is, or that it contributes to
         bool isChoice = false;                              // a choice, or a group inside one

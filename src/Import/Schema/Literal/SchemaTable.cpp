@@ -91,7 +91,7 @@ void SchemaTable::clear()
     mainElement = SchemaOutline::kNone;
 }
 
-// Returns the name of the main element: the first element at the top that has no type attribute, whose own type is then
+// Returns the name of the main element: the first top-level element that has no type attribute, whose own type is then
 // read, or whose type is among the document's complex types.
 std::string_view SchemaTable::getRootTag(const SchemaOutline& outline)
 {
@@ -116,7 +116,7 @@ std::string_view SchemaTable::getRootTag(const SchemaOutline& outline)
     return {};
 }
 
-// Adds the elements at the top. An anonymous type is only searched below the first complex type in the element, so only
+// Adds the top-level elements. An anonymous type is only searched below the first complex type in the element, so only
 // that of the main element, which getRootTag() has read, is read as a whole.
 void SchemaTable::processElement(const SchemaOutline& outline)
 {
@@ -227,7 +227,7 @@ void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& field = outline[walk.field];
     prefetchNext(outline, walk);
-    // The mark of what repeats is a part of the name, so a field without one is left out only when it occurs once.
+    // The repetition mark is a part of the name, so a field without a name is left out only if it occurs once.
     const std::string_view name = field.markedName();
     if (!name.empty())
         addSchemaElement(contentOf(outline, walk.field, name), walk.record);
