@@ -26,7 +26,7 @@ constexpr std::string_view kBlank = " \t\r\n";
 constexpr std::string_view kEncodingName = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
 constexpr std::size_t kLongDeclaration = 1000; // bytes; only the start of a file is searched
 
-// Returns the name behind `encoding =` in an XML or text declaration, empty if there is none.
+// Returns the name after `encoding =` in an XML or text declaration, empty if there is none.
 CString declaredEncoding(std::string_view bytes)
 {
     std::string_view text = bytes.substr(std::min(bytes.find_first_not_of(kBlank), bytes.size()), kLongDeclaration);

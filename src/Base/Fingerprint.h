@@ -23,9 +23,9 @@ struct Fingerprint
     std::uint64_t second = 0;
 };
 
-/// Computes the fingerprint of a text that arrives in pieces; how it is cut does not matter. A copy continues from the
-/// text so far, in time linear in what is appended. Each block of eight bytes is multiplied by the seed and folded,
-/// once for each half of the result (the step of wyhash, https://github.com/wangyi-fudan/wyhash).
+/// Computes the fingerprint of a text that arrives in pieces, wherever it is cut. A copy continues from the text so
+/// far, in time linear in what is appended. Each block of eight bytes is multiplied by the seed and folded, once for
+/// each half of the result (the step of wyhash, https://github.com/wangyi-fudan/wyhash).
 class RunningHash
 {
 public:
@@ -97,7 +97,7 @@ private:
         return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
     }
 
-    // Adds `n` bytes, at most eight, behind those of the block that is not yet full.
+    // Adds `n` bytes, at most eight, after those of the block that is not yet full.
     void add(std::uint64_t bytes, std::size_t n)
     {
         const std::size_t waiting = length % kBlock;

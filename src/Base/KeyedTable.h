@@ -92,8 +92,7 @@ public:
     std::size_t size() const { return entries.size(); }
     bool empty() const { return entries.empty(); }
 
-    /// Returns the value of the index-th key. Valid while values are added, so a walk by index reaches the new ones
-    /// too.
+    /// Returns the value of the index-th key. Values may be added during a walk by index, which then reaches them, too.
     T* operator[](std::size_t index) const { return entries[index]; }
     auto begin() const { return entries.begin(); }
     auto end() const { return entries.end(); }

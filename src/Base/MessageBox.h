@@ -11,8 +11,8 @@ using MessageBoxHandler = std::function<void(const CString& text, const CString&
 /// standard error. The wizard installs a modal box, the command line its diagnostics, tests a recorder.
 MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler);
 
-/// Passes a message to the current handler. `details` is the cause in the words of the system, a driver or the broker,
-/// and no part of the text.
+/// Passes a message to the current handler. `details` is the cause in the words of the system, a driver or the broker;
+/// the text doesn't contain it.
 void showMessageBox(const CString& text, const CString& title, const CString& details = {});
 
 /// Returns the details of the message that the calling thread is showing, empty if it has none. For a handler.

@@ -46,7 +46,7 @@ private:
 
     std::size_t placeOf(std::uint64_t key) const
     {
-        // Keys that follow each other share a cache line or two: names that come together are looked up together.
+        // Consecutive keys share a cache line or two, because names that come together are looked up together.
         std::size_t at = (RunningHash::of(key / 8) * 8 + key % 8) & (slots.size() - 1);
         while (slots[at].isTaken && slots[at].key != key)
             at = (at + 1) & (slots.size() - 1);

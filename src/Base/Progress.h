@@ -14,7 +14,7 @@ enum class Work
     creating   ///< in a broker, in types
 };
 
-/// How far a work has come, in the unit of its kind.
+/// The progress of a piece of work, in the unit of its kind.
 struct Progress
 {
     Work work = Work::waiting;
@@ -26,11 +26,11 @@ struct Progress
 /// thread that does the work.
 using ProgressHandler = std::function<bool(const Progress&)>;
 
-/// Sets the handler and returns the one before. An empty handler lets all work continue. Call it only while no work
-/// runs.
+/// Sets the handler and returns the one before. An empty handler lets all work continue. Call this function only while
+/// no work runs.
 ProgressHandler setProgressHandler(ProgressHandler handler);
 
-/// Thrown to cancel a work; what the work has built so far is dropped. It does not derive from std::exception, so
+/// Thrown to cancel the current work; its results so far are dropped. It does not derive from std::exception, so
 /// handlers that report failures don't catch it.
 struct Cancelled
 {};
@@ -44,11 +44,11 @@ bool isStillWanted();
 /// Throws Cancelled unless isStillWanted().
 void throwIfCancelled();
 
-/// Reports the start of a work whose steps are not counted. Throws Cancelled.
+/// Reports the start of work whose steps are not counted. Throws Cancelled.
 void beginWork(Work work);
 
-/// For a loop whose steps are not counted: polls the handler once in `stride` passes and throws Cancelled if it
-/// refuses.
+/// For a loop whose steps are not counted: polls the handler once in `stride` passes and throws Cancelled if the
+/// handler refuses.
 class CancelPoint
 {
 public:

@@ -2,7 +2,7 @@
 
 #include "Base/Text.h"
 
-/// What an error or warning says about a source, in parts.
+/// An error or warning about a source, in parts.
 struct SourceFault
 {
     CString file;           ///< as the user gave it; empty if unknown

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// Finds the strongly connected components of a graph (R. Tarjan, Depth-first search and linear graph algorithms,
-/// 1972), and an order in which every node follows the nodes that it links to, except links that close a circle. Walks
+/// 1972), and an order in which every node follows the nodes that it links to, except links that close a cycle. Walks
 /// without recursion, in time linear in the links.
 ///
 /// `Graph` has degree(node), the number of a node's links, and target(node, i), the node at the end of its i-th link,

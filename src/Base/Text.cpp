@@ -64,7 +64,7 @@ constexpr std::array<InNames, 128> makeAsciiInNames()
     return table;
 }
 
-// Where each ASCII character may stand in a name. A table, because nearly all names are ASCII.
+// The places in a name where each ASCII character is allowed. A table, because nearly all names are ASCII.
 constexpr std::array<InNames, 128> kAsciiInNames = makeAsciiInNames();
 
 using Bytes8 = std::uint64_t; // eight characters
@@ -256,7 +256,7 @@ bool appendCharacter(CString& out, std::uint32_t code)
 CString shownText(std::string_view text)
 {
     // C1 controls, line separators and bidirectional controls (https://unicode.org/reports/tr9/). They could make a
-    // terminal show another text than the one that was written.
+    // terminal show a text other than the one that was written.
     static constexpr CodeRange hidden[] = {{0x80, 0x9F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
     CString shown(text);
     std::replace_if(

@@ -38,7 +38,7 @@ inline constexpr std::string_view kWhitespace = " \t\n\r\v\f";
 /// Returns `text` without the characters of `set` at either end, as a view into `text`.
 std::string_view trimmed(std::string_view text, std::string_view set);
 
-/// Trims kWhitespace. Nearly every text needs no change, which its first and last character show.
+/// Trims kWhitespace. Fast path: nearly every text has none at its ends.
 inline std::string_view trimmed(std::string_view text)
 {
     const auto isBlank = [](char c) { return c <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r')); };
@@ -103,6 +103,6 @@ CString shownText(std::string_view text);
 /// Returns whether a text can be the name of an XML element (the Name production of XML 1.0, fifth edition).
 bool isXmlName(std::string_view text);
 
-/// Returns `text` as the name of an XML element: each character that can't stand at its place becomes "_", also a
+/// Returns `text` as the name of an XML element: each character that isn't allowed at its place becomes "_", also a
 /// colon that no local name follows, which parsers with namespaces refuse. Returns "_" for the empty text.
 CString toXmlName(std::string_view text);

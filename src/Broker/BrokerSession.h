@@ -58,7 +58,7 @@ public:
     CString openForReading(const CString& server, unsigned port, const BrokerAccount* account);
 
     /// Returns the details of a failure of open(): the client's own words, or the system's if the client can't be
-    /// loaded. Empty if the error box says all, or there are none.
+    /// loaded. Empty if there are none, or the error box already shows them.
     const CString& queryDescription() const { return description; }
 
     /// Creates one type through the repository itself and returns the client's code. Throws ClientError.

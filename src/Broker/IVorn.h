@@ -6,7 +6,7 @@
 // and returns objects of these interfaces. It exports the third function if its waits can be cancelled, the fourth if
 // it has interfaces beyond the first version. Only pointers, integers and zero-terminated UTF-8 texts cross the
 // boundary, and no exceptions, so that client and program can be built apart. A new or changed function of an interface
-// needs a new kVornInterfaceVersion, or an interface of its own behind vornQueryInterface().
+// needs a new kVornInterfaceVersion, or an interface of its own that vornQueryInterface() returns.
 
 /// The version of the interfaces in this header.
 constexpr std::uint32_t kVornInterfaceVersion = 1;

@@ -18,8 +18,8 @@ namespace {
 
 constexpr char kBasePathHint[] = "; --base-path keeps them apart";
 
-// Asks on standard error and reads a line of standard input. Anything but y, a or x is a no, as is the end of input,
-// like closing the dialog of the wizard.
+// Asks on standard error and reads a line of standard input. Any answer other than y, a or x means no, and so does the
+// end of input, like closing the wizard's dialog.
 OverwriteChoice ask(const CString& question, const CString& details)
 {
     if (!details.empty())

@@ -36,7 +36,8 @@ bool isMakefileName(const CString& name, bool isTarget)
     return name.find_first_of(isTarget ? "\r\n*?|&;=%" : "\r\n*?|&;=") == CString::npos;
 }
 
-// Returns each file once, in the order of reading. Standard input is skipped, because it is no file that could change.
+// Returns each file once, in the order of reading. Standard input is skipped, because it is not a file that could
+// change.
 std::vector<CString> filesOf(const SourceReport& report)
 {
     std::vector<CString> files;

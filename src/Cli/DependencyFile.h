@@ -17,6 +17,6 @@ struct DependencyOptions
 /// Adds --depfile and --depfile-phony.
 void addDependencyOptions(CLI::App& app, DependencyOptions& options);
 
-/// Writes a rule for GNU make and ninja by which `target` depends on every file that the import has read. Returns false
-/// on failure, which has been reported. A name with a line break is a failure, because no rule can hold it.
+/// Writes a rule for GNU make and ninja that makes `target` depend on every file that the import has read. Returns
+/// false on failure, which has been reported. A name with a line break is a failure, because no rule can hold it.
 bool writeDependencies(const SourceReport& report, const CString& target, const DependencyOptions& options);

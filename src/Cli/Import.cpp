@@ -77,7 +77,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     } else if (arguments.graph) {
         writeGraph(message, output);
     } else {
-        if (!arguments.always && !isTimeFixed()) // a new time of generation alone is no change
+        if (!arguments.always && !isTimeFixed()) // a new time of generation alone is not a change
             output.keepUnchanged(static_cast<off_t>(kBeforeTime.size()), static_cast<off_t>(kTimeLength));
         warnOfChangedTag(message, diagnostics);
         message.writeXML([&output](std::string_view piece) { output.write(piece); });
@@ -146,8 +146,8 @@ MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diag
     return importer;
 }
 
-// Returns the files to read. They are read twice if the importer has to be chosen by content, or if the full reading's
-// hint may look at them after a failure.
+// Returns the files to read. They are read twice if their content chooses the importer, or if suggestFullReading() may
+// look at them after a failure.
 std::vector<CString> sourceFiles(const Arguments& arguments)
 {
     const MsgUIDescriptor* const importer = arguments.importer;

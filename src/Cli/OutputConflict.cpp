@@ -20,7 +20,7 @@ std::vector<CString> outputsOf(const Arguments& arguments)
     return outputs;
 }
 
-// Returns the file of a data source whose driver reads a file; empty if it asks a server.
+// Returns the file of a data source whose driver reads a file; empty if the driver connects to a server.
 CString databaseFile(const CString& source)
 {
     const CString connection = source.find('=') == CString::npos ? "DSN=" + source : source;
@@ -56,7 +56,7 @@ CString conflictingOutput(const Arguments& arguments, const MsgUIDescriptor& imp
 CString outputThatWasRead(const Arguments& arguments, const MsgUIDescriptor& importer, const SourceReport& report)
 {
     if (importer.querySource().readsTables)
-        return {}; // the report names the data source, which is no file
+        return {}; // the report names the data source, which is not a file
     for (const CString& written : outputsOf(arguments))
         for (std::uint32_t file = 0; file < report.fileCount(); ++file)
             if (const CString& name = report.fileNameOf(file); !name.empty() && isSameFile(written, name))

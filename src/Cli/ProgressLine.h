@@ -5,7 +5,7 @@
 #include <chrono>
 
 /// While an object of this class lives, long work shows its progress on standard error: one line that is overwritten,
-/// and erased at the end. Nothing is shown if standard error is no terminal.
+/// and erased at the end. Nothing is shown if standard error is not a terminal.
 class ProgressLine
 {
 public:

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kMessageSize = 512;
 
 // Parts of the messages with which PostgreSQL servers refuse a user or a password, in their languages. Names in quotes
-// are removed first, which leaves two blanks behind "role".
+// are removed first, which leaves two blanks after "role".
 constexpr const char* kRefusals[] = {"pass",   "auth", "autent", "парол", "подлинности",    "автентиф",
                                      "ავთენტ", "認証", "认证",   "인증",  "role  does not", "role  is not"};
 

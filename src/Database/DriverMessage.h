@@ -35,6 +35,6 @@ private:
 /// Returns when the socket is ready for `events` of poll(2). May throw to end the wait.
 using SocketWait = std::function<void(short events)>;
 
-/// Send or receive a whole message. Return false if the other side has closed the socket.
+/// Send or receive a whole message. Both return false if the other side has closed the socket.
 bool sendMessage(int socket, std::string_view message, const SocketWait& wait);
 bool receiveMessage(int socket, CString& message, const SocketWait& wait);

@@ -44,7 +44,7 @@ bool appendZeros(int file, off_t from, off_t to)
 }
 
 // Gives a file its new size before any byte is overwritten. A full disk then leaves the old file intact, and no old
-// byte can remain behind the end of the new content. A file system without fallocate(2) gets zeros at the end of the
+// byte can remain after the end of the new content. A file system without fallocate(2) gets zeros at the end of the
 // file; holes before it are not looked for, because the file may not be readable.
 bool resize(int file, off_t size)
 {

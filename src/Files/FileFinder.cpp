@@ -52,7 +52,7 @@ bool meansMissing(int error)
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
-// Returns the folder as written in the name. A descriptor's file has no folder, so the current one stands in.
+// Returns the folder as written in the name. A descriptor's file has no folder, so the current one is used.
 CString writtenFolderOf(const CString& fileName)
 {
     const bool isDescriptor =
@@ -270,7 +270,7 @@ const FileFinder::Names& FileFinder::list(const FoundFile& folder)
             const CString name = entry->path().filename().string();
             listing->second.names.emplace(lowerAscii(name), name);
         }
-        // EACCES is no blind spot: a folder that can't be listed still opens a file by its exact name, which was tried
+        // EACCES hides nothing: a folder that can't be listed still opens a file by its exact name, which was tried
         // before.
         listing->second.isIncomplete = failure && !meansMissing(failure.value()) && failure.value() != EACCES;
     }

@@ -13,7 +13,7 @@ CString cantOpen(const CString& fileName, FileCause cause)
     return formatText(loadText(IDS_CANT_OPEN), fileName.c_str(), static_cast<unsigned>(cause));
 }
 
-// A cause stands for several errno values. The right one is what the system returns for the name again; if it returns
+// A cause covers several errno values. The name is tested again to find the right one; if the system now returns
 // another cause or none, the cause's first value is used.
 CString inWords(const CString& fileName, FileCause cause)
 {

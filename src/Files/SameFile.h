@@ -2,8 +2,8 @@
 
 #include "Base/Text.h"
 
-/// Returns the target of a symbolic link, also if nothing exists there yet, and any other name unchanged. A link in a
-/// circle is followed 40 times, like in the kernel, and the last link returned.
+/// Returns the target of a symbolic link, also if nothing exists there yet, and any other name unchanged. In a cycle,
+/// 40 links are followed, as in the kernel, and the last one is returned.
 CString resolveLinks(const CString& fileName);
 
 /// Returns whether both names lead to the same regular file, or would once it exists: through links, hard links and

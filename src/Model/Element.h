@@ -201,7 +201,7 @@ public:
         usageKey(usageKey), element(element), parent(parent)
     {}
 
-    /// Return the key, the element, the parent, which is null at the top, and the number of occurrences.
+    /// Return the key, the element, the parent (null for a top-level element), and the number of occurrences.
     const Fingerprint& queryUsageKey() const { return usageKey; }
     Element* queryElement() const { return element; }
     Element* queryParent() const { return parent; }

@@ -13,7 +13,7 @@ struct Name
     Name(std::string_view text, NamePool& pool) : text(text), pool(pool) {}
 
     /// Returns the name that remains after the first `size` bytes, empty if the name is not longer. Caches the last
-    /// result, because the types of one import lie in one folder.
+    /// result, because the types of one import are in one folder.
     Name& behind(std::size_t size);
 
     const CString text;

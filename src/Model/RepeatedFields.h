@@ -4,8 +4,8 @@
 
 #include <vector>
 
-/// Tells which repeated fields stay single in a model that puts a table into one record only: the first in which the
-/// element repeats. An element that has the table's name prevents it everywhere.
+/// Finds the repeated fields that stay single in a model that puts a table into one record only: the first in which the
+/// element repeats. An element with the table's name prevents the table everywhere.
 class RepeatedFields
 {
 public:

@@ -11,7 +11,7 @@ public:
     /// Puts an element at the head, or at the tail if the known type of one of its children names a listed element.
     void add(Element* element);
 
-    /// Puts an element at the head. Equals add() if none of its children has a known type.
+    /// Puts an element at the head, as add() does if none of the children has a known type.
     void addFirst(Element* element);
 
     /// Empties the list and marks its elements as neither placed nor listed.

@@ -4,8 +4,8 @@
 #include "Model/TypeList.h"
 #include "Model/UsageTable.h"
 
-/// The elements of one import and their usages: which element occurs under which parent, and how often. A usage key
-/// says which occurrences are the same usage. Owns the elements.
+/// The elements of one import and their usages: which element occurs under which parent, and how often. Occurrences
+/// with the same usage key are the same usage. Owns the elements.
 class TypeModel
 {
 public:
@@ -28,8 +28,8 @@ public:
     /// Frees all elements and usages.
     void clear();
 
-    /// Adds a usage of an element under `parent`, null at the top, and returns the element. Creates it if the name is
-    /// new; path, description and type then apply. Throws Cancelled.
+    /// Adds a usage of an element under `parent` (null for a top-level element) and returns the element. Creates it if
+    /// the name is new; path, description and type then apply. Throws Cancelled.
     Element* addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
                         const CString& description, Element::ElementTypes type, Element* parent);
 
@@ -41,7 +41,7 @@ public:
     /// usage is the first of its key.
     bool addUsage(const Fingerprint& usageKey, Element* element, Element* parent);
 
-    /// Adds a record at the top, with its name as usage key and the generated description. If it `isAlone`, it has no
+    /// Adds a top-level record, with its name as usage key and the generated description. If it `isAlone`, it has no
     /// key.
     Declared addRecord(const CString& path, std::string_view name, bool isAlone = false);
 

@@ -26,7 +26,7 @@ public:
     /// first.
     Declared declare(const Fingerprint& key, Element* element, Element* parent);
 
-    /// Declares a record at the top. If it `isAlone`, it has no key.
+    /// Declares a top-level record. If it `isAlone`, it has no key.
     Declared declareRecord(Element* record, bool isAlone);
 
     /// Declares a field of a record, which must be the last record declared.

@@ -48,7 +48,7 @@ TypeStructure::TypeStructure(MsgBase& message)
             numbers[number] = types.back().number;
         }
     }
-    if (index.size() != types.size()) // only names can tell equal ones apart
+    if (index.size() != types.size()) // several types of one name are only found by name
         numbers.clear();
 }
 

@@ -87,8 +87,8 @@ public:
     static constexpr std::size_t kAnyDepth = static_cast<std::size_t>(-1);
 
     /// Returns the types that `start` reaches in at most `depth` steps, itself first, then the nearest first. Tables
-    /// and arrays on the way are no steps and not in the result. Returns at most `limit` types; `isComplete` is set to
-    /// false if there are more.
+    /// and arrays on the way don't count as steps and are not in the result. Returns at most `limit` types;
+    /// `isComplete` is set to false if there are more.
     std::vector<std::uint32_t> reach(std::uint32_t start, std::size_t limit, bool& isComplete,
                                      Direction direction = Direction::uses, std::size_t depth = kAnyDepth) const;
 

@@ -32,5 +32,5 @@ std::vector<CString> chooseFilesToOpen(QWidget* owner, const FileQuestion& quest
 CString chooseFolder(QWidget* owner, const CString& title, const CString& start);
 
 /// The same as chooseFileToOpen() for a file to write, which need not exist; the dialog itself asks before it takes an
-/// existing one. A file type with one suffix gives it to the name when the user picks it.
+/// existing one. When the user picks a file type with one suffix, the name gets this suffix.
 CString chooseFileToSave(QWidget* owner, const FileQuestion& question);

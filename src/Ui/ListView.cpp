@@ -191,7 +191,7 @@ void ListView::shareWidth()
         header()->resizeSection(static_cast<int>(i), share);
         rest -= share;
     }
-    sharesWidth = true; // the steps above looked like changes by the user
+    sharesWidth = true; // the steps above have cleared it, as a change by the user does
 }
 
 void ListView::setShares(const std::vector<int>& percents)
@@ -199,7 +199,7 @@ void ListView::setShares(const std::vector<int>& percents)
     const bool isShared = sharesWidth;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         columns[i].percent = percents[i];
-        setColumnHidden(static_cast<int>(i), percents[i] == 0); // looks like a change by the user
+        setColumnHidden(static_cast<int>(i), percents[i] == 0); // handled like a change by the user
     }
     sharesWidth = isShared;
     if (sharesWidth)

@@ -14,7 +14,7 @@
 
 class QAbstractButton;
 
-/// Runs `call` in the window's thread, waits for it and rethrows its exceptions. For what long work shows and asks.
+/// Runs `call` in the window's thread, waits for it and rethrows its exceptions. For boxes and questions of long work.
 void inWindowThread(std::function<void()> call);
 
 /// Runs one long work in a thread of its own, while the window still paints, moves and resizes. Input reaches only

@@ -11,7 +11,7 @@ bool isDark(const QPalette& palette);
 
 /// Returns the picture of a resource number, 1000 to 1003, in the tones of the palette: on a dark background, colours
 /// keep their hue and light turns dark. On screens with a high pixel density it is three times as large, if the
-/// resources have it so. Empty if there is no such picture.
+/// resources contain that size. Empty if there is no such picture.
 QImage picture(int id, const QPalette& palette);
 
 /// Fills the area of a welcome or finish page: the whole picture in the lower right corner, its edges extended over the

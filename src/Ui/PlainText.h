@@ -4,9 +4,8 @@
 
 class QLabel;
 
-// Qt shows any text that looks like markup as rich text, unless told otherwise, and rich text opens the files that it
-// names. So all text of a source, a driver, a server or a file name must be shown through these functions
-// (scripts/check).
+// By default Qt shows any text that looks like markup as rich text, and rich text opens the files that it names. So all
+// text of a source, a driver, a server or a file name must be shown through these functions (scripts/check).
 
 /// Returns a new label that shows `text` as it is.
 QLabel* plainLabel(const QString& text = {});

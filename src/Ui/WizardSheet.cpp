@@ -286,7 +286,7 @@ void WizardSheet::activate(int index)
         OnPageMade(*page);
     }
     if (QWidget* const leaving = focusWidget())
-        leaving->clearFocus(); // else the focus wanders, and a screen reader reads the controls on its way
+        leaving->clearFocus(); // else the focus moves on through the page, and a screen reader reads each control
     stack->setCurrentIndex(index);
     band->setTexts(page->queryTitle(), page->querySubtitle());
     band->setVisible(page->queryLook() == WizardPage::Look::interior);

@@ -35,7 +35,7 @@ BOOL CQELApp::InitInstance()
     const bool lowColour = isLowColour();
     const HBITMAP watermark = lowColour ? IDB_WATERMARK_LOW_COLOUR : IDB_WATERMARK;
     const HBITMAP header = lowColour ? IDB_HEADER_LOW_COLOUR : IDB_HEADER;
-    std::vector<CString> early; // messages about the settings, which the wizard reads before it can show a box
+    std::vector<CString> early; // messages about the settings, which are read before the wizard can show a box
     const MessageBoxHandler before =
         setMessageBoxHandler([&early](const CString& text, const CString&) { early.push_back(text); });
     QELWizard wizard(IDS_TITLE, nullptr, 0, watermark, nullptr, header);

@@ -36,7 +36,7 @@ void append(DomTreeNode& parent, DomTreeNode& child)
 {
     bool fits = (parent.kind == DomKind::element || parent.kind == DomKind::document) && child.parent &&
                 child.parent->kind == DomKind::unplaced && !isDocumentElementTwice(parent, child);
-    // The walk to the root finds both a circle and the tree that the parent belongs to.
+    // The walk to the root finds a cycle, and the tree that the parent belongs to.
     const DomTreeNode* top = &parent;
     for (; fits && top->parent; top = top->parent)
         fits = top != &child;

@@ -12,7 +12,7 @@ class IXMLDOMNamedNodeMap;
 class IXMLDOMNodeList;
 struct IXMLDOMParseError;
 
-/// Thrown by a failed DOM operation: a call on a null handle, or a node put where it can't stand.
+/// Thrown by a failed DOM operation: a call on a null handle, or a node at a place where it isn't allowed.
 class ComError : public std::runtime_error
 {
 public:

@@ -71,7 +71,7 @@ CString XmlLimits::reasonInWords(std::string_view reason)
 {
     constexpr std::string_view option = "XML_PARSE_HUGE", kinds[] = {"too long", "too big", "Huge ", "huge ", option};
     const auto isIn = [&](std::string_view kind) { return reason.find(kind) != reason.npos; };
-    if (isIn("entity reference loop")) // libxml2 says so of any depth over 40, and of text that grows too much
+    if (isIn("entity reference loop")) // libxml2 reports this for any depth over 40, and for text that grows too much
         return CString(reason) + ", or entities that exceed the limit of nesting or of expanded text";
     if (!std::ranges::any_of(kinds, isIn))
         return CString(reason);

@@ -10,8 +10,8 @@ class XmlSource;
 /// The longest allowed name, in bytes, prefix and colon included.
 inline constexpr std::size_t kMaxXmlName = 4096;
 
-/// Counts what a document costs libxml2 where that grows faster than the document, and holds it to the limits that
-/// parseXmlFile() names. Each function returns what is wrong once a limit is exceeded, else null.
+/// Counts the work of libxml2 that grows faster than the document, and enforces the limits that parseXmlFile() lists.
+/// Each function returns an error text once a limit is exceeded, else null.
 class XmlLimits
 {
 public:
@@ -33,7 +33,8 @@ public:
     /// Checks the length of a name; `prefix` is null if it has none.
     static const char* checkName(const char* local, const char* prefix);
 
-    /// Returns libxml2's reason of an error; where that advises to set XML_PARSE_HUGE, says that a limit is exceeded.
+    /// Returns libxml2's reason of an error; if that advises to set XML_PARSE_HUGE, the text states that a limit is
+    /// exceeded instead.
     static CString reasonInWords(std::string_view reason);
 
 private:

@@ -161,7 +161,7 @@ xmlSAXHandler Parse::callbacks(bool withText)
         sax.characters = onText;
         sax.cdataBlock = onCdata;
     }
-    sax.ignorableWhitespace = sax.characters; // the same callback, or libxml2 guesses which blanks matter
+    sax.ignorableWhitespace = sax.characters; // else libxml2 guesses which blanks matter
     return sax;
 }
 
@@ -193,7 +193,7 @@ std::optional<IXMLDOMParseError> Parse::run(int firstLine)
     return first;
 }
 
-// Returns whether bytes are left, because libxml2 takes a NUL or bytes outside of the encoding for the end.
+// Returns whether bytes are left. libxml2 takes a NUL or bytes outside of the encoding for the end.
 bool Parse::hasRest() const
 {
     const xmlParserInput& input = *parser->input;

@@ -33,7 +33,7 @@ int XmlSource::read(char* out, int room)
     if (at == filled)
         return error ? -1 : 0;
     // libxml2 2.9.14 takes the first byte of a character for a character if the piece before ended there inside of a
-    // name (xmlCurrentChar). So no piece ends there, and of a file that goes on the last byte is held back.
+    // name (xmlCurrentChar). So no piece ends there, and the last byte that was read is held back until the file ends.
     std::size_t piece = std::min(static_cast<std::size_t>(room), filled - at - (isEnded ? 0 : 1));
     if (piece > 1 && at + piece < filled && startsCharacter(bytes[at + piece]))
         --piece;
@@ -42,7 +42,7 @@ int XmlSource::read(char* out, int room)
     return static_cast<int>(piece);
 }
 
-// Reads the next bytes of a file behind those that are left.
+// Reads the next bytes of a file after those that are left.
 void XmlSource::fill()
 {
     if (isEnded)

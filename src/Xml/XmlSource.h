@@ -41,5 +41,5 @@ private:
     std::size_t at = 0;
     std::size_t filled = 0;
     std::size_t count = 0;
-    bool isEnded = false; // nothing is left to read behind the bytes
+    bool isEnded = false; // nothing is left to read after the bytes
 };

@@ -5,6 +5,6 @@
 #include <vector>
 
 /// Returns the PostgreSQL roles that a broker user may mean, the exact name first. The server keeps the case of quoted
-/// role names and folds unquoted ones to lower case, ASCII letters only. A user name without a small letter may have
-/// been turned to capitals on its way, so its lower-case forms follow. Any other name is only tried as it is.
+/// role names and folds unquoted ones to lower case, ASCII letters only. The wizard converts user names to upper case,
+/// so the lower-case forms of a name without lower-case letters follow. Any other name is only tried as it is.
 std::vector<CString> rolesOf(const CString& user);

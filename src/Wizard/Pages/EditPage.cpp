@@ -343,7 +343,7 @@ void EditPage::showPane(bool visible)
     showStructure();
 }
 
-// Beside the pane, the list has a column for descriptions only if they say more than the names.
+// Beside the pane, the list has a column for descriptions only if some aren't generated from the names.
 void EditPage::shareColumns()
 {
     typeList->setShares(paneSide->isHidden() ? std::vector{30, 65}

@@ -6,7 +6,7 @@ class CopyRow;
 class PathLabel;
 class QPushButton;
 
-/// The last page: says what was done and offers a command line that does the same. Finish and Cancel both store the
+/// The last page: shows what was done and offers a command line that does the same. Finish and Cancel both store the
 /// options and end the wizard. Back starts another import.
 class FinishPage : public QELPage
 {

@@ -6,8 +6,8 @@
 
 class QLabel;
 
-/// Chooses the output file and writes the message document to it. Suggests a name until the user has used one, and says
-/// if a file will be replaced.
+/// Chooses the output file and writes the message document to it. Suggests a name until the user has used one, and
+/// shows whether a file will be replaced.
 class OutputFile : public FilePage
 {
 public:
@@ -28,6 +28,6 @@ private:
     void showState();
 
     QLabel* state = nullptr;
-    QTimer delay; // avoids a disk access for every key
+    QTimer delay; // avoids a disk access after each key
     CString suggested;
 };

@@ -80,7 +80,7 @@ public:
     void setLayout(FullMessage::Layout wanted) { layout = static_cast<int>(wanted); }
 
     /// Sets the text of the file field for the last source of several files, or of a folder, and whether the last
-    /// source of all was such a one.
+    /// source was one of this sort.
     static constexpr int kMaxSourceSet = 100'000; ///< bytes of the text
     void setSourceSet(const CString& text);
     void setSetLast(bool isLast) { setLast = isLast ? 1 : 0; }

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Returns the quoted name at `position` and moves `position` behind it; "" if there is none.
+// Returns the quoted name at `position` and moves `position` past it; "" if there is none.
 CString nextName(const CString& text, std::size_t& position)
 {
     CString name;

@@ -22,7 +22,8 @@ constexpr qsizetype kMaxShown = 1 << 16; // bytes
 constexpr qsizetype kMaxLines = 200;
 constexpr qsizetype kMaxLine = 500; // characters; laying out longer lines would take long
 
-// Returns the text as the importers read it; "" if the bytes are no text. The end may lack an incomplete character.
+// Returns the text as the importers read it; "" if the bytes are not text. An incomplete character at the end is
+// dropped.
 QString decoded(QByteArray bytes)
 {
     if (const auto encoding = QStringConverter::encodingForData(bytes))
@@ -34,7 +35,7 @@ QString decoded(QByteArray bytes)
     return toUi(toXmlText({bytes.data(), static_cast<std::size_t>(bytes.size())}));
 }
 
-// Returns the first lines of a file; "" if it is no text.
+// Returns the first lines of a file; "" if it is not text.
 QString firstLines(const CString& fileName)
 {
     QByteArray bytes(kMaxShown, Qt::Uninitialized);

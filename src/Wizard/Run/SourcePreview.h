@@ -46,7 +46,7 @@ public:
 
 Q_SIGNALS:
     /// Emitted first, with the first lines of the source; `text` is empty if it can't be shown as text. The only signal
-    /// if the source doesn't exist (`size` is 0 then). `isCounted` says whether counts follow.
+    /// if the source doesn't exist (`size` is 0 then). `isCounted` if counts follow.
     void begun(const QString& text, quint64 size, bool isCounted);
 
     /// Emitted once for each reading, with the results so far.

@@ -139,7 +139,7 @@ void DiagramView::mouseReleaseEvent(QMouseEvent* event)
 
 void DiagramView::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    pressed = {-QApplication::startDragDistance(), 0}; // so that its release is no click
+    pressed = {-QApplication::startDragDistance(), 0}; // so that its release is not a click
     if (!diagramScene || event->button() != Qt::LeftButton)
         return;
     if (const auto box = diagramScene->boxAt(mapToScene(event->pos())))
