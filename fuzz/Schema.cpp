@@ -3,7 +3,7 @@
 
 namespace {
 
-// Imports a schema. A field of a type that is no more than an element refers to a type that doesn't exist, which is a
+// Imports a schema. A field whose type is declared only as an element refers to a type that doesn't exist, which is a
 // loss.
 void importSchema(SchemaMessage& importer, const CString& fileName)
 {

@@ -94,7 +94,7 @@ not compatible: it breaks readers
          "</element></schema>\" >$n.xsd; done; $import xsd --full a.xsd b.xsd -o s.xml; "
          "$import xsd --full b.xsd a.xsd --diff s.xml",
          {0, "", ""}},
-        // A second namespace gives the folder of the first another name, which is no move of all types.
+        // A second namespace changes the name of the first one's folder; that is not a move of all types.
         {"for n in x y; do sed s,urn:.,http://$n/a,g a.xsd >$n.xsd; done; "
          "$import x.xsd --full --folders namespace -o x.xml; $import xsd --full x.xsd y.xsd --diff x.xml",
          {1, R"(added enumeration \sys\xml\y-a\E [type-added]
@@ -107,7 +107,7 @@ not compatible: it breaks readers
 )",
           ""}},
         {"$import r.dtd --diff none", {2, "", "none: error: No such file or directory\n"}},
-        // The same types, but no document: something stands behind the end, or the end is missing.
+        // The same types, but not a document: something follows the end, or the end is missing.
         {"(cat r.xml; echo x) >x.xml; $import r.dtd --diff x.xml; head -c -1 r.xml >x.xml; $import r.dtd --diff x.xml",
          {2, "", "x.xml:4:446: error: Extra content at the end of the document\nx.xml:4:445: error: expected '>'\n"}},
         {"echo '<a/>' >a.xml; $import r.dtd --diff a.xml", {2, "", "a.xml: error: it is not a document of types\n"}},

@@ -1,4 +1,4 @@
-"""Runs each command after a "$" in README.md and docs/ and compares its output with the lines shown below it."""
+"""Runs each command after a "$" in the documents, and compares its output with the lines shown below it."""
 
 import os
 import pathlib

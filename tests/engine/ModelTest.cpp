@@ -66,8 +66,8 @@ TEST(Model, RepeatedUsageBecomesATable)
     EXPECT_EQ(message.beginEnum(), 3);
 }
 
-// A description of the length of the generated one is kept all the same.
-TEST(Model, GeneratedDescriptionsAreToldFromOthers)
+// A description as long as the generated one is kept, too.
+TEST(Model, DescriptionsLikeGeneratedOnesAreKept)
 {
     for (const CString description : {"r_a (Automatically created)", "r_a (Automatically Created)"}) {
         Declared message([&](Declared& m) {

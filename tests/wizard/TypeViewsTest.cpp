@@ -249,7 +249,7 @@ TEST(PictureOfTypes, HasNoBoxToEnterWithoutALayout)
     EXPECT_FALSE(isEntered);
 }
 
-// A user with the picture window, who clicks at boxes.
+// A user of the picture window, clicking on boxes.
 struct PictureDesk : TypesDesk
 {
     explicit PictureDesk(const std::string& dtd, int row) : TypesDesk(dtd, row) { button("showPicture").click(); }
