@@ -22,11 +22,12 @@ set(version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_NAME typeforge-import)
 set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_TYPEFORGE-IMPORT_DESCRIPTION
-"command that derives message broker types from DTDs, schemas, XML and tables
-typeforge-import reads a DTD, an XML Schema with what it includes, XML example
-messages or the tables of an ODBC data source, and writes the type definitions
-that a message broker needs: records, tables, enumerations and arrays. It
-writes them to a file or creates them in the broker's repository.
+"command that derives message broker types from schemas, messages and tables
+typeforge-import reads a DTD, an XML or JSON Schema, a WSDL, an OpenAPI,
+AsyncAPI or Avro description, example messages in XML or JSON, or the tables
+of an ODBC data source, and makes the type definitions that a message broker
+needs: records, tables, enumerations and arrays. It writes them to a file or
+creates them in the broker's repository.
 .
 This package holds the command alone, which needs no graphical desktop.")
 # The SQLite driver is needed for the repository \"local\".
@@ -39,11 +40,12 @@ set(CPACK_DEBIAN_TYPEFORGE-IMPORT_PACKAGE_BREAKS "typeforge (<< ${version})")
 set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_NAME typeforge)
 set(CPACK_DEBIAN_TYPEFORGE_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_TYPEFORGE_DESCRIPTION
-"wizard that derives message broker types from DTDs, schemas, XML and tables
-Typeforge derives type definitions for a message broker from what describes
-your messages: a DTD, an XML Schema, an XML message, an earlier set of types,
-or tables of a database. It shows every type before it goes anywhere, and
-writes all of them into one file or creates them in the broker's repository.
+"wizard that derives message broker types from schemas, messages and tables
+Typeforge derives type definitions for a message broker from a description of
+your messages: a DTD, an XML or JSON Schema, an API description, XML or JSON
+messages, an earlier set of types, or tables of a database. It shows every type
+before it is written, and writes all of them into one file or creates them in
+the broker's repository.
 .
 This package holds the wizard; typeforge-import is its command for scripts.")
 # Qt loads platform plugins at run time, so dpkg-shlibdeps doesn't find them.

@@ -12,15 +12,15 @@
 
 namespace {
 
-constexpr char kHelp[] =
-    "Usage: typeforge [FILE]\n"
-    "Turns descriptions of messages into types for a message broker, step by step in a window.\n"
-    "With FILE, a DTD, a schema, an XML message or types written earlier, it starts at that file.\n"
-    "\n"
-    "  --help     print this help and exit\n"
-    "  --version  print the version and exit\n"
-    "\n"
-    "In scripts, use typeforge-import.\n";
+constexpr char kHelp[] = "Usage: typeforge [FILE]\n"
+                         "Turns descriptions of messages into types for a message broker, step by step in a window.\n"
+                         "With FILE, it starts at that file: a DTD, a schema, an API description, a message, or types\n"
+                         "written earlier.\n"
+                         "\n"
+                         "  --help     print this help and exit\n"
+                         "  --version  print the version and exit\n"
+                         "\n"
+                         "In scripts, use typeforge-import.\n";
 
 // Prints the text for the first --help or --version before "--". Returns whether there was one, so that no window
 // opens.
