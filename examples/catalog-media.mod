@@ -1,4 +1,4 @@
-<!-- Pictures of what a catalogue offers. -->
+<!-- The pictures of articles. -->
 <!ENTITY % media.content "(Picture+)">
 <!ELEMENT Picture EMPTY>
 <!ATTLIST Picture file CDATA #REQUIRED>
