@@ -100,7 +100,7 @@ public:
 private:
     static constexpr std::uint32_t kFree = 0xFFFFFFFF;
 
-    // Open addressing, linear probing. The hash lies beside the index, so a probe seldom follows the pointer, and
+    // Open addressing, linear probing. The hash is stored beside the index, so a probe seldom follows the pointer, and
     // growing never does.
     struct Slot
     {

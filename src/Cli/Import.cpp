@@ -120,7 +120,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     else
         message.parseFile(files.front(), basePath);
     diagnostics.finish();
-    if (!diagnostics.hasErrors()) // or nothing is written, so nothing is lost
+    if (!diagnostics.hasErrors()) // after an error nothing is written, so nothing is lost
         reportLosses(message.queryReport(), arguments.report, diagnostics);
     adviseOnFullReading(message, diagnostics);
     const bool isEmpty = !holdsTypes(message);
@@ -189,7 +189,7 @@ int runImport(Arguments arguments)
 {
     const ProgressLine progressLine;
     setMessageBoxHandler([isQuiet = arguments.verbosity == Verbosity::quiet](const CString& text, const CString&) {
-        if (!isQuiet) // that the settings can't be read, which ends no import
+        if (!isQuiet) // the only message here: the settings can't be read, which doesn't end an import
             report("warning: " + text);
     });
     if (const CString usageError = epochError(); !usageError.empty())

@@ -46,7 +46,7 @@ FileId idOf(const struct stat& status)
 }
 
 // Returns whether an errno value says that nothing is there. Other errors mean that there may be something that the
-// process can't look at.
+// process can't access.
 bool meansMissing(int error)
 {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;

@@ -27,8 +27,8 @@ struct FoundFile
     FileId id;
 };
 
-/// Finds files by names whose letters may have the wrong case. Caches what it has found and missed. After 200,000
-/// looked-up files and listed names it only tries exact names, so that a source can't keep it busy.
+/// Finds files by names whose letters may have the wrong case. Caches hits and misses. After 200,000 lookups and listed
+/// names it only tries exact names, so that a source can't keep it busy.
 class FileFinder
 {
 public:
@@ -37,7 +37,7 @@ public:
     /// from the left: the exact name comes first, then byte order.
     ///
     /// Returns nothing for a folder, device or pipe, and for a file of /proc, /sys or /dev, whatever link leads there.
-    /// A file that the system doesn't let the process look at counts as found, because it may exist.
+    /// A file that the process may not access counts as found, because it may exist.
     std::optional<FoundFile> find(const CString& folder, const CString& path);
 
 private:

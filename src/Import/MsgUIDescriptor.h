@@ -13,7 +13,7 @@ struct ImporterSource
     bool readsTables = false;  ///< the source is a data source, not a file
     bool namesFolders = false; ///< the source names the folders of its types; a base path has no effect
     bool isSet = false;        ///< always read in full, several files or folders as one source
-    bool hasFolders = false;   ///< the same; files in folders go by the filter's pattern
+    bool hasFolders = false;   ///< the same; the filter's pattern selects the files in folders
     bool hasCatalogs = false;  ///< finds documents by catalogues, although it has no full reading of its own
 };
 

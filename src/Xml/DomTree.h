@@ -56,8 +56,8 @@ struct DomRoot : DomTreeNode
     DomTree* tree = nullptr;
 };
 
-/// The nodes of one document and the storage that they lie in. Nodes have no destructors and own nothing, so the arena
-/// frees them all at once.
+/// The nodes of one document and their storage. Nodes have no destructors and own nothing, so the arena frees them all
+/// at once.
 class DomTree
 {
 public:

@@ -236,7 +236,7 @@ void Parse::onError(void* run, xmlErrorPtr error)
         self.fail(error->message ? error->message : "");
 }
 
-// The first failure is the one that counts.
+// Only the first failure counts.
 void Parse::fail(std::string_view reason)
 {
     if (first)

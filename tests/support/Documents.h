@@ -5,9 +5,9 @@
 
 #include <set>
 
-/// Returns the fault of an import's message document: it isn't well-formed, or a TYPE in it is neither a kind nor the
-/// NAME of a type. Empty if there is none. With `hasAllTypes` false, a TYPE may be missing: the importer copies type
-/// names from its source.
+/// Returns the fault of an import's message document, which may not be well-formed, or have a TYPE that is neither a
+/// kind nor the NAME of a type. Empty if there is none. With `hasAllTypes` false, a TYPE may be missing: the importer
+/// copies type names from its source.
 inline CString documentFault(MsgBase& importer, bool hasAllTypes = true)
 {
     struct Names : XmlHandler

@@ -151,7 +151,7 @@ TEST_F(Settings, ListEndsBeforeWhatIsTooLong)
     }
 }
 
-// Guards against going over all keys for each one, which takes minutes.
+// Guards against a scan of all keys for each one, which takes minutes.
 TEST_F(Settings, AreReadAtOnceWhereThereAreMany)
 {
     const struct

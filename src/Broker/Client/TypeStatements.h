@@ -4,18 +4,16 @@
 
 // The statements on a repository's table. Both databases use the same SQL. Parameters are listed in brackets.
 
-/// Inserts a type [name, document, source, time]. Its result is no row if the type exists.
+/// Inserts a type [name, document, source, time]. Returns no row if the type exists.
 CString insertStatement(const TypeTable& table);
 
-/// Inserts or replaces a type, with the same parameters. Its result is the revision, 0 if created.
+/// Inserts or replaces a type, with the same parameters. Returns the revision, 0 if created.
 CString upsertStatement(const TypeTable& table);
 
-/// Finds a type [document, name]. Its result is the revision, whether the document is the same (1 or 0), source and
-/// time.
+/// Finds a type [document, name]. Returns the revision, whether the document is the same (1 or 0), source and time.
 CString findStatement(const TypeTable& table);
 
-/// Replaces a type [name, document, source, time, revision] if it still has that revision. Its result is no row
-/// otherwise.
+/// Replaces a type [name, document, source, time, revision] if it still has that revision. Returns no row otherwise.
 CString updateStatement(const TypeTable& table);
 
 /// Returns the PostgreSQL program that stores the types in the session setting typeforge.batch, each in a transaction

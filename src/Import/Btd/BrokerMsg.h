@@ -17,8 +17,7 @@ public:
     CString queryMainTypeName() const override { return mainTypeName; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 
-    /// Keeps types, their constants, and fields of one type apart although they share a name. By default they are
-    /// merged into one that repeats.
+    /// Keeps types, constants or fields with the same name separate. By default they are merged into one that repeats.
     void keepTwins() { keepsTwins = true; }
 
     static MsgUIDescriptor m_descr;

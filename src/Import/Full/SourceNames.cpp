@@ -36,7 +36,7 @@ public:
     {
         few.clear();
         if (!many.empty())
-            many = {}; // clear() would go over all buckets for each record after a large one
+            many = {}; // clear() would visit all buckets for each record after a large one
     }
 
 private:

@@ -282,7 +282,7 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
     if (kind == JsonContent::record && added.kind == JsonContent::map)
         return documents.note(SourceReport::furtherProperties, part);
     bool isNarrower = false;
-    if (kind == added.kind) { // two enumerations: the one that the other includes holds
+    if (kind == added.kind) { // two enumerations: the included one applies
         const std::span<const JsonConstant> known = frame.isBorrowed ? constantsOf(frame.content) : frame.constants;
         if (known.size() < added.count && includes(constantsOf(added), known))
             return;

@@ -50,7 +50,7 @@ private:
     bool hasTypes = false;
     bool isSchema = false;
     bool hasProperties = false;
-    bool isOther = false; // speaks against "properties" as those of a schema
+    bool isOther = false; // the members of "properties" don't look like schemas
 };
 
 // Scans the available part of the document. A fault only ends the scan, because the importer will report it.

@@ -115,7 +115,7 @@ void OpenApiMessage::readDocuments(std::span<Index> roots, JsonDocuments& docume
     std::stable_partition(all.begin(), all.end(), [&](Index root) { return isDescription(tree, root); });
     refuseUnless(isDescription(tree, all.front()), all.front(), unknown);
     // A "$ref" replaces its siblings in OpenAPI 3.0, and in AsyncAPI, whose schemas are of draft 7. OpenAPI 3.1 follows
-    // JSON Schema 2020-12. Parts go by the first description.
+    // JSON Schema 2020-12. For parts, the version of the first description counts.
     for (const Index root : all) {
         const std::string_view version = openApiVersionOf(tree, isDescription(tree, root) ? root : all.front());
         documents.setIgnoresSiblings(root, version.empty() || version.starts_with("3.0"));

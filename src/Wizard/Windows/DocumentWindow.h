@@ -41,7 +41,7 @@ private:
     QString shown;
     qsizetype filled = 0; // length of the part of `shown` that is in the window
     QTimer filling;
-    std::optional<bool> wantedSearch; // the last search before the whole text was there: backward?
+    std::optional<bool> wantedSearch; // direction of a search that waits for the whole text; true: backward
     QPlainTextEdit* text;
     QLineEdit* findEdit;
     QLabel* status;

@@ -109,9 +109,9 @@ private:
     std::size_t depth = 0;                // open elements inside the schema
     std::vector<std::unique_ptr<SchemaReader>> finished;
     bool isWsdl = false;
-    bool isInTypes = false;                                // inside the `types` element
-    std::vector<std::size_t> open;                         // elements around schemas: how many declarations there were
-    std::vector<const unsigned char*> declared;            // prefixes and URIs of those
+    bool isInTypes = false;                     // inside the `types` element
+    std::vector<std::size_t> open;              // for each element around schemas, the declarations before it
+    std::vector<const unsigned char*> declared; // prefixes and URIs of those
     std::vector<const unsigned char*> elementDeclarations; // of the element that begins
     XmlScope elementScope{};                               // that element
     NameTable::Id target = 0;
