@@ -67,7 +67,7 @@ protected:
     Boxes boxes;
 };
 
-// Dry runs and comparisons depend on it.
+// Dry runs and comparisons depend on this.
 TEST_P(Repository, IsReadWithoutBeingTouched)
 {
     const auto read = [&](BrokerSession& session) {

@@ -266,7 +266,7 @@ TEST_F(ImportCommand, AnswersExactly)
           "l.xsd:3:37: error: reference to nothing that was read: NoC\nl.dtd:1:46: error: reference to nothing that "
           "was read: C\n"
           "l.xsd: warning: 2 losses: 2 references became text; --report FILE lists them\n"}},
-        // Options that the source has no use for.
+        // Options without effect on the source.
         {"echo '<!ENTITY % m \"IGNORE\"><![%m;[]]><!ENTITY % d \"\">'$(cat r.dtd) >e.dtd; $import dtd --full r.dtd "
          "e.dtd --folder urn:a=v --entity m=INCLUDE --entity d= --entity n=x -l -b a",
          {0, "a\\t_b\tt_b (Automatically created)\na\\r\tr (Automatically created)\n",

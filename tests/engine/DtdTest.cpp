@@ -76,7 +76,7 @@ TEST_F(Dtd, GivesTypes)
     }
 }
 
-// Only the first record in which an element repeats has its table. Names share an element.
+// Only the first record in which an element repeats has its table. Equal names share an element.
 const Case kLosses[] = {
     {"InTheFirstRecord", "<!ELEMENT x (a*, b, b)><!ELEMENT y (a, b)>", ""},
     {"InASecondRecord", "<!ELEMENT x (a*)>\n<!ELEMENT y (b,\n a+)>", "x:3:2: repetition skipped: a\n"},

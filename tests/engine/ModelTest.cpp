@@ -223,7 +223,7 @@ TEST(Model, OrdersAsTheClimbsSayAtAnySize)
 
 TEST(Model, PutsComponentsFirstOutsideOfAGreatCycle)
 {
-    // Everything holds everything, more than the climb budget covers, and each element has a user outside the cycle.
+    // A complete graph, too large for the climb budget; each element has a user outside the cycle.
     constexpr int count = 1000;
     Declared message([](Declared& m) {
         std::vector<Element*> all;

@@ -9,7 +9,7 @@ struct Bound
 {
     const char* name;
     CString (*schema)();
-    const char* types; // null: refused, but not because of the declarations of the main file
+    const char* types; // null: refused, for a reason other than the declarations of the main file
     const char* box = "";
 };
 

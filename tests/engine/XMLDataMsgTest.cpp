@@ -38,7 +38,7 @@ TEST_F(XMLData, GivesTypes)
         EXPECT_EQ(typesOfFile(row.in), row.out) << row;
 }
 
-// Repetitions that are single fields, because another record has the table, and what shares an element.
+// Repetitions that are single fields, because another record has the table, and attributes that share an element.
 const Case kLosses[] = {
     {"InOneRecord", "<r><a><b/><b/></a><a><b/><b/></a></r>", ""},
     {"InASecondRecord", "<r><a><b/><b/></a>\n<c><b/>\n <b/><b/></c></r>", "3:2 b"},

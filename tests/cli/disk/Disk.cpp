@@ -1,4 +1,4 @@
-// Preloaded into a program: reports the calls that bring files to the disk to standard error. DISK_FAILS and DISK_KILLS
+// Preloaded into a program: reports the calls that sync files to the disk on standard error. DISK_FAILS and DISK_KILLS
 // name a call that fails with EIO, or that kills the process.
 #include <cerrno>
 #include <csignal>
