@@ -10,7 +10,7 @@
 
 namespace {
 
-// An option, with what shell completion needs of it.
+// The properties of an option for shell completion.
 struct Row
 {
     CString shortName; // without dash, "o"

@@ -56,7 +56,7 @@ void suggestEntities(const std::vector<CString>& entities, Diagnostics& diagnost
                         (others.empty() ? "" : "; others depend on " + others));
 }
 
-// Warns about each --folder and --entity that the source has no use for.
+// Warns about each --folder and --entity without effect on the source.
 void warnOfUnusedOptions(const FullMessage& message, Diagnostics& diagnostics)
 {
     for (const CString& uri : message.queryUnusedFolders())

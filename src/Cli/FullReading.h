@@ -37,9 +37,10 @@ void addFullOptions(CLI::App& app, FullOptions& options);
 /// Returns a new importer, configured by `options`. The caller owns it.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer);
 
-/// After a full reading, warns about catalogues of the environment that can't be read, about entities that would
-/// include sections if all were left out, and, if the import succeeded, about options that the source has no use for.
+/// After a full reading, warns about catalogues of the environment that can't be read, and about entities that would
+/// include sections if all were left out. If the import succeeded, also warns about options without effect on the
+/// source.
 void adviseOnFullReading(const MsgBase& message, Diagnostics& diagnostics);
 
-/// Warns if the full reading supports more of what the source uses, and names it.
+/// Warns if the source uses constructs that only the full reading supports, and names them.
 void suggestFullReading(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);

@@ -18,7 +18,7 @@ SourceFault faultOf(const SourceReport& report, const SourceReport::Entry& entry
             static_cast<long>(entry.place.column), isWarning};
 }
 
-// Returns the hint where losses are listed with their places.
+// Returns a hint to the list of losses with their places.
 CString listingHint(const ReportOptions& options, std::size_t losses)
 {
     const CString report = options.file.empty() ? "--report FILE" : options.file == "-" ? "the report" : options.file;

@@ -22,7 +22,7 @@ CString plainConnection(const CString& connection);
 /// Returns the name of the data source in a connection string; empty if it names none.
 CString dataSourceOf(const CString& connection);
 
-/// Returns what identifies a source, given by its name or a connection string: its driver, data source, server, port
-/// and database, those that it names, as "Driver=…;Database=…". Sources that differ only in their users, passwords and
-/// options have the same identity.
+/// Returns the identity of a source, given by its name or a connection string: the driver, data source, server, port
+/// and database that it names, as "Driver=…;Database=…". Sources that differ only in their users, passwords and options
+/// have the same identity.
 CString identityOf(const CString& source);

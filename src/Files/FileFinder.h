@@ -17,7 +17,7 @@ CString localPath(std::string_view reference);
 /// Returns a URI (RFC 3986) with its percent escapes decoded. A "%" that begins no escape stays.
 CString withoutEscapes(std::string_view uri);
 
-/// What makes two names the same file: device and inode.
+/// The identity of a file: device and inode.
 using FileId = std::pair<unsigned long, unsigned long>;
 
 /// A regular file that was found. `name` opens it.
@@ -70,7 +70,7 @@ CString shownFrom(const CString& from, const CString& folder, const CString& pat
 /// Returns the folder of a file, links resolved, with a final slash; the current folder for standard input and devices.
 CString folderOf(const CString& fileName);
 
-/// Returns a file's name without its folder and without the last dot and what follows it.
+/// Returns a file's name without its folder and its last suffix.
 std::string_view stemOf(std::string_view fileName);
 
 /// Returns the id of whatever `fileName` names; nothing if it does not exist.

@@ -8,9 +8,9 @@
 #include <functional>
 #include <utility>
 
-/// The base of all importers; holds the result of one import. An importer overrides parse() and declares there what the
-/// source contains, by addElement() and addAttribute(). Afterwards repeated usages become tables, and the types can be
-/// enumerated in dependency order.
+/// The base of all importers; holds the result of one import. An importer overrides parse() and declares the contents
+/// of the source there, by addElement() and addAttribute(). Afterwards repeated usages become tables, and the types can
+/// be enumerated in dependency order.
 class MsgBase
 {
 public:
@@ -50,7 +50,7 @@ public:
     /// Makes a source without types a success; the literal readings never refuse one.
     void allowEmpty() { isEmptyAllowed = true; }
 
-    /// Returns what of the last source was not carried over into the types.
+    /// Returns the report of the last import: what was not carried over into the types.
     const SourceReport& queryReport() const { return report; }
 
     /// The same as parseFile() for a text instead of a file.

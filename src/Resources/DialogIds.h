@@ -69,7 +69,7 @@ enum ControlId : int
     IDC_COUNT_TYPES = 1133,
     IDC_READ_IN_FULL = 1134,
     IDC_OUTPUT_STATE = 1135,
-    IDC_DONE = 1136, // what was, on the last page
+    IDC_DONE = 1136, // the result, on the last page
     IDC_OPEN_FOLDER = 1137,
     IDC_VIEW_FILE = 1138,
     IDC_CATALOGS = 1139,

@@ -14,7 +14,7 @@ constexpr char kProbeSources[] = "SELECT source, source_time, source_revision FR
 constexpr char kReadFolder[] = "SELECT name, document FROM typeforge_types "
                                "WHERE substr(name, 1, length(CAST(? AS TEXT))) = ? ORDER BY name";
 
-// How the databases report what is missing: by SQLSTATE, or SQLite in words.
+// The errors for a missing table or column: SQLSTATEs, or SQLite's words.
 struct Missing
 {
     const char *state, *otherState, *words;
@@ -22,7 +22,7 @@ struct Missing
 constexpr Missing kMissingTable = {"42P01", "42S02", "no such table"};
 constexpr Missing kMissingColumn = {"42703", "42S22", "no such column"};
 
-// Runs a probe. Returns false if it fails because of what may be missing.
+// Runs a probe. Returns false if it fails with one of the errors in `missing`.
 bool exists(CDatabase& database, const char* probe, const Missing& missing)
 {
     try {

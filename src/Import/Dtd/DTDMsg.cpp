@@ -87,7 +87,7 @@ void DTDMessage::onCancelled()
     mainType = previousMain;
 }
 
-// Releases what a single parse needed.
+// Releases the state of a single parse.
 void DTDMessage::forget()
 {
     dtdElements.clear();

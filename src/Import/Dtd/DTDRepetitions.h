@@ -8,8 +8,9 @@
 #include <map>
 #include <unordered_set>
 
-/// Reports where the model and a DTD differ in what repeats. The literal reading takes each name that a record mentions
-/// again for a repeated one, although `(b, c) | (b, d)` has one b; and the model makes one table for each element.
+/// Reports the repetitions in which the model and a DTD differ. The literal reading takes each name that a record
+/// mentions again for a repeated one, although `(b, c) | (b, d)` has one b; and the model makes one table for each
+/// element.
 class DTDRepetitions
 {
 public:

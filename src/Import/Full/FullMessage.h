@@ -73,7 +73,7 @@ public:
     /// Returns the names of possible main types as setRoots() takes them, the source's own choice first.
     const std::vector<CString>& queryMainTypes() const { return mainTypes; }
 
-    /// Returns what a file uses that the literal reading doesn't support, in words; empty if there is nothing.
+    /// Returns the constructs of a file that the literal reading doesn't support, in words; empty if there are none.
     virtual CString unsupportedByLiteral(const CString&) const { return {}; }
 
     bool setFurtherFiles(const std::vector<CString>& files) override
@@ -88,8 +88,8 @@ public:
 protected:
     const std::vector<CString>& queryRoots() const { return roots; }
 
-    /// Adds the declarations of `source`, which is what parse() was given, to `types`. Throws SourceRefusal if it can't
-    /// be imported.
+    /// Adds the declarations of `source`, the argument of parse(), to `types`. Throws SourceRefusal if it can't be
+    /// imported.
     virtual void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) = 0;
 
     std::vector<CString> furtherFiles;

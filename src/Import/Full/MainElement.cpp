@@ -68,8 +68,8 @@ std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Ind
     return measureAll(stemOf(fileName));
 }
 
-// Finds the candidates to measure. A record that others refer to reaches no more than they do, so it is enough to
-// measure one member of each cycle that nothing outside refers to, for the first element that it belongs to.
+// Finds the candidates to measure. A record reaches no more than the records that refer to it. So one member of each
+// cycle that nothing outside refers to is measured, for the first element that it belongs to.
 void MainElement::findSources()
 {
     const Index turn = ++walks;

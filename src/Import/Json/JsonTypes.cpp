@@ -101,8 +101,8 @@ std::string_view JsonTypes::nameOf(Index schema)
     return names[schema] = name;
 }
 
-// Returns the name of a record or enumeration: the schema's own, else its key if the document names it by that, so that
-// the name is used whichever field refers to it; else `name`, that of the field.
+// Returns the name of a record or enumeration: the schema's own, else its key if that was chosen as a name, else
+// `name`, that of the field. The name by the key is the same for all fields that refer to the schema.
 std::string_view JsonTypes::nameOf(Index schema, std::string_view name)
 {
     const std::string_view own = nameOf(schema);

@@ -78,8 +78,8 @@ public:
     /// Reads the fields of all records that were added since the last call. Call it last.
     void finish();
 
-    /// Returns a name with what types can't have replaced; a changed name is reported. The view lives as long as the
-    /// types.
+    /// Returns a name with the characters replaced that types can't have; a changed name is reported. The view lives as
+    /// long as the types.
     std::string_view toModelName(std::string_view name, Index place)
     {
         return toModelName(name, tree.placeOf(place), types, report);

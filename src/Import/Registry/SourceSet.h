@@ -6,12 +6,13 @@
 
 class MsgUIDescriptor;
 
-/// Returns `sources` with each folder replaced by the source files in it, sorted by name: those with a suffix of
-/// `importer`, or if that is null, of any importer that reads sets, but only the WSDLs if there are some. `isRecursive`
-/// includes subfolders, but no links to folders. Throws std::runtime_error if a folder can't be read or has no source.
+/// Returns `sources` with each folder replaced by the source files in it, sorted by name. These are the files with a
+/// suffix of `importer`. If that is null, they are those of all importers that read sets, or only the WSDLs if there
+/// are any. `isRecursive` includes subfolders, but no links to folders. Throws std::runtime_error if a folder can't be
+/// read or has no source.
 std::vector<CString> withoutFolders(const std::vector<CString>& sources, const MsgUIDescriptor* importer,
                                     bool isRecursive);
 
 /// Returns the name of the set `files`, the result of withoutFolders() for `given`: the folder's name if a single
-/// folder with several files was given; else "", so that the set is named after its main type.
+/// folder with several files was given. Returns "" otherwise; the set is then named after its main type.
 CString nameOfSet(const std::vector<CString>& given, const std::vector<CString>& files);

@@ -13,11 +13,10 @@
 /// Reads an instance document as a stream, and keeps only what changes the model.
 ///
 /// Every occurrence of an element or attribute is a usage. Its key ends in the sequence number of its parent node, so
-/// there are as many keys as nodes. A usage only changes the model if it first links an element to a parent, first
-/// marks an element as an attribute, or is the element's first usage that occurs once, or the first that occurs more
-/// than once. Only those are kept, a few for each pair of names, with the moment of their first occurrence. Declared in
-/// that order, they give the same model as all usages. A key can't recur once its node has ended, so only the keys of
-/// open nodes are looked up.
+/// there are as many keys as nodes. A usage only changes the model if it is the first to link an element to a parent or
+/// to mark it as an attribute, or its element's first usage that occurs once, or more than once. Only those are kept, a
+/// few for each pair of names, with the moment of their first occurrence. Declared in that order, they give the same
+/// model as all usages. A key can't recur once its node has ended, so only the keys of open nodes are looked up.
 ///
 /// Several documents can be read as one set of examples. Each key then belongs to one pair. Whether a pair ever
 /// occurred more than once is kept, so the result doesn't depend on the order of the documents.

@@ -53,7 +53,7 @@ public:
         bool isLiteral; ///< the lines of the text are those of the document, from the line after `place` on
         SourcePlace place;
         CString folder; ///< of the document, the base of relative references
-        CString name;   ///< what the document calls it
+        CString name;   ///< its name in the document
     };
 
     /// Reads such a schema and the documents that it refers to. Returns its document; nothing if it is missing or no
