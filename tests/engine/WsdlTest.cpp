@@ -141,10 +141,14 @@ const Row kRows[] = {
      "N(q:Number)", "2 losses: 2 statements not understood"},
     {"Version2",
      "<d:description xmlns:d='http://www.w3.org/ns/wsdl' xmlns:s='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t'>"
-     "<d:types><s:schema targetNamespace='urn:t'>" ELEMENT("a", "<s:element name='x'/>") ELEMENT(
-         "b", "<s:element name='y'/>") "</s:schema></d:types><d:interface><d:operation><d:input element='#none'/>"
-                                       "<d:output element='t:b'/></d:operation></d:interface></d:description>",
-     "b(y:String)"},
+     "<d:types><s:schema targetNamespace='urn:t'>" ELEMENT("a", "<s:element name='x'/>")
+         ELEMENT("b", "<s:element name='y'/>") "</s:schema></d:types><d:interface><d:fault "
+                                               "element='t:a'/><d:operation><d:input element='#none'/>"
+                                               "<d:output element='t:b'/></d:operation></d:interface></d:description>",
+     "a(x:String) b(y:String)",
+     "",
+     {},
+     "b: a b "},
     {"Version2ImportsAmongItsTypes",
      "<description xmlns='http://www.w3.org/ns/wsdl' xmlns:s='http://www.w3.org/2001/XMLSchema'><types><s:import "
      "namespace='urn:a' schemaLocation='a.xsd'/></types><interface><operation><input element='a:a' xmlns:a='urn:a'/>"
@@ -162,7 +166,7 @@ const Row kRows[] = {
      "a(x:String) X(z:String) b(x:String y:X)",
      "",
      {},
-     "b a "},
+     "b: b a "},
 };
 
 class Wsdl : public Importing<WsdlMessage>, public testing::WithParamInterface<Row>
@@ -175,7 +179,7 @@ TEST_P(Wsdl, GivesTheTypesOfItsMessages)
     EXPECT_EQ(message.parseFile(folder.write("x.wsdl", GetParam().source), "\\b\\"), 1);
     EXPECT_EQ(fullTypesOf(message), GetParam().types);
     EXPECT_EQ(message.queryReport().lossesInWords(), GetParam().losses);
-    CString main;
+    CString main = message.queryMainTypeName() + ": ";
     for (const CString& name : message.queryMainTypes())
         main += name + " ";
     if (GetParam().main) {

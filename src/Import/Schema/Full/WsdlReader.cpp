@@ -209,7 +209,7 @@ void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, S
     if (!named.empty())
         uses.push_back({tree.names.intern(named.substr(named.find(':') + 1)), place});
     if (const SchemaName element = resolve(content); element.local != 0)
-        parts.push_back({0, 0, element, {}, place});
+        parts.push_back({0, 0, element, {}, place, local == "fault"});
     else if (content == "#any")
         report.add(SourceReport::anyElement, place, local);
     else if (!content.empty() && content != "#none")
@@ -248,7 +248,8 @@ void WsdlReader::finish()
 
 // Turns messages into root elements. A message whose parts are elements becomes these elements. If a part has a type, a
 // new element is made that holds the parts as a sequence. It is in no symbol table, so the schemas may declare an
-// element of the same name.
+// element of the same name. The faults of an interface are declared before its operations as a rule, but the first root
+// names the folder, so they come last.
 void WsdlReader::makeMessages()
 {
     SchemaDocument made;
@@ -257,6 +258,7 @@ void WsdlReader::makeMessages()
     made.space = target;
     made.hasTarget = target != 0;
     tree.documents.push_back(made);
+    std::ranges::stable_partition(parts, [](const Part& part) { return !part.isFault; });
     for (std::size_t first = 0, end; first < parts.size(); first = end) {
         const std::uint32_t number = parts[first].message;
         for (end = first + 1; end < parts.size() && number != 0 && parts[end].message == number;)

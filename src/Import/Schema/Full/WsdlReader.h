@@ -84,6 +84,7 @@ private:
         SchemaName element;
         SchemaName type;
         SourcePlace place;
+        bool isFault = false; // of an interface in WSDL 2.0
     };
 
     void beginFile(std::string_view local);
