@@ -293,6 +293,13 @@ TEST_F(ImportCommand, AnswersExactly)
           "t.dtd: error: it declares no element, type or enumeration\nt.dtd: warning: all its sections are left out; "
           "--entity a=INCLUDE includes one; others depend on b\n" +
               mistake("--entity: xsd has no parameter entities") + mistake("--entity: it takes NAME=VALUE")}},
+        {"echo '<!ENTITY % m \"b\"><!ELEMENT r (%m;)>' >m.dtd; $import dtd --full m.dtd --entity m=c --strict; $import "
+         "dtd --full m.dtd --entity m=c -o /dev/null -q --report - --report-format json 2>&1 | sed -n 2p",
+         {0,
+          "  "
+          "{\"sort\":\"loss\",\"construct\":\"reference-unresolved\",\"file\":\"m.dtd\",\"line\":null,\"column\":null,"
+          "\"name\":\"c\"}],\n",
+          "m.dtd: error: reference to nothing that was read: c\n"}},
         {"printf '<definitions xmlns=\"http://schemas.xmlsoap.org/wsdl/\"><import location=\"no.wsdl\"/>"
          "</definitions>' >d.wsdl; $import d.wsdl",
          {1, "", "d.wsdl: error: it declares no element, type or enumeration; 1 loss: 1 document not found\n"}},
