@@ -20,17 +20,28 @@
 // Real database servers for tests. Each has a temporary folder and its own loopback port, and ends with the object or
 // the test's process, whichever ends first.
 
-/// Returns a free port of 127.0.0.1.
-inline int freePort()
+/// A port of 127.0.0.1 that the system gives to nobody else. A server may listen on it, because it shares addresses.
+class ReservedPort
 {
-    sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
-    socklen_t length = sizeof address;
-    const int probe = socket(AF_INET, SOCK_STREAM, 0);
-    bind(probe, reinterpret_cast<sockaddr*>(&address), length);
-    getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length);
-    close(probe);
-    return ntohs(address.sin_port);
-}
+    const int holder = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+
+public:
+    ~ReservedPort() { close(holder); }
+
+    const int number = bindAny();
+
+private:
+    int bindAny() const
+    {
+        sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
+        socklen_t length = sizeof address;
+        constexpr int on = 1;
+        bind(holder, reinterpret_cast<sockaddr*>(&address), length);
+        setsockopt(holder, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on); // for the server's bind; it does the same
+        getsockname(holder, reinterpret_cast<sockaddr*>(&address), &length);
+        return ntohs(address.sin_port);
+    }
+};
 
 /// A proxy for one connection to a local server. After `left` bytes from the server it falls silent, with both ends
 /// connected, or breaks the connection.
@@ -139,7 +150,11 @@ public:
         process = -1;
     }
 
-    const int port = freePort();
+private:
+    const ReservedPort reserved;
+
+public:
+    const int port = reserved.number;
     const std::string user = "typeforge", password = "pass;word}=1";
 
     /// Returns a connection string for the database `name` without user and password; through a Line's port, if given.
