@@ -11,7 +11,7 @@ struct Entry
     const char* text;
 };
 
-// In the order of their ids, which the look-up relies on.
+// In the order of their ids, because the lookup is a binary search.
 constexpr Entry kTable[] = {
     {IDS_TITLE, "Typeforge"},
     {IDS_DTD_NAME, "DTD importer"},

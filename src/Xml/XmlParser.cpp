@@ -115,7 +115,7 @@ private:
     bool mayHoldLongNames(const xmlParserCtxt& context);
     void checkName(const xmlChar* local, const xmlChar* prefix);
     void checkTag(int attributes);
-    bool tell();
+    bool reportStep();
     bool hasRest() const;
     int line() const { return parser->inputTab[0]->line; } // of the document, even inside an entity
     XmlPlace tagStart() const override;
@@ -210,7 +210,7 @@ int Parse::onRead(void* run, char* out, int room)
     if (self.first)
         return 0;
     const int size = self.source.read(out, room);
-    if (!self.tell())
+    if (!self.reportStep())
         return 0;
     if (self.inProlog && size > 0)
         self.hold(self.limits.addProlog({out, static_cast<std::size_t>(size)}));
@@ -218,7 +218,7 @@ int Parse::onRead(void* run, char* out, int room)
 }
 
 // Reports the progress, once in 16 pieces. Returns false if the parse was cancelled.
-bool Parse::tell()
+bool Parse::reportStep()
 {
     constexpr unsigned piecesPerReport = 16;
     if (pieces++ % piecesPerReport != 0 || reportProgress({Work::reading, source.queryCount(), source.querySize()}))

@@ -332,8 +332,8 @@ void FullMessage::declareEnumeration(Declaring& declaring, Index index)
     const std::span<const std::string_view> constants = declaring.types.constantsOf(index);
     for (std::size_t i = 0; i < constants.size(); ++i) {
         Element* const constant = model.addPart(type, path, declaring.names.intern(constants[i]), Element::typeString);
-        if (const std::string_view said = declaring.types.describeConstant(index, i); !said.empty())
-            constant->setDescription(said);
+        if (const std::string_view text = declaring.types.describeConstant(index, i); !text.empty())
+            constant->setDescription(text);
     }
 }
 

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr std::size_t kBuffer = 1 << 18;
-constexpr std::size_t kLongText = 1 << 12; // once so much of a string is kept, the rest is dropped
+constexpr std::size_t kLongText = 1 << 12; // once this much of a string is kept, further pieces are dropped
 constexpr std::size_t kLongestCharacter = 4;
 
 constexpr std::array<bool, 256> makeSpecial()

@@ -77,7 +77,7 @@ constexpr TagWord kTags[] = {
 };
 static_assert(std::ranges::is_sorted(kTags, {}, &TagWord::word));
 
-// The words of the attributes, in the order of SchemaAttribute, which is theirs.
+// The words of the attributes, sorted, which is also the order of SchemaAttribute.
 // clang-format off
 constexpr std::string_view kAttributes[] = {
     "", "abstract", "appliesToEmpty", "attributeFormDefault", "base", "block", "blockDefault", "content", "default",

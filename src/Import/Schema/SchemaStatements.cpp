@@ -137,19 +137,19 @@ void SchemaStatements::text(std::string_view text)
     if (ignored > 0 || hasText || open.empty() || open.back().holder == Tag::annotation ||
         open.back().holder == Tag::path) // the drafts write a path there
         return;
-    const std::string_view said = trimmed(text);
-    if (said.empty())
+    const std::string_view content = trimmed(text);
+    if (content.empty())
         return;
     hasText = true;
     leaveComponent();
-    addFinding(SourceReport::unknownStatement, CString(said.substr(0, kLongestValue)));
+    addFinding(SourceReport::unknownStatement, CString(content.substr(0, kLongestValue)));
 }
 
 // Reads the attributes of a statement and checks their values.
 void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attributes)
 {
     known.clear();
-    said = 0;
+    present = 0;
     least = most = Occurrence::once;
     isMisspelt = false;
     for (std::size_t i = 0; i < attributes.size(); ++i) {
@@ -167,7 +167,7 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
             addFinding(SourceReport::unknownAttribute, shown(called) + " in " + shown(name));
             isMisspelt = true;
         } else if ((word == Word::name || word == Word::type) && !value.empty() && value.front() > ' ') {
-            said |= bitOf(word);
+            present |= bitOf(word);
         } else {
             checkValue(known.back(), called);
         }
@@ -244,7 +244,7 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
     if (!isValid)
         addFinding(SourceReport::invalidValue, shown(called) + "=\"" + CString(value.substr(0, kLongestValue)) + "\"");
     if (!value.empty() || attribute.name == Word::value)
-        said |= bitOf(attribute.name);
+        present |= bitOf(attribute.name);
 }
 
 // Checks the statement that begins, and determines what it may hold.

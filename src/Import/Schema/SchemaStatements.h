@@ -54,7 +54,7 @@ public:
     std::string_view valueOf(SchemaAttribute name) const;
 
     /// Returns whether the statement has that attribute with a value; false if the statement is ignored.
-    bool has(SchemaAttribute attribute) const { return (said & bitOf(attribute)) != 0; }
+    bool has(SchemaAttribute attribute) const { return (present & bitOf(attribute)) != 0; }
 
     /// Return whether the statement may occur at all, and more than once.
     bool mayOccur() const { return most != Occurrence::none; }
@@ -153,7 +153,7 @@ private:
     std::vector<Level> open;
     std::size_t ignored = 0; // number of open elements without effect
     std::vector<Attribute> known;
-    std::uint64_t said = 0; // the attributes with a value, one bit each
+    std::uint64_t present = 0; // the attributes with a value, one bit each
     Occurrence least = Occurrence::once, most = Occurrence::once;
     bool isMisspelt = false; // has an unknown attribute
     bool hasText = false;    // text was reported since the last tag

@@ -43,13 +43,13 @@ void SchemaDocumentation::enter(std::string_view local)
 void SchemaDocumentation::leave()
 {
     const Part& part = parts[--open];
-    const std::string_view said = trimmed(part.text);
+    const std::string_view words = trimmed(part.text);
     if (part.isDefinition && definition.empty())
-        definition = said;
-    const bool isSentence = part.holdsText && said.find(' ') != said.npos;
+        definition = words;
+    const bool isSentence = part.holdsText && words.find(' ') != words.npos;
     if (isSentence && (firstNumber == 0 || part.number < firstNumber)) {
         firstNumber = part.number;
-        firstText = said;
+        firstText = words;
     }
     if (open > 0)
         appendPart(parts[open - 1].text, part.text);

@@ -195,14 +195,14 @@ void SchemaReader::text(std::string_view text)
 void SchemaReader::keepDocumentation()
 {
     SchemaNode& node = tree.nodes[open.back().lastChild];
-    const std::string_view said = documentation.query();
+    const std::string_view words = documentation.query();
     const bool isWanted = isDescribed(node.tag) && node.documentation == 0;
-    if (!said.empty() && (!isWanted || documentation.isCut()))
+    if (!words.empty() && (!isWanted || documentation.isCut()))
         statements.count(SourceReport::documentationCut);
-    if (said.empty() || !isWanted)
+    if (words.empty() || !isWanted)
         return;
     node.documentation = static_cast<std::uint32_t>(tree.documentations.size());
-    tree.documentations.push_back(tree.texts.keep(said));
+    tree.documentations.push_back(tree.texts.keep(words));
 }
 
 void SchemaReader::readRootAttribute(const SchemaStatements::Attribute& attribute)

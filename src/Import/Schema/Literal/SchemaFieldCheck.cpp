@@ -60,7 +60,7 @@ void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std
     const Meaning meaning = meaningOf(declared, name, type);
     if (meaning.loss)
         sourceReport.add(*meaning.loss, declared.queryPlace(), meaning.lost);
-    else if (!isAsMeant(*field.element, name, meaning, path))
+    else if (!matches(*field.element, name, meaning, path))
         sourceReport.add(SourceReport::mergedByName, declared.queryPlace(), name);
     const bool isInRepeated = declared.isInRepeated() && !declared.isMarked();
     if (isInRepeated || (field.repeats && repetitions.staysSingle(*field.element, *field.record)))
@@ -147,8 +147,8 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfBuiltIn(std::string_view ty
 }
 
 // Returns whether the element matches a declaration. All fields of a name share one element.
-bool SchemaFieldCheck::isAsMeant(const Element& element, std::string_view name, const Meaning& meaning,
-                                 std::string_view path) const
+bool SchemaFieldCheck::matches(const Element& element, std::string_view name, const Meaning& meaning,
+                               std::string_view path) const
 {
     const auto isKnownAs = [&](std::string_view record) {
         const std::string_view known = element.queryKnownType();

@@ -68,7 +68,7 @@ private:
     Meaning meaningOfType(std::string_view type, const SchemaElement* known, std::string_view name, bool repeats);
     Meaning meaningOfBuiltIn(std::string_view type, bool repeats) const;
     bool isLeftBehind(std::string_view record) const;
-    bool isAsMeant(const Element& element, std::string_view name, const Meaning& meaning, std::string_view path) const;
+    bool matches(const Element& element, std::string_view name, const Meaning& meaning, std::string_view path) const;
 
     const SchemaTable& table;
     SchemaKinds& kinds;

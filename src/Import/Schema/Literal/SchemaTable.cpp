@@ -259,7 +259,7 @@ bool SchemaTable::areSameType(std::string_view oneType, std::string_view otherTy
 
 // Returns whether a field that takes the type of an earlier declaration of its name has the same effect with its own. A
 // complex type, which becomes a record, has no type.
-bool SchemaTable::isAsEarlier(const SchemaEntryContent& content, const SchemaElement& earlier) const
+bool SchemaTable::matchesEarlier(const SchemaEntryContent& content, const SchemaElement& earlier) const
 {
     const bool isRecord = earlier.queryType().empty() && !earlier.isReference();
     if (!isRecord || content.type.empty() || content.type == kAnonymousType)
@@ -287,9 +287,9 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, 
         const std::string_view parentName = parent.entry ? parent.name : std::string_view();
         entry = std::pmr::polymorphic_allocator<>(&memory).new_object<SchemaElement>(key, parentName, content);
         if (earlier)
-            entry->setType(earlier->queryType(), !isAsEarlier(content, *earlier));
+            entry->setType(earlier->queryType(), !matchesEarlier(content, *earlier));
         schemaElements.store(entry);
-    } else if (entry->queryName() != content.name || !isAsEarlier(content, *entry)) {
+    } else if (entry->queryName() != content.name || !matchesEarlier(content, *entry)) {
         report.add(SourceReport::mergedByName, content.place, content.name);
     } else if (!content.isSingle) {
         entry->setDeclaredAgain();

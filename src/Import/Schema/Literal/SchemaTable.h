@@ -103,7 +103,7 @@ private:
     SchemaElement* addSchemaElement(const SchemaEntryContent& content, const Record& parent);
     SchemaEntryContent contentOf(const SchemaOutline& outline, Index at, std::string_view name) const;
     bool areSameType(std::string_view oneType, std::string_view otherType) const;
-    bool isAsEarlier(const SchemaEntryContent& content, const SchemaElement& earlier) const;
+    bool matchesEarlier(const SchemaEntryContent& content, const SchemaElement& earlier) const;
 
     SourceReport& report;
     SchemaKinds& kinds;
