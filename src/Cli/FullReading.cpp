@@ -97,7 +97,7 @@ void addFullOptions(CLI::App& app, FullOptions& options)
         ->check(CLI::IsMember({"main", "namespace"}));
     app.add_option_function<std::vector<CString>>(
            "--folder", [&options](const std::vector<CString>& given) { addFolders(given, options); },
-           "With --full: place the types of this namespace in this folder; repeatable")
+           "With --folders namespace: place the types of this namespace in this folder; repeatable")
         ->type_name("URI=NAME")
         ->allow_extra_args(false);
     app.add_flag("--merge-equal", options.mergesEqual, "With --folders namespace: put equal types into one folder");
