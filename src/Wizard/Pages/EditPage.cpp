@@ -302,7 +302,8 @@ void EditPage::showReport()
         return 0;
     };
     if (sheet()->ask(write) == 0)
-        (new DocumentWindow(sheet(), fromUi(tr("What was not read")), report, {}, DocumentWindow::ofReport))->show();
+        (new DocumentWindow(sheet(), fromUi(tr("What was not carried over")), report, {}, DocumentWindow::ofReport))
+            ->show();
 }
 
 void EditPage::OnDblclkEdit()
