@@ -75,7 +75,8 @@ CString jsonOf(const SourceReport& report, const SourceReport::Entry& entry)
     return "{\"sort\":" + CString(SourceReport::isLoss(entry.construct) ? "\"loss\"" : "\"detail\"") +
            ",\"construct\":" + jsonText(SourceReport::rowFor(entry.construct).id) +
            ",\"file\":" + (file.empty() ? "null" : jsonText(shownFile(file))) +
-           ",\"line\":" + number(entry.place.line) + ",\"column\":" + number(entry.place.line ? entry.place.column : 0) +
+           ",\"line\":" + number(entry.place.line) +
+           ",\"column\":" + number(entry.place.line ? entry.place.column : 0) +
            ",\"name\":" + jsonText(CString(entry.name)) + "}";
 }
 
