@@ -1,6 +1,8 @@
-#include "Import/Json/ApiMessages.h"
-
+// Reads API descriptions.
+#include "Import/Json/AvroTypes.h"
 #include "Import/Json/JsonKind.h"
+#include "Import/Json/JsonMessage.h"
+#include "Import/Json/JsonSources.h"
 
 #include <algorithm>
 
@@ -10,6 +12,7 @@ using Index = JsonNode::Index;
 
 constexpr int kLongestChain = 100; // of references; guards against cycles
 constexpr int kMaxCallbacks = 10;  // callbacks nested in each other
+constexpr const char* kUnknown = "it is neither an OpenAPI nor an AsyncAPI document";
 constexpr std::string_view kMethods[] = {"get", "put", "post", "delete", "options", "head", "patch", "trace", "query"};
 
 // Returns a name made of the letters and digits of a path or channel, for an operation or message without one.
@@ -39,250 +42,329 @@ bool refersToXml(const JsonTree& tree, Index schema)
     return isFileNamed(tree.textOf(tree.target(schema), JsonWord::ref), {".xsd"});
 }
 
-} // namespace
-
-// Returns the target of a reference object, else the node itself; 0 if the reference leads nowhere. Any part except a
-// schema may be a reference object.
-JsonNode::Index ApiMessages::follow(Index node)
+// Finds the messages of an API description and adds them as candidates for main types: the bodies of operations, the
+// payloads and headers of channels. An item that several places refer to is read once.
+class ApiMessages
 {
-    node = tree.target(node);
-    for (int i = 0; i < kLongestChain; ++i) {
-        const Index reference = tree.find(node, JsonWord::ref, JsonNode::string);
-        if (reference == 0)
-            return node;
-        node = documents.resolve(reference, tree[reference].text);
-    }
-    documents.note(SourceReport::cutShort, node, "more than " + std::to_string(kLongestChain) + " references in a row");
-    return 0;
-}
+public:
+    explicit ApiMessages(JsonSources& sources) :
+        sources(sources), documents(sources.documents), tree(documents.tree), schemas(sources.schemas),
+        avro(documents, schemas, sources.types, sources.report)
+    {}
 
-// Returns a part of the description, references followed; 0 if there is none. A part that is not an object is reported,
-// unless it is empty or an extension.
-JsonNode::Index ApiMessages::partOf(Index node)
-{
-    const Index part = follow(node);
-    if (part == 0 || tree.is(part, JsonNode::object))
-        return part;
-    if (!tree.is(part, JsonNode::null) && !tree.key(node).starts_with("x-"))
-        documents.note(SourceReport::invalidValue, part, tree.key(node));
-    return 0;
-}
-
-// Returns the members of the part under `key`.
-JsonTree::Children ApiMessages::membersOf(Index holder, JsonWord key)
-{
-    return tree.childrenOf(partOf(tree.find(holder, key)));
-}
-
-void ApiMessages::readOpenApi(Index root)
-{
-    readPaths(partOf(tree.find(root, JsonWord::paths)), {});
-    readPaths(partOf(tree.find(root, JsonWord::webhooks)), {});
-}
-
-void ApiMessages::readPaths(Index paths, std::string_view prefix)
-{
-    for (const Index at : tree.childrenOf(paths))
-        readPathItem(partOf(at),
-                     prefix.empty() ? CString(tree.key(at)) : CString(prefix) + "_" + CString(tree.key(at)));
-}
-
-void ApiMessages::readPathItem(Index item, std::string_view name)
-{
-    if (!isNew(item))
-        return;
-    for (const Index at : tree.childrenOf(item))
-        if (std::ranges::find(kMethods, tree.key(at)) != std::end(kMethods))
-            readOperation(partOf(at), CString(tree.key(at)) + "_" + CString(name));
-}
-
-void ApiMessages::readOperation(Index operation, std::string_view name)
-{
-    if (!isNew(operation))
-        return;
-    const std::string_view id = tree.textOf(operation, JsonWord::operationId);
-    const CString called = id.empty() ? nameOf(name) : CString(id);
-    readBody(partOf(tree.find(operation, JsonWord::requestBody)), called + "Request");
-    for (const Index at : membersOf(operation, JsonWord::responses))
-        readBody(partOf(at), called + "Response");
-    const Index callbacks = partOf(tree.find(operation, JsonWord::callbacks));
-    if (callbacks != 0 && depth == kMaxCallbacks) {
-        documents.note(SourceReport::cutShort, callbacks,
-                       "more than " + std::to_string(kMaxCallbacks) + " callbacks inside each other");
-        return;
-    }
-    ++depth;
-    for (const Index at : tree.childrenOf(callbacks))
-        readPaths(partOf(at), called + "_" + CString(tree.key(at)));
-    --depth;
-}
-
-// A body has one schema for each media type.
-void ApiMessages::readBody(Index body, const CString& name)
-{
-    for (const Index at : membersOf(body, JsonWord::content)) {
-        const Index schema = tree.find(partOf(at), JsonWord::schema);
-        if (schema == 0 || !isNew(schema))
-            continue;
-        if (refersToXml(tree, schema))
-            readXml(schema, {}, name, schemas.querySource());
-        else
-            schemas.addBody(schema, name);
-    }
-}
-
-void ApiMessages::readAsyncApi(Index root)
-{
-    // Components are read first, so that their messages are named after their keys.
-    const Index components = partOf(tree.find(root, JsonWord::components));
-    for (const Index at : membersOf(components, JsonWord::schemas))
-        readComponent(at);
-    for (const Index at : membersOf(components, JsonWord::messages))
-        readMessage(partOf(at), tree.key(at));
-    for (const Index holder : {root, components})
-        for (const Index at : membersOf(holder, JsonWord::channels))
-            readChannel(partOf(at), tree.key(at));
-}
-
-// In version 2 the operations of a channel hold its messages, several as alternatives. In version 3 the channel holds
-// them.
-void ApiMessages::readChannel(Index channel, std::string_view name)
-{
-    const CString called = nameOf(name);
-    for (const JsonWord operation : {JsonWord::publish, JsonWord::subscribe}) {
-        const Index holder = partOf(tree.find(channel, operation));
-        const Index message = partOf(tree.find(holder, JsonWord::message));
-        const std::string_view id = tree.textOf(holder, JsonWord::operationId);
-        const CString own = id.empty() ? called : CString(id);
-        const Index several = tree.find(message, JsonWord::oneOf, JsonNode::array);
-        for (const Index at : tree.childrenOf(several))
-            readMessage(partOf(at), own);
-        if (several == 0)
-            readMessage(message, own);
-    }
-    for (const Index at : membersOf(channel, JsonWord::messages))
-        readMessage(partOf(at), tree.key(at));
-}
-
-// Adds a message. Its name is the `name`, else the `messageId`, else its key or channel.
-void ApiMessages::readMessage(Index message, std::string_view name)
-{
-    if (message == 0 || !isNew(message))
-        return;
-    for (const JsonWord word : {JsonWord::messageId, JsonWord::name})
-        if (const std::string_view said = tree.textOf(message, word); !said.empty())
-            name = said;
-    std::string_view format = tree.textOf(message, JsonWord::schemaFormat);
-    for (const Index at : tree.childrenOf(message, JsonWord::traits, JsonNode::array))
-        if (format.empty()) // of version 2, where a trait may give it
-            format = tree.textOf(follow(at), JsonWord::schemaFormat);
-    readSchema(tree.find(message, JsonWord::payload), lowerAscii(format), CString(name), true);
-    readSchema(headersOf(message), {}, CString(name) + "Headers", false);
-}
-
-// Returns the headers of a message with those of its traits, which come first, so that the message's own hold; 0 if
-// there are none.
-JsonNode::Index ApiMessages::headersOf(Index message)
-{
-    std::vector<Index> found;
-    const auto add = [&](Index holder) {
-        if (const Index headers = tree.find(holder, JsonWord::headers); headers != 0)
-            found.push_back(headers);
-    };
-    for (const Index at : tree.childrenOf(message, JsonWord::traits, JsonNode::array))
-        add(follow(at));
-    add(message);
-    if (found.size() < 2)
-        return found.empty() ? 0 : found.front();
-    std::vector<Index> parts;
-    for (const Index headers : found) {
-        CString format;
-        const Index schema = withoutFormat(headers, format);
-        if (languageOf(format) == SchemaLanguage::jsonSchema)
-            parts.push_back(schema);
-        else
-            documents.note(SourceReport::moduleUnreadable, schema, format);
-    }
-    const Index all = tree.add(JsonNode::object, 0, 0, JsonWord::none, found.back());
-    tree.addList(all, JsonWord::allOf, parts, found.back());
-    return all;
-}
-
-// Returns the schema that a node holds beside its format, references followed, and sets `format`. Returns the node
-// itself if it holds none. Only version 3 has such schemas.
-JsonNode::Index ApiMessages::withoutFormat(Index node, CString& format)
-{
-    const Index target = follow(node);
-    const Index says = tree.find(target, JsonWord::schemaFormat, JsonNode::string);
-    const Index schema = tree.find(target, JsonWord::schema);
-    if (says == 0 || schema == 0)
-        return node;
-    format = lowerAscii(tree.text(says));
-    return schema;
-}
-
-// Adds a schema of a message. An empty `format` is that of the description itself. A payload always becomes a record.
-void ApiMessages::readSchema(Index schema, CString format, const CString& name, bool isPayload)
-{
-    if (schema == 0)
-        return;
-    const auto before = static_cast<SourceTypes::Index>(types.candidates.size());
-    const auto isXml = [&] { return languageOf(format) == SchemaLanguage::xmlSchema || refersToXml(tree, schema); };
-    if (languageOf(format) != SchemaLanguage::foreign && !isXml())
-        schema = withoutFormat(schema, format);
-    if (isXml())
-        return readXml(schema, format, name, schemas.querySource());
-    if (format.empty() && isAvroType(tree.textOf(follow(schema), JsonWord::type)))
-        format = "avro";
-    if (languageOf(format) == SchemaLanguage::avro) {
-        const Index target = follow(schema);
-        avro.addCandidate(target, schemas.toModelName(name, schema));
-        schemas.leaveOut(target); // version 2 doesn't name the language of components
-    } else if (languageOf(format) == SchemaLanguage::jsonSchema) {
-        schemas.addBody(schema, name, isPayload);
-    } else {
-        documents.note(SourceReport::moduleUnreadable, schema, format);
-    }
-    for (SourceTypes::Index added = before; isPayload && added < types.candidates.size(); ++added)
-        types.recordOf(added);
-}
-
-// Adds a schema in XML Schema: a text, or a reference to one or to a file. A file in JSON or YAML holds parts of the
-// description.
-void ApiMessages::readXml(Index schema, const CString& format, const CString& name, Index source)
-{
-    Index node = tree.target(schema);
-    for (int i = 0; i < kLongestChain && node != 0; ++i) {
-        schemas.leaveOut(node); // see readSchema()
-        const Index reference = tree.find(node, JsonWord::ref, JsonNode::string);
-        const bool isFile = !tree.text(reference).empty() && !tree.text(reference).starts_with('#') &&
-                            !isFileNamed(tree.text(reference), {".json", ".yaml", ".yml"});
-        if (isFile || tree.is(node, JsonNode::string)) {
-            const Index text = isFile ? reference : node;
-            return xml.add(
-                {tree.text(text), isFile, tree[text].isLiteral, tree.placeOf(text), documents.queryFolder(text), name},
-                source);
+    void read()
+    {
+        std::vector<Index> all(sources.roots.begin(), sources.roots.end());
+        std::erase(all, 0);
+        for (const Index root : all)
+            if (tree.find(root, JsonWord::swagger) != 0)
+                documents.refuse(root, "it is Swagger 2.0; convert it to OpenAPI 3 first");
+        std::stable_partition(all.begin(), all.end(), [&](Index root) { return isDescription(root); });
+        if (!isDescription(all.front()))
+            documents.refuse(all.front(), kUnknown);
+        // A "$ref" replaces its siblings in OpenAPI 3.0, and in AsyncAPI, whose schemas are of draft 7. OpenAPI 3.1
+        // follows JSON Schema 2020-12. For parts, the version of the first description counts.
+        for (const Index root : all) {
+            const std::string_view version = openApiVersionOf(isDescription(root) ? root : all.front());
+            documents.setIgnoresSiblings(root, version.empty() || version.starts_with("3.0"));
         }
-        if (reference == 0)
-            return documents.note(SourceReport::moduleUnreadable, schema, format);
-        node = documents.resolve(reference, tree[reference].text, true);
+        for (const Index root : all)
+            schemas.nameReferred(componentsOf(root));
+        for (Index source = 0; source < sources.roots.size(); ++source) {
+            Index& root = sources.roots[source];
+            if (!isDescription(root))
+                root = 0;
+            if (root == 0)
+                continue;
+            schemas.setSource(source);
+            const std::size_t before = countMessages();
+            if (openApiVersionOf(root).empty())
+                readAsyncApi(root);
+            else
+                readOpenApi(root);
+            // Without messages, the schemas are the candidates for the main type.
+            schemas.declareMembers(componentsOf(root), countMessages() == before || sources.areRequested);
+        }
+        if (sources.areRequested)
+            avro.addNamedTypes();
+        schemas.finish();
+        avro.finish();
+        for (const std::size_t top : documents.findTops(all))
+            if (!isDescription(all[top]))
+                documents.refuse(all[top], kUnknown);
     }
-    if (node != 0)
+
+private:
+    std::string_view openApiVersionOf(Index root) const { return tree.text(tree.find(root, JsonWord::openapi)); }
+
+    // Returns whether a document describes an API, instead of being a part of a description.
+    bool isDescription(Index root) const
+    {
+        return !openApiVersionOf(root).empty() || tree.find(root, JsonWord::asyncapi) != 0;
+    }
+
+    Index componentsOf(Index root) const { return tree.find(tree.find(root, JsonWord::components), JsonWord::schemas); }
+
+    std::size_t countMessages() const { return sources.types.candidates.size() + sources.xml.countMessages(); }
+
+    // Adds the bodies of an OpenAPI document's operations, with those of webhooks and callbacks.
+    void readOpenApi(Index root)
+    {
+        readPaths(partOf(tree.find(root, JsonWord::paths)), {});
+        readPaths(partOf(tree.find(root, JsonWord::webhooks)), {});
+    }
+
+    // Adds the messages of an AsyncAPI document's channels and components.
+    void readAsyncApi(Index root)
+    {
+        // Components are read first, so that their messages are named after their keys.
+        const Index components = partOf(tree.find(root, JsonWord::components));
+        for (const Index at : membersOf(components, JsonWord::schemas))
+            readComponent(at);
+        for (const Index at : membersOf(components, JsonWord::messages))
+            readMessage(partOf(at), tree.key(at));
+        for (const Index holder : {root, components})
+            for (const Index at : membersOf(holder, JsonWord::channels))
+                readChannel(partOf(at), tree.key(at));
+    }
+
+    bool isNew(Index node) { return visited.insert(node).second; }
+
+    // Returns the target of a reference object, else the node itself; 0 if the reference leads nowhere. Any part except
+    // a schema may be a reference object.
+    Index follow(Index node)
+    {
+        node = tree.target(node);
+        for (int i = 0; i < kLongestChain; ++i) {
+            const Index reference = tree.find(node, JsonWord::ref, JsonNode::string);
+            if (reference == 0)
+                return node;
+            node = documents.resolve(reference, tree[reference].text);
+        }
         documents.note(SourceReport::cutShort, node,
                        "more than " + std::to_string(kLongestChain) + " references in a row");
-}
+        return 0;
+    }
 
-// Declares a schema of the components that holds its format.
-void ApiMessages::readComponent(Index node)
+    // Returns a part of the description, references followed; 0 if there is none. A part that is not an object is
+    // reported, unless it is empty or an extension.
+    Index partOf(Index node)
+    {
+        const Index part = follow(node);
+        if (part == 0 || tree.is(part, JsonNode::object))
+            return part;
+        if (!tree.is(part, JsonNode::null) && !tree.key(node).starts_with("x-"))
+            documents.note(SourceReport::invalidValue, part, tree.key(node));
+        return 0;
+    }
+
+    // Returns the members of the part under `key`.
+    JsonTree::Children membersOf(Index holder, JsonWord key) { return tree.childrenOf(partOf(tree.find(holder, key))); }
+
+    // `prefix` begins the names of operations without one.
+    void readPaths(Index paths, const CString& prefix)
+    {
+        for (const Index path : tree.childrenOf(paths)) {
+            const Index item = partOf(path);
+            if (!isNew(item))
+                continue;
+            for (const Index at : tree.childrenOf(item))
+                if (std::ranges::find(kMethods, tree.key(at)) != std::end(kMethods))
+                    readOperation(partOf(at), CString(tree.key(at)) + "_" + prefix + CString(tree.key(path)));
+        }
+    }
+
+    void readOperation(Index operation, std::string_view name)
+    {
+        if (!isNew(operation))
+            return;
+        const std::string_view id = tree.textOf(operation, JsonWord::operationId);
+        const CString called = id.empty() ? nameOf(name) : CString(id);
+        readBody(partOf(tree.find(operation, JsonWord::requestBody)), called + "Request");
+        for (const Index at : membersOf(operation, JsonWord::responses))
+            readBody(partOf(at), called + "Response");
+        const Index callbacks = partOf(tree.find(operation, JsonWord::callbacks));
+        if (callbacks != 0 && depth == kMaxCallbacks) {
+            documents.note(SourceReport::cutShort, callbacks,
+                           "more than " + std::to_string(kMaxCallbacks) + " callbacks inside each other");
+            return;
+        }
+        ++depth;
+        for (const Index at : tree.childrenOf(callbacks))
+            readPaths(partOf(at), called + "_" + CString(tree.key(at)) + "_");
+        --depth;
+    }
+
+    // A body has one schema for each media type.
+    void readBody(Index body, const CString& name)
+    {
+        for (const Index at : membersOf(body, JsonWord::content)) {
+            const Index schema = tree.find(partOf(at), JsonWord::schema);
+            if (schema == 0 || !isNew(schema))
+                continue;
+            if (refersToXml(tree, schema))
+                readXml(schema, {}, name, schemas.querySource());
+            else
+                schemas.addBody(schema, name);
+        }
+    }
+
+    // In version 2 the operations of a channel hold its messages, several as alternatives. In version 3 the channel
+    // holds them.
+    void readChannel(Index channel, std::string_view name)
+    {
+        const CString called = nameOf(name);
+        for (const JsonWord operation : {JsonWord::publish, JsonWord::subscribe}) {
+            const Index holder = partOf(tree.find(channel, operation));
+            const Index message = partOf(tree.find(holder, JsonWord::message));
+            const std::string_view id = tree.textOf(holder, JsonWord::operationId);
+            const CString own = id.empty() ? called : CString(id);
+            const Index several = tree.find(message, JsonWord::oneOf, JsonNode::array);
+            for (const Index at : tree.childrenOf(several))
+                readMessage(partOf(at), own);
+            if (several == 0)
+                readMessage(message, own);
+        }
+        for (const Index at : membersOf(channel, JsonWord::messages))
+            readMessage(partOf(at), tree.key(at));
+    }
+
+    // Adds a message. Its name is the `name`, else the `messageId`, else its key or channel.
+    void readMessage(Index message, std::string_view name)
+    {
+        if (message == 0 || !isNew(message))
+            return;
+        for (const JsonWord word : {JsonWord::messageId, JsonWord::name})
+            if (const std::string_view said = tree.textOf(message, word); !said.empty())
+                name = said;
+        std::string_view format = tree.textOf(message, JsonWord::schemaFormat);
+        for (const Index at : tree.childrenOf(message, JsonWord::traits, JsonNode::array))
+            if (format.empty()) // of version 2, where a trait may give it
+                format = tree.textOf(follow(at), JsonWord::schemaFormat);
+        readSchema(tree.find(message, JsonWord::payload), lowerAscii(format), CString(name), true);
+        readSchema(headersOf(message), {}, CString(name) + "Headers", false);
+    }
+
+    // Returns the headers of a message with those of its traits, which come first, so that the message's own hold; 0 if
+    // there are none.
+    Index headersOf(Index message)
+    {
+        std::vector<Index> found;
+        const auto add = [&](Index holder) {
+            if (const Index headers = tree.find(holder, JsonWord::headers); headers != 0)
+                found.push_back(headers);
+        };
+        for (const Index at : tree.childrenOf(message, JsonWord::traits, JsonNode::array))
+            add(follow(at));
+        add(message);
+        if (found.size() < 2)
+            return found.empty() ? 0 : found.front();
+        std::vector<Index> parts;
+        for (const Index headers : found) {
+            CString format;
+            const Index schema = withoutFormat(headers, format);
+            if (languageOf(format) == SchemaLanguage::jsonSchema)
+                parts.push_back(schema);
+            else
+                documents.note(SourceReport::moduleUnreadable, schema, format);
+        }
+        const Index all = tree.add(JsonNode::object, 0, 0, JsonWord::none, found.back());
+        tree.addList(all, JsonWord::allOf, parts, found.back());
+        return all;
+    }
+
+    // Returns the schema that a node holds beside its format, references followed, and sets `format`. Returns the
+    // node itself if it holds none. Only version 3 has such schemas.
+    Index withoutFormat(Index node, CString& format)
+    {
+        const Index target = follow(node);
+        const Index says = tree.find(target, JsonWord::schemaFormat, JsonNode::string);
+        const Index schema = tree.find(target, JsonWord::schema);
+        if (says == 0 || schema == 0)
+            return node;
+        format = lowerAscii(tree.text(says));
+        return schema;
+    }
+
+    // Adds a schema of a message. An empty `format` is that of the description itself. A payload always becomes a
+    // record.
+    void readSchema(Index schema, CString format, const CString& name, bool isPayload)
+    {
+        if (schema == 0)
+            return;
+        const auto before = static_cast<SourceTypes::Index>(sources.types.candidates.size());
+        const auto isXml = [&] { return languageOf(format) == SchemaLanguage::xmlSchema || refersToXml(tree, schema); };
+        if (languageOf(format) != SchemaLanguage::foreign && !isXml())
+            schema = withoutFormat(schema, format);
+        if (isXml())
+            return readXml(schema, format, name, schemas.querySource());
+        if (format.empty() && isAvroType(tree.textOf(follow(schema), JsonWord::type)))
+            format = "avro";
+        if (languageOf(format) == SchemaLanguage::avro) {
+            const Index target = follow(schema);
+            avro.addCandidate(target, schemas.toModelName(name, schema));
+            schemas.leaveOut(target); // version 2 doesn't name the language of components
+        } else if (languageOf(format) == SchemaLanguage::jsonSchema) {
+            schemas.addBody(schema, name, isPayload);
+        } else {
+            documents.note(SourceReport::moduleUnreadable, schema, format);
+        }
+        for (SourceTypes::Index added = before; isPayload && added < sources.types.candidates.size(); ++added)
+            sources.types.recordOf(added);
+    }
+
+    // Adds a schema in XML Schema: a text, or a reference to one or to a file. A file in JSON or YAML holds parts of
+    // the description.
+    void readXml(Index schema, const CString& format, const CString& name, Index source)
+    {
+        Index node = tree.target(schema);
+        for (int i = 0; i < kLongestChain && node != 0; ++i) {
+            schemas.leaveOut(node); // see readSchema()
+            const Index reference = tree.find(node, JsonWord::ref, JsonNode::string);
+            const bool isFile = !tree.text(reference).empty() && !tree.text(reference).starts_with('#') &&
+                                !isFileNamed(tree.text(reference), {".json", ".yaml", ".yml"});
+            if (isFile || tree.is(node, JsonNode::string)) {
+                const Index text = isFile ? reference : node;
+                return sources.xml.add({tree.text(text), isFile, tree[text].isLiteral, tree.placeOf(text),
+                                        documents.queryFolder(text), name},
+                                       source);
+            }
+            if (reference == 0)
+                return documents.note(SourceReport::moduleUnreadable, schema, format);
+            node = documents.resolve(reference, tree[reference].text, true);
+        }
+        if (node != 0)
+            documents.note(SourceReport::cutShort, node,
+                           "more than " + std::to_string(kLongestChain) + " references in a row");
+    }
+
+    // Declares a schema of the components that holds its format.
+    void readComponent(Index node)
+    {
+        CString format;
+        const Index schema = withoutFormat(node, format);
+        if (languageOf(format) == SchemaLanguage::avro)
+            avro.declareAll(follow(schema));
+        else if (languageOf(format) == SchemaLanguage::xmlSchema)
+            readXml(schema, format, CString(tree.key(node)), SourceTypes::kNone);
+        else if (languageOf(format) == SchemaLanguage::foreign)
+            documents.note(SourceReport::moduleUnreadable, schema, format);
+        else if (schema != node && schemas.isWanted(tree.target(schema)))
+            schemas.shapeOf(schema, schemas.toModelName(tree.key(node), node));
+    }
+
+    JsonSources& sources;
+    JsonDocuments& documents;
+    JsonTree& tree;
+    JsonTypes& schemas;
+    AvroTypes avro;
+    std::unordered_set<Index> visited; // nodes that have been read
+    int depth = 0;                     // nesting of callbacks
+};
+
+} // namespace
+
+void readApis(JsonSources& sources)
 {
-    CString format;
-    const Index schema = withoutFormat(node, format);
-    if (languageOf(format) == SchemaLanguage::avro)
-        avro.declareAll(follow(schema));
-    else if (languageOf(format) == SchemaLanguage::xmlSchema)
-        readXml(schema, format, CString(tree.key(node)), SourceTypes::kNone);
-    else if (languageOf(format) == SchemaLanguage::foreign)
-        documents.note(SourceReport::moduleUnreadable, schema, format);
-    else if (schema != node && schemas.isWanted(tree.target(schema)))
-        schemas.shapeOf(schema, schemas.toModelName(tree.key(node), node));
+    ApiMessages(sources).read();
 }

@@ -2,6 +2,8 @@
 
 #include "Import/Full/Descriptions.h"
 #include "Import/Json/JsonKind.h"
+#include "Import/Json/JsonMessage.h"
+#include "Import/Json/JsonSources.h"
 
 #include <algorithm>
 #include <utility>
@@ -376,4 +378,29 @@ std::string_view AvroTypes::describe(Index schema)
     CString words;
     appendCollapsed(words, tree.textOf(schema, JsonWord::doc));
     return types.keep(shortDescription(words));
+}
+
+void readAvro(JsonSources& sources)
+{
+    JsonDocuments& documents = sources.documents;
+    AvroTypes avro(documents, sources.schemas, sources.types, sources.report);
+    // All documents are declared before one is read, because they may use each other's types.
+    for (const Index root : sources.roots)
+        avro.declareAll(root);
+    for (Index source = 0; source < sources.roots.size(); ++source) {
+        sources.schemas.setSource(source);
+        const Index root = sources.roots[source];
+        if (root == 0) // the same file again
+            continue;
+        if (!avro.isSource(root))
+            documents.refuse(root, "it is neither a schema nor a protocol of Avro");
+        if (documents.tree.find(root, JsonWord::protocol) != 0)
+            avro.readProtocol(root);
+        else
+            avro.addCandidate(root, sources.schemas.toModelName(toXmlName(documents.nameOf(root)), root));
+    }
+    // The requested root may be any of the types.
+    if (sources.areRequested)
+        avro.addNamedTypes();
+    avro.finish();
 }

@@ -342,6 +342,12 @@ JsonNode::Index JsonDocuments::originOf(Index node) const
     return made == 0 ? node : made;
 }
 
+void JsonDocuments::refuse(Index node, const CString& reason) const
+{
+    const CString& file = report.fileNameOf(tree[node].document);
+    throw SourceRefusal{file + ": " + reason + ".", {file, reason}};
+}
+
 void JsonDocuments::note(SourceReport::Construct construct, Index node, std::string_view name)
 {
     CString words(name);

@@ -51,6 +51,9 @@ public:
     /// Returns the folder of the document of `node`, the base of relative references.
     const CString& queryFolder(Index node) const { return documents[tree[node].document].folder; }
 
+    /// Throws SourceRefusal: the document of `node` can't be imported for this reason.
+    [[noreturn]] void refuse(Index node, const CString& reason) const;
+
     /// Reports a loss at `node`, with `name` and the node's JSON pointer.
     void note(SourceReport::Construct construct, Index node, std::string_view name = {});
 
