@@ -268,9 +268,7 @@ private:
             else
                 documents.note(SourceReport::moduleUnreadable, schema, format);
         }
-        const Index all = tree.add(JsonNode::object, 0, 0, JsonWord::none, found.back());
-        tree.addList(all, JsonWord::allOf, parts, found.back());
-        return all;
+        return tree.addList(JsonWord::allOf, parts, found.back());
     }
 
     // Returns the schema that a node holds beside its format, references followed, and sets `format`. Returns the

@@ -58,9 +58,8 @@ void JsonContents::step(std::size_t count)
 JsonContent JsonContents::of(Index schema)
 {
     schema = tree.target(schema);
-    const auto known = contents.find(schema);
-    if (known != contents.end())
-        return known->second;
+    if (const auto known = contents.find(schema); known != contents.end())
+        return *known->second;
     enter(schema);
     while (!frames.empty()) {
         cancelPoint.pass();
@@ -74,14 +73,14 @@ JsonContent JsonContents::of(Index schema)
         if (part.how == own) {
             ++frame.next;
             addOwnFields(frame, node);
-        } else if (const auto done = contents.find(node); done != contents.end()) {
+        } else if (const auto done = contents.find(node); done != contents.end() && done->second) {
             ++frame.next;
-            join(frame, done->second, part.how, node);
+            join(frame, *done->second, part.how, node);
         } else {
             enter(node);
         }
     }
-    return contents.at(schema);
+    return *contents.at(schema);
 }
 
 void JsonContents::readDropped()
@@ -93,19 +92,21 @@ void JsonContents::readDropped()
 void JsonContents::enter(Index schema)
 {
     step();
-    if (!inProgress.insert(schema).second) {
+    if (!contents.try_emplace(schema).second) {
         const SourcePlace place = tree.placeOf(schema);
         const CString words = tree.pointerTo(schema) + " refers to itself without an object in between";
-        frames.clear();
         throw SourceRefusal{words + ".", {report.fileNameOf(place.file), words, place.line, place.column}};
     }
     Frame& frame = frames.emplace_back();
     frame.node = schema;
+    const JsonWord key = tree.keyOf(schema);
     const bool isMade = tree[schema].parent == 0 && documents.rootOf(schema) != schema;
-    const bool isChoice = isMade || isOneOf(tree.keyOf(schema), {JsonWord::oneOf, JsonWord::anyOf});
-    if (tree.is(schema, JsonNode::array) && isChoice)
+    if (tree.is(schema, JsonNode::array) && (isMade || isOneOf(key, {JsonWord::oneOf, JsonWord::anyOf})))
+        // The first member of a condition applies in any case.
         for (const Index at : tree.childrenOf(schema))
-            frame.parts.push_back({at, either});
+            frame.parts.push_back({at, key == JsonWord::then && !frame.parts.empty()     ? maybe
+                                       : isOneOf(key, {JsonWord::allOf, JsonWord::then}) ? both
+                                                                                         : either});
     else if (tree.is(schema, JsonNode::object))
         readSchema(frame);
     else if (!tree.is(schema, JsonNode::boolean))
@@ -117,7 +118,7 @@ JsonNode::Index JsonContents::choiceOf(const std::vector<Index>& schemas)
 {
     if (schemas.size() < 2)
         return schemas.empty() ? 0 : schemas.front();
-    return tree.addList(0, JsonWord::none, schemas, schemas.front());
+    return tree.addList(JsonWord::oneOf, schemas, schemas.front());
 }
 
 // Stores the content of the last frame. If a single other schema provides all of the content, that schema's type is
@@ -147,7 +148,6 @@ void JsonContents::finish()
         content.owner = frame.node;
     content.isConditional = content.isConditional || frame.allowsAny;
     contents[frame.node] = content;
-    inProgress.erase(frame.node);
     frames.pop_back();
 }
 
@@ -162,10 +162,9 @@ void JsonContents::overrideDiscriminator(Frame& frame)
         last = tree.add(JsonNode::string, listed, last, JsonWord::none, at);
         tree[last].text = tree[at].key;
     }
-    for (MergedField& field : frame.fields)
-        if (field.name == frame.discriminator)
-            field = {{frame.discriminator, schema}, {}};
-    addField(frame, {frame.discriminator, schema}, both);
+    const JsonField field{frame.discriminator, schema};
+    addField(frame, field, both);
+    frame.fields[*frame.positions.find(field.name)] = {field, {}};
 }
 
 void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index part)

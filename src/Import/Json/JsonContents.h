@@ -105,14 +105,6 @@ private:
         std::size_t alternatives = 1; // that have it, of a choice
     };
 
-    // The parts of a schema that mergedOf() has made.
-    struct Merged
-    {
-        How how;
-        std::vector<Index> members;
-        int rank = 0; // nesting of such schemas
-    };
-
     // A schema whose parts are being combined.
     struct Frame
     {
@@ -178,19 +170,18 @@ private:
     static void addConstants(Frame& frame, std::span<const JsonConstant> added);
     void mergeField(MergedField& known, JsonField field, How how);
     std::optional<std::pair<NameTable::Id, NameTable::Id>> leafOf(Index schema) const;
-    Index mergedOf(Index first, std::span<const Part> more);
-    Index makeMerged(const Merged& merged);
+    Index mergedOf(Index schema, std::span<const Part> more);
+    Index makeMerged(How how, const std::vector<Index>& members, int rank);
     void step(std::size_t count = 1);
 
     JsonDocuments& documents;
     JsonTree& tree;
     const SourceTypes& types;
     SourceReport& report;
-    std::unordered_map<Index, JsonContent> contents;
-    std::unordered_set<Index> inProgress; // schemas in progress; meeting one again is a cycle
+    std::unordered_map<Index, std::optional<JsonContent>> contents; // nothing for schemas in progress
     std::vector<JsonField> fields;
     std::vector<JsonConstant> constants;
-    std::unordered_map<Index, Merged> mergeInputs;
+    std::unordered_map<Index, int> ranks;                       // nesting of made schemas
     std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
     std::unordered_set<Index> dropped;                          // leaves dropped in favour of an equivalent one
     std::vector<Frame> frames;

@@ -334,12 +334,12 @@ CString JsonDocuments::nameOf(Index node) const
 JsonNode::Index JsonDocuments::originOf(Index node) const
 {
     Index made = node;
-    while (made != 0 && tree[made].parent == 0 && rootOf(made) != made) {
-        while (made != 0 && !tree.is(made, JsonNode::alias))
-            made = tree[made].firstChild;
-        made = tree.target(made);
+    while (tree[made].parent == 0 && rootOf(made) != made) {
+        if (!tree.is(tree[made].firstChild, JsonNode::alias))
+            return node;
+        made = tree.target(tree[made].firstChild);
     }
-    return made == 0 ? node : made;
+    return made;
 }
 
 void JsonDocuments::refuse(Index node, const CString& reason) const

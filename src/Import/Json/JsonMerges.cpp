@@ -17,6 +17,8 @@ constexpr int kMaxRank = 4;        // nesting of made schemas; bounds their grow
 constexpr std::size_t kFreeMade = 50'000;
 constexpr std::size_t kMadePerValue = 2;
 
+constexpr JsonWord kMadeKeys[] = {JsonWord::allOf, JsonWord::oneOf, JsonWord::then}; // of made schemas, by How
+
 } // namespace
 
 // Returns the schema that a reference leads to; 0 and a loss if it leads to none, or to one in another language. The
@@ -70,66 +72,55 @@ JsonNode::Index JsonContents::baseOf(Index schema)
 
 // Returns one schema that combines all. Each run of alternatives, and each run of schemas that apply together, becomes
 // one schema.
-JsonNode::Index JsonContents::mergedOf(Index first, std::span<const Part> more)
+JsonNode::Index JsonContents::mergedOf(Index schema, std::span<const Part> more)
 {
-    Index schema = first;
     for (std::size_t i = 0; i < more.size();) {
-        Merged merged{more[i].how, {}};
+        const How how = more[i].how;
+        std::vector<Index> members;
         std::unordered_set<Index> visited;
+        int rank = 0;
         const auto add = [&](Index member) {
-            member = baseOf(member);
-            const auto known = mergeInputs.find(member);
-            if (known == mergeInputs.end() || known->second.how != merged.how) {
-                if (known != mergeInputs.end())
-                    merged.rank = std::max(merged.rank, known->second.rank + 1);
-                if (visited.insert(member).second)
-                    merged.members.push_back(member);
-                return;
-            }
-            // Its members are added instead of itself, so that merging again leads to the same schema.
-            merged.rank = std::max(merged.rank, known->second.rank);
-            for (const Index inner : known->second.members)
-                if (visited.insert(inner).second)
-                    merged.members.push_back(inner);
+            if (visited.insert(member).second)
+                members.push_back(member);
         };
-        add(schema);
-        for (; i < more.size() && more[i].how == merged.how; ++i)
-            add(more[i].node);
-        step(merged.members.size());
-        if (merged.rank > kMaxRank)
-            documents.note(SourceReport::kindsDiffer, merged.members.front());
-        schema = merged.rank > kMaxRank || merged.members.size() == 1 ? merged.members.front() : makeMerged(merged);
+        const auto addOrSplit = [&](Index member) {
+            member = baseOf(member);
+            const auto known = ranks.find(member);
+            const bool isAlike = known != ranks.end() && tree.keyOf(member) == kMadeKeys[how];
+            if (known != ranks.end())
+                rank = std::max(rank, known->second + (isAlike ? 0 : 1));
+            if (!isAlike)
+                return add(member);
+            // Its members are added instead of itself, so that merging again leads to the same schema.
+            for (const Index inner : tree.childrenOf(member))
+                add(tree.target(inner));
+        };
+        addOrSplit(schema);
+        for (; i < more.size() && more[i].how == how; ++i)
+            addOrSplit(more[i].node);
+        step(members.size());
+        if (rank > kMaxRank)
+            documents.note(SourceReport::kindsDiffer, members.front());
+        schema = rank > kMaxRank || members.size() == 1 ? members.front() : makeMerged(how, members, rank);
     }
     return schema;
 }
 
-JsonNode::Index JsonContents::makeMerged(const Merged& merged)
+JsonNode::Index JsonContents::makeMerged(How how, const std::vector<Index>& members, int rank)
 {
-    std::vector<Index> key = merged.members;
+    std::vector<Index> key = members;
     // The order of members doesn't matter, except that the first one of a condition applies in any case.
-    std::ranges::sort(merged.how == maybe ? std::span(key).subspan(1) : std::span(key));
-    const auto [known, isNew] = merges.try_emplace({merged.how, std::move(key)}, 0);
+    std::ranges::sort(how == maybe ? std::span(key).subspan(1) : std::span(key));
+    const auto [known, isNew] = merges.try_emplace({how, std::move(key)}, 0);
     if (!isNew)
         return known->second;
     if (made > kFreeMade + kMadePerValue * (tree.size() - made))
         types.refuse(std::to_string(kFreeMade) + " combinations of schemas and " + std::to_string(kMadePerValue) +
                      " more for each value of the source");
-    made += merged.members.size() + 2;
-    const std::span all(merged.members);
-    const Index place = all.front();
-    const std::size_t certain = merged.how == maybe ? 1 : all.size(); // of them; the others are conditions
-    Index schema = 0;
-    if (merged.how == either) {
-        schema = tree.addList(0, JsonWord::none, all, place);
-    } else {
-        schema = tree.add(JsonNode::object, 0, 0, JsonWord::none, place);
-        Index last = tree.addList(schema, JsonWord::allOf, all.first(certain), place);
-        for (const Index condition : all.subspan(certain))
-            last = tree.addAlias(schema, last, JsonWord::then, condition);
-    }
-    known->second = schema;
-    mergeInputs.emplace(schema, merged);
-    return schema;
+    made += members.size() + 1;
+    known->second = tree.addList(kMadeKeys[how], members, members.front());
+    ranks.emplace(known->second, rank);
+    return known->second;
 }
 
 // Returns the type and the format of a schema that is a leaf; nothing for other schemas.

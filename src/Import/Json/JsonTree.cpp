@@ -85,19 +85,14 @@ JsonNode::Index JsonTree::add(JsonNode::Kind kind, Index parent, Index last, Jso
     return made;
 }
 
-JsonNode::Index JsonTree::addAlias(Index parent, Index last, JsonWord key, Index other)
+JsonNode::Index JsonTree::addList(JsonWord key, std::span<const Index> members, Index place)
 {
-    const Index alias = add(JsonNode::alias, parent, last, key, other);
-    nodes[alias].firstChild = target(other);
-    return alias;
-}
-
-JsonNode::Index JsonTree::addList(Index parent, JsonWord key, std::span<const Index> members, Index place)
-{
-    const Index list = add(JsonNode::array, parent, 0, key, place);
+    const Index list = add(JsonNode::array, 0, 0, key, place);
     Index last = 0;
-    for (const Index member : members)
-        last = addAlias(list, last, JsonWord::none, member);
+    for (const Index member : members) {
+        last = add(JsonNode::alias, list, last, JsonWord::none, member);
+        nodes[last].firstChild = target(member);
+    }
     return list;
 }
 

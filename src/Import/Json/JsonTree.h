@@ -167,11 +167,8 @@ public:
     /// Without a parent (0) it is a root. Its place is that of the node `place`.
     Index add(JsonNode::Kind kind, Index parent, Index last, JsonWord key, Index place);
 
-    /// The same for an alias of the node `other`, at its place.
-    Index addAlias(Index parent, Index last, JsonWord key, Index other);
-
-    /// Adds an array of aliases of `members`, as the first child of `parent`, or by itself if that is 0.
-    Index addList(Index parent, JsonWord key, std::span<const Index> members, Index place);
+    /// Adds an array of aliases of `members`, which stands by itself.
+    Index addList(JsonWord key, std::span<const Index> members, Index place);
 
     /// Returns the JSON pointer of a node (RFC 6901) as a URI fragment, with "#" in front.
     CString pointerTo(Index node) const;
