@@ -99,8 +99,7 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
         throw SourceRefusal{shownName + ": it is XML, not JSON or YAML.", {shownName, "it is XML, not JSON or YAML"}};
     beginWork(Work::reading);
     const auto first = static_cast<Index>(tree.size());
-    JsonBuilder builder(tree, types, report, number);
-    const Index root = readJsonTree(fileName, text, tree, builder, withComments);
+    const Index root = readJsonTree(fileName, text, tree, types, report, number, withComments);
     Document& document = documents[number];
     document.root = root;
     document.folder = folderOf(fileName);

@@ -7,11 +7,161 @@
 #include <memory>
 #include <new>
 #include <system_error>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
 #include <yaml.h>
 
 namespace {
 
 using Index = JsonNode::Index;
+
+constexpr std::size_t kMaxNodes = 8'000'000;
+constexpr std::size_t kFewMembers = 16;
+constexpr std::size_t kFreeMerged = 100'000; // members that merges of YAML may visit in any document
+constexpr std::size_t kMaxMerged = 20;       // for each value in addition, so that the work is linear in the text
+
+// Adds the values of one document to a tree, as they are read. Of duplicate keys the last one stays, and the others are
+// reported.
+class JsonBuilder
+{
+public:
+    JsonBuilder(JsonTree& tree, const SourceTypes& types, SourceReport& report, std::uint32_t document) :
+        tree(tree), types(types), report(report), document(document)
+    {}
+
+    // Sets the key of the next value. With `isMerge` its members are added to the open object at its end, instead of
+    // itself, except for keys that the object has; it is a mapping or a list of mappings
+    // (https://yaml.org/type/merge.html).
+    void key(std::string_view text, bool isMerge = false)
+    {
+        nextKey = tree.names.intern(text);
+        isNextMerged = isMerge;
+    }
+
+    // Adds a value and returns it. An array or object stays open until end().
+    Index add(JsonNode::Kind kind, std::string_view text, std::uint32_t line, std::uint32_t column)
+    {
+        ++values;
+        if (tree.size() > kMaxNodes)
+            types.refuse(std::to_string(kMaxNodes) + " values");
+        Level* const level = open.empty() ? nullptr : &open.back();
+        const bool isMerged = level && std::exchange(isNextMerged, false);
+        const bool isMember = level && !isMerged;
+        const Index made = tree.add(kind, isMember ? level->node : 0, isMember ? level->last : 0, JsonWord::none, 0);
+        JsonNode& node = tree[made];
+        node.key = std::exchange(nextKey, 0);
+        node.text = text.empty() ? 0 : tree.names.intern(text);
+        node.document = document;
+        node.line = line;
+        node.column = column;
+        if (isMember) {
+            level->last = made;
+            ++level->count;
+        } else if (isMerged) {
+            node.parent = level->node;
+            if (const Index other = std::exchange(level->merged, made); other != 0)
+                report.add(SourceReport::keyTwice, tree.placeOf(other), tree.key(other));
+        }
+        if (first == 0)
+            first = made;
+        if (kind == JsonNode::object || kind == JsonNode::array)
+            open.push_back({made});
+        return made;
+    }
+
+    void end()
+    {
+        if (const Index source = tree.target(open.back().merged); tree.is(source, JsonNode::array))
+            for (const Index at : tree.childrenOf(source))
+                merge(tree.target(at));
+        else if (source != 0)
+            merge(source);
+        const Level level = open.back();
+        open.pop_back();
+        if (tree[level.node].kind == JsonNode::object && level.count > 1)
+            dropDuplicates(level);
+    }
+
+    // Returns whether a node is an array or object that is still open.
+    bool isOpen(Index node) const { return std::ranges::find(open, node, &Level::node) != open.end(); }
+
+    // Returns the root of the document; 0 if there is none.
+    Index root() const { return first; }
+
+private:
+    struct Level
+    {
+        Index node;
+        Index last = 0;
+        std::size_t count = 0;
+        Index merged = 0; // the value of the last merge key
+    };
+
+    // Adds aliases of the members of a merged mapping, except for keys that the open object has.
+    void merge(Index source)
+    {
+        if (!tree.is(source, JsonNode::object))
+            return report.add(SourceReport::invalidValue, tree.placeOf(source), "<<");
+        Level& level = open.back();
+        std::unordered_set<NameTable::Id> met;
+        countMerged(); // a mapping without members has a cost, too
+        for (const Index at : tree.childrenOf(level.node)) {
+            countMerged();
+            met.insert(tree[at].key);
+        }
+        for (const Index at : tree.childrenOf(source)) {
+            countMerged();
+            if (met.insert(tree[at].key).second) {
+                nextKey = tree[at].key;
+                tree[add(JsonNode::alias, {}, tree[at].line, tree[at].column)].firstChild = tree.target(at);
+                --values;
+            }
+        }
+    }
+
+    void countMerged()
+    {
+        if (++merged > kFreeMerged + kMaxMerged * values)
+            types.refuse(std::to_string(kFreeMerged) + " merged members and " + std::to_string(kMaxMerged) +
+                         " more for each value of the document");
+    }
+
+    // Keeps the last of the members with one key, as most parsers do (RFC 8259, 4).
+    void dropDuplicates(const Level& level)
+    {
+        std::vector<Index> all;
+        for (const Index at : tree.childrenOf(level.node))
+            all.push_back(at);
+        metIn.resize(tree.names.size());
+        Index next = 0;
+        std::size_t kept = 0;
+        for (auto at = all.rbegin(); at != all.rend(); ++at) {
+            if (std::exchange(metIn[tree[*at].key], level.node) == level.node) {
+                report.add(SourceReport::keyTwice, tree.placeOf(*at), tree.key(*at));
+                continue;
+            }
+            tree[*at].next = next;
+            next = *at;
+            ++kept;
+        }
+        tree[level.node].firstChild = next;
+        if (kept > kFewMembers)
+            tree.index(level.node);
+    }
+
+    JsonTree& tree;
+    const SourceTypes& types;
+    SourceReport& report;
+    const std::uint32_t document;
+    std::vector<Level> open;
+    NameTable::Id nextKey = 0;
+    bool isNextMerged = false;
+    Index first = 0;
+    std::vector<Index> metIn; // by key: the last object in which dropDuplicates() met it
+    std::size_t values = 0;   // added by the reader
+    std::size_t merged = 0;   // members visited by merges, over the whole document
+};
 
 Index readJson(std::string_view text, JsonBuilder& builder, bool withComments)
 {
@@ -235,9 +385,10 @@ private:
 
 } // namespace
 
-JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, JsonBuilder& builder,
-                             bool withComments)
+JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, const SourceTypes& types,
+                             SourceReport& report, std::uint32_t document, bool withComments)
 {
+    JsonBuilder builder(tree, types, report, document);
     const bool isNamedYaml = endsWithAscii(fileName, ".yaml") || endsWithAscii(fileName, ".yml");
     if (text.starts_with("\xEF\xBB\xBF"))
         text.remove_prefix(3);

@@ -186,65 +186,9 @@ private:
     NumberTable members; // of large objects, by object and key
 };
 
-/// Adds the values of one document to a tree, as they are read. Of duplicate keys the last one stays, and the others
-/// are reported.
-class JsonBuilder
-{
-public:
-    using Index = JsonNode::Index;
-
-    /// `document` is the document's number in the report. Throws SourceRefusal through `types` beyond the maximum
-    /// number of values.
-    JsonBuilder(JsonTree& tree, const SourceTypes& types, SourceReport& report, std::uint32_t document) :
-        tree(tree), types(types), report(report), document(document)
-    {}
-
-    /// Sets the key of the next value. With `isMerge` its members are added to the open object at its end, instead of
-    /// itself, except for keys that the object has; it is a mapping or a list of mappings
-    /// (https://yaml.org/type/merge.html).
-    void key(std::string_view text, bool isMerge = false)
-    {
-        nextKey = tree.names.intern(text);
-        isNextMerged = isMerge;
-    }
-
-    /// Adds a value and returns it. An array or object stays open until end().
-    Index add(JsonNode::Kind kind, std::string_view text, std::uint32_t line, std::uint32_t column);
-    void end();
-
-    /// Returns whether a node is an array or object that is still open.
-    bool isOpen(Index node) const;
-
-    /// Returns the root of the document; 0 if there is none.
-    Index root() const { return first; }
-
-private:
-    struct Level
-    {
-        Index node;
-        Index last = 0;
-        std::size_t count = 0;
-        Index merged = 0; // the value of the last merge key
-    };
-
-    void merge(Index source);
-    void dropDuplicates(const Level& level);
-    void countMerged();
-
-    JsonTree& tree;
-    const SourceTypes& types;
-    SourceReport& report;
-    const std::uint32_t document;
-    std::vector<Level> open;
-    NameTable::Id nextKey = 0;
-    bool isNextMerged = false;
-    Index first = 0;
-    std::vector<Index> metIn; // by key: the last object in which dropDuplicates() met it
-    std::size_t values = 0;   // added by the reader
-    std::size_t merged = 0;   // members visited by merges, over the whole document
-};
-
-/// Reads one document into the tree and returns its root. It is YAML if the file name ends with ".yaml" or ".yml", or
-/// if neither the name nor the beginning suggests JSON. `withComments` allows comments in JSON. Throws JsonFault.
-JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, JsonBuilder& builder,
-                             bool withComments);
+/// Reads one document into the tree and returns its root; 0 if it holds no value. It is YAML if the file name ends with
+/// ".yaml" or ".yml", or if neither the name nor the beginning suggests JSON. Of duplicate keys the last one stays, and
+/// the others are reported. `document` is the document's number in the report. `withComments` allows comments in JSON.
+/// Throws JsonFault, and through `types` SourceRefusal beyond the maximum number of values.
+JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, const SourceTypes& types,
+                             SourceReport& report, std::uint32_t document, bool withComments);
