@@ -190,14 +190,10 @@ JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference, bo
 {
     // Cached by resource, because the same reference leads elsewhere in another one.
     const std::uint64_t key = keyOf(resourceOf(holder), reference);
-    const auto [position, isNew] = references.insert(key, static_cast<std::uint32_t>(resolved.size()));
-    if (isNew) {
-        Resolved& found = resolved.emplace_back();
-        lookUp(holder, tree.names[reference], found);
-        if (found.node != 0)
-            link(holder, found.node);
-    }
-    const auto [node, fault] = resolved[position];
+    const auto [known, isNew] = references.try_emplace(key);
+    if (isNew)
+        known->second = lookUp(holder, tree.names[reference]);
+    const auto [node, fault] = known->second;
     // A title or a list may be there, but no schema.
     const bool isSchema = tree.is(node, JsonNode::object) || tree.is(node, JsonNode::boolean) ||
                           (mayBeText && tree.is(node, JsonNode::string));
@@ -206,18 +202,22 @@ JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference, bo
     return isSchema ? node : 0;
 }
 
-void JsonDocuments::lookUp(Index holder, std::string_view reference, Resolved& found)
+JsonDocuments::Resolved JsonDocuments::lookUp(Index holder, std::string_view reference)
 {
+    Resolved found;
     const std::size_t hash = std::min(reference.find('#'), reference.size());
     const std::string_view uri = reference.substr(0, hash);
     const std::string_view fragment = reference.substr(std::min(hash + 1, reference.size()));
     const Index own = resourceOf(holder);
     const Index resource = uri.empty() ? own : findDocument(holder, own, uri, found.fault);
     if (resource == 0)
-        return;
+        return found;
     found.node = tree.target(followFragment(resource, fragment));
     if (found.node == 0) // many documents write pointers from the root, although a schema between has an identifier
         found.node = tree.target(followFragment(rootOf(resource), fragment));
+    if (found.node != 0)
+        link(holder, found.node);
+    return found;
 }
 
 JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::string_view uri,
@@ -302,17 +302,10 @@ JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointe
 
 std::vector<std::size_t> JsonDocuments::findTops(std::span<const Index> roots) const
 {
-    std::vector<std::size_t> positions;
     std::vector<DocumentLinks::Index> given;
-    for (std::size_t i = 0; i < roots.size(); ++i)
-        if (roots[i] != 0) {
-            positions.push_back(i);
-            given.push_back(tree[roots[i]].document);
-        }
-    std::vector<std::size_t> tops = links.findTops(given);
-    for (std::size_t& top : tops)
-        top = positions[top];
-    return tops;
+    for (const Index root : roots)
+        given.push_back(root != 0 ? tree[root].document : report.fileCount());
+    return links.findTops(given);
 }
 
 std::vector<JsonNode::Index> JsonDocuments::findOthers(std::span<const Index> roots) const

@@ -36,7 +36,8 @@ public:
     /// Records that the document of `holder` refers to that of `node`.
     void link(Index holder, Index node) { links.add(tree[holder].document, tree[node].document); }
 
-    /// Returns the positions, in order, of those roots whose documents no other document refers to. Zeros are skipped.
+    /// Returns the positions, in order, of those roots whose documents no other document refers to. Zeros count as one
+    /// document.
     std::vector<std::size_t> findTops(std::span<const Index> roots) const;
 
     /// Returns the root of the document of `node`.
@@ -80,7 +81,7 @@ private:
     void keepIdentifier(Index node, bool isDraft4);
     const CString& uriOf(Index resource) const;
     Index resourceOf(Index node) const;
-    void lookUp(Index holder, std::string_view reference, Resolved& found);
+    Resolved lookUp(Index holder, std::string_view reference);
     Index findDocument(Index holder, Index resource, std::string_view uri, SourceReport::Construct& fault);
     Index readNamed(const FoundFile& file, const CString& path, Index holder);
     Index originOf(Index node) const;
@@ -92,12 +93,11 @@ private:
     const bool withComments;
     FileFinder finder;
     DocumentLinks links;
-    std::vector<Document> documents;                              // by number in the report
-    std::map<FileId, Index> parsed;                               // root by file; 0 if the file can't be read
-    std::unordered_map<CString, Index, KeyHash> resources;        // by URI
-    std::unordered_map<Index, CString> uris;                      // of schemas with an identifier
-    std::unordered_map<std::uint64_t, Index, NumberHash> anchors; // by resource and name
-    NumberTable references;                                       // positions in `resolved`, by resource and reference
-    std::vector<Resolved> resolved;
+    std::vector<Document> documents;                                    // by number in the report
+    std::map<FileId, Index> parsed;                                     // root by file; 0 if the file can't be read
+    std::unordered_map<CString, Index, KeyHash> resources;              // by URI
+    std::unordered_map<Index, CString> uris;                            // of schemas with an identifier
+    std::unordered_map<std::uint64_t, Index, NumberHash> anchors;       // by resource and name
+    std::unordered_map<std::uint64_t, Resolved, NumberHash> references; // by resource and reference
     std::size_t pointers = 0;
 };
