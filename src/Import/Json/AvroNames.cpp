@@ -32,7 +32,7 @@ void AvroTypes::declareAll(Scoped top)
         at.schema = tree.target(at.schema);
         if (!tree.is(at.schema, JsonNode::object) && !tree.is(at.schema, JsonNode::array))
             continue;
-        if (!declared.insert(at.schema).second)
+        if (!declared.try_emplace(at.schema).second)
             continue;
         const auto first = static_cast<std::ptrdiff_t>(waiting.size());
         const auto wait = [&](Index holder, bool isField) {
@@ -72,12 +72,12 @@ bool AvroTypes::declare(Scoped& at)
     at.space = spaceOf(at);
     const auto [known, isNew] = named.emplace(fullNameOf(name, at.space), at);
     if (!isNew && isSame(known->second, at)) {
-        repeated.emplace(at.schema, known->second.schema);
+        declared[at.schema] = known->second;
         return false;
     }
     if (!isNew)
         documents.note(SourceReport::declaredTwice, at.schema, name);
-    spaces[at.schema] = at.space;
+    declared[at.schema] = at;
     order.push_back(at);
     return true;
 }

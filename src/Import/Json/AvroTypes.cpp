@@ -166,8 +166,8 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
         Scoped at = alternatives.back();
         alternatives.pop_back();
         at.schema = tree.target(at.schema);
-        if (const auto first = repeated.find(at.schema); first != repeated.end())
-            at.schema = first->second;
+        if (const auto known = declared.find(at.schema); known != declared.end() && known->second.schema != 0)
+            at = known->second;
         if (!met.insert(at.schema).second)
             continue;
         const Index inner = tree.find(at.schema, JsonWord::type);
@@ -181,14 +181,12 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
         } else {
             const std::string_view type = tree.text(tree.is(at.schema, JsonNode::string) ? at.schema : inner);
             const auto found = named.find(fullNameOf(type, at.space));
-            const auto global = found == named.end() ? named.find(tree.names.intern(CString(type))) : found;
+            const auto global = found == named.end() ? named.find(tree.names.intern(type)) : found;
             if (!isAvroType(type) && global != named.end()) {
                 documents.link(at.schema, global->second.schema);
                 alternatives.push_back(global->second);
                 continue;
             }
-            if (const auto known = spaces.find(at.schema); known != spaces.end())
-                at.space = known->second;
             std::vector<Scoped>& alike = isOneOf(type, {"record", "error"}) ? sorted.records
                                          : type == "map"                    ? sorted.maps
                                          : type == "array"                  ? sorted.arrays
@@ -239,10 +237,8 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool i
 }
 
 // Returns the kind of a schema that is neither an object nor an array; nothing for bytes.
-std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema) const
+std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema, std::string_view type) const
 {
-    const bool isPlain = tree.is(schema, JsonNode::string);
-    const std::string_view type = isPlain ? tree.text(schema) : tree.textOf(schema, JsonWord::type);
     const std::string_view logical = tree.textOf(schema, JsonWord::logicalType);
     if (logical == "date" || logical.starts_with("time-") || logical.starts_with("timestamp-") ||
         logical.starts_with("local-timestamp-"))
@@ -273,7 +269,7 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
         const Index said = isObject ? find(leaf.schema, JsonWord::type) : leaf.schema;
         if (said != 0 && !isKnown(leaf.schema))
             documents.note(SourceReport::unresolvedReference, said, tree.text(said));
-        if (const auto kind = kindOf(leaf.schema))
+        if (const auto kind = kindOf(leaf.schema, tree.text(said)))
             kinds.insert(*kind);
         else
             isBytes = true;

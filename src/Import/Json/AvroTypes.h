@@ -72,7 +72,7 @@ private:
                                SourceTypes::Index home);
     std::optional<SourceTypes::Type> leafOf(const std::vector<Scoped>& leaves, std::string_view name);
     SourceTypes::Type enumerationOf(const std::vector<Scoped>& leaves, std::string_view name);
-    std::optional<SourceTypes::Kind> kindOf(Index schema) const;
+    std::optional<SourceTypes::Kind> kindOf(Index schema, std::string_view type) const;
     void readFields(const Pending& pending);
     std::string_view describe(Index schema);
 
@@ -83,9 +83,8 @@ private:
     SourceReport& report;
     std::unordered_map<NameTable::Id, Scoped> named; // by full name
     std::vector<Scoped> order;                       // named types in order of declaration, until they are read
-    std::unordered_map<Index, NameTable::Id> spaces; // of named types
-    std::unordered_map<Index, Index> repeated;       // the first of several equal declarations, by the others
-    std::unordered_set<Index> declared;
+    std::unordered_map<Index, Scoped> declared; // by schema: itself, or an earlier equal one, with its own namespace,
+                                                // if it is a named type; else nothing
     std::map<std::vector<Index>, SourceTypes::Type> records; // by the sorted schemas that they come from
     std::vector<Pending> pending;
     std::size_t steps = 0;
