@@ -268,7 +268,7 @@ private:
             else
                 documents.note(SourceReport::moduleUnreadable, schema, format);
         }
-        return tree.addList(JsonWord::allOf, parts, found.back());
+        return tree.addList(JsonWord::allOf, parts, tree[found.back()].place);
     }
 
     // Returns the schema that a node holds beside its format, references followed, and sets `format`. Returns the
@@ -323,7 +323,7 @@ private:
                                 !isFileNamed(tree.text(reference), {".json", ".yaml", ".yml"});
             if (isFile || tree.is(node, JsonNode::string)) {
                 const Index text = isFile ? reference : node;
-                return sources.xml.add({tree.text(text), isFile, tree[text].isLiteral, tree.placeOf(text),
+                return sources.xml.add({tree.text(text), isFile, tree[text].isLiteral, tree[text].place,
                                         documents.queryFolder(text), name},
                                        source);
             }

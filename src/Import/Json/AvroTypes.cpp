@@ -47,11 +47,11 @@ void AvroTypes::addCandidate(Index schema, std::string_view name)
             continue;
         const auto shape = shapeOf({{at, 0}}, name, SourceTypes::kNone); // which reports a name that nothing declares
         if (shape && !sorted.records.empty())
-            names.addCandidate(*shape, name, tree.placeOf(at));
+            names.addCandidate(*shape, name, tree[at].place);
     }
     if (!isSeveral)
         if (const auto shape = shapeOf({{schema, 0}}, name, SourceTypes::kNone))
-            names.addCandidate(*shape, name, tree.placeOf(schema));
+            names.addCandidate(*shape, name, tree[schema].place);
     // Named types that nothing refers to are imported as well.
     readDeclared(name);
 }
@@ -77,7 +77,7 @@ void AvroTypes::addNamedTypes()
         const auto shape = shapeOf({at}, name, SourceTypes::kNone);
         if (!shape)
             continue;
-        names.addCandidate(*shape, name, tree.placeOf(at.schema), uri);
+        names.addCandidate(*shape, name, tree[at.schema].place, uri);
         if (shape->type.kind == SourceTypes::kindRecord)
             uris.emplace(shape->type.index, uri);
     }
@@ -100,19 +100,19 @@ void AvroTypes::readProtocol(Index protocol)
         if (tree[request].firstChild != 0 && names.isWanted(request)) {
             const SourceTypes::Type type = recordOf({{request, tree[space].text}}, false,
                                                     names.toModelName(name + "Request", at), SourceTypes::kNone);
-            names.addCandidate({type, 0}, {}, tree.placeOf(request));
+            names.addCandidate({type, 0}, {}, tree[request].place);
         }
         const Index response = tree.find(message, JsonWord::response);
         if (response != 0 && names.isWanted(response) && !sort({{response, tree[space].text}}).records.empty())
             if (const auto shape = shapeOf({{response, tree[space].text}}, names.toModelName(name + "Response", at),
                                            SourceTypes::kNone))
-                names.addCandidate(*shape, {}, tree.placeOf(response));
+                names.addCandidate(*shape, {}, tree[response].place);
     }
     // A protocol without messages only declares types.
     if (tree[messages].firstChild == 0)
         for (const auto& [schemas, type] : records)
             if (schemas.size() == 1)
-                names.addCandidate({type, 0}, {}, tree.placeOf(schemas.front()));
+                names.addCandidate({type, 0}, {}, tree[schemas.front()].place);
 }
 
 // Returns the type of a value with these alternatives; nothing if it holds bytes only, which have no type.
@@ -226,7 +226,7 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool i
         return known->second;
     const Index schema = schemas.front().schema;
     const std::string_view own = schemas.size() == 1 && !isMap ? simpleNameOf(schema) : "";
-    SourceTypes::Record row{own.empty() ? name : own, describe(schema), tree.placeOf(schema)};
+    SourceTypes::Record row{own.empty() ? name : own, describe(schema), tree[schema].place};
     if (!own.empty())
         row.space = types.spaceOf(tree.names[schemas.front().space]);
     else if (row.home = home; home != SourceTypes::kNone)
@@ -308,7 +308,7 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
         return {};
     const SourceTypes::Index space = types.spaceOf(tree.names[leaves.front().space]);
     return {SourceTypes::kindEnumeration, types.addEnumeration(own.empty() ? name : own, constants, !own.empty(),
-                                                               describe(schema), tree.placeOf(schema), space)};
+                                                               describe(schema), tree[schema].place, space)};
 }
 
 void AvroTypes::finish()

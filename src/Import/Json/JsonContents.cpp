@@ -40,7 +40,7 @@ bool JsonContents::isDeclared(Index schema) const
     const Index parent = tree[schema].parent;
     if (parent == 0)
         return documents.rootOf(schema) == schema;
-    return tree.is(parent, JsonNode::object) && tree[parent].place == JsonNode::names &&
+    return tree.is(parent, JsonNode::object) && tree[parent].role == JsonNode::names &&
            isOneOf(tree.keyOf(parent), {JsonWord::defs, JsonWord::definitions, JsonWord::schemas});
 }
 
@@ -93,7 +93,7 @@ void JsonContents::enter(Index schema)
 {
     step();
     if (!contents.try_emplace(schema).second) {
-        const SourcePlace place = tree.placeOf(schema);
+        const SourcePlace place = tree[schema].place;
         const CString words = tree.pointerTo(schema) + " refers to itself without an object in between";
         throw SourceRefusal{words + ".", {report.fileNameOf(place.file), words, place.line, place.column}};
     }
@@ -118,7 +118,7 @@ JsonNode::Index JsonContents::choiceOf(const std::vector<Index>& schemas)
 {
     if (schemas.size() < 2)
         return schemas.empty() ? 0 : schemas.front();
-    return tree.addList(JsonWord::oneOf, schemas, schemas.front());
+    return tree.addList(JsonWord::oneOf, schemas, tree[schemas.front()].place);
 }
 
 // Stores the content of the last frame. If a single other schema provides all of the content, that schema's type is
@@ -155,13 +155,13 @@ void JsonContents::finish()
 void JsonContents::overrideDiscriminator(Frame& frame)
 {
     makeOwn(frame);
-    const Index schema = tree.add(JsonNode::object, 0, 0, JsonWord::none, frame.mapping);
-    const Index listed = tree.add(JsonNode::array, schema, 0, JsonWord::enumWord, frame.mapping);
-    Index last = 0;
-    for (const Index at : tree.childrenOf(frame.mapping)) {
-        last = tree.add(JsonNode::string, listed, last, JsonWord::none, at);
-        tree[last].text = tree[at].key;
-    }
+    const Index schema = tree.add({.kind = JsonNode::object, .place = tree[frame.mapping].place});
+    JsonContent listed{.owner = schema, .first = static_cast<std::uint32_t>(constants.size())};
+    for (const Index at : tree.childrenOf(frame.mapping))
+        constants.push_back({tree[at].key});
+    listed.count = static_cast<std::uint32_t>(constants.size()) - listed.first;
+    listed.kind = listed.count > 0 ? JsonContent::enumeration : JsonContent::none;
+    contents[schema] = listed;
     const JsonField field{frame.discriminator, schema};
     addField(frame, field, both);
     frame.fields[*frame.positions.find(field.name)] = {field, {}};

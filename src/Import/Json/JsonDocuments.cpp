@@ -52,12 +52,12 @@ CString resolveUri(std::string_view base, std::string_view reference)
     return resolved;
 }
 
-// Returns the place of a member by the place of its object.
-JsonNode::Place placeUnder(JsonNode::Place place, JsonWord key)
+// Returns the role of a member by the role of its object.
+JsonNode::Role roleUnder(JsonNode::Role role, JsonWord key)
 {
     using enum JsonWord;
-    if (place != JsonNode::statement)
-        return place == JsonNode::names ? JsonNode::statement : JsonNode::data;
+    if (role != JsonNode::statement)
+        return role == JsonNode::names ? JsonNode::statement : JsonNode::data;
     if (isOneOf(key, {constWord, enumWord, defaultWord, example, examples}))
         return JsonNode::data;
     const bool hasNames = isOneOf(
@@ -131,15 +131,15 @@ void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
         JsonNode& node = tree[at];
         if (node.parent == 0)
             continue;
-        const JsonNode::Place around = tree[node.parent].place;
-        node.place = tree.is(node.parent, JsonNode::object) ? placeUnder(around, tree.keyOf(at)) : around;
+        const JsonNode::Role around = tree[node.parent].role;
+        node.role = tree.is(node.parent, JsonNode::object) ? roleUnder(around, tree.keyOf(at)) : around;
         if (node.kind != JsonNode::string || around != JsonNode::statement)
             continue;
         const JsonWord key = tree.keyOf(at);
         const bool isIdentifier = isOneOf(key, {JsonWord::dollarId, JsonWord::anchor, JsonWord::dynamicAnchor}) ||
                                   (isDraft4 && key == JsonWord::id);
-        if (isIdentifier &&
-            !(documents[node.document].ignoresSiblings && tree.find(node.parent, JsonWord::ref, JsonNode::string) != 0))
+        if (isIdentifier && !(documents[node.place.file].ignoresSiblings &&
+                              tree.find(node.parent, JsonWord::ref, JsonNode::string) != 0))
             identified.push_back(at);
     }
     std::ranges::stable_sort(identified, {}, [this](Index at) {
@@ -175,7 +175,7 @@ void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
 const CString& JsonDocuments::uriOf(Index resource) const
 {
     const auto found = uris.find(resource);
-    return found == uris.end() ? documents[tree[resource].document].uri : found->second;
+    return found == uris.end() ? documents[tree[resource].place.file].uri : found->second;
 }
 
 // Returns the nearest schema around a node that has its own identifier, else the document's root.
@@ -228,7 +228,7 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
         return known->second;
     // A URI loses its dot segments before it is a path, so "sub/../b.json" needs no folder "sub".
     const CString path = std::filesystem::path(localPath(uri)).lexically_normal().string();
-    const CString folder = documents[tree[holder].document].folder;
+    const CString folder = documents[tree[holder].place.file].folder;
     const auto file = path.empty() ? std::nullopt : finder.find(folder, path);
     if (!file) {
         fault = path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing;
@@ -246,7 +246,7 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
 
 JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& path, Index holder)
 {
-    const SourcePlace from = tree.placeOf(holder);
+    const SourcePlace from = tree[holder].place;
     const CString fromName = report.fileNameOf(from.file);
     const CString shownName = shownFrom(fromName, documents[from.file].folder, path, file);
     const CString named = " (named in " + placeInWords(fromName, from.line, from.column) + ")";
@@ -304,7 +304,7 @@ std::vector<std::size_t> JsonDocuments::findTops(std::span<const Index> roots) c
 {
     std::vector<DocumentLinks::Index> given;
     for (const Index root : roots)
-        given.push_back(root != 0 ? tree[root].document : report.fileCount());
+        given.push_back(root != 0 ? tree[root].place.file : report.fileCount());
     return links.findTops(given);
 }
 
@@ -319,7 +319,7 @@ std::vector<JsonNode::Index> JsonDocuments::findOthers(std::span<const Index> ro
 
 CString JsonDocuments::nameOf(Index node) const
 {
-    return CString(stemOf(report.fileNameOf(tree[node].document)));
+    return CString(stemOf(report.fileNameOf(tree[node].place.file)));
 }
 
 // Returns the first of the document's schemas that a made one combines; of other nodes themselves.
@@ -336,7 +336,7 @@ JsonNode::Index JsonDocuments::originOf(Index node) const
 
 void JsonDocuments::refuse(Index node, const CString& reason) const
 {
-    const CString& file = report.fileNameOf(tree[node].document);
+    const CString& file = report.fileNameOf(tree[node].place.file);
     throw SourceRefusal{file + ": " + reason + ".", {file, reason}};
 }
 
@@ -347,5 +347,5 @@ void JsonDocuments::note(SourceReport::Construct construct, Index node, std::str
     const bool isReference = tree.keyOf(node) == JsonWord::ref; // reported at the schema that holds it
     if (++pointers <= kMaxPointers)
         words += (words.empty() ? "" : " at ") + tree.pointerTo(isReference ? tree[node].parent : node);
-    report.add(construct, tree.placeOf(node), words);
+    report.add(construct, tree[node].place, words);
 }

@@ -28,20 +28,20 @@ public:
     Index resolve(Index holder, NameTable::Id reference, bool mayBeText = false);
 
     /// Returns whether a "$ref" replaces all other keywords of its schema, as up to draft 7.
-    bool ignoresSiblings(Index node) const { return documents[tree[node].document].ignoresSiblings; }
+    bool ignoresSiblings(Index node) const { return documents[tree[node].place.file].ignoresSiblings; }
 
     /// Sets that for the document of `node`. Documents it refers to inherit it, unless they declare a version.
-    void setIgnoresSiblings(Index node, bool ignores) { documents[tree[node].document].ignoresSiblings = ignores; }
+    void setIgnoresSiblings(Index node, bool ignores) { documents[tree[node].place.file].ignoresSiblings = ignores; }
 
     /// Records that the document of `holder` refers to that of `node`.
-    void link(Index holder, Index node) { links.add(tree[holder].document, tree[node].document); }
+    void link(Index holder, Index node) { links.add(tree[holder].place.file, tree[node].place.file); }
 
     /// Returns the positions, in order, of those roots whose documents no other document refers to. Zeros count as one
     /// document.
     std::vector<std::size_t> findTops(std::span<const Index> roots) const;
 
     /// Returns the root of the document of `node`.
-    Index rootOf(Index node) const { return documents[tree[node].document].root; }
+    Index rootOf(Index node) const { return documents[tree[node].place.file].root; }
 
     /// Returns the roots of the documents that were read, except those in `roots`, in order of reading.
     std::vector<Index> findOthers(std::span<const Index> roots) const;
@@ -50,7 +50,7 @@ public:
     CString nameOf(Index node) const;
 
     /// Returns the folder of the document of `node`, the base of relative references.
-    const CString& queryFolder(Index node) const { return documents[tree[node].document].folder; }
+    const CString& queryFolder(Index node) const { return documents[tree[node].place.file].folder; }
 
     /// Throws SourceRefusal: the document of `node` can't be imported for this reason.
     [[noreturn]] void refuse(Index node, const CString& reason) const;

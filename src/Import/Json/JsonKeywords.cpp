@@ -260,8 +260,9 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
         content.items = choiceOf(own.items);
         // Only some of the items match `contains`, so it narrows none of them.
         if (own.contained != 0) {
-            const Index any =
-                content.items != 0 ? content.items : tree.add(JsonNode::object, 0, 0, JsonWord::none, own.contained);
+            const Index any = content.items != 0
+                                  ? content.items
+                                  : tree.add({.kind = JsonNode::object, .place = tree[own.contained].place});
             content.items = mergedOf(any, std::array{Part{own.contained, maybe}});
         }
         break;

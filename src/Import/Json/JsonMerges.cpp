@@ -42,7 +42,7 @@ JsonNode::Index JsonContents::referenced(Index child)
         documents.note(SourceReport::typeUnknown, child, CString(tree.names[reference]) + " in Avro");
         return 0;
     }
-    if (tree[target].place != JsonNode::names || tree.find(target, JsonWord::type, JsonNode::string) != 0)
+    if (tree[target].role != JsonNode::names || tree.find(target, JsonWord::type, JsonNode::string) != 0)
         return target;
     documents.note(SourceReport::unresolvedReference, child, tree.names[reference]);
     return 0;
@@ -118,7 +118,7 @@ JsonNode::Index JsonContents::makeMerged(How how, const std::vector<Index>& memb
         types.refuse(std::to_string(kFreeMade) + " combinations of schemas and " + std::to_string(kMadePerValue) +
                      " more for each value of the source");
     made += members.size() + 1;
-    known->second = tree.addList(kMadeKeys[how], members, members.front());
+    known->second = tree.addList(kMadeKeys[how], members, tree[members.front()].place);
     ranks.emplace(known->second, rank);
     return known->second;
 }

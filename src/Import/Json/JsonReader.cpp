@@ -6,6 +6,7 @@
 #include <charconv>
 #include <memory>
 #include <new>
+#include <optional>
 #include <system_error>
 #include <unordered_map>
 #include <unordered_set>
@@ -45,26 +46,19 @@ public:
         ++values;
         if (tree.size() > kMaxNodes)
             types.refuse(std::to_string(kMaxNodes) + " values");
-        Level* const level = open.empty() ? nullptr : &open.back();
-        const bool isMerged = level && std::exchange(isNextMerged, false);
-        const bool isMember = level && !isMerged;
-        const Index made = tree.add(kind, isMember ? level->node : 0, isMember ? level->last : 0, JsonWord::none, 0);
-        JsonNode& node = tree[made];
-        node.key = std::exchange(nextKey, 0);
-        node.text = text.empty() ? 0 : tree.names.intern(text);
-        node.document = document;
-        node.line = line;
-        node.column = column;
-        if (isMember) {
-            level->last = made;
-            ++level->count;
-        } else if (isMerged) {
-            node.parent = level->node;
-            if (const Index other = std::exchange(level->merged, made); other != 0)
-                report.add(SourceReport::keyTwice, tree.placeOf(other), tree.key(other));
+        const Index made = tree.add({.kind = kind,
+                                     .parent = open.empty() ? 0 : open.back().node,
+                                     .key = std::exchange(nextKey, std::nullopt).value_or(0),
+                                     .text = text.empty() ? 0 : tree.names.intern(text),
+                                     .place = {document, line, column}});
+        if (open.empty()) {
+            first = first == 0 ? made : first;
+        } else if (Level& level = open.back(); !std::exchange(isNextMerged, false)) {
+            (level.last == 0 ? tree[level.node].firstChild : tree[level.last].next) = made;
+            level.last = made;
+        } else if (const Index other = std::exchange(level.merged, made); other != 0) {
+            report.add(SourceReport::keyTwice, tree[other].place, tree.key(other));
         }
-        if (first == 0)
-            first = made;
         if (kind == JsonNode::object || kind == JsonNode::array)
             open.push_back({made});
         return made;
@@ -79,12 +73,18 @@ public:
             merge(source);
         const Level level = open.back();
         open.pop_back();
-        if (tree[level.node].kind == JsonNode::object && level.count > 1)
-            dropDuplicates(level);
+        if (tree.is(level.node, JsonNode::object) && level.last != tree[level.node].firstChild)
+            dropDuplicates(level.node);
     }
 
     // Returns whether a node is an array or object that is still open.
     bool isOpen(Index node) const { return std::ranges::find(open, node, &Level::node) != open.end(); }
+
+    // Returns whether an object is open that the next key belongs to.
+    bool awaitsKey() const { return !open.empty() && tree.is(open.back().node, JsonNode::object) && !nextKey; }
+
+    // Returns how many arrays and objects are open.
+    std::size_t depth() const { return open.size(); }
 
     // Returns the root of the document; 0 if there is none.
     Index root() const { return first; }
@@ -94,7 +94,6 @@ private:
     {
         Index node;
         Index last = 0;
-        std::size_t count = 0;
         Index merged = 0; // the value of the last merge key
     };
 
@@ -102,7 +101,7 @@ private:
     void merge(Index source)
     {
         if (!tree.is(source, JsonNode::object))
-            return report.add(SourceReport::invalidValue, tree.placeOf(source), "<<");
+            return report.add(SourceReport::invalidValue, tree[source].place, "<<");
         Level& level = open.back();
         std::unordered_set<NameTable::Id> met;
         countMerged(); // a mapping without members has a cost, too
@@ -114,7 +113,7 @@ private:
             countMerged();
             if (met.insert(tree[at].key).second) {
                 nextKey = tree[at].key;
-                tree[add(JsonNode::alias, {}, tree[at].line, tree[at].column)].firstChild = tree.target(at);
+                tree[add(JsonNode::alias, {}, tree[at].place.line, tree[at].place.column)].firstChild = tree.target(at);
                 --values;
             }
         }
@@ -128,26 +127,26 @@ private:
     }
 
     // Keeps the last of the members with one key, as most parsers do (RFC 8259, 4).
-    void dropDuplicates(const Level& level)
+    void dropDuplicates(Index object)
     {
         std::vector<Index> all;
-        for (const Index at : tree.childrenOf(level.node))
+        for (const Index at : tree.childrenOf(object))
             all.push_back(at);
         metIn.resize(tree.names.size());
         Index next = 0;
         std::size_t kept = 0;
         for (auto at = all.rbegin(); at != all.rend(); ++at) {
-            if (std::exchange(metIn[tree[*at].key], level.node) == level.node) {
-                report.add(SourceReport::keyTwice, tree.placeOf(*at), tree.key(*at));
+            if (std::exchange(metIn[tree[*at].key], object) == object) {
+                report.add(SourceReport::keyTwice, tree[*at].place, tree.key(*at));
                 continue;
             }
             tree[*at].next = next;
             next = *at;
             ++kept;
         }
-        tree[level.node].firstChild = next;
+        tree[object].firstChild = next;
         if (kept > kFewMembers)
-            tree.index(level.node);
+            tree.index(object);
     }
 
     JsonTree& tree;
@@ -155,7 +154,7 @@ private:
     SourceReport& report;
     const std::uint32_t document;
     std::vector<Level> open;
-    NameTable::Id nextKey = 0;
+    std::optional<NameTable::Id> nextKey;
     bool isNextMerged = false;
     Index first = 0;
     std::vector<Index> metIn; // by key: the last object in which dropDuplicates() met it
@@ -234,14 +233,6 @@ public:
     }
 
 private:
-    // What comes next in an open sequence or mapping.
-    enum class Next : std::uint8_t
-    {
-        item,
-        key,
-        value
-    };
-
     [[noreturn]] void fail(const CString& reason, const yaml_mark_t& mark)
     {
         throw JsonFault{reason, static_cast<std::uint32_t>(mark.line + 1), columnOf(mark)};
@@ -290,10 +281,12 @@ private:
         return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
     }
 
-    bool isKey() const { return !open.empty() && open.back() == Next::key; }
-
     void take(const yaml_event_t& event)
     {
+        const bool isValue = event.type == YAML_ALIAS_EVENT || event.type == YAML_MAPPING_START_EVENT ||
+                             event.type == YAML_SEQUENCE_START_EVENT;
+        if (isValue && builder.awaitsKey())
+            fail("the key is not text", event.start_mark);
         switch (event.type) {
         case YAML_DOCUMENT_START_EVENT:
             if (builder.root() != 0)
@@ -314,7 +307,6 @@ private:
         case YAML_MAPPING_END_EVENT:
         case YAML_SEQUENCE_END_EVENT:
             builder.end();
-            open.pop_back();
             break;
         default:
             break;
@@ -323,8 +315,6 @@ private:
 
     Index add(JsonNode::Kind kind, std::string_view value, const yaml_mark_t& mark)
     {
-        if (!open.empty() && open.back() == Next::value)
-            open.back() = Next::key;
         return builder.add(kind, value, static_cast<std::uint32_t>(mark.line + 1), columnOf(mark));
     }
 
@@ -332,11 +322,8 @@ private:
     {
         const auto& scalar = event.data.scalar;
         const std::string_view text(reinterpret_cast<const char*>(scalar.value), scalar.length);
-        if (isKey()) {
-            builder.key(text, text == "<<" && scalar.style == YAML_PLAIN_SCALAR_STYLE);
-            open.back() = Next::value;
-            return;
-        }
+        if (builder.awaitsKey())
+            return builder.key(text, text == "<<" && scalar.style == YAML_PLAIN_SCALAR_STYLE);
         const std::string_view tag = textOf(scalar.tag);
         const bool isTyped = isOneOf(tag, {YAML_NULL_TAG, YAML_BOOL_TAG, YAML_INT_TAG, YAML_FLOAT_TAG});
         const bool isText = isOneOf(tag, {YAML_STR_TAG, "!"}) || (scalar.style != YAML_PLAIN_SCALAR_STYLE && !isTyped);
@@ -349,8 +336,6 @@ private:
     void takeAlias(const yaml_event_t& event)
     {
         const auto found = anchors.find(tree.names.intern(textOf(event.data.alias.anchor)));
-        if (isKey())
-            fail("the key is not text", event.start_mark);
         if (found == anchors.end() || builder.isOpen(found->second))
             fail("the alias has no anchor before it", event.start_mark);
         tree[add(JsonNode::alias, {}, event.start_mark)].firstChild = tree.target(found->second);
@@ -358,13 +343,10 @@ private:
 
     void begin(JsonNode::Kind kind, std::string_view anchor, const yaml_mark_t& mark)
     {
-        if (isKey())
-            fail("the key is not text", mark);
-        if (open.size() == JsonScanner::kMaxDepth)
+        if (builder.depth() == JsonScanner::kMaxDepth)
             fail("more than " + std::to_string(JsonScanner::kMaxDepth) + " levels of nesting, which is the limit",
                  mark);
         keepAnchor(anchor, add(kind, {}, mark));
-        open.push_back(kind == JsonNode::object ? Next::key : Next::item);
     }
 
     void keepAnchor(std::string_view anchor, Index node)
@@ -379,7 +361,6 @@ private:
     std::size_t line = 0, lineOffset = 0;   // that the cursor is in
     JsonBuilder& builder;
     JsonTree& tree;
-    std::vector<Next> open;
     std::unordered_map<NameTable::Id, Index> anchors;
 };
 

@@ -62,31 +62,15 @@ std::string_view JsonTree::textOf(Index object, JsonWord key) const
     return text(find(object, key, JsonNode::string));
 }
 
-JsonNode::Index JsonTree::add(JsonNode::Kind kind, Index parent, Index last, JsonWord key, Index place)
+JsonNode::Index JsonTree::addList(JsonWord key, std::span<const Index> members, SourcePlace place)
 {
-    const auto made = static_cast<Index>(nodes.size());
-    JsonNode node;
-    node.kind = kind;
-    node.parent = parent;
-    node.key = static_cast<NameTable::Id>(key);
-    node.document = nodes[place].document;
-    node.line = nodes[place].line;
-    node.column = nodes[place].column;
-    nodes.push_back(node);
-    if (last != 0)
-        nodes[last].next = made;
-    else if (parent != 0)
-        nodes[parent].firstChild = made;
-    return made;
-}
-
-JsonNode::Index JsonTree::addList(JsonWord key, std::span<const Index> members, Index place)
-{
-    const Index list = add(JsonNode::array, 0, 0, key, place);
+    const Index list = add({.kind = JsonNode::array, .key = static_cast<NameTable::Id>(key), .place = place});
     Index last = 0;
     for (const Index member : members) {
-        last = add(JsonNode::alias, list, last, JsonWord::none, member);
-        nodes[last].firstChild = target(member);
+        const Index alias =
+            add({.kind = JsonNode::alias, .parent = list, .firstChild = target(member), .place = nodes[member].place});
+        (last == 0 ? nodes[list].firstChild : nodes[last].next) = alias;
+        last = alias;
     }
     return list;
 }

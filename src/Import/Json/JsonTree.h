@@ -72,8 +72,8 @@ struct JsonNode
         alias ///< refers to the node `firstChild`
     };
 
-    /// The role of a value's place.
-    enum Place : std::uint8_t
+    /// The role of a value.
+    enum Role : std::uint8_t
     {
         statement, ///< is a schema, or part of one
         names,     ///< has names as its keys, of properties, patterns or definitions
@@ -81,7 +81,7 @@ struct JsonNode
     };
 
     Kind kind = none;
-    Place place = statement;
+    Role role = statement;
     bool isLarge : 1 = false;    ///< an object whose members are in a hash table
     bool isResource : 1 = false; ///< a schema with its own identifier
     bool isLiteral : 1 = false;  ///< a text whose lines are those of the document, from the line after its own on
@@ -90,9 +90,7 @@ struct JsonNode
     Index next = 0;              ///< the next child of the same parent
     NameTable::Id key = 0;       ///< of a member of an object
     NameTable::Id text = 0;      ///< of a string, number or boolean
-    std::uint32_t document = 0;
-    std::uint32_t line = 0;
-    std::uint32_t column = 0;
+    SourcePlace place{};
 };
 
 /// The values of JSON and YAML documents as rows of an array, with their places. Neither walking nor freeing it needs
@@ -163,21 +161,21 @@ public:
     std::string_view text(Index node) const { return names[nodes[node].text]; }
     std::string_view key(Index node) const { return names[nodes[node].key]; }
 
-    /// Adds a node as the next child of `parent` and returns it. `last` is the parent's last child so far, or 0.
-    /// Without a parent (0) it is a root. Its place is that of the node `place`.
-    Index add(JsonNode::Kind kind, Index parent, Index last, JsonWord key, Index place);
+    /// Adds a node and returns it; it is not yet a child of its parent.
+    Index add(const JsonNode& node)
+    {
+        nodes.push_back(node);
+        return static_cast<Index>(nodes.size() - 1);
+    }
 
-    /// Adds an array of aliases of `members`, which stands by itself.
-    Index addList(JsonWord key, std::span<const Index> members, Index place);
+    /// Adds an array of aliases of `members`, without a parent.
+    Index addList(JsonWord key, std::span<const Index> members, SourcePlace place);
 
     /// Returns the JSON pointer of a node (RFC 6901) as a URI fragment, with "#" in front.
     CString pointerTo(Index node) const;
 
     /// Puts the members of an object into the hash table; for large objects.
     void index(Index object);
-
-    /// Returns the place of a node in its document.
-    SourcePlace placeOf(Index node) const { return {nodes[node].document, nodes[node].line, nodes[node].column}; }
 
     NameTable names;
 

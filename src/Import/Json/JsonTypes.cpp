@@ -109,8 +109,8 @@ std::string_view JsonTypes::nameOf(Index schema, std::string_view name)
     const Index parent = tree[schema].parent;
     if (!own.empty() || !tree.is(parent, JsonNode::object))
         return own.empty() ? name : own;
-    const bool isKeyName = tree[parent].place == JsonNode::names ? tree.keyOf(parent) == JsonWord::properties
-                                                                 : tree.keyOf(schema) == JsonWord::none;
+    const bool isKeyName = tree[parent].role == JsonNode::names ? tree.keyOf(parent) == JsonWord::properties
+                                                                : tree.keyOf(schema) == JsonWord::none;
     return isKeyName ? toModelName(tree.key(schema), schema) : name;
 }
 
@@ -120,9 +120,8 @@ SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_vi
     if (!isNew)
         return known->second;
     const bool isNamed = !nameOf(content.owner).empty();
-    const SourceTypes::Index record =
-        types.addRecord({nameOf(content.owner, name), describe(content.owner), tree.placeOf(content.owner),
-                         isNamed ? SourceTypes::kNone : home});
+    const SourceTypes::Index record = types.addRecord({nameOf(content.owner, name), describe(content.owner),
+                                                       tree[content.owner].place, isNamed ? SourceTypes::kNone : home});
     pending.push_back({content, record});
     return records[content.owner] = {SourceTypes::kindRecord, record};
 }
@@ -143,7 +142,7 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
             described.push_back(isDescribed ? describe(constant.schema) : "");
         }
         known = types.addEnumeration(called, constants, !nameOf(content.owner).empty(), describe(content.owner),
-                                     tree.placeOf(content.owner), 0, described);
+                                     tree[content.owner].place, 0, described);
     }
     return {SourceTypes::kindEnumeration, known};
 }
@@ -216,7 +215,7 @@ void JsonTypes::nameReferred(Index holder)
         const Index schema = contents.baseOf(at);
         report.pause(wasPaused);
         const bool hasKey = tree[schema].parent != 0 && contents.isDeclared(schema);
-        if (tree[schema].document != tree[at].document && !hasKey)
+        if (tree[schema].place.file != tree[at].place.file && !hasKey)
             names.try_emplace(schema, toModelName(tree.key(at), at));
     }
 }
@@ -267,13 +266,13 @@ void JsonTypes::addCandidate(Index schema, std::string_view name)
     const std::string_view own = nameOf(schema);
     const std::string_view called = own.empty() ? toModelName(name, schema) : own;
     const Shape shape = shapeOf(schema, called);
-    addCandidate(shape, called, tree.placeOf(schema));
+    addCandidate(shape, called, tree[schema].place);
     // The record of a schema that only refers to another has that one's name. It may be requested by this one, too.
     if (shape.type.kind == SourceTypes::kindRecord && shape.depth == 0 &&
         types.records[shape.type.index].name != called)
         types.addCandidate({.name = called,
                             .type = shape.type,
-                            .place = tree.placeOf(schema),
+                            .place = tree[schema].place,
                             .source = source,
                             .isType = true,
                             .description = describe(schema)});
@@ -286,7 +285,7 @@ void JsonTypes::addBody(Index schema, const CString& name, bool mayBeValue)
     const std::string_view called = toModelName(name, schema);
     const Shape shape = shapeOf(schema, called);
     if (mayBeValue || shape.type.kind == SourceTypes::kindRecord)
-        addCandidate(shape, called, tree.placeOf(tree.target(schema)));
+        addCandidate(shape, called, tree[tree.target(schema)].place);
     if (mayBeValue && (shape.type.kind != SourceTypes::kindRecord || shape.depth > 0))
         types.candidates.back().description = describe(schema);
 }

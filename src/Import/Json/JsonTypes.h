@@ -34,7 +34,7 @@ public:
     {}
 
     /// Returns whether a schema that no field refers to is read.
-    bool isWanted(Index schema) const { return !wanted || wanted->contains(keyOf(tree.placeOf(schema))); }
+    bool isWanted(Index schema) const { return !wanted || wanted->contains(keyOf(tree[schema].place)); }
 
     /// Sets the position in the set of the document that further candidates count for.
     void setSource(Index position) { source = position; }
@@ -82,7 +82,7 @@ public:
     /// long as the types.
     std::string_view toModelName(std::string_view name, Index place)
     {
-        return toModelName(name, tree.placeOf(place), types, report);
+        return toModelName(name, tree[place].place, types, report);
     }
     static std::string_view toModelName(std::string_view name, SourcePlace place, SourceTypes& types,
                                         SourceReport& report);
