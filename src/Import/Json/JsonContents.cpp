@@ -11,8 +11,16 @@ namespace {
 using Index = JsonNode::Index;
 using Kind = JsonContent::Kind;
 
-constexpr std::size_t kMaxKept = 4'000'000;   // of fields and constants
+constexpr std::size_t kMaxKept = 4'000'000;   // of members
 constexpr std::size_t kMaxSteps = 20'000'000; // bounds schemas that combine many others
+constexpr int kMaxRank = 4;                   // nesting of made schemas; bounds their growth
+
+// The nodes of made schemas in any source, and in addition for each of its values, so that the work is linear in the
+// source. Real schemas have at most 0.3 for each value.
+constexpr std::size_t kFreeMade = 50'000;
+constexpr std::size_t kMadePerValue = 2;
+
+constexpr JsonWord kMadeKeys[] = {JsonWord::allOf, JsonWord::oneOf, JsonWord::then}; // of made schemas, by How
 
 bool isObject(Kind kind)
 {
@@ -25,12 +33,12 @@ bool isRefinedText(Kind kind)
 }
 
 // Returns whether an enumeration lists all constants of another.
-bool includes(std::span<const JsonConstant> all, std::span<const JsonConstant> some)
+bool includes(std::span<const JsonMember> all, std::span<const JsonMember> some)
 {
     std::unordered_set<NameTable::Id> values;
-    for (const JsonConstant& constant : all)
-        values.insert(constant.value);
-    return std::ranges::all_of(some, [&](const JsonConstant& constant) { return values.contains(constant.value); });
+    for (const JsonMember& constant : all)
+        values.insert(constant.name);
+    return std::ranges::all_of(some, [&](const JsonMember& constant) { return values.contains(constant.name); });
 }
 
 } // namespace
@@ -49,7 +57,7 @@ void JsonContents::step(std::size_t count)
     steps += count;
     if (steps > kMaxSteps)
         types.refuse(std::to_string(kMaxSteps) + " parts of schemas");
-    if (fields.size() + constants.size() > kMaxKept)
+    if (members.size() > kMaxKept)
         types.refuse(std::to_string(kMaxKept) + " fields in parts of schemas");
 }
 
@@ -101,16 +109,17 @@ void JsonContents::enter(Index schema)
     frame.node = schema;
     const JsonWord key = tree.keyOf(schema);
     const bool isMade = tree[schema].parent == 0 && documents.rootOf(schema) != schema;
-    if (tree.is(schema, JsonNode::array) && (isMade || isOneOf(key, {JsonWord::oneOf, JsonWord::anyOf})))
-        // The first member of a condition applies in any case.
+    if (tree.is(schema, JsonNode::array) && (isMade || isOneOf(key, {JsonWord::oneOf, JsonWord::anyOf}))) {
+        const How how = key == JsonWord::allOf ? both : key == JsonWord::then ? maybe : either;
         for (const Index at : tree.childrenOf(schema))
-            frame.parts.push_back({at, key == JsonWord::then && !frame.parts.empty()     ? maybe
-                                       : isOneOf(key, {JsonWord::allOf, JsonWord::then}) ? both
-                                                                                         : either});
-    else if (tree.is(schema, JsonNode::object))
+            frame.parts.push_back({at, how});
+        if (how == maybe)
+            frame.parts.front().how = both; // it applies in any case
+    } else if (tree.is(schema, JsonNode::object)) {
         readSchema(frame);
-    else if (!tree.is(schema, JsonNode::boolean))
+    } else if (!tree.is(schema, JsonNode::boolean)) {
         documents.note(SourceReport::invalidValue, schema, tree.text(schema));
+    }
 }
 
 // Returns a schema that is the choice between all; 0 if there are none.
@@ -129,19 +138,15 @@ void JsonContents::finish()
     if (frame.mapping != 0 && frame.content.kind == JsonContent::record)
         overrideDiscriminator(frame);
     if (frame.objects > 1 && !frame.isBorrowed)
-        for (MergedField& field : frame.fields)
+        for (MergedMember& field : frame.members)
             field.isConditional = field.isConditional || field.alternatives < frame.objects;
     mergeItems(frame);
     JsonContent content = frame.content;
-    if (!frame.isBorrowed && content.kind == JsonContent::record) {
-        content.first = static_cast<std::uint32_t>(fields.size());
-        content.count = static_cast<std::uint32_t>(frame.fields.size());
-        for (const MergedField& field : frame.fields)
-            fields.push_back({field.name, mergedOf(field.schema, field.more), field.isConditional});
-    } else if (!frame.isBorrowed && content.kind == JsonContent::enumeration) {
-        content.first = static_cast<std::uint32_t>(constants.size());
-        content.count = static_cast<std::uint32_t>(frame.constants.size());
-        constants.insert(constants.end(), frame.constants.begin(), frame.constants.end());
+    if (!frame.isBorrowed && (content.kind == JsonContent::record || content.kind == JsonContent::enumeration)) {
+        content.first = static_cast<std::uint32_t>(members.size());
+        content.count = static_cast<std::uint32_t>(frame.members.size());
+        for (const MergedMember& member : frame.members)
+            members.push_back({member.name, mergedOf(member.schema, member.more), member.isConditional});
     }
     const bool isOthers = content.owner != 0 && (frame.isReference || !isDeclared(frame.node));
     if (!isOthers)
@@ -156,15 +161,15 @@ void JsonContents::overrideDiscriminator(Frame& frame)
 {
     makeOwn(frame);
     const Index schema = tree.add({.kind = JsonNode::object, .place = tree[frame.mapping].place});
-    JsonContent listed{.owner = schema, .first = static_cast<std::uint32_t>(constants.size())};
+    JsonContent listed{.owner = schema, .first = static_cast<std::uint32_t>(members.size())};
     for (const Index at : tree.childrenOf(frame.mapping))
-        constants.push_back({tree[at].key});
-    listed.count = static_cast<std::uint32_t>(constants.size()) - listed.first;
+        members.push_back({tree[at].key});
+    listed.count = static_cast<std::uint32_t>(members.size()) - listed.first;
     listed.kind = listed.count > 0 ? JsonContent::enumeration : JsonContent::none;
     contents[schema] = listed;
-    const JsonField field{frame.discriminator, schema};
+    const JsonMember field{frame.discriminator, schema};
     addField(frame, field, both);
-    frame.fields[*frame.positions.find(field.name)] = {field, {}};
+    frame.members[*frame.positions.find(field.name)] = {field, {}};
 }
 
 void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index part)
@@ -199,14 +204,13 @@ void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index p
     }
 }
 
-// Borrows the content of a part. Its fields are copied only when others are added, see makeOwn().
+// Borrows the content of a part. Its members are copied only when others are added, see makeOwn().
 void JsonContents::take(Frame& frame, const JsonContent& added)
 {
     frame.content = added;
     frame.isBorrowed = true;
-    frame.fields.clear();
+    frame.members.clear();
     frame.positions = {};
-    frame.constants.clear();
     frame.items.clear();
 }
 
@@ -215,28 +219,25 @@ void JsonContents::mergeItems(Frame& frame)
     frame.content.items = mergedOf(frame.content.items, std::exchange(frame.items, {}));
 }
 
-// Copies borrowed fields and constants into the frame, so that others can be added.
+// Copies borrowed members into the frame, so that others can be added.
 void JsonContents::makeOwn(Frame& frame)
 {
     frame.content.owner = 0;
     if (!std::exchange(frame.isBorrowed, false))
         return;
-    const JsonContent& content = frame.content;
-    step(content.count);
-    if (content.kind == JsonContent::enumeration)
-        addConstants(frame, constantsOf(content));
-    if (content.kind == JsonContent::record)
-        for (const JsonField& field : fieldsOf(content))
-            addField(frame, field, content.isConditional ? maybe : both);
+    addMembers(frame, frame.content, frame.content.isConditional ? maybe : both);
 }
 
-// Adds the fields of another record.
-void JsonContents::addFields(Frame& frame, const JsonContent& record, How how)
+// Adds the members of a record or an enumeration.
+void JsonContents::addMembers(Frame& frame, const JsonContent& content, How how)
 {
     makeOwn(frame);
-    step(record.count);
-    for (const JsonField& field : fieldsOf(record))
-        addField(frame, field, how);
+    step(content.count);
+    for (const JsonMember& member : membersOf(content))
+        if (content.kind == JsonContent::record)
+            addField(frame, member, how);
+        else if (frame.positions.insert(member.name, 0).second)
+            frame.members.push_back({member, {}});
 }
 
 // Combines two contents that both apply, the second one under a condition with `maybe`. Fields of records add up, text
@@ -253,7 +254,7 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
     if (isEmpty(frame) && isObject(added.kind))
         return take(frame, added);
     if (kind == JsonContent::record && added.kind == JsonContent::record)
-        return addFields(frame, added, how);
+        return addMembers(frame, added, how);
     // Conditions exclude each other, as "then" and "else" do.
     if (how == maybe && frame.content.isConditional)
         return joinEither(frame, added, part);
@@ -282,10 +283,12 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return documents.note(SourceReport::furtherProperties, part);
     bool isNarrower = false;
     if (kind == added.kind) { // two enumerations: the included one applies
-        const std::span<const JsonConstant> known = frame.isBorrowed ? constantsOf(frame.content) : frame.constants;
-        if (known.size() < added.count && includes(constantsOf(added), known))
+        std::vector<JsonMember> known(frame.members.begin(), frame.members.end());
+        if (frame.isBorrowed)
+            std::ranges::copy(membersOf(frame.content), std::back_inserter(known));
+        if (known.size() < added.count && includes(membersOf(added), known))
             return;
-        isNarrower = includes(known, constantsOf(added));
+        isNarrower = includes(known, membersOf(added));
     }
     if (!isNarrower)
         documents.note(kind == JsonContent::map ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
@@ -301,12 +304,8 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
     if (kind == JsonContent::none)
         return take(frame, added);
     if (kind == added.kind) {
-        if (kind == JsonContent::record) {
-            addFields(frame, added, either);
-        } else if (kind == JsonContent::enumeration) {
-            makeOwn(frame);
-            step(added.count);
-            addConstants(frame, constantsOf(added));
+        if (kind == JsonContent::record || kind == JsonContent::enumeration) {
+            addMembers(frame, added, either);
         } else if (kind == JsonContent::map || kind == JsonContent::array) {
             frame.content.owner = 0;
             frame.content.mayBeLeaf |= added.mayBeLeaf;
@@ -360,26 +359,19 @@ void JsonContents::addOwnFields(Frame& frame, Index properties)
     }
 }
 
-void JsonContents::addConstants(Frame& frame, std::span<const JsonConstant> added)
-{
-    for (const JsonConstant constant : added)
-        if (frame.positions.insert(constant.value, 0).second)
-            frame.constants.push_back(constant);
-}
-
 // Adds a field, or a further schema to the field of the same name.
-void JsonContents::addField(Frame& frame, JsonField field, How how)
+void JsonContents::addField(Frame& frame, JsonMember field, How how)
 {
-    const auto [at, isNew] = frame.positions.insert(field.name, static_cast<std::uint32_t>(frame.fields.size()));
+    const auto [at, isNew] = frame.positions.insert(field.name, static_cast<std::uint32_t>(frame.members.size()));
     if (!isNew)
-        return mergeField(frame.fields[at], field, how);
+        return mergeField(frame.members[at], field, how);
     field.isConditional = field.isConditional || how == maybe;
-    frame.fields.push_back({field, {}, field.isConditional ? 0u : 1u});
+    frame.members.push_back({field, {}, field.isConditional ? 0u : 1u});
 }
 
 // Adds a further schema to a field. Schemas that apply under conditions are alternatives, and follow one that always
 // applies.
-void JsonContents::mergeField(MergedField& known, JsonField field, How how)
+void JsonContents::mergeField(MergedMember& known, JsonMember field, How how)
 {
     const bool isConditional = field.isConditional || how == maybe;
     bool isSame = known.schema == field.schema;
@@ -403,4 +395,57 @@ void JsonContents::mergeField(MergedField& known, JsonField field, How how)
     }
     if (!isSame)
         known.more.push_back({field.schema, how});
+}
+
+// Returns one schema that combines all. Each run of alternatives, and each run of schemas that apply together, becomes
+// one schema.
+JsonNode::Index JsonContents::mergedOf(Index schema, std::span<const Part> more)
+{
+    for (std::size_t i = 0; i < more.size();) {
+        const How how = more[i].how;
+        std::vector<Index> members;
+        std::unordered_set<Index> visited;
+        int rank = 0;
+        const auto add = [&](Index member) {
+            if (visited.insert(member).second)
+                members.push_back(member);
+        };
+        const auto addOrSplit = [&](Index member) {
+            member = baseOf(member);
+            const auto known = ranks.find(member);
+            const bool isAlike = known != ranks.end() && tree.keyOf(member) == kMadeKeys[how];
+            if (known != ranks.end())
+                rank = std::max(rank, known->second + (isAlike ? 0 : 1));
+            if (!isAlike)
+                return add(member);
+            // Its members are added instead of itself, so that merging again leads to the same schema.
+            for (const Index inner : tree.childrenOf(member))
+                add(tree.target(inner));
+        };
+        addOrSplit(schema);
+        for (; i < more.size() && more[i].how == how; ++i)
+            addOrSplit(more[i].node);
+        step(members.size());
+        if (rank > kMaxRank)
+            documents.note(SourceReport::kindsDiffer, members.front());
+        schema = rank > kMaxRank || members.size() == 1 ? members.front() : makeMerged(how, members, rank);
+    }
+    return schema;
+}
+
+JsonNode::Index JsonContents::makeMerged(How how, const std::vector<Index>& members, int rank)
+{
+    std::vector<Index> key = members;
+    // The order of members doesn't matter, except that the first one of a condition applies in any case.
+    std::ranges::sort(how == maybe ? std::span(key).subspan(1) : std::span(key));
+    const auto [known, isNew] = merges.try_emplace({how, std::move(key)}, 0);
+    if (!isNew)
+        return known->second;
+    if (made > kFreeMade + kMadePerValue * (tree.size() - made))
+        types.refuse(std::to_string(kFreeMade) + " combinations of schemas and " + std::to_string(kMadePerValue) +
+                     " more for each value of the source");
+    made += members.size() + 1;
+    known->second = tree.addList(kMadeKeys[how], members, tree[members.front()].place);
+    ranks.emplace(known->second, rank);
+    return known->second;
 }

@@ -8,19 +8,12 @@
 #include <span>
 #include <unordered_set>
 
-/// A property of a schema.
-struct JsonField
+/// A property of a record, or a constant of an enumeration.
+struct JsonMember
 {
     NameTable::Id name = 0;
-    JsonNode::Index schema = 0;
+    JsonNode::Index schema = 0; ///< of a constant, the one that lists it alone, and so describes it; 0 if there is none
     bool isConditional = false; ///< the schema applies under a condition or in some alternatives only
-};
-
-/// A constant of an enumeration. `schema` lists it alone, and so describes it; 0 if there is none.
-struct JsonConstant
-{
-    NameTable::Id value = 0;
-    JsonNode::Index schema = 0;
 };
 
 /// The values that a schema describes.
@@ -44,7 +37,7 @@ struct JsonContent
     bool isConditional = false; ///< applies under a condition or in some alternatives only
     JsonNode::Index owner = 0;  ///< the schema that the type belongs to
     JsonNode::Index items = 0;  ///< schema of an array's items or a map's values; 0 allows any
-    std::uint32_t first = 0;    ///< index of the first field or constant
+    std::uint32_t first = 0;    ///< index of the first member
     std::uint32_t count = 0;
 };
 
@@ -62,15 +55,10 @@ public:
     /// Returns the content of a schema. Throws SourceRefusal if a schema consists of itself.
     JsonContent of(Index schema);
 
-    /// Returns the fields of a record. Valid until the next call of of().
-    std::span<const JsonField> fieldsOf(const JsonContent& record) const
+    /// Returns the members of a record or an enumeration. Valid until the next call of of().
+    std::span<const JsonMember> membersOf(const JsonContent& content) const
     {
-        return std::span(fields).subspan(record.first, record.count);
-    }
-    /// Returns the constants of an enumeration. Valid until the next call of of().
-    std::span<const JsonConstant> constantsOf(const JsonContent& enumeration) const
-    {
-        return std::span(constants).subspan(enumeration.first, enumeration.count);
+        return std::span(members).subspan(content.first, content.count);
     }
 
     /// Reads the schemas that were dropped in favour of an equal one, so that their details count.
@@ -98,8 +86,8 @@ private:
         How how;
     };
 
-    // A field with further schemas of the same name.
-    struct MergedField : JsonField
+    // A member with further schemas of the same name.
+    struct MergedMember : JsonMember
     {
         std::vector<Part> more;
         std::size_t alternatives = 1; // that have it, of a choice
@@ -112,15 +100,14 @@ private:
         std::vector<Part> parts;
         std::size_t next = 0;
         JsonContent content;
-        bool isBorrowed = false; // fields and constants still belong to the only part that has any
+        bool isBorrowed = false; // the members still belong to the only part that has any
         bool isReference = false;
         std::size_t objects = 0; // alternatives that are objects
         bool allowsAny = false;  // in one of the alternatives
         Index mapping = 0;       // the mapping of its discriminator, or 0
         NameTable::Id discriminator = 0;
-        std::vector<MergedField> fields;
-        std::vector<JsonConstant> constants;
-        NumberTable positions;   // of the fields or constants by name
+        std::vector<MergedMember> members;
+        NumberTable positions;   // of the members by name
         std::vector<Part> items; // further schemas of the items, merged at the end because there may be many
     };
 
@@ -145,7 +132,6 @@ private:
     void readReference(Frame& frame, Index child);
     Index referenced(Index child);
     void appendTargets(Index holder, std::vector<Index>& targets) const;
-    static std::optional<SourceReport::Construct> detailOf(JsonWord key);
     void countOptional(Index schema, Index properties);
     std::vector<JsonWord> typesOf(Index type);
     void readOwn(Frame& frame, Own& own);
@@ -164,11 +150,10 @@ private:
     void take(Frame& frame, const JsonContent& added);
     void mergeItems(Frame& frame);
     void makeOwn(Frame& frame);
-    void addFields(Frame& frame, const JsonContent& record, How how);
+    void addMembers(Frame& frame, const JsonContent& content, How how);
     void addOwnFields(Frame& frame, Index properties);
-    void addField(Frame& frame, JsonField field, How how);
-    static void addConstants(Frame& frame, std::span<const JsonConstant> added);
-    void mergeField(MergedField& known, JsonField field, How how);
+    void addField(Frame& frame, JsonMember field, How how);
+    void mergeField(MergedMember& known, JsonMember field, How how);
     std::optional<std::pair<NameTable::Id, NameTable::Id>> leafOf(Index schema) const;
     Index mergedOf(Index schema, std::span<const Part> more);
     Index makeMerged(How how, const std::vector<Index>& members, int rank);
@@ -179,11 +164,10 @@ private:
     const SourceTypes& types;
     SourceReport& report;
     std::unordered_map<Index, std::optional<JsonContent>> contents; // nothing for schemas in progress
-    std::vector<JsonField> fields;
-    std::vector<JsonConstant> constants;
-    std::unordered_map<Index, int> ranks;                       // nesting of made schemas
-    std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
-    std::unordered_set<Index> dropped;                          // leaves dropped in favour of an equivalent one
+    std::vector<JsonMember> members;                                // of all records and enumerations
+    std::unordered_map<Index, int> ranks;                           // nesting of made schemas
+    std::map<std::pair<How, std::vector<Index>>, Index> merges;     // made schemas by their parts, in order
+    std::unordered_set<Index> dropped;                              // leaves dropped in favour of an equivalent one
     std::vector<Frame> frames;
     std::size_t steps = 0;
     std::size_t made = 0; // nodes of made schemas

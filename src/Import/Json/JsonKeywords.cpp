@@ -1,5 +1,6 @@
-// JsonContents: the meaning of each keyword by itself.
+// JsonContents: the meaning of each keyword by itself, and references.
 #include "Import/Json/JsonContents.h"
+#include "Import/Json/JsonKind.h"
 
 #include <algorithm>
 #include <array>
@@ -7,6 +8,8 @@
 #include <utility>
 
 namespace {
+
+constexpr int kLongestChain = 100; // of references; guards against cycles
 
 struct Keyword
 {
@@ -71,10 +74,10 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
     const Index node = tree.target(child);
     const bool isObject = tree.is(node, JsonNode::object);
     const JsonWord key = tree.keyOf(child);
-    if (const unsigned kinds = kKeywords[static_cast<std::size_t>(key)].kinds;
-        kinds != 0 && (kinds & 1u << tree[node].kind) == 0)
+    const auto [kinds, detail] = kKeywords[static_cast<std::size_t>(key)];
+    if (kinds != 0 && (kinds & 1u << tree[node].kind) == 0)
         return documents.note(SourceReport::invalidValue, child, tree.key(child));
-    if (const auto detail = detailOf(key))
+    if (detail)
         report.count(*detail);
     switch (key) {
     case JsonWord::ref:
@@ -179,12 +182,6 @@ void JsonContents::readReference(Frame& frame, Index child)
     frame.isReference = true;
 }
 
-// Returns the detail that a keyword is; nothing for other keywords.
-std::optional<SourceReport::Construct> JsonContents::detailOf(JsonWord key)
-{
-    return kKeywords[static_cast<std::size_t>(key)].detail;
-}
-
 void JsonContents::countOptional(Index schema, Index properties)
 {
     std::size_t all = 0, required = 0;
@@ -281,7 +278,7 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
 {
     JsonContent content;
     content.owner = frame.node;
-    content.first = static_cast<std::uint32_t>(constants.size());
+    content.first = static_cast<std::uint32_t>(members.size());
     // A schema that lists one value describes it, but a property's describes the field.
     const bool isOfValue = own.values.size() == 1 && tree.keyOf(tree[frame.node].parent) != JsonWord::properties;
     std::size_t numbers = 0, texts = 0, others = 0;
@@ -298,18 +295,88 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
         if (kind == JsonNode::object || kind == JsonNode::array) // no kind has such constants
             documents.note(SourceReport::invalidValue, value);
         else if (kind != JsonNode::null && visited.insert(tree[value].text).second)
-            constants.push_back({tree[value].text, isOfValue ? frame.node : 0});
+            members.push_back({tree[value].text, isOfValue ? frame.node : 0});
     }
     step(own.values.size());
     if (texts > 0 && numbers == 0 && others == 0) {
         content.kind = JsonContent::enumeration;
-        content.count = static_cast<std::uint32_t>(constants.size() - content.first);
+        content.count = static_cast<std::uint32_t>(members.size() - content.first);
         return content;
     }
-    constants.resize(content.first);
+    members.resize(content.first);
     if (numbers + others + texts > 0)
         content.kind = numbers > 0 && texts == 0 && others == 0 ? JsonContent::number : JsonContent::text;
     if ((numbers > 0) + (texts > 0) + (others > 0) > 1)
         documents.note(SourceReport::kindsDiffer, frame.node);
     return content;
+}
+
+// Returns the schema that a reference leads to; 0 and a loss if it leads to none, or to one in another language. The
+// members of "properties" are schemas, but "properties" itself is not, unless a document that is not a schema uses this
+// key for one.
+JsonNode::Index JsonContents::referenced(Index child)
+{
+    const Index target = documents.resolve(child, tree[tree.target(child)].text);
+    const std::string_view reference = tree.text(tree.target(child));
+    // AsyncAPI 3 has schemas beside their format.
+    if (const std::string_view format = tree.textOf(target, JsonWord::schemaFormat); !format.empty()) {
+        const Index schema = tree.find(target, JsonWord::schema);
+        if (schema != 0 && languageOf(lowerAscii(format)) == SchemaLanguage::jsonSchema)
+            return schema;
+        if (schema != 0) {
+            documents.note(SourceReport::typeUnknown, child, CString(reference) + " in " + CString(format));
+            return 0;
+        }
+    }
+    if (isAvroType(tree.textOf(target, JsonWord::type))) {
+        documents.note(SourceReport::typeUnknown, child, CString(reference) + " in Avro");
+        return 0;
+    }
+    if (tree[target].role != JsonNode::names || tree.find(target, JsonWord::type, JsonNode::string) != 0)
+        return target;
+    documents.note(SourceReport::unresolvedReference, child, reference);
+    return 0;
+}
+
+JsonNode::Index JsonContents::baseOf(Index schema)
+{
+    for (int i = 0; i < kLongestChain; ++i) {
+        schema = tree.target(schema);
+        const Index reference = tree.find(schema, JsonWord::ref, JsonNode::string);
+        if (reference == 0)
+            break;
+        bool isPlain = !tree[schema].isLarge;
+        if (!documents.ignoresSiblings(schema))
+            for (Index at = isPlain ? tree[schema].firstChild : 0; at != 0; at = tree[at].next)
+                isPlain = isPlain &&
+                          isOneOf(tree.keyOf(at),
+                                  {JsonWord::none, JsonWord::ref, JsonWord::title, JsonWord::description,
+                                   JsonWord::example, JsonWord::examples, JsonWord::defaultWord, JsonWord::nullable});
+        const Index target = isPlain ? referenced(reference) : 0;
+        if (target == 0)
+            break;
+        schema = target;
+    }
+    return schema;
+}
+
+// Returns the type and the format of a schema that is a leaf; nothing for other schemas.
+std::optional<std::pair<NameTable::Id, NameTable::Id>> JsonContents::leafOf(Index schema) const
+{
+    if (tree[schema].isLarge)
+        return std::nullopt;
+    NameTable::Id type = 0, format = 0;
+    for (const Index at : tree.childrenOf(schema)) {
+        const JsonWord key = tree.keyOf(at);
+        if (key == JsonWord::type && tree.is(at, JsonNode::string))
+            type = tree[at].text;
+        else if (key == JsonWord::format && tree.is(at, JsonNode::string))
+            format = tree[at].text;
+        else if (!isOneOf(key, {JsonWord::title, JsonWord::description, JsonWord::none}) &&
+                 !kKeywords[static_cast<std::size_t>(key)].detail)
+            return std::nullopt;
+    }
+    const bool isLeaf =
+        isOneOf(tree.wordOf(type), {JsonWord::string, JsonWord::number, JsonWord::integer, JsonWord::boolean});
+    return isLeaf ? std::optional(std::pair(type, format)) : std::nullopt;
 }

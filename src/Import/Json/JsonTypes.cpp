@@ -137,8 +137,8 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
         std::vector<std::string_view> described;
         // The description of a single constant is that of the whole.
         const bool isDescribed = content.count > 1;
-        for (const JsonConstant constant : contents.constantsOf(content)) {
-            constants.push_back(types.keep(tree.names[constant.value]));
+        for (const JsonMember constant : contents.membersOf(content)) {
+            constants.push_back(types.keep(tree.names[constant.name]));
             described.push_back(isDescribed ? describe(constant.schema) : "");
         }
         known = types.addEnumeration(called, constants, !nameOf(content.owner).empty(), describe(content.owner),
@@ -166,7 +166,7 @@ void JsonTypes::readFields(const Pending& record)
         for (std::uint32_t i = 0; i < record.content.count; ++i) {
             cancelPoint.pass();
             // Copied, because working out its schema moves the fields.
-            const JsonField field = contents.fieldsOf(record.content)[i];
+            const JsonMember field = contents.membersOf(record.content)[i];
             std::string_view& name = keptNames[field.name];
             if (name.empty())
                 name = toModelName(tree.names[field.name], field.schema);
