@@ -139,7 +139,7 @@ private:
             const Index reference = tree.find(node, JsonWord::ref, JsonNode::string);
             if (reference == 0)
                 return node;
-            node = documents.resolve(reference, tree[reference].text);
+            node = documents.resolve(reference);
         }
         documents.note(SourceReport::cutShort, node,
                        "more than " + std::to_string(kLongestChain) + " references in a row");
@@ -329,7 +329,7 @@ private:
             }
             if (reference == 0)
                 return documents.note(SourceReport::moduleUnreadable, schema, format);
-            node = documents.resolve(reference, tree[reference].text, true);
+            node = documents.resolve(reference, true);
         }
         if (node != 0)
             documents.note(SourceReport::cutShort, node,

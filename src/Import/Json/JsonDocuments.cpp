@@ -186,8 +186,9 @@ JsonNode::Index JsonDocuments::resourceOf(Index node) const
     return node;
 }
 
-JsonNode::Index JsonDocuments::resolve(Index holder, NameTable::Id reference, bool mayBeText)
+JsonNode::Index JsonDocuments::resolve(Index holder, bool mayBeText)
 {
+    const NameTable::Id reference = tree[tree.target(holder)].text;
     // Cached by resource, because the same reference leads elsewhere in another one.
     const std::uint64_t key = keyOf(resourceOf(holder), reference);
     const auto [known, isNew] = references.try_emplace(key);

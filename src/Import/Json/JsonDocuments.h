@@ -22,10 +22,10 @@ public:
     /// Reads a source and returns its root; 0 if the file was read before. Throws SourceRefusal if it can't be read.
     Index load(const CString& fileName);
 
-    /// Returns the node that `reference` leads to: by identifier or anchor, else by file and JSON pointer (RFC 6901).
-    /// `holder` is the node that contains the reference. Returns 0 and reports a loss if there is none. Only with
-    /// `mayBeText` it may be a string.
-    Index resolve(Index holder, NameTable::Id reference, bool mayBeText = false);
+    /// Returns the node that the text of `holder`, a reference, leads to: by identifier or anchor, else by file and
+    /// JSON pointer (RFC 6901). Returns 0 and reports a loss if there is none. Only with `mayBeText` it may be a
+    /// string.
+    Index resolve(Index holder, bool mayBeText = false);
 
     /// Returns whether a "$ref" replaces all other keywords of its schema, as up to draft 7.
     bool ignoresSiblings(Index node) const { return documents[tree[node].place.file].ignoresSiblings; }

@@ -316,7 +316,7 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
 // key for one.
 JsonNode::Index JsonContents::referenced(Index child)
 {
-    const Index target = documents.resolve(child, tree[tree.target(child)].text);
+    const Index target = documents.resolve(child);
     const std::string_view reference = tree.text(tree.target(child));
     // AsyncAPI 3 has schemas beside their format.
     if (const std::string_view format = tree.textOf(target, JsonWord::schemaFormat); !format.empty()) {

@@ -203,7 +203,7 @@ std::string_view JsonTypes::describe(Index schema)
             return known->second;
         }
         const Index reference = tree.find(schema, JsonWord::ref, JsonNode::string);
-        schema = reference == 0 ? 0 : documents.resolve(reference, tree[reference].text);
+        schema = reference == 0 ? 0 : documents.resolve(reference);
     }
     return {};
 }
