@@ -2,7 +2,7 @@
 #include "Import/Json/AvroTypes.h"
 #include "Import/Json/JsonKind.h"
 #include "Import/Json/JsonMessage.h"
-#include "Import/Json/JsonSources.h"
+#include "Import/Schema/Full/MessageSchemas.h"
 
 #include <algorithm>
 

@@ -3,7 +3,6 @@
 #include "Import/Full/Descriptions.h"
 #include "Import/Json/JsonKind.h"
 #include "Import/Json/JsonMessage.h"
-#include "Import/Json/JsonSources.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,8 @@
 #include "Import/Json/JsonMessage.h"
 
 #include "Import/Full/RootNames.h"
-#include "Import/Json/JsonSources.h"
+#include "Import/Json/JsonTypes.h"
+#include "Import/Schema/Full/MessageSchemas.h"
 
 #include <algorithm>
 

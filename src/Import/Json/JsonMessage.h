@@ -2,7 +2,25 @@
 
 #include "Import/Full/FullMessage.h"
 
-struct JsonSources;
+#include <span>
+
+class JsonDocuments;
+class JsonTypes;
+class MessageSchemas;
+
+/// The documents of one import, and what their types are added to. A reader adds the candidates for main types under
+/// the document's position, see JsonTypes::setSource().
+struct JsonSources
+{
+    std::span<std::uint32_t> roots; ///< of the documents; 0 if the same file was given before, or, set by the reader,
+                                    ///< if the document is only a part of others
+    JsonDocuments& documents;
+    JsonTypes& schemas;
+    MessageSchemas& xml; ///< for schemas in XML Schema
+    SourceTypes& types;
+    SourceReport& report;
+    bool areRequested; ///< the main types, which may be any types
+};
 
 /// The base of the importers of schemas in JSON or YAML. Reads one document or a set. A document that others of the set
 /// refer to gets no main type of its own.
