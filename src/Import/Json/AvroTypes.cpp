@@ -97,8 +97,8 @@ void AvroTypes::readProtocol(Index protocol)
         const CString name(tree.key(at));
         const Index request = tree.find(message, JsonWord::request, JsonNode::array);
         if (tree[request].firstChild != 0 && names.isWanted(request)) {
-            const SourceTypes::Type type = recordOf({{request, tree[space].text}}, false,
-                                                    names.toModelName(name + "Request", at), SourceTypes::kNone);
+            const SourceTypes::Type type =
+                recordOf({{request, tree[space].text}}, names.toModelName(name + "Request", at), SourceTypes::kNone);
             names.addCandidate({type, 0}, {}, tree[request].place);
         }
         const Index response = tree.find(message, JsonWord::response);
@@ -130,9 +130,8 @@ std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternati
         if (sorts > 1)
             documents.note(SourceReport::kindsDiffer, place);
         if (isObject) {
-            const bool isMap = sorted.records.empty();
-            shape.type = recordOf(isMap ? sorted.maps : sorted.records, isMap, name, home);
-            shape.depth += isMap ? 1 : 0;
+            shape.type = recordOf(sorted.records.empty() ? sorted.maps : sorted.records, name, home);
+            shape.depth += sorted.records.empty() ? 1 : 0;
             return shape;
         }
         if (sorts > 1)
@@ -178,7 +177,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
         } else if (tree.is(inner, JsonNode::object) || tree.is(inner, JsonNode::array)) {
             alternatives.push_back({inner, at.space});
         } else {
-            const std::string_view type = tree.text(tree.is(at.schema, JsonNode::string) ? at.schema : inner);
+            const std::string_view type = typeOf(at.schema);
             const auto found = named.find(fullNameOf(type, at.space));
             const auto global = found == named.end() ? named.find(tree.names.intern(type)) : found;
             if (!isAvroType(type) && global != named.end()) {
@@ -213,7 +212,7 @@ std::string_view AvroTypes::simpleNameOf(Index schema)
 }
 
 // Returns the record of these schemas: that of the only schema, else one with the fields of all.
-SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool isMap, std::string_view name,
+SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, std::string_view name,
                                       SourceTypes::Index home)
 {
     std::vector<Index> key;
@@ -224,20 +223,27 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, bool i
     if (!isNew)
         return known->second;
     const Index schema = schemas.front().schema;
-    const std::string_view own = schemas.size() == 1 && !isMap ? simpleNameOf(schema) : "";
+    const std::string_view own = schemas.size() == 1 && typeOf(schema) != "map" ? simpleNameOf(schema) : "";
     SourceTypes::Record row{own.empty() ? name : own, describe(schema), tree[schema].place};
     if (!own.empty())
         row.space = types.spaceOf(tree.names[schemas.front().space]);
     else if (row.home = home; home != SourceTypes::kNone)
         row.space = types.records[home].space;
     const SourceTypes::Index record = types.addRecord(row);
-    pending.push_back({schemas, record, isMap});
+    pending.push_back({schemas, record});
     return known->second = {SourceTypes::kindRecord, record};
 }
 
-// Returns the kind of a schema that is neither an object nor an array; nothing for bytes.
-std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema, std::string_view type) const
+// Returns the type that a schema is or has; empty if that is a schema, too.
+std::string_view AvroTypes::typeOf(Index schema) const
 {
+    return tree.text(tree.is(schema, JsonNode::string) ? schema : tree.find(schema, JsonWord::type));
+}
+
+// Returns the kind of a schema that is neither an object nor an array; nothing for bytes.
+std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema) const
+{
+    const std::string_view type = typeOf(schema);
     const std::string_view logical = tree.textOf(schema, JsonWord::logicalType);
     if (logical == "date" || logical.starts_with("time-") || logical.starts_with("timestamp-") ||
         logical.starts_with("local-timestamp-"))
@@ -252,11 +258,9 @@ std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema, std::string_vie
 // Returns whether Avro defines the type of a leaf.
 bool AvroTypes::isKnown(Index leaf) const
 {
-    const bool isObject = tree.is(leaf, JsonNode::object);
-    const Index said = isObject ? tree.find(leaf, JsonWord::type) : leaf;
-    const std::string_view type = tree.is(said, JsonNode::string) ? tree.text(said) : "";
+    const std::string_view type = typeOf(leaf);
     return isOneOf(type, {"int", "long", "float", "double", "bytes", "string", "boolean", "null"}) ||
-           (isObject && isAvroType(type));
+           (tree.is(leaf, JsonNode::object) && isAvroType(type));
 }
 
 std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& leaves, std::string_view name)
@@ -268,7 +272,7 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
         const Index said = isObject ? find(leaf.schema, JsonWord::type) : leaf.schema;
         if (said != 0 && !isKnown(leaf.schema))
             documents.note(SourceReport::unresolvedReference, said, tree.text(said));
-        if (const auto kind = kindOf(leaf.schema, tree.text(said)))
+        if (const auto kind = kindOf(leaf.schema))
             kinds.insert(*kind);
         else
             isBytes = true;
@@ -331,7 +335,7 @@ void AvroTypes::readFields(const Pending& record)
     std::vector<Known> known;
     std::unordered_map<std::string_view, std::size_t> byName;
     std::vector<SourceTypes::Field> fields;
-    if (record.isMap) {
+    if (typeOf(record.schemas.front().schema) == "map") {
         fields.push_back({"key"});
         known.push_back({"value", {}, {}});
         for (const Scoped& map : record.schemas)

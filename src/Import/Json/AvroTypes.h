@@ -53,7 +53,6 @@ private:
     {
         std::vector<Scoped> schemas;
         SourceTypes::Index record = 0;
-        bool isMap = false;
     };
 
     void declareAll(Scoped top);
@@ -68,11 +67,11 @@ private:
     bool isKnown(Index leaf) const;
     void spendStep();
     std::string_view simpleNameOf(Index schema);
-    SourceTypes::Type recordOf(const std::vector<Scoped>& schemas, bool isMap, std::string_view name,
-                               SourceTypes::Index home);
+    std::string_view typeOf(Index schema) const;
+    SourceTypes::Type recordOf(const std::vector<Scoped>& schemas, std::string_view name, SourceTypes::Index home);
     std::optional<SourceTypes::Type> leafOf(const std::vector<Scoped>& leaves, std::string_view name);
     SourceTypes::Type enumerationOf(const std::vector<Scoped>& leaves, std::string_view name);
-    std::optional<SourceTypes::Kind> kindOf(Index schema, std::string_view type) const;
+    std::optional<SourceTypes::Kind> kindOf(Index schema) const;
     void readFields(const Pending& pending);
     std::string_view describe(Index schema);
 
