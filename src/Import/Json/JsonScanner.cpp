@@ -163,7 +163,11 @@ JsonScanner::Token JsonScanner::scanValue()
     kept = at;
     Token kind = number;
     if (c == 't' || c == 'f' || c == 'n') {
-        scanWord(c == 't' ? "true" : c == 'f' ? "false" : "null");
+        for (const char expected : std::string_view(c == 't' ? "true" : c == 'f' ? "false" : "null")) {
+            if (peek() != expected)
+                fail("a value is expected");
+            ++at;
+        }
         kind = c == 'n' ? null : boolean;
     } else {
         scanNumber();
@@ -321,13 +325,4 @@ void JsonScanner::scanDigits()
         fail("a digit is expected");
     while (isDigit(peek()))
         ++at;
-}
-
-void JsonScanner::scanWord(std::string_view word)
-{
-    for (const char c : word) {
-        if (peek() != c)
-            fail("a value is expected");
-        ++at;
-    }
 }

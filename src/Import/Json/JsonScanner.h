@@ -85,7 +85,6 @@ private:
     std::uint32_t scanHex();
     void scanNumber();
     void scanDigits();
-    void scanWord(std::string_view word);
     void skipSpace();
     void skipComment();
     void beginLine() // after the line feed at the cursor
