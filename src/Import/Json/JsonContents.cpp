@@ -246,8 +246,6 @@ void JsonContents::addMembers(Frame& frame, const JsonContent& content, How how)
 void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Index part)
 {
     const Kind kind = frame.content.kind;
-    if (kind == JsonContent::none)
-        return take(frame, added);
     const bool addsNothing = added.kind == JsonContent::record && added.count == 0;
     if (isObject(kind) && addsNothing)
         return;

@@ -155,10 +155,9 @@ void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
     const std::string_view identifier = tree.text(node);
     const JsonWord key = tree.keyOf(node);
     Index known = schema; // the schema that already has this identifier
-    if (key == JsonWord::anchor || key == JsonWord::dynamicAnchor) {
-        known = anchors.try_emplace(keyOf(resourceOf(schema), tree[node].text), schema).first->second;
-    } else if (identifier.starts_with('#')) {
-        const NameTable::Id anchor = tree.names.intern(CString(identifier.substr(1)));
+    const bool isAnchor = isOneOf(key, {JsonWord::anchor, JsonWord::dynamicAnchor});
+    if (isAnchor || identifier.starts_with('#')) {
+        const NameTable::Id anchor = tree.names.intern(identifier.substr(isAnchor ? 0 : 1));
         known = anchors.try_emplace(keyOf(resourceOf(schema), anchor), schema).first->second;
     } else if (!identifier.empty() && (!isDraft4 || key == JsonWord::id)) {
         const Index around = resourceOf(tree[schema].parent == 0 ? schema : tree[schema].parent);

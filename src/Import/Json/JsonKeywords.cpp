@@ -236,7 +236,7 @@ void JsonContents::readOwn(Frame& frame, Own& own)
         if (type != JsonWord::nullWord)
             joinEither(frame, contentOfType(type, frame, own), frame.node);
     if (before.kind != JsonContent::none)
-        joinBoth(frame, before, both, frame.node);
+        join(frame, before, both, frame.node);
 }
 
 JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
@@ -281,32 +281,31 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
     content.first = static_cast<std::uint32_t>(members.size());
     // A schema that lists one value describes it, but a property's describes the field.
     const bool isOfValue = own.values.size() == 1 && tree.keyOf(tree[frame.node].parent) != JsonWord::properties;
-    std::size_t numbers = 0, texts = 0, others = 0;
+    constexpr unsigned texts = 1, numbers = 2, others = 4;
+    unsigned sorts = 0; // a set of these
     std::unordered_set<NameTable::Id> visited;
     for (const Index value : own.values) {
         const JsonNode::Kind kind = tree[value].kind;
+        if (kind == JsonNode::null)
+            continue;
         const bool isScalar = kind == JsonNode::number || kind == JsonNode::boolean;
-        if (kind == JsonNode::string || (isText && isScalar))
-            ++texts;
-        else if (kind == JsonNode::number)
-            ++numbers;
-        else if (kind != JsonNode::null)
-            ++others;
+        const bool isConstant = kind == JsonNode::string || (isText && isScalar);
+        sorts |= isConstant ? texts : kind == JsonNode::number ? numbers : others;
         if (kind == JsonNode::object || kind == JsonNode::array) // no kind has such constants
             documents.note(SourceReport::invalidValue, value);
-        else if (kind != JsonNode::null && visited.insert(tree[value].text).second)
+        else if (visited.insert(tree[value].text).second)
             members.push_back({tree[value].text, isOfValue ? frame.node : 0});
     }
     step(own.values.size());
-    if (texts > 0 && numbers == 0 && others == 0) {
+    if (sorts == texts) {
         content.kind = JsonContent::enumeration;
         content.count = static_cast<std::uint32_t>(members.size() - content.first);
         return content;
     }
     members.resize(content.first);
-    if (numbers + others + texts > 0)
-        content.kind = numbers > 0 && texts == 0 && others == 0 ? JsonContent::number : JsonContent::text;
-    if ((numbers > 0) + (texts > 0) + (others > 0) > 1)
+    if (sorts != 0)
+        content.kind = sorts == numbers ? JsonContent::number : JsonContent::text;
+    if ((sorts & (sorts - 1)) != 0) // several
         documents.note(SourceReport::kindsDiffer, frame.node);
     return content;
 }
