@@ -64,16 +64,17 @@ std::string_view wordForJson(std::string_view text)
         bool isList = false;
         for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
             const std::size_t top = isList ? 2 : 1;
+            const bool isEnd = token == JsonScanner::objectEnd || token == JsonScanner::arrayEnd;
+            const bool isValue = !isEnd && token != JsonScanner::key;
             if (token == JsonScanner::key && depth == top)
                 key = scanner.text();
-            else if (depth == top && !key.empty() && token != JsonScanner::objectEnd && token != JsonScanner::arrayEnd)
+            else if (isValue && depth == top && !key.empty())
                 marks.add(key, token == JsonScanner::string ? scanner.text() : std::string_view(), token);
-            else if (depth == top + 1 && key == "properties" && token <= JsonScanner::null &&
-                     token != JsonScanner::key && token != JsonScanner::objectEnd && token != JsonScanner::arrayEnd)
+            else if (isValue && depth == top + 1 && key == "properties")
                 marks.addProperty(token);
             isList |= depth == 0 && token == JsonScanner::arrayBegin;
             depth += token == JsonScanner::objectBegin || token == JsonScanner::arrayBegin ? 1 : 0;
-            depth -= token == JsonScanner::objectEnd || token == JsonScanner::arrayEnd ? 1 : 0;
+            depth -= isEnd ? 1 : 0;
         }
     } catch (const JsonFault&) {
     }
