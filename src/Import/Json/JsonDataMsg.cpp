@@ -241,8 +241,7 @@ private:
         if (guess != 0 && names[shapes[guess].key] == key)
             return guess;
         const NameTable::Id id = names.intern(key);
-        const std::uint64_t place = static_cast<std::uint64_t>(object) << 32 | id;
-        const auto [member, isNew] = members.insert(place, static_cast<Index>(shapes.size()));
+        const auto [member, isNew] = members.insert(joined(object, id), static_cast<Index>(shapes.size()));
         if (isNew) {
             add(object, id);
             Shape& holder = shapes[object];

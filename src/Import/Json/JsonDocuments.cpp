@@ -16,11 +16,6 @@ constexpr std::size_t kStart = 1'000;        // of a file, which tells whether i
 constexpr std::size_t kMaxPointers = 10'000; // that the report shows; building one walks up the tree
 constexpr std::size_t kMaxDigits = 4;        // in the array index of a pointer; bounds the walk
 
-std::uint64_t keyOf(Index resource, NameTable::Id text)
-{
-    return static_cast<std::uint64_t>(resource) << 32 | text;
-}
-
 // Returns the length of a URI's scheme with its colon; 0 if there is none. A single letter is a drive, not a scheme.
 std::size_t schemeLength(std::string_view uri)
 {
@@ -158,7 +153,7 @@ void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
     const bool isAnchor = isOneOf(key, {JsonWord::anchor, JsonWord::dynamicAnchor});
     if (isAnchor || identifier.starts_with('#')) {
         const NameTable::Id anchor = tree.names.intern(identifier.substr(isAnchor ? 0 : 1));
-        known = anchors.try_emplace(keyOf(resourceOf(schema), anchor), schema).first->second;
+        known = anchors.try_emplace(joined(resourceOf(schema), anchor), schema).first->second;
     } else if (!identifier.empty() && (!isDraft4 || key == JsonWord::id)) {
         const Index around = resourceOf(tree[schema].parent == 0 ? schema : tree[schema].parent);
         const std::string_view name = identifier.substr(0, identifier.find('#'));
@@ -189,7 +184,7 @@ JsonNode::Index JsonDocuments::resolve(Index holder, bool mayBeText)
 {
     const NameTable::Id reference = tree[tree.target(holder)].text;
     // Cached by resource, because the same reference leads elsewhere in another one.
-    const std::uint64_t key = keyOf(resourceOf(holder), reference);
+    const std::uint64_t key = joined(resourceOf(holder), reference);
     const auto [known, isNew] = references.try_emplace(key);
     if (isNew)
         known->second = lookUp(holder, tree.names[reference]);
@@ -268,7 +263,7 @@ JsonNode::Index JsonDocuments::followFragment(Index resource, std::string_view f
     if (fragment.starts_with('/'))
         return followPointer(resource, withoutEscapes(fragment));
     const auto name = tree.names.find(withoutEscapes(fragment));
-    const auto found = name ? anchors.find(keyOf(resource, *name)) : anchors.end();
+    const auto found = name ? anchors.find(joined(resource, *name)) : anchors.end();
     return found == anchors.end() ? 0 : found->second;
 }
 

@@ -17,11 +17,6 @@ constexpr std::string_view kWords[] = {
 #undef WORD
 };
 
-std::uint64_t memberKey(Index object, NameTable::Id key)
-{
-    return static_cast<std::uint64_t>(object) << 32 | key;
-}
-
 } // namespace
 
 JsonTree::JsonTree() : nodes(1)
@@ -36,7 +31,7 @@ JsonNode::Index JsonTree::find(Index object, NameTable::Id key) const
     if (nodes[object].kind != JsonNode::object)
         return 0;
     if (nodes[object].isLarge) {
-        const Index* const found = members.find(memberKey(object, key));
+        const Index* const found = members.find(joined(object, key));
         return found ? target(*found) : 0;
     }
     Index at = nodes[object].firstChild;
@@ -79,7 +74,7 @@ void JsonTree::index(Index object)
 {
     nodes[object].isLarge = true;
     for (const Index at : childrenOf(object))
-        members.insert(memberKey(object, nodes[at].key), at);
+        members.insert(joined(object, nodes[at].key), at);
 }
 
 CString JsonTree::pointerTo(Index node) const

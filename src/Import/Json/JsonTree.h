@@ -55,6 +55,12 @@ constexpr bool isOneOf(JsonWord word, std::initializer_list<JsonWord> words)
     return std::ranges::find(words, word) != words.end();
 }
 
+/// Returns two numbers as one, a key of hash tables.
+constexpr std::uint64_t joined(std::uint32_t first, std::uint32_t second)
+{
+    return static_cast<std::uint64_t>(first) << 32 | second;
+}
+
 /// A value of a document. Values are identified by their index; 0 is none.
 struct JsonNode
 {

@@ -131,7 +131,7 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
     const std::string_view called = nameOf(content.owner, name);
     std::vector<std::string_view> constants;
     // A list that schemas share is one enumeration for each name it is used with.
-    const std::uint64_t key = static_cast<std::uint64_t>(content.first) << 32 | tree.names.intern(called);
+    const std::uint64_t key = joined(content.first, tree.names.intern(called));
     const auto [known, isNew] = enumerations.insert(key, SourceTypes::kNone);
     if (isNew) {
         std::vector<std::string_view> described;
@@ -294,7 +294,7 @@ void JsonTypes::addCandidate(Shape shape, std::string_view name, SourcePlace pla
 {
     const bool isRecord = shape.type.kind == SourceTypes::kindRecord && shape.depth == 0;
     // Several operations may share a body.
-    if (isRecord && !candidates.insert(static_cast<std::uint64_t>(source) << 32 | shape.type.index).second)
+    if (isRecord && !candidates.insert(joined(source, shape.type.index)).second)
         return;
     const std::string_view called = isRecord ? types.records[shape.type.index].name : name;
     const SourceTypes::Index space = isRecord      ? types.records[shape.type.index].space
