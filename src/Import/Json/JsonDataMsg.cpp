@@ -142,8 +142,7 @@ public:
     // Adds the shapes as types. The shape of whole messages becomes the candidate for the main type, under `name`.
     void declare(std::string_view name)
     {
-        std::uint16_t depth = 0;
-        const SourceTypes::Type type = typeOf(0, depth, name, SourceTypes::kNone);
+        const auto [type, depth] = typeOf(0, name, SourceTypes::kNone);
         if (shapes[0].kinds != 0)
             types.addCandidate({.name = name, .type = type, .place = shapes[0].place, .repeats = depth});
         std::vector<SourceTypes::Field> fields;
@@ -153,11 +152,10 @@ public:
             for (Index at = shapes[object].first; at != 0; at = shapes[at].next) {
                 const std::string_view called =
                     JsonTypes::toModelName(names[shapes[at].key], shapes[at].place, types, report);
-                std::uint16_t tables = 0;
                 const Index shape = shapes[at].target == 0 ? at : shapes[at].target;
                 if (shape != at && shapes[at].kinds != 0)
                     report.add(SourceReport::kindsDiffer, shapes[at].place, called);
-                const SourceTypes::Type field = typeOf(shape, tables, called, records[object]);
+                const auto [field, tables] = typeOf(shape, called, records[object]);
                 fields.push_back({called, {}, field, SourceTypes::roleElement, tables});
             }
             types.setFields(records[object], fields);
@@ -253,13 +251,13 @@ private:
         return member;
     }
 
-    SourceTypes::Type typeOf(Index at, std::uint16_t& depth, std::string_view name, SourceTypes::Index home)
+    JsonTypes::Shape typeOf(Index at, std::string_view name, SourceTypes::Index home)
     {
         constexpr std::uint16_t deepest = 100;
         const Shape unknown; // of the items of arrays that were empty in all documents
         const Shape* shape = &shapes[at];
         const Shape* mixed = nullptr; // an array, or a single value
-        std::uint16_t mixedDepth = 0;
+        std::uint16_t depth = 0, mixedDepth = 0;
         for (; (shape->kinds & (isArray | isObject)) == isArray && depth < deepest; ++depth) {
             if (!mixed && shape->kinds != isArray) {
                 mixed = shape;
@@ -279,16 +277,17 @@ private:
         if (!isRecord && (mixed || depth == deepest))
             depth = mixedDepth;
         if (!isRecord)
-            return {kinds == isNumber && !mixed ? SourceTypes::kindNumber
-                    : kinds == isTime && !mixed ? SourceTypes::kindTime
-                                                : SourceTypes::kindText};
+            return {{kinds == isNumber && !mixed ? SourceTypes::kindNumber
+                     : kinds == isTime && !mixed ? SourceTypes::kindTime
+                                                 : SourceTypes::kindText},
+                    depth};
         const auto object = static_cast<Index>(shape - shapes.data());
         const auto [known, isNew] = records.try_emplace(object);
         if (isNew) {
             known->second = types.addRecord({name, {}, shape->place, home});
             pending.push_back(object);
         }
-        return {SourceTypes::kindRecord, known->second};
+        return {{SourceTypes::kindRecord, known->second}, depth};
     }
 
     SourceTypes& types;
