@@ -109,6 +109,7 @@ struct Row
     const char* name;
     CString a, b; // the declarations of two namespaces
     const char* types;
+    std::vector<CString> roots = {};
 };
 
 #define TYPE(name, fields) "<complexType name='" name "'><sequence>" fields "</sequence></complexType>"
@@ -134,6 +135,11 @@ const Row kRows[] = {
     {"Tables", TYPE("T", "<element name='i' type='int' maxOccurs='2'/>"),
      TYPE("U", "<element name='i' type='int' maxOccurs='2'/><element name='j' type='int' maxOccurs='2'/>"),
      R"(\b\t_j \common\t_i \a\T \b\U)"},
+    {"TablesWithoutTheTypesOfOthers",
+     TYPE("T", "<element name='i' type='int' maxOccurs='2'/>"),
+     TYPE("U", "<element name='i' type='int' maxOccurs='2'/>"),
+     R"(\common\t_i \a\T)",
+     {"T"}},
     {"TwiceInOneNamespace",
      TYPE("T", "<element name='i'><complexType><sequence>" FIELD("x", "int") "</sequence></complexType></element>")
          TYPE("U", "<element name='i'><complexType><sequence>" FIELD("x", "int") "</sequence></complexType></element>"),
@@ -152,6 +158,7 @@ TEST_F(MergedTypes, LieInOneFolder)
         };
         message.setFurtherFiles({folder.write("b", schema("b", row.b))});
         message.setMergesEqual(true);
+        message.setRoots(row.roots);
         EXPECT_EQ(message.parseFile(folder.write("a", schema("a", row.a)), "\\"), 1) << row.name;
         CString names;
         message.beginEnum();

@@ -67,7 +67,7 @@ void SourceNames::name(const std::vector<Index>& order, std::span<const Index> f
             if (isWanted[record] && isOwn[types.records[record].place.file] == isOwnTurn)
                 nameRecord(record);
     if (types.common != SourceTypes::kNone)
-        findSharedTables(order);
+        findSharedTables();
     CancelPoint cancelPoint(1024);
     FieldNames fieldNames;
     for (const Index record : order) {
@@ -77,10 +77,12 @@ void SourceNames::name(const std::vector<Index>& order, std::span<const Index> f
     }
 }
 
-void SourceNames::findSharedTables(const std::vector<Index>& order)
+// Regards records that are not imported as well, as the merge of equal types did, so that a table is in the same folder
+// whatever the main types are.
+void SourceNames::findSharedTables()
 {
     std::unordered_map<TableKey, Index, TableHash> firstSpaces;
-    for (const Index record : order)
+    for (Index record = 0; record < types.records.size(); ++record)
         for (const Field& field : std::as_const(types).fieldsOf(record)) {
             const TableKey key{field.name, field.type, 0};
             const Index space = types.records[record].space;

@@ -45,7 +45,7 @@ private:
         }
     };
 
-    void findSharedTables(const std::vector<Index>& order);
+    void findSharedTables();
     void nameRecord(Index record);
     void nameFields(Index record, FieldNames& names);
     void nameType(Field& field, Index record);
