@@ -48,7 +48,7 @@ public:
     using Advice = std::function<CString(const CString& file)>;
 
     /// Receives the errors and warnings of an importer from now on. This object must outlive its imports. `advice` is
-    /// asked for after an error at no place, or at the first character, because the file may be of another kind.
+    /// called after an error without a place, or at the first character, because the file may be of another kind.
     void receiveFrom(MsgBase& importer, const Advice& advice = {});
 
     /// Reports one fault; a repeated warning is skipped. Without Verbosity::verbose at most 20 warnings are shown;

@@ -85,8 +85,8 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
     return output.finish() ? kDone : kNotWritten;
 }
 
-// Returns what a source looks like if it isn't one of this importer, as the end of an error; empty if that is unknown.
-// Most imports without types have a wrong file or importer.
+// Returns the kind of a source that isn't one of this importer, as the end of an error; empty if it is unknown. Most
+// imports without types have a wrong file or importer.
 CString otherKindOf(const CString& file, const MsgUIDescriptor& importer)
 {
     if (importer.querySource().readsTables)

@@ -180,7 +180,7 @@ TEST_F(ImportCommand, AnswersExactly)
           "\\sys\\xml\\M\\M\tM (Automatically created)\n\\sys\\xml\\M\\M\tM (Automatically created)\n"
           "\\sys\\xml\\M\\M\tM (Automatically created)\n\\sys\\xml\\n\\M\tM (Automatically created)\n",
           "w/w.xml: note: read as a source for wsdl\n"}},
-        // An error at no place, or at the start, tells what a source of another importer looks like.
+        // An error without a place, or at the start, names the importer that the source looks like.
         {"$import wsdl i.xsd", {1, "", "i.xsd: error: it is not a WSDL; it looks like a source for xsd\n"}},
         {"$import xsd w/w.xml; $import json w/w.xml; $import dtd --full w/w.xml --root M",
          {1, "",

@@ -20,7 +20,7 @@
 // Real database servers for tests. Each has a temporary folder and its own loopback port, and ends with the object or
 // the test's process, whichever ends first.
 
-/// A port of 127.0.0.1 that the system gives to nobody else. A server may listen on it, because it shares addresses.
+/// A port of 127.0.0.1 that the system assigns to no other socket. A server can still listen on it (SO_REUSEADDR).
 class ReservedPort
 {
     const int holder = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -37,7 +37,7 @@ private:
         socklen_t length = sizeof address;
         constexpr int on = 1;
         bind(holder, reinterpret_cast<sockaddr*>(&address), length);
-        setsockopt(holder, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on); // for the server's bind; it does the same
+        setsockopt(holder, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on); // lets the server bind, which sets it too
         getsockname(holder, reinterpret_cast<sockaddr*>(&address), &length);
         return ntohs(address.sin_port);
     }

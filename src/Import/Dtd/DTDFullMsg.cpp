@@ -87,7 +87,7 @@ DTDEntities::Text& DTDFullMessage::begin(DTDEntities& entities, SourceTypes& typ
 {
     DTDEntities::Text& main = entities.addFile({file, identify(file).value_or(FileId())}, file, text);
     main.isOpen = true;
-    for (const auto& [name, value] : given) // whose text has no place in the file
+    for (const auto& [name, value] : given) // their text has no place in the file
         entities.declare(name, types.adopt(CString(value)), {main.start.file, 0, 0});
     return main;
 }

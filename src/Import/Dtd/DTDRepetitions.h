@@ -42,7 +42,7 @@ private:
     Declaration read(std::size_t start);
 
     std::string_view text;
-    std::deque<Field> fields; // many, and a vector copies them while it grows
+    std::deque<Field> fields; // not a vector, which copies its many elements while it grows
     ContentModel content;
     std::map<std::size_t, Declaration> declarations; // by start
 };

@@ -248,8 +248,8 @@ void WsdlReader::finish()
 
 // Turns messages into root elements. A message whose parts are elements becomes these elements. If a part has a type, a
 // new element is made that holds the parts as a sequence. It is in no symbol table, so the schemas may declare an
-// element of the same name. The faults of an interface are declared before its operations as a rule, but the first root
-// names the folder, so they come last.
+// element of the same name. The faults of an interface, which usually precede its operations, come last, because the
+// first root names the folder.
 void WsdlReader::makeMessages()
 {
     SchemaDocument made;
