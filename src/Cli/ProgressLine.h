@@ -4,8 +4,8 @@
 
 #include <chrono>
 
-/// While an object of this class lives, long work shows its progress on standard error: one line that is overwritten,
-/// and erased at the end. Nothing is shown if standard error is not a terminal.
+/// Shows the progress of long work on standard error as long as the object lives: one line that is overwritten, and
+/// erased at the end. Nothing is shown if standard error is not a terminal.
 class ProgressLine
 {
 public:

@@ -38,7 +38,7 @@ public:
     /// the selection of shown rows.
     void setFilter(const QString& text);
 
-    /// If `only`, shows only the rows that are selected now and pass the filter; else shows the others again.
+    /// With `only`, shows only the rows that are selected now and pass the filter; else shows the others again.
     void setSelectedOnly(bool only);
 
     /// Return the number of all rows, and of shown rows.

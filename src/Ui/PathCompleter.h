@@ -10,7 +10,7 @@ class QStringListModel;
 class PathCompleter : public QCompleter
 {
 public:
-    /// Is owned by the field, whose completer it must become.
+    /// `field` owns the completer and must be set to use it.
     explicit PathCompleter(QLineEdit& field);
 
 private:

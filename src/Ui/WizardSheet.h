@@ -27,7 +27,7 @@ using HBITMAP = int;             ///< the resource number of a picture
 using HPALETTE = std::nullptr_t; ///< unused: a picture brings its own colours
 
 /// A dialog of pages with the buttons Back, Next, Finish, Cancel and Help ("back", "next", "finish", "cancel", "help").
-/// Each page returns which page follows on Next and on Back. Does not own the pages.
+/// Each page returns the page that follows on Next and on Back. Does not own the pages.
 class WizardSheet : public QDialog
 {
     Q_OBJECT

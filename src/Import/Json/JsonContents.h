@@ -55,7 +55,7 @@ public:
     /// Returns the content of a schema. Throws SourceRefusal if a schema consists of itself.
     JsonContent of(Index schema);
 
-    /// Returns the members of a record or an enumeration. Valid until the next call of of().
+    /// Returns the members of a record or an enumeration. Valid until of() is called again.
     std::span<const JsonMember> membersOf(const JsonContent& content) const
     {
         return std::span(members).subspan(content.first, content.count);

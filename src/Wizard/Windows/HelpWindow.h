@@ -8,7 +8,7 @@ class QTextBrowser;
 class HelpWindow : public QWidget
 {
 public:
-    /// Is destroyed with its owner. A modal owner doesn't block it.
+    /// The window is destroyed with its owner. A modal owner doesn't block it.
     explicit HelpWindow(QWidget* owner);
 
     /// Shows the page of a topic, 1 to 11; any other number shows the contents.
