@@ -26,6 +26,8 @@ public:
         std::string_view text;
 
         bool isMark(char c) const { return kind == tokenMark && mark == c; }
+
+        /// Returns true also if the declaration's '>' is missing.
         bool isEnd() const { return kind <= tokenMissing; }
     };
 

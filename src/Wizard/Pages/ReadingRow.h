@@ -29,6 +29,7 @@ Q_SIGNALS:
     /// Emitted when the user chooses a main element; empty means the source's own choice.
     void mainElementChosen(const CString& name);
 
+    /// Emitted when the user asks for the details, or for the full reading.
     void detailsWanted();
     void fullWanted();
 

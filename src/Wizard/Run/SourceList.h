@@ -19,4 +19,5 @@ CString textOfSources(const std::vector<CString>& names);
 /// Returns whether an importer, or the full reading of its kind of source, reads several files as one source.
 bool readsSeveral(const MsgUIDescriptor& importer);
 
+/// Returns whether a name is that of a folder.
 bool isFolder(const CString& name);

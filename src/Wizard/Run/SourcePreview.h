@@ -32,6 +32,7 @@ public:
         std::size_t losses = 0;
         QString failure; ///< the first error; empty if there is none
 
+        /// Returns whether the import failed without types.
         bool fails() const { return types == 0 && !failure.isEmpty(); }
     };
 

@@ -27,6 +27,7 @@ public:
     /// Returns the area of the whole picture, with a margin.
     const QRectF& queryArea() const { return area; }
 
+    /// Return the numbers and areas of boxes and arrows, and the type that a box shows, by its number.
     std::size_t boxCount() const { return boxes.size(); }
     std::size_t arrowCount() const { return arrows.size(); }
     const QRectF& areaOf(std::size_t box) const { return boxes[box].area; }

@@ -22,14 +22,15 @@ public:
     /// own size at the first box. Shows nothing if the diagram is empty.
     void showDiagram(std::shared_ptr<const Diagram> diagram);
 
+    /// Scales the picture by a factor, within limits.
     void zoom(double factor);
 
-    /// Shows the whole picture, at most in its own size.
+    /// Show the whole picture, at most at its own size, or the picture at its own size.
     void showAll();
-
     void showOwnSize();
 
 Q_SIGNALS:
+    /// Emitted when the user chooses a box, or enters it.
     void boxChosen(std::size_t box);
     void boxEntered(std::size_t box);
 

@@ -51,6 +51,8 @@ public:
     }
 
     SourcePlace queryPlace() const { return place; }
+
+    /// Return whether the declaration is read through `ref`, and whether it is in a repeated group.
     bool isReference() const { return isReferring; }
     bool isInRepeated() const { return isOfRepeated; }
 
