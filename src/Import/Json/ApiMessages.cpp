@@ -245,8 +245,8 @@ private:
         readSchema(headersOf(message), {}, CString(name) + "Headers", false);
     }
 
-    // Returns the headers of a message with those of its traits, which come first, so that the message's own hold; 0 if
-    // there are none.
+    // Returns the headers of a message with those of its traits, which come first, so that the message's own take
+    // precedence; 0 if there are none.
     Index headersOf(Index message)
     {
         std::vector<Index> found;

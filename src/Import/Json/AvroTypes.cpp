@@ -234,7 +234,7 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, std::s
     return known->second = {SourceTypes::kindRecord, record};
 }
 
-// Returns the type that a schema is or has; empty if that is a schema, too.
+// Returns the name of a schema's type: the schema itself, or its "type". Empty if that is not a name.
 std::string_view AvroTypes::typeOf(Index schema) const
 {
     return tree.text(tree.is(schema, JsonNode::string) ? schema : tree.find(schema, JsonWord::type));

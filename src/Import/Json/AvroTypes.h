@@ -82,8 +82,8 @@ private:
     SourceReport& report;
     std::unordered_map<NameTable::Id, Scoped> named; // by full name
     std::vector<Scoped> order;                       // named types in order of declaration, until they are read
-    std::unordered_map<Index, Scoped> declared; // by schema: itself, or an earlier equal one, with its own namespace,
-                                                // if it is a named type; else nothing
+    // By schema: a named type itself or an earlier equal one, with its own namespace; nothing for any other schema.
+    std::unordered_map<Index, Scoped> declared;
     std::map<std::vector<Index>, SourceTypes::Type> records; // by the sorted schemas that they come from
     std::vector<Pending> pending;
     std::size_t steps = 0;

@@ -282,7 +282,7 @@ JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isT
     // A schema that lists one value describes it, but a property's describes the field.
     const bool isOfValue = own.values.size() == 1 && tree.keyOf(tree[frame.node].parent) != JsonWord::properties;
     constexpr unsigned texts = 1, numbers = 2, others = 4;
-    unsigned sorts = 0; // a set of these
+    unsigned sorts = 0; // a set of these bits
     std::unordered_set<NameTable::Id> visited;
     for (const Index value : own.values) {
         const JsonNode::Kind kind = tree[value].kind;

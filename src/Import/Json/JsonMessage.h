@@ -19,7 +19,7 @@ struct JsonSources
     MessageSchemas& xml; ///< for schemas in XML Schema
     SourceTypes& types;
     SourceReport& report;
-    bool areRequested; ///< the main types, which may be any types
+    bool areRequested; ///< the caller has requested main types, which may be any types
 };
 
 /// The base of the importers of schemas in JSON or YAML. Reads one document or a set. A document that others of the set
