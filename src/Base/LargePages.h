@@ -11,6 +11,10 @@ inline constexpr std::size_t kLargeMemory = 1 << 22;
 /// tables.
 void* allocateLarge(std::size_t bytes);
 
+/// Makes the heap ask for large pages for its first 30 MB, and keep what is freed. A program that allocates much once
+/// and then ends calls it first. Pages that are never used cost nothing.
+void useLargePagesInHeap();
+
 /// The allocator of tables that may be large.
 template <class T>
 struct LargePages

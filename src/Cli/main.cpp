@@ -1,3 +1,4 @@
+#include "Base/LargePages.h"
 #include "Base/QELApp.h"
 #include "Cli/Diagnostics.h"
 #include "Cli/Import.h"
@@ -35,6 +36,7 @@ const Arguments* running = nullptr; // those of main(), for the terminate handle
 
 int main(int argc, char** argv)
 {
+    useLargePagesInHeap();
     turnFileFaultsIntoErrors();
     static Arguments arguments; // static, because the terminate handler may run after main()
     running = &arguments;
