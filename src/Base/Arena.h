@@ -4,9 +4,7 @@
 #include <memory_resource>
 #include <string_view>
 
-/// Memory that only grows and is freed all at once, in growing chunks. Large chunks are mapped with their pages in
-/// place, which costs the kernel a fraction of faulting them in one by one (mmap(2), MAP_POPULATE). Throws
-/// std::bad_alloc.
+/// Memory that only grows and is freed all at once, in growing chunks of allocateLarge(). Throws std::bad_alloc.
 class Arena : public std::pmr::monotonic_buffer_resource
 {
 public:
