@@ -3,6 +3,7 @@
 #include "Base/Progress.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -19,29 +20,27 @@ public:
     /// Adds a name. If it is taken, returns the last number that was appended to it, else null.
     unsigned* add(std::string_view name)
     {
-        if (many.empty()) {
-            for (auto& [known, last] : few)
-                if (known == name)
-                    return &last;
-            few.emplace_back(name, 1);
-            if (few.size() == kFewFields)
-                many.insert(few.begin(), few.end());
-            return nullptr;
-        }
-        const auto [known, isNew] = many.try_emplace(name, 1);
-        return isNew ? nullptr : &known->second;
+        if (few.size() == kFewFields)
+            return many.add(name);
+        for (auto& [known, last] : few)
+            if (known == name)
+                return &last;
+        few.emplace_back(name, 1);
+        if (few.size() == kFewFields)
+            for (const auto& [known, last] : few)
+                many.add(known, last);
+        return nullptr;
     }
 
     void clear()
     {
         few.clear();
-        if (!many.empty())
-            many = {}; // clear() would visit all buckets for each record after a large one
+        many.clear();
     }
 
 private:
     std::vector<std::pair<std::string_view, unsigned>> few;
-    std::unordered_map<std::string_view, unsigned, KeyHash> many;
+    TakenNames many;
 };
 
 void SourceNames::name(const std::vector<Index>& order, std::span<const Index> first,
@@ -128,11 +127,18 @@ void SourceNames::nameType(Field& field, Index record)
     CString prefix;
     for (std::uint16_t depth = 0; depth < field.repeats; ++depth) {
         prefix += kTablePrefix;
-        const auto [known, isNew] =
-            tables.try_emplace({field.name, field.type, space}, static_cast<Index>(types.tables.size()));
-        if (isNew)
+        const TableKey key{field.name, field.type, space};
+        const auto hash = static_cast<std::uint32_t>(TableHash()(key));
+        const KnownTable* known = tables.find(key, hash);
+        if (!known) {
+            const auto index = static_cast<Index>(types.tables.size());
+            KnownTable* const made =
+                std::pmr::polymorphic_allocator<>(&memory).new_object<KnownTable>(KnownTable{key, index});
+            tables.store(made, hash);
+            known = made;
             types.tables.push_back({unique(prefix, field.name, record, space), field.type, space});
-        field.type = {SourceTypes::kindTable, known->second};
+        }
+        field.type = {SourceTypes::kindTable, known->index};
     }
 }
 
@@ -158,15 +164,15 @@ void SourceNames::nameEnumeration(Index index, SourcePlace place, Index home)
 // is appended.
 std::string_view SourceNames::unique(std::string_view prefix, std::string_view name, Index home, Index space)
 {
-    auto& taken = spaces[space];
+    TakenNames& taken = spaces[space];
     std::string_view made = prefix.empty() ? name : types.keep(CString(prefix) + CString(name));
-    if (taken.try_emplace(made, 1).second)
+    if (!taken.add(made))
         return made;
     if (home != SourceTypes::kNone)
         made = types.keep(CString(prefix) + CString(types.records[home].name) + "_" + CString(name));
     const std::string_view base = made;
-    while (!taken.try_emplace(made, 1).second)
-        made = types.join(base, std::to_string(++taken[base]));
+    while (taken.add(made))
+        made = types.join(base, std::to_string(++*taken.add(base)));
     return made;
 }
 

@@ -3,7 +3,7 @@
 #include "Base/KeyedTable.h"
 #include "Import/Full/SourceTypes.h"
 
-#include <unordered_map>
+#include <deque>
 #include <unordered_set>
 
 /// Gives the types of a source their final names, unique in each namespace: records first, then enumerations and tables
@@ -28,6 +28,38 @@ private:
     using Field = SourceTypes::Field;
     class FieldNames;
 
+    // The names taken, each with the last number that was appended to it. A source can have a million, so they lie in
+    // an arena.
+    class TakenNames
+    {
+    public:
+        // Adds a name, which must live as long as the table. If it is taken, returns its number, else null.
+        unsigned* add(std::string_view name, unsigned last = 1)
+        {
+            const std::uint32_t hash = keyHash(name);
+            if (Taken* const known = names.find(name, hash))
+                return &known->last;
+            names.store(std::pmr::polymorphic_allocator<>(&memory).new_object<Taken>(Taken{name, last}), hash);
+            return nullptr;
+        }
+
+        void clear()
+        {
+            names.clear();
+            memory.release();
+        }
+
+    private:
+        struct Taken
+        {
+            std::string_view name;
+            unsigned last;
+        };
+
+        Arena memory;
+        KeyedTable<Taken, &Taken::name> names;
+    };
+
     // Fields of the same name and type share a table in each namespace.
     struct TableKey
     {
@@ -44,6 +76,11 @@ private:
             return (keyHash(key.name) + key.space) ^ (static_cast<std::size_t>(key.type.index) << 3 | key.type.kind);
         }
     };
+    struct KnownTable
+    {
+        TableKey key;
+        Index index;
+    };
 
     void findSharedTables();
     void nameRecord(Index record);
@@ -55,9 +92,9 @@ private:
 
     SourceTypes& types;
     SourceReport& report;
-    // By namespace: the names taken, each with the last number that was appended to it.
-    std::vector<std::unordered_map<std::string_view, unsigned, KeyHash>> spaces;
-    std::unordered_map<TableKey, Index, TableHash> tables;
+    std::deque<TakenNames> spaces; // by namespace
+    Arena memory;
+    KeyedTable<KnownTable, &KnownTable::key, TableKey> tables;
     std::unordered_set<TableKey, TableHash> sharedTables; // in several namespaces; stored with space 0
     std::vector<bool> isNamed;                            // by enumeration
 };
