@@ -52,6 +52,8 @@ const Loss kLosses[] = {
      "3:26 unknown attribute: value in xs:attribute"},
     {"NameBesideReference", MAIN(ELEMENT("name='a' ref='g'")) ELEMENT("name='g'"),
      "2:1 unknown attribute: name beside ref"},
+    {"TypeBesideReference", MAIN(ELEMENT("ref='g' type='xs:int'")) ELEMENT("name='g'"),
+     "2:1 unknown attribute: type beside ref"},
     {"MisplacedStatement", MAIN("<xs:simpleType><xs:elem/></xs:simpleType>"),
      "2:1 statement that has no effect there: xs:simpleType inside xs:sequence"},
     {"FacetOfElements",

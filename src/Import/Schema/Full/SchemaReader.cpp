@@ -245,6 +245,8 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
     case SchemaAttribute::base:
     case SchemaAttribute::itemType:
     case SchemaAttribute::ref:
+        if (node.is(SchemaNode::isReference)) // the "ref" takes precedence over a type beside it
+            break;
         node.reference = resolve(value);
         set(attribute.name == SchemaAttribute::ref && node.reference.local != 0, SchemaNode::isReference);
         break;
