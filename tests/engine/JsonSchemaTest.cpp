@@ -2,6 +2,8 @@
 #include "support/FullTypes.h"
 #include "support/Importing.h"
 
+#include <tuple>
+
 namespace {
 
 struct Rule
