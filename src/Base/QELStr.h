@@ -1,6 +1,9 @@
 #pragma once
 
+#include <concepts>
+#include <cstring>
 #include <list>
+#include <string>
 
 /// An 8-bit text. Up to 19 characters lie inside the object, longer texts on the heap; the storage never shrinks. All
 /// operations work byte by byte, only ASCII letters have a case, and every argument may be the string itself or point
@@ -49,12 +52,12 @@ public:
     QELString& operator+=(char ch);
 
     // Compare as unsigned bytes. A proper prefix is smaller than the whole text.
-    int operator==(const QELString& other) const;
-    int operator!=(const QELString& other) const;
-    int operator<(const QELString& other) const;
-    int operator>(const QELString& other) const;
-    int operator<=(const QELString& other) const;
-    int operator>=(const QELString& other) const;
+    int operator==(const QELString& other) const { return std::strcmp(text, other.text) == 0; }
+    int operator!=(const QELString& other) const { return std::strcmp(text, other.text) != 0; }
+    int operator<(const QELString& other) const { return std::strcmp(text, other.text) < 0; }
+    int operator>(const QELString& other) const { return std::strcmp(text, other.text) > 0; }
+    int operator<=(const QELString& other) const { return std::strcmp(text, other.text) <= 0; }
+    int operator>=(const QELString& other) const { return std::strcmp(text, other.text) >= 0; }
 
     int beginsWith(const QELString& s) const; ///< 1 or 0; always 1 for an empty `s`
     int endsWith(const QELString& s) const;   ///< 1 or 0; always 1 for an empty `s`
@@ -124,13 +127,12 @@ QELString trim(const QELString& s);
 QELString ltrim(const QELString& s);
 QELString rtrim(const QELString& s);
 
-// Each returns a number in decimal.
-QELString nstr(short v);
-QELString nstr(unsigned short v);
-QELString nstr(int v);
-QELString nstr(unsigned int v);
-QELString nstr(long v);
-QELString nstr(unsigned long v);
+/// Returns a number in decimal.
+template <std::integral Number>
+QELString nstr(Number v)
+{
+    return std::to_string(v).c_str();
+}
 
 /// Cuts a copy of a string at a separator and returns the parts one by one, without the spaces at their ends. A text
 /// with k separators has k + 1 parts, empty ones included.
