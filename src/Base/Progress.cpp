@@ -1,7 +1,5 @@
 #include "Base/Progress.h"
 
-#include "Base/BackgroundWork.h"
-
 #include <utility>
 
 namespace {
@@ -15,12 +13,24 @@ ProgressHandler& currentHandler()
 // Kept for polls by work that has nothing new to report.
 thread_local Progress last;
 
+thread_local const BackgroundWork* background = nullptr;
+
 } // namespace
 
 ProgressHandler setProgressHandler(ProgressHandler handler)
 {
     last = {};
     return std::exchange(currentHandler(), std::move(handler));
+}
+
+BackgroundWork::BackgroundWork(std::function<bool()> wanted) : isWanted(std::move(wanted))
+{
+    background = this;
+}
+
+BackgroundWork::~BackgroundWork()
+{
+    background = nullptr;
 }
 
 bool reportProgress(const Progress& progress)
@@ -31,8 +41,8 @@ bool reportProgress(const Progress& progress)
 
 bool isStillWanted()
 {
-    if (const BackgroundWork* const work = BackgroundWork::ofThread())
-        return work->isWanted();
+    if (background)
+        return background->isWanted();
     const ProgressHandler& handler = currentHandler();
     return !handler || handler(last);
 }

@@ -35,6 +35,19 @@ ProgressHandler setProgressHandler(ProgressHandler handler);
 struct Cancelled
 {};
 
+/// A scope in which the thread that created it works in the background: its work continues while `isWanted` returns
+/// true, and the progress handler is not called.
+class BackgroundWork
+{
+public:
+    explicit BackgroundWork(std::function<bool()> isWanted);
+    ~BackgroundWork();
+    BackgroundWork(const BackgroundWork&) = delete;
+    BackgroundWork& operator=(const BackgroundWork&) = delete;
+
+    const std::function<bool()> isWanted;
+};
+
 /// Passes `progress` to the handler and returns whether to continue.
 bool reportProgress(const Progress& progress);
 

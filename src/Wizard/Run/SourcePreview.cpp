@@ -1,6 +1,5 @@
 #include "Wizard/Run/SourcePreview.h"
 
-#include "Base/BackgroundWork.h"
 #include "Base/Progress.h"
 #include "Base/QELApp.h"
 #include "Files/File.h"
