@@ -1,10 +1,9 @@
 #include "Database/DriverHost.h"
 
 #include "Base/Secret.h"
-#include "Database/CatalogueRows.h"
 #include "Database/DBException.h"
 #include "Database/DriverMessage.h"
-#include "Database/StatementRun.h"
+#include "Database/StatementRows.h"
 
 #include <sql.h>
 #include <sqlext.h>
@@ -125,7 +124,7 @@ void DriverHost::execute(const CString& sql)
 void DriverHost::listCatalogue(MessageReader& request, CString& answer)
 {
     const auto function = static_cast<SQLUSMALLINT>(request.number());
-    CatalogueRows rows(request.text());
+    const std::string_view shape = request.text();
     SQLUSMALLINT isSupported = SQL_FALSE;
     if (!SQL_SUCCEEDED(SQLGetFunctions(connection.get(), function, &isSupported)) || !isSupported)
         return putNumber(answer, static_cast<std::int32_t>(CatalogueOutcome::unsupported));
@@ -134,10 +133,10 @@ void DriverHost::listCatalogue(MessageReader& request, CString& answer)
         return putNumber(answer, static_cast<std::int32_t>(CatalogueOutcome::noStatement));
     putNumber(answer, static_cast<std::int32_t>(CatalogueOutcome::listed));
     while (!request.isAtEnd()) {
-        CatalogueRows::Arguments arguments;
+        CatalogueArguments arguments;
         for (std::optional<CString>& argument : arguments)
             argument = request.optionalText();
-        rows.append(statement.get(), function, std::move(arguments), answer);
+        runCatalogue(statement.get(), function, shape, std::move(arguments), answer);
     }
 }
 

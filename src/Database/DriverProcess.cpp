@@ -4,7 +4,6 @@
 #include "Base/Secret.h"
 #include "Database/DBException.h"
 #include "Database/DriverHost.h"
-#include "Database/DriverLog.h"
 #include "Database/DriverMessage.h"
 
 #include <algorithm>
@@ -14,7 +13,9 @@
 #include <cstring>
 #include <exception>
 #include <fcntl.h>
+#include <glob.h>
 #include <poll.h>
+#include <pwd.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
@@ -74,6 +75,24 @@ void closeAllBut(int socket)
     const auto kept = static_cast<unsigned>(socket);
     ::close_range(STDERR_FILENO + 1, kept - 1, 0);
     ::close_range(kept + 1, ~0U, 0);
+}
+
+// Removes the log that PostgreSQL's driver writes to /tmp for a process of this program. Debian's packages turn it on
+// for every program (CommLog=1 in odbcinst.ini), and a connection's settings can't turn it off. Does nothing if there
+// is none.
+void removeDriverLog(pid_t process) noexcept
+{
+    const passwd* const user = ::getpwuid(::geteuid());
+    if (!user)
+        return;
+    // The driver (mylog.c in psqlodbc) puts the program's name and "_" at the *. It may read past the end of that name,
+    // so the file may have another name, or none.
+    const std::string log = std::string("/tmp/psqlodbc_*") + user->pw_name + std::to_string(process) + ".log";
+    glob_t found = {};
+    if (::glob(log.c_str(), GLOB_NOSORT | GLOB_NOESCAPE, nullptr, &found) == 0)
+        for (std::size_t i = 0; i < found.gl_pathc; ++i)
+            ::unlink(found.gl_pathv[i]);
+    ::globfree(&found);
 }
 
 // The program may have been killed, so that the process removes the log itself.
