@@ -138,61 +138,38 @@ private:
     std::vector<const char*> pointers;
 };
 
-// The base of both repositories, for vornQueryInterface().
-class AnyRepository : public ClientObject<IVornRepository>
+// A repository. One for reading has a reader and no store; its IVornCreation stores nothing.
+class Repository final : public ClientObject<IVornRepository>
 {
 public:
-    /// Returns a new object of an interface, null if the name is unknown.
-    virtual IVornObject* queryInterface(std::string_view name) const = 0;
-};
-
-// A repository for reading. Its IVornCreation stores nothing.
-class ReadRepository final : public AnyRepository
-{
-public:
-    ReadRepository(std::shared_ptr<CDatabase> database, TypeTable::Place place) :
-        reader(std::make_shared<TypeReader>(std::move(database), place))
-    {}
-
-    VornResult createType(const char*, std::int32_t, std::uint32_t*) noexcept override
-    {
-        return attempt([]() -> VornResult { throw std::logic_error("The repository is open for reading only"); });
-    }
-
-    IVornObject* queryInterface(std::string_view name) const override
-    {
-        return name == kVornReading    ? static_cast<IVornObject*>(new (std::nothrow) Reading(reader))
-               : name == kVornCreation ? new (std::nothrow) Creation(reader)
-                                       : nullptr;
-    }
-
-private:
-    std::shared_ptr<TypeReader> reader;
-};
-
-class Repository final : public AnyRepository
-{
-public:
-    Repository(std::shared_ptr<CDatabase> database, TypeTable::Place place) :
-        store(std::make_shared<TypeStore>(std::move(database), place))
+    Repository(std::shared_ptr<CDatabase> database, TypeTable::Place place, bool readsOnly) :
+        reader(readsOnly ? std::make_shared<TypeReader>(database, place) : nullptr),
+        store(readsOnly ? nullptr : std::make_shared<TypeStore>(std::move(database), place))
     {}
 
     VornResult createType(const char* document, std::int32_t overwrite, std::uint32_t* code) noexcept override
     {
         return attempt([&] {
+            if (!store)
+                throw std::logic_error("The repository is open for reading only");
             const NamedDocument type = named(document);
             *code = type.name.empty() ? StoredType::refused : store->store(type, overwrite != 0);
             return VornResult::done;
         });
     }
 
-    IVornObject* queryInterface(std::string_view name) const override
+    IVornObject* queryInterface(std::string_view name) const
     {
-        return name == kVornCreation ? new (std::nothrow) Creation(store) : nullptr;
+        if (reader && name == kVornReading)
+            return new (std::nothrow) Reading(reader);
+        if (name != kVornCreation)
+            return nullptr;
+        return reader ? new (std::nothrow) Creation(reader) : new (std::nothrow) Creation(store);
     }
 
 private:
-    std::shared_ptr<TypeStore> store;
+    const std::shared_ptr<TypeReader> reader;
+    const std::shared_ptr<TypeStore> store;
 };
 
 class Connection final : public ClientObject<IVornConnection>
@@ -205,10 +182,7 @@ public:
     VornResult GetRepository(IVornRepository** repository) noexcept override
     {
         return attempt([&] {
-            if (readsOnly)
-                *repository = new ReadRepository(database, place);
-            else
-                *repository = new Repository(database, place);
+            *repository = new Repository(database, place, readsOnly);
             return VornResult::done;
         });
     }
@@ -311,5 +285,5 @@ void vornSetQuestion(bool (*isStillWanted)()) noexcept
 
 IVornObject* vornQueryInterface(IVornRepository* repository, const char* name) noexcept
 {
-    return static_cast<AnyRepository*>(repository)->queryInterface(name);
+    return static_cast<Repository*>(repository)->queryInterface(name);
 }
