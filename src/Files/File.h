@@ -2,15 +2,13 @@
 
 #include "Base/Text.h"
 #include "Files/Descriptor.h"
-#include "Files/FileError.h"
+#include "Files/FileMessage.h"
 
 #include <cstddef>
 #include <limits>
 #include <sys/types.h>
 
-/// The size limit, in bytes, of a file that a source names, and of JSON and YAML. Other files that the user names may
-/// have any size.
-inline constexpr std::size_t kMaxNamedFile = 64 << 20;
+/// No limit on the size of a file.
 inline constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max();
 
 /// A file or pipe that is open for reading. Fails for a folder (EISDIR) and for a device other than a terminal or the

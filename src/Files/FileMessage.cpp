@@ -1,12 +1,39 @@
 #include "Files/FileMessage.h"
 
-#include "Files/File.h"
 #include "Resources/StringTable.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
+
+namespace {
+
+struct CauseRow
+{
+    int error;
+    FileCause cause;
+};
+
+// The first error of a cause stands for it in words.
+constexpr CauseRow kCauses[] = {{ENOENT, FileCause::fileNotFound},      {ENOTDIR, FileCause::badPath},
+                                {ENAMETOOLONG, FileCause::badPath},     {ELOOP, FileCause::badPath},
+                                {EMFILE, FileCause::tooManyOpenFiles},  {ENFILE, FileCause::tooManyOpenFiles},
+                                {EACCES, FileCause::accessDenied},      {EPERM, FileCause::accessDenied},
+                                {EROFS, FileCause::accessDenied},       {EISDIR, FileCause::accessDenied},
+                                {EBADF, FileCause::invalidFile},        {EIO, FileCause::hardInputOutput},
+                                {ETXTBSY, FileCause::sharingViolation}, {EAGAIN, FileCause::lockViolation},
+                                {EDEADLK, FileCause::lockViolation},    {ENOSPC, FileCause::diskFull},
+                                {EDQUOT, FileCause::diskFull},          {EFBIG, FileCause::diskFull}};
+
+} // namespace
+
+FileCause fileCauseOf(int error)
+{
+    const auto* const row = std::ranges::find(kCauses, error, &CauseRow::error);
+    const FileCause other = error == 0 ? FileCause::none : FileCause::generic;
+    return row == std::end(kCauses) ? other : row->cause;
+}
 
 CString cantOpen(const CString& fileName, FileCause cause)
 {
@@ -17,16 +44,13 @@ CString cantOpen(const CString& fileName, FileCause cause)
 // another cause or none, the cause's first value is used.
 CString inWords(const CString& fileName, FileCause cause)
 {
-    constexpr int errors[] = {ENOENT, ENOTDIR, EMFILE, EACCES, EBADF, EIO, ETXTBSY, EAGAIN, ENOSPC};
     std::error_code again;
     if (std::filesystem::is_directory(fileName, again))
         again = std::make_error_code(std::errc::is_a_directory);
     if (again && fileCauseOf(again.value()) == cause)
         return again.message();
-    const auto* const error = std::find_if(std::begin(errors), std::end(errors),
-                                           [cause](int candidate) { return fileCauseOf(candidate) == cause; });
-    if (error != std::end(errors))
-        return std::generic_category().message(*error);
+    if (const auto* const row = std::ranges::find(kCauses, cause, &CauseRow::cause); row != std::end(kCauses))
+        return std::generic_category().message(row->error);
     const std::uintmax_t size = std::filesystem::file_size(fileName, again);
     return cause == FileCause::generic && !again && size > kMaxNamedFile ? inWords(EOVERFLOW)
                                                                          : "The system refused access";
