@@ -1,6 +1,7 @@
 #include "Files/Registry.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <utility>
 
@@ -57,6 +58,18 @@ bool Registry::getString(HKEY, const char* key, const char* name, char* buffer, 
         return false;
     std::copy(value.bytes.begin(), value.bytes.end(), buffer);
     return true;
+}
+
+std::optional<CString> Registry::getText(const char* key, const CString& name)
+{
+    std::array<char, 260> text;
+    const bool isThere = getString(HKEY_CURRENT_USER, key, name.c_str(), text.data(), text.size());
+    return isThere ? std::optional<CString>(text.data()) : std::nullopt;
+}
+
+void Registry::setText(const char* key, const CString& name, CString text)
+{
+    setString(HKEY_CURRENT_USER, key, name.c_str(), text.data());
 }
 
 bool Registry::getUInt(HKEY, const char* key, const char* name, unsigned int& out)

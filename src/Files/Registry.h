@@ -3,6 +3,8 @@
 #include "Base/Text.h"
 #include "Files/SettingsStore.h"
 
+#include <optional>
+
 /// The roots of the settings. There is one, the current user's.
 enum HKEY
 {
@@ -19,6 +21,12 @@ public:
     /// Fills `buffer` with a zero-terminated text. Fails, with zeros in `buffer`, if the value doesn't exist or doesn't
     /// fit, terminating zero included. `bufferSize` is in bytes. The value's type is not checked.
     bool getString(HKEY root, const char* key, const char* name, char* buffer, int bufferSize);
+
+    /// Returns a text of the current user of at most 259 bytes; nothing if there is none.
+    std::optional<CString> getText(const char* key, const CString& name);
+
+    /// Stores a text of the current user. A failure is not reported.
+    void setText(const char* key, const CString& name, CString text);
 
     /// Reads a number into `out`, which is 0 on failure. A text is read as a decimal number.
     bool getInt(HKEY root, const char* key, const char* name, int& out);

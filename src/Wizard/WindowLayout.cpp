@@ -7,7 +7,6 @@
 #include <QSplitter>
 
 #include <algorithm>
-#include <array>
 
 namespace {
 
@@ -16,15 +15,13 @@ constexpr const char* kGeometry = "Geometry";
 
 QString queryText(const CString& name)
 {
-    std::array<char, 260> text;
-    return Registry().getString(HKEY_CURRENT_USER, kKey, name.c_str(), text.data(), text.size()) ? text.data() : "";
+    return toUi(Registry().getText(kKey, name).value_or(""));
 }
 
 void storeText(const CString& name, const QString& value)
 {
-    CString text = fromUi(value);
-    if (!text.empty())
-        Registry().setString(HKEY_CURRENT_USER, kKey, name.c_str(), text.data());
+    if (!value.isEmpty())
+        Registry().setText(kKey, name, fromUi(value));
 }
 
 // Returns the `count` numbers of a text like "120 300"; empty for any other text.

@@ -31,20 +31,6 @@ CString currentFolder()
     return ::getcwd(folder.data(), folder.size()) != nullptr ? folder.data() : CString();
 }
 
-std::optional<CString> queryText(const char* key, const char* name)
-{
-    Registry reg;
-    std::array<char, kMaxPath> text;
-    if (!reg.getString(HKEY_CURRENT_USER, key, name, text.data(), text.size()))
-        return {};
-    return text.data();
-}
-
-void storeText(Registry& reg, const char* key, const char* name, CString text)
-{
-    reg.setString(HKEY_CURRENT_USER, key, name, text.data());
-}
-
 } // namespace
 
 QELOptions::QELOptions() : cwd(currentFolder()), inputFolder(cwd), outputFolder(cwd) {}
@@ -66,15 +52,15 @@ void QELOptions::getValues()
     Registry reg;
     if (unsigned int hide; reg.getUInt(HKEY_CURRENT_USER, kProgramKey, "HideWelcomePage", hide))
         hideWelcome = static_cast<int>(hide);
-    inputFolder = queryText(kProgramKey, "Input folder").value_or(cwd);
-    outputFolder = queryText(kProgramKey, "Output folder").value_or(cwd);
+    inputFolder = reg.getText(kProgramKey, "Input folder").value_or(cwd);
+    outputFolder = reg.getText(kProgramKey, "Output folder").value_or(cwd);
     FillFromReg(inputFiles, kInputFilesKey);
     FillFromReg(outputFiles, kOutputFilesKey);
     FillFromReg(users, kUsersKey);
     if (const CString name = loginName().substr(0, kMaxPath); !name.empty())
         AddUnique(name, users, 1);
     FillFromReg(brokerAddresses, kBrokersKey);
-    if (const auto address = queryText(kVendorKey, "ServerAddress"))
+    if (const auto address = reg.getText(kVendorKey, "ServerAddress"))
         AddUnique(*address, brokerAddresses, 1);
     if (!reg.getUInt(HKEY_CURRENT_USER, kVendorKey, "Port", brokerPort))
         brokerPort = kDefaultPort;
@@ -97,8 +83,8 @@ void QELOptions::flushValues()
     const SettingsTransaction together;
     Registry reg;
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "HideWelcomePage", hideWelcome);
-    storeText(reg, kProgramKey, "Input folder", inputFolder);
-    storeText(reg, kProgramKey, "Output folder", outputFolder);
+    reg.setText(kProgramKey, "Input folder", inputFolder);
+    reg.setText(kProgramKey, "Output folder", outputFolder);
     FlushToReg(reg, inputFiles, kInputFilesKey);
     FlushToReg(reg, outputFiles, kOutputFilesKey);
     FlushToReg(reg, users, kUsersKey);
@@ -111,9 +97,9 @@ void QELOptions::flushValues()
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "FolderLayout", layout);
     reg.setInt(HKEY_CURRENT_USER, kProgramKey, "SourceSetLast", setLast);
     if (!sourceSet.empty())
-        storeText(reg, kProgramKey, "SourceSet", sourceSet);
+        reg.setText(kProgramKey, "SourceSet", sourceSet);
     if (catalogs)
-        storeText(reg, kProgramKey, "Catalogs", *catalogs);
+        reg.setText(kProgramKey, "Catalogs", *catalogs);
 }
 
 void QELOptions::setSourceSet(const CString& text)
@@ -200,7 +186,7 @@ void FlushToReg(Registry& reg, CStringList& list, const char* key)
 {
     char name[] = "a";
     for (const CString& entry : list) {
-        storeText(reg, key, name, entry);
+        reg.setText(key, name, entry);
         ++name[0];
     }
 }
