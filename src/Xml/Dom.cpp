@@ -15,11 +15,12 @@ DomTreeNode* treeNode(DomNode* node)
     return node->kind == DomKind::attribute ? nullptr : static_cast<DomTreeNode*>(node);
 }
 
-DomNode* findAttribute(DomNode* first, std::string_view name)
+IXMLDOMNode takeNext(DomNode*& next)
 {
-    while (first && first->name != name)
-        first = first->next;
-    return first;
+    DomNode* const node = next;
+    if (node)
+        next = node->next;
+    return IXMLDOMNode(node);
 }
 
 bool isDocumentElementTwice(const DomTreeNode& parent, const DomTreeNode& child)
@@ -141,23 +142,20 @@ void IXMLDOMElement::setAttribute(std::string_view name, std::string_view value)
 
 IXMLDOMNode IXMLDOMNamedNodeMap::getNamedItem(std::string_view name) const
 {
-    return IXMLDOMNode(findAttribute(first, name));
+    DomNode* node = first;
+    while (node && node->name != name)
+        node = node->next;
+    return IXMLDOMNode(node);
 }
 
 IXMLDOMNode IXMLDOMNamedNodeMap::nextNode()
 {
-    DomNode* const node = next;
-    if (node)
-        next = node->next;
-    return IXMLDOMNode(node);
+    return takeNext(next);
 }
 
 IXMLDOMNode IXMLDOMNodeList::nextNode()
 {
-    DomNode* const node = next;
-    if (node)
-        next = node->next;
-    return IXMLDOMNode(node);
+    return takeNext(next);
 }
 
 IXMLDOMDocument IXMLDOMDocument::create()

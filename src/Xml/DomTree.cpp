@@ -19,23 +19,14 @@ void DomTree::clear()
 
 DomTreeNode* DomTree::create(DomKind kind, DomName name, std::string_view value)
 {
-    auto* const node = new (arena.allocate(sizeof(DomTreeNode), alignof(DomTreeNode))) DomTreeNode;
-    node->name = name.text;
-    node->prefixLength = name.prefixLength;
-    node->value = value;
-    node->kind = kind;
-    node->parent = &unplaced;
-    return node;
+    return new (arena.allocate(sizeof(DomTreeNode), alignof(DomTreeNode)))
+        DomTreeNode{{name.text, value, nullptr, name.prefixLength, kind}, {}, &unplaced};
 }
 
 DomNode* DomTree::createAttribute(DomName name, std::string_view value)
 {
-    auto* const node = new (arena.allocate(sizeof(DomNode), alignof(DomNode))) DomNode;
-    node->name = name.text;
-    node->prefixLength = name.prefixLength;
-    node->value = value;
-    node->kind = DomKind::attribute;
-    return node;
+    return new (arena.allocate(sizeof(DomNode), alignof(DomNode)))
+        DomNode{name.text, value, nullptr, name.prefixLength, DomKind::attribute};
 }
 
 DomName DomTree::keepName(std::string_view qualified)

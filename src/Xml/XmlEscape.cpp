@@ -6,34 +6,25 @@ namespace {
 
 using Escapes = std::array<const char*, 256>;
 
-// Attribute-value normalisation turns unescaped white space into blanks when the value is read back.
-constexpr Escapes attributeEscapes()
-{
-    Escapes escapes = {};
-    escapes['&'] = "&amp;";
-    escapes['<'] = "&lt;";
-    escapes['>'] = "&gt;";
-    escapes['"'] = "&quot;";
-    escapes['\t'] = "&#9;";
-    escapes['\n'] = "&#10;";
-    escapes['\r'] = "&#13;";
-    return escapes;
-}
-
 // A literal carriage return would be read back as a line feed (https://www.w3.org/TR/xml/#sec-line-ends), and "]]>"
-// must not occur in content.
-constexpr Escapes textEscapes()
+// must not occur in content. Attribute-value normalisation turns other white space into blanks as well.
+constexpr Escapes makeEscapes(bool inAttribute)
 {
     Escapes escapes = {};
     escapes['&'] = "&amp;";
     escapes['<'] = "&lt;";
     escapes['>'] = "&gt;";
     escapes['\r'] = "&#13;";
+    if (inAttribute) {
+        escapes['"'] = "&quot;";
+        escapes['\t'] = "&#9;";
+        escapes['\n'] = "&#10;";
+    }
     return escapes;
 }
 
-constexpr Escapes kAttributeEscapes = attributeEscapes();
-constexpr Escapes kTextEscapes = textEscapes();
+constexpr Escapes kAttributeEscapes = makeEscapes(true);
+constexpr Escapes kTextEscapes = makeEscapes(false);
 
 void appendEscaped(CString& out, std::string_view text, const Escapes& escapes)
 {
