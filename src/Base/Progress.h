@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Base/Text.h"
+
 #include <cstdint>
 #include <functional>
 
@@ -21,6 +23,9 @@ struct Progress
     std::uint64_t done = 0;
     std::uint64_t total = 0; ///< 0 if unknown
 };
+
+/// Returns a progress in words, for example "Reading: 120.5 MB of 1,000.0 MB".
+CString progressText(const Progress& progress);
 
 /// Receives the progress of the current work and returns whether to continue. It is called many times a second, in the
 /// thread that does the work.

@@ -1,7 +1,5 @@
 #include "Cli/ProgressLine.h"
 
-#include "Base/ProgressText.h"
-
 #include <cstdio>
 #include <unistd.h>
 #include <utility>

@@ -1,7 +1,6 @@
 #include "Ui/WizardSheet.h"
 
 #include "Base/Progress.h"
-#include "Base/ProgressText.h"
 #include "Ui/HeaderBand.h"
 #include "Ui/LongWork.h"
 #include "Ui/Mnemonics.h"

@@ -1,7 +1,6 @@
 #include "Ui/LongWork.h"
 
 #include "Base/Progress.h"
-#include "Base/ProgressText.h"
 #include "Base/QELApp.h"
 #include "Ui/ModalBox.h"
 #include "Ui/RemainingTime.h"
