@@ -2,22 +2,17 @@
 
 #include <QAbstractButton>
 #include <QGroupBox>
+#include <QKeySequence>
 #include <QLabel>
 #include <QRadioButton>
 
 namespace {
 
-// Returns the letter after the first single '&', a null character if there is none. "&&" is an ampersand.
+// Returns the letter of a mnemonic in lower case, a null character if there is none.
 QChar mnemonicOf(const QString& text)
 {
-    for (qsizetype i = 0; i + 1 < text.size(); ++i) {
-        if (text[i] != '&')
-            continue;
-        if (text[i + 1] != '&')
-            return text[i + 1].toLower();
-        ++i;
-    }
-    return {};
+    const QKeySequence keys = QKeySequence::mnemonic(text);
+    return keys.isEmpty() ? QChar() : QChar(static_cast<char16_t>(keys[0].key())).toLower();
 }
 
 // Returns the text of a control that can have a mnemonic, else an empty one.
