@@ -162,16 +162,14 @@ void ListView::selectRow(int row)
 
 void ListView::copyNames() const
 {
-    std::vector<int> places;
-    for (const QModelIndex& index : selectionModel()->selectedRows())
-        places.push_back(index.row());
-    std::sort(places.begin(), places.end());
-    QStringList names;
-    for (const int place : places)
-        names.append(rows->index(place, 0).data().toString());
-    if (places.empty())
+    QModelIndexList copied = selectionModel()->selectedRows();
+    if (copied.isEmpty())
         for (int place = 0; place < rowCount(); ++place)
-            names.append(rows->index(place, 0).data().toString());
+            copied.append(rows->index(place, 0));
+    std::sort(copied.begin(), copied.end());
+    QStringList names;
+    for (const QModelIndex& index : copied)
+        names.append(index.data().toString());
     QGuiApplication::clipboard()->setText(names.join('\n'));
 }
 
