@@ -1,7 +1,6 @@
 #include "Base/Progress.h"
 #include "Types/TypeStructure.h"
 #include "Wizard/Windows/Diagram.h"
-#include "Wizard/Windows/DiagramFile.h"
 #include "Wizard/Windows/DiagramScene.h"
 #include "Wizard/Windows/DiagramView.h"
 #include "Wizard/Windows/DocumentWindow.h"

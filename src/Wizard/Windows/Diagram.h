@@ -1,11 +1,13 @@
 #pragma once
 
 #include "Types/TypeGraph.h"
+#include "Ui/GraphLayout.h"
 
+#include <QByteArray>
 #include <QFont>
-#include <QPainterPath>
 #include <QPalette>
 #include <QRectF>
+#include <QSize>
 
 #include <cstddef>
 #include <cstdint>
@@ -71,12 +73,6 @@ private:
         std::vector<Row> rows; // the first is the title
     };
 
-    struct Arrow
-    {
-        QPainterPath line; // ends at the base of the arrow head
-        QPointF tip;
-    };
-
     Box measure(const TypeGraph::Box& box) const;
     void addPlainArrow(const TypeGraph::Arrow& arrow);
     void drawBox(QPainter& painter, const Box& box, const Fonts& fonts, const QRectF& exposed, double scale,
@@ -87,6 +83,18 @@ private:
     QColor base, text, quiet, frame, head, line, chosen;
     double rowHeight;
     std::vector<Box> boxes;
-    std::vector<Arrow> arrows;
+    std::vector<GraphLayout::Arrow> arrows;
     QRectF area;
 };
+
+/// The maximum width and height of a PNG in pixels.
+constexpr int kMaxPixels = 16000;
+
+/// Returns the size of a diagram as a PNG: twice its own, for printing, or less at the limits of viewers. Sets `scale`
+/// to the factor.
+QSize pngSize(const Diagram& diagram, double& scale);
+
+/// Return a diagram as a file. May run in any thread. Report progress. Throw Cancelled; drawPng() also throws
+/// std::runtime_error without memory for the picture.
+QByteArray drawPng(const Diagram& diagram);
+QByteArray drawSvg(const Diagram& diagram, const QString& title);

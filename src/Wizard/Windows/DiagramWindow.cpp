@@ -11,7 +11,6 @@
 #include "Ui/ProgressRow.h"
 #include "Ui/UiText.h"
 #include "Wizard/Windows/Diagram.h"
-#include "Wizard/Windows/DiagramFile.h"
 #include "Wizard/Windows/DiagramView.h"
 #include "Wizard/Windows/SaveFile.h"
 
