@@ -29,6 +29,26 @@ struct TypeTreeModel::Node
     Below below = Below::nothing;
     bool isFetched = false;
     std::vector<Node> children; // reserved in full before the first, because they refer to each other
+
+    Node& add()
+    {
+        Node& child = children.emplace_back();
+        child.parent = this;
+        child.row = static_cast<int>(children.size()) - 1;
+        return child;
+    }
+
+    // Makes the row expandable to the parts or users of a type, unless that type is an ancestor already.
+    void openTo(std::uint32_t opened, Below wanted)
+    {
+        for (const Node* above = parent; above; above = above->parent)
+            if (above->held == opened) {
+                type += tr(" (again)");
+                return;
+            }
+        held = opened;
+        below = wanted;
+    }
 };
 
 namespace {
@@ -78,43 +98,30 @@ void TypeTreeModel::setType(const TypeStructure* newStructure, std::uint32_t typ
     endResetModel();
 }
 
-TypeTreeModel::Node& TypeTreeModel::add(Node& parent)
-{
-    Node& child = parent.children.emplace_back();
-    child.parent = &parent;
-    child.row = static_cast<int>(parent.children.size()) - 1;
-    return child;
-}
-
 void TypeTreeModel::addParts(Node& node) const
 {
-    for (const TypePart& part : structure->parts(node.held))
-        addPart(node, part);
-}
-
-void TypeTreeModel::addPart(Node& node, const TypePart& part) const
-{
-    Node& child = add(node);
-    child.name = part.kind == TypePart::component ? tr("(each)") : toUi(part.name);
-    child.description = part.description();
-    if (part.kind == TypePart::constant) {
-        child.type = tr("constant");
-        return;
+    for (const TypePart& part : structure->parts(node.held)) {
+        Node& child = node.add();
+        child.name = part.kind == TypePart::component ? tr("(each)") : toUi(part.name);
+        child.description = part.description();
+        if (part.kind == TypePart::constant) {
+            child.type = tr("constant");
+            continue;
+        }
+        const TypeContent content = structure->contentOf(part);
+        child.type = typeText(content);
+        child.target = content.type == TypeStructure::kNone ? part.type : content.type;
+        if (part.type != TypeStructure::kNone)
+            child.mark = &kindMark((*structure)[part.type].queryType()).icon;
+        if (content.type != TypeStructure::kNone && structure->partCount(content.type) != 0)
+            child.openTo(content.type, Node::Below::parts);
     }
-    const TypeContent content = structure->contentOf(part);
-    child.type = typeText(content);
-    child.target = content.type == TypeStructure::kNone ? part.type : content.type;
-    if (part.type != TypeStructure::kNone)
-        child.mark = &kindMark((*structure)[part.type].queryType()).icon;
-    openTo(child, content.type);
-    if (child.below != Node::Below::nothing && structure->partCount(content.type) == 0)
-        child.below = Node::Below::nothing;
 }
 
 // Adds the node below the parts that lists the users of the type, and theirs.
 void TypeTreeModel::addUsersNode(Node& node) const
 {
-    Node& users = add(node);
+    Node& users = node.add();
     users.below = structure->users(node.held).empty() ? Node::Below::nothing : Node::Below::users;
     users.name = users.below == Node::Below::users ? tr("Used by") : tr("Used by no other type");
     users.held = node.held;
@@ -123,40 +130,17 @@ void TypeTreeModel::addUsersNode(Node& node) const
 void TypeTreeModel::addUsers(Node& node) const
 {
     for (const std::uint32_t user : structure->users(node.held)) {
-        Node& child = add(node);
+        Node& child = node.add();
         child.name = toUi(shortName(structure->queryFullName(user)));
         child.type = structure->kindOf(user);
         child.mark = &kindMark((*structure)[user].queryType()).icon;
         child.target = user;
-        child.below = Node::Below::users;
-        openTo(child, user);
-        if (structure->users(user).empty())
-            child.below = Node::Below::nothing;
+        if (!structure->users(user).empty())
+            child.openTo(user, Node::Below::users);
     }
 }
 
-// Makes a row expandable to the parts of `type`, unless that type is an ancestor already.
-void TypeTreeModel::openTo(Node& node, std::uint32_t type) const
-{
-    if (type == TypeStructure::kNone)
-        return;
-    const bool isUser = node.below == Node::Below::users;
-    for (const Node* above = node.parent; above; above = above->parent)
-        if (above->held == type) {
-            node.below = Node::Below::nothing;
-            node.type += tr(" (again)");
-            return;
-        }
-    node.held = type;
-    node.below = isUser ? Node::Below::users : Node::Below::parts;
-}
-
-const TypeTreeModel::Node& TypeTreeModel::nodeOf(const QModelIndex& index) const
-{
-    return index.isValid() ? *static_cast<const Node*>(index.internalPointer()) : *root;
-}
-
-TypeTreeModel::Node& TypeTreeModel::nodeOf(const QModelIndex& index)
+TypeTreeModel::Node& TypeTreeModel::nodeOf(const QModelIndex& index) const
 {
     return index.isValid() ? *static_cast<Node*>(index.internalPointer()) : *root;
 }

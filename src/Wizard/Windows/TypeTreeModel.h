@@ -8,7 +8,6 @@
 #include <memory>
 
 class TypeStructure;
-struct TypePart;
 
 /// The structure of one type as a tree of two columns: its fields, constants or component with their types, then the
 /// types that use it. Children are created when a row is expanded. A type inside itself is marked and can't be
@@ -38,14 +37,10 @@ public:
 private:
     struct Node;
 
-    const Node& nodeOf(const QModelIndex& index) const;
-    Node& nodeOf(const QModelIndex& index);
+    Node& nodeOf(const QModelIndex& index) const;
     void addParts(Node& node) const;
     void addUsers(Node& node) const;
-    void addPart(Node& node, const TypePart& part) const;
     void addUsersNode(Node& node) const;
-    static Node& add(Node& parent);
-    void openTo(Node& node, std::uint32_t type) const;
 
     const TypeStructure* structure = nullptr;
     std::unique_ptr<Node> root;
