@@ -4,13 +4,14 @@
 #include "Broker/TypeSource.h"
 #include "Cli/Diff.h"
 #include "Cli/Output.h"
-#include "Cli/OutputConflict.h"
 #include "Cli/ProgressLine.h"
 #include "Cli/Sources.h"
 #include "Cli/TableSource.h"
 #include "Cli/TypeListing.h"
+#include "Database/ConnectSettings.h"
 #include "Database/ConnectString.h"
 #include "Files/FileMessage.h"
+#include "Files/SameFile.h"
 #include "Import/GenerationTime.h"
 #include "Import/MsgBase.h"
 #include "Import/Registry/ImporterChoice.h"
@@ -181,6 +182,60 @@ int createOnBroker(MsgBase& message, const MsgUIDescriptor& importer, const CStr
     if (status == kFailed && arguments.logon.user.empty() && !arguments.sourceLogon.user.empty())
         report("--source-user is the user of the database; --user logs on to the broker");
     return status;
+}
+
+std::vector<CString> outputsOf(const Arguments& arguments)
+{
+    std::vector<CString> outputs;
+    for (const CString& file : {arguments.output, arguments.report.file, arguments.dependencies.file})
+        if (!file.empty() && file != "-")
+            outputs.push_back(file);
+    return outputs;
+}
+
+// Returns the file of a data source whose driver reads a file; empty if the driver connects to a server.
+CString databaseFile(const CString& source)
+{
+    const CString connection = source.find('=') == CString::npos ? "DSN=" + source : source;
+    return hasDriver(connection, {"sqlite"}) ? settingOf(connection, "Database") : CString();
+}
+
+// Returns the first output that is also an input of the command line, or that is written twice; empty if there is
+// none. `files` are the sources, or the data source of an importer of tables.
+CString conflictingOutput(const Arguments& arguments, const MsgUIDescriptor& importer,
+                          const std::vector<CString>& files)
+{
+    std::vector<CString> others = files;
+    if (importer.querySource().readsTables)
+        others = {databaseFile(files.front())};
+    others.push_back(arguments.diff.document == "-" ? "" : arguments.diff.document);
+    others.push_back(arguments.logon.passwordFile);
+    others.push_back(arguments.sourceLogon.passwordFile);
+    others.insert(others.end(), arguments.full.catalogs.begin(), arguments.full.catalogs.end());
+    others.insert(others.end(), arguments.argumentFiles.begin(), arguments.argumentFiles.end());
+    if (arguments.output.empty() || arguments.output == "-")
+        others.push_back(kStandardOutput); // which may be redirected to a file
+    if (arguments.report.file == "-")
+        others.push_back("/dev/stderr");
+    for (const CString& written : outputsOf(arguments)) {
+        for (const CString& other : others)
+            if (!other.empty() && (written != kStandardOutput || other != written) && isSameFile(written, other))
+                return written;
+        others.push_back(written);
+    }
+    return {};
+}
+
+// Returns the first output that an import has read, because its sources refer to it; empty if there is none.
+CString outputThatWasRead(const Arguments& arguments, const MsgUIDescriptor& importer, const SourceReport& report)
+{
+    if (importer.querySource().readsTables)
+        return {}; // the report names the data source, which is not a file
+    for (const CString& written : outputsOf(arguments))
+        for (std::uint32_t file = 0; file < report.fileCount(); ++file)
+            if (const CString& name = report.fileNameOf(file); !name.empty() && isSameFile(written, name))
+                return written;
+    return {};
 }
 
 } // namespace
