@@ -194,10 +194,13 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     std::vector<CString> words;
     CString answer;
     addSourceOptions(group("Input"), arguments, words);
-    addSourceLogonOptions(app, arguments.sourceLogon);
+    addLogonOptions(app, arguments.sourceLogon, "--source-user", "odbc: log on to the database as this user",
+                    "odbc: read that password from this file's first line");
     addReadingOptions(group("Reading"), arguments);
     addOutputOptions(group("Output"), arguments);
-    addLogonOptions(group("Broker"), arguments.logon);
+    addLogonOptions(group("Broker"), arguments.logon, "--user",
+                    "Log on as this user (without --create: to the database)",
+                    "Read the password from this file's first line");
     addCreateOptions(app, arguments.create);
     addOtherOptions(group("Other"), arguments, answer);
     try {

@@ -9,24 +9,11 @@
 
 #include <stdexcept>
 
-void addLogonOptions(CLI::App& app, LogonOptions& options)
+void addLogonOptions(CLI::App& app, LogonOptions& options, const char* userOption, const char* userText,
+                     const char* fileText)
 {
-    CLI::Option* const user =
-        app.add_option("--user", options.user, "Log on as this user (without --create: to the database)")
-            ->type_name("NAME");
-    app.add_option("--password-file", options.passwordFile, "Read the password from this file's first line")
-        ->type_name("FILE")
-        ->needs(user);
-}
-
-void addSourceLogonOptions(CLI::App& app, LogonOptions& options)
-{
-    CLI::Option* const user =
-        app.add_option("--source-user", options.user, "odbc: log on to the database as this user")->type_name("NAME");
-    app.add_option("--source-password-file", options.passwordFile,
-                   "odbc: read that password from this file's first line")
-        ->type_name("FILE")
-        ->needs(user);
+    CLI::Option* const user = app.add_option(userOption, options.user, userText)->type_name("NAME");
+    app.add_option(options.fileOption, options.passwordFile, fileText)->type_name("FILE")->needs(user);
 }
 
 void readPassword(const LogonOptions& options, CString& password)

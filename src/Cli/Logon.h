@@ -15,11 +15,9 @@ struct LogonOptions
     const char* place = "";                     ///< where to log on, for the prompt
 };
 
-/// Adds --user and --password-file. They apply to the broker if the command uses one, else to the data source.
-void addLogonOptions(CLI::App& app, LogonOptions& options);
-
-/// Adds --source-user and --source-password-file, which apply to the data source.
-void addSourceLogonOptions(CLI::App& app, LogonOptions& options);
+/// Adds the option for the user, by its name and description, and the one for the password's file.
+void addLogonOptions(CLI::App& app, LogonOptions& options, const char* userOption, const char* userText,
+                     const char* fileText);
 
 /// Reads a password from the first line of the file, or from the terminal. Throws std::runtime_error if there is none.
 /// From then on the process writes no core dump.
