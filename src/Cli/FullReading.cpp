@@ -37,13 +37,6 @@ void addEntities(const std::vector<CString>& given, FullOptions& options)
     }
 }
 
-// Warns about the catalogues of the environment that can't be read.
-void warnOfMissingCatalogs(Diagnostics& diagnostics)
-{
-    for (const CString& error : environmentCatalogErrors())
-        diagnostics.warning(error);
-}
-
 // If all sections of the source were left out, warns which entities would include some.
 void suggestEntities(const std::vector<CString>& entities, Diagnostics& diagnostics)
 {
@@ -139,7 +132,8 @@ void adviseOnFullReading(const MsgBase& message, Diagnostics& diagnostics)
     if (!full)
         return;
     if (message.queryDescriptor()->readsCatalogs())
-        warnOfMissingCatalogs(diagnostics);
+        for (const CString& error : environmentCatalogErrors())
+            diagnostics.warning(error);
     suggestEntities(full->querySectionEntities(), diagnostics);
     if (!diagnostics.hasErrors())
         warnOfUnusedOptions(*full, diagnostics);
