@@ -3,8 +3,6 @@
 #include "Resources/StringTable.h"
 #include "Ui/PlainText.h"
 #include "Ui/UiText.h"
-#include "Ui/WizardSheet.h"
-#include "Wizard/Run/ResultTotals.h"
 #include "Wizard/Run/WizardRun.h"
 #include "Wizard/Windows/SaveFile.h"
 
@@ -72,9 +70,8 @@ void CreateResultPage::OnSetActive()
     }
     wizard->options.fillResultList(*resultBox);
     const std::vector<ResultKind>& kinds = wizard->options.queryResultKinds();
-    totals->setText(totalsInWords(kinds));
+    totals->setText(wizard->options.resultTotals());
     failuresOnly->setEnabled(std::any_of(kinds.begin(), kinds.end(), isFailure));
-    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
 }
 
 // Fills the list again, because hiding each of many thousand rows takes longer.

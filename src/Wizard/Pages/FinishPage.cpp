@@ -7,7 +7,6 @@
 #include "Ui/UiText.h"
 #include "Ui/Viewer.h"
 #include "Ui/WizardSheet.h"
-#include "Wizard/Run/ResultTotals.h"
 #include "Wizard/Run/WizardRun.h"
 
 #include <QFileInfo>
@@ -62,7 +61,7 @@ QString FinishPage::summary() const
 {
     const ScriptCommand& script = wizard->script;
     if (script.output.empty())
-        return tr("On the broker %1: %2.").arg(toUi(script.address), totalsInWords(wizard->options.queryResultKinds()));
+        return tr("On the broker %1: %2.").arg(toUi(script.address), wizard->options.resultTotals());
     const qint64 size = QFileInfo(toUi(script.output)).size();
     return tr("%1 written to %2 (%3).")
         .arg(shownCount(wizard->message->beginEnum(), tr("type was"), tr("types were")), toUi(script.output),

@@ -9,6 +9,7 @@
 #include <array>
 #include <optional>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -144,6 +145,21 @@ void QELOptions::fillResultList(CListBox& box) const
         lines.append(toUi(line));
     box.clear();
     box.addItems(lines);
+}
+
+QString QELOptions::resultTotals() const
+{
+    static constexpr std::pair<ResultKind, const char*> words[] = {
+        {ResultKind::created, "created"}, {ResultKind::modified, "replaced"},
+        {ResultKind::skipped, "skipped"}, {ResultKind::unchanged, "unchanged"},
+        {ResultKind::failed, "failed"},   {ResultKind::cancelled, "not created"},
+        {ResultKind::unknown, "unknown"}};
+    QStringList parts;
+    for (const auto& [kind, word] : words)
+        if (const auto count = std::ranges::count(resultKinds, kind); count != 0)
+            parts.append(shownCount(count, word, word));
+    const auto types = std::ssize(resultKinds) - std::ranges::count(resultKinds, ResultKind::reason);
+    return shownCount(types, "type", "types") + (parts.isEmpty() ? "" : ": ") + parts.join(", ");
 }
 
 void AddUnique(const CString& text, CStringList& list, int atHead)

@@ -3,12 +3,18 @@
 #include "Base/Text.h"
 #include "Broker/ResultKind.h"
 #include "Import/Full/FullMessage.h"
-#include "Ui/Controls.h"
+
+#include <QComboBox>
+#include <QListWidget>
 
 #include <optional>
 #include <vector>
 
 class Registry;
+
+// The platform's controls that signatures use.
+using CComboBox = QComboBox;
+using CListBox = QListWidget;
 
 /// Puts `text` at the head (`atHead` nonzero) or the tail of `list` and removes its first equal entry. Cuts the list to
 /// 15 entries.
@@ -58,6 +64,7 @@ public:
     void addResult(const CString& line, ResultKind kind = ResultKind::unknown);
     void fillResultList(CListBox& box) const;
     const std::vector<ResultKind>& queryResultKinds() const { return resultKinds; }
+    QString resultTotals() const; ///< in words: "1,200 types: 1,198 created, 2 failed"
 
     /// Returns the folder in which the program was started. The file pages return to it.
     const CString& queryCWD() const { return cwd; }
