@@ -1,6 +1,11 @@
 #pragma once
 
-class QWidget;
+#include <QAccessible>
+#include <QWidget>
 
 /// Makes a screen reader read out a text that has just appeared or changed. The focus stays.
-void announce(QWidget& label);
+inline void announce(QWidget& label)
+{
+    QAccessibleEvent announcement(&label, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+}

@@ -82,6 +82,16 @@ void ComboBox::wheelEvent(QWheelEvent* event)
         event->ignore(); // passed on, so that the page scrolls
 }
 
+QComboBox* newRecentCombo(const QString& label)
+{
+    auto* combo = new ComboBox(label);
+    combo->setEditable(true);
+    combo->setInsertPolicy(QComboBox::NoInsert);
+    combo->setCompleter(nullptr);
+    combo->lineEdit()->setAccessibleName(combo->accessibleName());
+    return combo;
+}
+
 ChoiceCombo::ChoiceCombo(const QString& label) : ComboBox(label)
 {
     connect(this, &QComboBox::activated, this, [this](int index) {

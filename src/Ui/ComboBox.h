@@ -16,6 +16,10 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 };
 
+/// Returns an editable combo box with recent entries. It does not complete typed text, because a new name may begin
+/// like a recent one. `label` is the text of the label beside it.
+QComboBox* newRecentCombo(const QString& label);
+
 /// A combo box for choices that take time. A click or Enter chooses an entry; keys and the wheel only show it. Escape
 /// and losing the focus show the chosen entry again.
 class ChoiceCombo : public ComboBox

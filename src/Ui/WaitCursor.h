@@ -3,22 +3,16 @@
 #include <QCursor>
 #include <QGuiApplication>
 
-/// Shows the wait cursor in its scope.
-class WaitCursor
+/// Shows a cursor in its scope.
+template <Qt::CursorShape Shape>
+class CursorScope
 {
 public:
-    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
+    CursorScope() { QGuiApplication::setOverrideCursor(Shape); }
+    ~CursorScope() { QGuiApplication::restoreOverrideCursor(); }
+    CursorScope(const CursorScope&) = delete;
+    CursorScope& operator=(const CursorScope&) = delete;
 };
 
-/// Shows the arrow cursor in its scope: for a box during long work.
-class PlainCursor
-{
-public:
-    PlainCursor() { QGuiApplication::setOverrideCursor(Qt::ArrowCursor); }
-    ~PlainCursor() { QGuiApplication::restoreOverrideCursor(); }
-    PlainCursor(const PlainCursor&) = delete;
-    PlainCursor& operator=(const PlainCursor&) = delete;
-};
+using WaitCursor = CursorScope<Qt::WaitCursor>;
+using PlainCursor = CursorScope<Qt::ArrowCursor>; ///< for a box during long work

@@ -1,9 +1,9 @@
 // The sheet around the pages, and the lists and boxes that pages share.
 #include "Base/QELApp.h"
 #include "TestFolders.h"
+#include "Ui/ComboBox.h"
 #include "Ui/ListFilter.h"
 #include "Ui/ModalBox.h"
-#include "Ui/RecentCombo.h"
 #include "Ui/WaitCursor.h"
 #include "Wizard/WindowLayout.h"
 #include "wizard/Desk.h"

@@ -1,10 +1,10 @@
 #include "Wizard/Pages/FilePage.h"
 
+#include "Ui/ComboBox.h"
 #include "Ui/DraggedFiles.h"
 #include "Ui/PathCompleter.h"
 #include "Ui/PathLabel.h"
 #include "Ui/PlainText.h"
-#include "Ui/RecentCombo.h"
 #include "Ui/UiText.h"
 #include "Ui/WizardSheet.h"
 
@@ -82,7 +82,6 @@ void FilePage::OnSetActive()
     redFrame->hide();
     folderText = wizard->setCurrentFolder(whichFolder());
     folderLabel->setText(toUi(folderText));
-    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
 }
 
 void FilePage::UpdateData(bool save)

@@ -8,8 +8,8 @@
 #include "Broker/TypeSource.h"
 #include "Database/ConnectString.h"
 #include "Resources/StringTable.h"
+#include "Ui/ComboBox.h"
 #include "Ui/LongWork.h"
-#include "Ui/RecentCombo.h"
 #include "Ui/SecretEdit.h"
 #include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
@@ -124,7 +124,6 @@ QWidget* LoginToBroker::makeLogonGroup()
 void LoginToBroker::OnSetActive()
 {
     progress->hide();
-    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
 }
 
 void LoginToBroker::OnLogonTrusted()
