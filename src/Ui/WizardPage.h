@@ -21,15 +21,11 @@ public:
     WizardPage(int dialogId, Look look, const CString& caption, const CString& title, const CString& subtitle);
 
     int queryDialogId() const { return dialogId; }
-    Look queryLook() const { return look; }
-    const QString& queryCaption() const { return caption; }
-    const QString& queryTitle() const { return title; }
-    const QString& querySubtitle() const { return subtitle; }
 
     /// Called once, before the page is first shown. Creates the controls.
     virtual void OnInitDialog() {}
 
-    /// Called each time the page is shown: fills the controls, sets the buttons.
+    /// Called each time the page is shown: fills the controls. Sets the buttons if they aren't Back and Next.
     virtual void OnSetActive() {}
 
     /// Returns the dialog id of the next page, 0 for the neighbouring page, -1 to stay.

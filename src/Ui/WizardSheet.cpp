@@ -8,7 +8,6 @@
 #include "Ui/PlainText.h"
 #include "Ui/ProgressRow.h"
 #include "Ui/UiText.h"
-#include "Ui/WaitCursor.h"
 #include "Ui/WizardPage.h"
 
 #include <QApplication>
@@ -19,6 +18,7 @@
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
@@ -123,7 +123,7 @@ void WizardSheet::AddPage(WizardPage& page)
             area->ensureWidgetVisible(now);
     });
     stack->addWidget(area);
-    band->addSubtitle(page.querySubtitle());
+    band->addSubtitle(page.subtitle);
 }
 
 int WizardSheet::DoModal()
@@ -193,7 +193,8 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageB
     for (const auto signal : {&LongWork::becameVisible, &LongWork::progressed})
         connect(&longWork, signal, this, [&] { showProgress(longWork, pageBar, server); });
     const QPointer<QWidget> focus = focusWidget(); // while the work runs, only Cancel can have it
-    const auto end = [&] {
+    const auto end = qScopeGuard([&] {
+        work = nullptr;
         if (progressRow->isHidden())
             return;
         showProgress(longWork, pageBar, server);
@@ -201,17 +202,9 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageB
         if (focus)
             focus->setFocus();
         sinceWork.start();
-    };
+    });
     work = &longWork;
-    try {
-        longWork.run(call);
-    } catch (...) {
-        work = nullptr;
-        end();
-        throw;
-    }
-    work = nullptr;
-    end();
+    longWork.run(call);
 }
 
 void WizardSheet::showProgress(const LongWork& longWork, QProgressBar* pageBar, const QString& server)
@@ -287,9 +280,10 @@ void WizardSheet::activate(int index)
     if (QWidget* const leaving = focusWidget())
         leaving->clearFocus(); // else the focus moves on through the page, and a screen reader reads each control
     stack->setCurrentIndex(index);
-    band->setTexts(page->queryTitle(), page->querySubtitle());
-    band->setVisible(page->queryLook() == WizardPage::Look::interior);
-    setWindowTitle(plainTitle(page->queryCaption()));
+    band->setTexts(page->title, page->subtitle);
+    band->setVisible(page->look == WizardPage::Look::interior);
+    setWindowTitle(plainTitle(page->caption));
+    SetWizardButtons(buttonBack | buttonNext);
     try {
         page->OnSetActive();
     } catch (const std::exception& error) {

@@ -1,6 +1,5 @@
 #include "Wizard/Pages/OutputPage.h"
 
-#include "Ui/WizardSheet.h"
 #include "Wizard/Run/WizardRun.h"
 
 #include <QButtonGroup>
@@ -29,7 +28,6 @@ void OutputPage::OnInitDialog()
 
 void OutputPage::OnSetActive()
 {
-    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
     if (QAbstractButton* button = choice->button(wizard->options.queryLastOutputSel()))
         button->setChecked(true);
 }

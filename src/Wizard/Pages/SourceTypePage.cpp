@@ -46,7 +46,6 @@ QWidget* SourceTypePage::makePathGroup()
 void SourceTypePage::OnSetActive()
 {
     wizard->message.reset();
-    sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext);
     importerList->selectRow(wizard->options.queryLastImporterSel());
     OnClickSource();
 }
