@@ -1,5 +1,3 @@
-#include "Wizard/QEL.h"
-
 #include "Base/MessageBox.h"
 #include "Base/QELApp.h"
 #include "Resources/DialogIds.h"
@@ -13,13 +11,21 @@
 
 #include <vector>
 
-const HelpId helpIds[] = {
+namespace {
+
+// The help topic of a page.
+struct HelpId
+{
+    int dialogId;
+    int topic;
+};
+
+// One row for each page. The last row has the dialog id 0 and the default topic, 0.
+constexpr HelpId helpIds[] = {
     {IDD_FIRST, 1},       {IDD_CREATE_RESULT, 2}, {IDD_DATA_SOURCE, 3},  {IDD_DATABASE_TABLE, 4},
     {IDD_EDIT, 5},        {IDD_FINISH, 6},        {IDD_LOGIN, 7},        {IDD_OUTPUT, 8},
     {IDD_OUTPUT_FILE, 9}, {IDD_SOURCE, 10},       {IDD_SOURCE_TYPE, 11}, {0, 0},
 };
-
-namespace {
 
 // Returns whether the screen has fewer than 9 bits per pixel; false if unknown.
 bool isLowColour()
