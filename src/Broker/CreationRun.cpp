@@ -57,7 +57,9 @@ CreationRun::CreationRun(BrokerSession& openSession, Callbacks newCallbacks, Cre
 
 int CreationRun::run(MsgBase& message)
 {
-    begin(message);
+    progress = {Work::creating, 0, static_cast<std::uint64_t>(message.beginEnum())};
+    while (Element* type = message.enumNext())
+        types.push_back(type);
     for (std::size_t next = 0; next < types.size();) {
         isCancelled = isCancelled || !reportProgress(progress);
         if (!isCancelled)
@@ -69,20 +71,6 @@ int CreationRun::run(MsgBase& message)
         reportProgress(progress);
     finish();
     return errorCount;
-}
-
-void CreationRun::begin(MsgBase& message)
-{
-    errorCount = 0;
-    yesToAll = noToAll = isCancelled = false;
-    sourcesStored = true;
-    otherSources.clear();
-    sourceIndex.clear();
-    window = 1;
-    types.clear();
-    progress = {Work::creating, 0, static_cast<std::uint64_t>(message.beginEnum())};
-    while (Element* type = message.enumNext())
-        types.push_back(type);
 }
 
 // Creates the next window of types and returns how many of them are settled.

@@ -56,21 +56,19 @@ public:
 
     CreationRun(BrokerSession& session, Callbacks callbacks, CreationOptions options = {});
 
-    /// Creates every type of `message`, in enumeration order, and returns the number of failures. A choice "to all"
-    /// applies to this run only.
+    /// Creates every type of `message`, in enumeration order, and returns the number of failures. Call it once.
     int run(MsgBase& message);
 
-    /// Returns whether the last run left out types because it was cancelled or stopped.
+    /// Returns whether the run left out types because it was cancelled or stopped.
     bool wasCancelled() const { return isCancelled; }
 
-    /// Returns the other sources that the last run found, in the order in which it found them.
+    /// Returns the other sources that the run found, in the order in which it found them.
     const std::vector<OtherSource>& queryOtherSources() const { return otherSources; }
 
-    /// Returns false if the last run found types in a repository that stores no sources.
+    /// Returns false if the run found types in a repository that stores no sources.
     bool areSourcesStored() const { return sourcesStored; }
 
 private:
-    void begin(MsgBase& message);
     std::size_t createNext(std::size_t first);
     std::vector<CreatedType> createWindow(std::size_t first);
     void recordOutcome(const Element& type, const CString& document, CreatedType outcome);
