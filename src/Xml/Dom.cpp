@@ -9,10 +9,11 @@ namespace {
 constexpr LONG kNullPointer = static_cast<LONG>(0x80004003);
 constexpr LONG kFailed = static_cast<LONG>(0x80004005);
 
-// Returns the node with its tree links, null for an attribute, which has no children and no place in the tree.
-DomTreeNode* treeNode(DomNode* node)
+// Returns a node with its tree links. An attribute has no children and no place in the tree.
+const DomTreeNode& linked(const DomNode& node)
 {
-    return node->kind == DomKind::attribute ? nullptr : static_cast<DomTreeNode*>(node);
+    static const DomTreeNode unlinked;
+    return node.kind == DomKind::attribute ? unlinked : static_cast<const DomTreeNode&>(node);
 }
 
 IXMLDOMNode takeNext(DomNode*& next)
@@ -75,41 +76,34 @@ std::string_view IXMLDOMNode::nodeValue() const
 
 XmlPlace IXMLDOMNode::place() const
 {
-    const DomTreeNode* const node = treeNode(&get());
-    return node ? node->place : XmlPlace();
+    return linked(get()).place;
 }
 
 IXMLDOMNamedNodeMap IXMLDOMNode::attributes() const
 {
-    DomTreeNode* const node = treeNode(&get());
-    return IXMLDOMNamedNodeMap(node ? node->firstAttribute : nullptr);
+    return IXMLDOMNamedNodeMap(linked(get()).firstAttribute);
 }
 
 IXMLDOMNodeList IXMLDOMNode::childNodes() const
 {
-    DomTreeNode* const node = treeNode(&get());
-    return IXMLDOMNodeList(node ? node->firstChild : nullptr);
+    return IXMLDOMNodeList(linked(get()).firstChild);
 }
 
 IXMLDOMNode IXMLDOMNode::firstChild() const
 {
-    DomTreeNode* const node = treeNode(&get());
-    return IXMLDOMNode(node ? node->firstChild : nullptr);
+    return IXMLDOMNode(linked(get()).firstChild);
 }
 
 IXMLDOMNode IXMLDOMNode::nextSibling() const
 {
-    DomTreeNode* const node = treeNode(&get());
-    return IXMLDOMNode(node ? node->next : nullptr);
+    return IXMLDOMNode(linked(get()).next);
 }
 
 IXMLDOMNode IXMLDOMNode::appendChild(IXMLDOMNode child) const
 {
-    DomTreeNode* const parent = treeNode(&get());
-    DomTreeNode* const node = treeNode(&child.get());
-    if (!parent || !node)
+    if (get().kind == DomKind::attribute || child.get().kind == DomKind::attribute)
         throw ComError(kFailed, "an attribute is no child and has none");
-    append(*parent, *node);
+    append(static_cast<DomTreeNode&>(get()), static_cast<DomTreeNode&>(child.get()));
     return child;
 }
 

@@ -104,8 +104,8 @@ private:
                                int namespaces, const xmlChar** declarations, int attributes, int defaulted,
                                const xmlChar** rows);
     static void onEndElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri);
+    template <auto Call>
     static void onText(void* context, const xmlChar* characters, int length);
-    static void onCdata(void* context, const xmlChar* characters, int length);
     static void onComment(void* context, const xmlChar* characters);
     static void onInstruction(void* context, const xmlChar* target, const xmlChar* data);
 
@@ -158,8 +158,8 @@ xmlSAXHandler Parse::callbacks(bool withText)
     sax.comment = onComment;
     sax.processingInstruction = onInstruction;
     if (withText) {
-        sax.characters = onText;
-        sax.cdataBlock = onCdata;
+        sax.characters = onText<&XmlHandler::text>;
+        sax.cdataBlock = onText<&XmlHandler::cdata>;
     }
     sax.ignorableWhitespace = sax.characters; // else libxml2 guesses which blanks matter
     return sax;
@@ -396,16 +396,11 @@ void Parse::onEndElement(void* context, const xmlChar*, const xmlChar*, const xm
     self.guarded(context, [&] { self.handler.endElement(); });
 }
 
+template <auto Call>
 void Parse::onText(void* context, const xmlChar* characters, int length)
 {
     Parse& self = of(context);
-    self.guarded(context, [&] { self.handler.text({text(characters), static_cast<std::size_t>(length)}); });
-}
-
-void Parse::onCdata(void* context, const xmlChar* characters, int length)
-{
-    Parse& self = of(context);
-    self.guarded(context, [&] { self.handler.cdata({text(characters), static_cast<std::size_t>(length)}); });
+    self.guarded(context, [&] { (self.handler.*Call)({text(characters), static_cast<std::size_t>(length)}); });
 }
 
 // Comments of the internal subset are not nodes of the document.
