@@ -1,5 +1,6 @@
 #include "Base/ServerAddress.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <charconv>
 #include <system_error>
@@ -18,10 +19,7 @@ bool isIPv6(std::string_view text)
 bool isServer(std::string_view text)
 {
     const auto isForeign = [](unsigned char c) { return c <= ' ' || c == 127 || kForeign.find(c) != kForeign.npos; };
-    for (const char c : text)
-        if (isForeign(c))
-            return false;
-    return !text.empty();
+    return !text.empty() && std::ranges::none_of(text, isForeign);
 }
 
 bool readPort(std::string_view digits, unsigned& port)

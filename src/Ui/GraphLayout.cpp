@@ -13,14 +13,6 @@ struct CloseGraph
     void operator()(Agraph_t* graph) const { agclose(graph); }
 };
 
-// Returns Graphviz's context with its plugins and fonts. It is never freed: the plugin that measures texts compares the
-// next font name with the last one, by a pointer into the earlier context.
-GVC_t* graphviz()
-{
-    static GVC_t* const context = gvContext();
-    return context;
-}
-
 // Sets an attribute. Graphviz takes constant texts as char*.
 void set(void* object, const char* name, const CString& value, const char* otherwise = "")
 {
@@ -102,7 +94,9 @@ GraphLayout read(Agraph_t* graph, const std::vector<GraphBox>& boxes)
 std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<GraphBox>& boxes)
 {
     agseterr(AGMAX); // Graphviz would write messages to standard error
-    GVC_t* const context = graphviz();
+    // Holds plugins and fonts. Never freed: the plugin that measures texts compares the next font name with the last
+    // one, by a pointer into the earlier context.
+    static GVC_t* const context = gvContext();
     const std::unique_ptr<Agraph_t, CloseGraph> graph(agmemread(dot.c_str()));
     if (!context || !graph)
         return {};

@@ -19,12 +19,6 @@ std::unordered_set<QProcess*>& running()
     return processes;
 }
 
-void forget(QProcess* viewer)
-{
-    running().erase(viewer);
-    viewer->deleteLater();
-}
-
 } // namespace
 
 // The viewer gets no terminal and a session of its own, so that it can't write to the wizard's terminal or end with the
@@ -43,7 +37,8 @@ void showInViewer(const CString& fileName, QObject* context, std::function<void(
     const auto end = [viewer, context = QPointer(context), onFailure](bool failed) {
         if (failed && context)
             onFailure();
-        forget(viewer);
+        running().erase(viewer);
+        viewer->deleteLater();
     };
     QObject::connect(viewer, &QProcess::errorOccurred, viewer, [end](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
