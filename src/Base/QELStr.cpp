@@ -6,14 +6,13 @@
 #include <climits>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
 #include <string_view>
-#include <vector>
 
 namespace {
-
-constexpr std::size_t kFormatBuffer = 4096;
 
 std::string_view viewOf(const QELString& s)
 {
@@ -127,24 +126,14 @@ QELString QELString::operator()(int from, int count) const
 
 unsigned int QELString::sprintf(const char* format, ...)
 {
-    char inlineBuffer[kFormatBuffer];
-    std::vector<char> heapBuffer;
-    char* output = inlineBuffer;
+    // Formatted into a separate buffer, because the arguments may be the string itself.
+    char* output = nullptr;
     va_list arguments;
     va_start(arguments, format);
-    va_list again;
-    va_copy(again, arguments);
-    int written = std::vsnprintf(output, kFormatBuffer, format, arguments);
-    // The first run returned the length that the output needs.
-    if (written >= static_cast<int>(kFormatBuffer)) {
-        heapBuffer.resize(static_cast<std::size_t>(written) + 1);
-        output = heapBuffer.data();
-        written = std::vsnprintf(output, heapBuffer.size(), format, again);
-    }
-    va_end(again);
+    const int written = ::vasprintf(&output, format, arguments);
     va_end(arguments);
-    // Formatted into a separate buffer, because the arguments may be the string itself.
-    assign(output, static_cast<unsigned int>(std::max(written, 0)));
+    const std::unique_ptr<char, void (*)(void*)> owner(written < 0 ? nullptr : output, std::free);
+    *this = owner.get();
     return length();
 }
 
