@@ -95,18 +95,12 @@ std::vector<TlsAttempt> mariaDbAttempts(const CString& connection, std::optional
     const CString force = settingOf(connection, "FORCETLS"), verify = settingOf(connection, "SSLVERIFY");
     if (!own && (!verify.empty() || (!force.empty() && force != "0")))
         return {{""}};
-    switch (own ? *own : force == "0" ? disable : modeOfEnvironment(true)) {
-    case disable:
+    const Mode mode = own ? *own : force == "0" ? disable : modeOfEnvironment(true);
+    if (mode == disable)
         return {{"FORCETLS=0;"}, {"FORCETLS=1;SSLVERIFY=0;", true}};
-    case allow:
-    case prefer:
+    if (mode < require)
         return {{"FORCETLS=1;SSLVERIFY=0;"}, {"FORCETLS=0;SSLVERIFY=0;"}};
-    case require:
-    case verifyCa:
-    case verifyFull:
-        return {{"FORCETLS=1;SSLVERIFY=1;"}};
-    }
-    return {};
+    return {{"FORCETLS=1;SSLVERIFY=1;"}};
 }
 
 } // namespace
