@@ -155,13 +155,12 @@ public:
             if (const Side::Type* const known = before.find(type.name))
                 compareType(known->number, type);
             else
-                changes.push_back(
-                    {TypeChange::typeAdded, after.structure.kindOf(type.number), shownType(type.name), {}, {}, {}});
+                changes.push_back({TypeChange::typeAdded, after.structure.kindOf(type.number), shownType(type.name)});
         }
         for (const Side::Type& type : before.types)
             if (before.find(type.name) == &type && !after.find(type.name))
                 changes.push_back(
-                    {TypeChange::typeRemoved, before.structure.kindOf(type.number), shownType(type.name), {}, {}, {}});
+                    {TypeChange::typeRemoved, before.structure.kindOf(type.number), shownType(type.name)});
     }
 
 private:
@@ -196,21 +195,13 @@ private:
                 comparePart(name, *known, part);
             else
                 changes.push_back({part.kind == TypePart::constant ? TypeChange::constantAdded : TypeChange::fieldAdded,
-                                   kPartNames[part.kind],
-                                   name,
-                                   shownPart(part),
-                                   {},
-                                   contentOf(after.structure, part)});
+                                   kPartNames[part.kind], name, shownPart(part), "", contentOf(after.structure, part)});
         }
         for (std::size_t i = 0; i < oldParts.all.size(); ++i)
             if (const TypePart& part = oldParts.all[i]; !parts.find(oldParts.keys[i]))
                 changes.push_back(
                     {part.kind == TypePart::constant ? TypeChange::constantRemoved : TypeChange::fieldRemoved,
-                     kPartNames[part.kind],
-                     name,
-                     shownPart(part),
-                     contentOf(before.structure, part),
-                     {}});
+                     kPartNames[part.kind], name, shownPart(part), contentOf(before.structure, part)});
     }
 
     void comparePart(const CString& type, const TypePart& old, const TypePart& now)

@@ -28,9 +28,9 @@ struct TypeChange
     Id id;
     CString what; ///< what was added or removed ("record", "field" ...), or what changed: "kind", "type", "repetition"
     CString type; ///< the full name of the type
-    CString part; ///< the name of the field or constant; empty for the type itself and for a component
-    CString from; ///< the old value, if removed or changed; empty for types and constants
-    CString to;   ///< the new value, if added or changed; empty for types and constants
+    CString part = {}; ///< the name of the field or constant; empty for the type itself and for a component
+    CString from = {}; ///< the old value, if removed or changed; empty for types and constants
+    CString to = {};   ///< the new value, if added or changed; empty for types and constants
 };
 
 /// The programs that a change may break.
