@@ -20,11 +20,6 @@ QRgb darkTone(QRgb tone, int ground)
 
 void darken(QImage& image, int ground)
 {
-    if (image.format() == QImage::Format_Indexed8) {
-        for (int i = 0; i < image.colorCount(); ++i)
-            image.setColor(i, darkTone(image.color(i), ground));
-        return;
-    }
     image.convertTo(QImage::Format_RGB32);
     QRgb* const first = reinterpret_cast<QRgb*>(image.bits());
     std::transform(first, first + static_cast<qsizetype>(image.width()) * image.height(), first,
