@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QAccessible>
-#include <QWidget>
+#include <QLabel>
 
-/// Makes a screen reader read out a text that has just appeared or changed. The focus stays.
-inline void announce(QWidget& label)
+/// Shows a text and makes a screen reader read it out. The focus stays.
+inline void announce(QLabel& label, const QString& text)
 {
+    label.setText(text);
+    label.show();
     QAccessibleEvent announcement(&label, QAccessible::Alert);
     QAccessible::updateAccessibility(&announcement);
 }

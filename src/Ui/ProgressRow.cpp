@@ -38,5 +38,5 @@ void ProgressRow::show(const QString& words, const Progress& progress)
         bar->setValue(static_cast<int>(double(progress.done) / double(progress.total) * steps));
     setVisible(true);
     if (isNew)
-        announce(*text);
+        announce(*text, words);
 }

@@ -44,21 +44,14 @@ void DataSourcePage::OnSetActive()
     if (selectedSource != -1)
         dataSourceList->selectRow(selectedSource);
     if (sources.empty())
-        showHint(tr("There are no data sources on this computer. Help explains how to set one up."));
-}
-
-void DataSourcePage::showHint(const QString& text)
-{
-    hint->setText(text);
-    hint->show();
-    announce(*hint);
+        announce(*hint, tr("There are no data sources on this computer. Help explains how to set one up."));
 }
 
 LRESULT DataSourcePage::OnWizardNext()
 {
     const int row = dataSourceList->selectedRow();
     if (row < 0) {
-        showHint(tr("Select a data source to continue."));
+        announce(*hint, tr("Select a data source to continue."));
         return -1;
     }
     selectedSource = row;

@@ -19,8 +19,6 @@ public:
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
 
 private:
-    void showHint(const QString& text);
-
     ListView* dataSourceList = nullptr;
     QLabel* hint = nullptr;
     std::vector<DataSource> sources; // the rows of the list

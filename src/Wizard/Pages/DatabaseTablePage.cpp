@@ -99,8 +99,7 @@ LRESULT DatabaseTablePage::OnWizardNext()
 {
     const std::vector<int> selected = tableList->selectedRows();
     if (selected.empty()) {
-        selectedCount->setText(tr("None selected. Select at least one table to continue."));
-        announce(*selectedCount);
+        announce(*selectedCount, tr("None selected. Select at least one table to continue."));
         return stay(IDS_SELECT_TABLE);
     }
     if (!wizard->database->IsOpen() && !wizard->openDatabase()) // the user has given up
