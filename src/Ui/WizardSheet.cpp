@@ -1,6 +1,8 @@
 #include "Ui/WizardSheet.h"
 
 #include "Base/Progress.h"
+#include "Base/QELApp.h"
+#include "Resources/StringIds.h"
 #include "Ui/HeaderBand.h"
 #include "Ui/LongWork.h"
 #include "Ui/Mnemonics.h"
@@ -238,7 +240,8 @@ void WizardSheet::setNavigation(bool visible)
 
 void WizardSheet::help()
 {
-    OnHelp(activePage()->queryDialogId());
+    constexpr UINT contextHelp = 1;
+    theApp.WinHelp(static_cast<DWORD>(activePage()->queryDialogId()), contextHelp);
 }
 
 // Qt's event loop must not see exceptions: the error is shown and the page stays.
@@ -247,7 +250,7 @@ LRESULT WizardSheet::ask(const std::function<LRESULT()>& handler)
     try {
         return handler();
     } catch (const std::exception& error) {
-        OnPageError(error);
+        theApp.Error(messageOf(error), IDS_ERROR_TITLE);
     } catch (const Cancelled&) {
         // the page stays as it was
     }
@@ -287,7 +290,7 @@ void WizardSheet::activate(int index)
     try {
         page->OnSetActive();
     } catch (const std::exception& error) {
-        OnPageError(error);
+        theApp.Error(messageOf(error), IDS_ERROR_TITLE);
     } catch (const Cancelled&) { // cancelled while filling the page: back to the page before
         return activate(before);
     }

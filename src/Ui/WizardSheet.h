@@ -98,12 +98,6 @@ protected:
     /// Shows the page with a dialog id, whatever page is current.
     void showPage(int dialogId) { go(dialogId, 0); }
 
-    /// Called for the Help button or F1 on the page `dialogId`.
-    virtual void OnHelp(int dialogId) = 0;
-
-    /// Called if a page's handler has thrown; the page stays.
-    virtual void OnPageError(const std::exception& error) = 0;
-
 private:
     QPushButton* addButton(const char* name, const QString& text, void (WizardSheet::*action)());
     QShortcut* addKey(Qt::Key letter, QPushButton* button);

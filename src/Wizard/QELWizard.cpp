@@ -147,14 +147,3 @@ void QELWizard::dropEvent(QDropEvent* event)
     event->acceptProposedAction();
     openFiles(draggedFiles(*event->mimeData()));
 }
-
-void QELWizard::OnHelp(int dialogId)
-{
-    constexpr UINT contextHelp = 1;
-    theApp.WinHelp(static_cast<DWORD>(dialogId), contextHelp);
-}
-
-void QELWizard::OnPageError(const std::exception& error)
-{
-    theApp.Error(messageOf(error), IDS_ERROR_TITLE);
-}

@@ -26,8 +26,6 @@ public:
 
 protected:
     void OnPageMade(WizardPage& page) override;
-    void OnHelp(int dialogId) override;
-    void OnPageError(const std::exception& error) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
