@@ -199,8 +199,8 @@ void TypeTreeModel::fetchMore(const QModelIndex& parent)
 QVariant TypeTreeModel::data(const QModelIndex& index, int role) const
 {
     const Node& node = nodeOf(index);
-    if (role == Qt::DisplayRole)
-        return index.column() == 0 ? node.name : node.type;
+    if (role == Qt::DisplayRole) // a literal DTD has names of several lines
+        return (index.column() == 0 ? node.name : node.type).simplified();
     if (role == Qt::DecorationRole && index.column() == 1 && !node.type.isEmpty())
         return node.mark ? *node.mark : noMark();
     CString room;
