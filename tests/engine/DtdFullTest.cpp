@@ -49,10 +49,11 @@ const Rule kRules[] = {
      "4 details\nx:1:1: mixed content (order of text lost): r\nx:1:1: name changed: r_i is r_r_i\nx:1:1: name changed: "
      "value is value_2\n\n2 names changed\n1 mixed content\n1 optional part\n"},
     {"ManyNamesAreThoseOfTheirRecordOnly",
-     "<!ELEMENT r (y,z)><!ELEMENT y (a,b,c,d,e,f,g,h,i,j,k,l,m,n,o,p)><!ELEMENT z (a,y)>"
-     "<!ELEMENT (a|b|c|d|e|f|g|h|i|j|k|l|m|n|o|p) EMPTY>",
+     "<!ELEMENT r (y,z)><!ELEMENT y (a,b,c,d,e,f,g,h,i,j,k,l,m,n,o,p)><!ELEMENT z (b,c,d,e,f,g,h,i,j,k,l,m,n,o,p,q,a)>"
+     "<!ELEMENT (a|b|c|d|e|f|g|h|i|j|k|l|m|n|o|p|q) EMPTY>",
      "y(a:String b:String c:String d:String e:String f:String g:String h:String i:String j:String k:String l:String "
-     "m:String n:String o:String p:String) z(a:String y:y) r(y:y z:z)"},
+     "m:String n:String o:String p:String) z(b:String c:String d:String e:String f:String g:String h:String i:String "
+     "j:String k:String l:String m:String n:String o:String p:String q:String a:String) r(y:y z:z)"},
     {"TypesShareOneNameSpace",
      "<!ELEMENT r (k*,t_k,j)><!ELEMENT t_k (k)><!ELEMENT k (m)><!ELEMENT m EMPTY><!ELEMENT j (m)>"
      "<!ATTLIST j k (a|b) 'a'><!ATTLIST r k (a|b) 'a'><!ATTLIST k k (c) 'c'>",
