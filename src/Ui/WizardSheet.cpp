@@ -21,6 +21,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScopeGuard>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
@@ -196,7 +197,6 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageB
         connect(&longWork, signal, this, [&] { showProgress(longWork, pageBar, server); });
     const QPointer<QWidget> focus = focusWidget(); // while the work runs, only Cancel can have it
     const auto end = qScopeGuard([&] {
-        work = nullptr;
         if (progressRow->isHidden())
             return;
         showProgress(longWork, pageBar, server);
@@ -205,7 +205,7 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageB
             focus->setFocus();
         sinceWork.start();
     });
-    work = &longWork;
+    const QScopedValueRollback running(work, &longWork);
     longWork.run(call);
 }
 
