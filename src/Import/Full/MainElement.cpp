@@ -40,15 +40,10 @@ bool hasFields(const SourceTypes& types, SourceTypes::Type type)
 MainElement::MainElement(const SourceTypes& types) :
     types(types), order({types}, types.records.size()), seen(types.records.size())
 {
-    for (Index i = 0; i < types.candidates.size(); ++i) {
-        if (types.candidates[i].isType || types.candidates[i].source == SourceTypes::kNone)
-            continue;
-        bySource.push_back(i);
-        if (types.candidates[i].type.kind == SourceTypes::kindRecord)
-            order.visit(types.candidates[i].type.index);
-    }
+    for (Index i = 0; i < types.candidates.size(); ++i)
+        if (!types.candidates[i].isType && types.candidates[i].source != SourceTypes::kNone)
+            bySource.push_back(i);
     std::ranges::stable_sort(bySource, {}, [&](Index i) { return types.candidates[i].source; });
-    lastWalkInto.resize(order.componentCount());
 }
 
 std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Index source)
@@ -62,8 +57,8 @@ std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Ind
     }
     if (first == next)
         return {};
-    if (ranked.empty())
-        return {bySource[first]};
+    if (ranked.size() <= 1) // nothing to measure, as in most schemas of a set
+        return {ranked.empty() ? bySource[first] : ranked.front()};
     findSources();
     return measureAll(stemOf(fileName));
 }
@@ -72,6 +67,9 @@ std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Ind
 // cycle that nothing outside refers to is measured, for the first element that it belongs to.
 void MainElement::findSources()
 {
+    for (const Index candidate : ranked)
+        order.visit(types.candidates[candidate].type.index);
+    lastWalkInto.resize(order.componentCount());
     const Index turn = ++walks;
     waiting.clear();
     const auto visit = [&](Index record) {
