@@ -258,7 +258,7 @@ void WsdlReader::makeMessages()
     made.space = target;
     made.hasTarget = target != 0;
     tree.documents.push_back(made);
-    std::ranges::stable_partition(parts, [](const Part& part) { return !part.isFault; });
+    std::stable_partition(parts.begin(), parts.end(), [](const Part& part) { return !part.isFault; });
     for (std::size_t first = 0, end; first < parts.size(); first = end) {
         const std::uint32_t number = parts[first].message;
         for (end = first + 1; end < parts.size() && number != 0 && parts[end].message == number;)
