@@ -9,13 +9,14 @@
 namespace {
 
 constexpr std::size_t kLargePage = 1 << 21;
+constexpr std::size_t kLargeBlock = 2 * kLargePage;
 constexpr std::size_t kHeap = 15 * kLargePage; // below the highest threshold that mallopt(3) takes
 
 } // namespace
 
 void* allocateLarge(std::size_t bytes)
 {
-    const bool isLarge = bytes >= kLargeMemory;
+    const bool isLarge = bytes >= kLargeBlock;
     void* const memory = isLarge ? std::aligned_alloc(kLargePage, (bytes + kLargePage - 1) / kLargePage * kLargePage)
                                  : std::malloc(bytes);
     if (!memory)

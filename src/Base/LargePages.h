@@ -3,12 +3,9 @@
 #include <cstddef>
 #include <cstdlib>
 
-/// The size in bytes from which on allocateLarge() asks for large pages.
-inline constexpr std::size_t kLargeMemory = 1 << 22;
-
-/// Returns `bytes` bytes, which the caller frees with std::free(). Throws std::bad_alloc. Large blocks ask for large
-/// pages (madvise(2), MADV_HUGEPAGE), because a random access to a large table would otherwise also miss in the page
-/// tables.
+/// Returns `bytes` bytes, which the caller frees with std::free(). Throws std::bad_alloc. Blocks of 4 MB and more ask
+/// for large pages (madvise(2), MADV_HUGEPAGE), because a random access to a large table would otherwise also miss in
+/// the page tables.
 void* allocateLarge(std::size_t bytes);
 
 /// Makes the heap ask for large pages for its first 30 MB, and keep what is freed. A program that allocates much once
