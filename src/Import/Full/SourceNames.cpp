@@ -128,7 +128,7 @@ void SourceNames::nameType(Field& field, Index record)
     for (std::uint16_t depth = 0; depth < field.repeats; ++depth) {
         prefix += kTablePrefix;
         const TableKey key{field.name, field.type, space};
-        const auto hash = static_cast<std::uint32_t>(TableHash()(key));
+        const std::uint32_t hash = keyHash(key);
         const KnownTable* known = tables.find(key, hash);
         if (!known) {
             const auto index = static_cast<Index>(types.tables.size());

@@ -68,13 +68,14 @@ private:
         Index space;
 
         friend bool operator==(const TableKey&, const TableKey&) = default;
+        friend std::uint32_t keyHash(const TableKey& key)
+        {
+            return (::keyHash(key.name) + key.space) ^ (key.type.index << 3 | key.type.kind);
+        }
     };
     struct TableHash
     {
-        std::size_t operator()(const TableKey& key) const
-        {
-            return (keyHash(key.name) + key.space) ^ (static_cast<std::size_t>(key.type.index) << 3 | key.type.kind);
-        }
+        std::size_t operator()(const TableKey& key) const { return keyHash(key); }
     };
     struct KnownTable
     {
