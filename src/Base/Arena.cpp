@@ -4,6 +4,9 @@
 
 namespace {
 
+// Chunks come from the heap, large ones with large pages. Mapping each chunk with its pages in place was tried and is
+// slower: the heap keeps freed pages, a new mapping has to be cleared by the system. The alignment is ignored, because
+// malloc's serves every type that isn't over-aligned.
 class ChunkMemory : public std::pmr::memory_resource
 {
     void* do_allocate(std::size_t bytes, std::size_t) override { return allocateLarge(bytes); }
@@ -15,6 +18,8 @@ class ChunkMemory : public std::pmr::memory_resource
 
 Arena::Arena() :
     std::pmr::monotonic_buffer_resource([] {
+        // One for all arenas and threads, because it has no state. Local, so that it exists before any arena of static
+        // storage.
         static ChunkMemory memory;
         return &memory;
     }())

@@ -27,6 +27,8 @@ constexpr std::string_view kEncodingName = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghij
 constexpr std::size_t kLongDeclaration = 1000; // bytes; only the start of a file is searched
 
 // Returns the name after `encoding =` in an XML or text declaration, empty if there is none.
+// XML 1.0, productions [77] TextDecl and [80] EncodingDecl, read leniently: what else stands in the declaration does
+// not matter, and blanks may come before it.
 CString declaredEncoding(std::string_view bytes)
 {
     std::string_view text = bytes.substr(std::min(bytes.find_first_not_of(kBlank), bytes.size()), kLongDeclaration);
@@ -38,10 +40,13 @@ CString declaredEncoding(std::string_view bytes)
     if (quote == text.npos)
         return {};
     const std::string_view name = text.substr(quote + 1, text.find(text[quote], quote + 1) - quote - 1);
+    // The EncName production [81]. iconv_open() would take more, such as the "//TRANSLIT" that glibc reads after a
+    // name.
     return name.find_first_not_of(kEncodingName) == name.npos ? CString(name) : CString();
 }
 
-// Returns false if the encoding is unknown or the bytes are not valid in it.
+// Returns false if the encoding is unknown or the bytes are not valid in it. A character that is cut off at the end is
+// not valid either (EINVAL). UTF-8 has no shift states, so nothing has to be written at the end.
 bool convert(std::string_view bytes, const CString& encoding, CString& out)
 {
     const iconv_t converter = ::iconv_open("UTF-8", encoding.c_str());
@@ -65,7 +70,8 @@ bool convert(std::string_view bytes, const CString& encoding, CString& out)
     return true;
 }
 
-// Returns the text made fit for XML: itself if it is already, else a view of `room`.
+// Returns the text made fit for XML: itself if it is already, else a view of `room`. `text` may be a view of `room`,
+// which is why the copy comes first.
 std::string_view withoutControls(std::string_view text, CString& room)
 {
     if (isXmlText(text))
@@ -85,6 +91,7 @@ std::string_view decodeText(std::string_view bytes, CString& room)
             return convert(bytes, mark.encoding, room) ? withoutControls(room, room) : withoutControls(bytes, room);
         }
     const CString declared = declaredEncoding(bytes);
+    // Not converted if it claims to be UTF-8: that would only copy it, and withoutControls() checks it anyway.
     const bool isUtf8 = declared.empty() || isSameAscii(declared, "utf-8");
     if (!isUtf8 && convert(bytes, declared, room))
         return withoutControls(room, room);

@@ -6,4 +6,6 @@
 /// declaration. If there is none, or the bytes are not valid in it, they are read as UTF-8 if they are valid UTF-8,
 /// else as Windows-1252. The result is a view of `bytes` if nothing has to change, else of `room`, which then holds the
 /// text. NUL becomes a space, any other control character U+FFFD.
+///
+/// For DTDs; libxml2 decodes the documents that it parses itself.
 std::string_view decodeText(std::string_view bytes, CString& room);

@@ -2,6 +2,8 @@
 
 #include <random>
 
+// Drawn before main(). A hash computed earlier, while static objects of other units are constructed, would use zeros,
+// and its key would not be found again.
 const RunningHash::Seed RunningHash::seed;
 
 RunningHash::Seed::Seed()

@@ -7,7 +7,9 @@
 #include <cstring>
 
 /// A 128-bit hash that stands for a text too long to store or to compare. Each process draws its own random seed, so no
-/// source can be made to collide on purpose. The fingerprint of the empty text is all zero.
+/// source can be made to collide on purpose. The fingerprint of the empty text is all zero. Two texts have the same one
+/// with a probability of about 2^-128, so users take equal fingerprints for equal texts. It must not be stored beyond
+/// the process, which draws another seed the next time.
 struct Fingerprint
 {
     Fingerprint() = default;
@@ -25,7 +27,8 @@ struct Fingerprint
 
 /// Computes the fingerprint of a text that arrives in pieces, wherever it is cut. A copy continues from the text so
 /// far, in time linear in what is appended. Each block of eight bytes is multiplied by the seed and folded, once for
-/// each half of the result (the step of wyhash, https://github.com/wangyi-fudan/wyhash).
+/// each half of the result (the step of wyhash, https://github.com/wangyi-fudan/wyhash). The end is mixed with the
+/// length, because the bytes of the last block are filled up with zeros: "a" and "a\0" would be equal.
 class RunningHash
 {
 public:
@@ -44,10 +47,11 @@ public:
         return *this;
     }
 
-    /// Returns a hash of a number, by the same seed.
+    /// Returns a hash of a number, by the same seed. For tables whose keys are numbers.
     static std::uint64_t of(std::uint64_t number) { return fold(number ^ seed.first, seed.second); }
 
-    /// Returns the fingerprint of the text so far. More can be appended afterwards.
+    /// Returns the fingerprint of the text so far. More can be appended afterwards. Implicit, so that a running hash
+    /// can be passed as a key.
     operator Fingerprint() const
     {
         Fingerprint out;
@@ -59,7 +63,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kBlock = sizeof(std::uint64_t);
+    static constexpr std::size_t kBlock = sizeof(std::uint64_t); // bytes
 
     struct Seed
     {
@@ -70,6 +74,8 @@ private:
 
     static const Seed seed;
 
+    // By memcpy(), because a piece may begin at any address. Blocks are in the processor's byte order: fingerprints of
+    // one process are never compared with those of another.
     template <class Number>
     static Number load(const char* bytes)
     {
@@ -110,6 +116,7 @@ private:
         rest = waiting > 0 ? bytes >> 8 * (kBlock - waiting) : 0;
     }
 
+    // The states of the two halves of the result. Each starts from the seed that the other is folded with.
     std::uint64_t first = seed.second;
     std::uint64_t second = seed.first;
     std::uint64_t rest = 0; // bytes of the last block, not yet hashed

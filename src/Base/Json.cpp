@@ -15,6 +15,7 @@ CString jsonText(std::string_view text)
 void appendJson(CString& out, std::string_view text)
 {
     if (!isPlainXmlText(text)) {
+        // dump() throws for invalid UTF-8, which toXmlText() never returns.
         out += nlohmann::json(toXmlText(text)).dump();
         return;
     }

@@ -32,7 +32,11 @@ struct NumberHash
 
 /// A hash table of pointers with text keys that iterates in the order in which the keys were first stored. The key is
 /// not stored: `KeyOf(value)` reads it from the value, so it must not change while the value is in the table. Owns
-/// nothing. A key type other than a text needs its own keyHash().
+/// nothing: the values must outlive their use in the table. Keys can't be removed. A key type other than a text needs
+/// its own keyHash().
+///
+/// std::unordered_map has a node for each key and so a cache miss for each lookup. With it, whole imports took about
+/// twice the time.
 template <class T, auto KeyOf, class Key = std::string_view>
 class KeyedTable
 {
@@ -48,7 +52,8 @@ public:
         return slots[at].entry == kFree ? nullptr : entries[slots[at].entry];
     }
 
-    /// Stores `value` under its key. Replaces the value of an equal key, at its index.
+    /// Stores `value` under its key. Replaces the value of an equal key, at its index. Pointers and indices of other
+    /// values stay valid.
     void store(T* value) { store(value, keyHash(keyOf(*value))); }
 
     void store(T* value, std::uint32_t hash)
@@ -93,12 +98,13 @@ public:
     bool empty() const { return entries.empty(); }
 
     /// Returns the value of the index-th key. Values may be added during a walk by index, which then reaches them, too.
+    /// `index` must be less than size(), and isn't checked.
     T* operator[](std::size_t index) const { return entries[index]; }
     auto begin() const { return entries.begin(); }
     auto end() const { return entries.end(); }
 
 private:
-    static constexpr std::uint32_t kFree = 0xFFFFFFFF;
+    static constexpr std::uint32_t kFree = 0xFFFFFFFF; // no entry has this index
 
     // Open addressing, linear probing. The hash is stored beside the index, so a probe seldom follows the pointer, and
     // growing never does.
@@ -112,6 +118,8 @@ private:
 
     static Key keyOf(const T& value) { return std::invoke(KeyOf, value); }
 
+    // Returns the slot that holds the key, or else the free slot where it belongs. Ends, because a quarter of the slots
+    // is always free.
     std::size_t slotOf(const Key& key, std::uint32_t hash) const
     {
         for (std::size_t at = hash & (slots.size() - 1);; at = (at + 1) & (slots.size() - 1)) {
@@ -121,6 +129,8 @@ private:
         }
     }
 
+    // `size` is a power of two, so that a mask replaces the division. Keys in the table differ, so they are placed
+    // without being compared.
     void growTo(std::size_t size)
     {
         Slots larger(size);
@@ -135,6 +145,6 @@ private:
         slots = std::move(larger);
     }
 
-    std::vector<T*, LargePages<T*>> entries;
-    Slots slots; // a power of two
+    std::vector<T*, LargePages<T*>> entries; // the values, in the order of their keys
+    Slots slots;                             // a power of two
 };

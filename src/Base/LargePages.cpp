@@ -8,6 +8,8 @@
 
 namespace {
 
+// Bytes. A large page of x86-64 and of ARM64 with pages of 4 kB has 2 MB. A block of less than two of them might
+// contain no whole one.
 constexpr std::size_t kLargePage = 1 << 21;
 constexpr std::size_t kLargeBlock = 2 * kLargePage;
 constexpr std::size_t kHeap = 15 * kLargePage; // below the highest threshold that mallopt(3) takes
@@ -17,6 +19,7 @@ constexpr std::size_t kHeap = 15 * kLargePage; // below the highest threshold th
 void* allocateLarge(std::size_t bytes)
 {
     const bool isLarge = bytes >= kLargeBlock;
+    // C requires of aligned_alloc() a size that is a multiple of the alignment.
     void* const memory = isLarge ? std::aligned_alloc(kLargePage, (bytes + kLargePage - 1) / kLargePage * kLargePage)
                                  : std::malloc(bytes);
     if (!memory)
@@ -28,6 +31,8 @@ void* allocateLarge(std::size_t bytes)
 
 void useLargePagesInHeap()
 {
+    // In bytes: 32 MB is the highest threshold that glibc takes, 128 kB its default. Each call also turns off glibc's
+    // own adjustment of thresholds, which would raise them whenever a mapped block is freed.
     constexpr int highest = 1 << 25, standard = 1 << 17;
     // Freed memory stays in the heap: the system would clear its pages again for the next block.
     ::mallopt(M_TRIM_THRESHOLD, INT_MAX);
@@ -37,6 +42,8 @@ void useLargePagesInHeap()
     std::size_t size = kHeap;
     if (block && std::align(kLargePage, kLargePage, start, size))
         ::madvise(start, size, MADV_HUGEPAGE);
-    std::free(block);
+    std::free(block); // stays in the heap, because trimming is off
+    // From here on blocks of 128 kB and more are mapped one by one again, so a large table returns to the system when
+    // it is freed, and can't fragment the heap.
     ::mallopt(M_MMAP_THRESHOLD, standard);
 }

@@ -6,7 +6,8 @@
 #include <memory_resource>
 #include <optional>
 
-/// Interns texts: equal texts have equal numbers. Numbers count up from 0, which is the empty text.
+/// Interns texts: equal texts have equal numbers, so they are compared and hashed as numbers afterwards. Numbers count
+/// up from 0, which is the empty text.
 class NameTable
 {
 public:
@@ -34,12 +35,13 @@ public:
         return known ? std::optional(known->id) : std::nullopt;
     }
 
-    /// Returns the text of a number. Valid as long as the table.
+    /// Returns the text of a number. Valid as long as the table. `id` must be a number that intern() returned.
     std::string_view operator[](Id id) const { return index[id]->text; }
 
     std::size_t size() const { return index.size(); }
 
 private:
+    // An entry of the index, in `memory`. `id` is its index in the table, so a number finds its text without hashing.
     struct Name
     {
         std::string_view text;

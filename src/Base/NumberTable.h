@@ -7,7 +7,8 @@
 #include <utility>
 #include <vector>
 
-/// A hash table from numbers to numbers. The hash is seeded, so that no source can provoke collisions.
+/// A hash table from numbers to numbers, for example from a pair of indices joined into one number. The hash is seeded,
+/// so that no source can provoke collisions. Keys can't be removed.
 class NumberTable
 {
 public:
@@ -36,7 +37,8 @@ public:
     }
 
 private:
-    // Open addressing, linear probing.
+    // Open addressing, linear probing, at most half full. A flag marks the taken slots, because every number may be a
+    // key.
     struct Slot
     {
         std::uint64_t key = 0;
@@ -46,7 +48,8 @@ private:
 
     std::size_t placeOf(std::uint64_t key) const
     {
-        // Consecutive keys share a cache line or two, because names that come together are looked up together.
+        // Consecutive keys share a cache line or two, because names that come together are looked up together. Eight
+        // slots of 16 bytes are two lines of 64 bytes.
         std::size_t at = (RunningHash::of(key / 8) * 8 + key % 8) & (slots.size() - 1);
         while (slots[at].isTaken && slots[at].key != key)
             at = (at + 1) & (slots.size() - 1);

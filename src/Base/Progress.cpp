@@ -4,15 +4,20 @@
 
 namespace {
 
+// The process's handler, constructed on first use. Read without a lock: background work never reads it, and it is only
+// exchanged while no other work runs. Starting and joining the thread of such work orders the accesses.
 ProgressHandler& currentHandler()
 {
     static ProgressHandler handler;
     return handler;
 }
 
-// Kept for polls by work that has nothing new to report.
+// Kept for polls by work that has nothing new to report. Each thread has its own, because the preview of a source may
+// work beside the window's import.
 thread_local Progress last;
 
+// The scope that this thread is in, null outside of one. The handler is the business of the work that the user has
+// started, so background work asks its scope instead.
 thread_local const BackgroundWork* background = nullptr;
 
 // "1,234,567"
@@ -24,6 +29,8 @@ CString grouped(std::uint64_t number)
     return text;
 }
 
+// Rounds kilobytes up, so that a small source is not shown as 0 kB, and megabytes down, so that the total is reached
+// only at the end.
 CString amount(std::uint64_t bytes)
 {
     if (bytes < 100'000)
@@ -97,6 +104,7 @@ void ProgressMeter::report(std::uint64_t done)
 
 CString progressText(const Progress& progress)
 {
+    // In the order of Work.
     static constexpr const char* words[] = {"Waiting for an answer", "Reading",       "Arranging the types",
                                             "Reading tables",        "Writing types", "Creating types"};
     const auto show = progress.work == Work::reading ? amount : grouped;

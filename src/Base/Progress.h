@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <functional>
 
-/// The kinds of long work. Each is counted in its own unit.
+/// The kinds of long work. Each is counted in its own unit. progressText() has its words in this order.
 enum class Work
 {
     waiting,   ///< for a database or a broker; not counted
@@ -32,16 +32,18 @@ CString progressText(const Progress& progress);
 using ProgressHandler = std::function<bool(const Progress&)>;
 
 /// Sets the handler and returns the one before. An empty handler lets all work continue. Call this function only while
-/// no work runs.
+/// no work runs. There is one handler for the process, without a lock: a thread started later sees it. The last
+/// progress of the calling thread is forgotten.
 ProgressHandler setProgressHandler(ProgressHandler handler);
 
 /// Thrown to cancel the current work; its results so far are dropped. It does not derive from std::exception, so
-/// handlers that report failures don't catch it.
+/// handlers that report failures don't catch it. Code between the work and its caller must be safe to unwind.
 struct Cancelled
 {};
 
 /// A scope in which the thread that created it works in the background: its work continues while `isWanted` returns
-/// true, and the progress handler is not called.
+/// true, and the progress handler is not called. Work in other threads is not affected. Scopes of one thread must not
+/// be nested.
 class BackgroundWork
 {
 public:
@@ -53,10 +55,12 @@ public:
     const std::function<bool()> isWanted;
 };
 
-/// Passes `progress` to the handler and returns whether to continue.
+/// Passes `progress` to the handler and returns whether to continue. For work that has a way of its own to end; other
+/// work calls a meter or throwIfCancelled().
 bool reportProgress(const Progress& progress);
 
-/// Polls the handler again with the last progress and returns whether to continue.
+/// Polls the handler again with the last progress and returns whether to continue. For work that waits and has nothing
+/// new to report.
 bool isStillWanted();
 
 /// Throws Cancelled unless isStillWanted().
@@ -66,7 +70,7 @@ void throwIfCancelled();
 void beginWork(Work work);
 
 /// For a loop whose steps are not counted: polls the handler once in `stride` passes and throws Cancelled if the
-/// handler refuses.
+/// handler refuses. A pass that doesn't poll costs one decrement, so it may stand in an inner loop.
 class CancelPoint
 {
 public:
@@ -82,6 +86,7 @@ public:
 private:
     void ask();
 
+    // Passes between two polls, at least 1, and passes left until the next one.
     unsigned stride;
     unsigned left;
 };

@@ -21,6 +21,7 @@ void CQELApp::Error(const CString& text, UINT titleId, const CString& details)
 void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault, const CString& advice)
 {
     CString details = advice;
+    // Boxes of imports word the place and often the reason in the text; said twice it would only be longer.
     const auto add = [&](const CString& words, const char* before) {
         if (!words.empty() && text.find(words) == CString::npos)
             details += (details.empty() ? "" : "\n") + (before + words);
@@ -30,6 +31,7 @@ void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault,
     showMessageBox(text, loadText(titleId), details);
 }
 
+// what() of these two is "std::bad_alloc" or the name of a function of the library, which says nothing to a user.
 const char* messageOf(const std::exception& error)
 {
     const bool isMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;

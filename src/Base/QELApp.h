@@ -4,7 +4,8 @@
 
 #include <exception>
 
-/// The application object. One exists for the whole process, `theApp`, with or without a window.
+/// The application object. One exists for the whole process, `theApp`, with or without a window. It has no
+/// state.
 class CQELApp
 {
 public:
@@ -13,6 +14,7 @@ public:
     BOOL InitInstance();
 
     /// Shows the text `textId` of the string table under the title `titleId` and returns when the user has closed it.
+    /// Only shows: the caller then returns its failure.
     void Error(UINT textId, UINT titleId);
 
     /// Shows a finished text under the title `titleId`. `details` is the cause in the words of the system, a driver or

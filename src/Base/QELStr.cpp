@@ -14,11 +14,14 @@
 
 namespace {
 
+// The text always ends with a NUL inside its storage. Its length is not stored, because a NUL written through
+// operator[] shortens the text.
 std::string_view viewOf(const QELString& s)
 {
     return static_cast<const char*>(s);
 }
 
+// Fits: no text has more than INT_MAX characters.
 int indexOf(std::size_t position)
 {
     return position == std::string_view::npos ? -1 : static_cast<int>(position);
@@ -64,12 +67,14 @@ QELString::QELString(char ch) : QELString(&ch, 1) {}
 
 QELString::~QELString()
 {
+    // A short text lies in the object itself.
     if (text != buffer)
         delete[] text;
 }
 
 QELString& QELString::operator=(const QELString& other)
 {
+    // Takes the room of the source, even if the text would fit, because the capacity is part of the contract.
     if (capacity < other.capacity)
         reallocate(other.capacity);
     setText(other.text, other.length());
@@ -119,6 +124,7 @@ QELString QELString::operator()(int from) const
 QELString QELString::operator()(int from, int count) const
 {
     const int size = static_cast<int>(length());
+    // `from` and `size` have opposite signs where they are added, so that no sum overflows.
     const int first = from < 0 ? std::max(from + size, 0) : std::min(from, size);
     const int n = count < 0 ? std::max(count + size, 0) : count;
     return QELString(text + first, static_cast<unsigned int>(n));
@@ -289,6 +295,7 @@ int QELString::splitr(char sep, QELString& left, QELString& right) const
     return splitAt(::findr(*this, sep), left, right);
 }
 
+// Cuts at the index `separator`, which is -1 if there is none.
 int QELString::splitAt(int separator, QELString& left, QELString& right) const
 {
     const bool found = separator >= 0;
@@ -312,6 +319,7 @@ void QELString::splitName(char sep, QELString& path, QELString& name) const
 QELString QELString::queryField(char sep, unsigned int n) const
 {
     QELString field;
+    // Without the test, the last field would be returned for each larger n.
     if (n > count(sep))
         return field;
     QELStringIterator fields(*this);

@@ -7,7 +7,9 @@
 
 /// An 8-bit text. Up to 19 characters lie inside the object, longer texts on the heap; the storage never shrinks. All
 /// operations work byte by byte, only ASCII letters have a case, and every argument may be the string itself or point
-/// into it. A text of 2 GB or more throws std::length_error, because indices are int.
+/// into it. A text of 2 GB or more throws std::length_error, because indices are int. It is the text toolkit's own
+/// type, not a std::string, because the sizes of its storage are part of its contract (queryCapacity): exact after an
+/// assignment, double after appending. Its text ends at the first NUL, so it can't hold one.
 class QELString final
 {
 public:
@@ -21,12 +23,14 @@ public:
     QELString& operator=(const QELString& other);
     QELString& operator=(const char* s); ///< null gives the empty text
 
-    /// Replaces the text by the first n characters of `s`, fewer if `s` is shorter; null gives the empty text.
+    /// Replaces the text by the first n characters of `s`, fewer if `s` is shorter; null gives the empty text. `s` need
+    /// not be terminated within the n characters.
     QELString& assign(const char* s, unsigned int n);
 
-    /// Makes the text empty, with room for at least n characters.
+    /// Makes the text empty, with room for at least n characters. A capacity that is larger already stays.
     void clear(unsigned int n);
 
+    /// Returns the text, terminated by NUL, never null. Valid until the string changes or is destroyed.
     operator const char*() const { return text; }
 
     /// Returns 1 if the text is empty, else 0. Virtual as a part of the layout; the destructor isn't, so the class is
@@ -40,7 +44,7 @@ public:
     char& operator[](unsigned int i);      ///< at or past the end the terminating NUL, which must stay NUL
 
     /// Returns the text from index `from` on, at most `count` characters. A negative index or count is taken from the
-    /// end: the length is added, and a result below 0 becomes 0.
+    /// end: the length is added, and a result below 0 becomes 0. An index past the end gives the empty text.
     QELString operator()(int from) const;
     QELString operator()(int from, int count) const;
 

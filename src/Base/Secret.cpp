@@ -12,6 +12,7 @@ namespace {
 // those. Allocating one more than that of each size reaches them all.
 void wipeKeptBlocks()
 {
+    // Bytes that can be used of the blocks that the tcache takes, on 64-bit systems: from 24 to 1032 in steps of 16.
     constexpr std::size_t kStep = 16, kLargest = 1032;
     for (std::size_t size = 24; size <= kLargest; size += kStep) {
         std::array<void*, 8> blocks;

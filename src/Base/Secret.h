@@ -2,7 +2,8 @@
 
 #include "Base/Text.h"
 
-/// Empties a text that held a password and overwrites its whole storage, the bytes past its end included.
+/// Empties a text that held a password and overwrites its whole storage, the bytes past its end included. The capacity
+/// stays.
 void wipe(CString& secret);
 
 /// A text that is wiped when it goes out of scope. Build it in place: a copy, or growth, leaves bytes behind.
@@ -19,6 +20,8 @@ struct Secret
 
 /// A scope around calls of libraries that copy a password and don't wipe it. Blocks that they free in the scope are
 /// overwritten. The end of the scope wipes the stack below it and the small blocks that the allocator keeps for reuse.
+/// For the whole process: blocks that other threads free meanwhile are overwritten, too. Scopes must not overlap,
+/// because the end of one turns the overwriting off.
 class MemoryWipe
 {
 public:
@@ -29,5 +32,5 @@ public:
 };
 
 /// Disables core dumps of this process (prctl(2), PR_SET_DUMPABLE). Only a debugger with CAP_SYS_PTRACE can attach to
-/// it.
+/// it. Lasts until the process ends or executes another program.
 void keepOutOfCores();

@@ -10,12 +10,14 @@ namespace {
 // Characters that no name or address has. They would end a value of a connection string, or begin a quoted one.
 constexpr std::string_view kForeign = ";{}=[]\"'";
 
+// inet_pton() doesn't know zones (RFC 4007, section 11), so they are cut off, and not checked.
 bool isIPv6(std::string_view text)
 {
     in6_addr ignored;
     return inet_pton(AF_INET6, CString(text.substr(0, text.find('%'))).c_str(), &ignored) == 1; // "%eth0" is its zone
 }
 
+// Returns whether a text can stand in a connection string as a server, without quotes.
 bool isServer(std::string_view text)
 {
     const auto isForeign = [](unsigned char c) { return c <= ' ' || c == 127 || kForeign.find(c) != kForeign.npos; };
@@ -38,7 +40,8 @@ CString ServerAddress::asText() const
 
 std::optional<ServerAddress> readServerAddress(std::string_view text, unsigned defaultPort)
 {
-    // First, because the colons of a bare IPv6 address would be taken for that of a port.
+    // First, because the colons of a bare IPv6 address would be taken for that of a port. isServer() still has to check
+    // a zone.
     if (isIPv6(text) && isServer(text))
         return ServerAddress{CString(text), defaultPort};
     const bool isBracketed = text.starts_with('[');
@@ -46,6 +49,7 @@ std::optional<ServerAddress> readServerAddress(std::string_view text, unsigned d
     const std::string_view server = isBracketed ? text.substr(1, end - 1) : text.substr(0, end);
     const std::string_view rest = end == text.npos ? "" : text.substr(end + (isBracketed ? 1 : 0));
     ServerAddress address{CString(server), defaultPort};
+    // Brackets belong to IPv6 addresses, and only to those.
     if (!isServer(server) || isBracketed != isIPv6(server) || (isBracketed && end == text.npos))
         return {};
     if (!rest.empty() && (!rest.starts_with(':') || !readPort(rest.substr(1), address.port)))

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-/// The host and port of a server.
+/// The host and port of a server. A name is not resolved, and an address is kept as it was written.
 struct ServerAddress
 {
     CString server; ///< a name or an address; an IPv6 address without brackets

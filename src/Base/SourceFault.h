@@ -2,7 +2,8 @@
 
 #include "Base/Text.h"
 
-/// An error or warning about a source, in parts.
+/// An error or warning about a source, in parts. The parts are apart, because the command line writes them as
+/// FILE:LINE:COLUMN, while a box shows them in a text.
 struct SourceFault
 {
     CString file;           ///< as the user gave it; empty if unknown

@@ -11,7 +11,10 @@
 /// without recursion, in time linear in the links.
 ///
 /// `Graph` has degree(node), the number of a node's links, and target(node, i), the node at the end of its i-th link,
-/// or kNone if the link leads nowhere.
+/// or kNone if the link leads nowhere. The graph must not change between visits. `Graph` may be a reference type.
+///
+/// The number of a component is at least those of the components that its nodes link to, because a component gets its
+/// number when all that it reaches have theirs.
 template <class Graph>
 class StrongComponents
 {
@@ -41,12 +44,14 @@ public:
                 continue;
             if (number[target] == 0)
                 enter(target);
+            // A target that has a component belongs to one that is complete and can't reach back.
             else if (component[target] == kNone)
                 lowest[top.node] = std::min(lowest[top.node], number[target]);
         }
     }
 
-    /// Returns the nodes visited so far, in order.
+    /// Returns the nodes visited so far, in order. Targets come before the nodes that link to them, except inside a
+    /// component.
     const std::vector<Index>& query() const { return order; }
 
     /// Returns the component of a node, kNone if it was not visited. Two nodes that reach each other have the same one.
@@ -54,6 +59,8 @@ public:
     Index componentCount() const { return components; }
 
 private:
+    // A node on the path from the start, and the index of the link to follow next. This stack replaces recursion, whose
+    // depth a source could choose.
     struct Step
     {
         Index node;
@@ -67,6 +74,8 @@ private:
         steps.push_back({node, 0});
     }
 
+    // All links of `node` have been followed. If it reaches no earlier node without a component, it and all nodes
+    // visited after it that have none are one component.
     void leave(Index node)
     {
         order.push_back(node);
@@ -91,7 +100,7 @@ private:
     std::vector<Index> lowest;  // the lowest number reached that has no component yet
     std::vector<Index> pending; // visited, without a component yet
     std::vector<Step> steps;
-    CancelPoint cancelPoint{1 << 16};
+    CancelPoint cancelPoint{1 << 16}; // links between two polls
     Index lastNumber = 0;
     Index components = 0;
 };

@@ -11,6 +11,7 @@
 
 namespace {
 
+// The last blocked signal that came during the prompt, 0 if none. A handler may write to nothing else safely.
 volatile std::sig_atomic_t caughtSignal = 0;
 
 void noteSignal(int number)
@@ -71,6 +72,7 @@ public:
         if (descriptor < 0 || tcgetattr(descriptor, &before) != 0)
             return;
         termios silent = before;
+        // Only the echo: in canonical mode the terminal still edits the line, and read() returns once it is complete.
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         usable = tcsetattr(descriptor, TCSAFLUSH, &silent) == 0; // drops input typed before the prompt
     }
@@ -89,7 +91,8 @@ public:
     bool isUsable() const { return usable; }
     bool write(std::string_view text) const { return ::write(descriptor, text.data(), text.size()) >= 0; }
 
-    // Reads one character at a time, so that no buffer keeps what was typed.
+    // Reads one character at a time, so that no buffer keeps what was typed. Returns false at the end of the input,
+    // which is Ctrl+D on an empty line, and after a signal.
     bool readLine(const BlockedSignals& signals, CString& line) const
     {
         char c = 0;
@@ -117,6 +120,7 @@ PromptResult promptOnce(const CString& prompt, CString& secret, bool& wasStopped
     secret.reserve(1024); // growing would leave copies behind
     const bool isAnswered = terminal.write(prompt) && terminal.readLine(signals, secret);
     wasStopped = caughtSignal == SIGTSTP;
+    // The user's own line end was not echoed.
     terminal.write("\n");
     if (!isAnswered)
         wipe(secret);

@@ -19,6 +19,7 @@ constexpr std::array<char16_t, 32> kWindows1252 = {0x20AC, 0x0081, 0x201A, 0x019
                                                    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                                    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
+// The Char production. Surrogates and codes above 0x10FFFF are left to the caller, because decodeUtf8() returns none.
 bool isXmlChar(char32_t code)
 {
     if (code < 0x20)
@@ -49,6 +50,7 @@ constexpr bool isIn(const CodeRange (&ranges)[N], char32_t code)
     return false;
 }
 
+// Where in a name a character is allowed.
 enum InNames : std::uint8_t
 {
     notInNames,
@@ -74,6 +76,7 @@ constexpr Bytes8 repeated(unsigned char c)
     return c * Bytes8{0x0101010101010101};
 }
 
+// By memcpy(), because the text may begin at any address.
 Bytes8 loadBytes8(const char* bytes)
 {
     Bytes8 loaded;
@@ -81,6 +84,7 @@ Bytes8 loadBytes8(const char* bytes)
     return loaded;
 }
 
+// Sixteen characters in one register. They are signed, so that bytes outside of ASCII are below the blank.
 using Bytes16 [[gnu::vector_size(16)]] = signed char;
 
 Bytes16 bytes16Of(Bytes8 first, Bytes8 second)
@@ -91,7 +95,8 @@ Bytes16 bytes16Of(Bytes8 first, Bytes8 second)
     return joined;
 }
 
-// Returns whether one of the bytes is a control character, not ASCII, or one of & < > ".
+// Returns whether one of the bytes is a control character, not ASCII, or one of & < > ". '&' and '"', and '<' and '>',
+// differ in one bit each: with that bit set, one comparison finds both.
 bool hasSpecial(Bytes16 bytes)
 {
     const Bytes16 specials = (bytes < ' ') | ((bytes | ('&' ^ '"')) == '&') | ((bytes | ('<' ^ '>')) == '>');
@@ -154,6 +159,7 @@ CString formatText(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
+    // vsnprintf() uses up the list of arguments, so the second run needs a copy.
     va_list again;
     va_copy(again, arguments);
     // The first run only measures.
@@ -194,9 +200,11 @@ bool isPlainXmlText(std::string_view bytes)
     std::size_t left = bytes.size();
     if (left < sizeof(Bytes8)) {
         Bytes8 padded = repeated(' ');
+        // Filled up with blanks, which are plain.
         std::memcpy(&padded, at, left);
         return !hasSpecial(bytes16Of(padded, padded));
     }
+    // Not for the last sixteen bytes: 1 to 16 are left for the check below the loop.
     for (; left > sizeof(Bytes16); at += sizeof(Bytes16), left -= sizeof(Bytes16))
         if (hasSpecial(bytes16Of(loadBytes8(at), loadBytes8(at + sizeof(Bytes8)))))
             return false;
@@ -211,6 +219,9 @@ bool isXmlText(std::string_view bytes)
 {
     for (std::size_t at = 0; at < bytes.size();) {
         if (bytes.size() - at >= sizeof(Bytes8)) { // fast path: nearly every text is plain ASCII
+            // The high bit of a byte is set in `block` if it is not ASCII, and in the difference if it is below the
+            // blank. A borrow reaches another byte only after one that was found already. What is found is looked at in
+            // detail below, where tabs and line ends pass.
             const Bytes8 block = loadBytes8(bytes.data() + at);
             if (((block | (block - repeated(0x20))) & repeated(0x80)) == 0) {
                 at += sizeof block;
@@ -224,6 +235,8 @@ bool isXmlText(std::string_view bytes)
     return true;
 }
 
+// The encoding is chosen for the text as a whole: a text of Windows-1252 would otherwise come out mixed, where two of
+// its bytes happen to form UTF-8.
 CString toXmlText(std::string_view bytes)
 {
     if (isXmlText(bytes))
@@ -259,6 +272,7 @@ CString shownText(std::string_view text)
     // terminal show a text other than the one that was written.
     static constexpr CodeRange hidden[] = {{0x80, 0x9F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
     CString shown(text);
+    // First, so that toXmlText() does not turn a control character into U+FFFD.
     std::replace_if(
         shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, ' ');
     if (isPlainXmlText(shown))

@@ -15,7 +15,8 @@ using LONG = std::int32_t;
 using DWORD = std::uint32_t;
 using LRESULT = long;
 
-/// A text in two pieces, the second often empty. A text that is only written need not be joined first.
+/// A text in two pieces, the second often empty. A text that is only written need not be joined first. Views only:
+/// valid as long as the texts they were made from.
 struct TextPieces
 {
     template <class Text>
@@ -32,13 +33,14 @@ struct TextPieces
     std::string_view rest{};
 };
 
-/// White space as importers trim it: space, tab, line feed, carriage return, vertical tab, form feed.
+/// White space as importers trim it: space, tab, line feed, carriage return, vertical tab, form feed. XML's own white
+/// space is only the first four.
 inline constexpr std::string_view kWhitespace = " \t\n\r\v\f";
 
 /// Returns `text` without the characters of `set` at either end, as a view into `text`.
 std::string_view trimmed(std::string_view text, std::string_view set);
 
-/// Trims kWhitespace. Fast path: nearly every text has none at its ends.
+/// Trims kWhitespace. Fast path: nearly every text has none at its ends. It returns a view into `text`.
 inline std::string_view trimmed(std::string_view text)
 {
     const auto isBlank = [](char c) { return c <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r')); };
@@ -58,6 +60,8 @@ constexpr char upperAscii(char c)
 {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
+
+/// Return a copy in the given case.
 CString lowerAscii(std::string_view text);
 CString upperAscii(std::string_view text);
 
@@ -70,13 +74,15 @@ bool endsWithAscii(std::string_view text, std::string_view ending);
 /// Returns whether `text` equals one of `words`.
 bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words);
 
-/// Returns printf() output of any length, empty if the formatter fails.
+/// Returns printf() output of any length, empty if the formatter fails. For formats of the string table; a text of
+/// others is an argument, never the format.
 [[gnu::format(printf, 1, 2)]] CString formatText(const char* format, ...);
 
 /// Returns a count with its noun: "1 loss", "2 losses".
 CString countInWords(std::size_t count, std::string_view singular, std::string_view plural);
 
-/// Returns `format` with its first "%s" replaced by `value`, unchanged if it has none.
+/// Returns `format` with its first "%s" replaced by `value`, unchanged if it has none. `value` is never read as a
+/// format.
 CString fillText(std::string_view format, std::string_view value);
 
 /// Writes the same into `out` and reuses its storage, for loops that fill one format many times.
@@ -86,18 +92,20 @@ void fillText(CString& out, std::string_view format, std::string_view value);
 /// whole. A character outside of XML 1.0's Char production (https://www.w3.org/TR/xml/#charsets) becomes U+FFFD.
 CString toXmlText(std::string_view bytes);
 
-/// Returns true if all bytes are printable ASCII and none is & < > ". Such a text can be written to XML unchanged, also
-/// in an attribute value. May return false for other texts that need no change.
+/// Returns true if all bytes are ASCII characters from the blank on, DEL included, and none is & < > ". Such a text can
+/// be written to XML unchanged, also in an attribute value. May return false for other texts that need no change.
 bool isPlainXmlText(std::string_view bytes);
 
 /// Returns whether toXmlText() would leave the text unchanged, so that no copy is needed.
 bool isXmlText(std::string_view bytes);
 
-/// Appends a character as UTF-8. Returns false and appends nothing if XML can't hold it.
+/// Appends a character as UTF-8. Returns false and appends nothing if XML can't hold it, or if `code` is a surrogate or
+/// above 0x10FFFF. For character references of a source.
 bool appendCharacter(CString& out, std::uint32_t code);
 
 /// Returns `text` made safe for a terminal, on one line: fit for XML, with a blank for each control character, line
-/// separator and mark that changes the writing direction.
+/// separator and mark that changes the writing direction. Texts of sources, servers and drivers pass through it,
+/// because control sequences could move the cursor or change what is already shown.
 CString shownText(std::string_view text);
 
 /// Returns whether a text can be the name of an XML element (the Name production of XML 1.0, fifth edition).

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
+// Eight bytes at a time. No early exit: nearly all texts are short and ASCII.
 bool isAscii(std::string_view text)
 {
     std::uint64_t all = 0, eight;
@@ -33,12 +34,15 @@ char32_t decodeUtf8(std::string_view text, std::size_t& at)
     // 0xC0 and 0xC1 only begin overlong forms; leads above 0xF4 would exceed U+10FFFF.
     if (lead < 0xC2 || lead > 0xF4 || text.size() - at < length)
         return kInvalidUtf8;
+    // The lead has `length` ones, a zero, then the first bits of the code.
     char32_t code = lead & (0x7F >> length);
     for (std::size_t i = 1; i < length; ++i) {
         if ((byte(at + i) & 0xC0) != 0x80)
             return kInvalidUtf8;
         code = code << 6 | (byte(at + i) & 0x3F);
     }
+    // RFC 3629, section 3: of several forms only the shortest is valid. Others could hide a character from a check of
+    // bytes.
     const bool overlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
     if (overlong || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
         return kInvalidUtf8;
@@ -54,7 +58,8 @@ std::size_t countCharacters(std::string_view text)
     std::uint64_t eight;
     for (; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
         std::memcpy(&eight, text.data(), sizeof eight);
-        // Continuation bytes, 10xxxxxx, begin no character.
+        // Continuation bytes, 10xxxxxx, begin no character. Bit 7 set and bit 6 not set, moved to the lowest bit of
+        // each byte.
         count -= static_cast<std::size_t>(std::popcount(eight >> 7 & ~(eight >> 6) & 0x0101010101010101));
     }
     const auto isContinuation = [](unsigned char c) { return (c & 0xC0) == 0x80; };
@@ -98,7 +103,8 @@ std::string_view firstCharacters(std::string_view text, std::size_t count)
 
 void dropPartialCharacter(std::string_view& text)
 {
-    // Goes back over at most three continuation bytes.
+    // Back over the continuation bytes at the end. Stops after four, because no character has as many, so the time
+    // doesn't depend on the text.
     std::size_t start = text.size(); // of the last character
     while (start > 0 && text.size() - start < 4 && (text[start - 1] & 0xC0) == 0x80)
         --start;

@@ -7,7 +7,8 @@
 /// The result of decodeUtf8() if the bytes are not UTF-8.
 inline constexpr char32_t kInvalidUtf8 = 0xFFFFFFFF;
 
-/// Returns the length in bytes, 1 to 4, of the character that starts with `lead`; 1 for a byte that starts none.
+/// Returns the length in bytes, 1 to 4, of the character that starts with `lead`; 1 for a continuation byte. The byte
+/// is not checked further: 0xC0 and 0xC1 give 2, and 0xF5 to 0xFF give 4, though no character starts with them.
 std::size_t utf8Length(char lead);
 
 /// Returns the character at `at` and moves `at` past it. If the bytes are not UTF-8 (RFC 3629), overlong forms and
@@ -17,13 +18,16 @@ char32_t decodeUtf8(std::string_view text, std::size_t& at);
 /// Returns whether a text consists of ASCII characters.
 bool isAscii(std::string_view text);
 
-/// Returns the number of characters that begin in a UTF-8 text.
+/// Returns the number of characters that begin in a UTF-8 text. A byte that is not UTF-8 counts as a character, unless
+/// it looks like a continuation byte.
 std::size_t countCharacters(std::string_view text);
 
-/// Returns the first `count` characters of a UTF-8 text.
+/// Returns the first `count` characters of a UTF-8 text. Returns the whole text if it has fewer. A character is never
+/// cut.
 std::string_view firstCharacters(std::string_view text, std::size_t count);
 
-/// Removes an incomplete character at the end of `text`, which a cut has left there.
+/// Removes an incomplete character at the end of `text`, which a cut has left there. Looks at the end only, and leaves
+/// a text whose last character is complete. For texts that are cut to a number of bytes.
 void dropPartialCharacter(std::string_view& text);
 
 /// Appends a character as UTF-8. `code` must be a valid code point.
