@@ -9,11 +9,17 @@
 #include <charconv>
 #include <system_error>
 
+// A value without references is a view of the DTD. One with references is composed when it is declared, as XML asks
+// (XML 1.0, 4.5): its references mean the entities declared before it. Modules are not replaced in values, so a file is
+// opened only where its entity is used.
+//
+// Both bounds hold for composing and for reading: `depth` of an entity adds to the depth of the reference that opens
+// it, and a composed value is charged when it is made and whenever it is read.
 namespace {
 
-constexpr std::size_t kMaxDepth = 40;
-constexpr std::size_t kMaxGrowth = 100;
-constexpr std::size_t kSmallExpansion = 16 << 20;
+constexpr std::size_t kMaxDepth = 40;             // of entities in each other
+constexpr std::size_t kMaxGrowth = 100;           // times the bytes of the files; real DTDs expand to 12 times
+constexpr std::size_t kSmallExpansion = 16 << 20; // bytes that are free, whatever the size of the files
 
 } // namespace
 
@@ -32,6 +38,8 @@ DTDEntities::Text& DTDEntities::addFile(const FoundFile& file, const CString& sh
     return added;
 }
 
+// Adds an entity. Returns null if the name is declared already: the first declaration is binding (XML 1.0, 4.2). A
+// repeated one counts as a use, because an entity that the caller gives is meant to replace the DTD's own.
 DTDEntities::Entity* DTDEntities::add(std::string_view name, SourcePlace place)
 {
     const std::size_t hash = keyHash(name);
@@ -84,7 +92,8 @@ void DTDEntities::replaceReferences(Entity& entity, std::string_view value)
 }
 
 // Replaces the reference at the start of `rest`, or copies one character of it; returns how many bytes that took. A
-// reference to an unknown entity, to a module or to the entity itself stays as it is.
+// reference to an unknown entity, to a module or to the entity itself stays as it is, and is resolved or reported where
+// the value is read. A character reference that names no character is copied, too.
 std::size_t DTDEntities::replaceOne(Entity& entity, std::string_view rest, CString& out)
 {
     const std::string_view name = rest[0] == '%' ? dtdNameAt(rest.substr(1)) : std::string_view();
@@ -121,6 +130,7 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
         return nullptr;
     }
     entity->isUsed = true;
+    // A module is opened at its first reference, so one that nothing refers to need not exist.
     if (!entity->text && entity->isModule && !entity->isMissing)
         entity->text = load(*entity, where);
     entity->isMissing = !entity->text;
@@ -142,6 +152,7 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
     const std::uint32_t declaring = entity.value.start.file;
     const CString& folder = folders.at(declaring);
     CString path = catalogs.findExternal(entity.publicId, entity.systemId).value_or("");
+    // A catalogue's entry is a full path. Entries without a file are skipped, so the location in the DTD is tried next.
     auto found = finder.find({}, path);
     if (!found) {
         path = localPath(entity.systemId);
@@ -163,6 +174,7 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
         report.add(SourceReport::moduleMissing, where, entity.systemId);
         return nullptr;
     }
+    // A file that exists but can't be read is an error, not a loss: the user can give access to it.
     if (cause != FileCause::none)
         throw SourceRefusal{cantOpen(found->name, cause),
                             {report.fileNameOf(where.file),
@@ -172,6 +184,7 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
     return &addFile(*found, shown, types.adopt(std::move(bytes)));
 }
 
+// Divides instead of multiplying, so that no size overflows.
 void DTDEntities::spend(std::size_t bytes)
 {
     expanded += bytes;

@@ -6,8 +6,8 @@
 #include "Import/Full/SourceTypes.h"
 
 /// The parameter entities of a DTD, and the local files that they name. A file is found through the catalogues, else
-/// like a schemaLocation, relative to the file that declares the entity. Each file is read once. Texts live as long as
-/// the types.
+/// like a schemaLocation, relative to the file that declares the entity (XML 1.0, 4.2.2). Each file is read once.
+/// Contents of files live as long as the types.
 ///
 /// Bounds: entities nest at most 40 deep. Once their text exceeds 16 MB, it may be at most 100 times the text read.
 /// Exceeding a bound throws SourceRefusal. An entity or a file that refers to itself is left out at that reference.
@@ -18,34 +18,38 @@ public:
     struct Text
     {
         std::string_view text;
-        SourcePlace start;
+        SourcePlace start;       ///< of its first character; line 0 if it stands in no file
         bool isOpen = false;     ///< being read now; opening it again would be a loop
         bool isComposed = false; ///< put together from other entities, so its lines and columns are not those of a file
     };
 
+    /// The three must outlive this object. `types` keeps the texts, and words the refusals.
     DTDEntities(SourceTypes& types, SourceReport& report, const Catalogs& catalogs) :
         types(types), report(report), catalogs(catalogs)
     {}
 
     /// Adds the text of a file, under the name `shownName` in the report. `bytes` may be in any encoding that
-    /// decodeText() knows; they must outlive this object.
+    /// decodeText() knows; they must live as long as the types, because names are views of them. A `file` without an
+    /// identity, such as standard input, isn't recognised if a module names it again.
     Text& addFile(const FoundFile& file, const CString& shownName, std::string_view bytes);
 
     /// Declares an entity by its value. Character references and the entities known so far are replaced in it (XML 1.0,
-    /// 4.4.5). The first declaration of a name takes precedence.
+    /// 4.4.5). The first declaration of a name takes precedence (4.2). `name` and `value` must live as long as the
+    /// types.
     void declare(std::string_view name, std::string_view value, SourcePlace place);
     /// Declares an entity by the file that holds it; the file is opened at the first reference. The first declaration
     /// of a name takes precedence.
     void declareModule(std::string_view name, std::string_view publicId, std::string_view systemId, SourcePlace place);
 
-    /// Returns the text to read for a reference; null if there is none, which is reported. A module is looked for once,
-    /// and reported as missing once. `depth` is the number of entities around the reference. Call close() at the text's
-    /// end.
+    /// Returns the text to read for a reference; null if there is none, or if it is being read already, which is
+    /// reported. A module is looked for once, and reported as missing once. `depth` is the number of entities around
+    /// the reference. Call close() at the text's end. Throws SourceRefusal if a bound is exceeded, or a file exists but
+    /// can't be read.
     Text* open(std::string_view name, std::size_t depth, SourcePlace where);
     /// Ends the reading of a text that open() returned.
     void close(Text& text) { text.isOpen = false; }
 
-    /// Returns whether an entity was referred to, or declared again, since it was declared.
+    /// Returns whether an entity was referred to, or declared again, since it was declared. It must have been declared.
     bool isUsed(std::string_view name) const { return entities.find(name)->isUsed; }
 
     /// Returns whether a file has been read, as the DTD itself or as a module of it.
@@ -55,11 +59,11 @@ private:
     struct Entity
     {
         std::string_view name;
-        Text value;
+        Text value;                // of a module only its place, which says what its file is relative to
         std::string_view publicId; // set for a module only
         std::string_view systemId;
         Text* text = nullptr;  // null for a module that isn't loaded or is missing
-        std::size_t depth = 1; // levels of entities nested in it
+        std::size_t depth = 1; // levels of entities in its value, itself included
         bool isModule = false;
         bool isMissing = false;
         bool isUsed = false;
@@ -74,6 +78,7 @@ private:
     void spend(std::size_t bytes);
     void checkDepth(std::size_t depth);
 
+    // Pointers to entities and texts are kept, so both stand in deques, which don't move them.
     SourceTypes& types;
     SourceReport& report;
     const Catalogs& catalogs;
@@ -83,6 +88,6 @@ private:
     std::map<FileId, Text*> filesById;
     std::map<std::uint32_t, CString> folders; // folder by the number of a file
     FileFinder finder;
-    std::size_t read = 0;
-    std::size_t expanded = 0;
+    std::size_t read = 0;     // bytes of the files, decoded
+    std::size_t expanded = 0; // bytes of the texts that references opened, and of composed values
 };

@@ -11,6 +11,8 @@
 #include <numeric>
 #include <optional>
 
+// Each DTD of a set has its own entities, because a name may mean something else in each. One DTDReader collects the
+// elements of all, in which the first declaration of a name takes precedence.
 namespace {
 
 // Returns whether `test` accepts one of the pieces between `start` and the next `end`; it gets the piece without blanks
@@ -43,6 +45,7 @@ bool isPlainAttlist(std::string_view declaration)
 
 DTDFullMessage::DTDFullMessage() : FullMessage(DTDMessage::m_descr) {}
 
+// Searches the text without parsing it, because the result is only a hint for the user.
 CString DTDFullMessage::unsupportedByLiteral(const CString& fileName) const
 {
     CString text, unsupported;
@@ -58,7 +61,8 @@ CString DTDFullMessage::unsupportedByLiteral(const CString& fileName) const
 }
 
 // Returns the numbers of the DTDs that are not modules of another one. Each is read by itself to find out, because the
-// entities of a DTD choose its modules.
+// entities of a DTD choose its modules. A module that was read alone, without the entities of its DTD, would give wrong
+// declarations and losses. Types and reports of these readings are dropped, so a set is read twice.
 std::vector<std::size_t> DTDFullMessage::findTops(std::span<const CString> files,
                                                   std::span<const std::string_view> texts)
 {
@@ -86,6 +90,7 @@ DTDEntities::Text& DTDFullMessage::begin(DTDEntities& entities, SourceTypes& typ
                                          std::string_view text) const
 {
     DTDEntities::Text& main = entities.addFile({file, identify(file).value_or(FileId())}, file, text);
+    // So that a module which names the DTD again is a loop, and not read a second time.
     main.isOpen = true;
     for (const auto& [name, value] : given) // their text has no place in the file
         entities.declare(name, types.adopt(CString(value)), {main.start.file, 0, 0});

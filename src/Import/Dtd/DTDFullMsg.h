@@ -3,16 +3,20 @@
 #include "Import/Dtd/DTDEntities.h"
 #include "Import/Full/FullMessage.h"
 
-/// The importer of DTDs, XML and SGML, that reads them in full: parameter entities, modules, conditional sections.
+/// The importer of DTDs, XML and SGML, that reads them in full: parameter entities, modules, conditional sections. A
+/// file may also be a document, of which the internal subset and the DTD that it names are read.
 class DTDFullMessage : public FullMessage
 {
 public:
     DTDFullMessage();
 
+    /// Returns a new importer, owned by the caller; the factory of the table of importers.
     static FullMessage* New() { return new DTDFullMessage; }
 
+    /// Also returns "" for a file that can't be read.
     CString unsupportedByLiteral(const CString& fileName) const override;
 
+    /// Each pair is a name and a value. The first value of a name takes precedence.
     bool setEntities(const std::vector<std::pair<CString, CString>>& wanted) override
     {
         given = wanted;

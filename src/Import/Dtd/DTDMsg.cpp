@@ -8,6 +8,10 @@
 #include <algorithm>
 #include <utility>
 
+// Three passes, each linear in the text (or in the overlapping statements, which are bounded): DTDNotes reports what is
+// not understood, scan() registers names and their children, and declareAll() declares records and fields. Records come
+// last, because their folder has the name of the main type. Names are views of the text, and searches only move
+// forward; docs/adr/views-of-a-dtd.md has the reasons and figures.
 namespace {
 
 constexpr std::string_view kCommentStart = "<!--", kCommentEnd = "-->";
@@ -21,6 +25,7 @@ constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; with dri
 constexpr std::size_t kMaxOverlap = 16;         // times the size of the text
 constexpr std::size_t kExcerpt = 200;           // bytes of a statement that a message quotes
 
+// "#CDATA" is not in XML, but is read like "#PCDATA".
 bool isTextKeyword(std::string_view name)
 {
     return name == kPcdata || name == kCdata;
@@ -63,6 +68,7 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
 {
     previousMain = mainType;
     const bool hasNul = source.find('\0') != CString::npos; // which is read as a space
+    // A copy is made only for a text with NUL; views of it end with this function.
     CString copy(hasNul ? source : "");
     std::ranges::replace(copy, '\0', ' ');
     Text parsed(hasNul ? copy : source);
@@ -80,6 +86,7 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     return result;
 }
 
+// The text was a local variable of parse(), which the exception has left.
 void DTDMessage::onCancelled()
 {
     text = nullptr;
@@ -158,6 +165,8 @@ int DTDMessage::doParse(std::size_t start, std::size_t end)
     const auto behind = [end](std::size_t keyword) { // the position after the keyword, if that lies in the statement
         return keyword != kNowhere && keyword + kKeywordLength <= end ? keyword + kKeywordLength : kNowhere;
     };
+    // "<!ATTLIST element id ..." holds both keywords, because they are found in any letter case. It then also declares
+    // the element `id`.
     if (const std::size_t element = behind(text->elementKeyword.from(start)); element != kNowhere)
         if (!doParseElement(element, end))
             return 0;
@@ -201,6 +210,7 @@ bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end)
     const std::size_t first = text->firstInModel.from(open + 1);
     if (first >= contentEnd || whole[first] == ',')
         return true;
+    // Only the first piece up to a ',' counts: "(#PCDATA | a)*" is not text alone, so `a` becomes a field.
     for (const std::string_view keyword : {kPcdata, kCdata}) {
         if (whole.substr(first, keyword.size()) != keyword || first + keyword.size() > contentEnd)
             continue;
@@ -274,6 +284,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
         return true;
     };
     const auto drop = [&rest](std::size_t count) { rest = kDtdBlank.trim(rest.substr(std::min(count, rest.size()))); };
+    // A rest of one character is the '>' of the statement.
     for (std::size_t left = statement.size(); left >= 2; left = rest.size()) {
         reportAt(end - left);
         std::string_view element, attribute;
@@ -372,6 +383,7 @@ void DTDMessage::declareField(const DTDElement::Child& mention, const CString& p
     };
     usageKey.append(name);
     bool isFirst = true;
+    // An earlier mention has declared the name, so it needn't be looked up.
     if (child.element) {
         isFirst = addUsage();
     } else {
@@ -387,6 +399,7 @@ void DTDMessage::declareField(const DTDElement::Child& mention, const CString& p
     const bool isMarked = mark == modStar || mark == modPlus;
     if (isMarked)
         isFirst = addUsage();
+    // A usage that exists already makes the field repeat, even without a mark. The report compares that with the DTD.
     if (!isFirst)
         text->repetitions.add(
             {child.element, record, mention.place, isMarked,

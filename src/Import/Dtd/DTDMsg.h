@@ -7,7 +7,10 @@
 
 #include <vector>
 
-/// A name that a DTD mentions, with the names of its children. Names are views into the text that is being parsed.
+/// A name that a DTD mentions, with the names of its children. Names are views into the text that is being parsed, or
+/// into the importer's arena, which also holds this object: it is never destroyed, only released with the arena.
+///
+/// A name with a mark, such as "item+", has an entry of its own beside "item", which has the children.
 class DTDElement
 {
 public:
@@ -36,7 +39,7 @@ public:
 
     std::uint32_t queryChildCount() const { return childCount; }
 
-    /// Returns the child under the cursor and moves on; null at the end.
+    /// Returns the child under the cursor and moves on; null at the end. Valid as long as the arena.
     const Child* enumNext();
 
     /// Marks the field as that of an attribute of `record`, mentioned at `at`. The first mention takes precedence.
@@ -77,26 +80,33 @@ private:
 ///
 /// Statements run from the k-th '<' to the k-th '>'. A '<' or '>' in a comment or an entity value therefore makes
 /// starts and ends drift apart, and a statement then spans several declarations. Names in such statements are
-/// registered as written, but no part of the text is scanned again for each statement. The import fails if overlapping
-/// statements come to more than 128 MB and 16 times the text, or if the main type's name, which is in the folder of
-/// every type, exceeds 4,096 bytes.
+/// registered as written, but no part of the text is scanned again for each statement. This rule decides the names in
+/// existing documents, so it must not be repaired here: DTDFullMessage reads by the rules of XML, and DTDNotes reports
+/// what this reading misses.
+///
+/// The import fails if overlapping statements come to more than 128 MB and 16 times the text, or if the main type's
+/// name, which is in the folder of every type, exceeds 4,096 bytes.
 class DTDMessage : public MsgBase
 {
 public:
     DTDMessage() : MsgBase(1) {}
 
+    /// Returns a new importer, owned by the caller; the factory of the table of importers.
     static MsgBase* New() { return new DTDMessage; }
 
+    /// Returns 1 also for a text without declarations. `source` must live until parse() returns.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
     CString queryMainTypeName() const override { return mainType; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 
+    /// The row of the importer, which also holds its base path.
     static MsgUIDescriptor m_descr;
 
 protected:
     void onCancelled() override;
 
 private:
+    // The marks of a name, as getModifiers() found them.
     enum Modifiers
     {
         modNone = 0,
@@ -124,6 +134,7 @@ private:
         TextPlaces places{whole};
     };
 
+    // Steps return nonzero on success, and 0 if a bound is exceeded, which has been reported.
     int scan();
     void forget();
     void reportAt(std::size_t place) { text->meter.step(place); }
@@ -167,6 +178,6 @@ private:
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
     Arena memory; // holds the entries, and the names that the text doesn't contain as they are
     Text* text = nullptr;
-    bool needsNoConversion = false; // so different names stay different in a document
+    bool needsNoConversion = false; // no name is converted, so the model tells usages apart by names, without keys
     CString joined;                 // a buffer for names that the text doesn't contain as they are
 };

@@ -5,15 +5,19 @@
 /// Reports what the literal reading of a DTD does not understand: references to parameter entities, conditional
 /// sections, unknown, unterminated or hidden statements, unbalanced quotes. A text without any of these costs a few
 /// searches for single characters.
+///
+/// It walks the text by the rules of DTDs, apart from DTDMessage, whose statements may drift from the real ones: what
+/// that reading misses can't be seen from within it.
 class DTDNotes
 {
 public:
-    /// `isDetailed` also reports and counts what the model can't represent.
+    /// `isDetailed` also reports and counts what the model can't represent. Text, places and report must outlive this
+    /// object.
     DTDNotes(std::string_view text, TextPlaces& places, SourceReport& report, bool isDetailed) :
         text(text), places(places), report(report), isDetailed(isDetailed)
     {}
 
-    /// Reads the whole text.
+    /// Reads the whole text, once, in linear time. Never fails.
     void read();
 
 private:
@@ -36,7 +40,7 @@ private:
     TextPlaces& places;
     SourceReport& report;
     bool isDetailed;
-    std::size_t reference = 0; // position of the next '%'
+    std::size_t reference = 0; // position of the next '%'; kNowhere if there is none
     std::size_t close = 0;     // position of a '>', see closeFrom()
     // By kind of quote: whether another may follow. False saves searching to the end of the text for each literal.
     bool hasQuote[2] = {true, true};

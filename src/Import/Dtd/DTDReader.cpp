@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+// read() stores elements, contents and attributes by index; finish() makes the types. Two steps, because a content
+// names elements that may be declared later, or by a later DTD of the set. What can't be understood is reported, and
+// reading goes on after its '>', so that one mistake costs one declaration.
 namespace {
 
 // Namespace declarations are not data, so they get no fields.
@@ -79,10 +82,12 @@ SourceReport::Component DTDReader::enterComponent(std::span<const std::string_vi
         return report.enter(0);
     components.insert(components.end(), elementNames.begin(), elementNames.end());
     components.emplace_back();
+    // One more than the index of the first name, because 0 is the source as a whole.
     return report.enter(static_cast<SourceReport::Component>(components.size() - elementNames.size()));
 }
 
-// Reports a construct of one of the elements that a declaration is for.
+// Reports a construct of one of the elements that a declaration is for: a root may reach one of them and not the
+// others.
 void DTDReader::noteFor(const Element& element, SourceReport::Construct construct, std::string_view name)
 {
     const SourceReport::Component all = enterComponent({&element.name, 1});
@@ -152,6 +157,7 @@ bool DTDReader::readContent(bool& holdsText)
         report.add(SourceReport::anyContent, tokens->place(), names.front());
     holdsText = isAny || isSameAscii(token.text, "CDATA") || isSameAscii(token.text, "RCDATA") ||
                 isSameAscii(token.text, "PCDATA");
+    // By the order of kinds this is a word, with or without a '#'; marks keep the text of an earlier token.
     const bool isKnown = token.kind <= DTDTokens::tokenReserved && (holdsText || isSameAscii(token.text, "EMPTY"));
     if (isKnown)
         tokens->next();
@@ -327,6 +333,7 @@ void DTDReader::readDefault()
         tokens->next();
     if (isReserved && !isFixed)
         return;
+    // XML wants a literal (XML 1.0, production [60]), SGML also allows a word.
     // A word after a missing entity is the next attribute, because the entity may have held the default.
     const bool isWord = token.kind == DTDTokens::tokenWord && !token.followsUnknown;
     if (!isWord && token.kind != DTDTokens::tokenLiteral)

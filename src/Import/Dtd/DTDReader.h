@@ -6,41 +6,52 @@
 
 /// Reads the declarations of a DTD and makes types from them. An element with children or attributes is a record, its
 /// children and attributes are the fields. The first declaration of a name takes precedence.
+///
+/// Several DTDs share one reader: call read() for each, then finish() once. Names are views of their texts, so these
+/// must live until finish() returns; the tokens of a DTD need not.
 class DTDReader
 {
 public:
+    /// Both must outlive this object. `types` gets records and candidates in finish(), enumerations already in read().
     DTDReader(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
-    /// Reads one DTD. Further calls add further DTDs of the same set.
+    /// Reads one DTD. Further calls add further DTDs of the same set. Malformed declarations are reported and skipped.
+    /// Throws SourceRefusal and Cancelled, as its tokens do.
     void read(DTDTokens& source);
 
     /// Makes the types after everything is read. `sources` holds, by the number of a DTD in order of reading, its
     /// number among the sources. With `roots`, only the elements that these reach are reported, because the others are
-    /// not imported; hold() of the report must have been called before read().
+    /// not imported; hold() of the report must have been called before read(). Throws SourceRefusal if there are too
+    /// many fields, and Cancelled.
     void finish(std::span<const SourceTypes::Index> sources, std::span<const CString> roots);
 
 private:
     using Index = SourceTypes::Index;
     using Handler = void (DTDReader::*)();
 
+    // How a kind of declaration is read. The function leaves the token after what it understood; readDeclaration()
+    // skips the rest.
     struct Declaration
     {
         std::string_view keyword;
         Handler read;
     };
 
+    // A name of an element: declared, referred to or with attributes. Its children are `contentCount` entries of
+    // `contents` from `firstContent` on, which the other elements of the same declaration share. Attributes form a list
+    // through Attribute::next, because several ATTLISTs may add to it.
     struct Element
     {
         std::string_view name;
         SourcePlace place; // of its declaration, else of the first reference to it, else of its attributes
-        Index index;
-        bool isName;
+        Index index;       // in `elements`
+        bool isName;       // an XML name; others are reported, and get no type
         Index firstContent = 0;
         Index contentCount = 0;
         Index firstAttribute = SourceTypes::kNone;
         Index lastAttribute = SourceTypes::kNone;
-        Index record = SourceTypes::kNone;
-        Index source = 0; // number of the DTD that declares it
+        Index record = SourceTypes::kNone; // set in finish(); kNone: it becomes text
+        Index source = 0; // number of the DTD that declares it; finish() makes it the number of the source
         bool isDeclared = false;
         bool isReferred = false; // an element contains it
         bool holdsText = false;
@@ -48,6 +59,8 @@ private:
         std::string_view queryName() const { return name; }
     };
 
+    // Attributes of all elements share one table. The factor of the hash is the usual multiplier of Fibonacci hashing:
+    // it spreads the small numbers of elements over all bits.
     struct AttributeKey
     {
         Index element;
@@ -61,8 +74,8 @@ private:
     {
         AttributeKey key;
         SourceTypes::Type type;
-        Index next; // index of the element's next attribute, or kNone
-        Index source;
+        Index next;   // index of the element's next attribute, or kNone
+        Index source; // number of the DTD that declares it
 
         AttributeKey queryKey() const { return key; }
     };
@@ -106,11 +119,11 @@ private:
     SourceReport& report;
     std::deque<Element> elements; // in order of first mention
     KeyedTable<Element, &Element::queryName> elementsByName;
-    std::vector<Index> declared; // in the order of declaration
-    std::vector<ContentModel::Entry> contents;
+    std::vector<Index> declared;               // in the order of declaration
+    std::vector<ContentModel::Entry> contents; // of all declarations, one after the other
     std::deque<Attribute> attributes;
     KeyedTable<Attribute, &Attribute::queryKey, AttributeKey> attributesByKey;
-    ContentModel model;
+    ContentModel model;                       // of the current declaration; its names are indices of `elements`
     CancelPoint cancelPoint{4096};            // passed at each field
     std::vector<std::string_view> names;      // the names that the current declaration is for
     std::vector<std::string_view> components; // in the report: lists of names, each ended by an empty one

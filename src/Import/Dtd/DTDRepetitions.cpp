@@ -5,6 +5,9 @@
 #include <unordered_map>
 #include <vector>
 
+// Only declarations around suspicious mentions are read again, each once, so a DTD without repetitions costs nothing.
+// Statements of the literal reading may span several declarations. A mention is therefore looked up by its place among
+// the real declarations, which begin at a '<'.
 namespace {
 
 constexpr std::string_view kKeyword = "ELEMENT";
@@ -38,6 +41,8 @@ bool DTDRepetitions::mayRepeat(std::size_t place)
     return std::prev(found)->second.repeated.contains(dtdNameAt(text.substr(place)));
 }
 
+// Reads the content model of the declaration at `start`, leniently: unknown characters are passed over, and missing ')'
+// are added at the end. Without the keyword it has no names.
 DTDRepetitions::Declaration DTDRepetitions::read(std::size_t start)
 {
     Declaration made{std::min(text.find('<', start + 1), text.size()), {}};

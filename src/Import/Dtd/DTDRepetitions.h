@@ -10,25 +10,28 @@
 
 /// Reports the repetitions in which the model and a DTD differ. The literal reading takes each name that a record
 /// mentions again for a repeated one, although `(b, c) | (b, d)` has one b; and the model makes one table for each
-/// element.
+/// element. The content model of the declaration around a mention decides what the DTD means, as in the full reading.
 class DTDRepetitions
 {
 public:
+    /// The text must outlive this object.
     explicit DTDRepetitions(std::string_view text) : text(text) {}
 
     /// A field that a record mentions again, or with a mark that repeats it.
     struct Field
     {
-        const Element* element;
+        const Element* element; ///< of the model, which must outlive the report, like `record`
         const Element* record;
         std::size_t place; ///< offset of the name in the text
         bool isMarked;
         std::size_t attribute; ///< offset of the record's attribute that is the same field; kNowhere if there is none
     };
 
+    /// Adds a field for reportAll(), in the order in which records are declared.
     void add(const Field& field) { fields.push_back(field); }
 
     /// Reports the fields that repeat and stay single, and those that don't repeat and became tables, or a part of one.
+    /// Call it once, after all elements are declared.
     void reportAll(const TypeModel& model, TextPlaces& places, SourceReport& report);
 
 private:

@@ -21,6 +21,9 @@ constexpr std::array<unsigned char, 256> shiftsOf(std::string_view word)
     return shifts;
 }
 
+// Searches visit nearly the whole text, since each looks for the next keyword anywhere. Skipping by the last character
+// looks at one byte in several.
+//
 // `word` is in upper case.
 std::size_t findWord(std::string_view text, std::size_t from, std::string_view word,
                      const std::array<unsigned char, 256>& shifts)
@@ -62,6 +65,7 @@ std::size_t findNameEnd(std::string_view text, std::size_t from)
     return ends.in(text, from);
 }
 
+// The index is complete after the first call, because later calls may ask for any offset.
 SourcePlace TextPlaces::at(std::size_t offset)
 {
     // Returns the line of `end`, given that of `from`.
@@ -73,6 +77,7 @@ SourcePlace TextPlaces::at(std::size_t offset)
     };
     if (lines.empty())
         lines.push_back({0, 1});
+    // The entry of a block continues from the one before, so building the index takes one pass.
     for (std::size_t end = lines.size() * kBlock; end <= text.size(); end += kBlock)
         lines.push_back(lineAt(end, end - kBlock, lines.back()));
     const std::size_t block = offset / kBlock;
@@ -80,6 +85,8 @@ SourcePlace TextPlaces::at(std::size_t offset)
     return {0, line.number, static_cast<std::uint32_t>(offset - line.start + 1)};
 }
 
+// One pass. A mark belongs to every ')' since the last separator or mark, whatever parentheses lie between: in
+// "(a)(b)*" both groups repeat. `unmarked` passes over each ')' once, so this stays linear.
 DTDGroups::DTDGroups(std::string_view text)
 {
     static constexpr CharSet structure("()*+,|&");

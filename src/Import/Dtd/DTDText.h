@@ -50,10 +50,11 @@ private:
     bool members[256] = {};
 };
 
-/// The white space of a DTD.
+/// The white space of a DTD (XML 1.0, production [3]).
 inline constexpr CharSet kDtdBlank(" \t\r\n");
 
-/// The characters that end a name in a declaration.
+/// The characters that end a name in a declaration. All other bytes belong to names, also those that XML doesn't allow
+/// there, so that a damaged name is reported whole.
 inline constexpr CharSet kDtdDelimiter(" \t\r\n()|,&*?+\"'<>%;#[]");
 
 /// Returns the name at the start of `text`, up to the first delimiter; empty if there is none.
@@ -63,7 +64,8 @@ inline std::string_view dtdNameAt(std::string_view text)
 }
 
 /// A search whose starting positions only grow. Text between the last start and the last match is never searched again,
-/// so all searches together are linear. `Search(text, from)` returns a position or kNowhere.
+/// so all searches together are linear. `Search(text, from)` returns a position or kNowhere. The text must outlive the
+/// search.
 template <auto Search>
 class ForwardSearch
 {
@@ -87,7 +89,7 @@ private:
 };
 
 /// Converts offsets in a text to lines and columns. Both count from 1, columns in bytes. Lines are indexed on the first
-/// call.
+/// call, so a text without reports costs nothing. A call then searches at most one block.
 class TextPlaces
 {
 public:
@@ -104,20 +106,21 @@ private:
         std::uint32_t number;
     };
 
-    static constexpr std::size_t kBlock = 1024;
+    static constexpr std::size_t kBlock = 1024; // bytes; an index by line took 8 bytes for each line of a DTD
 
     std::string_view text;
     std::vector<Line> lines; // by block
 };
 
-/// The parentheses of a text, matched once for all its content models.
+/// The parentheses of a text, matched once for all its content models. Statements of the literal reading may overlap,
+/// so each matching its own parentheses would take quadratic time.
 class DTDGroups
 {
 public:
     /// A ')'.
     struct Close
     {
-        std::size_t at;
+        std::size_t at;              ///< offset in the text
         std::size_t mark = kNowhere; ///< the first '*' or '+' after it, unless a separator comes before; else kNowhere
     };
 
@@ -130,7 +133,8 @@ public:
     std::size_t openOf(std::size_t index) const { return groups[index].open; }
 
     /// Returns the end of a group in a text that is cut at `end`: its matching ')' if that lies before `end`, else the
-    /// last ')' between its '(' and `end`. Null if there is none.
+    /// last ')' between its '(' and `end`. Null if there is none: the group then runs to `end`. The pointer is valid as
+    /// long as the groups.
     const Close* closeOf(std::size_t index, std::size_t end) const;
 
     /// Returns the last ')' between two positions; null if there is none.

@@ -4,10 +4,19 @@
 
 #include <algorithm>
 
+// A stack of frames replaces copying: a reference pushes the text of its entity, and the end of a text pops it. Nothing
+// is expanded into a buffer, so tokens are views, and a construct's place is that in its own file.
+//
+// A declaration may end in a text that a reference in it has opened, but not after the text in which it began: the end
+// of that text is tokenMissing. XML requires this nesting (XML 1.0, 2.8, "Proper Declaration/PE Nesting"), and a
+// missing '>' in a module thus doesn't take declarations of the DTD that refers to it.
+//
+// Reading is linear in the texts. Searches for an end that may be missing (of a comment, a literal) remember a failure
+// in the frame.
 namespace {
 
 constexpr CharSet kMarkup("%<]");
-constexpr std::size_t kLongKey = 200;
+constexpr std::size_t kLongKey = 200;            // bytes of a section's key that a report shows
 constexpr std::size_t kMaxSectionEntities = 20;  // more are not suggested
 constexpr unsigned kDeclarationsPerReport = 256; // declarations between two progress reports
 
@@ -19,6 +28,7 @@ DTDTokens::DTDTokens(DTDEntities& entities, DTDEntities::Text& main, SourceRepor
     push(main);
 }
 
+// Lines of an entity's value are counted from the place of its literal.
 void DTDTokens::push(DTDEntities::Text& text)
 {
     const char* const start = text.text.data();
@@ -31,6 +41,8 @@ void DTDTokens::pop()
     frames.pop_back();
 }
 
+// Returns the place of the frame's position. A composed text has bytes that stand nowhere in a file, so the place of
+// its declaration's literal is used for everything in it.
 SourcePlace DTDTokens::placeIn(Frame& frame) const
 {
     if (frame.text->isComposed)
@@ -56,6 +68,7 @@ SourcePlace DTDTokens::wordPlace()
     return place;
 }
 
+// Looks at the current text only, so that a look never opens an entity.
 bool DTDTokens::peek(char c) const
 {
     const std::string_view rest = frames.back().rest();
@@ -63,6 +76,7 @@ bool DTDTokens::peek(char c) const
     return at != kNowhere && rest[at] == c;
 }
 
+// Only the main text counts as progress: how much text the entities will add is unknown until they are read.
 bool DTDTokens::nextDeclaration()
 {
     meter.step(static_cast<std::uint64_t>(frames.front().at - frames.front().text->text.data()));
@@ -159,6 +173,7 @@ void DTDTokens::skipComment()
 }
 
 // Skips an instruction, up to "?>" in XML and up to '>' in SGML. If a declaration begins inside it, its end is missing.
+// No search goes past the next "<?", so many instructions without an end take linear time.
 void DTDTokens::skipInstruction()
 {
     Frame& frame = frames.back();
@@ -175,8 +190,9 @@ void DTDTokens::skipInstruction()
     frame.at += at + isClosed;
 }
 
-// Reads the start of a conditional section. The contents of an included one are read on; an ignored one is skipped with
-// its nested sections.
+// Reads the start of a conditional section (XML 1.0, productions [61] to [65]). The contents of an included one are
+// read on, also if the key is unknown; an ignored one is skipped with its nested sections. SGML allows several
+// keywords, of which IGNORE takes precedence.
 void DTDTokens::readSection()
 {
     Frame& frame = frames.back();
@@ -187,6 +203,7 @@ void DTDTokens::readSection()
     key = trimmed(key.substr(0, key.find('[')));
     base = frames.size();
     bool isIgnored = false, isKnown = false;
+    // next() replaces an entity in the key first (XML 1.0, 3.4).
     for (next(); current.kind == tokenWord; next()) {
         isIgnored |= current.text == "IGNORE" || current.text == "ignore";
         isKnown |= current.text == "INCLUDE" || current.text == "include";
@@ -209,6 +226,8 @@ void DTDTokens::readSection()
         report.add(SourceReport::unknownSection, declaration, key);
 }
 
+// Counts only the starts and ends of sections. No other markup is recognised in an ignored section, not even comments
+// and references (XML 1.0, production [64]).
 void DTDTokens::skipSection()
 {
     Frame& frame = frames.back();
@@ -223,6 +242,7 @@ void DTDTokens::skipSection()
         report.add(SourceReport::unterminated, declaration, "section");
 }
 
+// Polls for cancellation itself, because a single declaration can be as long as the DTD.
 const DTDTokens::Token& DTDTokens::next()
 {
     current.followsUnknown = false;
@@ -261,7 +281,8 @@ const DTDTokens::Token& DTDTokens::next()
     }
 }
 
-// Opens the text of a reference. Returns false if the '%' begins no reference and has become a token.
+// Opens the text of a reference (XML 1.0, production [69]); in SGML the ';' may be missing. Returns false if the '%'
+// begins no reference and has become a token, like the one that declares a parameter entity.
 bool DTDTokens::readReference()
 {
     Frame& frame = frames.back();
@@ -281,8 +302,8 @@ bool DTDTokens::readReference()
     return true;
 }
 
-// Reads a '-': SGML's comment inside a declaration, minimization ("- O") or exclusion ("-(a|b)"). Returns false if
-// there is a token.
+// Reads a '-': SGML's comment inside a declaration, minimization ("- O", "-O") or exclusion ("-(a|b)"). Any other '-'
+// begins a word, so that names which start with it are reported whole. Returns false if there is a token.
 bool DTDTokens::readDash()
 {
     Frame& frame = frames.back();
@@ -327,10 +348,13 @@ void DTDTokens::readWord(Kind kind)
     frame.at += current.text.size();
 }
 
+// Reads a literal. If its second quote is missing, the quote becomes a mark, which no declaration expects, and the text
+// after it is read as tokens. So outside of entities a lost quote costs one declaration, not all up to the next quote.
 void DTDTokens::readQuoted(char quote)
 {
     Frame& frame = frames.back();
     bool& hasQuote = frame.hasQuote[quote == '"'];
+    // A place costs counting lines, and only values of entities need it.
     if (mayHoldMarkup) {
         literal = placeIn(frame);
         literal.column += !frame.text->isComposed;

@@ -5,9 +5,14 @@
 
 /// The tokens of a DTD, declaration by declaration. Skips comments, instructions and ignored sections, and replaces
 /// references to parameter entities. Understands XML and SGML (ISO 8879) side by side.
+///
+/// The caller alternates nextDeclaration() and next() up to the declaration's end. Views in tokens point into the texts
+/// of the entities, and stay valid as long as those. Nothing throws, except for the bounds of DTDEntities and
+/// Cancelled.
 class DTDTokens
 {
 public:
+    /// The order matters: isEnd() and the reader compare kinds by it.
     enum Kind : std::uint8_t
     {
         tokenEnd,      ///< the declaration's '>'
@@ -22,7 +27,7 @@ public:
     {
         Kind kind = tokenMissing;
         char mark = '\0';
-        bool followsUnknown = false; ///< a missing entity came before it
+        bool followsUnknown = false; ///< a missing entity came before it, which may have held any tokens
         std::string_view text;
 
         bool isMark(char c) const { return kind == tokenMark && mark == c; }
@@ -31,12 +36,15 @@ public:
         bool isEnd() const { return kind <= tokenMissing; }
     };
 
+    /// `main` is the DTD itself, as DTDEntities::addFile() returned it. All three must outlive this object. Reports the
+    /// start of the work; throws Cancelled.
     DTDTokens(DTDEntities& entities, DTDEntities::Text& main, SourceReport& report);
 
     /// Returns the entities, to declare further ones.
     DTDEntities& entities() { return entityTable; }
 
-    /// Moves to the next declaration and reads its keyword. Returns false at the end of the DTD.
+    /// Moves to the next declaration and reads its keyword; next() then reads its first token. Returns false at the end
+    /// of the DTD. The caller must have read the last declaration to its end, or to the '[' of a DOCTYPE.
     bool nextDeclaration();
     /// Returns the keyword as it is written; empty for "<!>".
     std::string_view keyword() const { return word; }
@@ -51,7 +59,8 @@ public:
     /// Returns the place of the last literal's text; only set in declarations of entities.
     SourcePlace literalPlace() const { return literal; }
 
-    /// Returns the place of the current word.
+    /// Returns the place of the current token, which must be a word that has just been read. In a composed entity it is
+    /// the place of the entity's value.
     SourcePlace wordPlace();
 
     /// Returns the current token, as next() has read it.
@@ -64,26 +73,28 @@ public:
     /// From now on, a '<!' in a literal of the current declaration means that its second quote is missing.
     void endLiterals() { mayHoldMarkup = false; }
 
-    /// Returns whether `c` is the next character other than a blank.
+    /// Returns whether `c` is the next character other than a blank. False at the end of the current entity, whatever
+    /// follows it.
     bool peek(char c) const;
 
-    /// Returns the entities that leave out sections; empty unless all sections with an entity as key were left out.
+    /// Returns the entities that leave out sections, at most 20; empty unless all sections with an entity as key were
+    /// left out. A user who declares one of them as INCLUDE gets these sections.
     std::vector<std::string_view> querySectionEntities() const
     {
         return hasReadSection ? std::vector<std::string_view>() : sectionEntities;
     }
 
 private:
-    // A text that is being read; entities nest as a stack of frames.
+    // A text that is being read; entities nest as a stack of frames. The pointers point into `text`.
     struct Frame
     {
         DTDEntities::Text* text;
         const char* at;
         const char* end;
-        const char* counted; // lines are counted up to here
-        const char* lineStart;
-        std::uint32_t line;
-        std::uint32_t column; // column of lineStart
+        const char* counted;   // lines are counted up to here
+        const char* lineStart; // start of the line that holds `counted`
+        std::uint32_t line;    // number of that line
+        std::uint32_t column;  // column of lineStart
         // False once a search for it failed, so the search is not repeated: that would take quadratic time.
         bool hasCommentEnd = true;
         bool hasDashes = true;
@@ -112,21 +123,23 @@ private:
     DTDEntities& entityTable;
     SourceReport& report;
     std::vector<Frame> frames;
-    std::size_t base = 0;     // number of frames when the declaration began; it ends in the same one
-    std::size_t sections = 0; // number of open sections
+    std::size_t base = 0; // number of frames when the declaration began; it ends with the last of them at the latest
+    std::size_t sections = 0; // number of open sections; not by frame, so a section may end in another text
     std::vector<std::string_view> sectionEntities;
     bool hasReadSection = false; // a section with an entity as key has been read
+    // Whether the main text is a document: not, its declarations are finished, or the brackets of its DOCTYPE are being
+    // read.
     enum
     {
         none,
         ended,
         inBrackets
     } doctype = none;
-    std::string_view externalEntity; // made for the DTD that the DOCTYPE names; "" if none
-    SourcePlace declaration, literal, section;
+    std::string_view externalEntity;           // made for the DTD that the DOCTYPE names; "" if none
+    SourcePlace declaration, literal, section; // `section`: of the outermost open section
     std::string_view word;
     Token current;
-    bool mayHoldMarkup = false;
-    ProgressMeter meter; // progress, in bytes of the main text
+    bool mayHoldMarkup = false; // literals of the current declaration may hold "<!"
+    ProgressMeter meter;        // progress, in bytes of the main text
     CancelPoint cancelPoint{4096};
 };
