@@ -211,6 +211,8 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         assignOperands(words, arguments);
         if (arguments.json && !arguments.list && arguments.diff.document.empty())
             throw CLI::ValidationError("--json", "requires --list or --diff");
+        if (arguments.output == "-" && !arguments.dependencies.file.empty())
+            throw CLI::ValidationError("--depfile", "requires a file as --output");
         if (arguments.diff.document == "-" && std::ranges::find(arguments.sources, "-") != arguments.sources.end())
             throw CLI::ValidationError("--diff", "standard input can't be both the source and the document");
         if (arguments.create.overwrite == "ask" && isStandardInputRead(arguments))

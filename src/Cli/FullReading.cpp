@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <span>
@@ -23,7 +24,9 @@ void addFolders(const std::vector<CString>& given, FullOptions& options)
         folder.erase(0, folder.find_first_not_of('\\'));
         while (folder.ends_with('\\'))
             folder.pop_back();
-        options.folders[text.substr(0, end)] = folder;
+        const auto [known, isNew] = options.folders.emplace(text.substr(0, end), folder);
+        if (!isNew && known->second != folder)
+            throw CLI::ValidationError("--folder", "two folders for the namespace " + known->first);
     }
 }
 
@@ -33,7 +36,10 @@ void addEntities(const std::vector<CString>& given, FullOptions& options)
         const std::size_t end = text.find('=');
         if (end == CString::npos || !isXmlName(text.substr(0, end)))
             throw CLI::ValidationError("--entity", "it takes NAME=VALUE");
-        options.entities.emplace_back(text.substr(0, end), text.substr(end + 1));
+        const auto& [name, value] = options.entities.emplace_back(text.substr(0, end), text.substr(end + 1));
+        const auto known = std::ranges::find(options.entities, name, &std::pair<CString, CString>::first);
+        if (known->second != value)
+            throw CLI::ValidationError("--entity", "two values for the entity " + name);
     }
 }
 

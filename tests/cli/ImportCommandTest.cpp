@@ -241,6 +241,9 @@ TEST_F(ImportCommand, AnswersExactly)
          {0, "a\\s\na\\r1\na\\r2\n", "set/6.dtd: error: No such file or directory\n"}},
         {"$import dtd --full r.dtd --folder u", {2, "", mistake("--folder: it takes URI=NAME")}},
         {"$import dtd --full r.dtd --folder u=v", {2, "", mistake("--folder requires --folders namespace")}},
+        {"$import dtd --full r.dtd set/1.dtd --folder u=v --folder 'u=\\v' -q -o /dev/null; $import dtd --full r.dtd "
+         "--folders namespace --folder u=v --folder u=w",
+         {2, "", mistake("--folder: two folders for the namespace u")}},
         {"$import dtd --full set/1.dtd r.dtd --folders main --merge-equal",
          {2, "", mistake("--merge-equal requires --folders namespace")}},
         {"$import dtd --full r.dtd set/1.dtd --merge-equal -l -b a -q | cut -f 1",
@@ -285,11 +288,13 @@ TEST_F(ImportCommand, AnswersExactly)
           "none: error: No such file or directory\nr.dtd:1:2: error: StartTag: invalid element name\n"}},
         {"printf '<!ENTITY %% a \"IGNORE\"><!ENTITY %% b \"IGNORE\"><![%%a;[<!ELEMENT a (c)>]]><![ %%b; [<!ELEMENT b "
          "(c)>]]><![%%a;[<!ELEMENT d (c)>]]>' >t.dtd; $import dtd --full t.dtd; $import dtd --full t.dtd -l "
-         "--entity a=INCLUDE -q; $import xsd --full x.xsd --entity a=b; $import dtd --full t.dtd --entity a",
+         "--entity a=INCLUDE -q; $import xsd --full x.xsd --entity a=b; $import dtd --full t.dtd --entity a; "
+         "$import dtd --full t.dtd --entity a=b --entity a=c",
          {2, "\\sys\\rosettanet\\a\\d\td (Automatically created)\n\\sys\\rosettanet\\a\\a\ta (Automatically created)\n",
           "t.dtd: error: it declares no element, type or enumeration\nt.dtd: warning: all its sections are left out; "
           "--entity a=INCLUDE includes one; others depend on b\n" +
-              mistake("--entity: xsd has no parameter entities") + mistake("--entity: it takes NAME=VALUE")}},
+              mistake("--entity: xsd has no parameter entities") + mistake("--entity: it takes NAME=VALUE") +
+              mistake("--entity: two values for the entity a")}},
         {"echo '<!ENTITY % m \"b\"><!ELEMENT r (%m;)>' >m.dtd; $import dtd --full m.dtd --entity m=c --strict; $import "
          "dtd --full m.dtd --entity m=c -o /dev/null -q --report - --report-format json 2>&1 | sed -n 2p",
          {0,
@@ -388,6 +393,7 @@ TEST_F(ImportCommand, AnswersExactly)
           says("can't write r.d: make and ninja can't read the name x y") +
               says("can't write r.d: make and ninja can't read the name x=y") +
               says("can't write r.d: make and ninja can't read the name 1%")}},
+        {"$import r.dtd -o - --depfile r.d", {2, "", mistake("--depfile: requires a file as --output")}},
         {"$import r.dtd -o r.d --depfile r.d", {2, "", mistake("r.d: it would be read and written, or written twice")}},
         // A file with the same contents keeps inode and time.
         {"at() { stat -c '%i %Y' k.x; }; $import r.dtd -o k.x; "
