@@ -148,6 +148,13 @@ const Rule kRules[] = {
      "declaration that makes no sense: ENTITY without a name\nx:5:58: comment or declaration without an end: "
      "comment\n\n2 details\n\n8 declarations not understood\n1 statement not understood\n1 comment or declaration "
      "without an end\n1 general entity\n1 notation\n"},
+    {"ContentWithoutANameOrAConnector",
+     "<!ENTITY % e ''>\n<!ELEMENT a ()>\n<!ELEMENT b (a,)>\n<!ELEMENT c (a 'x')>\n<!ELEMENT d (b?+)>\n"
+     "<!ELEMENT r ((b | (c)+)* , d?)><!ELEMENT t (#PCDATA %e;)*>",
+     "c(a:String) b(a:String) d(b:b) t_b[b] t_c[c] r(b:t_b c:t_c d:d)",
+     "4 losses\nx:2:1: declaration that makes no sense: a\nx:3:1: declaration that makes no sense: b\nx:4:1: "
+     "declaration that makes no sense: c\nx:5:1: declaration that makes no sense: d\n\n5 details\n\n4 declarations not "
+     "understood\n4 optional parts\n1 choice\n"},
     {"ADoctypeHoldsDeclarations",
      "<!DOCTYPE r SYSTEM 'no' [ <![INCLUDE[<!ELEMENT r (a)>]]><!ELEMENT a EMPTY> ]><r>%off;<![CDATA[<!ELEMENT r "
      "(b)>]]>",

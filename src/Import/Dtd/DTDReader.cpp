@@ -164,33 +164,35 @@ bool DTDReader::readContent(bool& holdsText)
     return isKnown;
 }
 
-// Reads a content model from its first '('. A model that doesn't end is reported; what was read so far is used.
+// Reads a content model from its first '('. One that doesn't end, or in which names and connectors don't alternate, is
+// reported; what was read is used. A missing entity may have held the part that lacks.
 bool DTDReader::readGroup(bool& holdsText)
 {
     std::size_t depth = 0;
-    bool followsItem = false, lacksConnector = false;
+    bool needsItem = true, isMalformed = false;
     const DTDTokens::Token& token = tokens->token();
     do {
         if (token.isEnd()) {
             noteMalformed(names.front());
             for (; depth > 0; --depth)
                 model.endGroup(false);
-            return true; // what was read so far is used
-        }
-        lacksConnector |=
-            followsItem && (token.kind == DTDTokens::tokenWord || token.isMark('(')) && !token.followsUnknown;
-        followsItem = token.kind == DTDTokens::tokenWord || token.isMark(')');
-        if (token.kind == DTDTokens::tokenWord) {
-            readChild();
-            continue;
+            return true;
         }
         const DTDTokens::Kind kind = token.kind;
         const char mark = kind == DTDTokens::tokenMark ? token.mark : '\0';
+        const bool isItem = kind == DTDTokens::tokenWord || kind == DTDTokens::tokenReserved || mark == '(';
+        const bool isConnector = mark == '|' || mark == ',' || mark == '&';
+        isMalformed |= !token.followsUnknown && (isItem ? !needsItem : needsItem || !(isConnector || mark == ')'));
+        needsItem = mark == '(' || isConnector;
+        if (kind == DTDTokens::tokenWord) {
+            readChild();
+            continue;
+        }
         holdsText |= kind == DTDTokens::tokenReserved && isSameAscii(token.text, "PCDATA");
         tokens->next();
         readGroupMark(mark, depth);
     } while (depth > 0);
-    if (lacksConnector)
+    if (isMalformed)
         noteMalformed(names.front());
     return true;
 }
