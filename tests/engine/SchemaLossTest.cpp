@@ -69,6 +69,10 @@ const Loss kLosses[] = {
      "3:1 statement that has no effect there: xs:complexType inside xs:element"},
     {"Values", MAIN(ELEMENT("name='a' maxOccurs='many'") ELEMENT("name='b' type=''")),
      "2:1 invalid value: maxOccurs=\"many\"\n2:40 invalid value: type=\"\""},
+    {"BoundsThatContradictEachOther",
+     MAIN(ELEMENT("name='a' minOccurs='2'") "\n" ELEMENT("name='b' minOccurs='10' maxOccurs='09'") "\n" ELEMENT(
+         "name='c' minOccurs='09' maxOccurs='10'") ELEMENT("name='d' minOccurs='2' maxOccurs='unbounded'")),
+     "2:1 invalid value: minOccurs=\"2\" above maxOccurs\n3:1 invalid value: minOccurs=\"10\" above maxOccurs"},
     {"WithoutAName", MAIN("<xs:element/>") "<xs:complexType/>",
      "2:1 without a name: xs:element\n3:1 without a name: xs:complexType\n3:1 declaration inside itself: ",
      "2:1 without a name: xs:element\n3:1 without a name: xs:complexType"},

@@ -172,6 +172,22 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
             checkValue(known.back(), called);
         }
     }
+    if (has(Word::minOccurs) && isLeastAboveMost())
+        addFinding(SourceReport::invalidValue,
+                   "minOccurs=\"" + CString(valueOf(Word::minOccurs)) + "\" above maxOccurs");
+}
+
+// Returns whether the bounds of occurrence contradict each other. Invalid ones are reported by themselves.
+bool SchemaStatements::isLeastAboveMost() const
+{
+    if (least != Occurrence::often || most != Occurrence::often)
+        return least <= Occurrence::often && least > most;
+    const auto digitsOf = [this](Word bound) {
+        const std::string_view value = trimmed(valueOf(bound));
+        return value.substr(value.find_first_not_of('0'));
+    };
+    const std::string_view lower = digitsOf(Word::minOccurs), upper = digitsOf(Word::maxOccurs);
+    return lower.size() != upper.size() ? lower.size() > upper.size() : lower > upper;
 }
 
 // Attributes of other languages are allowed anywhere; those of this language have no prefix.

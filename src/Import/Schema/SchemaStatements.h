@@ -140,6 +140,7 @@ private:
     void read(SchemaTag tag, XmlName name, XmlAttributes attributes);
     void checkForeign(XmlName called, const char* uri, XmlName statement);
     void checkValue(const Attribute& attribute, XmlName called);
+    bool isLeastAboveMost() const;
     void enterStatement(SchemaTag tag, Level& level);
     const char* missingIn(SchemaTag tag, SchemaTag holder, bool isTop) const;
     bool occursTooOften(const Level& holder, SchemaTag tag) const;
