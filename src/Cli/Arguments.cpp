@@ -21,7 +21,8 @@
 
 namespace {
 
-// Appends the non-empty lines of a file.
+// Appends the non-empty lines of a file. Editors of Windows end lines with CR LF and begin a file with a byte order
+// mark; both would become part of an argument.
 void addLines(const CString& fileName, std::vector<CString>& arguments)
 {
     CString text;
@@ -39,7 +40,8 @@ void addLines(const CString& fileName, std::vector<CString>& arguments)
 
 // Returns the arguments without the program's name, with "@FILE" replaced by the lines of that file. A line is taken as
 // it is, even if it begins with '@'; so is every argument after "--". Appends the names of the files to `files`. Throws
-// std::runtime_error if a file can't be read.
+// std::runtime_error if a file can't be read. The list of a large set can be longer than the system lets a command line
+// be.
 std::vector<CString> argumentsOf(int argc, char** argv, std::vector<CString>& files)
 {
     std::vector<CString> arguments;
@@ -56,7 +58,8 @@ std::vector<CString> argumentsOf(int argc, char** argv, std::vector<CString>& fi
     return arguments;
 }
 
-// Returns the output of --importers; shell completion reads its columns.
+// Returns the output of --importers; shell completion reads its columns. The columns are the word, the patterns of its
+// files, and the name.
 CString importerList()
 {
     CString list;
@@ -79,7 +82,9 @@ void refuseEmptyNames(const CLI::App& app)
                     throw CLI::ValidationError(option->get_name(), "a name is missing");
 }
 
-// Splits the positional arguments into the importer, if the first one names it, and the sources.
+// Splits the positional arguments into the importer, if the first one names it, and the sources. A first word that is
+// neither is most likely a misspelt importer: reading it as a file would only say that there is no such file. One word
+// alone may also be a connection string.
 void assignOperands(const std::vector<CString>& words, Arguments& arguments)
 {
     if (words.empty())
@@ -96,7 +101,8 @@ void assignOperands(const std::vector<CString>& words, Arguments& arguments)
 }
 
 // Returns whether the command reads standard input. A terminal doesn't count, because more can be typed there. A file
-// would be read again from its start.
+// would be read again from its start. The answers to --overwrite would be read from that text: a document that begins
+// with "a" would replace all types.
 bool isStandardInputRead(const Arguments& arguments)
 {
     std::vector<CString> inputs = arguments.sources;
@@ -108,6 +114,7 @@ bool isStandardInputRead(const Arguments& arguments)
            });
 }
 
+// The description of the positional argument is printed by HelpText as it stands, so its lines are laid out here.
 void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
 {
     app.add_option("SOURCE", words,
@@ -179,11 +186,14 @@ void addOtherOptions(CLI::App& app, Arguments& arguments, CString& answer)
 
 } // namespace
 
+// CLI11 reports by exceptions: CLI::Success for --help and its like, CLI::ParseError for an invalid command line.
+// CLI11's exit status for the latter is not used.
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus)
 {
     CLI::App app("Turn a description of business messages into type definitions for a message\nbroker.",
                  "typeforge-import");
     app.formatter(std::make_shared<HelpText>());
+    // Options get the group that is the default when they are added; HelpText prints the groups in its own order.
     const auto group = [&app](const char* name) -> CLI::App& {
         app.option_defaults()->group(name);
         return app;
@@ -242,6 +252,8 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     return true;
 }
 
+// Creates the importer to ask whether it reads sets and entities, which only the object knows. setFurtherFiles({}) and
+// setEntities({}) only ask.
 CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importer)
 {
     const CString word = importer.querySource().word;

@@ -11,7 +11,8 @@
 
 class MsgUIDescriptor;
 
-/// The options and sources of a command line.
+/// The options and sources of a command line. Each unit of the command holds the options of its own subject, adds them
+/// to the parser and checks them; parseArguments() checks what concerns several of them.
 struct Arguments
 {
     MsgUIDescriptor* importer = nullptr; ///< null: chosen by the source
@@ -40,6 +41,7 @@ struct Arguments
     CreateOptions create;
 
     /// Returns the exit status of a failure: kFailed, but kUsage with --diff, because 1 then means a difference.
+    /// diff(1) returns 2 for trouble.
     ExitStatus failedStatus() const { return diff.document.empty() ? kFailed : kUsage; }
 
     /// Returns whether the command needs a logon to a broker.
@@ -57,8 +59,9 @@ struct Arguments
 /// invalid command line.
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus);
 
-/// Returns why the command line is invalid for this importer; empty if it is valid.
+/// Returns why the command line is invalid for this importer; empty if it is valid. Called as soon as the importer is
+/// known: by parseArguments() if the command line names it, else after the source has chosen it.
 CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importer);
 
-/// Reports an invalid command line to standard error. Returns kUsage.
+/// Reports an invalid command line to standard error, with a pointer to --help. Returns kUsage.
 int reportUsageError(std::string_view usageError);

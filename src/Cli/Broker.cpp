@@ -13,12 +13,15 @@
 #include <set>
 #include <vector>
 
+// The broker on the command line. A repository to compare with takes the place of a document: its types are kept as
+// text under the name that the user gave, where the importer of type documents finds it like a file.
 namespace {
 
+// If the address names none. The wizard suggests the same port.
 constexpr unsigned kDefaultPort = 7250;
 
 // Returns whether a document describes a type without a kind. Readers of a list of types stop at such a type, so it has
-// to come last.
+// to come last. The document then has one start tag and its end tag, or one empty tag.
 bool hasNoContent(const CString& document)
 {
     return document.find('<', document.find('<') + 1) == document.rfind("</") || document.ends_with("/>");
@@ -42,6 +45,7 @@ bool openBroker(BrokerSession& session, const CString& address, const LogonOptio
         isForReading ? session.openForReading(address, kDefaultPort, user) : session.open(address, kDefaultPort, user);
     if (failure.empty())
         return true;
+    // Some texts end with a full stop, and the client's words follow as their reason.
     if (const CString& words = session.queryDescription(); !words.empty())
         failure = CString(trimmed(failure, ".")) + ": " + words;
     report(failure);
@@ -55,6 +59,7 @@ bool keepRepository(MsgBase& message, const CString& document, const LogonOption
     BrokerSession session;
     if (!openBroker(session, document.substr(kBroker.size()), logon, true))
         return false;
+    // Each folder is read once. Other folders of the repository are not part of the comparison.
     std::set<CString> folders;
     message.beginEnum();
     while (const Element* type = message.enumNext())

@@ -8,6 +8,10 @@
 #include <functional>
 #include <vector>
 
+// A script is a template filled with the options of the parser. The importers' files are not in it: the script asks the
+// command itself for them (--importers). All three scripts work alike. The first word that is neither an option nor an
+// option's value names the importer; without such a word the importers are offered, and files, because an importer may
+// be left out. With one, its files or data sources are offered, and options of other importers are not.
 namespace {
 
 // The properties of an option for shell completion.
@@ -27,7 +31,7 @@ struct Row
     bool hasValue() const { return !value.empty(); }
 
     /// Returns the importers that the option doesn't apply to, "xml|btd"; empty if it applies to all. The description
-    /// names those it applies to: "dtd, xsd: Read by ...".
+    /// names those it applies to: "dtd, xsd: Read by ...". Any other beginning, like "With --full:", names none.
     CString otherImporters() const
     {
         const CString named = " " + description.substr(0, description.find(':')) + ",";
@@ -35,6 +39,7 @@ struct Row
         CString others;
         for (MsgUIDescriptor** importer = g_amud; *importer; ++importer) {
             const std::string_view word = (*importer)->querySource().word;
+            // With what stands around a word, so that "json" is not found in "jsonschema".
             if (named.find(CString(" ").append(word).append(",")) != CString::npos)
                 isForSome = true;
             else
@@ -56,6 +61,7 @@ CString escaped(std::string_view text, std::string_view characters)
     return out;
 }
 
+// Reads the rows from the parser. Each option has a long name, and a positional argument is no row.
 std::vector<Row> rowsOf(const CLI::App& app)
 {
     std::vector<Row> rows;
@@ -85,7 +91,8 @@ CString joined(const std::vector<Row>& rows, const char* separator, const std::f
 }
 
 // The "%s" are filled in order: options with a value; options of some importers; options with a file; options with a
-// choice; options with another value; all other options.
+// choice; options with another value; all other options. _init_completion -s splits --option=value. _filedir takes
+// suffixes in small letters and adds the same in capitals.
 constexpr char kBash[] = R"sh(# Completion of typeforge-import for bash.
 _typeforge_import()
 {
@@ -132,7 +139,7 @@ constexpr char kBashChoice[] = R"sh(        %s)
             return ;;
 )sh";
 
-// Filled with the importers without the option, and the option's names.
+// Filled with the importers without the option, and the option's names. [[ matches @(...) whatever the shell's options.
 constexpr char kBashOption[] = R"sh(    [[ $word == @(%s) ]] || options+="%s "
 )sh";
 
@@ -205,6 +212,8 @@ complete -c typeforge-import -n 'test "$(__typeforge_import_word)" = odbc' -f -a
 complete -c typeforge-import -n 'test -n "$(__typeforge_import_suffixes)"' -k -f -a '(__fish_complete_suffix (__typeforge_import_suffixes))'
 %s)sh";
 
+// Fills the "%s" of a template from left to right. A value must not contain "%s" itself, or the next value would go
+// there.
 CString filled(CString text, std::initializer_list<CString> values)
 {
     for (const CString& value : values)
@@ -212,6 +221,7 @@ CString filled(CString text, std::initializer_list<CString> values)
     return text;
 }
 
+// The options of some importers are added at run time, when the importer is known.
 CString forBash(const std::vector<Row>& rows)
 {
     const auto isOther = [](const Row& row) { return row.hasValue() && !row.isFile() && row.choice.empty(); };
@@ -237,6 +247,8 @@ CString zshText(std::string_view text)
     return out;
 }
 
+// Writes each option as an argument of _arguments. One with two names is '(-o --output)'{-o,--output}'[...]', which
+// offers it only once.
 CString forZsh(const std::vector<Row>& rows)
 {
     CString lines, ofSome;
@@ -257,6 +269,8 @@ CString forZsh(const std::vector<Row>& rows)
     return filled(kZsh, {joined(rows, " | ", &Row::hasValue), ofSome, lines});
 }
 
+// Writes each option as a command `complete`. -r requires a value, -F offers files for it, -x requires one and offers
+// none.
 CString forFish(const std::vector<Row>& rows)
 {
     CString lines;

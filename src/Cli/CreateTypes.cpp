@@ -14,12 +14,15 @@
 #include <iostream>
 #include <unistd.h>
 
+// Questions go to standard error and are answered on standard input, because standard output holds the result lines,
+// which another program may read.
 namespace {
 
 constexpr char kBasePathHint[] = "; --base-path keeps them apart";
 
 // Asks on standard error and reads a line of standard input. Any answer other than y, a or x means no, and so does the
-// end of input, like closing the wizard's dialog.
+// end of input, like closing the wizard's dialog. Names may come from another user's types in the repository, so they
+// are shown without control characters.
 OverwriteChoice ask(const CString& question, const CString& details)
 {
     if (!details.empty())
@@ -41,6 +44,8 @@ OverwriteChoice ask(const CString& question, const CString& details)
     }
 }
 
+// Returns the answer that --overwrite gives, or asks. Without the option and without a terminal, existing types stay: a
+// script must not replace them unasked. The hint appears once, because the answer is for all.
 OverwriteChoice choose(const CString& overwrite, const CString& question, const CString& details, Verbosity verbosity)
 {
     if (overwrite == "ask")
@@ -50,7 +55,8 @@ OverwriteChoice choose(const CString& overwrite, const CString& question, const 
     return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
 }
 
-// Returns what a dry run writes after a type; empty for an unchanged one.
+// Returns what a dry run writes after a type; empty for an unchanged one. The result lines of a dry run are the names
+// alone.
 const char* dryRunText(ResultKind kind, const CString& overwrite)
 {
     switch (kind) {
@@ -66,12 +72,14 @@ const char* dryRunText(ResultKind kind, const CString& overwrite)
     }
 }
 
+// Returns the number of types with their source: "2 types of orders.xsd".
 CString typesOf(int count, const CString& source)
 {
     return countInWords(static_cast<std::size_t>(count), "type", "types") + " of " + source;
 }
 
-// Reports, for each other source, which of its types this run has replaced or found different.
+// Reports, for each other source, which of its types this run has replaced or found different. `reportsKept` is false
+// if the user has decided to keep existing types.
 void reportOtherSources(const CreationRun& run, const CString& source, bool reportsKept, bool isDryRun)
 {
     std::vector<CString> names = {source};
@@ -123,7 +131,9 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
     if (!openBroker(session, options.address, logon, options.isDryRun))
         return kFailed;
     const CString overwrite = options.overwrite.empty() && isatty(STDIN_FILENO) ? "ask" : options.overwrite;
+    // Whether types stayed because nobody was asked; they count as not created, since the user has not decided.
     bool keptExisting = false;
+    // A dry run asks nothing, but says for each type that it would ask.
     const auto choice = [&](const CString& question, const CString& details) {
         keptExisting = overwrite.empty();
         if (options.isDryRun)
@@ -133,12 +143,14 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
     Output lines("");
     const auto addLine = [&](const CString& line, ResultKind kind) {
         lines.write(shownText(line) + (options.isDryRun ? dryRunText(kind, overwrite) : "") + "\n");
+        // At once, so that someone who waits, or reads the lines as a log, sees how far the creation is.
         lines.flush();
     };
     CreationRun run(session, {choice, addLine}, {source, true, options.isDryRun});
     const int errors = run.run(message);
     if (verbosity != Verbosity::quiet)
         reportOtherSources(run, source.name, keptExisting, options.isDryRun);
+    // The types exist even if their lines got lost, so that is the last failure to tell.
     const bool isWritten = lines.finish();
     if (errors != 0 || keptExisting)
         return kNotCreated;

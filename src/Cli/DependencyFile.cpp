@@ -60,6 +60,7 @@ void addDependencyOptions(CLI::App& app, DependencyOptions& options)
     app.add_flag("--depfile-phony", options.hasPhony, "Add an empty rule for each further file")->needs(file);
 }
 
+// Nothing is written if a name doesn't fit, because a rule without that file would hide its changes from a build.
 bool writeDependencies(const SourceReport& report, const CString& target, const DependencyOptions& options)
 {
     const std::vector<CString> files = filesOf(report);

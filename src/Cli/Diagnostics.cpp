@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <utility>
 
+// Editors and build tools read the lines "FILE:LINE:COL: KIND: TEXT" of compilers and jump to the place, so each fault
+// stays on one line whatever its text quotes.
 namespace {
 
 constexpr std::size_t kMaxWarnings = 20;
@@ -41,6 +43,7 @@ CString onOneLine(std::string_view text)
     return shownText(start.size() < line.size() ? CString(start) + "..." : line);
 }
 
+// Returns a hash of place and reason. The texts are not kept, because a source can have any number of warnings.
 std::uint64_t hashOf(const SourceFault& fault)
 {
     const long place[] = {fault.line, fault.column};
@@ -48,6 +51,8 @@ std::uint64_t hashOf(const SourceFault& fault)
     return Fingerprint(hash.append(fault.file).append("\n").append(fault.reason)).first;
 }
 
+// Writes "FILE:LINE:COLUMN: KIND: REASON". A column without a line is not a place. In one call of fwrite(), so that
+// lines of several processes on one terminal or log don't mix.
 void writeLine(const CString& file, const char* kind, const CString& reason, long line = 0, long column = 0)
 {
     CString text = onOneLine(shownSource(shownFile(file)));
@@ -61,6 +66,7 @@ void writeLine(const CString& file, const char* kind, const CString& reason, lon
 
 } // namespace
 
+// Drivers accept attributes in any letter case, and with blanks before the sign.
 CString shownSource(const CString& source)
 {
     const CString upper = upperAscii(source);
@@ -74,6 +80,7 @@ CString shownSource(const CString& source)
     return end < source.size() ? source.substr(0, end) + "***" : source;
 }
 
+// snprintf() into a buffer on the stack, because std::string would allocate.
 void report(std::string_view text)
 {
     char line[1000];
@@ -85,6 +92,8 @@ void report(std::string_view text)
     std::fprintf(stderr, "%s\n", line);
 }
 
+// The reason is in the fault, so the importer's text, which is made for a box, only serves to recognise what the
+// literal reading can't do.
 void Diagnostics::receiveFrom(MsgBase& importer, const Advice& advice)
 {
     importer.setErrorHandler([this, advice](const CString& text, const SourceFault& fault) {

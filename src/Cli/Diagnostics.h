@@ -27,15 +27,17 @@ enum class Verbosity
     verbose
 };
 
-/// Returns a source as it may be shown: a connection string is cut before its password.
+/// Returns a source as it may be shown: a connection string is cut before its password. Other sources are returned
+/// unchanged.
 CString shownSource(const CString& source);
 
-/// Writes one line to standard error, after the program's name, for errors not caused by a source. Allocates no memory,
-/// so it works when memory has run out.
+/// Writes one line to standard error, after the program's name, for errors not caused by a source. Control characters
+/// become blanks, and a line is cut at 999 bytes. Allocates no memory, so it works when memory has run out.
 void report(std::string_view text);
 
 /// Reports problems with the sources of an import to standard error, one a line: "FILE:LINE:COL: error: REASON", as
-/// compilers do, or "warning" if the import continues.
+/// compilers do, or "warning" if the import continues. It counts errors, so a command asks it at the end of a step
+/// whether to go on.
 class Diagnostics
 {
 public:
@@ -54,6 +56,7 @@ public:
     /// Reports one fault; a repeated warning is skipped. Without Verbosity::verbose at most 20 warnings are shown;
     /// finish() reports how many were not.
     void add(const SourceFault& fault);
+    /// Reports an error about the source as a whole.
     void error(const CString& reason) { add({source, reason}); }
 
     /// Reports a warning that doesn't count towards the 20. It is about `file` or, if that is empty, the source.

@@ -13,7 +13,8 @@
 
 namespace {
 
-// Parses "URI=NAME" arguments. NAME may be nested folders; backslashes around it are removed.
+// Parses "URI=NAME" arguments. NAME may be nested folders; backslashes around it are removed. The last "=" separates
+// them, because a URI may contain one.
 void addFolders(const std::vector<CString>& given, FullOptions& options)
 {
     for (const CString& text : given) {
@@ -30,6 +31,8 @@ void addFolders(const std::vector<CString>& given, FullOptions& options)
     }
 }
 
+// Parses "NAME=VALUE" arguments. The value may be empty, as in <!ENTITY % NAME "">. Their order stays, because the
+// first declaration of an entity is binding (XML 1.0, 4.2).
 void addEntities(const std::vector<CString>& given, FullOptions& options)
 {
     for (const CString& text : given) {
@@ -78,6 +81,7 @@ const char* FullOptions::optionOfFull() const
                                : "";
 }
 
+// Folders belong to namespaces only if types are laid out by namespace, which is the default for several sources.
 CString FullOptions::usageErrorFor(std::size_t sourceCount) const
 {
     const bool isByNamespace = layout == "namespace" || (layout.empty() && sourceCount > 1);

@@ -12,7 +12,7 @@ namespace CLI {
 class App;
 }
 
-/// The options of the full reading.
+/// The options of the full reading. Given with an importer that always reads in full, they apply without `isWanted`.
 struct FullOptions
 {
     bool isWanted = false;
@@ -24,7 +24,8 @@ struct FullOptions
     std::vector<CString> catalogs;                     ///< files
     std::vector<std::pair<CString, CString>> entities; ///< of parameters, with their values
 
-    /// Returns the first given option that requires a full reading; "" if there is none.
+    /// Returns the first given option that requires a full reading; "" if there is none. --entity is not among them,
+    /// because the parser already requires --full for it.
     const char* optionOfFull() const;
 
     /// Returns why an option has no effect on this number of sources; "" if all have one.
@@ -34,7 +35,8 @@ struct FullOptions
 /// Adds --full and its options.
 void addFullOptions(CLI::App& app, FullOptions& options);
 
-/// Returns a new importer, configured by `options`. The caller owns it.
+/// Returns a new importer, configured by `options`. The caller owns it. A literal importer ignores the options;
+/// usageErrorFor() has refused them.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer);
 
 /// After a full reading, warns about catalogues of the environment that can't be read, and about entities that would
@@ -42,5 +44,6 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
 /// source.
 void adviseOnFullReading(const MsgBase& message, Diagnostics& diagnostics);
 
-/// Warns if the source uses constructs that only the full reading supports, and names them.
+/// Warns if the source uses constructs that only the full reading supports, and names them. Does nothing if the
+/// importer has no full reading besides its literal one. Opens the source again.
 void suggestFullReading(const MsgUIDescriptor& importer, const CString& source, Diagnostics& diagnostics);

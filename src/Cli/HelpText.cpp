@@ -7,9 +7,11 @@ namespace {
 constexpr std::size_t kColumn = 28;  // column of the descriptions
 constexpr std::size_t kColumns = 80; // width of a line
 
+// In the order of printing. An option in another group would not be printed.
 constexpr const char* kGroups[] = {"Input", "Reading", "Output", "Broker", "Other"};
 
-// Returns a text wrapped to the column of the descriptions.
+// Returns a text wrapped to the column of the descriptions. The rest from a word on that is wider than the column is
+// not wrapped.
 CString wrapped(std::string_view text)
 {
     CString lines;
@@ -23,6 +25,7 @@ CString wrapped(std::string_view text)
     return lines.append(text);
 }
 
+// Returns an option with its description, which begins on a line of its own if the names reach its column.
 CString lineOf(const CLI::Option& option)
 {
     CString line = option.get_snames().empty() ? "      " : "  -" + option.get_snames().front() + ", ";

@@ -4,7 +4,8 @@
 
 #include <string>
 
-/// The text of --help: options in groups, wrapped to 80 columns.
+/// The text of --help: options in groups, wrapped to 80 columns. The groups and their order are those of the manual
+/// page.
 class HelpText : public CLI::FormatterBase
 {
 public:

@@ -20,8 +20,15 @@
 #include <algorithm>
 #include <optional>
 
+// The steps of the command, in the order of runImport(). Sources are expanded and pipes copied before the importer is
+// chosen, because its choice reads them. Everything that makes a command line invalid is refused before the import,
+// except outputs that turn out to be inputs: only the import knows the files that its sources refer to. Until all
+// checks have passed nothing is written, so a refused or failed command leaves every older output as it was; only a
+// report is also written after a failure.
 namespace {
 
+// Returns the folder of the broker under which the types are placed, with the final backslash that importers expect. An
+// empty --base-path names the root, "\".
 CString basePathOf(const Arguments& arguments, MsgBase& importer)
 {
     CString path = arguments.hasBasePath ? arguments.basePath : importer.getBasePath();
@@ -46,7 +53,8 @@ Element* findType(MsgBase& message, const CString& asked)
     return byFullName;
 }
 
-// Warns if the root element isn't named after the main type, because not every type name is an XML name.
+// Warns if the root element isn't named after the main type, because not every type name is an XML name. Types keep
+// their names; programs that look for the root element by the main type's name would miss it.
 void warnOfChangedTag(const MsgBase& message, Diagnostics& diagnostics)
 {
     const CString mainType = message.queryMainTypeName(), tag = message.queryFrameTag();
@@ -55,6 +63,8 @@ void warnOfChangedTag(const MsgBase& message, Diagnostics& diagnostics)
                             " is not an element name in XML");
 }
 
+// Writes what the options ask for to the output. Returns the exit status. Returns without finish() on an error, so that
+// an older file stays. The repository is read only here, because only the folders of the imported types are read.
 int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagnostics)
 {
     Output output(arguments.output);
@@ -87,7 +97,7 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
 }
 
 // Returns the kind of a source that isn't one of this importer, as the end of an error; empty if it is unknown. Most
-// imports without types have a wrong file or importer.
+// imports without types have a wrong file or importer. An importer of tables has no file to look at.
 CString otherKindOf(const CString& file, const MsgUIDescriptor& importer)
 {
     if (importer.querySource().readsTables)
@@ -99,7 +109,8 @@ CString otherKindOf(const CString& file, const MsgUIDescriptor& importer)
     return foreign.empty() ? "" : "; " + CString(foreign);
 }
 
-// Imports the sources. Returns whether there are types to write; if not, that has been reported.
+// Imports the sources. Returns whether there are types to write; if not, that has been reported. `tables` is null
+// unless the importer reads tables.
 bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Arguments& arguments,
                    const std::vector<CString>& files, TableSource* tables, Diagnostics& diagnostics)
 {
@@ -113,6 +124,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
         message.allowEmpty();
     // With a requested element, the error may be about that alone.
     diagnostics.receiveFrom(message, [&](const CString& file) {
+        // Errors in a document that the source refers to don't make the source one of another kind.
         const bool isSource = std::ranges::find(files, file) != files.end();
         return isSource && arguments.full.roots.empty() ? otherKindOf(file, importer) : CString();
     });
@@ -132,7 +144,8 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     return !diagnostics.hasErrors();
 }
 
-// Returns the importer common to all files; null if there is none, which has been reported.
+// Returns the importer common to all files; null if there is none, which has been reported. Several files are one
+// source, so they must be of one kind.
 MsgUIDescriptor* importerOf(const std::vector<CString>& files, Diagnostics& diagnostics)
 {
     MsgUIDescriptor* const importer = importerOf(files.front(), diagnostics);
@@ -157,7 +170,8 @@ std::vector<CString> sourceFiles(const Arguments& arguments)
     return filesOf(arguments.sources, !importer || (importer->hasFull() && !arguments.full.isWanted));
 }
 
-// Replaces folders by their files. If a single folder is given, it names the set.
+// Replaces folders by their files. If a single folder is given, it names the set. A literal reading keeps the folder as
+// its source: its error then names it, and suggestFullReading() explains it.
 void expandFolders(Arguments& arguments)
 {
     const MsgUIDescriptor* const importer = arguments.importer;
@@ -169,12 +183,15 @@ void expandFolders(Arguments& arguments)
         arguments.full.name = nameOfSet(given, arguments.sources);
 }
 
-// Returns the origin to record. Several files are recorded under the first.
+// Returns the origin to record. Several files are recorded under the first. A repository compares it with the origin of
+// a type that exists. That of a data source is without its user and password.
 TypeSource sourceOf(const MsgUIDescriptor& importer, const CString& source)
 {
     return importer.querySource().readsTables ? TypeSource{toXmlText(identityOf(source))} : fileSource(source);
 }
 
+// Creates the types and returns the exit status. A failed logon as the current user after --source-user is most likely
+// a mix-up of the two users.
 int createOnBroker(MsgBase& message, const MsgUIDescriptor& importer, const CString& source, const Arguments& arguments)
 {
     const int status =
@@ -184,6 +201,8 @@ int createOnBroker(MsgBase& message, const MsgUIDescriptor& importer, const CStr
     return status;
 }
 
+// Returns the files that the command writes. "-" is not one of them: it means standard output for --output, but
+// standard error for --report.
 std::vector<CString> outputsOf(const Arguments& arguments)
 {
     std::vector<CString> outputs;
@@ -193,15 +212,18 @@ std::vector<CString> outputsOf(const Arguments& arguments)
     return outputs;
 }
 
-// Returns the file of a data source whose driver reads a file; empty if the driver connects to a server.
+// Returns the file of a data source whose driver reads a file; empty if the driver connects to a server. An output of
+// that name would replace the database.
 CString databaseFile(const CString& source)
 {
     const CString connection = source.find('=') == CString::npos ? "DSN=" + source : source;
     return hasDriver(connection, {"sqlite"}) ? settingOf(connection, "Database") : CString();
 }
 
-// Returns the first output that is also an input of the command line, or that is written twice; empty if there is
-// none. `files` are the sources, or the data source of an importer of tables.
+// Returns the first output that is also an input of the command line, or that is written twice; empty if there is none.
+// `files` are the sources, or the data source of an importer of tables. Names are compared as files, through links and
+// redirections, also if nothing exists there yet. Outputs that are both named /dev/stdout don't conflict: they follow
+// each other in one open file.
 CString conflictingOutput(const Arguments& arguments, const MsgUIDescriptor& importer,
                           const std::vector<CString>& files)
 {
@@ -240,6 +262,7 @@ CString outputThatWasRead(const Arguments& arguments, const MsgUIDescriptor& imp
 
 } // namespace
 
+// Takes a copy of the arguments, because folders among the sources are replaced by their files.
 int runImport(Arguments arguments)
 {
     const ProgressLine progressLine;
@@ -262,6 +285,7 @@ int runImport(Arguments arguments)
         return reportUsageError(usageError);
     if (const CString file = conflictingOutput(arguments, *importer, files); !file.empty())
         return reportUsageError(file + ": it would be read and written, or written twice");
+    // Before the importer, which takes its connection from the main window at its construction.
     std::optional<TableSource> tables;
     if (importer->querySource().readsTables)
         tables.emplace();
@@ -273,6 +297,7 @@ int runImport(Arguments arguments)
     const bool isReported = writeReport(*message, arguments.report);
     if (!hasTypes)
         return arguments.failedStatus();
+    // With --diff, 1 and 3 would be taken for a difference.
     if (!isReported)
         return arguments.diff.document.empty() ? kNotWritten : kUsage;
     // The types of a folder's files are recorded under the folder.

@@ -6,7 +6,7 @@ namespace CLI {
 class App;
 }
 
-/// The options of a logon.
+/// The options of a logon. There are two: of the broker, and of a database as the source.
 struct LogonOptions
 {
     CString user;                               ///< empty: not given
@@ -15,10 +15,12 @@ struct LogonOptions
     const char* place = "";                     ///< where to log on, for the prompt
 };
 
-/// Adds the option for the user, by its name and description, and the one for the password's file.
+/// Adds the option for the user, by its name and description, and the one for the password's file. The file requires
+/// the user. There is no option for the password itself, because arguments are visible in the list of processes.
 void addLogonOptions(CLI::App& app, LogonOptions& options, const char* userOption, const char* userText,
                      const char* fileText);
 
-/// Reads a password from the first line of the file, or from the terminal. Throws std::runtime_error if there is none.
-/// From then on the process writes no core dump.
+/// Reads a password from the first line of the file, or from the terminal; standard input is left to other inputs.
+/// Throws std::runtime_error if there is none. From then on the process writes no core dump. The caller wipes
+/// `password`.
 void readPassword(const LogonOptions& options, CString& password);

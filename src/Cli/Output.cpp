@@ -38,6 +38,8 @@ bool Output::isTerminal() const
     return !file && ::isatty(STDOUT_FILENO) == 1;
 }
 
+// Flushes standard output, because a full disk or a closed pipe would otherwise be noticed at the end of the process,
+// after its exit status is decided.
 bool Output::finish()
 {
     flush();

@@ -4,7 +4,8 @@
 
 #include <memory>
 
-/// An output of the command: a file that is replaced as a whole or not at all, or standard output.
+/// An output of the command: a file that is replaced as a whole or not at all, or standard output. An object that is
+/// destroyed without finish() leaves an older file as it was.
 class Output
 {
 public:
@@ -12,7 +13,8 @@ public:
     /// file instead of replacing it.
     explicit Output(const CString& fileName);
 
-    /// Keeps a file unchanged if it already holds the bytes written; see AtomicFile::keepUnchanged().
+    /// Keeps a file unchanged if it already holds the bytes written; see AtomicFile::keepUnchanged(). So build tools
+    /// that compare times don't build again what depends on it. Standard output ignores it.
     void keepUnchanged(off_t ignoredFrom = 0, off_t ignoredCount = 0);
 
     /// Appends bytes. After a failure it does nothing; finish() reports the first failure.
@@ -21,7 +23,7 @@ public:
     /// Passes on at once what has been written to standard output.
     void flush();
 
-    /// Returns whether standard output is a terminal, read by people.
+    /// Returns whether standard output is a terminal, read by people. False for a file.
     bool isTerminal() const;
 
     /// Ends the output. Returns false on failure, which has been reported.

@@ -9,9 +9,11 @@ using std::chrono::steady_clock;
 
 namespace {
 
+// Work that takes less than kDelay shows nothing.
 constexpr milliseconds kDelay(1000), kRefresh(200);
 constexpr char kErase[] = "\r\033[K"; // to the end of the line (ECMA-48)
 
+// Whether the line is on the terminal. For the whole process, because clear() is static.
 bool isThere = false;
 
 } // namespace
@@ -42,6 +44,7 @@ bool ProgressLine::show(const Progress& progress)
     return true;
 }
 
+// The command works in one thread, so this needs no lock.
 void ProgressLine::clear()
 {
     if (std::exchange(isThere, false))

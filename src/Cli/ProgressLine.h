@@ -5,7 +5,8 @@
 #include <chrono>
 
 /// Shows the progress of long work on standard error as long as the object lives: one line that is overwritten, and
-/// erased at the end. Nothing is shown if standard error is not a terminal.
+/// erased at the end. Nothing is shown if standard error is not a terminal. It is the progress handler meanwhile, and
+/// restores the one before. There is one at a time.
 class ProgressLine
 {
 public:
@@ -14,7 +15,8 @@ public:
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    /// Erases the line, so that a lasting one can be written. The next progress shows it again.
+    /// Erases the line, so that a lasting one can be written to standard error. The next progress shows it again. Works
+    /// without an object.
     static void clear();
 
 private:

@@ -39,6 +39,7 @@ void addReportOptions(CLI::App& app, ReportOptions& options)
     app.add_flag("--strict", options.isStrict, "Fail if anything is lost; write and create nothing");
 }
 
+// Standard error is written directly: its failure can't be reported anywhere.
 bool writeReport(MsgBase& message, const ReportOptions& options)
 {
     const ReportFormat format = options.format == "json" ? ReportFormat::json : ReportFormat::text;
@@ -55,6 +56,8 @@ bool writeReport(MsgBase& message, const ReportOptions& options)
     return file.finish();
 }
 
+// Losses that the importer has shown are not repeated by --verbose, but --strict makes an error of each, because a
+// warning doesn't fail the import.
 void reportLosses(const SourceReport& report, const ReportOptions& options, Diagnostics& diagnostics,
                   const CString& other)
 {

@@ -15,7 +15,8 @@
 namespace {
 
 // Returns whether kStandardInput can be opened by its readers, `twice` or once. A regular file can be opened again from
-// its start; a pipe can be read once; a socket can't be opened, nor can a file that only another user may open.
+// its start; a pipe can be read once; a socket can't be opened, nor can a file that only another user may open. The
+// offset must be 0, because opening /proc/self/fd/0 anew would read from the start what the user has already skipped.
 bool canBeOpened(bool twice)
 {
     struct stat state = {};
@@ -36,6 +37,7 @@ void copyStandardInput()
         throw std::runtime_error("can't copy standard input: " + inWords(errno));
 }
 
+// Returns whether a source is a connection string of ODBC, which has a "=" and is no file.
 bool isConnectionString(const CString& source)
 {
     return source.find('=') != CString::npos && testReadable(source) == FileCause::fileNotFound;

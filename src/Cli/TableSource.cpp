@@ -11,10 +11,13 @@
 #include <set>
 #include <stdexcept>
 
+// Names with a dot, or with blanks around them, are looked up before the import, because the importer takes a bare name
+// as a pattern over all owners. Whether the other tables exist is only asked after the import, and only of those
+// without a type that has fields: each question is a query of the catalogue.
 namespace {
 
 // Returns the names of the tables as an import takes them, each once. Names that it can't take are left out; the
-// importer reports them.
+// importer reports them. A name is a line of the importer's source.
 CString namesOf(const std::vector<ChosenTable>& tables)
 {
     CString names;
@@ -25,7 +28,8 @@ CString namesOf(const std::vector<ChosenTable>& tables)
     return names;
 }
 
-// Throws std::runtime_error if two tables would become types of the same name.
+// Throws std::runtime_error if two tables would become types of the same name. A type is named after its table, without
+// owner or database.
 void requireDifferentNames(const std::vector<ChosenTable>& tables)
 {
     std::map<CString, const TableName*> known;

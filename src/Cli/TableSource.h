@@ -18,8 +18,8 @@ public:
 
     CDatabase* queryDatabase() override { return &database; }
 
-    /// Opens the data source and imports the requested tables. Failures have been reported; throws std::runtime_error
-    /// if the password can't be read.
+    /// Opens the data source and imports the requested tables, or all. `message` must be an ODBCMessage. Failures have
+    /// been reported; throws std::runtime_error if the password can't be read, or if two tables would become one type.
     void import(MsgBase& message, const Arguments& arguments, const CString& basePath, Diagnostics& diagnostics);
 
 private:

@@ -8,10 +8,13 @@
 #include <cstdlib>
 #include <unistd.h>
 
+// Handles what parseArguments() and runImport() can't: errors before main() and after it, and in noexcept functions.
 namespace {
 
 const Arguments* running = nullptr; // those of main(), for the terminate handler, which has no parameters
 
+// Ends the program with the error that nobody caught. Uses _exit(), because the program's objects may be in any state;
+// exit() would have deleted the temporary files.
 [[noreturn]] void reportAndExit()
 {
     try {
@@ -26,7 +29,7 @@ const Arguments* running = nullptr; // those of main(), for the terminate handle
 }
 
 // Sets the terminate handler before all else. Memory can run out before main(), when CLI11 constructs its static
-// objects, and in noexcept functions.
+// objects, and in noexcept functions. 101 is the lowest priority that programs may use.
 [[gnu::constructor(101)]] void installTerminateHandler()
 {
     std::set_terminate(reportAndExit);
