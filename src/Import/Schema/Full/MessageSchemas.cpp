@@ -2,6 +2,12 @@
 
 #include <utility>
 
+// All schemas are loaded before the first one is read, because they may refer to each other, and each component is read
+// once. Their elements become candidates without a source; the messages then claim theirs. A description doesn't say
+// which element is the root of a message, so the one called like the message is taken, in any case of letters: often
+// one schema serves several messages. If there is none, every element that no other declaration refers to may be the
+// root.
+
 namespace {
 
 constexpr std::size_t kMaxComponents = 1'000'000;
@@ -59,8 +65,9 @@ MessageSchemas::Elements MessageSchemas::elementsOf(std::uint32_t document, std:
     return elements;
 }
 
-// Makes the elements that may be the root of a message main types. Those that nothing refers to become records, and are
-// reported if there are several.
+// Makes the elements that may be the root of a message main types. Those that nothing refers to become records, even if
+// they are plain text, and are reported if there are several. A fragment in the reference to a schema names the root
+// itself.
 void MessageSchemas::addMains(SourceTypes& types, const Schema& message, Elements& elements)
 {
     const std::string_view text = message.text.text;
@@ -88,7 +95,8 @@ void MessageSchemas::addMains(SourceTypes& types, const Schema& message, Element
         report.add(SourceReport::alternatives, message.text.place, choice);
 }
 
-// Returns whether another declaration refers to an element, or the element is a member of a substitution group.
+// Returns whether another declaration refers to an element, or the element is a member of a substitution group. The
+// first call collects the references of all documents; the 0 marks that it has.
 bool MessageSchemas::isReferred(Index element)
 {
     if (referred.empty()) {
@@ -100,7 +108,8 @@ bool MessageSchemas::isReferred(Index element)
     return referred.contains(element) || tree[element].list != 0;
 }
 
-// Makes an element the main type of a message of a source. Several sources may have the same one.
+// Makes an element the main type of a message of a source. Several sources may have the same one; a candidate has one
+// source, so the further ones get a copy of it.
 void MessageSchemas::addMain(SourceTypes& types, Index element, SourceTypes::Index source)
 {
     if (!mains.emplace(element, source).second)

@@ -6,7 +6,9 @@
 #include <optional>
 #include <set>
 
-/// The XML Schemas in descriptions of messages in another language. They form one set.
+/// The XML Schemas in descriptions of messages in another language, as in AsyncAPI. They form one set, so that types
+/// that several messages share are one type. Use it in this order: add() for each schema, read(), and for requested
+/// main types want() and readAlone().
 class MessageSchemas
 {
 public:
@@ -24,7 +26,7 @@ public:
         messageCount += source != SourceTypes::kNone;
     }
 
-    /// Returns how many schemas of messages were added.
+    /// Returns how many schemas of messages were added, those that turn out to be unreadable included.
     std::size_t countMessages() const { return messageCount; }
 
     /// Reads all schemas. The candidates for main types are, for each message, the root element with the message's
@@ -32,10 +34,12 @@ public:
     /// readAlone().
     void read(SourceTypes& types, const std::vector<CString>& roots);
 
-    /// Adds a requested main type to those of readAlone(), if a schema declares it.
+    /// Adds a requested main type to those of readAlone(), if a schema declares it. `candidate` is its number in the
+    /// types of read().
     void want(SourceTypes::Index candidate);
 
-    /// Reads only the wanted types, and reports what they reach.
+    /// Reads only the wanted types into `alone`, and reports the constructs that they reach. The caller drops `alone`:
+    /// it only serves to find these.
     void readAlone(SourceTypes& alone);
 
 private:

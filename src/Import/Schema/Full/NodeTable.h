@@ -5,7 +5,9 @@
 #include <deque>
 #include <utility>
 
-/// A table of values for nodes of a tree, by their index. References to values stay valid.
+/// A table of values for the few nodes of a tree that are types, by their index. An array of places is faster than a
+/// hash table, because the types of a schema look each other up at every field. It has a place for each node that the
+/// tree has when the table is made, so make it when all documents are read. References to values stay valid.
 template <class T>
 class NodeTable
 {
@@ -25,7 +27,7 @@ public:
         return {values[places[node] - 1], isNew};
     }
 
-    /// Returns the value of a node, or null.
+    /// Returns the value of a node; null if none was inserted.
     const T* find(Index node) const { return places[node] == 0 ? nullptr : &values[places[node] - 1]; }
 
 private:

@@ -7,7 +7,7 @@
 
 #include <span>
 
-/// A field of a complex type, whose own type is not yet known.
+/// A field of a complex type. Its own type is not worked out here, but by SchemaTypes from the declaration.
 struct SchemaField
 {
     SchemaName name;
@@ -18,7 +18,8 @@ struct SchemaField
 };
 
 /// Works out the elements and attributes of complex types: inherited ones, those of groups, and the members of
-/// substitution groups. Each type is worked out once, without recursion.
+/// substitution groups. Each type is worked out once, without recursion. Wildcards, unresolved references and the like
+/// become notes of the set.
 class SchemaContents
 {
 public:
@@ -26,10 +27,12 @@ public:
 
     explicit SchemaContents(SchemaSet& set);
 
-    /// Returns the fields of a complex type, elements first. Valid until the next call.
+    /// Returns the fields of a complex type, elements first, each name once for elements and once for attributes. Valid
+    /// until the next call. Throws SourceRefusal beyond a million fields of all types.
     std::span<const SchemaField> of(Index type);
 
-    /// Counts a step of work that may be quadratic in the schema. Throws SourceRefusal beyond 20,000,000 steps.
+    /// Counts a step of work that may be quadratic in the schema, or grow exponentially. Throws SourceRefusal beyond
+    /// 20,000,000 steps.
     void spendStep();
 
 private:
@@ -41,12 +44,14 @@ private:
         std::size_t attributes = 0;
     };
 
-    // A group whose particles are being walked: a sequence, choice, all or group definition, or the whole content.
+    // A group whose particles are being walked: a sequence, choice, all or group definition, or the whole content. The
+    // frames are a stack, so `entered` ascends.
     struct Frame
     {
         Index next;      // the next particle to visit
         Index group = 0; // the group definition, if entered by reference
         bool isChoice = false;
+        // How often the group occurs in the type: 0, 1, or 2 for more.
         std::uint8_t times = 1;
         std::size_t entered = 0; // value of `clock` at its start
     };
@@ -84,6 +89,7 @@ private:
     SchemaSet& set;
     const SchemaTree& tree;
     NodeTable<Content> contents; // includes types in progress, which count as empty
+    // The fields of all types so far. They are never removed, and move when it grows.
     std::vector<SchemaField, LargePages<SchemaField>> kept;
 
     // State of the current type.
@@ -93,6 +99,7 @@ private:
     bool isRestriction = false;
     std::vector<std::size_t> lastSeen; // by element: time of its last occurrence
     std::vector<Frame> frames;
+    // Counts occurrences and entered groups, and so orders them in time.
     std::size_t clock = 0;
     std::vector<Index> waiting;
     std::vector<bool> isEntered; // by node: groups that have been entered

@@ -2,6 +2,9 @@
 
 #include "Import/Full/Descriptions.h"
 
+// The text of each open element is collected, and joins that of its parent at its end tag. Every text is cut once it is
+// long enough for a description, so deep nesting doesn't multiply the work.
+
 namespace {
 
 bool isBlank(std::string_view text)
@@ -39,7 +42,8 @@ void SchemaDocumentation::enter(std::string_view local)
     part.isDefinition = local == "Definition" || local == "definition";
 }
 
-// Ends an element. Of nested elements that contain text directly, the outermost counts.
+// Ends an element. Of nested elements that contain text directly, the outermost counts, which has the smallest number
+// but ends last.
 void SchemaDocumentation::leave()
 {
     const Part& part = parts[--open];

@@ -7,14 +7,15 @@
 
 /// Collects the text of one xs:documentation and chooses the description of a type. Documentation with text outside of
 /// elements is used whole. If it consists of elements only, as in standards, the first element named Definition is
-/// used, else the first one with text of several words.
+/// used, else the first one with text of several words. One object serves all documentation of a document.
 class SchemaDocumentation
 {
 public:
     /// Starts a new documentation.
     void begin();
 
-    /// Handle the start and end tags of the elements inside, and the text.
+    /// Handle the start and end tags of the elements inside, whatever their namespace, and the text. A text may come in
+    /// pieces.
     void enter(std::string_view local);
     void leave();
     void text(std::string_view text);

@@ -7,9 +7,20 @@
 #include <algorithm>
 #include <utility>
 
+// A document enters its components in the symbol tables as soon as it has been read, and before its own references are
+// followed; these are followed depth first, in document order. Of two components of one name, the first one in this
+// walk takes precedence. A redefinition is the exception: it replaces what it redefines, and therefore waits until the
+// document that it names has been followed completely.
+//
+// A file is parsed once. A document without a namespace is copied for each further namespace that includes it, so the
+// work is linear in the nodes read and copied.
+
 namespace {
 
+// In nodes. A document without a namespace is copied for each namespace that includes it, so small files could
+// multiply.
 constexpr std::size_t kMaxCopied = 1'000'000;
+// Levels. Keeps many notes in a deeply nested document from taking quadratic time.
 constexpr int kNearby = 100;
 
 } // namespace
@@ -33,7 +44,8 @@ std::optional<SchemaSet::Kind> SchemaSet::kindOf(SchemaTag tag)
     }
 }
 
-// Declares the components of a document, and of the documents that it refers to.
+// Declares the components of a document, and of the documents that it refers to. A stack replaces recursion, because
+// documents may include each other to any depth.
 void SchemaSet::followAll(std::uint32_t document)
 {
     std::vector<Following> waiting;
@@ -56,7 +68,7 @@ void SchemaSet::followAll(std::uint32_t document)
     }
 }
 
-// Adds a document without nodes.
+// Adds a document without nodes, for the reader that is made next.
 void SchemaSet::beginDocument(const CString& folder, std::uint32_t file)
 {
     SchemaDocument& document = tree.documents.emplace_back();
@@ -90,7 +102,8 @@ bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocum
 }
 
 // Returns the file of a document: by the catalogues, else by its location, else by its namespace. `path` is set to the
-// path that led to it, else to that of its location.
+// path that led to it, else to that of its location. Catalogues are asked for the location as written and as an
+// absolute URI, because they may list it in either form. An entry that leads to no file is passed over.
 std::optional<FoundFile> SchemaSet::locate(const Location& wanted, CString& path)
 {
     const CString own = localPath(wanted.location);
@@ -113,9 +126,11 @@ std::optional<FoundFile> SchemaSet::locate(const Location& wanted, CString& path
 // Enters the document of an include, import or redefine, if it is new in its namespace.
 void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
 {
+    // Both references are dangling once a document has been read.
     const SchemaNode& node = tree[reference];
     const SchemaDocument& from = tree.documentOf(reference);
-    // A document without a namespace takes that of the document that includes it, but not of one that imports it.
+    // A document without a namespace takes that of the document that includes it, but not of one that imports it (XML
+    // Schema Part 1, 4.2.1 and 4.2.3).
     const NameTable::Id includer = node.tag == SchemaTag::import ? 0 : from.space;
     CString path;
     const NameTable::Id wanted = node.tag == SchemaTag::import ? node.reference.space : 0;
@@ -145,9 +160,11 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
     documentsByReference[reference] = place->second;
 }
 
-// Reads the document at `path` that `reference` names. A document that is not a schema is left out.
+// Reads the document at `path` that `reference` names. A document that is not a schema is left out. It keeps its number
+// without nodes, so that further references to its file are silent.
 void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index reference)
 {
+    // A copy, because read() adds a document.
     const SchemaDocument from = tree.documentOf(reference);
     XmlDocument xml;
     const CString shownName = shownFrom(report.fileNameOf(from.file), from.folder, path, file);
@@ -173,6 +190,8 @@ std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
     return tree.adopt(document, space);
 }
 
+// Declares the components at the top of a document, and pushes it, so that its references are followed next. Elements
+// with a head are collected here; finding them later would touch all nodes again.
 void SchemaSet::declareAll(std::uint32_t document, std::vector<Following>& waiting)
 {
     const Index first = tree[tree.documents[document].root].firstChild;
@@ -184,6 +203,8 @@ void SchemaSet::declareAll(std::uint32_t document, std::vector<Following>& waiti
     waiting.push_back({document, first, 0});
 }
 
+// Enters a component in the symbol table. A second declaration of a name is reported, unless it is an equal one in
+// another file: partners send each schema with its own copies of the shared documents.
 void SchemaSet::declare(Index component, bool redefines)
 {
     const auto kind = kindOf(tree[component].tag);
@@ -205,8 +226,8 @@ SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
         return 0;
     if (redefined.empty() || !redefined.contains(*found))
         return *found;
-    // Finds the redefinition of this name around `from`, if there is one. A component may be redefined several times in
-    // turn.
+    // The table holds the last redefinition. Finds the redefinition of this name around `from`, if there is one,
+    // because only there the name means the component before it. A component may be redefined several times in turn.
     Index component = from;
     while (component != 0 && tree[tree[component].parent].tag != SchemaTag::redefine)
         component = tree[component].parent;
@@ -215,7 +236,8 @@ SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
     return earlier == redefined.end() ? *found : earlier->second;
 }
 
-// Returns the scope of a document; null if its components are the common ones.
+// Returns the scope of a document; null if its components are the common ones. Scopes don't overlap, and are in the
+// order of their documents, so it is a binary search.
 const SchemaSet::Scope* SchemaSet::scopeOf(std::uint32_t document) const
 {
     const auto scope = std::ranges::upper_bound(scopes, document, {}, &Scope::end);
@@ -231,6 +253,7 @@ const SchemaSet::Index* SchemaSet::lookUp(Kind kind, SchemaName name, Index from
     return symbols[kind].find(name.key());
 }
 
+// The encodings of SOAP declare types called like the built-in ones, which they extend by attributes, and base64.
 std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
 {
     const bool isSoap = SchemaTree::isSoapEncoding(name.space);
@@ -239,6 +262,8 @@ std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
     return isSoap || SchemaTree::isSchemaLanguage(name.space) ? ::builtInKind(tree.text(name.local)) : std::nullopt;
 }
 
+// Collects the elements that may stand for a head (XML Schema Part 1, 2.2.2.2). An element is left out if references to
+// its name lead to another declaration.
 void SchemaSet::collectMembers()
 {
     std::ranges::sort(substitutes); // into the order of declaration
@@ -272,6 +297,8 @@ std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
             const auto kind = kindOf(tree[at].tag);
             if (!tree[at].hasName() || (kind != element && kind != type))
                 continue;
+            // By name, because references to it may lead to a redefinition or to an earlier declaration. From the
+            // parent, because inside of a redefinition the name means the redefined component.
             components.push_back(find(*kind, nameOf(at), tree[at].parent));
         }
     };
@@ -331,6 +358,7 @@ bool SchemaSet::holdsElements(Index derivation) const
     return tree.childOf(derivation, SchemaTag::element) != 0 || (group != 0 && tree[group].firstChild != 0);
 }
 
+// The memory stays proportional to the different notes: repetitions are removed whenever the list has doubled.
 void SchemaSet::note(SourceReport::Construct construct, Index node, NameTable::Id name)
 {
     if (construct == SourceReport::unresolvedContent && SchemaTree::isSoapEncoding(tree[node].reference.space) &&
@@ -349,6 +377,7 @@ void SchemaSet::sortNotes()
     notes.erase(std::unique(notes.begin(), notes.end()), notes.end());
 }
 
+// Passes the notes on in the order of nodes. The report only needs their components while it holds constructs back.
 void SchemaSet::reportNotes()
 {
     sortNotes();

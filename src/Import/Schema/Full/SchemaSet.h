@@ -21,11 +21,16 @@ class XmlDocument;
 /// The components of a schema and of all that it includes, imports and redefines
 /// (https://www.w3.org/TR/xmlschema-1/#layer2), by kind, namespace and name. If two have the same key, the first one
 /// takes precedence.
+///
+/// Use it in three steps: load() for each source, finish(), then all other functions. References are resolved by name
+/// when they are asked for, not while documents are read, so documents may refer to each other in any order and in
+/// cycles.
 class SchemaSet
 {
 public:
     using Index = SchemaNode::Index;
 
+    /// The symbol spaces of XML Schema (Part 1, 2.5): names of different kinds don't collide.
     enum Kind
     {
         element,
@@ -36,16 +41,18 @@ public:
         kindCount
     };
 
+    /// All three must live as long as the set. `types` only words refusals.
     SchemaSet(const SourceTypes& types, SourceReport& report, const Catalogs& catalogs) :
         types(types), report(report), catalogs(catalogs)
     {}
 
-    /// Reads a schema and the documents that it refers to, each once. These must be local regular files; missing ones
-    /// are reported. Further calls add further schemas of the same set. Throws SourceRefusal if the schema itself, or
-    /// an existing document, can't be read.
+    /// Reads a schema or WSDL, and the documents that it refers to, each once. These must be local regular files;
+    /// missing ones are reported. Further calls add further schemas of the same set. Throws SourceRefusal if the schema
+    /// itself, or an existing document, can't be read, or if a further file is not a schema. The first file may be
+    /// anything: nothing comes of it, which the caller reports.
     void load(const CString& fileName);
 
-    /// A schema inside of a document of another language.
+    /// A schema inside of a document of another language. `text` must live as long as the set.
     struct Embedded
     {
         std::string_view text; ///< the schema, or a reference to its file
@@ -69,14 +76,16 @@ public:
     };
 
     /// Returns the documents of the sources; a WSDL has several. Leaves out those that another one of the set refers
-    /// to, and repetitions of a file; of documents in a cycle the first one stays. Call it after all is loaded.
+    /// to, and repetitions of a file; of documents in a cycle the first one stays. Also collects the substitution
+    /// groups and reports impossible names. Call it once, after all is loaded.
     std::vector<Source> finish();
 
-    /// Returns the component that `name` refers to at `from`; 0 if there is none. Inside a redefinition its own name
-    /// refers to the redefined component.
+    /// Returns the component that `name` refers to at the node `from`; 0 if there is none. Inside a redefinition its
+    /// own name refers to the redefined component (XML Schema Part 1, 4.2.2).
     Index find(Kind kind, SchemaName name, Index from) const;
 
-    /// Records from now on which components are reached. `withMessages` counts all messages as reached.
+    /// Records from now on which components are reached, so that the report can leave out the others. `withMessages`
+    /// counts all messages as reached. Call it after finish(): nodes added later have no place.
     void recordReached(bool withMessages);
 
     /// Records that a top-level component is reached; 0 for none. Does nothing before recordReached().
@@ -94,14 +103,16 @@ public:
         return found;
     }
 
-    /// Returns whether a component of the report is reached, or another one of its name, as in redefinitions.
+    /// Returns whether a component of the report is reached, or the one that references to its name lead to: the first
+    /// declaration or a redefinition.
     bool isReached(SourceReport::Component component) const;
 
     /// Returns the kind of a built-in type; nothing for other names. Built-in types take precedence over declared ones,
     /// because the schema for schemas declares them, too.
     std::optional<SourceTypes::Kind> builtInKind(SchemaName name) const;
 
-    /// Returns the members of the substitution group of `head`, in order of declaration.
+    /// Returns the elements that name `head` as their head themselves, in order of declaration. Their own members are
+    /// not among them.
     const std::vector<Index>& membersOf(SchemaName head) const;
 
     /// Returns the top-level elements, complex types and simple types of a document, and those inside of redefinitions.
@@ -110,7 +121,7 @@ public:
     std::vector<Index> componentsOf(std::uint32_t document) const;
 
     /// Returns the top-level elements and complex types of that name in any document, in the order in which their
-    /// namespaces are first used.
+    /// namespaces are first used. Components of embedded schemas that are kept apart are not found.
     std::vector<Index> componentsCalled(std::string_view name);
 
     /// Returns whether a WSDL is among the sources.
@@ -126,13 +137,14 @@ public:
     /// Returns the messages of the WSDLs among the sources, each element once. Reports elements that are not declared.
     std::vector<Message> findMessages();
 
-    /// Returns the full name of a top-level component.
+    /// Returns the full name of a top-level component, in the namespace of its document.
     SchemaName nameOf(Index component) const { return {tree.documentOf(component).space, tree[component].name}; }
 
     /// Returns the place of a node.
     SourcePlace placeOf(Index node) const { return {tree.documentOf(node).file, tree[node].line, tree[node].column}; }
 
-    /// Keeps a loss or detail for reportNotes(), with `name`, else the name of the node or of its reference.
+    /// Keeps a loss or detail for reportNotes(), with `name`, else the name of the node or of its reference. Types are
+    /// worked out in any order, some of them twice; notes bring the report into the order of the source, each once.
     void note(SourceReport::Construct construct, Index node, NameTable::Id name = 0);
 
     /// The same with a text as the name.
@@ -153,7 +165,7 @@ public:
     const SchemaTree& queryTree() const { return tree; }
 
 private:
-    // A document whose references are being followed.
+    // A document whose references are being followed, a level of the depth-first walk.
     struct Following
     {
         std::uint32_t document;
@@ -178,12 +190,14 @@ private:
         std::string_view space;    // namespace of the other document; "" if unknown
     };
 
+    // The node comes first, because the order of nodes is that of reading.
     using Note = std::tuple<Index, SourceReport::Construct, NameTable::Id>; // a node and the name to report
 
     using Names = NumberTable;
     using Symbols = std::array<Names, kindCount>;
 
-    // The components of embedded schemas that are kept apart from the others, and their documents.
+    // The components of embedded schemas that are kept apart from the others, and their documents: from `begin` up to
+    // `end`, without it.
     struct Scope
     {
         std::uint32_t begin, end;
@@ -225,6 +239,8 @@ private:
     SourceReport& report;
     const Catalogs& catalogs;
     FileFinder finder;
+    // A file is parsed once, whatever its result. It is entered once for each namespace: as it is in the first, as a
+    // copy in each further one.
     std::map<FileId, std::uint32_t> parsed; // first document by file
     std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
     std::map<std::pair<std::string_view, std::uint32_t>, std::uint32_t> texts; // documents by text and file
@@ -236,7 +252,9 @@ private:
     std::vector<NameTable::Id> spaces;      // namespaces of the documents, each once
     std::uint32_t loads = 0;                // number of load() calls so far
     std::vector<std::uint32_t> firstOfFile; // by document: the document that it is a copy of, else itself
+    // By include, import or redefine: the document that it leads to. References to nothing have no entry.
     std::unordered_map<Index, std::uint32_t> documentsByReference;
+    // While an embedded schema is loaded, those of its own load alone.
     Symbols symbols;
     std::vector<Scope> scopes;                  // in order of their documents
     std::set<std::uint32_t> again;              // documents of scopes that the schema being loaded refers to

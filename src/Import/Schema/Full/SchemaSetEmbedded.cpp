@@ -1,4 +1,8 @@
-// SchemaSet: reads schemas inside of documents of other languages.
+// SchemaSet: reads schemas inside of documents of other languages, such as the payloads of messages. They are written
+// independently of each other, mostly without a namespace, so two of them may declare one name differently. A load
+// therefore collects its components in symbol tables of its own first. If they contradict the common ones, they become
+// a scope, in which references find them before the common ones; else they are added to these. Documents are still read
+// once for all loads.
 #include "Import/Schema/Full/SchemaReader.h"
 #include "Import/Schema/Full/SchemaSet.h"
 
@@ -80,6 +84,8 @@ void SchemaSet::visitLoaded(std::uint32_t begin, Visit visit) const
 void SchemaSet::endLoad(std::uint32_t begin, Symbols shared)
 {
     bool isApart = false;
+    // Equal declarations in a scope may still mean something else, because their references are resolved there.
+    // A redefined component that an earlier load declared is not among those of this load, so it is found here.
     const auto compare = [&](Kind kind, Index component) {
         const Index* const other = shared[kind].find(nameOf(component).key());
         if (!other || *other == component)
@@ -100,7 +106,8 @@ void SchemaSet::endLoad(std::uint32_t begin, Symbols shared)
     again.clear();
 }
 
-// Reads a text into a new document. White space before it is allowed.
+// Reads a text into a new document. White space before it is allowed, as an indented block has it, although nothing may
+// precede an XML declaration (XML 1.0 production [22]). Lines are counted with it.
 void SchemaSet::readText(const Embedded& schema)
 {
     const std::size_t begin = std::min(schema.text.find_first_not_of(kWhitespace), schema.text.size());
@@ -118,7 +125,8 @@ void SchemaSet::readText(const Embedded& schema)
                error->reason + (schema.isLiteral ? "" : " in line " + std::to_string(error->line) + " of the text"));
 }
 
-// Reads the file of a reference, which counts as an import in a schema that holds nothing else.
+// Reads the file of a reference, which counts as an import in a schema that holds nothing else. So it is found, cached
+// and reported like any other document.
 std::optional<std::uint32_t> SchemaSet::loadReferred(const Embedded& schema)
 {
     beginDocument(schema.folder, schema.place.file);

@@ -1,4 +1,5 @@
-// SchemaSet: records which components are reached, so that the report is about these.
+// SchemaSet: records which components are reached, so that the report is about these. Only what the requested types
+// reach is imported, so a loss elsewhere must not count, nor fail an import with --strict.
 #include "Import/Schema/Full/SchemaSet.h"
 
 void SchemaSet::recordReached(bool withMessages)
@@ -7,6 +8,7 @@ void SchemaSet::recordReached(bool withMessages)
     areMessagesReached = withMessages;
 }
 
+// The report knows messages by their names instead of nodes. Their elements are in documents without a root.
 void SchemaSet::markReached(Index component)
 {
     reached[component] = true;

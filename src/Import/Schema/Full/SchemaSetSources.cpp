@@ -1,4 +1,5 @@
-// SchemaSet: reads the files of an import, and those that a WSDL among them imports.
+// SchemaSet: reads the files of an import, and those that a WSDL among them imports. A source is counted by the file
+// that was given: the schemas of a WSDL, and of the files that it imports, have its number.
 #include "Import/Full/DocumentLinks.h"
 #include "Import/Schema/Full/SchemaSet.h"
 #include "Import/Schema/SchemaDocuments.h"
@@ -13,7 +14,8 @@ void SchemaSet::load(const CString& fileName)
     ++loads;
 }
 
-// Reads one file. If it is a WSDL, appends the files that it imports to `files`.
+// Reads one file. If it is a WSDL, appends the files that it imports to `files`; `file` must not be one of its
+// elements.
 void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
 {
     const auto id = identify(file.name);
@@ -47,7 +49,8 @@ void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
     }
 }
 
-// Reads a file and returns the imports of a WSDL. A file that a WSDL imports is left out if it is not a schema.
+// Reads a file and returns the imports of a WSDL. A file that a WSDL imports is left out if it is not a schema. Its
+// documents stay without nodes then, because documents are known by number.
 std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
 {
     const bool isGiven = file.location.empty();
@@ -84,6 +87,7 @@ std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
     return reader.queryImports();
 }
 
+// A message may be made of an element that several messages name; it counts for the first one.
 std::vector<SchemaSet::Message> SchemaSet::findMessages()
 {
     std::vector<Message> found;

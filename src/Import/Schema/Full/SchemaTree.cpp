@@ -1,5 +1,6 @@
 #include "Import/Schema/Full/SchemaTree.h"
 
+// The first entry of each table is the empty one. The known names get the numbers that the header gives them.
 SchemaTree::SchemaTree() : nodes(1), listed(1), documentations(1)
 {
     for (const std::string_view known :
@@ -9,6 +10,8 @@ SchemaTree::SchemaTree() : nodes(1), listed(1), documentations(1)
         names.intern(known);
 }
 
+// A prefix always stands for its own namespace, so only names in no namespace change. A document with a target
+// namespace can still refer to names in none, those of an import without a namespace.
 SchemaName SchemaTree::adopted(Index at, SchemaName name) const
 {
     if (name.space == 0 && name.local != 0 && !documentOf(at).hasTarget)
@@ -30,12 +33,14 @@ bool SchemaTree::areEqual(Index one, Index other) const
     const SchemaDocument& right = documentOf(other);
     if (left.elementsQualified != right.elementsQualified || left.attributesQualified != right.attributesQualified)
         return false;
-    // The nodes in a component follow it.
+    // The nodes in a component follow it. The first node after them has a parent outside of it, or is in another
+    // document.
     const auto isPart = [this](Index at, Index of) { return at < documentOf(of).end && nodes[at].parent >= of; };
     for (Index i = 0;; ++i) {
         const bool isLeft = i == 0 || isPart(one + i, one), isRight = i == 0 || isPart(other + i, other);
         if (!isLeft || !isRight)
             return isLeft == isRight;
+        // Parents are compared by their distance. That makes the trees equal, because both are in document order.
         const SchemaNode &a = nodes[one + i], &b = nodes[other + i];
         const bool isSame = a.tag == b.tag && a.occurs == b.occurs && a.flags == b.flags && a.name == b.name &&
                             (i == 0 || a.parent - one == b.parent - other) &&
@@ -48,6 +53,7 @@ bool SchemaTree::areEqual(Index one, Index other) const
 
 std::uint32_t SchemaTree::adopt(std::uint32_t document, NameTable::Id space)
 {
+    // A value, because push_back() below may move the documents.
     SchemaDocument copy = documents[document];
     const auto shift = static_cast<Index>(nodes.size()) - copy.root;
     const auto moved = [shift](Index at) { return at == 0 ? 0 : at + shift; };

@@ -9,7 +9,9 @@
 #include <utility>
 #include <vector>
 
-/// A name with its namespace (expanded name, https://www.w3.org/TR/xml-names/), both as numbers.
+/// A name with its namespace (expanded name, https://www.w3.org/TR/xml-names/), both as numbers of the tree's name
+/// table. 0 is the empty text: no namespace, no name. A prefix that nobody declares gives a namespace that no component
+/// has.
 struct SchemaName
 {
     NameTable::Id space = 0;
@@ -21,7 +23,9 @@ struct SchemaName
     friend bool operator==(const SchemaName&, const SchemaName&) = default;
 };
 
-/// A statement of a schema document (https://www.w3.org/TR/xmlschema-1/) that affects types.
+/// A statement of a schema document (https://www.w3.org/TR/xmlschema-1/) that affects types. It refers to other nodes
+/// by index, because nodes move when further documents are read; index 0 is a node without tag, children and name, so
+/// that a search from a missing node finds nothing.
 struct SchemaNode
 {
     using Index = std::uint32_t;
@@ -38,12 +42,15 @@ struct SchemaNode
     };
 
     SchemaTag tag = SchemaTag::none;
+    // The model knows fields and tables only, so counts beyond 1 are not told apart.
     std::uint8_t occurs = 1; ///< its own `maxOccurs`: 0, 1, or 2 for more
     std::uint16_t flags = 0;
     Index parent = 0;
     Index next = 0; ///< the next sibling, or 0
     Index firstChild = 0;
+    // The statements of the last two have no `name`.
     NameTable::Id name = 0; ///< `name`, an enumeration's `value`, or the `schemaLocation`
+    // As written in the document; referenceOf() resolves it. An import has only the namespace, that of its document.
     SchemaName reference;   ///< `ref`, `type`, `base` or `itemType`
     std::uint32_t list = 0; ///< index in `listed` of its `memberTypes` or `substitutionGroup`
     std::uint32_t documentation = 0;
@@ -55,7 +62,8 @@ struct SchemaNode
     bool is(Flags flag) const { return (flags & flag) != 0; }
 };
 
-/// One document of a schema, in one namespace.
+/// One document of a schema, in one namespace. A file without a namespace that several namespaces include is a document
+/// for each of them, with nodes of its own.
 struct SchemaDocument
 {
     CString folder;             ///< base of relative references
@@ -69,7 +77,9 @@ struct SchemaDocument
     bool attributesQualified = false;
 };
 
-/// The nodes of all documents of a schema, with their texts. Nodes of a document are adjacent and in document order.
+/// The nodes of all documents of a schema, with their texts. Nodes of a document are adjacent and in document order, so
+/// the nodes inside a node follow it, and a parent has a smaller index. Texts, lists and documentation are only added,
+/// and live as long as the tree.
 class SchemaTree
 {
 public:
@@ -77,7 +87,9 @@ public:
 
     SchemaTree();
 
+    /// Returns a node. The reference is valid until a node is added.
     const SchemaNode& operator[](Index at) const { return nodes[at]; }
+    /// Returns the number of nodes, with node 0: one more than the largest index.
     std::size_t size() const { return nodes.size(); }
 
     /// Returns the first sibling from `from` on with one of these tags; 0 if there is none.
@@ -102,6 +114,7 @@ public:
                        SchemaTag::restriction);
     }
 
+    /// Returns the text of a name.
     std::string_view text(NameTable::Id id) const { return names[id]; }
 
     /// Returns whether a name is one that XML allows. Caches the result.
@@ -113,12 +126,13 @@ public:
         return checked[name] == 1;
     }
 
+    /// Returns the description of a node; empty if it has none.
     std::string_view documentation(Index at) const { return documentations[nodes[at].documentation]; }
     /// Returns the document of a node.
     const SchemaDocument& documentOf(Index at) const { return documents[nodes[at].document]; }
 
-    /// Returns the name in the node's `ref`, `type` or `base`. In a document without namespace, an unprefixed name is
-    /// in the includer's namespace.
+    /// Returns the name in the node's `ref`, `type`, `base` or `itemType`; an empty one if it has none. In a document
+    /// without namespace, an unprefixed name is in the includer's namespace (XML Schema Part 1, 4.2.1).
     SchemaName referenceOf(Index at) const { return adopted(at, nodes[at].reference); }
 
     /// Returns the names in its `memberTypes` or `substitutionGroup`.
@@ -126,7 +140,9 @@ public:
     /// Returns the first of these names; empty if there are none.
     SchemaName firstListed(Index at) const { return adopted(at, listed[nodes[at].list]); }
 
-    /// Returns whether two components are equal, with all nodes in them.
+    /// Returns whether two components declare the same, wherever they stand: equal nodes in the same order, with equal
+    /// names, references and documentation, under equal defaults of their documents. Linear in the nodes of the smaller
+    /// one.
     bool areEqual(Index one, Index other) const;
 
     /// Returns true for the namespaces of XML Schema of 2001, 2000/10 and 1999.
@@ -137,14 +153,15 @@ public:
     /// Returns true for the namespaces of the encodings of SOAP 1.1 and 1.2.
     static bool isSoapEncoding(NameTable::Id space) { return space == 6 || space == 7; }
 
-    /// Removes all nodes from `first` on.
+    /// Removes all nodes from `first` on, of a document that turned out to be unreadable. The document itself stays.
     void dropFrom(Index first)
     {
         nodes.resize(first);
         std::erase_if(impossibleNames, [first](const auto& named) { return named.first >= first; });
     }
 
-    /// Copies the nodes of a document into another namespace. Returns the number of the new document.
+    /// Copies the nodes of a document into another namespace, because the tables of components and types go by node.
+    /// Lists and documentation are shared. Returns the number of the new document.
     std::uint32_t adopt(std::uint32_t document, NameTable::Id space);
 
     NameTable names;
