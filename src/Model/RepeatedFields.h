@@ -11,16 +11,16 @@ class RepeatedFields
 public:
     explicit RepeatedFields(const TypeModel& model) : model(model) {}
 
-    /// Returns whether `element` stays single in `record`, where it repeats. Call it once all elements are declared,
-    /// for the records in the order in which they were declared.
-    bool staysSingle(const Element& element, const Element& record)
+    /// Returns whether `element` stays single in the record of the number `record`, where it repeats. Call it once all
+    /// elements are declared, for the records in the order in which they were declared.
+    bool staysSingle(const Element& element, std::uint32_t record)
     {
         const std::uint32_t number = element.queryNumber();
         if (number >= records.size())
             records.resize(number + 1, kUnmet);
         if (records[number] == kUnmet)
-            records[number] = model.findElement("t_" + element.queryBaseName()) ? kNoTable : record.queryNumber();
-        return records[number] != record.queryNumber();
+            records[number] = model.findElement("t_" + element.queryBaseName()) ? kNoTable : record;
+        return records[number] != record;
     }
 
 private:

@@ -19,7 +19,7 @@ void DTDRepetitions::reportAll(const TypeModel& model, TextPlaces& places, Sourc
 {
     RepeatedFields inModel(model);
     for (const auto& [element, record, place, isMarked, attribute] : fields) {
-        const bool staysSingle = inModel.staysSingle(*element, *record);
+        const bool staysSingle = inModel.staysSingle(*element, record->queryNumber());
         const bool repeats = isMarked || mayRepeat(place);
         const std::size_t single = repeats ? attribute : place;
         if (staysSingle && repeats)

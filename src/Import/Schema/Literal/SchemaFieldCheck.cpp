@@ -63,7 +63,7 @@ void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std
     else if (!matches(*field.element, name, meaning, path))
         sourceReport.add(SourceReport::mergedByName, declared.queryPlace(), name);
     const bool isInRepeated = declared.isInRepeated() && !declared.isMarked();
-    if (isInRepeated || (field.repeats && repetitions.staysSingle(*field.element, *field.record)))
+    if (isInRepeated || (field.repeats && repetitions.staysSingle(*field.element, field.record)))
         sourceReport.add(SourceReport::repetitionSkipped, declared.queryPlace(), name);
 }
 

@@ -26,7 +26,8 @@ public:
     void add(const SchemaElement& declared, const Element& field, const Element& record, const SchemaElement* type,
              bool repeats)
     {
-        fields.push_back({&declared, &field, &record, repeats ? Element::typeOther : plainKindOf(declared), repeats});
+        fields.push_back(
+            {&declared, &field, record.queryNumber(), repeats ? Element::typeOther : plainKindOf(declared), repeats});
         if (fields.back().plainKind == Element::typeOther)
             types.push_back(type);
     }
@@ -43,8 +44,8 @@ private:
     {
         const SchemaElement* declared;
         const Element* element;
-        const Element* record;
-        Element::ElementTypes plainKind;
+        std::uint32_t record; // its number in the model
+        Element::ElementTypes plainKind : 8;
         bool repeats;
     };
 
