@@ -193,16 +193,13 @@ inline void prefetch(const ElementList& elements)
         __builtin_prefetch(elements[i]);
 }
 
-/// One usage of an element under a parent, and its number of occurrences.
+/// One usage of an element under a parent, and its number of occurrences. Its key is in UsageTable.
 class ChildElement
 {
 public:
-    ChildElement(const Fingerprint& usageKey, Element* element, Element* parent) :
-        usageKey(usageKey), element(element), parent(parent)
-    {}
+    ChildElement(Element* element, Element* parent) : element(element), parent(parent) {}
 
-    /// Return the key, the element, the parent (null for a top-level element), and the number of occurrences.
-    const Fingerprint& queryUsageKey() const { return usageKey; }
+    /// Return the element, the parent (null for a top-level element), and the number of occurrences.
     Element* queryElement() const { return element; }
     Element* queryParent() const { return parent; }
     unsigned int queryInstances() const { return instances; }
@@ -213,8 +210,8 @@ private:
 
     void addInstance() { ++instances; }
 
-    Fingerprint usageKey; // hashed, because the key can be as long as the source; empty until needed
     Element* element;
     Element* parent;
     unsigned int instances = 1;
+    bool hasKey = false;
 };

@@ -123,8 +123,8 @@ void TypeModel::arrange()
     order.clear(); // resets every placed mark
     makeTables();
     TypeOrder placing(order, ownedElements);
-    for (const ChildElement* usage : usages.query())
-        placing.place(*usage->element);
+    for (const ChildElement& usage : usages.query())
+        placing.place(*usage.element);
 }
 
 void TypeModel::place(const Element& element)
@@ -136,23 +136,23 @@ void TypeModel::place(const Element& element)
 void TypeModel::makeTables()
 {
     CString tableName;
-    for (ChildElement* const usage : usages.query()) {
+    for (ChildElement& usage : usages.query()) {
         cancelPoint.pass();
-        if (usage->instances <= 1 || usage->element->isAttribute)
+        if (usage.instances <= 1 || usage.element->isAttribute)
             continue;
-        Element* element = usage->element;
+        Element* element = usage.element;
         tableName.assign("t_").append(element->queryBaseName());
         if (element->isPrimitive())
             element->setPrimitiveType();
         Name& name = names.intern(tableName);
         Element* table = name.element;
         if (!table)
-            table = makeTable(*usage, name);
-        else if (tablesInAllParents && usage->parent && table->type == Element::typeTable)
-            usage->parent->toTable(element, table);
+            table = makeTable(usage, name);
+        else if (tablesInAllParents && usage.parent && table->type == Element::typeTable)
+            usage.parent->toTable(element, table);
         element->addParent(table);
-        usage->element = table;
-        usage->instances = 1;
+        usage.element = table;
+        usage.instances = 1;
     }
 }
 

@@ -63,8 +63,7 @@ public:
     /// Returns the names of the model, for importers that use one many times.
     NamePool& queryNames() { return names; }
 
-    /// Make room for `count` usages, or for `count` fields of a new record.
-    void reserveUsages(std::size_t count) { usages.reserve(count); }
+    /// Makes room for `count` fields of a new record.
     void reserveFields(Element* record, std::size_t count);
 
     /// Return null if there is none, if the name or key is empty, and findElement() also if elements don't merge by

@@ -4,62 +4,70 @@
 
 UsageTable::Declared UsageTable::declare(const Fingerprint& key, Element* element, Element* parent)
 {
-    ChildElement* const known = byKey.find(key);
+    KeyedUsage* const known = byKey.find(key);
     if (!known) {
-        byKey.store(append(key, element, parent));
-        return {usages.back(), true};
+        ChildElement* const made = append(element, parent);
+        store(key, *made);
+        return {made, true};
     }
-    if (key.isEmpty())
-        *known = ChildElement(key, element, parent);
-    else
-        known->addInstance();
-    return {known, key.isEmpty()};
+    if (!key.isEmpty()) {
+        known->usage->addInstance();
+        return {known->usage, false};
+    }
+    known->usage->element = element;
+    known->usage->parent = parent;
+    return {known->usage, true};
 }
 
 UsageTable::Declared UsageTable::declareRecord(Element* record, bool isAlone)
 {
     if (isAlone)
-        return {append({}, record, nullptr), true};
+        return {append(record, nullptr), true};
     Name& name = *record->name;
     if (!hasKeys && (name.text.empty() || name.text.find('.') != CString::npos))
         makeKeys();
     if (hasKeys)
         return declare(name.text, record, nullptr);
     if (name.recordUsage != Name::kNone) {
-        usages[name.recordUsage]->addInstance();
+        usages[name.recordUsage].addInstance();
         reopen(name);
-        return {usages[name.recordUsage], false};
+        return {&usages[name.recordUsage], false};
     }
     name.recordUsage = static_cast<std::uint32_t>(usages.size());
-    return {append({}, record, nullptr), true};
+    return {append(record, nullptr), true};
 }
 
 UsageTable::Declared UsageTable::declareField(Element* field, Element* record)
 {
     if (hasKeys)
-        return declare(keyOf({{}, field, record}), field, record);
+        return declare(keyOf({field, record}), field, record);
     if (ChildElement* const known = findField(*field, *record)) {
         known->addInstance();
         return {known, false};
     }
     field->name->lastUsage = static_cast<std::uint32_t>(usages.size());
-    ChildElement* const made = append({}, field, record);
+    ChildElement* const made = append(field, record);
     if (record->name->isReopened)
         reopened.emplace(Pair(record->name, field->name), made);
     return {made, true};
 }
 
-ChildElement* UsageTable::append(const Fingerprint& key, Element* element, Element* parent)
+ChildElement* UsageTable::append(Element* element, Element* parent)
 {
-    usages.push_back(std::pmr::polymorphic_allocator<>(&names.memory).new_object<ChildElement>(key, element, parent));
-    return usages.back();
+    return &usages.emplace_back(element, parent);
 }
 
-ChildElement* UsageTable::findField(const Element& field, const Element& record) const
+void UsageTable::store(const Fingerprint& key, ChildElement& usage)
+{
+    usage.hasKey = true;
+    byKey.store(std::pmr::polymorphic_allocator<>(&names.memory).new_object<KeyedUsage>(KeyedUsage{key, &usage}));
+}
+
+ChildElement* UsageTable::findField(const Element& field, const Element& record)
 {
     if (field.name->lastUsage != Name::kNone)
-        if (ChildElement* const last = usages[field.name->lastUsage]; last->parent->name == record.name)
-            return last;
+        if (ChildElement& last = usages[field.name->lastUsage]; last.parent->name == record.name)
+            return &last;
     if (!record.name->isReopened)
         return nullptr;
     const auto known = reopened.find({record.name, field.name});
@@ -73,11 +81,12 @@ void UsageTable::reopen(Name& record)
     if (record.isReopened)
         return;
     record.isReopened = true;
-    for (std::size_t i = record.recordUsage + 1; i < usages.size() && usages[i]->parent; ++i) {
-        if (usages[i]->parent->name != &record)
+    for (std::size_t i = record.recordUsage + 1; i < usages.size(); ++i) {
+        ChildElement& usage = usages[i];
+        if (!usage.parent || usage.parent->name != &record)
             break;
-        if (usages[i]->usageKey.isEmpty()) // constants have keys
-            reopened.emplace(Pair(&record, usages[i]->element->name), usages[i]);
+        if (!usage.hasKey) // constants have keys
+            reopened.emplace(Pair(&record, usage.element->name), &usage);
     }
 }
 
@@ -85,12 +94,9 @@ void UsageTable::reopen(Name& record)
 void UsageTable::makeKeys()
 {
     hasKeys = true;
-    for (ChildElement* const usage : usages) {
-        if (!usage->usageKey.isEmpty() || byKey.find({}) == usage)
-            continue;
-        usage->usageKey = keyOf(*usage);
-        byKey.store(usage);
-    }
+    for (ChildElement& usage : usages)
+        if (!usage.hasKey)
+            store(keyOf(usage), usage);
 }
 
 Fingerprint UsageTable::keyOf(const ChildElement& usage) const
@@ -105,7 +111,8 @@ ChildElement* UsageTable::find(const Fingerprint& key)
 {
     if (!hasKeys)
         makeKeys();
-    return key.isEmpty() ? nullptr : byKey.find(key);
+    KeyedUsage* const known = key.isEmpty() ? nullptr : byKey.find(key);
+    return known ? known->usage : nullptr;
 }
 
 void UsageTable::clear()

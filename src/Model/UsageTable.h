@@ -2,10 +2,9 @@
 
 #include "Model/Element.h"
 
-#include <span>
+#include <deque>
 #include <unordered_map>
 #include <utility>
-#include <vector>
 
 /// The usages of a model, in the order in which their keys were first declared. A usage under a known key counts as
 /// another instance of that one.
@@ -35,30 +34,35 @@ public:
     /// Returns the usage of a key, null if there is none or the key is empty.
     ChildElement* find(const Fingerprint& key);
 
-    /// Makes room for `count` usages at once.
-    void reserve(std::size_t count) { usages.reserve(count); }
-
     void clear();
 
-    std::span<ChildElement* const> query() const { return usages; }
+    std::deque<ChildElement>& query() { return usages; }
 
 private:
+    // A usage under its key, which is hashed, because it can be as long as the source.
+    struct KeyedUsage
+    {
+        Fingerprint key;
+        ChildElement* usage;
+    };
+
     using Pair = std::pair<const Name*, const Name*>;
     struct PairHash
     {
         std::size_t operator()(const Pair& pair) const;
     };
 
-    ChildElement* append(const Fingerprint& key, Element* element, Element* parent);
-    ChildElement* findField(const Element& field, const Element& record) const;
+    ChildElement* append(Element* element, Element* parent);
+    void store(const Fingerprint& key, ChildElement& usage);
+    ChildElement* findField(const Element& field, const Element& record);
     void reopen(Name& record);
     void makeKeys();
     Fingerprint keyOf(const ChildElement& usage) const;
 
     NamePool& names;
     std::string_view fieldPrefix;
-    std::vector<ChildElement*> usages;
-    KeyedTable<ChildElement, &ChildElement::queryUsageKey, Fingerprint> byKey;
+    std::deque<ChildElement> usages; // keeps their addresses
+    KeyedTable<KeyedUsage, &KeyedUsage::key, Fingerprint> byKey;
     std::unordered_map<Pair, ChildElement*, PairHash> reopened; // fields of repeated records
     bool hasKeys = false;                                       // true once all usages have keys
 };

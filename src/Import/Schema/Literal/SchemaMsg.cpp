@@ -134,11 +134,9 @@ int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
     noteMain(outline);
     outline.keepTextsOnly(); // the model takes its place
     const CString path = baseFolder + table.queryMainType() + "\\";
-    const std::size_t count = countFields();
     knownTypes.clear();
     SchemaFieldCheck check(table, kinds, model, report);
-    check.reserve(count);
-    model.reserveUsages(count);
+    check.reserve(countFields());
     for (const SchemaElement* entry : table.queryDeclared())
         declareRecord(*entry, path, check);
     for (const SchemaElement* entry : table.queryPulled())
