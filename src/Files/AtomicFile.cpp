@@ -12,11 +12,16 @@
 #include <unistd.h>
 #include <vector>
 
+// The content is gathered beside the target, in a temporary file that a rename can put in its place. If the owner,
+// group or permissions of the target can't be given to such a file, or the folder takes none, the content is gathered
+// in memory (memfd_create(2)), and commit() copies it over the target. A rename that fails ends in the same copy.
+// Either way the target is not touched before the content is complete.
 namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
 
 // Returns the permissions that a new file gets under the process's umask. umask(2) can't be read without being set.
+// Files that another thread creates in between get no mask, except those of mkostemps(3), which are the user's alone.
 mode_t newFileMode()
 {
     const mode_t mask = ::umask(0);
@@ -62,6 +67,7 @@ bool resize(int file, off_t size)
     return false;
 }
 
+// Copies from the start of `from` to the position of `to`, inside the kernel.
 bool copy(int from, int to, off_t size)
 {
     for (off_t at = 0; at < size;)
@@ -85,20 +91,24 @@ void AtomicFile::open(const CString& fileName, Special special)
         return fail();
     if (replaces && !S_ISREG(state.st_mode)) {
         errno = S_ISDIR(state.st_mode) ? EISDIR : ENOTSUP;
+        // O_NOCTTY: a terminal that is written to must not become the one that controls the process.
         if (special == Special::written)
             out.reset(::open(fileName.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
         return out.isOpen() ? void() : fail();
     }
-    // A read-only file is not replaced, even if its folder would allow it.
+    // A read-only file is not replaced, even if its folder would allow it. The rename below only needs the right to
+    // write to the folder.
     if (replaces && ::access(fileName.c_str(), W_OK) != 0)
         return fail();
     target = resolveLinks(fileName);
+    // The empty name.
     if (target.empty()) {
         errno = ENOENT;
         return fail();
     }
     out.reset(temporary.create(target.substr(0, target.rfind('/') + 1), ".typeforge-"));
     const bool isReady = out.isOpen() && (replaces ? copyPermissions(state) : ::fchmod(out.get(), newFileMode()) == 0);
+    // A file that does not exist can't be overwritten, so a failure in its folder is final.
     if (!isReady && !(replaces && openMemory()))
         fail();
 }
@@ -123,6 +133,7 @@ bool AtomicFile::openMemory()
     return out.isOpen();
 }
 
+// Keeps errno of the first failure; later ones only follow from it.
 void AtomicFile::fail()
 {
     if (error == 0)
@@ -142,6 +153,8 @@ void AtomicFile::write(std::string_view bytes)
         flush();
     if (error != 0)
         return;
+    // Large pieces are written without a copy. The buffer is empty at this point: such a piece does not fit beside
+    // anything.
     if (bytes.size() < kBufferSize)
         buffer.append(bytes);
     else if (!out.write(bytes))
@@ -151,11 +164,13 @@ void AtomicFile::write(std::string_view bytes)
 int AtomicFile::commit()
 {
     flush();
+    // Nothing is left to be put in place after a failure, or if the bytes went to the target directly.
     const bool isWritten = error != 0 || target.empty();
     if (!isWritten && keepsUnchanged && isUnchanged())
         temporary.remove();
     else if (!isWritten && !place())
         fail();
+    // A file system may report a full disk or a quota only here (close(2)).
     if (!out.close())
         fail();
     return error;
@@ -168,6 +183,7 @@ void AtomicFile::keepUnchanged(off_t from, off_t count)
     ignoredEnd = from + count;
 }
 
+// Reads both files back, because a part of the new content may be on the disk only.
 bool AtomicFile::isUnchanged() const
 {
     struct stat before = {}, written = {};
@@ -201,6 +217,7 @@ bool AtomicFile::place()
     // Before the rename, or a crash could leave an empty file under the name.
     if (::fsync(out.get()) != 0)
         return false;
+    // The rename fails over a mounted file, and in a sticky folder over a file of another user.
     return temporary.renameTo(target) || (replaces && overwrite());
 }
 

@@ -24,19 +24,21 @@ public:
         written  ///< is written directly
     };
 
-    /// Opens the file for writing; queryError() tells whether that failed.
+    /// Opens the file for writing; queryError() tells whether that failed. The temporary file exists from then on, in
+    /// the folder of the target, because a rename works only within a file system.
     explicit AtomicFile(const CString& fileName, Special special = Special::refused);
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// Appends bytes. Does nothing after a failure.
+    /// Appends bytes. Does nothing after a failure. A failure may show only at commit().
     void write(std::string_view bytes);
 
     /// Makes commit() keep an existing file, with its inode and time, if it holds the same bytes. `ignoredCount` bytes
-    /// from offset `ignoredFrom` on may differ.
+    /// from offset `ignoredFrom` on may differ. A build tool that compares times then sees no change. The range is for
+    /// a time in the content.
     void keepUnchanged(off_t ignoredFrom, off_t ignoredCount);
 
-    /// Syncs the content to the disk and puts the file in its place. Returns queryError().
+    /// Syncs the content to the disk and puts the file in its place. Returns queryError(). Call it once, at the end.
     int commit();
 
     /// Returns the errno value of the first failure, the opening included; 0 if nothing has failed yet.

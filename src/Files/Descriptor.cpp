@@ -15,6 +15,7 @@ void Descriptor::reset(int opened)
 bool Descriptor::close()
 {
     const int open = std::exchange(fd, -1);
+    // Never repeated after EINTR: Linux has released the number even then (close(2)), and another thread may have it.
     return open < 0 || ::close(open) == 0;
 }
 
@@ -37,5 +38,6 @@ void turnFileFaultsIntoErrors()
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (::fcntl(stream, F_GETFD) < 0)
             ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    // The default action of the signal ends the process; ignored, write() returns EFBIG (setrlimit(2)).
     std::signal(SIGXFSZ, SIG_IGN);
 }

@@ -19,7 +19,7 @@ public:
     void reset(int opened);
 
     /// Closes the descriptor. Returns false with errno if written bytes may be lost; the descriptor is closed in any
-    /// case.
+    /// case. Close a written file by it, because the destructor hides the failure.
     bool close();
 
     /// Writes all of the bytes. Returns false with errno on failure, when a part may have been written.
@@ -32,5 +32,5 @@ private:
 /// Makes two faults of the process's files errors of the call that meets them. A standard stream that the process was
 /// started without fails with EBADF; otherwise the next file or connection would get its number, and with it whatever
 /// is written there. A write beyond the limit on file sizes fails with EFBIG, like one on a full disk, and ends no
-/// process.
+/// process. Both programs call it first, before they open anything.
 void turnFileFaultsIntoErrors();

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t kFirstPiece = 1 << 16;
+constexpr std::size_t kFirstPiece = 1 << 16;   // bytes, of a file whose size is unknown
 constexpr std::size_t kLargestPiece = 8 << 20; // for one read(), so that cancelling takes effect soon
 
 // Returns the errno value why an opened file must not be read, 0 if it may.
@@ -81,7 +81,9 @@ FileCause readFile(const CString& fileName, CString& out, std::size_t most)
         if (count == 0)
             break;
         used += static_cast<std::size_t>(count);
+        // Files of a network, and pipes, can be slow.
         throwIfCancelled();
+        // Doubled, so that a pipe of any length is read in linear time.
         if (used == room)
             room *= 2;
     }

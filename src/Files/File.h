@@ -13,7 +13,9 @@ inline constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max();
 
 /// A file or pipe that is open for reading. Fails for a folder (EISDIR) and for a device other than a terminal or the
 /// null device, because it might never end (ENOTSUP). Fails for a file longer than `most` bytes (EOVERFLOW). With a
-/// limit, bytes that are appended during the read are not read.
+/// limit, bytes that are appended during the read are not read. Whoever opens a pipe waits for a writer.
+///
+/// A kept pipe or text is read instead of the file if there is one (Files/KeptPipe).
 class InputFile
 {
 public:
@@ -38,7 +40,8 @@ private:
 };
 
 /// Reads a whole file or pipe of at most `most` bytes into `out`. Returns `none`, or the cause of a failure with `out`
-/// empty. Throws Cancelled if the progress handler refuses.
+/// empty. Throws Cancelled if the progress handler refuses. A file that grows during the read is read to its new end
+/// unless `most` is given.
 FileCause readFile(const CString& fileName, CString& out, std::size_t most = kAnySize);
 
 /// Returns `none` if the file can be opened for reading, else the cause. Returns at once: a pipe or device is not

@@ -14,13 +14,18 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
+// A name is opened as it is first, which costs one call for nearly all files. Only a name that is missing is looked up
+// in the listings of its folders, each of which is read once and kept under the folder's identity. All that a source
+// can make the finder do counts as a lookup, and lookups are limited; beyond the limit, listings are cut short.
 namespace {
 
 constexpr std::size_t kMaxLookups = 200'000; // for each finder, so that a source can't keep it busy
-constexpr std::size_t kLongestShown = 1'000;
+constexpr std::size_t kLongestShown = 1'000; // bytes
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
-// Returns the scheme before the first colon; "" if the reference has none.
+// Returns the scheme before the first colon; "" if the reference has none. It begins with a letter (RFC 3986, 3.1); its
+// other characters are not checked, because a relative path with a colon in its first segment has to begin with "./"
+// (4.2).
 std::string_view schemeOf(std::string_view reference)
 {
     const std::size_t colon = reference.find_first_of(":/?#");
@@ -29,7 +34,8 @@ std::string_view schemeOf(std::string_view reference)
     return kLetters.find(reference[0]) == std::string_view::npos ? std::string_view() : reference.substr(0, colon);
 }
 
-// Removes "//host" from the front. Returns false if that is another host than this one.
+// Removes "//host" from the front. Returns false if that is another host than this one. RFC 8089: a file URI may name a
+// host, and "localhost" or none is this one.
 bool dropHost(std::string_view& reference)
 {
     if (!reference.starts_with("//"))
@@ -74,7 +80,8 @@ int openPlace(const CString& name)
 }
 
 // Returns whether a file belongs to the kernel, so that reading it might never end or have an effect. /dev/shm holds
-// ordinary files. Returns true if the system doesn't say.
+// ordinary files. Returns true if the system doesn't say. The rest of /dev and what is mounted below /sys have the
+// types of ordinary file systems, so they are recognised by name.
 bool isKernelFile(int place)
 {
     struct statfs system = {};
@@ -86,7 +93,8 @@ bool isKernelFile(int place)
 }
 
 // Returns the id of the regular file under a name. Returns nothing, with an errno value in `error`, if there is none
-// that may be read; `error` is 0 if something else is there.
+// that may be read; `error` is 0 if something else is there. Looks at the file that was opened, not at its name again,
+// so that the answers belong to one file.
 std::optional<FileId> identifyFile(const CString& name, int& error)
 {
     const Descriptor place(openPlace(name));
@@ -141,6 +149,7 @@ CString shownFrom(const CString& from, const CString& folder, const CString& pat
     const bool isBeside = !path.starts_with('/') && file.name.starts_with(folder);
     CString shown = isBeside ? writtenFolderOf(from) : CString();
     std::string_view rest = std::string_view(file.name).substr(isBeside ? folder.size() : 0);
+    // Component by component, without "./" and repeated slashes. ".." stays, because a link may come before it.
     while (!rest.empty()) {
         const std::string_view component = rest.substr(0, std::min(rest.find('/'), rest.size() - 1) + 1);
         if (component != "./" && (component != "/" || shown.empty()))
@@ -192,6 +201,7 @@ std::optional<FoundFile> FileFinder::search(const CString& folder, const CString
     int error = 0;
     if (const auto id = identifyFile(name, error))
         return FoundFile{name, *id};
+    // A folder, a pipe or a file of the kernel has this name: no file in another case is tried instead.
     if (error == 0)
         return std::nullopt;
     isIncomplete = !meansMissing(error);
@@ -215,6 +225,7 @@ std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::s
         if (!component.empty() && component != ".")
             found = step(found, component);
     }
+    // The first that may be read, in the order of step().
     for (const FoundFile& file : found) {
         int ignored = 0;
         if (identifyFile(file.name, ignored))
@@ -223,6 +234,7 @@ std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::s
     return std::nullopt;
 }
 
+// Returns what `component` can mean in any of the folders, each file once. Empty if the limit is reached.
 std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, std::string_view component)
 {
     std::vector<FoundFile> found;
@@ -245,6 +257,7 @@ std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, s
 
 std::vector<CString> FileFinder::namesLike(const FoundFile& folder, std::string_view component)
 {
+    // In no listing (directory_iterator skips it), and has no other case. "." is skipped by the caller.
     if (component == "..")
         return {CString(component)};
     std::vector<CString> names;

@@ -12,6 +12,7 @@
 /// Returns the path of the local file that a schemaLocation names, absolute or relative to the document that holds it.
 /// `reference` is a URI reference (RFC 3986); its fragment and query are dropped, `\` counts as `/`, and percent
 /// escapes are decoded. Empty if it names no local file: a scheme other than file, another host, or an escaped NUL.
+/// Nothing else is ever fetched. A path of Windows with a drive letter has a scheme, and so names no local file.
 CString localPath(std::string_view reference);
 
 /// Returns a URI (RFC 3986) with its percent escapes decoded. A "%" that begins no escape stays.
@@ -20,15 +21,16 @@ CString withoutEscapes(std::string_view uri);
 /// The identity of a file: device and inode.
 using FileId = std::pair<unsigned long, unsigned long>;
 
-/// A regular file that was found. `name` opens it.
+/// A regular file that was found. `name` opens it. The id is zero for a file that the process may not access.
 struct FoundFile
 {
     CString name;
     FileId id;
 };
 
-/// Finds files by names whose letters may have the wrong case. Caches hits and misses. After 200,000 lookups and listed
-/// names it only tries exact names, so that a source can't keep it busy.
+/// Finds files by names whose letters may have the wrong case, because schemas and DTDs often come from systems that
+/// ignore case. Caches hits and misses. After 200,000 lookups and listed names it only tries exact names, so that a
+/// source can't keep it busy. An import has a finder of its own: files that appear later are not found.
 class FileFinder
 {
 public:
@@ -49,6 +51,7 @@ private:
     std::vector<CString> namesLike(const FoundFile& folder, std::string_view component);
     const Names& list(const FoundFile& folder);
 
+    // The names in a folder. Incomplete if the system failed before the end, so that a missing name proves nothing.
     struct Listing
     {
         Names names;
@@ -68,6 +71,7 @@ private:
 CString shownFrom(const CString& from, const CString& folder, const CString& path, const FoundFile& file);
 
 /// Returns the folder of a file, links resolved, with a final slash; the current folder for standard input and devices.
+/// Unresolved if the folder can't be found.
 CString folderOf(const CString& fileName);
 
 /// Returns a file's name without its folder and its last suffix.

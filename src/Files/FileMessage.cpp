@@ -51,6 +51,7 @@ CString inWords(const CString& fileName, FileCause cause)
         return again.message();
     if (const auto* const row = std::ranges::find(kCauses, cause, &CauseRow::cause); row != std::end(kCauses))
         return std::generic_category().message(row->error);
+    // A generic cause of a file above the limit: EOVERFLOW has no number of its own.
     const std::uintmax_t size = std::filesystem::file_size(fileName, again);
     return cause == FileCause::generic && !again && size > kMaxNamedFile ? inWords(EOVERFLOW)
                                                                          : "The system refused access";

@@ -6,7 +6,7 @@
 /// have any size.
 inline constexpr std::size_t kMaxNamedFile = 64 << 20;
 
-/// The numbers of the causes in message 2210.
+/// The numbers of the causes in message 2210. Some have no errno value and never occur.
 enum class FileCause : unsigned
 {
     none = 0,
@@ -29,15 +29,18 @@ enum class FileCause : unsigned
 /// Returns the cause of an errno value: `none` for 0, `generic` for a value without a number of its own.
 FileCause fileCauseOf(int error);
 
-/// Returns message 2210: the file can't be opened, with the number of the cause.
+/// Returns message 2210: the file can't be opened, with the number of the cause. It is the fixed text; inWords() gives
+/// the details below it.
 CString cantOpen(const CString& fileName, FileCause cause);
 
-/// Returns a cause in the words of the system, without the file's name.
+/// Returns a cause in the words of the system, without the file's name. The file is looked at again, so call it
+/// directly after the failure.
 CString inWords(const CString& fileName, FileCause cause);
 CString inWords(int error); ///< for an errno value
 
-/// The names that stand for standard input and output. shownFile() returns the name for the user: "-" for standard
-/// input.
+/// The names that stand for standard input and output. Standard input has its name in /proc, because that can be opened
+/// twice, and a regular file is then read from its start. shownFile() returns the name for the user: "-" for
+/// standard input.
 inline constexpr char kStandardInput[] = "/proc/self/fd/0";
 inline constexpr char kStandardOutput[] = "/dev/stdout";
 CString shownFile(const CString& fileName);

@@ -19,6 +19,7 @@ struct KeptPipe
     KeptPipe(const CString& name, int copy) : name(name), copy(copy) {}
 };
 
+// A list, because a Descriptor can't be moved. There are a few at most, so they are searched one by one.
 std::list<KeptPipe> keptPipes;
 
 // Returns the descriptor of a new file without a name, -1 with errno. Descriptors below 3 are avoided, because they
@@ -84,6 +85,7 @@ CString fileToOpen(const CString& fileName)
 {
     for (const KeptPipe& kept : keptPipes)
         if (kept.name == fileName)
+            // Opened anew, so that each reader has a position of its own and begins at the start.
             return "/proc/self/fd/" + std::to_string(kept.copy.get());
     return fileName;
 }

@@ -14,6 +14,8 @@ bool queryValue(const char* key, const char* name, SettingsValue& value)
     return gathering ? gathering->getValue(key, name, value) : SettingsStore().getValue(key, name, value);
 }
 
+// Applies a change to the current transaction, or to the file at once. The file is read for each change, so that
+// another program's changes are kept.
 template <class Change>
 bool change(Change set)
 {
@@ -27,7 +29,7 @@ bool change(Change set)
 }
 
 // Returns a value as an integer. A text is read as scanf's %d and %u read it: leading digits count, the rest is
-// ignored. Other types give their first four bytes.
+// ignored. Other types give their first four bytes. Their order is little-endian on every machine (SettingsValue).
 std::uint32_t asInteger(const SettingsValue& value)
 {
     if (value.type == SettingsValue::Type::text)
@@ -95,6 +97,7 @@ std::vector<std::pair<CString, SettingsValue>> Registry::queryValues(HKEY, const
     return gathering ? gathering->queryValues(key) : SettingsStore().queryValues(key);
 }
 
+// `store` is declared first, so it has read the file before it becomes the current one.
 SettingsTransaction::SettingsTransaction() : before(std::exchange(gathering, &store)) {}
 
 SettingsTransaction::~SettingsTransaction()

@@ -28,6 +28,7 @@ bool ignoresCase(const fs::path& folder)
             system.f_type == CIFS_SUPER_MAGIC || system.f_type == SMB2_SUPER_MAGIC);
 }
 
+// For names where nothing exists yet: the same name in the same folder.
 bool wouldBeSameFile(const fs::path& one, const fs::path& other)
 {
     std::error_code failure;
@@ -46,6 +47,7 @@ CString resolveLinks(const CString& fileName)
     std::error_code ignored;
     fs::path target = fileName;
     for (int links = 0; links < 40 && fs::is_symlink(target, ignored); ++links) // the kernel's own limit (ELOOP)
+        // A relative target starts from the link's folder; an absolute one replaces it (operator/).
         target = target.parent_path() / fs::read_symlink(target, ignored);
     return target;
 }

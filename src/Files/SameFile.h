@@ -7,5 +7,6 @@
 CString resolveLinks(const CString& fileName);
 
 /// Returns whether both names lead to the same regular file, or would once it exists: through links, hard links and
-/// folders, and in folders that ignore case. Returns false for pipes and devices.
+/// folders, and in folders that ignore case. Returns false for pipes and devices. Protects a source from being
+/// overwritten by the output of its own import.
 bool isSameFile(const CString& one, const CString& other);

@@ -19,6 +19,8 @@
 
 using Json = nlohmann::ordered_json;
 
+// Bytes; the program's own settings take some kB. The file is read at start, before there is a window that could show
+// progress.
 constexpr std::uintmax_t kMaxFile = 4 << 20;
 constexpr const char* kLatin1 = "latin-1";
 
@@ -58,6 +60,8 @@ public:
     bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override { return false; }
 
 private:
+    // An object or array that is not closed yet. `json` lies in the container around it, which can't grow and move it
+    // before this one is closed.
     struct Container
     {
         Json* json;
@@ -67,6 +71,7 @@ private:
 
     bool begin(Json container)
     {
+        // The format needs three: the document, a key, and a text that is not UTF-8.
         constexpr std::size_t deepest = 4;
         if (dropped > 0 || open.size() == deepest)
             ++dropped;
@@ -111,7 +116,8 @@ private:
     std::size_t dropped = 0; // open containers that are being dropped
 };
 
-// Returns the parsed text, a discarded value if it is not JSON.
+// Returns the parsed text, a discarded value if it is not JSON. A syntax error leaves no part of the settings, because
+// the next save would drop the rest.
 Json parseSettings(const CString& text)
 {
     Builder builder;
@@ -145,6 +151,7 @@ void setAside(const CString& fileName, const CString& reason)
                    loadText(IDS_ERROR_TITLE));
 }
 
+// The inverse of the conversion below. Returns false if a character is above U+00FF.
 bool toLatin1(std::string_view text, CString& out)
 {
     for (std::size_t at = 0; at < text.size();) {
@@ -177,6 +184,8 @@ bool toText(const Json& stored, CString& out)
     return latin1 != stored.end() && latin1->is_string() && toLatin1(latin1->get_ref<const CString&>(), out);
 }
 
+// Returns false for a value of a type that the program never writes, such as a fraction, and for a number that 32 bits
+// don't hold. A Boolean is accepted as 0 or 1, because people edit the file.
 bool toValue(const Json& stored, SettingsValue& out)
 {
     out = {};
@@ -280,6 +289,7 @@ bool SettingsStore::save() const
     if (failed)
         return false;
     AtomicFile file(document->fileName);
+    // A name may hold bytes that are not UTF-8; dump() would throw for them.
     file.write(document->root.dump(2, ' ', false, Json::error_handler_t::replace));
     file.write("\n");
     return file.commit() == 0;

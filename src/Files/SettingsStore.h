@@ -23,7 +23,8 @@ struct SettingsValue
 /// holds one object for each registry key, with values in the order in which they were first written. A missing or
 /// unreadable file counts as empty. A file that can't be parsed, is larger than 4 MB or is not a regular file counts as
 /// empty too, and is renamed to `settings.json.bad`, with a message to the user. A text that is not UTF-8 is stored as
-/// {"latin-1": TEXT}, its bytes as characters.
+/// {"latin-1": TEXT}, its bytes as characters. JSON, so that a person can read and repair it. An object is a snapshot:
+/// it doesn't see what others write meanwhile, and save() writes all values, those of others as they were.
 class SettingsStore
 {
 public:
@@ -42,14 +43,16 @@ public:
     /// Returns the key's values with their names, in order.
     std::vector<std::pair<CString, SettingsValue>> queryValues(const CString& key) const;
 
-    /// Sets a value in memory; save() writes it. Creates the key if needed.
+    /// Sets a value in memory; save() writes it. Creates the key if needed. A value that exists keeps its place in the
+    /// order.
     void setText(const CString& key, const CString& name, const CString& value);
     void setInteger(const CString& key, const CString& name, std::int32_t value);
 
     /// Returns whether a value has been set since the file was read.
     bool isChanged() const;
 
-    /// Replaces the file in one step. Returns false on failure; the old file then stays.
+    /// Replaces the file in one step. Returns false on failure; the old file then stays. Creates the folder if it is
+    /// missing.
     bool save() const;
 
 private:

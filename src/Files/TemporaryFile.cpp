@@ -25,7 +25,8 @@ void deleteAndRaise(int signal)
     std::raise(signal);
 }
 
-// Installs the handler for signals with the default action. An ignored signal (as under nohup) stays ignored.
+// Installs the handler for signals with the default action. An ignored signal (as under nohup) stays ignored. SIGXFSZ
+// is not among them: it is ignored, so that a write fails instead.
 void deleteAtEnd()
 {
     struct sigaction action = {};
@@ -66,8 +67,10 @@ void TemporaryFile::remove()
 
 int TemporaryFile::create(const CString& folder, const char* prefix, const char* suffix)
 {
+    // Once for the process, and only if there is a file to delete: programs without one keep their signals.
     [[maybe_unused]] static const bool watching = (deleteAtEnd(), true);
     name = absoluteFolder(folder) + prefix + "XXXXXX" + suffix;
+    // In this order: a signal between the two stores must find a complete list.
     next = chain;
     chain = this;
     const int descriptor = ::mkostemps(name.data(), static_cast<int>(std::strlen(suffix)), O_CLOEXEC);

@@ -4,7 +4,8 @@
 
 #include <list>
 
-/// Files that exist as long as the object and that only the user can read.
+/// Files that exist as long as the object and that only the user can read. For files that another program, such as a
+/// viewer, opens by name.
 class TemporaryFiles
 {
 public:
@@ -13,5 +14,6 @@ public:
     int add(const CString& folder, std::string_view bytes, CString& name, const char* suffix = ".xml");
 
 private:
+    // A list, because a TemporaryFile can't be moved.
     std::list<TemporaryFile> files;
 };

@@ -6,6 +6,7 @@
 
 namespace {
 
+// Returns the program's folder in the one that `variable` names, or in `inHome` below the home folder.
 CString programFolder(const char* variable, const char* inHome)
 {
     if (const char* configured = std::getenv(variable); configured != nullptr && configured[0] == '/')
@@ -20,6 +21,7 @@ CString homeFolder()
 {
     if (const char* home = std::getenv("HOME"); home != nullptr && home[0] == '/')
         return home;
+    // The account whose rights the process has. The entry is static storage of the library, so it is copied at once.
     const passwd* const user = ::getpwuid(::geteuid());
     return user != nullptr ? user->pw_dir : "";
 }

@@ -6,7 +6,7 @@
 // (https://specifications.freedesktop.org/basedir/latest, which ignores relative paths). Absolute, without a final
 // slash; empty if the user has none.
 
-CString homeFolder();
+CString homeFolder();     ///< $HOME if it is an absolute path, else the folder in the account's entry
 CString settingsFolder(); ///< "typeforge" in $XDG_CONFIG_HOME or ~/.config; it may not exist yet
 CString dataFolder();     ///< the same in $XDG_DATA_HOME or ~/.local/share
 
