@@ -1,5 +1,6 @@
 #include "Types/IndentedDocument.h"
 
+// Cuts at each '>' instead of parsing, which is enough for documents of this form.
 CString indentedDocument(std::string_view document)
 {
     CString lines;

@@ -9,6 +9,8 @@ namespace {
 
 using Out = std::function<void(std::string_view)>;
 
+// The totals of the report's last line. A field counts as text if its content is "String", behind tables and arrays,
+// too.
 struct Totals
 {
     std::size_t types = 0;
@@ -28,8 +30,11 @@ struct Totals
     }
 };
 
+// In the order of the report.
 constexpr SourceReport::Sort kSorts[] = {SourceReport::loss, SourceReport::detail};
 
+// Returns "FILE:LINE:COL: ", empty for an entry without a file. File names are shown without control characters,
+// because the report can go to a terminal.
 CString placeOf(const SourceReport& report, const SourceReport::Entry& entry)
 {
     const CString place = placeInWords(report.fileNameOf(entry.place.file), entry.place.line, entry.place.column);
@@ -49,6 +54,7 @@ CString unlistedInWords(SourceReport::Sort sort, std::size_t times)
            std::to_string(SourceReport::kMaxMegabytes[sort]) + " MB for places\n";
 }
 
+// Writes the lists of places, then the counts and the totals.
 void writeText(const SourceReport& report, const Totals& totals, const Out& out)
 {
     for (const SourceReport::Sort sort : kSorts) {
@@ -68,6 +74,7 @@ void writeText(const SourceReport& report, const Totals& totals, const Out& out)
         formatText(": %zu typed, %zu left text\n", totals.fields - totals.texts, totals.texts));
 }
 
+// Returns a place as docs/report.schema.json describes it: what is unknown is null.
 CString jsonOf(const SourceReport& report, const SourceReport::Entry& entry)
 {
     const auto number = [](std::uint32_t n) { return n == 0 ? CString("null") : std::to_string(n); };
@@ -91,6 +98,7 @@ CString jsonCounts(const SourceReport& report, std::initializer_list<SourceRepor
     return "{" + members + "}";
 }
 
+// Constructs have their ids, which never change, instead of the words of the text.
 void writeJson(const SourceReport& report, const Totals& totals, const Out& out)
 {
     constexpr auto loss = SourceReport::loss, detail = SourceReport::detail;

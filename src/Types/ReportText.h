@@ -15,5 +15,6 @@ enum class ReportFormat
 };
 
 /// Writes the report of the last import of `message`: what it did not carry over, and totals of types and fields.
-/// Fields count as typed or left as text.
+/// Fields count as typed or left as text. The report is passed to `out` in pieces, so it is never whole in memory.
+/// Moves the importer's cursor.
 void writeReport(MsgBase& message, ReportFormat format, const std::function<void(std::string_view)>& out);

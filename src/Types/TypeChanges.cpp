@@ -7,8 +7,13 @@
 #include <string_view>
 #include <unordered_map>
 
+// Both sides get an index of their types by the names under which they are compared. A type in both is compared part by
+// part. Nearly all types are equal, so their parts are first compared in order, without keys; only a type that differs
+// gets tables of its parts. Of a part's type only the name is compared, since that type is compared by itself, once.
 namespace {
 
+// A row for each TypeChange::Id. A removed constant breaks writers, who may still send it; a removed field breaks both,
+// because readers may need it and writers may fill it.
 struct ChangeRow
 {
     const char* id;
@@ -25,15 +30,19 @@ constexpr ChangeRow kChanges[] = {
 };
 static_assert(std::size(kChanges) == TypeChange::idCount);
 
+// Stands for the name of a type, field or constant whose name is empty, which documents of types can hold.
 constexpr const char* kUnnamed = "(no name)";
+// By TypePart::Kind.
 constexpr const char* kPartNames[] = {"field", "constant", "component"};
 
+// Returns TypeContent::repeats in words for the user; sizes and nested tables stay as they are written.
 CString inWords(const CString& repeats)
 {
     return repeats.empty() ? "once" : repeats == "*" ? "repeated" : repeats;
 }
 
-// The types of one side, by the names under which they are compared.
+// The types of one side, by the names under which they are compared. These are views of the structure's names or of
+// `moved`, so the structure must outlive the object.
 class Side
 {
 public:
@@ -43,7 +52,8 @@ public:
         std::uint32_t number;
     };
 
-    /// Types in the folder `from` are compared as if they were in `to`.
+    /// Types in the folder `from` are compared as if they were in `to`. Both texts must outlive the object. The index
+    /// points into `types`, so these are complete before the first is stored.
     Side(const TypeStructure& structure, const CString& from, const CString& to) :
         structure(structure), from(from), to(to)
     {
@@ -59,7 +69,8 @@ public:
     /// Returns the first type of a name, which is the one that is compared, or null.
     const Type* find(std::string_view name) const { return byName.find(name); }
 
-    /// Returns whether a type of this side is compared under a name.
+    /// Returns whether a type of this side is compared under a name. Compares in place: a moved name is only built for
+    /// the types of the import, not for each part.
     bool isCalled(std::string_view own, std::string_view name) const
     {
         if (from == to || !own.starts_with(from))
@@ -84,7 +95,8 @@ private:
     std::deque<CString> moved;
 };
 
-// The identity of a part: its name, and the number of earlier parts of the type with the same name.
+// The identity of a part: its name, and the number of earlier parts of the type with the same name. So the first of two
+// fields of one name is compared with the first on the other side.
 struct PartKey
 {
     std::string_view name;
@@ -140,6 +152,7 @@ CString contentOf(const TypeStructure& structure, const TypePart& part)
     return CString(content.typeName) + content.repeats;
 }
 
+// Compares the types of two sides, and collects the changes in the order of the newer side.
 class Comparison
 {
 public:
@@ -150,6 +163,7 @@ public:
     void compareTypes()
     {
         for (const Side::Type& type : after.types) {
+            // A later type of the same name; the first one is compared.
             if (after.find(type.name) != &type)
                 continue;
             if (const Side::Type* const known = before.find(type.name))
@@ -204,6 +218,7 @@ private:
                      kPartNames[part.kind], name, shownPart(part), contentOf(before.structure, part)});
     }
 
+    // A part can have another type and other repetitions: two changes, which can be accepted one by one.
     void comparePart(const CString& type, const TypePart& old, const TypePart& now)
     {
         const TypeContent was = before.structure.contentOf(old), is = after.structure.contentOf(now);
@@ -219,7 +234,9 @@ private:
     Side& after;
 };
 
-// Returns the deepest folder that contains all types, with a final backslash; empty if there is none.
+// Returns the deepest folder that contains all types, with a final backslash; empty if there is none. The prefix only
+// shrinks, so this is linear in the names. It is cut at a backslash, because names that begin alike are not in one
+// folder.
 CString commonFolder(const TypeStructure& structure)
 {
     std::string_view common;
@@ -253,6 +270,8 @@ TypeChange::Id changeNamed(std::string_view text)
     return static_cast<TypeChange::Id>(row - std::begin(kChanges));
 }
 
+// If one full name is the same, the types have not moved: a second namespace, for example, gives the types of the first
+// a folder of their own, and the folder around both is another one.
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after)
 {
     const TypeFolders folders{commonFolder(before), commonFolder(after)};

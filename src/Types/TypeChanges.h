@@ -7,9 +7,10 @@
 
 class TypeStructure;
 
-/// One difference between the old and the new types.
+/// One difference between the old and the new types. Its texts are copies, so it stays valid without the types.
 struct TypeChange
 {
+    /// The kinds of changes, in the order of their table. New ones go before idCount.
     enum Id
     {
         typeAdded,
@@ -44,11 +45,12 @@ enum class Reader
 /// Returns the id of a change as the command line takes it ("field-removed").
 const char* idOf(TypeChange::Id id);
 
-/// Returns whether a change breaks those programs. An added field breaks none, because the model doesn't say whether a
-/// field is required.
+/// Returns whether a change breaks those programs; for `both`, whether it breaks any of them. An added field breaks
+/// none, because the model doesn't say whether a field is required.
 bool breaks(TypeChange::Id id, Reader reader);
 
-/// Returns the change with that id, idCount if there is none.
+/// Returns the change with that id, idCount if there is none. Ids never change, because scripts pass them to the
+/// command line.
 TypeChange::Id changeNamed(std::string_view text);
 
 /// One folder for each side. Types are compared by their names below it.
@@ -57,14 +59,18 @@ struct TypeFolders
     CString before;
     CString after;
 
+    /// Returns whether nothing has moved, as with two empty folders.
     bool areEqual() const { return before == after; }
 };
 
 /// Returns the deepest folders that contain all types of each side, if the sides have no full name in common, but names
-/// below these folders: another base path or main element. Returns two empty folders otherwise.
+/// below these folders: another base path or main element. Returns two empty folders otherwise. Without this, each type
+/// of a moved import would be removed and added.
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after);
 
 /// Returns the differences, in the order of `after`, removed types last. Types are matched by full name, with
 /// `folders.before` replaced by `folders.after`, and parts by name. Descriptions and the order of parts are ignored.
+/// `before` and `after` must be different objects, since parts of both are compared at the same time. Of several types
+/// of one name, the first is compared. Linear in the parts of both sides.
 std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStructure& after,
                                     const TypeFolders& folders = {});

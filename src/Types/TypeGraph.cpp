@@ -6,7 +6,8 @@
 
 namespace {
 
-// Returns a text escaped for the label of a record node: https://graphviz.org/doc/info/shapes.html#record
+// Returns a text escaped for the label of a record node: https://graphviz.org/doc/info/shapes.html#record. A blank is a
+// separator there unless it is escaped.
 CString labelText(std::string_view text)
 {
     CString label;
@@ -23,6 +24,7 @@ CString labelText(std::string_view text)
     return shownText(label);
 }
 
+// Returns the label of a box: fields for the title and the rows, each with its port. "\l" aligns a row to the left.
 CString labelOf(const TypeGraph::Box& box)
 {
     CString label = "<title> " + labelText(box.title);

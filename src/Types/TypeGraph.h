@@ -10,7 +10,9 @@
 class TypeStructure;
 
 /// Types as boxes with a row for each part, and an arrow from each row to the box of its type. Tables and arrays are
-/// not drawn: the row's type gets a "*" for a table and the size in brackets for an array.
+/// not drawn: the row's type gets a "*" for a table and the size in brackets for an array. Only arrows between the
+/// given types are in it. The texts are copies, so the graph outlives the structure and can be laid out in another
+/// thread.
 struct TypeGraph
 {
     struct Row
@@ -34,11 +36,11 @@ struct TypeGraph
         std::size_t to;   ///< index of a box
     };
 
-    /// Builds the graph of `types`, in that order. A box has at most `maxRows` rows.
+    /// Builds the graph of `types`, in that order, each at most once. A box has at most `maxRows` rows.
     TypeGraph(const TypeStructure& structure, std::span<const std::uint32_t> types, std::size_t maxRows);
 
     /// Returns the graph in the DOT language (https://graphviz.org/doc/info/lang.html). Box i is the node "t<i>", with
-    /// a port "title" and a port "r<j>" for its row j.
+    /// a port "title" and a port "r<j>" for its row j. Any name becomes a valid label.
     CString toDot() const;
 
     std::vector<Box> boxes;

@@ -7,14 +7,19 @@
 #include <unordered_set>
 #include <utility>
 
+// The structure is read from the importer's elements on demand. Only what would need a search is kept: an index of the
+// full names, and the types by the numbers of their elements. Parts are views, made again for each call: a list as JSON
+// of 50,000 types takes twice as long with copies of all parts.
 namespace {
 
+// Returns whether a type has a component instead of fields or constants.
 bool holdsComponent(const Element& element)
 {
     return element.queryType() == Element::typeTable || element.queryType() == Element::typeArray;
 }
 
-// Returns a full name with one backslash at its start. The root folder and a name may both have one.
+// Returns a full name with one backslash at its start. The root folder and a name may both have one. Types of a
+// document that was read back then refer to each other under one name.
 std::string_view plainName(std::string_view name)
 {
     return name.starts_with("\\\\") ? name.substr(1) : name;
@@ -34,14 +39,17 @@ TextPieces TypePart::description() const
     return kind == field ? element->queryFieldDescription() : element->queryDescriptionPieces();
 }
 
+// Walks the types once. The index gets pointers to the entries, so these must not move.
 TypeStructure::TypeStructure(MsgBase& message)
 {
     const auto count = static_cast<std::size_t>(message.beginEnum());
     index.reserve(count);
     CString room;
+    // Only tables and arrays need their component's name; it is stored because its two pieces have to be joined.
     while (const Element* element = message.enumNext()) {
         types.push_back({element, size(), CString(plainName(element->queryPath() + element->queryName())),
                          holdsComponent(*element) ? CString(element->queryComponentType().joined(room)) : CString()});
+        // Of several types of one name, the last one is found.
         index.store(&types.back());
         if (const std::uint32_t number = element->queryNumber(); number != Element::kNoNumber) {
             numbers.resize(std::max<std::size_t>(numbers.size(), number + std::size_t{1}), kNone);
@@ -64,6 +72,7 @@ const char* TypeStructure::kindOf(std::uint32_t type) const
     return kKinds[(*this)[type].queryType()];
 }
 
+// Makes the parts in the storage of the last call, so a walk over all types allocates little.
 std::span<const TypePart> TypeStructure::parts(std::uint32_t type) const
 {
     lastParts.clear();
@@ -84,7 +93,8 @@ std::span<const TypePart> TypeStructure::parts(std::uint32_t type) const
     return lastParts;
 }
 
-// Fast path: nearly every type is the child itself and found without its full name.
+// Returns a field of a record. Fast path: nearly every type is the child itself and found without its full name. Else
+// the name that the document writes is looked up: the child's folder can differ from the one that the document names.
 TypePart TypeStructure::partOf(const Element& child, const Element& record) const
 {
     TypePart part{TypePart::field, &child, child.queryFieldName(), {}, kNone};
@@ -115,7 +125,10 @@ std::size_t TypeStructure::partCount(std::uint32_t type) const
         std::count_if(children.begin(), children.end(), [](const Element* child) { return child->isField(); }));
 }
 
-// Returns the type of a field if that is the child itself and has its name; else kNone.
+// Returns the type of a field if that is the child itself and has its name; else kNone. The name in the document is
+// made of the record's folder and, for a record, the child's base name, so neither may differ from the child's own. The
+// addresses are equal if there is no separate base name. If plainName() has shortened the full name, the lengths
+// differ.
 std::uint32_t TypeStructure::numberOf(const Element& child, const Element& record) const
 {
     const bool namesItself = child.queryType() == Element::typeTable || &child.queryBaseName() == &child.queryName();
@@ -127,7 +140,8 @@ std::uint32_t TypeStructure::numberOf(const Element& child, const Element& recor
 }
 
 // Collects the users of all types in one array, sorted by counting: most types have one or two, so a list for each
-// would waste memory.
+// would waste memory. firstUser[type + 1] first counts the users of a type, then becomes the end of its range. A user
+// is entered once for each type, because its parts come one after the other and lastUser remembers the latest.
 void TypeStructure::collectUsers() const
 {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> uses; // used type, user
@@ -148,6 +162,7 @@ void TypeStructure::collectUsers() const
         userList[next[used]++] = user;
 }
 
+// firstUser has one entry more than there are types once it is built.
 std::span<const std::uint32_t> TypeStructure::users(std::uint32_t type) const
 {
     if (firstUser.size() <= size())
@@ -156,6 +171,7 @@ std::span<const std::uint32_t> TypeStructure::users(std::uint32_t type) const
     return {userList.begin() + first[0], userList.begin() + first[1]};
 }
 
+// Each level is looked up by its name. The types passed are few, so a search among them is faster than a set.
 TypeContent TypeStructure::contentOf(const TypePart& part) const
 {
     constexpr std::size_t kDeepest = 16; // levels of nested tables; deeper ones can't be shown usefully
@@ -174,7 +190,9 @@ TypeContent TypeStructure::contentOf(const TypePart& part) const
     return content;
 }
 
-// Calls `action` with each type that is one step away.
+// Calls `action` with each type that is one step away. A type can be passed to it several times, if several parts lead
+// there. Going to users, tables and arrays are passed breadth-first until records are found; a table can be the
+// component of many others.
 template <class Action>
 void TypeStructure::forEachNeighbour(std::uint32_t type, Direction direction, const Action& action) const
 {
@@ -194,6 +212,9 @@ void TypeStructure::forEachNeighbour(std::uint32_t type, Direction direction, co
                 holders.push_back(user);
 }
 
+// Breadth-first, one level for each step, once for each direction. isSeen ends cycles within a direction. isReached
+// holds for both: a type that is also reached in the other direction is not listed again, but the search continues from
+// it, because it leads elsewhere there.
 std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t limit, bool& isComplete,
                                                 Direction direction, std::size_t depth) const
 {

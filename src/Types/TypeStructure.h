@@ -11,7 +11,8 @@
 
 class MsgBase;
 
-/// One part of a type, as the type's document describes it. Valid until the next TypeStructure::parts().
+/// One part of a type, as the type's document describes it. Valid until the next TypeStructure::parts(). The views
+/// point to texts of the element or of the structure.
 struct TypePart
 {
     enum Kind
@@ -27,10 +28,13 @@ struct TypePart
     std::string_view typeName; ///< "String", "Number", "Time", or the full name of a type
     std::uint32_t type;        ///< its number in this import, or TypeStructure::kNone
 
+    /// Returns the description of a field as the document of its record has it, of a constant its own; empty for a
+    /// component. Views of the element's texts.
     TextPieces description() const;
 };
 
-/// The content of a type name, with tables and arrays resolved to their components. Valid as long as that name.
+/// The content of a type name, with tables and arrays resolved to their components. Valid as long as that name and the
+/// structure. If the type is not in the import, the name is that of a type elsewhere, or of a simple type.
 struct TypeContent
 {
     std::string_view typeName; ///< "String", "Number", "Time", or a full name
@@ -43,7 +47,10 @@ std::string_view shortName(std::string_view fullName);
 
 /// The types of one import, numbered in its order, with their parts and users. Lookups use an index that is built once,
 /// so a call costs time in proportion to its result, however many types there are. Valid until the importer parses
-/// again.
+/// again: it refers to the importer's elements and their texts.
+///
+/// Not thread-safe, although its functions are const: parts(), and all functions that call it, reuse the storage of the
+/// call before. Only one thread may use an object at a time.
 class TypeStructure
 {
 public:
@@ -58,22 +65,27 @@ public:
     /// Returns the type's full name: its folder and name. A double backslash at the start becomes one.
     const CString& queryFullName(std::uint32_t type) const { return types[type].fullName; }
 
-    /// Returns the type of a full name, the last one if several have it, or kNone.
+    /// Returns the type of a full name, the last one if several have it, or kNone. One of two backslashes at the start
+    /// is ignored.
     std::uint32_t find(std::string_view fullName) const;
 
     /// Returns "record", "table", "array" or "enumeration".
     const char* kindOf(std::uint32_t type) const;
 
-    /// Returns the fields, the constants or the component, in the order of the document. Valid until the next call.
+    /// Returns the fields, the constants or the component, in the order of the document. The span and its texts are
+    /// valid until the next call for any type of this object.
     std::span<const TypePart> parts(std::uint32_t type) const;
 
-    /// Returns the number of parts without building them.
+    /// Returns the number of parts without building them; always 1 for a table or an array.
     std::size_t partCount(std::uint32_t type) const;
 
-    /// Returns the types with a part of this type, each once, in the import's order.
+    /// Returns the types with a part of this type, each once, in the import's order. Includes the type itself if it
+    /// contains itself, and tables and arrays. The first call collects the users of all types, in time linear in all
+    /// parts; the results then stay valid.
     std::span<const std::uint32_t> users(std::uint32_t type) const;
 
-    /// Resolves a part's type through tables and arrays to its content. Stops at a table that contains itself.
+    /// Resolves a part's type through tables and arrays to its content. Stops at a table that contains itself, and at
+    /// the 16th level.
     TypeContent contentOf(const TypePart& part) const;
 
     /// The directions of reach().
@@ -84,11 +96,12 @@ public:
         both   ///< in both directions, without changing direction on the way
     };
 
+    /// A depth of reach() without a limit.
     static constexpr std::size_t kAnyDepth = static_cast<std::size_t>(-1);
 
     /// Returns the types that `start` reaches in at most `depth` steps, itself first, then the nearest first. Tables
-    /// and arrays on the way don't count as steps and are not in the result. Returns at most `limit` types;
-    /// `isComplete` is set to false if there are more.
+    /// and arrays on the way don't count as steps and are not in the result. With Direction::both, all used types come
+    /// before the users. Returns at most `limit` types; `isComplete` is set to false if there are more, else to true.
     std::vector<std::uint32_t> reach(std::uint32_t start, std::size_t limit, bool& isComplete,
                                      Direction direction = Direction::uses, std::size_t depth = kAnyDepth) const;
 
