@@ -25,6 +25,7 @@ class SchemaContents
 public:
     using Index = SchemaNode::Index;
 
+    /// Make it after SchemaSet::finish(). The set must live as long.
     explicit SchemaContents(SchemaSet& set);
 
     /// Returns the fields of a complex type, elements first, each name once for elements and once for attributes. Valid
@@ -56,7 +57,8 @@ private:
         std::size_t entered = 0; // value of `clock` at its start
     };
 
-    // Fields with lookup by name; few fields are searched linearly.
+    // The fields of the current type in order, with lookup by name. Few fields are searched linearly; the table is
+    // filled once there are many.
     class Fields
     {
     public:

@@ -9,7 +9,8 @@
 
 namespace {
 
-// Reads the root of a schema.
+// Reads the root of a schema. The literal reading takes statements by the prefixes xs and xsd, and reads a document
+// with a target namespace alone.
 struct SchemaRoot : XmlHandler
 {
     void startElement(XmlName name, XmlAttributes attributes) override
@@ -33,6 +34,7 @@ struct SchemaRoot : XmlHandler
 
 SchemaFullMessage::SchemaFullMessage() : FullMessage(*importerNamed("xsd")) {}
 
+// A file that is not well-formed has no full reading either, so it gets no hint.
 CString SchemaFullMessage::unsupportedByLiteral(const CString& fileName) const
 {
     CString unsupported;
@@ -44,6 +46,9 @@ CString SchemaFullMessage::unsupportedByLiteral(const CString& fileName) const
     return unsupported;
 }
 
+// With requested types or messages, the set is read twice: once to find which types there are, and once these alone,
+// into types that are dropped. The second reading marks what is reached, and the report, which held everything back
+// until then, gets that and what belongs to no component.
 void SchemaFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
     if (!queryRoots().empty() || !furtherFiles.empty()) // one of which may be a WSDL
@@ -60,7 +65,8 @@ void SchemaFullMessage::read(const CString& source, const CString& fileName, Sou
         set.reportNotes(); // of the documents themselves
     SchemaTypes all(set, types);
     all.read(sources, queryRoots(), messages);
-    // Only what the requested types reach is imported, so only that is reported. Reading them alone finds it.
+    // Only what the requested types reach is imported, so only that is reported. Without requested types these are the
+    // messages.
     if (isAskedFor && !types.empty()) {
         const RootNames names(types);
         std::vector<SchemaNode::Index> wanted;

@@ -4,7 +4,8 @@
 
 class SchemaSet;
 
-/// The importer of XML Schema files that reads them in full: namespaces, documents, derived types.
+/// The importer of XML Schema files that reads them in full: namespaces, documents, derived types. Also reads WSDLs
+/// among them, and is the base of the importer of these.
 class SchemaFullMessage : public FullMessage
 {
 public:
@@ -20,6 +21,7 @@ protected:
     /// Throws SourceRefusal if `fileName` and the further files contain nothing for this importer.
     virtual void check(const SchemaSet&, const CString& /*fileName*/) const {}
 
-    /// `source` is the name of the schema file.
+    /// `source` is the name of the schema file. All sources are one set. Throws SourceRefusal as SchemaSet::load()
+    /// does, if a requested main type is not found, and if a bound is passed.
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 };

@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <array>
 
+// Each statement becomes a node, linked to its parent and its previous sibling. Prefixes are resolved while the tags
+// are read, because their scope ends with the element: `spaces` has the current namespace of each prefix, and each
+// declaration puts the previous one aside until the end tag. So resolving a name costs the same at any depth.
+
 namespace {
 
 constexpr std::size_t kMaxRanks = 8; // dimensions of nested arrays; further ones are dropped
@@ -30,6 +34,8 @@ SchemaReader::SchemaReader(SchemaTree& tree, SourceReport& report) :
     statements(report, tree.documents.back().file, false)
 {}
 
+// Binds the prefixes that the coming start tag declares. The namespaces of the root are kept for the names of main
+// types, which may have a prefix.
 void SchemaReader::scope(const XmlScope& scope)
 {
     statements.scope(scope);
@@ -49,6 +55,8 @@ void SchemaReader::scope(const XmlScope& scope)
     }
 }
 
+// SchemaStatements gets every tag, also inside of skipped elements, because it checks the statements that make no
+// nodes.
 void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
 {
     const SchemaTag tag = statements.enter(name, attributes, holds ? static_cast<Index>(tree.size()) : 0);
@@ -71,9 +79,10 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
         makeArray(attributes);
 }
 
-// Reads an array of SOAP's encoding (https://www.w3.org/TR/SOAP/#_Toc478383522): the attribute wsdl:arrayType gives the
-// type of the items. The attribute becomes a repeated element, named like the one that the content declares for the
-// items, else "item".
+// Reads an array of SOAP's encoding (https://www.w3.org/TR/SOAP/#_Toc478383522): the attribute wsdl:arrayType (WSDL
+// 1.1, 2.2) gives the type of the items. The attribute becomes a repeated element, named like the one that the content
+// declares for the items, else "item". With the declared one it makes a single field, like any two occurrences of one
+// name.
 void SchemaReader::makeArray(XmlAttributes attributes)
 {
     for (std::size_t i = 0; i < attributes.size(); ++i) {
@@ -104,7 +113,8 @@ void SchemaReader::makeArray(XmlAttributes attributes)
     }
 }
 
-// Gives the last element an anonymous type with one element, `item`, which then is the last node.
+// Gives the last element an anonymous type with one element, `item`, which then is the last node. An array of arrays
+// has such a type for each further rank.
 void SchemaReader::holdInLast(SchemaNode item)
 {
     for (const SchemaTag tag : {SchemaTag::complexType, SchemaTag::sequence, SchemaTag::element}) {
@@ -178,6 +188,8 @@ void SchemaReader::endElement()
     }
 }
 
+// Restores the namespaces of the prefixes that were declared since `shadowed` had the size `before`. Backwards, because
+// an element inside may have declared a prefix again.
 void SchemaReader::leaveScope(std::size_t before)
 {
     for (; shadowed.size() > before; shadowed.pop_back())
@@ -192,6 +204,8 @@ void SchemaReader::text(std::string_view text)
         statements.text(text);
 }
 
+// Gives the documentation that ended to the node that it is about. The first one with text counts; what is dropped or
+// cut is a counted detail.
 void SchemaReader::keepDocumentation()
 {
     SchemaNode& node = tree.nodes[open.back().lastChild];
@@ -219,6 +233,7 @@ void SchemaReader::readRootAttribute(const SchemaStatements::Attribute& attribut
     }
 }
 
+// Takes what affects types from an attribute. A `ref` takes precedence wherever it stands among the attributes.
 void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attribute& attribute)
 {
     const std::string_view value = attribute.value;
@@ -276,6 +291,7 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
     }
 }
 
+// Adds a list of QNames to the tree, ended by an empty name, and returns its place.
 std::uint32_t SchemaReader::readList(std::string_view value)
 {
     const auto first = static_cast<std::uint32_t>(tree.listed.size());
@@ -297,7 +313,9 @@ NameTable::Id SchemaReader::nameOf(std::string_view text)
     return 0;
 }
 
-// Resolves a QName in the current scope. With an undeclared prefix the name leads to nothing.
+// Resolves a QName in the current scope (XML Schema Part 1, 3.15.3, QName Interpretation). An unprefixed one is in the
+// default namespace, and "xml" is always bound. With an undeclared prefix the name leads to nothing. The last prefix is
+// cached, because most names of a document have the same one.
 SchemaName SchemaReader::resolve(std::string_view qualified)
 {
     qualified = trimmed(qualified);

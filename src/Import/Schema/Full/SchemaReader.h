@@ -5,12 +5,14 @@
 #include "Import/Schema/SchemaStatements.h"
 #include "Xml/XmlParser.h"
 
-/// Reads one document of a schema into the tree. Tags are identified by their namespace, whatever their prefix.
+/// Reads one document of a schema into the tree, as a handler of its parse. Tags are identified by their namespace,
+/// whatever their prefix. Statements that have no effect on types make no nodes; SchemaStatements checks them. If the
+/// root is not a schema, the document gets no nodes and its root stays 0.
 class SchemaReader : public XmlHandler
 {
 public:
-    /// The document is the last one of the tree and has no nodes yet. If the report holds constructs back, a component
-    /// is the number of its node.
+    /// The document is the last one of the tree and has no nodes yet; its nodes must be the next ones that are added.
+    /// If the report holds constructs back, a component is the number of its node.
     SchemaReader(SchemaTree& tree, SourceReport& report);
 
     void scope(const XmlScope& scope) override;
@@ -21,16 +23,19 @@ public:
     void entityLeftOut(std::string_view name, XmlPlace place) override { statements.entityLeftOut(name, place); }
     bool wantsScopes() const override { return true; }
 
-    /// Reports the findings in the document.
+    /// Reports the findings in the document. Not called for one that is left out, which then adds nothing to the
+    /// report.
     void finish() { statements.finish(); }
 
 private:
     using Index = SchemaNode::Index;
 
-    // An open element. Children of an element without a node are skipped.
+    // An open element, except inside of skipped ones and of documentation, which are only counted. Children of an
+    // element without a node are skipped.
     struct Level
     {
         Index node = 0;
+        // In an annotation, the node that the annotation is about.
         Index lastChild = 0;
         std::size_t shadowed = 0; // size of `shadowed` at its start
         bool isAnnotation = false;
@@ -43,6 +48,7 @@ private:
         NameTable::Id space;
     };
 
+    // No name has this number, so a name in this namespace leads to nothing.
     static constexpr NameTable::Id kUndeclared = ~0U;
 
     void enter(SchemaTag tag);
@@ -60,8 +66,10 @@ private:
     SchemaTree& tree;
     const std::uint32_t document;
     std::vector<Level> open;
+    // The namespaces that are in scope; `kUndeclared` for a prefix that isn't.
     std::vector<NameTable::Id> spaces; // by prefix
     NameTable::Id lastPrefix = 0;      // the prefix resolved last
+    // What to restore in `spaces` when elements end, innermost last.
     std::vector<Shadowed> shadowed;
     std::size_t shadowedBefore = 0; // size of `shadowed` before the element that begins
     const bool holds;               // the report holds constructs back

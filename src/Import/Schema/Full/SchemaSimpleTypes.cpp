@@ -4,8 +4,13 @@
 #include <unordered_set>
 #include <utility>
 
+// A type is visited twice. At the first visit the types that it is made of are put on the stack above it; at the second
+// one their values are known and combined. Complex types with elements differ: their text is that of mixed content, or
+// inherited.
+
 namespace {
 
+// Of all types: each union of enumerations has the constants of its members again.
 constexpr std::size_t kMaxConstants = 1'000'000;
 
 SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
@@ -15,6 +20,7 @@ SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
 
 } // namespace
 
+// Returns the part that a name stands for, and marks its component as reached. An unresolved one is text.
 SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from)
 {
     if (const auto builtIn = set.builtInKind(name))
@@ -28,7 +34,8 @@ SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from
     return {declared, {}};
 }
 
-// Returns the restriction or extension that determines the text of a type; 0 if there is none.
+// Returns the restriction or extension that determines the text of a type; 0 if there is none. A restriction of complex
+// content doesn't inherit mixed text: it declares its whole content itself.
 SchemaSimpleTypes::Index SchemaSimpleTypes::derivationOf(Index type) const
 {
     if (tree[type].tag == SchemaTag::simpleType)
@@ -38,6 +45,7 @@ SchemaSimpleTypes::Index SchemaSimpleTypes::derivationOf(Index type) const
     return tree.childOf(tree.childOf(type, SchemaTag::complexContent), SchemaTag::extension);
 }
 
+// A `mixed` at the complexContent takes precedence over that of the type (XML Schema Part 1, 3.4.2).
 bool SchemaSimpleTypes::isMixedType(Index complexType) const
 {
     const Index content = tree.childOf(complexType, SchemaTag::complexContent);
@@ -45,8 +53,8 @@ bool SchemaSimpleTypes::isMixedType(Index complexType) const
     return tree[isOnContent ? content : complexType].is(SchemaNode::isMixed);
 }
 
-// Works out a type after its base types, with a stack instead of recursion, because derivations may nest without bound.
-// A type that is derived from itself isn't waited for.
+// Works out a type after the types that it is made of, with a stack instead of recursion, because derivations may nest
+// without bound. A type that is derived from itself isn't waited for: it is on the stack with a pending value.
 SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
 {
     waiting.assign(1, type);
@@ -71,7 +79,8 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
     return *values.find(type);
 }
 
-// Collects the types and values from which the value of a type is worked out.
+// Collects the types and values from which the value of a type is worked out. Called at both visits of a type; what it
+// notes twice is reported once.
 void SchemaSimpleTypes::collectParts(Index type)
 {
     parts.clear();
@@ -92,6 +101,7 @@ void SchemaSimpleTypes::collectParts(Index type)
     }
 }
 
+// Returns the value of a part. A pending one belongs to a cycle, and is empty.
 SchemaSimpleTypes::Value SchemaSimpleTypes::valueOf(const Part& part) const
 {
     if (part.type == 0)
@@ -112,6 +122,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::inherit(Index complexType) const
     return parts.empty() ? Value() : valueOf(parts.front());
 }
 
+// Returns the value of a type whose parts have been collected and are known.
 SchemaSimpleTypes::Value SchemaSimpleTypes::combine(Index type)
 {
     if (tree[type].tag == SchemaTag::complexType && tree.childOf(type, SchemaTag::simpleContent) == 0)
@@ -141,7 +152,8 @@ void SchemaSimpleTypes::noteList(Index type, Index list)
         partNamed(tree.referenceOf(list), list);
 }
 
-// Returns the common kind of a union's members; text if they differ.
+// Returns the common kind of a union's members; text if they differ. A union of enumerations is one of all constants.
+// Members that share their constants are taken once, so a union that repeats a large one costs no more.
 SchemaSimpleTypes::Value SchemaSimpleTypes::unite(Index type)
 {
     Value value = valueOfKind(parts.empty() ? SourceTypes::kindText : valueOf(parts.front()).kind);
@@ -166,7 +178,8 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::unite(Index type)
     return value;
 }
 
-// Narrows a value: a restriction of text by enumeration values is an enumeration. Other restrictions have no effect.
+// Narrows a value: a restriction of text by enumeration values is an enumeration. Other restrictions have no effect,
+// and listed numbers and times keep their kind.
 SchemaSimpleTypes::Value SchemaSimpleTypes::narrow(Value base, Index restriction)
 {
     Index at = tree.childOf(restriction, SchemaTag::enumeration);
@@ -181,7 +194,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::narrow(Value base, Index restriction
     return value;
 }
 
-// Adds a constant to the current list, once.
+// Adds a constant to the current list, once. A stamp for each name replaces a search through the list.
 void SchemaSimpleTypes::addConstant(NameTable::Id constant, std::uint32_t documentation)
 {
     constantSeen.resize(std::max<std::size_t>(constantSeen.size(), constant + 1));

@@ -6,12 +6,14 @@
 #include <span>
 
 /// Works out the kinds of a schema's simple types, and of the text in its complex types. Each is worked out once,
-/// without recursion.
+/// without recursion. A type that can't be resolved, or that is derived from itself, is text.
 class SchemaSimpleTypes
 {
 public:
     using Index = SchemaNode::Index;
 
+    /// What a text may be. The constants of an enumeration are a range of all constants. A type that restricts an
+    /// enumeration by other facets shares its range.
     struct Value
     {
         bool isThere = false; ///< false for a complex type without text
@@ -22,18 +24,21 @@ public:
         std::uint32_t constantCount = 0;
     };
 
+    /// Make it after SchemaSet::finish(). The set must live as long.
     explicit SchemaSimpleTypes(SchemaSet& set) : set(set), tree(set.queryTree()), values(tree) {}
 
-    /// Returns the value of a simple type, or of the text of a complex type.
+    /// Returns the value of a simple type, or of the text of a complex type. Notes lists, unions of several kinds and
+    /// unresolved references in the set. Throws SourceRefusal beyond a million constants in total.
     Value of(Index type);
 
-    /// Returns the constants of an enumeration. Valid until the next of().
+    /// Returns the constants of an enumeration, in the order of the source and each once; empty for other values. Valid
+    /// until the next of().
     std::span<const NameTable::Id> constantsOf(const Value& value) const
     {
         return std::span(constants).subspan(value.firstConstant, value.constantCount);
     }
 
-    /// Returns the documentation numbers of the constants; 0 for none.
+    /// Returns the documentation numbers of the constants, in their order; 0 for none. Valid until the next of().
     std::span<const std::uint32_t> documentationsOf(const Value& value) const
     {
         return std::span(documentations).subspan(value.firstConstant, value.constantCount);
@@ -46,6 +51,7 @@ private:
         Value value;
     };
 
+    // No list of constants begins there, because their number is bounded.
     static constexpr std::uint32_t kPending = ~0U; // in firstConstant: the value is not yet known
 
     bool isMixedType(Index complexType) const;
@@ -66,6 +72,7 @@ private:
     std::vector<NameTable::Id> constants;
     std::vector<std::uint32_t> documentations; // by constant
     std::vector<std::uint32_t> constantSeen;   // by name: number of the last list with it
+    // The number of the current list of constants. Numbers start at 1, so a name that was never seen is in none.
     std::uint32_t constantLists = 0;
     std::vector<Part> parts; // of the current type
     std::vector<Index> waiting;

@@ -6,10 +6,17 @@
 #include <unordered_set>
 #include <utility>
 
+// The components of the sources are read first: elements become candidates for the main type, complex types become
+// records, named enumerations become types. A record only gets its fields afterwards, from a list of pending ones, so
+// types may refer to each other in cycles and nest without bound. Reading fields makes further records pending, and so
+// reaches whatever the components refer to, in any document.
+//
+// Names and descriptions are copied into the types, each once, because the types outlive the documents.
 void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots,
                        const std::vector<SchemaSet::Message>& messages)
 {
     std::vector<char> isVisited(tree.size());
+    // Returns true for the first visit: a component may come from several documents, or twice from one.
     const auto visit = [&isVisited](Index component) { return std::exchange(isVisited[component], 1) == 0; };
     for (const SchemaSet::Message& message : messages)
         messageNumbers.emplace(message.element, static_cast<SourceTypes::Index>(messageNumbers.size()));
@@ -18,6 +25,7 @@ void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std:
         for (const Index component : set.componentsOf(document))
             if (visit(component))
                 readComponent(component, number);
+        // A requested component of a document that is not a source belongs to the first source of its namespace.
         sourcesBySpace.try_emplace(tree.documents[document].space, number);
         for (const auto& [prefix, space] : tree.documents[document].prefixes)
             types.prefixes.emplace_back(keep(prefix), keep(space));
@@ -28,6 +36,7 @@ void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std:
     std::unordered_set<Index> asked; // several roots may have the same local name
     for (const CString& root : roots)
         for (const Index component : set.componentsCalled(localNameOf(root)))
+            // A complex type that has been read is a record, but not yet a candidate.
             if (asked.insert(component).second && (visit(component) || tree[component].tag == SchemaTag::complexType)) {
                 const auto source = sourcesBySpace.find(tree.documentOf(component).space);
                 addCandidate(component, source == sourcesBySpace.end() ? SourceTypes::kNone : source->second);
@@ -56,7 +65,8 @@ void SchemaTypes::readPending()
     }
 }
 
-// Returns the index of the choice of a field whose type is abstract; kNone for other types.
+// Returns the index of the choice of a field whose type is abstract; kNone for other types, and for one that no named
+// type is derived from. A choice is read later, see readPending().
 SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
 {
     if (!tree[complexType].is(SchemaNode::isAbstract) || derivedFrom(complexType).empty())
@@ -69,7 +79,8 @@ SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
     return known->second;
 }
 
-// Reads the types that may replace an abstract one: those derived from it, directly or indirectly.
+// Reads the types that may replace an abstract one: those derived from it, directly or indirectly. Each step is
+// counted, because abstract types that derive from each other have a quadratic number of derived types.
 void SchemaTypes::readChoice(SourceTypes::Index choice)
 {
     std::vector<Index> bases{choices[choice]};
@@ -101,7 +112,8 @@ const std::vector<SchemaTypes::Index>& SchemaTypes::derivedFrom(Index type)
     return found == derived.end() ? none : found->second;
 }
 
-// Collects the derived types of all documents.
+// Collects the derived types of all documents, at the first abstract type, so that schemas without one don't pay for
+// it.
 void SchemaTypes::collectDerived()
 {
     const auto add = [&](Index type) {
@@ -124,6 +136,7 @@ void SchemaTypes::collectDerived()
         }
 }
 
+// Reads a top-level component. A simple type becomes a type of its own only if it is an enumeration.
 void SchemaTypes::readComponent(Index component, SourceTypes::Index source)
 {
     const SchemaNode& node = tree[component];
@@ -173,6 +186,8 @@ SourceTypes::Index SchemaTypes::spaceOf(Index node)
     return spaces[uri] - 1;
 }
 
+// Reads the fields of a record: the text, then elements, then attributes. The description of a field is that of its
+// reference, else of the declaration, else of the type.
 void SchemaTypes::readFields(Pending record)
 {
     fields.clear();
@@ -197,10 +212,11 @@ void SchemaTypes::readFields(Pending record)
     types.setFields(record.record, fields);
 }
 
-// Returns the type of an element or attribute; text if it has none. Valid until the next call.
+// Returns the type of an element or attribute; text if it has none. Valid until the next call. An element without a
+// type has that of its substitution group's head (XML Schema Part 1, 3.3.2), whose own head may have to be asked, and
+// so on. All elements of such a chain are cached, so a long one is walked once.
 const SchemaTypes::Declared& SchemaTypes::declared(Index declaration)
 {
-    // Elements without a type have that of their substitution group's head, or of the head's head.
     std::vector<Index> chain;
     lastDeclared = {};
     for (Index at = declaration; at != 0 && !resolve(at, lastDeclared);) {
@@ -254,7 +270,8 @@ SourceTypes::Type SchemaTypes::typeOf(const Declared& declared, Index declaratio
                                      : recordOf(declared.complexType, home);
 }
 
-// Returns the type of a value. An anonymous enumeration belongs to the namespace of the declaration that uses it.
+// Returns the type of a value. An anonymous enumeration belongs to the namespace of the declaration that uses it. It is
+// named after its field, so the same constants may be several enumerations, one for each name.
 SourceTypes::Type SchemaTypes::typeOf(const Value& value, Index declaration, NameTable::Id fieldName)
 {
     if (value.kind != SourceTypes::kindEnumeration)
@@ -281,7 +298,7 @@ SourceTypes::Type SchemaTypes::typeOf(const Value& value, Index declaration, Nam
 }
 
 // Returns the record of a complex type, added if it is new. It is named after the type, else after the declaration
-// around it.
+// around it. `home` is the record that contains this declaration, for a name that is taken.
 SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index home)
 {
     auto [known, isNew] = records.insert(complexType);

@@ -6,7 +6,8 @@
 
 #include <unordered_set>
 
-/// Makes types from a schema: the records, enumerations and elements of its sources, and all that these reach.
+/// Makes types from a schema: the records, enumerations and elements of its sources, and all that these reach. Make it
+/// after SchemaSet::finish(); set and types must live as long. Notes go to the set, and are reported by the caller.
 class SchemaTypes
 {
 public:
@@ -15,21 +16,23 @@ public:
     {}
 
     /// Reads the components of `sources`, as SchemaSet::finish() returns them. `roots` are names of elements and
-    /// complex types to read in any case. The elements of `messages` become main types.
+    /// complex types to read in any case, from any document; a name that nothing has is ignored. The elements of
+    /// `messages` become main types. Throws SourceRefusal if a bound is passed. Call this or readAlone(), once.
     void read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots,
               const std::vector<SchemaSet::Message>& messages);
 
-    /// Reads only these components and what they reach.
+    /// Reads only these components and what they reach, and marks that in the set. Used to find what a report is about.
     void readAlone(const std::vector<SchemaNode::Index>& wanted);
 
-    /// Returns the component of a candidate for the main type, by its number in SourceTypes.
+    /// Returns the component of a candidate for the main type, by its number among the candidates that this object
+    /// added.
     SchemaNode::Index componentOf(SourceTypes::Index candidate) const { return candidates[candidate]; }
 
 private:
     using Index = SchemaNode::Index;
     using Value = SchemaSimpleTypes::Value;
 
-    // The type of a declaration: a complex type, else a value.
+    // The type of a declaration: a complex type, else a value. Neither if the declaration has no type.
     struct Declared
     {
         Index complexType = 0;
@@ -79,9 +82,11 @@ private:
     NumberTable enumerations;                      // by first constant and name
     std::unordered_map<Index, Declared> fromHeads; // elements that have the type of their substitution group's head
     Declared lastDeclared;
+    // Copies of names and documentation in `types`, by number; empty if not yet copied.
     std::vector<std::string_view> keptNames;
     std::vector<std::string_view> keptDocumentations;
     std::vector<SourceTypes::Index> spaces; // by number of the URI: the index + 1; 0 if not yet known
+    // Parts of the record or enumeration being read. They are members so that their memory is reused.
     std::vector<SchemaField> copiedFields;
     std::vector<SourceTypes::Field> fields;
     std::vector<std::string_view> constants;

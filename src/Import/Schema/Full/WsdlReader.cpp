@@ -4,8 +4,13 @@
 #include <iterator>
 #include <span>
 
+// The reader follows the elements around the schemas itself, and passes everything inside of a schema on to a
+// SchemaReader. The root shows whether the file is a WSDL; any other file is passed on as a whole. Parts of messages
+// are collected while the file is read, and finish() makes roots of them, because parts of one message belong together.
+
 namespace {
 
+// Prefixes, each counted for each schema inside its scope: 4,000 prefixes around 100,000 empty schemas took gigabytes.
 constexpr std::size_t kMaxReplayed = 1'000'000;
 
 std::string_view textOf(const unsigned char* text)
@@ -41,6 +46,7 @@ WsdlReader::WsdlReader(SchemaTree& tree, SourceReport& report) :
     schema(std::make_unique<SchemaReader>(tree, report))
 {}
 
+// Keeps the namespaces of the coming start tag. Those inside of a schema are its own affair.
 void WsdlReader::scope(const XmlScope& scope)
 {
     if (schema && depth > 0)
@@ -71,7 +77,7 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
 }
 
 // Begins the file, whose root shows whether it is a WSDL. Of a WSDL, only what its messages reach is imported and
-// reported.
+// reported, so the report holds constructs back from here on.
 void WsdlReader::beginFile(std::string_view local)
 {
     isWsdl = isStatement(elementScope) && (local == "definitions" || local == "description");
@@ -145,6 +151,8 @@ SourcePlace WsdlReader::currentPlace() const
     return {tree.documents[document].file, elementScope.place.line, elementScope.place.column};
 }
 
+// Reads a statement of WSDL by its level: 1 is the root, 2 its children. A part counts in a message only, and a
+// statement inside of a message that was left out is not checked.
 void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
 {
     const SourcePlace place = currentPlace();
@@ -187,6 +195,7 @@ void WsdlReader::beginMessage(std::string_view name, SourcePlace place)
     messages.push_back(id);
 }
 
+// Reads a part of a message (WSDL 1.1, 2.3): it names an element, or a type for which the part's name is needed.
 void WsdlReader::readPart(XmlAttributes attributes, SourcePlace place)
 {
     const std::string_view name = attributes.valueOf("name");
@@ -201,7 +210,7 @@ void WsdlReader::readPart(XmlAttributes attributes, SourcePlace place)
 }
 
 // Reads the content of an operation: in WSDL 1.1 the name of a message, in 2.0 an element, or one of the words #none,
-// #any and #other.
+// #any and #other (WSDL 2.0 Part 1, 2.5). The prefix of a message is not resolved; findMessages() of the set says why.
 void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, SourcePlace place)
 {
     const std::string_view content = attributes.valueOf("element"), named = attributes.valueOf("message");
@@ -225,6 +234,7 @@ SchemaName WsdlReader::resolve(std::string_view qualified) const
     const std::string_view local = qualified.substr(colon == qualified.npos ? 0 : colon + 1);
     if (!isXmlName(local))
         return {};
+    // Backwards, so that the innermost declaration of the prefix is found first.
     for (std::size_t i = declared.size(); i > 0; i -= 2)
         if (textOf(declared[i - 2]) == prefix)
             return {tree.names.intern(trimmed(textOf(declared[i - 1]))), tree.names.intern(local)};
@@ -272,6 +282,7 @@ void WsdlReader::makeMessages()
     }
 }
 
+// Makes an element with an anonymous type that is a sequence of the parts. Returns the element.
 WsdlReader::Index WsdlReader::makeMessage(std::span<const Part> own, NameTable::Id name)
 {
     const Index element = addNode(SchemaTag::element, 0, 0, own.front());
@@ -290,6 +301,8 @@ WsdlReader::Index WsdlReader::makeMessage(std::span<const Part> own, NameTable::
     return element;
 }
 
+// Adds a node of the last document at the place of a part: as the sibling after `before`, else as the first child of
+// `parent`; 0 means none.
 WsdlReader::Index WsdlReader::addNode(SchemaTag tag, Index parent, Index before, const Part& part)
 {
     SchemaNode node;

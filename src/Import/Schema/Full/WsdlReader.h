@@ -11,6 +11,8 @@ bool isWsdlNamespace(std::string_view uri);
 
 /// Reads a file into the tree: a schema, or the schemas and messages of a WSDL (https://www.w3.org/TR/wsdl,
 /// https://www.w3.org/TR/wsdl20/). Each schema of a WSDL is a document of its own, after an empty one for the file.
+/// Another document, after these, holds the elements that are made of messages. Bindings, ports and services don't
+/// affect types.
 class WsdlReader : public XmlHandler
 {
 public:
@@ -25,20 +27,22 @@ public:
     void entityLeftOut(std::string_view name, XmlPlace place) override;
     bool wantsScopes() const override { return true; }
 
-    /// Reports the findings in the documents, and makes elements of messages with typed parts.
+    /// Reports the findings in the documents, and makes elements of messages with typed parts. Call it once after the
+    /// parse, unless the file is left out. The functions below are valid after it.
     void finish();
 
     /// Returns whether the file is a WSDL.
     bool holdsWsdl() const { return isWsdl; }
 
-    /// Returns the message that a component of the report is, by the number of its name, or 0 for one of WSDL 2.0;
-    /// nothing for a component of a schema.
+    /// Returns the message that a component of the report is, by the number of its name, or 0 for one of WSDL 2.0,
+    /// which has no message of its own; nothing for a component of a schema.
     static std::optional<NameTable::Id> messageOf(SourceReport::Component component)
     {
         return component < kMessages ? std::nullopt : std::optional(component - kMessages);
     }
 
-    /// Returns the component of messages that only refer to elements.
+    /// The component of messages that only refer to elements. The component of a named message is this plus the number
+    /// of its name, so that messages and nodes don't collide: there are never so many nodes.
     static constexpr SourceReport::Component kMessages = 0x8000'0000;
 
     /// An element that a message consists of, and the place of the message's part.
@@ -51,7 +55,7 @@ public:
     /// Returns the elements of all messages, in their order.
     const std::vector<Root>& queryRoots() const { return roots; }
 
-    /// Returns the names of the messages.
+    /// Returns the names of the messages that the file declares.
     const std::unordered_set<NameTable::Id>& queryMessageNames() const { return messageNames; }
 
     /// A message that an operation names, without its prefix.
@@ -108,11 +112,14 @@ private:
     std::unique_ptr<SchemaReader> schema; // the open schema of a WSDL, or that of the whole file
     std::size_t replayed = 0;             // prefixes passed on to schemas
     std::size_t depth = 0;                // open elements inside the schema
+    // The readers of complete schemas, kept for their findings until finish().
     std::vector<std::unique_ptr<SchemaReader>> finished;
     bool isWsdl = false;
-    bool isInTypes = false;                     // inside the `types` element
-    std::vector<std::size_t> open;              // for each element around schemas, the declarations before it
+    bool isInTypes = false;        // inside the `types` element
+    std::vector<std::size_t> open; // for each element around schemas, the declarations before it
+    // The parser interns these texts, so the pointers are valid until the parse ends.
     std::vector<const unsigned char*> declared; // prefixes and URIs of those
+    // A copy, because those of the scope are only valid in scope().
     std::vector<const unsigned char*> elementDeclarations; // of the element that begins
     XmlScope elementScope{};                               // that element
     NameTable::Id target = 0;
