@@ -10,14 +10,20 @@
 #include <iterator>
 #include <sstream>
 
+// load() reads a catalogue as a stream, and queues its references to others: catalogues may refer to each other in
+// cycles, and reading inside a handler would recurse as deep as they chain. Each file is one catalogue, whatever names
+// lead to it.
+//
+// A lookup follows the sections on resolution in the standard. A prefix or suffix is found by hash, once for each
+// length that keys of this kind have, longest first, so it takes no walk over the entries.
 namespace {
 
-constexpr std::size_t kMaxCatalogs = 1'000;
-constexpr std::size_t kLongestIdentifier = 4'096; // longer identifiers aren't looked up
+constexpr std::size_t kMaxCatalogs = 1'000;       // also bounds the recursion of lookUpDelegates()
+constexpr std::size_t kLongestIdentifier = 4'096; // bytes; a lookup hashes up to one prefix for each length
 constexpr std::uint32_t kNoCatalog = ~0U;
 
 constexpr std::string_view kSpace = "urn:oasis:names:tc:entity:xmlns:xml:catalog";
-constexpr std::size_t kMaxEntries = 100'000;
+constexpr std::size_t kMaxEntries = 100'000; // of all catalogues
 
 // Returns whether a public identifier is in the form of a URN (RFC 3151).
 bool isPublicUrn(std::string_view text)
@@ -26,6 +32,7 @@ bool isPublicUrn(std::string_view text)
     return isSameAscii(trimmed(text).substr(0, scheme.size()), scheme);
 }
 
+// Decodes such a URN: '+' stands for a blank, ':' for "//", ';' for "::"; other characters are escaped (RFC 3151).
 CString fromUrn(std::string_view urn)
 {
     CString publicId;
@@ -65,7 +72,8 @@ std::vector<CString> environmentCatalogErrors()
     return errors;
 }
 
-// Reads the entries of one catalogue into Catalogs.
+// Reads the entries of one catalogue into Catalogs. Elements of other namespaces are extensions, which the standard
+// lets a reader ignore.
 class CatalogReader : public XmlHandler
 {
 public:
@@ -102,6 +110,7 @@ private:
     bool hasCatalogRoot = false;
 };
 
+// The parser calls this before startElement(), which gets no namespace of its own.
 void CatalogReader::scope(const XmlScope& scope)
 {
     isInCatalogNamespace = scope.uri && scope.uri == kSpace;
@@ -118,6 +127,7 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
         std::string_view key;
         std::string_view target;
     };
+    // The attributes of an entry: the text to compare with, and where it leads.
     static constexpr Row kRows[] = {
         {"public", Kind::publicIdentifier, "publicId", "uri"},
         {"system", Kind::system, "systemId", "uri"},
@@ -134,6 +144,7 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
     Level level = open.back();
     if (open.size() == 1)
         hasCatalogRoot = isInCatalogNamespace && name.local == std::string_view("catalog");
+    // xml:base and prefer also apply to the element that has them, and to those in it.
     if (const std::string_view base = attributes.valueOf("base", true); !base.empty()) {
         const CString path = localPath(base);
         if (path.empty())
@@ -155,6 +166,9 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
     add(row->kind, key, CString(attributes.valueOf(row->target)));
 }
 
+// Adds an entry. The first one for a key takes precedence. The target of a rewrite may be empty: the rest of the
+// identifier is then relative to the base. References to catalogues are queued, because reading one here would move the
+// tables.
 void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& target)
 {
     const bool isNext = kind == Catalogs::nextCatalog;
@@ -174,7 +188,8 @@ void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& 
         catalogs.waiting.push_back({number, kind, key, target, open.back().base, place});
 }
 
-// Returns a public identifier with each run of white space as one space. A URN is decoded first.
+// Returns a public identifier with each run of white space as one space, as the standard compares them. A URN is
+// decoded first.
 CString Catalogs::normalizedPublicId(std::string_view publicId)
 {
     const CString plain = isPublicUrn(publicId) ? fromUrn(publicId) : CString(publicId);
@@ -206,7 +221,8 @@ void Catalogs::load(const CString& fileName)
 }
 
 // Reads one catalogue, unless it is known, and returns its number. `named` is null for a given catalogue; for another
-// one kNoCatalog is returned if it can't be read, which the report says.
+// one kNoCatalog is returned if it can't be read, which the report says. The caller's own catalogue must be readable,
+// while a broken reference only costs what it would have found.
 std::uint32_t Catalogs::read(const FoundFile& file, const Named* named)
 {
     const auto number = static_cast<std::uint32_t>(catalogs.size());
@@ -235,6 +251,7 @@ std::uint32_t Catalogs::read(const FoundFile& file, const Named* named)
         report.add(SourceReport::moduleIllFormed,
                    {reportFile, static_cast<std::uint32_t>(fault.line), static_cast<std::uint32_t>(fault.column)},
                    fault.reason + " (named in " + placeInWords(report.fileNameOf(from), line, column) + ")");
+    // It keeps its number, because `known` holds it.
     catalogs.back() = {};
     return kNoCatalog;
 }
@@ -244,6 +261,7 @@ void Catalogs::readNamed(const Named& named)
     const CString path = pathOf(named.reference, named.base);
     if (path.empty())
         return report.add(SourceReport::moduleRemote, named.place, named.reference);
+    // In any letter case, as other files that a source names.
     const auto file = finder.find({}, path);
     if (!file)
         return report.add(SourceReport::moduleMissing, named.place, named.reference);
@@ -257,6 +275,7 @@ void Catalogs::readNamed(const Named& named)
         from.tables[named.kind].entries[named.key].catalog = catalog;
 }
 
+// A system identifier that is a URN of a public one stands for it, and is not looked up as a system identifier.
 std::optional<CString> Catalogs::findExternal(std::string_view publicId, std::string_view systemId) const
 {
     if (isPublicUrn(systemId))
@@ -264,6 +283,8 @@ std::optional<CString> Catalogs::findExternal(std::string_view publicId, std::st
     return lookUpAll({publicId, trimmed(systemId), {}, {}});
 }
 
+// The standard looks URIs up among the entries for URIs only. System identifiers come second, because a catalogue may
+// list the location of a schema as either.
 std::optional<CString> Catalogs::findUri(std::string_view uri) const
 {
     uri = trimmed(uri);
@@ -285,7 +306,8 @@ std::optional<CString> Catalogs::lookUpAll(Lookup lookup) const
     return lookUp({mainCatalogs.rbegin(), mainCatalogs.rend()}, lookup);
 }
 
-// Searches catalogues, the last one first, and after each its next catalogues.
+// Searches catalogues, the last one first, and after each its next catalogues. `open` is a stack, so that the
+// catalogues which a catalogue refers to are searched before its siblings, as the standard orders them.
 std::optional<CString> Catalogs::lookUp(std::vector<std::uint32_t> open, Lookup& lookup) const
 {
     while (!open.empty()) {
@@ -304,7 +326,9 @@ std::optional<CString> Catalogs::lookUp(std::vector<std::uint32_t> open, Lookup&
     return std::nullopt;
 }
 
-// Searches one catalogue in the standard's order: exact matches, then the longest prefix or suffix, then delegates.
+// Searches one catalogue in the standard's order: exact matches, then the longest prefix or suffix, then delegates;
+// system identifiers before public ones. An entry for a public identifier applies beside a system identifier only if
+// `prefer` is public there.
 std::optional<CString> Catalogs::lookUpOne(const Catalog& catalog, Lookup& lookup) const
 {
     const auto& tables = catalog.tables;
@@ -334,6 +358,7 @@ std::optional<CString> Catalogs::lookUpExact(const Table& table, std::string_vie
                                         : std::optional(pathOf(entry->second.target, entry->second.base));
 }
 
+// The part of the identifier after the prefix is kept.
 std::optional<CString> Catalogs::lookUpRewrite(const Table& table, std::string_view text) const
 {
     for (const std::size_t length : table.lengths)
@@ -352,7 +377,8 @@ std::optional<CString> Catalogs::lookUpSuffix(const Table& table, std::string_vi
     return std::nullopt;
 }
 
-// If a delegate matches, only delegates are searched.
+// Searches the delegates that match, the longest prefix first. If one matches, only delegates are searched from then
+// on, also if they find nothing. This recurses at most once for each catalogue, because none is visited twice.
 std::optional<CString> Catalogs::lookUpDelegates(const Table& table, std::string_view text, Lookup& lookup,
                                                  bool isPublic) const
 {

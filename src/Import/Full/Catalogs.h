@@ -10,6 +10,7 @@
 #include <unordered_map>
 
 /// Returns `files`, then the readable catalogues that the environment variable XML_CATALOG_FILES names, by their paths.
+/// environmentCatalogErrors() says which ones are left out.
 std::vector<CString> withEnvironmentCatalogs(std::vector<CString> files);
 
 /// Returns a line for each catalogue of the environment that can't be read: the variable, the catalogue and the reason.
@@ -17,18 +18,21 @@ std::vector<CString> environmentCatalogErrors();
 
 /// XML Catalogs (OASIS Standard 1.1, 2005): map public and system identifiers and URIs to local files. Nothing is
 /// fetched over a network. Only the given catalogues and those that they refer to are read; at most 1,000 catalogues
-/// with 100,000 entries.
+/// with 100,000 entries. Each import makes its own, so that changed catalogues are read again.
 class Catalogs
 {
 public:
+    /// `report` must outlive this object. It gets the faults of catalogues that others refer to.
     explicit Catalogs(SourceReport& report) : report(report) {}
 
     /// Reads a catalogue and those that it refers to, each once. Throws SourceRefusal if it can't be read or is no
-    /// catalogue. A faulty catalogue that another one refers to is left out and reported.
+    /// catalogue, or if there are too many catalogues or entries. A faulty catalogue that another one refers to is left
+    /// out and reported. Catalogues loaded first take precedence.
     void load(const CString& fileName);
 
     /// Returns the absolute path for an external identifier; one of the two parts may be empty. Nothing if no catalogue
-    /// has an entry for it; "" if the entry leads to no local file.
+    /// has an entry for it; "" if the entry leads to no local file. The file need not exist. Identifiers of more than
+    /// 4,096 bytes are not looked up.
     std::optional<CString> findExternal(std::string_view publicId, std::string_view systemId) const;
 
     /// The same for a URI: a namespace, or the location of a document, which is also searched among the system
@@ -38,6 +42,7 @@ public:
 private:
     friend class CatalogReader;
 
+    // Named after the elements.
     enum Kind
     {
         system,
@@ -54,14 +59,15 @@ private:
         kindCount
     };
 
-    // The folder of relative references; nothing: a remote location.
+    // The folder of relative references, from xml:base or the catalogue's own place, with a slash at the end; nothing:
+    // a remote location.
     using Base = std::optional<CString>;
 
     struct Entry
     {
         CString target; // as written
         Base base;
-        bool prefersPublic = true;
+        bool prefersPublic = true;            // `prefer` in effect at the entry
         std::optional<std::uint32_t> catalog; // number of a delegate, once it has been read
     };
 
@@ -75,7 +81,7 @@ private:
     struct Catalog
     {
         std::array<Table, kindCount> tables;
-        std::vector<std::uint32_t> next;
+        std::vector<std::uint32_t> next; // numbers of its nextCatalog entries that could be read
     };
 
     // A reference from one catalogue to another.
@@ -91,9 +97,9 @@ private:
 
     struct Lookup
     {
-        std::string_view publicId, systemId, uri;
-        std::vector<bool> isVisited; // by catalogue
-        bool isFinished = false;     // the result is final
+        std::string_view publicId, systemId, uri; // normalized; "" if not looked up
+        std::vector<bool> isVisited;              // by catalogue
+        bool isFinished = false;                  // the result is final
     };
 
     static CString normalizedPublicId(std::string_view publicId);
@@ -110,7 +116,7 @@ private:
     std::optional<CString> lookUpAll(Lookup lookup) const;
 
     SourceReport& report;
-    std::vector<Catalog> catalogs;
+    std::vector<Catalog> catalogs;           // by number; empty if it couldn't be read
     std::vector<std::uint32_t> mainCatalogs; // those of the caller, in order
     std::map<FileId, std::uint32_t> known;   // number of the catalogue by file
     std::vector<Named> waiting;              // references that haven't been read yet

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+// Nothing is added to a name inside a repeating group when the group ends: groups could nest as deep as the text is
+// long, and each end would visit all names in it. Instead `groupsBegin` notes where repeating groups begin and end, and
+// finish() sums it up in one pass. All steps together are linear in the content, apart from the binary search of
+// canFollow().
 void ContentModel::clear()
 {
     open.clear();
@@ -43,9 +47,9 @@ void ContentModel::add(std::uint32_t name, bool repeats)
     groupsBegin.push_back(0);
 }
 
-// Returns whether an earlier name and the current one can occur together: the innermost open group around both decides.
-// Comparing neighbouring occurrences is sufficient, because the innermost group of two distant ones is that of a pair
-// of neighbours between them.
+// Returns whether an earlier name and the current one can occur together: the innermost open group around both decides,
+// and only a choice excludes it. Comparing neighbouring occurrences is sufficient, because the innermost group of two
+// distant ones is that of a pair of neighbours between them.
 bool ContentModel::canFollow(std::uint32_t earlier) const
 {
     const auto behind = std::partition_point(open.begin(), open.end(),

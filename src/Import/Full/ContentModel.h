@@ -8,7 +8,8 @@
 
 /// Flattens one content model: collects its names in order of first occurrence, and finds those that may occur more
 /// than once. A name repeats if it or a group around it has a repeating mark, or if it occurs twice and both can be
-/// present. Readers add groups and names in document order. Names are numbers from 0, as dense as possible.
+/// present. Readers add groups and names in document order. Names are numbers from 0, as dense as possible, because the
+/// memory grows with the largest. One object serves all content models of a source, and reuses its memory.
 class ContentModel
 {
 public:
@@ -27,13 +28,14 @@ public:
         friend bool operator==(const Entry&, const Entry&) = default;
     };
 
-    /// Starts a new content model.
+    /// Starts a new content model. Must be called before the first one, too.
     void clear();
 
     /// Starts a group inside the current one.
     void beginGroup(Group kind) { open.push_back({position(), kind}); }
 
-    /// Sets the kind of the innermost group. Returns false if it is known already.
+    /// Sets the kind of the innermost group, at its first connector. Returns false if it is known already, or if no
+    /// group is open.
     bool decide(Group kind)
     {
         if (open.empty() || open.back().kind != undecided)
@@ -48,7 +50,7 @@ public:
     /// Adds a name; `repeats` if it may occur more than once by its own mark.
     void add(std::uint32_t name, bool repeats);
 
-    /// Returns the names of the content. Call it after all groups have ended. Valid until the next clear().
+    /// Returns the names of the content, each once. Call it after all groups have ended. Valid until the next clear().
     std::span<const Entry> finish();
 
 private:
@@ -68,5 +70,5 @@ private:
     std::vector<std::uint32_t> entryOf; // by name: its entry, if `stamp` is the current one
     std::vector<std::uint32_t> stamp;
     std::vector<std::uint32_t> last; // by entry: position of its last occurrence
-    std::uint32_t current = 0;
+    std::uint32_t current = 0;       // number of the content
 };

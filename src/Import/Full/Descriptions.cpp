@@ -4,12 +4,13 @@
 
 namespace {
 
-constexpr std::size_t kLongestDescription = 255;
+constexpr std::size_t kLongestDescription = 255; // characters
 
 } // namespace
 
 void appendCollapsed(CString& out, std::string_view text)
 {
+    // Documentation can be megabytes long. Collecting stops when even characters of four bytes are enough.
     constexpr std::size_t longestCharacter = 4;
     for (std::size_t i = 0; i < text.size() && out.size() <= longestCharacter * kLongestDescription; ++i) {
         if (kWhitespace.find(text[i]) == std::string_view::npos)

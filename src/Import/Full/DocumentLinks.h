@@ -4,17 +4,20 @@
 #include <span>
 #include <vector>
 
-/// The references between the documents of a set. Documents are numbers.
+/// The references between the documents of a set. Documents are numbers. A document that another one refers to is read
+/// as part of that one, so only the others, the tops, are sources of their own.
 class DocumentLinks
 {
 public:
     using Index = std::uint32_t;
 
-    /// Records that `document` refers to `other`.
+    /// Records that `document` refers to `other`. A reference to itself is ignored. `other` need not be a given
+    /// document.
     void add(Index document, Index other);
 
     /// Returns the positions in `given`, in order, of the documents that no document outside of their own cycle refers
-    /// to. Of the documents in a cycle, only the first one is returned.
+    /// to. Of the documents in a cycle, only the first one is returned. A reference through documents that are not
+    /// given counts, too.
     std::vector<std::size_t> findTops(std::span<const Index> given) const;
 
     /// The links as a graph, see StrongComponents.
@@ -22,5 +25,5 @@ public:
     Index target(Index document, std::size_t link) const { return named[document][link]; }
 
 private:
-    std::vector<std::vector<Index>> named; // targets of references, by document
+    std::vector<std::vector<Index>> named; // targets of references, by document; shorter if the last ones have none
 };

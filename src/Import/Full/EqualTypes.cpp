@@ -9,6 +9,9 @@
 #include <set>
 #include <utility>
 
+// Enumerations are compared first, because they hold no types. Records are then split into classes until no field tells
+// two records of a class apart. Texts and numbers are compared by 64-bit hashes with a secret seed, so that a source
+// can't make different types seem equal.
 namespace {
 
 using Index = SourceTypes::Index;
@@ -51,7 +54,8 @@ std::vector<Index> firstEnumerations(const SourceTypes& types)
     return all;
 }
 
-// Returns the signature of a record without the records that its fields hold.
+// Returns the signature of a record without the records that its fields hold: those are told apart by their classes. An
+// enumeration counts as the first one equal to it.
 std::uint64_t signatureOf(const SourceTypes& types, Index record, const std::vector<Index>& enumerations)
 {
     Signature signature;
@@ -101,6 +105,7 @@ std::vector<Index> firstRecords(const SourceTypes& types, const std::vector<Inde
             parts[{classes[record], sums[record]}].insert(record);
         for (auto& [key, part] : parts) {
             const Index from = classes[*part.begin()], to = static_cast<Index>(members.size());
+            // All records of the class have changed alike.
             if (part.size() == members[from].size())
                 continue;
             for (const Index record : part)
@@ -111,6 +116,8 @@ std::vector<Index> firstRecords(const SourceTypes& types, const std::vector<Inde
                 classes[record] = to;
                 for (const auto& [user, place] : uses[record]) {
                     cancelPoint.pass();
+                    // A sum can be updated without looking at the user's other fields. The place in it tells fields
+                    // apart that swap their types.
                     sums[user] += RunningHash::of(place | to) - RunningHash::of(place | from);
                     changed.push_back(user);
                 }
@@ -156,6 +163,7 @@ EqualTypes::EqualTypes(const SourceTypes& types) :
     enumerations(firstEnumerations(types)), records(firstRecords(types, enumerations))
 {}
 
+// Both lists are found before anything moves, because a record is compared by the enumerations that it uses.
 void mergeEqualTypes(SourceTypes& types, std::vector<Index>& records)
 {
     const EqualTypes equal(types);

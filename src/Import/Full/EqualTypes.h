@@ -15,5 +15,6 @@ struct EqualTypes
 };
 
 /// Merges equal types of several namespaces into one, in the folder `common`. `records` are indices of records and are
-/// updated.
+/// updated; other indices that the caller has are invalid afterwards. Equal types that all are in one namespace stay
+/// apart.
 void mergeEqualTypes(SourceTypes& types, std::vector<SourceTypes::Index>& records);

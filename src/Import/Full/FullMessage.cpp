@@ -13,6 +13,14 @@
 #include <unordered_map>
 #include <unordered_set>
 
+// The steps of import(), each of which needs the ones before:
+//
+// - read() collects records, fields and enumerations by index, under the names of the source.
+// - chooseMain() finds the main types. It may copy records, and names the main records after their elements.
+// - mergeEqualTypes() joins equal types of several namespaces, which changes indices.
+// - RecordOrder selects the records to import, and puts components before their users.
+// - SourceNames makes names unique, and turns repeated fields into tables.
+// - The declare functions put the types into the model, in that order. Nothing refers to a name before it is final.
 namespace {
 
 // Returns the file's name without folder and suffix, as an XML name.
@@ -28,6 +36,7 @@ CString nameOfFile(const CString& fileName)
 }
 
 // Adds the types that a message may choose by xsi:type to the order.
+// A type that may be chosen can refer to further abstract types, so the walk goes on over what it adds.
 void visitChoices(const SourceTypes& types, RecordOrder& order)
 {
     std::unordered_multimap<SourceTypes::Index, SourceTypes::Index> choicesOf(types.choosers.begin(),
@@ -197,6 +206,7 @@ FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString
         mainType = types.candidates[chosen.front()].name;
     if (!givenName.empty())
         mainType = toXmlText(givenName);
+    // Two elements of one type are two main types with two names, so all but the first get a copy of the record.
     std::unordered_map<Index, Index> met;        // first candidate by record
     std::vector<std::pair<Index, Index>> copies; // pairs of a record and its copy
     for (const Index candidate : chosen) {
@@ -225,6 +235,7 @@ FullMessage::MainTypes FullMessage::chooseMain(SourceTypes& types, const CString
 SourceTypes::Index FullMessage::copyFor(SourceTypes& types, const SourceTypes::Candidate& element, Index record)
 {
     const std::span<const SourceTypes::Field> own = types.fieldsOf(record);
+    // Copied first, because setFields() moves the fields that `own` refers to.
     const std::vector<SourceTypes::Field> fields(own.begin(), own.end());
     SourceTypes::Record made = types.records[record];
     made.space = element.space;
@@ -247,6 +258,7 @@ std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes&
     areRequested = !roots.empty() || !chosen.empty();
     MainElement choice(types);
     std::vector<Index> offered;
+    // All sources are asked for their candidates, even if the main types are requested, because the wizard offers them.
     for (Index source = 0; source <= furtherFiles.size(); ++source) {
         const std::vector<Index> all = choice.choose(source == 0 ? fileName : furtherFiles[source - 1], source);
         offered.insert(offered.end(), all.begin(), all.end());
@@ -259,6 +271,7 @@ std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes&
     const RootNames names(types);
     std::unordered_set<Index> met;
     for (const CString& root : roots)
+        // The same type may be requested twice, by different names.
         if (const Index candidate = names.find(root); met.insert(candidate).second)
             chosen.push_back(candidate);
     return chosen;
@@ -276,6 +289,7 @@ SourceTypes::Index FullMessage::recordOf(SourceTypes& types, Index candidate)
     return record;
 }
 
+// Declares a type, which no record contains. Its usage key only has to differ from those of other types.
 Element* FullMessage::declareType(Declaring& declaring, Index space, std::string_view name,
                                   std::string_view description, Element::ElementTypes type)
 {
@@ -320,6 +334,7 @@ void FullMessage::declareRecord(Declaring& declaring, Index index)
     }
 }
 
+// Constants are children with the path of the enumeration; their type has no meaning.
 void FullMessage::declareEnumeration(Declaring& declaring, Index index)
 {
     if (declaring.enumerations[index])
@@ -371,6 +386,7 @@ Name& FullMessage::typeName(Declaring& declaring, SourceTypes::Type type)
         return declaring.fullName(space, types.enumerations[type.index].name);
     if (type.kind == SourceTypes::kindTable)
         return declaring.fullName(space, types.tables[type.index].name);
+    // Most references are to records, whose full name is joined and looked up once.
     Name*& known = declaring.recordNames[type.index];
     if (!known)
         known = &declaring.fullName(space, types.records[type.index].name);

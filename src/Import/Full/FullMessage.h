@@ -9,6 +9,9 @@
 /// The base of the importers that read a source in full, by the rules of its language. An importer collects the
 /// declarations of its source in read(). This class gives them their names, chooses the main type and declares all
 /// types in the model.
+///
+/// The settings hold for all following imports. The results, from querySectionEntities() to queryMainTypes(), are those
+/// of the last one, and empty after one that was cancelled.
 class FullMessage : public MsgBase
 {
 public:
@@ -25,7 +28,8 @@ public:
     /// Returns the first of the requested main types; empty if there are none.
     CString queryRoot() const { return roots.empty() ? CString() : roots.front(); }
 
-    /// Returns a new importer with the same settings and no import yet.
+    /// Returns a new importer with the same settings and no import yet; entities are not among them. The wizard uses it
+    /// to try another main type without losing the current result.
     std::unique_ptr<FullMessage> createAnother() const;
 
     /// How types are laid out below the base path.
@@ -81,6 +85,8 @@ public:
         furtherFiles = files;
         return true;
     }
+    /// Declares finished types, so the model has nothing to do but to order them. A SourceRefusal is shown, and 0
+    /// returned.
     int parse(const CString& source, const CString& basePath, const CString& fileName) final;
     CString queryMainTypeName() const override { return mainType; }
     MsgUIDescriptor* queryDescriptor() const override { return &row; }
@@ -89,14 +95,14 @@ protected:
     const std::vector<CString>& queryRoots() const { return roots; }
 
     /// Adds the declarations of `source`, the argument of parse(), to `types`. Throws SourceRefusal if it can't be
-    /// imported.
+    /// imported. Texts in `types` must live as long as that: views of `source` do, others go through keep() or adopt().
     virtual void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) = 0;
 
-    std::vector<CString> furtherFiles;
-    CString givenName;                // of the document; "" means that of the first main type
-    std::optional<Catalogs> catalogs; // those of one import
-    std::vector<CString> sectionEntities;
-    std::vector<CString> unusedEntities;
+    std::vector<CString> furtherFiles;    // read as one set with the file of the import
+    CString givenName;                    // of the document; "" means that of the first main type
+    std::optional<Catalogs> catalogs;     // those of one import
+    std::vector<CString> sectionEntities; // see querySectionEntities(); read() adds to it
+    std::vector<CString> unusedEntities;  // see queryUnusedEntities(); read() adds to it
 
 private:
     using Index = SourceTypes::Index;

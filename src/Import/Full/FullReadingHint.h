@@ -2,8 +2,9 @@
 
 #include "Base/Text.h"
 
-/// Returns whether an error text is one that ends a literal reading because the source needs the full reading.
+/// Returns whether a message of a literal reading may mean that the source needs the full reading: a statement of a DTD
+/// that can't be parsed, or a schema without a root. Messages are only texts, so they are recognised by their words.
 bool isErrorOfLiteralReading(std::string_view text);
 
-/// Appends `words` to the list of unsupported constructs if `isUsed`.
+/// Appends `words` to the list of unsupported constructs if `isUsed`; the list is separated by commas, for a sentence.
 void addUnsupported(CString& unsupported, bool isUsed, const char* words);

@@ -10,8 +10,9 @@ namespace {
 
 using Index = SourceTypes::Index;
 
-constexpr std::size_t kShown = 20; // candidates that an error lists
+constexpr std::size_t kShown = 20; // candidates that an error lists; a name can have thousands
 
+// Throws the error with `words`: as a sentence for a message box, and as they are for a diagnostic.
 [[noreturn]] void refuse(const CString& words)
 {
     throw SourceRefusal{CString(1, static_cast<char>(words[0] - 'a' + 'A')) + words.substr(1) + ".", {"", words}};

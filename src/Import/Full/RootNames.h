@@ -2,10 +2,11 @@
 
 #include "Import/Full/SourceTypes.h"
 
-/// Returns the local part of "name", "prefix:name" or "{URI}name".
+/// Returns the local part of "name", "prefix:name" or "{URI}name". The result is a view of `root`.
 std::string_view localNameOf(std::string_view root);
 
-/// Returns the names of candidates that RootNames::find() takes: "{URI}name" if several namespaces have the name.
+/// Returns the names of candidates that RootNames::find() takes: "{URI}name" if several namespaces have the name. One
+/// name for each candidate, in their order.
 std::vector<CString> rootNamesOf(const SourceTypes& types, const std::vector<SourceTypes::Index>& candidates);
 
 /// Finds candidates for main types by name. The types must not change while this lives.

@@ -6,14 +6,17 @@
 #include <unordered_map>
 #include <utility>
 
+// Records are named before all enumerations and tables, so these yield to a record, whichever is met first. Of the
+// records, those of the main types' own documents keep their names, so that a library imported with them doesn't rename
+// them.
 namespace {
 
-constexpr std::size_t kFewFields = 16;
+constexpr std::size_t kFewFields = 16; // names; more are hashed
 constexpr std::string_view kTablePrefix = "t_";
 
 } // namespace
 
-// The field names of one record. Few names are searched linearly.
+// The field names of one record. Few names are searched linearly, so most records need no hash.
 class SourceNames::FieldNames
 {
 public:
@@ -110,6 +113,7 @@ void SourceNames::nameFields(Index index, FieldNames& names)
             if (names.add(wanted)) {
                 if (role == SourceTypes::roleAttribute)
                     field.name = types.join(record.name, wanted);
+                // The number goes on from the last one that this name got.
                 while (names.add(field.name))
                     field.name = types.join(wanted, std::to_string(++*names.add(wanted)));
                 noteChange(record.place, wanted, field.name);
@@ -118,6 +122,8 @@ void SourceNames::nameFields(Index index, FieldNames& names)
         }
 }
 
+// Names the type of a field, and wraps it in a table for each level of repetition: "t_x", then "t_t_x". Fields of one
+// name and type share their tables.
 void SourceNames::nameType(Field& field, Index record)
 {
     if (field.type.kind == SourceTypes::kindEnumeration)

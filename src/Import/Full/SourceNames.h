@@ -9,14 +9,16 @@
 /// Gives the types of a source their final names, unique in each namespace: records first, then enumerations and tables
 /// in the order of the records' fields. A taken name gets the name of its record and "_" as prefix, then a number. In a
 /// record elements keep their names, an attribute named like an element gets the record's name as prefix, and the text
-/// field "value" changes last. Changes are reported.
+/// field "value" changes last. Changes are reported. Names are compared exactly, by bytes.
 class SourceNames
 {
 public:
+    /// Both must outlive this object. It changes names in `types`, and adds tables to them.
     SourceNames(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
     /// Names the records in `order`, their fields, and the types of these. The records `first` are named first, then
-    /// those declared in the files `ownFiles`, then the others.
+    /// those declared in the files `ownFiles`, then the others. A repeated field gets the type of its table. Call it
+    /// once.
     void name(const std::vector<SourceTypes::Index>& order, std::span<const SourceTypes::Index> first,
               std::span<const std::uint32_t> ownFiles);
 
@@ -53,7 +55,7 @@ private:
         struct Taken
         {
             std::string_view name;
-            unsigned last;
+            unsigned last; // so that the next equal name doesn't try the numbers before
         };
 
         Arena memory;
@@ -97,5 +99,5 @@ private:
     Arena memory;
     KeyedTable<KnownTable, &KnownTable::key, TableKey> tables;
     std::unordered_set<TableKey, TableHash> sharedTables; // in several namespaces; stored with space 0
-    std::vector<bool> isNamed;                            // by enumeration
+    std::vector<bool> isNamed;                            // by enumeration; several fields may have one
 };

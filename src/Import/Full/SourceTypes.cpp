@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxFields = 1'000'000;
+constexpr std::size_t kMaxFields = 1'000'000; // also of constants; the largest real sources have 22,000 fields
 constexpr std::size_t kMaxTextMegabytes = 256;
 
 } // namespace
@@ -53,6 +53,7 @@ SourceTypes::Index SourceTypes::spaceIn(const CString& folder)
     return static_cast<Index>(spaces.size() - 1);
 }
 
+// Tables have no indices yet: they are made when names are given, after this.
 void SourceTypes::renumber(std::span<const Index> newRecords, std::span<const Index> newEnumerations)
 {
     const auto renumberType = [&](Type& type) {
@@ -80,6 +81,8 @@ SourceTypes::Index SourceTypes::addRecord(const Record& record)
     return static_cast<Index>(records.size() - 1);
 }
 
+// The document holds a field's name twice, also in its generated description, and the name of its type. A type's name
+// is repeated for each field that has the type, so a few long names could make a huge document from a small source.
 void SourceTypes::setFields(Index record, std::span<const Field> added)
 {
     checkFields(added.size());
@@ -100,6 +103,8 @@ void SourceTypes::checkFields(std::size_t count) const
         refuse(std::to_string(kMaxFields) + " fields");
 }
 
+// Equal enumerations are one type, however many fields list the same values. Descriptions don't count: those of the
+// first one stay.
 SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<const std::string_view> added,
                                                bool isNamed, std::string_view description, SourcePlace place,
                                                Index space, std::span<const std::string_view> descriptions)
@@ -130,6 +135,7 @@ SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<
 
 SourceTypes::Index SourceTypes::recordOf(Index candidate)
 {
+    // A record that repeats also gets one, because a message is a single value: it holds the table in its field.
     Candidate& element = candidates[candidate];
     if (element.type.kind != kindRecord || element.repeats > 0) {
         const Field value{"value", {}, element.type, roleValue, std::exchange(element.repeats, std::uint16_t{0})};

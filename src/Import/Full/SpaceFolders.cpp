@@ -4,9 +4,12 @@
 #include <cctype>
 #include <set>
 
+// A folder begins at the last part with a letter, because versions and years at the end mean nothing alone:
+// "http://www.opengis.net/gml/3.2" is "gml-3.2". All namespaces that share a name get a longer one, not only the later
+// ones, so that a name doesn't depend on the order of documents.
 namespace {
 
-constexpr std::size_t kMaxParts = 16; // further parts don't help readers
+constexpr std::size_t kMaxParts = 16; // parts are added one by one, which takes the square of their number
 
 // Returns the parts of a URI without empty ones, last one first, at most kMaxParts.
 std::vector<std::string_view> partsOf(std::string_view uri)
@@ -68,6 +71,7 @@ std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
                     isLonger = true;
                 }
     }
+    // Given folders, and that of no namespace, are never changed.
     std::set<CString> taken;
     for (std::size_t i = 0; i < names.size(); ++i)
         if (i == 0 || !spaces[i].folder.empty())

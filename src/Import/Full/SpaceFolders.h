@@ -4,5 +4,6 @@
 
 /// Returns the folder of each namespace, without a backslash at the end; "" for the first one, which stands for no
 /// namespace. It is the folder set by the caller, else the last part of the URI that begins with a letter, joined to
-/// the parts after it by "-". If several would be equal, preceding parts are added, and then numbers.
+/// the parts after it by "-". If several would be equal, preceding parts are added, and then numbers. The result
+/// depends on all namespaces of an import, and on their order only in the numbers.
 std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces);
