@@ -6,10 +6,12 @@
 
 namespace {
 
+// Status codes of the two failures. The highest bit makes them negative.
 constexpr LONG kNullPointer = static_cast<LONG>(0x80004003);
 constexpr LONG kFailed = static_cast<LONG>(0x80004005);
 
-// Returns a node with its tree links. An attribute has no children and no place in the tree.
+// Returns a node with its tree links. An attribute has no children and no place in the tree, and is allocated without
+// these members.
 const DomTreeNode& linked(const DomNode& node)
 {
     static const DomTreeNode unlinked;
@@ -24,6 +26,7 @@ IXMLDOMNode takeNext(DomNode*& next)
     return IXMLDOMNode(node);
 }
 
+// XML 1.0, production [1]: a document has one root element, with comments and instructions around it.
 bool isDocumentElementTwice(const DomTreeNode& parent, const DomTreeNode& child)
 {
     if (parent.kind != DomKind::document || child.kind != DomKind::element)
@@ -38,7 +41,8 @@ void append(DomTreeNode& parent, DomTreeNode& child)
 {
     bool fits = (parent.kind == DomKind::element || parent.kind == DomKind::document) && child.parent &&
                 child.parent->kind == DomKind::unplaced && !isDocumentElementTwice(parent, child);
-    // The walk to the root finds a cycle, and the tree that the parent belongs to.
+    // The walk to the root finds a cycle, and the tree that the parent belongs to. A node without a parent is always a
+    // DomRoot, which the cast below relies on.
     const DomTreeNode* top = &parent;
     for (; fits && top->parent; top = top->parent)
         fits = top != &child;
@@ -125,6 +129,7 @@ void IXMLDOMElement::setAttribute(std::string_view name, std::string_view value)
     auto& element = static_cast<DomTreeNode&>(get());
     DomTree& tree = *DomTree::rootOf(element).tree;
     const std::string_view kept = tree.queryArena().keep(isXmlText(value) ? value : std::string_view(toXmlText(value)));
+    // The link to the attribute, or the one to which a new attribute is appended.
     DomNode** place = &element.firstAttribute;
     while (*place && (*place)->name != name)
         place = &(*place)->next;
@@ -152,6 +157,7 @@ IXMLDOMNode IXMLDOMNodeList::nextNode()
     return takeNext(next);
 }
 
+// Null instead of an exception, so that XmlDocument words the failure.
 IXMLDOMDocument IXMLDOMDocument::create()
 {
     try {
@@ -181,6 +187,7 @@ const IXMLDOMParseError& IXMLDOMDocument::parseError() const
 
 IXMLDOMElement IXMLDOMDocument::documentElement() const
 {
+    // Comments and instructions may stand before it.
     DomTreeNode* node = get().queryDocument().firstChild;
     while (node && node->kind != DomKind::element)
         node = node->nextSibling();

@@ -28,7 +28,7 @@ private:
 /// A handle of a node: an element, attribute, text, CDATA section, comment or processing instruction, or the document
 /// itself. It is a plain pointer, cheap to copy, null or valid as long as a reference to its document lives. Texts are
 /// views that live as long as the node. Every operation on a null handle throws ComError. Names and node kinds:
-/// https://www.w3.org/TR/DOM-Level-2-Core/
+/// https://www.w3.org/TR/DOM-Level-2-Core/. One thread at a time may use a document and its nodes.
 class IXMLDOMNode
 {
 public:
@@ -64,13 +64,14 @@ public:
 
     /// Appends `child` as the last child and returns it. It must come from createElement() of the same document and
     /// have no parent yet. Throws ComError otherwise, and if it would become its own ancestor or a second document
-    /// element.
+    /// element. Linear in the depth of this node.
     IXMLDOMNode appendChild(IXMLDOMNode child) const;
 
     /// Returns the node with its content as XML: no white space added, <X/> for an empty element.
     CString xml() const;
 
 protected:
+    // Returns the node; throws ComError if the handle is null.
     DomNode& get() const;
 
 private:
@@ -87,11 +88,12 @@ public:
     explicit IXMLDOMElement(IXMLDOMNode node);
 
     /// Sets the attribute `name`: an existing one keeps its place, a new one comes last. The value is made fit for XML
-    /// (toXmlText); the name is used as it is.
+    /// (toXmlText); the name is used as it is. Linear in the attributes. The storage of a replaced value is freed with
+    /// the document.
     void setAttribute(std::string_view name, std::string_view value) const;
 };
 
-/// The attributes of an element.
+/// The attributes of an element. A walk over the live list, not a copy of it.
 class IXMLDOMNamedNodeMap
 {
 public:
@@ -139,7 +141,8 @@ public:
     /// dropped unless xml:space="preserve" is in scope. Entities of the internal subset are expanded.
     bool load(const CString& fileName) const;
 
-    /// Returns the error of the last load(), empty if it succeeded.
+    /// Returns the error of the last load(), empty if it succeeded. Valid until the next load(), or as long as the
+    /// document.
     const IXMLDOMParseError& parseError() const;
 
     /// Returns the root element, or null.

@@ -1,9 +1,13 @@
 #include "Xml/DomBuilder.h"
 
+// Text is gathered until the next event that is not text, so each event first flushes it. An open element is the
+// `parent` of what comes; its end makes its own parent the current one again, so no stack is needed besides that of
+// xml:space. A child of the root is passed on when it is complete, with all that it holds.
 namespace {
 
 constexpr std::size_t kManyPieces = 512; // nodes after which their memory is reused
 
+// Only XML's white space, production [3] S. A no-break space is text.
 bool isBlank(std::string_view text)
 {
     return text.find_first_not_of(" \t\n\r") == std::string_view::npos;
@@ -11,7 +15,8 @@ bool isBlank(std::string_view text)
 
 } // namespace
 
-// Stores each name once, because most nodes repeat a few names. Interned names compare by address.
+// Stores each name once, because most nodes repeat a few names. Interned names compare by address. They are kept with
+// the document, because pieces are freed while the parse goes on.
 DomName DomBuilder::nameOf(const XmlName& name)
 {
     const auto [place, isNew] = names.try_emplace(name);
@@ -54,6 +59,7 @@ void DomBuilder::startElement(XmlName name, XmlAttributes attributes)
 void DomBuilder::endElement()
 {
     flushText();
+    // An xml:space ends with the element that has it (XML 1.0, section 2.10).
     while (!spaces.empty() && spaces.back().first == depth)
         spaces.pop_back();
     --depth;
@@ -70,6 +76,7 @@ void DomBuilder::add(DomKind kind, std::string_view name, std::string_view value
     finish(node);
 }
 
+// A child of the root that is passed on knows its parent, but is not in its list, because its storage is reused.
 void DomBuilder::link(DomTreeNode& node)
 {
     if (take && depth == 1 + (node.kind == DomKind::element))
@@ -78,7 +85,8 @@ void DomBuilder::link(DomTreeNode& node)
         DomTree::link(*parent, node);
 }
 
-// Passes on a complete child of the root.
+// Passes on a complete child of the root. Storage is reused after some hundred nodes only, because each release frees
+// the chunks of the arena.
 void DomBuilder::finish(DomTreeNode& node)
 {
     if (!take || depth != 1)
@@ -90,7 +98,9 @@ void DomBuilder::finish(DomTreeNode& node)
     pieceCount = 0;
 }
 
-// Adds the pending pieces as one text node. White space alone makes no node unless it is preserved.
+// Adds the pending pieces as one text node. White space alone makes no node unless it is preserved. Pieces are joined
+// first: libxml2 cuts a text at the ends of its buffer and at references, so blank pieces may belong to a text that
+// isn't.
 void DomBuilder::flushText()
 {
     if (pending.empty())
@@ -110,6 +120,7 @@ bool buildDom(DomTree& tree, const CString& fileName)
     const std::optional<IXMLDOMParseError> error = parseXmlFile(fileName, builder);
     if (!error)
         return true;
+    // No part of a document that isn't well-formed is kept.
     tree.clear();
     tree.parseError = *error;
     return false;

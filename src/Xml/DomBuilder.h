@@ -8,11 +8,12 @@
 #include <unordered_map>
 #include <vector>
 
-/// Builds the tree from the parser's events.
+/// Builds the tree from the parser's events. With a `take`, memory is bounded by the largest child of the root instead
+/// of the whole document. Used for one parse: names are kept under the pointers that this parse interns.
 class DomBuilder : public XmlHandler
 {
 public:
-    /// Receives a child of the root, which is valid until the call returns.
+    /// Receives a child of the root, which is valid until the call returns. To keep anything of it, copy the texts.
     using TakeChild = std::function<void(const IXMLDOMNode&)>;
 
     /// Builds a document in `tree`, which must be empty. With `take`, only the root element stays there, and each of
@@ -36,6 +37,7 @@ public:
     }
 
 private:
+    // Interned names compare by address, and no source chooses addresses, so the hash needs no seed.
     struct HashName
     {
         std::size_t operator()(const XmlName& name) const
@@ -44,6 +46,8 @@ private:
         }
     };
 
+    // Returns the tree whose storage a new node takes: that of the pieces for everything below the root, if they are
+    // passed on.
     DomTree& currentTree() { return take && depth > 0 ? pieces : tree; }
     DomName nameOf(const XmlName& name);
     DomTreeNode* create(DomKind kind, DomName name, std::string_view value);
@@ -53,14 +57,16 @@ private:
     void flushText();
 
     DomTree& tree;
-    DomTree pieces; // children of the root that are passed on
-    std::size_t pieceCount = 0;
+    DomTree pieces;             // children of the root that are passed on
+    std::size_t pieceCount = 0; // nodes in `pieces`
     TakeChild take;
+    // The open element, or the document. A new node becomes its child.
     DomTreeNode* parent;
     IXMLDOMNode root;
     XmlPlace place;  // of the last start tag
     CString pending; // text that more pieces may follow
+    // The qualified names met so far, and their copies.
     std::unordered_map<XmlName, DomName, HashName> names;
-    std::size_t depth = 0;
+    std::size_t depth = 0;                            // open elements
     std::vector<std::pair<std::size_t, bool>> spaces; // xml:space in scope: element depth, "preserve" or not
 };

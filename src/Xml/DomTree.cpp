@@ -10,6 +10,7 @@ DomTree::DomTree()
     document.tree = unplaced.tree = this;
 }
 
+// `unplaced` lists no children, so it needs no reset.
 void DomTree::clear()
 {
     arena.release();
@@ -19,6 +20,7 @@ void DomTree::clear()
 
 DomTreeNode* DomTree::create(DomKind kind, DomName name, std::string_view value)
 {
+    // Its parent is `unplaced` until it is linked, so that the tree it belongs to can be found.
     return new (arena.allocate(sizeof(DomTreeNode), alignof(DomTreeNode)))
         DomTreeNode{{name.text, value, nullptr, name.prefixLength, kind}, {}, &unplaced};
 }
@@ -31,6 +33,7 @@ DomNode* DomTree::createAttribute(DomName name, std::string_view value)
 
 DomName DomTree::keepName(std::string_view qualified)
 {
+    // The prefix ends at the first colon (Namespaces in XML 1.0, production [7] QName).
     const std::size_t colon = qualified.find(':');
     const std::size_t prefixLength = colon == std::string_view::npos ? 0 : colon + 1;
     return {arena.keep(qualified), static_cast<std::uint32_t>(prefixLength)};

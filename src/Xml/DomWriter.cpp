@@ -32,7 +32,8 @@ void writeInstruction(const DomNode& node, CString& out)
 }
 
 // Writes the text at which a node begins. The caller writes the end tag of an element with content, so that no depth of
-// nesting needs recursion.
+// nesting needs recursion. CDATA sections, comments and instructions come from parsed documents only, so their values
+// can't contain what ends them.
 void writeNode(const DomNode& node, CString& out)
 {
     switch (node.kind) {
@@ -60,6 +61,8 @@ void writeNode(const DomNode& node, CString& out)
     }
 }
 
+// Depth first without recursion: down to the first child, else to the next sibling, of the node or of the nearest
+// ancestor that has one. Parents are the stack. Linear in the nodes.
 void writeTree(const DomTreeNode& top, CString& out)
 {
     const DomTreeNode* node = &top;

@@ -19,6 +19,7 @@ int XmlDocument::setFile(const CString& fileName)
 
 int XmlDocument::streamFile(const CString& fileName, XmlHandler& handler, std::size_t most)
 {
+    // Needs no document, so it works without memory for one.
     const std::optional<IXMLDOMParseError> error = parseXmlFile(fileName, handler, most);
     return setError(fileName, error.value_or(IXMLDOMParseError()), error.has_value());
 }

@@ -4,6 +4,7 @@
 
 namespace {
 
+// The escape of each byte, null for a byte that stays. Bytes of UTF-8 above ASCII stay.
 using Escapes = std::array<const char*, 256>;
 
 // A literal carriage return would be read back as a line feed (https://www.w3.org/TR/xml/#sec-line-ends), and "]]>"
@@ -26,6 +27,7 @@ constexpr Escapes makeEscapes(bool inAttribute)
 constexpr Escapes kAttributeEscapes = makeEscapes(true);
 constexpr Escapes kTextEscapes = makeEscapes(false);
 
+// Copies the stretches between escapes as a whole.
 void appendEscaped(CString& out, std::string_view text, const Escapes& escapes)
 {
     std::size_t done = 0;

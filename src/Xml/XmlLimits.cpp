@@ -7,6 +7,7 @@
 
 namespace {
 
+// Up to the free amounts a document may do as it likes. Beyond them its cost must stay in proportion to the bytes read.
 constexpr std::size_t kMaxDepth = 200'000;
 constexpr int kMaxAttributes = 10'000;
 constexpr int kMaxNamespaces = 4'096;                 // in scope at once
@@ -29,6 +30,7 @@ const char* XmlLimits::addExpansion(std::size_t bytes)
 
 const char* XmlLimits::addList(std::size_t members)
 {
+    // Each member with all before it.
     comparisons += members * members / 2;
     if (comparisons <= kFreeComparisons || comparisons / kMaxComparisons <= source.queryCount())
         return nullptr;
@@ -38,6 +40,7 @@ const char* XmlLimits::addList(std::size_t members)
 const char* XmlLimits::addProlog(std::string_view piece)
 {
     for (const char c : piece) {
+        // The end of the declaration. A '|' in a content model or a comment is counted, too.
         if (c == '>')
             bars = 0;
         else if (c == '|')
@@ -61,6 +64,7 @@ const char* XmlLimits::checkTag(int attributes, int namespaces, int names, std::
 
 const char* XmlLimits::checkName(const char* local, const char* prefix)
 {
+    // Never measures beyond the limit, because each name of a long tag passes through here.
     const std::size_t size = prefix ? ::strnlen(prefix, kMaxXmlName) + 1 : 0;
     if (size + ::strnlen(local, kMaxXmlName + 1) <= kMaxXmlName)
         return nullptr;
@@ -69,6 +73,7 @@ const char* XmlLimits::checkName(const char* local, const char* prefix)
 
 CString XmlLimits::reasonInWords(std::string_view reason)
 {
+    // In the words of libxml2 2.9 and later. They advise to lift the limit, which is of no use to a user.
     constexpr std::string_view option = "XML_PARSE_HUGE", kinds[] = {"too long", "too big", "Huge ", "huge ", option};
     const auto isIn = [&](std::string_view kind) { return reason.find(kind) != reason.npos; };
     if (isIn("entity reference loop")) // libxml2 reports this for any depth over 40, and for text that grows too much

@@ -86,6 +86,7 @@ private:
     {
         void operator()(xmlParserCtxtPtr context) const
         {
+            // The document holds the declared entities only, because no callback adds nodes to it.
             xmlFreeDoc(context->myDoc);
             xmlFreeParserCtxt(context);
         }
@@ -147,6 +148,7 @@ xmlSAXHandler Parse::callbacks(bool withText)
 {
     xmlSAXHandler sax = {};
     sax.initialized = XML_SAX2_MAGIC;
+    // libxml2's own callbacks keep what it needs to expand entities; it handles default attributes without a callback.
     sax.startDocument = xmlSAX2StartDocument;
     sax.internalSubset = xmlSAX2InternalSubset;
     sax.unparsedEntityDecl = xmlSAX2UnparsedEntityDecl;
@@ -290,7 +292,7 @@ xmlEntityPtr Parse::counted(void* context, xmlEntityPtr entity)
 {
     if (!entity || entity->etype == XML_INTERNAL_PREDEFINED_ENTITY)
         return entity;
-    constexpr std::size_t perReference = 16;
+    constexpr std::size_t perReference = 16; // bytes; an empty entity takes time, too
     hold(limits.addExpansion(perReference + static_cast<std::size_t>(entity->length)));
     if (!first)
         return entity;

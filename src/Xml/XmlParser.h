@@ -16,7 +16,8 @@ struct IXMLDOMParseError
     int systemError = 0; ///< the errno value if the file could not be read; ENOMEM without memory; else 0
 };
 
-/// A name in a document. Both parts are interned: during one parse, equal names are equal pointers.
+/// A name in a document. Both parts are interned: during one parse, equal names are equal pointers. Valid until the
+/// parse ends.
 struct XmlName
 {
     const char* local;
@@ -25,6 +26,7 @@ struct XmlName
     friend bool operator==(const XmlName&, const XmlName&) = default;
 };
 
+// The value is normalised (XML 1.0, section 3.3.3) and not terminated by NUL.
 struct XmlAttribute
 {
     XmlName name;
@@ -46,7 +48,7 @@ public:
     }
 
     /// Returns the trimmed value of the attribute with this local name, which has a prefix if `hasPrefix`, else none.
-    /// Empty if there is no such attribute.
+    /// Empty if there is no such attribute. Linear in the attributes.
     std::string_view valueOf(std::string_view local, bool hasPrefix = false) const
     {
         for (std::size_t i = 0; i < count; ++i)
@@ -59,6 +61,7 @@ public:
     /// The namespace of an attribute's name; null for none.
     const char* uriOf(std::size_t index) const { return text(rows[kRowSize * index + 2]); }
 
+    // Pointers for each attribute.
     static constexpr int kRowSize = 5;
 
 private:
@@ -68,11 +71,13 @@ private:
     std::size_t count;
 };
 
-/// Tells a handler where the parser is. Working out a place costs more than most handlers need at each tag.
+/// Tells a handler where the parser is. Working out a place costs more than most handlers need at each tag. The parser
+/// implements it.
 class XmlLocator
 {
 public:
-    /// Returns where the last start tag begins. Call it in startElement() or scope().
+    /// Returns where the last start tag begins. Call it in startElement() or scope(). The column is 0 if the line is so
+    /// long that its begin is no longer in memory.
     virtual XmlPlace tagStart() const = 0;
 
 protected:
@@ -96,7 +101,8 @@ struct XmlRefusal
 };
 
 /// Receives the content of a document in order. Names are split at their prefix whether it is declared or not. Entities
-/// are expanded; unknown ones are left out. Texts are UTF-8 and valid until the call returns.
+/// are expanded; unknown ones are left out. Texts are UTF-8 and valid until the call returns. Called in the thread that
+/// parses. Any call may throw, which ends the parse.
 class XmlHandler
 {
 public:
@@ -114,6 +120,7 @@ public:
 
     /// A piece of character data; one text can arrive in several pieces.
     virtual void text(std::string_view) {}
+    // Each section, comment and instruction arrives whole. Those of the internal subset do not arrive.
     virtual void cdata(std::string_view) {}
     virtual void comment(std::string_view) {}
     virtual void instruction(std::string_view /*target*/, std::string_view /*data*/) {}
@@ -136,7 +143,10 @@ public:
 /// Bounds, whose violation is an error with its place: entity expansion (ten times the bytes read, and a million
 /// bytes); nesting (200,000 levels, 256 in a document that declares entities); attributes of one tag (10,000); names
 /// (4,096 bytes, and 100,000 different ones); namespaces in scope (4,096); and lists whose members libxml2 compares
-/// pairwise, that is attributes and enumerations (64 comparisons for each byte read).
+/// pairwise, that is attributes and enumerations (64 comparisons for each byte read). The progress handler is called
+/// while bytes are read, and its refusal throws Cancelled.
+///
+/// libxml2 was chosen over expat, which is slower here: it copies each name and value first (docs/adr/xml-parser.md).
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler,
                                               std::size_t most = kAnySize);
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t kSize = 1 << 16;
+constexpr std::size_t kSize = 1 << 16; // bytes
 
 // Returns whether a byte is the first one of several that encode a character in UTF-8.
 bool startsCharacter(char byte)
@@ -48,6 +48,7 @@ void XmlSource::fill()
     if (isEnded)
         return;
     filled -= at;
+    // Two bytes at most, see read().
     std::memmove(buffer.get(), buffer.get() + at, filled);
     at = 0;
     const ssize_t got = file->read(buffer.get() + filled, kSize - filled);

@@ -7,7 +7,8 @@
 #include <optional>
 #include <string_view>
 
-/// The bytes of a document: of a text, or of a file, which is read in larger pieces than libxml2 asks for.
+/// The bytes of a document: of a text, or of a file, which is read in larger pieces than libxml2 asks for. libxml2 asks
+/// for 4 kB at a time, each of which would be a call of the system.
 class XmlSource
 {
 public:
@@ -19,13 +20,14 @@ public:
         bytes(document.data()), filled(document.size()), count(document.size()), isEnded(true)
     {}
 
-    /// Reads as read(2) does. Calls the system only if the last piece is nearly used up.
+    /// Reads as read(2) does. Calls the system only if the last piece is nearly used up. May return fewer bytes than
+    /// are there.
     int read(char* out, int room);
 
     /// Returns the errno value of a failure, or 0.
     int queryError() const { return error; }
 
-    /// Returns the number of bytes read so far.
+    /// Returns the number of bytes read so far. They may be ahead of those that the parser has consumed by a buffer.
     std::size_t queryCount() const { return count; }
 
     /// Returns the size in bytes that the system reports; 0 for a pipe.
@@ -36,6 +38,7 @@ private:
 
     std::optional<InputFile> file; // empty for a text
     int error = 0;
+    // The file's last piece, and the bytes that `at` and `filled` count in: those of `buffer`, or the text.
     std::unique_ptr<char[]> buffer;
     const char* bytes = nullptr;
     std::size_t at = 0;
