@@ -5,7 +5,7 @@
 namespace {
 
 // The built-in types of https://www.w3.org/TR/xmlschema11-2/#built-in-datatypes and of the drafts before, each list
-// sorted.
+// sorted. A boolean has four spellings, and a duration or a year is not a point in time, so these are texts.
 // clang-format off
 constexpr std::string_view kNumbers[] = {
     "byte", "decimal", "double", "float", "int", "integer", "long", "negativeInteger", "nonNegativeInteger",

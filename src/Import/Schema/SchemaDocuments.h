@@ -11,6 +11,6 @@ struct NamedDocument
     std::string_view location; ///< the schemaLocation as written
 };
 
-/// Reports a document that `xml` could not read. An ill-formed one is reported at its own fault. One that exists but
-/// can't be read ends the import by SourceRefusal.
+/// Reports a document that `xml` could not read. An ill-formed one is reported at its own fault, and the import goes on
+/// without it. One that exists but can't be read ends the import: throws SourceRefusal.
 void reportUnread(const NamedDocument& document, const XmlDocument& xml, SourceReport& report);

@@ -15,7 +15,8 @@ struct TagWord
     Tag tag;
 };
 
-// The statements of all editions, facets of the drafts included: like all facets they don't affect types.
+// The statements of all editions, facets of the drafts included: like all facets they don't affect types. Sorted for a
+// binary search, which the cache makes rare.
 constexpr TagWord kTags[] = {
     {"all", Tag::all},
     {"alternative", Tag::alternative},
@@ -89,7 +90,7 @@ constexpr std::string_view kAttributes[] = {
 // clang-format on
 static_assert(std::size(kAttributes) == static_cast<std::size_t>(Word::count) && std::ranges::is_sorted(kAttributes));
 
-// A set of tags or attributes, one bit each.
+// A set of tags or attributes, one bit each. Both enumerations fit into 64 bits, so a lookup is a shift.
 template <class Of>
 class Set
 {
@@ -113,6 +114,7 @@ private:
 using Tags = Set<Tag>;
 using Words = Set<Word>;
 
+// What one statement may have. Only the sets as bits are used at run time, see makeRules().
 struct TagRule
 {
     Tag tag;
@@ -130,8 +132,9 @@ constexpr Tags kFacets{Tag::simpleType, Tag::facet, Tag::enumeration, Tag::asser
 constexpr Words kOccurs{Word::minOccurs, Word::maxOccurs};
 constexpr Words kAny{Word::nameSpace, Word::processContents, Word::notNamespace, Word::notQName};
 
-// Sorted by tag. The order of statements is not checked. A statement that has an effect at a place is accepted there,
-// even if the language doesn't allow it.
+// Sorted by tag, one row for each, so that a tag is the index of its row. The order of statements is not checked. A
+// statement that has an effect at a place is accepted there, even if the language doesn't allow it: nothing is lost
+// then.
 constexpr TagRule kRules[] = {
     {Tag::none, {}, {}},
     {Tag::schema,
@@ -199,6 +202,7 @@ SchemaEdition schemaEditionOf(const char* uri)
                : SchemaEdition::none;
 }
 
+// Adds what every statement may have: an annotation and an `id`.
 constexpr SchemaGrammar::Rules SchemaGrammar::makeRules()
 {
     Rules all{};

@@ -5,7 +5,8 @@
 #include <string_view>
 
 /// The kinds of statements in the schema language (https://www.w3.org/TR/xmlschema11-1/). Statements of the same effect
-/// share a tag.
+/// share a tag. The order counts, because ranges are compared: `element` to `attributeGroup` are the components that
+/// types are made of, and up to `enumeration` a statement affects types.
 enum class SchemaTag : std::uint8_t
 {
     none, ///< no statement of the language
@@ -50,7 +51,8 @@ enum class SchemaTag : std::uint8_t
     count
 };
 
-/// The attributes of statements, in the order of their words.
+/// The attributes of statements, in the order of their words, by which they are looked up. Some words are keywords of
+/// C++, so `defaultValue`, `nameSpace`, `publicId` and `systemId` have other names than their words.
 enum class SchemaAttribute : std::uint8_t
 {
     unknown,
@@ -103,7 +105,7 @@ enum class SchemaAttribute : std::uint8_t
     count
 };
 
-/// The editions of the schema language, by namespace.
+/// The editions of the schema language, by namespace. Versions 1.0 and 1.1 share one, so both count as `current`.
 enum class SchemaEdition : std::uint8_t
 {
     none,
@@ -114,7 +116,8 @@ enum class SchemaEdition : std::uint8_t
 /// Returns the edition with this namespace URI; `none` for null and for other namespaces.
 SchemaEdition schemaEditionOf(const char* uri);
 
-/// Looks up the words of the schema language during one parse. Interned names are cached by address.
+/// Looks up the words of the schema language during one parse. Interned names are cached by address, so use a new
+/// object for each parse: in another one the same address may be another name.
 class SchemaGrammar
 {
 public:
@@ -126,7 +129,8 @@ public:
         return static_cast<SchemaAttribute>(attributes.find(local, lookUpAttribute));
     }
 
-    /// Returns whether a statement has an effect directly inside another.
+    /// Returns whether a statement has an effect directly inside another. `holder` is its tag, or one of the special
+    /// ones for its context, see SchemaStatements::holder().
     static bool mayHold(SchemaTag holder, SchemaTag statement)
     {
         return (rules[static_cast<std::size_t>(holder)].children >> static_cast<int>(statement) & 1) != 0;
@@ -152,7 +156,8 @@ private:
     static constexpr Rules makeRules();
     static const Rules rules;
 
-    // A direct-mapped cache keyed by the address of a name.
+    // A direct-mapped cache keyed by the address of a name. Two names in one slot only cost further lookups, and a
+    // schema uses few words, each many times.
     class Cache
     {
     public:

@@ -3,11 +3,16 @@
 #include <algorithm>
 #include <utility>
 
+// A statement is judged by the one around it: the grammar says what has an effect there, and the level of the holder
+// what it contains already. An ignored statement, and all inside of it, is only counted until its end, so one mistake
+// is one finding. Details are counted for one component at a time; a change of component puts them aside.
+
 namespace {
 
 using Tag = SchemaTag;
 using Word = SchemaAttribute;
 
+// Bounds the memory. Findings that are passed on early stay reported even if the document is left out.
 constexpr std::size_t kMaxFindings = 10'000; // findings kept before they are passed to the report
 constexpr std::size_t kLongestValue = 100;   // bytes of a value that a message shows
 
@@ -16,6 +21,7 @@ bool isBoolean(std::string_view value)
     return value == "true" || value == "false" || value == "1" || value == "0";
 }
 
+// The drafts have two further values, which say what `value` is for.
 bool isUse(std::string_view value, SchemaEdition edition)
 {
     return value == "required" || value == "optional" || value == "prohibited" ||
@@ -32,7 +38,8 @@ CString shown(XmlName name)
     return name.prefix ? CString(name.prefix) + ":" + name.local : CString(name.local);
 }
 
-// Returns whether a statement may have only one child of the kinds that `tag` belongs to.
+// Returns whether a statement may have only one child of the kinds that `tag` belongs to. An attribute such as `type`
+// counts as that child.
 bool isOnlyChild(Tag holder, Tag tag)
 {
     switch (holder) {
@@ -83,6 +90,7 @@ void SchemaStatements::scope(const XmlScope& scope)
     lastUri = scope.uri;
 }
 
+// An ignored tag is still identified and its attributes are read, because the readings record it all the same.
 SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, SourceReport::Component number)
 {
     const bool isOurs = edition != SchemaEdition::none || (knowsPrefixes && isCommonPrefix(name.prefix));
@@ -119,6 +127,7 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, Source
     return tag;
 }
 
+// Documentation has no level, but counts as an ignored element.
 void SchemaStatements::leave()
 {
     hasText = false;
@@ -145,7 +154,8 @@ void SchemaStatements::text(std::string_view text)
     addFinding(SourceReport::unknownStatement, CString(content.substr(0, kLongestValue)));
 }
 
-// Reads the attributes of a statement and checks their values.
+// Reads the attributes of a statement and checks their values. Those of `name` and `type`, the most frequent ones, skip
+// the checks unless they are empty or begin with white space.
 void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attributes)
 {
     known.clear();
@@ -177,7 +187,8 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
                    "minOccurs=\"" + CString(valueOf(Word::minOccurs)) + "\" above maxOccurs");
 }
 
-// Returns whether the bounds of occurrence contradict each other. Invalid ones are reported by themselves.
+// Returns whether the bounds of occurrence contradict each other. Invalid ones are reported by themselves. Numbers may
+// be of any length, so their digits are compared.
 bool SchemaStatements::isLeastAboveMost() const
 {
     if (least != Occurrence::often || most != Occurrence::often)
@@ -203,6 +214,7 @@ std::string_view SchemaStatements::valueOf(SchemaAttribute name) const
     return found == known.end() ? std::string_view() : found->value;
 }
 
+// Checks the value of an attribute that the statement may have, and counts the details that it says.
 void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
 {
     const std::string_view value = trimmed(attribute.value);
@@ -263,7 +275,9 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         present |= bitOf(attribute.name);
 }
 
-// Checks the statement that begins, and determines what it may hold.
+// Checks the statement that begins, and determines what it may hold. What a restriction may hold depends on the
+// statement around it; a reference has no content of its own. If an attribute is misspelt, it may be the one that is
+// missing, so that is not reported as well.
 void SchemaStatements::enterStatement(SchemaTag tag, Level& level)
 {
     Level& holder = open.back();
@@ -325,6 +339,7 @@ bool SchemaStatements::occursTooOften(const Level& holder, SchemaTag tag) const
     return tag != Tag::annotation && (isSecond || (holder.hasContent && tag <= Tag::enumeration));
 }
 
+// Counts what the statement says and no reading carries over.
 void SchemaStatements::countStatement(SchemaTag tag)
 {
     switch (tag) {
@@ -379,7 +394,7 @@ bool SchemaStatements::isAtTop() const
     return ignored == 0 && !open.empty() && (open.size() == 1 || open.back().holder == Tag::redefine);
 }
 
-// Sets the component of the following findings and details.
+// Sets the component of the following findings and details, and puts the details of the last one aside.
 void SchemaStatements::enterComponent(SourceReport::Component number)
 {
     for (std::size_t detail = 0; detail < details.size(); ++detail)
@@ -388,13 +403,15 @@ void SchemaStatements::enterComponent(SourceReport::Component number)
     component = number;
 }
 
-// Leaves the last component if it has ended.
+// Leaves the last component if it has ended: what stands between two components belongs to none of them. Done on
+// demand, because a start tag sets the component anyway.
 void SchemaStatements::leaveComponent()
 {
     if (component != 0 && isAtTop())
         enterComponent(0);
 }
 
+// Passes the findings to the report, each for its component.
 void SchemaStatements::flush()
 {
     for (const Finding& finding : findings) {

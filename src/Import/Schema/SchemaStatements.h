@@ -10,8 +10,11 @@
 #include <vector>
 
 /// Checks the statements of one schema document as they are parsed: identifies them, finds unknown ones and those
-/// without effect at their place, and counts the details that no reading carries over. finish() passes the findings to
-/// the report, so that a document that is left out adds nothing to it.
+/// without effect at their place, and counts the details that no reading carries over. Both readings use it, so that
+/// they report the same. finish() passes the findings to the report, so that a document that is left out adds nothing
+/// to it.
+///
+/// It only looks at one statement and the open ones around it; what names refer to is checked by the readings.
 class SchemaStatements
 {
 public:
@@ -32,13 +35,15 @@ public:
     /// Call it before each enter(), like XmlHandler::scope().
     void scope(const XmlScope& scope);
 
-    /// Enters a start tag. Returns `none` if it is not a statement. `component` is the number in the report if a
-    /// top-level component begins here; 0 if the report doesn't hold constructs by component.
+    /// Enters a start tag. Returns `none` if it is not a statement; an ignored one has its tag, see isIgnored().
+    /// `component` is the number in the report if a top-level component begins here; 0 if the report doesn't hold
+    /// constructs by component.
     SchemaTag enter(XmlName name, XmlAttributes attributes, SourceReport::Component component = 0);
     /// Leaves the element that was entered last.
     void leave();
 
-    /// Takes character data outside of documentation.
+    /// Takes character data outside of documentation, possibly in pieces. Text that is not white space is a loss, once
+    /// for each tag.
     void text(std::string_view text);
 
     /// Reports an entity that was left out of the document.
@@ -70,9 +75,9 @@ public:
     /// Returns the place of the last start tag.
     SourcePlace place() const { return placeOf(start); }
 
-    /// Adds a finding at that place.
+    /// Adds a finding at that place, for the open component.
     void addFinding(SourceReport::Construct construct, CString name) { addFinding(construct, start, std::move(name)); }
-    /// Counts a detail for finish().
+    /// Counts a detail of the open component for finish().
     void count(SourceReport::Construct detail) { ++details[detail]; }
 
     /// Reports all findings. Call it if the document is part of the schema.
