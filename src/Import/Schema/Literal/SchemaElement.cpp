@@ -1,5 +1,8 @@
 #include "Import/Schema/Literal/SchemaElement.h"
 
+// The mark is looked for at the end of the key's text, which is the parent's name and the own one. It isn't kept as a
+// text, so both parts are looked at.
+
 namespace {
 
 bool endsInMark(std::string_view parentName, std::string_view name)

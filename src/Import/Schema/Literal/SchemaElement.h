@@ -27,7 +27,8 @@ struct SchemaEntryContent
 };
 
 /// An entry of a table: a declaration with the declarations inside it. Its key is the parent's key followed directly by
-/// the name, without a separator, so "Or" with "derline" and "Order" with "line" share a key.
+/// the name, without a separator, so "Or" with "derline" and "Order" with "line" share a key. The key is kept as its
+/// fingerprint, so a record with a long name doesn't repeat it for each field.
 class SchemaElement
 {
 public:
@@ -56,11 +57,11 @@ public:
     bool isReference() const { return isReferring; }
     bool isInRepeated() const { return isOfRepeated; }
 
-    /// Records that the declaration occurs in addition to the earlier one, not instead of it.
+    /// Records that the declaration occurs in addition to the earlier one, not instead of it, so it repeats.
     void setDeclaredAgain() { declaredAgain = true; }
     bool isDeclaredAgain() const { return declaredAgain; }
 
-    /// Returns why the type isn't the declared one.
+    /// Returns why the type isn't the declared one; `none` if it is.
     SchemaTypeLoss queryLoss() const { return loss; }
 
     /// Returns whether the trimmed text of the key ends with "*" and is longer than that.
@@ -93,7 +94,8 @@ public:
     Pull queryPull() const { return pull; }
 
 private:
-    // In large tables each access to an entry is a cache miss, so an entry fits into one cache line.
+    // In large tables each access to an entry is a cache miss, so an entry fits into one cache line. Texts are kept as
+    // pointers with 32-bit sizes for the same reason; their memory is that of the outlines.
     Fingerprint key;
     const char* name;
     const char* type;

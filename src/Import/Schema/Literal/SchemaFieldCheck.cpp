@@ -2,8 +2,13 @@
 
 #include "Base/Progress.h"
 
+// For each field, the meaning of its declaration is worked out anew and compared with its element. Nearly all fields
+// are single and have a built-in type that the reading supports; for these comparing two kinds is enough. Fields of one
+// name share an element, so the difference is reported for each of them whose meaning it doesn't match.
+
 namespace {
 
+// Fields ahead of the checked one whose elements are prefetched.
 constexpr std::size_t kAhead = 8;
 constexpr std::string_view kAnonymousType = "AnonymousType";
 
@@ -18,6 +23,7 @@ std::string_view nameOf(const SchemaElement& declared)
 
 } // namespace
 
+// A record whose element is no longer one was replaced by a field of its name.
 void SchemaFieldCheck::reportAll(std::string_view path)
 {
     reportFields(path);
@@ -53,6 +59,8 @@ Element::ElementTypes SchemaFieldCheck::plainKindOf(const SchemaElement& declare
     return local == "decimal" ? Element::typeNumber : local == "date" ? Element::typeDate : Element::typeOther;
 }
 
+// Reports a field unless its element matches. Its repetition is a loss of its own: in a group that repeats, which the
+// reading doesn't see, or if the model has its table in another record.
 void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std::string_view path)
 {
     const SchemaElement& declared = *field.declared;
@@ -67,6 +75,7 @@ void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std
         sourceReport.add(SourceReport::repetitionSkipped, declared.queryPlace(), name);
 }
 
+// Returns what a declaration means, or the loss that the table has found already.
 SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& declared, std::string_view name,
                                                       const SchemaElement* type)
 {

@@ -34,7 +34,8 @@ void SchemaKinds::addPart(Index type, Part part)
     parts.push_back(part);
 }
 
-// Works out kinds with a stack of waiting types instead of recursion, because derivations may nest without bound.
+// Works out kinds with a stack of waiting types instead of recursion, because derivations may nest without bound. A
+// type is combined when it is on top for the second time, with all its parts known. Each is worked out once.
 SchemaKinds::Kind SchemaKinds::kindOf(Index type)
 {
     std::vector<Index> waiting{type};
@@ -56,6 +57,7 @@ SchemaKinds::Kind SchemaKinds::kindOf(Index type)
     return types[type].kind;
 }
 
+// Returns the kind of a type from those of its parts: a restriction has one, a union several.
 SchemaKinds::Kind SchemaKinds::combine(const Type& type) const
 {
     // A list is text, whatever its items are.

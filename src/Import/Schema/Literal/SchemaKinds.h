@@ -10,7 +10,8 @@
 #include <vector>
 
 /// The simple types of all documents of a schema, as far as needed to find the kind of their values. The literal
-/// reading makes text of all simple types; this class identifies those that are not text.
+/// reading makes text of all simple types; this class identifies those that are not text, so that they are reported as
+/// losses. Names are compared without their prefixes; of several types of one name the first one counts.
 class SchemaKinds
 {
 public:
@@ -29,13 +30,13 @@ public:
     /// Removes all types.
     void clear();
 
-    /// Adds a prefix that is bound to the schema language; "" for names without prefix.
+    /// Adds a prefix that is bound to the schema language anywhere in the documents; "" for names without prefix.
     void addLanguagePrefix(std::string_view prefix) { languagePrefixes.emplace(prefix); }
 
     /// Adds a simple type and returns it. The name is "" if it is anonymous.
     Index add(std::string_view name);
 
-    /// Adds the type that a type restricts, or a member of its union.
+    /// Adds the type that a type restricts, or a member of its union, by its name or by itself if it is inside.
     void addPart(Index type, std::string_view typeName) { addPart(type, {texts.keep(typeName), kNone, kNone}); }
     void addPart(Index type, Index inner) { addPart(type, {{}, inner, kNone}); }
 
@@ -51,13 +52,15 @@ public:
     /// read.
     Kind kindOf(Index type);
 
-    /// Returns the kind of the type with this name, built-in or declared.
+    /// Returns the kind of the type with this name, built-in or declared; unknown if there is none, and for complex
+    /// types.
     Kind kindOf(std::string_view typeName);
 
     /// Returns the kind of a built-in type; unknown for any other.
     Kind builtInKindOf(std::string_view typeName) const;
 
 private:
+    // A link in the list of a type's parts, newest first.
     struct Part
     {
         std::string_view typeName; // empty if `inner` is set

@@ -12,6 +12,10 @@
 #include <set>
 #include <system_error>
 
+// The schema and the documents that it refers to are parsed once each, into outlines. The table takes the declarations
+// from these, and the model is made of the table: a record for each entry with children, and a field for each child.
+// Where the result differs from what a declaration means, SchemaFieldCheck reports it when all fields are known.
+
 SchemaMessage::SchemaMessage() :
     MsgBase(1), table(report, kinds, [this](const SourceFault& fault) { showFault(loadText(IDS_CYCLIC), fault); })
 {}
@@ -38,7 +42,7 @@ void SchemaMessage::onCancelled()
     table.setNames(previousNames);
 }
 
-// Runs both passes. The file is parsed once for both.
+// Runs both passes. The file is parsed once for both. A schema with a target namespace is read alone.
 int SchemaMessage::import(const CString& source, const CString& basePath, const CString& fileName,
                           SchemaTable::Outlines& outlines)
 {
@@ -55,7 +59,8 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
     return doParse(main, source);
 }
 
-// Reads a document into a new outline at the end of `outlines`. Returns false, without an outline, on failure.
+// Reads a document into a new outline at the end of `outlines`. Returns false, without an outline and without its
+// simple types, on failure. The room for the outline is sized by the file, because growing would copy it.
 bool SchemaMessage::readFile(const CString& fileName, std::uint32_t file, XmlDocument& document,
                              SchemaTable::Outlines& outlines)
 {
@@ -125,6 +130,7 @@ void SchemaMessage::reportSkipped(const SchemaOutline& outline)
         report.add(SourceReport::declarationSkipped, location.place, location.text);
 }
 
+// Makes the model. The outline of the schema is freed before, since nothing but its texts is needed then.
 int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
 {
     if (queryMainTypeName().empty())
@@ -146,6 +152,7 @@ int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
     return 1;
 }
 
+// Reports a main element that no message can have, or of which no type results.
 void SchemaMessage::noteMain(const SchemaOutline& outline)
 {
     const SchemaOutline::Index main = table.queryMainElement();
@@ -200,7 +207,8 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
 }
 
 // Declares a repeated field twice: the model makes a table of a usage that occurs more than once. Returns the last
-// declaration.
+// declaration. Any field with the name of a type gets the kind of such fields; if the table has no entry of the type,
+// setKnownTypes() makes it "String".
 TypeModel::Declared SchemaMessage::declareField(const Field& field, Element* record)
 {
     TypeModel::Declared made{};
@@ -218,7 +226,8 @@ TypeModel::Declared SchemaMessage::declareField(const Field& field, Element* rec
     return made;
 }
 
-// Sets the types that fields name. All fields of a name share one element, and the last field decides.
+// Sets the types that fields name. All fields of a name share one element, and the last field decides, so the list is
+// walked backwards and each element is set once.
 void SchemaMessage::setKnownTypes()
 {
     for (auto known = knownTypes.rbegin(); known != knownTypes.rend(); ++known)

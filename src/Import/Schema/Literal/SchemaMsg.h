@@ -6,9 +6,9 @@
 
 class XmlDocument;
 
-/// The importer of XML Schema files. Complex types become records, their elements and attributes become fields.
-/// Statements are identified by the literal prefixes "xsd:" and "xs:"; namespaces are not resolved. SchemaTable holds
-/// the declarations, and this class makes the model of them.
+/// The importer of XML Schema files, in the literal reading. Complex types become records, their elements and
+/// attributes become fields. Statements are identified by the literal prefixes "xsd:" and "xs:"; namespaces are not
+/// resolved. SchemaTable holds the declarations, and this class makes the model of them.
 class SchemaMessage : public MsgBase
 {
 public:
@@ -16,7 +16,8 @@ public:
 
     static MsgBase* New() { return new SchemaMessage; }
 
-    /// `source` is the name of the schema file. Returns 0 if it can't be loaded or has no main element.
+    /// `source` is the name of the schema file. With an empty `fileName` the documents that it refers to are not read.
+    /// Returns 0 if it can't be loaded or has no main element; the error has been shown.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
     int isFileMode() const override { return 1; }
     CString queryMainTypeName() const override { return table.queryMainType(); }
@@ -34,7 +35,8 @@ private:
         modStar = 1
     };
 
-    // The type to name in an element's fields; empty for text.
+    // The type to name in an element's fields; empty for text. Set after all fields are declared, because the last one
+    // decides.
     struct KnownType
     {
         Element* element;

@@ -4,6 +4,13 @@
 
 #include <algorithm>
 
+// The outline is filled in one pass. Besides the entries, it keeps for each prefix and tag the indexes of the
+// declarations in rising order. So the first one below an entry is found by a binary search for the entry's index; it
+// is a descendant if it comes before the entry's end.
+//
+// Statements that the tables have no place for, although they affect types, are reported here, since later steps don't
+// see them.
+
 namespace {
 
 constexpr std::array<std::string_view, 2> kPrefixes{"xsd", "xs"};
@@ -30,7 +37,8 @@ std::size_t prefixOf(XmlName name)
     return static_cast<std::size_t>(found - kPrefixes.begin());
 }
 
-// Returns true for "unbounded", and for a text that begins with a decimal integer greater than 1, of any length.
+// Returns true for "unbounded", and for a text that begins with a decimal integer greater than 1, of any length. White
+// space, a plus sign and zeros may precede it, and anything may follow.
 bool mayRepeat(std::string_view maxOccurs)
 {
     if (maxOccurs == "unbounded")
@@ -51,6 +59,8 @@ SchemaOutline::SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKin
     entries.emplace_back();
 }
 
+// Besides passing the scope on, collects the prefixes that documents bind to the language. The reading itself knows
+// only xs and xsd, but the report shall not take a built-in type for an undeclared one.
 void SchemaOutline::scope(const XmlScope& scope)
 {
     statements.scope(scope);
@@ -98,7 +108,8 @@ void SchemaOutline::endElement()
     open.pop_back();
 }
 
-// Reports statements that the tables have no place for although they affect types.
+// Reports statements that the tables have no place for although they affect types, and keeps what groups and simple
+// types say about the declarations in them.
 void SchemaOutline::noteSkipped(XmlName name, SchemaTag tag, Level& level)
 {
     const std::string_view base = statements.valueOf(SchemaAttribute::base);
@@ -145,6 +156,8 @@ void SchemaOutline::noteSkipped(XmlName name, SchemaTag tag, Level& level)
     }
 }
 
+// Adds what a statement says about the simple type around it to `kinds`. A restriction or a union is a level of the
+// same type.
 void SchemaOutline::noteSimpleType(SchemaTag tag, Level& level)
 {
     const Level& around = open.back();
@@ -177,7 +190,7 @@ void SchemaOutline::noteSimpleType(SchemaTag tag, Level& level)
     }
 }
 
-// Reports further properties of a declaration that the tables have no place for.
+// Reports further properties of a declaration that the tables have no place for. The declaration is the last entry.
 void SchemaOutline::noteDeclaration(SchemaTag tag)
 {
     const SchemaDeclaration& declaration = entries.back().declaration;
@@ -243,7 +256,8 @@ SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
     return place;
 }
 
-// Names become names of types and folders, so they have the same bound as names in XML.
+// Names become names of types and folders, so they have the same bound as names in XML. The mark follows each name in
+// memory, so that the name with and without it are views.
 std::string_view SchemaOutline::keepName(std::string_view name)
 {
     if (name.size() > kMaxXmlName)
@@ -251,6 +265,8 @@ std::string_view SchemaOutline::keepName(std::string_view name)
     return texts.keep({name, SchemaDeclaration::kMark});
 }
 
+// Reads the attributes that the literal reading knows. Those that the language doesn't allow there are reported, but
+// take effect, except `abstract`.
 SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
 {
     SchemaDeclaration out;
@@ -287,6 +303,7 @@ SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
     return out;
 }
 
+// The first one with the prefix xsd takes precedence over an earlier one with xs.
 SchemaOutline::Index SchemaOutline::getNode(Index from, Tag tag) const
 {
     for (const auto& byTag : places) {
@@ -298,6 +315,7 @@ SchemaOutline::Index SchemaOutline::getNode(Index from, Tag tag) const
     return kNone;
 }
 
+// Returns the complex types with the prefix xsd; in a document without any, those with xs.
 const std::vector<SchemaOutline::Index>& SchemaOutline::mainTypes() const
 {
     return places[0][complexType].empty() ? places[1][complexType] : places[0][complexType];

@@ -38,7 +38,7 @@ struct SchemaDeclaration
 
 /// The declarations of one schema document that the literal reading supports: xsd:element, xs:element and so on, by
 /// these literal names, at any depth. It is filled while the document is parsed. Searches return what a walk over the
-/// document would, without a walk.
+/// document would, without a walk: types nest, so walks below each of them would be quadratic in the depth.
 class SchemaOutline : public XmlHandler
 {
 public:
@@ -61,7 +61,8 @@ public:
         SourcePlace place;
     };
 
-    /// `file` is the document's number in the report. Simple types are added to `kinds`.
+    /// `file` is the document's number in the report. Simple types are added to `kinds`. Both objects must live as long
+    /// as the outline.
     SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKinds& kinds);
 
     /// Makes room for the declarations of a document of `size` bytes at once. Growing step by step would copy them and
@@ -78,12 +79,13 @@ public:
     /// Reports the findings in the document. Call it if the document is part of the schema.
     void finish() { statements.finish(); }
 
-    /// Returns the place of a declaration.
+    /// Returns the place of a declaration in the source.
     SourcePlace placeOf(Index at) const { return {file, entries[at].declaration.line, entries[at].declaration.column}; }
 
     /// Returns the number of declarations, the root included.
     std::size_t size() const { return entries.size(); }
 
+    /// Returns a declaration. Valid until keepTextsOnly(); its texts as long as the outline.
     const SchemaDeclaration& operator[](Index at) const { return entries[at].declaration; }
 
     /// Returns the first descendant, at any depth, named "xsd:" + tag; if there is none, the first named "xs:" + tag;
@@ -103,7 +105,7 @@ public:
     bool holdsTypeNamed(std::string_view name) const;
 
     /// Returns the complex type that a declaration names or holds; kNone if there is none. A named one must be at the
-    /// top.
+    /// top, and is searched there from the first type on.
     Index typeOf(Index declaration) const;
 
     /// Returns the documents that the schema includes, imports or redefines, in document order.
@@ -118,13 +120,16 @@ public:
     /// Returns whether the root has a targetNamespace.
     bool hasTargetNamespace() const { return isTargeted; }
 
-    /// Frees everything except the texts, which the table's entries refer to.
+    /// Frees everything except the texts, which the table's entries refer to. Called before the model is built, so that
+    /// both are not in memory together: that takes a seventh to a fifth off the peak of a large schema.
     void keepTextsOnly();
 
 private:
     static constexpr unsigned kTags = 3;
     static constexpr std::size_t kBytesOfADeclaration = 48; // a low estimate: unused room is never touched
 
+    // A declaration with what the searches need. Entries are in document order, so the descendants of one are those
+    // after it, before `end`.
     struct Entry
     {
         SchemaDeclaration declaration;
@@ -135,7 +140,8 @@ private:
         mutable bool isRead = false;
     };
 
-    // An open element of the document.
+    // An open element of the document, declaration or not. Siblings are linked below each of them; only a declaration
+    // keeps its first children.
     struct Level
     {
         Index place = kNone; // kNone if it is not a declaration
@@ -165,5 +171,6 @@ private:
     SchemaKinds& kinds;
     std::uint32_t file;
     bool isTargeted = false;
+    // Made at the first holdsTypeNamed().
     mutable std::optional<std::unordered_set<std::string_view, KeyHash>> typeNames;
 };

@@ -1,11 +1,19 @@
 #include "Import/Schema/Literal/SchemaTable.h"
 
+// A pass enters the top-level elements of all its documents in the table, then their complex types with all that they
+// hold. The key of an entry is that of its record followed by its name, so a field is an entry of its own for each
+// record, but takes the type of an earlier entry of its name alone. After the second pass, the types that fields name
+// are pulled from the entries of the first one.
+//
+// A schema that refers to no other document would give the same table in both passes, so the second one is left out
+// then.
+
 namespace {
 
 constexpr std::string_view kAnonymousType = "AnonymousType";
 constexpr std::string_view kStringType = "xsd:string";
 
-// Returns whether a declaration has its type inside.
+// Returns whether a declaration has its type inside, at any depth.
 bool holdsType(const SchemaOutline& outline, SchemaOutline::Index at)
 {
     return outline[at].type == kAnonymousType &&
@@ -69,7 +77,8 @@ bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
     return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
 }
 
-// Turns the table of the include pass into the include table, and leaves the element table empty.
+// Turns the table of the include pass into the include table, and leaves the element table empty. The entries stay
+// where they are, so nothing is copied.
 void SchemaTable::copyElementList()
 {
     std::swap(includedElements, schemaElements);
@@ -92,7 +101,8 @@ void SchemaTable::clear()
 }
 
 // Returns the name of the main element: the first top-level element that has no type attribute, whose own type is then
-// read, or whose type is among the document's complex types.
+// read, or whose type is among the document's complex types. Empty if there is none. Elements without any attribute are
+// passed over. In a document without complex types, the search ends at the first element with a type.
 std::string_view SchemaTable::getRootTag(const SchemaOutline& outline)
 {
     for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
@@ -202,7 +212,7 @@ bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
 }
 
 // Starts a list of fields. The entries of the first fields are prefetched, so that cache misses in the large table
-// overlap.
+// overlap. Three ahead, because one field is done before its memory has come.
 void SchemaTable::enterList(const SchemaOutline& outline, TypeWalk& walk, Index first) const
 {
     constexpr int kAhead = 3;
@@ -211,6 +221,7 @@ void SchemaTable::enterList(const SchemaOutline& outline, TypeWalk& walk, Index 
         prefetchNext(outline, walk);
 }
 
+// Prefetches the slots of the field's own key and of its name alone, which addSchemaElement() looks up.
 void SchemaTable::prefetchNext(const SchemaOutline& outline, TypeWalk& walk) const
 {
     if (walk.ahead == SchemaOutline::kNone)
@@ -268,7 +279,8 @@ bool SchemaTable::matchesEarlier(const SchemaEntryContent& content, const Schema
 }
 
 // Adds a declaration once, and appends it to its parent. Returns the entry; null if it has the name of its parent. A
-// type that is already registered under the name alone takes precedence.
+// type that is already registered under the name alone takes precedence. A declaration that is there already is
+// appended again: two usages in a record make a table, which is a loss if the declarations are alternatives.
 SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, const Record& parent)
 {
     cancelPoint.pass();
@@ -317,6 +329,8 @@ void SchemaTable::mergeLists()
     }
 }
 
+// Pulls the entry of a type, unless the schema declares it itself. A child that the schema declares is replaced by the
+// schema's own entry.
 void SchemaTable::pull(const Fingerprint& type)
 {
     if (schemaElements.find(type))

@@ -15,31 +15,37 @@
 /// The declarations of a schema by name; the outlines hold the texts. A schema is read in two passes. The first covers
 /// the schema and every document that it includes, imports or redefines. The second covers the schema alone, and then
 /// pulls types from the first that are named but not declared.
+///
+/// The rules of the literal reading are fixed, odd ones included, and docs/formats.md lists them. For each schema call
+/// readIncluded(), readMain(), then the queries, then clear() before its outlines are destroyed.
 class SchemaTable
 {
 public:
-    /// The schema itself, followed by the documents that it refers to.
+    /// The schema itself, followed by the documents that it refers to. A deque, because entries and locations refer to
+    /// an outline while further ones are added.
     using Outlines = std::deque<SchemaOutline>;
-    /// Receives a declaration that is skipped because it lies directly inside one of its name.
+    /// Receives a declaration that is skipped because it lies directly inside one of its name, as an error to show.
     using CycleHandler = std::function<void(const SourceFault& fault)>;
     using Entries = KeyedTable<SchemaElement, &SchemaElement::queryKey, Fingerprint>;
 
-    /// `report` gets the losses.
+    /// `report` gets the losses. Report and kinds must live as long as the table.
     SchemaTable(SourceReport& report, SchemaKinds& kinds, CycleHandler onCycle) :
         report(report), kinds(kinds), onCycle(std::move(onCycle))
     {}
 
-    /// Runs the first pass, if the schema is a file, and finds the main element. Until then the main element and root
-    /// type of the previous schema stay in effect.
+    /// Runs the first pass, if the schema is a file, and finds the main element. `outlines` must not be empty; they are
+    /// read, and all but the first are reduced to their texts. Until then the main element and root type of the
+    /// previous schema stay in effect.
     void readIncluded(Outlines& outlines, bool isFile);
 
-    /// Runs the second pass over the same schema.
+    /// Runs the second pass over the same schema, and reports its declarations that were not used.
     void readMain(const SchemaOutline& main);
 
     /// Removes everything except the names of main element and root type.
     void clear();
 
-    /// The names that stay from one schema to the next: main element, the previous one, root type.
+    /// The names that stay from one schema to the next: main element, the previous one, root type. They are restored
+    /// when an import is cancelled.
     using Names = std::array<CString, 3>;
     Names queryNames() const { return {mainType, earlierMainType, rootTypeName}; }
     void setNames(const Names& names) { std::tie(mainType, earlierMainType, rootTypeName) = std::tuple_cat(names); }
@@ -50,7 +56,7 @@ public:
     /// Returns the type that the main element names; its entry has the main element's name.
     const CString& queryRootTypeName() const { return rootTypeName; }
 
-    /// Return the entries in order: the declarations of the schema, then the pulled ones.
+    /// Return the entries in order: the declarations of the schema, then the pulled ones. Valid until clear().
     const Entries& queryDeclared() const { return schemaElements; }
     const std::deque<SchemaElement*>& queryPulled() const { return pulled; }
 
