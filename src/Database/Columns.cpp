@@ -11,7 +11,7 @@ namespace {
 // than a few single ones.
 constexpr int kMaxSingleLookups = 12;
 
-constexpr char kAny = '\x80';
+constexpr char kAny = '\x80'; // a continuation byte, so no other character becomes it
 
 // Returns a name in lower case, with `kAny` for each character outside of ASCII, because a database may compare those
 // by its own collation.
@@ -48,6 +48,7 @@ std::vector<std::pair<CString, CString>> listTables(CDatabase* database, const c
 
 std::set<CString> CColumns::qualifiersOf(const char* table)
 {
+    // The result of a single lookup needs no comparison, because the server has compared the names itself.
     const bool isSingle = lookups++ < kMaxSingleLookups;
     if (isSingle || lookups == kMaxSingleLookups + 1)
         listed = listTables(queryDatabase(), isSingle ? table : nullptr);

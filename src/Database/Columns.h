@@ -8,7 +8,8 @@
 #include <utility>
 #include <vector>
 
-/// The columns of tables, as a data source's catalogue lists them (SQLColumns).
+/// The columns of tables, as a data source's catalogue lists them (SQLColumns). It knows no table: a pattern may return
+/// the columns of several, which queryTable() tells apart.
 class CColumns : public CRecordset
 {
 public:
@@ -22,6 +23,7 @@ public:
 
     TableName queryTable() const { return {tableQualifier, tableOwner, tableName}; } ///< of the current row
 
+    // The columns of the current row, in ODBC's order (SQLColumns). A null is empty or 0.
     CString tableQualifier;
     CString tableOwner;
     CString tableName;
@@ -41,6 +43,6 @@ protected:
 private:
     std::set<CString> qualifiersOf(const char* table);
 
-    int lookups = 0;
+    int lookups = 0;                                 // calls of qualifiersOf()
     std::vector<std::pair<CString, CString>> listed; // tables and their qualifiers, a cache
 };

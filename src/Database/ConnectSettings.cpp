@@ -7,7 +7,8 @@
 namespace {
 
 // Returns the position of the brace that ends a value in braces, in which "}}" stands for a brace; 0 for a value
-// without braces, npos if no brace ends it.
+// without braces, npos if no brace ends it. 0 serves as a start for the search of the semicolon in both cases, because
+// it can't be the position of an end.
 std::size_t endOfBraces(std::string_view text)
 {
     std::size_t at = text.starts_with('{') ? text.find('}') : 0;
@@ -16,6 +17,7 @@ std::size_t endOfBraces(std::string_view text)
     return at;
 }
 
+// Returns an entry of the file that FILEDSN names; empty if there is none.
 CString fileText(const CString& file, const char* attribute)
 {
     std::array<char, 1024> value = {};
@@ -45,6 +47,7 @@ std::vector<CString> valuesOf(std::string_view connection, std::string_view name
     std::vector<CString> values;
     for (ConnectAttribute attribute; !(attribute = attributeOf(connection, name)).whole.empty();) {
         values.push_back(withoutBraces(attribute.value));
+        // `attribute.whole` is a view of `connection`, so the difference is its offset.
         connection.remove_prefix(static_cast<std::size_t>(attribute.whole.data() - connection.data()) +
                                  attribute.whole.size());
     }

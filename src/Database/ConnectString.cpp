@@ -16,7 +16,8 @@
 
 namespace {
 
-// SQLite's lock timeout in milliseconds. Opening a database that another program has locked takes three times as long.
+// SQLite's lock timeout in milliseconds. Opening a database that another program has locked takes three times as long,
+// which is still within the usual time for a logon (CDatabase::loginTimeout).
 constexpr std::string_view kLockTimeout = "Timeout=3400;";
 
 // Appends a value in braces, inside which drivers neither decode anything nor see the end of the value. A brace within
@@ -35,7 +36,8 @@ bool isPlain(const CString& value)
 }
 
 // Returns the user's odbc.ini if the driver manager ignores it because it can't append to it, else empty. The driver
-// itself is still found there, but would use its defaults for everything else.
+// itself is still found there, but would use its defaults for everything else. unixODBC looks in the account's home
+// folder, whatever HOME is.
 CString unreadableUserFile()
 {
     const char* const variable = std::getenv("ODBCINI");
@@ -44,6 +46,7 @@ CString unreadableUserFile()
     return ::access(file.c_str(), W_OK) != 0 && errno != ENOENT ? file : "";
 }
 
+// The mode is global to the library; both files are what all other calls need.
 bool isInUserFile(const CString& dataSource)
 {
     SQLSetConfigMode(ODBC_USER_DSN);
@@ -78,6 +81,7 @@ CString dataSourceText(const CString& name)
 {
     std::vector<DataSource> sources;
     listDataSources(sources);
+    // As the driver manager compares them.
     const auto found =
         std::ranges::find_if(sources, [&](const DataSource& source) { return isSameAscii(source.name, name); });
     const CString unread = unreadableUserFile();
@@ -134,6 +138,7 @@ CString identityOf(const CString& source)
         CString value = withoutBraces(attributeOf(connection, name).value);
         if (value.empty())
             continue;
+        // A file has many names; relative ones depend on the current folder.
         if (std::string_view(name) == "Database" && hasDriver(connection, {"sqlite"}))
             value = std::filesystem::absolute(value).lexically_normal().string();
         identity += CString(identity.empty() ? "" : ";") + shown + "=" + value;

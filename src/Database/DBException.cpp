@@ -13,7 +13,7 @@
 namespace {
 
 // Diagnostics are cut here. A driver may quote a whole statement, and its start is enough for a message box.
-constexpr std::size_t kMessageSize = 512;
+constexpr std::size_t kMessageSize = 512; // bytes
 
 // Parts of the messages with which PostgreSQL servers refuse a user or a password, in their languages. Names in quotes
 // are removed first, which leaves two blanks after "role".
@@ -24,6 +24,8 @@ constexpr const char* kRefusals[] = {"pass",   "auth", "autent", "парол", "
 constexpr std::pair<std::string_view, std::string_view> kQuotes[] = {
     {"\"", "\""}, {"»", "«"}, {"«", "»"}, {"„", "“"}, {"“", "”"}};
 
+// Returns the text without what is in quotation marks, so that a user called "pass" or a host called "authors" doesn't
+// look like a refusal. An open quotation mark hides the rest.
 CString withoutNames(std::string_view text)
 {
     CString kept;
@@ -49,6 +51,8 @@ CDBException::CDBException(const CString& sqlState, int native, const CString& w
 
 bool CDBException::isLogonRefused() const
 {
+    // SQLSTATE class 28: invalid authorization. PostgreSQL's driver reports 08001 for a wrong password as well as for a
+    // refused port (class 08: connection exception), so the text decides there.
     if (state.starts_with("28"))
         return true;
     if (!state.starts_with("08"))
@@ -63,6 +67,7 @@ void CDBException::raise(short handleKind, void* handle)
     std::array<SQLCHAR, kMessageSize> buffer;
     SQLINTEGER native = 0;
     SQLSMALLINT length = 0;
+    // The general error, for a driver without diagnostics.
     CString firstState = "S1000", text;
     int firstNative = 0;
     for (SQLSMALLINT record = 1;
@@ -83,6 +88,7 @@ void CDBException::raise(short handleKind, void* handle)
 std::string_view driverText(const char* buffer, std::size_t capacity)
 {
     std::string_view text(buffer, strnlen(buffer, capacity - 1));
+    // The driver had more to say.
     if (text.size() == capacity - 1)
         dropPartialCharacter(text);
     return trimmed(text);

@@ -13,6 +13,7 @@ bool listDataSources(std::vector<DataSource>& out)
     const EnvironmentHandle environment = allocateEnvironment();
     if (!environment)
         return false;
+    // Names of more than 32 characters can be listed but not opened (IM012).
     std::array<SQLCHAR, 50> name;
     std::array<SQLCHAR, 300> description;
     const auto text = [](auto& buffer) {

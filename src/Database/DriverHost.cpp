@@ -20,11 +20,14 @@ SQLCHAR* sqlText(const CString& text)
     return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str()));
 }
 
+// ODBC passes numbers as pointers (SQLSetConnectAttr).
 SQLPOINTER numberAttribute(SQLULEN value)
 {
     return reinterpret_cast<SQLPOINTER>(value);
 }
 
+// Returns a connection that is not open, or null. A driver may ignore or reject either attribute, which is why the
+// results are not checked.
 ConnectionHandle allocateConnection(void* environment, bool isReadOnly, SQLULEN loginSeconds)
 {
     SQLHANDLE raw = SQL_NULL_HANDLE;
@@ -39,8 +42,10 @@ ConnectionHandle allocateConnection(void* environment, bool isReadOnly, SQLULEN 
 bool connect(void* connection, const CString& text)
 {
     const MemoryWipe wipe; // drivers copy the password
+    // SQL_DRIVER_NOPROMPT: no driver may open a window, least of all in this process.
     const SQLRETURN result =
         SQLDriverConnect(connection, nullptr, sqlText(text), SQL_NTS, nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+    // SQL_NO_DATA is a dialog that was cancelled, so nothing has failed.
     if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
         CDBException::raise(SQL_HANDLE_DBC, connection);
     return SQL_SUCCEEDED(result);
@@ -64,6 +69,7 @@ CString startRequest(DriverRequest request)
 CString DriverHost::answer(std::string_view request)
 {
     try {
+        // An exception drops what is in this answer already.
         CString answer = startWith(DriverOutcome::done);
         MessageReader reader(request);
         carryOut(reader, answer);
@@ -142,6 +148,7 @@ void DriverHost::listCatalogue(MessageReader& request, CString& answer)
 
 void DriverHost::prepare(const CString& sql)
 {
+    // Stays null if the preparation fails, and is tried again the next time.
     StatementHandle& statement = prepared[sql];
     if (statement)
         return;
@@ -151,6 +158,7 @@ void DriverHost::prepare(const CString& sql)
     statement = std::move(made);
 }
 
+// The statement may have been prepared by an earlier request; the text is its key.
 void DriverHost::run(MessageReader& request, CString& answer)
 {
     const CString sql(request.text());

@@ -9,7 +9,8 @@
 class MessageReader;
 
 /// The requests to a driver's process. A request is one of these numbers with its arguments; a successful answer is
-/// DriverOutcome::done with its results. Both are given here as (arguments) -> (results).
+/// DriverOutcome::done with its results. Both are given here as (arguments) -> (results). The connection's side is
+/// CDatabase, CRecordset and CStatement.
 enum class DriverRequest : std::int32_t
 {
     open,      ///< (read only, logon seconds, connection string) -> (is open, owner usage, qualifier usage)
@@ -22,7 +23,7 @@ enum class DriverRequest : std::int32_t
 /// Returns the start of a request; append its arguments with putNumber() and putText().
 CString startRequest(DriverRequest request);
 
-/// The first number of an answer.
+/// The first number of an answer. noMemory is the driver process's, and becomes std::bad_alloc in the program.
 enum class DriverOutcome : std::int32_t
 {
     done,
@@ -38,7 +39,8 @@ enum class CatalogueOutcome : std::int32_t
     unsupported ///< the driver lacks the function
 };
 
-/// One connection in its driver's process. Drivers are called nowhere else.
+/// One connection in its driver's process. Drivers are called nowhere else. Runs in the driver's process, in one
+/// thread. Requests other than `open` need an open connection.
 class DriverHost
 {
 public:
@@ -46,6 +48,7 @@ public:
     CString answer(std::string_view request);
 
 private:
+    // Each appends its results to `answer`, and throws CDBException or std::bad_alloc.
     void carryOut(MessageReader& request, CString& answer);
     void open(MessageReader& request, CString& answer);
     void execute(const CString& sql);
@@ -61,6 +64,8 @@ private:
 
     EnvironmentHandle environment; // above the connection, which must be freed first
     ConnectionHandle connection;
+    // Below the connection, because statements must be freed first. Kept to the end of the connection: a client
+    // prepares a few statements and runs them many times.
     std::map<CString, StatementHandle> prepared; // by SQL text
 };
 

@@ -10,12 +10,15 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 
+// A message is its length and its bytes. A number takes four bytes, a text its length in eight and its bytes, an
+// optional text a number that tells whether the text follows.
 namespace {
 
 // Precedes each message, in native byte order, because both ends run the same program.
 using Length = std::uint64_t;
 
-// The rest of a message and its length, transferred by one sendmsg(2) or recvmsg(2).
+// The rest of a message and its length, transferred by one sendmsg(2) or recvmsg(2). The length needs no copy of the
+// message in front of it.
 struct Transfer
 {
     Transfer(const Length* length, const char* message, std::size_t size) :
@@ -29,6 +32,7 @@ struct Transfer
 
     std::size_t left() const { return parts[0].iov_len + parts[1].iov_len; }
 
+    // Moves past the bytes transferred, which may end in either part.
     void advance(std::size_t size)
     {
         for (iovec& part : parts) {
@@ -43,6 +47,7 @@ struct Transfer
     msghdr header = {};
 };
 
+// Returns whether a call that failed with this errno value can be repeated.
 bool isAgain(int error)
 {
     return error == EAGAIN || error == EINTR;
@@ -114,6 +119,7 @@ bool sendMessage(int socket, std::string_view message, const SocketWait& wait)
 
 bool receiveMessage(int socket, CString& message, const SocketWait& wait)
 {
+    // Requests and answers alternate, so the socket never holds bytes of a further message.
     std::array<char, 16 * 1024> piece;
     Length length = 0;
     std::size_t lengthLeft = sizeof length;

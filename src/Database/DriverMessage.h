@@ -13,7 +13,9 @@ void putNumber(CString& message, std::int32_t number);
 void putText(CString& message, std::string_view text);
 void putOptionalText(CString& message, const std::optional<CString>& text);
 
-/// Reads the parts of a message in order. Throws CDBException if the message ends too early.
+/// Reads the parts of a message in order, as views into it. Throws CDBException if the message ends too early, because
+/// a driver may have damaged the memory of its process. Kinds are not marked in the message: both sides are the same
+/// program.
 class MessageReader
 {
 public:
@@ -32,9 +34,12 @@ private:
     std::string_view left;
 };
 
-/// Returns when the socket is ready for `events` of poll(2). May throw to end the wait.
+/// Returns when the socket is ready for `events` of poll(2). May throw to end the wait. Called with POLLIN before each
+/// receive, and with POLLOUT after a send that would block.
 using SocketWait = std::function<void(short events)>;
 
-/// Send or receive a whole message. Both return false if the other side has closed the socket.
+/// Send or receive a whole message. Both return false if the other side has closed the socket. The socket is never left
+/// blocking, so that `wait` can end it at any time. After an exception or a false result, a message may be half sent,
+/// and the socket is of no more use.
 bool sendMessage(int socket, std::string_view message, const SocketWait& wait);
 bool receiveMessage(int socket, CString& message, const SocketWait& wait);

@@ -26,10 +26,12 @@ using std::chrono::milliseconds;
 
 namespace {
 
+// An answer ends the wait at once; the interval is the delay of a cancellation or timeout.
 constexpr milliseconds kPollInterval(50);
 constexpr milliseconds kGrace(500);       // for a call to complete after it was cancelled
 constexpr milliseconds kDisconnect(2000); // for a driver to disconnect
 
+// Set before the first connection, so it needs no lock.
 bool areThreadsUsed = false;
 
 [[noreturn]] void raise(const char* what, int error)
@@ -65,7 +67,8 @@ void forgetHandlers()
 }
 
 // Closes all descriptors but the socket, so that the driver has none of the program's files, windows and connections.
-// Standard error stays open for the sanitizers.
+// Standard error stays open for the sanitizers. Standard input and output go to /dev/null instead, or the driver's next
+// file would get their numbers.
 void closeAllBut(int socket)
 {
     if (const int nothing = ::open("/dev/null", O_RDWR); nothing >= 0) {
@@ -106,6 +109,8 @@ void removeDriverLog(pid_t process) noexcept
 // which may create the log, and to exit; it may never return from a call.
 void exitWithProgram(int socket)
 {
+    // No event is asked for: poll(2) reports a hang-up and errors all the same, and requests are left to the other
+    // thread.
     pollfd end = {socket, 0, 0};
     while (::poll(&end, 1, -1) < 0) {
     }
@@ -134,6 +139,7 @@ void DriverProcess::useThreads()
 
 DriverProcess::DriverProcess(CString source) : source(std::move(source))
 {
+    // Closed on exec, so that a program that is started meanwhile doesn't keep the socket open.
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
         raise("Can't create a pipe to the driver's process", errno);
@@ -207,13 +213,15 @@ void DriverProcess::raiseExit()
 // kDisconnect.
 void DriverProcess::disconnect() const
 {
+    // The process reads the end of its requests, leaves serveDriver() and frees the connection.
     ::shutdown(socket, SHUT_WR);
     pollfd closed = {socket, POLLIN, 0};
     while (::poll(&closed, 1, static_cast<int>(kDisconnect.count())) < 0 && errno == EINTR) {
     }
 }
 
-// Ends the process, by SIGKILL if it still runs, and returns its status as waitpid(2) reports it; 0 if unknown.
+// Ends the process, by SIGKILL if it still runs, and returns its status as waitpid(2) reports it; 0 if unknown. Waits
+// without a limit only after SIGKILL, which no process survives.
 int DriverProcess::end()
 {
     ::close(std::exchange(socket, -1));

@@ -10,6 +10,7 @@ void FreeEnvironment::operator()(void* environment) const noexcept
 
 void FreeConnection::operator()(void* connection) const noexcept
 {
+    // Fails without harm if the connection was never opened.
     SQLDisconnect(connection);
     SQLFreeHandle(SQL_HANDLE_DBC, connection);
 }
@@ -22,6 +23,7 @@ void FreeStatement::operator()(void* statement) const noexcept
 EnvironmentHandle allocateEnvironment()
 {
     SQLHENV raw = SQL_NULL_HENV;
+    // SQLAllocHandle() would leave the version to a further call; this function is ODBC 2 by itself.
     if (SQLAllocEnv(&raw) != SQL_SUCCESS)
         return {};
     return EnvironmentHandle(raw);

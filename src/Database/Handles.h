@@ -2,6 +2,8 @@
 
 #include <memory>
 
+// Owners of ODBC handles. A handle must be freed before the one that it was allocated from. ODBC's headers stay out of
+// this one, so handles are void pointers.
 struct FreeEnvironment
 {
     void operator()(void* environment) const noexcept;

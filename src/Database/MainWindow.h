@@ -9,11 +9,11 @@ class MainWindow
 public:
     virtual ~MainWindow() = default;
 
-    /// Returns the run's open ODBC connection, or null if no data source is open.
+    /// Returns the run's open ODBC connection, or null if no data source is open. The window owns it.
     virtual CDatabase* queryDatabase() = 0;
 };
 
-/// Returns the current main window, or null.
+/// Returns the current main window, or null. Used by the thread of the window only.
 MainWindow* mainWindow();
 
 /// Sets the main window, which must stay valid until another one or null is set.

@@ -14,10 +14,15 @@
 #include <unistd.h>
 #include <vector>
 
+// Each connection is a process (DriverProcess), and each request to it one message with one answer (DriverHost). What
+// fails in the driver comes back as an answer and leaves the connection open, unless it is lost. What fails between the
+// processes ends the connection, because it is unknown how far the driver came.
 namespace {
 
+// A prefix that other frameworks put before connection strings. The driver manager rejects it (IM002).
 constexpr std::string_view kFrameworkPrefix = "ODBC;";
 
+// Returns the connection string of a source without a logon.
 CString sourceText(const CString& source)
 {
     if (source.find('=') == CString::npos)
@@ -40,7 +45,8 @@ void buildConnectString(CString& out, const CString& source, CDatabase::Access a
 }
 
 // Returns the file of a source whose driver opens a file, with the reason why it can't be opened; empty for other
-// sources, and if it can. The driver's own error has neither.
+// sources, and if it can. The driver's own error has neither. Asked only after a failure, because the file may change
+// between the test and the driver's own access.
 CString fileProblem(const CString& connection)
 {
     if (!hasDriver(connection, {"sqlite"}))
@@ -129,6 +135,7 @@ void CDatabase::Close()
 
 CString CDatabase::call(std::string_view request)
 {
+    // Also after a failed call, which has closed the connection.
     if (!process)
         throw CDBException("08003", 0, "The connection to the database is gone");
     CString answer;
@@ -141,6 +148,7 @@ CString CDatabase::call(std::string_view request)
     MessageReader reader(answer);
     switch (static_cast<DriverOutcome>(reader.number())) {
     case DriverOutcome::done:
+        // Only the results: the outcome is cut off in place, without a copy.
         return answer.erase(0, answer.size() - reader.size());
     case DriverOutcome::noMemory:
         throw std::bad_alloc();

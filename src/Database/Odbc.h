@@ -13,7 +13,9 @@ struct TlsAttempt;
 // ODBC through the driver manager unixODBC, whose headers stay inside this folder's sources. Names and texts are UTF-8
 // in both directions and use the narrow functions, because drivers lose names in the wide ones.
 
-/// One connection to a data source. Its driver runs in a process of its own.
+/// One connection to a data source. Its driver runs in a process of its own. One thread may use it at a time. The
+/// driver manager's cursor library is not used: it adds nothing to rows that are read forwards, and may not be
+/// installed.
 class CDatabase
 {
 public:
@@ -30,7 +32,8 @@ public:
 
     /// Opens a data source by name, or by connection string if `source` contains '='. `logon` is appended, see
     /// logonText(). Returns false if the driver manager can't even try to connect; throws CDBException if the driver
-    /// fails, or the server is silent for `loginTimeout`. The driver never prompts.
+    /// fails, or the server is silent for `loginTimeout`. The driver never prompts. Closes an open connection first.
+    /// The password in `logon` is copied into storage that is wiped; the caller wipes its own.
     bool Open(const CString& source, Access access = readOnly, const CString& logon = {});
 
     /// Disconnects and ends the driver's process, which frees all that the driver had in memory. Does nothing if not
@@ -53,13 +56,15 @@ public:
     bool hasOwners() const { return ownerUsage != 0; }
     bool hasQualifiers() const { return qualifierUsage != 0; }
 
-    /// The time limit for a logon.
+    /// The time limit for a logon. Drivers count it themselves, where they can. Change both limits before Open() only.
     std::chrono::seconds loginTimeout{15};
 
-    /// The time limit for one statement.
+    /// The time limit for one statement. It holds for a logon, too.
     std::chrono::milliseconds timeout = std::chrono::seconds(60);
 
 private:
+    // connect() makes one attempt and leaves the connection open or closed as it returns or throws. canConnect() leaves
+    // it closed.
     bool connect(const CString& connection, Access access, const TlsAttempt& attempt);
     bool canConnect(const CString& connection, Access access, const TlsAttempt& attempt);
 

@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <utility>
 
+// The rows of a result arrive in one answer, packed as texts and numbers in the order of the columns, and stay so. The
+// members of the derived class hold the current row only.
 namespace {
 
 // The position of TABLE_NAME in the arguments and the rows of SQLTables and SQLColumns.
@@ -49,6 +51,7 @@ int CRecordset::openCatalogue(unsigned short function, std::vector<Arguments> ca
     const CString name = calls.front()[kTableName].value_or("");
     if (!isOpen || !IsEOF() || name.find('\\') == CString::npos)
         return isOpen;
+    // "_" matches any character, also a backslash, and means the same to all drivers.
     for (Arguments& call : calls)
         std::ranges::replace(*call[kTableName], '\\', '_');
     if (!run(function, calls))
@@ -62,6 +65,7 @@ int CRecordset::run(unsigned short function, const std::vector<Arguments>& calls
     Close();
     if (!database || !database->IsOpen())
         return 0;
+    // Not in the constructor, which can't call the derived class yet.
     fields = {};
     DoFieldExchange(fields);
     CString request = startRequest(DriverRequest::catalogue);
@@ -86,6 +90,7 @@ int CRecordset::run(unsigned short function, const std::vector<Arguments>& calls
     return 1;
 }
 
+// Keeps the rows of exactly this table, since "_" may have matched other names.
 void CRecordset::keepRowsOf(const CString& table)
 {
     CString kept;

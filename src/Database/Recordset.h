@@ -9,7 +9,7 @@
 #include <vector>
 
 /// The list of a recordset's members, in the order of the result's columns. Texts are cut at 255 bytes, between
-/// characters.
+/// characters. Holds pointers to the members, so it is valid as long as the recordset.
 class CFieldExchange
 {
 public:
@@ -22,7 +22,8 @@ public:
     /// Returns a letter for each column: t for a text, n for a number.
     CString shape() const;
 
-    /// Loads the first row of `rows` into the members and returns its length in bytes.
+    /// Loads the first row of `rows` into the members and returns its length in bytes. Throws CDBException if the row
+    /// is incomplete.
     std::size_t load(std::string_view rows) const;
 
 private:
@@ -36,10 +37,12 @@ private:
 };
 
 /// The rows of a result, read at once when it is opened: a static, read-only snapshot. Errors of the database throw
-/// CDBException.
+/// CDBException. A derived class adds the members of a row. It can't be copied, because the list of members has their
+/// addresses. Does not need the connection after it was opened.
 class CRecordset
 {
 public:
+    // The only type of recordset; others are stored but have no effect.
     static constexpr UINT snapshot = 1;
 
     virtual ~CRecordset() = default;
@@ -73,7 +76,8 @@ protected:
     /// Runs a catalogue function, given by its SQL_API number, once for each of `calls`, with four texts or nulls.
     /// Reads all rows and goes to the first. Without any row, looks for a table whose name has backslashes itself:
     /// drivers read them as escapes of a pattern, each by its own rules. All calls have the same table's name. Returns
-    /// 1, or 0 if the driver lacks the function, can't allocate a statement or the connection isn't open.
+    /// 1, or 0 if the driver lacks the function, can't allocate a statement or the connection isn't open. `calls` must
+    /// not be empty.
     int openCatalogue(unsigned short function, std::vector<Arguments> calls, UINT type);
 
     CDatabase* queryDatabase() const { return database; }

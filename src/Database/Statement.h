@@ -6,7 +6,8 @@
 #include <initializer_list>
 #include <vector>
 
-/// An SQL statement with question marks for its values, prepared once and run any number of times.
+/// An SQL statement with question marks for its values, prepared once and run any number of times. The driver's process
+/// keeps the prepared statement under its text until the connection closes, so equal texts share one.
 class CStatement
 {
 public:
@@ -16,7 +17,7 @@ public:
     CStatement(CDatabase& database, const CString& sql);
 
     /// Runs the statement with a text for each question mark, in order, and returns the rows of its result. Each column
-    /// is a text of any length; null becomes empty.
+    /// is a text of any length; null becomes empty. All rows are in memory. A statement without a result returns none.
     Rows execute(std::initializer_list<std::string_view> values = {});
 
 private:

@@ -34,6 +34,7 @@ void call(void* statement, unsigned short function, CatalogueArguments& argument
     std::ranges::transform(arguments, text.begin(), [](std::optional<CString>& argument) {
         return argument ? reinterpret_cast<SQLCHAR*>(argument->data()) : nullptr;
     });
+    // Both functions take four texts, each with its length.
     const auto list = function == SQL_API_SQLTABLES ? SQLTables : SQLColumns;
     // ODBC: an asynchronous call is repeated with the same arguments until it is done.
     SQLRETURN outcome;
@@ -43,6 +44,7 @@ void call(void* statement, unsigned short function, CatalogueArguments& argument
     check(outcome, statement);
 }
 
+// The driver writes to the addresses of the columns at each fetch, so the vector must not grow afterwards.
 void bind(void* statement, std::vector<Column>& columns)
 {
     SQLUSMALLINT number = 0;
@@ -102,6 +104,8 @@ CString readText(SQLHANDLE statement, SQLUSMALLINT column)
         if (left == SQL_NULL_DATA)
             return {};
         const std::size_t capacity = piece.size() - 1;
+        // SQL_SUCCESS is the last piece. SQL_SUCCESS_WITH_INFO may have another reason than a cut value, so the length
+        // decides then.
         const bool last = result == SQL_SUCCESS || (left >= 0 && static_cast<std::size_t>(left) <= capacity);
         text.append(piece.data(), strnlen(piece.data(), capacity)); // may be shorter: drivers keep characters whole
         if (last)
@@ -109,6 +113,8 @@ CString readText(SQLHANDLE statement, SQLUSMALLINT column)
     }
 }
 
+// The driver reads values and lengths during SQLExecute(), so neither vector may grow in between. Bound as text of any
+// length, for which the limits of VARCHAR don't hold; an empty value still needs a column size of 1.
 void bind(SQLHANDLE statement, std::vector<CString>& values, std::vector<SQLLEN>& lengths)
 {
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -161,6 +167,7 @@ void runStatement(SQLHANDLE statement, std::vector<CString> values, CString& out
 {
     std::vector<SQLLEN> lengths; // of the values
     lengths.reserve(values.size());
+    // The cursor of an earlier run may still be open.
     SQLFreeStmt(statement, SQL_CLOSE);
     bind(statement, values, lengths);
     const SQLRETURN result = SQLExecute(statement);

@@ -5,7 +5,8 @@
 
 #include <compare>
 
-/// A table's full name in a catalogue. Qualifier and owner are empty if the database has none.
+/// A table's full name in a catalogue. Qualifier and owner are empty if the database has none. Ordered, so that tables
+/// can be keys.
 struct TableName
 {
     CString qualifier;
@@ -23,7 +24,8 @@ struct TableName
     }
 };
 
-/// The tables of a data source, as its catalogue lists them (SQLTables).
+/// The tables of a data source, as its catalogue lists them (SQLTables). Views and system tables are listed, too,
+/// unless `tableTypes` leaves them out.
 class CTables : public CRecordset
 {
 public:

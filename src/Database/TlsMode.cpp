@@ -7,6 +7,8 @@
 #include <iterator>
 #include <optional>
 
+// libpq's six modes are the common language; each driver gets them in its own. A driver that ignores an option it
+// doesn't know would connect in plain text, so from "require" on only drivers that are known to obey are used.
 namespace {
 
 // The sslmode values of libpq, from lax to strict.
@@ -30,6 +32,7 @@ enum class Driver
     other
 };
 
+// A part of each driver's name and of its library's name, in lower case. The first row that fits counts.
 constexpr struct
 {
     Driver driver;
@@ -62,7 +65,8 @@ std::optional<Mode> modeNamed(std::string_view name)
 }
 
 // Returns the source's SSLmode, nothing if it has none. Of several, the strictest counts, because drivers don't agree
-// on whether the first or the last one does.
+// on whether the first or the last one does. Unknown modes of a driver that is not supported are its own business and
+// are skipped.
 std::optional<Mode> ownMode(const CString& connection, bool isSupported)
 {
     std::vector<CString> values = valuesOf(connection, "SSLmode");
@@ -79,6 +83,8 @@ std::optional<Mode> ownMode(const CString& connection, bool isSupported)
     return strictest;
 }
 
+// Returns the mode of PGSSLMODE. A value that libpq doesn't know counts as the strictest mode for a driver that is not
+// supported: it may have been meant to require TLS.
 Mode modeOfEnvironment(bool isSupported)
 {
     const char* const variable = std::getenv("PGSSLMODE");
@@ -89,13 +95,14 @@ Mode modeOfEnvironment(bool isSupported)
 }
 
 // Returns the attempts for MariaDB's driver. FORCETLS alone is only a preference; SSLVERIFY keeps the driver from
-// connecting in plain text.
+// connecting in plain text. Without a mode, a source that sets these itself is connected as it says.
 std::vector<TlsAttempt> mariaDbAttempts(const CString& connection, std::optional<Mode> own)
 {
     const CString force = settingOf(connection, "FORCETLS"), verify = settingOf(connection, "SSLVERIFY");
     if (!own && (!verify.empty() || (!force.empty() && force != "0")))
         return {{""}};
     const Mode mode = own ? *own : force == "0" ? disable : modeOfEnvironment(true);
+    // The second attempt is a probe: it finds out whether the server accepts the user over TLS only.
     if (mode == disable)
         return {{"FORCETLS=0;"}, {"FORCETLS=1;SSLVERIFY=0;", true}};
     if (mode < require)
@@ -107,6 +114,7 @@ std::vector<TlsAttempt> mariaDbAttempts(const CString& connection, std::optional
 
 bool TlsAttempt::mayHelp(const CDBException& error) const
 {
+    // MariaDB's error numbers ER_ACCESS_DENIED_ERROR and CR_SSL_CONNECTION_ERROR.
     constexpr int kAccessDenied = 1045, kTlsFailed = 2026;
     return error.queryNativeError() == (isProbe ? kAccessDenied : kTlsFailed);
 }

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-/// One way to connect to a source, with or without TLS.
+/// One way to connect to a source, with or without TLS. At most two are made for one connection.
 struct TlsAttempt
 {
     CString attributes; ///< for the end of the connection string, where they override earlier ones
@@ -13,7 +13,7 @@ struct TlsAttempt
     /// True if the connection is closed at once, and only shows that the server takes the user over TLS.
     bool isProbe = false;
 
-    /// Returns whether to try this way after the one before it failed with `error`.
+    /// Returns whether to try this way after the one before it failed with `error`. Asked of a second attempt only.
     bool mayHelp(const CDBException& error) const;
 };
 
