@@ -12,7 +12,7 @@
 namespace {
 
 // Describes a combo box to screen readers as Qt does, but with its label as the name. Qt uses the shown text, which can
-// be empty.
+// be empty. Children are the list and, of an editable box, the field, in this order.
 class SpokenComboBox : public QAccessibleWidget
 {
 public:
@@ -59,6 +59,8 @@ private:
     QComboBox& box;
 };
 
+// Qt asks each factory for an object's interface by the name of its class, then by those of its base classes. It owns
+// the result.
 QAccessibleInterface* speak(const QString& className, QObject* object)
 {
     auto* box = className == "ComboBox" ? qobject_cast<ComboBox*>(object) : nullptr;
@@ -67,6 +69,7 @@ QAccessibleInterface* speak(const QString& className, QObject* object)
 
 } // namespace
 
+// The factory is installed once, before the first box can be asked for its interface.
 ComboBox::ComboBox(const QString& label)
 {
     [[maybe_unused]] static const bool once = (QAccessible::installFactory(speak), true);
@@ -92,6 +95,8 @@ QComboBox* newRecentCombo(const QString& label)
     return combo;
 }
 
+// Qt emits activated() for a key and the wheel as well as for a click in the list, so those two are told apart by a
+// flag.
 ChoiceCombo::ChoiceCombo(const QString& label) : ComboBox(label)
 {
     connect(this, &QComboBox::activated, this, [this](int index) {
@@ -112,6 +117,7 @@ void ChoiceCombo::choose(int index)
         Q_EMIT chosen(index);
 }
 
+// Return and Escape have their usual effect in the window unless an entry waits to be chosen.
 void ChoiceCombo::keyPressEvent(QKeyEvent* event)
 {
     const bool isPending = currentIndex() != chosenIndex;
@@ -129,6 +135,7 @@ void ChoiceCombo::wheelEvent(QWheelEvent* event)
     ComboBox::wheelEvent(event);
 }
 
+// The entry stays while the box's own list is open or another window is used.
 void ChoiceCombo::focusOutEvent(QFocusEvent* event)
 {
     if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)

@@ -3,7 +3,7 @@
 #include <QComboBox>
 
 /// A combo box that the wheel changes only while it has the focus. Its name for screen readers is the text of its
-/// label.
+/// label. Qt would change it under the pointer while the user scrolls the page.
 class ComboBox : public QComboBox
 {
     Q_OBJECT
@@ -17,11 +17,12 @@ protected:
 };
 
 /// Returns an editable combo box with recent entries. It does not complete typed text, because a new name may begin
-/// like a recent one. `label` is the text of the label beside it.
+/// like a recent one. `label` is the text of the label beside it. The caller puts it into a layout and fills it.
 QComboBox* newRecentCombo(const QString& label);
 
 /// A combo box for choices that take time. A click or Enter chooses an entry; keys and the wheel only show it. Escape
-/// and losing the focus show the chosen entry again.
+/// and losing the focus show the chosen entry again. The shown entry is current; the chosen one is that of the last
+/// chosen() or setChosen().
 class ChoiceCombo : public ComboBox
 {
     Q_OBJECT
@@ -29,7 +30,7 @@ class ChoiceCombo : public ComboBox
 public:
     explicit ChoiceCombo(const QString& label);
 
-    /// Makes an entry the chosen one, without emitting chosen().
+    /// Makes an entry the chosen one, without emitting chosen(). Call it after the entries have changed.
     void setChosen(int index);
 
 Q_SIGNALS:

@@ -27,6 +27,7 @@ CopyRow::CopyRow(const QString& caption, const QString& button) : field(new QLin
     row->addWidget(copyButton);
 }
 
+// The whole text is kept beside the field, which takes no more than 32,767 characters.
 void CopyRow::setText(const QString& text)
 {
     constexpr qsizetype most = 2'000; // characters shown in the field

@@ -11,6 +11,7 @@ public:
     /// `caption` names the text; `button` is the button's label.
     CopyRow(const QString& caption, const QString& button);
 
+    /// Shows another text, from its start on.
     void setText(const QString& text);
 
 protected:

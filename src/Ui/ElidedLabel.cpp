@@ -13,6 +13,7 @@ ElidedLabel::ElidedLabel(const QString& text)
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
+// Returns the text as it fits the current width.
 QString ElidedLabel::shownText() const
 {
     return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());

@@ -3,7 +3,7 @@
 #include <QLabel>
 
 /// A label of one line that is elided if its text is too long, so that it does not widen the window. The tool tip then
-/// shows the whole text.
+/// shows the whole text. text() returns the whole text, which screen readers read.
 class ElidedLabel : public QLabel
 {
 public:

@@ -6,9 +6,12 @@
 
 #include <algorithm>
 
+// Files are opened by Qt's static functions, which use the desktop's dialog. A file to write needs a dialog object,
+// because only that tells when another file type is picked, and looks for the folder of a preset name.
 namespace {
 
-// Some platform dialogs match patterns with letter case, so each pattern is listed in both cases.
+// Some platform dialogs match patterns with letter case, so each pattern is listed in both cases. Qt expects "LABEL
+// (PATTERN PATTERN)".
 QStringList filterRows(const std::vector<FileFilter>& filters)
 {
     QStringList rows;
@@ -24,6 +27,7 @@ QStringList filterRows(const std::vector<FileFilter>& filters)
     return rows;
 }
 
+// Returns what the dialog shows first: a folder, with the preset name if there is one.
 QString startOf(const FileQuestion& question)
 {
     const QString name = toUi(question.name);
@@ -83,6 +87,7 @@ CString chooseFileToSave(QWidget* owner, const FileQuestion& question)
     QFileDialog dialog(owner, toUi(question.title), startOf(question));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::HideNameFilterDetails);
+    // Restricts a desktop's dialog to local files.
     dialog.setSupportedSchemes({"file"});
     dialog.setNameFilters(filterRows(question.filters));
     const auto follow = [&] { followFileType(dialog, question.filters); };

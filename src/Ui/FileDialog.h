@@ -18,11 +18,12 @@ struct FileQuestion
 {
     CString title;
     std::vector<FileFilter> filters;
-    CString folder;
-    CString name; ///< preset file name, in the folder or with a path; may be empty
+    CString folder; ///< where the dialog starts, if the name has no path
+    CString name;   ///< preset file name, in the folder or with a path; may be empty
 };
 
-/// Asks for an existing file with the platform's dialog. Returns its name, empty if the user cancels.
+/// Asks for an existing file with the platform's dialog. Returns its name, empty if the user cancels. Names are
+/// absolute. Blocks in an event loop of its own, as the functions below.
 CString chooseFileToOpen(QWidget* owner, const FileQuestion& question);
 
 /// The same for one or several files. Returns their names, sorted; empty if the user cancels.

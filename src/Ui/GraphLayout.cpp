@@ -6,6 +6,9 @@
 #include <graphviz/gvc.h>
 #include <memory>
 
+// Graphviz only computes positions. The text of the graph gives it the nodes and edges; sizes come from Qt, which draws
+// the boxes with its own fonts. Positions are read from the graph's records through the macros of its library (GD_bb,
+// ND_coord, ED_spl).
 namespace {
 
 struct CloseGraph
@@ -19,6 +22,7 @@ void set(void* object, const char* name, const CString& value, const char* other
     agsafeset(object, const_cast<char*>(name), const_cast<char*>(value.c_str()), const_cast<char*>(otherwise));
 }
 
+// Returns the node of a box; it must exist, because 0 forbids agnode() to create one.
 Agnode_t* nodeOf(Agraph_t* graph, std::size_t box)
 {
     return agnode(graph, const_cast<char*>(("t" + std::to_string(box)).c_str()), 0);
@@ -39,7 +43,8 @@ void shape(Agnode_t* node, const GraphBox& box)
 }
 
 // Distributes leaf boxes over several columns, because many of them in one column would make a tall picture. The result
-// is about as wide as high.
+// is about as wide as high. A leaf has one arrow to it and none from it. The "minlen" of its arrow moves it further to
+// the right, so leaves take turns.
 void spreadLeaves(Agraph_t* graph, const std::vector<GraphBox>& boxes)
 {
     std::vector<Agedge_t*> leafEdges;
@@ -63,6 +68,8 @@ QPointF placeOf(const pointf& point, double height)
     return {point.x, height - point.y};
 }
 
+// A curve is a list of 3 n + 1 points: the start, then two control points and an end for each piece. With an arrow
+// head, it ends at the head's base, and `ep` is the tip.
 GraphLayout::Arrow arrowOf(const bezier& curve, double height)
 {
     const auto point = [&](int i) { return placeOf(curve.list[i], height); };
@@ -72,6 +79,7 @@ GraphLayout::Arrow arrowOf(const bezier& curve, double height)
     return {line, curve.eflag ? placeOf(curve.ep, height) : line.currentPosition()};
 }
 
+// Reads the positions before gvFreeLayout() frees them. An edge without a route has no curves.
 GraphLayout read(Agraph_t* graph, const std::vector<GraphBox>& boxes)
 {
     GraphLayout layout;

@@ -8,7 +8,8 @@
 #include <optional>
 #include <vector>
 
-/// The positions of a graph's boxes and arrows, in points from the upper left corner.
+/// The positions of a graph's boxes and arrows, in points from the upper left corner. Boxes are in the order of the
+/// graph's boxes; arrows are in any order.
 struct GraphLayout
 {
     struct Arrow
@@ -21,7 +22,8 @@ struct GraphLayout
     std::vector<Arrow> arrows;
 };
 
-/// A box to place. Its rows all have the same height and fill the box; the first one is the title.
+/// A box to place. Its rows all have the same height and fill the box; the first one is the title. The size is in
+/// points.
 struct GraphBox
 {
     QSizeF size;
@@ -30,5 +32,6 @@ struct GraphBox
 
 /// Lays a graph out with Graphviz's "dot". In `dot` (https://graphviz.org/doc/info/lang.html) box i is the node "t<i>",
 /// with the ports "title", "r0", "r1" and so on from top to bottom. Returns nothing if Graphviz fails, for instance
-/// without its plugins.
+/// without its plugins. Takes a second for some hundred boxes, and can't be cancelled. May run in any thread, but only
+/// in one at a time, because Graphviz's context is one for the process.
 std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<GraphBox>& boxes);

@@ -11,6 +11,7 @@
 
 namespace {
 
+// In pixels, around the texts.
 constexpr int kMargin = 12;
 
 } // namespace
@@ -31,6 +32,7 @@ HeaderBand::HeaderBand(int headerId, QWidget* parent) :
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
+// The subtitle is indented by two letters against the title.
 int HeaderBand::indent() const
 {
     return kMargin + fontMetrics().averageCharWidth() * 2;
@@ -69,6 +71,7 @@ int HeaderBand::heightAt(int width) const
     return height;
 }
 
+// Places the texts by hand: the room for the drawing depends on the height, and the height on the room for the text.
 void HeaderBand::layOut()
 {
     const int bandWidth = parentWidget()->width(); // valid even while the band is hidden
@@ -89,7 +92,8 @@ void HeaderBand::paintEvent(QPaintEvent*)
     painter.drawLine(rect().bottomLeft(), rect().bottomRight());
 }
 
-// Dims the drawing below the text, so that the text stays readable.
+// Dims the drawing below the text, so that the text stays readable. There is nothing to dim if the drawing, as wide as
+// the band is high, begins right of the text.
 void HeaderBand::paintFade(QPainter& painter) const
 {
     const int edge = indent() + textWidth(width(), height());

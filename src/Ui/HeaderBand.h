@@ -13,12 +13,13 @@ class HeaderBand : public QWidget
 public:
     HeaderBand(int pictureId, QWidget* parent);
 
-    /// Adds a page's subtitle to those that determine the height.
+    /// Adds a page's subtitle to those that determine the height. The band takes that height at the next setTexts().
     void addSubtitle(const QString& subtitle);
 
+    /// Shows the texts of a page, and fits the height.
     void setTexts(const QString& title, const QString& subtitle);
 
-    /// Returns the height in pixels at a width.
+    /// Returns the height in pixels at a width. For any width, whatever the band's own is.
     int heightAt(int width) const;
 
 protected:

@@ -34,6 +34,8 @@ ListFilter::ListFilter(ListView& filteredList, const QString& rowNoun) :
             });
 }
 
+// Sets the field, because the list drops its filter when it gets other rows, or shows a row that the filter hides. That
+// does not call the list back in a circle: setFilter() ignores the text that it has.
 void ListFilter::showCount(const QString& filter)
 {
     field->setText(filter);
@@ -41,6 +43,7 @@ void ListFilter::showCount(const QString& filter)
     count->setText(filter.isEmpty() ? all : QLocale().toString(list.rowCount()) + " of " + all);
 }
 
+// Watches the keys of the field. Going to the list selects a row if none is, so that the cursor keys have a start.
 bool ListFilter::eventFilter(QObject*, QEvent* event)
 {
     if (event->type() != QEvent::KeyPress)

@@ -13,6 +13,10 @@
 #include <algorithm>
 #include <iterator>
 
+// The view translates between row numbers, which callers know, and Qt's indexes, which are places in the model.
+// Filtering and sorting reset the model and with it selection and current row, so arrange() keeps both by row numbers
+// and sets them again. Selected rows that a filter hides are kept in `hiddenSelected`, because Qt's selection can only
+// hold rows of the model.
 namespace {
 
 QStringList titlesOf(const std::vector<ListView::Column>& columns)
@@ -24,7 +28,7 @@ QStringList titlesOf(const std::vector<ListView::Column>& columns)
 }
 
 // Returns a selection of whole rows, with neighbours merged into ranges: adding a range costs a comparison with all
-// others.
+// others. Rows that aren't shown are left out.
 QItemSelection selectionOf(const ListRows& rows, const std::vector<int>& numbers)
 {
     std::vector<int> places;
@@ -44,6 +48,7 @@ QItemSelection selectionOf(const ListRows& rows, const std::vector<int>& numbers
 
 } // namespace
 
+// Uniform row heights spare Qt the measuring of all rows.
 ListView::ListView(std::vector<Column> listColumns, const CString& accessibleName) :
     rows(new ListRows(titlesOf(listColumns), this)), columns(std::move(listColumns))
 {
@@ -64,6 +69,7 @@ ListView::ListView(std::vector<Column> listColumns, const CString& accessibleNam
     setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
+// The sort indicator's -1 means the rows' own order.
 void ListView::setUpHeader()
 {
     header()->setStretchLastSection(false);
@@ -111,6 +117,8 @@ void ListView::setSelectedOnly(bool only)
     Q_EMIT shownRowsChanged(filter);
 }
 
+// Puts the rows into the model anew, and keeps the selection. `byUser` is false meanwhile, so that no step counts as
+// the user's choice; a selection that the filter has taken away does count, since pages show what is selected.
 void ListView::arrange()
 {
     const std::vector<int> selected = selectedRows();
@@ -148,6 +156,7 @@ std::vector<int> ListView::selectedRows() const
     return selected;
 }
 
+// The filter is only dropped if it hides the row.
 void ListView::selectRow(int row)
 {
     const QScopedValueRollback<bool> own(byUser, false);
@@ -180,6 +189,7 @@ void ListView::resizeEvent(QResizeEvent* event)
         shareWidth();
 }
 
+// The last columns get what is left, so no scroll bar for columns appears.
 void ListView::shareWidth()
 {
     const int width = contentsRect().width();

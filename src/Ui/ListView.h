@@ -27,10 +27,12 @@ public:
     using CellText = ListRows::CellText;
     using RowMark = ListRows::RowMark;
 
+    /// `accessibleName` is the name for screen readers.
     ListView(std::vector<Column> columns, const CString& accessibleName);
 
     /// Shows `count` rows, all in this order. `cells` returns a cell's text; `marks`, if set, returns the icon before a
-    /// row's name. Clears the selection.
+    /// row's name. Clears the selection. Removes filter and sorting. See ListRows::setRows() for what the functions may
+    /// refer to.
     void setRows(int count, CellText cells, RowMark marks = {});
 
     /// Shows only the rows with the text in any cell, in any letter case; "" shows all. Shown rows keep their
@@ -60,7 +62,8 @@ public:
     /// Sets the columns' widths in per cent of the list, unless the user has changed them. 0 hides a column.
     void setShares(const std::vector<int>& percents);
 
-    /// Returns the widths of the columns in pixels; empty until the user has changed one.
+    /// Returns the widths of the columns in pixels; empty until the user has changed one. setWidths() takes such a
+    /// list, one width for each column.
     QList<int> queryWidths() const;
     void setWidths(const QList<int>& widths);
 
@@ -72,7 +75,7 @@ Q_SIGNALS:
     /// Emitted if a filter changes which rows are shown; `filter` is its text.
     void shownRowsChanged(const QString& filter);
 
-    /// Emitted if the selection may have changed, for any reason.
+    /// Emitted if the selection may have changed, for any reason. Handlers ask for selectedRow() or selectedRows().
     void selectedRowsChanged();
 
 protected:

@@ -14,14 +14,24 @@
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+// The window's thread waits in two ways, one after the other. For the first 50 ms it waits for a condition variable, so
+// that most work, which is short, has no side effects: no event is handled, and nothing flickers. Then it runs an event
+// loop. In both it takes calls of the work (inWindowThread()): the work puts one into `wanted`, wakes the window's
+// thread and waits for the call's future. There is one call at a time, because the work waits for each.
+//
+// The work's thread wakes the window's by both means, since it doesn't know how that waits; a wake-up that finds
+// nothing to do is harmless. A queued event that is posted before the loop runs is delivered when it runs, so none is
+// missed.
 namespace {
 
 constexpr milliseconds kBriefly(50); // too short for the user to notice
 constexpr milliseconds kShown(500);  // after this time, progress is shown
 constexpr milliseconds kRefresh(100);
 
+// Needs no lock: it is set while no work runs, or while the outer work waits for a call.
 LongWork* current = nullptr; // set in the window's thread, read there and in the work's
 
+// Returns whether an event is the user's. Paint, resize, timer and focus events are not among them.
 bool isInput(const QEvent& event)
 {
     switch (event.type()) {
@@ -75,6 +85,7 @@ bool pressesButton(const QEvent& event)
 
 } // namespace
 
+// The task carries an exception of `call` into the future, and so into the work.
 void inWindowThread(std::function<void()> call)
 {
     LongWork* const work = current;
@@ -98,6 +109,8 @@ LongWork::~LongWork()
     current = outer;
 }
 
+// The progress handler is process-wide and may only be changed while no work runs. The join orders all writes of the
+// work before the caller continues.
 void LongWork::run(const std::function<void()>& work)
 {
     const ProgressHandler before = setProgressHandler([this](const Progress& now) { return note(now); });
@@ -111,7 +124,8 @@ void LongWork::run(const std::function<void()>& work)
         std::rethrow_exception(raised);
 }
 
-// Runs in the thread of the work.
+// Runs in the thread of the work. Catches everything, Cancelled included, because an exception that leaves a thread
+// ends the program.
 std::exception_ptr LongWork::attempt(const std::function<void()>& work)
 {
     std::exception_ptr raised;
@@ -129,7 +143,7 @@ std::exception_ptr LongWork::attempt(const std::function<void()>& work)
     return raised;
 }
 
-// Runs in the thread of the work.
+// Runs in the thread of the work. Only stores the progress; the window's thread shows it when its timer fires.
 bool LongWork::note(const Progress& now)
 {
     const std::lock_guard lock(mutex);
@@ -143,6 +157,7 @@ Progress LongWork::query() const
     return progress;
 }
 
+// Emits the signal at once, so that the row shows "Cancelling ..." before the work has noticed.
 void LongWork::cancel()
 {
     cancelled = true;
@@ -161,7 +176,8 @@ void LongWork::waitBriefly()
     }
 }
 
-// Waits in an event loop. Input stays queued until the progress is shown; from then on the event filter drops it.
+// Waits in an event loop. Input stays queued until the progress is shown; from then on the event filter drops it. The
+// loop is left and entered again at that moment, because its flags can't change while it runs.
 void LongWork::waitInLoop()
 {
     if (isFinished())
@@ -174,6 +190,7 @@ void LongWork::waitInLoop()
         refresh.start(kRefresh);
         loop.quit();
     });
+    // The window system's own input queue holds the events back until then (ExcludeUserInputEvents).
     while (!isFinished())
         loop.exec(refresh.isActive() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
     if (refresh.isActive())
@@ -181,6 +198,8 @@ void LongWork::waitInLoop()
     qApp->removeEventFilter(this);
 }
 
+// Takes the call out of `wanted` before running it: the call can show a box with an event loop, in which this function
+// is called again.
 void LongWork::serve()
 {
     std::optional<Call> call;
@@ -198,6 +217,8 @@ bool LongWork::isFinished() const
     return isDone;
 }
 
+// Returns whether an input event may reach its target. While the work shows a box, everything in the box's window
+// works, and in its popups, such as the context menu of a text.
 bool LongWork::isAllowed(const QObject* target, const QEvent& event) const
 {
     const QWidget* const box = QApplication::activeModalWidget(); // shown by the work
@@ -210,6 +231,7 @@ bool LongWork::isAllowed(const QObject* target, const QEvent& event) const
 }
 
 // Filters events of widgets and shortcuts. Native windows pass their events on to widgets, so those come by here again.
+// The application's filter sees the events of all windows, so windows beside the wizard are blocked, too.
 bool LongWork::eventFilter(QObject* target, QEvent* event)
 {
     const bool isRelevant = target->isWidgetType() || event->type() == QEvent::Shortcut;

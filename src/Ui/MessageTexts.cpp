@@ -52,6 +52,7 @@ MessageTexts::MessageTexts(const QString& messageText, const QString& detailsTex
     details->setFont(small);
 }
 
+// A text field instead of a label, because a label neither scrolls nor breaks a word that is wider than the box.
 QTextEdit* MessageTexts::addText(const QString& text, const char* accessibleName)
 {
     auto* edit = new QTextEdit;
@@ -69,6 +70,7 @@ QTextEdit* MessageTexts::addText(const QString& text, const char* accessibleName
     return edit;
 }
 
+// The details may take what the message leaves, and at least half of the room.
 void MessageTexts::fitInto(int least, int width, int height)
 {
     message->document()->setTextWidth(-1);

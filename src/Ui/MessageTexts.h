@@ -13,7 +13,8 @@ public:
     MessageTexts(const QString& message, const QString& details);
 
     /// Sets a fixed size in pixels. With details the width is `width`, else the message's natural width between `least`
-    /// and `width`. The height is that of the texts at this width, at most `height`.
+    /// and `width`. The height is that of the texts at this width, at most `height`; if both texts are too long for it,
+    /// each gets half.
     void fitInto(int least, int width, int height);
 
     /// Returns both texts, for copying.

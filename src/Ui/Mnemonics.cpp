@@ -38,6 +38,7 @@ QString mnemonicsOf(const QWidget* page)
     return letters;
 }
 
+// Goes through the letters of the text in order, the marked one first.
 void setTextWithMnemonic(QAbstractButton& button, const QString& text, QString& taken)
 {
     QString plain = text;
@@ -60,6 +61,7 @@ void setRadioTabStops(const QWidget* page)
                 button->setFocusPolicy(button == chosen ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
+// The focus chain is a circle through the whole window. It passes the page itself, so the loop ends.
 QWidget* firstTabStop(const QWidget* page)
 {
     for (QWidget* control = page->nextInFocusChain(); control != page; control = control->nextInFocusChain())

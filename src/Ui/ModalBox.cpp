@@ -23,6 +23,7 @@
 
 namespace {
 
+// The boxes of one import. A real DTD can report hundreds of faults, one box each.
 struct MessageSeries
 {
     bool running = false;
@@ -58,12 +59,15 @@ void fitToScreen(const QMessageBox& box, MessageTexts* texts)
 
 } // namespace
 
+// The details are of the thread that shows the message, so they are read before the call changes the thread. The
+// reference stays valid, because that thread waits.
 void ModalBox::operator()(const CString& text, const CString& title) const
 {
     const CString& details = queryMessageDetails(); // those of this thread
     inWindowThread([&] { show(text, title, details); });
 }
 
+// Long work sets a busy cursor for the whole program, so the box sets a plain one.
 void ModalBox::show(const CString& text, const CString& title, const CString& details) const
 {
     if (series.hidden)
@@ -85,6 +89,7 @@ void ModalBox::show(const CString& text, const CString& title, const CString& de
     series.hidden = box.checkBox() != nullptr && box.checkBox()->isChecked();
 }
 
+// Cancel is not in `buttons`, so its index there is -1, and so is that of Escape, which presses Cancel.
 int ModalBox::ask(const QString& title, const QString& question, const QStringList& answers) const
 {
     QMessageBox box(QMessageBox::NoIcon, plainTitle(title), {}, QMessageBox::Cancel, owner);

@@ -12,7 +12,8 @@
 namespace {
 
 // Returns the files and folders whose names continue the typed path, sorted. In a very large or slow folder, returns
-// those found until the limits.
+// those found until the limits. Qt's own model of the file system lists and sorts the whole folder with the state of
+// each file: 1 s for each key in a folder of 100,000 files. Hidden files are left out.
 QStringList namesAfter(const QString& typed)
 {
     constexpr qsizetype kMaxNames = 1'000;

@@ -6,7 +6,7 @@ class QLineEdit;
 class QStringListModel;
 
 /// Completes the path typed in a field; relative paths start at the current folder. Offers nothing if the text is the
-/// name of a file already.
+/// name of a file already. Reads the folder on each key, within limits of time and number.
 class PathCompleter : public QCompleter
 {
 public:

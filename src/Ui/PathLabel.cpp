@@ -29,7 +29,7 @@ QSize PathLabel::minimumSizeHint() const
     return {0, fontMetrics().height()};
 }
 
-// Breaks lines as drawText() does.
+// Breaks lines as drawText() does. QLabel's height would be that of its own line breaks.
 int PathLabel::heightForWidth(int width) const
 {
     QTextLayout lines(text().replace('\n', QChar::LineSeparator), font());

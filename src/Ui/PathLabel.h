@@ -2,7 +2,8 @@
 
 #include <QLabel>
 
-/// A label for a text with a long path. It wraps anywhere, so that it does not widen the window.
+/// A label for a text with a long path. It wraps anywhere, so that it does not widen the window. QLabel breaks lines
+/// only at word boundaries, which a path has few of.
 class PathLabel : public QLabel
 {
 public:

@@ -18,6 +18,7 @@ QRgb darkTone(QRgb tone, int ground)
     return qRgb(channel(qRed(tone)), channel(qGreen(tone)), channel(qBlue(tone)));
 }
 
+// `ground` is the lightness that white becomes, from 0 to 255.
 void darken(QImage& image, int ground)
 {
     image.convertTo(QImage::Format_RGB32);
@@ -32,6 +33,7 @@ bool isDark(const QPalette& palette)
     return palette.color(QPalette::WindowText).lightness() > palette.color(QPalette::Window).lightness();
 }
 
+// The resources hold one set of tones, for light backgrounds.
 QImage picture(int id, const QPalette& palette)
 {
     QImage image;
@@ -44,6 +46,8 @@ QImage picture(int id, const QPalette& palette)
     return image;
 }
 
+// The picture keeps its proportions, so that the drawing isn't distorted. Left of it, its first column is repeated;
+// above, its first pixel.
 void paintWatermark(QPainter& painter, const QRect& area, const QImage& watermark)
 {
     QRect target(QPoint(), watermark.size().scaled(area.size(), Qt::KeepAspectRatio));

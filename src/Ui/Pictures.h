@@ -6,7 +6,7 @@
 class QPainter;
 class QRect;
 
-/// Returns whether the palette has light text on a dark background.
+/// Returns whether the palette has light text on a dark background. Qt 6.4 has no query for the colour scheme.
 bool isDark(const QPalette& palette);
 
 /// Returns the picture of a resource number, 1000 to 1003, in the tones of the palette: on a dark background, colours

@@ -14,7 +14,8 @@ QLabel* plainLabel(const QString& text)
     return label;
 }
 
-// A tool tip's format can't be set, and a wide one only wraps as rich text.
+// A tool tip's format can't be set, and a wide one only wraps as rich text. Markup in the text is escaped, so the tool
+// tip has no other markup than ours.
 QString plainToolTip(const QString& text)
 {
     constexpr int wide = 80;
@@ -31,7 +32,8 @@ QString plainTitle(QString text)
     return text.replace("[*]", "[*][*]");
 }
 
-// The result must be valid, or the document opens the file itself.
+// The result must be valid, or the document opens the file itself. It is a picture of one pixel. Reading /dev/zero
+// would take all memory, and a pipe would block the window.
 void closeRichText()
 {
     QTextDocument::setDefaultResourceProvider([](const QUrl& url) -> QVariant {

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+// Starts again if the kind or the total changes, or if the count falls back: that is another piece of work. The pace of
+// the first seconds says little.
 QString RemainingTime::textFor(const Progress& now)
 {
     constexpr qint64 minElapsed = 5000; // milliseconds

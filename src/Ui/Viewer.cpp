@@ -22,7 +22,8 @@ std::unordered_set<QProcess*>& running()
 } // namespace
 
 // The viewer gets no terminal and a session of its own, so that it can't write to the wizard's terminal or end with the
-// wizard.
+// wizard. startDetached() would only tell whether the program starts, and xdg-open starts even if there is no viewer:
+// it then ends with 3 or 4. An exit status after the deadline is no failure, because the viewer has run until then.
 void showInViewer(const CString& fileName, QObject* context, std::function<void()> onFailure)
 {
     constexpr int kStartTimeout = 30'000; // ms

@@ -3,7 +3,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 
-/// Shows a cursor in its scope.
+/// Shows a cursor in its scope. Scopes can be nested: the cursor of the innermost one is shown.
 template <Qt::CursorShape Shape>
 class CursorScope
 {

@@ -6,7 +6,8 @@
 
 class WizardSheet;
 
-/// One page of a WizardSheet. Its object name is its dialog id.
+/// One page of a WizardSheet. Its object name is its dialog id. OnSetActive(), OnWizardNext() and OnWizardBack() may
+/// throw std::exception, which the sheet shows, and Cancelled.
 class WizardPage : public QWidget
 {
     Q_OBJECT
@@ -18,17 +19,21 @@ public:
         cover     ///< without a band, on the watermark
     };
 
+    /// `caption` is the window's title while the page is shown. A cover page shows neither title nor subtitle.
     WizardPage(int dialogId, Look look, const CString& caption, const CString& title, const CString& subtitle);
 
     int queryDialogId() const { return dialogId; }
 
-    /// Called once, before the page is first shown. Creates the controls.
+    /// Called once, before the page is first shown. Creates the controls. The sheet is known by then, but not in the
+    /// constructor.
     virtual void OnInitDialog() {}
 
-    /// Called each time the page is shown: fills the controls. Sets the buttons if they aren't Back and Next.
+    /// Called each time the page is shown: fills the controls. Sets the buttons if they aren't Back and Next. The page
+    /// is visible by then. If it throws Cancelled, the page before is shown again.
     virtual void OnSetActive() {}
 
-    /// Returns the dialog id of the next page, 0 for the neighbouring page, -1 to stay.
+    /// Returns the dialog id of the next page, 0 for the neighbouring page, -1 to stay. Before -1, the page has told
+    /// the user why.
     virtual LRESULT OnWizardNext() { return 0; }
 
     /// Returns the same for the previous page.

@@ -31,9 +31,12 @@
 #include <algorithm>
 #include <utility>
 
+// A sheet asks the current page for the next one and shows that. The steps of a change of page are in activate(). Long
+// work replaces the row of buttons by a row with its progress; only Cancel stays.
 namespace {
 
-// These letters are the same on every page, so no page has a control with one of them.
+// These letters are the same on every page, so no page has a control with one of them. Users can then go through the
+// pages with the same keys.
 constexpr const char* kBack = "< Bac&k";
 constexpr const char* kNext = "Ne&xt >";
 constexpr const char* kCancel = "&Cancel";
@@ -71,6 +74,7 @@ WizardSheet::WizardSheet(const CString& caption, CWnd* parent, UINT start, HBITM
     layOut();
 }
 
+// The object names are those by which tests and scripts find the buttons.
 QPushButton* WizardSheet::addButton(const char* name, const QString& text, void (WizardSheet::*action)())
 {
     auto* button = new QPushButton(text, this);
@@ -112,6 +116,8 @@ void WizardSheet::layOut()
     column->addLayout(row);
 }
 
+// The area takes the page as its child, and Qt deletes children with their parent. A page that is a member of a derived
+// class is destroyed earlier, and leaves its area then.
 void WizardSheet::AddPage(WizardPage& page)
 {
     page.owner = this;
@@ -119,6 +125,7 @@ void WizardSheet::AddPage(WizardPage& page)
     auto* area = new QScrollArea; // a page may need more room than a small screen has
     area->setFrameStyle(QFrame::NoFrame);
     area->setWidgetResizable(true);
+    // Tab goes to the controls only, and the area scrolls to the one that gets the focus.
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(&page);
     connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
@@ -137,6 +144,7 @@ int WizardSheet::DoModal()
     return loop.exec() == Accepted ? resultOk : resultCancel;
 }
 
+// Next and Finish stand at the same place, and one of them is the default, which Return presses in most fields.
 void WizardSheet::SetWizardButtons(int buttons)
 {
     const bool last = (buttons & buttonFinish) != 0;
@@ -168,6 +176,7 @@ void WizardSheet::finish()
         accept();
 }
 
+// While work runs, Cancel is the work's: the sheet stays.
 void WizardSheet::cancel()
 {
     if (work)
@@ -176,7 +185,9 @@ void WizardSheet::cancel()
         reject();
 }
 
-// Ignores a cancellation right after long work has ended, because it was meant for the work.
+// Ignores a cancellation right after long work has ended, because it was meant for the work. Escape and the window's
+// close button come here, too. The work may end just before the key is pressed, and closing the wizard then would lose
+// all that was entered.
 void WizardSheet::reject()
 {
     constexpr qint64 reaction = 500; // milliseconds
@@ -188,6 +199,8 @@ void WizardSheet::reject()
         QDialog::reject();
 }
 
+// Work that ends before its progress is shown changes nothing: neither the buttons nor the focus. The scope guard also
+// runs if the work throws. The focus is kept by a QPointer, because the work's calls may delete its widget.
 void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageBar, const QString& server)
 {
     remainingTime = {};
@@ -205,10 +218,13 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageB
             focus->setFocus();
         sinceWork.start();
     });
+    // Makes Cancel the work's.
     const QScopedValueRollback running(work, &longWork);
     longWork.run(call);
 }
 
+// The time that is left can't be estimated while waiting for a server, so its name is shown instead. Cancel is disabled
+// once pressed: the work ends at its next report.
 void WizardSheet::showProgress(const LongWork& longWork, QProgressBar* pageBar, const QString& server)
 {
     const Progress progress = longWork.query();
@@ -244,7 +260,8 @@ void WizardSheet::help()
     theApp.WinHelp(static_cast<DWORD>(activePage()->queryDialogId()), contextHelp);
 }
 
-// Qt's event loop must not see exceptions: the error is shown and the page stays.
+// Qt's event loop must not see exceptions: the error is shown and the page stays. Cancelled is not a std::exception,
+// and the user needs no message about it.
 LRESULT WizardSheet::ask(const std::function<LRESULT()>& handler)
 {
     try {
@@ -257,6 +274,7 @@ LRESULT WizardSheet::ask(const std::function<LRESULT()>& handler)
     return -1;
 }
 
+// An id without a page is ignored. The neighbour of the first page on Back, and of the last on Next, is itself.
 void WizardSheet::go(LRESULT answer, int step)
 {
     if (answer == -1)
@@ -271,6 +289,9 @@ void WizardSheet::go(LRESULT answer, int step)
         activate(static_cast<int>(target - pages.begin()));
 }
 
+// Shows a page; its controls are made on the first visit. The page is shown before it is filled, because filling can
+// take long and then shows its progress in the sheet. Keys and tab stops come last, because they depend on what the
+// page has shown or hidden.
 void WizardSheet::activate(int index)
 {
     WizardPage* page = pages[static_cast<std::size_t>(index)];
@@ -296,6 +317,7 @@ void WizardSheet::activate(int index)
     }
     updateMnemonics();
     setRadioTabStops(page);
+    // Finish gets the focus itself: there is nothing left to enter.
     QWidget* first = firstTabStop(page);
     QWidget* const defaultButton = finishButton->isHidden() ? nextButton : finishButton;
     (first != nullptr && defaultButton == nextButton ? first : defaultButton)->setFocus();
@@ -326,6 +348,8 @@ void WizardSheet::updateMnemonics()
             setTextWithMnemonic(*button, text, taken);
 }
 
+// The first page is shown here, not in the constructor, because it calls virtual functions, and because pages are added
+// later.
 void WizardSheet::setVisible(bool visible)
 {
     if (visible && !started) {
