@@ -6,6 +6,9 @@
 
 #include <algorithm>
 
+// A walk over the parts of a description that may hold messages. Types are made for messages first, then for the
+// remaining schemas of the components, so that candidates for main types are messages if there are any. Names of
+// components are decided before either, because messages may refer to them through other files.
 namespace {
 
 using Index = JsonNode::Index;
@@ -13,6 +16,7 @@ using Index = JsonNode::Index;
 constexpr int kLongestChain = 100; // of references; guards against cycles
 constexpr int kMaxCallbacks = 10;  // callbacks nested in each other
 constexpr const char* kUnknown = "it is neither an OpenAPI nor an AsyncAPI document";
+// The keys of a path that hold operations; others hold parameters, servers and texts.
 constexpr std::string_view kMethods[] = {"get", "put", "post", "delete", "options", "head", "patch", "trace", "query"};
 
 // Returns a name made of the letters and digits of a path or channel, for an operation or message without one.
@@ -89,6 +93,7 @@ public:
             avro.addNamedTypes();
         schemas.finish();
         avro.finish();
+        // A file without a version is accepted only as a part of another one, which is known once all are read.
         for (const std::size_t top : documents.findTops(all))
             if (!isDescription(all[top]))
                 documents.refuse(all[top], kUnknown);
@@ -128,6 +133,7 @@ private:
                 readChannel(partOf(at), tree.key(at));
     }
 
+    // Returns whether a node has not been read before: several places may refer to it, and references may form a cycle.
     bool isNew(Index node) { return visited.insert(node).second; }
 
     // Returns the target of a reference object, else the node itself; 0 if the reference leads nowhere. Any part except
@@ -178,6 +184,7 @@ private:
     {
         if (!isNew(operation))
             return;
+        // Without an operationId, the method and the path are unique.
         const std::string_view id = tree.textOf(operation, JsonWord::operationId);
         const CString called = id.empty() ? nameOf(name) : CString(id);
         readBody(partOf(tree.find(operation, JsonWord::requestBody)), called + "Request");
@@ -234,6 +241,7 @@ private:
     {
         if (message == 0 || !isNew(message))
             return;
+        // The last one found applies, so `name` takes precedence.
         for (const JsonWord word : {JsonWord::messageId, JsonWord::name})
             if (const std::string_view said = tree.textOf(message, word); !said.empty())
                 name = said;

@@ -7,8 +7,8 @@
 
 using Index = JsonNode::Index;
 
-// Returns the full name of a type. The namespace is that in a name with dots, else the type's own, else the enclosing
-// one.
+// Returns the full name of a type (Avro 1.11.1, "Names"). The namespace is that in a name with dots, else the type's
+// own, else the enclosing one.
 NameTable::Id AvroTypes::fullNameOf(std::string_view name, NameTable::Id space)
 {
     if (space == 0 || name.find('.') != name.npos)
@@ -23,6 +23,7 @@ void AvroTypes::declareAll(Index document)
     declareAll({isProtocol ? tree.find(document, JsonWord::types, JsonNode::array) : document, tree[space].text});
 }
 
+// Visits each schema once, with a stack of its own, because schemas may nest as deep as documents.
 void AvroTypes::declareAll(Scoped top)
 {
     std::vector<Scoped> waiting{top};
@@ -61,7 +62,8 @@ NameTable::Id AvroTypes::spaceOf(Scoped at)
     return own == 0 ? at.space : tree[own].text;
 }
 
-// Declares a schema if it is a named type. Returns false if it repeats an earlier one, which then replaces it.
+// Declares a schema if it is a named type. Returns false if it repeats an earlier one, which then replaces it. Avro
+// forbids a second declaration, but some generators embed the types that several files share in each of them.
 bool AvroTypes::declare(Scoped& at)
 {
     const std::string_view name = tree.textOf(at.schema, JsonWord::name);
@@ -82,7 +84,9 @@ bool AvroTypes::declare(Scoped& at)
     return true;
 }
 
-// Returns whether two schemas describe the same values. The name of a type equals its declaration.
+// Returns whether two schemas describe the same values. The name of a type equals its declaration, because the second
+// file may refer to what the first one embeds. Types inside are compared by name only if they have one, so the walk
+// ends.
 bool AvroTypes::isSame(Scoped one, Scoped other)
 {
     constexpr JsonWord members[] = {JsonWord::type,    JsonWord::name,   JsonWord::fields,     JsonWord::items,

@@ -7,12 +7,15 @@
 #include <algorithm>
 #include <utility>
 
+// A value is handled as a list of alternatives, since any schema may be a union, and unions reach through names and
+// arrays. sort() splits the list by kind; several records become one with the fields of all, as for the alternatives of
+// other languages. Records are read later than they are added, so that they may contain each other.
 namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::uint16_t kMaxDepth = 100; // of nested arrays
-constexpr std::size_t kMaxSteps = 20'000'000;
+constexpr std::uint16_t kMaxDepth = 100;      // of nested arrays
+constexpr std::size_t kMaxSteps = 20'000'000; // see spendStep()
 
 } // namespace
 
@@ -27,6 +30,7 @@ JsonNode::Index AvroTypes::find(Index schema, JsonWord key, JsonNode::Kind kind)
     return isRight ? found : 0;
 }
 
+// Any JSON could be a schema of Avro with an unknown type, so a type that is known is required.
 bool AvroTypes::isSource(Index document)
 {
     if (tree.find(document, JsonWord::protocol) != 0)
@@ -64,6 +68,7 @@ void AvroTypes::readDeclared(std::string_view name)
 
 void AvroTypes::addNamedTypes()
 {
+    // Sorted into the order of the documents: the table of names has none.
     std::vector<Scoped> all;
     for (const auto& [name, type] : named)
         if (names.isWanted(type.schema))
@@ -87,6 +92,8 @@ void AvroTypes::addNamedTypes()
             candidate.uri = uri->second;
 }
 
+// A request is a list of parameters, so it becomes a record although Avro has none there. A response has a schema of
+// its own, and counts only if it is a record: a number alone is no message.
 void AvroTypes::readProtocol(Index protocol)
 {
     const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);
@@ -158,6 +165,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
 {
     Sorted sorted;
     std::unordered_set<Index> met;
+    // The list is used as a stack, and the alternatives keep their order.
     std::ranges::reverse(alternatives);
     while (!alternatives.empty()) {
         spendStep();
@@ -168,6 +176,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
             at = known->second;
         if (!met.insert(at.schema).second)
             continue;
+        // A "type" may hold a whole schema, which then is that of the value.
         const Index inner = tree.find(at.schema, JsonWord::type);
         if (tree.is(at.schema, JsonNode::array)) {
             const auto first = static_cast<std::ptrdiff_t>(alternatives.size());
@@ -178,6 +187,8 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
             alternatives.push_back({inner, at.space});
         } else {
             const std::string_view type = typeOf(at.schema);
+            // A simple name belongs to the enclosing namespace. One that is not declared there is looked up without a
+            // namespace.
             const auto found = named.find(fullNameOf(type, at.space));
             const auto global = found == named.end() ? named.find(tree.names.intern(type)) : found;
             if (!isAvroType(type) && global != named.end()) {
@@ -288,6 +299,8 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
     return kind == SourceTypes::kindEnumeration ? enumerationOf(leaves, name) : SourceTypes::Type{kind};
 }
 
+// Returns the enumeration of one or several enumerations: their symbols in order, each once. A symbol that two of them
+// list is fine, one that a single enumeration lists twice is a loss.
 SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, std::string_view name)
 {
     std::vector<std::string_view> constants;

@@ -4,12 +4,17 @@
 
 /// Makes types from Avro schemas (Apache Avro 1.11.1). Named types are identified by their full names, and are declared
 /// before anything refers to them.
+///
+/// The order of calls: declareAll() for all documents, then addCandidate() or readProtocol() for each, then
+/// addNamedTypes() if main types are requested, then finish(). Members throw SourceRefusal beyond 20,000,000 visited
+/// parts, and Cancelled.
 class AvroTypes
 {
 public:
     using Index = JsonNode::Index;
     using Shape = JsonTypes::Shape;
 
+    /// All must outlive this object. `names` fits names to the model, and takes the candidates.
     AvroTypes(JsonDocuments& documents, JsonTypes& names, SourceTypes& types, SourceReport& report) :
         documents(documents), tree(documents.tree), names(names), types(types), report(report)
     {}

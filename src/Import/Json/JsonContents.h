@@ -8,7 +8,7 @@
 #include <span>
 #include <unordered_set>
 
-/// A property of a record, or a constant of an enumeration.
+/// A property of a record, or a constant of an enumeration. Both have names and schemas, so they are collected alike.
 struct JsonMember
 {
     NameTable::Id name = 0;
@@ -37,22 +37,33 @@ struct JsonContent
     bool isConditional = false; ///< applies under a condition or in some alternatives only
     JsonNode::Index owner = 0;  ///< the schema that the type belongs to
     JsonNode::Index items = 0;  ///< schema of an array's items or a map's values; 0 allows any
-    std::uint32_t first = 0;    ///< index of the first member
+    std::uint32_t first = 0;    ///< index of the first member of a record or an enumeration
     std::uint32_t count = 0;
 };
 
 /// Works out the contents of schemas: follows references and combines allOf, oneOf, anyOf and conditions. Each schema
 /// is worked out once, without recursion. An array of schemas means a choice between them.
+///
+/// The parts of a schema are worked out first, and then joined one by one into its content. Where two schemas give one
+/// field, or the items of an array, different schemas, these are combined into a made schema: an array of aliases in
+/// the tree, whose key says how they combine. It is worked out like any other, when its field is read. Made schemas are
+/// found again by their members, so that a recursive schema leads to one that exists, and comes to an end. Three bounds
+/// stop what combines without end: the nesting of made schemas, their nodes in proportion to the source, and all steps.
+///
+/// A condition adds the fields that it names, and narrows none, because a message need not meet it.
 class JsonContents
 {
 public:
     using Index = JsonNode::Index;
 
+    /// All must outlive this object. Made schemas are added to the tree of `documents`; `types` is used for refusals
+    /// only.
     JsonContents(JsonDocuments& documents, const SourceTypes& types, SourceReport& report) :
         documents(documents), tree(documents.tree), types(types), report(report)
     {}
 
-    /// Returns the content of a schema. Throws SourceRefusal if a schema consists of itself.
+    /// Returns the content of a schema. Throws SourceRefusal if a schema consists of itself, or beyond a bound. What
+    /// the types can't express is reported when a schema is worked out, so once.
     JsonContent of(Index schema);
 
     /// Returns the members of a record or an enumeration. Valid until of() is called again.
@@ -61,13 +72,14 @@ public:
         return std::span(members).subspan(content.first, content.count);
     }
 
-    /// Reads the schemas that were dropped in favour of an equal one, so that their details count.
+    /// Reads the schemas that were dropped in favour of an equal one, so that their details count. Call it last.
     void readDropped();
 
     /// Returns whether a schema is declared by name, or is the whole document.
     bool isDeclared(Index schema) const;
 
-    /// Returns the target of a schema that is only a reference, apart from remarks; else the schema itself.
+    /// Returns the target of a schema that is only a reference, apart from remarks; else the schema itself. Chains of
+    /// more than 100 references are followed no further.
     Index baseOf(Index schema);
 
 private:
@@ -93,31 +105,32 @@ private:
         std::size_t alternatives = 1; // that have it, of a choice
     };
 
-    // A schema whose parts are being combined.
+    // A schema whose parts are being combined. Frames form the stack of of().
     struct Frame
     {
         Index node;
         std::vector<Part> parts;
-        std::size_t next = 0;
+        std::size_t next = 0; // index of the part to join next
         JsonContent content;
-        bool isBorrowed = false; // the members still belong to the only part that has any
-        bool isReference = false;
-        std::size_t objects = 0; // alternatives that are objects
-        bool allowsAny = false;  // in one of the alternatives
-        Index mapping = 0;       // the mapping of its discriminator, or 0
+        bool isBorrowed = false;  // the members still belong to the only part that has any
+        bool isReference = false; // consists of a reference, so the type keeps the name of its target
+        std::size_t objects = 0;  // alternatives that are objects
+        bool allowsAny = false;   // in one of the alternatives
+        Index mapping = 0;        // the mapping of its discriminator, or 0
         NameTable::Id discriminator = 0;
         std::vector<MergedMember> members;
         NumberTable positions;   // of the members by name
         std::vector<Part> items; // further schemas of the items, merged at the end because there may be many
     };
 
-    // The content of a schema by its own keywords.
+    // The content of a schema by its own keywords, collected before they are combined, because their order in the
+    // document has no meaning.
     struct Own
     {
         Index type = 0;
         NameTable::Id format = 0;
         std::vector<Index> values; // of enum or const
-        bool isListed = false;
+        bool isListed = false;     // by enum or const
         bool hasItems = false;
         bool hasProperties = false;
         std::vector<Index> items;

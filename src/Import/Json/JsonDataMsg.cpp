@@ -16,9 +16,12 @@
 #include <unordered_map>
 #include <utility>
 
+// One pass over the tokens of each file builds a tree of shapes: one for each path of keys, and one for the items of
+// each array. It keeps kinds of values, not values. declare() then turns the tree into types. Time is linear in the
+// files, because most members are found where the last object had them.
 namespace {
 
-constexpr std::size_t kMaxShapes = 2'000'000;
+constexpr std::size_t kMaxShapes = 2'000'000; // an object with identifiers as keys makes one for each
 
 // Removes a number of `digits` digits from the start. Returns nothing if there is none, or it is more than `most`.
 std::optional<unsigned> takeNumber(std::string_view& text, std::size_t digits, unsigned most)
@@ -53,6 +56,7 @@ bool takeTime(std::string_view& text)
     const bool isMidnight = text.starts_with("24:00"); // the end of a day
     if (!takeNumber(text, 2, isMidnight ? 24 : 23) || !takeMark(text, ':') || !takeNumber(text, 2, 59))
         return false;
+    // 60 is a leap second.
     if (takeMark(text, ':') && !takeNumber(text, 2, 60))
         return false;
     if (takeMark(text, '.') || takeMark(text, ',')) {
@@ -72,6 +76,7 @@ bool takeTime(std::string_view& text)
 // Returns whether a text is a date, a time or both in the extended format of ISO 8601.
 bool isIsoTime(std::string_view text)
 {
+    // "12:34" is the shortest. The longest allows for any sensible fraction of a second.
     constexpr std::size_t shortest = 5, longest = 40;
     if (text.size() < shortest || text.size() > longest || text[0] < '0' || text[0] > '9')
         return false;
@@ -110,6 +115,8 @@ public:
             if (token == JsonScanner::key) {
                 Open& object = open.back();
                 object.last = memberOf(object.shape, object.last, scanner.text());
+                // Each object has a number of its own, so the last holder of a key tells whether this object had it
+                // before.
                 if (std::exchange(shapes[object.last].holder, object.number) == object.number)
                     report.add(SourceReport::keyTwice, {file, scanner.line(), scanner.column()}, scanner.text());
                 at = object.last;
@@ -153,6 +160,7 @@ public:
                 const std::string_view called =
                     JsonTypes::toModelName(names[shapes[at].key], shapes[at].place, types, report);
                 const Index shape = shapes[at].target == 0 ? at : shapes[at].target;
+                // The member has a shared shape, but also values of its own, such as texts.
                 if (shape != at && shapes[at].kinds != 0)
                     report.add(SourceReport::kindsDiffer, shapes[at].place, called);
                 const auto [field, tables] = typeOf(shape, called, records[object]);
@@ -190,6 +198,7 @@ private:
         SourcePlace otherPlace;   // of the first value of another kind
     };
 
+    // Adds a kind to a shape. Places are worked out for the first value of each kind only.
     void note(Index index, Kind kind, const JsonScanner& scanner)
     {
         Shape& shape = shapes[index];
@@ -219,7 +228,8 @@ private:
     }
 
     // Returns the shape of an object or array. One nested in another of the same key shares that one's shape, so
-    // recursive data such as trees gets a recursive type instead of endless nesting.
+    // recursive data such as trees gets a recursive type instead of endless nesting. Only the first value of a kind is
+    // compared with the keys around it; the result is kept.
     Index sharedShape(Index member, Kind kind)
     {
         Shape& shape = shapes[member];
@@ -251,6 +261,8 @@ private:
         return member;
     }
 
+    // Returns the type of the values of a shape. An array leads on to its items, up to a bound. A value that is an
+    // array in one example and single in another becomes text, unless it holds objects.
     JsonTypes::Shape typeOf(Index at, std::string_view name, SourceTypes::Index home)
     {
         constexpr std::uint16_t deepest = 100;

@@ -8,11 +8,14 @@
 #include <algorithm>
 #include <filesystem>
 
+// Reading a document registers its identifiers and anchors in one pass over its nodes, in which parents come before
+// their children. Other documents are read when a reference first leads to them. Lookups are cached by resource and
+// reference, because a schema may be referred to from everywhere.
 namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::size_t kStart = 1'000;        // of a file, which tells whether it is XML
+constexpr std::size_t kStart = 1'000;        // bytes of a file, which tell whether it is XML
 constexpr std::size_t kMaxPointers = 10'000; // that the report shows; building one walks up the tree
 constexpr std::size_t kMaxDigits = 4;        // in the array index of a pointer; bounds the walk
 
@@ -55,6 +58,7 @@ JsonNode::Role roleUnder(JsonNode::Role role, JsonWord key)
         return role == JsonNode::names ? JsonNode::statement : JsonNode::data;
     if (isOneOf(key, {constWord, enumWord, defaultWord, example, examples}))
         return JsonNode::data;
+    // The keys in these objects are names. "schemas" and "responses" are those of descriptions of APIs.
     const bool hasNames = isOneOf(
         key, {properties, patternProperties, defs, definitions, dependentSchemas, dependencies, schemas, responses});
     return hasNames ? JsonNode::names : JsonNode::statement;
@@ -64,6 +68,7 @@ JsonNode::Role roleUnder(JsonNode::Role role, JsonWord key)
 
 JsonNode::Index JsonDocuments::load(const CString& fileName)
 {
+    // A file without an identity can't be recognised when it is given again.
     const auto id = identify(fileName);
     if (id && parsed.contains(*id))
         return 0;
@@ -82,6 +87,7 @@ JsonNode::Index JsonDocuments::load(const CString& fileName)
 
 JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& shownName, bool ignoresSiblings)
 {
+    // Numbers are those of the report, so that a place leads to its document. Files of other kinds are numbered, too.
     const std::uint32_t number = report.addFile(shownName);
     documents.resize(number + 1);
     CString text;
@@ -111,6 +117,7 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
         document.ignoresSiblings = true;
     else if (!version.empty())
         document.ignoresSiblings = false;
+    // Schemas may refer to each other by their paths, even if they also have identifiers.
     resources.try_emplace(document.uri, root);
     findIdentifiers(first, isDraft4);
     return root;
@@ -151,6 +158,7 @@ void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
     const JsonWord key = tree.keyOf(node);
     Index known = schema; // the schema that already has this identifier
     const bool isAnchor = isOneOf(key, {JsonWord::anchor, JsonWord::dynamicAnchor});
+    // Up to draft 7, an identifier that is only a fragment is an anchor.
     if (isAnchor || identifier.starts_with('#')) {
         const NameTable::Id anchor = tree.names.intern(identifier.substr(isAnchor ? 0 : 1));
         known = anchors.try_emplace(joined(resourceOf(schema), anchor), schema).first->second;
@@ -215,6 +223,8 @@ JsonDocuments::Resolved JsonDocuments::lookUp(Index holder, std::string_view ref
     return found;
 }
 
+// Returns the resource with a URI: one that is known, else the local file, which is read. An identifier takes
+// precedence, because documents given together may refer to each other by URLs.
 JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::string_view uri,
                                             SourceReport::Construct& fault)
 {
@@ -239,6 +249,7 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
     return entry->second;
 }
 
+// Reads a document that `holder` refers to. One that can't be read is a loss, not an error, and 0 is returned.
 JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& path, Index holder)
 {
     const SourcePlace from = tree[holder].place;
@@ -256,6 +267,8 @@ JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& p
     return 0;
 }
 
+// A fragment is a JSON pointer if it begins with a slash, else an anchor (JSON Schema 2020-12, 8.2.2); both are
+// percent-encoded in a URI.
 JsonNode::Index JsonDocuments::followFragment(Index resource, std::string_view fragment) const
 {
     if (fragment.empty())
@@ -267,6 +280,7 @@ JsonNode::Index JsonDocuments::followFragment(Index resource, std::string_view f
     return found == anchors.end() ? 0 : found->second;
 }
 
+// Follows a JSON pointer from a node. Returns 0 if there is no such value.
 JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointer) const
 {
     Index at = from;
@@ -295,6 +309,7 @@ JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointe
     return at;
 }
 
+// Zeros get the number after the last document, so all are one document without links.
 std::vector<std::size_t> JsonDocuments::findTops(std::span<const Index> roots) const
 {
     std::vector<DocumentLinks::Index> given;

@@ -9,12 +9,16 @@
 #include <optional>
 
 /// The documents of one import, with their references resolved. Other documents are local files, each read once.
+///
+/// A resource is a schema with an identifier of its own, or a document: references and anchors inside it are relative
+/// to its URI (JSON Schema 2020-12, 8.2.1). A document without an identifier has its path as URI.
 class JsonDocuments
 {
 public:
     using Index = JsonNode::Index;
 
     /// `withComments` allows comments in JSON.
+    /// Both must outlive this object. `types` is used for refusals only.
     JsonDocuments(SourceTypes& types, SourceReport& report, bool withComments) :
         types(types), report(report), withComments(withComments)
     {}
@@ -24,10 +28,11 @@ public:
 
     /// Returns the node that the text of `holder`, a reference, leads to: by identifier or anchor, else by file and
     /// JSON pointer (RFC 6901). Returns 0 and reports a loss if there is none. Only with `mayBeText` it may be a
-    /// string.
+    /// string. May read further documents, and so move nodes of the tree.
     Index resolve(Index holder, bool mayBeText = false);
 
-    /// Returns whether a "$ref" replaces all other keywords of its schema, as up to draft 7.
+    /// Returns whether a "$ref" replaces all other keywords of its schema, as up to draft 7, in OpenAPI 3.0 and
+    /// AsyncAPI.
     bool ignoresSiblings(Index node) const { return documents[tree[node].place.file].ignoresSiblings; }
 
     /// Sets that for the document of `node`. Documents it refers to inherit it, unless they declare a version.
@@ -65,8 +70,8 @@ private:
     {
         Index root = 0;
         CString folder;
-        CString uri; // the base of relative identifiers
-        bool ignoresSiblings = false;
+        CString uri;                  // the base of relative identifiers
+        bool ignoresSiblings = false; // a "$ref" replaces the other keywords of its schema
     };
 
     // The target of a reference, else the reason why there is none.
@@ -99,5 +104,5 @@ private:
     std::unordered_map<Index, CString> uris;                            // of schemas with an identifier
     std::unordered_map<std::uint64_t, Index, NumberHash> anchors;       // by resource and name
     std::unordered_map<std::uint64_t, Resolved, NumberHash> references; // by resource and reference
-    std::size_t pointers = 0;
+    std::size_t pointers = 0;                                           // shown by the report so far
 };

@@ -7,10 +7,14 @@
 #include <unordered_set>
 #include <utility>
 
+// A schema is read in two steps: each keyword adds a part to the frame, or a statement to Own; readOwn() then combines
+// those that belong together. Keywords are read alike whatever draft a document declares, except for identifiers and
+// for what stands beside a "$ref". Unknown ones are passed over, because JSON Schema allows them.
 namespace {
 
 constexpr int kLongestChain = 100; // of references; guards against cycles
 
+// What the readers check for all keywords alike. A value of a wrong kind is a loss: it changes the types.
 struct Keyword
 {
     unsigned kinds = 0;                              // of values that it may have, as a set of bits; 0 for any
@@ -172,6 +176,7 @@ void JsonContents::readItems(Index schema, JsonWord key, Index node, Own& own)
         appendTargets(node, own.items);
 }
 
+// A reference that leads nowhere has been reported, and becomes text.
 void JsonContents::readReference(Frame& frame, Index child)
 {
     const Index target = referenced(child);
@@ -182,6 +187,7 @@ void JsonContents::readReference(Frame& frame, Index child)
     frame.isReference = true;
 }
 
+// Counts the properties that "required" doesn't list, as details.
 void JsonContents::countOptional(Index schema, Index properties)
 {
     std::size_t all = 0, required = 0;
@@ -239,6 +245,7 @@ void JsonContents::readOwn(Frame& frame, Own& own)
         join(frame, before, both, frame.node);
 }
 
+// Returns the content for one of the schema's types, with the keywords that apply to that type only.
 JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
 {
     JsonContent content;
@@ -337,6 +344,7 @@ JsonNode::Index JsonContents::referenced(Index child)
     return 0;
 }
 
+// Large objects are not looked through: a schema with many keywords is no plain reference.
 JsonNode::Index JsonContents::baseOf(Index schema)
 {
     for (int i = 0; i < kLongestChain; ++i) {
@@ -359,7 +367,8 @@ JsonNode::Index JsonContents::baseOf(Index schema)
     return schema;
 }
 
-// Returns the type and the format of a schema that is a leaf; nothing for other schemas.
+// Returns the type and the format of a schema that is a leaf; nothing for other schemas. Keywords that are only counted
+// don't matter, since they don't change the type.
 std::optional<std::pair<NameTable::Id, NameTable::Id>> JsonContents::leafOf(Index schema) const
 {
     if (tree[schema].isLarge)

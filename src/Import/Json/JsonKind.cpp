@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <functional>
 
+// Messages in JSON may have the same keys as schemas, so a key alone decides only if its value is what the language
+// requires there. Otherwise a message would be read as a schema and lose most of its fields.
 namespace {
 
 // The kind of a document, by its top-level keys or those of its first list item.

@@ -23,7 +23,7 @@ struct JsonSources
 };
 
 /// The base of the importers of schemas in JSON or YAML. Reads one document or a set. A document that others of the set
-/// refer to gets no main type of its own.
+/// refer to gets no main type of its own. The three importers differ in their readers only.
 class JsonMessage : public FullMessage
 {
 public:
@@ -35,6 +35,7 @@ public:
         FullMessage(row), readDocuments(readDocuments), withComments(withComments)
     {}
 
+    /// Documents are read from files, because references are relative to them.
     int isFileMode() const override { return 1; }
 
 protected:

@@ -17,13 +17,13 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::size_t kMaxNodes = 8'000'000;
-constexpr std::size_t kFewMembers = 16;
+constexpr std::size_t kMaxNodes = 8'000'000; // of all documents of an import
+constexpr std::size_t kFewMembers = 16;      // of an object; more are found by hash
 constexpr std::size_t kFreeMerged = 100'000; // members that merges of YAML may visit in any document
 constexpr std::size_t kMaxMerged = 20;       // for each value in addition, so that the work is linear in the text
 
 // Adds the values of one document to a tree, as they are read. Of duplicate keys the last one stays, and the others are
-// reported.
+// reported. Both languages use it, so that they agree on everything but their syntax.
 class JsonBuilder
 {
 public:
@@ -64,6 +64,8 @@ public:
         return made;
     }
 
+    // Ends the open array or object. Mappings are merged here, not at their key, because the object's own keys take
+    // precedence wherever they stand.
     void end()
     {
         if (const Index source = tree.target(open.back().merged); tree.is(source, JsonNode::array))
@@ -119,6 +121,8 @@ private:
         }
     }
 
+    // Bounds the work of merges: a chain of mappings, each of which merges the one before, visits the square of its
+    // length.
     void countMerged()
     {
         if (++merged > kFreeMerged + kMaxMerged * values)
@@ -132,6 +136,8 @@ private:
         std::vector<Index> all;
         for (const Index at : tree.childrenOf(object))
             all.push_back(at);
+        // Stamped with the object, so that the table is never cleared. The walk goes backwards, so the last member
+        // comes first.
         metIn.resize(tree.names.size());
         Index next = 0;
         std::size_t kept = 0;
@@ -205,7 +211,8 @@ JsonNode::Kind kindOfPlain(std::string_view text)
 }
 
 // Reads the only document of a YAML stream. An alias becomes a node that refers to its anchor's node, so a document of
-// nested aliases ("billion laughs") doesn't grow.
+// nested aliases ("billion laughs") doesn't grow. libyaml is a pull parser, so nesting takes no stack; yaml-cpp, which
+// recurses, stops at 500 levels.
 class YamlReader
 {
 public:
@@ -281,6 +288,7 @@ private:
         return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
     }
 
+    // A key that is a list or a mapping, which YAML allows, has no counterpart in JSON.
     void take(const yaml_event_t& event)
     {
         const bool isValue = event.type == YAML_ALIAS_EVENT || event.type == YAML_MAPPING_START_EVENT ||
@@ -325,6 +333,7 @@ private:
         if (builder.awaitsKey())
             return builder.key(text, text == "<<" && scalar.style == YAML_PLAIN_SCALAR_STYLE);
         const std::string_view tag = textOf(scalar.tag);
+        // A quoted scalar is text unless its tag says otherwise, a plain one is resolved unless its tag says text.
         const bool isTyped = isOneOf(tag, {YAML_NULL_TAG, YAML_BOOL_TAG, YAML_INT_TAG, YAML_FLOAT_TAG});
         const bool isText = isOneOf(tag, {YAML_STR_TAG, "!"}) || (scalar.style != YAML_PLAIN_SCALAR_STYLE && !isTyped);
         const JsonNode::Kind kind = isText ? JsonNode::string : kindOfPlain(text);
@@ -336,8 +345,10 @@ private:
     void takeAlias(const yaml_event_t& event)
     {
         const auto found = anchors.find(tree.names.intern(textOf(event.data.alias.anchor)));
+        // An alias inside its own anchor would be a cycle of values.
         if (found == anchors.end() || builder.isOpen(found->second))
             fail("the alias has no anchor before it", event.start_mark);
+        // The target of an alias is never an alias, so following one takes a single step.
         tree[add(JsonNode::alias, {}, event.start_mark)].firstChild = tree.target(found->second);
     }
 
@@ -352,6 +363,7 @@ private:
     void keepAnchor(std::string_view anchor, Index node)
     {
         if (!anchor.empty())
+            // A later anchor of the same name replaces it (YAML 1.2.2, 3.2.2.2).
             anchors[tree.names.intern(anchor)] = node;
     }
 

@@ -9,11 +9,17 @@
 #include <array>
 #include <cerrno>
 
+// A text is scanned in place, a file through a buffer that refill() moves. Whatever must survive a refill is either
+// behind `kept` or copied. A document is scanned in one pass, and a character that can't be part of the grammar ends it
+// at once, so faults have the place of the first wrong character.
+//
+// Tried without gain: searching for the end of a string by std::find_if, and a shorter path past blanks. Most tokens
+// have fewer than ten bytes.
 namespace {
 
-constexpr std::size_t kBuffer = 1 << 18;
-constexpr std::size_t kLongText = 1 << 12; // once this much of a string is kept, further pieces are dropped
-constexpr std::size_t kLongestCharacter = 4;
+constexpr std::size_t kBuffer = 1 << 18;     // bytes that are read at once
+constexpr std::size_t kLongText = 1 << 12;   // once this much of a string is kept, further pieces are dropped
+constexpr std::size_t kLongestCharacter = 4; // bytes of one in UTF-8
 
 constexpr std::array<bool, 256> makeSpecial()
 {
@@ -23,7 +29,8 @@ constexpr std::array<bool, 256> makeSpecial()
     return special;
 }
 
-// The bytes that end a run of plain characters in a string.
+// The bytes that end a run of plain characters in a string: its end, escapes, control characters, which are faults, and
+// characters outside of ASCII, which must be checked.
 constexpr std::array<bool, 256> kSpecial = makeSpecial();
 
 bool isDigit(char c)
@@ -42,6 +49,7 @@ SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault)
 
 JsonScanner::JsonScanner(InputFile& file) : file(&file), buffer(kBuffer)
 {
+    // A pipe may give single bytes, so the mark may need several reads.
     while (data.size() < 3 && refill()) {
     }
     if (data.starts_with("\xEF\xBB\xBF"))
@@ -57,6 +65,7 @@ bool JsonScanner::refill()
         return false;
     const std::size_t from = std::min(kept, at), left = data.size() - from;
     std::copy_n(data.data() + from, left, buffer.data());
+    // Only a key or a number can fill it: strings are taken piece by piece.
     if (left == buffer.size())
         buffer.resize(2 * buffer.size());
     const ssize_t size = file->read(buffer.data() + left, buffer.size() - left);
@@ -104,6 +113,7 @@ void JsonScanner::skipComment()
     at += kind == '*' ? 2 : 0;
 }
 
+// Reads what separates values, then the value.
 JsonScanner::Token JsonScanner::next()
 {
     skipSpace();
@@ -201,7 +211,7 @@ JsonScanner::Token JsonScanner::close()
 }
 
 // Scans a string. Without escapes the token is a view of the text. Otherwise its pieces are joined in `unescaped`, as
-// is the beginning of a long string of a file.
+// is the beginning of a long string of a file. All of the string is checked, also where it isn't kept.
 void JsonScanner::scanString(bool isKey)
 {
     const std::size_t longest = file && !isKey ? kLongText : CString::npos;
@@ -236,6 +246,7 @@ void JsonScanner::scanString(bool isKey)
         } else if (static_cast<unsigned char>(c) < ' ') {
             fail("a string holds a control character");
         } else {
+            // The whole character must be in the buffer.
             while (data.size() - at < kLongestCharacter && refill()) {
             }
             if (decodeUtf8(data, at) == kInvalidUtf8)
@@ -249,7 +260,8 @@ void JsonScanner::scanString(bool isKey)
     ++at;
 }
 
-// Scans an escape. A surrogate without its other half becomes U+FFFD.
+// Scans an escape. A surrogate without its other half becomes U+FFFD: RFC 8259, 8.2 allows such strings, but UTF-8
+// can't hold them.
 void JsonScanner::scanEscape()
 {
     constexpr std::string_view letters = "\"\\/bfnrt", meanings = "\"\\/\b\f\n\r\t";
@@ -267,6 +279,7 @@ void JsonScanner::scanEscape()
     ++at;
     std::uint32_t code = scanHex();
     const bool isHighSurrogate = code >= 0xD800 && code < 0xDC00;
+    // Only a high surrogate is followed by another escape that belongs to it.
     while (isHighSurrogate && data.size() - at < 2 && refill()) {
     }
     if (isHighSurrogate && data.substr(at).starts_with("\\u")) {
@@ -294,6 +307,7 @@ std::uint32_t JsonScanner::scanHex()
     return code;
 }
 
+// A number has no value here, so it may be larger than any type can hold.
 void JsonScanner::scanNumber()
 {
     if (peek() == '-')
@@ -301,6 +315,8 @@ void JsonScanner::scanNumber()
     if (isAtEnd())
         fail("the text ends too early");
     if (!isDigit(peek()))
+        // The byte order mark of UTF-16 begins with such a byte. In an editor the text looks like JSON, so the error
+        // names the encoding.
         fail(static_cast<unsigned char>(peek()) < 0x80 ? "a value is expected" : "a value is expected, in UTF-8");
     // A zero at the start is the whole integer part (RFC 8259, 6).
     if (peek() == '0')

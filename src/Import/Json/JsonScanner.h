@@ -26,10 +26,11 @@ inline bool beginsWithComment(std::string_view text)
 }
 
 /// Scans JSON (RFC 8259) token by token, without recursion. Numbers, strings and keys may have any length. Throws the
-/// first fault as a JsonFault.
+/// first fault as a JsonFault. docs/adr/json-scanner.md says why it isn't a library's.
 class JsonScanner
 {
 public:
+    /// Values have one token, or a pair with those of their members or items in between. Commas and colons have none.
     enum Token : std::uint8_t
     {
         end,
@@ -48,14 +49,15 @@ public:
     static constexpr std::size_t kMaxDepth = 1000;
 
     /// Scans one value. The text has no byte order mark, and must outlive the scanner. With `withComments` those of
-    /// JavaScript are skipped; JSON has none.
+    /// JavaScript are skipped; JSON has none. An empty text is a fault.
     JsonScanner(std::string_view text, bool withComments) : withComments(withComments), data(text) {}
 
-    /// Scans a file with any number of values, one after another. Memory is bounded by the longest key or number; of a
-    /// long string only the beginning is kept, up to the size of the buffer.
+    /// Scans a file with any number of values, one after another, separated by any white space or none. Memory is
+    /// bounded by the longest key or number; of a long string only the beginning is kept, up to the size of the buffer.
+    /// The file must outlive the scanner. A byte order mark is skipped.
     explicit JsonScanner(InputFile& file);
 
-    /// Returns the next token; `end` after the last value. Throws JsonFault.
+    /// Returns the next token; `end` after the last value. Throws JsonFault; the scanner must not be used after that.
     Token next();
 
     /// Returns a key or string without quotes and escapes, or a number or boolean as written. Valid until the next call
@@ -67,6 +69,7 @@ public:
     std::uint32_t column() const { return tokenColumn; }
 
 private:
+    // What the scanner expects next. Together with the stack of open containers it replaces a recursive grammar.
     enum State : std::uint8_t
     {
         value,
@@ -101,16 +104,16 @@ private:
     const bool withComments = false;
     std::string_view data; // the text, or the part of the file in the buffer
     InputFile* file = nullptr;
-    std::vector<char> buffer;
-    std::size_t at = 0;
+    std::vector<char> buffer;         // of a file
+    std::size_t at = 0;               // cursor in `data`
     std::size_t kept = CString::npos; // start of the bytes that refill() must keep; npos if none
     std::uint64_t consumed = 0;       // bytes of the file before the buffer
-    std::uint64_t lineOffset = 0;
-    std::uint32_t lines = 1;
+    std::uint64_t lineOffset = 0;     // of the current line, in the file
+    std::uint32_t lines = 1;          // number of the current line
     std::uint32_t tokenLine = 1;
     std::uint32_t tokenColumn = 1;
     std::string_view token;
-    CString unescaped;
+    CString unescaped;          // holds the token if it isn't in the text as it is
     std::vector<bool> isObject; // for each open container
     State state = value;
 };

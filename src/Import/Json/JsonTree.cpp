@@ -25,6 +25,8 @@ JsonTree::JsonTree() : nodes(1)
         names.intern(word);
 }
 
+// A few members are compared one by one. Many are hashed, because looking up each of thousands of definitions would
+// take quadratic time.
 JsonNode::Index JsonTree::find(Index object, NameTable::Id key) const
 {
     object = target(object);
@@ -77,6 +79,8 @@ void JsonTree::index(Index object)
         members.insert(joined(object, nodes[at].key), at);
 }
 
+// Walks up, so the steps come in reverse. A report can have as many pointers as the tree has nodes: JsonDocuments
+// bounds their number, and kMaxPosition the cost of each array.
 CString JsonTree::pointerTo(Index node) const
 {
     std::vector<CString> steps;

@@ -29,7 +29,8 @@
     WORD(additionalItems) WORD(unevaluatedItems) WORD(contains) WORD(propertyNames) WORD(aliases) WORD(order) \
     WORD(traits) WORD(extends)
 
-// Words that aren't identifiers in C++, with their texts.
+// Words that aren't identifiers in C++, with their texts. Each list makes both the enumerators and the texts, so that
+// their orders agree.
 #define JSON_OTHER_WORDS(WORD) \
     WORD(ref, "$ref") WORD(dynamicRef, "$dynamicRef") WORD(recursiveRef, "$recursiveRef") \
     WORD(schemaVersion, "$schema") WORD(dollarId, "$id") WORD(anchor, "$anchor") \
@@ -61,7 +62,8 @@ constexpr std::uint64_t joined(std::uint32_t first, std::uint32_t second)
     return static_cast<std::uint64_t>(first) << 32 | second;
 }
 
-/// A value of a document. Values are identified by their index; 0 is none.
+/// A value of a document. Values are identified by their index; 0 is none. Children are a linked list, so a document
+/// needs no allocation for each of its arrays and objects.
 struct JsonNode
 {
     using Index = std::uint32_t;
@@ -78,7 +80,8 @@ struct JsonNode
         alias ///< refers to the node `firstChild`
     };
 
-    /// The role of a value.
+    /// The role of a value, which depends on the keys around it: "$id" identifies a schema, but not in data, and not as
+    /// the name of a property. JsonDocuments sets it.
     enum Role : std::uint8_t
     {
         statement, ///< is a schema, or part of one
@@ -100,12 +103,13 @@ struct JsonNode
 };
 
 /// The values of JSON and YAML documents as rows of an array, with their places. Neither walking nor freeing it needs
-/// recursion.
+/// recursion. All documents of an import share one tree. Texts are interned, so keys are compared as numbers.
 class JsonTree
 {
 public:
     using Index = JsonNode::Index;
 
+    /// Interns the words first, which makes their numbers those of JsonWord.
     JsonTree();
 
     const JsonNode& operator[](Index node) const { return nodes[node]; }
@@ -174,13 +178,14 @@ public:
         return static_cast<Index>(nodes.size() - 1);
     }
 
-    /// Adds an array of aliases of `members`, without a parent.
+    /// Adds an array of aliases of `members`, without a parent, under `key`. Readers combine schemas in this way.
     Index addList(JsonWord key, std::span<const Index> members, SourcePlace place);
 
-    /// Returns the JSON pointer of a node (RFC 6901) as a URI fragment, with "#" in front.
+    /// Returns the JSON pointer of a node (RFC 6901) as a URI fragment, with "#" in front. Takes time linear in the
+    /// items before the node, and before its ancestors.
     CString pointerTo(Index node) const;
 
-    /// Puts the members of an object into the hash table; for large objects.
+    /// Puts the members of an object into the hash table; for large objects. Call it once, when they are complete.
     void index(Index object);
 
     NameTable names;
@@ -193,6 +198,7 @@ private:
 /// Reads one document into the tree and returns its root; 0 if it holds no value. It is YAML if the file name ends with
 /// ".yaml" or ".yml", or if neither the name nor the beginning suggests JSON. Of duplicate keys the last one stays, and
 /// the others are reported. `document` is the document's number in the report. `withComments` allows comments in JSON.
-/// Throws JsonFault, and through `types` SourceRefusal beyond the maximum number of values.
+/// Throws JsonFault, and through `types` SourceRefusal beyond the maximum number of values. The text is copied, so it
+/// need not outlive the call.
 JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, JsonTree& tree, const SourceTypes& types,
                              SourceReport& report, std::uint32_t document, bool withComments);

@@ -10,7 +10,7 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::uint16_t kMaxDepth = 100; // of nested tables
+constexpr std::uint16_t kMaxDepth = 100; // of nested tables, each with a name that is longer by "t_"
 
 // Returns the text up to its first sentence end or empty line. A full stop ends a sentence if white space follows and
 // then no lower-case letter, so "e.g." doesn't.
@@ -32,6 +32,7 @@ std::string_view firstSentence(std::string_view text)
 
 } // namespace
 
+// Follows nested arrays to the value in them, which a loop can do since only the innermost one has a type of its own.
 JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceTypes::Index home)
 {
     schema = tree.target(schema);
@@ -50,6 +51,7 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
             return {};
         }
     }
+    // An object without known properties holds anything, so it becomes text.
     const bool isObject =
         content.kind == JsonContent::map || (content.kind == JsonContent::record && content.count > 0);
     if (leaf)
@@ -116,6 +118,7 @@ std::string_view JsonTypes::nameOf(Index schema, std::string_view name)
 
 SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_view name, SourceTypes::Index home)
 {
+    // Schemas with one owner are one type, whatever field refers to it first.
     const auto [known, isNew] = records.try_emplace(content.owner);
     if (!isNew)
         return known->second;

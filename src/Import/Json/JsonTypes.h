@@ -8,6 +8,9 @@
 #include <unordered_set>
 
 /// Makes types from JSON Schemas: the records and enumerations of the requested schemas, and of all they refer to.
+///
+/// A record is added when a field first needs it, and its fields are read in finish(), so that records may contain each
+/// other, and nesting needs no recursion.
 class JsonTypes
 {
 public:
@@ -22,12 +25,13 @@ public:
         friend bool operator==(const Shape&, const Shape&) = default;
     };
 
-    /// A place as a key.
+    /// A place as a key. It identifies a schema in both passes of JsonMessage::read().
     using PlaceKey = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;
     using Places = std::set<PlaceKey>;
     static PlaceKey keyOf(SourcePlace place) { return {place.file, place.line, place.column}; }
 
-    /// With `wanted`, only the candidates at these places are read, and what they refer to.
+    /// With `wanted`, only the candidates at these places are read, and what they refer to. All must outlive this
+    /// object.
     JsonTypes(JsonDocuments& documents, SourceTypes& types, SourceReport& report, const Places* wanted = nullptr) :
         documents(documents), tree(documents.tree), types(types), contents(documents, types, report), report(report),
         wanted(wanted)
@@ -41,7 +45,8 @@ public:
     Index querySource() const { return source; }
 
     /// Returns the type of a schema; text if it is not wanted and has no `home`. A schema without its own name is
-    /// called `name`, inside the record `home`, if that is given.
+    /// called `name`, inside the record `home`, if that is given. `name` must live as long as the types. Throws
+    /// SourceRefusal, as JsonContents::of() does.
     Shape shapeOf(Index schema, std::string_view name, SourceTypes::Index home = SourceTypes::kNone);
 
     /// Names schemas of other documents after the key under `holder` that refers to them. Call it before types are
@@ -75,7 +80,8 @@ public:
     /// schemas.
     std::string_view nameOf(Index schema);
 
-    /// Reads the fields of all records that were added since the last call. Call it last.
+    /// Reads the fields of all records that were added since the last call. Call it last; adding types afterwards needs
+    /// another call.
     void finish();
 
     /// Returns a name with the characters replaced that types can't have; a changed name is reported. The view lives as
@@ -88,6 +94,7 @@ public:
                                         SourceReport& report);
 
 private:
+    // A record whose fields are not read yet.
     struct Pending
     {
         JsonContent content;
