@@ -10,6 +10,7 @@
 namespace {
 
 // Takes ownership of an object that an operation of `parent` returned. The object keeps the parent's library loaded.
+// `object` may be null, which gives an empty owner.
 template <class Interface, class Parent>
 VornObject<Interface> own(Interface* object, const VornObject<Parent>& parent)
 {
@@ -21,6 +22,7 @@ VornObject<Interface> own(Interface* object, const VornObject<Parent>& parent)
 BrokerSession::~BrokerSession()
 {
     const MemoryWipe wipe; // the client's libraries have held the password until now
+    // Explicit, because members would otherwise be destroyed after the end of `wipe`.
     reading.reset();
     creation.reset();
     repository.reset();
@@ -36,6 +38,7 @@ CString BrokerSession::open(const CString& serverName, unsigned port, const Brok
 CString BrokerSession::openForReading(const CString& serverName, unsigned port, const BrokerAccount* account)
 {
     const CString failure = open(kVornReaderClass, serverName, port, account);
+    // Without IVornCreation, createTypes() would really create types.
     if (failure.empty() && (!creation || !reading))
         throw ClientError("The client can't read a repository");
     return failure;
@@ -64,9 +67,12 @@ CString BrokerSession::logOn(const CString& address, const BrokerAccount* accoun
     IVornConnection* opened = nullptr;
     result = account ? server->LogonAsUser(account->user.c_str(), account->password.c_str(), "*", &opened)
                      : server->Logon(&opened);
+    // Owned even after a failure, in case the client returned an object all the same.
     connection = own(opened, server);
     if (result != VornResult::done) {
         describe(*server);
+        // VornResult::failed is a refused user or password. Anything else that goes wrong at a logon counts as no
+        // broker.
         return loadText(result == VornResult::clientError ? IDS_NO_BROKER : IDS_LOGIN_FAILED);
     }
     return connection ? "" : loadText(IDS_NO_CONNECTION);
@@ -94,6 +100,8 @@ std::vector<CreatedType> BrokerSession::createTypes(const std::vector<CString>& 
                                                     ExistingTypes existing)
 {
     if (!creation)
+        // `replace` and `replaceFound` are the last values of VornExisting. A type that must not be replaced is
+        // returned as existing, which is how the caller learns that it has to ask.
         return {{createType(documents.front(), existing.changed >= VornExisting::replace)}};
     std::vector<const char*> texts;
     for (const CString& document : documents)
@@ -118,6 +126,7 @@ std::vector<CString> BrokerSession::readFolder(const CString& folder)
     std::uint32_t count = 0;
     if (reading->readFolder(folder.c_str(), &documents, &count) != VornResult::done)
         throw ClientError(reading->queryDescription());
+    // Copied, because the client's texts are valid until its next call only.
     return {documents, documents + count};
 }
 

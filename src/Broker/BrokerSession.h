@@ -12,14 +12,15 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The broker user to log on as, if that is not the user that runs the program.
+/// The broker user to log on as, if that is not the user that runs the program. References: valid for the call that
+/// takes it, so that no copy of the password has to be wiped.
 struct BrokerAccount
 {
     const CString& user;
     const CString& password;
 };
 
-/// The outcome for one type. The codes are the client's.
+/// The outcome for one type. The codes are the client's, those of VornOutcome.
 struct CreatedType
 {
     static constexpr unsigned created = 0, replaced = 1, exists = 2, unchanged = 3, refused = 99;
@@ -39,7 +40,8 @@ struct ExistingTypes
     VornExisting unchanged; ///< with the same one
 };
 
-/// The client's objects for one creation run. Releases them in the right order and wipes the password.
+/// The client's objects for one creation run. Releases them in the right order and wipes the password. One thread at a
+/// time may use it.
 class BrokerSession
 {
 public:
@@ -61,7 +63,8 @@ public:
     /// loaded. Empty if there are none, or the error box already shows them.
     const CString& queryDescription() const { return description; }
 
-    /// Creates one type through the repository itself and returns the client's code. Throws ClientError.
+    /// Creates one type through the repository itself and returns the client's code. Throws ClientError. The code is
+    /// one of CreatedType, or unknown.
     unsigned createType(const CString& document, bool overwrite);
 
     /// Returns whether the client has IVornCreation. Without it, types are created one at a time, without sources, and
@@ -73,7 +76,8 @@ public:
     std::vector<CreatedType> createTypes(const std::vector<CString>& documents, const CString& source,
                                          ExistingTypes existing);
 
-    /// Returns the documents of the types in a folder. Needs openForReading(). Throws ClientError.
+    /// Returns the documents of the types in a folder. Needs openForReading(). Throws ClientError. The folder begins
+    /// and ends with a backslash.
     std::vector<CString> readFolder(const CString& folder);
 
     /// Waits until the created types survive a crash of the server, if the client supports it. Throws ClientError if
@@ -81,6 +85,7 @@ public:
     void finish();
 
 private:
+    // Each step returns the text for the error box, empty if it succeeded, and sets the description.
     CString open(const char* classId, const CString& server, unsigned port, const BrokerAccount* account);
     CString logOn(const CString& address, const BrokerAccount* account);
     CString openRepository();

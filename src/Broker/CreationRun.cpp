@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t kLargestWindow = 512;
 constexpr std::size_t kLargestText = 1 << 20; // bytes of documents in one call
 
+// A code of the client, and its line in the list of results.
 struct ResultLine
 {
     unsigned code;
@@ -58,8 +59,10 @@ CreationRun::CreationRun(BrokerSession& openSession, Callbacks newCallbacks, Cre
 int CreationRun::run(MsgBase& message)
 {
     progress = {Work::creating, 0, static_cast<std::uint64_t>(message.beginEnum())};
+    // All at once, because a window needs the types after the current one.
     while (Element* type = message.enumNext())
         types.push_back(type);
+    // A cancelled run still adds a line for each remaining type, so that the list accounts for all of them.
     for (std::size_t next = 0; next < types.size();) {
         isCancelled = isCancelled || !reportProgress(progress);
         if (!isCancelled)
@@ -79,6 +82,7 @@ std::size_t CreationRun::createNext(std::size_t first)
     std::vector<CreatedType> outcomes;
     try {
         outcomes = createWindow(first);
+        // The call fails only if its first type does; the types after it have not been tried.
     } catch (const ClientError& error) {
         window = 1;
         addFailure(*types[first], error.what());
@@ -90,6 +94,8 @@ std::size_t CreationRun::createNext(std::size_t first)
     // because documents after that type are written and sent in vain.
     window = isComplete && session.hasCreation() ? std::min(2 * window, kLargestWindow) : 1;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        // run() has polled before the first. The other types of the window are created already, so their lines stay as
+        // they are; only open questions become cancelled.
         isCancelled = i > 0 && (isCancelled || !reportProgress(progress));
         recordOutcome(*types[first + i], documents[i], outcomes[i]);
         ++progress.done;
@@ -103,6 +109,7 @@ std::vector<CreatedType> CreationRun::createWindow(std::size_t first)
     std::size_t size = 0, count = 0;
     // Resized, not cleared, so that the texts of the last window are reused.
     documents.resize(end - first);
+    // At least one document, however long it is.
     while (count < documents.size() && size < kLargestText) {
         types[first + count]->asXML(documents[count]);
         size += documents[count++].size();
@@ -111,6 +118,7 @@ std::vector<CreatedType> CreationRun::createWindow(std::size_t first)
     return session.createTypes(documents, options.source.name, {ruleFor(false), ruleFor(true)});
 }
 
+// The rules follow the answers so far: once the user has said "to all", calls no longer stop.
 VornExisting CreationRun::ruleFor(bool isUnchanged) const
 {
     if (noToAll || (isUnchanged && options.keepsUnchanged))
@@ -121,6 +129,7 @@ VornExisting CreationRun::ruleFor(bool isUnchanged) const
 // Returns whether the user still has to decide about an existing type.
 bool CreationRun::isOpen(const CreatedType& outcome) const
 {
+    // Such a client was told to keep the type, and reports no unchanged ones.
     if (!session.hasCreation())
         return outcome.code == CreatedType::exists && !noToAll;
     const bool isUnchanged = outcome.code == CreatedType::unchanged;
@@ -158,16 +167,20 @@ CreatedType CreationRun::decide(const Element& type, const CString& document, Cr
         isCancelled |= choice == OverwriteChoice::stop;
         if (choice != OverwriteChoice::yes && choice != OverwriteChoice::yesToAll)
             break;
+        // A single yes is meant for the type that the question was about: replaceFound stops again if it has changed
+        // since.
         const VornExisting yes = yesToAll ? VornExisting::replace : VornExisting::replaceFound;
         outcome =
             session.createTypes({document}, options.source.name, {yes, options.keepsUnchanged ? ruleFor(true) : yes})
                 .front();
+        // createType() with `overwrite` settles the type.
         if (!session.hasCreation())
             break;
     }
     return outcome;
 }
 
+// A source that is unknown or not persistent counts as another one, so that nothing is replaced as if it were known.
 bool CreationRun::isOtherSource(const CreatedType& outcome) const
 {
     return session.hasCreation() && !(outcome.isSourceStored && options.source.isSame(outcome.source));
@@ -209,6 +222,7 @@ void CreationRun::addCancelled(const Element& type)
     callbacks.addResult(type.queryName() + " not created, since the creation was cancelled", ResultKind::cancelled);
 }
 
+// Also after a cancellation, because types may have been created before.
 void CreationRun::finish()
 {
     try {

@@ -15,7 +15,8 @@ class Element;
 class MsgBase;
 
 /// The answers to the question whether an existing type is to be replaced, as the overwrite dialog numbers them. `stop`
-/// ends the run: neither this type nor any after it is created.
+/// ends the run: neither this type nor any after it is created. The dialog of the wizard and the prompt of the command
+/// give the same choices.
 enum class OverwriteChoice : int
 {
     yes = 0,
@@ -42,11 +43,13 @@ struct OtherSource
 };
 
 /// Creates the types of one import in a broker's repository, in order. A type that fails doesn't stop the run. If the
-/// progress handler refuses or a question is answered with `stop`, the remaining types only get a line each.
+/// progress handler refuses or a question is answered with `stop`, the remaining types only get a line each. Types go
+/// to the client in windows of growing size, and each result line is added as soon as the type is settled. The session
+/// must outlive the run.
 class CreationRun
 {
 public:
-    /// The callbacks of a run. Both must be set.
+    /// The callbacks of a run. Both must be set. They are called in the thread of run().
     struct Callbacks
     {
         /// Asks whether to replace an existing type. `details` name its other source; empty if it has none.
@@ -56,7 +59,8 @@ public:
 
     CreationRun(BrokerSession& session, Callbacks callbacks, CreationOptions options = {});
 
-    /// Creates every type of `message`, in enumeration order, and returns the number of failures. Call it once.
+    /// Creates every type of `message`, in enumeration order, and returns the number of failures. Call it once. Throws
+    /// nothing of the client: its failures are result lines.
     int run(MsgBase& message);
 
     /// Returns whether the run left out types because it was cancelled or stopped.
@@ -69,6 +73,7 @@ public:
     bool areSourcesStored() const { return sourcesStored; }
 
 private:
+    // Steps of the run; `first` is an index into `types`.
     std::size_t createNext(std::size_t first);
     std::vector<CreatedType> createWindow(std::size_t first);
     void recordOutcome(const Element& type, const CString& document, CreatedType outcome);
@@ -88,10 +93,10 @@ private:
     std::vector<Element*> types;
     std::vector<CString> documents; // of the current window
     std::size_t window = 1;         // the number of types in one call
-    Progress progress;
+    Progress progress;              // counted in settled types
     std::vector<OtherSource> otherSources;
     std::map<CString, std::size_t> sourceIndex; // indices into otherSources
-    bool sourcesStored = true;
+    bool sourcesStored = true;                  // as far as the run has seen
     int errorCount = 0;
     bool yesToAll = false;
     bool noToAll = false;

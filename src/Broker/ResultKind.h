@@ -1,6 +1,6 @@
 #pragma once
 
-/// The kinds of lines in the list of results.
+/// The kinds of lines in the list of results. Both programs count and mark the lines by it.
 enum class ResultKind
 {
     created,

@@ -8,6 +8,7 @@
 
 namespace {
 
+// A data source's identity never begins with a slash.
 CString withoutFolder(const CString& source)
 {
     return source.starts_with('/') ? source.substr(source.rfind('/') + 1) : source;
@@ -21,8 +22,10 @@ TypeSource fileSource(const CString& file)
     if (file == kStandardInput)
         return {"standard input", false};
     std::error_code failure;
+    // Normalised but not resolved: a link that leads elsewhere next time is still the same source to its user.
     const fs::path full = fs::absolute(file, failure).lexically_normal();
     const fs::file_status status = fs::status(full, failure);
+    // A file name can hold any bytes, but the shipped client separates texts by characters that XML can't hold.
     return {toXmlText(full.string()), fs::is_regular_file(status) || fs::is_directory(status)};
 }
 

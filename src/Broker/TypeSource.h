@@ -18,5 +18,5 @@ struct TypeSource
 TypeSource fileSource(const CString& file);
 
 /// Returns the shortest clear name of a source among `others`: a file without its folder, unless another source has
-/// that name too; "unknown source" for an empty one. `others` may contain the source itself.
+/// that name too; "unknown source" for an empty one. `others` may contain the source itself. Linear in `others`.
 CString shortName(const CString& source, const std::vector<CString>& others);

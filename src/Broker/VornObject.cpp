@@ -15,7 +15,8 @@ namespace {
 constexpr char kShippedClient[] = "libvornclient.so";
 
 // Returns the client that comes with the program by its full path. A bare name would be searched in folders that others
-// may write to.
+// may write to. The program's path comes from the kernel, not from its arguments, which the caller chooses. The first
+// place is that of a build, the second that of an installation.
 CString shippedLibrary()
 {
     std::error_code failed;
@@ -27,12 +28,14 @@ CString shippedLibrary()
 }
 
 // Returns whether users other than this one and root could replace a file or folder. In a sticky folder they can't
-// replace what isn't theirs, but they can add libraries to it.
+// replace what isn't theirs, but they can add libraries to it. Access control lists can't give more than the group's
+// bits allow (acl(5), the mask).
 bool isWritableByOthers(const std::filesystem::path& path, bool mayBeSticky)
 {
     struct stat link = {}, state = {};
     if (::lstat(path.c_str(), &link) != 0 || ::stat(path.c_str(), &state) != 0)
         return false; // then it can't be loaded either
+    // The owner can change the permissions at any time. A link's own owner can replace the link.
     for (const uid_t owner : {link.st_uid, state.st_uid})
         if (owner != 0 && owner != ::geteuid())
             return true;
@@ -50,7 +53,8 @@ CString writablePartOf(const std::filesystem::path& library)
     return {};
 }
 
-// Returns why a library is not loaded; empty if it may be. Checks the given name and the file that it leads to.
+// Returns why a library is not loaded; empty if it may be. Checks the given name and the file that it leads to. Only
+// for libraries that the settings name: the shipped one lies where the program does.
 CString untrustedReason(const CString& library)
 {
     if (!library.starts_with('/'))
@@ -91,6 +95,7 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
 {
     CString ignored;
     CString& why = reason != nullptr ? *reason : ignored;
+    // The server class for both classes, because one library has both.
     const std::optional<CString> named = namedLibrary(kVornServerClass);
     if (const CString untrusted = named ? untrustedReason(*named) : CString(); !untrusted.empty()) {
         why = untrusted;
@@ -104,6 +109,7 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
     }
     const auto version = findFunction<decltype(vornInterfaceVersion)>(library, "vornInterfaceVersion");
     const auto create = findFunction<decltype(vornCreateObject)>(library, "vornCreateObject");
+    // The version is asked for first: with another one, the layout of the objects is unknown.
     if (!version || !create || version() != kVornInterfaceVersion) {
         why = fileName + ": not a client with interfaces of version " + std::to_string(kVornInterfaceVersion);
         return {};

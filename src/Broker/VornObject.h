@@ -10,6 +10,7 @@ struct VornRelease
 {
     std::shared_ptr<void> library;
 
+    // In this order: the code of the object lies in the library.
     void operator()(IVornObject* object) noexcept
     {
         object->Release();
@@ -24,7 +25,7 @@ using VornObject = std::unique_ptr<Interface, VornRelease>;
 /// Creates an object of a class. The library is the one that the settings name for the server class
 /// (SOFTWARE\Classes\CLSID\{...}\InprocServer32), else the client that comes with the program. Returns null if the
 /// library is missing or can be replaced by other users, has interfaces of another version or lacks the class. `reason`
-/// then gets the cause, for administrators of clients.
+/// then gets the cause, for administrators of clients. The progress handler of the program is passed to the library.
 VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString* reason = nullptr);
 
 /// Calls vornQueryInterface(). Returns null also if the library lacks that function.

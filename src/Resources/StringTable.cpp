@@ -11,7 +11,8 @@ struct Entry
     const char* text;
 };
 
-// In the order of their ids, because the lookup is a binary search.
+// In the order of their ids, because the lookup is a binary search. The texts are fixed to the letter, the spelling of
+// "modifed" included. A pattern of a file filter separates its parts by semicolons.
 constexpr Entry kTable[] = {
     {IDS_TITLE, "Typeforge"},
     {IDS_DTD_NAME, "DTD importer"},

@@ -16,7 +16,8 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kLocal = "local";
 
-// Characters that would end a value of a connection string, or begin a quoted one.
+// Characters that would end a value of a connection string, or begin a quoted one. A folder with one of them is
+// refused.
 constexpr std::string_view kNotInValue = ";{}=\r\n";
 
 [[noreturn]] void raise(const fs::path& file)
@@ -42,6 +43,7 @@ void makePrivate(const fs::path& folder, const fs::path& file)
         raise(file);
 }
 
+// Returns the database file of the user, whether it exists or not.
 fs::path localFile()
 {
     const fs::path folder = dataFolder();
@@ -84,6 +86,8 @@ CString Address::connectString(bool isForReading) const
         makePrivate(file.parent_path(), file);
         return "Driver=SQLite3;Database=" + file.string() + ";Timeout=5000;JournalMode=WAL;SyncPragma=NORMAL;";
     }
+    // The names of the drivers are those under which Debian's packages register them. readServerAddress() has refused
+    // characters that are special here.
     return "Driver={PostgreSQL Unicode};Server=" + address.server + ";Port=" + std::to_string(address.port) +
            ";Database=typeforge;";
 }

@@ -8,7 +8,8 @@
 
 namespace {
 
-// Sets this thread's character type locale to UTF-8 in its scope.
+// Sets this thread's character type locale to UTF-8 in its scope. The program's own locale, which may be "C", stays as
+// it is for its other threads.
 class Utf8Locale
 {
 public:
@@ -50,9 +51,11 @@ std::vector<CString> rolesOf(const CString& user)
     const Utf8Locale utf8;
     std::wstring letters = widen(user);
     std::vector<CString> roles = {user};
+    // A lower-case letter shows that the user wrote the name by hand.
     if (std::ranges::any_of(letters, [](wint_t c) { return std::towupper(c) != c; }))
         return roles;
     std::ranges::transform(letters, letters.begin(), std::towlower);
+    // Both forms: roles whose quoted name is in lower case, and roles that the server has folded itself.
     for (const CString& folded : {narrow(letters), lowerAscii(user)})
         if (!folded.empty() && folded != roles.back())
             roles.push_back(folded);

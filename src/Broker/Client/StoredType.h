@@ -7,7 +7,8 @@
 #include <string_view>
 #include <vector>
 
-/// A type to store, by its full name. Does not own the document.
+/// A type to store, by its full name. Does not own the document. The document must live until the call that takes it
+/// returns.
 struct NamedDocument
 {
     CString name;
@@ -21,7 +22,7 @@ struct SourceMark
     CString time;   ///< in UTC, "2026-01-31T23:59:59Z"
 };
 
-/// The outcome for one type.
+/// The outcome for one type. The codes are those of the interface (VornOutcome).
 struct StoredType
 {
     enum Code : unsigned
@@ -54,7 +55,7 @@ inline bool stops(const StoredType& type, ExistingRules rules)
     return exists && rules.ruleFor(type.code == StoredType::unchanged) != VornExisting::keep;
 }
 
-/// The storage of a creation.
+/// The storage of a creation. TypeStore changes the repository, TypeReader only says what a creation would do.
 class TypeStorage
 {
 public:

@@ -15,11 +15,13 @@ constexpr char kSetBatch[] = "SELECT length(set_config('typeforge.batch', ?, fal
                              "set_config('typeforge.outcomes', '', false)";
 constexpr char kReadOutcomes[] = "SELECT current_setting('typeforge.outcomes')";
 
+// replaceFound needs the revision that was found, which only TypeStore knows, so the program stops there.
 const char* ruleName(VornExisting rule)
 {
     return rule == VornExisting::replace ? "replace" : rule == VornExisting::keep ? "keep" : "stop";
 }
 
+// The order in which batchProgram() reads the parts: two rules, source, time, then a name and a document for each type.
 CString packed(std::span<const NamedDocument> types, const SourceMark& mark, ExistingRules rules)
 {
     CString text;
@@ -45,6 +47,7 @@ std::string_view takePart(std::string_view& text, char end)
     return part;
 }
 
+// Reads what batchProgram() has written: for each type its code, the old source, kPartEnd, the old time, and kEnd.
 std::vector<StoredType> unpacked(std::string_view outcomes)
 {
     std::vector<StoredType> types;
@@ -67,6 +70,7 @@ TypeBatch::TypeBatch(CDatabase& openOn, const TypeTable& table) :
 std::vector<StoredType> TypeBatch::store(std::span<const NamedDocument> types, const SourceMark& mark,
                                          ExistingRules rules)
 {
+    // The outcomes of an earlier batch are cleared by the same statement.
     setBatch.execute({packed(types, mark, rules)});
     try {
         database.ExecuteSQL(program);

@@ -8,6 +8,7 @@
 
 namespace {
 
+// Probes return no row, but need the table and the columns that they name.
 constexpr char kProbe[] = "SELECT name, document, revision FROM typeforge_types WHERE false";
 constexpr char kProbeSources[] = "SELECT source, source_time, source_revision FROM typeforge_types WHERE false";
 // Not with LIKE, to which `_` and `\` in names are special.
@@ -73,6 +74,7 @@ std::vector<CString> TypeReader::readFolder(const CString& folder) const
     std::vector<CString> documents;
     if (!database)
         return documents;
+    // The server returns all folders below, too; a further backslash shows them.
     for (auto& row : CStatement(*database, kReadFolder).execute({folder, folder}))
         if (row[0].find('\\', folder.size()) == CString::npos)
             documents.push_back(std::move(row[1]));

@@ -6,7 +6,8 @@
 #include <memory>
 #include <vector>
 
-/// Reads the type repository in a database. Never changes it, neither the table nor a type.
+/// Reads the type repository in a database. Never changes it, neither the table nor a type. A comparison and a dry run
+/// use it.
 class TypeReader final : public TypeStorage
 {
 public:

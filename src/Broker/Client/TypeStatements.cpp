@@ -29,6 +29,7 @@ CString upsertStatement(const TypeTable& table)
            " RETURNING revision";
 }
 
+// The document is compared on the server, so it needn't be fetched. A null source comes back as an empty text.
 CString findStatement(const TypeTable& table)
 {
     return CString("SELECT revision, CASE WHEN document = ? THEN 1 ELSE 0 END") +
@@ -36,6 +37,7 @@ CString findStatement(const TypeTable& table)
            " FROM typeforge_types WHERE name = ?";
 }
 
+// Parameters arrive as texts, hence the CAST.
 CString updateStatement(const TypeTable& table)
 {
     return CString("WITH type (name, document, source, source_time, seen) AS (SELECT ?, ?, ?, ?, ?) ") +
@@ -46,6 +48,8 @@ CString updateStatement(const TypeTable& table)
            "AND typeforge_types.revision = CAST(type.seen AS INTEGER) RETURNING revision";
 }
 
+// An outcome is set in the transaction of its type, so that a type which fails leaves none. A type that vanishes or
+// changes between two statements ends the batch without an outcome: TypeStore stores it singly, with its retries.
 CString batchProgram(const TypeTable& table)
 {
     return CString(R"(DO $typeforge$

@@ -47,6 +47,7 @@ TypeStore::~TypeStore()
 
 StoredType::Code TypeStore::store(const NamedDocument& type, bool overwrite)
 {
+    // Without a source; the statements have both parameters in any case.
     const Values values = {type.name, type.document, "", ""};
     if (!overwrite)
         return run(insert, insertStatement, values).empty() ? StoredType::exists : StoredType::created;
@@ -131,6 +132,7 @@ CStatement::Rows TypeStore::run(std::unique_ptr<CStatement>& statement, CString 
 
 void TypeStore::finish()
 {
+    // A file has no server whose crash could lose types after the process has ended.
     if (table.place == TypeTable::Place::server && isPending)
         database->ExecuteSQL(kFinish);
     isPending = false;

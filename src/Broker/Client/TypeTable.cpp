@@ -25,6 +25,7 @@ constexpr char kProbeSources[] =
     "SELECT name, document, revision, source, source_time, source_revision FROM typeforge_types WHERE false "
     "ON CONFLICT (name) DO UPDATE SET document = excluded.document, source = excluded.source";
 
+// Only PostgreSQL has this function; elsewhere the statement fails.
 constexpr char kMissingRights[] =
     "SELECT string_agg(needed, ', ') FROM unnest(ARRAY['SELECT', 'INSERT', 'UPDATE']) needed "
     "WHERE NOT has_table_privilege('typeforge_types', needed)";
@@ -94,6 +95,7 @@ bool isBusy(const CDatabase& database, const CDBException& error)
 
 TypeTable::TypeTable(CDatabase& database, Place openPlace) : place(openPlace)
 {
+    // The usual case: one statement finds the table, all columns and all rights.
     keepsSources = !attempt(database, kProbeSources);
     if (keepsSources)
         return;
@@ -101,6 +103,7 @@ TypeTable::TypeTable(CDatabase& database, Place openPlace) : place(openPlace)
     keepsSources = !attempt(database, kProbeSources);
     if (keepsSources)
         return;
+    // Fails silently for a role that may not alter the table; types are then stored without sources.
     addSourceColumns(database, place);
     keepsSources = !attempt(database, kProbeSources);
 }

@@ -2,7 +2,8 @@
 
 #include "Database/Odbc.h"
 
-/// The table of a repository, with a row for each type. Tables of an earlier version have no source columns.
+/// The table of a repository, with a row for each type. Tables of an earlier version have no source columns. The name
+/// is the key, so that of two programs that create a type at once one finds it.
 struct TypeTable
 {
     enum class Place
@@ -12,7 +13,7 @@ struct TypeTable
     };
 
     /// Finds the table or creates it, and adds missing source columns. Throws CDBException, also if the user lacks the
-    /// rights to change types.
+    /// rights to change types. Runs a single statement if the table is complete.
     TypeTable(CDatabase& database, Place place);
 
     /// Describes an existing table for reading; accesses nothing.

@@ -18,6 +18,10 @@
 #include <utility>
 #include <vector>
 
+// The client that ships: types are rows of a table (TypeTable) in an SQLite file or on a PostgreSQL server (Address). A
+// server object makes connections, a connection repositories, and those the further interfaces. What they share is held
+// by shared pointers, because the program may release them in any order. The library links its own copy of Base, so the
+// progress handler here is not the program's.
 namespace {
 
 // The driver manager's SQLSTATE if it can't load a driver or doesn't know it.
@@ -38,6 +42,7 @@ public:
     const char* queryDescription() const noexcept final { return description.c_str(); }
 
 protected:
+    // Runs an operation and returns its result. Cancelled is no std::exception.
     template <class Operation>
     VornResult attempt(Operation operation) noexcept
     {
@@ -213,6 +218,7 @@ public:
             const Secret secret{password};
             VornResult result = VornResult::failed;
             CString reason; // of the first role, the one that the user named
+            // Only a refused role leads to the next one; without a server, none would do.
             for (const CString& role : rolesOf(user)) {
                 const Secret logon{logonText(role, secret.text)};
                 result = connect(logon.text, connection);
@@ -237,6 +243,7 @@ private:
         if (!address)
             throw std::logic_error("There is no address to connect to");
         const auto place = address->isLocal() ? TypeTable::Place::file : TypeTable::Place::server;
+        // A repository that was never used is empty, and reading must not create it.
         if (readsOnly && !address->exists()) {
             *connection = new Connection(nullptr, place, readsOnly);
             return VornResult::done;
@@ -285,5 +292,6 @@ void vornSetQuestion(bool (*isStillWanted)()) noexcept
 
 IVornObject* vornQueryInterface(IVornRepository* repository, const char* name) noexcept
 {
+    // All repositories of this library are of that class.
     return static_cast<Repository*>(repository)->queryInterface(name);
 }
