@@ -1,5 +1,9 @@
 #include "Model/BrokerType.h"
 
+// The last tag stays without its end: what comes next decides whether it is ">" or "/>". So an empty element is written
+// as one tag, and queryXML() can complete a copy while the builder goes on.
+
+// Begins the content element, unless there is one. `tag` is a literal, so its length is known to append().
 template <std::size_t N>
 int BrokerTypeDescription::openContent(const char (&tag)[N], State opened)
 {
@@ -12,6 +16,8 @@ int BrokerTypeDescription::openContent(const char (&tag)[N], State opened)
     return 1;
 }
 
+// Begins an element inside of the content element, and ends the tag before it: that of the last such element, else that
+// of the content.
 template <std::size_t N>
 void BrokerTypeDescription::openItem(const char (&tag)[N], std::string_view name, TextPieces description)
 {
@@ -102,6 +108,7 @@ std::string_view BrokerTypeDescription::finish()
     return text.view();
 }
 
+// Appends all end tags to `out`, which holds the document so far.
 template <class Text>
 void BrokerTypeDescription::appendEnd(Text& out) const
 {

@@ -4,7 +4,7 @@
 
 /// Builds the BROKERTYPEDESCRIPTION document of one broker type: its full name, its description, and at most one
 /// content element. Every add function returns 1; it returns 0 and changes nothing if the current content element, or
-/// its absence, doesn't allow the addition.
+/// its absence, doesn't allow the addition. Texts are made fit for XML and escaped.
 ///
 /// The document is written as text, not built as a tree first: an import has as many fields as its source, and a tree
 /// node for each costs several times the writing.
@@ -12,7 +12,7 @@ class BrokerTypeDescription
 {
 public:
     /// NAME is `path` and `name`, with one backslash between them. An empty description leaves DESCRIPTION out.
-    /// Replaces the content of `text`, which must outlive the builder.
+    /// Replaces the content of `text`, which must outlive the builder and not be changed by others meanwhile.
     BrokerTypeDescription(std::string_view name, TextPieces description, std::string_view path, XmlText& text);
 
     /// Does the same with an internal buffer.
@@ -28,7 +28,7 @@ public:
     int addEnum();
     int addConstant(std::string_view name, TextPieces description);
 
-    /// Adds an ARRAY with SIZE `size` and its COMPONENT.
+    /// Adds an ARRAY with SIZE `size`, a text, and its COMPONENT.
     int addArray(std::string_view size, TextPieces componentType);
 
     /// Adds a TABLE with its COMPONENT.

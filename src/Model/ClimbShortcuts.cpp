@@ -11,6 +11,7 @@ namespace {
 
 constexpr unsigned kElementsPerPoll = 4096;
 
+// The graph of parents, for StrongComponents.
 struct ParentLinks
 {
     const LinkGraph& graph;
@@ -36,6 +37,8 @@ ClimbShortcuts::ClimbShortcuts(LinkGraph& graph) : graph(graph)
     assignHeights();
 }
 
+// An element is in a cycle if its strongly connected component has several members. One that is its own parent is not:
+// that link never leads to an unplaced ancestor.
 void ClimbShortcuts::findCycles()
 {
     StrongComponents components(ParentLinks{graph}, graph.size());
@@ -72,6 +75,7 @@ void ClimbShortcuts::passCycles()
     std::ranges::fill(shortcuts, kNone);
 }
 
+// As in a skip list: goes as far as possible on the highest level, and a level down where that leads nowhere.
 ClimbShortcuts::Index ClimbShortcuts::topOf(Index element)
 {
     for (Index level = height(element); isPassed(element);) {

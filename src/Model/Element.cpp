@@ -6,7 +6,8 @@ namespace {
 
 const CString kEmpty;
 
-// Returns whether `description` is the generated one of `name`, "%s (Automatically created)".
+// Returns whether `description` is the generated one of `name`, "%s (Automatically created)". Compared in parts,
+// because building the text for each declaration would cost an allocation.
 bool isGenerated(std::string_view description, std::string_view name)
 {
     static const std::string_view suffix = std::string_view(loadText(IDS_AUTOMATIC)).substr(2);
@@ -14,7 +15,7 @@ bool isGenerated(std::string_view description, std::string_view name)
            description.ends_with(suffix);
 }
 
-// Returns the path of an element without a model, in a new pool that the element owns.
+// Returns the path of an element without a model, in a new pool that the element owns and finds by its path.
 Name& pathInOwnPool(std::string_view path)
 {
     return (new NamePool)->intern(path.ends_with('\\') ? path : CString(path) + '\\');
@@ -27,6 +28,7 @@ Element::Element(const CString& path, const CString& name, const CString& descri
     type(type),
     ownsNames(true), path(&pathInOwnPool(path))
 {
+    // Not an initializer, because the pool is reached through the path.
     this->name = &names().intern(name);
     setDescription(description);
     addParent(parent);
@@ -46,6 +48,7 @@ Element::Element(const Element& other, Name& path, Name& name) :
         more->description = &names().intern(other.more->description->text);
 }
 
+// The name of the other pool is only passed on for the moment; names of different pools must not meet.
 Element::Element(const Element& other) : Element(other, pathInOwnPool(other.queryPath()), *other.name)
 {
     ownsNames = true;
@@ -58,6 +61,7 @@ Element::~Element()
         delete &names();
 }
 
+// Const, because a generated description is stored on demand.
 Element::Rare& Element::rare() const
 {
     if (!more)
@@ -87,6 +91,7 @@ void Element::setKnownType(std::string_view newKnownType)
     knownType = newKnownType.empty() ? nullptr : &names().intern(newKnownType);
 }
 
+// Renames the element. The first name stays as the base name, which the document of a record shows for a table.
 void Element::setName(Name& newName)
 {
     if (!rare().baseName)
@@ -96,7 +101,8 @@ void Element::setName(Name& newName)
 
 void Element::setDescription(std::string_view newDescription)
 {
-    // Nearly all descriptions are generated ones, so those are only flagged, not stored.
+    // Nearly all descriptions are generated ones, so those are only flagged, not stored. The arena frees nothing
+    // singly, so a replaced description stays in memory.
     isDescribedByName = isGenerated(newDescription, name->text);
     if (more)
         more->description = nullptr;
@@ -153,6 +159,7 @@ void Element::toTable(Element* oldChild, Element* table)
     children.replace(oldChild, table, names().memory);
 }
 
+// Gives a primitive element the known type that stands for its kind, for tables with it as component.
 void Element::setPrimitiveType()
 {
     if (type == typeString)

@@ -79,7 +79,7 @@ public:
     const CString& queryName() const { return name->text; }
     const CString& queryDescription() const;
 
-    /// Returns the description without storing a generated one.
+    /// Returns the description without storing a generated one. Valid until the element's name or description changes.
     TextPieces queryDescriptionPieces() const;
     const CString& queryBaseName() const { return baseName().text; }
     const CString& queryKnownType() const;
@@ -94,27 +94,31 @@ public:
     void setSize(const CString& newSize) { rare().size = &names().intern(newSize); }
     void setKnownType(std::string_view newKnownType);
 
-    /// Does the same with a name of the element's model, without a search.
+    /// Does the same with a name of the element's model, without a search. An empty one removes the known type.
     void setKnownType(Name& newKnownType) { knownType = newKnownType.text.empty() ? nullptr : &newKnownType; }
 
     /// Returns the known type as a name of the element's model, or null.
     Name* queryKnownName() const { return knownType; }
     void setDescription(std::string_view newDescription);
+    /// Marks the element as an attribute, which never becomes a table.
     void asAttribute() { isAttribute = 1; }
 
-    /// Adds a parent. Does nothing for null and for a listed parent.
+    /// Adds a parent. Does nothing for null and for a listed parent. The link only goes one way: the parent doesn't get
+    /// a child.
     void addParent(Element* parent);
 
-    /// Appends `child` and returns 1; a primitive element becomes a record. Returns 0 if `child` is already listed.
+    /// Appends `child` and returns 1; a primitive element becomes a record. Returns 0 if `child` is already listed. The
+    /// child doesn't get a parent.
     int addChild(Element* child);
 
     /// Puts `table` in the place of `oldChild`. Does nothing if that is not a child.
     void toTable(Element* oldChild, Element* table);
 
-    /// Replaces `out` with the type's BROKERTYPEDESCRIPTION document. An array without a size gets the size "5".
+    /// Replaces `out` with the type's BROKERTYPEDESCRIPTION document. An array without a size gets the size "5", which
+    /// stays.
     void asXML(CString& out) { out = asXML(); }
 
-    /// Returns the same as a view, valid until the next call for any element.
+    /// Returns the same as a view, valid until the next call for any element. One thread at a time may call it.
     std::string_view asXML();
 
     /// Returns whether a record's document has a field for this child. Enumerations and arrays have none.
@@ -140,7 +144,8 @@ public:
     void setNumber(std::uint32_t newNumber) { number = newNumber; }
     static constexpr std::uint32_t kNoNumber = 0xFFFFFFFF;
 
-    /// Returns whether the element is a type with a document of its own: kinds 0 to 3.
+    /// Returns whether the element is a type with a document of its own: kinds 0 to 3. An enumeration of a model's
+    /// types leaves out all others.
     bool hasOwnDocument() const { return type >= typeEnum && type <= typeTable; }
 
 private:
@@ -170,7 +175,8 @@ private:
     void describeByName();
 
     // An import has very many elements, so each is small: texts are names of the pool, and rare data costs one pointer.
-    // No member needs a destructor, unless the element owns its pool.
+    // No member needs a destructor, unless the element owns its pool: elements of a model lie in its arena, which runs
+    // none.
     ElementTypes type : 8;
     bool isAttribute : 1 = false;
     bool placed : 1 = false;
@@ -186,14 +192,16 @@ private:
     mutable Rare* more = nullptr;
 };
 
-/// Prefetches the elements that a loop is about to visit. They are scattered in memory, so their cache misses overlap.
+/// Prefetches the elements that a loop is about to visit, at most 16. They are scattered in memory, so their cache
+/// misses overlap.
 inline void prefetch(const ElementList& elements)
 {
     for (std::size_t i = 0; i < elements.size() && i < 16; ++i)
         __builtin_prefetch(elements[i]);
 }
 
-/// One usage of an element under a parent, and its number of occurrences. Its key is in UsageTable.
+/// One usage of an element under a parent, and its number of occurrences. Its key is in UsageTable. When a repeated
+/// element becomes a table, the usage becomes one of the table.
 class ChildElement
 {
 public:

@@ -1,11 +1,13 @@
-// Writes the document of one type.
+// Writes the document of one type. Texts are passed on in pieces, because joining them would cost an allocation for
+// each field.
 #include "Model/BrokerType.h"
 #include "Model/Element.h"
 #include "Resources/StringTable.h"
 
 namespace {
 
-// Returns the generated description of a name, "%s (Automatically created)".
+// Returns the generated description of a name, "%s (Automatically created)", in two pieces: the text is the same for
+// all but the name.
 TextPieces generated(std::string_view name)
 {
     static const std::string_view suffix = std::string_view(loadText(IDS_AUTOMATIC)).substr(2);
@@ -60,6 +62,7 @@ TextPieces Element::queryFieldDescription() const
     return type == typeTable || isDescribedByName ? generated(queryFieldName()) : TextPieces(queryDescription());
 }
 
+// A record or a table lies in the folder of the record that holds the field, whatever its own.
 TextPieces Element::queryFieldType(const Element& record) const
 {
     switch (type) {

@@ -31,6 +31,8 @@ void LinkGraph::read(Index index)
     links[index] = read;
 }
 
+// Returns the number of an element, which gets one if it has none. Links must not lead to elements of other models,
+// whose numbers would be taken for this one's.
 LinkGraph::Index LinkGraph::numberOf(Element* element)
 {
     if (element->queryNumber() >= links.size()) {

@@ -7,25 +7,28 @@
 #include <vector>
 
 /// The links between a model's elements as numbers in compact arrays. The ordering walks them many times, and pointers
-/// to elements would scatter its reads over memory. The links must not change while this lives.
+/// to elements would scatter its reads over memory. The elements must not change their links, nor be freed, while this
+/// lives.
 class LinkGraph
 {
 public:
     using Index = std::uint32_t;
 
-    /// `owned` are the elements by number. Linked elements without a number join when links are read.
+    /// `owned` are the elements by number. Linked elements without a number join when links are read: they get one for
+    /// as long as the graph lives.
     explicit LinkGraph(std::span<Element* const> owned);
     ~LinkGraph();
     LinkGraph(const LinkGraph&) = delete;
     LinkGraph& operator=(const LinkGraph&) = delete;
 
+    /// Returns the number of elements. It may grow by read().
     Index size() const { return static_cast<Index>(links.size()); }
     Element* operator[](Index element) const
     {
         return element < owned.size() ? owned[element] : others[element - owned.size()];
     }
 
-    /// Reads the links of an element, once. The functions below are valid after it.
+    /// Reads the links of an element, once; further calls do nothing. The functions below are valid after it.
     void read(Index element);
 
     /// Return the parents or children in the order in which they were added. Valid until the next read().

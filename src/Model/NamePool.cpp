@@ -12,6 +12,7 @@ Name& Name::behind(std::size_t size)
     return *rest;
 }
 
+// A text that is not fit for XML is never a key, so it takes the first lookup, the conversion, and a second one.
 Name& NamePool::intern(std::string_view text, std::uint32_t hash)
 {
     if (Name* const known = names.find(text, hash))

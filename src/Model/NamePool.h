@@ -13,7 +13,7 @@ struct Name
     Name(std::string_view text, NamePool& pool) : text(text), pool(pool) {}
 
     /// Returns the name that remains after the first `size` bytes, empty if the name is not longer. Caches the last
-    /// result, because the types of one import are in one folder.
+    /// result, because the types of one import are in one folder, so `size` is nearly always the same.
     Name& behind(std::size_t size);
 
     const CString text;
@@ -33,7 +33,8 @@ private:
     Name* rest = nullptr;
 };
 
-/// The names of one model, and the memory of its elements. Names keep their addresses until clear().
+/// The names of one model, and the memory of its elements. Names keep their addresses until clear(). One thread at a
+/// time may use a pool.
 class NamePool
 {
 public:
@@ -46,7 +47,7 @@ public:
     /// equal names are equal in all documents.
     Name& intern(std::string_view text) { return intern(text, keyHash(text)); }
 
-    /// Does the same for a text whose keyHash() is known.
+    /// Does the same for a text whose keyHash() is known: `hash` must be that of `text`.
     Name& intern(std::string_view text, std::uint32_t hash);
 
     /// Prefetches the slot where the lookup of a name of this hash begins.
@@ -55,7 +56,7 @@ public:
     /// Returns the name of a text, which must be fit for XML, or null.
     Name* find(std::string_view text) const { return names.find(text); }
 
-    /// Frees all names and everything in the memory.
+    /// Frees all names and everything in the memory: elements and usages of the model become invalid.
     void clear();
 
     Arena memory;

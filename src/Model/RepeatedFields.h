@@ -5,7 +5,8 @@
 #include <vector>
 
 /// Finds the repeated fields that stay single in a model that puts a table into one record only: the first in which the
-/// element repeats. An element with the table's name prevents the table everywhere.
+/// element repeats. An element with the table's name prevents the table everywhere. Used before TypeModel::arrange(),
+/// whose rule this is, to report the fields as losses.
 class RepeatedFields
 {
 public:

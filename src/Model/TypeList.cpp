@@ -35,7 +35,8 @@ void TypeList::forget()
     types = 0;
 }
 
-// A known type is a full name, so the child's folder is cut off before the lookup.
+// A known type is a full name, so the child's folder is cut off before the lookup. A name knows itself whether it is
+// listed, so this needs no table of the listed types.
 bool TypeList::refersToListed(const Element& element)
 {
     for (const Element* child : element.queryChildren())

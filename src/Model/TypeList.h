@@ -8,10 +8,11 @@
 class TypeList
 {
 public:
-    /// Puts an element at the head, or at the tail if the known type of one of its children names a listed element.
+    /// Puts an element at the head, or at the tail if the known type of one of its children names a listed element,
+    /// which then comes before it.
     void add(Element* element);
 
-    /// Puts an element at the head, as add() does if none of the children has a known type.
+    /// Puts an element at the head, as add() does if none of the children has a known type; saves the look at these.
     void addFirst(Element* element);
 
     /// Empties the list and marks its elements as neither placed nor listed.

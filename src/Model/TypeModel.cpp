@@ -2,6 +2,7 @@
 
 #include "Model/TypeOrder.h"
 
+// The names last, because all else lies in their memory or refers to it. The order only forgets its elements.
 void TypeModel::clear()
 {
     usages.clear();
@@ -46,6 +47,7 @@ TypeModel::Declared TypeModel::addRecord(const CString& path, std::string_view n
     return {made.element, count(usages.declareRecord(made.element, isAlone), made, nullptr)};
 }
 
+// The field lies in the record's folder, so no path needs to be looked up.
 TypeModel::Declared TypeModel::addField(Element* record, Name& name, Element::ElementTypes type)
 {
     const Declared made = findOrMake(*record->path, name, type);
@@ -70,8 +72,9 @@ void TypeModel::reserveFields(Element* record, std::size_t count)
     record->children.reserve(static_cast<std::uint32_t>(count), names.memory);
 }
 
-// Links the element of a usage to its parent, unless a known usage has linked it. Returns whether the usage is the
-// first of its key.
+// Links the element of a usage to its parent, unless a known usage has linked it. The same key can be declared with
+// another element or parent, and an importer can have linked elements itself; then the link is searched. Returns
+// whether the usage is the first of its key.
 bool TypeModel::count(UsageTable::Declared usage, const Declared& made, Element* parent)
 {
     cancelPoint.pass();
@@ -86,7 +89,7 @@ TypeModel::Declared TypeModel::findOrMake(Name& path, Name& name, Element::Eleme
 {
     if (name.element && !name.text.empty())
         return {name.element, false};
-    // Placed in the arena, which frees elements without running destructors.
+    // Placed in the arena, which frees elements without running destructors. An element of a model needs none.
     void* const place = names.memory.allocate(sizeof(Element), alignof(Element));
     Element* const element = own(new (place) Element(path, name, type));
     element->describeByName();
@@ -94,6 +97,7 @@ TypeModel::Declared TypeModel::findOrMake(Name& path, Name& name, Element::Eleme
     return {element, true};
 }
 
+// Returns the name of a folder, with a final backslash.
 Name& TypeModel::pathNamed(const CString& path)
 {
     const auto isLast = [&] { // `path` may lack the final backslash
@@ -105,6 +109,7 @@ Name& TypeModel::pathNamed(const CString& path)
     return *lastPath;
 }
 
+// Makes an element the one that its name stands for, if names merge. Elements without a name replace each other there.
 void TypeModel::store(Element* element)
 {
     if (mergesByName)
@@ -118,6 +123,7 @@ Element* TypeModel::own(Element* element)
     return element;
 }
 
+// Usages are placed in the order of their declaration, which decides between types that don't refer to each other.
 void TypeModel::arrange()
 {
     order.clear(); // resets every placed mark
@@ -132,7 +138,9 @@ void TypeModel::place(const Element& element)
     TypeOrder(order, ownedElements).place(element);
 }
 
-// Whether a usage repeats is only known when all are declared. Such a usage then becomes one of the table.
+// Whether a usage repeats is only known when all are declared. Such a usage then becomes one of the table "t_NAME",
+// whose component is the element. One table serves all usages of an element, but only takes its place in the first
+// record, unless `tablesInAllParents`. An element that has the table's name already prevents a table.
 void TypeModel::makeTables()
 {
     CString tableName;
@@ -156,6 +164,7 @@ void TypeModel::makeTables()
     }
 }
 
+// Makes the table of a usage, in the folder of its element and with its known type.
 Element* TypeModel::makeTable(ChildElement& usage, Name& tableName)
 {
     void* const place = names.memory.allocate(sizeof(Element), alignof(Element));

@@ -5,11 +5,14 @@
 #include "Model/UsageTable.h"
 
 /// The elements of one import and their usages: which element occurs under which parent, and how often. Occurrences
-/// with the same usage key are the same usage. Owns the elements.
+/// with the same usage key are the same usage. Owns the elements. One thread at a time may use it.
+///
+/// Declare all elements first, then call arrange(): whether a field repeats, and so is a table, is only known at the
+/// end.
 class TypeModel
 {
 public:
-    /// The result of a declaration: the element, and whether its usage key is new.
+    /// The result of a declaration: the element, and whether its usage key is new. The element is valid until clear().
     struct Declared
     {
         Element* element;
@@ -29,7 +32,8 @@ public:
     void clear();
 
     /// Adds a usage of an element under `parent` (null for a top-level element) and returns the element. Creates it if
-    /// the name is new; path, description and type then apply. Throws Cancelled.
+    /// the name is new; path, description and type then apply. An element without a name is always new. Throws
+    /// Cancelled.
     Element* addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
                         const CString& description, Element::ElementTypes type, Element* parent);
 
@@ -53,7 +57,7 @@ public:
     bool addFieldUsage(Element* record, Element* field);
 
     /// Adds an element that occurs once in `parent` and so needs no usage, with the generated description, and returns
-    /// it.
+    /// it. `parent` must have a usage, because arrange() starts at these.
     Element* addPart(Element* parent, Name& path, Name& name, Element::ElementTypes type);
     Element* addPart(Element* parent, Name& name, Element::ElementTypes type)
     {
@@ -63,7 +67,7 @@ public:
     /// Returns the names of the model, for importers that use one many times.
     NamePool& queryNames() { return names; }
 
-    /// Makes room for `count` fields of a new record.
+    /// Makes room for `count` fields of a record without any, so that its list isn't moved as it grows.
     void reserveFields(Element* record, std::size_t count);
 
     /// Return null if there is none, if the name or key is empty, and findElement() also if elements don't merge by
@@ -71,10 +75,11 @@ public:
     Element* findElement(std::string_view name) const;
     ChildElement* findUsage(const Fingerprint& usageKey) { return usages.find(usageKey); }
 
-    /// Sets whether a repeated field is a table in each of its records, or only in the first.
+    /// Sets whether a repeated field is a table in each of its records, or only in the first, see RepeatedFields.
     void setTablesInAllParents(bool inAll) { tablesInAllParents = inAll; }
 
-    /// Makes tables of usages that occurred more than once, then orders all used elements. Throws Cancelled.
+    /// Makes tables of usages that occurred more than once, then orders all used elements. May be called again, and
+    /// then orders all of them anew. Throws Cancelled.
     void arrange();
 
     /// Places an element and everything linked to it, see TypeOrder.
@@ -86,6 +91,7 @@ public:
     const TypeList& queryOrder() const { return order; }
 
 private:
+    // Declarations between two looks at whether the user has cancelled.
     static constexpr unsigned kUsagesPerPoll = 4096;
 
     Element* own(Element* element);

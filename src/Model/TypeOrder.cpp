@@ -2,10 +2,17 @@
 
 #include <algorithm>
 
+// Most sources need few steps for each element, and are ordered by plain climbs. A source that exceeds a budget linear
+// in its size gets ClimbShortcuts, which read the whole graph once and make each climb outside of cycles logarithmic.
+// Inside of cycles climbs stay plain, because the way depends on where a climb came from. When their budget is exceeded
+// as well, shortcuts pass cycles, too: the order inside of a cycle then is the one in which its elements are reached,
+// while all else keeps its order. docs/adr/budget-of-climbs.md has the figures.
+
 namespace {
 
 // The budget of steps in cycles. In a large web of cycles each climb passes nearly all waiting elements, which is
-// quadratic. When the budget is used up, the elements of a cycle are placed as they are reached.
+// quadratic. When the budget is used up, the elements of a cycle are placed as they are reached. It is far above what
+// the cycles of real sources need, because the order is part of the document and must not change for these.
 constexpr std::size_t kStepsInCycles = 100'000'000;
 
 // The cost of a step up, which is visited again on the way back and then looks at its children.
@@ -19,7 +26,8 @@ TypeOrder::TypeOrder(TypeList& list, std::span<Element* const> elements) :
     list(list), graph(elements), nodes(elements.size()), progress(elements.size()),
     meter(Work::arranging, elements.size(), kFramesPerReport), stepsLeft(kStepsPerFrame * (1000 + 4 * elements.size()))
 {
-    // Elements of an earlier ordering keep their places.
+    // Elements of an earlier ordering keep their places, because a single one may be placed later, see
+    // TypeModel::place().
     for (std::size_t i = 0; i < list.size(); ++i)
         if (list[i]->isPlaced() && list[i]->queryNumber() < graph.size())
             nodes[list[i]->queryNumber()].climb = kPlaced;
@@ -74,6 +82,7 @@ void TypeOrder::readLinks(Index element)
     nodes[element].parent = element;
 }
 
+// The list must know whether the element refers to a listed type by name; most elements can't, and skip that look.
 void TypeOrder::markPlaced(Frame& frame)
 {
     Element* element = graph[frame.element];
@@ -109,6 +118,8 @@ TypeOrder::Index TypeOrder::nextParentInClimb(const Frame& frame)
     return nodes[parent].climb < frame.climb ? parent : findParent(frame);
 }
 
+// Skips leading parents that are placed for good, since an element can have very many, and finds the first one that is
+// unplaced for the next climbs. Parents on the current climb are passed over each time, and count as steps.
 TypeOrder::Index TypeOrder::findParent(const Frame& frame)
 {
     const std::span<const Index> parents = graph.parents(frame.element);
@@ -123,6 +134,7 @@ TypeOrder::Index TypeOrder::findParent(const Frame& frame)
     return next < parents.size() ? parents[next] : kNone;
 }
 
+// Returns the next child to descend to; kNone if all are placed. Places leaves on the way.
 TypeOrder::Index TypeOrder::nextChildOf(Index element)
 {
     const std::span<const Index> children = graph.children(element);
@@ -133,6 +145,7 @@ TypeOrder::Index TypeOrder::nextChildOf(Index element)
 }
 
 // Most elements are fields of one record and can be placed once the record is. They cost a step, but are not pushed.
+// The step is counted as if they were, so that the budget, and with it the order, stays the same.
 bool TypeOrder::placeLeaf(Index leaf)
 {
     Element* const element = graph[leaf];
@@ -147,6 +160,7 @@ bool TypeOrder::placeLeaf(Index leaf)
     return true;
 }
 
+// Begins the next phase, when the budget of the current one is used up.
 void TypeOrder::useShortcuts()
 {
     if (shortcuts) {

@@ -9,7 +9,7 @@
 #include <memory>
 
 /// Places the elements of a model in its list, each once: first an element's ancestors, then the element, then its
-/// descendants.
+/// descendants. Since the list grows at its head, components come before the types that use them.
 ///
 /// A climb leads from an element to its first unplaced parent, and so on up. Each descent to a child starts a new
 /// climb. In a cycle, a parent from which the current climb came is skipped. No recursion, so deep sources can't
@@ -17,7 +17,7 @@
 class TypeOrder
 {
 public:
-    /// `elements` are ordered by number. Their links must not change while this lives.
+    /// `elements` are all elements of the model by number. Their links must not change while this lives.
     TypeOrder(TypeList& list, std::span<Element* const> elements);
 
     /// Places an element and everything linked to it. Does nothing if it is placed. Reports progress, so it throws
@@ -28,7 +28,9 @@ private:
     using Index = LinkGraph::Index;
     static constexpr Index kNone = 0xFFFFFFFF, kPlaced = kNone;
 
-    // The data that climbs read, kept small so that many nodes fit into the processor's cache.
+    // The data that climbs read, kept small so that many nodes fit into the processor's cache. Climbs are numbered from
+    // 1, and kPlaced is larger than any of them. So one comparison tells whether an element is neither placed nor
+    // reached by the current climb.
     struct Node
     {
         Index climb = 0;  // the last climb that reached it, or kPlaced
@@ -43,7 +45,8 @@ private:
         Index children = 0;
     };
 
-    // An element being placed. Its climb becomes kPlaced here too.
+    // An element being placed: its ancestors come first, and once it is placed, its descendants. Its climb becomes
+    // kPlaced here too.
     struct Frame
     {
         Index element;
@@ -68,6 +71,7 @@ private:
     std::vector<Frame> frames; // a stack
     ProgressMeter meter;
     Index lastClimb = 0;
+    // The budget of the current phase: all steps at first, then those in cycles.
     std::size_t stepsLeft;
     std::unique_ptr<ClimbShortcuts> shortcuts; // null until many steps were made
 };

@@ -19,6 +19,8 @@ UsageTable::Declared UsageTable::declare(const Fingerprint& key, Element* elemen
     return {known->usage, true};
 }
 
+// The name of a record with a "." could give the key of a field of another record, and an empty one is no key, so keys
+// are computed from then on.
 UsageTable::Declared UsageTable::declareRecord(Element* record, bool isAlone)
 {
     if (isAlone)
@@ -63,6 +65,9 @@ void UsageTable::store(const Fingerprint& key, ChildElement& usage)
     byKey.store(std::pmr::polymorphic_allocator<>(&names.memory).new_object<KeyedUsage>(KeyedUsage{key, &usage}));
 }
 
+// Returns the known usage of a field in a record, null if there is none. The last usage of the field's name is that of
+// this record, or the record doesn't have the field: its fields are declared one after the other. Only a record that is
+// declared again may have it all the same.
 ChildElement* UsageTable::findField(const Element& field, const Element& record)
 {
     if (field.name->lastUsage != Name::kNone)
@@ -99,6 +104,7 @@ void UsageTable::makeKeys()
             store(keyOf(usage), usage);
 }
 
+// Computes the key in pieces: as one text it would repeat a record's name for each field.
 Fingerprint UsageTable::keyOf(const ChildElement& usage) const
 {
     const CString& name = usage.element->queryBaseName(); // the name before a field became a table
@@ -123,6 +129,7 @@ void UsageTable::clear()
     hasKeys = false;
 }
 
+// Fibonacci hashing of the addresses, as in ElementList. A source can't choose addresses, so no seed is needed.
 std::size_t UsageTable::PairHash::operator()(const Pair& pair) const
 {
     return (reinterpret_cast<std::uintptr_t>(pair.first) ^ reinterpret_cast<std::uintptr_t>(pair.second) * 3) *

@@ -11,7 +11,8 @@
 ///
 /// A record's key is its name; a field's key is a prefix of the importer, the record's name, "." and the field's name.
 /// If no record's name contains a ".", two keys are equal only if their names are. Keys are then not computed at all:
-/// each name stores its last usage, and the fields of a record are declared one after the other.
+/// each name stores its last usage, and the fields of a record are declared one after the other. A hash table of all
+/// usages was the most costly part of an import, because each field waited for its memory.
 class UsageTable
 {
 public:
@@ -25,17 +26,19 @@ public:
     /// first.
     Declared declare(const Fingerprint& key, Element* element, Element* parent);
 
-    /// Declares a top-level record. If it `isAlone`, it has no key.
+    /// Declares a top-level record. If it `isAlone`, it has no key, and another one of its name is another usage.
     Declared declareRecord(Element* record, bool isAlone);
 
     /// Declares a field of a record, which must be the last record declared.
     Declared declareField(Element* field, Element* record);
 
-    /// Returns the usage of a key, null if there is none or the key is empty.
+    /// Returns the usage of a key, null if there is none or the key is empty. The first call computes the keys of all
+    /// usages.
     ChildElement* find(const Fingerprint& key);
 
     void clear();
 
+    /// Returns all usages, in their order.
     std::deque<ChildElement>& query() { return usages; }
 
 private:
