@@ -6,6 +6,10 @@
 #include <algorithm>
 #include <utility>
 
+// The document is read as a stream that hands over each child of the root as a tree, so memory holds one type and the
+// model. A child counts whatever its tag, and so do the children of ENUM and ROW.
+//
+// A type without content ends the import. Types after it are lost, which the report says.
 const BrokerMessage::Content BrokerMessage::kContents[] = {
     {"ARRAY", Element::typeArray, &BrokerMessage::readArray},
     {"ENUM", Element::typeEnum, &BrokerMessage::readConstants},
@@ -27,6 +31,7 @@ int BrokerMessage::parse(const CString& source, const CString&, const CString&)
     });
     XmlDocument document;
     if (!document.streamFile(source, builder)) {
+        // The types before the error have been declared already.
         clear();
         return fail(document.queryParseError(), document.queryFault());
     }
@@ -50,6 +55,7 @@ bool BrokerMessage::readType(const IXMLDOMNode& node)
     Type type;
     std::string_view description;
     readAttributes(node, {{"NAME", &type.name}, {"DESCRIPTION", &description}});
+    // A single backslash at the start belongs to the name, not to a folder.
     type.folder = "\\";
     const std::size_t backslash = type.name.rfind('\\');
     if (backslash != type.name.npos && backslash > 0) {
@@ -99,7 +105,8 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
 }
 
 // Reads the constants of an enumeration. The key of each includes the type's name and all constants before it, so no
-// two of an enumeration are equal. Enumerations of one name in two folders may have equal keys.
+// two of an enumeration are equal. It is hashed as it grows, since all keys as texts would take the square of the
+// enumeration's length. Enumerations of one name in two folders may have equal keys.
 void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
 {
     RunningHash key(type.name);

@@ -5,19 +5,26 @@
 
 /// The importer of BROKERTYPEDESCRIPTION documents, as the output page writes them: a root with one description for
 /// each type. The folders are those of the document; the base path is ignored.
+///
+/// Each type is a record at first, and its content changes the kind. Fields have the type that the document names,
+/// whether a description of that type follows or not. What the model has no place for, and what hides a type, is a
+/// loss.
 class BrokerMessage : public MsgBase
 {
 public:
     BrokerMessage() : MsgBase(0, ".") {}
 
+    /// Returns a new importer, owned by the caller; the factory of the table of importers.
     static MsgBase* New() { return new BrokerMessage; }
 
+    /// `source` is the name of the file. Returns 0 without a message if the root has no children.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
     int isFileMode() const override { return 1; }
     CString queryMainTypeName() const override { return mainTypeName; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 
     /// Keeps types, constants or fields with the same name separate. By default they are merged into one that repeats.
+    /// Comparisons need it: the document and its source must then have the same parts.
     void keepTwins() { keepsTwins = true; }
 
     static MsgUIDescriptor m_descr;
@@ -49,6 +56,7 @@ private:
         void (BrokerMessage::*read)(const IXMLDOMNode& content, const Type& type);
     };
 
+    // Nodes and their texts are valid only while their child of the root is read. The model copies what it keeps.
     bool readType(const IXMLDOMNode& node);
     void skipType(const IXMLDOMNode& type);
     void readContent(const IXMLDOMNode& content, Type& type);

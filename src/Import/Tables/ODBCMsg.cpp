@@ -12,7 +12,7 @@
 namespace {
 
 // SQL data types by their ODBC codes, of ODBC 2 and 3. Bits, binaries and GUIDs are missing, so their columns are left
-// out.
+// out. Dates come with the codes of ODBC 2, because the environment is one of ODBC 2 (SQLAllocEnv).
 constexpr struct
 {
     LONG first, last;
@@ -81,6 +81,7 @@ int ODBCMessage::parse(const CString& source, const CString& basePath, const CSt
     ProgressMeter progress(Work::tables, static_cast<std::uint64_t>(std::ranges::count(source, '\n')), 1);
     std::uint64_t done = 0;
     reportUnnamed();
+    // One object for all tables, because it caches what it finds out about the databases.
     CColumns columns(mainWindow ? mainWindow->queryDatabase() : nullptr);
     QELStringIterator names(source.c_str());
     names.beginEnum('\n');
@@ -96,12 +97,14 @@ int ODBCMessage::parse(const CString& source, const CString& basePath, const CSt
     return 1;
 }
 
+// Adds the record of a table. It is added even if no column can be read, so that each chosen table has a type.
 void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, const CString& basePath)
 {
     const TableName* const exact = exactTable(tableName);
     if (exact)
         columns.Open(textOrNull(exact->qualifier), textOrNull(exact->owner), tableName.c_str(), nullptr);
     else
+        // The driver chooses among tables of this name, by its search path or current database.
         columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
     Element* table = addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
     const SourcePlace place{report.addFile(tableName)};
@@ -114,6 +117,8 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         reportCuts(columns, place);
         if (const auto type = elementTypeOf(columns.dataType)) {
             reportSameKey(tableName, columns.columnName, *table, place);
+            // The key has no separator, which documents depend on; reportSameKey() reports the cases in which that
+            // matters.
             addElement(tableName + columns.columnName, basePath, columns.columnName, columns.remarks, *type, table);
         } else {
             report.add(SourceReport::columnSkipped, place, columns.columnName + " (" + columns.typeName + ")");
@@ -126,7 +131,8 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         reportTables(tableName, read);
 }
 
-// Reports why a table has no columns.
+// Reports why a table has no columns. Only the catalogue can tell an empty table from one that was dropped since it was
+// listed.
 void ODBCMessage::reportEmpty(const CString& tableName, SourcePlace place)
 {
     if (tableExists(tableName))
@@ -175,6 +181,7 @@ bool ODBCMessage::tableExists(const CString& tableName) const
     return !tables.Open(nullptr, nullptr, tableName.c_str(), nullptr) || !tables.IsEOF();
 }
 
+// Reports the tables whose columns came into one record, and the chosen ones whose columns didn't.
 void ODBCMessage::reportTables(const CString& tableName, const std::set<TableName>& read)
 {
     const SourcePlace place{report.addFile(tableName)};

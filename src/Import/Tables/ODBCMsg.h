@@ -10,7 +10,7 @@
 class CColumns;
 class MainWindow;
 
-/// A table to import.
+/// A table to import. The catalogue may list several of one name, in different schemas or databases.
 struct ChosenTable
 {
     TableName table;
@@ -31,6 +31,7 @@ struct ChosenTable
 class ODBCMessage : public MsgBase
 {
 public:
+    /// Takes the current main window, whose connection is used.
     ODBCMessage();
 
     static MsgBase* New() { return new ODBCMessage; }
@@ -38,12 +39,13 @@ public:
     /// `source` holds table names, each ended by a line feed, up to the first empty one. The tables are read through
     /// the main window's connection. Returns 1; throws CDBException on a database error. The data source takes a name
     /// as a pattern, so the columns of all matching tables go into one record. If several match, that is reported as a
-    /// loss.
+    /// loss. Each table is a file of the report, without lines.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
     /// Sets the tables that the names stand for in further imports. A table is a loss if its name can't be a line of
     /// the source, or if another table of the same name is read instead.
     void setChosen(std::vector<ChosenTable> tables);
 
+    /// The tables have no root, so the document's main element has a fixed name.
     CString queryMainTypeName() const override { return "ODBC"; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 

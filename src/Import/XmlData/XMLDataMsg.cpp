@@ -13,6 +13,7 @@ bool XMLDataMessage::setFurtherFiles(const std::vector<CString>& files)
     return true;
 }
 
+// The files are read one after the other by the same walk, so memory holds names and declarations, never a document.
 int XMLDataMessage::parse(const CString& source, const CString& basePath, const CString&)
 {
     XMLDataWalk walk(report, !furtherFiles.empty());
@@ -45,6 +46,7 @@ void XMLDataMessage::doParse(XMLDataWalk& walk)
         // In a set, a marked attribute would keep an element of the same name from becoming a table.
         const bool isMarked = pair.key.isAttribute && !isBody;
         const bool repeats = declaration.repeats && (isMarked || !pair.key.isAttribute);
+        // Two instances are enough to show that a usage repeats.
         for (int instances = repeats ? 2 : 1; instances > 0; --instances) {
             Element* element = model.addElement(usageKey, typeFolder, pair.item->name, Element::typeString, parent);
             if (isMarked)

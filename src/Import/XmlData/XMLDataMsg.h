@@ -15,10 +15,16 @@ class XMLDataMessage : public MsgBase
 public:
     XMLDataMessage() : MsgBase(1) {}
 
+    /// Returns a new importer, owned by the caller; the factory of the table of importers.
     static MsgBase* New() { return new XMLDataMessage; }
 
+    /// `source` is the name of the first file. Fails if any of the documents isn't well-formed; nothing is declared
+    /// then.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
+    /// Documents are read as streams, whatever their size.
     int isFileMode() const override { return 1; }
+    /// With further files, a repeated field becomes a table in each of its records, not only in the first, so that the
+    /// result doesn't depend on the order of the files. Call it before the import.
     bool setFurtherFiles(const std::vector<CString>& files) override;
     CString queryMainTypeName() const override { return mainTypeName; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }

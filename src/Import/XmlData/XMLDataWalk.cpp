@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+// Each occurrence takes a guess, a comparison and a few assignments: messages repeat their structure, so the pair is
+// usually the one that came next the last time. Names are joined and hashed only for new pairs.
+//
 // The document itself is a node without an element. It has sequence number 0, as the root has, so the root's attributes
 // and its children share keys.
 XMLDataWalk::XMLDataWalk(SourceReport& report, bool isBody) :
@@ -34,6 +37,8 @@ void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
         setRootTag(name.prefix ? CString(name.prefix) + ":" + name.local : name.local);
     Pair& child = pairOf(open.back().item, name.local, false);
     addOccurrence(child);
+    // Attributes are counted before the node opens: their keys end in the number of the element's parent, so those of
+    // siblings are one usage.
     for (std::size_t i = 0; i < attributes.size(); ++i)
         addOccurrence(pairOf(child.item, attributes[i].name.local, true));
     if (isRoot)
@@ -49,6 +54,7 @@ void XMLDataWalk::endElement()
 
 std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
 {
+    // Some are kept later than they occurred, when their node ends or another usage repeats.
     std::sort(declarations.begin(), declarations.end(),
               [](const Declaration& a, const Declaration& b) { return a.moment < b.moment; });
     // Frees memory before the caller builds the model.
@@ -89,6 +95,7 @@ void XMLDataWalk::reportLosses(const TypeModel& model) const
     }
 }
 
+// Counts an occurrence. It is the first of a key if the key's last usage belongs to another node.
 void XMLDataWalk::addOccurrence(Pair& pair)
 {
     ++lastMoment;
@@ -106,6 +113,8 @@ void XMLDataWalk::addOccurrence(Pair& pair)
     pair.isLinked = true;
 }
 
+// Begins a usage. It is kept at once if it links a new pair. Whether it is its element's first one that occurs once
+// shows only when the node ends.
 void XMLDataWalk::beginUsage(Pair& pair)
 {
     Usage& usage = *pair.usage;
@@ -118,6 +127,8 @@ void XMLDataWalk::beginUsage(Pair& pair)
         undecided.push_back(&usage);
 }
 
+// Counts a further occurrence under a key. Another pair under the key repeats the usage, but has occurred once itself:
+// only its second occurrence is a repetition in the document.
 void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
 {
     if (usage.pair != &pair && usage.sharer != &pair)
@@ -139,6 +150,7 @@ void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
     }
 }
 
+// Adds a declaration, and lets the usage find it again if it repeats later.
 void XMLDataWalk::keep(Usage& usage)
 {
     usage.declaration = declarations.size();
@@ -182,6 +194,8 @@ XMLDataWalk::Pair& XMLDataWalk::pairOf(Item* parent, const char* local, bool isA
     return *(latest = guess);
 }
 
+// Adds a pair. In a single document attributes and children have one separator, so an attribute `x` of `a` and a child
+// `x` of `a` may share a key; the types of existing documents depend on that. In a set no two pairs share one.
 XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)
 {
     const CString parentName = key.parent ? key.parent->name : CString();

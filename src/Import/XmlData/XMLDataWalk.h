@@ -20,6 +20,8 @@
 ///
 /// Several documents can be read as one set of examples. Each key then belongs to one pair. Whether a pair ever
 /// occurred more than once is kept, so the result doesn't depend on the order of the documents.
+///
+/// Time is linear in the documents, memory in the number of different pairs of names and in the depth.
 class XMLDataWalk : public XmlHandler
 {
     static constexpr std::size_t kNotKept = std::numeric_limits<std::size_t>::max();
@@ -44,6 +46,7 @@ public:
     };
 
     /// The latest usage of a key, with the sequence number that completes the key, and the depth of its parent node.
+    /// Usages are reused: the one of an ended node is overwritten by the next.
     struct Usage
     {
         const Fingerprint& queryKey() const { return key; }
@@ -63,14 +66,15 @@ public:
         Fingerprint key; ///< without the sequence number
         Pair* pair = nullptr;
         std::uint64_t sequence = 0;
-        std::uint64_t moment = 0;
+        std::uint64_t moment = 0; ///< of its first occurrence, counted in occurrences
         std::size_t depth = 0;
-        std::size_t declaration = kNotKept;
-        bool repeats = false;
-        const Pair* sharer = nullptr; ///< another pair that occurred under this key, which counts as a repetition
+        std::size_t declaration = kNotKept; ///< index in `declarations`, if it is kept
+        bool repeats = false;               ///< has occurred more than once
+        const Pair* sharer = nullptr;       ///< another pair that occurred under this key, which counts as a repetition
     };
 
-    /// The name of a child element or an attribute under a parent; the parent is null for the root.
+    /// The name of a child element or an attribute under a parent; the parent is null for the root. The document is
+    /// part of it, because each parser interns names of its own, and may reuse the addresses of an earlier one.
     struct PairKey
     {
         Item* parent;
@@ -81,6 +85,7 @@ public:
         friend bool operator==(const PairKey&, const PairKey&) = default;
     };
 
+    /// All occurrences of a name under a parent's name.
     struct Pair
     {
         const PairKey& queryKey() const { return key; }
@@ -94,9 +99,9 @@ public:
 
         PairKey key;
         Item* item;
-        Usage* usage;             ///< of this pair's key; other pairs may share it
-        Pair* follower = nullptr; ///< the pair that came after it last time
-        bool isLinked = false;
+        Usage* usage;                ///< of this pair's key; other pairs may share it
+        Pair* follower = nullptr;    ///< the pair that came after it last time
+        bool isLinked = false;       ///< its link to the parent is declared
         bool isKeptRepeated = false; ///< in a set: a repeating declaration of it is kept
         SourcePlace first{};         ///< where it first occurred
         SourcePlace repeated{};      ///< where it first occurred more than once; line 0 if it never did
@@ -114,7 +119,7 @@ public:
     /// `isBody` reads several documents as one set. Losses go into `report`.
     XMLDataWalk(SourceReport& report, bool isBody);
 
-    /// Call it before each document; `file` is its number in the report.
+    /// Call it before each document; `file` is its number in the report. The parser of the last document may be gone.
     void beginDocument(std::uint32_t file);
 
     void setLocator(const XmlLocator& theLocator) override { locator = &theLocator; }
@@ -131,14 +136,17 @@ public:
     /// Returns the tag of the root with its prefix; of several documents the first by name.
     const CString& queryRootTag() const { return rootTag; }
 
-    /// Returns the declarations in the order of their moments. Call it once, at the end.
+    /// Returns the declarations in the order of their moments. Call it once, at the end. Their pairs stay valid as long
+    /// as this object.
     std::vector<Declaration> takeDeclarations();
 
     /// Reports what `model`, which holds the declarations, doesn't represent: text of records, elements that repeat and
-    /// are single fields, and attributes that share the element of a record or the field of a child.
+    /// are single fields, and attributes that share the element of a record or the field of a child. Call it before the
+    /// model makes tables.
     void reportLosses(const TypeModel& model) const;
 
 private:
+    // An open node. The document itself is one, without an item.
     struct Node
     {
         Item* item;
@@ -166,7 +174,7 @@ private:
     std::uint32_t file = 0;
     const XmlLocator* locator = nullptr; // of the current document
     CString rootTag;
-    std::deque<Item> items;
+    std::deque<Item> items; // deques, because items, pairs and usages point to each other
     KeyedTable<Item, &Item::queryName> itemsByName;
     std::deque<Pair> pairs; // the first one is a sentinel before all
     KeyedTable<Pair, &Pair::queryKey, PairKey> pairsByKey;
@@ -187,7 +195,8 @@ private:
     std::uint64_t lastSequence = 0;
 };
 
-/// Hashes addresses: names are interned, so equal names have equal addresses.
+/// Hashes addresses: names are interned, so equal names have equal addresses. No source chooses addresses, so the hash
+/// needs no seed. The factor spreads them over all bits (Fibonacci hashing).
 inline std::uint32_t keyHash(const XMLDataWalk::PairKey& key)
 {
     const std::uint64_t mixed =
