@@ -43,6 +43,7 @@ int MsgBase::parseData(const CString& data, const CString& basePath)
     });
 }
 
+// Runs an import. If it is cancelled, no half-filled model stays, and the exception goes on.
 template <class Import>
 int MsgBase::orEmpty(Import import)
 {
@@ -61,6 +62,7 @@ int MsgBase::beginEnum()
     return model.queryOrder().typeCount();
 }
 
+// Types are scattered in memory, so those that follow are prefetched while the caller uses this one.
 Element* MsgBase::enumNext()
 {
     const TypeList& types = model.queryOrder();
@@ -111,6 +113,7 @@ int MsgBase::fail(const CString& text, const SourceFault& fault) const
     return 0;
 }
 
+// A longer tag would exceed the parser's limit, so the document could not be read back.
 CString MsgBase::queryFrameTag() const
 {
     const CString name = toXmlName(queryMainTypeName());
@@ -125,6 +128,7 @@ void MsgBase::writeXML(const std::function<void(std::string_view)>& write)
     ProgressMeter progress(Work::writing, static_cast<std::uint64_t>(beginEnum()), typesPerReport);
     std::uint64_t written = 0;
     const CString tag = queryFrameTag();
+    // Comparisons of documents rely on the place of the time, see kBeforeTime.
     write(CString(kBeforeTime) + generationTime() + " -->\r\n<" + tag + ">\r\n");
     while (Element* element = enumNext()) {
         write(element->asXML());

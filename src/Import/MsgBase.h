@@ -11,6 +11,9 @@
 /// The base of all importers; holds the result of one import. An importer overrides parse() and declares the contents
 /// of the source there, by addElement() and addAttribute(). Afterwards repeated usages become tables, and the types can
 /// be enumerated in dependency order.
+///
+/// One object may import several times; each import replaces the result of the last. It is used by one thread at a
+/// time: the wizard imports in a thread of its own, and reads the result after that has ended.
 class MsgBase
 {
 public:
@@ -22,20 +25,22 @@ public:
 
     /// Declares the elements of a source: `source` is the file's contents or, if isFileMode(), its name, or the text
     /// given to parseData(). Types are placed under `basePath`; `fileName` is "" for parseData(). Returns nonzero on
-    /// success; on failure the importer has shown a message.
+    /// success; on failure the importer has shown a message. Call parseFile() or parseData() instead, which clear the
+    /// model first and order it afterwards.
     virtual int parse(const CString& source, const CString& basePath, const CString& fileName) = 0;
     /// Returns nonzero if parse() gets the name of the file instead of its contents.
     virtual int isFileMode() const { return 0; }
     /// Returns the name of the main type; empty if there is none.
     virtual CString queryMainTypeName() const = 0;
+    /// Returns the row of the importer in the table of importers. Never null.
     virtual MsgUIDescriptor* queryDescriptor() const = 0;
 
     /// Clears the model and imports a file. Returns 0 if the file can't be opened (message 2210), else the result of
-    /// parse(). If Cancelled is thrown, the model is empty.
+    /// parse(). If Cancelled is thrown, the model is empty. After a failure it may hold what was declared before.
     int parseFile(const CString& fileName, const CString& basePath);
 
     /// Sets further files that parseFile() reads after its own, all as one source. Returns false if the importer reads
-    /// only one file.
+    /// only one file. They hold for all following imports.
     virtual bool setFurtherFiles(const std::vector<CString>&) { return false; }
 
     /// Also reports details, which costs a literal reading an extra look at the source. Losses are always reported.
@@ -53,7 +58,7 @@ public:
     /// Returns the report of the last import: what was not carried over into the types.
     const SourceReport& queryReport() const { return report; }
 
-    /// The same as parseFile() for a text instead of a file.
+    /// The same as parseFile() for a text instead of a file. Not for importers in file mode.
     int parseData(const CString& data, const CString& basePath);
 
     /// Returns the name of the message document's root element: the main type's name with each invalid character
@@ -69,8 +74,8 @@ public:
     int beginEnum();     ///< moves the cursor before the first type; returns the number of types
     Element* enumNext(); ///< returns the next type; null at the end and from then on
 
-    /// Declares one occurrence of an element under `parent` (null for a top-level element) and returns the element. If
-    /// a usage key occurs again, the element repeats in its parent.
+    /// Declares one occurrence of an element under `parent` (null for a top-level element) and returns the element,
+    /// which the model owns. If a usage key occurs again, the element repeats in its parent. Throws Cancelled.
     Element* addElement(const CString& usageKey, const CString& path, const CString& name, const CString& description,
                         Element::ElementTypes type, Element* parent);
 
@@ -79,6 +84,7 @@ public:
     Element* addAttribute(const CString& usageKey, const CString& path, const CString& name, const CString& description,
                           Element::ElementTypes type, Element* parent);
 
+    /// Return properties of the row. The base path is shared by all imports of the row, and the caller may change it.
     long queryNextPage() const { return queryDescriptor()->queryNextPage(); }
     CString& getBasePath() { return queryDescriptor()->getBasePath(); }
 
@@ -107,12 +113,12 @@ protected:
     TypeModel model;
     SourceReport report;
     bool isReportWanted = false;
-    bool isEmptyAllowed = false;
+    bool isEmptyAllowed = false; // see allowEmpty()
 
 private:
     template <class Import>
     int orEmpty(Import import);
 
     ErrorHandler errorHandler;
-    std::size_t enumPosition = static_cast<std::size_t>(-1);
+    std::size_t enumPosition = static_cast<std::size_t>(-1); // of the cursor; beyond the end before beginEnum()
 };

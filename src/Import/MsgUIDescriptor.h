@@ -5,7 +5,8 @@
 class FullMessage;
 class MsgBase;
 
-/// The source of an importer, and its name on the command line.
+/// The source of an importer, and its name on the command line. The flags tell wizard and command line what they may
+/// offer, so neither needs to know an importer.
 struct ImporterSource
 {
     const char* word = "";     ///< on the command line
@@ -17,7 +18,8 @@ struct ImporterSource
     bool hasCatalogs = false;  ///< finds documents by catalogues, although it has no full reading of its own
 };
 
-/// The static description of an importer: its names, default base path, next page of the wizard, and factories.
+/// The static description of an importer: its names, default base path, next page of the wizard, and factories. One row
+/// of the table of importers; rows live as long as the program.
 class MsgUIDescriptor
 {
 public:
@@ -25,12 +27,14 @@ public:
     using Factory = MsgBase* (*)();
     using FullFactory = FullMessage* (*)();
 
+    /// `nameId` and `descriptionId` are ids of the string table, `nextPage` the id of the page that selects the source.
     /// `fullFactory` makes the importer that reads the same kind of source by all rules of its language; null if there
     /// is none.
     MsgUIDescriptor(const CString& basePath, unsigned int nameId, unsigned int descriptionId, Factory factory,
                     long nextPage, FullFactory fullFactory = nullptr, const ImporterSource& source = {});
 
-    /// Return the name and the description; both are loaded from the string table on first use.
+    /// Return the name and the description; both are loaded from the string table on first use. The references are
+    /// valid as long as the row.
     CString& getName();
     CString& getDescription();
     long queryNextPage() const { return nextPage; }

@@ -8,12 +8,14 @@
 
 namespace {
 
-constexpr std::size_t kMaxName = 200;
+constexpr std::size_t kMaxName = 200;    // bytes; a name can be as long as the source
 constexpr std::size_t kBytesToNote = 40; // bytes that an entry takes in `seen`, roughly
 
 using Row = SourceReport::Row;
 constexpr auto loss = SourceReport::loss, detail = SourceReport::detail;
 
+// In the order of the enumerators: id, words, sort, words after a count of one, and of others. The ids are part of the
+// format of reports, so they stay even if an enumerator is renamed.
 constexpr Row kRows[] = {
     {"document-missing", "module or document not there", loss, "document not found", "documents not found"},
     {"document-unreadable", "module or document not readable", loss, "document not readable", "documents not readable"},
@@ -116,12 +118,14 @@ CString shortened(std::string_view name)
     return text;
 }
 
-// Returns whether such a construct may hide components of the source.
+// Returns whether such a construct may hide components of the source. It then belongs to the whole source: what is
+// missing may be what the requested types need.
 bool mayHideComponents(SourceReport::Construct construct)
 {
     return construct <= SourceReport::moduleRemote || construct == SourceReport::unterminated;
 }
 
+// A hash stands for an entry, so that a repetition is found without keeping whole names.
 std::uint64_t hashOf(SourceReport::Construct construct, SourcePlace place, std::string_view name)
 {
     const std::uint32_t head[] = {construct, place.file, place.line, place.column};
@@ -147,6 +151,8 @@ void SourceReport::add(Construct construct, SourcePlace place, std::string_view 
     if (mode == paused)
         return;
     const std::uint64_t hash = hashOf(construct, place, name);
+    // Beyond the bound a place is reported without knowing whether its component is reached: too much is better than
+    // memory without bound.
     if (mode == holding && heldBytes < kMaxMegabytes[loss] << 20) {
         const Component owner = mayHideComponents(construct) ? 0 : component;
         heldPlaces.push_back({{names.keep(shortened(name)), place, construct}, hash, owner});
@@ -176,7 +182,8 @@ void SourceReport::list(const Entry& entry)
     kept.bytes += sizeof(Entry) + entry.name.size() + kBytesToNote;
 }
 
-// Adds up the counts of a component, so that a large one takes no more memory.
+// Adds up the counts of a component, so that a large one takes no more memory. Only the last entries are searched:
+// those of the current component, which has one for each construct at most.
 void SourceReport::holdBack(Construct construct, std::size_t times)
 {
     if (times == 0)
@@ -189,6 +196,7 @@ void SourceReport::holdBack(Construct construct, std::size_t times)
     heldCounts.push_back({times, component, construct});
 }
 
+// Goes through countPlace() as add() does, so the result is that of a report of the reached components alone.
 void SourceReport::release(const std::function<bool(Component)>& isReached)
 {
     const auto isReported = [&](Component owner) { return owner == 0 || !isReached || isReached(owner); };

@@ -33,6 +33,9 @@ struct SourceRefusal
 /// something that the model can't represent; some details are only counted. Repetitions of a construct at the same
 /// place with the same name are dropped. Places are kept up to a memory bound for each sort; counts are always
 /// complete.
+///
+/// Readers add constructs as they meet them, so entries are in the order of reading. A reader that learns only at its
+/// end which declarations are imported holds them back until then, see hold().
 class SourceReport
 {
 public:
@@ -43,6 +46,7 @@ public:
         sortCount
     };
 
+    /// In the order of the table of constructs, see rowFor(). An id in reports belongs to a construct for good.
     enum Construct : std::uint8_t
     {
         // Losses.
@@ -128,7 +132,7 @@ public:
     /// plausible source.
     static constexpr std::size_t kMaxMegabytes[sortCount] = {64, 2};
 
-    /// A row of the table of constructs.
+    /// A row of the table of constructs. The texts live as long as the program.
     struct Row
     {
         const char* id;       ///< the stable id in JSON reports
@@ -144,13 +148,13 @@ public:
     static const char* wordsFor(Construct construct) { return rowFor(construct).words; }
     static bool isLoss(Construct construct) { return rowFor(construct).sort == loss; }
 
-    /// Adds a file and returns its number for SourcePlace::file.
+    /// Adds a file and returns its number for SourcePlace::file, counted from 0. A name added twice gets two numbers.
     std::uint32_t addFile(const CString& fileName);
     /// Returns the name of a file by its number.
     const CString& fileNameOf(std::uint32_t file) const { return files[file]; }
     std::uint32_t fileCount() const { return static_cast<std::uint32_t>(files.size()); }
 
-    /// Adds a construct at a place. A long name is cut.
+    /// Adds a construct at a place. The name is copied; one of more than 200 bytes is cut.
     void add(Construct construct, SourcePlace place, std::string_view name);
 
     /// Counts a detail without a place.
@@ -166,11 +170,12 @@ public:
     /// stays so until release().
     bool pause(bool on) { return std::exchange(mode, on ? paused : reporting) == paused; }
 
-    /// The number that a reader gives to a declaration that types are made of; 0 for the source as a whole.
+    /// The number that a reader gives to a declaration that types are made of; 0 for the source as a whole. The report
+    /// only passes it back in release().
     using Component = std::uint32_t;
 
     /// Holds back what add() and count() get from now on, until release(). Up to 64 MB of places are held; further ones
-    /// are reported at once.
+    /// are reported at once. Losses of declarations that are not imported then don't count.
     void hold() { mode = holding; }
     bool isHolding() const { return mode == holding; }
 
@@ -182,7 +187,7 @@ public:
     /// function reports all.
     void release(const std::function<bool(Component)>& isReached);
 
-    /// A construct with its place. The name is valid until clear().
+    /// A construct with its place. The name is valid until clear(), in UTF-8 on one line.
     struct Entry
     {
         std::string_view name;
@@ -211,7 +216,8 @@ public:
     /// Returns the constructs of one sort that occurred, most frequent first.
     std::vector<Count> queryCounts(Sort sort) const;
 
-    /// Returns the same in words, constructs with equal words together: "2 references became text".
+    /// Returns the same in words, constructs with equal words together, most frequent first: "2 references became
+    /// text".
     std::vector<CString> countsInWords(Sort sort) const;
 
     /// Returns the losses in one line: "3 losses: 2 references became text, 1 document not found"; empty if there are
@@ -222,13 +228,15 @@ public:
     void clear();
 
 private:
+    // What is listed of one sort.
     struct Places
     {
         std::deque<Entry> entries;
-        std::size_t bytes = 0; // memory of the entries, roughly
-        std::size_t unlisted = 0;
+        std::size_t bytes = 0;    // memory of the entries, roughly
+        std::size_t unlisted = 0; // dropped because the memory is full
     };
 
+    // What becomes of added constructs: they are reported, held back, or ignored.
     enum Mode : std::uint8_t
     {
         reporting,
@@ -240,7 +248,7 @@ private:
     struct HeldPlace
     {
         Entry entry;
-        std::uint64_t hash;
+        std::uint64_t hash; // of the entry with its whole name, which is kept only in part
         Component component;
     };
 
@@ -257,12 +265,12 @@ private:
     void list(const Entry& entry);
 
     std::deque<CString> files;
-    Arena names;
+    Arena names;      // of all entries
     NumberTable seen; // hashes of the entries
     std::array<Places, sortCount> places;
     std::array<std::size_t, constructCount> counts{};
     Mode mode = reporting;
-    Component component = 0;
+    Component component = 0; // see enter()
     std::deque<HeldPlace> heldPlaces;
     std::size_t heldBytes = 0; // memory of these places, roughly
     std::deque<HeldCount> heldCounts;

@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <array>
 
+// Three ways to recognise a format, in the order of their certainty: the first bytes, the namespace of the root
+// element, and the first words of a text. The words are tried last, and only on text that no importer knows, because
+// they may also begin something else.
 namespace {
 
-constexpr std::size_t kMaxLines = 20;
+constexpr std::size_t kMaxLines = 20; // of CSV that are compared
 
 struct Signature
 {
@@ -93,6 +96,7 @@ Words firstWords(std::string_view text, const Comments& comments)
     return words;
 }
 
+// A schema in compact syntax begins with a declaration, a definition or a pattern.
 bool isRelaxCompact(std::string_view text)
 {
     const auto [first, second, third] = firstWords(text, {"#", {}});
@@ -159,6 +163,8 @@ struct Language
     std::string_view advice;
 };
 
+// Suffix, test of the content, advice. The suffix alone decides if it matches. isCsv() comes last, because any text may
+// have commas.
 constexpr Language kLanguages[] = {
     {".rnc", isRelaxCompact, "this is RELAX NG in its compact form; convert it with trang, then import the schema"},
     {".proto", isProtobuf, "this is Protobuf; convert it to JSON Schema with protoc-gen-jsonschema, then import that"},

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxLookahead = 1 << 16;
+constexpr std::size_t kMaxLookahead = 1 << 16; // bytes of a file that are looked at
 
 struct Ending
 {
@@ -19,6 +19,8 @@ struct Ending
     std::string_view importer;
 };
 
+// Suffixes that decide without a look at the content. ".xml" and ".json" are missing, because several importers read
+// such files.
 constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},    {".ent", "dtd"},
                                {".xsd", "xsd"},   {".wsdl", "wsdl"},  {".avsc", "avro"},
                                {".avpr", "avro"}, {".jsonl", "json"}, {".ndjson", "json"}};
@@ -77,6 +79,7 @@ void skipProlog(std::string_view& text)
     }
 }
 
+// Returns the local name of the tag that the text begins with.
 std::string_view nameOf(std::string_view tag)
 {
     const std::string_view name = tag.substr(1, tag.find_first_of(" \t\r\n/>", 1) - 1);
@@ -115,6 +118,8 @@ struct Identified
     std::string_view foreign;
 };
 
+// Order matters. A format without an importer comes before the suffix, so that a compressed .xsd is recognised. So does
+// a WSDL, which may be called .xml or .xsd. A pipe's name is arbitrary, so its content decides before its name.
 Identified identify(const CString& fileName)
 {
     const auto* named = std::find_if(std::begin(kEndings), std::end(kEndings),

@@ -12,6 +12,9 @@
 #include "Resources/DialogIds.h"
 #include "Resources/StringIds.h"
 
+// The rows are defined here and not beside their classes: a row needs the full reading, which itself refers to the row
+// of the literal one.
+//
 // Columns: base path, name, description, factory, next page, full reading; then the source.
 MsgUIDescriptor DTDMessage::m_descr("\\sys\\rosettanet\\", IDS_DTD_NAME, IDS_DTD_DESCRIPTION, DTDMessage::New,
                                     IDD_SOURCE, DTDFullMessage::New, {.word = "dtd", .filterId = IDS_FILTER_DTD});
@@ -41,6 +44,7 @@ MsgUIDescriptor JsonDataMessage::m_descr("\\sys\\json\\", IDS_JSON_DATA_NAME, ID
                                          JsonDataMessage::New, IDD_SOURCE, nullptr,
                                          {.word = "json", .filterId = IDS_FILTER_JSON_DATA, .hasFolders = true});
 
+// In the order in which users see them. New rows come last, so that the others keep their places.
 MsgUIDescriptor* g_amud[] = {&DTDMessage::m_descr,
                              &XMLDataMessage::m_descr,
                              &SchemaMessage::m_descr,

@@ -55,6 +55,7 @@ std::vector<CString> filesIn(const CString& folder, const MsgUIDescriptor* impor
         }
         files.push_back(entry.path().string());
     }
+    // Folders list their files in no order, and the order of a set is part of its result.
     std::ranges::sort(files);
     return files;
 }
