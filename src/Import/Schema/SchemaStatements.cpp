@@ -93,6 +93,8 @@ void SchemaStatements::scope(const XmlScope& scope)
 // An ignored tag is still identified and its attributes are read, because the readings record it all the same.
 SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, SourceReport::Component number)
 {
+    // The literal reading takes any statement with the prefix xs or xsd for one of the language, whatever the prefix
+    // means.
     const bool isOurs = edition != SchemaEdition::none || (knowsPrefixes && isCommonPrefix(name.prefix));
     const Tag tag = isOurs ? grammar.tagOf(name.local) : Tag::none;
     current = name;
@@ -115,6 +117,7 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, Source
     read(tag, name, attributes);
     if (ignored > 0)
         return tag;
+    // Whatever the root is, it is judged like a schema: that it isn't one is reported by the reading, not here.
     Level level{name, open.empty() ? Tag::schema : tag, false, false, start};
     if (!open.empty())
         enterStatement(tag, level);
@@ -136,6 +139,8 @@ void SchemaStatements::leave()
         return;
     }
     const Level& level = open.back();
+    // These restrict the type that `base` names or the one inside (XML Schema Part 2, 4.1.2), so one of them must be
+    // there.
     if ((level.holder == Tag::simpleRestriction || level.holder == Tag::textRestriction) && !level.hasChild)
         addFinding(SourceReport::malformedDeclaration, level.start, "restriction without base");
     open.pop_back();
@@ -332,7 +337,8 @@ const char* SchemaStatements::missingIn(SchemaTag tag, SchemaTag holder, bool is
     }
 }
 
-// Returns whether a statement comes second although only one is allowed.
+// Returns whether a statement comes second although only one is allowed. Beside simpleContent or complexContent nothing
+// else has an effect (XML Schema Part 1, 3.4.2).
 bool SchemaStatements::occursTooOften(const Level& holder, SchemaTag tag) const
 {
     const bool isSecond = holder.hasChild && isOnlyChild(holder.holder, tag);
@@ -375,6 +381,7 @@ void SchemaStatements::countStatement(SchemaTag tag)
     default:
         break;
     }
+    // The model has single fields and tables only: that a part may be missing, and its exact bounds, are details.
     if (least == Occurrence::none && most != Occurrence::none)
         ++details[SourceReport::optionality];
     else if (least == Occurrence::often || most == Occurrence::often)

@@ -17,14 +17,15 @@
 
 namespace {
 
-// In nodes. A document without a namespace is copied for each namespace that includes it, so small files could
-// multiply.
+// Nodes. Bounds the memory: a document without a namespace is copied for each namespace that includes it, so small
+// files could multiply.
 constexpr std::size_t kMaxCopied = 1'000'000;
 // Levels. Keeps many notes in a deeply nested document from taking quadratic time.
 constexpr int kNearby = 100;
 
 } // namespace
 
+// Returns the kind of a component, nothing for other statements. Notations have no effect on types.
 std::optional<SchemaSet::Kind> SchemaSet::kindOf(SchemaTag tag)
 {
     switch (tag) {
@@ -154,6 +155,8 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
             place->second = document = copy(document, space);
         declareAll(document, waiting);
     } else if (isInScope(place->second) && again.insert(place->second).second) {
+        // In the scope of an earlier schema, so its components are not among the common ones. They are declared for
+        // this load, too.
         countCopied(place->second);
         declareAll(place->second, waiting);
     }

@@ -91,7 +91,8 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& decla
                                   : meaningOfType(declared.queryType(), type, name, declared.isMarked());
 }
 
-// A reference takes the type of an element that was read before it; without one it is text.
+// A reference takes the type of an element that was read before it; without one it is text. If the element is read
+// later, only the record of its name can still be shared.
 SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfReference(const SchemaElement& declared, std::string_view name)
 {
     const SchemaElement* const target = table.findAny(Fingerprint(name));
@@ -113,11 +114,15 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type,
                                   : Meaning{Element::typeRow};
     if (SchemaTable::isBuiltIn(type))
         return meaningOfBuiltIn(type, repeats);
+    // A single field of a declared type names it. If the type has no fields, no record results, and the name leads
+    // nowhere.
     if (known && !repeats)
         return known->queryChildren() ? Meaning{Element::typeOther, type}
                                       : Meaning{Element::typeOther, type, SourceReport::unresolvedReference, type};
+    // A repeated field loses its type, but shares the element of the record that is called like it.
     if (known && type == name)
         return {Element::typeRow};
+    // All others are text. That is a loss unless the type means text, too.
     const SchemaKinds::Kind kind = known ? SchemaKinds::unknown : kinds.kindOf(type);
     if (kind == SchemaKinds::text || (known && !known->queryChildren()))
         return {};
@@ -155,7 +160,8 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfBuiltIn(std::string_view ty
     }
 }
 
-// Returns whether the element matches a declaration. All fields of a name share one element.
+// Returns whether the element matches a declaration. All fields of a name share one element. A field that means the
+// record of its own name is text if there is no such record: a type without fields is text.
 bool SchemaFieldCheck::matches(const Element& element, std::string_view name, const Meaning& meaning,
                                std::string_view path) const
 {

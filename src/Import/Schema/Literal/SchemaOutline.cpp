@@ -224,7 +224,8 @@ CString SchemaOutline::nameAround() const
     return {};
 }
 
-// Accepts any prefix: documents choose it, and no other top-level statement of a schema has these names.
+// Keeps the location of a document. Accepts any prefix: documents choose it, and no other top-level statement of a
+// schema has these names.
 void SchemaOutline::noteLocation(std::string_view statement)
 {
     if (statement != "include" && statement != "import" && statement != "redefine")
