@@ -83,6 +83,8 @@ std::string_view withoutControls(std::string_view text, CString& room)
 
 } // namespace
 
+// A mark decides, then a declaration, then the bytes. The text is decoded at most once, and copied only if it is
+// decoded or holds what XML can't.
 std::string_view decodeText(std::string_view bytes, CString& room)
 {
     for (const Mark& mark : kMarks)

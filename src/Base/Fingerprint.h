@@ -84,7 +84,8 @@ private:
         return number;
     }
 
-    // Returns one to seven bytes as the low bytes of a number. Reads overlap instead of looping over the bytes.
+    // Returns one to seven bytes as the low bytes of a number. Reads overlap instead of looping over the bytes; bytes
+    // that are read twice land on themselves. Up to three bytes are those at 0, n / 2 and n - 1.
     static std::uint64_t loadPartial(const char* bytes, std::size_t n)
     {
         const auto byteAt = [bytes](std::size_t i) {
@@ -103,7 +104,8 @@ private:
         return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
     }
 
-    // Adds `n` bytes, at most eight, after those of the block that is not yet full.
+    // Adds `n` bytes, at most eight, after those of the block that is not yet full. Pieces are joined to blocks here,
+    // so the result doesn't depend on where the text was cut.
     void add(std::uint64_t bytes, std::size_t n)
     {
         const std::size_t waiting = length % kBlock;
@@ -113,14 +115,16 @@ private:
             return;
         first = fold(first ^ rest, seed.first);
         second = fold(second ^ rest, seed.second);
+        // What the full block had no room for. Nothing is left if it was empty before; a shift by all 64 bits would be
+        // undefined.
         rest = waiting > 0 ? bytes >> 8 * (kBlock - waiting) : 0;
     }
 
     // The states of the two halves of the result. Each starts from the seed that the other is folded with.
     std::uint64_t first = seed.second;
     std::uint64_t second = seed.first;
-    std::uint64_t rest = 0; // bytes of the last block, not yet hashed
-    std::uint64_t length = 0;
+    std::uint64_t rest = 0;   // bytes of the last block, not yet hashed
+    std::uint64_t length = 0; // bytes in total; modulo 8, those in `rest`
 };
 
 inline Fingerprint::Fingerprint(std::string_view text)

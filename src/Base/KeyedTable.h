@@ -23,8 +23,9 @@ struct KeyHash
     std::size_t operator()(std::string_view key) const { return keyHash(key); }
 };
 
-/// A seeded hash of numbers. std::hash returns the number itself, so that a source could provoke collisions of keys
-/// that join two numbers.
+/// A seeded hash of numbers for the hash tables of the C++ library. std::hash returns the number itself, so that a
+/// source could provoke collisions of keys that join two numbers: 80,000 anchors in 4 MB of JSON Schema took 20 s
+/// instead of 0.5 s.
 struct NumberHash
 {
     std::size_t operator()(std::uint64_t number) const noexcept { return RunningHash::of(number); }

@@ -48,14 +48,16 @@ private:
 
     std::size_t placeOf(std::uint64_t key) const
     {
-        // Consecutive keys share a cache line or two, because names that come together are looked up together. Eight
-        // slots of 16 bytes are two lines of 64 bytes.
+        // Consecutive keys share a cache line or two, because names that come together are looked up together: with a
+        // hash of the whole key, the lookups of a set of 200 schemas took twice the time. Eight slots of 16 bytes are
+        // two lines of 64 bytes.
         std::size_t at = (RunningHash::of(key / 8) * 8 + key % 8) & (slots.size() - 1);
         while (slots[at].isTaken && slots[at].key != key)
             at = (at + 1) & (slots.size() - 1);
         return at;
     }
 
+    // All slots move, so references and pointers to values become invalid.
     void grow()
     {
         std::vector<Slot> before(slots.empty() ? 16 : slots.size() * 2);

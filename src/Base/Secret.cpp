@@ -9,7 +9,8 @@
 namespace {
 
 // glibc keeps up to seven freed blocks of each small size for reuse (the tcache), and M_PERTURB does not overwrite
-// those. Allocating one more than that of each size reaches them all.
+// those. Allocating one more than that of each size reaches them all. M_PERTURB does overwrite the other blocks when
+// they are freed (mallopt(3)).
 void wipeKeptBlocks()
 {
     // Bytes that can be used of the blocks that the tcache takes, on 64-bit systems: from 24 to 1032 in steps of 16.

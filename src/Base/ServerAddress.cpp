@@ -7,7 +7,8 @@
 
 namespace {
 
-// Characters that no name or address has. They would end a value of a connection string, or begin a quoted one.
+// Characters that no name or address has. They would end a value of a connection string, or begin a quoted one. No
+// syntax of names is checked further: the resolver of the system decides.
 constexpr std::string_view kForeign = ";{}=[]\"'";
 
 // inet_pton() doesn't know zones (RFC 4007, section 11), so they are cut off, and not checked.
@@ -44,6 +45,7 @@ std::optional<ServerAddress> readServerAddress(std::string_view text, unsigned d
     // a zone.
     if (isIPv6(text) && isServer(text))
         return ServerAddress{CString(text), defaultPort};
+    // `rest` is the text after the server: empty, or a colon and the port.
     const bool isBracketed = text.starts_with('[');
     const std::size_t end = isBracketed ? text.find(']') : text.find(':');
     const std::string_view server = isBracketed ? text.substr(1, end - 1) : text.substr(0, end);

@@ -33,12 +33,14 @@ public:
             return;
         enter(start);
         while (!steps.empty()) {
+            // A graph of a source can take seconds.
             cancelPoint.pass();
             Step& top = steps.back();
             if (top.nextLink == graph.degree(top.node)) {
                 leave(top.node);
                 continue;
             }
+            // `top` is not used after enter(), which may move the stack.
             const Index target = graph.target(top.node, top.nextLink++);
             if (target == kNone)
                 continue;

@@ -66,7 +66,8 @@ constexpr std::array<InNames, 128> makeAsciiInNames()
     return table;
 }
 
-// The places in a name where each ASCII character is allowed. A table, because nearly all names are ASCII.
+// The places in a name where each ASCII character is allowed. A table, because nearly all names are ASCII. isXmlName()
+// took a tenth of an import when each digit went through the decoder and the ranges.
 constexpr std::array<InNames, 128> kAsciiInNames = makeAsciiInNames();
 
 using Bytes8 = std::uint64_t; // eight characters
@@ -105,7 +106,8 @@ bool hasSpecial(Bytes16 bytes)
     return (halves[0] | halves[1]) != 0;
 }
 
-// Returns whether a local name can begin at this place of UTF-8 text.
+// Returns whether a local name can begin at this place of UTF-8 text. Namespaces in XML 1.0, production [7] QName: a
+// colon is followed by a local name, which has none at its start.
 bool beginsLocalName(std::string_view text, std::size_t at)
 {
     if (at == text.size() || text[at] == ':')
@@ -194,6 +196,9 @@ CString fillText(std::string_view format, std::string_view value)
     return out;
 }
 
+// Most names have eight to sixteen bytes and are checked at each place where they are written. Such a text takes one
+// comparison of two overlapping loads, a longer one a comparison for each sixteen bytes, and a shorter one is copied
+// first.
 bool isPlainXmlText(std::string_view bytes)
 {
     const char* at = bytes.data();
@@ -286,6 +291,7 @@ CString shownText(std::string_view text)
     return shown;
 }
 
+// Each character is replaced by itself. Names that differ only in characters that aren't allowed become equal.
 CString toXmlName(std::string_view text)
 {
     const CString whole = toXmlText(text);

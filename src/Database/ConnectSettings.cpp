@@ -74,6 +74,7 @@ CString profileText(const CString& section, const char* entry, const char* file)
 
 CString settingOf(const CString& connection, const char* attribute)
 {
+    // What the connection string says overrides the file and the data source that it names.
     CString text = withoutBraces(attributeOf(connection, attribute).value);
     if (const CString file = withoutBraces(attributeOf(connection, "FILEDSN").value); text.empty() && !file.empty())
         text = fileText(file, attribute);

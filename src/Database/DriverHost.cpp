@@ -107,6 +107,7 @@ void DriverHost::open(MessageReader& request, CString& answer)
     const bool isReadOnly = request.number() != 0;
     const auto loginSeconds = static_cast<SQLULEN>(request.number());
     const Secret text{CString(request.text())};
+    // Not checked one by one: a null environment gives a null connection.
     environment = allocateEnvironment();
     connection = allocateConnection(environment.get(), isReadOnly, loginSeconds);
     const bool isOpen = connection && connect(connection.get(), text.text);
@@ -132,6 +133,7 @@ void DriverHost::listCatalogue(MessageReader& request, CString& answer)
     const auto function = static_cast<SQLUSMALLINT>(request.number());
     const std::string_view shape = request.text();
     SQLUSMALLINT isSupported = SQL_FALSE;
+    // A driver may lack a catalogue function, which is no error of the database.
     if (!SQL_SUCCEEDED(SQLGetFunctions(connection.get(), function, &isSupported)) || !isSupported)
         return putNumber(answer, static_cast<std::int32_t>(CatalogueOutcome::unsupported));
     const StatementHandle statement = allocateStatement();

@@ -125,6 +125,7 @@ bool receiveMessage(int socket, CString& message, const SocketWait& wait)
     std::size_t lengthLeft = sizeof length;
     message.clear();
     while (lengthLeft > 0 || message.size() < length) {
+        // Each time, so that a slow sender can be cancelled between two pieces.
         wait(POLLIN);
         Transfer transfer(&length, piece.data(), piece.size());
         transfer.advance(sizeof length - lengthLeft);

@@ -97,6 +97,7 @@ bool CDatabase::connect(const CString& connection, Access access, const TlsAttem
     request.text.reserve(connection.size() + attempt.attributes.size() + 100); // growing would leave copies
     putNumber(request.text, access == readOnly);
     putNumber(request.text, static_cast<std::int32_t>(loginTimeout.count()));
+    // The attributes for TLS come last, where they override earlier ones.
     putText(request.text, Secret(connection + attempt.attributes).text);
     process = std::make_unique<DriverProcess>(dataSourceOf(connection));
     try {

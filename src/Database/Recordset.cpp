@@ -49,6 +49,7 @@ int CRecordset::openCatalogue(unsigned short function, std::vector<Arguments> ca
     openType = type;
     const int isOpen = run(function, calls);
     const CString name = calls.front()[kTableName].value_or("");
+    // The name as it is comes first: for most drivers and names a backslash is no escape.
     if (!isOpen || !IsEOF() || name.find('\\') == CString::npos)
         return isOpen;
     // "_" matches any character, also a backslash, and means the same to all drivers.

@@ -95,6 +95,7 @@ CString readText(SQLHANDLE statement, SQLUSMALLINT column)
     CString text;
     std::array<char, 4096> piece;
     for (;;) {
+        // SQLGetData() continues where it stopped, so the same call returns the next piece.
         SQLLEN left = 0; // bytes left of the value, this piece included
         const SQLRETURN result =
             SQLGetData(statement, column, SQL_C_CHAR, piece.data(), static_cast<SQLLEN>(piece.size()), &left);

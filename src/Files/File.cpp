@@ -22,6 +22,7 @@ int refusal(int descriptor, const struct stat& state)
         return EISDIR;
     // Device 1:3 is /dev/null on Linux.
     const bool isNull = S_ISCHR(state.st_mode) && state.st_rdev == makedev(1, 3);
+    // A terminal is where a user may type a source.
     const bool isDevice = S_ISCHR(state.st_mode) || S_ISBLK(state.st_mode);
     return isDevice && !isNull && ::isatty(descriptor) == 0 ? ENOTSUP : 0;
 }
@@ -31,6 +32,7 @@ int refusal(int descriptor, const struct stat& state)
 InputFile::InputFile(const CString& fileName, std::size_t most) :
     descriptor(::open(fileToOpen(fileName).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))
 {
+    // fstat(), so that what is tested is what is read, whatever becomes of the name.
     struct stat state = {};
     if (!descriptor.isOpen() || ::fstat(descriptor.get(), &state) != 0)
         error = errno;

@@ -41,7 +41,8 @@ CString cantOpen(const CString& fileName, FileCause cause)
 }
 
 // A cause covers several errno values. The name is tested again to find the right one; if the system now returns
-// another cause or none, the cause's first value is used.
+// another cause or none, the cause's first value is used. A folder is tested for, because the system opens it and only
+// reading fails.
 CString inWords(const CString& fileName, FileCause cause)
 {
     std::error_code again;

@@ -22,8 +22,8 @@ struct KeptPipe
 // A list, because a Descriptor can't be moved. There are a few at most, so they are searched one by one.
 std::list<KeptPipe> keptPipes;
 
-// Returns the descriptor of a new file without a name, -1 with errno. Descriptors below 3 are avoided, because they
-// would be taken for the standard streams.
+// Returns the descriptor of a new file without a name, -1 with errno. Nothing is left of it, however the process ends.
+// Descriptors below 3 are avoided, because they would be taken for the standard streams.
 int makeFile()
 {
     std::FILE* const file = std::tmpfile();

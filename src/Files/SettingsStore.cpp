@@ -46,6 +46,7 @@ public:
     bool number_unsigned(number_unsigned_t value) override { return add(value); }
     bool number_float(number_float_t value, const string_t&) override { return add(value); }
     bool string(string_t& value) override { return add(std::move(value)); }
+    // Not in JSON; only the library's other formats have it.
     bool binary(binary_t&) override { return false; }
     bool key(string_t& name) override
     {
@@ -216,6 +217,7 @@ SettingsStore::SettingsStore() : document(std::make_unique<Document>())
     CString reason = unreadableReason(document->fileName);
     if (reason.empty()) {
         CString text;
+        // Such a file stays: it is not at fault, and may be readable the next time.
         if (readFile(document->fileName, text) != FileCause::none)
             return;
         document->root = parseSettings(text);
@@ -289,7 +291,7 @@ bool SettingsStore::save() const
     if (failed)
         return false;
     AtomicFile file(document->fileName);
-    // A name may hold bytes that are not UTF-8; dump() would throw for them.
+    // A name may hold bytes that are not UTF-8; dump() would throw for them. Indented, because people edit the file.
     file.write(document->root.dump(2, ' ', false, Json::error_handler_t::replace));
     file.write("\n");
     return file.commit() == 0;

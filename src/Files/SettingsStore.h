@@ -59,6 +59,7 @@ private:
     template <class Value>
     void set(const CString& key, const CString& name, Value&& value);
 
+    // Behind a pointer, because the header of the JSON library is slow to compile.
     struct Document;
     std::unique_ptr<Document> document;
 };

@@ -73,6 +73,7 @@ int TemporaryFile::create(const CString& folder, const char* prefix, const char*
     // In this order: a signal between the two stores must find a complete list.
     next = chain;
     chain = this;
+    // Replaces the six X in the name itself, which the list already leads to.
     const int descriptor = ::mkostemps(name.data(), static_cast<int>(std::strlen(suffix)), O_CLOEXEC);
     isCreated = descriptor >= 0;
     if (!isCreated)
@@ -84,12 +85,13 @@ bool TemporaryFile::renameTo(const CString& target)
 {
     if (::rename(name.c_str(), target.c_str()) != 0)
         return false;
+    // A signal that comes before this deletes nothing, because the old name is gone.
     isCreated = false;
     forget();
     return true;
 }
 
-// Removes the file from the list.
+// Removes the file from the list. Linear in the files, of which there are a few at a time.
 void TemporaryFile::forget()
 {
     if (chain == this) {

@@ -4,6 +4,8 @@
 
 #include <new>
 
+// The functions of the handles. Each takes constant time, unless it searches attributes, a document's children or the
+// way to the root, or writes a node with its content. The kind of its node decides what a handle may do.
 namespace {
 
 // Status codes of the two failures. The highest bit makes them negative.

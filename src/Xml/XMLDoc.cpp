@@ -35,6 +35,7 @@ int XmlDocument::setError(const CString& fileName, const IXMLDOMParseError& erro
     systemError = error.systemError;
     fault = {fileName, error.reason, static_cast<long>(error.line), static_cast<long>(error.linepos)};
     if (failed)
+        // Message 2207, also if the file could not be read: line and column are 0 then.
         errorText = formatText(loadText(IDS_PARSE_ERROR), static_cast<long>(error.line),
                                static_cast<long>(error.linepos), error.reason.c_str());
     return !failed;

@@ -8,6 +8,8 @@
 namespace {
 
 // Up to the free amounts a document may do as it likes. Beyond them its cost must stay in proportion to the bytes read.
+// libxml2 compares each attribute of a tag with those before it, and looks a prefix up by a walk through all namespaces
+// in scope, at each tag.
 constexpr std::size_t kMaxDepth = 200'000;
 constexpr int kMaxAttributes = 10'000;
 constexpr int kMaxNamespaces = 4'096;                 // in scope at once
@@ -22,6 +24,7 @@ constexpr std::size_t kMaxExpansionRatio = 10;
 const char* XmlLimits::addExpansion(std::size_t bytes)
 {
     expanded += bytes;
+    // Divided, so that no product can overflow.
     if (expanded <= kFreeExpansion || expanded / kMaxExpansionRatio <= source.queryCount())
         return nullptr;
     return "The entities and default attributes of the document expand to more than 10 times its size, which is the "

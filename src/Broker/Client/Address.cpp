@@ -32,6 +32,7 @@ void makePrivate(const fs::path& folder, const fs::path& file)
     std::error_code failure;
     if (fs::create_directories(folder.parent_path(), failure); failure)
         throw std::system_error(failure, folder.parent_path().string());
+    // The mode of mkdir(2) is cut by the umask, and an existing folder may be open to others; chmod(2) corrects both.
     if ((mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) || chmod(folder.c_str(), S_IRWXU) != 0)
         raise(folder);
     const int made = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);

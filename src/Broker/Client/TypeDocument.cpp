@@ -4,6 +4,7 @@
 
 namespace {
 
+// Types stand in no namespace, so a prefix makes another name.
 bool isCalled(XmlName name, std::string_view wanted)
 {
     return !name.prefix && name.local == wanted;

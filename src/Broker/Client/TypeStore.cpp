@@ -37,6 +37,7 @@ TypeStore::TypeStore(std::shared_ptr<CDatabase> open, TypeTable::Place place) :
         database->ExecuteSQL("SET synchronous_commit = off"); // for the connection
 }
 
+// A program may release the repository without a finish(). What can't be flushed then can't be reported either.
 TypeStore::~TypeStore()
 {
     try {
@@ -57,6 +58,7 @@ StoredType::Code TypeStore::store(const NamedDocument& type, bool overwrite)
 std::vector<StoredType> TypeStore::store(std::span<const NamedDocument> types, const CString& source,
                                          ExistingRules rules)
 {
+    // The time of the call, so all types of one call have the same.
     const SourceMark mark = {source, timeNow()};
     const bool isBatch = hasBatches && !busy && types.size() >= kMinBatch;
     if (isBatch)
@@ -102,6 +104,8 @@ StoredType TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark
         const auto& [revision, same, source, time] = std::tie(rows[0][0], rows[0][1], rows[0][2], rows[0][3]);
         const bool isSame = same == "1";
         const VornExisting rule = rules.ruleFor(isSame);
+        // A change by another program has raised the revision, so replaceFound only replaces what the user was asked
+        // about.
         const Found found = {type.name, revision};
         if (rule == VornExisting::replace || (rule == VornExisting::replaceFound && found == lastStopped)) {
             if (!run(update, updateStatement, {type.name, type.document, mark.source, mark.time, revision}).empty())
