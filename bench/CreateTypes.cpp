@@ -35,6 +35,7 @@ void check(SQLRETURN result)
         throw std::runtime_error("the bare loop failed");
 }
 
+// The baseline: what the client needs at least from the driver. Each statement is a transaction of its own.
 void runBare(const CString& file, const std::vector<Type>& types)
 {
     SQLHENV environment;
@@ -87,6 +88,7 @@ void runOurs(const CString& folder, MsgBase& message)
         throw std::runtime_error("types failed");
 }
 
+// Returns the wall clock time of some work. The folder is made before and removed after it.
 double secondsOf(const std::function<void(const TempDir&)>& work)
 {
     const TempDir folder;

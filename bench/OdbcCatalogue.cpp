@@ -57,6 +57,7 @@ int runBare(const std::string& connection)
     return 0;
 }
 
+// Returns the wall clock time of a whole process.
 double secondsOf(const std::string& command)
 {
     const auto start = std::chrono::steady_clock::now();
@@ -80,6 +81,7 @@ void fill(const std::string& connection, int tables, int columns)
     database.ExecuteSQL("COMMIT");
 }
 
+// Prints the medians of alternate runs, with minimum and maximum. The bare loop is a process of this program.
 void compare(const char* name, const std::string& connection, const std::string& self, const std::string& importer)
 {
     const std::string source = " '" + connection + "' ";

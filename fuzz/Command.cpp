@@ -18,7 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The words of command lines. No other word is used, so nothing outside of the folder is read or written.
+// The words of command lines. No other word is used, so nothing outside of the folder is read or written. Unknown words
+// of an input become known ones, so nearly all command lines mean something.
 constexpr std::string_view kWords =
     "a b c d . - dtd xml xsd btd wsdl jsonschema openapi avro json --recursive -b \\x\\ --full --root A B "
     "--folders main namespace --folder urn:a=x =y --merge-equal --catalog --entity e=INCLUDE --name é "
@@ -77,6 +78,8 @@ bool isWellFormed(const char* fileName)
     return !parseXmlFile(fileName, ignore);
 }
 
+// Runs a command as main() does. A failed import must leave no output file, and a successful one a well-formed
+// document.
 int run(std::vector<CString> words)
 {
     words.insert(words.begin(), "typeforge-import");

@@ -8,7 +8,8 @@
 #include <fstream>
 #include <map>
 
-/// A temporary folder of this process, in memory if the system has /dev/shm; removed at exit.
+/// A temporary folder of this process, in memory if the system has /dev/shm; removed at exit. A target makes one and
+/// reuses it, because creating files took much of the time of an execution.
 class Folder
 {
 public:
@@ -35,7 +36,9 @@ public:
         std::ofstream(path + name, std::ios::binary) << bytes;
     }
 
-    /// Splits documents at form feeds, and writes them as a, b, c and d with `suffix`.
+    /// Splits documents at form feeds, and writes them as a, b, c and d with `suffix`; those that are missing become
+    /// empty. So one input holds a source and the documents that it refers to by these names. XML can't contain a form
+    /// feed.
     void writeDocuments(const CString& suffix, std::string_view bytes)
     {
         for (char name = 'a'; name <= 'd'; ++name) {
@@ -53,6 +56,7 @@ public:
         written.clear();
     }
 
+    /// The folder with a final slash.
     CString path;
 
 private:

@@ -17,7 +17,8 @@ inline void checkDocument(MsgBase& importer, bool hasAllTypes = true)
     }
 }
 
-/// Imports a file and checks its document.
+/// Imports a file and checks its document. An import may fail, but whatever it writes must be well-formed. Message
+/// boxes are dropped.
 inline void importFile(MsgBase& importer, const CString& fileName, bool hasAllTypes = true)
 {
     setMessageBoxHandler([](const CString&, const CString&) {});
@@ -25,7 +26,7 @@ inline void importFile(MsgBase& importer, const CString& fileName, bool hasAllTy
         checkDocument(importer, hasAllTypes);
 }
 
-/// The same for a file with these bytes.
+/// The same for a file with these bytes. All calls share one file.
 inline void importBytes(MsgBase& importer, std::string_view bytes, bool hasAllTypes = true)
 {
     static Folder folder;

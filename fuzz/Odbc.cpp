@@ -9,6 +9,7 @@
 
 namespace {
 
+// The connection. The driver runs in a thread instead of a process, where the fuzzer sees its coverage.
 struct Source : MainWindow
 {
     Source()
@@ -31,6 +32,7 @@ struct Source : MainWindow
     void (*answer)(const char*, std::size_t) = nullptr;
 };
 
+// Returns the names of the tables of type TABLE, each ended by a line feed; stops after 100 bytes.
 CString tableNames(CDatabase& database)
 {
     CString names;

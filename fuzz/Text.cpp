@@ -22,6 +22,7 @@ struct Operands
     std::string text;
 };
 
+// Returns what QELString's operator() does: negative numbers count from the end.
 std::string part(const std::string& text, int from, int count)
 {
     const int size = static_cast<int>(text.size());
@@ -102,6 +103,7 @@ const Step kSteps[] = {
     joinFields,
 };
 
+// Aborts unless both texts and the results of searches in them are equal.
 void compare(const Pair& text, const Operands& with)
 {
     const auto index = [](std::size_t at) { return at == std::string::npos ? -1 : static_cast<int>(at); };

@@ -28,6 +28,7 @@ struct Statement
 
 std::string_view answers;
 
+// Returns the next byte; 0 when there are no more, which makes outcome() say SQL_NO_DATA, so each statement ends.
 unsigned next()
 {
     const unsigned byte = answers.empty() ? 0 : static_cast<unsigned char>(answers[0]);
@@ -42,12 +43,14 @@ std::string_view nextText(std::size_t most)
     return text;
 }
 
+// Successes are twice as likely as other outcomes, so that rows come.
 SQLRETURN outcome()
 {
     static constexpr SQLRETURN kOutcomes[] = {SQL_NO_DATA, SQL_SUCCESS, SQL_SUCCESS, SQL_ERROR, SQL_SUCCESS_WITH_INFO};
     return kOutcomes[next() % std::size(kOutcomes)];
 }
 
+// The true length twice, then those that a driver may also return, and two that none should.
 SQLLEN lengthOf(std::size_t size)
 {
     const SQLLEN lengths[] = {SQLLEN(size), SQLLEN(size), SQL_NULL_DATA, SQL_NO_TOTAL, SQLLEN(size) * 3,
@@ -55,6 +58,7 @@ SQLLEN lengthOf(std::size_t size)
     return lengths[next() % std::size(lengths)];
 }
 
+// Writes a value of any bytes into a column's buffer, without a terminator, and a length that may be false.
 void fill(const Column& column)
 {
     const std::size_t room = column.type == SQL_C_CHAR ? static_cast<std::size_t>(column.size) : sizeof(SQLINTEGER);

@@ -22,6 +22,7 @@ protected:
         setenv("XDG_DATA_HOME", home.path("data").c_str(), 1);
     }
 
+    /// Makes `library` the broker's client, by the setting that names it.
     void useClient(const CString& library) const
     {
         SettingsStore settings;
@@ -67,7 +68,8 @@ public:
     DTDMessage message;
 };
 
-/// A creation run that keeps existing types, with its lines.
+/// A creation run that keeps existing types, with its lines. `onDone` is called once for each number of types done, and
+/// cancels the run by returning false.
 struct Creation
 {
     Creation(

@@ -49,6 +49,7 @@ struct Case
     Answer answer;
 };
 
+/// Returns a message of the command, as standard error shows it.
 inline std::string says(const std::string& text)
 {
     return "typeforge-import: " + text + "\n";

@@ -9,7 +9,8 @@
 /// Listing data sources would create a file in the user's home if there is none. The tests use an empty one.
 inline const int kOdbcIniIsSet = setenv("ODBCINI", "/dev/null", 1);
 
-/// A main window that only has a connection.
+/// A main window that only has a connection, which is where importers of tables look for theirs. It is the main window
+/// as long as it lives.
 struct Connected : MainWindow
 {
     explicit Connected(const CString& source, const CString& logon = {})

@@ -8,6 +8,8 @@
 #include <vector>
 
 /// Records the message boxes of a test. A box that the test hasn't taken at the end fails it, so none is overlooked.
+/// Only one object may live at a time, since it replaces the handler of the process; the one before is restored at the
+/// end.
 class Boxes
 {
 public:

@@ -7,7 +7,8 @@
 
 /// Returns the fault of an import's message document, which may not be well-formed, or have a TYPE that is neither a
 /// kind nor the NAME of a type. Empty if there is none. With `hasAllTypes` false, a TYPE may be missing: the importer
-/// copies type names from its source.
+/// copies type names from its source. The document is written as text without a tree, so nothing else guarantees
+/// either.
 inline CString documentFault(MsgBase& importer, bool hasAllTypes = true)
 {
     struct Names : XmlHandler

@@ -31,7 +31,8 @@ inline CString fullTypesOf(MsgBase& message)
     return text;
 }
 
-/// Returns the report of an import as text, without the folder of its files and without the totals.
+/// Returns the report of an import as text, without the folder of its files, which differs in each run, and without the
+/// last line, the totals.
 inline CString reportOf(MsgBase& message, const CString& folder)
 {
     CString text;

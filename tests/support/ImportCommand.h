@@ -19,7 +19,8 @@ struct Answer
     }
 };
 
-/// Runs a shell command in a folder. In it, $import is the built typeforge-import.
+/// Runs a shell command in a folder. In it, $import is the built typeforge-import. The output goes to a folder of its
+/// own, so that a test can compare what is in the first one. The status is -1 if a signal ends the shell.
 inline Answer runShell(const TempDir& folder, const std::string& line)
 {
     const TempDir output;

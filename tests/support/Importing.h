@@ -20,11 +20,13 @@ struct Case
     }
 };
 
-/// A fixture with an importer and a folder for its files. A box that the test doesn't take fails it.
+/// A fixture with an importer and a folder for its files. A box that the test doesn't take fails it. Several imports of
+/// one test share the importer, which also tests that an import leaves no state to the next one.
 template <class Message>
 class Importing : public testing::Test
 {
 protected:
+    /// Imports a file with these bytes. Returns what parseFile() does: 0 on failure.
     int import(const CString& bytes, const CString& basePath = "\\b\\")
     {
         return message.parseFile(folder.write("x", bytes), basePath);
@@ -41,6 +43,7 @@ protected:
     Message message;
 };
 
+/// Returns a text repeated `count` times.
 inline CString times(std::size_t count, const CString& text)
 {
     CString all;

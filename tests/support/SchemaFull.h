@@ -25,6 +25,8 @@ inline CString documentOf(const CString& content)
 class SchemaFull : public Importing<SchemaFullMessage>
 {
 protected:
+    /// Imports documentOf(schema) as x.xsd, which must succeed, and returns its types, see fullTypesOf(). Other
+    /// documents of the schema lie in the same folder.
     CString typesOfSchema(const CString& schema)
     {
         EXPECT_EQ(message.parseFile(folder.write("x.xsd", documentOf(schema)), "\\b\\"), 1);

@@ -18,6 +18,7 @@ inline CString writeSchema(const TempDir& dir, const CString& name, const CStrin
 
 /// Returns the records of an import with their fields, sorted by name: "Order{number:Number t_line:table}
 /// line{sku:String}". A field of a named type shows "=" and that type, with its short name if it is in the same folder.
+/// Sorted, so that rows about fields don't depend on the order of types.
 inline CString modelOf(MsgBase& message)
 {
     static const char* const kKinds[] = {"enum", "array", "row", "table", "String", "Number", "Time", "="};

@@ -44,7 +44,7 @@ private:
 };
 
 /// A proxy for one connection to a local server. After `left` bytes from the server it falls silent, with both ends
-/// connected, or breaks the connection.
+/// connected, or breaks the connection. So a test can cut the answer of a real server at any byte.
 class Line
 {
     const int door = socket(AF_INET, SOCK_STREAM, 0);
@@ -122,8 +122,8 @@ private:
     std::thread forwarder;
 };
 
-/// The parts common to both servers: a folder, a user of its own if the test runs as root, and waiting until the server
-/// is ready.
+/// The parts common to both servers: a folder, a user of its own if the test runs as root, because both refuse to run
+/// as root, and waiting until the server is ready. Failures throw std::runtime_error with the server's log.
 class DatabaseServer
 {
 public:
@@ -163,7 +163,9 @@ public:
         return "Driver={" + driver + "};Server=127.0.0.1;Port=" + std::to_string(line ? line : port) +
                ";Database=" + name + ";";
     }
+    /// Returns the end of a connection string with user and password.
     std::string logon() const { return logonText(user, password); }
+    /// Returns the path of the server's certificate, for servers with TLS.
     std::string certificate() const { return folder.path("cert.pem"); }
 
 protected:
@@ -176,18 +178,22 @@ protected:
             throw std::runtime_error("no user " + account);
     }
 
-    // Creates a self-signed certificate for 127.0.0.1 and its key: the files cert.pem and key.pem.
+    // Creates a self-signed certificate for 127.0.0.1 and its key: the files cert.pem and key.pem. A client verifies it
+    // by naming it as an authority.
     void makeCertificate()
     {
         prepare("openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=127.0.0.1 -addext "
                 "subjectAltName=IP:127.0.0.1 -keyout " +
                 folder.path("key.pem") + " -out " + certificate());
     }
+    // Runs a command to its end, as the server's user.
     void prepare(const std::string& command)
     {
         if (std::system((prefix + " " + command + output).c_str()) != 0)
             throw std::runtime_error(command + ": " + TempDir::read(folder.path("log")));
     }
+    // Starts the server and waits up to 30 seconds until it accepts a connection. `exec` makes the server this
+    // process's child itself, so that signals reach it.
     void start(const std::string& command, const std::string& database)
     {
         process = fork();
@@ -209,6 +215,7 @@ protected:
     TempDir folder;
 
 private:
+    // The server gets SIGQUIT when the test's process ends, even by a crash, so none stays behind.
     std::string driver, prefix = "setpriv --pdeathsig=QUIT", output = " >>" + folder.path("log") + " 2>&1";
     pid_t process = -1;
 };

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-/// A temporary folder, removed with the object.
+/// A temporary folder, removed with the object and all that is in it. Throws if it can't be created.
 class TempDir
 {
 public:
@@ -24,6 +24,7 @@ public:
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
+    /// Returns the path of a file in the folder; without a name that of the folder, with a final slash.
     std::string path(const std::string& name = {}) const { return folder + "/" + name; }
 
     /// Writes a file, creating its folders, and returns its path.
@@ -33,6 +34,7 @@ public:
         std::ofstream(path(name), std::ios::binary) << bytes;
         return path(name);
     }
+    /// Returns the contents of a file; empty if it can't be read.
     static std::string read(const std::string& file)
     {
         std::ostringstream bytes;

@@ -19,8 +19,9 @@
 
 using Texts = std::vector<CString>;
 
-/// Handles the next file dialog: chooses a file, or cancels. Before it accepts the file, it goes down `types` rows in
-/// the list of file types.
+/// Handles the next file dialog: chooses a file, or cancels if `file` is empty. Before it accepts the file, it goes
+/// down `types` rows in the list of file types. Call it before the click that opens the dialog, which blocks until it
+/// closes.
 inline void answerFileDialog(const std::string& file, int types = 0)
 {
     QTimer::singleShot(100, [file, types] {
@@ -55,6 +56,7 @@ public:
             qunsetenv(variable);
     }
 
+    /// Returns the wizard, which is started if it doesn't run.
     QELWizard& wizard()
     {
         if (running == nullptr) {
@@ -103,12 +105,14 @@ public:
         list.setCurrentIndex(list.model()->index(row, 0));
     }
 
+    /// Types a text into a combo box of the current page.
     void type(int combo, const std::string& text)
     {
         control<QComboBox>(combo).setEditText(QString::fromStdString(text));
     }
 
-    /// Walks from the first page to `target`, importing the file `source` by `importer`.
+    /// Walks from the first page to `target`, importing the file `source` by `importer`. Throws if a page doesn't let
+    /// it go on.
     void walkTo(int target)
     {
         while (page() != target) {
@@ -125,6 +129,7 @@ public:
         }
     }
 
+    /// Returns the path of the file with the wizard's settings, which may not exist yet.
     std::string settingsFile() const { return dir.path("config/typeforge/settings.json"); }
 
     TempDir dir;

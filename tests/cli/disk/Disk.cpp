@@ -1,5 +1,5 @@
 // Preloaded into a program: reports the calls that sync files to the disk on standard error. DISK_FAILS and DISK_KILLS
-// name a call that fails with EIO, or that kills the process.
+// name a call that fails with EIO, or that kills the process. With either of them nothing is reported.
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>

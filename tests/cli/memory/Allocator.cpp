@@ -1,5 +1,7 @@
 // Preloaded into a program: counts its allocations and fails one of them. FAILING_ALLOCATION is its number, counted
-// from 1. Without it the count is written to the file ALLOCATION_COUNT at exit.
+// from 1. Without it the count is written to the file ALLOCATION_COUNT at exit. Allocations before `counter` is
+// constructed, or after it is destroyed, don't count. The real allocator is called by glibc's internal names, because
+// dlsym() allocates.
 #include <atomic>
 #include <cerrno>
 #include <cstddef>

@@ -19,6 +19,7 @@
 
 namespace {
 
+// A column's function writes a value into the buffer that was bound to it.
 struct Statement
 {
     std::ifstream rows;
@@ -29,6 +30,7 @@ struct Statement
 std::string connection, error;
 int errorsLeft = 0;
 
+// Returns the value of a key in the connection string; empty if it has none.
 std::string word(const std::string& key)
 {
     std::smatch found;
