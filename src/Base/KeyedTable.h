@@ -42,7 +42,8 @@ template <class T, auto KeyOf, class Key = std::string_view>
 class KeyedTable
 {
 public:
-    /// Returns the value under `key`, or null. `hash` must be keyHash(key), here and below.
+    /// Returns the value under `key`, or null. `hash` must be keyHash(key), here and below. Valid as long as the value
+    /// itself, because the table stores pointers.
     T* find(const Key& key) const { return find(key, keyHash(key)); }
 
     T* find(const Key& key, std::uint32_t hash) const
@@ -71,7 +72,8 @@ public:
         entries.push_back(value);
     }
 
-    /// Makes room for `count` keys at once. Growing step by step would move each key again and again.
+    /// Makes room for `count` keys at once. Growing step by step would move each key again and again. `count` includes
+    /// the keys that are stored already.
     void reserve(std::size_t count)
     {
         entries.reserve(count);

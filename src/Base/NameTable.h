@@ -7,7 +7,7 @@
 #include <optional>
 
 /// Interns texts: equal texts have equal numbers, so they are compared and hashed as numbers afterwards. Numbers count
-/// up from 0, which is the empty text.
+/// up from 0, which is the empty text, without gaps, so that they can be indices. Texts are never forgotten.
 class NameTable
 {
 public:

@@ -22,11 +22,13 @@ public:
     using Index = std::uint32_t;
     static constexpr Index kNone = 0xFFFFFFFF;
 
+    /// Nodes are numbered from 0 to `nodeCount` - 1. The graph is copied, unless `Graph` is a reference type.
     StrongComponents(const Graph& graph, std::size_t nodeCount) :
         graph(graph), component(nodeCount, kNone), number(nodeCount), lowest(nodeCount)
     {}
 
-    /// Adds `start` and all nodes that it reaches and that were not visited before. Throws Cancelled.
+    /// Adds `start` and all nodes that it reaches and that were not visited before. Throws Cancelled. An exception
+    /// leaves the object unusable.
     void visit(Index start)
     {
         if (number[start] != 0)

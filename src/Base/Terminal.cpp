@@ -9,6 +9,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+// The order protects the terminal: first the signals are blocked, then the echo is turned off, and in reverse at the
+// end, so that no signal can leave a terminal without echo. A signal that came meanwhile is raised again last.
 namespace {
 
 // The last blocked signal that came during the prompt, 0 if none. A handler may write to nothing else safely.

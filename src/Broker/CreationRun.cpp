@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <utility>
 
+// The client settles the types of a window in order and stops at one about which the user has to decide. The answer
+// settles this type in a call of its own, and the next window begins after it. So no type is created before the
+// question about an earlier one is answered, and a run without questions needs one call for some hundred types.
 namespace {
 
 // The largest number of types in one call. Calls with many types are faster; the limit keeps each call short, so that

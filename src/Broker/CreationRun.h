@@ -73,11 +73,14 @@ public:
     bool areSourcesStored() const { return sourcesStored; }
 
 private:
-    // Steps of the run; `first` is an index into `types`.
+    // Steps of the run; `first` is an index into `types`. createNext() returns how many types from there on are
+    // settled, at least one.
     std::size_t createNext(std::size_t first);
     std::vector<CreatedType> createWindow(std::size_t first);
+    // What becomes of one type: decide() asks the user if need be, recordOutcome() adds its line.
     void recordOutcome(const Element& type, const CString& document, CreatedType outcome);
     CreatedType decide(const Element& type, const CString& document, CreatedType outcome);
+    // The rule for the client's next call, as options and answers so far demand it.
     VornExisting ruleFor(bool isUnchanged) const;
     bool isOpen(const CreatedType& outcome) const;
     bool isOtherSource(const CreatedType& outcome) const;

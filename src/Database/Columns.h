@@ -30,6 +30,8 @@ public:
     CString columnName;
     LONG dataType = 0; ///< ODBC's number of the SQL type
     CString typeName;
+    /// Sizes as the driver reports them: precision in digits or characters, length in bytes, scale in digits after the
+    /// point. The radix of a number is 10 or 2. Nullable is ODBC's SQL_NO_NULLS, SQL_NULLABLE or SQL_NULLABLE_UNKNOWN.
     LONG precision = 0;
     LONG length = 0;
     LONG scale = 0;
@@ -41,6 +43,7 @@ protected:
     void DoFieldExchange(CFieldExchange& exchange) override;
 
 private:
+    // The qualifiers in which there is a table that `table` may mean, an empty one included.
     std::set<CString> qualifiersOf(const char* table);
 
     int lookups = 0;                                 // calls of qualifiersOf()

@@ -14,6 +14,9 @@
 #include <unistd.h>
 #include <utility>
 
+// One string for all drivers, because the driver behind a data source is known only when the driver manager has loaded
+// it. Drivers ignore attributes that they don't know. Where they read a value differently, the form is one that
+// PostgreSQL's, MariaDB's and SQLite's drivers read alike (docs/adr/connection-string.md).
 namespace {
 
 // SQLite's lock timeout in milliseconds. Opening a database that another program has locked takes three times as long,

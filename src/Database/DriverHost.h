@@ -56,6 +56,7 @@ private:
     void prepare(const CString& sql);
     void run(MessageReader& request, CString& answer);
 
+    // allocateStatement() returns null if the driver can't allocate one, requireStatement() throws its error.
     StatementHandle allocateStatement() const;
     StatementHandle requireStatement() const;
     unsigned infoNumber(unsigned short question) const;
@@ -69,5 +70,5 @@ private:
     std::map<CString, StatementHandle> prepared; // by SQL text
 };
 
-/// Carries out the requests from a socket until it closes, then disconnects.
+/// Carries out the requests from a socket until it closes, then disconnects. The socket stays open.
 void serveDriver(int socket);

@@ -24,6 +24,9 @@
 
 using std::chrono::milliseconds;
 
+// The program's side is DriverProcess: it forks, sends a request, waits for the answer, and ends the process. The other
+// side is hostDriver(), in which one thread serves requests and another waits for the end of the program. Neither
+// relies on the other to behave: the program kills a process that is silent, and a process ends with the socket.
 namespace {
 
 // An answer ends the wait at once; the interval is the delay of a cancellation or timeout.

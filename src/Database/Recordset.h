@@ -9,7 +9,8 @@
 #include <vector>
 
 /// The list of a recordset's members, in the order of the result's columns. Texts are cut at 255 bytes, between
-/// characters. Holds pointers to the members, so it is valid as long as the recordset.
+/// characters. Holds pointers to the members, so it is valid as long as the recordset. A derived recordset calls text()
+/// or number() once for each column.
 class CFieldExchange
 {
 public:
@@ -27,6 +28,7 @@ public:
     std::size_t load(std::string_view rows) const;
 
 private:
+    // One of the two is null.
     struct Field
     {
         CString* text;
@@ -42,7 +44,7 @@ private:
 class CRecordset
 {
 public:
-    // The only type of recordset; others are stored but have no effect.
+    /// The only type of recordset; others are stored but have no effect.
     static constexpr UINT snapshot = 1;
 
     virtual ~CRecordset() = default;
@@ -53,8 +55,8 @@ public:
     void Close();
 
     bool IsOpen() const { return rows.has_value(); }
-    bool IsBOF() const { return beginOfFile; }
-    bool IsEOF() const { return endOfFile; } ///< also true if not open
+    bool IsBOF() const { return beginOfFile; } ///< true if not open or without any row
+    bool IsEOF() const { return endOfFile; }   ///< also true if not open
     UINT queryOpenType() const { return openType; }
 
     /// Go to the first or next row and load it into the members. Do nothing without a row.
@@ -71,6 +73,7 @@ protected:
     using Argument = std::optional<CString>;
     using Arguments = std::array<Argument, 4>;
 
+    // Null means that an argument is not given, which is another thing than an empty text.
     static Argument argument(const char* text) { return text ? Argument(text) : Argument(); }
 
     /// Runs a catalogue function, given by its SQL_API number, once for each of `calls`, with four texts or nulls.
@@ -83,6 +86,7 @@ protected:
     CDatabase* queryDatabase() const { return database; }
 
 private:
+    // Runs the calls once, as they are.
     int run(unsigned short function, const std::vector<Arguments>& calls);
     void keepRowsOf(const CString& table);
     void moveTo(std::size_t row);

@@ -10,6 +10,9 @@
 #include <algorithm>
 #include <cstring>
 
+// A catalogue's rows are read into bound buffers of fixed size, since importers use texts of 255 bytes at most. The
+// rows of other statements hold whole documents, so each value is fetched in pieces instead. Both end up in one text,
+// row after row.
 namespace {
 
 constexpr std::size_t kTextWidth = 255; // bytes of a text of a catalogue; longer ones are cut between characters

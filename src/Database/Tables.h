@@ -40,9 +40,11 @@ public:
 
     TableName queryName() const { return {tableQualifier, tableOwner, tableName}; } ///< of the current row
 
+    // The current row, in ODBC's order (SQLTables). A null is empty.
     CString tableQualifier;
     CString tableOwner;
     CString tableName;
+    /// As the database names it: TABLE, VIEW, SYSTEM TABLE and others.
     CString tableType;
     CString remarks;
 

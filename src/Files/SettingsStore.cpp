@@ -17,6 +17,8 @@
 #include <system_error>
 #include <unordered_map>
 
+// The file is read whole into a tree that keeps the order of its values, and written whole, so that unknown keys and
+// values of other versions survive. It is small, and rarely read: Registry and its transactions decide when.
 using Json = nlohmann::ordered_json;
 
 // Bytes; the program's own settings take some kB. The file is read at start, before there is a window that could show

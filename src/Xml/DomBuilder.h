@@ -17,7 +17,7 @@ public:
     using TakeChild = std::function<void(const IXMLDOMNode&)>;
 
     /// Builds a document in `tree`, which must be empty. With `take`, only the root element stays there, and each of
-    /// its children is passed to `take` as soon as it is complete.
+    /// its children is passed to `take` as soon as it is complete. `tree` must outlive the builder.
     explicit DomBuilder(DomTree& tree, TakeChild take = {}) :
         tree(tree), take(std::move(take)), parent(&tree.queryDocument())
     {}
@@ -29,6 +29,7 @@ public:
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
     void text(std::string_view piece) override { pending += piece; }
+    // A section stays a node of its own: its text may be white space, and is not joined with the text around it.
     void cdata(std::string_view text) override { add(DomKind::cdata, "#cdata-section", text); }
     void comment(std::string_view text) override { add(DomKind::comment, "#comment", text); }
     void instruction(std::string_view target, std::string_view data) override
@@ -49,16 +50,18 @@ private:
     // Returns the tree whose storage a new node takes: that of the pieces for everything below the root, if they are
     // passed on.
     DomTree& currentTree() { return take && depth > 0 ? pieces : tree; }
+    // The name in the document's storage.
     DomName nameOf(const XmlName& name);
     DomTreeNode* create(DomKind kind, DomName name, std::string_view value);
     void add(DomKind kind, std::string_view name, std::string_view value);
+    // link() places a new node, finish() passes it on once it is complete.
     void link(DomTreeNode& node);
     void finish(DomTreeNode& node);
     void flushText();
 
     DomTree& tree;
     DomTree pieces;             // children of the root that are passed on
-    std::size_t pieceCount = 0; // nodes in `pieces`
+    std::size_t pieceCount = 0; // nodes made since `pieces` was emptied
     TakeChild take;
     // The open element, or the document. A new node becomes its child.
     DomTreeNode* parent;

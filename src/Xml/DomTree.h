@@ -76,7 +76,7 @@ public:
     DomTreeNode* create(DomKind kind, DomName name, std::string_view value);
     DomNode* createAttribute(DomName name, std::string_view value);
 
-    /// Returns a qualified name, copied into the arena.
+    /// Returns a qualified name, copied into the arena. The name is not checked.
     DomName keepName(std::string_view qualified);
 
     /// Appends a node without a place as the last child of `parent`. In constant time. Checks nothing.
@@ -88,6 +88,7 @@ public:
     Arena& queryArena() { return arena; }
     DomRoot& queryDocument() { return document; }
 
+    // Of the last load; its reason is empty after a success.
     IXMLDOMParseError parseError;
 
 private:
@@ -96,7 +97,7 @@ private:
     DomRoot unplaced;
 };
 
-/// Appends `node` with its content to `out` as XML.
+/// Appends `node` with its content to `out` as XML. An attribute is written as NAME="VALUE".
 void writeDom(const DomNode& node, CString& out);
 
 /// Fills an empty tree from a file. On failure empties it, sets its parseError and returns false.

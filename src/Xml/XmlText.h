@@ -16,9 +16,10 @@ public:
     /// Returns the text. Valid until the next change.
     std::string_view view() const { return {buffer.get(), size}; }
 
-    /// Appends text that is XML already.
+    /// Appends text that is XML already. It must not be a view of this object.
     void append(std::string_view text) { put(room(text.size()), text); }
 
+    /// Appends a literal, whose length the compiler knows.
     template <std::size_t N>
     void append(const char (&literal)[N])
     {
@@ -27,7 +28,7 @@ public:
     }
 
     /// Appends an attribute: `open` is the text before the value, like ` NAME="`; the closing quote is added. The value
-    /// is made fit for XML (toXmlText) and escaped.
+    /// is made fit for XML (toXmlText) and escaped. The two pieces of a value are written one after the other.
     template <std::size_t N>
     void attribute(const char (&open)[N], TextPieces value)
     {
@@ -63,6 +64,7 @@ private:
             appendEscaped(value);
     }
 
+    // Makes room for `more` bytes after the text.
     void grow(std::size_t more);
     void appendEscaped(std::string_view value);
 

@@ -38,7 +38,7 @@ struct StoredType
     SourceMark mark = {}; ///< of the type that existed before
 };
 
-/// What to do with existing types.
+/// What to do with existing types. The same as ExistingTypes on the program's side of the interface.
 struct ExistingRules
 {
     VornExisting changed;   ///< with another document

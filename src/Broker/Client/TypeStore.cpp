@@ -7,6 +7,10 @@
 #include <tuple>
 #include <utility>
 
+// A type is inserted. If that finds it, its revision is read, and it is replaced only if it still has that revision, so
+// that no change of another program is lost. Each of these statements is a transaction; one that finds the type changed
+// starts over. TypeBatch does the same for many types in a program on the server, and leaves to storeOne() what it
+// can't settle.
 namespace {
 
 // Fewer types are stored faster one by one, because the server compiles the program for each batch.

@@ -48,12 +48,14 @@ private:
 
     // Runs a statement, which is prepared at its first use, and remembers the error of a busy database.
     CStatement::Rows run(std::unique_ptr<CStatement>& statement, CString (*sql)(const TypeTable&), Values values);
+    // storeBatch() is fast and may store none; storeOne() settles one type in any case, or throws.
     std::vector<StoredType> storeBatch(std::span<const NamedDocument> types, const SourceMark& mark,
                                        ExistingRules rules);
     StoredType storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules);
 
     std::shared_ptr<CDatabase> database; // above the statements, which must be freed first
     const TypeTable table;
+    // Made at their first use, because a run needs only some of them.
     std::unique_ptr<CStatement> insert, upsert, find, update;
     std::unique_ptr<TypeBatch> batch;
     bool hasBatches;                  // the server supports TypeBatch
