@@ -122,6 +122,7 @@ CString MsgBase::queryFrameTag() const
     return CString(tag);
 }
 
+// Each type is rendered into one buffer and passed on, so memory doesn't grow with the document.
 void MsgBase::writeXML(const std::function<void(std::string_view)>& write)
 {
     constexpr unsigned typesPerReport = 16;

@@ -112,7 +112,7 @@ protected:
 
     TypeModel model;
     SourceReport report;
-    bool isReportWanted = false;
+    bool isReportWanted = false; // see wantReport()
     bool isEmptyAllowed = false; // see allowEmpty()
 
 private:

@@ -146,6 +146,7 @@ void BrokerMessage::readFields(const IXMLDOMNode& content, const Type& type)
     }
 }
 
+// Reads a table. The type of its component is that of the first child, whatever its tag.
 void BrokerMessage::readTable(const IXMLDOMNode& content, const Type& type)
 {
     std::string_view componentType;
@@ -158,6 +159,7 @@ void BrokerMessage::readTable(const IXMLDOMNode& content, const Type& type)
         note(SourceReport::declarationSkipped, other, "second component of the table " + type.fullName());
 }
 
+// Sets each variable to the attribute's value, empty if it is missing, and reports all other attributes.
 void BrokerMessage::readAttributes(const IXMLDOMNode& node, std::initializer_list<Wanted> wanted)
 {
     for (const Wanted& attribute : wanted)

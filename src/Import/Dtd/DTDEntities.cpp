@@ -52,6 +52,7 @@ DTDEntities::Entity* DTDEntities::add(std::string_view name, SourcePlace place)
     return &entity;
 }
 
+// Most values hold no reference, and stay views. Others need memory of their own.
 void DTDEntities::declare(std::string_view name, std::string_view value, SourcePlace place)
 {
     Entity* entity = add(name, place);
@@ -133,9 +134,12 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
     // A module is opened at its first reference, so one that nothing refers to need not exist.
     if (!entity->text && entity->isModule && !entity->isMissing)
         entity->text = load(*entity, where);
+    // Remembered, so that a missing module is looked for and reported once.
     entity->isMissing = !entity->text;
     if (!entity->text)
         return nullptr;
+    // XML forbids recursion of entities (XML 1.0, 4.1, "No Recursion"). It is cut here, because only this reference is
+    // at fault.
     if (entity->text->isOpen) {
         report.add(SourceReport::malformedDeclaration, where, CString(name) + " inside itself");
         return nullptr;

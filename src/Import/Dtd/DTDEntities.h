@@ -56,6 +56,7 @@ public:
     bool hasRead(FileId file) const { return filesById.contains(file); }
 
 private:
+    // A declared parameter entity. Its texts are views of the DTD that declares it, or of a composed value.
     struct Entity
     {
         std::string_view name;

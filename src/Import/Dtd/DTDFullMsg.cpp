@@ -97,6 +97,7 @@ DTDEntities::Text& DTDFullMessage::begin(DTDEntities& entities, SourceTypes& typ
     return main;
 }
 
+// Reads the DTDs that no other one of the set refers to. A single DTD needs no search for these.
 void DTDFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
     std::vector<CString> files{fileName};
@@ -108,6 +109,7 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
             throw SourceRefusal{cantOpen(file, cause), {file, inWords(file, cause)}};
         texts.push_back(types.adopt(std::move(text)));
     }
+    // Which declarations the roots reach is known when all are read.
     if (!queryRoots().empty())
         report.hold();
     DTDReader reader(types, report);

@@ -27,6 +27,7 @@ protected:
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 
 private:
+    // `texts` are the contents of `files`, in the same order; results are positions in both.
     std::vector<std::size_t> findTops(std::span<const CString> files, std::span<const std::string_view> texts);
     DTDEntities::Text& begin(DTDEntities& entities, SourceTypes& types, const CString& file,
                              std::string_view text) const;

@@ -341,6 +341,7 @@ DTDElement& DTDMessage::addAttribute(std::string_view element, std::string_view 
     return *field;
 }
 
+// Declares records in the order in which the text mentions them first.
 void DTDMessage::declareAll(const CString& path)
 {
     beginWork(Work::arranging);

@@ -18,7 +18,8 @@ public:
 
     std::string_view queryName() const { return name; }
 
-    /// A child, and the offset at which it is mentioned.
+    /// A child, and the offset at which it is mentioned. An entry of a linked list: a vector that grows in an arena
+    /// would leave its outgrown memory behind.
     struct Child
     {
         DTDElement* element = nullptr;
@@ -37,6 +38,7 @@ public:
         return first ? 1 : 0;
     }
 
+    /// Returns the number of entries, so a child that repeats counts twice.
     std::uint32_t queryChildCount() const { return childCount; }
 
     /// Returns the child under the cursor and moves on; null at the end. Valid as long as the arena.

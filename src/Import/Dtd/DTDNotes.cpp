@@ -72,6 +72,7 @@ std::size_t DTDNotes::readReference(std::size_t at)
     return behind + (behind < text.size() && text[behind] == ';');
 }
 
+// The declarations that this reading takes are passed over quickly; all others are reported.
 std::size_t DTDNotes::readStatement(std::size_t at)
 {
     const std::size_t keyword = at + 2;
@@ -206,6 +207,7 @@ std::size_t DTDNotes::closeFrom(std::size_t at)
     return close;
 }
 
+// Counts by characters and words, without parsing: details have no places, so only their numbers matter.
 void DTDNotes::countDetails(std::string_view declaration)
 {
     const auto count = [&](char c) { return static_cast<std::size_t>(std::ranges::count(declaration, c)); };

@@ -32,6 +32,7 @@ private:
     std::size_t readLiteral(std::size_t at, std::size_t place, bool mayHoldMarkup);
     std::size_t readUnknown(std::size_t at);
 
+    // Returns the position of the first '>' at `at` or after it. Positions may only grow from call to call.
     std::size_t closeFrom(std::size_t at);
     void countDetails(std::string_view declaration);
     void note(SourceReport::Construct construct, std::size_t at, std::string_view name);
@@ -41,7 +42,7 @@ private:
     SourceReport& report;
     bool isDetailed;
     std::size_t reference = 0; // position of the next '%'; kNowhere if there is none
-    std::size_t close = 0;     // position of a '>', see closeFrom()
+    std::size_t close = 0;     // position of the last '>' that was found, see closeFrom()
     // By kind of quote: whether another may follow. False saves searching to the end of the text for each literal.
     bool hasQuote[2] = {true, true};
 };

@@ -70,6 +70,7 @@ private:
         friend std::size_t keyHash(const AttributeKey& key) { return ::keyHash(key.name) ^ key.element * 0x9E3779B1u; }
     };
 
+    // An attribute of an element. Its field is named later, when the record is made.
     struct Attribute
     {
         AttributeKey key;
@@ -80,6 +81,7 @@ private:
         AttributeKey queryKey() const { return key; }
     };
 
+    // By keyword; others are unknown statements.
     static const Declaration kDeclarations[];
 
     void readDeclaration();
@@ -89,6 +91,8 @@ private:
     bool readExternalId(std::string_view& publicId, std::string_view& systemId);
     void readNotation();
     void readDoctype();
+    // The read functions take tokens from the current one on, and leave the first that they don't understand. Those
+    // that return bool return false for a fault.
     bool readNames();
     bool readNameGroup();
     SourceReport::Component enterComponent(std::span<const std::string_view> elementNames);
@@ -109,6 +113,7 @@ private:
     void noteMalformed(std::string_view what) { note(SourceReport::malformedDeclaration, what); }
     void note(SourceReport::Construct construct, std::string_view name);
 
+    // For finish(), when there are no more tokens.
     std::vector<bool> findReached(std::span<const CString> roots) const;
     SourceTypes::Type typeOf(const Element& element) const;
     void makeFields(const Element& element, std::vector<SourceTypes::Field>& fields);
@@ -127,6 +132,6 @@ private:
     CancelPoint cancelPoint{4096};            // passed at each field
     std::vector<std::string_view> names;      // the names that the current declaration is for
     std::vector<std::string_view> components; // in the report: lists of names, each ended by an empty one
-    std::vector<std::string_view> constants;
-    bool isNoted = false; // the current declaration has been reported
+    std::vector<std::string_view> constants;  // of the current attribute; a buffer
+    bool isNoted = false;                     // the current declaration has been reported
 };

@@ -35,6 +35,7 @@ public:
     void reportAll(const TypeModel& model, TextPlaces& places, SourceReport& report);
 
 private:
+    // What an ELEMENT declaration says of repetitions.
     struct Declaration
     {
         std::size_t end;                               // at the next '<', because statements may run beyond their '>'
@@ -45,7 +46,7 @@ private:
     Declaration read(std::size_t start);
 
     std::string_view text;
-    std::deque<Field> fields; // not a vector, which copies its many elements while it grows
-    ContentModel content;
+    std::deque<Field> fields;                        // not a vector, which copies its many elements while it grows
+    ContentModel content;                            // reused for each declaration
     std::map<std::size_t, Declaration> declarations; // by start
 };

@@ -295,6 +295,7 @@ std::optional<CString> Catalogs::findUri(std::string_view uri) const
     return lookUpAll({{}, uri, {}, {}});
 }
 
+// Searches the caller's catalogues, the first one first. The stack of lookUp() is filled in reverse.
 std::optional<CString> Catalogs::lookUpAll(Lookup lookup) const
 {
     const auto isTooLong = [](std::string_view text) { return text.size() > kLongestIdentifier; };

@@ -63,6 +63,7 @@ private:
     // a remote location.
     using Base = std::optional<CString>;
 
+    // Where an entry leads. Its key is in the table.
     struct Entry
     {
         CString target; // as written
@@ -78,6 +79,7 @@ private:
         std::set<std::size_t, std::greater<>> lengths; // lengths of the keys, longest first
     };
 
+    // One file. Tables by Kind; that of nextCatalog stays empty, because these have no key.
     struct Catalog
     {
         std::array<Table, kindCount> tables;
@@ -87,14 +89,15 @@ private:
     // A reference from one catalogue to another.
     struct Named
     {
-        std::uint32_t from;
+        std::uint32_t from; // number of the catalogue that refers
         Kind kind;
         CString key;
         CString reference; // as written
         Base base;
-        SourcePlace place;
+        SourcePlace place; // of the entry
     };
 
+    // What is looked up, and how far the search is.
     struct Lookup
     {
         std::string_view publicId, systemId, uri; // normalized; "" if not looked up

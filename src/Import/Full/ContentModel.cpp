@@ -57,6 +57,7 @@ bool ContentModel::canFollow(std::uint32_t earlier) const
     return behind == open.begin() || std::prev(behind)->kind != choice;
 }
 
+// `around` is the number of repeating groups around the occurrence.
 std::span<const ContentModel::Entry> ContentModel::finish()
 {
     std::int32_t around = 0;

@@ -20,6 +20,7 @@ public:
         choice
     };
 
+    /// A name of a content. `repeats` if a content may hold it more than once.
     struct Entry
     {
         std::uint32_t name;
@@ -31,7 +32,7 @@ public:
     /// Starts a new content model. Must be called before the first one, too.
     void clear();
 
-    /// Starts a group inside the current one.
+    /// Starts a group inside the current one. The kind of an undecided group is set by decide().
     void beginGroup(Group kind) { open.push_back({position(), kind}); }
 
     /// Sets the kind of the innermost group, at its first connector. Returns false if it is known already, or if no
@@ -54,6 +55,7 @@ public:
     std::span<const Entry> finish();
 
 private:
+    // A group that has begun; a stack of these replaces a tree of the content.
     struct OpenGroup
     {
         std::uint32_t start; // number of names before the group
@@ -63,11 +65,11 @@ private:
     std::uint32_t position() const { return static_cast<std::uint32_t>(occurrences.size()); }
     bool canFollow(std::uint32_t earlier) const;
 
-    std::vector<OpenGroup> open;
+    std::vector<OpenGroup> open;            // from the outermost to the innermost
     std::vector<std::uint32_t> occurrences; // the entry of each occurrence
     std::vector<std::int32_t> groupsBegin; // by position: repeating groups that start there, minus those that end there
-    std::vector<Entry> entries;
-    std::vector<std::uint32_t> entryOf; // by name: its entry, if `stamp` is the current one
+    std::vector<Entry> entries;            // in order of first occurrence
+    std::vector<std::uint32_t> entryOf;    // by name: its entry, if `stamp` is the current one
     std::vector<std::uint32_t> stamp;
     std::vector<std::uint32_t> last; // by entry: position of its last occurrence
     std::uint32_t current = 0;       // number of the content

@@ -8,6 +8,7 @@ struct EqualTypes
 {
     using Index = SourceTypes::Index;
 
+    /// Reads `types` and keeps no reference to it. Throws Cancelled.
     explicit EqualTypes(const SourceTypes& types);
 
     std::vector<Index> enumerations; ///< for each enumeration the first one equal to it, possibly itself

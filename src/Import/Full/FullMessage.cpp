@@ -168,6 +168,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     for (const Index record : main.records)
         order.visit(record);
     visitChoices(types, order);
+    // Without requested types all are imported, after those that the main types reach.
     for (Index record = 0; !main.isRequested && record < types.records.size(); ++record)
         order.visit(record);
     SourceNames names(types, report);
@@ -185,6 +186,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         declaring.pathNames.push_back(&declaring.names.intern(path));
     // Each field may hold the path of its type.
     types.spend(std::ranges::max(declaring.paths, {}, &CString::size).size() * types.fieldCount());
+    // A named type is imported even if no field has it. Records declare the enumerations of their fields themselves.
     for (Index enumeration = 0; !main.isRequested && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
             declareEnumeration(declaring, enumeration);

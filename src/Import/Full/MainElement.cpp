@@ -51,6 +51,7 @@ MainElement::MainElement(const SourceTypes& types) :
     std::ranges::stable_sort(bySource, {}, [&](Index i) { return types.candidates[i].source; });
 }
 
+// Leaves and abstract elements are chosen only if the source has no other ones.
 std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Index source)
 {
     const std::size_t first = next;

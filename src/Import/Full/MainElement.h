@@ -26,7 +26,7 @@ private:
     std::size_t measure(Index record);
 
     const SourceTypes& types;
-    RecordOrder order;               // the records that candidates reach
+    RecordOrder order;               // the records that candidates reach; grows with each source
     std::vector<Index> bySource;     // candidates by source
     std::size_t next = 0;            // index in `bySource`
     std::vector<Index> lastWalkInto; // by component: the last walk that led there from another component

@@ -65,6 +65,7 @@ std::vector<SourceTypes::Index> RootNames::allCalled(std::string_view name) cons
     return {std::ranges::lower_bound(byName, name, {}, nameAt), std::ranges::upper_bound(byName, name, {}, nameAt)};
 }
 
+// Collects all candidates that `root` may mean, and narrows them down until one is left.
 SourceTypes::Index RootNames::find(std::string_view root) const
 {
     std::vector<Index> found = allCalled(root);

@@ -155,6 +155,7 @@ void SourceNames::nameUnused()
             nameEnumeration(enumeration, types.enumerations[enumeration].place, SourceTypes::kNone);
 }
 
+// An enumeration of several records gets its name in the first of them.
 void SourceNames::nameEnumeration(Index index, SourcePlace place, Index home)
 {
     if (isNamed[index])

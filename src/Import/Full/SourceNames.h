@@ -22,7 +22,7 @@ public:
     void name(const std::vector<SourceTypes::Index>& order, std::span<const SourceTypes::Index> first,
               std::span<const std::uint32_t> ownFiles);
 
-    /// Names the declared enumerations that no field uses. Call it after name().
+    /// Names the declared enumerations that no field uses. Call it after name(), and only if these are imported.
     void nameUnused();
 
 private:
@@ -31,7 +31,7 @@ private:
     class FieldNames;
 
     // The names taken, each with the last number that was appended to it. A source can have a million, so they lie in
-    // an arena.
+    // an arena: a node for each on the heap was the slowest part of naming half a million tables.
     class TakenNames
     {
     public:
@@ -62,7 +62,7 @@ private:
         KeyedTable<Taken, &Taken::name> names;
     };
 
-    // Fields of the same name and type share a table in each namespace.
+    // Fields of the same name and type share a table in each namespace: a table is told apart by these three.
     struct TableKey
     {
         std::string_view name;
@@ -79,6 +79,7 @@ private:
     {
         std::size_t operator()(const TableKey& key) const { return keyHash(key); }
     };
+    // A table by its key; `index` is that in SourceTypes::tables.
     struct KnownTable
     {
         TableKey key;
@@ -95,9 +96,9 @@ private:
 
     SourceTypes& types;
     SourceReport& report;
-    std::deque<TakenNames> spaces; // by namespace
-    Arena memory;
-    KeyedTable<KnownTable, &KnownTable::key, TableKey> tables;
-    std::unordered_set<TableKey, TableHash> sharedTables; // in several namespaces; stored with space 0
-    std::vector<bool> isNamed;                            // by enumeration; several fields may have one
+    std::deque<TakenNames> spaces;                             // by namespace
+    Arena memory;                                              // of the entries of `tables`
+    KeyedTable<KnownTable, &KnownTable::key, TableKey> tables; // by the type that they hold
+    std::unordered_set<TableKey, TableHash> sharedTables;      // in several namespaces; stored with space 0
+    std::vector<bool> isNamed;                                 // by enumeration; several fields may have one
 };

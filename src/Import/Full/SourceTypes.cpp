@@ -24,6 +24,7 @@ std::string_view SourceTypes::join(std::string_view first, std::string_view seco
     return memory.keep({first, "_", second});
 }
 
+// A folder given for a URI stands for its namespace, so URIs with one folder share one.
 SourceTypes::Index SourceTypes::spaceOf(std::string_view uri)
 {
     if (!folders)
@@ -109,6 +110,7 @@ SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<
                                                bool isNamed, std::string_view description, SourcePlace place,
                                                Index space, std::span<const std::string_view> descriptions)
 {
+    // keyHash() has a secret seed, so constants can't be chosen to collide.
     std::size_t hash = keyHash(name) + space;
     for (const std::string_view constant : added)
         hash = hash * 31 + keyHash(constant);

@@ -274,6 +274,7 @@ bool AvroTypes::isKnown(Index leaf) const
            (tree.is(leaf, JsonNode::object) && isAvroType(type));
 }
 
+// Returns the type of a union of leaves; nothing if it holds bytes only.
 std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& leaves, std::string_view name)
 {
     std::set<SourceTypes::Kind> kinds;

@@ -60,6 +60,7 @@ private:
         SourceTypes::Index record = 0;
     };
 
+    // Find and compare declarations, see AvroNames.cpp.
     void declareAll(Scoped top);
     bool declare(Scoped& at);
     NameTable::Id spaceOf(Scoped at);
@@ -91,6 +92,6 @@ private:
     std::unordered_map<Index, Scoped> declared;
     std::map<std::vector<Index>, SourceTypes::Type> records; // by the sorted schemas that they come from
     std::vector<Pending> pending;
-    std::size_t steps = 0;
+    std::size_t steps = 0;         // see spendStep()
     CancelPoint cancelPoint{4096}; // passed by each step
 };

@@ -138,7 +138,10 @@ private:
         std::vector<Index> mapValues;
     };
 
+    // Puts a schema on the stack and lists its parts. Throws SourceRefusal if it is in progress: only members of
+    // objects and items of arrays, which are not parts, may lead back to it.
     void enter(Index schema);
+    // Read the keywords of a schema, see JsonKeywords.cpp. Parts go into the frame, all else into `own`.
     void readSchema(Frame& frame);
     void readKeyword(Frame& frame, Index child, Own& own);
     void readItems(Index schema, JsonWord key, Index node, Own& own);
@@ -157,6 +160,8 @@ private:
     {
         return frame.isBorrowed && frame.content.kind == JsonContent::record && frame.content.count == 0;
     }
+    // Combine the content so far with that of `part`. Losses are reported at the part. Only records and enumerations
+    // have members, and maps and arrays items.
     void join(Frame& frame, const JsonContent& added, How how, Index part);
     void joinBoth(Frame& frame, const JsonContent& added, How how, Index part);
     void joinEither(Frame& frame, const JsonContent& added, Index part);
@@ -168,8 +173,11 @@ private:
     void addField(Frame& frame, JsonMember field, How how);
     void mergeField(MergedMember& known, JsonMember field, How how);
     std::optional<std::pair<NameTable::Id, NameTable::Id>> leafOf(Index schema) const;
+    // Combine schemas into made ones. The rank of a made schema is 0 if all its members are of the source, else one
+    // more than that of its members, unless they combine alike.
     Index mergedOf(Index schema, std::span<const Part> more);
     Index makeMerged(How how, const std::vector<Index>& members, int rank);
+    // Charges visited parts. Throws SourceRefusal beyond a bound.
     void step(std::size_t count = 1);
 
     JsonDocuments& documents;
@@ -177,12 +185,12 @@ private:
     const SourceTypes& types;
     SourceReport& report;
     std::unordered_map<Index, std::optional<JsonContent>> contents; // nothing for schemas in progress
-    std::vector<JsonMember> members;                                // of all records and enumerations
-    std::unordered_map<Index, int> ranks;                           // nesting of made schemas
-    std::map<std::pair<How, std::vector<Index>>, Index> merges;     // made schemas by their parts, in order
-    std::unordered_set<Index> dropped;                              // leaves dropped in favour of an equivalent one
+    std::vector<JsonMember> members;      // of all records and enumerations, one content after the other
+    std::unordered_map<Index, int> ranks; // nesting of made schemas
+    std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
+    std::unordered_set<Index> dropped;                          // leaves dropped in favour of an equivalent one
     std::vector<Frame> frames;
-    std::size_t steps = 0;
-    std::size_t made = 0; // nodes of made schemas
+    std::size_t steps = 0; // see step()
+    std::size_t made = 0;  // nodes of made schemas
     CancelPoint cancelPoint{4096};
 };

@@ -315,6 +315,7 @@ private:
 
 } // namespace
 
+// All files are one set of examples, with one main type.
 void JsonDataMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
     std::vector<CString> files{source};

@@ -66,6 +66,7 @@ public:
     JsonTree tree;
 
 private:
+    // A file in the tree; without a root if its number belongs to a file of another kind, or if it can't be read.
     struct Document
     {
         Index root = 0;

@@ -19,5 +19,6 @@ enum class SchemaLanguage
     foreign
 };
 
-/// Returns the language of a schema by its format in lower case; JSON Schema if the format is empty.
+/// Returns the language of a schema by its format in lower case, a media type; JSON Schema if the format is empty, and
+/// `foreign` if it is not recognised.
 SchemaLanguage languageOf(std::string_view format);

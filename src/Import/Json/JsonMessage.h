@@ -47,6 +47,7 @@ private:
     const bool withComments;
 };
 
+// The reader of each language. The last two are in ApiMessages.cpp and AvroTypes.cpp.
 JsonMessage::Reader readJsonSchemas, readApis, readAvro;
 
 /// The importer of JSON Schemas, drafts 4 to 2020-12, in JSON or YAML.

@@ -160,6 +160,7 @@ JsonScanner::Token JsonScanner::scanKey()
     return key;
 }
 
+// Scans a value other than a key. `kept` marks its start, so that a refill in its middle leaves it in one piece.
 JsonScanner::Token JsonScanner::scanValue()
 {
     const char c = peek();

@@ -79,6 +79,7 @@ private:
         afterValue
     };
 
+    // Each scans a part of the grammar from the cursor on, and leaves the cursor after it.
     Token scanValue();
     Token scanKey();
     Token open(bool isObject);
@@ -96,6 +97,7 @@ private:
         lineOffset = consumed + at + 1;
     }
     void notePlace();
+    // Access to the buffer. A text is never refilled, and its end is that of `data`.
     bool refill();
     bool isAtEnd() { return at == data.size() && !refill(); }
     char peek() { return isAtEnd() ? '\0' : data[at]; }

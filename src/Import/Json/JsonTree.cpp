@@ -59,6 +59,7 @@ std::string_view JsonTree::textOf(Index object, JsonWord key) const
     return text(find(object, key, JsonNode::string));
 }
 
+// Aliases keep the members where they are, with their own parents, so that places and pointers stay right.
 JsonNode::Index JsonTree::addList(JsonWord key, std::span<const Index> members, SourcePlace place)
 {
     const Index list = add({.kind = JsonNode::array, .key = static_cast<NameTable::Id>(key), .place = place});

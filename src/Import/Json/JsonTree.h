@@ -95,7 +95,7 @@ struct JsonNode
     bool isResource : 1 = false; ///< a schema with its own identifier
     bool isLiteral : 1 = false;  ///< a text whose lines are those of the document, from the line after its own on
     Index parent = 0;            ///< 0 for a root, and for nodes that a reader has made
-    Index firstChild = 0;        ///< in document order
+    Index firstChild = 0;        ///< in document order; of an alias its target
     Index next = 0;              ///< the next child of the same parent
     NameTable::Id key = 0;       ///< of a member of an object
     NameTable::Id text = 0;      ///< of a string, number or boolean

@@ -211,6 +211,7 @@ std::string_view JsonTypes::describe(Index schema)
     return {};
 }
 
+// A component that is only a reference to a file is known by its key, not by the title or the name of the file.
 void JsonTypes::nameReferred(Index holder)
 {
     for (const Index at : tree.childrenOf(tree.is(holder, JsonNode::object) ? holder : 0)) {
@@ -240,6 +241,8 @@ void JsonTypes::declareMembers(Index holder, bool asCandidates)
     }
 }
 
+// For main types in documents that the sources refer to: only requested names are added, because these documents may
+// declare thousands.
 void JsonTypes::addDeclared(Index root, std::string_view name)
 {
     const auto add = [&](Index schema, std::string_view key) {
@@ -281,6 +284,7 @@ void JsonTypes::addCandidate(Index schema, std::string_view name)
                             .description = describe(schema)});
 }
 
+// A body that is not an object has no type of its own, unless it is the payload of a message.
 void JsonTypes::addBody(Index schema, const CString& name, bool mayBeValue)
 {
     if (!isWanted(tree.target(schema)))

@@ -123,7 +123,7 @@ private:
     std::unordered_set<std::uint64_t, NumberHash> candidates;         // by source and record
     Index source = 0;
     std::vector<Pending> pending;
-    std::size_t finished = 0; // of these
-    std::vector<SourceTypes::Field> fields;
+    std::size_t finished = 0;               // of these
+    std::vector<SourceTypes::Field> fields; // of the current record; a buffer
     CancelPoint cancelPoint{4096};
 };

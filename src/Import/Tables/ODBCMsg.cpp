@@ -76,6 +76,7 @@ void ODBCMessage::setChosen(std::vector<ChosenTable> tables)
     std::ranges::sort(chosen, {}, nameOf);
 }
 
+// A table that can't be read leaves its record without fields, and the import goes on; a database error ends it.
 int ODBCMessage::parse(const CString& source, const CString& basePath, const CString&)
 {
     ProgressMeter progress(Work::tables, static_cast<std::uint64_t>(std::ranges::count(source, '\n')), 1);

@@ -61,8 +61,8 @@ private:
     void reportTables(const CString& tableName, const std::set<TableName>& read);
     void reportUnnamed();
 
-    std::vector<ChosenTable> chosen;
-    MainWindow* mainWindow; // set at construction
+    std::vector<ChosenTable> chosen; // sorted by name
+    MainWindow* mainWindow;          // set at construction
 };
 
 /// Returns the kind of field for a column with this ODBC data type; nothing if such columns are left out.

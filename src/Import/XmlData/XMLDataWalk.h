@@ -157,11 +157,13 @@ private:
 
     SourcePlace currentPlace() const { return placeOf(locator->tagStart()); }
     SourcePlace placeOf(XmlPlace place) const { return {file, place.line, place.column}; }
+    // Find an entry, or make it. References stay valid.
     Pair& pairOf(Item* parent, const char* local, bool isAttribute);
     Pair& addPair(const PairKey& key, std::uint32_t hash);
     Item& itemNamed(CString name);
     Usage& usageOf(const Fingerprint& key);
     void setRootTag(CString tag);
+    // Count an occurrence in the current node.
     void addOccurrence(Pair& pair);
     void beginUsage(Pair& pair);
     void repeatUsage(Usage& usage, Pair& pair);
@@ -191,8 +193,8 @@ private:
     std::vector<Usage*> undecided;
 
     std::vector<Declaration> declarations;
-    std::uint64_t lastMoment = 0;
-    std::uint64_t lastSequence = 0;
+    std::uint64_t lastMoment = 0;   // occurrences so far
+    std::uint64_t lastSequence = 0; // of the last node that began
 };
 
 /// Hashes addresses: names are interned, so equal names have equal addresses. No source chooses addresses, so the hash
