@@ -22,8 +22,8 @@ public:
     /// Usages lie in the memory of `names`, which must hold the names of all declared elements.
     UsageTable(NamePool& names, std::string_view fieldPrefix) : names(names), fieldPrefix(fieldPrefix) {}
 
-    /// Declares a usage under a key. An empty key always creates one, and the last such usage takes the place of the
-    /// first.
+    /// Declares a usage under a key. Only the last usage with an empty key is kept, at the place of the first one; each
+    /// of them counts as new.
     Declared declare(const Fingerprint& key, Element* element, Element* parent);
 
     /// Declares a top-level record. If it `isAlone`, it has no key, and another one of its name is another usage.

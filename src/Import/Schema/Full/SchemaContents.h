@@ -52,7 +52,7 @@ private:
         Index next;      // the next particle to visit
         Index group = 0; // the group definition, if entered by reference
         bool isChoice = false;
-        // How often the group occurs in the type: 0, 1, or 2 for more.
+        // How often the group occurs in the type: 1, or 2 for more. Groups that may not occur are not entered.
         std::uint8_t times = 1;
         std::size_t entered = 0; // value of `clock` at its start
     };

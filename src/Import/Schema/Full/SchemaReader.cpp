@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 
-// Each statement becomes a node, linked to its parent and its previous sibling. Prefixes are resolved while the tags
-// are read, because their scope ends with the element: `spaces` has the current namespace of each prefix, and each
-// declaration puts the previous one aside until the end tag. So resolving a name costs the same at any depth.
+// Each statement that affects types becomes a node, linked to its parent and its previous sibling. Prefixes are
+// resolved while the tags are read, because their scope ends with the element: `spaces` has the current namespace of
+// each prefix, and each declaration puts the previous one aside until the end tag. So resolving a name costs the same
+// at any depth.
 
 namespace {
 
@@ -103,6 +104,7 @@ void SchemaReader::makeArray(XmlAttributes attributes)
         if (const Index declared = group == 0 ? 0 : tree.childOf(group, SchemaTag::element); declared != 0)
             if (tree[declared].hasName())
                 item.name = tree[declared].name;
+        // The rest of the attribute was about itself: its `ref` to the attribute of SOAP, its `use`.
         item.reference = {};
         item.flags = 0;
         item.occurs = 2;

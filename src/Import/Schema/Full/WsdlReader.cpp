@@ -46,7 +46,7 @@ WsdlReader::WsdlReader(SchemaTree& tree, SourceReport& report) :
     schema(std::make_unique<SchemaReader>(tree, report))
 {}
 
-// Keeps the namespaces of the coming start tag. Those inside of a schema are its own affair.
+// Keeps the namespaces of the coming start tag. Those inside of a schema go to its reader.
 void WsdlReader::scope(const XmlScope& scope)
 {
     if (schema && depth > 0)
