@@ -235,6 +235,7 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, std::s
         return known->second;
     const Index schema = schemas.front().schema;
     const std::string_view own = schemas.size() == 1 && typeOf(schema) != "map" ? simpleNameOf(schema) : "";
+    // A named type lies in its own namespace, any other one beside the record that uses it.
     SourceTypes::Record row{own.empty() ? name : own, describe(schema), tree[schema].place};
     if (!own.empty())
         row.space = types.spaceOf(tree.names[schemas.front().space]);

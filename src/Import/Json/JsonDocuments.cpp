@@ -233,6 +233,7 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
         return known->second;
     // A URI loses its dot segments before it is a path, so "sub/../b.json" needs no folder "sub".
     const CString path = std::filesystem::path(localPath(uri)).lexically_normal().string();
+    // Copied, because reading a document adds to the list.
     const CString folder = documents[tree[holder].place.file].folder;
     const auto file = path.empty() ? std::nullopt : finder.find(folder, path);
     if (!file) {

@@ -21,6 +21,7 @@ struct Keyword
     std::optional<SourceReport::Construct> detail{}; // that it is, if it is only counted
 };
 
+// By word. A keyword may have both columns: "contains" must be a schema, and is counted.
 constexpr auto kKeywords = [] {
     using enum JsonWord;
     constexpr unsigned isText = 1u << JsonNode::string, isList = 1u << JsonNode::array,
@@ -115,6 +116,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::properties:
         frame.parts.push_back({node, JsonContents::own});
+        // An empty list doesn't make a schema an object.
         own.hasProperties = own.hasProperties || tree[node].firstChild != 0;
         countOptional(frame.node, node);
         break;
@@ -160,6 +162,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
 void JsonContents::readItems(Index schema, JsonWord key, Index node, Own& own)
 {
     const bool isObject = tree.is(node, JsonNode::object);
+    // A leaf would add nothing to the items.
     if (key == JsonWord::contains) {
         if (tree.hasAny(baseOf(node), {JsonWord::properties, JsonWord::allOf, JsonWord::anyOf, JsonWord::oneOf}))
             own.contained = node; // may be an object
@@ -227,8 +230,10 @@ void JsonContents::readOwn(Frame& frame, Own& own)
     }
     std::vector<JsonWord> wanted = typesOf(own.type);
     const auto texts = static_cast<std::size_t>(std::ranges::count(wanted, JsonWord::string));
+    // Listed values are constants if the schema may be text. Otherwise its type says all that a field can hold.
     if (own.isListed && (texts > 0 || wanted.empty()))
         return join(frame, contentOfValues(frame, own, texts > 0 && texts == wanted.size()), both, frame.node);
+    // A schema without "type" gets the one that its keywords apply to. By the standard it allows all other kinds, too.
     if (own.type == 0) {
         if (own.hasProperties || !own.mapValues.empty())
             wanted.push_back(JsonWord::object);
@@ -237,6 +242,7 @@ void JsonContents::readOwn(Frame& frame, Own& own)
         else if (own.format != 0)
             wanted.push_back(JsonWord::string);
     }
+    // That of a reference that leads nowhere, which applies beside the types.
     JsonContent before = std::exchange(frame.content, {});
     for (const JsonWord type : wanted)
         if (type != JsonWord::nullWord)

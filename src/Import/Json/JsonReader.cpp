@@ -105,6 +105,7 @@ private:
         if (!tree.is(source, JsonNode::object))
             return report.add(SourceReport::invalidValue, tree[source].place, "<<");
         Level& level = open.back();
+        // Keys that the object has by now, from its own text or from an earlier merge.
         std::unordered_set<NameTable::Id> met;
         countMerged(); // a mapping without members has a cost, too
         for (const Index at : tree.childrenOf(level.node)) {

@@ -122,6 +122,7 @@ SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_vi
     const auto [known, isNew] = records.try_emplace(content.owner);
     if (!isNew)
         return known->second;
+    // A declared schema is shared, so its record isn't called after one that uses it.
     const bool isNamed = !nameOf(content.owner).empty();
     const SourceTypes::Index record = types.addRecord({nameOf(content.owner, name), describe(content.owner),
                                                        tree[content.owner].place, isNamed ? SourceTypes::kNone : home});
@@ -171,6 +172,7 @@ void JsonTypes::readFields(const Pending& record)
             // Copied, because working out its schema moves the fields.
             const JsonMember field = contents.membersOf(record.content)[i];
             std::string_view& name = keptNames[field.name];
+            // Fitted once for all records that have the field, so a change of it is reported once.
             if (name.empty())
                 name = toModelName(tree.names[field.name], field.schema);
             fields.push_back(fieldOf(name, field.schema, record.record));

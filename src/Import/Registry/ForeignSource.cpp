@@ -107,6 +107,7 @@ bool isRelaxCompact(std::string_view text)
            (isOneOf(first, {"element", "attribute"}) && third == "{") || (second == "=" && isPattern);
 }
 
+// "package" and "import" also begin sources of other languages, so these need a second sign.
 bool isProtobuf(std::string_view text)
 {
     const auto [first, second, third] = firstWords(text, {"//", "/*"});
@@ -127,6 +128,7 @@ std::size_t countOutsideQuotes(std::string_view line, char separator)
 {
     bool isQuoted = false;
     return static_cast<std::size_t>(std::ranges::count_if(line, [&](char c) {
+        // A doubled quote inside of quotes toggles twice.
         isQuoted ^= c == '"';
         return c == separator && !isQuoted;
     }));

@@ -89,6 +89,7 @@ std::string_view nameOf(std::string_view tag)
 // Returns the text after its byte order mark and prolog.
 std::string_view contentOf(std::string_view text)
 {
+    // The marks of UTF-8 and UTF-16, as startOf() leaves them.
     text.remove_prefix(std::min(text.size(), text.find_first_not_of("\xEF\xBB\xBF\xFF\xFE")));
     skipProlog(text);
     return text;
@@ -98,6 +99,7 @@ std::string_view contentOf(std::string_view text)
 std::string_view wordFor(std::string_view text)
 {
     constexpr std::string_view type = "BROKERTYPEDESCRIPTION";
+    // A reference to a parameter entity may begin a DTD; YAML begins with a directive.
     if (text.starts_with("<!") || (text.starts_with("%") && !text.starts_with("%YAML ")))
         return "dtd";
     if (!text.starts_with("<"))
@@ -105,6 +107,7 @@ std::string_view wordFor(std::string_view text)
     const std::string_view root = nameOf(text);
     if (root == "schema")
         return "xsd";
+    // Types that were written before are recognised by the first child, because their root has the name of a type.
     skipPast(text, ">");
     skipProlog(text);
     return root == type || (text.starts_with("<") && nameOf(text) == type) ? "btd" : "xml";

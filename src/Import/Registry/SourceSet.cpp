@@ -12,6 +12,7 @@ namespace {
 // Returns whether a file in a folder is a source of this importer. Modules and other parts of sets aren't.
 bool isSourceOf(const MsgUIDescriptor& importer, const CString& name)
 {
+    // The suffix of a set's sources is the importer's word: .dtd, .xsd, .wsdl.
     const ImporterSource& source = importer.querySource();
     if (importer.readsSets())
         return endsWithAscii(name, CString(".") + source.word);
