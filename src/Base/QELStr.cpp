@@ -148,7 +148,8 @@ unsigned int QELString::length() const
     return static_cast<unsigned int>(std::strlen(text));
 }
 
-// Makes the storage `size` bytes large if a text of `newLength` characters doesn't fit.
+// Makes the storage `size` bytes large if a text of `newLength` characters doesn't fit. Lengths are unsigned long here,
+// so that the sum of two can't overflow before it is checked.
 void QELString::reserve(unsigned long newLength, unsigned long size)
 {
     if (newLength < capacity)
@@ -198,6 +199,7 @@ QELString& QELString::operator+=(const QELString& other)
     return *this;
 }
 
+// A NUL may take storage, but changes no text.
 QELString& QELString::operator+=(char ch)
 {
     const unsigned long size = length();
@@ -281,6 +283,7 @@ void QELString::upperCase()
 void QELString::initial()
 {
     lowerCase();
+    // The terminator if there is nothing but spaces; upperAscii() leaves it as it is.
     char& first = text[std::strspn(text, " ")];
     first = upperAscii(first);
 }
@@ -348,6 +351,7 @@ int find(const QELString& s, const QELString& sub)
     return match ? static_cast<int>(match - start) : -1;
 }
 
+// A NUL is never found, because the view ends before the terminator.
 int find(const QELString& s, char ch)
 {
     return indexOf(std::string_view(s).find(ch));
@@ -411,6 +415,7 @@ QELString rtrim(const QELString& s)
 
 QELStringIterator::QELStringIterator(const QELString& s) : source(s), position(parts.end()) {}
 
+// Cuts all parts at once. The source is a copy, so the string may change in between.
 void QELStringIterator::beginEnum(char sep)
 {
     separator = sep;

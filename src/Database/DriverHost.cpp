@@ -131,6 +131,7 @@ void DriverHost::execute(const CString& sql)
 void DriverHost::listCatalogue(MessageReader& request, CString& answer)
 {
     const auto function = static_cast<SQLUSMALLINT>(request.number());
+    // Views into the request live as long as it does, which is longer than this call.
     const std::string_view shape = request.text();
     SQLUSMALLINT isSupported = SQL_FALSE;
     // A driver may lack a catalogue function, which is no error of the database.
@@ -195,6 +196,7 @@ unsigned DriverHost::infoNumber(unsigned short question) const
     return SQL_SUCCEEDED(SQLGetInfo(connection.get(), question, &answer, sizeof answer, nullptr)) ? answer : 0;
 }
 
+// By the name that the driver reports, since the connection string may name a data source only.
 bool DriverHost::isSqlite() const
 {
     std::array<SQLCHAR, 32> name = {};

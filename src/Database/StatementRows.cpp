@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <cstring>
 
-// A catalogue's rows are read into bound buffers of fixed size, since importers use texts of 255 bytes at most. The
+// A catalogue's rows are read into bound buffers of fixed size, because its texts are cut at 255 bytes in any case. The
 // rows of other statements hold whole documents, so each value is fetched in pieces instead. Both end up in one text,
 // row after row.
 namespace {

@@ -22,6 +22,7 @@ bool Descriptor::close()
 bool Descriptor::write(std::string_view bytes) const
 {
     while (!bytes.empty()) {
+        // A pipe or terminal may take a part only, and a signal may come before the first byte.
         const ssize_t written = ::write(fd, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR)
             continue;

@@ -11,6 +11,7 @@ SettingsStore* gathering = nullptr; // the store of the current transaction
 
 bool queryValue(const char* key, const char* name, SettingsValue& value)
 {
+    // Outside of a transaction, each read sees the file as it is at that moment.
     return gathering ? gathering->getValue(key, name, value) : SettingsStore().getValue(key, name, value);
 }
 

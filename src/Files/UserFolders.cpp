@@ -9,6 +9,7 @@ namespace {
 // Returns the program's folder in the one that `variable` names, or in `inHome` below the home folder.
 CString programFolder(const char* variable, const char* inHome)
 {
+    // A relative path counts as unset, as the XDG base directories demand.
     if (const char* configured = std::getenv(variable); configured != nullptr && configured[0] == '/')
         return configured + CString("/typeforge");
     const CString home = homeFolder();

@@ -49,6 +49,7 @@ void DomTree::link(DomTreeNode& parent, DomTreeNode& child)
     parent.lastChild = &child;
 }
 
+// Only the two roots have no parent, which makes the cast safe.
 DomRoot& DomTree::rootOf(DomTreeNode& node)
 {
     DomTreeNode* top = &node;

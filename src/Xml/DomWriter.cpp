@@ -72,6 +72,7 @@ void writeTree(const DomTreeNode& top, CString& out)
             node = node->firstChild;
             continue;
         }
+        // Up through elements that end here. The top itself is never left, even if it has siblings.
         while (node != &top && !node->next) {
             node = node->parent;
             if (node->kind == DomKind::element)

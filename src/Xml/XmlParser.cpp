@@ -250,6 +250,7 @@ void Parse::fail(std::string_view reason)
     }
 }
 
+// Stops one context. That of the document ends at its next callback or read, if an entity's was stopped.
 void Parse::stop(void* context)
 {
     const auto current = static_cast<xmlParserCtxtPtr>(context);

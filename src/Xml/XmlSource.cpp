@@ -30,6 +30,7 @@ int XmlSource::read(char* out, int room)
     constexpr std::size_t lookAhead = 2; // a byte may be held back, and one is looked at
     if (filled - at <= lookAhead)
         fill();
+    // A failure is returned only when all bytes before it have been passed on.
     if (at == filled)
         return error ? -1 : 0;
     // libxml2 2.9.14 takes the first byte of a character for a character if the piece before ended there inside of a

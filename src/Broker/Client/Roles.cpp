@@ -33,6 +33,7 @@ std::wstring widen(const CString& text)
 {
     std::wstring wide(text.size() + 1, L'\0');
     const std::size_t length = std::mbstowcs(wide.data(), text.c_str(), wide.size());
+    // mbstowcs() returns the largest number for invalid text.
     wide.resize(length <= text.size() ? length : 0);
     return wide;
 }

@@ -25,6 +25,7 @@ public:
     void endElement() override { --depth; }
     bool wantsText() const override { return false; }
 
+    // A document with another root has no name.
     bool isAcceptable() const { return !typeName.empty() && contentElements <= 1; }
     const CString& queryName() const { return typeName; }
 

@@ -65,6 +65,7 @@ StoredType TypeReader::find(const NamedDocument& type, ExistingRules rules) cons
         return {StoredType::created};
     const bool isSame = rows[0][1] == "1";
     const SourceMark mark = {rows[0][2], rows[0][3]};
+    // The last two rules. What was found before is not compared for replaceFound, because nothing is replaced.
     if (rules.ruleFor(isSame) >= VornExisting::replace)
         return {StoredType::replaced, mark};
     return {isSame ? StoredType::unchanged : StoredType::exists, mark};
