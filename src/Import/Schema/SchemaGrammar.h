@@ -40,9 +40,9 @@ enum class SchemaTag : std::uint8_t
     constraint, ///< unique, key and keyref
     path,       ///< selector and field
     notation,
-    alternative,
-    assertion,
-    openContent,
+    alternative, ///< of types, in 1.1
+    assertion,   ///< in 1.1, also as a facet
+    openContent, ///< in 1.1, also defaultOpenContent
     // No statements, but rules for the statements inside: a restriction depends on its context, and a statement with
     // `ref` holds only annotations.
     simpleRestriction,
@@ -62,12 +62,12 @@ enum class SchemaAttribute : std::uint8_t
     base,
     block,
     blockDefault,
-    content,
+    content, ///< in the drafts: the sort of content
     defaultValue,
     defaultAttributes,
     defaultAttributesApply,
     elementFormDefault,
-    exact,
+    exact, ///< in the drafts: like `block`
     final,
     finalDefault,
     fixed,
@@ -85,7 +85,7 @@ enum class SchemaAttribute : std::uint8_t
     nillable,
     notNamespace,
     notQName,
-    nullable,
+    nullable, ///< in the drafts: `nillable`
     processContents,
     publicId,
     ref,

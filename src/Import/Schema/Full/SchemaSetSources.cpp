@@ -28,6 +28,7 @@ void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
     loaded.push_back({document, loads});
     if (id)
         parsed.emplace(*id, document);
+    // A later include of this file leads to the same document, unless it is in another namespace.
     if (id && tree.documents[document].root != 0)
         entered.emplace(std::pair(*id, tree.documents[document].space), document);
     const auto end = static_cast<std::uint32_t>(tree.documents.size()); // after the schemas of a WSDL
@@ -65,6 +66,7 @@ std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
     if (isRead)
         reader.finish();
     const bool isSchema = isRead && (reader.holdsWsdl() || tree.documents[number].root != 0);
+    // A first file that isn't a schema gives no types, which the import reports with what the file looks like instead.
     if (!isSchema && isGiven && number > 0)
         throw SourceRefusal{file.name + " is not a schema.", {file.name, "it is not a schema"}};
     for (std::uint32_t at = number + 1; at < tree.documents.size(); ++at) // further schemas of a WSDL
@@ -87,7 +89,7 @@ std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
     return reader.queryImports();
 }
 
-// A message may be made of an element that several messages name; it counts for the first one.
+// Several messages may name one element, which then counts for the first of them.
 std::vector<SchemaSet::Message> SchemaSet::findMessages()
 {
     std::vector<Message> found;

@@ -80,7 +80,7 @@ SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
 }
 
 // Reads the types that may replace an abstract one: those derived from it, directly or indirectly. Each step is
-// counted, because abstract types that derive from each other have a quadratic number of derived types.
+// counted, because in a chain of abstract types each one has all that come after it.
 void SchemaTypes::readChoice(SourceTypes::Index choice)
 {
     std::vector<Index> bases{choices[choice]};

@@ -207,7 +207,7 @@ void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& pat
 }
 
 // Declares a repeated field twice: the model makes a table of a usage that occurs more than once. Returns the last
-// declaration. Any field with the name of a type gets the kind of such fields; if the table has no entry of the type,
+// declaration. A field with a type that isn't built in becomes typeOther; if the table has no entry of that type,
 // setKnownTypes() makes it "String".
 TypeModel::Declared SchemaMessage::declareField(const Field& field, Element* record)
 {
