@@ -11,9 +11,11 @@
 
 #include <vector>
 
+// The two operations of the application object that need a window. They are defined here, so that programs without the
+// wizard link without Qt.
 namespace {
 
-// The help topic of a page.
+// The help topic of a page. The topics are numbered by HelpWindow.
 struct HelpId
 {
     int dialogId;
@@ -27,7 +29,8 @@ constexpr HelpId helpIds[] = {
     {IDD_OUTPUT_FILE, 9}, {IDD_SOURCE, 10},       {IDD_SOURCE_TYPE, 11}, {0, 0},
 };
 
-// Returns whether the screen has fewer than 9 bits per pixel; false if unknown.
+// Returns whether the screen has fewer than 9 bits per pixel, so that it needs pictures of few colours; false if
+// unknown.
 bool isLowColour()
 {
     const QScreen* screen = QGuiApplication::primaryScreen();
@@ -36,6 +39,9 @@ bool isLowColour()
 
 } // namespace
 
+// Settings are only stored if the user finishes the wizard: Cancel discards all choices of the run. The size of the
+// window is restored before the wizard is first shown, which keeps it. Files are opened before the event loop starts,
+// which shows the wizard at its input page at once.
 BOOL CQELApp::InitInstance()
 {
     const bool lowColour = isLowColour();
@@ -59,6 +65,7 @@ BOOL CQELApp::InitInstance()
     return 0;
 }
 
+// The help window belongs to the wizard and goes with it.
 void CQELApp::WinHelp(DWORD data, UINT command)
 {
     constexpr UINT contextHelp = 1;

@@ -27,6 +27,7 @@
 
 namespace {
 
+// Returns the row of an importer in the table, which is also that in the list of importers. It must be in the table.
 int rowOf(const MsgUIDescriptor* importer)
 {
     int row = 0;
@@ -36,7 +37,7 @@ int rowOf(const MsgUIDescriptor* importer)
 }
 
 // Returns the importer for a file, or for the first source in a folder; `preferred` takes precedence there. Null if
-// there is none.
+// there is none. A folder can hold sources of several kinds; an importer that the user has already chosen then decides.
 MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
 {
     if (!isFolder(name))
@@ -51,6 +52,8 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
     return nullptr;
 }
 
+// Returns why no importer takes a file or folder, and what to do. The user may know better than the contents show, so
+// the importer can be chosen first.
 CString noImporterReason(const CString& name)
 {
     if (isFolder(name))
@@ -65,6 +68,7 @@ CString noImporterReason(const CString& name)
                            : CString(foreign);
 }
 
+// Does nothing if there are none.
 void reportIgnoredFiles(const std::vector<CString>& files, bool readsSeveral)
 {
     if (files.empty())
@@ -97,11 +101,15 @@ QELWizard::QELWizard(UINT captionId, CWnd* parent, UINT startPage, HBITMAP water
         setStartPage(1);
 }
 
+// The engine must not ask this window for its database any more.
 QELWizard::~QELWizard()
 {
     setMainWindow(nullptr);
 }
 
+// `shown` is the importer of the input page if that is current, so that a file dropped there only changes the name. The
+// importer's row is set before its page is shown, because that page then selects the row. show() comes first, since the
+// sheet has no current page before.
 void QELWizard::openFiles(const QStringList& files)
 {
     MsgUIDescriptor* const shown = activePage() == &sourcePage ? message->queryDescriptor() : nullptr;
@@ -128,6 +136,7 @@ void QELWizard::openFiles(const QStringList& files)
     reportIgnoredFiles(aside, isOneOfMany);
 }
 
+// The lists of a page exist from now on, so their widths can be restored.
 void QELWizard::OnPageMade(WizardPage& page)
 {
     restoreWidths(page);

@@ -14,14 +14,21 @@
 #include "Wizard/Pages/SourceTypePage.h"
 #include "Wizard/Run/WizardRun.h"
 
-/// The program's main window: the sheet with its pages.
+/// The program's main window: the sheet with its pages. It is both the window and the state of the run, so a page finds
+/// the state by a cast of its sheet.
+///
+/// The order of destruction matters: the pages go first, while the importer, whose elements the page of types holds,
+/// and the sheet still exist.
 class QELWizard : public WizardSheet, public WizardRun
 {
 public:
-    /// Loads the options and adds the pages. Starts on the importer page if the welcome page is hidden.
+    /// Loads the options and adds the pages. Starts on the importer page if the welcome page is hidden. `palette` is
+    /// unused.
     QELWizard(UINT captionId, CWnd* parent, UINT startPage, HBITMAP watermark, HPALETTE palette, HBITMAP header);
     ~QELWizard() override;
 
+    /// Goes through the pages as the user would: chooses the importer, and continues to the input page with the names.
+    /// Ignores nothing silently: a box lists the files that are left out. `files` must not be empty.
     void openFiles(const QStringList& files) override;
 
 protected:

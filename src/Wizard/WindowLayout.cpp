@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+// The geometry is Qt's own form in base 64, because only Qt knows how to fit it to other screens. Widths are numbers in
+// pixels, so that they can be checked. Both are shorter than the 259 bytes that a text of the settings may have.
 namespace {
 
 constexpr const char* kKey = "SOFTWARE\\ZANTH\\QEL\\Window";
@@ -18,13 +20,15 @@ QString queryText(const CString& name)
     return toUi(Registry().getText(kKey, name).value_or(""));
 }
 
+// An empty value means that the user has changed nothing; the former layout stays then.
 void storeText(const CString& name, const QString& value)
 {
     if (!value.isEmpty())
         Registry().setText(kKey, name, fromUi(value));
 }
 
-// Returns the `count` numbers of a text like "120 300"; empty for any other text.
+// Returns the `count` numbers of a text like "120 300"; empty for any other text. The settings file can be edited by
+// hand.
 QList<int> numbersOf(const QString& text, int count)
 {
     QList<int> numbers;
@@ -44,6 +48,7 @@ QString textOf(const QList<int>& numbers)
     return words.join(' ');
 }
 
+// Object names of lists and splitters are unique in the wizard.
 CString nameOf(const QObject& control)
 {
     return "Widths " + fromUi(control.objectName());

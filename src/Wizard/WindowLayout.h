@@ -4,11 +4,13 @@ class QWidget;
 
 // The sizes and positions of windows and columns that the user has chosen, stored in the settings.
 
-/// Restores a window's position and size, if they still fit the screens.
+/// Restores a window's position and size, if they still fit the screens. Does nothing without a stored layout. Call it
+/// before the window is shown.
 void restoreGeometry(QWidget& window);
 
-/// Restores the widths of columns and splitters inside `page`.
+/// Restores the widths of columns and splitters inside `page`. Those of a page with other columns than when they were
+/// stored are ignored.
 void restoreWidths(const QWidget& page);
 
-/// Stores the layout of a window and everything in it. A failure is not reported.
+/// Stores the layout of a window and everything in it. A failure is not reported, because nobody waits for the result.
 void storeLayout(const QWidget& window);

@@ -12,6 +12,7 @@
 
 namespace {
 
+// Printed without a display, like the version.
 constexpr char kHelp[] = "Usage: typeforge [FILE]\n"
                          "Turns descriptions of messages into types for a message broker, step by step in a window.\n"
                          "With FILE, it starts at that file: a DTD, a schema, an API description, a message, or types\n"
@@ -60,6 +61,9 @@ void openDisplay(int& argc, char* argv[], std::optional<QApplication>& applicati
 
 } // namespace
 
+// Help and version come first, because they need no display. Qt takes its own options out of the arguments, so unknown
+// ones can only be told afterwards. The program ends when the wizard does, not with the last window: help and pictures
+// are windows, too.
 int main(int argc, char* argv[])
 {
     turnFileFaultsIntoErrors();

@@ -21,6 +21,7 @@
 
 namespace {
 
+// Returns whether a line tells of a type that was not created, or why. A skipped type is the user's own choice.
 bool isFailure(ResultKind kind)
 {
     return kind == ResultKind::failed || kind == ResultKind::reason || kind == ResultKind::cancelled;
@@ -62,6 +63,7 @@ QHBoxLayout* CreateResultPage::makeButtons()
     return row;
 }
 
+// A new run shows all of its lines.
 void CreateResultPage::OnSetActive()
 {
     {
@@ -74,7 +76,8 @@ void CreateResultPage::OnSetActive()
     failuresOnly->setEnabled(std::any_of(kinds.begin(), kinds.end(), isFailure));
 }
 
-// Fills the list again, because hiding each of many thousand rows takes longer.
+// Fills the list again, because hiding each of many thousand rows takes longer. The box shows all lines before, so a
+// line's index is its row.
 void CreateResultPage::showFailuresOnly(bool only)
 {
     if (!only)

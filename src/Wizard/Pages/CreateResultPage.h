@@ -8,7 +8,8 @@ class QLabel;
 class QListWidget;
 
 /// Shows the result lines of the last creation run, or only the failures, with totals. The shown lines can be copied
-/// and saved.
+/// and saved. Lines and their kinds are in the options; a row of the box is the line of the same index unless only
+/// failures are shown.
 class CreateResultPage : public QELPage
 {
 public:
@@ -22,11 +23,12 @@ public:
 private:
     QHBoxLayout* makeButtons();
     void showFailuresOnly(bool only);
+    // Each ends with a line feed.
     CString shownLines() const;
     void copy();
     void save();
 
     QListWidget* resultBox = nullptr;
     QLabel* totals = nullptr;
-    QCheckBox* failuresOnly = nullptr;
+    QCheckBox* failuresOnly = nullptr; // enabled if there are failures
 };

@@ -33,6 +33,7 @@ void DataSourcePage::OnInitDialog()
     (new QVBoxLayout(this))->addWidget(group);
 }
 
+// A row that was selected before is selected again, by its index.
 void DataSourcePage::OnSetActive()
 {
     sources.clear();
@@ -47,6 +48,7 @@ void DataSourcePage::OnSetActive()
         announce(*hint, tr("There are no data sources on this computer. Help explains how to set one up."));
 }
 
+// The name goes to the drivers as it is listed. Starts the script anew, with the data source as the source.
 LRESULT DataSourcePage::OnWizardNext()
 {
     const int row = dataSourceList->selectedRow();

@@ -7,7 +7,8 @@
 class ListView;
 class QLabel;
 
-/// Chooses a data source and opens it as the wizard's database.
+/// Chooses a data source and opens it as the wizard's database. Sets WizardRun::database and the script's source. The
+/// list is read each time the page is shown, so a data source that was set up meanwhile appears.
 class DataSourcePage : public QELPage
 {
 public:
@@ -20,7 +21,7 @@ public:
 
 private:
     ListView* dataSourceList = nullptr;
-    QLabel* hint = nullptr;
+    QLabel* hint = nullptr;          // below the list; hidden once a row is selected
     std::vector<DataSource> sources; // the rows of the list
     int selectedSource = -1;         // the row at the last click on Next, -1 before
 };

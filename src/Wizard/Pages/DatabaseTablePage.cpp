@@ -55,6 +55,7 @@ QHBoxLayout* DatabaseTablePage::makeSelectionRow()
     return row;
 }
 
+// The check box stays enabled while it is checked, so that a selection that became empty can be left.
 void DatabaseTablePage::showSelection()
 {
     const QLocale locale;
@@ -77,6 +78,7 @@ void DatabaseTablePage::OnSetActive()
     });
 }
 
+// Fills `tables` in the work's thread, while the list on the page is empty and reads nothing of it.
 void DatabaseTablePage::listTables()
 {
     const WaitCursor wait;
@@ -95,6 +97,8 @@ void DatabaseTablePage::listTables()
     stay(IDS_NO_DATABASE);
 }
 
+// Imports the selected tables. An earlier failure may have closed the connection; it is then opened again. The importer
+// gets the names as lines, and the tables that they stand for, because several tables can have one name.
 LRESULT DatabaseTablePage::OnWizardNext()
 {
     const std::vector<int> selected = tableList->selectedRows();

@@ -10,7 +10,8 @@ class QCheckBox;
 class QHBoxLayout;
 class QLabel;
 
-/// Chooses tables of the wizard's database and imports them.
+/// Chooses tables of the wizard's database and imports them into WizardRun::message. Tables of several owners can have
+/// one name.
 class DatabaseTablePage : public QELPage
 {
 public:
@@ -22,6 +23,7 @@ public:
     LRESULT OnWizardBack() override { return IDD_DATA_SOURCE; }
 
 private:
+    // A table of the data source, as the catalogue lists it.
     struct Row
     {
         TableName name;
@@ -30,7 +32,9 @@ private:
     };
 
     QHBoxLayout* makeSelectionRow();
+    // Shows how many tables are selected.
     void showSelection();
+    // Reads the tables of the data source. Throws CDBException and Cancelled.
     void listTables();
 
     ListView* tableList = nullptr;

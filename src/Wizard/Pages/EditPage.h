@@ -19,6 +19,9 @@ class StructurePane;
 
 /// Lists the types of the import. Shows a type's document in the user's viewer or in a window of the program, its
 /// structure in a pane beside the list, and a picture of the types that it reaches.
+///
+/// The page refers to elements of the importer while it is shown. They are dropped when it is hidden, and before
+/// another import replaces them, see clearTypes().
 class EditPage : public QELPage
 {
 public:
@@ -34,26 +37,32 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    // Shows the selected type's document in the viewer. A double click in the list and Return do it, too.
     void OnEdit();
     void OnDblclkEdit();
     QWidget* makeLists();
     QHBoxLayout* makeButtons();
     void addMenuRow(const QString& text, void (EditPage::*action)());
+    // Returns the selected row, -1 if none is selected, which the user has been told.
     int queryRow();
     void showDocument();
     void showPicture();
     void togglePane();
     void showPane(bool visible);
+    // Shares the list's width among its columns, by whether the pane is shown.
     void shareColumns();
     void showStructure();
     void jumpTo(std::uint32_t type);
 
+    // Fills the list with the types of the wizard's importer.
     void showTypes();
+    // Sets mainRow and mainMark.
     void findMain();
     bool importBy(FullMessage* other);
     void chooseMain(const CString& name);
     void readInFull();
     void showReport();
+    // Drops everything that refers to the importer.
     void clearTypes();
 
     QLabel* fullReadingHint = nullptr;
@@ -69,5 +78,5 @@ private:
     std::shared_ptr<const TypeStructure> structure; // of `types`
     bool hasOwnDescriptions = false;                // some descriptions of `types` aren't generated from the names
     bool isWide = false;                            // the window has room for the pane beside the whole list
-    TemporaryFiles tempFiles;
+    TemporaryFiles tempFiles;                       // documents given to viewers; deleted with the page
 };

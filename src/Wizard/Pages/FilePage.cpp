@@ -19,7 +19,8 @@
 
 namespace {
 
-// Returns a hidden frame, to be put over a field. It lets clicks through.
+// Returns a hidden frame, to be put over a field. It lets clicks through. A style sheet can't do it: an editable combo
+// box draws no frame of it.
 QFrame* newRedFrame()
 {
     auto* frame = new QFrame;
@@ -37,6 +38,7 @@ QFrame* newRedFrame()
 
 } // namespace
 
+// Frame and field share a cell of the grid. Dropped files are for the page, not for the field.
 void FilePage::OnInitDialog()
 {
     QELPage::OnInitDialog();
@@ -62,6 +64,7 @@ void FilePage::OnInitDialog()
     setAcceptDrops(true);
 }
 
+// The grid has three columns: label, field and button.
 void FilePage::addRow(QWidget* row, bool isTall, int column)
 {
     auto* grid = static_cast<QGridLayout*>(layout());
@@ -94,6 +97,7 @@ void FilePage::UpdateData(bool save)
     folderLabel->setText(toUi(folderText));
 }
 
+// A cancelled dialog keeps the typed name; its folder may have changed all the same.
 void FilePage::OnPickfile()
 {
     UpdateData(true);
@@ -102,7 +106,8 @@ void FilePage::OnPickfile()
     fileCombo->setFocus(); // Return then continues instead of browsing again
 }
 
-// Sets the folder from the file name, which may be new or old.
+// Sets the folder from the file name, which may be new or old. A name with a path keeps it in the field. A file of the
+// root has the folder "/".
 void FilePage::takeFolder()
 {
     const CString named = namedFile();

@@ -8,7 +8,8 @@ class QComboBox;
 class QFrame;
 
 /// The base of the two pages that choose a file: a combo box with recent files, Browse, and the folder for names
-/// without a path. A file dropped on the page is chosen.
+/// without a path. A file dropped on the page is chosen. While the page is shown, the process's current folder is that
+/// folder.
 class FilePage : public QELPage
 {
 public:
@@ -17,7 +18,7 @@ public:
     void OnInitDialog() override;
     void OnSetActive() override;
 
-    /// Takes a file name as if it had been chosen with Browse.
+    /// Takes a file name as if it had been chosen with Browse. Several names are in quotes, see SourceList.h.
     virtual void takeFile(const CString& chosen);
 
 protected:
@@ -54,6 +55,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
+    // The values of the controls as of the last UpdateData().
     CString fileName;
     CString folderText;
 

@@ -19,6 +19,7 @@
 
 FinishPage::FinishPage() : QELPage(IDD_FINISH, "Typeforge - Finish") {}
 
+// Texts take the height that they need; the free room is below them.
 void FinishPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
@@ -57,6 +58,7 @@ void FinishPage::OnSetActive()
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext | WizardSheet::buttonFinish);
 }
 
+// Says what was done: the totals of the creation, or the file with its size.
 QString FinishPage::summary() const
 {
     const ScriptCommand& script = wizard->script;
@@ -68,6 +70,7 @@ QString FinishPage::summary() const
              QLocale().formattedDataSize(size, 1, QLocale::DataSizeSIFormat));
 }
 
+// Shows a file or folder in the user's program. It may be gone, since the page can stay for long.
 void FinishPage::view(const CString& name)
 {
     if (!QFileInfo::exists(toUi(name))) {

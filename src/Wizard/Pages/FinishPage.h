@@ -6,8 +6,9 @@ class CopyRow;
 class PathLabel;
 class QPushButton;
 
-/// The last page: shows what was done and offers a command line that does the same. Finish and Cancel both store the
-/// options and end the wizard. Back starts another import.
+/// The last page: shows what was done, from the script and the result lines, and offers a command line that does the
+/// same. Finish and Cancel both store the options and end the wizard: Cancel has nothing to discard here. Back starts
+/// another import.
 class FinishPage : public QELPage
 {
 public:
@@ -22,8 +23,8 @@ private:
     QString summary() const;
     void view(const CString& name);
 
-    PathLabel* done = nullptr;
+    PathLabel* done = nullptr; // the summary
     QPushButton* openFolder = nullptr;
     QPushButton* viewFile = nullptr;
-    CopyRow* command = nullptr;
+    CopyRow* command = nullptr; // for a script
 };

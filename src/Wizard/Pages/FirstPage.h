@@ -4,7 +4,7 @@
 
 class QCheckBox;
 
-/// Greets the user and offers to skip itself from the next run on.
+/// Greets the user and offers to skip itself from the next run on. The choice is stored when the wizard is finished.
 class FirstPage : public QELPage
 {
 public:

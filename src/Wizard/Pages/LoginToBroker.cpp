@@ -34,7 +34,8 @@ QString upperCase(QString text)
     return text;
 }
 
-// Accepts any text and turns it to upper case.
+// Accepts any text and turns it to upper case, in which the page shows users. The shipped client also tries the role in
+// small letters.
 class UpperCase : public QValidator
 {
 public:
@@ -52,6 +53,7 @@ public:
 LoginToBroker::LoginToBroker() : QELPage(IDD_LOGIN, "Typeforge - Login to Broker", IDS_LOGIN_TITLE, IDS_LOGIN_SUBTITLE)
 {}
 
+// The field exists only if the page was shown.
 LoginToBroker::~LoginToBroker()
 {
     if (passwordEdit)
@@ -59,6 +61,7 @@ LoginToBroker::~LoginToBroker()
     wipe(password);
 }
 
+// The progress bar keeps its place while it is hidden, so that the controls don't move when the creation begins.
 void LoginToBroker::OnInitDialog()
 {
     QELPage::OnInitDialog();
@@ -100,6 +103,7 @@ QWidget* LoginToBroker::makeLogonGroup()
     userCombo = withId(IDC_USER, newRecentCombo("Broker &username"));
     userCombo->setValidator(new UpperCase(userCombo));
     user = wizard->options.fillUser(*userCombo);
+    // The validator only sees what is typed.
     for (int i = 0; i < userCombo->count(); ++i)
         userCombo->setItemText(i, upperCase(userCombo->itemText(i)));
     passwordEdit = withId(IDC_PASSWORD, new QLineEdit(toUi(wizard->options.queryPwd())));
@@ -126,6 +130,7 @@ void LoginToBroker::OnSetActive()
     progress->hide();
 }
 
+// A click ends a suggestion: from then on the choice is the user's. suggestLogon() sets its flag after its own click.
 void LoginToBroker::OnLogonTrusted()
 {
     isSuggested = false;
@@ -153,6 +158,8 @@ void LoginToBroker::suggestLogon(const QString& typed)
     }
 }
 
+// Logging on and creating are one piece of work. The session lives in the work's thread and ends there, so closing it
+// doesn't block the window. The work reads members of the page that no handler changes meanwhile.
 LRESULT LoginToBroker::OnWizardNext()
 {
     const WaitCursor wait;
@@ -194,7 +201,7 @@ LRESULT LoginToBroker::OnWizardNext()
 }
 
 // Reads the controls. Returns false and focuses the port if it is not a number. An empty port becomes 0, which
-// blankField() reports.
+// blankField() reports. A sign is refused; toUInt() would accept a plus.
 bool LoginToBroker::UpdateData()
 {
     server = fromUi(serverCombo->currentText());
@@ -212,6 +219,7 @@ bool LoginToBroker::UpdateData()
     return isNumber;
 }
 
+// A missing user or password takes precedence over a missing server or port; of each two, the first one counts.
 QWidget* LoginToBroker::blankField() const
 {
     QWidget* blank = nullptr;
@@ -228,6 +236,7 @@ QWidget* LoginToBroker::blankField() const
     return blank;
 }
 
+// Called before the logon, so the entries become recent ones whether it succeeds or not.
 void LoginToBroker::storeInput()
 {
     QELOptions& options = wizard->options;
@@ -238,7 +247,7 @@ void LoginToBroker::storeInput()
     options.setUseTrustedLogon(logonSel == LogonKind::trusted);
 }
 
-// Runs in the thread of the long work.
+// Runs in the thread of the long work. Controls are only touched through inWindowThread().
 std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
 {
     QELOptions& options = wizard->options;
@@ -247,12 +256,14 @@ std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
         progress->setValue(0);
         progress->show();
     });
+    // Not before the logon, so that the results of the run before stay if it fails.
     options.clearResultList();
     const auto askInWindow = [this](const CString& question, const CString& details) {
         OverwriteChoice choice = OverwriteChoice::no;
         inWindowThread([&] { choice = ask(question, details); });
         return choice;
     };
+    // The same identity as the command line records, so that both know their own types again.
     const bool readsTables = wizard->message->queryDescriptor()->querySource().readsTables;
     const CString& source = wizard->script.source;
     CreationRun run(session,
@@ -262,6 +273,7 @@ std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
     return run.wasCancelled() ? std::nullopt : std::optional(errors);
 }
 
+// The first answer also becomes the option of the command that does the same: yes or no to one type means to ask there.
 OverwriteChoice LoginToBroker::ask(const CString& question, const CString& details)
 {
     OverWriteDlg dialog(this);

@@ -11,7 +11,8 @@ class QLineEdit;
 class QProgressBar;
 class QRadioButton;
 
-/// Logs on to the broker and creates the types there.
+/// Logs on to the broker and creates the types there. Fills the result lines of the options, and the script's address,
+/// user and overwrite. The password is kept for this run only, and wiped at its end.
 class LoginToBroker : public QELPage
 {
 public:
@@ -23,6 +24,7 @@ public:
     LRESULT OnWizardBack() override { return IDD_OUTPUT; }
     LRESULT OnWizardNext() override;
 
+    /// Enable the controls of a kind of logon, when the user chooses it.
     void OnLogonTrusted();
     void OnLogonBroker();
 
@@ -35,13 +37,17 @@ private:
         broker = 1   ///< with user and password
     };
 
+    // Create the two groups of controls, filled from the options.
     QWidget* makeServerGroup();
     QWidget* makeLogonGroup();
     void suggestLogon(const QString& server);
     bool UpdateData();
+    // Returns the control of a missing entry; null if all entries that the logon needs are there.
     QWidget* blankField() const;
     void storeInput();
+    // Asks in the window's thread whether to replace a type.
     OverwriteChoice ask(const CString& question, const CString& details);
+    // Returns the number of failures; nothing if the run was cancelled.
     std::optional<int> createTypes(BrokerSession& session);
 
     QLineEdit* passwordEdit = nullptr;
@@ -51,9 +57,10 @@ private:
     QLineEdit* portEdit = nullptr;
     QRadioButton* trustedButton = nullptr;
     QRadioButton* brokerButton = nullptr;
+    // The values of the controls as of the last UpdateData().
     DWORD port = 0;
     CString server;
-    CString password;
+    CString password; // wiped before it changes and at the end
     CString user;
     LogonKind logonSel = LogonKind::none;
     bool isSuggested = false; // the trusted logon was suggested by the server's name

@@ -25,7 +25,8 @@
 
 namespace {
 
-// Returns the suggested name: beside the source, or for a data source in the folder of the last output.
+// Returns the suggested name: beside the source, or for a data source in the folder of the last output. A name of a
+// data source may contain a slash.
 CString outputNameFor(const MsgBase& message, CString source)
 {
     const CString ending = "-types.xml";
@@ -55,7 +56,8 @@ bool isSource(const CString& fileName, const WizardRun& wizard)
     }
 }
 
-// Returns what exists under the name, and what will happen to it; "" if nothing does.
+// Returns what exists under the name, and what will happen to it; "" if nothing does. Reads the beginning of the file,
+// to tell types written earlier from what the user may not want to lose. A file of today is shown with its time alone.
 QString stateInWords(const CString& fileName, const WizardRun& wizard)
 {
     const QFileInfo file(toUi(fileName));
@@ -118,6 +120,7 @@ void OutputFile::showState()
     state->setText(stateInWords(fileName, *wizard));
 }
 
+// Writes the document in the work's thread. The error is that of the opening or of any later step.
 LRESULT OutputFile::OnWizardNext()
 {
     showState(); // now, because the timer would read the name while the work below uses it

@@ -7,7 +7,7 @@
 class QLabel;
 
 /// Chooses the output file and writes the message document to it. Suggests a name until the user has used one, and
-/// shows whether a file will be replaced.
+/// shows whether a file will be replaced. Sets the script's output, which the last page shows.
 class OutputFile : public FilePage
 {
 public:
@@ -25,9 +25,10 @@ protected:
 
 private:
     void suggest();
+    // Shows what exists under the typed name.
     void showState();
 
     QLabel* state = nullptr;
-    QTimer delay; // avoids a disk access after each key
-    CString suggested;
+    QTimer delay;      // avoids a disk access after each key
+    CString suggested; // the last suggestion; another text in the field is the user's
 };

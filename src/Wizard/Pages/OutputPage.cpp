@@ -26,6 +26,7 @@ void OutputPage::OnInitDialog()
     column->addStretch();
 }
 
+// The settings can hold any number; one without a button keeps the choice as it is.
 void OutputPage::OnSetActive()
 {
     if (QAbstractButton* button = choice->button(wizard->options.queryLastOutputSel()))

@@ -26,6 +26,8 @@ OverWriteDlg::OverWriteDlg(CWnd* owner) : QDialog(owner)
     addButton(IDC_STOP, "&Stop", &OverWriteDlg::OnStop);
 }
 
+// Buttons stand in one row, in the order of the calls. No is the default and stays it: a button that has the focus
+// would become the default by itself otherwise.
 void OverWriteDlg::addButton(int id, const char* label, void (OverWriteDlg::*handler)())
 {
     auto* button = new QPushButton(label);
@@ -39,6 +41,7 @@ void OverWriteDlg::addButton(int id, const char* label, void (OverWriteDlg::*han
         button->setFocus();
 }
 
+// The text is at least as wide as the dialog's 213 dialog units, and at most 80 letters or 80 % of the screen.
 int OverWriteDlg::DoModal()
 {
     auto* question =

@@ -5,13 +5,14 @@
 
 #include <QDialog>
 
-/// Asks whether to replace an existing type.
+/// Asks whether to replace an existing type. Closing the dialog leaves `choice` at no, the answer that loses nothing.
 class OverWriteDlg : public QDialog
 {
 public:
     explicit OverWriteDlg(CWnd* owner);
 
-    /// Shows the dialog. Returns the OK result if a button closed it, with the answer in `choice`.
+    /// Shows the dialog. Returns the OK result if a button closed it, with the answer in `choice`. Call it once, after
+    /// setting the texts.
     int DoModal();
 
     void OnYes() { answer(OverwriteChoice::yes); }

@@ -20,6 +20,7 @@ namespace {
 constexpr qsizetype kMaxReason = 100; // characters
 constexpr int kTypingDelay = 300;     // ms to wait for the next key
 
+// Returns a result in words. `noLoss` are the words for no losses.
 QString inWords(const SourcePreview::Count& count, const char* noLoss)
 {
     if (!count.isKnown)
@@ -33,6 +34,8 @@ QString inWords(const SourcePreview::Count& count, const char* noLoss)
 
 } // namespace
 
+// The text keeps its room while it is hidden, so that the controls below don't move. It asks for no width of its own,
+// since lines of a source can be long.
 PreviewPane::PreviewPane(QWidget* reading) :
     text(new QPlainTextEdit), counts(plainLabel()), countButton(new QPushButton("C&ount types"))
 {
@@ -111,6 +114,7 @@ void PreviewPane::start(bool isWanted)
     preview.start(source, isWanted);
 }
 
+// An equal text is left alone, because setting it would scroll to its start.
 void PreviewPane::showText(const QString& start, quint64 size, bool isCounted)
 {
     if (start != text->toPlainText())
@@ -126,6 +130,7 @@ void PreviewPane::showText(const QString& start, quint64 size, bool isCounted)
                   QLocale().formattedDataSize(static_cast<qint64>(size), 0, QLocale::DataSizeSIFormat) + '.');
 }
 
+// With two readings, the second line says "none" instead of "no losses", since the first one has named what is counted.
 void PreviewPane::showCounts(const SourcePreview::Count& literal, const SourcePreview::Count& full)
 {
     QString words;

@@ -10,7 +10,7 @@ class QPlainTextEdit;
 class QPushButton;
 
 /// Shows the beginning of a source and, below it, the number of types and losses with each reading. A background thread
-/// reads and counts.
+/// reads and counts. A large source is only counted when the user asks for it.
 class PreviewPane : public QWidget
 {
 public:
@@ -20,7 +20,7 @@ public:
     /// Shows another source, after a short delay for further typing. Without names, hides the text.
     void showSource(const SourcePreview::Source& source);
 
-    /// Cancels the counting.
+    /// Cancels the counting. What is shown stays.
     void stop();
 
 protected:
@@ -32,10 +32,10 @@ private:
     void showText(const QString& text, quint64 size, bool isCounted);
     void showCounts(const SourcePreview::Count& literal, const SourcePreview::Count& full);
 
-    SourcePreview::Source source;
-    QTimer delay;
+    SourcePreview::Source source; // the last one shown, also if it is not read yet
+    QTimer delay;                 // starts the preview when typing has paused
     QPlainTextEdit* text;
     QLabel* counts;
-    QPushButton* countButton;
+    QPushButton* countButton; // shown for a large source
     SourcePreview preview;
 };

@@ -6,7 +6,8 @@
 
 class WizardRun;
 
-/// The base of the wizard's pages: a page with access to the wizard's state.
+/// The base of the wizard's pages: a page with access to the wizard's state. A page keeps its controls as members; what
+/// other pages need goes into the wizard's options or run.
 class QELPage : public WizardPage
 {
 public:
@@ -16,6 +17,7 @@ public:
     /// A page on the watermark.
     QELPage(int dialogId, const CString& caption);
 
+    /// Finds the wizard. A page that creates controls calls this first.
     void OnInitDialog() override;
 
 protected:

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 
+// The box for the main element has a width of its own, not that of the longest name.
 ReadingRow::ReadingRow() :
     mainElementLabel(plainLabel(tr("&Main element:"))), mainElement(new ChoiceCombo(mainElementLabel->text())),
     count(new ElidedLabel), fullButton(new QPushButton(tr("Read in &full"))), details(new QPushButton(tr("&Details")))
@@ -53,6 +54,7 @@ void ReadingRow::offerFull(bool isOffered)
     setVisible(isOffered || !mainElement->isHidden() || !details->isHidden());
 }
 
+// One main element alone leaves no choice, so the box is hidden.
 void ReadingRow::showMainElements(const FullMessage* full)
 {
     mainElement->clear();

@@ -38,8 +38,8 @@ private:
     void showCount(const MsgBase& message);
 
     QLabel* mainElementLabel;
-    ChoiceCombo* mainElement;
-    QLabel* count;
+    ChoiceCombo* mainElement; // in row 0 the source's own choice
+    QLabel* count;            // of losses, or else of details
     QPushButton* fullButton;
-    QPushButton* details;
+    QPushButton* details; // shown if the report lists anything
 };

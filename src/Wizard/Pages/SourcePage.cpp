@@ -29,7 +29,8 @@
 
 namespace {
 
-// Returns the file types: all types, each importer's own kind once, all files.
+// Returns the file types: all types, each importer's own kind once, all files. Importers of the same kind of file share
+// a label.
 std::vector<FileFilter> fileFilters()
 {
     std::vector<UINT> labels = {IDS_FILTER_ALL_TYPES};
@@ -65,6 +66,7 @@ CString environmentCatalogError()
 }
 
 // Returns advice on an error caused by a construct that the literal reading doesn't know; empty for other errors.
+// Called in the work's thread, so it reads no controls.
 CString fullReadingAdvice(const WizardRun& wizard, const CString& error, const CString& fileName)
 {
     const CString unsupported = isErrorOfLiteralReading(error) ? wizard.unsupportedByLiteral(fileName) : CString();
@@ -90,6 +92,7 @@ QWidget* rowOf(const char* text, QWidget* field, QPushButton* button)
 
 SourcePage::SourcePage() : FilePage(IDD_SOURCE, "Typeforge - Select source", IDS_SOURCE_TITLE, IDS_SOURCE_SUBTITLE) {}
 
+// The field takes the names of many files, which need more than its default of 32,767 characters.
 void SourcePage::OnInitDialog()
 {
     FilePage::OnInitDialog();
@@ -116,6 +119,7 @@ QWidget* SourcePage::makeSetRow()
     for (const char* choice : {"by namespace for several files", "by main type", "by namespace"})
         layoutCombo->addItem(choice);
     layoutCombo->setCurrentIndex(static_cast<int>(wizard->options.queryLayout()));
+    // Its longest choice would widen the window.
     layoutCombo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     auto* folderButton = withId(IDC_CHOOSE_FOLDER, new QPushButton("Read a fo&lder ..."));
     folderButton->setToolTip(plainToolTip("Reads all sources of a folder as one"));
@@ -138,6 +142,7 @@ QWidget* SourcePage::makeCatalogRow()
     return rowOf("XML catalo&gues:", catalogEdit, choose);
 }
 
+// The page before may have chosen another importer, so the controls that depend on it are set each time.
 void SourcePage::OnSetActive()
 {
     FilePage::OnSetActive();
@@ -155,6 +160,7 @@ bool SourcePage::takesFolders() const
     return row.readsFolders() && (!row.hasFull() || fullCheck->isChecked());
 }
 
+// Shows exactly the choices that apply to the chosen reading: none may apply unseen.
 void SourcePage::showSetRows()
 {
     setRow->setVisible(takesFolders());
@@ -162,13 +168,15 @@ void SourcePage::showSetRows()
     catalogState->setVisible(!catalogRow->isHidden() && !catalogState->text().isEmpty());
 }
 
+// A preview of a page that is no longer shown would only take time. Spontaneous hiding, as by minimising, keeps it.
 void SourcePage::hideEvent(QHideEvent* event)
 {
     if (!event->spontaneous() && pane)
         pane->stop();
 }
 
-// Previews the named source. Shows nothing if no source is named.
+// Previews the named source. Shows nothing if no source is named. Names are made absolute here, because the preview's
+// thread must not depend on the current folder, which pages change.
 void SourcePage::updatePreview()
 {
     if (!isVisible())
@@ -178,7 +186,8 @@ void SourcePage::updatePreview()
                       absoluteSourcesIn(fromUi(catalogEdit->text()))});
 }
 
-// Switches to the importer's reading that the check box selects.
+// Switches to the importer's reading that the check box selects. An importer of that reading is kept, with what the
+// page before has set up.
 void SourcePage::chooseReading()
 {
     const MsgUIDescriptor& row = *wizard->message->queryDescriptor();
@@ -194,7 +203,8 @@ void SourcePage::chooseReading()
         wizard->message.reset(row.create());
 }
 
-// Returns why these sources can't be imported with the current choices; "" if they can.
+// Returns why these sources can't be imported with the current choices; "" if they can. Checked before the import, so
+// that the error is about the field, and the page can mark it.
 CString SourcePage::sourceError(const std::vector<CString>& names) const
 {
     if (names.front().empty())
@@ -215,6 +225,7 @@ CString SourcePage::sourceError(const std::vector<CString>& names) const
     return wizard->message->setFurtherFiles({}) ? "" : "This importer reads one file at a time. Choose one of them.";
 }
 
+// The preview ends first, so that it doesn't compete with the import; it starts again if the page stays.
 LRESULT SourcePage::OnWizardNext()
 {
     UpdateData(true);
@@ -237,6 +248,7 @@ LRESULT SourcePage::OnWizardNext()
     else
         wizard->options.addInputFile(fileName);
     chooseReading();
+    // For this import only: the advice is about this page, and the page of types can import again.
     wizard->message->setErrorHandler([this, file = names.front()](const CString& text, const SourceFault& fault) {
         theApp.Error(text, IDS_ERROR_TITLE, fault, fullReadingAdvice(*wizard, text, file));
     });
@@ -252,6 +264,7 @@ CString SourcePage::namedFile() const
     return sourcesIn(fileName).front();
 }
 
+// A longer text fits neither the field nor the settings.
 void SourcePage::takeFile(const CString& chosen)
 {
     if (chosen.size() > QELOptions::kMaxSourceSet) {
@@ -284,6 +297,7 @@ void SourcePage::pickCatalogs()
     catalogEdit->setFocus();
 }
 
+// The dialog starts with the first of the names in the field.
 CString SourcePage::chooseFile()
 {
     const FileQuestion question = {loadText(IDS_SELECT_SOURCE), fileFilters(), wizard->options.queryInputFolder(),
@@ -292,6 +306,7 @@ CString SourcePage::chooseFile()
                                                              : chooseFileToOpen(this, question);
 }
 
+// Dropped files can be of another kind, so the wizard chooses the importer.
 void SourcePage::OnDrop(const QStringList& files)
 {
     wizard->openFiles(files);

@@ -10,7 +10,9 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 
-/// Chooses the input file, or several files and folders that are one source, and runs the importer on them.
+/// Chooses the input file, or several files and folders that are one source, and runs the importer on them. May replace
+/// WizardRun::message by the importer of the chosen reading. What several sources need is only shown if that reading
+/// takes them. A preview shows what would come of the source.
 class SourcePage : public FilePage
 {
 public:
@@ -40,6 +42,7 @@ private:
     void chooseReading();
     CString sourceError(const std::vector<CString>& names) const;
 
+    // Called whenever a control changes what would be imported.
     void updatePreview();
 
     PreviewPane* pane = nullptr;

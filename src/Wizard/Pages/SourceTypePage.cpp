@@ -43,6 +43,7 @@ QWidget* SourceTypePage::makePathGroup()
     return group;
 }
 
+// The importer before is freed with its types: the page begins another import.
 void SourceTypePage::OnSetActive()
 {
     wizard->message.reset();
@@ -50,6 +51,8 @@ void SourceTypePage::OnSetActive()
     OnClickSource();
 }
 
+// Any change of the selection comes here, and a click on the selected row, too. A path that differs from the one shown
+// was typed; it is kept for a moment, in case this is the first click of a double click.
 void SourceTypePage::OnClickSource()
 {
     wizard->message.reset();
@@ -75,6 +78,7 @@ void SourceTypePage::OnDblclkSource()
     sheet()->next();
 }
 
+// The confirmed path always ends with a backslash, as importers expect.
 LRESULT SourceTypePage::OnWizardNext()
 {
     objectPath = fromUi(pathEdit->text());

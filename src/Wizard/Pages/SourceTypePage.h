@@ -7,8 +7,9 @@
 class ListView;
 class QLineEdit;
 
-/// Chooses the importer and the base path of the types. The wizard's importer always belongs to the selected row; each
-/// time the page is shown, a new one is created.
+/// Chooses the importer and the base path of the types, and sets WizardRun::message and the path of the options. The
+/// importer always belongs to the selected row; each time the page is shown, a new one is created. Rows are those of
+/// the table of importers.
 class SourceTypePage : public QELPage
 {
 public:
@@ -27,7 +28,7 @@ private:
     ListView* importerList = nullptr;
     int importerCount = 0;
     QLineEdit* pathEdit = nullptr;
-    CString objectPath;
+    CString objectPath;       // the base path last shown or confirmed
     QString typedPath;        // the typed path that the last click has replaced
     QElapsedTimer sinceTyped; // time since that click; invalid if none has replaced a path
 };

@@ -37,6 +37,7 @@ DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const C
         passwordEdit->setFocus();
 }
 
+// Takes the password out of its field also if the user cancels, so that it is wiped.
 bool DataSourceLogon::ask(CString& user, CString& logon)
 {
     const bool confirmed = exec() == Accepted;

@@ -6,7 +6,7 @@
 
 class QLineEdit;
 
-/// Asks for the user and the password of a data source.
+/// Asks for the user and the password of a data source. The drivers don't ask themselves here, even if told to.
 class DataSourceLogon : public QDialog
 {
 public:
@@ -14,7 +14,8 @@ public:
     DataSourceLogon(QWidget* parent, const CString& source, const CString& reason, const CString& user);
 
     /// Shows the dialog. Returns true if the user confirms it; `user` is then the one typed, and `logon` the text for
-    /// CDatabase::Open(), which holds the password.
+    /// CDatabase::Open(), which holds the password and is to be wiped. Changes neither otherwise. The dialog keeps no
+    /// password.
     bool ask(CString& user, CString& logon);
 
 private:

@@ -11,6 +11,8 @@
 #include <unistd.h>
 #include <utility>
 
+// Settings have the names, types and sizes of registry values. A text that doesn't fit into a buffer of 260 bytes
+// counts as missing there, so texts that may be longer are read in another way.
 namespace {
 
 constexpr const char* kProgramKey = "SOFTWARE\\ZANTH\\QEL";
@@ -23,9 +25,10 @@ constexpr const char* kBrokersKey = "SOFTWARE\\ZANTH\\QEL\\Broker";
 constexpr std::size_t kMaxEntries = 15;
 constexpr std::size_t kMaxRead = 1'000; // entries; other programs may have stored more
 constexpr std::size_t kMaxPath = 260;   // bytes, the terminating zero included
-constexpr std::size_t kMaxName = 10;
+constexpr std::size_t kMaxName = 10;    // bytes, the terminating zero included
 constexpr unsigned int kDefaultPort = 7250;
 
+// Returns the current folder; empty if its name doesn't fit, or if the folder is gone.
 CString currentFolder()
 {
     std::array<char, kMaxPath> folder = {};
@@ -41,12 +44,15 @@ QELOptions::~QELOptions()
     wipe(pwd);
 }
 
+// Wiped first, because an assignment may leave the old text in its storage.
 void QELOptions::setPwd(const CString& password)
 {
     wipe(pwd);
     pwd = password;
 }
 
+// One transaction, so that the file is read once. Each AddUnique() puts its text in front: the user that runs the
+// program before those of earlier logons, and the configured server before recent ones.
 void QELOptions::getValues()
 {
     const SettingsTransaction together;
@@ -72,6 +78,7 @@ void QELOptions::getValues()
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "FolderLayout", layout);
     layout = std::clamp(layout, 0, static_cast<int>(FullMessage::Layout::byNamespace));
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "SourceSetLast", setLast);
+    // Read among all values, because getText() takes 259 bytes at most.
     for (const auto& [name, value] : reg.queryValues(HKEY_CURRENT_USER, kProgramKey))
         if (name == "SourceSet")
             setSourceSet(value.bytes.c_str());
@@ -109,12 +116,14 @@ void QELOptions::setSourceSet(const CString& text)
         sourceSet = text;
 }
 
+// The setting is only made once there are catalogues; then an empty text is stored, too, so that none are used.
 void QELOptions::setCatalogs(const CString& text)
 {
     if (text.size() <= kMaxSourceSet && (catalogs || !text.empty()))
         catalogs = text;
 }
 
+// The text of several sources is shown first if they were the last source, else second, where one key reaches it.
 CString QELOptions::fillInputFile(CComboBox& combo)
 {
     const CString newest = FillCombo(combo, inputFiles);
@@ -147,6 +156,7 @@ void QELOptions::fillResultList(CListBox& box) const
     box.addItems(lines);
 }
 
+// A line with a reason belongs to the failure before it, and is no type. Totals of 0 are left out.
 QString QELOptions::resultTotals() const
 {
     static constexpr std::pair<ResultKind, const char*> words[] = {
@@ -162,6 +172,7 @@ QString QELOptions::resultTotals() const
     return shownCount(types, "type", "types") + (parts.isEmpty() ? "" : ": ") + parts.join(", ");
 }
 
+// The search comes before the insertion, or it would find the new entry.
 void AddUnique(const CString& text, CStringList& list, int atHead)
 {
     const auto found = std::find(list.begin(), list.end(), text);
@@ -191,6 +202,7 @@ CString QueryTop(CStringList& list)
 
 void FillFromReg(CStringList& list, const char* key)
 {
+    // Ends at the first value that a registry would not return into buffers of these sizes.
     for (const auto& [name, value] : Registry().queryValues(HKEY_CURRENT_USER, key)) {
         if (name.size() >= kMaxName || value.bytes.size() > kMaxPath || list.size() >= kMaxRead)
             return;

@@ -20,20 +20,23 @@ using CListBox = QListWidget;
 /// 15 entries.
 void AddUnique(const CString& text, CStringList& list, int atHead);
 
-/// Inserts the entries before those of the combo box, selects the head entry and returns it; empty for an empty list.
+/// Inserts the entries before those of the combo box, selects the head entry and returns it; empty for an empty list,
+/// and then selects nothing.
 CString FillCombo(CComboBox& combo, CStringList& list);
 
 /// Returns the head entry; empty for an empty list.
 CString QueryTop(CStringList& list);
 
 /// Appends the values of a settings key. Stops at a name of more than 9 bytes, a text of more than 259, or 1,000
-/// entries.
+/// entries. Whatever the type of a value is, its bytes are the entry.
 void FillFromReg(CStringList& list, const char* key);
 
-/// Stores the entries as the values "a", "b", "c", … of a settings key. Its other values stay.
+/// Stores the entries as the values "a", "b", "c", … of a settings key. Its other values stay. A failure is not
+/// reported.
 void FlushToReg(Registry& reg, CStringList& list, const char* key);
 
-/// The user's choices that the pages share. getValues() loads the lasting ones, flushValues() stores them.
+/// The user's choices that the pages share. getValues() loads the lasting ones, flushValues() stores them. All is used
+/// in the window's thread, but a creation run adds its result lines in its own while the window waits.
 class QELOptions
 {
 public:
@@ -41,10 +44,11 @@ public:
     QELOptions();
     ~QELOptions();
 
-    /// Loads every setting. A missing one gets its default.
+    /// Loads every setting. A missing one gets its default. Call it once, on a new object: recent entries are appended.
     void getValues();
 
-    /// Stores all settings in one transaction. A failure is not reported.
+    /// Stores all settings in one transaction. A failure is not reported. Called when the user finishes the wizard,
+    /// never on Cancel.
     void flushValues();
 
     // The recent entries, newest first. Adding puts a text at the head. Filling fills a combo box and returns the entry
@@ -66,9 +70,12 @@ public:
     const std::vector<ResultKind>& queryResultKinds() const { return resultKinds; }
     QString resultTotals() const; ///< in words: "1,200 types: 1,198 created, 2 failed"
 
-    /// Returns the folder in which the program was started. The file pages return to it.
+    /// Returns the folder in which the program was started. The file pages return to it. Empty if its name has more
+    /// than 259 bytes.
     const CString& queryCWD() const { return cwd; }
 
+    // A flag is 0 or not. A row is that of the table of importers, a mode one of OutputPage::OutputMode. Folders may be
+    // empty, which means the start folder.
     int queryHideWelcome() const { return hideWelcome; }
     void setHideWelcome(int hide) { hideWelcome = hide; }
     const CString& queryInputFolder() const { return inputFolder; }
@@ -87,7 +94,8 @@ public:
     void setLayout(FullMessage::Layout wanted) { layout = static_cast<int>(wanted); }
 
     /// Sets the text of the file field for the last source of several files, or of a folder, and whether the last
-    /// source was one of this sort.
+    /// source was one of this sort. It is apart from the recent files, whose list ends at an entry of 260 bytes when it
+    /// is read. A longer text than kMaxSourceSet is ignored.
     static constexpr int kMaxSourceSet = 100'000; ///< bytes of the text
     void setSourceSet(const CString& text);
     void setSetLast(bool isLast) { setLast = isLast ? 1 : 0; }
@@ -129,8 +137,8 @@ private:
     CString sourceSet;
     std::optional<CString> catalogs; // nothing if there never were any
     int useTrustedLogon = 0;
-    CString pwd;
-    CString basePath;
+    CString pwd;      // wiped when it changes and at the end
+    CString basePath; // ends with a backslash once confirmed
     long editBack = 0;
     CStringList resultList;
     std::vector<ResultKind> resultKinds; // of its lines

@@ -7,8 +7,8 @@
 
 namespace {
 
-// Returns a word quoted for a shell. Between single quotes every character but that quote is literal:
-// https://pubs.opengroup.org/onlinepubs/9699919799/utilities/V3_chap02.html#tag_18_02
+// Returns a word quoted for a shell; one of harmless characters stays as it is. Between single quotes every character
+// but that quote is literal: https://pubs.opengroup.org/onlinepubs/9699919799/utilities/V3_chap02.html#tag_18_02
 CString quoted(const CString& word)
 {
     constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_./:@%+,=";
@@ -35,6 +35,8 @@ CString option(const char* name, const CString& value)
 
 } // namespace
 
+// The wizard's own choices that differ from the command's defaults become options. The wizard writes a document without
+// types, which the command refuses without --allow-empty.
 CString ScriptCommand::text(MsgBase& message) const
 {
     MsgUIDescriptor& importer = *message.queryDescriptor();

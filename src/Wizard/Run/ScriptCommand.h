@@ -7,7 +7,7 @@
 class MsgBase;
 
 /// The steps of the wizard since the importer was chosen, as a script needs them. The pages record them. Holds no
-/// password.
+/// password. A step that starts again assigns a new object, so nothing of a former import stays.
 struct ScriptCommand
 {
     CString source; ///< a file or folder by its absolute name, or a data source
@@ -22,9 +22,10 @@ struct ScriptCommand
     std::vector<CString> catalogs = {};       ///< given to a full reading
 
     /// Returns the command line of `typeforge-import` that does the same with an importer of the same kind, quoted for
-    /// a shell.
+    /// a shell. `message` is the importer after the import: it knows the choices of the full reading.
     CString text(MsgBase& message) const;
 };
 
-/// Returns a file's absolute name, which does not depend on the current folder.
+/// Returns a file's absolute name, which does not depend on the current folder. Links are not followed. The name is
+/// returned as it is if the current folder is gone.
 CString absoluteName(const CString& fileName);

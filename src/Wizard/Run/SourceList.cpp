@@ -8,6 +8,8 @@
 #include <memory>
 #include <system_error>
 
+// The field for one file also takes several, in the form that file dialogs use: "a.xsd" "b.xsd". A text that isn't
+// quite of this form is one name, so that no file name is out of reach.
 namespace {
 
 // Returns the quoted name at `position` and moves `position` past it; "" if there is none.

@@ -17,12 +17,14 @@
 
 namespace {
 
+// Bounds of what is read and shown of a source, whatever its size.
 constexpr qsizetype kMaxShown = 1 << 16; // bytes
 constexpr qsizetype kMaxLines = 200;
 constexpr qsizetype kMaxLine = 500; // characters; laying out longer lines would take long
 
-// Returns the text as the importers read it; "" if the bytes are not text. An incomplete character at the end is
-// dropped.
+// Returns the text as the importers read it; "" if the bytes are not text. A byte order mark decides first. Without
+// one, a zero byte means that it is no text. An incomplete character at the end is dropped, because it would make the
+// whole text Windows-1252.
 QString decoded(QByteArray bytes)
 {
     if (const auto encoding = QStringConverter::encodingForData(bytes))
@@ -56,6 +58,7 @@ QString inWords(const SourceFault& fault, const CString& source)
     return fault.line > 0 ? words + " (line " + QString::number(fault.line) + ")" : words;
 }
 
+// Returns the size of all files. A file whose size is unknown counts as empty.
 std::uint64_t sizeOf(const std::vector<CString>& files)
 {
     std::uint64_t size = 0;
@@ -67,7 +70,8 @@ std::uint64_t sizeOf(const std::vector<CString>& files)
     return size;
 }
 
-// Returns the files of a source; empty if one can't be read.
+// Returns the files of a source; empty if one can't be read. Pipes are not readable here, so that a preview doesn't
+// take their bytes from the import.
 std::vector<CString> readableFiles(const SourcePreview::Source& source)
 {
     std::vector<CString> files;
@@ -84,7 +88,8 @@ std::vector<CString> readableFiles(const SourcePreview::Source& source)
 
 } // namespace
 
-// Starts a new thread, which waits for the previous one to end first, so that only one works at a time.
+// Starts a new thread, which waits for the previous one to end first, so that only one works at a time. The thread owns
+// the one before. Typing a name starts many, each of which ends at its next poll of the stop token.
 void SourcePreview::start(const Source& source, bool isWanted)
 {
     drop();
@@ -100,7 +105,8 @@ void SourcePreview::start(const Source& source, bool isWanted)
     });
 }
 
-// This and all functions below run in the preview's thread.
+// This and all functions below run in the preview's thread. Beside a full reading, the literal one takes one file only.
+// Its counts are shown before the full reading begins.
 void SourcePreview::look(const Source& source, bool isWanted, const std::stop_token& dropped)
 {
     const std::vector<CString> files = readableFiles(source);
@@ -122,6 +128,8 @@ void SourcePreview::look(const Source& source, bool isWanted, const std::stop_to
     tell(dropped, [this, literal, full] { Q_EMIT counted(literal, full); });
 }
 
+// Imports the source for its numbers. BackgroundWork keeps the import from the process's progress handler, which is the
+// window's, and lets the stop token end it. The error handler keeps the first error instead of showing boxes.
 SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, const Source& source,
                                           const std::vector<CString>& files, const std::stop_token& dropped)
 {
@@ -152,7 +160,8 @@ SourcePreview::Count SourcePreview::count(std::unique_ptr<MsgBase> message, cons
     return count;
 }
 
-// Emits a signal in the window's thread, unless the preview has been dropped meanwhile.
+// Emits a signal in the window's thread, unless the preview has been dropped meanwhile. The token is checked there, in
+// the thread that drops a preview, so none is emitted afterwards.
 void SourcePreview::tell(const std::stop_token& dropped, std::function<void()> signal)
 {
     QMetaObject::invokeMethod(

@@ -10,16 +10,20 @@
 #include <thread>
 
 /// Previews a source before the import, in a background thread: its first lines, and the number of types and losses
-/// with each reading of its importer.
+/// with each reading of its importer. Create and use it in the window's thread, in which the signals come.
+///
+/// A new preview cancels the one before and waits for its end in its own thread, so the window never waits. The thread
+/// has importers of its own and shares nothing with the wizard's; it shows no messages.
 class SourcePreview : public QObject
 {
     Q_OBJECT
 
 public:
+    /// What to preview. Copied into the thread.
     struct Source
     {
-        MsgUIDescriptor* importer = nullptr;
-        std::vector<CString> names; ///< absolute names of files and folders
+        MsgUIDescriptor* importer = nullptr; ///< never null in start()
+        std::vector<CString> names;          ///< absolute names of files and folders
         CString basePath;
         std::vector<CString> catalogs = {}; ///< for the full reading, by absolute names
     };
@@ -32,7 +36,8 @@ public:
         std::size_t losses = 0;
         QString failure; ///< the first error; empty if there is none
 
-        /// Returns whether the import failed without types.
+        /// Returns whether the import failed without types. An importer can go on after an error, so an error alone is
+        /// no failure.
         bool fails() const { return types == 0 && !failure.isEmpty(); }
     };
 
@@ -40,6 +45,7 @@ public:
     static constexpr std::uint64_t kSmall = 50'000'000;
 
     /// Cancels the current preview and starts another. A source larger than kSmall is only counted if `isWanted`.
+    /// `source` needs an importer and at least one name.
     void start(const Source& source, bool isWanted = false);
 
     /// Cancels the current preview; emits no more signals for it.
@@ -50,10 +56,11 @@ Q_SIGNALS:
     /// if the source doesn't exist (`size` is 0 then). `isCounted` if counts follow.
     void begun(const QString& text, quint64 size, bool isCounted);
 
-    /// Emitted once for each reading, with the results so far.
+    /// Emitted once for each reading, with the results so far. A reading that was not possible stays unknown.
     void counted(const SourcePreview::Count& literal, const SourcePreview::Count& full);
 
 private:
+    // These run in the preview's thread.
     void look(const Source& source, bool isWanted, const std::stop_token& dropped);
     static Count count(std::unique_ptr<MsgBase> message, const Source& source, const std::vector<CString>& files,
                        const std::stop_token& dropped);

@@ -20,7 +20,8 @@
 
 namespace {
 
-// Returns the driver's error with the name of the data source, which drivers often omit.
+// Returns the driver's error with the name of the data source, which drivers often omit. Only our own words for it
+// count as naming: the driver's own prefix, "[SQLite]", can be the data source's name by chance.
 CString openErrorText(const CString& source, const CString& words)
 {
     const bool isNamed = words.find("data source " + source) != CString::npos ||
@@ -42,6 +43,7 @@ CString WizardRun::setCurrentFolder(WhichFolder which)
     return fillText(loadText(IDS_CURRENT_FOLDER), folder);
 }
 
+// The names are stored as given, relative to the input folder, but absolute in `script`, which is used elsewhere.
 bool WizardRun::importSources(const std::vector<CString>& names)
 {
     setCurrentFolder(folderInput);
@@ -62,7 +64,8 @@ bool WizardRun::importSources(const std::vector<CString>& names)
     return true;
 }
 
-// Runs in the thread of the long work.
+// Runs in the thread of the long work. The window shows a page meanwhile that reads neither the importer nor the
+// members set here.
 int WizardRun::readSources()
 {
     std::vector<CString> files = sources;
@@ -82,6 +85,8 @@ int WizardRun::readSources()
     return isRead;
 }
 
+// Each refused logon asks again, with the driver's reason and the user typed before. Any other failure ends the loop,
+// since another logon wouldn't help. The password is wiped when the text goes out of scope.
 bool WizardRun::openDatabase()
 {
     database.reset(); // closed first, because a source may allow only one connection

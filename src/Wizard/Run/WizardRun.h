@@ -13,7 +13,8 @@
 
 class WizardSheet;
 
-/// The state of one run of the wizard, shared by its pages, and the steps that several pages take.
+/// The state of one run of the wizard, shared by its pages, and the steps that several pages take. Pages reach it as
+/// QELPage::wizard. It is used in the window's thread, and by long work while the window waits for that.
 class WizardRun : public MainWindow
 {
 public:
@@ -27,27 +28,30 @@ public:
     /// `sheet` runs long work.
     explicit WizardRun(WizardSheet& sheet) : sheet(sheet) {}
 
-    /// Changes the process's current folder; an empty name means the start folder. Returns the text that shows the
-    /// folder. If the folder doesn't exist, changes nothing and returns the start folder's text.
+    /// Changes the process's current folder; an empty name means the start folder. Names without a path are then those
+    /// of this folder. Returns the text that shows the folder. If the folder doesn't exist, changes nothing and returns
+    /// the start folder's text.
     CString setCurrentFolder(WhichFolder which);
 
     /// Runs the importer on a file, or on several files and folders as one source; a bare name is looked up in the
     /// input folder. A full reading uses the layout of the options. Returns false on failure, which the user has been
-    /// shown. Throws Cancelled.
+    /// shown. Throws Cancelled. Leaves the current folder at the start folder after success, else at the input folder,
+    /// which the page shows. Starts `script` anew. `names` must not be empty.
     bool importSources(const std::vector<CString>& names);
 
-    /// Runs the last import again.
+    /// Runs the last import again, by the current importer. Passes a copy of the names, since they are stored anew.
     bool importAgain() { return importSources(std::vector<CString>(sources)); }
 
     /// Opens the data source in `script`. Asks for user and password until they are accepted. Returns false if it can't
-    /// be opened, after showing why, or if the user gives up. Throws CDBException and Cancelled.
+    /// be opened, after showing why, or if the user gives up. Throws std::runtime_error with the driver's reason, and
+    /// Cancelled. The connection before is closed first, also if the new one fails.
     bool openDatabase();
 
-    /// Returns the importer if it reads its source in full, else null.
+    /// Returns the importer if it reads its source in full, else null. It is the object of `message`.
     FullMessage* fullMessage() const;
 
     /// Returns the constructs of a file that only the full reading supports, in words. Empty if there are none, there
-    /// is no such reading, or it is the current one.
+    /// is no such reading, or it is the current one. Reads the file.
     CString unsupportedByLiteral(const CString& fileName) const;
 
     /// Takes files and folders as the source: chooses the importer of the first one and shows the input page with their
@@ -64,6 +68,7 @@ public:
     QFont titleFont;                     ///< of the large texts on the first and the last page
 
 private:
+    // Returns what MsgBase::parseFile() does. Sets unsupportedConstructs.
     int readSources();
 
     WizardSheet& sheet;

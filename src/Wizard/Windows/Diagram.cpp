@@ -15,6 +15,8 @@
 #include <stdexcept>
 #include <utility>
 
+// A diagram is made in three steps: measure the boxes with Qt's fonts, let Graphviz place boxes of these sizes and
+// route the arrows, and draw both with Qt. So it needs no fonts of Graphviz, and the same code draws screen and files.
 namespace {
 
 constexpr double kPadding = 8;
@@ -39,6 +41,7 @@ std::vector<TypeGraph::Arrow> takeUnrouted(TypeGraph& graph)
     return unrouted;
 }
 
+// Returns a colour between two. All colours are made of the palette's, so they suit dark and light backgrounds.
 QColor mix(const QColor& a, const QColor& b, int percentOfB)
 {
     const auto channel = [percentOfB](int x, int y) { return x + (y - x) * percentOfB / 100; };
@@ -58,6 +61,7 @@ protected:
 
 } // namespace
 
+// By the font's description, because a copy would share its data.
 Diagram::Fonts::Fonts(const QFont& like)
 {
     text.fromString(like.toString());
@@ -65,6 +69,7 @@ Diagram::Fonts::Fonts(const QFont& like)
     title.setBold(true);
 }
 
+// Graphviz gets all boxes, but not the unrouted arrows, which become curves between the boxes that it has placed.
 Diagram::Diagram(const TypeGraph& graph, const QPalette& palette, const QFont& textFont) :
     fonts(textFont), base(palette.color(QPalette::Base)), text(palette.color(QPalette::Text)),
     quiet(mix(base, text, 70)), frame(mix(base, text, 50)), head(mix(base, palette.color(QPalette::Highlight), 30)),
@@ -117,6 +122,8 @@ Diagram::Box Diagram::measure(const TypeGraph::Box& box) const
     return measured;
 }
 
+// Adds a curve from the right end of a row to the title of a box. Row 0 of the arrow is the one below the title. It
+// leaves and arrives horizontally, and bends the more the farther the boxes are apart.
 void Diagram::addPlainArrow(const TypeGraph::Arrow& arrow)
 {
     constexpr double headLength = 10;
@@ -129,6 +136,8 @@ void Diagram::addPlainArrow(const TypeGraph::Arrow& arrow)
     arrows.push_back({path, tip});
 }
 
+// Only draws the rows in `exposed`: a box can be much larger than the window. The frame of a chosen box is at least two
+// pixels broad at any scale.
 void Diagram::drawBox(QPainter& painter, const Box& box, const Fonts& own, const QRectF& exposed, double scale,
                       bool isChosen) const
 {
@@ -152,6 +161,7 @@ void Diagram::drawBox(QPainter& painter, const Box& box, const Fonts& own, const
     painter.drawLine(box.area.topLeft() + QPointF(0, rowHeight), box.area.topRight() + QPointF(0, rowHeight));
 }
 
+// Draws a row, at a small scale as a bar of about the name's length.
 void Diagram::drawRow(QPainter& painter, const Row& row, const QRectF& place, double scale) const
 {
     const QRectF inner = place.adjusted(kPadding, 0, -kPadding, 0);
@@ -169,6 +179,7 @@ void Diagram::drawRow(QPainter& painter, const Row& row, const QRectF& place, do
         painter.drawText(QPointF(inner.right() - row.typeWidth, line0), row.type);
 }
 
+// The head is a triangle on the last piece of the arrow, from the end of the line to the tip.
 void Diagram::drawArrow(QPainter& painter, std::size_t number) const
 {
     const auto& [path, tip] = arrows[number];
@@ -185,6 +196,7 @@ void Diagram::drawArrow(QPainter& painter, std::size_t number) const
     painter.drawPolygon(QPolygonF({tip, point.p1() + side, point.p1() - side}));
 }
 
+// Arrows come first, so that boxes lie over them, as on the screen.
 void Diagram::draw(QPainter& painter) const
 {
     const Fonts own(fonts.text);
@@ -199,6 +211,7 @@ void Diagram::draw(QPainter& painter) const
     }
 }
 
+// The limit of pixels keeps the picture's memory below 400 MB.
 QSize pngSize(const Diagram& diagram, double& scale)
 {
     constexpr double kLargest = 100e6; // pixels of 4 bytes
@@ -212,6 +225,7 @@ QByteArray drawPng(const Diagram& diagram)
 {
     double scale = 1;
     QImage image(pngSize(diagram, scale), QImage::Format_RGB32);
+    // QImage is null if its memory can't be allocated.
     if (image.isNull())
         throw std::runtime_error("There is too little memory for the picture; save it as SVG.");
     QPainter painter(&image);
@@ -222,6 +236,7 @@ QByteArray drawPng(const Diagram& diagram)
     WantedBuffer bytes;
     bytes.open(QIODevice::WriteOnly);
     image.save(&bytes, "PNG");
+    // save() ends early without an error of its own, because the buffer refuses to write.
     throwIfCancelled();
     return bytes.data();
 }

@@ -17,19 +17,23 @@ class QPainter;
 
 /// The picture of a graph of types: boxes with a title and a row for each part, and arrows between them, in the colours
 /// of a palette. It doesn't change after construction. drawBox() and drawArrow() may only be called in the window's
-/// thread, draw() in any thread.
+/// thread, draw() in any thread. A picture on the screen and its file show the same, so both draw from the same object.
 class Diagram
 {
 public:
-    /// Lays the graph out, which takes a second for some hundred boxes. Empty if Graphviz fails.
+    /// Lays the graph out, which takes a second for some hundred boxes. Empty if Graphviz fails. May run in any thread,
+    /// but only one at a time, as layOutGraph(). The first box is the one that the picture is about, and boxes must be
+    /// sorted by their distance from it, as TypeStructure::reach() returns them.
     Diagram(const TypeGraph& graph, const QPalette& palette, const QFont& font);
 
     bool isEmpty() const { return boxes.empty(); }
 
-    /// Returns the area of the whole picture, with a margin.
+    /// Returns the area of the whole picture, with a margin. The unit is the point of GraphLayout, which is a pixel at
+    /// the scale 1.
     const QRectF& queryArea() const { return area; }
 
-    /// Return the numbers and areas of boxes and arrows, and the type that a box shows, by its number.
+    /// Return the numbers and areas of boxes and arrows, and the type that a box shows, by its number. The area of an
+    /// arrow has room for its head.
     std::size_t boxCount() const { return boxes.size(); }
     std::size_t arrowCount() const { return arrows.size(); }
     const QRectF& areaOf(std::size_t box) const { return boxes[box].area; }
@@ -45,7 +49,7 @@ public:
 
     void drawArrow(QPainter& painter, std::size_t arrow) const;
 
-    /// Draws everything for a file, with all texts. Reports progress. Throws Cancelled.
+    /// Draws everything for a file, with all texts. Reports progress. Throws Cancelled. Has fonts of its own.
     void draw(QPainter& painter) const;
 
 private:
@@ -73,6 +77,7 @@ private:
         std::vector<Row> rows; // the first is the title
     };
 
+    // Box sizes depend on fonts, so they are measured before Graphviz places the boxes.
     Box measure(const TypeGraph::Box& box) const;
     void addPlainArrow(const TypeGraph::Arrow& arrow);
     void drawBox(QPainter& painter, const Box& box, const Fonts& fonts, const QRectF& exposed, double scale,
@@ -80,10 +85,11 @@ private:
     void drawRow(QPainter& painter, const Row& row, const QRectF& place, double scale) const;
 
     Fonts fonts;
+    // Of boxes and their names, types of rows, frames, titles, arrows, and the frame of a chosen box.
     QColor base, text, quiet, frame, head, line, chosen;
-    double rowHeight;
+    double rowHeight; // the same for all rows, titles included
     std::vector<Box> boxes;
-    std::vector<GraphLayout::Arrow> arrows;
+    std::vector<GraphLayout::Arrow> arrows; // in no particular order
     QRectF area;
 };
 
@@ -95,6 +101,6 @@ constexpr int kMaxPixels = 16000;
 QSize pngSize(const Diagram& diagram, double& scale);
 
 /// Return a diagram as a file. May run in any thread. Report progress. Throw Cancelled; drawPng() also throws
-/// std::runtime_error without memory for the picture.
+/// std::runtime_error without memory for the picture. The diagram must not be empty.
 QByteArray drawPng(const Diagram& diagram);
 QByteArray drawSvg(const Diagram& diagram, const QString& title);

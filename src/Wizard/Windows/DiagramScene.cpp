@@ -20,6 +20,7 @@ public:
         setZValue(1);                         // above the arrows
     }
 
+    // With room for the broad frame of a chosen box.
     QRectF boundingRect() const override { return scene.queryDiagram().areaOf(box).adjusted(-4, -4, 4, 4); }
 
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) override
@@ -33,6 +34,7 @@ private:
     std::size_t box;
 };
 
+// The items are owned by the scene, which also keeps their diagram alive.
 class ArrowItem : public QGraphicsItem
 {
 public:
@@ -61,6 +63,7 @@ DiagramScene::DiagramScene(std::shared_ptr<const Diagram> drawn, const QColor& g
     setSceneRect(diagram->queryArea());
 }
 
+// Both boxes are drawn again, for the frame.
 void DiagramScene::choose(std::size_t box)
 {
     boxes[chosen]->update();

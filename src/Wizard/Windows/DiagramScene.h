@@ -9,16 +9,19 @@
 
 class Diagram;
 
-/// The items of a diagram, with a chosen box.
+/// The items of a diagram, with a chosen box. One item for each box and arrow, so that Qt only draws those in view. The
+/// scene owns the items and shares the diagram, which the items refer to.
 class DiagramScene : public QGraphicsScene
 {
 public:
+    /// The diagram must not be empty; `ground` is the colour between the boxes.
     explicit DiagramScene(std::shared_ptr<const Diagram> diagram, const QColor& ground);
 
     const Diagram& queryDiagram() const { return *diagram; }
 
     /// Returns the chosen box; at first box 0.
     std::size_t queryChosen() const { return chosen; }
+    /// Marks another box as the chosen one.
     void choose(std::size_t box);
 
     /// Returns the box at a point, if any.
@@ -29,6 +32,6 @@ public:
 
 private:
     std::shared_ptr<const Diagram> diagram;
-    std::vector<QGraphicsItem*> boxes;
+    std::vector<QGraphicsItem*> boxes; // by number; the scene owns them
     std::size_t chosen = 0;
 };

@@ -14,10 +14,13 @@
 #include <utility>
 
 namespace {
+// Scales of the picture: one step of the wheel or a key, the limits of zooming, and the scale below which a picture
+// opens at its own size instead of whole, because its texts could not be read.
 constexpr double kStep = 1.25;
 constexpr double kSmallest = 0.02;
 constexpr double kLargest = 8;
 constexpr double kLegible = 0.45;
+// Pixels left free above and beside the first box.
 constexpr double kMargin = 20;
 } // namespace
 
@@ -76,6 +79,7 @@ void DiagramView::showOwnSize()
     resetTransform();
 }
 
+// A notch of a wheel is 120 units; a touch pad reports parts of it.
 void DiagramView::wheelEvent(QWheelEvent* event)
 {
     setTransformationAnchor(AnchorUnderMouse);
@@ -152,6 +156,8 @@ void DiagramView::resizeEvent(QResizeEvent* event)
     fit();
 }
 
+// Fits the picture into the window again, as long as the user has not zoomed. A picture that opens stays "opening"
+// until then, because the window gets its size only after showDiagram(): it starts at its first box if it is too large.
 void DiagramView::fit()
 {
     if (!diagramScene)

@@ -10,7 +10,8 @@ class DiagramScene;
 
 /// A view of a diagram. The wheel, + and - zoom; 0 shows the whole picture, 1 its own size. Dragging, arrows, Page Up
 /// and Page Down move it; Home and End go to its left and right end. A click chooses a box, a double click enters it.
-/// Ctrl and an arrow choose the next box in that direction, Return enters it.
+/// Ctrl and an arrow choose the next box in that direction, Return enters it. What entering means is up to the signal's
+/// receiver.
 class DiagramView : public QGraphicsView
 {
     Q_OBJECT
@@ -22,7 +23,7 @@ public:
     /// own size at the first box. Shows nothing if the diagram is empty.
     void showDiagram(std::shared_ptr<const Diagram> diagram);
 
-    /// Scales the picture by a factor, within limits.
+    /// Scales the picture by a factor, within limits. The centre of the view stays.
     void zoom(double factor);
 
     /// Show the whole picture, at most at its own size, or the picture at its own size.
@@ -43,12 +44,14 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    // Zooms about the current anchor, and ends fitting.
     void scaleBy(double factor);
+    // Adapts the picture to the window's size, unless the user has zoomed.
     void fit();
     void choose(std::size_t box);
 
     DiagramScene* diagramScene = nullptr; // null if there is no picture
-    QPoint pressed;
-    bool opens = true; // true until the first zoom
-    bool fits = true;  // keep the whole picture visible when the window is resized
+    QPoint pressed;                       // where a button of the mouse went down; far away after a double click
+    bool opens = true;                    // true until the first zoom
+    bool fits = true;                     // keep the whole picture visible when the window is resized
 };

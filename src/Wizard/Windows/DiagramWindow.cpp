@@ -24,6 +24,8 @@
 
 namespace {
 
+// Graphviz's time grows faster than the number of types, so a picture has at most kMaxTypes. A picture of all types
+// that a type reaches is only suggested if they are few enough to be looked at.
 constexpr std::size_t kMaxTypes = 200;
 constexpr std::size_t kManyTypes = 60; // more are only shown on request
 constexpr std::size_t kMaxRows = 40;
@@ -125,7 +127,9 @@ QWidget* DiagramWindow::makeButtons()
     return both;
 }
 
-// Returns false if the work was cancelled.
+// Returns false if the work was cancelled. The row of buttons is replaced by one with the progress, also in a window
+// that is not yet shown: the user then sees what is waited for. Only Cancel has input; the focus returns to where it
+// was, not always to the picture, because the work may have been started from a list.
 bool DiagramWindow::runLong(const std::function<void()>& call)
 {
     LongWork longWork(*cancelButton);
@@ -156,6 +160,7 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
     return true;
 }
 
+// With many types, the first picture has only the neighbours, in both directions; the user can go on from there.
 void DiagramWindow::open(std::uint32_t type)
 {
     bool isComplete = true;
@@ -170,6 +175,8 @@ void DiagramWindow::open(std::uint32_t type)
         close();
 }
 
+// Collects the types here and only lays them out in the work's thread, since a structure belongs to one thread. Members
+// are set when the picture is complete, so that a cancelled one leaves no trace.
 bool DiagramWindow::draw(std::uint32_t type)
 {
     if (!areTypesThere())
@@ -185,6 +192,7 @@ bool DiagramWindow::draw(std::uint32_t type)
     const bool isDone = runLong([&, tones = palette(), letters = font()] {
         beginWork(Work::arranging);
         drawn = std::make_shared<const Diagram>(graph, tones, letters);
+        // Graphviz can't be interrupted, so a cancelled layout is dropped at its end.
         throwIfCancelled();
     });
     if (!isDone)
@@ -221,6 +229,7 @@ void DiagramWindow::redraw()
     depth->setCurrentIndex(shownDepth);
 }
 
+// Continues from another type. The list of earlier types grows only if that is shown.
 void DiagramWindow::goTo(std::size_t box)
 {
     const std::uint32_t type = diagram->typeOf(box);
@@ -247,6 +256,7 @@ void DiagramWindow::choose(std::size_t box)
         Q_EMIT typeChosen(diagram->typeOf(box));
 }
 
+// Returns whether the structure still exists; if not, disables what needs it and says why.
 bool DiagramWindow::areTypesThere()
 {
     if (!structure.expired())
@@ -257,6 +267,8 @@ bool DiagramWindow::areTypesThere()
     return false;
 }
 
+// SvgWanted starts the dialog again, because a file of another type needs another name. The exception leaves the file
+// that was chosen first as it was.
 void DiagramWindow::save()
 {
     CString fileName;
@@ -285,7 +297,8 @@ CString DiagramWindow::save(bool isSvgOnly)
                                [this](const CString& chosen) { return bytesFor(chosen); });
 }
 
-// Returns the bytes of the file. Throws Cancelled and SvgWanted.
+// Returns the bytes of the file. Throws Cancelled and SvgWanted. The suffix decides, because the dialog gives each file
+// type its own.
 CString DiagramWindow::bytesFor(const CString& fileName)
 {
     const bool isPng = toUi(fileName).endsWith(".png", Qt::CaseInsensitive);

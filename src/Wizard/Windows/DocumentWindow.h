@@ -13,7 +13,8 @@ class QLineEdit;
 class QPlainTextEdit;
 
 /// A window that shows the document of a type, indented and coloured, or a report as it is, to read, search, copy and
-/// save. It stays open beside the wizard until it or its owner is closed.
+/// save. It stays open beside the wizard until it or its owner is closed, and then destroys itself. It has copies of
+/// all texts, so it doesn't need the types.
 class DocumentWindow : public QWidget
 {
 public:
@@ -24,6 +25,7 @@ public:
     };
 
     /// `document` and `name` are a type's, or a report's. `note` explains why the window appeared; empty for nothing.
+    /// The caller shows the window. What is saved is `document`, not the indented text.
     DocumentWindow(QWidget* owner, const CString& name, const CString& document, const QString& note,
                    Kind kind = ofType);
 
@@ -36,11 +38,11 @@ private:
     void save();
 
     CString name;
-    CString document;
+    CString document; // as it is saved
     Kind kind;
-    QString shown;
-    qsizetype filled = 0; // length of the part of `shown` that is in the window
-    QTimer filling;
+    QString shown;                    // the whole text of the window
+    qsizetype filled = 0;             // length of the part of `shown` that is in the window
+    QTimer filling;                   // active until the whole text is in the window
     std::optional<bool> wantedSearch; // direction of a search that waits for the whole text; true: backward
     QPlainTextEdit* text;
     QLineEdit* findEdit;

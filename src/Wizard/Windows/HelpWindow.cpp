@@ -13,7 +13,7 @@
 #include <iterator>
 
 namespace {
-// By topic number; other numbers get the first page.
+// By topic number; other numbers get the first page. They are the names of the files in the resources, /help/NAME.html.
 constexpr const char* kPages[] = {"index",  "welcome", "results", "datasource", "tables",    "types",
                                   "finish", "login",   "output",  "outputfile", "inputfile", "importer"};
 
@@ -24,6 +24,7 @@ QUrl pageOf(int topic)
 }
 } // namespace
 
+// Back and Forward are those of the browser, which keeps the pages visited.
 HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser(new QTextBrowser)
 {
     setObjectName("helpWindow");
@@ -66,6 +67,7 @@ void HelpWindow::showTopic(int topic)
     browser->setFocus();
 }
 
+// A closed window is only hidden, so it is found again with its size and the pages visited.
 void showHelp(QWidget* owner, int topic)
 {
     auto* window = dynamic_cast<HelpWindow*>(owner->findChild<QWidget*>("helpWindow", Qt::FindDirectChildrenOnly));

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+// Only commit() touches an existing file, so a failure or an exception before leaves it as it was.
 CString saveUnderChosenName(QWidget& owner, const CString& title, const std::vector<FileFilter>& filters,
                             CString suggested, const std::function<CString(const CString& fileName)>& bytes)
 {

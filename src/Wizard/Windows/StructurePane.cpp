@@ -18,6 +18,7 @@ StructurePane::StructurePane() : tree(new TypeTreeModel(this))
     connect(this, &QTreeView::doubleClicked, this, &StructurePane::jump);
 }
 
+// Few users are shown at once; many would push the fields out of sight.
 void StructurePane::showType(const TypeStructure* structure, std::uint32_t type)
 {
     constexpr std::size_t kFewUsers = 20;
@@ -37,6 +38,7 @@ void StructurePane::keyPressEvent(QKeyEvent* event)
         QTreeView::keyPressEvent(event);
 }
 
+// A row that leads to no type opens or closes instead.
 void StructurePane::jump(const QModelIndex& index)
 {
     const std::uint32_t target = tree->targetOf(index);

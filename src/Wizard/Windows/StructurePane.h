@@ -7,7 +7,8 @@
 class TypeStructure;
 class TypeTreeModel;
 
-/// The structure of the selected type, as a tree beside the list of types.
+/// The structure of the selected type, as a tree beside the list of types. It refers to the structure and must be
+/// emptied before that is freed.
 class StructurePane : public QTreeView
 {
     Q_OBJECT
@@ -27,6 +28,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    // Follows a row to its type, or opens or closes it if it leads to none.
     void jump(const QModelIndex& index);
 
     TypeTreeModel* tree;

@@ -9,6 +9,8 @@
 
 #include <vector>
 
+// A row of the tree. Qt's indexes point to nodes, so a node must not move: the children of a node are in one block,
+// reserved in full before the first. An allocation for each would be slow for a type with 100,000 fields.
 struct TypeTreeModel::Node
 {
     enum class Below
@@ -30,6 +32,7 @@ struct TypeTreeModel::Node
     bool isFetched = false;
     std::vector<Node> children; // reserved in full before the first, because they refer to each other
 
+    // Appends a child in the room that was reserved.
     Node& add()
     {
         Node& child = children.emplace_back();
@@ -38,7 +41,8 @@ struct TypeTreeModel::Node
         return child;
     }
 
-    // Makes the row expandable to the parts or users of a type, unless that type is an ancestor already.
+    // Makes the row expandable to the parts or users of a type, unless that type is an ancestor already. There are as
+    // many ancestors as the user has opened rows above.
     void openTo(std::uint32_t opened, Below wanted)
     {
         for (const Node* above = parent; above; above = above->parent)
@@ -83,6 +87,7 @@ TypeTreeModel::TypeTreeModel(QObject* parent) : QAbstractItemModel(parent), root
 
 TypeTreeModel::~TypeTreeModel() = default;
 
+// The root is not a row. Its children are the parts of the type, and a last row for the users.
 void TypeTreeModel::setType(const TypeStructure* newStructure, std::uint32_t type)
 {
     beginResetModel();
@@ -98,6 +103,8 @@ void TypeTreeModel::setType(const TypeStructure* newStructure, std::uint32_t typ
     endResetModel();
 }
 
+// The mark is that of the type that the document names, a table for example; the text and the jump go through tables to
+// what they hold.
 void TypeTreeModel::addParts(Node& node) const
 {
     for (const TypePart& part : structure->parts(node.held)) {
@@ -127,6 +134,7 @@ void TypeTreeModel::addUsersNode(Node& node) const
     users.held = node.held;
 }
 
+// Users are direct: a table among them is a row of its own, with the users of the table below.
 void TypeTreeModel::addUsers(Node& node) const
 {
     for (const std::uint32_t user : structure->users(node.held)) {
@@ -173,6 +181,7 @@ int TypeTreeModel::columnCount(const QModelIndex&) const
     return 2;
 }
 
+// True before the children are made, so that the row can be opened.
 bool TypeTreeModel::hasChildren(const QModelIndex& parent) const
 {
     return parent.column() <= 0 && (nodeOf(parent).below != Node::Below::nothing || !nodeOf(parent).children.empty());
@@ -184,6 +193,7 @@ bool TypeTreeModel::canFetchMore(const QModelIndex& parent) const
     return node.below != Node::Below::nothing && !node.isFetched;
 }
 
+// The view calls it when a row is opened. The number of children is announced before they are made.
 void TypeTreeModel::fetchMore(const QModelIndex& parent)
 {
     Node& node = nodeOf(parent);

@@ -11,14 +11,15 @@ class TypeStructure;
 
 /// The structure of one type as a tree of two columns: its fields, constants or component with their types, then the
 /// types that use it. Children are created when a row is expanded. A type inside itself is marked and can't be
-/// expanded.
+/// expanded. Types refer to each other in circles, so a tree of all rows would have no end.
 class TypeTreeModel : public QAbstractItemModel
 {
 public:
     explicit TypeTreeModel(QObject* parent);
     ~TypeTreeModel() override;
 
-    /// Shows a type by its number in `newStructure`, which must live until the next call; null shows nothing.
+    /// Shows a type by its number in `newStructure`, which must live until the next call; null shows nothing. Drops all
+    /// rows.
     void setType(const TypeStructure* newStructure, std::uint32_t type);
 
     /// Returns the number of the type that a row leads to, TypeStructure::kNone if none.
@@ -35,13 +36,15 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
+    // A row; QModelIndex::internalPointer() points to it.
     struct Node;
 
     Node& nodeOf(const QModelIndex& index) const;
+    // Add children to a node, which has reserved room for them.
     void addParts(Node& node) const;
     void addUsers(Node& node) const;
     void addUsersNode(Node& node) const;
 
     const TypeStructure* structure = nullptr;
-    std::unique_ptr<Node> root;
+    std::unique_ptr<Node> root; // not a row itself; never null
 };

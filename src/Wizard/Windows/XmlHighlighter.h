@@ -5,7 +5,8 @@
 
 class QPalette;
 
-/// Colours tags, attribute names and values of XML with one tag on a line. The colours suit the palette's background.
+/// Colours tags, attribute names and values of XML with one tag on a line. The colours suit the palette's background. A
+/// child of `document`, which colours each line when it is inserted.
 class XmlHighlighter : public QSyntaxHighlighter
 {
 public:
