@@ -24,6 +24,7 @@ struct ResultLine
     ResultKind kind;
 };
 
+// `unchanged` has no row: its line depends on the options (recordOutcome).
 constexpr ResultLine kResultLines[] = {
     {CreatedType::created, IDS_CREATED, ResultKind::created},
     {CreatedType::replaced, IDS_MODIFIED, ResultKind::modified},
@@ -33,6 +34,7 @@ constexpr ResultLine kResultLines[] = {
 
 const ResultLine& resultLineOf(unsigned code)
 {
+    // A client may return any code; an unknown one gives an empty line.
     static constexpr ResultLine unknown{0, 0, ResultKind::unknown};
     const auto* line = std::find_if(std::begin(kResultLines), std::end(kResultLines),
                                     [code](const ResultLine& row) { return row.code == code; });

@@ -26,7 +26,8 @@ std::vector<CString> valuesOf(std::string_view connection, std::string_view name
 CString withoutBraces(std::string_view value);
 
 /// Returns an entry of an ODBC file, "odbc.ini" or "odbcinst.ini"; empty if it is missing. Cut at 1,023 bytes. Looks in
-/// the file of the user and in that of the system (SQLSetConfigMode).
+/// the file of the user and in that of the system (SQLSetConfigMode). unixODBC caches entries, so a change of the file
+/// may be seen late.
 CString profileText(const CString& section, const char* entry, const char* file);
 
 /// Returns a setting of a source: from the connection string, else from the file or data source that it names; empty if

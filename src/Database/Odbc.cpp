@@ -98,6 +98,7 @@ bool CDatabase::connect(const CString& connection, Access access, const TlsAttem
     putNumber(request.text, access == readOnly);
     putNumber(request.text, static_cast<std::int32_t>(loginTimeout.count()));
     // The attributes for TLS come last, where they override earlier ones.
+    // The sum is moved into the Secret, which wipes it.
     putText(request.text, Secret(connection + attempt.attributes).text);
     process = std::make_unique<DriverProcess>(dataSourceOf(connection));
     try {

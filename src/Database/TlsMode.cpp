@@ -122,6 +122,7 @@ bool TlsAttempt::mayHelp(const CDBException& error) const
 std::vector<TlsAttempt> tlsAttempts(const CString& connection)
 {
     const Driver driver = driverOf(connection);
+    // An attempt without attributes leaves TLS to the driver.
     if (driver == Driver::local)
         return {{""}};
     const bool isSupported = driver == Driver::postgres || driver == Driver::mariaDb;

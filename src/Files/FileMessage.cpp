@@ -15,7 +15,8 @@ struct CauseRow
     FileCause cause;
 };
 
-// The first error of a cause stands for it in words.
+// Each errno value has one cause, and a cause has one or more values. The first value of a cause stands for it in
+// words.
 constexpr CauseRow kCauses[] = {{ENOENT, FileCause::fileNotFound},      {ENOTDIR, FileCause::badPath},
                                 {ENAMETOOLONG, FileCause::badPath},     {ELOOP, FileCause::badPath},
                                 {EMFILE, FileCause::tooManyOpenFiles},  {ENFILE, FileCause::tooManyOpenFiles},

@@ -431,6 +431,7 @@ std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandle
         std::optional<IXMLDOMParseError> error;
         if (!file.queryError())
             error = Parse(file, handler).run();
+        // Before the parser's error, which would only say that the document ends too early.
         if (const int failure = file.queryError())
             return IXMLDOMParseError{inWords(failure), 0, 0, failure};
         return error;

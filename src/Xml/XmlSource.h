@@ -8,7 +8,7 @@
 #include <string_view>
 
 /// The bytes of a document: of a text, or of a file, which is read in larger pieces than libxml2 asks for. libxml2 asks
-/// for 4 kB at a time, each of which would be a call of the system.
+/// for 4,000 bytes at a time, each of which would be a call of the system.
 class XmlSource
 {
 public:

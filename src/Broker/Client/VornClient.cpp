@@ -76,6 +76,7 @@ NamedDocument named(const char* document)
     return {queryTypeName(document).value_or(""), document};
 }
 
+// Creates types, or says what a creation would do, as its storage decides.
 class Creation final : public ClientObject<IVornCreation>
 {
 public:
@@ -143,7 +144,8 @@ private:
     std::vector<const char*> pointers;
 };
 
-// A repository. One for reading has a reader and no store; its IVornCreation stores nothing.
+// A repository. One for reading has a reader and no store; its IVornCreation stores nothing. The database is null only
+// for reading, if there is no repository yet.
 class Repository final : public ClientObject<IVornRepository>
 {
 public:
@@ -238,6 +240,7 @@ public:
     }
 
 private:
+    // Returns `failed`, with a description, if the server refuses the user. Throws for any other reason.
     VornResult connect(const CString& logon, IVornConnection** connection)
     {
         if (!address)
