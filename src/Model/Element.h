@@ -79,7 +79,8 @@ public:
     const CString& queryName() const { return name->text; }
     const CString& queryDescription() const;
 
-    /// Returns the description without storing a generated one. Valid until the element's name or description changes.
+    /// Returns the description without storing a generated one: name and suffix as two views, valid as long as the
+    /// model.
     TextPieces queryDescriptionPieces() const;
     const CString& queryBaseName() const { return baseName().text; }
     const CString& queryKnownType() const;
@@ -90,6 +91,8 @@ public:
     const ElementList& queryChildren() const { return children; }
     const ElementList& queryParents() const { return parents; }
 
+    /// Set a property. setType() changes nothing else, so the caller must keep children and known type in line with the
+    /// kind. Texts become names of the pool; "" removes one.
     void setType(ElementTypes newType) { type = newType; }
     void setSize(const CString& newSize) { rare().size = &names().intern(newSize); }
     void setKnownType(std::string_view newKnownType);
@@ -121,25 +124,28 @@ public:
     /// Returns the same as a view, valid until the next call for any element. One thread at a time may call it.
     std::string_view asXML();
 
-    /// Returns whether a record's document has a field for this child. Enumerations and arrays have none.
+    /// Returns whether a record's document has a field for this child. Enumerations and arrays have none: a field of
+    /// such a type is an element of its own, typeOther with a known type.
     bool isField() const { return type != typeEnum && type != typeArray; }
 
-    /// Return what the document of `record` writes for this child as a field.
+    /// Return what the document of `record` writes for this child as a field. Texts are views of names, valid as long
+    /// as the model.
     const CString& queryFieldName() const { return type == typeTable ? queryBaseName() : queryName(); }
     TextPieces queryFieldDescription() const;
     TextPieces queryFieldType(const Element& record) const;
 
-    /// Returns the component type of a table or an array, as its document names it.
+    /// Returns the component type of a table or an array, as its document names it: the known type, else the path and
+    /// the base name. A view like these.
     TextPieces queryComponentType() const;
 
     /// Returns whether the ordering has put the element into its model's list.
     bool isPlaced() const { return placed; }
     void setPlaced(bool isPlaced) { placed = isPlaced; }
 
-    /// Marks the element's name as listed or not.
+    /// Marks the element's name as listed or not, for all elements of that name.
     void setListed(bool isListed) { name->isListed = isListed; }
 
-    /// Returns the element's number in its model, from 0; kNoNumber if it is in none.
+    /// Returns the element's number in its model, from 0, in the order of creation; kNoNumber if it is in none.
     std::uint32_t queryNumber() const { return number; }
     void setNumber(std::uint32_t newNumber) { number = newNumber; }
     static constexpr std::uint32_t kNoNumber = 0xFFFFFFFF;

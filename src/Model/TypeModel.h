@@ -64,14 +64,15 @@ public:
         return addPart(parent, *parent->path, name, type);
     }
 
-    /// Returns the names of the model, for importers that use one many times.
+    /// Returns the names of the model, for importers that use one many times: they intern it once. Valid as long as the
+    /// model; the names until clear().
     NamePool& queryNames() { return names; }
 
     /// Makes room for `count` fields of a record without any, so that its list isn't moved as it grows.
     void reserveFields(Element* record, std::size_t count);
 
     /// Return null if there is none, if the name or key is empty, and findElement() also if elements don't merge by
-    /// name.
+    /// name. Both are valid until clear(); a usage changes when tables are made.
     Element* findElement(std::string_view name) const;
     ChildElement* findUsage(const Fingerprint& usageKey) { return usages.find(usageKey); }
 
@@ -85,7 +86,7 @@ public:
     /// Places an element and everything linked to it, see TypeOrder.
     void place(const Element& element);
 
-    /// Adds a single element to the order, see TypeList::add().
+    /// Adds a single element to the order, whether it is there already or not; see TypeList::add().
     void addToOrder(Element* element) { order.add(element); }
 
     const TypeList& queryOrder() const { return order; }
