@@ -7,9 +7,9 @@
 #include <cstring>
 
 /// A 128-bit hash that stands for a text too long to store or to compare. Each process draws its own random seed, so no
-/// source can be made to collide on purpose. The fingerprint of the empty text is all zero. Two texts have the same one
-/// with a probability of about 2^-128, so users take equal fingerprints for equal texts. It must not be stored beyond
-/// the process, which draws another seed the next time.
+/// source can be made to collide on purpose. A collision by chance is so unlikely that users take equal fingerprints for
+/// equal texts. The fingerprint of the empty text is all zero. None must be stored beyond the process, because the next
+/// one draws another seed.
 struct Fingerprint
 {
     Fingerprint() = default;
@@ -74,8 +74,8 @@ private:
 
     static const Seed seed;
 
-    // By memcpy(), because a piece may begin at any address. Blocks are in the processor's byte order: fingerprints of
-    // one process are never compared with those of another.
+    // By memcpy(), because a piece may begin at any address. The first byte must become the lowest, as on little-endian
+    // processors: add() joins pieces by shifts, and would else give another result for another cut.
     template <class Number>
     static Number load(const char* bytes)
     {

@@ -43,7 +43,7 @@ void useLargePagesInHeap()
     if (block && std::align(kLargePage, kLargePage, start, size))
         ::madvise(start, size, MADV_HUGEPAGE);
     std::free(block); // stays in the heap, because trimming is off
-    // From here on blocks of 128 kB and more are mapped one by one again, so a large table returns to the system when
-    // it is freed, and can't fragment the heap.
+    // From here on the heap grows as usual: a block of 128 kB or more for which it has no room is mapped by itself, and
+    // returns to the system when it is freed.
     ::mallopt(M_MMAP_THRESHOLD, standard);
 }

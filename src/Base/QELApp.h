@@ -4,8 +4,7 @@
 
 #include <exception>
 
-/// The application object. One exists for the whole process, `theApp`, with or without a window. It has no
-/// state.
+/// The application object. One exists for the whole process, `theApp`, with or without a window. It has no state.
 class CQELApp
 {
 public:

@@ -8,8 +8,8 @@
 /// An 8-bit text. Up to 19 characters lie inside the object, longer texts on the heap; the storage never shrinks. All
 /// operations work byte by byte, only ASCII letters have a case, and every argument may be the string itself or point
 /// into it. A text of 2 GB or more throws std::length_error, because indices are int. It is the text toolkit's own
-/// type, not a std::string, because the sizes of its storage are part of its contract (queryCapacity): exact after an
-/// assignment, double after appending. Its text ends at the first NUL, so it can't hold one.
+/// type, not a std::string, because the sizes of its storage are part of its contract (queryCapacity): exact after the
+/// assignment of a C string, double after appending. Its text ends at the first NUL, so it can't hold one.
 class QELString final
 {
 public:
