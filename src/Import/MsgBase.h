@@ -97,8 +97,10 @@ protected:
     virtual void onCancelled() {}
 
     void clear(); ///< empties the model
+    /// Makes tables and orders the types; called by parseFile() and parseData(). Throws Cancelled.
     void onAfterParse() { model.arrange(); }
 
+    // Access to the model under the names that importers know; see TypeModel.
     Element* findElement(const CString& name) const { return model.findElement(name); }
     ChildElement* findUsage(const CString& usageKey) { return model.findUsage(usageKey); }
     void orderList(Element* element) { model.place(*element); }

@@ -39,6 +39,7 @@ struct SourceRefusal
 class SourceReport
 {
 public:
+    /// Whether a construct changes what types mean. Also an index of the lists below.
     enum Sort : std::uint8_t
     {
         loss,
@@ -177,6 +178,7 @@ public:
     /// Holds back what add() and count() get from now on, until release(). Up to 64 MB of places are held; further ones
     /// are reported at once. Losses of declarations that are not imported then don't count.
     void hold() { mode = holding; }
+    /// Returns whether hold() is in effect, so that a reader needs components only then.
     bool isHolding() const { return mode == holding; }
 
     /// Sets the component that the following constructs belong to, and returns the one before. Documents that can't be
@@ -207,6 +209,7 @@ public:
     /// Returns how many constructs of one sort occurred, with and without places.
     std::size_t queryTotal(Sort sort) const;
 
+    /// A construct, and how often it occurred.
     struct Count
     {
         Construct construct;

@@ -12,6 +12,8 @@
 class BrokerMessage : public MsgBase
 {
 public:
+    /// Doesn't merge by name: types of one name may lie in several folders. Usage keys of fields begin with a dot,
+    /// since those of types don't.
     BrokerMessage() : MsgBase(0, ".") {}
 
     /// Returns a new importer, owned by the caller; the factory of the table of importers.

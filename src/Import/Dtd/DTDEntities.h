@@ -30,7 +30,8 @@ public:
 
     /// Adds the text of a file, under the name `shownName` in the report. `bytes` may be in any encoding that
     /// decodeText() knows; they must live as long as the types, because names are views of them. A `file` without an
-    /// identity, such as standard input, isn't recognised if a module names it again.
+    /// identity, such as standard input, isn't recognised if a module names it again. The text is not open: a caller
+    /// that reads it without open() sets that itself, so that a module which leads back to it is found.
     Text& addFile(const FoundFile& file, const CString& shownName, std::string_view bytes);
 
     /// Declares an entity by its value. Character references and the entities known so far are replaced in it (XML 1.0,
@@ -79,10 +80,10 @@ private:
     void spend(std::size_t bytes);
     void checkDepth(std::size_t depth);
 
-    // Pointers to entities and texts are kept, so both stand in deques, which don't move them.
     SourceTypes& types;
     SourceReport& report;
     const Catalogs& catalogs;
+    // Pointers to entities and texts are kept, so both stand in deques, which don't move them.
     std::deque<Entity> owned;
     KeyedTable<Entity, &Entity::queryName> entities;
     std::deque<Text> files;

@@ -8,6 +8,7 @@
 class DTDFullMessage : public FullMessage
 {
 public:
+    /// Has the row, and so name and base path, of the literal reading.
     DTDFullMessage();
 
     /// Returns a new importer, owned by the caller; the factory of the table of importers.

@@ -14,8 +14,10 @@
 class DTDElement
 {
 public:
+    /// `place` is the offset of the first mention in the text.
     DTDElement(std::string_view name, std::size_t place) : place(place), name(name) {}
 
+    /// Returns the name with its marks.
     std::string_view queryName() const { return name; }
 
     /// A child, and the offset at which it is mentioned. An entry of a linked list: a vector that grows in an arena
@@ -91,6 +93,7 @@ private:
 class DTDMessage : public MsgBase
 {
 public:
+    /// Merges by name: an element that several records contain is one.
     DTDMessage() : MsgBase(1) {}
 
     /// Returns a new importer, owned by the caller; the factory of the table of importers.
@@ -98,6 +101,7 @@ public:
 
     /// Returns 1 also for a text without declarations. `source` must live until parse() returns.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
+    /// Returns the first element that this importer has read, over all its imports.
     CString queryMainTypeName() const override { return mainType; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 

@@ -93,6 +93,7 @@ private:
 class TextPlaces
 {
 public:
+    /// The text must outlive this object.
     explicit TextPlaces(std::string_view text) : text(text) {}
 
     /// Returns the place of an offset, in file 0 of the report.

@@ -23,6 +23,7 @@ public:
         tokenMark      ///< any other character, in `mark`
     };
 
+    /// A token. `text` and `mark` are those of an earlier token if the kind has none.
     struct Token
     {
         Kind kind = tokenMissing;

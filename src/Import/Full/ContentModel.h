@@ -13,6 +13,7 @@
 class ContentModel
 {
 public:
+    /// How the parts of a group combine. Only in a choice they exclude each other.
     enum Group : std::uint8_t
     {
         undecided, ///< decided by its first connector; a sequence until then

@@ -20,7 +20,8 @@ public:
     /// given counts, too.
     std::vector<std::size_t> findTops(std::span<const Index> given) const;
 
-    /// The links as a graph, see StrongComponents.
+    /// The links as a graph, see StrongComponents: the number of a document's links, and the document at the end of
+    /// one.
     std::size_t degree(Index document) const { return document < named.size() ? named[document].size() : 0; }
     Index target(Index document, std::size_t link) const { return named[document][link]; }
 

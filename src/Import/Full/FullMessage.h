@@ -39,6 +39,7 @@ public:
         byMainType, ///< all in the folder of the main type
         byNamespace ///< each in the folder of its namespace; names are unique only there
     };
+    /// Sets the layout; `automatic` at first.
     void setLayout(Layout wanted) { layout = wanted; }
     Layout queryLayout() const { return layout; }
 
@@ -80,6 +81,7 @@ public:
     /// Returns the constructs of a file that the literal reading doesn't support, in words; empty if there are none.
     virtual CString unsupportedByLiteral(const CString&) const { return {}; }
 
+    /// Returns true: all full readings read sets, unless they override this.
     bool setFurtherFiles(const std::vector<CString>& files) override
     {
         furtherFiles = files;
@@ -88,10 +90,12 @@ public:
     /// Declares finished types, so the model has nothing to do but to order them. A SourceRefusal is shown, and 0
     /// returned.
     int parse(const CString& source, const CString& basePath, const CString& fileName) final;
+    /// Returns the name of the document: the given one, else that of the first main type, else the file's.
     CString queryMainTypeName() const override { return mainType; }
     MsgUIDescriptor* queryDescriptor() const override { return &row; }
 
 protected:
+    /// Returns the requested main types; empty if the source chooses.
     const std::vector<CString>& queryRoots() const { return roots; }
 
     /// Adds the declarations of `source`, the argument of parse(), to `types`. Throws SourceRefusal if it can't be

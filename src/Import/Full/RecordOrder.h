@@ -9,6 +9,7 @@ struct RecordLinks
 {
     const SourceTypes& types;
 
+    /// Each field counts as a link; target() returns kNone for one that holds no record.
     std::size_t degree(SourceTypes::Index record) const { return types.records[record].fieldCount; }
     SourceTypes::Index target(SourceTypes::Index record, std::size_t field) const
     {

@@ -13,6 +13,7 @@ std::vector<CString> rootNamesOf(const SourceTypes& types, const std::vector<Sou
 class RootNames
 {
 public:
+    /// Sorts the candidates once. `types` must outlive this object.
     explicit RootNames(const SourceTypes& types);
 
     /// Returns the candidate with the name `root`: "name", "{URI}name", "prefix:name" with a prefix that a source

@@ -23,6 +23,7 @@ public:
     using Index = std::uint32_t;
     static constexpr Index kNone = 0xFFFFFFFF;
 
+    /// What a value is. The first three kinds are plain; code relies on that order.
     enum Kind : std::uint8_t
     {
         kindText,
@@ -42,6 +43,7 @@ public:
         friend bool operator==(const Type&, const Type&) = default;
     };
 
+    /// Where a field comes from. It decides which of two fields with one name keeps it, see SourceNames.
     enum Role : std::uint8_t
     {
         roleValue, ///< the text in addition to fields
@@ -49,6 +51,7 @@ public:
         roleAttribute
     };
 
+    /// A field of a record. Optional and alternative fields are like all others, since the model knows no difference.
     struct Field
     {
         std::string_view name; ///< as in the source; a view that lives as long as the types, see keep()
@@ -58,6 +61,7 @@ public:
         std::uint16_t repeats = 0; ///< number of nested tables around its values
     };
 
+    /// A record. Its name is that of the source until SourceNames has run, then the final one, as for the other types.
     struct Record
     {
         std::string_view name;
@@ -69,6 +73,7 @@ public:
         Index fieldCount = 0;
     };
 
+    /// An enumeration. Its constants are constantsOf().
     struct Enumeration
     {
         std::string_view name;
@@ -80,6 +85,7 @@ public:
         Index constantCount = 0;
     };
 
+    /// A table, which fields of one name and type share.
     struct Table
     {
         std::string_view name; ///< with the prefix "t_"
@@ -208,10 +214,14 @@ public:
         return at < constantDescriptions.size() ? constantDescriptions[at] : std::string_view();
     }
 
+    // Indices refer to these lists. Records and enumerations are added only by the functions above, which check the
+    // bounds.
     std::vector<Record> records;
     std::vector<Enumeration> enumerations;
     std::vector<Table> tables;
     std::vector<Candidate> candidates;
+    // A message may name a derived type by xsi:type where its schema has an abstract one. No field refers to these
+    // types, so choices and choosers keep them from being left out.
     std::vector<std::vector<Index>> choices;       ///< the records that may replace an abstract type, for each choice
     std::vector<std::pair<Index, Index>> choosers; ///< pairs of a record and the index of a choice of one of its fields
     std::vector<Space> spaces{{}};                 ///< the first one stands for no namespace

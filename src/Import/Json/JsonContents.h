@@ -19,6 +19,7 @@ struct JsonMember
 /// The values that a schema describes.
 struct JsonContent
 {
+    /// What values are. A schema of several kinds has one of them, see the rules at joinBoth() and joinEither().
     enum Kind : std::uint8_t
     {
         none, ///< the schema restricts nothing

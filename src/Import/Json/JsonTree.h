@@ -38,6 +38,7 @@
     WORD(enumWord, "enum") WORD(constWord, "const") WORD(defaultWord, "default") WORD(notWord, "not") \
     WORD(namespaceWord, "namespace") WORD(nullWord, "null") WORD(dateTime, "date-time")
 
+/// Words as numbers, so that readers compare numbers and use switches.
 enum class JsonWord : std::uint32_t
 {
     none, // the empty text, or one that is no JsonWord
@@ -129,6 +130,8 @@ public:
         void operator++() { at = tree[at].next; }
         bool operator==(std::default_sentinel_t) const { return at == 0; }
     };
+    /// Returns the members of an object or the items of an array, aliases as they are. `node` must not be an alias, see
+    /// target().
     Children childrenOf(Index node) const { return {*this, nodes[node].firstChild}; }
 
     /// Returns the node that an alias refers to, else the node itself.

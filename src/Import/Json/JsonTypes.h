@@ -42,6 +42,7 @@ public:
 
     /// Sets the position in the set of the document that further candidates count for.
     void setSource(Index position) { source = position; }
+    /// Returns that position, 0 at first.
     Index querySource() const { return source; }
 
     /// Returns the type of a schema; text if it is not wanted and has no `home`. A schema without its own name is

@@ -34,6 +34,7 @@ public:
     /// Takes the current main window, whose connection is used.
     ODBCMessage();
 
+    /// Returns a new importer, owned by the caller; the factory of the table of importers.
     static MsgBase* New() { return new ODBCMessage; }
 
     /// `source` holds table names, each ended by a line feed, up to the first empty one. The tables are read through

@@ -123,7 +123,9 @@ public:
     void beginDocument(std::uint32_t file);
 
     void setLocator(const XmlLocator& theLocator) override { locator = &theLocator; }
+    /// Reports a loss: the entity may hold elements.
     void entityLeftOut(std::string_view name, XmlPlace place) override;
+    /// Counts an element and its attributes. Prefixes are ignored, but for the root's in queryRootTag().
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
     void text(std::string_view text) override
