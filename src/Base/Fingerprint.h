@@ -7,9 +7,9 @@
 #include <cstring>
 
 /// A 128-bit hash that stands for a text too long to store or to compare. Each process draws its own random seed, so no
-/// source can be made to collide on purpose. A collision by chance is so unlikely that users take equal fingerprints for
-/// equal texts. The fingerprint of the empty text is all zero. None must be stored beyond the process, because the next
-/// one draws another seed.
+/// source can be made to collide on purpose. A collision by chance is so unlikely that users take equal fingerprints
+/// for equal texts. The fingerprint of the empty text is all zero. None must be stored beyond the process, because the
+/// next one draws another seed.
 struct Fingerprint
 {
     Fingerprint() = default;

@@ -87,8 +87,8 @@ std::size_t CreationRun::createNext(std::size_t first)
     std::vector<CreatedType> outcomes;
     try {
         outcomes = createWindow(first);
-        // The call fails only if its first type does; the types after it have not been tried.
     } catch (const ClientError& error) {
+        // The call fails only if its first type does; the types after it have not been tried.
         window = 1;
         addFailure(*types[first], error.what());
         ++progress.done;
@@ -185,7 +185,7 @@ CreatedType CreationRun::decide(const Element& type, const CString& document, Cr
     return outcome;
 }
 
-// A source that is unknown or not persistent counts as another one, so that nothing is replaced as if it were known.
+// A source that is unknown or not persistent counts as another one, because it may be.
 bool CreationRun::isOtherSource(const CreatedType& outcome) const
 {
     return session.hasCreation() && !(outcome.isSourceStored && options.source.isSame(outcome.source));

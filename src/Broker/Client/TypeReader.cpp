@@ -58,8 +58,8 @@ std::vector<StoredType> TypeReader::store(std::span<const NamedDocument> types, 
 
 StoredType TypeReader::find(const NamedDocument& type, ExistingRules rules) const
 {
+    // Prepared once: the driver's process knows the statement by its text.
     const CStatement::Rows rows =
-        // Prepared once: the driver's process knows the statement by its text.
         database ? CStatement(*database, findStatement(table)).execute({type.document, type.name}) : CStatement::Rows();
     if (rows.empty())
         return {StoredType::created};

@@ -140,7 +140,7 @@ CStatement::Rows TypeStore::run(std::unique_ptr<CStatement>& statement, CString 
 
 void TypeStore::finish()
 {
-    // A file has no server whose crash could lose types after the process has ended.
+    // Not for a file, whose commits survive the end of the process (Address).
     if (table.place == TypeTable::Place::server && isPending)
         database->ExecuteSQL(kFinish);
     isPending = false;
