@@ -25,6 +25,7 @@ std::optional<std::time_t> fixedTime()
 
 } // namespace
 
+// In UTC, so that documents don't depend on the machine's time zone.
 CString generationTime()
 {
     const std::time_t now = fixedTime().value_or(std::time(nullptr));

@@ -15,6 +15,7 @@ constexpr std::size_t kAhead = 8; // elements that enumNext() prefetches ahead
 
 } // namespace
 
+// The base path is converted by itself, because its encoding may differ from that of the names.
 int MsgBase::parseFile(const CString& fileName, const CString& basePath)
 {
     clear();

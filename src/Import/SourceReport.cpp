@@ -226,6 +226,7 @@ std::size_t SourceReport::queryTotal(Sort sort) const
     return total;
 }
 
+// The sort is stable, so constructs of equal counts are in the order of the table, and reports don't vary.
 std::vector<SourceReport::Count> SourceReport::queryCounts(Sort sort) const
 {
     std::vector<Count> found;

@@ -21,6 +21,7 @@ void DTDRepetitions::reportAll(const TypeModel& model, TextPlaces& places, Sourc
     for (const auto& [element, record, place, isMarked, attribute] : fields) {
         const bool staysSingle = inModel.staysSingle(*element, record->queryNumber());
         const bool repeats = isMarked || mayRepeat(place);
+        // Where the single occurrence stands: that of the attribute, if the DTD repeats the child of the same name.
         const std::size_t single = repeats ? attribute : place;
         if (staysSingle && repeats)
             report.add(SourceReport::repetitionSkipped, places.at(place), element->queryName());

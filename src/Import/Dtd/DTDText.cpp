@@ -59,6 +59,7 @@ std::size_t skipWhitespace(std::string_view text, std::size_t from)
     return kDtdBlank.out(text, from);
 }
 
+// Other white space inside a name belongs to it; the caller trims the ends.
 std::size_t findNameEnd(std::string_view text, std::size_t from)
 {
     static constexpr CharSet ends(" (");
@@ -114,6 +115,8 @@ DTDGroups::DTDGroups(std::string_view text)
     }
 }
 
+// A statement may be cut inside a group, or lack its ')'. The group then ends at the last ')' that there is, not at the
+// end of the statement: the types of existing documents depend on that.
 const DTDGroups::Close* DTDGroups::closeOf(std::size_t index, std::size_t end) const
 {
     const Group& group = groups[index];
@@ -122,6 +125,7 @@ const DTDGroups::Close* DTDGroups::closeOf(std::size_t index, std::size_t end) c
     return lastBetween(group.open, end);
 }
 
+// A binary search, because statements overlap and each would walk over the same ')'.
 const DTDGroups::Close* DTDGroups::lastBetween(std::size_t start, std::size_t end) const
 {
     const auto behind = std::ranges::lower_bound(closes, end, {}, &Close::at);

@@ -52,6 +52,7 @@ std::vector<CString> rootNamesOf(const SourceTypes& types, const std::vector<Ind
     return names;
 }
 
+// The sort is stable, so candidates of one name stay in the order of declaration.
 RootNames::RootNames(const SourceTypes& types) : types(types)
 {
     for (Index i = 0; i < types.candidates.size(); ++i)

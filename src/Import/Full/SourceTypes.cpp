@@ -43,6 +43,7 @@ SourceTypes::Index SourceTypes::spaceOf(std::string_view uri)
     return spacesByUri.emplace(kept, space).first->second;
 }
 
+// Searched one by one: only folders that the user has given come here, and `common`.
 SourceTypes::Index SourceTypes::spaceIn(const CString& folder)
 {
     if (folder.empty())
@@ -125,6 +126,7 @@ SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<
     made.firstConstant = static_cast<Index>(constants.size());
     made.constantCount = static_cast<Index>(added.size());
     if (!descriptions.empty()) {
+        // Most enumerations have none, so the list is filled up only where some are added.
         constantDescriptions.resize(constants.size());
         constantDescriptions.insert(constantDescriptions.end(), descriptions.begin(), descriptions.end());
     }

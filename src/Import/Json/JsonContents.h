@@ -113,7 +113,7 @@ private:
         std::vector<Part> parts;
         std::size_t next = 0; // index of the part to join next
         JsonContent content;
-        bool isBorrowed = false;  // the members still belong to the only part that has any
+        bool isBorrowed = false;  // the members still belong to the only part that has any, so references copy nothing
         bool isReference = false; // consists of a reference, so the type keeps the name of its target
         std::size_t objects = 0;  // alternatives that are objects
         bool allowsAny = false;   // in one of the alternatives

@@ -51,6 +51,8 @@ bool takeDate(std::string_view& text)
            (std::chrono::year(static_cast<int>(*year)) / std::chrono::month(*month) / std::chrono::day(*day)).ok();
 }
 
+// Takes a time with its fraction and offset. Seconds are optional, as ISO 8601 allows; so are minutes of the offset, as
+// some databases write it.
 bool takeTime(std::string_view& text)
 {
     const bool isMidnight = text.starts_with("24:00"); // the end of a day

@@ -22,6 +22,8 @@ public:
         isProtocol |= key == "protocol" && !value.empty();
         hasTypes |= (key == "types" && mayBe(JsonScanner::arrayBegin)) ||
                     (key == "messages" && mayBe(JsonScanner::objectBegin));
+        // Identifiers and references of schemas are URIs, and have one of these marks. Those of a message may be any
+        // words.
         isSchema |= (key == "$schema" && value.find("json-schema.org") != value.npos) ||
                     (key == "type" && isOneOf(value, {"object", "array", "string", "number", "integer", "boolean"})) ||
                     (isOneOf(key, {"$defs", "definitions"}) && mayBe(JsonScanner::objectBegin)) ||
@@ -65,6 +67,7 @@ std::string_view wordForJson(std::string_view text)
         CString key;
         bool isList = false;
         for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
+            // A list is judged by its items, as a file of Avro's named types is.
             const std::size_t top = isList ? 2 : 1;
             const bool isEnd = token == JsonScanner::objectEnd || token == JsonScanner::arrayEnd;
             const bool isValue = !isEnd && token != JsonScanner::key;

@@ -73,6 +73,7 @@ JsonNode::Index JsonTree::addList(JsonWord key, std::span<const Index> members, 
     return list;
 }
 
+// The key of the table joins object and name, so that one table serves all objects.
 void JsonTree::index(Index object)
 {
     nodes[object].isLarge = true;

@@ -36,7 +36,8 @@ constexpr Vocabulary kVocabularies[] = {
     {"http://relaxng.org/ns/structure/", "this is RELAX NG; convert it with trang, then import the schema"},
 };
 
-// Returns the value of an attribute of a tag, as written; empty if there is none.
+// Returns the value of an attribute of a tag, as written; empty if there is none. The tag need not be well-formed or
+// complete, since only the start of the file is known.
 std::string_view attributeOf(std::string_view tag, std::string_view name)
 {
     tag.remove_prefix(std::min(tag.size(), tag.find_first_of(" \t\r\n")));
@@ -71,7 +72,7 @@ bool isLetter(char c)
            c == '.' || c == ':' || static_cast<unsigned char>(c) >= 0x80;
 }
 
-// Returns the first words and marks of a text outside of comments.
+// Returns the first words and marks of a text outside of comments, which often hold a licence.
 Words firstWords(std::string_view text, const Comments& comments)
 {
     Words words;
@@ -198,6 +199,7 @@ std::string_view foreignSource(std::string_view start, std::string_view content)
     return {};
 }
 
+// The name counts for more than the content, which is only guessed.
 std::string_view foreignText(std::string_view start, std::string_view fileName)
 {
     const CString name = lowerAscii(fileName);

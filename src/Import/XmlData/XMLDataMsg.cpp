@@ -53,5 +53,6 @@ void XMLDataMessage::doParse(XMLDataWalk& walk)
                 element->asAttribute();
         }
     }
+    // Before arrange() makes tables, which would hide what was declared.
     walk.reportLosses(model);
 }
