@@ -150,6 +150,8 @@ void TypeModel::makeTables()
             continue;
         Element* element = usage.element;
         tableName.assign("t_").append(element->queryBaseName());
+        // A primitive component has no type to refer to, so it gets its kind's word as the known type, which its table
+        // copies.
         if (element->isPrimitive())
             element->setPrimitiveType();
         Name& name = names.intern(tableName);
@@ -158,6 +160,8 @@ void TypeModel::makeTables()
             table = makeTable(usage, name);
         else if (tablesInAllParents && usage.parent && table->type == Element::typeTable)
             usage.parent->toTable(element, table);
+        // A climb from the component then places its table first. The usage becomes one of the table, so that another
+        // arrange() leaves it alone.
         element->addParent(table);
         usage.element = table;
         usage.instances = 1;

@@ -49,6 +49,7 @@ UsageTable::Declared UsageTable::declareField(Element* field, Element* record)
     }
     field->name->lastUsage = static_cast<std::uint32_t>(usages.size());
     ChildElement* const made = append(field, record);
+    // A record that is declared again has fields in several places of the list, so all of them are found by name.
     if (record->name->isReopened)
         reopened.emplace(Pair(record->name, field->name), made);
     return {made, true};
