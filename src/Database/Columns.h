@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-/// The columns of tables, as a data source's catalogue lists them (SQLColumns). A pattern may return the
-/// columns of several tables, which queryTable() tells apart.
+/// The columns of tables, as a data source's catalogue lists them (SQLColumns). A pattern may return the columns of
+/// several tables, which queryTable() tells apart.
 class CColumns : public CRecordset
 {
 public:

@@ -7,8 +7,7 @@
 namespace {
 
 // Returns the position of the brace that ends a value in braces, in which "}}" stands for a brace; 0 for a value
-// without braces, npos if no brace ends it. 0 serves as a start for the search of the semicolon in both cases, because
-// it can't be the position of an end.
+// without braces, npos if no brace ends it. In any case it is where the search of the semicolon begins.
 std::size_t endOfBraces(std::string_view text)
 {
     std::size_t at = text.starts_with('{') ? text.find('}') : 0;

@@ -38,8 +38,8 @@ private:
 /// receive, and with POLLOUT after a send that would block.
 using SocketWait = std::function<void(short events)>;
 
-/// Send or receive a whole message. Both return false if the other side has closed the socket. The socket is never left
-/// blocking, so that `wait` can end it at any time. After an exception or a false result, a message may be half sent,
-/// and the socket is of no more use.
+/// Send or receive a whole message. Both return false if the other side has closed the socket. No call blocks in the
+/// socket itself, so that `wait` can end it at any time. After an exception or a false result, a message may be half
+/// sent, and the socket is of no more use.
 bool sendMessage(int socket, std::string_view message, const SocketWait& wait);
 bool receiveMessage(int socket, CString& message, const SocketWait& wait);

@@ -37,7 +37,6 @@ void call(void* statement, unsigned short function, CatalogueArguments& argument
     std::ranges::transform(arguments, text.begin(), [](std::optional<CString>& argument) {
         return argument ? reinterpret_cast<SQLCHAR*>(argument->data()) : nullptr;
     });
-    // Both functions take four texts, each with its length.
     const auto list = function == SQL_API_SQLTABLES ? SQLTables : SQLColumns;
     // ODBC: an asynchronous call is repeated with the same arguments until it is done.
     SQLRETURN outcome;

@@ -8,7 +8,7 @@
 #include <optional>
 
 // libpq's six modes are the common language; each driver gets them in its own. A driver that ignores an option it
-// doesn't know would connect in plain text, so from "require" on only drivers that are known to obey are used.
+// doesn't know would connect in plain text, so a source that sets "require" or more is refused for such a driver.
 namespace {
 
 // The sslmode values of libpq, from lax to strict.

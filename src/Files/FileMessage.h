@@ -39,8 +39,8 @@ CString inWords(const CString& fileName, FileCause cause);
 CString inWords(int error); ///< for an errno value
 
 /// The names that stand for standard input and output. Standard input has its name in /proc, because that can be opened
-/// twice, and a regular file is then read from its start. shownFile() returns the name for the user: "-" for
-/// standard input.
+/// twice, and a regular file is then read from its start. shownFile() returns the name for the user: "-" for standard
+/// input.
 inline constexpr char kStandardInput[] = "/proc/self/fd/0";
 inline constexpr char kStandardOutput[] = "/dev/stdout";
 CString shownFile(const CString& fileName);

@@ -6,8 +6,8 @@
 #include <memory>
 
 /// A buffer for writing XML. Its storage is reused from one document to the next. Constant pieces are passed as
-/// literals, so that their length is known and the copy is inlined. Types are rendered through it as text: with a
-/// tree of nodes in between, an import of 100,000 declarations took 1.4 times as long.
+/// literals, so that their length is known and the copy is inlined. Types are rendered through it as text: with a tree
+/// of nodes in between, an import of 100,000 declarations took 1.4 times as long.
 class XmlText
 {
 public:
