@@ -240,6 +240,7 @@ void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* pa
         } else if (const DTDGroups::Close* close = groups.closeOf(next, levelEnd); !close) {
             continue; // the group runs to the end of this level
         } else if (close->mark < levelEnd) {
+            // The text between a group and its mark is skipped, such as the second group in "(a)(b)*".
             formatField(text->whole.substr(start, close->at - start), "*", parent);
             start = close->mark;
         } else {

@@ -87,7 +87,7 @@ SourcePlace TextPlaces::at(std::size_t offset)
 }
 
 // One pass. A mark belongs to every ')' since the last separator or mark, whatever parentheses lie between: in
-// "(a)(b)*" both groups repeat. `unmarked` passes over each ')' once, so this stays linear.
+// "(a)(b)*" to both. `unmarked` passes over each ')' once, so this stays linear.
 DTDGroups::DTDGroups(std::string_view text)
 {
     static constexpr CharSet structure("()*+,|&");
