@@ -247,6 +247,7 @@ CString toXmlText(std::string_view bytes)
     if (isXmlText(bytes))
         return CString(bytes);
     CString out;
+    // Characters of Windows-1252 outside of ASCII take two or three bytes in UTF-8.
     out.reserve(bytes.size() + bytes.size() / 2);
     const bool utf8 = isUtf8(bytes);
     for (std::size_t at = 0; at < bytes.size();) {

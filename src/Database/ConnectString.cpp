@@ -92,6 +92,7 @@ CString dataSourceText(const CString& name)
         throw CDBException("IM002", 0,
                            "There is no data source called " + name +
                                (unread.empty() ? "" : "; " + unread + " is not read, because it is not writable"));
+    // Of two sources whose names differ in letter case only, the driver manager always opens the first.
     const bool another = found->name != name && std::ranges::find(sources, name, &DataSource::name) != sources.end();
     if (another)
         throw CDBException("IM002", 0, "The data source " + found->name + " hides the one called " + name);

@@ -65,6 +65,7 @@ private:
 void forgetHandlers()
 {
     std::set_terminate(std::abort);
+    // SIGKILL and SIGSTOP have no handlers; for them the call fails without effect.
     for (int number = 1; number < NSIG; ++number)
         std::signal(number, SIG_DFL);
 }
@@ -127,7 +128,7 @@ void exitWithProgram(int socket)
     forgetHandlers();
     const int socket = ::fcntl(handed, F_DUPFD, STDERR_FILENO + 2); // a gap, as close_range() rejects empty ranges
     closeAllBut(socket);
-    keepOutOfCores();
+    keepOutOfCores(); // the process gets the password
     std::thread(exitWithProgram, socket).detach();
     serveDriver(socket);
     exitProcess();

@@ -190,6 +190,7 @@ std::optional<FoundFile> FileFinder::find(const CString& folder, const CString& 
     if (path.empty())
         return std::nullopt;
     const CString name = path.starts_with('/') ? path : folder + path;
+    // Misses are cached, too: a source of 4 kB can name one missing file again and again, which would take seconds.
     const auto [place, isNew] = known.try_emplace(name);
     if (isNew)
         place->second = search(folder, path, name);
@@ -261,6 +262,7 @@ std::vector<CString> FileFinder::namesLike(const FoundFile& folder, std::string_
     if (component == "..")
         return {CString(component)};
     std::vector<CString> names;
+    // Only ASCII letters have a case here, because the letters of other alphabets depend on a locale.
     const auto [first, last] = list(folder).equal_range(lowerAscii(component));
     for (auto name = first; name != last; ++name)
         names.push_back(name->second);

@@ -54,6 +54,7 @@ CString resolveLinks(const CString& fileName)
 
 bool isSameFile(const CString& one, const CString& other)
 {
+    // Two calls of stat(), because this is asked for each source and each output.
     struct stat first, second;
     const bool isThere = ::stat(one.c_str(), &first) == 0;
     if (isThere != (::stat(other.c_str(), &second) == 0))

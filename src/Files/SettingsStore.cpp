@@ -35,8 +35,9 @@ struct SettingsStore::Document
 
 namespace {
 
-// Builds the tree in linear time; ordered_json itself scans all keys of an object for each new one. Containers deeper
-// than the settings' own format are dropped, so that no file can exceed the writer's recursion.
+// Builds the tree in linear time. ordered_json itself scans all keys of an object for each new one, which took 6 s for
+// 60,000 keys. Containers deeper than the settings' own format are dropped, so that no file can exceed the writer's
+// recursion.
 class Builder : public nlohmann::json_sax<Json>
 {
 public:

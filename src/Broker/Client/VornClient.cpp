@@ -57,6 +57,7 @@ protected:
         return VornResult::clientError;
     }
 
+    // Must not throw, because it runs in handlers of exceptions.
     void describe(const char* text) noexcept
     {
         try {
@@ -213,6 +214,7 @@ public:
         });
     }
 
+    // A PostgreSQL server has no domains, so any is accepted.
     VornResult LogonAsUser(const char* user, const char* password, const char* /* domain */,
                            IVornConnection** connection) noexcept override
     {
@@ -234,6 +236,7 @@ public:
         });
     }
 
+    // Without a password: the server decides whether it trusts the login name.
     VornResult Logon(IVornConnection** connection) noexcept override
     {
         return attempt([&] { return connect(logonText(loginName(), {}), connection); });
