@@ -109,7 +109,7 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
             throw SourceRefusal{cantOpen(file, cause), {file, inWords(file, cause)}};
         texts.push_back(types.adopt(std::move(text)));
     }
-    // Which declarations the roots reach is known when all are read.
+    // Which declarations the roots reach is known only when all are read.
     if (!queryRoots().empty())
         report.hold();
     DTDReader reader(types, report);

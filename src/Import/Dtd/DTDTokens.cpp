@@ -68,7 +68,7 @@ SourcePlace DTDTokens::wordPlace()
     return place;
 }
 
-// Looks at the current text only, so that a look never opens an entity.
+// Looks at the current text only, so that peeking never opens an entity.
 bool DTDTokens::peek(char c) const
 {
     const std::string_view rest = frames.back().rest();
@@ -354,7 +354,7 @@ void DTDTokens::readQuoted(char quote)
 {
     Frame& frame = frames.back();
     bool& hasQuote = frame.hasQuote[quote == '"'];
-    // A place costs counting lines, and only values of entities need it.
+    // Finding a place counts lines, and only values of entities need one.
     if (mayHoldMarkup) {
         literal = placeIn(frame);
         literal.column += !frame.text->isComposed;

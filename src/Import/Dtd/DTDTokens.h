@@ -128,8 +128,8 @@ private:
     std::size_t sections = 0; // number of open sections; not by frame, so a section may end in another text
     std::vector<std::string_view> sectionEntities;
     bool hasReadSection = false; // a section with an entity as key has been read
-    // Whether the main text is a document: not, its declarations are finished, or the brackets of its DOCTYPE are being
-    // read.
+    // The state of a main text that is a document: `inBrackets` while its internal subset is read, `ended` after its
+    // declarations.
     enum
     {
         none,

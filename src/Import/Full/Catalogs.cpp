@@ -256,6 +256,7 @@ std::uint32_t Catalogs::read(const FoundFile& file, const Named* named)
     return kNoCatalog;
 }
 
+// Reads the catalogue that another one refers to. A missing or remote one is a loss: lookups go on without it.
 void Catalogs::readNamed(const Named& named)
 {
     const CString path = pathOf(named.reference, named.base);

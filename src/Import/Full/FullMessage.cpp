@@ -35,8 +35,8 @@ CString nameOfFile(const CString& fileName)
     return isXmlName(name) ? name : "_";
 }
 
-// Adds the types that a message may choose by xsi:type to the order.
-// A type that may be chosen can refer to further abstract types, so the walk goes on over what it adds.
+// Adds the types that a message may choose by xsi:type to the order. Such a type can refer to further abstract types,
+// so the walk goes on over what it adds.
 void visitChoices(const SourceTypes& types, RecordOrder& order)
 {
     std::unordered_multimap<SourceTypes::Index, SourceTypes::Index> choicesOf(types.choosers.begin(),

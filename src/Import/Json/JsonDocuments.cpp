@@ -151,6 +151,7 @@ void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
         keepIdentifier(at, isDraft4);
 }
 
+// Registers an identifier or anchor for its schema. The first one of a name takes precedence; another is a loss.
 void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
 {
     const Index schema = tree[node].parent;
@@ -174,6 +175,7 @@ void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
         note(SourceReport::declaredTwice, node, tree.text(node));
 }
 
+// Returns the base of relative references in a resource.
 const CString& JsonDocuments::uriOf(Index resource) const
 {
     const auto found = uris.find(resource);
@@ -205,6 +207,8 @@ JsonNode::Index JsonDocuments::resolve(Index holder, bool mayBeText)
     return isSchema ? node : 0;
 }
 
+// Finds the resource that the URI of a reference names, and in it the part that the fragment names. Without a URI, the
+// resource is the one around the reference.
 JsonDocuments::Resolved JsonDocuments::lookUp(Index holder, std::string_view reference)
 {
     Resolved found;

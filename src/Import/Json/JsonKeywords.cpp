@@ -57,6 +57,7 @@ void JsonContents::appendTargets(Index holder, std::vector<Index>& targets) cons
         targets.push_back(tree.target(at));
 }
 
+// Reads the keywords of a schema. A "$ref" that replaces its siblings is read alone, so their details don't count.
 void JsonContents::readSchema(Frame& frame)
 {
     const Index schema = frame.node;

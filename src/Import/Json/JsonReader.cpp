@@ -227,6 +227,7 @@ public:
     YamlReader(const YamlReader&) = delete;
     YamlReader& operator=(const YamlReader&) = delete;
 
+    // One document at most is read, as parsers of JSON do; a second one would be another source.
     Index read()
     {
         for (bool isAtEnd = false; !isAtEnd;) {

@@ -84,6 +84,8 @@ void JsonScanner::fail(const CString& reason)
     throw JsonFault{reason, tokenLine, tokenColumn};
 }
 
+// Skips blanks, and comments where they are allowed. Lines are counted here and in comments only, because no token can
+// hold a line feed.
 void JsonScanner::skipSpace()
 {
     while (!isAtEnd()) {
@@ -198,6 +200,7 @@ JsonScanner::Token JsonScanner::open(bool object)
     return object ? objectBegin : arrayBegin;
 }
 
+// Ends a container, or reports the missing comma or bracket.
 JsonScanner::Token JsonScanner::close()
 {
     const bool object = isObject.back();
@@ -296,6 +299,7 @@ void JsonScanner::scanEscape()
     appendUtf8(unescaped, code >= 0xD800 && code < 0xE000 ? replacement : code);
 }
 
+// Scans the digits of an escape. Any of them may be in the next piece of the file.
 std::uint32_t JsonScanner::scanHex()
 {
     std::uint32_t code = 0;

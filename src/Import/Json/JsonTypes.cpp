@@ -116,6 +116,7 @@ std::string_view JsonTypes::nameOf(Index schema, std::string_view name)
     return isKeyName ? toModelName(tree.key(schema), schema) : name;
 }
 
+// Returns the record of a content, added if its owner has none yet. finish() reads its fields.
 SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_view name, SourceTypes::Index home)
 {
     // Schemas with one owner are one type, whatever field refers to it first.
@@ -130,6 +131,7 @@ SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_vi
     return records[content.owner] = {SourceTypes::kindRecord, record};
 }
 
+// Returns the enumeration of a content, called like its owner if that has a name, else `name`.
 SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::string_view name)
 {
     const std::string_view called = nameOf(content.owner, name);
@@ -159,6 +161,7 @@ void JsonTypes::finish()
     contents.readDropped();
 }
 
+// The values of a map have any key, so its record is an entry: a key and a value.
 void JsonTypes::readFields(const Pending& record)
 {
     fields.clear();
