@@ -133,6 +133,7 @@ private:
         return std::ranges::find(options.allowed, std::string_view(idOf(change.id))) != options.allowed.end();
     }
 
+    // Returns the line of a change: what happened, to which part, from what to what, and the id for --allow.
     CString lineOf(const TypeChange& change) const
     {
         const std::string_view sort = sortOf(change.id);
@@ -148,6 +149,7 @@ private:
         return shownText(line) + " [" + idOf(change.id) + (isAllowed(change) ? ", allowed" : "") + "]\n";
     }
 
+    // Returns a change as an object. Members without a value are left out, but a place always has both of its members.
     CString jsonOf(const TypeChange& change) const
     {
         const auto member = [](const char* name, const CString& value) {
@@ -161,12 +163,14 @@ private:
                brokenSides(change.id) + "],\"allowed\":" + (isAllowed(change) ? "true" : "false") + "}";
     }
 
+    // Returns the sides that a change breaks, whichever side the options are about.
     static CString brokenSides(TypeChange::Id id)
     {
         const bool readers = breaks(id, Reader::readers), writers = breaks(id, Reader::writers);
         return CString(readers ? "\"readers\"" : "") + (readers && writers ? "," : "") + (writers ? "\"writers\"" : "");
     }
 
+    // Returns the verdict in words. Accepted changes break nothing, but they count as changes other than additions.
     CString verdict() const
     {
         if (!areCompatible())

@@ -80,6 +80,7 @@ bool holdsTypes(MsgBase& message)
     return false;
 }
 
+// Walks the types twice if aligned: the width of the names has to be known before the first line.
 void writeList(MsgBase& message, bool isAligned, Output& output)
 {
     constexpr std::size_t maxColumn = 60;
@@ -97,6 +98,7 @@ void writeList(MsgBase& message, bool isAligned, Output& output)
     }
 }
 
+// Written type by type, so the list is never whole in memory.
 void writeJsonList(MsgBase& message, Output& output)
 {
     const TypeStructure structure(message);

@@ -21,5 +21,5 @@ private:
     void copy() const;
 
     QLineEdit* field;
-    QString whole;
+    QString whole; // the text; the field may show less of it
 };

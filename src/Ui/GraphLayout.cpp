@@ -111,6 +111,7 @@ std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<Gra
     for (std::size_t i = 0; i < boxes.size(); ++i)
         shape(nodeOf(graph.get(), i), boxes[i]);
     spreadLeaves(graph.get(), boxes);
+    // Inches between the columns.
     set(graph.get(), "ranksep", "0.9");
     // Limits the rounds of the optimisation for each box: good positions suffice if the best ones take long to find.
     for (const char* rounds : {"nslimit", "nslimit1"})

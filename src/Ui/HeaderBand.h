@@ -28,14 +28,15 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    // Return the left end and the width of the subtitle in pixels, for a width and height of the band.
     int indent() const;
     int textWidth(int width, int height) const;
     void layOut();
     void paintFade(QPainter& painter) const;
 
     int pictureId;
-    QImage header;
+    QImage header; // in the tones of the palette
     QLabel* titleLabel;
     QLabel* subtitleLabel;
-    QStringList subtitles;
+    QStringList subtitles; // of all pages
 };

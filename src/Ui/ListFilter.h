@@ -23,5 +23,5 @@ private:
     ListView& list;
     QString noun;
     QLineEdit* field;
-    QLabel* count;
+    QLabel* count; // of shown rows and, if there are others, of all
 };

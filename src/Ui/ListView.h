@@ -87,7 +87,9 @@ protected:
 
 private:
     void setUpHeader();
+    // Puts the rows in order, by filter and header.
     void arrange();
+    // Gives each column its share.
     void shareWidth();
     void copyNames() const;
 

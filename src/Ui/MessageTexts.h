@@ -24,5 +24,5 @@ private:
     QTextEdit* addText(const QString& text, const char* accessibleName);
 
     QTextEdit* message;
-    QTextEdit* details = nullptr;
+    QTextEdit* details = nullptr; // null if there are none
 };

@@ -22,6 +22,7 @@ public:
     /// `caption` is the window's title while the page is shown. A cover page shows neither title nor subtitle.
     WizardPage(int dialogId, Look look, const CString& caption, const CString& title, const CString& subtitle);
 
+    /// Returns the number by which handlers name the page that follows, and by which its help topic is found.
     int queryDialogId() const { return dialogId; }
 
     /// Called once, before the page is first shown. Creates the controls. The sheet is known by then, but not in the
@@ -48,7 +49,8 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
 
-    /// Gives a control its numeric id and returns it.
+    /// Gives a control its numeric id and returns it. Tests find controls by it, and the widths of lists are stored
+    /// under it.
     template <class Control>
     static Control* withId(int id, Control* control)
     {
@@ -57,6 +59,7 @@ protected:
     }
 
 private:
+    // Reads the texts and the look, and sets `owner` and `initialised`.
     friend class WizardSheet;
 
     bool hasRoomForPicture() const;

@@ -62,6 +62,7 @@ WizardSheet::WizardSheet(const CString& caption, CWnd* parent, UINT start, HBITM
 {
     setWindowTitle(plainTitle(toUi(caption)));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    // Dialogs have no such buttons by default, but the lists of types can use a large window.
     setWindowFlag(Qt::WindowMinMaxButtonsHint, true);
     backButton = addButton("back", kBack, &WizardSheet::back);
     nextButton = addButton("next", kNext, &WizardSheet::next);
@@ -128,6 +129,7 @@ void WizardSheet::AddPage(WizardPage& page)
     // Tab goes to the controls only, and the area scrolls to the one that gets the focus.
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(&page);
+    // A scroll area only follows Tab by itself, not a letter of a label or the program's setFocus().
     connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
         if (area->isAncestorOf(now))
             area->ensureWidgetVisible(now);
@@ -239,6 +241,7 @@ void WizardSheet::showProgress(const LongWork& longWork, QProgressBar* pageBar, 
 }
 
 // Hides the buttons before the progress appears. If both were visible for a moment, the window would grow for good.
+// Calls alternate, because each sets or restores one cursor of a stack.
 void WizardSheet::setNavigation(bool visible)
 {
     if (visible)
@@ -369,6 +372,7 @@ QSize WizardSheet::sizeHint() const
     return {page.width(), page.height() + band->heightAt(page.width()) + buttons};
 }
 
+// The desktop's colours can change while the wizard runs.
 void WizardSheet::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::PaletteChange)

@@ -93,7 +93,7 @@ public:
     /// on the subtitles, so it is known after the last AddPage().
     QSize sizeHint() const override;
 
-    /// Returns the picture behind cover pages, in the tones of the palette.
+    /// Returns the picture behind cover pages, in the tones of the palette. Valid until the palette changes.
     const QImage& queryWatermark() const { return watermark; }
 
 protected:
@@ -117,10 +117,12 @@ private:
     void layOut();
     // `answer` is that of a page's handler; `step` leads to the neighbour for the answer 0.
     void go(LRESULT answer, int step);
+    // Shows the page of a sheet index.
     void activate(int index);
+    // Fits the letters of the buttons to those of the page.
     void updateMnemonics();
 
-    HBITMAP watermarkId;
+    HBITMAP watermarkId; // of `watermark`, which is drawn again if the palette changes
     QImage watermark;
     HeaderBand* band;
     QStackedWidget* stack;

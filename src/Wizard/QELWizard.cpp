@@ -86,6 +86,7 @@ QELWizard::QELWizard(UINT captionId, CWnd* parent, UINT startPage, HBITMAP water
     WizardSheet(loadText(captionId), parent, startPage, watermark, header), WizardRun(static_cast<WizardSheet&>(*this))
 {
     setObjectName("QELWizard");
+    // Pictures have their resource numbers as names.
     setWindowIcon(QIcon(":/1027"));
     setAcceptDrops(true);
     setMainWindow(this);

@@ -32,11 +32,13 @@ public:
     void openFiles(const QStringList& files) override;
 
 protected:
+    /// Restores the widths of the page's columns.
     void OnPageMade(WizardPage& page) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
+    // In the order of the sheet.
     FirstPage firstPage;
     SourceTypePage sourceTypePage;
     DataSourcePage dataSourcePage;

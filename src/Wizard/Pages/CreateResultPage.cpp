@@ -35,6 +35,7 @@ void CreateResultPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
     resultBox = withId(IDC_RESULTS, new QListWidget);
+    // Copy takes all shown lines, so none need be selected.
     resultBox->setSelectionMode(QAbstractItemView::NoSelection);
     resultBox->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     resultBox->setUniformItemSizes(true); // measures only visible lines of many thousand

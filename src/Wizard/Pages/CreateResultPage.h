@@ -22,9 +22,11 @@ public:
 
 private:
     QHBoxLayout* makeButtons();
+    // Fills the box with all lines, or only with those of failures and their reasons.
     void showFailuresOnly(bool only);
     // Each ends with a line feed.
     CString shownLines() const;
+    // Copy or save the shown lines, not the hidden ones.
     void copy();
     void save();
 

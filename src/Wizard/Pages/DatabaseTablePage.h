@@ -19,6 +19,7 @@ public:
 
     void OnInitDialog() override;
     void OnSetActive() override;
+    /// Imports the selected tables; stays if none is selected.
     LRESULT OnWizardNext() override;
     LRESULT OnWizardBack() override { return IDD_DATA_SOURCE; }
 
@@ -38,7 +39,7 @@ private:
     void listTables();
 
     ListView* tableList = nullptr;
-    QLabel* selectedCount = nullptr;
-    QCheckBox* selectedOnly = nullptr;
-    std::vector<Row> tables; // the rows of the list
+    QLabel* selectedCount = nullptr;   // also says that a selection is missing
+    QCheckBox* selectedOnly = nullptr; // hides the tables that aren't selected
+    std::vector<Row> tables;           // the rows of the list
 };

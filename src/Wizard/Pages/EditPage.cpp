@@ -29,6 +29,10 @@
 #include <cstdlib>
 #include <utility>
 
+// The list shows the importer's elements themselves, without copies: a cell is read when it becomes visible.
+// `structure` numbers the same types in the same order, so a row is a type's number there, too. To import again, by
+// another main element or in full, the page makes a second importer beside the first. Only if that succeeds does it
+// replace the first, and all pointers to elements are dropped before the first is freed (importBy()).
 namespace {
 
 // Returns the folder for documents shown in a viewer. The variables let a user avoid a folder that the viewer can't
@@ -104,6 +108,7 @@ QWidget* EditPage::makeLists()
     paneSide->hide();
     connect(pane, &StructurePane::jumped, this, &EditPage::jumpTo);
     auto* splitter = new QSplitter;
+    // The name under which its widths are stored.
     splitter->setObjectName("lists");
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(list);
@@ -149,6 +154,7 @@ void EditPage::OnSetActive()
             tr("Check \"Read in full\" on the page before: the source uses %1.").arg(toUi(unsupported)));
     fullReadingHint->setHidden(unsupported.empty() || wizard->message->beginEnum() != 0);
     readingRow->showReading(*wizard->message, wizard->fullMessage());
+    // Without types the hint says it in words; the button is there in both cases.
     readingRow->offerFull(!unsupported.empty());
     showTypes();
 }
@@ -369,6 +375,7 @@ void EditPage::showPane(bool visible)
 // Beside the pane, the list has a column for descriptions only if some aren't generated from the names.
 void EditPage::shareColumns()
 {
+    // 5 % stay free, because a scroll bar takes room from the columns.
     typeList->setShares(paneSide->isHidden() ? std::vector{30, 65}
                         : hasOwnDescriptions ? std::vector{75, 20}
                                              : std::vector{95, 0});

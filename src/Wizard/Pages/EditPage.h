@@ -30,6 +30,7 @@ public:
     void OnInitDialog() override;
     void OnSetActive() override;
     LRESULT OnWizardNext() override { return IDD_OUTPUT; }
+    /// Returns to the page that has imported the source.
     LRESULT OnWizardBack() override;
 
 protected:
@@ -37,7 +38,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    // Shows the selected type's document in the viewer. A double click in the list and Return do it, too.
+    // Shows the selected type's document in the viewer, as a double click in the list does.
     void OnEdit();
     void OnDblclkEdit();
     QWidget* makeLists();
@@ -47,11 +48,13 @@ private:
     int queryRow();
     void showDocument();
     void showPicture();
+    // Show or hide the pane with the structure.
     void togglePane();
     void showPane(bool visible);
     // Shares the list's width among its columns, by whether the pane is shown.
     void shareColumns();
     void showStructure();
+    // Selects a type by its number in `structure`.
     void jumpTo(std::uint32_t type);
 
     // Fills the list with the types of the wizard's importer.

@@ -16,6 +16,7 @@ public:
 
     void OnInitDialog() override;
     void OnSetActive() override;
+    /// Stores the options.
     BOOL OnWizardFinish() override;
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
 

@@ -12,6 +12,7 @@ public:
 
     void OnInitDialog() override;
     void OnSetActive() override;
+    /// Takes the choice into the options.
     LRESULT OnWizardNext() override;
 
 private:

@@ -24,6 +24,10 @@
 #include <QRadioButton>
 #include <QValidator>
 
+// Next does everything: it checks the fields, logs on and creates the types as one piece of long work, and leads to the
+// results. Questions about existing types come from the work's thread and are asked in the window's. A failed logon
+// keeps the page. Once the creation has begun, the results follow in any case, also if it was cancelled, because some
+// types exist by then.
 namespace {
 
 // Converts letter by letter, so that the text keeps its length and the cursor its position.
@@ -189,10 +193,12 @@ LRESULT LoginToBroker::OnWizardNext()
     if (!failure.empty())
         return stay(failure, reason);
     ScriptCommand& script = wizard->script;
+    // A port in the server's name overrides the field, here as in the session.
     const auto address = readServerAddress(server, port);
     script.address = address ? address->asText() : server;
     script.user = isTrusted ? CString() : user;
     script.output.clear();
+    // The bar ends full even if the last report of progress came before the last type.
     if (errors)
         progress->setValue(progress->maximum());
     if (errors.value_or(0) != 0)

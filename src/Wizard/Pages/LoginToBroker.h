@@ -22,6 +22,7 @@ public:
     void OnInitDialog() override;
     void OnSetActive() override;
     LRESULT OnWizardBack() override { return IDD_OUTPUT; }
+    /// Logs on and creates the types. Leads to the results once the creation has begun; stays after a failed logon.
     LRESULT OnWizardNext() override;
 
     /// Enable the controls of a kind of logon, when the user chooses it.
@@ -40,10 +41,13 @@ private:
     // Create the two groups of controls, filled from the options.
     QWidget* makeServerGroup();
     QWidget* makeLogonGroup();
+    // Suggests the kind of logon by the server's name, while it is typed.
     void suggestLogon(const QString& server);
+    // Reads the controls into the members below. Returns false if the port is no number, which the user has been told.
     bool UpdateData();
     // Returns the control of a missing entry; null if all entries that the logon needs are there.
     QWidget* blankField() const;
+    // Stores the members in the options.
     void storeInput();
     // Asks in the window's thread whether to replace a type.
     OverwriteChoice ask(const CString& question, const CString& details);

@@ -34,13 +34,15 @@ CString outputNameFor(const MsgBase& message, CString source)
         std::ranges::replace(source, '/', '_');
         return source + ending;
     }
+    // For a folder as the source.
     while (source.ends_with('/'))
         source.pop_back();
     const std::filesystem::path path(source);
     return (path.parent_path() / (path.stem().string() + ending)).string();
 }
 
-// Returns whether the types were read from a file, alone or with others.
+// Returns whether the types were read from a file, alone or with others. Folders are listed again, because their files
+// are not stored.
 bool isSource(const CString& fileName, const WizardRun& wizard)
 {
     const MsgUIDescriptor& importer = *wizard.message->queryDescriptor();

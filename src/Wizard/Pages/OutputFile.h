@@ -15,7 +15,9 @@ public:
 
     void OnInitDialog() override;
     void OnSetActive() override;
+    /// Writes the document. Stays if that fails: an older file is then as it was.
     LRESULT OnWizardNext() override;
+    /// Leaves the folder for output.
     LRESULT OnWizardBack() override;
 
 protected:

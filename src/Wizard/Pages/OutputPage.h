@@ -22,6 +22,6 @@ public:
     LRESULT OnWizardNext() override;
 
 private:
-    QButtonGroup* choice = nullptr;
+    QButtonGroup* choice = nullptr; // its ids are those of OutputMode
     OutputMode outputSel = toFile;
 };

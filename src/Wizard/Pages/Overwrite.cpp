@@ -61,6 +61,7 @@ void OverWriteDlg::answer(OverwriteChoice newChoice)
     accept();
 }
 
+// The dialog has no topic of its own, so F1 shows the contents of the help.
 void OverWriteDlg::keyPressEvent(QKeyEvent* event)
 {
     constexpr UINT contextHelp = 1;

@@ -101,6 +101,7 @@ void PreviewPane::setCounts(const QString& words)
         std::max(counts->fontMetrics().lineSpacing() * 3, counts->heightForWidth(counts->width())));
 }
 
+// The counts wrap, so their height depends on the width.
 void PreviewPane::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);

@@ -27,8 +27,11 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    // Previews `source`; counts a large one, too, if `isWanted`.
     void start(bool isWanted);
+    // Shows a text of up to three lines below the preview.
     void setCounts(const QString& words);
+    // Receive the results, see SourcePreview.
     void showText(const QString& text, quint64 size, bool isCounted);
     void showCounts(const SourcePreview::Count& literal, const SourcePreview::Count& full);
 

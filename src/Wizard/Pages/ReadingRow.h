@@ -22,7 +22,7 @@ public:
     /// Shows a new import. `full` is the same object if the source was read in full, else null.
     void showReading(const MsgBase& message, const FullMessage* full);
 
-    /// Offers the full reading, or doesn't.
+    /// Offers the full reading, or doesn't. Call it after showReading().
     void offerFull(bool isOffered);
 
 Q_SIGNALS:
@@ -34,7 +34,9 @@ Q_SIGNALS:
     void fullWanted();
 
 private:
+    // Fills the choice of the main element; hides it without a choice.
     void showMainElements(const FullMessage* full);
+    // Shows how much was not carried over, and the button for details.
     void showCount(const MsgBase& message);
 
     QLabel* mainElementLabel;

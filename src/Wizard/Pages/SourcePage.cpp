@@ -27,6 +27,10 @@
 
 #include <algorithm>
 
+// The field holds one name, or several in quotes; sourcesIn() takes it apart wherever names are needed. The page before
+// has chosen the importer. The check box decides between its two readings only on Next (chooseReading()), while the
+// preview counts both. What can be said without reading the source is said before the import (sourceError()); errors of
+// the import come through the importer's error handler.
 namespace {
 
 // Returns the file types: all types, each importer's own kind once, all files. Importers of the same kind of file share
@@ -113,6 +117,7 @@ void SourcePage::OnInitDialog()
     connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::updatePreview);
 }
 
+// Returns the row with what a source of several files needs: the layout of folders, and a button that takes a folder.
 QWidget* SourcePage::makeSetRow()
 {
     layoutCombo = withId(IDC_FOLDER_LAYOUT, new ComboBox("Folders of &types:"));
@@ -127,6 +132,7 @@ QWidget* SourcePage::makeSetRow()
     return rowOf("Folders of &types:", layoutCombo, folderButton);
 }
 
+// Returns the row for XML catalogues, which takes names like the field for files.
 QWidget* SourcePage::makeCatalogRow()
 {
     catalogEdit = withId(IDC_CATALOGS, new QLineEdit(toUi(wizard->options.queryCatalogs())));
@@ -277,6 +283,7 @@ void SourcePage::takeFile(const CString& chosen)
         fullCheck->setChecked(true); // several sources can only be read in full
 }
 
+// A folder is chosen by a dialog of its own, because a dialog for files can't return one.
 void SourcePage::pickFolder()
 {
     if (const CString folder = chooseFolder(this, "Select a folder of sources", wizard->options.queryInputFolder());

@@ -22,6 +22,7 @@ public:
     void OnSetActive() override;
     LRESULT OnWizardNext() override;
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
+    /// Several names, or a folder, also select the full reading if the importer has one besides a literal one.
     void takeFile(const CString& chosen) override;
 
 protected:
@@ -35,19 +36,23 @@ protected:
 private:
     QWidget* makeSetRow();
     QWidget* makeCatalogRow();
+    // Let the user choose a folder as the source, or catalogues.
     void pickFolder();
     void pickCatalogs();
     bool takesFolders() const;
+    // Shows or hides the rows for several files and for catalogues.
     void showSetRows();
+    // Makes the wizard's importer that of the chosen reading, and stores the choices.
     void chooseReading();
+    // Returns why these sources can't be imported; "" if nothing speaks against it before they are read.
     CString sourceError(const std::vector<CString>& names) const;
 
     // Called whenever a control changes what would be imported.
     void updatePreview();
 
     PreviewPane* pane = nullptr;
-    QCheckBox* fullCheck = nullptr;
-    QWidget* setRow = nullptr; // the controls for several files
+    QCheckBox* fullCheck = nullptr; // hidden if the importer has one reading
+    QWidget* setRow = nullptr;      // the controls for several files
     QComboBox* layoutCombo = nullptr;
     QWidget* catalogRow = nullptr;
     QLineEdit* catalogEdit = nullptr;

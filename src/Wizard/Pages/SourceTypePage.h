@@ -17,6 +17,7 @@ public:
 
     void OnInitDialog() override;
     void OnSetActive() override;
+    /// Leads to the importer's first page, for a file or a data source; stays if no importer is selected.
     LRESULT OnWizardNext() override;
 
 private:
@@ -26,7 +27,7 @@ private:
     QWidget* makePathGroup();
 
     ListView* importerList = nullptr;
-    int importerCount = 0;
+    int importerCount = 0; // of the table, and rows of the list
     QLineEdit* pathEdit = nullptr;
     CString objectPath;       // the base path last shown or confirmed
     QString typedPath;        // the typed path that the last click has replaced

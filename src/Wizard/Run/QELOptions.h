@@ -124,22 +124,22 @@ private:
     int hideWelcome = 0;
     CString inputFolder;
     CString outputFolder;
-    CStringList inputFiles;
+    CStringList inputFiles; // this and the next three: newest first
     CStringList outputFiles;
     CStringList users;
     CStringList brokerAddresses;
     unsigned int brokerPort = 7250;
     int lastImporterSel = 0;
-    int lastOutputSel = 0; // of OutputPage::OutputMode
-    int fullReading = 0;
-    int layout = 0; // of FullMessage::Layout
-    int setLast = 0;
-    CString sourceSet;
+    int lastOutputSel = 0;           // of OutputPage::OutputMode
+    int fullReading = 0;             // 1: read in full where there are two readings
+    int layout = 0;                  // of FullMessage::Layout
+    int setLast = 0;                 // 1: the last source was one of several files
+    CString sourceSet;               // "" if there never was one
     std::optional<CString> catalogs; // nothing if there never were any
     int useTrustedLogon = 0;
     CString pwd;      // wiped when it changes and at the end
     CString basePath; // ends with a backslash once confirmed
     long editBack = 0;
-    CStringList resultList;
+    CStringList resultList;              // of the last creation run
     std::vector<ResultKind> resultKinds; // of its lines
 };

@@ -54,6 +54,7 @@ bool WizardRun::importSources(const std::vector<CString>& names)
     if (fullMessage() && message->queryDescriptor()->readsCatalogs())
         script.catalogs = absoluteSourcesIn(options.queryCatalogs());
     const WaitCursor wait;
+    // The boxes of one import are one series, which the user can hide.
     const ImportMessages together;
     message->wantReport();
     int isRead = 0;
@@ -80,6 +81,7 @@ int WizardRun::readSources()
     const int isRead = message->parseFile(files.front(), options.queryPath());
     if (!isRead)
         return 0;
+    // The source is only looked at again if the full reading might bring more.
     const bool isIncomplete = message->beginEnum() == 0 || message->queryReport().queryTotal(SourceReport::loss) != 0;
     unsupportedConstructs = isIncomplete ? unsupportedByLiteral(files.front()) : CString();
     return isRead;
@@ -108,6 +110,8 @@ bool WizardRun::openDatabase()
                 throw std::runtime_error(openErrorText(script.source, error.what()));
             reason = error.what();
         }
+        // Kept in the script, so that a refused logon need not be typed again, and the command logs on as the same
+        // user.
         CString& user = script.sourceUser;
         if (!DataSourceLogon(sheet.activePage(), script.source, reason, user).ask(user, logon.text))
             return false;

@@ -19,6 +19,7 @@
 // route the arrows, and draw both with Qt. So it needs no fonts of Graphviz, and the same code draws screen and files.
 namespace {
 
+// Lengths are in points of the layout.
 constexpr double kPadding = 8;
 constexpr double kWidestText = 260; // of a name or a type; longer ones are cut in the middle
 constexpr double kLegible = 0.3;    // below this scale texts can't be read

@@ -63,6 +63,7 @@ private:
         QFont title;
     };
 
+    // A row of a box: a name at its left end, a type at its right end.
     struct Row
     {
         QString name; // elided to fit
@@ -70,6 +71,7 @@ private:
         double typeWidth;
     };
 
+    // A box with its texts. `area` has only a size until Graphviz has placed the box.
     struct Box
     {
         std::uint32_t type;
@@ -79,9 +81,11 @@ private:
 
     // Box sizes depend on fonts, so they are measured before Graphviz places the boxes.
     Box measure(const TypeGraph::Box& box) const;
+    // Adds an arrow without Graphviz, between boxes that are placed.
     void addPlainArrow(const TypeGraph::Arrow& arrow);
     void drawBox(QPainter& painter, const Box& box, const Fonts& fonts, const QRectF& exposed, double scale,
                  bool isChosen) const;
+    // Draws a row in the painter's current font.
     void drawRow(QPainter& painter, const Row& row, const QRectF& place, double scale) const;
 
     Fonts fonts;

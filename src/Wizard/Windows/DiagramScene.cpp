@@ -71,6 +71,7 @@ void DiagramScene::choose(std::size_t box)
     boxes[chosen]->update();
 }
 
+// A picture has few boxes, so they are searched one by one.
 std::optional<std::size_t> DiagramScene::boxAt(const QPointF& point) const
 {
     for (std::size_t box = 0; box < boxes.size(); ++box)

@@ -22,6 +22,9 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+// A picture is made in two parts. The types around one type are collected in the window's thread, to which the
+// structure belongs. Layout and files take long and are made in the work's thread, from a graph or a diagram that
+// doesn't change. Back keeps types, not pictures, so an earlier picture is laid out again, by the current choices.
 namespace {
 
 // Graphviz's time grows faster than the number of types, so a picture has at most kMaxTypes. A picture of all types
@@ -73,6 +76,7 @@ QHBoxLayout* DiagramWindow::makeChoiceRow()
         auto* combo = new ComboBox(label);
         combo->setObjectName(objectName);
         combo->addItems(choices);
+        // Only the user's choice draws, not that of open() or redraw().
         connect(combo, &QComboBox::activated, this, &DiagramWindow::redraw);
         QLabel* words = plainLabel(label);
         words->setBuddy(combo);
@@ -164,6 +168,7 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
 void DiagramWindow::open(std::uint32_t type)
 {
     bool isComplete = true;
+    // Only asks whether there are more.
     structure.lock()->reach(type, kManyTypes, isComplete);
     if (!isComplete) {
         depth->setCurrentIndex(0);

@@ -41,14 +41,18 @@ Q_SIGNALS:
 private:
     QHBoxLayout* makeChoiceRow();
     QWidget* makeButtons();
+    // Runs work with a row for its progress and Cancel. Returns false if it was cancelled.
     bool runLong(const std::function<void()>& work);
     // Returns false if the picture that is shown stays: the work was cancelled, or the types are gone.
     bool draw(std::uint32_t type);
     // Draws the shown type again, by the choices of direction and depth.
     void redraw();
+    // Continues with the type of a box, or with the type shown before.
     void goTo(std::size_t box);
     void goBack();
+    // Passes the choice of a box on as the choice of its type.
     void choose(std::size_t box);
+    // Returns whether another picture can be drawn; if not, tells the user.
     bool areTypesThere();
     // Returns what the status line says about the number of types.
     QString countOf(std::size_t types, bool isComplete) const;
@@ -56,6 +60,7 @@ private:
     CString save(bool isSvgOnly);
     // Returns the picture as the contents of a file of this name.
     CString bytesFor(const CString& fileName);
+    // Asks, before a PNG is drawn smaller than the picture, whether to save an SVG.
     bool wantsSvgInstead();
 
     std::weak_ptr<const TypeStructure> structure;
@@ -66,8 +71,8 @@ private:
     QString name;                           // of the shown type
     DiagramView* view;
     QLabel* status;
-    ComboBox* depth;
-    ComboBox* direction;
+    ComboBox* depth;     // row kAllDepths: any
+    ComboBox* direction; // rows are numbers of TypeStructure::Direction
     QPushButton* backButton;
     QWidget* buttons;
     QWidget* work; // shown instead of the buttons during long work

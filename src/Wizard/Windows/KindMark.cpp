@@ -22,6 +22,7 @@ const Kind kKinds[] = {
     {"table", QColor(0x2c, 0x93, 0x62), {QRectF(4, 4, 3, 3), {9, 4, 3, 3}, {4, 9, 3, 3}, {9, 9, 3, 3}}},
 };
 
+// Draws a mark for one size, so that its edges are sharp there.
 QPixmap draw(const Kind& kind, int size)
 {
     QPixmap picture(size, size);

@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 
+// A double click jumps, so it must not open the row as well.
 StructurePane::StructurePane() : tree(new TypeTreeModel(this))
 {
     setObjectName("structure");

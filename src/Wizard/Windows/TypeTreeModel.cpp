@@ -171,6 +171,7 @@ QModelIndex TypeTreeModel::parent(const QModelIndex& index) const
     return above == nullptr || above == root.get() ? QModelIndex() : createIndex(above->row, 0, above);
 }
 
+// Only the first column has children, as Qt's views expect.
 int TypeTreeModel::rowCount(const QModelIndex& parent) const
 {
     return parent.column() > 0 ? 0 : static_cast<int>(nodeOf(parent).children.size());

@@ -39,6 +39,7 @@ private:
     // A row; QModelIndex::internalPointer() points to it.
     struct Node;
 
+    // Returns the node of an index; the root for an invalid one.
     Node& nodeOf(const QModelIndex& index) const;
     // Add children to a node, which has reserved room for them.
     void addParts(Node& node) const;
