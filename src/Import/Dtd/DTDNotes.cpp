@@ -105,6 +105,7 @@ std::size_t DTDNotes::readComment(std::size_t at)
     return end + 3;
 }
 
+// An instruction ends at its first '>', as in SGML, because a statement of the literal reading does.
 std::size_t DTDNotes::readInstruction(std::size_t at)
 {
     const std::size_t end = closeFrom(at), next = text.substr(at, end - at).find("<!");

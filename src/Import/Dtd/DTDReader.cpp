@@ -217,6 +217,7 @@ void DTDReader::readGroupMark(char mark, std::size_t& depth)
     }
 }
 
+// An element that no declaration follows is reported where it is referred to first.
 void DTDReader::readChild()
 {
     Element& child = elementNamed(tokens->token().text);

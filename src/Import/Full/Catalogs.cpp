@@ -211,6 +211,7 @@ CString Catalogs::pathOf(const CString& reference, const Base& base)
     return base ? *base + path : CString();
 }
 
+// The queue grows while it is worked off, until all catalogues that can be reached are known.
 void Catalogs::load(const CString& fileName)
 {
     const auto id = identify(fileName);
