@@ -75,8 +75,8 @@ void JsonContents::readSchema(Frame& frame)
     readOwn(frame, own);
 }
 
-// Long, because it has a case for each keyword that matters for types; each only files the value where it belongs. All
-// others end in the table or nowhere.
+// Long, because it has a case for each keyword that matters for types. Keywords without a case are only counted, by the
+// table, or ignored.
 void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
 {
     const Index node = tree.target(child);
