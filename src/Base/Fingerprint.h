@@ -13,6 +13,7 @@
 struct Fingerprint
 {
     Fingerprint() = default;
+    /// Implicit, because a key is often at hand as a text. Linear in its length.
     Fingerprint(std::string_view text);
     Fingerprint(const CString& text) : Fingerprint(std::string_view(text)) {}
 

@@ -103,6 +103,7 @@ public:
     /// Returns the value of the index-th key. Values may be added during a walk by index, which then reaches them, too.
     /// `index` must be less than size(), and isn't checked.
     T* operator[](std::size_t index) const { return entries[index]; }
+    /// A walk by iterators must not store values with new keys, which may move the list.
     auto begin() const { return entries.begin(); }
     auto end() const { return entries.end(); }
 

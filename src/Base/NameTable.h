@@ -38,6 +38,7 @@ public:
     /// Returns the text of a number. Valid as long as the table. `id` must be a number that intern() returned.
     std::string_view operator[](Id id) const { return index[id]->text; }
 
+    /// Returns how many numbers there are, that of the empty text included.
     std::size_t size() const { return index.size(); }
 
 private:

@@ -47,6 +47,7 @@ struct Cancelled
 class BackgroundWork
 {
 public:
+    /// `isWanted` is called in this thread, as often as the progress handler would be.
     explicit BackgroundWork(std::function<bool()> isWanted);
     ~BackgroundWork();
     BackgroundWork(const BackgroundWork&) = delete;

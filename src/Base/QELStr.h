@@ -52,6 +52,8 @@ public:
     /// outside the locale), the text becomes empty and the length 0.
     [[gnu::format(printf, 2, 3)]] unsigned int sprintf(const char* format, ...);
 
+    /// Append. If the storage is too small, it becomes twice as large as the new text, so that appending in a loop
+    /// takes linear time.
     QELString& operator+=(const QELString& other);
     QELString& operator+=(char ch);
 
@@ -78,6 +80,7 @@ public:
     void cutl(unsigned int n); ///< removes the first n characters, at most all
     void cutr(unsigned int n); ///< removes the last n characters, at most all
 
+    /// Change ASCII letters only.
     void lowerCase();
     void upperCase();
     void initial(); ///< after leading spaces, makes the first character upper case and the rest lower case
@@ -143,6 +146,7 @@ QELString nstr(Number v)
 class QELStringIterator
 {
 public:
+    /// Copies the string.
     explicit QELStringIterator(const QELString& s);
     QELStringIterator(const QELStringIterator&) = delete;
     QELStringIterator& operator=(const QELStringIterator&) = delete;

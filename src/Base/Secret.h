@@ -12,6 +12,7 @@ struct Secret
     CString text;
 
     Secret() = default;
+    /// Moves the text. The bytes of a short one lie inside the string object and stay in the one that it came from.
     explicit Secret(CString secret) : text(std::move(secret)) {}
     ~Secret() { wipe(text); }
     Secret(const Secret&) = delete;

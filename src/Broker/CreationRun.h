@@ -57,6 +57,7 @@ public:
         std::function<void(const CString& line, ResultKind kind)> addResult; ///< adds a line to the list of results
     };
 
+    /// The session must be open.
     CreationRun(BrokerSession& session, Callbacks callbacks, CreationOptions options = {});
 
     /// Creates every type of `message`, in enumeration order, and returns the number of failures. Call it once. Throws

@@ -19,6 +19,8 @@ struct TlsAttempt;
 class CDatabase
 {
 public:
+    /// `readOnly` tells the driver that nothing will be changed (SQL_ATTR_ACCESS_MODE), which it may ignore, and keeps
+    /// SQLite's driver from creating a missing file.
     enum Access
     {
         readOnly,

@@ -14,6 +14,7 @@
 class CFieldExchange
 {
 public:
+    /// Add the member of the next column, a text or a number.
     void text(CString& member) { fields.push_back({&member, nullptr}); }
     void number(LONG& member) { fields.push_back({nullptr, &member}); }
 
@@ -83,6 +84,7 @@ protected:
     /// not be empty.
     int openCatalogue(unsigned short function, std::vector<Arguments> calls, UINT type);
 
+    /// Returns the connection given to the constructor, or null.
     CDatabase* queryDatabase() const { return database; }
 
 private:

@@ -12,6 +12,7 @@ public:
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
 
+    /// Returns the descriptor, which stays owned by this object; -1 if there is none.
     int get() const { return fd; }
     bool isOpen() const { return fd >= 0; }
 

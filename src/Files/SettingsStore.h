@@ -9,6 +9,7 @@
 /// integer is 32 bits in little-endian order.
 struct SettingsValue
 {
+    /// The types that the program writes.
     enum class Type
     {
         text,

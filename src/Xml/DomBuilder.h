@@ -23,6 +23,7 @@ public:
         tree(tree), take(std::move(take)), parent(&tree.queryDocument())
     {}
 
+    /// Returns the root element, null before its start tag.
     IXMLDOMNode queryRoot() const { return root; }
 
     void scope(const XmlScope& scope) override { place = scope.place; }

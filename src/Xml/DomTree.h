@@ -85,6 +85,7 @@ public:
     /// Returns the root of the node's tree: the document's, or `unplaced`. Linear in the depth.
     static DomRoot& rootOf(DomTreeNode& node);
 
+    /// Returns the storage for the texts of nodes.
     Arena& queryArena() { return arena; }
     DomRoot& queryDocument() { return document; }
 

@@ -38,9 +38,11 @@ struct XmlAttribute
 class XmlAttributes
 {
 public:
+    /// Takes the arrays of libxml2's startElementNs callback.
     XmlAttributes(const unsigned char** pointers, int size) : rows(pointers), count(static_cast<std::size_t>(size)) {}
 
     std::size_t size() const { return count; }
+    /// `index` must be less than size().
     XmlAttribute operator[](std::size_t index) const
     {
         const unsigned char** const row = rows + kRowSize * index;
