@@ -19,7 +19,7 @@ constexpr std::size_t kHeap = 15 * kLargePage; // below the highest threshold th
 void* allocateLarge(std::size_t bytes)
 {
     const bool isLarge = bytes >= kLargeBlock;
-    // C requires of aligned_alloc() a size that is a multiple of the alignment.
+    // C11 requires of aligned_alloc() a size that is a multiple of the alignment.
     void* const memory = isLarge ? std::aligned_alloc(kLargePage, (bytes + kLargePage - 1) / kLargePage * kLargePage)
                                  : std::malloc(bytes);
     if (!memory)
