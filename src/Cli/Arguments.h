@@ -23,22 +23,22 @@ struct Arguments
     bool hasBasePath = false;
     std::vector<CString> tables; ///< names of tables to import; empty: all
     CString output;              ///< empty: standard output
-    bool list = false;
-    bool json = false; ///< for the list or the differences
-    bool graph = false;
-    bool pretty = false; ///< indent the document of `type`
-    CString type;        ///< the only type to write; only if hasType
+    bool list = false;           ///< write the list of types instead
+    bool json = false;           ///< for the list or the differences
+    bool graph = false;          ///< write the graph of the types instead
+    bool pretty = false;         ///< indent the document of `type`
+    CString type;                ///< the only type to write; only if hasType
     bool hasType = false;
-    bool always = false; ///< write the file even if nothing changed
-    bool allowEmpty = false;
+    bool always = false;     ///< write the file even if nothing changed
+    bool allowEmpty = false; ///< an import without types succeeds
     Verbosity verbosity = Verbosity::normal;
     FullOptions full;
     DiffOptions diff;
     DependencyOptions dependencies;
     ReportOptions report;
-    LogonOptions logon;
+    LogonOptions logon; ///< at the broker; at the database if no broker needs it
     LogonOptions sourceLogon = {"", "", "--source-password-file", " at the database"};
-    CreateOptions create;
+    CreateOptions create; ///< creates types instead of writing them
 
     /// Returns the exit status of a failure: kFailed, but kUsage with --diff, because 1 then means a difference.
     /// diff(1) returns 2 for trouble.

@@ -23,6 +23,7 @@ struct Row
     CString value;  // name of its value, "FILE"; empty for a flag
     CString choice; // the possible words, separated by blanks; empty for any value
 
+    // Returns "-o", the separator and "--output", or the long name alone.
     CString names(const char* separator) const
     {
         return shortName.empty() ? "--" + longName : "-" + shortName + separator + "--" + longName;
@@ -81,6 +82,7 @@ std::vector<Row> rowsOf(const CLI::App& app)
     return rows;
 }
 
+// Returns the names of the wanted options, both forms of each, with a separator between them.
 CString joined(const std::vector<Row>& rows, const char* separator, const std::function<bool(const Row&)>& isWanted)
 {
     CString all;

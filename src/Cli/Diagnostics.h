@@ -78,10 +78,10 @@ public:
     bool hasLiteralError() const { return isLiteralError; }
 
 private:
-    CString source;
+    CString source; // shown if a fault has no file
     Verbosity verbosity;
-    std::size_t errors = 0;
-    std::size_t warnings = 0;
+    std::size_t errors = 0;                          // shown
+    std::size_t warnings = 0;                        // those of add(), shown or not
     std::unordered_set<std::uint64_t> shownWarnings; // hashes of the warnings shown
     bool isLiteralError = false;
 };

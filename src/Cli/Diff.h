@@ -20,8 +20,8 @@ struct DiffOptions
     CString document; ///< the earlier document, "-" for standard input, or a repository; empty: compare nothing
     CString compatible = "readers"; ///< whose compatibility counts: readers, writers or both
     std::vector<CString> allowed;   ///< ids of changes to accept
-    bool asJson = false;
-    bool ignoreFolders = false; ///< accept another base path or main element
+    bool asJson = false;            ///< write the differences as JSON
+    bool ignoreFolders = false;     ///< accept another base path or main element
 
     /// Returns whether `document` names a repository.
     bool isRepository() const { return document.starts_with(kBroker); }

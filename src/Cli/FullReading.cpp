@@ -70,6 +70,7 @@ void warnOfUnusedOptions(const FullMessage& message, Diagnostics& diagnostics)
 
 } // namespace
 
+// Any one of them is enough for the message.
 const char* FullOptions::optionOfFull() const
 {
     return !roots.empty()      ? "--root"
@@ -89,6 +90,7 @@ CString FullOptions::usageErrorFor(std::size_t sourceCount) const
     return option.empty() || isByNamespace ? "" : option + " requires --folders namespace";
 }
 
+// A repeatable option takes one value each time (allow_extra_args(false)), so that the next word is a source.
 void addFullOptions(CLI::App& app, FullOptions& options)
 {
     CLI::Option* const full = app.add_flag("--full", options.isWanted, "dtd, xsd: apply all rules of the language");
@@ -117,6 +119,7 @@ void addFullOptions(CLI::App& app, FullOptions& options)
         ->type_name("NAME");
 }
 
+// An importer that has no literal reading is a FullMessage, too. Its layout stays automatic unless one is given.
 MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& importer)
 {
     MsgBase* const message = options.isWanted && importer.hasFull() ? importer.createFull() : importer.create();
@@ -136,6 +139,7 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
     return message;
 }
 
+// After an error, options can be unused only because the import ended early, so they are not reported.
 void adviseOnFullReading(const MsgBase& message, Diagnostics& diagnostics)
 {
     const auto* const full = dynamic_cast<const FullMessage*>(&message);

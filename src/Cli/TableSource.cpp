@@ -60,6 +60,7 @@ void TableSource::import(MsgBase& message, const Arguments& arguments, const CSt
     }
 }
 
+// Without tables there is nothing to import; importSources() then reports that no types were found.
 void TableSource::read(ODBCMessage& message, const Arguments& arguments, const CString& basePath,
                        Diagnostics& diagnostics)
 {
@@ -119,6 +120,8 @@ std::vector<ChosenTable> TableSource::pickTables(const std::vector<CString>& nam
     return tables;
 }
 
+// Tries each dot, because names can have dots themselves. The driver takes the part behind it as a pattern, so what it
+// finds is compared with the whole name.
 std::optional<TableName> TableSource::qualifiedTable(const CString& name)
 {
     for (std::size_t dot = name.find('.'); dot != CString::npos; dot = name.find('.', dot + 1)) {

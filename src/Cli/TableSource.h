@@ -23,12 +23,18 @@ public:
     void import(MsgBase& message, const Arguments& arguments, const CString& basePath, Diagnostics& diagnostics);
 
 private:
+    // Does what import() does; throws CDBException on a database error.
     void read(ODBCMessage& message, const Arguments& arguments, const CString& basePath, Diagnostics& diagnostics);
+    // Returns false if the driver manager can't even try to connect. Throws CDBException if the driver fails, and
+    // std::runtime_error if the password can't be read.
     bool open(const Arguments& arguments);
     bool listTables(std::vector<ChosenTable>& tables);
+    // Returns the tables that the names of --table mean, each once; not all of them need exist.
     std::vector<ChosenTable> pickTables(const std::vector<CString>& names);
+    // Returns the table of a name with owner or qualifier in front, if there is one.
     std::optional<TableName> qualifiedTable(const CString& name);
     bool tableExists(const CString& name);
+    // Called after the import.
     void requireTables(MsgBase& message, const std::vector<ChosenTable>& tables, Diagnostics& diagnostics);
 
     CDatabase database;

@@ -51,6 +51,7 @@ void addContent(CString& out, const TypeStructure& structure, std::uint32_t type
     if (kind == Element::typeTable || kind == Element::typeArray) {
         if (kind == Element::typeArray)
             addMember(out, "size", element.querySize().empty() ? "5" : std::string_view(element.querySize()));
+        // A table or array has exactly one part.
         out += ",\"component\":{";
         addType(out, structure, parts.front());
         out += '}';

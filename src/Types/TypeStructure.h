@@ -59,6 +59,7 @@ public:
     /// Reads the types of the last import. `message` must outlive it.
     explicit TypeStructure(MsgBase& message);
 
+    /// Return the number of types, and the element of a type. Numbers go from 0 in the import's order.
     std::uint32_t size() const { return static_cast<std::uint32_t>(types.size()); }
     const Element& operator[](std::uint32_t type) const { return *types[type].element; }
 

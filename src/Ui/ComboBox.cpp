@@ -31,6 +31,7 @@ public:
         return part->object() == box.view() ? 0 : part->object() == box.lineEdit() ? 1 : -1;
     }
 
+    // The name is the accessible name; the current entry is the value.
     QString text(QAccessible::Text kind) const override
     {
         return kind == QAccessible::Value ? box.currentText() : QAccessibleWidget::text(kind);

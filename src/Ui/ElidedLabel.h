@@ -7,6 +7,7 @@
 class ElidedLabel : public QLabel
 {
 public:
+    /// The text is shown as it is, without markup.
     explicit ElidedLabel(const QString& text = {});
 
 protected:

@@ -11,6 +11,7 @@ class QLabel;
 class HeaderBand : public QWidget
 {
 public:
+    /// `pictureId` is the number of the header picture, see picture(). The band takes its width from `parent`.
     HeaderBand(int pictureId, QWidget* parent);
 
     /// Adds a page's subtitle to those that determine the height. The band takes that height at the next setTexts().

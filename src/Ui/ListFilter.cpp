@@ -11,6 +11,7 @@
 #include <QLocale>
 #include <QShortcut>
 
+// Ctrl+F works anywhere in the window, while the keys that the filter watches are those of its field.
 ListFilter::ListFilter(ListView& filteredList, const QString& rowNoun) :
     list(filteredList), noun(rowNoun), field(new QLineEdit), count(plainLabel())
 {

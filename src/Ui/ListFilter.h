@@ -18,6 +18,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Shows the filter and the number of rows that pass it.
     void showCount(const QString& filter);
 
     ListView& list;

@@ -64,6 +64,7 @@ void ListRows::setRows(int newCount, CellText newCells, RowMark newMarks)
     arrange({}, nullptr, -1, Qt::AscendingOrder);
 }
 
+// Filters before it sorts, since fewer rows are left then.
 void ListRows::arrange(const QString& text, const std::vector<int>* among, int column, Qt::SortOrder order)
 {
     beginResetModel();
@@ -138,6 +139,7 @@ int ListRows::columnCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : static_cast<int>(titles.size());
 }
 
+// The mark stands before the first cell only. A screen reader reads its word with the name.
 QVariant ListRows::data(const QModelIndex& index, int role) const
 {
     const int row = rowAt(index.row());

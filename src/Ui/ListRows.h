@@ -28,6 +28,7 @@ public:
     /// Returns the mark of a row; the reference must stay valid until the rows change.
     using RowMark = std::function<const Mark&(int row)>;
 
+    /// There is a column for each of `titles`. The model has no rows at first.
     ListRows(QStringList titles, QObject* parent);
 
     /// Sets `count` rows and shows all of them, in their own order. `marks` may be empty. The functions are called
@@ -48,6 +49,7 @@ public:
     /// Returns the index of a row, an invalid one if it isn't shown.
     QModelIndex indexOf(int row) const;
 
+    /// Returns the text of a cell by the row's number.
     CString cell(int row, int column) const { return cells(row, column); }
 
     int rowCount(const QModelIndex& parent = {}) const override;

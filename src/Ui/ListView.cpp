@@ -63,9 +63,11 @@ ListView::ListView(std::vector<Column> listColumns, const CString& accessibleNam
     setUpHeader();
     auto* copy = new QAction("&Copy names", this);
     copy->setShortcut(QKeySequence::Copy);
+    // Only with the focus in this list, since other controls of a page copy, too.
     copy->setShortcutContext(Qt::WidgetShortcut);
     connect(copy, &QAction::triggered, this, &ListView::copyNames);
     addAction(copy);
+    // Pages put their own actions before it.
     setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
@@ -97,6 +99,7 @@ void ListView::setRows(int count, CellText cells, RowMark marks)
     Q_EMIT selectedRowsChanged();
 }
 
+// An equal text changes nothing, which also ends the exchange with a field that shows the filter.
 void ListView::setFilter(const QString& text)
 {
     if (text == filter)
@@ -106,6 +109,7 @@ void ListView::setFilter(const QString& text)
     Q_EMIT shownRowsChanged(filter);
 }
 
+// The rows are fixed by the call: one that is deselected afterwards stays shown.
 void ListView::setSelectedOnly(bool only)
 {
     if (only == among.has_value())
@@ -131,6 +135,7 @@ void ListView::arrange()
         if (selectionMode() != SingleSelection)
             std::copy_if(selected.begin(), selected.end(), std::back_inserter(hiddenSelected),
                          [this](int row) { return !rows->indexOf(row).isValid(); });
+        // Without an effect on the selection, which follows.
         selectionModel()->setCurrentIndex(rows->indexOf(current), QItemSelectionModel::NoUpdate);
         selectionModel()->select(selectionOf(*rows, selected), QItemSelectionModel::Select);
         scrollTo(currentIndex());
@@ -202,6 +207,7 @@ void ListView::shareWidth()
     sharesWidth = true; // the steps above have cleared it, as a change by the user does
 }
 
+// Hiding a column resizes it, so the flag for the user's changes is restored.
 void ListView::setShares(const std::vector<int>& percents)
 {
     const bool isShared = sharesWidth;
@@ -253,6 +259,7 @@ void ListView::mousePressEvent(QMouseEvent* event)
     QTreeView::mousePressEvent(event);
 }
 
+// A click counts even if it selects nothing new: the importer page then shows the importer's own path again.
 void ListView::mouseReleaseEvent(QMouseEvent* event)
 {
     QTreeView::mouseReleaseEvent(event);

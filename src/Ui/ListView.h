@@ -19,6 +19,7 @@ class ListView : public QTreeView
     Q_OBJECT
 
 public:
+    /// A column: its title in the header, and its share of the list's width.
     struct Column
     {
         CString title;
@@ -47,9 +48,10 @@ public:
     int queryCount() const { return rows->queryCount(); }
     int rowCount() const { return rows->rowCount(); }
 
+    /// Returns the text of a cell by the row's number, whether the row is shown or not.
     CString cell(int row, int column) const { return rows->cell(row, column); }
 
-    /// Returns the first selected row, -1 if there is none.
+    /// Returns the first selected row, -1 if there is none. The first in ascending order of numbers, not of places.
     int selectedRow() const;
 
     /// Returns the numbers of all selected rows, hidden ones included, in ascending order.

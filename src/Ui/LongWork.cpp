@@ -211,6 +211,7 @@ void LongWork::serve()
         (*call)();
 }
 
+// Returns whether the work has ended. Its thread may take a moment more, so run() joins it.
 bool LongWork::isFinished() const
 {
     const std::lock_guard lock(mutex);

@@ -41,6 +41,7 @@ public:
     /// Cancels the work at its next progress report; returns at once. Work that doesn't report isn't ended.
     void cancel();
 
+    /// Returns whether cancel() was called. The work may still run, or have ended before it noticed.
     bool isCancelled() const { return cancelled; }
 
     /// Returns the last reported progress; no progress of Work::waiting before the first.

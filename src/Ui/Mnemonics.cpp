@@ -15,7 +15,7 @@ QChar mnemonicOf(const QString& text)
     return keys.isEmpty() ? QChar() : QChar(static_cast<char16_t>(keys[0].key())).toLower();
 }
 
-// Returns the text of a control that can have a mnemonic, else an empty one.
+// Returns the text of a control that can have a mnemonic, else an empty one. A label has one only for its buddy.
 QString labelOf(const QWidget* control)
 {
     if (const auto* button = qobject_cast<const QAbstractButton*>(control))

@@ -9,7 +9,9 @@ class PathLabel : public QLabel
 public:
     PathLabel();
 
+    /// One line, of any width.
     QSize minimumSizeHint() const override;
+    /// Returns the height of the whole text at a width.
     int heightForWidth(int width) const override;
 
 protected:

@@ -61,6 +61,8 @@ void paintWatermark(QPainter& painter, const QRect& area, const QImage& watermar
     painter.restore();
 }
 
+// The picture is scaled to the band's height and stands at its right end. If it is wider than the band, its plain left
+// side is cut.
 void paintHeader(QPainter& painter, const QRect& band, const QImage& header)
 {
     const int drawing = header.width() * band.height() / std::max(1, header.height());

@@ -162,6 +162,7 @@ WizardPage* WizardSheet::activePage() const
     return started ? pages[static_cast<std::size_t>(stack->currentIndex())] : nullptr;
 }
 
+// A page can name any page, so the step of -1 only matters for the answer 0.
 void WizardSheet::back()
 {
     go(ask([this] { return activePage()->OnWizardBack(); }), -1);
@@ -172,6 +173,7 @@ void WizardSheet::next()
     go(ask([this] { return activePage()->OnWizardNext(); }), 1);
 }
 
+// The page stores what there is to store, and may refuse.
 void WizardSheet::finish()
 {
     if (activePage()->OnWizardFinish() != 0)
@@ -365,6 +367,7 @@ void WizardSheet::setVisible(bool visible)
     QDialog::setVisible(visible);
 }
 
+// 22 pixels are the margins around the buttons and the line above them.
 QSize WizardSheet::sizeHint() const
 {
     const QSize page = dialogUnits(fontMetrics(), 340, 190);

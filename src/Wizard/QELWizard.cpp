@@ -152,6 +152,7 @@ void QELWizard::dragEnterEvent(QDragEnterEvent* event)
         event->acceptProposedAction();
 }
 
+// Only called after dragEnterEvent() has accepted the files.
 void QELWizard::dropEvent(QDropEvent* event)
 {
     event->acceptProposedAction();

@@ -65,6 +65,8 @@ void DatabaseTablePage::showSelection()
     selectedOnly->setEnabled(count != 0 || selectedOnly->isChecked());
 }
 
+// The tables are read each time, because another data source may have been opened. Both lists are emptied first, since
+// reading them can fail.
 void DatabaseTablePage::OnSetActive()
 {
     selectedOnly->setChecked(false);

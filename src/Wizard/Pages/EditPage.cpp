@@ -118,6 +118,7 @@ QWidget* EditPage::makeLists()
     return splitter;
 }
 
+// The button for the structure stays pressed while the pane is shown.
 QHBoxLayout* EditPage::makeButtons()
 {
     paneButton = new QPushButton("&Structure");
@@ -137,6 +138,7 @@ QHBoxLayout* EditPage::makeButtons()
     return row;
 }
 
+// Adds an action to the list's context menu.
 void EditPage::addMenuRow(const QString& text, void (EditPage::*action)())
 {
     auto* row = new QAction(text, typeList);
@@ -337,6 +339,7 @@ void EditPage::OnDblclkEdit()
     OnEdit();
 }
 
+// Shows the document in a window of the program, without a viewer.
 void EditPage::showDocument()
 {
     const int row = queryRow();
@@ -365,6 +368,7 @@ void EditPage::togglePane()
     paneButton->toggle();
 }
 
+// Called by the button, so that the pane follows it however it is pressed.
 void EditPage::showPane(bool visible)
 {
     paneSide->setVisible(visible);

@@ -73,6 +73,7 @@ void FilePage::addRow(QWidget* row, bool isTall, int column)
     ++rows;
 }
 
+// The box names the error; the frame shows the field after the box is closed.
 LRESULT FilePage::stayAtFile(const CString& text, const CString& details)
 {
     redFrame->show();
@@ -87,6 +88,7 @@ void FilePage::OnSetActive()
     folderLabel->setText(toUi(folderText));
 }
 
+// Another text in the field hides the red frame, as typing does.
 void FilePage::UpdateData(bool save)
 {
     if (save) {

@@ -98,6 +98,7 @@ QWidget* LoginToBroker::makeServerGroup()
     return group;
 }
 
+// The last kind of logon is chosen, which enables or disables the fields.
 QWidget* LoginToBroker::makeLogonGroup()
 {
     trustedButton = withId(IDC_LOGON_TRUSTED, new QRadioButton("Use &trusted logon"));

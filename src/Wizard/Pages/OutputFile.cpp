@@ -115,6 +115,7 @@ void OutputFile::suggest()
     UpdateData(false);
 }
 
+// Stops the timer, because the state is current afterwards.
 void OutputFile::showState()
 {
     delay.stop();
@@ -122,7 +123,8 @@ void OutputFile::showState()
     state->setText(stateInWords(fileName, *wizard));
 }
 
-// Writes the document in the work's thread. The error is that of the opening or of any later step.
+// Writes the document in the work's thread. The error is that of the opening or of any later step. An empty name fails
+// like any other that can't be opened, but the page knows a better reason.
 LRESULT OutputFile::OnWizardNext()
 {
     showState(); // now, because the timer would read the name while the work below uses it

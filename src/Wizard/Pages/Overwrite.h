@@ -15,6 +15,7 @@ public:
     /// setting the texts.
     int DoModal();
 
+    /// Close the dialog with the answer of a button.
     void OnYes() { answer(OverwriteChoice::yes); }
     void OnYestoall() { answer(OverwriteChoice::yesToAll); }
     void OnNo() { answer(OverwriteChoice::no); }
@@ -29,6 +30,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    // Adds a button to the right of the others.
     void addButton(int id, const char* label, void (OverWriteDlg::*handler)());
     void answer(OverwriteChoice newChoice);
 };

@@ -41,6 +41,7 @@ ReadingRow::ReadingRow() :
     row->addWidget(details);
 }
 
+// isHidden() instead of isVisible(), which is false while the page itself is hidden.
 void ReadingRow::showReading(const MsgBase& message, const FullMessage* full)
 {
     showMainElements(full);

@@ -16,6 +16,7 @@
 DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const CString& reason, const CString& user) :
     QDialog(parent), userEdit(new QLineEdit(toUi(user))), passwordEdit(new QLineEdit)
 {
+    // Before the first letter of a password is typed.
     keepOutOfCores();
     setObjectName("DataSourceLogon");
     setWindowTitle(plainTitle("Log on to " + toUi(source)));
@@ -33,6 +34,7 @@ DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const C
     form->addRow("&Password:", passwordEdit);
     form->addRow(buttons);
     setMinimumWidth(fontMetrics().averageCharWidth() * 60);
+    // Only the password has to be typed then.
     if (!user.empty())
         passwordEdit->setFocus();
 }

@@ -111,6 +111,7 @@ void QELOptions::flushValues()
         reg.setText(kProgramKey, "Catalogs", *catalogs);
 }
 
+// A text that is too long is dropped, rather than cut in the middle of a name.
 void QELOptions::setSourceSet(const CString& text)
 {
     if (text.size() <= kMaxSourceSet)
@@ -184,6 +185,7 @@ void AddUnique(const CString& text, CStringList& list, int atHead)
         list.pop_back();
 }
 
+// Inserted at once, because each insertion updates the box.
 CString FillCombo(CComboBox& combo, CStringList& list)
 {
     QStringList entries;

@@ -67,6 +67,7 @@ CString textOfSources(const std::vector<CString>& names)
     return text;
 }
 
+// setFurtherFiles({}) only asks.
 bool readsSeveral(const MsgUIDescriptor& importer)
 {
     return importer.hasFull() || std::unique_ptr<MsgBase>(importer.create())->setFurtherFiles({});

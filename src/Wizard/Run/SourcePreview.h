@@ -24,8 +24,8 @@ public:
     {
         MsgUIDescriptor* importer = nullptr; ///< never null in start()
         std::vector<CString> names;          ///< absolute names of files and folders
-        CString basePath;
-        std::vector<CString> catalogs = {}; ///< for the full reading, by absolute names
+        CString basePath;                    ///< of the types
+        std::vector<CString> catalogs = {};  ///< for the full reading, by absolute names
     };
 
     /// The result of an import with one reading.

@@ -123,6 +123,7 @@ FullMessage* WizardRun::fullMessage() const
     return dynamic_cast<FullMessage*>(message.get());
 }
 
+// Asks a full importer made for this, since the current one only knows the literal reading.
 CString WizardRun::unsupportedByLiteral(const CString& fileName) const
 {
     const std::unique_ptr<const FullMessage> full(fullMessage() ? nullptr : message->queryDescriptor()->createFull());

@@ -18,6 +18,8 @@ class WizardSheet;
 class WizardRun : public MainWindow
 {
 public:
+    /// The folders that setCurrentFolder() can make current: that in which the program was started, and those of the
+    /// last input and output.
     enum WhichFolder
     {
         folderCWD = 0,

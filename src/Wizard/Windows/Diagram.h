@@ -47,6 +47,7 @@ public:
         drawBox(painter, boxes[box], fonts, exposed, scale, isChosen);
     }
 
+    /// Draws an arrow with its head, whatever the scale is.
     void drawArrow(QPainter& painter, std::size_t arrow) const;
 
     /// Draws everything for a file, with all texts. Reports progress. Throws Cancelled. Has fonts of its own.

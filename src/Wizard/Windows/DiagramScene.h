@@ -17,6 +17,7 @@ public:
     /// The diagram must not be empty; `ground` is the colour between the boxes.
     explicit DiagramScene(std::shared_ptr<const Diagram> diagram, const QColor& ground);
 
+    /// Returns the diagram, which lives at least as long as the scene.
     const Diagram& queryDiagram() const { return *diagram; }
 
     /// Returns the chosen box; at first box 0.

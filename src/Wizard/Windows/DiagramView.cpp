@@ -63,10 +63,12 @@ void DiagramView::scaleBy(double factor)
 {
     opens = fits = false;
     const double now = transform().m11();
+    // The factor that keeps the scale within its limits.
     const double wanted = std::clamp(now * factor, kSmallest, kLargest) / now;
     scale(wanted, wanted);
 }
 
+// A small picture isn't enlarged.
 void DiagramView::showAll()
 {
     opens = false;
@@ -168,9 +170,11 @@ void DiagramView::fit()
     const bool first = opens;
     if (fits)
         showAll();
+    // showAll() ends the opening, which a change of the window's size must not.
     opens = first;
     if (opens && transform().m11() < kLegible) {
         resetTransform();
+        // Centres the first box, or shows the upper left corner of one that is larger than the view.
         const QRectF& start = diagramScene->queryDiagram().areaOf(0);
         const QSizeF seen = viewport()->size();
         centerOn(std::min(start.center().x(), start.left() + seen.width() / 2 - kMargin),

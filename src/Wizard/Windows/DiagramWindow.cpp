@@ -62,6 +62,7 @@ DiagramWindow::DiagramWindow(QWidget* owner, const std::shared_ptr<const TypeStr
     view->setFocus();
 }
 
+// Returns the row above the picture: Back, and the choices of direction and depth.
 QHBoxLayout* DiagramWindow::makeChoiceRow()
 {
     backButton = new QPushButton(tr("&Back"));
@@ -90,6 +91,7 @@ QHBoxLayout* DiagramWindow::makeChoiceRow()
     return row;
 }
 
+// Returns the two rows of which one is shown: the buttons, or the progress of work with Cancel.
 QWidget* DiagramWindow::makeButtons()
 {
     buttons = new QWidget;
@@ -245,6 +247,7 @@ void DiagramWindow::goTo(std::size_t box)
         earlier.pop_back();
 }
 
+// The list of earlier types is only cut if the earlier picture is shown.
 void DiagramWindow::goBack()
 {
     if (earlier.empty())

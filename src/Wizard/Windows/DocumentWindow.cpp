@@ -42,6 +42,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     if (isType)
         new XmlHighlighter(text->document(), palette());
     shown = toUi(isType ? indentedDocument(document) : document);
+    // 20 ms at a time, so that the window answers meanwhile.
     connect(&filling, &QTimer::timeout, this, [this] { fill(20); });
     filling.start();
     fill(0);
@@ -57,6 +58,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     text->setFocus();
 }
 
+// Each button can be pressed by its keys from anywhere in the window.
 QHBoxLayout* DocumentWindow::makeFindRow()
 {
     auto* row = new QHBoxLayout;
@@ -145,6 +147,7 @@ void DocumentWindow::find(bool backward)
     }
     const QTextDocument::FindFlags flags = backward ? QTextDocument::FindBackward : QTextDocument::FindFlags();
     status->clear();
+    // Moves the user's cursor if it finds something.
     if (text->find(wanted, flags))
         return;
     QTextCursor end = text->textCursor();
@@ -167,6 +170,7 @@ void DocumentWindow::copy()
     status->setText(tr("Copied."));
 }
 
+// Saves the document as the importer wrote it; indenting is for the eye.
 void DocumentWindow::save()
 {
     const bool isType = kind == ofType;

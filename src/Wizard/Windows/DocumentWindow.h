@@ -18,6 +18,7 @@ class QPlainTextEdit;
 class DocumentWindow : public QWidget
 {
 public:
+    /// What the window shows: the kind decides on colours, the suggested suffix and the words.
     enum Kind
     {
         ofType,

@@ -58,6 +58,7 @@ HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser(new
     resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // leaves room for the frame
 }
 
+// The focus goes to the text, so that the cursor keys scroll it.
 void HelpWindow::showTopic(int topic)
 {
     browser->setSource(pageOf(topic));

@@ -120,6 +120,7 @@ void TypeTreeModel::addParts(Node& node) const
         child.target = content.type == TypeStructure::kNone ? part.type : content.type;
         if (part.type != TypeStructure::kNone)
             child.mark = &kindMark((*structure)[part.type].queryType()).icon;
+        // A type without parts has nothing to open.
         if (content.type != TypeStructure::kNone && structure->partCount(content.type) != 0)
             child.openTo(content.type, Node::Below::parts);
     }
@@ -188,6 +189,7 @@ bool TypeTreeModel::hasChildren(const QModelIndex& parent) const
     return parent.column() <= 0 && (nodeOf(parent).below != Node::Below::nothing || !nodeOf(parent).children.empty());
 }
 
+// Only once for each row: its children stay when it is closed.
 bool TypeTreeModel::canFetchMore(const QModelIndex& parent) const
 {
     const Node& node = nodeOf(parent);

@@ -25,6 +25,7 @@ public:
     /// Returns the number of the type that a row leads to, TypeStructure::kNone if none.
     std::uint32_t targetOf(const QModelIndex& index) const;
 
+    // Qt's interface of a tree. Column 0 has the name of a part, column 1 its type in words.
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex& index) const override;
     int rowCount(const QModelIndex& parent = {}) const override;
