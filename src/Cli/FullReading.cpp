@@ -14,7 +14,7 @@
 namespace {
 
 // Parses "URI=NAME" arguments. NAME may be nested folders; backslashes around it are removed. The last "=" separates
-// them, because a URI may contain one.
+// the two, because a URI may contain one. Two folders for one namespace are refused.
 void addFolders(const std::vector<CString>& given, FullOptions& options)
 {
     for (const CString& text : given) {
@@ -31,8 +31,8 @@ void addFolders(const std::vector<CString>& given, FullOptions& options)
     }
 }
 
-// Parses "NAME=VALUE" arguments. The value may be empty, as in <!ENTITY % NAME "">. Their order stays, because the
-// first declaration of an entity is binding (XML 1.0, 4.2).
+// Parses "NAME=VALUE" arguments. The value may be empty, as in <!ENTITY % NAME "">. Two values for one name are
+// refused, because only the first declaration of an entity is binding (XML 1.0, 4.2).
 void addEntities(const std::vector<CString>& given, FullOptions& options)
 {
     for (const CString& text : given) {
