@@ -297,7 +297,7 @@ int runImport(Arguments arguments)
     const bool isReported = writeReport(*message, arguments.report);
     if (!hasTypes)
         return arguments.failedStatus();
-    // With --diff, 1 and 3 would be taken for a difference.
+    // With --diff every failure is 2.
     if (!isReported)
         return arguments.diff.document.empty() ? kNotWritten : kUsage;
     // The types of a folder's files are recorded under the folder.

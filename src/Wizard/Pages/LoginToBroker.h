@@ -49,7 +49,7 @@ private:
     QWidget* blankField() const;
     // Stores the members in the options.
     void storeInput();
-    // Asks in the window's thread whether to replace a type.
+    // Asks whether to replace a type. Called in the window's thread.
     OverwriteChoice ask(const CString& question, const CString& details);
     // Returns the number of failures; nothing if the run was cancelled.
     std::optional<int> createTypes(BrokerSession& session);

@@ -14,8 +14,8 @@
 #include <utility>
 
 // A view is in one of three states. While a picture opens, it is fitted to the window, or shown at its own size if that
-// is illegible; the window may get its size only now. After "show all" the whole picture stays visible whatever the
-// window's size is. After a zoom the user's scale stays.
+// is illegible, again at each new size of the window, which gets its size only after the picture. After "show all" the
+// whole picture stays visible whatever the window's size is. After a zoom the user's scale stays.
 namespace {
 // Scales of the picture: one step of the wheel or a key, the limits of zooming, and the scale below which a picture
 // opens at its own size instead of whole, because its texts could not be read.
