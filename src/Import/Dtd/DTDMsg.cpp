@@ -258,7 +258,7 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
         content.remove_prefix(separator == kNowhere ? content.size() : separator + 1);
         const std::string_view name = withoutMarks(piece);
         reportAt(static_cast<std::size_t>(piece.data() - text->whole.data()));
-        if (name.empty() || isTextKeyword(name))
+        if (name.empty() || isTextKeyword(kDtdBlank.trim(name)))
             continue;
         if (mark.empty() || piece.ends_with('*') || piece.ends_with('+')) {
             addPiece(piece, parent);
