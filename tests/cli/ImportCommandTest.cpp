@@ -71,7 +71,9 @@ TEST_F(ImportCommand, AnswersExactly)
               "other "
               "than CDATA #IMPLIED\n"}},
         {"$import ./f.dtd -q -o /dev/null --allow-empty", {0, "", ""}},
-        {"echo '<!-- -->' >n.dtd; $import n.dtd --full -l --allow-empty", {0, "", ""}},
+        {"echo '<!-- -->' >n.dtd; $import n.dtd --full -l --allow-empty; $import n.dtd --full --allow-empty --name X | "
+         "tail -n +3",
+         {0, "<X>\r\n</X>", ""}},
         {"echo null >n.json; $import json n.json -l --allow-empty", {0, "", ""}},
         {"(cat r.dtd; echo; yes '<!ATTLIST r b NMTOKEN #IMPLIED>' | head -21) | tail -n +2 >m.dtd; cat r.dtd >>m.dtd;"
          "$import m.dtd -l -o /dev/null 2>&1 | head -22",

@@ -152,8 +152,10 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         catalogs->load(file);
     read(source, fileName, types, report);
     beginWork(Work::arranging);
-    if (types.empty() && isEmptyAllowed)
+    if (types.empty() && isEmptyAllowed) {
+        mainType = toXmlText(givenName);
         return;
+    }
     if (types.empty()) {
         report.release({});
         const CString losses = report.lossesInWords(); // may be the reason
