@@ -298,6 +298,13 @@ const Rule kExamples[] = {
     {"KeysAcrossTheEndOfTheBuffer",
      times((1 << 18) - 3, " ") + R"({"key":1} )" + times((1 << 18) - 12, " ") + R"({"b":)" + times(1 << 18, " ") + "1}",
      "x(key:Number b:Number)"},
+    {"AMessageUnlikeTheOnesBefore", times(3, R"({"a":1,"b":["x","y"],"c":{}} )") + R"({"a":"z","b":[2],"c":{}})",
+     "t_b[String] x(a:String b:t_b c:String)", "2 losses: 2 values of several kinds"},
+    {"AKeyGivenTwiceByKnownSteps", R"({"a":1,"b":2} {"a":1,"c":3,"b":2} {"a":1,"b":2,"c":3} {"a":1,"b":2,"c":3,"b":2})",
+     "x(a:Number b:Number c:Number)", "1 loss: 1 key given twice"},
+    {"EscapesInATime", times(3, R"({"a":"10:00"} )") + R"({"a":"1\u0030:00"})", "x(a:Time)"},
+    {"ItemsOfOneArray", "[" + times(3, R"({"a":1},)") + R"({"a":1,"a":"x"}])",
+     "x_2(a:String) t_value[x_2] x(value:t_value)", "2 losses: 1 value of several kinds, 1 key given twice"},
     {"Empty", R"({"a":{},"b":[],"c":[[]]})", "t_c[String] t_b[String] t_t_c[t_c] x(a:String b:t_b c:t_t_c)"},
 };
 
@@ -333,6 +340,20 @@ TEST_P(AvroRule, GivesTypes)
 TEST_P(JsonDataRule, GivesTypes)
 {
     check();
+}
+
+using JsonData = Importing<JsonDataMessage>;
+
+TEST_F(JsonData, FindsFaultsBehindMessagesThatItSkips)
+{
+    const std::pair<CString, CString> rows[] = {
+        {times(9, "{\"a\":\n 1} ") + "x", "10, column 5.\nError text is 'a value is expected'."},
+        {R"([{"a":1},{"a":1}] [{"a":1}[{"a":1}])", "1, column 27.\nError text is 'a comma or \"]\" is expected'."},
+    };
+    for (const auto& [examples, fault] : rows) {
+        EXPECT_EQ(import(examples), 0);
+        EXPECT_THAT(boxes.take(), testing::ElementsAre("Error on line " + fault));
+    }
 }
 
 const auto kNameOf = [](const auto& row) { return row.param.name; };

@@ -6,89 +6,24 @@
 #include "Files/File.h"
 #include "Files/FileFinder.h"
 #include "Files/FileMessage.h"
+#include "Import/Json/IsoTime.h"
+#include "Import/Json/JsonPredictor.h"
 #include "Import/Json/JsonScanner.h"
 #include "Import/Json/JsonTypes.h"
 
-#include <algorithm>
-#include <charconv>
-#include <chrono>
-#include <optional>
 #include <unordered_map>
 #include <utility>
 
 // One pass over the tokens of each file builds a tree of shapes: one for each path of keys, and one for the items of
 // each array. It keeps kinds of values, not values. declare() then turns the tree into types. Time is linear in the
-// files, because most members are found where the last object had them.
+// files, because most members are found where the last object had them. Messages that add nothing to the shapes are
+// skipped without tokens.
 namespace {
 
-constexpr std::size_t kMaxShapes = 2'000'000; // an object with identifiers as keys makes one for each
-
-// Removes a number of `digits` digits from the start. Returns nothing if there is none, or it is more than `most`.
-std::optional<unsigned> takeNumber(std::string_view& text, std::size_t digits, unsigned most)
-{
-    unsigned number = 0;
-    const char* const end = text.data() + std::min(digits, text.size());
-    if (text.size() < digits || std::from_chars(text.data(), end, number).ptr != end || number > most)
-        return std::nullopt;
-    text.remove_prefix(digits);
-    return number;
-}
-
-bool takeMark(std::string_view& text, char mark)
-{
-    if (!text.starts_with(mark))
-        return false;
-    text.remove_prefix(1);
-    return true;
-}
-
-bool takeDate(std::string_view& text)
-{
-    const auto year = takeNumber(text, 4, 9999);
-    const auto month = takeMark(text, '-') ? takeNumber(text, 2, 12) : std::nullopt;
-    const auto day = takeMark(text, '-') ? takeNumber(text, 2, 31) : std::nullopt;
-    return year && month && day &&
-           (std::chrono::year(static_cast<int>(*year)) / std::chrono::month(*month) / std::chrono::day(*day)).ok();
-}
-
-// Takes a time with its fraction and offset. Seconds are optional, as ISO 8601 allows; so are minutes of the offset, as
-// some databases write it.
-bool takeTime(std::string_view& text)
-{
-    const bool isMidnight = text.starts_with("24:00"); // the end of a day
-    if (!takeNumber(text, 2, isMidnight ? 24 : 23) || !takeMark(text, ':') || !takeNumber(text, 2, 59))
-        return false;
-    // 60 is a leap second.
-    if (takeMark(text, ':') && !takeNumber(text, 2, 60))
-        return false;
-    if (takeMark(text, '.') || takeMark(text, ',')) {
-        const std::size_t end = std::min(text.find_first_not_of("0123456789"), text.size());
-        if (end == 0)
-            return false;
-        text.remove_prefix(end);
-    }
-    if (takeMark(text, 'Z') || takeMark(text, 'z') || text.empty())
-        return true;
-    if ((!takeMark(text, '+') && !takeMark(text, '-')) || !takeNumber(text, 2, 23))
-        return false;
-    const bool hasMinutes = takeMark(text, ':') || !text.empty();
-    return !hasMinutes || takeNumber(text, 2, 59);
-}
-
-// Returns whether a text is a date, a time or both in the extended format of ISO 8601.
-bool isIsoTime(std::string_view text)
-{
-    // "12:34" is the shortest. The longest allows for any sensible fraction of a second.
-    constexpr std::size_t shortest = 5, longest = 40;
-    if (text.size() < shortest || text.size() > longest || text[0] < '0' || text[0] > '9')
-        return false;
-    if (text[2] == ':')
-        return takeTime(text) && text.empty();
-    if (!takeDate(text))
-        return false;
-    return text.empty() ||
-           ((takeMark(text, 'T') || takeMark(text, 't') || takeMark(text, ' ')) && takeTime(text) && text.empty());
-}
+// An object with identifiers as keys makes one for each.
+constexpr std::size_t kMaxShapes = 2'000'000;
+// In a message that the predictor learns. Of a longer one, the text would not be in the buffer.
+constexpr std::size_t kMaxLeaves = 10'000;
 
 // Collects the shapes of example messages: the keys and kinds of values at each place, over all examples. Memory grows
 // with the number of different shapes, not with the examples.
@@ -101,50 +36,44 @@ public:
     // JsonFault.
     void read(JsonScanner& scanner, std::uint32_t fileNumber)
     {
-        // An open container, and the member that came last in it.
-        struct Open
-        {
-            Index shape;
-            std::uint32_t number; // of the object; 0 for an array
-            Index last = 0;
-        };
         file = fileNumber;
-        std::vector<Open> open;
+        open.clear();
+        leaves.clear();
         Index at = 0; // the shape of the next value
         CancelPoint cancelPoint(1 << 16);
-        for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
+        for (;;) {
+            if (isBetweenMessages())
+                skipKnown(scanner);
+            const JsonScanner::Token token = scanner.next();
+            if (token == JsonScanner::end)
+                return;
             cancelPoint.pass();
             if (token == JsonScanner::key) {
-                Open& object = open.back();
-                object.last = memberOf(object.shape, object.last, scanner.text());
-                // Each object has a number of its own, so the last holder of a key tells whether this object had it
-                // before.
-                if (std::exchange(shapes[object.last].holder, object.number) == object.number)
-                    report.add(SourceReport::keyTwice, {file, scanner.line(), scanner.column()}, scanner.text());
-                at = object.last;
+                at = enterMember(scanner);
                 continue;
             }
             if (token == JsonScanner::objectEnd || token == JsonScanner::arrayEnd) {
+                if (const Open& closed = open.back(); closed.last == 0)
+                    addLeaf(closed.position, closed.begin, scanner,
+                            closed.number == 0 ? Kind::isArray : Kind::isObject);
                 open.pop_back();
                 continue;
             }
             if (open.empty())
                 at = 0;
             else if (open.back().number == 0)
-                at = itemsOf(open.back().shape);
-            if (token == JsonScanner::null) // fits any kind
+                at = open.back().last = itemsOf(open.back().shape);
+            const JsonPredictor::Position position = isCollected() ? predictor.inside(around(), at) : 0;
+            const std::uint8_t kind = kindOf(token, scanner);
+            if (token != JsonScanner::objectBegin && token != JsonScanner::arrayBegin) {
+                if (kind != 0)
+                    note(at, kind, scanner);
+                addLeaf(position, scanner.beginOffset(), scanner, kind);
                 continue;
-            const Kind kind = token == JsonScanner::objectBegin                           ? isObject
-                              : token == JsonScanner::arrayBegin                          ? isArray
-                              : token == JsonScanner::number                              ? isNumber
-                              : token == JsonScanner::string && isIsoTime(scanner.text()) ? isTime
-                                                                                          : isText;
-            const bool isContainer = (kind & (isObject | isArray)) != 0;
-            if (isContainer)
-                at = sharedShape(at, kind);
+            }
+            at = sharedShape(at, kind);
             note(at, kind, scanner);
-            if (isContainer)
-                open.push_back({at, kind == isObject ? ++objects : 0});
+            open.push_back({at, kind == Kind::isObject ? ++objects : 0, position, scanner.beginOffset()});
         }
     }
 
@@ -174,15 +103,7 @@ public:
 
 private:
     using Index = std::uint32_t;
-
-    enum Kind : std::uint8_t
-    {
-        isObject = 1,
-        isArray = 2,
-        isNumber = 4,
-        isTime = 8,
-        isText = 16
-    };
+    using Kind = JsonPredictor::Kind;
 
     struct Shape
     {
@@ -200,8 +121,80 @@ private:
         SourcePlace otherPlace;   // of the first value of another kind
     };
 
+    // An open container, and the member or item that came last in it.
+    struct Open
+    {
+        Index shape;
+        std::uint32_t number; // of the object; 0 for an array
+        JsonPredictor::Position position;
+        std::uint64_t begin; // its offset
+        Index last = 0;      // 0 as long as it is empty
+    };
+
+    // Messages are the values of a file, or the items of an array that holds them all. The first item of an array is
+    // scanned, because no comma is before it.
+    bool isBetweenMessages() const
+    {
+        return open.empty() || (open.size() == 1 && open[0].number == 0 && open[0].last != 0);
+    }
+
+    JsonPredictor::Position around() const { return open.empty() ? JsonPredictor::kOutside : open.back().position; }
+
+    // Lets the predictor learn the last message, and skip those that it knows. The next one is scanned.
+    void skipKnown(JsonScanner& scanner)
+    {
+        if (isCollected() && !leaves.empty() && messageAround == around())
+            predictor.learn(around(), scanner.bytesFrom(messageBegin), messageBegin, leaves);
+        leaves.clear();
+        isForward = true;
+        isLearning = predictor.isLearning();
+        if (isLearning) {
+            const JsonPredictor::Skipped known = predictor.skip(around(), scanner.bytesAhead());
+            scanner.skip(known.bytes, known.lines, known.lineStart);
+        }
+        messageAround = around();
+        messageBegin = scanner.endOffset();
+    }
+
+    bool isCollected() const { return isLearning && leaves.size() <= kMaxLeaves; }
+
+    void addLeaf(JsonPredictor::Position position, std::uint64_t begin, const JsonScanner& scanner, std::uint8_t kind)
+    {
+        if (isCollected())
+            leaves.push_back({begin, scanner.endOffset(), position, kind, std::exchange(isForward, true)});
+    }
+
+    // Returns the shape of the member whose key was scanned.
+    Index enterMember(const JsonScanner& scanner)
+    {
+        Open& object = open.back();
+        const Index member = memberOf(object.shape, object.last, scanner.text());
+        // Each object has a number of its own, so the last holder of a key tells whether this object had it before.
+        if (std::exchange(shapes[member].holder, object.number) == object.number)
+            report.add(SourceReport::keyTwice, {file, scanner.line(), scanner.column()}, scanner.text());
+        isForward = isForward && member > object.last;
+        return object.last = member;
+    }
+
+    // Returns 0 for null, which fits any kind.
+    static std::uint8_t kindOf(JsonScanner::Token token, const JsonScanner& scanner)
+    {
+        switch (token) {
+        case JsonScanner::null:
+            return 0;
+        case JsonScanner::objectBegin:
+            return Kind::isObject;
+        case JsonScanner::arrayBegin:
+            return Kind::isArray;
+        case JsonScanner::number:
+            return Kind::isNumber;
+        default:
+            return token == JsonScanner::string && isIsoTime(scanner.text()) ? Kind::isTime : Kind::isText;
+        }
+    }
+
     // Adds a kind to a shape. Places are worked out for the first value of each kind only.
-    void note(Index index, Kind kind, const JsonScanner& scanner)
+    void note(Index index, std::uint8_t kind, const JsonScanner& scanner)
     {
         Shape& shape = shapes[index];
         if ((shape.kinds & kind) != 0)
@@ -232,7 +225,7 @@ private:
     // Returns the shape of an object or array. One nested in another of the same key shares that one's shape, so
     // recursive data such as trees gets a recursive type instead of endless nesting. Only the first value of a kind is
     // compared with the keys around it; the result is kept.
-    Index sharedShape(Index member, Kind kind)
+    Index sharedShape(Index member, std::uint8_t kind)
     {
         Shape& shape = shapes[member];
         const bool isFirst = shape.target == 0 && (shape.kinds & kind) == 0;
@@ -272,17 +265,17 @@ private:
         const Shape* shape = &shapes[at];
         const Shape* mixed = nullptr; // an array, or a single value
         std::uint16_t depth = 0, mixedDepth = 0;
-        for (; (shape->kinds & (isArray | isObject)) == isArray && depth < deepest; ++depth) {
-            if (!mixed && shape->kinds != isArray) {
+        for (; (shape->kinds & (Kind::isArray | Kind::isObject)) == Kind::isArray && depth < deepest; ++depth) {
+            if (!mixed && shape->kinds != Kind::isArray) {
                 mixed = shape;
                 mixedDepth = depth;
             }
             shape = shape->items == 0 ? &unknown : &shapes[shape->items];
         }
         const std::uint8_t kinds = shape->kinds;
-        const bool isRecord = (kinds & isObject) != 0 && shape->first != 0;
+        const bool isRecord = (kinds & Kind::isObject) != 0 && shape->first != 0;
         // A time among texts is just text.
-        const bool differs = (kinds & (kinds - 1)) != 0 && kinds != (isTime | isText);
+        const bool differs = (kinds & (kinds - 1)) != 0 && kinds != (Kind::isTime | Kind::isText);
         if (differs || mixed)
             report.add(SourceReport::kindsDiffer, (differs ? shape : mixed)->otherPlace, name);
         if (depth == deepest)
@@ -291,9 +284,9 @@ private:
         if (!isRecord && (mixed || depth == deepest))
             depth = mixedDepth;
         if (!isRecord)
-            return {{kinds == isNumber && !mixed ? SourceTypes::kindNumber
-                     : kinds == isTime && !mixed ? SourceTypes::kindTime
-                                                 : SourceTypes::kindText},
+            return {{kinds == Kind::isNumber && !mixed ? SourceTypes::kindNumber
+                     : kinds == Kind::isTime && !mixed ? SourceTypes::kindTime
+                                                       : SourceTypes::kindText},
                     depth};
         const auto object = static_cast<Index>(shape - shapes.data());
         const auto [known, isNew] = records.try_emplace(object);
@@ -311,6 +304,13 @@ private:
     NameTable names;
     std::vector<Shape> shapes; // the first one is for whole messages
     NumberTable members;       // by object and key
+    std::vector<Open> open;
+    JsonPredictor predictor;
+    std::vector<JsonPredictor::Leaf> leaves; // of the current message
+    std::uint64_t messageBegin = 0;          // offset of the end of the message before it
+    JsonPredictor::Position messageAround = JsonPredictor::kOutside;
+    bool isLearning = false; // the current message
+    bool isForward = true;   // the members since the last leaf are in the order of their shapes
     std::unordered_map<Index, SourceTypes::Index> records;
     std::vector<Index> pending; // objects whose fields are not yet declared
 };

@@ -68,6 +68,29 @@ public:
     std::uint32_t line() const { return tokenLine; }
     std::uint32_t column() const { return tokenColumn; }
 
+    /// Return offsets in the source: where the token begins, unless it is a key, and one past its last byte.
+    std::uint64_t beginOffset() const { return lineOffset + tokenColumn - 1; }
+    std::uint64_t endOffset() const { return consumed + at; }
+
+    /// Returns the bytes from an offset to the end of the token; empty if they are no longer in the buffer.
+    std::string_view bytesFrom(std::uint64_t offset) const
+    {
+        return offset < consumed ? std::string_view() : data.substr(offset - consumed, at - (offset - consumed));
+    }
+
+    /// Returns the bytes after the token that are in the buffer.
+    std::string_view bytesAhead() const { return data.substr(at); }
+
+    /// Skips `bytes` of these, which end with a value beside the last one. `lineFeeds` are among them, the last one
+    /// right before their offset `lineStart`.
+    void skip(std::size_t bytes, std::uint32_t lineFeeds, std::size_t lineStart)
+    {
+        if (lineFeeds > 0)
+            lineOffset = consumed + at + lineStart;
+        lines += lineFeeds;
+        at += bytes;
+    }
+
 private:
     // What the scanner expects next. Together with the stack of open containers it replaces a recursive grammar.
     enum State : std::uint8_t
