@@ -5,8 +5,8 @@
 namespace {
 
 // Chunks come from the heap, large ones with large pages. Mapping each chunk with its pages in place was tried and is
-// slower: the heap keeps freed pages, a new mapping has to be cleared by the system. The alignment is ignored, because
-// malloc's serves every type that isn't over-aligned.
+// slower, because the system clears the pages of a new mapping, while the heap reuses its own. The alignment is
+// ignored, because malloc() aligns for every type that isn't over-aligned.
 class ChunkMemory : public std::pmr::memory_resource
 {
     void* do_allocate(std::size_t bytes, std::size_t) override { return allocateLarge(bytes); }

@@ -26,9 +26,9 @@ constexpr std::string_view kBlank = " \t\r\n";
 constexpr std::string_view kEncodingName = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
 constexpr std::size_t kLongDeclaration = 1000; // bytes; only the start of a file is searched
 
-// Returns the name after `encoding =` in an XML or text declaration, empty if there is none.
-// XML 1.0, productions [77] TextDecl and [80] EncodingDecl, read leniently: what else stands in the declaration does
-// not matter, and blanks may come before it.
+// Returns the name after `encoding =` in an XML or text declaration, empty if there is none. XML 1.0, productions [77]
+// TextDecl and [80] EncodingDecl, read leniently: the rest of the declaration is not checked, and blanks may come
+// before it.
 CString declaredEncoding(std::string_view bytes)
 {
     std::string_view text = bytes.substr(std::min(bytes.find_first_not_of(kBlank), bytes.size()), kLongDeclaration);
@@ -46,7 +46,7 @@ CString declaredEncoding(std::string_view bytes)
 }
 
 // Returns false if the encoding is unknown or the bytes are not valid in it. A character that is cut off at the end is
-// not valid either (EINVAL). UTF-8 has no shift states, so nothing has to be written at the end.
+// not valid either (EINVAL). The output needs no reset at the end, because UTF-8 has no shift states.
 bool convert(std::string_view bytes, const CString& encoding, CString& out)
 {
     const iconv_t converter = ::iconv_open("UTF-8", encoding.c_str());
@@ -83,8 +83,6 @@ std::string_view withoutControls(std::string_view text, CString& room)
 
 } // namespace
 
-// A mark decides, then a declaration, then the bytes. The text is decoded at most once, and copied only if it is
-// decoded or holds what XML can't.
 std::string_view decodeText(std::string_view bytes, CString& room)
 {
     for (const Mark& mark : kMarks)
@@ -93,7 +91,7 @@ std::string_view decodeText(std::string_view bytes, CString& room)
             return convert(bytes, mark.encoding, room) ? withoutControls(room, room) : withoutControls(bytes, room);
         }
     const CString declared = declaredEncoding(bytes);
-    // Not converted if it claims to be UTF-8: that would only copy it, and withoutControls() checks it anyway.
+    // Text that claims to be UTF-8 is not converted: that would only copy it, and withoutControls() checks it anyway.
     const bool isUtf8 = declared.empty() || isSameAscii(declared, "utf-8");
     if (!isUtf8 && convert(bytes, declared, room))
         return withoutControls(room, room);

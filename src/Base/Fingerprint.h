@@ -7,13 +7,13 @@
 #include <cstring>
 
 /// A 128-bit hash that stands for a text too long to store or to compare. Each process draws its own random seed, so no
-/// source can be made to collide on purpose. A collision by chance is so unlikely that users take equal fingerprints
-/// for equal texts. The fingerprint of the empty text is all zero. None must be stored beyond the process, because the
-/// next one draws another seed.
+/// source can be made to collide on purpose. A collision by chance is so unlikely that callers treat texts with equal
+/// fingerprints as equal. The fingerprint of the empty text is all zero. A fingerprint is valid in its process only,
+/// because the next one draws another seed.
 struct Fingerprint
 {
     Fingerprint() = default;
-    /// Implicit, because a key is often at hand as a text. Linear in its length.
+    /// Implicit, because keys are often given as texts. Linear in the length.
     Fingerprint(std::string_view text);
     Fingerprint(const CString& text) : Fingerprint(std::string_view(text)) {}
 
@@ -28,8 +28,8 @@ struct Fingerprint
 
 /// Computes the fingerprint of a text that arrives in pieces, wherever it is cut. A copy continues from the text so
 /// far, in time linear in what is appended. Each block of eight bytes is multiplied by the seed and folded, once for
-/// each half of the result (the step of wyhash, https://github.com/wangyi-fudan/wyhash). The end is mixed with the
-/// length, because the bytes of the last block are filled up with zeros: "a" and "a\0" would be equal.
+/// each half of the result (the step of wyhash, https://github.com/wangyi-fudan/wyhash). The last block is filled up
+/// with zeros, so the length is mixed in at the end; otherwise "a" and "a\0" would be equal.
 class RunningHash
 {
 public:
@@ -76,7 +76,7 @@ private:
     static const Seed seed;
 
     // By memcpy(), because a piece may begin at any address. The first byte must become the lowest, as on little-endian
-    // processors: add() joins pieces by shifts, and would else give another result for another cut.
+    // processors. Otherwise add(), which joins pieces by shifts, would give another result for another cut.
     template <class Number>
     static Number load(const char* bytes)
     {
@@ -85,8 +85,8 @@ private:
         return number;
     }
 
-    // Returns one to seven bytes as the low bytes of a number. Reads overlap instead of looping over the bytes; bytes
-    // that are read twice land on themselves. Up to three bytes are those at 0, n / 2 and n - 1.
+    // Returns one to seven bytes as the low bytes of a number. Reads overlap instead of looping over the bytes; a byte
+    // that is read twice has the same place in both. The indices 0, n / 2 and n - 1 cover one to three bytes.
     static std::uint64_t loadPartial(const char* bytes, std::size_t n)
     {
         const auto byteAt = [bytes](std::size_t i) {
@@ -105,8 +105,8 @@ private:
         return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
     }
 
-    // Adds `n` bytes, at most eight, after those of the block that is not yet full. Pieces are joined to blocks here,
-    // so the result doesn't depend on where the text was cut.
+    // Adds `n` bytes, at most eight, after those of the block that is not yet full. Joins pieces to blocks, so the
+    // result doesn't depend on where the text was cut.
     void add(std::uint64_t bytes, std::size_t n)
     {
         const std::size_t waiting = length % kBlock;
@@ -116,8 +116,8 @@ private:
             return;
         first = fold(first ^ rest, seed.first);
         second = fold(second ^ rest, seed.second);
-        // What the full block had no room for. Nothing is left if it was empty before; a shift by all 64 bits would be
-        // undefined.
+        // The bytes for which the full block had no room. If it was empty before, none are left, and a shift by all 64
+        // bits would be undefined.
         rest = waiting > 0 ? bytes >> 8 * (kBlock - waiting) : 0;
     }
 

@@ -33,11 +33,11 @@ struct NumberHash
 
 /// A hash table of pointers with text keys that iterates in the order in which the keys were first stored. The key is
 /// not stored: `KeyOf(value)` reads it from the value, so it must not change while the value is in the table. Owns
-/// nothing: the values must outlive their use in the table. Keys can't be removed. A key type other than a text needs
-/// its own keyHash().
+/// nothing: the values must outlive their use in the table. Keys can't be removed. A key that is neither a text nor a
+/// Fingerprint needs its own keyHash().
 ///
 /// std::unordered_map has a node for each key and so a cache miss for each lookup. With it, whole imports took about
-/// twice the time.
+/// twice the time (docs/adr/hash-table.md).
 template <class T, auto KeyOf, class Key = std::string_view>
 class KeyedTable
 {
@@ -122,8 +122,8 @@ private:
 
     static Key keyOf(const T& value) { return std::invoke(KeyOf, value); }
 
-    // Returns the slot that holds the key, or else the free slot where it belongs. Ends, because a quarter of the slots
-    // is always free.
+    // Returns the slot that holds the key, or else the free slot where it belongs. The search ends, because at least a
+    // quarter of the slots is free.
     std::size_t slotOf(const Key& key, std::uint32_t hash) const
     {
         for (std::size_t at = hash & (slots.size() - 1);; at = (at + 1) & (slots.size() - 1)) {
@@ -150,5 +150,5 @@ private:
     }
 
     std::vector<T*, LargePages<T*>> entries; // the values, in the order of their keys
-    Slots slots;                             // a power of two
+    Slots slots;                             // their number is a power of two
 };

@@ -8,8 +8,7 @@
 
 namespace {
 
-// Bytes. A large page of x86-64 and of ARM64 with pages of 4 kB has 2 MB. A block of less than two of them might
-// contain no whole one.
+// In bytes. Large pages have 2 MB on x86-64, and on ARM64 with normal pages of 4 kB.
 constexpr std::size_t kLargePage = 1 << 21;
 constexpr std::size_t kLargeBlock = 2 * kLargePage;
 constexpr std::size_t kHeap = 15 * kLargePage; // below the highest threshold that mallopt(3) takes
@@ -19,7 +18,7 @@ constexpr std::size_t kHeap = 15 * kLargePage; // below the highest threshold th
 void* allocateLarge(std::size_t bytes)
 {
     const bool isLarge = bytes >= kLargeBlock;
-    // C11 requires of aligned_alloc() a size that is a multiple of the alignment.
+    // C11 requires that the size for aligned_alloc() is a multiple of the alignment.
     void* const memory = isLarge ? std::aligned_alloc(kLargePage, (bytes + kLargePage - 1) / kLargePage * kLargePage)
                                  : std::malloc(bytes);
     if (!memory)
@@ -43,7 +42,7 @@ void useLargePagesInHeap()
     if (block && std::align(kLargePage, kLargePage, start, size))
         ::madvise(start, size, MADV_HUGEPAGE);
     std::free(block); // stays in the heap, because trimming is off
-    // From here on the heap grows as usual: a block of 128 kB or more for which it has no room is mapped by itself, and
-    // returns to the system when it is freed.
+    // From here on, a block of 128 kB or more for which the heap has no room is mapped separately, and returns to the
+    // system when it is freed.
     ::mallopt(M_MMAP_THRESHOLD, standard);
 }

@@ -5,8 +5,8 @@
 
 /// Returns `bytes` bytes, which the caller frees with std::free(). Throws std::bad_alloc. Blocks of 4 MB and more ask
 /// for large pages (madvise(2), MADV_HUGEPAGE), because a random access to a large table would otherwise also miss in
-/// the page tables. The memory is not cleared. Alignment is that of std::malloc(), or 2 MB for a block of 4 MB and
-/// more. With them, an import of 50,000 types with different names took 14 % less time.
+/// the page tables. The memory is not cleared. Its alignment is that of std::malloc(), or 2 MB for a block of 4 MB and
+/// more. Large pages made an import of 50,000 types with different names 14 % faster.
 void* allocateLarge(std::size_t bytes);
 
 /// Makes the heap ask for large pages for its first 30 MB, and keep what is freed. A program that allocates much once

@@ -30,7 +30,7 @@ MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler)
 void showMessageBox(const CString& text, const CString& title, const CString& details)
 {
     const CString* const outer = std::exchange(currentDetails, &details); // handlers may show messages
-    // A reference, not a copy: a handler must not replace itself.
+    // Not copied, so a handler must not replace itself.
     if (const MessageBoxHandler& handler = currentHandler())
         handler(text, title);
     currentDetails = outer;

@@ -5,7 +5,7 @@
 #include <functional>
 
 /// Shows one message to the user and returns when the user has closed it. It runs in the thread that shows the message,
-/// so that of the wizard passes it on to the window's thread.
+/// so the wizard's handler passes the message on to the window's thread.
 using MessageBoxHandler = std::function<void(const CString& text, const CString& title)>;
 
 /// Sets the handler of all later messages and returns the one before. The default handler writes "TITLE: TEXT" to
@@ -17,6 +17,6 @@ MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler);
 /// the text doesn't contain it. An empty `details` means that there are none. The text alone says what happened.
 void showMessageBox(const CString& text, const CString& title, const CString& details = {});
 
-/// Returns the details of the message that the calling thread is showing, empty if it has none. For a handler. Valid
-/// until the handler returns. Not a parameter of the handler, because handlers take the fixed text and the title only.
+/// Returns the details of the message that the calling thread is showing, empty if it has none. For handlers. Valid
+/// until the handler returns.
 const CString& queryMessageDetails();

@@ -4,8 +4,8 @@
 
 namespace {
 
-// The process's handler, constructed on first use. Read without a lock: background work never reads it, and it is only
-// exchanged while no other work runs. Starting and joining the thread of such work orders the accesses.
+// The process's handler, constructed on first use. Read without a lock, because it is only exchanged while no work
+// runs, except background work, which never reads it. Starting and joining a thread orders the accesses.
 ProgressHandler& currentHandler()
 {
     static ProgressHandler handler;
@@ -16,8 +16,8 @@ ProgressHandler& currentHandler()
 // work beside the window's import.
 thread_local Progress last;
 
-// The scope that this thread is in, null outside of one. The handler is the business of the work that the user has
-// started, so background work asks its scope instead.
+// The scope that this thread is in, null outside of one. The handler belongs to the work that the user has started, so
+// background work asks its scope instead.
 thread_local const BackgroundWork* background = nullptr;
 
 // "1,234,567"
@@ -29,8 +29,7 @@ CString grouped(std::uint64_t number)
     return text;
 }
 
-// Rounds kilobytes up, so that a small source is not shown as 0 kB, and megabytes down, so that the total is reached
-// only at the end.
+// Rounds kilobytes up, so that a small source is not shown as 0 kB.
 CString amount(std::uint64_t bytes)
 {
     if (bytes < 100'000)

@@ -56,8 +56,8 @@ public:
     const std::function<bool()> isWanted;
 };
 
-/// Passes `progress` to the handler and returns whether to continue. For work that has a way of its own to end; other
-/// work calls a meter or throwIfCancelled().
+/// Passes `progress` to the handler and returns whether to continue. For work that ends in its own way if refused;
+/// other work uses a ProgressMeter or throwIfCancelled().
 bool reportProgress(const Progress& progress);
 
 /// Polls the handler again with the last progress and returns whether to continue. For work that waits and has nothing

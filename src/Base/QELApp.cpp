@@ -21,7 +21,7 @@ void CQELApp::Error(const CString& text, UINT titleId, const CString& details)
 void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault, const CString& advice)
 {
     CString details = advice;
-    // Boxes of imports word the place and often the reason in the text; said twice it would only be longer.
+    // Adds only what the text lacks: the text of an import's box often contains the file and the reason.
     const auto add = [&](const CString& words, const char* before) {
         if (!words.empty() && text.find(words) == CString::npos)
             details += (details.empty() ? "" : "\n") + (before + words);

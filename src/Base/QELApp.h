@@ -13,7 +13,7 @@ public:
     BOOL InitInstance();
 
     /// Shows the text `textId` of the string table under the title `titleId` and returns when the user has closed it.
-    /// Only shows: the caller then returns its failure.
+    /// Ends no work: the caller then returns its failure.
     void Error(UINT textId, UINT titleId);
 
     /// Shows a finished text under the title `titleId`. `details` is the cause in the words of the system, a driver or

@@ -199,7 +199,7 @@ QELString& QELString::operator+=(const QELString& other)
     return *this;
 }
 
-// A NUL may take storage, but changes no text.
+// Appending NUL may enlarge the storage, but doesn't change the text.
 QELString& QELString::operator+=(char ch)
 {
     const unsigned long size = length();
@@ -283,7 +283,7 @@ void QELString::upperCase()
 void QELString::initial()
 {
     lowerCase();
-    // The terminator if there is nothing but spaces; upperAscii() leaves it as it is.
+    // If the text is only spaces, this is the terminator, which upperAscii() leaves as it is.
     char& first = text[std::strspn(text, " ")];
     first = upperAscii(first);
 }
@@ -415,7 +415,7 @@ QELString rtrim(const QELString& s)
 
 QELStringIterator::QELStringIterator(const QELString& s) : source(s), position(parts.end()) {}
 
-// Cuts all parts at once. The source is a copy, so the string may change in between.
+// Cuts all parts at once. `source` is a copy, so the caller's string may change meanwhile.
 void QELStringIterator::beginEnum(char sep)
 {
     separator = sep;

@@ -7,9 +7,9 @@
 
 /// An 8-bit text. Up to 19 characters lie inside the object, longer texts on the heap; the storage never shrinks. All
 /// operations work byte by byte, only ASCII letters have a case, and every argument may be the string itself or point
-/// into it. A text of 2 GB or more throws std::length_error, because indices are int. It is the text toolkit's own
-/// type, not a std::string, because the sizes of its storage are part of its contract (queryCapacity): exact after the
-/// assignment of a C string, double after appending. Its text ends at the first NUL, so it can't hold one.
+/// into it. A text of 2 GB or more throws std::length_error, because indices are int. Not a std::string, because the
+/// size of the storage is part of its contract (queryCapacity): if a C string doesn't fit, assigning it makes the
+/// storage exactly as large as needed, and appending makes it twice as large. The text can't contain NUL.
 class QELString final
 {
 public:

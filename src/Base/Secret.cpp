@@ -9,11 +9,11 @@
 namespace {
 
 // glibc keeps up to seven freed blocks of each small size for reuse (the tcache), and M_PERTURB does not overwrite
-// those. Allocating one more than that of each size reaches them all. M_PERTURB does overwrite the other blocks when
-// they are freed (mallopt(3)).
+// those. Allocating eight of each size reaches them all. All other blocks are overwritten when they are freed
+// (mallopt(3)).
 void wipeKeptBlocks()
 {
-    // Bytes that can be used of the blocks that the tcache takes, on 64-bit systems: from 24 to 1032 in steps of 16.
+    // The usable bytes of blocks that the tcache keeps on 64-bit systems: from 24 to 1032 in steps of 16.
     constexpr std::size_t kStep = 16, kLargest = 1032;
     for (std::size_t size = 24; size <= kLargest; size += kStep) {
         std::array<void*, 8> blocks;

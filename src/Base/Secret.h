@@ -12,7 +12,8 @@ struct Secret
     CString text;
 
     Secret() = default;
-    /// Moves the text. The bytes of a short one lie inside the string object and stay in the one that it came from.
+    /// Moves the text. A short text lies inside the string object, so its bytes stay in the object that it is moved
+    /// from.
     explicit Secret(CString secret) : text(std::move(secret)) {}
     ~Secret() { wipe(text); }
     Secret(const Secret&) = delete;
@@ -21,8 +22,8 @@ struct Secret
 
 /// A scope around calls of libraries that copy a password and don't wipe it. Blocks that they free in the scope are
 /// overwritten. The end of the scope wipes the stack below it and the small blocks that the allocator keeps for reuse.
-/// For the whole process: blocks that other threads free meanwhile are overwritten, too. Scopes must not overlap,
-/// because the end of one turns the overwriting off.
+/// It works on the whole process: blocks that other threads free meanwhile are overwritten, too. Scopes must not
+/// overlap, because the end of one turns the overwriting off.
 class MemoryWipe
 {
 public:

@@ -7,11 +7,11 @@
 
 namespace {
 
-// Characters that no name or address has. They would end a value of a connection string, or begin a quoted one. No
-// syntax of names is checked further: the resolver of the system decides.
+// Characters that no name or address contains, and that could end or quote a value in a connection string. The syntax
+// of names is not checked further, because the system's resolver decides.
 constexpr std::string_view kForeign = ";{}=[]\"'";
 
-// inet_pton() doesn't know zones (RFC 4007, section 11), so they are cut off, and not checked.
+// inet_pton() doesn't accept zones (RFC 4007, section 11), so they are cut off and not checked.
 bool isIPv6(std::string_view text)
 {
     in6_addr ignored;
@@ -41,8 +41,8 @@ CString ServerAddress::asText() const
 
 std::optional<ServerAddress> readServerAddress(std::string_view text, unsigned defaultPort)
 {
-    // First, because the colons of a bare IPv6 address would be taken for that of a port. isServer() still has to check
-    // a zone.
+    // First, because a colon of a bare IPv6 address would be taken for the one before a port. isServer() checks the
+    // zone.
     if (isIPv6(text) && isServer(text))
         return ServerAddress{CString(text), defaultPort};
     // `rest` is the text after the server: empty, or a colon and the port.

@@ -2,7 +2,7 @@
 
 #include "Base/Text.h"
 
-/// An error or warning about a source, in parts. The parts are apart, because the command line writes them as
+/// An error or warning about a source. Its parts are separate, because the command line writes them as
 /// FILE:LINE:COLUMN, while a box shows them in a text.
 struct SourceFault
 {

@@ -11,7 +11,7 @@
 /// without recursion, in time linear in the links.
 ///
 /// `Graph` has degree(node), the number of a node's links, and target(node, i), the node at the end of its i-th link,
-/// or kNone if the link leads nowhere. The graph must not change between visits. `Graph` may be a reference type.
+/// or kNone if the link leads nowhere. The graph must not change between visits.
 ///
 /// The number of a component is at least those of the components that its nodes link to, because a component gets its
 /// number when all that it reaches have theirs.
@@ -35,7 +35,7 @@ public:
             return;
         enter(start);
         while (!steps.empty()) {
-            // A graph of a source can take seconds.
+            // A source's graph can take seconds.
             cancelPoint.pass();
             Step& top = steps.back();
             if (top.nextLink == graph.degree(top.node)) {
@@ -104,7 +104,7 @@ private:
     std::vector<Index> lowest;  // the lowest number reached that has no component yet
     std::vector<Index> pending; // visited, without a component yet
     std::vector<Step> steps;
-    CancelPoint cancelPoint{1 << 16}; // links between two polls
+    CancelPoint cancelPoint{1 << 16}; // steps between two polls
     Index lastNumber = 0;
     Index components = 0;
 };

@@ -9,11 +9,9 @@
 #include <termios.h>
 #include <unistd.h>
 
-// The order protects the terminal: first the signals are blocked, then the echo is turned off, and in reverse at the
-// end, so that no signal can leave a terminal without echo. A signal that came meanwhile is raised again last.
 namespace {
 
-// The last blocked signal that came during the prompt, 0 if none. A handler may write to nothing else safely.
+// The last blocked signal that came during the prompt, 0 if none. Of a type that a handler can write safely.
 volatile std::sig_atomic_t caughtSignal = 0;
 
 void noteSignal(int number)
@@ -74,7 +72,8 @@ public:
         if (descriptor < 0 || tcgetattr(descriptor, &before) != 0)
             return;
         termios silent = before;
-        // Only the echo: in canonical mode the terminal still edits the line, and read() returns once it is complete.
+        // Only the echo: in canonical mode the terminal still edits the line, and read() returns once the line is
+        // complete.
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         usable = tcsetattr(descriptor, TCSAFLUSH, &silent) == 0; // drops input typed before the prompt
     }

@@ -50,7 +50,7 @@ constexpr bool isIn(const CodeRange (&ranges)[N], char32_t code)
     return false;
 }
 
-// Where in a name a character is allowed.
+// The places in a name at which a character is allowed.
 enum InNames : std::uint8_t
 {
     notInNames,
@@ -66,8 +66,8 @@ constexpr std::array<InNames, 128> makeAsciiInNames()
     return table;
 }
 
-// The places in a name where each ASCII character is allowed. A table, because nearly all names are ASCII. isXmlName()
-// took a tenth of an import when each digit went through the decoder and the ranges.
+// The entry of each ASCII character. A table, because nearly all names are ASCII: isXmlName() took a tenth of an import
+// when each digit went through the decoder and the ranges.
 constexpr std::array<InNames, 128> kAsciiInNames = makeAsciiInNames();
 
 using Bytes8 = std::uint64_t; // eight characters
@@ -106,8 +106,8 @@ bool hasSpecial(Bytes16 bytes)
     return (halves[0] | halves[1]) != 0;
 }
 
-// Returns whether a local name can begin at this place of UTF-8 text. Namespaces in XML 1.0, production [7] QName: a
-// colon is followed by a local name, which has none at its start.
+// Returns whether a local name can begin at this place of UTF-8 text. In a QName (Namespaces in XML 1.0, production
+// [7]), a local name without a colon must follow the colon.
 bool beginsLocalName(std::string_view text, std::size_t at)
 {
     if (at == text.size() || text[at] == ':')
@@ -205,11 +205,11 @@ bool isPlainXmlText(std::string_view bytes)
     std::size_t left = bytes.size();
     if (left < sizeof(Bytes8)) {
         Bytes8 padded = repeated(' ');
-        // Filled up with blanks, which are plain.
+        // Padded with blanks, which are plain.
         std::memcpy(&padded, at, left);
         return !hasSpecial(bytes16Of(padded, padded));
     }
-    // Not for the last sixteen bytes: 1 to 16 are left for the check below the loop.
+    // Leaves 1 to 16 bytes for the check below.
     for (; left > sizeof(Bytes16); at += sizeof(Bytes16), left -= sizeof(Bytes16))
         if (hasSpecial(bytes16Of(loadBytes8(at), loadBytes8(at + sizeof(Bytes8)))))
             return false;
@@ -225,8 +225,8 @@ bool isXmlText(std::string_view bytes)
     for (std::size_t at = 0; at < bytes.size();) {
         if (bytes.size() - at >= sizeof(Bytes8)) { // fast path: nearly every text is plain ASCII
             // The high bit of a byte is set in `block` if it is not ASCII, and in the difference if it is below the
-            // blank. A borrow reaches another byte only after one that was found already. What is found is looked at in
-            // detail below, where tabs and line ends pass.
+            // blank. A borrow changes another byte only after a byte that is found in any case. A block with such a
+            // byte is decoded below, where tabs and line ends are allowed.
             const Bytes8 block = loadBytes8(bytes.data() + at);
             if (((block | (block - repeated(0x20))) & repeated(0x80)) == 0) {
                 at += sizeof block;
@@ -240,8 +240,8 @@ bool isXmlText(std::string_view bytes)
     return true;
 }
 
-// The encoding is chosen for the text as a whole: a text of Windows-1252 would otherwise come out mixed, where two of
-// its bytes happen to form UTF-8.
+// The encoding is chosen for the text as a whole. Otherwise, two bytes of a Windows-1252 text that happen to form UTF-8
+// would become another character.
 CString toXmlText(std::string_view bytes)
 {
     if (isXmlText(bytes))

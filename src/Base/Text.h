@@ -15,8 +15,8 @@ using LONG = std::int32_t;
 using DWORD = std::uint32_t;
 using LRESULT = long;
 
-/// A text in two pieces, the second often empty. A text that is only written need not be joined first. Views only:
-/// valid as long as the texts they were made from.
+/// Views of a text in two pieces, the second often empty. A text that is only written need not be joined first. Valid
+/// as long as the texts that they view.
 struct TextPieces
 {
     template <class Text>
@@ -40,7 +40,7 @@ inline constexpr std::string_view kWhitespace = " \t\n\r\v\f";
 /// Returns `text` without the characters of `set` at either end, as a view into `text`.
 std::string_view trimmed(std::string_view text, std::string_view set);
 
-/// Trims kWhitespace. Fast path: nearly every text has none at its ends. It returns a view into `text`.
+/// Returns `text` without kWhitespace at either end, as a view. Fast path: nearly every text has none there.
 inline std::string_view trimmed(std::string_view text)
 {
     const auto isBlank = [](char c) { return c <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r')); };
@@ -74,8 +74,8 @@ bool endsWithAscii(std::string_view text, std::string_view ending);
 /// Returns whether `text` equals one of `words`.
 bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words);
 
-/// Returns printf() output of any length, empty if the formatter fails. For formats of the string table; a text of
-/// others is an argument, never the format.
+/// Returns printf() output of any length, empty if the formatter fails. For formats of the string table. Texts from
+/// elsewhere are arguments, never the format.
 [[gnu::format(printf, 1, 2)]] CString formatText(const char* format, ...);
 
 /// Returns a count with its noun: "1 loss", "2 losses".

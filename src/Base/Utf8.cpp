@@ -41,8 +41,7 @@ char32_t decodeUtf8(std::string_view text, std::size_t& at)
             return kInvalidUtf8;
         code = code << 6 | (byte(at + i) & 0x3F);
     }
-    // RFC 3629, section 3: of several forms only the shortest is valid. Others could hide a character from a check of
-    // bytes.
+    // Only the shortest form is valid (RFC 3629, section 3). Longer ones could hide a character from a check of bytes.
     const bool overlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
     if (overlong || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
         return kInvalidUtf8;
@@ -58,8 +57,8 @@ std::size_t countCharacters(std::string_view text)
     std::uint64_t eight;
     for (; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
         std::memcpy(&eight, text.data(), sizeof eight);
-        // Continuation bytes, 10xxxxxx, begin no character. Bit 7 set and bit 6 not set, moved to the lowest bit of
-        // each byte.
+        // Continuation bytes, 10xxxxxx, begin no character. The expression sets the lowest bit of each byte whose bit 7
+        // is set and bit 6 is not.
         count -= static_cast<std::size_t>(std::popcount(eight >> 7 & ~(eight >> 6) & 0x0101010101010101));
     }
     const auto isContinuation = [](unsigned char c) { return (c & 0xC0) == 0x80; };
@@ -103,8 +102,7 @@ std::string_view firstCharacters(std::string_view text, std::size_t count)
 
 void dropPartialCharacter(std::string_view& text)
 {
-    // Back over the continuation bytes at the end. Stops after four, because no character has as many, so the time
-    // doesn't depend on the text.
+    // Goes back over the continuation bytes at the end, at most four, because no character has as many.
     std::size_t start = text.size(); // of the last character
     while (start > 0 && text.size() - start < 4 && (text[start - 1] & 0xC0) == 0x80)
         --start;

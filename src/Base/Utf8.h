@@ -26,8 +26,8 @@ std::size_t countCharacters(std::string_view text);
 /// cut.
 std::string_view firstCharacters(std::string_view text, std::size_t count);
 
-/// Removes an incomplete character at the end of `text`, which a cut has left there. Looks at the end only, and leaves
-/// a text whose last character is complete. For texts that are cut to a number of bytes.
+/// Removes an incomplete character at the end of `text`, which a cut has left there. Looks at the end only. For texts
+/// that are cut to a number of bytes.
 void dropPartialCharacter(std::string_view& text);
 
 /// Appends a character as UTF-8. `code` must be a valid code point.
