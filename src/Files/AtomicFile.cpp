@@ -14,8 +14,8 @@
 
 // The content is gathered beside the target, in a temporary file that a rename can put in its place. If the owner,
 // group or permissions of the target can't be given to such a file, or the folder takes none, the content is gathered
-// in memory (memfd_create(2)), and commit() copies it over the target. A rename that fails ends in the same copy.
-// Either way the target is not touched before the content is complete.
+// in memory (memfd_create(2)), and commit() copies it over the target. A failed rename leads to the same copy. In each
+// case the target stays untouched until the content is complete.
 namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
@@ -91,7 +91,7 @@ void AtomicFile::open(const CString& fileName, Special special)
         return fail();
     if (replaces && !S_ISREG(state.st_mode)) {
         errno = S_ISDIR(state.st_mode) ? EISDIR : ENOTSUP;
-        // O_NOCTTY: a terminal that is written to must not become the one that controls the process.
+        // O_NOCTTY: a terminal that is written to must not become the controlling terminal of the process.
         if (special == Special::written)
             out.reset(::open(fileName.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
         return out.isOpen() ? void() : fail();
@@ -101,7 +101,7 @@ void AtomicFile::open(const CString& fileName, Special special)
     if (replaces && ::access(fileName.c_str(), W_OK) != 0)
         return fail();
     target = resolveLinks(fileName);
-    // The empty name.
+    // The name was empty.
     if (target.empty()) {
         errno = ENOENT;
         return fail();
@@ -153,8 +153,8 @@ void AtomicFile::write(std::string_view bytes)
         flush();
     if (error != 0)
         return;
-    // Large pieces are written without a copy. The buffer is empty at this point: such a piece does not fit beside
-    // anything.
+    // Large pieces are written without a copy. The buffer is empty then, because such a piece doesn't fit beside other
+    // bytes.
     if (bytes.size() < kBufferSize)
         buffer.append(bytes);
     else if (!out.write(bytes))
@@ -164,7 +164,7 @@ void AtomicFile::write(std::string_view bytes)
 int AtomicFile::commit()
 {
     flush();
-    // Nothing is left to be put in place after a failure, or if the bytes went to the target directly.
+    // Nothing is put in place after a failure, or if the bytes went to the target directly.
     const bool isWritten = error != 0 || target.empty();
     if (!isWritten && keepsUnchanged && isUnchanged())
         temporary.remove();
@@ -183,7 +183,7 @@ void AtomicFile::keepUnchanged(off_t from, off_t count)
     ignoredEnd = from + count;
 }
 
-// Reads both files back, because a part of the new content may be on the disk only.
+// Reads the new content back from its file, because the buffer has been flushed.
 bool AtomicFile::isUnchanged() const
 {
     struct stat before = {}, written = {};

@@ -39,6 +39,6 @@ void turnFileFaultsIntoErrors()
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (::fcntl(stream, F_GETFD) < 0)
             ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-    // The default action of the signal ends the process; ignored, write() returns EFBIG (setrlimit(2)).
+    // The signal would end the process. If it is ignored, write() fails with EFBIG (setrlimit(2)).
     std::signal(SIGXFSZ, SIG_IGN);
 }

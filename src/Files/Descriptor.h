@@ -20,7 +20,7 @@ public:
     void reset(int opened);
 
     /// Closes the descriptor. Returns false with errno if written bytes may be lost; the descriptor is closed in any
-    /// case. Close a written file by it, because the destructor hides the failure.
+    /// case. Call it for a written file, because the destructor hides the failure.
     bool close();
 
     /// Writes all of the bytes. Returns false with errno on failure, when a part may have been written.

@@ -22,7 +22,7 @@ int refusal(int descriptor, const struct stat& state)
         return EISDIR;
     // Device 1:3 is /dev/null on Linux.
     const bool isNull = S_ISCHR(state.st_mode) && state.st_rdev == makedev(1, 3);
-    // A terminal is where a user may type a source.
+    // A terminal is allowed, because a user may type a source.
     const bool isDevice = S_ISCHR(state.st_mode) || S_ISBLK(state.st_mode);
     return isDevice && !isNull && ::isatty(descriptor) == 0 ? ENOTSUP : 0;
 }
@@ -32,7 +32,7 @@ int refusal(int descriptor, const struct stat& state)
 InputFile::InputFile(const CString& fileName, std::size_t most) :
     descriptor(::open(fileToOpen(fileName).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))
 {
-    // fstat(), so that what is tested is what is read, whatever becomes of the name.
+    // fstat() tests the opened file. The name may lead to another one meanwhile.
     struct stat state = {};
     if (!descriptor.isOpen() || ::fstat(descriptor.get(), &state) != 0)
         error = errno;
@@ -83,7 +83,7 @@ FileCause readFile(const CString& fileName, CString& out, std::size_t most)
         if (count == 0)
             break;
         used += static_cast<std::size_t>(count);
-        // Files of a network, and pipes, can be slow.
+        // Network files and pipes can be slow.
         throwIfCancelled();
         // Doubled, so that a pipe of any length is read in linear time.
         if (used == room)

@@ -13,7 +13,7 @@ inline constexpr std::size_t kAnySize = std::numeric_limits<std::size_t>::max();
 
 /// A file or pipe that is open for reading. Fails for a folder (EISDIR) and for a device other than a terminal or the
 /// null device, because it might never end (ENOTSUP). Fails for a file longer than `most` bytes (EOVERFLOW). With a
-/// limit, bytes that are appended during the read are not read. Whoever opens a pipe waits for a writer.
+/// limit, bytes that are appended during the read are not read. Opening a pipe waits for a writer.
 ///
 /// A kept pipe or text is read instead of the file if there is one (Files/KeptPipe).
 class InputFile

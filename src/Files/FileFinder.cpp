@@ -14,18 +14,18 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
-// A name is opened as it is first, which costs one call for nearly all files. Only a name that is missing is looked up
-// in the listings of its folders, each of which is read once and kept under the folder's identity. All that a source
-// can make the finder do counts as a lookup, and lookups are limited; beyond the limit, listings are cut short.
+// A name is first opened as it is, which takes one call for nearly all files. Only a missing name is looked up in the
+// listings of its folders, each of which is read once and cached under the folder's identity. Listed names and the
+// names tried from listings count as lookups, which are limited.
 namespace {
 
 constexpr std::size_t kMaxLookups = 200'000; // for each finder, so that a source can't keep it busy
 constexpr std::size_t kLongestShown = 1'000; // bytes
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
-// Returns the scheme before the first colon; "" if the reference has none. It begins with a letter (RFC 3986, 3.1); its
-// other characters are not checked, because a relative path with a colon in its first segment has to begin with "./"
-// (4.2).
+// Returns the scheme before the first colon; "" if the reference has none. A scheme begins with a letter (RFC 3986,
+// 3.1). Its other characters are not checked, because a relative path with a colon in its first segment must begin with
+// "./" (4.2).
 std::string_view schemeOf(std::string_view reference)
 {
     const std::size_t colon = reference.find_first_of(":/?#");
@@ -34,8 +34,8 @@ std::string_view schemeOf(std::string_view reference)
     return kLetters.find(reference[0]) == std::string_view::npos ? std::string_view() : reference.substr(0, colon);
 }
 
-// Removes "//host" from the front. Returns false if that is another host than this one. RFC 8089: a file URI may name a
-// host, and "localhost" or none is this one.
+// Removes "//host" from the front. Returns false if that is another host than this one. In a file URI (RFC 8089), an
+// empty host and "localhost" mean this one.
 bool dropHost(std::string_view& reference)
 {
     if (!reference.starts_with("//"))
@@ -93,8 +93,8 @@ bool isKernelFile(int place)
 }
 
 // Returns the id of the regular file under a name. Returns nothing, with an errno value in `error`, if there is none
-// that may be read; `error` is 0 if something else is there. Looks at the file that was opened, not at its name again,
-// so that the answers belong to one file.
+// that may be read; `error` is 0 if something else is there. Tests the opened file, not its name again, so that both
+// results are of one file.
 std::optional<FileId> identifyFile(const CString& name, int& error)
 {
     const Descriptor place(openPlace(name));
@@ -190,7 +190,7 @@ std::optional<FoundFile> FileFinder::find(const CString& folder, const CString& 
     if (path.empty())
         return std::nullopt;
     const CString name = path.starts_with('/') ? path : folder + path;
-    // Misses are cached, too: a source of 4 kB can name one missing file again and again, which would take seconds.
+    // Misses are cached, too: references to one missing file took seconds in a source of 4 kB.
     const auto [place, isNew] = known.try_emplace(name);
     if (isNew)
         place->second = search(folder, path, name);
@@ -202,7 +202,7 @@ std::optional<FoundFile> FileFinder::search(const CString& folder, const CString
     int error = 0;
     if (const auto id = identifyFile(name, error))
         return FoundFile{name, *id};
-    // A folder, a pipe or a file of the kernel has this name: no file in another case is tried instead.
+    // A folder, a pipe or a file of the kernel has this name, so names in another case are not tried.
     if (error == 0)
         return std::nullopt;
     isIncomplete = !meansMissing(error);
@@ -235,7 +235,8 @@ std::optional<FoundFile> FileFinder::findInAnyCase(const CString& folder, std::s
     return std::nullopt;
 }
 
-// Returns what `component` can mean in any of the folders, each file once. Empty if the limit is reached.
+// Returns the files and folders that `component` can mean in any of the folders, each once. Empty if the limit is
+// reached.
 std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, std::string_view component)
 {
     std::vector<FoundFile> found;
@@ -258,11 +259,11 @@ std::vector<FoundFile> FileFinder::step(const std::vector<FoundFile>& folders, s
 
 std::vector<CString> FileFinder::namesLike(const FoundFile& folder, std::string_view component)
 {
-    // In no listing (directory_iterator skips it), and has no other case. "." is skipped by the caller.
+    // directory_iterator doesn't list "..", and it has no case. The caller skips ".".
     if (component == "..")
         return {CString(component)};
     std::vector<CString> names;
-    // Only ASCII letters have a case here, because the letters of other alphabets depend on a locale.
+    // Only the case of ASCII letters is ignored, because that of other letters depends on a locale.
     const auto [first, last] = list(folder).equal_range(lowerAscii(component));
     for (auto name = first; name != last; ++name)
         names.push_back(name->second);

@@ -11,8 +11,8 @@
 
 /// Returns the path of the local file that a schemaLocation names, absolute or relative to the document that holds it.
 /// `reference` is a URI reference (RFC 3986); its fragment and query are dropped, `\` counts as `/`, and percent
-/// escapes are decoded. Empty if it names no local file: a scheme other than file, another host, or an escaped NUL.
-/// Nothing else is ever fetched. A path of Windows with a drive letter has a scheme, and so names no local file.
+/// escapes are decoded. Empty if it names no local file: a scheme other than file, another host, or an escaped NUL. A
+/// Windows path with a drive letter counts as a URI with a scheme, so it names no local file.
 CString localPath(std::string_view reference);
 
 /// Returns a URI (RFC 3986) with its percent escapes decoded. A "%" that begins no escape stays.
@@ -30,7 +30,7 @@ struct FoundFile
 
 /// Finds files by names whose letters may have the wrong case, because schemas and DTDs often come from systems that
 /// ignore case. Caches hits and misses. After 200,000 lookups and listed names it only tries exact names, so that a
-/// source can't keep it busy. An import has a finder of its own: files that appear later are not found.
+/// source can't keep it busy. Files that appear after a lookup are not found, so each import has its own finder.
 class FileFinder
 {
 public:

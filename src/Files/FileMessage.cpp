@@ -42,8 +42,8 @@ CString cantOpen(const CString& fileName, FileCause cause)
 }
 
 // A cause covers several errno values. The name is tested again to find the right one; if the system now returns
-// another cause or none, the cause's first value is used. A folder is tested for, because the system opens it and only
-// reading fails.
+// another cause or none, the cause's first value is used. Folders are tested for, because opening one succeeds and only
+// reading it fails.
 CString inWords(const CString& fileName, FileCause cause)
 {
     std::error_code again;
@@ -53,7 +53,7 @@ CString inWords(const CString& fileName, FileCause cause)
         return again.message();
     if (const auto* const row = std::ranges::find(kCauses, cause, &CauseRow::cause); row != std::end(kCauses))
         return std::generic_category().message(row->error);
-    // A generic cause of a file above the limit: EOVERFLOW has no number of its own.
+    // EOVERFLOW, for a file above the limit, has no cause of its own and counts as generic.
     const std::uintmax_t size = std::filesystem::file_size(fileName, again);
     return cause == FileCause::generic && !again && size > kMaxNamedFile ? inWords(EOVERFLOW)
                                                                          : "The system refused access";

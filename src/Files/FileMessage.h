@@ -29,18 +29,17 @@ enum class FileCause : unsigned
 /// Returns the cause of an errno value: `none` for 0, `generic` for a value without a number of its own.
 FileCause fileCauseOf(int error);
 
-/// Returns message 2210: the file can't be opened, with the number of the cause. It is the fixed text; inWords() gives
-/// the details below it.
+/// Returns message 2210: the file can't be opened, with the number of the cause. inWords() returns the details below
+/// it.
 CString cantOpen(const CString& fileName, FileCause cause);
 
-/// Returns a cause in the words of the system, without the file's name. The file is looked at again, so call it
-/// directly after the failure.
+/// Returns a cause in the words of the system, without the file's name. The file is tested again, so call it directly
+/// after the failure.
 CString inWords(const CString& fileName, FileCause cause);
 CString inWords(int error); ///< for an errno value
 
-/// The names that stand for standard input and output. Standard input has its name in /proc, because that can be opened
-/// twice, and a regular file is then read from its start. shownFile() returns the name for the user: "-" for standard
-/// input.
+/// The names that stand for standard input and output. Standard input has its name in /proc, which can be opened again
+/// and then reads a regular file from its start. shownFile() returns the name for the user: "-" for standard input.
 inline constexpr char kStandardInput[] = "/proc/self/fd/0";
 inline constexpr char kStandardOutput[] = "/dev/stdout";
 CString shownFile(const CString& fileName);

@@ -11,9 +11,9 @@ int copyToFile(int descriptor);
 bool isPipe(const CString& fileName);
 
 /// Reads a pipe to its end and keeps the bytes until the program ends. From then on, each InputFile of that name reads
-/// them. Returns false with errno on failure. For imports that read a source twice. Waits until all writers have closed
-/// the pipe. Call this function and keepText() only while no other thread opens files. Opening a pipe a second time
-/// would wait for another writer for ever.
+/// them. Returns false with errno on failure. For imports that read a source twice, because opening a pipe a second
+/// time would wait for another writer for ever. Waits until all writers have closed the pipe. Call this function and
+/// keepText() only while no other thread opens files.
 bool keepPipe(const CString& fileName);
 
 /// Makes each InputFile of that name read `text` from now on. Returns false with errno on failure. `fileName` need not

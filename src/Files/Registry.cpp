@@ -30,7 +30,7 @@ bool change(Change set)
 }
 
 // Returns a value as an integer. A text is read as scanf's %d and %u read it: leading digits count, the rest is
-// ignored. Other types give their first four bytes. Their order is little-endian on every machine (SettingsValue).
+// ignored. An integer is stored in little-endian order on every machine (SettingsValue).
 std::uint32_t asInteger(const SettingsValue& value)
 {
     if (value.type == SettingsValue::Type::text)

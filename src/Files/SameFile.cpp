@@ -28,7 +28,7 @@ bool ignoresCase(const fs::path& folder)
             system.f_type == CIFS_SUPER_MAGIC || system.f_type == SMB2_SUPER_MAGIC);
 }
 
-// For names where nothing exists yet: the same name in the same folder.
+// Compares names under which nothing exists yet: the same name in the same folder.
 bool wouldBeSameFile(const fs::path& one, const fs::path& other)
 {
     std::error_code failure;
@@ -54,7 +54,7 @@ CString resolveLinks(const CString& fileName)
 
 bool isSameFile(const CString& one, const CString& other)
 {
-    // Two calls of stat(), because this is asked for each source and each output.
+    // Only two calls of stat(), because each source is compared with each output.
     struct stat first, second;
     const bool isThere = ::stat(one.c_str(), &first) == 0;
     if (isThere != (::stat(other.c_str(), &second) == 0))

@@ -18,7 +18,7 @@
 #include <unordered_map>
 
 // The file is read whole into a tree that keeps the order of its values, and written whole, so that unknown keys and
-// values of other versions survive. It is small, and rarely read: Registry and its transactions decide when.
+// values of other versions survive.
 using Json = nlohmann::ordered_json;
 
 // Bytes; the program's own settings take some kB. The file is read at start, before there is a window that could show
@@ -120,8 +120,8 @@ private:
     std::size_t dropped = 0; // open containers that are being dropped
 };
 
-// Returns the parsed text, a discarded value if it is not JSON. A syntax error leaves no part of the settings, because
-// the next save would drop the rest.
+// Returns the parsed text, a discarded value if it is not JSON. After a syntax error no part is used, because the next
+// save would drop the rest.
 Json parseSettings(const CString& text)
 {
     Builder builder;
@@ -155,7 +155,7 @@ void setAside(const CString& fileName, const CString& reason)
                    loadText(IDS_ERROR_TITLE));
 }
 
-// The inverse of the conversion below. Returns false if a character is above U+00FF.
+// Reverses the conversion below. Returns false if a character is above U+00FF.
 bool toLatin1(std::string_view text, CString& out)
 {
     for (std::size_t at = 0; at < text.size();) {
@@ -220,7 +220,7 @@ SettingsStore::SettingsStore() : document(std::make_unique<Document>())
     CString reason = unreadableReason(document->fileName);
     if (reason.empty()) {
         CString text;
-        // Such a file stays: it is not at fault, and may be readable the next time.
+        // A file that can't be read stays, because it may be readable the next time.
         if (readFile(document->fileName, text) != FileCause::none)
             return;
         document->root = parseSettings(text);

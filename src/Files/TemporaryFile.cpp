@@ -26,7 +26,7 @@ void deleteAndRaise(int signal)
 }
 
 // Installs the handler for signals with the default action. An ignored signal (as under nohup) stays ignored. SIGXFSZ
-// is not among them: it is ignored, so that a write fails instead.
+// is ignored (turnFileFaultsIntoErrors), so that a write fails instead.
 void deleteAtEnd()
 {
     struct sigaction action = {};

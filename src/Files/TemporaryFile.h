@@ -3,8 +3,8 @@
 #include "Base/Text.h"
 
 /// A file that exists as long as the object, unless it is renamed. It is also deleted by exit() and if a signal that
-/// can be caught ends the process (an interrupt, a hang-up, a resource limit). A crash or SIGKILL leaves it behind. Its
-/// address is in a list, so it can't be moved; one thread at a time may create, rename and remove files.
+/// can be caught ends the process (an interrupt, a hang-up, a resource limit). A crash or SIGKILL leaves it behind. The
+/// object can't be moved, because its address is in a list. One thread at a time may create, rename and remove files.
 class TemporaryFile
 {
 public:

@@ -22,7 +22,8 @@ CString homeFolder()
 {
     if (const char* home = std::getenv("HOME"); home != nullptr && home[0] == '/')
         return home;
-    // The account whose rights the process has. The entry is static storage of the library, so it is copied at once.
+    // The account whose rights the process has. The entry is static storage of the library, so the name is copied at
+    // once.
     const passwd* const user = ::getpwuid(::geteuid());
     return user != nullptr ? user->pw_dir : "";
 }
