@@ -1,9 +1,9 @@
 #include "Model/BrokerType.h"
 
-// The last tag stays without its end: what comes next decides whether it is ">" or "/>". So an empty element is written
-// as one tag, and queryXML() can complete a copy while the builder goes on.
+// The last tag stays without its end, because only the next addition decides between ">" and "/>". So an empty element
+// is one tag, and queryXML() can complete a copy while the builder goes on.
 
-// Begins the content element, unless there is one. `tag` is a literal, so its length is known to append().
+// Begins the content element. Returns 0 if there is one already. `tag` is a literal, so append() knows its length.
 template <std::size_t N>
 int BrokerTypeDescription::openContent(const char (&tag)[N], State opened)
 {
@@ -16,8 +16,8 @@ int BrokerTypeDescription::openContent(const char (&tag)[N], State opened)
     return 1;
 }
 
-// Begins an element inside of the content element, and ends the tag before it: that of the last such element, else that
-// of the content.
+// Begins an element inside of the content element, and ends the open tag: that of the element before it, else that of
+// the content element.
 template <std::size_t N>
 void BrokerTypeDescription::openItem(const char (&tag)[N], std::string_view name, TextPieces description)
 {

@@ -12,7 +12,7 @@ class BrokerTypeDescription
 {
 public:
     /// NAME is `path` and `name`, with one backslash between them. An empty description leaves DESCRIPTION out.
-    /// Replaces the content of `text`, which must outlive the builder and not be changed by others meanwhile.
+    /// Replaces the content of `text`, which must outlive the builder, and must not be changed by others meanwhile.
     BrokerTypeDescription(std::string_view name, TextPieces description, std::string_view path, XmlText& text);
 
     /// Does the same with an internal buffer.

@@ -75,7 +75,7 @@ void ClimbShortcuts::passCycles()
     std::ranges::fill(shortcuts, kNone);
 }
 
-// As in a skip list: goes as far as possible on the highest level, and a level down where that leads nowhere.
+// As in a skip list: goes as far as possible on the highest level, then continues one level lower.
 ClimbShortcuts::Index ClimbShortcuts::topOf(Index element)
 {
     for (Index level = height(element); isPassed(element);) {

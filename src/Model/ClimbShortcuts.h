@@ -5,17 +5,17 @@
 /// A skip list over parent chains: finds the topmost unplaced ancestor in O(log n) steps. Outside of cycles, an element
 /// is placed after all its parents. The way up from it, to its first unplaced parent and so on, therefore stays the
 /// same until the last element on it is placed. Elements have random heights, as in a skip list (W. Pugh, Skip lists,
-/// 1990), and keep for each level the next element on the way that is at least as high. Shortcuts are found when they
-/// are first needed, and again when their target has been placed.
+/// 1990), and keep for each level the next element on the way that is at least as high. A shortcut is found when it is
+/// first needed, and again once its target has been placed.
 class ClimbShortcuts
 {
 public:
     using Index = LinkGraph::Index;
 
-    /// Reads the whole graph, which must live as long and keep its links. Throws Cancelled.
+    /// Reads the whole graph, which must outlive this object and keep its links. Throws Cancelled.
     explicit ClimbShortcuts(LinkGraph& graph);
 
-    /// Tells that an element has been placed since.
+    /// Records that an element has been placed.
     void setPlaced(Index element) { placed[element] = true; }
 
     /// Returns whether climbs pass this element by shortcuts. False in a cycle of several elements, because there the

@@ -15,7 +15,7 @@ bool isGenerated(std::string_view description, std::string_view name)
            description.ends_with(suffix);
 }
 
-// Returns the path of an element without a model, in a new pool that the element owns and finds by its path.
+// Returns the path of an element without a model, in a new pool, which the element owns and reaches through its path.
 Name& pathInOwnPool(std::string_view path)
 {
     return (new NamePool)->intern(path.ends_with('\\') ? path : CString(path) + '\\');
@@ -48,7 +48,8 @@ Element::Element(const Element& other, Name& path, Name& name) :
         more->description = &names().intern(other.more->description->text);
 }
 
-// The name of the other pool is only passed on for the moment; names of different pools must not meet.
+// The name of the other element is replaced at once by one of the own pool, because an element must not refer to names
+// of two pools.
 Element::Element(const Element& other) : Element(other, pathInOwnPool(other.queryPath()), *other.name)
 {
     ownsNames = true;
@@ -91,7 +92,8 @@ void Element::setKnownType(std::string_view newKnownType)
     knownType = newKnownType.empty() ? nullptr : &names().intern(newKnownType);
 }
 
-// Renames the element. The first name stays as the base name, which the document of a record shows for a table.
+// Renames the element. The first name stays as the base name, which a record shows as the name of a field that is a
+// table.
 void Element::setName(Name& newName)
 {
     if (!rare().baseName)
@@ -101,8 +103,8 @@ void Element::setName(Name& newName)
 
 void Element::setDescription(std::string_view newDescription)
 {
-    // Nearly all descriptions are generated ones, so those are only flagged, not stored. The arena frees nothing
-    // singly, so a replaced description stays in memory.
+    // Nearly all descriptions are generated ones, so those are only flagged, not stored. A replaced description stays
+    // in memory, because names are only freed all at once.
     isDescribedByName = isGenerated(newDescription, name->text);
     if (more)
         more->description = nullptr;
@@ -159,7 +161,7 @@ void Element::toTable(Element* oldChild, Element* table)
     children.replace(oldChild, table, names().memory);
 }
 
-// Gives a primitive element the known type that stands for its kind, for tables with it as component.
+// Gives a primitive element the known type of its kind, so that a table can name it as its component.
 void Element::setPrimitiveType()
 {
     if (type == typeString)

@@ -91,8 +91,8 @@ public:
     const ElementList& queryChildren() const { return children; }
     const ElementList& queryParents() const { return parents; }
 
-    /// Set a property. setType() changes nothing else, so the caller must keep children and known type in line with the
-    /// kind. Texts become names of the pool; "" removes one.
+    /// Set a property. setType() changes nothing else, so the caller must make children and known type fit the kind.
+    /// Texts become names of the pool; "" removes a text.
     void setType(ElementTypes newType) { type = newType; }
     void setSize(const CString& newSize) { rare().size = &names().intern(newSize); }
     void setKnownType(std::string_view newKnownType);
@@ -106,22 +106,21 @@ public:
     /// Marks the element as an attribute, which never becomes a table.
     void asAttribute() { isAttribute = 1; }
 
-    /// Adds a parent. Does nothing for null and for a listed parent. The link only goes one way: the parent doesn't get
-    /// a child.
+    /// Adds a parent. Does nothing for null and for a listed parent. Doesn't add a child to the parent.
     void addParent(Element* parent);
 
-    /// Appends `child` and returns 1; a primitive element becomes a record. Returns 0 if `child` is already listed. The
-    /// child doesn't get a parent.
+    /// Appends `child` and returns 1; a primitive element becomes a record. Returns 0 if `child` is already listed.
+    /// Doesn't add a parent to the child.
     int addChild(Element* child);
 
     /// Puts `table` in the place of `oldChild`. Does nothing if that is not a child.
     void toTable(Element* oldChild, Element* table);
 
-    /// Replaces `out` with the type's BROKERTYPEDESCRIPTION document. An array without a size gets the size "5", which
-    /// stays.
+    /// Replaces `out` with the type's BROKERTYPEDESCRIPTION document. An array without a size gets the size "5", and
+    /// keeps it.
     void asXML(CString& out) { out = asXML(); }
 
-    /// Returns the same as a view, valid until the next call for any element. One thread at a time may call it.
+    /// Returns the same as a view, valid until the next call for any element. Only one thread at a time may call it.
     std::string_view asXML();
 
     /// Returns whether a record's document has a field for this child. Enumerations and arrays have none: a field of
@@ -135,7 +134,7 @@ public:
     TextPieces queryFieldType(const Element& record) const;
 
     /// Returns the component type of a table or an array, as its document names it: the known type, else the path and
-    /// the base name. A view like these.
+    /// the base name. The views are valid as long as the model.
     TextPieces queryComponentType() const;
 
     /// Returns whether the ordering has put the element into its model's list.
@@ -150,8 +149,8 @@ public:
     void setNumber(std::uint32_t newNumber) { number = newNumber; }
     static constexpr std::uint32_t kNoNumber = 0xFFFFFFFF;
 
-    /// Returns whether the element is a type with a document of its own: kinds 0 to 3. An enumeration of a model's
-    /// types leaves out all others.
+    /// Returns whether the element is a type with a document of its own: kinds 0 to 3. Lists of a model's types leave
+    /// out all other elements.
     bool hasOwnDocument() const { return type >= typeEnum && type <= typeTable; }
 
 private:
@@ -181,7 +180,7 @@ private:
     void describeByName();
 
     // An import has very many elements, so each is small: texts are names of the pool, and rare data costs one pointer.
-    // No member needs a destructor, unless the element owns its pool: elements of a model lie in its arena, which runs
+    // No member needs a destructor, unless the element owns its pool: the arena that holds the elements of a model runs
     // none.
     ElementTypes type : 8;
     bool isAttribute : 1 = false;

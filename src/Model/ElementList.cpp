@@ -8,8 +8,8 @@ namespace {
 // Up to this length, a linear search is faster than an index. Most lists stay below it.
 constexpr std::uint32_t kWalked = 16;
 
-// A list of fields is searched once for each field that becomes a table, so an index pays later. Without one, a record
-// of 500,000 repeated fields took the square of their number.
+// A list of fields is searched once for each field that becomes a table, so an index pays later. Without an index, the
+// time for a record of 500,000 repeated fields was quadratic.
 constexpr std::uint32_t kWalkedToReplace = 256;
 
 } // namespace
@@ -69,8 +69,8 @@ std::uint32_t ElementList::positionOf(const Element* element) const
             return index()[at];
 }
 
-// Moves the elements to storage for `newCapacity`, with an index or without. The arena makes the room, and its memory
-// is not initialised.
+// Moves the elements to storage for `newCapacity`, with an index or without. The memory comes from the arena and is not
+// initialised.
 void ElementList::moveTo(std::uint32_t newCapacity, bool withIndex, std::pmr::memory_resource& memory)
 {
     if (withIndex)
@@ -95,9 +95,9 @@ void ElementList::buildIndex()
         enter(position);
 }
 
-// Adds the element at a position to the index. Slots of replaced elements stay used, so the index is built anew when
-// three quarters are used. That follows at least twice as many entries as it makes, so the average cost of an entry is
-// constant.
+// Adds the element at a position to the index. Slots of replaced elements stay used, so the index is rebuilt when three
+// quarters are used. A rebuild makes at most `capacity` entries and comes after at least twice as many, so the average
+// cost of an entry is constant.
 void ElementList::enter(std::uint32_t position)
 {
     if (entered() == 3 * capacity) { // at most `capacity` of them are live

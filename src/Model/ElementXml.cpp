@@ -6,8 +6,8 @@
 
 namespace {
 
-// Returns the generated description of a name, "%s (Automatically created)", in two pieces: the text is the same for
-// all but the name.
+// Returns the generated description of a name, "%s (Automatically created)", in two pieces, because only the name
+// differs.
 TextPieces generated(std::string_view name)
 {
     static const std::string_view suffix = std::string_view(loadText(IDS_AUTOMATIC)).substr(2);
@@ -62,7 +62,7 @@ TextPieces Element::queryFieldDescription() const
     return type == typeTable || isDescribedByName ? generated(queryFieldName()) : TextPieces(queryDescription());
 }
 
-// A record or a table lies in the folder of the record that holds the field, whatever its own.
+// The type of a record or table is named in the folder of the record that holds the field, whatever its own folder is.
 TextPieces Element::queryFieldType(const Element& record) const
 {
     switch (type) {

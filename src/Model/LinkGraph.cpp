@@ -32,7 +32,7 @@ void LinkGraph::read(Index index)
 }
 
 // Returns the number of an element, which gets one if it has none. Links must not lead to elements of other models,
-// whose numbers would be taken for this one's.
+// because their numbers would be mistaken for this model's.
 LinkGraph::Index LinkGraph::numberOf(Element* element)
 {
     if (element->queryNumber() >= links.size()) {

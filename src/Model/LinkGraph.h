@@ -14,14 +14,14 @@ class LinkGraph
 public:
     using Index = std::uint32_t;
 
-    /// `owned` are the elements by number. Linked elements without a number join when links are read: they get one for
+    /// `owned` are the elements by number. Linked elements without a number join when links are read, and have a number
     /// as long as the graph lives.
     explicit LinkGraph(std::span<Element* const> owned);
     ~LinkGraph();
     LinkGraph(const LinkGraph&) = delete;
     LinkGraph& operator=(const LinkGraph&) = delete;
 
-    /// Returns the number of elements. It may grow by read().
+    /// Returns the number of elements. read() may increase it.
     Index size() const { return static_cast<Index>(links.size()); }
     Element* operator[](Index element) const
     {

@@ -12,12 +12,13 @@ Name& Name::behind(std::size_t size)
     return *rest;
 }
 
-// A text that is not fit for XML is never a key, so it takes the first lookup, the conversion, and a second one.
+// The lookup comes before the check, because most texts are known names. A text that is not fit for XML is never
+// stored, so it takes a second lookup after the conversion.
 Name& NamePool::intern(std::string_view text, std::uint32_t hash)
 {
     if (Name* const known = names.find(text, hash))
         return *known;
-    if (!isXmlText(text)) // stored names are always fit for XML
+    if (!isXmlText(text))
         return intern(toXmlText(text));
     Name* const name = std::pmr::polymorphic_allocator<>(&memory).new_object<Name>(text, *this);
     names.store(name, hash);

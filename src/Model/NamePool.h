@@ -33,8 +33,8 @@ private:
     Name* rest = nullptr;
 };
 
-/// The names of one model, and the memory of its elements. Names keep their addresses until clear(). One thread at a
-/// time may use a pool.
+/// The names of one model, and the memory of its elements. Names keep their addresses until clear(). Only one thread at
+/// a time may use a pool.
 class NamePool
 {
 public:
@@ -56,7 +56,7 @@ public:
     /// Returns the name of a text, which must be fit for XML, or null.
     Name* find(std::string_view text) const { return names.find(text); }
 
-    /// Frees all names and everything in the memory: elements and usages of the model become invalid.
+    /// Frees all names and everything in the memory: elements of the model become invalid.
     void clear();
 
     Arena memory;

@@ -6,14 +6,14 @@
 
 /// Finds the repeated fields that stay single in a model that puts a table into one record only: the first in which the
 /// element repeats. An element with the table's name prevents the table everywhere. Used before TypeModel::arrange(),
-/// whose rule this is, to report the fields as losses.
+/// which follows this rule, to report the fields as losses.
 class RepeatedFields
 {
 public:
     explicit RepeatedFields(const TypeModel& model) : model(model) {}
 
-    /// Returns whether `element` stays single in the record of the number `record`, where it repeats. Call it once all
-    /// elements are declared, for the records in the order in which they were declared.
+    /// Returns whether `element` stays single in the record with the number `record`, in which it repeats. Call it once
+    /// all elements are declared, for the records in the order in which they were declared.
     bool staysSingle(const Element& element, std::uint32_t record)
     {
         const std::uint32_t number = element.queryNumber();

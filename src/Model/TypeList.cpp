@@ -35,8 +35,8 @@ void TypeList::forget()
     types = 0;
 }
 
-// A known type is a full name, so the child's folder is cut off before the lookup. A name knows itself whether it is
-// listed, so this needs no table of the listed types.
+// A known type is a full name, so the child's folder is cut off before the lookup. Each name has a flag whether it is
+// listed, so no table of the listed types is needed.
 bool TypeList::refersToListed(const Element& element)
 {
     for (const Element* child : element.queryChildren())

@@ -12,7 +12,7 @@ public:
     /// which then comes before it.
     void add(Element* element);
 
-    /// Puts an element at the head, as add() does if none of the children has a known type; saves the look at these.
+    /// Puts an element at the head, as add() does if none of the children has a known type, but without checking them.
     void addFirst(Element* element);
 
     /// Empties the list and marks its elements as neither placed nor listed.

@@ -2,7 +2,8 @@
 
 #include "Model/TypeOrder.h"
 
-// The names last, because all else lies in their memory or refers to it. The order only forgets its elements.
+// Names come last, because all else refers to their memory. The order only forgets its elements, which are freed with
+// it.
 void TypeModel::clear()
 {
     usages.clear();
@@ -72,9 +73,9 @@ void TypeModel::reserveFields(Element* record, std::size_t count)
     record->children.reserve(static_cast<std::uint32_t>(count), names.memory);
 }
 
-// Links the element of a usage to its parent, unless a known usage has linked it. The same key can be declared with
-// another element or parent, and an importer can have linked elements itself; then the link is searched. Returns
-// whether the usage is the first of its key.
+// Links the element of a usage to its parent, unless a known usage has linked it. If the key was declared with another
+// element or parent, or an importer has linked elements itself, link() checks whether the link exists. Returns whether
+// the usage is the first of its key.
 bool TypeModel::count(UsageTable::Declared usage, const Declared& made, Element* parent)
 {
     cancelPoint.pass();
@@ -109,7 +110,8 @@ Name& TypeModel::pathNamed(const CString& path)
     return *lastPath;
 }
 
-// Makes an element the one that its name stands for, if names merge. Elements without a name replace each other there.
+// Makes an element the one that its name refers to, if elements merge by name. The last element without a name replaces
+// the others there.
 void TypeModel::store(Element* element)
 {
     if (mergesByName)
@@ -139,8 +141,8 @@ void TypeModel::place(const Element& element)
 }
 
 // Whether a usage repeats is only known when all are declared. Such a usage then becomes one of the table "t_NAME",
-// whose component is the element. One table serves all usages of an element, but only takes its place in the first
-// record, unless `tablesInAllParents`. An element that has the table's name already prevents a table.
+// whose component is the element. All usages of an element share one table, but it only replaces the element in the
+// first record, unless `tablesInAllParents`. If another element already has the table's name, no table is made.
 void TypeModel::makeTables()
 {
     CString tableName;
@@ -150,8 +152,8 @@ void TypeModel::makeTables()
             continue;
         Element* element = usage.element;
         tableName.assign("t_").append(element->queryBaseName());
-        // A primitive component has no type to refer to, so it gets its kind's word as the known type, which its table
-        // copies.
+        // A primitive component has no type to refer to, so it gets the name of its kind as the known type, which its
+        // table copies.
         if (element->isPrimitive())
             element->setPrimitiveType();
         Name& name = names.intern(tableName);

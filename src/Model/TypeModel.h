@@ -5,7 +5,7 @@
 #include "Model/UsageTable.h"
 
 /// The elements of one import and their usages: which element occurs under which parent, and how often. Occurrences
-/// with the same usage key are the same usage. Owns the elements. One thread at a time may use it.
+/// with the same usage key are the same usage. Owns the elements. Only one thread at a time may use it.
 ///
 /// Declare all elements first, then call arrange(): whether a field repeats, and so is a table, is only known at the
 /// end.
@@ -45,8 +45,7 @@ public:
     /// usage is the first of its key.
     bool addUsage(const Fingerprint& usageKey, Element* element, Element* parent);
 
-    /// Adds a top-level record, with its name as usage key and the generated description. If it `isAlone`, it has no
-    /// key.
+    /// Adds a top-level record, with its name as usage key and the generated description. With `isAlone` it has no key.
     Declared addRecord(const CString& path, std::string_view name, bool isAlone = false);
 
     /// Adds a field to `record`, which must be the last record added, in its folder and with the generated description.
@@ -57,18 +56,18 @@ public:
     bool addFieldUsage(Element* record, Element* field);
 
     /// Adds an element that occurs once in `parent` and so needs no usage, with the generated description, and returns
-    /// it. `parent` must have a usage, because arrange() starts at these.
+    /// it. `parent` must have a usage, because arrange() orders what usages lead to.
     Element* addPart(Element* parent, Name& path, Name& name, Element::ElementTypes type);
     Element* addPart(Element* parent, Name& name, Element::ElementTypes type)
     {
         return addPart(parent, *parent->path, name, type);
     }
 
-    /// Returns the names of the model, for importers that use one many times: they intern it once. Valid as long as the
-    /// model; the names until clear().
+    /// Returns the names of the model, for importers that use a name many times and intern it once. The pool is valid
+    /// as long as the model, its names until clear().
     NamePool& queryNames() { return names; }
 
-    /// Makes room for `count` fields of a record without any, so that its list isn't moved as it grows.
+    /// Makes room for `count` fields of a record that has none yet, so that its list isn't moved as it grows.
     void reserveFields(Element* record, std::size_t count);
 
     /// Return null if there is none, if the name or key is empty, and findElement() also if elements don't merge by
@@ -79,8 +78,8 @@ public:
     /// Sets whether a repeated field is a table in each of its records, or only in the first, see RepeatedFields.
     void setTablesInAllParents(bool inAll) { tablesInAllParents = inAll; }
 
-    /// Makes tables of usages that occurred more than once, then orders all used elements. May be called again, and
-    /// then orders all of them anew. Throws Cancelled.
+    /// Makes tables of usages that occurred more than once, then orders all used elements. A further call orders all of
+    /// them anew. Throws Cancelled.
     void arrange();
 
     /// Places an element and everything linked to it, see TypeOrder.
@@ -92,7 +91,7 @@ public:
     const TypeList& queryOrder() const { return order; }
 
 private:
-    // Declarations between two looks at whether the user has cancelled.
+    // Declarations between two checks whether the user has cancelled.
     static constexpr unsigned kUsagesPerPoll = 4096;
 
     Element* own(Element* element);
@@ -103,7 +102,7 @@ private:
     void store(Element* element);
     void makeTables();
 
-    // Elements, usages and their lists lie in the names' memory, which clear() frees as a whole.
+    // Elements, their lists and the keys of usages lie in the names' memory, which clear() frees as a whole.
     NamePool names;
     std::vector<Element*> ownedElements; // by number; includes elements replaced under their name
     Name* lastPath = nullptr;            // cache: nearly always the next element's path too

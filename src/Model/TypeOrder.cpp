@@ -4,15 +4,15 @@
 
 // Most sources need few steps for each element, and are ordered by plain climbs. A source that exceeds a budget linear
 // in its size gets ClimbShortcuts, which read the whole graph once and make each climb outside of cycles logarithmic.
-// Inside of cycles climbs stay plain, because the way depends on where a climb came from. When their budget is exceeded
-// as well, shortcuts pass cycles, too: the order inside of a cycle then is the one in which its elements are reached,
-// while all else keeps its order. docs/adr/budget-of-climbs.md has the figures.
+// Inside of cycles climbs stay plain, because there the way depends on where a climb came from. When their budget is
+// exceeded as well, shortcuts pass cycles, too: the elements of a cycle are then placed in the order in which they are
+// reached, and all else keeps its order. docs/adr/budget-of-climbs.md has the figures.
 
 namespace {
 
 // The budget of steps in cycles. In a large web of cycles each climb passes nearly all waiting elements, which is
-// quadratic. When the budget is used up, the elements of a cycle are placed as they are reached. It is far above what
-// the cycles of real sources need, because the order is part of the document and must not change for these.
+// quadratic. When the budget is used up, the elements of a cycle are placed as they are reached. It is far above the
+// needs of real sources, because the order is part of the document and must not change for them.
 constexpr std::size_t kStepsInCycles = 100'000'000;
 
 // The cost of a step up, which is visited again on the way back and then looks at its children.
@@ -26,8 +26,7 @@ TypeOrder::TypeOrder(TypeList& list, std::span<Element* const> elements) :
     list(list), graph(elements), nodes(elements.size()), progress(elements.size()),
     meter(Work::arranging, elements.size(), kFramesPerReport), stepsLeft(kStepsPerFrame * (1000 + 4 * elements.size()))
 {
-    // Elements of an earlier ordering keep their places, because a single one may be placed later, see
-    // TypeModel::place().
+    // Elements of an earlier ordering keep their places, because TypeModel::place() adds a single one later.
     for (std::size_t i = 0; i < list.size(); ++i)
         if (list[i]->isPlaced() && list[i]->queryNumber() < graph.size())
             nodes[list[i]->queryNumber()].climb = kPlaced;
@@ -82,7 +81,8 @@ void TypeOrder::readLinks(Index element)
     nodes[element].parent = element;
 }
 
-// The list must know whether the element refers to a listed type by name; most elements can't, and skip that look.
+// add() checks whether a child's known type is listed. Most elements have no child with a known type, and skip that
+// check.
 void TypeOrder::markPlaced(Frame& frame)
 {
     Element* element = graph[frame.element];
@@ -118,8 +118,9 @@ TypeOrder::Index TypeOrder::nextParentInClimb(const Frame& frame)
     return nodes[parent].climb < frame.climb ? parent : findParent(frame);
 }
 
-// Skips leading parents that are placed for good, since an element can have very many, and finds the first one that is
-// unplaced for the next climbs. Parents on the current climb are passed over each time, and count as steps.
+// Searches the parents for the next one to place. Placed parents at the start of the list are skipped for good, because
+// an element can have very many. The first unplaced one is kept for the next climbs. Parents on the current climb are
+// skipped each time, and count as steps.
 TypeOrder::Index TypeOrder::findParent(const Frame& frame)
 {
     const std::span<const Index> parents = graph.parents(frame.element);
@@ -160,7 +161,7 @@ bool TypeOrder::placeLeaf(Index leaf)
     return true;
 }
 
-// Begins the next phase, when the budget of the current one is used up.
+// Begins the next phase. Called when the budget of the current one is used up.
 void TypeOrder::useShortcuts()
 {
     if (shortcuts) {

@@ -45,8 +45,8 @@ private:
         Index children = 0;
     };
 
-    // An element being placed: its ancestors come first, and once it is placed, its descendants. Its climb becomes
-    // kPlaced here too.
+    // An element being placed: first its ancestors are visited, and once it is placed, its descendants. Its climb then
+    // becomes kPlaced here, too.
     struct Frame
     {
         Index element;

@@ -19,8 +19,8 @@ UsageTable::Declared UsageTable::declare(const Fingerprint& key, Element* elemen
     return {known->usage, true};
 }
 
-// The name of a record with a "." could give the key of a field of another record, and an empty one is no key, so keys
-// are computed from then on.
+// Keys are computed once a record's name contains a "." or is empty. A name with a "." could equal the key of another
+// record's field, and declare() treats an empty key differently.
 UsageTable::Declared UsageTable::declareRecord(Element* record, bool isAlone)
 {
     if (isAlone)
@@ -49,7 +49,8 @@ UsageTable::Declared UsageTable::declareField(Element* field, Element* record)
     }
     field->name->lastUsage = static_cast<std::uint32_t>(usages.size());
     ChildElement* const made = append(field, record);
-    // A record that is declared again has fields in several places of the list, so all of them are found by name.
+    // A record that is declared again has fields in several places of the list, so all of them are entered in
+    // `reopened`.
     if (record->name->isReopened)
         reopened.emplace(Pair(record->name, field->name), made);
     return {made, true};
@@ -66,9 +67,9 @@ void UsageTable::store(const Fingerprint& key, ChildElement& usage)
     byKey.store(std::pmr::polymorphic_allocator<>(&names.memory).new_object<KeyedUsage>(KeyedUsage{key, &usage}));
 }
 
-// Returns the known usage of a field in a record, null if there is none. The last usage of the field's name is that of
-// this record, or the record doesn't have the field: its fields are declared one after the other. Only a record that is
-// declared again may have it all the same.
+// Returns the known usage of a field in a record, null if there is none. The fields of a record are declared one after
+// the other, so if it has the field, the last usage of the field's name is in this record. Only a record that is
+// declared again is an exception.
 ChildElement* UsageTable::findField(const Element& field, const Element& record)
 {
     if (field.name->lastUsage != Name::kNone)
@@ -105,7 +106,7 @@ void UsageTable::makeKeys()
             store(keyOf(usage), usage);
 }
 
-// Computes the key in pieces: as one text it would repeat a record's name for each field.
+// Hashes the parts of the key one by one, because joining them would copy the record's name for each field.
 Fingerprint UsageTable::keyOf(const ChildElement& usage) const
 {
     const CString& name = usage.element->queryBaseName(); // the name before a field became a table
