@@ -4,8 +4,8 @@
 
 #include <new>
 
-// The functions of the handles. Each takes constant time, unless it searches attributes, a document's children or the
-// way to the root, or writes a node with its content. The kind of its node decides what a handle may do.
+// The functions of the handles. They take constant time, except load(), xml(), and those that search attributes, the
+// children of a document or the parents of a node.
 namespace {
 
 // Status codes of the two failures. The highest bit makes them negative.

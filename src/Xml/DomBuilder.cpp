@@ -1,8 +1,8 @@
 #include "Xml/DomBuilder.h"
 
-// Text is gathered until the next event that is not text, so each event first flushes it. An open element is the
-// `parent` of what comes; its end makes its own parent the current one again, so no stack is needed besides that of
-// xml:space. A child of the root is passed on when it is complete, with all that it holds.
+// Text is gathered until the next event that is not text, so each event first flushes it. `parent` is the open element.
+// Its end tag makes its own parent the open element again, so only xml:space needs a stack. With a `take`, a child of
+// the root is passed on when it is complete.
 namespace {
 
 constexpr std::size_t kManyPieces = 512; // nodes after which their memory is reused
@@ -76,11 +76,11 @@ void DomBuilder::add(DomKind kind, std::string_view name, std::string_view value
     finish(node);
 }
 
-// A child of the root that is passed on knows its parent, but is not in its list, because its storage is reused.
+// A child of the root that is passed on has a parent, which does not list it, because its storage is reused.
 void DomBuilder::link(DomTreeNode& node)
 {
     if (take && depth == 1 + (node.kind == DomKind::element))
-        node.parent = parent; // the parent does not list it
+        node.parent = parent;
     else
         DomTree::link(*parent, node);
 }
@@ -100,7 +100,7 @@ void DomBuilder::finish(DomTreeNode& node)
 
 // Adds the pending pieces as one text node. White space alone makes no node unless it is preserved. Pieces are joined
 // first: libxml2 cuts a text at the ends of its buffer and at references, so blank pieces may belong to a text that
-// isn't.
+// isn't blank.
 void DomBuilder::flushText()
 {
     if (pending.empty())

@@ -9,12 +9,12 @@
 #include <vector>
 
 /// Builds the tree from the parser's events. With a `take`, memory is bounded by the largest child of the root instead
-/// of the whole document. Used for one parse: names are kept under the pointers that this parse interns. A document of
-/// types of 56 MB takes 160 MB to import so, and took 311 MB as a whole.
+/// of the whole document. For one parse only, because names are cached under the pointers that the parse interns.
+/// Importing a type document of 56 MB takes 160 MB, and took 311 MB with a tree of the whole document.
 class DomBuilder : public XmlHandler
 {
 public:
-    /// Receives a child of the root, which is valid until the call returns. To keep anything of it, copy the texts.
+    /// Receives a child of the root, which is valid until the call returns, as are its texts.
     using TakeChild = std::function<void(const IXMLDOMNode&)>;
 
     /// Builds a document in `tree`, which must be empty. With `take`, only the root element stays there, and each of
@@ -31,7 +31,7 @@ public:
     void startElement(XmlName name, XmlAttributes attributes) override;
     void endElement() override;
     void text(std::string_view piece) override { pending += piece; }
-    // A section stays a node of its own: its text may be white space, and is not joined with the text around it.
+    // A section is a node of its own, which may be white space and is not joined with the text around it.
     void cdata(std::string_view text) override { add(DomKind::cdata, "#cdata-section", text); }
     void comment(std::string_view text) override { add(DomKind::comment, "#comment", text); }
     void instruction(std::string_view target, std::string_view data) override
@@ -49,7 +49,7 @@ private:
         }
     };
 
-    // Returns the tree whose storage a new node takes: that of the pieces for everything below the root, if they are
+    // Returns the tree in whose storage a new node is allocated: `pieces` for all nodes below the root if they are
     // passed on.
     DomTree& currentTree() { return take && depth > 0 ? pieces : tree; }
     // The name in the document's storage.
@@ -70,7 +70,7 @@ private:
     IXMLDOMNode root;
     XmlPlace place;  // of the last start tag
     CString pending; // text that more pieces may follow
-    // The qualified names met so far, and their copies.
+    // The names so far, with copies of their texts.
     std::unordered_map<XmlName, DomName, HashName> names;
     std::size_t depth = 0;                            // open elements
     std::vector<std::pair<std::size_t, bool>> spaces; // xml:space in scope: element depth, "preserve" or not

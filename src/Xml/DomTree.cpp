@@ -20,7 +20,7 @@ void DomTree::clear()
 
 DomTreeNode* DomTree::create(DomKind kind, DomName name, std::string_view value)
 {
-    // Its parent is `unplaced` until it is linked, so that the tree it belongs to can be found.
+    // The parent is `unplaced` until the node is linked, so that rootOf() finds the node's tree.
     return new (arena.allocate(sizeof(DomTreeNode), alignof(DomTreeNode)))
         DomTreeNode{{name.text, value, nullptr, name.prefixLength, kind}, {}, &unplaced};
 }

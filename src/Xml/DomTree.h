@@ -35,7 +35,7 @@ enum class DomKind : std::uint8_t
 struct DomNode
 {
     std::string_view name;
-    // Empty for elements and the roots. Views into the arena, or literals.
+    // Empty for elements and the roots. A view into the arena, or a literal.
     std::string_view value;
     DomNode* next = nullptr; ///< the next sibling, or the next attribute
     std::uint32_t prefixLength = 0;
@@ -89,7 +89,7 @@ public:
     Arena& queryArena() { return arena; }
     DomRoot& queryDocument() { return document; }
 
-    // Of the last load; its reason is empty after a success.
+    // The error of the last load. Its reason is empty after a success.
     IXMLDOMParseError parseError;
 
 private:

@@ -21,8 +21,8 @@ public:
     /// Returns the root element, or null.
     IXMLDOMElement getElement() const;
 
-    /// Returns another reference to the document, null if there is none. It keeps the nodes alive after this object,
-    /// but not over the next setFile().
+    /// Returns another reference to the document, null if there is none. It keeps the nodes alive after this object
+    /// ends, but not after the next setFile().
     IXMLDOMDocument queryDocument() const { return document; }
 
     /// Returns message 2207 with line, column and reason of the last failure; empty after a success.

@@ -7,9 +7,9 @@
 
 namespace {
 
-// Up to the free amounts a document may do as it likes. Beyond them its cost must stay in proportion to the bytes read.
-// libxml2 compares each attribute of a tag with those before it, and looks a prefix up by a walk through all namespaces
-// in scope, at each tag.
+// A document may always use the free amounts. Beyond them its cost must stay in proportion to the bytes read. libxml2
+// 2.9 compares each attribute of a tag with those before it, and searches all namespaces in scope for a prefix, at each
+// tag.
 constexpr std::size_t kMaxDepth = 200'000;
 constexpr int kMaxAttributes = 10'000;
 constexpr int kMaxNamespaces = 4'096;                 // in scope at once
@@ -33,7 +33,7 @@ const char* XmlLimits::addExpansion(std::size_t bytes)
 
 const char* XmlLimits::addList(std::size_t members)
 {
-    // Each member with all before it.
+    // Each member is compared with all before it.
     comparisons += members * members / 2;
     if (comparisons <= kFreeComparisons || comparisons / kMaxComparisons <= source.queryCount())
         return nullptr;
@@ -67,7 +67,7 @@ const char* XmlLimits::checkTag(int attributes, int namespaces, int names, std::
 
 const char* XmlLimits::checkName(const char* local, const char* prefix)
 {
-    // Never measures beyond the limit, because each name of a long tag passes through here.
+    // Measures no name beyond the limit, because every name of a long tag is checked.
     const std::size_t size = prefix ? ::strnlen(prefix, kMaxXmlName) + 1 : 0;
     if (size + ::strnlen(local, kMaxXmlName + 1) <= kMaxXmlName)
         return nullptr;
@@ -76,7 +76,7 @@ const char* XmlLimits::checkName(const char* local, const char* prefix)
 
 CString XmlLimits::reasonInWords(std::string_view reason)
 {
-    // In the words of libxml2 2.9 and later. They advise to lift the limit, which is of no use to a user.
+    // The words of libxml2 2.9 and later. They advise to lift the limit, which doesn't help a user.
     constexpr std::string_view option = "XML_PARSE_HUGE", kinds[] = {"too long", "too big", "Huge ", "huge ", option};
     const auto isIn = [&](std::string_view kind) { return reason.find(kind) != reason.npos; };
     if (isIn("entity reference loop")) // libxml2 reports this for any depth over 40, and for text that grows too much

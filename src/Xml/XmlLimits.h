@@ -12,8 +12,8 @@ inline constexpr std::size_t kMaxXmlName = 4096;
 
 /// Counts the work of libxml2 that grows faster than the document, and enforces the limits that parseXmlFile() lists.
 /// Each function returns an error text once a limit is exceeded, else null. libxml2's own limits are off until a
-/// document declares an entity, because they also refuse long texts. The limits grow with the bytes read, so that a
-/// large document is not refused for its size.
+/// document declares an entity, because they also refuse long texts. The limits of expansion and of comparisons grow
+/// with the bytes read, so that a large document is not refused for its size.
 class XmlLimits
 {
 public:
@@ -31,7 +31,7 @@ public:
     const char* addProlog(std::string_view piece);
 
     /// Checks a start tag: its attributes, the namespaces in scope, the different names of the document, its depth.
-    /// Called during a tag, too, with the numbers so far.
+    /// Also called inside a tag, with the numbers so far.
     static const char* checkTag(int attributes, int namespaces, int names, std::size_t depth);
 
     /// Checks the length of a name; `prefix` is null if it has none.

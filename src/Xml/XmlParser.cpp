@@ -86,7 +86,7 @@ private:
     {
         void operator()(xmlParserCtxtPtr context) const
         {
-            // The document holds the declared entities only, because no callback adds nodes to it.
+            // The document contains only the declared entities, because no callback adds nodes to it.
             xmlFreeDoc(context->myDoc);
             xmlFreeParserCtxt(context);
         }
@@ -148,7 +148,7 @@ xmlSAXHandler Parse::callbacks(bool withText)
 {
     xmlSAXHandler sax = {};
     sax.initialized = XML_SAX2_MAGIC;
-    // libxml2's own callbacks keep what it needs to expand entities; it handles default attributes without a callback.
+    // libxml2's own callbacks store the declarations of entities. Default attributes need no callback.
     sax.startDocument = xmlSAX2StartDocument;
     sax.internalSubset = xmlSAX2InternalSubset;
     sax.unparsedEntityDecl = xmlSAX2UnparsedEntityDecl;
@@ -250,7 +250,7 @@ void Parse::fail(std::string_view reason)
     }
 }
 
-// Stops one context. That of the document ends at its next callback or read, if an entity's was stopped.
+// Stops one context. If it is that of an entity, the document's context ends at its next callback or read.
 void Parse::stop(void* context)
 {
     const auto current = static_cast<xmlParserCtxtPtr>(context);

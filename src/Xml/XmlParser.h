@@ -26,7 +26,7 @@ struct XmlName
     friend bool operator==(const XmlName&, const XmlName&) = default;
 };
 
-// The value is normalised (XML 1.0, section 3.3.3) and not terminated by NUL.
+/// An attribute. Its value is normalised (XML 1.0, section 3.3.3) and not terminated by NUL.
 struct XmlAttribute
 {
     XmlName name;
@@ -73,13 +73,13 @@ private:
     std::size_t count;
 };
 
-/// Tells a handler where the parser is. Working out a place costs more than most handlers need at each tag. The parser
+/// Tells a handler where the parser is. A place is computed only on request, because that is costly. The parser
 /// implements it.
 class XmlLocator
 {
 public:
     /// Returns where the last start tag begins. Call it in startElement() or scope(). The column is 0 if the line is so
-    /// long that its begin is no longer in memory.
+    /// long that its beginning is no longer in memory.
     virtual XmlPlace tagStart() const = 0;
 
 protected:
@@ -122,7 +122,7 @@ public:
 
     /// A piece of character data; one text can arrive in several pieces.
     virtual void text(std::string_view) {}
-    // Each section, comment and instruction arrives whole. Those of the internal subset do not arrive.
+    /// Each section, comment and instruction arrives whole. Those of the internal subset do not arrive.
     virtual void cdata(std::string_view) {}
     virtual void comment(std::string_view) {}
     virtual void instruction(std::string_view /*target*/, std::string_view /*data*/) {}
@@ -148,7 +148,7 @@ public:
 /// pairwise, that is attributes and enumerations (64 comparisons for each byte read). The progress handler is called
 /// while bytes are read, and its refusal throws Cancelled.
 ///
-/// libxml2 was chosen over expat, which is slower here: it copies each name and value first (docs/adr/xml-parser.md).
+/// libxml2 was chosen over expat, which is slower here, because it copies each name and value (docs/adr/xml-parser.md).
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler,
                                               std::size_t most = kAnySize);
 

@@ -7,8 +7,8 @@
 
 XmlPlace placeOfLastTag(std::string_view read, XmlPlace end, bool isWhole)
 {
-    // memrchr() is much faster than rfind(). A well-formed tag contains no second "<". In an attribute value it has to
-    // be a reference (XML 1.0, section 3.1).
+    // memrchr() is much faster than rfind(). A well-formed tag contains no second "<", not even in an attribute value
+    // (XML 1.0, section 3.1).
     const auto* const found = static_cast<const char*>(::memrchr(read.data(), '<', read.size()));
     if (!found)
         return end;

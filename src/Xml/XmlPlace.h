@@ -11,6 +11,5 @@ struct XmlPlace
 };
 
 /// Returns the place of the last "<" in `read`, which is the part of a document before `end`, or all of it up to there
-/// if it `isWhole`. Returns `end` if there is none, and no column if the line begins before `read`. `end` is where
-/// `read` ends.
+/// if it `isWhole`. Returns `end` if there is none, and no column if the line begins before `read`.
 XmlPlace placeOfLastTag(std::string_view read, XmlPlace end, bool isWhole);

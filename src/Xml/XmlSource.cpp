@@ -49,7 +49,7 @@ void XmlSource::fill()
     if (isEnded)
         return;
     filled -= at;
-    // Two bytes at most, see read().
+    // At most two bytes, see read().
     std::memmove(buffer.get(), buffer.get() + at, filled);
     at = 0;
     const ssize_t got = file->read(buffer.get() + filled, kSize - filled);

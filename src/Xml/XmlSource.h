@@ -8,7 +8,7 @@
 #include <string_view>
 
 /// The bytes of a document: of a text, or of a file, which is read in larger pieces than libxml2 asks for. libxml2 asks
-/// for 4,000 bytes at a time, each of which would be a call of the system.
+/// for 4,000 bytes at a time, and each request would be a system call.
 class XmlSource
 {
 public:
@@ -27,19 +27,20 @@ public:
     /// Returns the errno value of a failure, or 0.
     int queryError() const { return error; }
 
-    /// Returns the number of bytes read so far. They may be ahead of those that the parser has consumed by a buffer.
+    /// Returns the number of bytes read so far. The parser may have consumed fewer, by up to a buffer.
     std::size_t queryCount() const { return count; }
 
     /// Returns the size in bytes that the system reports; 0 for a pipe.
     std::size_t querySize() const { return file ? file->querySize() : 0; }
 
 private:
-    // Reads what comes next and sets `isEnded` at the end or after an error.
+    // Reads the next bytes, and sets `isEnded` at the end or after an error.
     void fill();
 
     std::optional<InputFile> file; // empty for a text
     int error = 0;
-    // The file's last piece, and the bytes that `at` and `filled` count in: those of `buffer`, or the text.
+    // `buffer` holds the file's last piece. `at` and `filled` are offsets into `bytes`, which is the buffer or the
+    // text.
     std::unique_ptr<char[]> buffer;
     const char* bytes = nullptr;
     std::size_t at = 0;

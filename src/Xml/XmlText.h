@@ -55,7 +55,7 @@ private:
         size += text.size();
     }
 
-    // Nearly all values are plain, so the test is inlined and the rest is not.
+    // Nearly all values are plain, so the test is inlined and the escaping is not.
     void appendValue(std::string_view value)
     {
         if (isPlainXmlText(value))
