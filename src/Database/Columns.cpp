@@ -11,7 +11,7 @@ namespace {
 // than a few single ones.
 constexpr int kMaxSingleLookups = 12;
 
-constexpr char kAny = '\x80'; // a continuation byte, so no other character becomes it
+constexpr char kAny = '\x80'; // a continuation byte, which comparable() copies from no name
 
 // Returns a name in lower case, with `kAny` for each character outside of ASCII, because a database may compare those
 // by its own collation.

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-/// The columns of tables, as a data source's catalogue lists them (SQLColumns). A pattern may return the columns of
-/// several tables, which queryTable() tells apart.
+/// The columns of tables, as a data source's catalogue lists them (SQLColumns). A pattern may match several tables;
+/// queryTable() returns the table of a row.
 class CColumns : public CRecordset
 {
 public:
@@ -43,7 +43,7 @@ protected:
     void DoFieldExchange(CFieldExchange& exchange) override;
 
 private:
-    // The qualifiers in which there is a table that `table` may mean, an empty one included.
+    // Returns the qualifiers that contain a table which `table` may match. One may be empty.
     std::set<CString> qualifiersOf(const char* table);
 
     int lookups = 0;                                 // calls of qualifiersOf()

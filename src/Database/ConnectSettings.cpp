@@ -7,7 +7,7 @@
 namespace {
 
 // Returns the position of the brace that ends a value in braces, in which "}}" stands for a brace; 0 for a value
-// without braces, npos if no brace ends it. In any case it is where the search of the semicolon begins.
+// without braces, npos if no brace ends it. The search for the semicolon begins there.
 std::size_t endOfBraces(std::string_view text)
 {
     std::size_t at = text.starts_with('{') ? text.find('}') : 0;
@@ -73,7 +73,7 @@ CString profileText(const CString& section, const char* entry, const char* file)
 
 CString settingOf(const CString& connection, const char* attribute)
 {
-    // What the connection string says overrides the file and the data source that it names.
+    // The connection string overrides the file and the data source that it names.
     CString text = withoutBraces(attributeOf(connection, attribute).value);
     if (const CString file = withoutBraces(attributeOf(connection, "FILEDSN").value); text.empty() && !file.empty())
         text = fileText(file, attribute);

@@ -18,16 +18,16 @@ struct ConnectAttribute
 /// semicolons; one whose brace is never closed takes the rest of the string.
 ConnectAttribute attributeOf(std::string_view connection, std::string_view name);
 
-/// Returns the values of all attributes of a name, without white space and braces around them. In their order, empty
-/// ones included.
+/// Returns the values of all attributes of a name, without white space and braces around them, in their order. Empty
+/// values are included.
 std::vector<CString> valuesOf(std::string_view connection, std::string_view name);
 
 /// Returns a value without white space and braces around it. A doubled closing brace within becomes one.
 CString withoutBraces(std::string_view value);
 
-/// Returns an entry of an ODBC file, "odbc.ini" or "odbcinst.ini"; empty if it is missing. Cut at 1,023 bytes. Looks in
-/// the file of the user and in that of the system (SQLSetConfigMode). unixODBC caches entries, so a change of the file
-/// may be seen late.
+/// Returns an entry of an ODBC file, "odbc.ini" or "odbcinst.ini"; empty if it is missing. Cut at 1,023 bytes. Reads
+/// the file of the user and that of the system (SQLSetConfigMode). unixODBC caches entries, so a change of the file may
+/// be seen late.
 CString profileText(const CString& section, const char* entry, const char* file);
 
 /// Returns a setting of a source: from the connection string, else from the file or data source that it names; empty if

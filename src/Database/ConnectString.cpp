@@ -14,8 +14,8 @@
 #include <unistd.h>
 #include <utility>
 
-// One string for all drivers, because the driver behind a data source is known only when the driver manager has loaded
-// it. Drivers ignore attributes that they don't know. Where they read a value differently, the form is one that
+// Nearly the same string for all drivers, because settings only hint at the driver behind a data source (hasDriver).
+// Drivers ignore attributes that they don't know. If they read a value differently, the string has the form that
 // PostgreSQL's, MariaDB's and SQLite's drivers read alike (docs/adr/connection-string.md).
 namespace {
 
@@ -38,9 +38,9 @@ bool isPlain(const CString& value)
     return std::ranges::all_of(value, [](unsigned char c) { return c < 128 && std::isalnum(c); });
 }
 
-// Returns the user's odbc.ini if the driver manager ignores it because it can't append to it, else empty. The driver
-// itself is still found there, but would use its defaults for everything else. unixODBC looks in the account's home
-// folder, whatever HOME is.
+// Returns the user's odbc.ini if the driver manager ignores it because it can't append to it, else empty. The driver's
+// library is still found there, but the driver would use defaults for all other entries. unixODBC looks in the
+// account's home folder, whatever HOME is.
 CString unreadableUserFile()
 {
     const char* const variable = std::getenv("ODBCINI");
@@ -49,7 +49,7 @@ CString unreadableUserFile()
     return ::access(file.c_str(), W_OK) != 0 && errno != ENOENT ? file : "";
 }
 
-// The mode is global to the library; both files are what all other calls need.
+// The mode is global to the library. All other calls need both files.
 bool isInUserFile(const CString& dataSource)
 {
     SQLSetConfigMode(ODBC_USER_DSN);
@@ -84,7 +84,6 @@ CString dataSourceText(const CString& name)
 {
     std::vector<DataSource> sources;
     listDataSources(sources);
-    // As the driver manager compares them.
     const auto found =
         std::ranges::find_if(sources, [&](const DataSource& source) { return isSameAscii(source.name, name); });
     const CString unread = unreadableUserFile();

@@ -5,8 +5,8 @@
 #include <chrono>
 
 /// Returns "UID=…;PWD=…;", quoted so that drivers read it right. It holds the password: wipe() it after use. Not every
-/// driver accepts the form that ODBC specifies; this one was found by trying each printable character in a password
-/// with PostgreSQL's and MariaDB's drivers (docs/adr/connection-string.md).
+/// driver accepts the form that ODBC specifies. This one was tested with each printable character in passwords for
+/// PostgreSQL's and MariaDB's drivers (docs/adr/connection-string.md).
 CString logonText(const CString& user, const CString& password);
 
 /// Returns the connection string for a data source by name. Throws CDBException for an unknown name, and for one that a
@@ -15,7 +15,8 @@ CString logonText(const CString& user, const CString& password);
 CString dataSourceText(const CString& name);
 
 /// Returns the attributes to append to a source's connection string, besides the logon and TLS: time limits, and for
-/// SQLite, when reading, that the file is opened but not created. `connection` is looked at for the driver's name only.
+/// SQLite, when reading, that the file is opened but not created. `connection` is only searched for the driver and an
+/// SQLite timeout.
 CString connectionSuffix(const CString& connection, bool isReadOnly, std::chrono::seconds loginTimeout);
 
 /// Returns a connection string that all drivers read alike: its first data source is named in front, any other is
@@ -27,5 +28,5 @@ CString dataSourceOf(const CString& connection);
 
 /// Returns the identity of a source, given by its name or a connection string: the driver, data source, server, port
 /// and database that it names, as "Driver=…;Database=…". Sources that differ only in their users, passwords and options
-/// have the same identity. The repository stores it as the source of a type, so it must not contain a secret.
+/// have the same identity. The repository stores it as the source of a type, so it contains no password.
 CString identityOf(const CString& source);

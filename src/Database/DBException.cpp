@@ -88,7 +88,7 @@ void CDBException::raise(short handleKind, void* handle)
 std::string_view driverText(const char* buffer, std::size_t capacity)
 {
     std::string_view text(buffer, strnlen(buffer, capacity - 1));
-    // The driver had more to say.
+    // The text may have been cut.
     if (text.size() == capacity - 1)
         dropPartialCharacter(text);
     return trimmed(text);

@@ -5,13 +5,13 @@
 #include <stdexcept>
 
 /// Thrown if a call of a driver or the driver manager fails. what() is the driver's text with the SQLSTATE, fit to be
-/// shown. It can be thrown by all that reaches a database, because the connection runs in another process that can end
-/// at any time.
+/// shown. Every function that reaches a database can throw it, because the connection runs in another process that can
+/// end at any time.
 class CDBException : public std::runtime_error
 {
 public:
-    /// `state` is the SQLSTATE, `text` the driver's text. SQLSTATEs of our own errors are those that ODBC has for such
-    /// a case.
+    /// `state` is the SQLSTATE, `text` the driver's text. Errors of our own have the SQLSTATE that ODBC defines for
+    /// such a case.
     CDBException(const CString& state, int nativeError, const CString& text);
 
     /// Returns the five characters of the SQLSTATE, in the ODBC 2 form where the versions differ (S1000, not HY000).

@@ -12,6 +12,6 @@ struct DataSource
 };
 
 /// Appends the data sources of user and system that the driver manager knows. Names are cut to 49 bytes, descriptions
-/// to 299. Returns false if there is no ODBC environment. A name in both is returned once; the user's entry is the one
-/// opened. Loads no driver. If the user has no odbc.ini, unixODBC creates an empty one.
+/// to 299. A name that both have is returned once, and the user's entry is opened. Returns false if there is no ODBC
+/// environment. Loads no driver. If the user has no odbc.ini, unixODBC creates an empty one.
 bool listDataSources(std::vector<DataSource>& out);

@@ -42,10 +42,10 @@ ConnectionHandle allocateConnection(void* environment, bool isReadOnly, SQLULEN 
 bool connect(void* connection, const CString& text)
 {
     const MemoryWipe wipe; // drivers copy the password
-    // SQL_DRIVER_NOPROMPT: no driver may open a window, least of all in this process.
+    // SQL_DRIVER_NOPROMPT: no driver may open a window.
     const SQLRETURN result =
         SQLDriverConnect(connection, nullptr, sqlText(text), SQL_NTS, nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
-    // SQL_NO_DATA is a dialog that was cancelled, so nothing has failed.
+    // SQL_NO_DATA means that a dialog was cancelled, which is no failure.
     if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
         CDBException::raise(SQL_HANDLE_DBC, connection);
     return SQL_SUCCEEDED(result);
@@ -69,7 +69,7 @@ CString startRequest(DriverRequest request)
 CString DriverHost::answer(std::string_view request)
 {
     try {
-        // An exception drops what is in this answer already.
+        // An exception drops the results in this answer.
         CString answer = startWith(DriverOutcome::done);
         MessageReader reader(request);
         carryOut(reader, answer);
@@ -131,7 +131,6 @@ void DriverHost::execute(const CString& sql)
 void DriverHost::listCatalogue(MessageReader& request, CString& answer)
 {
     const auto function = static_cast<SQLUSMALLINT>(request.number());
-    // Views into the request live as long as it does, which is longer than this call.
     const std::string_view shape = request.text();
     SQLUSMALLINT isSupported = SQL_FALSE;
     // A driver may lack a catalogue function, which is no error of the database.
@@ -151,7 +150,7 @@ void DriverHost::listCatalogue(MessageReader& request, CString& answer)
 
 void DriverHost::prepare(const CString& sql)
 {
-    // Stays null if the preparation fails, and is tried again the next time.
+    // Stays null if the preparation fails, so that the next request prepares it again.
     StatementHandle& statement = prepared[sql];
     if (statement)
         return;
@@ -196,7 +195,7 @@ unsigned DriverHost::infoNumber(unsigned short question) const
     return SQL_SUCCEEDED(SQLGetInfo(connection.get(), question, &answer, sizeof answer, nullptr)) ? answer : 0;
 }
 
-// By the name that the driver reports, since the connection string may name a data source only.
+// By the name that the driver reports, because the connection string may name only a data source.
 bool DriverHost::isSqlite() const
 {
     std::array<SQLCHAR, 32> name = {};

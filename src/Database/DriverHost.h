@@ -23,7 +23,8 @@ enum class DriverRequest : std::int32_t
 /// Returns the start of a request; append its arguments with putNumber() and putText().
 CString startRequest(DriverRequest request);
 
-/// The first number of an answer. noMemory is the driver process's, and becomes std::bad_alloc in the program.
+/// The first number of an answer. noMemory means that the driver's process has too little memory, and becomes
+/// std::bad_alloc in the program.
 enum class DriverOutcome : std::int32_t
 {
     done,
@@ -39,8 +40,8 @@ enum class CatalogueOutcome : std::int32_t
     unsupported ///< the driver lacks the function
 };
 
-/// One connection in its driver's process. Drivers are called nowhere else. Runs in the driver's process, in one
-/// thread. Requests other than `open` need an open connection.
+/// One connection in its driver's process, used by one thread. Drivers are called nowhere else. Requests other than
+/// `open` need an open connection.
 class DriverHost
 {
 public:

@@ -17,8 +17,8 @@ namespace {
 // Precedes each message, in native byte order, because both ends run the same program.
 using Length = std::uint64_t;
 
-// The rest of a message and its length, transferred by one sendmsg(2) or recvmsg(2). The length needs no copy of the
-// message in front of it.
+// The rest of a message and its length, transferred by one sendmsg(2) or recvmsg(2), so that the message is not copied
+// behind its length.
 struct Transfer
 {
     Transfer(const Length* length, const char* message, std::size_t size) :
@@ -125,7 +125,7 @@ bool receiveMessage(int socket, CString& message, const SocketWait& wait)
     std::size_t lengthLeft = sizeof length;
     message.clear();
     while (lengthLeft > 0 || message.size() < length) {
-        // Each time, so that a slow sender can be cancelled between two pieces.
+        // Before each piece, so that a slow sender can be cancelled.
         wait(POLLIN);
         Transfer transfer(&length, piece.data(), piece.size());
         transfer.advance(sizeof length - lengthLeft);

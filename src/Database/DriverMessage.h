@@ -14,8 +14,8 @@ void putText(CString& message, std::string_view text);
 void putOptionalText(CString& message, const std::optional<CString>& text);
 
 /// Reads the parts of a message in order, as views into it. Throws CDBException if the message ends too early, because
-/// a driver may have damaged the memory of its process. Kinds are not marked in the message: both sides are the same
-/// program.
+/// a driver may have damaged the memory of its process. The kinds of parts are not marked in the message, because both
+/// sides are the same program.
 class MessageReader
 {
 public:
@@ -39,7 +39,7 @@ private:
 using SocketWait = std::function<void(short events)>;
 
 /// Send or receive a whole message. Both return false if the other side has closed the socket. No call blocks in the
-/// socket itself, so that `wait` can end it at any time. After an exception or a false result, a message may be half
-/// sent, and the socket is of no more use.
+/// socket itself, so that `wait` can end it at any time. After an exception or a false result, the message may be half
+/// sent, and the socket can't be used any more.
 bool sendMessage(int socket, std::string_view message, const SocketWait& wait);
 bool receiveMessage(int socket, CString& message, const SocketWait& wait);

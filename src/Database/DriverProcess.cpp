@@ -26,7 +26,7 @@ using std::chrono::milliseconds;
 
 // The program's side is DriverProcess: it forks, sends a request, waits for the answer, and ends the process. The other
 // side is hostDriver(), in which one thread serves requests and another waits for the end of the program. Neither
-// relies on the other to behave: the program kills a process that is silent, and a process ends with the socket.
+// relies on the other: the program kills a silent process, and a process ends when its socket is closed.
 namespace {
 
 // An answer ends the wait at once; the interval is the delay of a cancellation or timeout.
@@ -113,8 +113,7 @@ void removeDriverLog(pid_t process) noexcept
 // which may create the log, and to exit; it may never return from a call.
 void exitWithProgram(int socket)
 {
-    // No event is asked for: poll(2) reports a hang-up and errors all the same, and requests are left to the other
-    // thread.
+    // No event is asked for: poll(2) reports a hang-up and errors in any case, and the other thread reads the requests.
     pollfd end = {socket, 0, 0};
     while (::poll(&end, 1, -1) < 0) {
     }
@@ -217,7 +216,7 @@ void DriverProcess::raiseExit()
 // kDisconnect.
 void DriverProcess::disconnect() const
 {
-    // The process reads the end of its requests, leaves serveDriver() and frees the connection.
+    // The process then finds the end of the requests, returns from serveDriver() and frees the connection.
     ::shutdown(socket, SHUT_WR);
     pollfd closed = {socket, POLLIN, 0};
     while (::poll(&closed, 1, static_cast<int>(kDisconnect.count())) < 0 && errno == EINTR) {

@@ -47,8 +47,8 @@ private:
     const CString source;
     int socket = -1;
     pid_t process = -1; // -1 with threads, and after the end
-    // True also after a call that threw: the process may be in the middle of it.
+    // Also true after a call that threw, because the process may still be working on it.
     bool isCalling = false;
-    // When the progress handler first refused, max() as long as it doesn't.
+    // The time since which the progress handler refuses; max() if it doesn't.
     Clock::time_point unwantedSince = Clock::time_point::max();
 };

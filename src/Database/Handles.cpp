@@ -23,7 +23,7 @@ void FreeStatement::operator()(void* statement) const noexcept
 EnvironmentHandle allocateEnvironment()
 {
     SQLHENV raw = SQL_NULL_HENV;
-    // SQLAllocHandle() would leave the version to a further call; this function is ODBC 2 by itself.
+    // SQLAllocEnv() sets ODBC 2 by itself. SQLAllocHandle() would need a further call for the version.
     if (SQLAllocEnv(&raw) != SQL_SUCCESS)
         return {};
     return EnvironmentHandle(raw);

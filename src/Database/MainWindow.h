@@ -13,7 +13,7 @@ public:
     virtual CDatabase* queryDatabase() = 0;
 };
 
-/// Returns the current main window, or null. Used by the thread of the window only.
+/// Returns the current main window, or null. Call it in the window's thread only.
 MainWindow* mainWindow();
 
 /// Sets the main window, which must stay valid until another one or null is set.

@@ -14,9 +14,9 @@
 #include <unistd.h>
 #include <vector>
 
-// Each connection is a process (DriverProcess), and each request to it one message with one answer (DriverHost). What
-// fails in the driver comes back as an answer and leaves the connection open, unless it is lost. What fails between the
-// processes ends the connection, because it is unknown how far the driver came.
+// Each connection is a process (DriverProcess), and each request to it one message with one answer (DriverHost). A
+// failure in the driver is returned as an answer and leaves the connection open, unless it is lost. A failure between
+// the processes closes the connection, because it is unknown how far the driver came.
 namespace {
 
 // A prefix that other frameworks put before connection strings. The driver manager rejects it (IM002).
@@ -97,8 +97,8 @@ bool CDatabase::connect(const CString& connection, Access access, const TlsAttem
     request.text.reserve(connection.size() + attempt.attributes.size() + 100); // growing would leave copies
     putNumber(request.text, access == readOnly);
     putNumber(request.text, static_cast<std::int32_t>(loginTimeout.count()));
-    // The attributes for TLS come last, where they override earlier ones.
-    // The sum is moved into the Secret, which wipes it.
+    // The attributes for TLS come last, where they override earlier ones. The joined text is moved into the Secret,
+    // which wipes it.
     putText(request.text, Secret(connection + attempt.attributes).text);
     process = std::make_unique<DriverProcess>(dataSourceOf(connection));
     try {
@@ -137,7 +137,7 @@ void CDatabase::Close()
 
 CString CDatabase::call(std::string_view request)
 {
-    // Also after a failed call, which has closed the connection.
+    // An earlier call may have failed and closed the connection.
     if (!process)
         throw CDBException("08003", 0, "The connection to the database is gone");
     CString answer;
@@ -150,7 +150,7 @@ CString CDatabase::call(std::string_view request)
     MessageReader reader(answer);
     switch (static_cast<DriverOutcome>(reader.number())) {
     case DriverOutcome::done:
-        // Only the results: the outcome is cut off in place, without a copy.
+        // Cuts the outcome off in place, without a copy of the results.
         return answer.erase(0, answer.size() - reader.size());
     case DriverOutcome::noMemory:
         throw std::bad_alloc();

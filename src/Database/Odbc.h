@@ -14,7 +14,7 @@ struct TlsAttempt;
 // in both directions and use the narrow functions, because drivers lose names in the wide ones.
 
 /// One connection to a data source. Its driver runs in a process of its own. One thread may use it at a time. The
-/// driver manager's cursor library is not used: it adds nothing to rows that are read forwards, and may not be
+/// driver manager's cursor library is not used: it adds nothing to rows that are read forwards, and it may not be
 /// installed.
 class CDatabase
 {
@@ -58,10 +58,10 @@ public:
     bool hasOwners() const { return ownerUsage != 0; }
     bool hasQualifiers() const { return qualifierUsage != 0; }
 
-    /// The time limit for a logon. Drivers count it themselves, where they can. Change both limits before Open() only.
+    /// The time limit for a logon, which drivers enforce if they can. Has no effect on an open connection.
     std::chrono::seconds loginTimeout{15};
 
-    /// The time limit for one statement. It holds for a logon, too.
+    /// The time limit for one statement, and for a logon.
     std::chrono::milliseconds timeout = std::chrono::seconds(60);
 
 private:

@@ -41,7 +41,7 @@ private:
 
 /// The rows of a result, read at once when it is opened: a static, read-only snapshot. Errors of the database throw
 /// CDBException. A derived class adds the members of a row. It can't be copied, because the list of members has their
-/// addresses. Does not need the connection after it was opened.
+/// addresses. Once open, it doesn't need the connection.
 class CRecordset
 {
 public:
@@ -74,7 +74,7 @@ protected:
     using Argument = std::optional<CString>;
     using Arguments = std::array<Argument, 4>;
 
-    // Null means that an argument is not given, which is another thing than an empty text.
+    // Null means that an argument is not given, which differs from an empty text.
     static Argument argument(const char* text) { return text ? Argument(text) : Argument(); }
 
     /// Runs a catalogue function, given by its SQL_API number, once for each of `calls`, with four texts or nulls.

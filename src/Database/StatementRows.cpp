@@ -11,8 +11,8 @@
 #include <cstring>
 
 // A catalogue's rows are read into bound buffers of fixed size, because its texts are cut at 255 bytes in any case. The
-// rows of other statements hold whole documents, so each value is fetched in pieces instead. Both end up in one text,
-// row after row.
+// rows of other statements hold whole documents, so each value is fetched in pieces instead. Both functions write all
+// rows into one text.
 namespace {
 
 constexpr std::size_t kTextWidth = 255; // bytes of a text of a catalogue; longer ones are cut between characters

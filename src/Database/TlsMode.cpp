@@ -7,7 +7,7 @@
 #include <iterator>
 #include <optional>
 
-// libpq's six modes are the common language; each driver gets them in its own. A driver that ignores an option it
+// Modes are named as in libpq, and each driver gets its own attributes for them. A driver that ignores an option it
 // doesn't know would connect in plain text, so a source that sets "require" or more is refused for such a driver.
 namespace {
 
@@ -65,8 +65,8 @@ std::optional<Mode> modeNamed(std::string_view name)
 }
 
 // Returns the source's SSLmode, nothing if it has none. Of several, the strictest counts, because drivers don't agree
-// on whether the first or the last one does. Unknown modes of a driver that is not supported are its own business and
-// are skipped.
+// on whether the first or the last one does. For a driver that is not supported, unknown modes are skipped, because it
+// may have modes of its own.
 std::optional<Mode> ownMode(const CString& connection, bool isSupported)
 {
     std::vector<CString> values = valuesOf(connection, "SSLmode");
@@ -95,7 +95,7 @@ Mode modeOfEnvironment(bool isSupported)
 }
 
 // Returns the attempts for MariaDB's driver. FORCETLS alone is only a preference; SSLVERIFY keeps the driver from
-// connecting in plain text. Without a mode, a source that sets these itself is connected as it says.
+// connecting in plain text. A source without a mode that sets these attributes is connected as it is.
 std::vector<TlsAttempt> mariaDbAttempts(const CString& connection, std::optional<Mode> own)
 {
     const CString force = settingOf(connection, "FORCETLS"), verify = settingOf(connection, "SSLVERIFY");

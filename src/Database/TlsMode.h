@@ -13,7 +13,7 @@ struct TlsAttempt
     /// True if the connection is closed at once, and only shows that the server takes the user over TLS.
     bool isProbe = false;
 
-    /// Returns whether to try this way after the one before it failed with `error`. Asked of a second attempt only.
+    /// Returns whether to try this way after the one before it failed with `error`. Call it for a second attempt only.
     bool mayHelp(const CDBException& error) const;
 };
 
