@@ -22,7 +22,7 @@ VornObject<Interface> own(Interface* object, const VornObject<Parent>& parent)
 BrokerSession::~BrokerSession()
 {
     const MemoryWipe wipe; // the client's libraries have held the password until now
-    // Explicit, because members would otherwise be destroyed after the end of `wipe`.
+    // Released here, because members are destroyed only after `wipe`.
     reading.reset();
     creation.reset();
     repository.reset();
@@ -71,8 +71,7 @@ CString BrokerSession::logOn(const CString& address, const BrokerAccount* accoun
     connection = own(opened, server);
     if (result != VornResult::done) {
         describe(*server);
-        // VornResult::failed is a refused user or password. Anything else that goes wrong at a logon counts as no
-        // broker.
+        // VornResult::failed means a refused user or password. Any other failure of a logon counts as no broker.
         return loadText(result == VornResult::clientError ? IDS_NO_BROKER : IDS_LOGIN_FAILED);
     }
     return connection ? "" : loadText(IDS_NO_CONNECTION);
@@ -101,7 +100,7 @@ std::vector<CreatedType> BrokerSession::createTypes(const std::vector<CString>& 
 {
     if (!creation)
         // `replace` and `replaceFound` are the last values of VornExisting. A type that must not be replaced is
-        // returned as existing, which is how the caller learns that it has to ask.
+        // returned as existing, so the caller knows that it has to ask.
         return {{createType(documents.front(), existing.changed >= VornExisting::replace)}};
     std::vector<const char*> texts;
     for (const CString& document : documents)

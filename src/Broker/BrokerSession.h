@@ -12,8 +12,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The broker user to log on as, if that is not the user that runs the program. References: valid for the call that
-/// takes it, so that no copy of the password has to be wiped.
+/// The broker user to log on as, if that is not the user that runs the program. It holds references, so that no copy of
+/// the password has to be wiped. They must be valid during the call that takes it.
 struct BrokerAccount
 {
     const CString& user;
@@ -63,8 +63,8 @@ public:
     /// loaded. Empty if there are none, or the error box already shows them.
     const CString& queryDescription() const { return description; }
 
-    /// Creates one type through the repository itself and returns the client's code. Throws ClientError. The code is
-    /// one of CreatedType, or unknown.
+    /// Creates one type through the repository itself and returns the client's code. Throws ClientError. A code that is
+    /// not in CreatedType is unknown.
     unsigned createType(const CString& document, bool overwrite);
 
     /// Returns whether the client has IVornCreation. Without it, types are created one at a time, without sources, and

@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <utility>
 
-// The client settles the types of a window in order and stops at one about which the user has to decide. The answer
-// settles this type in a call of its own, and the next window begins after it. So no type is created before the
-// question about an earlier one is answered, and a run without questions needs one call for some hundred types.
+// The client settles the types of a window in order and stops at a type about which the user has to decide. The answer
+// settles that type in a separate call, and the next window begins after it. So no type is created before the question
+// about an earlier one is answered, and a run without questions needs one call for some hundred types.
 namespace {
 
 // The largest number of types in one call. Calls with many types are faster; the limit keeps each call short, so that
@@ -64,7 +64,7 @@ CreationRun::CreationRun(BrokerSession& openSession, Callbacks newCallbacks, Cre
 int CreationRun::run(MsgBase& message)
 {
     progress = {Work::creating, 0, static_cast<std::uint64_t>(message.beginEnum())};
-    // All at once, because a window needs the types after the current one.
+    // Listed in advance, because a window needs the types after the current one.
     while (Element* type = message.enumNext())
         types.push_back(type);
     // A cancelled run still adds a line for each remaining type, so that the list accounts for all of them.
@@ -88,7 +88,7 @@ std::size_t CreationRun::createNext(std::size_t first)
     try {
         outcomes = createWindow(first);
     } catch (const ClientError& error) {
-        // The call fails only if its first type does; the types after it have not been tried.
+        // The call fails only if its first type fails. The types after it have not been tried.
         window = 1;
         addFailure(*types[first], error.what());
         ++progress.done;
@@ -99,8 +99,8 @@ std::size_t CreationRun::createNext(std::size_t first)
     // because documents after that type are written and sent in vain.
     window = isComplete && session.hasCreation() ? std::min(2 * window, kLargestWindow) : 1;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        // run() has polled before the first. The other types of the window are created already, so their lines stay as
-        // they are; only open questions become cancelled.
+        // run() has polled before the first type. The other types of the window are created already, so their lines
+        // stay; only a type with an open question becomes cancelled.
         isCancelled = i > 0 && (isCancelled || !reportProgress(progress));
         recordOutcome(*types[first + i], documents[i], outcomes[i]);
         ++progress.done;
@@ -123,7 +123,7 @@ std::vector<CreatedType> CreationRun::createWindow(std::size_t first)
     return session.createTypes(documents, options.source.name, {ruleFor(false), ruleFor(true)});
 }
 
-// The rules follow the answers so far: once the user has said "to all", calls no longer stop.
+// The rules depend on the answers so far: after an answer "to all", calls no longer stop.
 VornExisting CreationRun::ruleFor(bool isUnchanged) const
 {
     if (noToAll || (isUnchanged && options.keepsUnchanged))
@@ -134,7 +134,7 @@ VornExisting CreationRun::ruleFor(bool isUnchanged) const
 // Returns whether the user still has to decide about an existing type.
 bool CreationRun::isOpen(const CreatedType& outcome) const
 {
-    // Such a client was told to keep the type, and reports no unchanged ones.
+    // A client without IVornCreation has kept the type, and doesn't report unchanged types.
     if (!session.hasCreation())
         return outcome.code == CreatedType::exists && !noToAll;
     const bool isUnchanged = outcome.code == CreatedType::unchanged;
@@ -172,13 +172,13 @@ CreatedType CreationRun::decide(const Element& type, const CString& document, Cr
         isCancelled |= choice == OverwriteChoice::stop;
         if (choice != OverwriteChoice::yes && choice != OverwriteChoice::yesToAll)
             break;
-        // A single yes is meant for the type that the question was about: replaceFound stops again if it has changed
+        // A single yes applies to the type that the question was about. replaceFound stops again if that has changed
         // since.
         const VornExisting yes = yesToAll ? VornExisting::replace : VornExisting::replaceFound;
         outcome =
             session.createTypes({document}, options.source.name, {yes, options.keepsUnchanged ? ruleFor(true) : yes})
                 .front();
-        // createType() with `overwrite` settles the type.
+        // Without IVornCreation, createType() with `overwrite` has settled the type.
         if (!session.hasCreation())
             break;
     }

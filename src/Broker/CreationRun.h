@@ -49,7 +49,7 @@ struct OtherSource
 class CreationRun
 {
 public:
-    /// The callbacks of a run. Both must be set. They are called in the thread of run().
+    /// The callbacks of a run. Both must be set. run() calls them in its thread.
     struct Callbacks
     {
         /// Asks whether to replace an existing type. `details` name its other source; empty if it has none.
@@ -60,8 +60,8 @@ public:
     /// The session must be open.
     CreationRun(BrokerSession& session, Callbacks callbacks, CreationOptions options = {});
 
-    /// Creates every type of `message`, in enumeration order, and returns the number of failures. Call it once. Throws
-    /// nothing of the client: its failures are result lines.
+    /// Creates every type of `message`, in enumeration order, and returns the number of failures. Call it once.
+    /// Failures of the client become result lines.
     int run(MsgBase& message);
 
     /// Returns whether the run left out types because it was cancelled or stopped.
@@ -78,10 +78,10 @@ private:
     // settled, at least one.
     std::size_t createNext(std::size_t first);
     std::vector<CreatedType> createWindow(std::size_t first);
-    // What becomes of one type: decide() asks the user if need be, recordOutcome() adds its line.
+    // recordOutcome() adds the line of one type; decide() asks the user before, if needed.
     void recordOutcome(const Element& type, const CString& document, CreatedType outcome);
     CreatedType decide(const Element& type, const CString& document, CreatedType outcome);
-    // The rule for the client's next call, as options and answers so far demand it.
+    // Returns the rule for the client's next call, by the options and the answers so far.
     VornExisting ruleFor(bool isUnchanged) const;
     bool isOpen(const CreatedType& outcome) const;
     bool isOtherSource(const CreatedType& outcome) const;

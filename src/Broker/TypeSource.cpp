@@ -22,7 +22,7 @@ TypeSource fileSource(const CString& file)
     if (file == kStandardInput)
         return {"standard input", false};
     std::error_code failure;
-    // Normalised but not resolved: a link that leads elsewhere next time is still the same source to its user.
+    // Normalised but not resolved: to the user, a link is the same source even if it leads elsewhere next time.
     const fs::path full = fs::absolute(file, failure).lexically_normal();
     const fs::file_status status = fs::status(full, failure);
     // A file name can hold any bytes, but the shipped client separates texts by characters that XML can't hold.

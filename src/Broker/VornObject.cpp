@@ -54,7 +54,7 @@ CString writablePartOf(const std::filesystem::path& library)
 }
 
 // Returns why a library is not loaded; empty if it may be. Checks the given name and the file that it leads to. Only
-// for libraries that the settings name: the shipped one lies where the program does.
+// for libraries that the settings name, because the shipped one is installed with the program.
 CString untrustedReason(const CString& library)
 {
     if (!library.starts_with('/'))
@@ -109,7 +109,7 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
     }
     const auto version = findFunction<decltype(vornInterfaceVersion)>(library, "vornInterfaceVersion");
     const auto create = findFunction<decltype(vornCreateObject)>(library, "vornCreateObject");
-    // The version is asked for first: with another one, the layout of the objects is unknown.
+    // The version is checked first, because the layout of objects of another version is unknown.
     if (!version || !create || version() != kVornInterfaceVersion) {
         why = fileName + ": not a client with interfaces of version " + std::to_string(kVornInterfaceVersion);
         return {};

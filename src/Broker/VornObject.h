@@ -25,7 +25,8 @@ using VornObject = std::unique_ptr<Interface, VornRelease>;
 /// Creates an object of a class. The library is the one that the settings name for the server class
 /// (SOFTWARE\Classes\CLSID\{...}\InprocServer32), else the client that comes with the program. Returns null if the
 /// library is missing or can be replaced by other users, has interfaces of another version or lacks the class. `reason`
-/// then gets the cause, for administrators of clients. The progress handler of the program is passed to the library.
+/// then gets the cause, for administrators of clients. The library gets isStillWanted(), so that its calls can be
+/// cancelled.
 VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString* reason = nullptr);
 
 /// Calls vornQueryInterface(). Returns null also if the library lacks that function.

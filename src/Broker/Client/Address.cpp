@@ -16,8 +16,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kLocal = "local";
 
-// Characters that would end a value of a connection string, or begin a quoted one. A folder with one of them is
-// refused.
+// Characters that could end or quote a value in a connection string. A folder with one of them is refused.
 constexpr std::string_view kNotInValue = ";{}=\r\n";
 
 [[noreturn]] void raise(const fs::path& file)
@@ -32,7 +31,7 @@ void makePrivate(const fs::path& folder, const fs::path& file)
     std::error_code failure;
     if (fs::create_directories(folder.parent_path(), failure); failure)
         throw std::system_error(failure, folder.parent_path().string());
-    // The mode of mkdir(2) is cut by the umask, and an existing folder may be open to others; chmod(2) corrects both.
+    // The umask applies to the mode of mkdir(2), and an existing folder may be open to others. chmod(2) corrects both.
     if ((mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) || chmod(folder.c_str(), S_IRWXU) != 0)
         raise(folder);
     const int made = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
@@ -87,8 +86,8 @@ CString Address::connectString(bool isForReading) const
         makePrivate(file.parent_path(), file);
         return "Driver=SQLite3;Database=" + file.string() + ";Timeout=5000;JournalMode=WAL;SyncPragma=NORMAL;";
     }
-    // The names of the drivers are those under which Debian's packages register them. readServerAddress() has refused
-    // characters that are special here.
+    // Debian's packages register the drivers under these names. readServerAddress() has refused characters that are
+    // special here.
     return "Driver={PostgreSQL Unicode};Server=" + address.server + ";Port=" + std::to_string(address.port) +
            ";Database=typeforge;";
 }

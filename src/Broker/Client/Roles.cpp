@@ -8,8 +8,8 @@
 
 namespace {
 
-// Sets this thread's character type locale to UTF-8 in its scope. The program's own locale, which may be "C", stays as
-// it is for its other threads.
+// Sets this thread's character type locale to UTF-8 in its scope. The program's own locale may be "C", and stays in
+// effect for other threads.
 class Utf8Locale
 {
 public:
@@ -52,11 +52,11 @@ std::vector<CString> rolesOf(const CString& user)
     const Utf8Locale utf8;
     std::wstring letters = widen(user);
     std::vector<CString> roles = {user};
-    // A lower-case letter shows that the user wrote the name by hand.
+    // The wizard has not converted a name that has a lower-case letter.
     if (std::ranges::any_of(letters, [](wint_t c) { return std::towupper(c) != c; }))
         return roles;
     std::ranges::transform(letters, letters.begin(), std::towlower);
-    // Both forms: roles whose quoted name is in lower case, and roles that the server has folded itself.
+    // All letters in lower case, for roles created with a quoted name; ASCII letters only, as the server folds names.
     for (const CString& folded : {narrow(letters), lowerAscii(user)})
         if (!folded.empty() && folded != roles.back())
             roles.push_back(folded);

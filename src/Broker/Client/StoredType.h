@@ -7,8 +7,7 @@
 #include <string_view>
 #include <vector>
 
-/// A type to store, by its full name. Does not own the document. The document must live until the call that takes it
-/// returns.
+/// A type to store, by its full name. The document is a view, which must be valid until the call that takes it returns.
 struct NamedDocument
 {
     CString name;
@@ -55,7 +54,7 @@ inline bool stops(const StoredType& type, ExistingRules rules)
     return exists && rules.ruleFor(type.code == StoredType::unchanged) != VornExisting::keep;
 }
 
-/// The storage of a creation. TypeStore changes the repository, TypeReader only says what a creation would do.
+/// The storage of a creation. TypeStore changes the repository, TypeReader only returns what a creation would do.
 class TypeStorage
 {
 public:

@@ -21,7 +21,8 @@ const char* ruleName(VornExisting rule)
     return rule == VornExisting::replace ? "replace" : rule == VornExisting::keep ? "keep" : "stop";
 }
 
-// The order in which batchProgram() reads the parts: two rules, source, time, then a name and a document for each type.
+// Packs the parts in the order in which batchProgram() reads them: two rules, source, time, then a name and a document
+// for each type.
 CString packed(std::span<const NamedDocument> types, const SourceMark& mark, ExistingRules rules)
 {
     CString text;
@@ -47,7 +48,8 @@ std::string_view takePart(std::string_view& text, char end)
     return part;
 }
 
-// Reads what batchProgram() has written: for each type its code, the old source, kPartEnd, the old time, and kEnd.
+// Reads the outcomes that batchProgram() has written: for each type its code, the old source, kPartEnd, the old time,
+// and kEnd.
 std::vector<StoredType> unpacked(std::string_view outcomes)
 {
     std::vector<StoredType> types;
@@ -70,7 +72,7 @@ TypeBatch::TypeBatch(CDatabase& openOn, const TypeTable& table) :
 std::vector<StoredType> TypeBatch::store(std::span<const NamedDocument> types, const SourceMark& mark,
                                          ExistingRules rules)
 {
-    // The outcomes of an earlier batch are cleared by the same statement.
+    // This statement also clears the outcomes of an earlier batch.
     setBatch.execute({packed(types, mark, rules)});
     try {
         database.ExecuteSQL(program);

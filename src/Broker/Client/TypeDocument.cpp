@@ -4,7 +4,7 @@
 
 namespace {
 
-// Types stand in no namespace, so a prefix makes another name.
+// Names in type documents have no namespace, so a name with a prefix is another one.
 bool isCalled(XmlName name, std::string_view wanted)
 {
     return !name.prefix && name.local == wanted;
@@ -25,7 +25,7 @@ public:
     void endElement() override { --depth; }
     bool wantsText() const override { return false; }
 
-    // A document with another root has no name.
+    // False for a document with another root, because no name was read.
     bool isAcceptable() const { return !typeName.empty() && contentElements <= 1; }
     const CString& queryName() const { return typeName; }
 

@@ -58,14 +58,14 @@ std::vector<StoredType> TypeReader::store(std::span<const NamedDocument> types, 
 
 StoredType TypeReader::find(const NamedDocument& type, ExistingRules rules) const
 {
-    // Prepared once: the driver's process knows the statement by its text.
+    // The driver's process prepares the statement once, because it keeps statements by their text.
     const CStatement::Rows rows =
         database ? CStatement(*database, findStatement(table)).execute({type.document, type.name}) : CStatement::Rows();
     if (rows.empty())
         return {StoredType::created};
     const bool isSame = rows[0][1] == "1";
     const SourceMark mark = {rows[0][2], rows[0][3]};
-    // The last two rules. What was found before is not compared for replaceFound, because nothing is replaced.
+    // `replace` and `replaceFound`. The latter is not checked against an earlier outcome, because nothing is replaced.
     if (rules.ruleFor(isSame) >= VornExisting::replace)
         return {StoredType::replaced, mark};
     return {isSame ? StoredType::unchanged : StoredType::exists, mark};
@@ -76,7 +76,7 @@ std::vector<CString> TypeReader::readFolder(const CString& folder) const
     std::vector<CString> documents;
     if (!database)
         return documents;
-    // The server returns all folders below, too; a further backslash shows them.
+    // The server also returns the types of folders below. Their names have a further backslash.
     for (auto& row : CStatement(*database, kReadFolder).execute({folder, folder}))
         if (row[0].find('\\', folder.size()) == CString::npos)
             documents.push_back(std::move(row[1]));

@@ -24,7 +24,7 @@ public:
     std::vector<CString> readFolder(const CString& folder) const;
 
 private:
-    // What a creation would do with one type.
+    // Returns what a creation would do with one type.
     StoredType find(const NamedDocument& type, ExistingRules rules) const;
 
     std::shared_ptr<CDatabase> database; // null if there is no table

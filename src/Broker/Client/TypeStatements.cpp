@@ -48,8 +48,8 @@ CString updateStatement(const TypeTable& table)
            "AND typeforge_types.revision = CAST(type.seen AS INTEGER) RETURNING revision";
 }
 
-// An outcome is set in the transaction of its type, so that a type which fails leaves none. A type that vanishes or
-// changes between two statements ends the batch without an outcome: TypeStore stores it singly, with its retries.
+// An outcome is set in the transaction of its type, so that a type that fails leaves none. A type that vanishes or
+// changes between two statements ends the batch without an outcome; TypeStore then stores it singly, with retries.
 CString batchProgram(const TypeTable& table)
 {
     return CString(R"(DO $typeforge$

@@ -7,10 +7,10 @@
 #include <tuple>
 #include <utility>
 
-// A type is inserted. If that finds it, its revision is read, and it is replaced only if it still has that revision, so
-// that no change of another program is lost. Each of these statements is a transaction; one that finds the type changed
-// starts over. TypeBatch does the same for many types in a program on the server, and leaves to storeOne() what it
-// can't settle.
+// A type is inserted. If it exists already, its revision is read, and it is replaced only if it still has that
+// revision, so that no change of another program is lost. Each of these statements is a transaction. If one finds the
+// type changed, they start over. TypeBatch does the same for many types in a program on the server, and leaves types
+// that it can't store to storeOne().
 namespace {
 
 // Fewer types are stored faster one by one, because the server compiles the program for each batch.
@@ -41,7 +41,7 @@ TypeStore::TypeStore(std::shared_ptr<CDatabase> open, TypeTable::Place place) :
         database->ExecuteSQL("SET synchronous_commit = off"); // for the connection
 }
 
-// A program may release the repository without a finish(). What can't be flushed then can't be reported either.
+// A program may release the repository without a finish(). A failure can't be reported then.
 TypeStore::~TypeStore()
 {
     try {
@@ -62,7 +62,7 @@ StoredType::Code TypeStore::store(const NamedDocument& type, bool overwrite)
 std::vector<StoredType> TypeStore::store(std::span<const NamedDocument> types, const CString& source,
                                          ExistingRules rules)
 {
-    // The time of the call, so all types of one call have the same.
+    // The time of the call, which all of its types get.
     const SourceMark mark = {source, timeNow()};
     const bool isBatch = hasBatches && !busy && types.size() >= kMinBatch;
     if (isBatch)

@@ -3,7 +3,7 @@
 #include "Database/Odbc.h"
 
 /// The table of a repository, with a row for each type. Tables of an earlier version have no source columns. The name
-/// is the key, so that of two programs that create a type at once one finds it.
+/// is the key, so if two programs create a type at once, one of them finds it.
 struct TypeTable
 {
     enum class Place

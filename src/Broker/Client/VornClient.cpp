@@ -19,9 +19,9 @@
 #include <vector>
 
 // The client that ships: types are rows of a table (TypeTable) in an SQLite file or on a PostgreSQL server (Address). A
-// server object makes connections, a connection repositories, and those the further interfaces. What they share is held
-// by shared pointers, because the program may release them in any order. The library links its own copy of Base, so the
-// progress handler here is not the program's.
+// server object creates connections, a connection creates repositories, and a repository creates the other interfaces.
+// They share data by shared pointers, because the program may release them in any order. The library links its own copy
+// of Base, so the progress handler here is not the program's.
 namespace {
 
 // The driver manager's SQLSTATE if it can't load a driver or doesn't know it.
@@ -42,7 +42,7 @@ public:
     const char* queryDescription() const noexcept final { return description.c_str(); }
 
 protected:
-    // Runs an operation and returns its result. Cancelled is no std::exception.
+    // Runs an operation and returns its result. Cancelled is not a std::exception.
     template <class Operation>
     VornResult attempt(Operation operation) noexcept
     {
@@ -77,7 +77,7 @@ NamedDocument named(const char* document)
     return {queryTypeName(document).value_or(""), document};
 }
 
-// Creates types, or says what a creation would do, as its storage decides.
+// Creates types, or only returns what a creation would do, depending on its storage.
 class Creation final : public ClientObject<IVornCreation>
 {
 public:
@@ -222,7 +222,7 @@ public:
             const Secret secret{password};
             VornResult result = VornResult::failed;
             CString reason; // of the first role, the one that the user named
-            // Only a refused role leads to the next one; without a server, none would do.
+            // The next role is tried only if this one is refused. Another failure would be the same for all.
             for (const CString& role : rolesOf(user)) {
                 const Secret logon{logonText(role, secret.text)};
                 result = connect(logon.text, connection);
@@ -298,6 +298,6 @@ void vornSetQuestion(bool (*isStillWanted)()) noexcept
 
 IVornObject* vornQueryInterface(IVornRepository* repository, const char* name) noexcept
 {
-    // All repositories of this library are of that class.
+    // All repositories of this library are of this class.
     return static_cast<Repository*>(repository)->queryInterface(name);
 }
