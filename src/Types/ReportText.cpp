@@ -9,8 +9,8 @@ namespace {
 
 using Out = std::function<void(std::string_view)>;
 
-// The totals of the report's last line. A field counts as text if its content is "String", behind tables and arrays,
-// too.
+// The totals of the report's last line. A field counts as text if its content is "String", also inside tables and
+// arrays.
 struct Totals
 {
     std::size_t types = 0;
@@ -74,7 +74,7 @@ void writeText(const SourceReport& report, const Totals& totals, const Out& out)
         formatText(": %zu typed, %zu left text\n", totals.fields - totals.texts, totals.texts));
 }
 
-// Returns a place as docs/report.schema.json describes it: what is unknown is null.
+// Returns a place as docs/report.schema.json describes it. Unknown values are null.
 CString jsonOf(const SourceReport& report, const SourceReport::Entry& entry)
 {
     const auto number = [](std::uint32_t n) { return n == 0 ? CString("null") : std::to_string(n); };
@@ -98,7 +98,7 @@ CString jsonCounts(const SourceReport& report, std::initializer_list<SourceRepor
     return "{" + members + "}";
 }
 
-// Constructs have their ids, which never change, instead of the words of the text.
+// Names constructs by their ids, which never change, not by words.
 void writeJson(const SourceReport& report, const Totals& totals, const Out& out)
 {
     constexpr auto loss = SourceReport::loss, detail = SourceReport::detail;

@@ -9,7 +9,7 @@
 
 // Both sides get an index of their types by the names under which they are compared. A type in both is compared part by
 // part. Nearly all types are equal, so their parts are first compared in order, without keys; only a type that differs
-// gets tables of its parts. Of a part's type only the name is compared, since that type is compared by itself, once.
+// gets tables of its parts. The type of a part is compared only by name, because that type itself is compared once.
 namespace {
 
 // A row for each TypeChange::Id. A removed constant breaks writers, who may still send it; a removed field breaks both,
@@ -30,7 +30,7 @@ constexpr ChangeRow kChanges[] = {
 };
 static_assert(std::size(kChanges) == TypeChange::idCount);
 
-// Stands for the name of a type, field or constant whose name is empty, which documents of types can hold.
+// Shown for the empty name of a type, field or constant, which type documents can contain.
 constexpr const char* kUnnamed = "(no name)";
 // By TypePart::Kind.
 constexpr const char* kPartNames[] = {"field", "constant", "component"};
@@ -163,7 +163,7 @@ public:
     void compareTypes()
     {
         for (const Side::Type& type : after.types) {
-            // A later type of the same name; the first one is compared.
+            // Skips later types of the same name.
             if (after.find(type.name) != &type)
                 continue;
             if (const Side::Type* const known = before.find(type.name))
@@ -218,7 +218,7 @@ private:
                      kPartNames[part.kind], name, shownPart(part), contentOf(before.structure, part)});
     }
 
-    // A part can have another type and other repetitions: two changes, which can be accepted one by one.
+    // A part whose type and repetition both differ gives two changes, which can be accepted separately.
     void comparePart(const CString& type, const TypePart& old, const TypePart& now)
     {
         const TypeContent was = before.structure.contentOf(old), is = after.structure.contentOf(now);
@@ -235,7 +235,7 @@ private:
 };
 
 // Returns the deepest folder that contains all types, with a final backslash; empty if there is none. The prefix only
-// shrinks, so this is linear in the names. It is cut at a backslash, because names that begin alike are not in one
+// shrinks, so this is linear in the names. It is cut at a backslash, because names that begin alike need not be in one
 // folder.
 CString commonFolder(const TypeStructure& structure)
 {
@@ -270,8 +270,8 @@ TypeChange::Id changeNamed(std::string_view text)
     return static_cast<TypeChange::Id>(row - std::begin(kChanges));
 }
 
-// If one full name is the same, the types have not moved: a second namespace, for example, gives the types of the first
-// a folder of their own, and the folder around both is another one.
+// If the sides have one full name in common, the types have not moved. The common folder can change for other reasons,
+// for example because the newer side has a type in another folder.
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after)
 {
     const TypeFolders folders{commonFolder(before), commonFolder(after)};

@@ -64,13 +64,13 @@ struct TypeFolders
 };
 
 /// Returns the deepest folders that contain all types of each side, if the sides have no full name in common, but names
-/// below these folders: another base path or main element. Returns two empty folders otherwise. Without this, each type
-/// of a moved import would be removed and added.
+/// below these folders: another base path or main element. Returns two empty folders otherwise. Without this, all types
+/// of a moved import would count as removed and added.
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after);
 
 /// Returns the differences, in the order of `after`, removed types last. Types are matched by full name, with
 /// `folders.before` replaced by `folders.after`, and parts by name. Descriptions and the order of parts are ignored.
-/// `before` and `after` must be different objects, since parts of both are compared at the same time. Of several types
-/// of one name, the first is compared. Linear in the parts of both sides.
+/// `before` and `after` must be different objects, because the parts of both are used at the same time. Of several
+/// types of one name, the first is compared. Linear in the parts of both sides.
 std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStructure& after,
                                     const TypeFolders& folders = {});

@@ -66,7 +66,8 @@ TypeGraph::TypeGraph(const TypeStructure& structure, std::span<const std::uint32
     }
 }
 
-// Ranks go from left to right, so that an arrow leaves a row at its side. It leads to the title of the other box.
+// Ranks go from left to right, so that an arrow leaves a row at its side. The arrow leads to the title of the other
+// box.
 CString TypeGraph::toDot() const
 {
     CString dot = "digraph types {\n    rankdir=LR\n    node [shape=record]\n";

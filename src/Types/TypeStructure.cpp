@@ -7,9 +7,9 @@
 #include <unordered_set>
 #include <utility>
 
-// The structure is read from the importer's elements on demand. Only what would need a search is kept: an index of the
-// full names, and the types by the numbers of their elements. Parts are views, made again for each call: a list as JSON
-// of 50,000 types takes twice as long with copies of all parts.
+// The structure is read from the importer's elements on demand. It stores only data that would need a search: an index
+// of the full names, and the types by the numbers of their elements. Parts are views that each call makes again: with
+// copies of all parts, a JSON list of 50,000 types takes twice as long.
 namespace {
 
 // Returns whether a type has a component instead of fields or constants.
@@ -39,7 +39,6 @@ TextPieces TypePart::description() const
     return kind == field ? element->queryFieldDescription() : element->queryDescriptionPieces();
 }
 
-// Walks the types once. The index gets pointers to the entries, so these must not move.
 TypeStructure::TypeStructure(MsgBase& message)
 {
     const auto count = static_cast<std::size_t>(message.beginEnum());
@@ -72,7 +71,7 @@ const char* TypeStructure::kindOf(std::uint32_t type) const
     return kKinds[(*this)[type].queryType()];
 }
 
-// Makes the parts in the storage of the last call, so a walk over all types allocates little.
+// Reuses the storage of the last call, so a walk over all types allocates little.
 std::span<const TypePart> TypeStructure::parts(std::uint32_t type) const
 {
     lastParts.clear();
@@ -93,8 +92,8 @@ std::span<const TypePart> TypeStructure::parts(std::uint32_t type) const
     return lastParts;
 }
 
-// Returns a field of a record. Fast path: nearly every type is the child itself and found without its full name. Else
-// the name that the document writes is looked up: the child's folder can differ from the one that the document names.
+// Returns a field of a record. Fast path: the type is nearly always the child itself, and is found without its full
+// name. Otherwise the name in the document is looked up, because its folder can differ from the child's.
 TypePart TypeStructure::partOf(const Element& child, const Element& record) const
 {
     TypePart part{TypePart::field, &child, child.queryFieldName(), {}, kNone};
@@ -125,10 +124,10 @@ std::size_t TypeStructure::partCount(std::uint32_t type) const
         std::count_if(children.begin(), children.end(), [](const Element* child) { return child->isField(); }));
 }
 
-// Returns the type of a field if that is the child itself and has its name; else kNone. The name in the document is
-// made of the record's folder and, for a record, the child's base name, so neither may differ from the child's own. The
-// addresses are equal if there is no separate base name. If plainName() has shortened the full name, the lengths
-// differ.
+// Returns the type of a field if that is the child itself and has its name; else kNone. The name in the document
+// consists of the record's folder and, for a record, the child's base name, so neither may differ from the child's own
+// folder and name. The addresses are equal if there is no separate base name. If plainName() has shortened the full
+// name, the lengths differ.
 std::uint32_t TypeStructure::numberOf(const Element& child, const Element& record) const
 {
     const bool namesItself = child.queryType() == Element::typeTable || &child.queryBaseName() == &child.queryName();
@@ -141,7 +140,7 @@ std::uint32_t TypeStructure::numberOf(const Element& child, const Element& recor
 
 // Collects the users of all types in one array, sorted by counting: most types have one or two, so a list for each
 // would waste memory. firstUser[type + 1] first counts the users of a type, then becomes the end of its range. A user
-// is entered once for each type, because its parts come one after the other and lastUser remembers the latest.
+// is entered once for each type: its parts come one after the other, and lastUser is the latest user of a type.
 void TypeStructure::collectUsers() const
 {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> uses; // used type, user
@@ -190,9 +189,9 @@ TypeContent TypeStructure::contentOf(const TypePart& part) const
     return content;
 }
 
-// Calls `action` with each type that is one step away. A type can be passed to it several times, if several parts lead
-// there. Going to users, tables and arrays are passed breadth-first until records are found; a table can be the
-// component of many others.
+// Calls `action` with each type that is one step away. A type is passed several times if several parts lead to it.
+// Towards users, the search goes through tables and arrays breadth-first until it finds records, because a table can be
+// the component of many others.
 template <class Action>
 void TypeStructure::forEachNeighbour(std::uint32_t type, Direction direction, const Action& action) const
 {
@@ -212,9 +211,9 @@ void TypeStructure::forEachNeighbour(std::uint32_t type, Direction direction, co
                 holders.push_back(user);
 }
 
-// Breadth-first, one level for each step, once for each direction. isSeen ends cycles within a direction. isReached
-// holds for both: a type that is also reached in the other direction is not listed again, but the search continues from
-// it, because it leads elsewhere there.
+// Breadth-first, one level for each step, once for each direction. isSeen ends cycles within a direction. isReached is
+// for both: a type that the other direction has reached is not listed again, but the search continues from it, because
+// other types follow in this direction.
 std::vector<std::uint32_t> TypeStructure::reach(std::uint32_t start, std::size_t limit, bool& isComplete,
                                                 Direction direction, std::size_t depth) const
 {

@@ -28,8 +28,8 @@ struct TypePart
     std::string_view typeName; ///< "String", "Number", "Time", or the full name of a type
     std::uint32_t type;        ///< its number in this import, or TypeStructure::kNone
 
-    /// Returns the description of a field as the document of its record has it, of a constant its own; empty for a
-    /// component. Views of the element's texts.
+    /// Returns a field's description as in its record's document, or a constant's own; empty for a component. Views of
+    /// the element's texts.
     TextPieces description() const;
 };
 
@@ -85,8 +85,8 @@ public:
     /// parts; the results then stay valid.
     std::span<const std::uint32_t> users(std::uint32_t type) const;
 
-    /// Resolves a part's type through tables and arrays to its content. Stops at a table that contains itself, and at
-    /// the 16th level.
+    /// Returns the content of a part, with its type resolved through tables and arrays. Stops at a table that contains
+    /// itself, and at the 16th level.
     TypeContent contentOf(const TypePart& part) const;
 
     /// The directions of reach().
