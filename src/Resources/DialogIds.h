@@ -1,7 +1,7 @@
 #pragma once
 
-// Dialog ids of the pages, in the order of the sheet, and of the overwrite dialog. Pages name each other by these
-// numbers, in which Next and Back return the page to show; help topics are found by them, too.
+// Dialog ids of the pages, in the order of the sheet, and of the overwrite dialog. The handlers of Next and Back return
+// the page to show by its id. Help topics are found by them, too.
 enum DialogId : int
 {
     IDD_FIRST = 1004,
@@ -18,8 +18,8 @@ enum DialogId : int
     IDD_OVERWRITE = 1049
 };
 
-// Ids of the controls. An id names one control of its page; two pages may use the same one. It is the control's object
-// name, by which tests and other programs find it.
+// Ids of the controls. An id names one control of its page; two pages may use the same one. The id is the control's
+// object name, by which tests and other programs find the control.
 enum ControlId : int
 {
     IDC_BROWSE = 1019,

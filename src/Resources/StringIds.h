@@ -1,8 +1,8 @@
 #pragma once
 
 // Ids of the texts in StringTable.cpp. 21xx: importers and file filters (a filter's pattern follows its label); 2152 to
-// 2201: column headings; from 2202: messages; 23xx: page titles, result lines and long texts. The numbers are fixed:
-// documents name a message by its number, and gaps stay free.
+// 2201: column headings; from 2202: messages; 23xx: page titles, result lines, further messages and long texts. The
+// numbers are fixed, because documents name messages by them; gaps stay free.
 enum StringId : unsigned
 {
     IDS_TITLE = 2000,
