@@ -9,11 +9,11 @@
 #include <charconv>
 #include <system_error>
 
-// A value without references is a view of the DTD. One with references is composed when it is declared, as XML asks
-// (XML 1.0, 4.5): its references mean the entities declared before it. Modules are not replaced in values, so a file is
-// opened only where its entity is used.
+// A value without references is a view of the DTD. One with references is composed when it is declared, as XML requires
+// (XML 1.0, 4.5): its references stand for entities declared before it. References to modules stay in values, so a file
+// is opened only if its entity is used.
 //
-// Both bounds hold for composing and for reading: `depth` of an entity adds to the depth of the reference that opens
+// Both bounds hold for composing and for reading: the depth of an entity is added to that of the reference that opens
 // it, and a composed value is charged when it is made and whenever it is read.
 namespace {
 
@@ -52,7 +52,6 @@ DTDEntities::Entity* DTDEntities::add(std::string_view name, SourcePlace place)
     return &entity;
 }
 
-// Most values hold no reference, and stay views. Others need memory of their own.
 void DTDEntities::declare(std::string_view name, std::string_view value, SourcePlace place)
 {
     Entity* entity = add(name, place);
@@ -131,10 +130,10 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
         return nullptr;
     }
     entity->isUsed = true;
-    // A module is opened at its first reference, so one that nothing refers to need not exist.
+    // A module is opened at its first reference, so the file of an unused one need not exist.
     if (!entity->text && entity->isModule && !entity->isMissing)
         entity->text = load(*entity, where);
-    // Remembered, so that a missing module is looked for and reported once.
+    // Stored, so that a missing module is searched and reported once.
     entity->isMissing = !entity->text;
     if (!entity->text)
         return nullptr;
@@ -156,7 +155,7 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
     const std::uint32_t declaring = entity.value.start.file;
     const CString& folder = folders.at(declaring);
     CString path = catalogs.findExternal(entity.publicId, entity.systemId).value_or("");
-    // A catalogue's entry is a full path. Entries without a file are skipped, so the location in the DTD is tried next.
+    // A catalogue's entry is a full path. If there is no such file, the location in the DTD is tried.
     auto found = finder.find({}, path);
     if (!found) {
         path = localPath(entity.systemId);

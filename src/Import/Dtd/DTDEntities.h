@@ -18,9 +18,9 @@ public:
     struct Text
     {
         std::string_view text;
-        SourcePlace start;       ///< of its first character; line 0 if it stands in no file
-        bool isOpen = false;     ///< being read now; opening it again would be a loop
-        bool isComposed = false; ///< put together from other entities, so its lines and columns are not those of a file
+        SourcePlace start;       ///< of its first character; line 0 if it is in no file
+        bool isOpen = false;     ///< being read, so that a reference to it is a loop
+        bool isComposed = false; ///< with references replaced, so its lines and columns are not those of a file
     };
 
     /// The three must outlive this object. `types` keeps the texts, and words the refusals.
@@ -30,21 +30,21 @@ public:
 
     /// Adds the text of a file, under the name `shownName` in the report. `bytes` may be in any encoding that
     /// decodeText() knows; they must live as long as the types, because names are views of them. A `file` without an
-    /// identity, such as standard input, isn't recognised if a module names it again. The text is not open: a caller
-    /// that reads it without open() sets that itself, so that a module which leads back to it is found.
+    /// identity, such as standard input, isn't recognised if a module names it again. A caller that reads the text
+    /// without open() sets `isOpen` itself, so that a reference from a module back to it is detected.
     Text& addFile(const FoundFile& file, const CString& shownName, std::string_view bytes);
 
-    /// Declares an entity by its value. Character references and the entities known so far are replaced in it (XML 1.0,
-    /// 4.4.5). The first declaration of a name takes precedence (4.2). `name` and `value` must live as long as the
-    /// types.
+    /// Declares an entity by its value. Character references and references to the entities known so far are replaced
+    /// in it (XML 1.0, 4.5). The first declaration of a name takes precedence (4.2). `name` and `value` must live as
+    /// long as the types.
     void declare(std::string_view name, std::string_view value, SourcePlace place);
     /// Declares an entity by the file that holds it; the file is opened at the first reference. The first declaration
     /// of a name takes precedence.
     void declareModule(std::string_view name, std::string_view publicId, std::string_view systemId, SourcePlace place);
 
     /// Returns the text to read for a reference; null if there is none, or if it is being read already, which is
-    /// reported. A module is looked for once, and reported as missing once. `depth` is the number of entities around
-    /// the reference. Call close() at the text's end. Throws SourceRefusal if a bound is exceeded, or a file exists but
+    /// reported. A missing module is searched and reported once. `depth` is the number of entities around the
+    /// reference. Call close() at the text's end. Throws SourceRefusal if a bound is exceeded, or a file exists but
     /// can't be read.
     Text* open(std::string_view name, std::size_t depth, SourcePlace where);
     /// Ends the reading of a text that open() returned.
@@ -61,7 +61,7 @@ private:
     struct Entity
     {
         std::string_view name;
-        Text value;                // of a module only its place, which says what its file is relative to
+        Text value;                // of a module only its place, whose file is the base of `systemId`
         std::string_view publicId; // set for a module only
         std::string_view systemId;
         Text* text = nullptr;  // null for a module that isn't loaded or is missing
@@ -83,7 +83,7 @@ private:
     SourceTypes& types;
     SourceReport& report;
     const Catalogs& catalogs;
-    // Pointers to entities and texts are kept, so both stand in deques, which don't move them.
+    // Deques, because pointers to entities and texts are kept.
     std::deque<Entity> owned;
     KeyedTable<Entity, &Entity::queryName> entities;
     std::deque<Text> files;

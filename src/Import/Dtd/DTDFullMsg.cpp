@@ -11,8 +11,8 @@
 #include <numeric>
 #include <optional>
 
-// Each DTD of a set has its own entities, because a name may mean something else in each. One DTDReader collects the
-// elements of all, in which the first declaration of a name takes precedence.
+// Each DTD of a set has its own entities, because a name may have another value in each. One DTDReader collects the
+// elements of all; the first declaration of a name takes precedence.
 namespace {
 
 // Returns whether `test` accepts one of the pieces between `start` and the next `end`; it gets the piece without blanks
@@ -90,7 +90,7 @@ DTDEntities::Text& DTDFullMessage::begin(DTDEntities& entities, SourceTypes& typ
                                          std::string_view text) const
 {
     DTDEntities::Text& main = entities.addFile({file, identify(file).value_or(FileId())}, file, text);
-    // So that a module which names the DTD again is a loop, and not read a second time.
+    // So that a reference from a module to the DTD itself is a loop, and the DTD is not read twice.
     main.isOpen = true;
     for (const auto& [name, value] : given) // their text has no place in the file
         entities.declare(name, types.adopt(CString(value)), {main.start.file, 0, 0});
@@ -109,7 +109,7 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
             throw SourceRefusal{cantOpen(file, cause), {file, inWords(file, cause)}};
         texts.push_back(types.adopt(std::move(text)));
     }
-    // Which declarations the roots reach is known only when all are read.
+    // The declarations that the roots reach are only known when all are read.
     if (!queryRoots().empty())
         report.hold();
     DTDReader reader(types, report);

@@ -8,7 +8,7 @@
 class DTDFullMessage : public FullMessage
 {
 public:
-    /// Has the row, and so name and base path, of the literal reading.
+    /// Uses the row of the literal reading, and so its name and base path.
     DTDFullMessage();
 
     /// Returns a new importer, owned by the caller; the factory of the table of importers.

@@ -68,7 +68,7 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
 {
     previousMain = mainType;
     const bool hasNul = source.find('\0') != CString::npos; // which is read as a space
-    // A copy is made only for a text with NUL; views of it end with this function.
+    // A copy is made only for a text with NUL. Views of it are used only in this function.
     CString copy(hasNul ? source : "");
     std::ranges::replace(copy, '\0', ' ');
     Text parsed(hasNul ? copy : source);
@@ -86,7 +86,7 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     return result;
 }
 
-// The text was a local variable of parse(), which the exception has left.
+// `text` points to a local variable of parse(), which no longer exists.
 void DTDMessage::onCancelled()
 {
     text = nullptr;
@@ -165,8 +165,8 @@ int DTDMessage::doParse(std::size_t start, std::size_t end)
     const auto behind = [end](std::size_t keyword) { // the position after the keyword, if that lies in the statement
         return keyword != kNowhere && keyword + kKeywordLength <= end ? keyword + kKeywordLength : kNowhere;
     };
-    // "<!ATTLIST element id ..." holds both keywords, because they are found in any letter case. It then also declares
-    // the element `id`.
+    // "<!ATTLIST element id ..." contains both keywords, because letter case is ignored. It then also declares the
+    // element `id`.
     if (const std::size_t element = behind(text->elementKeyword.from(start)); element != kNowhere)
         if (!doParseElement(element, end))
             return 0;
@@ -210,7 +210,7 @@ bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end)
     const std::size_t first = text->firstInModel.from(open + 1);
     if (first >= contentEnd || whole[first] == ',')
         return true;
-    // Only the first piece up to a ',' counts: "(#PCDATA | a)*" is not text alone, so `a` becomes a field.
+    // Only the first piece up to a ',' counts: "(#PCDATA | a)*" contains more than text, so `a` becomes a field.
     for (const std::string_view keyword : {kPcdata, kCdata}) {
         if (whole.substr(first, keyword.size()) != keyword || first + keyword.size() > contentEnd)
             continue;
@@ -285,7 +285,7 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
         return true;
     };
     const auto drop = [&rest](std::size_t count) { rest = kDtdBlank.trim(rest.substr(std::min(count, rest.size()))); };
-    // A rest of one character is the '>' of the statement.
+    // One remaining character is the '>' of the statement.
     for (std::size_t left = statement.size(); left >= 2; left = rest.size()) {
         reportAt(end - left);
         std::string_view element, attribute;
@@ -342,7 +342,7 @@ DTDElement& DTDMessage::addAttribute(std::string_view element, std::string_view 
     return *field;
 }
 
-// Declares records in the order in which the text mentions them first.
+// Declares records in the order of their first mention in the text.
 void DTDMessage::declareAll(const CString& path)
 {
     beginWork(Work::arranging);
@@ -401,7 +401,7 @@ void DTDMessage::declareField(const DTDElement::Child& mention, const CString& p
     const bool isMarked = mark == modStar || mark == modPlus;
     if (isMarked)
         isFirst = addUsage();
-    // A usage that exists already makes the field repeat, even without a mark. The report compares that with the DTD.
+    // A second usage makes the field repeat, even without a mark. `repetitions` compares that with the DTD.
     if (!isFirst)
         text->repetitions.add(
             {child.element, record, mention.place, isMarked,

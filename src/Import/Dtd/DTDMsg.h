@@ -8,7 +8,7 @@
 #include <vector>
 
 /// A name that a DTD mentions, with the names of its children. Names are views into the text that is being parsed, or
-/// into the importer's arena, which also holds this object: it is never destroyed, only released with the arena.
+/// into the importer's arena. The arena also holds this object, which is never destroyed, but released with it.
 ///
 /// A name with a mark, such as "item+", has an entry of its own beside "item", which has the children.
 class DTDElement
@@ -20,8 +20,8 @@ public:
     /// Returns the name with its marks.
     std::string_view queryName() const { return name; }
 
-    /// A child, and the offset at which it is mentioned. An entry of a linked list: a vector that grows in an arena
-    /// would leave its outgrown memory behind.
+    /// A child, and the offset at which it is mentioned. An entry of a linked list, because a vector that grows in an
+    /// arena leaves its old memory unused.
     struct Child
     {
         DTDElement* element = nullptr;
@@ -29,8 +29,8 @@ public:
         Child* next = nullptr;
     };
 
-    /// Appends a child, with room from `memory`. The same child may be appended again: two entries are enough to show
-    /// that it repeats, so further ones are dropped to bound the memory of statements that overlap.
+    /// Appends a child, with room from `memory`. The same child may be appended again. Two entries in a row show that
+    /// it repeats; further ones are dropped, which bounds the memory of statements that overlap.
     void addChild(DTDElement* child, std::size_t place, std::pmr::memory_resource& memory);
 
     /// Moves the cursor to the first child. Returns nonzero if there is one.
@@ -84,24 +84,23 @@ private:
 ///
 /// Statements run from the k-th '<' to the k-th '>'. A '<' or '>' in a comment or an entity value therefore makes
 /// starts and ends drift apart, and a statement then spans several declarations. Names in such statements are
-/// registered as written, but no part of the text is scanned again for each statement. This rule decides the names in
-/// existing documents, so it must not be repaired here: DTDFullMessage reads by the rules of XML, and DTDNotes reports
-/// what this reading misses.
+/// registered as written, but overlapping statements don't scan the text again. Names in existing documents depend on
+/// this rule, so it must stay: DTDFullMessage reads by the rules of XML, and DTDNotes reports what this reading misses.
 ///
 /// The import fails if overlapping statements come to more than 128 MB and 16 times the text, or if the main type's
 /// name, which is in the folder of every type, exceeds 4,096 bytes.
 class DTDMessage : public MsgBase
 {
 public:
-    /// Merges by name: an element that several records contain is one.
+    /// Merges by name: an element that several records contain is one element.
     DTDMessage() : MsgBase(1) {}
 
     /// Returns a new importer, owned by the caller; the factory of the table of importers.
     static MsgBase* New() { return new DTDMessage; }
 
-    /// Returns 1 also for a text without declarations. `source` must live until parse() returns.
+    /// Returns 1 also for a text without declarations.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
-    /// Returns the first element that this importer has read, over all its imports.
+    /// Returns the name of the first element that this importer has read, in all its imports.
     CString queryMainTypeName() const override { return mainType; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 
@@ -112,7 +111,7 @@ protected:
     void onCancelled() override;
 
 private:
-    // The marks of a name, as getModifiers() found them.
+    // The mark of a name, see getModifiers().
     enum Modifiers
     {
         modNone = 0,
@@ -140,7 +139,7 @@ private:
         TextPlaces places{whole};
     };
 
-    // Steps return nonzero on success, and 0 if a bound is exceeded, which has been reported.
+    // Steps that return int return nonzero on success, and 0 if a bound is exceeded, which they have reported.
     int scan();
     void forget();
     void reportAt(std::size_t place) { text->meter.step(place); }
@@ -179,11 +178,11 @@ private:
     static Modifiers getModifiers(std::string_view& name);
 
     CString sourceName;
-    CString mainType;     // the first element that this importer has read, over all its imports
+    CString mainType;     // see queryMainTypeName()
     CString previousMain; // its value before the current import, restored if that is cancelled
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;
     Arena memory; // holds the entries, and the names that the text doesn't contain as they are
     Text* text = nullptr;
-    bool needsNoConversion = false; // no name is converted, so the model tells usages apart by names, without keys
+    bool needsNoConversion = false; // no name is converted, so the model identifies usages by names, without keys
     CString joined;                 // a buffer for names that the text doesn't contain as they are
 };

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 
-// The positions of the next '<', '%' and '>' are searched once and kept until reading has passed them. A search for
-// each construct would run to the end of the text again and again where one of them is missing: 400,000 references
-// without a '<' after them took seconds.
+// The positions of the next '<', '%' and '>' are searched once and kept until reading has passed them. If one of them
+// were missing, a search for each construct would run to the end of the text each time: 400,000 references without a
+// '<' after them took seconds.
 namespace {
 
-constexpr CharSet kBeforeKeyword(" \t\r\n!"); // what may stand between a '<' and the keyword of a damaged statement
+constexpr CharSet kBeforeKeyword(" \t\r\n!"); // may be between a '<' and the keyword of a damaged statement
 constexpr std::size_t kLongKey = 200;         // bytes of a section's key that a report shows
 
 // Returns whether the keyword is at `at` as a whole word, in any letter case.
@@ -39,8 +39,8 @@ void DTDNotes::note(SourceReport::Construct construct, std::size_t at, std::stri
     report.add(construct, places.at(at), name);
 }
 
-// Advances from construct to construct. Text between them should be blank or delimiters, such as the "]]>" of a
-// section.
+// Advances from construct to construct. Text between them should consist of blanks and delimiters, such as the "]]>" of
+// a section.
 void DTDNotes::read()
 {
     reference = text.find('%');
@@ -72,7 +72,7 @@ std::size_t DTDNotes::readReference(std::size_t at)
     return behind + (behind < text.size() && text[behind] == ';');
 }
 
-// The declarations that this reading takes are passed over quickly; all others are reported.
+// Reports all declarations except ELEMENT and ATTLIST, those of entities and notations only with `isDetailed`.
 std::size_t DTDNotes::readStatement(std::size_t at)
 {
     const std::size_t keyword = at + 2;
@@ -105,7 +105,7 @@ std::size_t DTDNotes::readComment(std::size_t at)
     return end + 3;
 }
 
-// An instruction ends at its first '>', as in SGML, because a statement of the literal reading does.
+// An instruction ends at its first '>', as in SGML, because a statement of the literal reading ends there.
 std::size_t DTDNotes::readInstruction(std::size_t at)
 {
     const std::size_t end = closeFrom(at), next = text.substr(at, end - at).find("<!");
@@ -208,7 +208,7 @@ std::size_t DTDNotes::closeFrom(std::size_t at)
     return close;
 }
 
-// Counts by characters and words, without parsing: details have no places, so only their numbers matter.
+// Counts by characters and words, without parsing: these details have no places, so only their numbers matter.
 void DTDNotes::countDetails(std::string_view declaration)
 {
     const auto count = [&](char c) { return static_cast<std::size_t>(std::ranges::count(declaration, c)); };

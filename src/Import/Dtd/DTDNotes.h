@@ -6,8 +6,8 @@
 /// sections, unknown, unterminated or hidden statements, unbalanced quotes. A text without any of these costs a few
 /// searches for single characters.
 ///
-/// It walks the text by the rules of DTDs, apart from DTDMessage, whose statements may drift from the real ones: what
-/// that reading misses can't be seen from within it.
+/// Walks the text by the rules of DTDs, independently of DTDMessage: the statements of that reading may drift from the
+/// real ones, so it can't detect itself what it misses.
 class DTDNotes
 {
 public:
@@ -32,7 +32,7 @@ private:
     std::size_t readLiteral(std::size_t at, std::size_t place, bool mayHoldMarkup);
     std::size_t readUnknown(std::size_t at);
 
-    // Returns the position of the first '>' at `at` or after it. Positions may only grow from call to call.
+    // Returns the position of the first '>' at `at` or after it. `at` must not be less than in the last call.
     std::size_t closeFrom(std::size_t at);
     void countDetails(std::string_view declaration);
     void note(SourceReport::Construct construct, std::size_t at, std::string_view name);

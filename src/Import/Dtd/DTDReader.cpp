@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-// read() stores elements, contents and attributes by index; finish() makes the types. Two steps, because a content
-// names elements that may be declared later, or by a later DTD of the set. What can't be understood is reported, and
-// reading goes on after its '>', so that one mistake costs one declaration.
+// read() stores elements, contents and attributes by index; finish() makes the types. There are two steps, because a
+// content model may name elements that are declared later, or by a later DTD of the set. A declaration that can't be
+// understood is reported, and reading continues after its '>', so that one mistake costs one declaration.
 namespace {
 
 // Namespace declarations are not data, so they get no fields.
@@ -158,7 +158,7 @@ bool DTDReader::readContent(bool& holdsText)
         report.add(SourceReport::anyContent, tokens->place(), names.front());
     holdsText = isAny || isSameAscii(token.text, "CDATA") || isSameAscii(token.text, "RCDATA") ||
                 isSameAscii(token.text, "PCDATA");
-    // By the order of kinds this is a word, with or without a '#'; marks keep the text of an earlier token.
+    // Only kinds up to tokenReserved are words; a mark keeps the text of an earlier token.
     const bool isKnown = token.kind <= DTDTokens::tokenReserved && (holdsText || isSameAscii(token.text, "EMPTY"));
     if (isKnown)
         tokens->next();
@@ -166,7 +166,7 @@ bool DTDReader::readContent(bool& holdsText)
 }
 
 // Reads a content model from its first '('. One that doesn't end, or in which names and connectors don't alternate, is
-// reported; what was read is used. A missing entity may have held the part that lacks.
+// reported, and what was read is used. A missing entity may have held the missing part.
 bool DTDReader::readGroup(bool& holdsText)
 {
     std::size_t depth = 0;
@@ -217,7 +217,7 @@ void DTDReader::readGroupMark(char mark, std::size_t& depth)
     }
 }
 
-// An element that no declaration follows is reported where it is referred to first.
+// An element that is never declared is reported at the first reference to it.
 void DTDReader::readChild()
 {
     Element& child = elementNamed(tokens->token().text);
@@ -267,7 +267,7 @@ void DTDReader::declareElement(Element& element, Index firstContent, bool holdsT
     declared.push_back(element.index);
 }
 
-// Reads an ATTLIST (XML 1.0, production [52]). What is read before a fault stays.
+// Reads an ATTLIST (XML 1.0, production [52]). Attributes before a fault are kept.
 void DTDReader::readAttlist()
 {
     if (!readNames()) {
@@ -301,8 +301,8 @@ bool DTDReader::readAttribute()
     return true;
 }
 
-// Returns the type of an attribute: an enumeration, or text for all other types. A list of notations is passed over,
-// because notations are no data.
+// Returns the type of an attribute: an enumeration, or text for all other types. A list of notations is skipped,
+// because it has no effect on types.
 SourceTypes::Type DTDReader::readAttributeType(std::string_view attribute)
 {
     if (tokens->token().isMark('('))
@@ -341,8 +341,8 @@ void DTDReader::readDefault()
         tokens->next();
     if (isReserved && !isFixed)
         return;
-    // XML wants a literal (XML 1.0, production [60]), SGML also allows a word.
-    // A word after a missing entity is the next attribute, because the entity may have held the default.
+    // XML requires a literal (XML 1.0, production [60]), SGML also allows a word. A word after a missing entity counts
+    // as the next attribute, because the entity may have held the default.
     const bool isWord = token.kind == DTDTokens::tokenWord && !token.followsUnknown;
     if (!isWord && token.kind != DTDTokens::tokenLiteral)
         return;

@@ -7,12 +7,12 @@
 /// Reads the declarations of a DTD and makes types from them. An element with children or attributes is a record, its
 /// children and attributes are the fields. The first declaration of a name takes precedence.
 ///
-/// Several DTDs share one reader: call read() for each, then finish() once. Names are views of their texts, so these
-/// must live until finish() returns; the tokens of a DTD need not.
+/// Several DTDs share one reader: call read() for each, then finish() once. Names are views of the texts of the DTDs,
+/// so these must live until finish() returns. The tokens of a DTD need not.
 class DTDReader
 {
 public:
-    /// Both must outlive this object. `types` gets records and candidates in finish(), enumerations already in read().
+    /// Both must outlive this object. read() adds enumerations to `types`, finish() adds records and candidates.
     DTDReader(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
     /// Reads one DTD. Further calls add further DTDs of the same set. Malformed declarations are reported and skipped.
@@ -29,15 +29,15 @@ private:
     using Index = SourceTypes::Index;
     using Handler = void (DTDReader::*)();
 
-    // How a kind of declaration is read. The function leaves the token after what it understood; readDeclaration()
-    // skips the rest.
+    // A kind of declaration, and the function that reads it. The function stops at the first token that it doesn't
+    // understand; readDeclaration() skips the rest.
     struct Declaration
     {
         std::string_view keyword;
         Handler read;
     };
 
-    // A name of an element: declared, referred to or with attributes. Its children are `contentCount` entries of
+    // An element that is declared, referred to, or has attributes. Its children are `contentCount` entries of
     // `contents` from `firstContent` on, which the other elements of the same declaration share. Attributes form a list
     // through Attribute::next, because several ATTLISTs may add to it.
     struct Element
@@ -59,8 +59,8 @@ private:
         std::string_view queryName() const { return name; }
     };
 
-    // Attributes of all elements share one table. The factor of the hash is the usual multiplier of Fibonacci hashing:
-    // it spreads the small numbers of elements over all bits.
+    // Attributes of all elements share one table. The factor is the multiplier of Fibonacci hashing, which spreads the
+    // small numbers of elements over all bits.
     struct AttributeKey
     {
         Index element;
@@ -70,7 +70,7 @@ private:
         friend std::size_t keyHash(const AttributeKey& key) { return ::keyHash(key.name) ^ key.element * 0x9E3779B1u; }
     };
 
-    // An attribute of an element. Its field is named later, when the record is made.
+    // An attribute of an element. finish() names its field.
     struct Attribute
     {
         AttributeKey key;
@@ -81,7 +81,7 @@ private:
         AttributeKey queryKey() const { return key; }
     };
 
-    // By keyword; others are unknown statements.
+    // The known declarations; all others are unknown statements.
     static const Declaration kDeclarations[];
 
     void readDeclaration();
@@ -91,8 +91,8 @@ private:
     bool readExternalId(std::string_view& publicId, std::string_view& systemId);
     void readNotation();
     void readDoctype();
-    // The read functions take tokens from the current one on, and leave the first that they don't understand. Those
-    // that return bool return false for a fault.
+    // The read functions read from the current token on, and stop at the first one that they don't understand. Those
+    // that return bool return false for a fault, except readMark().
     bool readNames();
     bool readNameGroup();
     SourceReport::Component enterComponent(std::span<const std::string_view> elementNames);
@@ -131,7 +131,7 @@ private:
     ContentModel model;                       // of the current declaration; its names are indices of `elements`
     CancelPoint cancelPoint{4096};            // passed at each field
     std::vector<std::string_view> names;      // the names that the current declaration is for
-    std::vector<std::string_view> components; // in the report: lists of names, each ended by an empty one
+    std::vector<std::string_view> components; // of the report: lists of names, each ended by an empty one
     std::vector<std::string_view> constants;  // of the current attribute; a buffer
     bool isNoted = false;                     // the current declaration has been reported
 };

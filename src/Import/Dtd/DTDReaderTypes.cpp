@@ -2,7 +2,7 @@
 #include "Import/Dtd/DTDReader.h"
 
 // Adds all records before the first field, because a field names the record of its element, which may be declared
-// later. An element that is only referred to becomes text, and is reported. Declared elements come in the order of
+// later. An element that is only referred to becomes text and is reported. Declared elements come in the order of
 // declaration, which decides between equal candidates for the main type; the others follow.
 void DTDReader::finish(std::span<const Index> sources, std::span<const CString> roots)
 {
@@ -34,8 +34,8 @@ void DTDReader::finish(std::span<const Index> sources, std::span<const CString> 
         }
 }
 
-// Returns for each element whether a root contains it, directly or indirectly; true for all if there are no roots.
-// A root that the DTD doesn't mention is passed over: choosing the main types reports it.
+// Returns for each element whether a root contains it, directly or indirectly; true for all if there are no roots. A
+// root that the DTD doesn't mention is skipped here; RootNames::find() refuses it.
 std::vector<bool> DTDReader::findReached(std::span<const CString> roots) const
 {
     std::vector<bool> isReached(elements.size(), roots.empty());
@@ -73,8 +73,8 @@ SourceTypes::Type DTDReader::typeOf(const Element& element) const
     return {SourceTypes::kindRecord, element.record};
 }
 
-// Makes the fields of a record: text, children, attributes. `fields` is a buffer, so its memory is reused. Names of
-// attributes are joined only here, for elements that have a record.
+// Makes the fields of a record: text, children, attributes. `fields` is a buffer whose memory is reused. Names of
+// attributes are joined only here, because only records need them.
 void DTDReader::makeFields(const Element& element, std::vector<SourceTypes::Field>& fields)
 {
     fields.clear();

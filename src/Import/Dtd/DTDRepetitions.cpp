@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
-// Only declarations around suspicious mentions are read again, each once, so a DTD without repetitions costs nothing.
+// Only declarations around the added fields are read again, each once, so a DTD without repetitions costs nothing.
 // Statements of the literal reading may span several declarations. A mention is therefore looked up by its place among
 // the real declarations, which begin at a '<'.
 namespace {
@@ -21,7 +21,7 @@ void DTDRepetitions::reportAll(const TypeModel& model, TextPlaces& places, Sourc
     for (const auto& [element, record, place, isMarked, attribute] : fields) {
         const bool staysSingle = inModel.staysSingle(*element, record->queryNumber());
         const bool repeats = isMarked || mayRepeat(place);
-        // Where the single occurrence stands: that of the attribute, if the DTD repeats the child of the same name.
+        // The place of what occurs once in the DTD: this mention, or, if it repeats, the attribute of the same name.
         const std::size_t single = repeats ? attribute : place;
         if (staysSingle && repeats)
             report.add(SourceReport::repetitionSkipped, places.at(place), element->queryName());
@@ -42,8 +42,8 @@ bool DTDRepetitions::mayRepeat(std::size_t place)
     return std::prev(found)->second.repeated.contains(dtdNameAt(text.substr(place)));
 }
 
-// Reads the content model of the declaration at `start`, leniently: unknown characters are passed over, and missing ')'
-// are added at the end. Without the keyword it has no names.
+// Reads the content model of the declaration at `start`, leniently: unknown characters are skipped, and missing ')' are
+// added at the end. Without the keyword, the result has no names.
 DTDRepetitions::Declaration DTDRepetitions::read(std::size_t start)
 {
     Declaration made{std::min(text.find('<', start + 1), text.size()), {}};

@@ -20,7 +20,7 @@ public:
     /// A field that a record mentions again, or with a mark that repeats it.
     struct Field
     {
-        const Element* element; ///< of the model, which must outlive the report, like `record`
+        const Element* element; ///< this and `record` belong to the model, which must live until reportAll() returns
         const Element* record;
         std::size_t place; ///< offset of the name in the text
         bool isMarked;
@@ -30,12 +30,12 @@ public:
     /// Adds a field for reportAll(), in the order in which records are declared.
     void add(const Field& field) { fields.push_back(field); }
 
-    /// Reports the fields that repeat and stay single, and those that don't repeat and became tables, or a part of one.
-    /// Call it once, after all elements are declared.
+    /// Reports the fields that repeat but stay single, and those that don't repeat but become tables. Call it once,
+    /// after all elements are declared.
     void reportAll(const TypeModel& model, TextPlaces& places, SourceReport& report);
 
 private:
-    // What an ELEMENT declaration says of repetitions.
+    // The repetitions of an ELEMENT declaration.
     struct Declaration
     {
         std::size_t end;                               // at the next '<', because statements may run beyond their '>'
@@ -46,7 +46,7 @@ private:
     Declaration read(std::size_t start);
 
     std::string_view text;
-    std::deque<Field> fields;                        // not a vector, which copies its many elements while it grows
+    std::deque<Field> fields;                        // not a vector, which would copy its many elements as it grows
     ContentModel content;                            // reused for each declaration
     std::map<std::size_t, Declaration> declarations; // by start
 };

@@ -21,10 +21,9 @@ constexpr std::array<unsigned char, 256> shiftsOf(std::string_view word)
     return shifts;
 }
 
-// Searches visit nearly the whole text, since each looks for the next keyword anywhere. Skipping by the last character
-// looks at one byte in several.
-//
-// `word` is in upper case.
+// Returns the position of `word`, which is in upper case, in any letter case; kNowhere if there is none. Searches cover
+// nearly the whole text, because each one looks for the next keyword anywhere. Shifting by the last character skips
+// most bytes.
 std::size_t findWord(std::string_view text, std::size_t from, std::string_view word,
                      const std::array<unsigned char, 256>& shifts)
 {
@@ -59,14 +58,14 @@ std::size_t skipWhitespace(std::string_view text, std::size_t from)
     return kDtdBlank.out(text, from);
 }
 
-// Other white space inside a name belongs to it; the caller trims the ends.
+// Other white space belongs to the name; the caller trims its ends.
 std::size_t findNameEnd(std::string_view text, std::size_t from)
 {
     static constexpr CharSet ends(" (");
     return ends.in(text, from);
 }
 
-// The index is complete after the first call, because later calls may ask for any offset.
+// The first call builds the whole index, because later calls may have any offset.
 SourcePlace TextPlaces::at(std::size_t offset)
 {
     // Returns the line of `end`, given that of `from`.
@@ -86,8 +85,8 @@ SourcePlace TextPlaces::at(std::size_t offset)
     return {0, line.number, static_cast<std::uint32_t>(offset - line.start + 1)};
 }
 
-// One pass. A mark belongs to every ')' since the last separator or mark, whatever parentheses lie between: in
-// "(a)(b)*" to both. `unmarked` passes over each ')' once, so this stays linear.
+// One pass. A mark belongs to every ')' since the last separator or mark, whatever parentheses are between: in
+// "(a)(b)*" it belongs to both. `unmarked` passes over each ')' once, so this stays linear.
 DTDGroups::DTDGroups(std::string_view text)
 {
     static constexpr CharSet structure("()*+,|&");
@@ -115,8 +114,8 @@ DTDGroups::DTDGroups(std::string_view text)
     }
 }
 
-// A statement may be cut inside a group, or lack its ')'. The group then ends at the last ')' that there is, not at the
-// end of the statement: the types of existing documents depend on that.
+// A statement may end inside a group, or lack its ')'. The group then ends at the last ')' in the statement, because
+// existing documents depend on that.
 const DTDGroups::Close* DTDGroups::closeOf(std::size_t index, std::size_t end) const
 {
     const Group& group = groups[index];
@@ -125,7 +124,7 @@ const DTDGroups::Close* DTDGroups::closeOf(std::size_t index, std::size_t end) c
     return lastBetween(group.open, end);
 }
 
-// A binary search, because statements overlap and each would walk over the same ')'.
+// A binary search, because overlapping statements would all walk over the same ')'.
 const DTDGroups::Close* DTDGroups::lastBetween(std::size_t start, std::size_t end) const
 {
     const auto behind = std::ranges::lower_bound(closes, end, {}, &Close::at);

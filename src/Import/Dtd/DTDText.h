@@ -107,14 +107,14 @@ private:
         std::uint32_t number;
     };
 
-    static constexpr std::size_t kBlock = 1024; // bytes; an index by line took 8 bytes for each line of a DTD
+    static constexpr std::size_t kBlock = 1024; // bytes; an index of all lines took 8 bytes for each
 
     std::string_view text;
     std::vector<Line> lines; // by block
 };
 
 /// The parentheses of a text, matched once for all its content models. Statements of the literal reading may overlap,
-/// so each matching its own parentheses would take quadratic time.
+/// so matching the parentheses of each by itself would take quadratic time.
 class DTDGroups
 {
 public:

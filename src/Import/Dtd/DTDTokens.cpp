@@ -4,15 +4,15 @@
 
 #include <algorithm>
 
-// A stack of frames replaces copying: a reference pushes the text of its entity, and the end of a text pops it. Nothing
-// is expanded into a buffer, so tokens are views, and a construct's place is that in its own file.
+// A reference pushes the text of its entity on a stack of frames, and the end of a text pops it. Nothing is expanded
+// into a buffer, so tokens are views, and a construct's place is that in its own file.
 //
 // A declaration may end in a text that a reference in it has opened, but not after the text in which it began: the end
-// of that text is tokenMissing. XML requires this nesting (XML 1.0, 2.8, "Proper Declaration/PE Nesting"), and a
-// missing '>' in a module thus doesn't take declarations of the DTD that refers to it.
+// of that text is tokenMissing. XML requires this nesting (XML 1.0, 2.8, "Proper Declaration/PE Nesting"). A missing
+// '>' in a module thus doesn't affect declarations of the DTD that refers to it.
 //
-// Reading is linear in the texts. Searches for an end that may be missing (of a comment, a literal) remember a failure
-// in the frame.
+// Reading is linear in the texts. A failed search for the end of a comment or literal is noted in the frame and not
+// repeated.
 namespace {
 
 constexpr CharSet kMarkup("%<]");
@@ -41,8 +41,8 @@ void DTDTokens::pop()
     frames.pop_back();
 }
 
-// Returns the place of the frame's position. A composed text has bytes that stand nowhere in a file, so the place of
-// its declaration's literal is used for everything in it.
+// Returns the place of the frame's position. A composed text has bytes that are in no file, so the place of its
+// declaration's literal is used for everything in it.
 SourcePlace DTDTokens::placeIn(Frame& frame) const
 {
     if (frame.text->isComposed)
@@ -68,7 +68,7 @@ SourcePlace DTDTokens::wordPlace()
     return place;
 }
 
-// Looks at the current text only, so that peeking never opens an entity.
+// Reads the current text only, so that peeking never opens an entity.
 bool DTDTokens::peek(char c) const
 {
     const std::string_view rest = frames.back().rest();
@@ -76,7 +76,7 @@ bool DTDTokens::peek(char c) const
     return at != kNowhere && rest[at] == c;
 }
 
-// Only the main text counts as progress: how much text the entities will add is unknown until they are read.
+// Only the main text counts as progress, because the size of the entities is unknown until they are read.
 bool DTDTokens::nextDeclaration()
 {
     meter.step(static_cast<std::uint64_t>(frames.front().at - frames.front().text->text.data()));
@@ -190,8 +190,8 @@ void DTDTokens::skipInstruction()
     frame.at += at + isClosed;
 }
 
-// Reads the start of a conditional section (XML 1.0, productions [61] to [65]). The contents of an included one are
-// read on, also if the key is unknown; an ignored one is skipped with its nested sections. SGML allows several
+// Reads the start of a conditional section (XML 1.0, productions [61] to [65]). The contents of an included section, or
+// of one with an unknown key, are read next. An ignored section is skipped with its nested ones. SGML allows several
 // keywords, of which IGNORE takes precedence.
 void DTDTokens::readSection()
 {
@@ -242,7 +242,7 @@ void DTDTokens::skipSection()
         report.add(SourceReport::unterminated, declaration, "section");
 }
 
-// Polls for cancellation itself, because a single declaration can be as long as the DTD.
+// Checks for cancellation, too, because a single declaration can be as long as the DTD.
 const DTDTokens::Token& DTDTokens::next()
 {
     current.followsUnknown = false;
@@ -348,13 +348,14 @@ void DTDTokens::readWord(Kind kind)
     frame.at += current.text.size();
 }
 
-// Reads a literal. If its second quote is missing, the quote becomes a mark, which no declaration expects, and the text
-// after it is read as tokens. So outside of entities a lost quote costs one declaration, not all up to the next quote.
+// Reads a literal. If its second quote is missing, the first becomes a mark, which no declaration expects, and the text
+// after it is read as tokens. So outside of entities a missing quote costs one declaration, not all up to the next
+// quote.
 void DTDTokens::readQuoted(char quote)
 {
     Frame& frame = frames.back();
     bool& hasQuote = frame.hasQuote[quote == '"'];
-    // Finding a place counts lines, and only values of entities need one.
+    // Only for values of entities, because finding a place counts lines.
     if (mayHoldMarkup) {
         literal = placeIn(frame);
         literal.column += !frame.text->isComposed;

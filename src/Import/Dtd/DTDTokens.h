@@ -7,8 +7,7 @@
 /// references to parameter entities. Understands XML and SGML (ISO 8879) side by side.
 ///
 /// The caller alternates nextDeclaration() and next() up to the declaration's end. Views in tokens point into the texts
-/// of the entities, and stay valid as long as those. Nothing throws, except for the bounds of DTDEntities and
-/// Cancelled.
+/// of the entities, and are valid as long as those. Throws SourceRefusal at the bounds of DTDEntities, and Cancelled.
 class DTDTokens
 {
 public:
@@ -23,12 +22,12 @@ public:
         tokenMark      ///< any other character, in `mark`
     };
 
-    /// A token. `text` and `mark` are those of an earlier token if the kind has none.
+    /// A token. If its kind has no text or no mark, `text` or `mark` is that of an earlier token.
     struct Token
     {
         Kind kind = tokenMissing;
         char mark = '\0';
-        bool followsUnknown = false; ///< a missing entity came before it, which may have held any tokens
+        bool followsUnknown = false; ///< it follows a missing entity, which may have held any tokens
         std::string_view text;
 
         bool isMark(char c) const { return kind == tokenMark && mark == c; }
@@ -67,8 +66,9 @@ public:
     /// Returns the current token, as next() has read it.
     const Token& token() const { return current; }
 
-    /// Reads the next token of the declaration; stays at its end. Literals may hold markup only in declarations of
-    /// entities; elsewhere a '<!' in a literal means that its second quote is missing.
+    /// Reads the next token of the declaration. Not to be called after tokenEnd; tokenMissing is returned again.
+    /// Literals may hold markup only in declarations of entities; elsewhere a '<!' in a literal means that its second
+    /// quote is missing.
     const Token& next();
 
     /// From now on, a '<!' in a literal of the current declaration means that its second quote is missing.
@@ -124,8 +124,8 @@ private:
     DTDEntities& entityTable;
     SourceReport& report;
     std::vector<Frame> frames;
-    std::size_t base = 0; // number of frames when the declaration began; it ends with the last of them at the latest
-    std::size_t sections = 0; // number of open sections; not by frame, so a section may end in another text
+    std::size_t base = 0;     // number of frames when the declaration began, see next()
+    std::size_t sections = 0; // number of open sections in all frames, so a section may end in another text
     std::vector<std::string_view> sectionEntities;
     bool hasReadSection = false; // a section with an entity as key has been read
     // The state of a main text that is a document: `inBrackets` while its internal subset is read, `ended` after its
@@ -136,7 +136,7 @@ private:
         ended,
         inBrackets
     } doctype = none;
-    std::string_view externalEntity;           // made for the DTD that the DOCTYPE names; "" if none
+    std::string_view externalEntity;           // the entity made for the DTD that the DOCTYPE names; "" if none
     SourcePlace declaration, literal, section; // `section`: of the outermost open section
     std::string_view word;
     Token current;
