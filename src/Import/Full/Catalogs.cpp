@@ -11,15 +11,14 @@
 #include <sstream>
 
 // load() reads a catalogue as a stream, and queues its references to others: catalogues may refer to each other in
-// cycles, and reading inside a handler would recurse as deep as they chain. Each file is one catalogue, whatever names
-// lead to it.
+// cycles, and reading one inside a handler would recurse. Each file is one catalogue, whatever its names.
 //
-// A lookup follows the sections on resolution in the standard. A prefix or suffix is found by hash, once for each
-// length that keys of this kind have, longest first, so it takes no walk over the entries.
+// A lookup follows the sections on resolution in the standard. Prefixes and suffixes are looked up by hash, once for
+// each length that keys of this kind have, longest first, instead of comparing all entries.
 namespace {
 
 constexpr std::size_t kMaxCatalogs = 1'000;       // also bounds the recursion of lookUpDelegates()
-constexpr std::size_t kLongestIdentifier = 4'096; // bytes; a lookup hashes up to one prefix for each length
+constexpr std::size_t kLongestIdentifier = 4'096; // bytes; a lookup hashes up to one prefix of each length
 constexpr std::uint32_t kNoCatalog = ~0U;
 
 constexpr std::string_view kSpace = "urn:oasis:names:tc:entity:xmlns:xml:catalog";
@@ -110,7 +109,7 @@ private:
     bool hasCatalogRoot = false;
 };
 
-// The parser calls this before startElement(), which gets no namespace of its own.
+// The parser calls this before startElement(), which does not get the namespace.
 void CatalogReader::scope(const XmlScope& scope)
 {
     isInCatalogNamespace = scope.uri && scope.uri == kSpace;
@@ -127,7 +126,7 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
         std::string_view key;
         std::string_view target;
     };
-    // The attributes of an entry: the text to compare with, and where it leads.
+    // The attributes of an entry: the text to compare with, and its target.
     static constexpr Row kRows[] = {
         {"public", Kind::publicIdentifier, "publicId", "uri"},
         {"system", Kind::system, "systemId", "uri"},
@@ -144,7 +143,7 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
     Level level = open.back();
     if (open.size() == 1)
         hasCatalogRoot = isInCatalogNamespace && name.local == std::string_view("catalog");
-    // xml:base and prefer also apply to the element that has them, and to those in it.
+    // xml:base and prefer apply to the element that has them, and to those inside it.
     if (const std::string_view base = attributes.valueOf("base", true); !base.empty()) {
         const CString path = localPath(base);
         if (path.empty())
@@ -168,7 +167,7 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
 
 // Adds an entry. The first one for a key takes precedence. The target of a rewrite may be empty: the rest of the
 // identifier is then relative to the base. References to catalogues are queued, because reading one here would move the
-// tables.
+// tables that are in use.
 void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& target)
 {
     const bool isNext = kind == Catalogs::nextCatalog;
@@ -211,7 +210,7 @@ CString Catalogs::pathOf(const CString& reference, const Base& base)
     return base ? *base + path : CString();
 }
 
-// The queue grows while it is worked off, until all catalogues that can be reached are known.
+// Reading adds to the queue, until all catalogues that can be reached are known.
 void Catalogs::load(const CString& fileName)
 {
     const auto id = identify(fileName);
@@ -221,9 +220,8 @@ void Catalogs::load(const CString& fileName)
     waiting.clear();
 }
 
-// Reads one catalogue, unless it is known, and returns its number. `named` is null for a given catalogue; for another
-// one kNoCatalog is returned if it can't be read, which the report says. The caller's own catalogue must be readable,
-// while a broken reference only costs what it would have found.
+// Reads one catalogue, unless it is known, and returns its number. `named` is null for a catalogue of the caller, which
+// must be readable. For any other one that can't be read, reports that and returns kNoCatalog.
 std::uint32_t Catalogs::read(const FoundFile& file, const Named* named)
 {
     const auto number = static_cast<std::uint32_t>(catalogs.size());
@@ -252,7 +250,7 @@ std::uint32_t Catalogs::read(const FoundFile& file, const Named* named)
         report.add(SourceReport::moduleIllFormed,
                    {reportFile, static_cast<std::uint32_t>(fault.line), static_cast<std::uint32_t>(fault.column)},
                    fault.reason + " (named in " + placeInWords(report.fileNameOf(from), line, column) + ")");
-    // It keeps its number, because `known` holds it.
+    // The catalogue stays, but empty, because `known` has its number.
     catalogs.back() = {};
     return kNoCatalog;
 }
@@ -263,7 +261,7 @@ void Catalogs::readNamed(const Named& named)
     const CString path = pathOf(named.reference, named.base);
     if (path.empty())
         return report.add(SourceReport::moduleRemote, named.place, named.reference);
-    // In any letter case, as other files that a source names.
+    // In any letter case, like other files that a source names.
     const auto file = finder.find({}, path);
     if (!file)
         return report.add(SourceReport::moduleMissing, named.place, named.reference);
@@ -277,7 +275,7 @@ void Catalogs::readNamed(const Named& named)
         from.tables[named.kind].entries[named.key].catalog = catalog;
 }
 
-// A system identifier that is a URN of a public one stands for it, and is not looked up as a system identifier.
+// A system identifier that is the URN of a public one is looked up as that instead.
 std::optional<CString> Catalogs::findExternal(std::string_view publicId, std::string_view systemId) const
 {
     if (isPublicUrn(systemId))
@@ -309,8 +307,8 @@ std::optional<CString> Catalogs::lookUpAll(Lookup lookup) const
     return lookUp({mainCatalogs.rbegin(), mainCatalogs.rend()}, lookup);
 }
 
-// Searches catalogues, the last one first, and after each its next catalogues. `open` is a stack, so that the
-// catalogues which a catalogue refers to are searched before its siblings, as the standard orders them.
+// Searches catalogues, the last one first, and after each its next catalogues. `open` is a stack, so that the next
+// catalogues of a catalogue are searched before its siblings, in the order of the standard.
 std::optional<CString> Catalogs::lookUp(std::vector<std::uint32_t> open, Lookup& lookup) const
 {
     while (!open.empty()) {
@@ -330,8 +328,8 @@ std::optional<CString> Catalogs::lookUp(std::vector<std::uint32_t> open, Lookup&
 }
 
 // Searches one catalogue in the standard's order: exact matches, then the longest prefix or suffix, then delegates;
-// system identifiers before public ones. An entry for a public identifier applies beside a system identifier only if
-// `prefer` is public there.
+// system identifiers before public ones. If there is a system identifier, too, an entry for a public one applies only
+// if `prefer` is public there.
 std::optional<CString> Catalogs::lookUpOne(const Catalog& catalog, Lookup& lookup) const
 {
     const auto& tables = catalog.tables;
@@ -381,7 +379,7 @@ std::optional<CString> Catalogs::lookUpSuffix(const Table& table, std::string_vi
 }
 
 // Searches the delegates that match, the longest prefix first. If one matches, only delegates are searched from then
-// on, also if they find nothing. This recurses at most once for each catalogue, because none is visited twice.
+// on, even if they find nothing. The recursion is bounded by the number of catalogues, because none is visited twice.
 std::optional<CString> Catalogs::lookUpDelegates(const Table& table, std::string_view text, Lookup& lookup,
                                                  bool isPublic) const
 {

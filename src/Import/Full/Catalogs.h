@@ -10,7 +10,7 @@
 #include <unordered_map>
 
 /// Returns `files`, then the readable catalogues that the environment variable XML_CATALOG_FILES names, by their paths.
-/// environmentCatalogErrors() says which ones are left out.
+/// environmentCatalogErrors() returns the others.
 std::vector<CString> withEnvironmentCatalogs(std::vector<CString> files);
 
 /// Returns a line for each catalogue of the environment that can't be read: the variable, the catalogue and the reason.
@@ -18,7 +18,7 @@ std::vector<CString> environmentCatalogErrors();
 
 /// XML Catalogs (OASIS Standard 1.1, 2005): map public and system identifiers and URIs to local files. Nothing is
 /// fetched over a network. Only the given catalogues and those that they refer to are read; at most 1,000 catalogues
-/// with 100,000 entries. Each import makes its own, so that changed catalogues are read again.
+/// with 100,000 entries. Each import makes a new object, so that changed catalogues are read again.
 class Catalogs
 {
 public:
@@ -59,11 +59,11 @@ private:
         kindCount
     };
 
-    // The folder of relative references, from xml:base or the catalogue's own place, with a slash at the end; nothing:
-    // a remote location.
+    // The folder of relative references, from xml:base or of the catalogue, with a slash at the end. No value for a
+    // remote location.
     using Base = std::optional<CString>;
 
-    // Where an entry leads. Its key is in the table.
+    // The target of an entry. Its key is in the table.
     struct Entry
     {
         CString target; // as written
@@ -79,7 +79,7 @@ private:
         std::set<std::size_t, std::greater<>> lengths; // lengths of the keys, longest first
     };
 
-    // One file. Tables by Kind; that of nextCatalog stays empty, because these have no key.
+    // One file. Its tables are by Kind; that of nextCatalog stays empty, because these entries have no key.
     struct Catalog
     {
         std::array<Table, kindCount> tables;

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-// Nothing is added to a name inside a repeating group when the group ends: groups could nest as deep as the text is
-// long, and each end would visit all names in it. Instead `groupsBegin` notes where repeating groups begin and end, and
-// finish() sums it up in one pass. All steps together are linear in the content, apart from the binary search of
+// The end of a repeating group doesn't mark its names, because groups can nest as deep as the text is long, and each
+// end would visit all names in its group. Instead `groupsBegin` stores where repeating groups begin and end, and
+// finish() adds that up in one pass. All steps together are linear in the content, apart from the binary search of
 // canFollow().
 void ContentModel::clear()
 {
@@ -26,7 +26,7 @@ void ContentModel::endGroup(bool repeats)
 }
 
 // A name has one entry in a content, however often it occurs. Stamps mark the entries of the current content, so
-// nothing has to be cleared for the next one.
+// nothing needs to be cleared for the next one.
 void ContentModel::add(std::uint32_t name, bool repeats)
 {
     if (name >= stamp.size()) {

@@ -8,12 +8,12 @@
 
 /// Flattens one content model: collects its names in order of first occurrence, and finds those that may occur more
 /// than once. A name repeats if it or a group around it has a repeating mark, or if it occurs twice and both can be
-/// present. Readers add groups and names in document order. Names are numbers from 0, as dense as possible, because the
-/// memory grows with the largest. One object serves all content models of a source, and reuses its memory.
+/// present. Readers add groups and names in document order. Names are numbers from 0. The memory grows with the
+/// largest. One object serves all content models of a source, and reuses its memory.
 class ContentModel
 {
 public:
-    /// How the parts of a group combine. Only in a choice they exclude each other.
+    /// How the parts of a group combine. They exclude each other only in a choice.
     enum Group : std::uint8_t
     {
         undecided, ///< decided by its first connector; a sequence until then

@@ -10,8 +10,8 @@ void DocumentLinks::add(Index document, Index other)
     named[document].push_back(other);
 }
 
-// In a cycle another document refers to each one, but one of them must be read. So components are tested, and the first
-// given document stands for its component.
+// Each document of a cycle is referred to by another one, but one of them must be a top. So strongly connected
+// components are tested, and the first given document of one represents it.
 std::vector<std::size_t> DocumentLinks::findTops(std::span<const Index> given) const
 {
     const std::size_t last = given.empty() ? 0 : std::ranges::max(given);

@@ -16,8 +16,8 @@ public:
     void add(Index document, Index other);
 
     /// Returns the positions in `given`, in order, of the documents that no document outside of their own cycle refers
-    /// to. Of the documents in a cycle, only the first one is returned. A reference through documents that are not
-    /// given counts, too.
+    /// to. Of the documents in a cycle, only the first one is returned. References through documents that are not given
+    /// count, too.
     std::vector<std::size_t> findTops(std::span<const Index> given) const;
 
     /// The links as a graph, see StrongComponents: the number of a document's links, and the document at the end of

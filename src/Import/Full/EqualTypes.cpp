@@ -9,9 +9,9 @@
 #include <set>
 #include <utility>
 
-// Enumerations are compared first, because they hold no types. Records are then split into classes until no field tells
-// two records of a class apart. Texts and numbers are compared by 64-bit hashes with a secret seed, so that a source
-// can't make different types seem equal.
+// Enumerations are compared first, because they contain no types. Records are then split into classes until the fields
+// of all records of a class are equal. Texts and numbers are compared by 64-bit hashes with a secret seed, so that a
+// source can't make different types seem equal.
 namespace {
 
 using Index = SourceTypes::Index;
@@ -54,7 +54,7 @@ std::vector<Index> firstEnumerations(const SourceTypes& types)
     return all;
 }
 
-// Returns the signature of a record without the records that its fields hold: those are told apart by their classes. An
+// Returns the signature of a record without the records in its fields, which are distinguished by their classes. An
 // enumeration counts as the first one equal to it.
 std::uint64_t signatureOf(const SourceTypes& types, Index record, const std::vector<Index>& enumerations)
 {
@@ -105,7 +105,7 @@ std::vector<Index> firstRecords(const SourceTypes& types, const std::vector<Inde
             parts[{classes[record], sums[record]}].insert(record);
         for (auto& [key, part] : parts) {
             const Index from = classes[*part.begin()], to = static_cast<Index>(members.size());
-            // All records of the class have changed alike.
+            // All records of the class have changed in the same way.
             if (part.size() == members[from].size())
                 continue;
             for (const Index record : part)
@@ -116,8 +116,8 @@ std::vector<Index> firstRecords(const SourceTypes& types, const std::vector<Inde
                 classes[record] = to;
                 for (const auto& [user, place] : uses[record]) {
                     cancelPoint.pass();
-                    // A sum can be updated without looking at the user's other fields. The place in it tells fields
-                    // apart that swap their types.
+                    // A sum is updated without visiting the user's other fields. It includes the place, so that two
+                    // fields with swapped types give another sum.
                     sums[user] += RunningHash::of(place | to) - RunningHash::of(place | from);
                     changed.push_back(user);
                 }
@@ -163,7 +163,7 @@ EqualTypes::EqualTypes(const SourceTypes& types) :
     enumerations(firstEnumerations(types)), records(firstRecords(types, enumerations))
 {}
 
-// Both lists are found before anything moves, because a record is compared by the enumerations that it uses.
+// Both lists are computed before anything moves, because records are compared by the enumerations that they use.
 void mergeEqualTypes(SourceTypes& types, std::vector<Index>& records)
 {
     const EqualTypes equal(types);

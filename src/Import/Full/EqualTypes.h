@@ -16,6 +16,5 @@ struct EqualTypes
 };
 
 /// Merges equal types of several namespaces into one, in the folder `common`. `records` are indices of records and are
-/// updated; other indices that the caller has are invalid afterwards. Equal types that all are in one namespace stay
-/// apart.
+/// updated; other indices that the caller has are invalid afterwards. Equal types in a single namespace stay separate.
 void mergeEqualTypes(SourceTypes& types, std::vector<SourceTypes::Index>& records);

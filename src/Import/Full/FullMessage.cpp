@@ -20,7 +20,7 @@
 // - mergeEqualTypes() joins equal types of several namespaces, which changes indices.
 // - RecordOrder selects the records to import, and puts components before their users.
 // - SourceNames makes names unique, and turns repeated fields into tables.
-// - The declare functions put the types into the model, in that order. Nothing refers to a name before it is final.
+// - The declare functions add the types to the model, in that order, under their final names.
 namespace {
 
 // Returns the file's name without folder and suffix, as an XML name.
@@ -170,7 +170,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     for (const Index record : main.records)
         order.visit(record);
     visitChoices(types, order);
-    // Without requested types all are imported, after those that the main types reach.
+    // Without requested types, all types are imported, after those that the main types reach.
     for (Index record = 0; !main.isRequested && record < types.records.size(); ++record)
         order.visit(record);
     SourceNames names(types, report);
@@ -188,7 +188,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         declaring.pathNames.push_back(&declaring.names.intern(path));
     // Each field may hold the path of its type.
     types.spend(std::ranges::max(declaring.paths, {}, &CString::size).size() * types.fieldCount());
-    // A named type is imported even if no field has it. Records declare the enumerations of their fields themselves.
+    // A named enumeration is imported even if no field uses it. declareRecord() declares those that fields use.
     for (Index enumeration = 0; !main.isRequested && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
             declareEnumeration(declaring, enumeration);
@@ -262,7 +262,7 @@ std::vector<SourceTypes::Index> FullMessage::chooseCandidates(const SourceTypes&
     areRequested = !roots.empty() || !chosen.empty();
     MainElement choice(types);
     std::vector<Index> offered;
-    // All sources are asked for their candidates, even if the main types are requested, because the wizard offers them.
+    // The candidates of all sources are collected even if main types are requested, because the wizard offers them.
     for (Index source = 0; source <= furtherFiles.size(); ++source) {
         const std::vector<Index> all = choice.choose(source == 0 ? fileName : furtherFiles[source - 1], source);
         offered.insert(offered.end(), all.begin(), all.end());
@@ -293,7 +293,7 @@ SourceTypes::Index FullMessage::recordOf(SourceTypes& types, Index candidate)
     return record;
 }
 
-// Declares a type, which no record contains. Its usage key only has to differ from those of other types.
+// Declares a type as a top-level element. Its usage key only needs to differ from those of other types.
 Element* FullMessage::declareType(Declaring& declaring, Index space, std::string_view name,
                                   std::string_view description, Element::ElementTypes type)
 {
@@ -338,7 +338,7 @@ void FullMessage::declareRecord(Declaring& declaring, Index index)
     }
 }
 
-// Constants are children with the path of the enumeration; their type has no meaning.
+// Constants are children with the path of the enumeration. Their element type is not used.
 void FullMessage::declareEnumeration(Declaring& declaring, Index index)
 {
     if (declaring.enumerations[index])
@@ -390,7 +390,7 @@ Name& FullMessage::typeName(Declaring& declaring, SourceTypes::Type type)
         return declaring.fullName(space, types.enumerations[type.index].name);
     if (type.kind == SourceTypes::kindTable)
         return declaring.fullName(space, types.tables[type.index].name);
-    // Most references are to records, whose full name is joined and looked up once.
+    // Most references are to records, so each full name of a record is joined and looked up once.
     Name*& known = declaring.recordNames[type.index];
     if (!known)
         known = &declaring.fullName(space, types.records[type.index].name);

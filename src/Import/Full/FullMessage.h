@@ -10,8 +10,8 @@
 /// declarations of its source in read(). This class gives them their names, chooses the main type and declares all
 /// types in the model.
 ///
-/// The settings hold for all following imports. The results, from querySectionEntities() to queryMainTypes(), are those
-/// of the last one, and empty after one that was cancelled.
+/// The settings apply to all following imports. The results, from querySectionEntities() to queryMainTypes(), are those
+/// of the last import; they are empty if it was cancelled.
 class FullMessage : public MsgBase
 {
 public:
@@ -28,8 +28,8 @@ public:
     /// Returns the first of the requested main types; empty if there are none.
     CString queryRoot() const { return roots.empty() ? CString() : roots.front(); }
 
-    /// Returns a new importer with the same settings and no import yet; entities are not among them. The wizard uses it
-    /// to try another main type without losing the current result.
+    /// Returns a new importer with the same settings, except entities, that has imported nothing. The wizard uses it to
+    /// try another main type without losing the current result.
     std::unique_ptr<FullMessage> createAnother() const;
 
     /// How types are laid out below the base path.
@@ -81,14 +81,13 @@ public:
     /// Returns the constructs of a file that the literal reading doesn't support, in words; empty if there are none.
     virtual CString unsupportedByLiteral(const CString&) const { return {}; }
 
-    /// Returns true: all full readings read sets, unless they override this.
+    /// Returns true, because full readings read sets.
     bool setFurtherFiles(const std::vector<CString>& files) override
     {
         furtherFiles = files;
         return true;
     }
-    /// Declares finished types, so the model has nothing to do but to order them. A SourceRefusal is shown, and 0
-    /// returned.
+    /// Declares finished types, so the model only orders them. Shows a SourceRefusal and returns 0.
     int parse(const CString& source, const CString& basePath, const CString& fileName) final;
     /// Returns the name of the document: the given one, else that of the first main type, else the file's.
     CString queryMainTypeName() const override { return mainType; }

@@ -6,8 +6,8 @@
 #include <cctype>
 #include <utility>
 
-// The number of records that an element reaches can't be added up from its parts, because they share some. So each
-// candidate needs a walk of its own, which takes quadratic time for a chain of candidates. Two things bound that: only
+// The number of records that an element reaches is not the sum over its fields, because these share records. So each
+// candidate needs its own walk, which takes quadratic time for a chain of candidates. Two rules bound that: only
 // elements that no other candidate reaches are measured, and all walks of a source share a budget of references. When
 // it is exhausted, the best result so far counts.
 namespace {
@@ -15,7 +15,7 @@ namespace {
 // The budget for measuring: how often each reference may be followed on average.
 constexpr std::size_t kStepsPerReference = 20;
 
-// Any byte of a character outside of ASCII counts as a letter, so no word ends inside such a character.
+// A byte of a character outside of ASCII counts as a letter, so that no word ends inside such a character.
 bool isLetterOrDigit(char c)
 {
     return std::isalnum(static_cast<unsigned char>(c)) || static_cast<unsigned char>(c) >= 0x80;
@@ -85,7 +85,7 @@ void MainElement::findSources()
     for (const Index candidate : ranked)
         visit(types.candidates[candidate].type.index);
     stepsLeft = 0;
-    // `waiting` keeps what it passed: each record that the candidates reach is visited once.
+    // Nothing is removed from `waiting`, and each record that the candidates reach is added once.
     for (std::size_t i = 0; i < waiting.size(); ++i) {
         const Index record = waiting[i];
         stepsLeft += 1 + types.records[record].fieldCount;
@@ -105,7 +105,7 @@ void MainElement::findSources()
     }
 }
 
-// Measures the sources, then the elements that the file is named after, which need not be sources.
+// Measures `sources`, then the elements whose name is a word of the file's name, which need not be among these.
 std::vector<SourceTypes::Index> MainElement::measureAll(std::string_view fileName)
 {
     Index best = sources.front(), named = SourceTypes::kNone;

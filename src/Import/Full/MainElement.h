@@ -6,7 +6,7 @@
 /// element whose name is a word of the file's name takes precedence if it reaches at least half as many. Elements
 /// without fields, and abstract ones, come last.
 ///
-/// Of 18 real DTDs, the first declared element is the main one in 12, the one that reaches most in 16.
+/// In 18 real DTDs, the first declared element is the main one 12 times, and the one chosen by this rule 16 times.
 class MainElement
 {
 public:
@@ -31,7 +31,7 @@ private:
     std::size_t next = 0;            // index in `bySource`
     std::vector<Index> lastWalkInto; // by component: the last walk that led there from another component
     std::vector<Index> ranked;       // the current source's candidates that are not abstract and have fields
-    std::vector<Index> sources;      // those of `ranked` to measure: one for each component that no other one refers to
+    std::vector<Index> sources;      // those of `ranked` to measure, one for each component that no other one refers to
     std::vector<Index> seen;         // by record: the last walk that passed it
     std::vector<Index> waiting;      // records to visit
     Index walks = 0;                 // number of the current walk; stamps in `seen` and `lastWalkInto` need no clearing

@@ -3,8 +3,8 @@
 #include "Base/StrongComponents.h"
 #include "Import/Full/SourceTypes.h"
 
-/// The graph of records: each field that holds a record is an edge. Tables and enumerations are none, because they are
-/// declared with the record that uses them. Made before names are given, so fields hold records, not tables.
+/// The graph of records: each field that holds a record is an edge. Tables and enumerations are not part of it, because
+/// they are declared with the record that uses them. It is made before SourceNames makes tables.
 struct RecordLinks
 {
     const SourceTypes& types;

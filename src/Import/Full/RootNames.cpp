@@ -10,7 +10,7 @@ namespace {
 
 using Index = SourceTypes::Index;
 
-constexpr std::size_t kShown = 20; // candidates that an error lists; a name can have thousands
+constexpr std::size_t kShown = 20; // the most candidates that an error lists; a name can have thousands
 
 // Throws the error with `words`: as a sentence for a message box, and as they are for a diagnostic.
 [[noreturn]] void refuse(const CString& words)

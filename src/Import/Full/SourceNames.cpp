@@ -6,12 +6,11 @@
 #include <unordered_map>
 #include <utility>
 
-// Records are named before all enumerations and tables, so these yield to a record, whichever is met first. Of the
-// records, those of the main types' own documents keep their names, so that a library imported with them doesn't rename
-// them.
+// Records are named before all enumerations and tables, so a record keeps its name. Records of the main types' own
+// documents are named first, so that an imported library doesn't change their names.
 namespace {
 
-constexpr std::size_t kFewFields = 16; // names; more are hashed
+constexpr std::size_t kFewFields = 16; // names; if there are more, they are hashed
 constexpr std::string_view kTablePrefix = "t_";
 
 } // namespace
@@ -79,8 +78,8 @@ void SourceNames::name(const std::vector<Index>& order, std::span<const Index> f
     }
 }
 
-// Regards records that are not imported as well, as the merge of equal types did, so that a table is in the same folder
-// whatever the main types are.
+// Includes records that are not imported, like the merge of equal types, so that the folder of a table does not depend
+// on the main types.
 void SourceNames::findSharedTables()
 {
     std::unordered_map<TableKey, Index, TableHash> firstSpaces;
@@ -155,7 +154,7 @@ void SourceNames::nameUnused()
             nameEnumeration(enumeration, types.enumerations[enumeration].place, SourceTypes::kNone);
 }
 
-// An enumeration of several records gets its name in the first of them.
+// An enumeration that several records use gets its name at the first of them.
 void SourceNames::nameEnumeration(Index index, SourcePlace place, Index home)
 {
     if (isNamed[index])

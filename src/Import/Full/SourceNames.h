@@ -9,11 +9,11 @@
 /// Gives the types of a source their final names, unique in each namespace: records first, then enumerations and tables
 /// in the order of the records' fields. A taken name gets the name of its record and "_" as prefix, then a number. In a
 /// record elements keep their names, an attribute named like an element gets the record's name as prefix, and the text
-/// field "value" changes last. Changes are reported. Names are compared exactly, by bytes.
+/// field "value" is named last. Changes are reported. Names are compared exactly, by bytes.
 class SourceNames
 {
 public:
-    /// Both must outlive this object. It changes names in `types`, and adds tables to them.
+    /// Both must outlive this object. Changes names in `types`, and adds tables.
     SourceNames(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
     /// Names the records in `order`, their fields, and the types of these. The records `first` are named first, then
@@ -55,14 +55,14 @@ private:
         struct Taken
         {
             std::string_view name;
-            unsigned last; // so that the next equal name doesn't try the numbers before
+            unsigned last; // the next equal name goes on from it
         };
 
         Arena memory;
         KeyedTable<Taken, &Taken::name> names;
     };
 
-    // Fields of the same name and type share a table in each namespace: a table is told apart by these three.
+    // In a namespace, fields of the same name and type share a table, so these three identify it.
     struct TableKey
     {
         std::string_view name;
@@ -79,7 +79,7 @@ private:
     {
         std::size_t operator()(const TableKey& key) const { return keyHash(key); }
     };
-    // A table by its key; `index` is that in SourceTypes::tables.
+    // A table with its key; `index` refers to SourceTypes::tables.
     struct KnownTable
     {
         TableKey key;
@@ -98,7 +98,7 @@ private:
     SourceReport& report;
     std::deque<TakenNames> spaces;                             // by namespace
     Arena memory;                                              // of the entries of `tables`
-    KeyedTable<KnownTable, &KnownTable::key, TableKey> tables; // by the type that they hold
+    KeyedTable<KnownTable, &KnownTable::key, TableKey> tables; // by name, component and namespace
     std::unordered_set<TableKey, TableHash> sharedTables;      // in several namespaces; stored with space 0
     std::vector<bool> isNamed;                                 // by enumeration; several fields may have one
 };

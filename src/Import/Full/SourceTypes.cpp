@@ -24,7 +24,7 @@ std::string_view SourceTypes::join(std::string_view first, std::string_view seco
     return memory.keep({first, "_", second});
 }
 
-// A folder given for a URI stands for its namespace, so URIs with one folder share one.
+// URIs with the same given folder share a namespace.
 SourceTypes::Index SourceTypes::spaceOf(std::string_view uri)
 {
     if (!folders)
@@ -43,7 +43,7 @@ SourceTypes::Index SourceTypes::spaceOf(std::string_view uri)
     return spacesByUri.emplace(kept, space).first->second;
 }
 
-// Searched one by one: only folders that the user has given come here, and `common`.
+// A linear search, because only folders given by the user and `common` are looked up.
 SourceTypes::Index SourceTypes::spaceIn(const CString& folder)
 {
     if (folder.empty())
@@ -55,7 +55,7 @@ SourceTypes::Index SourceTypes::spaceIn(const CString& folder)
     return static_cast<Index>(spaces.size() - 1);
 }
 
-// Tables have no indices yet: they are made when names are given, after this.
+// No type refers to a table yet, because SourceNames makes tables later.
 void SourceTypes::renumber(std::span<const Index> newRecords, std::span<const Index> newEnumerations)
 {
     const auto renumberType = [&](Type& type) {
@@ -83,8 +83,8 @@ SourceTypes::Index SourceTypes::addRecord(const Record& record)
     return static_cast<Index>(records.size() - 1);
 }
 
-// The document holds a field's name twice, also in its generated description, and the name of its type. A type's name
-// is repeated for each field that has the type, so a few long names could make a huge document from a small source.
+// The document contains a field's name twice, once in its generated description, and the name of its type. A type's
+// name is repeated for each field of the type, so a few long names could make a huge document from a small source.
 void SourceTypes::setFields(Index record, std::span<const Field> added)
 {
     checkFields(added.size());
@@ -126,7 +126,7 @@ SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<
     made.firstConstant = static_cast<Index>(constants.size());
     made.constantCount = static_cast<Index>(added.size());
     if (!descriptions.empty()) {
-        // Most enumerations have none, so the list is filled up only where some are added.
+        // Most enumerations have none, so the list is only filled up when some are added.
         constantDescriptions.resize(constants.size());
         constantDescriptions.insert(constantDescriptions.end(), descriptions.begin(), descriptions.end());
     }
@@ -139,7 +139,7 @@ SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<
 
 SourceTypes::Index SourceTypes::recordOf(Index candidate)
 {
-    // A record that repeats also gets one, because a message is a single value: it holds the table in its field.
+    // A record that repeats gets one, too, because a message is a single value, whose field is then the table.
     Candidate& element = candidates[candidate];
     if (element.type.kind != kindRecord || element.repeats > 0) {
         const Field value{"value", {}, element.type, roleValue, std::exchange(element.repeats, std::uint16_t{0})};

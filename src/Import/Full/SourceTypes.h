@@ -140,7 +140,7 @@ public:
     /// Replaces the index of each record and enumeration by its entry in these lists, wherever a type refers to it.
     void renumber(std::span<const Index> newRecords, std::span<const Index> newEnumerations);
 
-    /// Returns a copy of `text` that lives as long as the types. Throws SourceRefusal beyond 256 MB, like spend().
+    /// Returns a copy of `text` that lives as long as the types. Throws SourceRefusal, see spend().
     std::string_view keep(std::string_view text);
 
     /// The same for `first` + "_" + `second`.
@@ -220,8 +220,8 @@ public:
     std::vector<Enumeration> enumerations;
     std::vector<Table> tables;
     std::vector<Candidate> candidates;
-    // A message may name a derived type by xsi:type where its schema has an abstract one. No field refers to these
-    // types, so choices and choosers keep them from being left out.
+    // If a schema has an abstract type, a message names a derived one by xsi:type. No field refers to these types;
+    // choices and choosers make sure that they are imported.
     std::vector<std::vector<Index>> choices;       ///< the records that may replace an abstract type, for each choice
     std::vector<std::pair<Index, Index>> choosers; ///< pairs of a record and the index of a choice of one of its fields
     std::vector<Space> spaces{{}};                 ///< the first one stands for no namespace
@@ -236,7 +236,7 @@ private:
     std::size_t spent = 0; // see spend()
     Arena memory;
     std::deque<CString> texts; // adopted; a deque doesn't move them, so views of short ones stay valid, too
-    // All fields lie in one list, so a million take no million allocations. With large pages, an import of 500,000
+    // All fields are in one list, which saves an allocation for each record. With large pages, an import of 500,000
     // fields has a third fewer page faults.
     std::vector<Field, LargePages<Field>> fields;
     std::vector<std::string_view> constants;

@@ -9,7 +9,7 @@
 // ones, so that a name doesn't depend on the order of documents.
 namespace {
 
-constexpr std::size_t kMaxParts = 16; // parts are added one by one, which takes the square of their number
+constexpr std::size_t kMaxParts = 16; // adding parts one by one takes time quadratic in their number
 
 // Returns the parts of a URI without empty ones, last one first, at most kMaxParts.
 std::vector<std::string_view> partsOf(std::string_view uri)
