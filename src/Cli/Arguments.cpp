@@ -21,8 +21,8 @@
 
 namespace {
 
-// Appends the non-empty lines of a file. Editors of Windows end lines with CR LF and begin a file with a byte order
-// mark; both would become part of an argument.
+// Appends the non-empty lines of a file. Editors on Windows end lines with CR LF and begin a file with a byte order
+// mark, which would become parts of arguments.
 void addLines(const CString& fileName, std::vector<CString>& arguments)
 {
     CString text;
@@ -40,8 +40,7 @@ void addLines(const CString& fileName, std::vector<CString>& arguments)
 
 // Returns the arguments without the program's name, with "@FILE" replaced by the lines of that file. A line is taken as
 // it is, even if it begins with '@'; so is every argument after "--". Appends the names of the files to `files`. Throws
-// std::runtime_error if a file can't be read. The list of a large set can be longer than the system lets a command line
-// be.
+// std::runtime_error if a file can't be read. Such a file can be longer than a command line.
 std::vector<CString> argumentsOf(int argc, char** argv, std::vector<CString>& files)
 {
     std::vector<CString> arguments;
@@ -58,8 +57,8 @@ std::vector<CString> argumentsOf(int argc, char** argv, std::vector<CString>& fi
     return arguments;
 }
 
-// Returns the output of --importers; shell completion reads its columns. The columns are the word, the patterns of its
-// files, and the name.
+// Returns the output of --importers; shell completion reads its columns. The columns are the importer's word, the
+// patterns of its files, and its name.
 CString importerList()
 {
     CString list;
@@ -83,8 +82,7 @@ void refuseEmptyNames(const CLI::App& app)
 }
 
 // Splits the positional arguments into the importer, if the first one names it, and the sources. A first word that is
-// neither is most likely a misspelt importer: reading it as a file would only say that there is no such file. One word
-// alone may also be a connection string.
+// neither is most likely a misspelt importer, so the error names both. One word alone may also be a connection string.
 void assignOperands(const std::vector<CString>& words, Arguments& arguments)
 {
     if (words.empty())
@@ -187,7 +185,7 @@ void addOtherOptions(CLI::App& app, Arguments& arguments, CString& answer)
 } // namespace
 
 // CLI11 reports by exceptions: CLI::Success for --help and its like, CLI::ParseError for an invalid command line.
-// CLI11's exit status for the latter is not used.
+// CLI11's own exit status is not used for the latter.
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus)
 {
     CLI::App app("Turn a description of business messages into type definitions for a message\nbroker.",
@@ -252,8 +250,8 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     return true;
 }
 
-// Creates the importer to ask whether it reads sets and entities, which only the object knows. setFurtherFiles({}) and
-// setEntities({}) only ask.
+// Creates the importer, because only the object knows whether it reads sets and entities: setFurtherFiles({}) and
+// setEntities({}) return it and change nothing.
 CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importer)
 {
     const CString word = importer.querySource().word;

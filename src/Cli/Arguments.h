@@ -11,8 +11,8 @@
 
 class MsgUIDescriptor;
 
-/// The options and sources of a command line. Each unit of the command holds the options of its own subject, adds them
-/// to the parser and checks them; parseArguments() checks what concerns several of them.
+/// The options and sources of a command line. Each unit of the command defines the options of its own subject, adds
+/// them to the parser and checks them. parseArguments() checks options of different units against each other.
 struct Arguments
 {
     MsgUIDescriptor* importer = nullptr; ///< null: chosen by the source
@@ -60,7 +60,7 @@ struct Arguments
 bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus);
 
 /// Returns why the command line is invalid for this importer; empty if it is valid. Called as soon as the importer is
-/// known: by parseArguments() if the command line names it, else after the source has chosen it.
+/// known: by parseArguments() if the command line names it, else by runImport() when the source has chosen it.
 CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importer);
 
 /// Reports an invalid command line to standard error, with a pointer to --help. Returns kUsage.

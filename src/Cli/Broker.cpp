@@ -13,11 +13,11 @@
 #include <set>
 #include <vector>
 
-// The broker on the command line. A repository to compare with takes the place of a document: its types are kept as
-// text under the name that the user gave, where the importer of type documents finds it like a file.
+// A repository to compare with takes the place of a document. Its types are kept as a text under the name that the user
+// gave, so the importer of type documents reads them like a file.
 namespace {
 
-// If the address names none. The wizard suggests the same port.
+// The port of an address without one. The wizard suggests the same port.
 constexpr unsigned kDefaultPort = 7250;
 
 // Returns whether a document describes a type without a kind. Readers of a list of types stop at such a type, so it has

@@ -8,10 +8,10 @@
 #include <functional>
 #include <vector>
 
-// A script is a template filled with the options of the parser. The importers' files are not in it: the script asks the
-// command itself for them (--importers). All three scripts work alike. The first word that is neither an option nor an
-// option's value names the importer; without such a word the importers are offered, and files, because an importer may
-// be left out. With one, its files or data sources are offered, and options of other importers are not.
+// A script is a template filled with the options of the parser. It doesn't contain the importers' files, because it
+// runs the command to list them (--importers). All three scripts work alike. The first word that is neither an option
+// nor an option's value names the importer; without such a word the importers are offered, and files, because an
+// importer may be left out. With one, its files or data sources are offered, and options of other importers are not.
 namespace {
 
 // The properties of an option for shell completion.
@@ -40,7 +40,7 @@ struct Row
         CString others;
         for (MsgUIDescriptor** importer = g_amud; *importer; ++importer) {
             const std::string_view word = (*importer)->querySource().word;
-            // With what stands around a word, so that "json" is not found in "jsonschema".
+            // Searched with its separators, so that "json" is not found in "jsonschema".
             if (named.find(CString(" ").append(word).append(",")) != CString::npos)
                 isForSome = true;
             else
@@ -62,7 +62,7 @@ CString escaped(std::string_view text, std::string_view characters)
     return out;
 }
 
-// Reads the rows from the parser. Each option has a long name, and a positional argument is no row.
+// Reads the rows from the parser. Each option has a long name. Positional arguments have no row.
 std::vector<Row> rowsOf(const CLI::App& app)
 {
     std::vector<Row> rows;
@@ -214,7 +214,7 @@ complete -c typeforge-import -n 'test "$(__typeforge_import_word)" = odbc' -f -a
 complete -c typeforge-import -n 'test -n "$(__typeforge_import_suffixes)"' -k -f -a '(__fish_complete_suffix (__typeforge_import_suffixes))'
 %s)sh";
 
-// Fills the "%s" of a template from left to right. A value must not contain "%s" itself, or the next value would go
+// Fills the "%s" of a template from left to right. A value must not contain "%s", because the next value would be put
 // there.
 CString filled(CString text, std::initializer_list<CString> values)
 {

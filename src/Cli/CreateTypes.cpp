@@ -131,9 +131,9 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
     if (!openBroker(session, options.address, logon, options.isDryRun))
         return kFailed;
     const CString overwrite = options.overwrite.empty() && isatty(STDIN_FILENO) ? "ask" : options.overwrite;
-    // Whether types stayed because nobody was asked; they count as not created, since the user has not decided.
+    // True if types stayed because the user was not asked. They count as not created.
     bool keptExisting = false;
-    // A dry run asks nothing, but says for each type that it would ask.
+    // A dry run asks nothing.
     const auto choice = [&](const CString& question, const CString& details) {
         keptExisting = overwrite.empty();
         if (options.isDryRun)
@@ -143,14 +143,14 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
     Output lines("");
     const auto addLine = [&](const CString& line, ResultKind kind) {
         lines.write(shownText(line) + (options.isDryRun ? dryRunText(kind, overwrite) : "") + "\n");
-        // At once, so that someone who waits, or reads the lines as a log, sees how far the creation is.
+        // At once, so that the lines show the progress of the creation.
         lines.flush();
     };
     CreationRun run(session, {choice, addLine}, {source, true, options.isDryRun});
     const int errors = run.run(message);
     if (verbosity != Verbosity::quiet)
         reportOtherSources(run, source.name, keptExisting, options.isDryRun);
-    // The types exist even if their lines got lost, so that is the last failure to tell.
+    // The types exist even if their lines were not written, so that failure counts last.
     const bool isWritten = lines.finish();
     if (errors != 0 || keptExisting)
         return kNotCreated;

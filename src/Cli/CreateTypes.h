@@ -19,8 +19,8 @@ struct CreateOptions
     CString overwrite;     ///< "all", "none" or "ask"; empty: "ask" on a terminal, else "none" with a hint
 };
 
-/// Adds --create and the options that require it. Call it after the options that --create excludes. CLI11 looks an
-/// excluded option up by its name at once.
+/// Adds --create and the options that require it. Call it after adding the options that --create excludes, because
+/// CLI11 looks them up by name at once.
 void addCreateOptions(CLI::App& app, CreateOptions& options);
 
 /// Creates the types of `message` in a broker, and prints one line for each. A type that exists with the same document

@@ -51,8 +51,8 @@ std::uint64_t hashOf(const SourceFault& fault)
     return Fingerprint(hash.append(fault.file).append("\n").append(fault.reason)).first;
 }
 
-// Writes "FILE:LINE:COLUMN: KIND: REASON". A column without a line is not a place. In one call of fwrite(), so that
-// lines of several processes on one terminal or log don't mix.
+// Writes "FILE:LINE:COLUMN: KIND: REASON". A column without a line is not a place. Uses one call of fwrite(), so that
+// lines of several processes don't mix on a terminal or in a log.
 void writeLine(const CString& file, const char* kind, const CString& reason, long line = 0, long column = 0)
 {
     CString text = onOneLine(shownSource(shownFile(file)));
@@ -92,8 +92,8 @@ void report(std::string_view text)
     std::fprintf(stderr, "%s\n", line);
 }
 
-// The reason is in the fault, so the importer's text, which is made for a box, only serves to recognise what the
-// literal reading can't do.
+// The fault contains the reason. The importer's text, which is for a box, only shows whether the error comes from the
+// literal reading.
 void Diagnostics::receiveFrom(MsgBase& importer, const Advice& advice)
 {
     importer.setErrorHandler([this, advice](const CString& text, const SourceFault& fault) {

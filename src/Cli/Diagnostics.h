@@ -36,8 +36,8 @@ CString shownSource(const CString& source);
 void report(std::string_view text);
 
 /// Reports problems with the sources of an import to standard error, one a line: "FILE:LINE:COL: error: REASON", as
-/// compilers do, or "warning" if the import continues. It counts errors, so a command asks it at the end of a step
-/// whether to go on.
+/// compilers do, or "warning" if the import continues. It counts errors, so that a command can check after each step
+/// whether to continue.
 class Diagnostics
 {
 public:

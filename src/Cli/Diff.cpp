@@ -20,9 +20,9 @@
 #include <system_error>
 #include <utility>
 
-// The comparison in two steps. A document with the same bytes, apart from its time of generation, has the same types,
-// and is compared as text without being imported: half the time for a schema of 50,000 fields. Any other document is
-// imported as a document of types, and the two sets of types are compared by Types/TypeChanges.
+// A document with the same bytes, apart from its time of generation, has the same types. It is compared as text without
+// being imported, which takes half the time for a schema of 50,000 fields. Any other document is imported as a type
+// document, and Types/TypeChanges compares the two sets of types.
 namespace {
 
 // The exit status of diff (POSIX): 0 without differences, 1 with differences, more than 1 for an error.
@@ -48,15 +48,15 @@ CString nameOf(const TypeChange& change)
     return change.part.empty() ? change.type : change.type + "." + change.part;
 }
 
-// The differences between two sets of types, with the verdict on them. Changes are accepted one by one by their ids;
-// the verdict is about the others.
+// The differences between two sets of types, with the verdict on them. Changes are accepted by their ids. The verdict
+// is about the others.
 class Differences
 {
 public:
     explicit Differences(const DiffOptions& options) : options(options), reader(readerOf(options)) {}
 
-    // Types that have all moved are one change. They are then compared by their names in the new folder, or each of
-    // them // would be removed and added.
+    // If all types have moved, that is one change. They are then compared by their names in the new folder; otherwise
+    // each of them would count as removed and added.
     void compare(const TypeStructure& before, const TypeStructure& after)
     {
         const TypeFolders folders = movedFolders(before, after);
@@ -68,13 +68,13 @@ public:
         changes.insert(changes.end(), found.begin(), found.end());
     }
 
-    // Returns whether nothing has changed that isn't accepted. Decides the exit status.
+    // Returns whether all changes are accepted. Decides the exit status.
     bool areSame() const
     {
         return std::ranges::all_of(changes, [this](const auto& c) { return isAllowed(c); });
     }
 
-    // Returns whether no change that isn't accepted breaks the readers that count.
+    // Returns false if a change that is not accepted breaks the programs that count.
     bool areCompatible() const
     {
         return std::ranges::none_of(changes, [this](const auto& c) { return !isAllowed(c) && breaks(c.id, reader); });
@@ -93,7 +93,7 @@ public:
     // Writes the object that docs/diff.schema.json describes.
     void writeJson(Output& output) const
     {
-        // Before each change instead of behind it, so that the last one has none.
+        // Written before each change, so that none follows the last one.
         const char* separator = "\n  ";
         output.write(CString("{\"version\":1,\"same\":") + (changes.empty() ? "true" : "false") +
                      ",\"compatible\":" + (areCompatible() ? "true" : "false") +
@@ -170,7 +170,8 @@ private:
         return CString(readers ? "\"readers\"" : "") + (readers && writers ? "," : "") + (writers ? "\"writers\"" : "");
     }
 
-    // Returns the verdict in words. Accepted changes break nothing, but they count as changes other than additions.
+    // Returns the verdict in words. Accepted changes break nothing, but they also decide whether there are only
+    // additions.
     CString verdict() const
     {
         if (!areCompatible())
@@ -187,14 +188,14 @@ private:
 };
 
 // Returns whether a file is the document that `message` writes, at whatever time. Such a document has the same types,
-// so it need not be imported. Reads along while the document is written, so neither is whole in memory. Only a regular
-// file is compared, because a pipe could not be read again.
+// so it need not be imported. Reads the file piece by piece while the document is written, so neither is whole in
+// memory. Only a regular file is compared, because a pipe could not be read again.
 bool isDocumentOf(MsgBase& message, const CString& fileName)
 {
     std::error_code failure;
     if (!std::filesystem::is_regular_file(fileName, failure))
         return false;
-    // Thrown out of writeXML(), which has no other way to end early.
+    // Thrown through writeXML(), which has no other way to end early.
     struct Different
     {};
     std::ifstream file(fileName, std::ios::binary);
@@ -216,8 +217,8 @@ bool isDocumentOf(MsgBase& message, const CString& fileName)
 }
 
 // Imports the earlier document and compares it. Returns false on failure, which has been reported. Twins stay separate,
-// so that two fields of one name compare with the two fields of the source. XML without types could be any document, so
-// only what an import would have written counts as a document without types.
+// so that two fields of one name are compared with the two fields of the source. XML without types could be any
+// document, so it is accepted only if an import without types would write it.
 bool compare(MsgBase& message, const CString& document, const DiffOptions& options, const ReportOptions& report,
              Diagnostics& diagnostics, Differences& differences)
 {

@@ -70,7 +70,6 @@ void warnOfUnusedOptions(const FullMessage& message, Diagnostics& diagnostics)
 
 } // namespace
 
-// Any one of them is enough for the message.
 const char* FullOptions::optionOfFull() const
 {
     return !roots.empty()      ? "--root"
@@ -139,7 +138,7 @@ MsgBase* createImporter(const FullOptions& options, const MsgUIDescriptor& impor
     return message;
 }
 
-// After an error, options can be unused only because the import ended early, so they are not reported.
+// After an error, options may be unused because the import ended early, so they are not reported.
 void adviseOnFullReading(const MsgBase& message, Diagnostics& diagnostics)
 {
     const auto* const full = dynamic_cast<const FullMessage*>(&message);

@@ -12,7 +12,7 @@ namespace CLI {
 class App;
 }
 
-/// The options of the full reading. Given with an importer that always reads in full, they apply without `isWanted`.
+/// The options of the full reading. With an importer that always reads in full, they apply without `isWanted`.
 struct FullOptions
 {
     bool isWanted = false;

@@ -10,8 +10,8 @@ constexpr std::size_t kColumns = 80; // width of a line
 // In the order of printing. An option in another group would not be printed.
 constexpr const char* kGroups[] = {"Input", "Reading", "Output", "Broker", "Other"};
 
-// Returns a text wrapped to the column of the descriptions. The rest from a word on that is wider than the column is
-// not wrapped.
+// Returns a text wrapped to the column of the descriptions. If a word is wider than the column, the text from that word
+// on is not wrapped.
 CString wrapped(std::string_view text)
 {
     CString lines;

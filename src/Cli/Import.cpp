@@ -64,7 +64,7 @@ void warnOfChangedTag(const MsgBase& message, Diagnostics& diagnostics)
 }
 
 // Writes what the options ask for to the output. Returns the exit status. Returns without finish() on an error, so that
-// an older file stays. The repository is read only here, because only the folders of the imported types are read.
+// an older file stays. The repository is read here, because the imported types decide which of its folders are read.
 int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagnostics)
 {
     Output output(arguments.output);
@@ -184,7 +184,7 @@ void expandFolders(Arguments& arguments)
 }
 
 // Returns the origin to record. Several files are recorded under the first. A repository compares it with the origin of
-// a type that exists. That of a data source is without its user and password.
+// a type that exists. The origin of a data source contains no user and password.
 TypeSource sourceOf(const MsgUIDescriptor& importer, const CString& source)
 {
     return importer.querySource().readsTables ? TypeSource{toXmlText(identityOf(source))} : fileSource(source);

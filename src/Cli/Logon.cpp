@@ -30,7 +30,8 @@ void readPassword(const LogonOptions& options, CString& password)
     }
     if (const FileCause cause = readFile(options.passwordFile, password); cause != FileCause::none)
         throw std::runtime_error("can't open " + options.passwordFile + ": " + inWords(options.passwordFile, cause));
-    // Copied and swapped instead of cut, because cutting leaves the rest of the file in the storage of the password.
+    // Copied and swapped instead of cut, because cutting would leave the rest of the file in the storage of the
+    // password.
     const std::size_t length = password.find_first_of("\r\n");
     Secret line{CString(std::string_view(password).substr(0, length))};
     wipe(password);

@@ -13,8 +13,8 @@ public:
     /// file instead of replacing it.
     explicit Output(const CString& fileName);
 
-    /// Keeps a file unchanged if it already holds the bytes written; see AtomicFile::keepUnchanged(). So build tools
-    /// that compare times don't build again what depends on it. Standard output ignores it.
+    /// Keeps a file unchanged if it already holds the bytes written; see AtomicFile::keepUnchanged(). Build tools that
+    /// compare times then don't rebuild its dependents. Has no effect on standard output.
     void keepUnchanged(off_t ignoredFrom = 0, off_t ignoredCount = 0);
 
     /// Appends bytes. After a failure it does nothing; finish() reports the first failure.

@@ -13,7 +13,7 @@ namespace {
 constexpr milliseconds kDelay(1000), kRefresh(200);
 constexpr char kErase[] = "\r\033[K"; // to the end of the line (ECMA-48)
 
-// Whether the line is on the terminal. For the whole process, because clear() is static.
+// True if the line is on the terminal. For the whole process, because clear() is static.
 bool isThere = false;
 
 } // namespace

@@ -5,8 +5,8 @@
 #include <chrono>
 
 /// Shows the progress of long work on standard error as long as the object lives: one line that is overwritten, and
-/// erased at the end. Nothing is shown if standard error is not a terminal. It is the progress handler meanwhile, and
-/// restores the one before. There is one at a time.
+/// erased at the end. Nothing is shown if standard error is not a terminal. Sets the progress handler, and restores the
+/// one before. Only one object may exist at a time.
 class ProgressLine
 {
 public:
@@ -15,7 +15,7 @@ public:
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    /// Erases the line, so that a lasting one can be written to standard error. The next progress shows it again. Works
+    /// Erases the line, so that another one can be written to standard error. The next progress shows it again. Works
     /// without an object.
     static void clear();
 

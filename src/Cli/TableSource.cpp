@@ -12,8 +12,8 @@
 #include <stdexcept>
 
 // Names with a dot, or with blanks around them, are looked up before the import, because the importer takes a bare name
-// as a pattern over all owners. Whether the other tables exist is only asked after the import, and only of those
-// without a type that has fields: each question is a query of the catalogue.
+// as a pattern over all owners. Other tables are looked up after the import, and only if they have no type with fields,
+// because each lookup is a query of the catalogue.
 namespace {
 
 // Returns the names of the tables as an import takes them, each once. Names that it can't take are left out; the
@@ -120,8 +120,8 @@ std::vector<ChosenTable> TableSource::pickTables(const std::vector<CString>& nam
     return tables;
 }
 
-// Tries each dot, because names can have dots themselves. The driver takes the part behind it as a pattern, so what it
-// finds is compared with the whole name.
+// Tries each dot, because names can have dots themselves. The driver takes the part behind the dot as a pattern, so its
+// results are compared with the whole name.
 std::optional<TableName> TableSource::qualifiedTable(const CString& name)
 {
     for (std::size_t dot = name.find('.'); dot != CString::npos; dot = name.find('.', dot + 1)) {

@@ -4,8 +4,8 @@ class Element;
 class MsgBase;
 class Output;
 
-/// Returns whether any type has a name. `btd` makes types without a name of documents that aren't its own. Like the
-/// functions below that take an importer, it moves the importer's cursor (MsgBase::beginEnum()).
+/// Returns whether any type has a name. `btd` makes types without a name from documents that are not type documents.
+/// Like the functions below that take an importer, it moves the importer's cursor (MsgBase::beginEnum()).
 bool holdsTypes(MsgBase& message);
 
 /// Writes the types of an import in its order, one a line: folder and name, a tab, the description. With `isAligned`

@@ -8,13 +8,13 @@
 #include <cstdlib>
 #include <unistd.h>
 
-// Handles what parseArguments() and runImport() can't: errors before main() and after it, and in noexcept functions.
+// Reports errors that main() can't catch: before and after it, and in noexcept functions.
 namespace {
 
 const Arguments* running = nullptr; // those of main(), for the terminate handler, which has no parameters
 
-// Ends the program with the error that nobody caught. Uses _exit(), because the program's objects may be in any state;
-// exit() would have deleted the temporary files.
+// Ends the program with an error that was not caught. Uses _exit(), because the program's objects may be in any state.
+// It deletes the temporary files, as exit() would.
 [[noreturn]] void reportAndExit()
 {
     try {
