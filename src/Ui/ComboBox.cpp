@@ -96,8 +96,7 @@ QComboBox* newRecentCombo(const QString& label)
     return combo;
 }
 
-// Qt emits activated() for a key and the wheel as well as for a click in the list, so those two are told apart by a
-// flag.
+// Qt emits activated() for keys and the wheel as well as for a click in the list. A flag tells them apart.
 ChoiceCombo::ChoiceCombo(const QString& label) : ComboBox(label)
 {
     connect(this, &QComboBox::activated, this, [this](int index) {
@@ -136,7 +135,7 @@ void ChoiceCombo::wheelEvent(QWheelEvent* event)
     ComboBox::wheelEvent(event);
 }
 
-// The entry stays while the box's own list is open or another window is used.
+// The shown entry stays while the box's own list is open or another window is used.
 void ChoiceCombo::focusOutEvent(QFocusEvent* event)
 {
     if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)

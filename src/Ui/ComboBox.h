@@ -2,8 +2,8 @@
 
 #include <QComboBox>
 
-/// A combo box that the wheel changes only while it has the focus. Its name for screen readers is the text of its
-/// label. Qt would change it under the pointer while the user scrolls the page.
+/// A combo box that the wheel changes only while it has the focus. Otherwise it would change under the pointer while
+/// the user scrolls the page. Its name for screen readers is the text of its label.
 class ComboBox : public QComboBox
 {
     Q_OBJECT

@@ -32,8 +32,8 @@ QLabel* coverText(const CString& text, const QFont& font)
 }
 
 // Looks the family up first, because Qt may replace a missing font by any other, for instance a script. A point is 1/72
-// inch, so a unit is 0.75 points. The first size makes the letters that high; the second one is scaled by what the font
-// needs for a line.
+// inch, so a unit is 0.75 points. The first size makes the letters that high. The second one scales it, so that a whole
+// line is that high.
 QFont coverFont(const CString& family, int height)
 {
     QFont font;

@@ -4,8 +4,8 @@
 #include <QStringList>
 #include <QUrl>
 
-/// Returns the names of dragged local files, sorted. Remote files are left out. Empty if nothing of the data is a file,
-/// so that other data is refused.
+/// Returns the names of dragged local files, sorted. Remote files are left out. Empty if the data contains none, so
+/// that other data is refused.
 inline QStringList draggedFiles(const QMimeData& data)
 {
     QStringList files;

@@ -7,7 +7,7 @@
 #include <algorithm>
 
 // Files are opened by Qt's static functions, which use the desktop's dialog. A file to write needs a dialog object,
-// because only that tells when another file type is picked, and looks for the folder of a preset name.
+// because only that reports when the user picks another file type.
 namespace {
 
 // Some platform dialogs match patterns with letter case, so each pattern is listed in both cases. Qt expects "LABEL

@@ -6,8 +6,8 @@
 #include <graphviz/gvc.h>
 #include <memory>
 
-// Graphviz only computes positions. The text of the graph gives it the nodes and edges; sizes come from Qt, which draws
-// the boxes with its own fonts. Positions are read from the graph's records through the macros of its library (GD_bb,
+// Graphviz only computes positions. Nodes and edges come from the text of the graph, sizes from Qt, which draws the
+// boxes with its own fonts. Positions are read from the graph's records through the macros of its library (GD_bb,
 // ND_coord, ED_spl).
 namespace {
 
@@ -43,8 +43,7 @@ void shape(Agnode_t* node, const GraphBox& box)
 }
 
 // Distributes leaf boxes over several columns, because many of them in one column would make a tall picture. The result
-// is about as wide as high. A leaf has one arrow to it and none from it. The "minlen" of its arrow moves it further to
-// the right, so leaves take turns.
+// is about as wide as high. A leaf has one arrow to it and none from it. The "minlen" of its arrow selects its column.
 void spreadLeaves(Agraph_t* graph, const std::vector<GraphBox>& boxes)
 {
     std::vector<Agedge_t*> leafEdges;

@@ -33,5 +33,5 @@ struct GraphBox
 /// Lays a graph out with Graphviz's "dot". In `dot` (https://graphviz.org/doc/info/lang.html) box i is the node "t<i>",
 /// with the ports "title", "r0", "r1" and so on from top to bottom. Returns nothing if Graphviz fails, for instance
 /// without its plugins. Takes a second for some hundred boxes, and can't be cancelled. May run in any thread, but only
-/// in one at a time, because Graphviz's context is one for the process.
+/// in one at a time, because the process has one context of Graphviz.
 std::optional<GraphLayout> layOutGraph(const CString& dot, const std::vector<GraphBox>& boxes);

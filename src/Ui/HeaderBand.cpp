@@ -9,9 +9,9 @@
 
 #include <algorithm>
 
-// Text and drawing share the band. Its height is that of the longest of all subtitles, so that it is the same on every
-// page, and the drawing is as high as the band. So a narrower window makes a higher band with a larger drawing, which
-// leaves less room for the text.
+// Text and drawing share the band. Its height fits the longest of all subtitles, so that it is the same on every page,
+// and the drawing is as high as the band. So a narrower window makes a higher band with a larger drawing, which leaves
+// less room for the text.
 namespace {
 
 // In pixels, around the texts.

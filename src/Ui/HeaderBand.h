@@ -20,7 +20,7 @@ public:
     /// Shows the texts of a page, and fits the height.
     void setTexts(const QString& title, const QString& subtitle);
 
-    /// Returns the height in pixels at a width. For any width, whatever the band's own is.
+    /// Returns the height in pixels at a width, which may differ from the band's own.
     int heightAt(int width) const;
 
 protected:

@@ -35,8 +35,8 @@ ListFilter::ListFilter(ListView& filteredList, const QString& rowNoun) :
             });
 }
 
-// Sets the field, because the list drops its filter when it gets other rows, or shows a row that the filter hides. That
-// does not call the list back in a circle: setFilter() ignores the text that it has.
+// Sets the field, because the list drops its filter when it gets other rows, or shows a row that the filter hides. This
+// ends, because ListView::setFilter() ignores the text that it has already.
 void ListFilter::showCount(const QString& filter)
 {
     field->setText(filter);

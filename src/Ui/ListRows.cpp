@@ -40,7 +40,7 @@ struct ListRows::SortKey
         text(isAscii(cell) ? lowerAscii(cell) : fromUi(toUi(cell).toCaseFolded())), row(row)
     {}
 
-    // `start` follows what all keys have in common, so it decides unless it is equal.
+    // All keys are equal before `start`, so it decides unless it is equal, too.
     auto operator<=>(const SortKey& other) const
     {
         return start != other.start ? start <=> other.start : text <=> other.text;
@@ -64,7 +64,7 @@ void ListRows::setRows(int newCount, CellText newCells, RowMark newMarks)
     arrange({}, nullptr, -1, Qt::AscendingOrder);
 }
 
-// Filters before it sorts, since fewer rows are left then.
+// Filters first, so that fewer rows are sorted.
 void ListRows::arrange(const QString& text, const std::vector<int>* among, int column, Qt::SortOrder order)
 {
     beginResetModel();

@@ -63,7 +63,7 @@ ListView::ListView(std::vector<Column> listColumns, const CString& accessibleNam
     setUpHeader();
     auto* copy = new QAction("&Copy names", this);
     copy->setShortcut(QKeySequence::Copy);
-    // Only with the focus in this list, since other controls of a page copy, too.
+    // Only with the focus in this list, because other controls of a page copy, too.
     copy->setShortcutContext(Qt::WidgetShortcut);
     connect(copy, &QAction::triggered, this, &ListView::copyNames);
     addAction(copy);
@@ -122,7 +122,7 @@ void ListView::setSelectedOnly(bool only)
 }
 
 // Puts the rows into the model anew, and keeps the selection. `byUser` is false meanwhile, so that no step counts as
-// the user's choice; a selection that the filter has taken away does count, since pages show what is selected.
+// the user's choice. A selection that the filter has removed does count, because pages show the selection.
 void ListView::arrange()
 {
     const std::vector<int> selected = selectedRows();
@@ -135,7 +135,7 @@ void ListView::arrange()
         if (selectionMode() != SingleSelection)
             std::copy_if(selected.begin(), selected.end(), std::back_inserter(hiddenSelected),
                          [this](int row) { return !rows->indexOf(row).isValid(); });
-        // Without an effect on the selection, which follows.
+        // Doesn't change the selection, which is restored next.
         selectionModel()->setCurrentIndex(rows->indexOf(current), QItemSelectionModel::NoUpdate);
         selectionModel()->select(selectionOf(*rows, selected), QItemSelectionModel::Select);
         scrollTo(currentIndex());
@@ -161,7 +161,6 @@ std::vector<int> ListView::selectedRows() const
     return selected;
 }
 
-// The filter is only dropped if it hides the row.
 void ListView::selectRow(int row)
 {
     const QScopedValueRollback<bool> own(byUser, false);
@@ -207,7 +206,6 @@ void ListView::shareWidth()
     sharesWidth = true; // the steps above have cleared it, as a change by the user does
 }
 
-// Hiding a column resizes it, so the flag for the user's changes is restored.
 void ListView::setShares(const std::vector<int>& percents)
 {
     const bool isShared = sharesWidth;

@@ -85,7 +85,7 @@ bool pressesButton(const QEvent& event)
 
 } // namespace
 
-// The task carries an exception of `call` into the future, and so into the work.
+// The task passes an exception of `call` to the future, whose get() throws it in the work.
 void inWindowThread(std::function<void()> call)
 {
     LongWork* const work = current;
@@ -190,7 +190,7 @@ void LongWork::waitInLoop()
         refresh.start(kRefresh);
         loop.quit();
     });
-    // The window system's own input queue holds the events back until then (ExcludeUserInputEvents).
+    // Qt keeps user input queued until then (ExcludeUserInputEvents).
     while (!isFinished())
         loop.exec(refresh.isActive() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
     if (refresh.isActive())

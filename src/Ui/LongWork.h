@@ -44,7 +44,7 @@ public:
     /// Returns whether cancel() was called. The work may still run, or have ended before it noticed.
     bool isCancelled() const { return cancelled; }
 
-    /// Returns the last reported progress; no progress of Work::waiting before the first.
+    /// Returns the last reported progress; before the first report, Work::waiting without counts.
     Progress query() const;
 
 Q_SIGNALS:

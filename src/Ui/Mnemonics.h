@@ -13,9 +13,10 @@ QString mnemonicsOf(const QWidget* page);
 /// the first free letter. Adds it to `taken`. Marks none if no letter is free.
 void setTextWithMnemonic(QAbstractButton& button, const QString& text, QString& taken);
 
-/// Makes Tab stop at the checked radio button of each group inside `page`. Later Qt follows the user's choice. A group
-/// is made of the radio buttons of one parent.
+/// Makes Tab stop at the checked radio button of each group inside `page`. When the user checks another one, Qt moves
+/// the stop. A group consists of the radio buttons of one parent.
 void setRadioTabStops(const QWidget* page);
 
-/// Returns the first control inside `page` in Tab order; null if there is none. Leaves out what is hidden or disabled.
+/// Returns the first control inside `page` in Tab order; null if there is none. Hidden and disabled controls are left
+/// out.
 QWidget* firstTabStop(const QWidget* page);

@@ -26,7 +26,7 @@ void ProgressRow::setBarVisible(bool visible)
     bar->setVisible(visible);
 }
 
-// The bar has a range of its own, because counts of bytes pass that of an int.
+// The bar has a range of its own, because counts of bytes can exceed an int.
 void ProgressRow::show(const QString& words, const Progress& progress)
 {
     constexpr int steps = 1000;

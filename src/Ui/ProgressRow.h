@@ -12,7 +12,7 @@ class ProgressRow : public QWidget
 public:
     ProgressRow();
 
-    /// Shows the text, and as the bar the finished part of the progress; the bar is busy without end if the total is
+    /// Shows the text, and the finished part of the progress as the bar, which is a busy indicator if the total is
     /// unknown. A screen reader reads the text only when the row appears, not with each change.
     void show(const QString& text, const Progress& progress);
 

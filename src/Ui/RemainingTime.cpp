@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-// Starts again if the kind or the total changes, or if the count falls back: that is another piece of work. The pace of
-// the first seconds says little.
+// Starts again if the kind or the total changes, or if the count decreases, because that is other work. The pace of the
+// first seconds is not shown, because it varies too much.
 QString RemainingTime::textFor(const Progress& now)
 {
     constexpr qint64 minElapsed = 5000; // milliseconds

@@ -5,8 +5,8 @@
 #include <QElapsedTimer>
 #include <QString>
 
-/// Estimates the remaining time of long work from its progress reports, as if it went on at the average pace since the
-/// first report of its kind.
+/// Estimates the remaining time of long work from its progress reports, at the average pace since the first report of
+/// its kind.
 class RemainingTime
 {
 public:

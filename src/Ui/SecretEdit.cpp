@@ -10,7 +10,7 @@ void makeSecret(QLineEdit& field)
     field.setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
 }
 
-// Each copy on the way is overwritten: Qt's text, its bytes in UTF-8, and what `secret` held before.
+// Overwrites each copy: Qt's text, its bytes in UTF-8, and the earlier content of `secret`.
 void takeSecret(QLineEdit& field, CString& secret)
 {
     QString typed = field.text(); // shares the field's text, and is its only owner after clear()

@@ -18,8 +18,8 @@ WizardPage::WizardPage(int id, Look pageLook, const CString& pageCaption, const 
     setObjectName(QString::number(id));
 }
 
-// Without room for the drawing, the page has the colour of the picture's upper left corner, which extends the picture
-// elsewhere as well.
+// Without room for the drawing, the page has the colour of the picture's upper left corner, as paintWatermark() uses it
+// beside the picture.
 void WizardPage::paintEvent(QPaintEvent* event)
 {
     QWidget::paintEvent(event);

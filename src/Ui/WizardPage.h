@@ -22,7 +22,7 @@ public:
     /// `caption` is the window's title while the page is shown. A cover page shows neither title nor subtitle.
     WizardPage(int dialogId, Look look, const CString& caption, const CString& title, const CString& subtitle);
 
-    /// Returns the number by which handlers name the page that follows, and by which its help topic is found.
+    /// Returns the number that handlers return for this page, and by which its help topic is found.
     int queryDialogId() const { return dialogId; }
 
     /// Called once, before the page is first shown. Creates the controls. The sheet is known by then, but not in the
@@ -33,8 +33,8 @@ public:
     /// is visible by then. If it throws Cancelled, the page before is shown again.
     virtual void OnSetActive() {}
 
-    /// Returns the dialog id of the next page, 0 for the neighbouring page, -1 to stay. Before -1, the page has told
-    /// the user why.
+    /// Returns the dialog id of the next page, 0 for the neighbouring page, -1 to stay. Before returning -1, the page
+    /// tells the user the reason.
     virtual LRESULT OnWizardNext() { return 0; }
 
     /// Returns the same for the previous page.

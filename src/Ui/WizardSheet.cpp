@@ -35,8 +35,8 @@
 // work replaces the row of buttons by a row with its progress; only Cancel stays.
 namespace {
 
-// These letters are the same on every page, so no page has a control with one of them. Users can then go through the
-// pages with the same keys.
+// These letters are the same on every page, so no page has a control with one of them. Users can go through all pages
+// with the same keys.
 constexpr const char* kBack = "< Bac&k";
 constexpr const char* kNext = "Ne&xt >";
 constexpr const char* kCancel = "&Cancel";
@@ -173,14 +173,14 @@ void WizardSheet::next()
     go(ask([this] { return activePage()->OnWizardNext(); }), 1);
 }
 
-// The page stores what there is to store, and may refuse.
+// The page stores its data, and may refuse.
 void WizardSheet::finish()
 {
     if (activePage()->OnWizardFinish() != 0)
         accept();
 }
 
-// While work runs, Cancel is the work's: the sheet stays.
+// While work runs, Cancel ends the work, and the sheet stays.
 void WizardSheet::cancel()
 {
     if (work)
@@ -191,7 +191,7 @@ void WizardSheet::cancel()
 
 // Ignores a cancellation right after long work has ended, because it was meant for the work. Escape and the window's
 // close button come here, too. The work may end just before the key is pressed, and closing the wizard then would lose
-// all that was entered.
+// all entries.
 void WizardSheet::reject()
 {
     constexpr qint64 reaction = 500; // milliseconds
@@ -222,7 +222,7 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageB
             focus->setFocus();
         sinceWork.start();
     });
-    // Makes Cancel the work's.
+    // Cancel ends the work from here on.
     const QScopedValueRollback running(work, &longWork);
     longWork.run(call);
 }
@@ -322,7 +322,7 @@ void WizardSheet::activate(int index)
     }
     updateMnemonics();
     setRadioTabStops(page);
-    // Finish gets the focus itself: there is nothing left to enter.
+    // Finish gets the focus itself, because nothing is left to enter.
     QWidget* first = firstTabStop(page);
     QWidget* const defaultButton = finishButton->isHidden() ? nextButton : finishButton;
     (first != nullptr && defaultButton == nextButton ? first : defaultButton)->setFocus();

@@ -28,7 +28,7 @@ using HPALETTE = std::nullptr_t; ///< unused: a picture brings its own colours
 
 /// A dialog of pages with the buttons Back, Next, Finish, Cancel and Help ("back", "next", "finish", "cancel", "help").
 /// Each page returns the page that follows on Next and on Back, in any order; QWizard's Back only leads to the page
-/// that was visited before, and its Next refuses a page that was. Does not own the pages.
+/// visited before, and its Next refuses visited pages. Does not own the pages.
 class WizardSheet : public QDialog
 {
     Q_OBJECT
@@ -53,7 +53,7 @@ public:
     WizardSheet(const CString& caption, CWnd* parent, UINT startPage, HBITMAP watermark, HBITMAP header);
 
     /// Appends a page; its position is its sheet index. Call it before the sheet is shown. The page becomes a child
-    /// widget of the sheet, so it must be destroyed before the sheet is, as a member of a derived class.
+    /// widget of the sheet, so it must be destroyed before the sheet, for example as a member of a derived class.
     void AddPage(WizardPage& page);
 
     /// Sets the sheet index of the first page.
@@ -70,14 +70,13 @@ public:
     /// Returns the current page; null before the sheet is first shown.
     WizardPage* activePage() const;
 
-    /// The actions of the buttons. A page may call next() for a double click. They ask the current page, so they need a
-    /// sheet that is shown.
+    /// The actions of the buttons. A page may call next() for a double click. They need a page that is shown.
     void back();
     void next();
     void finish();
 
-    /// Returns the result of `handler`, or -1 if it throws. Shows the exception, unless it is Cancelled. Qt can't pass
-    /// exceptions through its event loop, so each handler that may throw has to be called in this way.
+    /// Returns the result of `handler`, or -1 if it throws. Shows the exception, unless it is Cancelled. Exceptions
+    /// can't pass through Qt's event loop, so handlers that may throw are called in this way.
     LRESULT ask(const std::function<LRESULT()>& handler);
 
     /// Runs work that may take long in a thread of its own, and returns when it is done. Rethrows its exceptions. After
@@ -122,7 +121,7 @@ private:
     // Fits the letters of the buttons to those of the page.
     void updateMnemonics();
 
-    HBITMAP watermarkId; // of `watermark`, which is drawn again if the palette changes
+    HBITMAP watermarkId; // of `watermark`, which is loaded again if the palette changes
     QImage watermark;
     HeaderBand* band;
     QStackedWidget* stack;
