@@ -9,8 +9,8 @@ namespace {
 constexpr const char* kVariable = "SOURCE_DATE_EPOCH";
 constexpr long long kFirst = -62167219200, kLast = 253402300799; // start of the year 0 and end of the year 9999
 
-// Returns the time that SOURCE_DATE_EPOCH sets; nothing if it is not set or invalid. A year of five digits would not
-// fit into kTimeLength.
+// Returns the time that SOURCE_DATE_EPOCH sets; nothing if it is not set or invalid. A year of five digits does not fit
+// into kTimeLength.
 std::optional<std::time_t> fixedTime()
 {
     const char* const text = std::getenv(kVariable);
@@ -25,7 +25,6 @@ std::optional<std::time_t> fixedTime()
 
 } // namespace
 
-// In UTC, so that documents don't depend on the machine's time zone.
 CString generationTime()
 {
     const std::time_t now = fixedTime().value_or(std::time(nullptr));

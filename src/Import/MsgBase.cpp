@@ -15,7 +15,7 @@ constexpr std::size_t kAhead = 8; // elements that enumNext() prefetches ahead
 
 } // namespace
 
-// The base path is converted by itself, because its encoding may differ from that of the names.
+// toXmlText() converts the base path separately, because its encoding may differ from that of the names.
 int MsgBase::parseFile(const CString& fileName, const CString& basePath)
 {
     clear();
@@ -25,7 +25,6 @@ int MsgBase::parseFile(const CString& fileName, const CString& basePath)
         if (cause != FileCause::none)
             return fail(cantOpen(fileName, cause), {fileName, inWords(fileName, cause)});
     }
-    // If the import is cancelled, no half-filled model stays.
     return orEmpty([&] {
         const int result = parse(isFileMode() ? fileName : source, toXmlText(basePath), fileName);
         source = {}; // freed, because arranging needs memory, too
@@ -44,7 +43,7 @@ int MsgBase::parseData(const CString& data, const CString& basePath)
     });
 }
 
-// Runs an import. If it is cancelled, no half-filled model stays, and the exception goes on.
+// Runs an import. If it is cancelled, clears the model, so that no part of it stays, and passes the exception on.
 template <class Import>
 int MsgBase::orEmpty(Import import)
 {
@@ -114,7 +113,7 @@ int MsgBase::fail(const CString& text, const SourceFault& fault) const
     return 0;
 }
 
-// A longer tag would exceed the parser's limit, so the document could not be read back.
+// The parser could not read a document with a longer tag.
 CString MsgBase::queryFrameTag() const
 {
     const CString name = toXmlName(queryMainTypeName());
@@ -123,14 +122,14 @@ CString MsgBase::queryFrameTag() const
     return CString(tag);
 }
 
-// Each type is rendered into one buffer and passed on, so memory doesn't grow with the document.
+// Each type is rendered into the same buffer and passed on, so memory doesn't grow with the document.
 void MsgBase::writeXML(const std::function<void(std::string_view)>& write)
 {
     constexpr unsigned typesPerReport = 16;
     ProgressMeter progress(Work::writing, static_cast<std::uint64_t>(beginEnum()), typesPerReport);
     std::uint64_t written = 0;
     const CString tag = queryFrameTag();
-    // Comparisons of documents rely on the place of the time, see kBeforeTime.
+    // Comparisons of documents rely on the position of the time, see kBeforeTime.
     write(CString(kBeforeTime) + generationTime() + " -->\r\n<" + tag + ">\r\n");
     while (Element* element = enumNext()) {
         write(element->asXML());

@@ -12,8 +12,8 @@
 /// of the source there, by addElement() and addAttribute(). Afterwards repeated usages become tables, and the types can
 /// be enumerated in dependency order.
 ///
-/// One object may import several times; each import replaces the result of the last. It is used by one thread at a
-/// time: the wizard imports in a thread of its own, and reads the result after that has ended.
+/// One object may import several times; each import replaces the result of the last. Only one thread at a time may use
+/// it: the wizard imports in a separate thread, and reads the result after that has ended.
 class MsgBase
 {
 public:
@@ -25,8 +25,8 @@ public:
 
     /// Declares the elements of a source: `source` is the file's contents or, if isFileMode(), its name, or the text
     /// given to parseData(). Types are placed under `basePath`; `fileName` is "" for parseData(). Returns nonzero on
-    /// success; on failure the importer has shown a message. Call parseFile() or parseData() instead, which clear the
-    /// model first and order it afterwards.
+    /// success. Most importers have shown a message on failure. Call parseFile() or parseData() instead, which clear
+    /// the model first and order it afterwards.
     virtual int parse(const CString& source, const CString& basePath, const CString& fileName) = 0;
     /// Returns nonzero if parse() gets the name of the file instead of its contents.
     virtual int isFileMode() const { return 0; }
@@ -40,10 +40,11 @@ public:
     int parseFile(const CString& fileName, const CString& basePath);
 
     /// Sets further files that parseFile() reads after its own, all as one source. Returns false if the importer reads
-    /// only one file. They hold for all following imports.
+    /// only one file. They apply to all following imports.
     virtual bool setFurtherFiles(const std::vector<CString>&) { return false; }
 
-    /// Also reports details, which costs a literal reading an extra look at the source. Losses are always reported.
+    /// Also reports details of a DTD in the literal reading, which takes additional time. All other details, and
+    /// losses, are always reported.
     void wantReport() { isReportWanted = true; }
 
     /// Receives the errors and warnings of an import: the text for a message box, and the same in parts.
@@ -52,7 +53,7 @@ public:
     /// Sets where errors and warnings go; by default, or for an empty handler, to CQELApp::Error().
     void setErrorHandler(ErrorHandler handler) { errorHandler = std::move(handler); }
 
-    /// Makes a source without types a success; the literal readings never refuse one.
+    /// Makes a full reading succeed for a source without types.
     void allowEmpty() { isEmptyAllowed = true; }
 
     /// Returns the report of the last import: what was not carried over into the types.
@@ -68,11 +69,11 @@ public:
     /// Sets `out` to the message document: header, main element and the documents of all types.
     void getXML(CString& out);
 
-    /// Writes the message document in pieces, in order, so that it is never whole in memory.
+    /// Passes the message document to `write` in pieces, in order, so that memory never holds all of it.
     void writeXML(const std::function<void(std::string_view)>& write);
 
     int beginEnum();     ///< moves the cursor before the first type; returns the number of types
-    Element* enumNext(); ///< returns the next type; null at the end and from then on
+    Element* enumNext(); ///< returns the next type; null at the end, also in further calls
 
     /// Declares one occurrence of an element under `parent` (null for a top-level element) and returns the element,
     /// which the model owns. If a usage key occurs again, the element repeats in its parent. Throws Cancelled.

@@ -5,8 +5,8 @@
 class FullMessage;
 class MsgBase;
 
-/// The source of an importer, and its name on the command line. The flags tell wizard and command line what they may
-/// offer, so neither needs to know an importer.
+/// The source of an importer, and its name on the command line. The flags tell the wizard and the command line what to
+/// offer, so neither depends on an importer.
 struct ImporterSource
 {
     const char* word = "";     ///< on the command line
@@ -33,7 +33,7 @@ public:
     MsgUIDescriptor(const CString& basePath, unsigned int nameId, unsigned int descriptionId, Factory factory,
                     long nextPage, FullFactory fullFactory = nullptr, const ImporterSource& source = {});
 
-    /// Return the name and the description; both are loaded from the string table on first use. The references are
+    /// Return the name and the description; both are loaded from the string table at the first call. The references are
     /// valid as long as the row.
     CString& getName();
     CString& getDescription();

@@ -118,14 +118,14 @@ CString shortened(std::string_view name)
     return text;
 }
 
-// Returns whether such a construct may hide components of the source. It then belongs to the whole source: what is
-// missing may be what the requested types need.
+// Returns whether such a construct may hide components of the source. It then belongs to the whole source, because the
+// requested types may need the hidden ones.
 bool mayHideComponents(SourceReport::Construct construct)
 {
     return construct <= SourceReport::moduleRemote || construct == SourceReport::unterminated;
 }
 
-// A hash stands for an entry, so that a repetition is found without keeping whole names.
+// Returns a hash of an entry, which identifies repetitions without storing whole names.
 std::uint64_t hashOf(SourceReport::Construct construct, SourcePlace place, std::string_view name)
 {
     const std::uint32_t head[] = {construct, place.file, place.line, place.column};
@@ -151,8 +151,7 @@ void SourceReport::add(Construct construct, SourcePlace place, std::string_view 
     if (mode == paused)
         return;
     const std::uint64_t hash = hashOf(construct, place, name);
-    // Beyond the bound a place is reported without knowing whether its component is reached: too much is better than
-    // memory without bound.
+    // Beyond the bound, a place is reported even if its component turns out not to be reached.
     if (mode == holding && heldBytes < kMaxMegabytes[loss] << 20) {
         const Component owner = mayHideComponents(construct) ? 0 : component;
         heldPlaces.push_back({{names.keep(shortened(name)), place, construct}, hash, owner});
@@ -183,7 +182,7 @@ void SourceReport::list(const Entry& entry)
 }
 
 // Adds up the counts of a component, so that a large one takes no more memory. Only the last entries are searched:
-// those of the current component, which has one for each construct at most.
+// those of the current component, at most one for each construct.
 void SourceReport::holdBack(Construct construct, std::size_t times)
 {
     if (times == 0)
@@ -196,7 +195,7 @@ void SourceReport::holdBack(Construct construct, std::size_t times)
     heldCounts.push_back({times, component, construct});
 }
 
-// Goes through countPlace() as add() does, so the result is that of a report of the reached components alone.
+// Calls countPlace() like add(), so the result is the report of the reached components alone.
 void SourceReport::release(const std::function<bool(Component)>& isReached)
 {
     const auto isReported = [&](Component owner) { return owner == 0 || !isReached || isReached(owner); };
@@ -226,7 +225,7 @@ std::size_t SourceReport::queryTotal(Sort sort) const
     return total;
 }
 
-// The sort is stable, so constructs of equal counts are in the order of the table, and reports don't vary.
+// The sort is stable, so constructs with equal counts are in the order of the table.
 std::vector<SourceReport::Count> SourceReport::queryCounts(Sort sort) const
 {
     std::vector<Count> found;

@@ -34,8 +34,8 @@ struct SourceRefusal
 /// place with the same name are dropped. Places are kept up to a memory bound for each sort; counts are always
 /// complete.
 ///
-/// Readers add constructs as they meet them, so entries are in the order of reading. A reader that learns only at its
-/// end which declarations are imported holds them back until then, see hold().
+/// Readers add constructs as they read them, so entries are in the order of reading. A reader that doesn't know until
+/// its end which declarations are imported holds constructs back, see hold().
 class SourceReport
 {
 public:
@@ -47,7 +47,7 @@ public:
         sortCount
     };
 
-    /// In the order of the table of constructs, see rowFor(). An id in reports belongs to a construct for good.
+    /// In the order of the table of constructs, see rowFor(). The id of a construct in reports never changes.
     enum Construct : std::uint8_t
     {
         // Losses.
@@ -175,10 +175,10 @@ public:
     /// only passes it back in release().
     using Component = std::uint32_t;
 
-    /// Holds back what add() and count() get from now on, until release(). Up to 64 MB of places are held; further ones
-    /// are reported at once. Losses of declarations that are not imported then don't count.
+    /// Holds back what add() and count() get from now on, until release(), so that losses of declarations that are not
+    /// imported don't count. Up to 64 MB of places are held back; further ones are reported at once.
     void hold() { mode = holding; }
-    /// Returns whether hold() is in effect, so that a reader needs components only then.
+    /// Returns whether hold() is in effect. Readers need components only then.
     bool isHolding() const { return mode == holding; }
 
     /// Sets the component that the following constructs belong to, and returns the one before. Documents that can't be
@@ -219,8 +219,8 @@ public:
     /// Returns the constructs of one sort that occurred, most frequent first.
     std::vector<Count> queryCounts(Sort sort) const;
 
-    /// Returns the same in words, constructs with equal words together, most frequent first: "2 references became
-    /// text".
+    /// Returns the same in words: "2 references became text". Constructs with equal words are counted together; the
+    /// most frequent come first.
     std::vector<CString> countsInWords(Sort sort) const;
 
     /// Returns the losses in one line: "3 losses: 2 references became text, 1 document not found"; empty if there are
@@ -231,7 +231,7 @@ public:
     void clear();
 
 private:
-    // What is listed of one sort.
+    // The entries of one sort.
     struct Places
     {
         std::deque<Entry> entries;
@@ -239,7 +239,7 @@ private:
         std::size_t unlisted = 0; // dropped because the memory is full
     };
 
-    // What becomes of added constructs: they are reported, held back, or ignored.
+    // The treatment of added constructs: they are reported, held back, or ignored.
     enum Mode : std::uint8_t
     {
         reporting,
@@ -251,7 +251,7 @@ private:
     struct HeldPlace
     {
         Entry entry;
-        std::uint64_t hash; // of the entry with its whole name, which is kept only in part
+        std::uint64_t hash; // of the entry with its whole name, which may be cut in `entry`
         Component component;
     };
 

@@ -7,9 +7,9 @@
 #include <utility>
 
 // The document is read as a stream that hands over each child of the root as a tree, so memory holds one type and the
-// model. A child counts whatever its tag, and so do the children of ENUM and ROW.
+// model. The tags of the children of the root, of ENUM and of ROW are not checked.
 //
-// A type without content ends the import. Types after it are lost, which the report says.
+// A type without content ends the import. Types after it are reported as losses.
 const BrokerMessage::Content BrokerMessage::kContents[] = {
     {"ARRAY", Element::typeArray, &BrokerMessage::readArray},
     {"ENUM", Element::typeEnum, &BrokerMessage::readConstants},
@@ -55,7 +55,7 @@ bool BrokerMessage::readType(const IXMLDOMNode& node)
     Type type;
     std::string_view description;
     readAttributes(node, {{"NAME", &type.name}, {"DESCRIPTION", &description}});
-    // A single backslash at the start belongs to the name, not to a folder.
+    // If the only backslash is at the start, it belongs to the name.
     type.folder = "\\";
     const std::size_t backslash = type.name.rfind('\\');
     if (backslash != type.name.npos && backslash > 0) {
@@ -104,9 +104,9 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
     }
 }
 
-// Reads the constants of an enumeration. The key of each includes the type's name and all constants before it, so no
-// two of an enumeration are equal. It is hashed as it grows, since all keys as texts would take the square of the
-// enumeration's length. Enumerations of one name in two folders may have equal keys.
+// Reads the constants of an enumeration. The key of each includes the type's name and all constants before it, so the
+// keys of an enumeration differ. The key is only hashed, because the texts of all keys would take memory quadratic in
+// the length of the enumeration. Enumerations of one name in two folders may have equal keys.
 void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
 {
     RunningHash key(type.name);
@@ -146,7 +146,7 @@ void BrokerMessage::readFields(const IXMLDOMNode& content, const Type& type)
     }
 }
 
-// Reads a table. The type of its component is that of the first child, whatever its tag.
+// Reads a table. The first child is its component, whatever its tag.
 void BrokerMessage::readTable(const IXMLDOMNode& content, const Type& type)
 {
     std::string_view componentType;

@@ -6,14 +6,14 @@
 /// The importer of BROKERTYPEDESCRIPTION documents, as the output page writes them: a root with one description for
 /// each type. The folders are those of the document; the base path is ignored.
 ///
-/// Each type is a record at first, and its content changes the kind. Fields have the type that the document names,
-/// whether a description of that type follows or not. What the model has no place for, and what hides a type, is a
-/// loss.
+/// Each type is a record at first, and its content element changes the kind. Fields have the type that the document
+/// names, whether it describes that type or not. Parts that the model has no place for are losses, and so are types
+/// that are left out.
 class BrokerMessage : public MsgBase
 {
 public:
-    /// Doesn't merge by name: types of one name may lie in several folders. Usage keys of fields begin with a dot,
-    /// since those of types don't.
+    /// Doesn't merge by name, because fields of one name may have different types. Usage keys of fields begin with a
+    /// dot, so that they differ from those of types.
     BrokerMessage() : MsgBase(0, ".") {}
 
     /// Returns a new importer, owned by the caller; the factory of the table of importers.
@@ -26,7 +26,7 @@ public:
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 
     /// Keeps types, constants or fields with the same name separate. By default they are merged into one that repeats.
-    /// Comparisons need it: the document and its source must then have the same parts.
+    /// Comparisons of documents use it, so that no part is merged.
     void keepTwins() { keepsTwins = true; }
 
     static MsgUIDescriptor m_descr;

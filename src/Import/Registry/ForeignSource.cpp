@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <array>
 
-// Three ways to recognise a format, in the order of their certainty: the first bytes, the namespace of the root
-// element, and the first words of a text. The words are tried last, and only on text that no importer knows, because
-// they may also begin something else.
+// A format is recognised by its first bytes, else by the namespace of the root element, else by the first words of a
+// text. Words are the least certain, because texts of other formats may begin with them, too. So they are compared
+// last, and only if no importer knows the text.
 namespace {
 
-constexpr std::size_t kMaxLines = 20; // of CSV that are compared
+constexpr std::size_t kMaxLines = 20; // the lines of CSV that are compared
 
 struct Signature
 {
@@ -72,7 +72,7 @@ bool isLetter(char c)
            c == '.' || c == ':' || static_cast<unsigned char>(c) >= 0x80;
 }
 
-// Returns the first words and marks of a text outside of comments, which often hold a licence.
+// Returns the first words and marks of a text outside of comments, because many sources begin with a licence.
 Words firstWords(std::string_view text, const Comments& comments)
 {
     Words words;
@@ -108,7 +108,7 @@ bool isRelaxCompact(std::string_view text)
            (isOneOf(first, {"element", "attribute"}) && third == "{") || (second == "=" && isPattern);
 }
 
-// "package" and "import" also begin sources of other languages, so these need a second sign.
+// Sources of other languages also begin with "package" or "import", so a second mark is required after these.
 bool isProtobuf(std::string_view text)
 {
     const auto [first, second, third] = firstWords(text, {"//", "/*"});
@@ -129,7 +129,7 @@ std::size_t countOutsideQuotes(std::string_view line, char separator)
 {
     bool isQuoted = false;
     return static_cast<std::size_t>(std::ranges::count_if(line, [&](char c) {
-        // A doubled quote inside of quotes toggles twice.
+        // A doubled quote inside of quotes toggles twice, so the text stays quoted.
         isQuoted ^= c == '"';
         return c == separator && !isQuoted;
     }));
@@ -167,7 +167,7 @@ struct Language
 };
 
 // Suffix, test of the content, advice. The suffix alone decides if it matches. isCsv() comes last, because any text may
-// have commas.
+// contain commas.
 constexpr Language kLanguages[] = {
     {".rnc", isRelaxCompact, "this is RELAX NG in its compact form; convert it with trang, then import the schema"},
     {".proto", isProtobuf, "this is Protobuf; convert it to JSON Schema with protoc-gen-jsonschema, then import that"},
@@ -199,7 +199,7 @@ std::string_view foreignSource(std::string_view start, std::string_view content)
     return {};
 }
 
-// The name counts for more than the content, which is only guessed.
+// The suffix takes precedence over the content, which only allows a guess.
 std::string_view foreignText(std::string_view start, std::string_view fileName)
 {
     const CString name = lowerAscii(fileName);

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxLookahead = 1 << 16; // bytes of a file that are looked at
+constexpr std::size_t kMaxLookahead = 1 << 16; // bytes of a file that are read
 
 struct Ending
 {
@@ -19,7 +19,7 @@ struct Ending
     std::string_view importer;
 };
 
-// Suffixes that decide without a look at the content. ".xml" and ".json" are missing, because several importers read
+// Suffixes that decide without regard to the content. ".xml" and ".json" are missing, because several importers read
 // such files.
 constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},    {".ent", "dtd"},
                                {".xsd", "xsd"},   {".wsdl", "wsdl"},  {".avsc", "avro"},
@@ -99,7 +99,7 @@ std::string_view contentOf(std::string_view text)
 std::string_view wordFor(std::string_view text)
 {
     constexpr std::string_view type = "BROKERTYPEDESCRIPTION";
-    // A reference to a parameter entity may begin a DTD; YAML begins with a directive.
+    // A DTD may begin with a reference to a parameter entity, YAML with a directive.
     if (text.starts_with("<!") || (text.starts_with("%") && !text.starts_with("%YAML ")))
         return "dtd";
     if (!text.starts_with("<"))
@@ -107,7 +107,7 @@ std::string_view wordFor(std::string_view text)
     const std::string_view root = nameOf(text);
     if (root == "schema")
         return "xsd";
-    // Types that were written before are recognised by the first child, because their root has the name of a type.
+    // Message documents are recognised by their first child, because their root is called like a type.
     skipPast(text, ">");
     skipProlog(text);
     return root == type || (text.starts_with("<") && nameOf(text) == type) ? "btd" : "xml";
@@ -121,8 +121,9 @@ struct Identified
     std::string_view foreign;
 };
 
-// Order matters. A format without an importer comes before the suffix, so that a compressed .xsd is recognised. So does
-// a WSDL, which may be called .xml or .xsd. A pipe's name is arbitrary, so its content decides before its name.
+// The order matters. Formats without an importer come before the suffix, so that a compressed .xsd is recognised, and
+// so do WSDLs, which may have the suffix .xml or .xsd. The name of a pipe is arbitrary, so its content comes before its
+// name.
 Identified identify(const CString& fileName)
 {
     const auto* named = std::find_if(std::begin(kEndings), std::end(kEndings),

@@ -12,7 +12,7 @@
 #include "Resources/DialogIds.h"
 #include "Resources/StringIds.h"
 
-// The rows are defined here and not beside their classes: a row needs the full reading, which itself refers to the row
+// The rows are defined here and not with their classes, because a row needs the full reading, which refers to the row
 // of the literal one.
 //
 // Columns: base path, name, description, factory, next page, full reading; then the source.

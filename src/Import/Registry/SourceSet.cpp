@@ -12,7 +12,7 @@ namespace {
 // Returns whether a file in a folder is a source of this importer. Modules and other parts of sets aren't.
 bool isSourceOf(const MsgUIDescriptor& importer, const CString& name)
 {
-    // The suffix of a set's sources is the importer's word: .dtd, .xsd, .wsdl.
+    // If the importer reads sets, the suffix of its sources is its word: .dtd, .xsd, .wsdl.
     const ImporterSource& source = importer.querySource();
     if (importer.readsSets())
         return endsWithAscii(name, CString(".") + source.word);
@@ -56,7 +56,7 @@ std::vector<CString> filesIn(const CString& folder, const MsgUIDescriptor* impor
         }
         files.push_back(entry.path().string());
     }
-    // Folders list their files in no order, and the order of a set is part of its result.
+    // Folders list their files in no particular order, and the result depends on the order.
     std::ranges::sort(files);
     return files;
 }

@@ -9,7 +9,7 @@ class MsgUIDescriptor;
 /// Returns `sources` with each folder replaced by the source files in it, sorted by name. These are the files with a
 /// suffix of `importer`. If that is null, they are those of all importers that read sets, or only the WSDLs if there
 /// are any. `isRecursive` includes subfolders, but no links to folders. Throws std::runtime_error if a folder can't be
-/// read or has no source. Other sources stay as they are, whether they exist or not.
+/// read or has no source. Other sources stay in the list, whether they exist or not.
 std::vector<CString> withoutFolders(const std::vector<CString>& sources, const MsgUIDescriptor* importer,
                                     bool isRecursive);
 

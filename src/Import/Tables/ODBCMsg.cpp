@@ -76,13 +76,14 @@ void ODBCMessage::setChosen(std::vector<ChosenTable> tables)
     std::ranges::sort(chosen, {}, nameOf);
 }
 
-// A table that can't be read leaves its record without fields, and the import goes on; a database error ends it.
+// If the columns of a table can't be listed, its record has no fields and the import continues. A database error ends
+// the import.
 int ODBCMessage::parse(const CString& source, const CString& basePath, const CString&)
 {
     ProgressMeter progress(Work::tables, static_cast<std::uint64_t>(std::ranges::count(source, '\n')), 1);
     std::uint64_t done = 0;
     reportUnnamed();
-    // One object for all tables, because it caches what it finds out about the databases.
+    // One object for all tables, because it caches which databases have which tables.
     CColumns columns(mainWindow ? mainWindow->queryDatabase() : nullptr);
     QELStringIterator names(source.c_str());
     names.beginEnum('\n');
@@ -105,7 +106,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
     if (exact)
         columns.Open(textOrNull(exact->qualifier), textOrNull(exact->owner), tableName.c_str(), nullptr);
     else
-        // The driver chooses among tables of this name, by its search path or current database.
+        // Among tables of this name, the driver chooses by its search path or current database.
         columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
     Element* table = addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
     const SourcePlace place{report.addFile(tableName)};
@@ -118,8 +119,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         reportCuts(columns, place);
         if (const auto type = elementTypeOf(columns.dataType)) {
             reportSameKey(tableName, columns.columnName, *table, place);
-            // The key has no separator, which documents depend on; reportSameKey() reports the cases in which that
-            // matters.
+            // The key has no separator, because existing documents depend on that. reportSameKey() reports equal keys.
             addElement(tableName + columns.columnName, basePath, columns.columnName, columns.remarks, *type, table);
         } else {
             report.add(SourceReport::columnSkipped, place, columns.columnName + " (" + columns.typeName + ")");
@@ -132,8 +132,8 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         reportTables(tableName, read);
 }
 
-// Reports why a table has no columns. Only the catalogue can tell an empty table from one that was dropped since it was
-// listed.
+// Reports why a table has no columns. Only the catalogue distinguishes an empty table from one that was dropped since
+// it was listed.
 void ODBCMessage::reportEmpty(const CString& tableName, SourcePlace place)
 {
     if (tableExists(tableName))

@@ -31,7 +31,7 @@ struct ChosenTable
 class ODBCMessage : public MsgBase
 {
 public:
-    /// Takes the current main window, whose connection is used.
+    /// Uses the connection of the current main window.
     ODBCMessage();
 
     /// Returns a new importer, owned by the caller; the factory of the table of importers.
@@ -40,7 +40,7 @@ public:
     /// `source` holds table names, each ended by a line feed, up to the first empty one. The tables are read through
     /// the main window's connection. Returns 1; throws CDBException on a database error. The data source takes a name
     /// as a pattern, so the columns of all matching tables go into one record. If several match, that is reported as a
-    /// loss. Each table is a file of the report, without lines.
+    /// loss. In the report, each table is a file without lines.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
     /// Sets the tables that the names stand for in further imports. A table is a loss if its name can't be a line of
     /// the source, or if another table of the same name is read instead.

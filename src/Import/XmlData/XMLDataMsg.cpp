@@ -13,7 +13,7 @@ bool XMLDataMessage::setFurtherFiles(const std::vector<CString>& files)
     return true;
 }
 
-// The files are read one after the other by the same walk, so memory holds names and declarations, never a document.
+// One walk reads all files, one after the other, so memory holds names and declarations, but no document.
 int XMLDataMessage::parse(const CString& source, const CString& basePath, const CString&)
 {
     XMLDataWalk walk(report, !furtherFiles.empty());
@@ -53,6 +53,6 @@ void XMLDataMessage::doParse(XMLDataWalk& walk)
                 element->asAttribute();
         }
     }
-    // Before arrange() makes tables, which would hide what was declared.
+    // Called before arrange() makes tables, which replace declared elements.
     walk.reportLosses(model);
 }

@@ -13,7 +13,7 @@ class XMLDataWalk;
 class XMLDataMessage : public MsgBase
 {
 public:
-    /// Merges by name: all elements of a name are one, wherever they occur.
+    /// Merges by name: all elements of a name are one element, wherever they occur.
     XMLDataMessage() : MsgBase(1) {}
 
     /// Returns a new importer, owned by the caller; the factory of the table of importers.
@@ -27,7 +27,7 @@ public:
     /// With further files, a repeated field becomes a table in each of its records, not only in the first, so that the
     /// result doesn't depend on the order of the files. Call it before the import.
     bool setFurtherFiles(const std::vector<CString>& files) override;
-    /// Returns the tag of the root with its prefix, as the messages have it.
+    /// Returns the tag of the root with its prefix.
     CString queryMainTypeName() const override { return mainTypeName; }
     MsgUIDescriptor* queryDescriptor() const override { return &m_descr; }
 

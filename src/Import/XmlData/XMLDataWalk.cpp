@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-// Each occurrence takes a guess, a comparison and a few assignments: messages repeat their structure, so the pair is
-// usually the one that came next the last time. Names are joined and hashed only for new pairs.
+// Messages repeat their structure, so the pair of an occurrence is usually the one that followed the last pair before.
+// That guess makes most occurrences a comparison and a few assignments; names are joined and hashed only for new pairs.
 //
 // The document itself is a node without an element. It has sequence number 0, as the root has, so the root's attributes
 // and its children share keys.
@@ -37,8 +37,8 @@ void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
         setRootTag(name.prefix ? CString(name.prefix) + ":" + name.local : name.local);
     Pair& child = pairOf(open.back().item, name.local, false);
     addOccurrence(child);
-    // Attributes are counted before the node opens: their keys end in the number of the element's parent, so those of
-    // siblings are one usage.
+    // Attributes are counted before the node opens: their keys end in the number of the element's parent, so the
+    // attributes of siblings share a usage.
     for (std::size_t i = 0; i < attributes.size(); ++i)
         addOccurrence(pairOf(child.item, attributes[i].name.local, true));
     if (isRoot)
@@ -54,7 +54,7 @@ void XMLDataWalk::endElement()
 
 std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
 {
-    // Some are kept later than they occurred, when their node ends or another usage repeats.
+    // Declarations are out of order, because some are only kept when their node ends or their usage repeats.
     std::sort(declarations.begin(), declarations.end(),
               [](const Declaration& a, const Declaration& b) { return a.moment < b.moment; });
     // Frees memory before the caller builds the model.
@@ -113,8 +113,8 @@ void XMLDataWalk::addOccurrence(Pair& pair)
     pair.isLinked = true;
 }
 
-// Begins a usage. It is kept at once if it links a new pair. Whether it is its element's first one that occurs once
-// shows only when the node ends.
+// Begins a usage. It is kept at once if it links a new pair. Whether it is its element's first usage that occurs once
+// is only known when the node ends.
 void XMLDataWalk::beginUsage(Pair& pair)
 {
     Usage& usage = *pair.usage;
@@ -127,8 +127,8 @@ void XMLDataWalk::beginUsage(Pair& pair)
         undecided.push_back(&usage);
 }
 
-// Counts a further occurrence under a key. Another pair under the key repeats the usage, but has occurred once itself:
-// only its second occurrence is a repetition in the document.
+// Counts a further occurrence under a key. The first occurrence of another pair under the key repeats the usage, but
+// only the second one is a repetition in the document.
 void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
 {
     if (usage.pair != &pair && usage.sharer != &pair)
@@ -150,7 +150,7 @@ void XMLDataWalk::repeatUsage(Usage& usage, Pair& pair)
     }
 }
 
-// Adds a declaration, and lets the usage find it again if it repeats later.
+// Adds a declaration, and stores its index in the usage, in case that repeats later.
 void XMLDataWalk::keep(Usage& usage)
 {
     usage.declaration = declarations.size();

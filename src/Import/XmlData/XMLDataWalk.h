@@ -46,7 +46,7 @@ public:
     };
 
     /// The latest usage of a key, with the sequence number that completes the key, and the depth of its parent node.
-    /// Usages are reused: the one of an ended node is overwritten by the next.
+    /// Usages are reused: the next node overwrites that of an ended one.
     struct Usage
     {
         const Fingerprint& queryKey() const { return key; }
