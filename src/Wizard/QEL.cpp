@@ -65,7 +65,7 @@ BOOL CQELApp::InitInstance()
     return 0;
 }
 
-// The help window belongs to the wizard and goes with it.
+// The help window belongs to the wizard and is destroyed with it.
 void CQELApp::WinHelp(DWORD data, UINT command)
 {
     constexpr UINT contextHelp = 1;

@@ -109,8 +109,8 @@ QELWizard::~QELWizard()
 }
 
 // `shown` is the importer of the input page if that is current, so that a file dropped there only changes the name. The
-// importer's row is set before its page is shown, because that page then selects the row. show() comes first, since the
-// sheet has no current page before.
+// importer's row is set before its page is shown, because that page then selects the row. show() comes first, because
+// the sheet has no current page before.
 void QELWizard::openFiles(const QStringList& files)
 {
     MsgUIDescriptor* const shown = activePage() == &sourcePage ? message->queryDescriptor() : nullptr;

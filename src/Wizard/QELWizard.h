@@ -28,7 +28,7 @@ public:
     ~QELWizard() override;
 
     /// Goes through the pages as the user would: chooses the importer, and continues to the input page with the names.
-    /// Ignores nothing silently: a box lists the files that are left out. `files` must not be empty.
+    /// A box lists the files that are left out. `files` must not be empty.
     void openFiles(const QStringList& files) override;
 
 protected:

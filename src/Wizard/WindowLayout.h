@@ -8,8 +8,7 @@ class QWidget;
 /// before the window is shown.
 void restoreGeometry(QWidget& window);
 
-/// Restores the widths of columns and splitters inside `page`. Those of a page with other columns than when they were
-/// stored are ignored.
+/// Restores the widths of columns and splitters inside `page`. Stored widths are ignored if their number differs.
 void restoreWidths(const QWidget& page);
 
 /// Stores the layout of a window and everything in it. A failure is not reported, because nobody waits for the result.

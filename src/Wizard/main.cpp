@@ -61,9 +61,9 @@ void openDisplay(int& argc, char* argv[], std::optional<QApplication>& applicati
 
 } // namespace
 
-// Help and version come first, because they need no display. Qt takes its own options out of the arguments, so unknown
-// ones can only be told afterwards. The program ends when the wizard does, not with the last window: help and pictures
-// are windows, too.
+// Help and version come first, because they need no display. Qt removes its own options from the arguments, so unknown
+// ones can only be detected afterwards. The program ends when the wizard does, not with the last window: help and
+// pictures are windows, too.
 int main(int argc, char* argv[])
 {
     turnFileFaultsIntoErrors();

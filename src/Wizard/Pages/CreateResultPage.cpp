@@ -21,7 +21,8 @@
 
 namespace {
 
-// Returns whether a line tells of a type that was not created, or why. A skipped type is the user's own choice.
+// Returns whether a line is about a type that was not created, or gives the reason. A skipped type is the user's own
+// choice.
 bool isFailure(ResultKind kind)
 {
     return kind == ResultKind::failed || kind == ResultKind::reason || kind == ResultKind::cancelled;

@@ -24,7 +24,7 @@ private:
     QHBoxLayout* makeButtons();
     // Fills the box with all lines, or only with those of failures and their reasons.
     void showFailuresOnly(bool only);
-    // Each ends with a line feed.
+    // Returns the shown lines, each with a line feed at its end.
     CString shownLines() const;
     // Copy or save the shown lines, not the hidden ones.
     void copy();

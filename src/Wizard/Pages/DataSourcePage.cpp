@@ -48,7 +48,7 @@ void DataSourcePage::OnSetActive()
         announce(*hint, tr("There are no data sources on this computer. Help explains how to set one up."));
 }
 
-// The name goes to the drivers as it is listed. Starts the script anew, with the data source as the source.
+// Passes the name on as it is listed. Starts the script anew, with the data source as the source.
 LRESULT DataSourcePage::OnWizardNext()
 {
     const int row = dataSourceList->selectedRow();

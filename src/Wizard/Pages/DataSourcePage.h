@@ -16,7 +16,7 @@ public:
 
     void OnInitDialog() override;
     void OnSetActive() override;
-    /// Opens the selected data source, and asks for a logon if it wants one. Stays if it can't be opened.
+    /// Opens the selected data source, and asks for a logon if it needs one. Stays if it can't be opened.
     LRESULT OnWizardNext() override;
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
 

@@ -65,8 +65,8 @@ void DatabaseTablePage::showSelection()
     selectedOnly->setEnabled(count != 0 || selectedOnly->isChecked());
 }
 
-// The tables are read each time, because another data source may have been opened. Both lists are emptied first, since
-// reading them can fail.
+// The tables are read each time, because another data source may have been opened. Both lists are emptied first,
+// because reading them can fail.
 void DatabaseTablePage::OnSetActive()
 {
     selectedOnly->setChecked(false);
@@ -80,7 +80,7 @@ void DatabaseTablePage::OnSetActive()
     });
 }
 
-// Fills `tables` in the work's thread, while the list on the page is empty and reads nothing of it.
+// Fills `tables` in the work's thread. The list on the page is empty meanwhile, so it doesn't read them.
 void DatabaseTablePage::listTables()
 {
     const WaitCursor wait;

@@ -31,12 +31,12 @@
 
 // The list shows the importer's elements themselves, without copies: a cell is read when it becomes visible.
 // `structure` numbers the same types in the same order, so a row is a type's number there, too. To import again, by
-// another main element or in full, the page makes a second importer beside the first. Only if that succeeds does it
-// replace the first, and all pointers to elements are dropped before the first is freed (importBy()).
+// another main element or in full, the page makes a second importer, which replaces the first one only if it succeeds.
+// All pointers to elements are dropped before the first one is freed (importBy()).
 namespace {
 
-// Returns the folder for documents shown in a viewer. The variables let a user avoid a folder that the viewer can't
-// read: some browsers may not read /tmp.
+// Returns the folder for documents shown in a viewer. A user can set the variables if the viewer can't read a folder;
+// some browsers, for example, can't read /tmp.
 CString temporaryFolder()
 {
     for (const char* variable : {"TMP", "TEMP"})
@@ -56,8 +56,8 @@ bool hasOwnDescription(const Element& type)
 
 EditPage::EditPage() : QELPage(IDD_EDIT, "Typeforge - Generated types", IDS_EDIT_TITLE, IDS_EDIT_SUBTITLE) {}
 
-// Tab follows the order in which controls are created, which differs from their order on the page: the list comes
-// first, because that is what the page is about.
+// Tab follows the order in which controls are created, not their order on the page: the list, which the page is about,
+// comes before its filter and the row about the reading.
 void EditPage::OnInitDialog()
 {
     QELPage::OnInitDialog();
@@ -185,7 +185,7 @@ void EditPage::showTypes()
     const FullMessage* const full = wizard->fullMessage();
     // Types of several folders can have one name, so they are shown with their folder below the base path.
     const bool showsFolders = full && full->laysOutByNamespace();
-    // Folders in the model are converted, so the length is that of the converted path.
+    // Folders in the model are converted by toXmlText(), so the length is that of the converted path.
     const std::size_t base = toXmlText(wizard->options.queryPath()).size();
     typeList->setRows(
         static_cast<int>(types.size()),
@@ -222,7 +222,7 @@ void EditPage::findMain()
 }
 
 // Imports the source again, by another importer. The previous import is kept until the new one succeeds. Returns false
-// if it fails or is cancelled. Takes over `other`.
+// if it fails or is cancelled. Takes ownership of `other`.
 bool EditPage::importBy(FullMessage* other)
 {
     std::unique_ptr<MsgBase> previous = std::exchange(wizard->message, std::unique_ptr<MsgBase>(other));
@@ -239,7 +239,7 @@ bool EditPage::importBy(FullMessage* other)
     return true;
 }
 
-// Imports from another main element. A new importer has the settings of the former one, which stays if this fails.
+// Imports from another main element. The new importer has the settings of the previous one, which stays if this fails.
 void EditPage::chooseMain(const CString& name)
 {
     std::unique_ptr<FullMessage> another = wizard->fullMessage()->createAnother();
@@ -274,7 +274,7 @@ void EditPage::hideEvent(QHideEvent* event)
         clearTypes();
 }
 
-// The pane comes before the structure that it refers to.
+// Empties the pane first, because it refers to the structure.
 void EditPage::clearTypes()
 {
     pane->showType(nullptr, 0);
@@ -352,7 +352,6 @@ void EditPage::showDocument()
     (new DocumentWindow(sheet(), type->queryName(), document, {}))->show();
 }
 
-// The rows of the list are the types of the structure, in the same order, so a row is a type's number.
 void EditPage::showPicture()
 {
     const int row = queryRow();

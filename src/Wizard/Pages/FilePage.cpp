@@ -19,8 +19,8 @@
 
 namespace {
 
-// Returns a hidden frame, to be put over a field. It lets clicks through. A style sheet can't do it: an editable combo
-// box draws no frame of it.
+// Returns a hidden frame, to be put over a field. It lets clicks through. A style sheet can't draw it on an editable
+// combo box.
 QFrame* newRedFrame()
 {
     auto* frame = new QFrame;
@@ -99,7 +99,7 @@ void FilePage::UpdateData(bool save)
     folderLabel->setText(toUi(folderText));
 }
 
-// A cancelled dialog keeps the typed name; its folder may have changed all the same.
+// After a cancelled dialog the typed name is taken, because its folder may be new.
 void FilePage::OnPickfile()
 {
     UpdateData(true);
@@ -108,8 +108,8 @@ void FilePage::OnPickfile()
     fileCombo->setFocus(); // Return then continues instead of browsing again
 }
 
-// Sets the folder from the file name, which may be new or old. A name with a path keeps it in the field. A file of the
-// root has the folder "/".
+// Sets the folder from the file name, if that has a path. The field keeps the path. A file in the root has the folder
+// "/".
 void FilePage::takeFolder()
 {
     const CString named = namedFile();

@@ -58,7 +58,7 @@ void FinishPage::OnSetActive()
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext | WizardSheet::buttonFinish);
 }
 
-// Says what was done: the totals of the creation, or the file with its size.
+// Returns what was done: the totals of the creation, or the file with its size.
 QString FinishPage::summary() const
 {
     const ScriptCommand& script = wizard->script;
@@ -70,7 +70,7 @@ QString FinishPage::summary() const
              QLocale().formattedDataSize(size, 1, QLocale::DataSizeSIFormat));
 }
 
-// Shows a file or folder in the user's program. It may be gone, since the page can stay for long.
+// Shows a file or folder in the user's program. It may not exist any more, because the page can stay open for long.
 void FinishPage::view(const CString& name)
 {
     if (!QFileInfo::exists(toUi(name))) {

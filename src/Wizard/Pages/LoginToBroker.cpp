@@ -24,10 +24,9 @@
 #include <QRadioButton>
 #include <QValidator>
 
-// Next does everything: it checks the fields, logs on and creates the types as one piece of long work, and leads to the
-// results. Questions about existing types come from the work's thread and are asked in the window's. A failed logon
-// keeps the page. Once the creation has begun, the results follow in any case, also if it was cancelled, because some
-// types exist by then.
+// Next checks the fields, logs on and creates the types as one piece of long work, and leads to the results. Questions
+// about existing types come from the work's thread and are asked in the window's. A failed logon keeps the page. Once
+// the creation has begun, the results follow in any case, also if it was cancelled, because some types exist by then.
 namespace {
 
 // Converts letter by letter, so that the text keeps its length and the cursor its position.
@@ -38,8 +37,8 @@ QString upperCase(QString text)
     return text;
 }
 
-// Accepts any text and turns it to upper case, in which the page shows users. The shipped client also tries the role in
-// small letters.
+// Accepts any text and converts it to upper case, in which the page shows users. The shipped client also tries the role
+// in lower case.
 class UpperCase : public QValidator
 {
 public:
@@ -270,7 +269,7 @@ std::optional<int> LoginToBroker::createTypes(BrokerSession& session)
         inWindowThread([&] { choice = ask(question, details); });
         return choice;
     };
-    // The same identity as the command line records, so that both know their own types again.
+    // The identity that the command line records, too, so that both recognise types of the same source.
     const bool readsTables = wizard->message->queryDescriptor()->querySource().readsTables;
     const CString& source = wizard->script.source;
     CreationRun run(session,

@@ -41,8 +41,8 @@ CString outputNameFor(const MsgBase& message, CString source)
     return (path.parent_path() / (path.stem().string() + ending)).string();
 }
 
-// Returns whether the types were read from a file, alone or with others. Folders are listed again, because their files
-// are not stored.
+// Returns whether the types were read from this file, alone or with others. Folders are listed again, because their
+// files are not stored.
 bool isSource(const CString& fileName, const WizardRun& wizard)
 {
     const MsgUIDescriptor& importer = *wizard.message->queryDescriptor();
@@ -59,7 +59,7 @@ bool isSource(const CString& fileName, const WizardRun& wizard)
 }
 
 // Returns what exists under the name, and what will happen to it; "" if nothing does. Reads the beginning of the file,
-// to tell types written earlier from what the user may not want to lose. A file of today is shown with its time alone.
+// to tell types written earlier from other files. A file of today is shown with its time alone.
 QString stateInWords(const CString& fileName, const WizardRun& wizard)
 {
     const QFileInfo file(toUi(fileName));

@@ -17,7 +17,7 @@ public:
     void OnSetActive() override;
     /// Writes the document. Stays if that fails: an older file is then as it was.
     LRESULT OnWizardNext() override;
-    /// Leaves the folder for output.
+    /// Makes the start folder current again.
     LRESULT OnWizardBack() override;
 
 protected:

@@ -4,7 +4,7 @@
 
 class QButtonGroup;
 
-/// Chooses between a file and the broker, which is the next page. The choice of the last run is suggested.
+/// Chooses between a file and the broker as the destination. The choice of the last run is suggested.
 class OutputPage : public QELPage
 {
 public:

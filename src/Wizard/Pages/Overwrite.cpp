@@ -26,8 +26,8 @@ OverWriteDlg::OverWriteDlg(CWnd* owner) : QDialog(owner)
     addButton(IDC_STOP, "&Stop", &OverWriteDlg::OnStop);
 }
 
-// Buttons stand in one row, in the order of the calls. No is the default and stays it: a button that has the focus
-// would become the default by itself otherwise.
+// Buttons stand in one row, in the order of the calls. No stays the default; otherwise a button would become the
+// default when it gets the focus.
 void OverWriteDlg::addButton(int id, const char* label, void (OverWriteDlg::*handler)())
 {
     auto* button = new QPushButton(label);

@@ -34,8 +34,8 @@ QString inWords(const SourcePreview::Count& count, const char* noLoss)
 
 } // namespace
 
-// The text keeps its room while it is hidden, so that the controls below don't move. It asks for no width of its own,
-// since lines of a source can be long.
+// The text keeps its room while it is hidden, so that the controls below don't move. It requests no width, because
+// lines of a source can be long.
 PreviewPane::PreviewPane(QWidget* reading) :
     text(new QPlainTextEdit), counts(plainLabel()), countButton(new QPushButton("C&ount types"))
 {
@@ -131,7 +131,7 @@ void PreviewPane::showText(const QString& start, quint64 size, bool isCounted)
                   QLocale().formattedDataSize(static_cast<qint64>(size), 0, QLocale::DataSizeSIFormat) + '.');
 }
 
-// With two readings, the second line says "none" instead of "no losses", since the first one has named what is counted.
+// With two readings, the second line says "none" instead of "no losses", because the first line says what is counted.
 void PreviewPane::showCounts(const SourcePreview::Count& literal, const SourcePreview::Count& full)
 {
     QString words;

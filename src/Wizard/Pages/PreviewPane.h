@@ -29,7 +29,7 @@ protected:
 private:
     // Previews `source`; counts a large one, too, if `isWanted`.
     void start(bool isWanted);
-    // Shows a text of up to three lines below the preview.
+    // Shows a text below the preview, with room for at least three lines.
     void setCounts(const QString& words);
     // Receive the results, see SourcePreview.
     void showText(const QString& text, quint64 size, bool isCounted);

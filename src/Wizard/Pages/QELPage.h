@@ -6,8 +6,8 @@
 
 class WizardRun;
 
-/// The base of the wizard's pages: a page with access to the wizard's state. A page keeps its controls as members; what
-/// other pages need goes into the wizard's options or run.
+/// The base of the wizard's pages: a page with access to the wizard's state. A page has its controls as members; data
+/// for other pages is in the wizard's options or run.
 class QELPage : public WizardPage
 {
 public:
@@ -17,7 +17,7 @@ public:
     /// A page on the watermark.
     QELPage(int dialogId, const CString& caption);
 
-    /// Finds the wizard. A page that creates controls calls this first.
+    /// Sets `wizard`. A page that creates controls calls this first.
     void OnInitDialog() override;
 
 protected:

@@ -29,8 +29,8 @@
 
 // The field holds one name, or several in quotes; sourcesIn() takes it apart wherever names are needed. The page before
 // has chosen the importer. The check box decides between its two readings only on Next (chooseReading()), while the
-// preview counts both. What can be said without reading the source is said before the import (sourceError()); errors of
-// the import come through the importer's error handler.
+// preview counts both. Errors that are known without reading the source are shown before the import (sourceError()).
+// Errors of the import come through the importer's error handler.
 namespace {
 
 // Returns the file types: all types, each importer's own kind once, all files. Importers of the same kind of file share
@@ -117,7 +117,7 @@ void SourcePage::OnInitDialog()
     connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::updatePreview);
 }
 
-// Returns the row with what a source of several files needs: the layout of folders, and a button that takes a folder.
+// Returns the row of controls for a source of several files: the layout of folders, and a button that chooses a folder.
 QWidget* SourcePage::makeSetRow()
 {
     layoutCombo = withId(IDC_FOLDER_LAYOUT, new ComboBox("Folders of &types:"));
@@ -166,7 +166,7 @@ bool SourcePage::takesFolders() const
     return row.readsFolders() && (!row.hasFull() || fullCheck->isChecked());
 }
 
-// Shows exactly the choices that apply to the chosen reading: none may apply unseen.
+// Shows exactly the choices that apply to the chosen reading, so that none applies while it is hidden.
 void SourcePage::showSetRows()
 {
     setRow->setVisible(takesFolders());
@@ -192,8 +192,8 @@ void SourcePage::updatePreview()
                       absoluteSourcesIn(fromUi(catalogEdit->text()))});
 }
 
-// Switches to the importer's reading that the check box selects. An importer of that reading is kept, with what the
-// page before has set up.
+// Stores the choices and switches to the reading that the check box selects. A full importer is always created anew, a
+// literal one is kept.
 void SourcePage::chooseReading()
 {
     const MsgUIDescriptor& row = *wizard->message->queryDescriptor();

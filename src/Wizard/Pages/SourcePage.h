@@ -11,8 +11,8 @@ class QLabel;
 class QLineEdit;
 
 /// Chooses the input file, or several files and folders that are one source, and runs the importer on them. May replace
-/// WizardRun::message by the importer of the chosen reading. What several sources need is only shown if that reading
-/// takes them. A preview shows what would come of the source.
+/// WizardRun::message by the importer of the chosen reading. Controls for several sources are only shown if that
+/// reading takes them. A preview shows the start of the source and the number of its types.
 class SourcePage : public FilePage
 {
 public:
@@ -44,7 +44,7 @@ private:
     void showSetRows();
     // Makes the wizard's importer that of the chosen reading, and stores the choices.
     void chooseReading();
-    // Returns why these sources can't be imported; "" if nothing speaks against it before they are read.
+    // Returns why these sources can't be imported; "" if no reason is known before they are read.
     CString sourceError(const std::vector<CString>& names) const;
 
     // Called whenever a control changes what would be imported.

@@ -43,7 +43,7 @@ QWidget* SourceTypePage::makePathGroup()
     return group;
 }
 
-// The importer before is freed with its types: the page begins another import.
+// The previous importer is freed with its types, because the page begins another import.
 void SourceTypePage::OnSetActive()
 {
     wizard->message.reset();
@@ -51,7 +51,7 @@ void SourceTypePage::OnSetActive()
     OnClickSource();
 }
 
-// Any change of the selection comes here, and a click on the selected row, too. A path that differs from the one shown
+// Called for each change of the selection, and for a click on the selected row. A path that differs from the one shown
 // was typed; it is kept for a moment, in case this is the first click of a double click.
 void SourceTypePage::OnClickSource()
 {

@@ -6,7 +6,7 @@
 
 class QLineEdit;
 
-/// Asks for the user and the password of a data source. The drivers don't ask themselves here, even if told to.
+/// Asks for the user and the password of a data source. The drivers never prompt, see CDatabase::Open().
 class DataSourceLogon : public QDialog
 {
 public:

@@ -76,10 +76,10 @@ void QELOptions::getValues()
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "UseTrustedLogon", useTrustedLogon);
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "FullReading", fullReading);
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "FolderLayout", layout);
-    // It becomes an enumerator and a row of a combo box, so a number from elsewhere must not get through.
+    // The file may contain any number, but this one becomes an enumerator and a row of a combo box.
     layout = std::clamp(layout, 0, static_cast<int>(FullMessage::Layout::byNamespace));
     reg.getInt(HKEY_CURRENT_USER, kProgramKey, "SourceSetLast", setLast);
-    // Read among all values, because getText() takes 259 bytes at most.
+    // Read by queryValues(), because getText() returns at most 259 bytes.
     for (const auto& [name, value] : reg.queryValues(HKEY_CURRENT_USER, kProgramKey))
         if (name == "SourceSet")
             setSourceSet(value.bytes.c_str());

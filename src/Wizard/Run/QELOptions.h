@@ -35,8 +35,8 @@ void FillFromReg(CStringList& list, const char* key);
 /// reported.
 void FlushToReg(Registry& reg, CStringList& list, const char* key);
 
-/// The user's choices that the pages share. getValues() loads the lasting ones, flushValues() stores them. All is used
-/// in the window's thread, but a creation run adds its result lines in its own while the window waits.
+/// The user's choices that the pages share. getValues() loads the lasting ones, flushValues() stores them. Used in the
+/// window's thread, except that a creation run adds its result lines in its own thread while the window waits.
 class QELOptions
 {
 public:
@@ -74,8 +74,8 @@ public:
     /// than 259 bytes.
     const CString& queryCWD() const { return cwd; }
 
-    // A flag is 0 or not. A row is that of the table of importers, a mode one of OutputPage::OutputMode. Folders may be
-    // empty, which means the start folder.
+    // A flag is 0 or another number. A row is that of the table of importers, a mode one of OutputPage::OutputMode.
+    // Folders may be empty, which means the start folder.
     int queryHideWelcome() const { return hideWelcome; }
     void setHideWelcome(int hide) { hideWelcome = hide; }
     const CString& queryInputFolder() const { return inputFolder; }

@@ -35,8 +35,8 @@ CString option(const char* name, const CString& value)
 
 } // namespace
 
-// The wizard's own choices that differ from the command's defaults become options. The wizard writes a document without
-// types, which the command refuses without --allow-empty.
+// The wizard's own choices that differ from the command's defaults become options. The wizard also writes a document
+// without types, which the command refuses without --allow-empty.
 CString ScriptCommand::text(MsgBase& message) const
 {
     MsgUIDescriptor& importer = *message.queryDescriptor();

@@ -8,8 +8,8 @@
 #include <memory>
 #include <system_error>
 
-// The field for one file also takes several, in the form that file dialogs use: "a.xsd" "b.xsd". A text that isn't
-// quite of this form is one name, so that no file name is out of reach.
+// The field for one file also takes several, in the form that file dialogs use: "a.xsd" "b.xsd". Any other text is one
+// name, so that every file name can be given.
 namespace {
 
 // Returns the quoted name at `position` and moves `position` past it; "" if there is none.
@@ -67,7 +67,7 @@ CString textOfSources(const std::vector<CString>& names)
     return text;
 }
 
-// setFurtherFiles({}) only asks.
+// setFurtherFiles({}) returns whether the importer takes further files.
 bool readsSeveral(const MsgUIDescriptor& importer)
 {
     return importer.hasFull() || std::unique_ptr<MsgBase>(importer.create())->setFurtherFiles({});

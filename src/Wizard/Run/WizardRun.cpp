@@ -87,8 +87,8 @@ int WizardRun::readSources()
     return isRead;
 }
 
-// Each refused logon asks again, with the driver's reason and the user typed before. Any other failure ends the loop,
-// since another logon wouldn't help. The password is wiped when the text goes out of scope.
+// After a refused logon the user is asked again, with the driver's reason and the user name typed before. Any other
+// failure ends the loop, because another logon wouldn't help. The password is wiped when the text goes out of scope.
 bool WizardRun::openDatabase()
 {
     database.reset(); // closed first, because a source may allow only one connection
@@ -123,7 +123,7 @@ FullMessage* WizardRun::fullMessage() const
     return dynamic_cast<FullMessage*>(message.get());
 }
 
-// Asks a full importer made for this, since the current one only knows the literal reading.
+// Creates a full importer, because the current one only knows the literal reading.
 CString WizardRun::unsupportedByLiteral(const CString& fileName) const
 {
     const std::unique_ptr<const FullMessage> full(fullMessage() ? nullptr : message->queryDescriptor()->createFull());

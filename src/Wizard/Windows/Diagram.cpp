@@ -42,7 +42,8 @@ std::vector<TypeGraph::Arrow> takeUnrouted(TypeGraph& graph)
     return unrouted;
 }
 
-// Returns a colour between two. All colours are made of the palette's, so they suit dark and light backgrounds.
+// Returns a colour between two. All colours are mixed from those of the palette, so they suit dark and light
+// backgrounds.
 QColor mix(const QColor& a, const QColor& b, int percentOfB)
 {
     const auto channel = [percentOfB](int x, int y) { return x + (y - x) * percentOfB / 100; };
@@ -124,7 +125,7 @@ Diagram::Box Diagram::measure(const TypeGraph::Box& box) const
 }
 
 // Adds a curve from the right end of a row to the title of a box. Row 0 of the arrow is the one below the title. It
-// leaves and arrives horizontally, and bends the more the farther the boxes are apart.
+// leaves and arrives horizontally, and bends more if the boxes are far apart.
 void Diagram::addPlainArrow(const TypeGraph::Arrow& arrow)
 {
     constexpr double headLength = 10;
@@ -212,7 +213,7 @@ void Diagram::draw(QPainter& painter) const
     }
 }
 
-// The limit of pixels keeps the picture's memory below 400 MB.
+// The limit of pixels keeps the picture's memory at 400 MB or less.
 QSize pngSize(const Diagram& diagram, double& scale)
 {
     constexpr double kLargest = 100e6; // pixels of 4 bytes

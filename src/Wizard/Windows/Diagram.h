@@ -17,7 +17,7 @@ class QPainter;
 
 /// The picture of a graph of types: boxes with a title and a row for each part, and arrows between them, in the colours
 /// of a palette. It doesn't change after construction. drawBox() and drawArrow() may only be called in the window's
-/// thread, draw() in any thread. A picture on the screen and its file show the same, so both draw from the same object.
+/// thread, draw() in any thread. Screen and file are drawn from the same object, so they show the same.
 class Diagram
 {
 public:
@@ -50,7 +50,7 @@ public:
     /// Draws an arrow with its head, whatever the scale is.
     void drawArrow(QPainter& painter, std::size_t arrow) const;
 
-    /// Draws everything for a file, with all texts. Reports progress. Throws Cancelled. Has fonts of its own.
+    /// Draws everything for a file, with all texts. Reports progress. Throws Cancelled. Uses fonts of its own.
     void draw(QPainter& painter) const;
 
 private:

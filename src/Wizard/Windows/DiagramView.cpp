@@ -13,9 +13,10 @@
 #include <cmath>
 #include <utility>
 
-// A view is in one of three states. While a picture opens, it is fitted to the window, or shown at its own size if that
-// is illegible, again at each new size of the window, which gets its size only after the picture. After "show all" the
-// whole picture stays visible whatever the window's size is. After a zoom the user's scale stays.
+// A view is in one of three states. A new picture is fitted to the window, or shown at its own size if its texts would
+// be illegible. This is repeated when the window's size changes, because the window gets its size only after
+// showDiagram(). After "show all", the whole picture stays visible at each size of the window. After a zoom, the user's
+// scale stays.
 namespace {
 // Scales of the picture: one step of the wheel or a key, the limits of zooming, and the scale below which a picture
 // opens at its own size instead of whole, because its texts could not be read.
@@ -161,8 +162,8 @@ void DiagramView::resizeEvent(QResizeEvent* event)
     fit();
 }
 
-// Fits the picture into the window again, as long as the user has not zoomed. A picture that opens stays "opening"
-// until then, because the window gets its size only after showDiagram(): it starts at its first box if it is too large.
+// Fits the picture into the window again, unless the user has zoomed. A new picture that is too large to be legible
+// starts at its first box.
 void DiagramView::fit()
 {
     if (!diagramScene)

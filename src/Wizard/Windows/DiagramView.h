@@ -52,6 +52,6 @@ private:
 
     DiagramScene* diagramScene = nullptr; // null if there is no picture
     QPoint pressed;                       // where a button of the mouse went down; far away after a double click
-    bool opens = true;                    // true until the first zoom
+    bool opens = true;                    // true until the user changes the scale
     bool fits = true;                     // keep the whole picture visible when the window is resized
 };

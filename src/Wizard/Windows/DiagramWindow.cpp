@@ -27,8 +27,8 @@
 // doesn't change. Back keeps types, not pictures, so an earlier picture is laid out again, by the current choices.
 namespace {
 
-// Graphviz's time grows faster than the number of types, so a picture has at most kMaxTypes. A picture of all types
-// that a type reaches is only suggested if they are few enough to be looked at.
+// Graphviz's time grows faster than the number of types, so a picture has at most kMaxTypes. The first picture shows
+// all types that a type reaches only if they are few.
 constexpr std::size_t kMaxTypes = 200;
 constexpr std::size_t kManyTypes = 60; // more are only shown on request
 constexpr std::size_t kMaxRows = 40;
@@ -170,7 +170,7 @@ bool DiagramWindow::runLong(const std::function<void()>& call)
 void DiagramWindow::open(std::uint32_t type)
 {
     bool isComplete = true;
-    // Only asks whether there are more.
+    // Only checks whether there are more than kManyTypes.
     structure.lock()->reach(type, kManyTypes, isComplete);
     if (!isComplete) {
         depth->setCurrentIndex(0);

@@ -54,7 +54,7 @@ private:
     void choose(std::size_t box);
     // Returns whether another picture can be drawn; if not, tells the user.
     bool areTypesThere();
-    // Returns what the status line says about the number of types.
+    // Returns the text of the status line about the number of types.
     QString countOf(std::size_t types, bool isComplete) const;
     void save();
     CString save(bool isSvgOnly);

@@ -42,7 +42,7 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     if (isType)
         new XmlHighlighter(text->document(), palette());
     shown = toUi(isType ? indentedDocument(document) : document);
-    // 20 ms at a time, so that the window answers meanwhile.
+    // 20 ms at a time, so that the window reacts meanwhile.
     connect(&filling, &QTimer::timeout, this, [this] { fill(20); });
     filling.start();
     fill(0);
@@ -108,8 +108,8 @@ QHBoxLayout* DocumentWindow::makeButtonRow()
     return row;
 }
 
-// Shows more of the text, at least one piece and for about that many milliseconds. Colouring many thousand lines at
-// once would take seconds. A type with 100,000 constants took 1.5 s at once, most of it for colouring.
+// Shows more of the text, at least one piece and for about that many milliseconds. A type with 100,000 constants took
+// 1.5 s at once, most of it for colouring.
 void DocumentWindow::fill(qint64 time)
 {
     constexpr qsizetype piece = 8'192; // characters
@@ -131,7 +131,7 @@ void DocumentWindow::fill(qint64 time)
         find(*wantedSearch);
 }
 
-// Searches on from the other end if nothing more is found. Waits until the whole text is shown. The status says that it
+// Continues from the other end if nothing more is found. Waits until the whole text is shown. The status says that it
 // went around, or that there is no such text.
 void DocumentWindow::find(bool backward)
 {
@@ -160,7 +160,7 @@ void DocumentWindow::find(bool backward)
                                    : tr("Continued from the start."));
 }
 
-// All of the text, also if the window is not yet filled.
+// Copies all of the text, also if the window is not filled yet.
 void DocumentWindow::copy()
 {
     if (text->textCursor().hasSelection())
@@ -170,7 +170,7 @@ void DocumentWindow::copy()
     status->setText(tr("Copied."));
 }
 
-// Saves the document as the importer wrote it; indenting is for the eye.
+// Saves the document as the importer wrote it. The indented text is only shown.
 void DocumentWindow::save()
 {
     const bool isType = kind == ofType;

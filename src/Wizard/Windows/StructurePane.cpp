@@ -19,7 +19,7 @@ StructurePane::StructurePane() : tree(new TypeTreeModel(this))
     connect(this, &QTreeView::doubleClicked, this, &StructurePane::jump);
 }
 
-// Few users are shown at once; many would push the fields out of sight.
+// Opens the row of the users only if they are few, because many would hide the fields.
 void StructurePane::showType(const TypeStructure* structure, std::uint32_t type)
 {
     constexpr std::size_t kFewUsers = 20;

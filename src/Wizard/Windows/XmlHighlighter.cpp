@@ -14,8 +14,7 @@ XmlHighlighter::XmlHighlighter(QTextDocument* document, const QPalette& palette)
 
 void XmlHighlighter::highlightBlock(const QString& line)
 {
-    // Each alternative is one group, in the order of `formats`. Lines are coloured by themselves: nothing goes over a
-    // line.
+    // Each alternative is one group, in the order of `formats`. Each line is coloured by itself.
     static const QRegularExpression token(R"((</?[^\s/>]+|/?>)|([^\s="]+)(?==)|("[^"]*"))");
     const QTextCharFormat* const formats[] = {&tag, &attribute, &value};
     for (auto matches = token.globalMatch(line); matches.hasNext();) {
