@@ -251,7 +251,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
 }
 
 // Creates the importer, because only the object knows whether it reads sets and entities: setFurtherFiles({}) and
-// setEntities({}) return it and change nothing.
+// setEntities({}) return it.
 CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importer)
 {
     const CString word = importer.querySource().word;
