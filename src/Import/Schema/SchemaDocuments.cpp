@@ -2,8 +2,8 @@
 
 #include "Files/FileMessage.h"
 
-// A file that exists is part of the schema, for example one without the right to read it, so going on without it would
-// give wrong types. Both errors name the place of the reference, too, because the user may not know the file.
+// A file that exists but can't be read, for example because of its permissions, is part of the schema, so the types
+// would be wrong without it. Both errors name the place of the reference, too, because the user may not know the file.
 void reportUnread(const NamedDocument& document, const XmlDocument& xml, SourceReport& report)
 {
     const SourceFault& fault = xml.queryFault();

@@ -15,8 +15,8 @@ struct TagWord
     Tag tag;
 };
 
-// The statements of all editions, facets of the drafts included: like all facets they don't affect types. Sorted for a
-// binary search, which the cache makes rare.
+// The statements of all editions, with the facets of the drafts, which like all facets don't affect types. Sorted for a
+// binary search, which is rare because of the cache.
 constexpr TagWord kTags[] = {
     {"all", Tag::all},
     {"alternative", Tag::alternative},
@@ -114,7 +114,7 @@ private:
 using Tags = Set<Tag>;
 using Words = Set<Word>;
 
-// What one statement may have. Only the sets as bits are used at run time, see makeRules().
+// The allowed parts of a statement. At run time, only the bits of the sets are used, see makeRules().
 struct TagRule
 {
     Tag tag;
@@ -132,9 +132,9 @@ constexpr Tags kFacets{Tag::simpleType, Tag::facet, Tag::enumeration, Tag::asser
 constexpr Words kOccurs{Word::minOccurs, Word::maxOccurs};
 constexpr Words kAny{Word::nameSpace, Word::processContents, Word::notNamespace, Word::notQName};
 
-// Sorted by tag, one row for each, so that a tag is the index of its row. The order of statements is not checked. A
-// statement that has an effect at a place is accepted there, even if the language doesn't allow it: nothing is lost
-// then.
+// Sorted by tag, one row for each, so that a tag is the index of its row. The rules don't include the order of
+// statements. A statement that has an effect at a place is accepted there, even if the language doesn't allow it,
+// because nothing is lost.
 constexpr TagRule kRules[] = {
     {Tag::none, {}, {}},
     {Tag::schema,

@@ -5,8 +5,8 @@
 #include <string_view>
 
 /// The kinds of statements in the schema language (https://www.w3.org/TR/xmlschema11-1/). Statements of the same effect
-/// share a tag. The order counts, because ranges are compared: `element` to `attributeGroup` are the components that
-/// types are made of, and up to `enumeration` a statement affects types.
+/// share a tag. The order matters, because ranges are compared: `element` to `attributeGroup` are the components of
+/// types, and all statements up to `enumeration` affect types.
 enum class SchemaTag : std::uint8_t
 {
     none, ///< no statement of the language
@@ -117,7 +117,7 @@ enum class SchemaEdition : std::uint8_t
 SchemaEdition schemaEditionOf(const char* uri);
 
 /// Looks up the words of the schema language during one parse. Interned names are cached by address, so use a new
-/// object for each parse: in another one the same address may be another name.
+/// object for each parse: in another parse the same address may be another name.
 class SchemaGrammar
 {
 public:
@@ -156,7 +156,7 @@ private:
     static constexpr Rules makeRules();
     static const Rules rules;
 
-    // A direct-mapped cache keyed by the address of a name. Two names in one slot only cost further lookups, and a
+    // A direct-mapped cache keyed by the address of a name. If two names share a slot, they are only looked up again. A
     // schema uses few words, each many times.
     class Cache
     {

@@ -3,17 +3,18 @@
 #include <algorithm>
 #include <utility>
 
-// A statement is judged by the one around it: the grammar says what has an effect there, and the level of the holder
-// what it contains already. An ignored statement, and all inside of it, is only counted until its end, so one mistake
-// is one finding. Details are counted for one component at a time; a change of component puts them aside.
+// A statement is checked against the one around it, its holder: the grammar defines what has an effect there, and the
+// level of the holder stores what it contains already. Inside of an ignored statement, elements are only counted until
+// its end, so one mistake is one finding. Details are counted for one component at a time, and moved to `tallies` when
+// the component changes.
 
 namespace {
 
 using Tag = SchemaTag;
 using Word = SchemaAttribute;
 
-// Bounds the memory. Findings that are passed on early stay reported even if the document is left out.
-constexpr std::size_t kMaxFindings = 10'000; // findings kept before they are passed to the report
+// Bounds the memory. Findings that are passed on at the bound are reported even if the document is left out later.
+constexpr std::size_t kMaxFindings = 10'000; // findings kept until they are passed to the report
 constexpr std::size_t kLongestValue = 100;   // bytes of a value that a message shows
 
 bool isBoolean(std::string_view value)
@@ -21,7 +22,7 @@ bool isBoolean(std::string_view value)
     return value == "true" || value == "false" || value == "1" || value == "0";
 }
 
-// The drafts have two further values, which say what `value` is for.
+// The drafts have two further values, which define the meaning of `value`.
 bool isUse(std::string_view value, SchemaEdition edition)
 {
     return value == "required" || value == "optional" || value == "prohibited" ||
@@ -90,11 +91,10 @@ void SchemaStatements::scope(const XmlScope& scope)
     lastUri = scope.uri;
 }
 
-// An ignored tag is still identified and its attributes are read, because the readings record it all the same.
+// An ignored tag is identified, too, and its attributes are read, because both readings record it, too.
 SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, SourceReport::Component number)
 {
-    // The literal reading takes any statement with the prefix xs or xsd for one of the language, whatever the prefix
-    // means.
+    // In the literal reading, any statement with the prefix xs or xsd belongs to the language, whatever its namespace.
     const bool isOurs = edition != SchemaEdition::none || (knowsPrefixes && isCommonPrefix(name.prefix));
     const Tag tag = isOurs ? grammar.tagOf(name.local) : Tag::none;
     current = name;
@@ -117,7 +117,7 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, Source
     read(tag, name, attributes);
     if (ignored > 0)
         return tag;
-    // Whatever the root is, it is judged like a schema: that it isn't one is reported by the reading, not here.
+    // The root is checked like a schema, whatever it is. The readings report a root that isn't one.
     Level level{name, open.empty() ? Tag::schema : tag, false, false, start};
     if (!open.empty())
         enterStatement(tag, level);
@@ -130,7 +130,7 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, Source
     return tag;
 }
 
-// Documentation has no level, but counts as an ignored element.
+// Documentation has no level; it counts as an ignored element.
 void SchemaStatements::leave()
 {
     hasText = false;
@@ -139,8 +139,7 @@ void SchemaStatements::leave()
         return;
     }
     const Level& level = open.back();
-    // These restrict the type that `base` names or the one inside (XML Schema Part 2, 4.1.2), so one of them must be
-    // there.
+    // These restrict the type that `base` names, or the one inside, so one of the two is required.
     if ((level.holder == Tag::simpleRestriction || level.holder == Tag::textRestriction) && !level.hasChild)
         addFinding(SourceReport::malformedDeclaration, level.start, "restriction without base");
     open.pop_back();
@@ -193,7 +192,7 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
 }
 
 // Returns whether the bounds of occurrence contradict each other. Invalid ones are reported by themselves. Numbers may
-// be of any length, so their digits are compared.
+// have any length, so their digits are compared.
 bool SchemaStatements::isLeastAboveMost() const
 {
     if (least != Occurrence::often || most != Occurrence::often)
@@ -219,7 +218,7 @@ std::string_view SchemaStatements::valueOf(SchemaAttribute name) const
     return found == known.end() ? std::string_view() : found->value;
 }
 
-// Checks the value of an attribute that the statement may have, and counts the details that it says.
+// Checks the value of an attribute that the statement may have, and counts its details.
 void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
 {
     const std::string_view value = trimmed(attribute.value);
@@ -281,8 +280,8 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
 }
 
 // Checks the statement that begins, and determines what it may hold. What a restriction may hold depends on the
-// statement around it; a reference has no content of its own. If an attribute is misspelt, it may be the one that is
-// missing, so that is not reported as well.
+// statement around it; a reference has no content of its own. A misspelt attribute may be the missing one, so only the
+// misspelt one is reported.
 void SchemaStatements::enterStatement(SchemaTag tag, Level& level)
 {
     Level& holder = open.back();
@@ -337,15 +336,15 @@ const char* SchemaStatements::missingIn(SchemaTag tag, SchemaTag holder, bool is
     }
 }
 
-// Returns whether a statement comes second although only one is allowed. Beside simpleContent or complexContent nothing
-// else has an effect (XML Schema Part 1, 3.4.2).
+// Returns whether a statement is the second of its kind although only one is allowed. Beside simpleContent or
+// complexContent nothing else has an effect (XML Schema Part 1, 3.4.2).
 bool SchemaStatements::occursTooOften(const Level& holder, SchemaTag tag) const
 {
     const bool isSecond = holder.hasChild && isOnlyChild(holder.holder, tag);
     return tag != Tag::annotation && (isSecond || (holder.hasContent && tag <= Tag::enumeration));
 }
 
-// Counts what the statement says and no reading carries over.
+// Counts the parts of the statement that no reading carries over.
 void SchemaStatements::countStatement(SchemaTag tag)
 {
     switch (tag) {
@@ -381,7 +380,7 @@ void SchemaStatements::countStatement(SchemaTag tag)
     default:
         break;
     }
-    // The model has single fields and tables only: that a part may be missing, and its exact bounds, are details.
+    // The model only has single fields and tables, so optional parts and exact bounds are details.
     if (least == Occurrence::none && most != Occurrence::none)
         ++details[SourceReport::optionality];
     else if (least == Occurrence::often || most == Occurrence::often)
@@ -401,7 +400,7 @@ bool SchemaStatements::isAtTop() const
     return ignored == 0 && !open.empty() && (open.size() == 1 || open.back().holder == Tag::redefine);
 }
 
-// Sets the component of the following findings and details, and puts the details of the last one aside.
+// Sets the component of the following findings and details, and moves the details of the last one to `tallies`.
 void SchemaStatements::enterComponent(SourceReport::Component number)
 {
     for (std::size_t detail = 0; detail < details.size(); ++detail)
@@ -410,7 +409,7 @@ void SchemaStatements::enterComponent(SourceReport::Component number)
     component = number;
 }
 
-// Leaves the last component if it has ended: what stands between two components belongs to none of them. Done on
+// Leaves the last component if it has ended, because what is between two components belongs to neither. Called on
 // demand, because a start tag sets the component anyway.
 void SchemaStatements::leaveComponent()
 {

@@ -11,10 +11,10 @@
 
 /// Checks the statements of one schema document as they are parsed: identifies them, finds unknown ones and those
 /// without effect at their place, and counts the details that no reading carries over. Both readings use it, so that
-/// they report the same. finish() passes the findings to the report, so that a document that is left out adds nothing
-/// to it.
+/// their reports agree. finish() passes the findings to the report, so that a document that is left out adds nothing to
+/// it.
 ///
-/// It only looks at one statement and the open ones around it; what names refer to is checked by the readings.
+/// Only checks a statement and the open ones around it; the readings check references.
 class SchemaStatements
 {
 public:
@@ -75,7 +75,7 @@ public:
     /// Returns the place of the last start tag.
     SourcePlace place() const { return placeOf(start); }
 
-    /// Adds a finding at that place, for the open component.
+    /// Adds a finding at place(), for the open component.
     void addFinding(SourceReport::Construct construct, CString name) { addFinding(construct, start, std::move(name)); }
     /// Counts a detail of the open component for finish().
     void count(SourceReport::Construct detail) { ++details[detail]; }

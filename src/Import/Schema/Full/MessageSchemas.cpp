@@ -3,10 +3,10 @@
 #include <utility>
 
 // All schemas are loaded before the first one is read, because they may refer to each other, and each component is read
-// once. Their elements become candidates without a source; the messages then claim theirs. A description doesn't say
-// which element is the root of a message, so the one called like the message is taken, in any case of letters: often
-// one schema serves several messages. If there is none, every element that no other declaration refers to may be the
-// root.
+// once. Their elements become candidates without a source; addMain() then gives those of messages a source. A
+// description doesn't say which element is the root of a message. So it is the one with the name of the message, in any
+// letter case, because one schema often serves several messages. If there is none, each element of the schema may be
+// the root.
 
 namespace {
 
@@ -49,7 +49,8 @@ void MessageSchemas::read(SourceTypes& types, const std::vector<CString>& roots)
     report.pause(false);
 }
 
-// Adds to the number of `components`, which is bounded, because many schemas may only include the same one.
+// Returns the elements of a document. Adds to the number of `components`, which is bounded, because many schemas may
+// include the same one.
 MessageSchemas::Elements MessageSchemas::elementsOf(std::uint32_t document, std::size_t& components) const
 {
     Elements elements;
@@ -65,9 +66,9 @@ MessageSchemas::Elements MessageSchemas::elementsOf(std::uint32_t document, std:
     return elements;
 }
 
-// Makes the elements that may be the root of a message main types. Those that nothing refers to become records, even if
-// they are plain text, and are reported if there are several. A fragment in the reference to a schema names the root
-// itself.
+// Makes the elements that may be the root of a message candidates of its source. Those that nothing refers to become
+// records, even if they are plain text, and are reported if there are several. A fragment in the reference to a schema
+// names the root.
 void MessageSchemas::addMains(SourceTypes& types, const Schema& message, Elements& elements)
 {
     const std::string_view text = message.text.text;
@@ -108,8 +109,8 @@ bool MessageSchemas::isReferred(Index element)
     return referred.contains(element) || tree[element].list != 0;
 }
 
-// Makes an element the main type of a message of a source. Several sources may have the same one; a candidate has one
-// source, so the further ones get a copy of it.
+// Makes an element a candidate of a source. Several sources may have the same element; a candidate has one source, so
+// further sources get a copy of it.
 void MessageSchemas::addMain(SourceTypes& types, Index element, SourceTypes::Index source)
 {
     if (!mains.emplace(element, source).second)

@@ -17,7 +17,7 @@ public:
     {}
 
     /// Adds the schema of a message in the description with the number `source`; kNone if no message has it. Its text
-    /// must live as long as this object. Has no effect after read().
+    /// must live as long as this object. Does nothing after read().
     void add(const SchemaSet::Embedded& schema, SourceTypes::Index source)
     {
         if (all)
@@ -26,7 +26,7 @@ public:
         messageCount += source != SourceTypes::kNone;
     }
 
-    /// Returns how many schemas of messages were added, those that turn out to be unreadable included.
+    /// Returns how many schemas of messages were added, including those that can't be read.
     std::size_t countMessages() const { return messageCount; }
 
     /// Reads all schemas. The candidates for main types are, for each message, the root element with the message's
@@ -38,8 +38,8 @@ public:
     /// types of read().
     void want(SourceTypes::Index candidate);
 
-    /// Reads only the wanted types into `alone`, and reports the constructs that they reach. The caller drops `alone`:
-    /// it only serves to find these.
+    /// Reads only the wanted types into `alone`, and reports the constructs that they reach. The caller needs no other
+    /// result, and drops `alone`.
     void readAlone(SourceTypes& alone);
 
 private:

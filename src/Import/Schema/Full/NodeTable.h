@@ -5,9 +5,9 @@
 #include <deque>
 #include <utility>
 
-/// A table of values for the few nodes of a tree that are types, by their index. An array of places is faster than a
-/// hash table, because the types of a schema look each other up at every field. It has a place for each node that the
-/// tree has when the table is made, so make it when all documents are read. References to values stay valid.
+/// A table of values for the few nodes of a tree that are types, by their index. An array of places is used, because it
+/// is faster than a hash table, and each field looks its type up. It has a place for each node that the tree has when
+/// the table is made, so make the table when all documents are read. References to values stay valid.
 template <class T>
 class NodeTable
 {

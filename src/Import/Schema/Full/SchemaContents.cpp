@@ -2,19 +2,20 @@
 
 #include <algorithm>
 
-// A type is worked out after its base, whose fields are copied and then extended. Its particles are walked as written,
-// with groups in place, and each element becomes a field at its first occurrence. Whether a field repeats follows from
-// where a name occurs again: every occurrence and every entered group has a time, so the innermost group around two
-// occurrences is the last open one that was entered before the earlier occurrence.
+// A type is worked out after its base, whose fields are copied and then extended. Its particles are walked in the order
+// of the document, with groups replaced by their contents, and each element becomes a field at its first occurrence.
+// Whether a field repeats follows from where a name occurs again: every occurrence and every entered group has a time,
+// so the innermost group around two occurrences is the last open one that was entered before the earlier occurrence.
 //
-// The cost is linear in the fields made and in the particles walked. Both can exceed the source, as each extension has
-// all fields of its bases and groups can refer to groups twice each, so both are bounded.
+// The cost is linear in the fields made and in the particles walked. Both can exceed the size of the source, because
+// each extension has all fields of its bases, and each group can refer to another one twice. So both are bounded.
 
 namespace {
 
-// Up to this many fields are compared one by one, which needs no table.
+// Up to this number, fields are searched linearly.
 constexpr std::size_t kFewFields = 16;
-// Of all types. The largest real schemas have some 22,000; a chain of extensions grows as its square.
+// Of all types. The largest real schemas have about 22,000; the fields of a chain of extensions are quadratic in its
+// length.
 constexpr std::size_t kMaxFields = 1'000'000;
 constexpr std::size_t kMaxSteps = 20'000'000; // visited particles; nested groups can multiply them
 
@@ -62,8 +63,8 @@ void SchemaContents::Fields::add(const SchemaField& field)
 SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), contents(tree), isEntered(tree.size())
 {}
 
-// Works out a chain of base types from its far end, without recursion. Each new type of it is marked as in progress, so
-// that a cycle ends at a type that counts as empty.
+// Works out a chain of base types, the outermost base first, without recursion. Each new type is marked as in progress,
+// so that a cycle ends at a type that counts as empty.
 std::span<const SchemaField> SchemaContents::of(Index type)
 {
     std::vector<Index> chain;
@@ -95,7 +96,7 @@ SchemaContents::Index SchemaContents::baseOf(Index type)
     return tree[base].tag == SchemaTag::complexType ? base : 0;
 }
 
-// Works out one type, after its base (0 for none). Walks the derivation if there is one, else the type itself.
+// Works out one type, whose base is known (0 for none). Walks the derivation if there is one, else the type itself.
 void SchemaContents::build(Index type, Index base)
 {
     const Index derivation = tree.derivationOf(type);
@@ -152,7 +153,7 @@ void SchemaContents::walkParticles(Index holder)
     }
 }
 
-// Visits a particle. One that may not occur is left out with all that it holds, and noted as a detail.
+// Visits a particle. One that may not occur is left out with all its contents, and noted as a detail.
 void SchemaContents::visitParticle(Index particle)
 {
     const SchemaNode& node = tree[particle];
@@ -179,8 +180,8 @@ void SchemaContents::visitParticle(Index particle)
     }
 }
 
-// Enters a group definition. A group inside itself is left out; the same group twice side by side is walked twice,
-// since its elements then repeat.
+// Enters a group definition. A group inside itself is left out. A group that is referred to twice is walked twice,
+// because its elements then repeat.
 void SchemaContents::enterGroup(Index reference, std::uint8_t times)
 {
     if (!tree[reference].is(SchemaNode::isReference))
@@ -256,7 +257,7 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint
     if (!field) {
         elements.add({name, declaration, SourceTypes::roleElement, times > 1, documentation});
         lastSeen.push_back(clock);
-        // Checked before keep() does it, because a single type can be too large.
+        // Checked before keep(), because a single type can be too large.
         if (kept.size() + elements.all.size() > kMaxFields)
             set.refuse(std::to_string(kMaxFields) + " fields");
         return;
@@ -346,8 +347,8 @@ void SchemaContents::visitAttribute(Index attribute)
     addAttribute(name, declaration, isProhibited, node.documentation);
 }
 
-// Adds an attribute. It replaces an inherited one of the same name. A prohibited one only loses its name for the
-// moment, because removing it would move the others.
+// Adds an attribute. It replaces an inherited one of the same name. A prohibited one only loses its name here, because
+// removing it would move the others.
 void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation)
 {
     SchemaField* field = attributes.find(name);

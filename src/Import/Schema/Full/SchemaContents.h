@@ -7,7 +7,7 @@
 
 #include <span>
 
-/// A field of a complex type. Its own type is not worked out here, but by SchemaTypes from the declaration.
+/// A field of a complex type. SchemaTypes works out its type from the declaration.
 struct SchemaField
 {
     SchemaName name;
@@ -25,7 +25,7 @@ class SchemaContents
 public:
     using Index = SchemaNode::Index;
 
-    /// Make it after SchemaSet::finish(). The set must live as long.
+    /// Make it after SchemaSet::finish(). The set must outlive this object.
     explicit SchemaContents(SchemaSet& set);
 
     /// Returns the fields of a complex type, elements first, each name once for elements and once for attributes. Valid
@@ -57,8 +57,8 @@ private:
         std::size_t entered = 0; // value of `clock` at its start
     };
 
-    // The fields of the current type in order, with lookup by name. Few fields are searched linearly; the table is
-    // filled once there are many.
+    // The fields of the current type in order, with lookup by name. Few fields are searched linearly; a table is filled
+    // once there are many.
     class Fields
     {
     public:
@@ -91,7 +91,7 @@ private:
     SchemaSet& set;
     const SchemaTree& tree;
     NodeTable<Content> contents; // includes types in progress, which count as empty
-    // The fields of all types so far. They are never removed, and move when it grows.
+    // The fields of all types so far. Fields are never removed, but move when the list grows.
     std::vector<SchemaField, LargePages<SchemaField>> kept;
 
     // State of the current type.
@@ -101,7 +101,7 @@ private:
     bool isRestriction = false;
     std::vector<std::size_t> lastSeen; // by element: time of its last occurrence
     std::vector<Frame> frames;
-    // Counts occurrences and entered groups, and so orders them in time.
+    // The time: counts occurrences and entered groups.
     std::size_t clock = 0;
     std::vector<Index> waiting;
     std::vector<bool> isEntered; // by node: groups that have been entered

@@ -2,8 +2,8 @@
 
 #include "Import/Full/Descriptions.h"
 
-// The text of each open element is collected, and joins that of its parent at its end tag. Every text is cut once it is
-// long enough for a description, so deep nesting doesn't multiply the work.
+// The text of each open element is collected, and appended to that of its parent at the end tag. Every text is cut once
+// it is long enough for a description, so that deep nesting doesn't multiply the work.
 
 namespace {
 
@@ -42,7 +42,7 @@ void SchemaDocumentation::enter(std::string_view local)
     part.isDefinition = local == "Definition" || local == "definition";
 }
 
-// Ends an element. Of nested elements that contain text directly, the outermost counts, which has the smallest number
+// Ends an element. Of nested elements that contain text directly, the outermost is used; it has the smallest number,
 // but ends last.
 void SchemaDocumentation::leave()
 {

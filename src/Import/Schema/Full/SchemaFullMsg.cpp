@@ -9,8 +9,8 @@
 
 namespace {
 
-// Reads the root of a schema. The literal reading takes statements by the prefixes xs and xsd, and reads a document
-// with a target namespace alone.
+// Reads the root of a schema. The literal reading only knows the prefixes xs and xsd, and does not read the documents
+// that a schema with a target namespace refers to.
 struct SchemaRoot : XmlHandler
 {
     void startElement(XmlName name, XmlAttributes attributes) override
@@ -46,9 +46,9 @@ CString SchemaFullMessage::unsupportedByLiteral(const CString& fileName) const
     return unsupported;
 }
 
-// With requested types or messages, the set is read twice: once to find which types there are, and once these alone,
-// into types that are dropped. The second reading marks what is reached, and the report, which held everything back
-// until then, gets that and what belongs to no component.
+// With requested types or messages, types are made twice: first all of them, then the requested ones alone, into types
+// that are dropped. The second time marks the components that are reached. The report held all constructs back, and
+// then releases those of these components, and those of no component.
 void SchemaFullMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
     if (!queryRoots().empty() || !furtherFiles.empty()) // one of which may be a WSDL
@@ -65,8 +65,8 @@ void SchemaFullMessage::read(const CString& source, const CString& fileName, Sou
         set.reportNotes(); // of the documents themselves
     SchemaTypes all(set, types);
     all.read(sources, queryRoots(), messages);
-    // Only what the requested types reach is imported, so only that is reported. Without requested types these are the
-    // messages.
+    // Only what the requested types reach is imported, so only that is reported. If none are requested, the messages
+    // are.
     if (isAskedFor && !types.empty()) {
         const RootNames names(types);
         std::vector<SchemaNode::Index> wanted;

@@ -5,7 +5,7 @@
 class SchemaSet;
 
 /// The importer of XML Schema files that reads them in full: namespaces, documents, derived types. Also reads WSDLs
-/// among them, and is the base of the importer of these.
+/// among them, and is the base of their importer.
 class SchemaFullMessage : public FullMessage
 {
 public:
@@ -22,6 +22,6 @@ protected:
     virtual void check(const SchemaSet&, const CString& /*fileName*/) const {}
 
     /// `source` is the name of the schema file. All sources are one set. Throws SourceRefusal as SchemaSet::load()
-    /// does, if a requested main type is not found, and if a bound is passed.
+    /// does, if a requested main type is not found, and if a bound is exceeded.
     void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) override;
 };

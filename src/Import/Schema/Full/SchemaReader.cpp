@@ -4,8 +4,8 @@
 #include <array>
 
 // Each statement that affects types becomes a node, linked to its parent and its previous sibling. Prefixes are
-// resolved while the tags are read, because their scope ends with the element: `spaces` has the current namespace of
-// each prefix, and each declaration puts the previous one aside until the end tag. So resolving a name costs the same
+// resolved while the tags are read, because their scope ends with the element. `spaces` has the current namespace of
+// each prefix; a declaration saves the previous one in `shadowed` until the end tag. So resolving a name costs the same
 // at any depth.
 
 namespace {
@@ -56,7 +56,7 @@ void SchemaReader::scope(const XmlScope& scope)
     }
 }
 
-// SchemaStatements gets every tag, also inside of skipped elements, because it checks the statements that make no
+// SchemaStatements gets every tag, even inside of skipped elements, because it also checks statements that make no
 // nodes.
 void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
 {
@@ -81,9 +81,8 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
 }
 
 // Reads an array of SOAP's encoding (https://www.w3.org/TR/SOAP/#_Toc478383522): the attribute wsdl:arrayType (WSDL
-// 1.1, 2.2) gives the type of the items. The attribute becomes a repeated element, named like the one that the content
-// declares for the items, else "item". With the declared one it makes a single field, like any two occurrences of one
-// name.
+// 1.1, 2.2) gives the type of the items. The attribute becomes a repeated element with the name of the one that the
+// content declares for the items, else "item". Both elements make a single field, like any two occurrences of one name.
 void SchemaReader::makeArray(XmlAttributes attributes)
 {
     for (std::size_t i = 0; i < attributes.size(); ++i) {
@@ -104,7 +103,7 @@ void SchemaReader::makeArray(XmlAttributes attributes)
         if (const Index declared = group == 0 ? 0 : tree.childOf(group, SchemaTag::element); declared != 0)
             if (tree[declared].hasName())
                 item.name = tree[declared].name;
-        // The rest of the attribute was about itself: its `ref` to the attribute of SOAP, its `use`.
+        // The element has none of the attribute's other properties, such as its `ref` and `use`.
         item.reference = {};
         item.flags = 0;
         item.occurs = 2;
@@ -116,7 +115,7 @@ void SchemaReader::makeArray(XmlAttributes attributes)
 }
 
 // Gives the last element an anonymous type with one element, `item`, which then is the last node. An array of arrays
-// has such a type for each further rank.
+// has one such type for each further rank.
 void SchemaReader::holdInLast(SchemaNode item)
 {
     for (const SchemaTag tag : {SchemaTag::complexType, SchemaTag::sequence, SchemaTag::element}) {
@@ -191,7 +190,7 @@ void SchemaReader::endElement()
 }
 
 // Restores the namespaces of the prefixes that were declared since `shadowed` had the size `before`. Backwards, because
-// an element inside may have declared a prefix again.
+// inner elements may have declared a prefix again.
 void SchemaReader::leaveScope(std::size_t before)
 {
     for (; shadowed.size() > before; shadowed.pop_back())
@@ -206,8 +205,8 @@ void SchemaReader::text(std::string_view text)
         statements.text(text);
 }
 
-// Gives the documentation that ended to the node that it is about. The first one with text counts; what is dropped or
-// cut is a counted detail.
+// Gives the documentation that ended to the node that it describes. Only the first one with text is kept; dropped or
+// cut text is counted as a detail.
 void SchemaReader::keepDocumentation()
 {
     SchemaNode& node = tree.nodes[open.back().lastChild];
@@ -235,7 +234,7 @@ void SchemaReader::readRootAttribute(const SchemaStatements::Attribute& attribut
     }
 }
 
-// Takes what affects types from an attribute. A `ref` takes precedence wherever it stands among the attributes.
+// Stores the value of an attribute that affects types.
 void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attribute& attribute)
 {
     const std::string_view value = attribute.value;
@@ -315,8 +314,8 @@ NameTable::Id SchemaReader::nameOf(std::string_view text)
     return 0;
 }
 
-// Resolves a QName in the current scope (XML Schema Part 1, 3.15.3, QName Interpretation). An unprefixed one is in the
-// default namespace, and "xml" is always bound. With an undeclared prefix the name leads to nothing. The last prefix is
+// Resolves a QName in the current scope (XML Schema Part 1, "QName Interpretation"). An unprefixed one is in the
+// default namespace, and "xml" is always bound. A name with an undeclared prefix refers to nothing. The last prefix is
 // cached, because most names of a document have the same one.
 SchemaName SchemaReader::resolve(std::string_view qualified)
 {

@@ -23,19 +23,19 @@ public:
     void entityLeftOut(std::string_view name, XmlPlace place) override { statements.entityLeftOut(name, place); }
     bool wantsScopes() const override { return true; }
 
-    /// Reports the findings in the document. Not called for one that is left out, which then adds nothing to the
+    /// Reports the findings in the document. Not called for a document that is left out, which then adds nothing to the
     /// report.
     void finish() { statements.finish(); }
 
 private:
     using Index = SchemaNode::Index;
 
-    // An open element, except inside of skipped ones and of documentation, which are only counted. Children of an
-    // element without a node are skipped.
+    // An open element. Elements inside of skipped ones and of documentation are only counted. Children of an element
+    // without a node are skipped, except the documentation in an annotation.
     struct Level
     {
         Index node = 0;
-        // In an annotation, the node that the annotation is about.
+        // In an annotation, the node that it describes.
         Index lastChild = 0;
         std::size_t shadowed = 0; // size of `shadowed` at its start
         bool isAnnotation = false;
@@ -48,7 +48,7 @@ private:
         NameTable::Id space;
     };
 
-    // No name has this number, so a name in this namespace leads to nothing.
+    // No name has this number, so a name in this namespace refers to nothing.
     static constexpr NameTable::Id kUndeclared = ~0U;
 
     void enter(SchemaTag tag);

@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <utility>
 
-// A document enters its components in the symbol tables as soon as it has been read, and before its own references are
-// followed; these are followed depth first, in document order. Of two components of one name, the first one in this
-// walk takes precedence. A redefinition is the exception: it replaces what it redefines, and therefore waits until the
-// document that it names has been followed completely.
+// The components of a document are added to the symbol tables once it has been read, before its references are
+// followed. References are followed depth first, in document order. Of two components of one name, the first one in
+// this walk takes precedence. Redefinitions are the exception: they replace components, and so are added when the
+// document that they name has been followed completely.
 //
 // A file is parsed once. A document without a namespace is copied for each further namespace that includes it, so the
 // work is linear in the nodes read and copied.
@@ -20,7 +20,7 @@ namespace {
 // Nodes. Bounds the memory: a document without a namespace is copied for each namespace that includes it, so small
 // files could multiply.
 constexpr std::size_t kMaxCopied = 1'000'000;
-// Levels. Keeps many notes in a deeply nested document from taking quadratic time.
+// Levels. Without a limit, many notes in a deeply nested document would take quadratic time.
 constexpr int kNearby = 100;
 
 } // namespace
@@ -103,8 +103,8 @@ bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocum
 }
 
 // Returns the file of a document: by the catalogues, else by its location, else by its namespace. `path` is set to the
-// path that led to it, else to that of its location. Catalogues are asked for the location as written and as an
-// absolute URI, because they may list it in either form. An entry that leads to no file is passed over.
+// path that led to it, else to that of its location. The location is looked up in the catalogues as written and as an
+// absolute URI, because they may list either form. An entry that refers to no file is skipped.
 std::optional<FoundFile> SchemaSet::locate(const Location& wanted, CString& path)
 {
     const CString own = localPath(wanted.location);
@@ -155,8 +155,8 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
             place->second = document = copy(document, space);
         declareAll(document, waiting);
     } else if (isInScope(place->second) && again.insert(place->second).second) {
-        // In the scope of an earlier schema, so its components are not among the common ones. They are declared for
-        // this load, too.
+        // The document is in the scope of an earlier schema, so its components are not among the common ones. They are
+        // declared for this load, too.
         countCopied(place->second);
         declareAll(place->second, waiting);
     }
@@ -193,8 +193,8 @@ std::uint32_t SchemaSet::copy(std::uint32_t document, NameTable::Id space)
     return tree.adopt(document, space);
 }
 
-// Declares the components at the top of a document, and pushes it, so that its references are followed next. Elements
-// with a head are collected here; finding them later would touch all nodes again.
+// Declares the components at the top of a document, and pushes it, so that its references are followed next. Also
+// collects the elements with a head, because finding them later would visit all nodes again.
 void SchemaSet::declareAll(std::uint32_t document, std::vector<Following>& waiting)
 {
     const Index first = tree[tree.documents[document].root].firstChild;
@@ -206,8 +206,8 @@ void SchemaSet::declareAll(std::uint32_t document, std::vector<Following>& waiti
     waiting.push_back({document, first, 0});
 }
 
-// Enters a component in the symbol table. A second declaration of a name is reported, unless it is an equal one in
-// another file: partners send each schema with its own copies of the shared documents.
+// Adds a component to the symbol table. A second declaration of a name is reported, unless it is an equal one in
+// another file: many sets contain several copies of shared documents.
 void SchemaSet::declare(Index component, bool redefines)
 {
     const auto kind = kindOf(tree[component].tag);
@@ -229,8 +229,8 @@ SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
         return 0;
     if (redefined.empty() || !redefined.contains(*found))
         return *found;
-    // The table holds the last redefinition. Finds the redefinition of this name around `from`, if there is one,
-    // because only there the name means the component before it. A component may be redefined several times in turn.
+    // The table holds the last redefinition. Inside of a redefinition of this name, the name refers to the component
+    // before it, so `from` is searched for one. A component may be redefined several times in turn.
     Index component = from;
     while (component != 0 && tree[tree[component].parent].tag != SchemaTag::redefine)
         component = tree[component].parent;
@@ -239,8 +239,8 @@ SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
     return earlier == redefined.end() ? *found : earlier->second;
 }
 
-// Returns the scope of a document; null if its components are the common ones. Scopes don't overlap, and are in the
-// order of their documents, so it is a binary search.
+// Returns the scope of a document; null if its components are the common ones. Scopes don't overlap and are in the
+// order of their documents, which allows a binary search.
 const SchemaSet::Scope* SchemaSet::scopeOf(std::uint32_t document) const
 {
     const auto scope = std::ranges::upper_bound(scopes, document, {}, &Scope::end);
@@ -256,7 +256,7 @@ const SchemaSet::Index* SchemaSet::lookUp(Kind kind, SchemaName name, Index from
     return symbols[kind].find(name.key());
 }
 
-// The encodings of SOAP declare types called like the built-in ones, which they extend by attributes, and base64.
+// The encodings of SOAP declare base64, and types with the names of built-in ones, which they extend by attributes.
 std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
 {
     const bool isSoap = SchemaTree::isSoapEncoding(name.space);
@@ -300,8 +300,8 @@ std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
             const auto kind = kindOf(tree[at].tag);
             if (!tree[at].hasName() || (kind != element && kind != type))
                 continue;
-            // By name, because references to it may lead to a redefinition or to an earlier declaration. From the
-            // parent, because inside of a redefinition the name means the redefined component.
+            // Looked up by name, because references to it may lead to a redefinition or to an earlier declaration, and
+            // from the parent, because inside of a redefinition the name refers to the redefined component.
             components.push_back(find(*kind, nameOf(at), tree[at].parent));
         }
     };
@@ -361,7 +361,7 @@ bool SchemaSet::holdsElements(Index derivation) const
     return tree.childOf(derivation, SchemaTag::element) != 0 || (group != 0 && tree[group].firstChild != 0);
 }
 
-// The memory stays proportional to the different notes: repetitions are removed whenever the list has doubled.
+// Repetitions are removed whenever the list has doubled, so memory stays proportional to the different notes.
 void SchemaSet::note(SourceReport::Construct construct, Index node, NameTable::Id name)
 {
     if (construct == SourceReport::unresolvedContent && SchemaTree::isSoapEncoding(tree[node].reference.space) &&
@@ -380,7 +380,7 @@ void SchemaSet::sortNotes()
     notes.erase(std::unique(notes.begin(), notes.end()), notes.end());
 }
 
-// Passes the notes on in the order of nodes. The report only needs their components while it holds constructs back.
+// Passes the notes to the report in the order of nodes. It only needs their components while it holds constructs back.
 void SchemaSet::reportNotes()
 {
     sortNotes();

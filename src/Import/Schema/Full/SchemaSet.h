@@ -22,9 +22,8 @@ class XmlDocument;
 /// (https://www.w3.org/TR/xmlschema-1/#layer2), by kind, namespace and name. If two have the same key, the first one
 /// takes precedence.
 ///
-/// Use it in three steps: load() for each source, finish(), then all other functions. References are resolved by name
-/// when they are asked for, not while documents are read, so documents may refer to each other in any order and in
-/// cycles.
+/// Use it in three steps: load() for each source, finish(), then all other functions. find() resolves references by
+/// name when all documents are read, so documents may refer to each other in any order and in cycles.
 class SchemaSet
 {
 public:
@@ -41,18 +40,18 @@ public:
         kindCount
     };
 
-    /// All three must live as long as the set. `types` only words refusals.
+    /// All three must outlive the set. `types` only words refusals.
     SchemaSet(const SourceTypes& types, SourceReport& report, const Catalogs& catalogs) :
         types(types), report(report), catalogs(catalogs)
     {}
 
     /// Reads a schema or WSDL, and the documents that it refers to, each once. These must be local regular files;
     /// missing ones are reported. Further calls add further schemas of the same set. Throws SourceRefusal if the schema
-    /// itself, or an existing document, can't be read, or if a further file is not a schema. The first file may be
-    /// anything: nothing comes of it, which the caller reports.
+    /// itself, or an existing document, can't be read, or if a further file is not a schema. If the first file is not a
+    /// schema, no types result, which the caller reports.
     void load(const CString& fileName);
 
-    /// A schema inside of a document of another language. `text` must live as long as the set.
+    /// A schema inside of a document of another language. `text` must outlive the set.
     struct Embedded
     {
         std::string_view text; ///< the schema, or a reference to its file
@@ -85,7 +84,7 @@ public:
     Index find(Kind kind, SchemaName name, Index from) const;
 
     /// Records from now on which components are reached, so that the report can leave out the others. `withMessages`
-    /// counts all messages as reached. Call it after finish(): nodes added later have no place.
+    /// counts all messages as reached. Call it after finish(), because nodes that are added later have no place.
     void recordReached(bool withMessages);
 
     /// Records that a top-level component is reached; 0 for none. Does nothing before recordReached().
@@ -111,12 +110,11 @@ public:
     /// because the schema for schemas declares them, too.
     std::optional<SourceTypes::Kind> builtInKind(SchemaName name) const;
 
-    /// Returns the elements that name `head` as their head themselves, in order of declaration. Their own members are
-    /// not among them.
+    /// Returns the direct members of the substitution group of `head`, in order of declaration.
     const std::vector<Index>& membersOf(SchemaName head) const;
 
     /// Returns the top-level elements, complex types and simple types of a document, and those inside of redefinitions.
-    /// A component that is declared twice comes twice. If no element or complex type is outside of a redefinition,
+    /// A component that is declared twice is listed twice. If no element or complex type is outside of a redefinition,
     /// those of the included documents are added. Empty if these have none either.
     std::vector<Index> componentsOf(std::uint32_t document) const;
 
@@ -144,7 +142,7 @@ public:
     SourcePlace placeOf(Index node) const { return {tree.documentOf(node).file, tree[node].line, tree[node].column}; }
 
     /// Keeps a loss or detail for reportNotes(), with `name`, else the name of the node or of its reference. Types are
-    /// worked out in any order, some of them twice; notes bring the report into the order of the source, each once.
+    /// worked out in any order, some of them twice; reportNotes() reports each note once, in the order of the source.
     void note(SourceReport::Construct construct, Index node, NameTable::Id name = 0);
 
     /// The same with a text as the name.
@@ -165,7 +163,7 @@ public:
     const SchemaTree& queryTree() const { return tree; }
 
 private:
-    // A document whose references are being followed, a level of the depth-first walk.
+    // A document whose references are being followed: a level of the depth-first walk.
     struct Following
     {
         std::uint32_t document;
@@ -239,8 +237,8 @@ private:
     SourceReport& report;
     const Catalogs& catalogs;
     FileFinder finder;
-    // A file is parsed once, whatever its result. It is entered once for each namespace: as it is in the first, as a
-    // copy in each further one.
+    // A file is parsed once, even if that fails. It is entered once for each namespace: itself in the first one, a copy
+    // in each further one.
     std::map<FileId, std::uint32_t> parsed; // first document by file
     std::map<std::pair<FileId, NameTable::Id>, std::uint32_t> entered;
     std::map<std::pair<std::string_view, std::uint32_t>, std::uint32_t> texts; // documents by text and file
@@ -252,9 +250,9 @@ private:
     std::vector<NameTable::Id> spaces;      // namespaces of the documents, each once
     std::uint32_t loads = 0;                // number of load() calls so far
     std::vector<std::uint32_t> firstOfFile; // by document: the document that it is a copy of, else itself
-    // By include, import or redefine: the document that it leads to. References to nothing have no entry.
+    // The document by the include, import or redefine that refers to it. A reference to nothing has no entry.
     std::unordered_map<Index, std::uint32_t> documentsByReference;
-    // While an embedded schema is loaded, those of its own load alone.
+    // While an embedded schema is loaded, only those of its own load.
     Symbols symbols;
     std::vector<Scope> scopes;                  // in order of their documents
     std::set<std::uint32_t> again;              // documents of scopes that the schema being loaded refers to

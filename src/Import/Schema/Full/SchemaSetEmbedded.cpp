@@ -1,8 +1,8 @@
 // SchemaSet: reads schemas inside of documents of other languages, such as the payloads of messages. They are written
-// independently of each other, mostly without a namespace, so two of them may declare one name differently. A load
-// therefore collects its components in symbol tables of its own first. If they contradict the common ones, they become
-// a scope, in which references find them before the common ones; else they are added to these. Documents are still read
-// once for all loads.
+// independently of each other, mostly without a namespace, so two of them may declare one name differently. So a load
+// first collects its components in separate symbol tables. If they contradict the common ones, they become a scope, in
+// which references find them before the common ones; else they are added to these. Each document is still read once for
+// all loads.
 #include "Import/Schema/Full/SchemaReader.h"
 #include "Import/Schema/Full/SchemaSet.h"
 
@@ -84,8 +84,8 @@ void SchemaSet::visitLoaded(std::uint32_t begin, Visit visit) const
 void SchemaSet::endLoad(std::uint32_t begin, Symbols shared)
 {
     bool isApart = false;
-    // Equal declarations in a scope may still mean something else, because their references are resolved there.
-    // A redefined component that an earlier load declared is not among those of this load, so it is found here.
+    // Equal declarations in a scope may have another meaning, because their references are resolved in the scope. A
+    // redefined component that an earlier load declared is not among those of this load, so it is found here.
     const auto compare = [&](Kind kind, Index component) {
         const Index* const other = shared[kind].find(nameOf(component).key());
         if (!other || *other == component)
@@ -106,8 +106,8 @@ void SchemaSet::endLoad(std::uint32_t begin, Symbols shared)
     again.clear();
 }
 
-// Reads a text into a new document. White space before it is allowed, as an indented block has it, although nothing may
-// precede an XML declaration (XML 1.0 production [22]). Lines are counted with it.
+// Reads a text into a new document. White space before it is skipped, because indented blocks have some, and nothing
+// may precede an XML declaration (XML 1.0, production [22]). Its lines are counted.
 void SchemaSet::readText(const Embedded& schema)
 {
     const std::size_t begin = std::min(schema.text.find_first_not_of(kWhitespace), schema.text.size());
@@ -125,8 +125,8 @@ void SchemaSet::readText(const Embedded& schema)
                error->reason + (schema.isLiteral ? "" : " in line " + std::to_string(error->line) + " of the text"));
 }
 
-// Reads the file of a reference, which counts as an import in a schema that holds nothing else. So it is found, cached
-// and reported like any other document.
+// Reads the file of a reference, which is treated as an import in a schema without other contents. So it is found,
+// cached and reported like any other document.
 std::optional<std::uint32_t> SchemaSet::loadReferred(const Embedded& schema)
 {
     beginDocument(schema.folder, schema.place.file);

@@ -1,5 +1,5 @@
-// SchemaSet: records which components are reached, so that the report is about these. Only what the requested types
-// reach is imported, so a loss elsewhere must not count, nor fail an import with --strict.
+// SchemaSet: records which components are reached, because only their losses are reported. Only what the requested
+// types reach is imported, so a loss elsewhere must not fail an import with --strict.
 #include "Import/Schema/Full/SchemaSet.h"
 
 void SchemaSet::recordReached(bool withMessages)
@@ -8,7 +8,8 @@ void SchemaSet::recordReached(bool withMessages)
     areMessagesReached = withMessages;
 }
 
-// The report knows messages by their names instead of nodes. Their elements are in documents without a root.
+// In the report, the component of a message is its name, not a node. The elements of messages are in documents without
+// a root.
 void SchemaSet::markReached(Index component)
 {
     reached[component] = true;

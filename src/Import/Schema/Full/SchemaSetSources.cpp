@@ -1,5 +1,5 @@
-// SchemaSet: reads the files of an import, and those that a WSDL among them imports. A source is counted by the file
-// that was given: the schemas of a WSDL, and of the files that it imports, have its number.
+// SchemaSet: reads the files of an import, and those that a WSDL among them imports. Each given file is a source: the
+// schemas of a WSDL, and of the files that it imports, have the number of that WSDL.
 #include "Import/Full/DocumentLinks.h"
 #include "Import/Schema/Full/SchemaSet.h"
 #include "Import/Schema/SchemaDocuments.h"
@@ -14,8 +14,8 @@ void SchemaSet::load(const CString& fileName)
     ++loads;
 }
 
-// Reads one file. If it is a WSDL, appends the files that it imports to `files`; `file` must not be one of its
-// elements.
+// Reads one file. If it is a WSDL, appends the files that it imports to `files`, so `file` must not refer to an element
+// of that.
 void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
 {
     const auto id = identify(file.name);
@@ -28,7 +28,7 @@ void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
     loaded.push_back({document, loads});
     if (id)
         parsed.emplace(*id, document);
-    // A later include of this file leads to the same document, unless it is in another namespace.
+    // A later include of this file leads to the same document, unless its namespace differs.
     if (id && tree.documents[document].root != 0)
         entered.emplace(std::pair(*id, tree.documents[document].space), document);
     const auto end = static_cast<std::uint32_t>(tree.documents.size()); // after the schemas of a WSDL
@@ -51,7 +51,7 @@ void SchemaSet::loadOne(const SourceFile& file, std::vector<SourceFile>& files)
 }
 
 // Reads a file and returns the imports of a WSDL. A file that a WSDL imports is left out if it is not a schema. Its
-// documents stay without nodes then, because documents are known by number.
+// documents then stay, without nodes, because documents are identified by number.
 std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
 {
     const bool isGiven = file.location.empty();
@@ -66,7 +66,8 @@ std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
     if (isRead)
         reader.finish();
     const bool isSchema = isRead && (reader.holdsWsdl() || tree.documents[number].root != 0);
-    // A first file that isn't a schema gives no types, which the import reports with what the file looks like instead.
+    // If the first file isn't a schema, no types result. The import reports that with the importer that the file seems
+    // to need.
     if (!isSchema && isGiven && number > 0)
         throw SourceRefusal{file.name + " is not a schema.", {file.name, "it is not a schema"}};
     for (std::uint32_t at = number + 1; at < tree.documents.size(); ++at) // further schemas of a WSDL

@@ -4,9 +4,9 @@
 #include <unordered_set>
 #include <utility>
 
-// A type is visited twice. At the first visit the types that it is made of are put on the stack above it; at the second
-// one their values are known and combined. Complex types with elements differ: their text is that of mixed content, or
-// inherited.
+// A type is visited twice. At the first visit, the types that it is made of are put on the stack above it; at the
+// second visit, their values are known and combined. The text of complex types with elements is that of mixed content,
+// or inherited.
 
 namespace {
 
@@ -20,7 +20,7 @@ SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
 
 } // namespace
 
-// Returns the part that a name stands for, and marks its component as reached. An unresolved one is text.
+// Returns the part that a name refers to, and marks its component as reached. An unresolved one is text.
 SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from)
 {
     if (const auto builtIn = set.builtInKind(name))
@@ -35,7 +35,7 @@ SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from
 }
 
 // Returns the restriction or extension that determines the text of a type; 0 if there is none. A restriction of complex
-// content doesn't inherit mixed text: it declares its whole content itself.
+// content doesn't inherit mixed text, because it declares its whole content itself.
 SchemaSimpleTypes::Index SchemaSimpleTypes::derivationOf(Index type) const
 {
     if (tree[type].tag == SchemaTag::simpleType)
@@ -54,7 +54,8 @@ bool SchemaSimpleTypes::isMixedType(Index complexType) const
 }
 
 // Works out a type after the types that it is made of, with a stack instead of recursion, because derivations may nest
-// without bound. A type that is derived from itself isn't waited for: it is on the stack with a pending value.
+// without bound. A type that is derived from itself is on the stack already, with a pending value, and isn't pushed
+// again.
 SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
 {
     waiting.assign(1, type);
@@ -79,8 +80,8 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::of(Index type)
     return *values.find(type);
 }
 
-// Collects the types and values from which the value of a type is worked out. Called at both visits of a type; what it
-// notes twice is reported once.
+// Collects the types and values that the value of a type depends on. Called at both visits of a type; its notes are
+// reported once.
 void SchemaSimpleTypes::collectParts(Index type)
 {
     parts.clear();
@@ -153,7 +154,7 @@ void SchemaSimpleTypes::noteList(Index type, Index list)
 }
 
 // Returns the common kind of a union's members; text if they differ. A union of enumerations is one of all constants.
-// Members that share their constants are taken once, so a union that repeats a large one costs no more.
+// Members that share their constants are added once, so repeating a large member costs nothing.
 SchemaSimpleTypes::Value SchemaSimpleTypes::unite(Index type)
 {
     Value value = valueOfKind(parts.empty() ? SourceTypes::kindText : valueOf(parts.front()).kind);

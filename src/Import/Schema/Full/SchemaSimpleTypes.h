@@ -24,7 +24,7 @@ public:
         std::uint32_t constantCount = 0;
     };
 
-    /// Make it after SchemaSet::finish(). The set must live as long.
+    /// Make it after SchemaSet::finish(). The set must outlive this object.
     explicit SchemaSimpleTypes(SchemaSet& set) : set(set), tree(set.queryTree()), values(tree) {}
 
     /// Returns the value of a simple type, or of the text of a complex type. Notes lists, unions of several kinds and
@@ -51,7 +51,7 @@ private:
         Value value;
     };
 
-    // No list of constants begins there, because their number is bounded.
+    // No list of constants begins at this index, because their number is bounded.
     static constexpr std::uint32_t kPending = ~0U; // in firstConstant: the value is not yet known
 
     bool isMixedType(Index complexType) const;
@@ -72,7 +72,7 @@ private:
     std::vector<NameTable::Id> constants;
     std::vector<std::uint32_t> documentations; // by constant
     std::vector<std::uint32_t> constantSeen;   // by name: number of the last list with it
-    // The number of the current list of constants. Numbers start at 1, so a name that was never seen is in none.
+    // The number of the current list of constants. Numbers start at 1; 0 in `constantSeen` means in no list.
     std::uint32_t constantLists = 0;
     std::vector<Part> parts; // of the current type
     std::vector<Index> waiting;

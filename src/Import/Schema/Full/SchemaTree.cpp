@@ -1,6 +1,6 @@
 #include "Import/Schema/Full/SchemaTree.h"
 
-// The first entry of each table is the empty one. The known names get the numbers that the header gives them.
+// The first entry of each table is empty. The known names get the numbers that are defined in the header.
 SchemaTree::SchemaTree() : nodes(1), listed(1), documentations(1)
 {
     for (const std::string_view known :
@@ -10,8 +10,8 @@ SchemaTree::SchemaTree() : nodes(1), listed(1), documentations(1)
         names.intern(known);
 }
 
-// A prefix always stands for its own namespace, so only names in no namespace change. A document with a target
-// namespace can still refer to names in none, those of an import without a namespace.
+// Only names in no namespace change, because a prefix always means its own namespace. A document with a target
+// namespace can still refer to names in no namespace, those of an import without one.
 SchemaName SchemaTree::adopted(Index at, SchemaName name) const
 {
     if (name.space == 0 && name.local != 0 && !documentOf(at).hasTarget)
@@ -53,7 +53,7 @@ bool SchemaTree::areEqual(Index one, Index other) const
 
 std::uint32_t SchemaTree::adopt(std::uint32_t document, NameTable::Id space)
 {
-    // A value, because push_back() below may move the documents.
+    // A copy, because push_back() below may move the documents.
     SchemaDocument copy = documents[document];
     const auto shift = static_cast<Index>(nodes.size()) - copy.root;
     const auto moved = [shift](Index at) { return at == 0 ? 0 : at + shift; };

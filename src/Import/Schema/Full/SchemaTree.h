@@ -10,7 +10,7 @@
 #include <vector>
 
 /// A name with its namespace (expanded name, https://www.w3.org/TR/xml-names/), both as numbers of the tree's name
-/// table. 0 is the empty text: no namespace, no name. A prefix that nobody declares gives a namespace that no component
+/// table. 0 is the empty text: no namespace, no name. The namespace of an undeclared prefix is one that no component
 /// has.
 struct SchemaName
 {
@@ -25,7 +25,7 @@ struct SchemaName
 
 /// A statement of a schema document (https://www.w3.org/TR/xmlschema-1/) that affects types. It refers to other nodes
 /// by index, because nodes move when further documents are read; index 0 is a node without tag, children and name, so
-/// that a search from a missing node finds nothing.
+/// that searches from a missing node find nothing.
 struct SchemaNode
 {
     using Index = std::uint32_t;
@@ -42,15 +42,15 @@ struct SchemaNode
     };
 
     SchemaTag tag = SchemaTag::none;
-    // The model knows fields and tables only, so counts beyond 1 are not told apart.
+    // The model only has single fields and tables, so counts above 1 are not distinguished.
     std::uint8_t occurs = 1; ///< its own `maxOccurs`: 0, 1, or 2 for more
     std::uint16_t flags = 0;
     Index parent = 0;
     Index next = 0; ///< the next sibling, or 0
     Index firstChild = 0;
-    // The statements of the last two have no `name`.
+    // Statements with a value or a location have no `name`.
     NameTable::Id name = 0; ///< `name`, an enumeration's `value`, or the `schemaLocation`
-    // As written in the document; referenceOf() resolves it. An import has only the namespace, that of its document.
+    // Without the namespace of an including document, see referenceOf(). In an import, only the imported namespace.
     SchemaName reference;   ///< `ref`, `type`, `base` or `itemType`
     std::uint32_t list = 0; ///< index in `listed` of its `memberTypes` or `substitutionGroup`
     std::uint32_t documentation = 0;
@@ -62,8 +62,8 @@ struct SchemaNode
     bool is(Flags flag) const { return (flags & flag) != 0; }
 };
 
-/// One document of a schema, in one namespace. A file without a namespace that several namespaces include is a document
-/// for each of them, with nodes of its own.
+/// One document of a schema, in one namespace. A file without a namespace that several namespaces include is a separate
+/// document, with its own nodes, in each of them.
 struct SchemaDocument
 {
     CString folder;             ///< base of relative references
@@ -140,9 +140,9 @@ public:
     /// Returns the first of these names; empty if there are none.
     SchemaName firstListed(Index at) const { return adopted(at, listed[nodes[at].list]); }
 
-    /// Returns whether two components declare the same, wherever they stand: equal nodes in the same order, with equal
-    /// names, references and documentation, under equal defaults of their documents. Linear in the nodes of the smaller
-    /// one.
+    /// Returns whether two components declare the same, in whatever documents: equal nodes in the same order, with
+    /// equal names, references and documentation, and equal defaults of their documents. Linear in the nodes of the
+    /// smaller one.
     bool areEqual(Index one, Index other) const;
 
     /// Returns true for the namespaces of XML Schema of 2001, 2000/10 and 1999.
@@ -160,8 +160,8 @@ public:
         std::erase_if(impossibleNames, [first](const auto& named) { return named.first >= first; });
     }
 
-    /// Copies the nodes of a document into another namespace, because the tables of components and types go by node.
-    /// Lists and documentation are shared. Returns the number of the new document.
+    /// Copies the nodes of a document into another namespace, because tables of components and types are indexed by
+    /// node. Lists and documentation are shared. Returns the number of the new document.
     std::uint32_t adopt(std::uint32_t document, NameTable::Id space);
 
     NameTable names;

@@ -7,9 +7,9 @@
 #include <utility>
 
 // The components of the sources are read first: elements become candidates for the main type, complex types become
-// records, named enumerations become types. A record only gets its fields afterwards, from a list of pending ones, so
+// records, named enumerations become types. The fields of a record are read later, from a list of pending records, so
 // types may refer to each other in cycles and nest without bound. Reading fields makes further records pending, and so
-// reaches whatever the components refer to, in any document.
+// reaches all that the components refer to, in any document.
 //
 // Names and descriptions are copied into the types, each once, because the types outlive the documents.
 void SchemaTypes::read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots,
@@ -66,7 +66,7 @@ void SchemaTypes::readPending()
 }
 
 // Returns the index of the choice of a field whose type is abstract; kNone for other types, and for one that no named
-// type is derived from. A choice is read later, see readPending().
+// type is derived from. readPending() reads the choice later.
 SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
 {
     if (!tree[complexType].is(SchemaNode::isAbstract) || derivedFrom(complexType).empty())
@@ -80,7 +80,7 @@ SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
 }
 
 // Reads the types that may replace an abstract one: those derived from it, directly or indirectly. Each step is
-// counted, because in a chain of abstract types each one has all that come after it.
+// counted, because each abstract type of a chain has all types after it.
 void SchemaTypes::readChoice(SourceTypes::Index choice)
 {
     std::vector<Index> bases{choices[choice]};
@@ -112,8 +112,7 @@ const std::vector<SchemaTypes::Index>& SchemaTypes::derivedFrom(Index type)
     return found == derived.end() ? none : found->second;
 }
 
-// Collects the derived types of all documents, at the first abstract type, so that schemas without one don't pay for
-// it.
+// Collects the derived types of all documents. Called at the first abstract type, because most schemas have none.
 void SchemaTypes::collectDerived()
 {
     const auto add = [&](Index type) {
@@ -213,8 +212,8 @@ void SchemaTypes::readFields(Pending record)
 }
 
 // Returns the type of an element or attribute; text if it has none. Valid until the next call. An element without a
-// type has that of its substitution group's head (XML Schema Part 1, 3.3.2), whose own head may have to be asked, and
-// so on. All elements of such a chain are cached, so a long one is walked once.
+// type has that of its substitution group's head (XML Schema Part 1, 3.3.2), which may have a head itself, and so on.
+// All elements of such a chain are cached, so a long one is walked once.
 const SchemaTypes::Declared& SchemaTypes::declared(Index declaration)
 {
     std::vector<Index> chain;

@@ -7,7 +7,8 @@
 #include <unordered_set>
 
 /// Makes types from a schema: the records, enumerations and elements of its sources, and all that these reach. Make it
-/// after SchemaSet::finish(); set and types must live as long. Notes go to the set, and are reported by the caller.
+/// after SchemaSet::finish(); set and types must outlive this object. Notes are added to the set; the caller reports
+/// them.
 class SchemaTypes
 {
 public:
@@ -15,13 +16,14 @@ public:
         set(set), tree(set.queryTree()), types(types), simple(set), contents(set), records(tree)
     {}
 
-    /// Reads the components of `sources`, as SchemaSet::finish() returns them. `roots` are names of elements and
-    /// complex types to read in any case, from any document; a name that nothing has is ignored. The elements of
-    /// `messages` become main types. Throws SourceRefusal if a bound is passed. Call this or readAlone(), once.
+    /// Reads the components of `sources`, as SchemaSet::finish() returns them. `roots` are names of further elements
+    /// and complex types to read, from any document; names without a component are ignored. The elements of `messages`
+    /// become main types. Throws SourceRefusal if a bound is exceeded. Call either this or readAlone(), once.
     void read(const std::vector<SchemaSet::Source>& sources, const std::vector<CString>& roots,
               const std::vector<SchemaSet::Message>& messages);
 
-    /// Reads only these components and what they reach, and marks that in the set. Used to find what a report is about.
+    /// Reads only these components and what they reach, and marks that in the set. Used to find the constructs to
+    /// report.
     void readAlone(const std::vector<SchemaNode::Index>& wanted);
 
     /// Returns the component of a candidate for the main type, by its number among the candidates that this object
@@ -32,7 +34,7 @@ private:
     using Index = SchemaNode::Index;
     using Value = SchemaSimpleTypes::Value;
 
-    // The type of a declaration: a complex type, else a value. Neither if the declaration has no type.
+    // The type of a declaration: a complex type or a value. Neither if the declaration has no type.
     struct Declared
     {
         Index complexType = 0;

@@ -6,11 +6,12 @@
 
 // The reader follows the elements around the schemas itself, and passes everything inside of a schema on to a
 // SchemaReader. The root shows whether the file is a WSDL; any other file is passed on as a whole. Parts of messages
-// are collected while the file is read, and finish() makes roots of them, because parts of one message belong together.
+// are collected while the file is read; finish() makes roots of them, because all parts of a message are needed for
+// that.
 
 namespace {
 
-// Prefixes, each counted for each schema inside its scope: 4,000 prefixes around 100,000 empty schemas took gigabytes.
+// Prefixes, counted once for each schema in their scope: 4,000 prefixes around 100,000 empty schemas took gigabytes.
 constexpr std::size_t kMaxReplayed = 1'000'000;
 
 std::string_view textOf(const unsigned char* text)
@@ -46,7 +47,7 @@ WsdlReader::WsdlReader(SchemaTree& tree, SourceReport& report) :
     schema(std::make_unique<SchemaReader>(tree, report))
 {}
 
-// Keeps the namespaces of the coming start tag. Those inside of a schema go to its reader.
+// Keeps the namespaces of the next start tag; inside of a schema, passes them to its reader.
 void WsdlReader::scope(const XmlScope& scope)
 {
     if (schema && depth > 0)
@@ -151,8 +152,8 @@ SourcePlace WsdlReader::currentPlace() const
     return {tree.documents[document].file, elementScope.place.line, elementScope.place.column};
 }
 
-// Reads a statement of WSDL by its level: 1 is the root, 2 its children. A part counts in a message only, and a
-// statement inside of a message that was left out is not checked.
+// Reads a statement of WSDL by its level: 1 is the root, 2 its children. A part is only read in a message, and
+// statements inside of a message that was left out are not checked.
 void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
 {
     const SourcePlace place = currentPlace();
@@ -210,7 +211,7 @@ void WsdlReader::readPart(XmlAttributes attributes, SourcePlace place)
 }
 
 // Reads the content of an operation: in WSDL 1.1 the name of a message, in 2.0 an element, or one of the words #none,
-// #any and #other (WSDL 2.0 Part 1, 2.5). The prefix of a message is not resolved; findMessages() of the set says why.
+// #any and #other (WSDL 2.0 Part 1, 2.5). The prefix of a message is not resolved, see SchemaSet::findMessages().
 void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, SourcePlace place)
 {
     const std::string_view content = attributes.valueOf("element"), named = attributes.valueOf("message");
@@ -234,7 +235,7 @@ SchemaName WsdlReader::resolve(std::string_view qualified) const
     const std::string_view local = qualified.substr(colon == qualified.npos ? 0 : colon + 1);
     if (!isXmlName(local))
         return {};
-    // Backwards, so that the innermost declaration of the prefix is found first.
+    // Backwards, because the innermost declaration of a prefix applies.
     for (std::size_t i = declared.size(); i > 0; i -= 2)
         if (textOf(declared[i - 2]) == prefix)
             return {tree.names.intern(trimmed(textOf(declared[i - 1]))), tree.names.intern(local)};

@@ -34,15 +34,15 @@ public:
     /// Returns whether the file is a WSDL.
     bool holdsWsdl() const { return isWsdl; }
 
-    /// Returns the message that a component of the report is, by the number of its name, or 0 for one of WSDL 2.0,
-    /// which has no message of its own; nothing for a component of a schema.
+    /// Returns the number of a message's name by the component of the report; 0 for kMessages, nothing for a component
+    /// of a schema.
     static std::optional<NameTable::Id> messageOf(SourceReport::Component component)
     {
         return component < kMessages ? std::nullopt : std::optional(component - kMessages);
     }
 
     /// The component of messages that only refer to elements. The component of a named message is this plus the number
-    /// of its name, so that messages and nodes don't collide: there are never so many nodes.
+    /// of its name, so that messages and nodes have different numbers: there are never so many nodes.
     static constexpr SourceReport::Component kMessages = 0x8000'0000;
 
     /// An element that a message consists of, and the place of the message's part.

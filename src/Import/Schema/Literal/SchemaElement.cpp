@@ -1,7 +1,7 @@
 #include "Import/Schema/Literal/SchemaElement.h"
 
-// The mark is looked for at the end of the key's text, which is the parent's name and the own one. It isn't kept as a
-// text, so both parts are looked at.
+// The mark is at the end of the key's text, which is the parent's name followed by the own one. The key is only kept as
+// a hash, so the two names are tested.
 
 namespace {
 

@@ -94,8 +94,8 @@ public:
     Pull queryPull() const { return pull; }
 
 private:
-    // In large tables each access to an entry is a cache miss, so an entry fits into one cache line. Texts are kept as
-    // pointers with 32-bit sizes for the same reason; their memory is that of the outlines.
+    // In large tables each access to an entry is a cache miss, so an entry fits into one cache line. For the same
+    // reason, texts are pointers with 32-bit sizes. They point into the outlines.
     Fingerprint key;
     const char* name;
     const char* type;

@@ -2,9 +2,9 @@
 
 #include "Base/Progress.h"
 
-// For each field, the meaning of its declaration is worked out anew and compared with its element. Nearly all fields
-// are single and have a built-in type that the reading supports; for these comparing two kinds is enough. Fields of one
-// name share an element, so the difference is reported for each of them whose meaning it doesn't match.
+// The meaning of each field's declaration is determined again and compared with its element. Nearly all fields are
+// single and have a built-in type that the reading supports; for these comparing two kinds is enough. Fields of one
+// name share an element, so a difference is reported for each of them whose meaning doesn't match.
 
 namespace {
 
@@ -23,7 +23,7 @@ std::string_view nameOf(const SchemaElement& declared)
 
 } // namespace
 
-// A record whose element is no longer one was replaced by a field of its name.
+// If the element of a record is not a record any more, a field of its name has replaced it.
 void SchemaFieldCheck::reportAll(std::string_view path)
 {
     reportFields(path);
@@ -59,8 +59,8 @@ Element::ElementTypes SchemaFieldCheck::plainKindOf(const SchemaElement& declare
     return local == "decimal" ? Element::typeNumber : local == "date" ? Element::typeDate : Element::typeOther;
 }
 
-// Reports a field unless its element matches. Its repetition is a loss of its own: in a group that repeats, which the
-// reading doesn't see, or if the model has its table in another record.
+// Reports a field unless its element matches. A lost repetition is reported separately: the reading ignores groups that
+// repeat, and the table may be in another record only.
 void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std::string_view path)
 {
     const SchemaElement& declared = *field.declared;
@@ -75,7 +75,7 @@ void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std
         sourceReport.add(SourceReport::repetitionSkipped, declared.queryPlace(), name);
 }
 
-// Returns what a declaration means, or the loss that the table has found already.
+// Returns the meaning of a declaration, or the loss that the table has found already.
 SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& declared, std::string_view name,
                                                       const SchemaElement* type)
 {
@@ -91,8 +91,8 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOf(const SchemaElement& decla
                                   : meaningOfType(declared.queryType(), type, name, declared.isMarked());
 }
 
-// A reference takes the type of an element that was read before it; without one it is text. If the element is read
-// later, only the record of its name can still be shared.
+// A reference has the type of an element that was read before it, else it is text. If the element is read later, the
+// reference can only share the record of its name.
 SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfReference(const SchemaElement& declared, std::string_view name)
 {
     const SchemaElement* const target = table.findAny(Fingerprint(name));
@@ -114,12 +114,12 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type,
                                   : Meaning{Element::typeRow};
     if (SchemaTable::isBuiltIn(type))
         return meaningOfBuiltIn(type, repeats);
-    // A single field of a declared type names it. If the type has no fields, no record results, and the name leads
-    // nowhere.
+    // A single field of a declared type names that type. If the type has no fields, no record results, and the name
+    // refers to nothing.
     if (known && !repeats)
         return known->queryChildren() ? Meaning{Element::typeOther, type}
                                       : Meaning{Element::typeOther, type, SourceReport::unresolvedReference, type};
-    // A repeated field loses its type, but shares the element of the record that is called like it.
+    // A repeated field loses its type, but shares the element of the record of its name.
     if (known && type == name)
         return {Element::typeRow};
     // All others are text. That is a loss unless the type means text, too.

@@ -10,8 +10,8 @@
 
 /// Compares the declared records and fields of a schema with those of the model, and reports the differences. Types
 /// that the literal reading doesn't support became text. If fields of one name in several records have different types,
-/// the last one with its own type decides for all. A field of a complex type replaces a record of the same name. Only
-/// at the end is it known what became of a field, so all are kept until then, as small rows.
+/// the last one with its own type decides for all. A field of a complex type replaces a record of the same name. The
+/// result for a field is only known at the end, so all fields are kept until then, as small rows.
 class SchemaFieldCheck
 {
 public:
@@ -33,7 +33,7 @@ public:
             types.push_back(type);
     }
 
-    /// Prepares for `count` fields; more are possible.
+    /// Makes room for `count` fields.
     void reserve(std::size_t count) { fields.reserve(count); }
 
     /// Reports the differences. Call it after all records are declared in the folder `path`, and before tables are

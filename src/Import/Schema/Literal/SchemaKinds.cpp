@@ -34,8 +34,8 @@ void SchemaKinds::addPart(Index type, Part part)
     parts.push_back(part);
 }
 
-// Works out kinds with a stack of waiting types instead of recursion, because derivations may nest without bound. A
-// type is combined when it is on top for the second time, with all its parts known. Each is worked out once.
+// Determines kinds with a stack of waiting types instead of recursion, because derivations may nest without bound. A
+// type is combined when it is on top for the second time, since all its parts are known then.
 SchemaKinds::Kind SchemaKinds::kindOf(Index type)
 {
     std::vector<Index> waiting{type};

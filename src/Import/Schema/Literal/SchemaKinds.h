@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-/// The simple types of all documents of a schema, as far as needed to find the kind of their values. The literal
+/// The simple types of all documents of a schema, reduced to what determines the kind of their values. The literal
 /// reading makes text of all simple types; this class identifies those that are not text, so that they are reported as
 /// losses. Names are compared without their prefixes; of several types of one name the first one counts.
 class SchemaKinds
@@ -30,13 +30,13 @@ public:
     /// Removes all types.
     void clear();
 
-    /// Adds a prefix that is bound to the schema language anywhere in the documents; "" for names without prefix.
+    /// Adds a prefix that is bound to the schema language anywhere in the documents; "" for the default namespace.
     void addLanguagePrefix(std::string_view prefix) { languagePrefixes.emplace(prefix); }
 
     /// Adds a simple type and returns it. The name is "" if it is anonymous.
     Index add(std::string_view name);
 
-    /// Adds the type that a type restricts, or a member of its union, by its name or by itself if it is inside.
+    /// Adds the type that a type restricts, or a member of its union: by name, or by index if it is inside.
     void addPart(Index type, std::string_view typeName) { addPart(type, {texts.keep(typeName), kNone, kNone}); }
     void addPart(Index type, Index inner) { addPart(type, {{}, inner, kNone}); }
 

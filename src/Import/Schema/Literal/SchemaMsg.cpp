@@ -12,9 +12,9 @@
 #include <set>
 #include <system_error>
 
-// The schema and the documents that it refers to are parsed once each, into outlines. The table takes the declarations
-// from these, and the model is made of the table: a record for each entry with children, and a field for each child.
-// Where the result differs from what a declaration means, SchemaFieldCheck reports it when all fields are known.
+// The schema and the documents that it refers to are parsed once each, into outlines. The table is filled from these,
+// and the model from the table: a record for each entry with children, and a field for each child. If the result
+// differs from the meaning of a declaration, SchemaFieldCheck reports that when all fields are known.
 
 SchemaMessage::SchemaMessage() :
     MsgBase(1), table(report, kinds, [this](const SourceFault& fault) { showFault(loadText(IDS_CYCLIC), fault); })
@@ -42,7 +42,7 @@ void SchemaMessage::onCancelled()
     table.setNames(previousNames);
 }
 
-// Runs both passes. The file is parsed once for both. A schema with a target namespace is read alone.
+// Runs both passes; the file is parsed once for both. A schema with a target namespace is read alone.
 int SchemaMessage::import(const CString& source, const CString& basePath, const CString& fileName,
                           SchemaTable::Outlines& outlines)
 {
@@ -60,7 +60,8 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
 }
 
 // Reads a document into a new outline at the end of `outlines`. Returns false, without an outline and without its
-// simple types, on failure. The room for the outline is sized by the file, because growing would copy it.
+// simple types, on failure. The memory of the outline is estimated from the size of the file, because growing would
+// copy the outline.
 bool SchemaMessage::readFile(const CString& fileName, std::uint32_t file, XmlDocument& document,
                              SchemaTable::Outlines& outlines)
 {
@@ -130,7 +131,7 @@ void SchemaMessage::reportSkipped(const SchemaOutline& outline)
         report.add(SourceReport::declarationSkipped, location.place, location.text);
 }
 
-// Makes the model. The outline of the schema is freed before, since nothing but its texts is needed then.
+// Makes the model. Before that, all of the schema's outline is freed except its texts.
 int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
 {
     if (queryMainTypeName().empty())
@@ -152,7 +153,7 @@ int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
     return 1;
 }
 
-// Reports a main element that no message can have, or of which no type results.
+// Reports a main element that is abstract, or that gives no type.
 void SchemaMessage::noteMain(const SchemaOutline& outline)
 {
     const SchemaOutline::Index main = table.queryMainElement();

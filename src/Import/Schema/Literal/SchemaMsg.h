@@ -8,7 +8,7 @@ class XmlDocument;
 
 /// The importer of XML Schema files, in the literal reading. Complex types become records, their elements and
 /// attributes become fields. Statements are identified by the literal prefixes "xsd:" and "xs:"; namespaces are not
-/// resolved. SchemaTable holds the declarations, and this class makes the model of them.
+/// resolved. SchemaTable holds the declarations, from which this class makes the model.
 class SchemaMessage : public MsgBase
 {
 public:
@@ -17,7 +17,7 @@ public:
     static MsgBase* New() { return new SchemaMessage; }
 
     /// `source` is the name of the schema file. With an empty `fileName` the documents that it refers to are not read.
-    /// Returns 0 if it can't be loaded or has no main element; the error has been shown.
+    /// Shows an error and returns 0 if it can't be loaded or has no main element.
     int parse(const CString& source, const CString& basePath, const CString& fileName) override;
     int isFileMode() const override { return 1; }
     CString queryMainTypeName() const override { return table.queryMainType(); }
@@ -35,8 +35,8 @@ private:
         modStar = 1
     };
 
-    // The type to name in an element's fields; empty for text. Set after all fields are declared, because the last one
-    // decides.
+    // The type that a field names, for its element; empty for "String". Set after all fields are declared, because the
+    // last field of the element decides.
     struct KnownType
     {
         Element* element;

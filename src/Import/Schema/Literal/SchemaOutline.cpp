@@ -4,12 +4,12 @@
 
 #include <algorithm>
 
-// The outline is filled in one pass. Besides the entries, it keeps for each prefix and tag the indexes of the
-// declarations in rising order. So the first one below an entry is found by a binary search for the entry's index; it
-// is a descendant if it comes before the entry's end.
+// The outline is filled in one pass. Besides the entries, it keeps the indexes of the declarations of each prefix and
+// tag, in ascending order. So a binary search for an entry's index finds the next declaration, which is a descendant if
+// it comes before the entry's end.
 //
-// Statements that the tables have no place for, although they affect types, are reported here, since later steps don't
-// see them.
+// Statements that the tables have no place for, although they affect types, are reported here, because later steps
+// don't have them.
 
 namespace {
 
@@ -59,8 +59,8 @@ SchemaOutline::SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKin
     entries.emplace_back();
 }
 
-// Besides passing the scope on, collects the prefixes that documents bind to the language. The reading itself knows
-// only xs and xsd, but the report shall not take a built-in type for an undeclared one.
+// Also collects the prefixes that documents bind to the language. The reading itself only knows xs and xsd, but the
+// report must not call a built-in type undeclared.
 void SchemaOutline::scope(const XmlScope& scope)
 {
     statements.scope(scope);
@@ -157,8 +157,8 @@ void SchemaOutline::noteSkipped(XmlName name, SchemaTag tag, Level& level)
     }
 }
 
-// Adds what a statement says about the simple type around it to `kinds`. A restriction or a union is a level of the
-// same type.
+// Adds the properties of the simple type around a statement to `kinds`. The level of a restriction or union has the
+// same type as the level around it.
 void SchemaOutline::noteSimpleType(SchemaTag tag, Level& level)
 {
     const Level& around = open.back();
@@ -225,8 +225,8 @@ CString SchemaOutline::nameAround() const
     return {};
 }
 
-// Keeps the location of a document. Accepts any prefix: documents choose it, and no other top-level statement of a
-// schema has these names.
+// Keeps the location of a document. Accepts any prefix, because no other top-level statement of a schema has these
+// names.
 void SchemaOutline::noteLocation(std::string_view statement)
 {
     if (statement != "include" && statement != "import" && statement != "redefine")
@@ -259,7 +259,7 @@ SchemaOutline::Index SchemaOutline::enter(Tag tag, XmlAttributes attributes)
 }
 
 // Names become names of types and folders, so they have the same bound as names in XML. The mark follows each name in
-// memory, so that the name with and without it are views.
+// memory, so that the name with the mark is a view, too.
 std::string_view SchemaOutline::keepName(std::string_view name)
 {
     if (name.size() > kMaxXmlName)
@@ -305,7 +305,6 @@ SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
     return out;
 }
 
-// The first one with the prefix xsd takes precedence over an earlier one with xs.
 SchemaOutline::Index SchemaOutline::getNode(Index from, Tag tag) const
 {
     for (const auto& byTag : places) {

@@ -105,7 +105,7 @@ public:
     bool holdsTypeNamed(std::string_view name) const;
 
     /// Returns the complex type that a declaration names or holds; kNone if there is none. A named one must be at the
-    /// top, and is searched there from the first type on.
+    /// top; the search is linear.
     Index typeOf(Index declaration) const;
 
     /// Returns the documents that the schema includes, imports or redefines, in document order.
@@ -120,15 +120,15 @@ public:
     /// Returns whether the root has a targetNamespace.
     bool hasTargetNamespace() const { return isTargeted; }
 
-    /// Frees everything except the texts, which the table's entries refer to. Called before the model is built, so that
-    /// both are not in memory together: that takes a seventh to a fifth off the peak of a large schema.
+    /// Frees everything except the texts, which the table's entries refer to. Called before the model is made, so that
+    /// not both are in memory. That reduces the peak of a large schema by a seventh to a fifth.
     void keepTextsOnly();
 
 private:
     static constexpr unsigned kTags = 3;
     static constexpr std::size_t kBytesOfADeclaration = 48; // a low estimate: unused room is never touched
 
-    // A declaration with what the searches need. Entries are in document order, so the descendants of one are those
+    // A declaration with the data for searches. Entries are in document order, so the descendants of one are those
     // after it, before `end`.
     struct Entry
     {
@@ -140,7 +140,7 @@ private:
         mutable bool isRead = false;
     };
 
-    // An open element of the document, declaration or not. Siblings are linked below each of them; only a declaration
+    // An open element of the document, declaration or not. Siblings are linked in each of them, but only a declaration
     // keeps its first children.
     struct Level
     {

@@ -1,12 +1,11 @@
 #include "Import/Schema/Literal/SchemaTable.h"
 
-// A pass enters the top-level elements of all its documents in the table, then their complex types with all that they
-// hold. The key of an entry is that of its record followed by its name, so a field is an entry of its own for each
-// record, but takes the type of an earlier entry of its name alone. After the second pass, the types that fields name
-// are pulled from the entries of the first one.
+// A pass adds the top-level elements of all its documents to the table, then their complex types with all that they
+// contain. The key of an entry is that of its record followed by its name, so a field has a separate entry for each
+// record, but takes the type of an earlier entry whose key is its name alone. After the second pass, the types that
+// fields name are pulled from the entries of the first one.
 //
-// A schema that refers to no other document would give the same table in both passes, so the second one is left out
-// then.
+// If the schema refers to no other document, both passes would give the same table, so the second one is left out.
 
 namespace {
 
@@ -77,8 +76,7 @@ bool SchemaTable::getSchemaIncludeList(Outlines& outlines)
     return outlines.size() == 1 && sameNames && !mainType.empty() && cyclicReferences == 0;
 }
 
-// Turns the table of the include pass into the include table, and leaves the element table empty. The entries stay
-// where they are, so nothing is copied.
+// Makes the table of the first pass the include table, and leaves the element table empty. Entries are not copied.
 void SchemaTable::copyElementList()
 {
     std::swap(includedElements, schemaElements);
@@ -212,7 +210,7 @@ bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
 }
 
 // Starts a list of fields. The entries of the first fields are prefetched, so that cache misses in the large table
-// overlap. Three ahead, because one field is done before its memory has come.
+// overlap. Three ahead, because a field takes less time than a cache miss.
 void SchemaTable::enterList(const SchemaOutline& outline, TypeWalk& walk, Index first) const
 {
     constexpr int kAhead = 3;

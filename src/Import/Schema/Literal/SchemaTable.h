@@ -16,15 +16,15 @@
 /// the schema and every document that it includes, imports or redefines. The second covers the schema alone, and then
 /// pulls types from the first that are named but not declared.
 ///
-/// The rules of the literal reading are fixed, odd ones included, and docs/formats.md lists them. For each schema call
+/// The rules of the literal reading are fixed, even strange ones, and docs/formats.md lists them. For each schema call
 /// readIncluded(), readMain(), then the queries, then clear() before its outlines are destroyed.
 class SchemaTable
 {
 public:
-    /// The schema itself, followed by the documents that it refers to. A deque, because entries and locations refer to
-    /// an outline while further ones are added.
+    /// The schema itself, followed by the documents that it refers to. A deque, because pointers to locations in an
+    /// outline are kept while further outlines are added.
     using Outlines = std::deque<SchemaOutline>;
-    /// Receives a declaration that is skipped because it lies directly inside one of its name, as an error to show.
+    /// Receives the error for a declaration that is skipped because it is directly inside one of its name.
     using CycleHandler = std::function<void(const SourceFault& fault)>;
     using Entries = KeyedTable<SchemaElement, &SchemaElement::queryKey, Fingerprint>;
 
@@ -44,8 +44,8 @@ public:
     /// Removes everything except the names of main element and root type.
     void clear();
 
-    /// The names that stay from one schema to the next: main element, the previous one, root type. They are restored
-    /// when an import is cancelled.
+    /// The names that are kept from one schema to the next: main element, previous main element, root type. The
+    /// importer restores them if an import is cancelled.
     using Names = std::array<CString, 3>;
     Names queryNames() const { return {mainType, earlierMainType, rootTypeName}; }
     void setNames(const Names& names) { std::tie(mainType, earlierMainType, rootTypeName) = std::tuple_cat(names); }
