@@ -14,7 +14,7 @@ using MessageBoxHandler = std::function<void(const CString& text, const CString&
 MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler);
 
 /// Passes a message to the current handler. `details` is the cause in the words of the system, a driver or the broker;
-/// the text doesn't contain it. An empty `details` means that there are none. The text alone says what happened.
+/// the text doesn't contain it. An empty `details` means that there are none. The text alone describes the event.
 void showMessageBox(const CString& text, const CString& title, const CString& details = {});
 
 /// Returns the details of the message that the calling thread is showing, empty if it has none. For handlers. Valid

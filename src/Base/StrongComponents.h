@@ -13,8 +13,8 @@
 /// `Graph` has degree(node), the number of a node's links, and target(node, i), the node at the end of its i-th link,
 /// or kNone if the link leads nowhere. The graph must not change between visits.
 ///
-/// The number of a component is at least those of the components that its nodes link to, because a component gets its
-/// number when all that it reaches have theirs.
+/// Components are numbered from 0. A component gets its number after all components that it reaches, so links between
+/// components lead to lower numbers.
 template <class Graph>
 class StrongComponents
 {

@@ -92,7 +92,7 @@ public:
     bool isUsable() const { return usable; }
     bool write(std::string_view text) const { return ::write(descriptor, text.data(), text.size()) >= 0; }
 
-    // Reads one character at a time, so that no buffer keeps what was typed. Returns false at the end of the input,
+    // Reads one character at a time, so that no buffer keeps the typed text. Returns false at the end of the input,
     // which is Ctrl+D on an empty line, and after a signal.
     bool readLine(const BlockedSignals& signals, CString& line) const
     {

@@ -12,6 +12,6 @@ enum class PromptResult
 
 /// Writes `prompt` to the terminal of the process and reads one line into `secret` without echo. `secret` is empty
 /// unless the result is `answered`. A signal that ends or stops the process finds the echo restored; a stopped process
-/// asks again when it continues. The terminal is /dev/tty, whatever standard input is, so that a source or a list of
-/// types may come from there. Wipe `secret` after use.
+/// asks again when it continues. The terminal is /dev/tty, so that standard input is free for a source. Wipe `secret`
+/// after use.
 PromptResult promptTerminal(const CString& prompt, CString& secret);

@@ -172,8 +172,8 @@ CreatedType CreationRun::decide(const Element& type, const CString& document, Cr
         isCancelled |= choice == OverwriteChoice::stop;
         if (choice != OverwriteChoice::yes && choice != OverwriteChoice::yesToAll)
             break;
-        // A single yes applies to the type that the question was about. replaceFound stops again if that has changed
-        // since.
+        // A single yes applies to the type that the question was about. replaceFound stops again if that type has
+        // changed meanwhile.
         const VornExisting yes = yesToAll ? VornExisting::replace : VornExisting::replaceFound;
         outcome =
             session.createTypes({document}, options.source.name, {yes, options.keepsUnchanged ? ruleFor(true) : yes})

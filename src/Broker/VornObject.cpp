@@ -15,8 +15,8 @@ namespace {
 constexpr char kShippedClient[] = "libvornclient.so";
 
 // Returns the client that comes with the program by its full path. A bare name would be searched in folders that others
-// may write to. The program's path comes from the kernel, not from its arguments, which the caller chooses. The first
-// place is that of a build, the second that of an installation.
+// may write to. The program's path comes from the kernel, not from its arguments, which the caller chooses. The library
+// is beside the program in a build, and in the other folder in an installation.
 CString shippedLibrary()
 {
     std::error_code failed;

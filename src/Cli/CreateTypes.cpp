@@ -55,8 +55,8 @@ OverwriteChoice choose(const CString& overwrite, const CString& question, const 
     return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
 }
 
-// Returns what a dry run writes after a type; empty for an unchanged one. The result lines of a dry run are the names
-// alone.
+// Returns the text that a dry run writes after a type; empty for an unchanged one. The result lines of a dry run are
+// only the names.
 const char* dryRunText(ResultKind kind, const CString& overwrite)
 {
     switch (kind) {

@@ -63,7 +63,7 @@ void warnOfChangedTag(const MsgBase& message, Diagnostics& diagnostics)
                             " is not an element name in XML");
 }
 
-// Writes what the options ask for to the output. Returns the exit status. Returns without finish() on an error, so that
+// Writes the result that the options select, and returns the exit status. Returns without finish() on an error, so that
 // an older file stays. The repository is read here, because the imported types decide which of its folders are read.
 int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagnostics)
 {

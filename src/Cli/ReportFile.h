@@ -21,7 +21,7 @@ struct ReportOptions
 void addReportOptions(CLI::App& app, ReportOptions& options);
 
 /// Writes the report of an import, if one is wanted. Returns false on failure, which has been reported, except on
-/// standard error. After a failed import it holds what was read up to the error.
+/// standard error. After a failed import it covers the source up to the error.
 bool writeReport(MsgBase& message, const ReportOptions& options);
 
 /// Reports the losses of an import: with --strict each loss as an error, else all in one warning. With --verbose, those

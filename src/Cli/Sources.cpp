@@ -16,7 +16,7 @@ namespace {
 
 // Returns whether kStandardInput can be opened by its readers, `twice` or once. A regular file can be opened again from
 // its start; a pipe can be read once; a socket can't be opened, nor can a file that only another user may open. The
-// offset must be 0, because opening /proc/self/fd/0 anew would read from the start what the user has already skipped.
+// offset must be 0, because opening /proc/self/fd/0 anew starts at the beginning, which the user may have skipped.
 bool canBeOpened(bool twice)
 {
     struct stat state = {};

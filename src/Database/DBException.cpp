@@ -24,7 +24,7 @@ constexpr const char* kRefusals[] = {"pass",   "auth", "autent", "парол", "
 constexpr std::pair<std::string_view, std::string_view> kQuotes[] = {
     {"\"", "\""}, {"»", "«"}, {"«", "»"}, {"„", "“"}, {"“", "”"}};
 
-// Returns the text without what is in quotation marks, so that a user called "pass" or a host called "authors" doesn't
+// Returns the text without parts in quotation marks, so that a user called "pass" or a host called "authors" doesn't
 // look like a refusal. An open quotation mark hides the rest.
 CString withoutNames(std::string_view text)
 {

@@ -49,6 +49,6 @@ private:
     pid_t process = -1; // -1 with threads, and after the end
     // Also true after a call that threw, because the process may still be working on it.
     bool isCalling = false;
-    // The time since which the progress handler refuses; max() if it doesn't.
+    // The time at which the progress handler began to refuse; max() if it doesn't.
     Clock::time_point unwantedSince = Clock::time_point::max();
 };

@@ -91,7 +91,7 @@ int CRecordset::run(unsigned short function, const std::vector<Arguments>& calls
     return 1;
 }
 
-// Keeps the rows of exactly this table, since "_" may have matched other names.
+// Keeps the rows of exactly this table, because "_" may have matched other names.
 void CRecordset::keepRowsOf(const CString& table)
 {
     CString kept;

@@ -25,7 +25,7 @@ struct SettingsValue
 /// unreadable file counts as empty. A file that can't be parsed, is larger than 4 MB or is not a regular file counts as
 /// empty too, and is renamed to `settings.json.bad`, with a message to the user. A text that is not UTF-8 is stored as
 /// {"latin-1": TEXT}, its bytes as characters. JSON, so that a person can read and repair it. An object is a snapshot:
-/// it doesn't see what others write meanwhile, and save() writes all of its values, also those that it has not set.
+/// it doesn't see changes by other programs, and save() writes all of its values, also those that it has not set.
 class SettingsStore
 {
 public:

@@ -12,8 +12,8 @@
 // gets tables of its parts. The type of a part is compared only by name, because that type itself is compared once.
 namespace {
 
-// A row for each TypeChange::Id. A removed constant breaks writers, who may still send it; a removed field breaks both,
-// because readers may need it and writers may fill it.
+// A row for each TypeChange::Id. A removed constant breaks writers, because they may still send it. A removed field
+// breaks both, because readers may need it and writers may fill it.
 struct ChangeRow
 {
     const char* id;

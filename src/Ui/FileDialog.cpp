@@ -27,7 +27,7 @@ QStringList filterRows(const std::vector<FileFilter>& filters)
     return rows;
 }
 
-// Returns what the dialog shows first: a folder, with the preset name if there is one.
+// Returns the folder that the dialog shows first, with the preset name if there is one.
 QString startOf(const FileQuestion& question)
 {
     const QString name = toUi(question.name);

@@ -18,7 +18,7 @@ struct FileQuestion
 {
     CString title;
     std::vector<FileFilter> filters;
-    CString folder; ///< where the dialog starts, if the name has no path
+    CString folder; ///< the folder that is shown first, if the name has no path
     CString name;   ///< preset file name, in the folder or with a path; may be empty
 };
 

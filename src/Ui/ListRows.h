@@ -31,8 +31,8 @@ public:
     /// There is a column for each of `titles`. The model has no rows at first.
     ListRows(QStringList titles, QObject* parent);
 
-    /// Sets `count` rows and shows all of them, in their own order. `marks` may be empty. The functions are called
-    /// until the next call, so what they refer to has to live until then.
+    /// Sets `count` rows and shows all of them, in their own order. `marks` may be empty. The functions are used until
+    /// the next call, so all objects that they refer to must live until then.
     void setRows(int count, CellText cells, RowMark marks);
 
     /// Shows the rows with `text` in any cell, in any letter case, sorted by a column; -1 keeps their own order.

@@ -193,7 +193,7 @@ void ListView::resizeEvent(QResizeEvent* event)
         shareWidth();
 }
 
-// The last columns get what is left, so no scroll bar for columns appears.
+// The last columns get the remaining width, so no horizontal scroll bar appears.
 void ListView::shareWidth()
 {
     const int width = contentsRect().width();

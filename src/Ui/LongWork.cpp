@@ -19,8 +19,8 @@ using std::chrono::steady_clock;
 // loop. In both it takes calls of the work (inWindowThread()): the work puts one into `wanted`, wakes the window's
 // thread and waits for the call's future. There is one call at a time, because the work waits for each.
 //
-// The work's thread wakes the window's by both means, since it doesn't know how that waits; a wake-up that finds
-// nothing to do is harmless. A queued event that is posted before the loop runs is delivered when it runs, so none is
+// The work's thread wakes the window's thread in both ways, because it doesn't know how that waits. A wake-up without
+// anything to do is harmless. A queued event that is posted before the loop runs is delivered when it runs, so none is
 // missed.
 namespace {
 

@@ -15,7 +15,7 @@
 class QAbstractButton;
 
 /// Runs `call` in the window's thread, waits for it and rethrows its exceptions. For boxes and questions of long work,
-/// since widgets may only be used in that thread. In the window's thread, or while no work runs, it is a plain call.
+/// because widgets may only be used in that thread. In the window's thread, or while no work runs, it is a plain call.
 void inWindowThread(std::function<void()> call);
 
 /// Runs one long work in a thread of its own, while the window still paints, moves and resizes. Input reaches only

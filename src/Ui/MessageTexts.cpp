@@ -70,7 +70,7 @@ QTextEdit* MessageTexts::addText(const QString& text, const char* accessibleName
     return edit;
 }
 
-// The details may take what the message leaves, and at least half of the room.
+// The details get the room that the message leaves, and at least half of all.
 void MessageTexts::fitInto(int least, int width, int height)
 {
     message->document()->setTextWidth(-1);

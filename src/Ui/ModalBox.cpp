@@ -22,7 +22,8 @@
 #include <algorithm>
 
 // A QMessageBox gives title, buttons, keys and the check box; only its label is replaced by texts that scroll. Boxes of
-// an import are counted here, in the window's thread, because the importer doesn't know who shows its errors.
+// an import are counted here, in the window's thread, because the importer doesn't know that its errors are shown in
+// boxes.
 namespace {
 
 // The boxes of one import. A real DTD can report hundreds of faults, one box each.

@@ -52,7 +52,7 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
     return nullptr;
 }
 
-// Returns why no importer takes a file or folder, and what to do. The user may know better than the contents show, so
+// Returns why no importer takes a file or folder, and what to do. The user may know the kind of the source better, so
 // the importer can be chosen first.
 CString noImporterReason(const CString& name)
 {

@@ -11,5 +11,5 @@ void restoreGeometry(QWidget& window);
 /// Restores the widths of columns and splitters inside `page`. Stored widths are ignored if their number differs.
 void restoreWidths(const QWidget& page);
 
-/// Stores the layout of a window and everything in it. A failure is not reported, because nobody waits for the result.
+/// Stores the layout of a window and of its lists and splitters. A failure is not reported.
 void storeLayout(const QWidget& window);

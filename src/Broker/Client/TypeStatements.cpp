@@ -37,7 +37,7 @@ CString findStatement(const TypeTable& table)
            " FROM typeforge_types WHERE name = ?";
 }
 
-// Parameters arrive as texts, hence the CAST.
+// CAST is needed, because parameters arrive as texts.
 CString updateStatement(const TypeTable& table)
 {
     return CString("WITH type (name, document, source, source_time, seen) AS (SELECT ?, ?, ?, ?, ?) ") +

@@ -108,8 +108,8 @@ StoredType TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark
         const auto& [revision, same, source, time] = std::tie(rows[0][0], rows[0][1], rows[0][2], rows[0][3]);
         const bool isSame = same == "1";
         const VornExisting rule = rules.ruleFor(isSame);
-        // A change by another program has raised the revision, so replaceFound only replaces what the user was asked
-        // about.
+        // A change by another program has raised the revision, so replaceFound only replaces the type that the user was
+        // asked about.
         const Found found = {type.name, revision};
         if (rule == VornExisting::replace || (rule == VornExisting::replaceFound && found == lastStopped)) {
             if (!run(update, updateStatement, {type.name, type.document, mark.source, mark.time, revision}).empty())

@@ -58,7 +58,7 @@ void FinishPage::OnSetActive()
     sheet()->SetWizardButtons(WizardSheet::buttonBack | WizardSheet::buttonNext | WizardSheet::buttonFinish);
 }
 
-// Returns what was done: the totals of the creation, or the file with its size.
+// Returns the result in words: the totals of the creation, or the file with its size.
 QString FinishPage::summary() const
 {
     const ScriptCommand& script = wizard->script;

@@ -107,7 +107,7 @@ QWidget* LoginToBroker::makeLogonGroup()
     userCombo = withId(IDC_USER, newRecentCombo("Broker &username"));
     userCombo->setValidator(new UpperCase(userCombo));
     user = wizard->options.fillUser(*userCombo);
-    // The validator only sees what is typed.
+    // The validator only sees typed text.
     for (int i = 0; i < userCombo->count(); ++i)
         userCombo->setItemText(i, upperCase(userCombo->itemText(i)));
     passwordEdit = withId(IDC_PASSWORD, new QLineEdit(toUi(wizard->options.queryPwd())));

@@ -58,8 +58,8 @@ bool isSource(const CString& fileName, const WizardRun& wizard)
     }
 }
 
-// Returns what exists under the name, and what will happen to it; "" if nothing does. Reads the beginning of the file,
-// to tell types written earlier from other files. A file of today is shown with its time alone.
+// Describes the file or folder of this name, and says that a file will be replaced; "" if there is none. Reads the
+// beginning of the file, to tell types written earlier from other files. A file of today is shown with its time alone.
 QString stateInWords(const CString& fileName, const WizardRun& wizard)
 {
     const QFileInfo file(toUi(fileName));

@@ -27,7 +27,7 @@ protected:
 
 private:
     void suggest();
-    // Shows what exists under the typed name.
+    // Shows whether a file or folder of the typed name exists.
     void showState();
 
     QLabel* state = nullptr;

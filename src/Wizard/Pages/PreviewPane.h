@@ -20,7 +20,7 @@ public:
     /// Shows another source, after a short delay for further typing. Without names, hides the text.
     void showSource(const SourcePreview::Source& source);
 
-    /// Cancels the counting. What is shown stays.
+    /// Cancels the counting. The shown text and counts stay.
     void stop();
 
 protected:

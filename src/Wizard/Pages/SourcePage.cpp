@@ -174,7 +174,7 @@ void SourcePage::showSetRows()
     catalogState->setVisible(!catalogRow->isHidden() && !catalogState->text().isEmpty());
 }
 
-// A preview of a page that is no longer shown would only take time. Spontaneous hiding, as by minimising, keeps it.
+// A preview would only take time when its page is not shown. Spontaneous hiding, as by minimising, keeps it.
 void SourcePage::hideEvent(QHideEvent* event)
 {
     if (!event->spontaneous() && pane)

@@ -47,7 +47,7 @@ private:
     // Returns why these sources can't be imported; "" if no reason is known before they are read.
     CString sourceError(const std::vector<CString>& names) const;
 
-    // Called whenever a control changes what would be imported.
+    // Called for each change of a control that affects the import.
     void updatePreview();
 
     PreviewPane* pane = nullptr;

@@ -28,7 +28,7 @@ CString FillCombo(CComboBox& combo, CStringList& list);
 CString QueryTop(CStringList& list);
 
 /// Appends the values of a settings key. Stops at a name of more than 9 bytes, a text of more than 259, or 1,000
-/// entries. Whatever the type of a value is, its bytes are the entry.
+/// entries. The bytes of a value are the entry, also if it is not a text.
 void FillFromReg(CStringList& list, const char* key);
 
 /// Stores the entries as the values "a", "b", "c", … of a settings key. Its other values stay. A failure is not

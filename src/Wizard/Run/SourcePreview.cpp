@@ -17,7 +17,7 @@
 
 namespace {
 
-// Bounds of what is read and shown of a source, whatever its size.
+// Limits of the part of a source that is read and shown.
 constexpr qsizetype kMaxShown = 1 << 16; // bytes
 constexpr qsizetype kMaxLines = 200;
 constexpr qsizetype kMaxLine = 500; // characters; laying out longer lines would take long

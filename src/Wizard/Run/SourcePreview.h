@@ -19,7 +19,7 @@ class SourcePreview : public QObject
     Q_OBJECT
 
 public:
-    /// What to preview. Copied into the thread.
+    /// The source to preview. Copied into the thread.
     struct Source
     {
         MsgUIDescriptor* importer = nullptr; ///< never null in start()

@@ -41,7 +41,8 @@ public:
     /// which the page shows. Starts `script` anew. `names` must not be empty.
     bool importSources(const std::vector<CString>& names);
 
-    /// Runs the last import again, by the current importer. Passes a copy of the names, since they are stored anew.
+    /// Runs the last import again, by the current importer. Passes a copy of the names, because importSources() stores
+    /// them again.
     bool importAgain() { return importSources(std::vector<CString>(sources)); }
 
     /// Opens the data source in `script`. Asks for user and password until they are accepted. Returns false if it can't
@@ -70,7 +71,7 @@ public:
     QFont titleFont;                     ///< of the large texts on the first and the last page
 
 private:
-    // Returns what MsgBase::parseFile() does. Sets unsupportedConstructs.
+    // Returns the result of MsgBase::parseFile(). Sets unsupportedConstructs.
     int readSources();
 
     WizardSheet& sheet;

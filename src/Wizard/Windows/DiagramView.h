@@ -10,8 +10,8 @@ class DiagramScene;
 
 /// A view of a diagram. The wheel, + and - zoom; 0 shows the whole picture, 1 its own size. Dragging, arrows, Page Up
 /// and Page Down move it; Home and End go to its left and right end. A click chooses a box, a double click enters it.
-/// Ctrl and an arrow choose the next box in that direction, Return enters it. What entering means is up to the signal's
-/// receiver.
+/// Ctrl and an arrow choose the next box in that direction, Return enters it. The receiver of the signal decides what
+/// entering does.
 class DiagramView : public QGraphicsView
 {
     Q_OBJECT

@@ -134,8 +134,8 @@ QWidget* DiagramWindow::makeButtons()
 }
 
 // Returns false if the work was cancelled. The row of buttons is replaced by one with the progress, also in a window
-// that is not yet shown: the user then sees what is waited for. Only Cancel has input; the focus returns to where it
-// was, not always to the picture, because the work may have been started from a list.
+// that is not yet shown, so that the user sees the progress. Only Cancel has input. The focus returns to its earlier
+// control, because the work may have been started from a list.
 bool DiagramWindow::runLong(const std::function<void()>& call)
 {
     LongWork longWork(*cancelButton);
@@ -182,8 +182,8 @@ void DiagramWindow::open(std::uint32_t type)
         close();
 }
 
-// Collects the types here and only lays them out in the work's thread, since a structure belongs to one thread. Members
-// are set when the picture is complete, so that a cancelled one leaves no trace.
+// Collects the types here and only lays them out in the work's thread, because a structure belongs to one thread.
+// Members are set when the picture is complete, so that a cancelled one leaves no trace.
 bool DiagramWindow::draw(std::uint32_t type)
 {
     if (!areTypesThere())
@@ -264,7 +264,7 @@ void DiagramWindow::choose(std::size_t box)
         Q_EMIT typeChosen(diagram->typeOf(box));
 }
 
-// Returns whether the structure still exists; if not, disables what needs it and says why.
+// Returns whether the structure still exists. If not, disables the controls that need it and shows the reason.
 bool DiagramWindow::areTypesThere()
 {
     if (!structure.expired())

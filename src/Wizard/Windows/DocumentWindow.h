@@ -18,7 +18,7 @@ class QPlainTextEdit;
 class DocumentWindow : public QWidget
 {
 public:
-    /// What the window shows: the kind decides on colours, the suggested suffix and the words.
+    /// The kind of text, which decides on colours, the suggested suffix and the words.
     enum Kind
     {
         ofType,
@@ -26,7 +26,7 @@ public:
     };
 
     /// `document` and `name` are a type's, or a report's. `note` explains why the window appeared; empty for nothing.
-    /// The caller shows the window. What is saved is `document`, not the indented text.
+    /// The caller shows the window. `document` is saved, not the indented text.
     DocumentWindow(QWidget* owner, const CString& name, const CString& document, const QString& note,
                    Kind kind = ofType);
 

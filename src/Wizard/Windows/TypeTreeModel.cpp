@@ -103,8 +103,8 @@ void TypeTreeModel::setType(const TypeStructure* newStructure, std::uint32_t typ
     endResetModel();
 }
 
-// The mark is that of the type that the document names, a table for example; the text and the jump go through tables to
-// what they hold.
+// The mark shows the kind of the type that the document names, for example a table. The text and the jump refer to the
+// content of tables and arrays.
 void TypeTreeModel::addParts(Node& node) const
 {
     for (const TypePart& part : structure->parts(node.held)) {
