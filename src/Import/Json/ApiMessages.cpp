@@ -6,9 +6,9 @@
 
 #include <algorithm>
 
-// A walk over the parts of a description that may hold messages. Types are made for messages first, then for the
-// remaining schemas of the components, so that candidates for main types are messages if there are any. Names of
-// components are decided before either, because messages may refer to them through other files.
+// Walks over the parts of a description that may hold messages. Types are made for messages first, then for the
+// remaining schemas of the components, so that candidates for main types are messages if there are any. Components are
+// named before, because messages may refer to them through other files.
 namespace {
 
 using Index = JsonNode::Index;
@@ -93,7 +93,8 @@ public:
             avro.addNamedTypes();
         schemas.finish();
         avro.finish();
-        // A file without a version is accepted only as a part of another one, which is known once all are read.
+        // A file without a version is only accepted as a part of another one. Whether it is one is known when all are
+        // read.
         for (const std::size_t top : documents.findTops(all))
             if (!isDescription(all[top]))
                 documents.refuse(all[top], kUnknown);
@@ -184,7 +185,7 @@ private:
     {
         if (!isNew(operation))
             return;
-        // Without an operationId, the method and the path are unique.
+        // Without an operationId, the method and the path identify an operation.
         const std::string_view id = tree.textOf(operation, JsonWord::operationId);
         const CString called = id.empty() ? nameOf(name) : CString(id);
         readBody(partOf(tree.find(operation, JsonWord::requestBody)), called + "Request");
@@ -241,7 +242,7 @@ private:
     {
         if (message == 0 || !isNew(message))
             return;
-        // The last one found applies, so `name` takes precedence.
+        // The last one found is used, so `name` takes precedence.
         for (const JsonWord word : {JsonWord::messageId, JsonWord::name})
             if (const std::string_view said = tree.textOf(message, word); !said.empty())
                 name = said;

@@ -23,7 +23,7 @@ void AvroTypes::declareAll(Index document)
     declareAll({isProtocol ? tree.find(document, JsonWord::types, JsonNode::array) : document, tree[space].text});
 }
 
-// Visits each schema once, with a stack of its own, because schemas may nest as deep as documents.
+// Visits each schema once, with a stack instead of recursion, because schemas may nest deeply.
 void AvroTypes::declareAll(Scoped top)
 {
     std::vector<Scoped> waiting{top};
@@ -62,7 +62,7 @@ NameTable::Id AvroTypes::spaceOf(Scoped at)
     return own == 0 ? at.space : tree[own].text;
 }
 
-// Declares a schema if it is a named type. Returns false if it repeats an earlier one, which then replaces it. Avro
+// Declares a schema if it is a named type. Returns false if it repeats an earlier one, which is then used instead. Avro
 // forbids a second declaration, but some generators embed the types that several files share in each of them.
 bool AvroTypes::declare(Scoped& at)
 {
@@ -84,9 +84,8 @@ bool AvroTypes::declare(Scoped& at)
     return true;
 }
 
-// Returns whether two schemas describe the same values. The name of a type equals its declaration, because the second
-// file may refer to what the first one embeds. Types inside are compared by name only if they have one, so the walk
-// ends.
+// Returns whether two schemas describe the same values. A name and a declaration of that name count as equal, because
+// one file may refer to a type that another one embeds.
 bool AvroTypes::isSame(Scoped one, Scoped other)
 {
     constexpr JsonWord members[] = {JsonWord::type,    JsonWord::name,   JsonWord::fields,     JsonWord::items,

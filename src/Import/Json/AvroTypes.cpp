@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <utility>
 
-// A value is handled as a list of alternatives, since any schema may be a union, and unions reach through names and
-// arrays. sort() splits the list by kind; several records become one with the fields of all, as for the alternatives of
-// other languages. Records are read later than they are added, so that they may contain each other.
+// A value is a list of alternatives, because any schema may be a union, and its members may be names and arrays of
+// further unions. sort() splits the list by kind; several records become one with the fields of all, as for the
+// alternatives of other languages. The fields of records are read later, so that records may contain each other.
 namespace {
 
 using Index = JsonNode::Index;
@@ -30,7 +30,7 @@ JsonNode::Index AvroTypes::find(Index schema, JsonWord key, JsonNode::Kind kind)
     return isRight ? found : 0;
 }
 
-// Any JSON could be a schema of Avro with an unknown type, so a type that is known is required.
+// Any JSON could be an Avro schema with an unknown type, so at least one known type is required.
 bool AvroTypes::isSource(Index document)
 {
     if (tree.find(document, JsonWord::protocol) != 0)
@@ -68,7 +68,7 @@ void AvroTypes::readDeclared(std::string_view name)
 
 void AvroTypes::addNamedTypes()
 {
-    // Sorted into the order of the documents: the table of names has none.
+    // Sorted into the order of the documents, because the table of names is unordered.
     std::vector<Scoped> all;
     for (const auto& [name, type] : named)
         if (names.isWanted(type.schema))
@@ -92,8 +92,8 @@ void AvroTypes::addNamedTypes()
             candidate.uri = uri->second;
 }
 
-// A request is a list of parameters, so it becomes a record although Avro has none there. A response has a schema of
-// its own, and counts only if it is a record: a number alone is no message.
+// A request is a list of parameters, which becomes a record. A response is a schema, and becomes a candidate only if it
+// is a record, because a single value is no message.
 void AvroTypes::readProtocol(Index protocol)
 {
     const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);
@@ -165,7 +165,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
 {
     Sorted sorted;
     std::unordered_set<Index> met;
-    // The list is used as a stack, and the alternatives keep their order.
+    // The list is used as a stack, so it is reversed to keep the order of the alternatives.
     std::ranges::reverse(alternatives);
     while (!alternatives.empty()) {
         spendStep();
@@ -176,7 +176,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
             at = known->second;
         if (!met.insert(at.schema).second)
             continue;
-        // A "type" may hold a whole schema, which then is that of the value.
+        // A "type" may hold a whole schema, which is then the schema of the value.
         const Index inner = tree.find(at.schema, JsonWord::type);
         if (tree.is(at.schema, JsonNode::array)) {
             const auto first = static_cast<std::ptrdiff_t>(alternatives.size());
@@ -187,7 +187,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
             alternatives.push_back({inner, at.space});
         } else {
             const std::string_view type = typeOf(at.schema);
-            // A simple name belongs to the enclosing namespace. One that is not declared there is looked up without a
+            // A simple name is in the enclosing namespace. If it is not declared there, it is looked up without a
             // namespace.
             const auto found = named.find(fullNameOf(type, at.space));
             const auto global = found == named.end() ? named.find(tree.names.intern(type)) : found;
@@ -235,7 +235,7 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, std::s
         return known->second;
     const Index schema = schemas.front().schema;
     const std::string_view own = schemas.size() == 1 && typeOf(schema) != "map" ? simpleNameOf(schema) : "";
-    // A named type lies in its own namespace, any other one beside the record that uses it.
+    // A named type is in its own namespace, any other one in that of the record that uses it.
     SourceTypes::Record row{own.empty() ? name : own, describe(schema), tree[schema].place};
     if (!own.empty())
         row.space = types.spaceOf(tree.names[schemas.front().space]);
@@ -301,8 +301,8 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
     return kind == SourceTypes::kindEnumeration ? enumerationOf(leaves, name) : SourceTypes::Type{kind};
 }
 
-// Returns the enumeration of one or several enumerations: their symbols in order, each once. A symbol that two of them
-// list is fine, one that a single enumeration lists twice is a loss.
+// Returns the union of one or several enumerations: their symbols in order, each once. A symbol that one of them lists
+// twice is a loss; one that two of them list is not.
 SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, std::string_view name)
 {
     std::vector<std::string_view> constants;

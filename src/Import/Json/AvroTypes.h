@@ -6,7 +6,7 @@
 /// before anything refers to them.
 ///
 /// The order of calls: declareAll() for all documents, then addCandidate() or readProtocol() for each, then
-/// addNamedTypes() if main types are requested, then finish(). Members throw SourceRefusal beyond 20,000,000 visited
+/// addNamedTypes() if main types are requested, then finish(). Functions throw SourceRefusal beyond 20,000,000 visited
 /// parts, and Cancelled.
 class AvroTypes
 {
@@ -14,7 +14,7 @@ public:
     using Index = JsonNode::Index;
     using Shape = JsonTypes::Shape;
 
-    /// All must outlive this object. `names` fits names to the model, and takes the candidates.
+    /// All must outlive this object. `names` adapts names to the model and stores the candidates.
     AvroTypes(JsonDocuments& documents, JsonTypes& names, SourceTypes& types, SourceReport& report) :
         documents(documents), tree(documents.tree), names(names), types(types), report(report)
     {}

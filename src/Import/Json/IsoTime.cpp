@@ -42,8 +42,8 @@ bool takeDate(std::string_view& text)
            (std::chrono::year(static_cast<int>(*year)) / std::chrono::month(*month) / std::chrono::day(*day)).ok();
 }
 
-// Takes a time with its fraction and offset. Seconds are optional, as ISO 8601 allows; so are minutes of the offset, as
-// some databases write it.
+// Takes a time with its fraction and offset. Seconds are optional in ISO 8601. Minutes of the offset are, too, because
+// some databases leave them out.
 bool takeTime(std::string_view& text)
 {
     const bool isMidnight = text.starts_with("24:00"); // the end of a day
@@ -70,8 +70,7 @@ bool takeTime(std::string_view& text)
 
 bool isIsoTime(std::string_view text)
 {
-    // "12:34" is the shortest. The longest allows for any sensible fraction of a second.
-    // "12:34" is the shortest. The longest allows for any sensible fraction of a second.
+    // "12:34" is the shortest. The longest allows for a fraction of many digits.
     constexpr std::size_t shortest = 5, longest = 40;
     if (text.size() < shortest || text.size() > longest || text[0] < '0' || text[0] > '9')
         return false;

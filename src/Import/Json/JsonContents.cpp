@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <utility>
 
-// The class's comment describes the method. joinBoth() and joinEither() have the rules for each pair of kinds.
+// See the comment of JsonContents. joinBoth() and joinEither() implement the rules for each pair of kinds.
 namespace {
 
 using Index = JsonNode::Index;

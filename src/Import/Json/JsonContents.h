@@ -8,7 +8,7 @@
 #include <span>
 #include <unordered_set>
 
-/// A property of a record, or a constant of an enumeration. Both have names and schemas, so they are collected alike.
+/// A property of a record, or a constant of an enumeration.
 struct JsonMember
 {
     NameTable::Id name = 0;
@@ -19,7 +19,7 @@ struct JsonMember
 /// The values that a schema describes.
 struct JsonContent
 {
-    /// What values are. A schema of several kinds has one of them, see the rules at joinBoth() and joinEither().
+    /// The kind of the values. A schema of several kinds gets one of them, see joinBoth() and joinEither().
     enum Kind : std::uint8_t
     {
         none, ///< the schema restricts nothing
@@ -45,13 +45,13 @@ struct JsonContent
 /// Works out the contents of schemas: follows references and combines allOf, oneOf, anyOf and conditions. Each schema
 /// is worked out once, without recursion. An array of schemas means a choice between them.
 ///
-/// The parts of a schema are worked out first, and then joined one by one into its content. Where two schemas give one
-/// field, or the items of an array, different schemas, these are combined into a made schema: an array of aliases in
-/// the tree, whose key says how they combine. It is worked out like any other, when its field is read. Made schemas are
-/// found again by their members, so that a recursive schema leads to one that exists, and comes to an end. Three bounds
-/// stop what combines without end: the nesting of made schemas, their nodes in proportion to the source, and all steps.
+/// The parts of a schema are worked out first, and then joined one by one into its content. If two parts have different
+/// schemas for one field, or for the items of an array, these are combined into a made schema: an array of aliases in
+/// the tree, whose key defines how they combine. It is worked out like any other schema, when its field is read. Made
+/// schemas are looked up by their members, so that recursive schemas lead to existing ones. Three bounds stop endless
+/// combinations: the nesting of made schemas, their nodes in proportion to the source, and the number of steps.
 ///
-/// A condition adds the fields that it names, and narrows none, because a message need not meet it.
+/// A condition adds the fields that it names, but narrows none, because a message need not meet it.
 class JsonContents
 {
 public:
@@ -63,8 +63,8 @@ public:
         documents(documents), tree(documents.tree), types(types), report(report)
     {}
 
-    /// Returns the content of a schema. Throws SourceRefusal if a schema consists of itself, or beyond a bound. What
-    /// the types can't express is reported when a schema is worked out, so once.
+    /// Returns the content of a schema. Throws SourceRefusal if a schema consists of itself, or if a bound is exceeded.
+    /// Losses and details are reported once, when the schema is worked out.
     JsonContent of(Index schema);
 
     /// Returns the members of a record or an enumeration. Valid until of() is called again.
@@ -79,8 +79,8 @@ public:
     /// Returns whether a schema is declared by name, or is the whole document.
     bool isDeclared(Index schema) const;
 
-    /// Returns the target of a schema that is only a reference, apart from remarks; else the schema itself. Chains of
-    /// more than 100 references are followed no further.
+    /// Returns the target of a schema that is only a reference, perhaps with remarks; else the schema itself. Follows
+    /// at most 100 references.
     Index baseOf(Index schema);
 
 private:
@@ -113,7 +113,7 @@ private:
         std::vector<Part> parts;
         std::size_t next = 0; // index of the part to join next
         JsonContent content;
-        bool isBorrowed = false;  // the members still belong to the only part that has any, so references copy nothing
+        bool isBorrowed = false;  // the members are those of a part, so that references copy nothing
         bool isReference = false; // consists of a reference, so the type keeps the name of its target
         std::size_t objects = 0;  // alternatives that are objects
         bool allowsAny = false;   // in one of the alternatives
@@ -124,8 +124,7 @@ private:
         std::vector<Part> items; // further schemas of the items, merged at the end because there may be many
     };
 
-    // The content of a schema by its own keywords, collected before they are combined, because their order in the
-    // document has no meaning.
+    // A schema's own keywords, collected before they are combined, because their order in the document has no meaning.
     struct Own
     {
         Index type = 0;
@@ -139,8 +138,8 @@ private:
         std::vector<Index> mapValues;
     };
 
-    // Puts a schema on the stack and lists its parts. Throws SourceRefusal if it is in progress: only members of
-    // objects and items of arrays, which are not parts, may lead back to it.
+    // Puts a schema on the stack and lists its parts. Throws SourceRefusal if it is in progress, because only members
+    // of objects and items of arrays, which are not parts, may refer back to it.
     void enter(Index schema);
     // Read the keywords of a schema, see JsonKeywords.cpp. Parts go into the frame, all else into `own`.
     void readSchema(Frame& frame);
@@ -162,7 +161,7 @@ private:
         return frame.isBorrowed && frame.content.kind == JsonContent::record && frame.content.count == 0;
     }
     // Combine the content so far with that of `part`. Losses are reported at the part. Only records and enumerations
-    // have members, and maps and arrays items.
+    // have members; only maps and arrays have items.
     void join(Frame& frame, const JsonContent& added, How how, Index part);
     void joinBoth(Frame& frame, const JsonContent& added, How how, Index part);
     void joinEither(Frame& frame, const JsonContent& added, Index part);
@@ -175,10 +174,11 @@ private:
     void mergeField(MergedMember& known, JsonMember field, How how);
     std::optional<std::pair<NameTable::Id, NameTable::Id>> leafOf(Index schema) const;
     // Combine schemas into made ones. The rank of a made schema is 0 if all its members are of the source, else one
-    // more than that of its members, unless they combine alike.
+    // more than the highest rank of its members. Members that combine in the same way are replaced by their own
+    // members.
     Index mergedOf(Index schema, std::span<const Part> more);
     Index makeMerged(How how, const std::vector<Index>& members, int rank);
-    // Charges visited parts. Throws SourceRefusal beyond a bound.
+    // Counts visited parts. Throws SourceRefusal beyond a bound.
     void step(std::size_t count = 1);
 
     JsonDocuments& documents;
@@ -188,7 +188,7 @@ private:
     std::unordered_map<Index, std::optional<JsonContent>> contents; // nothing for schemas in progress
     std::vector<JsonMember> members;      // of all records and enumerations, one content after the other
     std::unordered_map<Index, int> ranks; // nesting of made schemas
-    std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their parts, in order
+    std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their sorted members
     std::unordered_set<Index> dropped;                          // leaves dropped in favour of an equivalent one
     std::vector<Frame> frames;
     std::size_t steps = 0; // see step()

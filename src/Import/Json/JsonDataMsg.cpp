@@ -15,14 +15,14 @@
 #include <utility>
 
 // One pass over the tokens of each file builds a tree of shapes: one for each path of keys, and one for the items of
-// each array. It keeps kinds of values, not values. declare() then turns the tree into types. Time is linear in the
-// files, because most members are found where the last object had them. Messages that add nothing to the shapes are
-// skipped without tokens.
+// each array. A shape has the kinds of the values, not the values. declare() then makes types from the tree. Time is
+// linear in the files, because most members are found by their position in the last object. Messages that add nothing
+// to the shapes are skipped without being scanned.
 namespace {
 
-// An object with identifiers as keys makes one for each.
+// Bounds objects whose keys are identifiers, which have a shape for each key.
 constexpr std::size_t kMaxShapes = 2'000'000;
-// In a message that the predictor learns. Of a longer one, the text would not be in the buffer.
+// In a message that the predictor learns. The text of a longer one would not be in the buffer.
 constexpr std::size_t kMaxLeaves = 10'000;
 
 // Collects the shapes of example messages: the keys and kinds of values at each place, over all examples. Memory grows
@@ -140,7 +140,7 @@ private:
 
     JsonPredictor::Position around() const { return open.empty() ? JsonPredictor::kOutside : open.back().position; }
 
-    // Lets the predictor learn the last message, and skip those that it knows. The next one is scanned.
+    // Lets the predictor learn the last message, then skips the messages that it knows. The next one is scanned.
     void skipKnown(JsonScanner& scanner)
     {
         if (isCollected() && !leaves.empty() && messageAround == around())
@@ -169,7 +169,7 @@ private:
     {
         Open& object = open.back();
         const Index member = memberOf(object.shape, object.last, scanner.text());
-        // Each object has a number of its own, so the last holder of a key tells whether this object had it before.
+        // Each object has a number, so comparing the last holder of the key finds a key that is given twice.
         if (std::exchange(shapes[member].holder, object.number) == object.number)
             report.add(SourceReport::keyTwice, {file, scanner.line(), scanner.column()}, scanner.text());
         isForward = isForward && member > object.last;
@@ -193,7 +193,7 @@ private:
         }
     }
 
-    // Adds a kind to a shape. Places are worked out for the first value of each kind only.
+    // Adds a kind to a shape. Only the first value of each kind needs a place.
     void note(Index index, std::uint8_t kind, const JsonScanner& scanner)
     {
         Shape& shape = shapes[index];
@@ -223,8 +223,8 @@ private:
     }
 
     // Returns the shape of an object or array. One nested in another of the same key shares that one's shape, so
-    // recursive data such as trees gets a recursive type instead of endless nesting. Only the first value of a kind is
-    // compared with the keys around it; the result is kept.
+    // recursive data such as trees gets a recursive type instead of endless nesting. The keys around are only compared
+    // for the first value of a kind; the result is kept.
     Index sharedShape(Index member, std::uint8_t kind)
     {
         Shape& shape = shapes[member];
@@ -256,8 +256,8 @@ private:
         return member;
     }
 
-    // Returns the type of the values of a shape. An array leads on to its items, up to a bound. A value that is an
-    // array in one example and single in another becomes text, unless it holds objects.
+    // Returns the type of the values of a shape. For an array, it is that of its items, up to a bound of nesting. A
+    // value that is an array in one example and single in another becomes text, unless it holds objects.
     JsonTypes::Shape typeOf(Index at, std::string_view name, SourceTypes::Index home)
     {
         constexpr std::uint16_t deepest = 100;

@@ -8,16 +8,16 @@
 #include <algorithm>
 #include <filesystem>
 
-// Reading a document registers its identifiers and anchors in one pass over its nodes, in which parents come before
-// their children. Other documents are read when a reference first leads to them. Lookups are cached by resource and
-// reference, because a schema may be referred to from everywhere.
+// After a document is read, one pass over its nodes registers its identifiers and anchors; parents come before their
+// children. Other documents are read when a reference first leads to them. Lookups are cached by resource and
+// reference, because many places may refer to the same schema.
 namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::size_t kStart = 1'000;        // bytes of a file, which tell whether it is XML
-constexpr std::size_t kMaxPointers = 10'000; // that the report shows; building one walks up the tree
-constexpr std::size_t kMaxDigits = 4;        // in the array index of a pointer; bounds the walk
+constexpr std::size_t kStart = 1'000;        // bytes of a file that are tested for XML
+constexpr std::size_t kMaxPointers = 10'000; // that the report shows, because building one takes a walk up the tree
+constexpr std::size_t kMaxDigits = 4;        // in the array index of a pointer, which bounds the walk
 
 // Returns the length of a URI's scheme with its colon; 0 if there is none. A single letter is a drive, not a scheme.
 std::size_t schemeLength(std::string_view uri)
@@ -68,7 +68,7 @@ JsonNode::Role roleUnder(JsonNode::Role role, JsonWord key)
 
 JsonNode::Index JsonDocuments::load(const CString& fileName)
 {
-    // A file without an identity can't be recognised when it is given again.
+    // Without an identity, a file that is given twice is read twice.
     const auto id = identify(fileName);
     if (id && parsed.contains(*id))
         return 0;
@@ -87,7 +87,8 @@ JsonNode::Index JsonDocuments::load(const CString& fileName)
 
 JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& shownName, bool ignoresSiblings)
 {
-    // Numbers are those of the report, so that a place leads to its document. Files of other kinds are numbered, too.
+    // Documents have the numbers of their files in the report, so that a place identifies its document. Files of other
+    // kinds have numbers, too.
     const std::uint32_t number = report.addFile(shownName);
     documents.resize(number + 1);
     CString text;
@@ -117,7 +118,7 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
         document.ignoresSiblings = true;
     else if (!version.empty())
         document.ignoresSiblings = false;
-    // Schemas may refer to each other by their paths, even if they also have identifiers.
+    // Documents may refer to each other by path, even if they also have identifiers.
     resources.try_emplace(document.uri, root);
     findIdentifiers(first, isDraft4);
     return root;
@@ -207,7 +208,7 @@ JsonNode::Index JsonDocuments::resolve(Index holder, bool mayBeText)
     return isSchema ? node : 0;
 }
 
-// Finds the resource that the URI of a reference names, and in it the part that the fragment names. Without a URI, the
+// Finds the resource with the URI of a reference, and in it the part that the fragment refers to. Without a URI, the
 // resource is the one around the reference.
 JsonDocuments::Resolved JsonDocuments::lookUp(Index holder, std::string_view reference)
 {
@@ -227,8 +228,8 @@ JsonDocuments::Resolved JsonDocuments::lookUp(Index holder, std::string_view ref
     return found;
 }
 
-// Returns the resource with a URI: one that is known, else the local file, which is read. An identifier takes
-// precedence, because documents given together may refer to each other by URLs.
+// Returns the resource with a URI: a known one, else the local file, which is read. An identifier takes precedence,
+// because documents given together may refer to each other by URLs.
 JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::string_view uri,
                                             SourceReport::Construct& fault)
 {
@@ -254,7 +255,7 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
     return entry->second;
 }
 
-// Reads a document that `holder` refers to. One that can't be read is a loss, not an error, and 0 is returned.
+// Reads a document that `holder` refers to. Returns 0 and reports a loss if it can't be read.
 JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& path, Index holder)
 {
     const SourcePlace from = tree[holder].place;
@@ -285,7 +286,7 @@ JsonNode::Index JsonDocuments::followFragment(Index resource, std::string_view f
     return found == anchors.end() ? 0 : found->second;
 }
 
-// Follows a JSON pointer from a node. Returns 0 if there is no such value.
+// Returns the value at a JSON pointer from a node; 0 if there is none.
 JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointer) const
 {
     Index at = from;
@@ -314,7 +315,7 @@ JsonNode::Index JsonDocuments::followPointer(Index from, std::string_view pointe
     return at;
 }
 
-// Zeros get the number after the last document, so all are one document without links.
+// Zeros get the number after the last document, so that all of them are one document without links.
 std::vector<std::size_t> JsonDocuments::findTops(std::span<const Index> roots) const
 {
     std::vector<DocumentLinks::Index> given;

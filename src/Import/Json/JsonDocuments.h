@@ -17,8 +17,8 @@ class JsonDocuments
 public:
     using Index = JsonNode::Index;
 
-    /// `withComments` allows comments in JSON.
-    /// Both must outlive this object. `types` is used for refusals only.
+    /// `types` and `report` must outlive this object; `types` is only used for refusals. `withComments` allows comments
+    /// in JSON.
     JsonDocuments(SourceTypes& types, SourceReport& report, bool withComments) :
         types(types), report(report), withComments(withComments)
     {}
@@ -27,8 +27,8 @@ public:
     Index load(const CString& fileName);
 
     /// Returns the node that the text of `holder`, a reference, leads to: by identifier or anchor, else by file and
-    /// JSON pointer (RFC 6901). Returns 0 and reports a loss if there is none. Only with `mayBeText` it may be a
-    /// string. May read further documents, and so move nodes of the tree.
+    /// JSON pointer (RFC 6901). Returns 0 and reports a loss if there is none. It may be a string only with
+    /// `mayBeText`. Can read further documents, and so move nodes of the tree.
     Index resolve(Index holder, bool mayBeText = false);
 
     /// Returns whether a "$ref" replaces all other keywords of its schema, as up to draft 7, in OpenAPI 3.0 and
@@ -66,7 +66,7 @@ public:
     JsonTree tree;
 
 private:
-    // A file in the tree; without a root if its number belongs to a file of another kind, or if it can't be read.
+    // A document in the tree. It has no root if it can't be read, or if its number belongs to a file of another kind.
     struct Document
     {
         Index root = 0;

@@ -7,18 +7,18 @@
 #include <unordered_set>
 #include <utility>
 
-// A schema is read in two steps: each keyword adds a part to the frame, or a statement to Own; readOwn() then combines
-// those that belong together. Keywords are read alike whatever draft a document declares, except for identifiers and
-// for what stands beside a "$ref". Unknown ones are passed over, because JSON Schema allows them.
+// A schema is read in two steps: each keyword adds a part to the frame, or its value to Own; readOwn() then combines
+// keywords that belong together. Keywords have the same meaning in all drafts, except identifiers and keywords beside a
+// "$ref". Unknown keywords are ignored, because JSON Schema allows them.
 namespace {
 
 constexpr int kLongestChain = 100; // of references; guards against cycles
 
-// What the readers check for all keywords alike. A value of a wrong kind is a loss: it changes the types.
+// The common properties of keywords. A value of a wrong kind is a loss, because it changes the types.
 struct Keyword
 {
     unsigned kinds = 0;                              // of values that it may have, as a set of bits; 0 for any
-    std::optional<SourceReport::Construct> detail{}; // that it is, if it is only counted
+    std::optional<SourceReport::Construct> detail{}; // the detail to count
 };
 
 // By word. A keyword may have both columns: "contains" must be a schema, and is counted.
@@ -165,7 +165,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
 void JsonContents::readItems(Index schema, JsonWord key, Index node, Own& own)
 {
     const bool isObject = tree.is(node, JsonNode::object);
-    // A leaf would add nothing to the items.
+    // A leaf adds nothing to the items.
     if (key == JsonWord::contains) {
         if (tree.hasAny(baseOf(node), {JsonWord::properties, JsonWord::allOf, JsonWord::anyOf, JsonWord::oneOf}))
             own.contained = node; // may be an object
@@ -233,10 +233,11 @@ void JsonContents::readOwn(Frame& frame, Own& own)
     }
     std::vector<JsonWord> wanted = typesOf(own.type);
     const auto texts = static_cast<std::size_t>(std::ranges::count(wanted, JsonWord::string));
-    // Listed values are constants if the schema may be text. Otherwise its type says all that a field can hold.
+    // Listed values are constants if the schema may be text. Otherwise its type determines the field.
     if (own.isListed && (texts > 0 || wanted.empty()))
         return join(frame, contentOfValues(frame, own, texts > 0 && texts == wanted.size()), both, frame.node);
-    // A schema without "type" gets the one that its keywords apply to. By the standard it allows all other kinds, too.
+    // A schema without "type" gets the type that its keywords apply to, although JSON Schema then allows all other
+    // kinds, too.
     if (own.type == 0) {
         if (own.hasProperties || !own.mapValues.empty())
             wanted.push_back(JsonWord::object);
@@ -245,7 +246,7 @@ void JsonContents::readOwn(Frame& frame, Own& own)
         else if (own.format != 0)
             wanted.push_back(JsonWord::string);
     }
-    // That of a reference that leads nowhere, which applies beside the types.
+    // The text of a reference that leads nowhere, which applies in addition to the types.
     JsonContent before = std::exchange(frame.content, {});
     for (const JsonWord type : wanted)
         if (type != JsonWord::nullWord)
@@ -353,7 +354,7 @@ JsonNode::Index JsonContents::referenced(Index child)
     return 0;
 }
 
-// Large objects are not looked through: a schema with many keywords is no plain reference.
+// Large objects are not searched, because a schema with many keywords is no plain reference.
 JsonNode::Index JsonContents::baseOf(Index schema)
 {
     for (int i = 0; i < kLongestChain; ++i) {
@@ -377,7 +378,7 @@ JsonNode::Index JsonContents::baseOf(Index schema)
 }
 
 // Returns the type and the format of a schema that is a leaf; nothing for other schemas. Keywords that are only counted
-// don't matter, since they don't change the type.
+// are ignored, because they don't change the type.
 std::optional<std::pair<NameTable::Id, NameTable::Id>> JsonContents::leafOf(Index schema) const
 {
     if (tree[schema].isLarge)

@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <functional>
 
-// Messages in JSON may have the same keys as schemas, so a key alone decides only if its value is what the language
-// requires there. Otherwise a message would be read as a schema and lose most of its fields.
+// Messages in JSON may have the same keys as schemas, so a key only decides if its value has the kind that the language
+// requires. Otherwise a message would be read as a schema and lose most of its fields.
 namespace {
 
-// The kind of a document, by its top-level keys or those of its first list item.
+// The kind of a document, by its top-level keys or those of its list items.
 class Marks
 {
 public:
@@ -22,8 +22,8 @@ public:
         isProtocol |= key == "protocol" && !value.empty();
         hasTypes |= (key == "types" && mayBe(JsonScanner::arrayBegin)) ||
                     (key == "messages" && mayBe(JsonScanner::objectBegin));
-        // Identifiers and references of schemas are URIs, and have one of these marks. Those of a message may be any
-        // words.
+        // Identifiers and references of schemas are URIs, and contain one of these characters. In a message they may be
+        // any words.
         isSchema |= (key == "$schema" && value.find("json-schema.org") != value.npos) ||
                     (key == "type" && isOneOf(value, {"object", "array", "string", "number", "integer", "boolean"})) ||
                     (isOneOf(key, {"$defs", "definitions"}) && mayBe(JsonScanner::objectBegin)) ||
@@ -67,7 +67,7 @@ std::string_view wordForJson(std::string_view text)
         CString key;
         bool isList = false;
         for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
-            // A list is judged by its items, as a file of Avro's named types is.
+            // The keys of a list are those of its items, because a file may be a list of Avro's named types.
             const std::size_t top = isList ? 2 : 1;
             const bool isEnd = token == JsonScanner::objectEnd || token == JsonScanner::arrayEnd;
             const bool isValue = !isEnd && token != JsonScanner::key;

@@ -4,7 +4,7 @@
 
 /// Returns the id of the importer for a document in JSON or YAML, by its top-level keys: "openapi", "avro",
 /// "jsonschema", or "json" for any other JSON; empty for any other text. `start` is the document's beginning, and may
-/// end anywhere. Ids are the words of the table of importers.
+/// end anywhere. Ids are those of the table of importers.
 std::string_view importerOfJson(std::string_view start);
 
 /// Returns whether the type of a schema is one of Avro's with a name, which JSON Schema doesn't have.

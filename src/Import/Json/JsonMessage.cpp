@@ -6,9 +6,9 @@
 
 #include <algorithm>
 
-// Reads the documents once if no main types are requested, else twice: first all of them, with the report paused, to
-// find the requested types by name; then these alone, into types that are dropped, to report what they lose. Documents
-// stay parsed in between, and what is wrong with a document itself is reported when it is parsed.
+// Makes types once if no main types are requested, else twice: first all of them, with the report paused, to find the
+// requested types by name; then these alone, into types that are dropped, to report their losses. Documents are parsed
+// once, and faults of a document itself are reported then.
 void JsonMessage::read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report)
 {
     const bool areRequested = !queryRoots().empty();

@@ -40,8 +40,8 @@ constexpr std::uint64_t eachByte(unsigned char byte)
     return ~std::uint64_t{0} / 255 * byte;
 }
 
-// Returns whether eight bytes of a string are plain characters: ASCII, no control character, quote or backslash. Looks
-// at the eight at once (H. S. Warren, Hacker's Delight, 6-1); a false alarm only costs time.
+// Returns whether eight bytes of a string are plain characters: ASCII, no control character, quote or backslash. Tests
+// all eight at once (H. S. Warren, Hacker's Delight, 6-1); a false alarm only costs time.
 bool arePlain(const char* bytes)
 {
     const std::uint64_t block = load(bytes);
@@ -56,8 +56,8 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-// Skips one value. Each function moves `at` past what it has checked, and returns false if that is no JSON, is cut off
-// by the end of the text, or is rare enough to be left to the scanner.
+// Skips one value. Each function moves `at` behind the part that it has checked. It returns false if that part is not
+// JSON, is cut off by the end of the text, or is so rare that it is left to the scanner.
 class Value
 {
 public:
@@ -241,7 +241,7 @@ void JsonPredictor::learn(Position around, std::string_view text, std::uint64_t 
     addEdge(from, text.substr(end - begin), around);
 }
 
-// Longer texts are tried first: an edge to a member's value is a prefix of one into the object that it holds otherwise.
+// Longer texts are tried first, because the edge to a value is a prefix of an edge into the value if that is an object.
 void JsonPredictor::addEdge(Position from, std::string_view text, Position target)
 {
     std::uint32_t branches = 0, place = 0; // the edge before the new one; 0: none

@@ -7,13 +7,13 @@
 #include <vector>
 
 /// Skips messages that are built like earlier ones: the text between two values is the same as before, whitespace
-/// included, and each value is of a kind that its place has had. Such a message adds nothing to the shapes, so it is
-/// compared with known texts instead of being scanned token by token (speculative parsing; Y. Li et al., "Mison: a fast
-/// JSON parser for data analytics", PVLDB 10, 2017).
+/// included, and each value has a kind that earlier values at its place had. Such a message adds nothing to the shapes,
+/// so it is compared with known texts instead of being scanned token by token (speculative parsing; Y. Li et al.,
+/// "Mison: a fast JSON parser for data analytics", PVLDB 10, 2017).
 ///
 /// The known messages are a graph. Its nodes are the positions of values, each inside the position of its object or
-/// array. Its edges are the texts that have followed a value, up to the next one. An edge between members of one object
-/// goes to a member that was first met later, so no path through the graph gives a key twice in one object.
+/// array. Its edges are the texts between a value and the next one. An edge between members of one object goes to a
+/// member that first occurred later, so no path through the graph gives a key twice in one object.
 class JsonPredictor
 {
 public:
@@ -36,8 +36,8 @@ public:
     /// Returns whether messages are worth learning: false once most of them differ from each other.
     bool isLearning() const { return misses < kPatience || misses < hits; }
 
-    /// The result of skip(): the bytes of whole messages and what lies before them, the line feeds among these, and
-    /// the place after the last line feed. All are 0 if no message is known.
+    /// The result of skip(): the bytes of whole messages with the text before them, the line feeds among these, and the
+    /// offset after the last line feed. All are 0 if no message is known.
     struct Skipped
     {
         std::size_t bytes = 0;
@@ -45,15 +45,15 @@ public:
         std::size_t lineStart = 0;
     };
 
-    /// Compares a text from the end of a message on with the known messages, until the first that differs or is cut
-    /// off by the end of the text. Messages lie in `around`: outside, or in an array that has had an item.
+    /// Compares a text from the end of a message on with the known messages, until the first that differs or is cut off
+    /// by the end of the text. `around` is the position of the messages: outside, or in an array that has had an item.
     Skipped skip(Position around, std::string_view text);
 
-    /// Returns the position of a member or item. `number` tells it from the others in `around`; it rises with the
-    /// members of an object. Gives learning up if there are too many positions.
+    /// Returns the position of a member or item. `number` identifies it in `around`, and ascends with the members of an
+    /// object. Ends learning if there are too many positions.
     Position inside(Position around, std::uint32_t number);
 
-    /// A value of a scanned message that holds no other: a text, number, literal or empty container.
+    /// A value of a scanned message that contains no other value: a text, number, literal or empty container.
     struct Leaf
     {
         std::uint64_t begin; ///< offset in the file

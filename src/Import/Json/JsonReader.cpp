@@ -23,7 +23,7 @@ constexpr std::size_t kFreeMerged = 100'000; // members that merges of YAML may 
 constexpr std::size_t kMaxMerged = 20;       // for each value in addition, so that the work is linear in the text
 
 // Adds the values of one document to a tree, as they are read. Of duplicate keys the last one stays, and the others are
-// reported. Both languages use it, so that they agree on everything but their syntax.
+// reported. Used for both languages, so that they differ in their syntax only.
 class JsonBuilder
 {
 public:
@@ -65,7 +65,7 @@ public:
     }
 
     // Ends the open array or object. Mappings are merged here, not at their key, because the object's own keys take
-    // precedence wherever they stand.
+    // precedence, even those after it.
     void end()
     {
         if (const Index source = tree.target(open.back().merged); tree.is(source, JsonNode::array))
@@ -105,7 +105,7 @@ private:
         if (!tree.is(source, JsonNode::object))
             return report.add(SourceReport::invalidValue, tree[source].place, "<<");
         Level& level = open.back();
-        // Keys that the object has by now, from its own text or from an earlier merge.
+        // The keys of the object so far, its own and those of earlier merges.
         std::unordered_set<NameTable::Id> met;
         countMerged(); // a mapping without members has a cost, too
         for (const Index at : tree.childrenOf(level.node)) {
@@ -137,8 +137,7 @@ private:
         std::vector<Index> all;
         for (const Index at : tree.childrenOf(object))
             all.push_back(at);
-        // Stamped with the object, so that the table is never cleared. The walk goes backwards, so the last member
-        // comes first.
+        // Stamps are objects, so the table is never cleared. The walk goes backwards, because the last member stays.
         metIn.resize(tree.names.size());
         Index next = 0;
         std::size_t kept = 0;
@@ -227,7 +226,7 @@ public:
     YamlReader(const YamlReader&) = delete;
     YamlReader& operator=(const YamlReader&) = delete;
 
-    // One document at most is read, as parsers of JSON do; a second one would be another source.
+    // Reads one document, like JSON; take() refuses a second one.
     Index read()
     {
         for (bool isAtEnd = false; !isAtEnd;) {
@@ -335,7 +334,7 @@ private:
         if (builder.awaitsKey())
             return builder.key(text, text == "<<" && scalar.style == YAML_PLAIN_SCALAR_STYLE);
         const std::string_view tag = textOf(scalar.tag);
-        // A quoted scalar is text unless its tag says otherwise, a plain one is resolved unless its tag says text.
+        // A quoted scalar is text, unless it has another tag. A plain one is resolved, unless it has the tag of text.
         const bool isTyped = isOneOf(tag, {YAML_NULL_TAG, YAML_BOOL_TAG, YAML_INT_TAG, YAML_FLOAT_TAG});
         const bool isText = isOneOf(tag, {YAML_STR_TAG, "!"}) || (scalar.style != YAML_PLAIN_SCALAR_STYLE && !isTyped);
         const JsonNode::Kind kind = isText ? JsonNode::string : kindOfPlain(text);

@@ -9,16 +9,16 @@
 #include <array>
 #include <cerrno>
 
-// A text is scanned in place, a file through a buffer that refill() moves. Whatever must survive a refill is either
-// behind `kept` or copied. A document is scanned in one pass, and a character that can't be part of the grammar ends it
-// at once, so faults have the place of the first wrong character.
+// A text is scanned in place, a file through a buffer whose contents refill() moves. Data that must survive a refill is
+// either after `kept` or copied. A document is scanned in one pass that ends at the first wrong character, so faults
+// have its place.
 //
 // Tried without gain: searching for the end of a string by std::find_if, and a shorter path past blanks. Most tokens
 // have fewer than ten bytes.
 namespace {
 
 constexpr std::size_t kBuffer = 1 << 18;     // bytes that are read at once
-constexpr std::size_t kLongText = 1 << 12;   // once this much of a string is kept, further pieces are dropped
+constexpr std::size_t kLongText = 1 << 12;   // bytes; once this much of a string is kept, further pieces are dropped
 constexpr std::size_t kLongestCharacter = 4; // bytes of one in UTF-8
 
 constexpr std::array<bool, 256> makeSpecial()
@@ -29,8 +29,8 @@ constexpr std::array<bool, 256> makeSpecial()
     return special;
 }
 
-// The bytes that end a run of plain characters in a string: its end, escapes, control characters, which are faults, and
-// characters outside of ASCII, which must be checked.
+// The bytes that end a run of plain characters in a string: quotes, escapes, control characters, which are faults, and
+// characters outside of ASCII, which must be valid UTF-8.
 constexpr std::array<bool, 256> kSpecial = makeSpecial();
 
 bool isDigit(char c)
@@ -49,7 +49,7 @@ SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault)
 
 JsonScanner::JsonScanner(InputFile& file) : file(&file), buffer(kBuffer)
 {
-    // A pipe may give single bytes, so the mark may need several reads.
+    // A pipe may return single bytes, so the mark may need several reads.
     while (data.size() < 3 && refill()) {
     }
     if (data.starts_with("\xEF\xBB\xBF"))
@@ -84,8 +84,8 @@ void JsonScanner::fail(const CString& reason)
     throw JsonFault{reason, tokenLine, tokenColumn};
 }
 
-// Skips blanks, and comments where they are allowed. Lines are counted here and in comments only, because no token can
-// hold a line feed.
+// Skips blanks, and comments where they are allowed. Lines are counted here, in comments and in skip(), because no
+// token contains a line feed.
 void JsonScanner::skipSpace()
 {
     while (!isAtEnd()) {
@@ -215,7 +215,7 @@ JsonScanner::Token JsonScanner::close()
 }
 
 // Scans a string. Without escapes the token is a view of the text. Otherwise its pieces are joined in `unescaped`, as
-// is the beginning of a long string of a file. All of the string is checked, also where it isn't kept.
+// is the beginning of a long string of a file. All of the string is checked, even parts that aren't kept.
 void JsonScanner::scanString(bool isKey)
 {
     const std::size_t longest = file && !isKey ? kLongText : CString::npos;
@@ -283,7 +283,7 @@ void JsonScanner::scanEscape()
     ++at;
     std::uint32_t code = scanHex();
     const bool isHighSurrogate = code >= 0xD800 && code < 0xDC00;
-    // Only a high surrogate is followed by another escape that belongs to it.
+    // Only a high surrogate needs another escape after it.
     while (isHighSurrogate && data.size() - at < 2 && refill()) {
     }
     if (isHighSurrogate && data.substr(at).starts_with("\\u")) {
@@ -312,7 +312,7 @@ std::uint32_t JsonScanner::scanHex()
     return code;
 }
 
-// A number has no value here, so it may be larger than any type can hold.
+// Checks the syntax of a number. Its value is not computed, so it may be larger than any type can hold.
 void JsonScanner::scanNumber()
 {
     if (peek() == '-')
@@ -320,7 +320,7 @@ void JsonScanner::scanNumber()
     if (isAtEnd())
         fail("the text ends too early");
     if (!isDigit(peek()))
-        // The byte order mark of UTF-16 begins with such a byte. In an editor the text looks like JSON, so the error
+        // The byte order mark of UTF-16 begins with such a byte. Such a text looks like JSON in an editor, so the error
         // names the encoding.
         fail(static_cast<unsigned char>(peek()) < 0x80 ? "a value is expected" : "a value is expected, in UTF-8");
     // A zero at the start is the whole integer part (RFC 8259, 6).

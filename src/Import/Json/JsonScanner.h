@@ -26,11 +26,12 @@ inline bool beginsWithComment(std::string_view text)
 }
 
 /// Scans JSON (RFC 8259) token by token, without recursion. Numbers, strings and keys may have any length. Throws the
-/// first fault as a JsonFault. docs/adr/json-scanner.md says why it isn't a library's.
+/// first fault as a JsonFault. docs/adr/json-scanner.md explains why no library is used.
 class JsonScanner
 {
 public:
-    /// Values have one token, or a pair with those of their members or items in between. Commas and colons have none.
+    /// An object or array is a pair of tokens, with those of its members or items in between; any other value is one
+    /// token. Commas and colons are no tokens.
     enum Token : std::uint8_t
     {
         end,
@@ -53,8 +54,8 @@ public:
     JsonScanner(std::string_view text, bool withComments) : withComments(withComments), data(text) {}
 
     /// Scans a file with any number of values, one after another, separated by any white space or none. Memory is
-    /// bounded by the longest key or number; of a long string only the beginning is kept, up to the size of the buffer.
-    /// The file must outlive the scanner. A byte order mark is skipped.
+    /// bounded by the longest key or number; only the beginning of a long string is kept, up to about the size of the
+    /// buffer. The file must outlive the scanner. A byte order mark is skipped.
     explicit JsonScanner(InputFile& file);
 
     /// Returns the next token; `end` after the last value. Throws JsonFault; the scanner must not be used after that.
@@ -68,7 +69,7 @@ public:
     std::uint32_t line() const { return tokenLine; }
     std::uint32_t column() const { return tokenColumn; }
 
-    /// Return offsets in the source: where the token begins, unless it is a key, and one past its last byte.
+    /// Return offsets in the source: of the first byte of the token, unless it is a key, and one past its last byte.
     std::uint64_t beginOffset() const { return lineOffset + tokenColumn - 1; }
     std::uint64_t endOffset() const { return consumed + at; }
 
@@ -81,8 +82,8 @@ public:
     /// Returns the bytes after the token that are in the buffer.
     std::string_view bytesAhead() const { return data.substr(at); }
 
-    /// Skips `bytes` of these, which end with a value beside the last one. `lineFeeds` are among them, the last one
-    /// right before their offset `lineStart`.
+    /// Skips `bytes` of these, which end with a value in the same container. They contain `lineFeeds` line feeds, the
+    /// last one right before their offset `lineStart`.
     void skip(std::size_t bytes, std::uint32_t lineFeeds, std::size_t lineStart)
     {
         if (lineFeeds > 0)
@@ -102,7 +103,7 @@ private:
         afterValue
     };
 
-    // Each scans a part of the grammar from the cursor on, and leaves the cursor after it.
+    // Each scans a part of the grammar from the cursor on, and moves the cursor behind it.
     Token scanValue();
     Token scanKey();
     Token open(bool isObject);

@@ -25,8 +25,8 @@ JsonTree::JsonTree() : nodes(1)
         names.intern(word);
 }
 
-// A few members are compared one by one. Many are hashed, because looking up each of thousands of definitions would
-// take quadratic time.
+// A few members are searched linearly. Many are hashed, because looking up each of thousands of definitions would take
+// quadratic time.
 JsonNode::Index JsonTree::find(Index object, NameTable::Id key) const
 {
     object = target(object);
@@ -59,7 +59,7 @@ std::string_view JsonTree::textOf(Index object, JsonWord key) const
     return text(find(object, key, JsonNode::string));
 }
 
-// Aliases keep the members where they are, with their own parents, so that places and pointers stay right.
+// Aliases are used because the members keep their parents, which places and pointers depend on.
 JsonNode::Index JsonTree::addList(JsonWord key, std::span<const Index> members, SourcePlace place)
 {
     const Index list = add({.kind = JsonNode::array, .key = static_cast<NameTable::Id>(key), .place = place});
@@ -81,7 +81,7 @@ void JsonTree::index(Index object)
         members.insert(joined(object, nodes[at].key), at);
 }
 
-// Walks up, so the steps come in reverse. A report can have as many pointers as the tree has nodes: JsonDocuments
+// Walks up, so the steps come in reverse. A report could have as many pointers as the tree has nodes, so JsonDocuments
 // bounds their number, and kMaxPosition the cost of each array.
 CString JsonTree::pointerTo(Index node) const
 {

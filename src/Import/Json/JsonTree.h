@@ -110,7 +110,7 @@ class JsonTree
 public:
     using Index = JsonNode::Index;
 
-    /// Interns the words first, which makes their numbers those of JsonWord.
+    /// Interns the words first, so that their numbers are those of JsonWord.
     JsonTree();
 
     const JsonNode& operator[](Index node) const { return nodes[node]; }

@@ -10,7 +10,7 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::uint16_t kMaxDepth = 100; // of nested tables, each with a name that is longer by "t_"
+constexpr std::uint16_t kMaxDepth = 100; // of nested tables; the name of each is longer by "t_"
 
 // Returns the text up to its first sentence end or empty line. A full stop ends a sentence if white space follows and
 // then no lower-case letter, so "e.g." doesn't.
@@ -32,7 +32,7 @@ std::string_view firstSentence(std::string_view text)
 
 } // namespace
 
-// Follows nested arrays to the value in them, which a loop can do since only the innermost one has a type of its own.
+// Follows nested arrays to the value in them. A loop does, because only the innermost value has a type.
 JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceTypes::Index home)
 {
     schema = tree.target(schema);
@@ -51,7 +51,7 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
             return {};
         }
     }
-    // An object without known properties holds anything, so it becomes text.
+    // An object without known properties may hold anything, so it becomes text.
     const bool isObject =
         content.kind == JsonContent::map || (content.kind == JsonContent::record && content.count > 0);
     if (leaf)
@@ -119,11 +119,11 @@ std::string_view JsonTypes::nameOf(Index schema, std::string_view name)
 // Returns the record of a content, added if its owner has none yet. finish() reads its fields.
 SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_view name, SourceTypes::Index home)
 {
-    // Schemas with one owner are one type, whatever field refers to it first.
+    // Schemas with the same owner are one type, whichever field refers to it first.
     const auto [known, isNew] = records.try_emplace(content.owner);
     if (!isNew)
         return known->second;
-    // A declared schema is shared, so its record isn't called after one that uses it.
+    // A declared schema is shared, so its record has no home that a taken name would get as prefix.
     const bool isNamed = !nameOf(content.owner).empty();
     const SourceTypes::Index record = types.addRecord({nameOf(content.owner, name), describe(content.owner),
                                                        tree[content.owner].place, isNamed ? SourceTypes::kNone : home});
@@ -161,7 +161,7 @@ void JsonTypes::finish()
     contents.readDropped();
 }
 
-// The values of a map have any key, so its record is an entry: a key and a value.
+// A map may have any keys, so its record is an entry: a key and a value.
 void JsonTypes::readFields(const Pending& record)
 {
     fields.clear();
@@ -175,7 +175,7 @@ void JsonTypes::readFields(const Pending& record)
             // Copied, because working out its schema moves the fields.
             const JsonMember field = contents.membersOf(record.content)[i];
             std::string_view& name = keptNames[field.name];
-            // Fitted once for all records that have the field, so a change of it is reported once.
+            // Converted once for all records that have the field, so a changed name is reported once.
             if (name.empty())
                 name = toModelName(tree.names[field.name], field.schema);
             fields.push_back(fieldOf(name, field.schema, record.record));

@@ -25,7 +25,7 @@ public:
         friend bool operator==(const Shape&, const Shape&) = default;
     };
 
-    /// A place as a key. It identifies a schema in both passes of JsonMessage::read().
+    /// A place as a key, which identifies a schema in both passes of JsonMessage::read().
     using PlaceKey = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;
     using Places = std::set<PlaceKey>;
     static PlaceKey keyOf(SourcePlace place) { return {place.file, place.line, place.column}; }
@@ -42,7 +42,7 @@ public:
 
     /// Sets the position in the set of the document that further candidates count for.
     void setSource(Index position) { source = position; }
-    /// Returns that position, 0 at first.
+    /// Returns that position; 0 at first.
     Index querySource() const { return source; }
 
     /// Returns the type of a schema; text if it is not wanted and has no `home`. A schema without its own name is
