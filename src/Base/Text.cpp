@@ -292,7 +292,7 @@ CString shownText(std::string_view text)
     return shown;
 }
 
-// Each character is replaced by itself. Names that differ only in characters that aren't allowed become equal.
+// Each character that isn't allowed is replaced alone, so names that differ only in such characters become equal.
 CString toXmlName(std::string_view text)
 {
     const CString whole = toXmlText(text);

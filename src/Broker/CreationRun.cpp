@@ -123,7 +123,7 @@ std::vector<CreatedType> CreationRun::createWindow(std::size_t first)
     return session.createTypes(documents, options.source.name, {ruleFor(false), ruleFor(true)});
 }
 
-// The rules depend on the answers so far: after an answer "to all", calls no longer stop.
+// Returns the rule for the client's next call. After an answer "to all", calls no longer stop.
 VornExisting CreationRun::ruleFor(bool isUnchanged) const
 {
     if (noToAll || (isUnchanged && options.keepsUnchanged))

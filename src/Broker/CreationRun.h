@@ -74,14 +74,12 @@ public:
     bool areSourcesStored() const { return sourcesStored; }
 
 private:
-    // Steps of the run; `first` is an index into `types`. createNext() returns how many types from there on are
-    // settled, at least one.
+    // Steps of the run; `first` is an index into `types`.
     std::size_t createNext(std::size_t first);
     std::vector<CreatedType> createWindow(std::size_t first);
     // recordOutcome() adds the line of one type; decide() asks the user before, if needed.
     void recordOutcome(const Element& type, const CString& document, CreatedType outcome);
     CreatedType decide(const Element& type, const CString& document, CreatedType outcome);
-    // Returns the rule for the client's next call, by the options and the answers so far.
     VornExisting ruleFor(bool isUnchanged) const;
     bool isOpen(const CreatedType& outcome) const;
     bool isOtherSource(const CreatedType& outcome) const;

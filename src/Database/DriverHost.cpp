@@ -171,7 +171,6 @@ void DriverHost::run(MessageReader& request, CString& answer)
     runStatement(prepared[sql].get(), std::move(values), answer);
 }
 
-// Returns null if the driver can't allocate a statement.
 StatementHandle DriverHost::allocateStatement() const
 {
     SQLHANDLE raw = SQL_NULL_HANDLE;

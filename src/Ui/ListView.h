@@ -89,7 +89,6 @@ protected:
 
 private:
     void setUpHeader();
-    // Puts the rows in order, by filter and header.
     void arrange();
     // Gives each column its share.
     void shareWidth();

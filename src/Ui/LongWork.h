@@ -62,7 +62,6 @@ private:
     friend void inWindowThread(std::function<void()> call);
     using Call = std::packaged_task<void()>;
 
-    // These two run in the thread of the work.
     std::exception_ptr attempt(const std::function<void()>& work);
     bool note(const Progress& progress);
     void waitBriefly();

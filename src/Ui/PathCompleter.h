@@ -14,7 +14,6 @@ public:
     explicit PathCompleter(QLineEdit& field);
 
 private:
-    // Sets the completions for a typed text.
     void offer(const QString& typed);
 
     QStringListModel* names;

@@ -13,7 +13,6 @@ void ProgramStyle::polish(QPalette& palette)
     palette.setColor(QPalette::PlaceholderText, colour);
 }
 
-// Draws the edge again over that of the style.
 void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                  const QWidget* widget) const
 {

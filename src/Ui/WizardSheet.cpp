@@ -265,8 +265,7 @@ void WizardSheet::help()
     theApp.WinHelp(static_cast<DWORD>(activePage()->queryDialogId()), contextHelp);
 }
 
-// Qt's event loop must not see exceptions: the error is shown and the page stays. Cancelled is not a std::exception,
-// and the user needs no message about it.
+// Cancelled is not a std::exception, and the user needs no message about it.
 LRESULT WizardSheet::ask(const std::function<LRESULT()>& handler)
 {
     try {

@@ -116,9 +116,7 @@ private:
     void layOut();
     // `answer` is that of a page's handler; `step` leads to the neighbour for the answer 0.
     void go(LRESULT answer, int step);
-    // Shows the page of a sheet index.
     void activate(int index);
-    // Fits the letters of the buttons to those of the page.
     void updateMnemonics();
 
     HBITMAP watermarkId; // of `watermark`, which is loaded again if the palette changes

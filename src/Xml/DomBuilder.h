@@ -52,7 +52,6 @@ private:
     // Returns the tree in whose storage a new node is allocated: `pieces` for all nodes below the root if they are
     // passed on.
     DomTree& currentTree() { return take && depth > 0 ? pieces : tree; }
-    // The name in the document's storage.
     DomName nameOf(const XmlName& name);
     DomTreeNode* create(DomKind kind, DomName name, std::string_view value);
     void add(DomKind kind, std::string_view name, std::string_view value);

@@ -33,7 +33,6 @@ const char* XmlLimits::addExpansion(std::size_t bytes)
 
 const char* XmlLimits::addList(std::size_t members)
 {
-    // Each member is compared with all before it.
     comparisons += members * members / 2;
     if (comparisons <= kFreeComparisons || comparisons / kMaxComparisons <= source.queryCount())
         return nullptr;

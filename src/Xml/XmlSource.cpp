@@ -43,7 +43,7 @@ int XmlSource::read(char* out, int room)
     return static_cast<int>(piece);
 }
 
-// Reads the next bytes of a file after those that are left.
+// Reads the next bytes of a file behind the remaining ones. Sets `isEnded` at the end or after an error.
 void XmlSource::fill()
 {
     if (isEnded)

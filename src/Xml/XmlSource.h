@@ -34,7 +34,6 @@ public:
     std::size_t querySize() const { return file ? file->querySize() : 0; }
 
 private:
-    // Reads the next bytes, and sets `isEnded` at the end or after an error.
     void fill();
 
     std::optional<InputFile> file; // empty for a text

@@ -64,7 +64,6 @@ private:
             appendEscaped(value);
     }
 
-    // Makes room for `more` bytes after the text.
     void grow(std::size_t more);
     void appendEscaped(std::string_view value);
 

@@ -48,7 +48,6 @@ private:
 
     // Runs a statement, which is prepared at its first use, and remembers the error of a busy database.
     CStatement::Rows run(std::unique_ptr<CStatement>& statement, CString (*sql)(const TypeTable&), Values values);
-    // storeBatch() is fast and may store none; storeOne() settles one type in any case, or throws.
     std::vector<StoredType> storeBatch(std::span<const NamedDocument> types, const SourceMark& mark,
                                        ExistingRules rules);
     StoredType storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules);

@@ -99,8 +99,8 @@ void DatabaseTablePage::listTables()
     stay(IDS_NO_DATABASE);
 }
 
-// Imports the selected tables. An earlier failure may have closed the connection; it is then opened again. The importer
-// gets the names as lines, and the tables that they stand for, because several tables can have one name.
+// An earlier failure may have closed the connection, which is then opened again. The importer gets the names as lines,
+// and the tables that they stand for, because several tables can have one name.
 LRESULT DatabaseTablePage::OnWizardNext()
 {
     const std::vector<int> selected = tableList->selectedRows();

@@ -44,7 +44,6 @@ private:
     QWidget* makeLists();
     QHBoxLayout* makeButtons();
     void addMenuRow(const QString& text, void (EditPage::*action)());
-    // Returns the selected row, -1 if none is selected, which the user has been told.
     int queryRow();
     void showDocument();
     void showPicture();
@@ -59,7 +58,6 @@ private:
 
     // Fills the list with the types of the wizard's importer.
     void showTypes();
-    // Sets mainRow and mainMark.
     void findMain();
     bool importBy(FullMessage* other);
     void chooseMain(const CString& name);

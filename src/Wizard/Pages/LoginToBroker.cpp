@@ -206,8 +206,8 @@ LRESULT LoginToBroker::OnWizardNext()
     return IDD_CREATE_RESULT;
 }
 
-// Reads the controls. Returns false and focuses the port if it is not a number. An empty port becomes 0, which
-// blankField() reports. A sign is refused; toUInt() would accept a plus.
+// Reads the controls into the members. Returns false and focuses the port if it is not a number. An empty port becomes
+// 0, which blankField() reports. A sign is refused; toUInt() would accept a plus.
 bool LoginToBroker::UpdateData()
 {
     server = fromUi(serverCombo->currentText());

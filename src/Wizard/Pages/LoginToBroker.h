@@ -41,9 +41,7 @@ private:
     // Create the two groups of controls, filled from the options.
     QWidget* makeServerGroup();
     QWidget* makeLogonGroup();
-    // Suggests the kind of logon by the server's name, while it is typed.
     void suggestLogon(const QString& server);
-    // Reads the controls into the members below. Returns false if the port is no number, which the user has been told.
     bool UpdateData();
     // Returns the control of a missing entry; null if all entries that the logon needs are there.
     QWidget* blankField() const;

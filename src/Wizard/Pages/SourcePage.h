@@ -40,11 +40,8 @@ private:
     void pickFolder();
     void pickCatalogs();
     bool takesFolders() const;
-    // Shows or hides the rows for several files and for catalogues.
     void showSetRows();
-    // Makes the wizard's importer that of the chosen reading, and stores the choices.
     void chooseReading();
-    // Returns why these sources can't be imported; "" if no reason is known before they are read.
     CString sourceError(const std::vector<CString>& names) const;
 
     // Called for each change of a control that affects the import.

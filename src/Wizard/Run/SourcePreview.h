@@ -60,7 +60,6 @@ Q_SIGNALS:
     void counted(const SourcePreview::Count& literal, const SourcePreview::Count& full);
 
 private:
-    // These run in the preview's thread.
     void look(const Source& source, bool isWanted, const std::stop_token& dropped);
     static Count count(std::unique_ptr<MsgBase> message, const Source& source, const std::vector<CString>& files,
                        const std::stop_token& dropped);

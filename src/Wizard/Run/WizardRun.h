@@ -47,7 +47,7 @@ public:
 
     /// Opens the data source in `script`. Asks for user and password until they are accepted. Returns false if it can't
     /// be opened, after showing why, or if the user gives up. Throws std::runtime_error with the driver's reason, and
-    /// Cancelled. The connection before is closed first, also if the new one fails.
+    /// Cancelled. An earlier connection is closed first, also if the new one fails.
     bool openDatabase();
 
     /// Returns the importer if it reads its source in full, else null. It is the object of `message`.

@@ -138,8 +138,8 @@ void Diagram::addPlainArrow(const TypeGraph::Arrow& arrow)
     arrows.push_back({path, tip});
 }
 
-// Only draws the rows in `exposed`: a box can be much larger than the window. The frame of a chosen box is at least two
-// pixels broad at any scale.
+// Draws only the exposed rows, because a box can be much larger than the window. The frame of a chosen box is at least
+// two pixels broad at any scale.
 void Diagram::drawBox(QPainter& painter, const Box& box, const Fonts& own, const QRectF& exposed, double scale,
                       bool isChosen) const
 {

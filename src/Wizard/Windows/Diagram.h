@@ -82,7 +82,6 @@ private:
 
     // Box sizes depend on fonts, so they are measured before Graphviz places the boxes.
     Box measure(const TypeGraph::Box& box) const;
-    // Adds an arrow without Graphviz, between boxes that are placed.
     void addPlainArrow(const TypeGraph::Arrow& arrow);
     void drawBox(QPainter& painter, const Box& box, const Fonts& fonts, const QRectF& exposed, double scale,
                  bool isChosen) const;

@@ -69,7 +69,6 @@ void DiagramView::scaleBy(double factor)
     scale(wanted, wanted);
 }
 
-// A small picture isn't enlarged.
 void DiagramView::showAll()
 {
     opens = false;

@@ -46,7 +46,6 @@ protected:
 private:
     // Zooms about the current anchor, and ends fitting.
     void scaleBy(double factor);
-    // Adapts the picture to the window's size, unless the user has zoomed.
     void fit();
     void choose(std::size_t box);
 

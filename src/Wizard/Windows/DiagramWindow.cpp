@@ -236,7 +236,7 @@ void DiagramWindow::redraw()
     depth->setCurrentIndex(shownDepth);
 }
 
-// Continues from another type. The list of earlier types grows only if that is shown.
+// The list of earlier types grows only if the new picture is shown.
 void DiagramWindow::goTo(std::size_t box)
 {
     const std::uint32_t type = diagram->typeOf(box);

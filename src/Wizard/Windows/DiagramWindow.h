@@ -41,7 +41,6 @@ Q_SIGNALS:
 private:
     QHBoxLayout* makeChoiceRow();
     QWidget* makeButtons();
-    // Runs work with a row for its progress and Cancel. Returns false if it was cancelled.
     bool runLong(const std::function<void()>& work);
     // Returns false if the picture that is shown stays: the work was cancelled, or the types are gone.
     bool draw(std::uint32_t type);
@@ -52,15 +51,12 @@ private:
     void goBack();
     // Passes the choice of a box on as the choice of its type.
     void choose(std::size_t box);
-    // Returns whether another picture can be drawn; if not, tells the user.
     bool areTypesThere();
     // Returns the text of the status line about the number of types.
     QString countOf(std::size_t types, bool isComplete) const;
     void save();
     CString save(bool isSvgOnly);
-    // Returns the picture as the contents of a file of this name.
     CString bytesFor(const CString& fileName);
-    // Asks, before a PNG is drawn smaller than the picture, whether to save an SVG.
     bool wantsSvgInstead();
 
     std::weak_ptr<const TypeStructure> structure;

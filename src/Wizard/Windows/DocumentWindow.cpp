@@ -131,8 +131,8 @@ void DocumentWindow::fill(qint64 time)
         find(*wantedSearch);
 }
 
-// Continues from the other end if nothing more is found. Waits until the whole text is shown. The status says that it
-// went around, or that there is no such text.
+// Searches for the text of the field from the cursor on, and continues from the other end if nothing more is found.
+// Waits until the whole text is shown. The status says that the search has continued, or that there is no such text.
 void DocumentWindow::find(bool backward)
 {
     if (filling.isActive()) {
@@ -160,7 +160,7 @@ void DocumentWindow::find(bool backward)
                                    : tr("Continued from the start."));
 }
 
-// Copies all of the text, also if the window is not filled yet.
+// Copies the selection, or all of the text, also if the window is not filled yet.
 void DocumentWindow::copy()
 {
     if (text->textCursor().hasSelection())

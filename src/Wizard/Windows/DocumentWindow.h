@@ -33,11 +33,8 @@ public:
 private:
     QHBoxLayout* makeFindRow();
     QHBoxLayout* makeButtonRow();
-    // Adds text to the window for `time` milliseconds.
     void fill(qint64 time);
-    // Searches for the text of the field, from the cursor on and around the end.
     void find(bool backward);
-    // Copies the selection, or all of the text.
     void copy();
     void save();
 

@@ -39,7 +39,6 @@ void StructurePane::keyPressEvent(QKeyEvent* event)
         QTreeView::keyPressEvent(event);
 }
 
-// A row that leads to no type opens or closes instead.
 void StructurePane::jump(const QModelIndex& index)
 {
     const std::uint32_t target = tree->targetOf(index);
