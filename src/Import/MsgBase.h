@@ -101,7 +101,7 @@ protected:
     /// Makes tables and orders the types; called by parseFile() and parseData(). Throws Cancelled.
     void onAfterParse() { model.arrange(); }
 
-    // Access to the model under the names that importers know; see TypeModel.
+    // Access to the model under the names that importers use, see TypeModel.
     Element* findElement(const CString& name) const { return model.findElement(name); }
     ChildElement* findUsage(const CString& usageKey) { return model.findUsage(usageKey); }
     void orderList(Element* element) { model.place(*element); }

@@ -39,7 +39,7 @@ struct SourceRefusal
 class SourceReport
 {
 public:
-    /// Whether a construct changes what types mean. Also an index of the lists below.
+    /// Whether a construct changes the meaning of types. Also an index of the lists below.
     enum Sort : std::uint8_t
     {
         loss,

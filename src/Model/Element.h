@@ -127,8 +127,8 @@ public:
     /// such a type is an element of its own, typeOther with a known type.
     bool isField() const { return type != typeEnum && type != typeArray; }
 
-    /// Return what the document of `record` writes for this child as a field. Texts are views of names, valid as long
-    /// as the model.
+    /// Return the name, the description and the type that the document of `record` has for this child as a field. Texts
+    /// are views of names, valid as long as the model.
     const CString& queryFieldName() const { return type == typeTable ? queryBaseName() : queryName(); }
     TextPieces queryFieldDescription() const;
     TextPieces queryFieldType(const Element& record) const;

@@ -10,8 +10,8 @@
 #include <system_error>
 
 // A value without references is a view of the DTD. One with references is composed when it is declared, as XML requires
-// (XML 1.0, 4.5): its references stand for entities declared before it. References to modules stay in values, so a file
-// is opened only if its entity is used.
+// (XML 1.0, 4.5): references to entities declared before it are replaced. References to modules stay in values, so a
+// file is opened only if its entity is used.
 //
 // Both bounds hold for composing and for reading: the depth of an entity is added to that of the reference that opens
 // it, and a composed value is charged when it is made and whenever it is read.

@@ -21,7 +21,7 @@ constexpr std::array<unsigned char, 256> shiftsOf(std::string_view word)
     return shifts;
 }
 
-// Returns the position of `word`, which is in upper case, in any letter case; kNowhere if there is none. Searches cover
+// Returns the position of `word`, given in upper case, in any letter case; kNowhere if there is none. Searches cover
 // nearly the whole text, because each one looks for the next keyword anywhere. Shifting by the last character skips
 // most bytes.
 std::size_t findWord(std::string_view text, std::size_t from, std::string_view word,

@@ -7,7 +7,7 @@
 /// references to parameter entities. Understands XML and SGML (ISO 8879) side by side.
 ///
 /// The caller alternates nextDeclaration() and next() up to the declaration's end. Views in tokens point into the texts
-/// of the entities, and are valid as long as those. Throws SourceRefusal at the bounds of DTDEntities, and Cancelled.
+/// of the entities, and are valid as long as those. Throws SourceRefusal like DTDEntities::open(), and Cancelled.
 class DTDTokens
 {
 public:

@@ -36,7 +36,7 @@ CString nameOfFile(const CString& fileName)
 }
 
 // Adds the types that a message may choose by xsi:type to the order. Such a type can refer to further abstract types,
-// so the walk goes on over what it adds.
+// so the walk includes the types that it adds.
 void visitChoices(const SourceTypes& types, RecordOrder& order)
 {
     std::unordered_multimap<SourceTypes::Index, SourceTypes::Index> choicesOf(types.choosers.begin(),

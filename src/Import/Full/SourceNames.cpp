@@ -112,7 +112,7 @@ void SourceNames::nameFields(Index index, FieldNames& names)
             if (names.add(wanted)) {
                 if (role == SourceTypes::roleAttribute)
                     field.name = types.join(record.name, wanted);
-                // The number goes on from the last one that this name got.
+                // Continues from the last number that this name got.
                 while (names.add(field.name))
                     field.name = types.join(wanted, std::to_string(++*names.add(wanted)));
                 noteChange(record.place, wanted, field.name);

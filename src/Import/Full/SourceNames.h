@@ -55,7 +55,7 @@ private:
         struct Taken
         {
             std::string_view name;
-            unsigned last; // the next equal name goes on from it
+            unsigned last; // the next equal name continues from it
         };
 
         Arena memory;

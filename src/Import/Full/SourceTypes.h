@@ -51,7 +51,8 @@ public:
         roleAttribute
     };
 
-    /// A field of a record. Optional and alternative fields are like all others, since the model knows no difference.
+    /// A field of a record. Optional and alternative fields are like all others, because the model doesn't distinguish
+    /// them.
     struct Field
     {
         std::string_view name; ///< as in the source; a view that lives as long as the types, see keep()

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <set>
 
-// A folder begins at the last part with a letter, because versions and years at the end mean nothing alone:
+// A folder begins at the last part with a letter, because a version or year alone has no meaning:
 // "http://www.opengis.net/gml/3.2" is "gml-3.2". All namespaces that share a name get a longer one, not only the later
 // ones, so that a name doesn't depend on the order of documents.
 namespace {

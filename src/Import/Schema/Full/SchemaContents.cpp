@@ -195,7 +195,7 @@ void SchemaContents::enterGroup(Index reference, std::uint8_t times)
     frames.push_back({tree[group].firstChild, group, false, times, ++clock});
 }
 
-// Adds an element, or those that a reference stands for. The namespace of a local element follows from its `form`, else
+// Adds an element, or those that a reference refers to. The namespace of a local element follows from its `form`, else
 // from `elementFormDefault` (XML Schema Part 1, 3.3.2).
 void SchemaContents::addElement(Index particle, std::uint8_t times)
 {

@@ -122,7 +122,7 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type,
     // A repeated field loses its type, but shares the element of the record of its name.
     if (known && type == name)
         return {Element::typeRow};
-    // All others are text. That is a loss unless the type means text, too.
+    // All others are text. That is a loss unless the type is text, too.
     const SchemaKinds::Kind kind = known ? SchemaKinds::unknown : kinds.kindOf(type);
     if (kind == SchemaKinds::text || (known && !known->queryChildren()))
         return {};

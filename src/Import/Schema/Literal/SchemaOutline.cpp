@@ -108,8 +108,8 @@ void SchemaOutline::endElement()
     open.pop_back();
 }
 
-// Reports statements that the tables have no place for although they affect types, and keeps what groups and simple
-// types say about the declarations in them.
+// Reports statements that the tables have no place for although they affect types, and keeps the properties of groups
+// and simple types that concern the declarations in them.
 void SchemaOutline::noteSkipped(XmlName name, SchemaTag tag, Level& level)
 {
     const std::string_view base = statements.valueOf(SchemaAttribute::base);

@@ -100,7 +100,7 @@ void SchemaTable::clear()
 
 // Returns the name of the main element: the first top-level element that has no type attribute, whose own type is then
 // read, or whose type is among the document's complex types. Empty if there is none. Elements without any attribute are
-// passed over. In a document without complex types, the search ends at the first element with a type.
+// skipped. In a document without complex types, the search ends at the first element with a type.
 std::string_view SchemaTable::getRootTag(const SchemaOutline& outline)
 {
     for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
