@@ -30,8 +30,8 @@ void* allocateLarge(std::size_t bytes)
 
 void useLargePagesInHeap()
 {
-    // In bytes: 32 MB is the highest threshold that glibc takes, 128 kB its default. Each call also turns off glibc's
-    // own adjustment of thresholds, which would raise them whenever a mapped block is freed.
+    // In bytes: 32 MB is the highest threshold that mallopt(3) allows, 128 kB the default. Each call also turns off
+    // glibc's own adjustment of thresholds, which would raise them whenever a mapped block is freed.
     constexpr int highest = 1 << 25, standard = 1 << 17;
     // Freed memory stays in the heap: the system would clear its pages again for the next block.
     ::mallopt(M_TRIM_THRESHOLD, INT_MAX);

@@ -249,8 +249,8 @@ CString zshText(std::string_view text)
     return out;
 }
 
-// Writes each option as an argument of _arguments. One with two names is '(-o --output)'{-o,--output}'[...]', which
-// offers it only once.
+// Writes each option as an argument of _arguments. One with two names is '(-o --output)'{-o,--output}'[...]', so that
+// it is offered only once.
 CString forZsh(const std::vector<Row>& rows)
 {
     CString lines, ofSome;

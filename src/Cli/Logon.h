@@ -20,6 +20,6 @@ struct LogonOptions
 void addLogonOptions(CLI::App& app, LogonOptions& options, const char* userOption, const char* userText,
                      const char* fileText);
 
-/// Reads a password from the first line of the file, or from the terminal, never from standard input. Throws
+/// Reads a password from the first line of the file, or without a file from the terminal (promptTerminal). Throws
 /// std::runtime_error if there is none. From then on the process writes no core dump. The caller wipes `password`.
 void readPassword(const LogonOptions& options, CString& password);

@@ -29,7 +29,7 @@ const Arguments* running = nullptr; // those of main(), for the terminate handle
 }
 
 // Sets the terminate handler before all else. Memory can run out before main(), when CLI11 constructs its static
-// objects, and in noexcept functions. 101 is the lowest priority that programs may use.
+// objects, and in noexcept functions. 101 is the first priority that programs may use.
 [[gnu::constructor(101)]] void installTerminateHandler()
 {
     std::set_terminate(reportAndExit);

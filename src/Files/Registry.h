@@ -12,7 +12,7 @@ enum HKEY
 };
 
 /// Reads and writes single settings. Every operation that returns bool returns true on success. The interface is that
-/// of the registry calls which pages and other people's code are written in; SettingsStore holds the values.
+/// of the registry calls that pages and other people's code use. SettingsStore holds the values.
 class Registry
 {
 public:
@@ -46,8 +46,8 @@ public:
 /// A transaction on the settings. While it lives, all reads see the file as it was at the start, plus the changes
 /// since. The destructor writes the changes at once, so that all of them are stored or none; a failure is not reported.
 /// Without a transaction, each read and each write accesses the file. Transactions must not be nested: the outer one
-/// would write its older state over the changes of the inner one. All settings belong to one thread, because the
-/// current transaction is a global variable.
+/// would write its older state over the changes of the inner one. Use transactions and Registry in one thread only,
+/// because the current transaction is a global variable.
 class SettingsTransaction
 {
 public:

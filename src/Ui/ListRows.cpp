@@ -106,8 +106,8 @@ void ListRows::setStarts(std::vector<SortKey>& keys)
         }
 }
 
-// Equal rows keep their own order in both directions, which a stable sort by "greater" preserves, and a reversal of the
-// result would not.
+// Equal rows keep their own order in both directions. A stable sort by "greater" preserves it; a reversed result would
+// not.
 void ListRows::sortShown(int column, Qt::SortOrder order)
 {
     std::vector<SortKey> keys;

@@ -1,8 +1,8 @@
 #include "Xml/DomBuilder.h"
 
 // Text is gathered until the next event that is not text, so each event first flushes it. `parent` is the open element.
-// Its end tag makes its own parent the open element again, so only xml:space needs a stack. With a `take`, a child of
-// the root is passed on when it is complete.
+// At its end tag, the element around it becomes the open one again, so only xml:space needs a stack. With a `take`, a
+// child of the root is passed on when it is complete.
 namespace {
 
 constexpr std::size_t kManyPieces = 512; // nodes after which their memory is reused

@@ -367,7 +367,7 @@ void EditPage::togglePane()
     paneButton->toggle();
 }
 
-// Called by the button, so that the pane follows it however it is pressed.
+// Called by the button's signal, so that the pane always follows the button.
 void EditPage::showPane(bool visible)
 {
     paneSide->setVisible(visible);

@@ -94,8 +94,8 @@ public:
     void setLayout(FullMessage::Layout wanted) { layout = static_cast<int>(wanted); }
 
     /// Sets the text of the file field for the last source of several files, or of a folder, and whether the last
-    /// source was one of this sort. It is apart from the recent files, whose list ends at an entry of 260 bytes when it
-    /// is read. A longer text than kMaxSourceSet is ignored.
+    /// source was one of this sort. It is stored apart from the recent files, whose list ends at an entry of 260 bytes
+    /// when it is read. A longer text than kMaxSourceSet is ignored.
     static constexpr int kMaxSourceSet = 100'000; ///< bytes of the text
     void setSourceSet(const CString& text);
     void setSetLast(bool isLast) { setLast = isLast ? 1 : 0; }
