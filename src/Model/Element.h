@@ -124,7 +124,7 @@ public:
     std::string_view asXML();
 
     /// Returns whether a record's document has a field for this child. Enumerations and arrays have none: a field of
-    /// such a type is an element of its own, typeOther with a known type.
+    /// such a type is a separate element, typeOther with a known type.
     bool isField() const { return type != typeEnum && type != typeArray; }
 
     /// Return the name, the description and the type that the document of `record` has for this child as a field. Texts

@@ -17,9 +17,9 @@
 // it, and a composed value is charged when it is made and whenever it is read.
 namespace {
 
-constexpr std::size_t kMaxDepth = 40;             // of entities in each other
+constexpr std::size_t kMaxDepth = 40;             // levels of nested entities
 constexpr std::size_t kMaxGrowth = 100;           // times the bytes of the files; real DTDs expand to 12 times
-constexpr std::size_t kSmallExpansion = 16 << 20; // bytes that are free, whatever the size of the files
+constexpr std::size_t kSmallExpansion = 16 << 20; // bytes that are allowed for files of any size
 
 } // namespace
 
@@ -137,8 +137,8 @@ DTDEntities::Text* DTDEntities::open(std::string_view name, std::size_t depth, S
     entity->isMissing = !entity->text;
     if (!entity->text)
         return nullptr;
-    // XML forbids recursion of entities (XML 1.0, 4.1, "No Recursion"). It is cut here, because only this reference is
-    // at fault.
+    // XML forbids recursion of entities (XML 1.0, 4.1, "No Recursion"). Only this reference is left out, because only
+    // it is at fault.
     if (entity->text->isOpen) {
         report.add(SourceReport::malformedDeclaration, where, CString(name) + " inside itself");
         return nullptr;

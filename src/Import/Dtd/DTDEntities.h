@@ -23,7 +23,7 @@ public:
         bool isComposed = false; ///< with references replaced, so its lines and columns are not those of a file
     };
 
-    /// The three must outlive this object. `types` keeps the texts, and words the refusals.
+    /// The three must outlive this object. `types` stores the texts and is used for refusals.
     DTDEntities(SourceTypes& types, SourceReport& report, const Catalogs& catalogs) :
         types(types), report(report), catalogs(catalogs)
     {}

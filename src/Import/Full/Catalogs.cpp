@@ -187,8 +187,8 @@ void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& 
         catalogs.waiting.push_back({number, kind, key, target, open.back().base, place});
 }
 
-// Returns a public identifier with each run of white space as one space, as the standard compares them. A URN is
-// decoded first.
+// Returns a public identifier with each run of white space as one space, as the standard requires for comparisons. A
+// URN is decoded first.
 CString Catalogs::normalizedPublicId(std::string_view publicId)
 {
     const CString plain = isPublicUrn(publicId) ? fromUrn(publicId) : CString(publicId);

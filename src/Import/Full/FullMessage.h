@@ -98,7 +98,7 @@ protected:
     const std::vector<CString>& queryRoots() const { return roots; }
 
     /// Adds the declarations of `source`, the argument of parse(), to `types`. Throws SourceRefusal if it can't be
-    /// imported. Texts in `types` must live as long as that: views of `source` do, others go through keep() or adopt().
+    /// imported. Texts in `types` must live as long as `types`: views of `source` do, others need keep() or adopt().
     virtual void read(const CString& source, const CString& fileName, SourceTypes& types, SourceReport& report) = 0;
 
     std::vector<CString> furtherFiles;    // read as one set with the file of the import

@@ -23,7 +23,7 @@ public:
     using Index = std::uint32_t;
     static constexpr Index kNone = 0xFFFFFFFF;
 
-    /// What a value is. The first three kinds are plain; code relies on that order.
+    /// The kind of a value. The first three kinds are plain; code relies on that order.
     enum Kind : std::uint8_t
     {
         kindText,
@@ -43,7 +43,7 @@ public:
         friend bool operator==(const Type&, const Type&) = default;
     };
 
-    /// Where a field comes from. It decides which of two fields with one name keeps it, see SourceNames.
+    /// The origin of a field. It decides which of two fields with the same name keeps the name, see SourceNames.
     enum Role : std::uint8_t
     {
         roleValue, ///< the text in addition to fields
@@ -74,7 +74,7 @@ public:
         Index fieldCount = 0;
     };
 
-    /// An enumeration. Its constants are constantsOf().
+    /// An enumeration. constantsOf() returns its constants.
     struct Enumeration
     {
         std::string_view name;

@@ -131,7 +131,7 @@ SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_vi
     return records[content.owner] = {SourceTypes::kindRecord, record};
 }
 
-// Returns the enumeration of a content, called like its owner if that has a name, else `name`.
+// Returns the enumeration of a content, named after its owner if that has a name, else `name`.
 SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::string_view name)
 {
     const std::string_view called = nameOf(content.owner, name);

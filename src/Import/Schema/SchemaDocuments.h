@@ -11,6 +11,6 @@ struct NamedDocument
     std::string_view location; ///< the schemaLocation as written
 };
 
-/// Reports a document that `xml` could not read. An ill-formed one is reported at its own fault, and the import goes on
-/// without it. One that exists but can't be read ends the import: throws SourceRefusal.
+/// Reports a document that `xml` could not read. An ill-formed one is reported at the place of its fault, and the
+/// import continues without it. Throws SourceRefusal, which ends the import, if the document exists but can't be read.
 void reportUnread(const NamedDocument& document, const XmlDocument& xml, SourceReport& report);

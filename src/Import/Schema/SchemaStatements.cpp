@@ -191,7 +191,7 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
                    "minOccurs=\"" + CString(valueOf(Word::minOccurs)) + "\" above maxOccurs");
 }
 
-// Returns whether the bounds of occurrence contradict each other. Invalid ones are reported by themselves. Numbers may
+// Returns whether the bounds of occurrence contradict each other. Invalid bounds are reported separately. Numbers may
 // have any length, so their digits are compared.
 bool SchemaStatements::isLeastAboveMost() const
 {

@@ -219,7 +219,7 @@ void SchemaContents::addElement(Index particle, std::uint8_t times)
 }
 
 // Adds the head of a substitution group and all its members, indirect ones included, except abstract ones (XML Schema
-// Part 1, 3.3.6). `block` and `final` are not regarded. The documentation of the reference belongs to the head only.
+// Part 1, 3.3.6). `block` and `final` are ignored. The documentation of the reference belongs to the head only.
 void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uint8_t times, std::uint32_t documentation)
 {
     const bool isAbstract = tree[declaration].is(SchemaNode::isAbstract);

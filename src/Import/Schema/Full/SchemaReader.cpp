@@ -35,8 +35,8 @@ SchemaReader::SchemaReader(SchemaTree& tree, SourceReport& report) :
     statements(report, tree.documents.back().file, false)
 {}
 
-// Binds the prefixes that the coming start tag declares. The namespaces of the root are kept for the names of main
-// types, which may have a prefix.
+// Binds the prefixes that the next start tag declares. The namespaces of the root are kept for the names of main types,
+// which may have a prefix.
 void SchemaReader::scope(const XmlScope& scope)
 {
     statements.scope(scope);

@@ -69,7 +69,7 @@ private:
     // The namespaces that are in scope; `kUndeclared` for a prefix that isn't.
     std::vector<NameTable::Id> spaces; // by prefix
     NameTable::Id lastPrefix = 0;      // the prefix resolved last
-    // What to restore in `spaces` when elements end, innermost last.
+    // The namespaces to restore in `spaces` when elements end, innermost last.
     std::vector<Shadowed> shadowed;
     std::size_t shadowedBefore = 0; // size of `shadowed` before the element that begins
     const bool holds;               // the report holds constructs back

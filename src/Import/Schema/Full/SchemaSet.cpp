@@ -164,7 +164,7 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
 }
 
 // Reads the document at `path` that `reference` names. A document that is not a schema is left out. It keeps its number
-// without nodes, so that further references to its file are silent.
+// without nodes, so that further references to its file are not reported.
 void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index reference)
 {
     // A copy, because read() adds a document.
@@ -265,7 +265,7 @@ std::optional<SourceTypes::Kind> SchemaSet::builtInKind(SchemaName name) const
     return isSoap || SchemaTree::isSchemaLanguage(name.space) ? ::builtInKind(tree.text(name.local)) : std::nullopt;
 }
 
-// Collects the elements that may stand for a head (XML Schema Part 1, 2.2.2.2). An element is left out if references to
+// Collects the elements that may replace a head (XML Schema Part 1, 2.2.2.2). An element is left out if references to
 // its name lead to another declaration.
 void SchemaSet::collectMembers()
 {

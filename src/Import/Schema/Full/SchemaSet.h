@@ -40,7 +40,7 @@ public:
         kindCount
     };
 
-    /// All three must outlive the set. `types` only words refusals.
+    /// All three must outlive the set. `types` is only used for refusals.
     SchemaSet(const SourceTypes& types, SourceReport& report, const Catalogs& catalogs) :
         types(types), report(report), catalogs(catalogs)
     {}

@@ -12,8 +12,8 @@ class SchemaSimpleTypes
 public:
     using Index = SchemaNode::Index;
 
-    /// What a text may be. The constants of an enumeration are a range of all constants. A type that restricts an
-    /// enumeration by other facets shares its range.
+    /// The possible values of a text. The constants of an enumeration are a range of all constants. A type that
+    /// restricts an enumeration by other facets shares its range.
     struct Value
     {
         bool isThere = false; ///< false for a complex type without text
