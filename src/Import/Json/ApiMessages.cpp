@@ -224,17 +224,26 @@ private:
         const CString called = nameOf(name);
         for (const JsonWord operation : {JsonWord::publish, JsonWord::subscribe}) {
             const Index holder = partOf(tree.find(channel, operation));
-            const Index message = partOf(tree.find(holder, JsonWord::message));
+            const Index message = tree.find(holder, JsonWord::message);
             const std::string_view id = tree.textOf(holder, JsonWord::operationId);
             const CString own = id.empty() ? called : CString(id);
-            const Index several = tree.find(message, JsonWord::oneOf, JsonNode::array);
+            const Index several = tree.find(partOf(message), JsonWord::oneOf, JsonNode::array);
             for (const Index at : tree.childrenOf(several))
-                readMessage(partOf(at), own);
+                readReferred(at, own);
             if (several == 0)
-                readMessage(message, own);
+                readReferred(message, own);
         }
         for (const Index at : membersOf(channel, JsonWord::messages))
             readMessage(partOf(at), tree.key(at));
+    }
+
+    // Adds a message of a channel without keys. If the channel refers to it, it has a key in another document.
+    void readReferred(Index node, std::string_view name)
+    {
+        const Index message = partOf(node);
+        const bool hasKey =
+            message != tree.target(node) && !tree.key(message).empty() && tree.keyOf(message) != JsonWord::message;
+        readMessage(message, hasKey ? tree.key(message) : name);
     }
 
     // Adds a message. Its name is the `name`, else the `messageId`, else its key or channel.
