@@ -148,6 +148,11 @@ const Rule kRules[] = {
      "r(x:String)",
      {{"b.xsd", documentOf(ROOT(SEQUENCE("<element name='x'/>")))},
       {"o.xsd", other(TYPE("Lost", SEQUENCE("<element name='y'/>")))}}},
+    {"NamedEnumerationsAlone",
+     "<include schemaLocation='b.xsd'/>" SIMPLE("E", LISTED("string", "x", "y"))
+         SIMPLE("S", "<restriction base='int'/>"),
+     "F{z|u} E{x|y}",
+     {{"b.xsd", documentOf(SIMPLE("F", LISTED("string", "z", "u")))}}},
     {"RedefinedDocumentStandsInForOneThatOnlyRedefines",
      "<redefine schemaLocation='b.xsd'>" TYPE("P", EXTENSION("t:P", SEQUENCE("<element name='y'/>"))) "</redefine>",
      "P(x:String y:String) r(p:P)",

@@ -292,9 +292,6 @@ const std::vector<SchemaSet::Index>& SchemaSet::membersOf(SchemaName head) const
 std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
 {
     std::vector<Index> components;
-    const auto holdsAny = [&] {
-        return std::ranges::any_of(components, [&](Index at) { return tree[at].tag != SchemaTag::simpleType; });
-    };
     const auto add = [&](Index first) {
         for (Index at = first; at != 0; at = tree[at].next) {
             const auto kind = kindOf(tree[at].tag);
@@ -311,7 +308,8 @@ std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
             add(tree[at].firstChild);
     };
     add(topOf(main));
-    const bool holdsOwn = holdsAny();
+    const bool holdsOwn =
+        std::ranges::any_of(components, [&](Index at) { return tree[at].tag != SchemaTag::simpleType; });
     addRedefined(main);
     // If a document has no elements and complex types of its own, those of the included documents are taken.
     if (!holdsOwn)
@@ -319,8 +317,6 @@ std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
             add(topOf(document));
             addRedefined(document);
         }
-    if (!holdsAny())
-        components.clear();
     return components;
 }
 

@@ -115,7 +115,7 @@ public:
 
     /// Returns the top-level elements, complex types and simple types of a document, and those inside of redefinitions.
     /// A component that is declared twice is listed twice. If no element or complex type is outside of a redefinition,
-    /// those of the included documents are added. Empty if these have none either.
+    /// those of the included documents are added.
     std::vector<Index> componentsOf(std::uint32_t document) const;
 
     /// Returns the top-level elements and complex types of that name in any document, in the order in which their
