@@ -75,13 +75,14 @@ CString nestedCallbacks(int depth)
     return R"({"openapi":"3.0.0","paths":)" + paths + "}";
 }
 
-// Returns a message of AsyncAPI in XML Schema: an element of the type "I", which has an attribute.
+// Returns a message of AsyncAPI in XML Schema: an element that holds one of the type "I", which has an attribute, and
+// the head "h" of a substitution group, whose member is called like the attribute.
 CString messageInXml(const CString& element, const CString& attribute)
 {
     return R"({"schemaFormat":"application/xml","payload":"<x:schema xmlns:x='http://www.w3.org/2001/XMLSchema'><x:element name=')" +
-           element + "'><x:complexType><x:sequence><x:element name='i' type='I'/></x:sequence></x:complexType>" +
-           "</x:element><x:complexType name='I'><x:attribute name='" + attribute +
-           R"('/></x:complexType></x:schema>"})";
+           element + "'><x:complexType><x:sequence><x:element name='i' type='I'/><x:element ref='h'/></x:sequence>" +
+           "</x:complexType></x:element><x:element name='h'/><x:element substitutionGroup='h' name='" + attribute +
+           "'/><x:complexType name='I'><x:attribute name='" + attribute + R"('/></x:complexType></x:schema>"})";
 }
 
 const Rule kApis[] = {
@@ -185,7 +186,8 @@ const Rule kApis[] = {
     {"SchemasInXmlHaveTheirOwnTypes",
      R"({"asyncapi":"2.0.0","channels":{"c":{"publish":{"message":{"oneOf":[)" + messageInXml("a", "x") + "," +
          messageInXml("b", "y") + "," + messageInXml("c", "x") + "," + messageInXml("b", "z") + "]}}}}}",
-     "I_3(z:String) I_2(y:String) I(x:String) a(i:I) b(i:I_2) c(i:I) b_2(i:I_3)"},
+     "I_3(z:String) I_2(y:String) I(x:String) a(i:I h:String x:String) b(i:I_2 h:String y:String) c(i:I h:String "
+     "x:String) b_2(i:I_3 h:String z:String)"},
     {"LossesOfTheRootAlone",
      R"({"openapi":"3.0.0","paths":{"/a":{"get":{"operationId":"o","responses":{"200":{"content":{"a/b":{"schema":{"properties":{"x":{"$ref":"#/no"}}}}}}}}}},
         "components":{"schemas":{"A":{"properties":{"b":{"$ref":"#/components/schemas/B"}}},"B":{"properties":{"c":{"$ref":"#/no"}}},

@@ -225,7 +225,7 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uin
     const bool isAbstract = tree[declaration].is(SchemaNode::isAbstract);
     if (!isAbstract)
         addOccurrence(head, declaration, times, documentation);
-    if (set.membersOf(head).empty()) {
+    if (set.membersOf(declaration).empty()) {
         if (isAbstract) // and no element that was read may replace it
             set.note(SourceReport::elementNotAllowed, declaration);
         return;
@@ -233,7 +233,7 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uin
     std::vector<Index> heads{declaration};
     isEntered[declaration] = true;
     for (std::size_t i = 0; i < heads.size(); ++i)
-        for (const Index member : set.membersOf(set.nameOf(heads[i]))) {
+        for (const Index member : set.membersOf(heads[i])) {
             spendStep();
             if (isEntered[member])
                 continue;

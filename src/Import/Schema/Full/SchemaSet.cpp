@@ -274,18 +274,18 @@ void SchemaSet::collectMembers()
     for (const Index at : substitutes) {
         if (find(element, nameOf(at), at) != at)
             continue;
-        for (const SchemaName head : tree.listOf(at)) {
-            members[head.key()].push_back(at);
-            if (find(element, head, at) == 0)
-                note(SourceReport::unresolvedReference, at, head.local);
-        }
+        for (const SchemaName name : tree.listOf(at))
+            if (const Index head = find(element, name, at); head != 0)
+                members[head].push_back(at);
+            else
+                note(SourceReport::unresolvedReference, at, name.local);
     }
 }
 
-const std::vector<SchemaSet::Index>& SchemaSet::membersOf(SchemaName head) const
+const std::vector<SchemaSet::Index>& SchemaSet::membersOf(Index head) const
 {
     static const std::vector<Index> none;
-    const auto found = members.find(head.key());
+    const auto found = members.find(head);
     return found == members.end() ? none : found->second;
 }
 

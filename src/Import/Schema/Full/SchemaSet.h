@@ -110,8 +110,8 @@ public:
     /// because the schema for schemas declares them, too.
     std::optional<SourceTypes::Kind> builtInKind(SchemaName name) const;
 
-    /// Returns the direct members of the substitution group of `head`, in order of declaration.
-    const std::vector<Index>& membersOf(SchemaName head) const;
+    /// Returns the direct members of the substitution group of the element `head`, in order of declaration.
+    const std::vector<Index>& membersOf(Index head) const;
 
     /// Returns the top-level elements, complex types and simple types of a document, and those inside of redefinitions.
     /// A component that is declared twice is listed twice. If no element or complex type is outside of a redefinition,
@@ -254,15 +254,15 @@ private:
     std::unordered_map<Index, std::uint32_t> documentsByReference;
     // While an embedded schema is loaded, only those of its own load.
     Symbols symbols;
-    std::vector<Scope> scopes;                  // in order of their documents
-    std::set<std::uint32_t> again;              // documents of scopes that the schema being loaded refers to
-    std::unordered_map<Index, Index> redefined; // the redefined component by its redefinition
-    std::vector<Index> substitutes;             // the top-level elements that name a head
-    std::unordered_map<std::uint64_t, std::vector<Index>, NumberHash> members;
-    std::size_t copied = 0;                            // number of copied nodes
-    std::vector<bool> reached;                         // by node; empty until recordReached()
-    std::unordered_set<NameTable::Id> reachedMessages; // those of WSDLs, by name
-    bool areMessagesReached = false;                   // all of them
+    std::vector<Scope> scopes;                             // in order of their documents
+    std::set<std::uint32_t> again;                         // documents of scopes that the schema being loaded refers to
+    std::unordered_map<Index, Index> redefined;            // the redefined component by its redefinition
+    std::vector<Index> substitutes;                        // the top-level elements that name a head
+    std::unordered_map<Index, std::vector<Index>> members; // by head
+    std::size_t copied = 0;                                // number of copied nodes
+    std::vector<bool> reached;                             // by node; empty until recordReached()
+    std::unordered_set<NameTable::Id> reachedMessages;     // those of WSDLs, by name
+    bool areMessagesReached = false;                       // all of them
     std::vector<Note> notes;
     std::size_t manyNotes = 100'000; // from this size on repetitions are removed
 };
