@@ -42,10 +42,13 @@ const char* XmlLimits::addList(std::size_t members)
 const char* XmlLimits::addProlog(std::string_view piece)
 {
     for (const char c : piece) {
-        // The end of the declaration. A '|' in a content model or a comment is counted, too.
-        if (c == '>')
+        // The values are between parentheses, which hold no '>'. A '|' elsewhere, as in a comment, costs nothing. That
+        // of a content model is counted, too.
+        if (c == '(')
             bars = 0;
-        else if (c == '|')
+        if (c == '(' || c == ')' || c == '>')
+            inList = c == '(';
+        else if (c == '|' && inList)
             comparisons += ++bars;
     }
     return addList(0);

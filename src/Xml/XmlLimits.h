@@ -45,5 +45,6 @@ private:
     const XmlSource& source;
     std::size_t expanded = 0;
     std::size_t comparisons = 0;
-    std::size_t bars = 0; // '|' since the last '>'
+    bool inList = false;  // the prolog is inside of parentheses
+    std::size_t bars = 0; // '|' since the last '('
 };

@@ -175,6 +175,7 @@ TEST_F(XmlBounds, ListsThatAreComparedAreCutOff)
     const std::string refusal =
         "The document has too many lists with too many members: the limit is 64 comparisons for each byte";
     EXPECT_EQ(read("<!DOCTYPE a [" + flood(10'000) + "]><a/>"), "");
+    EXPECT_EQ(read("<!-- (" + times(50'000, "|)") + " --><?p " + times(50'000, "|") + "?><a/>"), "");
     EXPECT_EQ(read("<!DOCTYPE a [" + times(300, flood(400)) + "]><a/>"), "");
     EXPECT_EQ(read("<!DOCTYPE a [" + flood(50'000) + "]><a/>"), "2 " + refusal);
     const std::string two = "<!ENTITY % p '" + flood(5'000) + "'><!ENTITY % q '" + flood(5'000) + "'>";
