@@ -19,6 +19,7 @@ constexpr std::string_view kPcdata = "#PCDATA", kCdata = "#CDATA", kImplied = "#
 constexpr CharSet kFieldTrim(" ()\r\n\t");
 constexpr CharSet kSeparators(",|&");
 constexpr CharSet kMarks("*+?");
+constexpr CharSet kMarkup("<>%");
 constexpr std::size_t kKeywordLength = 7;
 constexpr std::size_t kMaxMainType = 4096;
 constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; with drifting ends, real DTDs reach 90 MB
@@ -242,6 +243,11 @@ void DTDMessage::doParseField(std::size_t start, std::size_t end, DTDElement* pa
         } else if (close->mark < levelEnd) {
             // The text between a group and its mark is skipped, such as the second group in "(a)(b)*".
             formatField(text->whole.substr(start, close->at - start), "*", parent);
+            const std::string_view skipped =
+                kFieldTrim.trim(text->whole.substr(close->at + 1, close->mark - close->at - 1));
+            // Statements may overlap. Markup is no skipped name, and an entity has been reported.
+            if (parent && kMarkup.in(skipped) == kNowhere && kDtdDelimiter.out(skipped) != kNowhere)
+                report.add(SourceReport::groupSkipped, text->places.at(placeOf(skipped)), skipped);
             start = close->mark;
         } else {
             ends.push_back(close->at);
