@@ -86,7 +86,7 @@ const Rule kRules[] = {
      "<!ATTLIST r <!-- %no; > \" --> b CDATA #IMPLIED -- 'c' %no; -- c CDATA #IMPLIED><!><?sgml><!---->",
      "r(a:String r_b:String r_c:String)", "2 details\n\n2 optional parts\n"},
     {"EntitiesBetweenAndInsideDeclarations",
-     "<!ENTITY % n 'r'><!ENTITY % m \"(a|%n;-b)\"><!ENTITY % t '<!ELEMENT a EMPTY><!ATTLIST %n; %l;>'>"
+     "<!ENTITY % n 'r'><!ENTITY % m \"(a|%n;-b)\"><!Entity % t '<!ELEMENT a EMPTY><!ATTLIST %n; %l;>'>"
      "<!ENTITY % l 'c CDATA'><!ENTITY % l 'd CDATA'><!ELEMENT %n; %m;*>%t;<!ELEMENT r-b EMPTY>",
      "t_r-b[String] t_a[String] r(a:t_a r-b:t_r-b r_c:String)", "2 details\n\n1 optional part\n1 choice\n"},
     {"ReferencesThatAValueHides",
@@ -115,7 +115,7 @@ const Rule kRules[] = {
     {"SectionsByTheirKeys",
      "<!ENTITY % off 'IGNORE'><!ENTITY % key ' %off; '><!ENTITY % on 'INCLUDE'>\n"
      "<![%on;[<!ELEMENT r (a,b)><![ %key; [<!ELEMENT r (no)>]]><![INCLUDE[<!ELEMENT a EMPTY>]]>]]>"
-     "<![ IGNORE [<![ INCLUDE [ <!ELEMENT b (no)> ]]> ' ]]>\n<![%u;[<!ELEMENT b (c)>]]><![MAYBE[<!ELEMENT c EMPTY>]]>",
+     "<![ Ignore [<![ INCLUDE [ <!ELEMENT b (no)> ]]> ' ]]>\n<![%u;[<!ELEMENT b (c)>]]><![MAYBE[<!ELEMENT c EMPTY>]]>",
      "b(c:String) r(a:String b:b)",
      "3 losses\nx:3:4: entity declared nowhere: u\nx:3:1: section with an unknown key: %u;\nx:3:27: section with an "
      "unknown key: MAYBE\n\n1 detail\nx:2:27: section left out by an entity: key\n\n2 sections not understood\n1 "

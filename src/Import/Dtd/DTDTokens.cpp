@@ -1,5 +1,6 @@
 #include "Import/Dtd/DTDTokens.h"
 
+#include "Base/Text.h"
 #include "Import/Dtd/DTDText.h"
 
 #include <algorithm>
@@ -106,7 +107,7 @@ bool DTDTokens::nextDeclaration()
             word = dtdNameAt(frame.rest());
             frame.at += word.size();
             base = frames.size();
-            mayHoldMarkup = word == "ENTITY" || word == "entity";
+            mayHoldMarkup = isSameAscii(word, "ENTITY");
             return true;
         } else if (isNext("<?")) {
             skipInstruction();
@@ -205,8 +206,8 @@ void DTDTokens::readSection()
     bool isIgnored = false, isKnown = false;
     // next() replaces an entity in the key first (XML 1.0, 3.4).
     for (next(); current.kind == tokenWord; next()) {
-        isIgnored |= current.text == "IGNORE" || current.text == "ignore";
-        isKnown |= current.text == "INCLUDE" || current.text == "include";
+        isIgnored |= isSameAscii(current.text, "IGNORE");
+        isKnown |= isSameAscii(current.text, "INCLUDE");
     }
     if (!current.isMark('['))
         return report.add(SourceReport::malformedDeclaration, declaration, "section without '['");
