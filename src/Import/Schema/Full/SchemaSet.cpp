@@ -177,12 +177,12 @@ void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index refe
         note(SourceReport::moduleUnreadable, reference);
 }
 
-// Bounds the declarations that are copied.
+// Bounds the nodes that are copied.
 void SchemaSet::countCopied(std::uint32_t document)
 {
     copied += tree.documents[document].end - tree.documents[document].root;
     if (copied > kMaxCopied)
-        refuse(std::to_string(kMaxCopied) + " declarations in documents that several namespaces include");
+        refuse(std::to_string(kMaxCopied) + " statements in copies of documents that several namespaces include");
 }
 
 // Copies a document. One without a namespace declares its components again in each namespace that includes it.
