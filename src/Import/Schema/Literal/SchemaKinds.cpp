@@ -64,15 +64,17 @@ SchemaKinds::Kind SchemaKinds::combine(const Type& type) const
     if (type.isList)
         return text;
     Kind kind = text;
+    bool areEqual = true;
     for (Index part = type.firstPart; part != kNone; part = parts[part].next) {
         const Index inner = typeOf(parts[part]);
         const Kind own = inner != kNone ? types[inner].kind : builtInKindOf(parts[part].typeName);
         if (own == unknown)
             return unknown;
-        if (part != type.firstPart && own != kind)
-            return text;
+        areEqual = areEqual && (part == type.firstPart || own == kind);
         kind = own;
     }
+    if (!areEqual)
+        return text;
     return kind == text && type.isListed ? listed : kind;
 }
 

@@ -48,8 +48,8 @@ public:
     std::size_t size() const { return types.size(); }
     void resize(std::size_t count);
 
-    /// Returns the kind of a simple type: that of its parts if they agree, else text. Call it after all documents are
-    /// read.
+    /// Returns the kind of a simple type: that of its parts if they agree, else text; unknown if one of them is. Call
+    /// it after all documents are read.
     Kind kindOf(Index type);
 
     /// Returns the kind of the type with this name, built-in or declared; unknown if there is none, and for complex
