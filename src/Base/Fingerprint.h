@@ -2,6 +2,8 @@
 
 #include "Base/Text.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -75,13 +77,17 @@ private:
 
     static const Seed seed;
 
-    // By memcpy(), because a piece may begin at any address. The first byte must become the lowest, as on little-endian
-    // processors. Otherwise add(), which joins pieces by shifts, would give another result for another cut.
+    // By memcpy(), because a piece may begin at any address. The first byte becomes the lowest on all processors.
+    // Otherwise add(), which joins pieces by shifts, would give another result for another cut.
     template <class Number>
     static Number load(const char* bytes)
     {
         Number number;
         std::memcpy(&number, bytes, sizeof number);
+        if constexpr (std::endian::native == std::endian::big) {
+            char* const first = reinterpret_cast<char*>(&number);
+            std::reverse(first, first + sizeof number);
+        }
         return number;
     }
 
