@@ -380,6 +380,8 @@ const Refusal kRefusals[] = {
      "# refers to itself without an object in between."},
     {"ManyMerges", manyMerges(),
      "$: more than 100000 merged members and 20 more for each value of the document, which is the limit."},
+    {"ManyMergesInAnotherDocument", R"({"$ref":"merges.yaml"})",
+     "$: more than 100000 merged members and 20 more for each value of the document, which is the limit."},
     {"ManyCombinations", manyCombinations(),
      "$: more than 50000 combinations of schemas and 2 more for each value of the source, which is the limit."},
     {"NoSuchMainType", R"({"properties":{"a":{}}})", "There is no element called B.", "B"},
@@ -390,6 +392,7 @@ class JsonSchemaRefusal : public JsonSchema, public testing::WithParamInterface<
 
 TEST_P(JsonSchemaRefusal, NamesTheFault)
 {
+    folder.write("merges.yaml", manyMerges());
     message.setRoot(GetParam().root);
     EXPECT_EQ(importSchema(GetParam().schema), 0);
     CString says = GetParam().says;

@@ -268,6 +268,8 @@ JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& p
         report.add(SourceReport::moduleIllFormed, {report.fileCount() - 1, fault.line, fault.column},
                    fault.reason + named);
     } catch (const SourceRefusal& refusal) {
+        if (refusal.fault.file.empty()) // a bound of the import
+            throw;
         report.add(SourceReport::moduleUnreadable, from, path + ": " + refusal.fault.reason);
     }
     return 0;
