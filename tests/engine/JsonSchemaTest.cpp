@@ -38,7 +38,7 @@ const Rule kRules[] = {
         "d":{"type":["array","string"]})",
      "c(x:String) r(a:Number b:String c:c d:String)"},
     {"ListedValues",
-     R"("a":{"enum":["x","y","x"]},"b":{"const":"z"},"c":{"enum":[1,2]},"d":{"enum":["x",1]},"e":{"enum":["x",null]},
+     R"("a":{"enum":["x","y","x"]},"b":{"const":"z","enum":["y","z"]},"c":{"enum":[1,2]},"d":{"enum":["x",1]},"e":{"enum":["x",null]},
         "f":{"type":"integer","enum":["1"]},"g":{"enum":[true]},"h":{"enum":[]})",
      "e{x} b{z} a{x|y} r(a:a b:b c:Number d:String e:e f:Number g:String h:String)"},
     {"Arrays",

@@ -129,7 +129,8 @@ private:
     {
         Index type = 0;
         NameTable::Id format = 0;
-        std::vector<Index> values; // of enum or const
+        std::vector<Index> values; // of enum
+        Index constant = 0;        // the only value, by const
         bool isListed = false;     // by enum or const
         bool hasItems = false;
         bool hasProperties = false;

@@ -135,7 +135,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::constWord:
         own.isListed = true;
-        own.values.assign(1, node);
+        own.constant = node;
         break;
     case JsonWord::items:
     case JsonWord::prefixItems:
@@ -233,6 +233,9 @@ void JsonContents::readOwn(Frame& frame, Own& own)
     }
     std::vector<JsonWord> wanted = typesOf(own.type);
     const auto texts = static_cast<std::size_t>(std::ranges::count(wanted, JsonWord::string));
+    // Both keywords apply, so a constant is the only one of the listed values that is left.
+    if (own.constant != 0)
+        own.values.assign(1, own.constant);
     // Listed values are constants if the schema may be text. Otherwise its type determines the field.
     if (own.isListed && (texts > 0 || wanted.empty()))
         return join(frame, contentOfValues(frame, own, texts > 0 && texts == wanted.size()), both, frame.node);
