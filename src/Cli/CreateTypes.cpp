@@ -6,6 +6,7 @@
 #include "Broker/TypeSource.h"
 #include "Cli/Broker.h"
 #include "Cli/Output.h"
+#include "Cli/ProgressLine.h"
 
 #include <CLI/CLI.hpp>
 
@@ -25,6 +26,7 @@ constexpr char kBasePathHint[] = "; --base-path keeps them apart";
 // are shown without control characters.
 OverwriteChoice ask(const CString& question, const CString& details)
 {
+    ProgressLine::clear();
     if (!details.empty())
         std::cerr << shownText(details) << '\n';
     const std::size_t last = question.rfind('\n') + 1; // the question itself; names before it may hold line breaks

@@ -2,6 +2,7 @@
 
 #include "Base/Secret.h"
 #include "Base/Terminal.h"
+#include "Cli/ProgressLine.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
 
@@ -20,6 +21,7 @@ void readPassword(const LogonOptions& options, CString& password)
 {
     keepOutOfCores();
     if (options.passwordFile.empty()) {
+        ProgressLine::clear();
         const PromptResult asked = promptTerminal("Password for " + options.user + options.place + ": ", password);
         if (asked == PromptResult::noTerminal)
             throw std::runtime_error(CString("there is no terminal to ask for the password; use ") +

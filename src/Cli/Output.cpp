@@ -1,6 +1,7 @@
 #include "Cli/Output.h"
 
 #include "Cli/Diagnostics.h"
+#include "Cli/ProgressLine.h"
 #include "Files/FileMessage.h"
 
 #include <cerrno>
@@ -11,10 +12,13 @@ Output::Output(const CString& fileName) : fileName(fileName)
 {
     if (!fileName.empty() && fileName != "-" && fileName != kStandardOutput)
         file = std::make_unique<AtomicFile>(fileName, AtomicFile::Special::written);
+    isOnTerminal = !file && ::isatty(STDOUT_FILENO) == 1;
 }
 
 void Output::write(std::string_view bytes)
 {
+    if (isOnTerminal)
+        ProgressLine::end();
     if (file)
         file->write(bytes);
     else if (error == 0 && std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size())
@@ -31,11 +35,6 @@ void Output::keepUnchanged(off_t ignoredFrom, off_t ignoredCount)
 {
     if (file)
         file->keepUnchanged(ignoredFrom, ignoredCount);
-}
-
-bool Output::isTerminal() const
-{
-    return !file && ::isatty(STDOUT_FILENO) == 1;
 }
 
 // Flushes standard output, because a full disk or a closed pipe would otherwise be noticed at the end of the process,

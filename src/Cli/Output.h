@@ -24,7 +24,7 @@ public:
     void flush();
 
     /// Returns whether standard output is a terminal, read by people. False for a file.
-    bool isTerminal() const;
+    bool isTerminal() const { return isOnTerminal; }
 
     /// Ends the output. Returns false on failure, which has been reported.
     bool finish();
@@ -32,5 +32,6 @@ public:
 private:
     CString fileName;
     std::unique_ptr<AtomicFile> file; // null for standard output
-    int error = 0;                    // the errno value of the first failure; of a file once it is finished
+    bool isOnTerminal;
+    int error = 0; // the errno value of the first failure; of a file once it is finished
 };

@@ -13,8 +13,9 @@ namespace {
 constexpr milliseconds kDelay(1000), kRefresh(200);
 constexpr char kErase[] = "\r\033[K"; // to the end of the line (ECMA-48)
 
-// True if the line is on the terminal. For the whole process, because clear() is static.
-bool isThere = false;
+// True if the line is on the terminal, and if it must not come back. For the whole process, because clear() and end()
+// are static.
+bool isThere = false, isEnded = false;
 
 } // namespace
 
@@ -29,16 +30,13 @@ ProgressLine::~ProgressLine()
     setProgressHandler(before);
 }
 
-// Shows progress at most every kRefresh. The creation of types prints lines itself, so nothing is shown if those go to
-// a terminal.
+// Shows progress at most every kRefresh.
 bool ProgressLine::show(const Progress& progress)
 {
     const auto now = steady_clock::now();
-    if (now < next || isatty(STDERR_FILENO) == 0)
+    if (isEnded || now < next || isatty(STDERR_FILENO) == 0)
         return true;
     next = now + kRefresh;
-    if (progress.work == Work::creating && isatty(STDOUT_FILENO) != 0)
-        return true;
     isThere = true;
     std::fprintf(stderr, "%s%s\r", kErase, progressText(progress).c_str());
     return true;
@@ -49,4 +47,10 @@ void ProgressLine::clear()
 {
     if (std::exchange(isThere, false))
         std::fputs(kErase, stderr);
+}
+
+void ProgressLine::end()
+{
+    clear();
+    isEnded = true;
 }

@@ -19,6 +19,10 @@ public:
     /// without an object.
     static void clear();
 
+    /// Erases the line for good, because standard output goes to the terminal from now on: another line would erase
+    /// text there that has no line break yet.
+    static void end();
+
 private:
     bool show(const Progress& progress);
 

@@ -1,6 +1,7 @@
 """Creating types from the command line: killed runs, secrecy of passwords, prompts."""
 import os
 import pty
+import re
 import resource
 import shutil
 import signal
@@ -105,6 +106,23 @@ class Create(unittest.TestCase):
             self.assertIn(end, screen.decode())
             status = os.waitpid(child, 0)[1]
             self.assertEqual(0 if end else signal.SIGINT, os.WTERMSIG(status) or os.WEXITSTATUS(status))
+
+    def test_questions_erase_the_progress_on_the_terminal(self):
+        self.run_import("pair.dtd", "--create", "local")
+        os.mkfifo(self.folder + "/slow")
+        line = "(sleep 1.2; sed 's/(b)/(c)/' pair.dtd) >slow & exec $0 dtd slow --create local --user u --overwrite ask >lines"
+        child, terminal = pty.fork()
+        if child == 0:
+            os.chdir(self.folder)
+            os.execve("/bin/sh", ["sh", "-c", line, IMPORT], self.environment)
+        for question, typed in (b"Password for u: ", b"p\n"), (b"The existing type is different", b"x\n"):
+            screen = b""
+            while question not in screen:
+                screen += os.read(terminal, 1000)
+            self.assertRegex(screen, rb"\r\x1b\[K[A-Z][^\r]+\r\r\x1b\[K" + re.escape(question))
+            time.sleep(0.3)  # the next progress is due
+            os.write(terminal, typed)
+        os.waitpid(child, 0)
 
     def test_existing_types_are_replaced_as_asked_for(self):
         create = ["pair.dtd", "--create", "local", "--trusted"]

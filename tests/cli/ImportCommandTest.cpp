@@ -471,13 +471,17 @@ TEST_F(ImportCommand, RefusesACommandLineThatIsOff)
     EXPECT_EQ(names(), "old r.dtd ");
 }
 
-// On a terminal, long work shows a line that is overwritten and erased at the end.
+// On a terminal, long work shows a line that is overwritten and erased at the end, or before the first output.
 TEST_F(ImportCommand, TellsHowFarLongWorkHasCome)
 {
-    const Answer answer = run("mkfifo slow; (printf '<x>'; yes '<a/>' | head -c 500000; sleep 1.3;"
-                              "yes '<a/>' | head -c 500000; printf '</x>') >slow &"
-                              "script -qec \"$import xml slow -o /dev/null\" /dev/null; wait");
-    EXPECT_THAT(answer.out, testing::MatchesRegex("(\r\x1b\\[KReading: [01][.][0-9] MB\r)+\r\x1b\\[K")) << answer;
+    const std::string progress = "(\r\x1b\\[KReading: [01][.][0-9] MB\r)+\r\x1b\\[K";
+    for (const auto& [options, result] : {std::pair("-o /dev/null", ""), {"--graph", "digraph .*}\r\n"}}) {
+        const Answer answer = run("mkfifo slow; (printf '<x>'; yes '<a/>' | head -c 500000; sleep 1.3;"
+                                  "yes '<a/>' | head -c 500000; printf '</x>') >slow &"
+                                  "script -qec \"$import xml slow " +
+                                  std::string(options) + "\" /dev/null; wait; rm slow");
+        EXPECT_THAT(answer.out, testing::MatchesRegex(progress + result)) << answer;
+    }
 }
 
 } // namespace
