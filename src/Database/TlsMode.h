@@ -19,6 +19,6 @@ struct TlsAttempt
 
 /// Returns the ways to connect that a source's SSLmode allows, best first. The mode comes from the connection string or
 /// the data source, else from the environment variable PGSSLMODE, else it is "prefer". Every driver that can is asked
-/// to prefer TLS. A driver that can't be told to require TLS is never connected without it. Throws CDBException for an
-/// unknown mode, and for one that the driver isn't known to respect.
+/// to prefer TLS. Throws CDBException for an unknown mode, and for a source that requires TLS if the driver isn't known
+/// to respect the mode. What PGSSLMODE requires only holds for the drivers of PostgreSQL and MariaDB.
 std::vector<TlsAttempt> tlsAttempts(const CString& connection);
