@@ -315,6 +315,10 @@ TEST(PictureOfTypes, OpensWithTheNeighboursWhereThereIsMuch)
     EXPECT_EQ(desk.status(), "36 types; double-click a type to continue from it.");
     desk.choose("depth", 1);
     EXPECT_EQ(desk.diagram().boxCount(), 71u);
+    QTest::keyClick(&desk.view(), Qt::Key_Right, Qt::ControlModifier);
+    const CString chosen = desk.selected();
+    QTest::keyPress(&desk.view(), Qt::Key_Control, Qt::ControlModifier); // alone, above other boxes
+    EXPECT_EQ(desk.selected(), chosen);
 }
 
 TEST(PictureOfTypes, BoundsAndCancelsAPng)

@@ -94,7 +94,8 @@ void DiagramView::wheelEvent(QWheelEvent* event)
 
 void DiagramView::keyPressEvent(QKeyEvent* event)
 {
-    if (diagramScene && (event->modifiers() & Qt::ControlModifier)) {
+    const bool isArrow = event->key() >= Qt::Key_Left && event->key() <= Qt::Key_Down;
+    if (diagramScene && isArrow && (event->modifiers() & Qt::ControlModifier)) {
         if (const auto box = diagramScene->boxTowards(event->key())) {
             choose(*box);
             ensureVisible(diagramScene->queryDiagram().areaOf(*box));
