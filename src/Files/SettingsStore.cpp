@@ -200,9 +200,11 @@ bool toValue(const Json& stored, SettingsValue& out)
     const bool fits = stored.is_boolean() || stored.is_number_unsigned() || stored.is_number_integer();
     if (!fits)
         return false;
-    const auto wide = stored.is_boolean() ? std::int64_t(stored.get<bool>()) : stored.get<std::int64_t>();
-    if (wide < std::numeric_limits<std::int32_t>::min() || wide > std::numeric_limits<std::uint32_t>::max())
+    // A double is exact within the limits, and unlike a signed integer stays large beyond them.
+    const double number = stored.is_boolean() ? stored.get<bool>() : stored.get<double>();
+    if (number < std::numeric_limits<std::int32_t>::min() || number > std::numeric_limits<std::uint32_t>::max())
         return false;
+    const auto wide = static_cast<std::int64_t>(number);
     out = {SettingsValue::Type::integer, {}};
     for (int shift = 0; shift < 32; shift += 8)
         out.bytes += static_cast<char>(static_cast<std::uint32_t>(wide) >> shift);

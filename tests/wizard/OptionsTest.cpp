@@ -66,6 +66,7 @@ TEST_F(Settings, AreDefaultsWhereTheFileIsBad)
                  {R"({"SOFTWARE\\ZANTH\\QEL": {"HideWelcomePage": null, "Input folder": {}},
                      "SOFTWARE\\ZANTH": {"Port": 1e20}, "SOFTWARE\\ZANTH\\QEL\\InFiles": [1]})",
                   false},
+                 {R"({"SOFTWARE\\ZANTH": {"Port": 18446744073709551615}})", false},
                  {deep, false},
                  {"{}" + std::string(4 << 20, ' '), true}};
     for (const auto& file : files) {
