@@ -152,6 +152,14 @@ TEST_F(Settings, ListEndsBeforeWhatIsTooLong)
     }
 }
 
+TEST_F(Settings, ListIsStoredUnderLetters)
+{
+    Registry reg;
+    CStringList list(30, "x");
+    FlushToReg(reg, list, "k");
+    EXPECT_EQ(reg.queryValues(HKEY_CURRENT_USER, "k").size(), 26u);
+}
+
 // Guards against a scan of all keys for each one, which takes minutes.
 TEST_F(Settings, AreReadAtOnceWhereThereAreMany)
 {

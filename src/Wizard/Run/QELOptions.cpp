@@ -217,6 +217,8 @@ void FlushToReg(Registry& reg, CStringList& list, const char* key)
 {
     char name[] = "a";
     for (const CString& entry : list) {
+        if (name[0] > 'z')
+            return; // only a file that was edited has more
         reg.setText(key, name, entry);
         ++name[0];
     }
