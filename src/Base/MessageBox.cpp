@@ -29,11 +29,14 @@ MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler)
 
 void showMessageBox(const CString& text, const CString& title, const CString& details)
 {
-    const CString* const outer = std::exchange(currentDetails, &details); // handlers may show messages
+    struct Restorer // of the outer details, because handlers may show messages, and throw
+    {
+        const CString* outer;
+        ~Restorer() { currentDetails = outer; }
+    } const restorer{std::exchange(currentDetails, &details)};
     // Not copied, so a handler must not replace itself.
     if (const MessageBoxHandler& handler = currentHandler())
         handler(text, title);
-    currentDetails = outer;
 }
 
 const CString& queryMessageDetails()
