@@ -118,7 +118,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
     if (arguments.hasBasePath && importer.querySource().namesFolders)
         diagnostics.warning("--base-path has no effect: the document names the folders of its types");
     message.setFurtherFiles({files.begin() + 1, files.end()});
-    if (!arguments.report.file.empty() || arguments.report.isStrict || arguments.verbosity != Verbosity::quiet)
+    if (!arguments.report.file.empty())
         message.wantReport();
     if (arguments.allowEmpty)
         message.allowEmpty();
