@@ -194,7 +194,7 @@ void DriverProcess::waitFor(short events, Clock::time_point start, milliseconds 
         const auto now = Clock::now();
         unwantedSince = isStillWanted() ? Clock::time_point::max() : std::min(unwantedSince, now);
         if (now - start >= timeout)
-            throw CDBException("HYT00", 0,
+            throw CDBException("S1T00", 0,
                                "The database has not answered for " + std::to_string(timeout.count() / 1000) +
                                    " seconds; the connection is closed");
         if (unwantedSince != Clock::time_point::max() && now - unwantedSince >= kGrace)

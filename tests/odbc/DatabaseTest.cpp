@@ -160,7 +160,7 @@ TEST(Database, AServerThatFallsSilentIsGivenUp)
             window.database.timeout = std::chrono::milliseconds(300);
             line.left = bytes;
             EXPECT_THAT([] { importTables("%\n"); },
-                        testing::Throws<CDBException>(testing::Property(&CDBException::queryState, "HYT00")))
+                        testing::Throws<CDBException>(testing::Property(&CDBException::queryState, "S1T00")))
                 << kind << bytes;
             EXPECT_THROW(window.database.ExecuteSQL("SELECT 1"), CDBException);
             EXPECT_FALSE(window.database.IsOpen());
@@ -207,7 +207,7 @@ TEST(Database, AServerThatIsSilentFromTheStartIsGivenUpByItsDriver)
         database.loginTimeout = std::chrono::seconds(1);
         database.timeout = std::chrono::seconds(20);
         EXPECT_THAT([&] { database.Open(server.connection(kind, line.port), CDatabase::readOnly, server.logon()); },
-                    testing::Throws<CDBException>(testing::Property(&CDBException::queryState, testing::Ne("HYT00"))))
+                    testing::Throws<CDBException>(testing::Property(&CDBException::queryState, testing::Ne("S1T00"))))
             << kind;
     }
 }
