@@ -46,5 +46,5 @@ CString epochError()
     const char* const text = std::getenv(kVariable);
     if (text == nullptr || fixedTime())
         return {};
-    return formatText("%s: '%s' is not a number of seconds from 1970 to the year 9999", kVariable, text);
+    return formatText("%s: '%s' is not a time in the years 0 to 9999, in seconds since 1970", kVariable, text);
 }

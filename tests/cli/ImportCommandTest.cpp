@@ -407,8 +407,9 @@ TEST_F(ImportCommand, AnswersExactly)
          {1, "written\n1\n0\n", ""}},
         {"SOURCE_DATE_EPOCH=1e9 $import r.dtd; SOURCE_DATE_EPOCH=253402300800 $import r.dtd -l",
          {2, "",
-          mistake("SOURCE_DATE_EPOCH: '1e9' is not a number of seconds from 1970 to the year 9999") +
-              mistake("SOURCE_DATE_EPOCH: '253402300800' is not a number of seconds from 1970 to the year 9999")}},
+          mistake("SOURCE_DATE_EPOCH: '1e9' is not a time in the years 0 to 9999, in seconds since 1970") +
+              mistake(
+                  "SOURCE_DATE_EPOCH: '253402300800' is not a time in the years 0 to 9999, in seconds since 1970")}},
         // Arguments from a file.
         {"printf '\\357\\273\\277dtd\\r\\n\\nr.dtd\\n--list' >args; $import @args", {0, kList, ""}},
         {"$import r.dtd @none", {2, "", mistake("can't open none: No such file or directory")}},
