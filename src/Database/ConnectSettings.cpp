@@ -29,12 +29,11 @@ CString fileText(const CString& file, const char* attribute)
 
 ConnectAttribute attributeOf(std::string_view connection, std::string_view name)
 {
-    while (!connection.empty()) {
-        const std::size_t start = std::min(connection.find('='), connection.size() - 1) + 1;
-        const std::string_view rest = connection.substr(start);
+    for (std::size_t equals; (equals = connection.find('=')) != connection.npos;) {
+        const std::string_view rest = connection.substr(equals + 1);
         const std::size_t length = std::min(rest.find(';', endOfBraces(rest)), rest.size());
-        const std::string_view whole = connection.substr(0, start + length + 1);
-        if (isSameAscii(trimmed(connection.substr(0, start - 1)), name))
+        const std::string_view whole = connection.substr(0, equals + 1 + length + 1);
+        if (isSameAscii(trimmed(connection.substr(0, equals)), name))
             return {whole, rest.substr(0, length)};
         connection.remove_prefix(whole.size());
     }
