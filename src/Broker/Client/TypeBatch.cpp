@@ -50,12 +50,12 @@ std::string_view takePart(std::string_view& text, char end)
 
 // Reads the outcomes that batchProgram() has written: for each type its code, the old source, kPartEnd, the old time,
 // and kEnd.
-std::vector<StoredType> unpacked(std::string_view outcomes)
+std::vector<StoreOutcome> unpacked(std::string_view outcomes)
 {
-    std::vector<StoredType> types;
+    std::vector<StoreOutcome> types;
     while (!outcomes.empty()) {
         std::string_view type = takePart(outcomes, kEnd);
-        const auto code = static_cast<StoredType::Code>(type.front() - '0');
+        const auto code = static_cast<StoreOutcome::Code>(type.front() - '0');
         type.remove_prefix(1);
         const std::string_view source = takePart(type, kPartEnd);
         types.push_back({code, {CString(source), CString(type)}});
@@ -69,8 +69,8 @@ TypeBatch::TypeBatch(CDatabase& openOn, const TypeTable& table) :
     database(openOn), program(batchProgram(table)), setBatch(openOn, kSetBatch), readOutcomes(openOn, kReadOutcomes)
 {}
 
-std::vector<StoredType> TypeBatch::store(std::span<const NamedDocument> types, const SourceMark& mark,
-                                         ExistingRules rules)
+std::vector<StoreOutcome> TypeBatch::store(std::span<const NamedDocument> types, const SourceMark& mark,
+                                           ExistingRules rules)
 {
     // This statement also clears the outcomes of an earlier batch.
     setBatch.execute({packed(types, mark, rules)});

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Broker/Client/StoredType.h"
+#include "Broker/Client/StoreOutcome.h"
 #include "Broker/Client/TypeTable.h"
 #include "Database/Statement.h"
 
@@ -19,7 +19,7 @@ public:
 
     /// Stores types and returns the outcomes of the first ones: up to an existing type where the rules stop, or a type
     /// that fails. May be empty. Throws CDBException if the connection fails. `replaceFound` counts as `stop` here.
-    std::vector<StoredType> store(std::span<const NamedDocument> types, const SourceMark& mark, ExistingRules rules);
+    std::vector<StoreOutcome> store(std::span<const NamedDocument> types, const SourceMark& mark, ExistingRules rules);
 
 private:
     CDatabase& database;

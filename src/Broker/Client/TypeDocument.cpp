@@ -11,7 +11,7 @@ bool isCalled(XmlName name, std::string_view wanted)
 }
 
 // Reads the name from the root and counts the elements directly below it.
-class TypeReader final : public XmlHandler
+class TypeNameReader final : public XmlHandler
 {
 public:
     void startElement(XmlName name, XmlAttributes attributes) override
@@ -46,7 +46,7 @@ private:
 
 std::optional<CString> queryTypeName(std::string_view document)
 {
-    TypeReader reader;
+    TypeNameReader reader;
     if (parseXmlText(document, reader) || !reader.isAcceptable())
         return {};
     return reader.queryName();

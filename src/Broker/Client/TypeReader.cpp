@@ -45,9 +45,9 @@ TypeReader::TypeReader(std::shared_ptr<CDatabase> open, TypeTable::Place place) 
     table(place, database && exists(*database, kProbeSources, kMissingColumn))
 {}
 
-std::vector<StoredType> TypeReader::store(std::span<const NamedDocument> types, const CString&, ExistingRules rules)
+std::vector<StoreOutcome> TypeReader::store(std::span<const NamedDocument> types, const CString&, ExistingRules rules)
 {
-    std::vector<StoredType> outcomes;
+    std::vector<StoreOutcome> outcomes;
     for (const NamedDocument& type : types) {
         outcomes.push_back(find(type, rules));
         if (stops(outcomes.back(), rules))
@@ -56,19 +56,19 @@ std::vector<StoredType> TypeReader::store(std::span<const NamedDocument> types, 
     return outcomes;
 }
 
-StoredType TypeReader::find(const NamedDocument& type, ExistingRules rules) const
+StoreOutcome TypeReader::find(const NamedDocument& type, ExistingRules rules) const
 {
     // The driver's process prepares the statement once, because it keeps statements by their text.
     const CStatement::Rows rows =
         database ? CStatement(*database, findStatement(table)).execute({type.document, type.name}) : CStatement::Rows();
     if (rows.empty())
-        return {StoredType::created};
+        return {StoreOutcome::created};
     const bool isSame = rows[0][1] == "1";
     const SourceMark mark = {rows[0][2], rows[0][3]};
     // `replace` and `replaceFound`. The latter is not checked against an earlier outcome, because nothing is replaced.
     if (rules.ruleFor(isSame) >= VornExisting::replace)
-        return {StoredType::replaced, mark};
-    return {isSame ? StoredType::unchanged : StoredType::exists, mark};
+        return {StoreOutcome::replaced, mark};
+    return {isSame ? StoreOutcome::unchanged : StoreOutcome::exists, mark};
 }
 
 std::vector<CString> TypeReader::readFolder(const CString& folder) const

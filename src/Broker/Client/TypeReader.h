@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Broker/Client/StoredType.h"
+#include "Broker/Client/StoreOutcome.h"
 #include "Broker/Client/TypeTable.h"
 
 #include <memory>
@@ -17,15 +17,15 @@ public:
     bool keepsSources() const override { return table.keepsSources; }
 
     /// Returns what TypeStore::store() would, without storing anything.
-    std::vector<StoredType> store(std::span<const NamedDocument> types, const CString& source,
-                                  ExistingRules rules) override;
+    std::vector<StoreOutcome> store(std::span<const NamedDocument> types, const CString& source,
+                                    ExistingRules rules) override;
 
     /// Returns the documents of the types directly in a folder, ordered by name. Throws CDBException.
     std::vector<CString> readFolder(const CString& folder) const;
 
 private:
     // Returns what a creation would do with one type.
-    StoredType find(const NamedDocument& type, ExistingRules rules) const;
+    StoreOutcome find(const NamedDocument& type, ExistingRules rules) const;
 
     std::shared_ptr<CDatabase> database; // null if there is no table
     TypeTable table;

@@ -50,25 +50,25 @@ TypeStore::~TypeStore()
     }
 }
 
-StoredType::Code TypeStore::store(const NamedDocument& type, bool overwrite)
+StoreOutcome::Code TypeStore::store(const NamedDocument& type, bool overwrite)
 {
     // Without a source; the statements have both parameters in any case.
     const Values values = {type.name, type.document, "", ""};
     if (!overwrite)
-        return run(insert, insertStatement, values).empty() ? StoredType::exists : StoredType::created;
-    return run(upsert, upsertStatement, values).at(0).at(0) == "0" ? StoredType::created : StoredType::replaced;
+        return run(insert, insertStatement, values).empty() ? StoreOutcome::exists : StoreOutcome::created;
+    return run(upsert, upsertStatement, values).at(0).at(0) == "0" ? StoreOutcome::created : StoreOutcome::replaced;
 }
 
-std::vector<StoredType> TypeStore::store(std::span<const NamedDocument> types, const CString& source,
-                                         ExistingRules rules)
+std::vector<StoreOutcome> TypeStore::store(std::span<const NamedDocument> types, const CString& source,
+                                           ExistingRules rules)
 {
     // The time of the call, which all of its types get.
     const SourceMark mark = {source, timeNow()};
     const bool isBatch = hasBatches && !busy && types.size() >= kMinBatch;
     if (isBatch)
-        if (std::vector<StoredType> stored = storeBatch(types, mark, rules); !stored.empty())
+        if (std::vector<StoreOutcome> stored = storeBatch(types, mark, rules); !stored.empty())
             return stored;
-    std::vector<StoredType> stored = {storeOne(types.front(), mark, rules)};
+    std::vector<StoreOutcome> stored = {storeOne(types.front(), mark, rules)};
     if (isBatch && !stops(stored.back(), rules))
         hasBatches = false; // the batch should have stored that type
     try {
@@ -80,8 +80,8 @@ std::vector<StoredType> TypeStore::store(std::span<const NamedDocument> types, c
 }
 
 // Stores types as a batch. Returns nothing if the first type needs storeOne(), or if the server refuses the program.
-std::vector<StoredType> TypeStore::storeBatch(std::span<const NamedDocument> types, const SourceMark& mark,
-                                              ExistingRules rules)
+std::vector<StoreOutcome> TypeStore::storeBatch(std::span<const NamedDocument> types, const SourceMark& mark,
+                                                ExistingRules rules)
 {
     isPending = true;
     try {
@@ -97,11 +97,11 @@ std::vector<StoredType> TypeStore::storeBatch(std::span<const NamedDocument> typ
 
 // Stores one type. Repeats if another program changed the type between two statements. It ends, because each repetition
 // is caused by a change of another program.
-StoredType TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules)
+StoreOutcome TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules)
 {
     for (;;) {
         if (!run(insert, insertStatement, {type.name, type.document, mark.source, mark.time}).empty())
-            return {StoredType::created};
+            return {StoreOutcome::created};
         const CStatement::Rows rows = run(find, findStatement, {type.document, type.name});
         if (rows.empty())
             continue;
@@ -113,11 +113,11 @@ StoredType TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark
         const Found found = {type.name, revision};
         if (rule == VornExisting::replace || (rule == VornExisting::replaceFound && found == lastStopped)) {
             if (!run(update, updateStatement, {type.name, type.document, mark.source, mark.time, revision}).empty())
-                return {StoredType::replaced, {source, time}};
+                return {StoreOutcome::replaced, {source, time}};
             continue;
         }
         lastStopped = found;
-        return {isSame ? StoredType::unchanged : StoredType::exists, {source, time}};
+        return {isSame ? StoreOutcome::unchanged : StoreOutcome::exists, {source, time}};
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Broker/Client/StoredType.h"
+#include "Broker/Client/StoreOutcome.h"
 #include "Broker/Client/TypeTable.h"
 #include "Database/Statement.h"
 
@@ -31,10 +31,10 @@ public:
 
     /// Stores a type without a source in one statement, which is a transaction of its own: if two programs create the
     /// same type at once, one creates it and the other finds it. Throws CDBException if nothing was stored.
-    StoredType::Code store(const NamedDocument& type, bool overwrite);
+    StoreOutcome::Code store(const NamedDocument& type, bool overwrite);
 
-    std::vector<StoredType> store(std::span<const NamedDocument> types, const CString& source,
-                                  ExistingRules rules) override;
+    std::vector<StoreOutcome> store(std::span<const NamedDocument> types, const CString& source,
+                                    ExistingRules rules) override;
     void finish() override;
 
 private:
@@ -48,9 +48,9 @@ private:
 
     // Runs a statement, which is prepared at its first use, and remembers the error of a busy database.
     CStatement::Rows run(std::unique_ptr<CStatement>& statement, CString (*sql)(const TypeTable&), Values values);
-    std::vector<StoredType> storeBatch(std::span<const NamedDocument> types, const SourceMark& mark,
-                                       ExistingRules rules);
-    StoredType storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules);
+    std::vector<StoreOutcome> storeBatch(std::span<const NamedDocument> types, const SourceMark& mark,
+                                         ExistingRules rules);
+    StoreOutcome storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules);
 
     std::shared_ptr<CDatabase> database; // above the statements, which must be freed first
     const TypeTable table;

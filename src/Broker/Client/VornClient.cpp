@@ -2,7 +2,7 @@
 #include "Base/Secret.h"
 #include "Broker/Client/Address.h"
 #include "Broker/Client/Roles.h"
-#include "Broker/Client/StoredType.h"
+#include "Broker/Client/StoreOutcome.h"
 #include "Broker/Client/TypeDocument.h"
 #include "Broker/Client/TypeReader.h"
 #include "Broker/Client/TypeStore.h"
@@ -93,11 +93,11 @@ public:
             // Types before a refused document are stored first; the refused one then begins the next call.
             const auto refused = std::ranges::find(types, "", &NamedDocument::name);
             if (refused == types.begin())
-                stored = {{StoredType::refused}};
+                stored = {{StoreOutcome::refused}};
             else
                 stored = store->store({types.begin(), refused}, source, {changed, unchanged});
             *done = static_cast<std::uint32_t>(stored.size());
-            std::ranges::transform(stored, outcomes, [this](const StoredType& type) { return outcomeOf(type); });
+            std::ranges::transform(stored, outcomes, [this](const StoreOutcome& type) { return outcomeOf(type); });
             return VornResult::done;
         });
     }
@@ -111,14 +111,14 @@ public:
     }
 
 private:
-    VornOutcome outcomeOf(const StoredType& type) const
+    VornOutcome outcomeOf(const StoreOutcome& type) const
     {
         return {type.code, store->keepsSources() ? type.mark.source.c_str() : nullptr, type.mark.time.c_str()};
     }
 
     std::shared_ptr<TypeStorage> store;
     std::vector<NamedDocument> types;
-    std::vector<StoredType> stored; // of the last call; outcomes point into it
+    std::vector<StoreOutcome> stored; // of the last call; outcomes point into it
 };
 
 class Reading final : public ClientObject<IVornReading>
@@ -161,7 +161,7 @@ public:
             if (!store)
                 throw std::logic_error("The repository is open for reading only");
             const NamedDocument type = named(document);
-            *code = type.name.empty() ? StoredType::refused : store->store(type, overwrite != 0);
+            *code = type.name.empty() ? StoreOutcome::refused : store->store(type, overwrite != 0);
             return VornResult::done;
         });
     }

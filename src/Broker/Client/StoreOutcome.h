@@ -22,7 +22,7 @@ struct SourceMark
 };
 
 /// The outcome for one type. The codes are those of the interface (VornOutcome).
-struct StoredType
+struct StoreOutcome
 {
     enum Code : unsigned
     {
@@ -48,10 +48,10 @@ struct ExistingRules
 };
 
 /// Returns whether a creation stops at a type with this outcome.
-inline bool stops(const StoredType& type, ExistingRules rules)
+inline bool stops(const StoreOutcome& type, ExistingRules rules)
 {
-    const bool exists = type.code == StoredType::exists || type.code == StoredType::unchanged;
-    return exists && rules.ruleFor(type.code == StoredType::unchanged) != VornExisting::keep;
+    const bool exists = type.code == StoreOutcome::exists || type.code == StoreOutcome::unchanged;
+    return exists && rules.ruleFor(type.code == StoreOutcome::unchanged) != VornExisting::keep;
 }
 
 /// The storage of a creation. TypeStore changes the repository, TypeReader only returns what a creation would do.
@@ -66,8 +66,8 @@ public:
     /// Stores types in order, each in transactions of its own. Returns the outcomes of the first ones, at least one: up
     /// to a type where the rules stop, or before a type that fails. Replaces a type only if it is still as found, so no
     /// concurrent change is lost. Throws CDBException if the first type fails.
-    virtual std::vector<StoredType> store(std::span<const NamedDocument> types, const CString& source,
-                                          ExistingRules rules) = 0;
+    virtual std::vector<StoreOutcome> store(std::span<const NamedDocument> types, const CString& source,
+                                            ExistingRules rules) = 0;
 
     /// Waits until everything stored is on the server's disk; before that, a crash of the server may lose the last
     /// types. Throws CDBException.
