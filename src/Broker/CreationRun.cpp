@@ -94,7 +94,7 @@ std::size_t CreationRun::createNext(std::size_t first)
         ++progress.done;
         return 1;
     }
-    const bool isComplete = outcomes.size() == documents.size() && !isOpen(outcomes.back());
+    const bool isComplete = outcomes.size() == documents.size() && !isUndecided(outcomes.back());
     // The window doubles while all of its types are settled, and starts at one type again when one needs an answer,
     // because documents after that type are written and sent in vain.
     window = isComplete && session.hasCreation() ? std::min(2 * window, kLargestWindow) : 1;
@@ -132,7 +132,7 @@ VornExisting CreationRun::ruleFor(bool isUnchanged) const
 }
 
 // Returns whether the user still has to decide about an existing type.
-bool CreationRun::isOpen(const CreatedType& outcome) const
+bool CreationRun::isUndecided(const CreatedType& outcome) const
 {
     // A client without IVornCreation has kept the type, and doesn't report unchanged types.
     if (!session.hasCreation())
@@ -146,7 +146,7 @@ void CreationRun::recordOutcome(const Element& type, const CString& document, Cr
     try {
         if (!isCancelled)
             outcome = decide(type, document, std::move(outcome));
-        if (isCancelled && isOpen(outcome))
+        if (isCancelled && isUndecided(outcome))
             return addCancelled(type);
     } catch (const ClientError& error) {
         return addFailure(type, error.what());
@@ -165,7 +165,7 @@ void CreationRun::recordOutcome(const Element& type, const CString& document, Cr
 // because that is another type.
 CreatedType CreationRun::decide(const Element& type, const CString& document, CreatedType outcome)
 {
-    while (isOpen(outcome)) {
+    while (isUndecided(outcome)) {
         const OverwriteChoice choice = callbacks.ask(overwriteQuestion(type), detailsOf(outcome));
         yesToAll |= choice == OverwriteChoice::yesToAll;
         noToAll |= choice == OverwriteChoice::noToAll;

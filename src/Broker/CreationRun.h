@@ -81,7 +81,7 @@ private:
     void recordOutcome(const Element& type, const CString& document, CreatedType outcome);
     CreatedType decide(const Element& type, const CString& document, CreatedType outcome);
     VornExisting ruleFor(bool isUnchanged) const;
-    bool isOpen(const CreatedType& outcome) const;
+    bool isUndecided(const CreatedType& outcome) const;
     bool isOtherSource(const CreatedType& outcome) const;
     CString detailsOf(const CreatedType& outcome) const;
     void noteSource(const CreatedType& outcome);

@@ -80,9 +80,9 @@ CString typesOf(int count, const CString& source)
     return countInWords(static_cast<std::size_t>(count), "type", "types") + " of " + source;
 }
 
-// Reports, for each other source, which of its types this run has replaced or found different. `reportsKept` is false
-// if the user has decided to keep existing types.
-void reportOtherSources(const CreationRun& run, const CString& source, bool reportsKept, bool isDryRun)
+// Reports, for each other source, which of its types this run has replaced or found different. The latter only if
+// they stayed because the user was not asked.
+void reportOtherSources(const CreationRun& run, const CString& source, bool keptUnasked, bool isDryRun)
 {
     std::vector<CString> names = {source};
     for (const OtherSource& other : run.queryOtherSources())
@@ -95,7 +95,7 @@ void reportOtherSources(const CreationRun& run, const CString& source, bool repo
                     : replaced == 1 ? " was"
                                     : " were") +
                    " replaced by " + (replaced == 1 ? "a different one" : "different ones") + kBasePathHint);
-        if (kept != 0 && reportsKept)
+        if (kept != 0 && keptUnasked)
             report(typesOf(kept, shown) + (kept == 1 ? " is different" : " are different") + kBasePathHint);
     }
     if (!run.areSourcesStored())
@@ -134,10 +134,10 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
         return kFailed;
     const CString overwrite = options.overwrite.empty() && isatty(STDIN_FILENO) ? "ask" : options.overwrite;
     // True if types stayed because the user was not asked. They count as not created.
-    bool keptExisting = false;
+    bool keptUnasked = false;
     // A dry run asks nothing.
     const auto choice = [&](const CString& question, const CString& details) {
-        keptExisting = overwrite.empty();
+        keptUnasked = overwrite.empty();
         if (options.isDryRun)
             return overwrite == "all" ? OverwriteChoice::yesToAll : OverwriteChoice::noToAll;
         return choose(overwrite, question, details, verbosity);
@@ -151,10 +151,10 @@ int createTypes(MsgBase& message, const TypeSource& source, const CreateOptions&
     CreationRun run(session, {choice, addLine}, {source, true, options.isDryRun});
     const int errors = run.run(message);
     if (verbosity != Verbosity::quiet)
-        reportOtherSources(run, source.name, keptExisting, options.isDryRun);
+        reportOtherSources(run, source.name, keptUnasked, options.isDryRun);
     // The types exist even if their lines were not written, so that failure counts last.
     const bool isWritten = lines.finish();
-    if (errors != 0 || keptExisting)
+    if (errors != 0 || keptUnasked)
         return kNotCreated;
     return isWritten ? kDone : kNotWritten;
 }

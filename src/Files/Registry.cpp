@@ -7,12 +7,12 @@
 
 namespace {
 
-SettingsStore* gathering = nullptr; // the store of the current transaction
+SettingsStore* currentStore = nullptr; // the store of the current transaction
 
 bool queryValue(const char* key, const char* name, SettingsValue& value)
 {
     // Outside of a transaction, each read sees the file as it is at that moment.
-    return gathering ? gathering->getValue(key, name, value) : SettingsStore().getValue(key, name, value);
+    return currentStore ? currentStore->getValue(key, name, value) : SettingsStore().getValue(key, name, value);
 }
 
 // Applies a change to the current transaction, or to the file at once. The file is read for each change, so that
@@ -20,8 +20,8 @@ bool queryValue(const char* key, const char* name, SettingsValue& value)
 template <class Change>
 bool change(Change set)
 {
-    if (gathering != nullptr) {
-        set(*gathering);
+    if (currentStore != nullptr) {
+        set(*currentStore);
         return true;
     }
     SettingsStore store;
@@ -95,15 +95,15 @@ bool Registry::getInt(HKEY root, const char* key, const char* name, int& out)
 
 std::vector<std::pair<CString, SettingsValue>> Registry::queryValues(HKEY, const char* key)
 {
-    return gathering ? gathering->queryValues(key) : SettingsStore().queryValues(key);
+    return currentStore ? currentStore->queryValues(key) : SettingsStore().queryValues(key);
 }
 
 // `store` is declared first, so it has read the file before it becomes the current one.
-SettingsTransaction::SettingsTransaction() : before(std::exchange(gathering, &store)) {}
+SettingsTransaction::SettingsTransaction() : before(std::exchange(currentStore, &store)) {}
 
 SettingsTransaction::~SettingsTransaction()
 {
-    gathering = before;
+    currentStore = before;
     if (store.isChanged())
         store.save();
 }
