@@ -19,11 +19,11 @@
 // scale stays.
 namespace {
 // Scales of the picture: one step of the wheel or a key, the limits of zooming, and the scale below which a picture
-// opens at its own size instead of whole, because its texts could not be read.
+// opens at its own size instead of whole, because its texts would be hard to read.
 constexpr double kStep = 1.25;
 constexpr double kSmallest = 0.02;
 constexpr double kLargest = 8;
-constexpr double kLegible = 0.45;
+constexpr double kSmallestWhole = 0.45;
 // Pixels left free above and beside the first box.
 constexpr double kMargin = 20;
 } // namespace
@@ -173,7 +173,7 @@ void DiagramView::fit()
         showAll();
     // showAll() ends the opening, which a change of the window's size must not.
     opens = first;
-    if (opens && transform().m11() < kLegible) {
+    if (opens && transform().m11() < kSmallestWhole) {
         resetTransform();
         // Centres the first box, or shows the upper left corner of one that is larger than the view.
         const QRectF& start = diagramScene->queryDiagram().areaOf(0);
