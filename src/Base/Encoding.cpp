@@ -46,7 +46,7 @@ CString declaredEncoding(std::string_view bytes)
 }
 
 // Returns false if the encoding is unknown or the bytes are not valid in it. A character that is cut off at the end is
-// not valid either (EINVAL). The output needs no reset at the end, because UTF-8 has no shift states.
+// not valid either (EINVAL).
 bool convert(std::string_view bytes, const CString& encoding, CString& out)
 {
     const iconv_t converter = ::iconv_open("UTF-8", encoding.c_str());
@@ -56,15 +56,20 @@ bool convert(std::string_view bytes, const CString& encoding, CString& out)
     out.resize(bytes.size() + 16);                // enough for ASCII; grows on E2BIG
     char* from = const_cast<char*>(bytes.data()); // iconv() reads it only
     std::size_t fromLeft = bytes.size(), size = 0;
-    while (fromLeft > 0) {
+    // The last call has no input. It writes what the converter holds back: in windows-1258 a letter waits for an
+    // accent.
+    for (bool isFlushed = false; !isFlushed;) {
         char* to = out.data() + size;
         std::size_t toLeft = out.size() - size;
-        const bool isDone = ::iconv(converter, &from, &fromLeft, &to, &toLeft) != static_cast<std::size_t>(-1);
+        const bool isLast = fromLeft == 0;
+        const bool isDone =
+            ::iconv(converter, isLast ? nullptr : &from, &fromLeft, &to, &toLeft) != static_cast<std::size_t>(-1);
         size = out.size() - toLeft;
         if (!isDone && errno != E2BIG)
             return false;
         if (!isDone)
             out.resize(out.size() * 2);
+        isFlushed = isDone && isLast;
     }
     out.resize(size);
     return true;
