@@ -21,6 +21,19 @@ constexpr std::size_t kMaxDepth = 40;             // levels of nested entities
 constexpr std::size_t kMaxGrowth = 100;           // times the bytes of the files; real DTDs expand to 12 times
 constexpr std::size_t kSmallExpansion = 16 << 20; // bytes that are allowed for files of any size
 
+// Removes a text declaration, which is not part of the entity's replacement text (XML 1.0, 4.3.1 and 4.5). The entity
+// may be used inside a declaration, where an instruction may not be.
+void skipTextDeclaration(DTDEntities::Text& text)
+{
+    const std::size_t end = text.text.find("?>");
+    if (!text.text.starts_with("<?xml") || end == text.text.npos || kWhitespace.find(text.text[5]) == kWhitespace.npos)
+        return;
+    const std::string_view declaration = text.text.substr(0, end + 2);
+    text.text.remove_prefix(declaration.size());
+    text.start.line += static_cast<std::uint32_t>(std::ranges::count(declaration, '\n'));
+    text.start.column = static_cast<std::uint32_t>(declaration.size() - (declaration.rfind('\n') + 1) + 1);
+}
+
 } // namespace
 
 DTDEntities::Text& DTDEntities::addFile(const FoundFile& file, const CString& shownName, std::string_view bytes)
@@ -32,6 +45,7 @@ DTDEntities::Text& DTDEntities::addFile(const FoundFile& file, const CString& sh
         text = types.adopt(std::move(room));
     read += text.size();
     Text& added = files.emplace_back(Text{text, {report.addFile(shownName), 1, 1}});
+    skipTextDeclaration(added);
     folders.emplace(added.start.file, folderOf(file.name));
     if (file.id != FileId())
         filesById.emplace(file.id, &added);
