@@ -159,6 +159,13 @@ const Rule kRules[] = {
      "<!DOCTYPE r SYSTEM 'no' [ <![INCLUDE[<!ELEMENT r (a)>]]><!ELEMENT a EMPTY> ]><r>%off;<![CDATA[<!ELEMENT r "
      "(b)>]]>",
      "r(a:String)", "1 loss\nx:1:57: module or document not there: no\n\n1 document not found\n"},
+    {"ADoctypeWithoutAName", "<!DOCTYPE [<!ELEMENT r (a)><!ELEMENT a EMPTY>]>", "r(a:String)",
+     "1 loss\nx:1:1: declaration that makes no sense: DOCTYPE without a name\n\n1 declaration not understood\n"},
+    {"ATextDeclarationInsideADeclaration",
+     "<!ENTITY % e SYSTEM 'e'><!ELEMENT r (%e;)><!ENTITY % f SYSTEM 'f'><!ELEMENT a (%f;)><!ELEMENT b EMPTY>",
+     "a(b:String) r(a:a c:String)",
+     "1 loss\ne:2:21: reference to nothing that was read: c\n\n1 reference became text\n",
+     {{"e", "<?xml version='1.0'\nencoding='UTF-8'?>a,c"}, {"f", "<?xml encoding='windows-1258'?>b"}}},
     {"ALeafIsARecordOfItsValue", "<!ELEMENT a (#PCDATA)>", "a(value:String)"},
     {"WithoutAnElementTheFileNamesTheFolder", "<!ATTLIST a b (c) #IMPLIED>", "b{c} a(a_b:b)",
      "1 loss\nx:1:1: type without a declaration: a\n\n1 detail\n\n1 invented type\n1 optional part\n"},

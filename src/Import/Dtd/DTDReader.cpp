@@ -432,7 +432,10 @@ void DTDReader::readNotation()
 void DTDReader::readDoctype()
 {
     const std::string_view root = tokens->token().text;
-    tokens->next();
+    if (tokens->token().kind == DTDTokens::tokenWord)
+        tokens->next();
+    else
+        noteMalformed("DOCTYPE without a name");
     std::string_view publicId, systemId, external;
     if (readExternalId(publicId, systemId)) {
         external = types.adopt("DOCTYPE " + CString(root)); // a space keeps the name apart from those of entities
