@@ -356,6 +356,8 @@ struct Refusal
 const Refusal kRefusals[] = {
     {"NoJson", "{\"a\":\n  tru}", "Error on line 2, column 6.\nError text is 'a value is expected'."},
     {"Empty", " ", "Error on line 1, column 2.\nError text is 'the text ends too early'."},
+    {"ValueBehindTheEnd", "{}\n{}",
+     "Error on line 2, column 1.\nError text is 'a second value follows; only the importer json reads several'."},
     {"TextBehindTheEnd", "{} x", "Error on line 1, column 4.\nError text is 'text follows the end of the document'."},
     {"CommaTooMany", "[1,]", "Error on line 1, column 4.\nError text is 'a value is expected'."},
     {"Comment", "// {\n{}", "Error on line 1, column 1.\nError text is 'a value is expected'."},

@@ -124,7 +124,8 @@ JsonScanner::Token JsonScanner::next()
         if (isAtEnd())
             return end;
         if (!file)
-            fail("text follows the end of the document");
+            fail(peek() == '{' || peek() == '[' ? "a second value follows; only the importer json reads several"
+                                                : "text follows the end of the document");
         state = value;
     }
     if (state == afterValue) {
