@@ -2,8 +2,12 @@
 
 #include "Xml/XmlSource.h"
 
+#include <libxml/encoding.h>
+#include <libxml/tree.h>
+
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -39,9 +43,38 @@ const char* XmlLimits::addList(std::size_t members)
     return "The document has too many lists with too many members: the limit is 64 comparisons for each byte";
 }
 
-const char* XmlLimits::addProlog(std::string_view piece)
+void XmlLimits::CloseDecoder::operator()(_xmlCharEncodingHandler* decoder) const noexcept
 {
-    for (const char c : piece) {
+    xmlCharEncCloseFunc(decoder);
+}
+
+// Returns the waiting bytes as UTF-8. In other encodings a byte of a name can look like a '>', and a '|' be another
+// byte. Bytes of a character that is not yet complete stay.
+CString XmlLimits::takeWaiting(const _xmlCharEncodingHandler* encoding)
+{
+    if (encoding && !decoder)
+        decoder.reset(xmlFindCharEncodingHandler(encoding->name));
+    if (!decoder)
+        return std::exchange(waiting, {});
+    using Buffer = std::unique_ptr<xmlBuffer, decltype([](xmlBufferPtr buffer) { xmlBufferFree(buffer); })>;
+    const Buffer bytes(xmlBufferCreate()), text(xmlBufferCreate());
+    const auto view = [](const Buffer& buffer) {
+        return std::string_view(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
+                                static_cast<std::size_t>(xmlBufferLength(buffer.get())));
+    };
+    xmlBufferAdd(bytes.get(), reinterpret_cast<const xmlChar*>(waiting.data()), static_cast<int>(waiting.size()));
+    while (xmlCharEncInFunc(decoder.get(), text.get(), bytes.get()) > 0) {
+    }
+    waiting = view(bytes);
+    return CString(view(text));
+}
+
+const char* XmlLimits::addProlog(std::string_view piece, const _xmlCharEncodingHandler* encoding)
+{
+    // libxml2 knows the encoding of the first piece when it asks for the second.
+    const CString text = takeWaiting(encoding);
+    waiting += piece;
+    for (const char c : text) {
         // The values are between parentheses, which hold no '>'. A '|' elsewhere, as in a comment, costs nothing. That
         // of a content model is counted, too.
         if (c == '(')

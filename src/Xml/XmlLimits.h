@@ -3,9 +3,11 @@
 #include "Base/Text.h"
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 
 class XmlSource;
+struct _xmlCharEncodingHandler; // of libxml2
 
 /// The longest allowed name, in bytes, prefix and colon included.
 inline constexpr std::size_t kMaxXmlName = 4096;
@@ -26,9 +28,10 @@ public:
     /// Counts a list of which libxml2 compares each member with all before it.
     const char* addList(std::size_t members);
 
-    /// Counts the values of enumerations in a piece of the prolog, by the '|' between them. libxml2 calls back only
-    /// when it has compared them all, so they are counted as they are read.
-    const char* addProlog(std::string_view piece);
+    /// Counts the values of enumerations in the prolog, by the '|' between them. libxml2 calls back only when it has
+    /// compared them all, so they are counted as they are read. Takes the next piece, and counts those before it.
+    /// `encoding` is that of the document, null for UTF-8. Only its name is used, because decoding changes its state.
+    const char* addProlog(std::string_view piece, const _xmlCharEncodingHandler* encoding);
 
     /// Checks a start tag: its attributes, the namespaces in scope, the different names of the document, its depth.
     /// Also called inside a tag, with the numbers so far.
@@ -42,7 +45,16 @@ public:
     static CString reasonInWords(std::string_view reason);
 
 private:
+    struct CloseDecoder
+    {
+        void operator()(_xmlCharEncodingHandler* decoder) const noexcept;
+    };
+
+    CString takeWaiting(const _xmlCharEncodingHandler* encoding);
+
     const XmlSource& source;
+    CString waiting; // bytes of the prolog that are not yet counted
+    std::unique_ptr<_xmlCharEncodingHandler, CloseDecoder> decoder;
     std::size_t expanded = 0;
     std::size_t comparisons = 0;
     bool inList = false;  // the prolog is inside of parentheses

@@ -215,7 +215,8 @@ int Parse::onRead(void* run, char* out, int room)
     if (!self.reportStep())
         return 0;
     if (self.inProlog && size > 0)
-        self.hold(self.limits.addProlog({out, static_cast<std::size_t>(size)}));
+        self.hold(self.limits.addProlog({out, static_cast<std::size_t>(size)},
+                                        self.parser ? self.parser->inputTab[0]->buf->encoder : nullptr));
     return size;
 }
 

@@ -166,10 +166,10 @@ TEST_F(XmlBounds, NamesAreReadUpToTheirBound)
 
 TEST_F(XmlBounds, ListsThatAreComparedAreCutOff)
 {
-    const auto flood = [](int count) {
-        std::string values = "(v";
+    const auto flood = [](int count, const std::string& value = "v") {
+        std::string values = "(" + value;
         for (int i = 0; i < count; ++i)
-            values += "|v" + std::to_string(i);
+            values += "|" + value + std::to_string(i);
         return "\n<!ATTLIST a b " + values + ") #IMPLIED>";
     };
     const std::string refusal =
@@ -178,6 +178,10 @@ TEST_F(XmlBounds, ListsThatAreComparedAreCutOff)
     EXPECT_EQ(read("<!-- (" + times(50'000, "|)") + " --><?p " + times(50'000, "|") + "?><a/>"), "");
     EXPECT_EQ(read("<!DOCTYPE a [" + times(300, flood(400)) + "]><a/>"), "");
     EXPECT_EQ(read("<!DOCTYPE a [" + flood(50'000) + "]><a/>"), "2 " + refusal);
+    // In this encoding, the second byte of the character is that of a '>'.
+    EXPECT_EQ(
+        read("<?xml version='1.0' encoding='ISO-2022-JP'?><!DOCTYPE a [" + flood(50'000, "\x1B$B0>\x1B(B") + "]><a/>"),
+        "2 " + refusal);
     const std::string two = "<!ENTITY % p '" + flood(5'000) + "'><!ENTITY % q '" + flood(5'000) + "'>";
     EXPECT_EQ(read("<!DOCTYPE a [" + two + "\n" + times(10, "%p;%q;") + "]><a/>"), "4 " + refusal);
 }
