@@ -70,6 +70,8 @@ TEST_F(ImportCommand, AnswersExactly)
               "./f.dtd: warning: use --full: the source uses parameter entities, comments with markup, attributes "
               "other "
               "than CDATA #IMPLIED\n"}},
+        {"printf '\\377\\376<\\0!\\0' >u.dtd; $import dtd u.dtd 2>&1 | tail -1",
+         {0, "u.dtd: warning: use --full: the source uses UTF-16\n", ""}},
         {"$import ./f.dtd -q -o /dev/null --allow-empty", {0, "", ""}},
         {"echo '<!-- -->' >n.dtd; $import n.dtd --full -l --allow-empty; $import n.dtd --full --allow-empty --name X | "
          "tail -n +3",

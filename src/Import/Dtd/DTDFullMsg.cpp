@@ -54,6 +54,7 @@ CString DTDFullMessage::unsupportedByLiteral(const CString& fileName) const
     const auto isOfParameter = [](std::string_view entity) { return entity.starts_with('%'); };
     const auto hasMarkup = [](std::string_view comment) { return comment.find_first_of("<>") != kNowhere; };
     const auto isOther = [](std::string_view attlist) { return !isPlainAttlist(attlist); };
+    addUnsupported(unsupported, text.find('\0') < 4, "UTF-16"); // with or without a byte order mark
     addUnsupported(unsupported, hasPiece(text, "<!ENTITY", ">", isOfParameter), "parameter entities");
     addUnsupported(unsupported, hasPiece(text, "<!--", "-->", hasMarkup), "comments with markup");
     addUnsupported(unsupported, hasPiece(text, "<!ATTLIST", ">", isOther), "attributes other than CDATA #IMPLIED");

@@ -10,7 +10,8 @@
 namespace {
 
 constexpr CharSet kBeforeKeyword(" \t\r\n!"); // may be between a '<' and the keyword of a damaged statement
-constexpr std::size_t kLongKey = 200;         // bytes of a section's key that a report shows
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::size_t kLongKey = 200; // bytes of a section's key that a report shows
 
 // Returns whether the keyword is at `at` as a whole word, in any letter case.
 bool isKeywordAt(std::string_view text, std::size_t at, std::string_view keyword)
@@ -46,7 +47,7 @@ void DTDNotes::read()
     reference = text.find('%');
     close = text.find('>');
     std::size_t open = text.find('<');
-    for (std::size_t behind = 0; behind < text.size();) {
+    for (std::size_t behind = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0; behind < text.size();) {
         if (open < behind)
             open = text.find('<', behind);
         const std::size_t at = std::min({open, reference, text.size()});
