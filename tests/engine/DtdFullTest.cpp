@@ -155,6 +155,10 @@ const Rule kRules[] = {
      "4 losses\nx:2:1: declaration that makes no sense: a\nx:3:1: declaration that makes no sense: b\nx:4:1: "
      "declaration that makes no sense: c\nx:5:1: declaration that makes no sense: d\n\n5 details\n\n4 declarations not "
      "understood\n4 optional parts\n1 choice\n"},
+    {"ListsOfOtherThanWords", "<!ELEMENT r EMPTY><!ATTLIST r k ('x'|y|-) #IMPLIED l NOTATION (n) #IMPLIED>",
+     "k{y|-} r(r_k:k r_l:String)",
+     "1 loss\nx:1:19: declaration that makes no sense: r\n\n2 details\n\n1 declaration not understood\n2 optional "
+     "parts\n"},
     {"ADoctypeHoldsDeclarations",
      "<!DOCTYPE r SYSTEM 'no' [ <![INCLUDE[<!ELEMENT r (a)>]]><!ELEMENT a EMPTY> ]><r>%off;<![CDATA[<!ELEMENT r "
      "(b)>]]>",

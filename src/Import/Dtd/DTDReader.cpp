@@ -316,19 +316,21 @@ SourceTypes::Type DTDReader::readAttributeType(std::string_view attribute)
     return {};
 }
 
+// Reads the words of a list from its '('. Anything else in it, such as a literal, is skipped and reported.
 SourceTypes::Type DTDReader::readConstants(std::string_view attribute)
 {
     constants.clear();
-    while (!tokens->token().isEnd() && !tokens->token().isMark(')')) {
-        if (tokens->token().kind == DTDTokens::tokenWord)
-            constants.push_back(tokens->token().text);
+    const DTDTokens::Token& token = tokens->token();
+    for (tokens->next(); !token.isEnd() && !token.isMark(')'); tokens->next())
+        if (token.kind == DTDTokens::tokenWord || token.isMark('-')) // a '-' alone is a word
+            constants.push_back(token.isMark('-') ? "-" : token.text);
+        else if (!token.isMark('|') && !token.isMark(',') && !token.isMark('&'))
+            noteMalformed(names.front());
+    if (token.isMark(')'))
         tokens->next();
-    }
-    if (tokens->token().isMark(')'))
-        tokens->next();
-    if (constants.empty())
-        return {};
-    return {SourceTypes::kindEnumeration, types.addEnumeration(attribute, constants, false)};
+    return constants.empty()
+               ? SourceTypes::Type()
+               : SourceTypes::Type{SourceTypes::kindEnumeration, types.addEnumeration(attribute, constants, false)};
 }
 
 void DTDReader::readDefault()
