@@ -136,7 +136,7 @@ const Loss kLosses[] = {
     {"MemberThatNobodyDeclares",
      MAIN("\n" ELEMENT("name='a' type='U'")) "<xs:simpleType name='U'><xs:union memberTypes='No xs:int xs:date'/>"
                                              "</xs:simpleType>",
-     "3:1 reference to nothing that was read: U", "4:25 reference to nothing that was read: No"},
+     "3:1 unknown type, imported as text: U", "4:25 reference to nothing that was read: No"},
     {"TypesOfWhatRepeats",
      MAIN(ELEMENT("name='a' type='R' maxOccurs='2'") "\n" ELEMENT("name='b' type='xs:date' maxOccurs='2'")
               ELEMENT("name='c' maxOccurs='2'") ELEMENT("name='R' type='R' maxOccurs='2'")) RECORD,

@@ -126,7 +126,8 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type,
     const SchemaKinds::Kind kind = known ? SchemaKinds::unknown : kinds.kindOf(type);
     if (kind == SchemaKinds::text || (known && !known->queryChildren()))
         return {};
-    const bool isDeclared = kind != SchemaKinds::unknown || type == table.queryRootTypeName() ||
+    const bool isDeclared = kind != SchemaKinds::unknown || kinds.isDeclared(type) ||
+                            type == table.queryRootTypeName() ||
                             table.findAny(Fingerprint(type.substr(type.find(':') + 1)));
     return {Element::typeString, {}, isDeclared ? SourceReport::typeUnknown : SourceReport::unresolvedReference, type};
 }

@@ -56,6 +56,9 @@ public:
     /// types.
     Kind kindOf(std::string_view typeName);
 
+    /// Returns whether a simple type with this name is declared.
+    bool isDeclared(std::string_view typeName) const { return typeCalled(typeName) != kNone; }
+
     /// Returns the kind of a built-in type; unknown for any other.
     Kind builtInKindOf(std::string_view typeName) const;
 
