@@ -61,7 +61,8 @@ void addDependencyOptions(CLI::App& app, DependencyOptions& options)
 }
 
 // Nothing is written if a name doesn't fit, because a rule without that file would hide its changes from a build.
-bool writeDependencies(const SourceReport& report, const CString& target, const DependencyOptions& options)
+bool writeDependencies(const SourceReport& report, const CString& source, const CString& target,
+                       const DependencyOptions& options)
 {
     const std::vector<CString> files = filesOf(report);
     CString rule = escaped(target) + ":";
@@ -73,7 +74,7 @@ bool writeDependencies(const SourceReport& report, const CString& target, const 
             return false;
         }
         rule += " \\\n  " + escaped(file);
-        if (options.hasPhony && &file != &files.front()) // a rule for the main file would hide that it was deleted
+        if (options.hasPhony && file != source) // a rule for the source would hide that it was deleted
             phony += "\n" + escaped(file) + ":\n";
     }
     Output output(options.file);

@@ -308,7 +308,7 @@ int runImport(Arguments arguments)
     const int status = writeResult(*message, arguments, diagnostics);
     const DependencyOptions& dependencies = arguments.dependencies;
     if (status == kDone && !dependencies.file.empty() &&
-        !writeDependencies(message->queryReport(), arguments.output, dependencies))
+        !writeDependencies(message->queryReport(), files.front(), arguments.output, dependencies))
         return kNotWritten;
     return status;
 }

@@ -388,9 +388,9 @@ TEST_F(ImportCommand, AnswersExactly)
         // Output for make and ninja, with names that a shell would have to quote.
         {"mkdir 'a b'; cp r.dtd 'a b/$#.dtd'; printf '<!ENTITY %% m SYSTEM \"r.dtd\"> %%m; %%m; %%n;' >k.dtd; "
          "$import 'a b/$#.dtd' -o 'o t' --depfile r.d; cat r.d; $import k.dtd --full -q -o o --depfile r.d "
-         "--depfile-phony; "
+         "--depfile-phony --catalog d/c.xml; "
          "sed \"s,$PWD/,,\" r.d",
-         {0, "o\\ t: \\\n  a\\ b/$$\\#.dtd\no: \\\n  k.dtd \\\n  r.dtd\n\nr.dtd:\n", ""}},
+         {0, "o\\ t: \\\n  a\\ b/$$\\#.dtd\no: \\\n  d/c.xml \\\n  k.dtd \\\n  r.dtd\n\nd/c.xml:\n\nr.dtd:\n", ""}},
         {"for i in \"$(printf 'x\\ny')\" 'x=y' x:y; do cp r.dtd \"$i\"; $import dtd \"$i\" -o o --depfile r.d; done; "
          "cat r.d; $import r.dtd -o 1% --depfile r.d",
          {3, "o: \\\n  x\\:y\n",
