@@ -2,7 +2,9 @@
 
 #include "Ui/UiText.h"
 
+#include <QAbstractItemView>
 #include <QElapsedTimer>
+#include <QEvent>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QStringListModel>
@@ -44,6 +46,13 @@ PathCompleter::PathCompleter(QLineEdit& field) : QCompleter(&field), names(new Q
 {
     setModel(names);
     connect(&field, &QLineEdit::textEdited, this, &PathCompleter::offer); // before the field asks for completions
+}
+
+bool PathCompleter::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Hide && watched == widget())
+        popup()->hide();
+    return QCompleter::eventFilter(watched, event);
 }
 
 // Fills the list of completions. It stays empty if nothing is left to complete, because an open list keeps mnemonics

@@ -13,6 +13,9 @@ public:
     /// `field` owns the completer and must be set to use it.
     explicit PathCompleter(QLineEdit& field);
 
+    /// Closes the open list together with the field, which it would outlive on the next page of a wizard.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void offer(const QString& typed);
 

@@ -3,6 +3,7 @@
 #include "TestFolders.h"
 #include "wizard/Desk.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QCompleter>
 #include <QDropEvent>
@@ -93,9 +94,11 @@ TEST(SourcePage, BrowsesFromTheFolderOfTheFile)
     QTest::keyClicks(field, "any/f");
     EXPECT_GT(field->completer()->completionCount(), 0);
     EXPECT_LE(field->completer()->completionCount(), 1000); // more would take long on each key
+    EXPECT_TRUE(field->completer()->popup()->isVisible());
     field->setText("order.dtd");
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_EDIT);
+    EXPECT_FALSE(field->completer()->popup()->isVisible());
     EXPECT_EQ(std::filesystem::current_path(), desk.dir.path("start"));
     EXPECT_EQ(desk.wizard().options.queryInputFile(), "order.dtd");
 
