@@ -233,7 +233,10 @@ TEST(SourceSet, IsRefusedByAReadingOfOneFile)
         EXPECT_THAT(desk.boxes.details, testing::MatchesRegex(details));
         EXPECT_EQ(desk.page(), IDD_SOURCE);
     }
+    const auto* frame = desk.wizard().activePage()->findChild<QWidget*>("redFrame");
+    EXPECT_TRUE(frame->isVisible());
     desk.control<QCheckBox>(IDC_FULL_READING).setChecked(true);
+    EXPECT_FALSE(frame->isVisible());
     std::filesystem::create_directories(desk.dir.path("empty"));
     desk.type(IDC_INPUT_FILE, desk.dir.path("empty"));
     desk.click("next");

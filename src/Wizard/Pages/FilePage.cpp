@@ -46,7 +46,7 @@ void FilePage::OnInitDialog()
     fileCombo->lineEdit()->setCompleter(new PathCompleter(*fileCombo->lineEdit()));
     fileCombo->lineEdit()->setAcceptDrops(false);
     redFrame = newRedFrame();
-    connect(fileCombo, &QComboBox::editTextChanged, redFrame, &QWidget::hide);
+    connect(fileCombo, &QComboBox::editTextChanged, this, &FilePage::removeFrame);
     fileCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     QLabel* label = plainLabel("File:");
     label->setBuddy(fileCombo);
@@ -83,7 +83,7 @@ LRESULT FilePage::stayAtFile(const CString& text, const CString& details)
 
 void FilePage::OnSetActive()
 {
-    redFrame->hide();
+    removeFrame();
     folderText = wizard->setCurrentFolder(whichFolder());
     folderLabel->setText(toUi(folderText));
 }

@@ -41,6 +41,9 @@ protected:
     /// name is changed.
     LRESULT stayAtFile(const CString& text, const CString& details);
 
+    /// Removes the red frame, for another control whose change can remedy the error.
+    void removeFrame() { redFrame->hide(); }
+
     /// Adds controls below the others, from a column on; column 1 is that of the file's name. With `isTall` the row
     /// takes the remaining height.
     void addRow(QWidget* row, bool isTall = false, int column = 0);

@@ -114,6 +114,7 @@ void SourcePage::OnInitDialog()
     catalogState->setWordWrap(true); // a long name would widen the window
     addRow(catalogState);
     connect(fullCheck, &QCheckBox::toggled, this, &SourcePage::showSetRows);
+    connect(fullCheck, &QCheckBox::toggled, this, &SourcePage::removeFrame);
     connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::updatePreview);
 }
 
