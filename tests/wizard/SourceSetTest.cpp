@@ -197,7 +197,8 @@ TEST(SourceSet, IsFoundByCatalogues)
     answerFileDialog(catalog);
     desk.press(IDC_CHOOSE_CATALOGS);
     EXPECT_EQ(field.text().toStdString(), catalog);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return desk.text(IDC_COUNTS).ends_with("In full: 2 types, none."); }, 20'000))
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return desk.text(IDC_COUNTS).ends_with("In full: 2 types, no losses."); }, 20'000))
         << desk.text(IDC_COUNTS);
     desk.walkTo(IDD_EDIT);
     EXPECT_EQ(typesShown(desk), (Texts{"a", "b"}));

@@ -23,7 +23,7 @@ struct Previewed
     {"DTD importer", "a.dtd", "<!ENTITY % x '(b)'>\n<!ELEMENT a %x;><!ELEMENT b (c)>",
      "As it stands: 1 type, 2 losses.\nIn full: 2 types, 1 loss."},
     {"DTD importer", "b.dtd", "<!ELEMENT a (b)><!ELEMENT b (#PCDATA)>",
-     "As it stands: 1 type, no losses.\nIn full: 1 type, none."},
+     "As it stands: 1 type, no losses.\nIn full: 1 type, no losses."},
     {"XML Schema importer", "a.xsd",
      "<schema xmlns='http://www.w3.org/2001/XMLSchema'><element name='a' type='b'/></schema>",
      "As it stands: no types, this document does not contain a root element.\n"

@@ -20,8 +20,8 @@ namespace {
 constexpr qsizetype kMaxReason = 100; // characters
 constexpr int kTypingDelay = 300;     // ms to wait for the next key
 
-// Returns a result in words. `noLoss` are the words for no losses.
-QString inWords(const SourcePreview::Count& count, const char* noLoss)
+// Returns a result in words.
+QString inWords(const SourcePreview::Count& count)
 {
     if (!count.isKnown)
         return "counting ...";
@@ -29,7 +29,7 @@ QString inWords(const SourcePreview::Count& count, const char* noLoss)
         return "no types, " +
                (count.failure.size() > kMaxReason ? count.failure.left(kMaxReason) + " ..." : count.failure);
     return shownCount(count.types, "type", "types") + ", " +
-           (count.losses == 0 ? noLoss : shownCount(static_cast<qlonglong>(count.losses), "loss", "losses"));
+           (count.losses == 0 ? "no losses" : shownCount(static_cast<qlonglong>(count.losses), "loss", "losses"));
 }
 
 } // namespace
@@ -131,16 +131,14 @@ void PreviewPane::showText(const QString& start, quint64 size, bool isCounted)
                   QLocale().formattedDataSize(static_cast<qint64>(size), 0, QLocale::DataSizeSIFormat) + '.');
 }
 
-// With two readings, the second line says "none" instead of "no losses", because the first line says what is counted.
 void PreviewPane::showCounts(const SourcePreview::Count& literal, const SourcePreview::Count& full)
 {
     QString words;
     if (!source.importer->hasFull())
-        words = inWords(literal, "no losses") + '.';
+        words = inWords(literal) + '.';
     else if (literal.isKnown)
-        words = "As it stands: " + inWords(literal, "no losses") +
-                ".\nIn full: " + inWords(full, literal.fails() ? "no losses" : "none") + '.';
+        words = "As it stands: " + inWords(literal) + ".\nIn full: " + inWords(full) + '.';
     else
-        words = "In full: " + inWords(full, "no losses") + '.';
+        words = "In full: " + inWords(full) + '.';
     setCounts(words);
 }
