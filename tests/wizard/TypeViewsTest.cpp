@@ -4,6 +4,7 @@
 #include "Wizard/Windows/DiagramScene.h"
 #include "Wizard/Windows/DiagramView.h"
 #include "Wizard/Windows/DocumentWindow.h"
+#include "Wizard/Windows/XmlHighlighter.h"
 #include "wizard/Desk.h"
 
 #include <QApplication>
@@ -14,6 +15,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QTextBlock>
+#include <QTextLayout>
 #include <QTreeView>
 #include <gmock/gmock.h>
 
@@ -171,6 +174,18 @@ TEST(TypeWindow, FillsWithALargeDocument)
     window.findChild<QAbstractButton*>("findNext")->click();
     EXPECT_TRUE(QTest::qWaitFor([&] { return text.textCursor().selectedText() == "the end"; }, 20'000));
     EXPECT_EQ(text.toPlainText().toStdString(), lines);
+}
+
+TEST(XmlHighlighter, ColoursACommentOverItsLines)
+{
+    QTextDocument document("<!-- a --><b/>\n<!-- <b\n<c/> --> d");
+    XmlHighlighter highlighter(&document, QPalette());
+    highlighter.rehighlight();
+    std::vector<int> lengths; // of the parts with a colour
+    for (QTextBlock line = document.begin(); line.isValid(); line = line.next())
+        for (const QTextLayout::FormatRange& part : line.layout()->formats())
+            lengths.push_back(part.length);
+    EXPECT_THAT(lengths, testing::ElementsAre(10, 4, 7, 8));
 }
 
 TEST(TypeWindow, FindsRoundTheEndsAndCopies)

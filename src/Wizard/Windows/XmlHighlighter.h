@@ -5,8 +5,8 @@
 
 class QPalette;
 
-/// Colours tags, attribute names and values of XML with one tag on a line. The colours suit the palette's background. A
-/// child of `document`, which colours each line when it is inserted.
+/// Colours comments, and the tags, attribute names and values of XML with one tag on a line. The colours suit the
+/// palette's background. A child of `document`, which colours each line when it is inserted.
 class XmlHighlighter : public QSyntaxHighlighter
 {
 public:
@@ -16,5 +16,5 @@ protected:
     void highlightBlock(const QString& line) override;
 
 private:
-    QTextCharFormat tag, attribute, value;
+    QTextCharFormat tag, attribute, value, comment;
 };
