@@ -20,7 +20,7 @@ ReadingRow::ReadingRow() :
     mainElement->setObjectName(QString::number(IDC_MAIN_ELEMENT));
     mainElement->setMaxVisibleItems(20);
     mainElement->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    mainElement->setMinimumContentsLength(8);
+    mainElement->setMinimumContentsLength(16);
     mainElementLabel->setBuddy(mainElement);
     count->setObjectName(QString::number(IDC_NOT_CARRIED_OVER));
     count->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
