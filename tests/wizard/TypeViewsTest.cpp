@@ -176,16 +176,16 @@ TEST(TypeWindow, FillsWithALargeDocument)
     EXPECT_EQ(text.toPlainText().toStdString(), lines);
 }
 
-TEST(XmlHighlighter, ColoursACommentOverItsLines)
+TEST(XmlHighlighter, ColoursCommentsOverTheirLinesAndValuesInBothQuotes)
 {
-    QTextDocument document("<!-- a --><b/>\n<!-- <b\n<c/> --> d");
+    QTextDocument document("<!-- a --><b/>\n<!-- <b\n<c/> --> d\nc=\"e\" f='gh' don't can't");
     XmlHighlighter highlighter(&document, QPalette());
     highlighter.rehighlight();
     std::vector<int> lengths; // of the parts with a colour
     for (QTextBlock line = document.begin(); line.isValid(); line = line.next())
         for (const QTextLayout::FormatRange& part : line.layout()->formats())
             lengths.push_back(part.length);
-    EXPECT_THAT(lengths, testing::ElementsAre(10, 4, 7, 8));
+    EXPECT_THAT(lengths, testing::ElementsAre(10, 4, 7, 8, 1, 3, 1, 4));
 }
 
 TEST(TypeWindow, FindsRoundTheEndsAndCopies)

@@ -16,7 +16,7 @@ XmlHighlighter::XmlHighlighter(QTextDocument* document, const QPalette& palette)
 void XmlHighlighter::highlightBlock(const QString& line)
 {
     // Each alternative is one group, in the order of `formats`.
-    static const QRegularExpression token(R"((</?[^\s/>]+|/?>)|([^\s="]+)(?==)|("[^"]*"))");
+    static const QRegularExpression token(R"((</?[^\s/>]+|/?>)|([^\s="]+)(?==)|("[^"]*"|(?<==)'[^']*'))");
     const QTextCharFormat* const formats[] = {&tag, &attribute, &value};
     for (auto matches = token.globalMatch(line); matches.hasNext();) {
         const QRegularExpressionMatch match = matches.next();
