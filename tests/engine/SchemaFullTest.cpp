@@ -298,6 +298,11 @@ const Rule kRules[] = {
      "<s:attribute name='a' maxOccurs='0'/><s:attribute name='b' minOccurs='1' maxOccurs='1'/>"
      "</s:complexType></s:element></s:schema>",
      "r(b:String)"},
+    {"BoundsOfADraft",
+     "<?xml version='1.0'?><s:schema xmlns:s='http://www.w3.org/1999/XMLSchema'><s:element name='r'><s:complexType>"
+     "<s:sequence maxOccurs='*'><s:element name='a'/></s:sequence><s:element name='b' minOccurs='2'/>"
+     "<s:element name='c' minOccurs='0' maxOccurs='1'/></s:complexType></s:element></s:schema>",
+     "t_b[String] t_a[String] r(a:t_a b:t_b c:String)"},
     {"TypesDerivedFromAnAbstractOne",
      "<include schemaLocation='d'/>" ROOT(SEQUENCE("<element name='a' type='t:A'/><element name='b' type='t:B'/>"))
          TYPE("B", SEQUENCE("<element name='y'/>")) "<complexType name='A' abstract='true'><sequence><element "

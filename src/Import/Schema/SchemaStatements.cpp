@@ -186,6 +186,8 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
             checkValue(known.back(), called);
         }
     }
+    if (knowsDraftBounds() && !has(Word::maxOccurs) && least == Occurrence::often)
+        most = Occurrence::unbounded;
     if (has(Word::minOccurs) && isLeastAboveMost())
         addFinding(SourceReport::invalidValue,
                    "minOccurs=\"" + CString(valueOf(Word::minOccurs)) + "\" above maxOccurs");
@@ -229,7 +231,7 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         isValid = least != Occurrence::invalid && least != Occurrence::unbounded;
         break;
     case Word::maxOccurs:
-        most = occurrenceOf(value);
+        most = knowsDraftBounds() && value == "*" ? Occurrence::unbounded : occurrenceOf(value);
         isValid = most != Occurrence::invalid;
         break;
     case Word::use:

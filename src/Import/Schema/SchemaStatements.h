@@ -97,19 +97,17 @@ public:
         }
     }
 
-    /// The values of `minOccurs` and `maxOccurs`.
+private:
+    // The values of `minOccurs` and `maxOccurs`.
     enum class Occurrence : std::uint8_t
     {
         none,
         once,
         often,
         unbounded,
-        invalid ///< not a number
+        invalid // not a number
     };
-    /// Returns the meaning of such a value. Leading zeros are allowed, white space is not.
-    static Occurrence occurrenceOf(std::string_view value);
 
-private:
     // An open statement.
     struct Level
     {
@@ -136,6 +134,12 @@ private:
         std::size_t times;
     };
 
+    // Returns whether "*" means any number, and maxOccurs is minOccurs by default, as in the draft of 1999. The literal
+    // reading knows neither.
+    bool knowsDraftBounds() const { return edition == SchemaEdition::draft && !knowsPrefixes; }
+
+    // Returns the meaning of such a value. Leading zeros are allowed, white space is not.
+    static Occurrence occurrenceOf(std::string_view value);
     SourcePlace placeOf(XmlPlace at) const { return {file, at.line, at.column}; }
     void addFinding(SourceReport::Construct construct, XmlPlace at, CString name);
     void flush();

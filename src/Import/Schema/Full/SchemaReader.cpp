@@ -12,15 +12,6 @@ namespace {
 
 constexpr std::size_t kMaxRanks = 8; // dimensions of nested arrays; further ones are dropped
 
-// Returns 0 or 1, or 2 for more; an invalid value counts as 1.
-std::uint8_t occursOf(std::string_view value)
-{
-    using Occurrence = SchemaStatements::Occurrence;
-    const Occurrence most = SchemaStatements::occurrenceOf(trimmed(value));
-    const bool isMore = most == Occurrence::often || most == Occurrence::unbounded;
-    return most == Occurrence::none ? 0 : isMore ? 2 : 1;
-}
-
 // Returns whether documentation of such a statement describes a type, a field or a constant.
 bool isDescribed(SchemaTag tag)
 {
@@ -147,6 +138,7 @@ void SchemaReader::enter(SchemaTag tag)
         else
             readAttribute(node, attribute);
     }
+    node.occurs = statements.mayRepeat() ? 2 : statements.mayOccur() ? 1 : 0;
     if (open.empty()) {
         tree.documents[document].root = place;
     } else {
@@ -265,9 +257,6 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
             break;
         node.reference = resolve(value);
         set(attribute.name == SchemaAttribute::ref && node.reference.local != 0, SchemaNode::isReference);
-        break;
-    case SchemaAttribute::maxOccurs:
-        node.occurs = occursOf(value);
         break;
     case SchemaAttribute::memberTypes:
     case SchemaAttribute::substitutionGroup:
