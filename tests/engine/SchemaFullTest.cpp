@@ -303,6 +303,12 @@ const Rule kRules[] = {
      "<s:sequence maxOccurs='*'><s:element name='a'/></s:sequence><s:element name='b' minOccurs='2'/>"
      "<s:element name='c' minOccurs='0' maxOccurs='1'/></s:complexType></s:element></s:schema>",
      "t_b[String] t_a[String] r(a:t_a b:t_b c:String)"},
+    {"TextContentOfADraft",
+     "<?xml version='1.0'?><s:schema xmlns:s='http://www.w3.org/1999/XMLSchema'><s:element name='r'><s:complexType "
+     "content='elementOnly'><s:element name='m'><s:complexType content='mixed'><s:element name='a'/></s:complexType>"
+     "</s:element><s:element name='t'><s:complexType content='textOnly'><s:attribute name='b'/></s:complexType>"
+     "</s:element></s:complexType></s:element></s:schema>",
+     "t(value:String b:String) m(value:String a:String) r(m:m t:t)"},
     {"TypesDerivedFromAnAbstractOne",
      "<include schemaLocation='d'/>" ROOT(SEQUENCE("<element name='a' type='t:A'/><element name='b' type='t:B'/>"))
          TYPE("B", SEQUENCE("<element name='y'/>")) "<complexType name='A' abstract='true'><sequence><element "

@@ -83,6 +83,12 @@ bool SchemaStatements::isTrue(std::string_view value)
     return value == "true" || value == "1";
 }
 
+bool SchemaStatements::isTextContent(std::string_view content)
+{
+    content = trimmed(content);
+    return content == "mixed" || content == "textOnly";
+}
+
 void SchemaStatements::scope(const XmlScope& scope)
 {
     start = scope.place;
@@ -267,7 +273,7 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         details[SourceReport::derivationLimit] += !value.empty();
         break;
     case Word::content:
-        isValid = value == "elementOnly" || value == "empty"; // the other values mean text content
+        isValid = value == "elementOnly" || value == "empty" || (!knowsPrefixes && isTextContent(value));
         break;
     case Word::defaultAttributes:
         addFinding(SourceReport::declarationSkipped, shown(called) + "=" + CString(value));

@@ -86,6 +86,9 @@ public:
     /// Returns whether an attribute's value is "true" or "1".
     static bool isTrue(std::string_view value);
 
+    /// Returns whether a draft's `content` attribute allows text.
+    static bool isTextContent(std::string_view content);
+
     /// Calls `take` with each name of a list separated by white space.
     template <class Take>
     static void forEachName(std::string_view list, Take take)

@@ -265,6 +265,9 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
     case SchemaAttribute::use:
         set(trimmed(value) == "prohibited", SchemaNode::isProhibited);
         break;
+    case SchemaAttribute::content:
+        set(SchemaStatements::isTextContent(value), SchemaNode::isMixed);
+        break;
     case SchemaAttribute::mixed:
         set(SchemaStatements::isTrue(value), SchemaNode::isMixed);
         set(!value.empty(), SchemaNode::hasMixed);
