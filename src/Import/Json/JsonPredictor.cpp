@@ -2,6 +2,7 @@
 
 #include "Base/Utf8.h"
 #include "Import/Json/IsoTime.h"
+#include "Import/Json/JsonScanner.h"
 
 #include <algorithm>
 #include <cstring>
@@ -49,11 +50,6 @@ bool arePlain(const char* bytes)
     const std::uint64_t special =
         (block - eachByte(' ')) | zeroIn(block ^ eachByte('"')) | zeroIn(block ^ eachByte('\\')) | block;
     return (special & eachByte(0x80)) == 0;
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
 }
 
 // Skips one value. Each function moves `at` behind the part that it has checked. It returns false if that part is not

@@ -33,11 +33,6 @@ constexpr std::array<bool, 256> makeSpecial()
 // characters outside of ASCII, which must be valid UTF-8.
 constexpr std::array<bool, 256> kSpecial = makeSpecial();
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 } // namespace
 
 SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault)

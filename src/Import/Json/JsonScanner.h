@@ -25,6 +25,12 @@ inline bool beginsWithComment(std::string_view text)
     return text.starts_with("/*") || text.starts_with("//");
 }
 
+/// Returns whether a character is a digit of a JSON number.
+inline bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
 /// Scans JSON (RFC 8259) token by token, without recursion. Numbers, strings and keys may have any length. Throws the
 /// first fault as a JsonFault. docs/adr/json-scanner.md explains why no library is used.
 class JsonScanner
