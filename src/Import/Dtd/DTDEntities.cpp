@@ -25,8 +25,10 @@ constexpr std::size_t kSmallExpansion = 16 << 20; // bytes that are allowed for 
 // may be used inside a declaration, where an instruction may not be.
 void skipTextDeclaration(DTDEntities::Text& text)
 {
+    if (!text.text.starts_with("<?xml"))
+        return;
     const std::size_t end = text.text.find("?>");
-    if (!text.text.starts_with("<?xml") || end == text.text.npos || kWhitespace.find(text.text[5]) == kWhitespace.npos)
+    if (end == text.text.npos || kWhitespace.find(text.text[5]) == kWhitespace.npos)
         return;
     const std::string_view declaration = text.text.substr(0, end + 2);
     text.text.remove_prefix(declaration.size());
