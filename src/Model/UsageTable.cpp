@@ -6,9 +6,9 @@ UsageTable::Declared UsageTable::declare(const Fingerprint& key, Element* elemen
 {
     KeyedUsage* const known = byKey.find(key);
     if (!known) {
-        ChildElement* const made = append(element, parent);
-        store(key, *made);
-        return {made, true};
+        ChildElement& made = usages.emplace_back(element, parent);
+        store(key, made);
+        return {&made, true};
     }
     if (!key.isEmpty()) {
         known->usage->addInstance();
@@ -24,7 +24,7 @@ UsageTable::Declared UsageTable::declare(const Fingerprint& key, Element* elemen
 UsageTable::Declared UsageTable::declareRecord(Element* record, bool isAlone)
 {
     if (isAlone)
-        return {append(record, nullptr), true};
+        return {&usages.emplace_back(record, nullptr), true};
     Name& name = *record->name;
     if (!hasKeys && (name.text.empty() || name.text.find('.') != CString::npos))
         makeKeys();
@@ -36,7 +36,7 @@ UsageTable::Declared UsageTable::declareRecord(Element* record, bool isAlone)
         return {&usages[name.recordUsage], false};
     }
     name.recordUsage = static_cast<std::uint32_t>(usages.size());
-    return {append(record, nullptr), true};
+    return {&usages.emplace_back(record, nullptr), true};
 }
 
 UsageTable::Declared UsageTable::declareField(Element* field, Element* record)
@@ -48,17 +48,12 @@ UsageTable::Declared UsageTable::declareField(Element* field, Element* record)
         return {known, false};
     }
     field->name->lastUsage = static_cast<std::uint32_t>(usages.size());
-    ChildElement* const made = append(field, record);
+    ChildElement* const made = &usages.emplace_back(field, record);
     // A record that is declared again has fields in several places of the list, so all of them are entered in
     // `reopened`.
     if (record->name->isReopened)
         reopened.emplace(Pair(record->name, field->name), made);
     return {made, true};
-}
-
-ChildElement* UsageTable::append(Element* element, Element* parent)
-{
-    return &usages.emplace_back(element, parent);
 }
 
 void UsageTable::store(const Fingerprint& key, ChildElement& usage)

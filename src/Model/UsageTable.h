@@ -54,7 +54,6 @@ private:
         std::size_t operator()(const Pair& pair) const;
     };
 
-    ChildElement* append(Element* element, Element* parent);
     void store(const Fingerprint& key, ChildElement& usage);
     ChildElement* findField(const Element& field, const Element& record);
     void reopen(Name& record);
