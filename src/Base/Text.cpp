@@ -78,11 +78,27 @@ constexpr Bytes8 repeated(unsigned char c)
 }
 
 // By memcpy(), because the text may begin at any address.
-Bytes8 loadBytes8(const char* bytes)
+template <class Number>
+Number load(const char* bytes)
 {
-    Bytes8 loaded;
+    Number loaded;
     std::memcpy(&loaded, bytes, sizeof loaded);
     return loaded;
+}
+
+Bytes8 loadBytes8(const char* bytes)
+{
+    return load<Bytes8>(bytes);
+}
+
+// Returns eight characters that occur in a text of one to seven, each at least once; with less than four, blanks as
+// well. The loads overlap, because a copy of `size` bytes would have to reach memory before it could be loaded.
+Bytes8 loadShort(const char* bytes, std::size_t size)
+{
+    if (size >= sizeof(std::uint32_t))
+        return load<std::uint32_t>(bytes) | Bytes8{load<std::uint32_t>(bytes + size - sizeof(std::uint32_t))} << 32;
+    const auto at = [bytes](std::size_t i) { return Bytes8{static_cast<unsigned char>(bytes[i])}; };
+    return (repeated(' ') << 24) | at(0) << 16 | at(size / 2) << 8 | at(size - 1);
 }
 
 // Sixteen characters in one register. They are signed, so that bytes outside of ASCII are below the blank.
@@ -197,17 +213,16 @@ CString fillText(std::string_view format, std::string_view value)
 }
 
 // Most names have eight to sixteen bytes and are checked at each place where they are written. Such a text takes one
-// comparison of two overlapping loads, a longer one a comparison for each sixteen bytes, and a shorter one is copied
-// first.
+// comparison of two overlapping loads, and a longer one a comparison for each sixteen bytes.
 bool isPlainXmlText(std::string_view bytes)
 {
     const char* at = bytes.data();
     std::size_t left = bytes.size();
+    if (left == 0)
+        return true;
     if (left < sizeof(Bytes8)) {
-        Bytes8 padded = repeated(' ');
-        // Padded with blanks, which are plain.
-        std::memcpy(&padded, at, left);
-        return !hasSpecial(bytes16Of(padded, padded));
+        const Bytes8 all = loadShort(at, left);
+        return !hasSpecial(bytes16Of(all, all));
     }
     // Leaves 1 to 16 bytes for the check below.
     for (; left > sizeof(Bytes16); at += sizeof(Bytes16), left -= sizeof(Bytes16))
