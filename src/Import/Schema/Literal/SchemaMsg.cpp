@@ -144,10 +144,7 @@ int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
     knownTypes.clear();
     SchemaFieldCheck check(table, kinds, model, report);
     check.reserve(countFields());
-    for (const SchemaElement* entry : table.queryDeclared())
-        declareRecord(*entry, path, check);
-    for (const SchemaElement* entry : table.queryPulled())
-        declareRecord(*entry, path, check);
+    declareRecords(path, check);
     setKnownTypes();
     check.reportAll(path);
     return 1;
@@ -176,45 +173,69 @@ std::size_t SchemaMessage::countFields() const
     return count;
 }
 
-// Declares an entry with children as a record. The types of all its fields are looked up, and their names prefetched,
-// before the first is declared, so that the cache misses in the large tables overlap.
-void SchemaMessage::declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check)
+// Declares each entry with children as a record. The types and names of its fields are prefetched while the record
+// before it is declared, so that the cache misses in the large tables overlap.
+void SchemaMessage::declareRecords(const CString& path, SchemaFieldCheck& check)
 {
-    if (!entry.queryChildren())
-        return;
+    Record current, next;
+    const auto pass = [&](const SchemaElement* entry) {
+        if (!entry->queryChildren())
+            return;
+        readRecord(*entry, next);
+        if (current.entry)
+            declareRecord(current, path, check);
+        std::swap(current, next);
+    };
+    std::ranges::for_each(table.queryDeclared(), pass);
+    std::ranges::for_each(table.queryPulled(), pass);
+    if (current.entry)
+        declareRecord(current, path, check);
+}
+
+// Replaces `record` with that of an entry with children.
+void SchemaMessage::readRecord(const SchemaElement& entry, Record& record)
+{
     const bool mayBeMissing = entry.queryPull() == SchemaElement::pulledAsChild;
-    const bool isRoot = entry.queryName() == table.queryRootTypeName();
-    const std::string_view name = isRoot ? std::string_view(table.queryMainType()) : entry.queryName();
-    Element* const record = model.addRecord(path, name).element;
-    check.addRecord(entry, *record);
-    fields.clear();
+    record.entry = &entry;
+    record.fields.clear();
     for (const SchemaElement* child : *entry.queryChildren()) {
-        Field& field = fields.emplace_back();
+        Field& field = record.fields.emplace_back();
         field.declared = mayBeMissing ? table.find(child->queryKey()) : child;
         getType(field.declared, field.typeName, field.name);
-        field.type = field.declared ? table.findType(field.declared->queryType()) : nullptr;
-        if (!field.declared)
+        if (field.declared)
+            table.prefetchType(field.declared->queryType());
+        else
             report.add(SourceReport::declarationSkipped, child->queryPlace(), child->queryName());
         field.mark = getModifiers(*child);
         field.hash = keyHash(field.name);
         model.queryNames().prefetch(field.hash);
     }
-    for (const Field& field : fields) {
-        const TypeModel::Declared made = declareField(field, record);
+}
+
+void SchemaMessage::declareRecord(const Record& record, const CString& path, SchemaFieldCheck& check)
+{
+    const SchemaElement& entry = *record.entry;
+    const bool isRoot = entry.queryName() == table.queryRootTypeName();
+    const std::string_view name = isRoot ? std::string_view(table.queryMainType()) : entry.queryName();
+    Element* const element = model.addRecord(path, name).element;
+    check.addRecord(entry, *element);
+    for (const Field& field : record.fields) {
+        const SchemaElement* const type = field.declared ? table.findType(field.declared->queryType()) : nullptr;
+        const TypeModel::Declared made = declareField(field, type, element);
         if (field.declared)
-            check.add(*field.declared, *made.element, *record, field.type,
+            check.add(*field.declared, *made.element, *element, type,
                       !made.isFirst && (field.mark == modStar || field.declared->isDeclaredAgain()));
     }
 }
 
 // Declares a repeated field twice: the model makes a table of a usage that occurs more than once. Returns the last
 // declaration. A field with a type that isn't built in becomes typeOther; if the table has no entry of that type,
-// setKnownTypes() makes it "String".
-TypeModel::Declared SchemaMessage::declareField(const Field& field, Element* record)
+// setKnownTypes() makes it "String". `type` is the entry of the type; null for a built-in one and for none.
+TypeModel::Declared SchemaMessage::declareField(const Field& field, const SchemaElement* type, Element* record)
 {
     TypeModel::Declared made{};
     std::string_view typeName = field.typeName;
-    const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName, field.type);
+    const Element::ElementTypes kind = typeName.empty() ? Element::typeString : getBrokerType(typeName, type);
     Name& name = model.queryNames().intern(field.name, field.hash);
     for (int instances = field.mark == modStar ? 2 : 1; instances > 0; --instances) {
         made = model.addField(record, name, kind);
@@ -228,12 +249,25 @@ TypeModel::Declared SchemaMessage::declareField(const Field& field, Element* rec
 }
 
 // Sets the types that fields name. All fields of a name share one element, and the last field decides, so the list is
-// walked backwards and each element is set once.
+// walked backwards and each element is set once. The full names and those of the types, which the ordering looks up,
+// are prefetched.
 void SchemaMessage::setKnownTypes()
 {
-    for (auto known = knownTypes.rbegin(); known != knownTypes.rend(); ++known)
-        if (Element& element = *known->element; !element.hasKnownType())
-            element.setKnownType(known->typeName.empty() ? "String" : element.queryPath() + CString(known->typeName));
+    constexpr std::size_t kAhead = 8;
+    NamePool& names = model.queryNames();
+    for (std::size_t left = knownTypes.size(); left-- > 0;) {
+        if (left >= kAhead) {
+            const KnownType& ahead = knownTypes[left - kAhead];
+            names.prefetch(keyHash(RunningHash(ahead.element->queryPath()).append(ahead.typeName)));
+            names.prefetch(keyHash(ahead.typeName));
+        }
+        const auto [element, typeName] = knownTypes[left];
+        if (element->hasKnownType())
+            continue;
+        Name& name = names.intern(typeName.empty() ? "String" : element->queryPath() + CString(typeName));
+        name.behind(element->queryPath().size());
+        element->setKnownType(name);
+    }
 }
 
 // Sets name and type of a declaration; both are empty if there is none. A repeated one has no type. Returns nonzero if

@@ -47,11 +47,17 @@ private:
     struct Field
     {
         const SchemaElement* declared; // null if it is missing
-        const SchemaElement* type;     // the entry of its type; null for a built-in type and for none
         std::uint32_t hash = 0;        // of the name
         std::string_view name;
         std::string_view typeName;
         Modifiers mark = modNone;
+    };
+
+    // An entry with its fields, before the declaration.
+    struct Record
+    {
+        const SchemaElement* entry = nullptr;
+        std::vector<Field> fields;
     };
 
     int import(const CString& source, const CString& basePath, const CString& fileName,
@@ -62,8 +68,10 @@ private:
     void noteMain(const SchemaOutline& outline);
     int doParse(SchemaOutline& outline, const CString& source);
     std::size_t countFields() const;
-    void declareRecord(const SchemaElement& entry, const CString& path, SchemaFieldCheck& check);
-    TypeModel::Declared declareField(const Field& field, Element* record);
+    void declareRecords(const CString& path, SchemaFieldCheck& check);
+    void readRecord(const SchemaElement& entry, Record& record);
+    void declareRecord(const Record& record, const CString& path, SchemaFieldCheck& check);
+    TypeModel::Declared declareField(const Field& field, const SchemaElement* type, Element* record);
     static int getType(const SchemaElement* entry, std::string_view& typeName, std::string_view& fieldName);
     void setKnownTypes();
     static Element::ElementTypes getBrokerType(std::string_view& typeName, const SchemaElement* type);
@@ -74,6 +82,5 @@ private:
     SchemaTable table;
     SchemaTable::Names previousNames; // before the current import, restored if it is cancelled
     CString baseFolder;
-    std::vector<Field> fields; // of the current record
     std::vector<KnownType> knownTypes;
 };

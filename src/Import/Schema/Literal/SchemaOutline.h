@@ -88,6 +88,12 @@ public:
     /// Returns a declaration. Valid until keepTextsOnly(); its texts as long as the outline.
     const SchemaDeclaration& operator[](Index at) const { return entries[at].declaration; }
 
+    /// Returns what a declaration is. The root counts as a complex type.
+    Tag tagOf(Index at) const { return entries[at].tag; }
+
+    /// Returns the index after the last descendant.
+    Index endOf(Index at) const { return entries[at].end; }
+
     /// Returns the first descendant, at any depth, named "xsd:" + tag; if there is none, the first named "xs:" + tag;
     /// else kNone.
     Index getNode(Index from, Tag tag) const;

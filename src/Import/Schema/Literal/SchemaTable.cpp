@@ -147,8 +147,7 @@ struct SchemaTable::TypeWalk
     Record record;
     SchemaOutline::Tag list = SchemaOutline::element;
     Index field = SchemaOutline::kNone;
-    Index ahead = SchemaOutline::kNone; // the next field to prefetch
-    bool isEntered = false;             // the type inside the field has been read
+    bool isEntered = false; // the type inside the field has been read
 };
 
 // Reads the complex types directly inside `container`, with everything nested in them. Nested types are read before the
@@ -156,6 +155,7 @@ struct SchemaTable::TypeWalk
 void SchemaTable::processComplexType(const SchemaOutline& outline, Index container, std::string_view parentName)
 {
     std::vector<TypeWalk> walks;
+    ahead = {container + 1, outline.endOf(container), {}};
     const auto enter = [&](Index from, std::string_view owner) {
         TypeWalk walk{owner, outline.getChildNode(from, SchemaOutline::complexType), {}};
         if (walk.type == SchemaOutline::kNone)
@@ -191,7 +191,7 @@ void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
     if (walk.record.entry && walk.record.entry->queryChildren())
         report.add(SourceReport::mergedByName, place, name);
     walk.list = SchemaOutline::element;
-    enterList(outline, walk, outline.getNode(walk.type, SchemaOutline::element));
+    walk.field = outline.getNode(walk.type, SchemaOutline::element);
 }
 
 // Moves from the elements of the current type to its attributes, then to the next type. Returns false at the end.
@@ -199,7 +199,7 @@ bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
 {
     if (walk.list == SchemaOutline::element) {
         walk.list = SchemaOutline::attribute;
-        enterList(outline, walk, outline.getChildNode(walk.type, SchemaOutline::attribute));
+        walk.field = outline.getChildNode(walk.type, SchemaOutline::attribute);
         return true;
     }
     walk.type = outline.getNextSibling(walk.type);
@@ -209,33 +209,26 @@ bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
     return true;
 }
 
-// Starts a list of fields. The entries of the first fields are prefetched, so that cache misses in the large table
-// overlap. Three ahead, because a field takes less time than a cache miss.
-void SchemaTable::enterList(const SchemaOutline& outline, TypeWalk& walk, Index first) const
+// Prefetches the slots of the declarations up to some after `at`, so that cache misses in the large table overlap. Each
+// is looked up by its own key and by its name alone.
+void SchemaTable::prefetchBehind(const SchemaOutline& outline, Index at)
 {
-    constexpr int kAhead = 3;
-    walk.field = walk.ahead = first;
-    for (int i = 0; i < kAhead; ++i)
-        prefetchNext(outline, walk);
-}
-
-// Prefetches the slots of the field's own key and of its name alone, which addSchemaElement() looks up.
-void SchemaTable::prefetchNext(const SchemaOutline& outline, TypeWalk& walk) const
-{
-    if (walk.ahead == SchemaOutline::kNone)
-        return;
-    const std::string_view name = outline[walk.ahead].markedName();
-    if (walk.record.entry)
-        schemaElements.prefetch(keyHash(RunningHash(walk.record.key).append(name)));
-    schemaElements.prefetch(keyHash(name));
-    walk.ahead = outline.getNextSibling(walk.ahead);
+    constexpr Index kAhead = 12; // a declaration takes a tenth of the time of a cache miss
+    for (const Index end = std::min(at + kAhead, ahead.end); ahead.next < end; ++ahead.next) {
+        const std::string_view name = outline[ahead.next].markedName();
+        schemaElements.prefetch(keyHash(name));
+        if (outline.tagOf(ahead.next) == SchemaOutline::complexType)
+            ahead.record = RunningHash(name);
+        else
+            schemaElements.prefetch(keyHash(RunningHash(ahead.record).append(name)));
+    }
 }
 
 // Registers the current field and moves to the next one.
 void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& field = outline[walk.field];
-    prefetchNext(outline, walk);
+    prefetchBehind(outline, walk.field);
     // The repetition mark is a part of the name, so a field without a name is left out only if it occurs once.
     const std::string_view name = field.markedName();
     if (!name.empty())
@@ -317,12 +310,15 @@ void SchemaTable::mergeLists()
 {
     if (includedElements.empty())
         return;
+    constexpr std::size_t kAhead = 8;
     for (const SchemaElement* entry : schemaElements) {
         cancelPoint.pass();
         pull(entry->queryType());
     }
     for (std::size_t i = 0; i < pulled.size(); ++i) {
         cancelPoint.pass();
+        if (i + kAhead < pulled.size()) // cache misses in the large table overlap
+            prefetchType(pulled[i + kAhead]->queryType());
         pull(pulled[i]->queryType());
     }
 }

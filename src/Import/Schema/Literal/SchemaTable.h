@@ -72,6 +72,16 @@ public:
         return type.empty() || isBuiltIn(type) ? nullptr : find(type);
     }
 
+    /// Prefetches the slots where findType() begins.
+    void prefetchType(std::string_view type) const
+    {
+        if (type.empty() || isBuiltIn(type))
+            return;
+        const std::uint32_t hash = keyHash(type);
+        schemaElements.prefetch(hash);
+        includedElements.prefetch(hash);
+    }
+
     /// The same as find(); also finds included entries that were not pulled.
     const SchemaElement* findAny(const Fingerprint& key) const;
 
@@ -90,6 +100,14 @@ private:
         SchemaElement* entry = nullptr;
     };
 
+    // The declarations that are prefetched next, in document order, and the name of the complex type before them.
+    struct Ahead
+    {
+        Index next = 0;
+        Index end = 0;
+        RunningHash record;
+    };
+
     // The include pass and its results.
     bool getSchemaIncludeList(Outlines& outlines);
     void copyElementList();
@@ -104,8 +122,7 @@ private:
     void enterType(const SchemaOutline& outline, TypeWalk& walk);
     bool nextList(const SchemaOutline& outline, TypeWalk& walk);
     void processTag(const SchemaOutline& outline, TypeWalk& walk);
-    void enterList(const SchemaOutline& outline, TypeWalk& walk, Index first) const;
-    void prefetchNext(const SchemaOutline& outline, TypeWalk& walk) const;
+    void prefetchBehind(const SchemaOutline& outline, Index at);
     SchemaElement* addSchemaElement(const SchemaEntryContent& content, const Record& parent);
     SchemaEntryContent contentOf(const SchemaOutline& outline, Index at, std::string_view name) const;
     bool areSameType(std::string_view oneType, std::string_view otherType) const;
@@ -119,7 +136,8 @@ private:
     std::deque<SchemaElement*> pulled; // included entries that belong to the element table as well, at its end
     Arena memory;                      // of the entries of both tables
     CancelPoint cancelPoint{4096};     // passed at each declaration
-    int cyclicReferences = 0;          // reported so far
+    Ahead ahead;
+    int cyclicReferences = 0; // reported so far
     Index mainElement = SchemaOutline::kNone;
     bool isComplete = false; // the second pass would find the same
     CString rootTypeName;    // stays from one schema to the next
