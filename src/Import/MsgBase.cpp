@@ -9,12 +9,6 @@
 #include "Resources/StringIds.h"
 #include "Xml/XmlLimits.h"
 
-namespace {
-
-constexpr std::size_t kAhead = 8; // elements that enumNext() prefetches ahead
-
-} // namespace
-
 // toXmlText() converts the base path separately, because its encoding may differ from that of the names.
 int MsgBase::parseFile(const CString& fileName, const CString& basePath)
 {
@@ -67,8 +61,7 @@ Element* MsgBase::enumNext()
 {
     const TypeList& types = model.queryOrder();
     while (enumPosition < types.size()) {
-        if (enumPosition + kAhead < types.size())
-            __builtin_prefetch(types[enumPosition + kAhead]);
+        types.prefetchBehind(enumPosition);
         Element* element = types[enumPosition++];
         if (element->hasOwnDocument())
             return element;

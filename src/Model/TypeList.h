@@ -27,6 +27,9 @@ public:
     std::size_t size() const { return elements.size(); }
     Element* operator[](std::size_t at) const { return elements[at]; }
 
+    /// Prefetches what the documents of the types some places behind `at` are written from.
+    void prefetchBehind(std::size_t at) const;
+
 private:
     void note(Element* element);
     static bool refersToListed(const Element& element);
