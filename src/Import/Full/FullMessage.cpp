@@ -95,8 +95,8 @@ struct FullMessage::Declaring
     std::vector<Name*> recordNames = std::vector<Name*>(types.records.size());     // full names that fields have used
     std::vector<CString> paths{};                                                  // folder by namespace
     std::vector<Name*> pathNames{};                                                // the same as names
-    std::vector<std::uint32_t> hashes{};        // hashes of the names of the current record's fields
-    CString name{}, description{}, knownType{}; // reused buffers
+    std::vector<std::uint32_t> hashes{}, nextHashes{}; // of the names of the fields of the current and the next record
+    CString name{}, description{}, knownType{};        // reused buffers
 
     Name& fullName(Index space, std::string_view shortName)
     {
@@ -192,8 +192,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     for (Index enumeration = 0; !main.isRequested && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
             declareEnumeration(declaring, enumeration);
-    for (const Index record : order.query())
-        declareRecord(declaring, record);
+    declareRecords(declaring, order.query());
     for (const auto& [uri, folder] : folders)
         if (!types.hasSpace(uri))
             unusedFolders.push_back(uri);
@@ -308,6 +307,31 @@ Element* FullMessage::declareType(Declaring& declaring, Index space, std::string
     return model.addElement(key, path, declaring.name, declaring.description.assign(description), type, nullptr);
 }
 
+// While a record is declared, the names of the next one are prefetched, and the fields of one behind it, so that the
+// cache misses in their large tables overlap.
+void FullMessage::declareRecords(Declaring& declaring, std::span<const Index> records)
+{
+    constexpr std::size_t kAhead = 4;
+    const auto prefetchNames = [&](std::size_t at) {
+        declaring.nextHashes.clear();
+        if (at >= records.size())
+            return;
+        for (const SourceTypes::Field& field : std::as_const(declaring.types).fieldsOf(records[at])) {
+            declaring.nextHashes.push_back(keyHash(field.name));
+            declaring.names.prefetch(declaring.nextHashes.back());
+        }
+    };
+    prefetchNames(0);
+    for (std::size_t at = 0; at < records.size(); ++at) {
+        if (at + kAhead < records.size())
+            for (const SourceTypes::Field& field : std::as_const(declaring.types).fieldsOf(records[at + kAhead]))
+                __builtin_prefetch(&field);
+        declaring.hashes.swap(declaring.nextHashes);
+        prefetchNames(at + 1);
+        declareRecord(declaring, records[at]);
+    }
+}
+
 // Declares a record, after the enumerations and tables that its fields use.
 void FullMessage::declareRecord(Declaring& declaring, Index index)
 {
@@ -319,14 +343,8 @@ void FullMessage::declareRecord(Declaring& declaring, Index index)
     }
     const SourceTypes::Record& record = declaring.types.records[index];
     Element* row = declareType(declaring, record.space, record.name, record.description, Element::typeRow);
-    // Repetition has been turned into tables, so each field occurs once and needs no usage. All names are prefetched
-    // before the first field is declared, so that the cache misses in their large table overlap.
+    // Repetition has been turned into tables, so each field occurs once and needs no usage.
     const std::span<const SourceTypes::Field> fields = declaring.types.fieldsOf(index);
-    declaring.hashes.clear();
-    for (const SourceTypes::Field& field : fields) {
-        declaring.hashes.push_back(keyHash(field.name));
-        declaring.names.prefetch(declaring.hashes.back());
-    }
     model.reserveFields(row, fields.size());
     for (std::size_t i = 0; i < fields.size(); ++i) {
         Name& name = declaring.names.intern(fields[i].name, declaring.hashes[i]);

@@ -119,6 +119,7 @@ private:
     std::vector<Index> chooseCandidates(const SourceTypes& types, const CString& fileName, bool& areRequested);
     Index recordOf(SourceTypes& types, Index candidate);
     static Index copyFor(SourceTypes& types, const SourceTypes::Candidate& element, Index record);
+    void declareRecords(Declaring& declaring, std::span<const Index> records);
     void declareRecord(Declaring& declaring, Index record);
     void declareEnumeration(Declaring& declaring, Index enumeration);
     void declareTables(Declaring& declaring, Index outer);
