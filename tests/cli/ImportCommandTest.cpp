@@ -194,6 +194,13 @@ TEST_F(ImportCommand, AnswersExactly)
           "R.avsc: error: it declares no element, type or enumeration; 1 loss: 1 value not understood; it looks like a "
           "source for avro\n"
           "O.json: error: it is neither a schema nor a protocol of Avro; it looks like a source for jsonschema\n"}},
+        // The key that identifies a description may be beyond the bytes that are looked at.
+        {"a=$(head -c 70000 /dev/zero | tr '\\0' a); printf "
+         "'{\"components\":{\"schemas\":{\"A\":{\"properties\":{\"x\":"
+         "{\"default\":\"%s\"}}}}},\"openapi\":\"3.0.0\"}' $a >s.json; printf 'components:\n  schemas:\n    B: "
+         "{default: "
+         "%s, properties: {x: {}}}\nopenapi: 3.0.0\n' $a >s.yaml; $import s.json -l; $import s.yaml -l",
+         {0, "\\sys\\json\\A\\A\tA (Automatically created)\n\\sys\\json\\B\\B\tB (Automatically created)\n", ""}},
         {"$import jsonschema j.json --catalog c", {2, "", mistake("--catalog: jsonschema reads no catalogues")}},
         {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},
         {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; printf '//\n{\"type\":\"enum\",\"name\":\"E\","

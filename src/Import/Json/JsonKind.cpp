@@ -33,11 +33,16 @@ public:
         isOther |= key == "type" && !value.empty();
     }
 
-    // Adds the kind of a member of "properties", which is a schema: an object or a boolean.
-    void addProperty(JsonScanner::Token kind)
+    // Adds a member of the object under `key`. The members of "properties" are schemas: objects or booleans.
+    void addInner(std::string_view key, std::string_view name, JsonScanner::Token kind)
     {
-        isOther |= kind != JsonScanner::objectBegin && kind != JsonScanner::boolean;
+        isOther |= key == "properties" && kind != JsonScanner::objectBegin && kind != JsonScanner::boolean;
+        hasComponents |= key == "components" && kind == JsonScanner::objectBegin &&
+                         isOneOf(name, {"schemas", "responses", "parameters", "requestBodies", "securitySchemes"});
     }
+
+    // The document may go on after the text. If its keys are sorted, "openapi" follows large components.
+    void endEarly() { isOpenApi |= hasComponents; }
 
     std::string_view word() const
     {
@@ -54,7 +59,8 @@ private:
     bool hasTypes = false;
     bool isSchema = false;
     bool hasProperties = false;
-    bool isOther = false; // the members of "properties" don't look like schemas
+    bool isOther = false;       // the members of "properties" don't look like schemas
+    bool hasComponents = false; // like those of an API
 };
 
 // Scans the available part of the document. A fault only ends the scan, because the importer will report it.
@@ -64,7 +70,7 @@ std::string_view wordForJson(std::string_view text)
     try {
         JsonScanner scanner(text, true);
         std::size_t depth = 0;
-        CString key;
+        CString key, inner;
         bool isList = false;
         for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
             // The keys of a list are those of its items, because a file may be a list of Avro's named types.
@@ -75,29 +81,41 @@ std::string_view wordForJson(std::string_view text)
                 key = scanner.text();
             else if (isValue && depth == top && !key.empty())
                 marks.add(key, token == JsonScanner::string ? scanner.text() : std::string_view(), token);
-            else if (isValue && depth == top + 1 && key == "properties")
-                marks.addProperty(token);
+            else if (token == JsonScanner::key && depth == top + 1)
+                inner = scanner.text();
+            else if (isValue && depth == top + 1)
+                marks.addInner(key, inner, token);
             isList |= depth == 0 && token == JsonScanner::arrayBegin;
             depth += token == JsonScanner::objectBegin || token == JsonScanner::arrayBegin ? 1 : 0;
             depth -= isEnd ? 1 : 0;
         }
     } catch (const JsonFault&) {
+        marks.endEarly();
     }
     return marks.word();
 }
 
-// Only lines without indentation count.
+// Lines without indentation have the top-level keys.
 std::string_view wordForYaml(std::string_view text)
 {
     Marks marks;
+    std::string_view key;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         const std::string_view line = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
-        if (const std::size_t colon = line.find(':'); colon != line.npos && line.find_first_of(" \t#") != 0)
-            marks.add(trimmed(line.substr(0, colon), "\"'"), trimmed(trimmed(line.substr(colon + 1)), "\"'"),
-                      JsonScanner::end);
+        const std::size_t colon = line.find(':');
+        if (colon == line.npos || line.starts_with('#'))
+            continue;
+        const std::string_view name = trimmed(trimmed(line.substr(0, colon)), "\"'");
+        if (line.find_first_of(" \t") == 0) {
+            marks.addInner(key, name, JsonScanner::objectBegin);
+            continue;
+        }
+        key = name;
+        marks.add(key, trimmed(trimmed(line.substr(colon + 1)), "\"'"), JsonScanner::end);
     }
+    marks.endEarly();
     return marks.word();
 }
 
