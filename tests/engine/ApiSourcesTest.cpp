@@ -93,6 +93,11 @@ const Rule kApis[] = {
         "components":{"schemas":{"P":{"properties":{"n":{"type":"integer"}}},"Unused":{"enum":["u"]}},
         "responses":{"R":{"content":{"application/json":{"schema":{"properties":{"y":{"type":"string"}}}}}}}}})",
      "makeResponse(y:String) P(n:Number) Unused{u} makeRequest(x:P)"},
+    {"ComponentCalledLikeABody",
+     R"({"openapi":"3.0.1","paths":{"/a":{"post":{"operationId":"make","requestBody":{"content":{"a/b":{"schema":{"properties":{"x":{}}}}}},
+        "responses":{"200":{"content":{"a/b":{"schema":{"properties":{"y":{"$ref":"#/components/schemas/makeRequest"}}}}}}}}}},
+        "components":{"schemas":{"makeRequest":{"properties":{"z":{}}}}}})",
+     "makeRequest_2(x:String) makeRequest(z:String) makeResponse(y:makeRequest)"},
     {"SchemasAlone",
      "openapi: 3.1.0\ninfo: {title: t}\ncomponents:\n  schemas:\n    A:\n      properties:\n        b: {$ref: "
      "'#/components/schemas/B', properties: {d: {}}}\n    B: {type: object, properties: {c: {type: [integer, "

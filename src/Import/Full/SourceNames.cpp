@@ -51,7 +51,7 @@ void SourceNames::name(const std::vector<Index>& order, std::span<const Index> f
     isNamed.assign(types.enumerations.size(), false);
     spaces.resize(types.spaces.size());
     // Names are given in order of declaration, so the first of equal names keeps it. Records declared in the files of
-    // the main types come first.
+    // the main types come first, and of these the ones with a name of their own.
     std::vector<bool> isWanted(types.records.size());
     for (const Index record : order)
         isWanted[record] = true;
@@ -64,9 +64,11 @@ void SourceNames::name(const std::vector<Index>& order, std::span<const Index> f
     for (const std::uint32_t file : ownFiles)
         isOwn[file] = true;
     for (const bool isOwnTurn : {true, false})
-        for (Index record = 0; record < types.records.size(); ++record)
-            if (isWanted[record] && isOwn[types.records[record].place.file] == isOwnTurn)
-                nameRecord(record);
+        for (const bool isNamedTurn : {true, false})
+            for (Index index = 0; index < types.records.size(); ++index)
+                if (const SourceTypes::Record& record = types.records[index];
+                    isWanted[index] && isOwn[record.place.file] == isOwnTurn && record.isNamed == isNamedTurn)
+                    nameRecord(index);
     if (types.common != SourceTypes::kNone)
         findSharedTables();
     CancelPoint cancelPoint(1024);

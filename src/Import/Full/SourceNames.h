@@ -17,8 +17,8 @@ public:
     SourceNames(SourceTypes& types, SourceReport& report) : types(types), report(report) {}
 
     /// Names the records in `order`, their fields, and the types of these. The records `first` are named first, then
-    /// those declared in the files `ownFiles`, then the others. A repeated field gets the type of its table. Call it
-    /// once.
+    /// those declared in the files `ownFiles`, then the others; among each of these, the named ones first. A repeated
+    /// field gets the type of its table. Call it once.
     void name(const std::vector<SourceTypes::Index>& order, std::span<const SourceTypes::Index> first,
               std::span<const std::uint32_t> ownFiles);
 

@@ -68,8 +68,9 @@ public:
         std::string_view name;
         std::string_view description{};
         SourcePlace place{};
-        Index home = kNone; ///< the record that contains its declaration, used to make a taken name unique
-        Index space = 0;    ///< see spaceOf()
+        Index home = kNone;   ///< the record that contains its declaration, used to make a taken name unique
+        Index space = 0;      ///< see spaceOf()
+        bool isNamed = false; ///< has the name of a declared type, which it keeps if others have no name of their own
         Index firstField = 0;
         Index fieldCount = 0;
     };

@@ -236,7 +236,10 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, std::s
     const Index schema = schemas.front().schema;
     const std::string_view own = schemas.size() == 1 && typeOf(schema) != "map" ? simpleNameOf(schema) : "";
     // A named type is in its own namespace, any other one in that of the record that uses it.
-    SourceTypes::Record row{own.empty() ? name : own, describe(schema), tree[schema].place};
+    SourceTypes::Record row{.name = own.empty() ? name : own,
+                            .description = describe(schema),
+                            .place = tree[schema].place,
+                            .isNamed = !own.empty()};
     if (!own.empty())
         row.space = types.spaceOf(tree.names[schemas.front().space]);
     else if (row.home = home; home != SourceTypes::kNone)

@@ -125,8 +125,11 @@ SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_vi
         return known->second;
     // A declared schema is shared, so its record has no home that a taken name would get as prefix.
     const bool isNamed = !nameOf(content.owner).empty();
-    const SourceTypes::Index record = types.addRecord({nameOf(content.owner, name), describe(content.owner),
-                                                       tree[content.owner].place, isNamed ? SourceTypes::kNone : home});
+    const SourceTypes::Index record = types.addRecord({.name = nameOf(content.owner, name),
+                                                       .description = describe(content.owner),
+                                                       .place = tree[content.owner].place,
+                                                       .home = isNamed ? SourceTypes::kNone : home,
+                                                       .isNamed = isNamed});
     pending.push_back({content, record});
     return records[content.owner] = {SourceTypes::kindRecord, record};
 }
