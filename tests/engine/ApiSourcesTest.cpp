@@ -62,6 +62,10 @@ const Rule kSchemas[] = {
         "else":{"properties":{"v":{"enum":["b"]},"w":{"properties":{"z":{}}}}},
         "dependentSchemas":{"v":{"properties":{"n":{"type":"number"}}},"w":{"properties":{"n":{"type":"string"}}}}})",
      "v{a|b} w(z:String) T(v:v w:w n:String)", "2 losses: 2 values of several kinds"},
+    {"ItemsAloneExcludeNoOtherKind",
+     R"({"title":"T","properties":{"a":{"items":{"type":"number"},"oneOf":[{"type":"array"},{"type":"string"}]},
+        "b":{"items":{"type":"number"},"type":"array","oneOf":[{"type":"array"},{"type":"string"}]},"c":{"items":{},"allOf":[{"type":"number"}]}}})",
+     "t_b[Number] T(a:String b:t_b c:Number)", "1 loss: 1 value of several kinds"},
 };
 
 // Returns an API whose operation has callbacks nested to this depth, each with a message "oN" and a field.

@@ -264,11 +264,15 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return take(frame, added);
     if (added.kind == JsonContent::text && isRefinedText(kind))
         return;
-    if (added.isImplied)
-        return;
-    if (frame.content.isImplied)
-        return take(frame, added);
     if (isRepeated) {
+        // Items alone don't exclude other kinds.
+        if (how == both) {
+            if (frame.content.isImplied)
+                frame.content.mayBeLeaf = added.mayBeLeaf;
+            else if (!added.isImplied)
+                frame.content.mayBeLeaf &= added.mayBeLeaf;
+            frame.content.isImplied &= added.isImplied;
+        }
         if (frame.content.items == 0)
             frame.content.items = added.items;
         else if (added.items != 0)
@@ -276,6 +280,10 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         frame.content.owner = 0;
         return;
     }
+    if (added.isImplied)
+        return;
+    if (frame.content.isImplied)
+        return take(frame, added);
     if (kind == added.kind && kind != JsonContent::enumeration)
         return;
     if (kind == JsonContent::record && added.kind == JsonContent::map)

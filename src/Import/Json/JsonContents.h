@@ -34,7 +34,7 @@ struct JsonContent
 
     Kind kind = none;
     bool mayBeLeaf = false;     ///< an array, or a single text or number
-    bool isImplied = false;     ///< a text or time that only a format implies, which restricts no other kind
+    bool isImplied = false;     ///< only a format or items imply the kind, which restricts no other kind
     bool isConditional = false; ///< applies under a condition or in some alternatives only
     JsonNode::Index owner = 0;  ///< the schema that the type belongs to
     JsonNode::Index items = 0;  ///< schema of an array's items or a map's values; 0 allows any

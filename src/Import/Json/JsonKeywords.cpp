@@ -274,6 +274,7 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
         break;
     case JsonWord::array:
         content.kind = JsonContent::array;
+        content.isImplied = own.type == 0;
         content.items = choiceOf(own.items);
         // Only some of the items match `contains`, so it narrows none of them.
         if (own.contained != 0) {
