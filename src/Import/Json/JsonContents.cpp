@@ -123,14 +123,6 @@ void JsonContents::enter(Index schema)
     }
 }
 
-// Returns a schema that is the choice between all; 0 if there are none.
-JsonNode::Index JsonContents::choiceOf(const std::vector<Index>& schemas)
-{
-    if (schemas.size() < 2)
-        return schemas.empty() ? 0 : schemas.front();
-    return tree.addList(JsonWord::oneOf, schemas, tree[schemas.front()].place);
-}
-
 // Stores the content of the last frame. If a single other schema provides all of the content, that schema's type is
 // used, unless this schema has a name of its own.
 void JsonContents::finish()

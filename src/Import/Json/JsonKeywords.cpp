@@ -258,6 +258,14 @@ void JsonContents::readOwn(Frame& frame, Own& own)
         join(frame, before, both, frame.node);
 }
 
+// Returns a schema that is the choice between all; 0 if there are none.
+JsonNode::Index JsonContents::choiceOf(const std::vector<Index>& schemas)
+{
+    if (schemas.size() < 2)
+        return schemas.empty() ? 0 : schemas.front();
+    return tree.addList(JsonWord::oneOf, schemas, tree[schemas.front()].place);
+}
+
 // Returns the content for one of the schema's types, with the keywords that apply to that type only.
 JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
 {
