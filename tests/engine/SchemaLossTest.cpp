@@ -168,6 +168,9 @@ const Loss kLosses[] = {
      "4:1 declaration skipped: R\n5:1 declaration skipped: P", ""},
     {"AlternativesOfOneName", MAIN("<xs:choice>" ELEMENT("name='a'") "\n" ELEMENT("name='a'") "</xs:choice>"),
      "3:1 single field read as repeated: a\n3:35 declaration skipped: z", ""},
+    {"SequenceOfOneNameInsideAChoice",
+     MAIN("<xs:choice>" SEQUENCE(ELEMENT("name='a'") ELEMENT("name='a'")) "\n" ELEMENT("name='b'") "</xs:choice>"),
+     "3:1 declaration skipped: b\n3:35 declaration skipped: z", ""},
     {"NamesThatMeanTwoThings",
      MAIN(ELEMENT("name='a' type='R'"))
          RECORD TYPE("P", SEQUENCE("\n" ELEMENT("name='a' type='xs:date'") ELEMENT("name='x' type='xs:token'"))),

@@ -127,7 +127,7 @@ void SchemaOutline::noteSkipped(XmlName name, SchemaTag tag, Level& level)
     case SchemaTag::sequence:
     case SchemaTag::choice:
     case SchemaTag::all:
-        level.isChoice = tag == SchemaTag::choice || open.back().isChoice;
+        level.isChoice = tag == SchemaTag::choice;
         level.isRepeated = statements.mayRepeat() || open.back().isRepeated;
         return;
     case SchemaTag::group:

@@ -153,7 +153,7 @@ private:
         Index place = kNone; // kNone if it is not a declaration
         std::array<Index, kTags> lastChild{kNone, kNone, kNone};
         SchemaKinds::Index simpleType = SchemaKinds::kNone; // the type that it is, or that it contributes to
-        bool isChoice = false;                              // a choice, or a group inside one
+        bool isChoice = false;                              // a choice itself, not a group inside one
         bool isRepeated = false;                            // repeats, or a group inside one that does
     };
 
