@@ -171,6 +171,9 @@ const Loss kLosses[] = {
     {"SequenceOfOneNameInsideAChoice",
      MAIN("<xs:choice>" SEQUENCE(ELEMENT("name='a'") ELEMENT("name='a'")) "\n" ELEMENT("name='b'") "</xs:choice>"),
      "3:1 declaration skipped: b\n3:35 declaration skipped: z", ""},
+    {"RepeatedFieldsOfOneName",
+     MAIN(ELEMENT("name='a' maxOccurs='2'") "\n" ELEMENT("name='a' type='xs:date' maxOccurs='2'")),
+     "3:1 name declared differently elsewhere: a", "="},
     {"NamesThatMeanTwoThings",
      MAIN(ELEMENT("name='a' type='R'"))
          RECORD TYPE("P", SEQUENCE("\n" ELEMENT("name='a' type='xs:date'") ELEMENT("name='x' type='xs:token'"))),

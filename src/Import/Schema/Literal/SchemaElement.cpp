@@ -17,6 +17,14 @@ bool endsInMark(std::string_view parentName, std::string_view name)
 
 } // namespace
 
+std::string_view unmarkedName(std::string_view name)
+{
+    name = trimmed(name);
+    if (name.ends_with('*'))
+        name.remove_suffix(1);
+    return name;
+}
+
 SchemaElement::SchemaElement(const Fingerprint& key, std::string_view parentName, const SchemaEntryContent& content) :
     key(key), name(content.name.data()), type(content.type.data()),
     nameSize(static_cast<std::uint32_t>(content.name.size())),

@@ -14,6 +14,9 @@ enum class SchemaTypeLoss : std::uint8_t
     otherType  ///< an earlier declaration of the same name takes precedence
 };
 
+/// Returns a registered name without the "*" of a repeated declaration.
+std::string_view unmarkedName(std::string_view name);
+
 /// The contents of a declaration. Texts are views that live as long as the documents of the import.
 struct SchemaEntryContent
 {

@@ -12,15 +12,6 @@ namespace {
 constexpr std::size_t kAhead = 8;
 constexpr std::string_view kAnonymousType = "AnonymousType";
 
-// Returns the field's name without the mark of a repeated one.
-std::string_view nameOf(const SchemaElement& declared)
-{
-    std::string_view name = trimmed(declared.queryName());
-    if (name.ends_with('*'))
-        name.remove_suffix(1);
-    return name;
-}
-
 } // namespace
 
 // If the element of a record is not a record any more, a field of its name has replaced it.
@@ -64,7 +55,7 @@ Element::ElementTypes SchemaFieldCheck::plainKindOf(const SchemaElement& declare
 void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std::string_view path)
 {
     const SchemaElement& declared = *field.declared;
-    const std::string_view name = nameOf(declared);
+    const std::string_view name = unmarkedName(declared.queryName());
     const Meaning meaning = meaningOf(declared, name, type);
     if (meaning.loss)
         sourceReport.add(*meaning.loss, declared.queryPlace(), meaning.lost);

@@ -205,7 +205,7 @@ void SchemaMessage::readRecord(const SchemaElement& entry, Record& record)
         if (field.declared)
             table.prefetchType(field.declared->queryType());
         else
-            report.add(SourceReport::declarationSkipped, child->queryPlace(), child->queryName());
+            report.add(SourceReport::declarationSkipped, child->queryPlace(), unmarkedName(child->queryName()));
         field.mark = getModifiers(*child);
         field.hash = keyHash(field.name);
         model.queryNames().prefetch(field.hash);
@@ -286,11 +286,9 @@ int SchemaMessage::getType(const SchemaElement* entry, std::string_view& typeNam
 // Trims `name` and removes a '*' at its end. Returns 1 if there was one.
 int SchemaMessage::removeModifiers(std::string_view& name)
 {
-    name = trimmed(name);
-    if (!name.ends_with('*'))
-        return 0;
-    name.remove_suffix(1);
-    return 1;
+    const std::size_t size = trimmed(name).size();
+    name = unmarkedName(name);
+    return name.size() < size ? 1 : 0;
 }
 
 // Returns the kind of a field of this type. The name of a built-in type is cleared, because the kind is sufficient. For

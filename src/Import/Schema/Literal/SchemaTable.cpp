@@ -293,7 +293,7 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, 
             entry->setType(earlier->queryType(), !matchesEarlier(content, *earlier));
         schemaElements.store(entry);
     } else if (entry->queryName() != content.name || !matchesEarlier(content, *entry)) {
-        report.add(SourceReport::mergedByName, content.place, content.name);
+        report.add(SourceReport::mergedByName, content.place, unmarkedName(content.name));
     } else if (!content.isSingle) {
         entry->setDeclaredAgain();
     } else if (parent.entry && !content.isInRepeated && !entry->isMarked()) {
