@@ -143,6 +143,10 @@ const Loss kLosses[] = {
      "2:1 unknown type, imported as text: R\n3:1 unknown type, imported as text: xs:date", ""},
     {"RepetitionOfAGroup", MAIN("<xs:choice maxOccurs='2'>\n" ELEMENT("name='a'") "</xs:choice>"),
      "3:35 declaration skipped: z\n3:1 repetition skipped: a", ""},
+    {"RepetitionOfAGroupWithOneNameTwice",
+     MAIN("<xs:sequence maxOccurs='2'>" ELEMENT("name='a'") "\n" ELEMENT("name='b'")
+              ELEMENT("name='a'") "</xs:sequence>"),
+     "3:59 declaration skipped: z\n3:1 repetition skipped: b", ""},
     {"RepetitionInASecondRecord",
      MAIN(ELEMENT("name='a' maxOccurs='2'")) TYPE("P", SEQUENCE("\n" ELEMENT("name='a' maxOccurs='2'"))),
      "4:1 repetition skipped: a", ""},

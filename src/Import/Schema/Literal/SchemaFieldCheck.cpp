@@ -61,8 +61,8 @@ void SchemaFieldCheck::report(const Field& field, const SchemaElement* type, std
         sourceReport.add(*meaning.loss, declared.queryPlace(), meaning.lost);
     else if (!matches(*field.element, name, meaning, path))
         sourceReport.add(SourceReport::mergedByName, declared.queryPlace(), name);
-    const bool isInRepeated = declared.isInRepeated() && !declared.isMarked();
-    if (isInRepeated || (field.repeats && repetitions.staysSingle(*field.element, field.record)))
+    const bool onlyGroupRepeats = declared.isInRepeated() && !declared.isMarked() && !declared.isDeclaredAgain();
+    if (onlyGroupRepeats || (field.repeats && repetitions.staysSingle(*field.element, field.record)))
         sourceReport.add(SourceReport::repetitionSkipped, declared.queryPlace(), name);
 }
 
