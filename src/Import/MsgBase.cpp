@@ -21,7 +21,7 @@ int MsgBase::parseFile(const CString& fileName, const CString& basePath)
     }
     return orEmpty([&] {
         const int result = parse(isFileMode() ? fileName : source, toXmlText(basePath), fileName);
-        source = {}; // freed, because arranging needs memory, too
+        source = CString(); // freed, because arranging needs memory, too; `= {}` would keep the storage
         onAfterParse();
         return result;
     });

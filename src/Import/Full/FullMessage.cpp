@@ -164,6 +164,7 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
             {"", "it declares no element, type or enumeration" + (losses.empty() ? "" : "; " + losses)}};
     }
     MainTypes main = chooseMain(types, fileName);
+    types.candidates = std::vector<SourceTypes::Candidate>(); // frees them: a DTD has one for each element
     if (bySpace && mergesEqual)
         mergeEqualTypes(types, main.records);
     RecordOrder order({types}, types.records.size());
