@@ -78,7 +78,8 @@ const Case kDocuments[] = {
     {"Whole",
      type("\\a\\R", "<ROW><F NAME='a' DESCRIPTION='d' TYPE='String'/></ROW>") +
          type("\\a\\A", "<ARRAY SIZE='5'><C TYPE='\\a\\A'/></ARRAY>") +
-         type("\\a\\t", "<TABLE><C TYPE='String'/></TABLE>") + type("E", "<ENUM><C NAME='x'/></ENUM>") + type("N", ""),
+         type("\\a\\t", "<TABLE><C TYPE='String'/></TABLE>") + type("\\E\\E", "<ENUM><C NAME='x'/></ENUM>") +
+         type("\\N\\N", ""),
      ""},
     {"Component", type("A", "<ARRAY SIZE='5'><C TYPE='String'/></ARRAY>"),
      "x:2:30: declaration skipped: component of the array \\A\n"},
@@ -86,6 +87,8 @@ const Case kDocuments[] = {
     {"Attribute", type("R", "<ROW><F NAME='a' name='b' TYPE='String'/></ROW>"),
      "x:2:19: unknown attribute: name of F\n"},
     {"Contents", type("R", "<ROW/>\n<ENUM/>"), "x:3:1: declared twice: content of \\R\n"},
+    {"NamesInTheTopFolder", type("\\A", "<ROW/>") + type("B", "<ROW/>"),
+     "x:2:2: name changed: \\A is \\\\A\nx:3:2: name changed: B is \\B\n"},
     {"Names", type("\\a\\", "<ROW><F/>\n</ROW>"),
      "x:2:2: without a name: type in the folder \\a\\\nx:2:21: without a name: field of \\a\\\n"
      "x:2:21: without a name: type of a field of \\a\\\n"},

@@ -61,6 +61,8 @@ bool BrokerMessage::readType(const IXMLDOMNode& node)
     if (backslash != type.name.npos && backslash > 0) {
         type.folder = type.name.substr(0, backslash + 1);
         type.name.remove_prefix(backslash + 1);
+    } else if (!type.name.empty()) {
+        note(SourceReport::nameChanged, node, CString(type.name) + " is " + type.fullName());
     }
     noteUnnamed(type.name, node, "type in the folder ", type);
     const auto [element, isFirst] = model.addRecord(type.folder, type.name, keepsTwins);
