@@ -104,6 +104,7 @@ const Case kLosses[] = {
     {"TextBesideAnAttribute", "<!ELEMENT y (x)>\n<!ELEMENT x (#PCDATA)><!ATTLIST x k CDATA #IMPLIED>",
      "x:2:11: text beside fields skipped: x\n"},
     {"BehindAByteOrderMark", "\xEF\xBB\xBF<!ELEMENT x (a)>", ""},
+    {"PlaceBehindAByteOrderMark", "\xEF\xBB\xBF<!ELEMENT x (#PCDATA|a)*>", "x:1:11: text beside fields skipped: x\n"},
     {"GroupBetweenAGroupAndItsMark", "<!ELEMENT x ((a) (t_a)*,\n(b)?)>", "x:1:19: group skipped: t_a\n"},
     {"AnyBesideAnAttribute", "<!ELEMENT x ANY ><!ATTLIST x k CDATA #IMPLIED>",
      "x:1:11: text beside fields skipped: x\n"},

@@ -10,8 +10,7 @@
 namespace {
 
 constexpr CharSet kBeforeKeyword(" \t\r\n!"); // may be between a '<' and the keyword of a damaged statement
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::size_t kLongKey = 200; // bytes of a section's key that a report shows
+constexpr std::size_t kLongKey = 200;         // bytes of a section's key that a report shows
 
 // Returns whether the keyword is at `at` as a whole word, in any letter case.
 bool isKeywordAt(std::string_view text, std::size_t at, std::string_view keyword)

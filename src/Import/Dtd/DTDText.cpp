@@ -76,7 +76,7 @@ SourcePlace TextPlaces::at(std::size_t offset)
         return line;
     };
     if (lines.empty())
-        lines.push_back({0, 1});
+        lines.push_back({text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0, 1});
     // The entry of a block continues from the one before, so building the index takes one pass.
     for (std::size_t end = lines.size() * kBlock; end <= text.size(); end += kBlock)
         lines.push_back(lineAt(end, end - kBlock, lines.back()));
