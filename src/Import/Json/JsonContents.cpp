@@ -44,15 +44,6 @@ bool includes(std::span<const JsonMember> all, std::span<const JsonMember> some)
 
 } // namespace
 
-bool JsonContents::isDeclared(Index schema) const
-{
-    const Index parent = tree[schema].parent;
-    if (parent == 0)
-        return documents.rootOf(schema) == schema;
-    return tree.is(parent, JsonNode::object) && tree[parent].role == JsonNode::names &&
-           isOneOf(tree.keyOf(parent), {JsonWord::defs, JsonWord::definitions, JsonWord::schemas});
-}
-
 void JsonContents::step(std::size_t count)
 {
     steps += count;
@@ -141,7 +132,7 @@ void JsonContents::finish()
         for (const MergedMember& member : frame.members)
             members.push_back({member.name, mergedOf(member.schema, member.more), member.isConditional});
     }
-    const bool isOthers = content.owner != 0 && (frame.isReference || !isDeclared(frame.node));
+    const bool isOthers = content.owner != 0 && (frame.isReference || !documents.isDeclared(frame.node));
     if (!isOthers)
         content.owner = frame.node;
     content.isConditional = content.isConditional || frame.allowsAny;

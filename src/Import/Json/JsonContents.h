@@ -76,9 +76,6 @@ public:
     /// Reads the schemas that were dropped in favour of an equal one, so that their details count. Call it last.
     void readDropped();
 
-    /// Returns whether a schema is declared by name, or is the whole document.
-    bool isDeclared(Index schema) const;
-
     /// Returns the target of a schema that is only a reference, perhaps with remarks; else the schema itself. Follows
     /// at most 100 references.
     Index baseOf(Index schema);

@@ -340,6 +340,15 @@ CString JsonDocuments::nameOf(Index node) const
     return CString(stemOf(report.fileNameOf(tree[node].place.file)));
 }
 
+bool JsonDocuments::isDeclared(Index schema) const
+{
+    const Index parent = tree[schema].parent;
+    if (parent == 0)
+        return rootOf(schema) == schema;
+    return tree.is(parent, JsonNode::object) && tree[parent].role == JsonNode::names &&
+           isOneOf(tree.keyOf(parent), {JsonWord::defs, JsonWord::definitions, JsonWord::schemas});
+}
+
 // Returns the first of the document's schemas that a made one combines; of other nodes themselves.
 JsonNode::Index JsonDocuments::originOf(Index node) const
 {

@@ -48,6 +48,9 @@ public:
     /// Returns the root of the document of `node`.
     Index rootOf(Index node) const { return documents[tree[node].place.file].root; }
 
+    /// Returns whether a schema is declared by name, or is the whole document.
+    bool isDeclared(Index schema) const;
+
     /// Returns the roots of the documents that were read, except those in `roots`, in order of reading.
     std::vector<Index> findOthers(std::span<const Index> roots) const;
 

@@ -91,7 +91,7 @@ std::string_view JsonTypes::nameOf(Index schema)
     if (!isNew)
         return known->second;
     std::string_view name;
-    if (contents.isDeclared(schema)) {
+    if (documents.isDeclared(schema)) {
         CString title;
         appendCollapsed(title, trimmed(tree.textOf(schema, JsonWord::title)));
         // A definition is named by its key, a document by its title or its file.
@@ -226,7 +226,7 @@ void JsonTypes::nameReferred(Index holder)
         const bool wasPaused = report.pause(true); // what is missing is reported when types are read
         const Index schema = contents.baseOf(at);
         report.pause(wasPaused);
-        const bool hasKey = tree[schema].parent != 0 && contents.isDeclared(schema);
+        const bool hasKey = tree[schema].parent != 0 && documents.isDeclared(schema);
         if (tree[schema].place.file != tree[at].place.file && !hasKey)
             names.try_emplace(schema, toModelName(tree.key(at), at));
     }
