@@ -335,6 +335,19 @@ CString manyCombinations()
     return text + "}}";
 }
 
+// Returns a schema whose fields are limited by two long lists of values.
+CString manyLists()
+{
+    constexpr int count = 4000;
+    CString values, fields;
+    for (int i = 0; i < count; ++i) {
+        values += ",\"v" + std::to_string(i) + "\"";
+        fields += ",\"f" + std::to_string(i) + R"(":{"allOf":[{"$ref":"#/$defs/a"},{"$ref":"#/$defs/b"}]})";
+    }
+    return R"({"title":"T","properties":{"f":{})" + fields + R"(},"$defs":{"a":{"enum":["a")" + values +
+           R"(]},"b":{"enum":["a")" + values + "]}}}";
+}
+
 TEST_F(JsonSchema, MergesTheItemsOfManyConditionsOnce)
 {
     CString schema = R"({"title":"r","properties":{"l":{"items":{"type":"object"}}},"allOf":[{})";
@@ -386,6 +399,10 @@ const Refusal kRefusals[] = {
      "$: more than 100000 merged members and 20 more for each value of the document, which is the limit."},
     {"ManyCombinations", manyCombinations(),
      "$: more than 50000 combinations of schemas and 2 more for each value of the source, which is the limit."},
+    {"LongListsComparedOften", manyLists(), "$: more than 20000000 parts of schemas, which is the limit."},
+    {"IdentifiersInALongOne",
+     R"({"$id":"http://x/)" + times(1900, "a") + R"(/","allOf":[)" + times(80'000, R"({"$id":"x"},)") + "{}]}",
+     "$: more than 256 MB of names, which is the limit."},
     {"NoSuchMainType", R"({"properties":{"a":{}}})", "There is no element called B.", "B"},
 };
 

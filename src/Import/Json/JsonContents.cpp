@@ -276,6 +276,7 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         std::vector<JsonMember> known(frame.members.begin(), frame.members.end());
         if (frame.isBorrowed)
             std::ranges::copy(membersOf(frame.content), std::back_inserter(known));
+        step(known.size() + added.count);
         if (known.size() < added.count && includes(membersOf(added), known))
             return;
         isNarrower = includes(known, membersOf(added));
