@@ -32,6 +32,10 @@ const Rule kSchemas[] = {
      R"({"title":"T","properties":{"a":{"$ref":"http://x/a"},"b":{"$ref":"#n"}},"$defs":{"A":{"$id":"http://x/a","type":"number"},
         "B":{"$id":"http://x/a"},"C":{"$anchor":"n","type":"number"},"D":{"$anchor":"n"}}})",
      "T(a:Number b:Number)", "2 losses: 2 second declarations"},
+    {"LongIdentifiers",
+     R"({"title":"T","$id":"http://x/)" + times(2000, "a") + R"(/","properties":{"a":{"$ref":"http://x/)" +
+         times(2000, "a") + R"(/b"},"c":{"$ref":"d"}},"$defs":{"B":{"$id":"b"},"D":{"$id":"d","type":"number"}}})",
+     "T(a:String c:Number)", "2 losses: 1 document not local, 1 value not understood"},
     {"Draft3", R"({"$schema":"http://json-schema.org/draft-03/schema#","title":"T","properties":{"a":{"type":"any"}}})",
      "T(a:String)", "2 losses: 2 values not understood"},
     {"YamlMergesOfNoMapping",

@@ -17,6 +17,7 @@ using Index = JsonNode::Index;
 
 constexpr std::size_t kStart = 1'000;        // bytes of a file that are tested for XML
 constexpr std::size_t kMaxPointers = 10'000; // that the report shows, because building one takes a walk up the tree
+constexpr std::size_t kMaxUri = 2'000;       // bytes of an identifier; each reference is resolved against one
 constexpr std::size_t kMaxDigits = 4;        // in the array index of a pointer, which bounds the walk
 
 // Returns the length of a URI's scheme with its colon; 0 if there is none. A single letter is a drive, not a scheme.
@@ -168,6 +169,9 @@ void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
         const Index around = resourceOf(tree[schema].parent == 0 ? schema : tree[schema].parent);
         const std::string_view name = identifier.substr(0, identifier.find('#'));
         const CString uri = resolveUri(uriOf(around), name);
+        if (uri.size() > kMaxUri)
+            return note(SourceReport::invalidValue, node, tree.text(node));
+        types.spend(2 * uri.size()); // kept twice, and many may begin with the same long text
         tree[schema].isResource = true;
         uris[schema] = uri;
         known = resources.try_emplace(uri, schema).first->second;

@@ -17,7 +17,7 @@ class JsonDocuments
 public:
     using Index = JsonNode::Index;
 
-    /// `types` and `report` must outlive this object; `types` is only used for refusals. `withComments` allows comments
+    /// `types` and `report` must outlive this object; `types` is only used for bounds. `withComments` allows comments
     /// in JSON.
     JsonDocuments(SourceTypes& types, SourceReport& report, bool withComments) :
         types(types), report(report), withComments(withComments)
