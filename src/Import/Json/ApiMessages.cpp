@@ -168,6 +168,13 @@ private:
     // Returns the members of the part under `key`.
     JsonTree::Children membersOf(Index holder, JsonWord key) { return tree.childrenOf(partOf(tree.find(holder, key))); }
 
+    // Bounds names that are made for each of many operations and may begin with the same long text.
+    CString spend(CString name)
+    {
+        sources.types.spend(name.size());
+        return name;
+    }
+
     // `prefix` begins the names of operations without one.
     void readPaths(Index paths, const CString& prefix)
     {
@@ -177,7 +184,7 @@ private:
                 continue;
             for (const Index at : tree.childrenOf(item))
                 if (std::ranges::find(kMethods, tree.key(at)) != std::end(kMethods))
-                    readOperation(partOf(at), CString(tree.key(at)) + "_" + prefix + CString(tree.key(path)));
+                    readOperation(partOf(at), spend(CString(tree.key(at)) + "_" + prefix + CString(tree.key(path))));
         }
     }
 
@@ -199,7 +206,7 @@ private:
         }
         ++depth;
         for (const Index at : tree.childrenOf(callbacks))
-            readPaths(partOf(at), called + "_" + CString(tree.key(at)) + "_");
+            readPaths(partOf(at), spend(called + "_" + CString(tree.key(at)) + "_"));
         --depth;
     }
 
