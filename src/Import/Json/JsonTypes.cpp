@@ -138,9 +138,11 @@ SourceTypes::Type JsonTypes::recordOf(const JsonContent& content, std::string_vi
 SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::string_view name)
 {
     const std::string_view called = nameOf(content.owner, name);
+    const bool isNamed = !nameOf(content.owner).empty();
     std::vector<std::string_view> constants;
-    // A list that schemas share is one enumeration for each name it is used with.
-    const std::uint64_t key = joined(content.first, tree.names.intern(called));
+    // A list that schemas share is one enumeration for each name it is used with. The name of a schema may be long, and
+    // is the same for all fields.
+    const std::uint64_t key = isNamed ? joined(content.owner, 0) : joined(content.first, tree.names.intern(called));
     const auto [known, isNew] = enumerations.insert(key, SourceTypes::kNone);
     if (isNew) {
         std::vector<std::string_view> described;
@@ -150,8 +152,8 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
             constants.push_back(types.keep(tree.names[constant.name]));
             described.push_back(isDescribed ? describe(constant.schema) : "");
         }
-        known = types.addEnumeration(called, constants, !nameOf(content.owner).empty(), describe(content.owner),
-                                     tree[content.owner].place, 0, described);
+        known = types.addEnumeration(called, constants, isNamed, describe(content.owner), tree[content.owner].place, 0,
+                                     described);
     }
     return {SourceTypes::kindEnumeration, known};
 }
@@ -193,6 +195,17 @@ SourceTypes::Field JsonTypes::fieldOf(std::string_view name, Index schema, Sourc
     return {name, describe(schema), shape.type, SourceTypes::roleElement, shape.depth};
 }
 
+std::string_view JsonTypes::descriptionOf(Index text, bool isFirstSentence)
+{
+    const auto [known, isNew] = descriptions.try_emplace(joined(tree[text].text, isFirstSentence ? 1 : 0));
+    if (isNew) {
+        CString words;
+        appendCollapsed(words, isFirstSentence ? firstSentence(tree.text(text)) : tree.text(text));
+        known->second = types.keep(shortDescription(words));
+    }
+    return known->second;
+}
+
 // Returns the title, else the first sentence of the description; if there is neither, that of the referenced schema.
 std::string_view JsonTypes::describe(Index schema)
 {
@@ -204,15 +217,8 @@ std::string_view JsonTypes::describe(Index schema)
         const bool isTitle = said != 0;
         if (!isTitle)
             said = tree.find(schema, JsonWord::description, JsonNode::string);
-        if (said != 0) {
-            const auto [known, isNew] = descriptions.try_emplace(tree[said].text);
-            if (isNew) {
-                CString words;
-                appendCollapsed(words, isTitle ? tree.text(said) : firstSentence(tree.text(said)));
-                known->second = types.keep(shortDescription(words));
-            }
-            return known->second;
-        }
+        if (said != 0)
+            return descriptionOf(said, !isTitle);
         const Index reference = tree.find(schema, JsonWord::ref, JsonNode::string);
         schema = reference == 0 ? 0 : documents.resolve(reference);
     }

@@ -81,6 +81,9 @@ public:
     /// schemas.
     std::string_view nameOf(Index schema);
 
+    /// Returns a string of the tree, or its first sentence, as the description of a type or field; empty for node 0.
+    std::string_view descriptionOf(Index text, bool isFirstSentence);
+
     /// Reads the fields of all records that were added since the last call. Call it last; adding types afterwards needs
     /// another call.
     void finish();
@@ -116,12 +119,12 @@ private:
     SourceReport& report;
     const Places* const wanted;
     std::unordered_map<Index, SourceTypes::Type> records; // by the owner of the content
-    NumberTable enumerations;                             // by first constant and name
+    NumberTable enumerations;                             // by owner, else by first constant and name
     std::unordered_map<Index, std::string_view> names;
-    std::unordered_map<NameTable::Id, std::string_view> keptNames;    // fitted field names
-    std::unordered_map<NameTable::Id, std::string_view> descriptions; // by the text that they are taken from
-    std::unordered_set<Index> foreign;                                // left out by leaveOut()
-    std::unordered_set<std::uint64_t, NumberHash> candidates;         // by source and record
+    std::unordered_map<NameTable::Id, std::string_view> keptNames;                // fitted field names
+    std::unordered_map<std::uint64_t, std::string_view, NumberHash> descriptions; // see descriptionOf()
+    std::unordered_set<Index> foreign;                                            // left out by leaveOut()
+    std::unordered_set<std::uint64_t, NumberHash> candidates;                     // by source and record
     Index source = 0;
     std::vector<Pending> pending;
     std::size_t finished = 0;               // of these
