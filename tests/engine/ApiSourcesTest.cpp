@@ -3,6 +3,8 @@
 #include "support/FullTypes.h"
 #include "support/Importing.h"
 
+#include <chrono>
+
 namespace {
 
 struct Rule
@@ -217,6 +219,10 @@ const Rule kAvro[] = {
      "/* License **/\n// {\n{\"type\":\"record\", // a\n\"name\" /*/ {\n*/ : "
      "/**/\"R\",\"fields\":[{\"name\":\"a//\",\"type\":\"in\"}]} //",
      "R(a//:String)", "1 loss: 1 reference became text"},
+    {"NamesInNoNamespace",
+     R"({"type":"record","name":"R","namespace":"n","fields":[{"name":"a","type":".E"},{"name":"b","type":"E"},{"name":"c","type":
+        {"type":"enum","name":".E","symbols":["X"]}},{"name":"d","type":["E",{"type":"enum","name":"m.E","symbols":["Y"]}]}]})",
+     "d{X|Y} E_2{Y} E{X} R(a:E b:E c:E d:d)"},
     {"NamesGivenTwice",
      R"({"type":"record","name":"R","fields":[{"name":"a","type":"int"},{"name":"a","type":"long"},
         {"name":"e","type":{"type":"enum","name":"E","symbols":["X","Y","X"]}}]})",
@@ -358,7 +364,39 @@ TEST_P(JsonDataRule, GivesTypes)
     check();
 }
 
+using Avro = Importing<AvroMessage>;
+using OpenApi = Importing<OpenApiMessage>;
 using JsonData = Importing<JsonDataMessage>;
+
+TEST_F(Avro, ReadsNamesAndSymbolsOnceForAllFields)
+{
+    constexpr int count = 20'000;
+    CString fields, symbols;
+    for (int i = 0; i < count; ++i) {
+        const CString number = std::to_string(i);
+        symbols += ",\"s" + number + "\"";
+        fields += R"(,{"name":"e)" + number + R"(","type":"E"},{"name":"r)" + number +
+                  R"(","type":{"type":"record","name":"T)" + number + R"(","fields":[]}})";
+    }
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(import(R"({"type":"record","name":"R","namespace":")" + times(100'000, "n") +
+                     R"(","fields":[{"name":"e","type":{"type":"enum","name":"E","symbols":["s")" + symbols + "]}}" +
+                     fields + "]}"),
+              1);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+}
+
+TEST_F(OpenApi, RefusesManyCallbacksOfALongName)
+{
+    CString callbacks;
+    for (int i = 0; i < 1'000; ++i)
+        callbacks += ",\"c" + std::to_string(i) + R"(":{"x":{"get":{}}})";
+    EXPECT_EQ(import(R"({"openapi":"3.0.0","paths":{"/a":{"put":{"operationId":")" + times(300'000, "o") +
+                     R"(","callbacks":{"c":{})" + callbacks + "}}}}}"),
+              0);
+    EXPECT_THAT(boxes.take(),
+                testing::ElementsAre(folder.path("x") + ": more than 256 MB of names, which is the limit."));
+}
 
 TEST_F(JsonData, FindsFaultsBehindMessagesThatItSkips)
 {

@@ -7,13 +7,15 @@
 
 using Index = JsonNode::Index;
 
-// Returns the full name of a type (Avro 1.11.1, "Names"). The namespace is that in a name with dots, else the type's
-// own, else the enclosing one.
-NameTable::Id AvroTypes::fullNameOf(std::string_view name, NameTable::Id space)
+// Returns the full name of a type (Avro 1.11.1, "Names"): a name with dots holds its namespace, any other one is in
+// `space`. The parts are not joined to a text, because many types may be in a namespace with a long name.
+AvroTypes::FullName AvroTypes::fullNameOf(std::string_view name, NameTable::Id space)
 {
-    if (space == 0 || name.find('.') != name.npos)
-        return tree.names.intern(name);
-    return tree.names.intern(CString(tree.names[space]) + "." + CString(name));
+    if (const std::size_t dot = name.rfind('.'); dot != name.npos) {
+        space = tree.names.intern(name.substr(0, dot));
+        name.remove_prefix(dot + 1);
+    }
+    return joined(space, tree.names.intern(name));
 }
 
 void AvroTypes::declareAll(Index document)

@@ -1,6 +1,5 @@
 #include "Import/Json/AvroTypes.h"
 
-#include "Import/Full/Descriptions.h"
 #include "Import/Json/JsonKind.h"
 #include "Import/Json/JsonMessage.h"
 
@@ -190,7 +189,7 @@ AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
             // A simple name is in the enclosing namespace. If it is not declared there, it is looked up without a
             // namespace.
             const auto found = named.find(fullNameOf(type, at.space));
-            const auto global = found == named.end() ? named.find(tree.names.intern(type)) : found;
+            const auto global = found == named.end() ? named.find(fullNameOf(type, 0)) : found;
             if (!isAvroType(type) && global != named.end()) {
                 documents.link(at.schema, global->second.schema);
                 alternatives.push_back(global->second);
@@ -241,12 +240,21 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, std::s
                             .place = tree[schema].place,
                             .isNamed = !own.empty()};
     if (!own.empty())
-        row.space = types.spaceOf(tree.names[schemas.front().space]);
+        row.space = modelSpaceOf(schemas.front().space);
     else if (row.home = home; home != SourceTypes::kNone)
         row.space = types.records[home].space;
     const SourceTypes::Index record = types.addRecord(row);
     pending.push_back({schemas, record});
     return known->second = {SourceTypes::kindRecord, record};
+}
+
+// Returns the number that the types have for a namespace. Kept, because many records may be in one with a long name.
+SourceTypes::Index AvroTypes::modelSpaceOf(NameTable::Id space)
+{
+    const auto [known, isNew] = spaces.try_emplace(space);
+    if (isNew)
+        known->second = types.spaceOf(tree.names[space]);
+    return known->second;
 }
 
 // Returns the name of a schema's type: the schema itself, or its "type". Empty if that is not a name.
@@ -308,10 +316,16 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
 // twice is a loss; one that two of them list is not.
 SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, std::string_view name)
 {
+    const Index schema = leaves.front().schema;
+    const std::string_view own = leaves.size() == 1 ? simpleNameOf(schema) : "";
+    // Many fields may have a named type.
+    if (const auto known = enumerations.find(schema); known != enumerations.end() && !own.empty())
+        return known->second;
     std::vector<std::string_view> constants;
     std::unordered_map<NameTable::Id, const Scoped*> met; // by symbol the last enumeration that lists it
     for (const Scoped& leaf : leaves)
         for (const Index at : tree.childrenOf(find(leaf.schema, JsonWord::symbols, JsonNode::array))) {
+            spendStep();
             if (!tree.is(at, JsonNode::string)) {
                 documents.note(SourceReport::invalidValue, at, tree.text(at));
                 continue;
@@ -322,14 +336,16 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
             else if (std::exchange(known->second, &leaf) == &leaf)
                 documents.note(SourceReport::declaredTwice, at, tree.text(at));
         }
-    const Index schema = leaves.front().schema;
-    const std::string_view own = leaves.size() == 1 ? simpleNameOf(schema) : "";
     // An enumeration without symbols can't be declared, so it becomes text.
     if (constants.empty())
         return {};
-    const SourceTypes::Index space = types.spaceOf(tree.names[leaves.front().space]);
-    return {SourceTypes::kindEnumeration, types.addEnumeration(own.empty() ? name : own, constants, !own.empty(),
-                                                               describe(schema), tree[schema].place, space)};
+    const SourceTypes::Type made{SourceTypes::kindEnumeration,
+                                 types.addEnumeration(own.empty() ? name : own, constants, !own.empty(),
+                                                      describe(schema), tree[schema].place,
+                                                      modelSpaceOf(leaves.front().space))};
+    if (!own.empty())
+        enumerations.emplace(schema, made);
+    return made;
 }
 
 void AvroTypes::finish()
@@ -388,13 +404,6 @@ void AvroTypes::readFields(const Pending& record)
             documents.note(SourceReport::bytesSkipped, place, field.name);
     }
     types.setFields(record.record, fields);
-}
-
-std::string_view AvroTypes::describe(Index schema)
-{
-    CString words;
-    appendCollapsed(words, tree.textOf(schema, JsonWord::doc));
-    return types.keep(shortDescription(words));
 }
 
 void readAvro(JsonSources& sources)

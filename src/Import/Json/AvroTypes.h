@@ -40,6 +40,9 @@ public:
     void finish();
 
 private:
+    // The namespace of a named type and its name in it, joined().
+    using FullName = std::uint64_t;
+
     // A schema, and its enclosing namespace.
     struct Scoped
     {
@@ -67,30 +70,36 @@ private:
     bool isSame(Scoped one, Scoped other);
     Index find(Index schema, JsonWord key, JsonNode::Kind kind = JsonNode::none);
     void readDeclared(std::string_view name);
-    NameTable::Id fullNameOf(std::string_view name, NameTable::Id space);
+    FullName fullNameOf(std::string_view name, NameTable::Id space);
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
     Sorted sort(std::vector<Scoped> alternatives);
     bool isKnown(Index leaf) const;
     void spendStep();
     std::string_view simpleNameOf(Index schema);
+    SourceTypes::Index modelSpaceOf(NameTable::Id space);
     std::string_view typeOf(Index schema) const;
     SourceTypes::Type recordOf(const std::vector<Scoped>& schemas, std::string_view name, SourceTypes::Index home);
     std::optional<SourceTypes::Type> leafOf(const std::vector<Scoped>& leaves, std::string_view name);
     SourceTypes::Type enumerationOf(const std::vector<Scoped>& leaves, std::string_view name);
     std::optional<SourceTypes::Kind> kindOf(Index schema) const;
     void readFields(const Pending& pending);
-    std::string_view describe(Index schema);
+    std::string_view describe(Index schema)
+    {
+        return names.descriptionOf(tree.find(schema, JsonWord::doc, JsonNode::string), false);
+    }
 
     JsonDocuments& documents;
     JsonTree& tree;
     JsonTypes& names;
     SourceTypes& types;
     SourceReport& report;
-    std::unordered_map<NameTable::Id, Scoped> named; // by full name
-    std::vector<Scoped> order;                       // named types in order of declaration, until they are read
+    std::unordered_map<FullName, Scoped, NumberHash> named;
+    std::vector<Scoped> order; // named types in order of declaration, until they are read
     // By schema: a named type itself or an earlier equal one, with its own namespace; nothing for any other schema.
     std::unordered_map<Index, Scoped> declared;
-    std::map<std::vector<Index>, SourceTypes::Type> records; // by the sorted schemas that they come from
+    std::map<std::vector<Index>, SourceTypes::Type> records;   // by the sorted schemas that they come from
+    std::unordered_map<Index, SourceTypes::Type> enumerations; // by schema, if that is the only one and has a name
+    std::unordered_map<NameTable::Id, SourceTypes::Index> spaces;
     std::vector<Pending> pending;
     std::size_t steps = 0;         // see spendStep()
     CancelPoint cancelPoint{4096}; // passed by each step
