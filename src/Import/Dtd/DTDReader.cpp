@@ -137,7 +137,7 @@ void DTDReader::readElement()
         report.add(SourceReport::sgmlException, tokens->place(), names.front());
     else if (!tokens->token().isEnd())
         noteMalformed(names.front());
-    const auto entries = model.finish();
+    const auto entries = model.query();
     const auto first = static_cast<Index>(contents.size());
     contents.insert(contents.end(), entries.begin(), entries.end());
     for (const std::string_view name : names)

@@ -85,7 +85,7 @@ DTDRepetitions::Declaration DTDRepetitions::read(std::size_t start)
     }
     while (depth-- > 0)
         content.endGroup(false);
-    for (const ContentModel::Entry& entry : content.finish())
+    for (const ContentModel::Entry& entry : content.query())
         if (entry.repeats)
             made.repeated.insert(names[entry.name]);
     return made;

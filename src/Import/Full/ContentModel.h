@@ -53,25 +53,30 @@ public:
     void add(std::uint32_t name, bool repeats);
 
     /// Returns the names of the content, each once. Call it after all groups have ended. Valid until the next clear().
-    std::span<const Entry> finish();
+    std::span<const Entry> query() const { return entries; }
 
 private:
     // A group that has begun; a stack of these replaces a tree of the content.
     struct OpenGroup
     {
-        std::uint32_t start; // number of names before the group
+        std::uint32_t start; // number of occurrences before the group
         Group kind;
+    };
+
+    // Where a name is in the content with that number.
+    struct Place
+    {
+        std::uint32_t content = 0;
+        std::uint32_t entry = 0;
+        std::uint32_t last = 0; // position of its last occurrence
     };
 
     std::uint32_t position() const { return static_cast<std::uint32_t>(occurrences.size()); }
     bool canFollow(std::uint32_t earlier) const;
 
     std::vector<OpenGroup> open;            // from the outermost to the innermost
-    std::vector<std::uint32_t> occurrences; // the entry of each occurrence
-    std::vector<std::int32_t> groupsBegin; // by position: repeating groups that start there, minus those that end there
-    std::vector<Entry> entries;            // in order of first occurrence
-    std::vector<std::uint32_t> entryOf;    // by name: its entry, if `stamp` is the current one
-    std::vector<std::uint32_t> stamp;
-    std::vector<std::uint32_t> last; // by entry: position of its last occurrence
-    std::uint32_t current = 0;       // number of the content
+    std::vector<std::uint32_t> occurrences; // the entry of each occurrence, of names that don't repeat so far
+    std::vector<Entry> entries;             // in order of first occurrence
+    std::vector<Place> places;              // by name
+    std::uint32_t current = 0;              // number of the content
 };

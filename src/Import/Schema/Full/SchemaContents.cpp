@@ -4,8 +4,7 @@
 
 // A type is worked out after its base, whose fields are copied and then extended. Its particles are walked in the order
 // of the document, with groups replaced by their contents, and each element becomes a field at its first occurrence.
-// Whether a field repeats follows from where a name occurs again: every occurrence and every entered group has a time,
-// so the innermost group around two occurrences is the last open one that was entered before the earlier occurrence.
+// ContentModel finds the fields that repeat.
 //
 // The cost is linear in the fields made and in the particles walked. Both can exceed the size of the source, because
 // each extension has all fields of its bases, and each group can refer to another one twice. So both are bounded.
@@ -26,13 +25,6 @@ bool isXmlAttribute(std::string_view local)
     return local == "lang" || local == "space" || local == "base" || local == "id";
 }
 
-// Returns how often something occurs that occurs `inner` times in something that occurs `outer` times; 2 means more
-// than once.
-std::uint8_t multiplied(std::uint8_t outer, std::uint8_t inner)
-{
-    return static_cast<std::uint8_t>(std::min(2, outer * inner));
-}
-
 } // namespace
 
 void SchemaContents::Fields::clear()
@@ -51,13 +43,13 @@ SchemaField* SchemaContents::Fields::find(SchemaName name)
     return found ? &all[*found] : nullptr;
 }
 
-void SchemaContents::Fields::add(const SchemaField& field)
+SchemaField& SchemaContents::Fields::add(const SchemaField& field)
 {
     all.push_back(field);
-    if (all.size() <= kFewFields)
-        return;
-    for (std::size_t i = all.size() == kFewFields + 1 ? 0 : all.size() - 1; i < all.size(); ++i)
+    const std::size_t first = all.size() <= kFewFields ? all.size() : all.size() == kFewFields + 1 ? 0 : all.size() - 1;
+    for (std::size_t i = first; i < all.size(); ++i)
         many.insert(all[i].name.key(), static_cast<std::uint32_t>(i));
+    return all.back();
 }
 
 SchemaContents::SchemaContents(SchemaSet& set) : set(set), tree(set.queryTree()), contents(tree), isEntered(tree.size())
@@ -102,9 +94,8 @@ void SchemaContents::build(Index type, Index base)
     const Index derivation = tree.derivationOf(type);
     elements.clear();
     attributes.clear();
-    lastSeen.clear();
+    model.clear();
     isRestriction = tree[derivation].tag == SchemaTag::restriction;
-    clock = 1; // the time of inherited elements: in the outermost frame, before any group
     // A restriction repeats the elements that it keeps, but only the attributes that it changes.
     if (base != 0)
         inherit(*contents.find(base), !isRestriction);
@@ -117,17 +108,19 @@ void SchemaContents::build(Index type, Index base)
 // Begins the current type with the fields of its base.
 void SchemaContents::inherit(const Content& base, bool withElements)
 {
-    for (std::size_t i = 0; withElements && i < base.elements; ++i) {
+    for (std::uint32_t i = 0; withElements && i < base.elements; ++i) {
         elements.add(kept[base.first + i]);
-        lastSeen.push_back(clock);
+        model.add(i, elements.all[i].repeats);
     }
     for (std::size_t i = 0; i < base.attributes; ++i)
         attributes.add(kept[base.first + base.elements + i]);
 }
 
-// Appends the fields of the current type to `kept`.
+// Appends the fields of the current type to `kept`, once all its elements are known.
 SchemaContents::Content SchemaContents::keep()
 {
+    for (const auto& [element, repeats] : model.query())
+        elements.all[element].repeats = repeats;
     const Content content{kept.size(), elements.all.size(), attributes.all.size()};
     if (kept.size() + content.elements + content.attributes > kMaxFields)
         set.refuse(std::to_string(kMaxFields) + " fields");
@@ -139,11 +132,12 @@ SchemaContents::Content SchemaContents::keep()
 // Walks the content of a type depth first in document order, with a stack, because groups nest without bound.
 void SchemaContents::walkParticles(Index holder)
 {
-    frames.assign(1, {tree[holder].firstChild});
+    enter({tree[holder].firstChild}, ContentModel::sequence);
     while (!frames.empty()) {
         Frame& frame = frames.back();
         if (frame.next == 0) {
             isEntered[frame.group] = false; // node 0 if the frame is not a group
+            model.endGroup(frame.repeats);
             frames.pop_back();
             continue;
         }
@@ -153,11 +147,16 @@ void SchemaContents::walkParticles(Index holder)
     }
 }
 
+void SchemaContents::enter(const Frame& frame, ContentModel::Group kind)
+{
+    frames.push_back(frame);
+    model.beginGroup(kind);
+}
+
 // Visits a particle. One that may not occur is left out with all its contents, and noted as a detail.
 void SchemaContents::visitParticle(Index particle)
 {
     const SchemaNode& node = tree[particle];
-    const std::uint8_t times = multiplied(frames.back().times, node.occurs);
     spendStep();
     switch (node.tag) {
     case SchemaTag::sequence:
@@ -165,14 +164,14 @@ void SchemaContents::visitParticle(Index particle)
     case SchemaTag::choice:
     case SchemaTag::group:
     case SchemaTag::element:
-        if (times == 0)
+        if (node.occurs == 0)
             return set.note(SourceReport::elementNotAllowed, particle);
         if (node.tag == SchemaTag::element)
-            return addElement(particle, times);
+            return addElement(particle);
         if (node.tag == SchemaTag::group)
-            return enterGroup(particle, times);
-        frames.push_back({node.firstChild, 0, node.tag == SchemaTag::choice, times, ++clock});
-        return;
+            return enterGroup(particle);
+        return enter({node.firstChild, 0, node.occurs > 1},
+                     node.tag == SchemaTag::choice ? ContentModel::choice : ContentModel::sequence);
     case SchemaTag::any:
         return set.note(SourceReport::anyElement, particle);
     default:
@@ -182,7 +181,7 @@ void SchemaContents::visitParticle(Index particle)
 
 // Enters a group definition. A group inside itself is left out. A group that is referred to twice is walked twice,
 // because its elements then repeat.
-void SchemaContents::enterGroup(Index reference, std::uint8_t times)
+void SchemaContents::enterGroup(Index reference)
 {
     if (!tree[reference].is(SchemaNode::isReference))
         return;
@@ -192,39 +191,40 @@ void SchemaContents::enterGroup(Index reference, std::uint8_t times)
     if (isEntered[group])
         return set.note(SourceReport::unresolvedContent, reference);
     isEntered[group] = true;
-    frames.push_back({tree[group].firstChild, group, false, times, ++clock});
+    enter({tree[group].firstChild, group, tree[reference].occurs > 1}, ContentModel::sequence);
 }
 
 // Adds an element, or those that a reference refers to. The namespace of a local element follows from its `form`, else
 // from `elementFormDefault` (XML Schema Part 1, 3.3.2).
-void SchemaContents::addElement(Index particle, std::uint8_t times)
+void SchemaContents::addElement(Index particle)
 {
     const SchemaNode& node = tree[particle];
+    const bool repeats = node.occurs > 1;
     if (!node.is(SchemaNode::isReference)) {
         const SchemaDocument& document = tree.documentOf(particle);
         const bool isQualified =
             node.is(SchemaNode::hasForm) ? node.is(SchemaNode::isQualified) : document.elementsQualified;
         if (node.hasName())
-            addOccurrence({isQualified ? document.space : 0, node.name}, particle, times, 0);
+            addOccurrence({isQualified ? document.space : 0, node.name}, particle, repeats, 0);
         return;
     }
     const SchemaName name = tree.referenceOf(particle);
     const Index declaration = set.reach(SchemaSet::element, name, particle);
     if (declaration == 0) {
         set.note(SourceReport::unresolvedReference, particle);
-        addOccurrence(name, 0, times, node.documentation);
+        addOccurrence(name, 0, repeats, node.documentation);
     } else {
-        addSubstitutes(name, declaration, times, node.documentation);
+        addSubstitutes(name, declaration, repeats, node.documentation);
     }
 }
 
 // Adds the head of a substitution group and all its members, indirect ones included, except abstract ones (XML Schema
 // Part 1, 3.3.6). `block` and `final` are ignored. The documentation of the reference belongs to the head only.
-void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uint8_t times, std::uint32_t documentation)
+void SchemaContents::addSubstitutes(SchemaName head, Index declaration, bool repeats, std::uint32_t documentation)
 {
     const bool isAbstract = tree[declaration].is(SchemaNode::isAbstract);
     if (!isAbstract)
-        addOccurrence(head, declaration, times, documentation);
+        addOccurrence(head, declaration, repeats, documentation);
     if (set.membersOf(declaration).empty()) {
         if (isAbstract) // and no element that was read may replace it
             set.note(SourceReport::elementNotAllowed, declaration);
@@ -241,35 +241,27 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, std::uin
             set.reach(member);
             heads.push_back(member);
             if (!tree[member].is(SchemaNode::isAbstract))
-                addOccurrence(set.nameOf(member), member, times, 0);
+                addOccurrence(set.nameOf(member), member, repeats, 0);
         }
     for (const Index member : heads)
         isEntered[member] = false;
 }
 
-// Adds an element. Two occurrences of one name add up if the innermost group around both is a sequence; in a choice
-// only one of them can be present. Comparing neighbouring occurrences is sufficient, because the innermost group of two
-// distant ones is that of a pair of neighbours between them.
-void SchemaContents::addOccurrence(SchemaName name, Index declaration, std::uint8_t times, std::uint32_t documentation)
+// Adds an occurrence of an element.
+void SchemaContents::addOccurrence(SchemaName name, Index declaration, bool repeats, std::uint32_t documentation)
 {
-    ++clock;
     SchemaField* field = elements.find(name);
     if (!field) {
-        elements.add({name, declaration, SourceTypes::roleElement, times > 1, documentation});
-        lastSeen.push_back(clock);
+        field = &elements.add({name, declaration, SourceTypes::roleElement, false, documentation});
         // Checked before keep(), because a single type can be too large.
         if (kept.size() + elements.all.size() > kMaxFields)
             set.refuse(std::to_string(kMaxFields) + " fields");
-        return;
-    }
-    if (!areEquivalent(field->declaration, declaration))
+    } else if (!areEquivalent(field->declaration, declaration)) {
         set.note(SourceReport::mergedByName, declaration);
+    }
     if (field->documentation == 0)
         field->documentation = documentation;
-    std::size_t& seen = lastSeen[elements.positionOf(*field)];
-    const auto after = std::ranges::upper_bound(frames, seen, {}, &Frame::entered);
-    field->repeats |= times > 1 || !(after - 1)->isChoice;
-    seen = clock;
+    model.add(static_cast<std::uint32_t>(elements.positionOf(*field)), repeats);
 }
 
 // Returns whether two declarations of one name have the same type, as far as that is known without reading the type.

@@ -2,6 +2,7 @@
 
 #include "Base/LargePages.h"
 #include "Base/NumberTable.h"
+#include "Import/Full/ContentModel.h"
 #include "Import/Schema/Full/NodeTable.h"
 #include "Import/Schema/Full/SchemaSet.h"
 
@@ -45,16 +46,12 @@ private:
         std::size_t attributes = 0;
     };
 
-    // A group whose particles are being walked: a sequence, choice, all or group definition, or the whole content. The
-    // frames are a stack, so `entered` ascends.
+    // A group whose particles are being walked: a sequence, choice, all or group definition, or the whole content.
     struct Frame
     {
         Index next;      // the next particle to visit
         Index group = 0; // the group definition, if entered by reference
-        bool isChoice = false;
-        // How often the group occurs in the type: 1, or 2 for more. Groups that may not occur are not entered.
-        std::uint8_t times = 1;
-        std::size_t entered = 0; // value of `clock` at its start
+        bool repeats = false;
     };
 
     // The fields of the current type in order, with lookup by name. Few fields are searched linearly; a table is filled
@@ -64,7 +61,7 @@ private:
     public:
         void clear();
         SchemaField* find(SchemaName name);
-        void add(const SchemaField& field);
+        SchemaField& add(const SchemaField& field);
         std::size_t positionOf(const SchemaField& field) const { return static_cast<std::size_t>(&field - all.data()); }
 
         std::vector<SchemaField> all;
@@ -78,10 +75,11 @@ private:
     void inherit(const Content& base, bool withElements);
     void walkParticles(Index holder);
     void visitParticle(Index particle);
-    void enterGroup(Index reference, std::uint8_t times);
-    void addElement(Index particle, std::uint8_t times);
-    void addOccurrence(SchemaName name, Index declaration, std::uint8_t times, std::uint32_t documentation);
-    void addSubstitutes(SchemaName head, Index declaration, std::uint8_t times, std::uint32_t documentation);
+    void enter(const Frame& frame, ContentModel::Group kind);
+    void enterGroup(Index reference);
+    void addElement(Index particle);
+    void addOccurrence(SchemaName name, Index declaration, bool repeats, std::uint32_t documentation);
+    void addSubstitutes(SchemaName head, Index declaration, bool repeats, std::uint32_t documentation);
     void walkAttributes(Index holder);
     void visitAttribute(Index attribute);
     void addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation);
@@ -99,10 +97,8 @@ private:
     Fields attributes;
     std::size_t inherited = 0; // number of inherited attributes
     bool isRestriction = false;
-    std::vector<std::size_t> lastSeen; // by element: time of its last occurrence
-    std::vector<Frame> frames;
-    // The time: counts occurrences and entered groups.
-    std::size_t clock = 0;
+    ContentModel model;        // a name in it is the position of an element
+    std::vector<Frame> frames; // a stack
     std::vector<Index> waiting;
     std::vector<bool> isEntered; // by node: groups that have been entered
     std::size_t steps = 0;
