@@ -122,15 +122,16 @@ TEST(TableChoice, TellsColumnsOfOneKeyAndTextsThatAreCut)
 {
     const TempDir folder;
     const CString source = "Driver=SQLite3;Database=" + folder.path("keys") + ";", cut(255, 'n');
-    for (const CString& table :
-         {CString("ab (c int)"), CString("a (bc int)"), "n (" + cut + "n int)", cut + "n (x int)"})
+    for (const CString& table : {CString("ab (c int)"), CString("a (bc int)"), CString("abc (x int)"),
+                                 "n (" + cut + "n int)", cut + "n (x int)"})
         Connected(source).database.ExecuteSQL("CREATE TABLE " + table);
     expectAnswers(
         folder, source,
         {{"-t a -t ab --strict", {1, "", "ab: error: single field read as repeated: a.bc, because of ab.c\n"}},
+         {"-t ab -t abc --strict", {1, "", "abc: error: single field read as repeated: ab.c, because of abc\n"}},
          {"-t n --strict",
           {1, "", "n: error: cut short by a bound: a column's name, to 255 bytes: " + CString(169, 'n') + "...\n"}},
-         {"-q -o /dev/null --report - 2>&1 | sed -n 4p | cut -d: -f2,3",
+         {"-q -o /dev/null --report - 2>&1 | sed -n 5p | cut -d: -f2,3",
           {0, " cut short by a bound: a table's name, to 255 bytes\n", ""}}});
 }
 

@@ -108,8 +108,9 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
     else
         // Among tables of this name, the driver chooses by its search path or current database.
         columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
-    Element* table = addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
     const SourcePlace place{report.addFile(tableName)};
+    reportSameKey(tableName, tableName, nullptr, place);
+    Element* table = addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
     std::set<TableName> read;
     for (columns.MoveFirst(); !columns.IsEOF(); columns.MoveNext()) {
         // The driver takes the name as a pattern, so it may list columns of other tables.
@@ -118,9 +119,10 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         read.insert(columns.queryTable());
         reportCuts(columns, place);
         if (const auto type = elementTypeOf(columns.dataType)) {
-            reportSameKey(tableName, columns.columnName, *table, place);
             // The key has no separator, because existing documents depend on that. reportSameKey() reports equal keys.
-            addElement(tableName + columns.columnName, basePath, columns.columnName, columns.remarks, *type, table);
+            const CString key = tableName + columns.columnName;
+            reportSameKey(key, tableName + "." + columns.columnName, table, place);
+            addElement(key, basePath, columns.columnName, columns.remarks, *type, table);
         } else {
             report.add(SourceReport::columnSkipped, place, columns.columnName + " (" + columns.typeName + ")");
         }
@@ -153,18 +155,19 @@ void ODBCMessage::reportCuts(const CColumns& columns, SourcePlace place)
         report.count(SourceReport::documentationCut);
 }
 
-// Reports a column with the usage key of another record's field, or of a record. AB.C and A.BC have the same key, and
-// so do the columns of a table that is chosen twice. The first owner of the key then becomes a table.
-void ODBCMessage::reportSameKey(const CString& tableName, const CString& columnName, const Element& table,
-                                SourcePlace place)
+// Reports a column of `table`, or the record of a table if that is null, whose usage key another record's field or a
+// record has. AB.C, A.BC and the table ABC have the same key, and so do the columns of a table that is chosen twice.
+// The first owner of the key then becomes a table. Within a record, the columns are of several tables, and records of
+// one name have equal columns, so both are reported elsewhere.
+void ODBCMessage::reportSameKey(const CString& key, const CString& name, const Element* table, SourcePlace place)
 {
-    const ChildElement* const usage = findUsage(tableName + columnName);
-    if (!usage || usage->queryParent() == &table) // in the same record, the columns are of several tables
+    const ChildElement* const usage = findUsage(key);
+    if (!usage || usage->queryParent() == table)
         return;
     const Element* const record = usage->queryParent(); // null for a record
     report.add(SourceReport::inventedRepetition, place,
                (record ? record->queryName() + "." : CString()) + usage->queryElement()->queryName() + ", because of " +
-                   tableName + "." + columnName);
+                   name);
 }
 
 // Returns the only table whose columns are to be read; null if all tables that match the name are.
