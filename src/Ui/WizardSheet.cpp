@@ -64,8 +64,8 @@ WizardSheet::WizardSheet(const CString& caption, CWnd* parent, UINT start, HBITM
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     // Dialogs have no such buttons by default, but the lists of types can use a large window.
     setWindowFlag(Qt::WindowMinMaxButtonsHint, true);
-    backButton = addButton("back", kBack, &WizardSheet::back);
-    nextButton = addButton("next", kNext, &WizardSheet::next);
+    backButton = addButton("back", kBack, &WizardSheet::goBack);
+    nextButton = addButton("next", kNext, &WizardSheet::goNext);
     backKey = addKey(Qt::Key_B, backButton);
     nextKey = addKey(Qt::Key_N, nextButton);
     finishButton = addButton("finish", kFinish, &WizardSheet::finish);
@@ -163,12 +163,12 @@ WizardPage* WizardSheet::activePage() const
 }
 
 // A page can name any page, so the step of -1 only matters for the answer 0.
-void WizardSheet::back()
+void WizardSheet::goBack()
 {
     go(ask([this] { return activePage()->OnWizardBack(); }), -1);
 }
 
-void WizardSheet::next()
+void WizardSheet::goNext()
 {
     go(ask([this] { return activePage()->OnWizardNext(); }), 1);
 }

@@ -70,9 +70,9 @@ public:
     /// Returns the current page; null before the sheet is first shown.
     WizardPage* activePage() const;
 
-    /// The actions of the buttons. A page may call next() for a double click. They need a page that is shown.
-    void back();
-    void next();
+    /// The actions of the buttons. A page may call goNext() for a double click. They need a page that is shown.
+    void goBack();
+    void goNext();
     void finish();
 
     /// Returns the result of `handler`, or -1 if it throws. Shows the exception, unless it is Cancelled. Exceptions

@@ -130,7 +130,7 @@ void QELWizard::openFiles(const QStringList& files)
         if (shown != importer) {
             options.setLastImporterSel(rowOf(importer));
             showPage(IDD_SOURCE_TYPE);
-            next();
+            goNext();
         }
         sourcePage.takeFile(textOfSources(together));
     }

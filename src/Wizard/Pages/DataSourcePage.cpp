@@ -21,7 +21,7 @@ void DataSourcePage::OnInitDialog()
     dataSourceList =
         withId(IDC_DATA_SOURCES, new ListView({{loadText(IDS_COLUMN_NAME), 35}, {loadText(IDS_COLUMN_DESCRIPTION), 60}},
                                               "Available data sources"));
-    connect(dataSourceList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
+    connect(dataSourceList, &ListView::doubleClicked, sheet(), &WizardSheet::goNext);
     auto* group = new QGroupBox("Available &datasources");
     group->setFocusProxy(dataSourceList); // the group's letter leads there
     hint = withId(IDC_HINT, plainLabel());

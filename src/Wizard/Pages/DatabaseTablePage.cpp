@@ -32,7 +32,7 @@ void DatabaseTablePage::OnInitDialog()
                                                  {loadText(IDS_COLUMN_REMARKS), 20}},
                                                 "Available tables"));
     tableList->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    connect(tableList, &ListView::doubleClicked, sheet(), &WizardSheet::next);
+    connect(tableList, &ListView::doubleClicked, sheet(), &WizardSheet::goNext);
     auto* group = new QGroupBox("Available &tables");
     group->setFocusProxy(tableList); // target of the group's mnemonic
     auto* rows = new QVBoxLayout(group);

@@ -75,7 +75,7 @@ void SourceTypePage::OnDblclkSource()
     const bool isReplaced = fromUi(pathEdit->text()) == objectPath;
     if (isReplaced && sinceTyped.isValid() && !sinceTyped.hasExpired(QApplication::doubleClickInterval()))
         pathEdit->setText(typedPath);
-    sheet()->next();
+    sheet()->goNext();
 }
 
 // The confirmed path always ends with a backslash, as importers expect.
