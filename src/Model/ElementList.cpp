@@ -1,4 +1,4 @@
-#include "Model/Element.h"
+#include "Model/ElementList.h"
 
 #include <algorithm>
 #include <bit>
@@ -114,6 +114,6 @@ void ElementList::enter(std::uint32_t position)
 std::size_t ElementList::firstSlot(const Element* element) const
 {
     // Fibonacci hashing (D. Knuth, The Art of Computer Programming, 6.4). The low bits of an address are always zero.
-    const std::size_t number = reinterpret_cast<std::uintptr_t>(element) / alignof(Element);
+    const std::size_t number = reinterpret_cast<std::uintptr_t>(element) / alignof(void*);
     return number * 0x9E3779B97F4A7C15 >> 20 & (slotCount() - 1);
 }
