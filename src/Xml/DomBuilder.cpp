@@ -21,8 +21,7 @@ DomName DomBuilder::nameOf(const XmlName& name)
 {
     const auto [place, isNew] = names.try_emplace(name);
     if (isNew) {
-        const CString qualified = name.prefix ? CString(name.prefix) + ":" + name.local : name.local;
-        place->second = {tree.queryArena().keep(qualified),
+        place->second = {tree.queryArena().keep(name.qualified()),
                          static_cast<std::uint32_t>(name.prefix ? std::string_view(name.prefix).size() + 1 : 0)};
     }
     return place->second;

@@ -23,6 +23,9 @@ struct XmlName
     const char* local;
     const char* prefix; ///< null if there is none
 
+    /// Returns the name as it is written in the document.
+    CString qualified() const { return prefix ? CString(prefix) + ":" + local : local; }
+
     friend bool operator==(const XmlName&, const XmlName&) = default;
 };
 

@@ -34,11 +34,6 @@ bool isCommonPrefix(const char* prefix)
     return prefix && (prefix == std::string_view("xs") || prefix == std::string_view("xsd"));
 }
 
-CString shown(XmlName name)
-{
-    return name.prefix ? CString(name.prefix) + ":" + name.local : CString(name.local);
-}
-
 // Returns whether a statement may have only one child of the kinds that `tag` belongs to. An attribute such as `type`
 // counts as that child.
 bool isOnlyChild(Tag holder, Tag tag)
@@ -113,10 +108,10 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, Source
         const Level& holder = open.back();
         if (tag == Tag::none) {
             // Its children aren't reported, because the statement itself already is.
-            addFinding(SourceReport::unknownStatement, shown(name));
+            addFinding(SourceReport::unknownStatement, name.qualified());
             ignored = 1;
         } else if (!SchemaGrammar::mayHold(holder.holder, tag) || occursTooOften(holder, tag)) {
-            addFinding(SourceReport::misplacedStatement, shown(name) + " inside " + shown(holder.name));
+            addFinding(SourceReport::misplacedStatement, name.qualified() + " inside " + holder.name.qualified());
             ignored = 1;
         }
     }
@@ -184,7 +179,7 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
         if (ignored > 0 || tag == Tag::none)
             continue;
         if (!isAllowed) {
-            addFinding(SourceReport::unknownAttribute, shown(called) + " in " + shown(name));
+            addFinding(SourceReport::unknownAttribute, called.qualified() + " in " + name.qualified());
             isMisspelt = true;
         } else if ((word == Word::name || word == Word::type) && !value.empty() && value.front() > ' ') {
             present |= bitOf(word);
@@ -217,7 +212,7 @@ bool SchemaStatements::isLeastAboveMost() const
 void SchemaStatements::checkForeign(XmlName called, const char* uri, XmlName statement)
 {
     if (ignored == 0 && schemaEditionOf(uri) != SchemaEdition::none)
-        addFinding(SourceReport::unknownAttribute, shown(called) + " in " + shown(statement));
+        addFinding(SourceReport::unknownAttribute, called.qualified() + " in " + statement.qualified());
 }
 
 std::string_view SchemaStatements::valueOf(SchemaAttribute name) const
@@ -276,13 +271,14 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         isValid = value == "elementOnly" || value == "empty" || (!knowsPrefixes && isTextContent(value));
         break;
     case Word::defaultAttributes:
-        addFinding(SourceReport::declarationSkipped, shown(called) + "=" + CString(value));
+        addFinding(SourceReport::declarationSkipped, called.qualified() + "=" + CString(value));
         break;
     default:
         break;
     }
     if (!isValid)
-        addFinding(SourceReport::invalidValue, shown(called) + "=\"" + CString(value.substr(0, kLongestValue)) + "\"");
+        addFinding(SourceReport::invalidValue,
+                   called.qualified() + "=\"" + CString(value.substr(0, kLongestValue)) + "\"");
     if (!value.empty() || attribute.name == Word::value)
         present |= bitOf(attribute.name);
 }
@@ -300,7 +296,8 @@ void SchemaStatements::enterStatement(SchemaTag tag, Level& level)
     }
     const bool isTop = open.size() == 1 || holder.holder == Tag::redefine;
     if (const char* missing = missingIn(tag, holder.holder, isTop); missing && !isMisspelt)
-        addFinding(*missing ? SourceReport::malformedDeclaration : SourceReport::nameMissing, shown(current) + missing);
+        addFinding(*missing ? SourceReport::malformedDeclaration : SourceReport::nameMissing,
+                   current.qualified() + missing);
     if (has(Word::ref) && !isTop && (has(Word::name) || has(Word::type)))
         addFinding(SourceReport::unknownAttribute, CString(has(Word::name) ? "name" : "type") + " beside ref");
     if (tag == Tag::restriction && holder.holder == Tag::simpleType)
@@ -378,7 +375,7 @@ void SchemaStatements::countStatement(SchemaTag tag)
         ++details[SourceReport::typeAlternative];
         break;
     case Tag::openContent:
-        addFinding(SourceReport::anyElement, shown(current));
+        addFinding(SourceReport::anyElement, current.qualified());
         break;
     case Tag::element:
     case Tag::attribute:

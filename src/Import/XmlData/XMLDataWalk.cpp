@@ -34,7 +34,7 @@ void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
 {
     const bool isRoot = !open.back().item;
     if (isRoot)
-        setRootTag(name.prefix ? CString(name.prefix) + ":" + name.local : name.local);
+        setRootTag(name.qualified());
     Pair& child = pairOf(open.back().item, name.local, false);
     addOccurrence(child);
     // Attributes are counted before the node opens: their keys end in the number of the element's parent, so the
