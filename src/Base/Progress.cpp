@@ -46,7 +46,7 @@ ProgressHandler setProgressHandler(ProgressHandler handler)
     return std::exchange(currentHandler(), std::move(handler));
 }
 
-BackgroundWork::BackgroundWork(std::function<bool()> wanted) : isWanted(std::move(wanted))
+BackgroundWork::BackgroundWork(std::function<bool()> mayContinue) : mayContinue(std::move(mayContinue))
 {
     background = this;
 }
@@ -65,7 +65,7 @@ bool reportProgress(const Progress& progress)
 bool isStillWanted()
 {
     if (background)
-        return background->isWanted();
+        return background->mayContinue();
     const ProgressHandler& handler = currentHandler();
     return !handler || handler(last);
 }

@@ -41,19 +41,19 @@ ProgressHandler setProgressHandler(ProgressHandler handler);
 struct Cancelled
 {};
 
-/// A scope in which the thread that created it works in the background: its work continues while `isWanted` returns
+/// A scope in which the thread that created it works in the background: its work continues while `mayContinue` returns
 /// true, and the progress handler is not called. Work in other threads is not affected. Scopes of one thread must not
 /// be nested.
 class BackgroundWork
 {
 public:
-    /// `isWanted` is called in this thread, as often as the progress handler would be.
-    explicit BackgroundWork(std::function<bool()> isWanted);
+    /// `mayContinue` is called in this thread, as often as the progress handler would be.
+    explicit BackgroundWork(std::function<bool()> mayContinue);
     ~BackgroundWork();
     BackgroundWork(const BackgroundWork&) = delete;
     BackgroundWork& operator=(const BackgroundWork&) = delete;
 
-    const std::function<bool()> isWanted;
+    const std::function<bool()> mayContinue;
 };
 
 /// Passes `progress` to the handler and returns whether to continue. For work that ends in its own way if refused;

@@ -97,8 +97,8 @@ Bytes8 loadShort(const char* bytes, std::size_t size)
 {
     if (size >= sizeof(std::uint32_t))
         return load<std::uint32_t>(bytes) | Bytes8{load<std::uint32_t>(bytes + size - sizeof(std::uint32_t))} << 32;
-    const auto at = [bytes](std::size_t i) { return Bytes8{static_cast<unsigned char>(bytes[i])}; };
-    return (repeated(' ') << 24) | at(0) << 16 | at(size / 2) << 8 | at(size - 1);
+    const auto byte = [bytes](std::size_t i) { return Bytes8{static_cast<unsigned char>(bytes[i])}; };
+    return (repeated(' ') << 24) | byte(0) << 16 | byte(size / 2) << 8 | byte(size - 1);
 }
 
 // Sixteen characters in one register. They are signed, so that bytes outside of ASCII are below the blank.
