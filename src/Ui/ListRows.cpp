@@ -75,7 +75,7 @@ void ListRows::arrange(const QString& text, const std::vector<int>* among, int c
         std::iota(shown.begin(), shown.end(), 0);
     }
     if (!text.isEmpty())
-        std::erase_if(shown, [this, wanted = Wanted(text)](int row) { return !contains(row, wanted); });
+        std::erase_if(shown, [this, wanted = Wanted(text)](int row) { return !matches(row, wanted); });
     if (column >= 0)
         sortShown(column, order);
     places.assign(static_cast<std::size_t>(count), -1);
@@ -84,7 +84,7 @@ void ListRows::arrange(const QString& text, const std::vector<int>* among, int c
     endResetModel();
 }
 
-bool ListRows::contains(int row, const Wanted& wanted) const
+bool ListRows::matches(int row, const Wanted& wanted) const
 {
     for (int column = 0; column < titles.size(); ++column)
         if (wanted.isIn(cells(row, column)))

@@ -60,7 +60,7 @@ public:
 private:
     class Wanted;
     struct SortKey;
-    bool contains(int row, const Wanted& wanted) const;
+    bool matches(int row, const Wanted& wanted) const;
     static void setStarts(std::vector<SortKey>& keys);
     void sortShown(int column, Qt::SortOrder order);
 
