@@ -5,6 +5,7 @@
 #include "Base/SourceFault.h"
 
 #include <array>
+#include <compare>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -17,6 +18,8 @@ struct SourcePlace
     std::uint32_t file = 0;   ///< number from SourceReport::addFile()
     std::uint32_t line = 0;   ///< counted from 1; 0 if unknown
     std::uint32_t column = 0; ///< counted from 1, in bytes; 0 if unknown
+
+    friend auto operator<=>(const SourcePlace&, const SourcePlace&) = default;
 };
 
 /// Ends an import; thrown by readers if a source can't be imported at all. `text` is the message to the user, `fault`

@@ -53,7 +53,7 @@ void JsonMessage::read(const CString& source, const CString& fileName, SourceTyp
     const RootNames names(types);
     for (const CString& root : queryRoots()) {
         const SourceTypes::Index candidate = names.find(root);
-        wanted.insert(JsonTypes::keyOf(types.candidates[candidate].place));
+        wanted.insert(types.candidates[candidate].place);
         xml.want(candidate);
     }
     SourceTypes alone(fileName);

@@ -4,7 +4,6 @@
 #include "Import/Json/JsonContents.h"
 
 #include <set>
-#include <tuple>
 #include <unordered_set>
 
 /// Makes types from JSON Schemas: the records and enumerations of the requested schemas, and of all they refer to.
@@ -25,10 +24,11 @@ public:
         friend bool operator==(const Shape&, const Shape&) = default;
     };
 
-    /// A place as a key, which identifies a schema in both passes of JsonMessage::read().
-    using PlaceKey = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;
-    using Places = std::set<PlaceKey>;
-    static PlaceKey keyOf(SourcePlace place) { return {place.file, place.line, place.column}; }
+    /// The maximum number of nested tables; the name of each is longer by "t_".
+    static constexpr std::uint16_t kMaxDepth = 100;
+
+    /// Places identify schemas in both passes of JsonMessage::read().
+    using Places = std::set<SourcePlace>;
 
     /// With `wanted`, only the candidates at these places are read, and what they refer to. All must outlive this
     /// object.
@@ -38,7 +38,7 @@ public:
     {}
 
     /// Returns whether a schema that no field refers to is read.
-    bool isWanted(Index schema) const { return !wanted || wanted->contains(keyOf(tree[schema].place)); }
+    bool isWanted(Index schema) const { return !wanted || wanted->contains(tree[schema].place); }
 
     /// Sets the position in the set of the document that further candidates count for.
     void setSource(Index position) { source = position; }
