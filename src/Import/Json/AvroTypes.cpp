@@ -13,7 +13,6 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::uint16_t kMaxDepth = 100;      // of nested arrays
 constexpr std::size_t kMaxSteps = 20'000'000; // see spendStep()
 
 } // namespace
@@ -149,7 +148,7 @@ std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternati
             shape.type = *leaf;
             return shape;
         }
-        if (++shape.depth > kMaxDepth) {
+        if (++shape.depth > JsonTypes::kMaxDepth) {
             documents.note(SourceReport::cutShort, place, "arrays inside each other");
             return Shape();
         }

@@ -260,7 +260,7 @@ private:
     // value that is an array in one example and single in another becomes text, unless it holds objects.
     JsonTypes::Shape typeOf(Index at, std::string_view name, SourceTypes::Index home)
     {
-        constexpr std::uint16_t deepest = 100;
+        constexpr std::uint16_t deepest = JsonTypes::kMaxDepth;
         const Shape unknown; // of the items of arrays that were empty in all documents
         const Shape* shape = &shapes[at];
         const Shape* mixed = nullptr; // an array, or a single value

@@ -10,8 +10,6 @@ namespace {
 
 using Index = JsonNode::Index;
 
-constexpr std::uint16_t kMaxDepth = 100; // of nested tables; the name of each is longer by "t_"
-
 // Returns the text up to its first sentence end or empty line. A full stop ends a sentence if white space follows and
 // then no lower-case letter, so "e.g." doesn't.
 std::string_view firstSentence(std::string_view text)
