@@ -57,6 +57,7 @@ void JsonContents::step(std::size_t count)
 // schemas may nest without bound.
 JsonContent JsonContents::of(Index schema)
 {
+    cancelPoint.pass();
     schema = tree.target(schema);
     if (const auto known = contents.find(schema); known != contents.end())
         return *known->second;

@@ -174,7 +174,6 @@ void JsonTypes::readFields(const Pending& record)
                                                    : fieldOf("value", record.content.items, record.record));
     } else {
         for (std::uint32_t i = 0; i < record.content.count; ++i) {
-            cancelPoint.pass();
             // Copied, because working out its schema moves the fields.
             const JsonMember field = contents.membersOf(record.content)[i];
             std::string_view& name = keptNames[field.name];

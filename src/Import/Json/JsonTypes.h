@@ -129,5 +129,4 @@ private:
     std::vector<Pending> pending;
     std::size_t finished = 0;               // of these
     std::vector<SourceTypes::Field> fields; // of the current record; a buffer
-    CancelPoint cancelPoint{4096};
 };
