@@ -95,14 +95,14 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     CString text;
     if (const FileCause cause = readFile(fileName, text, kMaxNamedFile); cause != FileCause::none)
         throw SourceRefusal{cantOpen(shownName, cause), {shownName, inWords(fileName, cause)}};
+    const std::string_view content = std::string_view(text).substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
     // In YAML, "<<" is a key.
-    const std::size_t mark = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
-    if (const std::string_view start = trimmed(std::string_view(text).substr(mark, kStart));
+    if (const std::string_view start = trimmed(content.substr(0, kStart));
         start.starts_with('<') && !start.starts_with("<<"))
         throw SourceRefusal{shownName + ": it is XML, not JSON or YAML.", {shownName, "it is XML, not JSON or YAML"}};
     beginWork(Work::reading);
     const auto first = static_cast<Index>(tree.size());
-    const Index root = readJsonTree(fileName, text, tree, types, report, number, withComments);
+    const Index root = readJsonTree(fileName, content, tree, types, report, number, withComments);
     Document& document = documents[number];
     document.root = root;
     document.folder = folderOf(fileName);

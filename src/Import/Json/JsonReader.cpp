@@ -384,10 +384,7 @@ JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, J
 {
     JsonBuilder builder(tree, types, report, document);
     const bool isNamedYaml = endsWithAscii(fileName, ".yaml") || endsWithAscii(fileName, ".yml");
-    if (text.starts_with("\xEF\xBB\xBF"))
-        text.remove_prefix(3);
-    std::string_view start = text;
-    start.remove_prefix(std::min(start.size(), start.find_first_not_of(" \t\r\n")));
+    const std::string_view start = trimmed(text, " \t\r\n");
     const bool isJson = start.empty() || start.front() == '{' || start.front() == '[' || beginsWithComment(start) ||
                         endsWithAscii(fileName, ".json");
     return isNamedYaml || !isJson ? YamlReader(text, builder, tree).read() : readJson(text, builder, withComments);
