@@ -216,17 +216,16 @@ JsonNode::Index JsonDocuments::resolve(Index holder, bool mayBeText)
 // resource is the one around the reference.
 JsonDocuments::Resolved JsonDocuments::lookUp(Index holder, std::string_view reference)
 {
-    Resolved found;
     const std::size_t hash = std::min(reference.find('#'), reference.size());
     const std::string_view uri = reference.substr(0, hash);
     const std::string_view fragment = reference.substr(std::min(hash + 1, reference.size()));
     const Index own = resourceOf(holder);
-    const Index resource = uri.empty() ? own : findDocument(holder, own, uri, found.fault);
-    if (resource == 0)
-        return found;
-    found.node = tree.target(followFragment(resource, fragment));
+    const Resolved resource = uri.empty() ? Resolved{own} : findDocument(holder, own, uri);
+    if (resource.node == 0)
+        return resource;
+    Resolved found{tree.target(followFragment(resource.node, fragment))};
     if (found.node == 0) // many documents write pointers from the root, although a schema between has an identifier
-        found.node = tree.target(followFragment(rootOf(resource), fragment));
+        found.node = tree.target(followFragment(rootOf(resource.node), fragment));
     if (found.node != 0)
         link(holder, found.node);
     return found;
@@ -234,21 +233,18 @@ JsonDocuments::Resolved JsonDocuments::lookUp(Index holder, std::string_view ref
 
 // Returns the resource with a URI: a known one, else the local file, which is read. An identifier takes precedence,
 // because documents given together may refer to each other by URLs.
-JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::string_view uri,
-                                            SourceReport::Construct& fault)
+JsonDocuments::Resolved JsonDocuments::findDocument(Index holder, Index resource, std::string_view uri)
 {
     const auto known = resources.find(resolveUri(uriOf(resource), uri));
     if (known != resources.end())
-        return known->second;
+        return {known->second};
     // A URI loses its dot segments before it is a path, so "sub/../b.json" needs no folder "sub".
     const CString path = std::filesystem::path(localPath(uri)).lexically_normal().string();
     // Copied, because reading a document adds to the list.
     const CString folder = documents[tree[holder].place.file].folder;
     const auto file = path.empty() ? std::nullopt : finder.find(folder, path);
-    if (!file) {
-        fault = path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing;
-        return 0;
-    }
+    if (!file)
+        return {0, path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing};
     // Entered before it is read, so that a document that fails isn't read again.
     const auto [entry, isNew] = parsed.try_emplace(file->id);
     if (isNew) {
@@ -256,7 +252,7 @@ JsonNode::Index JsonDocuments::findDocument(Index holder, Index resource, std::s
         entry->second = readNamed(*file, path, holder);
         report.pause(wasPaused);
     }
-    return entry->second;
+    return {entry->second};
 }
 
 // Reads a document that `holder` refers to. Returns 0 and reports a loss if it can't be read.

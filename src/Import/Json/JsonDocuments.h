@@ -91,7 +91,7 @@ private:
     const CString& uriOf(Index resource) const;
     Index resourceOf(Index node) const;
     Resolved lookUp(Index holder, std::string_view reference);
-    Index findDocument(Index holder, Index resource, std::string_view uri, SourceReport::Construct& fault);
+    Resolved findDocument(Index holder, Index resource, std::string_view uri);
     Index readNamed(const FoundFile& file, const CString& path, Index holder);
     Index originOf(Index node) const;
     Index followFragment(Index resource, std::string_view fragment) const;
