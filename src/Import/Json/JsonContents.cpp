@@ -101,8 +101,8 @@ void JsonContents::enter(Index schema)
     Frame& frame = frames.emplace_back();
     frame.node = schema;
     const JsonWord key = tree.keyOf(schema);
-    const bool isMade = tree[schema].parent == 0 && documents.rootOf(schema) != schema;
-    if (tree.is(schema, JsonNode::array) && (isMade || isOneOf(key, {JsonWord::oneOf, JsonWord::anyOf}))) {
+    if (tree.is(schema, JsonNode::array) &&
+        (documents.isMade(schema) || isOneOf(key, {JsonWord::oneOf, JsonWord::anyOf}))) {
         const How how = key == JsonWord::allOf ? both : key == JsonWord::then ? maybe : either;
         for (const Index at : tree.childrenOf(schema))
             frame.parts.push_back({at, how});

@@ -344,7 +344,7 @@ bool JsonDocuments::isDeclared(Index schema) const
 {
     const Index parent = tree[schema].parent;
     if (parent == 0)
-        return rootOf(schema) == schema;
+        return !isMade(schema);
     return tree.is(parent, JsonNode::object) && tree[parent].role == JsonNode::names &&
            isOneOf(tree.keyOf(parent), {JsonWord::defs, JsonWord::definitions, JsonWord::schemas});
 }
@@ -353,7 +353,7 @@ bool JsonDocuments::isDeclared(Index schema) const
 JsonNode::Index JsonDocuments::originOf(Index node) const
 {
     Index made = node;
-    while (tree[made].parent == 0 && rootOf(made) != made) {
+    while (isMade(made)) {
         if (!tree.is(tree[made].firstChild, JsonNode::alias))
             return node;
         made = tree.target(tree[made].firstChild);

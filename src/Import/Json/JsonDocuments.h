@@ -48,6 +48,9 @@ public:
     /// Returns the root of the document of `node`.
     Index rootOf(Index node) const { return documents[tree[node].place.file].root; }
 
+    /// Returns whether a node was made by a reader: it has no parent, but is not the root of a document.
+    bool isMade(Index node) const { return tree[node].parent == 0 && rootOf(node) != node; }
+
     /// Returns whether a schema is declared by name, or is the whole document.
     bool isDeclared(Index schema) const;
 
