@@ -9,40 +9,33 @@
 #include "Resources/StringIds.h"
 #include "Xml/XmlLimits.h"
 
-// toXmlText() converts the base path separately, because its encoding may differ from that of the names.
 int MsgBase::parseFile(const CString& fileName, const CString& basePath)
 {
     clear();
-    CString source;
+    CString source = fileName;
     if (!isFileMode()) {
         const FileCause cause = readFile(fileName, source);
         if (cause != FileCause::none)
             return fail(cantOpen(fileName, cause), {fileName, inWords(fileName, cause)});
     }
-    return orEmpty([&] {
-        const int result = parse(isFileMode() ? fileName : source, toXmlText(basePath), fileName);
-        source = CString(); // freed, because arranging needs memory, too; `= {}` would keep the storage
-        onAfterParse();
-        return result;
-    });
+    return parseAndArrange(std::move(source), basePath, fileName);
 }
 
 int MsgBase::parseData(const CString& data, const CString& basePath)
 {
     clear();
-    return orEmpty([&] {
-        const int result = parse(data, toXmlText(basePath), {});
-        onAfterParse();
-        return result;
-    });
+    return parseAndArrange(data, basePath, {});
 }
 
-// Runs an import. If it is cancelled, clears the model, so that no part of it stays, and passes the exception on.
-template <class Import>
-int MsgBase::orEmpty(Import import)
+// If the import is cancelled, clears the model, so that no part of it stays, and passes the exception on. toXmlText()
+// converts the base path separately, because its encoding may differ from that of the names.
+int MsgBase::parseAndArrange(CString source, const CString& basePath, const CString& fileName)
 {
     try {
-        return import();
+        const int result = parse(source, toXmlText(basePath), fileName);
+        source = CString(); // freed, because arranging needs memory, too; `= {}` would keep the storage
+        onAfterParse();
+        return result;
     } catch (const Cancelled&) {
         onCancelled();
         clear();

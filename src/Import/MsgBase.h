@@ -119,8 +119,7 @@ protected:
     bool isEmptyAllowed = false; // see allowEmpty()
 
 private:
-    template <class Import>
-    int orEmpty(Import import);
+    int parseAndArrange(CString source, const CString& basePath, const CString& fileName);
 
     ErrorHandler errorHandler;
     std::size_t enumPosition = static_cast<std::size_t>(-1); // of the cursor; beyond the end before beginEnum()
