@@ -159,10 +159,9 @@ class ChildElement
 public:
     ChildElement(Element* element, Element* parent) : element(element), parent(parent) {}
 
-    /// Return the element, the parent (null for a top-level element), and the number of occurrences.
+    /// Return the element and the parent, which is null for a top-level element.
     Element* queryElement() const { return element; }
     Element* queryParent() const { return parent; }
-    unsigned int queryInstances() const { return instances; }
 
 private:
     friend class TypeModel;
