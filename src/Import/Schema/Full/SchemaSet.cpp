@@ -93,15 +93,6 @@ bool SchemaSet::endDocument(SchemaReader& reader, bool isRead)
     return isRead;
 }
 
-// Reads one file into a new document, which messages call `shownName`. Returns false on failure, with the error in
-// `xml`.
-bool SchemaSet::read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most)
-{
-    beginDocument(folderOf(fileName), report.addFile(shownName));
-    SchemaReader reader(tree, report);
-    return endDocument(reader, xml.streamFile(fileName, reader, most) != 0);
-}
-
 // Returns the file of a document: by the catalogues, else by its location, else by its namespace. `path` is set to the
 // path that led to it, else to that of its location. The location is looked up in the catalogues as written and as an
 // absolute URI, because they may list either form. An entry that refers to no file is skipped.
@@ -167,11 +158,12 @@ void SchemaSet::follow(Index reference, std::vector<Following>& waiting)
 // without nodes, so that further references to its file are not reported.
 void SchemaSet::readNamed(const FoundFile& file, const CString& path, Index reference)
 {
-    // A copy, because read() adds a document.
-    const SchemaDocument from = tree.documentOf(reference);
-    XmlDocument xml;
+    const SchemaDocument& from = tree.documentOf(reference); // valid until beginDocument()
     const CString shownName = shownFrom(report.fileNameOf(from.file), from.folder, path, file);
-    if (!read(file.name, shownName, xml, kMaxNamedFile))
+    beginDocument(folderOf(file.name), report.addFile(shownName));
+    SchemaReader reader(tree, report);
+    XmlDocument xml;
+    if (!endDocument(reader, xml.streamFile(file.name, reader, kMaxNamedFile) != 0))
         reportUnread({tree.documents.back().file, placeOf(reference), tree.text(tree[reference].name)}, xml, report);
     else if (tree.documents.back().root == 0)
         note(SourceReport::moduleUnreadable, reference);

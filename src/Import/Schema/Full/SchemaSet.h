@@ -208,7 +208,6 @@ private:
     std::vector<WsdlReader::Import> readSource(const SourceFile& file);
     void beginDocument(const CString& folder, std::uint32_t file);
     bool endDocument(SchemaReader& reader, bool isRead);
-    bool read(const CString& fileName, const CString& shownName, XmlDocument& xml, std::size_t most);
     void readText(const Embedded& schema);
     std::optional<std::uint32_t> loadReferred(const Embedded& schema);
     void follow(Index reference, std::vector<Following>& waiting);
