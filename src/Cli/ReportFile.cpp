@@ -12,12 +12,6 @@
 
 namespace {
 
-SourceFault faultOf(const SourceReport& report, const SourceReport::Entry& entry, bool isWarning)
-{
-    return {report.fileNameOf(entry.place.file), SourceReport::inWords(entry), static_cast<long>(entry.place.line),
-            static_cast<long>(entry.place.column), isWarning};
-}
-
 // Returns a hint to the list of losses with their places.
 CString listingHint(const ReportOptions& options, std::size_t losses)
 {
@@ -64,7 +58,7 @@ void reportLosses(const SourceReport& report, const ReportOptions& options, Diag
     const std::size_t losses = report.queryTotal(SourceReport::loss);
     for (const SourceReport::Entry& entry : report.queryEntries(SourceReport::loss))
         if (options.isStrict || (diagnostics.isVerbose() && !SourceReport::rowFor(entry.construct).isShown))
-            diagnostics.add(faultOf(report, entry, !options.isStrict));
+            diagnostics.add(report.faultAt(entry.place, SourceReport::inWords(entry), !options.isStrict));
     if (losses > 0 && !options.isStrict)
         diagnostics.warning(report.lossesInWords() + (other.empty() ? listingHint(options, losses) : ""), other);
     if (const std::size_t unlisted = report.queryUnlisted(SourceReport::loss); unlisted > 0 && options.isStrict)

@@ -2,6 +2,7 @@
 
 #include "Base/Fingerprint.h"
 #include "Base/Utf8.h"
+#include "Files/FileMessage.h"
 
 #include <algorithm>
 #include <functional>
@@ -159,6 +160,13 @@ void SourceReport::add(Construct construct, SourcePlace place, std::string_view 
     } else if (countPlace(construct, place, hash)) {
         list({names.keep(shortened(name)), place, construct});
     }
+}
+
+void SourceReport::addIllFormed(std::uint32_t file, const SourceFault& fault, SourcePlace namedAt)
+{
+    const CString from = placeInWords(fileNameOf(namedAt.file), namedAt.line, namedAt.column);
+    add(moduleIllFormed, {file, static_cast<std::uint32_t>(fault.line), static_cast<std::uint32_t>(fault.column)},
+        fault.reason + " (named in " + from + ")");
 }
 
 // Counts a construct, and returns whether to list its place. Repetitions are dropped only if the column is known,

@@ -156,10 +156,20 @@ public:
     std::uint32_t addFile(const CString& fileName);
     /// Returns the name of a file by its number.
     const CString& fileNameOf(std::uint32_t file) const { return files[file]; }
+    /// Returns an error or a warning about the source at a place.
+    SourceFault faultAt(SourcePlace place, const CString& reason, bool isWarning = false) const
+    {
+        return {fileNameOf(place.file), reason, static_cast<long>(place.line), static_cast<long>(place.column),
+                isWarning};
+    }
     std::uint32_t fileCount() const { return static_cast<std::uint32_t>(files.size()); }
 
     /// Adds a construct at a place. The name is copied; one of more than 200 bytes is cut.
     void add(Construct construct, SourcePlace place, std::string_view name);
+
+    /// Adds a document that is not well-formed, by its fault. The name includes the place of the reference to the
+    /// document, because the user may not know it.
+    void addIllFormed(std::uint32_t file, const SourceFault& fault, SourcePlace namedAt);
 
     /// Counts a detail without a place.
     void count(Construct construct, std::size_t times = 1)

@@ -196,9 +196,7 @@ DTDEntities::Text* DTDEntities::load(const Entity& entity, SourcePlace where)
     // A file that exists but can't be read is an error, not a loss: the user can give access to it.
     if (cause != FileCause::none)
         throw SourceRefusal{cantOpen(found->name, cause),
-                            {report.fileNameOf(where.file),
-                             CString(entity.systemId) + ": " + inWords(found->name, cause),
-                             static_cast<long>(where.line), static_cast<long>(where.column)}};
+                            report.faultAt(where, CString(entity.systemId) + ": " + inWords(found->name, cause))};
     const CString shown = shownFrom(report.fileNameOf(declaring), folder, path, *found);
     return &addFile(*found, shown, types.adopt(std::move(bytes)));
 }

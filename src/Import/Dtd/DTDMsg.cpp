@@ -75,7 +75,6 @@ int DTDMessage::parse(const CString& source, const CString& basePath, const CStr
     Text parsed(hasNul ? copy : source);
     text = &parsed;
     needsNoConversion = isXmlText(parsed.whole);
-    sourceName = fileName;
     report.addFile(fileName);
     DTDNotes(parsed.whole, parsed.places, report, isReportWanted).read();
     const int result = scan();
@@ -147,17 +146,17 @@ int DTDMessage::refuse(std::string_view statement, const CString& bound)
     std::string_view start = statement.substr(0, kExcerpt);
     if (start.size() < statement.size())
         dropPartialCharacter(start);
-    return fail(fillText(loadText(IDS_DTD_STATEMENT), start),
-                faultAt(placeOf(statement), fillText(loadText(IDS_DTD_STATEMENT),
-                                                     "a limit is exceeded: " + bound + ": " + CString(start))));
+    return fail(
+        fillText(loadText(IDS_DTD_STATEMENT), start),
+        report.faultAt(statementPlace(placeOf(statement)),
+                       fillText(loadText(IDS_DTD_STATEMENT), "a limit is exceeded: " + bound + ": " + CString(start))));
 }
 
-// Returns the fault for the statement that begins at `at`, or at the last '<' before it.
-SourceFault DTDMessage::faultAt(std::size_t at, const CString& words)
+// Returns the place of the statement that begins at `at`, or at the last '<' before it.
+SourcePlace DTDMessage::statementPlace(std::size_t at) const
 {
     const std::size_t start = text->whole.rfind('<', at);
-    const SourcePlace place = text->places.at(start == kNowhere ? at : start);
-    return {sourceName, words, place.line, place.column};
+    return text->places.at(start == kNowhere ? at : start);
 }
 
 // Parses one statement, from its '<' through its '>'. Both handlers run if both keywords occur.
@@ -297,12 +296,9 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
         std::string_view element, attribute;
         if (!takeWord(element) || !takeWord(attribute)) {
             const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement);
-            SourceFault fault = faultAt(start, words);
-            fault.isWarning = true;
-            report.add(SourceReport::statementUnreadable,
-                       {0, static_cast<std::uint32_t>(fault.line), static_cast<std::uint32_t>(fault.column)},
-                       statement);
-            showFault(words, fault);
+            const SourcePlace place = statementPlace(start);
+            report.add(SourceReport::statementUnreadable, place, statement);
+            showFault(words, report.faultAt(place, words, true));
             return;
         }
         if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)

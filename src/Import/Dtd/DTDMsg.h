@@ -172,12 +172,11 @@ private:
         return unmarked ? *unmarked : child;
     }
     int refuse(std::string_view statement, const CString& bound);
-    SourceFault faultAt(std::size_t at, const CString& words);
+    SourcePlace statementPlace(std::size_t at) const;
     void noteName(DTDElement& entry, const DTDElement& mention, const Element& element);
     void note(SourceReport::Construct construct, DTDElement& entry, std::size_t place, std::string_view name);
     static Modifiers getModifiers(std::string_view& name);
 
-    CString sourceName;
     CString mainType;     // see queryMainTypeName()
     CString previousMain; // its value before the current import, restored if that is cancelled
     KeyedTable<DTDElement, &DTDElement::queryName> dtdElements;

@@ -243,13 +243,10 @@ std::uint32_t Catalogs::read(const FoundFile& file, const Named* named)
     if (!named)
         throw SourceRefusal{file.name + " is not an XML catalogue.", {file.name, "it is not an XML catalogue"}};
     const SourceFault& fault = xml.queryFault();
-    const auto [from, line, column] = named->place;
     if (isRead || fault.line == 0) // readable, but no catalogue, or not readable at all
         report.add(SourceReport::moduleUnreadable, named->place, named->reference);
     else
-        report.add(SourceReport::moduleIllFormed,
-                   {reportFile, static_cast<std::uint32_t>(fault.line), static_cast<std::uint32_t>(fault.column)},
-                   fault.reason + " (named in " + placeInWords(report.fileNameOf(from), line, column) + ")");
+        report.addIllFormed(reportFile, fault, named->place);
     // The catalogue stays, but empty, because `known` has its number.
     catalogs.back() = {};
     return kNoCatalog;

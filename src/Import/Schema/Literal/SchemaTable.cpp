@@ -281,8 +281,7 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, 
     if (!entry) {
         const SchemaElement* const earlier = schemaElements.find(alone);
         if (parent.name == content.name) {
-            onCycle({report.fileNameOf(content.place.file), CString(content.name) + " stands inside itself",
-                     static_cast<long>(content.place.line), static_cast<long>(content.place.column), true});
+            onCycle(report.faultAt(content.place, CString(content.name) + " stands inside itself", true));
             report.add(SourceReport::recursiveDeclaration, content.place, content.name);
             ++cyclicReferences;
             return nullptr;
