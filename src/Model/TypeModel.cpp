@@ -19,8 +19,8 @@ Element* TypeModel::findElement(std::string_view name) const
     return known ? known->element : nullptr;
 }
 
-Element* TypeModel::addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
-                               const CString& description, Element::ElementTypes type, Element* parent)
+Element* TypeModel::addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
+                               std::string_view description, Element::ElementTypes type, Element* parent)
 {
     const Declared made = findOrMake(pathNamed(path), names.intern(name), type);
     if (made.isFirst)

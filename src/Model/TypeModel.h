@@ -34,8 +34,8 @@ public:
     /// Adds a usage of an element under `parent` (null for a top-level element) and returns the element. Creates it if
     /// the name is new; path, description and type then apply. An element without a name is always new. Throws
     /// Cancelled.
-    Element* addElement(const Fingerprint& usageKey, const CString& path, const CString& name,
-                        const CString& description, Element::ElementTypes type, Element* parent);
+    Element* addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
+                        std::string_view description, Element::ElementTypes type, Element* parent);
 
     /// Does the same with the generated description of the name, without building its text.
     Element* addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,

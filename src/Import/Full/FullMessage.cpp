@@ -1,15 +1,14 @@
 #include "Import/Full/FullMessage.h"
 
-#include "Base/Fingerprint.h"
 #include "Base/Progress.h"
 #include "Import/Full/EqualTypes.h"
 #include "Import/Full/MainElement.h"
 #include "Import/Full/RootNames.h"
 #include "Import/Full/SourceNames.h"
 #include "Import/Full/SpaceFolders.h"
+#include "Import/Full/TypeDeclarations.h"
 
 #include <algorithm>
-#include <array>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -20,7 +19,7 @@
 // - mergeEqualTypes() joins equal types of several namespaces, which changes indices.
 // - RecordOrder selects the records to import, and puts components before their users.
 // - SourceNames makes names unique, and turns repeated fields into tables.
-// - The declare functions add the types to the model, in that order, under their final names.
+// - TypeDeclarations adds the types to the model, in that order, under their final names.
 namespace {
 
 // Returns the file's name without folder and suffix, as an XML name.
@@ -65,14 +64,6 @@ void copyChoosers(SourceTypes& types, std::span<const std::pair<SourceTypes::Ind
     }
 }
 
-SourceTypes::Index spaceOf(const SourceTypes& types, SourceTypes::Type type)
-{
-    return type.kind == SourceTypes::kindEnumeration ? types.enumerations[type.index].space
-           : type.kind == SourceTypes::kindRecord    ? types.records[type.index].space
-           : type.kind == SourceTypes::kindTable     ? types.tables[type.index].space
-                                                     : 0;
-}
-
 } // namespace
 
 // The records of the main types, and the files that declare their elements.
@@ -81,27 +72,6 @@ struct FullMessage::MainTypes
     std::vector<Index> records;
     std::vector<std::uint32_t> files;
     bool isRequested = false; // chosen by the caller or by the sources: only what they reach is imported
-};
-
-// The state of declaring one import in the model.
-struct FullMessage::Declaring
-{
-    SourceTypes& types;
-    NamePool& names;
-    // By kind: the names of text, number and time.
-    std::array<Name*, 3> plainNames{&names.intern("String"), &names.intern("Number"), &names.intern("Time")};
-    std::vector<bool> enumerations = std::vector<bool>(types.enumerations.size()); // those declared already
-    std::vector<bool> tables = std::vector<bool>(types.tables.size());             // the same
-    std::vector<Name*> recordNames = std::vector<Name*>(types.records.size());     // full names that fields have used
-    std::vector<CString> paths{};                                                  // folder by namespace
-    std::vector<Name*> pathNames{};                                                // the same as names
-    std::vector<std::uint32_t> hashes{}, nextHashes{}; // of the names of the fields of the current and the next record
-    CString name{}, description{}, knownType{};        // reused buffers
-
-    Name& fullName(Index space, std::string_view shortName)
-    {
-        return names.intern(knownType.assign(paths[space]).append(shortName));
-    }
 };
 
 std::unique_ptr<FullMessage> FullMessage::createAnother() const
@@ -178,22 +148,20 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
     names.name(order.query(), main.records, main.files);
     if (!main.isRequested)
         names.nameUnused();
-    Declaring declaring{types, model.queryNames()};
-    declaring.paths.push_back(basePath + mainType + "\\");
+    std::vector<CString> paths{basePath + mainType + "\\"};
     if (bySpace) {
-        declaring.paths = foldersOf(types.spaces);
-        for (CString& path : declaring.paths)
+        paths = foldersOf(types.spaces);
+        for (CString& path : paths)
             path = basePath + path + (path.empty() ? "" : "\\");
     }
-    for (const CString& path : declaring.paths)
-        declaring.pathNames.push_back(&declaring.names.intern(path));
     // Each field may hold the path of its type.
-    types.spend(std::ranges::max(declaring.paths, {}, &CString::size).size() * types.fieldCount());
-    // A named enumeration is imported even if no field uses it. declareRecord() declares those that fields use.
+    types.spend(std::ranges::max(paths, {}, &CString::size).size() * types.fieldCount());
+    TypeDeclarations declarations(types, model, std::move(paths));
+    // A named enumeration is imported even if no field uses it. Those that fields use are declared with the records.
     for (Index enumeration = 0; !main.isRequested && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
-            declareEnumeration(declaring, enumeration);
-    declareRecords(declaring, order.query());
+            declarations.declareEnumeration(enumeration);
+    declarations.declareRecords(order.query());
     for (const auto& [uri, folder] : folders)
         if (!types.hasSpace(uri))
             unusedFolders.push_back(uri);
@@ -291,127 +259,4 @@ SourceTypes::Index FullMessage::recordOf(SourceTypes& types, Index candidate)
     if (element.choice != SourceTypes::kNone)
         types.choosers.emplace_back(record, element.choice);
     return record;
-}
-
-// Declares a type as a top-level element. Its usage key only needs to differ from those of other types.
-Element* FullMessage::declareType(Declaring& declaring, Index space, std::string_view name,
-                                  std::string_view description, Element::ElementTypes type)
-{
-    declaring.name = name;
-    const CString& path = declaring.paths[space];
-    RunningHash key(name);
-    // Types of different namespaces may share a name.
-    if (space != 0)
-        key.append(path);
-    if (description.empty())
-        return model.addElement(key, path, declaring.name, type, nullptr);
-    return model.addElement(key, path, declaring.name, declaring.description.assign(description), type, nullptr);
-}
-
-// While a record is declared, the names of the next one are prefetched, and the fields of one behind it, so that the
-// cache misses in their large tables overlap.
-void FullMessage::declareRecords(Declaring& declaring, std::span<const Index> records)
-{
-    constexpr std::size_t kAhead = 4;
-    const auto prefetchNames = [&](std::size_t at) {
-        declaring.nextHashes.clear();
-        if (at >= records.size())
-            return;
-        for (const SourceTypes::Field& field : std::as_const(declaring.types).fieldsOf(records[at])) {
-            declaring.nextHashes.push_back(keyHash(field.name));
-            declaring.names.prefetch(declaring.nextHashes.back());
-        }
-    };
-    prefetchNames(0);
-    for (std::size_t at = 0; at < records.size(); ++at) {
-        if (at + kAhead < records.size())
-            for (const SourceTypes::Field& field : std::as_const(declaring.types).fieldsOf(records[at + kAhead]))
-                __builtin_prefetch(&field);
-        declaring.hashes.swap(declaring.nextHashes);
-        prefetchNames(at + 1);
-        declareRecord(declaring, records[at]);
-    }
-}
-
-// Declares a record, after the enumerations and tables that its fields use.
-void FullMessage::declareRecord(Declaring& declaring, Index index)
-{
-    for (const SourceTypes::Field& field : declaring.types.fieldsOf(index)) {
-        if (field.type.kind == SourceTypes::kindEnumeration)
-            declareEnumeration(declaring, field.type.index);
-        if (field.type.kind == SourceTypes::kindTable && !declaring.tables[field.type.index])
-            declareTables(declaring, field.type.index);
-    }
-    const SourceTypes::Record& record = declaring.types.records[index];
-    Element* row = declareType(declaring, record.space, record.name, record.description, Element::typeRow);
-    // Repetition has been turned into tables, so each field occurs once and needs no usage.
-    const std::span<const SourceTypes::Field> fields = declaring.types.fieldsOf(index);
-    model.reserveFields(row, fields.size());
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        Name& name = declaring.names.intern(fields[i].name, declaring.hashes[i]);
-        Name& path = *declaring.pathNames[spaceOf(declaring.types, fields[i].type)];
-        Element* const element = model.addPart(row, path, name, Element::typeOther);
-        if (!fields[i].description.empty())
-            element->setDescription(fields[i].description);
-        element->setKnownType(typeName(declaring, fields[i].type));
-    }
-}
-
-// Constants are children with the path of the enumeration. Their element type is not used.
-void FullMessage::declareEnumeration(Declaring& declaring, Index index)
-{
-    if (declaring.enumerations[index])
-        return;
-    declaring.enumerations[index] = true;
-    const SourceTypes::Enumeration& enumeration = declaring.types.enumerations[index];
-    Element* type =
-        declareType(declaring, enumeration.space, enumeration.name, enumeration.description, Element::typeEnum);
-    Name& path = *declaring.pathNames[enumeration.space];
-    const std::span<const std::string_view> constants = declaring.types.constantsOf(index);
-    for (std::size_t i = 0; i < constants.size(); ++i) {
-        Element* const constant = model.addPart(type, path, declaring.names.intern(constants[i]), Element::typeString);
-        if (const std::string_view text = declaring.types.describeConstant(index, i); !text.empty())
-            constant->setDescription(text);
-    }
-}
-
-// Declares nested tables from the inside out.
-void FullMessage::declareTables(Declaring& declaring, Index outer)
-{
-    std::vector<Index> tables;
-    SourceTypes::Type component{SourceTypes::kindTable, outer};
-    for (; component.kind == SourceTypes::kindTable; component = declaring.types.tables[component.index].component)
-        tables.push_back(component.index);
-    if (component.kind == SourceTypes::kindEnumeration)
-        declareEnumeration(declaring, component.index);
-    for (auto index = tables.rbegin(); index != tables.rend(); ++index) {
-        if (declaring.tables[*index])
-            continue;
-        declaring.tables[*index] = true;
-        const SourceTypes::Table& table = declaring.types.tables[*index];
-        Element* type = declareType(declaring, table.space, table.name, {}, Element::typeTable);
-        Name& name = typeName(declaring, table.component);
-        type->setKnownType(name);
-        // The component is also a child, because the order would otherwise put the table first. A child has the path
-        // of its type, which identifies the type for the order.
-        Name& path = *declaring.pathNames[spaceOf(declaring.types, table.component)];
-        model.addPart(type, path, declaring.names.intern(table.name), Element::typeOther)->setKnownType(name);
-    }
-}
-
-Name& FullMessage::typeName(Declaring& declaring, SourceTypes::Type type)
-{
-    const SourceTypes& types = declaring.types;
-    const Index space = spaceOf(types, type);
-    if (type.kind <= SourceTypes::kindTime)
-        return *declaring.plainNames[type.kind];
-    if (type.kind == SourceTypes::kindEnumeration)
-        return declaring.fullName(space, types.enumerations[type.index].name);
-    if (type.kind == SourceTypes::kindTable)
-        return declaring.fullName(space, types.tables[type.index].name);
-    // Most references are to records, so each full name of a record is joined and looked up once.
-    Name*& known = declaring.recordNames[type.index];
-    if (!known)
-        known = &declaring.fullName(space, types.records[type.index].name);
-    return *known;
 }

@@ -109,7 +109,6 @@ protected:
 
 private:
     using Index = SourceTypes::Index;
-    struct Declaring;
 
     void onCancelled() override { forget(); }
     void forget();
@@ -119,13 +118,6 @@ private:
     std::vector<Index> chooseCandidates(const SourceTypes& types, const CString& fileName, bool& areRequested);
     Index recordOf(SourceTypes& types, Index candidate);
     static Index copyFor(SourceTypes& types, const SourceTypes::Candidate& element, Index record);
-    void declareRecords(Declaring& declaring, std::span<const Index> records);
-    void declareRecord(Declaring& declaring, Index record);
-    void declareEnumeration(Declaring& declaring, Index enumeration);
-    void declareTables(Declaring& declaring, Index outer);
-    static Name& typeName(Declaring& declaring, SourceTypes::Type type);
-    Element* declareType(Declaring& declaring, Index space, std::string_view name, std::string_view description,
-                         Element::ElementTypes type);
 
     MsgUIDescriptor& row;
     std::vector<CString> roots;
