@@ -85,6 +85,21 @@ void MsgBase::clear()
     enumPosition = static_cast<std::size_t>(-1);
 }
 
+void MsgBase::noteSharedKey(const TypeModel::Declared& made, const Element* parent, unsigned times, SourcePlace place)
+{
+    const auto inWords = [](const Element& element, const Element* record) {
+        return element.queryName() + (record ? " in " + record->queryName() : CString());
+    };
+    const CString& name = made.element->queryName();
+    const ChildElement* const first = model.findUsage(parent ? parent->queryName() + "." + name : name);
+    if (first && first->queryInstances() == times + 1)
+        report.add(SourceReport::inventedRepetition, place,
+                   inWords(*first->queryElement(), first->queryParent()) + ", because of " +
+                       inWords(*made.element, parent));
+    if (times > 1)
+        report.add(SourceReport::repetitionSkipped, place, name);
+}
+
 void MsgBase::showFault(const CString& text, const SourceFault& fault) const
 {
     if (errorHandler)

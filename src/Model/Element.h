@@ -159,9 +159,10 @@ class ChildElement
 public:
     ChildElement(Element* element, Element* parent) : element(element), parent(parent) {}
 
-    /// Return the element and the parent, which is null for a top-level element.
+    /// Return the element, the parent (null for a top-level element), and the number of occurrences.
     Element* queryElement() const { return element; }
     Element* queryParent() const { return parent; }
+    unsigned int queryInstances() const { return instances; }
 
 private:
     friend class TypeModel;

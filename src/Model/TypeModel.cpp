@@ -29,15 +29,14 @@ Element* TypeModel::addElement(const Fingerprint& usageKey, const CString& path,
     return made.element;
 }
 
-Element* TypeModel::addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
-                               Element::ElementTypes type, Element* parent)
+TypeModel::Declared TypeModel::addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
+                                          Element::ElementTypes type, Element* parent)
 {
     const Declared made = findOrMake(pathNamed(path), names.intern(name), type);
-    count(usages.declare(usageKey, made.element, parent), made, parent);
-    return made.element;
+    return count(usages.declare(usageKey, made.element, parent), made, parent);
 }
 
-bool TypeModel::addUsage(const Fingerprint& usageKey, Element* element, Element* parent)
+TypeModel::Declared TypeModel::addUsage(const Fingerprint& usageKey, Element* element, Element* parent)
 {
     return count(usages.declare(usageKey, element, parent), {element, false}, parent);
 }
@@ -45,17 +44,17 @@ bool TypeModel::addUsage(const Fingerprint& usageKey, Element* element, Element*
 TypeModel::Declared TypeModel::addRecord(const CString& path, std::string_view name, bool isAlone)
 {
     const Declared made = findOrMake(pathNamed(path), names.intern(name), Element::typeRow);
-    return {made.element, count(usages.declareRecord(made.element, isAlone), made, nullptr)};
+    return count(usages.declareRecord(made.element, isAlone), made, nullptr);
 }
 
 // The field lies in the record's folder, so no path needs to be looked up.
 TypeModel::Declared TypeModel::addField(Element* record, Name& name, Element::ElementTypes type)
 {
     const Declared made = findOrMake(*record->path, name, type);
-    return {made.element, count(usages.declareField(made.element, record), made, record)};
+    return count(usages.declareField(made.element, record), made, record);
 }
 
-bool TypeModel::addFieldUsage(Element* record, Element* field)
+TypeModel::Declared TypeModel::addFieldUsage(Element* record, Element* field)
 {
     return count(usages.declareField(field, record), {field, false}, record);
 }
@@ -74,15 +73,15 @@ void TypeModel::reserveFields(Element* record, std::size_t count)
 }
 
 // Links the element of a usage to its parent, unless a known usage has linked it. If the key was declared with another
-// element or parent, or an importer has linked elements itself, link() checks whether the link exists. Returns whether
-// the usage is the first of its key.
-bool TypeModel::count(UsageTable::Declared usage, const Declared& made, Element* parent)
+// element or parent, or an importer has linked elements itself, link() checks whether the link exists.
+TypeModel::Declared TypeModel::count(UsageTable::Declared usage, const Declared& made, Element* parent)
 {
     cancelPoint.pass();
     const auto [known, isFirst] = usage;
-    if (parent && (isFirst || known->element != made.element || known->parent != parent || parent->isLinkedManually))
+    const bool hasOtherParent = known->parent != parent;
+    if (parent && (isFirst || known->element != made.element || hasOtherParent || parent->isLinkedManually))
         parent->link(made.element, made.isFirst);
-    return isFirst;
+    return {made.element, isFirst, hasOtherParent || known->element->name != made.element->name};
 }
 
 // Returns the element of a name and whether it was created, which gives it the generated description.

@@ -12,11 +12,12 @@
 class TypeModel
 {
 public:
-    /// The result of a declaration: the element, and whether its usage key is new. The element is valid until clear().
+    /// The result of a declaration. The element is valid until clear().
     struct Declared
     {
         Element* element;
-        bool isFirst;
+        bool isFirst;          ///< the usage key is new
+        bool isShared = false; ///< the usage with this key is one of another name, or under another parent
     };
 
     /// `mergesByName`: a repeated name is the same element. Otherwise each declaration makes a new one. `fieldPrefix`
@@ -38,12 +39,11 @@ public:
                         std::string_view description, Element::ElementTypes type, Element* parent);
 
     /// Does the same with the generated description of the name, without building its text.
-    Element* addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
+    Declared addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
                         Element::ElementTypes type, Element* parent);
 
-    /// Adds another usage of an element that addElement() returned, without looking its name up. Returns whether the
-    /// usage is the first of its key.
-    bool addUsage(const Fingerprint& usageKey, Element* element, Element* parent);
+    /// Adds another usage of an element that addElement() returned, without looking its name up.
+    Declared addUsage(const Fingerprint& usageKey, Element* element, Element* parent);
 
     /// Adds a top-level record, with its name as usage key and the generated description. With `isAlone` it has no key.
     Declared addRecord(const CString& path, std::string_view name, bool isAlone = false);
@@ -52,8 +52,8 @@ public:
     /// The usage key is the prefix, the record's name, "." and `name`.
     Declared addField(Element* record, Name& name, Element::ElementTypes type);
 
-    /// Adds another usage of a field that addField() returned. Returns whether the usage is the first of its key.
-    bool addFieldUsage(Element* record, Element* field);
+    /// Adds another usage of a field that addField() returned.
+    Declared addFieldUsage(Element* record, Element* field);
 
     /// Adds an element that occurs once in `parent` and so needs no usage, with the generated description, and returns
     /// it. `parent` must have a usage, because arrange() orders what usages lead to.
@@ -96,7 +96,7 @@ private:
 
     Element* own(Element* element);
     Declared findOrMake(Name& path, Name& name, Element::ElementTypes type);
-    bool count(UsageTable::Declared usage, const Declared& element, Element* parent);
+    Declared count(UsageTable::Declared usage, const Declared& element, Element* parent);
     Name& pathNamed(const CString& path);
     Element* makeTable(ChildElement& usage, Name& tableName);
     void store(Element* element);

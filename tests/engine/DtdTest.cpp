@@ -99,6 +99,8 @@ const Case kLosses[] = {
      "x:2:13: name declared differently elsewhere: x_i\n"},
     {"RecordCalledLikeAnAttribute", "<!ATTLIST x i CDATA #IMPLIED>\n<!ELEMENT x_i (a)><!ELEMENT x (a)>",
      "x:1:13: name declared differently elsewhere: x_i\n"},
+    {"RecordCalledLikeAFieldOfAnother", "<!ELEMENT x (a)><!ELEMENT y (x.a)>\n<!ELEMENT x.a (b)>",
+     "x:1:30: single field read as repeated: a in x, because of x.a\n"},
     {"InAnotherEncoding", "<!ELEMENT x (\xE4*)>\n<!ELEMENT y (\xE4, \xE4?)>", "x:2:17: repetition skipped: \u00E4\n"},
     {"TextBesideElements", "<!ELEMENT x (#PCDATA|a)*>", "x:1:11: text beside fields skipped: x\n"},
     {"TextBesideAnAttribute", "<!ELEMENT y (x)>\n<!ELEMENT x (#PCDATA)><!ATTLIST x k CDATA #IMPLIED>",

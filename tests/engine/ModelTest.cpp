@@ -89,8 +89,9 @@ TEST(Model, FieldsAreToldApartByNamesAsByKeys)
             const auto draw = [&] { return names[random() % names.size()]; };
             for (unsigned records = 1 + random() % 8; records > 0; --records) {
                 const CString name = draw();
-                Element* const record = byNames ? m.model.addRecord("\\f\\", name).element
-                                                : m.model.addElement(name, "\\f\\", name, Element::typeRow, nullptr);
+                Element* const record = (byNames ? m.model.addRecord("\\f\\", name)
+                                                 : m.model.addElement(name, "\\f\\", name, Element::typeRow, nullptr))
+                                            .element;
                 for (unsigned fields = random() % 6; fields > 0; --fields) {
                     const CString field = draw();
                     if (byNames)

@@ -154,6 +154,9 @@ const Loss kLosses[] = {
      MAIN(ELEMENT("name='a'") ELEMENT("name='a'"))
          TYPE("P", SEQUENCE("\n" ELEMENT("name='a'") ELEMENT("name='b'") ELEMENT("name='a'"))),
      "4:1 repetition skipped: a", ""},
+    {"RecordCalledLikeARepeatedFieldOfAnother",
+     MAIN("") TYPE("P.a", SEQUENCE(ELEMENT("name='b'"))) TYPE("P", SEQUENCE("\n" ELEMENT("name='a' maxOccurs='2'"))),
+     "4:1 single field read as repeated: P.a, because of a in P\n4:1 repetition skipped: a", ""},
     {"RepetitionBesideAFieldCalledLikeItsTable", MAIN(ELEMENT("name='t_a'") "\n" ELEMENT("name='a' maxOccurs='2'")),
      "3:1 repetition skipped: a", ""},
     {"AlternativesOfOneNameInASecondRecord",

@@ -65,10 +65,10 @@ bool BrokerMessage::readType(const IXMLDOMNode& node)
         note(SourceReport::nameChanged, node, CString(type.name) + " is " + type.fullName());
     }
     noteUnnamed(type.name, node, "type in the folder ", type);
-    const auto [element, isFirst] = model.addRecord(type.folder, type.name, keepsTwins);
-    if (!isFirst)
+    const TypeModel::Declared made = model.addRecord(type.folder, type.name, keepsTwins);
+    if (!made.isFirst)
         note(SourceReport::declaredTwice, node, type.name);
-    type.element = element;
+    type.element = made.element;
     type.element->setDescription(description);
     IXMLDOMNodeList contents = node.childNodes();
     IXMLDOMNode content = contents.nextNode();
@@ -117,9 +117,9 @@ void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
         readAttributes(constant, {{"NAME", &name}, {"DESCRIPTION", &description}});
         noteUnnamed(name, constant, "constant of ", type);
         key.append(".").append(name);
-        Element* const element = keepsTwins
-                                     ? model.addPart(type.element, model.queryNames().intern(name), Element::typeString)
-                                     : model.addElement(key, type.folder, name, Element::typeString, type.element);
+        Element* const element =
+            keepsTwins ? model.addPart(type.element, model.queryNames().intern(name), Element::typeString)
+                       : model.addElement(key, type.folder, name, Element::typeString, type.element).element;
         element->setDescription(description);
     }
 }
@@ -138,13 +138,13 @@ void BrokerMessage::readFields(const IXMLDOMNode& content, const Type& type)
         readAttributes(field, {{"NAME", &name}, {"DESCRIPTION", &description}, {"TYPE", &knownType}});
         noteUnnamed(name, field, "field of ", type);
         noteUnnamed(knownType, field, "type of a field of ", type);
-        const auto [element, isFirst] =
+        const TypeModel::Declared made =
             keepsTwins ? TypeModel::Declared{model.addPart(type.element, names.intern(name), Element::typeOther), true}
                        : model.addField(type.element, names.intern(name), Element::typeOther);
-        if (!isFirst)
+        if (!made.isFirst)
             note(SourceReport::declaredTwice, field, name);
-        element->setDescription(description);
-        element->setKnownType(knownType);
+        made.element->setDescription(description);
+        made.element->setKnownType(knownType);
     }
 }
 

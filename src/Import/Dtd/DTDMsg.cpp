@@ -362,15 +362,18 @@ void DTDMessage::declareAll(const CString& path)
 void DTDMessage::declareRecord(DTDElement& record, const CString& path)
 {
     RunningHash key(record.queryName());
-    Element* row = needsNoConversion ? model.addRecord(path, record.queryName()).element
-                                     : model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
-    noteName(record, record, *row);
+    const TypeModel::Declared made = needsNoConversion
+                                         ? model.addRecord(path, record.queryName())
+                                         : model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
+    if (made.isShared)
+        noteSharedKey(made, nullptr, 1, text->places.at(record.place));
+    noteName(record, record, *made.element);
     if (record.textAt != kNowhere) // a record has no field for its text
-        report.add(SourceReport::textSkipped, text->places.at(record.textAt), row->queryName());
+        report.add(SourceReport::textSkipped, text->places.at(record.textAt), made.element->queryName());
     key.append(".");
-    model.reserveFields(row, record.queryChildCount());
+    model.reserveFields(made.element, record.queryChildCount());
     while (const DTDElement::Child* const child = record.enumNext())
-        declareField(*child, path, key, record, row);
+        declareField(*child, path, key, record, made.element);
 }
 
 // A repeating mark declares the usage twice: the model makes a table of a usage that it sees twice. `usageKey` holds
@@ -386,25 +389,22 @@ void DTDMessage::declareField(const DTDElement::Child& mention, const CString& p
                                  : model.addUsage(usageKey, child.element, record);
     };
     usageKey.append(name);
-    bool isFirst = true;
     // An earlier mention has declared the name, so it needn't be looked up.
-    if (child.element) {
-        isFirst = addUsage();
-    } else {
-        const bool isKnown = !needsNoConversion && model.findUsage(usageKey);
-        const TypeModel::Declared field =
-            needsNoConversion
-                ? model.addField(record, model.queryNames().intern(name), Element::typeString)
-                : TypeModel::Declared{model.addElement(usageKey, path, name, Element::typeString, record), !isKnown};
-        child.element = field.element;
-        isFirst = field.isFirst;
+    TypeModel::Declared made = child.element ? addUsage()
+                               : needsNoConversion
+                                   ? model.addField(record, model.queryNames().intern(name), Element::typeString)
+                                   : model.addElement(usageKey, path, name, Element::typeString, record);
+    if (!child.element) {
+        child.element = made.element;
         noteName(unmarkedOf(child, name), child, *child.element);
     }
     const bool isMarked = mark == modStar || mark == modPlus;
     if (isMarked)
-        isFirst = addUsage();
+        made = addUsage();
     // A second usage makes the field repeat, even without a mark. `repetitions` compares that with the DTD.
-    if (!isFirst)
+    if (made.isShared)
+        noteSharedKey(made, record, isMarked ? 2 : 1, text->places.at(mention.place));
+    else if (!made.isFirst)
         text->repetitions.add(
             {child.element, record, mention.place, isMarked,
              name.starts_with(parent.queryName()) ? unmarkedOf(child, name).attributeIn(parent) : kNowhere});

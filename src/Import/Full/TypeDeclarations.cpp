@@ -34,7 +34,7 @@ Element* TypeDeclarations::declareType(Index space, std::string_view name, std::
     if (space != 0)
         key.append(path);
     if (description.empty())
-        return model.addElement(key, path, name, type, nullptr);
+        return model.addElement(key, path, name, type, nullptr).element;
     return model.addElement(key, path, name, description, type, nullptr);
 }
 

@@ -48,7 +48,8 @@ void XMLDataMessage::doParse(XMLDataWalk& walk)
         const bool repeats = declaration.repeats && (isMarked || !pair.key.isAttribute);
         // Two instances are enough to show that a usage repeats.
         for (int instances = repeats ? 2 : 1; instances > 0; --instances) {
-            Element* element = model.addElement(usageKey, typeFolder, pair.item->name, Element::typeString, parent);
+            Element* element =
+                model.addElement(usageKey, typeFolder, pair.item->name, Element::typeString, parent).element;
             if (isMarked)
                 element->asAttribute();
         }

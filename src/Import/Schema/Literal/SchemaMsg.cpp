@@ -217,14 +217,20 @@ void SchemaMessage::declareRecord(const Record& record, const CString& path, Sch
     const SchemaElement& entry = *record.entry;
     const bool isRoot = entry.queryName() == table.queryRootTypeName();
     const std::string_view name = isRoot ? std::string_view(table.queryMainType()) : entry.queryName();
-    Element* const element = model.addRecord(path, name).element;
+    const TypeModel::Declared row = model.addRecord(path, name);
+    Element* const element = row.element;
+    if (row.isShared)
+        noteSharedKey(row, nullptr, 1, entry.queryPlace());
     check.addRecord(entry, *element);
     for (const Field& field : record.fields) {
         const SchemaElement* const type = field.declared ? table.findType(field.declared->queryType()) : nullptr;
         const TypeModel::Declared made = declareField(field, type, element);
-        if (field.declared)
-            check.add(*field.declared, *made.element, *element, type,
-                      !made.isFirst && (field.mark == modStar || field.declared->isDeclaredAgain()));
+        if (!field.declared)
+            continue;
+        if (made.isShared)
+            noteSharedKey(made, element, field.mark == modStar ? 2 : 1, field.declared->queryPlace());
+        check.add(*field.declared, *made.element, *element, type,
+                  !made.isFirst && !made.isShared && (field.mark == modStar || field.declared->isDeclaredAgain()));
     }
 }
 
