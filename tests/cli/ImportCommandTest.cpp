@@ -197,9 +197,9 @@ TEST_F(ImportCommand, AnswersExactly)
         // The key that identifies a description may be beyond the bytes that are looked at.
         {"a=$(head -c 70000 /dev/zero | tr '\\0' a); printf "
          "'{\"components\":{\"schemas\":{\"A\":{\"properties\":{\"x\":"
-         "{\"default\":\"%s\"}}}}},\"openapi\":\"3.0.0\"}' $a >s.json; printf 'components:\n  schemas:\n    B: "
-         "{default: "
-         "%s, properties: {x: {}}}\nopenapi: 3.0.0\n' $a >s.yaml; $import s.json -l; $import s.yaml -l",
+         "{\"default\":\"%s\"}}}}},\"openapi\":\"3.0.0\"}' $a >s.json; printf 'components:\n  examples: {a: %s}\n  "
+         "schemas:\n    B: "
+         "{properties: {x: {}}}\nopenapi: 3.0.0\n' $a >s.yaml; $import s.json -l; $import s.yaml -l",
          {0, "\\sys\\json\\A\\A\tA (Automatically created)\n\\sys\\json\\B\\B\tB (Automatically created)\n", ""}},
         {"$import jsonschema j.json --catalog c", {2, "", mistake("--catalog: jsonschema reads no catalogues")}},
         {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},

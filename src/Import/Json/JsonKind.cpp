@@ -38,7 +38,8 @@ public:
     {
         isOther |= key == "properties" && kind != JsonScanner::objectBegin && kind != JsonScanner::boolean;
         hasComponents |= key == "components" && kind == JsonScanner::objectBegin &&
-                         isOneOf(name, {"schemas", "responses", "parameters", "requestBodies", "securitySchemes"});
+                         isOneOf(name, {"callbacks", "examples", "headers", "links", "parameters", "pathItems",
+                                        "requestBodies", "responses", "schemas", "securitySchemes"});
     }
 
     // The document may go on after the text. If its keys are sorted, "openapi" follows large components.
