@@ -106,12 +106,12 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
     }
 }
 
-// Reads the constants of an enumeration. The key of each includes the type's name and all constants before it, so the
-// keys of an enumeration differ. The key is only hashed, because the texts of all keys would take memory quadratic in
-// the length of the enumeration. Enumerations of one name in two folders may have equal keys.
+// Reads the constants of an enumeration. The key of each includes the type's full name and all constants before it, so
+// the keys of an enumeration differ from each other and from those of other types. The key is only hashed, because the
+// texts of all keys would take memory quadratic in the length of the enumeration.
 void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
 {
-    RunningHash key(type.name);
+    RunningHash key(type.fullName());
     std::string_view name, description;
     for (IXMLDOMNode constant = content.firstChild(); constant; constant = constant.nextSibling()) {
         readAttributes(constant, {{"NAME", &name}, {"DESCRIPTION", &description}});
