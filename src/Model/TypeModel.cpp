@@ -9,7 +9,6 @@ void TypeModel::clear()
     usages.clear();
     order.forget();
     ownedElements.clear();
-    lastPath = nullptr;
     names.clear();
 }
 
@@ -84,14 +83,23 @@ TypeModel::Declared TypeModel::count(UsageTable::Declared usage, const Declared&
     return {made.element, isFirst, hasOtherParent || known->element->name != made.element->name};
 }
 
+// Makes an element in the arena, which frees it without running the destructor. An element of a model needs none.
+template <class... Parts>
+Element* TypeModel::make(Parts&... parts)
+{
+    void* const place = names.memory.allocate(sizeof(Element), alignof(Element));
+    Element* const element = new (place) Element(parts...);
+    element->setNumber(static_cast<std::uint32_t>(ownedElements.size()));
+    ownedElements.push_back(element);
+    return element;
+}
+
 // Returns the element of a name and whether it was created, which gives it the generated description.
 TypeModel::Declared TypeModel::findOrMake(Name& path, Name& name, Element::ElementTypes type)
 {
     if (name.element && !name.text.empty())
         return {name.element, false};
-    // Placed in the arena, which frees elements without running destructors. An element of a model needs none.
-    void* const place = names.memory.allocate(sizeof(Element), alignof(Element));
-    Element* const element = own(new (place) Element(path, name, type));
+    Element* const element = make(path, name, type);
     element->describeByName();
     store(element);
     return {element, true};
@@ -100,13 +108,7 @@ TypeModel::Declared TypeModel::findOrMake(Name& path, Name& name, Element::Eleme
 // Returns the name of a folder, with a final backslash.
 Name& TypeModel::pathNamed(const CString& path)
 {
-    const auto isLast = [&] { // `path` may lack the final backslash
-        return std::string_view(lastPath->text).substr(0, path.size()) == path &&
-               lastPath->text.size() == path.size() + !path.ends_with('\\');
-    };
-    if (!lastPath || !isLast())
-        lastPath = &names.intern(path.ends_with('\\') ? path : path + '\\');
-    return *lastPath;
+    return path.ends_with('\\') ? names.intern(path) : names.intern(path + '\\');
 }
 
 // Makes an element the one that its name refers to, if elements merge by name. The last element without a name replaces
@@ -115,13 +117,6 @@ void TypeModel::store(Element* element)
 {
     if (mergesByName)
         element->name->element = element;
-}
-
-Element* TypeModel::own(Element* element)
-{
-    element->setNumber(static_cast<std::uint32_t>(ownedElements.size()));
-    ownedElements.push_back(element);
-    return element;
 }
 
 // Usages are placed in the order of their declaration, which decides between types that don't refer to each other.
@@ -172,8 +167,7 @@ void TypeModel::makeTables()
 // Makes the table of a usage, in the folder of its element and with its known type.
 Element* TypeModel::makeTable(ChildElement& usage, Name& tableName)
 {
-    void* const place = names.memory.allocate(sizeof(Element), alignof(Element));
-    Element* const table = own(new (place) Element(*usage.element, *usage.element->path, *usage.element->name));
+    Element* const table = make(*usage.element, *usage.element->path, *usage.element->name);
     table->setName(tableName);
     table->describeByName();
     table->type = Element::typeTable;

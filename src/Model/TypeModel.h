@@ -94,7 +94,8 @@ private:
     // Declarations between two checks whether the user has cancelled.
     static constexpr unsigned kUsagesPerPoll = 4096;
 
-    Element* own(Element* element);
+    template <class... Parts>
+    Element* make(Parts&... parts);
     Declared findOrMake(Name& path, Name& name, Element::ElementTypes type);
     Declared count(UsageTable::Declared usage, const Declared& element, Element* parent);
     Name& pathNamed(const CString& path);
@@ -105,7 +106,6 @@ private:
     // Elements, their lists and the keys of usages lie in the names' memory, which clear() frees as a whole.
     NamePool names;
     std::vector<Element*> ownedElements; // by number; includes elements replaced under their name
-    Name* lastPath = nullptr;            // cache: nearly always the next element's path too
     UsageTable usages;
     TypeList order;
     bool mergesByName;
