@@ -194,18 +194,25 @@ void SchemaContents::enterGroup(Index reference)
     enter({tree[group].firstChild, group, tree[reference].occurs > 1}, ContentModel::sequence);
 }
 
-// Adds an element, or those that a reference refers to. The namespace of a local element follows from its `form`, else
-// from `elementFormDefault` (XML Schema Part 1, 3.3.2).
+// Returns the name of a local element or attribute. Its namespace follows from its `form`, else from the default of the
+// document (XML Schema Part 1, 3.2.2 and 3.3.2).
+SchemaName SchemaContents::localName(Index declaration, bool SchemaDocument::*isQualifiedByDefault) const
+{
+    const SchemaNode& node = tree[declaration];
+    const SchemaDocument& document = tree.documentOf(declaration);
+    const bool isQualified =
+        node.is(SchemaNode::hasForm) ? node.is(SchemaNode::isQualified) : document.*isQualifiedByDefault;
+    return {isQualified ? document.space : 0, node.name};
+}
+
+// Adds an element, or those that a reference refers to.
 void SchemaContents::addElement(Index particle)
 {
     const SchemaNode& node = tree[particle];
     const bool repeats = node.occurs > 1;
     if (!node.is(SchemaNode::isReference)) {
-        const SchemaDocument& document = tree.documentOf(particle);
-        const bool isQualified =
-            node.is(SchemaNode::hasForm) ? node.is(SchemaNode::isQualified) : document.elementsQualified;
         if (node.hasName())
-            addOccurrence({isQualified ? document.space : 0, node.name}, particle, repeats, 0);
+            addOccurrence(localName(particle, &SchemaDocument::elementsQualified), particle, repeats, 0);
         return;
     }
     const SchemaName name = tree.referenceOf(particle);
@@ -320,15 +327,12 @@ void SchemaContents::walkAttributes(Index holder)
 void SchemaContents::visitAttribute(Index attribute)
 {
     const SchemaNode& node = tree[attribute];
-    const SchemaDocument& document = tree.documentOf(attribute);
     const bool isProhibited = node.is(SchemaNode::isProhibited) || node.occurs == 0; // maxOccurs of 0 in the drafts
     if (isProhibited && !isRestriction)                                              // without an effect there
         return;
     if (!node.is(SchemaNode::isReference)) {
-        const bool isQualified =
-            node.is(SchemaNode::hasForm) ? node.is(SchemaNode::isQualified) : document.attributesQualified;
         if (node.hasName())
-            addAttribute({isQualified ? document.space : 0, node.name}, attribute, isProhibited, 0);
+            addAttribute(localName(attribute, &SchemaDocument::attributesQualified), attribute, isProhibited, 0);
         return;
     }
     const SchemaName name = tree.referenceOf(attribute);

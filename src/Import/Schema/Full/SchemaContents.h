@@ -77,6 +77,7 @@ private:
     void visitParticle(Index particle);
     void enter(const Frame& frame, ContentModel::Group kind);
     void enterGroup(Index reference);
+    SchemaName localName(Index declaration, bool SchemaDocument::*isQualifiedByDefault) const;
     void addElement(Index particle);
     void addOccurrence(SchemaName name, Index declaration, bool repeats, std::uint32_t documentation);
     void addSubstitutes(SchemaName head, Index declaration, bool repeats, std::uint32_t documentation);

@@ -69,14 +69,10 @@ void SchemaSet::visitLoaded(std::uint32_t begin, Visit visit) const
     for (std::uint32_t document = begin; document < tree.documents.size(); ++document)
         documents.push_back(document);
     for (const std::uint32_t document : documents)
-        for (Index at = tree[tree.documents[document].root].firstChild; at != 0; at = tree[at].next) {
+        tree.visitTop(tree.documents[document], [&](Index at) {
             if (const auto kind = kindOf(tree[at].tag); kind && tree[at].hasName())
                 visit(*kind, at);
-            const Index first = tree[at].tag == SchemaTag::redefine ? tree[at].firstChild : 0;
-            for (Index inner = first; inner != 0; inner = tree[inner].next)
-                if (const auto kind = kindOf(tree[inner].tag); kind && tree[inner].hasName())
-                    visit(*kind, inner);
-        }
+        });
 }
 
 // Ends the load of the documents from `begin` on. Their components are in `symbols`, with those that they share with

@@ -107,6 +107,18 @@ public:
         return firstOf(nodes[parent].firstChild, tags...);
     }
 
+    /// Calls `visit` with each statement at the top of a document, and after a redefinition with those inside of it.
+    template <class Visit>
+    void visitTop(const SchemaDocument& document, Visit visit) const
+    {
+        for (Index at = nodes[document.root].firstChild; at != 0; at = nodes[at].next) {
+            visit(at);
+            if (nodes[at].tag == SchemaTag::redefine)
+                for (Index inner = nodes[at].firstChild; inner != 0; inner = nodes[inner].next)
+                    visit(inner);
+        }
+    }
+
     /// Returns the restriction or extension of a complex type; 0 if there is none.
     Index derivationOf(Index type) const
     {

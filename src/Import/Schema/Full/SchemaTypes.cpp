@@ -115,7 +115,7 @@ const std::vector<SchemaTypes::Index>& SchemaTypes::derivedFrom(Index type)
 // Collects the derived types of all documents. Called at the first abstract type, because most schemas have none.
 void SchemaTypes::collectDerived()
 {
-    const auto add = [&](Index type) {
+    const auto add = [this](Index type) {
         // A redefined type is left out; its redefinition has its name.
         if (tree[type].tag != SchemaTag::complexType ||
             set.find(SchemaSet::type, set.nameOf(type), tree[type].parent) != type)
@@ -127,12 +127,7 @@ void SchemaTypes::collectDerived()
                 derived[found].push_back(type);
     };
     for (const SchemaDocument& document : tree.documents)
-        for (Index at = tree[document.root].firstChild; at != 0; at = tree[at].next) {
-            add(at);
-            if (tree[at].tag == SchemaTag::redefine)
-                for (Index inner = tree[at].firstChild; inner != 0; inner = tree[inner].next)
-                    add(inner);
-        }
+        tree.visitTop(document, add);
 }
 
 // Reads a top-level component. A simple type becomes a type of its own only if it is an enumeration.

@@ -97,13 +97,20 @@ void WsdlReader::readOther(XmlName name, XmlAttributes attributes)
         report.add(SourceReport::declarationSkipped, currentPlace(), name.local);
 }
 
+// Adds a document in the file of the WSDL.
+SchemaDocument& WsdlReader::addDocument()
+{
+    SchemaDocument& made = tree.documents.emplace_back();
+    made.folder = tree.documents[document].folder;
+    made.file = tree.documents[document].file;
+    return made;
+}
+
 // Starts a schema. Inside a WSDL it inherits the prefixes declared around it.
 void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes)
 {
     if (isWsdl) {
-        SchemaDocument& made = tree.documents.emplace_back();
-        made.folder = tree.documents[document].folder;
-        made.file = tree.documents[document].file;
+        addDocument();
         // Each schema reads all prefixes around it, so their product is bounded.
         replayed += declared.size() / 2;
         if (replayed > kMaxReplayed)
@@ -120,18 +127,14 @@ void WsdlReader::endElement()
 {
     if (depth > 0) {
         schema->endElement();
-        if (--depth == 0 && isWsdl)
-            endSchema();
+        if (--depth == 0 && isWsdl) {
+            tree.documents.back().end = static_cast<Index>(tree.size());
+            finished.push_back(std::move(schema));
+        }
         return;
     }
     declared.resize(open.back());
     open.pop_back();
-}
-
-void WsdlReader::endSchema()
-{
-    tree.documents.back().end = static_cast<Index>(tree.size());
-    finished.push_back(std::move(schema));
 }
 
 void WsdlReader::text(std::string_view text)
@@ -263,12 +266,9 @@ void WsdlReader::finish()
 // first root names the folder.
 void WsdlReader::makeMessages()
 {
-    SchemaDocument made;
-    made.folder = tree.documents[document].folder;
-    made.file = tree.documents[document].file;
+    SchemaDocument& made = addDocument();
     made.space = target;
     made.hasTarget = target != 0;
-    tree.documents.push_back(made);
     std::stable_partition(parts.begin(), parts.end(), [](const Part& part) { return !part.isFault; });
     for (std::size_t first = 0, end; first < parts.size(); first = end) {
         const std::uint32_t number = parts[first].message;

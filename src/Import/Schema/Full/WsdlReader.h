@@ -92,8 +92,8 @@ private:
     };
 
     void beginFile(std::string_view local);
+    SchemaDocument& addDocument();
     void beginSchema(XmlName name, XmlAttributes attributes);
-    void endSchema();
     void readStatement(std::string_view local, XmlAttributes attributes);
     void readOther(XmlName name, XmlAttributes attributes);
     void addImport(std::string_view location, std::string_view space, SourcePlace place);
