@@ -12,13 +12,14 @@ namespace {
 
 constexpr std::size_t kMaxLines = 20; // the lines of CSV that are compared
 
-struct Signature
+struct Format
 {
-    std::string_view first; // the first bytes of the file
+    std::string_view start; // of the file, or of the root's namespace
     std::string_view advice;
 };
 
-constexpr Signature kSignatures[] = {
+// By the first bytes of the file.
+constexpr Format kSignatures[] = {
     {"PK\x03\x04", "this is a ZIP archive; unpack it, then import a file of it"},
     {"PK\x05\x06", "this is an empty ZIP archive"},
     {"\x1F\x8B", "this is compressed with gzip; unpack it with gunzip, then import the file"},
@@ -26,15 +27,9 @@ constexpr Signature kSignatures[] = {
     {"%PDF-", "this is PDF; import the schema that it describes"},
 };
 
-struct Vocabulary
-{
-    std::string_view space; // prefix of the root's namespace
-    std::string_view advice;
-};
-
-constexpr Vocabulary kVocabularies[] = {
-    {"http://relaxng.org/ns/structure/", "this is RELAX NG; convert it with trang, then import the schema"},
-};
+// By the start of the root's namespace.
+constexpr Format kRelax{"http://relaxng.org/ns/structure/",
+                        "this is RELAX NG; convert it with trang, then import the schema"};
 
 // Returns the value of an attribute of a tag, as written; empty if there is none. The tag need not be well-formed or
 // complete, since only the start of the file is known.
@@ -189,14 +184,10 @@ std::string_view namespaceOf(std::string_view text)
 
 std::string_view foreignSource(std::string_view start, std::string_view content)
 {
-    for (const Signature& signature : kSignatures)
-        if (start.starts_with(signature.first))
-            return signature.advice;
-    const std::string_view space = namespaceOf(content);
-    for (const Vocabulary& vocabulary : kVocabularies)
-        if (space.starts_with(vocabulary.space))
-            return vocabulary.advice;
-    return {};
+    for (const Format& format : kSignatures)
+        if (start.starts_with(format.start))
+            return format.advice;
+    return namespaceOf(content).starts_with(kRelax.start) ? kRelax.advice : "";
 }
 
 // The suffix takes precedence over the content, which only allows a guess.
