@@ -13,7 +13,7 @@ namespace {
 // The parser's calls alone, as the baseline of the other steps.
 struct Ignore : XmlHandler
 {
-    void startElement(XmlName, XmlAttributes) override {}
+    void startElement(XmlName, XmlAttributes, const XmlScope&) override {}
     void endElement() override {}
 };
 

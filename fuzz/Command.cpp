@@ -72,7 +72,7 @@ bool isWellFormed(const char* fileName)
 {
     struct : XmlHandler
     {
-        void startElement(XmlName, XmlAttributes) override {}
+        void startElement(XmlName, XmlAttributes, const XmlScope&) override {}
         void endElement() override {}
     } ignore;
     return !parseXmlFile(fileName, ignore);

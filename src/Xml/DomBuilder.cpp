@@ -36,8 +36,9 @@ DomTreeNode* DomBuilder::create(DomKind kind, DomName name, std::string_view val
     return node;
 }
 
-void DomBuilder::startElement(XmlName name, XmlAttributes attributes)
+void DomBuilder::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
+    place = scope.place();
     flushText();
     DomTree& target = currentTree();
     DomTreeNode* const element = create(DomKind::element, nameOf(name), {});

@@ -26,9 +26,7 @@ public:
     /// Returns the root element, null before its start tag.
     IXMLDOMNode queryRoot() const { return root; }
 
-    void scope(const XmlScope& scope) override { place = scope.place; }
-    bool wantsScopes() const override { return true; }
-    void startElement(XmlName name, XmlAttributes attributes) override;
+    void startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope) override;
     void endElement() override;
     void text(std::string_view piece) override { pending += piece; }
     // A section is a node of its own, which may be white space and is not joined with the text around it.

@@ -75,9 +75,7 @@ private:
 class Parse final : private XmlLocator
 {
 public:
-    Parse(XmlSource& document, XmlHandler& receiver) :
-        source(document), handler(receiver), wantsScopes(receiver.wantsScopes()), limits(document)
-    {}
+    Parse(XmlSource& document, XmlHandler& receiver) : source(document), handler(receiver), limits(document) {}
 
     std::optional<IXMLDOMParseError> run(int firstLine = 0);
 
@@ -131,7 +129,6 @@ private:
 
     XmlSource& source;
     XmlHandler& handler;
-    const bool wantsScopes;
     std::unique_ptr<xmlParserCtxt, FreeContext> parser;
     const void* tagContext = nullptr; // of the last start tag
     std::optional<IXMLDOMParseError> first;
@@ -182,7 +179,6 @@ std::optional<IXMLDOMParseError> Parse::run(int firstLine)
         parser->input->line = firstLine;
     // Set directly, because XML_PARSE_NOENT would also load external entities.
     parser->replaceEntities = 1;
-    handler.setLocator(*this);
     xmlParseDocument(parser.get());
     if (thrown)
         std::rethrow_exception(thrown);
@@ -387,9 +383,8 @@ void Parse::onStartElement(void* context, const xmlChar* local, const xmlChar* p
     }
     ++self.depth;
     self.guarded(context, [&] {
-        if (self.wantsScopes)
-            self.handler.scope({text(uri), declarations, static_cast<std::size_t>(namespaces), self.tagStart()});
-        self.handler.startElement({text(local), text(prefix)}, XmlAttributes(rows, attributes));
+        self.handler.startElement({text(local), text(prefix)}, XmlAttributes(rows, attributes),
+                                  {text(uri), declarations, static_cast<std::size_t>(namespaces), self});
     });
 }
 

@@ -81,8 +81,8 @@ private:
 class XmlLocator
 {
 public:
-    /// Returns where the last start tag begins. Call it in startElement() or scope(). The column is 0 if the line is so
-    /// long that its beginning is no longer in memory.
+    /// Returns where the last start tag begins. Call it in startElement(). The column is 0 if the line is so long that
+    /// its beginning is no longer in memory.
     virtual XmlPlace tagStart() const = 0;
 
 protected:
@@ -90,13 +90,16 @@ protected:
 };
 
 /// The namespaces of a start tag (https://www.w3.org/TR/xml-names/), and where it begins. Texts are interned like
-/// names.
+/// names. Valid until startElement() returns.
 struct XmlScope
 {
     const char* uri;                    ///< the namespace of the element; null if it has none
     const unsigned char** declarations; ///< `count` pairs: prefix (null for the default) and URI
     std::size_t count;
-    XmlPlace place; ///< of its "<"
+    const XmlLocator& locator;
+
+    /// Returns the place of the tag's "<".
+    XmlPlace place() const { return locator.tagStart(); }
 };
 
 /// Thrown by a handler that refuses the document. `reason` becomes the parse error at the current place.
@@ -113,15 +116,9 @@ class XmlHandler
 public:
     virtual ~XmlHandler() = default;
 
-    /// Called first. The locator is valid until the parse ends.
-    virtual void setLocator(const XmlLocator&) {}
-
     /// Called at each start tag, and endElement() at its end tag. An empty element has both.
-    virtual void startElement(XmlName name, XmlAttributes attributes) = 0;
+    virtual void startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope) = 0;
     virtual void endElement() = 0;
-
-    /// Called before each startElement() if wantsScopes(). Valid until it returns.
-    virtual void scope(const XmlScope&) {}
 
     /// A piece of character data; one text can arrive in several pieces.
     virtual void text(std::string_view) {}
@@ -135,9 +132,6 @@ public:
 
     /// Returns whether text() and cdata() are called. Leaving them out is faster.
     virtual bool wantsText() const { return true; }
-
-    /// Returns whether scope() is called.
-    virtual bool wantsScopes() const { return false; }
 };
 
 /// Parses an XML 1.0 document as a stream into calls of `handler`. Returns nothing if it is well-formed

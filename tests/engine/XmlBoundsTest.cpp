@@ -19,7 +19,7 @@ struct Counter : XmlHandler
 {
     std::size_t elements = 0, attributes = 0, texts = 0, ended = 0, deepest = 0;
 
-    void startElement(XmlName, XmlAttributes list) override
+    void startElement(XmlName, XmlAttributes list, const XmlScope&) override
     {
         ++elements;
         attributes += list.size();

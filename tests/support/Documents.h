@@ -13,7 +13,7 @@ inline CString documentFault(MsgBase& importer, bool hasAllTypes = true)
 {
     struct Names : XmlHandler
     {
-        void startElement(XmlName name, XmlAttributes attributes) override
+        void startElement(XmlName name, XmlAttributes attributes, const XmlScope&) override
         {
             const bool isType = std::string_view(name.local) == "BROKERTYPEDESCRIPTION";
             for (std::size_t i = 0; i < attributes.size(); ++i) {

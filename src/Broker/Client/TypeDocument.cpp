@@ -14,7 +14,7 @@ bool isCalled(XmlName name, std::string_view wanted)
 class TypeNameReader final : public XmlHandler
 {
 public:
-    void startElement(XmlName name, XmlAttributes attributes) override
+    void startElement(XmlName name, XmlAttributes attributes, const XmlScope&) override
     {
         if (depth == 0 && isCalled(name, "BROKERTYPEDESCRIPTION"))
             readName(attributes);

@@ -81,11 +81,9 @@ public:
         catalogs(catalogs), number(number), file(file), open{{folder, true}}
     {}
 
-    void scope(const XmlScope& scope) override;
-    void startElement(XmlName name, XmlAttributes attributes) override;
+    void startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope) override;
     void endElement() override { open.pop_back(); }
     bool wantsText() const override { return false; }
-    bool wantsScopes() const override { return true; }
 
     /// Returns whether the document is a catalogue.
     bool isCatalog() const { return hasCatalogRoot; }
@@ -98,25 +96,16 @@ private:
         bool prefersPublic;
     };
 
-    void add(Catalogs::Kind kind, const CString& key, const CString& target);
+    void add(Catalogs::Kind kind, const CString& key, const CString& target, SourcePlace place);
 
     Catalogs& catalogs;
     const std::uint32_t number; // number of the catalogue
     const std::uint32_t file;
     std::vector<Level> open;
-    SourcePlace place;
-    bool isInCatalogNamespace = false; // the element that begins
     bool hasCatalogRoot = false;
 };
 
-// The parser calls this before startElement(), which does not get the namespace.
-void CatalogReader::scope(const XmlScope& scope)
-{
-    isInCatalogNamespace = scope.uri && scope.uri == kSpace;
-    place = {file, scope.place.line, scope.place.column};
-}
-
-void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
+void CatalogReader::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
     using Kind = Catalogs::Kind;
     struct Row
@@ -140,6 +129,7 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
         {"delegateURI", Kind::delegateUri, "uriStartString", "catalog"},
         {"nextCatalog", Kind::nextCatalog, "", "catalog"},
     };
+    const bool isInCatalogNamespace = scope.uri && scope.uri == kSpace;
     Level level = open.back();
     if (open.size() == 1)
         hasCatalogRoot = isInCatalogNamespace && name.local == std::string_view("catalog");
@@ -162,13 +152,14 @@ void CatalogReader::startElement(XmlName name, XmlAttributes attributes)
     CString key(row->key.empty() ? "" : attributes.valueOf(row->key));
     if (row->kind == Kind::publicIdentifier || row->kind == Kind::delegatePublic)
         key = Catalogs::normalizedPublicId(key);
-    add(row->kind, key, CString(attributes.valueOf(row->target)));
+    const auto [line, column] = scope.place();
+    add(row->kind, key, CString(attributes.valueOf(row->target)), {file, line, column});
 }
 
 // Adds an entry. The first one for a key takes precedence. The target of a rewrite may be empty: the rest of the
 // identifier is then relative to the base. References to catalogues are queued, because reading one here would move the
 // tables that are in use.
-void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& target)
+void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& target, SourcePlace place)
 {
     const bool isNext = kind == Catalogs::nextCatalog;
     if ((key.empty() && !isNext) || (target.empty() && kind != Catalogs::rewriteSystem && kind != Catalogs::rewriteUri))

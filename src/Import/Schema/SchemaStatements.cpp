@@ -84,17 +84,14 @@ bool SchemaStatements::isTextContent(std::string_view content)
     return content == "mixed" || content == "textOnly";
 }
 
-void SchemaStatements::scope(const XmlScope& scope)
+// An ignored tag is identified, too, and its attributes are read, because both readings record it, too.
+SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, const XmlScope& scope,
+                                  SourceReport::Component number)
 {
-    start = scope.place;
+    start = scope.place();
     if (scope.uri != lastUri) // rarely: namespaces are interned
         edition = schemaEditionOf(scope.uri);
     lastUri = scope.uri;
-}
-
-// An ignored tag is identified, too, and its attributes are read, because both readings record it, too.
-SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, SourceReport::Component number)
-{
     // In the literal reading, any statement with the prefix xs or xsd belongs to the language, whatever its namespace.
     const bool isOurs = edition != SchemaEdition::none || (knowsPrefixes && isCommonPrefix(name.prefix));
     const Tag tag = isOurs ? grammar.tagOf(name.local) : Tag::none;

@@ -32,13 +32,11 @@ public:
         report(report), file(file), knowsPrefixes(knowsPrefixes)
     {}
 
-    /// Call it before each enter(), like XmlHandler::scope().
-    void scope(const XmlScope& scope);
-
     /// Enters a start tag. Returns `none` if it is not a statement; an ignored one has its tag, see isIgnored().
     /// `component` is the number in the report if a top-level component begins here; 0 if the report doesn't hold
     /// constructs by component.
-    SchemaTag enter(XmlName name, XmlAttributes attributes, SourceReport::Component component = 0);
+    SchemaTag enter(XmlName name, XmlAttributes attributes, const XmlScope& scope,
+                    SourceReport::Component component = 0);
     /// Leaves the element that was entered last.
     void leave();
 

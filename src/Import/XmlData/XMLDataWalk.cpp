@@ -30,8 +30,9 @@ void XMLDataWalk::entityLeftOut(std::string_view name, XmlPlace place)
     report.add(SourceReport::entityNotExpanded, placeOf(place), name);
 }
 
-void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes)
+void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
+    locator = &scope.locator;
     const bool isRoot = !open.back().item;
     if (isRoot)
         setRootTag(name.qualified());

@@ -122,11 +122,10 @@ public:
     /// Call it before each document; `file` is its number in the report. The parser of the last document may be gone.
     void beginDocument(std::uint32_t file);
 
-    void setLocator(const XmlLocator& theLocator) override { locator = &theLocator; }
     /// Reports a loss: the entity may hold elements.
     void entityLeftOut(std::string_view name, XmlPlace place) override;
     /// Counts an element and its attributes. Prefixes are ignored, but for the root's in queryRootTag().
-    void startElement(XmlName name, XmlAttributes attributes) override;
+    void startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope) override;
     void endElement() override;
     void text(std::string_view text) override
     {
@@ -176,7 +175,7 @@ private:
     SourceReport& report;
     const bool isBody;
     std::uint32_t file = 0;
-    const XmlLocator* locator = nullptr; // of the current document
+    const XmlLocator* locator = nullptr; // of the tag that begins
     CString rootTag;
     std::deque<Item> items; // deques, because items, pairs and usages point to each other
     KeyedTable<Item, &Item::queryName> itemsByName;

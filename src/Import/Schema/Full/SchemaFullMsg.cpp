@@ -13,7 +13,7 @@ namespace {
 // that a schema with a target namespace refers to.
 struct SchemaRoot : XmlHandler
 {
-    void startElement(XmlName name, XmlAttributes attributes) override
+    void startElement(XmlName name, XmlAttributes attributes, const XmlScope&) override
     {
         if (std::exchange(isSeen, true) || name.local != std::string_view("schema"))
             return;

@@ -26,17 +26,12 @@ SchemaReader::SchemaReader(SchemaTree& tree, SourceReport& report) :
     statements(report, tree.documents.back().file, false)
 {}
 
-// Binds the prefixes that the next start tag declares. The namespaces of the root are kept for the names of main types,
-// which may have a prefix.
-void SchemaReader::scope(const XmlScope& scope)
+// The namespaces of the root are kept for the names of main types, which may have a prefix.
+void SchemaReader::bind(const unsigned char* const* declarations, std::size_t count)
 {
-    statements.scope(scope);
-    if (skipped > 0 || documented > 0)
-        return;
-    shadowedBefore = shadowed.size();
-    for (std::size_t i = 0; i < scope.count; ++i) {
-        const auto* prefix = reinterpret_cast<const char*>(scope.declarations[2 * i]);
-        const auto* uri = reinterpret_cast<const char*>(scope.declarations[2 * i + 1]);
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto* prefix = reinterpret_cast<const char*>(declarations[2 * i]);
+        const auto* uri = reinterpret_cast<const char*>(declarations[2 * i + 1]);
         const NameTable::Id id = tree.names.intern(prefix ? prefix : "");
         if (id >= spaces.size())
             spaces.resize(id + 1, kUndeclared);
@@ -49,9 +44,9 @@ void SchemaReader::scope(const XmlScope& scope)
 
 // SchemaStatements gets every tag, even inside of skipped elements, because it also checks statements that make no
 // nodes.
-void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
+void SchemaReader::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
-    const SchemaTag tag = statements.enter(name, attributes, holds ? static_cast<Index>(tree.size()) : 0);
+    const SchemaTag tag = statements.enter(name, attributes, scope, holds ? static_cast<Index>(tree.size()) : 0);
     if (documented > 0) {
         ++documented;
         documentation.enter(name.local);
@@ -61,12 +56,14 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes)
         ++skipped;
         return;
     }
+    const std::size_t shadowedBefore = shadowed.size();
+    bind(scope.declarations, scope.count);
     const bool isNode = tag != SchemaTag::none && tag <= SchemaTag::enumeration;
     // Only the root is a schema, and the parent of a node is a node.
     if (isNode && open.empty() == (tag == SchemaTag::schema) && (open.empty() || open.back().node != 0))
-        enter(tag);
+        enter(tag, shadowedBefore);
     else
-        startOther(tag);
+        startOther(tag, shadowedBefore);
     if (isNode && tag == SchemaTag::attribute && !open.empty() && open.back().node + 1 == tree.nodes.size())
         makeArray(attributes);
 }
@@ -122,7 +119,7 @@ void SchemaReader::holdInLast(SchemaNode item)
     }
 }
 
-void SchemaReader::enter(SchemaTag tag)
+void SchemaReader::enter(SchemaTag tag, std::size_t shadowedBefore)
 {
     const auto place = static_cast<Index>(tree.nodes.size());
     SchemaNode& node = tree.nodes.emplace_back();
@@ -151,7 +148,7 @@ void SchemaReader::enter(SchemaTag tag)
 }
 
 // Enters a statement that makes no node. An annotation is searched for the first documentation of its element.
-void SchemaReader::startOther(SchemaTag tag)
+void SchemaReader::startOther(SchemaTag tag, std::size_t shadowedBefore)
 {
     if (tag == SchemaTag::annotation && !open.empty() && open.back().node != 0) {
         open.push_back({0, open.back().node, shadowedBefore, true});

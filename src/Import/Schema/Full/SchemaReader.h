@@ -15,13 +15,14 @@ public:
     /// If the report holds constructs back, a component is the number of its node.
     SchemaReader(SchemaTree& tree, SourceReport& report);
 
-    void scope(const XmlScope& scope) override;
-    void startElement(XmlName name, XmlAttributes attributes) override;
+    void startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope) override;
     void endElement() override;
     void text(std::string_view text) override;
     void cdata(std::string_view data) override { text(data); }
     void entityLeftOut(std::string_view name, XmlPlace place) override { statements.entityLeftOut(name, place); }
-    bool wantsScopes() const override { return true; }
+
+    /// Binds prefixes to namespaces: those declared around the root of a schema. `declarations` as in XmlScope.
+    void bind(const unsigned char* const* declarations, std::size_t count);
 
     /// Reports the findings in the document. Not called for a document that is left out, which then adds nothing to the
     /// report.
@@ -51,10 +52,10 @@ private:
     // No name has this number, so a name in this namespace refers to nothing.
     static constexpr NameTable::Id kUndeclared = ~0U;
 
-    void enter(SchemaTag tag);
+    void enter(SchemaTag tag, std::size_t shadowedBefore);
     void makeArray(XmlAttributes attributes);
     void holdInLast(SchemaNode item);
-    void startOther(SchemaTag tag);
+    void startOther(SchemaTag tag, std::size_t shadowedBefore);
     void readAttribute(SchemaNode& node, const SchemaStatements::Attribute& attribute);
     void readRootAttribute(const SchemaStatements::Attribute& attribute);
     std::uint32_t readList(std::string_view value);
@@ -71,8 +72,7 @@ private:
     NameTable::Id lastPrefix = 0;      // the prefix resolved last
     // The namespaces to restore in `spaces` when elements end, innermost last.
     std::vector<Shadowed> shadowed;
-    std::size_t shadowedBefore = 0; // size of `shadowed` before the element that begins
-    const bool holds;               // the report holds constructs back
+    const bool holds; // the report holds constructs back
     SchemaStatements statements;
     std::size_t skipped = 0;    // number of open elements that are skipped
     std::size_t documented = 0; // number of open elements from an xs:documentation on

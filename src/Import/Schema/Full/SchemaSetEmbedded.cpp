@@ -12,18 +12,17 @@
 namespace {
 
 // Reads a text whose places are those of the document around it. Only the lines of a literal text are known there.
-class TextReader : public SchemaReader
+class TextReader : public SchemaReader, private XmlLocator
 {
 public:
     TextReader(SchemaTree& tree, SourceReport& report, const SchemaSet::Embedded& schema) :
         SchemaReader(tree, report), schema(schema)
     {}
 
-    void scope(const XmlScope& inner) override
+    void startElement(XmlName name, XmlAttributes attributes, const XmlScope& inner) override
     {
-        XmlScope outer = inner;
-        outer.place = placeOf(inner.place.line);
-        SchemaReader::scope(outer);
+        current = placeOf(inner.place().line);
+        SchemaReader::startElement(name, attributes, {inner.uri, inner.declarations, inner.count, *this});
     }
 
     void entityLeftOut(std::string_view name, XmlPlace inner) override
@@ -37,7 +36,10 @@ public:
     }
 
 private:
+    XmlPlace tagStart() const override { return current; }
+
     const SchemaSet::Embedded& schema;
+    XmlPlace current; // of the last start tag
 };
 
 } // namespace

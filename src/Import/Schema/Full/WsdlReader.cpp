@@ -47,54 +47,45 @@ WsdlReader::WsdlReader(SchemaTree& tree, SourceReport& report) :
     schema(std::make_unique<SchemaReader>(tree, report))
 {}
 
-// Keeps the namespaces of the next start tag; inside of a schema, passes them to its reader.
-void WsdlReader::scope(const XmlScope& scope)
-{
-    if (schema && depth > 0)
-        return schema->scope(scope);
-    elementScope = scope;
-    elementDeclarations.assign(scope.declarations, scope.declarations + 2 * scope.count);
-}
-
-void WsdlReader::startElement(XmlName name, XmlAttributes attributes)
+void WsdlReader::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
     if (schema && depth > 0) {
         ++depth;
-        return schema->startElement(name, attributes);
+        return schema->startElement(name, attributes, scope);
     }
     const std::string_view local = name.local;
     if (open.empty())
-        beginFile(local);
-    if (!isWsdl || (local == "schema" && schemaEditionOf(elementScope.uri) != SchemaEdition::none))
-        return beginSchema(name, attributes);
+        beginFile(local, isStatement(scope));
+    if (!isWsdl || (local == "schema" && schemaEditionOf(scope.uri) != SchemaEdition::none))
+        return beginSchema(name, attributes, scope);
     open.push_back(declared.size());
-    declared.insert(declared.end(), elementDeclarations.begin(), elementDeclarations.end());
+    declared.insert(declared.end(), scope.declarations, scope.declarations + 2 * scope.count);
     if (open.size() == 2)
-        isInTypes = isStatement(elementScope) && local == "types";
-    if (isStatement(elementScope))
-        readStatement(local, attributes);
+        isInTypes = isStatement(scope) && local == "types";
+    const auto [line, column] = scope.place();
+    const SourcePlace place{tree.documents[document].file, line, column};
+    if (isStatement(scope))
+        readStatement(local, attributes, place);
     else if (isInTypes && open.size() == 3)
-        readOther(name, attributes);
+        readOther(local, attributes, schemaEditionOf(scope.uri) != SchemaEdition::none, place);
 }
 
 // Begins the file, whose root shows whether it is a WSDL. Of a WSDL, only what its messages reach is imported and
 // reported, so the report holds constructs back from here on.
-void WsdlReader::beginFile(std::string_view local)
+void WsdlReader::beginFile(std::string_view local, bool isOfWsdl)
 {
-    isWsdl = isStatement(elementScope) && (local == "definitions" || local == "description");
+    isWsdl = isOfWsdl && (local == "definitions" || local == "description");
     if (isWsdl)
         report.hold();
 }
 
 // Reads an element beside the schemas: an import of a schema, as in WSDL 2.0, or another schema language.
-void WsdlReader::readOther(XmlName name, XmlAttributes attributes)
+void WsdlReader::readOther(std::string_view local, XmlAttributes attributes, bool isOfSchemas, SourcePlace place)
 {
-    const bool isImport =
-        schemaEditionOf(elementScope.uri) != SchemaEdition::none && name.local == std::string_view("import");
-    if (isImport)
-        addImport(attributes.valueOf("schemaLocation"), attributes.valueOf("namespace"), currentPlace());
+    if (isOfSchemas && local == "import")
+        addImport(attributes.valueOf("schemaLocation"), attributes.valueOf("namespace"), place);
     else
-        report.add(SourceReport::declarationSkipped, currentPlace(), name.local);
+        report.add(SourceReport::declarationSkipped, place, local);
 }
 
 // Adds a document in the file of the WSDL.
@@ -107,7 +98,7 @@ SchemaDocument& WsdlReader::addDocument()
 }
 
 // Starts a schema. Inside a WSDL it inherits the prefixes declared around it.
-void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes)
+void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
     if (isWsdl) {
         addDocument();
@@ -116,11 +107,10 @@ void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes)
         if (replayed > kMaxReplayed)
             throw XmlRefusal{"more than " + std::to_string(kMaxReplayed) + " prefixes around the schemas of a WSDL"};
         schema = std::make_unique<SchemaReader>(tree, report);
-        schema->scope({nullptr, declared.data(), declared.size() / 2, elementScope.place});
+        schema->bind(declared.data(), declared.size() / 2);
     }
     depth = 1;
-    schema->scope({elementScope.uri, elementDeclarations.data(), elementScope.count, elementScope.place});
-    schema->startElement(name, attributes);
+    schema->startElement(name, attributes, scope);
 }
 
 void WsdlReader::endElement()
@@ -149,17 +139,10 @@ void WsdlReader::entityLeftOut(std::string_view name, XmlPlace place)
         schema->entityLeftOut(name, place);
 }
 
-// Returns the place of the element that begins.
-SourcePlace WsdlReader::currentPlace() const
-{
-    return {tree.documents[document].file, elementScope.place.line, elementScope.place.column};
-}
-
 // Reads a statement of WSDL by its level: 1 is the root, 2 its children. A part is only read in a message, and
 // statements inside of a message that was left out are not checked.
-void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes)
+void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes, SourcePlace place)
 {
-    const SourcePlace place = currentPlace();
     if (open.size() == 1)
         target = tree.names.intern(attributes.valueOf("targetNamespace"));
     if (open.size() == 2)

@@ -19,13 +19,11 @@ public:
     /// The document of the file is the last one of the tree and has no nodes yet.
     WsdlReader(SchemaTree& tree, SourceReport& report);
 
-    void scope(const XmlScope& scope) override;
-    void startElement(XmlName name, XmlAttributes attributes) override;
+    void startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope) override;
     void endElement() override;
     void text(std::string_view text) override;
     void cdata(std::string_view data) override { text(data); }
     void entityLeftOut(std::string_view name, XmlPlace place) override;
-    bool wantsScopes() const override { return true; }
 
     /// Reports the findings in the documents, and makes elements of messages with typed parts. Call it once after the
     /// parse, unless the file is left out. The functions below are valid after it.
@@ -91,11 +89,11 @@ private:
         bool isFault = false; // of an interface in WSDL 2.0
     };
 
-    void beginFile(std::string_view local);
+    void beginFile(std::string_view local, bool isOfWsdl);
     SchemaDocument& addDocument();
-    void beginSchema(XmlName name, XmlAttributes attributes);
-    void readStatement(std::string_view local, XmlAttributes attributes);
-    void readOther(XmlName name, XmlAttributes attributes);
+    void beginSchema(XmlName name, XmlAttributes attributes, const XmlScope& scope);
+    void readStatement(std::string_view local, XmlAttributes attributes, SourcePlace place);
+    void readOther(std::string_view local, XmlAttributes attributes, bool isOfSchemas, SourcePlace place);
     void addImport(std::string_view location, std::string_view space, SourcePlace place);
     void beginMessage(std::string_view name, SourcePlace place);
     void readPart(XmlAttributes attributes, SourcePlace place);
@@ -104,7 +102,6 @@ private:
     Index makeMessage(std::span<const Part> own, NameTable::Id name);
     Index addNode(SchemaTag tag, Index parent, Index before, const Part& part);
     SchemaName resolve(std::string_view qualified) const;
-    SourcePlace currentPlace() const;
 
     SchemaTree& tree;
     SourceReport& report;
@@ -119,9 +116,6 @@ private:
     std::vector<std::size_t> open; // for each element around schemas, the declarations before it
     // The parser interns these texts, so the pointers are valid until the parse ends.
     std::vector<const unsigned char*> declared; // prefixes and URIs of those
-    // A copy, because those of the scope are only valid in scope().
-    std::vector<const unsigned char*> elementDeclarations; // of the element that begins
-    XmlScope elementScope{};                               // that element
     NameTable::Id target = 0;
     std::vector<NameTable::Id> messages{0}; // names of messages by number
     std::unordered_set<NameTable::Id> messageNames;

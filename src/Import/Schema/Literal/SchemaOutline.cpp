@@ -59,11 +59,10 @@ SchemaOutline::SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKin
     entries.emplace_back();
 }
 
-// Also collects the prefixes that documents bind to the language. The reading itself only knows xs and xsd, but the
-// report must not call a built-in type undeclared.
-void SchemaOutline::scope(const XmlScope& scope)
+// Collects the prefixes that documents bind to the language. The reading itself only knows xs and xsd, but the report
+// must not call a built-in type undeclared.
+void SchemaOutline::notePrefixes(const XmlScope& scope)
 {
-    statements.scope(scope);
     for (std::size_t i = 0; i < scope.count; ++i) {
         const auto* const uri = reinterpret_cast<const char*>(scope.declarations[2 * i + 1]);
         if (schemaEditionOf(uri) == SchemaEdition::none)
@@ -73,9 +72,10 @@ void SchemaOutline::scope(const XmlScope& scope)
     }
 }
 
-void SchemaOutline::startElement(XmlName name, XmlAttributes attributes)
+void SchemaOutline::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
-    const SchemaTag tag = statements.enter(name, attributes);
+    notePrefixes(scope);
+    const SchemaTag tag = statements.enter(name, attributes, scope);
     if (open.empty()) {
         isTargeted = std::ranges::count(statements.attributes(), SchemaAttribute::targetNamespace,
                                         &SchemaStatements::Attribute::name) > 0;

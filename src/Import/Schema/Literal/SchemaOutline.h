@@ -69,12 +69,10 @@ public:
     /// touch twice the memory.
     void reserve(std::size_t size) { entries.reserve(size / kBytesOfADeclaration); }
 
-    void scope(const XmlScope& scope) override;
-    void startElement(XmlName name, XmlAttributes attributes) override;
+    void startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope) override;
     void endElement() override;
     void entityLeftOut(std::string_view name, XmlPlace place) override { statements.entityLeftOut(name, place); }
     bool wantsText() const override { return false; }
-    bool wantsScopes() const override { return true; }
 
     /// Reports the findings in the document. Call it if the document is part of the schema.
     void finish() { statements.finish(); }
@@ -157,6 +155,7 @@ private:
         bool isRepeated = false;                            // repeats, or a group inside one that does
     };
 
+    void notePrefixes(const XmlScope& scope);
     void noteLocation(std::string_view statement);
     SchemaDeclaration readDeclaration(XmlAttributes attributes);
     std::string_view keepName(std::string_view name);
