@@ -89,6 +89,14 @@ protected:
     ~XmlLocator() = default;
 };
 
+/// A namespace declaration. Both texts are interned like names, and never null. The prefix of the default namespace is
+/// "".
+struct XmlNamespace
+{
+    const char* prefix;
+    const char* uri;
+};
+
 /// The namespaces of a start tag (https://www.w3.org/TR/xml-names/), and where it begins. Texts are interned like
 /// names. Valid until startElement() returns.
 struct XmlScope
@@ -97,6 +105,13 @@ struct XmlScope
     const unsigned char** declarations; ///< `count` pairs: prefix (null for the default) and URI
     std::size_t count;
     const XmlLocator& locator;
+
+    /// Returns one of the declarations; `index` must be less than `count`.
+    XmlNamespace operator[](std::size_t index) const
+    {
+        const auto text = [](const unsigned char* bytes) { return bytes ? reinterpret_cast<const char*>(bytes) : ""; };
+        return {text(declarations[2 * index]), text(declarations[2 * index + 1])};
+    }
 
     /// Returns the place of the tag's "<".
     XmlPlace place() const { return locator.tagStart(); }
@@ -122,8 +137,9 @@ public:
 
     /// A piece of character data; one text can arrive in several pieces.
     virtual void text(std::string_view) {}
-    /// Each section, comment and instruction arrives whole. Those of the internal subset do not arrive.
-    virtual void cdata(std::string_view) {}
+    /// Each section, comment and instruction arrives whole. Those of the internal subset do not arrive. A section is
+    /// passed to text() by default.
+    virtual void cdata(std::string_view data) { text(data); }
     virtual void comment(std::string_view) {}
     virtual void instruction(std::string_view /*target*/, std::string_view /*data*/) {}
 

@@ -132,7 +132,6 @@ public:
         if (Item* const item = open.back().item; item && !item->hasText)
             item->hasText = !trimmed(text).empty();
     }
-    void cdata(std::string_view data) override { text(data); }
 
     /// Returns the tag of the root with its prefix; of several documents the first by name.
     const CString& queryRootTag() const { return rootTag; }

@@ -27,19 +27,15 @@ SchemaReader::SchemaReader(SchemaTree& tree, SourceReport& report) :
 {}
 
 // The namespaces of the root are kept for the names of main types, which may have a prefix.
-void SchemaReader::bind(const unsigned char* const* declarations, std::size_t count)
+void SchemaReader::bind(XmlNamespace declared)
 {
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto* prefix = reinterpret_cast<const char*>(declarations[2 * i]);
-        const auto* uri = reinterpret_cast<const char*>(declarations[2 * i + 1]);
-        const NameTable::Id id = tree.names.intern(prefix ? prefix : "");
-        if (id >= spaces.size())
-            spaces.resize(id + 1, kUndeclared);
-        shadowed.push_back({id, spaces[id]});
-        spaces[id] = tree.names.intern(trimmed(uri ? uri : ""));
-        if (open.empty())
-            tree.documents[document].prefixes.emplace_back(id, spaces[id]);
-    }
+    const NameTable::Id id = tree.names.intern(declared.prefix);
+    if (id >= spaces.size())
+        spaces.resize(id + 1, kUndeclared);
+    shadowed.push_back({id, spaces[id]});
+    spaces[id] = tree.names.intern(trimmed(declared.uri));
+    if (open.empty())
+        tree.documents[document].prefixes.emplace_back(id, spaces[id]);
 }
 
 // SchemaStatements gets every tag, even inside of skipped elements, because it also checks statements that make no
@@ -57,7 +53,8 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes, const Xm
         return;
     }
     const std::size_t shadowedBefore = shadowed.size();
-    bind(scope.declarations, scope.count);
+    for (std::size_t i = 0; i < scope.count; ++i)
+        bind(scope[i]);
     const bool isNode = tag != SchemaTag::none && tag <= SchemaTag::enumeration;
     // Only the root is a schema, and the parent of a node is a node.
     if (isNode && open.empty() == (tag == SchemaTag::schema) && (open.empty() || open.back().node != 0))

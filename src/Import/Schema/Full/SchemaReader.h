@@ -18,11 +18,10 @@ public:
     void startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope) override;
     void endElement() override;
     void text(std::string_view text) override;
-    void cdata(std::string_view data) override { text(data); }
     void entityLeftOut(std::string_view name, XmlPlace place) override { statements.entityLeftOut(name, place); }
 
-    /// Binds prefixes to namespaces: those declared around the root of a schema. `declarations` as in XmlScope.
-    void bind(const unsigned char* const* declarations, std::size_t count);
+    /// Binds a prefix that is declared around the root of a schema.
+    void bind(XmlNamespace declared);
 
     /// Reports the findings in the document. Not called for a document that is left out, which then adds nothing to the
     /// report.

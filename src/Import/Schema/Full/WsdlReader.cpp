@@ -14,11 +14,6 @@ namespace {
 // Prefixes, counted once for each schema in their scope: 4,000 prefixes around 100,000 empty schemas took gigabytes.
 constexpr std::size_t kMaxReplayed = 1'000'000;
 
-std::string_view textOf(const unsigned char* text)
-{
-    return text ? reinterpret_cast<const char*>(text) : "";
-}
-
 bool isStatement(const XmlScope& scope)
 {
     return scope.uri && isWsdlNamespace(scope.uri);
@@ -59,7 +54,8 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes, const XmlS
     if (!isWsdl || (local == "schema" && schemaEditionOf(scope.uri) != SchemaEdition::none))
         return beginSchema(name, attributes, scope);
     open.push_back(declared.size());
-    declared.insert(declared.end(), scope.declarations, scope.declarations + 2 * scope.count);
+    for (std::size_t i = 0; i < scope.count; ++i)
+        declared.push_back(scope[i]);
     if (open.size() == 2)
         isInTypes = isStatement(scope) && local == "types";
     const auto [line, column] = scope.place();
@@ -103,11 +99,12 @@ void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes, const XmlSc
     if (isWsdl) {
         addDocument();
         // Each schema reads all prefixes around it, so their product is bounded.
-        replayed += declared.size() / 2;
+        replayed += declared.size();
         if (replayed > kMaxReplayed)
             throw XmlRefusal{"more than " + std::to_string(kMaxReplayed) + " prefixes around the schemas of a WSDL"};
         schema = std::make_unique<SchemaReader>(tree, report);
-        schema->bind(declared.data(), declared.size() / 2);
+        for (const XmlNamespace& outer : declared)
+            schema->bind(outer);
     }
     depth = 1;
     schema->startElement(name, attributes, scope);
@@ -222,9 +219,9 @@ SchemaName WsdlReader::resolve(std::string_view qualified) const
     if (!isXmlName(local))
         return {};
     // Backwards, because the innermost declaration of a prefix applies.
-    for (std::size_t i = declared.size(); i > 0; i -= 2)
-        if (textOf(declared[i - 2]) == prefix)
-            return {tree.names.intern(trimmed(textOf(declared[i - 1]))), tree.names.intern(local)};
+    for (std::size_t i = declared.size(); i-- > 0;)
+        if (declared[i].prefix == prefix)
+            return {tree.names.intern(trimmed(declared[i].uri)), tree.names.intern(local)};
     return prefix.empty() ? SchemaName{0, tree.names.intern(local)} : SchemaName();
 }
 

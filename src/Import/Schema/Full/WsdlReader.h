@@ -22,7 +22,6 @@ public:
     void startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope) override;
     void endElement() override;
     void text(std::string_view text) override;
-    void cdata(std::string_view data) override { text(data); }
     void entityLeftOut(std::string_view name, XmlPlace place) override;
 
     /// Reports the findings in the documents, and makes elements of messages with typed parts. Call it once after the
@@ -112,10 +111,9 @@ private:
     // The readers of complete schemas, kept for their findings until finish().
     std::vector<std::unique_ptr<SchemaReader>> finished;
     bool isWsdl = false;
-    bool isInTypes = false;        // inside the `types` element
-    std::vector<std::size_t> open; // for each element around schemas, the declarations before it
-    // The parser interns these texts, so the pointers are valid until the parse ends.
-    std::vector<const unsigned char*> declared; // prefixes and URIs of those
+    bool isInTypes = false;             // inside the `types` element
+    std::vector<std::size_t> open;      // for each element around schemas, the declarations before it
+    std::vector<XmlNamespace> declared; // by those; the texts are valid until the parse ends
     NameTable::Id target = 0;
     std::vector<NameTable::Id> messages{0}; // names of messages by number
     std::unordered_set<NameTable::Id> messageNames;

@@ -63,13 +63,9 @@ SchemaOutline::SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKin
 // must not call a built-in type undeclared.
 void SchemaOutline::notePrefixes(const XmlScope& scope)
 {
-    for (std::size_t i = 0; i < scope.count; ++i) {
-        const auto* const uri = reinterpret_cast<const char*>(scope.declarations[2 * i + 1]);
-        if (schemaEditionOf(uri) == SchemaEdition::none)
-            continue;
-        const auto* const prefix = reinterpret_cast<const char*>(scope.declarations[2 * i]);
-        kinds.addLanguagePrefix(prefix ? prefix : "");
-    }
+    for (std::size_t i = 0; i < scope.count; ++i)
+        if (schemaEditionOf(scope[i].uri) != SchemaEdition::none)
+            kinds.addLanguagePrefix(scope[i].prefix);
 }
 
 void SchemaOutline::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
