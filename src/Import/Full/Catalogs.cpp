@@ -333,27 +333,24 @@ std::optional<CString> Catalogs::lookUpOne(const Catalog& catalog, Lookup& looku
         return found;
     if (lookup.publicId.empty())
         return std::nullopt;
-    const auto& publicIds = tables[publicIdentifier].entries;
-    const auto entry = publicIds.find(CString(lookup.publicId));
-    if (entry != publicIds.end() && (lookup.systemId.empty() || entry->second.prefersPublic))
-        return pathOf(entry->second.target, entry->second.base);
+    const Entry* const entry = tables[publicIdentifier].find(lookup.publicId);
+    if (entry && (lookup.systemId.empty() || entry->prefersPublic))
+        return pathOf(entry->target, entry->base);
     return lookUpDelegates(tables[delegatePublic], lookup.publicId, lookup, true);
 }
 
 std::optional<CString> Catalogs::lookUpExact(const Table& table, std::string_view text) const
 {
-    const auto entry = table.entries.find(CString(text));
-    return entry == table.entries.end() ? std::nullopt
-                                        : std::optional(pathOf(entry->second.target, entry->second.base));
+    const Entry* const entry = table.find(text);
+    return entry ? std::optional(pathOf(entry->target, entry->base)) : std::nullopt;
 }
 
 // The part of the identifier after the prefix is kept.
 std::optional<CString> Catalogs::lookUpRewrite(const Table& table, std::string_view text) const
 {
     for (const std::size_t length : table.lengths)
-        if (length <= text.size())
-            if (const auto entry = table.entries.find(CString(text.substr(0, length))); entry != table.entries.end())
-                return pathOf(entry->second.target + CString(text.substr(length)), entry->second.base);
+        if (const Entry* const entry = length <= text.size() ? table.find(text.substr(0, length)) : nullptr)
+            return pathOf(entry->target + CString(text.substr(length)), entry->base);
     return std::nullopt;
 }
 
@@ -372,13 +369,10 @@ std::optional<CString> Catalogs::lookUpDelegates(const Table& table, std::string
                                                  bool isPublic) const
 {
     for (const std::size_t length : table.lengths) {
-        if (length > text.size())
+        const Entry* const entry = length <= text.size() ? table.find(text.substr(0, length)) : nullptr;
+        if (!entry || !entry->catalog || (isPublic && !entry->prefersPublic && !lookup.systemId.empty()))
             continue;
-        const auto entry = table.entries.find(CString(text.substr(0, length)));
-        if (entry == table.entries.end() || !entry->second.catalog ||
-            (isPublic && !entry->second.prefersPublic && !lookup.systemId.empty()))
-            continue;
-        if (auto found = lookUp({*entry->second.catalog}, lookup))
+        if (auto found = lookUp({*entry->catalog}, lookup))
             return found;
         lookup.isFinished = true;
     }

@@ -77,6 +77,12 @@ private:
     {
         std::unordered_map<CString, Entry, KeyHash> entries;
         std::set<std::size_t, std::greater<>> lengths; // lengths of the keys, longest first
+
+        const Entry* find(std::string_view key) const
+        {
+            const auto entry = entries.find(CString(key));
+            return entry == entries.end() ? nullptr : &entry->second;
+        }
     };
 
     // One file. Its tables are by Kind; that of nextCatalog stays empty, because these entries have no key.
