@@ -38,23 +38,24 @@ const MsgUIDescriptor* importerOf(const CString& name, const MsgUIDescriptor* im
     return nullptr;
 }
 
-template <class Iterator>
-std::vector<CString> filesIn(const CString& folder, const MsgUIDescriptor* importer)
+std::vector<CString> filesIn(const CString& folder, const MsgUIDescriptor* importer, bool isRecursive)
 {
     std::vector<CString> files;
-    for (const std::filesystem::directory_entry& entry : Iterator(folder)) {
+    for (std::filesystem::recursive_directory_iterator entry(folder), end; entry != end; ++entry) {
+        if (!isRecursive)
+            entry.disable_recursion_pending();
         std::error_code failure;
-        const CString name = entry.path().filename().string();
+        const CString name = entry->path().filename().string();
         const MsgUIDescriptor* const own = importerOf(name, importer);
         // A link that leads nowhere stays, so that opening it fails with the reason. Editors have hidden ones as locks.
-        const bool isSource = entry.is_regular_file(failure) || (failure && !name.starts_with('.'));
+        const bool isSource = entry->is_regular_file(failure) || (failure && !name.starts_with('.'));
         if (!own || !isSource)
             continue;
         if (!importer && own->querySource().isSet) { // a WSDL refers to the schemas beside it
             importer = own;
             files.clear();
         }
-        files.push_back(entry.path().string());
+        files.push_back(entry->path().string());
     }
     // Folders list their files in no particular order, and the result depends on the order.
     std::ranges::sort(files);
@@ -75,9 +76,7 @@ std::vector<CString> withoutFolders(const std::vector<CString>& sources, const M
             continue;
         }
         try {
-            const std::vector<CString> inside = isRecursive
-                                                    ? filesIn<fs::recursive_directory_iterator>(source, importer)
-                                                    : filesIn<fs::directory_iterator>(source, importer);
+            const std::vector<CString> inside = filesIn(source, importer, isRecursive);
             if (inside.empty())
                 throw std::runtime_error(source + ": the folder holds no source" +
                                          (importer ? CString(" for ") + importer->querySource().word : ""));
