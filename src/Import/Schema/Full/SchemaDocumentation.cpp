@@ -7,11 +7,6 @@
 
 namespace {
 
-bool isBlank(std::string_view text)
-{
-    return text.find_first_not_of(kWhitespace) == text.npos;
-}
-
 // Appends text with each run of white space as one space, also at the start, because other text may come before it.
 void appendPart(CString& out, std::string_view text)
 {
@@ -65,7 +60,7 @@ void SchemaDocumentation::text(std::string_view text)
     if (open > 0)
         appendPart(parts[open - 1].text, text);
     bool& isHeld = open > 0 ? parts[open - 1].holdsText : holdsText;
-    isHeld = isHeld || !isBlank(text);
+    isHeld = isHeld || !trimmed(text).empty();
 }
 
 std::string_view SchemaDocumentation::query() const
