@@ -69,6 +69,8 @@ const Loss kLosses[] = {
      "3:1 statement that has no effect there: xs:complexType inside xs:element"},
     {"Values", MAIN(ELEMENT("name='a' maxOccurs='many'") ELEMENT("name='b' type=''")),
      "2:1 invalid value: maxOccurs=\"many\"\n2:40 invalid value: type=\"\""},
+    {"LongValue", MAIN(ELEMENT("name='a' maxOccurs='1öööööööööööööööööööööööööööööööööööööööööööööööööööööööööööö'")),
+     "2:1 invalid value: maxOccurs=\"1öööööööööööööööööööööööööööööööööööööööööööööööööööööööööööö\""},
     {"BoundsThatContradictEachOther",
      MAIN(ELEMENT("name='a' minOccurs='2'") "\n" ELEMENT("name='b' minOccurs='10' maxOccurs='09'") "\n" ELEMENT(
          "name='c' minOccurs='09' maxOccurs='10'") ELEMENT("name='d' minOccurs='2' maxOccurs='unbounded'")),

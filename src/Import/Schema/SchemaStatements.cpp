@@ -1,5 +1,7 @@
 #include "Import/Schema/SchemaStatements.h"
 
+#include "Base/Utf8.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -15,7 +17,7 @@ using Word = SchemaAttribute;
 
 // Bounds the memory. Findings that are passed on at the bound are reported even if the document is left out later.
 constexpr std::size_t kMaxFindings = 10'000; // findings kept until they are passed to the report
-constexpr std::size_t kLongestValue = 100;   // bytes of a value that a message shows
+constexpr std::size_t kLongestValue = 100;   // characters of a value that a message shows
 
 bool isBoolean(std::string_view value)
 {
@@ -153,7 +155,7 @@ void SchemaStatements::text(std::string_view text)
         return;
     hasText = true;
     leaveComponent();
-    addFinding(SourceReport::unknownStatement, CString(content.substr(0, kLongestValue)));
+    addFinding(SourceReport::unknownStatement, CString(firstCharacters(content, kLongestValue)));
 }
 
 // Reads the attributes of a statement and checks their values. Those of `name` and `type`, the most frequent ones, skip
@@ -275,7 +277,7 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
     }
     if (!isValid)
         addFinding(SourceReport::invalidValue,
-                   called.qualified() + "=\"" + CString(value.substr(0, kLongestValue)) + "\"");
+                   called.qualified() + "=\"" + CString(firstCharacters(value, kLongestValue)) + "\"");
     if (!value.empty() || attribute.name == Word::value)
         present |= bitOf(attribute.name);
 }
