@@ -48,11 +48,6 @@ void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes, const Xml
         open.push_back({child.item, ++lastSequence, shadowed.size(), undecided.size()});
 }
 
-void XMLDataWalk::endElement()
-{
-    closeNode();
-}
-
 std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
 {
     // Declarations are out of order, because some are only kept when their node ends or their usage repeats.
@@ -163,8 +158,8 @@ bool XMLDataWalk::isOpen(const Usage& usage) const
     return usage.pair && usage.depth < open.size() && open[usage.depth].sequence == usage.sequence;
 }
 
-// Closes a node. Undecided usages that haven't repeated by now occurred once.
-void XMLDataWalk::closeNode()
+// Undecided usages that haven't repeated by now occurred once.
+void XMLDataWalk::endElement()
 {
     const Node& node = open.back();
     for (; undecided.size() > node.undecided; undecided.pop_back()) {

@@ -169,7 +169,6 @@ private:
     void repeatUsage(Usage& usage, Pair& pair);
     void keep(Usage& usage);
     bool isOpen(const Usage& usage) const;
-    void closeNode();
 
     SourceReport& report;
     const bool isBody;
