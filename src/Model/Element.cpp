@@ -1,19 +1,8 @@
 #include "Model/Element.h"
 
-#include "Resources/StringTable.h"
-
 namespace {
 
 const CString kEmpty;
-
-// Returns whether `description` is the generated one of `name`, "%s (Automatically created)". Compared in parts,
-// because building the text for each declaration would cost an allocation.
-bool isGenerated(std::string_view description, std::string_view name)
-{
-    static const std::string_view suffix = std::string_view(loadText(IDS_AUTOMATIC)).substr(2);
-    return description.size() == name.size() + suffix.size() && description.starts_with(name) &&
-           description.ends_with(suffix);
-}
 
 // Returns the path of an element without a model, in a new pool, which the element owns and reaches through its path.
 Name& pathInOwnPool(std::string_view path)
@@ -72,8 +61,8 @@ Element::Rare& Element::rare() const
 
 const CString& Element::queryDescription() const
 {
-    if (isDescribedByName && !rare().description)
-        more->description = &names().intern(fillText(loadText(IDS_AUTOMATIC), name->text));
+    if (CString room; isDescribedByName && !rare().description)
+        more->description = &names().intern(generated(name->text).joined(room));
     return more && more->description ? more->description->text : kEmpty;
 }
 
@@ -105,7 +94,9 @@ void Element::setDescription(std::string_view newDescription)
 {
     // Nearly all descriptions are generated ones, so those are only flagged, not stored. A replaced description stays
     // in memory, because names are only freed all at once.
-    isDescribedByName = isGenerated(newDescription, name->text);
+    const auto [first, rest] = generated(name->text);
+    isDescribedByName = newDescription.size() == first.size() + rest.size() && newDescription.starts_with(first) &&
+                        newDescription.ends_with(rest);
     if (more)
         more->description = nullptr;
     if (!isDescribedByName && !newDescription.empty())
@@ -164,10 +155,7 @@ void Element::toTable(Element* oldChild, Element* table)
 // Gives a primitive element the known type of its kind, so that a table can name it as its component.
 void Element::setPrimitiveType()
 {
-    if (type == typeString)
-        setKnownType("String");
-    else if (type == typeNumber)
-        setKnownType("Number");
-    else if (type == typeDate)
-        setKnownType("Time");
+    if (!isPrimitive())
+        return;
+    setKnownType(queryFieldType(*this).first);
 }

@@ -131,6 +131,7 @@ private:
     void link(Element* child, bool isNew); // in both directions; a new child has no links yet
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();
+    static TextPieces generated(std::string_view name);
     void setName(Name& newName);
     void describeByName();
 

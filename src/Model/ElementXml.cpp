@@ -4,17 +4,13 @@
 #include "Model/Element.h"
 #include "Resources/StringTable.h"
 
-namespace {
-
 // Returns the generated description of a name, "%s (Automatically created)", in two pieces, because only the name
 // differs.
-TextPieces generated(std::string_view name)
+TextPieces Element::generated(std::string_view name)
 {
     static const std::string_view suffix = std::string_view(loadText(IDS_AUTOMATIC)).substr(2);
     return {name, suffix};
 }
-
-} // namespace
 
 std::string_view Element::asXML()
 {

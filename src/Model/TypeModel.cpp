@@ -148,8 +148,7 @@ void TypeModel::makeTables()
         tableName.assign("t_").append(element->queryBaseName());
         // A primitive component has no type to refer to, so it gets the name of its kind as the known type, which its
         // table copies.
-        if (element->isPrimitive())
-            element->setPrimitiveType();
+        element->setPrimitiveType();
         Name& name = names.intern(tableName);
         Element* table = name.element;
         if (!table)
