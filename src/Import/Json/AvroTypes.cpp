@@ -7,7 +7,7 @@
 #include <utility>
 
 // A value is a list of alternatives, because any schema may be a union, and its members may be names and arrays of
-// further unions. sort() splits the list by kind; several records become one with the fields of all, as for the
+// further unions. sortByKind() splits the list by kind; several records become one with the fields of all, as for the
 // alternatives of other languages. The fields of records are read later, so that records may contain each other.
 namespace {
 
@@ -33,7 +33,7 @@ bool AvroTypes::isSource(Index document)
 {
     if (tree.find(document, JsonWord::protocol) != 0)
         return true;
-    const std::vector<Scoped> leaves = sort({{document, 0}}).leaves;
+    const std::vector<Scoped> leaves = sortByKind({{document, 0}}).leaves;
     return leaves.empty() || std::ranges::any_of(leaves, [this](const Scoped& leaf) { return isKnown(leaf.schema); });
 }
 
@@ -43,7 +43,7 @@ void AvroTypes::addCandidate(Index schema, std::string_view name)
     // A union with named types declares these. Any other schema is that of one value.
     const bool isSeveral = tree.is(schema, JsonNode::array) && !order.empty();
     for (const Index at : tree.childrenOf(isSeveral ? schema : 0)) {
-        const Sorted sorted = sort({{at, 0}});
+        const Sorted sorted = sortByKind({{at, 0}});
         if (sorted.records.empty() && sorted.leaves.empty())
             continue;
         const auto shape = shapeOf({{at, 0}}, name, SourceTypes::kNone); // which reports a name that nothing declares
@@ -107,7 +107,7 @@ void AvroTypes::readProtocol(Index protocol)
             names.addCandidate({type, 0}, {}, tree[request].place);
         }
         const Index response = tree.find(message, JsonWord::response);
-        if (response != 0 && names.isWanted(response) && !sort({{response, tree[space].text}}).records.empty())
+        if (response != 0 && names.isWanted(response) && !sortByKind({{response, tree[space].text}}).records.empty())
             if (const auto shape = shapeOf({{response, tree[space].text}}, names.toModelName(name + "Response", at),
                                            SourceTypes::kNone))
                 names.addCandidate(*shape, {}, tree[response].place);
@@ -128,7 +128,7 @@ std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternati
         return std::nullopt;
     Shape shape;
     for (;;) {
-        const Sorted sorted = sort(std::move(alternatives));
+        const Sorted sorted = sortByKind(std::move(alternatives));
         const bool isObject = !sorted.records.empty() || !sorted.maps.empty();
         const int sorts =
             !sorted.records.empty() + !sorted.maps.empty() + !sorted.arrays.empty() + !sorted.leaves.empty();
@@ -159,7 +159,7 @@ std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternati
 }
 
 // Splits unions, follows names and leaves out null. Each schema comes once.
-AvroTypes::Sorted AvroTypes::sort(std::vector<Scoped> alternatives)
+AvroTypes::Sorted AvroTypes::sortByKind(std::vector<Scoped> alternatives)
 {
     Sorted sorted;
     std::unordered_set<Index> met;

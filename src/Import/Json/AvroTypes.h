@@ -72,7 +72,7 @@ private:
     void readDeclared(std::string_view name);
     FullName fullNameOf(std::string_view name, NameTable::Id space);
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
-    Sorted sort(std::vector<Scoped> alternatives);
+    Sorted sortByKind(std::vector<Scoped> alternatives);
     bool isKnown(Index leaf) const;
     void spendStep();
     std::string_view simpleNameOf(Index schema);
