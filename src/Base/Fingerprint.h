@@ -1,12 +1,10 @@
 #pragma once
 
+#include "Base/LoadBytes.h"
 #include "Base/Text.h"
 
-#include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 /// A 128-bit hash that stands for a text too long to store or to compare. Each process draws its own random seed, so no
 /// source can be made to collide on purpose. A collision by chance is so unlikely that callers treat texts with equal
@@ -44,7 +42,7 @@ public:
         const char* at = text.data();
         std::size_t left = text.size();
         for (; left >= kBlock; at += kBlock, left -= kBlock)
-            add(load<std::uint64_t>(at), kBlock);
+            add(loadBytes<std::uint64_t>(at), kBlock);
         if (left > 0)
             add(loadPartial(at, left), left);
         return *this;
@@ -76,32 +74,6 @@ private:
     };
 
     static const Seed seed;
-
-    // By memcpy(), because a piece may begin at any address. The first byte becomes the lowest on all processors.
-    // Otherwise add(), which joins pieces by shifts, would give another result for another cut.
-    template <class Number>
-    static Number load(const char* bytes)
-    {
-        Number number;
-        std::memcpy(&number, bytes, sizeof number);
-        if constexpr (std::endian::native == std::endian::big) {
-            char* const first = reinterpret_cast<char*>(&number);
-            std::reverse(first, first + sizeof number);
-        }
-        return number;
-    }
-
-    // Returns one to seven bytes as the low bytes of a number. Reads overlap instead of looping over the bytes; a byte
-    // that is read twice has the same place in both. The indices 0, n / 2 and n - 1 cover one to three bytes.
-    static std::uint64_t loadPartial(const char* bytes, std::size_t n)
-    {
-        const auto byteAt = [bytes](std::size_t i) {
-            return std::uint64_t{static_cast<unsigned char>(bytes[i])} << 8 * i;
-        };
-        if (n < 4)
-            return byteAt(0) | byteAt(n / 2) | byteAt(n - 1);
-        return load<std::uint32_t>(bytes) | std::uint64_t{load<std::uint32_t>(bytes + n - 4)} << 8 * (n - 4);
-    }
 
     // Returns the high half of the 128-bit product XOR its low half, so that every bit of both factors counts.
     static std::uint64_t fold(std::uint64_t a, std::uint64_t b)

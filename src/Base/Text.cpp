@@ -1,5 +1,6 @@
 #include "Base/Text.h"
 
+#include "Base/LoadBytes.h"
 #include "Base/Utf8.h"
 
 #include <algorithm>
@@ -75,30 +76,6 @@ using Bytes8 = std::uint64_t; // eight characters
 constexpr Bytes8 repeated(unsigned char c)
 {
     return c * Bytes8{0x0101010101010101};
-}
-
-// By memcpy(), because the text may begin at any address.
-template <class Number>
-Number load(const char* bytes)
-{
-    Number loaded;
-    std::memcpy(&loaded, bytes, sizeof loaded);
-    return loaded;
-}
-
-Bytes8 loadBytes8(const char* bytes)
-{
-    return load<Bytes8>(bytes);
-}
-
-// Returns eight characters that occur in a text of one to seven, each at least once; with less than four, blanks as
-// well. The loads overlap, because a copy of `size` bytes would have to reach memory before it could be loaded.
-Bytes8 loadShort(const char* bytes, std::size_t size)
-{
-    if (size >= sizeof(std::uint32_t))
-        return load<std::uint32_t>(bytes) | Bytes8{load<std::uint32_t>(bytes + size - sizeof(std::uint32_t))} << 32;
-    const auto byte = [bytes](std::size_t i) { return Bytes8{static_cast<unsigned char>(bytes[i])}; };
-    return (repeated(' ') << 24) | byte(0) << 16 | byte(size / 2) << 8 | byte(size - 1);
 }
 
 // Sixteen characters in one register. They are signed, so that bytes outside of ASCII are below the blank.
@@ -221,18 +198,18 @@ bool isPlainXmlText(std::string_view bytes)
     if (left == 0)
         return true;
     if (left < sizeof(Bytes8)) {
-        const Bytes8 all = loadShort(at, left);
-        return !hasSpecial(bytes16Of(all, all));
+        const Bytes8 padded = loadPartial(at, left) | repeated(' ') << 8 * left; // blanks are plain
+        return !hasSpecial(bytes16Of(padded, padded));
     }
     // Leaves 1 to 16 bytes for the check below.
     for (; left > sizeof(Bytes16); at += sizeof(Bytes16), left -= sizeof(Bytes16))
-        if (hasSpecial(bytes16Of(loadBytes8(at), loadBytes8(at + sizeof(Bytes8)))))
+        if (hasSpecial(bytes16Of(loadBytes<Bytes8>(at), loadBytes<Bytes8>(at + sizeof(Bytes8)))))
             return false;
     if (left < sizeof(Bytes8)) { // go back, over some bytes that are checked already
         at -= sizeof(Bytes8) - left;
         left = sizeof(Bytes8);
     }
-    return !hasSpecial(bytes16Of(loadBytes8(at), loadBytes8(at + left - sizeof(Bytes8))));
+    return !hasSpecial(bytes16Of(loadBytes<Bytes8>(at), loadBytes<Bytes8>(at + left - sizeof(Bytes8))));
 }
 
 bool isXmlText(std::string_view bytes)
@@ -242,7 +219,7 @@ bool isXmlText(std::string_view bytes)
             // The high bit of a byte is set in `block` if it is not ASCII, and in the difference if it is below the
             // blank. A borrow changes another byte only after a byte that is found in any case. A block with such a
             // byte is decoded below, where tabs and line ends are allowed.
-            const Bytes8 block = loadBytes8(bytes.data() + at);
+            const Bytes8 block = loadBytes<Bytes8>(bytes.data() + at);
             if (((block | (block - repeated(0x20))) & repeated(0x80)) == 0) {
                 at += sizeof block;
                 continue;
