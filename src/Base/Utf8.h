@@ -7,6 +7,9 @@
 /// The result of decodeUtf8() if the bytes are not UTF-8.
 inline constexpr char32_t kInvalidUtf8 = 0xFFFFFFFF;
 
+/// The byte order mark that a text in UTF-8 may begin with. It is not part of the text.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 /// Returns the length in bytes, 1 to 4, of the character that starts with `lead`; 1 for a continuation byte. The byte
 /// is not checked further: 0xC0 and 0xC1 give 2, and 0xF5 to 0xFF give 4, though no character starts with them.
 std::size_t utf8Length(char lead);

@@ -1,5 +1,6 @@
 #include "Cli/Arguments.h"
 
+#include "Base/Utf8.h"
 #include "Cli/Completion.h"
 #include "Cli/HelpText.h"
 #include "Cli/Output.h"
@@ -28,8 +29,7 @@ void addLines(const CString& fileName, std::vector<CString>& arguments)
     CString text;
     if (const FileCause cause = readFile(fileName, text); cause != FileCause::none)
         throw std::runtime_error("can't open " + fileName + ": " + inWords(fileName, cause));
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    std::istringstream lines(text.substr(text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0));
+    std::istringstream lines(text.substr(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0));
     for (CString line; std::getline(lines, line);) {
         if (line.ends_with('\r'))
             line.pop_back();

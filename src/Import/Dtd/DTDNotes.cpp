@@ -1,6 +1,7 @@
 #include "Import/Dtd/DTDNotes.h"
 
 #include "Base/Text.h"
+#include "Base/Utf8.h"
 
 #include <algorithm>
 

@@ -2,6 +2,7 @@
 
 #include "Base/Progress.h"
 #include "Base/Text.h"
+#include "Base/Utf8.h"
 
 #include <algorithm>
 #include <array>

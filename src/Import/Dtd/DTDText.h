@@ -9,9 +9,6 @@
 /// "Not found", as in the standard library.
 inline constexpr std::size_t kNowhere = std::string_view::npos;
 
-/// At the start of a text in UTF-8. It has no column.
-inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
 /// A set of bytes, with constant-time lookup.
 class CharSet
 {

@@ -1,6 +1,7 @@
 #include "Import/Json/JsonDocuments.h"
 
 #include "Base/Progress.h"
+#include "Base/Utf8.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
 #include "Import/Json/JsonScanner.h"
@@ -95,7 +96,8 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     CString text;
     if (const FileCause cause = readFile(fileName, text, kMaxNamedFile); cause != FileCause::none)
         throw SourceRefusal{cantOpen(shownName, cause), {shownName, inWords(fileName, cause)}};
-    const std::string_view content = std::string_view(text).substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
+    const std::string_view content =
+        std::string_view(text).substr(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
     // In YAML, "<<" is a key.
     if (const std::string_view start = trimmed(content.substr(0, kStart));
         start.starts_with('<') && !start.starts_with("<<"))

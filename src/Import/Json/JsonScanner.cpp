@@ -45,10 +45,10 @@ SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault)
 JsonScanner::JsonScanner(InputFile& file) : file(&file), buffer(kBuffer)
 {
     // A pipe may return single bytes, so the mark may need several reads.
-    while (data.size() < 3 && refill()) {
+    while (data.size() < kByteOrderMark.size() && refill()) {
     }
-    if (data.starts_with("\xEF\xBB\xBF"))
-        at = 3;
+    if (data.starts_with(kByteOrderMark))
+        at = kByteOrderMark.size();
     lineOffset = at;
 }
 
