@@ -3,8 +3,6 @@
 #include "support/FullTypes.h"
 #include "support/Importing.h"
 
-#include <chrono>
-
 namespace {
 
 struct Rule
@@ -378,12 +376,11 @@ TEST_F(Avro, ReadsNamesAndSymbolsOnceForAllFields)
         fields += R"(,{"name":"e)" + number + R"(","type":"E"},{"name":"r)" + number +
                   R"(","type":{"type":"record","name":"T)" + number + R"(","fields":[]}})";
     }
-    const auto start = std::chrono::steady_clock::now();
+    // Symbols that are read for each field exceed the bound of steps.
     EXPECT_EQ(import(R"({"type":"record","name":"R","namespace":")" + times(100'000, "n") +
                      R"(","fields":[{"name":"e","type":{"type":"enum","name":"E","symbols":["s")" + symbols + "]}}" +
                      fields + "]}"),
               1);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
 TEST_F(OpenApi, RefusesManyCallbacksOfALongName)
