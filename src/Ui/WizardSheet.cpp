@@ -197,10 +197,7 @@ void WizardSheet::reject()
     constexpr qint64 reaction = 500; // milliseconds
     if (work || (sinceWork.isValid() && !sinceWork.hasExpired(reaction)))
         return;
-    if (finishButton->isVisible())
-        finish(); // everything is done, so nothing is lost
-    else
-        QDialog::reject();
+    QDialog::reject();
 }
 
 // Work that ends before its progress is shown changes nothing: neither the buttons nor the focus. The scope guard also
