@@ -394,7 +394,7 @@ TEST(OutputFilePage, RefusesADeviceAndReplacesAFile)
     EXPECT_EQ(TempDir::read(old), document);
     CComboBox combo;
     EXPECT_EQ(desk.wizard().options.fillOutputFile(combo), old);
-    EXPECT_EQ(combo.count(), 2); // also the name that couldn't be written, but no empty one
+    EXPECT_EQ(combo.count(), 3); // also the names that couldn't be written
 }
 
 } // namespace

@@ -104,11 +104,11 @@ void OutputFile::OnSetActive()
     showState();
 }
 
-// Suggests a name, unless there are recent names or the user has typed one.
+// Suggests a name, unless the field has a recent or a typed one.
 void OutputFile::suggest()
 {
     UpdateData(true);
-    if (combo().count() > 0 || fileName != suggested)
+    if (fileName != suggested)
         return;
     suggested = outputNameFor(*wizard->message, wizard->script.source);
     fileName = suggested;
@@ -128,8 +128,7 @@ void OutputFile::showState()
 LRESULT OutputFile::OnWizardNext()
 {
     showState(); // now, because the timer would read the name while the work below uses it
-    if (!fileName.empty())
-        wizard->options.addOutputFile(fileName);
+    wizard->options.addOutputFile(fileName);
     const WaitCursor wait;
     int error = 0;
     sheet()->runLong([&] {
