@@ -71,65 +71,85 @@ std::uint64_t signatureOf(const SourceTypes& types, Index record, const std::vec
     return signature.query();
 }
 
-// Returns for each record the first one of its class, in the coarsest partition in which the records of a class have
-// the same signature, and their fields at each place lead to the same class. All records begin in one class. When a
-// class splits, its smaller part becomes the new one, so a record moves O(log n) times (J. Hopcroft, An n log n
-// algorithm for minimizing states in a finite automaton, 1971).
-std::vector<Index> firstRecords(const SourceTypes& types, const std::vector<Index>& enumerations)
+// The classes of equal records: the coarsest partition in which the records of a class have the same signature, and
+// their fields at each place lead to the same class. All records begin in one class. When a class splits, its smaller
+// part becomes the new one, so a record moves O(log n) times (J. Hopcroft, An n log n algorithm for minimizing states
+// in a finite automaton, 1971).
+class RecordClasses
 {
+public:
+    RecordClasses(const SourceTypes& types, const std::vector<Index>& enumerations) :
+        classes(types.records.size()), sums(classes.size()), uses(classes.size()), changed(classes.size())
+    {
+        std::iota(changed.begin(), changed.end(), 0);
+        members.emplace_back(changed.begin(), changed.end());
+        for (const Index record : changed) {
+            sums[record] = signatureOf(types, record, enumerations);
+            std::uint64_t place = 0;
+            for (const Field& field : types.fieldsOf(record)) {
+                if (field.type.kind == SourceTypes::kindRecord)
+                    uses[field.type.index].push_back({record, place << 32});
+                ++place;
+            }
+        }
+        while (!changed.empty())
+            splitChanged();
+    }
+
+    // Returns for each record the first one of its class.
+    std::vector<Index> firsts() const
+    {
+        std::vector<Index> all;
+        for (const Index at : classes)
+            all.push_back(*members[at].begin());
+        return all;
+    }
+
+private:
     struct Use
     {
         Index user;
         std::uint64_t place; // of the field in the user, in the upper half
     };
-    const std::size_t count = types.records.size();
-    std::vector<Index> classes(count);
-    std::vector<std::uint64_t> sums(count); // of a record's signature and a hash for the class at each place
-    std::vector<std::vector<Use>> uses(count);
-    std::vector<Index> changed(count); // records whose sum may differ from that of others in their class
-    std::iota(changed.begin(), changed.end(), 0);
-    std::vector<std::set<Index>> members{{changed.begin(), changed.end()}}; // by class
-    for (const Index record : changed) {
-        sums[record] = signatureOf(types, record, enumerations);
-        std::uint64_t place = 0;
-        for (const Field& field : types.fieldsOf(record)) {
-            if (field.type.kind == SourceTypes::kindRecord)
-                uses[field.type.index].push_back({record, place << 32});
-            ++place;
-        }
-    }
-    CancelPoint cancelPoint(4096);
-    while (!changed.empty()) {
+
+    // Splits each class by the sums of its records, unless all records of the class have changed in the same way.
+    void splitChanged()
+    {
         std::map<std::pair<Index, std::uint64_t>, std::set<Index>> parts; // by class and sum
         for (const Index record : std::exchange(changed, {}))
             parts[{classes[record], sums[record]}].insert(record);
-        for (auto& [key, part] : parts) {
-            const Index from = classes[*part.begin()], to = static_cast<Index>(members.size());
-            // All records of the class have changed in the same way.
-            if (part.size() == members[from].size())
-                continue;
-            for (const Index record : part)
-                members[from].erase(record);
-            if (part.size() > members[from].size())
-                part.swap(members[from]);
-            for (const Index record : part) {
-                classes[record] = to;
-                for (const auto& [user, place] : uses[record]) {
-                    cancelPoint.pass();
-                    // A sum is updated without visiting the user's other fields. It includes the place, so that two
-                    // fields with swapped types give another sum.
-                    sums[user] += RunningHash::of(place | to) - RunningHash::of(place | from);
-                    changed.push_back(user);
-                }
-            }
-            members.push_back(std::move(part));
-        }
+        for (auto& [key, part] : parts)
+            if (const Index from = classes[*part.begin()]; part.size() != members[from].size())
+                split(from, std::move(part));
     }
-    std::vector<Index> firsts;
-    for (const Index at : classes)
-        firsts.push_back(*members[at].begin());
-    return firsts;
-}
+
+    void split(Index from, std::set<Index> part)
+    {
+        for (const Index record : part)
+            members[from].erase(record);
+        if (part.size() > members[from].size())
+            part.swap(members[from]);
+        const auto to = static_cast<Index>(members.size());
+        for (const Index record : part) {
+            classes[record] = to;
+            for (const auto& [user, place] : uses[record]) {
+                cancelPoint.pass();
+                // A sum is updated without visiting the user's other fields. It includes the place, so that two fields
+                // with swapped types give another sum.
+                sums[user] += RunningHash::of(place | to) - RunningHash::of(place | from);
+                changed.push_back(user);
+            }
+        }
+        members.push_back(std::move(part));
+    }
+
+    std::vector<Index> classes;           // by record
+    std::vector<std::uint64_t> sums;      // of a record's signature and a hash for the class at each place
+    std::vector<std::vector<Use>> uses;   // of a record
+    std::vector<Index> changed;           // records whose sum may differ from that of others in their class
+    std::vector<std::set<Index>> members; // by class
+    CancelPoint cancelPoint{4096};
+};
 
 // Moves elements that have equals in another namespace to the namespace `common`, and keeps only the first of them. All
 // others stay. Returns the new index of each element.
@@ -160,7 +180,7 @@ std::vector<Index> keepFirst(std::vector<Row>& rows, const std::vector<Index>& f
 } // namespace
 
 EqualTypes::EqualTypes(const SourceTypes& types) :
-    enumerations(firstEnumerations(types)), records(firstRecords(types, enumerations))
+    enumerations(firstEnumerations(types)), records(RecordClasses(types, enumerations).firsts())
 {}
 
 // Both lists are computed before anything moves, because records are compared by the enumerations that they use.
