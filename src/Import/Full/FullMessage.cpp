@@ -116,8 +116,7 @@ void FullMessage::forget()
 
 void FullMessage::import(const CString& source, const CString& fileName, const CString& basePath)
 {
-    const bool bySpace = laysOutByNamespace();
-    SourceTypes types(fileName, bySpace ? &folders : nullptr);
+    SourceTypes types(fileName, laysOutByNamespace() ? &folders : nullptr);
     for (const CString& file : catalogFiles)
         catalogs->load(file);
     read(source, fileName, types, report);
@@ -126,45 +125,59 @@ void FullMessage::import(const CString& source, const CString& fileName, const C
         mainType = toXmlText(givenName);
         return;
     }
-    if (types.empty()) {
-        report.release({});
-        const CString losses = report.lossesInWords(); // may be the reason
-        throw SourceRefusal{
-            fileName + " declares no element, type or enumeration.",
-            {"", "it declares no element, type or enumeration" + (losses.empty() ? "" : "; " + losses)}};
-    }
+    if (types.empty())
+        refuseEmpty(fileName);
     MainTypes main = chooseMain(types, fileName);
     types.candidates = std::vector<SourceTypes::Candidate>(); // frees them: a DTD has one for each element
-    if (bySpace && mergesEqual)
+    if (laysOutByNamespace() && mergesEqual)
         mergeEqualTypes(types, main.records);
+    declare(types, main, basePath);
+    for (const auto& [uri, folder] : folders)
+        if (!types.hasSpace(uri))
+            unusedFolders.push_back(uri);
+}
+
+void FullMessage::refuseEmpty(const CString& fileName)
+{
+    report.release({});
+    const CString losses = report.lossesInWords(); // may be the reason
+    throw SourceRefusal{fileName + " declares no element, type or enumeration.",
+                        {"", "it declares no element, type or enumeration" + (losses.empty() ? "" : "; " + losses)}};
+}
+
+// Names the types and declares them in the model. Without requested types, these are all types, after those that the
+// main types reach, and all named enumerations, even if no field uses them.
+void FullMessage::declare(SourceTypes& types, const MainTypes& main, const CString& basePath)
+{
     RecordOrder order({types}, types.records.size());
     for (const Index record : main.records)
         order.visit(record);
     visitChoices(types, order);
-    // Without requested types, all types are imported, after those that the main types reach.
     for (Index record = 0; !main.isRequested && record < types.records.size(); ++record)
         order.visit(record);
     SourceNames names(types, report);
     names.name(order.query(), main.records, main.files);
     if (!main.isRequested)
         names.nameUnused();
-    std::vector<CString> paths{basePath + mainType + "\\"};
-    if (bySpace) {
-        paths = foldersOf(types.spaces);
-        for (CString& path : paths)
-            path = basePath + path + (path.empty() ? "" : "\\");
-    }
+    std::vector<CString> paths = pathsOf(types, basePath);
     // Each field may hold the path of its type.
     types.spend(std::ranges::max(paths, {}, &CString::size).size() * types.fieldCount());
     TypeDeclarations declarations(types, model, std::move(paths));
-    // A named enumeration is imported even if no field uses it. Those that fields use are declared with the records.
     for (Index enumeration = 0; !main.isRequested && enumeration < types.enumerations.size(); ++enumeration)
         if (types.enumerations[enumeration].isNamed)
             declarations.declareEnumeration(enumeration);
     declarations.declareRecords(order.query());
-    for (const auto& [uri, folder] : folders)
-        if (!types.hasSpace(uri))
-            unusedFolders.push_back(uri);
+}
+
+// Returns the folder of each namespace, with a final backslash; without namespaces that of the main type alone.
+std::vector<CString> FullMessage::pathsOf(const SourceTypes& types, const CString& basePath) const
+{
+    if (!laysOutByNamespace())
+        return {basePath + mainType + "\\"};
+    std::vector<CString> paths = foldersOf(types.spaces);
+    for (CString& path : paths)
+        path = basePath + path + (path.empty() ? "" : "\\");
+    return paths;
 }
 
 // Sets the name of the document, and returns the records of the main types.

@@ -114,6 +114,9 @@ private:
     void forget();
     void import(const CString& source, const CString& fileName, const CString& basePath);
     struct MainTypes;
+    [[noreturn]] void refuseEmpty(const CString& fileName);
+    void declare(SourceTypes& types, const MainTypes& main, const CString& basePath);
+    std::vector<CString> pathsOf(const SourceTypes& types, const CString& basePath) const;
     MainTypes chooseMain(SourceTypes& types, const CString& fileName);
     std::vector<Index> chooseCandidates(const SourceTypes& types, const CString& fileName, bool& areRequested);
     Index recordOf(SourceTypes& types, Index candidate);
