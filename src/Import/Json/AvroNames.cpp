@@ -18,6 +18,18 @@ AvroTypes::FullName AvroTypes::fullNameOf(std::string_view name, NameTable::Id s
     return joined(space, tree.names.intern(name));
 }
 
+// Returns the declaration of a named type, or null. A simple name is in the enclosing namespace. If it is not declared
+// there, it is looked up without a namespace.
+const AvroTypes::Scoped* AvroTypes::declarationOf(std::string_view type, NameTable::Id space)
+{
+    if (isAvroType(type))
+        return nullptr;
+    auto found = named.find(fullNameOf(type, space));
+    if (found == named.end())
+        found = named.find(fullNameOf(type, 0));
+    return found == named.end() ? nullptr : &found->second;
+}
+
 void AvroTypes::declareAll(Index document)
 {
     const bool isProtocol = tree.find(document, JsonWord::protocol) != 0;

@@ -185,21 +185,16 @@ AvroTypes::Sorted AvroTypes::sortByKind(std::vector<Scoped> alternatives)
             alternatives.push_back({inner, at.space});
         } else {
             const std::string_view type = typeOf(at.schema);
-            // A simple name is in the enclosing namespace. If it is not declared there, it is looked up without a
-            // namespace.
-            const auto found = named.find(fullNameOf(type, at.space));
-            const auto global = found == named.end() ? named.find(fullNameOf(type, 0)) : found;
-            if (!isAvroType(type) && global != named.end()) {
-                documents.link(at.schema, global->second.schema);
-                alternatives.push_back(global->second);
-                continue;
-            }
-            std::vector<Scoped>& alike = isOneOf(type, {"record", "error"}) ? sorted.records
-                                         : type == "map"                    ? sorted.maps
-                                         : type == "array"                  ? sorted.arrays
-                                                                            : sorted.leaves;
-            if (type != "null")
+            if (const Scoped* const target = declarationOf(type, at.space)) {
+                documents.link(at.schema, target->schema);
+                alternatives.push_back(*target);
+            } else if (type != "null") {
+                std::vector<Scoped>& alike = isOneOf(type, {"record", "error"}) ? sorted.records
+                                             : type == "map"                    ? sorted.maps
+                                             : type == "array"                  ? sorted.arrays
+                                                                                : sorted.leaves;
                 alike.push_back(at);
+            }
         }
     }
     return sorted;

@@ -71,6 +71,7 @@ private:
     Index find(Index schema, JsonWord key, JsonNode::Kind kind = JsonNode::none);
     void readDeclared(std::string_view name);
     FullName fullNameOf(std::string_view name, NameTable::Id space);
+    const Scoped* declarationOf(std::string_view type, NameTable::Id space);
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
     Sorted sortByKind(std::vector<Scoped> alternatives);
     bool isKnown(Index leaf) const;
