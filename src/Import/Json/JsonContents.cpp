@@ -14,14 +14,6 @@ using Kind = JsonContent::Kind;
 
 constexpr std::size_t kMaxKept = 4'000'000;   // of members
 constexpr std::size_t kMaxSteps = 20'000'000; // bounds schemas that combine many others
-constexpr int kMaxRank = 4;                   // nesting of made schemas; bounds their growth
-
-// The nodes of made schemas in any source, and in addition for each of its values, so that the work is linear in the
-// source. Real schemas have at most 0.3 for each value.
-constexpr std::size_t kFreeMade = 50'000;
-constexpr std::size_t kMadePerValue = 2;
-
-constexpr JsonWord kMadeKeys[] = {JsonWord::allOf, JsonWord::oneOf, JsonWord::then}; // of made schemas, by How
 
 bool isObject(Kind kind)
 {
@@ -141,22 +133,6 @@ void JsonContents::finish()
     frames.pop_back();
 }
 
-// Replaces the discriminator property by an enumeration of the mapping's keys.
-void JsonContents::overrideDiscriminator(Frame& frame)
-{
-    makeOwn(frame);
-    const Index schema = tree.add({.kind = JsonNode::object, .place = tree[frame.mapping].place});
-    JsonContent listed{.owner = schema, .first = static_cast<std::uint32_t>(members.size())};
-    for (const Index at : tree.childrenOf(frame.mapping))
-        members.push_back({tree[at].key});
-    listed.count = static_cast<std::uint32_t>(members.size()) - listed.first;
-    listed.kind = listed.count > 0 ? JsonContent::enumeration : JsonContent::none;
-    contents[schema] = listed;
-    const JsonMember field{frame.discriminator, schema};
-    addField(frame, field, both);
-    frame.members[*frame.positions.find(field.name)] = {field, {}};
-}
-
 void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index part)
 {
     // The same object again changes nothing.
@@ -204,27 +180,6 @@ void JsonContents::mergeItems(Frame& frame)
     frame.content.items = mergedOf(frame.content.items, std::exchange(frame.items, {}));
 }
 
-// Copies borrowed members into the frame, so that others can be added.
-void JsonContents::makeOwn(Frame& frame)
-{
-    frame.content.owner = 0;
-    if (!std::exchange(frame.isBorrowed, false))
-        return;
-    addMembers(frame, frame.content, frame.content.isConditional ? maybe : both);
-}
-
-// Adds the members of a record or an enumeration.
-void JsonContents::addMembers(Frame& frame, const JsonContent& content, How how)
-{
-    makeOwn(frame);
-    step(content.count);
-    for (const JsonMember& member : membersOf(content))
-        if (content.kind == JsonContent::record)
-            addField(frame, member, how);
-        else if (frame.positions.insert(member.name, 0).second)
-            frame.members.push_back({member, {}});
-}
-
 // Combines two contents that both apply, the second one under a condition with `maybe`. Fields of records add up, text
 // is narrowed by an enumeration or a time, and items are merged. If the kinds conflict, objects take precedence over
 // other kinds and records over maps; of other kinds the later one is used.
@@ -248,22 +203,8 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return take(frame, added);
     if (added.kind == JsonContent::text && isRefinedText(kind))
         return;
-    if (isRepeated) {
-        // Items alone don't exclude other kinds.
-        if (how == both) {
-            if (frame.content.isImplied)
-                frame.content.mayBeLeaf = added.mayBeLeaf;
-            else if (!added.isImplied)
-                frame.content.mayBeLeaf &= added.mayBeLeaf;
-            frame.content.isImplied &= added.isImplied;
-        }
-        if (frame.content.items == 0)
-            frame.content.items = added.items;
-        else if (added.items != 0)
-            frame.items.push_back({added.items, how});
-        frame.content.owner = 0;
-        return;
-    }
+    if (isRepeated)
+        return joinItems(frame, added, how);
     if (added.isImplied)
         return;
     if (frame.content.isImplied)
@@ -272,20 +213,44 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return;
     if (kind == JsonContent::record && added.kind == JsonContent::map)
         return documents.note(SourceReport::furtherProperties, part);
-    bool isNarrower = false;
-    if (kind == added.kind) { // two enumerations: the included one applies
-        std::vector<JsonMember> known(frame.members.begin(), frame.members.end());
-        if (frame.isBorrowed)
-            std::ranges::copy(membersOf(frame.content), std::back_inserter(known));
-        step(known.size() + added.count);
-        if (known.size() < added.count && includes(membersOf(added), known))
-            return;
-        isNarrower = includes(known, membersOf(added));
-    }
-    if (!isNarrower)
-        documents.note(kind == JsonContent::map ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
+    if (kind == JsonContent::enumeration && added.kind == kind)
+        return joinEnumerations(frame, added, part);
+    documents.note(kind == JsonContent::map ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
     if (kind != JsonContent::record && !(kind == JsonContent::map && added.kind != JsonContent::record))
         take(frame, added);
+}
+
+// Combines two arrays or two maps that both apply. Items alone don't exclude other kinds.
+void JsonContents::joinItems(Frame& frame, const JsonContent& added, How how)
+{
+    JsonContent& content = frame.content;
+    if (how == both) {
+        if (content.isImplied)
+            content.mayBeLeaf = added.mayBeLeaf;
+        else if (!added.isImplied)
+            content.mayBeLeaf &= added.mayBeLeaf;
+        content.isImplied &= added.isImplied;
+    }
+    if (content.items == 0)
+        content.items = added.items;
+    else if (added.items != 0)
+        frame.items.push_back({added.items, how});
+    content.owner = 0;
+}
+
+// Of two enumerations that both apply, one whose constants the other includes is used, else the later one.
+void JsonContents::joinEnumerations(Frame& frame, const JsonContent& added, Index part)
+{
+    std::vector<JsonMember> known(frame.members.begin(), frame.members.end());
+    if (frame.isBorrowed)
+        std::ranges::copy(membersOf(frame.content), std::back_inserter(known));
+    const std::span<const JsonMember> others = membersOf(added);
+    step(known.size() + others.size());
+    if (known.size() < others.size() && includes(others, known))
+        return;
+    if (!includes(known, others))
+        documents.note(SourceReport::kindsDiffer, part);
+    take(frame, added);
 }
 
 // Combines two alternatives. Records and enumerations are united, and items are merged. If the kinds differ, objects
@@ -327,117 +292,4 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
     if (kind == JsonContent::number || added.kind == JsonContent::number)
         documents.note(SourceReport::kindsDiffer, part);
     take(frame, {.kind = JsonContent::text});
-}
-
-void JsonContents::addOwnFields(Frame& frame, Index properties)
-{
-    if (tree[properties].firstChild == 0)
-        return;
-    if (frame.content.kind == JsonContent::none)
-        frame.content.kind = JsonContent::record;
-    // Properties make a schema an object, whatever its other parts are.
-    if (frame.content.kind != JsonContent::record) {
-        documents.note(SourceReport::kindsDiffer, properties);
-        take(frame, {.kind = JsonContent::record});
-    }
-    makeOwn(frame);
-    for (const Index at : tree.childrenOf(properties)) {
-        step();
-        const Index schema = tree.target(at);
-        if (tree.is(schema, JsonNode::boolean) && tree.text(schema) == "false")
-            documents.note(SourceReport::elementNotAllowed, at, tree.key(at));
-        else
-            addField(frame, {tree[at].key, schema}, both);
-    }
-}
-
-// Adds a field, or a further schema to the field of the same name.
-void JsonContents::addField(Frame& frame, JsonMember field, How how)
-{
-    const auto [at, isNew] = frame.positions.insert(field.name, static_cast<std::uint32_t>(frame.members.size()));
-    if (!isNew)
-        return mergeField(frame.members[at], field, how);
-    field.isConditional = field.isConditional || how == maybe;
-    frame.members.push_back({field, {}, field.isConditional ? 0u : 1u});
-}
-
-// Adds a further schema to a field. Schemas that apply under conditions are alternatives, and follow one that always
-// applies.
-void JsonContents::mergeField(MergedMember& known, JsonMember field, How how)
-{
-    const bool isConditional = field.isConditional || how == maybe;
-    bool isSame = known.schema == field.schema;
-    // Merging leaves of the same type and format would cost more, and chains of schemas that give one field ever other
-    // bounds would need a merged schema for each step.
-    if (const auto leaf = isSame ? std::nullopt : leafOf(known.schema); leaf && leaf == leafOf(field.schema)) {
-        isSame = true;
-        dropped.insert(field.schema);
-    }
-    if (how == either) {
-        known.alternatives += isConditional ? 0 : 1;
-    } else if (known.isConditional && !isConditional) {
-        known.isConditional = false;
-        for (Part& part : known.more)
-            part.how = maybe;
-        if (!isSame)
-            known.more.insert(known.more.begin(), {std::exchange(known.schema, field.schema), maybe});
-        return;
-    } else if (isConditional) {
-        how = known.isConditional ? either : maybe;
-    }
-    if (!isSame)
-        known.more.push_back({field.schema, how});
-}
-
-// Returns one schema that combines all. Each run of alternatives, and each run of schemas that apply together, becomes
-// one schema.
-JsonNode::Index JsonContents::mergedOf(Index schema, std::span<const Part> more)
-{
-    for (std::size_t i = 0; i < more.size();) {
-        const How how = more[i].how;
-        std::vector<Index> members;
-        std::unordered_set<Index> visited;
-        int rank = 0;
-        const auto add = [&](Index member) {
-            if (visited.insert(member).second)
-                members.push_back(member);
-        };
-        const auto addOrSplit = [&](Index member) {
-            member = baseOf(member);
-            const auto known = ranks.find(member);
-            const bool isAlike = known != ranks.end() && tree.keyOf(member) == kMadeKeys[how];
-            if (known != ranks.end())
-                rank = std::max(rank, known->second + (isAlike ? 0 : 1));
-            if (!isAlike)
-                return add(member);
-            // Its members are added instead of itself, so that merging again leads to the same schema.
-            for (const Index inner : tree.childrenOf(member))
-                add(tree.target(inner));
-        };
-        addOrSplit(schema);
-        for (; i < more.size() && more[i].how == how; ++i)
-            addOrSplit(more[i].node);
-        step(members.size());
-        if (rank > kMaxRank)
-            documents.note(SourceReport::kindsDiffer, members.front());
-        schema = rank > kMaxRank || members.size() == 1 ? members.front() : makeMerged(how, members, rank);
-    }
-    return schema;
-}
-
-JsonNode::Index JsonContents::makeMerged(How how, const std::vector<Index>& members, int rank)
-{
-    std::vector<Index> key = members;
-    // The order of members doesn't matter, except that the first one of a condition applies in any case.
-    std::ranges::sort(how == maybe ? std::span(key).subspan(1) : std::span(key));
-    const auto [known, isNew] = merges.try_emplace({how, std::move(key)}, 0);
-    if (!isNew)
-        return known->second;
-    if (made > kFreeMade + kMadePerValue * (tree.size() - made))
-        types.refuse(std::to_string(kFreeMade) + " combinations of schemas and " + std::to_string(kMadePerValue) +
-                     " more for each value of the source");
-    made += members.size() + 1;
-    known->second = tree.addList(kMadeKeys[how], members, tree[members.front()].place);
-    ranks.emplace(known->second, rank);
-    return known->second;
 }

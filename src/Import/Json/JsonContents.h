@@ -153,7 +153,6 @@ private:
     JsonContent contentOfValues(Frame& frame, const Own& own, bool isText);
     Index choiceOf(const std::vector<Index>& schemas);
     void finish();
-    void overrideDiscriminator(Frame& frame);
     static bool isEmpty(const Frame& frame)
     {
         return frame.isBorrowed && frame.content.kind == JsonContent::record && frame.content.count == 0;
@@ -162,18 +161,22 @@ private:
     // have members; only maps and arrays have items.
     void join(Frame& frame, const JsonContent& added, How how, Index part);
     void joinBoth(Frame& frame, const JsonContent& added, How how, Index part);
+    void joinItems(Frame& frame, const JsonContent& added, How how);
+    void joinEnumerations(Frame& frame, const JsonContent& added, Index part);
     void joinEither(Frame& frame, const JsonContent& added, Index part);
     void take(Frame& frame, const JsonContent& added);
     void mergeItems(Frame& frame);
+    // Collect the members of a schema, see JsonMembers.cpp.
     void makeOwn(Frame& frame);
     void addMembers(Frame& frame, const JsonContent& content, How how);
     void addOwnFields(Frame& frame, Index properties);
     void addField(Frame& frame, JsonMember field, How how);
     void mergeField(MergedMember& known, JsonMember field, How how);
+    void overrideDiscriminator(Frame& frame);
     std::optional<std::pair<NameTable::Id, NameTable::Id>> leafOf(Index schema) const;
-    // Combine schemas into made ones. The rank of a made schema is 0 if all its members are of the source, else one
-    // more than the highest rank of its members. Members that combine in the same way are replaced by their own
-    // members.
+    // Combine the schemas of a member into made ones. The rank of a made schema is 0 if all its members are of the
+    // source, else one more than the highest rank of its members. Members that combine in the same way are replaced by
+    // their own members.
     Index mergedOf(Index schema, std::span<const Part> more);
     Index makeMerged(How how, const std::vector<Index>& members, int rank);
     // Counts visited parts. Throws SourceRefusal beyond a bound.
