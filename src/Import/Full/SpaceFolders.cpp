@@ -34,31 +34,28 @@ CString joinLast(const std::vector<std::string_view>& parts, std::size_t count)
     return name.empty() ? "_" : toXmlText(name);
 }
 
-} // namespace
-
-std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
+// The parts of a URI, the last one first, and how many of them are in the name; none for a given folder.
+struct Row
 {
-    struct Row
-    {
-        std::vector<std::string_view> parts;
-        std::size_t count = 0;
-    };
-    std::vector<CString> names(spaces.size());
-    std::vector<Row> rows(spaces.size()); // without parts if the folder is given
+    std::vector<std::string_view> parts;
+    std::size_t count = 0;
+};
+
+// Returns the parts of a URI. The name takes those up to the first that begins with a letter, which a version doesn't.
+Row rowOf(std::string_view uri)
+{
     const auto beginsWithLetter = [](std::string_view part) {
         return std::isalpha(static_cast<unsigned char>(part[0])) || static_cast<unsigned char>(part[0]) >= 0x80;
     };
-    for (std::size_t i = 1; i < spaces.size(); ++i) {
-        names[i] = spaces[i].folder;
-        if (!names[i].empty())
-            continue;
-        auto& [parts, count] = rows[i];
-        parts = partsOf(spaces[i].uri);
-        const auto last = std::ranges::find_if(parts, beginsWithLetter);
-        count = static_cast<std::size_t>(last - parts.begin()) + (last == parts.end() ? 0 : 1);
-        names[i] = joinLast(parts, count);
-    }
-    // Namespaces that share a name get one more part, as long as any of them has one.
+    Row row{partsOf(uri)};
+    const auto last = std::ranges::find_if(row.parts, beginsWithLetter);
+    row.count = static_cast<std::size_t>(last - row.parts.begin()) + (last == row.parts.end() ? 0 : 1);
+    return row;
+}
+
+// Gives namespaces that share a name one more part, as long as any of them has one.
+void lengthen(std::vector<CString>& names, std::vector<Row>& rows)
+{
     for (bool isLonger = true; isLonger;) {
         std::map<CString, std::vector<std::size_t>> users;
         for (std::size_t i = 0; i < names.size(); ++i)
@@ -71,7 +68,11 @@ std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
                     isLonger = true;
                 }
     }
-    // Given folders, and that of no namespace, are never changed.
+}
+
+// Appends a number to each name that is taken. Given folders, and that of no namespace, are never changed.
+void appendNumbers(std::vector<CString>& names, std::span<const SourceTypes::Space> spaces)
+{
     std::set<CString> taken;
     for (std::size_t i = 0; i < names.size(); ++i)
         if (i == 0 || !spaces[i].folder.empty())
@@ -81,5 +82,22 @@ std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
         if (const CString plain = names[i]; spaces[i].folder.empty())
             while (!taken.insert(names[i]).second)
                 names[i] = plain + "_" + std::to_string(++lastNumbers.try_emplace(plain, 1).first->second);
+}
+
+} // namespace
+
+std::vector<CString> foldersOf(std::span<const SourceTypes::Space> spaces)
+{
+    std::vector<CString> names(spaces.size());
+    std::vector<Row> rows(spaces.size());
+    for (std::size_t i = 1; i < spaces.size(); ++i) {
+        names[i] = spaces[i].folder;
+        if (!names[i].empty())
+            continue;
+        rows[i] = rowOf(spaces[i].uri);
+        names[i] = joinLast(rows[i].parts, rows[i].count);
+    }
+    lengthen(names, rows);
+    appendNumbers(names, spaces);
     return names;
 }
