@@ -7,7 +7,6 @@
 #include "support/Servers.h"
 #include "wizard/Desk.h"
 
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QMessageBox>
 #include <QProgressBar>
@@ -19,7 +18,7 @@
 namespace {
 
 // Waits for the row that shows long work, and for a silent line if there is one, and then acts once. Checks at the end
-// that the row appeared, and that the work ended soon after the act.
+// that the row appeared. Work that goes on after the act ends in another way: by the next page, or by an error box.
 class Watcher
 {
 public:
@@ -30,7 +29,6 @@ public:
             if (row->isHidden() || !text.empty() || (line && line->left > 0))
                 return;
             text = row->findChild<QLabel*>("progressText")->text().toStdString();
-            since.start();
             act();
         });
         timer.start(5);
@@ -38,7 +36,6 @@ public:
     ~Watcher()
     {
         EXPECT_NE(text, "") << "nothing was shown";
-        EXPECT_LT(since.elapsed(), 1500);
         EXPECT_TRUE(desk.wizard().findChild<QWidget*>("progressRow")->isHidden());
         EXPECT_TRUE(desk.wizard().isVisible());
     }
@@ -48,7 +45,6 @@ public:
 private:
     Desk& desk;
     QTimer timer;
-    QElapsedTimer since;
 };
 
 void pressEscape(Desk& desk)

@@ -4,7 +4,6 @@
 #include "wizard/Desk.h"
 
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <gmock/gmock.h>
@@ -81,8 +80,6 @@ TEST(SourcePage, DropsWhatItCountsWhenTheChoiceChanges)
     auto& button = desk.control<QAbstractButton>(IDC_COUNT_TYPES);
     desk.type(IDC_INPUT_FILE, many);
     ASSERT_TRUE(QTest::qWaitFor([&] { return desk.text(IDC_COUNTS) == "Counting types ..."; }));
-    QElapsedTimer since;
-    since.start();
     desk.type(IDC_INPUT_FILE, large);
     EXPECT_TRUE(QTest::qWaitFor([&] { return button.isVisible(); }, 20'000)) << desk.text(IDC_COUNTS);
     EXPECT_EQ(desk.text(IDC_COUNTS), "The source has 50 MB.");
@@ -94,7 +91,6 @@ TEST(SourcePage, DropsWhatItCountsWhenTheChoiceChanges)
     desk.type(IDC_INPUT_FILE, desk.source);
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_EDIT);
-    EXPECT_LT(since.elapsed(), 30'000);
     EXPECT_EQ(desk.boxes.take(), Texts{});
 }
 
