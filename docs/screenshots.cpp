@@ -50,64 +50,64 @@ public:
     void source()
     {
         keep("welcome");
-        sheet.next();
+        sheet.goNext();
         control<ListView>(IDC_IMPORTERS).selectRow(0);
         keep("importer");
-        sheet.next();
+        sheet.goNext();
         fill(IDC_INPUT_FILE, "orders.dtd");
-        keepDialog("error", &QDialog::reject, [this] { sheet.next(); });
+        keepDialog("error", &QDialog::reject, [this] { sheet.goNext(); });
         fill(IDC_INPUT_FILE, "order.dtd");
         waitForCounts();
         keep("inputfile");
-        sheet.next();
+        sheet.goNext();
         control<ListView>(IDC_TYPES).selectRow(2);
         keep("types");
-        sheet.next();
+        sheet.goNext();
     }
 
     void toFile()
     {
         control<QRadioButton>(IDC_TO_FILE).setChecked(true);
         keep("output");
-        sheet.next();
+        sheet.goNext();
         fill(IDC_OUTPUT_FILE, "order-types.xml");
         keep("outputfile");
-        sheet.next();
+        sheet.goNext();
         keep("finish");
     }
 
     /// Creates the types twice, so that the second time asks about existing ones, and returns to the finish page.
     void toBroker()
     {
-        sheet.back(); // to the importer page, where the same import starts again
+        sheet.goBack(); // to the importer page, where the same import starts again
         for (int page = 0; page < 3; ++page)
-            sheet.next();
+            sheet.goNext();
         control<QRadioButton>(IDC_TO_BROKER).setChecked(true);
-        sheet.next();
+        sheet.goNext();
         fill(IDC_SERVER, "local");
         fill(IDC_USER, "ANNA");
         control<QLineEdit>(IDC_PASSWORD).setText("password");
         keep("login");
-        sheet.next();
+        sheet.goNext();
         keep("results");
-        sheet.back();
-        keepDialog("overwrite", &QDialog::reject, [this] { sheet.next(); });
-        sheet.next();
+        sheet.goBack();
+        keepDialog("overwrite", &QDialog::reject, [this] { sheet.goNext(); });
+        sheet.goNext();
     }
 
     void database()
     {
-        sheet.back();
+        sheet.goBack();
         ListView& importers = control<ListView>(IDC_IMPORTERS);
         int row = 0;
         while (!g_amud[row]->querySource().readsTables)
             ++row;
         importers.selectRow(row);
         Q_EMIT importers.chosen();
-        sheet.next();
+        sheet.goNext();
         control<ListView>(IDC_DATA_SOURCES).selectRow(1);
         keep("datasource");
-        sheet.next();
+        sheet.goNext();
         control<ListView>(IDC_TABLES).selectAll();
         keep("tables");
     }
