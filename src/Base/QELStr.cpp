@@ -4,11 +4,7 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdarg>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <stdexcept>
 #include <string_view>
 
@@ -132,14 +128,11 @@ QELString QELString::operator()(int from, int count) const
 
 unsigned int QELString::sprintf(const char* format, ...)
 {
-    // Formatted into a separate buffer, because the arguments may be the string itself.
-    char* output = nullptr;
     va_list arguments;
     va_start(arguments, format);
-    const int written = ::vasprintf(&output, format, arguments);
+    const CString output = formatList(format, arguments); // separate, because the arguments may be the string itself
     va_end(arguments);
-    const std::unique_ptr<char, void (*)(void*)> owner(written < 0 ? nullptr : output, std::free);
-    *this = owner.get();
+    *this = output.c_str();
     return length();
 }
 

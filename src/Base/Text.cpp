@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 
@@ -154,16 +153,21 @@ CString formatText(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    // vsnprintf() uses up the list of arguments, so the second run needs a copy.
-    va_list again;
-    va_copy(again, arguments);
-    // The first run only measures.
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    CString text = formatList(format, arguments);
     va_end(arguments);
+    return text;
+}
+
+CString formatList(const char* format, va_list arguments)
+{
+    // vsnprintf() uses up the list of arguments, so the first run, which only measures, gets a copy.
+    va_list copy;
+    va_copy(copy, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, copy);
+    va_end(copy);
     CString out(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
     if (length > 0)
-        std::vsnprintf(out.data(), out.size() + 1, format, again);
-    va_end(again);
+        std::vsnprintf(out.data(), out.size() + 1, format, arguments);
     return out;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdarg>
 #include <cstdint>
 #include <initializer_list>
 #include <list>
@@ -74,9 +75,10 @@ bool endsWithAscii(std::string_view text, std::string_view ending);
 /// Returns whether `text` equals one of `words`.
 bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words);
 
-/// Returns printf() output of any length, empty if the formatter fails. For formats of the string table. Texts from
+/// Return printf() output of any length, empty if the formatter fails. For formats of the string table. Texts from
 /// elsewhere are arguments, never the format.
 [[gnu::format(printf, 1, 2)]] CString formatText(const char* format, ...);
+[[gnu::format(printf, 1, 0)]] CString formatList(const char* format, va_list arguments);
 
 /// Returns a count with its noun: "1 loss", "2 losses".
 CString countInWords(std::size_t count, std::string_view singular, std::string_view plural);
