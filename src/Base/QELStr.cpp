@@ -411,12 +411,11 @@ QELStringIterator::QELStringIterator(const QELString& s) : source(s), position(p
 // Cuts all parts at once. `source` is a copy, so the caller's string may change meanwhile.
 void QELStringIterator::beginEnum(char sep)
 {
-    separator = sep;
     parts.clear();
     std::string_view rest = std::string_view(source);
     bool more = true;
     while (more) {
-        const std::size_t end = rest.find(separator);
+        const std::size_t end = rest.find(sep);
         more = end != std::string_view::npos;
         const std::string_view part = rest.substr(0, end);
         parts.push_back(trim(QELString(part.data(), static_cast<unsigned int>(part.size()))));

@@ -160,7 +160,6 @@ public:
 
 private:
     QELString source;
-    char separator = '\0';
     std::list<QELString> parts;
     std::list<QELString>::const_iterator position;
 };
