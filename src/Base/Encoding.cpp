@@ -1,5 +1,7 @@
 #include "Base/Encoding.h"
 
+#include "Base/Utf8.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <iconv.h>
@@ -18,7 +20,7 @@ struct Mark
 // UTF-32 is not supported.
 using namespace std::string_view_literals;
 constexpr Mark kMarks[] = {
-    {"\xEF\xBB\xBF", "UTF-8", 3}, {"\xFF\xFE", "UTF-16LE", 2}, {"\xFE\xFF", "UTF-16BE", 2}, {"<\0?\0"sv, "UTF-16LE", 0},
+    {kByteOrderMark, "UTF-8", 3}, {"\xFF\xFE", "UTF-16LE", 2}, {"\xFE\xFF", "UTF-16BE", 2}, {"<\0?\0"sv, "UTF-16LE", 0},
     {"<\0!\0"sv, "UTF-16LE", 0},  {"\0<\0?"sv, "UTF-16BE", 0}, {"\0<\0!"sv, "UTF-16BE", 0},
 };
 
