@@ -4,6 +4,9 @@
 
 #include <optional>
 
+/// The port of a broker if none is given.
+inline constexpr unsigned kDefaultPort = 7250;
+
 /// The host and port of a server. A name is not resolved, and an address is kept as it was written.
 struct ServerAddress
 {

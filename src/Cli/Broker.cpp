@@ -17,9 +17,6 @@
 // gave, so the importer of type documents reads them like a file.
 namespace {
 
-// The port of an address without one. The wizard suggests the same port.
-constexpr unsigned kDefaultPort = 7250;
-
 // Returns whether a document describes a type without a kind. Readers of a list of types stop at such a type, so it has
 // to come last. The document then has one start tag and its end tag, or one empty tag.
 bool hasNoContent(const CString& document)

@@ -26,7 +26,6 @@ constexpr std::size_t kMaxEntries = 15;
 constexpr std::size_t kMaxRead = 1'000; // entries; other programs may have stored more
 constexpr std::size_t kMaxPath = 260;   // bytes, the terminating zero included
 constexpr std::size_t kMaxName = 10;    // bytes, the terminating zero included
-constexpr unsigned int kDefaultPort = 7250;
 
 // Returns the current folder; empty if its name doesn't fit, or if the folder is gone.
 CString currentFolder()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Base/Text.h"
+#include "Base/ServerAddress.h"
 #include "Broker/ResultKind.h"
 #include "Import/Full/FullMessage.h"
 
@@ -128,7 +128,7 @@ private:
     CStringList outputFiles;
     CStringList users;
     CStringList brokerAddresses;
-    unsigned int brokerPort = 7250;
+    unsigned int brokerPort = kDefaultPort;
     int lastImporterSel = 0;
     int lastOutputSel = 0;           // of OutputPage::OutputMode
     int fullReading = 0;             // 1: read in full where there are two readings
