@@ -25,8 +25,9 @@ public:
     void Error(const CString& text, UINT titleId, const SourceFault& fault, const CString& advice = {});
 
     /// Opens the help topic of the page whose dialog id is in the low 16 bits of `data`, or the default topic if that
-    /// dialog has none. Does nothing unless `command` is 1, the context-help command. Defined in the wizard.
-    void WinHelp(DWORD data, UINT command);
+    /// dialog has none. Does nothing unless `command` is kContextHelp. Defined in the wizard.
+    void WinHelp(DWORD data, UINT command = kContextHelp);
+    static constexpr UINT kContextHelp = 1; ///< the context-help command
 };
 
 extern CQELApp theApp;

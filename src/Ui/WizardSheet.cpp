@@ -258,8 +258,7 @@ void WizardSheet::setNavigation(bool visible)
 
 void WizardSheet::help()
 {
-    constexpr UINT contextHelp = 1;
-    theApp.WinHelp(static_cast<DWORD>(activePage()->queryDialogId()), contextHelp);
+    theApp.WinHelp(static_cast<DWORD>(activePage()->queryDialogId()));
 }
 
 // Cancelled is not a std::exception, and the user needs no message about it.

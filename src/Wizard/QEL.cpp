@@ -68,8 +68,7 @@ BOOL CQELApp::InitInstance()
 // The help window belongs to the wizard and is destroyed with it.
 void CQELApp::WinHelp(DWORD data, UINT command)
 {
-    constexpr UINT contextHelp = 1;
-    if (command != contextHelp)
+    if (command != kContextHelp)
         return;
     const HelpId* row = helpIds;
     while (row->dialogId != 0 && row->dialogId != int(data & 0xFFFF))

@@ -64,9 +64,8 @@ void OverWriteDlg::answer(OverwriteChoice newChoice)
 // The dialog has no topic of its own, so F1 shows the contents of the help.
 void OverWriteDlg::keyPressEvent(QKeyEvent* event)
 {
-    constexpr UINT contextHelp = 1;
     if (event->key() == Qt::Key_F1)
-        theApp.WinHelp(IDD_OVERWRITE, contextHelp);
+        theApp.WinHelp(IDD_OVERWRITE);
     else
         QDialog::keyPressEvent(event);
 }
