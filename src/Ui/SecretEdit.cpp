@@ -4,12 +4,6 @@
 
 #include <cstring>
 
-void makeSecret(QLineEdit& field)
-{
-    field.setEchoMode(QLineEdit::Password);
-    field.setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
-}
-
 // Overwrites each copy: Qt's text, its bytes in UTF-8, and the earlier content of `secret`.
 void takeSecret(QLineEdit& field, CString& secret)
 {

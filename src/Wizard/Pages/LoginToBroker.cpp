@@ -111,7 +111,7 @@ QWidget* LoginToBroker::makeLogonGroup()
     for (int i = 0; i < userCombo->count(); ++i)
         userCombo->setItemText(i, upperCase(userCombo->itemText(i)));
     passwordEdit = withId(IDC_PASSWORD, new QLineEdit(toUi(wizard->options.queryPwd())));
-    makeSecret(*passwordEdit);
+    passwordEdit->setEchoMode(QLineEdit::Password);
 
     auto* group = new QGroupBox("Logon");
     auto* form = new QFormLayout(group);

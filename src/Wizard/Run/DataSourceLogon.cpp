@@ -22,7 +22,7 @@ DataSourceLogon::DataSourceLogon(QWidget* parent, const CString& source, const C
     setWindowTitle(plainTitle("Log on to " + toUi(source)));
     userEdit->setObjectName(QString::number(IDC_SOURCE_USER));
     passwordEdit->setObjectName(QString::number(IDC_SOURCE_PASSWORD));
-    makeSecret(*passwordEdit);
+    passwordEdit->setEchoMode(QLineEdit::Password);
     QLabel* text = plainLabel(toUi(reason));
     text->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
