@@ -91,11 +91,14 @@ TEST(Markup, OfAServerOpensNothing)
     label.resize(20, 20);
     label.show();
     showToolTip(label, {5, 5});
-    DataSourceLogon(nullptr, text, text, text).show();
-    QTimer::singleShot(0, [&bait] {
+    const auto closeDialog = [&bait] {
         EXPECT_FALSE(bait.wasOpened());
         QApplication::activeModalWidget()->close();
-    });
+    };
+    QTimer::singleShot(0, closeDialog);
+    CString user = text, logon;
+    askForLogon(nullptr, text, text, user, logon);
+    QTimer::singleShot(0, closeDialog);
     ModalBox(label).show(text, text, text);
     EXPECT_FALSE(bait.wasOpened());
 }

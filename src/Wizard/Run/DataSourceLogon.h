@@ -2,23 +2,10 @@
 
 #include "Base/Text.h"
 
-#include <QDialog>
+class QWidget;
 
-class QLineEdit;
-
-/// Asks for the user and the password of a data source. The drivers never prompt, see CDatabase::Open().
-class DataSourceLogon : public QDialog
-{
-public:
-    /// `reason` is the driver's text for the refused logon, `user` its user; both may be empty.
-    DataSourceLogon(QWidget* parent, const CString& source, const CString& reason, const CString& user);
-
-    /// Shows the dialog. Returns true if the user confirms it; `user` is then the one typed, and `logon` the text for
-    /// CDatabase::Open(), which holds the password and is to be wiped. Changes neither otherwise. The dialog keeps no
-    /// password.
-    bool ask(CString& user, CString& logon);
-
-private:
-    QLineEdit* userEdit;
-    QLineEdit* passwordEdit;
-};
+/// Asks for the user and the password of a data source, because the drivers never prompt, see CDatabase::Open().
+/// `reason` is the driver's text for the refused logon, and `user` its user; both may be empty. Returns true if the
+/// user of the program confirms the dialog; `user` is then the one typed, and `logon` the text for CDatabase::Open(),
+/// which holds the password and is to be wiped. Changes neither otherwise.
+bool askForLogon(QWidget* parent, const CString& source, const CString& reason, CString& user, CString& logon);

@@ -113,7 +113,7 @@ bool WizardRun::openDatabase()
         // Kept in the script, so that a refused logon need not be typed again, and the command logs on as the same
         // user.
         CString& user = script.sourceUser;
-        if (!DataSourceLogon(sheet.activePage(), script.source, reason, user).ask(user, logon.text))
+        if (!askForLogon(sheet.activePage(), script.source, reason, user, logon.text))
             return false;
     }
 }
