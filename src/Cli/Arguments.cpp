@@ -112,7 +112,7 @@ bool isStandardInputRead(const Arguments& arguments)
            });
 }
 
-// The description of the positional argument is printed by HelpText as it stands, so its lines are laid out here.
+// The description of the positional argument is printed by helpText() as it stands, so its lines are laid out here.
 void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
 {
     app.add_option("SOURCE", words,
@@ -190,8 +190,8 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
 {
     CLI::App app("Turn a description of business messages into type definitions for a message\nbroker.",
                  "typeforge-import");
-    app.formatter(std::make_shared<HelpText>());
-    // Options get the group that is the default when they are added; HelpText prints the groups in its own order.
+    app.formatter_fn([](const CLI::App* shown, const CString&, CLI::AppFormatMode) { return helpText(*shown); });
+    // Options get the group that is the default when they are added; helpText() prints the groups in its own order.
     const auto group = [&app](const char* name) -> CLI::App& {
         app.option_defaults()->group(name);
         return app;

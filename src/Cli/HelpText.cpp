@@ -1,6 +1,6 @@
 #include "Cli/HelpText.h"
 
-#include "Base/Text.h"
+#include <CLI/CLI.hpp>
 
 namespace {
 
@@ -43,17 +43,16 @@ CString lineOf(const CLI::Option& option)
 
 } // namespace
 
-std::string HelpText::make_help(const CLI::App* app, std::string name, CLI::AppFormatMode) const
+CString helpText(const CLI::App& app)
 {
-    CString text = "Usage: " + (name.empty() ? app->get_name() : name) + " [IMPORTER] SOURCE... [OPTION]...\n" +
-                   app->get_description() + "\n";
+    CString text = "Usage: " + app.get_name() + " [IMPORTER] SOURCE... [OPTION]...\n" + app.get_description() + "\n";
     for (const char* group : kGroups) {
         text += CString("\n") + group + ":\n";
         // The description of the positional argument holds all lines about it.
         if (group == kGroups[0])
-            for (const CLI::Option* option : app->get_options([](const CLI::Option* o) { return !o->nonpositional(); }))
+            for (const CLI::Option* option : app.get_options([](const CLI::Option* o) { return !o->nonpositional(); }))
                 text += option->get_description();
-        for (const CLI::Option* option : app->get_options([](const CLI::Option* o) { return o->nonpositional(); }))
+        for (const CLI::Option* option : app.get_options([](const CLI::Option* o) { return o->nonpositional(); }))
             if (option->get_group() == group)
                 text += lineOf(*option);
     }
