@@ -133,7 +133,9 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
 
 void addReadingOptions(CLI::App& app, Arguments& arguments)
 {
-    app.add_option("-b,--base-path", arguments.basePath, "Place the types under this folder of the broker")
+    app.add_option_function<CString>(
+           "-b,--base-path", [&arguments](const CString& path) { arguments.basePath = path; },
+           "Place the types under this folder of the broker")
         ->type_name("PATH");
     addFullOptions(app, arguments.full);
     app.add_flag("--allow-empty", arguments.allowEmpty, "Exit 0 even if no types result");
@@ -245,8 +247,6 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         return false;
     }
     arguments.diff.asJson = arguments.json;
-    arguments.hasBasePath = app.count("--base-path") > 0;
-    arguments.hasType = app.count("--type") > 0;
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include "Cli/FullReading.h"
 #include "Cli/ReportFile.h"
 
+#include <optional>
 #include <vector>
 
 class MsgUIDescriptor;
@@ -19,18 +20,16 @@ struct Arguments
     std::vector<CString> sources;        ///< files, "-" for standard input; for odbc a data source
     bool isRecursive = false;            ///< folders as sources include their subfolders
     std::vector<CString> argumentFiles;  ///< of "@FILE"
-    CString basePath;                    ///< as given; only if hasBasePath
-    bool hasBasePath = false;
-    std::vector<CString> tables; ///< names of tables to import; empty: all
-    CString output;              ///< empty: standard output
-    bool list = false;           ///< write the list of types instead
-    bool json = false;           ///< for the list or the differences
-    bool graph = false;          ///< write the graph of the types instead
-    bool pretty = false;         ///< indent the document of `type`
-    CString type;                ///< the only type to write; only if hasType
-    bool hasType = false;
-    bool always = false;     ///< write the file even if nothing changed
-    bool allowEmpty = false; ///< an import without types succeeds
+    std::optional<CString> basePath;     ///< as given; nothing: the importer's
+    std::vector<CString> tables;         ///< names of tables to import; empty: all
+    CString output;                      ///< empty: standard output
+    bool list = false;                   ///< write the list of types instead
+    bool json = false;                   ///< for the list or the differences
+    bool graph = false;                  ///< write the graph of the types instead
+    bool pretty = false;                 ///< indent the document of `type`
+    CString type;                        ///< the only type to write; empty: all
+    bool always = false;                 ///< write the file even if nothing changed
+    bool allowEmpty = false;             ///< an import without types succeeds
     Verbosity verbosity = Verbosity::normal;
     FullOptions full;
     DiffOptions diff;

@@ -31,7 +31,7 @@ namespace {
 // empty --base-path names the root, "\".
 CString basePathOf(const Arguments& arguments, MsgBase& importer)
 {
-    CString path = arguments.hasBasePath ? arguments.basePath : importer.getBasePath();
+    CString path = arguments.basePath.value_or(importer.getBasePath());
     if (!path.ends_with('\\'))
         path += '\\';
     return path;
@@ -74,10 +74,10 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
         return arguments.failedStatus();
     if (!arguments.diff.document.empty())
         return diffTypes(message, arguments.diff, arguments.report, output, diagnostics);
-    Element* const type = arguments.hasType ? findType(message, arguments.type) : nullptr;
+    Element* const type = arguments.type.empty() ? nullptr : findType(message, arguments.type);
     if (type) {
         writeType(*type, arguments.pretty || output.isTerminal(), output);
-    } else if (arguments.hasType) {
+    } else if (!arguments.type.empty()) {
         diagnostics.error("there is no type called " + arguments.type);
         return kFailed;
     } else if (arguments.list) {
@@ -115,7 +115,7 @@ bool importSources(MsgBase& message, const MsgUIDescriptor& importer, const Argu
                    const std::vector<CString>& files, TableSource* tables, Diagnostics& diagnostics)
 {
     const CString basePath = basePathOf(arguments, message);
-    if (arguments.hasBasePath && importer.querySource().namesFolders)
+    if (arguments.basePath && importer.querySource().namesFolders)
         diagnostics.warning("--base-path has no effect: the document names the folders of its types");
     message.setFurtherFiles({files.begin() + 1, files.end()});
     if (!arguments.report.file.empty())
