@@ -20,12 +20,12 @@ struct BrokerAccount
     const CString& password;
 };
 
-/// The outcome for one type. The codes are the client's, those of VornOutcome.
+/// The outcome for one type.
 struct CreatedType
 {
-    static constexpr unsigned created = 0, replaced = 1, exists = 2, unchanged = 3, refused = 99;
+    using enum VornOutcome::Code;
 
-    unsigned code = created;
+    unsigned code = created; ///< the client's, usually one of the above
 
     /// The source and time of the type that existed before; empty if unknown.
     CString source = {};

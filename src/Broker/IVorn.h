@@ -67,8 +67,16 @@ enum class VornExisting : std::int32_t
 /// The outcome for one type.
 struct VornOutcome
 {
-    /// 0 created, 1 replaced, 2 exists with another document, 3 exists with the same document, 99 refused.
-    std::uint32_t code;
+    enum Code : std::uint32_t
+    {
+        created = 0,
+        replaced = 1,
+        exists = 2,    ///< with another document
+        unchanged = 3, ///< exists with the same document
+        refused = 99   ///< the document does not describe a type
+    };
+
+    std::uint32_t code; ///< of Code, as the code of IVornRepository::createType()
 
     /// The source and the time (UTC, "2026-01-31T23:59:59Z") of the type that existed before; empty if unknown. The
     /// source is null if the repository stores none. Both are valid until the next call.

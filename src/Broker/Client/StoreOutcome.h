@@ -21,17 +21,11 @@ struct SourceMark
     CString time;   ///< in UTC, "2026-01-31T23:59:59Z"
 };
 
-/// The outcome for one type. The codes are those of the interface (VornOutcome).
+/// The outcome for one type.
 struct StoreOutcome
 {
-    enum Code : unsigned
-    {
-        created = 0,
-        replaced = 1,
-        exists = 2,
-        unchanged = 3, ///< exists with the same document
-        refused = 99   ///< the document does not describe a type
-    };
+    using Code = VornOutcome::Code;
+    using enum VornOutcome::Code;
 
     Code code = created;
     SourceMark mark = {}; ///< of the type that existed before
