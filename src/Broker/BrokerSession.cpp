@@ -30,30 +30,21 @@ BrokerSession::~BrokerSession()
     server.reset();
 }
 
-CString BrokerSession::open(const CString& serverName, unsigned port, const BrokerAccount* account)
-{
-    return open(kVornServerClass, serverName, port, account);
-}
-
-CString BrokerSession::openForReading(const CString& serverName, unsigned port, const BrokerAccount* account)
-{
-    const CString failure = open(kVornReaderClass, serverName, port, account);
-    // Without IVornCreation, createTypes() would really create types.
-    if (failure.empty() && (!creation || !reading))
-        throw ClientError("The client can't read a repository");
-    return failure;
-}
-
-CString BrokerSession::open(const char* classId, const CString& serverName, unsigned port, const BrokerAccount* account)
+CString BrokerSession::open(const CString& serverName, unsigned port, const BrokerAccount* account, bool isForReading)
 {
     const MemoryWipe wipe;
     description.clear();
-    server = createVornObject(classId, &description);
+    server = createVornObject(isForReading ? kVornReaderClass : kVornServerClass, &description);
     if (!server)
         return loadText(IDS_NO_CLIENT);
     const auto address = readServerAddress(serverName, port); // the client rejects a bad address
-    const CString failure = logOn(address ? address->asText() : formatText("%s:%u", serverName.c_str(), port), account);
-    return failure.empty() ? openRepository() : failure;
+    CString failure = logOn(address ? address->asText() : formatText("%s:%u", serverName.c_str(), port), account);
+    if (failure.empty())
+        failure = openRepository();
+    // Without IVornCreation, createTypes() would really create types.
+    if (failure.empty() && isForReading && (!creation || !reading))
+        throw ClientError("The client can't read a repository");
+    return failure;
 }
 
 // An address that the client rejects is reported as "no broker there".

@@ -53,11 +53,10 @@ public:
     /// Creates the client, logs on and opens the repository. Without an account, logs on as the user that runs the
     /// program. A port in `server` overrides `port`, see readServerAddress(). Returns an empty text, or the text for
     /// the error box.
-    CString open(const CString& server, unsigned port, const BrokerAccount* account);
-
-    /// Does the same for reading only: nothing in the repository is created or changed, and createTypes() returns what
-    /// it would do. Throws ClientError if the client lacks this.
-    CString openForReading(const CString& server, unsigned port, const BrokerAccount* account);
+    ///
+    /// If `isForReading`, nothing in the repository is created or changed, and createTypes() returns what it would do.
+    /// Throws ClientError if the client lacks this.
+    CString open(const CString& server, unsigned port, const BrokerAccount* account, bool isForReading = false);
 
     /// Returns the details of a failure of open(): the client's own words, or the system's if the client can't be
     /// loaded. Empty if there are none, or the error box already shows them.
@@ -76,8 +75,8 @@ public:
     std::vector<CreatedType> createTypes(const std::vector<CString>& documents, const CString& source,
                                          ExistingTypes existing);
 
-    /// Returns the documents of the types in a folder. Needs openForReading(). Throws ClientError. The folder begins
-    /// and ends with a backslash.
+    /// Returns the documents of the types in a folder. The session must be open for reading. Throws ClientError. The
+    /// folder begins and ends with a backslash.
     std::vector<CString> readFolder(const CString& folder);
 
     /// Waits until the created types survive a crash of the server, if the client supports it. Throws ClientError if
@@ -86,7 +85,6 @@ public:
 
 private:
     // Each step returns the text for the error box, empty if it succeeded, and sets the description.
-    CString open(const char* classId, const CString& server, unsigned port, const BrokerAccount* account);
     CString logOn(const CString& address, const BrokerAccount* account);
     CString openRepository();
     void describe(const IVornObject& object) { description = object.queryDescription(); }

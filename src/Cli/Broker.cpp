@@ -38,8 +38,7 @@ bool openBroker(BrokerSession& session, const CString& address, const LogonOptio
         readPassword(logon, password.text);
     const BrokerAccount account{logon.user, password.text};
     const BrokerAccount* const user = logon.user.empty() ? nullptr : &account;
-    CString failure =
-        isForReading ? session.openForReading(address, kDefaultPort, user) : session.open(address, kDefaultPort, user);
+    CString failure = session.open(address, kDefaultPort, user, isForReading);
     if (failure.empty())
         return true;
     // Some texts end with a full stop, and the client's words follow as their reason.

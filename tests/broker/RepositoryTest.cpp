@@ -72,9 +72,8 @@ TEST_P(Repository, IsReadWithoutBeingTouched)
 {
     const auto read = [&](BrokerSession& session) {
         const BrokerAccount account{"TYPEFORGE", postgres().password};
-        ASSERT_EQ("", isLocal()
-                          ? session.openForReading("local", 7250, nullptr)
-                          : session.openForReading("127.0.0.1", static_cast<unsigned>(postgres().port), &account));
+        ASSERT_EQ("", isLocal() ? session.open("local", 7250, nullptr, true)
+                                : session.open("127.0.0.1", static_cast<unsigned>(postgres().port), &account, true));
     };
     const CString document = "<BROKERTYPEDESCRIPTION NAME=\"\\a\\b\"/>",
                   other = "<BROKERTYPEDESCRIPTION NAME=\"\\a\\b\"> </BROKERTYPEDESCRIPTION>";
