@@ -125,9 +125,9 @@ const Rule kRules[] = {
      "r(e:String)"},
     {"RedefinitionExtendsWhatItRedefines",
      "<redefine schemaLocation='m.xsd'>" TYPE(
-         "P", EXTENSION("t:P", SEQUENCE("<element name='c'/>"))) "</redefine>"
-                                                                 "<element name='r' type='t:P'/>",
-     "r(a:String b:String c:String)",
+         "P", EXTENSION("t:P", SEQUENCE("<element name='c' type='t:P'/>"))) "</redefine>"
+                                                                            "<element name='r' type='t:P'/>",
+     "r(a:String b:String c:r)",
      {{"m.xsd", documentOf("<redefine schemaLocation='n.xsd'>" TYPE(
                     "P", EXTENSION("t:P", SEQUENCE("<element name='b'/>"))) "</redefine>")},
       {"n.xsd", documentOf(TYPE("P", SEQUENCE("<element name='a'/>")))}}},

@@ -221,12 +221,15 @@ SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
         return 0;
     if (redefined.empty() || !redefined.contains(*found))
         return *found;
-    // The table holds the last redefinition. Inside of a redefinition of this name, the name refers to the component
-    // before it, so `from` is searched for one. A component may be redefined several times in turn.
+    // The table holds the last redefinition. Where a redefinition of this name refers to what it redefines, the name
+    // refers to the component before it. That is the base of a type, and any reference inside of a group (XML Schema
+    // Part 1, 4.2.2). A component may be redefined several times in turn.
     Index component = from;
     while (component != 0 && tree[tree[component].parent].tag != SchemaTag::redefine)
         component = tree[component].parent;
-    const bool isOwnName = component != 0 && kindOf(tree[component].tag) == kind && nameOf(component) == name;
+    const bool isBase = tree[from].parent == component || tree.derivationOf(component) == from;
+    const bool isOwnName =
+        component != 0 && kindOf(tree[component].tag) == kind && nameOf(component) == name && (kind != type || isBase);
     const auto earlier = isOwnName ? redefined.find(component) : redefined.end();
     return earlier == redefined.end() ? *found : earlier->second;
 }

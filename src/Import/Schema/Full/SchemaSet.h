@@ -79,8 +79,8 @@ public:
     /// groups and reports impossible names. Call it once, after all is loaded.
     std::vector<Source> finish();
 
-    /// Returns the component that `name` refers to at the node `from`; 0 if there is none. Inside a redefinition its
-    /// own name refers to the redefined component (XML Schema Part 1, 4.2.2).
+    /// Returns the component that `name` refers to at the node `from`; 0 if there is none. The base of a redefined
+    /// type, and the own name inside of a redefined group, are the component before (XML Schema Part 1, 4.2.2).
     Index find(Kind kind, SchemaName name, Index from) const;
 
     /// Records from now on which components are reached, so that the report can leave out the others. `withMessages`
