@@ -314,7 +314,8 @@ const Rule kRules[] = {
          TYPE("B", SEQUENCE("<element name='y'/>")) "<complexType name='A' abstract='true'><sequence><element "
                                                     "name='x'/></sequence></complexType>",
      "D(x:String d:String) B(y:String) A(x:String) r(a:A b:B) E(x:String d:String e:D)",
-     {{"d", other(TYPE("C", EXTENSION("o:B", "")) TYPE("D", EXTENSION("o:A", SEQUENCE("<element name='d'/>")))
+     {{"d", other(TYPE("C", EXTENSION("o:B", "")) "<complexType name='F' abstract='true'>" EXTENSION(
+                      "o:A", "") "</complexType>" TYPE("D", EXTENSION("o:F", SEQUENCE("<element name='d'/>")))
                       TYPE("E", EXTENSION("o:D", SEQUENCE("<element name='e' type='o:D'/>"))),
                   "urn:t")}}},
     {"TypesForAnAbstractRootType",

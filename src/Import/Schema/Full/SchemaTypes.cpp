@@ -92,6 +92,8 @@ void SchemaTypes::readChoice(SourceTypes::Index choice)
             bases.push_back(type);
             set.reach(type);
             contents.spendStep();
+            if (tree[type].is(SchemaNode::isAbstract)) // a message can't choose it
+                continue;
             const SourceTypes::Type record = recordOf(type, SourceTypes::kNone);
             if (record.kind == SourceTypes::kindRecord)
                 types.choices[choice].push_back(record.index);
