@@ -240,6 +240,17 @@ const Rule kRules[] = {
                                                                            "<element name='member' "
                                                                            "substitutionGroup='t:head'/>",
      "t_square[Number] t_circle[Number] r(circle:t_circle square:t_square head:Time member:Time)"},
+    {"BlockedSubstitution",
+     "<include schemaLocation='d'/>" ROOT(
+         SEQUENCE("<element ref='t:a'/><element ref='t:b'/><element ref='t:c'/>")) "<element name='a' block='extension "
+                                                                                   "substitution'/><element name='x' "
+                                                                                   "substitutionGroup='t:a'/>"
+                                                                                   "<element name='y' "
+                                                                                   "substitutionGroup='t:b'/><element "
+                                                                                   "name='z' substitutionGroup='t:c'/>",
+     "r(a:String b:String c:String z:String)",
+     {{"d", "<?xml version='1.0'?><schema xmlns='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:t' "
+            "blockDefault='#all'><element name='b'/><element name='c' block=''/></schema>"}}},
     {"OneRecordForEachType",
      ROOT(SEQUENCE("<element name='a' type='t:T'/><element name='b' type='t:T' maxOccurs='2'/>"
                    "<element name='c'><complexType><attribute name='d'/></complexType></element>"))

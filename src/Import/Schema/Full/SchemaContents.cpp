@@ -226,13 +226,14 @@ void SchemaContents::addElement(Index particle)
 }
 
 // Adds the head of a substitution group and all its members, indirect ones included, except abstract ones (XML Schema
-// Part 1, 3.3.6). `block` and `final` are ignored. The documentation of the reference belongs to the head only.
+// Part 1, 3.3.6), unless the head blocks substitution. Blocked derivations and `final` are ignored. The documentation
+// of the reference belongs to the head only.
 void SchemaContents::addSubstitutes(SchemaName head, Index declaration, bool repeats, std::uint32_t documentation)
 {
     const bool isAbstract = tree[declaration].is(SchemaNode::isAbstract);
     if (!isAbstract)
         addOccurrence(head, declaration, repeats, documentation);
-    if (set.membersOf(declaration).empty()) {
+    if (tree[declaration].is(SchemaNode::isIrreplaceable) || set.membersOf(declaration).empty()) {
         if (isAbstract) // and no element that was read may replace it
             set.note(SourceReport::elementNotAllowed, declaration);
         return;

@@ -19,6 +19,15 @@ bool isDescribed(SchemaTag tag)
            tag == SchemaTag::simpleType || tag == SchemaTag::enumeration;
 }
 
+// Returns whether a value of `block` or `blockDefault` blocks substitution.
+bool blocksSubstitution(std::string_view value)
+{
+    bool blocks = false;
+    SchemaStatements::forEachName(
+        value, [&blocks](std::string_view word) { blocks = blocks || word == "substitution" || word == "#all"; });
+    return blocks;
+}
+
 } // namespace
 
 SchemaReader::SchemaReader(SchemaTree& tree, SourceReport& report) :
@@ -124,6 +133,8 @@ void SchemaReader::enter(SchemaTag tag, std::size_t shadowedBefore)
     node.line = statements.place().line;
     node.column = statements.place().column;
     node.document = document;
+    if (tag == SchemaTag::element && tree.documents[document].blocksSubstitution)
+        node.flags = SchemaNode::isIrreplaceable;
     for (const SchemaStatements::Attribute& attribute : statements.attributes()) {
         if (!attribute.isAllowed)
             continue;
@@ -217,6 +228,8 @@ void SchemaReader::readRootAttribute(const SchemaStatements::Attribute& attribut
         root.elementsQualified = value == "qualified";
     } else if (attribute.name == SchemaAttribute::attributeFormDefault) {
         root.attributesQualified = value == "qualified";
+    } else if (attribute.name == SchemaAttribute::blockDefault) {
+        root.blocksSubstitution = blocksSubstitution(value);
     }
 }
 
@@ -268,6 +281,10 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
         break;
     case SchemaAttribute::abstract:
         set(SchemaStatements::isTrue(value), SchemaNode::isAbstract);
+        break;
+    case SchemaAttribute::block: // has an effect on elements only
+        node.flags = static_cast<std::uint16_t>(node.flags & ~SchemaNode::isIrreplaceable);
+        set(blocksSubstitution(value), SchemaNode::isIrreplaceable);
         break;
     case SchemaAttribute::form:
         set(true, SchemaNode::hasForm);

@@ -38,7 +38,8 @@ struct SchemaNode
         isProhibited = 8,
         isReference = 16, ///< `reference` holds its `ref`
         isQualified = 32, ///< according to its own `form`
-        hasForm = 64
+        hasForm = 64,
+        isIrreplaceable = 128 ///< an element that blocks substitution, by itself or by the default of its document
     };
 
     SchemaTag tag = SchemaTag::none;
@@ -75,6 +76,7 @@ struct SchemaDocument
     bool hasTarget = false;                                        ///< declares its own namespace
     bool elementsQualified = false;
     bool attributesQualified = false;
+    bool blocksSubstitution = false; ///< its elements do by default
 };
 
 /// The nodes of all documents of a schema, with their texts. Nodes of a document are adjacent and in document order, so
