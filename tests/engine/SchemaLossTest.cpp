@@ -135,10 +135,11 @@ const Loss kLosses[] = {
      "2:1 unknown type, imported as text: xs:int\n3:1 unknown type, imported as text: t:R\n"
      "4:1 reference to nothing that was read: E\n5:1 simple type skipped: d\n6:1 unknown type, imported as text: C",
      "3:1 reference to nothing that was read: R"},
-    {"MemberThatNobodyDeclares",
-     MAIN("\n" ELEMENT("name='a' type='U'")) "<xs:simpleType name='U'><xs:union memberTypes='No xs:int xs:date'/>"
-                                             "</xs:simpleType>",
-     "3:1 unknown type, imported as text: U", "4:25 reference to nothing that was read: No"},
+    {"MemberThatIsNoSimpleType",
+     MAIN("\n" ELEMENT("name='a' type='U'")) "<xs:simpleType name='U'><xs:union memberTypes='No R xs:int'/>"
+                                             "</xs:simpleType>" RECORD,
+     "3:1 unknown type, imported as text: U",
+     "4:25 reference to nothing that was read: No\n4:25 reference to nothing that was read: R"},
     {"TypesOfWhatRepeats",
      MAIN(ELEMENT("name='a' type='R' maxOccurs='2'") "\n" ELEMENT("name='b' type='xs:date' maxOccurs='2'")
               ELEMENT("name='c' maxOccurs='2'") ELEMENT("name='R' type='R' maxOccurs='2'")) RECORD,

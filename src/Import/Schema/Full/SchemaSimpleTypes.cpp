@@ -20,14 +20,17 @@ SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
 
 } // namespace
 
-// Returns the part that a name refers to, and marks its component as reached. An unresolved one is text.
+// Returns the part that a name refers to, and marks its component as reached. An unresolved one is text, as is a
+// complex type in a simple one.
 SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from)
 {
     if (const auto builtIn = set.builtInKind(name))
         return {0, valueOfKind(*builtIn)};
-    const Index declared = set.reach(SchemaSet::type, name, from);
+    const SchemaTag around = tree[tree[from].parent].tag;
+    Index declared = set.reach(SchemaSet::type, name, from);
+    if (around == SchemaTag::simpleType && tree[declared].tag == SchemaTag::complexType) // a value has no fields
+        declared = 0;
     if (declared == 0) {
-        const SchemaTag around = tree[tree[from].parent].tag;
         const bool isBase = around == SchemaTag::complexContent || around == SchemaTag::simpleContent;
         set.note(isBase ? SourceReport::unresolvedContent : SourceReport::unresolvedReference, from, name.local);
     }
