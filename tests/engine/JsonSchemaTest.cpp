@@ -83,6 +83,8 @@ const Rule kRules[] = {
     {"AListWithoutANameOfItsOwnIsCalledLikeItsFields",
      R"("a":{"items":{"enum":["x"]}},"b":{"items":{"$ref":"#/properties/a/items"}})",
      "b{x} a{x} t_a[a] t_b[b] r(a:t_a b:t_b)"},
+    {"ARootThatIsTextByItsParts", R"({"title":"r","anyOf":[{"type":"string"},{"type":"number"}],"$defs":{"D":{}}})",
+     "r(value:String)"},
     {"IdentifiersOfDraft4",
      R"({"$schema":"http://json-schema.org/draft-04/schema#","id":"http://x/r.json","title":"r","properties":{
         "a":{"$ref":"#named"},"b":{"$ref":"b.json"}},"definitions":{"A":{"id":"#named","type":"number"},

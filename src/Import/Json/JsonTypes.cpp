@@ -273,8 +273,9 @@ void JsonTypes::addDeclared(Index root, std::string_view name)
 
 bool JsonTypes::hasOwnType(Index root)
 {
-    const bool isAvro = isAvroType(tree.textOf(root, JsonWord::type));
-    return shapeOf(root, nameOf(root)) != Shape() || (tree.find(root, JsonWord::type) != 0 && !isAvro);
+    if (tree.find(root, JsonWord::type) != 0 && !isAvroType(tree.textOf(root, JsonWord::type)))
+        return true;
+    return isWanted(tree.target(root)) && contents.of(root).kind != JsonContent::none;
 }
 
 void JsonTypes::addCandidate(Index schema, std::string_view name)

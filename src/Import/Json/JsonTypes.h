@@ -54,7 +54,7 @@ public:
     /// read.
     void nameReferred(Index holder);
 
-    /// Returns whether a document has a type of its own, instead of definitions only, and adds it.
+    /// Returns whether a document has a type of its own, instead of definitions only.
     bool hasOwnType(Index root);
 
     /// Adds the types of all schemas under `holder`, so that unused ones are imported as well. With `asCandidates` they
