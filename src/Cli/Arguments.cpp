@@ -260,7 +260,7 @@ CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importe
     const std::unique_ptr<MsgBase> message(createImporter(arguments.full, importer));
     auto* const full = dynamic_cast<FullMessage*>(message.get());
     if (const char* const option = arguments.full.optionOfFull(); *option != 0 && !full)
-        return CString(option) + " requires --full";
+        return option + (importer.hasFull() ? " requires --full" : ": " + word + " has no full reading");
     if (!arguments.full.catalogs.empty() && !importer.readsCatalogs())
         return "--catalog: " + word + " reads no catalogues";
     if (!arguments.full.entities.empty() && (!full || !full->setEntities({})))
