@@ -89,6 +89,8 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfReference(const SchemaEleme
     const SchemaElement* const target = table.findAny(Fingerprint(name));
     if (!target)
         return {Element::typeString, {}, SourceReport::unresolvedReference, name};
+    if (target->queryLoss() == SchemaTypeLoss::innerType)
+        return {Element::typeString, {}, SourceReport::simpleTypeSkipped, name};
     Meaning meaning =
         meaningOfType(target->queryType(), table.findType(target->queryType()), name, declared.isMarked());
     if (declared.queryType().empty() && meaning.kind != Element::typeString && meaning.kind != Element::typeRow)
