@@ -174,6 +174,28 @@ TEST_F(SchemaInclude, TypeInsideAFieldOfAPulledTypeIsALoss)
     EXPECT_EQ(message.queryReport().queryEntries(SourceReport::loss).size(), 1U);
 }
 
+// The types that are not pulled have losses of each step: reading, the table, and what it left unread.
+TEST_F(SchemaInclude, OnlyLossesOfPulledTypesCount)
+{
+    const auto typeWithLosses = [](const CString& name) {
+        const CString field = "<xsd:element name='" + name + "1' nam=''/>";
+        return "<xsd:complexType name='" + name + "'><xsd:all>" + field + "<xsd:element name='" + name +
+               "1' type='xsd:date'/></xsd:all><xsd:all><xsd:element name='" + name + "2'/></xsd:all></xsd:complexType>";
+    };
+    writeSchema(folder, "q.xsd",
+                typeWithLosses("Lost") + typeWithLosses("Party") + typeWithLosses("Late") +
+                    "<xsd:element name='e'><xsd:complexType mixed='1'/></xsd:element><xsd:simpleType name='s' nam=''/>"
+                    "<xsd:element name='m' substitutionGroup='h'/><xsd:group name='g'><xsd:all>" FIELD(
+                        "f") "</xsd:all>"
+                             "</xsd:group><xsd:elem/>");
+    EXPECT_EQ(importSchema("a.xsd", INCLUDE("q.xsd") MAIN), 1);
+    std::vector<std::string_view> losses;
+    for (const SourceReport::Entry& entry : message.queryReport().queryEntries(SourceReport::loss))
+        losses.push_back(entry.name);
+    EXPECT_THAT(losses,
+                ElementsAre("nam in xsd:element", "nam in xsd:simpleType", "m", "xsd:elem", "Party1", "Party2"));
+}
+
 TEST_F(SchemaInclude, TargetNamespaceKeepsTheIncludesOut)
 {
     writeSchema(folder, "p.xsd", PARTY("name"));

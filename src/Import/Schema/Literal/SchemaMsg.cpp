@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <set>
 #include <system_error>
+#include <unordered_set>
 
 // The schema and the documents that it refers to are parsed once each, into outlines. The table is filled from these,
 // and the model from the table: a record for each entry with children, and a field for each child. If the result
@@ -32,7 +33,8 @@ int SchemaMessage::parse(const CString& source, const CString& basePath, const C
     } catch (const SourceRefusal& refusal) {
         fail(refusal.text, refusal.fault);
     }
-    table.clear(); // its texts are freed with the outlines
+    table.clear();      // its texts are freed with the outlines
+    report.release({}); // after a failure all that was found counts
     return result;
 }
 
@@ -50,10 +52,12 @@ int SchemaMessage::import(const CString& source, const CString& basePath, const 
     if (!readFile(source, report.addFile(source), document, outlines))
         return fail(document.queryParseError(), document.queryFault());
     SchemaOutline& main = outlines.front();
-    if (main.hasTargetNamespace())
+    if (main.hasTargetNamespace()) {
         reportSkipped(main);
-    else if (!fileName.empty())
+    } else if (!fileName.empty()) {
+        report.hold(); // until it is known which types of the other documents are pulled
         readIncluded(fileName, outlines);
+    }
     table.readIncluded(outlines, !fileName.empty());
     baseFolder = basePath.ends_with('\\') ? basePath : basePath + "\\";
     return doParse(main, source);
@@ -138,6 +142,11 @@ int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
         return fail(loadText(IDS_NO_ROOT), {source, "this document does not contain a root element"});
     beginWork(Work::arranging);
     table.readMain(outline);
+    std::unordered_set<SourceReport::Component> reached{SchemaOutline::kShared};
+    for (const SchemaElement* entry : table.queryPulled())
+        if (entry->queryKey() == Fingerprint(entry->queryName())) // not a field
+            reached.insert(SchemaOutline::componentOf(entry->queryName()));
+    report.release([&](SourceReport::Component component) { return reached.contains(component); });
     noteMain(outline);
     outline.keepTextsOnly(); // the model takes its place
     const CString path = baseFolder + table.queryMainType() + "\\";

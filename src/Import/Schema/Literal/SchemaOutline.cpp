@@ -54,7 +54,7 @@ bool mayRepeat(std::string_view maxOccurs)
 } // namespace
 
 SchemaOutline::SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKinds& kinds) :
-    statements(report, file, true), kinds(kinds), file(file)
+    statements(report, file, true), kinds(kinds), file(file), holds(report.isHolding())
 {
     entries.emplace_back();
 }
@@ -68,10 +68,20 @@ void SchemaOutline::notePrefixes(const XmlScope& scope)
             kinds.addLanguagePrefix(scope[i].prefix);
 }
 
+// Returns the number of the component that begins with a start tag. SchemaStatements only uses it at the top.
+SourceReport::Component SchemaOutline::componentOf(XmlName name, XmlAttributes attributes) const
+{
+    if (!holds || open.size() != 1)
+        return 0;
+    const bool isShared =
+        name.local == std::string_view("simpleType") || !attributes.valueOf("substitutionGroup").empty();
+    return isShared ? kShared : componentOf(attributes.valueOf("name"));
+}
+
 void SchemaOutline::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
     notePrefixes(scope);
-    const SchemaTag tag = statements.enter(name, attributes, scope);
+    const SchemaTag tag = statements.enter(name, attributes, scope, componentOf(name, attributes));
     if (open.empty()) {
         isTargeted = std::ranges::count(statements.attributes(), SchemaAttribute::targetNamespace,
                                         &SchemaStatements::Attribute::name) > 0;
@@ -341,10 +351,16 @@ SchemaOutline::Index SchemaOutline::typeOf(Index declaration) const
 
 void SchemaOutline::reportUnread(SourceReport& report) const
 {
-    for (const Entry& entry : entries)
-        if (entry.tag != complexType && !entry.isRead)
-            report.add(SourceReport::declarationSkipped, {file, entry.declaration.line, entry.declaration.column},
-                       entry.declaration.name());
+    Index next = kRoot + 1; // the next one at the top
+    for (Index at = next; at < entries.size(); ++at) {
+        if (at == next) {
+            enterComponent(report, at);
+            next = endOf(at);
+        }
+        if (tagOf(at) != complexType && !entries[at].isRead)
+            report.add(SourceReport::declarationSkipped, placeOf(at), entries[at].declaration.name());
+    }
+    report.enter(0);
 }
 
 void SchemaOutline::keepTextsOnly()

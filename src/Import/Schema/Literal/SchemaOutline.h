@@ -62,7 +62,7 @@ public:
     };
 
     /// `file` is the document's number in the report. Simple types are added to `kinds`. Both objects must live as long
-    /// as the outline.
+    /// as the outline. If the report holds constructs back, those of the document get their components.
     SchemaOutline(SourceReport& report, std::uint32_t file, SchemaKinds& kinds);
 
     /// Makes room for the declarations of a document of `size` bytes at once. Growing step by step would copy them and
@@ -76,6 +76,21 @@ public:
 
     /// Reports the findings in the document. Call it if the document is part of the schema.
     void finish() { statements.finish(); }
+
+    /// The component of simple types and of members of substitution groups, which other types may need.
+    static constexpr SourceReport::Component kShared = 1;
+
+    /// Returns the number in the report for a top-level declaration of that name.
+    static SourceReport::Component componentOf(std::string_view name)
+    {
+        return std::max<SourceReport::Component>(keyHash(name), kShared + 1);
+    }
+
+    /// Makes a top-level declaration the component that following constructs belong to.
+    void enterComponent(SourceReport& report, Index at) const
+    {
+        report.enter(holds ? componentOf(entries[at].declaration.name()) : 0);
+    }
 
     /// Returns the place of a declaration in the source.
     SourcePlace placeOf(Index at) const { return {file, entries[at].declaration.line, entries[at].declaration.column}; }
@@ -156,6 +171,7 @@ private:
     };
 
     void notePrefixes(const XmlScope& scope);
+    SourceReport::Component componentOf(XmlName name, XmlAttributes attributes) const;
     void noteLocation(std::string_view statement);
     SchemaDeclaration readDeclaration(XmlAttributes attributes);
     std::string_view keepName(std::string_view name);
@@ -175,6 +191,7 @@ private:
     SchemaStatements statements;
     SchemaKinds& kinds;
     std::uint32_t file;
+    const bool holds; // the report holds constructs back
     bool isTargeted = false;
     // Made at the first holdsTypeNamed().
     mutable std::optional<std::unordered_set<std::string_view, KeyHash>> typeNames;

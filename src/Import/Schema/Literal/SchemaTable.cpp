@@ -131,12 +131,14 @@ void SchemaTable::processElement(const SchemaOutline& outline)
     for (Index at = outline.getChildNode(SchemaOutline::kRoot, SchemaOutline::element); at != SchemaOutline::kNone;
          at = outline.getNextSibling(at)) {
         const SchemaDeclaration& element = outline[at];
+        outline.enterComponent(report, at);
         if (holdsType(outline, at))
             processComplexType(outline, outline.getNode(at, SchemaOutline::complexType), element.name());
         outline.markRead(at);
         if (!element.name().empty())
             addSchemaElement(contentOf(outline, at, element.name()), {});
     }
+    report.enter(0);
 }
 
 // The state of reading the complex types of a container. Of the current type, elements come first, then attributes.
@@ -148,6 +150,7 @@ struct SchemaTable::TypeWalk
     SchemaOutline::Tag list = SchemaOutline::element;
     Index field = SchemaOutline::kNone;
     bool isEntered = false; // the type inside the field has been read
+    bool isAtTop = false;   // the types are at the top of the document
 };
 
 // Reads the complex types directly inside `container`, with everything nested in them. Nested types are read before the
@@ -160,6 +163,7 @@ void SchemaTable::processComplexType(const SchemaOutline& outline, Index contain
         TypeWalk walk{owner, outline.getChildNode(from, SchemaOutline::complexType), {}};
         if (walk.type == SchemaOutline::kNone)
             return;
+        walk.isAtTop = from == SchemaOutline::kRoot;
         enterType(outline, walk);
         walks.push_back(walk);
     };
@@ -176,6 +180,8 @@ void SchemaTable::processComplexType(const SchemaOutline& outline, Index contain
             processTag(outline, walk);
         }
     }
+    if (container == SchemaOutline::kRoot)
+        report.enter(0);
 }
 
 // Adds the current complex type as a record, and moves to its first element at any depth. Only that element's siblings
@@ -183,6 +189,8 @@ void SchemaTable::processComplexType(const SchemaOutline& outline, Index contain
 void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
 {
     const SchemaDeclaration& type = outline[walk.type];
+    if (walk.isAtTop)
+        outline.enterComponent(report, walk.type);
     std::string_view name = type.isReference ? walk.owner : type.name();
     if (!name.empty() && name == rootTypeName)
         name = mainName;
