@@ -243,6 +243,9 @@ TEST_F(JsonSchemaSets, AreOneImport)
     message.setFurtherFiles({folder.write("c.json", "{\n]")});
     EXPECT_EQ(message.parseFile(folder.path("a.json"), ""), 0);
     EXPECT_EQ(boxes.take().size(), 1u);
+    message.setFurtherFiles({folder.write("m.json", R"({"a":1})"), folder.path("p.json")});
+    EXPECT_EQ(message.parseFile(folder.path("a.json"), ""), 1);
+    EXPECT_EQ(message.queryReport().lossesInWords(), "1 loss: 1 value not understood");
 }
 
 TEST_F(OpenApiSets, AreOneImport)

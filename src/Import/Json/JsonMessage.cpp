@@ -66,6 +66,7 @@ void readJsonSchemas(JsonSources& sources)
 {
     JsonTypes& schemas = sources.schemas;
     const JsonTree& tree = sources.documents.tree;
+    std::vector<JsonNode::Index> empty; // declare nothing
     for (JsonNode::Index source = 0; source < sources.roots.size(); ++source) {
         schemas.setSource(source);
         const JsonNode::Index root = sources.roots[source];
@@ -77,6 +78,13 @@ void readJsonSchemas(JsonSources& sources)
             schemas.addCandidate(root, {});
         for (const JsonWord holder : {JsonWord::defs, JsonWord::definitions})
             schemas.declareMembers(tree.find(root, holder), !hasOwn || sources.areRequested);
+        if (!hasOwn && !tree.hasAny(root, {JsonWord::defs, JsonWord::definitions}))
+            empty.push_back(source);
     }
     schemas.finish();
+    // A single one is refused. In a set, such a document may be a message, or belong to another importer.
+    const std::vector<std::size_t> tops = sources.documents.findTops(sources.roots);
+    for (const JsonNode::Index source : empty)
+        if (sources.roots.size() > 1 && !sources.areRequested && std::ranges::binary_search(tops, source))
+            sources.documents.note(SourceReport::invalidValue, sources.roots[source], "no schema");
 }

@@ -273,9 +273,13 @@ void JsonTypes::addDeclared(Index root, std::string_view name)
 
 bool JsonTypes::hasOwnType(Index root)
 {
-    if (tree.find(root, JsonWord::type) != 0 && !isAvroType(tree.textOf(root, JsonWord::type)))
+    const bool isAvro = isAvroType(tree.textOf(root, JsonWord::type));
+    if (tree.find(root, JsonWord::type) != 0 && !isAvro)
         return true;
-    return isWanted(tree.target(root)) && contents.of(root).kind != JsonContent::none;
+    if (!isWanted(tree.target(root)))
+        return false;
+    const JsonContent::Kind kind = contents.of(root).kind;
+    return isAvro ? kind != JsonContent::text : kind != JsonContent::none; // an unknown type is text
 }
 
 void JsonTypes::addCandidate(Index schema, std::string_view name)
