@@ -18,7 +18,9 @@
 #include "Import/Registry/SourceSet.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
+#include <stdexcept>
 
 // The steps of the command, in the order of runImport(). Sources are expanded and pipes copied before the importer is
 // chosen, because its choice reads them. Everything that makes a command line invalid is refused before the import,
@@ -170,13 +172,25 @@ std::vector<CString> sourceFiles(const Arguments& arguments)
     return filesOf(arguments.sources, !importer || (importer->hasFull() && !arguments.full.isWanted));
 }
 
+// Throws std::runtime_error if a source is a folder that only a full reading can read.
+void requireFullForFolders(const Arguments& arguments)
+{
+    std::error_code failure;
+    for (const CString& source : arguments.sources)
+        if (std::filesystem::is_directory(source, failure) &&
+            importerForFolder(source, arguments.isRecursive).hasFull())
+            throw std::runtime_error(source + ": use --full: it reads the files of a folder");
+}
+
 // Replaces folders by their files. If a single folder is given, it names the set. A literal reading keeps the folder as
 // its source: its error then names it, and suggestFullReading() explains it.
 void expandFolders(Arguments& arguments)
 {
     const MsgUIDescriptor* const importer = arguments.importer;
-    if (!arguments.full.isWanted && !(importer && importer->readsFolders() && !importer->hasFull()))
+    if (importer && !arguments.full.isWanted && (importer->hasFull() || !importer->readsFolders()))
         return;
+    if (!importer && !arguments.full.isWanted)
+        requireFullForFolders(arguments);
     const std::vector<CString> given = std::move(arguments.sources);
     arguments.sources = withoutFolders(given, importer, arguments.isRecursive);
     if (arguments.full.name.empty())

@@ -36,20 +36,21 @@ int rowOf(const MsgUIDescriptor* importer)
     return row;
 }
 
-// Returns the importer for a file, or for the first source in a folder; `preferred` takes precedence there. Null if
-// there is none. A folder can hold sources of several kinds; an importer that the user has already chosen then decides.
+// Returns the importer for a file or for the sources in a folder; `preferred` takes precedence if the folder has a
+// source of it. Null if there is none. A folder can hold sources of several kinds; an importer that the user has
+// already chosen then decides.
 MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
 {
     if (!isFolder(name))
         return importerFor(name);
-    for (MsgUIDescriptor* wanted : {preferred, static_cast<MsgUIDescriptor*>(nullptr)})
-        try {
-            const CString first = withoutFolders({name}, wanted, false).front();
-            return wanted ? wanted : importerFor(first);
-        } catch (const std::runtime_error&) {
-            continue; // the folder has no such source
-        }
-    return nullptr;
+    try {
+        if (!preferred)
+            return &importerForFolder(name, false);
+        withoutFolders({name}, preferred, false); // throws if the folder has no source of it
+        return preferred;
+    } catch (const std::runtime_error&) {
+        return preferred ? importerOf(name, nullptr) : nullptr;
+    }
 }
 
 // Returns why no importer takes a file or folder, and what to do. The user may know the kind of the source better, so
@@ -57,8 +58,9 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
 CString noImporterReason(const CString& name)
 {
     if (isFolder(name))
-        return "it contains no DTD, XML Schema or WSDL. For a folder of other sources, choose their importer in the "
-               "list, press Next, and choose the folder there.";
+        return "it contains no sources, or sources of several kinds. Choose their importer in the list, press Next, "
+               "and "
+               "choose the folder there.";
     const FileCause cause = testReadable(name);
     const std::string_view foreign = foreignAdvice(name);
     if (cause != FileCause::none)

@@ -244,7 +244,14 @@ TEST_F(ImportCommand, AnswersExactly)
           "NAME=\"\\sys\\json\\j\\j\"\nNAME=\"b\"\nNAME=\"title\"\nNAME=\"properties\"\n",
           "j/t.json: error: it is neither an OpenAPI nor an AsyncAPI document; it looks like a source for "
           "jsonschema\n" +
-              says("j: the folder holds no source")}},
+              says("j: the folder holds sources for avro and jsonschema; name one of these importers")}},
+        {"mkdir k; echo x: 1 >k/c.yaml; $import k; cp j/a.AVSC k; $import k -l; cp r.dtd k; $import k --full; rm "
+         "k/a.*; "
+         "$import k; $import k --full -l -q | cut -f 1",
+         {0, "\\sys\\json\\A\\A\tA (Automatically created)\n\\sys\\rosettanet\\r\\t_b\n\\sys\\rosettanet\\r\\r\n",
+          says("k: the folder holds no source") +
+              says("k: the folder holds sources for avro and dtd; name one of these importers") +
+              says("k: use --full: it reads the files of a folder")}},
         {"$import dtd --full set/1.dtd none", {1, "", "none: error: No such file or directory\n"}},
         {"ln -s none set/.5.dtd; ln -s none set/6.dtd; $import dtd --full set; rm set/6.dtd; $import dtd --full set -b "
          "a "

@@ -1,10 +1,12 @@
 #include "Import/Registry/SourceSet.h"
 
-#include "Import/MsgUIDescriptor.h"
+#include "Import/Registry/ImporterChoice.h"
 #include "Resources/StringTable.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <set>
 #include <stdexcept>
 
 namespace {
@@ -26,43 +28,62 @@ bool isSourceOf(const MsgUIDescriptor& importer, const CString& name)
     return false;
 }
 
-// Returns `importer` if a file is a source of it. If that is null, returns the importer of sets that reads the file;
-// null if there is none.
-const MsgUIDescriptor* importerOf(const CString& name, const MsgUIDescriptor* importer)
-{
-    if (importer)
-        return isSourceOf(*importer, name) ? importer : nullptr;
-    for (MsgUIDescriptor** row = g_amud; *row; ++row)
-        if ((*row)->readsSets() && isSourceOf(**row, name))
-            return *row;
-    return nullptr;
-}
-
-std::vector<CString> filesIn(const CString& folder, const MsgUIDescriptor* importer, bool isRecursive)
+// Returns the files in a folder, sorted by name, because folders list them in no particular order. A link that leads
+// nowhere stays, so that opening it fails with the reason. Editors have hidden ones as locks.
+std::vector<CString> filesIn(const CString& folder, bool isRecursive)
 {
     std::vector<CString> files;
     for (std::filesystem::recursive_directory_iterator entry(folder), end; entry != end; ++entry) {
         if (!isRecursive)
             entry.disable_recursion_pending();
         std::error_code failure;
-        const CString name = entry->path().filename().string();
-        const MsgUIDescriptor* const own = importerOf(name, importer);
-        // A link that leads nowhere stays, so that opening it fails with the reason. Editors have hidden ones as locks.
-        const bool isSource = entry->is_regular_file(failure) || (failure && !name.starts_with('.'));
-        if (!own || !isSource)
-            continue;
-        if (!importer && own->querySource().isSet) { // a WSDL refers to the schemas beside it
-            importer = own;
-            files.clear();
-        }
-        files.push_back(entry->path().string());
+        if (entry->is_regular_file(failure) || (failure && !entry->path().filename().string().starts_with('.')))
+            files.push_back(entry->path().string());
     }
-    // Folders list their files in no particular order, and the result depends on the order.
     std::ranges::sort(files);
     return files;
 }
 
+// Returns the importer that recognises a file in a folder; null if the file has the suffix of no importer that reads
+// folders. An unreadable file belongs to the importer of sets with its suffix, so that it is reported.
+MsgUIDescriptor* importerInFolder(const CString& file)
+{
+    const auto mayRead = [&](const MsgUIDescriptor* row) { return row->readsFolders() && isSourceOf(*row, file); };
+    MsgUIDescriptor** row = g_amud;
+    while (*row && !mayRead(*row))
+        ++row;
+    if (!*row)
+        return nullptr;
+    MsgUIDescriptor* const recognised = importerFor(file);
+    if (recognised && mayRead(recognised))
+        return recognised;
+    return (*row)->readsSets() ? *row : nullptr;
+}
+
+[[noreturn]] void refuseFolder(const CString& folder, const CString& reason)
+{
+    throw std::runtime_error(folder + ": the folder holds " + reason);
+}
+
 } // namespace
+
+MsgUIDescriptor& importerForFolder(const CString& folder, bool isRecursive)
+{
+    std::set<CString> words;
+    for (const CString& file : filesIn(folder, isRecursive))
+        if (const MsgUIDescriptor* const importer = importerInFolder(file))
+            words.insert(importer->querySource().word);
+    if (words.contains("wsdl"))
+        words.erase("xsd"); // a WSDL refers to the schemas beside it
+    if (words.empty())
+        refuseFolder(folder, "no source");
+    CString list;
+    for (const CString& word : words)
+        list += (list.empty() ? "" : word == *words.rbegin() ? " and " : ", ") + word;
+    if (words.size() > 1)
+        refuseFolder(folder, "sources for " + list + "; name one of these importers");
+    return *importerNamed(list);
+}
 
 std::vector<CString> withoutFolders(const std::vector<CString>& sources, const MsgUIDescriptor* importer,
                                     bool isRecursive)
@@ -76,11 +97,12 @@ std::vector<CString> withoutFolders(const std::vector<CString>& sources, const M
             continue;
         }
         try {
-            const std::vector<CString> inside = filesIn(source, importer, isRecursive);
-            if (inside.empty())
-                throw std::runtime_error(source + ": the folder holds no source" +
-                                         (importer ? CString(" for ") + importer->querySource().word : ""));
-            files.insert(files.end(), inside.begin(), inside.end());
+            const MsgUIDescriptor& own = importer ? *importer : importerForFolder(source, isRecursive);
+            const std::size_t before = files.size();
+            std::ranges::copy_if(filesIn(source, isRecursive), std::back_inserter(files),
+                                 [&](const CString& file) { return isSourceOf(own, file); });
+            if (files.size() == before)
+                refuseFolder(source, CString("no source for ") + own.querySource().word);
         } catch (const fs::filesystem_error& error) {
             throw std::runtime_error(source + ": " + error.code().message());
         }

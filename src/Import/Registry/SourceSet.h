@@ -6,10 +6,14 @@
 
 class MsgUIDescriptor;
 
+/// Returns the importer of the sources in a folder, which importerFor() recognises. Only the importers that read
+/// folders count. A WSDL refers to the schemas beside it, so these count as part of it. `isRecursive` includes
+/// subfolders, but no links to folders. Throws std::runtime_error if there is none, or if several have sources.
+MsgUIDescriptor& importerForFolder(const CString& folder, bool isRecursive);
+
 /// Returns `sources` with each folder replaced by the source files in it, sorted by name. These are the files with a
-/// suffix of `importer`. If that is null, they are those of all importers that read sets, or only the WSDLs if there
-/// are any. `isRecursive` includes subfolders, but no links to folders. Throws std::runtime_error if a folder can't be
-/// read or has no source. Other sources stay in the list, whether they exist or not.
+/// suffix of `importer`; null stands for importerForFolder(). Throws std::runtime_error if a folder can't be read or
+/// has no source. Other sources stay in the list, whether they exist or not.
 std::vector<CString> withoutFolders(const std::vector<CString>& sources, const MsgUIDescriptor* importer,
                                     bool isRecursive);
 
