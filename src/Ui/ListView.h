@@ -69,6 +69,9 @@ public:
     QList<int> queryWidths() const;
     void setWidths(const QList<int>& widths);
 
+    /// Returns the least height, so that in a small window the list shrinks before its page scrolls.
+    QSize sizeHint() const override { return {QTreeView::sizeHint().width(), minimumSizeHint().height()}; }
+
 Q_SIGNALS:
     /// Emitted if the user changes the selection, or clicks in the list with any button. A click beside the rows clears
     /// the selection.

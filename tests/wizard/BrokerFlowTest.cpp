@@ -223,6 +223,7 @@ TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
         desk.click("back");
     }
     desk.create({IDC_NO_TO_ALL});
+    EXPECT_EQ(desk.scrollsAt(380), 0);
     EXPECT_EQ(desk.wizard().findChild<QProgressBar*>("1042")->value(), 3);
     desk.click("next");
     EXPECT_EQ(desk.page(), IDD_FINISH);

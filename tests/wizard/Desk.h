@@ -12,6 +12,8 @@
 #include <QComboBox>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
 
@@ -109,6 +111,17 @@ public:
     void type(int combo, const std::string& text)
     {
         control<QComboBox>(combo).setEditText(QString::fromStdString(text));
+    }
+
+    /// Makes the window this high. Returns by how many pixels the current page is higher than its room, which scrolls.
+    int scrollsAt(int height)
+    {
+        wizard().resize(wizard().width(), height);
+        QApplication::processEvents();
+        for (QWidget* widget = wizard().activePage(); widget != nullptr; widget = widget->parentWidget())
+            if (const auto* area = qobject_cast<QScrollArea*>(widget))
+                return area->verticalScrollBar()->maximum();
+        return -1;
     }
 
     /// Walks from the first page to `target`, importing the file `source` by `importer`. Throws if a page doesn't let

@@ -41,10 +41,12 @@ void CreateResultPage::OnInitDialog()
     resultBox->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     resultBox->setUniformItemSizes(true); // measures only visible lines of many thousand
     resultBox->setAccessibleName("Result of type creation");
+    resultBox->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored); // in a small window it shrinks
+    resultBox->setMinimumHeight(resultBox->minimumSizeHint().height());
     auto* group = new QGroupBox("Result of type creation");
     (new QVBoxLayout(group))->addWidget(resultBox);
     auto* column = new QVBoxLayout(this);
-    column->addWidget(group);
+    column->addWidget(group, 1);
     column->addLayout(makeButtons());
 }
 
