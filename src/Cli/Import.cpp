@@ -182,19 +182,16 @@ void requireFullForFolders(const Arguments& arguments)
             throw std::runtime_error(source + ": use --full: it reads the files of a folder");
 }
 
-// Replaces folders by their files. If a single folder is given, it names the set. A literal reading keeps the folder as
-// its source: its error then names it, and suggestFullReading() explains it.
+// Replaces folders by their files. A literal reading keeps the folder as its source: its error then names it, and
+// suggestFullReading() explains it.
 void expandFolders(Arguments& arguments)
 {
     const MsgUIDescriptor* const importer = arguments.importer;
-    if (importer && !arguments.full.isWanted && (importer->hasFull() || !importer->readsFolders()))
+    if (importer && (importer->querySource().readsTables || (importer->hasFull() && !arguments.full.isWanted)))
         return;
     if (!importer && !arguments.full.isWanted)
         requireFullForFolders(arguments);
-    const std::vector<CString> given = std::move(arguments.sources);
-    arguments.sources = withoutFolders(given, importer, arguments.isRecursive);
-    if (arguments.full.name.empty())
-        arguments.full.name = nameOfSet(given, arguments.sources);
+    arguments.sources = withoutFolders(arguments.sources, importer, arguments.isRecursive);
 }
 
 // Returns the origin to record. Several files are recorded under the first. A repository compares it with the origin of
@@ -286,13 +283,15 @@ int runImport(Arguments arguments)
     });
     if (const CString usageError = epochError(); !usageError.empty())
         return reportUsageError(usageError);
-    const CString source = arguments.sources.front();
+    const std::vector<CString> given = arguments.sources;
     expandFolders(arguments);
     const std::vector<CString> files = sourceFiles(arguments);
     Diagnostics diagnostics(shownSource(files.front()), arguments.verbosity);
     const MsgUIDescriptor* const importer = arguments.importer ? arguments.importer : importerOf(files, diagnostics);
     if (!importer)
         return arguments.failedStatus();
+    if (arguments.full.name.empty() && importer->readsFolders())
+        arguments.full.name = nameOfSet(given, arguments.sources);
     if (const CString usageError = usageErrorFor(arguments, *importer); !usageError.empty())
         return reportUsageError(usageError);
     if (const CString usageError = arguments.full.usageErrorFor(files.size()); !usageError.empty())
@@ -318,7 +317,7 @@ int runImport(Arguments arguments)
     if (!arguments.create.address.empty())
         return createOnBroker(
             *message, *importer,
-            arguments.sources.size() > 1 && source != arguments.sources.front() ? source : files.front(), arguments);
+            arguments.sources.size() > 1 && given != arguments.sources ? given.front() : files.front(), arguments);
     const int status = writeResult(*message, arguments, diagnostics);
     const DependencyOptions& dependencies = arguments.dependencies;
     if (status == kDone && !dependencies.file.empty() &&

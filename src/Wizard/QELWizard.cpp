@@ -44,8 +44,10 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
     if (!isFolder(name))
         return importerFor(name);
     try {
-        if (!preferred)
-            return &importerForFolder(name, false);
+        if (!preferred) {
+            MsgUIDescriptor& importer = importerForFolder(name, false);
+            return importer.readsFolders() ? &importer : nullptr;
+        }
         withoutFolders({name}, preferred, false); // throws if the folder has no source of it
         return preferred;
     } catch (const std::runtime_error&) {
@@ -58,9 +60,8 @@ MsgUIDescriptor* importerOf(const CString& name, MsgUIDescriptor* preferred)
 CString noImporterReason(const CString& name)
 {
     if (isFolder(name))
-        return "it contains no sources, or sources of several kinds. Choose their importer in the list, press Next, "
-               "and "
-               "choose the folder there.";
+        return "it contains no sources, or sources of several kinds. Choose their importer in the list, press "
+               "Next, and choose the folder or its files there.";
     const FileCause cause = testReadable(name);
     const std::string_view foreign = foreignAdvice(name);
     if (cause != FileCause::none)

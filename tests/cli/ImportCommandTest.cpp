@@ -110,7 +110,8 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd none -o old", {1, "", "none: error: No such file or directory\n"}},
         {"$import dtd .",
          {1, "", ".: error: Is a directory\n.: warning: use --full: it reads the files of a folder\n"}},
-        {"$import xml .", {1, "", ".: error: Is a directory\n"}},
+        {"mkdir m; echo '<m><a/></m>' >m/1.xml; echo '<m><b/></m>' >m/2.XML; $import btd m; $import m -l | cut -f 1",
+         {0, "\\sys\\xml\\m\\m\n", mistake("btd reads one source at a time")}},
         {"$import dtd /dev/zero", {1, "", "/dev/zero: error: The system refused access\n"}},
         {"$import xml /dev/zero", {1, "", "/dev/zero: error: Operation not supported\n"}},
 

@@ -44,11 +44,13 @@ std::vector<CString> filesIn(const CString& folder, bool isRecursive)
     return files;
 }
 
-// Returns the importer that recognises a file in a folder; null if the file has the suffix of no importer that reads
-// folders. An unreadable file belongs to the importer of sets with its suffix, so that it is reported.
+// Returns the importer that recognises a file in a folder; null if the file has the suffix of none. An unreadable file
+// belongs to the importer of sets with its suffix, so that it is reported.
 MsgUIDescriptor* importerInFolder(const CString& file)
 {
-    const auto mayRead = [&](const MsgUIDescriptor* row) { return row->readsFolders() && isSourceOf(*row, file); };
+    const auto mayRead = [&](const MsgUIDescriptor* row) {
+        return !row->querySource().readsTables && isSourceOf(*row, file);
+    };
     MsgUIDescriptor** row = g_amud;
     while (*row && !mayRead(*row))
         ++row;
@@ -60,6 +62,23 @@ MsgUIDescriptor* importerInFolder(const CString& file)
     return (*row)->readsSets() ? *row : nullptr;
 }
 
+// Returns the words of the importers with a source in a folder. Files that belong to the others don't count: schemas
+// and messages beside a WSDL, messages beside schemas, and documents that an import has written.
+std::set<CString> importersIn(const CString& folder, bool isRecursive)
+{
+    std::set<CString> words;
+    for (const CString& file : filesIn(folder, isRecursive))
+        if (const MsgUIDescriptor* const importer = importerInFolder(file))
+            words.insert(importer->querySource().word);
+    if (words.contains("wsdl"))
+        words.erase("xsd");
+    if (words.contains("wsdl") || words.contains("xsd") || words.contains("dtd"))
+        words.erase("xml");
+    if (words.size() > 1)
+        words.erase("btd");
+    return words;
+}
+
 [[noreturn]] void refuseFolder(const CString& folder, const CString& reason)
 {
     throw std::runtime_error(folder + ": the folder holds " + reason);
@@ -69,12 +88,7 @@ MsgUIDescriptor* importerInFolder(const CString& file)
 
 MsgUIDescriptor& importerForFolder(const CString& folder, bool isRecursive)
 {
-    std::set<CString> words;
-    for (const CString& file : filesIn(folder, isRecursive))
-        if (const MsgUIDescriptor* const importer = importerInFolder(file))
-            words.insert(importer->querySource().word);
-    if (words.contains("wsdl"))
-        words.erase("xsd"); // a WSDL refers to the schemas beside it
+    const std::set<CString> words = importersIn(folder, isRecursive);
     if (words.empty())
         refuseFolder(folder, "no source");
     CString list;

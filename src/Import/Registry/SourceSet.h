@@ -6,9 +6,10 @@
 
 class MsgUIDescriptor;
 
-/// Returns the importer of the sources in a folder, which importerFor() recognises. Only the importers that read
-/// folders count. A WSDL refers to the schemas beside it, so these count as part of it. `isRecursive` includes
-/// subfolders, but no links to folders. Throws std::runtime_error if there is none, or if several have sources.
+/// Returns the importer of the sources in a folder, which importerFor() recognises. Files that belong to other sources
+/// don't count: the schemas beside a WSDL, messages beside schemas, documents of types beside any other. `isRecursive`
+/// includes subfolders, but no links to folders. Throws std::runtime_error if there is none, or if several have
+/// sources.
 MsgUIDescriptor& importerForFolder(const CString& folder, bool isRecursive);
 
 /// Returns `sources` with each folder replaced by the source files in it, sorted by name. These are the files with a
