@@ -119,9 +119,9 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
                    "  IMPORTER                  dtd, xml, xsd, btd, odbc, wsdl, jsonschema,\n"
                    "                            openapi, avro or json (default: by the source)\n"
                    "  SOURCE                    A file, - for standard input; for odbc a data source\n"
-                   "                            name or a connection string; any number for all but\n"
-                   "                            btd, odbc, and dtd and xsd without --full; folders\n"
-                   "                            for --full, wsdl, jsonschema, openapi, avro and json\n"
+                   "                            name or a connection string; any number of files and\n"
+                   "                            folders for all but btd, odbc, and dtd and xsd\n"
+                   "                            without --full\n"
                    "  @FILE                     Read further arguments from this file, one per line\n");
     app.add_flag("--recursive", arguments.isRecursive, "Include the files of subfolders");
     app.add_option("-t,--table", arguments.tables,
