@@ -113,6 +113,18 @@ TEST(SourcePage, BrowsesFromTheFolderOfTheFile)
         EXPECT_EQ(desk.wizard().options.queryInputFolder(), folder);
         EXPECT_EQ(desk.text(IDC_FOLDER), "Current folder is " + current);
     }
+    for (const auto& [importer, files] : {std::pair{"XML Schema importer", "All message types (.DTD, .XML, .XSD)"},
+                                          {"Avro importer", "Avro schemas (.AVSC, .AVPR)"}}) {
+        desk.click("back");
+        desk.choose(importer);
+        desk.click("next");
+        QTimer::singleShot(100, [&listed = files] {
+            const auto& dialog = *qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            EXPECT_EQ(dialog.findChild<QComboBox*>("fileTypeCombo")->currentText(), listed);
+            answerFileDialog("");
+        });
+        desk.press(IDC_BROWSE);
+    }
 }
 
 TEST(OutputFilePage, BrowsesForTheBareNameIfItsFolderIsMissing)

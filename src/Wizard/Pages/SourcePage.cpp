@@ -33,11 +33,20 @@
 // Errors of the import come through the importer's error handler.
 namespace {
 
+// Returns whether the dialog's first choice lists files of this kind. "All message types" are DTD, XML and XSD.
+bool isMessageType(UINT label)
+{
+    const CString patterns = loadText(label + 1); // the pattern's id follows the label's
+    return CString(loadText(IDS_PATTERN_ALL_TYPES)).find(patterns.substr(0, patterns.find(';'))) != CString::npos;
+}
+
 // Returns the file types: all types, each importer's own kind once, all files. Importers of the same kind of file share
-// a label.
-std::vector<FileFilter> fileFilters()
+// a label. The dialog starts with the first one, which lists files of the chosen importer.
+std::vector<FileFilter> fileFilters(const MsgUIDescriptor& chosen)
 {
     std::vector<UINT> labels = {IDS_FILTER_ALL_TYPES};
+    if (const UINT own = chosen.querySource().filterId; !isMessageType(own))
+        labels.insert(labels.begin(), own);
     for (MsgUIDescriptor** importer = g_amud; *importer; ++importer) {
         const UINT label = (*importer)->querySource().filterId;
         if (label != 0 && std::find(labels.begin(), labels.end(), label) == labels.end())
@@ -46,7 +55,7 @@ std::vector<FileFilter> fileFilters()
     labels.push_back(IDS_FILTER_ALL_FILES);
     std::vector<FileFilter> filters;
     for (const UINT label : labels)
-        filters.push_back({loadText(label), loadText(label + 1)}); // the pattern's id follows the label's
+        filters.push_back({loadText(label), loadText(label + 1)});
     return filters;
 }
 
@@ -308,10 +317,10 @@ void SourcePage::pickCatalogs()
 // The dialog starts with the first of the names in the field.
 CString SourcePage::chooseFile()
 {
-    const FileQuestion question = {loadText(IDS_SELECT_SOURCE), fileFilters(), wizard->options.queryInputFolder(),
-                                   namedFile()};
-    return readsSeveral(*wizard->message->queryDescriptor()) ? textOfSources(chooseFilesToOpen(this, question))
-                                                             : chooseFileToOpen(this, question);
+    const MsgUIDescriptor& importer = *wizard->message->queryDescriptor();
+    const FileQuestion question = {loadText(IDS_SELECT_SOURCE), fileFilters(importer),
+                                   wizard->options.queryInputFolder(), namedFile()};
+    return readsSeveral(importer) ? textOfSources(chooseFilesToOpen(this, question)) : chooseFileToOpen(this, question);
 }
 
 // Dropped files can be of another kind, so the wizard chooses the importer.
