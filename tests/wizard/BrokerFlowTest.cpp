@@ -184,7 +184,7 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
     EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), IDC_TO_BROKER); // the earlier choice
 }
 
-TEST(OverwriteDialog, ShowsTheWholeOfALongName)
+TEST(OverwriteDialog, ShowsTheWholeOfALongNameAndTakesALetter)
 {
     OverWriteDlg dialog(nullptr);
     dialog.text = CString(400, 'x') + " already exists.\nOverwrite?";
@@ -193,9 +193,10 @@ TEST(OverwriteDialog, ShowsTheWholeOfALongName)
         EXPECT_EQ(text.toPlainText().toStdString(), dialog.text);
         EXPECT_LE(text.document()->size().height(), text.height());
         EXPECT_LE(dialog.width(), 640);
-        dialog.close();
+        QTest::keyClick(&dialog, Qt::Key_A);
     });
     dialog.DoModal();
+    EXPECT_EQ(dialog.choice, OverwriteChoice::yesToAll); // by its letter, without Alt
 }
 
 TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)

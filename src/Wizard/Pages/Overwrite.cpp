@@ -61,9 +61,13 @@ void OverWriteDlg::answer(OverwriteChoice newChoice)
     accept();
 }
 
-// The dialog has no topic of its own, so F1 shows the contents of the help.
+// A button's letter presses it without Alt, too, as in message boxes. The dialog has no topic of its own, so F1 shows the
+// contents of the help.
 void OverWriteDlg::keyPressEvent(QKeyEvent* event)
 {
+    for (auto* button : findChildren<QPushButton*>())
+        if (event->modifiers() == Qt::NoModifier && button->shortcut() == QKeySequence(Qt::ALT | Qt::Key(event->key())))
+            return button->click();
     if (event->key() == Qt::Key_F1)
         theApp.WinHelp(IDD_OVERWRITE);
     else
