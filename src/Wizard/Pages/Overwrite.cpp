@@ -61,8 +61,8 @@ void OverWriteDlg::answer(OverwriteChoice newChoice)
     accept();
 }
 
-// A button's letter presses it without Alt, too, as in message boxes. The dialog has no topic of its own, so F1 shows the
-// contents of the help.
+// A button's letter presses it without Alt, too, as in message boxes. The dialog has no topic of its own, so F1 shows
+// the contents of the help.
 void OverWriteDlg::keyPressEvent(QKeyEvent* event)
 {
     for (auto* button : findChildren<QPushButton*>())
