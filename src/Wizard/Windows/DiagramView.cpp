@@ -54,19 +54,19 @@ void DiagramView::choose(std::size_t box)
     Q_EMIT boxChosen(box);
 }
 
-void DiagramView::zoom(double factor)
+void DiagramView::zoom(double steps)
 {
     setTransformationAnchor(AnchorViewCenter);
-    scaleBy(factor);
+    zoomAtAnchor(steps);
 }
 
-void DiagramView::scaleBy(double factor)
+void DiagramView::zoomAtAnchor(double steps)
 {
     opens = fits = false;
     const double now = transform().m11();
     // The factor that keeps the scale within its limits.
-    const double wanted = std::clamp(now * factor, kSmallest, kLargest) / now;
-    scale(wanted, wanted);
+    const double factor = std::clamp(now * std::pow(kStep, steps), kSmallest, kLargest) / now;
+    scale(factor, factor);
 }
 
 void DiagramView::showAll()
@@ -88,7 +88,7 @@ void DiagramView::showOwnSize()
 void DiagramView::wheelEvent(QWheelEvent* event)
 {
     setTransformationAnchor(AnchorUnderMouse);
-    scaleBy(std::pow(kStep, event->angleDelta().y() / 120.0));
+    zoomAtAnchor(event->angleDelta().y() / 120.0);
     event->accept();
 }
 
@@ -110,9 +110,9 @@ void DiagramView::keyPressEvent(QKeyEvent* event)
         return;
     case Qt::Key_Plus:
     case Qt::Key_Equal:
-        return zoom(kStep);
+        return zoom(1);
     case Qt::Key_Minus:
-        return zoom(1 / kStep);
+        return zoom(-1);
     case Qt::Key_0:
         return showAll();
     case Qt::Key_1:

@@ -23,8 +23,9 @@ public:
     /// own size at the first box. Shows nothing if the diagram is empty.
     void showDiagram(std::shared_ptr<const Diagram> diagram);
 
-    /// Scales the picture by a factor, within limits. The centre of the view stays.
-    void zoom(double factor);
+    /// Enlarges the picture by a number of steps, within limits; a negative number makes it smaller. The centre of the
+    /// view stays.
+    void zoom(double steps);
 
     /// Show the whole picture, at most at its own size, or the picture at its own size.
     void showAll();
@@ -45,7 +46,7 @@ protected:
 
 private:
     // Zooms about the current anchor, and ends fitting.
-    void scaleBy(double factor);
+    void zoomAtAnchor(double steps);
     void fit();
     void choose(std::size_t box);
 

@@ -14,13 +14,9 @@
 #include "Wizard/Windows/DiagramView.h"
 #include "Wizard/Windows/SaveFile.h"
 
-#include <QHBoxLayout>
 #include <QPointer>
-#include <QPushButton>
 #include <QScopeGuard>
-#include <QScreen>
 #include <QShortcut>
-#include <QVBoxLayout>
 
 // A picture is made in two parts. The types around one type are collected in the window's thread, to which the
 // structure belongs. Layout and files take long and are made in the work's thread, from a graph or a diagram that
@@ -41,9 +37,8 @@ struct SvgWanted
 } // namespace
 
 DiagramWindow::DiagramWindow(QWidget* owner, const std::shared_ptr<const TypeStructure>& shownStructure) :
-    QWidget(owner, Qt::Window), structure(shownStructure), view(new DiagramView), status(new ElidedLabel)
+    SideWindow(owner, "diagramWindow"), structure(shownStructure), view(new DiagramView), status(new ElidedLabel)
 {
-    setObjectName("diagramWindow");
     setAttribute(Qt::WA_DeleteOnClose);
     view->setObjectName("picture");
     status->setObjectName("status");
@@ -54,11 +49,9 @@ DiagramWindow::DiagramWindow(QWidget* owner, const std::shared_ptr<const TypeStr
     column->addWidget(view);
     column->addWidget(status);
     column->addWidget(makeButtons());
-    new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
     for (const QKeySequence& key : {QKeySequence(Qt::ALT | Qt::Key_Left), QKeySequence(Qt::Key_Backspace)})
         new QShortcut(key, this, this, &DiagramWindow::goBack);
-    const QSize wanted(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36);
-    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // leaves room for the frame
+    resizeToText(130, 36);
     view->setFocus();
 }
 
@@ -98,22 +91,13 @@ QWidget* DiagramWindow::makeButtons()
     auto* row = new QHBoxLayout(buttons);
     row->setContentsMargins({});
     row->addStretch();
-    const auto addButton = [&](const char* objectName, const QString& title, const QString& tip, auto action) {
-        auto* button = new QPushButton(title);
-        button->setObjectName(objectName);
-        button->setToolTip(plainToolTip(tip));
-        connect(button, &QPushButton::clicked, this, action);
-        row->addWidget(button);
-        return button;
-    };
-    constexpr double kStep = 1.25;
-    addButton("zoomIn", tr("Zoom &in"), "+", [this] { view->zoom(kStep); });
-    addButton("zoomOut", tr("Zoom &out"), "-", [this] { view->zoom(1 / kStep); });
-    addButton("showAll", tr("Show &all"), "0", [this] { view->showAll(); });
-    QPushButton* saveButton =
-        addButton("save", tr("&Save ..."), tr("Saves the picture as SVG or PNG"), qOverload<>(&DiagramWindow::save));
-    connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, saveButton, &QPushButton::click);
-    addButton("close", tr("C&lose"), QKeySequence(Qt::Key_Escape).toString(QKeySequence::NativeText), &QWidget::close);
+    addButton(*row, "zoomIn", tr("Zoom &in"), "+", view, [this] { view->zoom(1); });
+    addButton(*row, "zoomOut", tr("Zoom &out"), "-", view, [this] { view->zoom(-1); });
+    addButton(*row, "showAll", tr("Show &all"), "0", view, &DiagramView::showAll);
+    addKeys(addButton(*row, "save", tr("&Save ..."), tr("Saves the picture as SVG or PNG"), this,
+                      qOverload<>(&DiagramWindow::save)),
+            QKeySequence::Save);
+    addCloseButton(*row);
 
     work = new QWidget;
     progress = new ProgressRow;

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "Types/TypeStructure.h"
-
-#include <QWidget>
+#include "Ui/SideWindow.h"
 
 #include <cstdint>
 #include <functional>
@@ -13,14 +12,12 @@ class ComboBox;
 class Diagram;
 class DiagramView;
 class ProgressRow;
-class QHBoxLayout;
 class QLabel;
-class QPushButton;
 
 /// A window beside the wizard with a picture of the types around one type, to explore, zoom, move and save. It ends
 /// when it or its owner is closed. If the types are freed, the picture stays, but no other type can be shown: the
 /// window only has a weak pointer to the structure, which the page of types drops before the importer frees the types.
-class DiagramWindow : public QWidget
+class DiagramWindow : public SideWindow
 {
     Q_OBJECT
 

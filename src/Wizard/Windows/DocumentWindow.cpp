@@ -2,7 +2,6 @@
 
 #include "Types/IndentedDocument.h"
 #include "Ui/ElidedLabel.h"
-#include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 #include "Wizard/Windows/SaveFile.h"
 #include "Wizard/Windows/XmlHighlighter.h"
@@ -11,23 +10,18 @@
 #include <QElapsedTimer>
 #include <QFontDatabase>
 #include <QGuiApplication>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
-#include <QScreen>
 #include <QShortcut>
-#include <QVBoxLayout>
 
 // The first piece of the text is there when the window opens; a timer of 0 ms adds the others between events.
 DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CString& typeDocument,
                                const QString& note, Kind documentKind) :
-    QWidget(owner, Qt::Window),
+    SideWindow(owner, "documentWindow"),
     name(typeName), document(typeDocument), kind(documentKind), text(new QPlainTextEdit), findEdit(new QLineEdit),
     status(new ElidedLabel(note))
 {
-    setObjectName("documentWindow");
     setAttribute(Qt::WA_DeleteOnClose);
     const bool isType = kind == ofType;
     setWindowTitle(plainTitle((isType ? tr("%1 - Typeforge type") : tr("%1 - Typeforge")).arg(toUi(name))));
@@ -52,13 +46,10 @@ DocumentWindow::DocumentWindow(QWidget* owner, const CString& typeName, const CS
     column->addWidget(text);
     column->addWidget(status);
     column->addLayout(makeButtonRow());
-    new QShortcut(Qt::Key_Escape, this, this, &QWidget::close);
-    const QSize wanted(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 30);
-    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // leaves room for the frame
+    resizeToText(110, 30);
     text->setFocus();
 }
 
-// Each button can be pressed by its keys from anywhere in the window.
 QHBoxLayout* DocumentWindow::makeFindRow()
 {
     auto* row = new QHBoxLayout;
@@ -68,17 +59,8 @@ QHBoxLayout* DocumentWindow::makeFindRow()
     findEdit->setClearButtonEnabled(true);
     row->addWidget(label);
     row->addWidget(findEdit);
-    const auto addButton = [&](const char* objectName, const QString& title, QList<QKeySequence> keys, bool backward) {
-        auto* button = new QPushButton(title);
-        button->setObjectName(objectName);
-        button->setToolTip(plainToolTip(keys.first().toString(QKeySequence::NativeText)));
-        connect(button, &QPushButton::clicked, this, [this, backward] { find(backward); });
-        for (const QKeySequence& key : keys)
-            connect(new QShortcut(key, this), &QShortcut::activated, button, &QPushButton::click);
-        row->addWidget(button);
-    };
-    addButton("findNext", tr("&Next"), {QKeySequence::FindNext}, false);
-    addButton("findPrevious", tr("&Previous"), {QKeySequence::FindPrevious}, true);
+    addButton(*row, "findNext", tr("&Next"), QKeySequence::FindNext, this, [this] { find(false); });
+    addButton(*row, "findPrevious", tr("&Previous"), QKeySequence::FindPrevious, this, [this] { find(true); });
     connect(findEdit, &QLineEdit::returnPressed, this, [this] { find(false); });
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, findEdit, [this] {
         findEdit->setFocus();
@@ -92,19 +74,10 @@ QHBoxLayout* DocumentWindow::makeButtonRow()
     auto* row = new QHBoxLayout;
     status->setObjectName("status");
     row->addStretch();
-    const auto addButton = [&](const char* objectName, const QString& title, const QString& tip, auto action) {
-        auto* button = new QPushButton(title);
-        button->setObjectName(objectName);
-        button->setToolTip(plainToolTip(tip));
-        connect(button, &QPushButton::clicked, this, action);
-        row->addWidget(button);
-        return button;
-    };
-    addButton("copy", tr("&Copy"), tr("Copies the selected text, or all of it"), &DocumentWindow::copy);
-    QPushButton* saveButton =
-        addButton("save", tr("&Save ..."), tr("Saves the document in a file"), &DocumentWindow::save);
-    connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, saveButton, &QPushButton::click);
-    addButton("close", tr("C&lose"), QKeySequence(Qt::Key_Escape).toString(QKeySequence::NativeText), &QWidget::close);
+    addButton(*row, "copy", tr("&Copy"), tr("Copies the selected text, or all of it"), this, &DocumentWindow::copy);
+    addKeys(addButton(*row, "save", tr("&Save ..."), tr("Saves the document in a file"), this, &DocumentWindow::save),
+            QKeySequence::Save);
+    addCloseButton(*row);
     return row;
 }
 

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "Base/Text.h"
+#include "Ui/SideWindow.h"
 
 #include <QTimer>
-#include <QWidget>
 
 #include <optional>
 
-class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
@@ -15,7 +14,7 @@ class QPlainTextEdit;
 /// A window that shows the document of a type, indented and coloured, or a report as it is, to read, search, copy and
 /// save. It stays open beside the wizard until it or its owner is closed, and then destroys itself. It has copies of
 /// all texts, so it doesn't need the types.
-class DocumentWindow : public QWidget
+class DocumentWindow : public SideWindow
 {
 public:
     /// The kind of text, which decides on colours, the suggested suffix and the words.

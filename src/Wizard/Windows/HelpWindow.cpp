@@ -1,13 +1,6 @@
 #include "Wizard/Windows/HelpWindow.h"
 
-#include "Ui/PlainText.h"
-
-#include <QHBoxLayout>
-#include <QPushButton>
-#include <QScreen>
-#include <QShortcut>
 #include <QTextBrowser>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <iterator>
@@ -25,9 +18,8 @@ QUrl pageOf(int topic)
 } // namespace
 
 // Back and Forward are those of the browser, which keeps the pages visited.
-HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser(new QTextBrowser)
+HelpWindow::HelpWindow(QWidget* owner) : SideWindow(owner, "helpWindow"), browser(new QTextBrowser)
 {
-    setObjectName("helpWindow");
     browser->setObjectName("topic");
     browser->setAccessibleName(tr("Help text"));
     auto* buttons = new QHBoxLayout;
@@ -35,27 +27,20 @@ HelpWindow::HelpWindow(QWidget* owner) : QWidget(owner, Qt::Window), browser(new
     layout->addLayout(buttons);
     layout->addWidget(browser);
 
-    const auto addButton = [&](const char* name, const QString& text, const QKeySequence& keys, auto action) {
-        auto* button = new QPushButton(text);
-        button->setObjectName(name);
-        button->setToolTip(plainToolTip(keys.toString(QKeySequence::NativeText)));
-        connect(button, &QPushButton::clicked, browser, action);
-        connect(new QShortcut(keys, this), &QShortcut::activated, button, &QPushButton::click);
-        buttons->addWidget(button);
-        return button;
-    };
-    addButton("contents", tr("&Contents"), Qt::ALT | Qt::Key_Home, [this] { browser->setSource(pageOf(0)); });
-    QPushButton* back = addButton("back", tr("&Back"), Qt::ALT | Qt::Key_Left, &QTextBrowser::backward);
-    QPushButton* forward = addButton("forward", tr("&Forward"), Qt::ALT | Qt::Key_Right, &QTextBrowser::forward);
+    addButton(*buttons, "contents", tr("&Contents"), Qt::ALT | Qt::Key_Home, browser,
+              [this] { browser->setSource(pageOf(0)); });
+    QPushButton* back =
+        addButton(*buttons, "back", tr("&Back"), Qt::ALT | Qt::Key_Left, browser, &QTextBrowser::backward);
+    QPushButton* forward =
+        addButton(*buttons, "forward", tr("&Forward"), Qt::ALT | Qt::Key_Right, browser, &QTextBrowser::forward);
     buttons->addStretch();
-    addButton("close", tr("C&lose"), Qt::Key_Escape, [this] { close(); });
+    addCloseButton(*buttons);
 
     connect(browser, &QTextBrowser::backwardAvailable, back, &QPushButton::setEnabled);
     connect(browser, &QTextBrowser::forwardAvailable, forward, &QPushButton::setEnabled);
     connect(browser, &QTextBrowser::sourceChanged, this,
             [this] { setWindowTitle(plainTitle(browser->documentTitle())); });
-    const QSize wanted(fontMetrics().averageCharWidth() * 100, fontMetrics().height() * 38);
-    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // leaves room for the frame
+    resizeToText(100, 38);
 }
 
 // The focus goes to the text, so that the cursor keys scroll it.

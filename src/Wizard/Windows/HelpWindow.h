@@ -1,14 +1,13 @@
 #pragma once
 
-#include <QWidget>
+#include "Ui/SideWindow.h"
 
 class QTextBrowser;
 
 /// A window with the help pages that stays open beside the wizard.
-class HelpWindow : public QWidget
+class HelpWindow : public SideWindow
 {
 public:
-    /// The window is destroyed with its owner. A modal owner doesn't block it.
     explicit HelpWindow(QWidget* owner);
 
     /// Shows the page of a topic, 1 to 11; any other number shows the contents. Brings the window to the front.
