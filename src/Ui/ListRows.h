@@ -59,9 +59,7 @@ public:
 
 private:
     class Wanted;
-    struct SortKey;
     bool matches(int row, const Wanted& wanted) const;
-    static void setStarts(std::vector<SortKey>& keys);
     void sortShown(int column, Qt::SortOrder order);
 
     QStringList titles;
