@@ -110,8 +110,9 @@ void FilePage::OnPickfile()
 
 // Sets the folder from the file name, if that has a path. The field keeps the path. A file in the root has the folder
 // "/".
-void FilePage::takeFolder()
+void FilePage::takeFile(const CString& chosen)
 {
+    fileName = chosen;
     const CString named = namedFile();
     if (const std::size_t slash = named.rfind('/'); slash != CString::npos) {
         const CString folder = named.substr(0, std::max<std::size_t>(slash, 1));
@@ -122,12 +123,6 @@ void FilePage::takeFolder()
         folderText = wizard->setCurrentFolder(whichFolder());
     }
     UpdateData(false);
-}
-
-void FilePage::takeFile(const CString& chosen)
-{
-    fileName = chosen;
-    takeFolder();
 }
 
 void FilePage::dragEnterEvent(QDragEnterEvent* event)

@@ -63,8 +63,6 @@ protected:
     CString folderText;
 
 private:
-    void takeFolder();
-
     QComboBox* fileCombo = nullptr;
     QFrame* redFrame = nullptr; // over the combo box
     PathLabel* folderLabel = nullptr;
