@@ -76,10 +76,10 @@ void EditPage::OnInitDialog()
     connect(readingRow, &ReadingRow::detailsWanted, this, &EditPage::showReport);
     connect(readingRow, &ReadingRow::fullWanted, this, &EditPage::readInFull);
     column->insertWidget(1, readingRow); // above the lists, but after them in Tab order
-    addMenuRow("&View ...", &EditPage::OnEdit);
-    addMenuRow("View in a &window of Typeforge", &EditPage::showDocument);
-    addMenuRow("&Picture ...", &EditPage::showPicture);
-    addMenuRow("&Structure", &EditPage::togglePane);
+    addMenuRow("&View ...", [this] { OnEdit(); });
+    addMenuRow("View in a &window of Typeforge", [this] { showDocument(); });
+    addMenuRow("&Picture ...", [this] { showPicture(); });
+    addMenuRow("&Structure", [this] { paneButton->toggle(); });
 }
 
 // Returns the list with its filter, and the pane for the structure, beside each other. The pane is hidden at first.
@@ -139,7 +139,7 @@ QHBoxLayout* EditPage::makeButtons()
 }
 
 // Adds an action to the list's context menu.
-void EditPage::addMenuRow(const QString& text, void (EditPage::*action)())
+void EditPage::addMenuRow(const QString& text, const std::function<void()>& action)
 {
     auto* row = new QAction(text, typeList);
     connect(row, &QAction::triggered, this, action);
@@ -360,11 +360,6 @@ void EditPage::showPicture()
     auto* window = new DiagramWindow(sheet(), structure);
     connect(window, &DiagramWindow::typeChosen, this, &EditPage::jumpTo);
     window->open(static_cast<std::uint32_t>(row));
-}
-
-void EditPage::togglePane()
-{
-    paneButton->toggle();
 }
 
 // Called by the button's signal, so that the pane always follows the button.

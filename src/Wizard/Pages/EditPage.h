@@ -6,6 +6,7 @@
 #include "Wizard/Pages/QELPage.h"
 #include "Wizard/Windows/DocumentWindow.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -43,12 +44,11 @@ private:
     void OnDblclkEdit();
     QWidget* makeLists();
     QHBoxLayout* makeButtons();
-    void addMenuRow(const QString& text, void (EditPage::*action)());
+    void addMenuRow(const QString& text, const std::function<void()>& action);
     int queryRow();
     void showDocument();
     void showPicture();
-    // Show or hide the pane with the structure.
-    void togglePane();
+    // Shows or hides the pane with the structure.
     void showPane(bool visible);
     // Shares the list's width among its columns, by whether the pane is shown.
     void shareColumns();
