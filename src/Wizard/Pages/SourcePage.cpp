@@ -246,8 +246,7 @@ LRESULT SourcePage::OnWizardNext()
 {
     UpdateData(true);
     pane->stop();
-    const auto restartPreview =
-        qScopeGuard([this] { updatePreview(); }); // restarts the preview, in case the page stays
+    const auto restartPreview = qScopeGuard([this] { updatePreview(); });
     const std::vector<CString> names = sourcesIn(fileName);
     if (const CString error = sourceError(names); !error.empty())
         return stayAtFile(loadText(IDS_SELECT_SOURCE), error);
