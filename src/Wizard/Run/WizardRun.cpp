@@ -17,6 +17,7 @@
 #include <span>
 #include <stdexcept>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -44,12 +45,12 @@ CString WizardRun::setCurrentFolder(WhichFolder which)
 }
 
 // The names are stored as given, relative to the input folder, but absolute in `script`, which is used elsewhere.
-bool WizardRun::importSources(const std::vector<CString>& names)
+bool WizardRun::importSources(std::vector<CString> names)
 {
     setCurrentFolder(folderInput);
-    sources = names;
-    script = {absoluteName(names.front()), options.queryPath()};
-    for (const CString& further : std::span(names).subspan(1))
+    sources = std::move(names);
+    script = {absoluteName(sources.front()), options.queryPath()};
+    for (const CString& further : std::span(sources).subspan(1))
         script.furtherSources.push_back(absoluteName(further));
     if (fullMessage() && message->queryDescriptor()->readsCatalogs())
         script.catalogs = absoluteSourcesIn(options.queryCatalogs());

@@ -39,11 +39,10 @@ public:
     /// input folder. A full reading uses the layout of the options. Returns false on failure, which the user has been
     /// shown. Throws Cancelled. Leaves the current folder at the start folder after success, else at the input folder,
     /// which the page shows. Starts `script` anew. `names` must not be empty.
-    bool importSources(const std::vector<CString>& names);
+    bool importSources(std::vector<CString> names);
 
-    /// Runs the last import again, by the current importer. Passes a copy of the names, because importSources() stores
-    /// them again.
-    bool importAgain() { return importSources(std::vector<CString>(sources)); }
+    /// Runs the last import again, by the current importer.
+    bool importAgain() { return importSources(sources); }
 
     /// Opens the data source in `script`. Asks for user and password until they are accepted. Returns false if it can't
     /// be opened, after showing why, or if the user gives up. Throws std::runtime_error with the driver's reason, and
