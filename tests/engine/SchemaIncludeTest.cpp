@@ -5,7 +5,6 @@
 #include "Import/Schema/Literal/SchemaMsg.h"
 #include "support/Importing.h"
 #include "support/SchemaModel.h"
-#include "support/SchemaText.h"
 
 #include <fcntl.h>
 #include <unistd.h>

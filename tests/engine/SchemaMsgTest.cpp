@@ -2,7 +2,6 @@
 
 #include "support/Importing.h"
 #include "support/SchemaModel.h"
-#include "support/SchemaText.h"
 
 using testing::ElementsAre;
 
