@@ -112,6 +112,19 @@ bool isStandardInputRead(const Arguments& arguments)
            });
 }
 
+// Checks options of different units against each other, whatever the importer is.
+void checkTogether(const Arguments& arguments)
+{
+    if (arguments.json && !arguments.list && arguments.diff.document.empty())
+        throw CLI::ValidationError("--json", "requires --list or --diff");
+    if (arguments.output == "-" && !arguments.dependencies.file.empty())
+        throw CLI::ValidationError("--depfile", "requires a file as --output");
+    if (arguments.diff.document == "-" && std::ranges::find(arguments.sources, "-") != arguments.sources.end())
+        throw CLI::ValidationError("--diff", "standard input can't be both the source and the document");
+    if (arguments.create.overwrite == "ask" && isStandardInputRead(arguments))
+        throw CLI::ValidationError("--overwrite", "standard input can't hold both an input and the answers");
+}
+
 // The description of the positional argument is printed by helpText() as it stands, so its lines are laid out here.
 void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words)
 {
@@ -219,14 +232,7 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         app.parse(std::move(given));
         refuseEmptyNames(app);
         assignOperands(words, arguments);
-        if (arguments.json && !arguments.list && arguments.diff.document.empty())
-            throw CLI::ValidationError("--json", "requires --list or --diff");
-        if (arguments.output == "-" && !arguments.dependencies.file.empty())
-            throw CLI::ValidationError("--depfile", "requires a file as --output");
-        if (arguments.diff.document == "-" && std::ranges::find(arguments.sources, "-") != arguments.sources.end())
-            throw CLI::ValidationError("--diff", "standard input can't be both the source and the document");
-        if (arguments.create.overwrite == "ask" && isStandardInputRead(arguments))
-            throw CLI::ValidationError("--overwrite", "standard input can't hold both an input and the answers");
+        checkTogether(arguments);
         // Without a named importer, this is checked when the importer has been chosen.
         if (const CString usageError = arguments.importer ? usageErrorFor(arguments, *arguments.importer) : "";
             !usageError.empty())
@@ -239,11 +245,8 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
         if (!output.finish())
             exitStatus = kNotWritten;
         return false;
-    } catch (const CLI::ParseError& usageError) {
+    } catch (const std::runtime_error& usageError) { // CLI::ParseError, or a file of arguments that can't be read
         exitStatus = reportUsageError(usageError.what());
-        return false;
-    } catch (const std::runtime_error& unreadable) {
-        exitStatus = reportUsageError(unreadable.what());
         return false;
     }
     arguments.diff.asJson = arguments.json;
