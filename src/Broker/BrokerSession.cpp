@@ -34,7 +34,7 @@ CString BrokerSession::open(const CString& serverName, unsigned port, const Brok
 {
     const MemoryWipe wipe;
     description.clear();
-    server = createVornObject(isForReading ? kVornReaderClass : kVornServerClass, &description);
+    server = createVornObject(isForReading ? kVornReaderClass : kVornServerClass, description);
     if (!server)
         return loadText(IDS_NO_CLIENT);
     const auto address = readServerAddress(serverName, port); // the client rejects a bad address

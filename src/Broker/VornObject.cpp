@@ -91,27 +91,25 @@ Function* findFunction(const std::shared_ptr<void>& library, const char* name)
 
 } // namespace
 
-VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString* reason)
+VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString& reason)
 {
-    CString ignored;
-    CString& why = reason != nullptr ? *reason : ignored;
     // The server class for both classes, because one library has both.
     const std::optional<CString> named = namedLibrary(kVornServerClass);
     if (const CString untrusted = named ? untrustedReason(*named) : CString(); !untrusted.empty()) {
-        why = untrusted;
+        reason = untrusted;
         return {};
     }
     const CString fileName = named ? *named : shippedLibrary();
     std::shared_ptr<void> library = openLibrary(fileName);
     if (!library) {
-        why = dlerror();
+        reason = dlerror();
         return {};
     }
     const auto version = findFunction<decltype(vornInterfaceVersion)>(library, "vornInterfaceVersion");
     const auto create = findFunction<decltype(vornCreateObject)>(library, "vornCreateObject");
     // The version is checked first, because the layout of objects of another version is unknown.
     if (!version || !create || version() != kVornInterfaceVersion) {
-        why = fileName + ": not a client with interfaces of version " + std::to_string(kVornInterfaceVersion);
+        reason = fileName + ": not a client with interfaces of version " + std::to_string(kVornInterfaceVersion);
         return {};
     }
     // Optional: without it, the client's calls can't be cancelled.
@@ -119,7 +117,7 @@ VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CStr
         setQuestion(isStillWanted);
     VornObject<IVornIntegrationServer> object{create(classId.c_str()), VornRelease{std::move(library)}};
     if (!object)
-        why = fileName + ": no class " + classId;
+        reason = fileName + ": no class " + classId;
     return object;
 }
 

@@ -27,7 +27,7 @@ using VornObject = std::unique_ptr<Interface, VornRelease>;
 /// library is missing or can be replaced by other users, has interfaces of another version or lacks the class. `reason`
 /// then gets the cause, for administrators of clients. The library gets isStillWanted(), so that its calls can be
 /// cancelled.
-VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString* reason = nullptr);
+VornObject<IVornIntegrationServer> createVornObject(const CString& classId, CString& reason);
 
 /// Calls vornQueryInterface(). Returns null also if the library lacks that function.
 IVornObject* queryInterface(const VornObject<IVornRepository>& repository, const char* name);

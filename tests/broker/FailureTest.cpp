@@ -16,7 +16,10 @@ namespace {
 
 const CString kTestClient = TEST_BUILD_DIR "/libtestclient1.so";
 
-using Client = Home;
+struct Client : Home
+{
+    CString reason; // why a client is not loaded
+};
 
 TEST_F(Client, IsLoadedOnlyWithTheRightInterfaces)
 {
@@ -29,8 +32,8 @@ TEST_F(Client, IsLoadedOnlyWithTheRightInterfaces)
         EXPECT_NE(CString::npos, session.queryDescription().find(library)) << session.queryDescription();
     }
     useClient(kTestClient);
-    EXPECT_FALSE(createVornObject("{00000000-0000-0000-0000-000000000000}"));
-    EXPECT_TRUE(createVornObject(kVornServerClass));
+    EXPECT_FALSE(createVornObject("{00000000-0000-0000-0000-000000000000}", reason));
+    EXPECT_TRUE(createVornObject(kVornServerClass, reason));
 }
 
 TEST_F(Client, IsNotLoadedWhereOthersMayWriteIt)
@@ -42,7 +45,7 @@ TEST_F(Client, IsNotLoadedWhereOthersMayWriteIt)
     fs::create_symlink(library, link);
     const auto loads = [&](const fs::path& name) {
         useClient(name);
-        return createVornObject(kVornServerClass) != nullptr;
+        return createVornObject(kVornServerClass, reason) != nullptr;
     };
     EXPECT_TRUE(loads(library));
     EXPECT_TRUE(loads(link));
@@ -72,7 +75,7 @@ TEST_F(Client, StaysLoadedAsLongAsAnObjectLives)
         return library && dlclose(library) == 0;
     };
     useClient(kTestClient);
-    VornObject<IVornIntegrationServer> server = createVornObject(kVornServerClass);
+    VornObject<IVornIntegrationServer> server = createVornObject(kVornServerClass, reason);
     IVornConnection* opened = nullptr;
     ASSERT_EQ(VornResult::done, server->Logon(&opened));
     VornObject<IVornConnection> connection(opened, server.get_deleter());
