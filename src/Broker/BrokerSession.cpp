@@ -87,12 +87,12 @@ CString BrokerSession::openRepository()
 }
 
 std::vector<CreatedType> BrokerSession::createTypes(const std::vector<CString>& documents, const CString& source,
-                                                    ExistingTypes existing)
+                                                    VornExisting changed, VornExisting unchanged)
 {
     if (!creation)
         // `replace` and `replaceFound` are the last values of VornExisting. A type that must not be replaced is
         // returned as existing, so the caller knows that it has to ask.
-        return {{createType(documents.front(), existing.changed >= VornExisting::replace)}};
+        return {{createType(documents.front(), changed >= VornExisting::replace)}};
     std::vector<const char*> texts;
     for (const CString& document : documents)
         texts.push_back(document.c_str());
@@ -100,8 +100,8 @@ std::vector<CreatedType> BrokerSession::createTypes(const std::vector<CString>& 
     std::uint32_t done = 0;
     // A client that settles no type would make the run endless, so that counts as a failure. Its count is bounded,
     // because clients are built elsewhere.
-    if (creation->createTypes(texts.data(), static_cast<std::uint32_t>(texts.size()), source.c_str(), existing.changed,
-                              existing.unchanged, outcomes.data(), &done) != VornResult::done ||
+    if (creation->createTypes(texts.data(), static_cast<std::uint32_t>(texts.size()), source.c_str(), changed,
+                              unchanged, outcomes.data(), &done) != VornResult::done ||
         done == 0)
         throw ClientError(creation->queryDescription());
     std::vector<CreatedType> types;

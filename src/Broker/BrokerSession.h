@@ -33,13 +33,6 @@ struct CreatedType
     bool isSourceStored = false; ///< false if the repository stores no sources
 };
 
-/// What to do with types that exist.
-struct ExistingTypes
-{
-    VornExisting changed;   ///< with another document
-    VornExisting unchanged; ///< with the same one
-};
-
 /// The client's objects for one creation run. Releases them in the right order and wipes the password. One thread at a
 /// time may use it.
 class BrokerSession
@@ -73,7 +66,7 @@ public:
     /// Creates types from their documents, in order, as IVornCreation::createTypes() does. Returns the outcomes of the
     /// first ones, at least one. Throws ClientError.
     std::vector<CreatedType> createTypes(const std::vector<CString>& documents, const CString& source,
-                                         ExistingTypes existing);
+                                         VornExisting changed, VornExisting unchanged);
 
     /// Returns the documents of the types in a folder. The session must be open for reading. Throws ClientError. The
     /// folder begins and ends with a backslash.

@@ -120,7 +120,7 @@ std::vector<CreatedType> CreationRun::createWindow(std::size_t first)
         size += documents[count++].size();
     }
     documents.resize(count);
-    return session.createTypes(documents, options.source.name, {ruleFor(false), ruleFor(true)});
+    return session.createTypes(documents, options.source.name, ruleFor(false), ruleFor(true));
 }
 
 // Returns the rule for the client's next call. After an answer "to all", calls no longer stop.
@@ -176,7 +176,7 @@ CreatedType CreationRun::decide(const Element& type, const CString& document, Cr
         // changed meanwhile.
         const VornExisting yes = yesToAll ? VornExisting::replace : VornExisting::replaceFound;
         outcome =
-            session.createTypes({document}, options.source.name, {yes, options.keepsUnchanged ? ruleFor(true) : yes})
+            session.createTypes({document}, options.source.name, yes, options.keepsUnchanged ? ruleFor(true) : yes)
                 .front();
         // Without IVornCreation, createType() with `overwrite` has settled the type.
         if (!session.hasCreation())

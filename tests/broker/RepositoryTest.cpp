@@ -60,7 +60,7 @@ protected:
     /// Returns the code of creating one type, and the recorded source of the existing type.
     static CString create(BrokerSession& session, const CString& document, const CString& source, VornExisting rule)
     {
-        const CreatedType type = session.createTypes({document}, source, {rule, VornExisting::keep}).front();
+        const CreatedType type = session.createTypes({document}, source, rule, VornExisting::keep).front();
         return std::to_string(type.code) + " " + (type.isSourceStored ? type.source : "none kept");
     }
 

@@ -31,7 +31,7 @@ struct StoreOutcome
     SourceMark mark = {}; ///< of the type that existed before
 };
 
-/// What to do with existing types. The same as ExistingTypes on the program's side of the interface.
+/// What to do with existing types.
 struct ExistingRules
 {
     VornExisting changed;   ///< with another document
