@@ -4,6 +4,8 @@
 #include "Database/DBException.h"
 #include "Database/DataSources.h"
 
+#include <sqlext.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
@@ -82,6 +84,10 @@ CString logonText(const CString& user, const CString& password)
 // matches in any letter case.
 CString dataSourceText(const CString& name)
 {
+    if (name.size() > SQL_MAX_DSN_LENGTH)
+        throw CDBException("IM002", 0,
+                           "The name of a data source can't have more than " + std::to_string(SQL_MAX_DSN_LENGTH) +
+                               " bytes: " + name);
     std::vector<DataSource> sources;
     listDataSources(sources);
     const auto found =
