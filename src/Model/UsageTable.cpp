@@ -23,6 +23,7 @@ UsageTable::Declared UsageTable::declare(const Fingerprint& key, Element* elemen
 // record's field, and declare() treats an empty key differently.
 UsageTable::Declared UsageTable::declareRecord(Element* record, bool isAlone)
 {
+    current = nullptr;
     if (isAlone)
         return {&usages.emplace_back(record, nullptr), true};
     Name& name = *record->name;
@@ -35,6 +36,7 @@ UsageTable::Declared UsageTable::declareRecord(Element* record, bool isAlone)
         reopen(name);
         return {&usages[name.recordUsage], false};
     }
+    current = record;
     name.recordUsage = static_cast<std::uint32_t>(usages.size());
     return {&usages.emplace_back(record, nullptr), true};
 }
@@ -63,13 +65,15 @@ void UsageTable::store(const Fingerprint& key, ChildElement& usage)
 }
 
 // Returns the known usage of a field in a record, null if there is none. The fields of a record are declared one after
-// the other, so if it has the field, the last usage of the field's name is in this record. Only a record that is
-// declared again is an exception.
+// the other, so if it has the field, the last usage of the field's name is in this record: behind the usage of the
+// record, if that is new. Only a record that is declared again is an exception.
 ChildElement* UsageTable::findField(const Element& field, const Element& record)
 {
-    if (field.name->lastUsage != Name::kNone)
-        if (ChildElement& last = usages[field.name->lastUsage]; last.parent->name == record.name)
-            return &last;
+    const std::uint32_t last = field.name->lastUsage;
+    if (&record == current)
+        return last != Name::kNone && last > record.name->recordUsage ? &usages[last] : nullptr;
+    if (last != Name::kNone && usages[last].parent->name == record.name)
+        return &usages[last];
     if (!record.name->isReopened)
         return nullptr;
     const auto known = reopened.find({record.name, field.name});
@@ -124,6 +128,7 @@ void UsageTable::clear()
     byKey.clear();
     reopened.clear();
     hasKeys = false;
+    current = nullptr;
 }
 
 // Fibonacci hashing of the addresses, as in ElementList. A source can't choose addresses, so no seed is needed.
