@@ -66,5 +66,5 @@ private:
     KeyedTable<KeyedUsage, &KeyedUsage::key, Fingerprint> byKey;
     std::unordered_map<Pair, ChildElement*, PairHash> reopened; // fields of repeated records
     bool hasKeys = false;                                       // true once all usages have keys
-    const Element* current = nullptr; // the last record, if its usage is new and has a key
+    const Element* current = nullptr;                           // the last record, if its usage is new and has a key
 };
