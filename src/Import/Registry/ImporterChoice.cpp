@@ -29,8 +29,9 @@ constexpr Ending kEndings[] = {{".dtd", "dtd"},   {".mod", "dtd"},    {".ent", "
 CString startOf(const CString& fileName)
 {
     CString start(kMaxLookahead, '\0');
-    std::ifstream(fileToOpen(fileName), std::ios::binary)
-        .read(start.data(), static_cast<std::streamsize>(kMaxLookahead));
+    std::ifstream file(fileToOpen(fileName), std::ios::binary);
+    file.read(start.data(), static_cast<std::streamsize>(kMaxLookahead));
+    start.resize(static_cast<std::size_t>(file.gcount()));
     std::erase(start, '\0');
     return start;
 }
