@@ -28,7 +28,7 @@ const Case kDtds[] = {
      "x:R(t_a:t=String t_b:t=String t_c):t=String t_d:t=String)"},
     {"MarkBehindSeparatorIsAnothers", "<!ELEMENT x ((a), b*)>", "t_b:t=String(b:S=String) x:R(a:S t_b:t=String)"},
     {"MarkReachesOverAGroup", "<!ELEMENT x ((a) (b)*, c)>", "t_a:t=String(a:S=String) x:R(t_a:t=String c:S)"},
-    {"MixedContent", "<!ELEMENT x (#PCDATA|a|#CDATA *)*>", "t_a:t=String(a:S=String) x:R(t_a:t=String)"},
+    {"MixedContent", "<!ELEMENT x (#PCDATA|a|#CDATA ? *)*>", "t_a:t=String(a:S=String) x:R(t_a:t=String)"},
     {"AndConnector", "<!ELEMENT x - - (a & b)>", "x:R(- -:S a:S b:S)"},
     {"LoneMarksAreNoNames", "<!ELEMENT x (a, *, +*?, ?)>", "x:R(a:S)"},
     {"EmptyFirstPiece", "<!ELEMENT x (, a)>", ""},

@@ -6,6 +6,7 @@
 #include "Resources/StringTable.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 // Three passes, each linear in the text (or in the overlapping statements, which are bounded): DTDNotes reports what is
@@ -19,6 +20,7 @@ constexpr std::string_view kPcdata = "#PCDATA", kCdata = "#CDATA", kImplied = "#
 constexpr CharSet kFieldTrim(" ()\r\n\t");
 constexpr CharSet kSeparators(",|&");
 constexpr CharSet kMarks("*+?");
+constexpr CharSet kMarksAndBlanks("*+? \t\r\n");
 constexpr CharSet kMarkup("<>%");
 constexpr std::size_t kKeywordLength = 7;
 constexpr std::size_t kMaxMainType = 4096;
@@ -26,10 +28,13 @@ constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; with dri
 constexpr std::size_t kMaxOverlap = 16;         // times the size of the text
 constexpr std::size_t kExcerpt = 200;           // bytes of a statement that a message quotes
 
-// "#CDATA" is not in XML, but is read like "#PCDATA".
-bool isTextKeyword(std::string_view name)
+// Returns whether a piece of a content model is the keyword of text, with any marks. "#CDATA" is not in XML, but is read
+// like "#PCDATA".
+bool isTextKeyword(std::string_view piece)
 {
-    return name == kPcdata || name == kCdata;
+    return std::ranges::any_of(std::array{kPcdata, kCdata}, [&](std::string_view keyword) {
+        return piece.starts_with(keyword) && kMarksAndBlanks.out(piece.substr(keyword.size())) == kNowhere;
+    });
 }
 
 std::string_view withoutMarks(std::string_view piece)
@@ -263,7 +268,7 @@ void DTDMessage::formatField(std::string_view content, std::string_view mark, DT
         content.remove_prefix(separator == kNowhere ? content.size() : separator + 1);
         const std::string_view name = withoutMarks(piece);
         reportAt(static_cast<std::size_t>(piece.data() - text->whole.data()));
-        if (name.empty() || isTextKeyword(kDtdBlank.trim(name)))
+        if (name.empty() || isTextKeyword(piece))
             continue;
         if (mark.empty() || piece.ends_with('*') || piece.ends_with('+')) {
             addPiece(piece, parent);
