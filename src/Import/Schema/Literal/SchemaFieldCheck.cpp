@@ -117,7 +117,8 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type,
         return {Element::typeRow};
     // All others are text. That is a loss unless the type is text, too.
     const SchemaKinds::Kind kind = known ? SchemaKinds::unknown : kinds.kindOf(type);
-    if (kind == SchemaKinds::text || (known && !known->queryChildren()))
+    const bool isEmpty = known && !known->queryChildren() && known->queryType().empty(); // an element has a type
+    if (kind == SchemaKinds::text || isEmpty)
         return {};
     const bool isDeclared = kind != SchemaKinds::unknown || kinds.isDeclared(type) ||
                             type == table.queryRootTypeName() ||

@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <set>
 #include <system_error>
-#include <unordered_set>
 
 // The schema and the documents that it refers to are parsed once each, into outlines. The table is filled from these,
 // and the model from the table: a record for each entry with children, and a field for each child. If the result
@@ -142,11 +141,8 @@ int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
         return fail(loadText(IDS_NO_ROOT), {source, "this document does not contain a root element"});
     beginWork(Work::arranging);
     table.readMain(outline);
-    std::unordered_set<SourceReport::Component> reached{SchemaOutline::kShared};
-    for (const SchemaElement* entry : table.queryPulled())
-        if (entry->queryKey() == Fingerprint(entry->queryName())) // not a field
-            reached.insert(SchemaOutline::componentOf(entry->queryName()));
-    report.release([&](SourceReport::Component component) { return reached.contains(component); });
+    const auto reached = table.findReached();
+    report.release([&reached](SourceReport::Component component) { return reached.contains(component); });
     noteMain(outline);
     outline.keepTextsOnly(); // the model takes its place
     const CString path = baseFolder + table.queryMainType() + "\\";

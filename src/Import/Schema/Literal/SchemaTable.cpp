@@ -353,6 +353,22 @@ void SchemaTable::pull(const Fingerprint& type)
     }
 }
 
+std::unordered_set<SourceReport::Component> SchemaTable::findReached() const
+{
+    std::unordered_set<SourceReport::Component> reached{SchemaOutline::kShared};
+    if (includedElements.empty())
+        return reached;
+    const auto add = [&reached](const SchemaElement* entry) {
+        if (entry->isReference())
+            reached.insert(SchemaOutline::componentOf(unmarkedName(entry->queryName())));
+        else if (!isBuiltIn(entry->queryType()))
+            reached.insert(SchemaOutline::componentOf(entry->queryType()));
+    };
+    std::ranges::for_each(schemaElements, add);
+    std::ranges::for_each(pulled, add);
+    return reached;
+}
+
 const SchemaElement* SchemaTable::find(const Fingerprint& key) const
 {
     if (const SchemaElement* own = schemaElements.find(key))

@@ -10,6 +10,7 @@
 #include <deque>
 #include <functional>
 #include <tuple>
+#include <unordered_set>
 #include <utility>
 
 /// The declarations of a schema by name; the outlines hold the texts. A schema is read in two passes. The first covers
@@ -59,6 +60,9 @@ public:
     /// Return the entries in order: the declarations of the schema, then the pulled ones. Valid until clear().
     const Entries& queryDeclared() const { return schemaElements; }
     const std::deque<SchemaElement*>& queryPulled() const { return pulled; }
+
+    /// Returns the components that fields name, as types or elements, pulled or not.
+    std::unordered_set<SourceReport::Component> findReached() const;
 
     /// Returns the entry for a key, declared or pulled; null if there is none.
     const SchemaElement* find(const Fingerprint& key) const;
