@@ -184,6 +184,13 @@ const Loss kLosses[] = {
     {"RepeatedFieldsOfOneName",
      MAIN(ELEMENT("name='a' maxOccurs='2'") "\n" ELEMENT("name='a' type='xs:date' maxOccurs='2'")),
      "3:1 name declared differently elsewhere: a", "="},
+    {"AttributeCalledLikeARepeatedElement",
+     MAIN("") TYPE("P", SEQUENCE(ELEMENT("name='a' maxOccurs='2'")) "\n<xs:attribute name='a'/>"),
+     "4:1 name declared differently elsewhere: a", ""},
+    {"TypeInsideAFieldCalledLikeItsRecord",
+     MAIN("<xs:element name='M' maxOccurs='2'>\n<xs:complexType>" SEQUENCE(
+         ELEMENT("name='a'")) "</xs:complexType></xs:element>"),
+     "3:1 name declared differently elsewhere: M", ""},
     {"NamesThatMeanTwoThings",
      MAIN(ELEMENT("name='a' type='R'"))
          RECORD TYPE("P", SEQUENCE("\n" ELEMENT("name='a' type='xs:date'") ELEMENT("name='x' type='xs:token'"))),

@@ -30,7 +30,7 @@ SchemaElement::SchemaElement(const Fingerprint& key, std::string_view parentName
     nameSize(static_cast<std::uint32_t>(content.name.size())),
     typeSize(static_cast<std::uint32_t>(content.type.size())), place(content.place),
     marked(endsInMark(parentName, content.name)), isReferring(content.isReference), isOfRepeated(content.isInRepeated),
-    loss(content.loss)
+    isOfAttribute(content.isAttribute), loss(content.loss)
 {
     static_assert(sizeof(SchemaElement) <= 64);
 }

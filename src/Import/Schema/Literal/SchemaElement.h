@@ -26,6 +26,7 @@ struct SchemaEntryContent
     bool isReference = false;  ///< read through `ref`
     bool isSingle = false;     ///< doesn't repeat if declared twice
     bool isInRepeated = false; ///< in a repeated group
+    bool isAttribute = false;
     SchemaTypeLoss loss = SchemaTypeLoss::none;
 };
 
@@ -56,13 +57,18 @@ public:
 
     SourcePlace queryPlace() const { return place; }
 
-    /// Return whether the declaration is read through `ref`, and whether it is in a repeated group.
+    /// Return whether the declaration is read through `ref`, is in a repeated group, and is an attribute.
     bool isReference() const { return isReferring; }
     bool isInRepeated() const { return isOfRepeated; }
+    bool isAttribute() const { return isOfAttribute; }
 
     /// Records that the declaration occurs in addition to the earlier one, not instead of it, so it repeats.
     void setDeclaredAgain() { declaredAgain = true; }
     bool isDeclaredAgain() const { return declaredAgain; }
+
+    /// Records whether the type of this name is being read, so that another one inside of it is found.
+    void setOpen(bool on) { open = on; }
+    bool isOpen() const { return open; }
 
     /// Returns why the type isn't the declared one; `none` if it is.
     SchemaTypeLoss queryLoss() const { return loss; }
@@ -110,6 +116,8 @@ private:
     bool marked : 1;
     bool isReferring : 1;
     bool isOfRepeated : 1;
+    bool isOfAttribute : 1;
     bool declaredAgain : 1 = false;
+    bool open : 1 = false;
     SchemaTypeLoss loss;
 };

@@ -234,6 +234,8 @@ void SchemaMessage::declareRecord(const Record& record, const CString& path, Sch
             continue;
         if (made.isShared)
             noteSharedKey(made, element, field.mark == modStar ? 2 : 1, field.declared->queryPlace());
+        if (field.declared->isAttribute() && !made.isFirst && !made.isShared) // after an element that repeats
+            report.add(SourceReport::mergedByName, field.declared->queryPlace(), field.name);
         check.add(*field.declared, *made.element, *element, type,
                   !made.isFirst && !made.isShared && (field.mark == modStar || field.declared->isDeclaredAgain()));
     }

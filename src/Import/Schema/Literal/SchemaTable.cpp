@@ -196,8 +196,11 @@ void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
         name = mainName;
     const SourcePlace place = outline.placeOf(walk.type);
     walk.record = {name, RunningHash(name), addSchemaElement({place, name}, {})};
-    if (walk.record.entry && walk.record.entry->queryChildren())
-        report.add(SourceReport::mergedByName, place, name);
+    if (SchemaElement* const entry = walk.record.entry) {
+        if (entry->queryChildren() || entry->isOpen())
+            report.add(SourceReport::mergedByName, place, name);
+        entry->setOpen(true);
+    }
     walk.list = SchemaOutline::element;
     walk.field = outline.getNode(walk.type, SchemaOutline::element);
 }
@@ -210,6 +213,8 @@ bool SchemaTable::nextList(const SchemaOutline& outline, TypeWalk& walk)
         walk.field = outline.getChildNode(walk.type, SchemaOutline::attribute);
         return true;
     }
+    if (walk.record.entry)
+        walk.record.entry->setOpen(false);
     walk.type = outline.getNextSibling(walk.type);
     if (walk.type == SchemaOutline::kNone)
         return false;
@@ -250,9 +255,13 @@ void SchemaTable::processTag(const SchemaOutline& outline, TypeWalk& walk)
 SchemaEntryContent SchemaTable::contentOf(const SchemaOutline& outline, Index at, std::string_view name) const
 {
     const SchemaDeclaration& declaration = outline[at];
-    SchemaEntryContent content{outline.placeOf(at),  name,
-                               typeOf(outline, at),  declaration.isReference,
-                               declaration.isSingle, declaration.isInRepeated};
+    SchemaEntryContent content{outline.placeOf(at),
+                               name,
+                               typeOf(outline, at),
+                               declaration.isReference,
+                               declaration.isSingle,
+                               declaration.isInRepeated,
+                               outline.tagOf(at) == SchemaOutline::attribute};
     if (declaration.simpleType != SchemaKinds::kNone && kinds.kindOf(declaration.simpleType) != SchemaKinds::text)
         content.loss = SchemaTypeLoss::innerType;
     return content;
