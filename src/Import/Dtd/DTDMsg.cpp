@@ -28,8 +28,8 @@ constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; with dri
 constexpr std::size_t kMaxOverlap = 16;         // times the size of the text
 constexpr std::size_t kExcerpt = 200;           // bytes of a statement that a message quotes
 
-// Returns whether a piece of a content model is the keyword of text, with any marks. "#CDATA" is not in XML, but is read
-// like "#PCDATA".
+// Returns whether a piece of a content model is the keyword of text, with any marks. "#CDATA" is not in XML, but is
+// read like "#PCDATA".
 bool isTextKeyword(std::string_view piece)
 {
     return std::ranges::any_of(std::array{kPcdata, kCdata}, [&](std::string_view keyword) {
