@@ -7,8 +7,7 @@ class PathLabel;
 class QPushButton;
 
 /// The last page: shows the result, from the script and the result lines, and offers a command line that does the same.
-/// Finish and Cancel both store the options and end the wizard: Cancel has nothing to discard here. Back starts another
-/// import.
+/// Finish stores the options and ends the wizard; Cancel only ends it. Back starts another import.
 class FinishPage : public QELPage
 {
 public:
