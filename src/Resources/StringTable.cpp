@@ -132,14 +132,12 @@ constexpr Entry kTable[] = {
     {IDS_DTD_STATEMENT, "Can not parse DTD statement:\n%s"},
 };
 
-static_assert(std::is_sorted(std::begin(kTable), std::end(kTable),
-                             [](const Entry& a, const Entry& b) { return a.id < b.id; }));
+static_assert(std::ranges::is_sorted(kTable, {}, &Entry::id));
 
 } // namespace
 
 const char* loadText(unsigned id)
 {
-    const auto* entry = std::lower_bound(std::begin(kTable), std::end(kTable), id,
-                                         [](const Entry& row, unsigned wanted) { return row.id < wanted; });
+    const auto* entry = std::ranges::lower_bound(kTable, id, {}, &Entry::id);
     return entry != std::end(kTable) && entry->id == id ? entry->text : "";
 }
