@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr std::uint64_t kSmall = 50'000'000; // bytes; a larger source is only counted on request
+
 // Limits of the part of a source that is read and shown.
 constexpr qsizetype kMaxShown = 1 << 16; // bytes
 constexpr qsizetype kMaxLines = 200;

@@ -41,12 +41,9 @@ public:
         bool fails() const { return types == 0 && !failure.isEmpty(); }
     };
 
-    /// The largest source, in bytes, that is counted without a request.
-    static constexpr std::uint64_t kSmall = 50'000'000;
-
-    /// Cancels the current preview and starts another. A source larger than kSmall is only counted if `isWanted`.
+    /// Cancels the current preview and starts another. A source of more than 50 MB is only counted if `isWanted`.
     /// `source` needs an importer and at least one name.
-    void start(const Source& source, bool isWanted = false);
+    void start(const Source& source, bool isWanted);
 
     /// Cancels the current preview; emits no more signals for it.
     void drop() { worker.request_stop(); }
