@@ -2,8 +2,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-
 CString jsonText(std::string_view text)
 {
     CString out;

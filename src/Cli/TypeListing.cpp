@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
 
 namespace {
 

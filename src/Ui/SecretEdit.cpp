@@ -1,5 +1,7 @@
 #include "Ui/SecretEdit.h"
 
+#include "Base/Secret.h"
+
 #include <QLineEdit>
 
 #include <cstring>

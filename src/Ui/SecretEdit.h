@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Base/Secret.h"
+#include "Base/Text.h"
 
 class QLineEdit;
 

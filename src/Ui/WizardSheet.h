@@ -8,7 +8,6 @@
 #include <QImage>
 
 #include <cstddef>
-#include <exception>
 #include <functional>
 #include <vector>
 

@@ -9,7 +9,6 @@
 
 #include <QLabel>
 #include <QMessageBox>
-#include <QProgressBar>
 #include <QPushButton>
 #include <gmock/gmock.h>
 

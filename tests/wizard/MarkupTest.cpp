@@ -1,6 +1,5 @@
 #include "Ui/ElidedLabel.h"
 #include "Ui/ModalBox.h"
-#include "Ui/PlainText.h"
 #include "Wizard/Run/DataSourceLogon.h"
 #include "wizard/Desk.h"
 

@@ -4,7 +4,6 @@
 #include "Broker/Client/TypeTable.h"
 #include "Database/Statement.h"
 
-#include <memory>
 #include <span>
 #include <vector>
 

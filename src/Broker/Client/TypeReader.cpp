@@ -3,7 +3,6 @@
 #include "Broker/Client/TypeStatements.h"
 #include "Database/Statement.h"
 
-#include <string_view>
 #include <utility>
 
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Database/DataSources.h"
-#include "Database/Odbc.h"
 #include "Wizard/Pages/QELPage.h"
 
 class ListView;

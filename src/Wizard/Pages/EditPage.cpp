@@ -1,6 +1,5 @@
 #include "Wizard/Pages/EditPage.h"
 
-#include "Base/QELApp.h"
 #include "Files/FileMessage.h"
 #include "Resources/StringTable.h"
 #include "Types/ReportText.h"

@@ -2,6 +2,7 @@
 
 #include "Base/Progress.h"
 #include "Base/QELApp.h"
+#include "Base/Secret.h"
 #include "Base/ServerAddress.h"
 #include "Broker/BrokerSession.h"
 #include "Broker/CreationRun.h"

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <unistd.h>
 #include <utility>
 

@@ -3,7 +3,6 @@
 #include "Base/QELApp.h"
 #include "Base/Secret.h"
 #include "Database/ConnectString.h"
-#include "Files/File.h"
 #include "Import/Registry/SourceSet.h"
 #include "Resources/StringTable.h"
 #include "Ui/ModalBox.h"

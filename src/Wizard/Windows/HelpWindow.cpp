@@ -2,7 +2,6 @@
 
 #include <QTextBrowser>
 
-#include <algorithm>
 #include <iterator>
 
 namespace {

@@ -5,8 +5,6 @@
 #include "Ui/UiText.h"
 #include "Wizard/Windows/KindMark.h"
 
-#include <QFont>
-
 #include <vector>
 
 // A row of the tree. Qt's indexes point to nodes, so a node must not move: the children of a node are in one block,

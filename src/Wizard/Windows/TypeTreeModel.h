@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Base/Text.h"
-
 #include <QAbstractItemModel>
 
 #include <cstdint>
