@@ -42,10 +42,15 @@ QStringList namesAfter(const QString& typed)
 
 } // namespace
 
-PathCompleter::PathCompleter(QLineEdit& field) : QCompleter(&field), names(new QStringListModel(this))
+// The list of completions stays empty if nothing is left to complete, because an open list keeps mnemonics from the
+// window. It is filled before the field asks for completions.
+PathCompleter::PathCompleter(QLineEdit& field) : QCompleter(&field)
 {
+    auto* names = new QStringListModel(this);
     setModel(names);
-    connect(&field, &QLineEdit::textEdited, this, &PathCompleter::offer); // before the field asks for completions
+    connect(&field, &QLineEdit::textEdited, this, [names](const QString& typed) {
+        names->setStringList(typed.isEmpty() || QFileInfo(typed).isFile() ? QStringList() : namesAfter(typed));
+    });
 }
 
 bool PathCompleter::eventFilter(QObject* watched, QEvent* event)
@@ -53,11 +58,4 @@ bool PathCompleter::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::Hide && watched == widget())
         popup()->hide();
     return QCompleter::eventFilter(watched, event);
-}
-
-// Fills the list of completions. It stays empty if nothing is left to complete, because an open list keeps mnemonics
-// from the window.
-void PathCompleter::offer(const QString& typed)
-{
-    names->setStringList(typed.isEmpty() || QFileInfo(typed).isFile() ? QStringList() : namesAfter(typed));
 }

@@ -3,7 +3,6 @@
 #include <QCompleter>
 
 class QLineEdit;
-class QStringListModel;
 
 /// Completes the path typed in a field; relative paths start at the current folder. Offers nothing if the text is the
 /// name of a file already. Reads the folder on each key, within limits of time and number.
@@ -15,9 +14,4 @@ public:
 
     /// Closes the open list together with the field, which it would outlive on the next page of a wizard.
     bool eventFilter(QObject* watched, QEvent* event) override;
-
-private:
-    void offer(const QString& typed);
-
-    QStringListModel* names;
 };
