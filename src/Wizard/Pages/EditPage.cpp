@@ -154,9 +154,8 @@ void EditPage::OnSetActive()
         fullReadingHint->setText(
             tr("Check \"Read in full\" on the page before: the source uses %1.").arg(toUi(unsupported)));
     fullReadingHint->setHidden(unsupported.empty() || wizard->message->beginEnum() != 0);
-    readingRow->showReading(*wizard->message, wizard->fullMessage());
     // Without types the hint says it in words; the button is there in both cases.
-    readingRow->offerFull(!unsupported.empty());
+    readingRow->showReading(*wizard->message, wizard->fullMessage(), !unsupported.empty());
     showTypes();
 }
 
@@ -244,7 +243,8 @@ void EditPage::chooseMain(const CString& name)
     std::unique_ptr<FullMessage> another = wizard->fullMessage()->createAnother();
     another->setRoot(name);
     const bool isImported = importBy(another.release());
-    readingRow->showReading(*wizard->message, wizard->fullMessage()); // a changed source may have other main elements
+    // A changed source may have other main elements.
+    readingRow->showReading(*wizard->message, wizard->fullMessage(), false);
     if (isImported)
         showTypes();
 }

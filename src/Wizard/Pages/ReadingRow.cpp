@@ -42,17 +42,12 @@ ReadingRow::ReadingRow() :
 }
 
 // isHidden() instead of isVisible(), which is false while the page itself is hidden.
-void ReadingRow::showReading(const MsgBase& message, const FullMessage* full)
+void ReadingRow::showReading(const MsgBase& message, const FullMessage* full, bool offersFull)
 {
     showMainElements(full);
     showCount(message);
-    setVisible(!mainElement->isHidden() || !details->isHidden());
-}
-
-void ReadingRow::offerFull(bool isOffered)
-{
-    fullButton->setVisible(isOffered);
-    setVisible(isOffered || !mainElement->isHidden() || !details->isHidden());
+    fullButton->setVisible(offersFull);
+    setVisible(offersFull || !mainElement->isHidden() || !details->isHidden());
 }
 
 // One main element alone leaves no choice, so the box is hidden.

@@ -19,11 +19,9 @@ class ReadingRow : public QWidget
 public:
     ReadingRow();
 
-    /// Shows a new import. `full` is the same object if the source was read in full, else null.
-    void showReading(const MsgBase& message, const FullMessage* full);
-
-    /// Offers the full reading, or doesn't. Call it after showReading().
-    void offerFull(bool isOffered);
+    /// Shows a new import. `full` is the same object if the source was read in full, else null. `offersFull` shows a
+    /// button for the full reading.
+    void showReading(const MsgBase& message, const FullMessage* full, bool offersFull);
 
 Q_SIGNALS:
     /// Emitted when the user chooses a main element; empty means the source's own choice.
