@@ -283,7 +283,10 @@ CString SourcePage::namedFile() const
 void SourcePage::takeFile(const CString& chosen)
 {
     if (chosen.size() > QELOptions::kMaxSourceSet) {
-        theApp.Error("Too many files are selected. Put them into a folder, and choose the folder.", IDS_ERROR_TITLE);
+        theApp.Error(wizard->message->queryDescriptor()->readsFolders()
+                         ? "Too many files are selected. Put them into a folder, and choose the folder."
+                         : "Too many files are selected. The command typeforge-import reads all files of a folder.",
+                     IDS_ERROR_TITLE);
         return;
     }
     FilePage::takeFile(chosen);
