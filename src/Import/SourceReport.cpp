@@ -81,6 +81,7 @@ constexpr Row kRows[] = {
     {"abstract-type", "abstract type", detail, "abstract type", "abstract types"},
     {"derived-type", "type that may replace an abstract one", detail, "type for an abstract one",
      "types for abstract ones"},
+    {"replaceable-type", "type that a derived one may replace", detail, "replaceable type", "replaceable types"},
     {"section-left-out", "section left out by an entity", detail, "section left out", "sections left out"},
     {"list-type", "list", detail, "list", "lists"},
     {"union-type", "union of several kinds", detail, "union", "unions"},

@@ -105,8 +105,9 @@ public:
         anyElement,
         anyAttribute,
         abstractType,
-        derivedType,    ///< may replace an abstract type in a message
-        sectionLeftOut, ///< which an entity could include
+        derivedType,     ///< may replace an abstract type in a message
+        replaceableType, ///< by a type derived from it, which a message names
+        sectionLeftOut,  ///< which an entity could include
         listType,
         unionOfKinds,
         elementNotAllowed,

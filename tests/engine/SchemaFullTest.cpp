@@ -453,6 +453,16 @@ x.xsd:2:32: name changed: b is r_b
 )");
 }
 
+// The others have no derived type, or no field has them.
+TEST_F(SchemaFull, ReportsTypesThatDerivedOnesMayReplace)
+{
+    typesOfSchema(ROOT(SEQUENCE("<element name='e' type='t:B'/><element name='f' type='t:D'/>")) TYPE("A", "") TYPE(
+        "B", EXTENSION("t:A", SEQUENCE("<element name='b'/>"))) TYPE("D", EXTENSION("t:B", "<attribute name='d'/>")));
+    ASSERT_EQ(message.queryReport().queryEntries(SourceReport::detail).size(), 1U);
+    EXPECT_EQ(SourceReport::inWords(message.queryReport().queryEntries(SourceReport::detail).front()),
+              "type that a derived one may replace: B");
+}
+
 // What belongs to components that the root doesn't reach is not reported; what belongs to none always is.
 TEST_F(SchemaFull, ReportsWhatTheRootReaches)
 {

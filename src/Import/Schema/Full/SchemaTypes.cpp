@@ -66,11 +66,16 @@ void SchemaTypes::readPending()
 }
 
 // Returns the index of the choice of a field whose type is abstract; kNone for other types, and for one that no named
-// type is derived from. readPending() reads the choice later.
+// type is derived from. readPending() reads the choice later. A type that is not abstract may be replaced, too, but
+// then the field has its own type only, which is reported.
 SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
 {
-    if (!tree[complexType].is(SchemaNode::isAbstract) || derivedFrom(complexType).empty())
+    if (complexType == 0 || derivedFrom(complexType).empty())
         return SourceTypes::kNone;
+    if (!tree[complexType].is(SchemaNode::isAbstract)) {
+        set.note(SourceReport::replaceableType, complexType);
+        return SourceTypes::kNone;
+    }
     const auto [known, isNew] = choicesByType.try_emplace(complexType, static_cast<SourceTypes::Index>(choices.size()));
     if (isNew) {
         choices.push_back(complexType);
@@ -114,17 +119,14 @@ const std::vector<SchemaTypes::Index>& SchemaTypes::derivedFrom(Index type)
     return found == derived.end() ? none : found->second;
 }
 
-// Collects the derived types of all documents. Called at the first abstract type, because most schemas have none.
+// Collects the derived types of all documents.
 void SchemaTypes::collectDerived()
 {
     const auto add = [this](Index type) {
-        // A redefined type is left out; its redefinition has its name.
-        if (tree[type].tag != SchemaTag::complexType ||
-            set.find(SchemaSet::type, set.nameOf(type), tree[type].parent) != type)
-            return;
-        const Index derivation = tree.derivationOf(type);
+        const Index derivation = tree[type].tag == SchemaTag::complexType ? tree.derivationOf(type) : 0;
         const SchemaName base = tree.referenceOf(derivation);
-        if (base.local != 0)
+        // A redefined type is left out; its redefinition has its name.
+        if (base.local != 0 && set.find(SchemaSet::type, set.nameOf(type), tree[type].parent) == type)
             if (const Index found = set.find(SchemaSet::type, base, derivation); found != 0 && found != type)
                 derived[found].push_back(type);
     };
