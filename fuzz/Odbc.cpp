@@ -63,7 +63,7 @@ void fuzz(std::string_view input)
         ODBCMessage importer;
         importer.parseData(tableNames(source.database), "\\");
         checkDocument(importer);
-        CStatement(source.database, "SELECT 1").execute({"a", ""});
+        runSql(source.database, "SELECT 1", {"a", ""});
     } catch (const CDBException& error) {
         static_cast<void>(error.isLogonRefused());
     }

@@ -95,8 +95,6 @@ void DriverHost::carryOut(MessageReader& request, CString& answer)
         return execute(CString(request.text()));
     case DriverRequest::catalogue:
         return listCatalogue(request, answer);
-    case DriverRequest::prepare:
-        return prepare(CString(request.text()));
     case DriverRequest::run:
         return run(request, answer);
     }
@@ -148,27 +146,22 @@ void DriverHost::listCatalogue(MessageReader& request, CString& answer)
     }
 }
 
-void DriverHost::prepare(const CString& sql)
-{
-    // Stays null if the preparation fails, so that the next request prepares it again.
-    StatementHandle& statement = prepared[sql];
-    if (statement)
-        return;
-    StatementHandle made = requireStatement();
-    if (!SQL_SUCCEEDED(SQLPrepare(made.get(), sqlText(sql), SQL_NTS)))
-        CDBException::raise(SQL_HANDLE_STMT, made.get());
-    statement = std::move(made);
-}
-
-// The statement may have been prepared by an earlier request; the text is its key.
+// Prepares the statement unless an earlier request has. If that fails, its entry stays null, so that the next request
+// prepares it again.
 void DriverHost::run(MessageReader& request, CString& answer)
 {
     const CString sql(request.text());
-    prepare(sql);
+    StatementHandle& statement = prepared[sql];
+    if (!statement) {
+        StatementHandle made = requireStatement();
+        if (!SQL_SUCCEEDED(SQLPrepare(made.get(), sqlText(sql), SQL_NTS)))
+            CDBException::raise(SQL_HANDLE_STMT, made.get());
+        statement = std::move(made);
+    }
     std::vector<CString> values;
     while (!request.isAtEnd())
         values.emplace_back(request.text());
-    runStatement(prepared[sql].get(), std::move(values), answer);
+    runStatement(statement.get(), std::move(values), answer);
 }
 
 StatementHandle DriverHost::allocateStatement() const

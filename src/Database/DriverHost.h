@@ -10,14 +10,13 @@ class MessageReader;
 
 /// The requests to a driver's process. A request is one of these numbers with its arguments; a successful answer is
 /// DriverOutcome::done with its results. Both are given here as (arguments) -> (results). The connection's side is
-/// CDatabase, CRecordset and CStatement.
+/// CDatabase, CRecordset and runSql().
 enum class DriverRequest : std::int32_t
 {
     open,      ///< (read only, logon seconds, connection string) -> (is open, owner usage, qualifier usage)
     execute,   ///< (SQL) -> ()
     catalogue, ///< (function, row shape, then for each call 4 times (is given, text)) -> (CatalogueOutcome, rows)
-    prepare,   ///< (SQL) -> ()
-    run        ///< (SQL as prepared, then values) -> (number of columns, then the rows' texts)
+    run        ///< (SQL, then values) -> (number of columns, then the rows' texts)
 };
 
 /// Returns the start of a request; append its arguments with putNumber() and putText().
@@ -54,7 +53,6 @@ private:
     void open(MessageReader& request, CString& answer);
     void execute(const CString& sql);
     void listCatalogue(MessageReader& request, CString& answer);
-    void prepare(const CString& sql);
     void run(MessageReader& request, CString& answer);
 
     // allocateStatement() returns null if the driver can't allocate one, requireStatement() throws its error.
@@ -67,7 +65,7 @@ private:
     EnvironmentHandle environment; // above the connection, which must be freed first
     ConnectionHandle connection;
     // Below the connection, because statements must be freed first. Kept to the end of the connection: a client
-    // prepares a few statements and runs them many times.
+    // runs a few statements many times.
     std::map<CString, StatementHandle> prepared; // by SQL text
 };
 

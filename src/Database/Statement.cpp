@@ -3,14 +3,7 @@
 #include "Database/DriverHost.h"
 #include "Database/DriverMessage.h"
 
-CStatement::CStatement(CDatabase& openOn, const CString& statement) : database(openOn), sql(statement)
-{
-    CString request = startRequest(DriverRequest::prepare);
-    putText(request, sql);
-    database.call(request);
-}
-
-CStatement::Rows CStatement::execute(std::initializer_list<std::string_view> values)
+SqlRows runSql(CDatabase& database, const CString& sql, std::initializer_list<std::string_view> values)
 {
     CString request = startRequest(DriverRequest::run);
     putText(request, sql);
@@ -19,7 +12,7 @@ CStatement::Rows CStatement::execute(std::initializer_list<std::string_view> val
     const CString answer = database.call(request);
     MessageReader reader(answer);
     const std::int32_t columns = reader.isAtEnd() ? 0 : reader.number();
-    Rows rows;
+    SqlRows rows;
     while (columns > 0 && !reader.isAtEnd()) {
         auto& row = rows.emplace_back();
         for (std::int32_t column = 0; column < columns; ++column)

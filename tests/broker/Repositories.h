@@ -97,10 +97,10 @@ inline std::vector<std::pair<CString, CString>> rowsOf(const CString& source, co
     CDatabase database;
     EXPECT_TRUE(database.Open(source, CDatabase::readOnly, logon));
     const bool local = source.find("SQLite") != CString::npos;
-    CStatement select(database, CString("SELECT name, document FROM typeforge_types ORDER BY ") +
-                                    (local ? "rowid" : "xmin::text::bigint"));
+    const CString select =
+        CString("SELECT name, document FROM typeforge_types ORDER BY ") + (local ? "rowid" : "xmin::text::bigint");
     std::vector<std::pair<CString, CString>> rows;
-    for (auto& row : select.execute())
+    for (auto& row : runSql(database, select))
         rows.emplace_back(std::move(row[0]), std::move(row[1]));
     return rows;
 }

@@ -41,12 +41,11 @@ CString protectionOf(const CString& source, const CString& logon)
     try {
         Connected window(source, logon);
         const bool isPostgres = source.find("PostgreSQL") != CString::npos;
-        const CString answer = CStatement(window.database, isPostgres ? "SELECT version FROM pg_stat_ssl WHERE pid = "
-                                                                        "pg_backend_pid()"
-                                                                      : "SHOW SESSION STATUS LIKE 'Ssl_version'")
-                                   .execute()
-                                   .at(0)
-                                   .back();
+        const CString answer =
+            runSql(window.database, isPostgres ? "SELECT version FROM pg_stat_ssl WHERE pid = pg_backend_pid()"
+                                               : "SHOW SESSION STATUS LIKE 'Ssl_version'")
+                .at(0)
+                .back();
         return answer.empty() ? "plain" : "TLS";
     } catch (const CDBException& error) {
         return error.queryState();
@@ -402,7 +401,7 @@ TEST(Database, ANameOpensItsDataSourceOrNone)
             try {
                 CDatabase database;
                 database.Open(dataSourceText(name), CDatabase::readOnly, logon);
-                const CString opened = CStatement(database, question).execute().at(0).at(0);
+                const CString opened = runSql(database, question).at(0).at(0);
                 EXPECT_THAT(opened, testing::AnyOf(folder.path(name), "postgres", "mysql"));
             } catch (const CDBException& error) {
                 EXPECT_EQ(error.queryState(), "IM002") << name << error.what();

@@ -1,6 +1,7 @@
 #include "Broker/Client/TypeBatch.h"
 
 #include "Broker/Client/TypeStatements.h"
+#include "Database/Statement.h"
 
 #include <algorithm>
 #include <string_view>
@@ -65,20 +66,16 @@ std::vector<StoreOutcome> unpacked(std::string_view outcomes)
 
 } // namespace
 
-TypeBatch::TypeBatch(CDatabase& openOn, const TypeTable& table) :
-    database(openOn), program(batchProgram(table)), setBatch(openOn, kSetBatch), readOutcomes(openOn, kReadOutcomes)
-{}
-
-std::vector<StoreOutcome> TypeBatch::store(std::span<const NamedDocument> types, const SourceMark& mark,
-                                           ExistingRules rules)
+std::vector<StoreOutcome> runBatch(CDatabase& database, const TypeTable& table, std::span<const NamedDocument> types,
+                                   const SourceMark& mark, ExistingRules rules)
 {
     // This statement also clears the outcomes of an earlier batch.
-    setBatch.execute({packed(types, mark, rules)});
+    runSql(database, kSetBatch, {packed(types, mark, rules)});
     try {
-        database.ExecuteSQL(program);
+        database.ExecuteSQL(batchProgram(table));
     } catch (const CDBException&) { // types before the failed one are stored
         if (!database.IsOpen())
             throw;
     }
-    return unpacked(readOutcomes.execute()[0][0]);
+    return unpacked(runSql(database, kReadOutcomes)[0][0]);
 }

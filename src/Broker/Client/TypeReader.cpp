@@ -57,9 +57,7 @@ std::vector<StoreOutcome> TypeReader::store(std::span<const NamedDocument> types
 
 StoreOutcome TypeReader::find(const NamedDocument& type, ExistingRules rules) const
 {
-    // The driver's process prepares the statement once, because it keeps statements by their text.
-    const CStatement::Rows rows =
-        database ? CStatement(*database, findStatement(table)).execute({type.document, type.name}) : CStatement::Rows();
+    const SqlRows rows = database ? runSql(*database, findStatement(table), {type.document, type.name}) : SqlRows();
     if (rows.empty())
         return {StoreOutcome::created};
     const bool isSame = rows[0][1] == "1";
@@ -76,7 +74,7 @@ std::vector<CString> TypeReader::readFolder(const CString& folder) const
     if (!database)
         return documents;
     // The server also returns the types of folders below. Their names have a further backslash.
-    for (auto& row : CStatement(*database, kReadFolder).execute({folder, folder}))
+    for (auto& row : runSql(*database, kReadFolder, {folder, folder}))
         if (row[0].find('\\', folder.size()) == CString::npos)
             documents.push_back(std::move(row[1]));
     return documents;

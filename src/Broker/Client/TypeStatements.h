@@ -17,5 +17,5 @@ CString findStatement(const TypeTable& table);
 CString updateStatement(const TypeTable& table);
 
 /// Returns the PostgreSQL program that stores the types in the session setting typeforge.batch, each in a transaction
-/// of its own, and writes the outcomes to typeforge.outcomes; see TypeBatch. It ends at the first type that fails.
+/// of its own, and writes the outcomes to typeforge.outcomes; see runBatch(). It ends at the first type that fails.
 CString batchProgram(const TypeTable& table);

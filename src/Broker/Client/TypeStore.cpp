@@ -9,8 +9,8 @@
 
 // A type is inserted. If it exists already, its revision is read, and it is replaced only if it still has that
 // revision, so that no change of another program is lost. Each of these statements is a transaction. If one finds the
-// type changed, they start over. TypeBatch does the same for many types in a program on the server, and leaves types
-// that it can't store to storeOne().
+// type changed, they start over. runBatch() does the same for many types in a program on the server, and leaves
+// types that it can't store to storeOne().
 namespace {
 
 // Fewer types are stored faster one by one, because the server compiles the program for each batch.
@@ -55,8 +55,8 @@ StoreOutcome::Code TypeStore::store(const NamedDocument& type, bool overwrite)
     // Without a source; the statements have both parameters in any case.
     const Values values = {type.name, type.document, "", ""};
     if (!overwrite)
-        return run(insert, insertStatement, values).empty() ? StoreOutcome::exists : StoreOutcome::created;
-    return run(upsert, upsertStatement, values).at(0).at(0) == "0" ? StoreOutcome::created : StoreOutcome::replaced;
+        return run(insertStatement(table), values).empty() ? StoreOutcome::exists : StoreOutcome::created;
+    return run(upsertStatement(table), values).at(0).at(0) == "0" ? StoreOutcome::created : StoreOutcome::replaced;
 }
 
 std::vector<StoreOutcome> TypeStore::store(std::span<const NamedDocument> types, const CString& source,
@@ -85,9 +85,7 @@ std::vector<StoreOutcome> TypeStore::storeBatch(std::span<const NamedDocument> t
 {
     isPending = true;
     try {
-        if (!batch)
-            batch = std::make_unique<TypeBatch>(*database, table);
-        return batch->store(types, mark, rules);
+        return runBatch(*database, table, types, mark, rules);
     } catch (const CDBException&) {
         if (!database->IsOpen())
             throw;
@@ -100,9 +98,9 @@ std::vector<StoreOutcome> TypeStore::storeBatch(std::span<const NamedDocument> t
 StoreOutcome TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules)
 {
     for (;;) {
-        if (!run(insert, insertStatement, {type.name, type.document, mark.source, mark.time}).empty())
+        if (!run(insertStatement(table), {type.name, type.document, mark.source, mark.time}).empty())
             return {StoreOutcome::created};
-        const CStatement::Rows rows = run(find, findStatement, {type.document, type.name});
+        const SqlRows rows = run(findStatement(table), {type.document, type.name});
         if (rows.empty())
             continue;
         const auto& [revision, same, source, time] = std::tie(rows[0][0], rows[0][1], rows[0][2], rows[0][3]);
@@ -112,7 +110,7 @@ StoreOutcome TypeStore::storeOne(const NamedDocument& type, const SourceMark& ma
         // asked about.
         const Found found = {type.name, revision};
         if (rule == VornExisting::replace || (rule == VornExisting::replaceFound && found == lastStopped)) {
-            if (!run(update, updateStatement, {type.name, type.document, mark.source, mark.time, revision}).empty())
+            if (!run(updateStatement(table), {type.name, type.document, mark.source, mark.time, revision}).empty())
                 return {StoreOutcome::replaced, {source, time}};
             continue;
         }
@@ -121,16 +119,14 @@ StoreOutcome TypeStore::storeOne(const NamedDocument& type, const SourceMark& ma
     }
 }
 
-CStatement::Rows TypeStore::run(std::unique_ptr<CStatement>& statement, CString (*sql)(const TypeTable&), Values values)
+SqlRows TypeStore::run(const CString& sql, Values values)
 {
     if (busy)
         throw *busy;
     // Set before the call, because a failed one can have stored something.
     isPending = true;
     try {
-        if (!statement)
-            statement = std::make_unique<CStatement>(*database, sql(table));
-        return statement->execute(values);
+        return runSql(*database, sql, values);
     } catch (const CDBException& error) {
         if (isBusy(*database, error))
             busy = error;

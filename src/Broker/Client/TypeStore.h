@@ -11,8 +11,6 @@
 #include <string_view>
 #include <vector>
 
-class TypeBatch;
-
 /// The type repository in a database. If the database is locked or silent once, every later call fails at once instead
 /// of waiting again. On a server, commits don't wait for the disk: each type keeps a transaction of its own, and
 /// finish() makes all of them durable at once. 5,000 types took 22.8 s with synchronous commits and 1.9 s without.
@@ -46,18 +44,15 @@ private:
     };
     using Values = std::initializer_list<std::string_view>;
 
-    // Runs a statement, which is prepared at its first use, and remembers the error of a busy database.
-    CStatement::Rows run(std::unique_ptr<CStatement>& statement, CString (*sql)(const TypeTable&), Values values);
+    // Runs a statement and remembers the error of a busy database.
+    SqlRows run(const CString& sql, Values values);
     std::vector<StoreOutcome> storeBatch(std::span<const NamedDocument> types, const SourceMark& mark,
                                          ExistingRules rules);
     StoreOutcome storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules);
 
-    std::shared_ptr<CDatabase> database; // above the statements, which must be freed first
+    std::shared_ptr<CDatabase> database;
     const TypeTable table;
-    // Made at their first use, because a run needs only some of them.
-    std::unique_ptr<CStatement> insert, upsert, find, update;
-    std::unique_ptr<TypeBatch> batch;
-    bool hasBatches;                  // the server supports TypeBatch
+    bool hasBatches;                  // the server supports runBatch()
     std::optional<CDBException> busy; // the error that later calls repeat
     Found lastStopped;                // the type at which the rules stopped last
     bool isPending = false;           // types may not be on the server's disk yet

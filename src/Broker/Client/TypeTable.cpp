@@ -47,7 +47,7 @@ std::optional<CDBException> attempt(CDatabase& database, const char* sql)
 CString missingRights(CDatabase& database)
 {
     try {
-        return CStatement(database, kMissingRights).execute().at(0).at(0);
+        return runSql(database, kMissingRights).at(0).at(0);
     } catch (const CDBException& error) {
         if (isBusy(database, error))
             throw;
