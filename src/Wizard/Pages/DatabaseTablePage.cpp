@@ -85,14 +85,12 @@ void DatabaseTablePage::listTables()
 {
     const WaitCursor wait;
     bool isOpen = false;
-    sheet()->runLong(
-        [&] {
-            CTables found(wizard->database.get());
-            isOpen = found.Open(nullptr, nullptr, nullptr, "'TABLE'", CRecordset::snapshot) != 0;
-            for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
-                tables.push_back({found.queryName(), found.tableType, found.remarks});
-        },
-        nullptr, toUi(wizard->script.source));
+    wizard->readDatabase([&] {
+        CTables found(wizard->database.get());
+        isOpen = found.Open(nullptr, nullptr, nullptr, "'TABLE'", CRecordset::snapshot) != 0;
+        for (found.MoveFirst(); !found.IsEOF(); found.MoveNext())
+            tables.push_back({found.queryName(), found.tableType, found.remarks});
+    });
     if (isOpen)
         return;
     const PlainCursor plain;
@@ -124,8 +122,7 @@ LRESULT DatabaseTablePage::OnWizardNext()
     }
     if (auto* importer = dynamic_cast<ODBCMessage*>(wizard->message.get()))
         importer->setChosen(std::move(chosen));
-    sheet()->runLong([&] { wizard->message->parseData(names, wizard->options.queryPath()); }, nullptr,
-                     toUi(wizard->script.source));
+    wizard->readDatabase([&] { wizard->message->parseData(names, wizard->options.queryPath()); });
     wizard->options.setEditBack(IDD_DATABASE_TABLE);
     return IDD_EDIT;
 }

@@ -20,13 +20,13 @@
 
 namespace {
 
-// Returns the driver's error with the name of the data source, which drivers often omit. Only our own words for it
-// count as naming: the driver's own prefix, "[SQLite]", can be the data source's name by chance.
-CString openErrorText(const CString& source, const CString& words)
+// Returns the driver's error with the name of the data source, which drivers often omit, and with what failed. Only our
+// own words for it count as naming: the driver's own prefix, "[SQLite]", can be the data source's name by chance.
+std::runtime_error namedError(const CString& source, const char* failed, const CString& words)
 {
     const bool isNamed = words.find("data source " + source) != CString::npos ||
                          words.find("data source called " + source) != CString::npos;
-    return isNamed ? words : "The data source " + source + " can't be opened.\n" + words;
+    return std::runtime_error(isNamed ? words : "The data source " + source + " can't be " + failed + ".\n" + words);
 }
 
 } // namespace
@@ -107,7 +107,7 @@ bool WizardRun::openDatabase()
             return isOpen;
         } catch (const CDBException& error) {
             if (!error.isLogonRefused())
-                throw std::runtime_error(openErrorText(script.source, error.what()));
+                throw namedError(script.source, "opened", error.what());
             reason = error.what();
         }
         // Kept in the script, so that a refused logon need not be typed again, and the command logs on as the same
@@ -115,6 +115,15 @@ bool WizardRun::openDatabase()
         CString& user = script.sourceUser;
         if (!askForLogon(sheet.activePage(), script.source, reason, user, logon.text))
             return false;
+    }
+}
+
+void WizardRun::readDatabase(const std::function<void()>& call)
+{
+    try {
+        sheet.runLong(call, nullptr, toUi(script.source));
+    } catch (const CDBException& error) {
+        throw namedError(script.source, "read", error.what());
     }
 }
 

@@ -9,6 +9,7 @@
 #include <QFont>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class WizardSheet;
@@ -48,6 +49,10 @@ public:
     /// be opened, after showing why, or if the user gives up. Throws std::runtime_error with the driver's reason, and
     /// Cancelled. An earlier connection is closed first, also if the new one fails.
     bool openDatabase();
+
+    /// Runs a call that reads the open data source, as long work. Throws std::runtime_error with the driver's reason
+    /// and the data source, and Cancelled.
+    void readDatabase(const std::function<void()>& call);
 
     /// Returns the importer if it reads its source in full, else null. It is the object of `message`.
     FullMessage* fullMessage() const;
