@@ -6,7 +6,6 @@
 #include "Ui/ListFilter.h"
 #include "Ui/ListView.h"
 #include "Ui/PlainText.h"
-#include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
 #include "Ui/WizardSheet.h"
 #include "Wizard/Run/WizardRun.h"
