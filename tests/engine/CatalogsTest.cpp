@@ -71,6 +71,15 @@ const Row kRows[] = {
     {"ADelegateOfPublicIdentifiersIsNotPreferred",
      "<delegatePublic publicIdStartString='-//' catalog='next.xml'/><nextCatalog catalog='next.xml'/>", "-//N", "n", "",
      "sub/n", "prefer='system'"},
+    {"TheFirstThatIsPreferred",
+     "<public publicId='p' uri='1'/><group prefer='public'><public publicId='p' uri='2'/></group>", "p", "s", "", "2",
+     "prefer='system'"},
+    {"ADelegateIgnoresTheOtherIdentifier", "<delegatePublic publicIdStartString='-//' catalog='next.xml'/>", "-//N",
+     "n", "", "sub/p"},
+    {"EachDelegateIsAskedWithItsNext",
+     "<delegateSystem systemIdStartString='m' catalog='next.xml'/><delegateSystem systemIdStartString='m/' "
+     "catalog='other.xml'/>",
+     "", "m/x", "", "next"},
 };
 
 class CatalogRow : public testing::TestWithParam<Row>
@@ -80,9 +89,11 @@ TEST_P(CatalogRow, FindsAPath)
 {
     const Row& row = GetParam();
     const TempDir folder;
-    folder.write("next.xml",
-                 catalog("<system systemId='n' uri='n'/><public publicId='-//N' uri='p'/>", "xml:base='sub/'"));
-    folder.write("last.xml", catalog("<system systemId='n' uri='last'/>"));
+    folder.write("next.xml", catalog("<system systemId='n' uri='n'/><public publicId='-//N' uri='p'/>"
+                                     "<nextCatalog xml:base='../' catalog='last.xml'/>",
+                                     "xml:base='sub/'"));
+    folder.write("last.xml", catalog("<system systemId='n' uri='last'/><system systemId='m/x' uri='next'/>"));
+    folder.write("other.xml", catalog("<delegateSystem systemIdStartString='m/x/' catalog='c.xml'/>"));
     SourceReport report;
     Catalogs catalogs(report);
     catalogs.load(folder.write("c.xml", catalog(row.entries, row.attributes)));

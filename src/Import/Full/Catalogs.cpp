@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <iterator>
 #include <sstream>
 
@@ -166,16 +167,22 @@ void CatalogReader::add(Catalogs::Kind kind, const CString& key, const CString& 
         return catalogs.report.add(SourceReport::malformedDeclaration, place, "catalogue entry");
     if (++catalogs.entryCount > kMaxEntries)
         throw XmlRefusal{"more than " + std::to_string(kMaxEntries) + " catalogue entries"};
+    if (isNext)
+        return catalogs.waiting.push_back({number, kind, key, target, open.back().base, place});
     const bool isDelegate =
         kind == Catalogs::delegateSystem || kind == Catalogs::delegatePublic || kind == Catalogs::delegateUri;
-    Catalogs::Table& table = catalogs.catalogs[number].tables[kind];
-    const bool isNew =
-        isNext ||
-        table.entries.try_emplace(key, Catalogs::Entry{target, open.back().base, open.back().prefersPublic, {}}).second;
-    if (!isNext)
+    const auto enter = [&](Catalogs::Kind as) {
+        Catalogs::Table& table = catalogs.catalogs[number].tables[as];
+        const bool isNew = table.entries.try_emplace(key, Catalogs::Entry{target, open.back().base, {}}).second;
         table.lengths.insert(key.size());
-    if (isNew && (isNext || isDelegate))
-        catalogs.waiting.push_back({number, kind, key, target, open.back().base, place});
+        if (isNew && isDelegate)
+            catalogs.waiting.push_back({number, as, key, target, open.back().base, place});
+    };
+    enter(kind);
+    if (open.back().prefersPublic && kind == Catalogs::publicIdentifier)
+        enter(Catalogs::preferredPublic);
+    if (open.back().prefersPublic && kind == Catalogs::delegatePublic)
+        enter(Catalogs::preferredDelegate);
 }
 
 // Returns a public identifier with each run of white space as one space, as the standard requires for comparisons. A
@@ -192,13 +199,14 @@ CString Catalogs::normalizedPublicId(std::string_view publicId)
     return normalized;
 }
 
-// Returns the absolute path that a reference leads to; "" if it is not local.
+// Returns the absolute path that a reference leads to; "" if it is not local. A "../" removes the segment before it,
+// even if that is no folder (RFC 3986, 5.2.4).
 CString Catalogs::pathOf(const CString& reference, const Base& base)
 {
     const CString path = localPath(reference);
     if (path.empty() || path.starts_with('/'))
         return path;
-    return base ? *base + path : CString();
+    return base ? std::filesystem::path(*base + path).lexically_normal().string() : CString();
 }
 
 // Reading adds to the queue, until all catalogues that can be reached are known.
@@ -322,21 +330,22 @@ std::optional<CString> Catalogs::lookUpOne(const Catalog& catalog, Lookup& looku
 {
     const auto& tables = catalog.tables;
     std::optional<CString> found;
-    const auto isDone = [&](Kind whole, Kind rewrite, Kind suffix, Kind delegate, std::string_view text) {
+    const auto isDone = [&](Kind whole, Kind rewrite, Kind suffix, Kind delegate, Identifier which) {
+        const std::string_view text = lookup.*which;
         return (found = lookUpExact(tables[whole], text)) || (found = lookUpRewrite(tables[rewrite], text)) ||
                (found = lookUpSuffix(tables[suffix], text)) ||
-               (found = lookUpDelegates(tables[delegate], text, lookup)) || lookup.isFinished;
+               (found = lookUpDelegates(tables[delegate], which, lookup)) || lookup.isFinished;
     };
-    if (!lookup.uri.empty() && isDone(uri, rewriteUri, uriSuffix, delegateUri, lookup.uri))
+    if (!lookup.uri.empty() && isDone(uri, rewriteUri, uriSuffix, delegateUri, &Lookup::uri))
         return found;
-    if (!lookup.systemId.empty() && isDone(system, rewriteSystem, systemSuffix, delegateSystem, lookup.systemId))
+    if (!lookup.systemId.empty() && isDone(system, rewriteSystem, systemSuffix, delegateSystem, &Lookup::systemId))
         return found;
     if (lookup.publicId.empty())
         return std::nullopt;
-    const Entry* const entry = tables[publicIdentifier].find(lookup.publicId);
-    if (entry && (lookup.systemId.empty() || entry->prefersPublic))
-        return pathOf(entry->target, entry->base);
-    return lookUpDelegates(tables[delegatePublic], lookup.publicId, lookup, true);
+    const bool isBoth = !lookup.systemId.empty();
+    if ((found = lookUpExact(tables[isBoth ? preferredPublic : publicIdentifier], lookup.publicId)))
+        return found;
+    return lookUpDelegates(tables[isBoth ? preferredDelegate : delegatePublic], &Lookup::publicId, lookup);
 }
 
 std::optional<CString> Catalogs::lookUpExact(const Table& table, std::string_view text) const
@@ -363,18 +372,24 @@ std::optional<CString> Catalogs::lookUpSuffix(const Table& table, std::string_vi
     return std::nullopt;
 }
 
-// Searches the delegates that match, the longest prefix first. If one matches, only delegates are searched from then
-// on, even if they find nothing. The recursion is bounded by the number of catalogues, because none is visited twice.
-std::optional<CString> Catalogs::lookUpDelegates(const Table& table, std::string_view text, Lookup& lookup,
-                                                 bool isPublic) const
+// Searches the delegates that match, the longest prefix first. If one matches, they replace all other catalogues, even
+// if they find nothing, and the other identifier is ignored (7.1.2). From then on no catalogue is visited twice, which
+// bounds the recursion.
+std::optional<CString> Catalogs::lookUpDelegates(const Table& table, Identifier which, Lookup& lookup) const
 {
+    const std::string_view text = lookup.*which;
+    std::vector<std::uint32_t> delegates;
     for (const std::size_t length : table.lengths) {
         const Entry* const entry = length <= text.size() ? table.find(text.substr(0, length)) : nullptr;
-        if (!entry || !entry->catalog || (isPublic && !entry->prefersPublic && !lookup.systemId.empty()))
-            continue;
-        if (auto found = lookUp({*entry->catalog}, lookup))
-            return found;
-        lookup.isFinished = true;
+        if (entry && entry->catalog)
+            delegates.push_back(*entry->catalog);
     }
-    return std::nullopt;
+    if (delegates.empty())
+        return std::nullopt;
+    lookup.isFinished = true;
+    Lookup alone;
+    alone.isAlone = true;
+    alone.isVisited = lookup.isAlone ? lookup.isVisited : std::vector<bool>(catalogs.size());
+    alone.*which = text;
+    return lookUp({delegates.rbegin(), delegates.rend()}, alone);
 }

@@ -42,7 +42,7 @@ public:
 private:
     friend class CatalogReader;
 
-    // Named after the elements.
+    // Named after the elements. The preferred ones are also entered as plain ones.
     enum Kind
     {
         system,
@@ -50,7 +50,9 @@ private:
         systemSuffix,
         delegateSystem,
         publicIdentifier,
+        preferredPublic, // where `prefer` is public
         delegatePublic,
+        preferredDelegate,
         uri,
         rewriteUri,
         uriSuffix,
@@ -68,7 +70,6 @@ private:
     {
         CString target; // as written
         Base base;
-        bool prefersPublic = true;            // `prefer` in effect at the entry
         std::optional<std::uint32_t> catalog; // number of a delegate, once it has been read
     };
 
@@ -108,8 +109,10 @@ private:
     {
         std::string_view publicId, systemId, uri; // normalized; "" if not looked up
         std::vector<bool> isVisited;              // by catalogue
+        bool isAlone = false;                     // only the identifier of a delegation is left
         bool isFinished = false;                  // the result is final
     };
+    using Identifier = std::string_view Lookup::*;
 
     static CString normalizedPublicId(std::string_view publicId);
     static CString pathOf(const CString& reference, const Base& base);
@@ -120,8 +123,7 @@ private:
     std::optional<CString> lookUpExact(const Table& table, std::string_view text) const;
     std::optional<CString> lookUpRewrite(const Table& table, std::string_view text) const;
     std::optional<CString> lookUpSuffix(const Table& table, std::string_view text) const;
-    std::optional<CString> lookUpDelegates(const Table& table, std::string_view text, Lookup& lookup,
-                                           bool isPublic = false) const;
+    std::optional<CString> lookUpDelegates(const Table& table, Identifier which, Lookup& lookup) const;
     std::optional<CString> lookUpAll(Lookup lookup) const;
 
     SourceReport& report;
