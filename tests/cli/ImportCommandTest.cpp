@@ -212,8 +212,12 @@ TEST_F(ImportCommand, AnswersExactly)
          {1, "", "c.xml: error: this is CSV; load it into a database table, then import that with odbc\n"}},
         {"printf 'PK\\003\\004\\000\\001' >z.dtd; $import z.dtd",
          {1, "", "z.dtd: error: this is a ZIP archive; unpack it, then import a file of it\n"}},
-        {"printf 'a, b\nc\n' >c.txt; $import c.txt",
-         {1, "", "c.txt: error: its importer is unknown; name one before the source\n"}},
+        {"printf 'a, b\nc\n' >c.txt; printf 'a;\nb;\n' >d.txt; printf -- '-- a\nCreate Table b (c int);\n' >q.txt; "
+         "$import c.txt; $import d.txt; $import q.txt",
+         {1, "",
+          "c.txt: error: its importer is unknown; name one before the source\n"
+          "d.txt: error: its importer is unknown; name one before the source\n"
+          "q.txt: error: this is SQL; run it in a database, then import the tables with odbc\n"}},
 
         {"f=$(printf 'x\\033\\ty.dtd'); printf '<!ELEMENT r (a)>' >\"$f\"; $import dtd --full \"$f\" -q -o /dev/null "
          "--report - "

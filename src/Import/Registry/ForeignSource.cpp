@@ -119,6 +119,11 @@ bool isAvroIdl(std::string_view text)
     return (first == "protocol" && third == "{") || (first == "@" && text.find("protocol ") != text.npos);
 }
 
+bool isSql(std::string_view text)
+{
+    return lowerAscii(text).find("create table ") != CString::npos;
+}
+
 // Returns the number of separators in a line, outside of quotes.
 std::size_t countOutsideQuotes(std::string_view line, char separator)
 {
@@ -130,7 +135,8 @@ std::size_t countOutsideQuotes(std::string_view line, char separator)
     }));
 }
 
-// Returns whether the first lines have the same number of columns, at least two.
+// Returns whether the first lines have the same number of columns, at least two. A separator at the end of a line alone
+// is rather the end of a statement.
 bool isCsv(std::string_view text)
 {
     if (std::ranges::any_of(
@@ -145,7 +151,8 @@ bool isCsv(std::string_view text)
             if (trimmed(line).empty() || (rest.empty() && lines > 1)) // the last line may be cut off
                 continue;
             const std::size_t count = countOutsideQuotes(line, separator);
-            if (count == 0 || (lines > 0 && count != columns))
+            const std::size_t atEnd = trimmed(line).ends_with(separator) ? 1 : 0;
+            if (count == atEnd || (lines > 0 && count != columns))
                 return false;
             columns = count;
             ++lines;
@@ -167,6 +174,7 @@ constexpr Language kLanguages[] = {
     {".rnc", isRelaxCompact, "this is RELAX NG in its compact form; convert it with trang, then import the schema"},
     {".proto", isProtobuf, "this is Protobuf; convert it to JSON Schema with protoc-gen-jsonschema, then import that"},
     {".avdl", isAvroIdl, "this is Avro IDL; convert it with avro-tools idl, then import the protocol"},
+    {".sql", isSql, "this is SQL; run it in a database, then import the tables with odbc"},
     {".csv", isCsv, "this is CSV; load it into a database table, then import that with odbc"},
     {".tsv", isCsv, "this is CSV; load it into a database table, then import that with odbc"},
 };
