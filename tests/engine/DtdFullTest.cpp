@@ -150,11 +150,11 @@ const Rule kRules[] = {
      "without an end\n1 general entity\n1 notation\n"},
     {"ContentWithoutANameOrAConnector",
      "<!ENTITY % e ''>\n<!ELEMENT a ()>\n<!ELEMENT b (a,)>\n<!ELEMENT c (a 'x')>\n<!ELEMENT d (b?+)>\n"
-     "<!ELEMENT r ((b | (c)+)* , d?)><!ELEMENT t (#PCDATA %e;)*>",
+     "<!ELEMENT r ((b | (c)+)* , d?)><!ELEMENT t (#PCDATA %e;)*>\n<!ELEMENT u (#PCDATAA)>",
      "c(a:String) b(a:String) d(b:b) t_b[b] t_c[c] r(b:t_b c:t_c d:d)",
-     "4 losses\nx:2:1: declaration that makes no sense: a\nx:3:1: declaration that makes no sense: b\nx:4:1: "
-     "declaration that makes no sense: c\nx:5:1: declaration that makes no sense: d\n\n5 details\n\n4 declarations not "
-     "understood\n4 optional parts\n1 choice\n"},
+     "5 losses\nx:2:1: declaration that makes no sense: a\nx:3:1: declaration that makes no sense: b\nx:4:1: "
+     "declaration that makes no sense: c\nx:5:1: declaration that makes no sense: d\nx:7:1: declaration that makes no "
+     "sense: u\n\n5 details\n\n5 declarations not understood\n4 optional parts\n1 choice\n"},
     {"ListsOfOtherThanWords", "<!ELEMENT r EMPTY><!ATTLIST r k ('x'|y|-) #IMPLIED l NOTATION (n) #IMPLIED>",
      "k{y|-} r(r_k:k r_l:String)",
      "1 loss\nx:1:19: declaration that makes no sense: r\n\n2 details\n\n1 declaration not understood\n2 optional "

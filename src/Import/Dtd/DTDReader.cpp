@@ -144,8 +144,7 @@ void DTDReader::readElement()
         declareElement(elementNamed(name), first, holdsText);
 }
 
-// Reads the content of an element. If there is none, a missing entity may have held it. Returns false if it is
-// unreadable.
+// Reads the content of an element, which a missing entity may have held. Returns false if it is unreadable.
 bool DTDReader::readContent(bool& holdsText)
 {
     const DTDTokens::Token& token = tokens->token();
@@ -165,8 +164,8 @@ bool DTDReader::readContent(bool& holdsText)
     return isKnown;
 }
 
-// Reads a content model from its first '('. One that doesn't end, or in which names and connectors don't alternate, is
-// reported, and what was read is used. A missing entity may have held the missing part.
+// Reads a content model from its first '('. It is reported if it doesn't end, if names and connectors don't alternate,
+// or if a '#' begins another word than PCDATA; what was read is used. A missing entity may have held the missing part.
 bool DTDReader::readGroup(bool& holdsText)
 {
     std::size_t depth = 0;
@@ -181,7 +180,8 @@ bool DTDReader::readGroup(bool& holdsText)
         }
         const DTDTokens::Kind kind = token.kind;
         const char mark = kind == DTDTokens::tokenMark ? token.mark : '\0';
-        const bool isItem = kind == DTDTokens::tokenWord || kind == DTDTokens::tokenReserved || mark == '(';
+        const bool isText = kind == DTDTokens::tokenReserved && isSameAscii(token.text, "PCDATA");
+        const bool isItem = kind == DTDTokens::tokenWord || isText || mark == '(';
         const bool isConnector = mark == '|' || mark == ',' || mark == '&';
         isMalformed |= !token.followsUnknown && (isItem ? !needsItem : needsItem || !(isConnector || mark == ')'));
         needsItem = mark == '(' || isConnector;
@@ -189,7 +189,7 @@ bool DTDReader::readGroup(bool& holdsText)
             readChild();
             continue;
         }
-        holdsText |= kind == DTDTokens::tokenReserved && isSameAscii(token.text, "PCDATA");
+        holdsText |= isText;
         tokens->next();
         readGroupMark(mark, depth);
     } while (depth > 0);
