@@ -11,6 +11,7 @@
 #include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
 #include "Ui/WizardSheet.h"
+#include "Wizard/Run/SourceList.h"
 #include "Wizard/Run/WizardRun.h"
 
 #include <QComboBox>

@@ -2,9 +2,6 @@
 
 #include "Import/Full/FullMessage.h"
 
-#include <filesystem>
-#include <system_error>
-
 namespace {
 
 // Returns a word quoted for a shell; one of harmless characters stays as it is. Between single quotes every character
@@ -65,11 +62,4 @@ CString ScriptCommand::text(MsgBase& message) const
     else
         line += option("--user", sourceUser);
     return line;
-}
-
-CString absoluteName(const CString& fileName)
-{
-    std::error_code failure;
-    const std::filesystem::path full = std::filesystem::absolute(fileName, failure);
-    return failure ? fileName : full.lexically_normal().string();
 }

@@ -25,7 +25,3 @@ struct ScriptCommand
     /// a shell. `message` is the importer after the import: it knows the choices of the full reading.
     CString text(MsgBase& message) const;
 };
-
-/// Returns a file's absolute name, which does not depend on the current folder. Links are not followed. The name is
-/// returned as it is if the current folder is gone.
-CString absoluteName(const CString& fileName);

@@ -1,7 +1,6 @@
 #include "Wizard/Run/SourceList.h"
 
 #include "Import/MsgBase.h"
-#include "Wizard/Run/ScriptCommand.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -71,6 +70,13 @@ CString textOfSources(const std::vector<CString>& names)
 bool readsSeveral(const MsgUIDescriptor& importer)
 {
     return importer.hasFull() || std::unique_ptr<MsgBase>(importer.create())->setFurtherFiles({});
+}
+
+CString absoluteName(const CString& fileName)
+{
+    std::error_code failure;
+    const std::filesystem::path full = std::filesystem::absolute(fileName, failure);
+    return failure ? fileName : full.lexically_normal().string();
 }
 
 bool isFolder(const CString& name)

@@ -21,5 +21,9 @@ CString textOfSources(const std::vector<CString>& names);
 /// source.
 bool readsSeveral(const MsgUIDescriptor& importer);
 
+/// Returns a file's absolute name, which does not depend on the current folder. Links are not followed. The name is
+/// returned as it is if the current folder is gone.
+CString absoluteName(const CString& fileName);
+
 /// Returns whether a name is that of a folder.
 bool isFolder(const CString& name);
