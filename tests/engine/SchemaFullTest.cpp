@@ -329,6 +329,15 @@ const Rule kRules[] = {
                       "o:A", "") "</complexType>" TYPE("D", EXTENSION("o:F", SEQUENCE("<element name='d'/>")))
                       TYPE("E", EXTENSION("o:D", SEQUENCE("<element name='e' type='o:D'/>"))),
                   "urn:t")}}},
+    {"RedefinitionOfATypeDerivedFromAnAbstractOne",
+     "<redefine schemaLocation='m.xsd'>" TYPE(
+         "D",
+         EXTENSION("t:D",
+                   SEQUENCE("<element name='e'/>"))) "</redefine>" ROOT(SEQUENCE("<element name='a' type='t:A'/>")),
+     "D(d:String e:String) r(a:String)",
+     {{"m.xsd", documentOf("<complexType name='A' abstract='true'/>" TYPE(
+                    "D", EXTENSION("t:A", SEQUENCE("<element name='d'/>"))))}},
+     "r"},
     {"TypesForAnAbstractRootType",
      "<element name='r' type='t:A'/><complexType name='A' abstract='true'/><complexType name='N' "
      "abstract='true'/>" TYPE("D", EXTENSION("t:A", SEQUENCE("<element name='d'/>"))) TYPE("M", EXTENSION("t:N", "")),

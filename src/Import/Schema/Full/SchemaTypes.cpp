@@ -97,7 +97,9 @@ void SchemaTypes::readChoice(SourceTypes::Index choice)
             bases.push_back(type);
             set.reach(type);
             contents.spendStep();
-            if (tree[type].is(SchemaNode::isAbstract)) // a message can't choose it
+            // A message can't choose an abstract type, nor a redefined one, whose redefinition has its name.
+            if (tree[type].is(SchemaNode::isAbstract) ||
+                set.find(SchemaSet::type, set.nameOf(type), tree[type].parent) != type)
                 continue;
             const SourceTypes::Type record = recordOf(type, SourceTypes::kNone);
             if (record.kind == SourceTypes::kindRecord)
@@ -125,8 +127,7 @@ void SchemaTypes::collectDerived()
     const auto add = [this](Index type) {
         const Index derivation = tree[type].tag == SchemaTag::complexType ? tree.derivationOf(type) : 0;
         const SchemaName base = tree.referenceOf(derivation);
-        // A redefined type is left out; its redefinition has its name.
-        if (base.local != 0 && set.find(SchemaSet::type, set.nameOf(type), tree[type].parent) == type)
+        if (base.local != 0)
             if (const Index found = set.find(SchemaSet::type, base, derivation); found != 0 && found != type)
                 derived[found].push_back(type);
     };
