@@ -2,7 +2,6 @@
 
 #include "Wizard/Windows/Diagram.h"
 
-#include <QGraphicsItem>
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
 
@@ -11,70 +10,44 @@
 
 namespace {
 
-class BoxItem : public QGraphicsItem
+// Returns the area of a box with room for the broad frame of a chosen one.
+QRectF frameOf(const Diagram& diagram, std::size_t box)
 {
-public:
-    BoxItem(const DiagramScene& shownIn, std::size_t boxNumber) : scene(shownIn), box(boxNumber)
-    {
-        setFlag(ItemUsesExtendedStyleOption); // without it, a part of a box would draw all of it
-        setZValue(1);                         // above the arrows
-    }
-
-    // With room for the broad frame of a chosen box.
-    QRectF boundingRect() const override { return scene.queryDiagram().areaOf(box).adjusted(-4, -4, 4, 4); }
-
-    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) override
-    {
-        const double scale = QStyleOptionGraphicsItem::levelOfDetailFromTransform(painter->worldTransform());
-        scene.queryDiagram().drawBox(*painter, box, option->exposedRect, scale, scene.queryChosen() == box);
-    }
-
-private:
-    const DiagramScene& scene;
-    std::size_t box;
-};
-
-// The items are owned by the scene, which also keeps their diagram alive.
-class ArrowItem : public QGraphicsItem
-{
-public:
-    ArrowItem(const Diagram& drawn, std::size_t arrowNumber) : diagram(drawn), arrow(arrowNumber) {}
-
-    QRectF boundingRect() const override { return diagram.areaOfArrow(arrow); }
-    void paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidget*) override
-    {
-        diagram.drawArrow(*painter, arrow);
-    }
-
-private:
-    const Diagram& diagram;
-    std::size_t arrow;
-};
+    return diagram.areaOf(box).adjusted(-4, -4, 4, 4);
+}
 
 } // namespace
 
 DiagramScene::DiagramScene(std::shared_ptr<const Diagram> drawn, const QColor& ground) : diagram(std::move(drawn))
 {
     setBackgroundBrush(ground);
-    for (std::size_t arrow = 0; arrow < diagram->arrowCount(); ++arrow)
-        addItem(new ArrowItem(*diagram, arrow));
-    for (std::size_t box = 0; box < diagram->boxCount(); ++box)
-        addItem(boxes.emplace_back(new BoxItem(*this, box)));
     setSceneRect(diagram->queryArea());
+}
+
+// Arrows come first, so that boxes lie over them. Only those in view are drawn.
+void DiagramScene::drawBackground(QPainter* painter, const QRectF& exposed)
+{
+    QGraphicsScene::drawBackground(painter, exposed);
+    for (std::size_t arrow = 0; arrow < diagram->arrowCount(); ++arrow)
+        if (diagram->areaOfArrow(arrow).intersects(exposed))
+            diagram->drawArrow(*painter, arrow);
+    const double scale = QStyleOptionGraphicsItem::levelOfDetailFromTransform(painter->worldTransform());
+    for (std::size_t box = 0; box < diagram->boxCount(); ++box)
+        if (frameOf(*diagram, box).intersects(exposed))
+            diagram->drawBox(*painter, box, exposed, scale, box == chosen);
 }
 
 // Both boxes are drawn again, for the frame.
 void DiagramScene::choose(std::size_t box)
 {
-    boxes[chosen]->update();
-    chosen = box;
-    boxes[chosen]->update();
+    update(frameOf(*diagram, std::exchange(chosen, box)));
+    update(frameOf(*diagram, chosen));
 }
 
 // A picture has few boxes, so they are searched one by one.
 std::optional<std::size_t> DiagramScene::boxAt(const QPointF& point) const
 {
-    for (std::size_t box = 0; box < boxes.size(); ++box)
+    for (std::size_t box = 0; box < diagram->boxCount(); ++box)
         if (diagram->areaOf(box).contains(point))
             return box;
     return {};
@@ -85,7 +58,7 @@ std::optional<std::size_t> DiagramScene::boxTowards(int key) const
 {
     std::optional<std::size_t> nearest;
     double shortest = 0;
-    for (std::size_t box = 0; box < boxes.size(); ++box) {
+    for (std::size_t box = 0; box < diagram->boxCount(); ++box) {
         const QPointF offset = diagram->areaOf(box).center() - diagram->areaOf(chosen).center();
         const bool isSideways = key == Qt::Key_Left || key == Qt::Key_Right;
         const bool isBackwards = key == Qt::Key_Left || key == Qt::Key_Up;

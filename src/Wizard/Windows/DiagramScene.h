@@ -5,12 +5,11 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
-#include <vector>
 
 class Diagram;
 
-/// The items of a diagram, with a chosen box. One item for each box and arrow, so that Qt only draws those in view. The
-/// scene owns the items and shares the diagram, which the items refer to.
+/// A diagram with a chosen box, drawn as the background of a scene without items: a picture has few boxes and arrows,
+/// so those in view are found one by one.
 class DiagramScene : public QGraphicsScene
 {
 public:
@@ -31,8 +30,10 @@ public:
     /// Returns the box nearest to the chosen one in the direction of an arrow key, if any.
     std::optional<std::size_t> boxTowards(int key) const;
 
+protected:
+    void drawBackground(QPainter* painter, const QRectF& exposed) override;
+
 private:
     std::shared_ptr<const Diagram> diagram;
-    std::vector<QGraphicsItem*> boxes; // by number; the scene owns them
     std::size_t chosen = 0;
 };
