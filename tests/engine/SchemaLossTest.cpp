@@ -208,6 +208,10 @@ const Loss kLosses[] = {
     {"MixedText",
      "<xs:element name='M'>\n<xs:complexType mixed='1'>" SEQUENCE(ELEMENT("name='a'")) "</xs:complexType></xs:element>",
      "2:1 text beside fields skipped: M", ""},
+    {"MemberBesideAFieldOfItsName",
+     MAIN(ELEMENT("ref='h'") ELEMENT("name='m' type='xs:date'")) ELEMENT("name='h' type='xs:date'")
+         ELEMENT("name='m' substitutionGroup='h'"),
+     "3:38 substitution group skipped: m\n2:1 unknown type, imported as text: h", ""},
     {"ReferenceToASimpleTypeInside",
      MAIN(ELEMENT("ref='g'")) "<xs:element name='g'>" SIMPLE("", "xs:date", "") "</xs:element>",
      "2:1 simple type skipped: g", ""},

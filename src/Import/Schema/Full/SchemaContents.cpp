@@ -17,6 +17,7 @@ constexpr std::size_t kFewFields = 16;
 // length.
 constexpr std::size_t kMaxFields = 1'000'000;
 constexpr std::size_t kMaxSteps = 20'000'000; // visited particles; nested groups can multiply them
+constexpr int kMaxHeads = 100;                // above an element without a type; real schemas have a few
 
 // Returns whether an attribute of the XML namespace needs no declaration (https://www.w3.org/TR/xml/, /xmlbase/,
 // /xml-id/).
@@ -272,10 +273,31 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, bool repe
     model.add(static_cast<std::uint32_t>(elements.positionOf(*field)), repeats);
 }
 
+// Returns the declaration that gives a declaration its type: itself, or the nearest head of its substitution groups
+// that has one (XML Schema Part 1, 3.3.2). The search is limited, because heads may form a chain or a cycle.
+SchemaContents::Index SchemaContents::typedBy(Index declaration) const
+{
+    const auto hasType = [this](Index at) {
+        return tree[at].reference.local != 0 || tree.childOf(at, SchemaTag::complexType, SchemaTag::simpleType) != 0;
+    };
+    for (int steps = 0; steps < kMaxHeads && !hasType(declaration); ++steps) {
+        const bool hasHead = tree[declaration].tag == SchemaTag::element && tree.firstListed(declaration).local != 0;
+        const Index head = hasHead ? set.find(SchemaSet::element, tree.firstListed(declaration), declaration) : 0;
+        if (head == 0)
+            break;
+        declaration = head;
+    }
+    return declaration;
+}
+
 // Returns whether two declarations of one name have the same type, as far as that is known without reading the type.
 bool SchemaContents::areEquivalent(Index one, Index other) const
 {
-    if (one == other || one == 0 || other == 0)
+    if (one == 0 || other == 0)
+        return true;
+    one = typedBy(one);
+    other = typedBy(other);
+    if (one == other)
         return true;
     const auto holdsType = [this](Index at) {
         return tree.childOf(at, SchemaTag::complexType, SchemaTag::simpleType) != 0;

@@ -84,6 +84,7 @@ private:
     void walkAttributes(Index holder);
     void visitAttribute(Index attribute);
     void addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation);
+    Index typedBy(Index declaration) const;
     bool areEquivalent(Index one, Index other) const;
     Content keep();
 
