@@ -1,7 +1,6 @@
 #include "Base/Progress.h"
 #include "Types/TypeStructure.h"
 #include "Wizard/Windows/Diagram.h"
-#include "Wizard/Windows/DiagramScene.h"
 #include "Wizard/Windows/DiagramView.h"
 #include "Wizard/Windows/DocumentWindow.h"
 #include "Wizard/Windows/XmlHighlighter.h"
@@ -268,8 +267,8 @@ struct PictureDesk : TypesDesk
 {
     explicit PictureDesk(const std::string& dtd, int row) : TypesDesk(dtd, row) { button("showPicture").click(); }
 
-    QGraphicsView& view() { return *window<QGraphicsView>("picture"); }
-    const Diagram& diagram() { return dynamic_cast<DiagramScene&>(*view().scene()).queryDiagram(); }
+    DiagramView& view() { return *window<DiagramView>("picture"); }
+    const Diagram& diagram() { return *view().queryDiagram(); }
     CString status() { return window<QLabel>("status")->text().toStdString(); }
     CString title() { return window<QWidget>("diagramWindow")->windowTitle().toStdString(); }
     QPoint place(std::size_t box) { return view().mapFromScene(diagram().areaOf(box).center()); }

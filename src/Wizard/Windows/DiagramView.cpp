@@ -1,12 +1,12 @@
 #include "Wizard/Windows/DiagramView.h"
 
 #include "Wizard/Windows/Diagram.h"
-#include "Wizard/Windows/DiagramScene.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QStyleOptionGraphicsItem>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -26,6 +26,12 @@ constexpr double kLargest = 8;
 constexpr double kSmallestWhole = 0.45;
 // Pixels left free above and beside the first box.
 constexpr double kMargin = 20;
+
+// Returns the area of a box with room for the broad frame of a chosen one.
+QRectF frameOf(const Diagram& diagram, std::size_t box)
+{
+    return diagram.areaOf(box).adjusted(-4, -4, 4, 4);
+}
 } // namespace
 
 DiagramView::DiagramView()
@@ -35,23 +41,66 @@ DiagramView::DiagramView()
     setFrameShape(QFrame::NoFrame);
 }
 
-void DiagramView::showDiagram(std::shared_ptr<const Diagram> diagram)
+void DiagramView::showDiagram(std::shared_ptr<const Diagram> shown)
 {
-    delete diagramScene;
-    diagramScene = nullptr;
-    if (diagram->isEmpty())
+    delete scene();
+    diagram.reset();
+    chosen = 0;
+    if (shown->isEmpty())
         return;
-    diagramScene = new DiagramScene(std::move(diagram), palette().color(QPalette::Base));
-    diagramScene->setParent(this);
-    setScene(diagramScene);
+    diagram = std::move(shown);
+    setScene(new QGraphicsScene(diagram->queryArea(), this));
+    setBackgroundBrush(palette().color(QPalette::Base));
     opens = fits = true;
     fit();
 }
 
+// Arrows come first, so that boxes lie over them.
+void DiagramView::drawBackground(QPainter* painter, const QRectF& exposed)
+{
+    QGraphicsView::drawBackground(painter, exposed);
+    for (std::size_t arrow = 0; arrow < diagram->arrowCount(); ++arrow)
+        if (diagram->areaOfArrow(arrow).intersects(exposed))
+            diagram->drawArrow(*painter, arrow);
+    const double scale = QStyleOptionGraphicsItem::levelOfDetailFromTransform(painter->worldTransform());
+    for (std::size_t box = 0; box < diagram->boxCount(); ++box)
+        if (frameOf(*diagram, box).intersects(exposed))
+            diagram->drawBox(*painter, box, exposed, scale, box == chosen);
+}
+
+// Both boxes are drawn again, for the frame.
 void DiagramView::choose(std::size_t box)
 {
-    diagramScene->choose(box);
+    scene()->update(frameOf(*diagram, std::exchange(chosen, box)));
+    scene()->update(frameOf(*diagram, chosen));
     Q_EMIT boxChosen(box);
+}
+
+std::optional<std::size_t> DiagramView::boxAt(const QPoint& point) const
+{
+    for (std::size_t box = 0; diagram && box < diagram->boxCount(); ++box)
+        if (diagram->areaOf(box).contains(mapToScene(point)))
+            return box;
+    return {};
+}
+
+// The distance across the key's direction counts twice, so that a key prefers boxes of the same row or column.
+std::optional<std::size_t> DiagramView::boxTowards(int key) const
+{
+    std::optional<std::size_t> nearest;
+    double shortest = 0;
+    for (std::size_t box = 0; box < diagram->boxCount(); ++box) {
+        const QPointF offset = diagram->areaOf(box).center() - diagram->areaOf(chosen).center();
+        const bool isSideways = key == Qt::Key_Left || key == Qt::Key_Right;
+        const bool isBackwards = key == Qt::Key_Left || key == Qt::Key_Up;
+        const double along = (isSideways ? offset.x() : offset.y()) * (isBackwards ? -1 : 1);
+        const double distance = along + 2 * std::abs(isSideways ? offset.y() : offset.x());
+        if (box == chosen || along <= 0 || (nearest && distance >= shortest))
+            continue;
+        nearest = box;
+        shortest = distance;
+    }
+    return nearest;
 }
 
 void DiagramView::zoom(double steps)
@@ -95,18 +144,18 @@ void DiagramView::wheelEvent(QWheelEvent* event)
 void DiagramView::keyPressEvent(QKeyEvent* event)
 {
     const bool isArrow = event->key() >= Qt::Key_Left && event->key() <= Qt::Key_Down;
-    if (diagramScene && isArrow && (event->modifiers() & Qt::ControlModifier)) {
-        if (const auto box = diagramScene->boxTowards(event->key())) {
+    if (diagram && isArrow && (event->modifiers() & Qt::ControlModifier)) {
+        if (const auto box = boxTowards(event->key())) {
             choose(*box);
-            ensureVisible(diagramScene->queryDiagram().areaOf(*box));
+            ensureVisible(diagram->areaOf(*box));
         }
         return;
     }
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (diagramScene)
-            Q_EMIT boxEntered(diagramScene->queryChosen());
+        if (diagram)
+            Q_EMIT boxEntered(chosen);
         return;
     case Qt::Key_Plus:
     case Qt::Key_Equal:
@@ -141,18 +190,18 @@ void DiagramView::mouseReleaseEvent(QMouseEvent* event)
 {
     QGraphicsView::mouseReleaseEvent(event);
     const bool isClick = (event->pos() - pressed).manhattanLength() < QApplication::startDragDistance();
-    if (!diagramScene || !isClick || event->button() != Qt::LeftButton)
+    if (!isClick || event->button() != Qt::LeftButton)
         return;
-    if (const auto box = diagramScene->boxAt(mapToScene(event->pos())))
+    if (const auto box = boxAt(event->pos()))
         choose(*box);
 }
 
 void DiagramView::mouseDoubleClickEvent(QMouseEvent* event)
 {
     pressed = {-QApplication::startDragDistance(), 0}; // so that its release is not a click
-    if (!diagramScene || event->button() != Qt::LeftButton)
+    if (event->button() != Qt::LeftButton)
         return;
-    if (const auto box = diagramScene->boxAt(mapToScene(event->pos())))
+    if (const auto box = boxAt(event->pos()))
         Q_EMIT boxEntered(*box);
 }
 
@@ -166,7 +215,7 @@ void DiagramView::resizeEvent(QResizeEvent* event)
 // starts at its first box.
 void DiagramView::fit()
 {
-    if (!diagramScene)
+    if (!diagram)
         return;
     const bool first = opens;
     if (fits)
@@ -176,7 +225,7 @@ void DiagramView::fit()
     if (opens && transform().m11() < kSmallestWhole) {
         resetTransform();
         // Centres the first box, or shows the upper left corner of one that is larger than the view.
-        const QRectF& start = diagramScene->queryDiagram().areaOf(0);
+        const QRectF& start = diagram->areaOf(0);
         const QSizeF seen = viewport()->size();
         centerOn(std::min(start.center().x(), start.left() + seen.width() / 2 - kMargin),
                  std::min(start.center().y(), start.top() - kMargin + seen.height() / 2));

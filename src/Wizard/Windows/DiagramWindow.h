@@ -60,7 +60,7 @@ private:
     std::vector<std::uint32_t> earlier;     // types shown before, for Back
     std::uint32_t shown = 0;                // the type shown
     int shownDirection = 0, shownDepth = 0; // the choices of the shown picture
-    std::shared_ptr<const Diagram> diagram; // shown; the scene of `view` shares it
+    std::shared_ptr<const Diagram> diagram; // shown; `view` shares it
     QString name;                           // of the shown type
     DiagramView* view;
     QLabel* status;
