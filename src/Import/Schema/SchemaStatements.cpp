@@ -404,10 +404,11 @@ bool SchemaStatements::isAtTop() const
     return ignored == 0 && !open.empty() && (open.size() == 1 || open.back().holder == Tag::redefine);
 }
 
-// Sets the component of the following findings and details, and moves the details of the last one to `tallies`.
+// Sets the component of the following findings and details, and moves the details of the last one to `tallies`. These
+// are of the kinds that are only counted.
 void SchemaStatements::enterComponent(SourceReport::Component number)
 {
-    for (std::size_t detail = 0; detail < details.size(); ++detail)
+    for (std::size_t detail = SourceReport::optionality; detail < details.size(); ++detail)
         if (const std::size_t times = std::exchange(details[detail], 0); times > 0)
             tallies.push_back({component, static_cast<SourceReport::Construct>(detail), times});
     component = number;
