@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Writes a DTD of N declarations to standard output: generate-dtd.py N [--web]
+"""Writes a DTD of N declarations to standard output: generate-dtd.py N [--web | --common]
 
 Records form a tree, as in message definitions. Each has text elements of its own, some from a pool that many records
 share, records declared after it, an attribute and a comment; about 130 bytes a declaration. With --web every record
-refers to records anywhere in the file, so that nearly all of them form one large cycle.
+refers to records anywhere in the file, so that nearly all of them form one large cycle. With --common half of the
+declarations are records of six fields each, drawn at random from the other half, which are text elements.
 """
 import random
 import sys
@@ -27,10 +28,21 @@ def record(i, count, web):
         yield f"<!ELEMENT {name} (#PCDATA)>\n"
 
 
+def records_with_common_fields(count):
+    for i in range(count):
+        fields = [f"Common{j:06d}" + random.choice(["", "?", "*"]) for j in random.sample(range(count), 6)]
+        yield f"<!ELEMENT Record{i:06d} ({', '.join(fields)})>\n"
+    for i in range(count):
+        yield f"<!ELEMENT Common{i:06d} (#PCDATA)>\n"
+
+
 def main():
     declarations = int(sys.argv[1])
     web = "--web" in sys.argv[2:]
     random.seed(1)
+    if "--common" in sys.argv[2:]:
+        sys.stdout.writelines(records_with_common_fields(declarations // 2))
+        return
     count = declarations // 4
     for i in range(count):
         sys.stdout.writelines(record(i, count, web))
