@@ -172,13 +172,16 @@ std::vector<CString> sourceFiles(const Arguments& arguments)
     return filesOf(arguments.sources, !importer || (importer->hasFull() && !arguments.full.isWanted));
 }
 
-// Throws std::runtime_error if a source is a folder that only a full reading can read.
-void requireFullForFolders(const Arguments& arguments)
+// Throws std::runtime_error if one of the sources `given` is a folder whose files chose an importer that reads folders
+// only in full.
+void requireFullForFolders(const Arguments& arguments, const std::vector<CString>& given,
+                           const MsgUIDescriptor& importer)
 {
+    if (arguments.importer || arguments.full.isWanted || !importer.hasFull())
+        return;
     std::error_code failure;
-    for (const CString& source : arguments.sources)
-        if (std::filesystem::is_directory(source, failure) &&
-            importerForFolder(source, arguments.isRecursive).hasFull())
+    for (const CString& source : given)
+        if (std::filesystem::is_directory(source, failure))
             throw std::runtime_error(source + ": use --full: it reads the files of a folder");
 }
 
@@ -189,8 +192,6 @@ void expandFolders(Arguments& arguments)
     const MsgUIDescriptor* const importer = arguments.importer;
     if (importer && (importer->querySource().readsTables || (importer->hasFull() && !arguments.full.isWanted)))
         return;
-    if (!importer && !arguments.full.isWanted)
-        requireFullForFolders(arguments);
     arguments.sources = withoutFolders(arguments.sources, importer, arguments.isRecursive);
 }
 
@@ -290,6 +291,7 @@ int runImport(Arguments arguments)
     const MsgUIDescriptor* const importer = arguments.importer ? arguments.importer : importerOf(files, diagnostics);
     if (!importer)
         return arguments.failedStatus();
+    requireFullForFolders(arguments, given, *importer);
     if (arguments.full.name.empty() && importer->readsFolders())
         arguments.full.name = nameOfSet(given, arguments.sources);
     if (const CString usageError = usageErrorFor(arguments, *importer); !usageError.empty())
