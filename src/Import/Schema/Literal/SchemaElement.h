@@ -79,12 +79,12 @@ public:
     using Children = std::pmr::vector<SchemaElement*>;
 
     /// Appends a child. The same entry may be appended several times. The list lies in `memory`, which must outlive the
-    /// entry and frees it.
-    void addChild(SchemaElement* child, std::pmr::memory_resource& memory)
+    /// entry and frees it; at first it has room for `expected` children.
+    void addChild(SchemaElement* child, std::size_t expected, std::pmr::memory_resource& memory)
     {
         if (!children) {
             children = std::pmr::polymorphic_allocator<>(&memory).new_object<Children>();
-            children->reserve(8); // most records have several
+            children->reserve(expected);
         }
         children->push_back(child);
     }

@@ -141,8 +141,8 @@ int SchemaMessage::doParse(SchemaOutline& outline, const CString& source)
         return fail(loadText(IDS_NO_ROOT), {source, "this document does not contain a root element"});
     beginWork(Work::arranging);
     table.readMain(outline);
-    const auto reached = table.findReached();
-    report.release([&reached](SourceReport::Component component) { return reached.contains(component); });
+    const NumberTable reached = table.findReached();
+    report.release([&reached](SourceReport::Component component) { return reached.find(component) != nullptr; });
     noteMain(outline);
     outline.keepTextsOnly(); // the model takes its place
     const CString path = baseFolder + table.queryMainType() + "\\";

@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::string_view kAnonymousType = "AnonymousType";
 constexpr std::string_view kStringType = "xsd:string";
+constexpr SchemaOutline::Index kMostExpected = 16; // children of a record
 
 // Returns whether a declaration has its type inside, at any depth.
 bool holdsType(const SchemaOutline& outline, SchemaOutline::Index at)
@@ -195,7 +196,9 @@ void SchemaTable::enterType(const SchemaOutline& outline, TypeWalk& walk)
     if (!name.empty() && name == rootTypeName)
         name = mainName;
     const SourcePlace place = outline.placeOf(walk.type);
-    walk.record = {name, RunningHash(name), addSchemaElement({place, name}, {})};
+    // Declarations at any depth, up to a bound, because types may nest deeply.
+    const std::size_t inside = std::min(outline.endOf(walk.type) - walk.type - 1, kMostExpected);
+    walk.record = {name, RunningHash(name), addSchemaElement({place, name}, {}), inside};
     if (SchemaElement* const entry = walk.record.entry) {
         if (entry->queryChildren() || entry->isOpen())
             report.add(SourceReport::mergedByName, place, name);
@@ -316,7 +319,7 @@ SchemaElement* SchemaTable::addSchemaElement(const SchemaEntryContent& content, 
         report.add(SourceReport::inventedRepetition, content.place, content.name); // two usages become a table
     }
     if (parent.entry)
-        parent.entry->addChild(entry, memory);
+        parent.entry->addChild(entry, parent.expected, memory);
     return entry;
 }
 
@@ -362,16 +365,17 @@ void SchemaTable::pull(const Fingerprint& type)
     }
 }
 
-std::unordered_set<SourceReport::Component> SchemaTable::findReached() const
+NumberTable SchemaTable::findReached() const
 {
-    std::unordered_set<SourceReport::Component> reached{SchemaOutline::kShared};
+    NumberTable reached;
+    reached.insert(SchemaOutline::kShared, 0);
     if (includedElements.empty())
         return reached;
     const auto add = [&reached](const SchemaElement* entry) {
         if (entry->isReference())
-            reached.insert(SchemaOutline::componentOf(unmarkedName(entry->queryName())));
+            reached.insert(SchemaOutline::componentOf(unmarkedName(entry->queryName())), 0);
         else if (!isBuiltIn(entry->queryType()))
-            reached.insert(SchemaOutline::componentOf(entry->queryType()));
+            reached.insert(SchemaOutline::componentOf(entry->queryType()), 0);
     };
     std::ranges::for_each(schemaElements, add);
     std::ranges::for_each(pulled, add);

@@ -2,6 +2,7 @@
 
 #include "Base/Arena.h"
 #include "Base/KeyedTable.h"
+#include "Base/NumberTable.h"
 #include "Base/Progress.h"
 #include "Import/Schema/Literal/SchemaElement.h"
 #include "Import/Schema/Literal/SchemaOutline.h"
@@ -10,7 +11,6 @@
 #include <deque>
 #include <functional>
 #include <tuple>
-#include <unordered_set>
 #include <utility>
 
 /// The declarations of a schema by name; the outlines hold the texts. A schema is read in two passes. The first covers
@@ -61,8 +61,8 @@ public:
     const Entries& queryDeclared() const { return schemaElements; }
     const std::deque<SchemaElement*>& queryPulled() const { return pulled; }
 
-    /// Returns the components that fields name, as types or elements, pulled or not.
-    std::unordered_set<SourceReport::Component> findReached() const;
+    /// Returns the components that fields name, as types or elements, pulled or not, as the keys of a table.
+    NumberTable findReached() const;
 
     /// Returns the entry for a key, declared or pulled; null if there is none.
     const SchemaElement* find(const Fingerprint& key) const;
@@ -96,12 +96,14 @@ private:
     using Index = SchemaOutline::Index;
     struct TypeWalk;
 
-    // The current complex type: its name, which is its key, and its entry, null if it was rejected.
+    // The current complex type: its name, which is its key, its entry, null if it was rejected, and the number of
+    // children to expect.
     struct Record
     {
         std::string_view name;
         RunningHash key;
         SchemaElement* entry = nullptr;
+        std::size_t expected = 0;
     };
 
     // The declarations that are prefetched next, in document order, and the name of the complex type before them.
