@@ -107,6 +107,7 @@ public:
         abstractType,
         derivedType,     ///< may replace an abstract type in a message
         replaceableType, ///< by a type derived from it, which a message names
+        typeAlternative, ///< which the attributes of an element choose
         sectionLeftOut,  ///< which an entity could include
         listType,
         unionOfKinds,
@@ -125,7 +126,6 @@ public:
         nillable,
         defaultValue,
         derivationLimit, ///< final, block
-        typeAlternative,
         assertion,
         identityConstraint,
         generalEntity,

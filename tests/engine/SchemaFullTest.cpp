@@ -338,6 +338,17 @@ const Rule kRules[] = {
      {{"m.xsd", documentOf("<complexType name='A' abstract='true'/>" TYPE(
                     "D", EXTENSION("t:A", SEQUENCE("<element name='d'/>"))))}},
      "r"},
+    {"TypesOfAlternatives",
+     ROOT(
+         SEQUENCE("<element name='e' type='t:B'><alternative test='@k' type='t:D'/><alternative test='@l'><complexType>"
+                  "<attribute name='i'/></complexType></alternative><alternative test='@m' type='error'/></element>"
+                  "<element name='f'><alternative type='t:A'/></element>")) TYPE("B", "<attribute name='k'/>")
+         TYPE("D", EXTENSION("t:B", SEQUENCE("<element name='d' type='int'/>")))
+             TYPE("X", "<attribute name='x'/>") "<complexType name='A' abstract='true'/>" TYPE(
+                 "C", EXTENSION("t:A", "<attribute name='c'/>")),
+     "D(d:Number k:String) B(k:String) r(e:B f:String) e(i:String) C(c:String)",
+     {},
+     "r"},
     {"TypesForAnAbstractRootType",
      "<element name='r' type='t:A'/><complexType name='A' abstract='true'/><complexType name='N' "
      "abstract='true'/>" TYPE("D", EXTENSION("t:A", SEQUENCE("<element name='d'/>"))) TYPE("M", EXTENSION("t:N", "")),

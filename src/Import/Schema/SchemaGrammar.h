@@ -6,7 +6,7 @@
 
 /// The kinds of statements in the schema language (https://www.w3.org/TR/xmlschema11-1/). Statements of the same effect
 /// share a tag. The order matters, because ranges are compared: `element` to `attributeGroup` are the components of
-/// types, and all statements up to `enumeration` affect types.
+/// types, and all statements up to `alternative` affect types.
 enum class SchemaTag : std::uint8_t
 {
     none, ///< no statement of the language
@@ -32,6 +32,7 @@ enum class SchemaTag : std::uint8_t
     unionOf,
     list,
     enumeration,
+    alternative, ///< of types, in 1.1
     // The statements above affect types.
     annotation,
     documentation,
@@ -40,7 +41,6 @@ enum class SchemaTag : std::uint8_t
     constraint, ///< unique, key and keyref
     path,       ///< selector and field
     notation,
-    alternative, ///< of types, in 1.1
     assertion,   ///< in 1.1, also as a facet
     openContent, ///< in 1.1, also defaultOpenContent
     // No statements, but rules for the statements inside: a restriction depends on its context, and a statement with

@@ -43,6 +43,7 @@ bool isOnlyChild(Tag holder, Tag tag)
     switch (holder) {
     case Tag::element:
     case Tag::attribute:
+    case Tag::alternative:
         return tag == Tag::simpleType || tag == Tag::complexType;
     case Tag::simpleRestriction:
         return tag == Tag::simpleType;
@@ -371,7 +372,7 @@ void SchemaStatements::countStatement(SchemaTag tag)
         ++details[SourceReport::assertion];
         break;
     case Tag::alternative:
-        ++details[SourceReport::typeAlternative];
+        addFinding(SourceReport::typeAlternative, CString(valueOf(has(Word::type) ? Word::type : Word::test)));
         break;
     case Tag::openContent:
         addFinding(SourceReport::anyElement, current.qualified());

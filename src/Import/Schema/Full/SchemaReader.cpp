@@ -64,7 +64,7 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes, const Xm
     const std::size_t shadowedBefore = shadowed.size();
     for (std::size_t i = 0; i < scope.count; ++i)
         bind(scope[i]);
-    const bool isNode = tag != SchemaTag::none && tag <= SchemaTag::enumeration;
+    const bool isNode = tag != SchemaTag::none && tag <= SchemaTag::alternative;
     // Only the root is a schema, and the parent of a node is a node.
     if (isNode && open.empty() == (tag == SchemaTag::schema) && (open.empty() || open.back().node != 0))
         enter(tag, shadowedBefore);

@@ -388,7 +388,6 @@ void SchemaSet::reportNotes()
     notes.clear();
 }
 
-// Returns the node or its nearest ancestor that has a name. The search is limited to the depth of real schemas.
 SchemaSet::Index SchemaSet::namedAround(Index node) const
 {
     for (int steps = 0; steps < kNearby && !tree[node].hasName(); ++steps)

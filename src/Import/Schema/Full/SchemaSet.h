@@ -154,6 +154,9 @@ public:
     /// Drops everything kept by note().
     void dropNotes() { notes.clear(); }
 
+    /// Returns the node or its nearest ancestor that has a name. The search is limited to the depth of real schemas.
+    Index namedAround(Index node) const;
+
     /// Passes everything kept by note() to the report, in the order of reading, without repetitions.
     void reportNotes();
 
@@ -227,7 +230,6 @@ private:
     std::vector<std::uint32_t> includedDocuments(std::uint32_t document) const;
     bool holdsElements(Index derivation) const;
     void sortNotes();
-    Index namedAround(Index node) const;
     void markReached(Index component);
     std::vector<Index> findComponents() const;
 

@@ -65,31 +65,60 @@ void SchemaTypes::readPending()
     }
 }
 
-// Returns the index of the choice of a field whose type is abstract; kNone for other types, and for one that no named
-// type is derived from. readPending() reads the choice later. A type that is not abstract may be replaced, too, but
-// then the field has its own type only, which is reported.
-SourceTypes::Index SchemaTypes::choiceOf(Index complexType)
+// Returns the index of the choice of a declaration whose type is abstract or has alternatives; kNone for others, and
+// for an abstract type that no named type is derived from. readPending() reads the choice later. A type that is not
+// abstract may be replaced, too, but then the field has its own type only, which is reported.
+SourceTypes::Index SchemaTypes::choiceOf(const Declared& type, Index declaration)
 {
-    if (complexType == 0 || derivedFrom(complexType).empty())
+    const bool isReplaceable = type.complexType != 0 && !derivedFrom(type.complexType).empty();
+    const bool isAbstract = tree[type.complexType].is(SchemaNode::isAbstract);
+    const bool hasAlternatives = tree.childOf(declaration, SchemaTag::alternative) != 0;
+    if (isReplaceable && !isAbstract)
+        set.note(SourceReport::replaceableType, type.complexType);
+    if (!hasAlternatives && (!isReplaceable || !isAbstract))
         return SourceTypes::kNone;
-    if (!tree[complexType].is(SchemaNode::isAbstract)) {
-        set.note(SourceReport::replaceableType, complexType);
-        return SourceTypes::kNone;
-    }
-    const auto [known, isNew] = choicesByType.try_emplace(complexType, static_cast<SourceTypes::Index>(choices.size()));
+    const Index node = hasAlternatives ? declaration : type.complexType;
+    const auto [known, isNew] = choicesByNode.try_emplace(node, static_cast<SourceTypes::Index>(choices.size()));
     if (isNew) {
-        choices.push_back(complexType);
+        choices.push_back(node);
         types.choices.emplace_back();
     }
     return known->second;
 }
 
-// Reads the types that may replace an abstract one: those derived from it, directly or indirectly. Each step is
-// counted, because each abstract type of a chain has all types after it.
+// Reads the types that may replace that of a declaration.
 void SchemaTypes::readChoice(SourceTypes::Index choice)
 {
-    std::vector<Index> bases{choices[choice]};
-    std::unordered_set<Index> met{choices[choice]};
+    if (tree[choices[choice]].tag == SchemaTag::complexType)
+        readDerived(choice, choices[choice]);
+    else
+        readAlternatives(choice);
+}
+
+// Reads the types that the attributes of an element choose instead of its own (XML Schema 1.1 Part 1, 3.12). A simple
+// one is derived from the element's type, so the field can hold its values.
+void SchemaTypes::readAlternatives(SourceTypes::Index choice)
+{
+    const auto add = [&](Index type, bool isOwn) {
+        if (tree[type].is(SchemaNode::isAbstract))
+            return readDerived(choice, type);
+        const SourceTypes::Type record = type == 0 || isOwn ? SourceTypes::Type() : recordOf(type, SourceTypes::kNone);
+        if (record.kind == SourceTypes::kindRecord)
+            types.choices[choice].push_back(record.index);
+    };
+    const Index element = choices[choice];
+    add(declared(element).complexType, true);
+    for (Index at = tree.childOf(element, SchemaTag::alternative); at != 0;
+         at = tree.firstOf(tree[at].next, SchemaTag::alternative))
+        add(declared(at).complexType, false);
+}
+
+// Reads the types that may replace an abstract one: those derived from it, directly or indirectly. Each step is
+// counted, because each abstract type of a chain has all types after it.
+void SchemaTypes::readDerived(SourceTypes::Index choice, Index base)
+{
+    std::vector<Index> bases{base};
+    std::unordered_set<Index> met{base};
     for (std::size_t i = 0; i < bases.size(); ++i)
         for (const Index type : derivedFrom(bases[i])) {
             if (!met.insert(type).second)
@@ -105,7 +134,7 @@ void SchemaTypes::readChoice(SourceTypes::Index choice)
             if (record.kind == SourceTypes::kindRecord)
                 types.choices[choice].push_back(record.index);
             if (reported.insert(type).second)
-                set.noteText(SourceReport::derivedType, choices[choice],
+                set.noteText(SourceReport::derivedType, base,
                              CString(tree.text(tree[type].name)) + " for " + CString(tree.text(tree[bases[i]].name)));
         }
 }
@@ -162,12 +191,12 @@ void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
     candidate.isType = node.tag == SchemaTag::complexType;
     if (candidate.isType) {
         candidate.type = recordOf(component, SourceTypes::kNone);
-        candidate.choice = choiceOf(component);
+        candidate.choice = choiceOf({component, {}, 0}, 0);
     } else {
         const Declared& type = declared(component);
         candidate.hasAbstractType = tree[type.complexType].is(SchemaNode::isAbstract);
         candidate.type = typeOf(type, component, node.name, SourceTypes::kNone);
-        candidate.choice = choiceOf(type.complexType);
+        candidate.choice = choiceOf(type, component);
         candidate.description = keepDocumentation(node.documentation != 0 ? node.documentation : type.documentation);
     }
     types.addCandidate(candidate);
@@ -205,7 +234,7 @@ void SchemaTypes::readFields(Pending record)
             {keep(field.name.local), keepDocumentation(said != 0 ? said : type.documentation),
              typeOf(type, field.declaration != 0 ? field.declaration : record.type, field.name.local, record.record),
              field.role, field.repeats});
-        if (const SourceTypes::Index choice = choiceOf(type.complexType); choice != SourceTypes::kNone)
+        if (const SourceTypes::Index choice = choiceOf(type, field.declaration); choice != SourceTypes::kNone)
             types.choosers.emplace_back(record.record, choice);
     }
     types.setFields(record.record, fields);
@@ -304,7 +333,7 @@ SourceTypes::Type SchemaTypes::recordOf(Index complexType, SourceTypes::Index ho
     if (!isNew)
         return known;
     const SchemaNode& node = tree[complexType];
-    const SchemaNode& named = node.hasName() ? node : tree[node.parent];
+    const SchemaNode& named = tree[set.namedAround(complexType)];
     const Value text = simple.of(complexType);
     // A type without fields becomes text.
     if (!text.isThere && contents.of(complexType).empty())

@@ -54,8 +54,10 @@ private:
     void addCandidate(Index component, SourceTypes::Index source);
     SourceTypes::Index spaceOf(Index node);
     void readFields(Pending pending);
-    SourceTypes::Index choiceOf(Index complexType);
+    SourceTypes::Index choiceOf(const Declared& type, Index declaration);
     void readChoice(SourceTypes::Index choice);
+    void readAlternatives(SourceTypes::Index choice);
+    void readDerived(SourceTypes::Index choice, Index base);
     const std::vector<Index>& derivedFrom(Index type);
     void collectDerived();
     const Declared& declared(Index declaration);
@@ -75,8 +77,8 @@ private:
     std::unordered_map<Index, std::vector<Index>> derived; // by base type
     bool isDerivedCollected = false;
     std::unordered_map<Index, SourceTypes::Index> messageNumbers; // number of the message by element
-    std::vector<Index> choices;                                   // the abstract type of each
-    std::unordered_map<Index, SourceTypes::Index> choicesByType;
+    std::vector<Index> choices; // of each the abstract type, or the element with type alternatives
+    std::unordered_map<Index, SourceTypes::Index> choicesByNode;
     std::unordered_set<Index> reported;   // derived types
     NodeTable<SourceTypes::Type> records; // by complex type; text for one that holds nothing
     std::vector<Pending> pending;
