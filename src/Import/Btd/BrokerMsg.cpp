@@ -98,6 +98,8 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
 {
     std::string_view size, componentType;
     readAttributes(content, {{"SIZE", &size}});
+    if (size.empty())
+        note(SourceReport::invalidValue, content, "no SIZE in the array " + type.fullName() + ", which gets 5");
     type.element->setSize(CString(size));
     for (IXMLDOMNode component = content.firstChild(); component; component = component.nextSibling()) {
         readAttributes(component, {{"TYPE", &componentType}});
