@@ -135,6 +135,11 @@ const Loss kLosses[] = {
      "2:1 unknown type, imported as text: xs:int\n3:1 unknown type, imported as text: t:R\n"
      "4:1 reference to nothing that was read: E\n5:1 simple type skipped: d\n6:1 unknown type, imported as text: C",
      "3:1 reference to nothing that was read: R"},
+    {"ExtensionOfText",
+     MAIN("<xs:element name='a'><xs:complexType><xs:simpleContent><xs:extension base='xs:token'/></xs:simpleContent>"
+          "</xs:complexType></xs:element>\n<xs:element name='b'><xs:complexType><xs:simpleContent>\n"
+          "<xs:extension base='xs:int'/></xs:simpleContent></xs:complexType></xs:element>"),
+     "4:1 extension skipped: xs:int", ""},
     {"MemberThatIsNoSimpleType",
      MAIN("\n" ELEMENT("name='a' type='U'")) "<xs:simpleType name='U'><xs:union memberTypes='No R xs:int'/>"
                                              "</xs:simpleType>" RECORD,

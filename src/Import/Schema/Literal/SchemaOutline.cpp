@@ -37,6 +37,11 @@ std::size_t prefixOf(XmlName name)
     return static_cast<std::size_t>(found - kPrefixes.begin());
 }
 
+bool isAnyType(std::string_view name)
+{
+    return name.substr(name.find(':') + 1) == "anyType";
+}
+
 // Returns true for "unbounded", and for a text that begins with a decimal integer greater than 1, of any length. White
 // space, a plus sign and zeros may precede it, and anything may follow.
 bool mayRepeat(std::string_view maxOccurs)
@@ -142,12 +147,15 @@ void SchemaOutline::noteSkipped(XmlName name, SchemaTag tag, Level& level)
             statements.addFinding(SourceReport::groupSkipped, CString(reference));
         return;
     case SchemaTag::extension:
-        return statements.addFinding(SourceReport::extensionSkipped, CString(base));
+        // Text with attributes remains text, and the attributes are reported separately.
+        if (kinds.builtInKindOf(base) != SchemaKinds::text || isAnyType(base))
+            statements.addFinding(SourceReport::extensionSkipped, CString(base));
+        return;
     case SchemaTag::restriction:
         // A restriction of anyType is the long form of any complex type (XML Schema Part 1, 3.4.2), so nothing is lost.
         if (statements.holder() == SchemaTag::simpleRestriction)
             noteSimpleType(tag, level);
-        else if (base.substr(base.find(':') + 1) != "anyType")
+        else if (!isAnyType(base))
             statements.addFinding(SourceReport::restrictionSkipped, CString(base));
         return;
     case SchemaTag::complexContent:
