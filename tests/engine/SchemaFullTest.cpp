@@ -251,6 +251,25 @@ const Rule kRules[] = {
      "r(a:String b:String c:String z:String)",
      {{"d", "<?xml version='1.0'?><schema xmlns='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:t' "
             "blockDefault='#all'><element name='b'/><element name='c' block=''/></schema>"}}},
+    {"BlockedDerivations",
+     R"(
+<element name='r'><complexType><sequence><element ref='t:a'/><element ref='t:b'/><element ref='t:c'/>
+  <element name='n' type='t:N' block='extension'/><element name='o' type='t:O'/></sequence></complexType></element>
+<element name='a' type='t:A' block='extension'/><element name='ax' type='t:X' substitutionGroup='t:a'/>
+<element name='ay' type='t:Y' substitutionGroup='t:a'/><element name='az' substitutionGroup='t:a'/>
+<element name='b' type='string' block='restriction'/><element name='bx' type='t:S' substitutionGroup='t:b'/>
+<element name='c' type='t:N'/><element name='cx' type='t:P' substitutionGroup='t:c'/>
+<element name='cy' type='t:Q' substitutionGroup='t:c'/>
+<complexType name='N' abstract='1'/><complexType name='O' abstract='1' block='restriction'/>
+<complexType name='P' block='#all'><complexContent><extension base='t:N'><attribute name='p'/></extension>
+  </complexContent></complexType>)" TYPE("A", "<attribute name='a'/>") TYPE("X", EXTENSION("t:A", ""))
+         TYPE("Y", RESTRICTION("t:A", "")) TYPE("Q", EXTENSION("t:P", "<attribute name='q'/>"))
+             TYPE("E", EXTENSION("t:O", "<attribute name='e'/>")) TYPE("F", RESTRICTION("t:O", "<attribute name='f'/>"))
+                 SIMPLE("S", LISTED("string", "x", "y")),
+     "Q(p:String q:String) E(e:String) P(p:String) Y(a:String) A(a:String) r(a:A ay:Y az:A b:String c:String cx:P "
+     "n:String o:String)",
+     {},
+     "r"},
     {"OneRecordForEachType",
      ROOT(SEQUENCE("<element name='a' type='t:T'/><element name='b' type='t:T' maxOccurs='2'/>"
                    "<element name='c'><complexType><attribute name='d'/></complexType></element>"))
@@ -346,7 +365,7 @@ const Rule kRules[] = {
          TYPE("D", EXTENSION("t:B", SEQUENCE("<element name='d' type='int'/>")))
              TYPE("X", "<attribute name='x'/>") "<complexType name='A' abstract='true'/>" TYPE(
                  "C", EXTENSION("t:A", "<attribute name='c'/>")),
-     "D(d:Number k:String) B(k:String) r(e:B f:String) e(i:String) C(c:String)",
+     "e(i:String) C(c:String) B(k:String) r(e:B f:String) D(d:Number k:String)",
      {},
      "r"},
     {"TypesForAnAbstractRootType",

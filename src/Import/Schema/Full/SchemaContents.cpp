@@ -17,7 +17,7 @@ constexpr std::size_t kFewFields = 16;
 // length.
 constexpr std::size_t kMaxFields = 1'000'000;
 constexpr std::size_t kMaxSteps = 20'000'000; // visited particles; nested groups can multiply them
-constexpr int kMaxHeads = 100;                // above an element without a type; real schemas have a few
+constexpr int kMaxHeads = 100;                // above an element without a type, or base types; real schemas have a few
 
 // Returns whether an attribute of the XML namespace needs no declaration (https://www.w3.org/TR/xml/, /xmlbase/,
 // /xml-id/).
@@ -227,14 +227,14 @@ void SchemaContents::addElement(Index particle)
 }
 
 // Adds the head of a substitution group and all its members, indirect ones included, except abstract ones (XML Schema
-// Part 1, 3.3.6), unless the head blocks substitution. Blocked derivations and `final` are ignored. The documentation
-// of the reference belongs to the head only.
+// Part 1, 3.3.6), unless the head blocks them. `final` is ignored. The documentation of the reference belongs to the
+// head only.
 void SchemaContents::addSubstitutes(SchemaName head, Index declaration, bool repeats, std::uint32_t documentation)
 {
     const bool isAbstract = tree[declaration].is(SchemaNode::isAbstract);
     if (!isAbstract)
         addOccurrence(head, declaration, repeats, documentation);
-    if (tree[declaration].is(SchemaNode::isIrreplaceable) || set.membersOf(declaration).empty()) {
+    if (tree[declaration].is(SchemaNode::blocksSubstitution) || set.membersOf(declaration).empty()) {
         if (isAbstract) // and no element that was read may replace it
             set.note(SourceReport::elementNotAllowed, declaration);
         return;
@@ -249,7 +249,7 @@ void SchemaContents::addSubstitutes(SchemaName head, Index declaration, bool rep
             isEntered[member] = true;
             set.reach(member);
             heads.push_back(member);
-            if (!tree[member].is(SchemaNode::isAbstract))
+            if (!tree[member].is(SchemaNode::isAbstract) && !isBlocked(declaration, member))
                 addOccurrence(set.nameOf(member), member, repeats, 0);
         }
     for (const Index member : heads)
@@ -288,6 +288,36 @@ SchemaContents::Index SchemaContents::typedBy(Index declaration) const
         declaration = head;
     }
     return declaration;
+}
+
+// Returns the type of an element; 0 if it is built-in or unknown.
+SchemaContents::Index SchemaContents::typeOf(Index declaration) const
+{
+    declaration = typedBy(declaration);
+    const SchemaName name = tree.referenceOf(declaration);
+    if (name.local == 0)
+        return tree.childOf(declaration, SchemaTag::complexType, SchemaTag::simpleType);
+    return set.builtInKind(name) ? 0 : set.find(SchemaSet::type, name, declaration);
+}
+
+// Returns whether the way in which the type of a member is derived from that of its head is blocked by the head, its
+// type, or a type in between (XML Schema Part 1, 3.3.6).
+bool SchemaContents::isBlocked(Index head, Index member) const
+{
+    if (!tree.blocksDerivation)
+        return false;
+    const Index top = typeOf(head);
+    unsigned blocked = tree[head].flags | tree[top].flags, ways = 0;
+    Index type = typeOf(member);
+    for (int steps = 0; type != top && type != 0 && steps < kMaxHeads; ++steps) {
+        ways |= tree.blockOf(type);
+        const bool isComplex = tree[type].tag == SchemaTag::complexType;
+        const Index derivation = isComplex ? tree.derivationOf(type) : tree.childOf(type, SchemaTag::restriction);
+        const SchemaName base = tree.referenceOf(derivation);
+        type = base.local == 0 || set.builtInKind(base) ? 0 : set.find(SchemaSet::type, base, derivation);
+        blocked |= tree[type].flags;
+    }
+    return (blocked & ways) != 0;
 }
 
 // Returns whether two declarations of one name have the same type, as far as that is known without reading the type.

@@ -85,6 +85,8 @@ private:
     void visitAttribute(Index attribute);
     void addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation);
     Index typedBy(Index declaration) const;
+    Index typeOf(Index declaration) const;
+    bool isBlocked(Index head, Index member) const;
     bool areEquivalent(Index one, Index other) const;
     Content keep();
 

@@ -19,14 +19,11 @@ bool isDescribed(SchemaTag tag)
            tag == SchemaTag::simpleType || tag == SchemaTag::enumeration;
 }
 
-// Returns whether a value of `block` or `blockDefault` blocks substitution.
-bool blocksSubstitution(std::string_view value)
-{
-    bool blocks = false;
-    SchemaStatements::forEachName(
-        value, [&blocks](std::string_view word) { blocks = blocks || word == "substitution" || word == "#all"; });
-    return blocks;
-}
+// The words of `block` and `blockDefault`, with the flags of nodes.
+constexpr std::pair<std::string_view, SchemaNode::Flags> kBlocks[] = {{"substitution", SchemaNode::blocksSubstitution},
+                                                                      {"extension", SchemaNode::blocksExtension},
+                                                                      {"restriction", SchemaNode::blocksRestriction},
+                                                                      {"#all", SchemaNode::blocksAll}};
 
 } // namespace
 
@@ -133,8 +130,8 @@ void SchemaReader::enter(SchemaTag tag, std::size_t shadowedBefore)
     node.line = statements.place().line;
     node.column = statements.place().column;
     node.document = document;
-    if (tag == SchemaTag::element && tree.documents[document].blocksSubstitution)
-        node.flags = SchemaNode::isIrreplaceable;
+    if (tag == SchemaTag::element || tag == SchemaTag::complexType)
+        node.flags = tree.documents[document].blocks;
     for (const SchemaStatements::Attribute& attribute : statements.attributes()) {
         if (!attribute.isAllowed)
             continue;
@@ -229,7 +226,7 @@ void SchemaReader::readRootAttribute(const SchemaStatements::Attribute& attribut
     } else if (attribute.name == SchemaAttribute::attributeFormDefault) {
         root.attributesQualified = value == "qualified";
     } else if (attribute.name == SchemaAttribute::blockDefault) {
-        root.blocksSubstitution = blocksSubstitution(value);
+        root.blocks = readBlocks(value);
     }
 }
 
@@ -282,9 +279,8 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
     case SchemaAttribute::abstract:
         set(SchemaStatements::isTrue(value), SchemaNode::isAbstract);
         break;
-    case SchemaAttribute::block: // has an effect on elements only
-        node.flags = static_cast<std::uint16_t>(node.flags & ~SchemaNode::isIrreplaceable);
-        set(blocksSubstitution(value), SchemaNode::isIrreplaceable);
+    case SchemaAttribute::block:
+        node.flags = static_cast<std::uint16_t>((node.flags & ~SchemaNode::blocksAll) | readBlocks(value));
         break;
     case SchemaAttribute::form:
         set(true, SchemaNode::hasForm);
@@ -293,6 +289,18 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
     default:
         break;
     }
+}
+
+// Returns the flags of a value of `block` or `blockDefault`.
+std::uint16_t SchemaReader::readBlocks(std::string_view value)
+{
+    unsigned flags = 0;
+    SchemaStatements::forEachName(value, [&flags](std::string_view word) {
+        for (const auto& [known, flag] : kBlocks)
+            flags |= word == known ? flag : 0;
+    });
+    tree.blocksDerivation |= (flags & (SchemaNode::blocksExtension | SchemaNode::blocksRestriction)) != 0;
+    return static_cast<std::uint16_t>(flags);
 }
 
 // Adds a list of QNames to the tree, ended by an empty name, and returns its place.

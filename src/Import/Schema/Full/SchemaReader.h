@@ -57,6 +57,7 @@ private:
     void startOther(SchemaTag tag, std::size_t shadowedBefore);
     void readAttribute(SchemaNode& node, const SchemaStatements::Attribute& attribute);
     void readRootAttribute(const SchemaStatements::Attribute& attribute);
+    std::uint16_t readBlocks(std::string_view value);
     std::uint32_t readList(std::string_view value);
     NameTable::Id nameOf(std::string_view text);
     SchemaName resolve(std::string_view qualified);

@@ -39,7 +39,11 @@ struct SchemaNode
         isReference = 16, ///< `reference` holds its `ref`
         isQualified = 32, ///< according to its own `form`
         hasForm = 64,
-        isIrreplaceable = 128 ///< an element that blocks substitution, by itself or by the default of its document
+        // Of elements and complex types, by themselves or by the default of their document.
+        blocksSubstitution = 128,
+        blocksExtension = 256,
+        blocksRestriction = 512,
+        blocksAll = blocksSubstitution | blocksExtension | blocksRestriction
     };
 
     SchemaTag tag = SchemaTag::none;
@@ -76,7 +80,7 @@ struct SchemaDocument
     bool hasTarget = false;                                        ///< declares its own namespace
     bool elementsQualified = false;
     bool attributesQualified = false;
-    bool blocksSubstitution = false; ///< its elements do by default
+    std::uint16_t blocks = 0; ///< the flags that its elements and complex types have by default
 };
 
 /// The nodes of all documents of a schema, with their texts. Nodes of a document are adjacent and in document order, so
@@ -126,6 +130,13 @@ public:
     {
         return childOf(childOf(type, SchemaTag::complexContent, SchemaTag::simpleContent), SchemaTag::extension,
                        SchemaTag::restriction);
+    }
+
+    /// Returns the flag of elements and types that block the derivation of a type from its base.
+    SchemaNode::Flags blockOf(Index type) const
+    {
+        return nodes[derivationOf(type)].tag == SchemaTag::extension ? SchemaNode::blocksExtension
+                                                                     : SchemaNode::blocksRestriction;
     }
 
     /// Returns the text of a name.
@@ -185,6 +196,7 @@ public:
     std::vector<SchemaDocument> documents;
     std::vector<std::pair<Index, NameTable::Id>> impossibleNames; // not allowed in XML; their nodes count as unnamed
     Arena texts;
+    bool blocksDerivation = false; ///< a document has `block` or `blockDefault` with `extension` or `restriction`
 
 private:
     SchemaName adopted(Index at, SchemaName name) const;

@@ -70,27 +70,31 @@ void SchemaTypes::readPending()
 // abstract may be replaced, too, but then the field has its own type only, which is reported.
 SourceTypes::Index SchemaTypes::choiceOf(const Declared& type, Index declaration)
 {
-    const bool isReplaceable = type.complexType != 0 && !derivedFrom(type.complexType).empty();
+    const unsigned blocked = tree[declaration].flags & (SchemaNode::blocksExtension | SchemaNode::blocksRestriction);
+    const unsigned all = blocked | tree[type.complexType].flags;
+    const bool isReplaceable =
+        type.complexType != 0 && std::ranges::any_of(derivedFrom(type.complexType),
+                                                     [&](Index derived) { return (tree.blockOf(derived) & all) == 0; });
     const bool isAbstract = tree[type.complexType].is(SchemaNode::isAbstract);
     const bool hasAlternatives = tree.childOf(declaration, SchemaTag::alternative) != 0;
     if (isReplaceable && !isAbstract)
         set.note(SourceReport::replaceableType, type.complexType);
     if (!hasAlternatives && (!isReplaceable || !isAbstract))
         return SourceTypes::kNone;
-    const Index node = hasAlternatives ? declaration : type.complexType;
-    const auto [known, isNew] = choicesByNode.try_emplace(node, static_cast<SourceTypes::Index>(choices.size()));
+    const Choice choice{hasAlternatives ? declaration : type.complexType, blocked};
+    const auto [place, isNew] = choiceNumbers.try_emplace(choice, static_cast<SourceTypes::Index>(choices.size()));
     if (isNew) {
-        choices.push_back(node);
+        choices.push_back(choice);
         types.choices.emplace_back();
     }
-    return known->second;
+    return place->second;
 }
 
 // Reads the types that may replace that of a declaration.
 void SchemaTypes::readChoice(SourceTypes::Index choice)
 {
-    if (tree[choices[choice]].tag == SchemaTag::complexType)
-        readDerived(choice, choices[choice]);
+    if (tree[choices[choice].node].tag == SchemaTag::complexType)
+        readDerived(choice, choices[choice].node);
     else
         readAlternatives(choice);
 }
@@ -106,7 +110,7 @@ void SchemaTypes::readAlternatives(SourceTypes::Index choice)
         if (record.kind == SourceTypes::kindRecord)
             types.choices[choice].push_back(record.index);
     };
-    const Index element = choices[choice];
+    const Index element = choices[choice].node;
     add(declared(element).complexType, true);
     for (Index at = tree.childOf(element, SchemaTag::alternative); at != 0;
          at = tree.firstOf(tree[at].next, SchemaTag::alternative))
@@ -117,11 +121,12 @@ void SchemaTypes::readAlternatives(SourceTypes::Index choice)
 // counted, because each abstract type of a chain has all types after it.
 void SchemaTypes::readDerived(SourceTypes::Index choice, Index base)
 {
+    const unsigned blocked = choices[choice].blocked | tree[base].flags;
     std::vector<Index> bases{base};
     std::unordered_set<Index> met{base};
     for (std::size_t i = 0; i < bases.size(); ++i)
         for (const Index type : derivedFrom(bases[i])) {
-            if (!met.insert(type).second)
+            if ((tree.blockOf(type) & blocked) != 0 || !met.insert(type).second)
                 continue;
             bases.push_back(type);
             set.reach(type);

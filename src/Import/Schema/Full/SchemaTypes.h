@@ -4,6 +4,8 @@
 #include "Import/Schema/Full/SchemaContents.h"
 #include "Import/Schema/Full/SchemaSimpleTypes.h"
 
+#include <compare>
+#include <map>
 #include <unordered_set>
 
 /// Makes types from a schema: the records, enumerations and elements of its sources, and all that these reach. Make it
@@ -49,6 +51,15 @@ private:
         SourceTypes::Index record;
     };
 
+    // A type with others that a message may choose instead.
+    struct Choice
+    {
+        Index node;       // the abstract type, or the element with type alternatives
+        unsigned blocked; // flags of the derivations that the element doesn't allow
+
+        auto operator<=>(const Choice&) const = default;
+    };
+
     void readPending();
     void readComponent(Index component, SourceTypes::Index source);
     void addCandidate(Index component, SourceTypes::Index source);
@@ -77,8 +88,8 @@ private:
     std::unordered_map<Index, std::vector<Index>> derived; // by base type
     bool isDerivedCollected = false;
     std::unordered_map<Index, SourceTypes::Index> messageNumbers; // number of the message by element
-    std::vector<Index> choices; // of each the abstract type, or the element with type alternatives
-    std::unordered_map<Index, SourceTypes::Index> choicesByNode;
+    std::vector<Choice> choices;
+    std::map<Choice, SourceTypes::Index> choiceNumbers;
     std::unordered_set<Index> reported;   // derived types
     NodeTable<SourceTypes::Type> records; // by complex type; text for one that holds nothing
     std::vector<Pending> pending;
