@@ -114,6 +114,20 @@ const Rule kRules[] = {
      "A(x:String) r(a:A)",
      {{"b.xsd",
        documentOf("<include schemaLocation='x.xsd'/>" TYPE("B", SEQUENCE("<element name='a' type='t:A'/>")))}}},
+    {"OverrideReplacesInAllThatItsDocumentIncludes",
+     R"(
+<include schemaLocation='x'/>
+<override schemaLocation='s'><complexType name='T'><attribute name='new'/></complexType>
+  <complexType name='X'><attribute name='new'/></complexType><element name='z'/>
+  <group name='g'><sequence><element name='h'><complexType><group ref='t:g'/></complexType></element></sequence></group>
+  <element name='m' type='int' substitutionGroup='t:a'/></override>)" ROOT(
+         SEQUENCE("<element name='t' type='t:T'/><element name='x' type='t:X'/><group ref='t:g'/>"
+                  "<element ref='t:a'/>")),
+     "h(h:h) X(old:String) T(new:String) r(t:T x:X h:h a:String m:Number)",
+     {{"x", documentOf(TYPE("X", "<attribute name='old'/>"))},
+      {"s", documentOf("<include schemaLocation='u'/><group name='g'><sequence><element name='old'/></sequence></group>"
+                       "<element name='a'/><element name='m'/>")},
+      {"u", chameleon("<x:complexType name='T'><x:attribute name='old'/></x:complexType>")}}},
     {"ChameleonTakesTheNamespaceOfEachIncluder",
      "<include schemaLocation='c.xsd'/><import namespace='urn:o' schemaLocation='o.xsd'/>" ROOT(
          SEQUENCE("<element name='a' type='t:C'/><element xmlns:o='urn:o' ref='o:e'/>")),

@@ -64,7 +64,7 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes, const Xm
     const bool isNode = tag != SchemaTag::none && tag <= SchemaTag::alternative;
     // Only the root is a schema, and the parent of a node is a node.
     if (isNode && open.empty() == (tag == SchemaTag::schema) && (open.empty() || open.back().node != 0))
-        enter(tag, shadowedBefore);
+        enter(tag, name, shadowedBefore);
     else
         startOther(tag, shadowedBefore);
     if (isNode && tag == SchemaTag::attribute && !open.empty() && open.back().node + 1 == tree.nodes.size())
@@ -122,7 +122,7 @@ void SchemaReader::holdInLast(SchemaNode item)
     }
 }
 
-void SchemaReader::enter(SchemaTag tag, std::size_t shadowedBefore)
+void SchemaReader::enter(SchemaTag tag, XmlName name, std::size_t shadowedBefore)
 {
     const auto place = static_cast<Index>(tree.nodes.size());
     SchemaNode& node = tree.nodes.emplace_back();
@@ -132,6 +132,8 @@ void SchemaReader::enter(SchemaTag tag, std::size_t shadowedBefore)
     node.document = document;
     if (tag == SchemaTag::element || tag == SchemaTag::complexType)
         node.flags = tree.documents[document].blocks;
+    else if (tag == SchemaTag::redefine && name.local == std::string_view("override"))
+        node.flags = SchemaNode::isOverride;
     for (const SchemaStatements::Attribute& attribute : statements.attributes()) {
         if (!attribute.isAllowed)
             continue;

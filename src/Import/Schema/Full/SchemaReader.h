@@ -51,7 +51,7 @@ private:
     // No name has this number, so a name in this namespace refers to nothing.
     static constexpr NameTable::Id kUndeclared = ~0U;
 
-    void enter(SchemaTag tag, std::size_t shadowedBefore);
+    void enter(SchemaTag tag, XmlName name, std::size_t shadowedBefore);
     void makeArray(XmlAttributes attributes);
     void holdInLast(SchemaNode item);
     void startOther(SchemaTag tag, std::size_t shadowedBefore);

@@ -54,8 +54,7 @@ void SchemaSet::followAll(std::uint32_t document)
     while (!waiting.empty()) {
         Following& top = waiting.back();
         if (top.redefine != 0) { // its document, with all that it refers to, has been read
-            for (Index at = tree[top.redefine].firstChild; at != 0; at = tree[at].next)
-                declare(at, true);
+            redefine(top.redefine);
             top.redefine = 0;
         }
         const Index reference = tree.firstOf(top.reference, SchemaTag::include, SchemaTag::import, SchemaTag::redefine);
@@ -214,6 +213,43 @@ void SchemaSet::declare(Index component, bool redefines)
         note(SourceReport::declaredTwice, component);
 }
 
+// Declares the components of a redefine or override. Those of an override replace the ones of its document and of the
+// documents that this one includes or overrides (XML Schema 1.1 Part 1, 4.2.5); if it is missing, they are added.
+void SchemaSet::redefine(Index reference)
+{
+    const auto target = documentsByReference.find(reference);
+    const bool overrides = tree[reference].is(SchemaNode::isOverride) && target != documentsByReference.end();
+    std::vector<std::uint32_t> documents;
+    if (overrides)
+        documents = includedDocuments(target->second);
+    std::ranges::sort(documents);
+    for (Index at = tree[reference].firstChild; at != 0; at = tree[at].next) {
+        if (overrides)
+            overrideIn(documents, at);
+        else
+            declare(at, true);
+        if (tree[at].tag == SchemaTag::element && tree[at].list != 0)
+            substitutes.push_back(at);
+    }
+}
+
+// Replaces the component of that kind and name. One that another override has replaced already stays. If there is none,
+// the override has no effect.
+void SchemaSet::overrideIn(const std::vector<std::uint32_t>& documents, Index component)
+{
+    const auto kind = kindOf(tree[component].tag);
+    if (!kind || !tree[component].hasName())
+        return;
+    const std::uint64_t key = nameOf(component).key();
+    const Index* const found = symbols[*kind].find(key);
+    if (found && std::ranges::binary_search(documents, tree[*found].document))
+        symbols[*kind].insert(key, component).first = component;
+    else if (found && tree[tree[*found].parent].is(SchemaNode::isOverride))
+        note(SourceReport::declaredTwice, component);
+    else
+        note(SourceReport::elementNotAllowed, component);
+}
+
 SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const
 {
     const Index* const found = lookUp(kind, name, from);
@@ -294,7 +330,8 @@ std::vector<SchemaSet::Index> SchemaSet::componentsOf(std::uint32_t main) const
                 continue;
             // Looked up by name, because references to it may lead to a redefinition or to an earlier declaration, and
             // from the parent, because inside of a redefinition the name refers to the redefined component.
-            components.push_back(find(*kind, nameOf(at), tree[at].parent));
+            if (const Index found = find(*kind, nameOf(at), tree[at].parent); found != 0) // 0 in an override
+                components.push_back(found);
         }
     };
     const auto topOf = [&](std::uint32_t document) { return tree[tree.documents[document].root].firstChild; };
@@ -326,7 +363,8 @@ std::vector<SchemaSet::Index> SchemaSet::componentsCalled(std::string_view name)
     return found;
 }
 
-// Returns a document with all documents that it includes or redefines, directly or indirectly.
+// Returns a document with all documents that it includes, redefines or overrides, directly or indirectly, the nearest
+// first.
 std::vector<std::uint32_t> SchemaSet::includedDocuments(std::uint32_t main) const
 {
     std::vector<std::uint32_t> documents{main};

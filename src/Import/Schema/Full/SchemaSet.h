@@ -220,6 +220,8 @@ private:
     std::uint32_t copy(std::uint32_t document, NameTable::Id space);
     void declareAll(std::uint32_t document, std::vector<Following>& waiting);
     void declare(Index component, bool redefines);
+    void redefine(Index reference);
+    void overrideIn(const std::vector<std::uint32_t>& documents, Index component);
     template <class Visit>
     void visitLoaded(std::uint32_t begin, Visit visit) const;
     void endLoad(std::uint32_t begin, Symbols shared);

@@ -89,7 +89,8 @@ void SchemaSet::endLoad(std::uint32_t begin, Symbols shared)
         if (!other || *other == component)
             return;
         isApart = isApart || isInScope(tree[*other].document) || !tree.areEqual(*other, component);
-        if (tree[tree[component].parent].tag == SchemaTag::redefine)
+        const SchemaNode& parent = tree[tree[component].parent];
+        if (parent.tag == SchemaTag::redefine && !parent.is(SchemaNode::isOverride))
             redefined.try_emplace(component, *other);
     };
     visitLoaded(begin, compare);
@@ -99,7 +100,8 @@ void SchemaSet::endLoad(std::uint32_t begin, Symbols shared)
     else
         visitLoaded(begin, [&](Kind kind, Index component) {
             const std::uint64_t key = nameOf(component).key();
-            symbols[kind].insert(key, *shared[kind].find(key));
+            if (const Index* const own = shared[kind].find(key)) // null for an override without effect
+                symbols[kind].insert(key, *own);
         });
     again.clear();
 }

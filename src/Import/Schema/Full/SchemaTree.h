@@ -43,7 +43,8 @@ struct SchemaNode
         blocksSubstitution = 128,
         blocksExtension = 256,
         blocksRestriction = 512,
-        blocksAll = blocksSubstitution | blocksExtension | blocksRestriction
+        blocksAll = blocksSubstitution | blocksExtension | blocksRestriction,
+        isOverride = 1024 ///< a redefinition whose components replace others as a whole
     };
 
     SchemaTag tag = SchemaTag::none;
