@@ -155,6 +155,11 @@ const Rule kRules[] = {
         "f":{"anyOf":[{"type":"string"},{"type":"array","items":{"properties":{"x":{}}}}]})",
      "c{x|y} f(x:String) d(x:String) k{p|q} y(u:String v:String) a(k:k x:String y:y) t_f[f] r(a:a b:Number c:c d:d "
      "e:String f:t_f)"},
+    {"AnAlternativeThatAllowsAnythingMakesText",
+     R"({"title":"r","properties":{"a":{"anyOf":[{"enum":["x"]},{"pattern":"^y"}]},"b":{"prefixItems":[{"format":"date","type":"string"},true]},
+        "c":{"type":"number","anyOf":[{"type":"integer"},{"minimum":1}]},"d":{"oneOf":[{"enum":["x"]},{"$ref":"#/$defs/N"},{"nullable":true}]},
+        "e":{"anyOf":[{},{"properties":{"x":{}}}]}},"$defs":{"N":{"enum":[null]}}})",
+     "d{x} t_b[String] e(x:String) r(a:String b:t_b c:Number d:d e:e)"},
     {"Conditions",
      R"({"title":"r","if":{"properties":{"a":{"const":"x"}}},"then":{"properties":{"b":{}}},"else":{"properties":{"c":{}}},
         "properties":{"a":{"enum":["x","y"]},"z":{}},"dependentSchemas":{"a":{"properties":{"d":{}}}},"dependencies":{"a":["b"]}})",
@@ -257,9 +262,9 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "j":{"oneOf":[{"properties":{"~/":{"type":"string"}}},{"properties":{"~/":{"type":"array"}}}]},
   "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]},
   "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}]},
-  "n":{"$ref":"x.xsd"},"o":{"$ref":"r.avsc"}}})"),
+  "n":{"$ref":"x.xsd"},"o":{"$ref":"r.avsc"},"p":{"anyOf":[{"type":"number"},{}]}}})"),
               1);
-    EXPECT_EQ(reportOf(message, folder.path()), R"(12 losses
+    EXPECT_EQ(reportOf(message, folder.path()), R"(13 losses
 x.json:4:41: key given twice: f
 x.json:2:15: reference to nothing that was read: #/$defs/None at #/properties/a
 x.json:2:43: module or document not there: none.json at #/properties/b
@@ -271,22 +276,23 @@ x.json:5:60: values of different kinds: #/properties/h/allOf/1
 x.json:9:15: module or document not readable: x.xsd: it is XML, not JSON or YAML
 x.json:9:15: reference to nothing that was read: x.xsd at #/properties/n
 x.json:9:36: unknown type, imported as text: r.avsc in Avro at #/properties/o
+x.json:9:50: values of different kinds: #/properties/p
 x.json:6:37: values of different kinds: #/properties/j/oneOf/0/properties/~0~1
 
-27 details
+29 details
 x.json:5:97: part that may not occur: i at #/properties/i
 x.json:5:10: name adjusted: g\h is g_h
 
+4 values of several kinds
 4 references became text
-3 values of several kinds
 1 document not found
 1 document not readable
 1 document not well-formed
 1 further properties left out
 1 key given twice
-18 optional parts
+19 optional parts
 4 facets
-2 choices
+3 choices
 1 part that may not occur
 1 name adjusted
 1 default value

@@ -141,9 +141,10 @@ void JsonContents::join(Frame& frame, const JsonContent& added, How how, Index p
     frame.objects += how == either && isObject(added.kind) ? 1 : 0;
     const Kind kind = frame.content.kind;
     if (added.kind == JsonContent::none) {
-        // A schema that allows null only narrows nothing.
-        const bool isNull = tree.hasAny(part, {JsonWord::type, JsonWord::constWord, JsonWord::enumWord});
-        frame.allowsAny = frame.allowsAny || (how == either && !isNull);
+        // Null is no kind, and bounds are those of numbers.
+        const bool isNarrow = tree.hasAny(baseOf(part), {JsonWord::type, JsonWord::constWord, JsonWord::enumWord,
+                                                         JsonWord::nullable, JsonWord::minimum, JsonWord::maximum});
+        frame.allowsAny = frame.allowsAny || (how == either && !isNarrow);
         return;
     }
     if (how == both && added.isConditional)

@@ -61,12 +61,16 @@ JsonTypes::Shape JsonTypes::shapeOf(Index schema, std::string_view name, SourceT
         shape.type = recordOf(content, name, home);
         // A map is a table of entries with a key and a value.
         shape.depth += content.kind == JsonContent::map ? 1 : 0;
+    } else if (content.kind == JsonContent::record) {
+        documents.note(SourceReport::anyContent, schema);
+    } else if (content.isConditional) {
+        // Text, because values of other alternatives, or that don't meet the condition, may be anything.
+        if (content.kind == JsonContent::number)
+            documents.note(SourceReport::kindsDiffer, schema);
     } else if (content.kind == JsonContent::enumeration) {
         shape.type = enumerationOf(content, name);
     } else if (content.kind == JsonContent::number || content.kind == JsonContent::time) {
         shape.type.kind = content.kind == JsonContent::number ? SourceTypes::kindNumber : SourceTypes::kindTime;
-    } else if (content.kind == JsonContent::record) {
-        documents.note(SourceReport::anyContent, schema);
     }
     return shape;
 }
