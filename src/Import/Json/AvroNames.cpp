@@ -32,9 +32,16 @@ const AvroTypes::Scoped* AvroTypes::declarationOf(std::string_view type, NameTab
 
 void AvroTypes::declareAll(Index document)
 {
-    const bool isProtocol = tree.find(document, JsonWord::protocol) != 0;
-    const Index space = isProtocol ? tree.find(document, JsonWord::namespaceWord, JsonNode::string) : 0;
-    declareAll({isProtocol ? tree.find(document, JsonWord::types, JsonNode::array) : document, tree[space].text});
+    if (tree.find(document, JsonWord::protocol) == 0)
+        return declareAll({document, 0});
+    const NameTable::Id space = tree[tree.find(document, JsonWord::namespaceWord, JsonNode::string)].text;
+    declareAll({tree.find(document, JsonWord::types, JsonNode::array), space});
+    // Messages may declare types, too.
+    for (const Index message : tree.childrenOf(document, JsonWord::messages, JsonNode::object)) {
+        for (const Index at : tree.childrenOf(message, JsonWord::request, JsonNode::array))
+            declareAll({tree.find(at, JsonWord::type), space});
+        declareAll({tree.find(message, JsonWord::response), space});
+    }
 }
 
 // Visits each schema once, with a stack instead of recursion, because schemas may nest deeply.

@@ -107,10 +107,18 @@ void AvroTypes::readProtocol(Index protocol)
             names.addCandidate({type, 0}, {}, tree[request].place);
         }
         const Index response = tree.find(message, JsonWord::response);
-        if (response != 0 && names.isWanted(response) && !sortByKind({{response, tree[space].text}}).records.empty())
-            if (const auto shape = shapeOf({{response, tree[space].text}}, names.toModelName(name + "Response", at),
-                                           SourceTypes::kNone))
+        if (response == 0 || !names.isWanted(response))
+            continue;
+        const Scoped answer{response, tree[space].text};
+        const Sorted sorted = sortByKind({answer});
+        const bool isUnknown =
+            std::ranges::any_of(sorted.leaves, [&](const Scoped& leaf) { return !isKnown(leaf.schema); });
+        if (isUnknown || !sorted.records.empty()) {
+            // Reports a name that nothing declares.
+            const auto shape = shapeOf({answer}, names.toModelName(name + "Response", at), SourceTypes::kNone);
+            if (shape && !sorted.records.empty())
                 names.addCandidate(*shape, {}, tree[response].place);
+        }
     }
     // A protocol without messages only declares types.
     if (tree[messages].firstChild == 0)
