@@ -1,5 +1,7 @@
 #include "Model/ElementList.h"
 
+#include "Base/Fingerprint.h"
+
 #include <algorithm>
 #include <bit>
 
@@ -113,7 +115,5 @@ void ElementList::enter(std::uint32_t position)
 
 std::size_t ElementList::firstSlot(const Element* element) const
 {
-    // Fibonacci hashing (D. Knuth, The Art of Computer Programming, 6.4). The low bits of an address are always zero.
-    const std::size_t number = reinterpret_cast<std::uintptr_t>(element) / alignof(void*);
-    return number * 0x9E3779B97F4A7C15 >> 20 & (slotCount() - 1);
+    return RunningHash::of(reinterpret_cast<std::uintptr_t>(element)) & (slotCount() - 1);
 }

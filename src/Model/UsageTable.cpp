@@ -130,11 +130,3 @@ void UsageTable::clear()
     hasKeys = false;
     current = nullptr;
 }
-
-// Fibonacci hashing of the addresses, as in ElementList. A source can't choose addresses, so no seed is needed.
-std::size_t UsageTable::PairHash::operator()(const Pair& pair) const
-{
-    return (reinterpret_cast<std::uintptr_t>(pair.first) ^ reinterpret_cast<std::uintptr_t>(pair.second) * 3) *
-               0x9E3779B97F4A7C15 >>
-           20;
-}

@@ -51,7 +51,11 @@ private:
     using Pair = std::pair<const Name*, const Name*>;
     struct PairHash
     {
-        std::size_t operator()(const Pair& pair) const;
+        std::size_t operator()(const Pair& pair) const
+        {
+            return RunningHash::of(reinterpret_cast<std::uintptr_t>(pair.first)) +
+                   reinterpret_cast<std::uintptr_t>(pair.second);
+        }
     };
 
     void store(const Fingerprint& key, ChildElement& usage);

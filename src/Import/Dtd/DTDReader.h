@@ -59,15 +59,17 @@ private:
         std::string_view queryName() const { return name; }
     };
 
-    // Attributes of all elements share one table. The factor is the multiplier of Fibonacci hashing, which spreads the
-    // small numbers of elements over all bits.
+    // Attributes of all elements share one table.
     struct AttributeKey
     {
         Index element;
         std::string_view name;
 
         friend bool operator==(const AttributeKey&, const AttributeKey&) = default;
-        friend std::size_t keyHash(const AttributeKey& key) { return ::keyHash(key.name) ^ key.element * 0x9E3779B1u; }
+        friend std::size_t keyHash(const AttributeKey& key)
+        {
+            return ::keyHash(key.name) ^ RunningHash::of(key.element);
+        }
     };
 
     // An attribute of an element. finish() names its field.

@@ -196,12 +196,10 @@ private:
     std::uint64_t lastSequence = 0; // of the last node that began
 };
 
-/// Hashes addresses: names are interned, so equal names have equal addresses. No source chooses addresses, so the hash
-/// needs no seed. The factor spreads them over all bits (Fibonacci hashing).
+/// Hashes addresses: names are interned, so equal names have equal addresses.
 inline std::uint32_t keyHash(const XMLDataWalk::PairKey& key)
 {
-    const std::uint64_t mixed =
+    return static_cast<std::uint32_t>(RunningHash::of(
         (reinterpret_cast<std::uintptr_t>(key.parent) ^ reinterpret_cast<std::uintptr_t>(key.local) * 2) +
-        key.isAttribute;
-    return static_cast<std::uint32_t>(mixed * 0x9E3779B97F4A7C15 >> 32);
+        key.isAttribute));
 }
