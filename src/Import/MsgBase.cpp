@@ -65,7 +65,7 @@ Element* MsgBase::enumNext()
 Element* MsgBase::addElement(const CString& usageKey, const CString& path, const CString& name,
                              const CString& description, Element::ElementTypes type, Element* parent)
 {
-    return model.addElement(usageKey, path, name, description, type, parent);
+    return model.addElement(usageKey, path, name, description, type, parent).element;
 }
 
 Element* MsgBase::addAttribute(const CString& usageKey, const CString& path, const CString& name,
@@ -90,14 +90,12 @@ void MsgBase::noteSharedKey(const TypeModel::Declared& made, const Element* pare
     const auto inWords = [](const Element& element, const Element* record) {
         return element.queryName() + (record ? " in " + record->queryName() : CString());
     };
-    const CString& name = made.element->queryName();
-    const ChildElement* const first = model.findUsage(parent ? parent->queryName() + "." + name : name);
-    if (first && first->queryInstances() == times + 1)
+    if (made.sharedWith->queryInstances() == times + 1)
         report.add(SourceReport::inventedRepetition, place,
-                   inWords(*first->queryElement(), first->queryParent()) + ", because of " +
+                   inWords(*made.sharedWith->queryElement(), made.sharedWith->queryParent()) + ", because of " +
                        inWords(*made.element, parent));
     if (times > 1)
-        report.add(SourceReport::repetitionSkipped, place, name);
+        report.add(SourceReport::repetitionSkipped, place, made.element->queryName());
 }
 
 void MsgBase::showFault(const CString& text, const SourceFault& fault) const

@@ -108,7 +108,8 @@ protected:
     void addToOrderedList(Element* element) { model.addToOrder(element); }
 
     /// Reports that what was declared under `parent`, `times` times in a row, has the usage key of another record or
-    /// field, because a name contains a ".". The other one becomes a table if it occurs once, but this one never does.
+    /// field, `made.sharedWith`, because a name contains a ".". The other one becomes a table if it occurs once, but
+    /// this one never does.
     void noteSharedKey(const TypeModel::Declared& made, const Element* parent, unsigned times, SourcePlace place);
 
     /// Passes an error or a warning to the handler. `fault` holds the same as `text`, in parts.

@@ -18,14 +18,13 @@ Element* TypeModel::findElement(std::string_view name) const
     return known ? known->element : nullptr;
 }
 
-Element* TypeModel::addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
-                               std::string_view description, Element::ElementTypes type, Element* parent)
+TypeModel::Declared TypeModel::addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
+                                          std::string_view description, Element::ElementTypes type, Element* parent)
 {
     const Declared made = findOrMake(pathNamed(path), names.intern(name), type);
     if (made.isFirst)
         made.element->setDescription(description);
-    count(usages.declare(usageKey, made.element, parent), made, parent);
-    return made.element;
+    return count(usages.declare(usageKey, made.element, parent), made, parent);
 }
 
 TypeModel::Declared TypeModel::addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
@@ -80,7 +79,8 @@ TypeModel::Declared TypeModel::count(UsageTable::Declared usage, const Declared&
     const bool hasOtherParent = known->parent != parent;
     if (parent && (isFirst || known->element != made.element || hasOtherParent || parent->isLinkedManually))
         parent->link(made.element, made.isFirst);
-    return {made.element, isFirst, hasOtherParent || known->element->name != made.element->name};
+    const bool isOther = hasOtherParent || known->element->name != made.element->name;
+    return {made.element, isFirst, isOther ? known : nullptr};
 }
 
 // Makes an element in the arena, which frees it without running the destructor. An element of a model needs none.

@@ -16,8 +16,8 @@ public:
     struct Declared
     {
         Element* element;
-        bool isFirst;          ///< the usage key is new
-        bool isShared = false; ///< the usage with this key is one of another name, or under another parent
+        bool isFirst;                             ///< the usage key is new
+        const ChildElement* sharedWith = nullptr; ///< the usage with this key, if it has another name or parent
     };
 
     /// `mergesByName`: a repeated name is the same element. Otherwise each declaration makes a new one. `fieldPrefix`
@@ -32,10 +32,9 @@ public:
     /// Frees all elements and usages.
     void clear();
 
-    /// Adds a usage of an element under `parent` (null for a top-level element) and returns the element. Creates it if
-    /// the name is new; path, description and type then apply. An element without a name is always new. Throws
-    /// Cancelled.
-    Element* addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
+    /// Adds a usage of an element under `parent` (null for a top-level element). Creates the element if the name is
+    /// new; path, description and type then apply. An element without a name is always new. Throws Cancelled.
+    Declared addElement(const Fingerprint& usageKey, const CString& path, std::string_view name,
                         std::string_view description, Element::ElementTypes type, Element* parent);
 
     /// Does the same with the generated description of the name, without building its text.

@@ -15,6 +15,7 @@ class Declared final : public MsgBase
 public:
     using Declare = std::function<void(Declared&)>;
 
+    using MsgBase::findUsage;
     using MsgBase::model;
     using MsgBase::onAfterParse;
     using MsgBase::orderList;
@@ -55,6 +56,8 @@ TEST(Model, RepeatedUsageBecomesATable)
         m.add("order.id", "id", order, Element::typeNumber);
         m.add("order.item", "item", order);
         m.add("order.item", "item", order);
+        EXPECT_EQ(m.findUsage("order.item")->queryInstances(), 2u);
+        EXPECT_TRUE(!m.findUsage("item") && !m.findUsage(""));
         m.add("item.sku", "sku", m.add("item", "item"));
         m.addAttribute("order.a", "\\f\\", "a", "d", Element::typeString, order);
         m.addAttribute("order.a", "\\f\\", "a", "d", Element::typeString, order);

@@ -370,7 +370,7 @@ void DTDMessage::declareRecord(DTDElement& record, const CString& path)
     const TypeModel::Declared made = needsNoConversion
                                          ? model.addRecord(path, record.queryName())
                                          : model.addElement(key, path, record.queryName(), Element::typeRow, nullptr);
-    if (made.isShared)
+    if (made.sharedWith)
         noteSharedKey(made, nullptr, 1, text->places.at(record.place));
     noteName(record, record, *made.element);
     if (record.textAt != kNowhere) // a record has no field for its text
@@ -407,7 +407,7 @@ void DTDMessage::declareField(const DTDElement::Child& mention, const CString& p
     if (isMarked)
         made = addUsage();
     // A second usage makes the field repeat, even without a mark. `repetitions` compares that with the DTD.
-    if (made.isShared)
+    if (made.sharedWith)
         noteSharedKey(made, record, isMarked ? 2 : 1, text->places.at(mention.place));
     else if (!made.isFirst)
         text->repetitions.add(

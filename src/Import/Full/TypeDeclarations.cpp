@@ -35,7 +35,7 @@ Element* TypeDeclarations::declareType(Index space, std::string_view name, std::
         key.append(path);
     if (description.empty())
         return model.addElement(key, path, name, type, nullptr).element;
-    return model.addElement(key, path, name, description, type, nullptr);
+    return model.addElement(key, path, name, description, type, nullptr).element;
 }
 
 // While a record is declared, the names of the next one are prefetched, and the fields of one behind it, so that the

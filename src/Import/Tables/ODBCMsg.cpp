@@ -109,8 +109,8 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         // Among tables of this name, the driver chooses by its search path or current database.
         columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
     const SourcePlace place{report.addFile(tableName)};
-    reportSameKey(tableName, tableName, nullptr, place);
-    Element* table = addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
+    const TypeModel::Declared table = model.addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
+    reportSameKey(table, tableName, place);
     std::set<TableName> read;
     for (columns.MoveFirst(); !columns.IsEOF(); columns.MoveNext()) {
         // The driver takes the name as a pattern, so it may list columns of other tables.
@@ -119,10 +119,10 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         read.insert(columns.queryTable());
         reportCuts(columns, place);
         if (const auto type = elementTypeOf(columns.dataType)) {
-            // The key has no separator, because existing documents depend on that. reportSameKey() reports equal keys.
+            // The key has no separator, because existing documents depend on that.
             const CString key = tableName + columns.columnName;
-            reportSameKey(key, tableName + "." + columns.columnName, table, place);
-            addElement(key, basePath, columns.columnName, columns.remarks, *type, table);
+            reportSameKey(model.addElement(key, basePath, columns.columnName, columns.remarks, *type, table.element),
+                          tableName + "." + columns.columnName, place);
         } else {
             report.add(SourceReport::columnSkipped, place, columns.columnName + " (" + columns.typeName + ")");
         }
@@ -155,19 +155,17 @@ void ODBCMessage::reportCuts(const CColumns& columns, SourcePlace place)
         report.count(SourceReport::documentationCut);
 }
 
-// Reports a column of `table`, or the record of a table if that is null, whose usage key another record's field or a
-// record has. AB.C, A.BC and the table ABC have the same key, and so do the columns of a table that is chosen twice.
-// The first owner of the key then becomes a table. Within a record, the columns are of several tables, and records of
-// one name have equal columns, so both are reported elsewhere.
-void ODBCMessage::reportSameKey(const CString& key, const CString& name, const Element* table, SourcePlace place)
+// Reports a column or a record, called `name`, whose usage key a field of another record or a record has: AB.C, A.BC
+// and the table ABC have the same key, and so do the columns of a table that is chosen twice. The first owner of the
+// key then becomes a table.
+void ODBCMessage::reportSameKey(const TypeModel::Declared& made, const CString& name, SourcePlace place)
 {
-    const ChildElement* const usage = findUsage(key);
-    if (!usage || usage->queryParent() == table)
+    if (!made.sharedWith)
         return;
-    const Element* const record = usage->queryParent(); // null for a record
+    const Element* const record = made.sharedWith->queryParent(); // null for a record
     report.add(SourceReport::inventedRepetition, place,
-               (record ? record->queryName() + "." : CString()) + usage->queryElement()->queryName() + ", because of " +
-                   name);
+               (record ? record->queryName() + "." : CString()) + made.sharedWith->queryElement()->queryName() +
+                   ", because of " + name);
 }
 
 // Returns the only table whose columns are to be read; null if all tables that match the name are.

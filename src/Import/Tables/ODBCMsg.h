@@ -56,7 +56,7 @@ private:
     void createFromTable(CColumns& columns, const CString& tableName, const CString& basePath);
     void reportEmpty(const CString& tableName, SourcePlace place);
     void reportCuts(const CColumns& columns, SourcePlace place);
-    void reportSameKey(const CString& key, const CString& name, const Element* table, SourcePlace place);
+    void reportSameKey(const TypeModel::Declared& made, const CString& name, SourcePlace place);
     const TableName* exactTable(const CString& tableName) const;
     bool tableExists(const CString& tableName) const;
     void reportTables(const CString& tableName, const std::set<TableName>& read);

@@ -224,7 +224,7 @@ void SchemaMessage::declareRecord(const Record& record, const CString& path, Sch
     const std::string_view name = isRoot ? std::string_view(table.queryMainType()) : entry.queryName();
     const TypeModel::Declared row = model.addRecord(path, name);
     Element* const element = row.element;
-    if (row.isShared)
+    if (row.sharedWith)
         noteSharedKey(row, nullptr, 1, entry.queryPlace());
     check.addRecord(entry, *element);
     for (const Field& field : record.fields) {
@@ -232,12 +232,12 @@ void SchemaMessage::declareRecord(const Record& record, const CString& path, Sch
         const TypeModel::Declared made = declareField(field, type, element);
         if (!field.declared)
             continue;
-        if (made.isShared)
+        if (made.sharedWith)
             noteSharedKey(made, element, field.mark == modStar ? 2 : 1, field.declared->queryPlace());
-        if (field.declared->isAttribute() && !made.isFirst && !made.isShared) // after an element that repeats
+        if (field.declared->isAttribute() && !made.isFirst && !made.sharedWith) // after an element that repeats
             report.add(SourceReport::mergedByName, field.declared->queryPlace(), field.name);
         check.add(*field.declared, *made.element, *element, type,
-                  !made.isFirst && !made.isShared && (field.mark == modStar || field.declared->isDeclaredAgain()));
+                  !made.isFirst && !made.sharedWith && (field.mark == modStar || field.declared->isDeclaredAgain()));
     }
 }
 
