@@ -16,10 +16,10 @@ void addRandomTypes(SourceTypes& types, std::mt19937& random)
 {
     const auto below = [&random](Index most) { return std::uniform_int_distribution<Index>(0, most - 1)(random); };
     static constexpr std::string_view kNames[] = {"a", "b", "c"};
-    const std::string_view constants[] = {"u", "v"};
+    const SourceTypes::Constant constants[] = {{"u"}, {"v"}};
     for (Index i = 0; i < 4; ++i)
-        types.addEnumeration(kNames[below(2)], std::span(constants).first(1 + below(2)), false, {}, {},
-                             types.spaceOf(kNames[below(3)]));
+        types.addEnumeration({.name = kNames[below(2)], .space = types.spaceOf(kNames[below(3)])},
+                             std::span(constants).first(1 + below(2)));
     const Index count = 1 + below(30), kinds = 1 + below(3);
     for (Index i = 0; i < count; ++i)
         types.addRecord({kNames[below(kinds)], {}, {}, SourceTypes::kNone, types.spaceOf(kNames[below(3)])});
@@ -44,7 +44,8 @@ bool areAlike(const SourceTypes& types, SourceTypes::Type one, SourceTypes::Type
     if (one.kind == SourceTypes::kindRecord)
         return equal[one.index][other.index];
     return types.enumerations[one.index].name == types.enumerations[other.index].name &&
-           std::ranges::equal(types.constantsOf(one.index), types.constantsOf(other.index));
+           std::ranges::equal(types.constantsOf(one.index), types.constantsOf(other.index), {},
+                              &SourceTypes::Constant::name, &SourceTypes::Constant::name);
 }
 
 // A reference implementation: all pairs are equal until a difference is found.

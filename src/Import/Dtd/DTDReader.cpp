@@ -323,14 +323,14 @@ SourceTypes::Type DTDReader::readConstants(std::string_view attribute)
     const DTDTokens::Token& token = tokens->token();
     for (tokens->next(); !token.isEnd() && !token.isMark(')'); tokens->next())
         if (token.kind == DTDTokens::tokenWord || token.isMark('-')) // a '-' alone is a word
-            constants.push_back(token.isMark('-') ? "-" : token.text);
+            constants.push_back({token.isMark('-') ? "-" : token.text});
         else if (!token.isMark('|') && !token.isMark(',') && !token.isMark('&'))
             noteMalformed(names.front());
     if (token.isMark(')'))
         tokens->next();
     return constants.empty()
                ? SourceTypes::Type()
-               : SourceTypes::Type{SourceTypes::kindEnumeration, types.addEnumeration(attribute, constants, false)};
+               : SourceTypes::Type{SourceTypes::kindEnumeration, types.addEnumeration({attribute}, constants)};
 }
 
 void DTDReader::readDefault()

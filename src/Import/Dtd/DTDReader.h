@@ -130,10 +130,10 @@ private:
     std::vector<ContentModel::Entry> contents; // of all declarations, one after the other
     std::deque<Attribute> attributes;
     KeyedTable<Attribute, &Attribute::queryKey, AttributeKey> attributesByKey;
-    ContentModel model;                       // of the current declaration; its names are indices of `elements`
-    CancelPoint cancelPoint{4096};            // passed at each field
-    std::vector<std::string_view> names;      // the names that the current declaration is for
-    std::vector<std::string_view> components; // of the report: lists of names, each ended by an empty one
-    std::vector<std::string_view> constants;  // of the current attribute; a buffer
-    bool isNoted = false;                     // the current declaration has been reported
+    ContentModel model;                           // of the current declaration; its names are indices of `elements`
+    CancelPoint cancelPoint{4096};                // passed at each field
+    std::vector<std::string_view> names;          // the names that the current declaration is for
+    std::vector<std::string_view> components;     // of the report: lists of names, each ended by an empty one
+    std::vector<SourceTypes::Constant> constants; // of the current attribute; a buffer
+    bool isNoted = false;                         // the current declaration has been reported
 };

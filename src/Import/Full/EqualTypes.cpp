@@ -44,10 +44,9 @@ std::vector<Index> firstEnumerations(const SourceTypes& types)
         signature.add(types.enumerations[at].name);
         signature.add(types.enumerations[at].description);
         signature.add(std::uint64_t{types.enumerations[at].isNamed});
-        const std::span<const std::string_view> constants = types.constantsOf(at);
-        for (std::size_t i = 0; i < constants.size(); ++i) {
-            signature.add(constants[i]);
-            signature.add(types.describeConstant(at, i));
+        for (const auto& [name, description] : types.constantsOf(at)) {
+            signature.add(name);
+            signature.add(description);
         }
         all.push_back(firsts.insert(signature.query(), at).first);
     }

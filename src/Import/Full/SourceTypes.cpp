@@ -107,29 +107,21 @@ void SourceTypes::checkFields(std::size_t count) const
 
 // Equal enumerations are one type, however many fields list the same values. Descriptions don't count: those of the
 // first one stay.
-SourceTypes::Index SourceTypes::addEnumeration(std::string_view name, std::span<const std::string_view> added,
-                                               bool isNamed, std::string_view description, SourcePlace place,
-                                               Index space, std::span<const std::string_view> descriptions)
+SourceTypes::Index SourceTypes::addEnumeration(Enumeration made, std::span<const Constant> added)
 {
     // keyHash() has a secret seed, so constants can't be chosen to collide.
-    std::size_t hash = keyHash(name) + space;
-    for (const std::string_view constant : added)
-        hash = hash * 31 + keyHash(constant);
+    std::size_t hash = keyHash(made.name) + made.space;
+    for (const Constant& constant : added)
+        hash = hash * 31 + keyHash(constant.name);
     const auto [first, last] = enumerationsByHash.equal_range(hash);
     for (auto known = first; known != last; ++known)
-        if (enumerations[known->second].name == name && enumerations[known->second].space == space &&
-            std::ranges::equal(constantsOf(known->second), added))
+        if (enumerations[known->second].name == made.name && enumerations[known->second].space == made.space &&
+            std::ranges::equal(constantsOf(known->second), added, {}, &Constant::name, &Constant::name))
             return known->second;
     if (constants.size() + added.size() > kMaxFields)
         refuse(std::to_string(kMaxFields) + " constants");
-    Enumeration made{name, description, isNamed, place, space};
     made.firstConstant = static_cast<Index>(constants.size());
     made.constantCount = static_cast<Index>(added.size());
-    if (!descriptions.empty()) {
-        // Most enumerations have none, so the list is only filled up when some are added.
-        constantDescriptions.resize(constants.size());
-        constantDescriptions.insert(constantDescriptions.end(), descriptions.begin(), descriptions.end());
-    }
     constants.insert(constants.end(), added.begin(), added.end());
     enumerations.push_back(made);
     const auto index = static_cast<Index>(enumerations.size() - 1);

@@ -87,6 +87,13 @@ public:
         Index constantCount = 0;
     };
 
+    /// A constant of an enumeration.
+    struct Constant
+    {
+        std::string_view name;
+        std::string_view description{};
+    };
+
     /// A table, which fields of one name and type share.
     struct Table
     {
@@ -170,11 +177,9 @@ public:
         throw SourceRefusal{sourceName + ": " + reason + ".", {"", reason}};
     }
 
-    /// Returns the enumeration with this name and these constants, added if it is new. Throws SourceRefusal beyond a
-    /// million constants in total. `descriptions` has one text for each constant, or is empty.
-    Index addEnumeration(std::string_view name, std::span<const std::string_view> constants, bool isNamed,
-                         std::string_view description = {}, SourcePlace place = {}, Index space = 0,
-                         std::span<const std::string_view> descriptions = {});
+    /// Returns the enumeration with the name and namespace of `made` and with constants of these names. If there is
+    /// none, adds `made` with these constants. Throws SourceRefusal beyond a million constants in total.
+    Index addEnumeration(Enumeration made, std::span<const Constant> constants);
 
     /// Adds to the memory used for names. Throws SourceRefusal beyond 256 MB in total. Texts that adopt() takes over
     /// don't count, because their sources have bounds of their own.
@@ -203,17 +208,10 @@ public:
         return std::span(fields).subspan(records[record].firstField, records[record].fieldCount);
     }
     /// Returns the constants of an enumeration, in their order. Valid until the next addEnumeration().
-    std::span<const std::string_view> constantsOf(Index enumeration) const
+    std::span<const Constant> constantsOf(Index enumeration) const
     {
         return std::span(constants).subspan(enumerations[enumeration].firstConstant,
                                             enumerations[enumeration].constantCount);
-    }
-
-    /// Returns the description of a constant, counted from 0; empty if it has none.
-    std::string_view describeConstant(Index enumeration, std::size_t constant) const
-    {
-        const std::size_t at = enumerations[enumeration].firstConstant + constant;
-        return at < constantDescriptions.size() ? constantDescriptions[at] : std::string_view();
     }
 
     // Indices refer to these lists. Records and enumerations are added only by the functions above, which check the
@@ -241,7 +239,6 @@ private:
     // All fields are in one list, which saves an allocation for each record. With large pages, an import of 500,000
     // fields has a third fewer page faults.
     std::vector<Field, LargePages<Field>> fields;
-    std::vector<std::string_view> constants;
-    std::vector<std::string_view> constantDescriptions; // may be shorter than `constants`
+    std::vector<Constant> constants;
     std::unordered_multimap<std::size_t, Index> enumerationsByHash;
 };

@@ -96,11 +96,10 @@ void TypeDeclarations::declareEnumeration(Index index)
     const SourceTypes::Enumeration& enumeration = types.enumerations[index];
     Element* type = declareType(enumeration.space, enumeration.name, enumeration.description, Element::typeEnum);
     Name& path = *pathNames[enumeration.space];
-    const std::span<const std::string_view> constants = types.constantsOf(index);
-    for (std::size_t i = 0; i < constants.size(); ++i) {
-        Element* const constant = model.addPart(type, path, names.intern(constants[i]), Element::typeString);
-        if (const std::string_view text = types.describeConstant(index, i); !text.empty())
-            constant->setDescription(text);
+    for (const auto& [name, description] : types.constantsOf(index)) {
+        Element* const constant = model.addPart(type, path, names.intern(name), Element::typeString);
+        if (!description.empty())
+            constant->setDescription(description);
     }
 }
 

@@ -323,7 +323,7 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
     // Many fields may have a named type.
     if (const auto known = enumerations.find(schema); known != enumerations.end() && !own.empty())
         return known->second;
-    std::vector<std::string_view> constants;
+    std::vector<SourceTypes::Constant> constants;
     std::unordered_map<NameTable::Id, const Scoped*> met; // by symbol the last enumeration that lists it
     for (const Scoped& leaf : leaves)
         for (const Index at : tree.childrenOf(find(leaf.schema, JsonWord::symbols, JsonNode::array))) {
@@ -334,7 +334,7 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
             }
             const auto [known, isNew] = met.try_emplace(tree[at].text, &leaf);
             if (isNew)
-                constants.push_back(types.keep(tree.text(at)));
+                constants.push_back({types.keep(tree.text(at))});
             else if (std::exchange(known->second, &leaf) == &leaf)
                 documents.note(SourceReport::declaredTwice, at, tree.text(at));
         }
@@ -342,9 +342,9 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
     if (constants.empty())
         return {};
     const SourceTypes::Type made{SourceTypes::kindEnumeration,
-                                 types.addEnumeration(own.empty() ? name : own, constants, !own.empty(),
-                                                      describe(schema), tree[schema].place,
-                                                      modelSpaceOf(leaves.front().space))};
+                                 types.addEnumeration({own.empty() ? name : own, describe(schema), !own.empty(),
+                                                       tree[schema].place, modelSpaceOf(leaves.front().space)},
+                                                      constants)};
     if (!own.empty())
         enumerations.emplace(schema, made);
     return made;

@@ -141,21 +141,17 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
 {
     const std::string_view called = nameOf(content.owner, name);
     const bool isNamed = !nameOf(content.owner).empty();
-    std::vector<std::string_view> constants;
     // A list that schemas share is one enumeration for each name it is used with. The name of a schema may be long, and
     // is the same for all fields.
     const std::uint64_t key = isNamed ? joined(content.owner, 0) : joined(content.first, tree.names.intern(called));
     const auto [known, isNew] = enumerations.insert(key, SourceTypes::kNone);
     if (isNew) {
-        std::vector<std::string_view> described;
+        std::vector<SourceTypes::Constant> constants;
         // The description of a single constant is that of the whole.
         const bool isDescribed = content.count > 1;
-        for (const JsonMember constant : contents.membersOf(content)) {
-            constants.push_back(types.keep(tree.names[constant.name]));
-            described.push_back(isDescribed ? describe(constant.schema) : "");
-        }
-        known = types.addEnumeration(called, constants, isNamed, describe(content.owner), tree[content.owner].place, 0,
-                                     described);
+        for (const JsonMember constant : contents.membersOf(content))
+            constants.push_back({types.keep(tree.names[constant.name]), isDescribed ? describe(constant.schema) : ""});
+        known = types.addEnumeration({called, describe(content.owner), isNamed, tree[content.owner].place}, constants);
     }
     return {SourceTypes::kindEnumeration, known};
 }

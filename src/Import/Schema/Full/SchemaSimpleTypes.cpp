@@ -176,7 +176,7 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::unite(Index type)
         if (!lists.insert(member.firstConstant).second)
             continue;
         for (std::uint32_t i = 0; i < member.constantCount; ++i)
-            addConstant(constants[member.firstConstant + i], documentations[member.firstConstant + i]);
+            addConstant(constants[member.firstConstant + i]);
     }
     value.constantCount = static_cast<std::uint32_t>(constants.size()) - value.firstConstant;
     return value;
@@ -193,19 +193,18 @@ SchemaSimpleTypes::Value SchemaSimpleTypes::narrow(Value base, Index restriction
     value.firstConstant = static_cast<std::uint32_t>(constants.size());
     ++constantLists;
     for (; at != 0; at = tree.firstOf(tree[at].next, SchemaTag::enumeration))
-        addConstant(tree[at].name, tree[at].documentation);
+        addConstant({tree[at].name, tree[at].documentation});
     value.constantCount = static_cast<std::uint32_t>(constants.size()) - value.firstConstant;
     return value;
 }
 
 // Adds a constant to the current list, once. A stamp for each name replaces a search through the list.
-void SchemaSimpleTypes::addConstant(NameTable::Id constant, std::uint32_t documentation)
+void SchemaSimpleTypes::addConstant(Constant constant)
 {
-    constantSeen.resize(std::max<std::size_t>(constantSeen.size(), constant + 1));
-    if (std::exchange(constantSeen[constant], constantLists) == constantLists)
+    constantSeen.resize(std::max<std::size_t>(constantSeen.size(), constant.name + 1));
+    if (std::exchange(constantSeen[constant.name], constantLists) == constantLists)
         return;
     if (constants.size() == kMaxConstants)
         set.refuse(std::to_string(kMaxConstants) + " constants");
     constants.push_back(constant);
-    documentations.push_back(documentation);
 }

@@ -31,17 +31,18 @@ public:
     /// unresolved references in the set. Throws SourceRefusal beyond a million constants in total.
     Value of(Index type);
 
+    /// A constant of an enumeration, and the number of its documentation; 0 for none.
+    struct Constant
+    {
+        NameTable::Id name;
+        std::uint32_t documentation;
+    };
+
     /// Returns the constants of an enumeration, in the order of the source and each once; empty for other values. Valid
     /// until the next of().
-    std::span<const NameTable::Id> constantsOf(const Value& value) const
+    std::span<const Constant> constantsOf(const Value& value) const
     {
         return std::span(constants).subspan(value.firstConstant, value.constantCount);
-    }
-
-    /// Returns the documentation numbers of the constants, in their order; 0 for none. Valid until the next of().
-    std::span<const std::uint32_t> documentationsOf(const Value& value) const
-    {
-        return std::span(documentations).subspan(value.firstConstant, value.constantCount);
     }
 
 private:
@@ -64,14 +65,13 @@ private:
     void noteList(Index type, Index list);
     Value unite(Index type);
     Value narrow(Value base, Index restriction);
-    void addConstant(NameTable::Id constant, std::uint32_t documentation);
+    void addConstant(Constant constant);
 
     SchemaSet& set;
     const SchemaTree& tree;
     NodeTable<Value> values; // includes types in progress, which count as text
-    std::vector<NameTable::Id> constants;
-    std::vector<std::uint32_t> documentations; // by constant
-    std::vector<std::uint32_t> constantSeen;   // by name: number of the last list with it
+    std::vector<Constant> constants;
+    std::vector<std::uint32_t> constantSeen; // by name: number of the last list with it
     // The number of the current list of constants. Numbers start at 1; 0 in `constantSeen` means in no list.
     std::uint32_t constantLists = 0;
     std::vector<Part> parts; // of the current type

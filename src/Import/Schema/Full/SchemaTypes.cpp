@@ -316,16 +316,11 @@ SourceTypes::Type SchemaTypes::typeOf(const Value& value, Index declaration, Nam
         enumerations.insert(static_cast<std::uint64_t>(value.firstConstant) << 32 | name, SourceTypes::kNone);
     if (isNew) {
         constants.clear();
-        for (const NameTable::Id constant : simple.constantsOf(value))
-            constants.push_back(keep(constant));
-        const std::span<const std::uint32_t> said = simple.documentationsOf(value);
-        descriptions.clear();
-        if (std::ranges::any_of(said, [](std::uint32_t documentation) { return documentation != 0; }))
-            for (const std::uint32_t documentation : said)
-                descriptions.push_back(keepDocumentation(documentation));
-        known =
-            types.addEnumeration(keep(name), constants, isNamed, keepDocumentation(named.documentation),
-                                 set.placeOf(value.named), spaceOf(isNamed ? value.named : declaration), descriptions);
+        for (const auto& [constant, documentation] : simple.constantsOf(value))
+            constants.push_back({keep(constant), keepDocumentation(documentation)});
+        known = types.addEnumeration({keep(name), keepDocumentation(named.documentation), isNamed,
+                                      set.placeOf(value.named), spaceOf(isNamed ? value.named : declaration)},
+                                     constants);
     }
     return {SourceTypes::kindEnumeration, known};
 }

@@ -104,7 +104,6 @@ private:
     // Parts of the record or enumeration being read. They are members so that their memory is reused.
     std::vector<SchemaField> copiedFields;
     std::vector<SourceTypes::Field> fields;
-    std::vector<std::string_view> constants;
-    std::vector<std::string_view> descriptions; // of the current constants
-    CancelPoint cancelPoint{4096};              // passed at each field
+    std::vector<SourceTypes::Constant> constants;
+    CancelPoint cancelPoint{4096}; // passed at each field
 };
