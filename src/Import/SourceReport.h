@@ -19,6 +19,7 @@ struct SourcePlace
     std::uint32_t line = 0;   ///< counted from 1; 0 if unknown
     std::uint32_t column = 0; ///< counted from 1, in bytes; 0 if unknown
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): a false positive in version 14
     friend auto operator<=>(const SourcePlace&, const SourcePlace&) = default;
 };
 

@@ -57,6 +57,7 @@ private:
         Index node;       // the abstract type, or the element with type alternatives
         unsigned blocked; // flags of the derivations that the element doesn't allow
 
+        // NOLINTNEXTLINE(modernize-use-nullptr): a false positive in version 14
         auto operator<=>(const Choice&) const = default;
     };
 
