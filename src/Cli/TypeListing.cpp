@@ -49,7 +49,7 @@ void addContent(CString& out, const TypeStructure& structure, std::uint32_t type
     const std::span<const TypePart> parts = structure.parts(type);
     if (kind == Element::typeTable || kind == Element::typeArray) {
         if (kind == Element::typeArray)
-            addMember(out, "size", element.querySize().empty() ? "5" : std::string_view(element.querySize()));
+            addMember(out, "size", element.sizeInDocument());
         // A table or array has exactly one part.
         out += ",\"component\":{";
         addType(out, structure, parts.front());

@@ -41,6 +41,9 @@ public:
     const CString& queryKnownType() const;
     bool hasKnownType() const { return knownType != nullptr; }
     const CString& querySize() const;
+
+    /// Returns the size that the document of an array states: its own, or the default if it has none.
+    std::string_view sizeInDocument() const { return querySize().empty() ? "5" : std::string_view(querySize()); }
     ElementTypes queryType() const { return type; }
     int queryIsAttribute() const { return isAttribute; }
     const ElementList& queryChildren() const { return children; }

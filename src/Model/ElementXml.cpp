@@ -24,7 +24,7 @@ std::string_view Element::asXML()
         break;
     case typeArray:
         if (querySize().empty())
-            setSize("5");
+            setSize(CString(sizeInDocument()));
         builder.addArray(querySize(), queryComponentType());
         break;
     case typeRow:

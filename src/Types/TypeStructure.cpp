@@ -182,7 +182,8 @@ TypeContent TypeStructure::contentOf(const TypePart& part) const
         if (!holdsComponent(element) || std::find(passed.begin(), end, content.type) != end)
             break;
         *end = content.type;
-        content.repeats += element.queryType() == Element::typeTable ? "*" : "[" + element.querySize() + "]";
+        content.repeats +=
+            element.queryType() == Element::typeTable ? "*" : "[" + CString(element.sizeInDocument()) + "]";
         content.typeName = types[content.type].component;
         content.type = find(content.typeName);
     }

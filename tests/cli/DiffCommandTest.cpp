@@ -87,6 +87,12 @@ not compatible: it breaks readers
          "TYPE=\"String\"/></ROW></BROKERTYPEDESCRIPTION></x>' >w.btd; "
          "$import btd w.btd -q -o w2.btd; $import btd w.btd -q --diff w2.btd",
          {0, "", ""}},
+        // An array without a size has that of its document, whether that has been written or not.
+        {"printf '<x><T NAME=\"\\\\a\\A\"><ARRAY/></T><T NAME=\"\\\\a\\R\"><ROW><FIELD NAME=\"f\" TYPE=\"String\"/>"
+         "</ROW></T></x>' >v.btd; $import btd v.btd -q -o v.xml; sed -i s/String/Number/ v.xml; $import btd v.btd -q "
+         "--diff "
+         "v.xml --allow type-changed | head -n -1",
+         {0, "changed type of \\a\\R.f: Number to String [type-changed, allowed]\n", ""}},
         // Two enumerations of the same name in two folders. The order of the sources makes no difference.
         {"for n in a b; do echo \"<schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:$n' "
          "targetNamespace='urn:$n'><simpleType name='E'><restriction base='string'><enumeration value='c'/>"
