@@ -7,8 +7,9 @@
 #include "Cli/TypeListing.h"
 #include "Files/File.h"
 #include "Files/FileMessage.h"
+#include "Files/KeptPipe.h"
 #include "Import/Btd/BrokerMsg.h"
-#include "Import/GenerationTime.h"
+#include "Types/TextMatch.h"
 #include "Types/TypeChanges.h"
 #include "Types/TypeStructure.h"
 
@@ -16,13 +17,12 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
+#include <optional>
 #include <system_error>
-#include <utility>
 
-// A document with the same bytes, apart from its time of generation, has the same types. It is compared as text without
-// being imported, which takes half the time for a schema of 50,000 fields. Any other document is imported as a type
-// document, and Types/TypeChanges compares the two sets of types.
+// Types whose texts are in the document word for word have not changed (Types/TextMatch). Only the rest of the document
+// is imported as a type document, and Types/TypeChanges compares the two sets of types. Nearly all types of a large
+// document are the same, so this takes half the time of importing all of it.
 namespace {
 
 // The exit status of diff (POSIX): 0 without differences, 1 with differences, more than 1 for an error.
@@ -66,6 +66,12 @@ public:
         }
         const std::vector<TypeChange> found = typeChanges(before, after, folders);
         changes.insert(changes.end(), found.begin(), found.end());
+    }
+
+    // Compares types of which those in `areEqual`, by their numbers in `after`, are known to be equal.
+    void compareRest(const TypeStructure& before, const TypeStructure& after, const std::vector<bool>& areEqual)
+    {
+        changes = typeChanges(before, after, {}, areEqual);
     }
 
     // Returns whether all changes are accepted. Decides the exit status.
@@ -187,38 +193,41 @@ private:
     std::vector<TypeChange> changes;
 };
 
-// Returns whether a file is the document that `message` writes, at whatever time. Such a document has the same types,
-// so it need not be imported. Reads the file piece by piece while the document is written, so neither is whole in
-// memory. Only a regular file is compared, because a pipe could not be read again.
-bool isDocumentOf(MsgBase& message, const CString& fileName)
+// Reads a regular file. Returns false for any other, because a pipe could not be read again, and if it can't be read.
+bool readRegular(const CString& fileName, CString& text)
 {
     std::error_code failure;
-    if (!std::filesystem::is_regular_file(fileName, failure))
+    return std::filesystem::is_regular_file(fileName, failure) && readFile(fileName, text) == FileCause::none;
+}
+
+// Compares the texts of the types with the document, and imports only what differs. Returns false without a result if
+// the whole document must be imported, which then reports errors and losses at their places.
+bool compareTexts(MsgBase& message, const CString& document, Differences& differences)
+{
+    std::optional<TextMatch> match;
+    if (CString text; !readRegular(document, text) || !(match = matchTexts(message, text)))
         return false;
-    // Thrown through writeXML(), which has no other way to end early.
-    struct Different
-    {};
-    std::ifstream file(fileName, std::ios::binary);
-    CString earlier;
-    try {
-        message.writeXML([&, isStart = true](std::string_view piece) mutable {
-            earlier.resize(piece.size());
-            file.read(earlier.data(), static_cast<std::streamsize>(piece.size()));
-            earlier.resize(static_cast<std::size_t>(file.gcount()));
-            if (std::exchange(isStart, false) && earlier.size() > kBeforeTime.size()) // takes over the time
-                earlier.replace(kBeforeTime.size(), kTimeLength, piece, kBeforeTime.size(), kTimeLength);
-            if (earlier != piece)
-                throw Different(); // the rest need not be written
-        });
-    } catch (const Different&) {
+    if (match->areAllEqual())
+        return true;
+    const TypeStructure after(message);
+    if (!after.hasUniqueNames())
         return false;
-    }
-    return file.peek() == std::ifstream::traits_type::eof();
+    BrokerMessage earlier;
+    earlier.keepTwins();
+    bool isFaultless = true;
+    earlier.setErrorHandler([&](const CString&, const SourceFault&) { isFaultless = false; });
+    const CString rest = "the rest of " + document;
+    if (!match->rest.empty() && (!keepText(rest, match->rest) || !earlier.parseFile(rest, earlier.getBasePath())))
+        return false;
+    if (!isFaultless || earlier.queryReport().queryTotal(SourceReport::loss) > 0)
+        return false;
+    differences.compareRest(TypeStructure(earlier), after, match->isEqual);
+    return true;
 }
 
 // Imports the earlier document and compares it. Returns false on failure, which has been reported. Twins stay separate,
 // so that two fields of one name are compared with the two fields of the source. XML without types could be any
-// document, so it is accepted only if an import without types would write it.
+// document, so it is accepted only in the form that this program writes.
 bool compare(MsgBase& message, const CString& document, const DiffOptions& options, const ReportOptions& report,
              Diagnostics& diagnostics, Differences& differences)
 {
@@ -226,7 +235,9 @@ bool compare(MsgBase& message, const CString& document, const DiffOptions& optio
     earlier.keepTwins();
     diagnostics.receiveFrom(earlier);
     earlier.parseFile(document, earlier.getBasePath());
-    if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository() && !isDocumentOf(earlier, document))
+    CString text;
+    if (!diagnostics.hasErrors() && !holdsTypes(earlier) && !options.isRepository() &&
+        !(readRegular(document, text) && isOfThisProgram(text)))
         diagnostics.add({document, "it is not a document of types"});
     else
         reportLosses(earlier.queryReport(), report, diagnostics, document);
@@ -266,8 +277,8 @@ int diffTypes(MsgBase& message, const DiffOptions& options, const ReportOptions&
 {
     const CString document = options.document == "-" ? kStandardInput : options.document;
     Differences differences(options);
-    const bool isEqual = !options.isRepository() && isDocumentOf(message, document);
-    if (!isEqual && !compare(message, document, options, report, diagnostics, differences))
+    const bool isCompared = !options.isRepository() && compareTexts(message, document, differences);
+    if (!isCompared && !compare(message, document, options, report, diagnostics, differences))
         return kFailure;
     options.asJson ? differences.writeJson(output) : differences.writeText(output);
     if (!output.finish())

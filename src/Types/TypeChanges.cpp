@@ -156,13 +156,17 @@ CString contentOf(const TypeStructure& structure, const TypePart& part)
 class Comparison
 {
 public:
-    Comparison(Side& before, Side& after) : before(before), after(after) {}
+    Comparison(Side& before, Side& after, const std::vector<bool>& areEqual) :
+        before(before), after(after), areEqual(areEqual)
+    {}
 
     std::vector<TypeChange> changes;
 
     void compareTypes()
     {
         for (const Side::Type& type : after.types) {
+            if (type.number < areEqual.size() && areEqual[type.number])
+                continue;
             // Skips later types of the same name.
             if (after.find(type.name) != &type)
                 continue;
@@ -171,10 +175,15 @@ public:
             else
                 changes.push_back({TypeChange::typeAdded, after.structure.kindOf(type.number), shownType(type.name)});
         }
+        std::vector<const Side::Type*> removed;
         for (const Side::Type& type : before.types)
             if (before.find(type.name) == &type && !after.find(type.name))
-                changes.push_back(
-                    {TypeChange::typeRemoved, before.structure.kindOf(type.number), shownType(type.name)});
+                removed.push_back(&type);
+        // The order of the types would depend on which of them are in `before`.
+        std::ranges::stable_sort(
+            removed, {}, [this](const Side::Type* type) { return before.structure[type->number].queryNumber(); });
+        for (const Side::Type* const type : removed)
+            changes.push_back({TypeChange::typeRemoved, before.structure.kindOf(type->number), shownType(type->name)});
     }
 
 private:
@@ -232,6 +241,7 @@ private:
 
     Side& before;
     Side& after;
+    const std::vector<bool>& areEqual;
 };
 
 // Returns the deepest folder that contains all types, with a final backslash; empty if there is none. The prefix only
@@ -286,10 +296,11 @@ TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after
     return haveMoved ? folders : TypeFolders();
 }
 
-std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStructure& after, const TypeFolders& folders)
+std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStructure& after, const TypeFolders& folders,
+                                    const std::vector<bool>& areEqual)
 {
     Side old(before, folders.before, folders.after), now(after, folders.after, folders.after);
-    Comparison comparison(old, now);
+    Comparison comparison(old, now, areEqual);
     comparison.compareTypes();
     return std::move(comparison.changes);
 }

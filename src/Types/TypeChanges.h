@@ -68,9 +68,11 @@ struct TypeFolders
 /// of a moved import would count as removed and added.
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after);
 
-/// Returns the differences, in the order of `after`, removed types last. Types are matched by full name, with
-/// `folders.before` replaced by `folders.after`, and parts by name. Descriptions and the order of parts are ignored.
+/// Returns the differences, in the order of `after`, removed types last, in the order of their declaration. Types are
+/// matched by full name, with `folders.before` replaced by `folders.after`, and parts by name. Descriptions and the
+/// order of parts are ignored. Types of `after` that are known to be equal, by number, are not compared; `before` need
+/// not have them, unless they are tables or arrays.
 /// `before` and `after` must be different objects, because the parts of both are used at the same time. Of several
 /// types of one name, the first is compared. Linear in the parts of both sides.
 std::vector<TypeChange> typeChanges(const TypeStructure& before, const TypeStructure& after,
-                                    const TypeFolders& folders = {});
+                                    const TypeFolders& folders = {}, const std::vector<bool>& areEqual = {});

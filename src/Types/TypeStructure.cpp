@@ -55,7 +55,7 @@ TypeStructure::TypeStructure(MsgBase& message)
             numbers[number] = types.back().number;
         }
     }
-    if (index.size() != types.size()) // several types of one name are only found by name
+    if (!hasUniqueNames()) // several types of one name are only found by name
         numbers.clear();
 }
 

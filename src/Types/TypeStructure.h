@@ -70,6 +70,9 @@ public:
     /// is ignored.
     std::uint32_t find(std::string_view fullName) const;
 
+    /// Returns whether no two types have the same full name.
+    bool hasUniqueNames() const { return index.size() == types.size(); }
+
     /// Returns "record", "table", "array" or "enumeration".
     const char* kindOf(std::uint32_t type) const;
 
