@@ -516,6 +516,17 @@ TEST_F(SchemaFull, ReportsTypesThatDerivedOnesMayReplace)
               "type that a derived one may replace: B");
 }
 
+// A is overridden in a document that doesn't have it, B twice.
+TEST_F(SchemaFull, ReportsOverridesWithoutEffect)
+{
+    folder.write("n", documentOf("<element name='A'/>"));
+    folder.write("m", documentOf("<element name='B'/>"));
+    folder.write("l", documentOf("<override schemaLocation='m'><element name='B'/></override>"));
+    typesOfSchema("<override schemaLocation='n'><element name='A'/></override><include schemaLocation='l'/>"
+                  "<override schemaLocation='m'><element name='A'/><element name='B'/></override>");
+    EXPECT_EQ(countsOf(message), "1 loss: 1 second declaration; 1 part that may not occur");
+}
+
 // What belongs to components that the root doesn't reach is not reported; what belongs to none always is.
 TEST_F(SchemaFull, ReportsWhatTheRootReaches)
 {

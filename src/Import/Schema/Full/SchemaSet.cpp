@@ -233,21 +233,24 @@ void SchemaSet::redefine(Index reference)
     }
 }
 
-// Replaces the component of that kind and name. One that another override has replaced already stays. If there is none,
-// the override has no effect.
+// Replaces the component of that kind and name. If there is none, the override has no effect. It has none either, which
+// is a loss, if another override has replaced the component.
 void SchemaSet::overrideIn(const std::vector<std::uint32_t>& documents, Index component)
 {
     const auto kind = kindOf(tree[component].tag);
     if (!kind || !tree[component].hasName())
         return;
     const std::uint64_t key = nameOf(component).key();
+    const auto isTarget = [&](Index at) { return std::ranges::binary_search(documents, tree[at].document); };
     const Index* const found = symbols[*kind].find(key);
-    if (found && std::ranges::binary_search(documents, tree[*found].document))
-        symbols[*kind].insert(key, component).first = component;
-    else if (found && tree[tree[*found].parent].is(SchemaNode::isOverride))
-        note(SourceReport::declaredTwice, component);
-    else
-        note(SourceReport::elementNotAllowed, component);
+    if (found && isTarget(*found)) {
+        overridden[component] = std::exchange(symbols[*kind].insert(key, component).first, component);
+        return;
+    }
+    auto earlier = overridden.find(found ? *found : 0);
+    while (earlier != overridden.end() && !isTarget(earlier->second))
+        earlier = overridden.find(earlier->second);
+    note(earlier == overridden.end() ? SourceReport::elementNotAllowed : SourceReport::declaredTwice, component);
 }
 
 SchemaSet::Index SchemaSet::find(Kind kind, SchemaName name, Index from) const

@@ -260,6 +260,7 @@ private:
     std::vector<Scope> scopes;                             // in order of their documents
     std::set<std::uint32_t> again;                         // documents of scopes that the schema being loaded refers to
     std::unordered_map<Index, Index> redefined;            // the redefined component by its redefinition
+    std::unordered_map<Index, Index> overridden;           // the replaced component by the one of the override
     std::vector<Index> substitutes;                        // the top-level elements that name a head
     std::unordered_map<Index, std::vector<Index>> members; // by head
     std::size_t copied = 0;                                // number of copied nodes
